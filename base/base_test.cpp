@@ -1,0 +1,134 @@
+// Numbers, UTF and cell lengths against the C library and Qt, where a wrong digit would go unnoticed.
+#include "base/cell.h"
+#include "base/number.h"
+#include "base/utf.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <random>
+#include <vector>
+
+using namespace corvanta;
+
+namespace {
+
+QByteArray general(double value, int precision)
+{
+    std::array<char, kNumberChars> out{};
+    return QByteArray(out.data(), putGeneral(value, precision, out.data()));
+}
+
+QByteArray viaUtf16(const QByteArray &utf8)
+{
+    std::vector<char16_t> wide(static_cast<size_t>(utf8.size()) + 1);
+    const qsizetype units = utf8ToUtf16(utf8.constData(), utf8.size(), wide.data());
+    QByteArray back(units * 3, '\0');
+    back.resize(utf16ToUtf8(wide.data(), units, back.data()));
+    return back;
+}
+
+} // namespace
+
+TEST(Number, GeneralPrintsWhatPrintfPrints)
+{
+    std::mt19937_64 random(1);
+    std::array<char, 64> expected{};
+    for (int i = 0; i < 20000; ++i) {
+        const double value = std::bit_cast<double>(random());
+        if (std::isnan(value)) {
+            continue;
+        }
+        for (const int precision : {6, 16}) {
+            std::snprintf(expected.data(), expected.size(), "%.*g", precision, value);
+            ASSERT_EQ(general(value, precision).toStdString(), expected.data());
+        }
+    }
+}
+
+TEST(Number, ShortestReadsBackAndLooksPlain)
+{
+    const std::pair<double, const char *> cases[] = {
+        {0.25, "0.25"}, {7, "7"},       {1e300, "1e+300"}, {100000, "100000"}, {-0.0, "-0"},
+        {1e-7, "1e-07"}, {0.1 + 0.2, "0.30000000000000004"}, {1e16, "10000000000000000"}};
+    for (const auto &[value, text] : cases) {
+        EXPECT_EQ(shortestText(value).toStdString(), text);
+    }
+    std::mt19937_64 random(2);
+    for (int i = 0; i < 20000; ++i) {
+        const double value = std::bit_cast<double>(random());
+        double back = 0;
+        if (!std::isnan(value)) {
+            ASSERT_TRUE(parseDouble(shortestText(value).toStdU16String(), &back));
+            ASSERT_EQ(back, value);
+        }
+    }
+}
+
+TEST(Number, ParsingTakesTheWholeTextOrNothing)
+{
+    double value = 0;
+    for (const char16_t *bad : {u"", u" 1", u"1 ", u"1,5", u"abc", u"--1", u"+-1", u"nan(1)", u"0x10", u"1e"}) {
+        EXPECT_FALSE(parseDouble(std::u16string_view(bad), &value)) << QString::fromUtf16(bad).toStdString();
+    }
+    EXPECT_TRUE(parseDouble(std::u16string_view(u"1e999"), &value) && std::isinf(value));
+    EXPECT_TRUE(parseDouble(std::u16string_view(u"-inf"), &value) && std::isinf(value) && value < 0);
+    EXPECT_TRUE(parseDouble(std::u16string_view(u"+2.5"), &value) && value == 2.5);
+    quint64 whole = 0;
+    EXPECT_TRUE(parseUInt(std::u16string_view(u"4294967295"), 0xFFFFFFFFU, &whole));
+    EXPECT_FALSE(parseUInt(std::u16string_view(u"4294967296"), 0xFFFFFFFFU, &whole));
+    EXPECT_FALSE(parseUInt(std::u16string_view(u"99999999999999999999"), ~quint64(0), &whole));
+}
+
+TEST(FloatFormat, OnlyOneDoubleConversionGetsThrough)
+{
+    FloatFormat format;
+    for (const char *bad : {"", "x", "%d", "%s", "%n", "%*f", "%1$f", "%Lf", "%f%f", "%", "%.9999f", "%.f%"}) {
+        EXPECT_FALSE(format.set(QString::fromLatin1(bad))) << bad;
+    }
+    const std::pair<const char *, const char *> good[] = {
+        {"%.2f", "3.25"}, {"%+08.1lf", "+00003.2"}, {"%% %e x", "% 3.250000e+00 x"}, {"%.3g", "3.25"}};
+    for (const auto &[text, printed] : good) {
+        ASSERT_TRUE(format.set(QString::fromLatin1(text))) << text;
+        QByteArray out;
+        format.append(3.25, &out);
+        EXPECT_EQ(out.toStdString(), printed);
+    }
+    ASSERT_TRUE(format.set(QStringLiteral("%.999f")));
+    QByteArray out;
+    format.append(1e300, &out);
+    EXPECT_EQ(out.size(), 301 + 1 + 999);
+}
+
+TEST(Utf, SurvivesEveryPlaneAndEveryBrokenSequence)
+{
+    QString all;
+    for (const char32_t c : {U'a', U'\u00e9', U'\u20ac', U'\ud7ff', U'\ue000', U'\U0001F600', U'\U0010FFFF'}) {
+        all += QString(20, QLatin1Char('x')) + QString::fromUcs4(&c, 1);
+    }
+    EXPECT_EQ(viaUtf16(all.toUtf8()), all.toUtf8());
+    for (const char *bad : {"\x80", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "a\xFF"}) {
+        EXPECT_TRUE(viaUtf16(bad).contains("\xEF\xBF\xBD")) << bad;
+    }
+    const char16_t lone[] = {0xD800, u'x', 0xDC00};
+    std::array<char, 9> out{};
+    EXPECT_EQ(QByteArray(out.data(), utf16ToUtf8(lone, 3, out.data())), "\xEF\xBF\xBDx\xEF\xBF\xBD");
+}
+
+TEST(Cell, LengthCodesOfAllFourSizes)
+{
+    const std::pair<quint32, int> cases[] = {{0, 1}, {1, 1}, {126, 1}, {127, 2}, {127 * 128 - 1, 2},
+        {127 * 128, 3}, {127 * 128 * 128 - 1, 3}, {127 * 128 * 128, 4}, {(1U << 28) - 1, 4}};
+    for (const auto &[code, bytes] : cases) {
+        std::array<uchar, 4> out{};
+        EXPECT_EQ(cell::lengthBytes(code), bytes);
+        EXPECT_EQ(cell::putLength(out.data(), code, bytes), out.data() + bytes);
+        EXPECT_EQ(cell::readText(out.data()).code, code);
+        EXPECT_EQ(cell::readText(out.data()).units, out.data() + bytes);
+    }
+}

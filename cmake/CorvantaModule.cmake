@@ -1,0 +1,30 @@
+# corvanta_module(NAME SOURCES ... [TESTS ...] [PUBLIC ...] [PRIVATE ...] [TEST_LIBS ...])
+#
+# A static library corvanta_NAME and, from the tests that lie beside the sources, one test program
+# NAME_test whose cases are found by ctest. PUBLIC and PRIVATE are what the library links: this list,
+# and nothing else, says what a folder may include.
+include(GoogleTest)
+
+function(corvanta_module name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;TESTS;PUBLIC;PRIVATE;TEST_LIBS" ${ARGN})
+    add_library(corvanta_${name} STATIC ${ARG_SOURCES})
+    set_target_properties(corvanta_${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    target_include_directories(corvanta_${name} PUBLIC ${PROJECT_SOURCE_DIR})
+    target_link_libraries(corvanta_${name} PUBLIC ${ARG_PUBLIC} PRIVATE corvanta_options ${ARG_PRIVATE})
+    if(ARG_TESTS AND BUILD_TESTING)
+        corvanta_test(${name}_test SOURCES ${ARG_TESTS} LIBS corvanta_${name} ${ARG_TEST_LIBS})
+    endif()
+endfunction()
+
+# corvanta_test(NAME SOURCES ... LIBS ... [LABELS ...])
+function(corvanta_test name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+    target_link_libraries(${name} PRIVATE corvanta_options ${ARG_LIBS} GTest::gtest_main)
+    set(properties TIMEOUT 600)
+    if(ARG_LABELS)
+        list(APPEND properties LABELS "${ARG_LABELS}")
+    endif()
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
+endfunction()

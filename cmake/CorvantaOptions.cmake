@@ -1,0 +1,16 @@
+# What every target is compiled with.
+add_library(corvanta_options INTERFACE)
+target_compile_options(corvanta_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wformat=2 -Werror=format-security -Wnon-virtual-dtor -Wno-missing-field-initializers
+    -Werror -fno-omit-frame-pointer)
+target_compile_definitions(corvanta_options INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_KEYWORDS QT_DISABLE_DEPRECATED_BEFORE=0x060400 _GLIBCXX_ASSERTIONS)
+
+if(CORVANTA_SANITIZE)
+    target_compile_options(corvanta_options INTERFACE
+        -fsanitize=${CORVANTA_SANITIZE} -fno-sanitize-recover=all -g1)
+    target_link_options(corvanta_options INTERFACE -fsanitize=${CORVANTA_SANITIZE})
+elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
+    target_compile_options(corvanta_options INTERFACE -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
+    target_link_options(corvanta_options INTERFACE -Wl,-z,relro,-z,now)
+endif()
