@@ -21,6 +21,8 @@ template <class E> struct Fault
     QString detail = {};
     qint64 offset = -1;
 };
+/// Clang 14 does not find this by itself.
+template <class E, class... Details> Fault(E, Details...) -> Fault<E>;
 
 /// Either a `T` or a `Fault<E>`. Test it before use: `if (!r) return r.fault();`.
 template <class T, class E> class [[nodiscard]] Result
