@@ -1,0 +1,302 @@
+#include "codecs/deflate/crc32.h"
+#include "codecs/deflate/deflate_stream.h"
+#include "codecs/deflate/inflater.h"
+
+#include <QString>
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <future>
+#include <random>
+
+namespace corvanta::deflate {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr Level kLevels[] = {
+    {Engine::Isal, 1}, {Engine::Isal, 2}, {Engine::Isal, 3}, {Engine::Zlib, 1}, {Engine::Zlib, 6}};
+
+// Text with short and with far repeats: matches reach back over every block's start.
+std::string textOf(size_t bytes)
+{
+    std::mt19937 random(7);
+    std::string text;
+    while (text.size() < bytes) {
+        text += "<c r=\"B" + std::to_string(random() % 5000) + "\"><v>" +
+                std::to_string(random() % 97) + "</v></c>";
+    }
+    text.resize(bytes);
+    return text;
+}
+
+std::string noiseOf(size_t bytes)
+{
+    std::mt19937 random(11);
+    std::string noise(bytes, '\0');
+    std::generate(noise.begin(), noise.end(), [&] { return static_cast<char>(random()); });
+    return noise;
+}
+
+struct Inflated
+{
+    std::string bytes;
+    Inflater::State state = Inflater::State::More;
+};
+
+Inflated inflateBy(Inflater &inflater, std::string_view packed, size_t inputPiece,
+                   size_t outputPiece)
+{
+    Inflated result;
+    std::vector<char> room(outputPiece);
+    size_t at = 0;
+    for (size_t idle = 0; result.state == Inflater::State::More && idle < 3;) {
+        const auto step = inflater.inflate(packed.substr(at, inputPiece), room);
+        at += step.consumed;
+        result.bytes.append(room.data(), step.produced);
+        result.state = step.state;
+        idle = step.consumed + step.produced == 0 ? idle + 1 : 0;
+    }
+    return result;
+}
+
+std::string_view viewOf(const QByteArray &bytes)
+{
+    return {bytes.data(), static_cast<size_t>(bytes.size())};
+}
+
+struct Packed
+{
+    QByteArray bytes;
+    Totals totals;
+};
+
+Packed pack(std::string_view text, const StreamOptions &options, size_t piece, bool throughRoom)
+{
+    MemorySink sink;
+    DeflateStream stream(sink, options);
+    stream.begin();
+    for (size_t at = 0; at < text.size(); at += piece) {
+        const std::string_view part = text.substr(at, piece);
+        if (throughRoom) {
+            auto room = stream.room(part.size());
+            EXPECT_TRUE(room);
+            std::copy(part.begin(), part.end(), room->begin());
+            stream.commit(part.size());
+        } else {
+            EXPECT_TRUE(stream.write(part));
+        }
+    }
+    const auto totals = stream.finish();
+    EXPECT_TRUE(totals);
+    return {sink.bytes(), *totals};
+}
+
+TEST(Deflate, EveryLevelComesBackThroughBothInflaters)
+{
+    const std::string texts[] = {"",
+                                 "a",
+                                 textOf(kBlockBytes - 1),
+                                 textOf(kBlockBytes),
+                                 textOf(kBlockBytes + 1),
+                                 textOf(3 * kBlockBytes + 77),
+                                 noiseOf(2 * kBlockBytes + 5)};
+    for (const Level level : kLevels) {
+        for (const std::string &text : texts) {
+            const Packed packed = pack(text, {.level = level}, 200'000, true);
+            SCOPED_TRACE(testing::Message()
+                         << int(level.engine) << '-' << level.level << " of " << text.size());
+            EXPECT_EQ(packed.totals.size, qint64(text.size()));
+            EXPECT_EQ(packed.totals.compressedSize, packed.bytes.size());
+            EXPECT_EQ(packed.totals.crc,
+                      ::crc32_z(0, reinterpret_cast<const Bytef *>(text.data()), text.size()));
+            EXPECT_LE(packed.bytes.size(), qint64(text.size() + text.size() / 1000 + 64));
+            for (auto make : {makeInflater, makeZlibInflater}) {
+                const auto inflater = make();
+                const Inflated back = inflateBy(*inflater, viewOf(packed.bytes), 100'000, 70'000);
+                EXPECT_EQ(back.state, Inflater::State::End);
+                EXPECT_TRUE(back.bytes == text);
+            }
+        }
+    }
+}
+
+// A block that did not see the 32 KiB before it would have to spell its first matches out.
+TEST(Deflate, BlocksUseTheOnesBeforeThem)
+{
+    const std::string record = noiseOf(16'000);
+    std::string text;
+    while (text.size() < 2 * kBlockBytes) {
+        text += record;
+    }
+    for (const Level level : {Level{}, Level{Engine::Zlib, 6}}) {
+        const auto deflater = makeDeflater(level);
+        std::vector<char> out;
+        const std::span<const char> window(text.data(), kWindowBytes);
+        const std::span<const char> block(text.data() + kWindowBytes, kWindowBytes);
+        EXPECT_LT(deflater->compress(window, block, Ending::Last, out), 4'000U);
+        EXPECT_GT(deflater->compress({}, block, Ending::Last, out), 16'000U);
+    }
+}
+
+TEST(Deflate, BytesDependOnTheTextAlone)
+{
+    const std::string text = textOf(5 * kBlockBytes + 1234);
+    for (const Level level : {Level{}, Level{Engine::Zlib, 1}}) {
+        const QByteArray expected = pack(text, {level, 0}, text.size(), false).bytes;
+        for (const int workers : {0, 1, 2, 5}) {
+            EXPECT_EQ(pack(text, {level, workers}, kMaxRoomBytes, true).bytes, expected) << workers;
+            EXPECT_EQ(pack(text, {level, workers}, 4099, true).bytes, expected) << workers;
+            EXPECT_EQ(pack(text, {level, workers}, 65'536, false).bytes, expected) << workers;
+        }
+    }
+}
+
+TEST(Deflate, RoomAskedForAtAFullBlockChangesNothing)
+{
+    const std::string text = textOf(kBlockBytes);
+    MemorySink sink;
+    DeflateStream stream(sink);
+    stream.begin();
+    EXPECT_TRUE(stream.write(text));
+    EXPECT_TRUE(stream.room(kMaxRoomBytes));
+    EXPECT_TRUE(stream.finish());
+    EXPECT_EQ(sink.bytes(), pack(text, {}, text.size(), false).bytes);
+}
+
+// Refuses the calls of which the answer says so.
+class FailingSink final : public ByteSink
+{
+public:
+    explicit FailingSink(std::function<bool(int)> refuses)
+        : m_refuses(std::move(refuses))
+    {
+    }
+    bool write(const void *bytes, qint64 n) override
+    {
+        return !m_refuses(m_calls++) && m_sink.write(bytes, n);
+    }
+    bool seek(qint64 offset) override { return m_sink.seek(offset); }
+    qint64 position() const override { return m_sink.position(); }
+    bool flush() override { return true; }
+    const QByteArray &bytes() const { return m_sink.bytes(); }
+
+private:
+    std::function<bool(int)> m_refuses;
+    int m_calls = 0;
+    MemorySink m_sink;
+};
+
+template <class Call> int repeat(Call call)
+{
+    for (int faults = 0;; ++faults) {
+        auto result = call();
+        if (result) {
+            return faults;
+        }
+        EXPECT_EQ(result.fault().code, Error::WriteFailed);
+    }
+}
+
+TEST(Deflate, AFailedWriteIsToldOnceAndNothingIsLost)
+{
+    const std::string text = textOf(9 * kBlockBytes + 99);
+    const QByteArray expected = pack(text, {}, text.size(), false).bytes;
+    for (const int workers : {0, 2}) {
+        for (int failing = 0; failing < 10; ++failing) {
+            // Refused twice in a row, as a disk that is still full at the first retry.
+            FailingSink sink(
+                [failing](int call) { return call == failing || call == failing + 1; });
+            DeflateStream stream(sink, {{}, workers});
+            stream.begin();
+            int faults = repeat([&] { return stream.write(text); });
+            faults += repeat([&] { return stream.finish(); });
+            EXPECT_EQ(faults, 2) << failing;
+            EXPECT_EQ(sink.bytes(), expected) << failing;
+        }
+    }
+}
+
+TEST(Deflate, StreamsFollowEachOther)
+{
+    const std::string text = textOf(2 * kBlockBytes);
+    MemorySink sink;
+    DeflateStream stream(sink);
+    for (int i = 0; i < 2; ++i) {
+        stream.begin();
+        EXPECT_TRUE(stream.write(text));
+        EXPECT_TRUE(stream.finish());
+    }
+    const QByteArray once = pack(text, {}, text.size(), false).bytes;
+    EXPECT_EQ(sink.bytes(), once + once);
+}
+
+// A sink that holds its first write until it is told to go on.
+TEST(Deflate, StopEndsACallThatWaits)
+{
+    std::promise<void> isWriting;
+    std::promise<void> goOn;
+    FailingSink sink([&](int call) {
+        if (call == 0) {
+            isWriting.set_value();
+            goOn.get_future().wait();
+        }
+        return false;
+    });
+    DeflateStream stream(sink, {{}, 1});
+    stream.begin();
+    const std::string text = textOf(20 * kBlockBytes);
+    auto writing = std::async(std::launch::async, [&] { return stream.write(text); });
+    isWriting.get_future().wait();
+    stream.stop();
+    goOn.set_value();
+    const auto result = writing.get();
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.fault().code, Error::Stopped);
+    EXPECT_EQ(stream.finish().fault().code, Error::Stopped);
+}
+
+TEST(Inflate, SmallPiecesAndDamage)
+{
+    const std::string text = textOf(3000);
+    const QByteArray packed = pack(text, {}, text.size(), false).bytes;
+    for (auto make : {makeInflater, makeZlibInflater}) {
+        const auto inflater = make();
+        for (const size_t piece : {1, 2, 3, 7, 64}) {
+            EXPECT_EQ(inflateBy(*inflater, viewOf(packed), piece, piece).bytes, text);
+            inflater->reset();
+        }
+        for (qsizetype cut = 0; cut < packed.size(); ++cut) {
+            const Inflated back = inflateBy(*inflater, viewOf(packed.left(cut)), 50, 5000);
+            EXPECT_NE(back.state, Inflater::State::End) << cut;
+            inflater->reset();
+        }
+        EXPECT_EQ(inflateBy(*inflater, "\xff\xff\xff\xff", 4, 5000).state, Inflater::State::Bad);
+        inflater->reset();
+    }
+}
+
+TEST(Crc32, IsThatOfZipAndJoins)
+{
+    EXPECT_EQ(crc32(0, std::string_view("123456789")),
+              0xCBF43926U); // the check value of the polynomial
+    const std::string text = textOf(5000);
+    const std::string_view view = text;
+    EXPECT_EQ(crc32Join(crc32(0, view.substr(0, 1234)), crc32(0, view.substr(1234)), 5000 - 1234),
+              crc32(0, view));
+    EXPECT_EQ(crc32Join(77, 0, 0), 77U);
+}
+
+TEST(Level, IsReadFromText)
+{
+    EXPECT_EQ(parseLevel(u"isal-3")->level, 3);
+    EXPECT_EQ(parseLevel(u"zlib-9")->engine, Engine::Zlib);
+    for (const QString &bad :
+         {u""_s, u"isal"_s, u"isal-0"_s, u"isal-4"_s, u"zlib-0"_s, u"zlib-10"_s, u"lzma-2"_s}) {
+        EXPECT_FALSE(parseLevel(bad)) << bad.toStdString();
+    }
+}
+
+} // namespace
+} // namespace corvanta::deflate

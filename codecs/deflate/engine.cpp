@@ -1,0 +1,57 @@
+#include "codecs/deflate/engines.h"
+
+#include <QString>
+
+namespace corvanta::deflate {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int kIsalLeast = 1; // 0 makes what cannot be compressed a quarter larger
+constexpr int kIsalMost = 3;
+constexpr int kZlibLeast = 1;
+constexpr int kZlibMost = 9;
+
+} // namespace
+
+std::optional<Level> parseLevel(QStringView text)
+{
+    const qsizetype dash = text.indexOf(u'-');
+    bool isNumber = false;
+    const int level = text.mid(dash + 1).toInt(&isNumber);
+    const QStringView engine = text.left(dash);
+    if (dash < 0 || !isNumber) {
+        return std::nullopt;
+    }
+    if (engine == "isal"_L1 && level >= kIsalLeast && level <= kIsalMost) {
+        return Level{Engine::Isal, level};
+    }
+    if (engine == "zlib"_L1 && level >= kZlibLeast && level <= kZlibMost) {
+        return Level{Engine::Zlib, level};
+    }
+    return std::nullopt;
+}
+
+std::unique_ptr<Deflater> makeDeflater(Level level)
+{
+    if (level.engine == Engine::Zlib) {
+        return makeZlibDeflater(level.level);
+    }
+#ifdef CORVANTA_HAVE_ISAL
+    return makeIsalDeflater(level.level);
+#else
+    return makeZlibDeflater(level.level < kIsalMost ? kZlibLeast : kIsalMost);
+#endif
+}
+
+std::unique_ptr<Inflater> makeInflater()
+{
+#ifdef CORVANTA_HAVE_ISAL
+    return makeIsalInflater();
+#else
+    return makeZlibInflater();
+#endif
+}
+
+} // namespace corvanta::deflate

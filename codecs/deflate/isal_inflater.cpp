@@ -1,0 +1,51 @@
+#include "codecs/deflate/engines.h"
+
+#include <isa-l/igzip_lib.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace corvanta::deflate {
+
+namespace {
+
+uint32_t atOnce(size_t bytes)
+{
+    return static_cast<uint32_t>(std::min<size_t>(bytes, std::numeric_limits<uint32_t>::max()));
+}
+
+class IsalInflater final : public Inflater
+{
+public:
+    IsalInflater() { isal_inflate_init(&m_state); }
+
+    Step inflate(std::span<const char> input, std::span<char> output) override
+    {
+        m_state.next_in = reinterpret_cast<uint8_t *>(const_cast<char *>(input.data()));
+        m_state.avail_in = atOnce(input.size());
+        m_state.next_out = reinterpret_cast<uint8_t *>(output.data());
+        m_state.avail_out = atOnce(output.size());
+        const int status = isal_inflate(&m_state);
+        const size_t consumed = atOnce(input.size()) - m_state.avail_in;
+        const size_t produced = atOnce(output.size()) - m_state.avail_out;
+        if (status < 0) {
+            return {State::Bad, consumed, produced};
+        }
+        const bool isEnd = m_state.block_state == ISAL_BLOCK_FINISH;
+        return {isEnd ? State::End : State::More, consumed, produced};
+    }
+
+    void reset() override { isal_inflate_reset(&m_state); }
+
+private:
+    inflate_state m_state;
+};
+
+} // namespace
+
+std::unique_ptr<Inflater> makeIsalInflater()
+{
+    return std::make_unique<IsalInflater>();
+}
+
+} // namespace corvanta::deflate
