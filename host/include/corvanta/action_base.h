@@ -1,0 +1,131 @@
+// corvanta/action_base.h
+// What all our actions share: self-description, parameters, and the boundary that nothing is thrown across.
+#pragma once
+#include "corvanta/action_item.h"
+#include "corvanta/action_parameters.h"
+#include "corvanta/main_ui.h"
+#include "corvanta/param_table.h"
+
+#include <exception>
+#include <new>
+#include <type_traits>
+
+namespace corvanta {
+
+/// How an action presents itself in the palette.
+struct ActionDescription
+{
+    const char *typeName = nullptr;
+    const char *description = nullptr;
+    const char *helpPage = "";
+    const char *icon = nullptr;
+    double saveVersion = 1.0;
+    QStringList fileTypes = {}; ///< null list: the host's default
+    QStringList tags = {};
+    QStringList keywords = {};
+    int pinsIn = 1;
+    int pinsOut = 1;
+    int maxPinsIn = -1; ///< -1: pinsIn
+    UpdateClassWidget *(*makePanel)(QWidget *parent, ActionItem *action) = nullptr;
+};
+
+/// Logs a repeated message a limited number of times, then a closing line once.
+class CORVANTA_EXPORT CappedLog
+{
+public:
+    CappedLog(MainUI::LogLevel level, int most, QString closingLine);
+    void add(const QString &text);
+    void reset() { m_count = 0; }
+
+private:
+    MainUI::LogLevel m_level;
+    int m_most;
+    QString m_closingLine;
+    int m_count = 0;
+};
+
+/// Base of the actions: catalogue texts, failures, and the run function.
+///
+/// A subclass implements step() (the run function), and start() and finish() when it has something to
+/// prepare in init and to complete in close. All three may throw: the failure is logged and fails the run.
+class CORVANTA_EXPORT ActionBase : public ActionItem, public ActionParameters
+{
+public:
+    const char *getTypeName() const override { return m_description.typeName; }
+    UpdateClassWidget *createPanel(QWidget *parent) override;
+    QPixmap *getIcon(double scale) override;
+    QString getDescription() const override;
+    void showHelp() override;
+    QStringList getFileTypes() const override;
+    QStringList getTags() const override;
+    QStringList getKeywords() const override { return m_description.keywords; }
+    char init() override;
+    char close() override;
+    void prepareRun() override;
+
+    const ActionDescription &description() const { return m_description; }
+
+protected:
+    ActionBase(const ActionDescription &description, XMLNode saved, GlobalParameters *parameters);
+
+    /// Prepare a run: reset all state of an earlier one.
+    virtual void start() {}
+    /// One call of the run function: true when finished or failed, false to be called again.
+    virtual bool step() = 0;
+    /// Complete or abandon what the run opened (see runIsGood()), and free it. May be called twice.
+    virtual void finish() {}
+
+    /// Log an error, fail the run, and answer true.
+    bool fail(const QString &text);
+    /// Log a warning and set the warning flag.
+    void warn(const QString &text);
+    bool yieldRequested() const { return m_control->yieldRequest.load(std::memory_order_relaxed) != 0; }
+    /// False once this or another action failed, or the run was stopped: targets must then not be touched.
+    bool runIsGood() const { return m_control != nullptr && m_control->isRunning() && m_errorFlag == 0; }
+
+private:
+    bool runGuarded();
+    template <class F> void guarded(F &&work) noexcept;
+
+    ActionDescription m_description;
+};
+
+/// An action with a parameter struct `P`, declared in the table that `Self::paramTable()` returns.
+///
+/// `Self::adjustDefaults(P &, double savedVersion)`, when there is one, sets the defaults that hang on the
+/// version that saved the graph; it runs before the attributes are read.
+template <class Self, class P> class ParamAction : public ActionBase
+{
+public:
+    void save(std::wostream &out, const QString &elementName) override
+    {
+        saveAI(out, elementName, description().saveVersion);
+        Self::paramTable().save(m_params, out, elementName, globalParameters());
+    }
+    ActionItem *newInstance(XMLNode *saved, GlobalParameters *parameters) override
+    {
+        const std::unique_ptr<XMLNode> owned(saved);
+        return new (std::nothrow) Self(*owned, parameters);
+    }
+    QVector<ParameterInfo> parameters() const override { return Self::paramTable().infos(); }
+    QString parameterValue(int index) const override { return Self::paramTable().value(m_params, index); }
+    bool setParameterValue(int index, const QString &value) override
+    {
+        return Self::paramTable().setValue(m_params, index, value);
+    }
+    const P &params() const { return m_params; }
+
+protected:
+    ParamAction(const ActionDescription &description, const XMLNode &saved, GlobalParameters *parameters)
+        : ActionBase(description, saved, parameters)
+    {
+        if constexpr (requires(P &p) { Self::adjustDefaults(p, 0.0); }) {
+            Self::adjustDefaults(m_params, savedVersion());
+        }
+        Self::paramTable().read(m_params, saved);
+    }
+
+    P m_params;
+};
+
+} // namespace corvanta

@@ -1,0 +1,26 @@
+// corvanta/plugin_interface.h
+// What a plug-in module shows the host.
+#pragma once
+#include "corvanta/xml_node.h"
+
+#include <QtPlugin>
+
+class ActionItem;
+
+/// Implemented by the one plug-in object of a module. The order of the operations is fixed.
+class CorvantaPluginInterface
+{
+public:
+    virtual ~CorvantaPluginInterface() = default;
+    /// A new prototype of the action number `index`; null beyond the last. The second argument is not
+    /// used. The caller owns the object.
+    virtual ActionItem *createAction(int index, unsigned int reserved) = 0;
+    virtual void initialise() = 0;
+    virtual double getVersion() = 0;
+    virtual void *getExtra1() = 0;
+    virtual void *getExtra2() = 0;
+    virtual void *createActionFromNode(XMLNode node) = 0;
+};
+
+#define CorvantaPluginInterface_iid "CorvantaPluginInterface/1.0"
+Q_DECLARE_INTERFACE(CorvantaPluginInterface, CorvantaPluginInterface_iid)

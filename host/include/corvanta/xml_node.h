@@ -1,0 +1,89 @@
+// corvanta/xml_node.h
+// Parameters as the host keeps them: a small immutable XML tree, and its conversions.
+#pragma once
+#include "corvanta/export.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <iosfwd>
+#include <memory>
+
+/// A node of a parameter tree; copies share the tree. Texts returned as pointers are zero-terminated
+/// UTF-16 and live as long as any node of the tree.
+class CORVANTA_EXPORT XMLNode
+{
+public:
+    XMLNode();
+    static XMLNode emptyNode() { return {}; }
+
+    /// What parse() could not read, and where (1-based).
+    struct Error
+    {
+        QString message;
+        qint64 line = 0;
+        qint64 column = 0;
+    };
+    /// Parse a whole document; an empty node, and `error` filled, when it is not well-formed or is
+    /// nested more than 1,000 deep.
+    static XMLNode parse(const QByteArray &document, Error *error);
+
+    bool isEmpty() const { return !m_data; }
+    QString getName() const;
+    /// Line of the element's start tag in its document, 1-based; 0 for an empty node.
+    int line() const;
+
+    /// The attribute's value, or null. `index` is not used for attributes, which are unique.
+    const char16_t *getAttribute(const char *name, int *index = nullptr) const;
+    QStringList attributeNames() const;
+
+    int nChildNode() const;
+    XMLNode getChildNode(int i) const;
+    /// The first child of that name from child number `*index` on (0 without `index`); `*index` is set
+    /// behind it. An empty node when there is none.
+    XMLNode getChildNode(const char *name, int *index = nullptr) const;
+    /// The i-th run of character data directly inside the element, or null.
+    const char16_t *getText(int i = 0) const;
+    /// All character data directly inside the element.
+    QString text() const;
+
+private:
+    struct Data;
+    friend class XMLNodeBuilder;
+    std::shared_ptr<const Data> m_data;
+};
+
+// Conversions of attribute texts; each returns the default when the text is null. Numbers: leading
+// blanks are skipped and what follows the digits is ignored; a text without digits gives 0 and a number
+// out of range the nearest one.
+CORVANTA_EXPORT QString xmltoa(const char16_t *text, const QString &defaultValue);
+CORVANTA_EXPORT int xmltoi(const char16_t *text, int defaultValue);
+CORVANTA_EXPORT long long xmltol(const char16_t *text, long long defaultValue);
+CORVANTA_EXPORT double xmltof(const char16_t *text, double defaultValue);
+/// False for "0", "false", "no" and an empty text, true for everything else.
+CORVANTA_EXPORT char xmltob(const char16_t *text, char defaultValue);
+
+/// A string list saved as one `<s>TEXT</s>` child per string.
+CORVANTA_EXPORT QStringList fromXMLSL(const XMLNode &node);
+CORVANTA_EXPORT void toXML(const QStringList &list, std::wostream &out);
+
+/// Escapes text for attribute values and element text.
+class CORVANTA_EXPORT ToXMLStringTool
+{
+public:
+    ToXMLStringTool();
+    ~ToXMLStringTool();
+    ToXMLStringTool(const ToXMLStringTool &) = delete;
+    ToXMLStringTool &operator=(const ToXMLStringTool &) = delete;
+
+    /// `text` with & < > " ' and the line feed, carriage return and tab escaped, so that a reader of
+    /// attribute values gets them back. Valid until the next call or freeBuffer().
+    const wchar_t *toXML(const QString &text);
+    void freeBuffer();
+
+private:
+    std::unique_ptr<std::wstring> m_buffer;
+};
+
+/// True when the node was saved by a host whose version is not known, that is, when it is new.
+CORVANTA_EXPORT bool isNewFile(const XMLNode &node);

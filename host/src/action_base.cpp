@@ -1,0 +1,174 @@
+#include "corvanta/action_base.h"
+
+#include "corvanta/host_functions.h"
+
+#include <QMutex>
+#include <QPixmap>
+
+#include <map>
+#include <mutex>
+#include <string>
+
+using namespace Qt::StringLiterals;
+
+ActionParameters::~ActionParameters() = default;
+
+QString ActionParameters::typeName(ParameterInfo::Type type)
+{
+    switch (type) {
+    case ParameterInfo::Type::Text:
+        return u"text"_s;
+    case ParameterInfo::Type::Integer:
+        return u"integer"_s;
+    case ParameterInfo::Type::Real:
+        return u"real"_s;
+    case ParameterInfo::Type::Flag:
+        return u"flag"_s;
+    case ParameterInfo::Type::Strings:
+        return u"strings"_s;
+    case ParameterInfo::Type::Structure:
+        break;
+    }
+    return u"structure"_s;
+}
+
+namespace corvanta {
+
+namespace {
+
+/// The icon cache of one action class.
+struct IconCache
+{
+    QPixmap pixmap;
+    void *key = nullptr;
+};
+
+IconCache &iconCacheOf(const char *typeName)
+{
+    static std::mutex mutex;
+    static std::map<std::string, IconCache> caches;
+    const std::lock_guard lock(mutex);
+    return caches[typeName];
+}
+
+} // namespace
+
+CappedLog::CappedLog(MainUI::LogLevel level, int most, QString closingLine)
+    : m_level(level)
+    , m_most(most)
+    , m_closingLine(std::move(closingLine))
+{}
+
+void CappedLog::add(const QString &text)
+{
+    if (m_count < m_most) {
+        MainUI::addLog(m_level, text);
+    } else if (m_count == m_most) {
+        MainUI::addLog(m_level, m_closingLine);
+    } else {
+        return;
+    }
+    ++m_count;
+}
+
+ActionBase::ActionBase(const ActionDescription &description, XMLNode saved, GlobalParameters *parameters)
+    : ActionItem(std::move(saved), parameters)
+    , m_description(description)
+{
+    m_nPinIn = description.pinsIn;
+    m_nPinOut = description.pinsOut;
+    m_maxPinIn = description.maxPinsIn < 0 ? description.pinsIn : description.maxPinsIn;
+}
+
+UpdateClassWidget *ActionBase::createPanel(QWidget *parent)
+{
+    return m_description.makePanel != nullptr ? m_description.makePanel(parent, this) : nullptr;
+}
+
+QPixmap *ActionBase::getIcon(double scale)
+{
+    IconCache &cache = iconCacheOf(m_description.typeName);
+    return renderSVG(scale, QString::fromLatin1(m_description.icon), &cache.pixmap, &cache.key);
+}
+
+QString ActionBase::getDescription() const
+{
+    return QString::fromUtf8(m_description.description);
+}
+
+void ActionBase::showHelp()
+{
+    openHelp(QString::fromLatin1(m_description.helpPage), QString());
+}
+
+QStringList ActionBase::getFileTypes() const
+{
+    return m_description.fileTypes.isEmpty() ? ActionItem::getFileTypes() : m_description.fileTypes;
+}
+
+QStringList ActionBase::getTags() const
+{
+    return m_description.tags.isEmpty() ? ActionItem::getTags() : m_description.tags;
+}
+
+template <class F> void ActionBase::guarded(F &&work) noexcept
+{
+    try {
+        work();
+    } catch (const std::bad_alloc &) {
+        fail(u"Error: '%1': not enough memory\n"_s.arg(QLatin1StringView(m_description.typeName)));
+    } catch (const std::exception &error) {
+        fail(u"Error: '%1': %2\n"_s.arg(QLatin1StringView(m_description.typeName), QString::fromUtf8(error.what())));
+    } catch (...) {
+        fail(u"Error: '%1': unknown failure\n"_s.arg(QLatin1StringView(m_description.typeName)));
+    }
+}
+
+char ActionBase::init()
+{
+    if (m_control->yieldRequest != 0) {
+        return 0;
+    }
+    guarded([this] {
+        ActionItem::init();
+        start();
+    });
+    return m_errorFlag;
+}
+
+void ActionBase::prepareRun()
+{
+    m_runFunction = static_cast<RunFunction>(&ActionBase::runGuarded);
+}
+
+bool ActionBase::runGuarded()
+{
+    bool finished = true;
+    guarded([&] { finished = step(); });
+    return finished;
+}
+
+char ActionBase::close()
+{
+    guarded([this] {
+        finish();
+        ActionItem::close();
+    });
+    return m_errorFlag;
+}
+
+bool ActionBase::fail(const QString &text)
+{
+    MainUI::addLog(MainUI::Error, text);
+    m_control->runStatus = RunControl::Failed;
+    m_errorFlag = 1;
+    return true;
+}
+
+void ActionBase::warn(const QString &text)
+{
+    MainUI::addLog(MainUI::Warning, text);
+    m_warningFlag = 1;
+}
+
+} // namespace corvanta

@@ -1,0 +1,173 @@
+#include "corvanta/action_item.h"
+
+#include "corvanta/files.h"
+#include "engine/pins.h"
+
+#include <QLocale>
+
+#include <limits>
+#include <sstream>
+
+namespace {
+
+double versionOf(const XMLNode &saved, const GlobalParameters *parameters)
+{
+    const double fromGraph = parameters != nullptr ? parameters->graphVersion()
+                                                   : std::numeric_limits<double>::infinity();
+    return xmltof(saved.getAttribute("version"), fromGraph);
+}
+
+} // namespace
+
+ActionItem::ActionItem(XMLNode saved, GlobalParameters *parameters)
+    : m_globalParameters(parameters)
+    , m_savedVersion(versionOf(saved, parameters))
+{}
+
+ActionItem::~ActionItem() = default;
+
+void ActionItem::addPinIn()
+{
+    m_nPinIn = qMin(m_nPinIn + 1, m_maxPinIn);
+}
+
+void ActionItem::addPinOut()
+{
+    ++m_nPinOut;
+}
+
+void ActionItem::removePinIn()
+{
+    m_nPinIn = qMax(m_nPinIn - 1, 0);
+}
+
+void ActionItem::removePinOut()
+{
+    m_nPinOut = qMax(m_nPinOut - 1, 0);
+}
+
+QStringList ActionItem::getFileTypes() const
+{
+    return {};
+}
+
+QStringList ActionItem::getTags() const
+{
+    return {};
+}
+
+QStringList ActionItem::getAlternativeNames() const
+{
+    return {};
+}
+
+ActionItem *ActionItem::clone(GlobalParameters *parameters)
+{
+    std::wostringstream out;
+    save(out, QString::fromLatin1(getTypeName()));
+    XMLNode::Error error;
+    return newInstance(new XMLNode(XMLNode::parse(QString::fromStdWString(out.str()).toUtf8(), &error)), parameters);
+}
+
+char ActionItem::init()
+{
+    m_warningFlag = 0;
+    m_errorFlag = 0;
+    return 0;
+}
+
+char ActionItem::close()
+{
+    return 0;
+}
+
+void ActionItem::wakeAll() {}
+
+float ActionItem::computeCompletion()
+{
+    return -1;
+}
+
+bool ActionItem::completionIn2Pass()
+{
+    return false;
+}
+
+char ActionItem::canRunInParallel(const QString &, bool *answer)
+{
+    *answer = true;
+    return 0;
+}
+
+char ActionItem::fullTableRequiredToComputeMetas(int, bool *answer)
+{
+    *answer = false;
+    return 0;
+}
+
+QString ActionItem::getHDFile(int, bool)
+{
+    return {};
+}
+
+quint64 ActionItem::getHDTime()
+{
+    return 0;
+}
+
+void ActionItem::clearHDFile() {}
+
+const OneRow *ActionItem::getNextRowFromInPin(int pin)
+{
+    return m_ports != nullptr && pin < m_ports->pinsIn() ? m_ports->nextRow(pin) : nullptr;
+}
+
+const OneRow *ActionItem::getInputColumns(int pin)
+{
+    return m_ports->in(pin).columns();
+}
+
+OneRow *ActionItem::getOutputRowForOutputPin(int pin)
+{
+    return m_ports->out(pin).row();
+}
+
+void ActionItem::setRowReadyForOutput(int pin)
+{
+    m_ports->out(pin).rowReady();
+}
+
+RowBuffer *ActionItem::bufferForOutputPin(int pin)
+{
+    return m_ports->out(pin).buffer();
+}
+
+bool ActionItem::isOutputPinRead(int pin) const
+{
+    return m_ports->out(pin).isRead();
+}
+
+QString ActionItem::expandFile(const QString &name) const
+{
+    return m_globalParameters != nullptr ? m_globalParameters->expandFile(name) : name;
+}
+
+QString ActionItem::expandString(const QString &text) const
+{
+    return m_globalParameters != nullptr ? m_globalParameters->expandString(text) : text;
+}
+
+QString ActionItem::expandOutputFile(const QString &name, const QString &extension) const
+{
+    QString expanded = m_globalParameters != nullptr ? m_globalParameters->expandOutputFile(name) : name;
+    if (!extension.isEmpty()) {
+        addExtentionIfRequired(&expanded, extension);
+    }
+    return expanded;
+}
+
+void ActionItem::saveAI(std::wostream &out, const QString &elementName, double version) const
+{
+    out << L'<' << elementName.toStdWString() << L" version='"
+        << QString::number(version, 'g', QLocale::FloatingPointShortest).toStdWString() << L'\'';
+}

@@ -1,0 +1,77 @@
+#include "corvanta/action_registry.h"
+
+#include "builtin/builtin_plugin.h"
+#include "corvanta/main_ui.h"
+#include "corvanta/plugin_interface.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QPluginLoader>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+ActionRegistry::ActionRegistry() = default;
+ActionRegistry::~ActionRegistry() = default;
+
+QString ActionRegistry::defaultFolder()
+{
+    const QString given = qEnvironmentVariable("CORVANTA_PLUGIN_PATH");
+    return given.isEmpty() ? QCoreApplication::applicationDirPath() + "/../lib/corvanta/plugins"_L1 : given;
+}
+
+void ActionRegistry::loadAll()
+{
+    loadFolder(defaultFolder());
+    BuiltinPlugin builtin;
+    add(&builtin);
+}
+
+void ActionRegistry::loadFolder(const QString &folder)
+{
+    const QDir dir(folder);
+    for (const QString &name : dir.entryList({u"*.so"_s, u"*.dll"_s}, QDir::Files, QDir::Name)) {
+        // Modules stay loaded: actions and their icons live as long as the program.
+        QPluginLoader loader(dir.absoluteFilePath(name));
+        loader.setLoadHints(QLibrary::PreventUnloadHint);
+        auto *const plugin = qobject_cast<CorvantaPluginInterface *>(loader.instance());
+        if (plugin != nullptr) {
+            add(plugin);
+        } else {
+            MainUI::addLog(MainUI::Warning, u"Warning: cannot load the plug-in '%1': %2\n"_s.arg(
+                                                dir.absoluteFilePath(name), loader.errorString()));
+        }
+    }
+}
+
+void ActionRegistry::add(CorvantaPluginInterface *plugin)
+{
+    plugin->initialise();
+    for (int i = 0;; ++i) {
+        std::unique_ptr<ActionItem> action(plugin->createAction(i, 0));
+        if (!action) {
+            return;
+        }
+        m_prototypes.push_back(std::move(action));
+    }
+}
+
+ActionItem *ActionRegistry::prototype(const QString &typeName) const
+{
+    for (const auto &action : m_prototypes) {
+        if (typeName == QLatin1StringView(action->getTypeName())) {
+            return action.get();
+        }
+    }
+    return nullptr;
+}
+
+std::unique_ptr<ActionItem> ActionRegistry::create(const XMLNode &parameters, GlobalParameters *global) const
+{
+    ActionItem *const type = prototype(parameters.getName());
+    return std::unique_ptr<ActionItem>(type == nullptr ? nullptr
+                                                       : type->newInstance(new XMLNode(parameters), global));
+}
+
+} // namespace corvanta

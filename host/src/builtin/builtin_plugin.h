@@ -1,0 +1,19 @@
+// host/src/builtin/builtin_plugin.h
+// The host's own actions, in a plug-in that is linked in.
+#pragma once
+#include "corvanta/plugin_interface.h"
+
+namespace corvanta {
+
+class BuiltinPlugin final : public CorvantaPluginInterface
+{
+public:
+    ActionItem *createAction(int index, unsigned int reserved) override;
+    void initialise() override {}
+    double getVersion() override { return 1.0; }
+    void *getExtra1() override { return nullptr; }
+    void *getExtra2() override { return nullptr; }
+    void *createActionFromNode(XMLNode) override { return nullptr; }
+};
+
+} // namespace corvanta

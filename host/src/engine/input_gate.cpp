@@ -1,0 +1,88 @@
+#include "engine/input_gate.h"
+
+namespace corvanta {
+
+InputGate::InputGate(int pins)
+    : m_queues(static_cast<size_t>(pins))
+{}
+
+bool InputGate::mayPush(const Queue &queue, int pin) const
+{
+    return m_closed || queue.bytes < kQueueBytes || queue.slices.size() < 2
+        || (m_waitingPin >= 0 && m_waitingPin != pin);
+}
+
+void InputGate::push(int pin, BatchSlice slice)
+{
+    std::unique_lock lock(m_mutex);
+    Queue &queue = m_queues[static_cast<size_t>(pin)];
+    m_emptied.wait(lock, [&] { return mayPush(queue, pin); });
+    if (m_closed) {
+        return;
+    }
+    if (queue.spill.hasRows() || queue.bytes >= kOverflowBytes) {
+        queue.spill.put(slice);
+        return;
+    }
+    queue.bytes += slice.bytes();
+    queue.slices.push_back(std::move(slice));
+    if (m_waitingPin == pin) {
+        m_filled.notify_one();
+    }
+}
+
+void InputGate::end(int pin, std::shared_ptr<const TableSchema> schema)
+{
+    const std::lock_guard lock(m_mutex);
+    Queue &queue = m_queues[static_cast<size_t>(pin)];
+    queue.ended = true;
+    queue.schema = std::move(schema);
+    m_filled.notify_one();
+}
+
+std::optional<BatchSlice> InputGate::pop(int pin)
+{
+    std::unique_lock lock(m_mutex);
+    Queue &queue = m_queues[static_cast<size_t>(pin)];
+    const auto ready = [&] {
+        return m_closed || !queue.slices.empty() || queue.spill.hasRows() || queue.ended;
+    };
+    if (!ready()) {
+        m_waitingPin = pin;
+        m_emptied.notify_all(); // producers of the other pins may go on now
+        m_filled.wait(lock, ready);
+        m_waitingPin = -1;
+    }
+    if (m_closed) {
+        return std::nullopt;
+    }
+    if (queue.slices.empty()) {
+        return queue.spill.take();
+    }
+    BatchSlice slice = std::move(queue.slices.front());
+    queue.slices.pop_front();
+    queue.bytes -= slice.bytes();
+    m_emptied.notify_all();
+    return slice;
+}
+
+std::shared_ptr<const TableSchema> InputGate::endSchema(int pin) const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_queues[static_cast<size_t>(pin)].schema;
+}
+
+void InputGate::close()
+{
+    const std::lock_guard lock(m_mutex);
+    m_closed = true;
+    for (Queue &queue : m_queues) {
+        queue.slices.clear();
+        queue.bytes = 0;
+        queue.spill.clear();
+    }
+    m_filled.notify_all();
+    m_emptied.notify_all();
+}
+
+} // namespace corvanta

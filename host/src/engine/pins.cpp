@@ -1,0 +1,203 @@
+#include "engine/pins.h"
+
+#include "base/cell.h"
+
+namespace corvanta {
+
+namespace {
+
+const uchar *copyCell(RowBuffer &arena, MetaInfo::MetaTypeColumn type, const uchar *cell)
+{
+    qsizetype n = 0;
+    switch (type) {
+    case MetaInfo::Key:
+        n = cell::kKeyBytes;
+        break;
+    case MetaInfo::Float:
+        n = cell::kDoubleBytes;
+        break;
+    case MetaInfo::Unknown:
+        n = cell::textCellBytes(cell);
+        break;
+    }
+    uchar *const copy = arena.alloc(static_cast<int>(n));
+    std::memcpy(copy, cell, static_cast<size_t>(n));
+    return copy;
+}
+
+} // namespace
+
+RowBatch &OutputPin::openBatch()
+{
+    if (!m_open) {
+        m_open = m_pool->take();
+    }
+    return *m_open;
+}
+
+void OutputPin::rowReady()
+{
+    if (!isRead()) {
+        dropRow();
+    } else if (m_row.m_view) {
+        appendView();
+    } else {
+        appendOwn();
+    }
+}
+
+void OutputPin::dropRow()
+{
+    if (++m_dropped == m_options.batchRows) {
+        flush();
+    }
+    if (!m_row.m_view) {
+        m_row.clearCells();
+    }
+}
+
+void OutputPin::appendView()
+{
+    const bool follows = m_slice.batch == m_row.m_batch && m_slice.first + m_slice.count == m_row.m_rowInBatch;
+    if (!follows) {
+        flush();
+        m_slice = {m_row.m_batch, m_row.m_rowInBatch, 0};
+    }
+    m_row.m_view = false;
+    m_row.m_cells = m_row.m_own.data();
+    if (++m_slice.count + m_slice.first == m_slice.batch->rows) {
+        flush();
+    }
+}
+
+void OutputPin::appendOwn()
+{
+    RowBatch &batch = openBatch();
+    if (m_slice.count != 0 || (batch.rows != 0 && batch.schema != m_row.m_schema)) {
+        flush();
+        appendOwn();
+        return;
+    }
+    if (batch.rows == 0) {
+        batch.schema = m_row.m_schema;
+        batch.columns = m_row.numberOfColumns();
+    }
+    const QVector<MetaInfo> &types = batch.schema->types;
+    for (int i = 0; i < batch.columns; ++i) {
+        const uchar *cell = m_row.m_own[static_cast<size_t>(i)];
+        if (cell == nullptr) {
+            cell = m_row.missingCell(i);
+        } else if (!batch.arena.isRecent(cell)) {
+            cell = copyCell(batch.arena, types[i].type(), cell);
+        }
+        batch.cells.push_back(cell);
+        m_row.m_own[static_cast<size_t>(i)] = nullptr;
+    }
+    if (++batch.rows == m_options.batchRows || batch.arena.bytesUsed() >= kBatchArenaBytes) {
+        flush();
+    }
+}
+
+void OutputPin::flush()
+{
+    if (m_dropped != 0) {
+        m_count.fetch_add(m_dropped, std::memory_order_relaxed);
+        m_dropped = 0;
+        if (m_open) {
+            m_open->arena.reset();
+        }
+    }
+    if (m_slice.count != 0) {
+        send(std::exchange(m_slice, {}));
+    }
+    if (m_open && m_open->rows != 0) {
+        const std::shared_ptr<RowBatch> full = std::exchange(m_open, nullptr);
+        rescueCells();
+        send({full, 0, full->rows});
+    }
+}
+
+void OutputPin::rescueCells()
+{
+    // Cells of the row that is being filled may lie in the batch that goes out, and be gone with it.
+    for (int i = 0; i < m_row.numberOfColumns() && !m_row.m_view; ++i) {
+        const uchar *&cell = m_row.m_own[static_cast<size_t>(i)];
+        if (cell != nullptr) {
+            cell = copyCell(openBatch().arena, m_row.getMetaType(i).type(), cell);
+        }
+    }
+}
+
+void OutputPin::send(BatchSlice slice)
+{
+    m_count.fetch_add(slice.count, std::memory_order_relaxed);
+    for (const Reader &reader : m_readers) {
+        reader.gate->push(reader.pin, slice);
+    }
+    if (m_options.yieldAtBatches != nullptr) {
+        *m_options.yieldAtBatches = 1;
+    }
+}
+
+void OutputPin::end()
+{
+    flush();
+    for (const Reader &reader : m_readers) {
+        reader.gate->end(reader.pin, m_row.m_schema);
+    }
+}
+
+bool InputPin::fetch()
+{
+    if (m_options.yieldAtBatches != nullptr) {
+        *m_options.yieldAtBatches = 1;
+    }
+    std::optional<BatchSlice> slice = m_gate->pop(m_pin);
+    if (!slice) {
+        return false;
+    }
+    m_count.fetch_add(slice->count, std::memory_order_relaxed);
+    m_at = slice->first;
+    m_end = slice->first + slice->count;
+    m_row.m_schema = slice->batch->schema;
+    m_row.m_batch = std::move(slice->batch);
+    m_row.m_view = true;
+    return true;
+}
+
+const OneRow *InputPin::columns()
+{
+    if (!m_row.m_batch) {
+        if (auto schema = m_gate->endSchema(m_pin)) {
+            m_row.m_schema = std::move(schema);
+        }
+    }
+    return &m_row;
+}
+
+Ports::Ports(int pinsIn, int pinsOut, const PinOptions &options)
+    : m_gate(pinsIn)
+    , m_in(static_cast<size_t>(pinsIn))
+    , m_out(static_cast<size_t>(pinsOut))
+{
+    for (int i = 0; i < pinsIn; ++i) {
+        in(i).connect(&m_gate, i, options);
+    }
+    for (OutputPin &pin : m_out) {
+        pin.setOptions(options);
+    }
+}
+
+const OneRow *Ports::nextRow(int pin)
+{
+    if (const OneRow *row = in(pin).nextInBatch()) {
+        return row;
+    }
+    // Whoever waits lets go of what it has: a slow source must not hold back rows that are there.
+    for (OutputPin &output : m_out) {
+        output.flush();
+    }
+    return in(pin).fetch() ? in(pin).nextInBatch() : nullptr;
+}
+
+} // namespace corvanta

@@ -1,0 +1,115 @@
+// host/src/engine/pins.h
+// The pins of one action, as its own thread uses them.
+#pragma once
+#include "corvanta/one_row.h"
+#include "engine/input_gate.h"
+#include "engine/row_batch.h"
+
+#include <atomic>
+#include <memory>
+#include <vector>
+
+namespace corvanta {
+
+/// What the pins of a run have in common.
+struct PinOptions
+{
+    int batchRows = 1024;
+    std::atomic<char> *yieldAtBatches = nullptr; // set at every batch that is taken or sent; null: not
+};
+
+class OutputPin
+{
+public:
+    /// A pin that input pin `pin` of `gate` reads. Before the run.
+    void addReader(InputGate *gate, int pin) { m_readers.push_back({gate, pin}); }
+    bool isRead() const { return !m_readers.empty(); }
+    void setOptions(const PinOptions &options) { m_options = options; }
+
+    OneRow *row() { return &m_row; }
+    RowBuffer *buffer() { return &openBatch().arena; }
+    void rowReady();
+    /// Send what is there.
+    void flush();
+    /// Send what is there and the end of the data.
+    void end();
+    qint64 rowCount() const { return m_count.load(std::memory_order_relaxed); }
+
+private:
+    struct Reader
+    {
+        InputGate *gate;
+        int pin;
+    };
+    RowBatch &openBatch();
+    void appendOwn();
+    void appendView();
+    void dropRow();
+    void rescueCells();
+    void send(BatchSlice slice);
+
+    std::vector<Reader> m_readers;
+    PinOptions m_options;
+    OneRow m_row;
+    std::shared_ptr<BatchPool> m_pool = std::make_shared<BatchPool>();
+    std::shared_ptr<RowBatch> m_open;
+    BatchSlice m_slice; // rows taken over unchanged from an input batch
+    int m_dropped = 0;
+    std::atomic<qint64> m_count = 0;
+};
+
+class InputPin
+{
+public:
+    void connect(InputGate *gate, int pin, const PinOptions &options)
+    {
+        m_gate = gate;
+        m_pin = pin;
+        m_options = options;
+    }
+
+    /// The next row of the batch at hand, or null when it is used up.
+    const OneRow *nextInBatch()
+    {
+        if (m_at == m_end) {
+            return nullptr;
+        }
+        m_row.m_cells = m_row.m_batch->row(m_at);
+        m_row.m_rowInBatch = m_at++;
+        return &m_row;
+    }
+    /// Wait for the next batch; false at the end.
+    bool fetch();
+    const OneRow *columns();
+    qint64 rowCount() const { return m_count.load(std::memory_order_relaxed); }
+
+private:
+    InputGate *m_gate = nullptr;
+    int m_pin = 0;
+    PinOptions m_options;
+    OneRow m_row;
+    int m_at = 0;
+    int m_end = 0;
+    std::atomic<qint64> m_count = 0;
+};
+
+/// All pins of one action.
+class Ports
+{
+public:
+    Ports(int pinsIn, int pinsOut, const PinOptions &options);
+
+    const OneRow *nextRow(int pin);
+    InputPin &in(int pin) { return m_in[static_cast<size_t>(pin)]; }
+    OutputPin &out(int pin) { return m_out[static_cast<size_t>(pin)]; }
+    InputGate &gate() { return m_gate; }
+    int pinsIn() const { return static_cast<int>(m_in.size()); }
+    int pinsOut() const { return static_cast<int>(m_out.size()); }
+
+private:
+    InputGate m_gate;
+    std::vector<InputPin> m_in;
+    std::vector<OutputPin> m_out;
+};
+
+} // namespace corvanta

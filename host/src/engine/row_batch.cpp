@@ -1,0 +1,34 @@
+#include "engine/row_batch.h"
+
+namespace corvanta {
+
+std::shared_ptr<RowBatch> BatchPool::take()
+{
+    std::unique_ptr<RowBatch> batch;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_free.empty()) {
+            batch = std::move(m_free.back());
+            m_free.pop_back();
+        }
+    }
+    if (!batch) {
+        batch = std::make_unique<RowBatch>();
+    }
+    return {batch.release(), [pool = shared_from_this()](RowBatch *used) { pool->giveBack(used); }};
+}
+
+void BatchPool::giveBack(RowBatch *batch)
+{
+    std::unique_ptr<RowBatch> owned(batch);
+    owned->arena.deepReset(4LL * kBatchArenaBytes);
+    owned->cells.clear();
+    owned->schema.reset();
+    owned->rows = 0;
+    const std::lock_guard lock(m_mutex);
+    if (m_free.size() < kKept) {
+        m_free.push_back(std::move(owned));
+    }
+}
+
+} // namespace corvanta

@@ -1,0 +1,303 @@
+#include "corvanta/run.h"
+
+#include "corvanta/action_registry.h"
+#include "corvanta/main_ui.h"
+#include "engine/pins.h"
+
+#include <QFileInfo>
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// One action of the run, its pins and its thread.
+struct Node
+{
+    QString id;
+    std::unique_ptr<ActionItem> action;
+    std::unique_ptr<Ports> ports;
+    std::atomic<bool> initialised = false;
+    std::atomic<bool> finished = false;
+    std::jthread thread;
+};
+
+int highestLinkedPin(const CorvantaGraph &graph, const QString &id)
+{
+    int highest = -1;
+    for (const CorvantaGraph::Link &link : graph.links) {
+        if (link.to.action == id) {
+            highest = qMax(highest, link.to.pin);
+        }
+    }
+    return highest;
+}
+
+} // namespace
+
+struct Run::Private
+{
+    GlobalParameters global;
+    RunControl control;
+    LogSink *log = nullptr;
+    std::vector<std::unique_ptr<Node>> nodes;
+
+    std::mutex mutex;
+    std::condition_variable ended;
+    size_t running = 0; // guarded by mutex
+    std::atomic<bool> released = false;
+
+    void build(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions &options);
+    void add(const QString &id, std::unique_ptr<ActionItem> action, int pinsIn, const PinOptions &options);
+    void connect(const CorvantaGraph &graph, const CorvantaGraph::Pin &from, size_t to, int pin);
+    void execute(Node &node);
+    void runAndClose(Node &node);
+    void callRun(Node &node);
+    void closeAction(Node &node);
+    void endRun(RunControl::Status status);
+    void releaseAll();
+    LogScope::Context logContext(const Node &node) const { return {log, node.id}; }
+};
+
+void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions &options)
+{
+    global.setGraphDir(QFileInfo(graph.fileName).absolutePath());
+    global.setOutDir(options.outDir);
+    if (graph.version >= 0) {
+        global.setGraphVersion(graph.version);
+    }
+    for (const QMap<QString, QString> *variables : {&graph.variables, &std::as_const(options.variables)}) {
+        for (auto it = variables->begin(); it != variables->end(); ++it) {
+            global.setVariable(it.key(), it.value());
+        }
+    }
+    log = options.log;
+    const PinOptions pinOptions{options.batchRows, options.yieldAtBatches ? &control.yieldRequest : nullptr};
+    for (const CorvantaGraph::Action &action : graph.actions) {
+        add(action.id, registry.create(action.parameters, &global), highestLinkedPin(graph, action.id) + 1, pinOptions);
+    }
+    for (const CorvantaGraph::Link &link : graph.links) {
+        connect(graph, link.from, static_cast<size_t>(graph.indexOf(link.to.action)), link.to.pin);
+    }
+    for (auto &listener : options.listeners) {
+        add(listener.id, std::move(listener.action), 1, pinOptions);
+        connect(graph, listener.from, nodes.size() - 1, 0);
+    }
+}
+
+void Run::Private::add(const QString &id, std::unique_ptr<ActionItem> action, int pinsIn, const PinOptions &options)
+{
+    if (!action) {
+        throw std::bad_alloc(); // the type is known: validate() has seen it
+    }
+    auto node = std::make_unique<Node>();
+    node->id = id;
+    node->ports = std::make_unique<Ports>(pinsIn, action->m_nPinOut, options);
+    action->m_idx = static_cast<int>(nodes.size());
+    action->m_nPinIn = pinsIn;
+    action->m_ports = node->ports.get();
+    action->m_control = &control;
+    node->action = std::move(action);
+    nodes.push_back(std::move(node));
+}
+
+void Run::Private::connect(const CorvantaGraph &graph, const CorvantaGraph::Pin &from, size_t to, int pin)
+{
+    Node &source = *nodes[static_cast<size_t>(graph.indexOf(from.action))];
+    source.ports->out(from.pin).addReader(&nodes[to]->ports->gate(), pin);
+}
+
+void Run::Private::releaseAll()
+{
+    if (released.exchange(true)) {
+        return;
+    }
+    control.yieldRequest = 1;
+    for (const auto &node : nodes) {
+        node->ports->gate().close();
+    }
+    for (const auto &node : nodes) {
+        if (node->initialised) {
+            node->action->wakeAll();
+        }
+    }
+}
+
+void Run::Private::endRun(RunControl::Status status)
+{
+    int expected = RunControl::Running;
+    control.runStatus.compare_exchange_strong(expected, status);
+    releaseAll();
+}
+
+void Run::Private::callRun(Node &node)
+{
+    while (control.isRunning()) {
+        if ((node.action.get()->*node.action->m_runFunction)()) {
+            return;
+        }
+        if (control.isRunning()) {
+            control.yieldRequest = 0; // this action has yielded; others that were asked too yield later
+        }
+    }
+}
+
+void Run::Private::closeAction(Node &node)
+{
+    if (node.action->close() != 0) {
+        endRun(RunControl::Failed);
+    }
+}
+
+void Run::Private::runAndClose(Node &node)
+{
+    try {
+        callRun(node);
+    } catch (const std::exception &error) {
+        MainUI::addLog(MainUI::Error, u"Error: %1\n"_s.arg(QString::fromUtf8(error.what())));
+        control.runStatus = RunControl::Failed;
+    }
+    if (control.isRunning()) {
+        for (int i = 0; i < node.ports->pinsOut(); ++i) {
+            node.ports->out(i).flush();
+        }
+    } else {
+        releaseAll();
+    }
+    closeAction(node);
+    // The end of the data comes last: what an action writes is complete when the next one sees the end.
+    for (int i = 0; i < node.ports->pinsOut(); ++i) {
+        node.ports->out(i).end();
+    }
+    node.ports->gate().close();
+    if (!control.isRunning()) {
+        releaseAll();
+    }
+}
+
+void Run::Private::execute(Node &node)
+{
+    const LogScope scope(logContext(node));
+    runAndClose(node);
+    node.finished = true;
+    const std::lock_guard lock(mutex);
+    if (--running == 0) {
+        ended.notify_all();
+    }
+}
+
+Run::Run(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions options)
+    : d(std::make_unique<Private>())
+{
+    d->build(graph, registry, options);
+}
+
+Run::~Run()
+{
+    stop();
+    wait();
+}
+
+void Run::start()
+{
+    int expected = RunControl::Idle;
+    d->control.runStatus.compare_exchange_strong(expected, RunControl::Running);
+    for (const auto &node : d->nodes) {
+        const LogScope scope(d->logContext(*node));
+        if (!d->control.isRunning()) {
+            break;
+        }
+        node->initialised = true;
+        if (node->action->init() != 0) {
+            d->endRun(RunControl::Failed);
+        }
+        node->action->prepareRun();
+    }
+    if (!d->control.isRunning()) {
+        for (const auto &node : d->nodes) {
+            const LogScope scope(d->logContext(*node));
+            if (node->initialised) {
+                node->action->close();
+            }
+            node->finished = true;
+        }
+        return;
+    }
+    d->running = d->nodes.size();
+    for (const auto &node : d->nodes) {
+        node->thread = std::jthread([this, n = node.get()] { d->execute(*n); });
+    }
+}
+
+bool Run::waitFor(std::chrono::milliseconds timeout)
+{
+    std::unique_lock lock(d->mutex);
+    return d->ended.wait_for(lock, timeout, [&] { return d->running == 0; });
+}
+
+void Run::wait()
+{
+    std::unique_lock lock(d->mutex);
+    d->ended.wait(lock, [&] { return d->running == 0; });
+    lock.unlock();
+    for (const auto &node : d->nodes) {
+        if (node->thread.joinable()) {
+            node->thread.join();
+        }
+    }
+}
+
+void Run::stop()
+{
+    int expected = RunControl::Idle;
+    d->control.runStatus.compare_exchange_strong(expected, RunControl::Stopped);
+    d->endRun(RunControl::Stopped);
+}
+
+bool Run::succeeded() const
+{
+    return d->control.isRunning();
+}
+
+bool Run::failed() const
+{
+    return d->control.runStatus == RunControl::Failed;
+}
+
+QVector<ActionProgress> Run::progress() const
+{
+    QVector<ActionProgress> all;
+    for (const auto &node : d->nodes) {
+        ActionProgress progress;
+        progress.id = node->id;
+        progress.type = QString::fromLatin1(node->action->getTypeName());
+        for (int i = 0; i < node->ports->pinsIn(); ++i) {
+            progress.rowsIn += node->ports->in(i).rowCount();
+        }
+        for (int i = 0; i < node->ports->pinsOut(); ++i) {
+            progress.rowsOut += node->ports->out(i).rowCount();
+        }
+        progress.finished = node->finished;
+        progress.fraction = progress.finished ? 1 : node->action->computeCompletion();
+        all << progress;
+    }
+    return all;
+}
+
+const RunControl &Run::control() const
+{
+    return d->control;
+}
+
+ActionItem *Run::action(int index) const
+{
+    return d->nodes[static_cast<size_t>(index)]->action.get();
+}
+
+} // namespace corvanta

@@ -1,0 +1,91 @@
+#include "engine/spill_file.h"
+
+#include "base/cell.h"
+
+#include <stdexcept>
+
+namespace corvanta {
+
+namespace {
+
+qsizetype cellBytes(MetaInfo::MetaTypeColumn type, const uchar *cell)
+{
+    switch (type) {
+    case MetaInfo::Key:
+        return cell::kKeyBytes;
+    case MetaInfo::Float:
+        return cell::kDoubleBytes;
+    case MetaInfo::Unknown:
+        break;
+    }
+    return cell::textCellBytes(cell);
+}
+
+} // namespace
+
+void SpillFile::put(const BatchSlice &slice)
+{
+    if (!m_file) {
+        m_file = std::make_unique<QTemporaryFile>();
+        if (!m_file->open()) {
+            throw std::runtime_error("cannot create a temporary file for waiting rows");
+        }
+    }
+    QByteArray bytes;
+    const TableSchema &schema = *slice.batch->schema;
+    for (int r = slice.first; r < slice.first + slice.count; ++r) {
+        const uchar *const *const cells = slice.batch->row(r);
+        for (int c = 0; c < slice.batch->columns; ++c) {
+            bytes.append(reinterpret_cast<const char *>(cells[c]), cellBytes(schema.types[c].type(), cells[c]));
+        }
+    }
+    if (!m_file->seek(m_writeAt) || m_file->write(bytes) != bytes.size()) {
+        throw std::runtime_error("cannot write the temporary file for waiting rows");
+    }
+    m_writeAt += bytes.size();
+    m_entries.push_back({slice.batch->schema, slice.count, bytes.size()});
+}
+
+std::optional<BatchSlice> SpillFile::take()
+{
+    if (m_entries.empty()) {
+        return std::nullopt;
+    }
+    const Entry entry = std::move(m_entries.front());
+    m_entries.pop_front();
+    if (!m_file->seek(m_readAt)) {
+        throw std::runtime_error("cannot read the temporary file for waiting rows");
+    }
+    const QByteArray bytes = m_file->read(entry.bytes);
+    if (bytes.size() != entry.bytes) {
+        throw std::runtime_error("cannot read the temporary file for waiting rows");
+    }
+    m_readAt += entry.bytes;
+
+    auto batch = std::make_shared<RowBatch>();
+    batch->schema = entry.schema;
+    batch->columns = static_cast<int>(entry.schema->names.size());
+    batch->rows = entry.rows;
+    const auto *at = reinterpret_cast<const uchar *>(bytes.constData());
+    for (int i = 0; i < entry.rows * batch->columns; ++i) {
+        const qsizetype n = cellBytes(entry.schema->types[i % batch->columns].type(), at);
+        uchar *const cell = batch->arena.alloc(static_cast<int>(n));
+        std::memcpy(cell, at, static_cast<size_t>(n));
+        batch->cells.push_back(cell);
+        at += n;
+    }
+    if (m_entries.empty()) {
+        clear();
+    }
+    return BatchSlice{std::move(batch), 0, entry.rows};
+}
+
+void SpillFile::clear()
+{
+    m_entries.clear();
+    m_file.reset();
+    m_readAt = 0;
+    m_writeAt = 0;
+}
+
+} // namespace corvanta

@@ -1,0 +1,259 @@
+#include "corvanta/files.h"
+
+#include "base/platform/files.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <mutex>
+
+using namespace Qt::StringLiterals;
+using corvanta::platform::FileHandle;
+
+namespace {
+
+class DiskReadFile final : public MyReadFile
+{
+public:
+    explicit DiskReadFile(FileHandle file)
+        : m_file(std::move(file))
+    {}
+    qint64 read(void *buffer, qint64 n) override
+    {
+        const qint64 got = m_file.read(buffer, n);
+        if (got > 0) {
+            m_position.fetch_add(got, std::memory_order_relaxed);
+        }
+        return got;
+    }
+    qint64 size() override { return m_file.isRegular() ? m_file.size() : -1; }
+    bool seek(qint64 offset) override
+    {
+        const bool done = m_file.seek(offset);
+        if (done) {
+            m_position = offset;
+        }
+        return done;
+    }
+    qint64 position() const override { return m_position.load(std::memory_order_relaxed); }
+
+private:
+    FileHandle m_file;
+    std::atomic<qint64> m_position = 0;
+};
+
+class DiskWriteFile final : public MyWriteFile
+{
+public:
+    DiskWriteFile(FileHandle file, qint64 position)
+        : m_file(std::move(file))
+        , m_position(position)
+    {}
+    bool write(const void *bytes, qint64 n) override
+    {
+        const qint64 begin = m_position;
+        qint64 done = 0;
+        while (done < n) {
+            const qint64 written = m_file.write(static_cast<const char *>(bytes) + done, n - done);
+            if (written <= 0) {
+                m_file.seek(begin);
+                return false;
+            }
+            done += written;
+        }
+        m_position += n;
+        return true;
+    }
+    bool seek(qint64 offset) override
+    {
+        const bool done = m_file.seek(offset);
+        m_position = done ? offset : m_position;
+        return done;
+    }
+    qint64 position() const override { return m_position; }
+    bool flush() override { return m_file.isOpen(); }
+    bool sync() override { return m_file.sync(); }
+    bool close() override { return m_file.close(); }
+    bool truncate(qint64 size) override { return m_file.truncate(size) && seek(size); }
+
+private:
+    FileHandle m_file;
+    qint64 m_position;
+};
+
+struct SystemEncoding
+{
+    std::mutex mutex;
+    QString name;
+};
+
+SystemEncoding &systemEncoding()
+{
+    static SystemEncoding encoding;
+    return encoding;
+}
+
+} // namespace
+
+MyReadFile *MyReadFile::newMyReadFile(GlobalParameters *, const QString &name, bool sequential, bool)
+{
+    FileHandle file = FileHandle::openForRead(name, sequential);
+    return file.isOpen() ? new DiskReadFile(std::move(file)) : nullptr;
+}
+
+MyReadFileCached::MyReadFileCached(MyReadFile *file, int cacheBytes)
+    : m_file(file)
+    , m_cache(static_cast<size_t>(qMax(cacheBytes, 1)))
+{}
+
+qint64 MyReadFileCached::size()
+{
+    return m_file->size();
+}
+
+bool MyReadFileCached::seek(qint64 offset)
+{
+    if (offset < 0) {
+        return false;
+    }
+    m_position = offset;
+    return true;
+}
+
+qint64 MyReadFileCached::read(void *buffer, qint64 n)
+{
+    const bool cached = m_position >= m_cacheStart && m_position < m_cacheStart + m_cacheFill;
+    if (!cached) {
+        if (!m_file->seek(m_position)) {
+            return -1;
+        }
+        m_cacheStart = m_position;
+        m_cacheFill = corvanta::readFully(*m_file, m_cache.data(), static_cast<qint64>(m_cache.size()));
+        if (m_cacheFill <= 0) {
+            const qint64 result = m_cacheFill;
+            m_cacheFill = 0;
+            return result;
+        }
+    }
+    const qint64 inCache = m_position - m_cacheStart;
+    const qint64 take = std::min(n, m_cacheFill - inCache);
+    std::memcpy(buffer, m_cache.data() + inCache, static_cast<size_t>(take));
+    m_position += take;
+    return take;
+}
+
+MyWriteFile *MyWriteFile::newMyWriteFile(GlobalParameters *, const QString &name, bool append)
+{
+    return open(name, append ? Existing::Append : Existing::Truncate).release();
+}
+
+std::unique_ptr<MyWriteFile> MyWriteFile::open(const QString &name, Existing existing)
+{
+    using Create = FileHandle::Create;
+    const Create create = existing == Existing::Truncate ? Create::Truncate
+        : existing == Existing::Append                   ? Create::Append
+                                                         : Create::Exclusive;
+    FileHandle file = FileHandle::openForWrite(name, create);
+    if (!file.isOpen()) {
+        return nullptr;
+    }
+    const qint64 position = existing == Existing::Append ? qMax<qint64>(file.size(), 0) : 0;
+    return std::make_unique<DiskWriteFile>(std::move(file), position);
+}
+
+KobiFileInfo::KobiFileInfo(GlobalParameters *, const QString &name)
+    : m_name(name)
+{}
+
+bool KobiFileInfo::exists() const
+{
+    return QFileInfo::exists(m_name);
+}
+
+qint64 KobiFileInfo::size() const
+{
+    const QFileInfo info(m_name);
+    return info.isFile() ? info.size() : -1;
+}
+
+QString KobiFileInfo::getParentDir() const
+{
+    return QFileInfo(m_name).absolutePath();
+}
+
+bool KobiFileInfo::isNetDrive(const QString &name)
+{
+    const QString pretended = qEnvironmentVariable("CORVANTA_NET_DRIVE");
+    if (!pretended.isEmpty() && QFileInfo(name).absoluteFilePath().startsWith(pretended)) {
+        return true;
+    }
+    return corvanta::platform::isOnNetworkDrive(name);
+}
+
+void listFiles(const QString &pattern, QStringList *names)
+{
+    const QFileInfo info(pattern);
+    const QString last = info.fileName();
+    names->clear();
+    if (last.contains(u'*') || last.contains(u'?')) {
+        const QRegularExpression wanted(
+            QRegularExpression::anchoredPattern(QRegularExpression::wildcardToRegularExpression(
+                QString(last).replace(u'[', "[[]"_L1))),
+            QRegularExpression::NoPatternOption);
+        for (const QString &entry : QDir(info.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
+            if (wanted.match(entry).hasMatch()) {
+                *names << info.path() + u'/' + entry;
+            }
+        }
+        std::sort(names->begin(), names->end());
+    }
+    if (names->isEmpty()) {
+        *names << pattern;
+    }
+}
+
+void addExtentionIfRequired(QString *name, const QString &extension)
+{
+    if (!name->isEmpty() && !QFileInfo(*name).fileName().contains(u'.')) {
+        *name += u'.' + extension;
+    }
+}
+
+QString currentACPName()
+{
+    SystemEncoding &encoding = systemEncoding();
+    const std::lock_guard lock(encoding.mutex);
+    if (!encoding.name.isEmpty()) {
+        return encoding.name;
+    }
+    const QString fromLocale = corvanta::platform::localeEncoding();
+    return fromLocale.isEmpty() ? u"windows-1252"_s : fromLocale;
+}
+
+void setSystemEncoding(const QString &name)
+{
+    SystemEncoding &encoding = systemEncoding();
+    const std::lock_guard lock(encoding.mutex);
+    encoding.name = name;
+}
+
+bool renameTMPFile(const QString &temporary, const QString &finalName)
+{
+    if (QFileInfo::exists(finalName)) {
+        corvanta::platform::copyPermissions(finalName, temporary);
+    }
+    if (!corvanta::platform::renameOver(temporary, finalName)) {
+        return false;
+    }
+    corvanta::platform::syncFolderOf(finalName);
+    return true;
+}
+
+bool renameTMPFile(const QString &name, GlobalParameters *, int)
+{
+    return renameTMPFile(name + "_TMP"_L1, name);
+}

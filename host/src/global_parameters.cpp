@@ -1,0 +1,102 @@
+#include "corvanta/global_parameters.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString under(const QString &dir, const QString &name)
+{
+    if (name.isEmpty()) {
+        return name;
+    }
+    return QDir::cleanPath(QDir(dir).absoluteFilePath(name));
+}
+
+} // namespace
+
+GlobalParameters::GlobalParameters()
+    : m_graphDir(QDir::currentPath())
+    , m_workingDir(QStandardPaths::writableLocation(QStandardPaths::TempLocation) + "/corvanta"_L1)
+    , m_graphVersion(std::numeric_limits<double>::infinity())
+{}
+
+void GlobalParameters::setGraphDir(const QString &dir)
+{
+    m_graphDir = QDir::cleanPath(QDir::current().absoluteFilePath(dir));
+}
+
+void GlobalParameters::setOutDir(const QString &dir)
+{
+    m_outDir = dir.isEmpty() ? QString() : QDir::cleanPath(QDir::current().absoluteFilePath(dir));
+}
+
+void GlobalParameters::setWorkingDir(const QString &dir)
+{
+    m_workingDir = QDir::cleanPath(QDir::current().absoluteFilePath(dir));
+}
+
+void GlobalParameters::setVariable(const QString &name, const QString &value)
+{
+    m_variables.insert(name, value);
+}
+
+QString GlobalParameters::variable(const QString &name) const
+{
+    const auto found = m_variables.constFind(name);
+    if (found != m_variables.constEnd()) {
+        return found->isNull() ? u""_s : *found;
+    }
+    if (name == "graphDir"_L1) {
+        return graphDir();
+    }
+    if (name == "outDir"_L1) {
+        return outDir();
+    }
+    return name == "workingDir"_L1 ? workingDir() : QString();
+}
+
+QString GlobalParameters::expandString(const QString &text, QStringList *unknown) const
+{
+    QString result;
+    qsizetype at = 0;
+    for (;;) {
+        const qsizetype begin = text.indexOf("${"_L1, at);
+        const qsizetype end = begin < 0 ? -1 : text.indexOf(u'}', begin);
+        if (end < 0) {
+            return result += QStringView(text).mid(at);
+        }
+        const QString name = text.mid(begin + 2, end - begin - 2);
+        const QString value = variable(name);
+        if (value.isNull() && unknown != nullptr) {
+            *unknown << name;
+        }
+        result += QStringView(text).mid(at, begin - at);
+        result += value.isNull() ? text.mid(begin, end + 1 - begin) : value;
+        at = end + 1;
+    }
+}
+
+QString GlobalParameters::expandFile(const QString &name) const
+{
+    return under(dataDirRead(), expandString(name));
+}
+
+QString GlobalParameters::expandOutputFile(const QString &name) const
+{
+    return under(dataDirWrite(), expandString(name));
+}
+
+QString GlobalParameters::contractFile(const QString &name) const
+{
+    if (!QDir::isAbsolutePath(name) || name.contains("${"_L1)) {
+        return name;
+    }
+    const QString relative = QDir(m_graphDir).relativeFilePath(name);
+    return relative.startsWith("../"_L1) || QDir::isAbsolutePath(relative) ? name : relative;
+}

@@ -1,0 +1,166 @@
+#include "corvanta/main_ui.h"
+
+#include <QGuiApplication>
+#include <QRandomGenerator>
+#include <QScreen>
+
+#include <atomic>
+#include <cstdio>
+#include <mutex>
+
+namespace {
+
+/// Standard error, one message a line: for programs that set no sink.
+class PlainSink final : public LogSink
+{
+public:
+    void add(const LogMessage &message) override
+    {
+        const QByteArray text = message.text.trimmed().toUtf8();
+        const std::lock_guard lock(m_mutex);
+        std::fprintf(stderr, "%s\n", text.constData());
+    }
+
+private:
+    std::mutex m_mutex;
+};
+
+struct Host
+{
+    PlainSink plainSink;
+    std::atomic<LogSink *> sink = nullptr;
+    std::mutex mutex;
+    MainUI::DiskSpaceQuestion diskSpaceQuestion; // guarded by mutex
+    MainUI::EditorHooks hooks;                   // set before use, by the GUI thread
+};
+
+Host &host()
+{
+    static Host instance;
+    return instance;
+}
+
+LogScope::Context &threadContext()
+{
+    thread_local LogScope::Context context;
+    return context;
+}
+
+} // namespace
+
+LogScope::LogScope(const Context &context)
+    : m_previous(threadContext())
+{
+    threadContext() = context;
+}
+
+LogScope::~LogScope()
+{
+    threadContext() = m_previous;
+}
+
+LogScope::Context LogScope::current()
+{
+    return threadContext();
+}
+
+void MainUI::addLog(LogLevel level, const QString &text)
+{
+    const LogScope::Context &context = threadContext();
+    LogSink *sink = context.sink != nullptr ? context.sink : host().sink.load();
+    if (sink == nullptr) {
+        sink = &host().plainSink;
+    }
+    sink->add({level, context.action, text});
+}
+
+void MainUI::setLogSink(LogSink *sink)
+{
+    host().sink = sink;
+}
+
+bool MainUI::displayOutOfDiskSpace(const QString &name, int, bool canRetry)
+{
+    DiskSpaceQuestion question;
+    {
+        const std::lock_guard lock(host().mutex);
+        question = host().diskSpaceQuestion;
+    }
+    return canRetry && question && question(name);
+}
+
+void MainUI::setDiskSpaceQuestion(DiskSpaceQuestion question)
+{
+    const std::lock_guard lock(host().mutex);
+    host().diskSpaceQuestion = std::move(question);
+}
+
+void MainUI::setEditorHooks(EditorHooks hooks)
+{
+    host().hooks = std::move(hooks);
+}
+
+void MainUI::refreshDisplayOfProperties(ActionItem *action)
+{
+    if (host().hooks.refreshProperties) {
+        host().hooks.refreshProperties(action);
+    }
+}
+
+void MainUI::documentWasModified()
+{
+    if (host().hooks.modified) {
+        host().hooks.modified();
+    }
+}
+
+CorvantaGraph *MainUI::editedGraph()
+{
+    return host().hooks.editedGraph ? host().hooks.editedGraph() : nullptr;
+}
+
+bool MainUI::selectColumn(QWidget *parent, ActionItem *action, int pin, QStringList *columns)
+{
+    if (host().hooks.chooseColumns) {
+        *columns = host().hooks.chooseColumns(parent, action, pin, true);
+        return !columns->isEmpty();
+    }
+    return false;
+}
+
+bool MainUI::selectColumn(QWidget *parent, ActionItem *action, int pin, QString *column)
+{
+    if (host().hooks.chooseColumns) {
+        *column = host().hooks.chooseColumns(parent, action, pin, false).value(0);
+        return !column->isEmpty();
+    }
+    return false;
+}
+
+bool MainUI::selectColumn(QWidget *parent, ActionItem *action, QString *column)
+{
+    return selectColumn(parent, action, 0, column);
+}
+
+int MainUI::isWebOn()
+{
+    return 0;
+}
+
+void *MainUI::getJobHandle()
+{
+    return nullptr;
+}
+
+double MainUI::pixelSize()
+{
+    const auto *const application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
+    return application != nullptr && QGuiApplication::primaryScreen() != nullptr
+        ? QGuiApplication::primaryScreen()->devicePixelRatio()
+        : 1.0;
+}
+
+quint64 MainUI::getNearUniqueRandomID()
+{
+    return QRandomGenerator::system()->generate64();
+}

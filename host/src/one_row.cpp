@@ -1,0 +1,224 @@
+#include "corvanta/one_row.h"
+
+#include "base/number.h"
+#include "engine/row_batch.h"
+
+#include <limits>
+
+using namespace corvanta;
+
+namespace {
+
+void setOk(bool *ok, bool value)
+{
+    if (ok != nullptr) {
+        *ok = value;
+    }
+}
+
+const std::shared_ptr<const TableSchema> &noColumns()
+{
+    static const auto schema = std::make_shared<const TableSchema>();
+    return schema;
+}
+
+} // namespace
+
+OneRow::OneRow()
+    : m_schema(noColumns())
+{}
+
+int OneRow::numberText(int i, const unsigned short **out) const
+{
+    std::array<char, kNumberChars> text{};
+    int n = 0;
+    if (getMetaType(i).type() == MetaInfo::Key) {
+        const auto key = loadNative<quint32>(m_cells[i]);
+        n = cell::isMissingKey(key) ? 0 : putUInt(key, text.data());
+    } else {
+        const auto value = loadNative<double>(m_cells[i]);
+        n = cell::isMissingDouble(value) ? 0 : putShortest(value, text.data());
+    }
+    std::copy_n(text.data(), n, m_numberText.data());
+    *out = n == 0 ? nullptr : reinterpret_cast<const unsigned short *>(m_numberText.data());
+    return n;
+}
+
+int OneRow::col(int i, const unsigned short **out) const
+{
+    if (m_schema->types[i].type() != MetaInfo::Unknown) {
+        return numberText(i, out);
+    }
+    const cell::Text text = cell::readText(m_cells[i]);
+    *out = text.isMissing() ? nullptr : reinterpret_cast<const unsigned short *>(text.data());
+    return static_cast<int>(text.size());
+}
+
+QString OneRow::col(int i, unsigned short *) const
+{
+    const unsigned short *units = nullptr;
+    const int n = col(i, &units);
+    return units == nullptr ? QString() : QString::fromUtf16(reinterpret_cast<const char16_t *>(units), n);
+}
+
+double OneRow::colAsDouble(int i, bool *ok) const
+{
+    double value = cell::missingDouble();
+    switch (m_schema->types[i].type()) {
+    case MetaInfo::Float:
+        value = loadNative<double>(m_cells[i]);
+        setOk(ok, !cell::isMissingDouble(value));
+        return value;
+    case MetaInfo::Key: {
+        const auto key = loadNative<quint32>(m_cells[i]);
+        setOk(ok, !cell::isMissingKey(key));
+        return cell::isMissingKey(key) ? value : key;
+    }
+    case MetaInfo::Unknown:
+        setOk(ok, parseDouble(cell::readText(m_cells[i]).view(), &value));
+        break;
+    }
+    return value;
+}
+
+unsigned int OneRow::colAsKey(int i, bool *ok) const
+{
+    quint32 key = cell::kMissingKey;
+    switch (m_schema->types[i].type()) {
+    case MetaInfo::Key:
+        key = loadNative<quint32>(m_cells[i]);
+        setOk(ok, !cell::isMissingKey(key));
+        break;
+    case MetaInfo::Float: {
+        const auto value = loadNative<double>(m_cells[i]);
+        const bool whole = value >= 0 && value <= std::numeric_limits<quint32>::max()
+            && value == static_cast<double>(static_cast<quint32>(value));
+        key = whole ? static_cast<quint32>(value) : key;
+        setOk(ok, whole);
+        break;
+    }
+    case MetaInfo::Unknown: {
+        quint64 value = key;
+        setOk(ok, parseUInt(cell::readText(m_cells[i]).view(), std::numeric_limits<quint32>::max(), &value));
+        key = static_cast<quint32>(value);
+        break;
+    }
+    }
+    return key;
+}
+
+QString OneRow::colForHash(int i) const
+{
+    bool isNumber = false;
+    const double value = colAsDouble(i, &isNumber);
+    return isNumber ? shortestText(value) : col(i, static_cast<unsigned short *>(nullptr));
+}
+
+int OneRow::getIndexOfColumn(const QString &name) const
+{
+    return static_cast<int>(m_schema->names.indexOf(name));
+}
+
+TableSchema &OneRow::changeSchema()
+{
+    ownCells();
+    // A schema belongs to this row alone until the first row is handed on with it.
+    auto copy = std::make_shared<TableSchema>(*m_schema);
+    TableSchema &schema = *copy;
+    m_schema = std::move(copy);
+    return schema;
+}
+
+void OneRow::setNumberOfColumns(int n)
+{
+    TableSchema &schema = changeSchema();
+    schema.names.resize(n);
+    schema.types.resize(n);
+    m_own.resize(static_cast<size_t>(n), nullptr);
+    m_cells = m_own.data();
+}
+
+void OneRow::setColName(int i, const QString &name)
+{
+    changeSchema().names[i] = name;
+}
+
+void OneRow::setColName(const QVector<QString> &names)
+{
+    if (names.size() != numberOfColumns()) {
+        setNumberOfColumns(static_cast<int>(names.size()));
+    }
+    changeSchema().names = names;
+}
+
+void OneRow::setMetaType(int i, const MetaInfo &type)
+{
+    changeSchema().types[i] = type;
+}
+
+void OneRow::setMetaData(const QVector<MetaInfo> &types)
+{
+    if (types.size() != numberOfColumns()) {
+        setNumberOfColumns(static_cast<int>(types.size()));
+    }
+    changeSchema().types = types;
+}
+
+void OneRow::setSortInfos(const QVector<SortInfos> &sortedOn)
+{
+    changeSchema().sortedOn = sortedOn;
+}
+
+void OneRow::copySchemaFrom(const OneRow *row)
+{
+    m_schema = row->m_schema;
+    m_view = false;
+    m_batch.reset();
+    m_own.assign(static_cast<size_t>(row->numberOfColumns()), nullptr);
+    m_cells = m_own.data();
+}
+
+void OneRow::copyFrom(const OneRow *row)
+{
+    if (row->m_view) {
+        if (m_batch != row->m_batch) {
+            copySchemaFrom(row);
+            m_batch = row->m_batch;
+        }
+        m_view = true;
+        m_cells = row->m_cells;
+        m_rowInBatch = row->m_rowInBatch;
+        return;
+    }
+    copySchemaFrom(row);
+    std::copy_n(row->m_cells, row->numberOfColumns(), m_own.begin());
+}
+
+void OneRow::ownCells()
+{
+    if (m_view) {
+        m_own.assign(m_cells, m_cells + numberOfColumns());
+        m_view = false;
+        m_cells = m_own.data();
+    }
+}
+
+void OneRow::clearCells()
+{
+    m_view = false;
+    m_own.assign(static_cast<size_t>(numberOfColumns()), nullptr);
+    m_cells = m_own.data();
+}
+
+const unsigned char *OneRow::missingCell(int i) const
+{
+    switch (m_schema->types[i].type()) {
+    case MetaInfo::Key:
+        return cell::missingKeyCell();
+    case MetaInfo::Float:
+        return cell::missingDoubleCell();
+    case MetaInfo::Unknown:
+        break;
+    }
+    return cell::missingTextCell();
+}

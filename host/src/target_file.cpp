@@ -1,0 +1,54 @@
+#include "corvanta/target_file.h"
+
+#include "base/platform/files.h"
+#include "corvanta/main_ui.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+bool TargetFile::open(const QString &name, int action)
+{
+    discard();
+    const QFileInfo info(name);
+    if (info.exists() && !info.isFile()) {
+        m_name = name;
+        m_file = info.isDir() ? nullptr : MyWriteFile::open(name, MyWriteFile::Existing::Truncate);
+        return isOpen();
+    }
+    // A link is followed: its target is replaced, not the link.
+    m_name = info.isSymLink() ? info.symLinkTarget() : name;
+    m_temporary = m_name + u"_tmp_%1_%2"_s.arg(QString::number(action), QString::number(MainUI::getNearUniqueRandomID()));
+    m_file = MyWriteFile::open(m_temporary, MyWriteFile::Existing::Refuse);
+    return isOpen();
+}
+
+bool TargetFile::commit()
+{
+    if (!isOpen()) {
+        return false;
+    }
+    const bool replaces = !m_temporary.isEmpty() && QFileInfo::exists(m_name);
+    bool done = m_file->flush() && (!replaces || m_file->sync());
+    done = m_file->close() && done;
+    m_file.reset();
+    if (!m_temporary.isEmpty()) {
+        done = done && renameTMPFile(m_temporary, m_name);
+        if (!done) {
+            corvanta::platform::removeFile(m_temporary);
+        }
+        m_temporary.clear();
+    }
+    return done;
+}
+
+void TargetFile::discard()
+{
+    if (isOpen()) {
+        m_file.reset();
+        if (!m_temporary.isEmpty()) {
+            corvanta::platform::removeFile(m_temporary);
+        }
+    }
+    m_temporary.clear();
+}
