@@ -22,7 +22,7 @@ template <class E> struct Fault
     qint64 offset = -1;
 };
 /// Clang 14 does not find this by itself.
-template <class E, class... Details> Fault(E, Details...) -> Fault<E>;
+template <class E> Fault(E, QString = {}, qint64 = -1) -> Fault<E>;
 
 /// Either a `T` or a `Fault<E>`. Test it before use: `if (!r) return r.fault();`.
 template <class T, class E> class [[nodiscard]] Result
