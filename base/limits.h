@@ -7,6 +7,8 @@ namespace corvanta::limits {
 
 /// A package member that is read whole.
 inline constexpr qint64 kMemberBytes = qint64(1) << 30;
+/// The list of members of a package: more than three million of them.
+inline constexpr qint64 kPackageDirectoryBytes = qint64(256) << 20;
 /// Deflate cannot do better than this: a larger declared size is a lie.
 inline constexpr qint64 kDeflateMaxRatio = 1032;
 inline constexpr qint64 kDeflateSlackBytes = 1024;

@@ -37,6 +37,7 @@ struct Member
     qint64 compressedSize = 0;
     qint64 size = 0;
     qint64 headerOffset = 0; ///< of the local header in the file
+    qint64 dataLimit = 0;    ///< when reading: where something else begins in the file
 };
 
 inline constexpr quint16 kStored = 0;

@@ -3,6 +3,7 @@
 #include "io/package/zip_format.h"
 
 #include <algorithm>
+#include <new>
 
 namespace corvanta::package {
 
@@ -31,6 +32,24 @@ bool isAscii(QByteArrayView name)
                        [](char c) { return static_cast<uchar>(c) < 0x80; });
 }
 
+Member deflatedMember(QByteArrayView name)
+{
+    Member member;
+    member.name = name.toByteArray();
+    member.flags = isAscii(name) ? 0 : zip::kFlagUtf8;
+    member.method = kDeflated;
+    return member;
+}
+
+// What a member of another package keeps here: how its name is written, not how its sizes were
+// told.
+Member copiedMember(const Member &source)
+{
+    Member member = source;
+    member.flags &= zip::kFlagUtf8;
+    return member;
+}
+
 } // namespace
 
 PackageWriter::PackageWriter(ByteSink &sink, const deflate::StreamOptions &options)
@@ -51,16 +70,14 @@ Result<void, Error> PackageWriter::checkName(QByteArrayView name) const
     return {};
 }
 
-Result<void, Error> PackageWriter::openMember(QByteArrayView name)
+// Write the local header of a member that goes to the sink's position.
+Result<void, Error> PackageWriter::startMember(const Member &member)
 {
     assert(!m_open && !m_hasDirectory);
-    if (auto good = checkName(name); !good) {
+    if (auto good = checkName(member.name); !good) {
         return good.fault();
     }
-    OpenMember open;
-    open.member.name = name.toByteArray();
-    open.member.flags = isAscii(name) ? 0 : zip::kFlagUtf8;
-    open.member.method = kDeflated;
+    OpenMember open{member};
     open.member.headerOffset = m_sink.position();
     const QByteArray header = zip::localHeader(open.member);
     open.dataOffset = open.member.headerOffset + header.size();
@@ -69,6 +86,14 @@ Result<void, Error> PackageWriter::openMember(QByteArrayView name)
     }
     m_names.insert(open.member.name);
     m_open = std::move(open);
+    return {};
+}
+
+Result<void, Error> PackageWriter::openMember(QByteArrayView name)
+{
+    if (auto started = startMember(deflatedMember(name)); !started) {
+        return started.fault();
+    }
     m_stream.begin();
     return {};
 }
@@ -143,6 +168,66 @@ Result<void, Error> PackageWriter::enterDirectory()
     return {};
 }
 
+Result<void, Error> PackageWriter::copyRaw(PackageReader &source, const Member &member)
+{
+    if (!m_rawSource) {
+        auto raw = source.openRaw(member);
+        if (!raw) {
+            return raw.fault();
+        }
+        if (auto started = startMember(copiedMember(member)); !started) {
+            return started.fault();
+        }
+        m_rawSource = std::move(*raw);
+        m_rawChunk = {};
+    }
+    if (auto copied = copyChunks(); !copied) {
+        if (copied.fault().code !=
+            Error::WriteFailed) { // what was written stays outside the directory
+            m_rawSource.reset();
+            m_names.remove(m_open->member.name);
+            m_open.reset();
+        }
+        return copied.fault();
+    }
+    if (auto entered = enterDirectory(); !entered) {
+        return entered.fault();
+    }
+    m_rawSource.reset();
+    return {};
+}
+
+Result<void, Error> PackageWriter::copyChunks()
+{
+    while (!m_open->isComplete) {
+        if (!m_rawChunk.isEmpty() && !m_sink.write(m_rawChunk.data(), m_rawChunk.size())) {
+            return Fault{Error::WriteFailed};
+        }
+        const auto chunk = m_rawSource->next();
+        if (!chunk) {
+            return chunk.fault();
+        }
+        m_rawChunk = *chunk;
+        m_open->isComplete = chunk->isEmpty();
+    }
+    return {};
+}
+
+Result<void, Error> PackageWriter::addRaw(const RawMember &raw)
+{
+    assert(!m_open || m_open->member.name == raw.member.name);
+    if (!m_open) {
+        if (auto started = startMember(copiedMember(raw.member)); !started) {
+            return started.fault();
+        }
+    }
+    if (!m_open->isComplete && !m_sink.write(raw.bytes.data(), raw.bytes.size())) {
+        return Fault{Error::WriteFailed};
+    }
+    m_open->isComplete = true;
+    return enterDirectory();
+}
+
 Result<void, Error> PackageWriter::close()
 {
     assert(!m_open);
@@ -163,6 +248,24 @@ Result<void, Error> PackageWriter::close()
         return Fault{Error::WriteFailed};
     }
     return {};
+}
+
+RawMember deflateMember(QByteArrayView name, QByteArrayView bytes, deflate::Level level)
+{
+    MemorySink sink;
+    deflate::DeflateStream stream(sink, {level, 0});
+    stream.begin();
+    // Memory refuses nothing, and nobody stops this stream: only bad_alloc can come, as a fault.
+    const auto written = stream.write({bytes.data(), static_cast<size_t>(bytes.size())});
+    const auto totals = stream.finish();
+    if (!written || !totals) {
+        throw std::bad_alloc();
+    }
+    RawMember raw{deflatedMember(name), sink.bytes()};
+    raw.member.crc = totals->crc;
+    raw.member.size = totals->size;
+    raw.member.compressedSize = totals->compressedSize;
+    return raw;
 }
 
 } // namespace corvanta::package

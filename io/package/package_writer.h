@@ -8,7 +8,7 @@
 #include "base/byte_sink.h"
 #include "base/result.h"
 #include "codecs/deflate/deflate_stream.h"
-#include "io/package/member.h"
+#include "io/package/package_reader.h"
 
 #include <QSet>
 
@@ -45,6 +45,16 @@ public:
     /// End the open member: all of it is in the sink then. Errors: WriteFailed, Stopped, NoMemory.
     Result<void, Error> closeMember();
 
+    /// Add a member of another package as it is: its stored bytes are copied and verified on the
+    /// way. Repeat it with the same arguments after WriteFailed. After a fault of reading (those of
+    /// PackageReader::openRaw and RawMemberStream) the member is not in the package.
+    /// Errors: also WriteFailed, BadName, NameTaken.
+    Result<void, Error> copyRaw(PackageReader &source, const Member &member);
+
+    /// Add a member from its stored bytes, which have been verified. Errors: WriteFailed, BadName,
+    /// NameTaken.
+    Result<void, Error> addRaw(const RawMember &raw);
+
     /// Write the central directory and flush the sink; nothing can be added then. Without it there
     /// is no package. Errors: WriteFailed.
     Result<void, Error> close();
@@ -61,6 +71,8 @@ private:
     };
 
     Result<void, Error> checkName(QByteArrayView name) const;
+    Result<void, Error> startMember(const Member &member);
+    Result<void, Error> copyChunks();
     bool completeHeader();
     bool writeAt(qint64 offset, const QByteArray &bytes);
     Result<void, Error> enterDirectory();
@@ -68,10 +80,15 @@ private:
     ByteSink &m_sink;
     deflate::DeflateStream m_stream;
     std::optional<OpenMember> m_open;
+    std::unique_ptr<RawMemberStream> m_rawSource; // of a copy that is under way
+    QByteArrayView m_rawChunk;                    // of it, still to be written
     std::vector<Member> m_members;
     QSet<QByteArray> m_names;
     qint64 m_flushedBytes = 0;
     bool m_hasDirectory = false;
 };
+
+/// A member deflated once, for packages that all take it in. `name` as for openMember.
+RawMember deflateMember(QByteArrayView name, QByteArrayView bytes, deflate::Level level = {});
 
 } // namespace corvanta::package

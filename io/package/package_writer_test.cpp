@@ -127,7 +127,10 @@ TEST(PackageWriter, OtherProgramsReadIt)
     int tried = 0;
     for (const auto &[program, arguments] : programs) {
         if (!QStandardPaths::findExecutable(program).isEmpty()) {
-            EXPECT_EQ(QProcess::execute(program, arguments), 0) << program.toStdString();
+            QProcess process;
+            process.start(program, arguments);
+            ASSERT_TRUE(process.waitForFinished());
+            EXPECT_EQ(process.exitCode(), 0) << process.readAll().toStdString();
             ++tried;
         }
     }
