@@ -1,0 +1,54 @@
+// fuzz/zip_fuzz.cpp
+// Any bytes as a package: whole reads and streams agree, and what was copied reads the same.
+#include "io/package/package_writer.h"
+
+#include <cstdlib>
+
+using namespace corvanta;
+using namespace corvanta::package;
+
+static void require(bool isTrue)
+{
+    if (!isTrue) {
+        std::abort();
+    }
+}
+
+static void checkMember(PackageReader &reader, const Member &member, qint64 pieceBytes)
+{
+    const auto whole = reader.readWhole(member);
+    const auto stream = reader.openStream(member);
+    require(bool(stream) || !whole);
+    QByteArray pieces;
+    QByteArray piece(pieceBytes, '\0');
+    qint64 got = stream ? (*stream)->read(piece.data(), pieceBytes) : -1;
+    for (; got > 0; got = (*stream)->read(piece.data(), pieceBytes)) {
+        pieces.append(piece.constData(), got);
+    }
+    require(bool(whole) == (got == 0) && (!whole || *whole == pieces));
+
+    MemorySink sink;
+    PackageWriter writer(sink, {{}, 0});
+    const bool isCopied = bool(writer.copyRaw(reader, member));
+    require(bool(writer.close()));
+    require(isCopied == bool(whole) || member.name.isEmpty());
+    MemorySource copy(sink.bytes());
+    const auto back = PackageReader::open(copy);
+    require(bool(back) && (*back)->members().size() == (isCopied ? 1 : 0));
+    require(!isCopied || *(*back)->readWhole(member.name) == *whole);
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    if (size == 0) {
+        return 0;
+    }
+    const qint64 pieceBytes = 1 + data[0] % 64;
+    MemorySource source(QByteArrayView(data, static_cast<qsizetype>(size)), pieceBytes);
+    const auto reader = PackageReader::open(source);
+    constexpr size_t kMostMembers = 20;
+    for (size_t i = 0; reader && i < std::min(kMostMembers, (*reader)->members().size()); ++i) {
+        checkMember(**reader, (*reader)->members()[i], pieceBytes);
+    }
+    return 0;
+}
