@@ -26,13 +26,15 @@ public:
         m_state.next_out = reinterpret_cast<uint8_t *>(output.data());
         m_state.avail_out = atOnce(output.size());
         const int status = isal_inflate(&m_state);
-        const size_t consumed = atOnce(input.size()) - m_state.avail_in;
+        const auto consumed = static_cast<qint64>(atOnce(input.size()) - m_state.avail_in);
         const size_t produced = atOnce(output.size()) - m_state.avail_out;
         if (status < 0) {
             return {State::Bad, consumed, produced};
         }
         const bool isEnd = m_state.block_state == ISAL_BLOCK_FINISH;
-        return {isEnd ? State::End : State::More, consumed, produced};
+        // The bits read ahead are whole bytes behind the stream, and what is left of its last byte.
+        const qint64 ahead = isEnd ? m_state.read_in_length / 8 : 0;
+        return {isEnd ? State::End : State::More, consumed - ahead, produced};
     }
 
     void reset() override { isal_inflate_reset(&m_state); }

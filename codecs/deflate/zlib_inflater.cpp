@@ -35,7 +35,7 @@ public:
         m_stream.next_out = reinterpret_cast<Bytef *>(output.data());
         m_stream.avail_out = atOnce(output.size());
         const int status = ::inflate(&m_stream, Z_NO_FLUSH);
-        const size_t consumed = atOnce(input.size()) - m_stream.avail_in;
+        const auto consumed = static_cast<qint64>(atOnce(input.size()) - m_stream.avail_in);
         const size_t produced = atOnce(output.size()) - m_stream.avail_out;
         if (status == Z_STREAM_END) {
             return {State::End, consumed, produced};

@@ -61,7 +61,7 @@ Result<MemberDecoder::Step, Error> MemberDecoder::inflate(std::span<const char> 
                                                           std::span<char> output)
 {
     const auto step = m_inflater->inflate(input, output);
-    const bool isStuck = !input.empty() && !output.empty() && step.consumed + step.produced == 0;
+    const bool isStuck = !input.empty() && !output.empty() && step.consumed == 0 && step.produced == 0;
     if (step.state == deflate::Inflater::State::Bad) {
         return Fault{Error::BadData};
     }
@@ -69,7 +69,8 @@ Result<MemberDecoder::Step, Error> MemberDecoder::inflate(std::span<const char> 
     if (isStuck && !m_isStreamEnd) {
         return Fault{Error::BadData};
     }
-    return Step{step.consumed, step.produced};
+    // A member ends with its stream: what the engine gives back is of no use to anybody.
+    return Step{static_cast<size_t>(std::max<qint64>(step.consumed, 0)), step.produced};
 }
 
 } // namespace corvanta::package
