@@ -1,0 +1,230 @@
+#include "codecs/deflate/crc32.h"
+#include "codecs/rar/rar_entry.h"
+#include "io/platform/rar_archive.h"
+
+#include <QFile>
+
+#include <archive.h>
+#include <archive_entry.h>
+#include <unarr.h>
+
+#include <vector>
+
+namespace corvanta::platform {
+
+namespace {
+
+constexpr size_t kPieceBytes = 256 * 1024;
+
+struct CloseStream
+{
+    void operator()(ar_stream *s) const noexcept { ar_close(s); }
+};
+struct CloseUnarr
+{
+    void operator()(ar_archive *a) const noexcept { ar_close_archive(a); }
+};
+struct CloseArchive
+{
+    void operator()(archive *a) const noexcept { archive_read_free(a); }
+};
+
+class RarFile final : public ByteSource
+{
+public:
+    explicit RarFile(const QString &path)
+        : m_file(path)
+    {
+    }
+    bool open() { return m_file.open(QIODevice::ReadOnly); }
+    qint64 read(void *buffer, qint64 n) override
+    {
+        return m_file.read(static_cast<char *>(buffer), n);
+    }
+    qint64 size() override { return m_file.size(); }
+    bool seek(qint64 offset) override { return offset <= m_file.size() && m_file.seek(offset); }
+
+private:
+    QFile m_file;
+};
+
+Fault<RarError> damaged(const char *why)
+{
+    return {RarError::Damaged, QString::fromLatin1(why)};
+}
+
+/// Takes what an unpacker delivers and compares it with the entry's header.
+class PosixRar : public RarArchive
+{
+public:
+    PosixRar(QString path, const rar::Entry &entry)
+        : m_path(std::move(path))
+        , m_entry(entry)
+    {
+    }
+    qint64 size() const override { return m_entry.size; }
+
+    Result<void, RarError> unpack(const Receiver &receiver) override
+    {
+        m_receiver = &receiver;
+        if (!m_entry.isDirectory && m_entry.size > 0) {
+            auto unpacked = unpackEntry();
+            if (!unpacked) {
+                return unpacked;
+            }
+        }
+        if (m_done != m_entry.size) {
+            return damaged("the RAR entry is shorter than its header says");
+        }
+        if (!m_entry.isDirectory && m_entry.crc && *m_entry.crc != m_crc) {
+            return damaged("the RAR entry does not agree with its checksum");
+        }
+        return {};
+    }
+
+protected:
+    virtual Result<void, RarError> unpackEntry() = 0;
+
+    const QString &path() const { return m_path; }
+    const rar::Entry &entry() const { return m_entry; }
+    qint64 left() const { return m_entry.size - m_done; }
+    Result<void, RarError> deliver(std::span<const char> piece)
+    {
+        if (static_cast<qint64>(piece.size()) > left()) {
+            return damaged("the RAR entry is longer than its header says");
+        }
+        m_crc = deflate::crc32(m_crc, piece);
+        m_done += static_cast<qint64>(piece.size());
+        if (!(*m_receiver)(piece)) {
+            return Fault<RarError>{RarError::Stopped};
+        }
+        return {};
+    }
+
+private:
+    QString m_path;
+    rar::Entry m_entry;
+    const Receiver *m_receiver = nullptr;
+    qint64 m_done = 0;
+    quint32 m_crc = 0;
+};
+
+class StoredRar final : public PosixRar
+{
+public:
+    using PosixRar::PosixRar;
+
+private:
+    Result<void, RarError> unpackEntry() override
+    {
+        RarFile file(path());
+        std::vector<char> piece(kPieceBytes);
+        if (!file.open() || !file.seek(entry().dataAt)) {
+            return damaged("the RAR entry cannot be read");
+        }
+        while (left() > 0) {
+            const qint64 got = file.read(piece.data(), std::min<qint64>(left(), kPieceBytes));
+            if (got <= 0) {
+                return damaged("the RAR entry cannot be read");
+            }
+            auto delivered = deliver({piece.data(), static_cast<size_t>(got)});
+            if (!delivered) {
+                return delivered;
+            }
+        }
+        return {};
+    }
+};
+
+class Rar4 final : public PosixRar
+{
+public:
+    using PosixRar::PosixRar;
+
+private:
+    Result<void, RarError> unpackEntry() override
+    {
+        const std::unique_ptr<ar_stream, CloseStream> stream(
+            ar_open_file(QFile::encodeName(path()).constData()));
+        const std::unique_ptr<ar_archive, CloseUnarr> rar(stream ? ar_open_rar_archive(stream.get())
+                                                                 : nullptr);
+        if (!rar || !ar_parse_entry(rar.get()) ||
+            static_cast<qint64>(ar_entry_get_size(rar.get())) != size()) {
+            return damaged("the RAR entry cannot be unpacked");
+        }
+        std::vector<char> piece(kPieceBytes);
+        while (left() > 0) {
+            const size_t n = static_cast<size_t>(std::min<qint64>(left(), kPieceBytes));
+            if (!ar_entry_uncompress(rar.get(), piece.data(), n)) {
+                return damaged("the RAR entry is damaged or packed in an unsupported way");
+            }
+            auto delivered = deliver({piece.data(), n});
+            if (!delivered) {
+                return delivered;
+            }
+        }
+        return {};
+    }
+};
+
+class Rar5 final : public PosixRar
+{
+public:
+    using PosixRar::PosixRar;
+
+private:
+    Result<void, RarError> unpackEntry() override
+    {
+        const std::unique_ptr<archive, CloseArchive> rar(archive_read_new());
+        archive_entry *entry = nullptr;
+        if (!rar || archive_read_support_format_rar5(rar.get()) != ARCHIVE_OK ||
+            archive_read_open_filename(rar.get(), QFile::encodeName(path()).constData(),
+                                       kPieceBytes) != ARCHIVE_OK ||
+            archive_read_next_header(rar.get(), &entry) != ARCHIVE_OK) {
+            return damaged("the RAR entry cannot be unpacked");
+        }
+        std::vector<char> piece(kPieceBytes);
+        // One call more than the bytes need: the checksum is looked at with the end.
+        while (true) {
+            const la_ssize_t got = archive_read_data(rar.get(), piece.data(), piece.size());
+            if (got < 0) {
+                return damaged("the RAR entry is damaged or packed in an unsupported way");
+            }
+            if (got == 0) {
+                return {};
+            }
+            auto delivered = deliver({piece.data(), static_cast<size_t>(got)});
+            if (!delivered) {
+                return delivered;
+            }
+        }
+    }
+};
+
+} // namespace
+
+Result<std::unique_ptr<RarArchive>, RarError> openRarArchive(const QString &path)
+{
+    RarFile file(path);
+    if (!file.open()) {
+        return Fault<RarError>{RarError::CannotOpen};
+    }
+    auto entry = rar::readFirstEntry(file);
+    if (!entry) {
+        return Fault<RarError>{RarError::Refused, entry.fault().detail};
+    }
+    // Found here and not by the unpackers, of which libunarr writes to standard error what it
+    // dislikes.
+    if (entry->packedSize > file.size() - entry->dataAt) {
+        return Fault<RarError>{RarError::Refused, QStringLiteral("the RAR entry is cut off")};
+    }
+    if (entry->isStored) {
+        return std::unique_ptr<RarArchive>(std::make_unique<StoredRar>(path, *entry));
+    }
+    if (entry->format == rar::Format::Rar4) {
+        return std::unique_ptr<RarArchive>(std::make_unique<Rar4>(path, *entry));
+    }
+    return std::unique_ptr<RarArchive>(std::make_unique<Rar5>(path, *entry));
+}
+
+} // namespace corvanta::platform
