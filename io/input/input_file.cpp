@@ -1,0 +1,221 @@
+#include "io/input/input_file.h"
+
+#include "corvanta/action_item.h"
+#include "corvanta/files.h"
+#include "corvanta/main_ui.h"
+#include "io/input/input_source.h"
+
+#include <algorithm>
+#include <thread>
+
+namespace corvanta {
+
+using input::InputName;
+using input::InputSource;
+using input::Kind;
+using input::OpenError;
+
+namespace {
+
+/// A plain file through the host's reader.
+class PlainSource final : public InputSource
+{
+public:
+    explicit PlainSource(std::unique_ptr<MyReadFile> file)
+        : m_file(std::move(file))
+    {
+    }
+    qint64 read(void *buffer, qint64 n) override
+    {
+        const qint64 got = m_file->read(buffer, n);
+        return got < 0 ? fail(QStringLiteral("the system reports a read error")) : got;
+    }
+    qint64 size() override { return m_file->size(); }
+    bool seek(qint64 offset) override
+    {
+        clearFailure();
+        return m_file->seek(offset);
+    }
+    qint64 progressPosition() const override { return m_file->position(); }
+
+private:
+    std::unique_ptr<MyReadFile> m_file;
+};
+
+input::Opened openPlain(GlobalParameters *parameters, const QString &name, bool shared)
+{
+    std::unique_ptr<MyReadFile> file(MyReadFile::newMyReadFile(parameters, name, true, shared));
+    if (!file) {
+        return Fault<OpenError>{OpenError::CannotOpen};
+    }
+    return std::unique_ptr<InputSource>(std::make_unique<PlainSource>(std::move(file)));
+}
+
+input::Opened openSource(GlobalParameters *parameters, const InputName &parts, bool shared)
+{
+    switch (parts.kind) {
+    case Kind::Rar:
+        return input::openRar(parts.path);
+    case Kind::Gzip:
+        return input::openGzip(parts.path);
+    case Kind::Zip:
+        return input::openZipMember(parts.path, parts.member);
+    case Kind::Compress:
+        return input::openCompress(parts.path);
+    case Kind::Plain:
+        break;
+    }
+    return openPlain(parameters, parts.path, shared);
+}
+
+void logOpenFailure(const InputName &parts, const Fault<OpenError> &fault)
+{
+    const bool logsMissingFiles = parts.kind == Kind::Gzip || parts.kind == Kind::Compress;
+    switch (fault.code) {
+    case OpenError::CannotOpen:
+        if (logsMissingFiles) {
+            MainUI::addLog(MainUI::Error,
+                           QStringLiteral("Cannot open file '%1' for read.").arg(parts.path));
+        }
+        break;
+    case OpenError::NoUnpacker:
+        MainUI::addLog(MainUI::Error, fault.detail);
+        break;
+    case OpenError::Refused:
+        if (parts.kind == Kind::Rar) {
+            MainUI::addLog(MainUI::Error,
+                           QStringLiteral("ERROR: cannot read the RAR file '%1': %2\n")
+                               .arg(parts.path, fault.detail));
+        }
+        break;
+    }
+}
+
+} // namespace
+
+InputFile::InputFile(GlobalParameters *parameters, const QString &name, bool shared)
+    : m_parameters(parameters)
+{
+    const InputName parts = input::parseInputName(name);
+    m_kind = parts.kind;
+    auto opened = openSource(parameters, parts, shared);
+    if (!opened) {
+        logOpenFailure(parts, opened.fault());
+        return;
+    }
+    m_source = *std::move(opened);
+    m_name = parts.path;
+    if (m_kind == Kind::Zip || m_kind == Kind::Rar) {
+        m_size = static_cast<double>(m_source->size());
+    }
+}
+
+InputFile::~InputFile() = default;
+
+bool InputFile::isOpen()
+{
+    return m_source && getSize() >= 0;
+}
+
+qint64 InputFile::read(void *buffer, qint64 n)
+{
+    if (!m_source) {
+        return -1;
+    }
+    const qint64 got = m_source->read(buffer, n);
+    m_position += std::max<qint64>(got, 0);
+    m_progressPosition.store(m_source->progressPosition(), std::memory_order_relaxed);
+    return got;
+}
+
+double InputFile::getSize()
+{
+    double known = m_size;
+    if (known == kSizeNotKnown) {
+        const qint64 told = m_source && m_kind == Kind::Plain ? m_source->size() : -1;
+        known = static_cast<double>(told >= 0 ? told : KobiFileInfo(m_parameters, m_name).size());
+        m_size = known;
+    }
+    return known;
+}
+
+qint64 InputFile::size()
+{
+    return m_source ? m_source->size() : -1;
+}
+
+float InputFile::getProgress() const
+{
+    const double size = m_size;
+    if (size < 0) {
+        return -1.0F;
+    }
+    const auto position = static_cast<double>(m_progressPosition.load(std::memory_order_relaxed));
+    return size == 0 ? 1.0F : static_cast<float>(std::min(position / size, 1.0));
+}
+
+bool InputFile::seek(qint64 offset)
+{
+    if (!m_source || offset < 0 || !m_source->seek(offset)) {
+        return false;
+    }
+    m_position = offset;
+    m_progressPosition.store(m_source->progressPosition(), std::memory_order_relaxed);
+    return true;
+}
+
+void InputFile::close()
+{
+    m_source.reset();
+}
+
+QString InputFile::memberName() const
+{
+    return m_source ? m_source->memberName() : QString();
+}
+
+QString InputFile::failure() const
+{
+    const QString why = m_source ? m_source->failure() : QString();
+    return why.isEmpty()
+               ? why
+               : QStringLiteral("ERROR: cannot read the file '%1': %2\n").arg(m_name, why);
+}
+
+namespace {
+
+/// Wait for `pause`, but not longer than the run lasts.
+void waitWhileRunning(std::chrono::milliseconds pause, const RunControl &control)
+{
+    constexpr std::chrono::milliseconds kSlice(50);
+    while (pause.count() > 0 && control.isRunning()) {
+        std::this_thread::sleep_for(std::min(pause, kSlice));
+        pause -= kSlice;
+    }
+}
+
+} // namespace
+
+bool retryOpening(const QString &name, int retries, const RunControl &control,
+                  const std::function<bool()> &open, std::chrono::milliseconds pause)
+{
+    while (true) {
+        if (retries >= 0) {
+            if (retries-- == 0) {
+                return false;
+            }
+            MainUI::addLog(
+                MainUI::Warning,
+                QStringLiteral("Warning: cannot read file '%1': Attempting again...").arg(name));
+        }
+        if (!control.isRunning()) {
+            return false;
+        }
+        waitWhileRunning(pause, control);
+        if (open()) {
+            return true;
+        }
+    }
+}
+
+} // namespace corvanta

@@ -1,0 +1,86 @@
+#include "io/input/rar_ring.h"
+
+#include <algorithm>
+#include <cassert>
+
+namespace corvanta::input {
+
+RarRing::RarRing(size_t ringBytes, size_t highWater)
+    : m_ring(ringBytes)
+    , m_highWater(highWater)
+{
+    assert(highWater < ringBytes); // otherwise the producer would find neither room nor a wait
+}
+
+size_t RarRing::copyIn(std::span<const char> bytes)
+{
+    const size_t n = std::min({bytes.size(), m_ring.size() - m_count, m_ring.size() - m_writeAt});
+    std::copy_n(bytes.begin(), n, m_ring.begin() + static_cast<qint64>(m_writeAt));
+    m_writeAt = (m_writeAt + n) % m_ring.size();
+    m_count += n;
+    return n;
+}
+
+size_t RarRing::copyOut(char *out, size_t n)
+{
+    const size_t take = std::min({n, m_count, m_ring.size() - m_readAt});
+    std::copy_n(m_ring.begin() + static_cast<qint64>(m_readAt), take, out);
+    m_readAt = (m_readAt + take) % m_ring.size();
+    m_count -= take;
+    return take;
+}
+
+bool RarRing::put(std::span<const char> bytes)
+{
+    while (!bytes.empty()) {
+        std::unique_lock lock(m_mutex);
+        m_roomThere.wait(lock, [this] { return m_isAborted || m_count <= m_highWater; });
+        if (m_isAborted) {
+            return false;
+        }
+        bytes = bytes.subspan(copyIn(bytes));
+        m_dataThere.notify_one();
+    }
+    return true;
+}
+
+void RarRing::finish(const QString &failure)
+{
+    const std::lock_guard lock(m_mutex);
+    m_isFinished = true;
+    m_failure = failure;
+    m_dataThere.notify_one();
+}
+
+qint64 RarRing::take(char *out, qint64 n)
+{
+    qint64 done = 0;
+    while (done < n) {
+        std::unique_lock lock(m_mutex);
+        m_dataThere.wait(lock, [this] { return m_isAborted || m_isFinished || m_count > 0; });
+        if (m_isAborted || m_count == 0) {
+            break;
+        }
+        done += static_cast<qint64>(copyOut(out + done, static_cast<size_t>(n - done)));
+        if (m_count <= m_highWater) {
+            m_roomThere.notify_one();
+        }
+    }
+    return done;
+}
+
+QString RarRing::failure()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_failure;
+}
+
+void RarRing::abort()
+{
+    const std::lock_guard lock(m_mutex);
+    m_isAborted = true;
+    m_dataThere.notify_all();
+    m_roomThere.notify_all();
+}
+
+} // namespace corvanta::input

@@ -1,0 +1,115 @@
+#include "io/input/input_source.h"
+#include "io/input/rar_ring.h"
+#include "io/platform/rar_archive.h"
+
+#include <new>
+#include <thread>
+
+namespace corvanta::input {
+
+namespace {
+
+using platform::RarArchive;
+using platform::RarError;
+
+/// One unpacking: the ring, and the thread that fills it.
+class Unpacking
+{
+public:
+    explicit Unpacking(std::unique_ptr<RarArchive> archive)
+        : m_archive(std::move(archive))
+        , m_producer([this] { produce(); })
+    {
+    }
+    ~Unpacking()
+    {
+        m_ring.abort();
+        m_producer.join();
+    }
+    Unpacking(const Unpacking &) = delete;
+    Unpacking &operator=(const Unpacking &) = delete;
+    RarRing &ring() { return m_ring; }
+
+private:
+    void produce() noexcept
+    {
+        try {
+            auto unpacked = m_archive->unpack(
+                [this](std::span<const char> bytes) { return m_ring.put(bytes); });
+            m_ring.finish(unpacked ? QString() : unpacked.fault().detail);
+        } catch (const std::bad_alloc &) {
+            m_ring.finish(QStringLiteral("there is not enough memory to unpack it"));
+        }
+    }
+
+    RarRing m_ring;
+    std::unique_ptr<RarArchive> m_archive;
+    std::thread m_producer; // last: uses the others
+};
+
+class RarSource final : public InputSource
+{
+public:
+    RarSource(QString path, std::unique_ptr<RarArchive> archive)
+        : m_path(std::move(path))
+        , m_size(archive->size())
+        , m_unpacking(std::make_unique<Unpacking>(std::move(archive)))
+    {
+    }
+
+    qint64 read(void *buffer, qint64 n) override
+    {
+        const qint64 got =
+            m_unpacking ? m_unpacking->ring().take(static_cast<char *>(buffer), n) : 0;
+        m_position += got;
+        if (got > 0 || n <= 0) {
+            return got;
+        }
+        if (m_unpacking && failure().isEmpty()) {
+            fail(m_unpacking->ring().failure());
+        }
+        return failure().isEmpty() ? 0 : -1;
+    }
+    qint64 size() override { return m_size; }
+    bool seek(qint64 offset) override
+    {
+        m_unpacking.reset();
+        auto archive = platform::openRarArchive(m_path);
+        if (!archive) {
+            fail(QStringLiteral("the archive cannot be opened again"));
+            return false;
+        }
+        m_unpacking = std::make_unique<Unpacking>(*std::move(archive));
+        m_position = 0;
+        clearFailure();
+        return skipBytes(*this, offset);
+    }
+    qint64 progressPosition() const override { return m_position; }
+
+private:
+    const QString m_path;
+    const qint64 m_size;
+    qint64 m_position = 0;
+    std::unique_ptr<Unpacking> m_unpacking; // null when it could not be started again
+};
+
+OpenError openErrorOf(RarError error)
+{
+    if (error == RarError::CannotOpen) {
+        return OpenError::CannotOpen;
+    }
+    return error == RarError::NoUnpacker ? OpenError::NoUnpacker : OpenError::Refused;
+}
+
+} // namespace
+
+Opened openRar(const QString &path)
+{
+    auto archive = platform::openRarArchive(path);
+    if (!archive) {
+        return Fault<OpenError>{openErrorOf(archive.fault().code), archive.fault().detail};
+    }
+    return std::unique_ptr<InputSource>(std::make_unique<RarSource>(path, *std::move(archive)));
+}
+
+} // namespace corvanta::input

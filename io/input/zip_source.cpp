@@ -1,0 +1,232 @@
+// Members are located with minizip and taken out as they are stored; unpacking and the check of
+// size and checksum are done here, so that a wrong member is an error whatever way it is read.
+#include "codecs/deflate/crc32.h"
+#include "codecs/deflate/inflater.h"
+#include "io/input/input_source.h"
+
+#include <QFile>
+
+#include <minizip/unzip.h>
+
+#include <array>
+#include <vector>
+
+namespace corvanta::input {
+
+namespace {
+
+constexpr size_t kInputBytes = 64 * 1024;
+constexpr int kIgnoreCase = 2;
+constexpr uLong kEncryptedFlag = 1;
+
+// minizip's file functions over QFile, which takes any file name on any system.
+voidpf openFile(voidpf, const void *name, int)
+{
+    auto file = std::make_unique<QFile>(*static_cast<const QString *>(name));
+    return file->open(QIODevice::ReadOnly) ? file.release() : nullptr;
+}
+uLong readFile(voidpf, voidpf stream, void *buffer, uLong n)
+{
+    const qint64 got =
+        static_cast<QFile *>(stream)->read(static_cast<char *>(buffer), static_cast<qint64>(n));
+    return got < 0 ? 0 : static_cast<uLong>(got);
+}
+uLong writeFile(voidpf, voidpf, const void *, uLong)
+{
+    return 0;
+}
+ZPOS64_T tellFile(voidpf, voidpf stream)
+{
+    return static_cast<ZPOS64_T>(static_cast<QFile *>(stream)->pos());
+}
+long seekFile(voidpf, voidpf stream, ZPOS64_T offset, int origin)
+{
+    auto *const file = static_cast<QFile *>(stream);
+    qint64 base = 0;
+    if (origin == ZLIB_FILEFUNC_SEEK_CUR) {
+        base = file->pos();
+    } else if (origin == ZLIB_FILEFUNC_SEEK_END) {
+        base = file->size();
+    }
+    const auto target = static_cast<qint64>(static_cast<quint64>(base) + offset);
+    return target >= 0 && target <= file->size() && file->seek(target) ? 0 : -1;
+}
+int closeFile(voidpf, voidpf stream)
+{
+    delete static_cast<QFile *>(stream);
+    return 0;
+}
+int fileError(voidpf, voidpf stream)
+{
+    return static_cast<QFile *>(stream)->error() == QFileDevice::NoError ? 0 : -1;
+}
+
+struct CloseUnzip
+{
+    using pointer = unzFile;
+    void operator()(unzFile file) const noexcept
+    {
+        unzCloseCurrentFile(file);
+        unzClose(file);
+    }
+};
+using UnzipHandle = std::unique_ptr<unzFile, CloseUnzip>;
+
+class ZipSource final : public InputSource
+{
+public:
+    ZipSource(UnzipHandle archive, const unz_file_info64 &info, const QString &name)
+        : m_archive(std::move(archive))
+        , m_info(info)
+        , m_name(name)
+        , m_input(kInputBytes)
+    {
+        if (m_info.compression_method == Z_DEFLATED) {
+            m_inflater = deflate::makeInflater();
+        }
+    }
+
+    /// Start with the member's first byte; false when minizip does not open it.
+    bool start();
+    qint64 read(void *buffer, qint64 n) override;
+    qint64 size() override { return static_cast<qint64>(m_info.uncompressed_size); }
+    bool seek(qint64 offset) override;
+    qint64 progressPosition() const override { return m_done; }
+    QString memberName() const override { return m_name; }
+
+private:
+    qint64 unpack(char *out, qint64 n);
+    qint64 atEnd();
+
+    UnzipHandle m_archive;
+    unz_file_info64 m_info;
+    QString m_name;
+    std::unique_ptr<deflate::Inflater> m_inflater; // null for a stored member
+    std::vector<char> m_input;
+    size_t m_at = 0;
+    size_t m_end = 0;
+    bool m_ended = false;
+    qint64 m_done = 0;
+    quint32 m_crc = 0;
+};
+
+bool ZipSource::start()
+{
+    int method = 0;
+    m_at = m_end = 0;
+    m_ended = false;
+    m_done = 0;
+    m_crc = 0;
+    if (m_inflater) {
+        m_inflater->reset();
+    }
+    return unzOpenCurrentFile2(m_archive.get(), &method, nullptr, 1) == UNZ_OK;
+}
+
+qint64 ZipSource::unpack(char *out, qint64 n)
+{
+    while (true) {
+        if (!m_inflater) {
+            const int got = unzReadCurrentFile(m_archive.get(), out,
+                                               static_cast<unsigned>(std::min<qint64>(n, 1 << 30)));
+            m_ended = got <= 0;
+            return got;
+        }
+        const auto step = m_inflater->inflate({m_input.data() + m_at, m_end - m_at},
+                                              {out, static_cast<size_t>(n)});
+        m_at = static_cast<size_t>(static_cast<qint64>(m_at) + step.consumed);
+        m_ended = step.state == deflate::Inflater::State::End;
+        if (step.state == deflate::Inflater::State::Bad) {
+            return -1;
+        }
+        if (step.produced > 0 || m_ended) {
+            return static_cast<qint64>(step.produced);
+        }
+        if (m_at == m_end) {
+            const int got = unzReadCurrentFile(m_archive.get(), m_input.data(),
+                                               static_cast<unsigned>(m_input.size()));
+            if (got <= 0) {
+                return -1;
+            }
+            m_at = 0;
+            m_end = static_cast<size_t>(got);
+        }
+    }
+}
+
+/// What the end of the data is worth: 0 when size and checksum agree.
+qint64 ZipSource::atEnd()
+{
+    if (m_done != size() || m_crc != m_info.crc) {
+        return fail(QStringLiteral("the zip member '%1' does not agree with its size and checksum")
+                        .arg(m_name));
+    }
+    return 0;
+}
+
+qint64 ZipSource::read(void *buffer, qint64 n)
+{
+    if (!failure().isEmpty() || n <= 0) {
+        return failure().isEmpty() ? 0 : -1;
+    }
+    if (m_ended) {
+        return atEnd();
+    }
+    const qint64 got = unpack(static_cast<char *>(buffer), n);
+    if (got < 0) {
+        return fail(QStringLiteral("the zip member '%1' is damaged or cut off").arg(m_name));
+    }
+    if (got > size() - m_done) {
+        return fail(
+            QStringLiteral("the zip member '%1' is longer than its header says").arg(m_name));
+    }
+    m_crc = deflate::crc32(m_crc, {static_cast<const char *>(buffer), static_cast<size_t>(got)});
+    m_done += got;
+    return got > 0 ? got : atEnd();
+}
+
+bool ZipSource::seek(qint64 offset)
+{
+    unzCloseCurrentFile(m_archive.get());
+    clearFailure();
+    return start() && skipBytes(*this, offset);
+}
+
+/// Go to the wanted entry and tell about it; false when it is not there or cannot be read.
+bool findMember(unzFile archive, const QString &member, unz_file_info64 *info, QString *name)
+{
+    const int found = member.isEmpty()
+                          ? unzGoToFirstFile(archive)
+                          : unzLocateFile(archive, member.toUtf8().constData(), kIgnoreCase);
+    std::array<char, 65536> raw{};
+    if (found != UNZ_OK || unzGetCurrentFileInfo64(archive, info, raw.data(), raw.size() - 1,
+                                                   nullptr, 0, nullptr, 0) != UNZ_OK) {
+        return false;
+    }
+    *name = QString::fromUtf8(raw.data());
+    const bool isKnownMethod =
+        info->compression_method == 0 || info->compression_method == Z_DEFLATED;
+    return isKnownMethod && (info->flag & kEncryptedFlag) == 0 &&
+           info->uncompressed_size <= static_cast<ZPOS64_T>(std::numeric_limits<qint64>::max());
+}
+
+} // namespace
+
+Opened openZipMember(const QString &path, const QString &member)
+{
+    zlib_filefunc64_def functions{openFile, readFile,  writeFile, tellFile,
+                                  seekFile, closeFile, fileError, nullptr};
+    UnzipHandle archive(unzOpen2_64(&path, &functions));
+    unz_file_info64 info{};
+    QString name;
+    if (!archive || !findMember(archive.get(), member, &info, &name)) {
+        return Fault<OpenError>{OpenError::CannotOpen};
+    }
+    auto source = std::make_unique<ZipSource>(std::move(archive), info, name);
+    if (!source->start()) {
+        return Fault<OpenError>{OpenError::CannotOpen};
+    }
+    return std::unique_ptr<InputSource>(std::move(source));
+}
+
+} // namespace corvanta::input
