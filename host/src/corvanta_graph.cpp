@@ -274,15 +274,6 @@ void checkLinks(const CorvantaGraph &graph, const ActionRegistry &registry, cons
         }
         taken.insert(input);
     }
-    for (const CorvantaGraph::Link &link : graph.links) {
-        for (int pin = 0; pin < link.to.pin; ++pin) {
-            const QString input = link.to.action + u':' + QString::number(pin);
-            if (!taken.contains(input)) {
-                problems.add(link.line, u"the input pin '%1' has no link, but a higher pin has"_s.arg(input));
-                taken.insert(input);
-            }
-        }
-    }
 }
 
 /// Takes away actions without open inputs until none is left; what remains is part of a loop or behind one.

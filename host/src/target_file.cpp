@@ -10,6 +10,9 @@ using namespace Qt::StringLiterals;
 bool TargetFile::open(const QString &name, int action)
 {
     discard();
+    if (name.isEmpty()) {
+        return false;
+    }
     const QFileInfo info(name);
     if (info.exists() && !info.isFile()) {
         m_name = name;

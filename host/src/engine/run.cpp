@@ -6,6 +6,7 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
@@ -55,6 +56,7 @@ struct Run::Private
 
     void build(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions &options);
     void add(const QString &id, std::unique_ptr<ActionItem> action, int pinsIn, const PinOptions &options);
+    void endUnlinkedPins(const CorvantaGraph &graph);
     void connect(const CorvantaGraph &graph, const CorvantaGraph::Pin &from, size_t to, int pin);
     void execute(Node &node);
     void runAndClose(Node &node);
@@ -85,9 +87,25 @@ void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &regis
     for (const CorvantaGraph::Link &link : graph.links) {
         connect(graph, link.from, static_cast<size_t>(graph.indexOf(link.to.action)), link.to.pin);
     }
+    endUnlinkedPins(graph);
     for (auto &listener : options.listeners) {
         add(listener.id, std::move(listener.action), 1, pinOptions);
         connect(graph, listener.from, nodes.size() - 1, 0);
+    }
+}
+
+/// A pin without a link, below one that has a link, is a table without rows.
+void Run::Private::endUnlinkedPins(const CorvantaGraph &graph)
+{
+    for (const auto &node : nodes) {
+        for (int pin = 0; pin < node->ports->pinsIn(); ++pin) {
+            const bool isLinked = std::any_of(graph.links.begin(), graph.links.end(), [&](const auto &link) {
+                return link.to.action == node->id && link.to.pin == pin;
+            });
+            if (!isLinked) {
+                node->ports->gate().end(pin, std::make_shared<const TableSchema>());
+            }
+        }
     }
 }
 

@@ -1,0 +1,9 @@
+// cli/commands.h
+// The commands of corvanta; each takes the words behind its name and answers the exit status.
+#pragma once
+#include <QStringList>
+
+int runCommand(const QStringList &words);
+int checkCommand(const QStringList &words);
+int actionsCommand(const QStringList &words);
+int describeCommand(const QStringList &words);

@@ -1,0 +1,123 @@
+#include "commands.h"
+
+#include "command_line.h"
+
+#include "corvanta/action_base.h"
+#include "corvanta/action_registry.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+
+namespace {
+
+void print(const QString &text)
+{
+    std::fputs(text.toUtf8().constData(), stdout);
+}
+
+QJsonObject catalogueEntry(ActionItem &action)
+{
+    QJsonObject entry{{u"type"_s, QString::fromLatin1(action.getTypeName())},
+                      {u"description"_s, action.getDescription()},
+                      {u"fileTypes"_s, QJsonArray::fromStringList(action.getFileTypes())},
+                      {u"tags"_s, QJsonArray::fromStringList(action.getTags())},
+                      {u"keywords"_s, QJsonArray::fromStringList(action.getKeywords())}};
+    if (const auto *const ours = dynamic_cast<const ActionBase *>(&action)) {
+        entry[u"helpPage"_s] = QString::fromLatin1(ours->description().helpPage);
+        entry[u"icon"_s] = QString::fromLatin1(ours->description().icon);
+        entry[u"saveVersion"_s] = ours->description().saveVersion;
+    }
+    return entry;
+}
+
+QJsonObject parameterEntry(const ParameterInfo &info)
+{
+    QJsonObject entry{{u"name"_s, info.name},
+                      {u"type"_s, ActionParameters::typeName(info.type)},
+                      {u"default"_s, info.defaultValue},
+                      {u"label"_s, info.label},
+                      {u"meaning"_s, info.meaning}};
+    if (!info.choices.isEmpty()) {
+        entry[u"choices"_s] = QJsonArray::fromStringList(info.choices);
+    }
+    return entry;
+}
+
+QString pinText(const ActionItem &action)
+{
+    const int in = action.maxPinIn();
+    const QString inputs = in > 2 ? u"any number of input pins"_s : u"%1 input pin(s)"_s.arg(in);
+    return u"%1, %2 output pin(s)"_s.arg(inputs, QString::number(action.pinOutCount()));
+}
+
+void printParameter(const ParameterInfo &info)
+{
+    const QString defaultText = info.defaultValue.isEmpty() ? u"\"\""_s : info.defaultValue;
+    print(u"  %1 (%2, default %3)\n"_s.arg(info.name, ActionParameters::typeName(info.type), defaultText));
+    print(u"      %1\n"_s.arg(info.meaning));
+    for (qsizetype i = 0; i < info.choices.size(); ++i) {
+        print(u"      %1 = %2\n"_s.arg(QString::number(i), info.choices[i]));
+    }
+}
+
+} // namespace
+
+int actionsCommand(const QStringList &words)
+{
+    CommandLine line;
+    QString error;
+    if (!CommandLine::parse(words, {{}, {u"--json"_s}}, &line, &error) || !line.arguments.isEmpty()) {
+        return usageError(u"actions"_s, error.isEmpty() ? u"no argument is expected"_s : error);
+    }
+    ActionRegistry registry;
+    registry.loadAll();
+    QJsonArray entries;
+    for (const auto &action : registry.prototypes()) {
+        if (line.has(u"--json"_s)) {
+            entries << catalogueEntry(*action);
+        } else {
+            print(QString::fromLatin1(action->getTypeName()).leftJustified(16) + u' ' + action->getDescription() + u'\n');
+        }
+    }
+    if (line.has(u"--json"_s)) {
+        print(QString::fromUtf8(QJsonDocument(entries).toJson()));
+    }
+    return kDone;
+}
+
+int describeCommand(const QStringList &words)
+{
+    CommandLine line;
+    QString error;
+    if (!CommandLine::parse(words, {{}, {u"--json"_s}}, &line, &error) || line.arguments.size() != 1) {
+        return usageError(u"describe"_s, error.isEmpty() ? u"one action type is needed"_s : error);
+    }
+    ActionRegistry registry;
+    registry.loadAll();
+    ActionItem *const action = registry.prototype(line.arguments[0]);
+    if (action == nullptr) {
+        return usageError(u"describe"_s, u"there is no action '%1' (\"corvanta actions\" lists them)"_s.arg(line.arguments[0]));
+    }
+    const auto *const declared = dynamic_cast<const ActionParameters *>(action);
+    const QVector<ParameterInfo> infos = declared != nullptr ? declared->parameters() : QVector<ParameterInfo>();
+    if (line.has(u"--json"_s)) {
+        QJsonObject entry = catalogueEntry(*action);
+        entry[u"pinsIn"_s] = action->maxPinIn();
+        entry[u"pinsOut"_s] = action->pinOutCount();
+        QJsonArray parameters;
+        std::transform(infos.begin(), infos.end(), std::back_inserter(parameters), parameterEntry);
+        entry[u"parameters"_s] = parameters;
+        print(QString::fromUtf8(QJsonDocument(entry).toJson()));
+        return kDone;
+    }
+    print(u"%1: %2\n%3\n\nParameters\n"_s.arg(line.arguments[0], action->getDescription(), pinText(*action)));
+    std::for_each(infos.begin(), infos.end(), printParameter);
+    return kDone;
+}

@@ -1,0 +1,89 @@
+#include "log_sinks.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class TextLog final : public CommandLog
+{
+public:
+    using CommandLog::CommandLog;
+
+private:
+    QByteArray format(const LogMessage &message) const override
+    {
+        const QString place = message.action.isEmpty() ? QString() : u" [%1]"_s.arg(message.action);
+        return (severityOf(message.level) + place + ": "_L1 + message.text.trimmed() + u'\n').toUtf8();
+    }
+};
+
+/// One object a line, keys in a fixed order, the text as the action gave it.
+class JsonLog final : public CommandLog
+{
+public:
+    using CommandLog::CommandLog;
+
+private:
+    static QByteArray quoted(const QString &text)
+    {
+        const QByteArray array = QJsonDocument(QJsonObject{{u"v"_s, text}}).toJson(QJsonDocument::Compact);
+        return array.mid(5, array.size() - 6); // behind {"v": and in front of }
+    }
+    QByteArray format(const LogMessage &message) const override
+    {
+        return "{\"level\":" + QByteArray::number(message.level) + ",\"severity\":" + quoted(severityOf(message.level))
+            + ",\"action\":" + quoted(message.action) + ",\"message\":" + quoted(message.text) + "}\n";
+    }
+};
+
+} // namespace
+
+QString severityOf(int level)
+{
+    switch (level) {
+    case MainUI::Error:
+        return u"error"_s;
+    case MainUI::Warning:
+        return u"warning"_s;
+    case MainUI::Info:
+        return u"info"_s;
+    default:
+        return u"diagnostic"_s;
+    }
+}
+
+std::unique_ptr<CommandLog> CommandLog::create(const QString &format, bool quiet)
+{
+    if (format == "json"_L1) {
+        return std::make_unique<JsonLog>(quiet);
+    }
+    return format == "text"_L1 ? std::make_unique<TextLog>(quiet) : std::unique_ptr<CommandLog>();
+}
+
+void CommandLog::add(const LogMessage &message)
+{
+    if (m_quiet && message.level > MainUI::Warning) {
+        return;
+    }
+    const QByteArray line = format(message);
+    const std::lock_guard lock(m_mutex);
+    const char *const clear = m_progress.isEmpty() ? "" : "\r\033[K";
+    std::fprintf(stderr, "%s%s%s", clear, line.constData(), m_progress.constData());
+    std::fflush(stderr);
+}
+
+void CommandLog::setProgressLine(const QByteArray &line)
+{
+    const std::lock_guard lock(m_mutex);
+    if (line.isEmpty() && m_progress.isEmpty()) {
+        return;
+    }
+    m_progress = line;
+    std::fprintf(stderr, "\r\033[K%s", line.constData());
+    std::fflush(stderr);
+}

@@ -1,0 +1,101 @@
+// cli/main.cpp
+// The corvanta command: picks the command and prints help.
+#include "command_line.h"
+#include "commands.h"
+
+#include <QCoreApplication>
+
+#include <clocale>
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Command
+{
+    const char *name;
+    int (*run)(const QStringList &words);
+    const char *summary;
+    const char *help;
+};
+
+constexpr Command kCommands[] = {
+    {"run", runCommand, "run a graph",
+     "corvanta run GRAPH [options]\n\n"
+     "Runs the graph file GRAPH.\n\n"
+     "  --set NAME=VALUE        set a graph variable (repeatable); wins over the graph's own\n"
+     "  --out-dir DIR           folder for relative output names (default: the graph's folder)\n"
+     "  --tap ID:PIN=FILE.csv   also write the rows of an output pin as CSV (repeatable)\n"
+     "  --log-format text|json  messages on standard error for people, or one JSON object a line\n"
+     "  --progress auto|always|never\n"
+     "                          progress line; auto: on a terminal only\n"
+     "  --system-encoding NAME  8-bit encoding that files in the \"system\" encoding have\n"
+     "  --quiet                 errors and warnings only\n\n"
+     "Exit status: 0 done (warnings allowed), 1 failed, 2 bad usage or an invalid graph, 130 interrupted.\n"
+     "Ctrl-C stops the run cleanly; a second one ends the program at once.\n"},
+    {"check", checkCommand, "validate a graph without running it",
+     "corvanta check GRAPH [--set NAME=VALUE]... [--log-format text|json]\n\n"
+     "Reports everything that would keep GRAPH from running: exit status 0 when there is nothing, else 2.\n"},
+    {"actions", actionsCommand, "list the actions",
+     "corvanta actions [--json]\n\nLists the actions of all plug-ins; --json with all they say of themselves.\n"},
+    {"describe", describeCommand, "print an action's pins and parameters",
+     "corvanta describe TYPE [--json]\n\nPrints the pins of the action TYPE and its parameters with type, default and meaning.\n"},
+};
+
+const Command *find(const QString &name)
+{
+    for (const Command &command : kCommands) {
+        if (name == QLatin1StringView(command.name)) {
+            return &command;
+        }
+    }
+    return nullptr;
+}
+
+int help(const QStringList &words)
+{
+    if (!words.isEmpty()) {
+        const Command *const command = find(words[0]);
+        if (command == nullptr) {
+            return usageError(QString(), u"there is no command '%1'"_s.arg(words[0]));
+        }
+        std::fputs(command->help, stdout);
+        return kDone;
+    }
+    std::puts("corvanta runs data-flow graphs that read and write files.\n\nCommands");
+    for (const Command &command : kCommands) {
+        std::printf("  %-10s %s\n", command.name, command.summary);
+    }
+    std::puts("  help       this text, or \"corvanta help COMMAND\"\n\n\"corvanta --version\" prints the version.");
+    return kDone;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    // The application object takes the locale from the environment; numbers in files must not follow it.
+    std::setlocale(LC_NUMERIC, "C");
+    const QStringList words = QCoreApplication::arguments().mid(1);
+    const QString first = words.value(0);
+    if (first == "--version"_L1) {
+        std::puts("corvanta " CORVANTA_VERSION);
+        return kDone;
+    }
+    if (first == "help"_L1 || first == "--help"_L1 || first == "-h"_L1) {
+        return help(words.mid(1));
+    }
+    if (words.isEmpty()) {
+        return usageError(QString(), u"a command is needed"_s);
+    }
+    const Command *const command = find(first);
+    if (command == nullptr) {
+        return usageError(QString(), u"there is no command '%1'"_s.arg(first));
+    }
+    if (words.contains(u"--help"_s) || words.contains(u"-h"_s)) {
+        return help({first});
+    }
+    return command->run(words.mid(1));
+}
