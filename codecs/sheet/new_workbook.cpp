@@ -1,0 +1,148 @@
+#include "codecs/sheet/new_workbook.h"
+
+#include "codecs/sheet/cell_text.h"
+
+namespace corvanta::sheet {
+
+namespace {
+
+#define XML_DECLARATION "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n"
+#define MAIN_NS "http://schemas.openxmlformats.org/spreadsheetml/2006/main"
+#define OFFICE_RELS "http://schemas.openxmlformats.org/officeDocument/2006/relationships"
+#define PACKAGE_RELS "http://schemas.openxmlformats.org/package/2006/relationships"
+#define SHEET_TYPES "application/vnd.openxmlformats-officedocument.spreadsheetml."
+
+constexpr char kContentTypes[] = XML_DECLARATION
+    "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
+    "<Default Extension=\"rels\" ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/>"
+    "<Default Extension=\"xml\" ContentType=\"application/xml\"/>"
+    "<Override PartName=\"/xl/workbook.xml\" ContentType=\"" SHEET_TYPES "sheet.main+xml\"/>"
+    "<Override PartName=\"/xl/worksheets/sheet1.xml\" ContentType=\"" SHEET_TYPES "worksheet+xml\"/>"
+    "<Override PartName=\"/xl/styles.xml\" ContentType=\"" SHEET_TYPES "styles+xml\"/>"
+    "</Types>";
+
+constexpr char kPackageRels[] = XML_DECLARATION
+    "<Relationships xmlns=\"" PACKAGE_RELS "\">"
+    "<Relationship Id=\"rId1\" Type=\"" OFFICE_RELS "/officeDocument\" Target=\"xl/workbook.xml\"/>"
+    "</Relationships>";
+
+constexpr char kWorkbookRels[] = XML_DECLARATION
+    "<Relationships xmlns=\"" PACKAGE_RELS "\">"
+    "<Relationship Id=\"rId2\" Type=\"" OFFICE_RELS "/styles\" Target=\"styles.xml\"/>"
+    "<Relationship Id=\"rId1\" Type=\"" OFFICE_RELS "/worksheet\" Target=\"worksheets/sheet1.xml\"/>"
+    "</Relationships>";
+
+constexpr char kStylesHead[] = XML_DECLARATION
+    "<styleSheet xmlns=\"" MAIN_NS "\">"
+    "<numFmts count=\"3\">"
+    "<numFmt numFmtId=\"164\" formatCode=\"yyyy/mm/dd\"/>"
+    "<numFmt numFmtId=\"165\" formatCode=\"yyyy/mm/dd\\ h:mm\"/>"
+    "<numFmt numFmtId=\"166\" formatCode=\"yyyy/mm/dd\\ h:mm:ss\"/>"
+    "</numFmts>"
+    "<fonts count=\"2\">"
+    "<font><sz val=\"11\"/><name val=\"Calibri\"/><family val=\"2\"/><scheme val=\"minor\"/></font>"
+    "<font><u/><sz val=\"11\"/><color theme=\"10\"/><name val=\"Calibri\"/><family val=\"2\"/><scheme val=\"minor\"/></font>"
+    "</fonts>"
+    "<fills count=\"2\"><fill><patternFill patternType=\"none\"/></fill>"
+    "<fill><patternFill patternType=\"gray125\"/></fill></fills>"
+    "<borders count=\"1\"><border><left/><right/><top/><bottom/><diagonal/></border></borders>"
+    "<cellStyleXfs count=\"1\"><xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" borderId=\"0\"/></cellStyleXfs>"
+    "<cellXfs count=\"3\">"
+    "<xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" borderId=\"0\" xfId=\"0\"/>"
+    "<xf numFmtId=\"";
+constexpr char kStylesTail[] =
+    "\" fontId=\"0\" fillId=\"0\" borderId=\"0\" xfId=\"0\" applyNumberFormat=\"1\"/>"
+    "<xf numFmtId=\"0\" fontId=\"1\" fillId=\"0\" borderId=\"0\" xfId=\"0\"/>"
+    "</cellXfs>"
+    "<cellStyles count=\"1\"><cellStyle name=\"Normal\" xfId=\"0\" builtinId=\"0\"/></cellStyles>"
+    "<dxfs count=\"0\"/>"
+    "<tableStyles count=\"0\" defaultTableStyle=\"TableStyleMedium2\" defaultPivotStyle=\"PivotStyleMedium9\"/>"
+    "</styleSheet>";
+
+QByteArray escapeXml(const QString &text)
+{
+    return text.toUtf8().replace("&", "&amp;").replace("<", "&lt;");
+}
+
+} // namespace
+
+int dateNumFmtId(int dateFormat, int ownBase)
+{
+    constexpr int kBuiltIn[] = {22, 14, 15, 16, 17, 18, 19, 20, 21}; // formats 3 to 11
+    return dateFormat < 3 ? ownBase + qMax(dateFormat, 0) : kBuiltIn[qMin(dateFormat, 11) - 3];
+}
+
+QList<FixedMember> leadingMembers(int dateFormat)
+{
+    constexpr int kFirstOwnFormat = 164;
+    return {{"[Content_Types].xml", kContentTypes},
+            {"_rels/.rels", kPackageRels},
+            {"xl/_rels/workbook.xml.rels", kWorkbookRels},
+            {"xl/styles.xml",
+             QByteArray(kStylesHead) + QByteArray::number(dateNumFmtId(dateFormat, kFirstOwnFormat)) + kStylesTail}};
+}
+
+QByteArray sheetHead()
+{
+    return XML_DECLARATION "<worksheet xmlns=\"" MAIN_NS "\" xmlns:r=\"" OFFICE_RELS "\">"
+                           "<sheetViews><sheetView workbookViewId=\"0\"/></sheetViews><sheetData>";
+}
+
+QByteArray sheetEndOfRows()
+{
+    return "</sheetData>";
+}
+
+QByteArray sheetTail()
+{
+    return "<pageMargins left=\"0.7\" right=\"0.7\" top=\"0.75\" bottom=\"0.75\" header=\"0.3\" footer=\"0.3\"/></worksheet>";
+}
+
+QByteArray definedName(const NamedRange &range)
+{
+    // Inside the quotes of a reference an apostrophe is doubled (18.2.5).
+    QString sheetName = range.sheetName;
+    sheetName.replace(u'\'', QStringLiteral("''"));
+    return "<definedName name=\"" + escapeXml(range.name).replace("\"", "&quot;") + "\">'" + escapeXml(sheetName)
+        + "'!$A$" + QByteArray::number(range.firstRow) + ":$" + columnLetters(range.lastColumn) + '$'
+        + QByteArray::number(range.lastRow) + "</definedName>";
+}
+
+QByteArray escapeSheetName(const QString &name)
+{
+    // Kept as required: "<" stays as it is, although the workbook is then no XML.
+    return name.toUtf8().replace("&", "&amp;").replace("\"", "&quot;");
+}
+
+QByteArray workbook(const QString &sheetName, const QByteArray &definedNames)
+{
+    QByteArray xml = XML_DECLARATION
+        "<workbook xmlns=\"" MAIN_NS "\" xmlns:r=\"" OFFICE_RELS "\">"
+        "<fileVersion appName=\"xl\" lastEdited=\"4\" lowestEdited=\"4\" rupBuild=\"4506\"/>"
+        "<bookViews><workbookView xWindow=\"420\" yWindow=\"792\" windowWidth=\"22428\" windowHeight=\"8676\"/></bookViews>"
+        "<sheets><sheet name=\"";
+    xml += escapeSheetName(sheetName) + "\" sheetId=\"1\" r:id=\"rId1\"/></sheets>";
+    if (!definedNames.isEmpty()) {
+        xml += "<definedNames>" + definedNames + "</definedNames>";
+    }
+    return xml + "</workbook>";
+}
+
+QByteArray relationshipsHead()
+{
+    return XML_DECLARATION "<Relationships xmlns=\"" PACKAGE_RELS "\">";
+}
+
+QByteArray relationshipsTail()
+{
+    return "</Relationships>";
+}
+
+QByteArray hyperlinkRelationship(qint64 number, const QString &url)
+{
+    // A double quote would end the attribute; it is not allowed in a URL and stands as its escape.
+    return "<Relationship Type=\"" OFFICE_RELS "/hyperlink\" Id=\"rId" + QByteArray::number(number) + "\" Target=\""
+        + escapeXml(url).replace("\"", "&quot;") + "\" TargetMode=\"External\"/>";
+}
+
+} // namespace corvanta::sheet

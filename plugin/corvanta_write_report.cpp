@@ -1,0 +1,18 @@
+#include "plugin/corvanta_write_report.h"
+
+#include "plugin/catalogue.h"
+
+ActionItem *CorvantaWriteReport::createAction(int index, unsigned int)
+{
+    // Negative numbers are beyond the last row too.
+    return corvanta::createCatalogueAction(static_cast<unsigned int>(index));
+}
+
+/// What a host of the earlier generation asks before it loads the module.
+extern "C" Q_DECL_EXPORT const char *qt_plugin_query_verification_data()
+{
+    return "pattern=QT_PLUGIN_VERIFICATION_DATA\n"
+           "version=4.8.7\n"
+           "debug=false\n"
+           "buildkey=Windows x64 msvc release full-config";
+}

@@ -1,0 +1,22 @@
+// plugin/pending_action.h
+// An action whose parameters are declared and whose file work is not part of this version.
+#pragma once
+#include "corvanta/action_base.h"
+
+namespace corvanta {
+
+/// Can be placed, edited, saved and linked; a run ends with one error.
+template <class Self, class P> class PendingAction : public ParamAction<Self, P>
+{
+protected:
+    using ParamAction<Self, P>::ParamAction;
+
+private:
+    bool step() override
+    {
+        return this->fail(QStringLiteral("Error: the action '%1' cannot be run by this version of the module\n")
+                              .arg(QLatin1StringView(this->getTypeName())));
+    }
+};
+
+} // namespace corvanta

@@ -1,0 +1,338 @@
+#include "writers/write_excel.h"
+
+#include "corvanta/host_functions.h"
+#include "plugin/catalogue.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLocale>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+constexpr int kLongCellWarnings = 50;
+constexpr qint64 kFirstRowTooMany = 1048577;
+constexpr int kLongestSheetName = 31;
+
+} // namespace
+
+ActionWriteExcel::ActionWriteExcel(const XMLNode &saved, GlobalParameters *parameters)
+    : ParamAction(catalogueRow("writeExcel"), saved, parameters)
+    , m_longCells(MainUI::Warning, kLongCellWarnings,
+                  u"One Cell is larger than 32768 chars: Excel will complain. Some more warnings won't be reported."_s)
+{}
+
+void ActionWriteExcel::start()
+{
+    m_run = std::make_unique<RunState>();
+    m_run->file = expandOutputFile(m_params.fileNameDestination, QString());
+    m_longCells.reset();
+    if (m_params.mode != 0) {
+        fail(u"\nERROR writing to Excel file '%1': this version writes new workbooks only (mode 0)\n"_s.arg(m_run->file));
+        return;
+    }
+    // A format with markup characters would end the cell's element.
+    const bool hasMarkup = m_params.floatToString.contains(u'<') || m_params.floatToString.contains(u'&');
+    if (hasMarkup || !m_floatFormat.set(m_params.floatToString)) {
+        fail(u"\nERROR writing to Excel file '%1': '%2' is not a format of a floating-point number\n"_s.arg(
+            m_run->file, m_params.floatToString));
+        return;
+    }
+    const QLocale locale = m_params.dateFormatType == 0 ? QLocale::c() : QLocale::system();
+    m_run->dates = std::make_unique<sheet::DateParser>(qtDateFormat(), locale, m_params.excelHack);
+}
+
+QString ActionWriteExcel::qtDateFormat() const
+{
+    const QLocale system = QLocale::system();
+    switch (m_params.dateFormatType) {
+    case 0:
+        return expandString(m_params.dateFormat);
+    case 1:
+        return system.dateFormat(QLocale::ShortFormat);
+    case 2:
+        return system.dateFormat(QLocale::LongFormat);
+    case 3:
+        return system.timeFormat(QLocale::ShortFormat);
+    case 4:
+        return system.timeFormat(QLocale::LongFormat);
+    case 5:
+        return system.dateTimeFormat(QLocale::ShortFormat);
+    case 6:
+        return system.dateTimeFormat(QLocale::LongFormat);
+    default:
+        return {};
+    }
+}
+
+bool ActionWriteExcel::askRetry()
+{
+    return runIsGood() && MainUI::displayOutOfDiskSpace(m_run->file, getIdx(), true);
+}
+
+/// Repeat a call of the package while its writes fail and the user wants to go on.
+template <class F> bool ActionWriteExcel::packageCall(F call)
+{
+    for (;;) {
+        const Result<void, package::Error> done = call();
+        if (done) {
+            return true;
+        }
+        if (done.fault().code != package::Error::WriteFailed || !askRetry()) {
+            return false;
+        }
+    }
+}
+
+bool ActionWriteExcel::findTestColumn(const OneRow *row)
+{
+    if (m_params.writeAllRows) {
+        return true;
+    }
+    m_run->testColumn = row->getIndexOfColumn(m_params.testCol);
+    if (m_run->testColumn < 0) {
+        return !fail(u"\nERROR writing to Excel file '%1': cannot find column '%2' to test\n"_s.arg(m_run->file,
+                                                                                                   m_params.testCol));
+    }
+    return true;
+}
+
+bool ActionWriteExcel::findColumns(const OneRow *row, std::vector<SheetWriter::Column> *columns)
+{
+    QStringList missing;
+    if (m_params.writeAllColumns) {
+        for (int i = 0; i < row->numberOfColumns(); ++i) {
+            columns->push_back({i, SheetWriter::Kind::Text, row->colName(i)});
+        }
+    } else if (m_params.toWrite.isEmpty()) {
+        return !fail(u"\nERROR writing to Excel file '%1': no column to write?\n"_s.arg(m_run->file));
+    }
+    for (const QString &name : m_params.writeAllColumns ? QStringList() : m_params.toWrite) {
+        const int index = row->getIndexOfColumn(name);
+        if (index < 0) {
+            fail(u"\nERROR writing to Excel file '%1': cannot find column '%2' to write\n"_s.arg(m_run->file, name));
+            missing << name;
+        }
+        columns->push_back({index, SheetWriter::Kind::Text, name});
+    }
+    return missing.isEmpty();
+}
+
+bool ActionWriteExcel::decideKind(const OneRow *row, SheetWriter::Column *column)
+{
+    const MetaInfo::MetaTypeColumn type = row->getMetaType(column->input).type();
+    if (m_params.toDate.contains(column->name)) {
+        column->kind = SheetWriter::Kind::Date;
+    } else if (m_params.toFormula.contains(column->name)) {
+        column->kind = SheetWriter::Kind::Formula;
+        if (type != MetaInfo::Unknown) {
+            return !fail(u"ERROR writing to Excel file '%1': type of column '%2' is not string/unknown.\n"_s.arg(
+                m_run->file, column->name));
+        }
+    } else if (type == MetaInfo::Key) {
+        column->kind = SheetWriter::Kind::Key;
+    } else if (type == MetaInfo::Float) {
+        column->kind = SheetWriter::Kind::Float;
+    }
+    return true;
+}
+
+bool ActionWriteExcel::writeMember(const char *name, const QByteArray &content)
+{
+    return packageCall([&] { return m_run->package->openMember(name); })
+        && packageCall([&] { return m_run->package->write(content); })
+        && packageCall([&] { return m_run->package->closeMember(); });
+}
+
+bool ActionWriteExcel::openNewWorkbook(std::vector<SheetWriter::Column> columns)
+{
+    if (m_params.createDir) {
+        QDir().mkpath(QFileInfo(m_run->file).absolutePath());
+    }
+    if (!m_run->target.open(m_run->file, getIdx())) {
+        return !fail(u"\nERROR writing to Excel file '%1'\n"_s.arg(m_run->file));
+    }
+    m_run->package = std::make_unique<package::PackageWriter>(m_run->target.file());
+    m_run->sheetName = makeSheetName();
+    for (const sheet::FixedMember &member : sheet::leadingMembers(m_params.dateFormatExcel)) {
+        if (!writeMember(member.name, member.content)) {
+            return !failOn(SheetWriter::Error::Write);
+        }
+    }
+    if (!packageCall([&] { return m_run->package->openMember(sheet::kSheetMember); })) {
+        return !failOn(SheetWriter::Error::Write);
+    }
+    SheetOptions options;
+    options.floatFormat = m_floatFormat;
+    options.noNans = m_params.noNans;
+    options.equalIsFormula = m_params.equalisFormula;
+    options.urlTag = m_params.urlTag;
+    options.crop = m_params.crop;
+    m_run->sheet = std::make_unique<SheetWriter>(*m_run->package, options, std::move(columns), m_run->dates.get(),
+                                                 [this] { warnLongCell(); }, [this] { return askRetry(); });
+    return !failOn(m_run->sheet->put(sheet::sheetHead()));
+}
+
+void ActionWriteExcel::warnLongCell()
+{
+    m_longCells.add(u"One Cell is larger than 32768 chars: Excel will complain"_s);
+    m_warningFlag = 1;
+}
+
+QString ActionWriteExcel::makeSheetName()
+{
+    QString name = expandString(m_params.sheetName);
+    if (name.size() > kLongestSheetName) {
+        warn(u"WARNING: in the Excelfile '%1' the SheetName '%2' is too long: truncating at 31 chars."_s.arg(
+            m_run->file, name));
+        name.truncate(kLongestSheetName);
+        if (name.back().isHighSurrogate()) {
+            name.chop(1);
+        }
+    }
+    if (name.contains(u'<')) {
+        warn(u"Warning: the sheet name '%1' of the Excel file '%2' contains '<': the workbook may not open.\n"_s.arg(
+            name, m_run->file));
+    }
+    return name;
+}
+
+bool ActionWriteExcel::begin(const OneRow *row)
+{
+    m_run->isFirst = false;
+    std::vector<SheetWriter::Column> columns;
+    if (!findTestColumn(row) || !findColumns(row, &columns)) {
+        return false;
+    }
+    QVector<int> inputs;
+    for (const SheetWriter::Column &column : columns) {
+        inputs << column.input;
+    }
+    if (doCheckNameCollision(row, m_params.checkNameCollision, this, inputs, m_run->file) != 0) {
+        return false;
+    }
+    for (SheetWriter::Column &column : columns) {
+        if (!decideKind(row, &column)) {
+            return false;
+        }
+    }
+    if (!openNewWorkbook(std::move(columns))) {
+        return false;
+    }
+    m_run->firstRow = m_run->sheet->row();
+    return !m_params.firstLineContainsColumnNames || !failOn(m_run->sheet->putHeader());
+}
+
+bool ActionWriteExcel::isWanted(const OneRow *row) const
+{
+    if (m_run->testColumn < 0) {
+        return true;
+    }
+    const unsigned short *units = nullptr;
+    const int n = row->col(m_run->testColumn, &units);
+    return QStringView(units, n) == m_params.testValue;
+}
+
+/// Fail the run with the message of `error`; false when there is none.
+bool ActionWriteExcel::failOn(SheetWriter::Error error)
+{
+    switch (error) {
+    case SheetWriter::Error::None:
+        return false;
+    case SheetWriter::Error::BufferTooSmall:
+        return fail(u"\nERROR writing to XLSX file '%1': output buffer too small\n"_s.arg(m_run->file));
+    case SheetWriter::Error::Write:
+        break;
+    }
+    return fail(u"\nERROR: cannot write to XLSX file '%1'\n"_s.arg(m_run->file));
+}
+
+bool ActionWriteExcel::writeRow(const OneRow *row)
+{
+    if (m_run->sheet->row() == kFirstRowTooMany) {
+        warn(u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's too large "
+             "(nRows>1048576). However, you can still use the file with Corvanta.\n"_s.arg(m_run->file));
+    }
+    return !failOn(m_run->sheet->putRow(*row));
+}
+
+bool ActionWriteExcel::step()
+{
+    while (!yieldRequested()) {
+        const OneRow *const row = getNextRowFromInPin(0);
+        if (row == nullptr) {
+            m_run->isComplete = runIsGood();
+            if (m_run->isFirst) {
+                getOutputRowForOutputPin(0)->copySchemaFrom(getInputColumns(0));
+            }
+            return true;
+        }
+        getOutputRowForOutputPin(0)->copyFrom(row);
+        setRowReadyForOutput(0);
+        if (m_run->isFirst && !begin(row)) {
+            return true;
+        }
+        if (isWanted(row) && !writeRow(row)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool ActionWriteExcel::finishNewWorkbook()
+{
+    SheetWriter &sheet = *m_run->sheet;
+    QByteArray tail = sheet::sheetEndOfRows();
+    if (!sheet.linkUses().empty()) {
+        tail += "<hyperlinks>" + sheet.hyperlinkElements(0) + "</hyperlinks>";
+    }
+    tail += sheet::sheetTail();
+    if (sheet.put(tail) != SheetWriter::Error::None) {
+        return false;
+    }
+    sheet.commit();
+    if (!packageCall([&] { return m_run->package->closeMember(); })) {
+        return false;
+    }
+    QByteArray definedName;
+    if (!m_params.namedRange.isEmpty()) {
+        const bool skipHeader = m_params.firstLineContainsColumnNames && !m_params.nrIncludeTitleRow;
+        definedName = sheet::definedName({m_params.namedRange, m_run->sheetName, m_run->firstRow + (skipHeader ? 1 : 0),
+                                          sheet.row() - 1, sheet.columnCount() - 1});
+    }
+    if (!writeMember(sheet::kWorkbookMember, sheet::workbook(m_run->sheetName, definedName))) {
+        return false;
+    }
+    if (!sheet.urls().isEmpty()) {
+        QByteArray rels = sheet::relationshipsHead();
+        qint64 number = 0;
+        for (const QString &url : sheet.urls()) {
+            rels += sheet::hyperlinkRelationship(++number, url);
+        }
+        if (!writeMember(sheet::kSheetRelsMember, rels + sheet::relationshipsTail())) {
+            return false;
+        }
+    }
+    return packageCall([&] { return m_run->package->close(); });
+}
+
+void ActionWriteExcel::finish()
+{
+    if (!m_run) {
+        return;
+    }
+    if (m_run->sheet && m_run->isComplete && runIsGood()) {
+        const bool done = finishNewWorkbook();
+        m_run->sheet.reset();
+        m_run->package.reset();
+        if (!done || !m_run->target.commit()) {
+            fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(m_run->file));
+        }
+    }
+    m_run.reset();
+}
+
+} // namespace corvanta
