@@ -64,6 +64,12 @@ void DeflateStream::stop()
     m_progress.notify_all();
 }
 
+bool DeflateStream::isStopped() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_isStopped;
+}
+
 void DeflateStream::begin()
 {
     const std::scoped_lock lock(m_mutex);
@@ -79,7 +85,7 @@ void DeflateStream::begin()
     m_totals = {};
 }
 
-Result<std::span<char>, Error> DeflateStream::room(size_t n)
+Result<std::span<char>, Error> DeflateStream::room([[maybe_unused]] size_t n)
 {
     assert(m_current && n <= kMaxRoomBytes);
     // A block that is just full stays: whether it is the last one is not known yet.

@@ -72,6 +72,7 @@ public:
 
     /// End every wait, from any thread: calls that wait, and all later ones, answer Stopped.
     void stop();
+    bool isStopped() const;
 
 private:
     struct Block;
@@ -95,7 +96,7 @@ private:
     Block *m_current = nullptr;           // what the caller fills
     size_t m_writeDone = 0;               // of a write() that ended with a fault
 
-    std::mutex m_mutex;
+    mutable std::mutex m_mutex;
     std::condition_variable m_workThere;          // for the workers
     std::condition_variable m_progress;           // for the caller
     std::vector<std::unique_ptr<Block>> m_blocks; // guarded by m_mutex, as all that follows

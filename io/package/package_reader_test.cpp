@@ -332,6 +332,18 @@ TEST(RawCopy, EveryRefusedWriteCanBeRepeated)
     }
 }
 
+TEST(RawCopy, StopsBetweenTwoChunks)
+{
+    const QByteArray package = packageOf(kParts);
+    Opened opened(package);
+    MemorySink sink;
+    PackageWriter writer(sink);
+    writer.stop();
+    const auto copied = writer.copyRaw(*opened.reader, opened.reader->members()[0]);
+    ASSERT_FALSE(copied);
+    EXPECT_EQ(copied.fault().code, Error::Stopped);
+}
+
 TEST(RawCopy, AFullFlushIsRepeatedToo)
 {
     const QByteArray package = packageOf(storedMember("noise", QByteArray(6'000'000, 'n')));

@@ -203,6 +203,10 @@ Result<void, Error> PackageWriter::copyChunks()
         if (!m_rawChunk.isEmpty() && !m_sink.write(m_rawChunk.data(), m_rawChunk.size())) {
             return Fault{Error::WriteFailed};
         }
+        m_rawChunk = {};
+        if (m_stream.isStopped()) {
+            return Fault{Error::Stopped};
+        }
         const auto chunk = m_rawSource->next();
         if (!chunk) {
             return chunk.fault();

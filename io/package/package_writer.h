@@ -48,7 +48,7 @@ public:
     /// Add a member of another package as it is: its stored bytes are copied and verified on the
     /// way. Repeat it with the same arguments after WriteFailed. After a fault of reading (those of
     /// PackageReader::openRaw and RawMemberStream) the member is not in the package.
-    /// Errors: also WriteFailed, BadName, NameTaken.
+    /// Errors: also WriteFailed, Stopped, BadName, NameTaken.
     Result<void, Error> copyRaw(PackageReader &source, const Member &member);
 
     /// Add a member from its stored bytes, which have been verified. Errors: WriteFailed, BadName,
