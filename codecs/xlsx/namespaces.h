@@ -1,0 +1,20 @@
+// codecs/xlsx/namespaces.h
+// The namespaces and relationship types of workbooks, in their two families (ECMA-376 part 1).
+#pragma once
+#include <QByteArrayView>
+
+namespace corvanta::xlsx {
+
+struct Family
+{
+    QByteArrayView main;          ///< of workbooks, sheets and styles
+    QByteArrayView relationships; ///< of r:id attributes; relationship types begin with it
+};
+
+inline constexpr Family kTransitional{
+    "http://schemas.openxmlformats.org/spreadsheetml/2006/main",
+    "http://schemas.openxmlformats.org/officeDocument/2006/relationships"};
+inline constexpr Family kStrict{"http://purl.oclc.org/ooxml/spreadsheetml/main",
+                                "http://purl.oclc.org/ooxml/officeDocument/relationships"};
+
+} // namespace corvanta::xlsx

@@ -1,0 +1,178 @@
+// styleSheet is a sequence (ECMA-376 part 1, 18.8.39): numFmts, fonts, fills, borders,
+// cellStyleXfs, cellXfs, cellStyles, dxfs, ... A table that is missing goes in front of the first
+// later one.
+#include "codecs/xlsx/styles_part.h"
+
+#include "base/number.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <limits>
+#include <string_view>
+
+namespace corvanta::xlsx {
+
+namespace {
+
+constexpr quint64 kFirstFormatId = 2001;
+
+/// Reads the tables of a part and collects the changes to them.
+class StylesEditor
+{
+public:
+    StylesEditor(QByteArrayView text, const Outline &outline)
+        : m_text(text)
+        , m_outline(outline)
+        , m_splices(text)
+    {
+    }
+
+    quint64 addNumberFormat(const QByteArray &code);
+    quint64 addHyperlinkFont();
+    StylesChange addCellFormats(quint64 dateFormatId, quint64 fontId);
+
+private:
+    /// Put `entry` behind the `count` ones of a table.
+    void append(int table, quint64 count, const QByteArray &entry);
+    void addTable(QByteArrayView name, quint64 count, const QByteArray &entries,
+                  std::initializer_list<QByteArrayView> earlier);
+    QByteArray element(QByteArrayView local, const QByteArray &rest) const
+    {
+        return '<' + m_outline.qualified(local) + rest;
+    }
+    QByteArray hyperlinkFont() const;
+
+    QByteArrayView m_text;
+    const Outline &m_outline;
+    Splices m_splices;
+};
+
+void StylesEditor::append(int table, quint64 count, const QByteArray &entry)
+{
+    const Element &place = m_outline.element(table);
+    m_splices.setAttribute(place.tag, "count", QByteArray::number(count));
+    m_splices.append(place, entry);
+}
+
+void StylesEditor::addTable(QByteArrayView name, quint64 count, const QByteArray &entries,
+                            std::initializer_list<QByteArrayView> earlier)
+{
+    const QByteArray table = element(name, " count=\"" + QByteArray::number(count) + "\">" +
+                                               entries + "</" + m_outline.qualified(name) + '>');
+    qsizetype at = m_outline.root().tag.end;
+    for (const QByteArrayView before : earlier) {
+        for (const int index : m_outline.children(0, before)) {
+            at = std::max(at, m_outline.element(index).end);
+        }
+    }
+    m_splices.insert(at, table);
+}
+
+quint64 StylesEditor::addNumberFormat(const QByteArray &code)
+{
+    const auto table = m_outline.child(0, "numFmts");
+    const std::vector<int> entries =
+        table ? m_outline.children(*table, "numFmt") : std::vector<int>();
+    quint64 id = kFirstFormatId;
+    for (const int index : entries) {
+        const Tag &tag = m_outline.element(index).tag;
+        const QByteArrayView digits = tag.attribute("numFmtId").value_or(QByteArrayView());
+        quint64 usedId = 0;
+        const std::string_view view(digits.data(), static_cast<size_t>(digits.size()));
+        if (!parseUInt(view, std::numeric_limits<quint32>::max(), &usedId) ||
+            usedId < kFirstFormatId) {
+            continue;
+        }
+        if (decoded(tag.attribute("formatCode").value_or(QByteArrayView())).toUtf8() == code) {
+            return usedId;
+        }
+        id = std::max(id, usedId + 1);
+    }
+    const QByteArray entry = element("numFmt", " numFmtId=\"" + QByteArray::number(id) +
+                                                   "\" formatCode=\"" + code + "\"/>");
+    if (table) {
+        append(*table, entries.size() + 1, entry);
+    } else {
+        addTable("numFmts", 1, entry, {});
+    }
+    return id;
+}
+
+QByteArray StylesEditor::hyperlinkFont() const
+{
+    QByteArray font = element("font", ">") + element("u", "/>") + element("sz", " val=\"11\"/>") +
+                      element("color", " theme=\"10\"/>") + element("name", " val=\"Calibri\"/>") +
+                      element("family", " val=\"2\"/>") + element("scheme", " val=\"minor\"/>");
+    return font + "</" + m_outline.qualified("font") + '>';
+}
+
+quint64 StylesEditor::addHyperlinkFont()
+{
+    const QByteArray font = hyperlinkFont();
+    const auto table = m_outline.child(0, "fonts");
+    const std::vector<int> fonts = table ? m_outline.children(*table, "font") : std::vector<int>();
+    for (size_t i = 0; i < fonts.size(); ++i) {
+        const Element &one = m_outline.element(fonts[i]);
+        if (m_text.sliced(one.tag.begin, one.end - one.tag.begin) == font) {
+            return i;
+        }
+    }
+    // Font 0 is that of cells without a format, so the first entry must not be ours.
+    const QByteArray entries = (fonts.empty() ? element("font", "/>") : QByteArray()) + font;
+    const quint64 count = std::max<quint64>(fonts.size() + 1, 2);
+    if (table) {
+        append(*table, count, entries);
+    } else {
+        addTable("fonts", count, entries, {"numFmts"});
+    }
+    return count - 1;
+}
+
+StylesChange StylesEditor::addCellFormats(quint64 dateFormatId, quint64 fontId)
+{
+    const auto format = [&](quint64 numberFormat, quint64 font, const char *rest) {
+        return element("xf", " numFmtId=\"" + QByteArray::number(numberFormat) + "\" fontId=\"" +
+                                 QByteArray::number(font) +
+                                 "\" fillId=\"0\" borderId=\"0\" xfId=\"0\"" + rest);
+    };
+    const auto table = m_outline.child(0, "cellXfs");
+    const size_t known = table ? m_outline.children(*table, "xf").size() : 0;
+    // Likewise cells without a format have format 0.
+    const QByteArray first = known == 0 ? format(0, 0, "/>") : QByteArray();
+    const QByteArray entries =
+        first + format(dateFormatId, 0, " applyNumberFormat=\"1\"/>") + format(0, fontId, "/>");
+    const quint64 count = std::max<quint64>(known, 1) + 2;
+    if (table) {
+        append(*table, count, entries);
+    } else {
+        addTable("cellXfs", count, entries,
+                 {"numFmts", "fonts", "fills", "borders", "cellStyleXfs"});
+    }
+    return {m_splices.apply(), count - 2, count - 1, !table};
+}
+
+} // namespace
+
+Result<StylesChange, Error> changedStyles(QByteArrayView text, const DateFormat &dateFormat)
+{
+    const auto outline = Outline::read(text);
+    if (!outline) {
+        return outline.fault();
+    }
+    if (outline->root().tag.local() != QByteArrayView("styleSheet")) {
+        return Fault<Error>{Error::Unexpected};
+    }
+    if (outline->root().isEmptyTag()) {
+        Splices opened(text);
+        opened.append(outline->root(), {});
+        return changedStyles(opened.apply(), dateFormat);
+    }
+    StylesEditor editor(text, *outline);
+    const bool isBuiltin = dateFormat.code.isEmpty();
+    const quint64 dateFormatId = isBuiltin ? static_cast<quint64>(dateFormat.builtinId)
+                                           : editor.addNumberFormat(dateFormat.code);
+    const quint64 fontId = editor.addHyperlinkFont();
+    return editor.addCellFormats(dateFormatId, fontId);
+}
+
+} // namespace corvanta::xlsx

@@ -1,0 +1,237 @@
+#include "codecs/xlsx/workbook_part.h"
+
+#include "base/number.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <string_view>
+
+namespace corvanta::xlsx {
+
+namespace {
+
+constexpr quint32 kMaxSheetId = std::numeric_limits<quint32>::max();
+
+/// A workbook's elements that an update looks at.
+struct Parts
+{
+    Outline outline;
+    Family family;
+    int sheets;
+};
+
+/// The prefix that stands for `uri` on `tag` or on the tags around it, innermost first.
+std::optional<QByteArray> prefixFor(QByteArrayView uri,
+                                    std::initializer_list<const Tag *> innermostFirst)
+{
+    for (const Tag *tag : innermostFirst) {
+        const auto prefix = tag->prefixBoundTo(uri);
+        if (prefix && !prefix->isEmpty()) {
+            return prefix->toByteArray();
+        }
+    }
+    return std::nullopt;
+}
+
+Result<Parts, Error> readParts(QByteArrayView text)
+{
+    auto outline = Outline::read(text);
+    if (!outline) {
+        return outline.fault();
+    }
+    const Tag &root = outline->root().tag;
+    const auto sheets = outline->child(0, "sheets");
+    if (root.local() != QByteArrayView("workbook") || !sheets) {
+        return Fault<Error>{Error::Unexpected};
+    }
+    const bool isStrict = root.prefixBoundTo(kStrict.main).has_value();
+    return Parts{std::move(*outline), isStrict ? kStrict : kTransitional, *sheets};
+}
+
+QByteArray relationshipIdOf(const Parts &parts, const Tag &sheet)
+{
+    const Tag &root = parts.outline.root().tag;
+    const Tag &sheets = parts.outline.element(parts.sheets).tag;
+    const auto prefix = prefixFor(parts.family.relationships, {&sheet, &sheets, &root});
+    const auto id = prefix ? sheet.attribute(*prefix + ":id") : std::nullopt;
+    return id.value_or(QByteArrayView()).toByteArray();
+}
+
+SheetEntry sheetOf(const Parts &parts, const Tag &tag)
+{
+    quint64 id = 0;
+    const QByteArrayView digits = tag.attribute("sheetId").value_or(QByteArrayView());
+    parseUInt(std::string_view(digits.data(), static_cast<size_t>(digits.size())), kMaxSheetId,
+              &id);
+    return {decoded(tag.attribute("name").value_or(QByteArrayView())), static_cast<quint32>(id),
+            relationshipIdOf(parts, tag)};
+}
+
+void addSheet(const Parts &parts, const SheetEntry &sheet, Splices *splices)
+{
+    const Outline &outline = parts.outline;
+    const Element &sheets = outline.element(parts.sheets);
+    const auto known = prefixFor(parts.family.relationships, {&sheets.tag, &outline.root().tag});
+    const QByteArray prefix = known.value_or("r");
+    const QByteArray declaration =
+        known ? QByteArray() : " xmlns:r=\"" + parts.family.relationships.toByteArray() + '"';
+    splices->append(sheets, '<' + outline.qualified("sheet") + declaration + " name=\"" +
+                                quotable(sheet.name) + "\" sheetId=\"" +
+                                QByteArray::number(sheet.sheetId) + "\" " + prefix + ":id=\"" +
+                                sheet.relationshipId + "\"/>");
+}
+
+/// Behind which child of the workbook something goes that follows the elements of `names`.
+qsizetype behindLast(const Parts &parts, std::initializer_list<QByteArrayView> names)
+{
+    qsizetype at = parts.outline.element(parts.sheets).end;
+    for (const QByteArrayView name : names) {
+        for (const int index : parts.outline.children(0, name)) {
+            at = std::max(at, parts.outline.element(index).end);
+        }
+    }
+    return at;
+}
+
+void setDefinedName(const Parts &parts, const DefinedName &name, Splices *splices)
+{
+    const Outline &outline = parts.outline;
+    const QByteArray element = outline.qualified("definedName");
+    const QByteArray text = '<' + element + " name=\"" + quotable(name.name) + "\">" +
+                            quotable(name.refersTo).replace("&quot;", "\"") + "</" + element + '>';
+    const auto list = outline.child(0, "definedNames");
+    if (!list) {
+        const QByteArray listName = outline.qualified("definedNames");
+        splices->insert(behindLast(parts, {"functionGroups", "externalReferences"}),
+                        '<' + listName + '>' + text + "</" + listName + '>');
+        return;
+    }
+    for (const int index : outline.children(*list, "definedName")) {
+        const Element &old = outline.element(index);
+        const QString oldName = decoded(old.tag.attribute("name").value_or(QByteArrayView()));
+        const bool isOfOneSheet = old.tag.attribute("localSheetId").has_value();
+        if (!isOfOneSheet && oldName.compare(name.name, Qt::CaseInsensitive) == 0) {
+            splices->replace(old.tag.begin, old.end, text);
+            return;
+        }
+    }
+    splices->append(outline.element(*list), text);
+}
+
+void setRecalculation(const Parts &parts, Splices *splices)
+{
+    static const QByteArray kAttributes = " calcId=\"0\" fullCalcOnLoad=\"1\"";
+    const Outline &outline = parts.outline;
+    const auto calculation = outline.child(0, "calcPr");
+    if (!calculation) {
+        splices->insert(behindLast(parts, {"functionGroups", "externalReferences", "definedNames"}),
+                        '<' + outline.qualified("calcPr") + kAttributes + "/>");
+        return;
+    }
+    const Tag &tag = outline.element(*calculation).tag;
+    QByteArray kept;
+    const auto attributes = tag.attributes();
+    for (const Attribute &one : *attributes) {
+        if (one.name != QByteArrayView("calcId") && one.name != QByteArrayView("fullCalcOnLoad")) {
+            const char quote = one.value.contains('"') ? '\'' : '"';
+            kept += ' ' + one.name.toByteArray() + '=' + quote + one.value.toByteArray() + quote;
+        }
+    }
+    const qsizetype begin = tag.begin + 1 + tag.name.size();
+    splices->replace(begin, begin + tag.inside.size(), kAttributes + kept);
+}
+
+QString cut(const QString &name, qsizetype units)
+{
+    const QString shortened = name.left(units);
+    const bool splitsPair = shortened.size() < name.size() && !shortened.isEmpty() &&
+                            shortened.back().isHighSurrogate();
+    return splitsPair ? shortened.chopped(1) : shortened;
+}
+
+} // namespace
+
+QStringList Workbook::sheetNames() const
+{
+    QStringList names;
+    for (const SheetEntry &sheet : sheets) {
+        names.append(sheet.name);
+    }
+    return names;
+}
+
+quint32 Workbook::freeSheetId() const
+{
+    const auto isTaken = [&](quint32 id) {
+        return std::any_of(sheets.begin(), sheets.end(),
+                           [&](const SheetEntry &sheet) { return sheet.sheetId == id; });
+    };
+    quint32 highest = 0;
+    for (const SheetEntry &sheet : sheets) {
+        highest = std::max(highest, sheet.sheetId);
+    }
+    if (highest < kMaxSheetId) {
+        return highest + 1;
+    }
+    quint32 id = 1;
+    while (isTaken(id)) {
+        ++id;
+    }
+    return id;
+}
+
+Result<Workbook, Error> readWorkbook(QByteArrayView text)
+{
+    const auto parts = readParts(text);
+    if (!parts) {
+        return parts.fault();
+    }
+    const Outline &outline = parts->outline;
+    Workbook workbook;
+    workbook.family = parts->family;
+    for (const int index : outline.children(parts->sheets, "sheet")) {
+        workbook.sheets.push_back(sheetOf(*parts, outline.element(index).tag));
+    }
+    if (const auto properties = outline.child(0, "workbookPr")) {
+        const auto flag = outline.element(*properties).tag.attribute("date1904");
+        workbook.has1904Dates =
+            flag && (*flag == QByteArrayView("1") || *flag == QByteArrayView("true"));
+    }
+    if (workbook.sheets.empty()) {
+        return Fault<Error>{Error::Unexpected};
+    }
+    return workbook;
+}
+
+Result<QByteArray, Error> changedWorkbook(QByteArrayView text, const WorkbookChange &change)
+{
+    const auto parts = readParts(text);
+    if (!parts) {
+        return parts.fault();
+    }
+    Splices splices(text);
+    if (change.addedSheet) {
+        addSheet(*parts, *change.addedSheet, &splices);
+    }
+    if (change.definedName) {
+        setDefinedName(*parts, *change.definedName, &splices);
+    }
+    if (change.recalculate) {
+        setRecalculation(*parts, &splices);
+    }
+    return splices.apply();
+}
+
+QString freeSheetName(const QString &name, const QStringList &taken)
+{
+    // Kept as required: letter case counts, although spreadsheet programs ignore it.
+    QString candidate = cut(name, kMaxSheetNameUnits);
+    for (int number = 2; taken.contains(candidate); ++number) {
+        const QString suffix = QLatin1Char('_') + QString::number(number);
+        candidate = cut(name, kMaxSheetNameUnits - suffix.size()) + suffix;
+    }
+    return candidate;
+}
+
+} // namespace corvanta::xlsx

@@ -1,0 +1,396 @@
+#include "codecs/xlsx/package_parts.h"
+#include "codecs/xlsx/sheet_splitter.h"
+#include "codecs/xlsx/styles_part.h"
+#include "codecs/xlsx/workbook_part.h"
+
+#include <gtest/gtest.h>
+
+namespace corvanta::xlsx {
+
+namespace {
+
+constexpr auto kMain = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
+constexpr auto kRel = "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
+
+/// `text` with "MAIN" and "REL" replaced by the namespaces.
+QByteArray xml(QByteArray text)
+{
+    return text.replace("MAIN", kMain).replace("REL", kRel);
+}
+
+QByteArray workbookAround(const QByteArray &inner)
+{
+    return xml("<workbook xmlns=\"MAIN\" xmlns:r=\"REL\">" + inner + "</workbook>");
+}
+
+constexpr auto kOneSheet = "<sheets><sheet name=\"A\" sheetId=\"7\" r:id=\"rId3\"/></sheets>";
+
+struct Split
+{
+    QByteArray head, tail, rootTag;
+    quint64 firstRow = 0;
+    bool droppedFormula = false;
+    std::optional<Error> error = std::nullopt;
+    Family family = kTransitional;
+};
+
+Split split(const QByteArray &sheet, quint64 startRow, qsizetype pieceBytes = 1 << 20)
+{
+    SheetSplitter splitter(startRow);
+    Split out;
+    for (qsizetype at = 0; at < sheet.size() && !out.error; at += pieceBytes) {
+        const auto pushed =
+            splitter.push(QByteArrayView(sheet).sliced(at, qMin(pieceBytes, sheet.size() - at)));
+        out.error = pushed ? out.error : pushed.fault().code;
+        out.head += splitter.takeHead();
+    }
+    if (!out.error) {
+        const auto finished = splitter.finish();
+        out.error = finished ? out.error : finished.fault().code;
+    }
+    out.head += splitter.takeHead();
+    out.tail = splitter.tail();
+    out.rootTag = splitter.rootTag();
+    out.family = splitter.family();
+    out.firstRow = splitter.firstRow1();
+    out.droppedFormula = splitter.hasDroppedFormula();
+    return out;
+}
+
+QByteArray sheetAround(const QByteArray &data, const QByteArray &tail = {})
+{
+    return xml("<?xml version='1.0' encoding='utf-8'?><worksheet xmlns=\"MAIN\" xmlns:r=\"REL\">" +
+               data + tail + "</worksheet>");
+}
+
+} // namespace
+
+TEST(MarkupScan, SeesTagsOnlyWhereTheyAre)
+{
+    const QByteArray text = "<!-- <a> --><?p <b>?><r><![CDATA[<c>]]><d x='>' y = \"1\" /></r>";
+    qsizetype at = 0;
+    Tag tag;
+    bool isBroken = false;
+    QByteArrayList names;
+    while (nextTag(text, &at, &tag, &isBroken)) {
+        names += tag.name.toByteArray() + char('0' + static_cast<int>(tag.kind)) +
+                 tag.attribute("y").value_or("").toByteArray();
+    }
+    EXPECT_FALSE(isBroken);
+    EXPECT_EQ(names, (QByteArrayList{"r0", "d21", "r1"}));
+}
+
+TEST(MarkupScan, RefusesWhatIsNoXml)
+{
+    for (const char *text :
+         {"", "<a>", "</a>", "<a></b>", "<a/><b/>", "<a b></a>", "<a b=1/>", "<a b='1'c='2'/>",
+          "<a <b/>", "<!DOCTYPE a><a/>", "<a><!-- </a>", "<1/>", "text"}) {
+        EXPECT_FALSE(Outline::read(text)) << text;
+    }
+    using namespace std::string_literals;
+    for (const std::string &text :
+         {"\xFF\xFE<\0a\0"s, "<\0a\0/\0>\0"s, "<?xml version='1.0' encoding='latin1'?><a/>"s}) {
+        const auto read =
+            Outline::read(QByteArrayView(text.data(), static_cast<qsizetype>(text.size())));
+        ASSERT_FALSE(read);
+        EXPECT_EQ(read.fault().code, Error::Encoding);
+    }
+    EXPECT_TRUE(Outline::read("\xEF\xBB\xBF<?xml version='1.0' encoding='UTF-8'?><a/>"));
+}
+
+TEST(MarkupScan, DecodesAndQuotesNames)
+{
+    EXPECT_EQ(decoded("&lt;&gt;&apos;&quot;&amp;&#65;&#x20AC;&#xD800;&bad;&"),
+              u"<>'\"&A\u20AC&#xD800;&bad;&");
+    EXPECT_EQ(quotable(u"a&b<c>\"d\"\n\x01"), "a&amp;b&lt;c>&quot;d&quot;&#10;\xEF\xBF\xBD");
+}
+
+TEST(PackageParts, TargetsLeadToMembers)
+{
+    const std::vector<std::array<const char *, 3>> cases{
+        {"xl/workbook.xml", "worksheets/sheet1.xml", "xl/worksheets/sheet1.xml"},
+        {"xl/workbook.xml", "/xl/worksheets/sheet1.xml", "xl/worksheets/sheet1.xml"},
+        {"xl/workbook.xml", "./../xl//worksheets\\sheet1.xml", "xl/worksheets/sheet1.xml"},
+        {"workbook.xml", "sheet1.xml", "sheet1.xml"},
+        {"xl/workbook.xml", "../../sheet1.xml", ""},
+    };
+    for (const auto &[source, target, member] : cases) {
+        EXPECT_EQ(resolvedTarget(source, QString::fromLatin1(target)), member);
+    }
+    const MemberNames names({"xl\\workbook.xml", "XL/Styles.xml", "xl/styles.xml",
+                             "xl/worksheets/Sheet12.xml", "a b.xml"});
+    EXPECT_EQ(names.find("xl/workbook.xml"), "xl\\workbook.xml");
+    EXPECT_EQ(names.find("xl/styles.xml"), "xl/styles.xml");
+    EXPECT_EQ(names.find("a%20b.xml"), "a b.xml");
+    EXPECT_EQ(names.find("none"), std::nullopt);
+    EXPECT_EQ(names.highestNumber("xl/worksheets/sheet"), 12U);
+    EXPECT_EQ(relationshipPartOf("xl/worksheets/sheet1.xml"),
+              "xl/worksheets/_rels/sheet1.xml.rels");
+}
+
+TEST(PackageParts, RelationshipsAreNumberedOn)
+{
+    const QByteArray text = "<Relationships><!--<Relationship Id=\"rId99\"/>-->"
+                            "<Relationship Target='a&amp;b' Id='rId7' Type='t'/>"
+                            "<Relationship Id=\"other\" Type=\"u\" Target=\"x\" "
+                            "TargetMode=\"External\"/></Relationships>";
+    const auto read = readRelationships(text);
+    ASSERT_TRUE(read);
+    EXPECT_EQ(highestIdNumber(*read), 7U);
+    EXPECT_EQ(read->front().target, u"a&b");
+    const auto changed =
+        changedRelationships(text, {{"rId8", u"n"_qs, u"y\"<&"_qs, true}}, {"other"});
+    ASSERT_TRUE(changed);
+    EXPECT_EQ(*changed, "<Relationships><!--<Relationship Id=\"rId99\"/>-->"
+                        "<Relationship Target='a&amp;b' Id='rId7' Type='t'/>"
+                        "<Relationship Type=\"n\" Id=\"rId8\" Target=\"y&quot;&lt;&amp;\" "
+                        "TargetMode=\"External\"/></Relationships>");
+    const auto prefixed =
+        changedRelationships("<p:Relationships xmlns:p='x'/>", {{"rId1", u"n"_qs, u"y"_qs}});
+    ASSERT_TRUE(prefixed);
+    EXPECT_EQ(*prefixed, "<p:Relationships xmlns:p='x'><p:Relationship Id=\"rId1\" Type=\"n\" "
+                         "Target=\"y\"/></p:Relationships>");
+    EXPECT_TRUE(changedRelationships({}, {}));
+}
+
+TEST(WorkbookPart, ReadsSheetsHoweverTheyAreWritten)
+{
+    const QByteArray text =
+        xml("<x:workbook xmlns:x='MAIN'><x:workbookPr date1904='true'/>"
+            "<!--<x:sheets><x:sheet name='no'/></x:sheets>-->"
+            "<x:sheets><x:sheet q:id='rIdA' sheetId='9' name='A &amp; &#66;' xmlns:q='REL'/>"
+            "<x:sheet xmlns:r='REL' name=\"it's\" r:id=\"rId4\" "
+            "sheetId=\"3\"></x:sheet></x:sheets></x:workbook>");
+    const auto workbook = readWorkbook(text);
+    ASSERT_TRUE(workbook);
+    EXPECT_EQ(workbook->sheetNames(), (QStringList{u"A & B"_qs, u"it's"_qs}));
+    EXPECT_EQ(workbook->sheets[0].relationshipId, "rIdA");
+    EXPECT_EQ(workbook->sheets[1].relationshipId, "rId4");
+    EXPECT_EQ(workbook->freeSheetId(), 10U);
+    EXPECT_TRUE(workbook->has1904Dates);
+    const auto changed = changedWorkbook(text, {.addedSheet = SheetEntry{u"N<\"&"_qs, 10, "rId5"}});
+    ASSERT_TRUE(changed);
+    EXPECT_TRUE(
+        changed->contains(xml("</x:sheet><x:sheet xmlns:r=\"REL\" name=\"N&lt;&quot;&amp;\" "
+                              "sheetId=\"10\" r:id=\"rId5\"/></x:sheets>")));
+    EXPECT_EQ(readWorkbook(workbookAround("<sheets/>")).fault().code, Error::Unexpected);
+    EXPECT_EQ(readWorkbook("<worksheet/>").fault().code, Error::Unexpected);
+}
+
+TEST(WorkbookPart, SplicesNamesAndRecalculation)
+{
+    struct Case
+    {
+        QByteArray before, after;
+    };
+    const QByteArray entry = "<definedName name=\"N\">'A'!$A$1:$B$2</definedName>";
+    const QByteArray calc = "<calcPr calcId=\"0\" fullCalcOnLoad=\"1\"/>";
+    const std::vector<Case> cases{
+        {"", "<definedNames>" + entry + "</definedNames>" + calc},
+        {"<externalReferences><externalReference r:id=\"rId9\"/></externalReferences><calcPr "
+         "calcId=\"1\"/>",
+         "<externalReferences><externalReference "
+         "r:id=\"rId9\"/></externalReferences><definedNames>" +
+             entry + "</definedNames>" + calc},
+        {"<definedNames/><oleSize ref=\"A1\"/>",
+         "<definedNames>" + entry + "</definedNames>" + calc + "<oleSize ref=\"A1\"/>"},
+        {"<definedNames><definedName name='n' hidden='1'>x</definedName><definedName "
+         "name='M'>y</definedName></definedNames>",
+         "<definedNames>" + entry + "<definedName name='M'>y</definedName></definedNames>" + calc},
+        {"<definedNames><definedName name='N' "
+         "localSheetId='0'>x</definedName></definedNames><calcPr iterate='1' calcId='9' "
+         "fullCalcOnLoad='0'/>",
+         "<definedNames><definedName name='N' localSheetId='0'>x</definedName>" + entry +
+             "</definedNames><calcPr calcId=\"0\" fullCalcOnLoad=\"1\" iterate=\"1\"/>"},
+        {"<calcPr></calcPr>",
+         "<definedNames>" + entry +
+             "</definedNames><calcPr calcId=\"0\" fullCalcOnLoad=\"1\"></calcPr>"},
+    };
+    for (const Case &one : cases) {
+        const auto changed = changedWorkbook(
+            workbookAround(kOneSheet + one.before),
+            {.definedName = DefinedName{u"N"_qs, u"'A'!$A$1:$B$2"_qs}, .recalculate = true});
+        ASSERT_TRUE(changed);
+        EXPECT_EQ(*changed, workbookAround(kOneSheet + one.after));
+    }
+}
+
+TEST(WorkbookPart, SheetNamesAreShortAndFree)
+{
+    const QString longName(35, u'x');
+    EXPECT_EQ(freeSheetName(u"A"_qs, {u"a"_qs}), u"A");
+    EXPECT_EQ(freeSheetName(u"A"_qs, {u"A"_qs, u"A_2"_qs}), u"A_3");
+    EXPECT_EQ(freeSheetName(longName, {}), QString(31, u'x'));
+    EXPECT_EQ(freeSheetName(longName, {QString(31, u'x')}), QString(29, u'x') + u"_2"_qs);
+    EXPECT_EQ(freeSheetName(QString(30, u'x') + u"\U0001F600"_qs, {}), QString(30, u'x'));
+}
+
+TEST(StylesPart, AddsFormatsWithTrueCounts)
+{
+    const QByteArray xfs = "<cellXfs count=\"1\"><xf numFmtId=\"0\"/></cellXfs>";
+    const QByteArray link = "<font><u/><sz val=\"11\"/><color theme=\"10\"/><name "
+                            "val=\"Calibri\"/><family val=\"2\"/><scheme val=\"minor\"/></font>";
+    struct Case
+    {
+        QByteArray before;
+        quint64 dateStyle;
+        QByteArray part; // of the result
+    };
+    const std::vector<Case> cases{
+        {"<numFmts count='0'/><fonts count='9'><font/></fonts>" + xfs, 1,
+         "<numFmts count='1'><numFmt numFmtId=\"2001\" formatCode=\"yyyy\"/></numFmts><fonts "
+         "count='2'><font/>" +
+             link + "</fonts><cellXfs count=\"3\">"},
+        {"<numFmts><numFmt formatCode=\"dd\" numFmtId=\"2001\"/></numFmts><fonts>" + link +
+             "</fonts>" + xfs,
+         1,
+         "<numFmts count=\"2\"><numFmt formatCode=\"dd\" numFmtId=\"2001\"/><numFmt "
+         "numFmtId=\"2002\" formatCode=\"yyyy\"/></numFmts><fonts>" +
+             link + "</fonts>"},
+        {"<numFmts count=\"1\"><numFmt formatCode='yyyy' numFmtId='2001'/></numFmts>" + xfs, 1,
+         "<numFmts count=\"1\"><numFmt formatCode='yyyy' numFmtId='2001'/></numFmts><fonts "
+         "count=\"2\"><font/>" +
+             link + "</fonts><cellXfs"},
+        {"<fonts><font/></fonts><cellXfs/><cellStyles/>", 1,
+         "<cellXfs count=\"3\"><xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" borderId=\"0\" "
+         "xfId=\"0\"/><xf numFmtId=\"2001\""},
+        {"<!--<cellXfs>--><fills/><cellStyles/>", 1, "<fills/><cellXfs count=\"3\">"},
+    };
+    for (const Case &one : cases) {
+        const auto changed = changedStyles(
+            xml("<styleSheet xmlns='MAIN'>" + one.before + "</styleSheet>"), {.code = "yyyy"});
+        ASSERT_TRUE(changed);
+        EXPECT_TRUE(changed->text.contains(one.part)) << changed->text.constData();
+        EXPECT_EQ(changed->dateStyle, one.dateStyle);
+        EXPECT_EQ(changed->hyperlinkStyle, one.dateStyle + 1);
+        EXPECT_EQ(changed->hadNoCellFormats,
+                  !one.before.contains("<cellXfs ") && !one.before.contains("<cellXfs/>"));
+        EXPECT_TRUE(Outline::read(changed->text));
+    }
+    const auto prefixed = changedStyles(xml("<x:styleSheet xmlns:x='MAIN'/>"), {.builtinId = 14});
+    ASSERT_TRUE(prefixed);
+    EXPECT_TRUE(prefixed->text.contains("</x:fonts><x:cellXfs count=\"3\">"));
+    EXPECT_FALSE(prefixed->text.contains("numFmts"));
+}
+
+TEST(SheetSplitter, CutsWhereTheNewRowsGo)
+{
+    struct Case
+    {
+        QByteArray data;
+        quint64 startRow;
+        QByteArray kept; // from sheetData on
+        quint64 firstRow;
+    };
+    const QByteArray three = "<sheetData><row r=\"1\"><c/></row><row spans=\"1:2\" r='2'/><row "
+                             "r=\"5\"><c><f>1</f></c></row></sheetData>";
+    const std::vector<Case> cases{
+        {three, 0, three.chopped(12), 6},
+        {three, 1, "<sheetData>", 1},
+        {three, 2, "<sheetData><row r=\"1\"><c/></row>", 2},
+        {three, 3, "<sheetData><row r=\"1\"><c/></row><row spans=\"1:2\" r='2'/>", 3},
+        {three, 9, three.chopped(12), 9},
+        {"<sheetData/>", 0, "<sheetData>", 1},
+        {"<sheetData a='1' />", 4, "<sheetData a='1' >", 4},
+        {"<sheetData></sheetData>", 0, "<sheetData>", 1},
+        {"<sheetData><row/><row><c/></row><row/></sheetData>", 2, "<sheetData><row/>", 2},
+        {"<sheetData><row/><row><c/></row><row/></sheetData>", 0,
+         "<sheetData><row/><row><c/></row><row/>", 4},
+        {"<sheetData><!--<row r=\"9\"/></sheetData>--><row r=\"3\"><c><![CDATA[</sheetData><row "
+         "r=\"8\">]]></c></row></sheetData>",
+         0,
+         "<sheetData><!--<row r=\"9\"/></sheetData>--><row r=\"3\"><c><![CDATA[</sheetData><row "
+         "r=\"8\">]]></c></row>",
+         4},
+        {"<sheetData><rows/><row r=\"2\"/></sheetData>", 2, "<sheetData><rows/>", 2},
+    };
+    for (const Case &one : cases) {
+        const QByteArray front = "<dimension ref=\"A1:B2\"/><cols><!--<sheetData>--><col/></cols>";
+        const QByteArray sheet = sheetAround(front + one.data, "<mergeCells/>");
+        for (const qsizetype pieceBytes : {1, 2, 3, 7, 64, 1 << 20}) {
+            const Split out = split(sheet, one.startRow, pieceBytes);
+            ASSERT_FALSE(out.error) << one.data.constData() << static_cast<int>(*out.error);
+            EXPECT_EQ(out.head.sliced(out.head.indexOf("<cols>")),
+                      "<cols><!--<sheetData>--><col/></cols>" + one.kept);
+            EXPECT_EQ(out.tail, "</sheetData><mergeCells/></worksheet>");
+            EXPECT_EQ(out.firstRow, one.firstRow);
+            EXPECT_EQ(out.droppedFormula,
+                      one.data.contains("<f>") && one.startRow > 0 && one.startRow < 6);
+            EXPECT_FALSE(out.head.contains("dimension"));
+        }
+    }
+}
+
+TEST(SheetSplitter, GivesPrefixedSheetsADefaultNamespace)
+{
+    const QByteArray sheet = xml(
+        "\xEF\xBB\xBF<x:worksheet xmlns:x='MAIN'><x:dimension ref='A1'></x:dimension><x:sheetData>"
+        "<x:row r='4'><x:c/></x:row></x:sheetData></x:worksheet>");
+    for (const qsizetype pieceBytes : {1, 1 << 20}) {
+        const Split out = split(sheet, 0, pieceBytes);
+        ASSERT_FALSE(out.error);
+        EXPECT_EQ(out.head, xml("\xEF\xBB\xBF<x:worksheet xmlns:x='MAIN'><x:sheetData "
+                                "xmlns=\"MAIN\"><x:row r='4'><x:c/></x:row>"));
+        EXPECT_EQ(out.tail, "</x:sheetData></x:worksheet>");
+        EXPECT_EQ(out.firstRow, 5U);
+    }
+}
+
+TEST(SheetSplitter, RefusesWhatItDoesNotUnderstand)
+{
+    const QByteArray good = sheetAround("<sheetData><row r=\"1\"/></sheetData>");
+    const std::vector<std::pair<QByteArray, Error>> cases{
+        {"", Error::Malformed},
+        {good.chopped(1), Error::Malformed},
+        {good.chopped(12), Error::Malformed},
+        {good.chopped(20), Error::Malformed},
+        {good + "<again/>", Error::Malformed},
+        {sheetAround("<sheetData/>", "<a></b>"), Error::Malformed},
+        {sheetAround(""), Error::Unexpected},
+        {sheetAround("<sheetData><row r=\"x\"/></sheetData>"), Error::Unexpected},
+        {xml("<chartsheet xmlns='MAIN'/>"), Error::Unexpected},
+        {"<worksheet><sheetData/></worksheet>", Error::Unexpected},
+        {"<?xml version='1.0' encoding='utf-16'?>" + good.sliced(38), Error::Encoding},
+    };
+    for (const auto &[sheet, error] : cases) {
+        for (const qsizetype pieceBytes : {5, 1 << 20}) {
+            const Split out = split(sheet, 0, pieceBytes);
+            ASSERT_TRUE(out.error) << sheet.constData();
+            EXPECT_EQ(*out.error, error) << sheet.constData();
+        }
+    }
+}
+
+TEST(SheetTail, HyperlinksGoWhereTheSchemaWantsThem)
+{
+    const QByteArray link = "<hyperlink ref=\"B2\" r:id=\"rId4\"/>";
+    const QByteArray list = "<hyperlinks>" + link + "</hyperlinks>";
+    const std::vector<std::pair<QByteArray, QByteArray>> cases{
+        {"", list},
+        {"<hyperlinks/><pageMargins/>", list + "<pageMargins/>"},
+        {"<hyperlinks><hyperlink r:id=\"rId3\"/></hyperlinks>",
+         "<hyperlinks><hyperlink r:id=\"rId3\"/>" + link + "</hyperlinks>"},
+        {"<dataValidations/><printOptions/><pageMargins/>",
+         "<dataValidations/>" + list + "<printOptions/><pageMargins/>"},
+        {"<customSheetViews><customSheetView><pageMargins/></customSheetView></"
+         "customSheetViews><mergeCells/><tableParts/>",
+         "<customSheetViews><customSheetView><pageMargins/></customSheetView></"
+         "customSheetViews><mergeCells/>" +
+             list + "<tableParts/>"},
+        {"<!--<hyperlinks></hyperlinks>-->", "<!--<hyperlinks></hyperlinks>-->" + list},
+    };
+    for (const auto &[before, after] : cases) {
+        const Split out = split(sheetAround("<sheetData/>", before), 0);
+        const auto changed = withHyperlinks(out.tail, out.rootTag, out.family, {{"B2", "rId4"}});
+        ASSERT_TRUE(changed);
+        EXPECT_EQ(*changed, "</sheetData>" + after + "</worksheet>");
+        EXPECT_EQ(*highestUsedId(out.tail), before.contains("rId3") ? 3U : 0U);
+    }
+    const Split bare = split(xml("<x:worksheet xmlns:x='MAIN'><x:sheetData/></x:worksheet>"), 0);
+    const auto changed = withHyperlinks(bare.tail, bare.rootTag, bare.family, {{"B2", "rId4"}});
+    ASSERT_TRUE(changed);
+    EXPECT_EQ(*changed, xml("</x:sheetData><x:hyperlinks xmlns:r=\"REL\"><x:hyperlink ref=\"B2\" "
+                            "r:id=\"rId4\"/></x:hyperlinks></x:worksheet>"));
+}
+
+} // namespace corvanta::xlsx
