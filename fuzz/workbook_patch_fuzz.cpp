@@ -1,0 +1,114 @@
+// The parts of a workbook as an update changes them: the first byte picks the part, the rest is its
+// text. What was well-formed stays so, and a sheet splits alike whatever the size of its pieces.
+#include "codecs/xlsx/package_parts.h"
+#include "codecs/xlsx/sheet_splitter.h"
+#include "codecs/xlsx/styles_part.h"
+#include "codecs/xlsx/workbook_part.h"
+
+#include <cstdlib>
+
+using namespace corvanta::xlsx;
+
+namespace {
+
+void require(bool holds)
+{
+    if (!holds) {
+        std::abort();
+    }
+}
+
+template <class Changed> void requireWellFormed(const Changed &changed)
+{
+    require(!changed || Outline::read(*changed));
+}
+
+void changeWorkbook(QByteArrayView text)
+{
+    const auto workbook = readWorkbook(text);
+    if (!workbook) {
+        return;
+    }
+    const SheetEntry sheet{freeSheetName(workbook->sheets.front().name, workbook->sheetNames()),
+                           workbook->freeSheetId(), "rId1"};
+    const auto changed =
+        changedWorkbook(text, {sheet, DefinedName{workbook->sheets.back().name, sheet.name}, true});
+    requireWellFormed(changed);
+    const auto again = readWorkbook(*changed);
+    require(again && again->sheets.size() == workbook->sheets.size() + 1);
+    require(again->sheets.back().sheetId == sheet.sheetId);
+}
+
+void changeStyles(QByteArrayView text)
+{
+    const auto changed = changedStyles(text, {0, "yyyy/mm/dd"});
+    require(!changed || Outline::read(changed->text));
+}
+
+struct Split
+{
+    bool isGood = true;
+    QByteArray text;
+};
+
+Split split(QByteArrayView text, quint64 startRow, qsizetype pieceBytes)
+{
+    SheetSplitter splitter(startRow);
+    Split out;
+    for (qsizetype at = 0; at < text.size() && out.isGood; at += pieceBytes) {
+        out.isGood = bool(splitter.push(text.sliced(at, qMin(pieceBytes, text.size() - at))));
+        out.text += splitter.takeHead();
+    }
+    out.isGood = out.isGood && splitter.finish();
+    if (out.isGood) {
+        out.text += splitter.takeHead();
+        const auto tail = withHyperlinks(
+            splitter.tail(), splitter.rootTag(), splitter.family(),
+            {{"A1", "rId" + QByteArray::number(*highestUsedId(splitter.tail()) + 1)}});
+        require(bool(tail));
+        out.text += "<row r=\"" + QByteArray::number(splitter.firstRow1()) + "\"/>" + *tail;
+    }
+    return out;
+}
+
+void changeSheet(QByteArrayView text)
+{
+    const bool isWellFormed = bool(Outline::read(text));
+    for (const quint64 startRow : {0, 3}) {
+        const Split whole = split(text, startRow, qMax<qsizetype>(text.size(), 1));
+        const Split inPieces = split(text, startRow, 3);
+        require(whole.isGood == inPieces.isGood);
+        if (whole.isGood) {
+            require(whole.text == inPieces.text);
+            require(!isWellFormed || Outline::read(whole.text));
+        }
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
+{
+    if (size == 0) {
+        return 0;
+    }
+    const QByteArrayView text(data + 1, static_cast<qsizetype>(size - 1));
+    switch (data[0] % 5) {
+    case 0:
+        changeWorkbook(text);
+        break;
+    case 1:
+        changeStyles(text);
+        break;
+    case 2:
+        requireWellFormed(
+            changedRelationships(text, {{"rId1", {}, QStringLiteral("a&b")}}, {"rId2"}));
+        break;
+    case 3:
+        requireWellFormed(withContentType(text, "xl/worksheets/sheet1.xml", "text/xml"));
+        break;
+    default:
+        changeSheet(text);
+    }
+    return 0;
+}
