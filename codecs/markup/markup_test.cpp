@@ -1,0 +1,160 @@
+// The parts around the tokenizers: error texts, Base64, guesses of encodings, trees and paths.
+#include "codecs/markup/base64.h"
+#include "codecs/markup/encoding.h"
+#include "codecs/markup/json_tokenizer.h"
+#include "codecs/markup/path.h"
+#include "codecs/markup/tree.h"
+#include "codecs/markup/xml_tokenizer.h"
+
+#include <QString>
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+using namespace corvanta;
+using namespace corvanta::markup;
+
+TEST(MarkupError, HasItsTexts)
+{
+    EXPECT_STREQ(QString::fromUtf16(errorText(MarkupError::NoTagFound)).toLatin1(),
+                 "Warning: No XML/JSON tag found");
+    EXPECT_STREQ(QString::fromUtf16(errorText(MarkupError::Base64BufferTooSmall)).toLatin1(),
+                 "Error: Base64 decode output buffer is too small");
+    EXPECT_STREQ(QString::fromUtf16(errorText(static_cast<MarkupError>(32))).toLatin1(), "Unknown error");
+    EXPECT_TRUE(isWarning(MarkupError::Base64TruncatedWarning));
+    EXPECT_FALSE(isWarning(MarkupError::InvalidNumber));
+}
+
+TEST(Base64, DecodesWhatItEncodes)
+{
+    std::array<char, 64> out{};
+    for (qsizetype n = 0; n < 20; ++n) {
+        const QByteArray bytes = QByteArray("\x00\xff\x10 any carnal pleas", 20).first(n);
+        const std::u16string text = QString::fromLatin1(encodeBase64(bytes)).toStdU16String();
+        const Base64Result result = decodeBase64(text, out);
+        EXPECT_EQ(result.code, MarkupError::None);
+        EXPECT_EQ(QByteArray(out.data(), result.size), bytes);
+    }
+}
+
+TEST(Base64, SaysWhatIsWrong)
+{
+    struct Case
+    {
+        const char16_t *text;
+        MarkupError code;
+        qsizetype size;
+    };
+    std::array<char, 4> out{};
+    for (const auto &[text, code, size] :
+         {Case{u"QU\r\nJ D", MarkupError::None, 3}, Case{u"QUI", MarkupError::Base64LengthWarning, 2},
+          Case{u"QUJDR", MarkupError::Base64TruncatedWarning, 3},
+          Case{u"QU!D", MarkupError::Base64IllegalCharacter, 1},
+          Case{u"QQ==QQ==", MarkupError::Base64IllegalCharacter, 1},
+          Case{u"QUJDREVG", MarkupError::Base64BufferTooSmall, 4}}) {
+        const Base64Result result = decodeBase64(text, out);
+        EXPECT_EQ(result.code, code) << QString::fromUtf16(text).toStdString();
+        EXPECT_EQ(result.size, size) << QString::fromUtf16(text).toStdString();
+    }
+}
+
+TEST(Encoding, IsGuessedFromTheFirstBytes)
+{
+    const QByteArray filler(30, 'x');
+    EXPECT_EQ(guessEncoding("<a/>"), "System");
+    EXPECT_EQ(guessEncoding("\xef\xbb\xbf" + filler + "\xff"), "UTF-8"); // the mark decides
+    EXPECT_EQ(guessEncoding("\xef\xbb\xbf" + filler), "UTF-8");
+    EXPECT_EQ(guessEncoding(filler + "\xc3\xa9"), "UTF-8");
+    EXPECT_EQ(guessEncoding(filler + "\xe9."), "System");
+    EXPECT_EQ(guessEncoding("<?xml encoding = \" ISO-8859-15\"?>" + filler), "ISO-8859-15");
+    EXPECT_EQ(guessEncoding("<?xml encoding='UTF-8'?>" + filler), "UTF-8");
+    EXPECT_EQ(guessEncoding("<?xml encoding='utf8'?>" + filler + "\xe9."), "ERROR");
+    EXPECT_EQ(guessEncoding("<?xml encoding?>" + filler), "UTF-8");
+    EXPECT_EQ(guessEncoding(QByteArray("\xff\xfe<\0a\0", 6) + filler), "UTF-16");
+    EXPECT_EQ(guessEncoding(QByteArray("\xff\xfe\0\0<\0\0\0", 8) + filler), "UTF-32");
+    EXPECT_EQ(guessJSONEncoding("[1]"), CharMode::Utf8);
+    EXPECT_EQ(guessJSONEncoding(QByteArrayView("[\0001\0]\0", 6)), CharMode::Utf16);
+    EXPECT_EQ(encodingCode("Utf-8"), CharMode::Utf8);
+    EXPECT_EQ(encodingCode("SJIS"), CharMode::ShiftJis);
+    EXPECT_EQ(encodingCode("gbk"), CharMode::Gbk);
+    EXPECT_EQ(encodingCode("ISO-8859-1"), CharMode::CodePage);
+}
+
+TEST(Tree, KeepsTheOrderAndTheCounts)
+{
+    MemorySource source("<a x='1'>t<b/><!--c--><b>u</b>v</a><a>second</a>");
+    XMLTokenizer tokenizer(source, 0);
+    MarkupTreeBuilder builder;
+    MarkupResult result;
+    const MarkupNode a = builder.parseNext(tokenizer, result, true);
+    ASSERT_EQ(result.error, MarkupError::None);
+    EXPECT_EQ(a.name(), u"a");
+    EXPECT_EQ(a.childCount(), 2);
+    EXPECT_EQ(a.textCount(), 2);
+    EXPECT_EQ(a.clearCount(), 1);
+    EXPECT_EQ(a.elementCount(), 6);
+    EXPECT_EQ(a.attribute(0).value, u"1");
+    EXPECT_EQ(a.text(1), u"v");
+    EXPECT_EQ(a.text(0), u"t");
+    EXPECT_EQ(a.clear(0), u"c");
+    EXPECT_EQ(a.child(1).text(0), u"u");
+    EXPECT_TRUE(a.child(2).isEmpty());
+    EXPECT_EQ(a.child(2).childCount(), 0);
+    EXPECT_EQ(a.text(9), u"");
+    EXPECT_EQ(builder.parseNext(tokenizer, result, true).text(0), u"second");
+    EXPECT_TRUE(builder.parseNext(tokenizer, result, true).isEmpty());
+    EXPECT_EQ(result.error, MarkupError::NoTagFound);
+}
+
+TEST(Tree, ReadsWholeValuesOrSingleElements)
+{
+    const QByteArray document = R"({"a":1,"b":{"c":2}} {"d":3})";
+    MemorySource whole(document);
+    JSONTokenizer values(whole, 0, u"");
+    MarkupTreeBuilder builder;
+    MarkupResult result;
+    EXPECT_EQ(builder.parseNext(values, result, false).childCount(), 2);
+    EXPECT_EQ(builder.parseNext(values, result, false).name(), u"d");
+    builder.setReturnSingleChild(false);
+    MemorySource single(document);
+    JSONTokenizer elements(single, 0, u"");
+    EXPECT_EQ(builder.parseNext(elements, result, true).child(0).name(), u"a");
+    EXPECT_EQ(builder.parseNext(elements, result, true).child(0).child(0).text(0), u"2");
+    MemorySource cut(R"({"a":{"b":1)");
+    JSONTokenizer cutElements(cut, 0, u"");
+    EXPECT_FALSE(builder.parseNext(cutElements, result, true).isEmpty());
+    EXPECT_EQ(result.error, MarkupError::UnmatchedEndTag);
+}
+
+TEST(Path, FindsDescendants)
+{
+    struct Case
+    {
+        const char16_t *path;
+        const char16_t *text; ///< null: not found
+        bool zeroBased = true;
+    };
+    MemorySource source(R"({"Doc":{"item":[{"v":"i0"},{"v":"i1"}],"x":"x0","X":"x1","a/b":"slash",
+        "c\\d":"back","É":"accent","n[3]":"brackets","_":"under"}})");
+    JSONTokenizer tokenizer(source, 0, u"");
+    MarkupTreeBuilder builder;
+    MarkupResult result;
+    const MarkupNode doc = builder.parseNext(tokenizer, result, false);
+    ASSERT_EQ(doc.name(), u"Doc");
+    const std::array cases{
+        Case{u"x", u"x0"}, Case{u"/X", u"x0"}, Case{u"x[1]", u"x1"}, Case{u"X[1]", u"x0", false},
+        Case{u"x[2]", u"x1", false}, Case{u"x[]", u"x0"}, Case{u"x[]", u"x0", false},
+        Case{u"item/[1]/v", u"i1"}, Case{u"item/[1]/v", u"i0", false}, Case{u"[1]", u"x0"},
+        Case{u"item/[2]/v", nullptr}, Case{u"item/v", nullptr}, Case{u"x[99999999999]", nullptr},
+        Case{u"a\\/b", u"slash"}, Case{u"c\\\\d", u"back"}, Case{u"é", u"accent"},
+        Case{u"n[3]", nullptr}, Case{u"n[3][0]", u"brackets"}, Case{u"_", u"under"},
+        Case{u"", u""}, Case{u"nothing", nullptr}};
+    for (const Case &c : cases) {
+        const MarkupNode found = getChildNodeByPath(doc, c.path, c.zeroBased, u'/');
+        ASSERT_EQ(found.isEmpty(), c.text == nullptr) << QString::fromUtf16(c.path).toStdString();
+        EXPECT_EQ(found.text(0), c.text == nullptr ? u"" : c.text) << QString::fromUtf16(c.path).toStdString();
+    }
+    EXPECT_TRUE(getChildNodeByPath(doc, QStringView(), true, u'/').isEmpty());
+    EXPECT_EQ(escapedStep(u"a/b\\[1]"), u"a\\/b\\\\[1][0]");
+}

@@ -1,0 +1,221 @@
+#include "codecs/markup/tree.h"
+
+#include "base/limits.h"
+#include "codecs/markup/xml_tokenizer.h"
+
+#include <algorithm>
+
+namespace corvanta::markup {
+
+qsizetype MarkupNode::count(ItemKind kind) const
+{
+    return isEmpty() ? 0 : m_tree->item(m_index).counts[static_cast<size_t>(kind)];
+}
+
+qsizetype MarkupNode::elementCount() const
+{
+    return childCount() + textCount() + clearCount() + attributeCount();
+}
+
+std::u16string MarkupNode::name() const
+{
+    return isEmpty() ? std::u16string() : decoded(m_tree->raw(m_index));
+}
+
+/// The i-th item of a kind; the tree remembers the last answer, so that loops over i are linear.
+quint32 MarkupNode::find(ItemKind kind, qsizetype i) const
+{
+    if (i < 0 || i >= count(kind)) {
+        return MarkupTree::kNone;
+    }
+    MarkupTree::Hint &hint = m_tree->m_hint;
+    const bool known = hint.parent == m_index && hint.kind == kind && hint.number <= i;
+    quint32 index = known ? hint.index : m_tree->first(m_index, kind);
+    for (qsizetype at = known ? hint.number : 0; at < i; ++at) {
+        index = m_tree->sibling(index);
+    }
+    hint = {m_index, kind, i, index};
+    return index;
+}
+
+MarkupNode MarkupNode::child(qsizetype i) const
+{
+    const quint32 index = find(ItemKind::Child, i);
+    return index == MarkupTree::kNone ? MarkupNode() : MarkupNode(m_tree, index);
+}
+
+std::u16string MarkupNode::text(qsizetype i) const
+{
+    const quint32 index = find(ItemKind::Text, i);
+    return index == MarkupTree::kNone ? std::u16string() : decoded(m_tree->raw(index));
+}
+
+std::u16string MarkupNode::clear(qsizetype i) const
+{
+    const quint32 index = find(ItemKind::Clear, i);
+    return index == MarkupTree::kNone ? std::u16string() : decoded(m_tree->raw(index));
+}
+
+MarkupNode::Attribute MarkupNode::attribute(qsizetype i) const
+{
+    const quint32 index = find(ItemKind::Attribute, i);
+    if (index == MarkupTree::kNone) {
+        return {};
+    }
+    return {decoded(m_tree->raw(index)), decoded(m_tree->value(m_tree->item(index)))};
+}
+
+MarkupTreeBuilder::MarkupTreeBuilder() = default;
+
+void MarkupTreeBuilder::begin(MarkupTokenizer &tokenizer)
+{
+    if (m_tokenizer != &tokenizer) {
+        m_tokenizer = &tokenizer;
+        m_tree.m_tokenizer = &tokenizer;
+        m_xml = dynamic_cast<const XMLTokenizer *>(&tokenizer);
+    }
+    if (m_tree.m_items.capacity() == 0) {
+        m_tree.m_items.reserve(static_cast<size_t>(m_blockBytes) / sizeof(TreeItem) + 1);
+    }
+    m_tree.m_items.clear();
+    m_tree.m_items.emplace_back();
+    m_tree.m_hint = {};
+    m_current = 0;
+    m_depth = 0;
+    m_tooLarge = false;
+    tokenizer.pin();
+}
+
+/// Append an item for the current token's text; false when that would make the tree too large.
+bool MarkupTreeBuilder::push(ItemKind kind)
+{
+    std::vector<TreeItem> &items = m_tree.m_items;
+    if (items.size() == items.capacity()) {
+        const size_t more = static_cast<size_t>(m_growthBytes) / sizeof(TreeItem) + items.size();
+        if ((items.size() + 1) * sizeof(TreeItem) > static_cast<size_t>(limits::kTreeArenaBytes)) {
+            m_tooLarge = true;
+            return false;
+        }
+        items.reserve(items.size() + more);
+    }
+    TreeItem &item = items.emplace_back();
+    item.text = m_tokenizer->textSpan();
+    if (!item.text.external) {
+        item.text.offset += static_cast<quint32>(m_tokenizer->pinnedOffset());
+    }
+    item.next = static_cast<quint32>(items.size());
+    item.parent = m_current;
+    item.kind = kind;
+    if (kind != ItemKind::Instruction) {
+        ++items[m_current].counts[static_cast<size_t>(kind)];
+    }
+    return true;
+}
+
+bool MarkupTreeBuilder::addAttributes()
+{
+    const auto pinned = static_cast<quint32>(m_tokenizer->pinnedOffset());
+    for (const XMLTokenizer::Attribute &attribute : m_xml->attributes()) {
+        if (!push(ItemKind::Attribute)) {
+            return false;
+        }
+        TreeItem &item = m_tree.m_items.back();
+        item.text = attribute.name;
+        item.text.offset += pinned;
+        item.counts = {attribute.value.offset + pinned, attribute.value.size, 0, 0};
+        item.valueForm = attribute.value.form;
+    }
+    return true;
+}
+
+bool MarkupTreeBuilder::add(Token token)
+{
+    switch (token) {
+    case Token::Start:
+        if (!push(ItemKind::Child)) {
+            return false;
+        }
+        m_current = static_cast<quint32>(m_tree.m_items.size() - 1);
+        ++m_depth;
+        return m_xml == nullptr || addAttributes();
+    case Token::End:
+        m_tree.m_items[m_current].next = static_cast<quint32>(m_tree.m_items.size());
+        m_current = m_tree.m_items[m_current].parent;
+        --m_depth;
+        return true;
+    case Token::Text:
+        return push(ItemKind::Text);
+    case Token::Clear:
+        if (!push(ItemKind::Clear)) {
+            return false;
+        }
+        m_tree.m_items.back().clearKind = m_xml->clearKind();
+        return true;
+    case Token::Instruction:
+        return push(ItemKind::Instruction);
+    default:
+        return true;
+    }
+}
+
+const MarkupTree &MarkupTreeBuilder::tree()
+{
+    // What is still open ends, for the time being, where the tree ends.
+    std::vector<TreeItem> &items = m_tree.m_items;
+    for (quint32 open = m_current;; open = items[open].parent) {
+        items[open].next = static_cast<quint32>(items.size());
+        if (open == 0) {
+            break;
+        }
+    }
+    m_tree.m_bytes = m_tokenizer->pinnedBytes();
+    return m_tree;
+}
+
+/// Add tokens until the piece that was asked for is complete; the token that ended it.
+Token MarkupTreeBuilder::pull(bool nextElement)
+{
+    bool inDocument = false;
+    for (;;) {
+        const Token token = m_tokenizer->nextToken();
+        inDocument = inDocument || token == Token::DocumentStart;
+        const bool closesParent = token == Token::End && m_depth == 0;
+        if (token == Token::EndOfData || token == Token::Error || token == Token::DocumentEnd
+            || closesParent || !add(token)) {
+            return token;
+        }
+        if (token == Token::End && m_depth == 0 && (nextElement || !inDocument)) {
+            return token;
+        }
+    }
+}
+
+MarkupNode MarkupTreeBuilder::parseNext(MarkupTokenizer &tokenizer, MarkupResult &result,
+                                        bool nextElement)
+{
+    begin(tokenizer);
+    tokenizer.setDocumentMarks(!nextElement);
+    const Token last = pull(nextElement);
+    const MarkupNode node = finish(result, last);
+    tokenizer.unpin();
+    return node;
+}
+
+MarkupNode MarkupTreeBuilder::finish(MarkupResult &result, Token last)
+{
+    result.error = m_tooLarge ? MarkupError::TreeTooLarge : m_tokenizer->errorCode();
+    result.line = m_tokenizer->line();
+    result.column = m_tokenizer->column();
+    if (last == Token::EndOfData && m_depth > 0 && result.error == MarkupError::None) {
+        result.error = MarkupError::UnmatchedEndTag;
+    }
+    const MarkupNode root = tree().root();
+    if (root.childCount() == 0) {
+        result.error = result.error == MarkupError::None ? MarkupError::NoTagFound : result.error;
+        return {};
+    }
+    const bool isSingle = root.childCount() == 1 && root.elementCount() == 1;
+    return m_returnSingleChild && isSingle ? root.child(0) : root;
+}
+
+} // namespace corvanta::markup

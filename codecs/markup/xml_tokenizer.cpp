@@ -1,0 +1,526 @@
+#include "codecs/markup/xml_tokenizer.h"
+
+#include "base/limits.h"
+#include "codecs/markup/char_class.h"
+#include "codecs/markup/entities.h"
+
+#include <emmintrin.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace corvanta::markup {
+
+namespace {
+
+constexpr size_t kFirstNames = 20;
+constexpr qsizetype kLongestOpener = 9;
+/// How far up an HTML end tag looks for its element: keeps wild pages linear.
+constexpr size_t kHtmlSearchDepth = 512;
+
+struct ClearSection
+{
+    std::string_view opener;
+    std::string_view closer;
+    ClearKind kind;
+};
+
+/// Compared as written, in this order. Kept as required: "<script" also begins other names.
+constexpr std::array<ClearSection, 7> kSections{{
+    {"<![CDATA[", "]]>", ClearKind::CData},
+    {"<!DOCTYPE", "]>", ClearKind::DocType},
+    {"<!--", "-->", ClearKind::Comment},
+    {"<PRE>", "</PRE>", ClearKind::Pre},
+    {"<script", "</script>", ClearKind::Script},
+    {"<Script", "</Script>", ClearKind::CapitalScript},
+    {"<!", ">", ClearKind::Other},
+}};
+
+constexpr std::array<std::string_view, 7> kDroppedEnds{"tbody", "img",   "br",  "link",
+                                                       "meta",  "input", "area"};
+constexpr std::array<std::string_view, 17> kVoidElements{
+    "img",   "br",    "link",     "meta",    "hr",     "input",  "col",   "base", "area",
+    "param", "embed", "menuitem", "command", "keygen", "source", "track", "wbr"};
+
+bool equalsIgnoringCase(std::string_view a, std::string_view b)
+{
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+    return a.size() == b.size()
+           && std::equal(a.begin(), a.end(), b.begin(),
+                         [&](char x, char y) { return lower(x) == lower(y); });
+}
+
+template <size_t N>
+bool isOneOf(std::string_view name, const std::array<std::string_view, N> &names)
+{
+    return std::any_of(names.begin(), names.end(),
+                       [&](std::string_view known) { return equalsIgnoringCase(name, known); });
+}
+
+/// The first `a`, `b` or NUL. May load up to 16 bytes behind the data, which ends with a NUL.
+const char *findEither(const char *at, char a, char b)
+{
+    const __m128i first = _mm_set1_epi8(a);
+    const __m128i second = _mm_set1_epi8(b);
+    for (;; at += 16) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
+        const __m128i hit = _mm_or_si128(_mm_cmpeq_epi8(block, first), _mm_cmpeq_epi8(block, second));
+        const int mask =
+            _mm_movemask_epi8(_mm_or_si128(hit, _mm_cmpeq_epi8(block, _mm_setzero_si128())));
+        if (mask != 0) {
+            return at + __builtin_ctz(static_cast<unsigned>(mask));
+        }
+    }
+}
+
+} // namespace
+
+XMLTokenizer::XMLTokenizer(ByteSource &source, qint64 bufferChars)
+    : MarkupTokenizer(source, bufferChars)
+{
+    m_nameStarts.reserve(kFirstNames);
+}
+
+void XMLTokenizer::restart(ByteSource &source)
+{
+    MarkupTokenizer::restart(source);
+    m_attributes.clear();
+    m_pendingEnd = false;
+    m_pendingCloses = 0;
+    m_names.clear();
+    m_nameStarts.clear();
+}
+
+MarkupError XMLTokenizer::detectEncoding(CharSource &source, QByteArrayView first)
+{
+    const QByteArray name = guessEncoding(first);
+    const CharMode mode = encodingCode(name);
+    if (mode == CharMode::Error) {
+        return MarkupError::CannotConvert;
+    }
+    return source.setEncoding(mode, name == "System" ? m_systemEncoding : name, InvalidBytes::Fail);
+}
+
+RawText XMLTokenizer::externalText(quint32 number) const
+{
+    Q_UNUSED(number);
+    return {m_closedName.data(), static_cast<quint32>(m_closedName.size()), TextForm::Detached};
+}
+
+Token XMLTokenizer::nextToken()
+{
+    if (isFinished() || (!m_begun && !begin())) {
+        return token();
+    }
+    m_attributes.clear();
+    Token token = Token::None;
+    while (token == Token::None) {
+        token = step();
+    }
+    return token;
+}
+
+/// Go on by one construct; None when it gives no token.
+Token XMLTokenizer::step()
+{
+    if (m_pendingEnd) {
+        m_pendingEnd = false;
+        --m_depth;
+        m_text = m_name;
+        return finish(Token::End);
+    }
+    if (m_pendingCloses > 0) {
+        return pendingClose();
+    }
+    const char c = skipSpace(Hold::Nothing);
+    if (c == 0) {
+        return dataEnds();
+    }
+    m_keep = m_pos;
+    if (c != '<') {
+        return readText(here());
+    }
+    const char *at = here();
+    ensure(&at, kLongestOpener);
+    if (at[1] == '/') {
+        return readEndTag();
+    }
+    if (at[1] == '?') {
+        return readInstruction();
+    }
+    for (size_t i = 0; i < kSections.size(); ++i) {
+        const std::string_view opener = kSections[i].opener;
+        if (std::memcmp(at, opener.data(), opener.size()) == 0) {
+            return readClear(i);
+        }
+    }
+    // A "<" that stands alone is text in loose pages.
+    return m_options.html && isSpace(at[1]) ? readText(at + 1) : readStartTag();
+}
+
+Token XMLTokenizer::dataEnds()
+{
+    if (isBalanced() && !m_nameStarts.empty() && !isBrokenAt(here())) {
+        if (!m_options.html) {
+            return fail(MarkupError::UnmatchedEndTag);
+        }
+        m_pendingCloses = static_cast<qint64>(m_nameStarts.size());
+        return Token::None;
+    }
+    return endOfData();
+}
+
+/// Step over the entity at `*at` (a "&"); false, with the error set, when it is none and must be.
+bool XMLTokenizer::readEntityAt(const char **at)
+{
+    ensure(at, kEntityBytes);
+    const Entity entity = readEntity(*at, end());
+    if (entity.kind != Entity::Kind::Character && !isLoose()) {
+        moveTo(end() - *at < kEntityBytes && isBrokenAt(end()) ? end() : *at);
+        return failed(MarkupError::UnknownEntity);
+    }
+    *at += entity.kind == Entity::Kind::Character ? entity.length : 1;
+    return true;
+}
+
+/// Text from the token's start to the next "<"; the scan begins at `at`.
+Token XMLTokenizer::readText(const char *at)
+{
+    TextForm form = TextForm::Plain;
+    for (;;) {
+        at = findEither(at, '<', '&');
+        if (*at == '&') {
+            form = TextForm::XmlEntities;
+            if (!readEntityAt(&at)) {
+                return token();
+            }
+            continue;
+        }
+        if (*at == '<' || at != end() || !refillAt(&at)) {
+            break;
+        }
+    }
+    moveTo(at);
+    if (isBrokenAt(at)) {
+        return fail(MarkupError::CannotRead);
+    }
+    m_text = {0, fromToken(at), form, false};
+    return finish(Token::Text);
+}
+
+/// Read a name at `*at`; false, with the error set, when a character is not allowed in it.
+bool XMLTokenizer::readName(const char **at, NameUse use, TextSpan *name)
+{
+    const quint32 offset = fromToken(*at);
+    const MarkupError error =
+        use == NameUse::Tag ? MarkupError::InvalidTagName : MarkupError::InvalidEndTagName;
+    for (;;) {
+        while (isNameChar(**at)) {
+            ++*at;
+        }
+        const char c = **at;
+        if (c == 0 && *at == end() && refillAt(at)) {
+            continue;
+        }
+        if (c == '/' || c == '=' || c == '>' || c == '?' || isSpace(c)) {
+            break;
+        }
+        if (c == 0 || !m_options.ignoreInvalidCharInTagName) {
+            moveTo(*at);
+            return failed(error);
+        }
+        ++*at;
+    }
+    moveTo(*at);
+    *name = {offset, fromToken(*at) - offset, TextForm::Plain, false};
+    if (name->size == 0) {
+        return failed(error);
+    }
+    return true;
+}
+
+Token XMLTokenizer::readEndTag()
+{
+    const char *at = here() + 2;
+    TextSpan name;
+    if (!readName(&at, NameUse::EndTag, &name)) {
+        return token();
+    }
+    char c = skipSpace(Hold::Token);
+    while (m_options.html && c != '>' && c != 0) {
+        ++m_pos;
+        c = skipSpace(Hold::Token);
+    }
+    if (c != '>') {
+        return fail(MarkupError::InvalidTagEnd);
+    }
+    ++m_pos;
+    m_text = name;
+    if (m_options.html && isOneOf(resolve(name).view(), kDroppedEnds)) {
+        return Token::None;
+    }
+    if (m_options.discardNameSpaces) {
+        cutNameSpace(&m_text);
+    }
+    if (isBalanced()) {
+        return closeFor(resolve(m_text).view());
+    }
+    --m_depth;
+    return finish(Token::End);
+}
+
+/// The end of an element by its tag, with the stack of open names: what does not fit is an error in XML;
+/// in HTML it closes everything down to its element, or means nothing.
+Token XMLTokenizer::closeFor(std::string_view name)
+{
+    if (!m_nameStarts.empty() && nameAt(m_nameStarts.size() - 1) == name) {
+        popName();
+        --m_depth;
+        return finish(Token::End);
+    }
+    if (!m_options.html) {
+        return fail(m_nameStarts.empty() ? MarkupError::UnexpectedEndTag : MarkupError::UnmatchedEndTag);
+    }
+    const size_t depth = m_nameStarts.size();
+    for (size_t up = 1; up <= std::min(depth, kHtmlSearchDepth); ++up) {
+        if (equalsIgnoringCase(nameAt(depth - up), name)) {
+            m_pendingCloses = static_cast<qint64>(up);
+            break;
+        }
+    }
+    return Token::None;
+}
+
+Token XMLTokenizer::pendingClose()
+{
+    --m_pendingCloses;
+    m_closedName = nameAt(m_nameStarts.size() - 1);
+    popName();
+    --m_depth;
+    m_text = {0, 0, TextForm::Plain, true};
+    return finish(Token::End);
+}
+
+std::string_view XMLTokenizer::nameAt(size_t i) const
+{
+    const size_t stop = i + 1 < m_nameStarts.size() ? m_nameStarts[i + 1] : m_names.size();
+    return {m_names.data() + m_nameStarts[i], stop - m_nameStarts[i]};
+}
+
+void XMLTokenizer::popName()
+{
+    m_names.resize(m_nameStarts.back());
+    m_nameStarts.pop_back();
+}
+
+bool XMLTokenizer::pushName(std::string_view name)
+{
+    if (static_cast<qint64>(m_nameStarts.size()) >= limits::kElementDepth) {
+        return failed(MarkupError::TreeTooLarge);
+    }
+    m_nameStarts.push_back(m_names.size());
+    m_names.insert(m_names.end(), name.begin(), name.end());
+    return true;
+}
+
+Token XMLTokenizer::readInstruction()
+{
+    const char *at = here() + 2;
+    TextSpan name;
+    if (!readName(&at, NameUse::Tag, &name)) {
+        return token();
+    }
+    for (;;) {
+        at = findEither(at, '?', '?');
+        if (*at == 0 && (at != end() || !refillAt(&at))) {
+            moveTo(at);
+            return fail(MarkupError::InvalidPiEnd);
+        }
+        ensure(&at, 2);
+        if (*at == '?' && at[1] == '>') {
+            break;
+        }
+        at += *at == '?' ? 1 : 0;
+    }
+    moveTo(at + 2);
+    m_text = name;
+    return finish(Token::Instruction);
+}
+
+/// A section that is not looked into: everything up to its closer.
+Token XMLTokenizer::readClear(size_t opener)
+{
+    const ClearSection &section = kSections[opener];
+    const char *at = here() + section.opener.size();
+    const quint32 start = fromToken(at);
+    bool bracketed = section.kind != ClearKind::DocType;
+    for (;; ++at) {
+        const char *const stop = findEither(at, '>', bracketed ? '>' : '[');
+        at = stop;
+        if (*at == 0) {
+            if (at == end() && refillAt(&at)) {
+                --at;
+                continue;
+            }
+            moveTo(at);
+            return fail(MarkupError::UnmatchedClearTagEnd);
+        }
+        if (*at == '[') {
+            bracketed = true;
+            continue;
+        }
+        const auto closer = static_cast<quint32>(bracketed ? section.closer.size() : 1);
+        const quint32 size = fromToken(at + 1) - start;
+        if (size >= closer
+            && std::memcmp(at + 1 - closer, section.closer.data() + section.closer.size() - closer, closer)
+                   == 0) {
+            m_text = {start, size - closer, TextForm::Plain, false};
+            break;
+        }
+    }
+    moveTo(at + 1);
+    m_clearKind = section.kind;
+    return finish(Token::Clear);
+}
+
+Token XMLTokenizer::readStartTag()
+{
+    const char *at = here() + 1;
+    if (!readName(&at, NameUse::Tag, &m_name) || !readAttributes()) {
+        return token();
+    }
+    const std::string_view written = resolve(m_name).view();
+    if (m_options.html && equalsIgnoringCase(written, "tbody")) {
+        m_pendingEnd = false;
+        return Token::None;
+    }
+    m_pendingEnd = m_pendingEnd || (m_options.html && isOneOf(written, kVoidElements));
+    if (m_options.discardNameSpaces) {
+        cutNameSpace(&m_name);
+    }
+    if (isBalanced() && !m_pendingEnd && !pushName(resolve(m_name).view())) {
+        return token();
+    }
+    ++m_depth;
+    m_text = m_name;
+    return finish(Token::Start);
+}
+
+void XMLTokenizer::cutNameSpace(TextSpan *name) const
+{
+    const size_t colon = resolve(*name).view().find(':');
+    if (colon != std::string_view::npos) {
+        name->offset += static_cast<quint32>(colon + 1);
+        name->size -= static_cast<quint32>(colon + 1);
+    }
+}
+
+/// Everything behind a start tag's name; false with the error set.
+bool XMLTokenizer::readAttributes()
+{
+    for (;;) {
+        const char c = skipSpace(Hold::Token);
+        if (c == '>') {
+            ++m_pos;
+            return true;
+        }
+        if (c == '/') {
+            const char *at = here();
+            ensure(&at, 2);
+            moveTo(at + 1);
+            if (*here() == '>') {
+                ++m_pos;
+                m_pendingEnd = true;
+                return true;
+            }
+            if (!m_options.html) {
+                return failed(MarkupError::InvalidTagEnd);
+            }
+            continue;
+        }
+        if (!isNameChar(c) && !m_options.ignoreInvalidCharInTagName) {
+            return failed(MarkupError::InvalidTagEnd);
+        }
+        if (c == 0 || c == '=' || c == '?') {
+            return failed(MarkupError::InvalidTagEnd);
+        }
+        if (!readAttribute()) {
+            return false;
+        }
+    }
+}
+
+bool XMLTokenizer::readAttribute()
+{
+    Attribute attribute;
+    const char *at = here();
+    if (!readName(&at, NameUse::Tag, &attribute.name)) {
+        return false;
+    }
+    if (skipSpace(Hold::Token) != '=') {
+        m_attributes.push_back(attribute);
+        return m_options.html || failed(MarkupError::NoEqualSign);
+    }
+    ++m_pos;
+    const char quote = skipSpace(Hold::Token);
+    const bool quoted = quote == '"' || quote == '\'';
+    if (!quoted && !m_options.html) {
+        return failed(MarkupError::QuoteExpected);
+    }
+    if (!(quoted ? readQuoted(quote, &attribute.value) : readUnquoted(&attribute.value))) {
+        return false;
+    }
+    m_attributes.push_back(attribute);
+    return true;
+}
+
+/// A value from its opening quote on. A "<" in it is accepted.
+bool XMLTokenizer::readQuoted(char quote, TextSpan *value)
+{
+    const char *at = here() + 1;
+    value->offset = fromToken(at);
+    for (;;) {
+        at = findEither(at, quote, '&');
+        if (*at == quote) {
+            break;
+        }
+        if (*at == '&') {
+            value->form = TextForm::XmlEntities;
+            if (!readEntityAt(&at)) {
+                return false;
+            }
+        } else if (at != end() || !refillAt(&at)) {
+            moveTo(at);
+            return failed(MarkupError::QuoteExpected);
+        }
+    }
+    value->size = fromToken(at) - value->offset;
+    moveTo(at + 1);
+    return true;
+}
+
+/// A value of loose HTML that ends at a blank or at the tag's end.
+bool XMLTokenizer::readUnquoted(TextSpan *value)
+{
+    const char *at = here();
+    value->offset = fromToken(at);
+    for (;;) {
+        while (*at != 0 && *at != '>' && *at != '&' && !isSpace(*at)) {
+            ++at;
+        }
+        if (*at == '&') {
+            value->form = TextForm::XmlEntities;
+            if (!readEntityAt(&at)) {
+                return false;
+            }
+        } else if (*at != 0 || at != end() || !refillAt(&at)) {
+            break;
+        }
+    }
+    value->size = fromToken(at) - value->offset;
+    moveTo(at);
+    return true;
+}
+
+} // namespace corvanta::markup
