@@ -1,0 +1,25 @@
+// fuzz/json_fuzz.cpp
+// Any bytes as JSON: the tokens are the same for all buffer sizes and reads, and every row comes out.
+#include "fuzz/markup_property.h"
+
+using namespace corvanta;
+using namespace corvanta::markup;
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    if (size < 2) {
+        return 0;
+    }
+    const uint8_t flags = data[0];
+    const auto make = [&](ByteSource &source, qint64 buffer) {
+        auto tokenizer = std::make_unique<JSONTokenizer>(source, buffer, u"");
+        tokenizer->setPermissiveNumbers((flags & 1) != 0);
+        return tokenizer;
+    };
+    ExtractOptions options;
+    options.keepRoot = (flags & 2) == 0;
+    options.outputSubTags = (flags & 4) != 0;
+    checkMarkup(make, QByteArrayView(data + 2, static_cast<qsizetype>(size - 2)), 1 + data[1] % 70,
+                (flags & 8) != 0, options);
+    return 0;
+}
