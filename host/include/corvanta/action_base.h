@@ -93,7 +93,8 @@ private:
 /// An action with a parameter struct `P`, declared in the table that `Self::paramTable()` returns.
 ///
 /// `Self::adjustDefaults(P &, double savedVersion)`, when there is one, sets the defaults that hang on the
-/// version that saved the graph; it runs before the attributes are read.
+/// version that saved the graph; it runs before the attributes are read. `Self::pinsInFor(const P &)`,
+/// when there is one, is the number of input pins that the parameters ask for.
 template <class Self, class P> class ParamAction : public ActionBase
 {
 public:
@@ -111,7 +112,9 @@ public:
     QString parameterValue(int index) const override { return Self::paramTable().value(m_params, index); }
     bool setParameterValue(int index, const QString &value) override
     {
-        return Self::paramTable().setValue(m_params, index, value);
+        const bool isSet = Self::paramTable().setValue(m_params, index, value);
+        updatePins();
+        return isSet;
     }
     const P &params() const { return m_params; }
 
@@ -123,6 +126,14 @@ protected:
             Self::adjustDefaults(m_params, savedVersion());
         }
         Self::paramTable().read(m_params, saved);
+        updatePins();
+    }
+
+    void updatePins()
+    {
+        if constexpr (requires(const P &p) { Self::pinsInFor(p); }) {
+            m_nPinIn = Self::pinsInFor(m_params);
+        }
     }
 
     P m_params;

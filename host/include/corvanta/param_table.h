@@ -36,12 +36,18 @@ template <class P> struct StructureAccess
     std::function<void(const P &, std::wostream &, const GlobalParameters *)> write; // nothing when empty
 };
 
+/// A text that is the content of a child element; see elementText().
+template <class P> struct ElementText
+{
+    QString P::*member;
+};
+
 /// One line of a table.
 template <class P> class Param
 {
 public:
     using Member = std::variant<QString P::*, int P::*, qint64 P::*, double P::*, bool P::*, QStringList P::*,
-                                StructureAccess<P>>;
+                                ElementText<P>, StructureAccess<P>>;
 
     Param(const char *name, ParameterInfo::Type type, Member member)
         : m_name(name)
@@ -64,7 +70,7 @@ public:
     Param &&always() && { m_info.saveAlways = true; return std::move(*this); }
     /// Integers outside are brought to the nearest end when read.
     Param &&range(qint64 low, qint64 high) && { m_low = low; m_high = high; return std::move(*this); }
-    /// Flags only: a flag whose name is there at all counts, by these two spellings in the file.
+    /// Saved inside the start tag; else as a child element.
     bool isAttribute() const { return m_member.index() < 5; }
     const char *name() const { return m_name; }
 
@@ -79,6 +85,11 @@ public:
     {
         if (const auto *access = std::get_if<StructureAccess<P>>(&m_member)) {
             access->read(params, node);
+        } else if (const auto *element = std::get_if<ElementText<P>>(&m_member)) {
+            const XMLNode child = node.getChildNode(m_name);
+            if (!child.isEmpty()) {
+                params.*element->member = child.text();
+            }
         } else if (const auto *list = std::get_if<QStringList P::*>(&m_member)) {
             const XMLNode child = node.getChildNode(m_name);
             if (!child.isEmpty()) {
@@ -96,7 +107,7 @@ public:
         } else if (const auto *list = std::get_if<QStringList P::*>(&m_member)) {
             saveList(params.**list, out);
         } else if (m_info.saveAlways || valueText(params) != valueText(defaults)) {
-            saveAttribute(params, out, global);
+            isAttribute() ? saveAttribute(params, out, global) : saveElementText(params, out);
         }
     }
 
@@ -132,6 +143,7 @@ private:
     }
     static QString textOf(const P &params, bool P::*m) { return QString(QLatin1Char(params.*m ? '1' : '0')); }
     static QString textOf(const P &params, QStringList P::*m) { return (params.*m).join(QLatin1Char('\n')); }
+    static QString textOf(const P &params, const ElementText<P> &element) { return params.*element.member; }
     static QString textOf(const P &params, const StructureAccess<P> &access)
     {
         std::wostringstream out;
@@ -147,6 +159,12 @@ private:
         }
         ToXMLStringTool tool;
         out << L' ' << m_name << L"='" << tool.toXML(value) << L'\'';
+    }
+
+    void saveElementText(const P &params, std::wostream &out) const
+    {
+        ToXMLStringTool tool;
+        out << L"  <" << m_name << L'>' << tool.toXML(valueText(params)) << L"</" << m_name << L">\n";
     }
 
     void saveList(const QStringList &list, std::wostream &out) const
@@ -174,6 +192,10 @@ template <class P> bool Param<P>::setValueText(P &params, const QString &value) 
             access->read(params, parent);
         }
         return !parent.isEmpty();
+    }
+    if (const auto *element = std::get_if<ElementText<P>>(&m_member)) {
+        params.*element->member = value;
+        return true;
     }
     if (const auto *list = std::get_if<QStringList P::*>(&m_member)) {
         params.**list = value.isEmpty() ? QStringList() : value.split(QLatin1Char('\n'));
@@ -216,6 +238,11 @@ template <class P> Param<P> flag(const char *name, bool P::*member)
 template <class P> Param<P> strings(const char *name, QStringList P::*member)
 {
     return {name, ParameterInfo::Type::Strings, member};
+}
+/// A text that is the content of the child element of that name; there but empty is an empty text.
+template <class P> Param<P> elementText(const char *name, QString P::*member)
+{
+    return {name, ParameterInfo::Type::Text, ElementText<P>{member}};
 }
 /// Child elements with a form of their own. `name` is for people; `access` knows the elements.
 template <class P> Param<P> structure(const char *name, StructureAccess<P> access)
