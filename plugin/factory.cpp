@@ -1,5 +1,21 @@
 #include "plugin/catalogue.h"
+#include "readers/read_excel.h"
+#include "readers/read_excel_old.h"
+#include "readers/read_excel_sheets.h"
+#include "readers/read_json.h"
+#include "readers/read_parquet.h"
+#include "readers/read_stat.h"
+#include "readers/read_xbf.h"
+#include "readers/read_xml.h"
+#include "writers/write_doc.h"
+#include "writers/write_doc_table.h"
 #include "writers/write_excel.h"
+#include "writers/write_json.h"
+#include "writers/write_parquet.h"
+#include "writers/write_report.h"
+#include "writers/write_sas.h"
+#include "writers/write_sas_xpt.h"
+#include "writers/write_xml.h"
 
 #include <iterator>
 #include <new>
@@ -14,8 +30,24 @@ template <class Action> ActionItem *make()
 }
 
 /// In catalogue order.
-constexpr ActionItem *(*kMakers[])() = {
+constexpr ActionItem *(*kMakers[kActionCount])() = {
+    make<ActionWriteReport>,
+    make<ActionReadExcel>,
+    make<ActionReadExcelOld>,
+    make<ActionReadExcelSheets>,
     make<ActionWriteExcel>,
+    make<ActionReadStat>,
+    make<ActionReadXML>,
+    make<ActionWriteXML>,
+    make<ActionReadJSON>,
+    make<ActionWriteJSON>,
+    make<ActionReadXBF>,
+    make<ActionReadParquet>,
+    make<ActionWriteParquet>,
+    make<ActionWriteSAS>,
+    make<ActionWriteSASXPT>,
+    make<ActionWriteDoc>,
+    make<ActionWriteDocTable>,
 };
 
 } // namespace

@@ -1,0 +1,73 @@
+#include "readers/read_json_params.h"
+
+namespace corvanta {
+
+void adjustReadJsonDefaults(ReadJsonParams &params, double savedVersion)
+{
+    constexpr double kRootKeptSince = 3.92;
+    params.newMode = savedVersion >= kRootKeptSince;
+}
+
+const ParamTable<ReadJsonParams> &readJsonParamTable()
+{
+    using P = ReadJsonParams;
+    static const ParamTable<P> table{
+        text("colJSON", &P::colJSON)
+            .label("JSON column")
+            .meaning("Input column that holds the JSON texts."),
+        number("fromInputPin", &P::fromInputPin)
+            .choices({"from the file", "from input pin 0"})
+            .label("Read the JSON")
+            .meaning("From fileName, or one document per row from colJSON."),
+        number("bufferSize", &P::bufferSize)
+            .range(1, 2047)
+            .label("Minimum Input Buffer Size:")
+            .meaning("In MB."),
+        number("autoFillNRows", &P::autoFillNRows)
+            .range(1, 1000000)
+            .label("Sample")
+            .meaning("Records that are looked at when levels are filled automatically."),
+        text("fileName", &P::fileName)
+            .inputFile()
+            .always()
+            .label("File")
+            .meaning(
+                "JSON file to read, a pattern, or a member of an archive (archive.zip@member)."),
+        flag("outputFilenames", &P::outputFilenames)
+            .label("Add a column with the file name")
+            .meaning("The last column, _FileNames."),
+        flag("appendToRow", &P::appendToRow)
+            .label("Copy the columns of the input row")
+            .meaning("In front of the extracted ones, when reading from the input pin."),
+        flag("outputSubTags", &P::outputSubTags)
+            .label("Add the names of the repeated elements")
+            .meaning("One column \"Level N Subtag\" per level."),
+        flag("oneJSONPerRow", &P::oneJSONPerRow)
+            .label("Each input row holds one complete JSON document")
+            .meaning("Off: the texts of the rows are joined to one document."),
+        flag("readTagsFromInPin", &P::readTagsFromInPin)
+            .label("Read tags to extract from pin 1")
+            .meaning("The paths of the columns come from the rows of input pin 1."),
+        flag("abortIfMissing", &P::abortIfMissing)
+            .label("A missing file is an error")
+            .meaning("Off: it is a warning."),
+        number("timeOut", &P::timeOut)
+            .range(0, 86400)
+            .label("Retry for")
+            .meaning("Seconds for which a file that cannot be read yet is tried again."),
+        flag("permissiveNumbers", &P::permissiveNumbers)
+            .label("Accept malformed numbers")
+            .meaning("Off: a value such as 12abc is a structure error."),
+        flag("ignoreErrors", &P::ignoreErrors)
+            .label("Go on after structure errors")
+            .meaning("They become warnings."),
+        flag("newMode", &P::newMode)
+            .label("Always keep the root")
+            .meaning(
+                "Paths start at the document. Default off in graphs saved before version 3.92."),
+        readLevels(&P::levels),
+    };
+    return table;
+}
+
+} // namespace corvanta

@@ -1,0 +1,38 @@
+#include "readers/read_parquet_params.h"
+
+namespace corvanta {
+
+const ParamTable<ReadParquetParams> &readParquetParamTable()
+{
+    using P = ReadParquetParams;
+    static const ParamTable<P> table{
+        flag("fileNameFromPin", &P::fileNameFromPin)
+            .label("Take the file names from input pin 0")
+            .meaning("From its first column, one file per row."),
+        flag("abortIfMissing", &P::abortIfMissing)
+            .label("A missing file is an error")
+            .meaning("Off: it is a warning."),
+        flag("int64ToKey", &P::int64ToKey)
+            .label("64-bit integers become keys")
+            .meaning("Their low 32 bits. Off: they become decimal numbers."),
+        number("columnSelection", &P::columnSelection)
+            .choices(
+                {"all columns", "the columns of ColumnsToRead", "the columns named on input pin 1"})
+            .label("Columns")
+            .meaning("Which columns are read."),
+        flag("outputFilenames", &P::outputFilenames)
+            .label("Add a column with the file name")
+            .meaning("The last column, _FileNames."),
+        text("fileName", &P::fileName)
+            .inputFile()
+            .always()
+            .label("File")
+            .meaning("Parquet file to read, or a pattern such as *.parquet."),
+        strings("ColumnsToRead", &P::columnsToRead)
+            .label("Columns to read")
+            .meaning("Used when columnSelection is 1."),
+    };
+    return table;
+}
+
+} // namespace corvanta

@@ -1,0 +1,21 @@
+// readers/read_parquet_params.h
+// The parameters of readParquet.
+#pragma once
+#include "corvanta/param_table.h"
+
+namespace corvanta {
+
+struct ReadParquetParams
+{
+    bool fileNameFromPin = false;
+    bool abortIfMissing = true;
+    bool int64ToKey = true;
+    int columnSelection = 0;
+    bool outputFilenames = false;
+    QString fileName;
+    QStringList columnsToRead;
+};
+
+const ParamTable<ReadParquetParams> &readParquetParamTable();
+
+} // namespace corvanta

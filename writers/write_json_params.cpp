@@ -1,0 +1,90 @@
+#include "writers/write_json_params.h"
+
+namespace corvanta {
+
+void adjustWriteJsonDefaults(WriteJsonParams &params, double savedVersion)
+{
+    constexpr double kBooleansSince = 2.79;
+    params.specialBool = savedVersion >= kBooleansSince;
+}
+
+const ParamTable<WriteJsonParams> &writeJsonParamTable()
+{
+    using P = WriteJsonParams;
+    static const ParamTable<P> table{
+        text("fileName", &P::fileName)
+            .outputFile()
+            .label("File")
+            .meaning("JSON file to write, UTF-8."),
+        number("fileMode", &P::fileMode)
+            .choices({"create or overwrite", "append"})
+            .label("Open the file")
+            .meaning("Whether an existing file is replaced or continued."),
+        flag("checkNameCollision", &P::checkNameCollision)
+            .label("Check for columns of the same name")
+            .meaning("Two written columns of one name are an error."),
+        flag("createDir", &P::createDir)
+            .label("Create the folder of the file")
+            .meaning("Makes missing folders."),
+        flag("writeAllRows", &P::writeAllRows)
+            .label("Write all rows")
+            .meaning("Off: only rows that pass the test."),
+        text("testCol", &P::testCol)
+            .label("Column to test")
+            .meaning("Looked at when writeAllRows is off."),
+        text("testValue", &P::testValue)
+            .label("Value to test for")
+            .meaning("Rows whose testCol has another text are not written."),
+        number("nullString", &P::nullString)
+            .choices({"write null", "write \"\"", "leave it out"})
+            .label("Missing text")
+            .meaning("What is written for a missing text cell."),
+        number("nullNumber", &P::nullNumber)
+            .choices({"write null", "leave it out"})
+            .label("Missing number")
+            .meaning("What is written for a missing whole or decimal number."),
+        number("nan", &P::nan)
+            .choices({"write nan, inf or -inf", "write null", "leave it out"})
+            .label("NaN and infinite numbers")
+            .meaning("What is written for them."),
+        text("floatToString", &P::floatToString)
+            .label("Format of decimal numbers")
+            .meaning("printf format with one conversion of a floating-point number."),
+        flag("specialBool", &P::specialBool)
+            .label("The texts true and false are booleans")
+            .meaning("Also True and False. Default off in graphs saved before version 2.79."),
+        flag("replaceLF", &P::replaceLF)
+            .label("Line feeds become \\n")
+            .meaning("Off: they stay as they are, which strict readers refuse."),
+        flag("splitFile", &P::splitFile)
+            .label("One file per value of the split column")
+            .meaning("The value goes into the file name, in front of the extension."),
+        flag("advancedNaming", &P::advancedNaming)
+            .label("The host makes the names of split files")
+            .meaning("Instead of putting the value in front of the extension."),
+        flag("alwaysWrite", &P::alwaysWrite)
+            .label("Write a file also without rows")
+            .meaning("Start and end only."),
+        text("splitCol", &P::splitCol)
+            .label("Split column")
+            .meaning("The table should be sorted on it."),
+        flag("writeAllColumns", &P::writeAllColumns)
+            .label("Write all columns")
+            .meaning("Off: only the columns of ToWrite. Used when there are no Levels."),
+        elementText("Prefix", &P::prefix)
+            .always()
+            .label("Start of the file")
+            .meaning("Written in front of the first row."),
+        elementText("Suffix", &P::suffix)
+            .always()
+            .label("End of the file")
+            .meaning("Written behind the last row."),
+        strings("ToWrite", &P::toWrite)
+            .label("Columns to write")
+            .meaning("Used when writeAllColumns is off."),
+        writeLevels(&P::levels),
+    };
+    return table;
+}
+
+} // namespace corvanta

@@ -1,0 +1,69 @@
+#include "writers/write_parquet_params.h"
+
+namespace corvanta {
+
+const ParamTable<WriteParquetParams> &writeParquetParamTable()
+{
+    using P = WriteParquetParams;
+    static const ParamTable<P> table{
+        number("pageSize", &P::pageSize)
+            .range(1, 1048576)
+            .always()
+            .label("Page size")
+            .meaning("Of uncompressed pages, in KiB."),
+        number("rowGroupSize", &P::rowGroupSize)
+            .range(1, 1048576)
+            .always()
+            .label("Row group size")
+            .meaning("In MiB."),
+        number("keyStorage", &P::keyStorage)
+            .always()
+            .choices({"32-bit integer marked as unsigned", "32-bit integer", "64-bit integer"})
+            .label("Storage of keys")
+            .meaning("Physical type of the columns of whole numbers."),
+        flag("writeAllColumns", &P::writeAllColumns)
+            .label("Write all columns")
+            .meaning("Off: only the columns of ToWrite, in that order."),
+        flag("checkNameCollision", &P::checkNameCollision)
+            .label("Check for columns of the same name")
+            .meaning("Two written columns of one name are an error."),
+        flag("createDir", &P::createDir)
+            .label("Create the folder of the file")
+            .meaning("Makes missing folders."),
+        flag("writeAllRows", &P::writeAllRows)
+            .label("Write all rows")
+            .meaning("Off: only rows that pass the test."),
+        number("split", &P::split)
+            .always()
+            .choices({"one file", "one file per value of splitVar"})
+            .label("Split")
+            .meaning("Whether the table goes into one file or several."),
+        real("segmentSize", &P::segmentSize)
+            .always()
+            .label("Segment size")
+            .meaning("MiB after which a split table goes on in a new file."),
+        text("splitVar", &P::splitVar)
+            .always()
+            .label("Split column")
+            .meaning("Column whose value selects the file. Best when the table is sorted on it."),
+        text("testCol", &P::testCol)
+            .always()
+            .label("Column to test")
+            .meaning("Looked at when writeAllRows is off."),
+        text("testValue", &P::testValue)
+            .always()
+            .label("Value to test for")
+            .meaning("Rows whose testCol has another text are not written."),
+        text("file", &P::file)
+            .outputFile()
+            .always()
+            .label("File")
+            .meaning("Parquet file to write."),
+        strings("ToWrite", &P::toWrite)
+            .label("Columns to write")
+            .meaning("Used when writeAllColumns is off."),
+    };
+    return table;
+}
+
+} // namespace corvanta

@@ -1,0 +1,55 @@
+#include "writers/write_sas_params.h"
+
+namespace corvanta {
+
+const ParamTable<WriteSasParams> &writeSasParamTable()
+{
+    using P = WriteSasParams;
+    static const ParamTable<P> table{
+        text("fileName", &P::fileName)
+            .outputFile()
+            .label("File")
+            .meaning("Data set (.sas7bdat) to write."),
+        number("columnNameMode", &P::columnNameMode)
+            .choices({"Use the same Column Names as in Corvanta (possibly truncated)",
+                      "Use the same Column Names as in Corvanta (abort if truncation)",
+                      "Column Names are C1,C2,.. and Column Labels are Corvanta Column Names"})
+            .label("Names of the variables")
+            .meaning("A name in the data set has at most 32 bytes of UTF-8."),
+        number("stringStorage", &P::stringStorage)
+            .choices({"truncate it, with a warning", "abort"})
+            .label("A text wider than its column")
+            .meaning("What happens to a text that does not fit."),
+        real("f1", &P::f1)
+            .label("Automatic width: factor")
+            .meaning("Widths taken from data are the longest text times this factor."),
+        number("f2", &P::f2)
+            .label("Automatic width: extra bytes")
+            .meaning("Added to widths taken from data."),
+        flag("writeAllRows", &P::writeAllRows)
+            .label("Write all rows")
+            .meaning("Off: only rows that pass the test."),
+        text("testCol", &P::testCol)
+            .label("Column to test")
+            .meaning("Looked at when writeAllRows is off."),
+        text("testValue", &P::testValue)
+            .label("Value to test for")
+            .meaning("Rows whose testCol has another text are not written."),
+        flag("writeAllColumns", &P::writeAllColumns)
+            .label("Write all columns")
+            .meaning("Off: only the columns of ColWrite."),
+        flag("createDir", &P::createDir)
+            .label("Create the folder of the file")
+            .meaning("Makes missing folders."),
+        flag("checkNameCollision", &P::checkNameCollision)
+            .label("Check for columns of the same name")
+            .meaning("Two written columns of one name are an error."),
+        strings("ColWrite", &P::colWrite)
+            .label("Columns to write")
+            .meaning("Used when writeAllColumns is off."),
+        stringColumns(&P::stringColumns),
+    };
+    return table;
+}
+
+} // namespace corvanta

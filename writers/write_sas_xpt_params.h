@@ -1,0 +1,24 @@
+// writers/write_sas_xpt_params.h
+// The parameters of writeSASXPT.
+#pragma once
+#include "corvanta/param_table.h"
+#include "writers/string_columns.h"
+
+namespace corvanta {
+
+struct WriteSasXptParams
+{
+    QString fileName;
+    bool writeAllRows = true;
+    QString testCol;
+    QString testValue;
+    bool writeAllColumns = true;
+    bool createDir = false;
+    bool checkNameCollision = true;
+    QStringList colWrite;
+    std::vector<StringColumn> stringColumns;
+};
+
+const ParamTable<WriteSasXptParams> &writeSasXptParamTable();
+
+} // namespace corvanta
