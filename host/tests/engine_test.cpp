@@ -1,0 +1,193 @@
+// The engine: no row lost, no thread left, close always called, whatever the actions do.
+#include "corvanta/action_registry.h"
+#include "corvanta/engine_runner.h"
+#include "corvanta/run.h"
+#include "test_actions.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <random>
+#include <thread>
+
+using namespace test;
+using namespace std::chrono_literals;
+
+namespace {
+
+struct CollectingLog final : LogSink
+{
+    void add(const LogMessage &message) override
+    {
+        const std::lock_guard lock(mutex);
+        messages << message.action + QStringLiteral(": ") + message.text.trimmed();
+    }
+    std::mutex mutex;
+    QStringList messages;
+};
+
+class EngineTest : public testing::Test
+{
+protected:
+    EngineTest()
+    {
+        Plugin plugin;
+        m_registry.add(&plugin);
+        g_seen.reset();
+    }
+
+    /// A run of the graph inside <graph>...</graph>.
+    std::unique_ptr<corvanta::Run> make(const QByteArray &inside, RunOptions options = {})
+    {
+        QVector<CorvantaGraph::Problem> problems;
+        m_graph = CorvantaGraph::parse("<graph>" + inside + "</graph>", QStringLiteral("test.graph"), &problems);
+        EXPECT_TRUE(problems.isEmpty());
+        EXPECT_TRUE(m_graph.validate(m_registry, {}).isEmpty());
+        options.log = &m_log;
+        return std::make_unique<corvanta::Run>(m_graph, m_registry, std::move(options));
+    }
+
+    void runToEnd(corvanta::Run &run)
+    {
+        run.start();
+        ASSERT_TRUE(run.waitFor(60s)) << "a thread is left";
+        run.wait();
+        EXPECT_EQ(g_seen.opened, g_seen.closed);
+    }
+
+    ActionRegistry m_registry;
+    CorvantaGraph m_graph;
+    CollectingLog m_log;
+};
+
+quint64 sumOf(quint64 rows)
+{
+    return rows * (rows - 1) / 2;
+}
+
+constexpr char kChain[] = "<action id='a'><source rows='30000'/></action><action id='b'><sink/></action>"
+                          "<action id='c'><sink/></action><link from='a:0' to='b:0'/><link from='b:0' to='c:0'/>";
+
+/// One source on all three pins of a sink, which reads the last pin to its end first.
+QByteArray meeting(qint64 rows, const QByteArray &text)
+{
+    return "<action id='a'><source rows='" + QByteArray::number(rows) + "' text='" + text + "'/></action>"
+           "<action id='b'><sink/></action><action id='c'><sink/></action><link from='a:0' to='b:0'/>"
+           "<link from='b:0' to='c:0'/><link from='a:0' to='c:1'/><link from='a:0' to='c:2'/>";
+}
+
+} // namespace
+
+TEST_F(EngineTest, EveryRowArrivesOnceInOrderWhateverTheBatchAndTheYields)
+{
+    for (const int batchRows : {1, 7, 1024}) {
+        for (const bool yields : {false, true}) {
+            g_seen.reset();
+            RunOptions options;
+            options.batchRows = batchRows;
+            options.yieldAtBatches = yields;
+            const auto run = make(kChain, std::move(options));
+            runToEnd(*run);
+            EXPECT_TRUE(run->succeeded());
+            EXPECT_EQ(g_seen.rows, 60000);
+            EXPECT_EQ(g_seen.sum, 2 * sumOf(30000));
+            EXPECT_EQ(g_seen.disordered, 0);
+        }
+    }
+}
+
+TEST_F(EngineTest, TablesThatAreFannedOutAndMeetAgainDoNotBlock)
+{
+    const auto run = make(meeting(200000, "short"));
+    runToEnd(*run);
+    EXPECT_TRUE(run->succeeded());
+    EXPECT_EQ(g_seen.rows, 4 * 200000);
+    EXPECT_EQ(g_seen.disordered, 0);
+}
+
+TEST_F(EngineTest, WaitingRowsBeyondTheMemoryLimitGoThroughAFile)
+{
+    const auto run = make(meeting(40000, QByteArray(2000, 'x')));
+    runToEnd(*run);
+    EXPECT_TRUE(run->succeeded());
+    EXPECT_EQ(g_seen.rows, 4 * 40000);
+    EXPECT_EQ(g_seen.sum, 4 * sumOf(40000));
+    EXPECT_EQ(g_seen.disordered, 0);
+}
+
+TEST_F(EngineTest, AFailureEndsEveryActionAndClosesIt)
+{
+    const std::pair<const char *, const char *> cases[] = {
+        {"<action id='a'><source failAt='20000' rows='30000'/></action><action id='b'><sink/></action>", "a: source fails"},
+        {"<action id='a'><source rows='1000000'/></action><action id='b'><sink failAt='5'/></action>", "b: sink fails"},
+        {"<action id='a'><source rows='1000000'/></action><action id='b'><sink failAt='5' how='throw'/></action>",
+         "b: Error: 'sink': sink throws"},
+        {"<action id='a'><source/></action><action id='b'><sink how='init'/></action>", "b: init fails"},
+    };
+    for (const auto &[actions, message] : cases) {
+        g_seen.reset();
+        m_log.messages.clear();
+        const auto run = make(QByteArray(actions) + "<action id='c'><sink/></action><action id='d'><blocker/></action>"
+                                                    "<link from='a:0' to='b:0'/><link from='b:0' to='c:0'/>");
+        runToEnd(*run);
+        EXPECT_TRUE(run->failed());
+        EXPECT_EQ(m_log.messages, QStringList{QString::fromLatin1(message)});
+    }
+}
+
+TEST_F(EngineTest, AnActionThatStopsReadingDoesNotBlockItsSource)
+{
+    const auto run = make("<action id='a'><source rows='300000'/></action><action id='b'><sink failAt='5' how='leave'/></action>"
+                          "<link from='a:0' to='b:0'/>");
+    runToEnd(*run);
+    EXPECT_TRUE(run->succeeded());
+    EXPECT_EQ(g_seen.rows, 5);
+}
+
+TEST_F(EngineTest, StopAtAnyMomentEndsWithinASecond)
+{
+    std::mt19937 random(7);
+    for (int i = 0; i < 200; ++i) {
+        g_seen.reset();
+        const auto run = make(meeting(100000000, "text") + "<action id='d'><blocker/></action>");
+        run->start();
+        // The moment is chosen by what the run has done, not by a clock.
+        const qint64 rows = random() % 20000;
+        while (g_seen.rows < rows) {
+            std::this_thread::yield();
+        }
+        const auto begin = std::chrono::steady_clock::now();
+        run->stop();
+        run->wait();
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, 1s);
+        EXPECT_FALSE(run->succeeded());
+        EXPECT_FALSE(run->failed());
+        ASSERT_EQ(g_seen.opened, g_seen.closed);
+    }
+}
+
+TEST_F(EngineTest, ProgressCanBeAskedForAtAnyTime)
+{
+    const auto run = make(kChain);
+    run->start();
+    qint64 last = 0;
+    while (!run->waitFor(0ms)) {
+        const QVector<ActionProgress> progress = run->progress();
+        EXPECT_GE(progress[1].rowsIn, last);
+        last = progress[1].rowsIn;
+    }
+    run->wait();
+    EXPECT_EQ(run->progress()[1].rowsIn, 30000);
+    EXPECT_EQ(run->progress()[2].rowsIn, 30000);
+}
+
+TEST_F(EngineTest, APreviewTakesAFewRowsAndEndsTheRest)
+{
+    const auto run = make(kChain);
+    EngineRunner runner;
+    ASSERT_TRUE(runner.run(m_graph, m_registry, QStringLiteral("c"), 0, EngineRunner::PinIn, false));
+    EXPECT_EQ(runner.columns().names, (QVector<QString>{QStringLiteral("n"), QStringLiteral("text")}));
+    ASSERT_EQ(runner.rows().size(), EngineRunner::kPreviewRows);
+    EXPECT_EQ(runner.rows().last(), (QStringList{QStringLiteral("199"), QStringLiteral("x")}));
+    EXPECT_FALSE(runner.run(m_graph, m_registry, QStringLiteral("a"), 0, EngineRunner::PinIn, false));
+}

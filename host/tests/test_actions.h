@@ -1,0 +1,208 @@
+// host/tests/test_actions.h
+// Small actions that behave and misbehave, for tests of the engine.
+#pragma once
+#include "corvanta/action_base.h"
+#include "corvanta/plugin_interface.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <stdexcept>
+
+namespace test {
+
+using namespace corvanta;
+
+/// What the actions of a test leave behind.
+struct Seen
+{
+    std::atomic<int> opened = 0;
+    std::atomic<int> closed = 0;
+    std::atomic<qint64> rows = 0;
+    std::atomic<quint64> sum = 0; ///< of the keys, to notice lost and doubled rows
+    std::atomic<int> disordered = 0;
+    void reset() { opened = closed = disordered = 0, rows = 0, sum = 0; }
+};
+inline Seen g_seen;
+
+inline ActionDescription describe(const char *name, int in, int out)
+{
+    ActionDescription d;
+    d.typeName = name;
+    d.description = name;
+    d.pinsIn = in;
+    d.pinsOut = out;
+    return d;
+}
+
+struct Params
+{
+    qint64 rows = 1000;
+    QString text = QStringLiteral("x");
+    qint64 failAt = -1;
+    QString how;
+};
+
+template <class Self> class TestAction : public ParamAction<Self, Params>
+{
+public:
+    static const ParamTable<Params> &paramTable()
+    {
+        static const ParamTable<Params> table{number("rows", &Params::rows), text("text", &Params::text),
+                                              number("failAt", &Params::failAt), text("how", &Params::how)};
+        return table;
+    }
+
+protected:
+    using ParamAction<Self, Params>::ParamAction;
+    void start() override
+    {
+        ++g_seen.opened;
+        if (this->m_params.how == QLatin1String("init")) {
+            this->fail(QStringLiteral("init fails"));
+        }
+    }
+    void finish() override { ++g_seen.closed; }
+};
+
+/// Rows 0, 1, 2, ... with a text.
+class Source final : public TestAction<Source>
+{
+public:
+    Source(const XMLNode &saved, GlobalParameters *parameters)
+        : TestAction(describe("source", 0, 1), saved, parameters)
+    {}
+
+private:
+    void start() override
+    {
+        TestAction::start();
+        m_next = 0;
+    }
+    bool step() override
+    {
+        OneRow *const row = getOutputRowForOutputPin(0);
+        if (m_next == 0) {
+            row->setColName({QStringLiteral("n"), QStringLiteral("text")});
+            row->setMetaType(0, MetaInfo(MetaInfo::Key, -1));
+        }
+        const std::u16string text = m_params.text.toStdU16String();
+        while (!yieldRequested()) {
+            if (m_next == m_params.failAt) {
+                return fail(QStringLiteral("source fails"));
+            }
+            if (m_next == m_params.rows) {
+                return true;
+            }
+            row->setCol(0, keyCell(bufferForOutputPin(0), static_cast<quint32>(m_next)));
+            row->setCol(1, textCell(bufferForOutputPin(0), text.data(), static_cast<qsizetype>(text.size())));
+            setRowReadyForOutput(0);
+            ++m_next;
+        }
+        return false;
+    }
+    qint64 m_next = 0;
+};
+
+/// Reads its pins one after the other, the last one first, and passes the rows of pin 0 on.
+class Sink final : public TestAction<Sink>
+{
+public:
+    Sink(const XMLNode &saved, GlobalParameters *parameters)
+        : TestAction(describe("sink", 3, 1), saved, parameters)
+    {}
+
+private:
+    void start() override
+    {
+        TestAction::start();
+        m_pin = pinInCount() - 1;
+        m_expected = 0;
+    }
+    bool step() override
+    {
+        while (m_pin >= 0) {
+            const OneRow *const row = getNextRowFromInPin(m_pin);
+            if (row == nullptr) {
+                --m_pin;
+                m_expected = 0;
+                continue;
+            }
+            take(*row);
+            if (m_expected == m_params.failAt) {
+                if (m_params.how == QLatin1String("throw")) {
+                    throw std::runtime_error("sink throws");
+                }
+                return m_params.how == QLatin1String("leave") || fail(QStringLiteral("sink fails"));
+            }
+            if (yieldRequested()) {
+                return false;
+            }
+        }
+        return true;
+    }
+    void take(const OneRow &row)
+    {
+        const unsigned key = row.colAsKey(0, nullptr);
+        g_seen.disordered += key == static_cast<unsigned>(m_expected++) ? 0 : 1;
+        g_seen.sum += key;
+        ++g_seen.rows;
+        if (m_pin == 0) {
+            getOutputRowForOutputPin(0)->copyFrom(&row);
+            setRowReadyForOutput(0);
+        }
+    }
+    int m_pin = 0;
+    qint64 m_expected = 0;
+};
+
+/// Blocks in a wait of its own until the host wakes it.
+class Blocker final : public TestAction<Blocker>
+{
+public:
+    Blocker(const XMLNode &saved, GlobalParameters *parameters)
+        : TestAction(describe("blocker", 1, 1), saved, parameters)
+    {}
+    void wakeAll() override
+    {
+        const std::lock_guard lock(m_mutex);
+        m_woken = true;
+        m_wake.notify_all();
+    }
+
+private:
+    bool step() override
+    {
+        std::unique_lock lock(m_mutex);
+        m_wake.wait(lock, [this] { return m_woken; });
+        return true;
+    }
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    bool m_woken = false;
+};
+
+class Plugin final : public CorvantaPluginInterface
+{
+public:
+    ActionItem *createAction(int index, unsigned int) override
+    {
+        switch (index) {
+        case 0:
+            return new Source(XMLNode::emptyNode(), nullptr);
+        case 1:
+            return new Sink(XMLNode::emptyNode(), nullptr);
+        case 2:
+            return new Blocker(XMLNode::emptyNode(), nullptr);
+        default:
+            return nullptr;
+        }
+    }
+    void initialise() override {}
+    double getVersion() override { return 1; }
+    void *getExtra1() override { return nullptr; }
+    void *getExtra2() override { return nullptr; }
+    void *createActionFromNode(XMLNode) override { return nullptr; }
+};
+
+} // namespace test
