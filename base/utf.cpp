@@ -10,26 +10,6 @@ constexpr char16_t kReplacement = 0xFFFD;
 
 bool isContinuation(uchar byte) { return (byte & 0xC0) == 0x80; }
 
-/// Widen ASCII from `in`, 16 bytes at a time; returns how many bytes were taken.
-qsizetype widenAscii(const char *in, qsizetype n, char16_t *out)
-{
-    const __m128i zero = _mm_setzero_si128();
-    qsizetype i = 0;
-    for (; i + 16 <= n; i += 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(in + i));
-        const int mask = _mm_movemask_epi8(bytes);
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + i), _mm_unpacklo_epi8(bytes, zero));
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + i + 8), _mm_unpackhi_epi8(bytes, zero));
-        if (mask != 0) {
-            return i + __builtin_ctz(static_cast<unsigned>(mask));
-        }
-    }
-    for (; i < n && static_cast<uchar>(in[i]) < 0x80; ++i) {
-        out[i] = static_cast<uchar>(in[i]);
-    }
-    return i;
-}
-
 /// Narrow ASCII from `in`, 16 units at a time; returns how many units were taken.
 qsizetype narrowAscii(const char16_t *in, qsizetype n, char *out)
 {
@@ -75,12 +55,31 @@ int decodeSequence(const uchar *in, qsizetype n, char32_t *codePoint)
 
 } // namespace
 
+qsizetype asciiToUtf16(const char *in, qsizetype n, char16_t *out)
+{
+    const __m128i zero = _mm_setzero_si128();
+    qsizetype i = 0;
+    for (; i + 16 <= n; i += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(in + i));
+        const int mask = _mm_movemask_epi8(bytes);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + i), _mm_unpacklo_epi8(bytes, zero));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + i + 8), _mm_unpackhi_epi8(bytes, zero));
+        if (mask != 0) {
+            return i + __builtin_ctz(static_cast<unsigned>(mask));
+        }
+    }
+    for (; i < n && static_cast<uchar>(in[i]) < 0x80; ++i) {
+        out[i] = static_cast<uchar>(in[i]);
+    }
+    return i;
+}
+
 qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out)
 {
     const auto *const bytes = reinterpret_cast<const uchar *>(in);
     char16_t *const begin = out;
     for (qsizetype i = 0; i < n;) {
-        const qsizetype ascii = widenAscii(in + i, n - i, out);
+        const qsizetype ascii = asciiToUtf16(in + i, n - i, out);
         i += ascii;
         out += ascii;
         // Text outside ASCII comes in runs: stay here until the next ASCII byte.

@@ -9,6 +9,10 @@ namespace corvanta {
 /// Each byte of an ill-formed sequence becomes one U+FFFD.
 qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out);
 
+/// Widen the ASCII at the front of `in` into `out`, which has room for `n` units (what lies behind the
+/// taken ones may be overwritten); returns how many bytes it is.
+qsizetype asciiToUtf16(const char *in, qsizetype n, char16_t *out);
+
 /// Convert `n` units of UTF-16 into `out`, which has room for `3 * n` bytes; returns the bytes
 /// written. Pairs are combined, a lone surrogate becomes U+FFFD.
 qsizetype utf16ToUtf8(const char16_t *in, qsizetype n, char *out);
