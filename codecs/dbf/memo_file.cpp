@@ -1,0 +1,176 @@
+// dBase III (.dbt):  blocks of 512 bytes; a text starts with its first byte and ends before 1A.
+// dBase IV (.dbt):   0 next free block ... 20 u16 block size;
+//                    a text: FF FF 08 00, u32 length with these 8 bytes, the bytes. Little-endian.
+// FoxPro (.fpt):     0 next free block ... 6 u16 block size;
+//                    a text: u32 kind, u32 length, the bytes. Big-endian.
+#include "codecs/dbf/memo_file.h"
+
+#include "base/bytes.h"
+#include "base/limits.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace corvanta::dbf {
+
+namespace {
+
+constexpr qint64 kHeadBytes = 32;
+constexpr qint64 kDefaultBlockBytes = 512;
+constexpr qint64 kTextHeaderBytes = 8;
+constexpr quint32 kDbase4Mark = 0x0008FFFF;
+constexpr char kTextEnd = 0x1A;
+/// How far the end of a dBase III text is looked for: the programs of its time stop at 64 KiB.
+constexpr qint64 kLongestEndedText = 1024 * 1024;
+/// What is read at once when texts are not asked for in the order of the file.
+constexpr qint64 kRandomReadBytes = 16 * 1024;
+
+constexpr std::optional<QByteArrayView> kNoText;
+
+} // namespace
+
+MemoFormat memoFormatOf(const TableHeader &header)
+{
+    if (header.version == 0x83 || header.version == 0x87) {
+        return MemoFormat::Dbase3;
+    }
+    return header.isFoxPro ? MemoFormat::FoxPro : MemoFormat::Dbase4;
+}
+
+MemoFile::MemoFile(ByteSource &source, MemoFormat format, qint64 bufferBytes)
+    : m_source(source)
+    , m_format(format)
+    , m_bufferBytes(bufferBytes)
+{
+}
+
+Result<std::unique_ptr<MemoFile>, Error> MemoFile::open(ByteSource &source, MemoFormat format,
+                                                        Access access, qint64 bufferBytes)
+{
+    std::unique_ptr<MemoFile> memo(
+        new MemoFile(source, format, std::max(bufferBytes, kRandomReadBytes)));
+    memo->m_size = source.size();
+    if (access == Access::InMemory || memo->m_size < 0) {
+        auto loaded = memo->load();
+        if (!loaded) {
+            return loaded.fault();
+        }
+    }
+    auto head = memo->bytesAt(0, std::min(kHeadBytes, memo->m_size));
+    if (!head) {
+        return head.fault();
+    }
+    memo->readBlockSize(*head);
+    return memo;
+}
+
+Result<void, Error> MemoFile::load()
+{
+    constexpr size_t kPiece = 1024 * 1024;
+    size_t fill = 0;
+    for (qint64 got = 1; got > 0; fill += static_cast<size_t>(std::max<qint64>(got, 0))) {
+        if (fill > static_cast<size_t>(limits::kMemberBytes)) {
+            return Fault<Error>{Error::MemoTooLarge};
+        }
+        m_window.resize(fill + kPiece);
+        got = m_source.read(m_window.data() + fill, static_cast<qint64>(kPiece));
+        if (got < 0) {
+            return Fault<Error>{Error::Unreadable, {}, static_cast<qint64>(fill)};
+        }
+    }
+    m_window.resize(fill);
+    m_size = m_windowFill = static_cast<qint64>(fill);
+    return {};
+}
+
+void MemoFile::readBlockSize(QByteArrayView head)
+{
+    if (m_format == MemoFormat::FoxPro && head.size() >= 8) {
+        m_blockBytes = loadBE<quint16>(head.data() + 6);
+    } else if (m_format == MemoFormat::Dbase4 && head.size() >= 22) {
+        m_blockBytes = loadLE<quint16>(head.data() + 20);
+    }
+    if (m_blockBytes == 0) {
+        m_blockBytes = kDefaultBlockBytes;
+    }
+}
+
+/// `n` bytes at `offset`, both within the file; valid until the next call.
+MemoFile::View MemoFile::bytesAt(qint64 offset, qint64 n)
+{
+    const qint64 windowEnd = m_windowAt + m_windowFill;
+    if (offset < m_windowAt || n > windowEnd - offset) {
+        // Texts mostly follow each other: then the whole buffer is filled.
+        const bool followsOn = offset >= m_windowAt && offset <= windowEnd + m_blockBytes;
+        const qint64 wanted = std::max(n, followsOn ? m_bufferBytes : kRandomReadBytes);
+        const qint64 take = std::min(wanted, m_size - offset);
+        m_window.resize(std::max(m_window.size(), static_cast<size_t>(take)));
+        m_windowAt = offset;
+        m_windowFill = m_source.seek(offset) ? readFully(m_source, m_window.data(), take) : -1;
+        if (m_windowFill < n) {
+            m_windowFill = 0;
+            return Fault<Error>{Error::Unreadable, {}, offset};
+        }
+    }
+    return QByteArrayView(m_window.data() + (offset - m_windowAt), n);
+}
+
+Result<std::optional<QByteArrayView>, Error> MemoFile::endedText(qint64 offset)
+{
+    qint64 n = std::min(m_blockBytes, m_size - offset);
+    while (true) {
+        auto bytes = bytesAt(offset, n);
+        if (!bytes) {
+            return bytes.fault();
+        }
+        const void *const end = std::memchr(bytes->data(), kTextEnd, static_cast<size_t>(n));
+        if (end != nullptr) {
+            return std::optional(bytes->first(static_cast<const char *>(end) - bytes->data()));
+        }
+        const qint64 longer = std::min({n * 2, m_size - offset, kLongestEndedText});
+        if (longer == n) {
+            return kNoText;
+        }
+        n = longer;
+    }
+}
+
+Result<std::optional<QByteArrayView>, Error> MemoFile::countedText(qint64 offset)
+{
+    if (m_size - offset < kTextHeaderBytes) {
+        return kNoText;
+    }
+    auto front = bytesAt(offset, kTextHeaderBytes);
+    if (!front) {
+        return front.fault();
+    }
+    qint64 length = 0;
+    if (m_format == MemoFormat::FoxPro) {
+        length = loadBE<quint32>(front->data() + 4);
+    } else if (loadLE<quint32>(front->data()) == kDbase4Mark) {
+        length = static_cast<qint64>(loadLE<quint32>(front->data() + 4)) - kTextHeaderBytes;
+    } else {
+        return kNoText;
+    }
+    if (length < 0 || length > m_size - offset - kTextHeaderBytes ||
+        length > limits::kTextCellUnits / 2) {
+        return kNoText;
+    }
+    auto whole = bytesAt(offset, kTextHeaderBytes + length);
+    if (!whole) {
+        return whole.fault();
+    }
+    return std::optional(whole->sliced(kTextHeaderBytes));
+}
+
+Result<std::optional<QByteArrayView>, Error> MemoFile::text(quint32 block)
+{
+    const qint64 offset = block * m_blockBytes; // below 2^48
+    if (block == 0 || offset >= m_size) {
+        return kNoText;
+    }
+    return m_format == MemoFormat::Dbase3 ? endedText(offset) : countedText(offset);
+}
+
+} // namespace corvanta::dbf

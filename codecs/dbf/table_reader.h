@@ -1,0 +1,144 @@
+// codecs/dbf/table_reader.h
+// Decode the records of one dBase-family table into cells.
+//
+// Bytes in, cells out: knows neither pins nor log. Threads: one at a time; objects share nothing.
+#pragma once
+#include "base/cell.h"
+#include "codecs/dbf/memo_file.h"
+#include "codecs/dbf/table_header.h"
+#include "codecs/dbf/text_decoder.h"
+
+#include <array>
+#include <memory>
+#include <vector>
+
+namespace corvanta::dbf {
+
+/// What a table turned out to hold, for warnings; complete at its end.
+struct Findings
+{
+    quint64 records = 0; ///< records seen, deleted ones too
+    quint64 deleted = 0;
+    quint64 unreadableMemos = 0;
+    bool endsBeforeCount =
+        false; ///< an end mark stands before the header's record count is reached
+    bool goesOnBehindCount = false; ///< more records follow than the header counts
+};
+
+class TableReader
+{
+public:
+    /// Read the header. `source` and `decoder` must outlive the reader. Records are read in pieces
+    /// of about `bufferBytes`. Errors: those of readTableHeader().
+    static Result<std::unique_ptr<TableReader>, Error>
+    open(ByteSource &source, const TextDecoder &decoder, bool isLevel7, qint64 bufferBytes);
+
+    const TableHeader &header() const { return m_header; }
+    const std::vector<Field> &columns() const { return m_header.fields; }
+    QString columnName(size_t column) const { return m_decoder.decode(columns()[column].name); }
+
+    /// Where memo fields find their texts; without one they are missing. Must outlive the reader.
+    void setMemoFile(MemoFile *memo) { m_memo = memo; }
+
+    /// Go to the next record that is not deleted; false at the end. Errors: ShortTable, Unreadable.
+    Result<bool, Error> next();
+
+    /// The cell of a column of the current record, made in `arena`: a type with alloc(int), whose
+    /// room suits the units of a text cell (see base/cell.h). Null after a fault, which fault()
+    /// tells.
+    template <class Arena> const uchar *cell(size_t column, Arena &arena);
+    const Fault<Error> &fault() const { return *m_fault; }
+
+    const Findings &findings() const { return m_findings; }
+
+private:
+    TableReader(ByteSource &source, const TextDecoder &decoder, TableHeader header,
+                qint64 bufferBytes);
+    Result<qint64, Error> fill();
+    void chooseByteOrder();
+    void endOfCount();
+    const char *bytesOf(const Field &field) const { return m_record + field.offset; }
+
+    static QByteArrayView trimmedText(const char *bytes, int n);
+    static QByteArrayView trimmedDigits(const char *bytes, int n);
+    static QByteArrayView putTimestamp(const char *bytes, int n, std::array<char, 17> *out);
+    static quint32 logicalKey(const char *bytes, int n);
+    static double doubleOf(const char *bytes, int n);
+    quint32 integerOf(const Field &field) const;
+    QByteArrayView memoText(const Field &field);
+
+    template <class Arena> const uchar *textCell(QByteArrayView bytes, Arena &arena);
+    template <class T, class Arena> static const uchar *numberCell(T value, Arena &arena)
+    {
+        uchar *const room = arena.alloc(sizeof value);
+        storeNative(value, room);
+        return room;
+    }
+
+    ByteSource &m_source;
+    const TextDecoder &m_decoder;
+    TableHeader m_header;
+    MemoFile *m_memo = nullptr;
+    std::optional<Fault<Error>> m_fault;
+    Findings m_findings;
+    bool m_isBigEndian = false; // level 7: 32-bit integers
+    std::vector<char> m_buffer;
+    size_t m_at = 0;
+    size_t m_end = 0;
+    const char *m_record = nullptr; // in m_buffer
+    std::vector<char16_t> m_units;  // scratch for encodings of changing width
+};
+
+template <class Arena> const uchar *TableReader::textCell(QByteArrayView bytes, Arena &arena)
+{
+    if (bytes.isEmpty()) {
+        return cell::missingTextCell();
+    }
+    qsizetype units = bytes.size();
+    if (!m_decoder.isByteForUnit()) {
+        m_units.resize(static_cast<size_t>(bytes.size()) * 2);
+        units = m_decoder.decode(bytes.data(), bytes.size(), m_units.data());
+    }
+    const quint32 code = cell::codeOfText(units);
+    const int lengthBytes = cell::lengthBytes(code);
+    uchar *const room = arena.alloc(static_cast<int>(lengthBytes + units * 2));
+    auto *const out = reinterpret_cast<char16_t *>(cell::putLength(room, code, lengthBytes));
+    if (m_decoder.isByteForUnit()) {
+        m_decoder.decode(bytes.data(), bytes.size(), out);
+    } else {
+        std::memcpy(out, m_units.data(), static_cast<size_t>(units) * sizeof(char16_t));
+    }
+    return room;
+}
+
+template <class Arena> const uchar *TableReader::cell(size_t column, Arena &arena)
+{
+    const Field &field = m_header.fields[column];
+    switch (field.conversion) {
+    case Conversion::Text:
+        return textCell(trimmedText(bytesOf(field), field.length), arena);
+    case Conversion::Digits:
+        return textCell(trimmedDigits(bytesOf(field), field.length), arena);
+    case Conversion::Memo: {
+        const QByteArrayView text = memoText(field);
+        return m_fault ? nullptr : textCell(text, arena);
+    }
+    case Conversion::Logical:
+        return numberCell(logicalKey(bytesOf(field), field.length), arena);
+    case Conversion::Integer:
+        return field.length < 4
+                   ? cell::missingDoubleCell()
+                   : numberCell(static_cast<double>(static_cast<qint32>(integerOf(field))), arena);
+    case Conversion::Key:
+        return field.length < 4 ? cell::missingKeyCell() : numberCell(integerOf(field), arena);
+    case Conversion::Double:
+        return numberCell(doubleOf(bytesOf(field), field.length), arena);
+    case Conversion::Timestamp: {
+        std::array<char, 17> text{};
+        return textCell(putTimestamp(bytesOf(field), field.length, &text), arena);
+    }
+    }
+    return nullptr;
+}
+
+} // namespace corvanta::dbf

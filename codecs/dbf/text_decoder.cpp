@@ -1,0 +1,157 @@
+#include "codecs/dbf/text_decoder.h"
+
+#include "base/utf.h"
+
+#include <iconv.h>
+
+#include <cerrno>
+
+namespace corvanta::dbf {
+
+namespace {
+
+constexpr char16_t kReplacement = 0xFFFD;
+constexpr size_t kFailed = static_cast<size_t>(-1);
+
+/// 0x80 to 0x9F of Windows code page 1252.
+constexpr std::array<char16_t, 32> kWindows1252 = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+} // namespace
+
+struct TextDecoder::Converter
+{
+    explicit Converter(const QByteArray &encoding)
+        : handle(iconv_open(Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? "UTF-16LE" : "UTF-16BE",
+                            encoding.constData()))
+    {
+    }
+    ~Converter()
+    {
+        if (isOpen()) {
+            iconv_close(handle);
+        }
+    }
+    Converter(const Converter &) = delete;
+    Converter &operator=(const Converter &) = delete;
+    bool isOpen() const { return handle != reinterpret_cast<iconv_t>(-1); }
+
+    /// Convert as much as is well-formed; takes from `in`, adds to `out`. 0 or the reason to stop.
+    int run(const char **in, size_t *inLeft, char16_t **out, size_t outBytes) const
+    {
+        char *source = const_cast<char *>(*in); // iconv does not write there
+        char *target = reinterpret_cast<char *>(*out);
+        errno = 0;
+        const size_t result = iconv(handle, &source, inLeft, &target, &outBytes);
+        *in = source;
+        *out = reinterpret_cast<char16_t *>(target);
+        return result == kFailed ? errno : 0;
+    }
+    void reset() const { iconv(handle, nullptr, nullptr, nullptr, nullptr); }
+
+    iconv_t handle;
+};
+
+TextDecoder::TextDecoder(Kind kind)
+    : m_kind(kind)
+{
+    for (size_t i = 0; i < m_table.size(); ++i) {
+        m_table[i] = static_cast<char16_t>(i);
+    }
+}
+
+TextDecoder::TextDecoder(TextDecoder &&) noexcept = default;
+TextDecoder &TextDecoder::operator=(TextDecoder &&) noexcept = default;
+TextDecoder::~TextDecoder() = default;
+
+TextDecoder TextDecoder::windows1252()
+{
+    TextDecoder decoder(Kind::Table);
+    std::copy(kWindows1252.begin(), kWindows1252.end(), decoder.m_table.begin() + 0x80);
+    return decoder;
+}
+
+TextDecoder TextDecoder::unconverted()
+{
+    return TextDecoder(Kind::Table);
+}
+
+TextDecoder TextDecoder::utf8()
+{
+    return TextDecoder(Kind::Utf8);
+}
+
+TextDecoder TextDecoder::named(const QString &encoding)
+{
+    auto converter = std::make_unique<Converter>(encoding.toLatin1());
+    if (!converter->isOpen()) {
+        return windows1252();
+    }
+    TextDecoder decoder(Kind::Table);
+    if (!decoder.fillTable(*converter)) {
+        decoder.m_kind = Kind::MultiByte;
+        decoder.m_converter = std::move(converter);
+    }
+    return decoder;
+}
+
+/// Convert every byte on its own; false when some need another byte to go with them.
+bool TextDecoder::fillTable(const Converter &converter)
+{
+    for (size_t i = 0; i < m_table.size(); ++i) {
+        const char byte = static_cast<char>(i);
+        const char *in = &byte;
+        size_t inLeft = 1;
+        std::array<char16_t, 4> units{};
+        char16_t *out = units.data();
+        const int error = converter.run(&in, &inLeft, &out, sizeof units);
+        converter.reset();
+        if (error == EINVAL || (error == 0 && out - units.data() != 1)) {
+            return false;
+        }
+        m_table[i] = error == 0 ? units[0] : kReplacement;
+        m_isAsciiBased = m_isAsciiBased && (i >= 0x80 || m_table[i] == i);
+    }
+    return true;
+}
+
+qsizetype TextDecoder::decode(const char *in, qsizetype n, char16_t *out) const
+{
+    if (m_kind == Kind::Utf8) {
+        return utf8ToUtf16(in, n, out);
+    }
+    if (m_kind == Kind::Table) {
+        for (qsizetype i = m_isAsciiBased ? asciiToUtf16(in, n, out) : 0; i < n; ++i) {
+            out[i] = m_table[static_cast<uchar>(in[i])];
+        }
+        return n;
+    }
+    char16_t *at = out;
+    auto left = static_cast<size_t>(n);
+    while (left > 0) {
+        const size_t room = static_cast<size_t>(out + 2 * n - at) * sizeof(char16_t);
+        const int error = m_converter->run(&in, &left, &at, room);
+        if (error == E2BIG || at == out + 2 * n) {
+            break;
+        }
+        if (error != 0) { // one byte that is no text, or the end comes too early
+            *at++ = kReplacement;
+            ++in;
+            --left;
+        }
+    }
+    m_converter->reset();
+    return at - out;
+}
+
+QString TextDecoder::decode(const QByteArray &bytes) const
+{
+    QString text(bytes.size() * 2, Qt::Uninitialized);
+    text.truncate(
+        decode(bytes.constData(), bytes.size(), reinterpret_cast<char16_t *>(text.data())));
+    return text;
+}
+
+} // namespace corvanta::dbf
