@@ -1,0 +1,90 @@
+// fuzz/dbf_fuzz.cpp
+// Any bytes as a table and its memo file: two ways to read them give the same rows.
+//
+// Byte 0: options. Bytes 1 and 2: length of the memo file, which comes first; the table follows.
+#include "base/bytes.h"
+#include "codecs/dbf/table_reader.h"
+
+#include <cstdlib>
+#include <deque>
+
+using namespace corvanta;
+using namespace corvanta::dbf;
+
+namespace {
+
+struct Arena
+{
+    uchar *alloc(int n)
+    {
+        blocks.emplace_back(static_cast<size_t>(n) + 1);
+        return blocks.back().data() + (n & 1);
+    }
+    std::deque<std::vector<uchar>> blocks;
+};
+
+qsizetype cellBytes(const uchar *cell, CellType type)
+{
+    switch (type) {
+    case CellType::Key:
+        return cell::kKeyBytes;
+    case CellType::Double:
+        return cell::kDoubleBytes;
+    case CellType::Text:
+        break;
+    }
+    return cell::textCellBytes(cell);
+}
+
+QByteArray read(QByteArrayView table, QByteArrayView memoBytes, uint8_t options,
+                MemoFile::Access access, qint64 piece)
+{
+    constexpr int kMostRows = 2000;
+    const TextDecoder decoder =
+        (options & 1) != 0 ? TextDecoder::utf8() : TextDecoder::windows1252();
+    MemorySource source(table, piece);
+    MemorySource memoSource(memoBytes);
+    QByteArray all;
+    auto reader = TableReader::open(source, decoder, (options & 2) != 0, piece);
+    if (!reader) {
+        return all;
+    }
+    auto memo = MemoFile::open(memoSource, memoFormatOf((*reader)->header()), access, 1);
+    if (memo) {
+        (*reader)->setMemoFile(memo->get());
+    }
+    const auto &columns = (*reader)->columns();
+    for (int row = 0; row < kMostRows; ++row) {
+        const auto isThere = (*reader)->next();
+        if (!isThere || !*isThere) {
+            all += isThere ? "end" : "fault";
+            break;
+        }
+        Arena arena;
+        for (size_t i = 0; i < columns.size(); ++i) {
+            const uchar *const cell = (*reader)->cell(i, arena);
+            if (cell != nullptr) {
+                all.append(reinterpret_cast<const char *>(cell), cellBytes(cell, columns[i].cell));
+            }
+        }
+    }
+    return all;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    if (size < 3) {
+        return 0;
+    }
+    const QByteArrayView rest(data + 3, static_cast<qsizetype>(size) - 3);
+    const qsizetype memoBytes = std::min<qsizetype>(loadLE<quint16>(data + 1), rest.size());
+    const QByteArrayView memo = rest.first(memoBytes);
+    const QByteArrayView table = rest.sliced(memoBytes);
+    if (read(table, memo, data[0], MemoFile::Access::Buffered, 3) !=
+        read(table, memo, data[0], MemoFile::Access::InMemory, 1 << 20)) {
+        std::abort();
+    }
+    return 0;
+}

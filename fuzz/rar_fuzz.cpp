@@ -1,0 +1,18 @@
+// fuzz/rar_fuzz.cpp
+// Any bytes as the headers of a RAR archive: what is found lies within what was promised.
+#include "codecs/rar/rar_entry.h"
+
+#include <cstdlib>
+
+using namespace corvanta;
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    MemorySource source(QByteArrayView(data, static_cast<qsizetype>(size)), 5);
+    const auto entry = rar::readFirstEntry(source);
+    if (entry &&
+        (entry->size < 0 || entry->packedSize < 0 || entry->dataAt > static_cast<qint64>(size))) {
+        std::abort();
+    }
+    return 0;
+}
