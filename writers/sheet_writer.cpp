@@ -7,19 +7,21 @@ namespace corvanta {
 
 namespace {
 
-/// Room for everything of a cell but its text.
-constexpr size_t kCellBytes = 160;
+/// Room for everything of a cell but its text, and for what is copied in excess.
+constexpr size_t kCellBytes = 320;
 /// Characters that the staging area of the format's first implementation held; kept as the limit of a cell.
 constexpr qsizetype kStagingChars = (8388610 - 4194308) / 2;
 constexpr qsizetype kTextCellReserve = 68;
 constexpr qsizetype kMostCellChars = kStagingChars - kTextCellReserve;
 
-constexpr char kTextOpening[] = "\" t=\"inlineStr\"><is><t>";
-constexpr char kTextClosing[] = "</t></is></c>";
-constexpr char kValueOpening[] = "\"><v>";
-constexpr char kValueClosing[] = "</v></c>";
-constexpr char kFormulaOpening[] = "\"><f>";
-constexpr char kFormulaClosing[] = "</f></c>";
+const Markup kRowOpening("<row r=\"");
+const Markup kRowClosing("</row>");
+const Markup kTextOpening("\" t=\"inlineStr\"><is><t>");
+const Markup kTextClosing("</t></is></c>");
+const Markup kValueOpening("\"><v>");
+const Markup kValueClosing("</v></c>");
+const Markup kFormulaOpening("\"><f>");
+const Markup kFormulaClosing("</f></c>");
 
 } // namespace
 
@@ -32,13 +34,11 @@ SheetWriter::SheetWriter(package::PackageWriter &package, SheetOptions options, 
     , m_tooLong(std::move(tooLong))
     , m_retry(std::move(retry))
     , m_rowStart("\" spans=\"1:" + QByteArray::number(static_cast<int>(m_columns.size())) + "\">")
+    , m_datePrefix(m_options.datePrefix)
+    , m_linkPrefix(m_options.linkPrefix)
 {
     for (int i = 0; i < columnCount(); ++i) {
-        const QByteArray text = "<c r=\"" + sheet::columnLetters(i);
-        Prefix prefix{};
-        prefix.size = static_cast<int>(text.size());
-        std::memcpy(prefix.text, text.constData(), static_cast<size_t>(text.size()));
-        m_prefixes.push_back(prefix);
+        m_references.emplace_back("<c r=\"" + sheet::columnLetters(i));
     }
 }
 
@@ -72,11 +72,15 @@ void SheetWriter::append(QByteArrayView text)
     m_out += text.size();
 }
 
+void SheetWriter::append(const Markup &markup)
+{
+    std::memcpy(m_out, markup.text, sizeof markup.text);
+    m_out += markup.size;
+}
+
 void SheetWriter::appendReference(int column)
 {
-    const Prefix &prefix = m_prefixes[static_cast<size_t>(column)];
-    std::memcpy(m_out, prefix.text, sizeof prefix.text);
-    m_out += prefix.size;
+    append(m_references[static_cast<size_t>(column)]);
     std::memcpy(m_out, m_rowDigits, sizeof m_rowDigits);
     m_out += m_rowDigitCount;
 }
@@ -97,9 +101,18 @@ SheetWriter::Error SheetWriter::put(QByteArrayView xml)
 void SheetWriter::startRow()
 {
     m_rowDigitCount = putUInt(static_cast<quint64>(m_row), m_rowDigits);
-    append("<row r=\"");
+    append(kRowOpening);
     append({m_rowDigits, m_rowDigitCount});
     append(m_rowStart);
+}
+
+SheetWriter::Error SheetWriter::endRow()
+{
+    if (!room(kCellBytes)) {
+        return Error::Write;
+    }
+    append(kRowClosing);
+    return Error::None;
 }
 
 SheetWriter::Error SheetWriter::putHeader()
@@ -116,7 +129,7 @@ SheetWriter::Error SheetWriter::putHeader()
         }
     }
     ++m_row;
-    return put("</row>");
+    return endRow();
 }
 
 SheetWriter::Error SheetWriter::putRow(const OneRow &row)
@@ -150,7 +163,7 @@ SheetWriter::Error SheetWriter::putRow(const OneRow &row)
         }
     }
     ++m_row;
-    return put("</row>");
+    return endRow();
 }
 
 bool SheetWriter::putKey(int column, const uchar *cell)
@@ -182,16 +195,16 @@ bool SheetWriter::putFloat(int column, const uchar *cell)
     appendReference(column);
     if (!isFinite) {
         append(kTextOpening);
-        append(std::isnan(value) ? "nan" : value <= 0 ? "-inf" : "inf");
+        append(QByteArrayView(std::isnan(value) ? "nan" : value <= 0 ? "-inf" : "inf"));
         append(kTextClosing);
         return true;
     }
     append(kValueOpening);
     // A user's format can print more than any reserve: then as much room is made as it needs.
-    const qsizetype spare = m_end - m_out - static_cast<qsizetype>(sizeof kValueClosing);
+    const qsizetype spare = m_end - m_out - static_cast<qsizetype>(sizeof(Markup));
     const qsizetype needed = m_options.floatFormat.put(value, m_out, spare);
     if (needed >= spare) {
-        if (!room(static_cast<size_t>(needed) + sizeof kValueClosing + 1)) {
+        if (!room(static_cast<size_t>(needed) + sizeof(Markup) + 1)) {
             return false;
         }
         m_options.floatFormat.put(value, m_out, needed + 1);
@@ -213,11 +226,11 @@ bool SheetWriter::putDate(int column, const OneRow &row)
     if (!serial) {
         return true;
     }
-    if (!room(kCellBytes + static_cast<size_t>(m_options.datePrefix.size()))) {
+    if (!room(kCellBytes)) {
         return false;
     }
     appendReference(column);
-    append(m_options.datePrefix);
+    append(m_datePrefix);
     m_out += putGeneral(*serial, kSerialDigits, m_out);
     append(kValueClosing);
     return true;
@@ -250,17 +263,17 @@ SheetWriter::Error SheetWriter::putLink(int column, const sheet::LinkText &link)
         number = m_urls.size();
     }
     m_linkUses.push_back({number, m_row, column});
-    return putEscaped(column, m_options.linkPrefix, link.label, kTextClosing);
+    return putEscaped(column, m_linkPrefix, link.label, kTextClosing);
 }
 
-SheetWriter::Error SheetWriter::putEscaped(int column, QByteArrayView opening, std::u16string_view text,
-                                           QByteArrayView closing)
+SheetWriter::Error SheetWriter::putEscaped(int column, const Markup &opening, std::u16string_view text,
+                                           const Markup &closing)
 {
     const auto n = static_cast<qsizetype>(text.size());
     if (n > sheet::kShortTextUnits) {
         return putLongEscaped(column, opening, text, closing);
     }
-    if (!room(kCellBytes + static_cast<size_t>(opening.size() + n * sheet::kMaxBytesPerUnit))) {
+    if (!room(kCellBytes + static_cast<size_t>(n * sheet::kMaxBytesPerUnit))) {
         return Error::Write;
     }
     appendReference(column);
@@ -270,8 +283,8 @@ SheetWriter::Error SheetWriter::putEscaped(int column, QByteArrayView opening, s
     return Error::None;
 }
 
-SheetWriter::Error SheetWriter::putLongEscaped(int column, QByteArrayView opening, std::u16string_view text,
-                                               QByteArrayView closing)
+SheetWriter::Error SheetWriter::putLongEscaped(int column, const Markup &opening, std::u16string_view text,
+                                               const Markup &closing)
 {
     const auto atLimit = m_options.crop ? sheet::AtLimit::Crop : sheet::AtLimit::Warn;
     const qsizetype chars = sheet::escapeLongText(text.data(), static_cast<qsizetype>(text.size()), atLimit,
@@ -279,13 +292,17 @@ SheetWriter::Error SheetWriter::putLongEscaped(int column, QByteArrayView openin
     if (chars > kMostCellChars) {
         return Error::BufferTooSmall;
     }
-    if (!room(kCellBytes + static_cast<size_t>(opening.size()))) {
+    if (!room(kCellBytes)) {
         return Error::Write;
     }
     appendReference(column);
     append(opening);
     const Error error = put({m_longText.data(), static_cast<qsizetype>(m_longText.size())});
-    return error != Error::None ? error : put(closing);
+    if (error != Error::None || !room(kCellBytes)) {
+        return Error::Write;
+    }
+    append(closing);
+    return Error::None;
 }
 
 QByteArray SheetWriter::hyperlinkElements(qint64 existing) const

@@ -9,6 +9,7 @@
 
 #include <QHash>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <span>
@@ -26,6 +27,21 @@ struct SheetOptions
     bool crop = false;
     QByteArray datePrefix = sheet::kNewDatePrefix;
     QByteArray linkPrefix = sheet::kNewLinkPrefix;
+};
+
+/// A few characters of fixed XML. Copied whole, which is one or two instructions, where a copy of the exact
+/// length would be a call.
+struct Markup
+{
+    char text[48] = {};
+    int size = 0;
+
+    explicit Markup(QByteArrayView markup)
+        : size(static_cast<int>(markup.size()))
+    {
+        Q_ASSERT(markup.size() <= static_cast<qsizetype>(sizeof text));
+        std::copy(markup.begin(), markup.end(), text);
+    }
 };
 
 /// Writes header and rows into the open member of a package. Threads: one at a time.
@@ -72,33 +88,32 @@ public:
     QByteArray hyperlinkElements(qint64 existing) const;
 
 private:
-    struct Prefix
-    {
-        char text[16]; // <c r="XFD, behind it the row number
-        int size;
-    };
     bool makeRoom(size_t bytes);
     /// Room for `bytes` at m_out; false when the package cannot take them.
     bool room(size_t bytes) { return static_cast<size_t>(m_end - m_out) >= bytes || makeRoom(bytes); }
     void append(QByteArrayView text);
+    void append(const Markup &markup);
     void appendReference(int column);
     void startRow();
+    Error endRow();
     bool putKey(int column, const uchar *cell);
     bool putFloat(int column, const uchar *cell);
     bool putDate(int column, const OneRow &row);
     Error putText(int column, Kind kind, std::u16string_view text);
     Error putLink(int column, const sheet::LinkText &link);
-    Error putEscaped(int column, QByteArrayView opening, std::u16string_view text, QByteArrayView closing);
-    Error putLongEscaped(int column, QByteArrayView opening, std::u16string_view text, QByteArrayView closing);
+    Error putEscaped(int column, const Markup &opening, std::u16string_view text, const Markup &closing);
+    Error putLongEscaped(int column, const Markup &opening, std::u16string_view text, const Markup &closing);
 
     package::PackageWriter &m_package;
     SheetOptions m_options;
     std::vector<Column> m_columns;
-    std::vector<Prefix> m_prefixes;
+    std::vector<Markup> m_references; // <c r="XFD, behind it the row number
     sheet::DateParser *m_dates;
     std::function<void()> m_tooLong;
     std::function<bool()> m_retry;
-    QByteArray m_rowStart; // " spans="1:N">
+    Markup m_rowStart; // " spans="1:N">
+    Markup m_datePrefix;
+    Markup m_linkPrefix;
     char m_rowDigits[kNumberChars] = {};
     int m_rowDigitCount = 0;
     qint64 m_row = 1;
