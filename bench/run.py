@@ -1,0 +1,95 @@
+#!/usr/bin/python3
+"""Time whole programs, file in to file out: bench/run.py BIN [--rows N] [--runs N] [JOB...]
+
+Each job is a graph that "corvanta run" runs and, where there is one, a peer that does the same job from the same
+file. Both run in turn; the figures are medians. Inputs are made anew from a fixed seed and lie in the page cache.
+"""
+import argparse
+import os
+import pathlib
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+SALES_TYPES = "K,K,F,F,F,U,U,U,U,U"
+
+
+def graph(*actions):
+    """A chain of actions, each linked to the next."""
+    lines = [f"<action id='a{i}'>{action}</action>" for i, action in enumerate(actions)]
+    lines += [f"<link from='a{i}:0' to='a{i + 1}:0'/>" for i in range(len(actions) - 1)]
+    return "<graph version='4.11'>\n" + "\n".join(lines) + "\n</graph>\n"
+
+
+READ_SALES = f"<readCSV fileName='sales.csv' types='{SALES_TYPES}'/>"
+
+# name: (what it does, graph, output, peer program of the bin folder with its arguments or None, peer's output)
+JOBS = {
+    "csv_csv": ("CSV through a pass-through action to CSV",
+                graph(READ_SALES, "<writeCSV fileName='first.csv'/>", "<writeCSV fileName='second.csv'/>"),
+                "second.csv", None, None),
+    "xlsx_write": ("CSV to a new workbook; peer: libxlsxwriter, constant memory",
+                   graph(READ_SALES, "<writeExcel fileNameDestination='ours.xlsx' dateFormat='yyyy-MM-dd'>"
+                                     "<ToDate><s>day</s></ToDate></writeExcel>"),
+                   "ours.xlsx", ["xlsxwriter_peer", "sales.csv", "peer.xlsx"], "peer.xlsx"),
+}
+
+
+def timed(command, folder):
+    """Wall seconds, CPU seconds and peak memory (MiB) of one run."""
+    begin = time.monotonic()
+    process = subprocess.Popen(command, cwd=folder)
+    _, status, usage = os.wait4(process.pid, 0)
+    wall = time.monotonic() - begin
+    process.returncode = os.waitstatus_to_exitcode(status)
+    if process.returncode != 0:
+        sys.exit(f"{command[0]} ended with status {process.returncode}")
+    return wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024
+
+
+def report(who, runs, rows, input_bytes, output):
+    wall, cpu, memory = (statistics.median(column) for column in zip(*runs))
+    print(f"  {who:10} {wall:7.2f} s  cpu {cpu:6.2f} s  {memory:7.1f} MiB  {rows / wall:12,.0f} rows/s"
+          f"  {input_bytes / wall / 1e6:7.1f} MB/s in  {output.stat().st_size / 1e6:8.1f} MB out")
+    return wall
+
+
+def run_job(name, args, folder, corvanta, bin_folder):
+    meaning, text, output, peer, peer_output = JOBS[name]
+    (folder / "bench.graph").write_text(text)
+    ours, theirs = [], []
+    has_peer = peer is not None and (bin_folder / peer[0]).exists()
+    for _ in range(args.runs):
+        ours.append(timed([corvanta, "run", "bench.graph", "--progress", "never"], folder))
+        if has_peer:
+            theirs.append(timed([str(bin_folder / peer[0]), *peer[1:]], folder))
+    print(f"{name}: {meaning}")
+    input_bytes = (folder / "sales.csv").stat().st_size
+    wall = report("corvanta", ours, args.rows, input_bytes, folder / output)
+    if has_peer:
+        peer_wall = report("peer", theirs, args.rows, input_bytes, folder / peer_output)
+        print(f"  {peer_wall / wall:.1f} times the speed of the peer")
+    elif peer is not None:
+        print(f"  (no peer: {peer[0]} was not built)")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("bin", type=pathlib.Path)
+    parser.add_argument("jobs", nargs="*", choices=[*JOBS, []], default=[])
+    parser.add_argument("--rows", type=int, default=1_000_000)
+    parser.add_argument("--runs", type=int, default=3)
+    args = parser.parse_args()
+    bin_folder = args.bin.resolve()
+    with tempfile.TemporaryDirectory(prefix="corvanta_bench_") as name:
+        folder = pathlib.Path(name)
+        with open(folder / "sales.csv", "wb") as table:
+            subprocess.run([bin_folder / "make_sales", str(args.rows)], stdout=table, check=True)
+        for job in args.jobs or JOBS:
+            run_job(job, args, folder, str(bin_folder / "corvanta"), bin_folder)
+
+
+if __name__ == "__main__":
+    main()
