@@ -1,12 +1,295 @@
 #include "readers/read_xbf.h"
 
+#include "base/checked.h"
+#include "corvanta/files.h"
 #include "plugin/catalogue.h"
+#include "readers/memo_name.h"
+
+using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
-ActionReadXBF::ActionReadXBF(const XMLNode &saved, GlobalParameters *parameters)
-    : PendingAction(catalogueRow("ReadXBF"), saved, parameters)
+namespace {
+
+constexpr int kRowsPerProgress = 1000;
+
+MetaInfo metaTypeOf(dbf::CellType type)
 {
+    switch (type) {
+    case dbf::CellType::Key:
+        return {MetaInfo::Key, -1};
+    case dbf::CellType::Double:
+        return {MetaInfo::Float, -1};
+    case dbf::CellType::Text:
+        break;
+    }
+    return {MetaInfo::Unknown, -1};
+}
+
+QString letterOf(const MetaInfo &type)
+{
+    return QString(QLatin1Char(static_cast<char>(type.type())));
+}
+
+} // namespace
+
+ActionReadXBF::ActionReadXBF(const XMLNode &saved, GlobalParameters *parameters)
+    : ParamAction(catalogueRow("ReadXBF"), saved, parameters)
+{
+}
+
+dbf::TextDecoder ActionReadXBF::makeDecoder() const
+{
+    switch (m_params.encoding) {
+    case 0:
+        return dbf::TextDecoder::windows1252();
+    case 1:
+        return dbf::TextDecoder::named(currentACPName());
+    case 2:
+        return dbf::TextDecoder::utf8();
+    default:
+        return dbf::TextDecoder::unconverted();
+    }
+}
+
+void ActionReadXBF::start()
+{
+    m_run = std::make_unique<RunState>(makeDecoder());
+    m_completion = 0.0F;
+    listFiles(expandFile(m_params.fileName), &m_run->files);
+    const QString first = m_run->files[m_run->nextFile++];
+    switch (openTable(first)) {
+    case Opening::Missing:
+        fail(u"ERROR: cannot open DBF file '%1'\n"_s.arg(first));
+        return;
+    case Opening::Failed:
+        return;
+    case Opening::Done:
+        break;
+    }
+    const dbf::TableReader &reader = *m_run->table->reader;
+    for (size_t i = 0; i < reader.columns().size(); ++i) {
+        m_run->names << reader.columnName(i);
+        m_run->types << metaTypeOf(reader.columns()[i].cell);
+    }
+    OneRow *const row = getOutputRowForOutputPin(0);
+    row->setColName(m_run->names);
+    row->setMetaData(m_run->types);
+}
+
+ActionReadXBF::Opening ActionReadXBF::openTable(const QString &file)
+{
+    m_run->table.reset();
+    auto table = std::make_unique<Table>();
+    table->file = file;
+    table->input = std::make_unique<InputFile>(globalParameters(), file, false);
+    if (!table->input->isOpen()) {
+        return Opening::Missing;
+    }
+    auto reader = dbf::TableReader::open(*table->input, m_run->decoder, m_params.level7,
+                                         clampedMiBToBytes(m_params.bufferSize));
+    if (!reader) {
+        failOnTable(*table, reader.fault());
+        return Opening::Failed;
+    }
+    table->reader = *std::move(reader);
+    if (m_params.useDBT && table->reader->header().hasMemoFields() && !openMemo(table.get())) {
+        return Opening::Failed;
+    }
+    m_run->table = std::move(table);
+    return Opening::Done;
+}
+
+/// Open the memo file that goes with the table, if there is one; false when the run has failed.
+bool ActionReadXBF::openMemo(Table *table)
+{
+    const dbf::TableHeader &header = table->reader->header();
+    for (const QString &name : memoFileNames(table->file, *table->input)) {
+        auto input = std::make_unique<InputFile>(globalParameters(), name, false);
+        if (!input->isOpen()) {
+            continue;
+        }
+        const bool isFoxPro = name.section(u'@', -1).contains(u".fpt"_s, Qt::CaseInsensitive);
+        const bool inMemory = m_params.dbtInRam || !input->isRandomAccess();
+        auto memo = dbf::MemoFile::open(
+            *input, isFoxPro ? dbf::MemoFormat::FoxPro : dbf::memoFormatOf(header),
+            inMemory ? dbf::MemoFile::Access::InMemory : dbf::MemoFile::Access::Buffered,
+            clampedMiBToBytes(m_params.bufferSize));
+        if (!memo) {
+            const bool isTooLarge = memo.fault().code == dbf::Error::MemoTooLarge;
+            return !fail(
+                isTooLarge
+                    ? u"ERROR: the memo file '%1' is too large to be kept in memory\n"_s.arg(name)
+                    : u"ERROR: cannot read the memo file '%1'\n"_s.arg(name));
+        }
+        table->memoInput = std::move(input);
+        table->memo = *std::move(memo);
+        table->reader->setMemoFile(table->memo.get());
+        return true;
+    }
+    if (header.announcesMemoFile()) {
+        warn(u"Warning: cannot open memo file\n"_s);
+    }
+    return true;
+}
+
+/// Log why a table cannot be read (on); answers true.
+bool ActionReadXBF::failOnTable(const Table &table, const Fault<dbf::Error> &fault)
+{
+    switch (fault.code) {
+    case dbf::Error::UnsupportedField:
+        return fail(
+            u"ERROR: the column '%2' of the DBF file '%1' is of type '%3', which is not supported\n"_s
+                .arg(table.file, fault.detail.mid(1), fault.detail.left(1)));
+    case dbf::Error::Unreadable:
+        for (const auto &input : {table.input.get(), table.memoInput.get()}) {
+            if (input != nullptr && !input->failure().isEmpty()) {
+                return fail(input->failure());
+            }
+        }
+        return fail(u"ERROR: cannot read the DBF file '%1'\n"_s.arg(table.file));
+    case dbf::Error::ShortHeader:
+    case dbf::Error::BadHeader:
+    case dbf::Error::ShortTable:
+    case dbf::Error::MemoTooLarge:
+        break;
+    }
+    return fail(u"ERROR: the DBF file '%1' is damaged: %2\n"_s.arg(table.file, fault.detail));
+}
+
+/// Go to the next file that opens; false at the end or after a failure.
+bool ActionReadXBF::openNextTable()
+{
+    while (m_run->nextFile < m_run->files.size()) {
+        const QString file = m_run->files[m_run->nextFile++];
+        switch (openTable(file)) {
+        case Opening::Done:
+            return checkColumns();
+        case Opening::Failed:
+            return false;
+        case Opening::Missing:
+            warn(u"Warning: cannot open DBF file '%1'\n"_s.arg(file));
+        }
+    }
+    return false;
+}
+
+/// Compare the columns of a later table with those of the first one.
+bool ActionReadXBF::checkColumns()
+{
+    const Table &table = *m_run->table;
+    const auto &columns = table.reader->columns();
+    const qsizetype expected = m_run->names.size();
+    if (static_cast<qsizetype>(columns.size()) != expected) {
+        return !fail(
+            u"Error: The DBF file '%3' does have the right number of columns (%1!=%2)"_s.arg(
+                QString::number(columns.size()), QString::number(expected), table.file));
+    }
+    for (qsizetype i = 0; i < expected; ++i) {
+        const QString name = table.reader->columnName(static_cast<size_t>(i));
+        if (name != m_run->names[i]) {
+            return !fail(
+                u"An error occurred while initializing the 'ReadXBF' Action \nThe name of the column %1 do not match in first file and file '%2' ('%3'!='%4'"_s
+                    .arg(QString::number(i + 1), table.file, m_run->names[i], name));
+        }
+        const MetaInfo type = metaTypeOf(columns[static_cast<size_t>(i)].cell);
+        if (type != m_run->types[i]) {
+            return !fail(
+                u"An error occurred while initializing the 'ReadXBF' Action \nThe Meta-type of the column '%3' do not match in first file and file '%4' (type: %1!=%2)"_s
+                    .arg(letterOf(m_run->types[i]), letterOf(type), name, table.file));
+        }
+    }
+    return true;
+}
+
+bool ActionReadXBF::step()
+{
+    while (m_run->table && !yieldRequested()) {
+        const auto isThere = m_run->table->reader->next();
+        if (!isThere) {
+            return failOnTable(*m_run->table, isThere.fault());
+        }
+        if (*isThere ? !putRow() : !finishTable() || !openNextTable()) {
+            return true;
+        }
+    }
+    return !m_run->table;
+}
+
+bool ActionReadXBF::putRow()
+{
+    dbf::TableReader &reader = *m_run->table->reader;
+    RowBuffer *const buffer = bufferForOutputPin(0);
+    OneRow *const row = getOutputRowForOutputPin(0);
+    const auto columns = static_cast<int>(reader.columns().size());
+    for (int i = 0; i < columns; ++i) {
+        const uchar *const cell = reader.cell(static_cast<size_t>(i), *buffer);
+        if (cell == nullptr) {
+            return !failOnTable(*m_run->table, reader.fault());
+        }
+        row->setCol(i, cell);
+    }
+    setRowReadyForOutput(0);
+    if (++m_run->rowsSinceProgress == kRowsPerProgress) {
+        m_run->rowsSinceProgress = 0;
+        updateCompletion();
+    }
+    return true;
+}
+
+void ActionReadXBF::updateCompletion()
+{
+    const auto done = static_cast<float>(m_run->nextFile - 1) + m_run->table->input->getProgress();
+    m_completion.store(done / static_cast<float>(m_run->files.size()), std::memory_order_relaxed);
+}
+
+/// What is left to do when all records of a table are read; false when the run has failed.
+bool ActionReadXBF::finishTable()
+{
+    warnFindings();
+    return drainInput();
+}
+
+/// Read a packed table to its end, where its checksum is looked at.
+bool ActionReadXBF::drainInput()
+{
+    InputFile &input = *m_run->table->input;
+    if (input.isRandomAccess()) {
+        return true;
+    }
+    constexpr qint64 kScratchBytes = 64 * 1024;
+    std::vector<char> scratch(kScratchBytes);
+    qint64 got = 1;
+    while (got > 0 && runIsGood()) {
+        got = input.read(scratch.data(), kScratchBytes);
+    }
+    return got >= 0 || !fail(input.failure());
+}
+
+void ActionReadXBF::warnFindings()
+{
+    const Table &table = *m_run->table;
+    const dbf::Findings &findings = table.reader->findings();
+    const quint32 count = table.reader->header().recordCount;
+    if (findings.endsBeforeCount) {
+        warn(u"Warning: the DBF file '%1' has %2 records, not %3 as its header says\n"_s.arg(
+            table.file, QString::number(findings.records), QString::number(count)));
+    }
+    if (findings.goesOnBehindCount) {
+        warn(
+            u"Warning: the DBF file '%1' has more than the %2 records that its header says: they are not read\n"_s
+                .arg(table.file, QString::number(count)));
+    }
+    if (findings.unreadableMemos > 0) {
+        warn(
+            u"Warning: %2 memo texts of the DBF file '%1' cannot be found in its memo file\n"_s.arg(
+                table.file, QString::number(findings.unreadableMemos)));
+    }
+}
+
+void ActionReadXBF::finish()
+{
+    m_run.reset();
 }
 
 } // namespace corvanta

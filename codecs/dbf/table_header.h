@@ -19,7 +19,6 @@ enum class Error : quint8 {
     ShortTable,       ///< the file ends before the last record (offset = where the record starts)
     Unreadable,       ///< the source failed
     MemoTooLarge,     ///< the memo file does not fit into memory
-    NoMemory,
 };
 
 /// What a column's cells are.
