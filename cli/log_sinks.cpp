@@ -17,8 +17,13 @@ public:
 private:
     QByteArray format(const LogMessage &message) const override
     {
-        const QString place = message.action.isEmpty() ? QString() : u" [%1]"_s.arg(message.action);
-        return (severityOf(message.level) + place + ": "_L1 + message.text.trimmed() + u'\n').toUtf8();
+        // Most texts start with their severity.
+        const QString text = message.text.trimmed();
+        const bool saysSeverity
+            = text.startsWith("error"_L1, Qt::CaseInsensitive) || text.startsWith("warning"_L1, Qt::CaseInsensitive);
+        const QString severity = saysSeverity ? QString() : severityOf(message.level) + ": "_L1;
+        const QString place = message.action.isEmpty() ? QString() : u"[%1] "_s.arg(message.action);
+        return (place + severity + text + u'\n').toUtf8();
     }
 };
 

@@ -101,6 +101,16 @@ QByteArray shortCount(double count)
     return QByteArray::number(static_cast<qint64>(count));
 }
 
+/// A fraction from 0 to 1 as "[####------] 42%".
+QByteArray fractionBar(float fraction)
+{
+    constexpr int kWidth = 10;
+    const float inside = qBound(0.0F, fraction, 1.0F);
+    const int filled = static_cast<int>(inside * kWidth);
+    return '[' + QByteArray(filled, '#') + QByteArray(kWidth - filled, '-') + "] "
+        + QByteArray::number(static_cast<int>(inside * 100)) + '%';
+}
+
 /// One line: per action its rows, rows per second and fraction done.
 QByteArray progressLine(const QVector<ActionProgress> &all, double seconds)
 {
@@ -113,7 +123,7 @@ QByteArray progressLine(const QVector<ActionProgress> &all, double seconds)
         if (action.finished) {
             line += " done";
         } else if (action.fraction >= 0) {
-            line += ' ' + QByteArray::number(qBound(0, static_cast<int>(action.fraction * 100), 100)) + '%';
+            line += ' ' + fractionBar(action.fraction);
         }
     }
     return line.left(platform::errorTerminalWidth() - 1);
@@ -157,8 +167,8 @@ int runCommand(const QStringList &words)
     if (!CommandLine::parse(words, accepted, &line, &error)) {
         return usageError(u"run"_s, error);
     }
-    const std::unique_ptr<CommandLog> log
-        = CommandLog::create(line.value(u"--log-format"_s, u"text"_s), line.has(u"--quiet"_s));
+    const QString logFormat = line.value(u"--log-format"_s, u"text"_s);
+    const std::unique_ptr<CommandLog> log = CommandLog::create(logFormat, line.has(u"--quiet"_s));
     const QString progress = line.value(u"--progress"_s, u"auto"_s);
     if (line.arguments.size() != 1) {
         return usageError(u"run"_s, u"one graph file is needed"_s);
@@ -189,7 +199,9 @@ int runCommand(const QStringList &words)
     std::signal(SIGTERM, onInterrupt);
     Run run(loaded.graph, loaded.registry, std::move(options));
     run.start();
-    waitForEnd(&run, log.get(), progress == "always"_L1 || (progress == "auto"_L1 && platform::errorsGoToTerminal()));
+    const bool wantsProgress = progress == "always"_L1 || (progress == "auto"_L1 && platform::errorsGoToTerminal());
+    // Programs that read the messages get nothing but messages.
+    waitForEnd(&run, log.get(), wantsProgress && logFormat == "text"_L1);
     MainUI::setLogSink(nullptr);
     return exitStatusOf(run);
 }
