@@ -9,7 +9,7 @@ A case is a folder with case.graph, its inputs, and:
   expected/out/        the files in the output folder after the run: all of them. A package (.xlsx, .docx,
                        .pptx) is a folder with its members.
 
-"{case}" and "{out}" stand for the two folders in messages and arguments. CORVANTA_UPDATE_GOLDEN=1 rewrites expected/ from
+"{case}" and "{out}" stand for the two folders in messages, arguments and .csv files. CORVANTA_UPDATE_GOLDEN=1 rewrites expected/ from
 what the run did: read the difference before committing it.
 """
 import json
@@ -63,7 +63,11 @@ def run_case(corvanta, case, out):
         [corvanta, "run", str(case / "case.graph"), "--out-dir", str(out), "--log-format", "json", *args],
         capture_output=True, text=True, timeout=300, check=False)
     log = messages_of(done.stderr, [(str(out), "{out}"), (str(case), "{case}")])
-    return done.returncode, log, content_of(out)
+    files = content_of(out)
+    for name in files:
+        if name.endswith(".csv"):
+            files[name] = files[name].replace(os.fsencode(case), b"{case}").replace(os.fsencode(out), b"{out}")
+    return done.returncode, log, files
 
 
 def update(expected, status, log, files):

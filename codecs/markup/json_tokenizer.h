@@ -34,6 +34,9 @@ public:
     /// With document marks on, after DocumentStart: what the value is.
     DocumentKind documentKind() const { return m_documentKind; }
 
+    /// True while a container is open.
+    bool isInsideValue() const { return !m_open.empty(); }
+
     /// Characters of the last number.
     qsizetype numberLength() const { return m_numberLength; }
 

@@ -57,12 +57,6 @@ QStringList LevelExtractor::columnNames() const
     return names;
 }
 
-bool LevelExtractor::hasItems() const
-{
-    return std::any_of(m_levels.begin(), m_levels.end(),
-                       [](const auto &state) { return !state->level.items.empty(); });
-}
-
 void LevelExtractor::beginFile()
 {
     for (const auto &state : m_levels) {

@@ -38,12 +38,12 @@ class LevelExtractor
 public:
     enum class Outcome : quint8 { Row, End, Fault };
 
+    /// At least one level.
     LevelExtractor(const std::vector<Level> &levels, const ExtractOptions &options);
 
     /// Names of the columns: for each level its subtag column, if wanted, and its items.
     QStringList columnNames() const;
     int columnCount() const { return static_cast<int>(m_cells.size()); }
-    bool hasItems() const;
 
     /// Bytes of the first block of a record's tree.
     void setBlockSize(qint64 bytes) { m_builder.setBlockSize(bytes); }

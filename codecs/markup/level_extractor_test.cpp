@@ -253,3 +253,69 @@ TEST(SampleLevels, AreDerivedFromTheShapeOfTheSample)
     XMLTokenizer xmlTokenizer(xml, 0);
     EXPECT_EQ(describe(deriveLevels(xmlTokenizer, 100)), u"shop|order|id=@id,name=name |line|value=,k=@k");
 }
+
+// ---- Documents of others, against what other programs read from them.
+
+namespace {
+
+QString corpusFile(const QString &name)
+{
+    return qEnvironmentVariable("CORVANTA_CORPUS", QStringLiteral(CORVANTA_DEFAULT_CORPUS)) + u"/json/docs/"_s + name;
+}
+
+/// One record of a CSV table (RFC 4180): its fields with what is not there as "-".
+QStringList csvRecord(const QString &text, qsizetype *at)
+{
+    QStringList fields;
+    for (bool ended = false; !ended;) {
+        QString field;
+        const bool quoted = text[*at] == u'"';
+        *at += quoted ? 1 : 0;
+        while (quoted ? text[*at] != u'"' || text[*at + 1] == u'"' : !u",\r\n"_s.contains(text[*at])) {
+            *at += quoted && text[*at] == u'"' ? 1 : 0;
+            field += text[(*at)++];
+        }
+        *at += quoted ? 1 : 0;
+        fields << (field.isEmpty() && !quoted ? u"-"_s : field);
+        ended = text[*at] != u',';
+        *at += text[*at] == u'\r' ? 2 : 1;
+    }
+    return fields;
+}
+
+} // namespace
+
+TEST(LevelExtractor, ReadsWhatOtherProgramsRead)
+{
+    if (!QFile::exists(corpusFile(u"movies.json"_s))) {
+        GTEST_SKIP() << "no corpus";
+    }
+    for (const auto &[document, golden, path] :
+         {std::tuple{u"citm_catalog"_s, u"citm_performances"_s, u"performances"_s},
+          {u"github_events"_s, u"github_events"_s, u""_s}, {u"miserables"_s, u"miserables_links"_s, u"links"_s},
+          {u"movies"_s, u"movies"_s, u""_s}, {u"penguins"_s, u"penguins"_s, u""_s},
+          {u"twitter"_s, u"twitter_statuses"_s, u"statuses"_s}}) {
+        QFile csv(corpusFile(u"golden/"_s + golden + u".csv"_s));
+        QFile json(corpusFile(document + u".json"_s));
+        ASSERT_TRUE(csv.open(QIODevice::ReadOnly) && json.open(QIODevice::ReadOnly));
+        const QString table = QString::fromUtf8(csv.readAll());
+        qsizetype at = 0;
+        Level level{path, QString(), {}};
+        for (const QString &column : csvRecord(table, &at)) {
+            level.items.push_back({column, column, false});
+        }
+        const QByteArray bytes = json.readAll();
+        MemorySource source(bytes, 997);
+        JSONTokenizer tokenizer(source, 0, u"");
+        LevelExtractor extractor({level}, {});
+        extractor.beginDocument(tokenizer);
+        BlockArena arena;
+        qint64 rows = 0;
+        while (extractor.next(arena) == LevelExtractor::Outcome::Row) {
+            ASSERT_LT(at, table.size()) << golden.toStdString();
+            ASSERT_EQ(rowText(extractor.cells()), csvRecord(table, &at).join(u',')) << golden.toStdString() << ++rows;
+            arena.reset();
+        }
+        EXPECT_EQ(at, table.size()) << golden.toStdString();
+    }
+}
