@@ -58,4 +58,21 @@ void saveReadLevels(const std::vector<ReadLevel> &levels, std::wostream &out)
     }
 }
 
+std::vector<ReadLevel> expandedLevels(const std::vector<ReadLevel> &levels,
+                                      const ActionItem &action)
+{
+    const auto expand = [&](QString *text) { *text = action.expandString(*text).trimmed(); };
+    std::vector<ReadLevel> expanded = levels;
+    for (ReadLevel &level : expanded) {
+        expand(&level.initialPath);
+        expand(&level.subtagName);
+        for (ReadItem &item : level.items) {
+            expand(&item.path);
+            expand(&item.name);
+            item.name = item.name.isEmpty() ? item.path : item.name;
+        }
+    }
+    return expanded;
+}
+
 } // namespace corvanta

@@ -5,6 +5,8 @@
 // Level n+1 is searched inside an occurrence of level n, so their cells repeat on the rows of the
 // inner one.
 #pragma once
+#include "codecs/markup/level.h"
+#include "corvanta/action_item.h"
 #include "corvanta/param_table.h"
 
 #include <vector>
@@ -12,27 +14,19 @@
 namespace corvanta {
 
 /// One output column, an `e` element.
-struct ReadItem
-{
-    QString path;         ///< from the occurrence; empty: the occurrence itself
-    QString name;         ///< of the output column
-    bool tagName = false; ///< the names of the children instead of the text
-    bool operator==(const ReadItem &) const = default;
-};
-
+using ReadItem = markup::LevelItem;
 /// One repeated element, a `Level` element.
-struct ReadLevel
-{
-    QString initialPath; ///< container whose sub-elements are iterated
-    QString subtagName;  ///< empty: every sub-element
-    std::vector<ReadItem> items;
-    bool operator==(const ReadLevel &) const = default;
-};
+using ReadLevel = markup::Level;
 
 /// The levels of an action's element. Its children are all levels when the first one is called
 /// `Level`; else the element itself is the one level. Empty when nothing is said.
 std::vector<ReadLevel> readLevelsFromXml(const XMLNode &action);
 void saveReadLevels(const std::vector<ReadLevel> &levels, std::wostream &out);
+
+/// The levels with the graph's variables put into paths and names, all trimmed. An item without a name
+/// gets its path for a name.
+std::vector<ReadLevel> expandedLevels(const std::vector<ReadLevel> &levels,
+                                      const ActionItem &action);
 
 /// The line of a parameter table for `levels`.
 template <class P> Param<P> readLevels(std::vector<ReadLevel> P::*levels)

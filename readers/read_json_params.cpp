@@ -18,7 +18,7 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
         number("fromInputPin", &P::fromInputPin)
             .choices({"from the file", "from input pin 0"})
             .label("Read the JSON")
-            .meaning("From fileName, or one document per row from colJSON."),
+            .meaning("From fileName, or (any value but 0) from the texts of colJSON."),
         number("bufferSize", &P::bufferSize)
             .range(1, 2047)
             .label("Minimum Input Buffer Size:")
@@ -32,7 +32,8 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
             .always()
             .label("File")
             .meaning(
-                "JSON file to read, a pattern, or a member of an archive (archive.zip@member)."),
+                "JSON or JSON Lines file to read, a pattern, or a member of an archive "
+                "(archive.zip@member)."),
         flag("outputFilenames", &P::outputFilenames)
             .label("Add a column with the file name")
             .meaning("The last column, _FileNames."),
@@ -44,17 +45,19 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
             .meaning("One column \"Level N Subtag\" per level."),
         flag("oneJSONPerRow", &P::oneJSONPerRow)
             .label("Each input row holds one complete JSON document")
-            .meaning("Off: the texts of the rows are joined to one document."),
+            .meaning("Off: the rows are one stream of documents, and a document may go on in the "
+                     "next row."),
         flag("readTagsFromInPin", &P::readTagsFromInPin)
             .label("Read tags to extract from pin 1")
-            .meaning("The paths of the columns come from the rows of input pin 1."),
+            .meaning("Rows of input pin 1 give the items, in columns path, name, tagName and level, "
+                     "or else path in the first and name in the second column."),
         flag("abortIfMissing", &P::abortIfMissing)
             .label("A missing file is an error")
             .meaning("Off: it is a warning."),
         number("timeOut", &P::timeOut)
-            .range(0, 86400)
+            .range(-1, 86400)
             .label("Retry for")
-            .meaning("Seconds for which a file that cannot be read yet is tried again."),
+            .meaning("Seconds for which a file that cannot be read yet is tried again; -1: for ever."),
         flag("permissiveNumbers", &P::permissiveNumbers)
             .label("Accept malformed numbers")
             .meaning("Off: a value such as 12abc is a structure error."),

@@ -1,0 +1,53 @@
+// readers/pin_text.h
+// Documents that come as texts in the rows of input pin 0.
+#pragma once
+#include "base/byte_source.h"
+#include "corvanta/action_item.h"
+
+#include <functional>
+#include <vector>
+
+namespace corvanta {
+
+/// The texts of one column as a stream of UTF-8 bytes. Threads: one at a time.
+class PinText final : public ByteSource
+{
+public:
+    enum class Mode : quint8 {
+        RowByRow, ///< the bytes of one row; nextRow() goes on
+        Stream,   ///< the bytes of all rows, each fetched when the one before is used up
+    };
+
+    /// `isInsideValue` says, when a row is used up in a stream, whether a value of the document goes on
+    /// in the next row; otherwise blanks are put between the two.
+    /// `first` is the row of the pin that the caller has taken already; null: there is none.
+    PinText(ActionItem &action, int column, Mode mode, const OneRow *first,
+            std::function<bool()> isInsideValue);
+
+    /// Go to the next row that has a text, and forget what is left of this one; false at the end.
+    bool nextRow();
+
+    /// The row at hand; valid after nextRow() answered true.
+    const OneRow *row() const { return m_row; }
+    /// Its number, counted from 1.
+    qint64 rowNumber() const { return m_rowNumber; }
+
+    qint64 read(void *buffer, qint64 n) override;
+    qint64 size() override { return -1; }
+    bool seek(qint64) override { return false; }
+
+private:
+    const OneRow *takeRow();
+
+    ActionItem &m_action;
+    int m_column;
+    Mode m_mode;
+    std::function<bool()> m_isInsideValue;
+    const OneRow *m_first;
+    const OneRow *m_row = nullptr;
+    qint64 m_rowNumber = 0;
+    std::vector<char> m_bytes;
+    size_t m_at = 0;
+};
+
+} // namespace corvanta
