@@ -40,8 +40,7 @@ template <class P> Param<P> readLevels(std::vector<ReadLevel> P::*levels)
                          }})
         .label("Levels")
         .meaning("One Level (initialPath, subtagName) per repeated element, outermost first, with "
-                 "one e (name, "
-                 "path, tagName) per output column.");
+                 "one e (name, path, tagName) per output column.");
 }
 
 } // namespace corvanta

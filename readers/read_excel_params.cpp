@@ -8,24 +8,24 @@ const ParamTable<ReadExcelParams> &readExcelParamTable()
     static const ParamTable<P> table{
         flag("fileNameFromPin", &P::fileNameFromPin)
             .label("Take the file name from input pin 0")
-            .meaning("From the first column of its first row."),
+            .meaning("Takes the file name from the first column of the first row of input pin 0."),
         number("sheetMode", &P::sheetMode)
             .choices({"by number", "by name"})
             .label("Select the sheet")
-            .meaning("By sheetIdx or by sheetName."),
+            .meaning("Whether sheetIdx or sheetName selects the sheet."),
         text("sheetIdx", &P::sheetIdx)
             .label("Sheet number")
             .meaning("Number of the sheet, from 1."),
         text("sheetName", &P::sheetName).label("Sheet name").meaning("Name of the sheet."),
         flag("firstLineContainsColumnNames", &P::firstLineContainsColumnNames)
             .label("The first row holds the column names")
-            .meaning("Off: the columns are named after their letters."),
+            .meaning("Takes the column names from the first row. Off: columns are named after their letters."),
         flag("outputFilenames", &P::outputFilenames)
             .label("Add a column with the file name")
-            .meaning("The last column, _FileNames."),
+            .meaning("Adds the last column _FileNames with the name of the file of each row."),
         flag("abortIfMissing", &P::abortIfMissing)
             .label("A missing file is an error")
-            .meaning("Off: it is a warning."),
+            .meaning("A missing file fails the action. Off: it is a warning."),
         text("fileName", &P::fileName)
             .inputFile()
             .always()

@@ -8,7 +8,7 @@ const ParamTable<ReadExcelSheetsParams> &readExcelSheetsParamTable()
     static const ParamTable<P> table{
         flag("fileNameFromPin", &P::fileNameFromPin)
             .label("Take the file name from input pin 0")
-            .meaning("From the first column of its first row."),
+            .meaning("Takes the file name from the first column of the first row of input pin 0."),
         text("fileName", &P::fileName)
             .inputFile()
             .always()

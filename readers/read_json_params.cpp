@@ -18,11 +18,11 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
         number("fromInputPin", &P::fromInputPin)
             .choices({"from the file", "from input pin 0"})
             .label("Read the JSON")
-            .meaning("From fileName, or (any value but 0) from the texts of colJSON."),
+            .meaning("Reads the file fileName, or (any value but 0) the texts of colJSON."),
         number("bufferSize", &P::bufferSize)
             .range(1, 2047)
             .label("Minimum Input Buffer Size:")
-            .meaning("In MB."),
+            .meaning("Smallest input buffer, in MB."),
         number("autoFillNRows", &P::autoFillNRows)
             .range(1, 1000000)
             .label("Sample")
@@ -31,43 +31,44 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
             .inputFile()
             .always()
             .label("File")
-            .meaning(
-                "JSON or JSON Lines file to read, a pattern, or a member of an archive "
-                "(archive.zip@member)."),
+            .meaning("JSON or JSON Lines file to read, a pattern, or a member of an archive "
+                     "(archive.zip@member)."),
         flag("outputFilenames", &P::outputFilenames)
             .label("Add a column with the file name")
-            .meaning("The last column, _FileNames."),
+            .meaning("Adds the last column _FileNames with the name of the file of each row."),
         flag("appendToRow", &P::appendToRow)
             .label("Copy the columns of the input row")
-            .meaning("In front of the extracted ones, when reading from the input pin."),
+            .meaning("Puts the columns of the input row in front of the extracted ones, when "
+                     "reading from the input pin."),
         flag("outputSubTags", &P::outputSubTags)
             .label("Add the names of the repeated elements")
             .meaning("One column \"Level N Subtag\" per level."),
         flag("oneJSONPerRow", &P::oneJSONPerRow)
             .label("Each input row holds one complete JSON document")
-            .meaning("Off: the rows are one stream of documents, and a document may go on in the "
-                     "next row."),
+            .meaning("Each row is one document. Off: the rows are one stream of documents, and a "
+                     "document may go on in the next row."),
         flag("readTagsFromInPin", &P::readTagsFromInPin)
             .label("Read tags to extract from pin 1")
-            .meaning("Rows of input pin 1 give the items, in columns path, name, tagName and level, "
-                     "or else path in the first and name in the second column."),
+            .meaning("Rows of input pin 1 give the items, in columns path, name, tagName and "
+                     "level, or else path in the first and name in the second column."),
         flag("abortIfMissing", &P::abortIfMissing)
             .label("A missing file is an error")
-            .meaning("Off: it is a warning."),
+            .meaning("A missing file fails the action. Off: it is a warning."),
         number("timeOut", &P::timeOut)
             .range(-1, 86400)
             .label("Retry for")
-            .meaning("Seconds for which a file that cannot be read yet is tried again; -1: for ever."),
+            .meaning(
+                "Seconds for which a file that cannot be read yet is tried again; -1: for ever."),
         flag("permissiveNumbers", &P::permissiveNumbers)
             .label("Accept malformed numbers")
-            .meaning("Off: a value such as 12abc is a structure error."),
+            .meaning("Accepts malformed numbers. Off: a value such as 12abc is a structure error."),
         flag("ignoreErrors", &P::ignoreErrors)
             .label("Go on after structure errors")
-            .meaning("They become warnings."),
+            .meaning("Structure errors become warnings and reading goes on."),
         flag("newMode", &P::newMode)
             .label("Always keep the root")
-            .meaning(
-                "Paths start at the document. Default off in graphs saved before version 3.92."),
+            .meaning("Keeps the root of every record, so that paths start at the document. Default "
+                     "off in graphs saved before version 3.92."),
         readLevels(&P::levels),
     };
     return table;

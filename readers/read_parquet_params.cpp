@@ -8,13 +8,13 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
     static const ParamTable<P> table{
         flag("fileNameFromPin", &P::fileNameFromPin)
             .label("Take the file names from input pin 0")
-            .meaning("From its first column, one file per row."),
+            .meaning("Takes the file names from the first column of input pin 0, one file per row."),
         flag("abortIfMissing", &P::abortIfMissing)
             .label("A missing file is an error")
-            .meaning("Off: it is a warning."),
+            .meaning("A missing file fails the action. Off: it is a warning."),
         flag("int64ToKey", &P::int64ToKey)
             .label("64-bit integers become keys")
-            .meaning("Their low 32 bits. Off: they become decimal numbers."),
+            .meaning("64-bit integers become keys of their low 32 bits. Off: they become decimal numbers."),
         number("columnSelection", &P::columnSelection)
             .choices(
                 {"all columns", "the columns of ColumnsToRead", "the columns named on input pin 1"})
@@ -22,7 +22,7 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
             .meaning("Which columns are read."),
         flag("outputFilenames", &P::outputFilenames)
             .label("Add a column with the file name")
-            .meaning("The last column, _FileNames."),
+            .meaning("Adds the last column _FileNames with the name of the file of each row."),
         text("fileName", &P::fileName)
             .inputFile()
             .always()
@@ -30,7 +30,7 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
             .meaning("Parquet file to read, or a pattern such as *.parquet."),
         strings("ColumnsToRead", &P::columnsToRead)
             .label("Columns to read")
-            .meaning("Used when columnSelection is 1."),
+            .meaning("Columns that are read when columnSelection is 1."),
     };
     return table;
 }

@@ -8,28 +8,28 @@ const ParamTable<ReadStatParams> &readStatParamTable()
     static const ParamTable<P> table{
         flag("fileNameFromPin", &P::fileNameFromPin)
             .label("Take the file names from input pin 0")
-            .meaning("From its first column, one file per row."),
+            .meaning("Takes the file names from the first column of input pin 0, one file per row."),
         flag("outputFilenames", &P::outputFilenames)
             .label("Add a column with the file name")
-            .meaning("The last column, _Filename."),
+            .meaning("Adds the last column _Filename with the name of the file of each row."),
         flag("columnNamefromLabel", &P::columnNamefromLabel)
             .label("Columns are named after the labels")
-            .meaning("Instead of the names of the variables."),
+            .meaning("Names the columns after the labels of the variables instead of their names."),
         flag("extractLabels", &P::extractLabels)
             .label("Output value labels")
-            .meaning("Instead of labelled values."),
+            .meaning("Gives the labels of labelled values instead of the values."),
         number("fileFormat", &P::fileFormat)
             .choices({"SAS File (.sas7bdat)", "SPSS File (.sav)", "SPSS File (.por)",
                       "Stata File (.dta)"})
             .label("Format")
-            .meaning("Without it the ending of the file name decides."),
+            .meaning("Format of the data set. Without it the ending of the file name decides."),
         number("bufferSize", &P::bufferSize)
             .range(1, 2047)
             .label("Buffer")
-            .meaning("Between parser and rows, in MB."),
+            .meaning("Size of the buffer between parser and rows, in MB."),
         text("encoding", &P::encoding)
             .label("Encoding")
-            .meaning("Of the texts in the file, for example UTF-8."),
+            .meaning("Encoding of the texts in the file, for example UTF-8."),
         text("fileName", &P::fileName)
             .inputFile()
             .always()

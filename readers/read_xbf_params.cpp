@@ -9,25 +9,24 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
         text("fileName", &P::fileName)
             .inputFile()
             .label("File")
-            .meaning("Table to read, or a pattern such as *.dbf; all tables must have the columns "
-                     "of the first."),
+            .meaning("Table to read, or a pattern such as *.dbf; all tables must have the columns of the first."),
         number("bufferSize", &P::bufferSize)
             .range(1, 2047)
             .label("Minimum Input Buffer Size:")
-            .meaning("In MB."),
+            .meaning("Smallest input buffer, in MB."),
         number("encoding", &P::encoding)
             .choices({"Latin 1 (Windows 1252)", "encoding of the system", "UTF-8"})
             .label("Encoding")
-            .meaning("Of character and memo fields. Any other value keeps the bytes as they are."),
+            .meaning("Encoding of character and memo fields. Any other value keeps the bytes as they are."),
         flag("useDBT", &P::useDBT)
             .label("Read memo fields")
-            .meaning("From the memo file beside the table."),
+            .meaning("Reads the texts of memo fields from the memo file beside the table."),
         flag("dbtInRam", &P::dbtInRam)
             .label("load the full Memo/DBT/FPT file in memory for faster processing.")
-            .meaning("Off: memo texts are read through a buffer."),
+            .meaning("Loads the whole memo file into memory. Off: it is read through a buffer."),
         flag("level7", &P::level7)
             .label("dBase level 7 or above")
-            .meaning("Tables with the longer header of dBase 7."),
+            .meaning("The tables have the longer header of dBase 7 and above."),
     };
     return table;
 }

@@ -17,22 +17,21 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
     static const ParamTable<P> table{
         text("encoding", &P::encoding)
             .label("Encoding")
-            .meaning("Auto finds it out, System is the system's code page; else the name of an "
-                     "encoding."),
+            .meaning("Auto finds it out, System is the system's code page; else the name of an encoding."),
         text("colXML", &P::colXML)
             .label("XML column")
             .meaning("Input column that holds the XML texts."),
         number("fromInputPin", &P::fromInputPin)
             .choices({"from the file", "from input pin 0"})
             .label("Read the XML")
-            .meaning("From fileName, or one document per row from colXML."),
+            .meaning("Reads the file fileName, or the texts in colXML of the rows of input pin 0."),
         flag("iconvDiscardUnconvertible", &P::iconvDiscardUnconvertible)
             .label("Drop invalid bytes")
-            .meaning("With a warning. Off: they fail the action."),
+            .meaning("Drops bytes that cannot be converted, with a warning. Off: they fail the action."),
         number("bufferSize", &P::bufferSize)
             .range(1, 2047)
             .label("Minimum Input Buffer Size:")
-            .meaning("In MB."),
+            .meaning("Smallest input buffer, in MB."),
         number("autoFillNRows", &P::autoFillNRows)
             .range(1, 1000000)
             .label("Sample")
@@ -41,58 +40,57 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
             .inputFile()
             .always()
             .label("File")
-            .meaning("XML or HTML file to read, a pattern, or a member of an archive "
-                     "(archive.zip@member)."),
+            .meaning("XML or HTML file to read, a pattern, or a member of an archive (archive.zip@member)."),
         flag("readClearTags", &P::readClearTags)
             .label("Read CDATA sections")
-            .meaning("As text of their element."),
-        flag("readHTML", &P::readHTML).label("HTML").meaning("Read loosely written pages."),
+            .meaning("Reads CDATA sections as text of their element."),
+        flag("readHTML", &P::readHTML).label("HTML").meaning("Reads loosely written HTML pages."),
         flag("outputFilenames", &P::outputFilenames)
             .label("Add a column with the file name")
-            .meaning("The last column, _FileNames."),
+            .meaning("Adds the last column _FileNames with the name of the file of each row."),
         flag("outputSubTags", &P::outputSubTags)
             .label("Add the names of the repeated elements")
             .meaning("One column \"Level N Subtag\" per level."),
         flag("addOnlyText", &P::addOnlyText)
             .label("Only the text of an element")
-            .meaning("Without the text of its sub-elements."),
+            .meaning("Takes only the text of an element, without that of its sub-elements."),
         flag("zeroBased", &P::zeroBased)
             .label("Indexes in paths count from 0")
-            .meaning("Off: from 1."),
+            .meaning("Indexes in paths count from 0. Off: from 1."),
         flag("outputTagNames", &P::outputTagNames)
             .label("Output the tag names")
-            .meaning("In front of the texts."),
+            .meaning("Puts the tag name in front of each text."),
         flag("skipCorruptedFiles", &P::skipCorruptedFiles)
             .label("Skip the rest of damaged files")
-            .meaning("With a warning. Off: a structure error fails the action."),
+            .meaning("A structure error skips the rest of the file, with a warning. Off: it fails the action."),
         flag("tagNameSummary", &P::tagNameSummary)
             .label("Sorted summary of tag names")
-            .meaning("Names in alphabetical order with their counts. Off: runs in document order."),
+            .meaning("Cells of tag names list them in alphabetical order with their counts. Off: in document order."),
         flag("ignoreUnknownEntities", &P::ignoreUnknownEntities)
             .label("Accept unknown entities")
-            .meaning("They stay as they stand."),
+            .meaning("Leaves unknown entities as they stand. Off: they are structure errors."),
         flag("ignoreEmptyTag", &P::ignoreEmptyTag)
             .label("Ignore empty elements")
-            .meaning("Elements without content."),
+            .meaning("Ignores elements without content."),
         flag("ignoreInvalidCharInTagName", &P::ignoreInvalidCharInTagName)
             .label("Accept invalid characters in tag names")
-            .meaning("Off: they are structure errors."),
+            .meaning("Accepts invalid characters in tag names. Off: they are structure errors."),
         flag("getTagPresenceFlag", &P::getTagPresenceFlag)
             .label("Output whether the element is there")
-            .meaning("1 or 0 instead of the text."),
+            .meaning("Gives 1 or 0, whether the element is there, instead of its text."),
         flag("discardNameSpaces", &P::discardNameSpaces)
             .label("Drop name space prefixes")
-            .meaning("Of elements and attributes."),
+            .meaning("Drops the name space prefixes of elements and attributes."),
         flag("abortIfMissing", &P::abortIfMissing)
             .label("A missing file is an error")
-            .meaning("Off: it is a warning."),
+            .meaning("A missing file fails the action. Off: it is a warning."),
         number("timeOut", &P::timeOut)
             .range(0, 86400)
             .label("Retry for")
             .meaning("Seconds for which a file that cannot be read yet is tried again."),
         flag("addColBefore", &P::addColBefore)
             .label("Copy the columns of the input row")
-            .meaning("In front of the extracted ones, when reading from the input pin."),
+            .meaning("Puts the columns of the input row in front of the extracted ones, when reading from the input pin."),
         readLevels(&P::levels),
     };
     return table;

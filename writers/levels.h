@@ -44,10 +44,8 @@ template <class P> Param<P> writeLevels(std::vector<WriteLevel> P::*levels)
                          }})
         .label("Levels")
         .meaning("The form of the file: one Level (name, partitionCol, commaSeparated) per "
-                 "nesting, the first one "
-                 "at the top, each with its Items (type, text, calledLevel, p1 and columns). "
-                 "Without it every row "
-                 "is one element with all its columns.");
+                 "nesting, the first one at the top, each with its Items (type, text, calledLevel, "
+                 "p1 and columns). Without it every row is one element with all its columns.");
 }
 
 } // namespace corvanta

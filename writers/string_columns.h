@@ -32,8 +32,7 @@ template <class P> Param<P> stringColumns(std::vector<StringColumn> P::*columns)
                          }})
         .label("Widths of text columns")
         .meaning("One CD per text column: n its name, l its width in bytes, ol the longest text "
-                 "seen when the width "
-                 "was taken from data.");
+                 "seen when the width was taken from data.");
 }
 
 } // namespace corvanta

@@ -16,13 +16,13 @@ const ParamTable<WriteDocParams> &writeDocParamTable()
             .meaning("Input column with the names of the templates (.docx or .pptx)."),
         flag("processCR", &P::processCR)
             .label("Line ends become line breaks")
-            .meaning("In Word documents."),
+            .meaning("Line ends in texts become line breaks in Word documents."),
         flag("processLF", &P::processLF)
             .label("\\n becomes a line break")
-            .meaning("The two characters backslash and n in a text."),
+            .meaning("The two characters backslash and n in a text become a line break."),
         flag("inlineImg", &P::inlineImg)
             .label("Store images in the document")
-            .meaning("Off: the document links to the image files."),
+            .meaning("Stores images in the document. Off: it links to the image files."),
         strings("text", &P::textColumns)
             .always()
             .label("Text columns")
@@ -30,8 +30,7 @@ const ParamTable<WriteDocParams> &writeDocParamTable()
         strings("image", &P::imageColumns)
             .always()
             .label("Image columns")
-            .meaning(
-                "Columns with names of image files for the pictures whose targets hold %NAME%."),
+            .meaning("Columns with names of image files for the pictures whose targets hold %NAME%."),
     };
     return table;
 }

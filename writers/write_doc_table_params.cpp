@@ -54,18 +54,17 @@ const ParamTable<WriteDocTableParams> &writeDocTableParamTable()
             .meaning("Word document to write."),
         flag("processCR", &P::processCR)
             .label("Line ends become line breaks")
-            .meaning("In the cells."),
+            .meaning("Line ends in cells become line breaks."),
         flag("processLF", &P::processLF)
             .label("\\n becomes a line break")
-            .meaning("The two characters backslash and n in a cell."),
+            .meaning("The two characters backslash and n in a cell become a line break."),
         structure<P>("v",
                      {[](P &params, const XMLNode &node) { params.tables = tablesFromXml(node); },
                       [](const P &params, std::wostream &out, const GlobalParameters *) {
                           saveTables(params.tables, out);
                       }})
             .label("Tables")
-            .meaning("One v (markerName, colWidths in twentieths of a point, styleID, "
-                     "includeHeaders) per input pin."),
+            .meaning("One v (markerName, colWidths in twentieths of a point, styleID, includeHeaders) per input pin."),
     };
     return table;
 }

@@ -25,13 +25,13 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
             .meaning("Two written columns of one name are an error."),
         flag("createDir", &P::createDir)
             .label("Create the folder of the file")
-            .meaning("Makes missing folders."),
+            .meaning("Creates missing folders of the file."),
         flag("writeAllRows", &P::writeAllRows)
             .label("Write all rows")
-            .meaning("Off: only rows that pass the test."),
+            .meaning("Writes every row. Off: only rows that pass the test."),
         text("testCol", &P::testCol)
             .label("Column to test")
-            .meaning("Looked at when writeAllRows is off."),
+            .meaning("Column that is tested when writeAllRows is off."),
         text("testValue", &P::testValue)
             .label("Value to test for")
             .meaning("Rows whose testCol has another text are not written."),
@@ -46,42 +46,42 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
         number("nan", &P::nan)
             .choices({"write nan, inf or -inf", "write null", "leave it out"})
             .label("NaN and infinite numbers")
-            .meaning("What is written for them."),
+            .meaning("What is written for NaN and infinite numbers."),
         text("floatToString", &P::floatToString)
             .label("Format of decimal numbers")
             .meaning("printf format with one conversion of a floating-point number."),
         flag("specialBool", &P::specialBool)
             .label("The texts true and false are booleans")
-            .meaning("Also True and False. Default off in graphs saved before version 2.79."),
+            .meaning("Writes the texts true, True, false and False as booleans. Default off in graphs saved before version 2.79."),
         flag("replaceLF", &P::replaceLF)
             .label("Line feeds become \\n")
-            .meaning("Off: they stay as they are, which strict readers refuse."),
+            .meaning("Writes line feeds in texts as \\n. Off: they stay as they are, which strict readers refuse."),
         flag("splitFile", &P::splitFile)
             .label("One file per value of the split column")
-            .meaning("The value goes into the file name, in front of the extension."),
+            .meaning("Writes one file per value of splitCol; the value goes into the file name, in front of the extension."),
         flag("advancedNaming", &P::advancedNaming)
             .label("The host makes the names of split files")
-            .meaning("Instead of putting the value in front of the extension."),
+            .meaning("The host makes the names of split files, instead of putting the value in front of the extension."),
         flag("alwaysWrite", &P::alwaysWrite)
             .label("Write a file also without rows")
-            .meaning("Start and end only."),
+            .meaning("Writes a file with its start and end also when there is no row."),
         text("splitCol", &P::splitCol)
             .label("Split column")
-            .meaning("The table should be sorted on it."),
+            .meaning("Column whose values split the table, which should be sorted on it."),
         flag("writeAllColumns", &P::writeAllColumns)
             .label("Write all columns")
-            .meaning("Off: only the columns of ToWrite. Used when there are no Levels."),
+            .meaning("Writes every column. Off: only the columns of ToWrite. Without effect when there are Levels."),
         elementText("Prefix", &P::prefix)
             .always()
             .label("Start of the file")
-            .meaning("Written in front of the first row."),
+            .meaning("Text at the start of every file."),
         elementText("Suffix", &P::suffix)
             .always()
             .label("End of the file")
-            .meaning("Written behind the last row."),
+            .meaning("Text at the end of every file."),
         strings("ToWrite", &P::toWrite)
             .label("Columns to write")
-            .meaning("Used when writeAllColumns is off."),
+            .meaning("Columns that are written when writeAllColumns is off."),
         writeLevels(&P::levels),
     };
     return table;

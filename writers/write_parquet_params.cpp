@@ -10,12 +10,12 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .range(1, 1048576)
             .always()
             .label("Page size")
-            .meaning("Of uncompressed pages, in KiB."),
+            .meaning("Size of uncompressed pages, in KiB."),
         number("rowGroupSize", &P::rowGroupSize)
             .range(1, 1048576)
             .always()
             .label("Row group size")
-            .meaning("In MiB."),
+            .meaning("Size of a row group, in MiB."),
         number("keyStorage", &P::keyStorage)
             .always()
             .choices({"32-bit integer marked as unsigned", "32-bit integer", "64-bit integer"})
@@ -23,16 +23,16 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .meaning("Physical type of the columns of whole numbers."),
         flag("writeAllColumns", &P::writeAllColumns)
             .label("Write all columns")
-            .meaning("Off: only the columns of ToWrite, in that order."),
+            .meaning("Writes every column. Off: only the columns of ToWrite, in that order."),
         flag("checkNameCollision", &P::checkNameCollision)
             .label("Check for columns of the same name")
             .meaning("Two written columns of one name are an error."),
         flag("createDir", &P::createDir)
             .label("Create the folder of the file")
-            .meaning("Makes missing folders."),
+            .meaning("Creates missing folders of the file."),
         flag("writeAllRows", &P::writeAllRows)
             .label("Write all rows")
-            .meaning("Off: only rows that pass the test."),
+            .meaning("Writes every row. Off: only rows that pass the test."),
         number("split", &P::split)
             .always()
             .choices({"one file", "one file per value of splitVar"})
@@ -49,7 +49,7 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
         text("testCol", &P::testCol)
             .always()
             .label("Column to test")
-            .meaning("Looked at when writeAllRows is off."),
+            .meaning("Column that is tested when writeAllRows is off."),
         text("testValue", &P::testValue)
             .always()
             .label("Value to test for")
@@ -61,7 +61,7 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .meaning("Parquet file to write."),
         strings("ToWrite", &P::toWrite)
             .label("Columns to write")
-            .meaning("Used when writeAllColumns is off."),
+            .meaning("Columns that are written when writeAllColumns is off."),
     };
     return table;
 }

@@ -12,25 +12,25 @@ const ParamTable<WriteSasXptParams> &writeSasXptParamTable()
             .meaning("Transport file (.xpt) to write."),
         flag("writeAllRows", &P::writeAllRows)
             .label("Write all rows")
-            .meaning("Off: only rows that pass the test."),
+            .meaning("Writes every row. Off: only rows that pass the test."),
         text("testCol", &P::testCol)
             .label("Column to test")
-            .meaning("Looked at when writeAllRows is off."),
+            .meaning("Column that is tested when writeAllRows is off."),
         text("testValue", &P::testValue)
             .label("Value to test for")
             .meaning("Rows whose testCol has another text are not written."),
         flag("writeAllColumns", &P::writeAllColumns)
             .label("Write all columns")
-            .meaning("Off: only the columns of ColWrite."),
+            .meaning("Writes every column. Off: only the columns of ColWrite."),
         flag("createDir", &P::createDir)
             .label("Create the folder of the file")
-            .meaning("Makes missing folders."),
+            .meaning("Creates missing folders of the file."),
         flag("checkNameCollision", &P::checkNameCollision)
             .label("Check for columns of the same name")
             .meaning("Two written columns of one name are an error."),
         strings("ColWrite", &P::colWrite)
             .label("Columns to write")
-            .meaning("Used when writeAllColumns is off."),
+            .meaning("Columns that are written when writeAllColumns is off."),
         stringColumns(&P::stringColumns),
     };
     return table;

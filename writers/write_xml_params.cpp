@@ -15,28 +15,28 @@ const ParamTable<WriteXmlParams> &writeXmlParamTable()
             .choices({"UTF-8 with byte-order mark", "UTF-8", "UTF-16LE with byte-order mark",
                       "UTF-16LE"})
             .label("Encoding")
-            .meaning("Of the whole file."),
+            .meaning("Encoding of the file."),
         flag("checkNameCollision", &P::checkNameCollision)
             .label("Check for columns of the same name")
             .meaning("Two written columns of one name are an error."),
         flag("createDir", &P::createDir)
             .label("Create the folder of the file")
-            .meaning("Makes missing folders."),
+            .meaning("Creates missing folders of the file."),
         flag("writeAllRows", &P::writeAllRows)
             .label("Write all rows")
-            .meaning("Off: only rows that pass the test."),
+            .meaning("Writes every row. Off: only rows that pass the test."),
         text("testCol", &P::testCol)
             .label("Column to test")
-            .meaning("Looked at when writeAllRows is off."),
+            .meaning("Column that is tested when writeAllRows is off."),
         text("testValue", &P::testValue)
             .label("Value to test for")
             .meaning("Rows whose testCol has another text are not written."),
         flag("useComma", &P::useComma)
             .label("Decimal comma")
-            .meaning("Instead of the decimal point."),
+            .meaning("Writes a decimal comma instead of the decimal point."),
         flag("humanReadable", &P::humanReadable)
             .label("Indent the elements")
-            .meaning("One line per element."),
+            .meaning("Writes indented elements, one per line."),
         text("indentStart", &P::indentStart)
             .label("Indent of the outermost level")
             .meaning("Number of steps that the first level is indented."),
@@ -51,27 +51,27 @@ const ParamTable<WriteXmlParams> &writeXmlParamTable()
         number("nan", &P::nan)
             .choices({"write nan, inf or -inf", "write the null form", "leave it out"})
             .label("NaN and infinite numbers")
-            .meaning("What is written for them."),
+            .meaning("What is written for NaN and infinite numbers."),
         text("floatToString", &P::floatToString)
             .label("Format of decimal numbers")
             .meaning("printf format with one conversion of a floating-point number."),
         flag("alwaysWrite", &P::alwaysWrite)
             .label("Write a file also without rows")
-            .meaning("Start and end only."),
+            .meaning("Writes a file with its start and end also when there is no row."),
         flag("writeAllColumns", &P::writeAllColumns)
             .label("Write all columns")
-            .meaning("Off: only the columns of ToWrite. Used when there are no Levels."),
+            .meaning("Writes every column. Off: only the columns of ToWrite. Without effect when there are Levels."),
         elementText("Prefix", &P::prefix)
             .always()
             .label("Start of the file")
-            .meaning("Written in front of the first row."),
+            .meaning("Text at the start of every file."),
         elementText("Suffix", &P::suffix)
             .always()
             .label("End of the file")
-            .meaning("Written behind the last row."),
+            .meaning("Text at the end of every file."),
         strings("ToWrite", &P::toWrite)
             .label("Columns to write")
-            .meaning("Used when writeAllColumns is off."),
+            .meaning("Columns that are written when writeAllColumns is off."),
         writeLevels(&P::levels),
     };
     return table;
