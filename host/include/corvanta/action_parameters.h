@@ -21,6 +21,9 @@ struct ParameterInfo
     QStringList choices;  ///< texts of the values 0, 1, 2, ... of an Integer; empty when it is a number
     File file = File::None;
     bool saveAlways = false;
+    bool isMultiLine = false; ///< a Text that may hold line feeds
+    qint64 low = 0;           ///< least and greatest value of an Integer
+    qint64 high = 0;
 };
 
 /// Implemented by actions whose parameters are declared in a table. Threads: the owner's.

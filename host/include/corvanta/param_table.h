@@ -78,6 +78,9 @@ public:
     {
         ParameterInfo info = m_info;
         info.defaultValue = valueText(defaults);
+        info.isMultiLine = std::holds_alternative<ElementText<P>>(m_member);
+        info.low = m_low;
+        info.high = m_high;
         return info;
     }
 
