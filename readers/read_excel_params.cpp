@@ -19,7 +19,8 @@ const ParamTable<ReadExcelParams> &readExcelParamTable()
         text("sheetName", &P::sheetName).label("Sheet name").meaning("Name of the sheet."),
         flag("firstLineContainsColumnNames", &P::firstLineContainsColumnNames)
             .label("The first row holds the column names")
-            .meaning("Takes the column names from the first row. Off: columns are named after their letters."),
+            .meaning("Takes the column names from the first row. Off: columns are named after "
+                     "their letters."),
         flag("outputFilenames", &P::outputFilenames)
             .label("Add a column with the file name")
             .meaning("Adds the last column _FileNames with the name of the file of each row."),

@@ -8,13 +8,15 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
     static const ParamTable<P> table{
         flag("fileNameFromPin", &P::fileNameFromPin)
             .label("Take the file names from input pin 0")
-            .meaning("Takes the file names from the first column of input pin 0, one file per row."),
+            .meaning(
+                "Takes the file names from the first column of input pin 0, one file per row."),
         flag("abortIfMissing", &P::abortIfMissing)
             .label("A missing file is an error")
             .meaning("A missing file fails the action. Off: it is a warning."),
         flag("int64ToKey", &P::int64ToKey)
             .label("64-bit integers become keys")
-            .meaning("64-bit integers become keys of their low 32 bits. Off: they become decimal numbers."),
+            .meaning("64-bit integers become keys of their low 32 bits. Off: they become decimal "
+                     "numbers."),
         number("columnSelection", &P::columnSelection)
             .choices(
                 {"all columns", "the columns of ColumnsToRead", "the columns named on input pin 1"})

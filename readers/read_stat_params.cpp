@@ -8,7 +8,8 @@ const ParamTable<ReadStatParams> &readStatParamTable()
     static const ParamTable<P> table{
         flag("fileNameFromPin", &P::fileNameFromPin)
             .label("Take the file names from input pin 0")
-            .meaning("Takes the file names from the first column of input pin 0, one file per row."),
+            .meaning(
+                "Takes the file names from the first column of input pin 0, one file per row."),
         flag("outputFilenames", &P::outputFilenames)
             .label("Add a column with the file name")
             .meaning("Adds the last column _Filename with the name of the file of each row."),

@@ -9,7 +9,8 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
         text("fileName", &P::fileName)
             .inputFile()
             .label("File")
-            .meaning("Table to read, or a pattern such as *.dbf; all tables must have the columns of the first."),
+            .meaning("Table to read, or a pattern such as *.dbf; all tables must have the columns "
+                     "of the first."),
         number("bufferSize", &P::bufferSize)
             .range(1, 2047)
             .label("Minimum Input Buffer Size:")
@@ -17,7 +18,8 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
         number("encoding", &P::encoding)
             .choices({"Latin 1 (Windows 1252)", "encoding of the system", "UTF-8"})
             .label("Encoding")
-            .meaning("Encoding of character and memo fields. Any other value keeps the bytes as they are."),
+            .meaning("Encoding of character and memo fields. Any other value keeps the bytes as "
+                     "they are."),
         flag("useDBT", &P::useDBT)
             .label("Read memo fields")
             .meaning("Reads the texts of memo fields from the memo file beside the table."),

@@ -17,7 +17,8 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
     static const ParamTable<P> table{
         text("encoding", &P::encoding)
             .label("Encoding")
-            .meaning("Auto finds it out, System is the system's code page; else the name of an encoding."),
+            .meaning("Auto finds it out, System is the system's code page; else the name of an "
+                     "encoding."),
         text("colXML", &P::colXML)
             .label("XML column")
             .meaning("Input column that holds the XML texts."),
@@ -27,7 +28,8 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
             .meaning("Reads the file fileName, or the texts in colXML of the rows of input pin 0."),
         flag("iconvDiscardUnconvertible", &P::iconvDiscardUnconvertible)
             .label("Drop invalid bytes")
-            .meaning("Drops bytes that cannot be converted, with a warning. Off: they fail the action."),
+            .meaning(
+                "Drops bytes that cannot be converted, with a warning. Off: they fail the action."),
         number("bufferSize", &P::bufferSize)
             .range(1, 2047)
             .label("Minimum Input Buffer Size:")
@@ -40,7 +42,8 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
             .inputFile()
             .always()
             .label("File")
-            .meaning("XML or HTML file to read, a pattern, or a member of an archive (archive.zip@member)."),
+            .meaning("XML or HTML file to read, a pattern, or a member of an archive "
+                     "(archive.zip@member)."),
         flag("readClearTags", &P::readClearTags)
             .label("Read CDATA sections")
             .meaning("Reads CDATA sections as text of their element."),
@@ -62,10 +65,12 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
             .meaning("Puts the tag name in front of each text."),
         flag("skipCorruptedFiles", &P::skipCorruptedFiles)
             .label("Skip the rest of damaged files")
-            .meaning("A structure error skips the rest of the file, with a warning. Off: it fails the action."),
+            .meaning("A structure error skips the rest of the file, with a warning. Off: it fails "
+                     "the action."),
         flag("tagNameSummary", &P::tagNameSummary)
             .label("Sorted summary of tag names")
-            .meaning("Cells of tag names list them in alphabetical order with their counts. Off: in document order."),
+            .meaning("Cells of tag names list them in alphabetical order with their counts. Off: "
+                     "in document order."),
         flag("ignoreUnknownEntities", &P::ignoreUnknownEntities)
             .label("Accept unknown entities")
             .meaning("Leaves unknown entities as they stand. Off: they are structure errors."),
@@ -90,7 +95,8 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
             .meaning("Seconds for which a file that cannot be read yet is tried again."),
         flag("addColBefore", &P::addColBefore)
             .label("Copy the columns of the input row")
-            .meaning("Puts the columns of the input row in front of the extracted ones, when reading from the input pin."),
+            .meaning("Puts the columns of the input row in front of the extracted ones, when "
+                     "reading from the input pin."),
         readLevels(&P::levels),
     };
     return table;

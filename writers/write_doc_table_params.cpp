@@ -64,7 +64,8 @@ const ParamTable<WriteDocTableParams> &writeDocTableParamTable()
                           saveTables(params.tables, out);
                       }})
             .label("Tables")
-            .meaning("One v (markerName, colWidths in twentieths of a point, styleID, includeHeaders) per input pin."),
+            .meaning("One v (markerName, colWidths in twentieths of a point, styleID, "
+                     "includeHeaders) per input pin."),
     };
     return table;
 }

@@ -21,7 +21,8 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
                       "Update an existing File by changing an existing Sheet",
                       "Copy and update the duplicate by adding a new Sheet",
                       "Copy and update the duplicate by changing an existing Sheet"})
-            .meaning("Whether a new workbook is made, or an existing one is updated in place or into a copy."),
+            .meaning("Whether a new workbook is made, or an existing one is updated in place or "
+                     "into a copy."),
         text("fileNameSource", &P::fileNameSource)
             .inputFile()
             .label("Workbook to copy")
@@ -33,7 +34,8 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         number("sheetMode", &P::sheetMode)
             .choices({"by number", "by name"})
             .label("Select the sheet")
-            .meaning("How modes 2 and 4 find the sheet to change: by sheetIdx or by sheetName. Any other value adds a sheet."),
+            .meaning("How modes 2 and 4 find the sheet to change: by sheetIdx or by sheetName. Any "
+                     "other value adds a sheet."),
         text("sheetIdx", &P::sheetIdx)
             .label("Sheet number")
             .meaning("Number of the sheet, from 1."),
@@ -49,7 +51,8 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
             .meaning("Name given to the cells that are written; empty for none."),
         flag("nrIncludeTitleRow", &P::nrIncludeTitleRow)
             .label("The defined name includes the header row")
-            .meaning("The cells of the defined name include the header row. Default on in graphs saved by version 2.56 or older."),
+            .meaning("The cells of the defined name include the header row. Default on in graphs "
+                     "saved by version 2.56 or older."),
         text("floatToString", &P::floatToString)
             .label("Format of decimal numbers")
             .meaning("printf format with one conversion of a floating-point number."),
@@ -70,7 +73,8 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
             .meaning("Writes a header row with the column names."),
         flag("noNans", &P::noNans)
             .label("Leave cells of NaN and infinite numbers empty")
-            .meaning("Leaves cells of NaN and infinite numbers empty. Off: they are written as the texts nan, inf and -inf."),
+            .meaning("Leaves cells of NaN and infinite numbers empty. Off: they are written as the "
+                     "texts nan, inf and -inf."),
         flag("useComma", &P::useComma)
             .label("Decimal comma")
             .meaning("Kept with the graph; has no effect on the cells."),
@@ -79,19 +83,24 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
             .meaning("Creates missing folders of a new workbook."),
         flag("equalisFormula", &P::equalisFormula)
             .label("Texts that start with \"=\" are formulas")
-            .meaning("Text cells that start with \"=\" are written as formulas, in all text columns."),
+            .meaning(
+                "Text cells that start with \"=\" are written as formulas, in all text columns."),
         flag("runExcel", &P::runExcel)
             .label("Let the spreadsheet application recompute and save the workbook")
-            .meaning("Opens and saves the written workbook with the spreadsheet application that is installed."),
+            .meaning("Opens and saves the written workbook with the spreadsheet application that "
+                     "is installed."),
         flag("excelHack", &P::excelHack)
             .label("Dates before March 1900 as the spreadsheet counts them")
-            .meaning("Date serials below 61 are decreased by one. Default off in graphs saved before version 3.04."),
+            .meaning("Date serials below 61 are decreased by one. Default off in graphs saved "
+                     "before version 3.04."),
         flag("urlTag", &P::urlTag)
             .label("URL(\"label\",\"url\") is a hyperlink")
-            .meaning("Text cells of the form URL(\"label\",\"url\") or URL(\"url\") become hyperlinks."),
+            .meaning(
+                "Text cells of the form URL(\"label\",\"url\") or URL(\"url\") become hyperlinks."),
         flag("crop", &P::crop)
             .label("Cut cells below 32768 characters")
-            .meaning("Cuts cells below 32768 characters. Off: they are written whole, with a warning."),
+            .meaning(
+                "Cuts cells below 32768 characters. Off: they are written whole, with a warning."),
         number("dateFormatType", &P::dateFormatType)
             .choices({"own format", "system short date", "system long date", "system short time",
                       "system long time", "system short date and time",

@@ -52,16 +52,20 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
             .meaning("printf format with one conversion of a floating-point number."),
         flag("specialBool", &P::specialBool)
             .label("The texts true and false are booleans")
-            .meaning("Writes the texts true, True, false and False as booleans. Default off in graphs saved before version 2.79."),
+            .meaning("Writes the texts true, True, false and False as booleans. Default off in "
+                     "graphs saved before version 2.79."),
         flag("replaceLF", &P::replaceLF)
             .label("Line feeds become \\n")
-            .meaning("Writes line feeds in texts as \\n. Off: they stay as they are, which strict readers refuse."),
+            .meaning("Writes line feeds in texts as \\n. Off: they stay as they are, which strict "
+                     "readers refuse."),
         flag("splitFile", &P::splitFile)
             .label("One file per value of the split column")
-            .meaning("Writes one file per value of splitCol; the value goes into the file name, in front of the extension."),
+            .meaning("Writes one file per value of splitCol; the value goes into the file name, in "
+                     "front of the extension."),
         flag("advancedNaming", &P::advancedNaming)
             .label("The host makes the names of split files")
-            .meaning("The host makes the names of split files, instead of putting the value in front of the extension."),
+            .meaning("The host makes the names of split files, instead of putting the value in "
+                     "front of the extension."),
         flag("alwaysWrite", &P::alwaysWrite)
             .label("Write a file also without rows")
             .meaning("Writes a file with its start and end also when there is no row."),
@@ -70,7 +74,8 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
             .meaning("Column whose values split the table, which should be sorted on it."),
         flag("writeAllColumns", &P::writeAllColumns)
             .label("Write all columns")
-            .meaning("Writes every column. Off: only the columns of ToWrite. Without effect when there are Levels."),
+            .meaning("Writes every column. Off: only the columns of ToWrite. Without effect when "
+                     "there are Levels."),
         elementText("Prefix", &P::prefix)
             .always()
             .label("Start of the file")

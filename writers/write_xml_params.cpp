@@ -60,7 +60,8 @@ const ParamTable<WriteXmlParams> &writeXmlParamTable()
             .meaning("Writes a file with its start and end also when there is no row."),
         flag("writeAllColumns", &P::writeAllColumns)
             .label("Write all columns")
-            .meaning("Writes every column. Off: only the columns of ToWrite. Without effect when there are Levels."),
+            .meaning("Writes every column. Off: only the columns of ToWrite. Without effect when "
+                     "there are Levels."),
         elementText("Prefix", &P::prefix)
             .always()
             .label("Start of the file")
