@@ -7,12 +7,14 @@ file. Both run in turn; the figures are medians. Inputs are made anew from a fix
 import argparse
 import os
 import pathlib
+import shutil
 import statistics
 import subprocess
 import sys
 import tempfile
 import time
 
+BENCH = pathlib.Path(__file__).resolve().parent
 SALES_TYPES = "K,K,F,F,F,U,U,U,U,U"
 
 
@@ -34,7 +36,13 @@ JOBS = {
                    graph(READ_SALES, "<writeExcel fileNameDestination='ours.xlsx' dateFormat='yyyy-MM-dd'>"
                                      "<ToDate><s>day</s></ToDate></writeExcel>"),
                    "ours.xlsx", ["xlsxwriter_peer", "sales.csv", "peer.xlsx"], "peer.xlsx"),
+    "dbf_read": ("dBase table to CSV; peer: ogr2ogr",
+                 graph("<ReadXBF fileName='sales.dbf'/>", "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                 ["ogr2ogr", "-overwrite", "-f", "CSV", "peer.csv", "sales.dbf", "-oo", "ENCODING=CP1252"], "peer.csv"),
 }
+
+# Inputs besides sales.csv, by the job that reads them: the file and the script of this folder that makes it from sales.csv.
+INPUTS = {"dbf_read": ("sales.dbf", "make_dbf.py")}
 
 
 def timed(command, folder):
@@ -60,19 +68,24 @@ def run_job(name, args, folder, corvanta, bin_folder):
     meaning, text, output, peer, peer_output = JOBS[name]
     (folder / "bench.graph").write_text(text)
     ours, theirs = [], []
-    has_peer = peer is not None and (bin_folder / peer[0]).exists()
+    table = folder / "sales.csv"
+    if name in INPUTS:
+        table = folder / INPUTS[name][0]
+        with open(table, "wb") as out:
+            subprocess.run([sys.executable, BENCH / INPUTS[name][1], folder / "sales.csv"], stdout=out, check=True)
+    peer_program = peer and (shutil.which(peer[0], path=str(bin_folder)) or shutil.which(peer[0]))
     for _ in range(args.runs):
         ours.append(timed([corvanta, "run", "bench.graph", "--progress", "never"], folder))
-        if has_peer:
-            theirs.append(timed([str(bin_folder / peer[0]), *peer[1:]], folder))
+        if peer_program:
+            theirs.append(timed([peer_program, *peer[1:]], folder))
     print(f"{name}: {meaning}")
-    input_bytes = (folder / "sales.csv").stat().st_size
+    input_bytes = table.stat().st_size
     wall = report("corvanta", ours, args.rows, input_bytes, folder / output)
-    if has_peer:
+    if peer_program:
         peer_wall = report("peer", theirs, args.rows, input_bytes, folder / peer_output)
         print(f"  {peer_wall / wall:.1f} times the speed of the peer")
     elif peer is not None:
-        print(f"  (no peer: {peer[0]} was not built)")
+        print(f"  (no peer: {peer[0]} is not there)")
 
 
 def main():

@@ -86,9 +86,12 @@ TableReader::TableReader(ByteSource &source, const TextDecoder &decoder, TableHe
     , m_decoder(decoder)
     , m_header(std::move(header))
 {
-    // Not more than the table can hold, however large the parameter is.
-    const qint64 tableBytes = static_cast<qint64>(m_header.recordCount) * m_header.recordBytes + 1;
-    const qint64 useful = std::min(bufferBytes, tableBytes);
+    // Not more than there is, whatever the header and the parameter say.
+    qint64 useful = static_cast<qint64>(m_header.recordCount) * m_header.recordBytes + 1;
+    if (m_source.size() >= 0) {
+        useful = std::min(useful, m_source.size());
+    }
+    useful = std::min(useful, bufferBytes);
     m_buffer.resize(static_cast<size_t>(std::max<qint64>(useful, m_header.recordBytes + 1)));
 }
 

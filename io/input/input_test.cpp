@@ -10,7 +10,6 @@
 #include <zlib.h>
 
 #include <random>
-#include <thread>
 
 using namespace corvanta;
 using namespace corvanta::input;
@@ -91,11 +90,6 @@ QByteArray gzipped(const QByteArray &bytes)
     out.truncate(static_cast<qsizetype>(z.total_out));
     deflateEnd(&z);
     return out;
-}
-
-size_t threadCount()
-{
-    return static_cast<size_t>(QDir(QStringLiteral("/proc/self/task")).count());
 }
 
 } // namespace
@@ -348,29 +342,4 @@ TEST(InputSource, SeeksByReadingFromTheStart)
         EXPECT_EQ(readAll(**source, 333).hash, first.hash) << name;
         EXPECT_FALSE((*source)->seek(first.size + 1)) << name;
     }
-}
-
-TEST(RarThreads, OpenAndCloseAtRandomMomentsLeavesNothing)
-{
-    CORVANTA_NEEDS_CORPUS();
-    // One for each unpacker; both unpack to more than the ring holds.
-    const QString paths[] = {test::corpusFile(QStringLiteral("archives/rar/rar5_64MiB_in_3KB.rar")),
-                             test::corpusFile(QStringLiteral(
-                                 "archives/rar/test_read_format_rar_multi_lzss_blocks.rar"))};
-    const size_t before = threadCount();
-    std::mt19937 random(3);
-    std::vector<char> buffer(100'000);
-    for (int i = 0; i < 1000; ++i) {
-        auto source = openRar(paths[i % 2]);
-        ASSERT_TRUE(source);
-        for (unsigned reads = random() % 4; reads > 0; --reads) {
-            ASSERT_GT(
-                (*source)->read(buffer.data(), static_cast<qint64>(random() % buffer.size() + 1)),
-                0);
-        }
-        if (random() % 8 == 0) {
-            ASSERT_TRUE((*source)->seek(static_cast<qint64>(random() % 100'000)));
-        }
-    }
-    EXPECT_EQ(threadCount(), before);
 }

@@ -1,0 +1,44 @@
+// The thread that unpacks a RAR entry ends whenever its input does.
+#include "io/input/input_source.h"
+#include "tests/support/corpus.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace corvanta;
+using namespace corvanta::input;
+
+namespace {
+
+size_t threadCount()
+{
+    return static_cast<size_t>(QDir(QStringLiteral("/proc/self/task")).count());
+}
+
+} // namespace
+
+TEST(RarThreads, OpenAndCloseAtRandomMomentsLeavesNothing)
+{
+    CORVANTA_NEEDS_CORPUS();
+    // One for each unpacker; both unpack to more than the ring holds.
+    const QString paths[] = {test::corpusFile(QStringLiteral("archives/rar/rar5_64MiB_in_3KB.rar")),
+                             test::corpusFile(QStringLiteral(
+                                 "archives/rar/test_read_format_rar_multi_lzss_blocks.rar"))};
+    const size_t before = threadCount();
+    std::mt19937 random(3);
+    std::vector<char> buffer(100'000);
+    for (int i = 0; i < 1000; ++i) {
+        auto source = openRar(paths[i % 2]);
+        ASSERT_TRUE(source);
+        for (unsigned reads = random() % 4; reads > 0; --reads) {
+            ASSERT_GT(
+                (*source)->read(buffer.data(), static_cast<qint64>(random() % buffer.size() + 1)),
+                0);
+        }
+        if (random() % 8 == 0) {
+            ASSERT_TRUE((*source)->seek(static_cast<qint64>(random() % 100'000)));
+        }
+    }
+    EXPECT_EQ(threadCount(), before);
+}
