@@ -31,6 +31,7 @@ constexpr Command kCommands[] = {
      "  --progress auto|always|never\n"
      "                          progress line; auto: on a terminal only\n"
      "  --system-encoding NAME  8-bit encoding that files in the \"system\" encoding have\n"
+     "  --compression LEVEL     of packages: isal-2 (fast, the default), isal-3, zlib-1 to zlib-9 (smallest)\n"
      "  --quiet                 errors and warnings only\n\n"
      "Exit status: 0 done (warnings allowed), 1 failed, 2 bad usage or an invalid graph, 130 interrupted.\n"
      "Ctrl-C stops the run cleanly; a second one ends the program at once.\n"},

@@ -162,7 +162,7 @@ int runCommand(const QStringList &words)
     CommandLine line;
     QString error;
     const CommandOptions accepted{{u"--set"_s, u"--out-dir"_s, u"--tap"_s, u"--log-format"_s, u"--progress"_s,
-                                   u"--system-encoding"_s},
+                                   u"--system-encoding"_s, u"--compression"_s},
                                   {u"--quiet"_s}};
     if (!CommandLine::parse(words, accepted, &line, &error)) {
         return usageError(u"run"_s, error);
@@ -187,6 +187,7 @@ int runCommand(const QStringList &words)
     RunOptions options;
     options.variables = loaded.variables;
     options.outDir = line.value(u"--out-dir"_s, QString());
+    options.compression = line.value(u"--compression"_s, QString());
     options.log = log.get();
     for (const QString &tap : line.values.value(u"--tap"_s)) {
         if (!addTap(tap, loaded, &options, &error)) {

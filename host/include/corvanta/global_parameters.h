@@ -34,6 +34,10 @@ public:
     double graphVersion() const { return m_graphVersion; }
     void setGraphVersion(double version) { m_graphVersion = version; }
 
+    /// How packages are compressed: "isal-2", "isal-3", "zlib-1" to "zlib-9". Empty: the fast default.
+    QString compression() const { return m_compression; }
+    void setCompression(const QString &level) { m_compression = level; }
+
     void setVariable(const QString &name, const QString &value);
     /// The value of a graph variable or of a built-in one (graphDir, outDir, workingDir); null when
     /// there is none.
@@ -59,5 +63,6 @@ private:
     QString m_dataDirWrite;
     QString m_otherDir;
     double m_graphVersion;
+    QString m_compression;
     QMap<QString, QString> m_variables;
 };

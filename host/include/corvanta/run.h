@@ -31,6 +31,7 @@ struct RunOptions
 {
     QMap<QString, QString> variables; ///< win over the graph's
     QString outDir;                   ///< empty: the graph's folder
+    QString compression;              ///< see GlobalParameters::compression()
     LogSink *log = nullptr;           ///< null: the program's sink
     int batchRows = 1024;             ///< rows handed over at once, at most
     bool yieldAtBatches = false;      ///< ask for a yield at every batch, to try the actions' yielding

@@ -71,6 +71,7 @@ void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &regis
 {
     global.setGraphDir(QFileInfo(graph.fileName).absolutePath());
     global.setOutDir(options.outDir);
+    global.setCompression(options.compression);
     if (graph.version >= 0) {
         global.setGraphVersion(graph.version);
     }
