@@ -21,6 +21,8 @@ function(corvanta_test name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+    # Of the tests alone: a path among the definitions of everything would keep ccache from sharing between clones.
+    target_compile_definitions(${name} PRIVATE CORVANTA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
     target_link_libraries(${name} PRIVATE corvanta_options ${ARG_LIBS} GTest::gtest_main)
     set(properties TIMEOUT 600)
     if(ARG_LABELS)

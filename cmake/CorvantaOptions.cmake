@@ -4,7 +4,7 @@ target_compile_options(corvanta_options INTERFACE
     -Wall -Wextra -Wpedantic -Wformat=2 -Werror=format-security -Wnon-virtual-dtor -Wno-missing-field-initializers
     -Werror -fno-omit-frame-pointer)
 target_compile_definitions(corvanta_options INTERFACE
-    CORVANTA_SOURCE_DIR="${PROJECT_SOURCE_DIR}" QT_NO_CAST_FROM_ASCII QT_NO_KEYWORDS QT_DISABLE_DEPRECATED_BEFORE=0x060400 _GLIBCXX_ASSERTIONS)
+    QT_NO_CAST_FROM_ASCII QT_NO_KEYWORDS QT_DISABLE_DEPRECATED_BEFORE=0x060400 _GLIBCXX_ASSERTIONS)
 
 if(CORVANTA_SANITIZE)
     target_compile_options(corvanta_options INTERFACE
