@@ -51,6 +51,24 @@ TEST(Number, GeneralPrintsWhatPrintfPrints)
     }
 }
 
+/// Numbers as tables hold them: few digits, halves of the last one, next to powers of ten.
+TEST(Number, GeneralPrintsUsualNumbersAsPrintfDoes)
+{
+    std::mt19937_64 random(3);
+    std::array<char, 64> expected{};
+    for (int i = 0; i < 200000; ++i) {
+        const double power = std::pow(10.0, static_cast<int>(random() % 24) - 8);
+        const double digits = static_cast<double>(random() % 20'000'000) / (i % 2 == 0 ? 2 : 1);
+        double value = i % 5 == 0 ? power : digits * power / 1e6;
+        value = i % 3 == 0 ? std::nextafter(value, i % 2 == 0 ? 0 : 1e300) : value;
+        value = i % 7 == 0 ? -value : value;
+        for (const int precision : {1, 2, 6, 7, 9, 10, 15}) {
+            std::snprintf(expected.data(), expected.size(), "%.*g", precision, value);
+            ASSERT_EQ(general(value, precision).toStdString(), expected.data());
+        }
+    }
+}
+
 TEST(Number, ShortestReadsBackAndLooksPlain)
 {
     const std::pair<double, const char *> cases[] = {
@@ -92,7 +110,7 @@ TEST(FloatFormat, OnlyOneDoubleConversionGetsThrough)
         EXPECT_FALSE(format.set(QString::fromLatin1(bad))) << bad;
     }
     const std::pair<const char *, const char *> good[] = {
-        {"%.2f", "3.25"}, {"%+08.1lf", "+00003.2"}, {"%% %e x", "% 3.250000e+00 x"}, {"%.3g", "3.25"}};
+        {"%.2f", "3.25"}, {"%+08.1lf", "+00003.2"}, {"%% %e x", "% 3.250000e+00 x"}, {"%.3g", "3.25"}, {"%g", "3.25"}};
     for (const auto &[text, printed] : good) {
         ASSERT_TRUE(format.set(QString::fromLatin1(text))) << text;
         QByteArray out;

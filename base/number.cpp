@@ -82,6 +82,66 @@ qsizetype skipConversion(const QByteArray &text, qsizetype at)
     return known ? at + 1 : -1;
 }
 
+constexpr int kQuickPrecision = 9;
+constexpr std::array<double, 14> kPowersOf10 = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13};
+
+/// Print the `precision` digits of `digits`, of which `exponent + 1` stand in front of the point, without
+/// zeros at the end.
+char *putPlain(quint64 digits, int precision, int exponent, char *out)
+{
+    std::array<char, kNumberChars> text{};
+    std::to_chars(text.data(), text.data() + text.size(), digits);
+    int used = precision;
+    while (used > exponent + 1 && text[static_cast<size_t>(used - 1)] == '0') {
+        --used;
+    }
+    if (exponent < 0) {
+        constexpr std::string_view kZeros = "0.0000";
+        const auto zeros = static_cast<size_t>(1 - exponent);
+        std::memcpy(out, kZeros.data(), kZeros.size());
+        std::memcpy(out + zeros, text.data(), kQuickPrecision);
+        return out + zeros + used;
+    }
+    const auto whole = static_cast<size_t>(exponent + 1);
+    std::memcpy(out, text.data(), kQuickPrecision);
+    if (used <= exponent + 1) {
+        return out + whole;
+    }
+    out[whole] = '.';
+    std::memcpy(out + whole + 1, text.data() + whole, kQuickPrecision);
+    return out + used + 1;
+}
+
+/// What putGeneral() prints for numbers between 0.0001 and 10^precision, at a third of the cost. Scaled to
+/// a whole number of `precision` digits, with one rounding, such a number is off by less than 10^-6; 0 is
+/// returned where that could decide about a digit, and for other numbers.
+int putGeneralQuickly(double value, int precision, char *out)
+{
+    const double size = std::fabs(value);
+    const double limit = kPowersOf10[static_cast<size_t>(precision)];
+    if (!(size >= 1e-4 && size < limit)) {
+        return 0;
+    }
+    int exponent = size >= 1 ? 0 : size >= 1e-1 ? -1 : size >= 1e-2 ? -2 : size >= 1e-3 ? -3 : -4;
+    while (exponent >= 0 && size >= kPowersOf10[static_cast<size_t>(exponent) + 1]) {
+        ++exponent;
+    }
+    const double scaled = size * kPowersOf10[static_cast<size_t>(precision - 1 - exponent)];
+    auto digits = static_cast<quint64>(scaled);
+    const double rest = scaled - static_cast<double>(digits);
+    if (std::fabs(rest - 0.5) < 1e-6) {
+        return 0;
+    }
+    digits += rest > 0.5 ? 1 : 0;
+    if (digits < static_cast<quint64>(limit) / 10 || digits >= static_cast<quint64>(limit)) {
+        return 0; // rounded up to one digit more, or just below a power of ten
+    }
+    char *at = out;
+    *at = '-';
+    at += std::signbit(value) ? 1 : 0;
+    return static_cast<int>(putPlain(digits, precision, exponent, at) - out);
+}
+
 } // namespace
 
 int putUInt(quint64 value, char *out)
@@ -113,6 +173,10 @@ int putGeneral(double value, int precision, char *out)
         // printf shows the sign of a NaN; to_chars does too, in another form
         std::memcpy(out, std::signbit(value) ? "-nan" : "nan", 4);
         return std::signbit(value) ? 4 : 3;
+    }
+    const int quick = precision <= kQuickPrecision ? putGeneralQuickly(value, precision, out) : 0;
+    if (quick != 0) {
+        return quick;
     }
     return static_cast<int>(
         std::to_chars(out, out + kNumberChars, value, std::chars_format::general, precision).ptr - out);
@@ -193,7 +257,8 @@ bool FloatFormat::set(const QString &format)
     const bool plain = text.startsWith("%.") && text.endsWith('g')
         && parseUInt(std::string_view(text.constData() + 2, static_cast<size_t>(text.size()) - 3), 17,
                      &precision);
-    m_generalPrecision = plain ? static_cast<int>(precision) : 0;
+    constexpr int kUsualPrecision = 6;
+    m_generalPrecision = text == "%g" ? kUsualPrecision : plain ? static_cast<int>(precision) : 0;
     return true;
 }
 

@@ -56,7 +56,7 @@ public:
 
 private:
     QByteArray m_format;
-    int m_generalPrecision; // of a plain "%.<n>g", which needs no printf; otherwise 0
+    int m_generalPrecision; // of a plain "%g" or "%.<n>g", which needs no printf; otherwise 0
 };
 
 } // namespace corvanta
