@@ -157,12 +157,20 @@ QString ActionItem::expandString(const QString &text) const
     return m_globalParameters != nullptr ? m_globalParameters->expandString(text) : text;
 }
 
-QString ActionItem::expandOutputFile(const QString &name, const QString &extension) const
+QString ActionItem::expandOutputFile(const QString &name, const QString &part) const
 {
     QString expanded = m_globalParameters != nullptr ? m_globalParameters->expandOutputFile(name) : name;
-    if (!extension.isEmpty()) {
-        addExtentionIfRequired(&expanded, extension);
+    if (part.isNull()) {
+        return expanded;
     }
+    if (expanded.contains(u'*')) {
+        return expanded.replace(u'*', part);
+    }
+    const qsizetype dot = expanded.lastIndexOf(u'.');
+    if (dot > expanded.lastIndexOf(u'/')) {
+        return expanded.insert(dot, part);
+    }
+    addExtentionIfRequired(&expanded, part);
     return expanded;
 }
 

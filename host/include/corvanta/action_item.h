@@ -109,8 +109,10 @@ public:
 
     QString expandFile(const QString &name) const;
     QString expandString(const QString &text) const;
-    /// `extension` (without dot, may be empty) is added to a name that has none.
-    QString expandOutputFile(const QString &name, const QString &extension) const;
+    /// The name of a file to write. `part`, unless null, tells several files of one name apart: it takes
+    /// the place of every "*" in the name; without one it becomes the extension of a name that has none,
+    /// and goes in front of the extension otherwise. It must be safe in a file name.
+    QString expandOutputFile(const QString &name, const QString &part) const;
 
     GlobalParameters *globalParameters() const { return m_globalParameters; }
     char warningFlag() const { return m_warningFlag; }
