@@ -1,12 +1,12 @@
 // writers/write_json.h
-// writeJSON: rows into a JSON file of a chosen form.
+// writeJSON: rows into a JSON file of levels and items, or one file per value of a column.
 #pragma once
-#include "plugin/pending_action.h"
+#include "writers/level_writer.h"
 #include "writers/write_json_params.h"
 
 namespace corvanta {
 
-class ActionWriteJSON final : public PendingAction<ActionWriteJSON, WriteJsonParams>
+class ActionWriteJSON final : public LevelWriter<ActionWriteJSON, WriteJsonParams>
 {
 public:
     ActionWriteJSON(const XMLNode &saved, GlobalParameters *parameters);
@@ -15,6 +15,21 @@ public:
     {
         adjustWriteJsonDefaults(params, savedVersion);
     }
+
+private:
+    QString message(WriteProblem problem, const QString &name, const QString &level) const override;
+    std::vector<WriteLevel> declaredLevels() const override;
+    LevelCompiler::Levels compileLevels(const std::vector<WriteLevel> &levels,
+                                        const OneRow &columns) const override;
+    ValueRules rules() const override;
+    FileFrame frame() const override { return {}; }
+    void start() override;
+    bool beforeFirstRow(const OneRow &row) override;
+    bool beforeRow(const OneRow &row) override;
+    QString targetName() const override;
+
+    int m_splitColumn = -1;
+    QString m_splitValue; // of the file that is written
 };
 
 } // namespace corvanta

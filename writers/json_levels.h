@@ -1,0 +1,15 @@
+// writers/json_levels.h
+// What the items of writeJSON mean.
+#pragma once
+#include "writers/level_compiler.h"
+
+namespace corvanta {
+
+/// Compile `levels` (at least one) for a table. Faults: see LevelCompiler::compile().
+LevelCompiler::Levels compileJsonLevels(const std::vector<WriteLevel> &levels,
+                                        const OneRow &columns, bool replaceLineFeeds);
+
+/// The one level that is written when none is declared: an object per row.
+std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringList &toWrite);
+
+} // namespace corvanta
