@@ -39,6 +39,12 @@ JOBS = {
     "dbf_read": ("dBase table to CSV; peer: ogr2ogr",
                  graph("<ReadXBF fileName='sales.dbf'/>", "<writeCSV fileName='ours.csv'/>"), "ours.csv",
                  ["ogr2ogr", "-overwrite", "-f", "CSV", "peer.csv", "sales.dbf", "-oo", "ENCODING=CP1252"], "peer.csv"),
+    "json_write": ("CSV to JSON; peer: a plain loop that formats the same rows",
+                   graph(READ_SALES, "<writeJSON fileName='ours.json'/>"),
+                   "ours.json", ["text_peer", "json", "sales.csv", "peer.json"], "peer.json"),
+    "xml_write": ("CSV to XML; peer: a plain loop that formats the same rows",
+                  graph(READ_SALES, "<writeXML fileName='ours.xml' charMode='1'/>"),
+                  "ours.xml", ["text_peer", "xml", "sales.csv", "peer.xml"], "peer.xml"),
 }
 
 # Inputs besides sales.csv, by the job that reads them: the file and the script of this folder that makes it from sales.csv.
