@@ -64,8 +64,8 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
                      "front of the extension."),
         flag("advancedNaming", &P::advancedNaming)
             .label("The host makes the names of split files")
-            .meaning("The host makes the names of split files, instead of putting the value in "
-                     "front of the extension."),
+            .meaning("The value takes the place of each * in the file name; without one it goes in "
+                     "front of the extension, or becomes the extension of a name that has none."),
         flag("alwaysWrite", &P::alwaysWrite)
             .label("Write a file also without rows")
             .meaning("Writes a file with its start and end also when there is no row."),

@@ -39,7 +39,7 @@ const ParamTable<WriteXmlParams> &writeXmlParamTable()
             .meaning("Writes indented elements, one per line."),
         text("indentStart", &P::indentStart)
             .label("Indent of the outermost level")
-            .meaning("Number of steps that the first level is indented."),
+            .meaning("Blanks in front of an element of the first level; each level below has two more."),
         number("nullString", &P::nullString)
             .choices({"write the null form", "write an empty value", "leave it out"})
             .label("Missing text")
