@@ -1,0 +1,26 @@
+#include "base/platform/process.h"
+
+#include <QProcess>
+
+#include <unistd.h>
+
+#include <csignal>
+
+namespace corvanta::platform {
+
+void makeGroup(QProcess &process)
+{
+    process.setChildProcessModifier([] { ::setpgid(0, 0); });
+}
+
+void addToJob(QProcess &, void *) {}
+
+void killWithChildren(QProcess &process)
+{
+    if (const auto group = static_cast<pid_t>(process.processId()); group > 0) {
+        ::kill(-group, SIGKILL);
+    }
+    process.waitForFinished();
+}
+
+} // namespace corvanta::platform
