@@ -6,9 +6,9 @@
 
 namespace corvanta::package {
 
-BlockBufferedSink::BlockBufferedSink(std::unique_ptr<ByteSink> target)
-    : m_target(std::move(target))
-    , m_regionStart(m_target->position())
+BlockBufferedSink::BlockBufferedSink(ByteSink &target)
+    : m_target(target)
+    , m_regionStart(m_target.position())
     , m_regionEnd(m_regionStart)
     , m_position(m_regionStart)
 {
@@ -66,7 +66,7 @@ bool BlockBufferedSink::flush()
 {
     while (m_regionStart < m_regionEnd) {
         const qint64 bytes = std::min(kBlockBytes, m_regionEnd - m_regionStart);
-        if (!m_target->write(m_blocks.front().get(), bytes)) {
+        if (!m_target.write(m_blocks.front().get(), bytes)) {
             return false;
         }
         m_regionStart += bytes;
@@ -76,12 +76,12 @@ bool BlockBufferedSink::flush()
             std::memset(m_blocks.front().get(), 0, static_cast<size_t>(bytes));
         }
     }
-    if (m_position != m_regionEnd && !m_target->seek(m_position)) {
+    if (m_position != m_regionEnd && !m_target.seek(m_position)) {
         return false;
     }
     m_regionStart = m_position;
     m_regionEnd = m_position;
-    return m_target->flush();
+    return m_target.flush();
 }
 
 } // namespace corvanta::package

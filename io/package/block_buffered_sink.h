@@ -16,7 +16,8 @@ class BlockBufferedSink final : public ByteSink
 public:
     static constexpr qint64 kBlockBytes = 5'242'880;
 
-    explicit BlockBufferedSink(std::unique_ptr<ByteSink> target);
+    /// `target` must outlive the sink.
+    explicit BlockBufferedSink(ByteSink &target);
 
     /// False without memory for another block; nothing is taken then.
     bool write(const void *bytes, qint64 n) override;
@@ -33,7 +34,7 @@ private:
     bool provide(qint64 end);
     qint64 allocatedEnd() const;
 
-    std::unique_ptr<ByteSink> m_target;
+    ByteSink &m_target;
     std::deque<Block> m_blocks;
     qint64 m_regionStart;
     qint64 m_regionEnd; // of what was written

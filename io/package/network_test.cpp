@@ -60,7 +60,8 @@ bool put(ByteSink &sink, QByteArrayView bytes)
 TEST(BlockBufferedSink, NothingReachesTheTargetBeforeAFlush)
 {
     NotingSink::Notes notes;
-    BlockBufferedSink sink(std::make_unique<NotingSink>(notes));
+    NotingSink target(notes);
+    BlockBufferedSink sink(target);
     QByteArray text = numbered(2 * kBlock + 100);
     for (qsizetype at = 0; at < text.size(); at += 70'001) {
         ASSERT_TRUE(put(sink, QByteArrayView(text).sliced(at).first(
@@ -83,7 +84,8 @@ TEST(BlockBufferedSink, NothingReachesTheTargetBeforeAFlush)
 TEST(BlockBufferedSink, SeeksWithinTheRegionOnly)
 {
     NotingSink::Notes notes;
-    BlockBufferedSink sink(std::make_unique<NotingSink>(notes));
+    NotingSink target(notes);
+    BlockBufferedSink sink(target);
     EXPECT_FALSE(sink.seek(kBlock));
     EXPECT_FALSE(sink.seek(-1));
     ASSERT_TRUE(put(sink, numbered(kBlock)));
@@ -103,7 +105,8 @@ TEST(BlockBufferedSink, AFailedFlushGoesOnWhereItStopped)
     const QByteArray text = numbered(3 * kBlock + 5);
     for (int refused = 0; refused < 4; ++refused) {
         NotingSink::Notes notes{.refused = refused};
-        BlockBufferedSink sink(std::make_unique<NotingSink>(notes));
+        NotingSink target(notes);
+        BlockBufferedSink sink(target);
         ASSERT_TRUE(put(sink, text));
         EXPECT_FALSE(sink.flush());
         EXPECT_EQ(sink.position(), text.size());
