@@ -28,15 +28,27 @@ bool TargetFile::open(const QString &name, int action)
 
 bool TargetFile::commit()
 {
+    return commit(QFileInfo::exists(m_name), [](const QString &temporary, const QString &target) {
+        return renameTMPFile(temporary, target);
+    });
+}
+
+bool TargetFile::commit(const Move &move)
+{
+    return commit(true, move);
+}
+
+bool TargetFile::commit(bool syncs, const Move &move)
+{
     if (!isOpen()) {
         return false;
     }
-    const bool replaces = !m_temporary.isEmpty() && QFileInfo::exists(m_name);
-    bool done = m_file->flush() && (!replaces || m_file->sync());
+    const bool isTemporary = !m_temporary.isEmpty();
+    bool done = m_file->flush() && (!syncs || !isTemporary || m_file->sync());
     done = m_file->close() && done;
     m_file.reset();
-    if (!m_temporary.isEmpty()) {
-        done = done && renameTMPFile(m_temporary, m_name);
+    if (isTemporary) {
+        done = done && move(m_temporary, m_name);
         if (!done) {
             corvanta::platform::removeFile(m_temporary);
         }

@@ -6,6 +6,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 /// Writes beside the target under a name of its own and moves the result over it in commit(). Without
@@ -32,10 +33,16 @@ public:
     /// Close the file and move it over the target. False when that failed; the target is then as it was.
     /// The bytes are flushed to the device first when a file is replaced: a new file has nothing to lose.
     bool commit();
+    /// commit() with `move` in place of the plain renaming: it answers whether the target was replaced.
+    /// The bytes are always flushed to the device before.
+    using Move = std::function<bool(const QString &temporary, const QString &target)>;
+    bool commit(const Move &move);
     /// Remove what was written.
     void discard();
 
 private:
+    bool commit(bool syncs, const Move &move);
+
     QString m_name;
     QString m_temporary; // empty: the target is written directly
     std::unique_ptr<MyWriteFile> m_file;
