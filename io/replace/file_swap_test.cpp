@@ -1,0 +1,119 @@
+#include "io/replace/file_swap.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace corvanta {
+
+namespace {
+
+class FileSwap : public ::testing::Test
+{
+protected:
+    QString path(const QString &name) const { return m_dir.filePath(name); }
+    void write(const QString &name, const QByteArray &content)
+    {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+    QByteArray read(const QString &name)
+    {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    SwapNames names() const { return {path(u"new"_qs), path(u"book"_qs), path(u"old"_qs)}; }
+    SwapObserver observer(int giveUpAfter = 99)
+    {
+        return {[this](const QString &from, const QString &to) {
+                    m_attempts << QFileInfo(from).fileName() + u'>' + QFileInfo(to).fileName();
+                },
+                [this, giveUpAfter](int) {
+                    m_onPause();
+                    return m_attempts.size() < giveUpAfter;
+                }};
+    }
+    QStringList files() const
+    {
+        return QDir(m_dir.path()).entryList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
+    }
+
+    QTemporaryDir m_dir;
+    QStringList m_attempts;
+    std::function<void()> m_onPause = [] {};
+};
+
+} // namespace
+
+TEST_F(FileSwap, ReplacesAndKeepsPermissions)
+{
+    write(u"book"_qs, "old");
+    write(u"new"_qs, "new");
+    QFile::setPermissions(path(u"book"_qs),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup);
+    const auto permissions = QFile::permissions(path(u"book"_qs));
+    EXPECT_FALSE(swapFile(names(), observer()));
+    EXPECT_EQ(read(u"book"_qs), "new");
+    EXPECT_EQ(QFile::permissions(path(u"book"_qs)), permissions);
+    EXPECT_EQ(files(), QStringList{u"book"_qs});
+    EXPECT_TRUE(m_attempts.isEmpty());
+}
+
+TEST_F(FileSwap, MakesATargetThatIsNotThere)
+{
+    write(u"new"_qs, "new");
+    EXPECT_FALSE(swapFile(names(), observer()));
+    EXPECT_EQ(files(), QStringList{u"book"_qs});
+}
+
+TEST_F(FileSwap, LeftOversOfAnEarlierRunDoNotDisturb)
+{
+    write(u"book"_qs, "old");
+    write(u"new"_qs, "new");
+    write(u"old"_qs, "left over"); // the backup name cannot be linked then
+    EXPECT_FALSE(swapFile(names(), observer()));
+    EXPECT_EQ(read(u"book"_qs), "new");
+    EXPECT_EQ(read(u"old"_qs), "left over");
+}
+
+TEST_F(FileSwap, GivesUpAfterFiveRetriesWithTheOldFileInPlace)
+{
+    write(u"book"_qs, "old");
+    const auto failed = swapFile(names(), observer()); // there is no temporary file
+    ASSERT_TRUE(failed);
+    EXPECT_EQ(failed->from, path(u"new"_qs));
+    EXPECT_EQ(failed->to, path(u"book"_qs));
+    EXPECT_EQ(m_attempts, QStringList(5, u"new>book"_qs));
+    EXPECT_EQ(read(u"book"_qs), "old");
+    EXPECT_EQ(files(), QStringList{u"book"_qs});
+}
+
+TEST_F(FileSwap, NamesTheBackupWhenNothingIsThere)
+{
+    const auto failed = swapFile(names(), observer(2));
+    ASSERT_TRUE(failed);
+    EXPECT_EQ(failed->from, path(u"book"_qs));
+    EXPECT_EQ(failed->to, path(u"old"_qs));
+    EXPECT_EQ(m_attempts, QStringList(2, u"book>old"_qs));
+}
+
+TEST_F(FileSwap, OldFileStaysWhileItIsTriedAgain)
+{
+    write(u"book"_qs, "old");
+    m_onPause = [this] {
+        EXPECT_EQ(read(u"book"_qs), "old");
+        if (m_attempts.size() == 3) {
+            write(u"new"_qs, "new");
+        }
+    };
+    EXPECT_FALSE(swapFile(names(), observer()));
+    EXPECT_EQ(m_attempts.size(), 3);
+    EXPECT_EQ(read(u"book"_qs), "new");
+    EXPECT_EQ(files(), QStringList{u"book"_qs});
+}
+
+} // namespace corvanta
