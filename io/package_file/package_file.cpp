@@ -1,0 +1,50 @@
+#include "io/package_file/package_file.h"
+
+#include "io/package/block_buffered_sink.h"
+#include "io/package/cached_source.h"
+
+namespace corvanta {
+
+Result<std::unique_ptr<PackageInput>, package::Error>
+PackageInput::open(GlobalParameters *parameters, const QString &name)
+{
+    std::unique_ptr<PackageInput> input(new PackageInput);
+    input->m_file.reset(MyReadFile::newMyReadFile(parameters, name, true, true));
+    if (!input->m_file) {
+        return Fault<package::Error>{package::Error::ReadFailed};
+    }
+    if (KobiFileInfo::isNetDrive(name)) {
+        input->m_file = std::make_unique<MyReadFileCached>(input->m_file.release(),
+                                                           package::CachedSource::kCacheBytes);
+    }
+    auto reader = package::PackageReader::open(*input->m_file);
+    if (!reader) {
+        return reader.fault();
+    }
+    input->m_reader = std::move(*reader);
+    return input;
+}
+
+bool PackageOutput::open(const QString &name, int action)
+{
+    if (!m_target.open(name, action)) {
+        return false;
+    }
+    ByteSink *sink = &m_target.file();
+    if (KobiFileInfo::isNetDrive(name)) {
+        m_networkSink = std::make_unique<package::BlockBufferedSink>(*sink);
+        sink = m_networkSink.get();
+    }
+    m_writer = std::make_unique<package::PackageWriter>(*sink);
+    return true;
+}
+
+bool PackageOutput::release()
+{
+    m_writer.reset();
+    const bool isFlushed = !m_networkSink || m_networkSink->flush();
+    m_networkSink.reset();
+    return isFlushed;
+}
+
+} // namespace corvanta

@@ -1,0 +1,54 @@
+// io/package_file/package_file.h
+// Office packages as files: read through the host's files, and written beside their target.
+//
+// On network drives reads go through a cache of 64 KiB and writes are collected in blocks of 5 MiB.
+#pragma once
+#include "corvanta/files.h"
+#include "corvanta/target_file.h"
+#include "io/package/package_reader.h"
+#include "io/package/package_writer.h"
+
+#include <functional>
+#include <memory>
+
+namespace corvanta {
+
+/// A package opened for reading. Threads: one at a time.
+class PackageInput
+{
+public:
+    /// Errors: ReadFailed (also when there is no such file), NotAPackage, BadDirectory.
+    static Result<std::unique_ptr<PackageInput>, package::Error> open(GlobalParameters *parameters,
+                                                                      const QString &name);
+    package::PackageReader &reader() { return *m_reader; }
+
+private:
+    PackageInput() = default;
+
+    std::unique_ptr<MyReadFile> m_file;
+    std::unique_ptr<package::PackageReader> m_reader;
+};
+
+/// A package that takes its target's place when it is complete; see TargetFile. Threads: as
+/// PackageWriter.
+class PackageOutput
+{
+public:
+    /// False when the temporary file cannot be made.
+    bool open(const QString &name, int action);
+    bool isOpen() const { return m_writer != nullptr; }
+    package::PackageWriter &writer() { return *m_writer; }
+
+    /// Replace the target, after writer().close(). False when that failed: the target is as it was.
+    bool commit() { return release() && m_target.commit(); }
+    bool commit(const TargetFile::Move &move) { return release() && m_target.commit(move); }
+
+private:
+    bool release();
+
+    TargetFile m_target;
+    std::unique_ptr<ByteSink> m_networkSink;
+    std::unique_ptr<package::PackageWriter> m_writer;
+};
+
+} // namespace corvanta
