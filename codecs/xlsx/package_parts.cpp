@@ -178,6 +178,21 @@ Result<QByteArray, Error> changedRelationships(QByteArrayView text,
     return splices.apply();
 }
 
+Result<std::vector<QByteArray>, Error> readOverriddenParts(QByteArrayView text)
+{
+    const auto outline = readRootedIn(text, "Types");
+    if (!outline) {
+        return outline.fault();
+    }
+    std::vector<QByteArray> names;
+    for (const int index : outline->children(0, "Override")) {
+        const auto name = outline->element(index).tag.attribute("PartName");
+        names.push_back(decoded(name.value_or(QByteArrayView())).toUtf8());
+        names.back().remove(0, names.back().startsWith('/') ? 1 : 0);
+    }
+    return names;
+}
+
 Result<QByteArray, Error> withContentType(QByteArrayView text, const QByteArray &partName,
                                           const QByteArray &contentType)
 {

@@ -57,6 +57,10 @@ Result<QByteArray, Error> changedRelationships(QByteArrayView text,
                                                const std::vector<Relationship> &added,
                                                const std::vector<QByteArray> &removedIds = {});
 
+/// The part names that "[Content_Types].xml" lists one by one, without the leading "/".
+/// Errors: as readRelationships.
+Result<std::vector<QByteArray>, Error> readOverriddenParts(QByteArrayView text);
+
 /// "[Content_Types].xml" with an Override for one more part. Errors: as readRelationships.
 Result<QByteArray, Error> withContentType(QByteArrayView text, const QByteArray &partName,
                                           const QByteArray &contentType);

@@ -28,8 +28,8 @@ public:
     /// Say that this was all. Errors: as push().
     Result<void, Error> finish();
 
-    /// What goes in front of the new rows, as far as it is known after push() and finish(); each byte
-    /// is given once.
+    /// What goes in front of the new rows, as far as it is known after push() and finish(); each
+    /// byte is given once.
     QByteArray takeHead() { return std::exchange(m_head, {}); }
 
     // After finish():

@@ -153,6 +153,18 @@ TEST(PackageParts, RelationshipsAreNumberedOn)
     EXPECT_TRUE(changedRelationships({}, {}));
 }
 
+TEST(PackageParts, ContentTypesNameTheParts)
+{
+    const QByteArray text =
+        "<c:Types xmlns:c='x'><c:Override ContentType='t' PartName='/xl/a&amp;b.xml'/></c:Types>";
+    const auto added = withContentType(text, "xl/worksheets/sheet2.xml", "u");
+    ASSERT_TRUE(added);
+    const auto names = readOverriddenParts(*added);
+    ASSERT_TRUE(names);
+    EXPECT_EQ(*names, (std::vector<QByteArray>{"xl/a&b.xml", "xl/worksheets/sheet2.xml"}));
+    EXPECT_EQ(readOverriddenParts("<Relationships/>").fault().code, Error::Unexpected);
+}
+
 TEST(WorkbookPart, ReadsSheetsHoweverTheyAreWritten)
 {
     const QByteArray text =
