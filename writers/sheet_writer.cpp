@@ -223,7 +223,7 @@ bool SheetWriter::putDate(int column, const OneRow &row)
     }
     constexpr int kSerialDigits = 16;
     const auto serial = m_dates->serial({reinterpret_cast<const char16_t *>(units), static_cast<size_t>(n)});
-    if (!serial) {
+    if (!serial || *serial < m_options.firstDay) {
         return true;
     }
     if (!room(kCellBytes)) {
@@ -231,7 +231,7 @@ bool SheetWriter::putDate(int column, const OneRow &row)
     }
     appendReference(column);
     append(m_datePrefix);
-    m_out += putGeneral(*serial, kSerialDigits, m_out);
+    m_out += putGeneral(*serial - m_options.firstDay, kSerialDigits, m_out);
     append(kValueClosing);
     return true;
 }

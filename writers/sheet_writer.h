@@ -27,6 +27,7 @@ struct SheetOptions
     bool crop = false;
     QByteArray datePrefix = sheet::kNewDatePrefix;
     QByteArray linkPrefix = sheet::kNewLinkPrefix;
+    int firstDay = 0; ///< serial that the workbook counts as day 0
 };
 
 /// A few characters of fixed XML. Copied whole, which is one or two instructions, where a copy of the exact

@@ -30,10 +30,6 @@ void ActionWriteExcel::start()
     m_run = std::make_unique<RunState>();
     m_run->file = expandOutputFile(m_params.fileNameDestination, QString());
     m_longCells.reset();
-    if (m_params.mode != 0) {
-        fail(u"\nERROR writing to Excel file '%1': this version writes new workbooks only (mode 0)\n"_s.arg(m_run->file));
-        return;
-    }
     // A format with markup characters would end the cell's element.
     const bool hasMarkup = m_params.floatToString.contains(u'<') || m_params.floatToString.contains(u'&');
     if (hasMarkup || !m_floatFormat.set(m_params.floatToString)) {
@@ -142,9 +138,17 @@ bool ActionWriteExcel::decideKind(const OneRow *row, SheetWriter::Column *column
 
 bool ActionWriteExcel::writeMember(const char *name, const QByteArray &content)
 {
-    return packageCall([&] { return m_run->package->openMember(name); })
-        && packageCall([&] { return m_run->package->write(content); })
-        && packageCall([&] { return m_run->package->closeMember(); });
+    return packageCall([&] { return m_run->output.writer().openMember(name); })
+        && packageCall([&] { return m_run->output.writer().write(content); })
+        && packageCall([&] { return m_run->output.writer().closeMember(); });
+}
+
+bool ActionWriteExcel::openOutput()
+{
+    if (!m_run->output.open(m_run->file, getIdx())) {
+        return !fail(u"\nERROR writing to Excel file '%1'\n"_s.arg(m_run->file));
+    }
+    return true;
 }
 
 bool ActionWriteExcel::openNewWorkbook(std::vector<SheetWriter::Column> columns)
@@ -152,28 +156,42 @@ bool ActionWriteExcel::openNewWorkbook(std::vector<SheetWriter::Column> columns)
     if (m_params.createDir) {
         QDir().mkpath(QFileInfo(m_run->file).absolutePath());
     }
-    if (!m_run->target.open(m_run->file, getIdx())) {
-        return !fail(u"\nERROR writing to Excel file '%1'\n"_s.arg(m_run->file));
+    if (!openOutput()) {
+        return false;
     }
-    m_run->package = std::make_unique<package::PackageWriter>(m_run->target.file());
     m_run->sheetName = makeSheetName();
+    if (m_run->sheetName.contains(u'<')) {
+        warn(u"Warning: the sheet name '%1' of the Excel file '%2' contains '<': the workbook may not open.\n"_s.arg(
+            m_run->sheetName, m_run->file));
+    }
     for (const sheet::FixedMember &member : sheet::leadingMembers(m_params.dateFormatExcel)) {
         if (!writeMember(member.name, member.content)) {
             return !failOn(SheetWriter::Error::Write);
         }
     }
-    if (!packageCall([&] { return m_run->package->openMember(sheet::kSheetMember); })) {
+    if (!packageCall([&] { return m_run->output.writer().openMember(sheet::kSheetMember); })) {
         return !failOn(SheetWriter::Error::Write);
     }
+    makeSheetWriter(std::move(columns), sheetOptions());
+    return !failOn(m_run->sheet->put(sheet::sheetHead()));
+}
+
+SheetOptions ActionWriteExcel::sheetOptions() const
+{
     SheetOptions options;
     options.floatFormat = m_floatFormat;
     options.noNans = m_params.noNans;
     options.equalIsFormula = m_params.equalisFormula;
     options.urlTag = m_params.urlTag;
     options.crop = m_params.crop;
-    m_run->sheet = std::make_unique<SheetWriter>(*m_run->package, options, std::move(columns), m_run->dates.get(),
-                                                 [this] { warnLongCell(); }, [this] { return askRetry(); });
-    return !failOn(m_run->sheet->put(sheet::sheetHead()));
+    return options;
+}
+
+void ActionWriteExcel::makeSheetWriter(std::vector<SheetWriter::Column> columns, const SheetOptions &options)
+{
+    m_run->sheet = std::make_unique<SheetWriter>(m_run->output.writer(), options, std::move(columns),
+                                                 m_run->dates.get(), [this] { warnLongCell(); },
+                                                 [this] { return askRetry(); });
 }
 
 void ActionWriteExcel::warnLongCell()
@@ -192,10 +210,6 @@ QString ActionWriteExcel::makeSheetName()
         if (name.back().isHighSurrogate()) {
             name.chop(1);
         }
-    }
-    if (name.contains(u'<')) {
-        warn(u"Warning: the sheet name '%1' of the Excel file '%2' contains '<': the workbook may not open.\n"_s.arg(
-            name, m_run->file));
     }
     return name;
 }
@@ -219,7 +233,7 @@ bool ActionWriteExcel::begin(const OneRow *row)
             return false;
         }
     }
-    if (!openNewWorkbook(std::move(columns))) {
+    if (!openWorkbook(std::move(columns))) {
         return false;
     }
     m_run->firstRow = m_run->sheet->row();
@@ -282,6 +296,18 @@ bool ActionWriteExcel::step()
     return false;
 }
 
+/// What the defined name covers; nothing when none is wanted.
+std::optional<sheet::NamedRange> ActionWriteExcel::namedRange() const
+{
+    if (m_params.namedRange.isEmpty()) {
+        return std::nullopt;
+    }
+    const SheetWriter &sheet = *m_run->sheet;
+    const bool skipHeader = m_params.firstLineContainsColumnNames && !m_params.nrIncludeTitleRow;
+    return sheet::NamedRange{m_params.namedRange, m_run->sheetName, m_run->firstRow + (skipHeader ? 1 : 0),
+                             sheet.row() - 1, sheet.columnCount() - 1};
+}
+
 bool ActionWriteExcel::finishNewWorkbook()
 {
     SheetWriter &sheet = *m_run->sheet;
@@ -294,15 +320,11 @@ bool ActionWriteExcel::finishNewWorkbook()
         return false;
     }
     sheet.commit();
-    if (!packageCall([&] { return m_run->package->closeMember(); })) {
+    if (!packageCall([&] { return m_run->output.writer().closeMember(); })) {
         return false;
     }
-    QByteArray definedName;
-    if (!m_params.namedRange.isEmpty()) {
-        const bool skipHeader = m_params.firstLineContainsColumnNames && !m_params.nrIncludeTitleRow;
-        definedName = sheet::definedName({m_params.namedRange, m_run->sheetName, m_run->firstRow + (skipHeader ? 1 : 0),
-                                          sheet.row() - 1, sheet.columnCount() - 1});
-    }
+    const auto range = namedRange();
+    const QByteArray definedName = range ? sheet::definedName(*range) : QByteArray();
     if (!writeMember(sheet::kWorkbookMember, sheet::workbook(m_run->sheetName, definedName))) {
         return false;
     }
@@ -316,7 +338,7 @@ bool ActionWriteExcel::finishNewWorkbook()
             return false;
         }
     }
-    return packageCall([&] { return m_run->package->close(); });
+    return packageCall([&] { return m_run->output.writer().close(); });
 }
 
 void ActionWriteExcel::finish()
@@ -325,12 +347,15 @@ void ActionWriteExcel::finish()
         return;
     }
     if (m_run->sheet && m_run->isComplete && runIsGood()) {
-        const bool done = finishNewWorkbook();
+        const bool done = m_run->update ? finishUpdate() : finishNewWorkbook();
         m_run->sheet.reset();
-        m_run->package.reset();
-        if (!done || !m_run->target.commit()) {
+        if (!done) {
             fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(m_run->file));
+        } else if (commit() && m_params.runExcel) {
+            recalculate();
         }
+    } else if (m_run->isFirst && m_run->isComplete && updatesInPlace()) {
+        swapNothing();
     }
     m_run.reset();
 }

@@ -3,12 +3,13 @@
 #pragma once
 #include "codecs/sheet/cell_text.h"
 #include "corvanta/action_base.h"
-#include "corvanta/target_file.h"
-#include "io/package/package_writer.h"
+#include "io/package_file/package_file.h"
 #include "writers/sheet_writer.h"
+#include "writers/workbook_update.h"
 #include "writers/write_excel_params.h"
 
 #include <memory>
+#include <optional>
 
 namespace corvanta {
 
@@ -26,15 +27,16 @@ private:
     /// State of one run; made anew by start().
     struct RunState
     {
-        QString file; // the expanded destination
+        QString file;   // the expanded destination
+        QString source; // the workbook that is read
         bool isFirst = true;
         bool isComplete = false; // all rows are written
         int testColumn = -1;
         qint64 firstRow = 1; // first sheet row written
         QString sheetName;
-        TargetFile target;
+        PackageOutput output;
         std::unique_ptr<sheet::DateParser> dates;
-        std::unique_ptr<package::PackageWriter> package;
+        std::unique_ptr<WorkbookUpdate> update; // null: a new workbook
         std::unique_ptr<SheetWriter> sheet;
     };
 
@@ -46,17 +48,38 @@ private:
     bool findTestColumn(const OneRow *row);
     bool findColumns(const OneRow *row, std::vector<SheetWriter::Column> *columns);
     bool decideKind(const OneRow *row, SheetWriter::Column *column);
+    bool openOutput();
     bool openNewWorkbook(std::vector<SheetWriter::Column> columns);
+    void makeSheetWriter(std::vector<SheetWriter::Column> columns, const SheetOptions &options);
+    SheetOptions sheetOptions() const;
     bool writeMember(const char *name, const QByteArray &content);
     bool isWanted(const OneRow *row) const;
     bool writeRow(const OneRow *row);
     bool failOn(SheetWriter::Error error);
     bool finishNewWorkbook();
+    std::optional<sheet::NamedRange> namedRange() const;
     QString makeSheetName();
     QString qtDateFormat() const;
     void warnLongCell();
     bool askRetry();
     template <class F> bool packageCall(F call);
+
+    // Modes 1 to 4, in write_excel_update.cpp.
+    bool updatesInPlace() const { return m_params.mode == 1 || m_params.mode == 2; }
+    bool openWorkbook(std::vector<SheetWriter::Column> columns);
+    bool openUpdate(const QString &source, std::vector<SheetWriter::Column> columns);
+    bool chooseSheet();
+    bool chooseByNumber();
+    bool chooseByName();
+    void addSheet();
+    void addStyles(SheetOptions *options);
+    bool failUpdate(const Fault<WorkbookUpdate::Problem> &fault);
+    bool finishUpdate();
+    bool commit();
+    void swapNothing();
+    bool swap(const QString &temporary, const QString &target);
+    bool pause(int pauseMs) const;
+    void recalculate();
 
     FloatFormat m_floatFormat;
     CappedLog m_longCells;

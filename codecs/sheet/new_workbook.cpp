@@ -98,14 +98,20 @@ QByteArray sheetTail()
     return "<pageMargins left=\"0.7\" right=\"0.7\" top=\"0.75\" bottom=\"0.75\" header=\"0.3\" footer=\"0.3\"/></worksheet>";
 }
 
-QByteArray definedName(const NamedRange &range)
+QString rangeReference(const NamedRange &range)
 {
     // Inside the quotes of a reference an apostrophe is doubled (18.2.5).
     QString sheetName = range.sheetName;
     sheetName.replace(u'\'', QStringLiteral("''"));
-    return "<definedName name=\"" + escapeXml(range.name).replace("\"", "&quot;") + "\">'" + escapeXml(sheetName)
-        + "'!$A$" + QByteArray::number(range.firstRow) + ":$" + columnLetters(range.lastColumn) + '$'
-        + QByteArray::number(range.lastRow) + "</definedName>";
+    return QStringLiteral("'%1'!$A$%2:$%3$%4")
+        .arg(sheetName, QString::number(range.firstRow), QString::fromLatin1(columnLetters(range.lastColumn)),
+             QString::number(range.lastRow));
+}
+
+QByteArray definedName(const NamedRange &range)
+{
+    return "<definedName name=\"" + escapeXml(range.name).replace("\"", "&quot;") + "\">"
+        + escapeXml(rangeReference(range)) + "</definedName>";
 }
 
 QByteArray escapeSheetName(const QString &name)

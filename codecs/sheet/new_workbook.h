@@ -47,6 +47,8 @@ struct NamedRange
     qint64 lastRow = 1;
     int lastColumn = 0;
 };
+/// The reference to its cells: 'Sheet'!$A$1:$C$9.
+QString rangeReference(const NamedRange &range);
 /// One definedName element.
 QByteArray definedName(const NamedRange &range);
 
