@@ -1,0 +1,272 @@
+#!/usr/bin/python3
+"""Workbooks updated in place and copied: update_test.py CORVANTA"""
+import pathlib
+import re
+import resource
+import shutil
+import signal
+import stat
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree as ElementTree
+
+from workbooks import MAIN, OFFICE, files, members, odd_parts, plain_parts, run_update, write_workbook
+
+CORVANTA = sys.argv.pop(1)
+SHEET = f"{{{MAIN}}}"
+REWRITTEN = {"[Content_Types].xml", "xl/workbook.xml", "xl/_rels/workbook.xml.rels", "xl/styles.xml"}
+
+
+def rows_of(text):
+    """Row number -> formula or text of the cells, in order."""
+    found = {}
+    number = 0
+    for row in ElementTree.fromstring(text).find(SHEET + "sheetData"):
+        assert row.tag == SHEET + "row", row.tag
+        number = int(row.get("r", number + 1))
+        found[number] = ["".join(cell.itertext()) for cell in row]
+    return found
+
+
+class UpdateCase(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.book = self.folder / "book.xlsx"
+        self.addCleanup(shutil.rmtree, self.folder)
+
+    def update(self, attributes, parts=None, **more):
+        if parts is not None:
+            write_workbook(self.book, parts)
+        return run_update(CORVANTA, self.folder, attributes, **more)
+
+
+class ChangedParts(UpdateCase):
+    def check(self, attributes, parts, changed=()):
+        """Run an update that succeeds without a word; returns the new members."""
+        status, messages = self.update(attributes, parts)
+        self.assertEqual((status, messages), (0, []))
+        self.assertEqual(files(self.folder), ["book.xlsx"])
+        old, new = {}, members(self.book)
+        for name, text in parts.items():
+            old[name] = text.encode("latin-1" if name.endswith(".png") else "utf-8")
+        for name in old:
+            if name.replace("\\", "/") not in REWRITTEN | set(changed):
+                self.assertEqual(new[name], old[name], name)
+        for name in new:
+            if name.endswith((".xml", ".rels")):
+                ElementTree.fromstring(new[name])
+        self.assertEqual(list(new)[0], "[Content_Types].xml")
+        return new
+
+    def test_a_sheet_is_added(self):
+        new = self.check("mode='1' sheetName='Data' namedRange='N'", plain_parts())
+        workbook = new["xl/workbook.xml"].decode()
+        self.assertIn('<sheet name="Data_2" sheetId="6" r:id="rId5"/></sheets><definedNames><definedName name="N">'
+                      "'Data_2'!$A$2:$D$3</definedName></definedNames>"
+                      '<calcPr calcId="0" fullCalcOnLoad="1"/>', workbook)
+        self.assertIn('Id="rId5" Type="' + OFFICE + '/worksheet" Target="worksheets/sheet3.xml"',
+                      new["xl/_rels/workbook.xml.rels"].decode())
+        self.assertIn('PartName="/xl/worksheets/sheet3.xml"', new["[Content_Types].xml"].decode())
+        self.assertEqual(rows_of(new["xl/worksheets/sheet3.xml"])[2], ["1", "a<b & c", "45351", "site"])
+        self.assertIn('Id="rId1" Target="http://x.org/?a=1&amp;b=2"', new["xl/worksheets/_rels/sheet3.xml.rels"].decode())
+
+    def test_no_recalculation_when_not_wanted(self):
+        new = self.check("mode='1' sheetName='New' forceRecompute='0'", plain_parts())
+        self.assertIn('<calcPr calcId="124519"/>', new["xl/workbook.xml"].decode())
+
+    def test_rows_are_replaced_and_the_tail_kept(self):
+        tail = "<mergeCells count='1'><mergeCell ref='C1:D1'/></mergeCells><printOptions/><pageMargins/>"
+        sheet = "xl/worksheets/sheet1.xml"
+        new = self.check("mode='2' sheetName='Data' startRow='3'", plain_parts(tail), [sheet])
+        text = new[sheet].decode()
+        rows = rows_of(text)
+        self.assertEqual(sorted(rows), [1, 2, 3, 4, 5])
+        self.assertEqual(rows[3], ["id", "name", "day", "link"])
+        self.assertEqual(rows[2], ["2", "A2+1"])
+        self.assertTrue(text.endswith("</mergeCells><hyperlinks><hyperlink ref=\"D4\" r:id=\"rId1\"/></hyperlinks>"
+                                      "<printOptions/><pageMargins/></worksheet>"))
+        self.assertNotIn("dimension", text)
+        # The chain lists the formulas of the rows that are gone.
+        self.assertNotIn("calcChain", new["xl/_rels/workbook.xml.rels"].decode())
+
+    def test_rows_are_appended_and_links_numbered_on(self):
+        sheet, links = "xl/worksheets/sheet1.xml", "xl/worksheets/_rels/sheet1.xml.rels"
+        parts = plain_parts(f"<hyperlinks><hyperlink ref='A1' r:id='rId7'/></hyperlinks>")
+        parts[links] = f"<Relationships xmlns='r'><Relationship Id='rId7' Type='{OFFICE}/hyperlink' Target='http://z' TargetMode='External'/></Relationships>"
+        new = self.check("mode='2' sheetMode='0' sheetIdx='1' startRow='0' firstLineContainsColumnNames='0'", parts, [sheet, links])
+        self.assertEqual(sorted(rows_of(new[sheet])), [1, 2, 3, 4, 5, 6, 7])
+        self.assertIn("r:id='rId7'/><hyperlink ref=\"D6\" r:id=\"rId8\"/></hyperlinks>", new[sheet].decode())
+        self.assertIn('Id="rId8" Target="http://x.org', new[links].decode())
+        self.assertIn("calcChain", new["xl/_rels/workbook.xml.rels"].decode())
+
+    def test_odd_forms_are_understood(self):
+        for attributes, sheet, row in (("mode='2' sheetMode='0' startRow='0'", "xl\\worksheets\\sheet1.xml", 6),
+                                       ("mode='2' sheetMode='0' startRow='4'", "xl\\worksheets\\sheet1.xml", 4),
+                                       ("mode='2' sheetName=\"It's &amp; more\"", "xl\\worksheets\\sheet2.xml", 1),
+                                       ("mode='1' namedRange='N'", "xl/worksheets/sheet3.xml", 1)):
+            with self.subTest(attributes):
+                new = self.check(attributes, odd_parts(), [sheet.replace("\\", "/")])
+                rows = rows_of(new[sheet])
+                self.assertEqual(rows[row][0], "id")
+                self.assertEqual(max(rows), row + 2)
+                styles = ElementTree.fromstring(new["xl\\styles.xml"])
+                for table, count in (("numFmts", 1), ("fonts", 2), ("cellXfs", 3)):
+                    element = styles.find(SHEET + table)
+                    self.assertEqual((len(element), element.get("count")), (count, str(count)))
+                self.assertIn(b' s="1"><v>45351', new[sheet])
+
+    def test_dates_count_from_1904_where_the_workbook_does(self):
+        parts = plain_parts()
+        parts["xl/workbook.xml"] = parts["xl/workbook.xml"].replace("<sheets>", '<workbookPr date1904="1"/><sheets>')
+        new = self.check("mode='1' sheetName='New'", parts)
+        self.assertEqual(rows_of(new["xl/worksheets/sheet3.xml"])[2][2], str(45351 - 1462))
+
+    def test_copies_leave_the_source(self):
+        for mode in (3, 4):
+            with self.subTest(mode):
+                source = self.folder / "source.xlsx"
+                write_workbook(source, plain_parts())
+                before = source.read_bytes()
+                self.assertEqual(self.update(f"mode='{mode}' fileNameSource='source.xlsx' sheetName='Data' startRow='0'"), (0, []))
+                self.assertEqual(source.read_bytes(), before)
+                new = members(self.book)
+                self.assertEqual(new["xl/media/image1.png"], plain_parts()["xl/media/image1.png"].encode("latin-1"))
+                self.assertIn("xl/worksheets/sheet3.xml" if mode == 3 else "xl/worksheets/sheet1.xml", new)
+
+
+class Messages(UpdateCase):
+    ONE_SHEET = {name: text for name, text in odd_parts().items()}
+    ONE_SHEET["xl\\workbook.xml"] = re.sub("<x:sheet sheetId='5'.*?</x:sheet>", "", ONE_SHEET["xl\\workbook.xml"])
+
+    def test_refusals_leave_the_workbook(self):
+        damaged = plain_parts()
+        no_sheet = plain_parts()
+        del no_sheet["xl/worksheets/sheet1.xml"]
+        no_root = {**plain_parts(), "xl/worksheets/sheet1.xml": f"<chartsheet xmlns='{MAIN}'/>"}
+        utf16 = {**plain_parts(), "xl/workbook.xml": plain_parts()["xl/workbook.xml"].replace("UTF-8", "UTF-16")}
+        reading = "\nERROR Reading Excel file 'book.xlsx'\n"
+        cases = [
+            (self.ONE_SHEET, "mode='2' sheetMode='0' sheetIdx='3'",
+             ["ExcelWriter: Could not find sheet number '3' inside the file 'book.xlsx' (The only sheet has the index '1')."]),
+            (plain_parts(), "mode='2' sheetMode='0' sheetIdx='x'",
+             ["ExcelWriter: Could not find sheet number '0' inside the file 'book.xlsx' (The valid range of sheet indexes is from 1 to 2)."]),
+            (self.ONE_SHEET, "mode='2' sheetName='data' createIfNotExists='0'",
+             ["ExcelWriter: Could not find sheet named 'data' inside the file 'book.xlsx'. The only sheet is named 'Data'."]),
+            (plain_parts(), "mode='2' sheetName='%1' createIfNotExists='0'",
+             ["ExcelWriter: Could not find sheet named '%1' inside the file 'book.xlsx'. The 2 available sheets have the following names: 'Data', 'It's & more'."]),
+            (no_sheet, "mode='2' sheetName='Data'", ["\nERROR: cannot open file 'xl/worksheets/sheet1.xml' in the zipfile for read", reading]),
+            (no_root, "mode='2' sheetName='Data'", [reading]),
+            (utf16, "mode='1'", [reading]),
+            (damaged, "mode='1'", ["\nERROR: cannot decompress file 'xl/media/image1.png'.\n", reading]),
+        ]
+        for parts, attributes, expected in cases:
+            with self.subTest(attributes):
+                write_workbook(self.book, parts)
+                if parts is damaged:
+                    content = bytearray(self.book.read_bytes())
+                    content[content.rindex(b"xl/media/image1.png", 0, -200) + 25] ^= 0x10
+                    self.book.write_bytes(content)
+                before = self.book.read_bytes()
+                self.assertEqual(self.update(attributes), (1, expected))
+                self.assertEqual(self.book.read_bytes(), before)
+                self.assertEqual(files(self.folder), ["book.xlsx"])
+
+    def test_what_is_no_package_is_not_overwritten(self):
+        self.book.write_bytes(b"not a workbook")
+        self.assertEqual(self.update("mode='1'"), (1, ["\nERROR Reading Excel file 'book.xlsx'\n"]))
+        self.assertEqual(self.book.read_bytes(), b"not a workbook")
+
+    def test_a_missing_workbook_is_made_or_refused(self):
+        for mode, source in ((1, "book.xlsx"), (4, "none.xlsx")):
+            attributes = f"mode='{mode}' fileNameSource='none.xlsx' "
+            self.assertEqual(self.update(attributes + "createIfNotExists='0'"), (1, [f"\nERROR Reading Excel file '{source}'\n"]))
+            self.assertEqual(files(self.folder), [])
+            self.assertEqual(self.update(attributes), (0, [f"\nWarning Cannot read Excel file '{source}'\n"]))
+            self.assertEqual(rows_of(members(self.book)["xl/worksheets/sheet1.xml"])[1][0], "id")
+            self.book.unlink()
+
+    def test_a_missing_sheet_is_made(self):
+        self.assertEqual(self.update("mode='2' sheetName='Later' startRow='9'", plain_parts()), (0, []))
+        self.assertEqual(min(rows_of(members(self.book)["xl/worksheets/sheet3.xml"])), 1)
+
+    def test_long_names_are_cut_once_and_stay_unique(self):
+        name = "n" * 35
+        warning = [f"WARNING: in the Excelfile 'book.xlsx' the SheetName '{name}' is too long: truncating at 31 chars."]
+        self.assertEqual(self.update(f"mode='1' sheetName='{name}'", plain_parts()), (0, warning))
+        self.assertEqual(self.update(f"mode='1' sheetName='{name}'"), (0, warning))
+        names = re.findall('<sheet name="(n[^"]*)"', members(self.book)["xl/workbook.xml"].decode())
+        self.assertEqual(names, ["n" * 31, "n" * 29 + "_2"])
+
+    def test_styles_that_cannot_take_ours(self):
+        for styles, warning in ((None, 1), (f"<styleSheet xmlns='{MAIN}'/>", 2)):
+            parts = {**plain_parts(), "xl/styles.xml": styles}
+            if styles is None:
+                del parts["xl/styles.xml"]
+            expected = (0, [f"Warning: Cannot add new Cell Styles ({warning}) inside Excel file"])
+            self.assertEqual(self.update("mode='1' sheetName='New'", parts), expected)
+            new = members(self.book)
+            self.assertEqual(len(ElementTree.fromstring(new["xl/styles.xml"]).find(SHEET + "cellXfs")), 3)
+            self.assertIn(b' s="1"><v>45351', new["xl/worksheets/sheet3.xml"])
+
+    def test_an_empty_input_swaps_nothing(self):
+        header = "id,name,day,link\n"
+        write_workbook(self.book, plain_parts())
+        before = self.book.read_bytes()
+        status, messages = self.update("mode='2' sheetName='Data'", csv=header)
+        self.assertEqual(status, 1)
+        pair = r"'book\.xlsx_tmp_1_\d+' to 'book\.xlsx'"
+        for message in messages[:-1]:
+            self.assertRegex(message, f"^WARNING: failed attempt to rename {pair}$")
+        self.assertEqual(len(messages), 6)
+        self.assertRegex(messages[-1], f"^ERROR: impossible to rename {pair}$")
+        self.assertEqual((self.book.read_bytes(), files(self.folder)), (before, ["book.xlsx"]))
+        self.assertEqual(self.update("mode='4' fileNameSource='book.xlsx'", csv=header), (0, []))
+        self.assertEqual(self.book.read_bytes(), before)
+
+
+class Surroundings(UpdateCase):
+    def test_a_full_disk_leaves_the_workbook(self):
+        def limit():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (900, 900))
+        write_workbook(self.book, plain_parts())
+        before = self.book.read_bytes()
+        status, messages = self.update("mode='1'", limit=limit)
+        self.assertEqual((status, messages), (1, ["\nERROR: cannot write to XLSX file 'book.xlsx'\n"]))
+        self.assertEqual((self.book.read_bytes(), files(self.folder)), (before, ["book.xlsx"]))
+
+    def test_network_drives_get_the_same_bytes(self):
+        contents = []
+        for environment in ({}, {"CORVANTA_NET_DRIVE": str(self.folder)}):
+            self.assertEqual(self.update("mode='2' sheetName='Data' startRow='0'", plain_parts(), environment=environment), (0, []))
+            contents.append(self.book.read_bytes())
+        self.assertEqual(contents[0], contents[1])
+
+    def test_permissions_stay(self):
+        write_workbook(self.book, plain_parts())
+        self.book.chmod(0o640)
+        self.assertEqual(self.update("mode='1'"), (0, []))
+        self.assertEqual(stat.S_IMODE(self.book.stat().st_mode), 0o640)
+
+    def test_the_spreadsheet_program_is_checked(self):
+        tools = self.folder / "tools"
+        tools.mkdir()
+        program = tools / "soffice"
+        warning = ["Warning: cannot run MS-Excel to finalize XLSX file 'book.xlsx'\n"]
+        find_out = 'while [ "$1" != --outdir ]; do shift; done; mkdir -p "$2"; '
+        for script, expected in ((None, warning), ("exit 3", warning), (find_out + 'echo bad > "$2/book.xlsx"', warning),
+                                 (find_out + 'cp "$3" "$2/book.xlsx"; printf marked >> "$2/book.xlsx"', [])):
+            with self.subTest(script):
+                if script is not None:
+                    program.write_text("#!/bin/sh\nPATH=/usr/bin:/bin\n" + script + "\n")
+                    program.chmod(0o755)
+                done = self.update("mode='1' runExcel='1'", plain_parts(), environment={"PATH": str(tools)})
+                self.assertEqual(done, (0, expected))
+                self.assertEqual(self.book.read_bytes().endswith(b"marked"), not expected)
+                self.assertIn("xl/worksheets/sheet3.xml", members(self.book))
+                self.assertEqual(files(self.folder), ["book.xlsx", "tools"])
+
+
+if __name__ == "__main__":
+    unittest.main()
