@@ -102,7 +102,7 @@ Token JSONTokenizer::nextToken()
 }
 
 /// Go on by one construct; None when it gives no token.
-Token JSONTokenizer::step()
+inline Token JSONTokenizer::step()
 {
     if (m_state == State::AfterValue) {
         return m_open.empty() ? endDocument() : afterValue();
@@ -148,7 +148,7 @@ Token JSONTokenizer::missingEnd()
     return open && isBalanced() ? fail(MarkupError::UnmatchedEndTag) : endOfData();
 }
 
-Token JSONTokenizer::readKey(char quote)
+inline Token JSONTokenizer::readKey(char quote)
 {
     if (quote != '"' && quote != '\'') {
         return fail(MarkupError::QuoteExpected);
@@ -158,8 +158,8 @@ Token JSONTokenizer::readKey(char quote)
     if (!scanString(quote, &name)) {
         return fail(MarkupError::QuoteExpected);
     }
-    if (name.size == 0) {
-        name = {kUnderscore, 0, TextForm::Plain, true};
+    if (name.size() == 0) {
+        name = TextSpan::external(kUnderscore);
     }
     if (*here() != ':' && skipSpace(Hold::Token) != ':') {
         return fail(MarkupError::ColonExpected);
@@ -174,13 +174,13 @@ Token JSONTokenizer::readKey(char quote)
 Token JSONTokenizer::startItem()
 {
     m_keep = m_pos;
-    m_name = m_text = {m_open.back().itemName, 0, TextForm::Plain, true};
+    m_name = m_text = TextSpan::external(m_open.back().itemName);
     ++m_depth;
     m_state = State::Value;
     return finish(Token::Start);
 }
 
-Token JSONTokenizer::readValue(char c)
+inline Token JSONTokenizer::readValue(char c)
 {
     switch (c) {
     case '"':
@@ -209,8 +209,8 @@ bool JSONTokenizer::openContainer(bool object)
     }
     Container container;
     container.itemName = object ? 0 : m_itemName;
-    if (m_name.external) {
-        container.nameExternal = m_name.offset;
+    if (m_name.isExternal()) {
+        container.nameExternal = m_name.offset();
     } else {
         const RawText name = resolve(m_name);
         container.nameSize = name.size;
@@ -241,14 +241,14 @@ Token JSONTokenizer::closeContainer(char c)
         m_closedName = {m_names.data() + start, container.nameSize,
                         plain ? TextForm::Detached : container.nameForm};
     }
-    m_name = {kClosedName, 0, TextForm::Plain, true};
+    m_name = TextSpan::external(kClosedName);
     m_scalar = false;
     m_state = State::AfterValue;
     return Token::None;
 }
 
 /// What follows the value of a member or item decides whether it is complete.
-Token JSONTokenizer::afterValue()
+inline Token JSONTokenizer::afterValue()
 {
     const char c = skipSpace(m_scalar ? Hold::Token : Hold::Nothing);
     if (c == ',') {
@@ -267,7 +267,7 @@ Token JSONTokenizer::afterValue()
     return c == 0 ? missingEnd() : fail(MarkupError::InvalidTagEnd);
 }
 
-Token JSONTokenizer::endElement()
+inline Token JSONTokenizer::endElement()
 {
     --m_depth;
     m_text = m_name;
@@ -275,18 +275,18 @@ Token JSONTokenizer::endElement()
 }
 
 /// Scan a string from its opening quote; false when it has no end.
-bool JSONTokenizer::scanString(char quote, TextSpan *span)
+inline bool JSONTokenizer::scanString(char quote, TextSpan *text)
 {
     const char *at = here() + 1;
-    span->offset = fromToken(at);
-    span->form = TextForm::Plain;
+    const quint32 offset = fromToken(at);
+    TextForm form = TextForm::Plain;
     for (;;) {
         at = findStringStop(at, quote);
         if (*at == quote) {
             break;
         }
         if (*at == '\\') {
-            span->form = TextForm::JsonEscaped;
+            form = TextForm::JsonEscaped;
             ensure(&at, 2);
             if (at[1] != 0) {
                 at += 2;
@@ -301,15 +301,15 @@ bool JSONTokenizer::scanString(char quote, TextSpan *span)
             }
             continue;
         }
-        span->form = *at == '\r' || *at == '\n' ? TextForm::JsonEscaped : span->form;
+        form = *at == '\r' || *at == '\n' ? TextForm::JsonEscaped : form;
         ++at;
     }
-    span->size = fromToken(at) - span->offset;
+    *text = span(offset, at, form);
     m_pos = static_cast<size_t>(at + 1 - data());
     return true;
 }
 
-Token JSONTokenizer::readString(char quote)
+inline Token JSONTokenizer::readString(char quote)
 {
     TextSpan text;
     if (!scanString(quote, &text)) {
@@ -353,17 +353,17 @@ Token JSONTokenizer::readLiteral(char c)
     ensure(&at, length + 1);
     const std::string_view found(at, static_cast<size_t>(std::min<qsizetype>(end() - at, length)));
     if (found == literal.word) {
-        m_text = {fromToken(at), static_cast<quint32>(length), TextForm::Plain, false};
+        m_text = span(fromToken(at), at + length, TextForm::Plain);
         return finishBareValue(at + length, literal.error);
     }
     if (matches(at, "nan")) {
-        m_text = {kNan, 0, TextForm::Plain, true};
+        m_text = TextSpan::external(kNan);
         return finishBareValue(at + 3, literal.error);
     }
     return failAt(at + matchingChars(at, literal.word), literal.error);
 }
 
-Token JSONTokenizer::readNumber()
+inline Token JSONTokenizer::readNumber()
 {
     const char *at = here();
     const quint8 set = m_permissive ? charset::kPermissive : charset::kNumber;
@@ -373,12 +373,12 @@ Token JSONTokenizer::readNumber()
             ++at;
         }
     } while (at == end() && refillAt(&at));
-    m_text = {offset, fromToken(at) - offset, TextForm::Plain, false};
-    m_numberLength = m_text.size;
+    m_text = span(offset, at, TextForm::Plain);
+    m_numberLength = m_text.size();
     if (!m_permissive && (matches(at, "n") || matches(at, "i"))) {
         return readSpecialNumber(at, data()[m_keep + offset] == '-');
     }
-    return m_text.size == 0 ? failAt(at, MarkupError::InvalidNumber)
+    return m_text.size() == 0 ? failAt(at, MarkupError::InvalidNumber)
                             : finishBareValue(at, MarkupError::InvalidNumber);
 }
 
@@ -389,20 +389,20 @@ Token JSONTokenizer::readSpecialNumber(const char *at, bool negative)
     constexpr qsizetype kShort = 3;
     ensure(&at, static_cast<qsizetype>(kInfinity.size()) + 1);
     if (matches(at, "nan")) {
-        m_text = {kNan, 0, TextForm::Plain, true};
+        m_text = TextSpan::external(kNan);
         return finishBareValue(at + kShort, MarkupError::InvalidNumber);
     }
     const qsizetype letters = matchingChars(at, kInfinity);
     if (letters < kShort) {
         return failAt(at + letters, MarkupError::InvalidNumber);
     }
-    m_text = {negative ? kMinusInf : kInf, 0, TextForm::Plain, true};
+    m_text = TextSpan::external(negative ? kMinusInf : kInf);
     const bool isLong = letters == static_cast<qsizetype>(kInfinity.size());
     return finishBareValue(at + (isLong ? letters : kShort), MarkupError::InvalidNumber);
 }
 
 /// A value without quotes ends at `at`: only a separator may follow.
-Token JSONTokenizer::finishBareValue(const char *at, MarkupError error)
+inline Token JSONTokenizer::finishBareValue(const char *at, MarkupError error)
 {
     ensure(&at, 1);
     // Where the data broke off, what was read may be only a part of the value.

@@ -67,7 +67,7 @@ private:
     Token closeContainer(char c);
     Token endElement();
     Token missingEnd();
-    bool scanString(char quote, TextSpan *span);
+    bool scanString(char quote, TextSpan *text);
     Token readString(char quote);
     Token readLiteral(char c);
     qsizetype matchingChars(const char *at, std::string_view word) const;

@@ -139,6 +139,7 @@ qsizetype decode(const RawText &text, char16_t *out)
     case TextForm::JsonEscaped:
         return decodeJson(text.data, end, out);
     case TextForm::XmlEntities:
+    case TextForm::External:
         break;
     }
     return decodeXml(text.data, end, out);

@@ -17,6 +17,7 @@ enum class TextForm : quint8 {
     Detached,    ///< the same outside a tokenizer's buffer: nothing may be read behind it
     JsonEscaped, ///< holds backslash escapes or raw line breaks of a JSON string
     XmlEntities, ///< holds "&"; what is no entity stays as it is
+    External,    ///< of a TextSpan only: the text has a number and lies elsewhere
 };
 
 /// UTF-8 bytes and how to read them. Valid as long as what it was taken from.

@@ -148,7 +148,7 @@ void MarkupTokenizer::ensure(const char **at, qsizetype n)
     }
 }
 
-char MarkupTokenizer::skipSpace(Hold hold)
+char MarkupTokenizer::skipSpaceSlow(Hold hold)
 {
     const char *at = here();
     for (;;) {
@@ -183,12 +183,12 @@ Token MarkupTokenizer::endOfData()
     return finish(Token::EndOfData);
 }
 
-RawText MarkupTokenizer::resolve(const TextSpan &span) const
+RawText MarkupTokenizer::resolve(TextSpan span) const
 {
-    if (span.external) {
-        return externalText(span.offset);
+    if (span.isExternal()) {
+        return externalText(span.offset());
     }
-    return {m_data.get() + m_keep + span.offset, span.size, span.form};
+    return {m_data.get() + m_keep + span.offset(), span.size(), span.form()};
 }
 
 std::u16string_view MarkupTokenizer::text()

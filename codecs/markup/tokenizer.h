@@ -30,13 +30,37 @@ enum class Token : quint8 {
 
 enum class ClearKind : quint8 { CData, DocType, Comment, Pre, Script, CapitalScript, Other };
 
-/// A piece of the buffer, counted from the start of the current token (or an external text's number).
-struct TextSpan
+/// A piece of the buffer, counted from the start of the current token, or the number of a text outside.
+/// One word, so that it is copied in one go: tokens are made by the ten million.
+class TextSpan
 {
-    quint32 offset = 0;
-    quint32 size = 0;
-    TextForm form = TextForm::Plain;
-    bool external = false; ///< `offset` numbers a text outside the buffer
+public:
+    TextSpan() = default;
+    TextSpan(quint32 offset, quint32 size, TextForm form)
+        : m_bits(quint64(offset) << kOffsetShift | quint64(size) << kSizeShift | quint64(form))
+    {}
+    static TextSpan external(quint32 number) { return {number, 0, TextForm::External}; }
+
+    quint32 offset() const { return static_cast<quint32>(m_bits >> kOffsetShift); }
+    quint32 size() const { return static_cast<quint32>(m_bits) >> kSizeShift; }
+    TextForm form() const { return static_cast<TextForm>(m_bits & kFormMask); }
+    bool isExternal() const { return form() == TextForm::External; }
+
+    /// The same, counted from a place `distance` bytes before.
+    TextSpan movedBy(size_t distance) const
+    {
+        TextSpan moved;
+        moved.m_bits = m_bits + (isExternal() ? 0 : quint64(distance) << kOffsetShift);
+        return moved;
+    }
+    /// Without the first `n` bytes.
+    TextSpan without(quint32 n) const { return {offset() + n, size() - n, form()}; }
+
+private:
+    static constexpr int kOffsetShift = 32;
+    static constexpr int kSizeShift = 3; // leaves 29 bits: twice limits::kTokenChars
+    static constexpr quint64 kFormMask = 7;
+    quint64 m_bits = 0;
 };
 
 /// Threads: one at a time. The source must outlive the tokenizer.
@@ -101,7 +125,7 @@ public:
     /// Where the pinned bytes are now; moves with every nextToken().
     const char *pinnedBytes() const { return m_data.get() + m_pin; }
     /// The place of the current token's name or text.
-    const TextSpan &textSpan() const { return m_text; }
+    TextSpan textSpan() const { return m_text; }
     /// A text outside the buffer, by number.
     virtual RawText externalText(quint32 number) const = 0;
 
@@ -125,7 +149,11 @@ protected:
     /// What skipSpace() may let go of when it refills.
     enum class Hold : quint8 { Nothing, Token };
     /// The first character at or behind the position that is no blank; 0 at the end of the data.
-    char skipSpace(Hold hold);
+    char skipSpace(Hold hold)
+    {
+        const char c = *here();
+        return static_cast<uchar>(c) > ' ' ? c : skipSpaceSlow(hold);
+    }
 
     /// True when `at` is where the data broke off with an error.
     bool isBrokenAt(const char *at) const
@@ -140,10 +168,14 @@ protected:
         m_token = token;
         return token;
     }
-    RawText resolve(const TextSpan &span) const;
+    RawText resolve(TextSpan span) const;
     const char *data() const { return m_data.get(); }
     const char *end() const { return m_data.get() + m_end; }
     const char *here() const { return m_data.get() + m_pos; }
+    TextSpan span(quint32 offset, const char *stop, TextForm form) const
+    {
+        return {offset, fromToken(stop) - offset, form};
+    }
     quint32 fromToken(const char *at) const
     {
         return static_cast<quint32>(at - m_data.get() - static_cast<ptrdiff_t>(m_keep));
@@ -161,6 +193,7 @@ protected:
 private:
     static constexpr size_t kNoPin = ~size_t(0);
 
+    char skipSpaceSlow(Hold hold);
     bool isWithinLimits();
     bool allocate(size_t capacity);
     LineCounter position() const;

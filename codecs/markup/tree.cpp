@@ -99,10 +99,7 @@ bool MarkupTreeBuilder::push(ItemKind kind)
         items.reserve(items.size() + more);
     }
     TreeItem &item = items.emplace_back();
-    item.text = m_tokenizer->textSpan();
-    if (!item.text.external) {
-        item.text.offset += static_cast<quint32>(m_tokenizer->pinnedOffset());
-    }
+    item.text = m_tokenizer->textSpan().movedBy(m_tokenizer->pinnedOffset());
     item.next = static_cast<quint32>(items.size());
     item.parent = m_current;
     item.kind = kind;
@@ -114,16 +111,14 @@ bool MarkupTreeBuilder::push(ItemKind kind)
 
 bool MarkupTreeBuilder::addAttributes()
 {
-    const auto pinned = static_cast<quint32>(m_tokenizer->pinnedOffset());
+    const size_t pinned = m_tokenizer->pinnedOffset();
     for (const XMLTokenizer::Attribute &attribute : m_xml->attributes()) {
         if (!push(ItemKind::Attribute)) {
             return false;
         }
         TreeItem &item = m_tree.m_items.back();
-        item.text = attribute.name;
-        item.text.offset += pinned;
-        item.counts = {attribute.value.offset + pinned, attribute.value.size, 0, 0};
-        item.valueForm = attribute.value.form;
+        item.text = attribute.name.movedBy(pinned);
+        item.value = attribute.value.movedBy(pinned);
     }
     return true;
 }

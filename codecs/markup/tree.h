@@ -21,10 +21,10 @@ struct TreeItem
     TextSpan text;                     ///< name or text, counted from the pinned place
     quint32 next = 0;                  ///< index of the item behind this one and all inside it
     quint32 parent = 0;
-    std::array<quint32, 4> counts{};   ///< of a Child: its items by kind; of an Attribute: the value
+    TextSpan value;                    ///< of an Attribute
+    std::array<quint32, 4> counts{};   ///< of a Child: its items by kind
     ItemKind kind = ItemKind::Child;
     ClearKind clearKind = ClearKind::Other;
-    TextForm valueForm = TextForm::Plain;
 };
 
 class MarkupTree;
@@ -79,17 +79,17 @@ public:
 
     const std::vector<TreeItem> &items() const { return m_items; }
     const TreeItem &item(quint32 index) const { return m_items[index]; }
-    RawText raw(const TextSpan &span) const
+    RawText raw(TextSpan span) const
     {
-        if (span.external) {
-            return m_tokenizer->externalText(span.offset);
+        if (span.isExternal()) {
+            return m_tokenizer->externalText(span.offset());
         }
-        return {m_bytes + span.offset, span.size, span.form};
+        return {m_bytes + span.offset(), span.size(), span.form()};
     }
     RawText raw(quint32 index) const { return raw(m_items[index].text); }
     RawText value(const TreeItem &attribute) const
     {
-        return raw({attribute.counts[0], attribute.counts[1], attribute.valueForm, false});
+        return raw(attribute.value);
     }
     MarkupNode root() const { return {this, 0}; }
 

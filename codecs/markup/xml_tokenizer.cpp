@@ -205,7 +205,7 @@ Token XMLTokenizer::readText(const char *at)
     if (isBrokenAt(at)) {
         return fail(MarkupError::CannotRead);
     }
-    m_text = {0, fromToken(at), form, false};
+    m_text = span(0, at, form);
     return finish(Token::Text);
 }
 
@@ -233,8 +233,8 @@ bool XMLTokenizer::readName(const char **at, NameUse use, TextSpan *name)
         ++*at;
     }
     moveTo(*at);
-    *name = {offset, fromToken(*at) - offset, TextForm::Plain, false};
-    if (name->size == 0) {
+    *name = span(offset, *at, TextForm::Plain);
+    if (name->size() == 0) {
         return failed(error);
     }
     return true;
@@ -298,7 +298,7 @@ Token XMLTokenizer::pendingClose()
     m_closedName = nameAt(m_nameStarts.size() - 1);
     popName();
     --m_depth;
-    m_text = {0, 0, TextForm::Plain, true};
+    m_text = TextSpan::external(0);
     return finish(Token::End);
 }
 
@@ -375,7 +375,7 @@ Token XMLTokenizer::readClear(size_t opener)
         if (size >= closer
             && std::memcmp(at + 1 - closer, section.closer.data() + section.closer.size() - closer, closer)
                    == 0) {
-            m_text = {start, size - closer, TextForm::Plain, false};
+            m_text = {start, size - closer, TextForm::Plain};
             break;
         }
     }
@@ -411,8 +411,7 @@ void XMLTokenizer::cutNameSpace(TextSpan *name) const
 {
     const size_t colon = resolve(*name).view().find(':');
     if (colon != std::string_view::npos) {
-        name->offset += static_cast<quint32>(colon + 1);
-        name->size -= static_cast<quint32>(colon + 1);
+        *name = name->without(static_cast<quint32>(colon + 1));
     }
 }
 
@@ -479,14 +478,15 @@ bool XMLTokenizer::readAttribute()
 bool XMLTokenizer::readQuoted(char quote, TextSpan *value)
 {
     const char *at = here() + 1;
-    value->offset = fromToken(at);
+    const quint32 offset = fromToken(at);
+    TextForm form = TextForm::Plain;
     for (;;) {
         at = findEither(at, quote, '&');
         if (*at == quote) {
             break;
         }
         if (*at == '&') {
-            value->form = TextForm::XmlEntities;
+            form = TextForm::XmlEntities;
             if (!readEntityAt(&at)) {
                 return false;
             }
@@ -495,7 +495,7 @@ bool XMLTokenizer::readQuoted(char quote, TextSpan *value)
             return failed(MarkupError::QuoteExpected);
         }
     }
-    value->size = fromToken(at) - value->offset;
+    *value = span(offset, at, form);
     moveTo(at + 1);
     return true;
 }
@@ -504,13 +504,14 @@ bool XMLTokenizer::readQuoted(char quote, TextSpan *value)
 bool XMLTokenizer::readUnquoted(TextSpan *value)
 {
     const char *at = here();
-    value->offset = fromToken(at);
+    const quint32 offset = fromToken(at);
+    TextForm form = TextForm::Plain;
     for (;;) {
         while (*at != 0 && *at != '>' && *at != '&' && !isSpace(*at)) {
             ++at;
         }
         if (*at == '&') {
-            value->form = TextForm::XmlEntities;
+            form = TextForm::XmlEntities;
             if (!readEntityAt(&at)) {
                 return false;
             }
@@ -518,7 +519,7 @@ bool XMLTokenizer::readUnquoted(TextSpan *value)
             break;
         }
     }
-    value->size = fromToken(at) - value->offset;
+    *value = span(offset, at, form);
     moveTo(at);
     return true;
 }
