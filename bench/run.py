@@ -27,6 +27,17 @@ def graph(*actions):
 
 READ_SALES = f"<readCSV fileName='sales.csv' types='{SALES_TYPES}'/>"
 
+LINE_MEMBERS = ["id", "quantity", "price", "discount", "total", "city", "product", "customer", "comment", "day"]
+LINE_ITEMS = "".join(f"<e name='{name}' path='{name}'/>" for name in LINE_MEMBERS)
+READ_ORDERS = ("<readJSON fileName='orders.json'><Level initialPath='orders'><e name='order' path='order'/>"
+               "<e name='name' path='buyer/name'/><e name='city' path='buyer/city'/></Level>"
+               "<Level initialPath='lines'>" + LINE_ITEMS.replace("name='city'", "name='lineCity'")
+               + "</Level></readJSON>")
+DUCKDB_ORDERS = ("COPY (WITH o AS (SELECT unnest(orders) AS o FROM read_json('orders.json', maximum_object_size=2000000000)), "
+                 'l AS (SELECT o."order", o.buyer.name, o.buyer.city, unnest(o.lines) AS l FROM o) '
+                 'SELECT "order", name, city, ' + ", ".join(f"l.{name}" for name in LINE_MEMBERS)
+                 + " FROM l) TO 'peer.csv' (HEADER)")
+
 # name: (what it does, graph, output, peer program of the bin folder with its arguments or None, peer's output)
 JOBS = {
     "csv_csv": ("CSV through a pass-through action to CSV",
@@ -45,10 +56,31 @@ JOBS = {
     "xml_write": ("CSV to XML; peer: a plain loop that formats the same rows",
                   graph(READ_SALES, "<writeXML fileName='ours.xml' charMode='1'/>"),
                   "ours.xml", ["text_peer", "xml", "sales.csv", "peer.xml"], "peer.xml"),
+    "json_read": ("JSON array of objects to CSV; peer: DuckDB",
+                  graph(f"<readJSON fileName='sales.json'><Level>{LINE_ITEMS}</Level></readJSON>",
+                        "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                  ["duckdb", "-c", "COPY (SELECT * FROM read_json('sales.json')) TO 'peer.csv' (HEADER)"], "peer.csv"),
+    "jsonl_read": ("JSON Lines to CSV; peer: DuckDB",
+                   graph(f"<readJSON fileName='sales.jsonl'><Level>{LINE_ITEMS}</Level></readJSON>",
+                         "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                   ["duckdb", "-c", "COPY (SELECT * FROM read_json('sales.jsonl')) TO 'peer.csv' (HEADER)"], "peer.csv"),
+    "json_nested": ("lines of nested orders to CSV; peer: simdjson",
+                    graph(READ_ORDERS, "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                    ["simdjson_peer", "orders.json", "peer.csv"], "peer.csv"),
+    "json_nested_duckdb": ("lines of nested orders to CSV; peer: DuckDB",
+                           graph(READ_ORDERS, "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                           ["duckdb", "-c", DUCKDB_ORDERS], "peer.csv"),
 }
 
-# Inputs besides sales.csv, by the job that reads them: the file and the script of this folder that makes it from sales.csv.
-INPUTS = {"dbf_read": ("sales.dbf", "make_dbf.py")}
+# Inputs besides sales.csv, by the job that reads them: the file, the script of this folder that makes it from sales.csv,
+# and the script's further arguments.
+INPUTS = {
+    "dbf_read": ("sales.dbf", "make_dbf.py"),
+    "json_read": ("sales.json", "make_json.py", "array"),
+    "jsonl_read": ("sales.jsonl", "make_json.py", "lines"),
+    "json_nested": ("orders.json", "make_json.py", "orders"),
+    "json_nested_duckdb": ("orders.json", "make_json.py", "orders"),
+}
 
 
 def timed(command, folder):
@@ -76,9 +108,10 @@ def run_job(name, args, folder, corvanta, bin_folder):
     ours, theirs = [], []
     table = folder / "sales.csv"
     if name in INPUTS:
-        table = folder / INPUTS[name][0]
+        file_name, script, *arguments = INPUTS[name]
+        table = folder / file_name
         with open(table, "wb") as out:
-            subprocess.run([sys.executable, BENCH / INPUTS[name][1], folder / "sales.csv"], stdout=out, check=True)
+            subprocess.run([sys.executable, BENCH / script, folder / "sales.csv", *arguments], stdout=out, check=True)
     peer_program = peer and (shutil.which(peer[0], path=str(bin_folder)) or shutil.which(peer[0]))
     for _ in range(args.runs):
         ours.append(timed([corvanta, "run", "bench.graph", "--progress", "never"], folder))
