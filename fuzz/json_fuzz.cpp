@@ -1,5 +1,6 @@
 // fuzz/json_fuzz.cpp
-// Any bytes as JSON: the tokens are the same for all buffer sizes and reads, and every row comes out.
+// Any bytes as JSON: the tokens are the same for all buffer sizes and reads, and every row comes
+// out.
 #include "fuzz/markup_property.h"
 
 using namespace corvanta;

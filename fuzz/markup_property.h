@@ -31,6 +31,7 @@ void checkMarkup(const Make &make, QByteArrayView bytes, qint64 pieceBytes, bool
     MemorySource source(bytes, pieceBytes);
     const auto tokenizer = make(source, 1024);
     LevelExtractor extractor(levels, options);
+    extractor.setBlockSize(1024);
     extractor.beginDocument(*tokenizer);
     BlockArena arena;
     while (extractor.next(arena) == LevelExtractor::Outcome::Row) {

@@ -1,5 +1,6 @@
 // fuzz/xml_fuzz.cpp
-// Any bytes as XML or HTML: the tokens are the same for all buffer sizes and reads, and every row comes out.
+// Any bytes as XML or HTML: the tokens are the same for all buffer sizes and reads, and every row
+// comes out.
 #include "fuzz/markup_property.h"
 
 using namespace corvanta;

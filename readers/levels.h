@@ -23,8 +23,8 @@ using ReadLevel = markup::Level;
 std::vector<ReadLevel> readLevelsFromXml(const XMLNode &action);
 void saveReadLevels(const std::vector<ReadLevel> &levels, std::wostream &out);
 
-/// The levels with the graph's variables put into paths and names, all trimmed. An item without a name
-/// gets its path for a name.
+/// The levels with the graph's variables put into paths and names, all trimmed. An item without a
+/// name gets its path for a name.
 std::vector<ReadLevel> expandedLevels(const std::vector<ReadLevel> &levels,
                                       const ActionItem &action);
 

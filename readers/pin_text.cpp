@@ -10,8 +10,8 @@ namespace corvanta {
 
 namespace {
 
-/// Put between two documents. As many bytes as a decoder looks at to find a byte-order mark, so that it
-/// does not ask for the next row to see them.
+/// Put between two documents. As many bytes as a decoder looks at to find a byte-order mark, so
+/// that it does not ask for the next row to see them.
 constexpr size_t kBlanks = 4;
 
 } // namespace
@@ -23,7 +23,8 @@ PinText::PinText(ActionItem &action, int column, Mode mode, const OneRow *first,
     , m_mode(mode)
     , m_isInsideValue(std::move(isInsideValue))
     , m_first(first)
-{}
+{
+}
 
 const OneRow *PinText::takeRow()
 {
@@ -48,8 +49,8 @@ bool PinText::nextRow()
         n -= isMarked ? 1 : 0;
         if (n > 0) {
             m_bytes.assign(kBlanks + static_cast<size_t>(n) * 3, ' ');
-            m_bytes.resize(kBlanks
-                           + static_cast<size_t>(utf16ToUtf8(text, n, m_bytes.data() + kBlanks)));
+            m_bytes.resize(kBlanks +
+                           static_cast<size_t>(utf16ToUtf8(text, n, m_bytes.data() + kBlanks)));
             return true;
         }
     }

@@ -18,9 +18,9 @@ public:
         Stream,   ///< the bytes of all rows, each fetched when the one before is used up
     };
 
-    /// `isInsideValue` says, when a row is used up in a stream, whether a value of the document goes on
-    /// in the next row; otherwise blanks are put between the two.
-    /// `first` is the row of the pin that the caller has taken already; null: there is none.
+    /// `isInsideValue` says, when a row is used up in a stream, whether a value of the document
+    /// goes on in the next row; otherwise blanks are put between the two. `first` is the row of the
+    /// pin that the caller has taken already; null: there is none.
     PinText(ActionItem &action, int column, Mode mode, const OneRow *first,
             std::function<bool()> isInsideValue);
 

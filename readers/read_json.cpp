@@ -21,14 +21,15 @@ constexpr int kReportedErrors = 50;
 constexpr qint64 kTokenizerChars = 1'048'576;
 constexpr qint64 kMostFromColumns = 0x6000000;
 
-/// Cells straight into the batch of the output pin. Which batch that is, is asked at the first cell of a
-/// row: waiting for input rows may send the batch before on its way.
+/// Cells straight into the batch of the output pin. Which batch that is, is asked at the first cell
+/// of a row: waiting for input rows may send the batch before on its way.
 class PinArena final : public markup::CellArena
 {
 public:
     explicit PinArena(ActionItem &action)
         : m_action(action)
-    {}
+    {
+    }
     uchar *alloc(int n) override
     {
         m_buffer = m_buffer == nullptr ? m_action.bufferForOutputPin(0) : m_buffer;
@@ -51,7 +52,8 @@ public:
         , m_action(action)
         , m_before(before)
         , m_share(share)
-    {}
+    {
+    }
     qint64 read(void *buffer, qint64 n) override
     {
         if (!m_action.m_control->isRunning()) {
@@ -78,7 +80,7 @@ struct ActionReadJSON::RunState
     std::unique_ptr<LevelExtractor> extractor;
     std::unique_ptr<JSONTokenizer> tokenizer;
     qint64 bufferBytes = 0;
-    int errors = 0; // reported
+    int errors = 0;      // reported
     int firstColumn = 0; // of the extractor's cells
     // files
     QStringList files;
@@ -93,7 +95,8 @@ struct ActionReadJSON::RunState
 
 ActionReadJSON::ActionReadJSON(const XMLNode &saved, GlobalParameters *parameters)
     : ParamAction(catalogueRow("readJSON"), saved, parameters)
-{}
+{
+}
 
 void ActionReadJSON::start()
 {
@@ -144,9 +147,8 @@ bool ActionReadJSON::prepare()
     if (m_params.readTagsFromInPin && !readTags(&levels)) {
         return false;
     }
-    const bool hasItems = std::any_of(levels.begin(), levels.end(), [](const ReadLevel &level) {
-        return !level.items.empty();
-    });
+    const bool hasItems = std::any_of(levels.begin(), levels.end(),
+                                      [](const ReadLevel &level) { return !level.items.empty(); });
     if (!hasItems) {
         return !fail(u"ReadJson error: nothing to extract"_s);
     }
@@ -176,8 +178,10 @@ bool ActionReadJSON::readTags(std::vector<ReadLevel> *levels)
         const QString name = textAt(isNamed ? row->getIndexOfColumn(u"name"_s) : 1);
         const QString tagName = isNamed ? textAt(row->getIndexOfColumn(u"tagName"_s)) : QString();
         const auto level = isNamed ? textAt(row->getIndexOfColumn(u"level"_s)).toULongLong() : 0;
-        ReadLevel &target = level >= 1 && level <= levels->size() ? (*levels)[level - 1] : levels->back();
-        target.items.push_back({path, name, xmltob(reinterpret_cast<const char16_t *>(tagName.utf16()), 0) != 0});
+        ReadLevel &target =
+            level >= 1 && level <= levels->size() ? (*levels)[level - 1] : levels->back();
+        target.items.push_back(
+            {path, name, xmltob(reinterpret_cast<const char16_t *>(tagName.utf16()), 0) != 0});
     }
     return runIsGood();
 }
@@ -195,10 +199,12 @@ bool ActionReadJSON::prepareInput()
     const OneRow *const input = isLinked ? getInputColumns(0) : nullptr;
     const int column = input == nullptr ? -1 : input->getIndexOfColumn(name);
     if (column < 0) {
-        return runIsGood() && !fail(u"ERROR: JSON parsing Error: Cannot find column '"_s + name + u"'\n"_s);
+        return runIsGood() &&
+               !fail(u"ERROR: JSON parsing Error: Cannot find column '"_s + name + u"'\n"_s);
     }
     describeColumns(input);
-    const PinText::Mode mode = m_params.oneJSONPerRow ? PinText::Mode::RowByRow : PinText::Mode::Stream;
+    const PinText::Mode mode =
+        m_params.oneJSONPerRow ? PinText::Mode::RowByRow : PinText::Mode::Stream;
     m_run->texts = std::make_unique<PinText>(*this, column, mode, first,
                                              [this] { return m_run->tokenizer->isInsideValue(); });
     return true;
@@ -240,7 +246,8 @@ void ActionReadJSON::makeTokenizer(ByteSource &source)
         m_run->tokenizer->setBufferSize(kCharsPerByte * m_run->bufferBytes);
     }
     if (isFromPin()) {
-        m_run->tokenizer->setEncoding(markup::CharMode::Utf8, QByteArray(), markup::InvalidBytes::Fail);
+        m_run->tokenizer->setEncoding(markup::CharMode::Utf8, QByteArray(),
+                                      markup::InvalidBytes::Fail);
     }
     m_run->extractor->beginDocument(*m_run->tokenizer);
     m_run->isOpen = true;

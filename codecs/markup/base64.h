@@ -17,7 +17,7 @@ QByteArray encodeBase64(QByteArrayView bytes);
 struct Base64Result
 {
     MarkupError code = MarkupError::None;
-    qsizetype size = 0;  ///< bytes written
+    qsizetype size = 0; ///< bytes written
 };
 
 /// Decode `text` into `out`. Blanks and line breaks are skipped; "=" ends the data.

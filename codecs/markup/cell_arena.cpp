@@ -58,7 +58,8 @@ uchar *BlockArena::alloc(int n)
         }
         if (block == m_blocks.size()) {
             const qsizetype size = std::max<qsizetype>(kBlockBytes, qsizetype(n) + 1);
-            m_blocks.push_back({std::unique_ptr<uchar[]>(new uchar[static_cast<size_t>(size)]), size});
+            m_blocks.push_back(
+                {std::unique_ptr<uchar[]>(new uchar[static_cast<size_t>(size)]), size});
         }
         use(block);
     }
@@ -74,7 +75,8 @@ const uchar *textCell(CellArena &arena, const RawText &text)
     uchar *const bytes = arena.alloc(lengthBytes + 2 * n + kSlackBytes);
     auto *const units = reinterpret_cast<char16_t *>(bytes + lengthBytes);
     const bool isShort = text.size <= kShortBytes && text.form == TextForm::Plain;
-    const qsizetype count = isShort && widenShort(text.data, text.size, units) ? n : decode(text, units);
+    const qsizetype count =
+        isShort && widenShort(text.data, text.size, units) ? n : decode(text, units);
     arena.shrinkLast(kSlackBytes + static_cast<int>(2 * (n - count)));
     const quint32 code = cell::codeOfText(count);
     const int usedLengthBytes = cell::lengthBytes(code);

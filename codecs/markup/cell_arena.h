@@ -20,8 +20,8 @@ public:
     CellArena &operator=(const CellArena &) = delete;
     virtual ~CellArena() = default;
 
-    /// Room for `n` bytes; an odd number starts at an odd address, so that the units of a text cell are
-    /// aligned. Throws std::bad_alloc.
+    /// Room for `n` bytes; an odd number starts at an odd address, so that the units of a text cell
+    /// are aligned. Throws std::bad_alloc.
     virtual uchar *alloc(int n) = 0;
     /// Give back the last `n` bytes of the last allocation.
     virtual void shrinkLast(int n) = 0;
@@ -49,7 +49,8 @@ private:
     uchar *m_end = nullptr;
 };
 
-/// A text cell (base/cell.h) of a piece of a tokenizer's buffer; `text.size` is at most kTextCellUnits.
+/// A text cell (base/cell.h) of a piece of a tokenizer's buffer; `text.size` is at most
+/// kTextCellUnits.
 const uchar *textCell(CellArena &arena, const RawText &text);
 /// A text cell of UTF-16 units, at most kTextCellUnits.
 const uchar *textCell(CellArena &arena, std::u16string_view units);

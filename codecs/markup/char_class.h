@@ -13,8 +13,8 @@ enum class CharClass : quint8 { Other, End, Space, Digit, Letter, NamePunctuatio
 namespace charset {
 
 inline constexpr quint8 kClassMask = 0x07;
-inline constexpr quint8 kNumber = 0x08;      ///< may stand in a JSON number
-inline constexpr quint8 kPermissive = 0x10;  ///< may stand in a value with permissiveNumbers
+inline constexpr quint8 kNumber = 0x08;     ///< may stand in a JSON number
+inline constexpr quint8 kPermissive = 0x10; ///< may stand in a value with permissiveNumbers
 
 constexpr CharClass classOf(int c)
 {
@@ -49,8 +49,9 @@ constexpr std::array<quint8, 256> makeTable()
         const CharClass kind = classOf(c);
         const char ascii = static_cast<char>(c);
         const bool number = c < 0x80 && kNumberChars.find(ascii) != std::string_view::npos;
-        const bool permissive = kind == CharClass::Letter
-                                || (c < 0x80 && kPermissiveChars.find(ascii) != std::string_view::npos);
+        const bool permissive =
+            kind == CharClass::Letter ||
+            (c < 0x80 && kPermissiveChars.find(ascii) != std::string_view::npos);
         table[static_cast<size_t>(c)] = static_cast<quint8>(
             static_cast<quint8>(kind) | (number ? kNumber : 0) | (permissive ? kPermissive : 0));
     }
@@ -65,8 +66,17 @@ inline CharClass charClass(char c)
 {
     return static_cast<CharClass>(charset::kTable[static_cast<uchar>(c)] & charset::kClassMask);
 }
-inline bool isSpace(char c) { return charClass(c) == CharClass::Space; }
-inline bool isNameChar(char c) { return charClass(c) >= CharClass::Digit; }
-inline bool isIn(char c, quint8 set) { return (charset::kTable[static_cast<uchar>(c)] & set) != 0; }
+inline bool isSpace(char c)
+{
+    return charClass(c) == CharClass::Space;
+}
+inline bool isNameChar(char c)
+{
+    return charClass(c) >= CharClass::Digit;
+}
+inline bool isIn(char c, quint8 set)
+{
+    return (charset::kTable[static_cast<uchar>(c)] & set) != 0;
+}
 
 } // namespace corvanta::markup

@@ -13,7 +13,10 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-bool isContinuation(uchar byte) { return (byte & 0xC0) == 0x80; }
+bool isContinuation(uchar byte)
+{
+    return (byte & 0xC0) == 0x80;
+}
 
 /// Bytes of ASCII at the front of `in`.
 qsizetype asciiPrefix(const char *in, qsizetype n)
@@ -34,8 +37,8 @@ qsizetype asciiPrefix(const char *in, qsizetype n)
 
 enum class Sequence : quint8 { Good, Cut, Bad };
 
-/// Look at one sequence that does not begin with ASCII (Unicode standard, table 3-7). `*length` is what
-/// a good one takes.
+/// Look at one sequence that does not begin with ASCII (Unicode standard, table 3-7). `*length` is
+/// what a good one takes.
 Sequence checkSequence(const uchar *in, qsizetype n, int *length)
 {
     const uchar lead = in[0];
@@ -120,7 +123,8 @@ const char *iconvName(CharMode mode, const QByteArray &name)
 CharSource::CharSource(ByteSource &source)
     : m_source(&source)
     , m_raw(static_cast<size_t>(kGuessBytes))
-{}
+{
+}
 
 CharSource::~CharSource() = default;
 
@@ -246,8 +250,8 @@ qsizetype CharSource::readUtf8(char *out, qsizetype room)
     }
 }
 
-/// Check `n` new bytes at `out`. A sequence that is cut goes back into m_raw; one that is wrong is an
-/// error, or is dropped.
+/// Check `n` new bytes at `out`. A sequence that is cut goes back into m_raw; one that is wrong is
+/// an error, or is dropped.
 qsizetype CharSource::keepWellFormed(char *out, qsizetype n)
 {
     qsizetype good = 0;
@@ -310,8 +314,8 @@ char32_t CharSource::nextWide(qsizetype unitBytes, qsizetype *taken) const
     return 0x10000 + ((first & 0x3FF) << 10) + (unit(1) & 0x3FFU);
 }
 
-/// UTF-16 and UTF-32. A lone surrogate becomes U+FFFD; a number that is no character or a cut unit at
-/// the end is an error, or is dropped.
+/// UTF-16 and UTF-32. A lone surrogate becomes U+FFFD; a number that is no character or a cut unit
+/// at the end is an error, or is dropped.
 qsizetype CharSource::readWide(char *out, qsizetype room)
 {
     const qsizetype unitBytes = m_mode == CharMode::Utf16 ? 2 : 4;

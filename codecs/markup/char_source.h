@@ -1,9 +1,9 @@
 // codecs/markup/char_source.h
 // The characters of a document, as well-formed UTF-8, whatever encoding its bytes are in.
 //
-// UTF-8 passes through after a check; UTF-16 and UTF-32 of both byte orders and everything that iconv
-// knows are converted. A byte-order mark at the start is dropped. Where the bytes are cut into reads
-// does not show in what comes out.
+// UTF-8 passes through after a check; UTF-16 and UTF-32 of both byte orders and everything that
+// iconv knows are converted. A byte-order mark at the start is dropped. Where the bytes are cut
+// into reads does not show in what comes out.
 #pragma once
 #include "base/byte_source.h"
 #include "codecs/markup/encoding.h"
@@ -40,8 +40,9 @@ public:
     /// through a code page. Errors: CannotConvert for a name that iconv does not know.
     MarkupError setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid);
 
-    /// Put up to `room` bytes of UTF-8 (at least kMinRoom must be offered) at `out`: the count, 0 at the
-    /// end or at a failure, which error() tells apart. Bytes before the failure were delivered.
+    /// Put up to `room` bytes of UTF-8 (at least kMinRoom must be offered) at `out`: the count, 0
+    /// at the end or at a failure, which error() tells apart. Bytes before the failure were
+    /// delivered.
     qsizetype read(char *out, qsizetype room);
 
     MarkupError error() const { return m_error; }

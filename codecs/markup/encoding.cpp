@@ -11,7 +11,10 @@ namespace {
 constexpr qsizetype kMinGuessBytes = 25;
 constexpr qsizetype kDeclarationBytes = 200;
 
-uchar byteAt(QByteArrayView bytes, qsizetype i) { return static_cast<uchar>(bytes[i]); }
+uchar byteAt(QByteArrayView bytes, qsizetype i)
+{
+    return static_cast<uchar>(bytes[i]);
+}
 
 int continuationBytes(uchar lead)
 {

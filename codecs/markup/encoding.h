@@ -22,8 +22,8 @@ enum class CharMode : quint8 {
 /// Bytes from the start of a document that the guesses look at.
 inline constexpr qsizetype kGuessBytes = 64 * 1024;
 
-/// Name the encoding of an XML or HTML document: "UTF-8", "UTF-16", "UTF-32", "System" (the system's
-/// code page), "ERROR" (declares UTF-8 and is not), or the declared name as written.
+/// Name the encoding of an XML or HTML document: "UTF-8", "UTF-16", "UTF-32", "System" (the
+/// system's code page), "ERROR" (declares UTF-8 and is not), or the declared name as written.
 QByteArray guessEncoding(QByteArrayView first);
 
 /// The mode of a JSON document: Utf16 or Utf8.

@@ -25,7 +25,10 @@ constexpr std::array<Named, 6> kNamed{{
     {"nbsp;", u' '},
 }};
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+char lower(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
 
 int digitValue(char c, int base)
 {
@@ -88,9 +91,9 @@ Entity readEntity(const char *at, const char *end)
     Entity entity;
     for (const Named &named : kNamed) {
         const auto length = static_cast<qsizetype>(named.name.size());
-        if (end - name >= length
-            && std::equal(named.name.begin(), named.name.end(), name,
-                          [](char wanted, char found) { return wanted == lower(found); })) {
+        if (end - name >= length &&
+            std::equal(named.name.begin(), named.name.end(), name,
+                       [](char wanted, char found) { return wanted == lower(found); })) {
             entity.kind = Entity::Kind::Character;
             entity.length = static_cast<int>(length) + 1;
             entity.units[0] = named.unit;

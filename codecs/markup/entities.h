@@ -14,7 +14,7 @@ struct Entity
 {
     enum class Kind : quint8 { Character, Unknown, BadNumber };
     Kind kind = Kind::Unknown;
-    int length = 0;                   ///< bytes from "&" to ";" of a Character
+    int length = 0; ///< bytes from "&" to ";" of a Character
     std::array<char16_t, 2> units{};
     int unitCount = 0;
 };

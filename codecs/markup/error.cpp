@@ -51,8 +51,8 @@ const char16_t *errorText(MarkupError code)
 
 bool isWarning(MarkupError code)
 {
-    return code == MarkupError::UnmatchedEndTagWarning || code == MarkupError::NoTagFound
-           || code == MarkupError::Base64LengthWarning || code == MarkupError::Base64TruncatedWarning;
+    return code == MarkupError::UnmatchedEndTagWarning || code == MarkupError::NoTagFound ||
+           code == MarkupError::Base64LengthWarning || code == MarkupError::Base64TruncatedWarning;
 }
 
 } // namespace corvanta::markup

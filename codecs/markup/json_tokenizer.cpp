@@ -1,6 +1,6 @@
 // The grammar is that of RFC 8259 with these liberties: single quotes, unknown escapes, raw control
-// characters in strings, one comma before a closing bracket, NaN and infinities, numbers of any shape,
-// and several values one after the other.
+// characters in strings, one comma before a closing bracket, NaN and infinities, numbers of any
+// shape, and several values one after the other.
 #include "codecs/markup/json_tokenizer.h"
 
 #include "base/limits.h"
@@ -41,7 +41,10 @@ const char *findStringStop(const char *at, char quote)
     }
 }
 
-bool mayFollowBareValue(char c) { return isSpace(c) || c == ',' || c == '}' || c == ']' || c == 0; }
+bool mayFollowBareValue(char c)
+{
+    return isSpace(c) || c == ',' || c == '}' || c == ']' || c == 0;
+}
 
 } // namespace
 
@@ -79,8 +82,9 @@ RawText JSONTokenizer::externalText(quint32 number) const
     if (number == kClosedName) {
         return m_closedName;
     }
-    const std::string_view text =
-        number < kFirstItemName ? kExternal[number] : std::string_view(m_itemNames[number - kFirstItemName]);
+    const std::string_view text = number < kFirstItemName
+                                      ? kExternal[number]
+                                      : std::string_view(m_itemNames[number - kFirstItemName]);
     return {text.data(), static_cast<quint32>(text.size()), TextForm::Detached};
 }
 
@@ -128,8 +132,8 @@ Token JSONTokenizer::startDocument(char c)
 {
     m_keep = m_pos;
     m_state = State::Value;
-    m_documentKind = c == '{' ? DocumentKind::Object
-                              : (c == '[' ? DocumentKind::Array : DocumentKind::Scalar);
+    m_documentKind =
+        c == '{' ? DocumentKind::Object : (c == '[' ? DocumentKind::Array : DocumentKind::Scalar);
     m_text = m_name = {};
     return documentMarks() ? finish(Token::DocumentStart) : Token::None;
 }
@@ -327,8 +331,8 @@ qsizetype JSONTokenizer::matchingChars(const char *at, std::string_view word) co
     const auto most = std::min<qsizetype>(end() - at, static_cast<qsizetype>(word.size()));
     return std::mismatch(at, at + most, word.begin(),
                          [](char found, char wanted) { return wanted == (found | 0x20); })
-               .first
-           - at;
+               .first -
+           at;
 }
 
 Token JSONTokenizer::failAt(const char *at, MarkupError error)
@@ -379,7 +383,7 @@ inline Token JSONTokenizer::readNumber()
         return readSpecialNumber(at, data()[m_keep + offset] == '-');
     }
     return m_text.size() == 0 ? failAt(at, MarkupError::InvalidNumber)
-                            : finishBareValue(at, MarkupError::InvalidNumber);
+                              : finishBareValue(at, MarkupError::InvalidNumber);
 }
 
 /// "NaN", "INF" or "Infinity" in any case, behind an optional sign.

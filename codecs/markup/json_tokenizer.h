@@ -1,6 +1,6 @@
 // codecs/markup/json_tokenizer.h
-// JSON in the vocabulary of elements: a member is an element named by its key, an array item one named
-// by the array-item name, a scalar is text.
+// JSON in the vocabulary of elements: a member is an element named by its key, an array item one
+// named by the array-item name, a scalar is text.
 //
 // What is accepted beyond RFC 8259, and what is refused with which code: docs/formats/markup.md.
 #pragma once
@@ -84,10 +84,11 @@ private:
     State m_state = State::Top;
     DocumentKind m_documentKind = DocumentKind::Scalar;
     bool m_permissive = false;
-    bool m_scalar = false;      ///< the value just read was no container: its name is still in the buffer
+    bool m_scalar =
+        false; ///< the value just read was no container: its name is still in the buffer
     qsizetype m_numberLength = 0;
-    TextSpan m_name;            ///< of the open element
-    RawText m_closedName;       ///< of an element whose container was closed
+    TextSpan m_name;      ///< of the open element
+    RawText m_closedName; ///< of an element whose container was closed
     std::vector<Container> m_open;
     std::vector<char> m_names;
     std::vector<std::string> m_itemNames;

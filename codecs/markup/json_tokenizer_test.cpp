@@ -1,5 +1,5 @@
-// What the JSON tokenizer makes of its grammar, of the public JSON test suite, and of every way in which
-// the bytes may arrive.
+// What the JSON tokenizer makes of its grammar, of the public JSON test suite, and of every way in
+// which the bytes may arrive.
 #include "codecs/markup/json_tokenizer.h"
 #include "codecs/markup/trace.h"
 #include "codecs/markup/tree.h"
@@ -53,7 +53,8 @@ const Case kCases[] = {
     {R"({"\u0061\n":{"x":[]}})", "<a\n <x >x >a\n ."},
     {"[{},[],{\"a\":{}}]", "<a >a <a >a <a <a >a >a ."},
     {"42", "'42' ."},
-    {R"({"a":1}{"b":2} [3] "x" 4)", "( <a '1' >a ) ( <b '2' >b ) ( <a '3' >a ) ( 'x' ) ( '4' ) .", kMarks},
+    {R"({"a":1}{"b":2} [3] "x" 4)", "( <a '1' >a ) ( <b '2' >b ) ( <a '3' >a ) ( 'x' ) ( '4' ) .",
+     kMarks},
     {"{}[]", "( ) ( ) .", kMarks},
     {"[1,]", "<a '1' >a ."},
     {R"({"a":1,})", "<a '1' >a ."},
@@ -134,7 +135,8 @@ TEST(JsonTokenizer, DoesNotDependOnWhereBlocksEnd)
             ASSERT_EQ(traceJson(padded, c.flags), c.tokens) << c.json << " after " << blanks;
         }
         for (const qint64 piece : {1, 2, 3, 7}) {
-            ASSERT_EQ(traceJson(bytesOf(c), c.flags, 0, piece), c.tokens) << c.json << " by " << piece;
+            ASSERT_EQ(traceJson(bytesOf(c), c.flags, 0, piece), c.tokens)
+                << c.json << " by " << piece;
         }
     }
 }
@@ -185,8 +187,8 @@ TEST(JsonTokenizer, CountsLinesAndColumns)
         qint64 column;
     };
     for (const auto &[json, line, column] :
-         {Place{"[\n\n\"a\r\nb\",\r\n ?]", 5, 1}, Place{"[\r\r\n\r?", 4, 0}, Place{"[\n\r\n?", 3, 0},
-          Place{"[\"é😀\", ?", 1, 8}}) {
+         {Place{"[\n\n\"a\r\nb\",\r\n ?]", 5, 1}, Place{"[\r\r\n\r?", 4, 0},
+          Place{"[\n\r\n?", 3, 0}, Place{"[\"é😀\", ?", 1, 8}}) {
         for (const qint64 piece : {-1, 1}) {
             MemorySource source(json, piece);
             JSONTokenizer tokenizer(source, 0);
@@ -247,7 +249,8 @@ namespace {
 
 QString suiteFolder()
 {
-    const QString corpus = qEnvironmentVariable("CORVANTA_CORPUS", QStringLiteral(CORVANTA_DEFAULT_CORPUS));
+    const QString corpus =
+        qEnvironmentVariable("CORVANTA_CORPUS", QStringLiteral(CORVANTA_DEFAULT_CORPUS));
     return corpus + QStringLiteral("/json/nst");
 }
 
@@ -259,30 +262,41 @@ struct Liberty
 };
 
 const std::vector<Liberty> kLiberties = {
-    {"one comma before the closing bracket",
-     {"n_array_extra_comma", "n_object_trailing_comma"}},
+    {"one comma before the closing bracket", {"n_array_extra_comma", "n_object_trailing_comma"}},
     {"numbers are any run of digits, '.', 'e', 'E', '+' and '-'",
-     {"n_array_just_minus", "n_number_++", "n_number_-1.0.", "n_number_-2.", "n_number_.-1",
-      "n_number_.2e-3", "n_number_0.3e", "n_number_0.e1", "n_number_0e", "n_number_0e+",
-      "n_number_1.0e", "n_number_1.0e+", "n_number_1.0e-", "n_number_1eE2", "n_number_2.e+3",
-      "n_number_2.e-3", "n_number_2.e3", "n_number_neg_int_starting_with_zero",
-      "n_number_starting_with_dot", "n_number_with_leading_zero"}},
+     {"n_array_just_minus",
+      "n_number_++",
+      "n_number_-1.0.",
+      "n_number_-2.",
+      "n_number_.-1",
+      "n_number_.2e-3",
+      "n_number_0.3e",
+      "n_number_0.e1",
+      "n_number_0e",
+      "n_number_0e+",
+      "n_number_1.0e",
+      "n_number_1.0e+",
+      "n_number_1.0e-",
+      "n_number_1eE2",
+      "n_number_2.e+3",
+      "n_number_2.e-3",
+      "n_number_2.e3",
+      "n_number_neg_int_starting_with_zero",
+      "n_number_starting_with_dot",
+      "n_number_with_leading_zero"}},
     {"NaN and infinities",
      {"n_number_-NaN", "n_number_Inf", "n_number_NaN", "n_number_infinity",
       "n_number_minus_infinity"}},
-    {"single quotes",
-     {"n_object_single_quote", "n_string_single_quote"}},
+    {"single quotes", {"n_object_single_quote", "n_string_single_quote"}},
     {"an unknown escape stands for its character",
      {"n_string_1_surrogate_then_escape_u", "n_string_escape_x", "n_string_escaped_emoji",
       "n_string_incomplete_surrogate", "n_string_invalid_backslash_esc"}},
-    {"raw control characters in strings",
-     {"n_string_unescaped_newline"}},
+    {"raw control characters in strings", {"n_string_unescaped_newline"}},
     {"several values one after the other",
      {"n_structure_double_array", "n_structure_object_with_trailing_garbage"}},
     {"no data at all is for the reader to judge",
      {"n_structure_UTF8_BOM_no_data", "n_structure_no_data"}},
-    {"a NUL ends the data",
-     {"n_multidigit_number_then_00"}},
+    {"a NUL ends the data", {"n_multidigit_number_then_00"}},
 };
 
 bool isLiberty(const QString &name)
@@ -294,17 +308,22 @@ bool isLiberty(const QString &name)
     });
 }
 
-QString asCellText(QString text) { return text.replace(QChar(0), QLatin1Char(' ')); }
+QString asCellText(QString text)
+{
+    return text.replace(QChar(0), QLatin1Char(' '));
+}
 
 void expectSame(const MarkupNode &node, const QJsonValue &value, const std::string &file)
 {
     if (value.isObject()) {
         const QJsonObject object = value.toObject();
         for (auto member = object.begin(); member != object.end(); ++member) {
-            const QString key = member.key().isEmpty() ? QStringLiteral("_") : asCellText(member.key());
+            const QString key =
+                member.key().isEmpty() ? QStringLiteral("_") : asCellText(member.key());
             MarkupNode found;
             for (qsizetype i = 0; i < node.childCount(); ++i) {
-                found = QString::fromStdU16String(node.child(i).name()) == key ? node.child(i) : found;
+                found =
+                    QString::fromStdU16String(node.child(i).name()) == key ? node.child(i) : found;
             }
             ASSERT_FALSE(found.isEmpty()) << file;
             expectSame(found, member.value(), file);
@@ -340,7 +359,8 @@ TEST(JsonTestSuite, IsJudgedAsTheTableSays)
     }
     for (const Liberty &liberty : kLiberties) {
         for (const char *file : liberty.files) {
-            EXPECT_TRUE(names.contains(QString::fromLatin1(file) + QStringLiteral(".json"))) << file;
+            EXPECT_TRUE(names.contains(QString::fromLatin1(file) + QStringLiteral(".json")))
+                << file;
         }
     }
     for (const QString &name : names) {
@@ -360,11 +380,13 @@ TEST(JsonTestSuite, IsJudgedAsTheTableSays)
             const MarkupNode root = builder.parseNext(tokenizer, result, false);
             const QJsonDocument peer = QJsonDocument::fromJson(bytes);
             if (!root.isEmpty()) {
-                expectSame(root, peer.isArray() ? QJsonValue(peer.array()) : QJsonValue(peer.object()),
+                expectSame(root,
+                           peer.isArray() ? QJsonValue(peer.array()) : QJsonValue(peer.object()),
                            name.toStdString());
             }
         } else if (name.startsWith(u'n')) {
-            EXPECT_EQ(isAccepted, isLiberty(name)) << name.toStdString() << ": " << tokens.substr(0, 200);
+            EXPECT_EQ(isAccepted, isLiberty(name))
+                << name.toStdString() << ": " << tokens.substr(0, 200);
         }
     }
 }

@@ -16,8 +16,8 @@ struct LevelItem
     bool operator==(const LevelItem &) const = default;
 };
 
-/// The sub-elements of one container. The first level's path begins at the document, a later one's at the
-/// occurrence of the level before.
+/// The sub-elements of one container. The first level's path begins at the document, a later one's
+/// at the occurrence of the level before.
 struct Level
 {
     QString initialPath;

@@ -137,7 +137,8 @@ quint32 LevelExtractor::matching(const LevelState &state, quint32 from, quint32 
     return child;
 }
 
-/// Fill the cells of `level` from `occurrence`, and those of the levels inside it from their first ones.
+/// Fill the cells of `level` from `occurrence`, and those of the levels inside it from their first
+/// ones.
 void LevelExtractor::enter(size_t level, quint32 occurrence, CellArena &lastArena)
 {
     for (;; ++level) {
@@ -154,8 +155,8 @@ void LevelExtractor::enter(size_t level, quint32 occurrence, CellArena &lastAren
         }
         for (size_t i = 0; i < state.level.items.size(); ++i) {
             const bool isFound = found[i] != MarkupTree::kNone;
-            *cell++ = isFound ? itemCell(state.level.items[i], found[i], arena)
-                              : cell::missingTextCell();
+            *cell++ =
+                isFound ? itemCell(state.level.items[i], found[i], arena) : cell::missingTextCell();
             if (isFound && !state.wasFound[i]) {
                 state.wasFound[i] = true;
             }
@@ -223,7 +224,8 @@ bool LevelExtractor::nextInTree(quint32 *occurrence)
     }
     const LevelState &first = *m_levels.front();
     *occurrence = matching(first, m_nextInTree, m_treeContainer);
-    m_nextInTree = *occurrence == MarkupTree::kNone ? MarkupTree::kNone : m_tree->item(*occurrence).next;
+    m_nextInTree =
+        *occurrence == MarkupTree::kNone ? MarkupTree::kNone : m_tree->item(*occurrence).next;
     return *occurrence != MarkupTree::kNone;
 }
 
@@ -315,7 +317,8 @@ bool LevelExtractor::startDocument(quint32 *occurrence)
 {
     const LevelState &first = *m_levels.front();
     const auto kind = m_json->documentKind();
-    if (!first.initialPath.empty() || !first.subtag.empty() || kind == JSONTokenizer::DocumentKind::Array) {
+    if (!first.initialPath.empty() || !first.subtag.empty() ||
+        kind == JSONTokenizer::DocumentKind::Array) {
         return false;
     }
     m_builder.begin(*m_tokenizer);
@@ -434,9 +437,8 @@ bool LevelExtractor::wholeValue(quint32 *occurrence)
 
 bool LevelExtractor::isTextItem(const TreeItem &item) const
 {
-    return item.kind == ItemKind::Text
-           || (m_options.clearIsText && item.kind == ItemKind::Clear
-               && item.clearKind == ClearKind::CData);
+    return item.kind == ItemKind::Text || (m_options.clearIsText && item.kind == ItemKind::Clear &&
+                                           item.clearKind == ClearKind::CData);
 }
 
 const uchar *LevelExtractor::itemCell(const LevelItem &item, quint32 found, CellArena &arena)

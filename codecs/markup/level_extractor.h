@@ -27,9 +27,10 @@ struct ExtractOptions
 {
     bool zeroBased = true;      ///< base of the indexes in paths
     bool outputSubTags = false; ///< a column per level for the occurrence's name
-    bool keepRoot = true;       ///< paths begin at the document; off: at its only element, if it has only one
+    bool keepRoot =
+        true; ///< paths begin at the document; off: at its only element, if it has only one
     TagNames tagNames = TagNames::Runs;
-    bool clearIsText = false;   ///< CDATA sections are text of their element
+    bool clearIsText = false; ///< CDATA sections are text of their element
 };
 
 /// Threads: one at a time.
@@ -50,19 +51,20 @@ public:
 
     /// Begin another file: nothing was found in it yet.
     void beginFile();
-    /// Begin a document of the file. The tokenizer must be new (or restarted) and outlive the document;
-    /// it is set to what the extractor needs.
+    /// Begin a document of the file. The tokenizer must be new (or restarted) and outlive the
+    /// document; it is set to what the extractor needs.
     void beginDocument(MarkupTokenizer &tokenizer);
 
-    /// Go on to the next row. Cells of the last level are built in `arena`. After Fault see result().
+    /// Go on to the next row. Cells of the last level are built in `arena`. After Fault see
+    /// result().
     Outcome next(CellArena &arena);
 
     /// The row's cells, valid until the next call; the shared missing cell where there is no value.
     std::span<const uchar *const> cells() const { return m_cells; }
 
     const MarkupResult &result() const { return m_result; }
-    /// Paths, as they were given, that the file never had. Those of a level that never occurred are not
-    /// among them.
+    /// Paths, as they were given, that the file never had. Those of a level that never occurred are
+    /// not among them.
     QStringList missingPaths() const;
 
 private:
@@ -121,7 +123,7 @@ private:
     JSONTokenizer *m_json = nullptr;
     const MarkupTree *m_tree = nullptr;
     MarkupResult m_result;
-    size_t m_deepest = 0;       ///< level of the innermost occurrence of the row that is out
+    size_t m_deepest = 0; ///< level of the innermost occurrence of the row that is out
     bool m_rowIsOut = false;
     bool m_ended = false;
     bool m_sawContent = false;
@@ -130,7 +132,7 @@ private:
     size_t m_matched = 0;          ///< steps of the first path that are open
     quint32 m_nextInTree = MarkupTree::kNone;
     quint32 m_treeContainer = 0;
-    PathSet m_rootPath;            ///< the first level's initial path, for trees of whole values
+    PathSet m_rootPath; ///< the first level's initial path, for trees of whole values
     std::u16string m_joined;
 };
 

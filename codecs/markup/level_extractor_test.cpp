@@ -1,4 +1,5 @@
-// Rows out of documents: levels in levels, streams of documents, cells, and paths that are not there.
+// Rows out of documents: levels in levels, streams of documents, cells, and paths that are not
+// there.
 #include "base/cell.h"
 #include "codecs/markup/level_extractor.h"
 #include "codecs/markup/sample_levels.h"
@@ -39,7 +40,8 @@ QString rowText(std::span<const uchar *const> cells)
     QStringList texts;
     for (const uchar *cell : cells) {
         const cell::Text text = cell::readText(cell);
-        texts << (text.isMissing() ? u"-"_s : QString::fromStdU16String(std::u16string(text.view())));
+        texts << (text.isMissing() ? u"-"_s
+                                   : QString::fromStdU16String(std::u16string(text.view())));
     }
     return texts.join(u',');
 }
@@ -71,11 +73,14 @@ struct Case
 
 const std::vector<Case> kCases = {
     {R"({"x":{"o":1},"orders":[{"id":1,"l":[{"s":"a"},{"s":"b"}]},{"id":2},{"l":[],"id":3}]})",
-     {u"orders||id"_s, u"l||s"_s}, "1,a;1,b;2,-;3,-;"},
-    {R"([{"a":{"b":"x"}},{"A":{"B":""}},{"a":null},{"a":{}},[1]])", {u"||a,a/b"_s},
+     {u"orders||id"_s, u"l||s"_s},
+     "1,a;1,b;2,-;3,-;"},
+    {R"([{"a":{"b":"x"}},{"A":{"B":""}},{"a":null},{"a":{}},[1]])",
+     {u"||a,a/b"_s},
      "-,x;-,;null,-;-,-;-,-;"},
     {R"([{"v":NaN},{"v":-inf},{"":1}])", {u"||v,_!"_s}, "nan,-;-inf,-;-,;"},
-    {R"([{"k":{"z":1,"a":1,"b":1,"b":2,"b":3,"c":4}}])", {u"||k!,k/b[2],k/[0],k/q"_s},
+    {R"([{"k":{"z":1,"a":1,"b":1,"b":2,"b":3,"c":4}}])",
+     {u"||k!,k/b[2],k/[0],k/q"_s},
      "z a b[3] c ,3,1,-;[k/q]"},
     {R"({"p":{"m1":{"v":1},"m2":{"v":2},"M1":{"v":3}}})", {u"/P|m1|v"_s}, "1;3;"},
     {R"({"p":{"m1":{"v":1},"m2":{"v":2}}})", {u"||v"_s}, "-;[v]"},
@@ -83,10 +88,12 @@ const std::vector<Case> kCases = {
     {R"({"m1":5,"m2":{"v":2}})", {u"||"_s}, "5;-;"},
     {"[[1,2],[3,[4]]]", {u"||[0],[1],[1]/[0]"_s}, "1,2,-;3,-,4;"},
     {"[[1,2],[3]]", {u"[0]||"_s}, "1;2;"},
-    {R"([{"n":[{"m":[1,2]},{"m":[]},{"m":[3]}]},{"n":[]}])", {u"||"_s, u"n||"_s, u"m||"_s},
+    {R"([{"n":[{"m":[1,2]},{"m":[]},{"m":[3]}]},{"n":[]}])",
+     {u"||"_s, u"n||"_s, u"m||"_s},
      "-,-,1;-,-,2;-,-,-;-,-,3;-,-,-;"},
     // one document per line, and other streams
-    {"{\"id\":1,\"u\":{\"n\":\"x\"}}\n{\"u\":{\"n\":\"y\"},\"id\":2}\n{}\n{\"id\":4}", {u"||id,u/n"_s},
+    {"{\"id\":1,\"u\":{\"n\":\"x\"}}\n{\"u\":{\"n\":\"y\"},\"id\":2}\n{}\n{\"id\":4}",
+     {u"||id,u/n"_s},
      "1,x;2,y;-,-;4,-;"},
     {"{\"other\":0,\"l\":[1,2]} {\"l\":[3]}", {u"||"_s, u"l||"_s}, "-,1;-,2;-,3;"},
     {"[{\"v\":1}][{\"v\":2}]", {u"||v"_s}, "1;2;"},
@@ -126,13 +133,15 @@ TEST(LevelExtractor, FollowsRecordsThatChangeTheirShape)
         QStringList members;
         for (int m = 0; m < 9; ++m) {
             const char16_t name = u"abcab"[(i * 7 + m * (i % 3 + 1)) % 5];
-            members << u"\"%1\":\"%2.%3\""_s.arg(QString(name), QString::number(i), QString::number(m));
+            members << u"\"%1\":\"%2.%3\""_s.arg(QString(name), QString::number(i),
+                                                 QString::number(m));
         }
         document += (i > 0 ? u",{"_s : u"{"_s) + members.join(u',') + u'}';
         for (const auto &[name, index] : {std::pair{u'a', 0}, {u'b', 1}, {u'c', 0}}) {
             QStringList hits = members.filter(u"\"%1\":"_s.arg(QChar(name)));
             const QString hit = hits.value(index);
-            expected += (name == u'a' ? u""_s : u","_s) + (hit.isEmpty() ? u"-"_s : hit.sliced(5).chopped(1));
+            expected += (name == u'a' ? u""_s : u","_s) +
+                        (hit.isEmpty() ? u"-"_s : hit.sliced(5).chopped(1));
         }
         expected += u';';
     }
@@ -162,8 +171,10 @@ TEST(LevelExtractor, CanBeginAtTheOnlyElement)
     for (const auto &[json, path, rows] :
          {std::tuple{R"({"orders":[{"v":1},{"v":2}]})", u"||v"_s, "1;2;"},
           {R"({"orders":{"list":[{"v":1}]}}{"x":{"list":[{"v":2}]}})", u"list||v"_s, "1;2;"},
-          {R"({"orders":[{"v":1}],"n":2})", u"orders||v"_s, "1;"}, {"{} []", u"||v"_s, ""},
-          {R"({"a":[{"v":1}]} {"a":[{"v":2})", u"||v"_s, "1;!4"}, {"", u"||v"_s, "!2"}}) {
+          {R"({"orders":[{"v":1}],"n":2})", u"orders||v"_s, "1;"},
+          {"{} []", u"||v"_s, ""},
+          {R"({"a":[{"v":1}]} {"a":[{"v":2})", u"||v"_s, "1;!4"},
+          {"", u"||v"_s, "!2"}}) {
         MemorySource source(json);
         JSONTokenizer tokenizer(source, 0, u"");
         LevelExtractor extractor(levelsOf({path}), options);
@@ -173,8 +184,9 @@ TEST(LevelExtractor, CanBeginAtTheOnlyElement)
 
 TEST(LevelExtractor, ReadsXmlFromTheDocumentElement)
 {
-    MemorySource source("<?xml version='1.0'?><!--c--><shop a='1'><x/><orders><order id='1'>t<l>a</l><l>b"
-                        "</l>u</order><order id='&lt;2'><![CDATA[c]]></order></orders></shop>");
+    MemorySource source(
+        "<?xml version='1.0'?><!--c--><shop a='1'><x/><orders><order id='1'>t<l>a</l><l>b"
+        "</l>u</order><order id='&lt;2'><![CDATA[c]]></order></orders></shop>");
     XMLTokenizer tokenizer(source, 0);
     ExtractOptions options;
     options.clearIsText = true;
@@ -229,9 +241,11 @@ TEST(SampleLevels, AreDerivedFromTheShapeOfTheSample)
         const char *levels;
     };
     for (const auto &[json, levels] : {
-             SampleCase{R"([{"id":1,"n":{"x":1,"id":2}},{"new":3}])", "||id=id,x=n/x,n.id=n/id,new=new"},
-             SampleCase{R"({"meta":{"v":1},"orders":[{"id":1,"lines":[{"s":1,"q":[1,2]}],"tags":["a"]}]})",
-                        "orders||id=id,tags[0]=tags/[0] lines||s=s q||value="},
+             SampleCase{R"([{"id":1,"n":{"x":1,"id":2}},{"new":3}])",
+                        "||id=id,x=n/x,n.id=n/id,new=new"},
+             SampleCase{
+                 R"({"meta":{"v":1},"orders":[{"id":1,"lines":[{"s":1,"q":[1,2]}],"tags":["a"]}]})",
+                 "orders||id=id,tags[0]=tags/[0] lines||s=s q||value="},
              SampleCase{"{\"a\":1,\"b\":{\"c\":null}}\n{\"a\":2,\"d\":3}", "||a=a,c=b/c,d=d"},
              SampleCase{R"([{"a/b":1,"x[0]":2,"A":{"a/B":3},"":4}])",
                         "||a/b=a\\/b,x[0]=x[0][0],a/B=A/a\\/B,_=_"},
@@ -248,10 +262,12 @@ TEST(SampleLevels, AreDerivedFromTheShapeOfTheSample)
     MemorySource many("[{\"a\":1},{\"b\":2},{\"c\":3}]");
     JSONTokenizer tokenizer(many, 0, u"");
     EXPECT_EQ(describe(deriveLevels(tokenizer, 2)), u"||a=a,b=b");
-    MemorySource xml("<shop><info/><order id='1'><name>n</name><line k='x'>1</line><line>2</line></order>"
-                     "<order id='2'/></shop>");
+    MemorySource xml(
+        "<shop><info/><order id='1'><name>n</name><line k='x'>1</line><line>2</line></order>"
+        "<order id='2'/></shop>");
     XMLTokenizer xmlTokenizer(xml, 0);
-    EXPECT_EQ(describe(deriveLevels(xmlTokenizer, 100)), u"shop|order|id=@id,name=name |line|value=,k=@k");
+    EXPECT_EQ(describe(deriveLevels(xmlTokenizer, 100)),
+              u"shop|order|id=@id,name=name |line|value=,k=@k");
 }
 
 // ---- Documents of others, against what other programs read from them.
@@ -260,7 +276,8 @@ namespace {
 
 QString corpusFile(const QString &name)
 {
-    return qEnvironmentVariable("CORVANTA_CORPUS", QStringLiteral(CORVANTA_DEFAULT_CORPUS)) + u"/json/docs/"_s + name;
+    return qEnvironmentVariable("CORVANTA_CORPUS", QStringLiteral(CORVANTA_DEFAULT_CORPUS)) +
+           u"/json/docs/"_s + name;
 }
 
 /// One record of a CSV table (RFC 4180): its fields with what is not there as "-".
@@ -271,7 +288,8 @@ QStringList csvRecord(const QString &text, qsizetype *at)
         QString field;
         const bool quoted = text[*at] == u'"';
         *at += quoted ? 1 : 0;
-        while (quoted ? text[*at] != u'"' || text[*at + 1] == u'"' : !u",\r\n"_s.contains(text[*at])) {
+        while (quoted ? text[*at] != u'"' || text[*at + 1] == u'"'
+                      : !u",\r\n"_s.contains(text[*at])) {
             *at += quoted && text[*at] == u'"' ? 1 : 0;
             field += text[(*at)++];
         }
@@ -292,8 +310,10 @@ TEST(LevelExtractor, ReadsWhatOtherProgramsRead)
     }
     for (const auto &[document, golden, path] :
          {std::tuple{u"citm_catalog"_s, u"citm_performances"_s, u"performances"_s},
-          {u"github_events"_s, u"github_events"_s, u""_s}, {u"miserables"_s, u"miserables_links"_s, u"links"_s},
-          {u"movies"_s, u"movies"_s, u""_s}, {u"penguins"_s, u"penguins"_s, u""_s},
+          {u"github_events"_s, u"github_events"_s, u""_s},
+          {u"miserables"_s, u"miserables_links"_s, u"links"_s},
+          {u"movies"_s, u"movies"_s, u""_s},
+          {u"penguins"_s, u"penguins"_s, u""_s},
           {u"twitter"_s, u"twitter_statuses"_s, u"statuses"_s}}) {
         QFile csv(corpusFile(u"golden/"_s + golden + u".csv"_s));
         QFile json(corpusFile(document + u".json"_s));
@@ -313,7 +333,8 @@ TEST(LevelExtractor, ReadsWhatOtherProgramsRead)
         qint64 rows = 0;
         while (extractor.next(arena) == LevelExtractor::Outcome::Row) {
             ASSERT_LT(at, table.size()) << golden.toStdString();
-            ASSERT_EQ(rowText(extractor.cells()), csvRecord(table, &at).join(u',')) << golden.toStdString() << ++rows;
+            ASSERT_EQ(rowText(extractor.cells()), csvRecord(table, &at).join(u','))
+                << golden.toStdString() << ++rows;
             arena.reset();
         }
         EXPECT_EQ(at, table.size()) << golden.toStdString();

@@ -25,7 +25,8 @@ qsizetype findBreak(const char *bytes, qsizetype at, qsizetype n)
     return at;
 }
 
-/// UTF-16 units of `n` bytes of UTF-8: one for each byte that begins a character, two for four bytes.
+/// UTF-16 units of `n` bytes of UTF-8: one for each byte that begins a character, two for four
+/// bytes.
 qint64 countUnits(const char *bytes, qsizetype n)
 {
     const __m128i zero = _mm_setzero_si128();
@@ -35,7 +36,8 @@ qint64 countUnits(const char *bytes, qsizetype n)
     qsizetype i = 0;
     for (; i + 16 <= n; i += 16) {
         const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(bytes + i));
-        // Continuation bytes are the lowest as signed numbers. A comparison gives -1 where it holds.
+        // Continuation bytes are the lowest as signed numbers. A comparison gives -1 where it
+        // holds.
         const __m128i begins = _mm_cmpgt_epi8(block, lastContinuation);
         const __m128i long4 = _mm_cmpeq_epi8(_mm_max_epu8(block, fourBytes), block);
         const __m128i units = _mm_sub_epi8(_mm_sub_epi8(zero, begins), long4);

@@ -21,7 +21,8 @@ TEST(MarkupError, HasItsTexts)
                  "Warning: No XML/JSON tag found");
     EXPECT_STREQ(QString::fromUtf16(errorText(MarkupError::Base64BufferTooSmall)).toLatin1(),
                  "Error: Base64 decode output buffer is too small");
-    EXPECT_STREQ(QString::fromUtf16(errorText(static_cast<MarkupError>(32))).toLatin1(), "Unknown error");
+    EXPECT_STREQ(QString::fromUtf16(errorText(static_cast<MarkupError>(32))).toLatin1(),
+                 "Unknown error");
     EXPECT_TRUE(isWarning(MarkupError::Base64TruncatedWarning));
     EXPECT_FALSE(isWarning(MarkupError::InvalidNumber));
 }
@@ -48,7 +49,8 @@ TEST(Base64, SaysWhatIsWrong)
     };
     std::array<char, 4> out{};
     for (const auto &[text, code, size] :
-         {Case{u"QU\r\nJ D", MarkupError::None, 3}, Case{u"QUI", MarkupError::Base64LengthWarning, 2},
+         {Case{u"QU\r\nJ D", MarkupError::None, 3},
+          Case{u"QUI", MarkupError::Base64LengthWarning, 2},
           Case{u"QUJDR", MarkupError::Base64TruncatedWarning, 3},
           Case{u"QU!D", MarkupError::Base64IllegalCharacter, 1},
           Case{u"QQ==QQ==", MarkupError::Base64IllegalCharacter, 1},
@@ -142,18 +144,32 @@ TEST(Path, FindsDescendants)
     MarkupResult result;
     const MarkupNode doc = builder.parseNext(tokenizer, result, false);
     ASSERT_EQ(doc.name(), u"Doc");
-    const std::array cases{
-        Case{u"x", u"x0"}, Case{u"/X", u"x0"}, Case{u"x[1]", u"x1"}, Case{u"X[1]", u"x0", false},
-        Case{u"x[2]", u"x1", false}, Case{u"x[]", u"x0"}, Case{u"x[]", u"x0", false},
-        Case{u"item/[1]/v", u"i1"}, Case{u"item/[1]/v", u"i0", false}, Case{u"[1]", u"x0"},
-        Case{u"item/[2]/v", nullptr}, Case{u"item/v", nullptr}, Case{u"x[99999999999]", nullptr},
-        Case{u"a\\/b", u"slash"}, Case{u"c\\\\d", u"back"}, Case{u"é", u"accent"},
-        Case{u"n[3]", nullptr}, Case{u"n[3][0]", u"brackets"}, Case{u"_", u"under"},
-        Case{u"", u""}, Case{u"nothing", nullptr}};
+    const std::array cases{Case{u"x", u"x0"},
+                           Case{u"/X", u"x0"},
+                           Case{u"x[1]", u"x1"},
+                           Case{u"X[1]", u"x0", false},
+                           Case{u"x[2]", u"x1", false},
+                           Case{u"x[]", u"x0"},
+                           Case{u"x[]", u"x0", false},
+                           Case{u"item/[1]/v", u"i1"},
+                           Case{u"item/[1]/v", u"i0", false},
+                           Case{u"[1]", u"x0"},
+                           Case{u"item/[2]/v", nullptr},
+                           Case{u"item/v", nullptr},
+                           Case{u"x[99999999999]", nullptr},
+                           Case{u"a\\/b", u"slash"},
+                           Case{u"c\\\\d", u"back"},
+                           Case{u"é", u"accent"},
+                           Case{u"n[3]", nullptr},
+                           Case{u"n[3][0]", u"brackets"},
+                           Case{u"_", u"under"},
+                           Case{u"", u""},
+                           Case{u"nothing", nullptr}};
     for (const Case &c : cases) {
         const MarkupNode found = getChildNodeByPath(doc, c.path, c.zeroBased, u'/');
         ASSERT_EQ(found.isEmpty(), c.text == nullptr) << QString::fromUtf16(c.path).toStdString();
-        EXPECT_EQ(found.text(0), c.text == nullptr ? u"" : c.text) << QString::fromUtf16(c.path).toStdString();
+        EXPECT_EQ(found.text(0), c.text == nullptr ? u"" : c.text)
+            << QString::fromUtf16(c.path).toStdString();
     }
     EXPECT_TRUE(getChildNodeByPath(doc, QStringView(), true, u'/').isEmpty());
     EXPECT_EQ(escapedStep(u"a/b\\[1]"), u"a\\/b\\\\[1][0]");

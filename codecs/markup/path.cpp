@@ -27,8 +27,8 @@ PathStep parseStep(QStringView text, bool zeroBased)
         step.anyName = text.isEmpty();
     }
     for (qsizetype i = 0; i < text.size(); ++i) {
-        const bool escapes = text[i] == u'\\' && i + 1 < text.size()
-                             && (text[i + 1] == u'\\' || text[i + 1] == u'/');
+        const bool escapes = text[i] == u'\\' && i + 1 < text.size() &&
+                             (text[i + 1] == u'\\' || text[i + 1] == u'/');
         i += escapes ? 1 : 0;
         step.name.push_back(static_cast<char16_t>(QChar::toLower(char32_t(text[i].unicode()))));
     }

@@ -18,7 +18,8 @@ bool wants(const PathStep &step, const RawText &name)
 
 PathSet::PathSet()
     : m_nodes(1)
-{}
+{
+}
 
 size_t PathSet::add(const std::vector<PathStep> &steps)
 {
@@ -114,16 +115,19 @@ void PathSet::walkChildren(const MarkupTree &tree, Visit at)
 }
 
 /// Compare the children from `child` on by name and remember them; the first `known` are as before.
-void PathSet::learnChildren(const MarkupTree &tree, Visit at, quint32 child, size_t known, size_t left)
+void PathSet::learnChildren(const MarkupTree &tree, Visit at, quint32 child, size_t known,
+                            size_t left)
 {
     Node &node = m_nodes[at.node];
     node.shape.resize(known);
     m_left.clear();
     for (const Want &want : node.wants) {
-        const auto passed = std::count_if(node.shape.begin(), node.shape.end(), [&](const Slot &slot) {
-            const RawText name{slot.name.data(), static_cast<quint32>(slot.name.size()), slot.form};
-            return wants(want.step, name);
-        });
+        const auto passed =
+            std::count_if(node.shape.begin(), node.shape.end(), [&](const Slot &slot) {
+                const RawText name{slot.name.data(), static_cast<quint32>(slot.name.size()),
+                                   slot.form};
+                return wants(want.step, name);
+            });
         const auto before = static_cast<quint32>(passed);
         m_left.push_back(want.step.index >= before ? want.step.index - before : kNoWant);
     }
@@ -143,8 +147,8 @@ void PathSet::learnChildren(const MarkupTree &tree, Visit at, quint32 child, siz
     }
 }
 
-/// "@name" reaches an attribute before it reaches a child of that name. The visits are made in reverse,
-/// after those of the children that end here: the first attribute has the last word.
+/// "@name" reaches an attribute before it reaches a child of that name. The visits are made in
+/// reverse, after those of the children that end here: the first attribute has the last word.
 void PathSet::findAttributes(const MarkupTree &tree, Visit at)
 {
     const Node &node = m_nodes[at.node];
@@ -152,8 +156,8 @@ void PathSet::findAttributes(const MarkupTree &tree, Visit at)
     for (; attribute != MarkupTree::kNone; attribute = tree.sibling(attribute)) {
         const RawText name = tree.raw(attribute);
         for (const Want &want : node.wants) {
-            if (want.step.isAttribute()
-                && nameMatches(name, std::u16string_view(want.step.name).substr(1))) {
+            if (want.step.isAttribute() &&
+                nameMatches(name, std::u16string_view(want.step.name).substr(1))) {
                 m_open.push_back({want.node, attribute});
             }
         }

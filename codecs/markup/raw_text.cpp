@@ -106,7 +106,8 @@ qsizetype decodeXml(const char *at, const char *end, char16_t *out)
 {
     char16_t *const begin = out;
     while (at < end) {
-        const auto *amp = static_cast<const char *>(std::memchr(at, '&', static_cast<size_t>(end - at)));
+        const auto *amp =
+            static_cast<const char *>(std::memchr(at, '&', static_cast<size_t>(end - at)));
         const char *const stop = amp != nullptr ? amp : end;
         out += utf8ToUtf16(at, stop - at, out);
         at = stop;

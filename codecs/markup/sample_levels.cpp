@@ -25,14 +25,14 @@ constexpr qint64 kIndexedItems = 8;
 /// All elements of one name at one place of the document.
 struct Shape
 {
-    std::u16string name;      ///< "@name" for an attribute
+    std::u16string name; ///< "@name" for an attribute
     size_t parent = 0;
     std::vector<size_t> children;
     std::map<std::u16string, size_t> byName;
     qint64 count = 0;
-    qint64 inParent = 0;      ///< in the parent at hand
+    qint64 inParent = 0; ///< in the parent at hand
     qint64 mostInParent = 0;
-    bool isItem = false;      ///< of an array
+    bool isItem = false; ///< of an array
     bool hasText = false;
 
     bool isRepeated() const { return isItem || mostInParent > 1; }
@@ -48,7 +48,8 @@ public:
         , m_xml(dynamic_cast<XMLTokenizer *>(&tokenizer))
         , m_records(std::max(records, 1))
         , m_shapes(1)
-    {}
+    {
+    }
 
     void read();
     std::vector<Level> levels();
@@ -74,7 +75,7 @@ private:
     qint64 m_records;
     std::vector<Shape> m_shapes;
     size_t m_current = 0;
-    qint64 m_unseen = 0;     ///< open elements below the current shape that are not looked at
+    qint64 m_unseen = 0; ///< open elements below the current shape that are not looked at
     QSet<QString> m_names;
 };
 
@@ -141,7 +142,8 @@ bool Sampler::take(Token token)
 {
     switch (token) {
     case Token::Start:
-        begin(std::u16string(m_tokenizer.name()), m_json != nullptr && m_tokenizer.rawText().isEmpty());
+        begin(std::u16string(m_tokenizer.name()),
+              m_json != nullptr && m_tokenizer.rawText().isEmpty());
         return true;
     case Token::End:
         return end();
@@ -169,8 +171,8 @@ void Sampler::read()
     }
 }
 
-/// The shape and those below it that are not repeated, and the repeated ones that they hold, in the order
-/// in which they appeared.
+/// The shape and those below it that are not repeated, and the repeated ones that they hold, in the
+/// order in which they appeared.
 std::vector<size_t> Sampler::descendants(size_t top) const
 {
     std::vector<size_t> found;
@@ -207,8 +209,8 @@ size_t Sampler::findRecord() const
             continue;
         }
         const std::pair rank{m_shapes[shape].holdsOthers(), -depthOf(shape)};
-        if (best == kNone || rank > bestRank
-            || (rank == bestRank && m_shapes[shape].count > m_shapes[best].count)) {
+        if (best == kNone || rank > bestRank ||
+            (rank == bestRank && m_shapes[shape].count > m_shapes[best].count)) {
             best = shape;
             bestRank = rank;
         }

@@ -21,7 +21,8 @@ constexpr size_t kFillBytes = 256 * 1024;
 MarkupTokenizer::MarkupTokenizer(ByteSource &source, qint64 bufferChars)
     : m_source(source)
     , m_capacity(static_cast<size_t>(std::max(bufferChars, kMinBufferChars)))
-{}
+{
+}
 
 MarkupTokenizer::~MarkupTokenizer() = default;
 
@@ -215,7 +216,8 @@ int MarkupTokenizer::skipCharacter()
     }
     m_keep = m_pos;
     if (here() == end() && !refill()) {
-        return m_pendingError == MarkupError::None ? kAtEnd : static_cast<int>(fail(m_pendingError));
+        return m_pendingError == MarkupError::None ? kAtEnd
+                                                   : static_cast<int>(fail(m_pendingError));
     }
     do {
         ++m_pos;

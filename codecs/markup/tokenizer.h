@@ -17,11 +17,11 @@ namespace corvanta::markup {
 
 enum class Token : quint8 {
     None = 0,
-    Start = 1,         ///< XML start tag; JSON member or array item
-    End = 2,           ///< the end of what Start began
+    Start = 1, ///< XML start tag; JSON member or array item
+    End = 2,   ///< the end of what Start began
     Text = 3,
-    Clear = 4,         ///< CDATA, DOCTYPE, comment, script ...
-    Instruction = 5,   ///< <?...?>
+    Clear = 4,       ///< CDATA, DOCTYPE, comment, script ...
+    Instruction = 5, ///< <?...?>
     EndOfData = 6,
     Error = 8,
     DocumentStart = 9, ///< only with setDocumentMarks(): a value at the top of a JSON stream begins
@@ -30,15 +30,16 @@ enum class Token : quint8 {
 
 enum class ClearKind : quint8 { CData, DocType, Comment, Pre, Script, CapitalScript, Other };
 
-/// A piece of the buffer, counted from the start of the current token, or the number of a text outside.
-/// One word, so that it is copied in one go: tokens are made by the ten million.
+/// A piece of the buffer, counted from the start of the current token, or the number of a text
+/// outside. One word, so that it is copied in one go: tokens are made by the ten million.
 class TextSpan
 {
 public:
     TextSpan() = default;
     TextSpan(quint32 offset, quint32 size, TextForm form)
         : m_bits(quint64(offset) << kOffsetShift | quint64(size) << kSizeShift | quint64(form))
-    {}
+    {
+    }
     static TextSpan external(quint32 number) { return {number, 0, TextForm::External}; }
 
     quint32 offset() const { return static_cast<quint32>(m_bits >> kOffsetShift); }
@@ -81,8 +82,8 @@ public:
     /// Say how the bytes are encoded instead of guessing, before the first token.
     void setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid);
 
-    /// With this on, every Start gets its End before EndOfData: what is still open at the end of the
-    /// data is an error (UnmatchedEndTag).
+    /// With this on, every Start gets its End before EndOfData: what is still open at the end of
+    /// the data is an error (UnmatchedEndTag).
     void setBalanced(bool on) { m_balanced = on; }
 
     /// Report where the values at the top of a JSON stream begin and end.
@@ -114,7 +115,8 @@ public:
     /// True when bytes were dropped that are no character (InvalidBytes::Discard).
     bool hasDiscarded() const { return m_source.hasDiscarded(); }
 
-    /// Step past one character: 0, or 1 at the end of the data, or 8 (an Error token) when reading fails.
+    /// Step past one character: 0, or 1 at the end of the data, or 8 (an Error token) when reading
+    /// fails.
     int skipCharacter();
 
     /// Keep everything from the current token on in memory, at one place, until unpin().

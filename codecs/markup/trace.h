@@ -16,7 +16,8 @@ inline std::u16string traceToken(MarkupTokenizer &tokenizer, Token token)
         std::u16string out = u"<" + std::u16string(tokenizer.name());
         if (const auto *xml = dynamic_cast<const XMLTokenizer *>(&tokenizer)) {
             for (size_t i = 0; i < xml->attributes().size(); ++i) {
-                out += u" " + decoded(xml->attributeName(i)) + u"=" + decoded(xml->attributeValue(i));
+                out +=
+                    u" " + decoded(xml->attributeName(i)) + u"=" + decoded(xml->attributeValue(i));
             }
         }
         return out;

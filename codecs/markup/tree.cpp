@@ -175,8 +175,8 @@ Token MarkupTreeBuilder::pull(bool nextElement)
         const Token token = m_tokenizer->nextToken();
         inDocument = inDocument || token == Token::DocumentStart;
         const bool closesParent = token == Token::End && m_depth == 0;
-        if (token == Token::EndOfData || token == Token::Error || token == Token::DocumentEnd
-            || closesParent || !add(token)) {
+        if (token == Token::EndOfData || token == Token::Error || token == Token::DocumentEnd ||
+            closesParent || !add(token)) {
             return token;
         }
         if (token == Token::End && m_depth == 0 && (nextElement || !inDocument)) {

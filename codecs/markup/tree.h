@@ -2,8 +2,8 @@
 // The tree of one record-sized piece of a document.
 //
 // Nodes are a flat list of items in document order; names and texts are places in the tokenizer's
-// buffer, which is pinned while the tree lives. Both memories are used again for the next tree, so that
-// reading a long list of records allocates nothing in steady state.
+// buffer, which is pinned while the tree lives. Both memories are used again for the next tree, so
+// that reading a long list of records allocates nothing in steady state.
 #pragma once
 #include "codecs/markup/tokenizer.h"
 
@@ -18,19 +18,19 @@ enum class ItemKind : quint8 { Child, Text, Clear, Attribute, Instruction };
 /// One entry of the list: an element or what stands in one.
 struct TreeItem
 {
-    TextSpan text;                     ///< name or text, counted from the pinned place
-    quint32 next = 0;                  ///< index of the item behind this one and all inside it
+    TextSpan text;    ///< name or text, counted from the pinned place
+    quint32 next = 0; ///< index of the item behind this one and all inside it
     quint32 parent = 0;
-    TextSpan value;                    ///< of an Attribute
-    std::array<quint32, 4> counts{};   ///< of a Child: its items by kind
+    TextSpan value;                  ///< of an Attribute
+    std::array<quint32, 4> counts{}; ///< of a Child: its items by kind
     ItemKind kind = ItemKind::Child;
     ClearKind clearKind = ClearKind::Other;
 };
 
 class MarkupTree;
 
-/// A handle of an element; may be empty, and then answers with zeros and empty values. Valid until the
-/// next tree is built or the tokenizer goes on.
+/// A handle of an element; may be empty, and then answers with zeros and empty values. Valid until
+/// the next tree is built or the tokenizer goes on.
 class MarkupNode
 {
 public:
@@ -38,7 +38,8 @@ public:
     MarkupNode(const MarkupTree *tree, quint32 index)
         : m_tree(tree)
         , m_index(index)
-    {}
+    {
+    }
 
     bool isEmpty() const { return m_tree == nullptr; }
     std::u16string name() const;
@@ -49,7 +50,8 @@ public:
     /// The sum of the four.
     qsizetype elementCount() const;
 
-    /// The i-th of its kind, from 0; empty when there is none. Going through them in order is cheap.
+    /// The i-th of its kind, from 0; empty when there is none. Going through them in order is
+    /// cheap.
     MarkupNode child(qsizetype i) const;
     std::u16string text(qsizetype i) const;
     std::u16string clear(qsizetype i) const;
@@ -87,13 +89,11 @@ public:
         return {m_bytes + span.offset(), span.size(), span.form()};
     }
     RawText raw(quint32 index) const { return raw(m_items[index].text); }
-    RawText value(const TreeItem &attribute) const
-    {
-        return raw(attribute.value);
-    }
+    RawText value(const TreeItem &attribute) const { return raw(attribute.value); }
     MarkupNode root() const { return {this, 0}; }
 
-    /// The first item at or behind `index` inside `parent` that is of `kind`; kNone when there is none.
+    /// The first item at or behind `index` inside `parent` that is of `kind`; kNone when there is
+    /// none.
     quint32 next(quint32 index, quint32 parent, ItemKind kind) const
     {
         const quint32 end = m_items[parent].next;
@@ -151,16 +151,17 @@ public:
     /// Bytes by which it grows at least.
     void setGrowthSize(qint64 bytes) { m_growthBytes = bytes; }
 
-    /// Build the tree of the next element, `nextElement` on, or of the next whole value at the top of the
-    /// stream, and give its root. The tree before is gone. Every failure is in `result`; NoTagFound
-    /// and an empty handle when there was no element.
+    /// Build the tree of the next element, `nextElement` on, or of the next whole value at the top
+    /// of the stream, and give its root. The tree before is gone. Every failure is in `result`;
+    /// NoTagFound and an empty handle when there was no element.
     MarkupNode parseNext(MarkupTokenizer &tokenizer, MarkupResult &result, bool nextElement);
 
     // The steps of it, for callers that pull the tokens themselves.
 
     /// Forget the tree before and begin one at the tokenizer's current token.
     void begin(MarkupTokenizer &tokenizer);
-    /// Add the current token (Start, End, Text, Clear or Instruction). False when the tree became too large.
+    /// Add the current token (Start, End, Text, Clear or Instruction). False when the tree became
+    /// too large.
     bool add(Token token);
     /// Elements that are open below the artificial root.
     qint64 depth() const { return m_depth; }

@@ -46,9 +46,8 @@ constexpr std::array<std::string_view, 17> kVoidElements{
 bool equalsIgnoringCase(std::string_view a, std::string_view b)
 {
     const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-    return a.size() == b.size()
-           && std::equal(a.begin(), a.end(), b.begin(),
-                         [&](char x, char y) { return lower(x) == lower(y); });
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
+                                              [&](char x, char y) { return lower(x) == lower(y); });
 }
 
 template <size_t N>
@@ -65,7 +64,8 @@ const char *findEither(const char *at, char a, char b)
     const __m128i second = _mm_set1_epi8(b);
     for (;; at += 16) {
         const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
-        const __m128i hit = _mm_or_si128(_mm_cmpeq_epi8(block, first), _mm_cmpeq_epi8(block, second));
+        const __m128i hit =
+            _mm_or_si128(_mm_cmpeq_epi8(block, first), _mm_cmpeq_epi8(block, second));
         const int mask =
             _mm_movemask_epi8(_mm_or_si128(hit, _mm_cmpeq_epi8(block, _mm_setzero_si128())));
         if (mask != 0) {
@@ -270,8 +270,8 @@ Token XMLTokenizer::readEndTag()
     return finish(Token::End);
 }
 
-/// The end of an element by its tag, with the stack of open names: what does not fit is an error in XML;
-/// in HTML it closes everything down to its element, or means nothing.
+/// The end of an element by its tag, with the stack of open names: what does not fit is an error in
+/// XML; in HTML it closes everything down to its element, or means nothing.
 Token XMLTokenizer::closeFor(std::string_view name)
 {
     if (!m_nameStarts.empty() && nameAt(m_nameStarts.size() - 1) == name) {
@@ -280,7 +280,8 @@ Token XMLTokenizer::closeFor(std::string_view name)
         return finish(Token::End);
     }
     if (!m_options.html) {
-        return fail(m_nameStarts.empty() ? MarkupError::UnexpectedEndTag : MarkupError::UnmatchedEndTag);
+        return fail(m_nameStarts.empty() ? MarkupError::UnexpectedEndTag
+                                         : MarkupError::UnmatchedEndTag);
     }
     const size_t depth = m_nameStarts.size();
     for (size_t up = 1; up <= std::min(depth, kHtmlSearchDepth); ++up) {
@@ -372,9 +373,9 @@ Token XMLTokenizer::readClear(size_t opener)
         }
         const auto closer = static_cast<quint32>(bracketed ? section.closer.size() : 1);
         const quint32 size = fromToken(at + 1) - start;
-        if (size >= closer
-            && std::memcmp(at + 1 - closer, section.closer.data() + section.closer.size() - closer, closer)
-                   == 0) {
+        if (size >= closer &&
+            std::memcmp(at + 1 - closer, section.closer.data() + section.closer.size() - closer,
+                        closer) == 0) {
             m_text = {start, size - closer, TextForm::Plain};
             break;
         }

@@ -87,10 +87,10 @@ private:
     QByteArray m_systemEncoding = QByteArrayLiteral("windows-1252");
     std::vector<Attribute> m_attributes;
     ClearKind m_clearKind = ClearKind::Other;
-    bool m_pendingEnd = false;      ///< the next token is the end of the element that just began
-    qint64 m_pendingCloses = 0;     ///< open elements whose ends come next, without tags of their own
+    bool m_pendingEnd = false;  ///< the next token is the end of the element that just began
+    qint64 m_pendingCloses = 0; ///< open elements whose ends come next, without tags of their own
     TextSpan m_name;
-    std::vector<char> m_names;      ///< of the open elements, one after the other
+    std::vector<char> m_names; ///< of the open elements, one after the other
     std::vector<size_t> m_nameStarts;
     std::string m_closedName;
 };

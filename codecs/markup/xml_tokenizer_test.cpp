@@ -1,4 +1,5 @@
-// What the XML tokenizer makes of XML and of loose HTML, and of every way in which the bytes may arrive.
+// What the XML tokenizer makes of XML and of loose HTML, and of every way in which the bytes may
+// arrive.
 #include "codecs/markup/trace.h"
 #include "codecs/markup/xml_tokenizer.h"
 
@@ -122,7 +123,8 @@ TEST(XmlTokenizer, DoesNotDependOnWhereBlocksEnd)
     }
 }
 
-// Kept as required: the number of a lone surrogate goes through the formula for pairs, without an error.
+// Kept as required: the number of a lone surrogate goes through the formula for pairs, without an
+// error.
 TEST(XmlTokenizer, SendsSurrogateNumbersThroughThePairFormula)
 {
     MemorySource source("&#xD800;&#;");
@@ -141,14 +143,17 @@ TEST(XmlTokenizer, DetectsTheEncoding)
     };
     // Below 25 bytes the system's code page is taken, whatever the bytes are.
     EXPECT_EQ(traceDetected("<a>\xe9</a>"), "<a 'é' >a .");
-    EXPECT_EQ(traceDetected("<?xml version='1.0' encoding='koi8-r'?><a>\xc1</a>"), "?xml <a 'а' >a .");
+    EXPECT_EQ(traceDetected("<?xml version='1.0' encoding='koi8-r'?><a>\xc1</a>"),
+              "?xml <a 'а' >a .");
     EXPECT_EQ(traceDetected("<?xml version='1.0' encoding='no-such'?><a>\xc1</a>"), "!17");
     EXPECT_EQ(traceDetected("<?xml version='1.0' encoding='utf-8'?><a>\xc1</a>"), "!17");
-    EXPECT_EQ(traceDetected("<?xml version='1.0' encoding='ShiftJIS'?><a>\x8f\x54</a>"), "?xml <a '週' >a .");
+    EXPECT_EQ(traceDetected("<?xml version='1.0' encoding='ShiftJIS'?><a>\x8f\x54</a>"),
+              "?xml <a '週' >a .");
     const QString text = QStringLiteral("<abc><defghi>漢字</defghi></abc><abc/>");
     QByteArray utf32;
     for (const QChar c : text) {
-        utf32 += QByteArray(2, '\0') + static_cast<char>(c.unicode() >> 8) + static_cast<char>(c.unicode());
+        utf32 += QByteArray(2, '\0') + static_cast<char>(c.unicode() >> 8) +
+                 static_cast<char>(c.unicode());
     }
     EXPECT_EQ(traceDetected(utf32), "<abc <defghi '漢字' >defghi >abc <abc >abc .");
 }
