@@ -349,6 +349,7 @@ void ActionWriteExcel::finish()
     if (m_run->sheet && m_run->isComplete && runIsGood()) {
         const bool done = m_run->update ? finishUpdate() : finishNewWorkbook();
         m_run->sheet.reset();
+        m_run->update.reset(); // closes the workbook that is about to be replaced
         if (!done) {
             fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(m_run->file));
         } else if (commit() && m_params.runExcel) {

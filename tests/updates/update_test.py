@@ -71,6 +71,12 @@ class ChangedParts(UpdateCase):
         self.assertEqual(rows_of(new["xl/worksheets/sheet3.xml"])[2], ["1", "a<b & c", "45351", "site"])
         self.assertIn('Id="rId1" Target="http://x.org/?a=1&amp;b=2"', new["xl/worksheets/_rels/sheet3.xml.rels"].decode())
 
+    def test_a_new_sheet_takes_no_name_that_is_declared(self):
+        parts = plain_parts()
+        stale = '<Override PartName="/xl/worksheets/sheet7.xml" ContentType="x/y"/></Types>'
+        parts["[Content_Types].xml"] = parts["[Content_Types].xml"].replace("</Types>", stale)
+        self.assertIn("xl/worksheets/sheet8.xml", self.check("mode='1' sheetName='New'", parts))
+
     def test_no_recalculation_when_not_wanted(self):
         new = self.check("mode='1' sheetName='New' forceRecompute='0'", plain_parts())
         self.assertIn('<calcPr calcId="124519"/>', new["xl/workbook.xml"].decode())
