@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <set>
 #include <string_view>
 
 namespace corvanta::xlsx {
@@ -308,20 +309,37 @@ struct HyperlinkPlace
 {
     std::optional<Element> list;
     std::optional<qsizetype> newList;
+    std::vector<std::pair<qsizetype, qsizetype>> replaced; ///< elements whose cells get new links
     bool isWhole = false;
 };
 
-HyperlinkPlace findHyperlinkPlace(const QByteArray &tail, QByteArrayView prefix)
+HyperlinkPlace findHyperlinkPlace(const QByteArray &tail, QByteArrayView prefix,
+                                  const std::set<QByteArray> &cells)
 {
     HyperlinkPlace place;
+    bool isInList = false;
+    bool isReplaced = false;
+    const auto takeLink = [&](const Tag &tag) {
+        if (tag.kind == Tag::Kind::Close) {
+            place.replaced.back().second = tag.end;
+            return;
+        }
+        isReplaced = cells.contains(tag.attribute("ref").value_or(QByteArrayView()).toByteArray());
+        if (isReplaced) {
+            place.replaced.emplace_back(tag.begin, tag.end);
+        }
+    };
     place.isWhole = forEachTailTag(tail, [&](const Tag &tag, int depth) {
         const bool isList =
             depth == 1 && tag.prefix() == prefix && tag.local() == QByteArrayView("hyperlinks");
+        isInList = depth == 1 ? isList && tag.kind == Tag::Kind::Open : isInList;
         if (isList && tag.kind == Tag::Kind::Close) {
             place.list->closeBegin = tag.begin;
             place.list->end = tag.end;
         } else if (isList && !place.list) {
             place.list = Element{tag, tag.end - 2, tag.end};
+        } else if (isInList && depth == 2 && (isReplaced || tag.kind != Tag::Kind::Close)) {
+            takeLink(tag);
         }
         const bool isLater = depth == 0 || (depth == 1 && tag.kind != Tag::Kind::Close &&
                                             !precedesHyperlinks(tag.local()));
@@ -342,7 +360,11 @@ Result<QByteArray, Error> withHyperlinks(const QByteArray &tail, const QByteArra
     qsizetype at = 0;
     bool isBroken = false;
     nextTag(rootTag, &at, &root, &isBroken);
-    const HyperlinkPlace place = findHyperlinkPlace(tail, root.prefix());
+    std::set<QByteArray> cells;
+    for (const HyperlinkUse &use : uses) {
+        cells.insert(use.cell);
+    }
+    const HyperlinkPlace place = findHyperlinkPlace(tail, root.prefix(), cells);
     if (!place.isWhole || !place.newList) {
         return fault(Error::Malformed);
     }
@@ -360,6 +382,9 @@ Result<QByteArray, Error> withHyperlinks(const QByteArray &tail, const QByteArra
                  use.relationshipId + "\"/>";
     }
     Splices splices(tail);
+    for (const auto &[begin, end] : place.replaced) {
+        splices.replace(begin, end, {});
+    }
     if (place.list) {
         splices.append(*place.list, links);
     } else {

@@ -83,8 +83,8 @@ struct HyperlinkUse
 };
 
 /// The tail with hyperlinks put into its list of them, which is made where the schema wants it
-/// (ECMA-376 part 1, 18.3.1.99). `rootTag` and `family` as the splitter gives them.
-/// Errors: Malformed.
+/// (ECMA-376 part 1, 18.3.1.99); older links of the same cells give way. `rootTag` and `family` as
+/// the splitter gives them. Errors: Malformed.
 Result<QByteArray, Error> withHyperlinks(const QByteArray &tail, const QByteArray &rootTag,
                                          const Family &family,
                                          const std::vector<HyperlinkUse> &uses);

@@ -389,6 +389,11 @@ TEST(SheetTail, HyperlinksGoWhereTheSchemaWantsThem)
          "<customSheetViews><customSheetView><pageMargins/></customSheetView></"
          "customSheetViews><mergeCells/>" +
              list + "<tableParts/>"},
+        {"<hyperlinks><hyperlink ref='B2' r:id='x'/><hyperlink ref='B2:C3'/>"
+         "<hyperlink ref=\"B2\"><a/></hyperlink><hyperlink "
+         "ref=\"C2\"><a/></hyperlink></hyperlinks>",
+         "<hyperlinks><hyperlink ref='B2:C3'/><hyperlink ref=\"C2\"><a/></hyperlink>" + link +
+             "</hyperlinks>"},
         {"<!--<hyperlinks></hyperlinks>-->", "<!--<hyperlinks></hyperlinks>-->" + list},
     };
     for (const auto &[before, after] : cases) {
