@@ -37,6 +37,16 @@ void ActionWriteExcel::start()
             m_run->file, m_params.floatToString));
         return;
     }
+    const QString compression = globalParameters() != nullptr ? globalParameters()->compression() : QString();
+    if (!compression.isEmpty()) {
+        const std::optional<deflate::Level> level = deflate::parseLevel(compression);
+        if (!level) {
+            fail(u"\nERROR writing to Excel file '%1': '%2' is not a level of compression (isal-2, isal-3, zlib-1 to zlib-9)\n"_s
+                     .arg(m_run->file, compression));
+            return;
+        }
+        m_run->compression.level = *level;
+    }
     const QLocale locale = m_params.dateFormatType == 0 ? QLocale::c() : QLocale::system();
     m_run->dates = std::make_unique<sheet::DateParser>(qtDateFormat(), locale, m_params.excelHack);
 }
@@ -145,7 +155,7 @@ bool ActionWriteExcel::writeMember(const char *name, const QByteArray &content)
 
 bool ActionWriteExcel::openOutput()
 {
-    if (!m_run->output.open(m_run->file, getIdx())) {
+    if (!m_run->output.open(m_run->file, getIdx(), m_run->compression)) {
         return !fail(u"\nERROR writing to Excel file '%1'\n"_s.arg(m_run->file));
     }
     return true;

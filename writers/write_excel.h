@@ -34,6 +34,7 @@ private:
         int testColumn = -1;
         qint64 firstRow = 1; // first sheet row written
         QString sheetName;
+        deflate::StreamOptions compression;
         PackageOutput output;
         std::unique_ptr<sheet::DateParser> dates;
         std::unique_ptr<WorkbookUpdate> update; // null: a new workbook

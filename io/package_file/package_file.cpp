@@ -25,7 +25,7 @@ PackageInput::open(GlobalParameters *parameters, const QString &name)
     return input;
 }
 
-bool PackageOutput::open(const QString &name, int action)
+bool PackageOutput::open(const QString &name, int action, const deflate::StreamOptions &options)
 {
     if (!m_target.open(name, action)) {
         return false;
@@ -35,7 +35,7 @@ bool PackageOutput::open(const QString &name, int action)
         m_networkSink = std::make_unique<package::BlockBufferedSink>(*sink);
         sink = m_networkSink.get();
     }
-    m_writer = std::make_unique<package::PackageWriter>(*sink);
+    m_writer = std::make_unique<package::PackageWriter>(*sink, options);
     return true;
 }
 

@@ -35,7 +35,7 @@ class PackageOutput
 {
 public:
     /// False when the temporary file cannot be made.
-    bool open(const QString &name, int action);
+    bool open(const QString &name, int action, const deflate::StreamOptions &options = {});
     bool isOpen() const { return m_writer != nullptr; }
     package::PackageWriter &writer() { return *m_writer; }
 
