@@ -133,6 +133,9 @@ TEST(Utf, SurvivesEveryPlaneAndEveryBrokenSequence)
     for (const char *bad : {"\x80", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "a\xFF"}) {
         EXPECT_TRUE(viaUtf16(bad).contains("\xEF\xBF\xBD")) << bad;
     }
+    std::array<char16_t, 4> latin1{};
+    ASSERT_EQ(utf8OrLatin1ToUtf16("\xE9\xC3\xA9z", 4, latin1.data()), 3);
+    EXPECT_EQ(std::u16string_view(latin1.data(), 3), u"\u00e9\u00e9z");
     const char16_t lone[] = {0xD800, u'x', 0xDC00};
     std::array<char, 9> out{};
     EXPECT_EQ(QByteArray(out.data(), utf16ToUtf8(lone, 3, out.data())), "\xEF\xBF\xBDx\xEF\xBF\xBD");

@@ -74,7 +74,11 @@ qsizetype asciiToUtf16(const char *in, qsizetype n, char16_t *out)
     return i;
 }
 
-qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out)
+namespace {
+
+enum class IllFormed { Replace, TakeAsLatin1 };
+
+template <IllFormed kIllFormed> qsizetype convertUtf8(const char *in, qsizetype n, char16_t *out)
 {
     const auto *const bytes = reinterpret_cast<const uchar *>(in);
     char16_t *const begin = out;
@@ -90,12 +94,26 @@ qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out)
                 *out++ = static_cast<char16_t>(0xD7C0 + (codePoint >> 10));
                 *out++ = static_cast<char16_t>(0xDC00 | (codePoint & 0x3FF));
             } else {
-                *out++ = taken != 0 ? static_cast<char16_t>(codePoint) : kReplacement;
+                constexpr bool kReplaces = kIllFormed == IllFormed::Replace;
+                const char16_t instead = kReplaces ? kReplacement : bytes[i];
+                *out++ = taken != 0 ? static_cast<char16_t>(codePoint) : instead;
             }
             i += taken != 0 ? taken : 1;
         }
     }
     return out - begin;
+}
+
+} // namespace
+
+qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out)
+{
+    return convertUtf8<IllFormed::Replace>(in, n, out);
+}
+
+qsizetype utf8OrLatin1ToUtf16(const char *in, qsizetype n, char16_t *out)
+{
+    return convertUtf8<IllFormed::TakeAsLatin1>(in, n, out);
 }
 
 qsizetype utf16ToUtf8(const char16_t *in, qsizetype n, char *out)
