@@ -12,6 +12,8 @@ struct ReadParquetParams
     bool int64ToKey = true;
     int columnSelection = 0;
     bool outputFilenames = false;
+    bool extendedEncodings = false;
+    bool logicalTypes = false;
     QString fileName;
     QStringList columnsToRead;
 };

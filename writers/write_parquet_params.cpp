@@ -17,6 +17,7 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .label("Row group size")
             .meaning("Size of a row group, in MiB."),
         number("keyStorage", &P::keyStorage)
+            .range(0, 2)
             .always()
             .choices({"32-bit integer marked as unsigned", "32-bit integer", "64-bit integer"})
             .label("Storage of keys")
@@ -35,7 +36,9 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .meaning("Writes every row. Off: only rows that pass the test."),
         number("split", &P::split)
             .always()
-            .choices({"one file", "one file per value of splitVar"})
+            .range(0, 2)
+            .choices(
+                {"one file", "one file per value of splitVar", "a new file after every segment"})
             .label("Split")
             .meaning("Whether the table goes into one file or several."),
         real("segmentSize", &P::segmentSize)
@@ -54,6 +57,17 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .always()
             .label("Value to test for")
             .meaning("Rows whose testCol has another text are not written."),
+        number("codec", &P::codec)
+            .range(0, 5)
+            .choices({"Snappy", "none", "gzip", "Zstandard", "LZ4", "Brotli"})
+            .label("Compression")
+            .meaning("Codec of the pages."),
+        flag("dictionaryPages", &P::dictionaryPages)
+            .label("Dictionary pages")
+            .meaning("Stores repeated values once per row group, which makes smaller files."),
+        flag("statistics", &P::statistics)
+            .label("Statistics")
+            .meaning("Writes null counts, smallest and largest values, for readers that skip row groups."),
         text("file", &P::file)
             .outputFile()
             .always()

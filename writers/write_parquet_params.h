@@ -16,6 +16,9 @@ struct WriteParquetParams
     bool writeAllRows = true;
     int split = 0;
     double segmentSize = 100;
+    int codec = 0;
+    bool dictionaryPages = false;
+    bool statistics = false;
     QString splitVar;
     QString testCol;
     QString testValue;

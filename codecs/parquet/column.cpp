@@ -240,11 +240,17 @@ private:
     Column &m_column;
 };
 
-bool isReadableCodec(qint32 codec, const ReadOptions &options)
+/// Why chunks of a codec cannot be read; empty when they can.
+QString codecFault(qint32 codec, const ReadOptions &options)
 {
     const bool isAlways = codec == kUncompressed || codec == kSnappy || codec == kGzip;
     const bool isExtended = codec == kBrotli || codec == kZstd || codec == kLz4Raw;
-    return isAlways || (isExtended && options.extendedEncodings);
+    if (isAlways || (isExtended && options.extendedEncodings)) {
+        return {};
+    }
+    const QString why = isExtended ? u"the codec %1 is read only with extendedEncodings"_s
+                                   : u"the codec %1 is not supported"_s;
+    return why.arg(codecName(codec));
 }
 
 /// Why the chunks of a column cannot be read; empty when they can.
@@ -264,8 +270,8 @@ QString chunksFault(const FileMetaData &file, const Column &column, const ReadOp
         if (chunk.metaData->type != column.physical) {
             return u"a row group stores it as another type"_s;
         }
-        if (!isReadableCodec(chunk.metaData->codec, options)) {
-            return u"the codec %1 is not supported"_s.arg(codecName(chunk.metaData->codec));
+        if (const QString why = codecFault(chunk.metaData->codec, options); !why.isEmpty()) {
+            return why;
         }
     }
     return {};

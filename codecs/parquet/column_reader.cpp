@@ -202,8 +202,12 @@ ColumnReader::Failure ColumnReader::startValues(qint32 encoding, std::span<const
         m_runs = HybridDecoder(data.empty() ? data : data.subspan(1), bitWidth);
         return {};
     }
-    if (!m_extended || !hasPlainForm(encoding, m_column.physical)) {
-        return bad(u"the encoding %1 is not supported"_s.arg(encodingName(encoding)));
+    const bool isExtended = hasPlainForm(encoding, m_column.physical) ||
+                            (encoding == kRleDictionary && !isBoolean && !m_extended);
+    if (!isExtended || !m_extended) {
+        const QString why = isExtended ? u"the encoding %1 is read only with extendedEncodings"_s
+                                       : u"the encoding %1 is not supported"_s;
+        return bad(why.arg(encodingName(encoding)));
     }
     // A page of nothing but nulls may leave the values out.
     if (!data.empty() &&

@@ -26,7 +26,8 @@ public:
     /// Write what is left and the footer. Errors: WriteFailed, NoMemory.
     Result<void, Error> finish();
 
-    qint64 rows() const { return m_metaData.numRows; }
+    /// So far; grows by whole row groups.
+    qint64 bytesWritten() const { return m_position; }
 
 private:
     void noteFinishedPages();

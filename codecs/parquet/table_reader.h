@@ -20,6 +20,11 @@ public:
     const std::vector<Column> &columns() const { return m_columns.columns; }
     /// Selected columns that the file does not have.
     const QStringList &missingColumns() const { return m_columns.missing; }
+    /// Schema elements behind the root, selected or not.
+    size_t schemaColumnCount() const
+    {
+        return m_metaData.schema.empty() ? 0 : m_metaData.schema.size() - 1;
+    }
     /// What the metadata declares.
     qint64 declaredRows() const { return m_metaData.numRows; }
     qint64 rowGroupCount() const { return static_cast<qint64>(m_metaData.rowGroups.size()); }
