@@ -321,11 +321,15 @@ bool LevelExtractor::startDocument(quint32 *occurrence)
         kind == JSONTokenizer::DocumentKind::Array) {
         return false;
     }
-    m_builder.begin(*m_tokenizer);
     if (kind == JSONTokenizer::DocumentKind::Scalar || m_documents == Documents::Records) {
+        m_builder.begin(*m_tokenizer);
         return buildDocument(occurrence);
     }
-    return m_documents == Documents::Undecided && decideDocument(occurrence);
+    if (m_documents == Documents::Containers) {
+        return false;
+    }
+    m_builder.begin(*m_tokenizer);
+    return decideDocument(occurrence);
 }
 
 /// Add the rest of the document to the tree and take its root for the occurrence.

@@ -64,6 +64,8 @@ private:
     quint64 m_bits = 0;
 };
 
+class XMLTokenizer;
+
 /// Threads: one at a time. The source must outlive the tokenizer.
 class MarkupTokenizer
 {
@@ -128,6 +130,8 @@ public:
     const char *pinnedBytes() const { return m_data.get() + m_pin; }
     /// The place of the current token's name or text.
     TextSpan textSpan() const { return m_text; }
+    /// This tokenizer, when it is one that has attributes; else null.
+    virtual const XMLTokenizer *asXml() const { return nullptr; }
     /// A text outside the buffer, by number.
     virtual RawText externalText(quint32 number) const = 0;
 

@@ -69,11 +69,9 @@ MarkupTreeBuilder::MarkupTreeBuilder() = default;
 
 void MarkupTreeBuilder::begin(MarkupTokenizer &tokenizer)
 {
-    if (m_tokenizer != &tokenizer) {
-        m_tokenizer = &tokenizer;
-        m_tree.m_tokenizer = &tokenizer;
-        m_xml = dynamic_cast<const XMLTokenizer *>(&tokenizer);
-    }
+    m_tokenizer = &tokenizer;
+    m_tree.m_tokenizer = &tokenizer;
+    m_xml = tokenizer.asXml();
     if (m_tree.m_items.capacity() == 0) {
         m_tree.m_items.reserve(static_cast<size_t>(m_blockBytes) / sizeof(TreeItem) + 1);
     }

@@ -49,6 +49,7 @@ public:
     ClearKind clearKind() const { return m_clearKind; }
 
     RawText externalText(quint32 number) const override;
+    const XMLTokenizer *asXml() const override { return this; }
 
 protected:
     MarkupError detectEncoding(CharSource &source, QByteArrayView first) override;
