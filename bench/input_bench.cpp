@@ -25,8 +25,8 @@ QString gzipFile()
         const QString name = dir.filePath(QStringLiteral("table.csv.gz"));
         const gzFile file = gzopen(QFile::encodeName(name).constData(), "wb");
         for (int row = 0; row < kRows; ++row) {
-            gzprintf(file, "%d,%d,%.3f,Product number %d,some remark on order %d\n", row, row % 977, row * 0.37, row % 3000,
-                     row * 7919 % 10'007);
+            gzprintf(file, "%d,%d,%.3f,Product number %d,some remark on order %d\n", row, row % 977,
+                     row * 0.37, row % 3000, row * 7919 % 10'007);
         }
         gzclose(file);
         return name;

@@ -49,7 +49,7 @@ JOBS = {
                    "ours.xlsx", ["xlsxwriter_peer", "sales.csv", "peer.xlsx"], "peer.xlsx"),
     "dbf_read": ("dBase table to CSV; peer: ogr2ogr",
                  graph("<ReadXBF fileName='sales.dbf'/>", "<writeCSV fileName='ours.csv'/>"), "ours.csv",
-                 ["ogr2ogr", "-overwrite", "-f", "CSV", "peer.csv", "sales.dbf", "-oo", "ENCODING=CP1252"], "peer.csv"),
+                 ["ogr2ogr", "-f", "CSV", "peer.csv", "sales.dbf", "-oo", "ENCODING=CP1252"], "peer.csv"),
     "json_write": ("CSV to JSON; peer: a plain loop that formats the same rows",
                    graph(READ_SALES, "<writeJSON fileName='ours.json'/>"),
                    "ours.json", ["text_peer", "json", "sales.csv", "peer.json"], "peer.json"),
@@ -116,6 +116,7 @@ def run_job(name, args, folder, corvanta, bin_folder):
     for _ in range(args.runs):
         ours.append(timed([corvanta, "run", "bench.graph", "--progress", "never"], folder))
         if peer_program:
+            (folder / peer_output).unlink(missing_ok=True)
             theirs.append(timed([peer_program, *peer[1:]], folder))
     print(f"{name}: {meaning}")
     input_bytes = table.stat().st_size

@@ -109,7 +109,7 @@ bool ActionReadXBF::openMemo(Table *table)
         if (!input->isOpen()) {
             continue;
         }
-        const bool isFoxPro = name.section(u'@', -1).contains(u".fpt"_s, Qt::CaseInsensitive);
+        const bool isFoxPro = name.section(u'/', -1).contains(u".fpt"_s, Qt::CaseInsensitive);
         const bool inMemory = m_params.dbtInRam || !input->isRandomAccess();
         auto memo = dbf::MemoFile::open(
             *input, isFoxPro ? dbf::MemoFormat::FoxPro : dbf::memoFormatOf(header),

@@ -12,6 +12,7 @@ namespace corvanta::platform {
 
 namespace {
 
+#pragma pack(push, 1) // as unrar.h has it
 struct OpenData
 {
     char *name;
@@ -46,6 +47,7 @@ struct HeaderData
     unsigned commentState;
     unsigned reserved[1024];
 };
+#pragma pack(pop)
 
 enum : unsigned {
     ModeExtract = 1,
