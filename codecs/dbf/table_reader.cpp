@@ -22,7 +22,9 @@ constexpr char kDeleted = '*';
 constexpr char kNotDeleted = ' ';
 constexpr char kEndMark = 0x1A;
 constexpr quint32 kSignBit = 0x80000000U;
-constexpr int kMaxVotes = 1000;
+/// Records that tell the form of a dBase 7 table's integers: always as many, whatever the buffer's
+/// size.
+constexpr qint64 kVotingRecords = 64;
 
 bool isPadding(char c)
 {
@@ -92,7 +94,8 @@ TableReader::TableReader(ByteSource &source, const TextDecoder &decoder, TableHe
         useful = std::min(useful, m_source.size());
     }
     useful = std::min(useful, bufferBytes);
-    m_buffer.resize(static_cast<size_t>(std::max<qint64>(useful, m_header.recordBytes + 1)));
+    const qint64 least = m_header.recordBytes * (m_header.isLevel7 ? kVotingRecords : 1) + 1;
+    m_buffer.resize(static_cast<size_t>(std::max(useful, least)));
 }
 
 Result<std::unique_ptr<TableReader>, Error>
@@ -140,8 +143,9 @@ void TableReader::chooseByteOrder()
     int bigEndian = 0;
     int littleEndian = 0;
     const auto recordBytes = static_cast<size_t>(m_header.recordBytes);
-    for (size_t at = 0; at + recordBytes <= m_end && bigEndian + littleEndian < kMaxVotes;
-         at += recordBytes) {
+    const size_t records = std::min({m_end / recordBytes, static_cast<size_t>(kVotingRecords),
+                                     static_cast<size_t>(m_header.recordCount)});
+    for (size_t at = 0; at < records * recordBytes; at += recordBytes) {
         for (const Field &field : m_header.fields) {
             const bool isInteger =
                 field.conversion == Conversion::Integer || field.conversion == Conversion::Key;
