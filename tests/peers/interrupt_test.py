@@ -34,7 +34,9 @@ def main():
             for target in ("book.xlsx", "out.csv"):
                 (folder / target).write_text("old")
             process = subprocess.Popen([sys.argv[1], "run", str(folder / "case.graph")])
-            time.sleep(choice.uniform(0.02, 0.3))
+            while process.poll() is None and not list(folder.glob("*_tmp_*")):
+                time.sleep(0.001)  # the run has not begun: the program itself is being loaded
+            time.sleep(choice.uniform(0, 0.2))
             process.send_signal(signal.SIGINT)
             sent = time.monotonic()
             status = process.wait(timeout=30)
