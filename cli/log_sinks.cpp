@@ -1,5 +1,7 @@
 #include "log_sinks.h"
 
+#include "base/platform/terminal.h"
+
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -65,9 +67,10 @@ QString severityOf(int level)
 std::unique_ptr<CommandLog> CommandLog::create(const QString &format, bool quiet)
 {
     if (format == "json"_L1) {
-        return std::make_unique<JsonLog>(quiet);
+        // A library's own words on standard error would not be JSON.
+        return std::make_unique<JsonLog>(quiet, corvanta::platform::takeErrorStream());
     }
-    return format == "text"_L1 ? std::make_unique<TextLog>(quiet) : std::unique_ptr<CommandLog>();
+    return format == "text"_L1 ? std::make_unique<TextLog>(quiet, stderr) : std::unique_ptr<CommandLog>();
 }
 
 void CommandLog::add(const LogMessage &message)
@@ -78,8 +81,8 @@ void CommandLog::add(const LogMessage &message)
     const QByteArray line = format(message);
     const std::lock_guard lock(m_mutex);
     const char *const clear = m_progress.isEmpty() ? "" : "\r\033[K";
-    std::fprintf(stderr, "%s%s%s", clear, line.constData(), m_progress.constData());
-    std::fflush(stderr);
+    std::fprintf(m_out, "%s%s%s", clear, line.constData(), m_progress.constData());
+    std::fflush(m_out);
 }
 
 void CommandLog::setProgressLine(const QByteArray &line)
@@ -89,6 +92,6 @@ void CommandLog::setProgressLine(const QByteArray &line)
         return;
     }
     m_progress = line;
-    std::fprintf(stderr, "\r\033[K%s", line.constData());
-    std::fflush(stderr);
+    std::fprintf(m_out, "\r\033[K%s", line.constData());
+    std::fflush(m_out);
 }

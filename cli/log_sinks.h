@@ -4,6 +4,7 @@
 #include "corvanta/main_ui.h"
 
 #include <atomic>
+#include <cstdio>
 #include <memory>
 #include <mutex>
 
@@ -19,8 +20,9 @@ public:
     /// Show `line` at the bottom of the terminal until the next one; empty removes it.
     void setProgressLine(const QByteArray &line);
 
-    explicit CommandLog(bool quiet)
+    CommandLog(bool quiet, std::FILE *out)
         : m_quiet(quiet)
+        , m_out(out)
     {}
 
 protected:
@@ -28,6 +30,7 @@ protected:
 
 private:
     bool m_quiet;
+    std::FILE *m_out;
     std::mutex m_mutex;
     QByteArray m_progress; // guarded by m_mutex
 };

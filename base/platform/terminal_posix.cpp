@@ -1,5 +1,6 @@
 #include "base/platform/terminal.h"
 
+#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -15,6 +16,18 @@ int errorTerminalWidth()
     constexpr int kUsual = 80;
     winsize size = {};
     return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
+}
+
+std::FILE *takeErrorStream()
+{
+    const int copy = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int nothing = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    std::FILE *const stream = copy >= 0 && nothing >= 0 ? ::fdopen(copy, "w") : nullptr;
+    if (stream != nullptr) {
+        ::dup2(nothing, STDERR_FILENO);
+    }
+    ::close(nothing);
+    return stream != nullptr ? stream : stderr;
 }
 
 } // namespace corvanta::platform
