@@ -201,13 +201,14 @@ template <class Self, class P> bool LevelWriter<Self, P>::isWanted(const OneRow 
     return QStringView(units, n) == this->m_params.testValue;
 }
 
-/// Whether all that was composed so far could be taken; fails the run when not.
+/// Whether all that was composed so far could be taken.
 template <class Self, class P> bool LevelWriter<Self, P>::composed()
 {
     switch (m_run->block->failure()) {
     case compose::TextBlock::Failure::None:
-    case compose::TextBlock::Failure::Drain: // the failed write has been reported
-        return this->m_errorFlag == 0;
+        return true;
+    case compose::TextBlock::Failure::Drain: // reported by write() or openFile()
+        return false;
     case compose::TextBlock::Failure::TooLarge:
         break;
     }
@@ -237,8 +238,10 @@ template <class Self, class P> bool LevelWriter<Self, P>::writeText(const QStrin
 template <class Self, class P> bool LevelWriter<Self, P>::write(const void *bytes, qint64 n)
 {
     while (!m_run->target.write(bytes, n)) {
-        if (!this->runIsGood() ||
-            !MainUI::displayOutOfDiskSpace(m_run->file, this->getIdx(), true)) {
+        if (!this->runIsGood()) {
+            return false; // stopped: there is nothing to complete
+        }
+        if (!MainUI::displayOutOfDiskSpace(m_run->file, this->getIdx(), true)) {
             return !failWith(WriteProblem::CannotWrite);
         }
     }

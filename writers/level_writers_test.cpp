@@ -148,6 +148,7 @@ protected:
         options.log = &m_log;
         options.outDir = m_dir.path();
         corvanta::Run run(graph, m_registry, std::move(options));
+        m_running = &run;
         run.start();
         EXPECT_TRUE(run.waitFor(60s));
         run.wait();
@@ -171,6 +172,7 @@ protected:
     QTemporaryDir m_dir;
     ActionRegistry m_registry;
     CollectingLog m_log;
+    corvanta::Run *m_running = nullptr;
 };
 
 /// Files cannot grow beyond `bytes` while it lives.
@@ -383,6 +385,25 @@ TEST_F(LevelWriters, AFailedWriteIsAskedAboutAndLeavesWhatWasThere)
         }
         const FileSizeLimit full(100);
         EXPECT_FALSE(run(QByteArray(c.writer).replace("old", "new") + "fileMode='1'/>"));
+        EXPECT_EQ(files(), QStringList{u"old"_s});
+    }
+}
+
+TEST_F(LevelWriters, ARunThatIsStoppedWhileTheDiskIsFullLeavesWhatWasThere)
+{
+    for (const char *mode : {"0", "1"}) {
+        write("old", "what was there");
+        bool failed = true;
+        MainUI::setDiskSpaceQuestion([&](const QString &) {
+            m_running->stop();
+            failed = m_running->failed();
+            return true;
+        });
+        const FileSizeLimit full(5'000);
+        EXPECT_FALSE(run("<writeJSON fileName='old' fileMode='" + QByteArray(mode) + "'/>"));
+        EXPECT_FALSE(failed);
+        EXPECT_EQ(messages(), "");
+        EXPECT_EQ(content("old"), "what was there");
         EXPECT_EQ(files(), QStringList{u"old"_s});
     }
 }
