@@ -50,6 +50,10 @@ JOBS = {
     "dbf_read": ("dBase table to CSV; peer: ogr2ogr",
                  graph("<ReadXBF fileName='sales.dbf'/>", "<writeCSV fileName='ours.csv'/>"), "ours.csv",
                  ["ogr2ogr", "-f", "CSV", "peer.csv", "sales.dbf", "-oo", "ENCODING=CP1252"], "peer.csv"),
+    "parquet_write": ("CSV to Parquet; peer: DuckDB without dictionaries, which is what we write",
+                      graph(READ_SALES, "<writeParquet file='ours.parquet'/>"), "ours.parquet",
+                      ["duckdb", "-c", "COPY (SELECT * FROM 'sales.csv') TO 'peer.parquet' "
+                                       "(COMPRESSION snappy, DICTIONARY_SIZE_LIMIT 1)"], "peer.parquet"),
     "json_write": ("CSV to JSON; peer: a plain loop that formats the same rows",
                    graph(READ_SALES, "<writeJSON fileName='ours.json'/>"),
                    "ours.json", ["text_peer", "json", "sales.csv", "peer.json"], "peer.json"),
