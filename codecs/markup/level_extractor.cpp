@@ -131,14 +131,30 @@ bool LevelExtractor::isOccurrence(const LevelState &state, const RawText &name) 
 quint32 LevelExtractor::matching(const LevelState &state, quint32 from, quint32 container) const
 {
     quint32 child = m_tree->next(from, container, ItemKind::Child);
-    while (child != MarkupTree::kNone && !isOccurrence(state, m_tree->raw(child))) {
+    while (child != MarkupTree::kNone
+           && (!isOccurrence(state, m_tree->raw(child)) || isIgnored(child))) {
         child = m_tree->sibling(child);
     }
     return child;
 }
 
-/// Fill the cells of `level` from `occurrence`, and those of the levels inside it from their first
-/// ones.
+/// An element without text, sub-elements and attributes, where such elements do not count.
+bool LevelExtractor::isIgnored(quint32 element) const
+{
+    const TreeItem &item = m_tree->item(element);
+    const auto count = [&](ItemKind kind) { return item.counts[static_cast<size_t>(kind)]; };
+    if (!m_options.ignoreEmpty || item.kind != ItemKind::Child || count(ItemKind::Child) > 0
+        || count(ItemKind::Text) > 0 || count(ItemKind::Attribute) > 0) {
+        return false;
+    }
+    quint32 clear = m_tree->first(element, ItemKind::Clear);
+    while (clear != MarkupTree::kNone && !isTextPiece(m_tree->item(clear), m_options.text)) {
+        clear = m_tree->sibling(clear);
+    }
+    return clear == MarkupTree::kNone;
+}
+
+/// Fill the cells of `level` from `occurrence`, and those of the levels inside it from their first ones.
 void LevelExtractor::enter(size_t level, quint32 occurrence, CellArena &lastArena)
 {
     for (;; ++level) {
@@ -155,8 +171,8 @@ void LevelExtractor::enter(size_t level, quint32 occurrence, CellArena &lastAren
         }
         for (size_t i = 0; i < state.level.items.size(); ++i) {
             const bool isFound = found[i] != MarkupTree::kNone;
-            *cell++ =
-                isFound ? itemCell(state.level.items[i], found[i], arena) : cell::missingTextCell();
+            *cell++ = isFound ? itemCell(state.level.items[i], found[i], arena)
+                              : absentCell(state.level.items[i], arena);
             if (isFound && !state.wasFound[i]) {
                 state.wasFound[i] = true;
             }
@@ -310,6 +326,10 @@ bool LevelExtractor::buildElement(quint32 *occurrence)
     }
     m_tree = &m_builder.tree();
     *occurrence = 1;
+    if (isIgnored(1)) {
+        m_tokenizer->unpin();
+        return false;
+    }
     return true;
 }
 
@@ -439,19 +459,21 @@ bool LevelExtractor::wholeValue(quint32 *occurrence)
 
 // ---- Cells.
 
-bool LevelExtractor::isTextItem(const TreeItem &item) const
-{
-    return item.kind == ItemKind::Text || (m_options.clearIsText && item.kind == ItemKind::Clear &&
-                                           item.clearKind == ClearKind::CData);
-}
-
 const uchar *LevelExtractor::itemCell(const LevelItem &item, quint32 found, CellArena &arena)
 {
     const TreeItem &node = m_tree->item(found);
+    if (m_options.presence && !item.tagName) {
+        return isIgnored(found) ? absentCell(item, arena) : textCell(arena, u"1");
+    }
     if (node.kind == ItemKind::Attribute) {
         return rawCell(m_tree->value(node), arena);
     }
     return item.tagName ? tagNamesOf(found, arena) : textOf(found, arena);
+}
+
+const uchar *LevelExtractor::absentCell(const LevelItem &item, CellArena &arena) const
+{
+    return m_options.presence && !item.tagName ? textCell(arena, u"0") : cell::missingTextCell();
 }
 
 const uchar *LevelExtractor::rawCell(const RawText &text, CellArena &arena)
@@ -463,40 +485,32 @@ const uchar *LevelExtractor::rawCell(const RawText &text, CellArena &arena)
     return textCell(arena, text);
 }
 
-/// The text of an element; missing when it has none.
+/// The text of an element, or what stands for it; missing when there is neither.
 const uchar *LevelExtractor::textOf(quint32 element, CellArena &arena)
 {
     const TreeItem &node = m_tree->item(element);
-    const quint32 texts = node.counts[static_cast<size_t>(ItemKind::Text)];
-    const quint32 clears = node.counts[static_cast<size_t>(ItemKind::Clear)];
-    if (texts + (m_options.clearIsText ? clears : 0) != 1) {
-        return texts + clears == 0 ? cell::missingTextCell() : joinedText(element, arena);
+    const auto count = [&](ItemKind kind) { return node.counts[static_cast<size_t>(kind)]; };
+    const quint32 texts = count(ItemKind::Text);
+    const quint32 clears = m_options.text.clearIsText ? count(ItemKind::Clear) : 0;
+    if (texts == 1 && clears == 0 && !m_options.allText) {
+        return rawCell(m_tree->raw(m_tree->first(element, ItemKind::Text)), arena);
     }
-    for (quint32 i = element + 1; i < node.next; i = m_tree->item(i).next) {
-        if (isTextItem(m_tree->item(i))) {
-            return rawCell(m_tree->raw(i), arena);
-        }
+    const auto gather = m_options.allText ? foldText : joinText;
+    if ((m_options.allText || texts + clears > 0)
+        && gather(*m_tree, element, m_options.text, &m_joined)) {
+        return joinedCell(arena);
     }
-    return cell::missingTextCell();
+    return m_options.namesForText && count(ItemKind::Child) > 0 ? tagNamesOf(element, arena)
+                                                                : cell::missingTextCell();
 }
 
-/// Several pieces of text, one after the other.
-const uchar *LevelExtractor::joinedText(quint32 element, CellArena &arena)
+const uchar *LevelExtractor::joinedCell(CellArena &arena)
 {
-    m_joined.clear();
-    bool any = false;
-    const quint32 end = m_tree->item(element).next;
-    for (quint32 i = element + 1; i < end; i = m_tree->item(i).next) {
-        if (isTextItem(m_tree->item(i))) {
-            m_joined += decoded(m_tree->raw(i));
-            any = true;
-        }
-    }
     if (static_cast<qint64>(m_joined.size()) > limits::kTextCellUnits) {
         stop(MarkupError::TreeTooLarge);
         return cell::missingTextCell();
     }
-    return any ? textCell(arena, m_joined) : cell::missingTextCell();
+    return textCell(arena, m_joined);
 }
 
 const uchar *LevelExtractor::tagNamesOf(quint32 element, CellArena &arena)
@@ -505,6 +519,9 @@ const uchar *LevelExtractor::tagNamesOf(quint32 element, CellArena &arena)
     std::map<std::u16string, qint64> totals;
     quint32 child = m_tree->first(element, ItemKind::Child);
     for (; child != MarkupTree::kNone; child = m_tree->sibling(child)) {
+        if (isIgnored(child)) {
+            continue;
+        }
         std::u16string name = decoded(m_tree->raw(child));
         if (m_options.tagNames == TagNames::Summary) {
             ++totals[std::move(name)];

@@ -5,6 +5,7 @@
 // occurrence at a time, so that memory is that of one record whatever the document's size.
 #pragma once
 #include "codecs/markup/cell_arena.h"
+#include "codecs/markup/element_text.h"
 #include "codecs/markup/json_tokenizer.h"
 #include "codecs/markup/level.h"
 #include "codecs/markup/path_set.h"
@@ -30,7 +31,12 @@ struct ExtractOptions
     bool keepRoot =
         true; ///< paths begin at the document; off: at its only element, if it has only one
     TagNames tagNames = TagNames::Runs;
-    bool clearIsText = false; ///< CDATA sections are text of their element
+    TextRule text;              ///< what is text of an element
+    bool allText = false;       ///< with the text of its sub-elements, blanks folded
+    bool namesForText = false;  ///< an element without text has the names of its children for a text
+    bool presence = false;      ///< instead of texts 1 for what is there and 0 for what is not
+    bool ignoreEmpty = false;   ///< elements without text, sub-elements and attributes are not there,
+                                ///< but count in indexes
 };
 
 /// Threads: one at a time.
@@ -87,6 +93,7 @@ private:
     bool isLast(size_t level) const { return level + 1 == m_levels.size(); }
     quint32 matching(const LevelState &state, quint32 from, quint32 container) const;
     bool isOccurrence(const LevelState &state, const RawText &name) const;
+    bool isIgnored(quint32 element) const;
     void enter(size_t level, quint32 occurrence, CellArena &lastArena);
     bool advanceInner(CellArena &arena);
     Outcome fault(MarkupError error);
@@ -111,9 +118,9 @@ private:
     const uchar *itemCell(const LevelItem &item, quint32 found, CellArena &arena);
     const uchar *rawCell(const RawText &text, CellArena &arena);
     const uchar *textOf(quint32 element, CellArena &arena);
-    const uchar *joinedText(quint32 element, CellArena &arena);
+    const uchar *joinedCell(CellArena &arena);
+    const uchar *absentCell(const LevelItem &item, CellArena &arena) const;
     const uchar *tagNamesOf(quint32 element, CellArena &arena);
-    bool isTextItem(const TreeItem &item) const;
 
     ExtractOptions m_options;
     std::vector<std::unique_ptr<LevelState>> m_levels;

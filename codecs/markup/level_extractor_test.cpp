@@ -189,7 +189,7 @@ TEST(LevelExtractor, ReadsXmlFromTheDocumentElement)
         "</l>u</order><order id='&lt;2'><![CDATA[c]]></order></orders></shop>");
     XMLTokenizer tokenizer(source, 0);
     ExtractOptions options;
-    options.clearIsText = true;
+    options.text.clearIsText = true;
     options.tagNames = TagNames::Summary;
     LevelExtractor extractor(levelsOf({u"shop/orders|order|@id,,l[1],!"_s}), options);
     EXPECT_EQ(extract(extractor, tokenizer), u"1,tu,b,l[2] ;<2,c,-,;");
