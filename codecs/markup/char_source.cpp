@@ -132,7 +132,7 @@ void CharSource::restart(ByteSource &source)
 {
     m_source = &source;
     m_rawAt = m_rawEnd = 0;
-    m_sourceEnded = m_bigEndian = m_discard = m_discarded = false;
+    m_sourceEnded = m_bigEndian = m_orderIsKnown = m_discard = m_discarded = false;
     m_mode = CharMode::Utf8;
     m_error = MarkupError::None;
     m_iconv.reset();
@@ -176,10 +176,11 @@ MarkupError CharSource::setEncoding(CharMode mode, const QByteArray &name, Inval
 {
     m_mode = mode;
     m_discard = invalid == InvalidBytes::Discard;
+    const bool isWide = mode == CharMode::CodePage && isWideName(name);
     while (rawLeft() < 4 && fillRaw()) {
     }
     skipMark();
-    if (mode == CharMode::Utf8 || mode == CharMode::Utf16 || mode == CharMode::Utf32) {
+    if (isWide || mode == CharMode::Utf8 || mode == CharMode::Utf16 || mode == CharMode::Utf32) {
         return m_error;
     }
     const iconv_t handle = iconv_open("UTF-8", iconvName(mode, name));
@@ -191,23 +192,43 @@ MarkupError CharSource::setEncoding(CharMode mode, const QByteArray &name, Inval
     return m_error;
 }
 
-/// Drop the byte-order mark and learn the byte order. Without a mark a zero at the low address says
-/// big-endian, because documents begin with ASCII.
+/// Take the names of UTF-16 and UTF-32 with a byte order for what they are: iconv is much slower.
+bool CharSource::isWideName(const QByteArray &name)
+{
+    const QByteArray lower = name.toLower();
+    const bool is16 = lower == "utf-16le" || lower == "utf-16be";
+    const bool is32 = lower == "utf-32le" || lower == "utf-32be";
+    if (is16 || is32) {
+        m_mode = is16 ? CharMode::Utf16 : CharMode::Utf32;
+        m_bigEndian = lower.endsWith("be");
+        m_orderIsKnown = true;
+    }
+    return is16 || is32;
+}
+
+/// Drop the byte-order mark and learn the byte order.
 void CharSource::skipMark()
 {
     const QByteArrayView bytes(m_raw.data() + m_rawAt, rawLeft());
-    const QByteArrayView bigMark32("\x00\x00\xFE\xFF", 4);
-    const QByteArrayView littleMark32("\xFF\xFE\x00\x00", 4);
+    const auto startsWithEither = [&](QByteArrayView little, QByteArrayView big) {
+        return bytes.startsWith(little) || bytes.startsWith(big);
+    };
     if (m_mode == CharMode::Utf8) {
         m_rawAt += bytes.startsWith("\xEF\xBB\xBF") ? 3 : 0;
     } else if (m_mode == CharMode::Utf16) {
-        const bool marked = bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF");
-        m_bigEndian = bytes.startsWith("\xFE\xFF") || (!bytes.isEmpty() && bytes[0] == 0);
-        m_rawAt += marked ? 2 : 0;
+        findByteOrder(bytes);
+        m_rawAt += startsWithEither("\xFF\xFE", "\xFE\xFF") ? 2 : 0;
     } else if (m_mode == CharMode::Utf32) {
-        const bool marked = bytes.startsWith(littleMark32) || bytes.startsWith(bigMark32);
-        m_bigEndian = bytes.startsWith(bigMark32) || (!bytes.isEmpty() && bytes[0] == 0);
-        m_rawAt += marked ? 4 : 0;
+        findByteOrder(bytes);
+        m_rawAt += startsWithEither({"\xFF\xFE\0\0", 4}, {"\0\0\xFE\xFF", 4}) ? 4 : 0;
+    }
+}
+
+/// Without a mark a zero at the low address says big-endian, because documents begin with ASCII.
+void CharSource::findByteOrder(QByteArrayView bytes)
+{
+    if (!m_orderIsKnown) {
+        m_bigEndian = bytes.startsWith("\xFE\xFF") || (!bytes.isEmpty() && bytes[0] == 0);
     }
 }
 
@@ -367,6 +388,8 @@ qsizetype CharSource::readCodePage(char *out, qsizetype room)
             continue;
         }
         if (!fillRaw()) {
+            // Some encodings keep a letter back, to join it with an accent that may follow.
+            iconv(m_iconv.get(), nullptr, nullptr, &at, &left);
             const bool cut = rawLeft() > 0 && m_error == MarkupError::None;
             m_rawAt = m_rawEnd;
             m_discarded = m_discarded || (cut && m_discard);

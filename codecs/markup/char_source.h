@@ -36,8 +36,9 @@ public:
     /// Errors: CannotRead.
     MarkupError peek(QByteArrayView *first);
 
-    /// Say how the bytes are encoded, before the first read(). `name` is used by the modes that go
-    /// through a code page. Errors: CannotConvert for a name that iconv does not know.
+    /// Say how the bytes are encoded, before the first read(). `name` is used by CodePage: "UTF-16LE" and
+    /// its like are UTF-16 and UTF-32 of that byte order, everything else is left to iconv.
+    /// Errors: CannotConvert for a name that iconv does not know.
     MarkupError setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid);
 
     /// Put up to `room` bytes of UTF-8 (at least kMinRoom must be offered) at `out`: the count, 0
@@ -65,7 +66,9 @@ private:
     qsizetype readWide(char *out, qsizetype room);
     qsizetype readCodePage(char *out, qsizetype room);
     char32_t nextWide(qsizetype unitBytes, qsizetype *taken) const;
+    bool isWideName(const QByteArray &name);
     void skipMark();
+    void findByteOrder(QByteArrayView bytes);
     qsizetype fail(MarkupError error, qsizetype delivered);
     qsizetype rawLeft() const { return static_cast<qsizetype>(m_rawEnd - m_rawAt); }
 
@@ -76,6 +79,7 @@ private:
     bool m_sourceEnded = false;
     CharMode m_mode = CharMode::Utf8;
     bool m_bigEndian = false;
+    bool m_orderIsKnown = false; ///< from the encoding's name
     bool m_discard = false;
     bool m_discarded = false;
     MarkupError m_error = MarkupError::None;

@@ -35,10 +35,11 @@ bool MarkupTokenizer::setBufferSize(qint64 characters)
     return true;
 }
 
-void MarkupTokenizer::setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid)
+MarkupError MarkupTokenizer::setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid)
 {
     m_encodingGiven = true;
     m_pendingError = m_source.setEncoding(mode, name, invalid);
+    return m_pendingError;
 }
 
 void MarkupTokenizer::restart(ByteSource &source)

@@ -81,8 +81,13 @@ public:
     /// Go on with another document, as if newly made with the same options; the memory is kept.
     virtual void restart(ByteSource &source);
 
-    /// Say how the bytes are encoded instead of guessing, before the first token.
-    void setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid);
+    /// The first kGuessBytes of the document, or all of a shorter one, before the first token.
+    /// Errors: CannotRead.
+    MarkupError peek(QByteArrayView *first) { return m_source.peek(first); }
+
+    /// Say how the bytes are encoded instead of guessing, before the first token. Errors are also those
+    /// of the first token: CannotConvert for a name that iconv does not know.
+    MarkupError setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid);
 
     /// With this on, every Start gets its End before EndOfData: what is still open at the end of
     /// the data is an error (UnmatchedEndTag).
