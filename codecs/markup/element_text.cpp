@@ -12,8 +12,8 @@ namespace {
 
 /// Elements of HTML that run on in a line. All others part the words before and behind them.
 constexpr std::array<std::string_view, 24> kInline{
-    "a",    "abbr", "b",    "bdi",   "big",  "cite", "code", "em",     "font", "i",  "kbd", "mark",
-    "nobr", "q",    "s",    "small", "span", "sub",  "sup",  "strong", "tt",   "u",  "var", "wbr"};
+    "a",    "abbr", "b", "bdi",   "big",  "cite", "code", "em",     "font", "i", "kbd", "mark",
+    "nobr", "q",    "s", "small", "span", "sub",  "sup",  "strong", "tt",   "u", "var", "wbr"};
 
 bool isInline(std::string_view name)
 {
@@ -27,8 +27,8 @@ bool isInline(std::string_view name)
     return std::find(kInline.begin(), kInline.end(), wanted) != kInline.end();
 }
 
-/// Whether the markup between two pieces of text parts words: it holds a blank between two tags, or the
-/// tag of an HTML element that is not inline.
+/// Whether the markup between two pieces of text parts words: it holds a blank between two tags, or
+/// the tag of an HTML element that is not inline.
 bool partsWords(std::string_view between, bool html)
 {
     for (size_t i = 0; i < between.size(); ++i) {
@@ -67,9 +67,9 @@ void appendFolded(std::u16string_view text, std::u16string *out)
 
 bool isTextPiece(const TreeItem &item, const TextRule &rule)
 {
-    return item.kind == ItemKind::Text
-           || (rule.clearIsText && item.kind == ItemKind::Clear
-               && (item.clearKind == ClearKind::CData || item.clearKind == ClearKind::Pre));
+    return item.kind == ItemKind::Text ||
+           (rule.clearIsText && item.kind == ItemKind::Clear &&
+            (item.clearKind == ClearKind::CData || item.clearKind == ClearKind::Pre));
 }
 
 bool joinText(const MarkupTree &tree, quint32 element, const TextRule &rule, std::u16string *out)
@@ -104,8 +104,8 @@ bool foldText(const MarkupTree &tree, quint32 element, const TextRule &rule, std
             continue;
         }
         const RawText text = tree.raw(i);
-        if (behind != nullptr
-            && partsWords({behind, static_cast<size_t>(text.data - behind)}, rule.html)) {
+        if (behind != nullptr &&
+            partsWords({behind, static_cast<size_t>(text.data - behind)}, rule.html)) {
             appendFolded(u" ", out);
         }
         appendFolded(decoded(text), out);
