@@ -1,10 +1,9 @@
 // readers/read_json.h
 // readJSON: rows from the levels of JSON files, or of JSON texts that come in rows.
 #pragma once
-#include "codecs/markup/level_extractor.h"
+#include "codecs/markup/json_tokenizer.h"
 #include "corvanta/action_base.h"
-#include "io/input/input_file.h"
-#include "readers/pin_text.h"
+#include "readers/level_run.h"
 #include "readers/read_json_params.h"
 
 #include <atomic>
@@ -13,7 +12,8 @@
 
 namespace corvanta {
 
-class ActionReadJSON final : public ParamAction<ActionReadJSON, ReadJsonParams>
+class ActionReadJSON final : public ParamAction<ActionReadJSON, ReadJsonParams>,
+                             private LevelRun::Format
 {
 public:
     ActionReadJSON(const XMLNode &saved, GlobalParameters *parameters);
@@ -29,32 +29,27 @@ public:
     float computeCompletion() override { return m_progress; }
 
 private:
-    /// Bytes of a file for the tokenizer; tells the progress and ends when the run does.
-    class FileBytes;
-    /// State of one run; made anew by start().
-    struct RunState;
-
     void start() override;
     bool step() override;
     void finish() override;
 
     bool prepare();
     bool readTags(std::vector<ReadLevel> *levels);
-    bool prepareInput();
-    void describeColumns(const OneRow *input);
-    void makeTokenizer(ByteSource &source);
-    bool openNext();
-    bool openNextFile();
-    bool openFile(const QString &name);
-    bool openNextText();
-    void putRow();
-    bool documentEnds();
-    bool documentFails();
-    void warnMissingPaths();
-    QString sourceName() const;
+    qint64 bufferBytes() const;
     bool isFromPin() const { return m_params.fromInputPin != 0; }
 
-    std::unique_ptr<RunState> m_run;
+    markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) override;
+    void documentEnds(const QString &) override {}
+    bool documentFails(const markup::MarkupResult &result, const QString &name,
+                       const QString &why) override;
+    bool fileIsMissing(const QString &name) override;
+    void columnIsMissing(const QString &name) override;
+    void pathIsMissing(const QString &path, const QString &name) override;
+    bool isInsideValue() const override { return m_tokenizer->isInsideValue(); }
+
+    std::unique_ptr<LevelRun> m_run;
+    std::unique_ptr<markup::JSONTokenizer> m_tokenizer;
+    int m_errors = 0; ///< reported
     std::atomic<float> m_progress = 0;
 };
 
