@@ -46,7 +46,7 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
                      "(archive.zip@member)."),
         flag("readClearTags", &P::readClearTags)
             .label("Read CDATA sections")
-            .meaning("Reads CDATA sections as text of their element."),
+            .meaning("Reads CDATA sections and <PRE> blocks as text of their element."),
         flag("readHTML", &P::readHTML).label("HTML").meaning("Reads loosely written HTML pages."),
         flag("outputFilenames", &P::outputFilenames)
             .label("Add a column with the file name")
@@ -56,13 +56,14 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
             .meaning("One column \"Level N Subtag\" per level."),
         flag("addOnlyText", &P::addOnlyText)
             .label("Only the text of an element")
-            .meaning("Takes only the text of an element, without that of its sub-elements."),
+            .meaning("Takes all the text in an element, also that of its sub-elements, without tags and "
+                     "with its blanks folded. Off: the text that stands directly in it."),
         flag("zeroBased", &P::zeroBased)
             .label("Indexes in paths count from 0")
             .meaning("Indexes in paths count from 0. Off: from 1."),
         flag("outputTagNames", &P::outputTagNames)
             .label("Output the tag names")
-            .meaning("Puts the tag name in front of each text."),
+            .meaning("An element that holds only sub-elements gives their names. Off: a missing value."),
         flag("skipCorruptedFiles", &P::skipCorruptedFiles)
             .label("Skip the rest of damaged files")
             .meaning("A structure error skips the rest of the file, with a warning. Off: it fails "
@@ -76,7 +77,8 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
             .meaning("Leaves unknown entities as they stand. Off: they are structure errors."),
         flag("ignoreEmptyTag", &P::ignoreEmptyTag)
             .label("Ignore empty elements")
-            .meaning("Ignores elements without content."),
+            .meaning("Elements without text, sub-elements and attributes make no rows and are not named; "
+                     "they still count in indexes."),
         flag("ignoreInvalidCharInTagName", &P::ignoreInvalidCharInTagName)
             .label("Accept invalid characters in tag names")
             .meaning("Accepts invalid characters in tag names. Off: they are structure errors."),
@@ -85,14 +87,14 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
             .meaning("Gives 1 or 0, whether the element is there, instead of its text."),
         flag("discardNameSpaces", &P::discardNameSpaces)
             .label("Drop name space prefixes")
-            .meaning("Drops the name space prefixes of elements and attributes."),
+            .meaning("Drops the name space prefixes of elements."),
         flag("abortIfMissing", &P::abortIfMissing)
             .label("A missing file is an error")
             .meaning("A missing file fails the action. Off: it is a warning."),
         number("timeOut", &P::timeOut)
-            .range(0, 86400)
+            .range(-1, 86400)
             .label("Retry for")
-            .meaning("Seconds for which a file that cannot be read yet is tried again."),
+            .meaning("Seconds for which a file that cannot be read yet is tried again; -1: for ever."),
         flag("addColBefore", &P::addColBefore)
             .label("Copy the columns of the input row")
             .meaning("Puts the columns of the input row in front of the extracted ones, when "
