@@ -144,6 +144,12 @@ qsizetype CharSource::fail(MarkupError error, qsizetype delivered)
     return delivered;
 }
 
+/// A source that fails does so behind the bytes that it gave.
+MarkupError CharSource::errorAtHand() const
+{
+    return m_error == MarkupError::CannotRead && rawLeft() > 0 ? MarkupError::None : m_error;
+}
+
 /// Move what is left to the front and read more behind it; false at the end and after a failure.
 bool CharSource::fillRaw()
 {
@@ -169,7 +175,7 @@ MarkupError CharSource::peek(QByteArrayView *first)
     while (fillRaw()) {
     }
     *first = QByteArrayView(m_raw.data() + m_rawAt, rawLeft());
-    return m_error;
+    return errorAtHand();
 }
 
 MarkupError CharSource::setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid)
@@ -181,7 +187,7 @@ MarkupError CharSource::setEncoding(CharMode mode, const QByteArray &name, Inval
     }
     skipMark();
     if (isWide || mode == CharMode::Utf8 || mode == CharMode::Utf16 || mode == CharMode::Utf32) {
-        return m_error;
+        return errorAtHand();
     }
     const iconv_t handle = iconv_open("UTF-8", iconvName(mode, name));
     if (handle == reinterpret_cast<iconv_t>(-1)) {
@@ -189,7 +195,7 @@ MarkupError CharSource::setEncoding(CharMode mode, const QByteArray &name, Inval
         return m_error;
     }
     m_iconv.reset(handle);
-    return m_error;
+    return errorAtHand();
 }
 
 /// Take the names of UTF-16 and UTF-32 with a byte order for what they are: iconv is much slower.
@@ -234,7 +240,7 @@ void CharSource::findByteOrder(QByteArrayView bytes)
 
 qsizetype CharSource::read(char *out, qsizetype room)
 {
-    if (m_error != MarkupError::None) {
+    if (errorAtHand() != MarkupError::None) {
         return 0;
     }
     switch (m_mode) {

@@ -60,6 +60,7 @@ private:
         void operator()(iconv_t handle) const { iconv_close(handle); }
     };
 
+    MarkupError errorAtHand() const;
     bool fillRaw();
     qsizetype readUtf8(char *out, qsizetype room);
     qsizetype keepWellFormed(char *out, qsizetype n);

@@ -198,6 +198,36 @@ TEST(LevelExtractor, ReadsXmlFromTheDocumentElement)
     EXPECT_EQ(extract(extractor, wrongTokenizer), u"!4");
 }
 
+// What the cells of elements show, by option.
+TEST(LevelExtractor, ShowsWhatTheOptionsAskFor)
+{
+    const auto extractXml = [](const char *xml, const ExtractOptions &options) {
+        MemorySource source(xml, 1);
+        XMLTokenizer tokenizer(source, 0);
+        tokenizer.setOptions({options.text.html, true, false, false});
+        tokenizer.setEncoding(CharMode::Utf8, QByteArray(), InvalidBytes::Fail);
+        LevelExtractor extractor(levelsOf({u"l||,b"_s}), options);
+        return extract(extractor, tokenizer).toStdString();
+    };
+    ExtractOptions own;
+    EXPECT_EQ(extractXml("<l><r> a<!-- --> \n c<b/> &lt; d </r><r><b>x</b> <b>y</b></r></l>", own),
+              "a \n c < d ,-;-,x;");
+    ExtractOptions all;
+    all.allText = true;
+    EXPECT_EQ(extractXml("<l><r>x<b> y\t z</b>w<b>v</b> <b>u</b>t</r><r><b><i/></b></r></l>", all),
+              "x y zwv ut,y z;-,-;");
+    all.text = {true, true};
+    EXPECT_EQ(extractXml("<l><r>x<b>y</b><br>z<SPAN>1</SPAN><p>2</p>3&nbsp;&nbsp;</r>"
+                         "<r><PRE> p\n</PRE><![CDATA[ q]]><script>s</script></r></l>",
+                         all),
+              "xy z1 2 3,y;p q,-;");
+    ExtractOptions empty;
+    empty.ignoreEmpty = true;
+    empty.presence = true;
+    EXPECT_EQ(extractXml("<l><r/><r><b/></r><r><b>1</b></r><r a=''/><r><!-- --></r></l>", empty),
+              "1,0;1,1;1,0;");
+}
+
 // A record as wide as this one would show a lookup that costs the square of the children.
 TEST(LevelExtractor, IsLinearInTheChildren)
 {

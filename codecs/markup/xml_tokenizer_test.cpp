@@ -172,3 +172,70 @@ TEST(XmlTokenizer, DropsInvalidBytesWhenToldTo)
     EXPECT_EQ(trace(korean), u"<a '가.' >a .");
     EXPECT_TRUE(korean.hasDiscarded());
 }
+
+TEST(XmlTokenizer, TakesTheEncodingThatItIsTold)
+{
+    struct Told
+    {
+        QByteArray bytes;
+        QByteArray name;
+        const char *tokens;
+    };
+    for (const auto &[bytes, name, tokens] :
+         {Told{QByteArray("\x31\x90\x3c\0a\0/\0>\0", 10), "UTF-16le", "'\u9031' <a >a ."},
+          Told{QByteArray("\xfe\xff\x90\x31", 4), "utf-16BE", "'\u9031' ."},
+          Told{QByteArray("\0\0\x90\x31", 4), "UTF-32BE", "'\u9031' ."},
+          Told{QByteArray("\xff\xfe\0\0\x31\x90\0\0", 8), "UTF-32LE", "'\u9031' ."},
+          // A letter that an accent may follow is the last one.
+          Told{"<a/>a\xec", "windows-1258", "<a >a 'a\u0301' ."},
+          Told{"<a/>a", "windows-1258", "<a >a 'a' ."}}) {
+        MemorySource source(bytes, 1);
+        XMLTokenizer tokenizer(source, 0);
+        EXPECT_EQ(tokenizer.setEncoding(CharMode::CodePage, name, InvalidBytes::Fail), MarkupError::None);
+        const QString told = QString::fromStdU16String(trace(tokenizer));
+        EXPECT_EQ(told.normalized(QString::NormalizationForm_D).toStdString(), tokens) << name.toStdString();
+    }
+    MemorySource source("<a/>");
+    XMLTokenizer tokenizer(source, 0);
+    QByteArrayView first;
+    EXPECT_EQ(tokenizer.peek(&first), MarkupError::None);
+    EXPECT_EQ(first, "<a/>");
+    EXPECT_EQ(tokenizer.setEncoding(CharMode::CodePage, "no-such", InvalidBytes::Fail),
+              MarkupError::CannotConvert);
+    EXPECT_EQ(tokenizer.nextToken(), Token::Error);
+}
+
+namespace {
+
+/// Breaks off with a failure behind its bytes.
+class FailingSource final : public ByteSource
+{
+public:
+    explicit FailingSource(QByteArrayView bytes)
+        : m_bytes(bytes)
+    {}
+    qint64 read(void *buffer, qint64 n) override
+    {
+        const qint64 got = m_bytes.read(buffer, n);
+        return got > 0 ? got : -1;
+    }
+    qint64 size() override { return -1; }
+    bool seek(qint64) override { return false; }
+
+private:
+    MemorySource m_bytes;
+};
+
+} // namespace
+
+TEST(XmlTokenizer, GivesWhatCameBeforeAFailure)
+{
+    for (const char *encoding : {"", "UTF-8", "koi8-r"}) {
+        FailingSource source("<list><item>one</item><item>tw");
+        XMLTokenizer tokenizer(source, 0);
+        if (*encoding != 0) {
+            tokenizer.setEncoding(encodingCode(encoding), encoding, InvalidBytes::Fail);
+        }
+        EXPECT_EQ(trace(tokenizer), u"<list <item 'one' >item <item !20") << encoding;
+    }
+}
