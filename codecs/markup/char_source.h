@@ -36,9 +36,9 @@ public:
     /// Errors: CannotRead.
     MarkupError peek(QByteArrayView *first);
 
-    /// Say how the bytes are encoded, before the first read(). `name` is used by CodePage: "UTF-16LE" and
-    /// its like are UTF-16 and UTF-32 of that byte order, everything else is left to iconv.
-    /// Errors: CannotConvert for a name that iconv does not know.
+    /// Say how the bytes are encoded, before the first read(). `name` is used by CodePage:
+    /// "UTF-16LE" and its like are UTF-16 and UTF-32 of that byte order, everything else is left to
+    /// iconv. Errors: CannotConvert for a name that iconv does not know.
     MarkupError setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid);
 
     /// Put up to `room` bytes of UTF-8 (at least kMinRoom must be offered) at `out`: the count, 0

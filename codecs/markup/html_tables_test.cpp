@@ -34,14 +34,14 @@ QString describe(const std::vector<HtmlTable> &tables)
     QStringList texts;
     for (const HtmlTable &table : tables) {
         texts << u"%1 %2+%3x%4 %5"_s.arg(table.path, QString::number(table.headRows),
-                                         QString::number(table.rows), QString::number(table.columns),
-                                         table.firstRow.join(u','));
+                                         QString::number(table.rows),
+                                         QString::number(table.columns), table.firstRow.join(u','));
     }
     return texts.join(u'\n');
 }
 
-/// Goldens that are no measure: their program counts the rows of inner tables with those of the outer one,
-/// or took UTF-8 for Latin-1.
+/// Goldens that are no measure: their program counts the rows of inner tables with those of the
+/// outer one, or took UTF-8 for Latin-1.
 const QStringList kOtherwise{u"hukumusume.html.table1.csv"_s, u"wikipedia.html.table3.csv"_s,
                              u"unicode_1.html.table1.csv"_s};
 
@@ -94,7 +94,8 @@ QList<QStringList> readCsv(const QString &name)
     return rows;
 }
 
-/// Without blanks, quotes and empty cells at the end, in which the program that wrote the goldens differs.
+/// Without blanks, quotes and empty cells at the end, in which the program that wrote the goldens
+/// differs.
 QString comparable(const QList<QStringList> &rows)
 {
     QStringList lines;
@@ -112,12 +113,15 @@ QString comparable(const QList<QStringList> &rows)
 TEST(HtmlTables, AreListedWithTheirPathsAndSizes)
 {
     const QByteArray page =
-        "<HTML><body><table><tr><td>a<td></tr></table><div/><div><table><thead><tr><th>Na&amp;me</th>"
-        "<th>N <b>2</b></th></tr></thead><tbody><tr><td>1</td></tr><tr><td><TABLE id=x></TABLE></td><td>"
+        "<HTML><body><table><tr><td>a<td></tr></table><div/><div><table><thead><tr><th>Na&amp;me</"
+        "th>"
+        "<th>N <b>2</b></th></tr></thead><tbody><tr><td>1</td></tr><tr><td><TABLE "
+        "id=x></TABLE></td><td>"
         "</td><td></td></tr></tbody></table></div></body></HTML>";
-    EXPECT_EQ(describe(tablesOf(page)).toStdString(), "html/body/table 0+1x2 a,\n"
-                                                      "html/body/div[2]/table 1+2x3 Na&me,N 2\n"
-                                                      "html/body/div[2]/table/tr[2]/td/table 0+0x0 ");
+    EXPECT_EQ(describe(tablesOf(page)).toStdString(),
+              "html/body/table 0+1x2 a,\n"
+              "html/body/div[2]/table 1+2x3 Na&me,N 2\n"
+              "html/body/div[2]/table/tr[2]/td/table 0+0x0 ");
     const HtmlTable second = tablesOf(page, true).at(1);
     EXPECT_EQ(second.path, u"html/body/div[1]/table");
     const Level level = levelOfTable(second, true);
@@ -128,7 +132,8 @@ TEST(HtmlTables, AreListedWithTheirPathsAndSizes)
     EXPECT_EQ(levelOfTable({u"t"_s, 0, 1, 1, {}}, true).initialPath, u"t/thead");
 }
 
-// Elements nested far deeper than any page: neither the list nor its paths may grow with the square.
+// Elements nested far deeper than any page: neither the list nor its paths may grow with the
+// square.
 TEST(HtmlTables, AreListedInDeepPages)
 {
     QByteArray page;
@@ -140,10 +145,11 @@ TEST(HtmlTables, AreListedInDeepPages)
 
 TEST(HtmlTables, LoseTheTbodyOfBrowsersPaths)
 {
-    for (const auto &[path, without] : {std::pair{u"/html/body/table/tbody/tr[1]"_s, u"/html/body/table/tr[1]"_s},
-                                        {u"tbody/tr"_s, u"tr"_s},
-                                        {u"table/tbody"_s, u"table"_s},
-                                        {u"a/tbody[2]/b"_s, u"a/tbody[2]/b"_s}}) {
+    for (const auto &[path, without] :
+         {std::pair{u"/html/body/table/tbody/tr[1]"_s, u"/html/body/table/tr[1]"_s},
+          {u"tbody/tr"_s, u"tr"_s},
+          {u"table/tbody"_s, u"table"_s},
+          {u"a/tbody[2]/b"_s, u"a/tbody[2]/b"_s}}) {
         EXPECT_EQ(withoutTbody(path), without);
     }
 }

@@ -131,8 +131,8 @@ bool LevelExtractor::isOccurrence(const LevelState &state, const RawText &name) 
 quint32 LevelExtractor::matching(const LevelState &state, quint32 from, quint32 container) const
 {
     quint32 child = m_tree->next(from, container, ItemKind::Child);
-    while (child != MarkupTree::kNone
-           && (!isOccurrence(state, m_tree->raw(child)) || isIgnored(child))) {
+    while (child != MarkupTree::kNone &&
+           (!isOccurrence(state, m_tree->raw(child)) || isIgnored(child))) {
         child = m_tree->sibling(child);
     }
     return child;
@@ -143,8 +143,8 @@ bool LevelExtractor::isIgnored(quint32 element) const
 {
     const TreeItem &item = m_tree->item(element);
     const auto count = [&](ItemKind kind) { return item.counts[static_cast<size_t>(kind)]; };
-    if (!m_options.ignoreEmpty || item.kind != ItemKind::Child || count(ItemKind::Child) > 0
-        || count(ItemKind::Text) > 0 || count(ItemKind::Attribute) > 0) {
+    if (!m_options.ignoreEmpty || item.kind != ItemKind::Child || count(ItemKind::Child) > 0 ||
+        count(ItemKind::Text) > 0 || count(ItemKind::Attribute) > 0) {
         return false;
     }
     quint32 clear = m_tree->first(element, ItemKind::Clear);
@@ -154,7 +154,8 @@ bool LevelExtractor::isIgnored(quint32 element) const
     return clear == MarkupTree::kNone;
 }
 
-/// Fill the cells of `level` from `occurrence`, and those of the levels inside it from their first ones.
+/// Fill the cells of `level` from `occurrence`, and those of the levels inside it from their first
+/// ones.
 void LevelExtractor::enter(size_t level, quint32 occurrence, CellArena &lastArena)
 {
     for (;; ++level) {
@@ -496,8 +497,8 @@ const uchar *LevelExtractor::textOf(quint32 element, CellArena &arena)
         return rawCell(m_tree->raw(m_tree->first(element, ItemKind::Text)), arena);
     }
     const auto gather = m_options.allText ? foldText : joinText;
-    if ((m_options.allText || texts + clears > 0)
-        && gather(*m_tree, element, m_options.text, &m_joined)) {
+    if ((m_options.allText || texts + clears > 0) &&
+        gather(*m_tree, element, m_options.text, &m_joined)) {
         return joinedCell(arena);
     }
     return m_options.namesForText && count(ItemKind::Child) > 0 ? tagNamesOf(element, arena)

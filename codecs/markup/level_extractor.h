@@ -31,12 +31,12 @@ struct ExtractOptions
     bool keepRoot =
         true; ///< paths begin at the document; off: at its only element, if it has only one
     TagNames tagNames = TagNames::Runs;
-    TextRule text;              ///< what is text of an element
-    bool allText = false;       ///< with the text of its sub-elements, blanks folded
-    bool namesForText = false;  ///< an element without text has the names of its children for a text
-    bool presence = false;      ///< instead of texts 1 for what is there and 0 for what is not
-    bool ignoreEmpty = false;   ///< elements without text, sub-elements and attributes are not there,
-                                ///< but count in indexes
+    TextRule text;             ///< what is text of an element
+    bool allText = false;      ///< with the text of its sub-elements, blanks folded
+    bool namesForText = false; ///< an element without text has the names of its children for a text
+    bool presence = false;     ///< instead of texts 1 for what is there and 0 for what is not
+    bool ignoreEmpty = false; ///< elements without text, sub-elements and attributes are not there,
+                              ///< but count in indexes
 };
 
 /// Threads: one at a time.

@@ -35,7 +35,8 @@ bool MarkupTokenizer::setBufferSize(qint64 characters)
     return true;
 }
 
-MarkupError MarkupTokenizer::setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid)
+MarkupError MarkupTokenizer::setEncoding(CharMode mode, const QByteArray &name,
+                                         InvalidBytes invalid)
 {
     m_encodingGiven = true;
     m_pendingError = m_source.setEncoding(mode, name, invalid);

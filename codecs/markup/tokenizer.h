@@ -85,8 +85,8 @@ public:
     /// Errors: CannotRead.
     MarkupError peek(QByteArrayView *first) { return m_source.peek(first); }
 
-    /// Say how the bytes are encoded instead of guessing, before the first token. Errors are also those
-    /// of the first token: CannotConvert for a name that iconv does not know.
+    /// Say how the bytes are encoded instead of guessing, before the first token. Errors are also
+    /// those of the first token: CannotConvert for a name that iconv does not know.
     MarkupError setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid);
 
     /// With this on, every Start gets its End before EndOfData: what is still open at the end of

@@ -191,9 +191,11 @@ TEST(XmlTokenizer, TakesTheEncodingThatItIsTold)
           Told{"<a/>a", "windows-1258", "<a >a 'a' ."}}) {
         MemorySource source(bytes, 1);
         XMLTokenizer tokenizer(source, 0);
-        EXPECT_EQ(tokenizer.setEncoding(CharMode::CodePage, name, InvalidBytes::Fail), MarkupError::None);
+        EXPECT_EQ(tokenizer.setEncoding(CharMode::CodePage, name, InvalidBytes::Fail),
+                  MarkupError::None);
         const QString told = QString::fromStdU16String(trace(tokenizer));
-        EXPECT_EQ(told.normalized(QString::NormalizationForm_D).toStdString(), tokens) << name.toStdString();
+        EXPECT_EQ(told.normalized(QString::NormalizationForm_D).toStdString(), tokens)
+            << name.toStdString();
     }
     MemorySource source("<a/>");
     XMLTokenizer tokenizer(source, 0);
@@ -213,7 +215,8 @@ class FailingSource final : public ByteSource
 public:
     explicit FailingSource(QByteArrayView bytes)
         : m_bytes(bytes)
-    {}
+    {
+    }
     qint64 read(void *buffer, qint64 n) override
     {
         const qint64 got = m_bytes.read(buffer, n);
