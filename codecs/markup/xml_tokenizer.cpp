@@ -149,7 +149,8 @@ Token XMLTokenizer::step()
     if (at[1] == '?') {
         return readInstruction();
     }
-    for (size_t i = 0; i < kSections.size(); ++i) {
+    const bool mayOpen = at[1] == '!' || at[1] == 'P' || at[1] == 's' || at[1] == 'S';
+    for (size_t i = 0; mayOpen && i < kSections.size(); ++i) {
         const std::string_view opener = kSections[i].opener;
         if (std::memcmp(at, opener.data(), opener.size()) == 0) {
             return readClear(i);
