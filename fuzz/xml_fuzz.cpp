@@ -20,6 +20,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     };
     ExtractOptions options;
     options.text.clearIsText = (flags & 16) != 0;
+    options.text.html = (flags & 1) != 0;
+    options.allText = (flags & 128) != 0;
+    options.namesForText = options.ignoreEmpty = (flags & 32) != 0;
     options.tagNames = (flags & 32) != 0 ? TagNames::Summary : TagNames::Runs;
     checkMarkup(make, QByteArrayView(data + 2, static_cast<qsizetype>(size - 2)), 1 + data[1] % 70,
                 (flags & 64) != 0, options);
