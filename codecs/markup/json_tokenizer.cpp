@@ -296,6 +296,7 @@ inline bool JSONTokenizer::scanString(char quote, TextSpan *text)
                 at += 2;
                 continue;
             }
+            m_pos = static_cast<size_t>(at + 1 - data());
             return false;
         }
         if (*at == 0) {
