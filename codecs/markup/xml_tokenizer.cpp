@@ -395,6 +395,7 @@ Token XMLTokenizer::readStartTag()
     const std::string_view written = resolve(m_name).view();
     if (m_options.html && equalsIgnoringCase(written, "tbody")) {
         m_pendingEnd = false;
+        m_attributes.clear(); // they must not be taken for those of the next tag
         return Token::None;
     }
     m_pendingEnd = m_pendingEnd || (m_options.html && isOneOf(written, kVoidElements));
