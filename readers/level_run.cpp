@@ -213,7 +213,9 @@ bool LevelRun::openFile(const QString &name)
 bool LevelRun::openNextText()
 {
     if (!m_texts->nextRow()) {
-        warnMissingPaths(m_input.column);
+        if (isGood()) { // else it is only the run that ended, not the rows
+            warnMissingPaths(m_input.column);
+        }
         return false;
     }
     return begin(*m_texts);

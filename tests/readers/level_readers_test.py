@@ -1,0 +1,71 @@
+#!/usr/bin/python3
+"""readJSON and readXML while something else happens: level_readers_test.py CORVANTA
+
+What they say then is about what happened, and not about what the rest of the data would have held.
+"""
+import json
+import os
+import pathlib
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+CORVANTA = sys.argv.pop(1)
+LEVEL = "<Level initialPath='a'><e name='b' path='b'/><e name='never' path='never'/></Level>"
+DOCUMENTS = {"XML": "<a><r><b>1</b></r></a>", "JSON": '{"a":[{"b":1}]}'}
+
+
+class Runs(unittest.TestCase):
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory(prefix="corvanta_levels_")
+        self.addCleanup(holder.cleanup)
+        self.folder = pathlib.Path(holder.name)
+
+    def start(self, graph):
+        (self.folder / "case.graph").write_text(f"<graph version='4.11'>{graph}</graph>")
+        process = subprocess.Popen([CORVANTA, "run", str(self.folder / "case.graph"), "--log-format", "json"],
+                                   stderr=subprocess.PIPE, text=True)
+        self.addCleanup(process.kill)
+        return process
+
+    def end(self, process):
+        """(status, messages)"""
+        _, lines = process.communicate(timeout=30)
+        return process.returncode, [json.loads(line)["message"] for line in lines.splitlines()]
+
+    def test_rows_that_fail_tell_nothing_about_paths(self):
+        os.mkfifo(self.folder / "rows.csv")
+        for name, document in DOCUMENTS.items():
+            process = self.start(
+                f"<action id='rows'><readCSV fileName='rows.csv' types='K,U'/></action><action id='read'><read{name} "
+                f"fileName='' fromInputPin='1' col{name}='doc'>{LEVEL}</read{name}></action>"
+                "<link from='rows:0' to='read:0'/>")
+            text = document.replace('"', '""')
+            with open(self.folder / "rows.csv", "w", encoding="utf-8") as pipe:
+                pipe.write("n,doc\n" + f'1,"{text}"\n' * 50_000)
+                pipe.flush()
+                time.sleep(0.5)  # the reader has used them up and waits
+                pipe.write("no number,\n")
+            status, messages = self.end(process)
+            self.assertEqual((status, len(messages)), (1, 1), messages)
+            self.assertIn("line 50002", messages[0])
+
+    def test_a_stopped_run_tells_nothing_about_paths(self):
+        for name, document in DOCUMENTS.items():
+            (self.folder / "in").write_text(document * 4_000_000)
+            results = []
+            for delay in (0.1, 0.2, 0.3):
+                process = self.start(f"<action id='read'><read{name} fileName='in'>{LEVEL}</read{name}></action>")
+                time.sleep(delay)
+                process.send_signal(signal.SIGINT)
+                results.append(self.end(process))
+            self.assertIn((130, []), results)
+            ended = [result for result in results if result != (130, [])]
+            self.assertEqual([(status, len(messages)) for status, messages in ended], [(0, 1)] * len(ended))
+
+
+if __name__ == "__main__":
+    unittest.main()
