@@ -114,7 +114,9 @@ const char *iconvName(CharMode mode, const QByteArray &name)
     case CharMode::Gbk:
         return "GBK";
     default:
-        return name.constData();
+        // What declares itself so comes from Windows: iconv's own Shift_JIS has no room for half of
+        // it and makes a yen sign of every backslash.
+        return name.compare("shift_jis", Qt::CaseInsensitive) == 0 ? "CP932" : name.constData();
     }
 }
 

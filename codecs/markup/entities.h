@@ -8,7 +8,7 @@
 namespace corvanta::markup {
 
 /// Longest entity that is looked at, from "&" to ";".
-inline constexpr int kEntityBytes = 40;
+inline constexpr int kEntityBytes = 64;
 
 struct Entity
 {

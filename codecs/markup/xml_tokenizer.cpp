@@ -156,8 +156,13 @@ Token XMLTokenizer::step()
             return readClear(i);
         }
     }
-    // A "<" that stands alone is text in loose pages.
-    return m_options.html && isSpace(at[1]) ? readText(at + 1) : readStartTag();
+    return lacksName(at + 1) ? readText(at + 1) : readStartTag();
+}
+
+/// True in loose pages where no name can begin: a "<" that stands alone, "<=", "</>", "<? ...".
+bool XMLTokenizer::lacksName(const char *at) const
+{
+    return m_options.html && (isSpace(*at) || *at == '=' || *at == '>' || at == end());
 }
 
 Token XMLTokenizer::dataEnds()
@@ -245,7 +250,9 @@ Token XMLTokenizer::readEndTag()
 {
     const char *at = here() + 2;
     TextSpan name;
-    if (!readName(&at, NameUse::EndTag, &name)) {
+    const bool isNameless = lacksName(at);
+    moveTo(at);
+    if (!isNameless && !readName(&at, NameUse::EndTag, &name)) {
         return token();
     }
     char c = skipSpace(Hold::Token);
@@ -258,7 +265,7 @@ Token XMLTokenizer::readEndTag()
     }
     ++m_pos;
     m_text = name;
-    if (m_options.html && isOneOf(resolve(name).view(), kDroppedEnds)) {
+    if (isNameless || (m_options.html && isOneOf(resolve(name).view(), kDroppedEnds))) {
         return Token::None;
     }
     if (m_options.discardNameSpaces) {
@@ -326,26 +333,28 @@ bool XMLTokenizer::pushName(std::string_view name)
     return true;
 }
 
+/// Up to "?>"; in loose pages, which may lack the "?", up to the first ">".
 Token XMLTokenizer::readInstruction()
 {
     const char *at = here() + 2;
     TextSpan name;
-    if (!readName(&at, NameUse::Tag, &name)) {
+    if (!lacksName(at) && !readName(&at, NameUse::Tag, &name)) {
         return token();
     }
+    const char last = m_options.html ? '>' : '?';
     for (;;) {
-        at = findEither(at, '?', '?');
+        at = findEither(at, last, last);
         if (*at == 0 && (at != end() || !refillAt(&at))) {
             moveTo(at);
             return fail(MarkupError::InvalidPiEnd);
         }
         ensure(&at, 2);
-        if (*at == '?' && at[1] == '>') {
+        if (*at == '>' || (*at == '?' && at[1] == '>')) {
             break;
         }
         at += *at == '?' ? 1 : 0;
     }
-    moveTo(at + 2);
+    moveTo(at + (*at == '?' ? 2 : 1));
     m_text = name;
     return finish(Token::Instruction);
 }
@@ -439,6 +448,10 @@ bool XMLTokenizer::readAttributes()
             if (!m_options.html) {
                 return failed(MarkupError::InvalidTagEnd);
             }
+            continue;
+        }
+        if (m_options.html && (c == '=' || c == '?')) {
+            ++m_pos; // left over from something else
             continue;
         }
         if (!isNameChar(c) && !m_options.ignoreInvalidCharInTagName) {

@@ -61,6 +61,7 @@ private:
     Token readText(const char *at);
     bool readEntityAt(const char **at);
     Token readEndTag();
+    bool lacksName(const char *at) const;
     Token readInstruction();
     Token readClear(size_t opener);
     Token readStartTag();

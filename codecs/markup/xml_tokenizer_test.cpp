@@ -62,6 +62,7 @@ const Case kCases[] = {
     // entities
     {"<a b='&lt;&GT;'>&amp;&quot;&apos;x&NBSP;y</a>", "<a b=<> '&\"'x y' >a ."},
     {"&#65;&#x42;&#X1f600;&#x1F600;", "'AB😀😀' ."},
+    {"&#x0000000000000000000000000000000000000000000041;", "'A' ."},
     {"&unknown;", "!9"},
     {"&#12a;", "!9"},
     {"&#x110000;", "!9"},
@@ -89,6 +90,9 @@ const Case kCases[] = {
     {"<TABLE><tbody><TR></tr></TBODY></table>", "<TABLE <TR >tr >table .", kHtml},
     {"<img src=a.png alt><IMG/><hr>t", "<img src=a.png alt= >img <IMG >IMG <hr >hr 't' .", kHtml},
     {"1 < 2", "'1 ' '< 2' .", kHtml},
+    {"a<=b<>c</><p></ p>x<", "'a' '<=b' '<>c' <p 'x' '<' .", kHtml},
+    {"<?xml:namespace prefix = o /><p><? a ?><?=b?>", "?xml:namespace <p ? ? .", kHtml},
+    {"<p = ? a=1>", "<p a=1 .", kHtml},
     // end tags that do not fit
     {"<a></b>", "<a >b ."},
     {"<a></b>", "<a !4", kBalanced},
@@ -149,6 +153,8 @@ TEST(XmlTokenizer, DetectsTheEncoding)
     EXPECT_EQ(traceDetected("<?xml version='1.0' encoding='utf-8'?><a>\xc1</a>"), "!17");
     EXPECT_EQ(traceDetected("<?xml version='1.0' encoding='ShiftJIS'?><a>\x8f\x54</a>"),
               "?xml <a '週' >a .");
+    EXPECT_EQ(traceDetected("<?xml version='1.0' encoding='Shift_JIS'?><a>\\\x87\x40</a>"),
+              "?xml <a '\\①' >a .");
     const QString text = QStringLiteral("<abc><defghi>漢字</defghi></abc><abc/>");
     QByteArray utf32;
     for (const QChar c : text) {
