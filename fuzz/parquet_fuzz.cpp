@@ -44,6 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     options.int64ToKey = (data[0] & 1) != 0;
     options.extendedEncodings = (data[0] & 2) != 0;
     options.logicalTypes = (data[0] & 4) != 0;
+    options.pageChecksums = (data[0] & 8) != 0;
     const QByteArrayView bytes(data + 1, static_cast<qsizetype>(size) - 1);
     if (rowsOf(bytes, options, -1) != rowsOf(bytes, options, 1 + data[0])) {
         std::abort();

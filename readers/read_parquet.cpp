@@ -101,6 +101,7 @@ void ActionReadParquet::start()
     m_options.int64ToKey = m_params.int64ToKey;
     m_options.extendedEncodings = m_params.extendedEncodings;
     m_options.logicalTypes = m_params.logicalTypes;
+    m_options.pageChecksums = m_params.pageChecksums;
 }
 
 void ActionReadParquet::finish()

@@ -27,12 +27,19 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
             .meaning("Adds the last column _FileNames with the name of the file of each row."),
         flag("extendedEncodings", &P::extendedEncodings)
             .label("Read newer encodings and codecs")
-            .meaning("Reads RLE_DICTIONARY, DELTA and BYTE_STREAM_SPLIT pages and the codecs ZSTD, LZ4_RAW "
+            .meaning("Reads RLE_DICTIONARY, DELTA and BYTE_STREAM_SPLIT pages and the codecs ZSTD, "
+                     "LZ4_RAW "
                      "and Brotli too. Off: such files are refused."),
         flag("logicalTypes", &P::logicalTypes)
             .label("Deliver values as what they mean")
-            .meaning("Gives dates and times as ISO 8601 text, and decimals, large and unsigned integers "
-                     "exactly. Off: values as they are stored."),
+            .meaning(
+                "Gives dates and times as ISO 8601 text, and decimals, large and unsigned integers "
+                "exactly. Off: values as they are stored."),
+        flag("pageChecksums", &P::pageChecksums)
+            .label("Compare the checksums of pages")
+            .meaning("A page that does not have the checksum in its header cannot be read. Off: "
+                     "checksums are "
+                     "not looked at."),
         text("fileName", &P::fileName)
             .inputFile()
             .always()

@@ -14,6 +14,7 @@ struct ReadParquetParams
     bool outputFilenames = false;
     bool extendedEncodings = false;
     bool logicalTypes = false;
+    bool pageChecksums = false;
     QString fileName;
     QStringList columnsToRead;
 };

@@ -18,6 +18,7 @@ struct ReadOptions
     bool int64ToKey = true;         ///< INT64 as keys (their low 32 bits), else as doubles
     bool extendedEncodings = false; ///< more encodings and codecs
     bool logicalTypes = false;      ///< values as what their column's annotation says
+    bool pageChecksums = false;     ///< compare pages with the checksums in their headers
     bool selectsColumns = false;    ///< only the columns of `selection`
     QStringList selection;
 };

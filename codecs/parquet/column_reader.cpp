@@ -40,11 +40,12 @@ bool takeRuns(std::span<const uchar> &data, std::span<const uchar> &runs)
 } // namespace
 
 ColumnReader::ColumnReader(SharedFile &file, const FileMetaData &metaData, Column column,
-                           bool extendedEncodings)
+                           const ReadOptions &options)
     : m_metaData(metaData)
     , m_column(std::move(column))
-    , m_extended(extendedEncodings)
-    , m_pages(file)
+    , m_extended(options.extendedEncodings)
+    , m_pages(file, options.pageChecksums ? PageReader::Checksums::Compared
+                                          : PageReader::Checksums::Ignored)
 {
 }
 

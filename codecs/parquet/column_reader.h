@@ -15,7 +15,7 @@ class ColumnReader
 public:
     /// `metaData` and the file must outlive the reader.
     ColumnReader(SharedFile &file, const FileMetaData &metaData, Column column,
-                 bool extendedEncodings);
+                 const ReadOptions &options);
 
     /// Decode the next block: false at the end of the column. A block has at least one row and
     /// never spans pages. Errors: BadData.

@@ -6,6 +6,7 @@
 #include "codecs/parquet/page_reader.h"
 
 #include "base/limits.h"
+#include "codecs/deflate/crc32.h"
 #include "codecs/parquet/rle_hybrid.h"
 
 #include <QLatin1StringView>
@@ -18,8 +19,17 @@ using namespace Qt::StringLiterals;
 namespace corvanta::parquet {
 
 namespace {
+
 constexpr size_t kBufferBytes = 16384;
+
+/// Of the bytes as they are stored, levels of version 2 included.
+bool hasChecksum(std::span<const uchar> body, qint32 crc)
+{
+    const std::span<const char> bytes{reinterpret_cast<const char *>(body.data()), body.size()};
+    return deflate::crc32(0, bytes) == static_cast<quint32>(crc);
 }
+
+} // namespace
 
 void PageReader::start(qint64 offset, qint32 codec)
 {
@@ -180,6 +190,7 @@ Result<Page, Error> PageReader::dictionaryPage(const PageHeader &header,
 Result<Page, Error> PageReader::next()
 {
     for (;;) {
+        const qint64 begin = pageOffset();
         const auto header = nextHeader();
         if (!header) {
             return header.fault();
@@ -187,6 +198,10 @@ Result<Page, Error> PageReader::next()
         const auto body = readBody(header->compressedPageSize);
         if (!body) {
             return body.fault();
+        }
+        if (m_checksums == Checksums::Compared && header->crc &&
+            !hasChecksum(*body, *header->crc)) {
+            return bad(u"the page at byte %1 does not have its checksum"_s.arg(begin));
         }
         switch (header->type) {
         case kDataPage:

@@ -25,8 +25,12 @@ struct Page
 class PageReader
 {
 public:
-    explicit PageReader(SharedFile &file)
+    /// What happens to pages that do not have the checksum in their header.
+    enum class Checksums : bool { Ignored, Compared };
+
+    PageReader(SharedFile &file, Checksums checksums)
         : m_file(file)
+        , m_checksums(checksums)
     {
     }
 
@@ -50,6 +54,7 @@ private:
     qint64 pageOffset() const { return m_fileAt - static_cast<qint64>(m_end - m_begin); }
 
     SharedFile &m_file;
+    const Checksums m_checksums;
     qint64 m_fileAt = 0; // of the next byte to read into the buffer
     qint32 m_codec = kUncompressed;
     std::array<std::unique_ptr<Decompressor>, kLz4Raw + 1>

@@ -9,12 +9,12 @@ namespace corvanta::parquet {
 namespace {
 
 std::vector<std::unique_ptr<ColumnReader>> readersOf(SharedFile &file, const FileMetaData &metaData,
-                                                     const Columns &columns, bool extendedEncodings)
+                                                     const Columns &columns,
+                                                     const ReadOptions &options)
 {
     std::vector<std::unique_ptr<ColumnReader>> readers;
     for (const Column &column : columns.columns) {
-        readers.push_back(
-            std::make_unique<ColumnReader>(file, metaData, column, extendedEncodings));
+        readers.push_back(std::make_unique<ColumnReader>(file, metaData, column, options));
     }
     return readers;
 }
@@ -32,17 +32,17 @@ TableReader::open(ByteSource &source, const ReadOptions &options, int workers)
     if (!columns) {
         return columns.fault();
     }
-    return std::unique_ptr<TableReader>(new TableReader(
-        source, std::move(*metaData), std::move(*columns), options.extendedEncodings, workers));
+    return std::unique_ptr<TableReader>(
+        new TableReader(source, std::move(*metaData), std::move(*columns), options, workers));
 }
 
 TableReader::TableReader(ByteSource &source, FileMetaData metaData, Columns columns,
-                         bool extendedEncodings, int workers)
+                         const ReadOptions &options, int workers)
     : m_file(source)
     , m_metaData(std::move(metaData))
     , m_columns(std::move(columns))
     , m_cursors(m_columns.columns.size())
-    , m_decoder(readersOf(m_file, m_metaData, m_columns, extendedEncodings),
+    , m_decoder(readersOf(m_file, m_metaData, m_columns, options),
                 m_columns.columns.empty() ? 0 : workers)
 {
     for (const RowGroup &group : m_metaData.rowGroups) {

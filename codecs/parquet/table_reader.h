@@ -44,8 +44,8 @@ private:
         qsizetype row = 0;
         qsizetype rows = 0;
     };
-    TableReader(ByteSource &source, FileMetaData metaData, Columns columns, bool extendedEncodings,
-                int workers);
+    TableReader(ByteSource &source, FileMetaData metaData, Columns columns,
+                const ReadOptions &options, int workers);
     Result<bool, Error> refill(size_t column);
 
     SharedFile m_file;

@@ -4,6 +4,7 @@ import pathlib
 import subprocess
 import sys
 import tempfile
+import zlib
 
 HERE = pathlib.Path(__file__).resolve().parent
 GRAPH = """<graph version='4.11'><action id='in'><readCSV fileName='in.csv' types='{types}'/></action>
@@ -19,6 +20,26 @@ def parquet(csv, types, attributes=""):
         return (folder / "out.parquet").read_bytes()
 
 
+def after_varints(file, at, count):
+    """Where `count` fields of one type byte and a varint end."""
+    for _ in range(count):
+        at += 2
+        while file[at - 1] & 0x80:
+            at += 1
+    return at
+
+
+def with_checksum(file):
+    """A file of one page with the checksum of that page: i32 field 4 of its header, in front of field 5, the only struct."""
+    field = after_varints(file, 4, 3)
+    begin = after_varints(file, field + 1, 4) + 2
+    footer = len(file) - 8 - int.from_bytes(file[-8:-4], "little")
+    crc = zlib.crc32(file[begin:footer])
+    number = crc * 2 if crc < 1 << 31 else ((1 << 32) - crc) * 2 - 1
+    varint = bytes([number >> shift & 0x7F | (0x80 if shift < 28 else 0) for shift in range(0, 35, 7)])
+    return file[:field] + b"\x15" + varint + b"\x1c" + file[field + 1:]
+
+
 def put(case, **files):
     (HERE / case).mkdir(exist_ok=True)
     for name, content in files.items():
@@ -28,6 +49,8 @@ def put(case, **files):
 FIRST = parquet('k,f,t\n1,0.5,one\n,,\n4294967293,-1e300,""\n', "K,F,U")
 SECOND = parquet("k,f,t\n7,nan,žluť\n", "K,F,U")
 LONG = parquet("k,t\n" + "".join(f"{i},text number {i * i}\n" for i in range(600)), "K,U", "pageSize='1'")
+WITH_CHECKSUM = with_checksum(parquet("t\nnever\nagain\n", "U", "codec='1'"))
+WRONG_CHECKSUM = WITH_CHECKSUM.replace(b"never", b"newer")
 DAMAGED_PAGE = LONG[:5000] + b"\xff" * 40 + LONG[5040:]
 
 put("several_files", a=FIRST, b=SECOND, c=FIRST)
@@ -43,6 +66,8 @@ put("no_rows", a=parquet("k,f,t\n", "K,F,U"))
 put("damaged_footer", a=FIRST[:-40] + b"\xff" * 20 + FIRST[-20:])
 put("damaged_later", a=FIRST, b=FIRST[:-40] + b"\xff" * 20 + FIRST[-20:], c=SECOND)
 put("damaged_page", a=DAMAGED_PAGE)
+put("checksum_compared", a=WITH_CHECKSUM, b=WRONG_CHECKSUM)
+put("checksum_ignored", a=WRONG_CHECKSUM)
 put("codec_refused", a=parquet("k\n1\n", "K", "codec='3'"))
 put("codec_allowed", a=parquet("k\n1\n", "K", "codec='3' statistics='1'"))
 put("fewer_rows_than_declared", a=FIRST.replace(b"\x16\x06\x19\x1c\x19\x3c", b"\x16\x08\x19\x1c\x19\x3c"))
