@@ -2,9 +2,7 @@
 #include "base/cell.h"
 #include "codecs/markup/html_tables.h"
 #include "codecs/markup/level_extractor.h"
-
-#include <QDir>
-#include <QFile>
+#include "tests/support/corpus.h"
 
 #include <gtest/gtest.h>
 
@@ -157,13 +155,9 @@ TEST(HtmlTables, LoseTheTbodyOfBrowsersPaths)
 // Whole pages as another program read them.
 TEST(HtmlTables, GiveTheRowsOfRealPages)
 {
-    QString corpus = qEnvironmentVariable("CORVANTA_CORPUS");
-    corpus = corpus.isEmpty() ? QStringLiteral(CORVANTA_DEFAULT_CORPUS) : corpus;
-    if (!QDir(corpus).exists()) {
-        GTEST_SKIP() << "no corpus: set CORVANTA_CORPUS";
-    }
-    for (const char *folder : {"/html", "/html/small", "/html/pages"}) {
-        const QDir goldens(corpus + QLatin1StringView(folder) + "/golden"_L1);
+    CORVANTA_NEEDS_CORPUS();
+    for (const auto &folder : {u"html"_s, u"html/small"_s, u"html/pages"_s}) {
+        const QDir goldens(test::corpusFile(folder + u"/golden"_s));
         for (const QString &golden : goldens.entryList({u"*.csv"_s})) {
             if (kOtherwise.contains(golden)) {
                 continue;

@@ -3,9 +3,8 @@
 #include "codecs/markup/json_tokenizer.h"
 #include "codecs/markup/trace.h"
 #include "codecs/markup/tree.h"
+#include "tests/support/corpus.h"
 
-#include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -247,13 +246,6 @@ TEST(JsonTokenizer, SkipsCharacters)
 
 namespace {
 
-QString suiteFolder()
-{
-    const QString corpus =
-        qEnvironmentVariable("CORVANTA_CORPUS", QStringLiteral(CORVANTA_DEFAULT_CORPUS));
-    return corpus + QStringLiteral("/json/nst");
-}
-
 /// Invalid by RFC 8259 and accepted all the same, with the liberty that it takes.
 struct Liberty
 {
@@ -352,11 +344,9 @@ void expectSame(const MarkupNode &node, const QJsonValue &value, const std::stri
 
 TEST(JsonTestSuite, IsJudgedAsTheTableSays)
 {
-    const QDir folder(suiteFolder());
+    CORVANTA_NEEDS_CORPUS();
+    const QDir folder(test::corpusFile(QStringLiteral("json/nst")));
     const QStringList names = folder.entryList({QStringLiteral("*.json")}, QDir::Files, QDir::Name);
-    if (names.isEmpty()) {
-        GTEST_SKIP() << "no corpus at " << folder.path().toStdString();
-    }
     for (const Liberty &liberty : kLiberties) {
         for (const char *file : liberty.files) {
             EXPECT_TRUE(names.contains(QString::fromLatin1(file) + QStringLiteral(".json")))

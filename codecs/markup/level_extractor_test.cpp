@@ -4,8 +4,8 @@
 #include "codecs/markup/level_extractor.h"
 #include "codecs/markup/sample_levels.h"
 #include "codecs/markup/xml_tokenizer.h"
+#include "tests/support/corpus.h"
 
-#include <QFile>
 #include <QString>
 
 #include <gtest/gtest.h>
@@ -306,8 +306,7 @@ namespace {
 
 QString corpusFile(const QString &name)
 {
-    return qEnvironmentVariable("CORVANTA_CORPUS", QStringLiteral(CORVANTA_DEFAULT_CORPUS)) +
-           u"/json/docs/"_s + name;
+    return test::corpusFile(u"json/docs/"_s + name);
 }
 
 /// One record of a CSV table (RFC 4180): its fields with what is not there as "-".
@@ -335,9 +334,7 @@ QStringList csvRecord(const QString &text, qsizetype *at)
 
 TEST(LevelExtractor, ReadsWhatOtherProgramsRead)
 {
-    if (!QFile::exists(corpusFile(u"movies.json"_s))) {
-        GTEST_SKIP() << "no corpus";
-    }
+    CORVANTA_NEEDS_CORPUS();
     for (const auto &[document, golden, path] :
          {std::tuple{u"citm_catalog"_s, u"citm_performances"_s, u"performances"_s},
           {u"github_events"_s, u"github_events"_s, u""_s},
