@@ -14,16 +14,17 @@ template <class Make>
 void checkMarkup(const Make &make, QByteArrayView bytes, qint64 pieceBytes, bool balanced,
                  const ExtractOptions &options)
 {
-    const auto traceWith = [&](qint64 buffer, qint64 piece) {
+    const auto traceWith = [&](qint64 buffer, qint64 piece, bool leaves) {
         MemorySource source(bytes, piece);
         const auto tokenizer = make(source, buffer);
         tokenizer->setBalanced(balanced);
-        std::u16string tokens = trace(*tokenizer);
+        std::u16string tokens = trace(*tokenizer, leaves);
         const std::string place =
             std::to_string(tokenizer->line()) + ':' + std::to_string(tokenizer->column());
         return tokens.append(place.begin(), place.end());
     };
-    if (traceWith(1024, pieceBytes) != traceWith(1 << 16, -1)) {
+    const std::u16string whole = traceWith(1 << 16, -1, false);
+    if (traceWith(1024, pieceBytes, false) != whole || traceWith(1024, pieceBytes, true) != whole) {
         std::abort();
     }
     MemorySource sample(bytes, pieceBytes);

@@ -6,11 +6,11 @@
 #include "base/limits.h"
 #include "base/utf.h"
 #include "codecs/markup/char_class.h"
-
-#include <emmintrin.h>
+#include "codecs/markup/scan.h"
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace corvanta::markup {
 
@@ -21,25 +21,6 @@ constexpr size_t kFirstContainers = 512;
 /// Texts that stand in no buffer. The first is the name of the element whose container was closed.
 enum External : quint32 { kClosedName, kUnderscore, kNan, kInf, kMinusInf, kFirstItemName };
 constexpr std::array<std::string_view, 5> kExternal{"", "_", "nan", "inf", "-inf"};
-
-/// The first byte that a string scan has to look at: the quote, a backslash or a control character.
-/// May load up to 16 bytes behind the data, which ends with a NUL.
-const char *findStringStop(const char *at, char quote)
-{
-    const __m128i quotes = _mm_set1_epi8(quote);
-    const __m128i slashes = _mm_set1_epi8('\\');
-    const __m128i lastControl = _mm_set1_epi8(0x1F);
-    for (;; at += 16) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
-        const __m128i control = _mm_cmpeq_epi8(_mm_max_epu8(block, lastControl), lastControl);
-        const __m128i special =
-            _mm_or_si128(_mm_cmpeq_epi8(block, quotes), _mm_cmpeq_epi8(block, slashes));
-        const int mask = _mm_movemask_epi8(_mm_or_si128(control, special));
-        if (mask != 0) {
-            return at + __builtin_ctz(static_cast<unsigned>(mask));
-        }
-    }
-}
 
 bool mayFollowBareValue(char c)
 {
@@ -103,6 +84,55 @@ Token JSONTokenizer::nextToken()
         token = step();
     }
     return token;
+}
+
+/// A member with a name and a value without escapes, up to the comma or brace behind it.
+bool JSONTokenizer::takeLeaf(Leaf *leaf)
+{
+    if (m_state != State::Key || !m_begun || isFinished() || skipSpace(Hold::Nothing) != '"') {
+        return false;
+    }
+    const char *const name = here() + 1;
+    const char *const nameEnd = findStringStop(name, '"');
+    if (*nameEnd != '"' || nameEnd == name || nameEnd[1] != ':') {
+        return false;
+    }
+    const size_t keptBefore = m_keep;
+    m_keep = m_pos;
+    const char *at = skipSpaces(nameEnd + 2);
+    if (!scanLeafValue(&at, leaf)) {
+        m_keep = keptBefore;
+        return false;
+    }
+    leaf->name = m_name = span(1, nameEnd, TextForm::Plain);
+    leaf->hasText = true;
+    return finishLeaf(*leaf, *at == ',' ? at + 1 : at);
+}
+
+/// The value of a leaf at `*at`, which then is the separator behind it.
+inline bool JSONTokenizer::scanLeafValue(const char **at, Leaf *leaf)
+{
+    const bool quoted = **at == '"';
+    const char *const text = quoted ? *at + 1 : *at;
+    const char *textEnd = text;
+    if (quoted) {
+        textEnd = findStringStop(text, '"');
+    } else if (*text == 't' || *text == 'f' || *text == 'n') {
+        const std::string_view word = *text == 't' ? "true" : (*text == 'f' ? "false" : "null");
+        textEnd += std::memcmp(text, word.data(), word.size()) == 0 ? word.size() : 0;
+    } else {
+        const quint8 set = m_permissive ? charset::kPermissive : charset::kNumber;
+        while (isIn(*textEnd, set)) {
+            ++textEnd;
+        }
+        m_numberLength = textEnd - text;
+    }
+    if (quoted ? *textEnd != '"' : textEnd == text) {
+        return false;
+    }
+    *at = skipSpaces(quoted ? textEnd + 1 : textEnd);
+    leaf->text = span(fromToken(text), textEnd, TextForm::Plain);
+    return **at == ',' || **at == '}';
 }
 
 /// Go on by one construct; None when it gives no token.

@@ -30,6 +30,7 @@ public:
     void setPermissiveNumbers(bool on) { m_permissive = on; }
 
     Token nextToken() override;
+    bool takeLeaf(Leaf *leaf) override;
 
     /// With document marks on, after DocumentStart: what the value is.
     DocumentKind documentKind() const { return m_documentKind; }
@@ -76,6 +77,7 @@ private:
         return matchingChars(at, word) == static_cast<qsizetype>(word.size());
     }
     Token failAt(const char *at, MarkupError error);
+    bool scanLeafValue(const char **at, Leaf *leaf);
     Token readNumber();
     Token readSpecialNumber(const char *at, bool negative);
     Token finishBareValue(const char *at, MarkupError error);

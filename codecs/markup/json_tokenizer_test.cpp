@@ -22,15 +22,20 @@ enum Flags : unsigned { kPlain = 0, kPermissive = 1, kNoItemName = 2, kMarks = 4
 
 std::string traceJson(QByteArrayView bytes, unsigned flags, qint64 buffer = 0, qint64 piece = -1)
 {
-    MemorySource source(bytes, piece);
-    JSONTokenizer tokenizer(source, buffer);
-    tokenizer.setPermissiveNumbers((flags & kPermissive) != 0);
-    tokenizer.setDocumentMarks((flags & kMarks) != 0);
-    tokenizer.setBalanced((flags & kBalanced) != 0);
-    if ((flags & kNoItemName) != 0) {
-        tokenizer.setArrayItemName(std::nullopt);
-    }
-    return QString::fromStdU16String(trace(tokenizer)).toStdString();
+    const auto traced = [&](bool leaves) {
+        MemorySource source(bytes, piece);
+        JSONTokenizer tokenizer(source, buffer);
+        tokenizer.setPermissiveNumbers((flags & kPermissive) != 0);
+        tokenizer.setDocumentMarks((flags & kMarks) != 0);
+        tokenizer.setBalanced((flags & kBalanced) != 0);
+        if ((flags & kNoItemName) != 0) {
+            tokenizer.setArrayItemName(std::nullopt);
+        }
+        return QString::fromStdU16String(trace(tokenizer, leaves)).toStdString();
+    };
+    const std::string tokens = traced(false);
+    EXPECT_EQ(traced(true), tokens) << bytes.toByteArray().toStdString();
+    return tokens;
 }
 
 struct Case
@@ -95,6 +100,17 @@ const Case kCases[] = {
     {"[1,,2]", "<a '1' >a <a !24"},
     {R"({"a":1,,})", "<a '1' >a !16"},
     {R"({"a":1},{"b":2})", "<a '1' >a !24"},
+    // members that look like leaves
+    {R"([{"a":"x" , "b":-1.5e3,"c":true ,"d":null},{"e":[1],"f":{}}])",
+     "<a <a 'x' >a <b '-1.5e3' >b <c 'true' >c <d 'null' >d >a <a <e <a '1' >a >e <f >f >a ."},
+    {R"([{"a":"","":1,"b" :2,"c":"\n","d":'q'}])",
+     "<a <a '' >a <_ '1' >_ <b '2' >b <c '\n' >c <d 'q' >d >a ."},
+    {R"([{"a":tru}])", "<a <a !25"},
+    {R"([{"a":1x}])", "<a <a !24"},
+    {R"([{"a":1x,"b":NaN,"c":trues}])", "<a <a '1x' >a <b 'NaN' >b <c !25", kPermissive},
+    {R"([{"a":1]])", "<a <a '1' !4"},
+    {R"([{"a":NaN,"b":nan,"c":-Inf,"d":1 2}])",
+     "<a <a 'nan' >a <b 'nan' >b <c '-inf' >c <d '1' !13"},
     // data that ends too early
     {"[1", "<a '1' ."},
     {"[1", "<a '1' !4", kBalanced},

@@ -307,6 +307,9 @@ bool LevelExtractor::skipElement()
 bool LevelExtractor::addElement()
 {
     while (m_builder.depth() > 0) {
+        if (!m_builder.addLeaves()) {
+            return stop(MarkupError::TreeTooLarge);
+        }
         const Token token = m_tokenizer->nextToken();
         if (token == Token::Error) {
             return stop(m_tokenizer->errorCode());
@@ -367,6 +370,9 @@ bool LevelExtractor::buildDocument(quint32 *occurrence)
 bool LevelExtractor::addToEnd()
 {
     for (;;) {
+        if (!m_builder.addLeaves()) {
+            return stop(MarkupError::TreeTooLarge);
+        }
         const Token token = m_tokenizer->nextToken();
         if (token == Token::DocumentEnd) {
             return true;
@@ -415,7 +421,7 @@ LevelExtractor::Documents LevelExtractor::judgeMember()
 {
     m_tree = &m_builder.tree();
     LevelState &first = *m_levels.front();
-    const std::vector<TreeItem> &items = m_tree->items();
+    const std::span<const TreeItem> items = m_tree->items();
     auto member = static_cast<quint32>(items.size() - 1);
     while (items[member].parent != 0) {
         member = items[member].parent;

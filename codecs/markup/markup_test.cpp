@@ -1,8 +1,10 @@
 // The parts around the tokenizers: error texts, Base64, guesses of encodings, trees and paths.
 #include "codecs/markup/base64.h"
+#include "codecs/markup/char_class.h"
 #include "codecs/markup/encoding.h"
 #include "codecs/markup/json_tokenizer.h"
 #include "codecs/markup/path.h"
+#include "codecs/markup/scan.h"
 #include "codecs/markup/tree.h"
 #include "codecs/markup/xml_tokenizer.h"
 
@@ -81,6 +83,20 @@ TEST(Encoding, IsGuessedFromTheFirstBytes)
     EXPECT_EQ(encodingCode("SJIS"), CharMode::ShiftJis);
     EXPECT_EQ(encodingCode("gbk"), CharMode::Gbk);
     EXPECT_EQ(encodingCode("ISO-8859-1"), CharMode::CodePage);
+}
+
+TEST(Scan, StopsWhereTheCharacterClassesSay)
+{
+    for (int c = 0; c < 256; ++c) {
+        for (qsizetype before = 0; before < 40; before += 13) {
+            const auto byte = static_cast<char>(c);
+            const QByteArray name = QByteArray(before, 'n') + byte + QByteArray(kReadAhead, 0);
+            const QByteArray space = QByteArray(before, ' ') + byte + QByteArray(kReadAhead, 0);
+            const qsizetype behind = before + 1;
+            EXPECT_EQ(skipNameChars(name) - name, isNameChar(byte) ? behind : before) << c;
+            EXPECT_EQ(skipSpaces(space) - space, isSpace(byte) ? behind : before) << c;
+        }
+    }
 }
 
 TEST(Tree, KeepsTheOrderAndTheCounts)

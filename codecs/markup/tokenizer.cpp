@@ -1,7 +1,6 @@
 #include "codecs/markup/tokenizer.h"
 
 #include "base/limits.h"
-#include "codecs/markup/char_class.h"
 
 #include <algorithm>
 #include <cstring>
@@ -155,9 +154,7 @@ char MarkupTokenizer::skipSpaceSlow(Hold hold)
 {
     const char *at = here();
     for (;;) {
-        while (isSpace(*at)) {
-            ++at;
-        }
+        at = skipSpaces(at);
         m_pos = static_cast<size_t>(at - m_data.get());
         if (at != end()) {
             return *at;

@@ -8,6 +8,7 @@
 #include "codecs/markup/char_source.h"
 #include "codecs/markup/line_counter.h"
 #include "codecs/markup/raw_text.h"
+#include "codecs/markup/scan.h"
 
 #include <cstddef>
 #include <memory>
@@ -99,6 +100,18 @@ public:
     /// The next token. After Error always Error, after EndOfData always EndOfData.
     virtual Token nextToken() = 0;
 
+    /// An element with nothing in it but, perhaps, one text.
+    struct Leaf
+    {
+        TextSpan name;
+        TextSpan text;
+        bool hasText = false;
+    };
+    /// Take three tokens in one step: where the next element is a leaf, as simply written as most
+    /// of them are, fill `leaf` and stand at its End. False, and no token taken, where it is not:
+    /// then nextToken() tells what it is.
+    virtual bool takeLeaf(Leaf *leaf) = 0;
+
     /// The kind of the current token.
     Token token() const { return m_token; }
 
@@ -109,6 +122,8 @@ public:
     qsizetype length() { return static_cast<qsizetype>(text().size()); }
     /// The same, not yet decoded.
     RawText rawText() const { return resolve(m_text); }
+    /// What lies at a place that is counted from the current token's start.
+    RawText resolve(TextSpan span) const;
 
     /// Where the tokenizer stands: lines count from 1, columns from 0.
     qint64 line() const { return position().line(); }
@@ -162,8 +177,12 @@ protected:
     /// The first character at or behind the position that is no blank; 0 at the end of the data.
     char skipSpace(Hold hold)
     {
-        const char c = *here();
-        return static_cast<uchar>(c) > ' ' ? c : skipSpaceSlow(hold);
+        const char *at = here();
+        if (static_cast<uchar>(*at) <= ' ') {
+            at = skipSpaces(at);
+            m_pos = static_cast<size_t>(at - m_data.get());
+        }
+        return *at != 0 ? *at : skipSpaceSlow(hold);
     }
 
     /// True when `at` is where the data broke off with an error.
@@ -179,7 +198,6 @@ protected:
         m_token = token;
         return token;
     }
-    RawText resolve(TextSpan span) const;
     const char *data() const { return m_data.get(); }
     const char *end() const { return m_data.get() + m_end; }
     const char *here() const { return m_data.get() + m_pos; }
@@ -190,6 +208,14 @@ protected:
     quint32 fromToken(const char *at) const
     {
         return static_cast<quint32>(at - m_data.get() - static_cast<ptrdiff_t>(m_keep));
+    }
+    /// What takeLeaf() ends with: a leaf from the position to `stop`.
+    bool finishLeaf(const Leaf &leaf, const char *stop)
+    {
+        m_text = leaf.name;
+        m_pos = static_cast<size_t>(stop - m_data.get());
+        m_token = Token::End;
+        return true;
     }
     bool isFinished() const { return m_token == Token::Error || m_token == Token::EndOfData; }
     bool documentMarks() const { return m_documentMarks; }

@@ -43,10 +43,18 @@ inline std::u16string traceToken(MarkupTokenizer &tokenizer, Token token)
     return u"!" + std::u16string(code.begin(), code.end());
 }
 
-inline std::u16string trace(MarkupTokenizer &tokenizer)
+/// All tokens; with `leaves`, as many of them as can be had that way are taken by takeLeaf().
+inline std::u16string trace(MarkupTokenizer &tokenizer, bool leaves = false)
 {
     std::u16string out;
+    MarkupTokenizer::Leaf leaf;
     for (;;) {
+        while (leaves && tokenizer.takeLeaf(&leaf)) {
+            const std::u16string name = decoded(tokenizer.resolve(leaf.name));
+            out += (out.empty() ? u"<" : u" <") + name;
+            out += leaf.hasText ? u" '" + decoded(tokenizer.resolve(leaf.text)) + u"'" : u"";
+            out += u" >" + name;
+        }
         const Token token = tokenizer.nextToken();
         out += (out.empty() ? u"" : u" ") + traceToken(tokenizer, token);
         if (token == Token::EndOfData || token == Token::Error) {

@@ -72,91 +72,128 @@ void MarkupTreeBuilder::begin(MarkupTokenizer &tokenizer)
     m_tokenizer = &tokenizer;
     m_tree.m_tokenizer = &tokenizer;
     m_xml = tokenizer.asXml();
-    if (m_tree.m_items.capacity() == 0) {
-        m_tree.m_items.reserve(static_cast<size_t>(m_blockBytes) / sizeof(TreeItem) + 1);
+    m_tooLarge = false;
+    m_tree.m_size = 0;
+    if (m_tree.m_capacity == 0) {
+        reserve(static_cast<size_t>(m_blockBytes) / sizeof(TreeItem) + 1);
     }
-    m_tree.m_items.clear();
-    m_tree.m_items.emplace_back();
+    m_tree.m_items[m_tree.m_size++] = {};
     m_tree.m_hint = {};
     m_current = 0;
     m_depth = 0;
-    m_tooLarge = false;
     tokenizer.pin();
 }
 
-/// Append an item for the current token's text; false when that would make the tree too large.
-bool MarkupTreeBuilder::push(ItemKind kind)
+void MarkupTreeBuilder::reserve(size_t capacity)
 {
-    std::vector<TreeItem> &items = m_tree.m_items;
-    if (items.size() == items.capacity()) {
-        const size_t more = static_cast<size_t>(m_growthBytes) / sizeof(TreeItem) + items.size();
-        if ((items.size() + 1) * sizeof(TreeItem) > static_cast<size_t>(limits::kTreeArenaBytes)) {
-            m_tooLarge = true;
-            return false;
-        }
-        items.reserve(items.size() + more);
+    std::unique_ptr<TreeItem[]> larger(new TreeItem[capacity]);
+    std::copy_n(m_tree.m_items.get(), m_tree.m_size, larger.get());
+    m_tree.m_items = std::move(larger);
+    m_tree.m_capacity = capacity;
+}
+
+/// Room for one more item; false when that would make the tree too large.
+bool MarkupTreeBuilder::grow()
+{
+    m_tooLarge =
+        (m_tree.m_size + 1) * sizeof(TreeItem) > static_cast<size_t>(limits::kTreeArenaBytes);
+    if (!m_tooLarge) {
+        reserve(m_tree.m_size * 2 + static_cast<size_t>(m_growthBytes) / sizeof(TreeItem));
     }
-    TreeItem &item = items.emplace_back();
-    item.text = m_tokenizer->textSpan().movedBy(m_tokenizer->pinnedOffset());
-    item.next = static_cast<quint32>(items.size());
+    return !m_tooLarge;
+}
+
+/// Append an item with the text at `text`; null when that would make the tree too large.
+inline TreeItem *MarkupTreeBuilder::push(ItemKind kind, TextSpan text)
+{
+    if (m_tree.m_size == m_tree.m_capacity && !grow()) {
+        return nullptr;
+    }
+    TreeItem &item = m_tree.m_items[m_tree.m_size++];
+    item = {};
+    item.text = text;
+    item.next = static_cast<quint32>(m_tree.m_size);
     item.parent = m_current;
     item.kind = kind;
     if (kind != ItemKind::Instruction) {
-        ++items[m_current].counts[static_cast<size_t>(kind)];
+        ++m_tree.m_items[m_current].counts[static_cast<size_t>(kind)];
     }
-    return true;
+    return &item;
 }
 
-bool MarkupTreeBuilder::addAttributes()
+inline bool MarkupTreeBuilder::addAttributes(size_t pinned)
 {
-    const size_t pinned = m_tokenizer->pinnedOffset();
     for (const XMLTokenizer::Attribute &attribute : m_xml->attributes()) {
-        if (!push(ItemKind::Attribute)) {
+        TreeItem *const item = push(ItemKind::Attribute, attribute.name.movedBy(pinned));
+        if (item == nullptr) {
             return false;
         }
-        TreeItem &item = m_tree.m_items.back();
-        item.text = attribute.name.movedBy(pinned);
-        item.value = attribute.value.movedBy(pinned);
+        item->value = attribute.value.movedBy(pinned);
     }
     return true;
 }
 
 bool MarkupTreeBuilder::add(Token token)
 {
-    switch (token) {
-    case Token::Start:
-        if (!push(ItemKind::Child)) {
-            return false;
-        }
-        m_current = static_cast<quint32>(m_tree.m_items.size() - 1);
-        ++m_depth;
-        return m_xml == nullptr || addAttributes();
-    case Token::End:
-        m_tree.m_items[m_current].next = static_cast<quint32>(m_tree.m_items.size());
-        m_current = m_tree.m_items[m_current].parent;
+    if (token == Token::End) {
+        TreeItem &ended = m_tree.m_items[m_current];
+        ended.next = static_cast<quint32>(m_tree.m_size);
+        m_current = ended.parent;
         --m_depth;
         return true;
+    }
+    const size_t pinned = m_tokenizer->pinnedOffset();
+    const TextSpan text = m_tokenizer->textSpan().movedBy(pinned);
+    TreeItem *item = nullptr;
+    switch (token) {
+    case Token::Start:
+        item = push(ItemKind::Child, text);
+        m_current = static_cast<quint32>(m_tree.m_size - 1);
+        ++m_depth;
+        return item != nullptr && (m_xml == nullptr || addAttributes(pinned));
     case Token::Text:
-        return push(ItemKind::Text);
+        return push(ItemKind::Text, text) != nullptr;
     case Token::Clear:
-        if (!push(ItemKind::Clear)) {
-            return false;
+        item = push(ItemKind::Clear, text);
+        if (item != nullptr) {
+            item->clearKind = m_xml->clearKind();
         }
-        m_tree.m_items.back().clearKind = m_xml->clearKind();
-        return true;
+        return item != nullptr;
     case Token::Instruction:
-        return push(ItemKind::Instruction);
+        return push(ItemKind::Instruction, text) != nullptr;
     default:
         return true;
     }
 }
 
+bool MarkupTreeBuilder::addLeaves()
+{
+    MarkupTokenizer::Leaf leaf;
+    while (m_tokenizer->takeLeaf(&leaf)) {
+        const size_t pinned = m_tokenizer->pinnedOffset();
+        TreeItem *const item = push(ItemKind::Child, leaf.name.movedBy(pinned));
+        if (item == nullptr) {
+            return false;
+        }
+        if (leaf.hasText) {
+            const quint32 around = m_current;
+            m_current = static_cast<quint32>(m_tree.m_size - 1);
+            const bool isAdded = push(ItemKind::Text, leaf.text.movedBy(pinned)) != nullptr;
+            m_tree.m_items[m_current].next = static_cast<quint32>(m_tree.m_size);
+            m_current = around;
+            if (!isAdded) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
 const MarkupTree &MarkupTreeBuilder::tree()
 {
     // What is still open ends, for the time being, where the tree ends.
-    std::vector<TreeItem> &items = m_tree.m_items;
-    for (quint32 open = m_current;; open = items[open].parent) {
-        items[open].next = static_cast<quint32>(items.size());
+    for (quint32 open = m_current;; open = m_tree.m_items[open].parent) {
+        m_tree.m_items[open].next = static_cast<quint32>(m_tree.m_size);
         if (open == 0) {
             break;
         }

@@ -8,8 +8,9 @@
 #include "codecs/markup/tokenizer.h"
 
 #include <array>
+#include <memory>
+#include <span>
 #include <string>
-#include <vector>
 
 namespace corvanta::markup {
 
@@ -79,7 +80,7 @@ class MarkupTree
 public:
     static constexpr quint32 kNone = ~quint32(0);
 
-    const std::vector<TreeItem> &items() const { return m_items; }
+    std::span<const TreeItem> items() const { return {m_items.get(), m_size}; }
     const TreeItem &item(quint32 index) const { return m_items[index]; }
     RawText raw(TextSpan span) const
     {
@@ -122,7 +123,9 @@ private:
         quint32 index = 0;
     };
 
-    std::vector<TreeItem> m_items;
+    std::unique_ptr<TreeItem[]> m_items; ///< m_size of them are the tree's, the others room
+    size_t m_size = 0;
+    size_t m_capacity = 0;
     const MarkupTokenizer *m_tokenizer = nullptr;
     const char *m_bytes = nullptr;
     mutable Hint m_hint; ///< the last item that was asked for by number
@@ -163,6 +166,9 @@ public:
     /// Add the current token (Start, End, Text, Clear or Instruction). False when the tree became
     /// too large.
     bool add(Token token);
+    /// Add the leaves that come next, if any, without making tokens of them. False when the tree
+    /// became too large.
+    bool addLeaves();
     /// Elements that are open below the artificial root.
     qint64 depth() const { return m_depth; }
     /// Make the tree readable after the tokenizer went on.
@@ -171,8 +177,10 @@ public:
     static constexpr qint64 kDefaultBlockBytes = 1'048'576;
 
 private:
-    bool push(ItemKind kind);
-    bool addAttributes();
+    void reserve(size_t capacity);
+    bool grow();
+    TreeItem *push(ItemKind kind, TextSpan text);
+    bool addAttributes(size_t pinned);
     Token pull(bool nextElement);
     MarkupNode finish(MarkupResult &result, Token last);
 

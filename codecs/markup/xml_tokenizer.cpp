@@ -3,8 +3,7 @@
 #include "base/limits.h"
 #include "codecs/markup/char_class.h"
 #include "codecs/markup/entities.h"
-
-#include <emmintrin.h>
+#include "codecs/markup/scan.h"
 
 #include <algorithm>
 #include <array>
@@ -14,7 +13,6 @@ namespace corvanta::markup {
 
 namespace {
 
-constexpr size_t kFirstNames = 20;
 constexpr qsizetype kLongestOpener = 9;
 /// How far up an HTML end tag looks for its element: keeps wild pages linear.
 constexpr size_t kHtmlSearchDepth = 512;
@@ -57,21 +55,32 @@ bool isOneOf(std::string_view name, const std::array<std::string_view, N> &names
                        [&](std::string_view known) { return equalsIgnoringCase(name, known); });
 }
 
-/// The first `a`, `b` or NUL. May load up to 16 bytes behind the data, which ends with a NUL.
-const char *findEither(const char *at, char a, char b)
+/// Elements that are dropped or never wait for an end tag.
+bool isSpecialInHtml(std::string_view name)
 {
-    const __m128i first = _mm_set1_epi8(a);
-    const __m128i second = _mm_set1_epi8(b);
-    for (;; at += 16) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
-        const __m128i hit =
-            _mm_or_si128(_mm_cmpeq_epi8(block, first), _mm_cmpeq_epi8(block, second));
-        const int mask =
-            _mm_movemask_epi8(_mm_or_si128(hit, _mm_cmpeq_epi8(block, _mm_setzero_si128())));
-        if (mask != 0) {
-            return at + __builtin_ctz(static_cast<unsigned>(mask));
-        }
+    return equalsIgnoringCase(name, "tbody") || isOneOf(name, kVoidElements);
+}
+
+constexpr size_t kNoSection = kSections.size();
+
+/// The section that `at` (a "<") opens, or kNoSection.
+inline size_t openedSection(const char *at)
+{
+    const char second = at[1];
+    if (second != '!' && second != 'P' && second != 's' && second != 'S') {
+        return kNoSection;
     }
+    size_t i = 0;
+    while (i < kNoSection &&
+           std::memcmp(at, kSections[i].opener.data(), kSections[i].opener.size()) != 0) {
+        ++i;
+    }
+    return i;
+}
+
+bool endsName(char c)
+{
+    return c == '>' || c == '/' || c == '=' || c == '?' || isSpace(c);
 }
 
 } // namespace
@@ -79,7 +88,6 @@ const char *findEither(const char *at, char a, char b)
 XMLTokenizer::XMLTokenizer(ByteSource &source, qint64 bufferChars)
     : MarkupTokenizer(source, bufferChars)
 {
-    m_nameStarts.reserve(kFirstNames);
 }
 
 void XMLTokenizer::restart(ByteSource &source)
@@ -89,7 +97,6 @@ void XMLTokenizer::restart(ByteSource &source)
     m_pendingEnd = false;
     m_pendingCloses = 0;
     m_names.clear();
-    m_nameStarts.clear();
 }
 
 MarkupError XMLTokenizer::detectEncoding(CharSource &source, QByteArrayView first)
@@ -121,6 +128,39 @@ Token XMLTokenizer::nextToken()
     return token;
 }
 
+/// "<name>text</name>" or "<name/>", without references and whole in the buffer.
+bool XMLTokenizer::takeLeaf(Leaf *leaf)
+{
+    const bool isBetween = m_begun && !isFinished() && !m_pendingEnd && m_pendingCloses == 0;
+    if (!isBetween || static_cast<qint64>(m_names.size()) >= limits::kElementDepth ||
+        skipSpace(Hold::Nothing) != '<') {
+        return false;
+    }
+    const char *const name = here() + 1;
+    const char *const nameEnd = skipNameChars(name);
+    const auto size = static_cast<size_t>(nameEnd - name);
+    const bool isEmpty = *nameEnd == '/' && nameEnd[1] == '>';
+    if (size == 0 || (*nameEnd != '>' && !isEmpty) || openedSection(here()) != kNoSection ||
+        (m_options.html && isSpecialInHtml({name, size}))) {
+        return false;
+    }
+    const char *const text = isEmpty ? nameEnd : skipSpaces(nameEnd + 1);
+    const char *const textEnd = isEmpty ? nameEnd : findEither(text, '<', '&');
+    const char *const stop = isEmpty ? nameEnd + 2 : textEnd + size + 3;
+    if (!isEmpty && (*textEnd != '<' || textEnd[1] != '/' || stop > end() || stop[-1] != '>' ||
+                     std::memcmp(textEnd + 2, name, size) != 0)) {
+        return false;
+    }
+    m_keep = m_pos;
+    leaf->name = span(1, nameEnd, TextForm::Plain);
+    leaf->text = span(fromToken(text), textEnd, TextForm::Plain);
+    leaf->hasText = text != textEnd;
+    if (m_options.discardNameSpaces) {
+        cutNameSpace(&leaf->name);
+    }
+    return finishLeaf(*leaf, stop);
+}
+
 /// Go on by one construct; None when it gives no token.
 Token XMLTokenizer::step()
 {
@@ -149,12 +189,9 @@ Token XMLTokenizer::step()
     if (at[1] == '?') {
         return readInstruction();
     }
-    const bool mayOpen = at[1] == '!' || at[1] == 'P' || at[1] == 's' || at[1] == 'S';
-    for (size_t i = 0; mayOpen && i < kSections.size(); ++i) {
-        const std::string_view opener = kSections[i].opener;
-        if (std::memcmp(at, opener.data(), opener.size()) == 0) {
-            return readClear(i);
-        }
+    const size_t section = openedSection(at);
+    if (section != kNoSection) {
+        return readClear(section);
     }
     return lacksName(at + 1) ? readText(at + 1) : readStartTag();
 }
@@ -167,11 +204,11 @@ bool XMLTokenizer::lacksName(const char *at) const
 
 Token XMLTokenizer::dataEnds()
 {
-    if (isBalanced() && !m_nameStarts.empty() && !isBrokenAt(here())) {
+    if (isBalanced() && !m_names.isEmpty() && !isBrokenAt(here())) {
         if (!m_options.html) {
             return fail(MarkupError::UnmatchedEndTag);
         }
-        m_pendingCloses = static_cast<qint64>(m_nameStarts.size());
+        m_pendingCloses = static_cast<qint64>(m_names.size());
         return Token::None;
     }
     return endOfData();
@@ -222,15 +259,13 @@ bool XMLTokenizer::readName(const char **at, NameUse use, TextSpan *name)
     const MarkupError error =
         use == NameUse::Tag ? MarkupError::InvalidTagName : MarkupError::InvalidEndTagName;
     for (;;) {
-        while (isNameChar(**at)) {
-            ++*at;
-        }
+        *at = skipNameChars(*at);
         const char c = **at;
+        if (endsName(c)) {
+            break;
+        }
         if (c == 0 && *at == end() && refillAt(at)) {
             continue;
-        }
-        if (c == '/' || c == '=' || c == '>' || c == '?' || isSpace(c)) {
-            break;
         }
         if (c == 0 || !m_options.ignoreInvalidCharInTagName) {
             moveTo(*at);
@@ -246,9 +281,25 @@ bool XMLTokenizer::readName(const char **at, NameUse use, TextSpan *name)
     return true;
 }
 
+/// The common end tag: the name of the innermost element and a ">".
+inline bool XMLTokenizer::isExpectedEnd(const char *at) const
+{
+    if (m_names.isEmpty()) {
+        return false;
+    }
+    const std::string_view name = m_names.top();
+    return end() - at > static_cast<ptrdiff_t>(name.size()) && at[name.size()] == '>' &&
+           std::memcmp(at, name.data(), name.size()) == 0;
+}
+
 Token XMLTokenizer::readEndTag()
 {
     const char *at = here() + 2;
+    if (isExpectedEnd(at)) {
+        m_text = span(fromToken(at), at + m_names.top().size(), TextForm::Plain);
+        moveTo(at + m_names.top().size() + 1);
+        return endElement();
+    }
     TextSpan name;
     const bool isNameless = lacksName(at);
     moveTo(at);
@@ -282,54 +333,43 @@ Token XMLTokenizer::readEndTag()
 /// XML; in HTML it closes everything down to its element, or means nothing.
 Token XMLTokenizer::closeFor(std::string_view name)
 {
-    if (!m_nameStarts.empty() && nameAt(m_nameStarts.size() - 1) == name) {
-        popName();
-        --m_depth;
-        return finish(Token::End);
+    if (!m_names.isEmpty() && m_names.top() == name) {
+        return endElement();
     }
     if (!m_options.html) {
-        return fail(m_nameStarts.empty() ? MarkupError::UnexpectedEndTag
-                                         : MarkupError::UnmatchedEndTag);
+        return fail(m_names.isEmpty() ? MarkupError::UnexpectedEndTag
+                                      : MarkupError::UnmatchedEndTag);
     }
-    const size_t depth = m_nameStarts.size();
-    for (size_t up = 1; up <= std::min(depth, kHtmlSearchDepth); ++up) {
-        if (equalsIgnoringCase(nameAt(depth - up), name)) {
-            m_pendingCloses = static_cast<qint64>(up);
+    for (size_t up = 0; up < std::min(m_names.size(), kHtmlSearchDepth); ++up) {
+        if (equalsIgnoringCase(m_names.above(up), name)) {
+            m_pendingCloses = static_cast<qint64>(up) + 1;
             break;
         }
     }
     return Token::None;
 }
 
-Token XMLTokenizer::pendingClose()
+inline Token XMLTokenizer::endElement()
 {
-    --m_pendingCloses;
-    m_closedName = nameAt(m_nameStarts.size() - 1);
-    popName();
+    m_names.pop();
     --m_depth;
-    m_text = TextSpan::external(0);
     return finish(Token::End);
 }
 
-std::string_view XMLTokenizer::nameAt(size_t i) const
+Token XMLTokenizer::pendingClose()
 {
-    const size_t stop = i + 1 < m_nameStarts.size() ? m_nameStarts[i + 1] : m_names.size();
-    return {m_names.data() + m_nameStarts[i], stop - m_nameStarts[i]};
-}
-
-void XMLTokenizer::popName()
-{
-    m_names.resize(m_nameStarts.back());
-    m_nameStarts.pop_back();
+    --m_pendingCloses;
+    m_closedName = m_names.top();
+    m_text = TextSpan::external(0);
+    return endElement();
 }
 
 bool XMLTokenizer::pushName(std::string_view name)
 {
-    if (static_cast<qint64>(m_nameStarts.size()) >= limits::kElementDepth) {
+    if (static_cast<qint64>(m_names.size()) >= limits::kElementDepth) {
         return failed(MarkupError::TreeTooLarge);
     }
-    m_nameStarts.push_back(m_names.size());
-    m_names.insert(m_names.end(), name.begin(), name.end());
+    m_names.push(name);
     return true;
 }
 

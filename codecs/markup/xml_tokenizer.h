@@ -3,6 +3,7 @@
 //
 // What is accepted beyond XML 1.0, and what is refused with which code: docs/formats/markup.md.
 #pragma once
+#include "codecs/markup/name_stack.h"
 #include "codecs/markup/tokenizer.h"
 
 #include <span>
@@ -39,6 +40,7 @@ public:
     void setSystemEncoding(const QByteArray &name) { m_systemEncoding = name; }
 
     Token nextToken() override;
+    bool takeLeaf(Leaf *leaf) override;
 
     /// Attributes of the current Start, in document order.
     std::span<const Attribute> attributes() const { return m_attributes; }
@@ -60,8 +62,10 @@ private:
     Token step();
     Token readText(const char *at);
     bool readEntityAt(const char **at);
+    bool isExpectedEnd(const char *at) const;
     Token readEndTag();
     bool lacksName(const char *at) const;
+    Token endElement();
     Token readInstruction();
     Token readClear(size_t opener);
     Token readStartTag();
@@ -80,9 +84,7 @@ private:
         return false;
     }
     void moveTo(const char *at) { m_pos = static_cast<size_t>(at - data()); }
-    std::string_view nameAt(size_t i) const;
     bool pushName(std::string_view name);
-    void popName();
     bool isLoose() const { return m_options.html || m_options.ignoreUnknownEntities; }
 
     XMLOptions m_options;
@@ -92,9 +94,8 @@ private:
     bool m_pendingEnd = false;  ///< the next token is the end of the element that just began
     qint64 m_pendingCloses = 0; ///< open elements whose ends come next, without tags of their own
     TextSpan m_name;
-    std::vector<char> m_names; ///< of the open elements, one after the other
-    std::vector<size_t> m_nameStarts;
-    std::string m_closedName;
+    NameStack m_names; ///< of the open elements
+    std::string_view m_closedName;
 };
 
 } // namespace corvanta::markup

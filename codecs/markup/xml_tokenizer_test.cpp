@@ -23,17 +23,22 @@ enum Flags : unsigned {
 
 std::string traceXml(QByteArrayView bytes, unsigned flags, qint64 buffer = 0, qint64 piece = -1)
 {
-    MemorySource source(bytes, piece);
-    XMLTokenizer tokenizer(source, buffer);
-    XMLOptions options;
-    options.html = (flags & kHtml) != 0;
-    options.ignoreUnknownEntities = (flags & kIgnoreEntities) != 0;
-    options.discardNameSpaces = (flags & kNoNameSpaces) != 0;
-    options.ignoreInvalidCharInTagName = (flags & kIgnoreInvalid) != 0;
-    tokenizer.setOptions(options);
-    tokenizer.setBalanced((flags & kBalanced) != 0);
-    tokenizer.setEncoding(CharMode::Utf8, QByteArray(), InvalidBytes::Fail);
-    return QString::fromStdU16String(trace(tokenizer)).toStdString();
+    const auto traced = [&](bool leaves) {
+        MemorySource source(bytes, piece);
+        XMLTokenizer tokenizer(source, buffer);
+        XMLOptions options;
+        options.html = (flags & kHtml) != 0;
+        options.ignoreUnknownEntities = (flags & kIgnoreEntities) != 0;
+        options.discardNameSpaces = (flags & kNoNameSpaces) != 0;
+        options.ignoreInvalidCharInTagName = (flags & kIgnoreInvalid) != 0;
+        tokenizer.setOptions(options);
+        tokenizer.setBalanced((flags & kBalanced) != 0);
+        tokenizer.setEncoding(CharMode::Utf8, QByteArray(), InvalidBytes::Fail);
+        return QString::fromStdU16String(trace(tokenizer, leaves)).toStdString();
+    };
+    const std::string tokens = traced(false);
+    EXPECT_EQ(traced(true), tokens) << bytes.toByteArray().toStdString();
+    return tokens;
 }
 
 struct Case
@@ -93,6 +98,16 @@ const Case kCases[] = {
     {"a<=b<>c</><p></ p>x<", "'a' '<=b' '<>c' <p 'x' '<' .", kHtml},
     {"<?xml:namespace prefix = o /><p><? a ?><?=b?>", "?xml:namespace <p ? ? .", kHtml},
     {"<p = ? a=1>", "<p a=1 .", kHtml},
+    // elements that look like leaves
+    {"<r><a>1</a> <b> 2 </b>\n<c/><d></d><e>\n</e>x</r>",
+     "<r <a '1' >a <b '2 ' >b <c >c <d >d <e >e 'x' >r .", kBalanced},
+    {"<r><a>1</a ><b>1</bb>", "<r <a '1' >a <b '1' !4", kBalanced},
+    {"<r><a>&lt;</a><b>&no;</b>", "<r <a '<' >a <b !9", kBalanced},
+    {"<r><PRE>1</PRE><scripts>2</scripts>", "<r #1 !6"},
+    {"<r><x:a>1</x:a><x:b/>", "<r <a '1' >a <b >b .", kNoNameSpaces},
+    {"<r><x:a>1</a>", "<r <a '1' >a >r .", kNoNameSpaces | kBalanced | kHtml},
+    {"<r><tbody>1</tbody><Br>2</Br><td>3</td><td>4</TD></r>",
+     "<r '1' <Br >Br '2' <td '3' >td <td '4' >td >r .", kHtml | kBalanced},
     // end tags that do not fit
     {"<a></b>", "<a >b ."},
     {"<a></b>", "<a !4", kBalanced},
