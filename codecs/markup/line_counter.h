@@ -17,6 +17,7 @@ public:
 
 private:
     void breakLine(char c);
+    void countBreaks(const char *bytes, qsizetype n);
 
     qint64 m_line = 1;
     qint64 m_column = 0;
