@@ -6,8 +6,10 @@ namespace corvanta::markup {
 
 namespace {
 
-/// Children that are remembered by place; elements with more of them are compared by name.
-constexpr size_t kShapeChildren = 256;
+/// Names of one node that are remembered, and their longest; others are compared with its wants
+/// each time.
+constexpr size_t kKnownNames = 4096;
+constexpr quint32 kKnownNameBytes = 256;
 
 bool wants(const PathStep &step, const RawText &name)
 {
@@ -17,35 +19,39 @@ bool wants(const PathStep &step, const RawText &name)
 } // namespace
 
 PathSet::PathSet()
-    : m_nodes(1)
 {
+    m_nodes.push_back(std::make_unique<Node>());
 }
 
 size_t PathSet::add(const std::vector<PathStep> &steps)
 {
-    quint32 node = 0;
-    for (const PathStep &step : steps) {
-        std::vector<Want> &known = m_nodes[node].wants;
-        const auto same = std::find_if(known.begin(), known.end(),
-                                       [&](const Want &want) { return want.step == step; });
-        if (same != known.end()) {
-            node = same->node;
+    quint32 at = 0;
+    for (size_t i = 0; i < steps.size(); ++i) {
+        Node &node = *m_nodes[at];
+        const auto same = std::find_if(node.wants.begin(), node.wants.end(),
+                                       [&](const Want &want) { return want.step == steps[i]; });
+        if (same != node.wants.end()) {
+            same->onlyPath = kNotOnly;
+            at = same->node;
             continue;
         }
-        const auto next = static_cast<quint32>(m_nodes.size());
-        known.push_back({step, next});
-        m_nodes[node].attributeWants += step.isAttribute() ? 1 : 0;
-        m_nodes.emplace_back();
-        node = next;
+        if (steps[i].isAttribute()) {
+            node.attributeWants.push_back(static_cast<quint32>(node.wants.size()));
+        }
+        at = static_cast<quint32>(m_nodes.size());
+        const bool isLast = i + 1 == steps.size();
+        node.wants.push_back({steps[i], at, isLast ? static_cast<quint32>(m_pathCount) : kNotOnly});
+        node.indexes.push_back(steps[i].index);
+        m_nodes.push_back(std::make_unique<Node>());
     }
-    m_nodes[node].paths.push_back(m_pathCount);
+    m_nodes[at]->paths.push_back(m_pathCount);
     m_found.resize(++m_pathCount, MarkupTree::kNone);
     return m_pathCount - 1;
 }
 
 bool PathSet::isFirstStep(const RawText &name) const
 {
-    const std::vector<Want> &first = m_nodes[0].wants;
+    const std::vector<Want> &first = m_nodes[0]->wants;
     return std::any_of(first.begin(), first.end(), [&](const Want &want) {
         return !want.step.anyName && nameMatches(name, want.step.name);
     });
@@ -65,99 +71,94 @@ std::span<const quint32> PathSet::resolve(const MarkupTree &tree, quint32 elemen
 
 void PathSet::visit(const MarkupTree &tree, Visit at)
 {
-    for (const size_t path : m_nodes[at.node].paths) {
+    Node &node = *m_nodes[at.node];
+    for (const size_t path : node.paths) {
         m_found[path] = at.element;
     }
-    if (m_nodes[at.node].wants.empty() || tree.item(at.element).kind != ItemKind::Child) {
+    if (node.wants.empty() || tree.item(at.element).kind != ItemKind::Child) {
         return;
     }
     walkChildren(tree, at);
-    if (m_nodes[at.node].attributeWants > 0) {
+    if (!node.attributeWants.empty()) {
         findAttributes(tree, at);
     }
 }
 
-void PathSet::fulfil(const Node &node, std::span<const quint32> wants, quint32 item)
+void PathSet::fulfil(quint32 node, quint32 item)
 {
-    for (const quint32 want : wants) {
-        const quint32 next = node.wants[want].node;
-        if (!m_nodes[next].wants.empty()) {
-            m_open.push_back({next, item});
-            continue;
-        }
-        for (const size_t path : m_nodes[next].paths) {
-            m_found[path] = item;
-        }
+    if (!m_nodes[node]->wants.empty()) {
+        m_open.push_back({node, item});
+        return;
+    }
+    for (const size_t path : m_nodes[node]->paths) {
+        m_found[path] = item;
     }
 }
 
-/// Follow the remembered names for as long as they are the names that are there.
 void PathSet::walkChildren(const MarkupTree &tree, Visit at)
 {
-    const Node &node = m_nodes[at.node];
+    Node &node = *m_nodes[at.node];
+    m_left = node.indexes;
     size_t left = node.wants.size();
-    size_t number = 0;
+    KnownName *known = &node.beforeFirst;
     quint32 child = tree.first(at.element, ItemKind::Child);
-    for (; child != MarkupTree::kNone && left > 0; child = tree.sibling(child), ++number) {
-        if (number == node.shape.size()) {
-            learnChildren(tree, at, child, number, left);
-            return;
-        }
-        const Slot &slot = node.shape[number];
+    for (; child != MarkupTree::kNone && left > 0; child = tree.sibling(child)) {
         const RawText name = tree.raw(child);
-        if (name.form != slot.form || name.view() != slot.name) {
-            learnChildren(tree, at, child, number, left);
-            return;
+        if (known->next == nullptr || known->next->name != name.view()) {
+            known->next = findName(node, name);
         }
-        fulfil(node, slot.wants, child);
-        left -= slot.wants.size();
+        known = known->next;
+        for (const quint32 number : known->wants) {
+            if (m_left[number]-- > 0) {
+                continue;
+            }
+            --left;
+            const Want &want = node.wants[number];
+            if (want.onlyPath != kNotOnly) {
+                m_found[want.onlyPath] = child;
+            } else {
+                fulfil(want.node, child);
+            }
+        }
     }
 }
 
-/// Compare the children from `child` on by name and remember them; the first `known` are as before.
-void PathSet::learnChildren(const MarkupTree &tree, Visit at, quint32 child, size_t known,
-                            size_t left)
+/// What is known of a name that is not the expected one.
+PathSet::KnownName *PathSet::findName(Node &node, const RawText &name)
 {
-    Node &node = m_nodes[at.node];
-    node.shape.resize(known);
-    m_left.clear();
-    for (const Want &want : node.wants) {
-        const auto passed =
-            std::count_if(node.shape.begin(), node.shape.end(), [&](const Slot &slot) {
-                const RawText name{slot.name.data(), static_cast<quint32>(slot.name.size()),
-                                   slot.form};
-                return wants(want.step, name);
-            });
-        const auto before = static_cast<quint32>(passed);
-        m_left.push_back(want.step.index >= before ? want.step.index - before : kNoWant);
-    }
-    for (; child != MarkupTree::kNone && left > 0; child = tree.sibling(child)) {
-        const RawText name = tree.raw(child);
-        m_matching.clear();
-        for (quint32 i = 0; i < node.wants.size(); ++i) {
-            if (m_left[i] != kNoWant && wants(node.wants[i].step, name) && m_left[i]-- == 0) {
-                m_matching.push_back(i);
-            }
+    const bool isPlain = name.form == TextForm::Plain || name.form == TextForm::Detached;
+    if (isPlain) {
+        const auto known = node.byName.find(name.view());
+        if (known != node.byName.end()) {
+            return known->second;
         }
-        if (node.shape.size() < kShapeChildren) {
-            node.shape.push_back({std::string(name.view()), name.form, m_matching});
-        }
-        fulfil(node, m_matching, child);
-        left -= m_matching.size();
     }
+    KnownName *met = &node.notRemembered;
+    if (isPlain && name.size <= kKnownNameBytes && node.names.size() < kKnownNames) {
+        met = &node.names.emplace_back();
+        met->name = name.view();
+        node.byName.emplace(met->name, met);
+    }
+    met->wants.clear();
+    for (quint32 i = 0; i < node.wants.size(); ++i) {
+        if (wants(node.wants[i].step, name)) {
+            met->wants.push_back(i);
+        }
+    }
+    return met;
 }
 
 /// "@name" reaches an attribute before it reaches a child of that name. The visits are made in
 /// reverse, after those of the children that end here: the first attribute has the last word.
 void PathSet::findAttributes(const MarkupTree &tree, Visit at)
 {
-    const Node &node = m_nodes[at.node];
+    const Node &node = *m_nodes[at.node];
     quint32 attribute = tree.first(at.element, ItemKind::Attribute);
     for (; attribute != MarkupTree::kNone; attribute = tree.sibling(attribute)) {
         const RawText name = tree.raw(attribute);
-        for (const Want &want : node.wants) {
-            if (want.step.isAttribute() &&
-                nameMatches(name, std::u16string_view(want.step.name).substr(1))) {
+        for (const quint32 number : node.attributeWants) {
+            const Want &want = node.wants[number];
+            if (nameMatches(name, std::u16string_view(want.step.name).substr(1))) {
                 m_open.push_back({want.node, attribute});
             }
         }

@@ -1,14 +1,17 @@
 // codecs/markup/path_set.h
 // Many paths looked up together, from the same element of one record after the other.
 //
-// The paths are merged into a trie. Records repeat the same names in the same order: each trie node
-// remembers the names that it met and which of its wishes each fulfilled, so that a lookup is one
-// comparison of bytes per child.
+// The paths are merged into a trie. Records repeat the same names in much the same order: each trie
+// node remembers the names that it met, which of its wants ask for each, and which name followed,
+// so that a lookup is mostly one comparison of bytes per child.
 #pragma once
 #include "codecs/markup/path.h"
 
+#include <deque>
+#include <memory>
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace corvanta::markup {
@@ -31,27 +34,33 @@ public:
     std::span<const quint32> resolve(const MarkupTree &tree, quint32 element);
 
 private:
-    static constexpr quint32 kNoWant = ~quint32(0);
+    static constexpr quint32 kNotOnly = ~quint32(0);
 
     /// A step that leads from one node of the trie to the next.
     struct Want
     {
         PathStep step;
         quint32 node = 0;
+        quint32 onlyPath = kNotOnly; ///< the path that ends there, if that is all
     };
-    /// What was learned about the n-th child: its name, and the wants that it fulfils.
-    struct Slot
+    /// A name that was met: the wants that ask for it, and the name that followed it last.
+    struct KnownName
     {
         std::string name;
-        TextForm form = TextForm::Plain;
         std::vector<quint32> wants;
+        KnownName *next = nullptr;
     };
     struct Node
     {
         std::vector<size_t> paths; ///< that end here
         std::vector<Want> wants;
-        std::vector<Slot> shape;
-        size_t attributeWants = 0;
+        std::vector<quint32> indexes; ///< of the wants' steps
+        std::vector<quint32> attributeWants;
+        KnownName beforeFirst;
+        /// The last one that is not in `names`; called like no text that is UTF-8.
+        KnownName notRemembered{.name = "\xFF", .wants = {}, .next = nullptr};
+        std::deque<KnownName> names;
+        std::unordered_map<std::string_view, KnownName *> byName;
     };
     struct Visit
     {
@@ -61,16 +70,15 @@ private:
 
     void visit(const MarkupTree &tree, Visit at);
     void walkChildren(const MarkupTree &tree, Visit at);
-    void learnChildren(const MarkupTree &tree, Visit at, quint32 child, size_t known, size_t left);
+    static KnownName *findName(Node &node, const RawText &name);
+    void fulfil(quint32 node, quint32 item);
     void findAttributes(const MarkupTree &tree, Visit at);
-    void fulfil(const Node &node, std::span<const quint32> wants, quint32 item);
 
-    std::vector<Node> m_nodes;
+    std::vector<std::unique_ptr<Node>> m_nodes;
     size_t m_pathCount = 0;
     std::vector<quint32> m_found;
     std::vector<Visit> m_open;
-    std::vector<quint32> m_left;     ///< per want of a node: matching children still to pass over
-    std::vector<quint32> m_matching; ///< scratch of learnChildren()
+    std::vector<quint32> m_left; ///< per want of a node: matching children still to pass over
 };
 
 } // namespace corvanta::markup
