@@ -168,7 +168,7 @@ bool LevelRun::begin(ByteSource &source)
         return false;
     }
     m_extractor.beginDocument(*tokenizer);
-    m_isOpen = true;
+    m_isOpen = m_anyDocument = true;
     return true;
 }
 
@@ -213,7 +213,8 @@ bool LevelRun::openFile(const QString &name)
 bool LevelRun::openNextText()
 {
     if (!m_texts->nextRow()) {
-        if (isGood()) { // else it is only the run that ended, not the rows
+        // Not when it is the run that ended, and not when there was nothing to look at.
+        if (isGood() && m_anyDocument) {
             warnMissingPaths(m_input.column);
         }
         return false;

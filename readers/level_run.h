@@ -91,6 +91,7 @@ private:
     markup::LevelExtractor m_extractor;
     bool m_isPrepared = false;
     bool m_isOpen = false; ///< a document is being read
+    bool m_anyDocument = false;
     int m_firstColumn = 0; ///< of the extractor's cells
     int m_columnCount = 0;
     // files
