@@ -26,7 +26,7 @@ LevelExtractor::LevelExtractor(const std::vector<Level> &levels, const ExtractOp
         auto state = std::make_unique<LevelState>();
         state->level = level;
         state->initialPath = parsePath(level.initialPath, syntax);
-        state->subtag = toLowerCase(level.subtagName);
+        state->subtag = nameInStep(level.subtagName);
         for (const LevelItem &item : level.items) {
             state->paths.add(parsePath(item.path, syntax));
         }
@@ -279,6 +279,11 @@ bool LevelExtractor::streamStart(quint32 *occurrence)
         return isOccurrence(first, name) ? buildElement(occurrence) : skipElement();
     }
     const PathStep &step = first.initialPath[m_matched];
+    // An XML file may hold several documents one after the other; a page is one, whatever it holds.
+    const bool isDocument = m_matched == 0 && m_json == nullptr && !m_options.text.html;
+    if (isDocument && step.index == 0) {
+        m_passed[0] = 0;
+    }
     const bool isStep = step.anyName || nameMatches(name, step.name);
     if (!isStep || m_passed[m_matched]++ != step.index) {
         return skipElement();

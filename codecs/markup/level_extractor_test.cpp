@@ -91,6 +91,7 @@ const std::vector<Case> kCases = {
     {R"([{"n":[{"m":[1,2]},{"m":[]},{"m":[3]}]},{"n":[]}])",
      {u"||"_s, u"n||"_s, u"m||"_s},
      "-,-,1;-,-,2;-,-,-;-,-,3;-,-,-;"},
+    {R"({"p":{"a/B":{"v":1},"c":{"v":2},"A/b":{"v":3}}})", {u"p|a\\/b|v"_s}, "1;3;"},
     // one document per line, and other streams
     {"{\"id\":1,\"u\":{\"n\":\"x\"}}\n{\"u\":{\"n\":\"y\"},\"id\":2}\n{}\n{\"id\":4}",
      {u"||id,u/n"_s},
@@ -193,6 +194,14 @@ TEST(LevelExtractor, ReadsXmlFromTheDocumentElement)
     options.tagNames = TagNames::Summary;
     LevelExtractor extractor(levelsOf({u"shop/orders|order|@id,,l[1],!"_s}), options);
     EXPECT_EQ(extract(extractor, tokenizer), u"1,tu,b,l[2] ;<2,c,-,;");
+    MemorySource several("<d><i>1</i></d><e><i>-</i></e><d><i>2</i><i>3</i></d>");
+    XMLTokenizer severalTokenizer(several, 0);
+    LevelExtractor items(levelsOf({u"d|i|"_s}), {});
+    EXPECT_EQ(extract(items, severalTokenizer), u"1;2;3;");
+    LevelExtractor second(levelsOf({u"d[1]|i|"_s}), {});
+    MemorySource again("<d><i>1</i></d><d><i>2</i></d>");
+    severalTokenizer.restart(again);
+    EXPECT_EQ(extract(second, severalTokenizer), u"2;");
     MemorySource wrong("<a><b></c></a>");
     XMLTokenizer wrongTokenizer(wrong, 0);
     EXPECT_EQ(extract(extractor, wrongTokenizer), u"!4");

@@ -26,12 +26,7 @@ PathStep parseStep(QStringView text, bool zeroBased)
         text = text.first(open);
         step.anyName = text.isEmpty();
     }
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const bool escapes = text[i] == u'\\' && i + 1 < text.size() &&
-                             (text[i + 1] == u'\\' || text[i + 1] == u'/');
-        i += escapes ? 1 : 0;
-        step.name.push_back(static_cast<char16_t>(QChar::toLower(char32_t(text[i].unicode()))));
-    }
+    step.name = nameInStep(text);
     return step;
 }
 
@@ -90,6 +85,18 @@ std::u16string toLowerCase(QStringView name)
         lower.push_back(static_cast<char16_t>(QChar::toLower(char32_t(c.unicode()))));
     }
     return lower;
+}
+
+std::u16string nameInStep(QStringView text)
+{
+    std::u16string name;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const bool escapes = text[i] == u'\\' && i + 1 < text.size() &&
+                             (text[i + 1] == u'\\' || text[i + 1] == u'/');
+        i += escapes ? 1 : 0;
+        name.push_back(static_cast<char16_t>(QChar::toLower(char32_t(text[i].unicode()))));
+    }
+    return name;
 }
 
 std::vector<PathStep> parsePath(QStringView path, const PathSyntax &syntax)

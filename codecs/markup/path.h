@@ -38,6 +38,8 @@ std::u16string escapedStep(std::u16string_view name);
 bool nameMatches(const RawText &name, std::u16string_view lowerCase);
 /// A name in the form that nameMatches() compares with.
 std::u16string toLowerCase(QStringView name);
+/// The same for a name as it is written in a path, with its backslashes.
+std::u16string nameInStep(QStringView text);
 
 /// Find a descendant. A null path, and a step that finds nothing, give the empty handle; an empty
 /// path gives the node itself.
