@@ -31,13 +31,7 @@ std::vector<ReadLevel> expandedLevels(const std::vector<ReadLevel> &levels,
 /// The line of a parameter table for `levels`.
 template <class P> Param<P> readLevels(std::vector<ReadLevel> P::*levels)
 {
-    return structure<P>("Level",
-                        {[levels](P &params, const XMLNode &node) {
-                             params.*levels = readLevelsFromXml(node);
-                         },
-                         [levels](const P &params, std::wostream &out, const GlobalParameters *) {
-                             saveReadLevels(params.*levels, out);
-                         }})
+    return structure("Level", levels, readLevelsFromXml, saveReadLevels)
         .label("Levels")
         .meaning("One Level (initialPath, subtagName) per repeated element, outermost first, with "
                  "one e (name, path, tagName) per output column.");

@@ -362,9 +362,8 @@ bool LevelComposer::putFloat(double value, const Column &column, const FixedText
 
 void LevelComposer::putRaw(const Operation &operation, const OneRow &row)
 {
-    const unsigned short *units = nullptr;
-    const int n = row.col(operation.columns.front().input, &units);
-    m_block.append({reinterpret_cast<const char16_t *>(units), static_cast<size_t>(n)});
+    const QStringView text = row.textView(operation.columns.front().input);
+    m_block.append({text.utf16(), static_cast<size_t>(text.size())});
 }
 
 } // namespace corvanta

@@ -7,6 +7,7 @@
 #include "writers/composed_file.h"
 #include "writers/level_compiler.h"
 #include "writers/level_composer.h"
+#include "writers/level_writer_params.h"
 #include "writers/write_problem.h"
 
 #include <QDir>
@@ -24,8 +25,8 @@ struct FileFrame
 
 /// The rules for values from the parameters that both writers have. `nullForm` stands for null
 /// values.
-template <class P>
-ValueRules valueRules(const P &params, std::u16string_view nullForm, std::u16string_view emptyForm)
+inline ValueRules valueRules(const LevelWriterParams &params, std::u16string_view nullForm,
+                             std::u16string_view emptyForm)
 {
     const compose::FixedText null(nullForm);
     ValueRules rules;
@@ -80,7 +81,7 @@ private:
         QString file;
         bool isFirst = true;
         bool isComplete = false; // all rows are composed
-        int testColumn = -1;
+        RowFilter filter;
         FileFrame frame;
         FloatFormat floatFormat;
         ComposedFile target;
@@ -93,7 +94,6 @@ private:
 
     bool begin(const OneRow &row);
     bool makeComposer(const OneRow &row);
-    bool isWanted(const OneRow &row) const;
     bool openFile();
     bool write(const void *bytes, qint64 n);
     bool write(const std::string &bytes)
@@ -138,7 +138,7 @@ template <class Self, class P> bool LevelWriter<Self, P>::step()
         if (m_run->isFirst && !begin(*row)) {
             return true;
         }
-        if (isWanted(*row)) {
+        if (m_run->filter.isWanted(*row)) {
             if (!beforeRow(*row)) {
                 return true;
             }
@@ -162,11 +162,8 @@ template <class Self, class P> void LevelWriter<Self, P>::finish()
 template <class Self, class P> bool LevelWriter<Self, P>::begin(const OneRow &row)
 {
     m_run->isFirst = false;
-    if (!this->m_params.writeAllRows) {
-        m_run->testColumn = row.getIndexOfColumn(this->m_params.testCol);
-        if (m_run->testColumn < 0) {
-            return !failWith(WriteProblem::NoTestColumn, this->m_params.testCol);
-        }
+    if (!m_run->filter.begin(this->m_params, row)) {
+        return !failWith(WriteProblem::NoTestColumn, this->m_params.testCol);
     }
     return beforeFirstRow(row) && makeComposer(row);
 }
@@ -189,16 +186,6 @@ template <class Self, class P> bool LevelWriter<Self, P>::makeComposer(const One
     m_run->composer =
         std::make_unique<LevelComposer>(*std::move(levels), std::move(valueRules), *m_run->block);
     return true;
-}
-
-template <class Self, class P> bool LevelWriter<Self, P>::isWanted(const OneRow &row) const
-{
-    if (m_run->testColumn < 0) {
-        return true;
-    }
-    const unsigned short *units = nullptr;
-    const int n = row.col(m_run->testColumn, &units);
-    return QStringView(units, n) == this->m_params.testValue;
 }
 
 /// Whether all that was composed so far could be taken.

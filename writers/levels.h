@@ -35,13 +35,7 @@ void saveWriteLevels(const std::vector<WriteLevel> &levels, std::wostream &out);
 /// The line of a parameter table for `levels`.
 template <class P> Param<P> writeLevels(std::vector<WriteLevel> P::*levels)
 {
-    return structure<P>("Levels",
-                        {[levels](P &params, const XMLNode &node) {
-                             params.*levels = writeLevelsFromXml(node);
-                         },
-                         [levels](const P &params, std::wostream &out, const GlobalParameters *) {
-                             saveWriteLevels(params.*levels, out);
-                         }})
+    return structure("Levels", levels, writeLevelsFromXml, saveWriteLevels)
         .label("Levels")
         .meaning("The form of the file: one Level (name, partitionCol, commaSeparated) per "
                  "nesting, the first one at the top, each with its Items (type, text, calledLevel, "

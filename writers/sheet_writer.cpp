@@ -216,13 +216,12 @@ bool SheetWriter::putFloat(int column, const uchar *cell)
 
 bool SheetWriter::putDate(int column, const OneRow &row)
 {
-    const unsigned short *units = nullptr;
-    const int n = row.col(m_columns[static_cast<size_t>(column)].input, &units);
-    if (n == 0) {
+    const QStringView text = row.textView(m_columns[static_cast<size_t>(column)].input);
+    if (text.isEmpty()) {
         return true;
     }
     constexpr int kSerialDigits = 16;
-    const auto serial = m_dates->serial({reinterpret_cast<const char16_t *>(units), static_cast<size_t>(n)});
+    const auto serial = m_dates->serial({text.utf16(), static_cast<size_t>(text.size())});
     if (!serial || *serial < m_options.firstDay) {
         return true;
     }

@@ -23,13 +23,7 @@ void saveStringColumns(const std::vector<StringColumn> &columns, std::wostream &
 /// The line of a parameter table for `columns`.
 template <class P> Param<P> stringColumns(std::vector<StringColumn> P::*columns)
 {
-    return structure<P>("StringColDef",
-                        {[columns](P &params, const XMLNode &node) {
-                             params.*columns = stringColumnsFromXml(node);
-                         },
-                         [columns](const P &params, std::wostream &out, const GlobalParameters *) {
-                             saveStringColumns(params.*columns, out);
-                         }})
+    return structure("StringColDef", columns, stringColumnsFromXml, saveStringColumns)
         .label("Widths of text columns")
         .meaning("One CD per text column: n its name, l its width in bytes, ol the longest text "
                  "seen when the width was taken from data.");

@@ -58,11 +58,7 @@ const ParamTable<WriteDocTableParams> &writeDocTableParamTable()
         flag("processLF", &P::processLF)
             .label("\\n becomes a line break")
             .meaning("The two characters backslash and n in a cell become a line break."),
-        structure<P>("v",
-                     {[](P &params, const XMLNode &node) { params.tables = tablesFromXml(node); },
-                      [](const P &params, std::wostream &out, const GlobalParameters *) {
-                          saveTables(params.tables, out);
-                      }})
+        structure("v", &P::tables, tablesFromXml, saveTables)
             .label("Tables")
             .meaning("One v (markerName, colWidths in twentieths of a point, styleID, "
                      "includeHeaders) per input pin."),

@@ -95,15 +95,8 @@ template <class F> bool ActionWriteExcel::packageCall(F call)
 
 bool ActionWriteExcel::findTestColumn(const OneRow *row)
 {
-    if (m_params.writeAllRows) {
-        return true;
-    }
-    m_run->testColumn = row->getIndexOfColumn(m_params.testCol);
-    if (m_run->testColumn < 0) {
-        return !fail(u"\nERROR writing to Excel file '%1': cannot find column '%2' to test\n"_s.arg(m_run->file,
-                                                                                                   m_params.testCol));
-    }
-    return true;
+    return m_run->filter.begin(m_params, *row)
+        || !fail(u"\nERROR writing to Excel file '%1': cannot find column '%2' to test\n"_s.arg(m_run->file, m_params.testCol));
 }
 
 bool ActionWriteExcel::findColumns(const OneRow *row, std::vector<SheetWriter::Column> *columns)
@@ -250,16 +243,6 @@ bool ActionWriteExcel::begin(const OneRow *row)
     return !m_params.firstLineContainsColumnNames || !failOn(m_run->sheet->putHeader());
 }
 
-bool ActionWriteExcel::isWanted(const OneRow *row) const
-{
-    if (m_run->testColumn < 0) {
-        return true;
-    }
-    const unsigned short *units = nullptr;
-    const int n = row->col(m_run->testColumn, &units);
-    return QStringView(units, n) == m_params.testValue;
-}
-
 /// Fail the run with the message of `error`; false when there is none.
 bool ActionWriteExcel::failOn(SheetWriter::Error error)
 {
@@ -299,7 +282,7 @@ bool ActionWriteExcel::step()
         if (m_run->isFirst && !begin(row)) {
             return true;
         }
-        if (isWanted(row) && !writeRow(row)) {
+        if (m_run->filter.isWanted(*row) && !writeRow(row)) {
             return true;
         }
     }

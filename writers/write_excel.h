@@ -31,7 +31,7 @@ private:
         QString source; // the workbook that is read
         bool isFirst = true;
         bool isComplete = false; // all rows are written
-        int testColumn = -1;
+        RowFilter filter;
         qint64 firstRow = 1; // first sheet row written
         QString sheetName;
         deflate::StreamOptions compression;
@@ -54,7 +54,6 @@ private:
     void makeSheetWriter(std::vector<SheetWriter::Column> columns, const SheetOptions &options);
     SheetOptions sheetOptions() const;
     bool writeMember(const char *name, const QByteArray &content);
-    bool isWanted(const OneRow *row) const;
     bool writeRow(const OneRow *row);
     bool failOn(SheetWriter::Error error);
     bool finishNewWorkbook();

@@ -1,5 +1,7 @@
 #include "writers/write_excel_params.h"
 
+#include "writers/shared_params.h"
+
 namespace corvanta {
 
 void adjustWriteExcelDefaults(WriteExcelParams &params, double savedVersion)
@@ -53,21 +55,16 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
             .label("The defined name includes the header row")
             .meaning("The cells of the defined name include the header row. Default on in graphs "
                      "saved by version 2.56 or older."),
-        text("floatToString", &P::floatToString)
-            .label("Format of decimal numbers")
-            .meaning("printf format with one conversion of a floating-point number."),
+        shared::floatToString<P>(),
         flag("createIfNotExists", &P::createIfNotExists)
             .label("Create the Excel file and/or the Excel Sheet if it does not exists")
             .meaning("Creates a missing workbook or sheet. Off: it is an error."),
-        flag("checkNameCollision", &P::checkNameCollision)
-            .label("Check for columns of the same name")
-            .meaning("Two written columns of one name are an error."),
+        shared::checkNameCollision<P>(),
         flag("forceRecompute", &P::forceRecompute)
             .label("Recompute formulas when the workbook is opened")
             .meaning("Marks an updated workbook for a full calculation on load."),
-        flag("writeAllColumns", &P::writeAllColumns)
-            .label("Write all columns")
-            .meaning("Writes every column. Off: only the columns of ToWrite, in that order."),
+        shared::writeAllColumns<P>(
+            "Writes every column. Off: only the columns of ToWrite, in that order."),
         flag("firstLineContainsColumnNames", &P::firstLineContainsColumnNames)
             .label("Write the column names")
             .meaning("Writes a header row with the column names."),
@@ -116,18 +113,10 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
                       "MMM-yy", "h:mm AM/PM", "h:mm:ss AM/PM", "h:mm", "h:mm:ss"})
             .label("Display of date cells")
             .meaning("Number format of the date cells in the sheet."),
-        text("testCol", &P::testCol)
-            .label("Column to test")
-            .meaning("Column that is tested when writeAllRows is off."),
-        text("testValue", &P::testValue)
-            .label("Value to test for")
-            .meaning("Rows whose testCol has another text are not written."),
-        flag("writeAllRows", &P::writeAllRows)
-            .label("Write all rows")
-            .meaning("Writes every row. Off: only rows that pass the test."),
-        strings("ToWrite", &P::toWrite)
-            .label("Columns to write")
-            .meaning("Columns that are written when writeAllColumns is off."),
+        shared::testCol<P>(),
+        shared::testValue<P>(),
+        shared::writeAllRows<P>(),
+        shared::columnsToWrite("ToWrite", &P::toWrite),
         strings("ToDate", &P::toDate)
             .label("Date columns")
             .meaning("Text columns that are written as dates."),

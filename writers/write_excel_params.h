@@ -2,10 +2,11 @@
 // The parameters of writeExcel.
 #pragma once
 #include "corvanta/param_table.h"
+#include "writers/row_filter.h"
 
 namespace corvanta {
 
-struct WriteExcelParams
+struct WriteExcelParams : RowFilterParams
 {
     int mode = 0;
     QString fileNameSource;
@@ -33,9 +34,6 @@ struct WriteExcelParams
     int dateFormatType = 0;
     QString dateFormat;
     int dateFormatExcel = 0;
-    QString testCol;
-    QString testValue;
-    bool writeAllRows = true;
     QStringList toWrite;
     QStringList toDate;
     QStringList toFormula;

@@ -8,17 +8,6 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
-namespace {
-
-QStringView textOf(const OneRow &row, int column)
-{
-    const unsigned short *units = nullptr;
-    const int n = row.col(column, &units);
-    return {units, n};
-}
-
-} // namespace
-
 ActionWriteJSON::ActionWriteJSON(const XMLNode &saved, GlobalParameters *parameters)
     : LevelWriter(catalogueRow("writeJSON"), saved, parameters)
 {
@@ -97,7 +86,7 @@ bool ActionWriteJSON::beforeFirstRow(const OneRow &row)
             u"ERROR writing to multiple JSON files: cannot find column '%1' for split."_s.arg(
                 m_params.splitCol));
     }
-    m_splitValue = textOf(row, m_splitColumn).toString();
+    m_splitValue = row.textView(m_splitColumn).toString();
     const QVector<SortInfos> sortedOn = row.getSortInfosDeep();
     if (sortedOn.isEmpty() || sortedOn.first().column != m_params.splitCol) {
         // Kept as required: a warning at the level of errors, after which the run goes on.
@@ -112,13 +101,13 @@ bool ActionWriteJSON::beforeFirstRow(const OneRow &row)
 
 bool ActionWriteJSON::beforeRow(const OneRow &row)
 {
-    if (m_splitColumn < 0 || textOf(row, m_splitColumn) == m_splitValue) {
+    if (m_splitColumn < 0 || row.textView(m_splitColumn) == m_splitValue) {
         return true;
     }
     if (!endFile()) {
         return false;
     }
-    m_splitValue = textOf(row, m_splitColumn).toString();
+    m_splitValue = row.textView(m_splitColumn).toString();
     return true;
 }
 

@@ -1,35 +1,19 @@
 // writers/write_json_params.h
 // The parameters of writeJSON.
 #pragma once
-#include "corvanta/param_table.h"
-#include "writers/levels.h"
+#include "writers/level_writer_params.h"
 
 namespace corvanta {
 
-struct WriteJsonParams
+struct WriteJsonParams : LevelWriterParams
 {
-    QString fileName;
-    int fileMode = 0;
-    bool checkNameCollision = true;
-    bool createDir = false;
-    bool writeAllRows = true;
-    QString testCol;
-    QString testValue;
-    int nullString = 2;
-    int nullNumber = 1;
-    int nan = 1;
-    QString floatToString = QStringLiteral("%g");
     bool specialBool = true;
     bool replaceLF = false;
     bool splitFile = false;
     bool advancedNaming = false;
-    bool alwaysWrite = false;
     QString splitCol;
-    bool writeAllColumns = true;
     QString prefix = QStringLiteral("[");
     QString suffix = QStringLiteral("]");
-    QStringList toWrite;
-    std::vector<WriteLevel> levels;
 };
 
 const ParamTable<WriteJsonParams> &writeJsonParamTable();

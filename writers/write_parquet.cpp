@@ -69,14 +69,11 @@ parquet::Storage ActionWriteParquet::storageOf(const OneRow *row, int column) co
     return kKeys[static_cast<size_t>(m_params.keyStorage)];
 }
 
-/// False, and the run failed, when the input has no such column.
-bool ActionWriteParquet::findColumn(const OneRow *row, const QString &name, const char *purpose,
-                                    int *column)
+/// Fail the run because the input has no such column; false.
+bool ActionWriteParquet::failWithoutColumn(const QString &name, const char *purpose)
 {
-    *column = row->getIndexOfColumn(name);
-    return *column >= 0 ||
-           !fail(u"\nERROR writing to Parquet File '%1': cannot find column '%2' %3\n"_s.arg(
-               m_run->file, name, QString::fromLatin1(purpose)));
+    return !fail(u"\nERROR writing to Parquet File '%1': cannot find column '%2' %3\n"_s.arg(
+        m_run->file, name, QString::fromLatin1(purpose)));
 }
 
 bool ActionWriteParquet::findColumns(const OneRow *row)
@@ -92,12 +89,12 @@ bool ActionWriteParquet::findColumns(const OneRow *row)
             u"\nERROR writing to Parquet File '%1': no column to write?\n"_s.arg(m_run->file));
     }
     for (const QString &name : m_params.writeAllColumns ? QStringList() : m_params.toWrite) {
-        int column = -1;
-        isGood = findColumn(row, name, "to write", &column) && isGood;
+        const int column = row->getIndexOfColumn(name);
+        isGood = (column >= 0 || failWithoutColumn(name, "to write")) && isGood;
         inputs << column;
     }
-    isGood = isGood && (m_params.writeAllRows ||
-                        findColumn(row, m_params.testCol, "to test", &m_run->testColumn));
+    isGood = isGood && (m_run->filter.begin(m_params, *row) ||
+                        failWithoutColumn(m_params.testCol, "to test"));
     if (!isGood ||
         doCheckNameCollision(row, m_params.checkNameCollision, this, inputs, m_run->file) != 0) {
         return false;
@@ -105,8 +102,11 @@ bool ActionWriteParquet::findColumns(const OneRow *row)
     for (const int column : inputs) {
         m_run->columns.push_back({row->colName(column).toUtf8(), storageOf(row, column), column});
     }
-    return m_params.split != kSplitByValue ||
-           findColumn(row, m_params.splitVar, "for split", &m_run->splitColumn);
+    if (m_params.split != kSplitByValue) {
+        return true;
+    }
+    m_run->splitColumn = row->getIndexOfColumn(m_params.splitVar);
+    return m_run->splitColumn >= 0 || failWithoutColumn(m_params.splitVar, "for split");
 }
 
 bool ActionWriteParquet::begin(const OneRow *row)
@@ -163,28 +163,17 @@ bool ActionWriteParquet::closeOutput(const QString &value)
     return message.isEmpty() || !fail(message);
 }
 
-bool ActionWriteParquet::isWanted(const OneRow *row) const
-{
-    if (m_run->testColumn < 0) {
-        return true;
-    }
-    const unsigned short *units = nullptr;
-    const int n = row->col(m_run->testColumn, &units);
-    return QStringView(units, n) == m_params.testValue;
-}
-
 /// Make `output` the file that the row belongs to.
 bool ActionWriteParquet::chooseOutput(const OneRow *row)
 {
     if (m_run->splitColumn < 0) {
         return m_run->output || openOutput(QString()); // the next segment
     }
-    const unsigned short *units = nullptr;
-    const int n = row->col(m_run->splitColumn, &units);
-    if (m_run->output && QStringView(units, n) == m_run->value) {
+    const QStringView text = row->textView(m_run->splitColumn);
+    if (m_run->output && text == m_run->value) {
         return true;
     }
-    const QString value = QStringView(units, n).toString();
+    const QString value = text.toString();
     if (m_run->isSorted && m_run->output && !closeOutput(m_run->value)) {
         return false;
     }
@@ -223,7 +212,7 @@ bool ActionWriteParquet::step()
         if (m_run->isFirst && !begin(row)) {
             return true;
         }
-        if (isWanted(row) && !writeRow(row)) {
+        if (m_run->filter.isWanted(*row) && !writeRow(row)) {
             return true;
         }
     }

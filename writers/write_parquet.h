@@ -26,7 +26,7 @@ private:
         QString file; // the expanded target
         bool isFirst = true;
         bool isComplete = false; // all rows are taken
-        int testColumn = -1;
+        RowFilter filter;
         int splitColumn = -1;
         bool isSorted = false; // on the split column
         parquet::WriteOptions options;
@@ -46,9 +46,8 @@ private:
 
     bool begin(const OneRow *row);
     bool findColumns(const OneRow *row);
-    bool findColumn(const OneRow *row, const QString &name, const char *purpose, int *column);
+    bool failWithoutColumn(const QString &name, const char *purpose);
     parquet::Storage storageOf(const OneRow *row, int column) const;
-    bool isWanted(const OneRow *row) const;
     bool chooseOutput(const OneRow *row);
     QString nextTarget(const QString &value);
     bool openOutput(const QString &value);

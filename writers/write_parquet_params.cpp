@@ -1,5 +1,7 @@
 #include "writers/write_parquet_params.h"
 
+#include "writers/shared_params.h"
+
 namespace corvanta {
 
 const ParamTable<WriteParquetParams> &writeParquetParamTable()
@@ -22,18 +24,11 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .choices({"32-bit integer marked as unsigned", "32-bit integer", "64-bit integer"})
             .label("Storage of keys")
             .meaning("Physical type of the columns of whole numbers."),
-        flag("writeAllColumns", &P::writeAllColumns)
-            .label("Write all columns")
-            .meaning("Writes every column. Off: only the columns of ToWrite, in that order."),
-        flag("checkNameCollision", &P::checkNameCollision)
-            .label("Check for columns of the same name")
-            .meaning("Two written columns of one name are an error."),
-        flag("createDir", &P::createDir)
-            .label("Create the folder of the file")
-            .meaning("Creates missing folders of the file."),
-        flag("writeAllRows", &P::writeAllRows)
-            .label("Write all rows")
-            .meaning("Writes every row. Off: only rows that pass the test."),
+        shared::writeAllColumns<P>(
+            "Writes every column. Off: only the columns of ToWrite, in that order."),
+        shared::checkNameCollision<P>(),
+        shared::createDir<P>(),
+        shared::writeAllRows<P>(),
         number("split", &P::split)
             .always()
             .range(0, 2)
@@ -49,14 +44,8 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .always()
             .label("Split column")
             .meaning("Column whose value selects the file. Best when the table is sorted on it."),
-        text("testCol", &P::testCol)
-            .always()
-            .label("Column to test")
-            .meaning("Column that is tested when writeAllRows is off."),
-        text("testValue", &P::testValue)
-            .always()
-            .label("Value to test for")
-            .meaning("Rows whose testCol has another text are not written."),
+        shared::testCol<P>().always(),
+        shared::testValue<P>().always(),
         number("codec", &P::codec)
             .range(0, 5)
             .choices({"Snappy", "none", "gzip", "Zstandard", "LZ4", "Brotli"})
@@ -67,15 +56,14 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .meaning("Stores repeated values once per row group, which makes smaller files."),
         flag("statistics", &P::statistics)
             .label("Statistics")
-            .meaning("Writes null counts, smallest and largest values, for readers that skip row groups."),
+            .meaning("Writes null counts, smallest and largest values, for readers that skip row "
+                     "groups."),
         text("file", &P::file)
             .outputFile()
             .always()
             .label("File")
             .meaning("Parquet file to write."),
-        strings("ToWrite", &P::toWrite)
-            .label("Columns to write")
-            .meaning("Columns that are written when writeAllColumns is off."),
+        shared::columnsToWrite("ToWrite", &P::toWrite),
     };
     return table;
 }

@@ -2,10 +2,11 @@
 // The parameters of writeParquet.
 #pragma once
 #include "corvanta/param_table.h"
+#include "writers/row_filter.h"
 
 namespace corvanta {
 
-struct WriteParquetParams
+struct WriteParquetParams : RowFilterParams
 {
     int pageSize = 64;
     int rowGroupSize = 50;
@@ -13,15 +14,12 @@ struct WriteParquetParams
     bool writeAllColumns = true;
     bool checkNameCollision = true;
     bool createDir = false;
-    bool writeAllRows = true;
     int split = 0;
     double segmentSize = 100;
     int codec = 0;
     bool dictionaryPages = false;
     bool statistics = false;
     QString splitVar;
-    QString testCol;
-    QString testValue;
     QString file;
     QStringList toWrite;
 };

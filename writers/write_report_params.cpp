@@ -78,11 +78,7 @@ const ParamTable<WriteReportParams> &writeReportParamTable()
             .label("Template")
             .meaning("Document with the charts; a name that starts with > is one of the templates "
                      "that come along."),
-        structure<P>("Chart",
-                     {[](P &params, const XMLNode &node) { params.charts = chartsFromXml(node); },
-                      [](const P &params, std::wostream &out, const GlobalParameters *) {
-                          saveCharts(params.charts, out);
-                      }})
+        structure("Chart", &P::charts, chartsFromXml, saveCharts)
             .label("Charts")
             .meaning("One Chart (type, name of its [[KOBData name]] tag) per series, with one axis "
                      "(pinIdx and a column name) for the categories, the values and what else the "

@@ -2,20 +2,18 @@
 // The parameters of writeSAS.
 #pragma once
 #include "corvanta/param_table.h"
+#include "writers/row_filter.h"
 #include "writers/string_columns.h"
 
 namespace corvanta {
 
-struct WriteSasParams
+struct WriteSasParams : RowFilterParams
 {
     QString fileName;
     int columnNameMode = 0;
     int stringStorage = 0;
     double f1 = 1;
     int f2 = 0;
-    bool writeAllRows = true;
-    QString testCol;
-    QString testValue;
     bool writeAllColumns = true;
     bool createDir = false;
     bool checkNameCollision = true;

@@ -2,16 +2,14 @@
 // The parameters of writeSASXPT.
 #pragma once
 #include "corvanta/param_table.h"
+#include "writers/row_filter.h"
 #include "writers/string_columns.h"
 
 namespace corvanta {
 
-struct WriteSasXptParams
+struct WriteSasXptParams : RowFilterParams
 {
     QString fileName;
-    bool writeAllRows = true;
-    QString testCol;
-    QString testValue;
     bool writeAllColumns = true;
     bool createDir = false;
     bool checkNameCollision = true;

@@ -36,6 +36,13 @@ public:
     /// Cell `i` as UTF-16 text: the length, and where it is. A missing cell has length 0 and a null
     /// pointer. The text of a number is valid until the next call on this row.
     int col(int i, const unsigned short **out) const;
+    /// The same as a view.
+    QStringView textView(int i) const
+    {
+        const unsigned short *units = nullptr;
+        const int n = col(i, &units);
+        return {units, n};
+    }
     /// Numeric value; `ok` (may be null) is false when the cell is missing or not a number.
     double colAsDouble(int i, bool *ok) const;
     /// Integer key value; `ok` (may be null) is false when the cell is missing or not such a number.

@@ -33,7 +33,7 @@ namespace corvanta {
 template <class P> struct StructureAccess
 {
     std::function<void(P &, const XMLNode &parent)> read;
-    std::function<void(const P &, std::wostream &, const GlobalParameters *)> write; // nothing when empty
+    std::function<void(const P &, std::wostream &)> write; // nothing when empty
 };
 
 /// A text that is the content of a child element; see elementText().
@@ -106,7 +106,7 @@ public:
     void save(const P &params, const P &defaults, std::wostream &out, const GlobalParameters *global) const
     {
         if (const auto *access = std::get_if<StructureAccess<P>>(&m_member)) {
-            access->write(params, out, global);
+            access->write(params, out);
         } else if (const auto *list = std::get_if<QStringList P::*>(&m_member)) {
             saveList(params.**list, out);
         } else if (m_info.saveAlways || valueText(params) != valueText(defaults)) {
@@ -150,7 +150,7 @@ private:
     static QString textOf(const P &params, const StructureAccess<P> &access)
     {
         std::wostringstream out;
-        access.write(params, out, nullptr);
+        access.write(params, out);
         return QString::fromStdWString(out.str());
     }
 
@@ -247,10 +247,13 @@ template <class P> Param<P> elementText(const char *name, QString P::*member)
 {
     return {name, ParameterInfo::Type::Text, ElementText<P>{member}};
 }
-/// Child elements with a form of their own. `name` is for people; `access` knows the elements.
-template <class P> Param<P> structure(const char *name, StructureAccess<P> access)
+/// Child elements with a form of their own, which `read` and `write` know. `name` is for people.
+template <class P, class T>
+Param<P> structure(const char *name, T P::*member, T (*read)(const XMLNode &parent), void (*write)(const T &, std::wostream &))
 {
-    return {name, ParameterInfo::Type::Structure, std::move(access)};
+    return {name, ParameterInfo::Type::Structure,
+            StructureAccess<P>{[=](P &params, const XMLNode &parent) { params.*member = read(parent); },
+                               [=](const P &params, std::wostream &out) { write(params.*member, out); }}};
 }
 
 /// The table: see the top of the file. Threads: constant after construction.
