@@ -1,14 +1,14 @@
 #include "readers/read_excel_params.h"
 
+#include "readers/shared_params.h"
+
 namespace corvanta {
 
 const ParamTable<ReadExcelParams> &readExcelParamTable()
 {
     using P = ReadExcelParams;
     static const ParamTable<P> table{
-        flag("fileNameFromPin", &P::fileNameFromPin)
-            .label("Take the file name from input pin 0")
-            .meaning("Takes the file name from the first column of the first row of input pin 0."),
+        shared::fileNameFromPin<P>(),
         number("sheetMode", &P::sheetMode)
             .choices({"by number", "by name"})
             .label("Select the sheet")
@@ -21,12 +21,8 @@ const ParamTable<ReadExcelParams> &readExcelParamTable()
             .label("The first row holds the column names")
             .meaning("Takes the column names from the first row. Off: columns are named after "
                      "their letters."),
-        flag("outputFilenames", &P::outputFilenames)
-            .label("Add a column with the file name")
-            .meaning("Adds the last column _FileNames with the name of the file of each row."),
-        flag("abortIfMissing", &P::abortIfMissing)
-            .label("A missing file is an error")
-            .meaning("A missing file fails the action. Off: it is a warning."),
+        shared::outputFilenames<P>(),
+        shared::abortIfMissing<P>(),
         text("fileName", &P::fileName)
             .inputFile()
             .always()

@@ -1,14 +1,14 @@
 #include "readers/read_excel_sheets_params.h"
 
+#include "readers/shared_params.h"
+
 namespace corvanta {
 
 const ParamTable<ReadExcelSheetsParams> &readExcelSheetsParamTable()
 {
     using P = ReadExcelSheetsParams;
     static const ParamTable<P> table{
-        flag("fileNameFromPin", &P::fileNameFromPin)
-            .label("Take the file name from input pin 0")
-            .meaning("Takes the file name from the first column of the first row of input pin 0."),
+        shared::fileNameFromPin<P>(),
         text("fileName", &P::fileName)
             .inputFile()
             .always()

@@ -1,5 +1,7 @@
 #include "readers/read_json_params.h"
 
+#include "readers/shared_params.h"
+
 namespace corvanta {
 
 void adjustReadJsonDefaults(ReadJsonParams &params, double savedVersion)
@@ -19,30 +21,17 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
             .choices({"from the file", "from input pin 0"})
             .label("Read the JSON")
             .meaning("Reads the file fileName, or (any value but 0) the texts of colJSON."),
-        number("bufferSize", &P::bufferSize)
-            .range(1, 2047)
-            .label("Minimum Input Buffer Size:")
-            .meaning("Smallest input buffer, in MB."),
-        number("autoFillNRows", &P::autoFillNRows)
-            .range(1, 1000000)
-            .label("Sample")
-            .meaning("Records that are looked at when levels are filled automatically."),
+        shared::bufferSize<P>(),
+        shared::autoFillNRows<P>(),
         text("fileName", &P::fileName)
             .inputFile()
             .always()
             .label("File")
             .meaning("JSON or JSON Lines file to read, a pattern, or a member of an archive "
                      "(archive.zip@member)."),
-        flag("outputFilenames", &P::outputFilenames)
-            .label("Add a column with the file name")
-            .meaning("Adds the last column _FileNames with the name of the file of each row."),
-        flag("appendToRow", &P::appendToRow)
-            .label("Copy the columns of the input row")
-            .meaning("Puts the columns of the input row in front of the extracted ones, when "
-                     "reading from the input pin."),
-        flag("outputSubTags", &P::outputSubTags)
-            .label("Add the names of the repeated elements")
-            .meaning("One column \"Level N Subtag\" per level."),
+        shared::outputFilenames<P>(),
+        shared::copyOfInputRow("appendToRow", &P::appendToRow),
+        shared::outputSubTags<P>(),
         flag("oneJSONPerRow", &P::oneJSONPerRow)
             .label("Each input row holds one complete JSON document")
             .meaning("Each row is one document. Off: the rows are one stream of documents, and a "
@@ -51,14 +40,8 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
             .label("Read tags to extract from pin 1")
             .meaning("Rows of input pin 1 give the items, in columns path, name, tagName and "
                      "level, or else path in the first and name in the second column."),
-        flag("abortIfMissing", &P::abortIfMissing)
-            .label("A missing file is an error")
-            .meaning("A missing file fails the action. Off: it is a warning."),
-        number("timeOut", &P::timeOut)
-            .range(-1, 86400)
-            .label("Retry for")
-            .meaning(
-                "Seconds for which a file that cannot be read yet is tried again; -1: for ever."),
+        shared::abortIfMissing<P>(),
+        shared::timeOut<P>(),
         flag("permissiveNumbers", &P::permissiveNumbers)
             .label("Accept malformed numbers")
             .meaning("Accepts malformed numbers. Off: a value such as 12abc is a structure error."),

@@ -1,18 +1,15 @@
 #include "readers/read_parquet_params.h"
 
+#include "readers/shared_params.h"
+
 namespace corvanta {
 
 const ParamTable<ReadParquetParams> &readParquetParamTable()
 {
     using P = ReadParquetParams;
     static const ParamTable<P> table{
-        flag("fileNameFromPin", &P::fileNameFromPin)
-            .label("Take the file names from input pin 0")
-            .meaning(
-                "Takes the file names from the first column of input pin 0, one file per row."),
-        flag("abortIfMissing", &P::abortIfMissing)
-            .label("A missing file is an error")
-            .meaning("A missing file fails the action. Off: it is a warning."),
+        shared::fileNamesFromPin<P>(),
+        shared::abortIfMissing<P>(),
         flag("int64ToKey", &P::int64ToKey)
             .label("64-bit integers become keys")
             .meaning("64-bit integers become keys of their low 32 bits. Off: they become decimal "
@@ -22,9 +19,7 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
                 {"all columns", "the columns of ColumnsToRead", "the columns named on input pin 1"})
             .label("Columns")
             .meaning("Which columns are read."),
-        flag("outputFilenames", &P::outputFilenames)
-            .label("Add a column with the file name")
-            .meaning("Adds the last column _FileNames with the name of the file of each row."),
+        shared::outputFilenames<P>(),
         flag("extendedEncodings", &P::extendedEncodings)
             .label("Read newer encodings and codecs")
             .meaning("Reads RLE_DICTIONARY, DELTA and BYTE_STREAM_SPLIT pages and the codecs ZSTD, "

@@ -1,15 +1,14 @@
 #include "readers/read_stat_params.h"
 
+#include "readers/shared_params.h"
+
 namespace corvanta {
 
 const ParamTable<ReadStatParams> &readStatParamTable()
 {
     using P = ReadStatParams;
     static const ParamTable<P> table{
-        flag("fileNameFromPin", &P::fileNameFromPin)
-            .label("Take the file names from input pin 0")
-            .meaning(
-                "Takes the file names from the first column of input pin 0, one file per row."),
+        shared::fileNamesFromPin<P>(),
         flag("outputFilenames", &P::outputFilenames)
             .label("Add a column with the file name")
             .meaning("Adds the last column _Filename with the name of the file of each row."),

@@ -1,5 +1,7 @@
 #include "readers/read_xbf_params.h"
 
+#include "readers/shared_params.h"
+
 namespace corvanta {
 
 const ParamTable<ReadXbfParams> &readXbfParamTable()
@@ -11,10 +13,7 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
             .label("File")
             .meaning("Table to read, or a pattern such as *.dbf; all tables must have the columns "
                      "of the first."),
-        number("bufferSize", &P::bufferSize)
-            .range(1, 2047)
-            .label("Minimum Input Buffer Size:")
-            .meaning("Smallest input buffer, in MB."),
+        shared::bufferSize<P>(),
         number("encoding", &P::encoding)
             .choices({"Latin 1 (Windows 1252)", "encoding of the system", "UTF-8"})
             .label("Encoding")

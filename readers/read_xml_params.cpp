@@ -1,5 +1,7 @@
 #include "readers/read_xml_params.h"
 
+#include "readers/shared_params.h"
+
 namespace corvanta {
 
 void applyHtmlDefaults(ReadXmlParams &params)
@@ -30,14 +32,8 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
             .label("Drop invalid bytes")
             .meaning(
                 "Drops bytes that cannot be converted, with a warning. Off: they fail the action."),
-        number("bufferSize", &P::bufferSize)
-            .range(1, 2047)
-            .label("Minimum Input Buffer Size:")
-            .meaning("Smallest input buffer, in MB."),
-        number("autoFillNRows", &P::autoFillNRows)
-            .range(1, 1000000)
-            .label("Sample")
-            .meaning("Records that are looked at when levels are filled automatically."),
+        shared::bufferSize<P>(),
+        shared::autoFillNRows<P>(),
         text("fileName", &P::fileName)
             .inputFile()
             .always()
@@ -48,22 +44,20 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
             .label("Read CDATA sections")
             .meaning("Reads CDATA sections and <PRE> blocks as text of their element."),
         flag("readHTML", &P::readHTML).label("HTML").meaning("Reads loosely written HTML pages."),
-        flag("outputFilenames", &P::outputFilenames)
-            .label("Add a column with the file name")
-            .meaning("Adds the last column _FileNames with the name of the file of each row."),
-        flag("outputSubTags", &P::outputSubTags)
-            .label("Add the names of the repeated elements")
-            .meaning("One column \"Level N Subtag\" per level."),
+        shared::outputFilenames<P>(),
+        shared::outputSubTags<P>(),
         flag("addOnlyText", &P::addOnlyText)
             .label("Only the text of an element")
-            .meaning("Takes all the text in an element, also that of its sub-elements, without tags and "
-                     "with its blanks folded. Off: the text that stands directly in it."),
+            .meaning(
+                "Takes all the text in an element, also that of its sub-elements, without tags and "
+                "with its blanks folded. Off: the text that stands directly in it."),
         flag("zeroBased", &P::zeroBased)
             .label("Indexes in paths count from 0")
             .meaning("Indexes in paths count from 0. Off: from 1."),
         flag("outputTagNames", &P::outputTagNames)
             .label("Output the tag names")
-            .meaning("An element that holds only sub-elements gives their names. Off: a missing value."),
+            .meaning(
+                "An element that holds only sub-elements gives their names. Off: a missing value."),
         flag("skipCorruptedFiles", &P::skipCorruptedFiles)
             .label("Skip the rest of damaged files")
             .meaning("A structure error skips the rest of the file, with a warning. Off: it fails "
@@ -77,7 +71,8 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
             .meaning("Leaves unknown entities as they stand. Off: they are structure errors."),
         flag("ignoreEmptyTag", &P::ignoreEmptyTag)
             .label("Ignore empty elements")
-            .meaning("Elements without text, sub-elements and attributes make no rows and are not named; "
+            .meaning("Elements without text, sub-elements and attributes make no rows and are not "
+                     "named; "
                      "they still count in indexes."),
         flag("ignoreInvalidCharInTagName", &P::ignoreInvalidCharInTagName)
             .label("Accept invalid characters in tag names")
@@ -88,17 +83,9 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
         flag("discardNameSpaces", &P::discardNameSpaces)
             .label("Drop name space prefixes")
             .meaning("Drops the name space prefixes of elements."),
-        flag("abortIfMissing", &P::abortIfMissing)
-            .label("A missing file is an error")
-            .meaning("A missing file fails the action. Off: it is a warning."),
-        number("timeOut", &P::timeOut)
-            .range(-1, 86400)
-            .label("Retry for")
-            .meaning("Seconds for which a file that cannot be read yet is tried again; -1: for ever."),
-        flag("addColBefore", &P::addColBefore)
-            .label("Copy the columns of the input row")
-            .meaning("Puts the columns of the input row in front of the extracted ones, when "
-                     "reading from the input pin."),
+        shared::abortIfMissing<P>(),
+        shared::timeOut<P>(),
+        shared::copyOfInputRow("addColBefore", &P::addColBefore),
         readLevels(&P::levels),
     };
     return table;
