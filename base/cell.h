@@ -20,6 +20,9 @@
 
 namespace corvanta::cell {
 
+/// What a cell holds; the letters are those of column types.
+enum class Type : char { Key = 'K', Double = 'F', Text = 'U' };
+
 inline constexpr quint32 kMissingKey = 0xFFFFFFFFU;
 inline constexpr quint32 kMissingKeyOther = 0xFFFFFFFEU;
 inline constexpr quint64 kMissingDoubleBits = ~quint64(0);
@@ -98,6 +101,20 @@ inline qsizetype textCellBytes(const uchar *cell)
 {
     const Text text = readText(cell);
     return (text.units - cell) + text.size() * 2;
+}
+
+/// Bytes of the cell at `cell`.
+inline qsizetype bytesOf(Type type, const uchar *cell)
+{
+    switch (type) {
+    case Type::Key:
+        return kKeyBytes;
+    case Type::Double:
+        return kDoubleBytes;
+    case Type::Text:
+        break;
+    }
+    return textCellBytes(cell);
 }
 
 /// The shared cells for values that are not there; static storage, valid for ever.

@@ -23,19 +23,6 @@ struct Arena
     std::deque<std::vector<uchar>> blocks;
 };
 
-qsizetype cellBytes(const uchar *cell, CellType type)
-{
-    switch (type) {
-    case CellType::Key:
-        return cell::kKeyBytes;
-    case CellType::Double:
-        return cell::kDoubleBytes;
-    case CellType::Text:
-        break;
-    }
-    return cell::textCellBytes(cell);
-}
-
 QByteArray read(QByteArrayView table, QByteArrayView memoBytes, uint8_t options,
                 MemoFile::Access access, qint64 piece)
 {
@@ -64,7 +51,8 @@ QByteArray read(QByteArrayView table, QByteArrayView memoBytes, uint8_t options,
         for (size_t i = 0; i < columns.size(); ++i) {
             const uchar *const cell = (*reader)->cell(i, arena);
             if (cell != nullptr) {
-                all.append(reinterpret_cast<const char *>(cell), cellBytes(cell, columns[i].cell));
+                all.append(reinterpret_cast<const char *>(cell),
+                           cell::bytesOf(columns[i].cell, cell));
             }
         }
     }

@@ -25,8 +25,7 @@ static quint64 rowsOf(QByteArrayView bytes, const ReadOptions &options, qint64 p
             return sum + (more ? 0 : 1);
         }
         for (size_t i = 0; i < cells.size(); ++i) {
-            const bool isText = cellTypeOf(columns[i].form) == CellType::Text;
-            const qsizetype n = isText ? cell::textCellBytes(cells[i]) : cell::kKeyBytes;
+            const qsizetype n = cell::bytesOf(cellTypeOf(columns[i].form), cells[i]);
             for (qsizetype byte = 0; byte < n; ++byte) {
                 sum = sum * 31 + cells[i][byte];
             }

@@ -22,20 +22,7 @@ int workerCount()
 
 MetaInfo metaTypeOf(const parquet::Column &column)
 {
-    switch (parquet::cellTypeOf(column.form)) {
-    case parquet::CellType::Key:
-        return {MetaInfo::Key, -1};
-    case parquet::CellType::Double:
-        return {MetaInfo::Float, -1};
-    case parquet::CellType::Text:
-        break;
-    }
-    return {MetaInfo::Unknown, -1};
-}
-
-QString letterOf(const MetaInfo &type)
-{
-    return QString(QLatin1Char(static_cast<char>(type.type())));
+    return MetaInfo(parquet::cellTypeOf(column.form));
 }
 
 /// All bytes of an input, unpacked; false when there are too many, or reading fails.
@@ -308,7 +295,7 @@ bool ActionReadParquet::checkColumns()
         if (metaTypeOf(column) != m_types[i]) {
             return !fail(
                 u"An error occurred while initializing the 'ReadParquet' Action \nThe Meta-type of the column '%3' do not match in first file and file '%4' (type: %1!=%2)"_s
-                    .arg(letterOf(metaTypeOf(column)), letterOf(m_types[i]), column.name, name));
+                    .arg(metaTypeOf(column).letter(), m_types[i].letter(), column.name, name));
         }
     }
     return true;

@@ -13,24 +13,6 @@ namespace {
 
 constexpr int kRowsPerProgress = 1000;
 
-MetaInfo metaTypeOf(dbf::CellType type)
-{
-    switch (type) {
-    case dbf::CellType::Key:
-        return {MetaInfo::Key, -1};
-    case dbf::CellType::Double:
-        return {MetaInfo::Float, -1};
-    case dbf::CellType::Text:
-        break;
-    }
-    return {MetaInfo::Unknown, -1};
-}
-
-QString letterOf(const MetaInfo &type)
-{
-    return QString(QLatin1Char(static_cast<char>(type.type())));
-}
-
 } // namespace
 
 ActionReadXBF::ActionReadXBF(const XMLNode &saved, GlobalParameters *parameters)
@@ -70,7 +52,7 @@ void ActionReadXBF::start()
     const dbf::TableReader &reader = *m_run->table->reader;
     for (size_t i = 0; i < reader.columns().size(); ++i) {
         m_run->names << reader.columnName(i);
-        m_run->types << metaTypeOf(reader.columns()[i].cell);
+        m_run->types << MetaInfo(reader.columns()[i].cell);
     }
     OneRow *const row = getOutputRowForOutputPin(0);
     row->setColName(m_run->names);
@@ -192,11 +174,11 @@ bool ActionReadXBF::checkColumns()
                 u"An error occurred while initializing the 'ReadXBF' Action \nThe name of the column %1 do not match in first file and file '%2' ('%3'!='%4'"_s
                     .arg(QString::number(i + 1), table.file, m_run->names[i], name));
         }
-        const MetaInfo type = metaTypeOf(columns[static_cast<size_t>(i)].cell);
+        const MetaInfo type = MetaInfo(columns[static_cast<size_t>(i)].cell);
         if (type != m_run->types[i]) {
             return !fail(
                 u"An error occurred while initializing the 'ReadXBF' Action \nThe Meta-type of the column '%3' do not match in first file and file '%4' (type: %1!=%2)"_s
-                    .arg(letterOf(m_run->types[i]), letterOf(type), name, table.file));
+                    .arg(m_run->types[i].letter(), type.letter(), name, table.file));
         }
     }
     return true;

@@ -4,6 +4,7 @@
 // Threads: one at a time.
 #pragma once
 #include "base/byte_source.h"
+#include "base/cell.h"
 #include "base/result.h"
 
 #include <QByteArray>
@@ -21,8 +22,7 @@ enum class Error : quint8 {
     MemoTooLarge,     ///< the memo file does not fit into memory
 };
 
-/// What a column's cells are.
-enum class CellType : quint8 { Text, Key, Double };
+using CellType = cell::Type;
 
 /// How a field's bytes become a cell.
 enum class Conversion : quint8 {

@@ -1,6 +1,7 @@
 // codecs/parquet/column.h
 // The columns of a file: which there are, and as what their values are delivered.
 #pragma once
+#include "base/cell.h"
 #include "codecs/parquet/error.h"
 #include "codecs/parquet/records.h"
 
@@ -23,8 +24,7 @@ struct ReadOptions
     QStringList selection;
 };
 
-/// What the cells of a column are (base/cell.h).
-enum class CellType : char { Key = 'K', Double = 'F', Text = 'U' };
+using CellType = cell::Type;
 
 /// From stored value to cell.
 enum class Form : quint8 {

@@ -1,6 +1,7 @@
 // corvanta/meta_info.h
 // What a column holds and how a table is sorted; both travel with the rows.
 #pragma once
+#include "base/cell.h"
 #include "corvanta/export.h"
 
 #include <QString>
@@ -22,7 +23,12 @@ public:
         : m_type(type)
         , m_detail(detail)
     {}
+    explicit MetaInfo(corvanta::cell::Type type)
+        : m_type(static_cast<MetaTypeColumn>(type))
+    {}
     MetaTypeColumn type() const { return m_type; }
+    corvanta::cell::Type cellType() const { return static_cast<corvanta::cell::Type>(m_type); }
+    QString letter() const { return QString(QLatin1Char(static_cast<char>(m_type))); }
     int detail() const { return m_detail; }
     bool operator==(const MetaInfo &other) const = default;
 

@@ -6,20 +6,9 @@ namespace corvanta {
 
 namespace {
 
-const uchar *copyCell(RowBuffer &arena, MetaInfo::MetaTypeColumn type, const uchar *cell)
+const uchar *copyCell(RowBuffer &arena, cell::Type type, const uchar *cell)
 {
-    qsizetype n = 0;
-    switch (type) {
-    case MetaInfo::Key:
-        n = cell::kKeyBytes;
-        break;
-    case MetaInfo::Float:
-        n = cell::kDoubleBytes;
-        break;
-    case MetaInfo::Unknown:
-        n = cell::textCellBytes(cell);
-        break;
-    }
+    const qsizetype n = cell::bytesOf(type, cell);
     uchar *const copy = arena.alloc(static_cast<int>(n));
     std::memcpy(copy, cell, static_cast<size_t>(n));
     return copy;
@@ -88,7 +77,7 @@ void OutputPin::appendOwn()
         if (cell == nullptr) {
             cell = m_row.missingCell(i);
         } else if (!batch.arena.isRecent(cell)) {
-            cell = copyCell(batch.arena, types[i].type(), cell);
+            cell = copyCell(batch.arena, types[i].cellType(), cell);
         }
         batch.cells.push_back(cell);
         m_row.m_own[static_cast<size_t>(i)] = nullptr;
@@ -123,7 +112,7 @@ void OutputPin::rescueCells()
     for (int i = 0; i < m_row.numberOfColumns() && !m_row.m_view; ++i) {
         const uchar *&cell = m_row.m_own[static_cast<size_t>(i)];
         if (cell != nullptr) {
-            cell = copyCell(openBatch().arena, m_row.getMetaType(i).type(), cell);
+            cell = copyCell(openBatch().arena, m_row.getMetaType(i).cellType(), cell);
         }
     }
 }

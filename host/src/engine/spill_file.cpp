@@ -6,23 +6,6 @@
 
 namespace corvanta {
 
-namespace {
-
-qsizetype cellBytes(MetaInfo::MetaTypeColumn type, const uchar *cell)
-{
-    switch (type) {
-    case MetaInfo::Key:
-        return cell::kKeyBytes;
-    case MetaInfo::Float:
-        return cell::kDoubleBytes;
-    case MetaInfo::Unknown:
-        break;
-    }
-    return cell::textCellBytes(cell);
-}
-
-} // namespace
-
 void SpillFile::put(const BatchSlice &slice)
 {
     if (!m_file) {
@@ -36,7 +19,7 @@ void SpillFile::put(const BatchSlice &slice)
     for (int r = slice.first; r < slice.first + slice.count; ++r) {
         const uchar *const *const cells = slice.batch->row(r);
         for (int c = 0; c < slice.batch->columns; ++c) {
-            bytes.append(reinterpret_cast<const char *>(cells[c]), cellBytes(schema.types[c].type(), cells[c]));
+            bytes.append(reinterpret_cast<const char *>(cells[c]), cell::bytesOf(schema.types[c].cellType(), cells[c]));
         }
     }
     if (!m_file->seek(m_writeAt) || m_file->write(bytes) != bytes.size()) {
@@ -68,7 +51,7 @@ std::optional<BatchSlice> SpillFile::take()
     batch->rows = entry.rows;
     const auto *at = reinterpret_cast<const uchar *>(bytes.constData());
     for (int i = 0; i < entry.rows * batch->columns; ++i) {
-        const qsizetype n = cellBytes(entry.schema->types[i % batch->columns].type(), at);
+        const qsizetype n = cell::bytesOf(entry.schema->types[i % batch->columns].cellType(), at);
         uchar *const cell = batch->arena.alloc(static_cast<int>(n));
         std::memcpy(cell, at, static_cast<size_t>(n));
         batch->cells.push_back(cell);
