@@ -1,6 +1,7 @@
 #include "codecs/deflate/crc32.h"
 #include "codecs/deflate/deflate_stream.h"
 #include "codecs/deflate/inflater.h"
+#include "tests/support/failing_sink.h"
 
 #include <QString>
 
@@ -165,29 +166,6 @@ TEST(Deflate, RoomAskedForAtAFullBlockChangesNothing)
     EXPECT_EQ(sink.bytes(), pack(text, {}, text.size(), false).bytes);
 }
 
-// Refuses the calls of which the answer says so.
-class FailingSink final : public ByteSink
-{
-public:
-    explicit FailingSink(std::function<bool(int)> refuses)
-        : m_refuses(std::move(refuses))
-    {
-    }
-    bool write(const void *bytes, qint64 n) override
-    {
-        return !m_refuses(m_calls++) && m_sink.write(bytes, n);
-    }
-    bool seek(qint64 offset) override { return m_sink.seek(offset); }
-    qint64 position() const override { return m_sink.position(); }
-    bool flush() override { return true; }
-    const QByteArray &bytes() const { return m_sink.bytes(); }
-
-private:
-    std::function<bool(int)> m_refuses;
-    int m_calls = 0;
-    MemorySink m_sink;
-};
-
 template <class Call> int repeat(Call call)
 {
     for (int faults = 0;; ++faults) {
@@ -206,7 +184,7 @@ TEST(Deflate, AFailedWriteIsToldOnceAndNothingIsLost)
     for (const int workers : {0, 2}) {
         for (int failing = 0; failing < 10; ++failing) {
             // Refused twice in a row, as a disk that is still full at the first retry.
-            FailingSink sink(
+            test::FailingSink sink(
                 [failing](int call) { return call == failing || call == failing + 1; });
             DeflateStream stream(sink, {{}, workers});
             stream.begin();
@@ -237,7 +215,7 @@ TEST(Deflate, StopEndsACallThatWaits)
 {
     std::promise<void> isWriting;
     std::promise<void> goOn;
-    FailingSink sink([&](int call) {
+    test::FailingSink sink([&](int call) {
         if (call == 0) {
             isWriting.set_value();
             goOn.get_future().wait();

@@ -106,9 +106,13 @@ Result<std::span<const uchar>, Error> PageReader::readBody(qint64 bytes)
     return std::span<const uchar>{body, size};
 }
 
+/// `in` as it was before its compression, with zeros behind it.
 Result<std::span<const uchar>, Error> PageReader::uncompress(std::span<const uchar> in,
                                                              qint64 bytes)
 {
+    if (m_codec == kUncompressed) {
+        return in;
+    }
     if (bytes < 0 || bytes > limits::kParquetPageBytes) {
         return bad(u"a page of %1 bytes is too large"_s.arg(QString::number(bytes)));
     }
@@ -132,16 +136,12 @@ Result<Page, Error> PageReader::dataPage(const PageHeader &header, std::span<con
         return bad(u"a page header is incomplete"_s);
     }
     const DataPageHeader &details = *header.dataPageHeader;
-    Page page{kDataPage, details.numValues, details.encoding, details.definitionLevelEncoding, {},
-              body};
-    if (m_codec != kUncompressed) {
-        const auto data = uncompress(body, header.uncompressedPageSize);
-        if (!data) {
-            return data.fault();
-        }
-        page.data = *data;
+    const auto data = uncompress(body, header.uncompressedPageSize);
+    if (!data) {
+        return data.fault();
     }
-    return page;
+    return Page{kDataPage, details.numValues, details.encoding, details.definitionLevelEncoding, {},
+                *data};
 }
 
 Result<Page, Error> PageReader::dataPageV2(const PageHeader &header, std::span<const uchar> body)
@@ -159,7 +159,7 @@ Result<Page, Error> PageReader::dataPageV2(const PageHeader &header, std::span<c
     Page page{kDataPageV2, details.numValues, details.encoding, kRle, {}, {}};
     page.levels = body.subspan(static_cast<size_t>(repetition), static_cast<size_t>(definition));
     page.data = body.subspan(static_cast<size_t>(levels));
-    if (m_codec != kUncompressed && details.isCompressed.value_or(true)) {
+    if (details.isCompressed.value_or(true)) {
         const auto data = uncompress(page.data, header.uncompressedPageSize - levels);
         if (!data) {
             return data.fault();
@@ -176,15 +176,11 @@ Result<Page, Error> PageReader::dictionaryPage(const PageHeader &header,
         return bad(u"a page header is incomplete"_s);
     }
     const DictionaryPageHeader &details = *header.dictionaryPageHeader;
-    Page page{kDictionaryPage, details.numValues, details.encoding, 0, {}, body};
-    if (m_codec != kUncompressed) {
-        const auto data = uncompress(body, header.uncompressedPageSize);
-        if (!data) {
-            return data.fault();
-        }
-        page.data = *data;
+    const auto data = uncompress(body, header.uncompressedPageSize);
+    if (!data) {
+        return data.fault();
     }
-    return page;
+    return Page{kDictionaryPage, details.numValues, details.encoding, 0, {}, *data};
 }
 
 Result<Page, Error> PageReader::next()

@@ -1,5 +1,6 @@
 #include "io/package/package_writer.h"
 #include "io/package/zip_format.h"
+#include "tests/support/failing_sink.h"
 
 #include <QFile>
 #include <QProcess>
@@ -7,8 +8,6 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace corvanta::package {
 namespace {
@@ -33,30 +32,6 @@ std::vector<Part> someParts()
             {"empty", ""},
             {"media/\xc3\xa9t\xc3\xa9.png", QByteArray(70'000, '\x89')}};
 }
-
-// Refuses the calls (writes and flushes, counted from 0) of which the answer says so.
-class FailingSink final : public ByteSink
-{
-public:
-    explicit FailingSink(std::function<bool(int)> refuses)
-        : m_refuses(std::move(refuses))
-    {
-    }
-    bool write(const void *bytes, qint64 n) override
-    {
-        return !m_refuses(m_calls++) && m_sink.write(bytes, n);
-    }
-    bool seek(qint64 offset) override { return m_sink.seek(offset); }
-    qint64 position() const override { return m_sink.position(); }
-    bool flush() override { return !m_refuses(m_calls++); }
-    const QByteArray &bytes() const { return m_sink.bytes(); }
-    int calls() const { return m_calls; }
-
-private:
-    std::function<bool(int)> m_refuses;
-    int m_calls = 0;
-    MemorySink m_sink;
-};
 
 // Writes the parts, repeating every call that a full disk refused; the number of refusals.
 int writeParts(const std::vector<Part> &parts, ByteSink &sink,
@@ -151,11 +126,12 @@ TEST(PackageWriter, WorkersDoNotChangeTheBytes)
 TEST(PackageWriter, EveryRefusedWriteCanBeRepeated)
 {
     const std::vector<Part> parts = someParts();
-    FailingSink counter([](int) { return false; });
+    test::FailingSink counter([](int) { return false; });
     EXPECT_EQ(writeParts(parts, counter, {}), 0);
     ASSERT_GT(counter.calls(), 12);
     for (int failing = 0; failing < counter.calls(); ++failing) {
-        FailingSink sink([failing](int call) { return call == failing || call == failing + 1; });
+        test::FailingSink sink(
+            [failing](int call) { return call == failing || call == failing + 1; });
         EXPECT_EQ(writeParts(parts, sink, {}), 2) << failing;
         EXPECT_EQ(sink.bytes(), counter.bytes()) << failing;
     }
