@@ -14,7 +14,8 @@ namespace corvanta {
 namespace {
 
 constexpr int kLongCellWarnings = 50;
-constexpr qint64 kFirstRowTooMany = 1048577;
+constexpr qint64 kSheetRows = 1048576;
+constexpr size_t kSheetColumns = 16384;
 constexpr int kLongestSheetName = 31;
 
 } // namespace
@@ -236,6 +237,10 @@ bool ActionWriteExcel::begin(const OneRow *row)
             return false;
         }
     }
+    if (columns.size() > kSheetColumns) {
+        warn(u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's too large "
+             "(nColumns>16384). However, you can still use the file with Corvanta.\n"_s.arg(m_run->file));
+    }
     if (!openWorkbook(std::move(columns))) {
         return false;
     }
@@ -259,7 +264,8 @@ bool ActionWriteExcel::failOn(SheetWriter::Error error)
 
 bool ActionWriteExcel::writeRow(const OneRow *row)
 {
-    if (m_run->sheet->row() == kFirstRowTooMany) {
+    if (m_run->sheet->row() > kSheetRows && !m_run->isTooLong) {
+        m_run->isTooLong = true; // a header, or rows that were there, may have passed the limit already
         warn(u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's too large "
              "(nRows>1048576). However, you can still use the file with Corvanta.\n"_s.arg(m_run->file));
     }

@@ -31,6 +31,7 @@ private:
         QString source; // the workbook that is read
         bool isFirst = true;
         bool isComplete = false; // all rows are written
+        bool isTooLong = false;  // a row lies beyond the last one of a sheet, and that was said
         RowFilter filter;
         qint64 firstRow = 1; // first sheet row written
         QString sheetName;

@@ -151,6 +151,15 @@ class WrittenWorkbook(unittest.TestCase):
         self.assertEqual(sheet.count(b"<row r="), 1_048_581)
         self.assertIn(b'<c r="A1048581"><v>1048579</v></c></row></sheetData>', sheet)
 
+    def test_the_column_limit_warns_once_and_all_columns_are_written(self):
+        for columns, last, warnings in ((16_384, b"XFD2", 0), (16_385, b"XFE2", 1)):
+            (self.folder / "in.csv").write_text(",".join(f"c{i}" for i in range(columns)) + "\n" + ",".join("7" * columns) + "\n")
+            status, messages = run(self.folder, types=",".join("K" * columns), dates="")
+            self.assertEqual((status, [m["level"] for m in messages]), (0, [2] * warnings))
+            self.assertTrue(all("nColumns>16384" in m["message"] for m in messages))
+            with zipfile.ZipFile(self.folder / "book.xlsx") as package:
+                self.assertIn(b'<c r="' + last + b'"><v>7</v></c></row></sheetData>', package.read("xl/worksheets/sheet1.xml"))
+
 
 if __name__ == "__main__":
     unittest.main()

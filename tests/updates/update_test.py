@@ -106,6 +106,18 @@ class ChangedParts(UpdateCase):
         self.assertIn('Id="rId8" Target="http://x.org', new[links].decode())
         self.assertIn("calcChain", new["xl/_rels/workbook.xml.rels"].decode())
 
+    def test_rows_beyond_the_last_of_a_sheet_are_appended_with_one_warning(self):
+        sheet = "xl/worksheets/sheet2.xml"
+        for last, header, warnings in ((1048574, 0, 0), (1048575, 0, 1), (1048576, 1, 1), (2000000, 0, 1)):
+            with self.subTest(last=last, header=header):
+                parts = plain_parts()
+                parts[sheet] = parts[sheet].replace('r="1"', f'r="{last}"').replace("A1", f"A{last}")
+                status, messages = self.update(
+                    f"mode='2' sheetMode='0' sheetIdx='2' startRow='0' firstLineContainsColumnNames='{header}'", parts)
+                self.assertEqual((status, len(messages)), (0, warnings))
+                self.assertTrue(all("because it's too large (nRows>1048576)" in message for message in messages))
+                self.assertEqual(max(rows_of(members(self.book)[sheet])), last + header + 2)
+
     def test_odd_forms_are_understood(self):
         for attributes, sheet, row in (("mode='2' sheetMode='0' startRow='0'", "xl\\worksheets\\sheet1.xml", 6),
                                        ("mode='2' sheetMode='0' startRow='4'", "xl\\worksheets\\sheet1.xml", 4),
