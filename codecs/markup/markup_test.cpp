@@ -4,6 +4,7 @@
 #include "codecs/markup/encoding.h"
 #include "codecs/markup/json_tokenizer.h"
 #include "codecs/markup/path.h"
+#include "codecs/markup/path_set.h"
 #include "codecs/markup/scan.h"
 #include "codecs/markup/tree.h"
 #include "codecs/markup/xml_tokenizer.h"
@@ -13,6 +14,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <functional>
+#include <random>
 
 using namespace corvanta;
 using namespace corvanta::markup;
@@ -189,4 +192,45 @@ TEST(Path, FindsDescendants)
     }
     EXPECT_TRUE(getChildNodeByPath(doc, QStringView(), true, u'/').isEmpty());
     EXPECT_EQ(escapedStep(u"a/b\\[1]"), u"a\\/b\\\\[1][0]");
+}
+
+// What a set of paths learned from the records before must not show in what it finds.
+TEST(PathSet, FindsInEveryRecordWhatASingleLookupFinds)
+{
+    const std::array<QStringView, 12> paths{u"a",    u"b",   u"A[1]", u"[0]", u"[2]/a",  u"b/a",
+                                            u"b[1]", u"c/b", u"b/a",  u"",    u"b[1]/c", u"long/a"};
+    std::mt19937 random(4);
+    const auto below = [&](quint32 n) { return random() % n; };
+    const std::function<QByteArray(int)> object = [&](int depth) {
+        static constexpr std::array kNames{"a", "b", "A", "c", "long", "\\u0062", ""};
+        QByteArray members;
+        for (quint32 n = below(6); n > 0; --n) {
+            const QByteArray name = kNames[below(kNames.size())];
+            const QByteArray value = depth > 0 && below(2) == 0 ? object(depth - 1) : "1";
+            members += (members.isEmpty() ? "\"" : ",\"") + name + "\":" + value;
+        }
+        return '{' + members + '}';
+    };
+    PathSet set;
+    for (const QStringView path : paths) {
+        set.add(parsePath(path, {true, u'/'}));
+    }
+    MarkupTreeBuilder builder;
+    builder.setReturnSingleChild(false);
+    for (int record = 0; record < 3000; ++record) {
+        const QByteArray document = object(2);
+        MemorySource source(document);
+        JSONTokenizer tokenizer(source, 0, u"");
+        MarkupResult result;
+        const MarkupNode root = builder.parseNext(tokenizer, result, false);
+        if (root.isEmpty()) {
+            continue;
+        }
+        const std::span<const quint32> found = set.resolve(*root.tree(), root.index());
+        for (size_t i = 0; i < paths.size(); ++i) {
+            const MarkupNode single = getChildNodeByPath(root, paths[i], true, u'/');
+            ASSERT_EQ(found[i], single.isEmpty() ? MarkupTree::kNone : single.index())
+                << paths[i].toString().toStdString() << " in " << document.toStdString();
+        }
+    }
 }

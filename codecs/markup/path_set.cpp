@@ -6,11 +6,6 @@ namespace corvanta::markup {
 
 namespace {
 
-/// Names of one node that are remembered, and their longest; others are compared with its wants
-/// each time.
-constexpr size_t kKnownNames = 4096;
-constexpr quint32 kKnownNameBytes = 256;
-
 bool wants(const PathStep &step, const RawText &name)
 {
     return step.anyName || nameMatches(name, step.name);
@@ -73,7 +68,8 @@ void PathSet::visit(const MarkupTree &tree, Visit at)
 {
     Node &node = *m_nodes[at.node];
     for (const size_t path : node.paths) {
-        m_found[path] = at.element;
+        // An attribute that was found before goes first.
+        m_found[path] = m_found[path] == MarkupTree::kNone ? at.element : m_found[path];
     }
     if (node.wants.empty() || tree.item(at.element).kind != ItemKind::Child) {
         return;
@@ -100,15 +96,18 @@ void PathSet::walkChildren(const MarkupTree &tree, Visit at)
     Node &node = *m_nodes[at.node];
     m_left = node.indexes;
     size_t left = node.wants.size();
-    KnownName *known = &node.beforeFirst;
+    node.children.begin();
     quint32 child = tree.first(at.element, ItemKind::Child);
     for (; child != MarkupTree::kNone && left > 0; child = tree.sibling(child)) {
         const RawText name = tree.raw(child);
-        if (known->next == nullptr || known->next->name != name.view()) {
-            known->next = findName(node, name);
-        }
-        known = known->next;
-        for (const quint32 number : known->wants) {
+        const auto tell = [&](NameMemory::Wants *asking) {
+            for (quint32 i = 0; i < node.wants.size(); ++i) {
+                if (wants(node.wants[i].step, name)) {
+                    asking->push_back(i);
+                }
+            }
+        };
+        for (const quint32 number : node.children.askingFor(name, tell)) {
             if (m_left[number]-- > 0) {
                 continue;
             }
@@ -123,43 +122,28 @@ void PathSet::walkChildren(const MarkupTree &tree, Visit at)
     }
 }
 
-/// What is known of a name that is not the expected one.
-PathSet::KnownName *PathSet::findName(Node &node, const RawText &name)
-{
-    const bool isPlain = name.form == TextForm::Plain || name.form == TextForm::Detached;
-    if (isPlain) {
-        const auto known = node.byName.find(name.view());
-        if (known != node.byName.end()) {
-            return known->second;
-        }
-    }
-    KnownName *met = &node.notRemembered;
-    if (isPlain && name.size <= kKnownNameBytes && node.names.size() < kKnownNames) {
-        met = &node.names.emplace_back();
-        met->name = name.view();
-        node.byName.emplace(met->name, met);
-    }
-    met->wants.clear();
-    for (quint32 i = 0; i < node.wants.size(); ++i) {
-        if (wants(node.wants[i].step, name)) {
-            met->wants.push_back(i);
-        }
-    }
-    return met;
-}
-
-/// "@name" reaches an attribute before it reaches a child of that name. The visits are made in
-/// reverse, after those of the children that end here: the first attribute has the last word.
+/// "@name" reaches an attribute, the first one of that name, before it reaches a child.
 void PathSet::findAttributes(const MarkupTree &tree, Visit at)
 {
-    const Node &node = *m_nodes[at.node];
+    Node &node = *m_nodes[at.node];
+    node.attributes.begin();
     quint32 attribute = tree.first(at.element, ItemKind::Attribute);
     for (; attribute != MarkupTree::kNone; attribute = tree.sibling(attribute)) {
         const RawText name = tree.raw(attribute);
-        for (const quint32 number : node.attributeWants) {
-            const Want &want = node.wants[number];
-            if (nameMatches(name, std::u16string_view(want.step.name).substr(1))) {
-                m_open.push_back({want.node, attribute});
+        const auto tell = [&](NameMemory::Wants *asking) {
+            for (const quint32 i : node.attributeWants) {
+                const std::u16string_view asked = node.wants[i].step.name;
+                if (nameMatches(name, asked.substr(1))) {
+                    asking->push_back(i);
+                }
+            }
+        };
+        for (const quint32 number : node.attributes.askingFor(name, tell)) {
+            for (const size_t path : m_nodes[node.wants[number].node]->paths) {
+                const quint32 found = m_found[path];
+                const bool isFirst =
+                    found == MarkupTree::kNone || tree.item(found).kind != ItemKind::Attribute;
+                m_found[path] = isFirst ? attribute : found;
             }
         }
     }

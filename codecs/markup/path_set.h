@@ -1,17 +1,13 @@
 // codecs/markup/path_set.h
 // Many paths looked up together, from the same element of one record after the other.
 //
-// The paths are merged into a trie. Records repeat the same names in much the same order: each trie
-// node remembers the names that it met, which of its wants ask for each, and which name followed,
-// so that a lookup is mostly one comparison of bytes per child.
+// The paths are merged into a trie; each of its nodes remembers the names that it met.
 #pragma once
+#include "codecs/markup/name_memory.h"
 #include "codecs/markup/path.h"
 
-#include <deque>
 #include <memory>
 #include <span>
-#include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace corvanta::markup {
@@ -43,24 +39,14 @@ private:
         quint32 node = 0;
         quint32 onlyPath = kNotOnly; ///< the path that ends there, if that is all
     };
-    /// A name that was met: the wants that ask for it, and the name that followed it last.
-    struct KnownName
-    {
-        std::string name;
-        std::vector<quint32> wants;
-        KnownName *next = nullptr;
-    };
     struct Node
     {
         std::vector<size_t> paths; ///< that end here
         std::vector<Want> wants;
         std::vector<quint32> indexes; ///< of the wants' steps
         std::vector<quint32> attributeWants;
-        KnownName beforeFirst;
-        /// The last one that is not in `names`; called like no text that is UTF-8.
-        KnownName notRemembered{.name = "\xFF", .wants = {}, .next = nullptr};
-        std::deque<KnownName> names;
-        std::unordered_map<std::string_view, KnownName *> byName;
+        NameMemory children;
+        NameMemory attributes;
     };
     struct Visit
     {
@@ -70,7 +56,6 @@ private:
 
     void visit(const MarkupTree &tree, Visit at);
     void walkChildren(const MarkupTree &tree, Visit at);
-    static KnownName *findName(Node &node, const RawText &name);
     void fulfil(quint32 node, quint32 item);
     void findAttributes(const MarkupTree &tree, Visit at);
 
