@@ -75,7 +75,7 @@ bool isTextPiece(const TreeItem &item, const TextRule &rule)
 bool joinText(const MarkupTree &tree, quint32 element, const TextRule &rule, std::u16string *out)
 {
     out->clear();
-    bool any = false;
+    const char *behind = nullptr; // the piece before
     const quint32 end = tree.item(element).next;
     for (quint32 i = element + 1; i < end; i = tree.item(i).next) {
         const TreeItem &item = tree.item(i);
@@ -84,15 +84,15 @@ bool joinText(const MarkupTree &tree, quint32 element, const TextRule &rule, std
         }
         const RawText text = tree.raw(i);
         const char *blanks = text.data;
-        // What is before a piece behind another one is at least the ">" of a tag.
-        while (any && item.kind == ItemKind::Text && isSpace(blanks[-1])) {
+        while (behind != nullptr && blanks > behind && item.kind == ItemKind::Text &&
+               isSpace(blanks[-1])) {
             --blanks;
         }
         out->append(blanks, text.data);
         *out += decoded(text);
-        any = true;
+        behind = text.data + text.size;
     }
-    return any;
+    return behind != nullptr;
 }
 
 bool foldText(const MarkupTree &tree, quint32 element, const TextRule &rule, std::u16string *out)

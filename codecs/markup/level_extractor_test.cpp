@@ -221,6 +221,9 @@ TEST(LevelExtractor, ShowsWhatTheOptionsAskFor)
     ExtractOptions own;
     EXPECT_EQ(extractXml("<l><r> a<!-- --> \n c<b/> &lt; d </r><r><b>x</b> <b>y</b></r></l>", own),
               "a \n c < d ,-;-,x;");
+    ExtractOptions page;
+    page.text.html = true;
+    EXPECT_EQ(extractXml("<l><r>1 < 2 <=3<b>\n&lt;4 </b> </r></l>", page), "1 < 2 <=3,<4 ;");
     ExtractOptions all;
     all.allText = true;
     EXPECT_EQ(extractXml("<l><r>x<b> y\t z</b>w<b>v</b> <b>u</b>t</r><r><b><i/></b></r></l>", all),
