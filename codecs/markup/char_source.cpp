@@ -343,6 +343,27 @@ char32_t CharSource::nextWide(qsizetype unitBytes, qsizetype *taken) const
     return 0x10000 + ((first & 0x3FF) << 10) + (unit(1) & 0x3FFU);
 }
 
+/// Take ASCII in UTF-16 eight units at a time, up to the first eight that hold something else.
+char *CharSource::takeAsciiUnits(char *out, const char *stop)
+{
+    constexpr qsizetype kUnits = 8;
+    const __m128i notAscii = _mm_set1_epi16(static_cast<short>(0xFF80));
+    while (stop - out >= kUnits && rawLeft() >= kUnits * 2) {
+        __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i *>(m_raw.data() + m_rawAt));
+        if (m_bigEndian) {
+            units = _mm_or_si128(_mm_slli_epi16(units, 8), _mm_srli_epi16(units, 8));
+        }
+        const __m128i high = _mm_cmpeq_epi16(_mm_and_si128(units, notAscii), _mm_setzero_si128());
+        if (_mm_movemask_epi8(high) != 0xFFFF) {
+            break;
+        }
+        _mm_storel_epi64(reinterpret_cast<__m128i *>(out), _mm_packus_epi16(units, units));
+        out += kUnits;
+        m_rawAt += kUnits * 2;
+    }
+    return out;
+}
+
 /// UTF-16 and UTF-32. A lone surrogate becomes U+FFFD; a number that is no character or a cut unit
 /// at the end is an error, or is dropped.
 qsizetype CharSource::readWide(char *out, qsizetype room)
@@ -350,6 +371,7 @@ qsizetype CharSource::readWide(char *out, qsizetype room)
     const qsizetype unitBytes = m_mode == CharMode::Utf16 ? 2 : 4;
     char *at = out;
     while (out + room - at >= 4) {
+        at = unitBytes == 2 ? takeAsciiUnits(at, out + room - 4) : at;
         qsizetype taken = 0;
         const char32_t c = nextWide(unitBytes, &taken);
         if (taken == 0) {

@@ -65,6 +65,7 @@ private:
     qsizetype readUtf8(char *out, qsizetype room);
     qsizetype keepWellFormed(char *out, qsizetype n);
     qsizetype readWide(char *out, qsizetype room);
+    char *takeAsciiUnits(char *out, const char *stop);
     qsizetype readCodePage(char *out, qsizetype room);
     char32_t nextWide(qsizetype unitBytes, qsizetype *taken) const;
     bool isWideName(const QByteArray &name);
