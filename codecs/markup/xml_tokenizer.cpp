@@ -384,17 +384,18 @@ Token XMLTokenizer::readInstruction()
     const char last = m_options.html ? '>' : '?';
     for (;;) {
         at = findEither(at, last, last);
-        if (*at == 0 && (at != end() || !refillAt(&at))) {
+        if (*at == last) {
+            ensure(&at, 2);
+            if (last == '>' || at[1] == '>') {
+                break;
+            }
+            ++at;
+        } else if (at != end() || !refillAt(&at)) {
             moveTo(at);
             return fail(MarkupError::InvalidPiEnd);
         }
-        ensure(&at, 2);
-        if (*at == '>' || (*at == '?' && at[1] == '>')) {
-            break;
-        }
-        at += *at == '?' ? 1 : 0;
     }
-    moveTo(at + (*at == '?' ? 2 : 1));
+    moveTo(at + (last == '>' ? 1 : 2));
     m_text = name;
     return finish(Token::Instruction);
 }

@@ -52,7 +52,7 @@ const Case kCases[] = {
     {"", "."},
     {" \r\n ", "."},
     {"<?xml version=\"1.0\"?><a><b x='1' y=\"2\"/> t </a>", "?xml <a <b x=1 y=2 >b 't ' >a ."},
-    {"<?pi a?b ?\?><a/>", "?pi <a >a ."},
+    {"<?pi with a?b>c?\?><a/>", "?pi <a >a ."},
     {"<?pi ", "!14"},
     {"<é-1._:x  a = 'v'>1</é-1._:x >", "<é-1._:x a=v '1' >é-1._:x ."},
     // clear sections
