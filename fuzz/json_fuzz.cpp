@@ -1,6 +1,5 @@
 // fuzz/json_fuzz.cpp
-// Any bytes as JSON: the tokens are the same for all buffer sizes and reads, and every row comes
-// out.
+// Any bytes as JSON: the tokens and the rows are the same for all buffer sizes and reads.
 #include "fuzz/markup_property.h"
 
 using namespace corvanta;

@@ -1,6 +1,7 @@
 // fuzz/markup_property.h
 // What must hold for any bytes that are read as JSON or XML.
 #pragma once
+#include "base/cell.h"
 #include "codecs/markup/level_extractor.h"
 #include "codecs/markup/sample_levels.h"
 #include "codecs/markup/trace.h"
@@ -29,14 +30,25 @@ void checkMarkup(const Make &make, QByteArrayView bytes, qint64 pieceBytes, bool
     }
     MemorySource sample(bytes, pieceBytes);
     const std::vector<Level> levels = deriveLevels(*make(sample, 1024), 3);
-    MemorySource source(bytes, pieceBytes);
-    const auto tokenizer = make(source, 1024);
-    LevelExtractor extractor(levels, options);
-    extractor.setBlockSize(1024);
-    extractor.beginDocument(*tokenizer);
-    BlockArena arena;
-    while (extractor.next(arena) == LevelExtractor::Outcome::Row) {
-        arena.reset();
+    const auto rowsWith = [&](qint64 buffer, qint64 piece) {
+        MemorySource source(bytes, piece);
+        const auto tokenizer = make(source, buffer);
+        LevelExtractor extractor(levels, options);
+        extractor.setBlockSize(1024);
+        extractor.beginDocument(*tokenizer);
+        BlockArena arena;
+        std::u16string rows;
+        while (extractor.next(arena) == LevelExtractor::Outcome::Row) {
+            for (const uchar *cell : extractor.cells()) {
+                const cell::Text text = cell::readText(cell);
+                rows += text.isMissing() ? u"-" : std::u16string(text.view()) + u',';
+            }
+            arena.reset();
+        }
+        return rows + static_cast<char16_t>(extractor.result().error);
+    };
+    if (rowsWith(1024, pieceBytes) != rowsWith(1 << 16, -1)) {
+        std::abort();
     }
 }
 
