@@ -3,7 +3,7 @@
 #pragma once
 #include <QtGlobal>
 
-#include <cstring>
+#include <algorithm>
 #include <string_view>
 #include <vector>
 
@@ -26,7 +26,8 @@ public:
         if (m_bytes.size() - m_used < name.size()) {
             m_bytes.resize((m_used + name.size()) * 2);
         }
-        std::memcpy(m_bytes.data() + m_used, name.data(), name.size());
+        // Not memcpy: a name may be empty, and then the memory too.
+        std::copy(name.begin(), name.end(), m_bytes.begin() + static_cast<ptrdiff_t>(m_used));
         m_starts.push_back(m_used);
         m_used += name.size();
     }
