@@ -109,8 +109,9 @@ void LineCounter::countBreaks(const char *bytes, qsizetype n)
         breakLine(bytes[0]);
         at = 1;
     }
-    // Most documents have no CR.
-    if (at < n && std::memchr(bytes + at, '\r', static_cast<size_t>(n - at)) == nullptr) {
+    // Most documents have no CR. One that is open may be completed here.
+    if (at < n && m_openBreak != '\r' &&
+        std::memchr(bytes + at, '\r', static_cast<size_t>(n - at)) == nullptr) {
         m_line += countLineFeeds(bytes + at, n - at);
         m_openBreak = '\n';
         return;

@@ -3,6 +3,7 @@
 #include "codecs/markup/char_class.h"
 #include "codecs/markup/encoding.h"
 #include "codecs/markup/json_tokenizer.h"
+#include "codecs/markup/line_counter.h"
 #include "codecs/markup/path.h"
 #include "codecs/markup/path_set.h"
 #include "codecs/markup/scan.h"
@@ -16,6 +17,7 @@
 #include <array>
 #include <functional>
 #include <random>
+#include <string>
 
 using namespace corvanta;
 using namespace corvanta::markup;
@@ -98,6 +100,35 @@ TEST(Scan, StopsWhereTheCharacterClassesSay)
             const qsizetype behind = before + 1;
             EXPECT_EQ(skipNameChars(name) - name, isNameChar(byte) ? behind : before) << c;
             EXPECT_EQ(skipSpaces(space) - space, isSpace(byte) ? behind : before) << c;
+        }
+    }
+}
+
+// All short documents of breaks and letters, in two pieces, against the rule: a break that differs
+// from the open one before it completes it, any other ends a line.
+TEST(LineCounter, DoesNotDependOnWhereBlocksEnd)
+{
+    constexpr int kLength = 7;
+    for (int number = 0; number < 2187; ++number) { // 3 to the 7th
+        std::string text;
+        for (int left = number; text.size() < kLength; left /= 3) {
+            text += "\n\rx"[left % 3];
+        }
+        qint64 line = 1;
+        qint64 column = 0;
+        char open = 0;
+        for (const char c : text) {
+            const bool completes = c != 'x' && open != 0 && open != c;
+            line += c != 'x' && !completes ? 1 : 0;
+            column = c == 'x' ? column + 1 : 0;
+            open = c == 'x' || completes ? '\0' : c;
+        }
+        for (int split = 0; split <= kLength; ++split) {
+            LineCounter counter;
+            counter.advance(text.data(), split);
+            counter.advance(text.data() + split, kLength - split);
+            ASSERT_EQ(counter.line(), line) << number << " at " << split;
+            ASSERT_EQ(counter.column(), column) << number << " at " << split;
         }
     }
 }
