@@ -196,10 +196,16 @@ Token XMLTokenizer::step()
     return lacksName(at + 1) ? readText(at + 1) : readStartTag();
 }
 
-/// True in loose pages where no name can begin: a "<" that stands alone, "<=", "</>", "<? ...".
+/// True in loose pages where no name can begin: a "<" that stands alone, "<=", "<2", "</>", "<?
+/// ...".
 bool XMLTokenizer::lacksName(const char *at) const
 {
-    return m_options.html && (isSpace(*at) || *at == '=' || *at == '>' || at == end());
+    if (!m_options.html) {
+        return false;
+    }
+    const CharClass kind = charClass(*at);
+    return kind == CharClass::Space || kind == CharClass::Digit || *at == '=' || *at == '>' ||
+           *at == '-' || at == end();
 }
 
 Token XMLTokenizer::dataEnds()
