@@ -12,8 +12,8 @@
 
 enum { kColumns = 10, kCellBytes = 65536 };
 
-static const char *const kNames[kColumns] = {"id",    "customer", "product", "region", "qty",
-                                             "price", "date",     "note",    "flag",   "score"};
+static const char *const kNames[kColumns] = {"id",   "quantity", "price",    "discount", "total",
+                                             "city", "product",  "customer", "comment",  "day"};
 
 struct Row
 {

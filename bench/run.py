@@ -38,6 +38,8 @@ DUCKDB_ORDERS = ("COPY (WITH o AS (SELECT unnest(orders) AS o FROM read_json('or
                  'SELECT "order", name, city, ' + ", ".join(f"l.{name}" for name in LINE_MEMBERS)
                  + " FROM l) TO 'peer.csv' (HEADER)")
 
+PAGE_ITEMS = "".join(f"<e name='{name}' path='[{i}]'/>" for i, name in enumerate(LINE_MEMBERS, 1))
+
 # name: (what it does, graph, output, peer program of the bin folder with its arguments or None, peer's output)
 JOBS = {
     "csv_csv": ("CSV through a pass-through action to CSV",
@@ -74,16 +76,25 @@ JOBS = {
     "json_nested_duckdb": ("lines of nested orders to CSV; peer: DuckDB",
                            graph(READ_ORDERS, "<writeCSV fileName='ours.csv'/>"), "ours.csv",
                            ["duckdb", "-c", DUCKDB_ORDERS], "peer.csv"),
+    "xml_read": ("XML to CSV; peer: libxml2, SAX",
+                 graph("<readXML fileName='sales.xml'><Level initialPath='sales' subtagName='row'>"
+                       + LINE_ITEMS.replace("path='id'", "path='@id'") + "</Level></readXML>", "<writeCSV fileName='ours.csv'/>"),
+                 "ours.csv", ["libxml2_peer", "xml", "sales.xml", "peer.csv"], "peer.csv"),
+    "html_read": ("a page with a table, a fifth of the rows, to CSV; peer: libxml2, tree",
+                  graph(f"<readXML fileName='sales.html'><Level initialPath='html/body/table/tbody' subtagName='tr'>{PAGE_ITEMS}"
+                        "</Level></readXML>", "<writeCSV fileName='ours.csv'/>"),
+                  "ours.csv", ["libxml2_peer", "html", "sales.html", "peer.csv"], "peer.csv"),
 }
 
-# Inputs besides sales.csv, by the job that reads them: the file, the script of this folder that makes it from sales.csv,
-# and the script's further arguments.
+# Inputs besides sales.csv, by the job that reads them: the file, and the command that prints it.
 INPUTS = {
-    "dbf_read": ("sales.dbf", "make_dbf.py"),
-    "json_read": ("sales.json", "make_json.py", "array"),
-    "jsonl_read": ("sales.jsonl", "make_json.py", "lines"),
-    "json_nested": ("orders.json", "make_json.py", "orders"),
-    "json_nested_duckdb": ("orders.json", "make_json.py", "orders"),
+    "dbf_read": ("sales.dbf", "make_dbf.py", "sales.csv"),
+    "json_read": ("sales.json", "make_json.py", "sales.csv", "array"),
+    "jsonl_read": ("sales.jsonl", "make_json.py", "sales.csv", "lines"),
+    "json_nested": ("orders.json", "make_json.py", "sales.csv", "orders"),
+    "json_nested_duckdb": ("orders.json", "make_json.py", "sales.csv", "orders"),
+    "xml_read": ("sales.xml", "make_sales", "{rows}", "xml"),
+    "html_read": ("sales.html", "make_sales", "{rows}", "html"),
 }
 
 
@@ -110,12 +121,14 @@ def run_job(name, args, folder, corvanta, bin_folder):
     meaning, text, output, peer, peer_output = JOBS[name]
     (folder / "bench.graph").write_text(text)
     ours, theirs = [], []
+    rows = args.rows // 5 if name == "html_read" else args.rows
     table = folder / "sales.csv"
     if name in INPUTS:
-        file_name, script, *arguments = INPUTS[name]
+        file_name, maker, *arguments = INPUTS[name]
         table = folder / file_name
+        program = [sys.executable, BENCH / maker] if maker.endswith(".py") else [bin_folder / maker]
         with open(table, "wb") as out:
-            subprocess.run([sys.executable, BENCH / script, folder / "sales.csv", *arguments], stdout=out, check=True)
+            subprocess.run([*program, *(argument.format(rows=rows) for argument in arguments)], cwd=folder, stdout=out, check=True)
     peer_program = peer and (shutil.which(peer[0], path=str(bin_folder)) or shutil.which(peer[0]))
     for _ in range(args.runs):
         ours.append(timed([corvanta, "run", "bench.graph", "--progress", "never"], folder))
@@ -124,9 +137,9 @@ def run_job(name, args, folder, corvanta, bin_folder):
             theirs.append(timed([peer_program, *peer[1:]], folder))
     print(f"{name}: {meaning}")
     input_bytes = table.stat().st_size
-    wall = report("corvanta", ours, args.rows, input_bytes, folder / output)
+    wall = report("corvanta", ours, rows, input_bytes, folder / output)
     if peer_program:
-        peer_wall = report("peer", theirs, args.rows, input_bytes, folder / peer_output)
+        peer_wall = report("peer", theirs, rows, input_bytes, folder / peer_output)
         print(f"  {peer_wall / wall:.1f} times the speed of the peer")
     elif peer is not None:
         print(f"  (no peer: {peer[0]} is not there)")
