@@ -234,6 +234,7 @@ class Corpus(unittest.TestCase):
     # ---- XML
 
     def test_documents_give_the_rows_of_their_goldens(self):
+        self.assertEqual(sorted(path.stem for path in (CORPUS / "xml/docs/golden").iterdir()), sorted(XML_GOLDENS))
         for golden, (document, outer, path, name) in XML_GOLDENS.items():
             with open(CORPUS / "xml/docs/golden" / f"{golden}.csv", encoding="utf-8", newline="") as table:
                 expected = list(csv.reader(table))
@@ -308,6 +309,8 @@ class Corpus(unittest.TestCase):
     # ---- HTML
 
     def test_tables_give_the_rows_of_their_goldens(self):
+        names = [path.relative_to(CORPUS / "html") for path in (CORPUS / "html").rglob("golden/*.csv")]
+        self.assertEqual(sorted(str(name.parent.parent / name.name) for name in names), sorted(HTML_GOLDENS))
         for golden, (tables, columns) in HTML_GOLDENS.items():
             page, number = golden.split(".table")
             path = pathlib.Path(golden)
