@@ -141,7 +141,7 @@ bool XMLTokenizer::takeLeaf(Leaf *leaf)
     const auto size = static_cast<size_t>(nameEnd - name);
     const bool isEmpty = *nameEnd == '/' && nameEnd[1] == '>';
     if (size == 0 || (*nameEnd != '>' && !isEmpty) || openedSection(here()) != kNoSection ||
-        (m_options.html && isSpecialInHtml({name, size}))) {
+        lacksName(name) || (m_options.html && isSpecialInHtml({name, size}))) {
         return false;
     }
     const char *const text = isEmpty ? nameEnd : skipSpaces(nameEnd + 1);
@@ -196,8 +196,7 @@ Token XMLTokenizer::step()
     return lacksName(at + 1) ? readText(at + 1) : readStartTag();
 }
 
-/// True in loose pages where no name can begin: a "<" that stands alone, "<=", "<2", "</>", "<?
-/// ...".
+/// True in loose pages where no name can begin: a "<" that stands alone, "<=", "<2", "</>", "<? a".
 bool XMLTokenizer::lacksName(const char *at) const
 {
     if (!m_options.html) {

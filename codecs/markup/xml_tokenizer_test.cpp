@@ -96,7 +96,7 @@ const Case kCases[] = {
     {"<img src=a.png alt><IMG/><hr>t", "<img src=a.png alt= >img <IMG >IMG <hr >hr 't' .", kHtml},
     {"1 < 2", "'1 ' '< 2' .", kHtml},
     {"a<=b<>c</><p></ p>x<", "'a' '<=b' '<>c' <p 'x' '<' .", kHtml},
-    {"1<2 <-- <3", "'1' '<2 ' '<-- ' '<3' .", kHtml},
+    {"1<2 <-- <3>x</3>", "'1' '<2 ' '<-- ' '<3>x' .", kHtml},
     {"<?xml:namespace prefix = o /><p><? a ?><?=b?>", "?xml:namespace <p ? ? .", kHtml},
     {"<p = ? a=1>", "<p a=1 .", kHtml},
     // elements that look like leaves
