@@ -83,6 +83,16 @@ char *escapeOne(const char16_t *text, qsizetype n, char *out, int *taken)
     return putUtf8(out, 0xFFFD);
 }
 
+/// Whether a date format asks for a time zone: a "t" outside of apostrophes.
+bool hasTimeZone(const QString &format)
+{
+    bool isQuoted = false;
+    return std::any_of(format.begin(), format.end(), [&isQuoted](QChar c) {
+        isQuoted = isQuoted != (c == u'\'');
+        return c == u't' && !isQuoted;
+    });
+}
+
 int charsOf(const char *begin, const char *end, int taken)
 {
     // A pair is two characters and four bytes; everything in ASCII is as many characters as bytes.
@@ -188,6 +198,11 @@ DateParser::DateParser(const QString &format, const QLocale &locale, bool monthF
     , m_monthFix(monthFix)
 {
     compile();
+    if (!hasTimeZone(format)) {
+        // Without a zone Qt takes local time, where the hours that daylight saving skips are no times.
+        m_format.prepend(QStringLiteral("t|"));
+        m_zoneText = QStringLiteral("UTC|");
+    }
 }
 
 /// Understand a format of fixed-width numbers and literals; anything else is left to Qt.
@@ -269,7 +284,7 @@ std::optional<qint64> DateParser::slowMs(std::u16string_view text)
     if (found != m_known.constEnd()) {
         return *found;
     }
-    const QDateTime parsed = m_locale.toDateTime(key, m_format);
+    const QDateTime parsed = m_locale.toDateTime(m_zoneText + key, m_format);
     std::optional<qint64> ms;
     if (parsed.isValid()) {
         ms = QDateTime(parsed.date(), parsed.time(), Qt::UTC).toMSecsSinceEpoch();

@@ -79,6 +79,7 @@ private:
     std::optional<qint64> slowMs(std::u16string_view text);
 
     QString m_format;
+    QString m_zoneText; // goes in front of a text for Qt
     QLocale m_locale;
     bool m_monthFix;
     std::vector<Token> m_tokens; // empty: Qt parses
