@@ -176,12 +176,17 @@ TEST(TargetFile, TheTargetChangesOnlyAtCommit)
         EXPECT_EQ(content(), "old");
     }
     EXPECT_EQ(content(), "old");
+    // A link to a link to it, each of which stays one.
+    const QString first = dir.filePath(u"first"_s);
+    const QString second = dir.filePath(u"second"_s);
+    ASSERT_TRUE(QFile::link(u"target"_s, second) && QFile::link(u"second"_s, first));
     TargetFile target;
-    ASSERT_TRUE(target.open(name, 3));
+    ASSERT_TRUE(target.open(first, 3));
     ASSERT_TRUE(target.file().write("new", 3));
     ASSERT_TRUE(target.commit());
     EXPECT_EQ(content(), "new");
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{u"target"_s});
+    EXPECT_TRUE(QFileInfo(first).isSymLink() && QFileInfo(second).isSymLink());
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::NoSymLinks), QStringList{u"target"_s});
     EXPECT_EQ(QFile::permissions(name) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
     EXPECT_FALSE(TargetFile().open(dir.filePath(u"no/folder"_s), 0));
 }

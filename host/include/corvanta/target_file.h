@@ -22,7 +22,7 @@ public:
     TargetFile &operator=(const TargetFile &) = delete;
 
     /// Open the temporary file, named `name` + "_tmp_" + `action` + "_" + a random number. False when it
-    /// cannot be created.
+    /// cannot be created, or when the target is there and may not be written.
     bool open(const QString &name, int action);
     bool isOpen() const { return m_file != nullptr; }
     const QString &name() const { return m_name; }
