@@ -2,8 +2,9 @@
 
 #include "base/number.h"
 
+#include <QByteArrayList>
+
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <string_view>
 
@@ -119,6 +120,15 @@ void setDefinedName(const Parts &parts, const DefinedName &name, Splices *splice
     splices->append(outline.element(*list), text);
 }
 
+/// Whether results of formulas, or how references are written, hang on an attribute of calcPr. The
+/// others say when and how fast to calculate, which a full calculation on load makes void.
+bool isCalculationRule(QByteArrayView name)
+{
+    static const QByteArrayList kRules{"iterate", "iterateCount", "iterateDelta", "fullPrecision",
+                                       "refMode"};
+    return kRules.contains(name);
+}
+
 void setRecalculation(const Parts &parts, Splices *splices)
 {
     static const QByteArray kAttributes = " calcId=\"0\" fullCalcOnLoad=\"1\"";
@@ -133,13 +143,13 @@ void setRecalculation(const Parts &parts, Splices *splices)
     QByteArray kept;
     const auto attributes = tag.attributes();
     for (const Attribute &one : *attributes) {
-        if (one.name != QByteArrayView("calcId") && one.name != QByteArrayView("fullCalcOnLoad")) {
+        if (isCalculationRule(one.name)) {
             const char quote = one.value.contains('"') ? '\'' : '"';
             kept += ' ' + one.name.toByteArray() + '=' + quote + one.value.toByteArray() + quote;
         }
     }
     const qsizetype begin = tag.begin + 1 + tag.name.size();
-    splices->replace(begin, begin + tag.inside.size(), kAttributes + kept);
+    splices->replace(begin, begin + tag.inside.size(), kept + kAttributes);
 }
 
 QString cut(const QString &name, qsizetype units)

@@ -210,10 +210,10 @@ TEST(WorkbookPart, SplicesNamesAndRecalculation)
          "name='M'>y</definedName></definedNames>",
          "<definedNames>" + entry + "<definedName name='M'>y</definedName></definedNames>" + calc},
         {"<definedNames><definedName name='N' "
-         "localSheetId='0'>x</definedName></definedNames><calcPr iterate='1' calcId='9' "
-         "fullCalcOnLoad='0'/>",
+         "localSheetId='0'>x</definedName></definedNames><calcPr calcId='9' "
+         "calcMode='manual' iterate='1' fullCalcOnLoad='0' concurrentCalc='0'/>",
          "<definedNames><definedName name='N' localSheetId='0'>x</definedName>" + entry +
-             "</definedNames><calcPr calcId=\"0\" fullCalcOnLoad=\"1\" iterate=\"1\"/>"},
+             "</definedNames><calcPr iterate=\"1\" calcId=\"0\" fullCalcOnLoad=\"1\"/>"},
         {"<calcPr></calcPr>",
          "<definedNames>" + entry +
              "</definedNames><calcPr calcId=\"0\" fullCalcOnLoad=\"1\"></calcPr>"},
