@@ -183,10 +183,8 @@ QByteArray WorkbookUpdate::addRelationship(const char *type, const QByteArray &p
     const QByteArray id = "rId" + QByteArray::number(taken + 1);
     const QByteArray folder = folderOf(m_workbookPart);
     const QByteArray target = part.startsWith(folder) ? part.sliced(folder.size()) : '/' + part;
-    m_addedRelationships.push_back({id,
-                                    QString::fromLatin1(m_workbook.family.relationships) +
-                                        QLatin1Char('/') + QLatin1String(type),
-                                    QString::fromUtf8(target)});
+    m_addedRelationships.push_back(
+        {id, xlsx::relationshipType(m_workbook.family, type), QString::fromUtf8(target)});
     return id;
 }
 
@@ -400,13 +398,8 @@ Result<void, Problem> WorkbookUpdate::writeSheetRelationships(package::PackageWr
                                                 : m_input->reader().find(m_sheetRelationshipsName);
         return kept == nullptr ? Result<void, Problem>() : copyMember(output, *kept);
     }
-    const QString type =
-        QString::fromLatin1(m_workbook.family.relationships) + QLatin1String("/hyperlink");
-    std::vector<xlsx::Relationship> links;
-    for (const QString &url : sheet.urls()) {
-        const QByteArray id = "rId" + QByteArray::number(m_firstFreeLink + links.size() + 1);
-        links.push_back({id, type, url, true});
-    }
+    const auto links =
+        xlsx::hyperlinkRelationships(sheet.urls(), m_workbook.family, m_firstFreeLink);
     const auto text = xlsx::changedRelationships(m_sheetRelationshipsText, links);
     return text ? writeMember(output, m_sheetRelationshipsName, *text)
                 : Result<void, Problem>(notUnderstood());

@@ -307,9 +307,12 @@ std::optional<sheet::NamedRange> ActionWriteExcel::namedRange() const
                              sheet.row() - 1, sheet.columnCount() - 1};
 }
 
-bool ActionWriteExcel::finishNewWorkbook()
+bool ActionWriteExcel::finishSheet()
 {
     SheetWriter &sheet = *m_run->sheet;
+    if (m_run->update) {
+        return bool(m_run->update->finishSheet(m_run->output.writer(), sheet));
+    }
     QByteArray tail = sheet::sheetEndOfRows();
     if (!sheet.linkUses().empty()) {
         tail += "<hyperlinks>" + sheet.hyperlinkElements(0) + "</hyperlinks>";
@@ -319,21 +322,23 @@ bool ActionWriteExcel::finishNewWorkbook()
         return false;
     }
     sheet.commit();
-    if (!packageCall([&] { return m_run->output.writer().closeMember(); })) {
-        return false;
+    return packageCall([&] { return m_run->output.writer().closeMember(); });
+}
+
+bool ActionWriteExcel::finishWorkbook()
+{
+    if (m_run->update) {
+        return finishUpdatedWorkbook();
     }
     const auto range = namedRange();
     const QByteArray definedName = range ? sheet::definedName(*range) : QByteArray();
     if (!writeMember(sheet::kWorkbookMember, sheet::workbook(m_run->sheetName, definedName))) {
         return false;
     }
-    if (!sheet.urls().isEmpty()) {
-        QByteArray rels = sheet::relationshipsHead();
-        qint64 number = 0;
-        for (const QString &url : sheet.urls()) {
-            rels += sheet::hyperlinkRelationship(++number, url);
-        }
-        if (!writeMember(sheet::kSheetRelsMember, rels + sheet::relationshipsTail())) {
+    const QStringList &urls = m_run->sheet->urls();
+    if (!urls.isEmpty()) {
+        const auto part = xlsx::changedRelationships({}, xlsx::hyperlinkRelationships(urls, xlsx::kTransitional, 0));
+        if (!part || !writeMember(sheet::kSheetRelsMember, *part)) {
             return false;
         }
     }
@@ -346,12 +351,15 @@ void ActionWriteExcel::finish()
         return;
     }
     if (m_run->sheet && m_run->isComplete && runIsGood()) {
-        const bool done = m_run->update ? finishUpdate() : finishNewWorkbook();
+        // Rows that wait in the package's block are written with the sheet's end.
+        if (!finishSheet()) {
+            failOn(SheetWriter::Error::Write);
+        } else if (!finishWorkbook()) {
+            fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(m_run->file));
+        }
         m_run->sheet.reset();
         m_run->update.reset(); // closes the workbook that is about to be replaced
-        if (!done) {
-            fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(m_run->file));
-        } else if (commit() && m_params.runExcel) {
+        if (runIsGood() && commit() && m_params.runExcel) {
             recalculate();
         }
     } else if (m_run->isFirst && m_run->isComplete && updatesInPlace()) {

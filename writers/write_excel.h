@@ -57,7 +57,8 @@ private:
     bool writeMember(const char *name, const QByteArray &content);
     bool writeRow(const OneRow *row);
     bool failOn(SheetWriter::Error error);
-    bool finishNewWorkbook();
+    bool finishSheet();
+    bool finishWorkbook();
     std::optional<sheet::NamedRange> namedRange() const;
     QString makeSheetName();
     QString qtDateFormat() const;
@@ -75,7 +76,7 @@ private:
     void addSheet();
     void addStyles(SheetOptions *options);
     bool failUpdate(const Fault<WorkbookUpdate::Problem> &fault);
-    bool finishUpdate();
+    bool finishUpdatedWorkbook();
     bool commit();
     void swapNothing();
     bool swap(const QString &temporary, const QString &target);

@@ -199,17 +199,14 @@ void ActionWriteExcel::addStyles(SheetOptions *options)
     options->firstDay = update.workbook().has1904Dates ? kSerialOf1904 : 0;
 }
 
-bool ActionWriteExcel::finishUpdate()
+bool ActionWriteExcel::finishUpdatedWorkbook()
 {
     xlsx::WorkbookChange change;
     change.recalculate = m_params.forceRecompute || m_params.runExcel;
     if (const auto range = namedRange()) {
         change.definedName = xlsx::DefinedName{range->name, sheet::rangeReference(*range)};
     }
-    WorkbookUpdate &update = *m_run->update;
-    package::PackageWriter &output = m_run->output.writer();
-    return update.finishSheet(output, *m_run->sheet) &&
-           update.finishWorkbook(output, *m_run->sheet, change);
+    return bool(m_run->update->finishWorkbook(m_run->output.writer(), *m_run->sheet, change));
 }
 
 /// Put the finished package in its place; false, with the run failed, when that was not possible.
@@ -268,7 +265,10 @@ void ActionWriteExcel::swapNothing()
 void ActionWriteExcel::recalculate()
 {
     const QString folder = globalParameters()->workingDir();
-    if (!recalculateWorkbook(m_run->file, folder, getIdx(), [this] { return pause(0); })) {
+    // A swap of nothing has failed this run, and the workbook is recalculated all the same; a run
+    // that was stopped or that failed elsewhere asks for a yield too.
+    const auto mayGoOn = [this] { return runIsGood() || !yieldRequested(); };
+    if (!recalculateWorkbook(m_run->file, folder, getIdx(), mayGoOn)) {
         warn(u"Warning: cannot run MS-Excel to finalize XLSX file '%1'\n"_s.arg(m_run->file));
     }
 }

@@ -134,21 +134,4 @@ QByteArray workbook(const QString &sheetName, const QByteArray &definedNames)
     return xml + "</workbook>";
 }
 
-QByteArray relationshipsHead()
-{
-    return XML_DECLARATION "<Relationships xmlns=\"" PACKAGE_RELS "\">";
-}
-
-QByteArray relationshipsTail()
-{
-    return "</Relationships>";
-}
-
-QByteArray hyperlinkRelationship(qint64 number, const QString &url)
-{
-    // A double quote would end the attribute; it is not allowed in a URL and stands as its escape.
-    return "<Relationship Type=\"" OFFICE_RELS "/hyperlink\" Id=\"rId" + QByteArray::number(number) + "\" Target=\""
-        + escapeXml(url).replace("\"", "&quot;") + "\" TargetMode=\"External\"/>";
-}
-
 } // namespace corvanta::sheet

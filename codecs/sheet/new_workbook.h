@@ -58,9 +58,4 @@ QByteArray workbook(const QString &sheetName, const QByteArray &definedNames);
 /// A sheet name as it stands in workbook.xml: "&" and the double quote escaped, nothing else.
 QByteArray escapeSheetName(const QString &name);
 
-/// Start and end of a relationship part, and one hyperlink in it.
-QByteArray relationshipsHead();
-QByteArray relationshipsTail();
-QByteArray hyperlinkRelationship(qint64 number, const QString &url);
-
 } // namespace corvanta::sheet

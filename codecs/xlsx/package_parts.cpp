@@ -121,6 +121,22 @@ QByteArray resolvedTarget(const QByteArray &source, const QString &target)
     return steps.join('/');
 }
 
+QString relationshipType(const Family &family, const char *kind)
+{
+    return QString::fromLatin1(family.relationships) + QLatin1Char('/') + QLatin1String(kind);
+}
+
+std::vector<Relationship> hyperlinkRelationships(const QStringList &addresses, const Family &family,
+                                                 quint64 taken)
+{
+    const QString type = relationshipType(family, "hyperlink");
+    std::vector<Relationship> links;
+    for (const QString &address : addresses) {
+        links.push_back({"rId" + QByteArray::number(++taken), type, address, true});
+    }
+    return links;
+}
+
 Result<std::vector<Relationship>, Error> readRelationships(QByteArrayView text)
 {
     const auto outline = readRootedIn(text, "Relationships");

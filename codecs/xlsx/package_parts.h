@@ -2,8 +2,10 @@
 // What holds a package's parts together: member names, relationships, content types.
 #pragma once
 #include "codecs/xlsx/markup_scan.h"
+#include "codecs/xlsx/namespaces.h"
 
 #include <QHash>
+#include <QStringList>
 
 #include <vector>
 
@@ -42,6 +44,13 @@ struct Relationship
     QString target;
     bool isExternal = false;
 };
+
+/// The type of the relationships to parts or addresses of one kind, "hyperlink" for example.
+QString relationshipType(const Family &family, const char *kind);
+
+/// Hyperlinks to `addresses`, with the ids behind "rId" + `taken`.
+std::vector<Relationship> hyperlinkRelationships(const QStringList &addresses, const Family &family,
+                                                 quint64 taken);
 
 /// Errors: Encoding, Malformed, Unexpected (the root is no Relationships element), TooLarge.
 Result<std::vector<Relationship>, Error> readRelationships(QByteArrayView text);

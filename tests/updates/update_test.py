@@ -1,17 +1,19 @@
 #!/usr/bin/python3
 """Workbooks updated in place and copied: update_test.py CORVANTA"""
+import os
 import pathlib
 import re
 import resource
 import shutil
 import signal
 import stat
+import subprocess
 import sys
 import tempfile
 import unittest
 import xml.etree.ElementTree as ElementTree
 
-from workbooks import MAIN, OFFICE, files, members, odd_parts, plain_parts, run_update, write_workbook
+from workbooks import IN_CSV, MAIN, OFFICE, files, members, odd_parts, plain_parts, run_update, write_workbook
 
 CORVANTA = sys.argv.pop(1)
 SHEET = f"{{{MAIN}}}"
@@ -231,28 +233,58 @@ class Messages(UpdateCase):
         header = "id,name,day,link\n"
         write_workbook(self.book, plain_parts())
         before = self.book.read_bytes()
-        status, messages = self.update("mode='2' sheetName='Data'", csv=header)
+        program = self.folder / "soffice"
+        program.write_text(f"#!/bin/sh\necho >> {self.folder}/started\nexit 3\n")
+        program.chmod(0o755)
+        status, messages = self.update("mode='2' sheetName='Data' runExcel='1'", csv=header, environment={"PATH": str(self.folder)})
         self.assertEqual(status, 1)
+        # The recalculation runs nevertheless.
+        self.assertEqual(messages.pop(), "Warning: cannot run MS-Excel to finalize XLSX file 'book.xlsx'\n")
+        self.assertEqual((self.folder / "started").read_text(), "\n")
         pair = r"'book\.xlsx_tmp_1_\d+' to 'book\.xlsx'"
         for message in messages[:-1]:
             self.assertRegex(message, f"^WARNING: failed attempt to rename {pair}$")
         self.assertEqual(len(messages), 6)
         self.assertRegex(messages[-1], f"^ERROR: impossible to rename {pair}$")
-        self.assertEqual((self.book.read_bytes(), files(self.folder)), (before, ["book.xlsx"]))
+        self.assertEqual((self.book.read_bytes(), files(self.folder)), (before, ["book.xlsx", "soffice", "started"]))
         self.assertEqual(self.update("mode='4' fileNameSource='book.xlsx'", csv=header), (0, []))
         self.assertEqual(self.book.read_bytes(), before)
 
 
 class Surroundings(UpdateCase):
     def test_a_full_disk_leaves_the_workbook(self):
+        rows = IN_CSV + "".join(f"{n},{n * n * 7919 % 1000003},,\n" for n in range(5000))
+        for mode in (0, 1):
+            self.assertEqual(self.update(f"mode='{mode}'", plain_parts(), csv=rows), (0, []))
+            size = self.book.stat().st_size
+            # Full at the start, when the rows come out of the compressor, and with the last bytes.
+            for most, verb in ((900, "write to"), (size - 15000, "write to"), (size - 10, "finalize")):
+                def limit():
+                    signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+                    resource.setrlimit(resource.RLIMIT_FSIZE, (most, most))
+                with self.subTest(mode=mode, most=most):
+                    write_workbook(self.book, plain_parts())
+                    before = self.book.read_bytes()
+                    done = self.update(f"mode='{mode}'", csv=rows, limit=limit)
+                    self.assertEqual(done, (1, [f"\nERROR: cannot {verb} XLSX file 'book.xlsx'\n"]))
+                    self.assertEqual((self.book.read_bytes(), files(self.folder)), (before, ["book.xlsx"]))
+
+    def test_a_file_that_may_not_be_written_stays(self):
         def limit():
-            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
-            resource.setrlimit(resource.RLIMIT_FSIZE, (900, 900))
-        write_workbook(self.book, plain_parts())
-        before = self.book.read_bytes()
-        status, messages = self.update("mode='1'", limit=limit)
-        self.assertEqual((status, messages), (1, ["\nERROR: cannot write to XLSX file 'book.xlsx'\n"]))
-        self.assertEqual((self.book.read_bytes(), files(self.folder)), (before, ["book.xlsx"]))
+            if os.geteuid() == 0:
+                os.setuid(65534)
+        try:
+            subprocess.run([CORVANTA, "--version"], preexec_fn=limit, check=True, capture_output=True)
+        except (OSError, subprocess.CalledProcessError):
+            self.skipTest("the program cannot be run by another user")
+        self.folder.chmod(0o777)
+        for mode in (0, 1):
+            write_workbook(self.book, plain_parts())
+            self.book.chmod(0o444)
+            before = self.book.read_bytes()
+            self.assertEqual(self.update(f"mode='{mode}'", limit=limit), (1, ["\nERROR writing to Excel file 'book.xlsx'\n"]))
+            self.assertEqual((self.book.read_bytes(), files(self.folder)), (before, ["book.xlsx"]))
+            self.book.chmod(0o644)
 
     def test_network_drives_get_the_same_bytes(self):
         contents = []
