@@ -124,7 +124,8 @@ const OneRow *ActionItem::getNextRowFromInPin(int pin)
 
 const OneRow *ActionItem::getInputColumns(int pin)
 {
-    return m_ports->in(pin).columns();
+    static const OneRow kNoColumns; // of a pin that nobody links, above the highest linked one
+    return pin < m_ports->pinsIn() ? m_ports->in(pin).columns() : &kNoColumns;
 }
 
 OneRow *ActionItem::getOutputRowForOutputPin(int pin)
