@@ -27,7 +27,8 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
             .meaning("Loads the whole memo file into memory. Off: it is read through a buffer."),
         flag("level7", &P::level7)
             .label("dBase level 7 or above")
-            .meaning("The tables have the longer header of dBase 7 and above."),
+            .meaning("The tables have the longer header of dBase 7 and above. Tables whose "
+                     "descriptors make sense in one way only are read right either way."),
     };
     return table;
 }

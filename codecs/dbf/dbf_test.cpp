@@ -291,32 +291,30 @@ TEST(DbfCorpus, TablesWithoutGoldenContent)
     struct Case
     {
         const char *name;
-        bool isLevel7;
         size_t rows;
         size_t columns;
         const char *first;
     };
     const Case cases[] = {
-        {"mazovia", false, 2, 2, "2020-01-04|English"},
-        {"myfileafter-corrupted", false, 1, 21, nullptr},
-        {"wrong-exented-character-field", false, 16, 10,
+        {"mazovia", 2, 2, "2020-01-04|English"},
+        {"myfileafter-corrupted", 1, 21, nullptr},
+        {"wrong-exented-character-field", 16, 10,
          "GEO_1|GeoFlg0061|0|25710.59|1.0000|2.00|0.00|2000.00|0|-"},
-        {"continents-null-header-record-terminator", false, 7, 1, nullptr},
-        {"continents_no_header_record_terminator", false, 7, 1, nullptr},
-        {"dbase_02", false, 9, 14,
+        {"continents-null-header-record-terminator", 7, 1, nullptr},
+        {"continents_no_header_record_terminator", 7, 1, nullptr},
+        {"dbase_02", 9, 14,
          "2|Stegman|Joe|4421 W 166th ST|LAWNDALE|90260-|370-4846|257-89-9632|07/31/82|  /  "
          "/|TEC|TCH|6.000|6.000"},
-        {"dbase_03_cyrillic", false, 2, 2, nullptr},
-        {"dbase_32", false, 1, 1, "-"},
-        {"dbase_7", true, 3, 4, nullptr},
-        {"dbase_f5", false, 975, 59, nullptr},
-        {"polygon", false, 1, 0, ""},
-        {"test_delete", true, 2, 1, "john"},
+        {"dbase_03_cyrillic", 2, 2, nullptr},
+        {"dbase_32", 1, 1, "-"},
+        {"dbase_7", 3, 4, "-|20150223|DFG|1"},
+        {"dbase_f5", 975, 59, nullptr},
+        {"polygon", 1, 0, ""},
+        {"test_delete", 2, 1, "john"},
     };
     for (const Case &c : cases) {
         const Table table = read({.table = bytesOf(test::corpusFile(
-                                      QStringLiteral("dbf/%1.dbf").arg(QLatin1String(c.name)))),
-                                  .isLevel7 = c.isLevel7});
+                                      QStringLiteral("dbf/%1.dbf").arg(QLatin1String(c.name))))});
         ASSERT_FALSE(table.fault) << c.name << ": " << table.fault->detail.toStdString();
         EXPECT_EQ(table.rows.size(), c.rows) << c.name;
         EXPECT_EQ(table.names.size(), c.columns) << c.name;
@@ -329,21 +327,19 @@ TEST(DbfCorpus, TablesWithoutGoldenContent)
     struct Refused
     {
         const char *name;
-        bool isLevel7;
         Error error;
         const char *detail;
     };
     const Refused refused[] = {
-        {"books", false, Error::UnsupportedField, "YPURCHASE_P"},
-        {"dbase_31", false, Error::UnsupportedField, "YUNITPRICE"},
-        {"foxpro_currency_01", false, Error::UnsupportedField, "Ycurrencyp"},
-        {"vfp_employees", false, Error::UnsupportedField, "YBILLINGRAT"},
-        {"dbase_8c", true, Error::UnsupportedField, "GOLE Graphic"},
+        {"books", Error::UnsupportedField, "YPURCHASE_P"},
+        {"dbase_31", Error::UnsupportedField, "YUNITPRICE"},
+        {"foxpro_currency_01", Error::UnsupportedField, "Ycurrencyp"},
+        {"vfp_employees", Error::UnsupportedField, "YBILLINGRAT"},
+        {"dbase_8c", Error::UnsupportedField, "GOLE Graphic"},
     };
     for (const Refused &c : refused) {
         const Table table = read({.table = bytesOf(test::corpusFile(
-                                      QStringLiteral("dbf/%1.dbf").arg(QLatin1String(c.name)))),
-                                  .isLevel7 = c.isLevel7});
+                                      QStringLiteral("dbf/%1.dbf").arg(QLatin1String(c.name))))});
         ASSERT_TRUE(table.fault) << c.name;
         EXPECT_EQ(table.fault->code, c.error) << c.name;
         EXPECT_EQ(table.fault->detail.toStdString(), c.detail) << c.name;
@@ -381,21 +377,65 @@ TEST(Dbf, EveryFieldType)
     }
 }
 
-TEST(Dbf, IntegersOfLevel7InBothForms)
+TEST(Dbf, NumbersOfLevel7InBothForms)
 {
-    const std::vector<FieldSpec> fields = {{"A name longer than eleven bytes", '+', 4},
-                                           {"I", 'I', 4}};
-    const Table own = read({.table = makeTable(4, fields,
-                                               {QByteArray("\x80\0\0\1\x7F\xFF\xFF\xFE", 8),
-                                                QByteArray("\x80\0\1\0\x80\0\0\5", 8)},
-                                               true),
-                            .isLevel7 = true});
-    EXPECT_EQ(own.names[0], "A name longer than eleven bytes");
-    EXPECT_EQ(own.rows, (std::vector<Row>{{"1", "-2"}, {"256", "5"}}));
-    const Table plain =
-        read({.table = makeTable(4, fields, {le32(1) + le32(-2), le32(256) + le32(5)}, true),
-              .isLevel7 = true});
-    EXPECT_EQ(plain.rows, own.rows);
+    const std::vector<FieldSpec> fields = {
+        {"A name longer than eleven bytes", '+', 4}, {"I", 'I', 4}, {"O", 'O', 8}, {"AT", '@', 8}};
+    const auto be64 = [](quint64 value) {
+        QByteArray bytes(8, '\0');
+        storeBE(value, bytes.data());
+        return bytes;
+    };
+    const auto own = [&](double value) {
+        const auto bits = std::bit_cast<quint64>(value);
+        return be64(value < 0 ? ~bits : bits | quint64(1) << 63);
+    };
+    const QByteArray noon = le32(2451773) + le32(62'501'310); // 2000-08-16 17:21:41.310
+    const QByteArray plain = makeTable(4, fields,
+                                       {le32(1) + le32(-2) + le64(0.25) + noon,
+                                        le32(256) + le32(0) + le64(-1e100) + QByteArray(8, '\0')},
+                                       true);
+    const QByteArray sorting = makeTable(
+        4, fields,
+        {QByteArray("\x80\0\0\1\x7F\xFF\xFF\xFE", 8) + own(0.25) + be64(0x42CCB20E0340DF00),
+         QByteArray("\x80\0\1\0\x80\0\0\0", 8) + own(-1e100) + be64(0), QByteArray(24, '\0')},
+        true);
+    std::vector<Row> rows = {{"1", "-2", "0.25", "20000816 17:21:41"},
+                             {"256", "0", "-1e+100", "-"}};
+    const Table table = read({.table = plain, .isLevel7 = true});
+    EXPECT_EQ(table.names[0], "A name longer than eleven bytes");
+    EXPECT_EQ(table.rows, rows);
+    rows.push_back(Row(4, "-")); // all zeros: no number was entered
+    EXPECT_EQ(read({.table = sorting, .isLevel7 = true}).rows, rows);
+    for (size_t i = 0; i < fields.size(); ++i) { // each type tells the form on its own
+        QByteArray record = sorting.mid(68 + 4 * 48 + 1 + 1);
+        record = record.mid(qsizetype(i < 2 ? i * 4 : i * 8 - 8), fields[i].length);
+        EXPECT_EQ(read({.table = makeTable(4, {fields[i]}, {record}, true)}).rows.at(0).at(0),
+                  rows[0][i]);
+    }
+}
+
+TEST(Dbf, TheLayoutThatMakesUpTheRecordIsTaken)
+{
+    const std::vector<FieldSpec> fields = {{"first", 'C', 2}, {"second", 'N', 3}};
+    for (const bool isLevel7 : {false, true}) {
+        QByteArray table = makeTable(isLevel7 ? 4 : 3, fields, {"ab 12"}, isLevel7);
+        for (const QByteArray &driver : {QByteArray(8, '\0'), QByteArray("DB437US0")}) {
+            if (isLevel7) {
+                table.replace(32, 8, driver);
+            }
+            for (const bool isAskedFor : {false, true}) {
+                const Table result = read({.table = table, .isLevel7 = isAskedFor});
+                EXPECT_EQ(result.names, (std::vector<std::string>{"first", "second"}));
+                EXPECT_EQ(result.rows, (std::vector<Row>{{"ab", "12"}}));
+            }
+        }
+        // Padding behind the fields fits neither layout: then the parameter decides.
+        storeLE<quint16>(16, table.data() + 10);
+        table += QByteArray(16, ' ');
+        EXPECT_EQ(read({.table = table, .isLevel7 = isLevel7}).names.size(), 2U);
+        EXPECT_TRUE(read({.table = table, .isLevel7 = !isLevel7}).names.empty());
+    }
 }
 
 TEST(Dbf, Encodings)
@@ -482,8 +522,6 @@ TEST(Dbf, HeadersThatCannotBe)
     QByteArray beyond = good;
     storeLE<quint16>(0xFFFF, beyond.data() + 8);
     EXPECT_EQ(read({.table = beyond}).fault->code, Error::ShortHeader);
-    const QByteArray level7 = makeTable(4, {{"a", 'C', 2}}, {"r1"}, true);
-    EXPECT_TRUE(read({.table = level7}).fault || read({.table = level7}).names.empty());
     EXPECT_EQ(read({.table = makeTable(3, {}, {""})}).rows.size(), 1U); // no columns
     QByteArray longText = makeTable(0x30, {{"a", 'C', 44}}, {});
     longText[32 + 17] = 1; // 300 bytes

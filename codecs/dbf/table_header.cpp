@@ -23,28 +23,24 @@ namespace corvanta::dbf {
 
 namespace {
 
-constexpr int kFixedBytes = 32;
-constexpr int kFixedBytesLevel7 = 68;
-constexpr int kDbase2FixedBytes = 8;
 constexpr int kDbase2HeaderBytes = 521;
 constexpr char kTerminator = 0x0D;
 constexpr uchar kMemoBit = 0x80;
 constexpr uchar kDbase2 = 0x02;
-constexpr uchar kLevelMask = 0x07;
-constexpr uchar kLevel7 = 4;
 
-/// Where a descriptor keeps what.
-struct DescriptorLayout
+/// Where the descriptors start, and where a descriptor keeps what.
+struct Layout
 {
+    int fixedBytes; // in front of the descriptors
     int bytes;
     int nameBytes;
     int typeAt;
     int lengthAt;
     int decimalsAt;
 };
-constexpr DescriptorLayout kUsual{32, 11, 11, 16, 17};
-constexpr DescriptorLayout kLevel7Layout{48, 32, 32, 33, 34};
-constexpr DescriptorLayout kDbase2Layout{16, 11, 11, 12, 15};
+constexpr Layout kUsual{32, 32, 11, 11, 16, 17};
+constexpr Layout kLevel7{68, 48, 32, 32, 33, 34};
+constexpr Layout kDbase2Layout{8, 16, 11, 11, 12, 15};
 
 bool isFoxProVersion(uchar version)
 {
@@ -95,25 +91,6 @@ TypeRule ruleOf(char type, bool isFoxPro)
     }
 }
 
-/// All fields in file order, skipped ones too, with offsets as if every length were its low byte.
-std::vector<Field> readFields(QByteArrayView descriptors, const DescriptorLayout &layout)
-{
-    std::vector<Field> fields;
-    for (qsizetype at = 0; at + layout.bytes <= descriptors.size(); at += layout.bytes) {
-        const char *const descriptor = descriptors.data() + at;
-        if (descriptor[0] == kTerminator || descriptor[0] == '\0') {
-            break;
-        }
-        Field field;
-        field.name =
-            QByteArray(descriptor, qstrnlen(descriptor, static_cast<size_t>(layout.nameBytes)));
-        field.type = descriptor[layout.typeAt];
-        field.length = static_cast<uchar>(descriptor[layout.lengthAt]);
-        fields.push_back(field);
-    }
-    return fields;
-}
-
 /// Place the fields one after the other; the bytes of a record, deletion flag included.
 int placeFields(std::vector<Field> &fields)
 {
@@ -125,21 +102,59 @@ int placeFields(std::vector<Field> &fields)
     return offset;
 }
 
+/// What the descriptors say in one layout.
+struct Described
+{
+    std::vector<Field> fields; ///< in file order, skipped ones too
+    int recordBytes = 0;       ///< that the fields make up
+};
+
+/// All lengths are taken for single bytes.
+Described readDescriptors(QByteArrayView header, const Layout &layout)
+{
+    Described described;
+    for (qsizetype at = layout.fixedBytes; at + layout.bytes <= header.size(); at += layout.bytes) {
+        const char *const descriptor = header.data() + at;
+        if (descriptor[0] == kTerminator || descriptor[0] == '\0') {
+            break;
+        }
+        Field field;
+        field.name =
+            QByteArray(descriptor, qstrnlen(descriptor, static_cast<size_t>(layout.nameBytes)));
+        field.type = descriptor[layout.typeAt];
+        field.length = static_cast<uchar>(descriptor[layout.lengthAt]);
+        described.fields.push_back(field);
+    }
+    described.recordBytes = placeFields(described.fields);
+    return described;
+}
+
 /// Clipper and FoxPro keep the high byte of a long text's length in the place of the decimals.
 /// Others leave garbage there, so that this counts only where the record's length asks for it.
-void tryLongTexts(std::vector<Field> &fields, QByteArrayView descriptors,
-                  const DescriptorLayout &layout, int recordBytes)
+Described withLongTexts(Described described, QByteArrayView header, const Layout &layout)
 {
-    std::vector<Field> longer = fields;
-    for (size_t i = 0; i < longer.size(); ++i) {
-        if (longer[i].type == 'C') {
-            const qsizetype at = static_cast<qsizetype>(i) * layout.bytes + layout.decimalsAt;
-            longer[i].length += static_cast<uchar>(descriptors[at]) << 8;
+    qsizetype at = layout.fixedBytes + layout.decimalsAt;
+    for (Field &field : described.fields) {
+        if (field.type == 'C') {
+            field.length += static_cast<uchar>(header[at]) << 8;
+        }
+        at += layout.bytes;
+    }
+    described.recordBytes = placeFields(described.fields);
+    return described;
+}
+
+/// The descriptors in the way that makes up the record's length, if there is one.
+Described describe(QByteArrayView header, const Layout &layout, int recordBytes)
+{
+    Described described = readDescriptors(header, layout);
+    if (described.recordBytes != recordBytes && &layout == &kUsual) {
+        Described longer = withLongTexts(described, header, layout);
+        if (longer.recordBytes == recordBytes) {
+            return longer;
         }
     }
-    if (placeFields(longer) == recordBytes) {
-        fields = std::move(longer);
-    }
+    return described;
 }
 
 Fault<Error> badHeader(const QString &why, qint64 offset)
@@ -165,30 +180,6 @@ Result<void, Error> chooseColumns(const std::vector<Field> &fields, TableHeader 
     return {};
 }
 
-Result<TableHeader, Error> parse(QByteArrayView bytes, int fixedBytes,
-                                 const DescriptorLayout &layout, TableHeader header)
-{
-    const QByteArrayView descriptors = bytes.sliced(std::min<qsizetype>(fixedBytes, bytes.size()));
-    std::vector<Field> fields = readFields(descriptors, layout);
-    int used = placeFields(fields);
-    if (used != header.recordBytes && layout.bytes == kUsual.bytes) {
-        tryLongTexts(fields, descriptors, layout, header.recordBytes);
-        used = placeFields(fields);
-    }
-    if (used > header.recordBytes) {
-        const bool looksLevel7 = (header.version & kLevelMask) == kLevel7 && !header.isLevel7;
-        return badHeader(
-            looksLevel7 ? QStringLiteral("it looks like a dBase 7 table (see the parameter level7)")
-                        : QStringLiteral("its fields do not fit its record length"),
-            10);
-    }
-    auto chosen = chooseColumns(fields, &header);
-    if (!chosen) {
-        return chosen.fault();
-    }
-    return header;
-}
-
 /// A table of version 02 may have the layout of dBase II or the later one. It is dBase II when its
 /// descriptors, read that way, make up its record length.
 std::optional<TableHeader> parseDbase2(QByteArrayView bytes)
@@ -202,12 +193,43 @@ std::optional<TableHeader> parseDbase2(QByteArrayView bytes)
     header.recordCount = loadLE<quint16>(bytes.data() + 1);
     header.headerBytes = kDbase2HeaderBytes;
     header.recordBytes = loadLE<quint16>(bytes.data() + 6);
-    std::vector<Field> fields = readFields(bytes.sliced(kDbase2FixedBytes), kDbase2Layout);
-    if (fields.empty() || placeFields(fields) != header.recordBytes) {
+    const Described described = readDescriptors(bytes.first(kDbase2HeaderBytes), kDbase2Layout);
+    if (described.fields.empty() || described.recordBytes != header.recordBytes ||
+        !chooseColumns(described.fields, &header)) {
         return std::nullopt;
     }
-    auto parsed = parse(bytes.first(kDbase2HeaderBytes), kDbase2FixedBytes, kDbase2Layout, header);
-    return parsed ? std::optional(*parsed) : std::nullopt;
+    return header;
+}
+
+/// The layout that is asked for, but the other one when only that makes up the record's length: who
+/// reads a table need not know which program wrote it.
+Result<TableHeader, Error> parse(QByteArrayView bytes, TableHeader header)
+{
+    const auto fits = [&](const Described &described) {
+        return !described.fields.empty() && described.recordBytes == header.recordBytes;
+    };
+    const auto layoutOf = [](bool isLevel7) -> const Layout & {
+        return isLevel7 ? kLevel7 : kUsual;
+    };
+    Described described = describe(bytes, layoutOf(header.isLevel7), header.recordBytes);
+    if (!fits(described)) {
+        Described other = describe(bytes, layoutOf(!header.isLevel7), header.recordBytes);
+        if (fits(other)) {
+            described = std::move(other);
+            header.isLevel7 = !header.isLevel7;
+        }
+    }
+    if (bytes.size() < layoutOf(header.isLevel7).fixedBytes) {
+        return badHeader(QStringLiteral("its header or record length is not possible"), 8);
+    }
+    if (described.recordBytes > header.recordBytes) {
+        return badHeader(QStringLiteral("its fields do not fit its record length"), 10);
+    }
+    auto chosen = chooseColumns(described.fields, &header);
+    if (!chosen) {
+        return chosen.fault();
+    }
+    return header;
 }
 
 /// Read on until `bytes` has `n` bytes, as far as the file goes.
@@ -247,7 +269,7 @@ bool TableHeader::announcesMemoFile() const
 Result<TableHeader, Error> readTableHeader(ByteSource &source, bool isLevel7)
 {
     QByteArray bytes;
-    auto read = extend(source, &bytes, kFixedBytes);
+    auto read = extend(source, &bytes, kUsual.fixedBytes);
     if (read && bytes.startsWith(static_cast<char>(kDbase2))) {
         read = extend(source, &bytes, kDbase2HeaderBytes);
         const auto dbase2 = read ? parseDbase2(bytes) : std::nullopt;
@@ -258,7 +280,7 @@ Result<TableHeader, Error> readTableHeader(ByteSource &source, bool isLevel7)
     if (!read) {
         return read.fault();
     }
-    if (bytes.size() < kFixedBytes) {
+    if (bytes.size() < kUsual.fixedBytes) {
         return shortHeader(bytes.size());
     }
     TableHeader header;
@@ -268,8 +290,7 @@ Result<TableHeader, Error> readTableHeader(ByteSource &source, bool isLevel7)
     header.recordCount = loadLE<quint32>(bytes.constData() + 4);
     header.headerBytes = loadLE<quint16>(bytes.constData() + 8);
     header.recordBytes = loadLE<quint16>(bytes.constData() + 10);
-    const int fixedBytes = isLevel7 ? kFixedBytesLevel7 : kFixedBytes;
-    if (header.headerBytes < fixedBytes || header.recordBytes == 0) {
+    if (header.headerBytes < kUsual.fixedBytes || header.recordBytes == 0) {
         return badHeader(QStringLiteral("its header or record length is not possible"), 8);
     }
     read = extend(source, &bytes, header.headerBytes);
@@ -282,8 +303,7 @@ Result<TableHeader, Error> readTableHeader(ByteSource &source, bool isLevel7)
     if (bytes.size() > header.headerBytes && !source.seek(header.headerBytes)) {
         return Fault<Error>{Error::Unreadable, {}, header.headerBytes};
     }
-    return parse(QByteArrayView(bytes).first(header.headerBytes), fixedBytes,
-                 isLevel7 ? kLevel7Layout : kUsual, header);
+    return parse(QByteArrayView(bytes).first(header.headerBytes), header);
 }
 
 } // namespace corvanta::dbf

@@ -62,7 +62,8 @@ struct TableHeader
 };
 
 /// Read the header from the source's start; afterwards the source stands at the first record.
-/// `isLevel7`: take the longer header and descriptors of dBase 7.
+/// `isLevel7`: take the longer header and descriptors of dBase 7. When the descriptors do not make
+/// up the record's length that way, but do the other way, the other way is taken.
 /// Errors: ShortHeader, BadHeader, UnsupportedField (detail: the type letter and the field's name),
 /// Unreadable.
 Result<TableHeader, Error> readTableHeader(ByteSource &source, bool isLevel7);

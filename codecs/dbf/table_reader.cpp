@@ -2,8 +2,12 @@
 // stands behind the last record.
 //
 // Binary fields: I and + 32-bit little-endian; B, O and 0 double, little-endian; T and @ Julian day
-// and milliseconds since midnight, 32-bit little-endian. dBase 7 itself writes I and + big-endian
-// with the top bit inverted, so that they sort as bytes.
+// and milliseconds since midnight, 32-bit little-endian.
+//
+// dBase 7 itself writes them big-endian, so that they sort as bytes; all zeros is an empty field:
+//   I +   the top bit inverted
+//   O     a double, the top bit inverted when it is positive, all bits inverted when it is negative
+//   @     a double, milliseconds since the day before 0001-01-01
 #include "codecs/dbf/table_reader.h"
 
 #include "base/bytes.h"
@@ -22,7 +26,7 @@ constexpr char kDeleted = '*';
 constexpr char kNotDeleted = ' ';
 constexpr char kEndMark = 0x1A;
 constexpr quint32 kSignBit = 0x80000000U;
-/// Records that tell the form of a dBase 7 table's integers: always as many, whatever the buffer's
+/// Records that tell the form of a dBase 7 table's numbers: always as many, whatever the buffer's
 /// size.
 constexpr qint64 kVotingRecords = 64;
 
@@ -59,6 +63,52 @@ char *putDigits(char *out, int value, int digits)
         value /= 10;
     }
     return out + digits;
+}
+
+bool isZero(const char *bytes, int n)
+{
+    return std::all_of(bytes, bytes + n, [](char c) { return c == '\0'; });
+}
+
+/// What the bytes of one number speak for.
+struct Votes
+{
+    int sorting = 0; ///< dBase 7's own form
+    int plain = 0;   ///< little-endian
+};
+
+/// Numbers are mostly small and times not far away; the first and the last byte tell then.
+Votes votesOf(Conversion conversion, const char *bytes, int length)
+{
+    const auto byte = [bytes](int at) { return static_cast<uchar>(bytes[at]); };
+    const auto isCommonExponent = [](int top) {
+        return (top & 0x7F) >= 0x3F && (top & 0x7F) <= 0x41;
+    };
+    switch (conversion) {
+    case Conversion::Integer:
+    case Conversion::Key:
+        if (length >= 4 && !isZero(bytes, 4)) {
+            return {byte(0) == 0x80 || byte(0) == 0x7F, byte(3) == 0x00 || byte(3) == 0xFF};
+        }
+        break;
+    case Conversion::Double:
+        if (length >= 8 && !isZero(bytes, 8)) {
+            return {isCommonExponent(byte(0) >= 0x80 ? byte(0) : ~byte(0)),
+                    isCommonExponent(byte(7))};
+        }
+        break;
+    case Conversion::Timestamp:
+        if (length >= 8 && !isZero(bytes, 8)) {
+            return {byte(0) == 0x42, byte(3) == 0x00};
+        }
+        break;
+    case Conversion::Text:
+    case Conversion::Digits:
+    case Conversion::Memo:
+    case Conversion::Logical:
+        break;
+    }
+    return {};
 }
 
 struct Date
@@ -107,12 +157,12 @@ TableReader::open(ByteSource &source, const TextDecoder &decoder, bool isLevel7,
     }
     std::unique_ptr<TableReader> reader(
         new TableReader(source, decoder, *std::move(header), bufferBytes));
-    if (isLevel7) {
+    if (reader->header().isLevel7) {
         auto filled = reader->fill();
         if (!filled) {
             return filled.fault();
         }
-        reader->chooseByteOrder();
+        reader->chooseNumberForm();
     }
     return reader;
 }
@@ -136,28 +186,22 @@ Result<qint64, Error> TableReader::fill()
     return static_cast<qint64>(m_end);
 }
 
-/// Tell by the first records which form the 32-bit integers of a dBase 7 table have. Numbers are
-/// mostly small: in dBase's own form they start with 80 or 7F, in the other they end with 00 or FF.
-void TableReader::chooseByteOrder()
+/// Tell by the first records which form the binary numbers of a dBase 7 table have.
+void TableReader::chooseNumberForm()
 {
-    int bigEndian = 0;
-    int littleEndian = 0;
+    Votes votes;
     const auto recordBytes = static_cast<size_t>(m_header.recordBytes);
     const size_t records = std::min({m_end / recordBytes, static_cast<size_t>(kVotingRecords),
                                      static_cast<size_t>(m_header.recordCount)});
     for (size_t at = 0; at < records * recordBytes; at += recordBytes) {
         for (const Field &field : m_header.fields) {
-            const bool isInteger =
-                field.conversion == Conversion::Integer || field.conversion == Conversion::Key;
-            if (isInteger && field.length >= 4) {
-                const auto *const bytes =
-                    reinterpret_cast<const uchar *>(m_buffer.data() + at) + field.offset;
-                bigEndian += bytes[0] == 0x80 || bytes[0] == 0x7F ? 1 : 0;
-                littleEndian += bytes[3] == 0x00 || bytes[3] == 0xFF ? 1 : 0;
-            }
+            const Votes one =
+                votesOf(field.conversion, m_buffer.data() + at + field.offset, field.length);
+            votes.sorting += one.sorting;
+            votes.plain += one.plain;
         }
     }
-    m_isBigEndian = bigEndian > littleEndian;
+    m_hasSortingNumbers = votes.sorting > votes.plain;
 }
 
 Result<bool, Error> TableReader::next()
@@ -240,29 +284,49 @@ quint32 TableReader::logicalKey(const char *bytes, int n)
     }
 }
 
-double TableReader::doubleOf(const char *bytes, int n)
-{
-    return n < cell::kDoubleBytes ? cell::missingDouble()
-                                  : std::bit_cast<double>(loadLE<quint64>(bytes));
-}
-
-quint32 TableReader::integerOf(const Field &field) const
+std::optional<quint32> TableReader::integerOf(const Field &field) const
 {
     const char *const bytes = bytesOf(field);
-    return m_isBigEndian ? loadBE<quint32>(bytes) ^ kSignBit : loadLE<quint32>(bytes);
+    if (field.length < 4 || (m_hasSortingNumbers && isZero(bytes, 4))) {
+        return std::nullopt;
+    }
+    return m_hasSortingNumbers ? loadBE<quint32>(bytes) ^ kSignBit : loadLE<quint32>(bytes);
+}
+
+double TableReader::doubleOf(const Field &field) const
+{
+    const char *const bytes = bytesOf(field);
+    if (field.length < 8 || (m_hasSortingNumbers && isZero(bytes, 8))) {
+        return cell::missingDouble();
+    }
+    if (!m_hasSortingNumbers) {
+        return std::bit_cast<double>(loadLE<quint64>(bytes));
+    }
+    const auto stored = loadBE<quint64>(bytes);
+    constexpr quint64 kTopBit = quint64(1) << 63;
+    return std::bit_cast<double>((stored & kTopBit) != 0 ? stored ^ kTopBit : ~stored);
 }
 
 /// "yyyyMMdd hh:mm:ss" into `out`; empty when the field holds no point in time.
-QByteArrayView TableReader::putTimestamp(const char *bytes, int n, std::array<char, 17> *out)
+QByteArrayView TableReader::putTimestamp(const Field &field, std::array<char, 17> *out) const
 {
     constexpr quint32 kFirstDay = 1721426; // 0001-01-01
     constexpr quint32 kLastDay = 5373484;  // 9999-12-31
     constexpr quint32 kDayMs = 24 * 60 * 60 * 1000;
-    if (n < 8) {
+    constexpr double kLastMs = double(kDayMs) * (kLastDay - kFirstDay + 2);
+    if (field.length < 8) {
         return {};
     }
-    const quint32 julianDay = loadLE<quint32>(bytes);
+    const char *const bytes = bytesOf(field);
+    quint32 julianDay = loadLE<quint32>(bytes);
     quint32 ms = loadLE<quint32>(bytes + 4);
+    if (m_hasSortingNumbers) {
+        const auto stored = std::bit_cast<double>(loadBE<quint64>(bytes));
+        const quint64 whole =
+            stored >= kDayMs && stored < kLastMs ? static_cast<quint64>(stored) : 0;
+        julianDay = kFirstDay - 1 + static_cast<quint32>(whole / kDayMs);
+        ms = static_cast<quint32>(whole % kDayMs);
+    }
     if (julianDay < kFirstDay || julianDay > kLastDay || ms >= kDayMs) {
         return {};
     }

@@ -55,16 +55,16 @@ private:
     TableReader(ByteSource &source, const TextDecoder &decoder, TableHeader header,
                 qint64 bufferBytes);
     Result<qint64, Error> fill();
-    void chooseByteOrder();
+    void chooseNumberForm();
     void endOfCount();
     const char *bytesOf(const Field &field) const { return m_record + field.offset; }
 
     static QByteArrayView trimmedText(const char *bytes, int n);
     static QByteArrayView trimmedDigits(const char *bytes, int n);
-    static QByteArrayView putTimestamp(const char *bytes, int n, std::array<char, 17> *out);
     static quint32 logicalKey(const char *bytes, int n);
-    static double doubleOf(const char *bytes, int n);
-    quint32 integerOf(const Field &field) const;
+    std::optional<quint32> integerOf(const Field &field) const;
+    double doubleOf(const Field &field) const;
+    QByteArrayView putTimestamp(const Field &field, std::array<char, 17> *out) const;
     QByteArrayView memoText(const Field &field);
 
     template <class Arena> const uchar *textCell(QByteArrayView bytes, Arena &arena);
@@ -81,7 +81,7 @@ private:
     MemoFile *m_memo = nullptr;
     std::optional<Fault<Error>> m_fault;
     Findings m_findings;
-    bool m_isBigEndian = false; // level 7: 32-bit integers
+    bool m_hasSortingNumbers = false; // dBase 7's own form of binary numbers
     std::vector<char> m_buffer;
     size_t m_at = 0;
     size_t m_end = 0;
@@ -125,17 +125,18 @@ template <class Arena> const uchar *TableReader::cell(size_t column, Arena &aren
     }
     case Conversion::Logical:
         return numberCell(logicalKey(bytesOf(field), field.length), arena);
-    case Conversion::Integer:
-        return field.length < 4
-                   ? cell::missingDoubleCell()
-                   : numberCell(static_cast<double>(static_cast<qint32>(integerOf(field))), arena);
+    case Conversion::Integer: {
+        const auto value = integerOf(field);
+        return value ? numberCell(static_cast<double>(static_cast<qint32>(*value)), arena)
+                     : cell::missingDoubleCell();
+    }
     case Conversion::Key:
-        return field.length < 4 ? cell::missingKeyCell() : numberCell(integerOf(field), arena);
+        return numberCell(integerOf(field).value_or(cell::kMissingKey), arena);
     case Conversion::Double:
-        return numberCell(doubleOf(bytesOf(field), field.length), arena);
+        return numberCell(doubleOf(field), arena);
     case Conversion::Timestamp: {
         std::array<char, 17> text{};
-        return textCell(putTimestamp(bytesOf(field), field.length, &text), arena);
+        return textCell(putTimestamp(field, &text), arena);
     }
     }
     return nullptr;

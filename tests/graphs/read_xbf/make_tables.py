@@ -20,6 +20,15 @@ def table(version, fields, records, count=None, tail=b"\x1a"):
     return out + b"\r" + b"".join(records) + tail
 
 
+def level7_table(fields, records):
+    """The same in the layout of dBase 7, whose integers sort as bytes."""
+    record_bytes = 1 + sum(length for _, _, length in fields)
+    out = struct.pack("<BxxxIHH20x32s4x", 4, len(records), 69 + 48 * len(fields), record_bytes, b"DB437US0")
+    for name, kind, length in fields:
+        out += struct.pack("<32scB14x", name, kind, length)
+    return out + b"\r" + b"".join(records) + b"\x1a"
+
+
 def foxpro_memos(*texts):
     """A memo file with blocks of 64 bytes; the first text is in block 1."""
     out = struct.pack(">IxxH56x", len(texts) + 1, 64)
@@ -75,6 +84,10 @@ def main():
     put("cut_off/people.dbf", table(0x03, PEOPLE[:2], [r[:-4] for r in (ADA, BOB)], tail=b"")[:-1])
     put("cut_off_gzip/people.dbf.gz", gzip.compress(table(0x03, PEOPLE[:2], [ADA[:-4]]), mtime=0)[:-1])
     put("unsupported/money.dbf", table(0x30, [(b"OK", b"C", 1), (b"MONEY", b"Y", 8)], []))
+
+    numbered = [(b"NAME", b"C", 8), (b"N", b"I", 4)]
+    put("level7/a.dbf", table(0x03, numbered, [ADA[:9] + struct.pack("<i", 7)]))
+    put("level7/b.dbf", level7_table(numbered, [BOB[:9] + struct.pack(">I", 0x80000000 - 7), BOB[:9] + bytes(4)]))
 
     for case, second in (("columns_count", [(b"A", b"C", 1)]), ("columns_name", [(b"A", b"C", 1), (b"%1", b"C", 1)]),
                          ("columns_type", [(b"A", b"C", 1), (b"B", b"L", 1)])):
