@@ -36,16 +36,18 @@ QByteArray read(QByteArrayView table, QByteArrayView memoBytes, uint8_t options,
     if (!reader) {
         return all;
     }
-    auto memo = MemoFile::open(memoSource, memoFormatOf((*reader)->header()), access, 1);
-    if (memo) {
-        (*reader)->setMemoFile(memo->get());
-    }
+    MemoFile memo(memoSource, memoFormatOf((*reader)->header()), access, 1);
+    (*reader)->setMemoFile(&memo);
     const auto &columns = (*reader)->columns();
     for (int row = 0; row < kMostRows; ++row) {
-        const auto isThere = (*reader)->next();
-        if (!isThere || !*isThere) {
-            all += isThere ? "end" : "fault";
+        const auto found = (*reader)->next();
+        if (!found || *found == TableReader::Found::End) {
+            all += found ? "end" : "fault";
             break;
+        }
+        if (*found == TableReader::Found::DeletedRecord) {
+            all += "deleted";
+            continue;
         }
         Arena arena;
         for (size_t i = 0; i < columns.size(); ++i) {

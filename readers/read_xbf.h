@@ -19,12 +19,33 @@ public:
     float computeCompletion() override { return m_completion.load(std::memory_order_relaxed); }
 
 private:
+    /// A file that cannot be read on once the run is over: a long read ends with it.
+    struct Input final : ByteSource
+    {
+        Input(const ActionReadXBF &action, const QString &fileName)
+            : name(fileName)
+            , file(action.globalParameters(), fileName, false)
+            , m_action(action)
+        {
+        }
+        qint64 read(void *buffer, qint64 n) override
+        {
+            return m_action.runIsGood() ? file.read(buffer, n) : -1;
+        }
+        qint64 size() override { return file.size(); }
+        bool seek(qint64 offset) override { return file.seek(offset); }
+
+        const QString name; ///< as it was asked for
+        InputFile file;
+
+    private:
+        const ActionReadXBF &m_action;
+    };
     /// One table and what it is read from. Members go in reverse order: each uses those above it.
     struct Table
     {
-        QString file;
-        std::unique_ptr<InputFile> input;
-        std::unique_ptr<InputFile> memoInput;
+        std::unique_ptr<Input> input;
+        std::unique_ptr<Input> memoInput;
         std::unique_ptr<dbf::MemoFile> memo;
         std::unique_ptr<dbf::TableReader> reader;
     };
@@ -41,7 +62,7 @@ private:
         std::unique_ptr<Table> table; // null behind the last one
         QVector<QString> names;       // of the first table
         QVector<MetaInfo> types;
-        int rowsSinceProgress = 0;
+        int recordsSinceProgress = 0;
     };
     enum class Opening { Done, Missing, Failed };
 
@@ -51,13 +72,14 @@ private:
 
     dbf::TextDecoder makeDecoder() const;
     Opening openTable(const QString &file);
-    bool openMemo(Table *table);
+    void openMemo(Table *table);
     bool openNextTable();
     bool checkColumns();
     bool putRow();
     bool finishTable();
     bool drainInput();
     void warnFindings();
+    bool failOnInput(const Input &input, const QString &otherwise);
     bool failOnTable(const Table &table, const Fault<dbf::Error> &fault);
     void updateCompletion();
 

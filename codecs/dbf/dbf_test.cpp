@@ -79,14 +79,10 @@ Table read(const Inputs &inputs, const TextDecoder &decoder = TextDecoder::uncon
         return table;
     }
     MemorySource memoSource(inputs.memo.value_or(QByteArray()));
-    std::unique_ptr<MemoFile> memo;
+    MemoFile memo(memoSource, inputs.format.value_or(memoFormatOf((*reader)->header())),
+                  inputs.access, inputs.bufferBytes);
     if (inputs.memo) {
-        auto opened =
-            MemoFile::open(memoSource, inputs.format.value_or(memoFormatOf((*reader)->header())),
-                           inputs.access, inputs.bufferBytes);
-        EXPECT_TRUE(opened);
-        memo = *std::move(opened);
-        (*reader)->setMemoFile(memo.get());
+        (*reader)->setMemoFile(&memo);
     }
     const auto &columns = (*reader)->columns();
     for (size_t i = 0; i < columns.size(); ++i) {
@@ -95,11 +91,14 @@ Table read(const Inputs &inputs, const TextDecoder &decoder = TextDecoder::uncon
     }
     Arena arena;
     while (true) {
-        auto isThere = (*reader)->next();
-        if (!isThere || !*isThere) {
-            table.fault = isThere ? std::nullopt : std::optional(isThere.fault());
+        const auto found = (*reader)->next();
+        if (!found || *found == TableReader::Found::End) {
+            table.fault = found ? std::nullopt : std::optional(found.fault());
             table.findings = (*reader)->findings();
             return table;
+        }
+        if (*found == TableReader::Found::DeletedRecord) {
+            continue;
         }
         Row row;
         for (size_t i = 0; i < columns.size(); ++i) {

@@ -38,31 +38,32 @@ MemoFormat memoFormatOf(const TableHeader &header)
     return header.isFoxPro ? MemoFormat::FoxPro : MemoFormat::Dbase4;
 }
 
-MemoFile::MemoFile(ByteSource &source, MemoFormat format, qint64 bufferBytes)
+MemoFile::MemoFile(ByteSource &source, MemoFormat format, Access access, qint64 bufferBytes)
     : m_source(source)
     , m_format(format)
-    , m_bufferBytes(bufferBytes)
+    , m_access(access)
+    , m_bufferBytes(std::max(bufferBytes, kRandomReadBytes))
 {
 }
 
-Result<std::unique_ptr<MemoFile>, Error> MemoFile::open(ByteSource &source, MemoFormat format,
-                                                        Access access, qint64 bufferBytes)
+/// What comes before the first text: the block size, and with it the whole file when it is kept in
+/// memory.
+Result<void, Error> MemoFile::prepare()
 {
-    std::unique_ptr<MemoFile> memo(
-        new MemoFile(source, format, std::max(bufferBytes, kRandomReadBytes)));
-    memo->m_size = source.size();
-    if (access == Access::InMemory || memo->m_size < 0) {
-        auto loaded = memo->load();
+    m_size = m_source.size();
+    if (m_access == Access::InMemory || m_size < 0) {
+        auto loaded = load();
         if (!loaded) {
-            return loaded.fault();
+            return loaded;
         }
     }
-    auto head = memo->bytesAt(0, std::min(kHeadBytes, memo->m_size));
+    auto head = bytesAt(0, std::min(kHeadBytes, m_size));
     if (!head) {
         return head.fault();
     }
-    memo->readBlockSize(*head);
-    return memo;
+    readBlockSize(*head);
+    m_isPrepared = true;
+    return {};
 }
 
 Result<void, Error> MemoFile::load()
@@ -76,7 +77,7 @@ Result<void, Error> MemoFile::load()
         m_window.resize(fill + kPiece);
         got = m_source.read(m_window.data() + fill, static_cast<qint64>(kPiece));
         if (got < 0) {
-            return Fault<Error>{Error::Unreadable, {}, static_cast<qint64>(fill)};
+            return Fault<Error>{Error::MemoUnreadable, {}, static_cast<qint64>(fill)};
         }
     }
     m_window.resize(fill);
@@ -110,7 +111,7 @@ MemoFile::View MemoFile::bytesAt(qint64 offset, qint64 n)
         m_windowFill = m_source.seek(offset) ? readFully(m_source, m_window.data(), take) : -1;
         if (m_windowFill < n) {
             m_windowFill = 0;
-            return Fault<Error>{Error::Unreadable, {}, offset};
+            return Fault<Error>{Error::MemoUnreadable, {}, offset};
         }
     }
     return QByteArrayView(m_window.data() + (offset - m_windowAt), n);
@@ -166,6 +167,12 @@ Result<std::optional<QByteArrayView>, Error> MemoFile::countedText(qint64 offset
 
 Result<std::optional<QByteArrayView>, Error> MemoFile::text(quint32 block)
 {
+    if (!m_isPrepared) {
+        auto prepared = prepare();
+        if (!prepared) {
+            return prepared.fault();
+        }
+    }
     const qint64 offset = block * m_blockBytes; // below 2^48
     if (block == 0 || offset >= m_size) {
         return kNoText;

@@ -30,21 +30,18 @@ public:
     enum class Access : quint8 { Buffered, InMemory };
 
     /// `source` must outlive the memo file. Buffered access needs a source that knows its size and
-    /// seeks at no cost. Errors: Unreadable, MemoTooLarge.
-    static Result<std::unique_ptr<MemoFile>, Error> open(ByteSource &source, MemoFormat format,
-                                                         Access access, qint64 bufferBytes);
+    /// seeks at no cost. Nothing is read before the first text is asked for.
+    MemoFile(ByteSource &source, MemoFormat format, Access access, qint64 bufferBytes);
 
     /// The text that starts in block `block`, valid until the next call; nothing when there is no
     /// text there: a block outside the file, a length that goes beyond it, a text without an end.
-    /// Errors: Unreadable.
+    /// Errors: MemoUnreadable, MemoTooLarge.
     Result<std::optional<QByteArrayView>, Error> text(quint32 block);
-
-    qint64 blockBytes() const { return m_blockBytes; }
 
 private:
     using View = Result<QByteArrayView, Error>;
 
-    MemoFile(ByteSource &source, MemoFormat format, qint64 bufferBytes);
+    Result<void, Error> prepare();
     Result<void, Error> load();
     void readBlockSize(QByteArrayView head);
     View bytesAt(qint64 offset, qint64 n);
@@ -53,7 +50,9 @@ private:
 
     ByteSource &m_source;
     const MemoFormat m_format;
+    const Access m_access;
     const qint64 m_bufferBytes;
+    bool m_isPrepared = false;
     qint64 m_size = 0;
     qint64 m_blockBytes = 512;
     std::vector<char> m_window; // m_windowFill bytes of the file from m_windowAt on

@@ -19,6 +19,7 @@ enum class Error : quint8 {
     UnsupportedField, ///< a field of a type that refuses the file
     ShortTable,       ///< the file ends before the last record (offset = where the record starts)
     Unreadable,       ///< the source failed
+    MemoUnreadable,   ///< the memo file's source failed
     MemoTooLarge,     ///< the memo file does not fit into memory
 };
 

@@ -204,39 +204,33 @@ void TableReader::chooseNumberForm()
     m_hasSortingNumbers = votes.sorting > votes.plain;
 }
 
-Result<bool, Error> TableReader::next()
+Result<TableReader::Found, Error> TableReader::next()
 {
-    const auto recordBytes = static_cast<size_t>(m_header.recordBytes);
-    while (true) {
-        auto available = fill();
-        if (!available) {
-            return available.fault();
-        }
-        if (m_findings.records == m_header.recordCount) {
-            endOfCount();
-            return false;
-        }
-        if (*available > 0 && m_buffer[m_at] == kEndMark) {
-            m_findings.endsBeforeCount = true;
-            return false;
-        }
-        if (*available < m_header.recordBytes) {
-            const auto offset = static_cast<qint64>(m_findings.records) * m_header.recordBytes +
-                                m_header.headerBytes;
-            return Fault<Error>{Error::ShortTable,
-                                QStringLiteral("it ends after %1 of %2 records")
-                                    .arg(QString::number(m_findings.records),
-                                         QString::number(m_header.recordCount)),
-                                offset};
-        }
-        m_record = m_buffer.data() + m_at;
-        m_at += recordBytes;
-        ++m_findings.records;
-        if (*m_record != kDeleted) {
-            return true;
-        }
-        ++m_findings.deleted;
+    auto available = fill();
+    if (!available) {
+        return available.fault();
     }
+    if (m_findings.records == m_header.recordCount) {
+        endOfCount();
+        return Found::End;
+    }
+    if (*available > 0 && m_buffer[m_at] == kEndMark) {
+        m_findings.endsBeforeCount = true;
+        return Found::End;
+    }
+    if (*available < m_header.recordBytes) {
+        const auto offset =
+            static_cast<qint64>(m_findings.records) * m_header.recordBytes + m_header.headerBytes;
+        return Fault<Error>{
+            Error::ShortTable,
+            QStringLiteral("it ends after %1 of %2 records")
+                .arg(QString::number(m_findings.records), QString::number(m_header.recordCount)),
+            offset};
+    }
+    m_record = m_buffer.data() + m_at;
+    m_at += static_cast<size_t>(m_header.recordBytes);
+    ++m_findings.records;
+    return *m_record == kDeleted ? Found::DeletedRecord : Found::Record;
 }
 
 void TableReader::endOfCount()

@@ -18,7 +18,6 @@ namespace corvanta::dbf {
 struct Findings
 {
     quint64 records = 0; ///< records seen, deleted ones too
-    quint64 deleted = 0;
     quint64 unreadableMemos = 0;
     bool endsBeforeCount =
         false; ///< an end mark stands before the header's record count is reached
@@ -40,12 +39,14 @@ public:
     /// Where memo fields find their texts; without one they are missing. Must outlive the reader.
     void setMemoFile(MemoFile *memo) { m_memo = memo; }
 
-    /// Go to the next record that is not deleted; false at the end. Errors: ShortTable, Unreadable.
-    Result<bool, Error> next();
+    enum class Found : quint8 { Record, DeletedRecord, End };
+    /// Go to the next record: one at a time, so that the caller can stop between two deleted ones.
+    /// Errors: ShortTable, Unreadable.
+    Result<Found, Error> next();
 
     /// The cell of a column of the current record, made in `arena`: a type with alloc(int), whose
-    /// room suits the units of a text cell (see base/cell.h). Null after a fault, which fault()
-    /// tells.
+    /// room suits the units of a text cell (see base/cell.h). Null after a fault of the memo file,
+    /// which fault() tells.
     template <class Arena> const uchar *cell(size_t column, Arena &arena);
     const Fault<Error> &fault() const { return *m_fault; }
 

@@ -1,0 +1,97 @@
+#!/usr/bin/python3
+"""ReadXBF when it takes long, and when a header promises much: table_reader_test.py CORVANTA"""
+import gzip
+import os
+import pathlib
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+CORVANTA = sys.argv.pop(1)
+PIECE = 64 * 1024 * 1024
+PIECES = 300
+
+
+def header(fields, count):
+    record_bytes = 1 + sum(length for _, _, length in fields)
+    out = struct.pack("<BxxxIHH20x", 0x30, count, 33 + 32 * len(fields), record_bytes)
+    for name, kind, length in fields:
+        out += struct.pack("<11sc4xB15x", name, kind, length)
+    return out + b"\r"
+
+
+class Tables(unittest.TestCase):
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory(prefix="corvanta_tables_")
+        self.addCleanup(holder.cleanup)
+        self.folder = pathlib.Path(holder.name)
+
+    def put(self, name, front, byte, pieces):
+        """`front`, then 64 MiB of one byte again and again: a gzip member each."""
+        piece = gzip.compress(byte * PIECE, 1)
+        (self.folder / name).write_bytes(gzip.compress(front) + piece * pieces)
+
+    def start(self, attributes):
+        graph = self.folder / "case.graph"
+        graph.write_text(f"<graph version='4.11'><action id='r'><ReadXBF {attributes}/></action></graph>")
+        process = subprocess.Popen([CORVANTA, "run", str(graph), "--log-format", "json"],
+                                   stderr=subprocess.PIPE, text=True)
+        self.addCleanup(process.kill)
+        return process
+
+    def has_open(self, process, name):
+        try:
+            links = pathlib.Path(f"/proc/{process.pid}/fd").iterdir()
+            return any(os.path.samefile(link, self.folder / name) for link in links)
+        except OSError:  # a file was closed, or the process ended, meanwhile
+            return False
+
+    def check_that_it_stops(self, attributes, name):
+        """An undisturbed run, then one that is stopped as soon as it has the file open."""
+        began = time.monotonic()
+        whole = self.start(attributes)
+        _, messages = whole.communicate(timeout=120)
+        seconds = time.monotonic() - began
+        self.assertEqual((whole.returncode, messages), (0, ""))
+
+        process = self.start(attributes)
+        while process.poll() is None and not self.has_open(process, name):
+            time.sleep(0.001)
+        stopped = time.monotonic()
+        process.send_signal(signal.SIGINT)
+        _, messages = process.communicate(timeout=120)
+        self.assertEqual((process.returncode, messages), (130, ""))
+        self.assertLess(time.monotonic() - stopped, seconds / 2)
+
+    def test_stops_among_deleted_records(self):
+        fields = [(b"TEXT", b"C", 255), (b"MORE", b"C", 255), (b"LAST", b"C", 1)]
+        self.put("t.dbf.gz", header(fields, PIECE // 512 * PIECES), b"*", PIECES)
+        self.check_that_it_stops("fileName='t.dbf.gz'", "t.dbf.gz")
+
+    def test_stops_while_the_memo_file_is_loaded(self):
+        record = b" " + struct.pack("<I", 1)
+        (self.folder / "t.dbf").write_bytes(header([(b"NOTE", b"M", 4)], 1) + record + b"\x1a")
+        memos = struct.pack(">IxxH504x", 2, 512) + struct.pack(">II", 1, 4) + b"text"
+        self.put("t.fpt.gz", memos, b"\0", 15)
+        (self.folder / "t.dbf.gz").write_bytes(gzip.compress((self.folder / "t.dbf").read_bytes()))
+        self.check_that_it_stops("fileName='t.dbf.gz'", "t.fpt.gz")
+
+    def test_memory_depends_on_what_is_there(self):
+        fields = [(b"TEXT", b"C", 255)] * 200
+        (self.folder / "t.dbf.gz").write_bytes(gzip.compress(header(fields, 0xFFFFFFFF) + b" " * 1000))
+        process = self.start("fileName='t.dbf.gz' bufferSize='2047'")
+        with process.stderr:
+            messages = process.stderr.read()
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        self.assertEqual(process.returncode, 1)
+        self.assertIn("ends after 0 of 4294967295 records", messages)
+        self.assertLess(usage.ru_maxrss, 1024 * 1024)
+
+
+if __name__ == "__main__":
+    unittest.main()
