@@ -5,6 +5,7 @@
 #include "io/input/input_source.h"
 
 #include <QFile>
+#include <QStringDecoder>
 
 #include <minizip/unzip.h>
 
@@ -16,8 +17,31 @@ namespace corvanta::input {
 namespace {
 
 constexpr size_t kInputBytes = 64 * 1024;
-constexpr int kIgnoreCase = 2;
 constexpr uLong kEncryptedFlag = 1;
+constexpr uLong kUtf8Flag = 1 << 11;
+
+/// 0x80 to 0xFF of code page 437, which names have that are not in UTF-8.
+constexpr char16_t kCodePage437[] = u"ÇüéâäàåçêëèïîìÄÅÉæÆôöòûùÿÖÜ¢£¥₧ƒ"
+                                    u"áíóúñÑªº¿⌐¬½¼¡«»░▒▓│┤╡╢╖╕╣║╗╝╜╛┐"
+                                    u"└┴┬├─┼╞╟╚╔╩╦╠═╬╧╨╤╥╙╘╒╓╫╪┘┌█▄▌▐▀"
+                                    u"αßΓπΣσµτΦΘΩδ∞φε∩≡±≥≤⌠⌡÷≈°∙·√ⁿ²■\u00A0";
+static_assert(std::size(kCodePage437) == 128 + 1);
+
+/// Old packers write names in the code page of their system, and some write UTF-8 without the flag.
+QString decodeName(QByteArrayView raw, uLong flags)
+{
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString name = utf8(raw);
+    if ((flags & kUtf8Flag) != 0 || !utf8.hasError()) {
+        return name;
+    }
+    QString inCodePage(raw.size(), Qt::Uninitialized);
+    std::transform(raw.begin(), raw.end(), inCodePage.begin(), [](char c) {
+        const auto byte = static_cast<uchar>(c);
+        return QChar(byte < 0x80 ? char16_t(byte) : kCodePage437[byte - 0x80]);
+    });
+    return inCodePage;
+}
 
 // minizip's file functions over QFile, which takes any file name on any system.
 voidpf openFile(voidpf, const void *name, int)
@@ -195,15 +219,21 @@ bool ZipSource::seek(qint64 offset)
 /// Go to the wanted entry and tell about it; false when it is not there or cannot be read.
 bool findMember(unzFile archive, const QString &member, unz_file_info64 *info, QString *name)
 {
-    const int found = member.isEmpty()
-                          ? unzGoToFirstFile(archive)
-                          : unzLocateFile(archive, member.toUtf8().constData(), kIgnoreCase);
     std::array<char, 65536> raw{};
-    if (found != UNZ_OK || unzGetCurrentFileInfo64(archive, info, raw.data(), raw.size() - 1,
-                                                   nullptr, 0, nullptr, 0) != UNZ_OK) {
+    int found = unzGoToFirstFile(archive);
+    while (found == UNZ_OK) {
+        found = unzGetCurrentFileInfo64(archive, info, raw.data(), raw.size() - 1, nullptr, 0,
+                                        nullptr, 0);
+        *name = decodeName(QByteArrayView(raw.data()), info->flag);
+        if (found != UNZ_OK || member.isEmpty() ||
+            name->compare(member, Qt::CaseInsensitive) == 0) {
+            break;
+        }
+        found = unzGoToNextFile(archive);
+    }
+    if (found != UNZ_OK) {
         return false;
     }
-    *name = QString::fromUtf8(raw.data());
     const bool isKnownMethod =
         info->compression_method == 0 || info->compression_method == Z_DEFLATED;
     return isKnownMethod && (info->flag & kEncryptedFlag) == 0 &&

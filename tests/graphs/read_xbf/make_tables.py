@@ -38,6 +38,13 @@ def foxpro_memos(*texts):
     return out
 
 
+class NameInCodePage437(zipfile.ZipInfo):
+    """A member as DOS packers write it: its name is not in UTF-8, and no flag says so."""
+
+    def _encodeFilenameFlags(self):
+        return self.filename.encode("cp437"), 0
+
+
 def put(name, content):
     path = HERE / name
     path.parent.mkdir(exist_ok=True)
@@ -78,6 +85,9 @@ def main():
         for name, content in (("in/people.DBF", table(0x30, PEOPLE, [BOB])), ("in/people.fpt", MEMOS)):
             archive.writestr(zipfile.ZipInfo(name), content, zipfile.ZIP_DEFLATED)
     put("archives/c.zip", b"this is no archive")
+    with zipfile.ZipFile(HERE / "archives/d.zip", "w") as archive:
+        for name, content in (("\u00e9t\u00e9.dbf", table(0x30, PEOPLE, [ADA])), ("\u00c9T\u00c9.FPT", MEMOS)):
+            archive.writestr(NameInCodePage437(name), content)
 
     put("counts/a_too_high.dbf", table(0x03, PEOPLE[:2], [r[:-4] for r in (ADA, BOB)], count=5))
     put("counts/b_too_low.dbf", table(0x03, PEOPLE[:2], [r[:-4] for r in (ADA, GONE, BOB)], count=2))
