@@ -6,14 +6,16 @@
 //
 //   file:  7 u32 packed size   11 u32 size   15 u8 system   16 u32 CRC-32   20 u32 time
 //          24 u8 unpacker   25 u8 method (30: stored)   26 u16 name size   28 u32 attributes
-//          32 u32 + u32 high halves of packed size and size, if flag 100
+//          32 u32 + u32 high halves of packed size and size, if flag 100; name
 //
 // RAR 5 (RAR 5.0 archive format): marker, then blocks of
 //
-//   u32 CRC-32 over the rest, v size of what follows, v type, v flags, [v extra size], [v data
-//   size] file:  v flags, v size, v attributes, [u32 time], [u32 CRC-32], v method, ...; extra area
-//   at the end:
-//          records of v size, v type (1: encryption), data
+//   u32 CRC-32 over the rest, v size of what follows, v type, v flags, [v extra size],
+//   [v data size]
+//
+//   file:  v flags, v size, v attributes, [u32 time], [u32 CRC-32], v method, v system,
+//          v name size, name
+//   extra area at the end: records of v size, v type (1: encryption), data
 //
 // with v a number of 7 bits a byte, least significant first, the high bit marking that more follow.
 #include "codecs/rar/rar_entry.h"
@@ -58,6 +60,19 @@ Result<QByteArray, Error> readBytes(ByteSource &source, qint64 offset, qint64 n)
     }
     bytes.truncate(got);
     return bytes;
+}
+
+Fault<Error> encrypted(const Entry &entry, qint64 offset)
+{
+    return {Error::Encrypted, QStringLiteral("its entry '%1' is encrypted").arg(entry.name),
+            offset};
+}
+
+Fault<Error> split(const Entry &entry, qint64 offset)
+{
+    return {Error::MultiVolume,
+            QStringLiteral("its entry '%1' is spread over several volumes").arg(entry.name),
+            offset};
 }
 
 namespace v4 {
@@ -137,6 +152,14 @@ Result<Block, Error> readBlock(ByteSource &source, qint64 offset)
     return block;
 }
 
+/// The name up to a NUL; what follows there is a packed form of the same in Unicode.
+QString nameOf(const Block &block, bool large)
+{
+    const QByteArray name = block.header.mid(kFileBytes + (large ? 8 : 0),
+                                             loadLE<quint16>(block.header.constData() + 26));
+    return QString::fromUtf8(name.constData());
+}
+
 Result<Entry, Error> readEntry(const Block &block, qint64 offset)
 {
     const char *const bytes = block.header.constData();
@@ -144,12 +167,13 @@ Result<Entry, Error> readEntry(const Block &block, qint64 offset)
     if (block.header.size() < kFileBytes + (large ? 8 : 0)) {
         return damaged(offset);
     }
+    Entry entry;
+    entry.name = nameOf(block, large);
     if ((block.flags & Encrypted) != 0) {
-        return Fault<Error>{Error::Encrypted, QStringLiteral("it is encrypted"), offset};
+        return encrypted(entry, offset);
     }
     if ((block.flags & (SplitBefore | SplitAfter)) != 0) {
-        return Fault<Error>{Error::MultiVolume, QStringLiteral("it is spread over several volumes"),
-                            offset};
+        return split(entry, offset);
     }
     const quint64 packedHigh = large ? loadLE<quint32>(bytes + kFileBytes) : 0;
     const quint64 high = large ? loadLE<quint32>(bytes + kFileBytes + 4) : 0;
@@ -161,10 +185,11 @@ Result<Entry, Error> readEntry(const Block &block, qint64 offset)
     if (method != kStored && (unpacker < kFirstUnpacker || unpacker > kLastUnpacker)) {
         return Fault<Error>{
             Error::Unsupported,
-            QStringLiteral("its compression method (version %1) is not supported").arg(unpacker),
+            QStringLiteral("its entry '%1' is packed with the method of RAR %2.%3, which is not "
+                           "supported")
+                .arg(entry.name, QString::number(unpacker / 10), QString::number(unpacker % 10)),
             offset};
     }
-    Entry entry;
     entry.format = Format::Rar4;
     entry.isDirectory = (block.flags & Directory) == Directory;
     entry.isStored = method == kStored;
@@ -239,9 +264,14 @@ public:
     }
     quint32 fixed32()
     {
+        const QByteArrayView four = bytes(4);
+        return m_broken ? 0 : loadLE<quint32>(four.data());
+    }
+    QByteArrayView bytes(quint64 n)
+    {
         const qsizetype at = m_at;
-        skip(4);
-        return m_broken ? 0 : loadLE<quint32>(m_bytes.data() + at);
+        skip(n);
+        return m_broken ? QByteArrayView() : m_bytes.sliced(at, static_cast<qsizetype>(n));
     }
 
 private:
@@ -335,13 +365,6 @@ bool hasEncryptionRecord(const Block &block)
 
 Result<Entry, Error> readEntry(const Block &block, qint64 offset)
 {
-    if ((block.flags & (SplitBefore | SplitAfter)) != 0) {
-        return Fault<Error>{Error::MultiVolume, QStringLiteral("it is spread over several volumes"),
-                            offset};
-    }
-    if (hasEncryptionRecord(block)) {
-        return Fault<Error>{Error::Encrypted, QStringLiteral("it is encrypted"), offset};
-    }
     Cursor cursor(QByteArrayView(block.header).sliced(block.fieldsAt));
     Entry entry;
     entry.format = Format::Rar5;
@@ -355,12 +378,21 @@ Result<Entry, Error> readEntry(const Block &block, qint64 offset)
         entry.crc = cursor.fixed32();
     }
     entry.isStored = (cursor.number() & kMethodBits) == 0;
+    cursor.number(); // system
+    entry.name = QString::fromUtf8(cursor.bytes(cursor.number()));
     if (cursor.isBroken() || size > static_cast<quint64>(std::numeric_limits<qint64>::max())) {
         return damaged(offset);
     }
+    if (hasEncryptionRecord(block)) {
+        return encrypted(entry, offset);
+    }
+    if ((block.flags & (SplitBefore | SplitAfter)) != 0) {
+        return split(entry, offset);
+    }
     if ((flags & UnknownSize) != 0) {
-        return Fault<Error>{Error::Unsupported,
-                            QStringLiteral("the size of its entry is not stored"), offset};
+        return Fault<Error>{
+            Error::Unsupported,
+            QStringLiteral("the size of its entry '%1' is not stored").arg(entry.name), offset};
     }
     entry.isDirectory = (flags & Directory) != 0;
     entry.size = static_cast<qint64>(size);

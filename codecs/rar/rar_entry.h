@@ -6,6 +6,8 @@
 #include "base/byte_source.h"
 #include "base/result.h"
 
+#include <QString>
+
 #include <optional>
 
 namespace corvanta::rar {
@@ -25,6 +27,7 @@ enum class Format : quint8 { Rar4, Rar5 };
 struct Entry
 {
     Format format = Format::Rar4;
+    QString name; ///< for messages
     bool isDirectory = false;
     bool isStored = false; ///< not compressed
     qint64 dataAt = 0;     ///< offset of the packed bytes

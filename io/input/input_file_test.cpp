@@ -62,8 +62,9 @@ TEST(InputFile, SaysWhyItDoesNotOpen)
         {QStringLiteral("rar/no.rar"), {}},
         {QStringLiteral("no.csv"), {}},
         {QStringLiteral("rar/rar15-comment.rar"),
-         QStringLiteral("1ERROR: cannot read the RAR file '%1rar/rar15-comment.rar': its "
-                        "compression method (version 15) is not supported\n")
+         QStringLiteral("1ERROR: cannot read the RAR file '%1rar/rar15-comment.rar': its entry "
+                        "'FILE1.TXT' is packed with the method of RAR 1.5, which is not "
+                        "supported\n")
              .arg(dir)},
     };
     for (const Case &c : cases) {

@@ -48,9 +48,10 @@ private:
     QFile m_file;
 };
 
-Fault<RarError> damaged(const char *why)
+/// What is said about an entry.
+QString about(const rar::Entry &entry, const char *what)
 {
-    return {RarError::Damaged, QString::fromLatin1(why)};
+    return QStringLiteral("the RAR entry '%1' %2").arg(entry.name, QLatin1StringView(what));
 }
 
 /// Takes what an unpacker delivers and compares it with the entry's header.
@@ -74,10 +75,10 @@ public:
             }
         }
         if (m_done != m_entry.size) {
-            return damaged("the RAR entry is shorter than its header says");
+            return damaged("is shorter than its header says");
         }
         if (!m_entry.isDirectory && m_entry.crc && *m_entry.crc != m_crc) {
-            return damaged("the RAR entry does not agree with its checksum");
+            return damaged("does not agree with its checksum");
         }
         return {};
     }
@@ -87,11 +88,15 @@ protected:
 
     const QString &path() const { return m_path; }
     const rar::Entry &entry() const { return m_entry; }
+    Fault<RarError> damaged(const char *what) const
+    {
+        return {RarError::Damaged, about(m_entry, what)};
+    }
     qint64 left() const { return m_entry.size - m_done; }
     Result<void, RarError> deliver(std::span<const char> piece)
     {
         if (static_cast<qint64>(piece.size()) > left()) {
-            return damaged("the RAR entry is longer than its header says");
+            return damaged("is longer than its header says");
         }
         m_crc = deflate::crc32(m_crc, piece);
         m_done += static_cast<qint64>(piece.size());
@@ -120,12 +125,12 @@ private:
         RarFile file(path());
         std::vector<char> piece(kPieceBytes);
         if (!file.open() || !file.seek(entry().dataAt)) {
-            return damaged("the RAR entry cannot be read");
+            return damaged("cannot be read");
         }
         while (left() > 0) {
             const qint64 got = file.read(piece.data(), std::min<qint64>(left(), kPieceBytes));
             if (got <= 0) {
-                return damaged("the RAR entry cannot be read");
+                return damaged("cannot be read");
             }
             auto delivered = deliver({piece.data(), static_cast<size_t>(got)});
             if (!delivered) {
@@ -150,13 +155,13 @@ private:
                                                                  : nullptr);
         if (!rar || !ar_parse_entry(rar.get()) ||
             static_cast<qint64>(ar_entry_get_size(rar.get())) != size()) {
-            return damaged("the RAR entry cannot be unpacked");
+            return damaged("cannot be unpacked");
         }
         std::vector<char> piece(kPieceBytes);
         while (left() > 0) {
             const size_t n = static_cast<size_t>(std::min<qint64>(left(), kPieceBytes));
             if (!ar_entry_uncompress(rar.get(), piece.data(), n)) {
-                return damaged("the RAR entry is damaged or packed in an unsupported way");
+                return damaged("is damaged or packed in an unsupported way");
             }
             auto delivered = deliver({piece.data(), n});
             if (!delivered) {
@@ -181,14 +186,14 @@ private:
             archive_read_open_filename(rar.get(), QFile::encodeName(path()).constData(),
                                        kPieceBytes) != ARCHIVE_OK ||
             archive_read_next_header(rar.get(), &entry) != ARCHIVE_OK) {
-            return damaged("the RAR entry cannot be unpacked");
+            return damaged("cannot be unpacked");
         }
         std::vector<char> piece(kPieceBytes);
         // One call more than the bytes need: the checksum is looked at with the end.
         while (true) {
             const la_ssize_t got = archive_read_data(rar.get(), piece.data(), piece.size());
             if (got < 0) {
-                return damaged("the RAR entry is damaged or packed in an unsupported way");
+                return damaged("is damaged or packed in an unsupported way");
             }
             if (got == 0) {
                 return {};
@@ -216,7 +221,7 @@ Result<std::unique_ptr<RarArchive>, RarError> openRarArchive(const QString &path
     // Found here and not by the unpackers, of which libunarr writes to standard error what it
     // dislikes.
     if (entry->packedSize > file.size() - entry->dataAt) {
-        return Fault<RarError>{RarError::Refused, QStringLiteral("the RAR entry is cut off")};
+        return Fault<RarError>{RarError::Refused, about(*entry, "is cut off")};
     }
     if (entry->isStored) {
         return std::unique_ptr<RarArchive>(std::make_unique<StoredRar>(path, *entry));
