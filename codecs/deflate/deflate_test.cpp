@@ -154,6 +154,35 @@ TEST(Deflate, BytesDependOnTheTextAlone)
     }
 }
 
+// Which deflater takes a block is a matter of time.
+TEST(Deflate, BytesDoNotDependOnWhatADeflaterDidBefore)
+{
+    const std::string text = textOf(kBlockBytes + kWindowBytes);
+    const std::string noise = noiseOf(kBlockBytes);
+    for (const Level level : kLevels) {
+        for (const size_t window : {size_t(0), size_t(100), kWindowBytes}) {
+            for (const size_t size : {size_t(3), size_t(500), size_t(70'000), kBlockBytes}) {
+                const std::span<const char> dictionary(text.data(), window);
+                const std::span<const char> block(text.data() + window, size);
+                std::vector<char> out;
+                const auto compressed = [&](Deflater &deflater) {
+                    return QByteArray(out.data(), static_cast<qsizetype>(deflater.compress(
+                                                      dictionary, block, Ending::Last, out)));
+                };
+                const QByteArray expected = compressed(*makeDeflater(level));
+                const auto used = makeDeflater(level);
+                for (const std::string_view before :
+                     {std::string_view(text), std::string_view(noise),
+                      std::string_view(text).substr(77, 5000)}) {
+                    used->compress({}, before, Ending::Continued, out);
+                    EXPECT_TRUE(compressed(*used) == expected)
+                        << int(level.engine) << '-' << level.level << ' ' << window << ' ' << size;
+                }
+            }
+        }
+    }
+}
+
 TEST(Deflate, RoomAskedForAtAFullBlockChangesNothing)
 {
     const std::string text = textOf(kBlockBytes);

@@ -9,7 +9,13 @@ namespace corvanta::deflate {
 
 namespace {
 
-constexpr size_t kLeastRoom = 64 * 1024;
+/// What the library is given at a time: at level 3 the bytes hang on it.
+constexpr size_t kRoomBytes = 64 * 1024;
+/// Below this the library's choice of matches sometimes hangs on the address of its state: of the
+/// parts of a package one in a thousand came out different from run to run. zlib takes them; they
+/// are short.
+constexpr size_t kShortBlockBytes = 32 * 1024;
+constexpr int kShortBlockLevel = 4;
 constexpr std::array<size_t, 4> kLevelBufferBytes = {ISAL_DEF_LVL0_DEFAULT, ISAL_DEF_LVL1_DEFAULT,
                                                      ISAL_DEF_LVL2_DEFAULT, ISAL_DEF_LVL3_DEFAULT};
 
@@ -25,6 +31,12 @@ public:
     size_t compress(std::span<const char> dictionary, std::span<const char> block, Ending ending,
                     std::vector<char> &out) override
     {
+        if (block.size() < kShortBlockBytes) {
+            if (!m_shortBlocks) {
+                m_shortBlocks = makeZlibDeflater(kShortBlockLevel);
+            }
+            return m_shortBlocks->compress(dictionary, block, ending, out);
+        }
         start(dictionary);
         m_stream.next_in = bytesOf(block);
         m_stream.avail_in = static_cast<uint32_t>(block.size());
@@ -32,11 +44,11 @@ public:
         m_stream.flush = ending == Ending::Last ? NO_FLUSH : SYNC_FLUSH;
         size_t used = 0;
         do { // a full output buffer means that there may be more to come
-            out.resize(std::max(out.size(), used + kLeastRoom));
+            out.resize(std::max(out.size(), used + kRoomBytes));
             m_stream.next_out = reinterpret_cast<uint8_t *>(out.data() + used);
-            m_stream.avail_out = static_cast<uint32_t>(out.size() - used);
+            m_stream.avail_out = kRoomBytes;
             isal_deflate(&m_stream);
-            used = out.size() - m_stream.avail_out;
+            used += kRoomBytes - m_stream.avail_out;
         } while (m_stream.avail_out == 0);
         return used;
     }
@@ -61,6 +73,7 @@ private:
     uint32_t m_level;
     std::vector<uint8_t> m_levelBuffer;
     isal_zstream m_stream;
+    std::unique_ptr<Deflater> m_shortBlocks; // when first used
 };
 
 } // namespace
