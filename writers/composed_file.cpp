@@ -30,6 +30,9 @@ bool ComposedFile::commit()
     }
     const bool isClosed = m_appended->close();
     m_appended.reset();
+    if (!m_wasThere) {
+        platform::syncFolder(QFileInfo(m_name).absolutePath());
+    }
     return isClosed;
 }
 

@@ -109,9 +109,9 @@ QString ParquetOutput::commit()
     if (!finished) {
         return describe(finished.fault());
     }
-    const bool replaces = !m_temporary.isEmpty() && QFileInfo::exists(m_target);
+    const bool isNew = !m_temporary.isEmpty() && !QFileInfo::exists(m_target);
     MyWriteFile &file = m_sink->file();
-    bool isWritten = file.flush() && (!replaces || file.sync());
+    bool isWritten = file.flush() && (isNew || file.sync());
     isWritten = file.close() && isWritten;
     m_writer.reset();
     m_sink.reset();

@@ -42,6 +42,8 @@ public:
     bool seek(qint64 offset);
     qint64 size() const;
     bool truncate(qint64 size);
+    /// Have the device begin to take `n` bytes from `offset`, without waiting for it.
+    void startSync(qint64 offset, qint64 n);
     /// Wait until the device has the bytes.
     bool sync();
     /// False when the system reports a late failure of a write.
@@ -57,8 +59,11 @@ bool renameOver(const QString &from, const QString &to);
 /// A second name for a file; false where the file system has none.
 bool hardLink(const QString &existing, const QString &added);
 bool removeFile(const QString &name);
+/// FileHandle::startSync() and sync() of a file that is not open. One that is gone needs neither.
+void startSync(const QString &name);
+bool syncFile(const QString &name);
 /// Wait until the device has the folder's names. True also where a folder cannot be synced.
-bool syncFolderOf(const QString &name);
+bool syncFolder(const QString &folder);
 /// Give `to` the permissions of `from`, as far as the process may.
 void copyPermissions(const QString &from, const QString &to);
 /// Whether both names lead to the same file.

@@ -97,6 +97,13 @@ bool FileHandle::truncate(qint64 size)
     return repeated([&] { return ::ftruncate(static_cast<int>(m_handle), size); }) == 0;
 }
 
+void FileHandle::startSync(qint64 offset, qint64 n)
+{
+#ifdef __linux__
+    ::sync_file_range(static_cast<int>(m_handle), offset, n, SYNC_FILE_RANGE_WRITE);
+#endif
+}
+
 bool FileHandle::sync()
 {
     // Pipes and devices cannot be synced, and need not be.
@@ -130,10 +137,23 @@ bool removeFile(const QString &name)
     return ::unlink(native(name).constData()) == 0;
 }
 
-bool syncFolderOf(const QString &name)
+void startSync(const QString &name)
 {
-    const QByteArray folder = native(QFileInfo(name).absolutePath());
-    const int handle = repeated([&] { return ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+    if (FileHandle file = FileHandle::openForRead(name, false); file.isOpen()) {
+        file.startSync(0, file.size());
+    }
+}
+
+bool syncFile(const QString &name)
+{
+    FileHandle file = FileHandle::openForRead(name, false);
+    return !file.isOpen() || file.sync();
+}
+
+bool syncFolder(const QString &folder)
+{
+    const int handle
+        = repeated([&] { return ::open(native(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
     if (handle < 0) {
         return false;
     }

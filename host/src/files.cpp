@@ -1,5 +1,7 @@
 #include "corvanta/files.h"
 
+#include "unsynced_names.h"
+
 #include "base/platform/files.h"
 
 #include <QDir>
@@ -12,6 +14,7 @@
 #include <mutex>
 
 using namespace Qt::StringLiterals;
+using corvanta::UnsyncedNames;
 using corvanta::platform::FileHandle;
 
 namespace {
@@ -66,6 +69,7 @@ public:
             done += written;
         }
         m_position += n;
+        keepDeviceBusy();
         return true;
     }
     bool seek(qint64 offset) override
@@ -81,8 +85,19 @@ public:
     bool truncate(qint64 size) override { return m_file.truncate(size) && seek(size); }
 
 private:
+    /// Large files are on the device soon after their last byte is written when it begins early.
+    void keepDeviceBusy()
+    {
+        constexpr qint64 kPieceBytes = qint64(16) << 20;
+        if (m_position - m_startedAt >= kPieceBytes) {
+            m_file.startSync(m_startedAt, m_position - m_startedAt);
+            m_startedAt = m_position;
+        }
+    }
+
     FileHandle m_file;
     qint64 m_position;
+    qint64 m_startedAt = m_position; // what lies before is on its way to the device
 };
 
 struct SystemEncoding
@@ -243,13 +258,15 @@ void setSystemEncoding(const QString &name)
 
 bool renameTMPFile(const QString &temporary, const QString &finalName)
 {
-    if (QFileInfo::exists(finalName)) {
+    const bool isNew = !QFileInfo::exists(finalName);
+    if (!isNew) {
         corvanta::platform::copyPermissions(finalName, temporary);
     }
     if (!corvanta::platform::renameOver(temporary, finalName)) {
         return false;
     }
-    corvanta::platform::syncFolderOf(finalName);
+    UnsyncedNames &names = UnsyncedNames::ofProcess();
+    isNew ? names.addFile(finalName) : names.addFolderOf(finalName);
     return true;
 }
 

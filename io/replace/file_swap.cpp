@@ -39,7 +39,7 @@ std::optional<FailedRename> swapFile(const SwapNames &names, const SwapObserver 
     if (hasBackup) {
         platform::removeFile(names.backup);
     }
-    platform::syncFolderOf(names.target);
+    platform::syncFolder(QFileInfo(names.target).absolutePath());
     return isDone ? std::nullopt
                   : std::optional<FailedRename>(FailedRename{names.temporary, names.target});
 }

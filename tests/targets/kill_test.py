@@ -9,6 +9,7 @@ import contextlib
 import dataclasses
 import pathlib
 import random
+import re
 import shutil
 import signal
 import subprocess
@@ -170,14 +171,14 @@ class Kill(unittest.TestCase):
             if done.returncode == 0:
                 return  # there is no n-th call, or it did not matter
 
-    def each_writer(self):
+    def each_writer(self, writers=WRITERS):
         if shutil.which("strace") is None:
             self.skipTest("strace is not installed")
-        for writer in WRITERS:
+        for writer in writers:
             self.prepare([writer], SMALL)
             yield writer
             for name in [*self.beside(), *self.targets()]:
-                (self.folder / name).unlink()
+                (self.folder / name).unlink(missing_ok=True)
 
     def test_killed_before_each_call(self):
         for _ in self.each_writer():
@@ -199,6 +200,21 @@ class Kill(unittest.TestCase):
         for writer in self.each_writer():
             for calls, error in FAILURES:
                 self.each_call(calls, f"error={error}", check)
+
+    def test_the_device_has_new_files_when_a_run_is_done(self):
+        for _ in self.each_writer([w for w in WRITERS if "mode='1'" not in w.element and "mode='2'" not in w.element]):
+            for name in self.targets():
+                (self.folder / name).unlink()
+            done = subprocess.run(["strace", "-f", "-y", "-qq", "-e", "trace=fsync", *self.command()],
+                                  capture_output=True, text=True, check=True)
+            for path in [self.folder, *(self.folder / name for name in self.targets())]:
+                self.assertRegex(done.stderr, rf"fsync\(\d+<{re.escape(str(path))}>\) += 0")
+            for name in self.targets():
+                (self.folder / name).unlink()
+            done = subprocess.run(self.command("-e", "trace=fsync", "-e", "inject=fsync:error=EIO"),
+                                  capture_output=True, text=True, check=False)
+            self.assertEqual(done.returncode, 1)
+            self.assertIn(str(self.folder), done.stderr)
 
 
 if __name__ == "__main__":

@@ -89,8 +89,9 @@ CORVANTA_EXPORT void addExtentionIfRequired(QString *name, const QString &extens
 CORVANTA_EXPORT QString currentACPName();
 CORVANTA_EXPORT void setSystemEncoding(const QString &name);
 
-/// Move a finished temporary file onto its final name in one step. The temporary file was synced and
-/// closed before. False when the move failed; then both files are as they were.
+/// Move a finished, closed temporary file onto its final name in one step. It was synced before where
+/// it replaces a file; else it is before the run ends. False when the move failed; then both files are
+/// as they were.
 CORVANTA_EXPORT bool renameTMPFile(const QString &temporary, const QString &finalName);
 /// The form that takes the final name: moves `name` + "_TMP" onto `name`.
 CORVANTA_EXPORT bool renameTMPFile(const QString &name, GlobalParameters *parameters, int action);

@@ -31,7 +31,7 @@ public:
     MyWriteFile &file() { return *m_file; }
 
     /// Close the file and move it over the target. False when that failed; the target is then as it was.
-    /// The bytes are flushed to the device first when a file is replaced: a new file has nothing to lose.
+    /// The bytes are flushed to the device first when a file is replaced; a new one is before the run ends.
     bool commit();
     /// commit() with `move` in place of the plain renaming: it answers whether the target was replaced.
     /// The bytes are always flushed to the device before.

@@ -3,6 +3,7 @@
 #include "corvanta/action_registry.h"
 #include "corvanta/main_ui.h"
 #include "engine/pins.h"
+#include "unsynced_names.h"
 
 #include <QFileInfo>
 
@@ -62,6 +63,7 @@ struct Run::Private
     void runAndClose(Node &node);
     void callRun(Node &node);
     void closeAction(Node &node);
+    void syncNewFiles();
     void endRun(RunControl::Status status);
     void releaseAll();
     LogScope::Context logContext(const Node &node) const { return {log, node.id}; }
@@ -174,6 +176,16 @@ void Run::Private::closeAction(Node &node)
     }
 }
 
+/// A run that says it is done keeps its word through a power cut.
+void Run::Private::syncNewFiles()
+{
+    const QStringList failed = control.isRunning() ? UnsyncedNames::ofProcess().sync() : QStringList();
+    for (const QString &name : failed) {
+        MainUI::addLog(MainUI::Error, u"Error: cannot write file '%1'\n"_s.arg(name));
+        endRun(RunControl::Failed);
+    }
+}
+
 void Run::Private::runAndClose(Node &node)
 {
     try {
@@ -195,6 +207,7 @@ void Run::Private::runAndClose(Node &node)
         node.ports->out(i).end();
     }
     node.ports->gate().close();
+    syncNewFiles();
     if (!control.isRunning()) {
         releaseAll();
     }

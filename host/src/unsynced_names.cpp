@@ -1,0 +1,66 @@
+#include "unsynced_names.h"
+
+#include "base/platform/files.h"
+
+#include <QFileInfo>
+
+#include <utility>
+
+namespace corvanta {
+
+UnsyncedNames &UnsyncedNames::ofProcess()
+{
+    static UnsyncedNames names;
+    return names;
+}
+
+void UnsyncedNames::addFile(const QString &name)
+{
+    constexpr qsizetype kMostFiles = 256;
+    addFolderOf(name);
+    std::unique_lock lock(m_mutex);
+    m_names.files << name;
+    if (m_names.files.size() < kMostFiles) {
+        return;
+    }
+    const Names names = std::exchange(m_names, {});
+    lock.unlock();
+    const QStringList failed = sync(names);
+    lock.lock();
+    m_failed += failed;
+}
+
+void UnsyncedNames::addFolderOf(const QString &name)
+{
+    const QString folder = QFileInfo(name).absolutePath();
+    const std::lock_guard lock(m_mutex);
+    m_names.folders.insert(folder);
+}
+
+QStringList UnsyncedNames::sync()
+{
+    std::unique_lock lock(m_mutex);
+    const Names names = std::exchange(m_names, {});
+    const QStringList failed = std::exchange(m_failed, {});
+    lock.unlock();
+    return failed + sync(names);
+}
+
+QStringList UnsyncedNames::sync(const Names &names)
+{
+    for (const QString &name : names.files) {
+        platform::startSync(name);
+    }
+    QStringList failed;
+    for (const QString &name : names.files) {
+        if (!platform::syncFile(name)) {
+            failed << name;
+        }
+    }
+    for (const QString &folder : names.folders) {
+        platform::syncFolder(folder);
+    }
+    return failed;
+}
+
+} // namespace corvanta
