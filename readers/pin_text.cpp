@@ -10,8 +10,8 @@ namespace corvanta {
 
 namespace {
 
-/// Put between two documents. As many bytes as a decoder looks at to find a byte-order mark, so
-/// that it does not ask for the next row to see them.
+/// Put in front of a document and behind it. As many bytes as a decoder looks at to find a
+/// byte-order mark, so that it does not ask for the next row to see them.
 constexpr size_t kBlanks = 4;
 
 } // namespace
@@ -51,6 +51,7 @@ bool PinText::nextRow()
             m_bytes.assign(kBlanks + static_cast<size_t>(n) * 3, ' ');
             m_bytes.resize(kBlanks +
                            static_cast<size_t>(utf16ToUtf8(text, n, m_bytes.data() + kBlanks)));
+            m_isParted = false;
             return true;
         }
     }
@@ -60,11 +61,16 @@ bool PinText::nextRow()
 qint64 PinText::read(void *buffer, qint64 n)
 {
     if (m_at == m_bytes.size() && m_mode == Mode::Stream) {
-        const bool goesOn = m_isInsideValue();
-        if (!nextRow()) {
+        if (!m_isParted && !m_isInsideValue()) {
+            // A number at the top has its end here, while its row is still the one at hand.
+            m_bytes.assign(kBlanks, ' ');
+            m_at = 0;
+            m_isParted = true;
+        } else if (nextRow()) {
+            m_at = kBlanks;
+        } else {
             return 0;
         }
-        m_at = goesOn ? kBlanks : 0;
     }
     const qint64 take = std::min(n, static_cast<qint64>(m_bytes.size() - m_at));
     std::memcpy(buffer, m_bytes.data() + m_at, static_cast<size_t>(take));

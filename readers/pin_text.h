@@ -19,7 +19,7 @@ public:
     };
 
     /// `isInsideValue` says, when a row is used up in a stream, whether a value of the document
-    /// goes on in the next row; otherwise blanks are put between the two. `first` is the row of the
+    /// goes on in the next row; otherwise blanks are put behind it. `first` is the row of the
     /// pin that the caller has taken already; null: there is none.
     PinText(ActionItem &action, int column, Mode mode, const OneRow *first,
             std::function<bool()> isInsideValue);
@@ -48,6 +48,7 @@ private:
     qint64 m_rowNumber = 0;
     std::vector<char> m_bytes;
     size_t m_at = 0;
+    bool m_isParted = false; ///< blanks were put behind the row's text
 };
 
 } // namespace corvanta

@@ -258,12 +258,13 @@ qsizetype CharSource::read(char *out, qsizetype room)
 
 qsizetype CharSource::readUtf8(char *out, qsizetype room)
 {
-    for (;;) {
-        // First what peek() read or the last call kept, then straight from the source.
+    // First what peek() read or the last call kept, then straight from the source: it is not asked
+    // for more before what it gave was delivered, because it may go on in another row by then.
+    for (bool asks = rawLeft() == 0;; asks = true) {
         qsizetype n = std::min(rawLeft(), room);
         std::copy_n(m_raw.data() + m_rawAt, n, out);
         m_rawAt += static_cast<size_t>(n);
-        if (!m_sourceEnded && n < room) {
+        if (asks && !m_sourceEnded && n < room) {
             const qint64 got = m_source->read(out + n, room - n);
             m_sourceEnded = got <= 0;
             if (got < 0) {

@@ -356,14 +356,19 @@ inline Token JSONTokenizer::readString(char quote)
     return finish(Token::Text);
 }
 
-/// How many characters of `word` (lower case) stand at `at`, in any letter case.
-qsizetype JSONTokenizer::matchingChars(const char *at, std::string_view word) const
+/// How many characters of `word` (lower case) stand at `*at`, in any letter case. More data is
+/// asked for only as long as they match: it may belong to the next document.
+qsizetype JSONTokenizer::matchingChars(const char **at, std::string_view word)
 {
-    const auto most = std::min<qsizetype>(end() - at, static_cast<qsizetype>(word.size()));
-    return std::mismatch(at, at + most, word.begin(),
-                         [](char found, char wanted) { return wanted == (found | 0x20); })
-               .first -
-           at;
+    qsizetype n = 0;
+    for (const char wanted : word) {
+        ensure(at, n + 1);
+        if (((*at)[n] | 0x20) != wanted) {
+            break;
+        }
+        ++n;
+    }
+    return n;
 }
 
 Token JSONTokenizer::failAt(const char *at, MarkupError error)
@@ -384,18 +389,16 @@ Token JSONTokenizer::readLiteral(char c)
     static constexpr Literal kNull{"null", MarkupError::NullExpected};
     const Literal &literal = c == 't' ? kTrue : (c == 'f' ? kFalse : kNull);
     const char *at = here();
-    const auto length = static_cast<qsizetype>(literal.word.size());
-    ensure(&at, length + 1);
-    const std::string_view found(at, static_cast<size_t>(std::min<qsizetype>(end() - at, length)));
-    if (found == literal.word) {
-        m_text = span(fromToken(at), at + length, TextForm::Plain);
-        return finishBareValue(at + length, literal.error);
+    const qsizetype letters = matchingChars(&at, literal.word);
+    if (std::string_view(at, static_cast<size_t>(letters)) == literal.word) {
+        m_text = span(fromToken(at), at + letters, TextForm::Plain);
+        return finishBareValue(at + letters, literal.error);
     }
-    if (matches(at, "nan")) {
+    if (matches(&at, "nan")) {
         m_text = TextSpan::external(kNan);
         return finishBareValue(at + 3, literal.error);
     }
-    return failAt(at + matchingChars(at, literal.word), literal.error);
+    return failAt(at + letters, literal.error);
 }
 
 inline Token JSONTokenizer::readNumber()
@@ -410,7 +413,7 @@ inline Token JSONTokenizer::readNumber()
     } while (at == end() && refillAt(&at));
     m_text = span(offset, at, TextForm::Plain);
     m_numberLength = m_text.size();
-    if (!m_permissive && (matches(at, "n") || matches(at, "i"))) {
+    if (!m_permissive && (matches(&at, "n") || matches(&at, "i"))) {
         return readSpecialNumber(at, data()[m_keep + offset] == '-');
     }
     return m_text.size() == 0 ? failAt(at, MarkupError::InvalidNumber)
@@ -422,12 +425,11 @@ Token JSONTokenizer::readSpecialNumber(const char *at, bool negative)
 {
     constexpr std::string_view kInfinity = "infinity";
     constexpr qsizetype kShort = 3;
-    ensure(&at, static_cast<qsizetype>(kInfinity.size()) + 1);
-    if (matches(at, "nan")) {
+    if (matches(&at, "nan")) {
         m_text = TextSpan::external(kNan);
         return finishBareValue(at + kShort, MarkupError::InvalidNumber);
     }
-    const qsizetype letters = matchingChars(at, kInfinity);
+    const qsizetype letters = matchingChars(&at, kInfinity);
     if (letters < kShort) {
         return failAt(at + letters, MarkupError::InvalidNumber);
     }

@@ -71,8 +71,8 @@ private:
     bool scanString(char quote, TextSpan *text);
     Token readString(char quote);
     Token readLiteral(char c);
-    qsizetype matchingChars(const char *at, std::string_view word) const;
-    bool matches(const char *at, std::string_view word) const
+    qsizetype matchingChars(const char **at, std::string_view word);
+    bool matches(const char **at, std::string_view word)
     {
         return matchingChars(at, word) == static_cast<qsizetype>(word.size());
     }
