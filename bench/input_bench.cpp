@@ -1,6 +1,6 @@
 // bench/input_bench.cpp
 // Packed inputs: MB/s of unpacked bytes. Compare gzip with: time zcat FILE > /dev/null
-#include "io/input/input_source.h"
+#include "io/input/archive_sources.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -3,7 +3,7 @@
 #include "corvanta/action_item.h"
 #include "corvanta/files.h"
 #include "corvanta/main_ui.h"
-#include "io/input/input_source.h"
+#include "io/input/archive_sources.h"
 
 #include <algorithm>
 #include <thread>

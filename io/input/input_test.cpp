@@ -1,6 +1,6 @@
 // The kinds of inputs against the corpus' archives, damage, seeking and stopping.
+#include "io/input/archive_sources.h"
 #include "io/input/input_name.h"
-#include "io/input/input_source.h"
 #include "tests/support/corpus.h"
 
 #include <QCryptographicHash>

@@ -1,4 +1,4 @@
-#include "io/input/input_source.h"
+#include "io/input/archive_sources.h"
 #include "io/input/rar_ring.h"
 #include "io/platform/rar_archive.h"
 

@@ -1,5 +1,5 @@
 // The thread that unpacks a RAR entry ends whenever its input does.
-#include "io/input/input_source.h"
+#include "io/input/archive_sources.h"
 #include "tests/support/corpus.h"
 
 #include <gtest/gtest.h>

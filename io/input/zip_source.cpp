@@ -2,7 +2,7 @@
 // size and checksum are done here, so that a wrong member is an error whatever way it is read.
 #include "codecs/deflate/crc32.h"
 #include "codecs/deflate/inflater.h"
-#include "io/input/input_source.h"
+#include "io/input/archive_sources.h"
 
 #include <QFile>
 #include <QStringDecoder>

@@ -60,15 +60,26 @@ ActionReadCsv::ActionReadCsv(const XMLNode &saved, GlobalParameters *parameters)
 const ParamTable<ReadCsvParams> &ActionReadCsv::paramTable()
 {
     static const ParamTable<ReadCsvParams> table{
-        text("fileName", &ReadCsvParams::fileName).inputFile().always().label("File").meaning("Text file to read, UTF-8."),
-        text("separator", &ReadCsvParams::separator).label("Separator").meaning("One ASCII character between two fields."),
-        text("types", &ReadCsvParams::types).label("Column types")
-            .meaning("One letter per column, separated by commas: K (whole number), F (decimal number), U (text). "
+        text("fileName", &ReadCsvParams::fileName)
+            .inputFile()
+            .always()
+            .label("File")
+            .meaning("Text file to read, UTF-8; also packed as .gz or .Z."),
+        text("separator", &ReadCsvParams::separator)
+            .label("Separator")
+            .meaning("One ASCII character between two fields."),
+        text("types", &ReadCsvParams::types)
+            .label("Column types")
+            .meaning("One letter per column, separated by commas: K (whole number), F (decimal "
+                     "number), U (text). "
                      "Columns without a letter are texts."),
-        flag("header", &ReadCsvParams::header).label("First line holds the column names")
+        flag("header", &ReadCsvParams::header)
+            .label("First line holds the column names")
             .meaning("Without it the columns are named C1, C2, ..."),
-        text("sortedOn", &ReadCsvParams::sortedOn).label("Sorted on")
-            .meaning("Names of the columns that the table is declared sorted on, separated by commas."),
+        text("sortedOn", &ReadCsvParams::sortedOn)
+            .label("Sorted on")
+            .meaning(
+                "Names of the columns that the table is declared sorted on, separated by commas."),
     };
     return table;
 }
@@ -84,6 +95,7 @@ void ActionReadCsv::start()
     finish();
     m_at = m_fill = 0;
     m_fileEnded = m_described = m_firstIsData = false;
+    m_isAtStart = true;
     m_types.clear();
     m_line = m_nextLine = 1;
     m_size = -1;
@@ -112,13 +124,29 @@ bool ActionReadCsv::open()
         return false;
     }
     m_separator = separator[0].toLatin1();
-    m_file.reset(MyReadFile::newMyReadFile(globalParameters(), m_name, true, true));
-    if (!m_file) {
-        fail(u"Error: readCSV: cannot open file '%1' for read\n"_s.arg(m_name));
+    if (!openFile()) {
+        return !fail(u"Error: readCSV: cannot open file '%1' for read\n"_s.arg(m_name));
+    }
+    m_block.resize(kBlockBytes);
+    return true;
+}
+
+bool ActionReadCsv::openFile()
+{
+    const bool isGzip = m_name.endsWith(".gz"_L1);
+    if (!isGzip && !m_name.endsWith(".Z"_L1)) {
+        m_packed = nullptr;
+        m_file.reset(MyReadFile::newMyReadFile(globalParameters(), m_name, true, true));
+        m_size = m_file ? m_file->size() : -1;
+        return m_file != nullptr;
+    }
+    input::Opened opened = isGzip ? input::openGzip(m_name) : input::openCompress(m_name);
+    if (!opened) {
         return false;
     }
-    m_size = m_file->size();
-    m_block.resize(kBlockBytes);
+    m_packed = opened->get();
+    m_file = *std::move(opened);
+    m_size = KobiFileInfo(globalParameters(), m_name).size();
     return true;
 }
 
@@ -139,15 +167,16 @@ bool ActionReadCsv::refill()
     }
     const qint64 got = m_file->read(m_block.data() + m_fill, static_cast<qint64>(m_block.size() - m_fill));
     if (got < 0) {
-        fail(u"Error: readCSV: cannot read file '%1'\n"_s.arg(m_name));
-        return false;
+        const QString why = m_packed != nullptr ? u": "_s + m_packed->failure() : QString();
+        return !fail(u"Error: readCSV: cannot read file '%1'%2\n"_s.arg(m_name, why));
     }
     m_fileEnded = got == 0;
-    if (m_done == 0 && m_fill == 0 && got >= 3 && std::memcmp(m_block.data(), "\xEF\xBB\xBF", 3) == 0) {
+    if (m_isAtStart && got >= 3 && std::memcmp(m_block.data(), "\xEF\xBB\xBF", 3) == 0) {
         m_at = 3; // a byte-order mark
     }
+    m_isAtStart = false;
     m_fill += static_cast<size_t>(got);
-    m_done += got;
+    m_done = m_packed != nullptr ? m_packed->progressPosition() : m_done + got;
     return true;
 }
 

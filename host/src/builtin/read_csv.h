@@ -3,6 +3,7 @@
 #pragma once
 #include "corvanta/action_base.h"
 #include "corvanta/files.h"
+#include "io/unpack/input_source.h"
 
 #include <atomic>
 #include <memory>
@@ -41,6 +42,7 @@ private:
     void finish() override;
 
     bool open();
+    bool openFile();
     bool describeColumns();
     bool nextRecord();
     Scan scanRecord();
@@ -51,10 +53,12 @@ private:
 
     QString m_name;
     char m_separator = ',';
-    std::unique_ptr<MyReadFile> m_file;
+    std::unique_ptr<ByteSource> m_file;
+    const input::InputSource *m_packed = nullptr; // m_file, when it unpacks
     std::vector<char> m_block;
-    size_t m_at = 0;   // next byte of the block
-    size_t m_fill = 0; // bytes in the block
+    size_t m_at = 0;         // next byte of the block
+    size_t m_fill = 0;       // bytes in the block
+    bool m_isAtStart = true; // of the file
     bool m_fileEnded = false;
     bool m_described = false;
     bool m_firstIsData = false;

@@ -1,4 +1,4 @@
-#include "io/input/input_source.h"
+#include "io/unpack/input_source.h"
 
 #include <vector>
 

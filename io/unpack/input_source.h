@@ -1,5 +1,7 @@
-// io/input/input_source.h
-// One kind of input behind InputFile: where its bytes come from is the kind's own business.
+// io/unpack/input_source.h
+// One kind of input: where its bytes come from is the kind's own business. The kinds that are a
+// single packed file stand here, so that the host's own reader has them too; archives are in
+// io/input.
 #pragma once
 #include "base/byte_source.h"
 #include "base/result.h"
@@ -53,13 +55,6 @@ Opened openGzip(const QString &path);
 
 /// A Unix compress file (.Z).
 Opened openCompress(const QString &path);
-
-/// The member `member` of a zip archive, its name compared without regard to letter case; the first
-/// entry when it is empty.
-Opened openZipMember(const QString &path, const QString &member);
-
-/// The first entry of a RAR archive, unpacked by a thread of its own.
-Opened openRar(const QString &path);
 
 /// Read and drop `n` bytes; false when there are not so many, or after a failure.
 bool skipBytes(ByteSource &source, qint64 n);

@@ -1,6 +1,6 @@
 #include "codecs/lzw/lzw_reader.h"
-#include "io/input/disk_file.h"
-#include "io/input/input_source.h"
+#include "io/unpack/disk_file.h"
+#include "io/unpack/input_source.h"
 
 namespace corvanta::input {
 

@@ -1,4 +1,4 @@
-// io/input/disk_file.h
+// io/unpack/disk_file.h
 // A file of the system, read without a buffer of its own: for the packed kinds, which bring theirs.
 #pragma once
 #include "base/byte_source.h"

@@ -6,8 +6,8 @@
 #include "base/bytes.h"
 #include "codecs/deflate/crc32.h"
 #include "codecs/deflate/inflater.h"
-#include "io/input/disk_file.h"
-#include "io/input/input_source.h"
+#include "io/unpack/disk_file.h"
+#include "io/unpack/input_source.h"
 
 #include <vector>
 
