@@ -5,6 +5,7 @@
 #include <QMutex>
 #include <QPixmap>
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 #include <string>
@@ -12,6 +13,24 @@
 using namespace Qt::StringLiterals;
 
 ActionParameters::~ActionParameters() = default;
+
+int ActionParameters::indexOfParameter(const QString &name) const
+{
+    const QVector<ParameterInfo> all = parameters();
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [&](const ParameterInfo &info) { return info.name == name; });
+    return found == all.end() ? -1 : static_cast<int>(found - all.begin());
+}
+
+QVector<InputTable> ActionParameters::inputTables()
+{
+    return {};
+}
+
+bool ActionParameters::fillFromInput(int)
+{
+    return true;
+}
 
 QString ActionParameters::typeName(ParameterInfo::Type type)
 {
@@ -136,6 +155,21 @@ char ActionBase::init()
     return m_errorFlag;
 }
 
+QVector<InputTable> ActionBase::inputTables()
+{
+    QVector<InputTable> tables;
+    guarded([&] { tables = listTables(); });
+    return tables;
+}
+
+bool ActionBase::fillFromInput(int table)
+{
+    bool isFilled = false;
+    m_errorFlag = 0;
+    guarded([&] { isFilled = fill(table); });
+    return isFilled;
+}
+
 void ActionBase::prepareRun()
 {
     m_runFunction = static_cast<RunFunction>(&ActionBase::runGuarded);
@@ -160,7 +194,9 @@ char ActionBase::close()
 bool ActionBase::fail(const QString &text)
 {
     MainUI::addLog(MainUI::Error, text);
-    m_control->runStatus = RunControl::Failed;
+    if (m_control != nullptr) {
+        m_control->runStatus = RunControl::Failed;
+    }
     m_errorFlag = 1;
     return true;
 }

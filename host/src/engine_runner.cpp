@@ -2,6 +2,7 @@
 
 #include "corvanta/action_registry.h"
 #include "corvanta/main_ui.h"
+#include "corvanta/row_listener.h"
 #include "corvanta/run.h"
 
 #include <QSet>
@@ -13,57 +14,14 @@ using namespace corvanta;
 
 namespace {
 
-/// Keeps the rows that reach it, as texts.
-class Collector final : public ActionItem
+QStringList textsOf(const OneRow &row)
 {
-public:
-    Collector(int mostRows, TableSchema *columns, QVector<QStringList> *rows)
-        : ActionItem(XMLNode::emptyNode(), nullptr)
-        , m_mostRows(mostRows)
-        , m_columns(columns)
-        , m_rows(rows)
-    {
-        m_nPinOut = 0;
+    QStringList texts;
+    for (int i = 0; i < row.numberOfColumns(); ++i) {
+        texts << row.col(i, static_cast<unsigned short *>(nullptr));
     }
-    const char *getTypeName() const override { return "preview"; }
-    UpdateClassWidget *createPanel(QWidget *) override { return nullptr; }
-    QPixmap *getIcon(double) override { return nullptr; }
-    QString getDescription() const override { return {}; }
-    void showHelp() override {}
-    QStringList getKeywords() const override { return {}; }
-    void save(std::wostream &out, const QString &name) override { saveAI(out, name, 1); }
-    void prepareRun() override { m_runFunction = static_cast<RunFunction>(&Collector::collect); }
-    ActionItem *newInstance(XMLNode *saved, GlobalParameters *) override
-    {
-        delete saved;
-        return new Collector(m_mostRows, m_columns, m_rows);
-    }
-
-private:
-    bool collect()
-    {
-        while (m_mostRows < 0 || m_rows->size() < m_mostRows) {
-            const OneRow *const row = getNextRowFromInPin(0);
-            *m_columns = getInputColumns(0)->schema();
-            if (row == nullptr) {
-                return true;
-            }
-            QStringList texts;
-            for (int i = 0; i < row->numberOfColumns(); ++i) {
-                texts << row->col(i, static_cast<unsigned short *>(nullptr));
-            }
-            m_rows->append(texts);
-        }
-        // Enough rows: what lies before need not go on.
-        int expected = RunControl::Running;
-        m_control->runStatus.compare_exchange_strong(expected, RunControl::Stopped);
-        return true;
-    }
-
-    int m_mostRows;
-    TableSchema *m_columns;
-    QVector<QStringList> *m_rows;
-};
+    return texts;
+}
 
 /// The part of a graph that an action's pin hangs on.
 CorvantaGraph upTo(const CorvantaGraph &graph, const QString &id)
@@ -113,9 +71,15 @@ bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registr
         source = link->from;
     }
     CorvantaGraph part = upTo(graph, source.action);
+    const auto keep = [&](const TableSchema &columns, const OneRow *row) {
+        m_columns = columns;
+        if (row != nullptr) {
+            m_rows.append(textsOf(*row));
+        }
+        return wholeTable || m_rows.size() < kPreviewRows;
+    };
     RunOptions options;
-    options.listeners.push_back(
-        {u"preview"_s, source, std::make_unique<Collector>(wholeTable ? -1 : kPreviewRows, &m_columns, &m_rows)});
+    options.listeners.push_back({u"preview"_s, source, std::make_unique<RowListener>(keep)});
     if (part.indexOf(source.action) < 0 || !part.validate(registry, {}).isEmpty()) {
         return false;
     }

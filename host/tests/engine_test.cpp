@@ -1,6 +1,7 @@
 // The engine: no row lost, no thread left, close always called, whatever the actions do.
 #include "corvanta/action_registry.h"
 #include "corvanta/engine_runner.h"
+#include "corvanta/row_listener.h"
 #include "corvanta/run.h"
 #include "test_actions.h"
 
@@ -190,4 +191,34 @@ TEST_F(EngineTest, APreviewTakesAFewRowsAndEndsTheRest)
     ASSERT_EQ(runner.rows().size(), EngineRunner::kPreviewRows);
     EXPECT_EQ(runner.rows().last(), (QStringList{QStringLiteral("199"), QStringLiteral("x")}));
     EXPECT_FALSE(runner.run(m_graph, m_registry, QStringLiteral("a"), 0, EngineRunner::PinIn, false));
+}
+
+TEST_F(EngineTest, AListenerOfTheFirstRowsLetsItsSourceEndWell)
+{
+    for (const qint64 most : {0, 1, 10, 2000}) {
+        qint64 rows = 0;
+        QVector<QString> names;
+        bool hasEnd = false;
+        const auto see = [&](const TableSchema &columns, const OneRow *row) {
+            names = columns.names;
+            hasEnd = row == nullptr;
+            rows += hasEnd ? 0 : 1;
+            return true;
+        };
+        RunOptions options;
+        options.listeners.push_back({QStringLiteral("head"),
+                                     {QStringLiteral("a"), 0},
+                                     std::make_unique<RowListener>(see),
+                                     most});
+        g_seen.reset();
+        // What lies behind the rows that are wanted is not looked at.
+        const auto run = make("<action id='a'><source rows='100000000' failAt='2001'/></action>",
+                              std::move(options));
+        runToEnd(*run);
+        EXPECT_TRUE(run->succeeded());
+        EXPECT_EQ(rows, most);
+        EXPECT_TRUE(hasEnd);
+        EXPECT_EQ(names.size(), most > 0 ? 2 : 0);
+    }
+    EXPECT_TRUE(m_log.messages.isEmpty());
 }

@@ -62,6 +62,8 @@ public:
     char init() override;
     char close() override;
     void prepareRun() override;
+    QVector<InputTable> inputTables() final;
+    bool fillFromInput(int table) final;
 
     const ActionDescription &description() const { return m_description; }
 
@@ -74,8 +76,11 @@ protected:
     virtual bool step() = 0;
     /// Complete or abandon what the run opened (see runIsGood()), and free it. May be called twice.
     virtual void finish() {}
+    /// What inputTables() and fillFromInput() do. They may throw and fail(), as the above.
+    virtual QVector<InputTable> listTables() { return {}; }
+    virtual bool fill(int) { return true; }
 
-    /// Log an error, fail the run, and answer true.
+    /// Log an error, fail the run (if there is one), and answer true.
     bool fail(const QString &text);
     /// Log a warning and set the warning flag.
     void warn(const QString &text);

@@ -26,17 +26,37 @@ struct ParameterInfo
     qint64 high = 0;
 };
 
+/// One of the tables that an input file offers.
+struct InputTable
+{
+    QString path; ///< of the table in the file
+    qint64 rows = 0;
+    qint64 columns = 0;
+    QString beginning;     ///< of its first row, for people
+    bool isChosen = false; ///< it is the one that the parameters read
+};
+
 /// Implemented by actions whose parameters are declared in a table. Threads: the owner's.
 class CORVANTA_EXPORT ActionParameters
 {
 public:
     virtual ~ActionParameters();
     virtual QVector<ParameterInfo> parameters() const = 0;
+    /// Number of the parameter with that name (exact); -1 when there is none.
+    int indexOfParameter(const QString &name) const;
     /// The value as it would be saved; strings of a list are separated by line feeds, a structure is the XML
     /// of its elements.
     virtual QString parameterValue(int index) const = 0;
     /// Set a value from that form. False when it is not of the parameter's type; nothing changes then.
     virtual bool setParameterValue(int index, const QString &value) = 0;
+
+    /// Look at the beginning of the input file and set the parameters that say how to read it, as
+    /// far as they are still open: levels, for example. `table` is one of inputTables(); negative:
+    /// the most likely one. False, with a message, when that cannot be. Not during a run.
+    virtual bool fillFromInput(int table);
+    /// The tables of the input file among which fillFromInput() can choose, in the file's order;
+    /// empty when there is nothing to choose. Not during a run.
+    virtual QVector<InputTable> inputTables();
 
     /// "text", "integer", ... as `describe` prints it.
     static QString typeName(ParameterInfo::Type type);

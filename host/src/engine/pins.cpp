@@ -33,6 +33,9 @@ void OutputPin::rowReady()
     } else {
         appendOwn();
     }
+    if (m_yieldRequest != nullptr && --m_rowsLeft <= 0) {
+        *m_yieldRequest = 1;
+    }
 }
 
 void OutputPin::dropRow()

@@ -5,6 +5,7 @@
 #include "engine/input_gate.h"
 #include "engine/row_batch.h"
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <vector>
@@ -25,6 +26,13 @@ public:
     void addReader(InputGate *gate, int pin) { m_readers.push_back({gate, pin}); }
     bool isRead() const { return !m_readers.empty(); }
     void setOptions(const PinOptions &options) { m_options = options; }
+    /// Be complete after `rows` rows, and ask for a yield then. Before the run.
+    void setLimit(qint64 rows, std::atomic<char> *yieldRequest)
+    {
+        m_rowsLeft = rows;
+        m_yieldRequest = yieldRequest;
+    }
+    bool isComplete() const { return m_yieldRequest != nullptr && m_rowsLeft <= 0; }
 
     OneRow *row() { return &m_row; }
     RowBuffer *buffer() { return &openBatch().arena; }
@@ -55,6 +63,8 @@ private:
     std::shared_ptr<RowBatch> m_open;
     BatchSlice m_slice; // rows taken over unchanged from an input batch
     int m_dropped = 0;
+    qint64 m_rowsLeft = 0;                       // until the limit
+    std::atomic<char> *m_yieldRequest = nullptr; // null: there is no limit
     std::atomic<qint64> m_count = 0;
 };
 
@@ -105,6 +115,12 @@ public:
     InputGate &gate() { return m_gate; }
     int pinsIn() const { return static_cast<int>(m_in.size()); }
     int pinsOut() const { return static_cast<int>(m_out.size()); }
+    /// True when one of the output pins has had all the rows that are wanted.
+    bool isComplete() const
+    {
+        return std::any_of(m_out.begin(), m_out.end(),
+                           [](const OutputPin &pin) { return pin.isComplete(); });
+    }
 
 private:
     InputGate m_gate;

@@ -94,6 +94,12 @@ void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &regis
     for (auto &listener : options.listeners) {
         add(listener.id, std::move(listener.action), 1, pinOptions);
         connect(graph, listener.from, nodes.size() - 1, 0);
+        if (listener.mostRows >= 0) {
+            const auto source = static_cast<size_t>(graph.indexOf(listener.from.action));
+            nodes[source]
+                ->ports->out(listener.from.pin)
+                .setLimit(listener.mostRows, &control.yieldRequest);
+        }
     }
 }
 
@@ -159,7 +165,7 @@ void Run::Private::endRun(RunControl::Status status)
 
 void Run::Private::callRun(Node &node)
 {
-    while (control.isRunning()) {
+    while (control.isRunning() && !node.ports->isComplete()) {
         if ((node.action.get()->*node.action->m_runFunction)()) {
             return;
         }

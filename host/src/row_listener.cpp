@@ -1,0 +1,40 @@
+#include "corvanta/row_listener.h"
+
+namespace corvanta {
+
+RowListener::RowListener(See see)
+    : ActionItem(XMLNode::emptyNode(), nullptr)
+    , m_see(std::move(see))
+{
+    m_nPinOut = 0;
+}
+
+void RowListener::prepareRun()
+{
+    m_runFunction = static_cast<RunFunction>(&RowListener::listen);
+}
+
+ActionItem *RowListener::newInstance(XMLNode *saved, GlobalParameters *)
+{
+    delete saved;
+    return new RowListener(m_see);
+}
+
+bool RowListener::listen()
+{
+    const OneRow *row = nullptr;
+    do {
+        row = getNextRowFromInPin(0);
+        if (row == nullptr && !m_control->isRunning()) {
+            return true; // not the end of the table
+        }
+        if (!m_see(getInputColumns(0)->schema(), row)) {
+            int expected = RunControl::Running;
+            m_control->runStatus.compare_exchange_strong(expected, RunControl::Stopped);
+            return true;
+        }
+    } while (row != nullptr);
+    return true;
+}
+
+} // namespace corvanta
