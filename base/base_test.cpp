@@ -106,17 +106,24 @@ TEST(Number, ParsingTakesTheWholeTextOrNothing)
 TEST(FloatFormat, OnlyOneDoubleConversionGetsThrough)
 {
     FloatFormat format;
-    for (const char *bad : {"", "x", "%d", "%s", "%n", "%*f", "%1$f", "%Lf", "%f%f", "%", "%.9999f", "%.f%"}) {
+    for (const char *bad :
+         {"x", "%d", "%s", "%n", "%*f", "%1$f", "%Lf", "%f%f", "%", "%.9999f", "%.f%"}) {
         EXPECT_FALSE(format.set(QString::fromLatin1(bad))) << bad;
     }
     const std::pair<const char *, const char *> good[] = {
-        {"%.2f", "3.25"}, {"%+08.1lf", "+00003.2"}, {"%% %e x", "% 3.250000e+00 x"}, {"%.3g", "3.25"}, {"%g", "3.25"}};
+        {"%.2f", "3.25"}, {"%+08.1lf", "+00003.2"}, {"%% %e x", "% 3.250000e+00 x"},
+        {"%.3g", "3.25"}, {"%g", "3.25"},           {"", "3.25"}};
     for (const auto &[text, printed] : good) {
         ASSERT_TRUE(format.set(QString::fromLatin1(text))) << text;
         QByteArray out;
         format.append(3.25, &out);
         EXPECT_EQ(out.toStdString(), printed);
     }
+    ASSERT_TRUE(format.set(QString()));
+    EXPECT_FALSE(format.set(QStringLiteral("%d")));
+    QByteArray shortest;
+    format.append(0.1 + 0.2, &shortest);
+    EXPECT_EQ(shortest, "0.30000000000000004");
     ASSERT_TRUE(format.set(QStringLiteral("%.999f")));
     QByteArray out;
     format.append(1e300, &out);

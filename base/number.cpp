@@ -231,6 +231,10 @@ FloatFormat::FloatFormat()
 
 bool FloatFormat::set(const QString &format)
 {
+    if (format.isEmpty()) {
+        m_isShortest = true;
+        return true;
+    }
     const QByteArray text = format.toUtf8();
     int conversions = 0;
     for (qsizetype at = 0; at < text.size();) {
@@ -253,6 +257,7 @@ bool FloatFormat::set(const QString &format)
         return false;
     }
     m_format = text;
+    m_isShortest = false;
     quint64 precision = 0;
     const bool plain = text.startsWith("%.") && text.endsWith('g')
         && parseUInt(std::string_view(text.constData() + 2, static_cast<size_t>(text.size()) - 3), 17,
@@ -264,6 +269,9 @@ bool FloatFormat::set(const QString &format)
 
 qsizetype FloatFormat::put(double value, char *out, qsizetype room) const
 {
+    if (m_isShortest && room >= kNumberChars) {
+        return putShortest(value, out);
+    }
     if (m_generalPrecision != 0 && room >= kNumberChars) {
         return putGeneral(value, m_generalPrecision, out);
     }

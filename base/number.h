@@ -36,8 +36,9 @@ bool parseUInt(std::string_view text, quint64 max, quint64 *value);
 
 /// A printf format that a user gave for one double, checked once and then safe to use.
 ///
-/// Allowed: literal text, "%%" and exactly one conversion of e E f F g G a A with flags "-+ #0",
-/// width and precision of up to 3 digits, and an optional "l".
+/// Allowed: nothing at all, which stands for putShortest(), or literal text, "%%" and exactly one
+/// conversion of e E f F g G a A with flags "-+ #0", width and precision of up to 3 digits, and an
+/// optional "l".
 class FloatFormat
 {
 public:
@@ -56,6 +57,7 @@ public:
 
 private:
     QByteArray m_format;
+    bool m_isShortest = false;
     int m_generalPrecision; // of a plain "%g" or "%.<n>g", which needs no printf; otherwise 0
 };
 

@@ -25,11 +25,11 @@ enum ItemType {
 };
 
 /// `name` in quotes and a colon.
-FixedText keyText(const QString &name)
+template <class Escapes> FixedText keyText(const QString &name)
 {
     const std::u16string plain = name.toStdU16String();
-    std::u16string escaped(plain.size() * compose::JsonEscapes::kWorst, u'\0');
-    const char16_t *const end = compose::putEscaped<compose::JsonEscapes>(
+    std::u16string escaped(plain.size() * Escapes::kWorst, u'\0');
+    const char16_t *const end = compose::putEscaped<Escapes>(
         plain.data(), static_cast<qsizetype>(plain.size()), escaped.data());
     escaped.resize(static_cast<size_t>(end - escaped.data()));
     return FixedText(u'"' + escaped + u"\":");
@@ -39,11 +39,10 @@ class JsonItems
 {
 public:
     JsonItems(const LevelCompiler &compiler, const std::vector<WriteLevel> &levels,
-              bool replaceLineFeeds)
+              ComposeOperation::TextForm form)
         : m_compiler(compiler)
         , m_levels(levels)
-        , m_form(replaceLineFeeds ? ComposeOperation::TextForm::JsonStringWithLineFeed
-                                  : ComposeOperation::TextForm::JsonString)
+        , m_form(form)
     {
     }
 
@@ -72,13 +71,20 @@ public:
     }
 
 private:
+    FixedText key(const QString &name) const
+    {
+        return m_form == ComposeOperation::TextForm::JsonStrict
+                   ? keyText<compose::JsonStrictEscapes>(name)
+                   : keyText<compose::JsonEscapes>(name);
+    }
+
     Compiled values(std::vector<ComposeOperation::Column> columns, bool hasKeys,
                     const QString &prefix) const
     {
         for (ComposeOperation::Column &column : columns) {
             const QString name = m_compiler.columns().colName(column.input);
             const bool isCut = !prefix.isEmpty() && name.startsWith(prefix);
-            column.before = hasKeys ? keyText(isCut ? name.mid(prefix.size()) : name) : FixedText();
+            column.before = hasKeys ? key(isCut ? name.mid(prefix.size()) : name) : FixedText();
         }
         return ComposeOperation{Kind::Values, m_form, FixedText(u","), {}, std::move(columns)};
     }
@@ -121,10 +127,10 @@ private:
 } // namespace
 
 LevelCompiler::Levels compileJsonLevels(const std::vector<WriteLevel> &levels,
-                                        const OneRow &columns, bool replaceLineFeeds)
+                                        const OneRow &columns, ComposeOperation::TextForm form)
 {
     const LevelCompiler compiler(levels, columns);
-    const JsonItems items(compiler, levels, replaceLineFeeds);
+    const JsonItems items(compiler, levels, form);
     return compiler.compile([&](size_t level, size_t item) { return items.compile(level, item); });
 }
 

@@ -5,9 +5,10 @@
 
 namespace corvanta {
 
-/// Compile `levels` (at least one) for a table. Faults: see LevelCompiler::compile().
+/// Compile `levels` (at least one) for a table; `form` is that of text values. Faults: see
+/// LevelCompiler::compile().
 LevelCompiler::Levels compileJsonLevels(const std::vector<WriteLevel> &levels,
-                                        const OneRow &columns, bool replaceLineFeeds);
+                                        const OneRow &columns, ComposeOperation::TextForm form);
 
 /// The one level that is written when none is declared: an object per row.
 std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringList &toWrite);

@@ -297,7 +297,9 @@ bool LevelComposer::putText(Operation::TextForm form, const Column &column,
 {
     using compose::JsonEscapes;
     using compose::JsonEscapesWithLineFeed;
+    using compose::JsonStrictEscapes;
     using compose::XmlAttributeEscapes;
+    using compose::XmlStrictEscapes;
     using compose::XmlTextEscapes;
     constexpr qsizetype kQuotes = 2;
     if (m_rules.specialBool) {
@@ -312,6 +314,12 @@ bool LevelComposer::putText(Operation::TextForm form, const Column &column,
     case Operation::TextForm::JsonStringWithLineFeed:
         return putAround(column, lead, roomFor<JsonEscapesWithLineFeed>(text) + kQuotes,
                          [&](char16_t *out) { return quoted<JsonEscapesWithLineFeed>(text, out); });
+    case Operation::TextForm::JsonStrict:
+        return putAround(column, lead, roomFor<JsonStrictEscapes>(text) + kQuotes,
+                         [&](char16_t *out) { return quoted<JsonStrictEscapes>(text, out); });
+    case Operation::TextForm::XmlStrict:
+        return putAround(column, lead, roomFor<XmlStrictEscapes>(text),
+                         [&](char16_t *out) { return escaped<XmlStrictEscapes>(text, out); });
     case Operation::TextForm::XmlText:
         return putAround(column, lead, roomFor<XmlTextEscapes>(text),
                          [&](char16_t *out) { return escaped<XmlTextEscapes>(text, out); });

@@ -46,7 +46,14 @@ struct ComposeOperation
         Nothing,
     };
     /// What is done to the text cells of `columns`.
-    enum class TextForm { JsonString, JsonStringWithLineFeed, XmlText, XmlAttribute };
+    enum class TextForm {
+        JsonString,
+        JsonStringWithLineFeed,
+        JsonStrict,
+        XmlText,
+        XmlAttribute,
+        XmlStrict
+    };
     struct Column
     {
         int input = 0; ///< index in the row

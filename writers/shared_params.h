@@ -59,7 +59,8 @@ template <class P> Param<P> floatToString()
 {
     return text<P>("floatToString", &P::floatToString)
         .label("Format of decimal numbers")
-        .meaning("printf format with one conversion of a floating-point number.");
+        .meaning("printf format with one conversion of a floating-point number; empty: the "
+                 "fewest digits that read back.");
 }
 
 } // namespace corvanta::shared

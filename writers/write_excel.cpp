@@ -272,15 +272,24 @@ bool ActionWriteExcel::writeRow(const OneRow *row)
     return !failOn(m_run->sheet->putRow(*row));
 }
 
+void ActionWriteExcel::endOfRows()
+{
+    if (m_run->isFirst) {
+        const OneRow *const columns = getInputColumns(0);
+        getOutputRowForOutputPin(0)->copySchemaFrom(columns);
+        if (m_params.alwaysWrite && runIsGood() && columns->numberOfColumns() > 0) {
+            begin(columns);
+        }
+    }
+    m_run->isComplete = runIsGood();
+}
+
 bool ActionWriteExcel::step()
 {
     while (!yieldRequested()) {
         const OneRow *const row = getNextRowFromInPin(0);
         if (row == nullptr) {
-            m_run->isComplete = runIsGood();
-            if (m_run->isFirst) {
-                getOutputRowForOutputPin(0)->copySchemaFrom(getInputColumns(0));
-            }
+            endOfRows();
             return true;
         }
         getOutputRowForOutputPin(0)->copyFrom(row);

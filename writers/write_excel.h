@@ -56,6 +56,7 @@ private:
     SheetOptions sheetOptions() const;
     bool writeMember(const char *name, const QByteArray &content);
     bool writeRow(const OneRow *row);
+    void endOfRows();
     bool failOn(SheetWriter::Error error);
     bool finishSheet();
     bool finishWorkbook();

@@ -78,6 +78,9 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         flag("createDir", &P::createDir)
             .label("Create the folder of the workbook")
             .meaning("Creates missing folders of a new workbook."),
+        flag("alwaysWrite", &P::alwaysWrite)
+            .label("Write a workbook also without rows")
+            .meaning("Writes the sheet with its header row also when there is no row."),
         flag("equalisFormula", &P::equalisFormula)
             .label("Texts that start with \"=\" are formulas")
             .meaning(

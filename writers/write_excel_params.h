@@ -26,6 +26,7 @@ struct WriteExcelParams : RowFilterParams
     bool noNans = true;
     bool useComma = false;
     bool createDir = false;
+    bool alwaysWrite = false;
     bool equalisFormula = false;
     bool runExcel = false;
     bool excelHack = true;

@@ -59,7 +59,11 @@ std::vector<WriteLevel> ActionWriteJSON::declaredLevels() const
 LevelCompiler::Levels ActionWriteJSON::compileLevels(const std::vector<WriteLevel> &levels,
                                                      const OneRow &columns) const
 {
-    return compileJsonLevels(levels, columns, m_params.replaceLF);
+    using Form = ComposeOperation::TextForm;
+    return compileJsonLevels(levels, columns,
+                             m_params.escapeControls ? Form::JsonStrict
+                             : m_params.replaceLF    ? Form::JsonStringWithLineFeed
+                                                     : Form::JsonString);
 }
 
 ValueRules ActionWriteJSON::rules() const

@@ -34,6 +34,11 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
             .label("Line feeds become \\n")
             .meaning("Writes line feeds in texts as \\n. Off: they stay as they are, which strict "
                      "readers refuse."),
+        flag("escapeControls", &P::escapeControls)
+            .label("Control characters become escapes")
+            .meaning("Writes all control characters in texts and names as escapes, so that the "
+                     "file is JSON "
+                     "whatever the cells hold. Off: they stay as they are."),
         flag("splitFile", &P::splitFile)
             .label("One file per value of the split column")
             .meaning("Writes one file per value of splitCol; the value goes into the file name, in "

@@ -9,6 +9,7 @@ struct WriteJsonParams : LevelWriterParams
 {
     bool specialBool = true;
     bool replaceLF = false;
+    bool escapeControls = false;
     bool splitFile = false;
     bool advancedNaming = false;
     QString splitCol;

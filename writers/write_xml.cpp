@@ -67,8 +67,9 @@ LevelCompiler::Levels ActionWriteXML::compileLevels(const std::vector<WriteLevel
                                                     const OneRow &columns) const
 {
     const int indent = qBound(0, expandString(m_params.indentStart).toInt(), kMostIndent);
-    return compileXmlLevels(levels, columns,
-                            m_params.humanReadable ? std::optional(indent) : std::nullopt);
+    return compileXmlLevels(
+        levels, columns,
+        {m_params.humanReadable ? std::optional(indent) : std::nullopt, m_params.wellFormed});
 }
 
 ValueRules ActionWriteXML::rules() const

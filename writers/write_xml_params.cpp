@@ -24,6 +24,12 @@ const ParamTable<WriteXmlParams> &writeXmlParamTable()
         flag("humanReadable", &P::humanReadable)
             .label("Indent the elements")
             .meaning("Writes indented elements, one per line."),
+        flag("wellFormed", &P::wellFormed)
+            .label("Well-formed whatever the cells hold")
+            .meaning(
+                "Escapes all that parsers would refuse or change, puts U+FFFD for characters that "
+                "XML "
+                "does not know, and makes names of elements and attributes valid and distinct."),
         text("indentStart", &P::indentStart)
             .label("Indent of the outermost level")
             .meaning(

@@ -10,6 +10,7 @@ struct WriteXmlParams : LevelWriterParams
     int charMode = 0;
     bool useComma = false;
     bool humanReadable = false;
+    bool wellFormed = false;
     QString indentStart = QStringLiteral("0");
     QString prefix = QStringLiteral("<data>");
     QString suffix = QStringLiteral("</data>");

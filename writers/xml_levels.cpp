@@ -1,5 +1,7 @@
 #include "writers/xml_levels.h"
 
+#include <QSet>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
@@ -32,15 +34,64 @@ FixedText fixed(const QString &text)
     return FixedText(text.toStdU16String());
 }
 
+/// Characters that XML names may begin with; those that parsers of any age take.
+bool beginsName(QChar c)
+{
+    return c == u'_' || (c < u'\x80' ? c.isLetter() : c.isLetter() && !c.isSurrogate());
+}
+
+/// The name with "_" for what an XML name cannot hold. Not a colon either: its prefix would have to
+/// be declared.
+QString validName(const QString &name)
+{
+    QString valid;
+    for (const QChar c : name) {
+        const bool fits = beginsName(c) || c == u'-' || c == u'.' || (c >= u'0' && c <= u'9');
+        valid += fits ? c : u'_';
+    }
+    return valid.isEmpty() || !beginsName(valid[0]) ? u'_' + valid : valid;
+}
+
+/// Names for the columns of one item.
+class ItemNames
+{
+public:
+    explicit ItemNames(bool wellFormed)
+        : m_wellFormed(wellFormed)
+    {
+    }
+
+    /// `name`, valid and not given before where that is asked for.
+    QString next(const QString &name)
+    {
+        if (!m_wellFormed) {
+            return name;
+        }
+        const QString base = validName(name);
+        QString given = base;
+        for (int n = 2; m_given.contains(given); ++n) {
+            given = base + u'_' + QString::number(n);
+        }
+        m_given.insert(given);
+        return given;
+    }
+
+private:
+    bool m_wellFormed;
+    QSet<QString> m_given;
+};
+
 class XmlItems
 {
 public:
     XmlItems(const LevelCompiler &compiler, const std::vector<WriteLevel> &levels,
-             std::optional<int> indent)
+             const XmlLayout &layout)
         : m_compiler(compiler)
         , m_levels(levels)
         , m_depths(depthsOf(levels, SubLevel))
-        , m_indent(indent)
+        , m_layout(layout)
+        , m_textForm(layout.wellFormed ? TextForm::XmlStrict : TextForm::XmlText)
+        , m_attributeForm(layout.wellFormed ? TextForm::XmlStrict : TextForm::XmlAttribute)
     {
     }
 
@@ -49,7 +100,7 @@ public:
         const WriteItem &item = m_levels[level].items[index];
         switch (item.type) {
         case Text:
-            return ComposeOperation{Kind::Text, TextForm::XmlText, fixed(item.text)};
+            return ComposeOperation{Kind::Text, m_textForm, fixed(item.text)};
         case Attributes:
             return attributes(m_compiler.findAll(), QString());
         case Subtags:
@@ -71,32 +122,36 @@ public:
     /// A line feed and the blanks in front of an element of `level`, or of what is `deeper` in it.
     QString lineBreak(size_t level, int deeper) const
     {
-        return m_indent
-                   ? u'\n' + QString((m_depths[level] + deeper) * kIndentStep + *m_indent, u' ')
+        return m_layout.indent
+                   ? u'\n' +
+                         QString((m_depths[level] + deeper) * kIndentStep + *m_layout.indent, u' ')
                    : QString();
     }
 
 private:
     Compiled attributes(Columns columns, const QString &prefix) const
     {
+        ItemNames names(m_layout.wellFormed);
         for (ComposeOperation::Column &column : columns) {
             const QString name = m_compiler.columns().colName(column.input);
             const bool isCut = !prefix.isEmpty() && name.startsWith(prefix);
-            column.before = fixed(u' ' + (isCut ? name.mid(prefix.size()) : name) + u"=\""_s);
+            column.before =
+                fixed(u' ' + names.next(isCut ? name.mid(prefix.size()) : name) + u"=\""_s);
             column.after = FixedText(u"\"");
         }
-        return ComposeOperation{Kind::Values, TextForm::XmlAttribute, {}, {}, std::move(columns)};
+        return ComposeOperation{Kind::Values, m_attributeForm, {}, {}, std::move(columns)};
     }
 
     Compiled subtags(Columns columns, size_t level) const
     {
+        ItemNames names(m_layout.wellFormed);
         for (ComposeOperation::Column &column : columns) {
-            const QString name = m_compiler.columns().colName(column.input);
+            const QString name = names.next(m_compiler.columns().colName(column.input));
             column.before = fixed(lineBreak(level, 1) + u'<' + name + u'>');
             column.after = fixed(u"</"_s + name + u'>');
         }
         return ComposeOperation{
-            Kind::Values, TextForm::XmlText, {}, fixed(lineBreak(level, 0)), std::move(columns)};
+            Kind::Values, m_textForm, {}, fixed(lineBreak(level, 0)), std::move(columns)};
     }
 
     Compiled someColumns(const WriteItem &item, size_t level) const
@@ -119,28 +174,29 @@ private:
             return columns.fault();
         }
         if (item.type == AsIs) {
-            return ComposeOperation{Kind::RawValue, TextForm::XmlText, {}, {}, *std::move(columns)};
+            return ComposeOperation{Kind::RawValue, m_textForm, {}, {}, *std::move(columns)};
         }
         if (item.type == InTag) {
-            return ComposeOperation{Kind::Values, TextForm::XmlText, {}, {}, *std::move(columns)};
+            return ComposeOperation{Kind::Values, m_textForm, {}, {}, *std::move(columns)};
         }
-        return ComposeOperation{
-            Kind::QuotedValue, TextForm::XmlAttribute, {}, {}, *std::move(columns)};
+        return ComposeOperation{Kind::QuotedValue, m_attributeForm, {}, {}, *std::move(columns)};
     }
 
     const LevelCompiler &m_compiler;
     const std::vector<WriteLevel> &m_levels;
     std::vector<int> m_depths;
-    std::optional<int> m_indent;
+    XmlLayout m_layout;
+    TextForm m_textForm;
+    TextForm m_attributeForm;
 };
 
 } // namespace
 
 LevelCompiler::Levels compileXmlLevels(const std::vector<WriteLevel> &levels, const OneRow &columns,
-                                       std::optional<int> indent)
+                                       const XmlLayout &layout)
 {
     const LevelCompiler compiler(levels, columns);
-    const XmlItems items(compiler, levels, indent);
+    const XmlItems items(compiler, levels, layout);
     auto compiled =
         compiler.compile([&](size_t level, size_t item) { return items.compile(level, item); });
     for (size_t i = 0; compiled && i < levels.size(); ++i) {

@@ -49,8 +49,8 @@ struct Bytes
 template <class Escapes> class EscapesTest : public testing::Test
 {
 };
-using AllEscapes =
-    testing::Types<JsonEscapes, JsonEscapesWithLineFeed, XmlTextEscapes, XmlAttributeEscapes>;
+using AllEscapes = testing::Types<JsonEscapes, JsonEscapesWithLineFeed, JsonStrictEscapes,
+                                  XmlTextEscapes, XmlAttributeEscapes, XmlStrictEscapes>;
 TYPED_TEST_SUITE(EscapesTest, AllEscapes);
 
 /// Sizes around the vector width, a reserved character at each one or two places.
@@ -63,8 +63,8 @@ TYPED_TEST(EscapesTest, EveryPlaceOfAVectorIsLookedAt)
                 i % 3 == 0 ? 0x2122 : u'a' + i % 26); // 0x2122 holds 0x22, a quote
         }
         ASSERT_EQ(escapedByVectors<TypeParam>(plain), plain);
-        for (const char16_t special :
-             {u'"', u'\\', u'\n', u'<', u'>', u'&', u'\'', u'\x01', u'\xD800'}) {
+        for (const char16_t special : {u'"', u'\\', u'\n', u'<', u'>', u'&', u'\'', u'\x01',
+                                       u'\x1F', u' ', u'\xD800', u'\xFFFE', u'\xFFFF'}) {
             for (size_t first = 0; first < n; ++first) {
                 for (size_t second = first; second < n; ++second) {
                     std::u16string text = plain;
@@ -84,6 +84,10 @@ TEST(Escapes, AreThoseOfTheSyntax)
     EXPECT_EQ(escapedByVectors<JsonEscapesWithLineFeed>(text), u"a\\\"b\\\\c\\nd<e>f&g'h\x01");
     EXPECT_EQ(escapedByVectors<XmlTextEscapes>(text), u"a\"b\\c\nd&lt;e>f&amp;g'h\x01");
     EXPECT_EQ(escapedByVectors<XmlAttributeEscapes>(text), u"a\"b\\c\nd<e>f&amp;g&quot;h\x01");
+    EXPECT_EQ(escapedByVectors<JsonStrictEscapes>(text + u"\r\t\x7F"),
+              u"a\\\"b\\\\c\\nd<e>f&g'h\\u0001\\r\\t\x7F");
+    EXPECT_EQ(escapedByVectors<XmlStrictEscapes>(text + u"\r\t\xFFFF"),
+              u"a&quot;b\\c&#10;d&lt;e&gt;f&amp;g'h\uFFFD&#13;&#9;\uFFFD");
 }
 
 TEST(TextBlock, DrainsPieceByPieceWithoutLosingAnything)

@@ -22,6 +22,12 @@ inline __m128i sameUnit(__m128i units, char16_t wanted)
     return _mm_cmpeq_epi16(units, _mm_set1_epi16(static_cast<short>(wanted)));
 }
 
+/// Units below the blank.
+inline __m128i controlUnits(__m128i units)
+{
+    return _mm_cmpeq_epi16(_mm_subs_epu16(units, _mm_set1_epi16(0x1F)), _mm_setzero_si128());
+}
+
 /// Text between the quotes of a JSON string: quotes and backslashes, nothing else.
 struct JsonEscapes
 {
@@ -50,6 +56,26 @@ struct JsonEscapesWithLineFeed
     static constexpr qsizetype kWorst = 2;
 };
 
+/// The same, and all control characters, as RFC 8259 has it.
+struct JsonStrictEscapes
+{
+    static __m128i specials(__m128i units)
+    {
+        return _mm_or_si128(JsonEscapes::specials(units), controlUnits(units));
+    }
+    static std::u16string_view replacement(char16_t unit)
+    {
+        constexpr std::u16string_view controls[] = {
+            u"\\u0000", u"\\u0001", u"\\u0002", u"\\u0003", u"\\u0004", u"\\u0005", u"\\u0006",
+            u"\\u0007", u"\\b",     u"\\t",     u"\\n",     u"\\u000b", u"\\f",     u"\\r",
+            u"\\u000e", u"\\u000f", u"\\u0010", u"\\u0011", u"\\u0012", u"\\u0013", u"\\u0014",
+            u"\\u0015", u"\\u0016", u"\\u0017", u"\\u0018", u"\\u0019", u"\\u001a", u"\\u001b",
+            u"\\u001c", u"\\u001d", u"\\u001e", u"\\u001f"};
+        return unit < u' ' ? controls[unit] : JsonEscapes::replacement(unit);
+    }
+    static constexpr qsizetype kWorst = 6;
+};
+
 /// Text between XML tags: less-than signs and ampersands.
 struct XmlTextEscapes
 {
@@ -75,6 +101,42 @@ struct XmlAttributeEscapes
     static std::u16string_view replacement(char16_t unit)
     {
         return unit == u'&' ? u"&amp;" : unit == u'\'' ? u"&quot;" : std::u16string_view();
+    }
+    static constexpr qsizetype kWorst = 6;
+};
+
+/// Text of elements and attributes as XML 1.0 has it, so that a parser gives it back: line ends and
+/// tabs are written as numbers, what XML does not know becomes U+FFFD.
+struct XmlStrictEscapes
+{
+    static __m128i specials(__m128i units)
+    {
+        const __m128i markup =
+            _mm_or_si128(XmlTextEscapes::specials(units),
+                         _mm_or_si128(sameUnit(units, u'>'), sameUnit(units, u'"')));
+        const __m128i unknown =
+            _mm_or_si128(sameUnit(units, u'\xFFFE'), sameUnit(units, u'\xFFFF'));
+        return _mm_or_si128(_mm_or_si128(markup, controlUnits(units)), unknown);
+    }
+    static std::u16string_view replacement(char16_t unit)
+    {
+        switch (unit) {
+        case u'>':
+            return u"&gt;";
+        case u'"':
+            return u"&quot;";
+        case u'\t':
+            return u"&#9;";
+        case u'\n':
+            return u"&#10;";
+        case u'\r':
+            return u"&#13;";
+        case u'\xFFFE':
+        case u'\xFFFF':
+            return u"\uFFFD";
+        default:
+            return unit < u' ' ? u"\uFFFD" : XmlTextEscapes::replacement(unit);
+        }
     }
     static constexpr qsizetype kWorst = 6;
 };
