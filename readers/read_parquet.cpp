@@ -88,6 +88,7 @@ void ActionReadParquet::start()
     m_options.int64ToKey = m_params.int64ToKey;
     m_options.extendedEncodings = m_params.extendedEncodings;
     m_options.logicalTypes = m_params.logicalTypes;
+    m_options.skipsUnreadable = m_params.skipUnreadable;
     m_options.pageChecksums = m_params.pageChecksums;
 }
 
@@ -200,7 +201,8 @@ ActionReadParquet::Opening ActionReadParquet::openFile(const QString &name)
     }
     file->reader = *std::move(reader);
     const parquet::TableReader &table = *file->reader;
-    if (table.schemaColumnCount() == 0 || table.rowGroupCount() == 0 || table.declaredRows() == 0) {
+    const bool isEmpty = table.rowGroupCount() == 0 || table.declaredRows() == 0;
+    if (table.schemaColumnCount() == 0 || (isEmpty && !m_params.allowEmpty)) {
         fail(u"Error (2) deserializing thrift meta-data (%1,%2,%3)"_s.arg(
             QString::number(table.columns().size() + 1), QString::number(table.rowGroupCount()),
             QString::number(table.declaredRows())));
@@ -258,6 +260,7 @@ bool ActionReadParquet::handleMissing(const QString &name)
 bool ActionReadParquet::describeColumns()
 {
     m_hasColumns = true;
+    warnSkipped();
     for (const parquet::Column &column : m_current->reader->columns()) {
         m_names << column.name;
         m_types << metaTypeOf(column);
@@ -272,6 +275,17 @@ bool ActionReadParquet::describeColumns()
     row->setColName(names);
     row->setMetaData(types);
     return true;
+}
+
+void ActionReadParquet::warnSkipped()
+{
+    constexpr int kToldColumns = 10;
+    CappedLog log(MainUI::Warning, kToldColumns, u"Warning: more columns are left out\n"_s);
+    for (const QString &column : m_current->reader->skippedColumns()) {
+        log.add(
+            u"Warning: The Parquet file '%1' is read without %2\n"_s.arg(m_current->name, column));
+        m_warningFlag = 1;
+    }
 }
 
 /// Compare the columns of a later file with those of the first one.

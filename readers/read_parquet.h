@@ -50,6 +50,7 @@ private:
     Opening unreadable(const QString &name, const Fault<parquet::Error> &fault);
     bool handleMissing(const QString &name);
     bool describeColumns();
+    void warnSkipped();
     bool checkColumns();
     bool putRow();
     bool finishFile();

@@ -35,6 +35,14 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
             .meaning("A page that does not have the checksum in its header cannot be read. Off: "
                      "checksums are "
                      "not looked at."),
+        flag("skipUnreadable", &P::skipUnreadable)
+            .label("Leave out columns that cannot be read")
+            .meaning("Leaves out nested columns and others that cannot be read, with a warning. "
+                     "Off: such "
+                     "files are refused."),
+        flag("allowEmpty", &P::allowEmpty)
+            .label("A file may be without rows")
+            .meaning("A file without rows is an empty table. Off: it is an error."),
         text("fileName", &P::fileName)
             .inputFile()
             .always()

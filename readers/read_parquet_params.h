@@ -14,6 +14,8 @@ struct ReadParquetParams
     bool outputFilenames = false;
     bool extendedEncodings = false;
     bool logicalTypes = false;
+    bool skipUnreadable = false;
+    bool allowEmpty = false;
     bool pageChecksums = false;
     QString fileName;
     QStringList columnsToRead;

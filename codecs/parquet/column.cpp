@@ -346,25 +346,6 @@ Column columnOf(const FileMetaData &file, const Leaf &leaf, size_t chunk,
 
 } // namespace
 
-std::vector<ListedColumn> listColumns(const FileMetaData &file, const ReadOptions &options)
-{
-    std::vector<ListedColumn> listed;
-    size_t chunk = 0;
-    for (size_t i = 1; i < file.schema.size(); ++i) {
-        const SchemaElement &element = file.schema[i];
-        const Leaf leaf{&element, QString::fromUtf8(element.name), false};
-        ListedColumn &column = listed.emplace_back(ListedColumn{leaf.name, std::nullopt});
-        if (element.numChildren.value_or(0) > 0) {
-            continue;
-        }
-        if (element.type && *element.type >= kBoolean && *element.type <= kFixedLenByteArray) {
-            column.type = cellTypeOf(columnOf(file, leaf, chunk, options).form);
-        }
-        ++chunk;
-    }
-    return listed;
-}
-
 Result<Columns, Error> selectColumns(const FileMetaData &file, const ReadOptions &options)
 {
     Columns result;
@@ -376,14 +357,22 @@ Result<Columns, Error> selectColumns(const FileMetaData &file, const ReadOptions
             continue;
         }
         missing.removeAll(leaf.name);
-        if (const QString why = leafFault(leaf); !why.isEmpty()) {
-            return Fault{Error::BadData, columnDetail(leaf.name, why)};
+        QString why = leafFault(leaf);
+        if (why.isEmpty()) {
+            Column column = columnOf(file, leaf, i, options);
+            why = chunksFault(file, column, options);
+            if (why.isEmpty()) {
+                result.columns.push_back(std::move(column));
+                continue;
+            }
         }
-        Column column = columnOf(file, leaf, i, options);
-        if (const QString why = chunksFault(file, column, options); !why.isEmpty()) {
-            return Fault{Error::BadData, columnDetail(leaf.name, why)};
+        result.skipped << columnDetail(leaf.name, why);
+        if (!options.skipsUnreadable) {
+            return Fault{Error::BadData, result.skipped.first()};
         }
-        result.columns.push_back(std::move(column));
+    }
+    if (result.columns.empty() && !result.skipped.isEmpty()) {
+        return Fault{Error::BadData, result.skipped.first()};
     }
     if (options.selectsColumns) {
         result.missing = missing;

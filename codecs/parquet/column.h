@@ -22,6 +22,7 @@ struct ReadOptions
     bool pageChecksums = false;     ///< compare pages with the checksums in their headers
     bool selectsColumns = false;    ///< only the columns of `selection`
     QStringList selection;
+    bool skipsUnreadable = false; ///< columns that cannot be read are left out, if others can
 };
 
 using CellType = cell::Type;
@@ -74,25 +75,15 @@ struct Column
     FormDetail detail;
 };
 
-/// An element of the schema as a list shows it: the name, and the type when its physical type has
-/// one.
-struct ListedColumn
-{
-    QString name;
-    std::optional<CellType> type;
-};
-
-/// All schema elements behind the root, in order.
-std::vector<ListedColumn> listColumns(const FileMetaData &file, const ReadOptions &options);
-
 struct Columns
 {
     std::vector<Column> columns; ///< in the file's order
     QStringList missing;         ///< selected, but not in the file
+    QStringList skipped;         ///< left out: columnDetail() of each
 };
 
 /// The columns that the options select. Errors: BadData for a selected column that is nested,
-/// repeated or of an unknown type, or whose chunks cannot be read.
+/// repeated or of an unknown type, or whose chunks cannot be read, unless it is left out.
 Result<Columns, Error> selectColumns(const FileMetaData &file, const ReadOptions &options);
 
 /// "column 'x': why".

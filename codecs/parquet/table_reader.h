@@ -20,6 +20,8 @@ public:
     const std::vector<Column> &columns() const { return m_columns.columns; }
     /// Selected columns that the file does not have.
     const QStringList &missingColumns() const { return m_columns.missing; }
+    /// What was left out, and why.
+    const QStringList &skippedColumns() const { return m_columns.skipped; }
     /// Schema elements behind the root, selected or not.
     size_t schemaColumnCount() const
     {
