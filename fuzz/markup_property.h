@@ -28,8 +28,17 @@ void checkMarkup(const Make &make, QByteArrayView bytes, qint64 pieceBytes, bool
     if (traceWith(1024, pieceBytes, false) != whole || traceWith(1024, pieceBytes, true) != whole) {
         std::abort();
     }
-    MemorySource sample(bytes, pieceBytes);
-    const std::vector<Level> levels = deriveLevels(*make(sample, 1024), 3);
+    const auto levelsWith = [&](qint64 buffer, qint64 piece) {
+        MemorySource sample(bytes, piece);
+        const auto tokenizer = make(sample, buffer);
+        return sampleDocument(*tokenizer, {3, options.text, options.zeroBased})
+            .tables.front()
+            .levels;
+    };
+    const std::vector<Level> levels = levelsWith(1024, pieceBytes);
+    if (levels != levelsWith(1 << 16, -1)) {
+        std::abort();
+    }
     const auto rowsWith = [&](qint64 buffer, qint64 piece) {
         MemorySource source(bytes, piece);
         const auto tokenizer = make(source, buffer);

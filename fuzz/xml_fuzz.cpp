@@ -1,5 +1,6 @@
 // fuzz/xml_fuzz.cpp
 // Any bytes as XML or HTML: the tokens and the rows are the same for all buffer sizes and reads.
+#include "codecs/markup/html_tables.h"
 #include "fuzz/markup_property.h"
 
 using namespace corvanta;
@@ -28,5 +29,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     options.tagNames = (flags & 32) != 0 ? TagNames::Summary : TagNames::Runs;
     checkMarkup(make, QByteArrayView(data + 2, static_cast<qsizetype>(size - 2)), 1 + data[1] % 70,
                 (flags & 64) != 0, options);
+    if ((flags & 1) != 0) {
+        MemorySource page(QByteArrayView(data + 2, static_cast<qsizetype>(size - 2)));
+        sampleTables(*make(page, 1024), false);
+    }
     return 0;
 }

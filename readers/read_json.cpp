@@ -3,6 +3,7 @@
 #include "base/checked.h"
 #include "base/limits.h"
 #include "plugin/catalogue.h"
+#include "readers/input_sample.h"
 
 #include <algorithm>
 
@@ -42,6 +43,40 @@ void ActionReadJSON::finish()
 bool ActionReadJSON::step()
 {
     return (!m_run && !prepare()) || m_run->step();
+}
+
+/// What the file holds; nothing, with a message, when there is no such file.
+std::optional<markup::SampledDocument> ActionReadJSON::sampled()
+{
+    InputSample sample(globalParameters(), expandFile(m_params.fileName));
+    if (!sample.isOpen()) {
+        fileIsMissing(sample.name());
+        return std::nullopt;
+    }
+    JSONTokenizer tokenizer(sample, kTokenizerChars, u"");
+    tokenizer.setPermissiveNumbers(m_params.permissiveNumbers);
+    return markup::sampleDocument(tokenizer, {m_params.autoFillNRows, {}, true});
+}
+
+bool ActionReadJSON::fill(int table)
+{
+    if (hasItems(m_params.levels) || isFromPin()) {
+        return true;
+    }
+    const auto document = sampled();
+    const markup::SampledTable *const chosen = document ? chooseTable(*document, table) : nullptr;
+    if (chosen != nullptr) {
+        m_params.levels = chosen->levels;
+        m_params.outputSubTags = m_params.outputSubTags || chosen->namesAreData;
+        m_params.newMode = true; // the paths begin at the document
+    }
+    return chosen != nullptr;
+}
+
+QVector<InputTable> ActionReadJSON::listTables()
+{
+    const auto document = isFromPin() ? std::nullopt : sampled();
+    return document ? listedTables(*document, m_params.levels) : QVector<InputTable>();
 }
 
 /// Make the run; false when it has failed or is over.

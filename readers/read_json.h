@@ -3,11 +3,13 @@
 #pragma once
 #include "codecs/markup/json_tokenizer.h"
 #include "corvanta/action_base.h"
+#include "readers/input_sample.h"
 #include "readers/level_run.h"
 #include "readers/read_json_params.h"
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace corvanta {
@@ -32,6 +34,9 @@ private:
     void start() override;
     bool step() override;
     void finish() override;
+    bool fill(int table) override;
+    QVector<InputTable> listTables() override;
+    std::optional<markup::SampledDocument> sampled();
 
     bool prepare();
     bool readTags(std::vector<ReadLevel> *levels);

@@ -107,7 +107,65 @@ markup::ExtractOptions ActionReadXML::extractOptions() const
     options.namesForText = m_params.outputTagNames;
     options.presence = m_params.getTagPresenceFlag;
     options.ignoreEmpty = m_params.ignoreEmptyTag;
+    options.skip = m_params.skipRows;
     return options;
+}
+
+/// What the file holds: the tables of a page, or, where there are none, what repeats. Nothing, with
+/// a message, when it cannot be read.
+std::optional<markup::SampledDocument> ActionReadXML::sampled()
+{
+    std::optional<markup::SampledDocument> document;
+    if (m_params.readHTML && !sampleWith([&](XMLTokenizer &tokenizer) {
+            document = markup::sampleTables(tokenizer, m_params.zeroBased);
+        })) {
+        return std::nullopt;
+    }
+    if (!document || document->tables.empty()) {
+        const markup::SampleOptions options{m_params.autoFillNRows, extractOptions().text,
+                                            m_params.zeroBased};
+        document.reset();
+        sampleWith([&](XMLTokenizer &tokenizer) {
+            document = markup::sampleDocument(tokenizer, options);
+        });
+    }
+    return document;
+}
+
+bool ActionReadXML::sampleWith(const std::function<void(XMLTokenizer &)> &look)
+{
+    InputSample sample(globalParameters(), expandFile(m_params.fileName));
+    if (!sample.isOpen()) {
+        fileIsMissing(sample.name());
+        return false;
+    }
+    const auto tokenizer = makeTokenizer(sample);
+    if (!chooseEncoding(*tokenizer, sample.name())) {
+        return false;
+    }
+    look(*tokenizer);
+    return true;
+}
+
+bool ActionReadXML::fill(int table)
+{
+    if (hasItems(m_params.levels) || isFromPin()) {
+        return true;
+    }
+    const auto document = sampled();
+    const markup::SampledTable *const chosen = document ? chooseTable(*document, table) : nullptr;
+    if (chosen != nullptr) {
+        m_params.levels = chosen->levels;
+        m_params.addOnlyText = m_params.addOnlyText || chosen->isPageTable;
+        m_params.skipRows = std::max(m_params.skipRows, chosen->headRows);
+    }
+    return chosen != nullptr;
+}
+
+QVector<InputTable> ActionReadXML::listTables()
+{
+    const auto document = isFromPin() ? std::nullopt : sampled();
+    return document ? listedTables(*document, m_params.levels) : QVector<InputTable>();
 }
 
 /// Make the run; false when it has failed.
@@ -139,17 +197,17 @@ bool ActionReadXML::prepare()
 }
 
 /// Say how the document's bytes are encoded; false when that cannot be.
-bool ActionReadXML::chooseEncoding(const QString &name)
+bool ActionReadXML::chooseEncoding(XMLTokenizer &tokenizer, const QString &name)
 {
     using markup::InvalidBytes;
     if (isFromPin()) {
-        m_tokenizer->setEncoding(markup::CharMode::Utf8, QByteArray(), InvalidBytes::Fail);
+        tokenizer.setEncoding(markup::CharMode::Utf8, QByteArray(), InvalidBytes::Fail);
         return true;
     }
     QByteArrayView first;
-    m_tokenizer->peek(&first);
+    tokenizer.peek(&first);
     const QByteArray encoding = encodingOf(first, expandString(m_params.encoding).trimmed());
-    const MarkupError error = m_tokenizer->setEncoding(
+    const MarkupError error = tokenizer.setEncoding(
         markup::encodingCode(encoding), encoding,
         m_params.iconvDiscardUnconvertible ? InvalidBytes::Discard : InvalidBytes::Fail);
     if (error == MarkupError::CannotConvert) {
@@ -159,17 +217,23 @@ bool ActionReadXML::chooseEncoding(const QString &name)
     return true;
 }
 
+std::unique_ptr<XMLTokenizer> ActionReadXML::makeTokenizer(ByteSource &source) const
+{
+    auto tokenizer = std::make_unique<XMLTokenizer>(
+        source, std::max(kTokenizerChars, clampedMiBToBytes(m_params.bufferSize)));
+    tokenizer->setOptions({m_params.readHTML, m_params.ignoreUnknownEntities,
+                           m_params.discardNameSpaces, m_params.ignoreInvalidCharInTagName});
+    return tokenizer;
+}
+
 markup::MarkupTokenizer *ActionReadXML::beginDocument(ByteSource &source, const QString &name)
 {
     if (m_tokenizer) {
         m_tokenizer->restart(source);
     } else {
-        m_tokenizer = std::make_unique<XMLTokenizer>(
-            source, std::max(kTokenizerChars, clampedMiBToBytes(m_params.bufferSize)));
-        m_tokenizer->setOptions({m_params.readHTML, m_params.ignoreUnknownEntities,
-                                 m_params.discardNameSpaces, m_params.ignoreInvalidCharInTagName});
+        m_tokenizer = makeTokenizer(source);
     }
-    return chooseEncoding(name) ? m_tokenizer.get() : nullptr;
+    return chooseEncoding(*m_tokenizer, name) ? m_tokenizer.get() : nullptr;
 }
 
 void ActionReadXML::warnDroppedBytes(const QString &name)

@@ -3,11 +3,14 @@
 #pragma once
 #include "codecs/markup/xml_tokenizer.h"
 #include "corvanta/action_base.h"
+#include "readers/input_sample.h"
 #include "readers/level_run.h"
 #include "readers/read_xml_params.h"
 
 #include <atomic>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace corvanta {
@@ -25,11 +28,16 @@ private:
     void start() override;
     bool step() override;
     void finish() override;
+    QVector<InputTable> listTables() override;
+    bool fill(int table) override;
 
+    std::unique_ptr<markup::XMLTokenizer> makeTokenizer(ByteSource &source) const;
     bool prepare();
     std::vector<ReadLevel> levels() const;
     markup::ExtractOptions extractOptions() const;
-    bool chooseEncoding(const QString &name);
+    bool chooseEncoding(markup::XMLTokenizer &tokenizer, const QString &name);
+    std::optional<markup::SampledDocument> sampled();
+    bool sampleWith(const std::function<void(markup::XMLTokenizer &)> &look);
     void warnDroppedBytes(const QString &name);
     bool isFromPin() const { return m_params.fromInputPin != 0; }
 

@@ -86,6 +86,12 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
         shared::abortIfMissing<P>(),
         shared::timeOut<P>(),
         shared::copyOfInputRow("addColBefore", &P::addColBefore),
+        number("skipRows", &P::skipRows)
+            .range(0, 1000000)
+            .label("Rows to skip")
+            .meaning("Occurrences of the first level that are left out at the beginning of each "
+                     "document, "
+                     "such as the row with the names of an HTML table."),
         readLevels(&P::levels),
     };
     return table;

@@ -32,6 +32,7 @@ struct ReadXmlParams
     bool abortIfMissing = true;
     int timeOut = 0;
     bool addColBefore = false;
+    int skipRows = 0;
     std::vector<ReadLevel> levels;
 };
 

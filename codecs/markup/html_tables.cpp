@@ -42,6 +42,7 @@ private:
         size_t depth;
         size_t table;
         qint64 cells = 0; ///< in the row at hand
+        bool isInHeadCell = false;
     };
 
     void begin();
@@ -101,7 +102,10 @@ void TableLister::beginRow()
     if (!m_openTables.empty()) {
         OpenTable &open = m_openTables.back();
         HtmlTable &table = m_tables[open.table];
-        ++(m_open.size() == open.depth + 1 ? table.rows : table.headRows);
+        const bool isInBody = m_open.size() == open.depth + 1;
+        table.isFirstInHead =
+            table.isFirstInHead || (table.rows + table.headRows == 0 && !isInBody);
+        ++(isInBody ? table.rows : table.headRows);
         open.cells = 0;
     }
 }
@@ -114,23 +118,36 @@ void TableLister::beginCell()
     OpenTable &open = m_openTables.back();
     HtmlTable &table = m_tables[open.table];
     table.columns = std::max(table.columns, ++open.cells);
+    open.isInHeadCell = m_open.back().name == u"th";
     if (table.rows + table.headRows == 1 && table.firstRow.size() < kFirstRowCells) {
         table.firstRow << QString();
+        table.hasHeadCell = table.hasHeadCell || open.isInHeadCell;
     }
 }
 
-/// Take a text for the name of a column when it stands in the first row.
+/// Learn from a text in one of the first two rows what the columns are called.
 void TableLister::addText()
 {
-    if (m_openTables.empty()) {
+    if (m_openTables.empty() || m_openTables.back().cells == 0) {
         return;
     }
     const OpenTable &open = m_openTables.back();
     HtmlTable &table = m_tables[open.table];
-    const bool isInCell = open.cells > 0 && open.cells == table.firstRow.size();
-    if (isInCell && table.rows + table.headRows == 1 && table.firstRow.back().size() < kCellChars) {
+    const qint64 row = table.rows + table.headRows;
+    if (row > 2) {
+        return;
+    }
+    const QString text = QString::fromUtf16(m_tokenizer.text().data(), m_tokenizer.length());
+    const bool hasDigits =
+        std::any_of(text.begin(), text.end(), [](QChar c) { return c.isDigit(); });
+    if (row == 2) {
+        table.digitsFollow = table.digitsFollow || hasDigits;
+        return;
+    }
+    table.hasDataCell = table.hasDataCell || !open.isInHeadCell;
+    table.hasDigits = table.hasDigits || hasDigits;
+    if (open.cells == table.firstRow.size() && table.firstRow.back().size() < kCellChars) {
         QString &cell = table.firstRow.back();
-        const QString text = QString::fromUtf16(m_tokenizer.text().data(), m_tokenizer.length());
         cell = (cell + u' ' + text.first(std::min(text.size(), 4 * kCellChars))).simplified();
         cell.truncate(kCellChars);
     }
@@ -174,21 +191,63 @@ std::vector<HtmlTable> listTables(XMLTokenizer &tokenizer, bool zeroBased)
     return TableLister(tokenizer, zeroBased).list();
 }
 
-Level levelOfTable(const HtmlTable &table, bool zeroBased)
+namespace {
+
+/// True when the first row is one of th cells; or of plain cells without digits, all filled, above
+/// some with digits, or all but the first, as above names of rows.
+bool beginsWithNames(const HtmlTable &table)
 {
-    Level level{table.rows > 0 ? table.path : table.path + "/thead"_L1, u"tr"_s, {}};
+    const QStringList &texts = table.firstRow;
+    const bool looksLikeNames = texts.size() > 1 && texts.size() == table.columns &&
+                                !table.hasDigits && !texts.mid(1).contains(QString()) &&
+                                (table.digitsFollow || texts.first().isEmpty());
+    return (table.hasHeadCell && !table.hasDataCell) || looksLikeNames;
+}
+
+/// The text, or the column's number, as a name that is not among `names`.
+QString newName(const QString &text, qint64 number, QSet<QString> *names)
+{
+    const QString base = text.isEmpty() ? u"column %1"_s.arg(number) : text;
+    QString name = base;
+    for (int n = 2; names->contains(name); ++n) {
+        name = base + u'_' + QString::number(n);
+    }
+    names->insert(name);
+    return name;
+}
+
+} // namespace
+
+SampledTable sampledTable(const HtmlTable &table, bool zeroBased)
+{
+    const bool hasBody = table.rows > 0;
+    const bool namesAreRead = beginsWithNames(table) && !(hasBody && table.isFirstInHead);
+    const bool hasNames = namesAreRead || table.isFirstInHead;
+    SampledTable sampled;
+    sampled.path = table.path;
+    sampled.isPageTable = true;
+    sampled.headRows = namesAreRead ? 1 : 0;
+    sampled.rows = (hasBody ? table.rows : table.headRows) - sampled.headRows;
+    sampled.values = sampled.rows * table.columns;
+    Level level{hasBody ? table.path : table.path + "/thead"_L1, u"tr"_s, {}};
     QSet<QString> names;
     for (qint64 i = 1; i <= table.columns; ++i) {
         const QString text = table.firstRow.value(i - 1);
-        const QString base = text.isEmpty() ? u"column %1"_s.arg(i) : text;
-        QString name = base;
-        for (int n = 2; names.contains(name); ++n) {
-            name = base + u'_' + QString::number(n);
-        }
-        names.insert(name);
-        level.items.push_back({u"[%1]"_s.arg(zeroBased ? i - 1 : i), name, false});
+        level.items.push_back({u"[%1]"_s.arg(zeroBased ? i - 1 : i),
+                               newName(hasNames ? text : QString(), i, &names), false});
+        sampled.beginning << (text.isEmpty() ? QStringList() : QStringList(text));
     }
-    return level;
+    sampled.levels = {std::move(level)};
+    return sampled;
+}
+
+SampledDocument sampleTables(XMLTokenizer &tokenizer, bool zeroBased)
+{
+    SampledDocument document;
+    for (const HtmlTable &table : listTables(tokenizer, zeroBased)) {
+        document.add(sampledTable(table, zeroBased));
+    }
+    return document;
 }
 
 QString withoutTbody(QString path)

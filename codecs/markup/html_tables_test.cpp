@@ -52,7 +52,7 @@ QList<QStringList> rowsOf(const QByteArray &page, const HtmlTable &table)
     options.allText = true;
     options.text.html = true;
     for (const QString &part : {u"/thead"_s, u""_s}) {
-        Level level = levelOfTable(table, false);
+        Level level = sampledTable(table, false).levels.front();
         level.initialPath = table.path + part;
         MemorySource source(page);
         const auto tokenizer = pageTokenizer(source);
@@ -122,12 +122,47 @@ TEST(HtmlTables, AreListedWithTheirPathsAndSizes)
               "html/body/div[2]/table/tr[2]/td/table 0+0x0 ");
     const HtmlTable second = tablesOf(page, true).at(1);
     EXPECT_EQ(second.path, u"html/body/div[1]/table");
-    const Level level = levelOfTable(second, true);
+    const Level level = sampledTable(second, true).levels.at(0);
     ASSERT_EQ(level.items.size(), 3U);
     EXPECT_EQ(level.items[1].path, u"[1]");
     EXPECT_EQ(level.items[1].name, u"N 2");
     EXPECT_EQ(level.items[2].name, u"column 3");
-    EXPECT_EQ(levelOfTable({u"t"_s, 0, 1, 1, {}}, true).initialPath, u"t/thead");
+}
+
+// The names of the columns: of which tables they are the first row, and whether that row is passed
+// over.
+TEST(HtmlTables, AreReadWithTheirNames)
+{
+    struct NamesCase
+    {
+        const char *rows;
+        const char *table; ///< "path: rows, head rows: names"
+    };
+    for (const auto &[rows, table] : {
+             NamesCase{"<tr><th>a<th></tr><tr><td>1<td>2", "t 1 1: a|column 2"},
+             NamesCase{"<tr><td><th>a</tr><tr><td>1<td>2", "t 1 1: column 1|a"},
+             NamesCase{"<tr><th>key<td>1</tr><tr><th>k<td>2", "t 2 0: column 1|column 2"},
+             NamesCase{"<tr><td>a<td>b</tr><tr><td>1<td>c", "t 1 1: a|b"},
+             NamesCase{"<tr><td>a<td>b</tr><tr><td>c<td>d", "t 2 0: column 1|column 2"},
+             NamesCase{"<tr><td>a<td>2</tr><tr><td>1<td>c", "t 2 0: column 1|column 2"},
+             NamesCase{"<tr><td><td>a</tr><tr><td>b<td>", "t 1 1: column 1|a"},
+             NamesCase{"<tr><td>a</tr><tr><td>1", "t 2 0: column 1"},
+             NamesCase{"<thead><tr><td>a<td>a</thead><tr><td>1<td>2", "t 1 0: a|a_2"},
+             NamesCase{"<thead><tr><th>a</tr><tr><th>b</thead>", "t/thead 1 1: a"},
+         }) {
+        QByteArray page = "<t>" + QByteArray(rows) + "</t>";
+        page.replace("t>", "table>").replace("<td>", "</td><td>").replace("<th>", "</th><th>");
+        MemorySource source(page);
+        const SampledTable found = sampleTables(*pageTokenizer(source), true).tables.at(0);
+        QStringList names;
+        for (const LevelItem &item : found.levels.at(0).items) {
+            names << item.name;
+        }
+        const QString text =
+            u"%1 %2 %3: %4"_s.arg(found.levels[0].initialPath, QString::number(found.rows),
+                                  QString::number(found.headRows), names.join(u'|'));
+        EXPECT_EQ(QString(text).replace(u"table"_s, u"t"_s).toStdString(), table) << rows;
+    }
 }
 
 // Elements nested far deeper than any page: neither the list nor its paths may grow with the

@@ -76,6 +76,7 @@ void LevelExtractor::beginDocument(MarkupTokenizer &tokenizer)
     m_builder.setReturnSingleChild(!m_options.keepRoot);
     m_result = {};
     m_rowIsOut = m_ended = m_sawContent = false;
+    m_skipped = 0;
     m_matched = 0;
     m_nextInTree = MarkupTree::kNone;
     std::fill(m_passed.begin(), m_passed.end(), 0);
@@ -109,6 +110,9 @@ LevelExtractor::Outcome LevelExtractor::next(CellArena &arena)
     }
     m_rowIsOut = false;
     quint32 occurrence = 0;
+    while (!m_ended && m_skipped < m_options.skip && nextOccurrence(&occurrence)) {
+        ++m_skipped;
+    }
     if (!m_ended && nextOccurrence(&occurrence)) {
         enter(0, occurrence, arena);
         m_rowIsOut = m_result.error == MarkupError::None;

@@ -37,6 +37,7 @@ struct ExtractOptions
     bool presence = false;     ///< instead of texts 1 for what is there and 0 for what is not
     bool ignoreEmpty = false; ///< elements without text, sub-elements and attributes are not there,
                               ///< but count in indexes
+    int skip = 0; ///< occurrences of the first level that are passed over at a document's start
 };
 
 /// Threads: one at a time.
@@ -133,6 +134,7 @@ private:
     size_t m_deepest = 0; ///< level of the innermost occurrence of the row that is out
     bool m_rowIsOut = false;
     bool m_ended = false;
+    int m_skipped = 0;
     bool m_sawContent = false;
     Documents m_documents = Documents::Undecided;
     std::vector<quint32> m_passed; ///< per step of the first path: matching elements gone by

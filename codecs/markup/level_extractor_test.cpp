@@ -2,7 +2,6 @@
 // there.
 #include "base/cell.h"
 #include "codecs/markup/level_extractor.h"
-#include "codecs/markup/sample_levels.h"
 #include "codecs/markup/xml_tokenizer.h"
 #include "tests/support/corpus.h"
 
@@ -256,60 +255,6 @@ TEST(LevelExtractor, IsLinearInTheChildren)
     JSONTokenizer tokenizer(source, 0, u"");
     LevelExtractor extractor(levelsOf({u"||last,k5,nothing"_s}), {});
     EXPECT_EQ(extract(extractor, tokenizer), u"end,1,-;end,1,-;end,1,-;[nothing]");
-}
-
-namespace {
-
-QString describe(const std::vector<Level> &levels)
-{
-    QStringList texts;
-    for (const Level &level : levels) {
-        QStringList items;
-        for (const LevelItem &item : level.items) {
-            items << item.name + u'=' + item.path;
-        }
-        texts << level.initialPath + u'|' + level.subtagName + u'|' + items.join(u',');
-    }
-    return texts.join(u' ');
-}
-
-} // namespace
-
-TEST(SampleLevels, AreDerivedFromTheShapeOfTheSample)
-{
-    struct SampleCase
-    {
-        const char *json;
-        const char *levels;
-    };
-    for (const auto &[json, levels] : {
-             SampleCase{R"([{"id":1,"n":{"x":1,"id":2}},{"new":3}])",
-                        "||id=id,x=n/x,n.id=n/id,new=new"},
-             SampleCase{
-                 R"({"meta":{"v":1},"orders":[{"id":1,"lines":[{"s":1,"q":[1,2]}],"tags":["a"]}]})",
-                 "orders||id=id,tags[0]=tags/[0] lines||s=s q||value="},
-             SampleCase{"{\"a\":1,\"b\":{\"c\":null}}\n{\"a\":2,\"d\":3}", "||a=a,c=b/c,d=d"},
-             SampleCase{R"([{"a/b":1,"x[0]":2,"A":{"a/B":3},"":4}])",
-                        "||a/b=a\\/b,x[0]=x[0][0],a/B=A/a\\/B,_=_"},
-             SampleCase{R"({"k":{"v":[[1,2],[3]]}})", "k/v|| ||value="},
-             SampleCase{"[1,2]", "||value="},
-             SampleCase{R"({"r":[]})", "||value="},
-             SampleCase{"[]", "||value="},
-             SampleCase{"[{\"a\":1},{\"b\":", "||a=a"},
-         }) {
-        MemorySource source(json);
-        JSONTokenizer tokenizer(source, 0, u"");
-        EXPECT_EQ(describe(deriveLevels(tokenizer, 100)).toStdString(), levels) << json;
-    }
-    MemorySource many("[{\"a\":1},{\"b\":2},{\"c\":3}]");
-    JSONTokenizer tokenizer(many, 0, u"");
-    EXPECT_EQ(describe(deriveLevels(tokenizer, 2)), u"||a=a,b=b");
-    MemorySource xml(
-        "<shop><info/><order id='1'><name>n</name><line k='x'>1</line><line>2</line></order>"
-        "<order id='2'/></shop>");
-    XMLTokenizer xmlTokenizer(xml, 0);
-    EXPECT_EQ(describe(deriveLevels(xmlTokenizer, 100)),
-              u"shop|order|id=@id,name=name |line|value=,k=@k");
 }
 
 // ---- Documents of others, against what other programs read from them.

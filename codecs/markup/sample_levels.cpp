@@ -4,7 +4,7 @@
 #include "codecs/markup/path.h"
 #include "codecs/markup/xml_tokenizer.h"
 
-#include <QSet>
+#include <QHash>
 
 #include <algorithm>
 #include <map>
@@ -19,8 +19,13 @@ namespace {
 constexpr qint64 kMaxTokens = 4'000'000;
 constexpr size_t kMaxShapes = 20'000;
 constexpr qint64 kMaxDepth = 64;
-/// Items of an array of scalars that become columns when the array cannot be a level.
-constexpr qint64 kIndexedItems = 8;
+/// Values of a repeated scalar that become columns; where there are more they become rows.
+constexpr qint64 kIndexedValues = 8;
+/// Members of an object that are alike, from which on it is taken for a map: in the document, and
+/// in its records. From kManyMembers on they need not be alike.
+constexpr size_t kMapMembers = 4;
+constexpr size_t kInnerMapMembers = 16;
+constexpr size_t kManyMembers = 32;
 
 /// All elements of one name at one place of the document.
 struct Shape
@@ -32,51 +37,69 @@ struct Shape
     qint64 count = 0;
     qint64 inParent = 0; ///< in the parent at hand
     qint64 mostInParent = 0;
-    bool isItem = false; ///< of an array
+    bool isItem = false;  ///< of an array, or of a map
+    bool isNamed = false; ///< an item of a map
+    bool isAttribute = false;
     bool hasText = false;
 
     bool isRepeated() const { return isItem || mostInParent > 1; }
     bool holdsOthers() const { return !children.empty(); }
 };
 
+/// Parents come before their children; number 0 is the document.
+using Shapes = std::vector<Shape>;
+
+constexpr size_t kNone = ~size_t(0);
+
+/// True for a name that a path can say: blanks at its ends would be dropped, and a saved graph,
+/// which is XML, cannot hold every character.
+bool fitsPath(QStringView name)
+{
+    const auto isXml = [](QChar c) {
+        return c >= u' ' ? c.unicode() < 0xFFFE : c == u'\t' || c == u'\n' || c == u'\r';
+    };
+    return name == name.trimmed() && name.isValidUtf16() &&
+           std::all_of(name.begin(), name.end(), isXml);
+}
+
+/// True for what describes the file, not its data.
+bool isNameSpace(QStringView attribute)
+{
+    return attribute == u"xmlns" || attribute.startsWith(u"xmlns:");
+}
+
+/// Reads the sample.
 class Sampler
 {
 public:
-    Sampler(MarkupTokenizer &tokenizer, int records)
+    Sampler(MarkupTokenizer &tokenizer, const SampleOptions &options)
         : m_tokenizer(tokenizer)
         , m_json(dynamic_cast<JSONTokenizer *>(&tokenizer))
-        , m_xml(dynamic_cast<XMLTokenizer *>(&tokenizer))
-        , m_records(std::max(records, 1))
+        , m_xml(tokenizer.asXml())
+        , m_records(std::max(options.records, 1))
+        , m_clearIsText(options.text.clearIsText)
         , m_shapes(1)
     {
     }
 
-    void read();
-    std::vector<Level> levels();
+    Shapes read();
 
 private:
-    static constexpr size_t kNone = ~size_t(0);
-
     bool take(Token token);
     void begin(const std::u16string &name, bool isItem);
     bool end();
+    void addText() { m_shapes[m_current].hasText = m_shapes[m_current].hasText || m_unseen == 0; }
+    void addAttributes(size_t shape);
     size_t childOf(size_t parent, const std::u16string &name);
-    size_t findRecord() const;
-    size_t findInner(size_t record) const;
-    Level levelOf(size_t container, size_t record, size_t inner);
-    void addItem(Level *level, size_t top, size_t shape);
-    std::vector<size_t> descendants(size_t top) const;
-    QString pathTo(size_t top, size_t shape) const;
-    QString uniqueName(size_t top, size_t shape, const QString &suffix);
 
     MarkupTokenizer &m_tokenizer;
     const JSONTokenizer *m_json;
     const XMLTokenizer *m_xml;
     qint64 m_records;
-    std::vector<Shape> m_shapes;
+    bool m_clearIsText;
+    Shapes m_shapes;
     size_t m_current = 0;
     qint64 m_unseen = 0; ///< open elements below the current shape that are not looked at
-    QSet<QString> m_names;
 };
 
 size_t Sampler::childOf(size_t parent, const std::u16string &name)
@@ -85,7 +108,7 @@ size_t Sampler::childOf(size_t parent, const std::u16string &name)
     if (known != m_shapes[parent].byName.end()) {
         return known->second;
     }
-    if (m_shapes.size() == kMaxShapes) {
+    if (m_shapes.size() == kMaxShapes || !fitsPath(name)) {
         return kNone;
     }
     const size_t child = m_shapes.size();
@@ -113,10 +136,19 @@ void Sampler::begin(const std::u16string &name, bool isItem)
     for (const size_t inner : shape.children) {
         m_shapes[inner].inParent = 0;
     }
-    for (size_t i = 0; m_xml != nullptr && i < m_xml->attributes().size(); ++i) {
-        const size_t attribute = childOf(child, u"@" + decoded(m_xml->attributeName(i)));
+    if (m_xml != nullptr) {
+        addAttributes(child);
+    }
+}
+
+void Sampler::addAttributes(size_t shape)
+{
+    for (size_t i = 0; i < m_xml->attributes().size(); ++i) {
+        const std::u16string name = decoded(m_xml->attributeName(i));
+        const size_t attribute = isNameSpace(name) ? kNone : childOf(shape, u"@" + name);
         if (attribute != kNone) {
-            m_shapes[attribute].hasText = true;
+            m_shapes[attribute].hasText = m_shapes[attribute].isAttribute = true;
+            ++m_shapes[attribute].count;
         }
     }
 }
@@ -148,7 +180,13 @@ bool Sampler::take(Token token)
     case Token::End:
         return end();
     case Token::Text:
-        m_shapes[m_current].hasText = m_shapes[m_current].hasText || m_unseen == 0;
+        addText();
+        return true;
+    case Token::Clear:
+        if (m_clearIsText &&
+            (m_xml->clearKind() == ClearKind::CData || m_xml->clearKind() == ClearKind::Pre)) {
+            addText();
+        }
         return true;
     case Token::DocumentStart:
         for (const size_t child : m_shapes[0].children) {
@@ -163,17 +201,174 @@ bool Sampler::take(Token token)
     }
 }
 
-void Sampler::read()
+Shapes Sampler::read()
 {
     m_tokenizer.setDocumentMarks(true);
     m_tokenizer.setBalanced(true);
     for (qint64 tokens = 0; tokens < kMaxTokens && take(m_tokenizer.nextToken()); ++tokens) {
     }
+    return std::move(m_shapes);
 }
+
+// ---- Objects that are used as maps: their members become like the items of an array.
+
+class MapFinder
+{
+public:
+    explicit MapFinder(Shapes &shapes)
+        : m_shapes(shapes)
+    {
+    }
+
+    void find()
+    {
+        for (size_t i = 0; i < m_shapes.size(); ++i) {
+            if (isMap(i)) {
+                takeForArray(i);
+            }
+        }
+    }
+
+private:
+    bool isMap(size_t shape) const;
+    bool isInRecord(size_t shape) const;
+    void takeForArray(size_t map);
+    void merge(size_t from, size_t into);
+
+    Shapes &m_shapes;
+};
+
+bool MapFinder::isInRecord(size_t shape) const
+{
+    while (shape != 0 && !m_shapes[shape].isRepeated()) {
+        shape = m_shapes[shape].parent;
+    }
+    return m_shapes[shape].isRepeated() || m_shapes[0].count > 1;
+}
+
+/// True when all members are objects that have, on average, half of all names.
+bool MapFinder::isMap(size_t shape) const
+{
+    const std::vector<size_t> &members = m_shapes[shape].children;
+    if (members.size() < (isInRecord(shape) ? kInnerMapMembers : kMapMembers)) {
+        return false;
+    }
+    std::map<std::u16string, size_t> names;
+    size_t named = 0;
+    for (const size_t member : members) {
+        const Shape &at = m_shapes[member];
+        if (at.isRepeated() || at.hasText || !at.holdsOthers()) {
+            return false;
+        }
+        for (const size_t inner : at.children) {
+            if (m_shapes[inner].isItem && !m_shapes[inner].isNamed) {
+                return false;
+            }
+            ++names[m_shapes[inner].name];
+            ++named;
+        }
+    }
+    return 2 * named >= names.size() * members.size() || members.size() >= kManyMembers;
+}
+
+void MapFinder::takeForArray(size_t map)
+{
+    const std::vector<size_t> members = std::exchange(m_shapes[map].children, {m_shapes.size()});
+    m_shapes[map].byName.clear();
+    const size_t item = m_shapes.size();
+    m_shapes.emplace_back();
+    m_shapes[item].parent = map;
+    for (const size_t member : members) {
+        merge(member, item);
+    }
+    m_shapes[item].isItem = m_shapes[item].isNamed = true;
+    m_shapes[item].mostInParent = static_cast<qint64>(members.size());
+}
+
+void MapFinder::merge(size_t from, size_t into)
+{
+    m_shapes[into].count += m_shapes[from].count;
+    m_shapes[into].mostInParent =
+        std::max(m_shapes[into].mostInParent, m_shapes[from].mostInParent);
+    m_shapes[into].isItem = m_shapes[into].isItem || m_shapes[from].isItem;
+    m_shapes[into].hasText = m_shapes[into].hasText || m_shapes[from].hasText;
+    for (const size_t child : m_shapes[from].children) {
+        const auto [known, isNew] =
+            m_shapes[into].byName.try_emplace(m_shapes[child].name, m_shapes.size());
+        const size_t target = known->second;
+        if (isNew) {
+            m_shapes.emplace_back();
+            m_shapes[target].name = m_shapes[child].name;
+            m_shapes[target].parent = into;
+            m_shapes[into].children.push_back(target);
+        }
+        merge(child, target);
+    }
+}
+
+// ---- From shapes to levels.
+
+class LevelFinder
+{
+public:
+    LevelFinder(const Shapes &shapes, bool isXml, bool zeroBased)
+        : m_shapes(shapes)
+        , m_isXml(isXml)
+        , m_zeroBased(zeroBased)
+        , m_twins(shapes.size())
+    {
+        for (const Shape &shape : shapes) {
+            std::map<std::u16string, qint64> names;
+            for (const size_t child : shape.children) {
+                m_twins[child] = names[toLowerCase(shapes[child].name)]++;
+            }
+        }
+    }
+
+    SampledDocument document() const;
+
+private:
+    /// What an item is made of, until its name is known.
+    struct Place
+    {
+        size_t level = 0;
+        size_t shape = 0;
+        QString suffix;
+        QStringList parts; ///< that its name may be made of, the last one first
+        qsizetype used = 1;
+    };
+    struct Draft
+    {
+        SampledTable table;
+        std::vector<Place> places;
+        size_t record = 0;
+    };
+
+    std::vector<size_t> descendants(size_t top) const;
+    std::vector<size_t> findRecords() const;
+    bool hasScalars() const;
+    size_t findInner(size_t record) const;
+    SampledTable tableOf(size_t record) const;
+    void addLevel(Draft *draft, size_t container, size_t top, size_t inner) const;
+    void addItem(Draft *draft, size_t top, size_t shape, const QString &path,
+                 const QString &suffix) const;
+    void addIndexed(Draft *draft, size_t top, size_t shape) const;
+    QStringList partsOf(const Draft &draft, size_t shape) const;
+    static void nameItems(Draft *draft);
+    QString index(qint64 number) const;
+    QString stepTo(size_t shape) const;
+    QString pathTo(size_t top, size_t shape) const;
+
+    const Shapes &m_shapes;
+    bool m_isXml;
+    bool m_zeroBased;
+    std::vector<qint64>
+        m_twins; ///< siblings before a shape whose names differ in letter case alone
+};
 
 /// The shape and those below it that are not repeated, and the repeated ones that they hold, in the
 /// order in which they appeared.
-std::vector<size_t> Sampler::descendants(size_t top) const
+std::vector<size_t> LevelFinder::descendants(size_t top) const
 {
     std::vector<size_t> found;
     std::vector<size_t> open{top};
@@ -189,140 +384,229 @@ std::vector<size_t> Sampler::descendants(size_t top) const
     return found;
 }
 
-/// The element whose occurrences are the first level's rows.
-size_t Sampler::findRecord() const
+/// True when the document has values that are not repeated.
+bool LevelFinder::hasScalars() const
+{
+    const std::vector<size_t> all = descendants(0);
+    return std::any_of(all.begin(), all.end(), [&](size_t shape) {
+        const Shape &at = m_shapes[shape];
+        return at.hasText && !at.isRepeated() && !at.isAttribute;
+    });
+}
+
+/// The elements whose occurrences can be rows.
+std::vector<size_t> LevelFinder::findRecords() const
 {
     if (m_shapes[0].count > 1) {
-        return 0; // a stream of documents: each is a record
+        return {0}; // a stream of documents: each is a record
     }
-    size_t best = kNone;
-    std::pair<bool, qint64> bestRank;
-    const auto depthOf = [&](size_t shape) {
-        qint64 depth = 0;
-        for (; shape != 0; shape = m_shapes[shape].parent) {
-            ++depth;
-        }
-        return depth;
-    };
+    std::vector<size_t> containers;
+    std::vector<size_t> scalars;
     for (const size_t shape : descendants(0)) {
-        if (shape == 0 || !m_shapes[shape].isRepeated()) {
-            continue;
-        }
-        const std::pair rank{m_shapes[shape].holdsOthers(), -depthOf(shape)};
-        if (best == kNone || rank > bestRank ||
-            (rank == bestRank && m_shapes[shape].count > m_shapes[best].count)) {
-            best = shape;
-            bestRank = rank;
+        if (shape != 0 && m_shapes[shape].isRepeated()) {
+            (m_shapes[shape].holdsOthers() ? containers : scalars).push_back(shape);
         }
     }
-    if (best == kNone) {
-        best = m_xml != nullptr && m_shapes[0].holdsOthers() ? m_shapes[0].children.front() : 0;
+    if (!containers.empty()) {
+        return containers;
+    }
+    if (!scalars.empty() && !hasScalars()) {
+        return scalars;
+    }
+    return {m_isXml && m_shapes[0].holdsOthers() ? m_shapes[0].children.front() : 0};
+}
+
+/// The repeated element inside a record that becomes the next level: the most frequent one that
+/// holds others, else one with more values than become columns.
+size_t LevelFinder::findInner(size_t record) const
+{
+    size_t best = kNone;
+    for (const size_t shape : descendants(record)) {
+        const Shape &at = m_shapes[shape];
+        const bool isFit = shape != record && at.isRepeated() &&
+                           (at.holdsOthers() || (at.hasText && at.mostInParent > kIndexedValues));
+        const auto rank = [&](size_t of) {
+            return std::pair(m_shapes[of].holdsOthers(), m_shapes[of].count);
+        };
+        if (isFit && (best == kNone || rank(shape) > rank(best))) {
+            best = shape;
+        }
     }
     return best;
 }
 
-/// The repeated element inside a record that becomes the next level.
-size_t Sampler::findInner(size_t record) const
+QString LevelFinder::index(qint64 number) const
 {
-    size_t scalars = kNone;
-    for (const size_t shape : descendants(record)) {
-        if (shape == record || !m_shapes[shape].isRepeated()) {
-            continue;
-        }
-        if (m_shapes[shape].holdsOthers()) {
-            return shape;
-        }
-        scalars = scalars == kNone ? shape : scalars;
-    }
-    return scalars;
+    return u'[' + QString::number(m_zeroBased ? number : number + 1) + u']';
 }
 
-QString Sampler::pathTo(size_t top, size_t shape) const
+/// The step that leads to a shape from its parent. Names that differ in letter case alone are the
+/// same for a path: they are told apart by their number.
+QString LevelFinder::stepTo(size_t shape) const
 {
-    QString path;
+    const QString step = QString::fromStdU16String(escapedStep(m_shapes[shape].name));
+    const bool isFirst = m_twins[shape] == 0 || m_shapes[shape].isAttribute;
+    return isFirst ? step : step + index(m_twins[shape]);
+}
+
+QString LevelFinder::pathTo(size_t top, size_t shape) const
+{
+    QStringList steps;
     for (; shape != top; shape = m_shapes[shape].parent) {
-        const QString step = QString::fromStdU16String(escapedStep(m_shapes[shape].name));
-        path = path.isEmpty() ? step : step + u'/' + path;
+        steps.prepend(stepTo(shape));
     }
-    return path;
+    return steps.join(u'/');
 }
 
-/// The last part of the path, with as many parts before it as make it unique.
-QString Sampler::uniqueName(size_t top, size_t shape, const QString &suffix)
+/// The names that lead to a shape, the last one first: from the document's record on, for an inner
+/// level too.
+QStringList LevelFinder::partsOf(const Draft &draft, size_t shape) const
 {
-    const auto partOf = [&](size_t part) {
-        const QString name = QString::fromStdU16String(m_shapes[part].name);
-        return name.startsWith(u'@') ? name.sliced(1) : name;
-    };
-    QString name = (shape == top ? u"value"_s : partOf(shape)) + suffix;
-    for (size_t at = shape; m_names.contains(name) && at != top; at = m_shapes[at].parent) {
-        const size_t parent = m_shapes[at].parent;
-        if (parent == top) {
-            break;
+    QStringList parts;
+    const auto add = [&](size_t at) {
+        const QString name = QString::fromStdU16String(m_shapes[at].name);
+        if (!name.isEmpty()) {
+            parts << (m_shapes[at].isAttribute ? name.sliced(1) : name);
         }
-        name = partOf(parent) + u'.' + name;
+    };
+    for (size_t at = shape; at != draft.record; at = m_shapes[at].parent) {
+        add(at);
     }
-    const QString base = name;
-    for (int n = 2; m_names.contains(name); ++n) {
-        name = base + u'_' + QString::number(n);
+    for (size_t at = draft.record; at != 0 && parts.isEmpty(); at = m_shapes[at].parent) {
+        add(at);
     }
-    m_names.insert(name);
-    return name;
+    return parts.isEmpty() ? QStringList(u"value"_s) : parts;
 }
 
-void Sampler::addItem(Level *level, size_t top, size_t shape)
+void LevelFinder::addItem(Draft *draft, size_t top, size_t shape, const QString &path,
+                          const QString &suffix) const
 {
-    level->items.push_back({pathTo(top, shape), uniqueName(top, shape, QString()), false});
+    draft->places.push_back(
+        {draft->table.levels.size() - 1, shape, suffix, partsOf(*draft, shape)});
+    draft->table.levels.back().items.push_back(
+        {path.isNull() ? pathTo(top, shape) : path, QString(), false});
 }
 
-Level Sampler::levelOf(size_t container, size_t record, size_t inner)
+/// The first values of a repeated scalar, each a column.
+void LevelFinder::addIndexed(Draft *draft, size_t top, size_t shape) const
+{
+    const Shape &at = m_shapes[shape];
+    const qint64 values = std::min(at.mostInParent, kIndexedValues);
+    for (qint64 i = 0; i < values; ++i) {
+        const QString container = pathTo(top, at.isItem ? at.parent : shape);
+        const QString between = at.isItem && !container.isEmpty() ? u"/"_s : QString();
+        addItem(draft, top, shape, container + between + index(i),
+                u'[' + QString::number(i) + u']');
+    }
+}
+
+void LevelFinder::addLevel(Draft *draft, size_t container, size_t top, size_t inner) const
 {
     Level level;
-    level.initialPath = record == 0 ? QString() : pathTo(container, m_shapes[record].parent);
-    level.subtagName = QString::fromStdU16String(m_shapes[record].name);
-    for (const size_t shape : descendants(record)) {
+    level.initialPath = top == 0 ? QString() : pathTo(container, m_shapes[top].parent);
+    level.subtagName = QString::fromStdU16String(m_shapes[top].name);
+    draft->table.levels.push_back(std::move(level));
+    draft->table.namesAreData = draft->table.namesAreData || m_shapes[top].isNamed;
+    for (const size_t shape : descendants(top)) {
         const Shape &at = m_shapes[shape];
-        const bool isInside = shape != record && at.isRepeated();
-        if (at.hasText && !isInside) {
-            addItem(&level, record, shape);
-        } else if (isInside && shape != inner && at.isItem && !at.holdsOthers()) {
-            const qint64 items = std::min(at.mostInParent, kIndexedItems);
-            for (qint64 i = 0; i < items; ++i) {
-                const QString index = u'[' + QString::number(i) + u']';
-                level.items.push_back({pathTo(record, at.parent) + u'/' + index,
-                                       uniqueName(record, at.parent, index), false});
+        if (shape == top || !at.isRepeated()) {
+            if (at.hasText) {
+                addItem(draft, top, shape, QString(), QString());
+            }
+        } else if (shape == inner) {
+            continue;
+        } else if (at.hasText && !at.holdsOthers() && at.mostInParent <= kIndexedValues) {
+            addIndexed(draft, top, shape);
+        } else if (at.hasText || at.holdsOthers()) {
+            draft->table.leftOut << pathTo(draft->record, at.isItem ? at.parent : shape);
+        }
+    }
+}
+
+/// Give every column a name of its own: the last name of its path, with as many before it as it
+/// takes.
+void LevelFinder::nameItems(Draft *draft)
+{
+    const auto nameOf = [](const Place &place) {
+        QStringList parts = place.parts.first(place.used);
+        std::reverse(parts.begin(), parts.end());
+        return parts.join(u'.') + place.suffix;
+    };
+    for (bool hasGrown = true; hasGrown;) {
+        hasGrown = false;
+        QHash<QString, int> uses;
+        for (const Place &place : draft->places) {
+            ++uses[nameOf(place)];
+        }
+        for (Place &place : draft->places) {
+            if (uses[nameOf(place)] > 1 && place.used < place.parts.size()) {
+                ++place.used;
+                hasGrown = true;
             }
         }
     }
-    return level;
+    QHash<QString, int> uses;
+    std::vector<size_t> next(draft->table.levels.size());
+    for (const Place &place : draft->places) {
+        QString name = nameOf(place);
+        for (const QString base = name; uses[name]++ > 0;) {
+            name = base + u'_' + QString::number(uses[base]++);
+        }
+        draft->table.levels[place.level].items[next[place.level]++].name = name;
+        draft->table.beginning << name;
+    }
 }
 
-std::vector<Level> Sampler::levels()
+SampledTable LevelFinder::tableOf(size_t record) const
 {
-    std::vector<Level> levels;
+    Draft draft;
+    draft.record = record;
+    draft.table.path = pathTo(0, m_shapes[record].isItem ? m_shapes[record].parent : record);
+    draft.table.rows = m_shapes[record].count;
     size_t container = 0;
-    size_t record = findRecord();
-    while (record != kNone) {
-        const size_t inner = findInner(record);
-        levels.push_back(levelOf(container, record, inner));
-        container = record;
-        record = inner;
+    for (size_t top = record; top != kNone;) {
+        const size_t inner = findInner(top);
+        addLevel(&draft, container, top, inner);
+        container = top;
+        top = inner;
     }
-    const bool hasItems = std::any_of(levels.begin(), levels.end(),
-                                      [](const Level &level) { return !level.items.empty(); });
-    if (!hasItems) {
-        addItem(&levels.back(), 0, 0);
+    if (draft.places.empty()) {
+        addItem(&draft, record, record, QString(), QString());
     }
-    return levels;
+    for (const Place &place : draft.places) {
+        draft.table.values += m_shapes[place.shape].count;
+    }
+    nameItems(&draft);
+    return std::move(draft.table);
+}
+
+SampledDocument LevelFinder::document() const
+{
+    SampledDocument document;
+    for (const size_t record : findRecords()) {
+        document.add(tableOf(record));
+    }
+    return document;
 }
 
 } // namespace
 
-std::vector<Level> deriveLevels(MarkupTokenizer &tokenizer, int records)
+void SampledDocument::add(SampledTable table)
 {
-    Sampler sampler(tokenizer, records);
-    sampler.read();
-    return sampler.levels();
+    tables.push_back(std::move(table));
+    if (tables.back().values > tables[largest].values) {
+        largest = tables.size() - 1;
+    }
+}
+
+SampledDocument sampleDocument(MarkupTokenizer &tokenizer, const SampleOptions &options)
+{
+    Shapes shapes = Sampler(tokenizer, options).read();
+    const bool isXml = tokenizer.asXml() != nullptr;
+    if (!isXml) {
+        MapFinder(shapes).find();
+    }
+    return LevelFinder(shapes, isXml, options.zeroBased).document();
 }
 
 } // namespace corvanta::markup
