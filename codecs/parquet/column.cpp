@@ -131,6 +131,10 @@ public:
 
     void set()
     {
+        const bool isInteger = m_column.physical == kInt32 || m_column.physical == kInt64;
+        if (isInteger && m_file.createdBy == kCreatedBy) {
+            return; // our writer stores nothing but keys in them
+        }
         switch (m_column.physical) {
         case kInt32:
             setInteger32();

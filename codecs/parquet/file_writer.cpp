@@ -81,7 +81,7 @@ FileWriter::FileWriter(ByteSink &sink, std::vector<WriterColumn> columns,
 {
     m_metaData.version = 1;
     m_metaData.schema = schemaOf(columns);
-    m_metaData.createdBy = "Corvanta";
+    m_metaData.createdBy = kCreatedBy;
     if (options.statistics) {
         m_metaData.columnOrders.emplace();
         for (size_t i = 0; i < columns.size(); ++i) {

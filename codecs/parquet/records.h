@@ -269,6 +269,9 @@ struct ColumnOrder
     template <class Self, class F> static void fields(Self &r, F &&f) { f(1, r.typeDefined); }
 };
 
+/// What files of our own say in createdBy.
+inline constexpr char kCreatedBy[] = "Corvanta";
+
 struct FileMetaData
 {
     qint32 version = 0;
