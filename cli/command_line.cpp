@@ -10,7 +10,8 @@ QString CommandLine::value(const QString &name, const QString &defaultValue) con
     return given.isEmpty() ? defaultValue : given.last();
 }
 
-bool CommandLine::parse(const QStringList &words, const CommandOptions &options, CommandLine *line, QString *error)
+bool CommandLine::parse(const QStringList &words, const CommandOptions &options, CommandLine *line,
+                        QString *error)
 {
     for (qsizetype i = 0; i < words.size(); ++i) {
         const QString &word = words[i];
@@ -42,9 +43,11 @@ bool CommandLine::parse(const QStringList &words, const CommandOptions &options,
 
 int usageError(const QString &command, const QString &text)
 {
-    const QString help = command.isEmpty() ? u"corvanta help"_s : u"corvanta help %1"_s.arg(command);
-    std::fprintf(stderr, "corvanta%s: %s\nSee \"%s\".\n", qPrintable(command.isEmpty() ? command : u' ' + command),
-                 qPrintable(text), qPrintable(help));
+    const QString help =
+        command.isEmpty() ? u"corvanta help"_s : u"corvanta help %1"_s.arg(command);
+    std::fprintf(stderr, "corvanta%s: %s\nSee \"%s\".\n",
+                 qPrintable(command.isEmpty() ? command : u' ' + command), qPrintable(text),
+                 qPrintable(help));
     return kUsage;
 }
 

@@ -14,8 +14,8 @@ struct CommandOptions
     QStringList flags;
 };
 
-/// The command line of one command, taken apart. "--name=value" and "--name value" are the same; "--" ends
-/// the options.
+/// The command line of one command, taken apart. "--name=value" and "--name value" are the same;
+/// "--" ends the options.
 struct CommandLine
 {
     QStringList arguments;
@@ -26,7 +26,8 @@ struct CommandLine
     bool has(const QString &flag) const { return flags.contains(flag); }
 
     /// False, and `error` filled, for an unknown option or a missing value.
-    static bool parse(const QStringList &words, const CommandOptions &options, CommandLine *line, QString *error);
+    static bool parse(const QStringList &words, const CommandOptions &options, CommandLine *line,
+                      QString *error);
 };
 
 /// Print "corvanta COMMAND: text" and how to get help; answers kUsage.

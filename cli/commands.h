@@ -7,3 +7,6 @@ int runCommand(const QStringList &words);
 int checkCommand(const QStringList &words);
 int actionsCommand(const QStringList &words);
 int describeCommand(const QStringList &words);
+int convertCommand(const QStringList &words);
+int headCommand(const QStringList &words);
+int schemaCommand(const QStringList &words);

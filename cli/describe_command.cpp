@@ -1,7 +1,5 @@
-#include "commands.h"
-
 #include "command_line.h"
-
+#include "commands.h"
 #include "corvanta/action_base.h"
 #include "corvanta/action_registry.h"
 
@@ -60,7 +58,8 @@ QString pinText(const ActionItem &action)
 void printParameter(const ParameterInfo &info)
 {
     const QString defaultText = info.defaultValue.isEmpty() ? u"\"\""_s : info.defaultValue;
-    print(u"  %1 (%2, default %3)\n"_s.arg(info.name, ActionParameters::typeName(info.type), defaultText));
+    print(u"  %1 (%2, default %3)\n"_s.arg(info.name, ActionParameters::typeName(info.type),
+                                           defaultText));
     print(u"      %1\n"_s.arg(info.meaning));
     for (qsizetype i = 0; i < info.choices.size(); ++i) {
         print(u"      %1 = %2\n"_s.arg(QString::number(i), info.choices[i]));
@@ -73,7 +72,8 @@ int actionsCommand(const QStringList &words)
 {
     CommandLine line;
     QString error;
-    if (!CommandLine::parse(words, {{}, {u"--json"_s}}, &line, &error) || !line.arguments.isEmpty()) {
+    if (!CommandLine::parse(words, {{}, {u"--json"_s}}, &line, &error) ||
+        !line.arguments.isEmpty()) {
         return usageError(u"actions"_s, error.isEmpty() ? u"no argument is expected"_s : error);
     }
     ActionRegistry registry;
@@ -83,7 +83,8 @@ int actionsCommand(const QStringList &words)
         if (line.has(u"--json"_s)) {
             entries << catalogueEntry(*action);
         } else {
-            print(QString::fromLatin1(action->getTypeName()).leftJustified(16) + u' ' + action->getDescription() + u'\n');
+            print(QString::fromLatin1(action->getTypeName()).leftJustified(16) + u' ' +
+                  action->getDescription() + u'\n');
         }
     }
     if (line.has(u"--json"_s)) {
@@ -96,17 +97,21 @@ int describeCommand(const QStringList &words)
 {
     CommandLine line;
     QString error;
-    if (!CommandLine::parse(words, {{}, {u"--json"_s}}, &line, &error) || line.arguments.size() != 1) {
+    if (!CommandLine::parse(words, {{}, {u"--json"_s}}, &line, &error) ||
+        line.arguments.size() != 1) {
         return usageError(u"describe"_s, error.isEmpty() ? u"one action type is needed"_s : error);
     }
     ActionRegistry registry;
     registry.loadAll();
     ActionItem *const action = registry.prototype(line.arguments[0]);
     if (action == nullptr) {
-        return usageError(u"describe"_s, u"there is no action '%1' (\"corvanta actions\" lists them)"_s.arg(line.arguments[0]));
+        return usageError(
+            u"describe"_s,
+            u"there is no action '%1' (\"corvanta actions\" lists them)"_s.arg(line.arguments[0]));
     }
     const auto *const declared = dynamic_cast<const ActionParameters *>(action);
-    const QVector<ParameterInfo> infos = declared != nullptr ? declared->parameters() : QVector<ParameterInfo>();
+    const QVector<ParameterInfo> infos =
+        declared != nullptr ? declared->parameters() : QVector<ParameterInfo>();
     if (line.has(u"--json"_s)) {
         QJsonObject entry = catalogueEntry(*action);
         entry[u"pinsIn"_s] = action->maxPinIn();
@@ -117,7 +122,8 @@ int describeCommand(const QStringList &words)
         print(QString::fromUtf8(QJsonDocument(entry).toJson()));
         return kDone;
     }
-    print(u"%1: %2\n%3\n\nParameters\n"_s.arg(line.arguments[0], action->getDescription(), pinText(*action)));
+    print(u"%1: %2\n%3\n\nParameters\n"_s.arg(line.arguments[0], action->getDescription(),
+                                              pinText(*action)));
     std::for_each(infos.begin(), infos.end(), printParameter);
     return kDone;
 }

@@ -21,8 +21,8 @@ private:
     {
         // Most texts start with their severity.
         const QString text = message.text.trimmed();
-        const bool saysSeverity
-            = text.startsWith("error"_L1, Qt::CaseInsensitive) || text.startsWith("warning"_L1, Qt::CaseInsensitive);
+        const bool saysSeverity = text.startsWith("error"_L1, Qt::CaseInsensitive) ||
+                                  text.startsWith("warning"_L1, Qt::CaseInsensitive);
         const QString severity = saysSeverity ? QString() : severityOf(message.level) + ": "_L1;
         const QString place = message.action.isEmpty() ? QString() : u"[%1] "_s.arg(message.action);
         return (place + severity + text + u'\n').toUtf8();
@@ -38,13 +38,16 @@ public:
 private:
     static QByteArray quoted(const QString &text)
     {
-        const QByteArray array = QJsonDocument(QJsonObject{{u"v"_s, text}}).toJson(QJsonDocument::Compact);
+        const QByteArray array =
+            QJsonDocument(QJsonObject{{u"v"_s, text}}).toJson(QJsonDocument::Compact);
         return array.mid(5, array.size() - 6); // behind {"v": and in front of }
     }
     QByteArray format(const LogMessage &message) const override
     {
-        return "{\"level\":" + QByteArray::number(message.level) + ",\"severity\":" + quoted(severityOf(message.level))
-            + ",\"action\":" + quoted(message.action) + ",\"message\":" + quoted(message.text) + "}\n";
+        return "{\"level\":" + QByteArray::number(message.level) +
+               ",\"severity\":" + quoted(severityOf(message.level)) +
+               ",\"action\":" + quoted(message.action) + ",\"message\":" + quoted(message.text) +
+               "}\n";
     }
 };
 
@@ -70,7 +73,8 @@ std::unique_ptr<CommandLog> CommandLog::create(const QString &format, bool quiet
         // A library's own words on standard error would not be JSON.
         return std::make_unique<JsonLog>(quiet, corvanta::platform::takeErrorStream());
     }
-    return format == "text"_L1 ? std::make_unique<TextLog>(quiet, stderr) : std::unique_ptr<CommandLog>();
+    return format == "text"_L1 ? std::make_unique<TextLog>(quiet, stderr)
+                               : std::unique_ptr<CommandLog>();
 }
 
 void CommandLog::add(const LogMessage &message)

@@ -13,7 +13,8 @@
 class CommandLog : public LogSink
 {
 public:
-    /// "text" or "json"; null for anything else. `quiet` leaves out what is neither error nor warning.
+    /// "text" or "json"; null for anything else. `quiet` leaves out what is neither error nor
+    /// warning.
     static std::unique_ptr<CommandLog> create(const QString &format, bool quiet);
 
     void add(const LogMessage &message) final;
@@ -23,7 +24,8 @@ public:
     CommandLog(bool quiet, std::FILE *out)
         : m_quiet(quiet)
         , m_out(out)
-    {}
+    {
+    }
 
 protected:
     virtual QByteArray format(const LogMessage &message) const = 0;

@@ -1,13 +1,13 @@
 // base/platform/terminal.h
-// The terminal behind standard error.
+// Terminals behind the standard streams.
 #pragma once
 #include <cstdio>
 
 namespace corvanta::platform {
 
-bool errorsGoToTerminal();
-/// Columns of that terminal; 80 when they are not known.
-int errorTerminalWidth();
+bool isTerminal(std::FILE *stream);
+/// Columns of the stream's terminal; 80 when they are not known.
+int terminalWidth(std::FILE *stream);
 
 /// Keep standard error for the caller: what libraries print there from now on is dropped. The stream lives as long
 /// as the program; stderr itself when that cannot be done.

@@ -6,16 +6,17 @@
 
 namespace corvanta::platform {
 
-bool errorsGoToTerminal()
+bool isTerminal(std::FILE *stream)
 {
-    return ::isatty(STDERR_FILENO) == 1;
+    return ::isatty(::fileno(stream)) == 1;
 }
 
-int errorTerminalWidth()
+int terminalWidth(std::FILE *stream)
 {
     constexpr int kUsual = 80;
     winsize size = {};
-    return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
+    return ::ioctl(::fileno(stream), TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col
+                                                                                : kUsual;
 }
 
 std::FILE *takeErrorStream()

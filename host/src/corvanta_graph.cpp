@@ -101,7 +101,8 @@ template <class F> void forEachText(const XMLNode &root, F visit)
     }
 }
 
-void writeNode(const XMLNode &node, std::wostream &out)
+/// Elements that hold elements alone get a line each; text stays as it is.
+void writeNode(const XMLNode &node, int depth, std::wostream &out)
 {
     ToXMLStringTool tool;
     const std::wstring name = node.getName().toStdWString();
@@ -110,18 +111,25 @@ void writeNode(const XMLNode &node, std::wostream &out)
         const QString value = QString::fromUtf16(node.getAttribute(attribute.toLatin1().constData()));
         out << L' ' << attribute.toStdWString() << L"='" << tool.toXML(value) << L'\'';
     }
+    const int children = node.nChildNode();
     const QString text = node.text();
-    if (node.nChildNode() == 0 && text.isEmpty()) {
+    const bool hasText = children == 0 ? !text.isEmpty() : !text.trimmed().isEmpty();
+    if (children == 0 && !hasText) {
         out << L"/>";
         return;
     }
-    out << L'>';
-    if (node.nChildNode() == 0) {
-        out << tool.toXML(text);
+    out << L'>' << (hasText ? tool.toXML(text) : L"");
+    const auto breakLine = [&](int level) {
+        if (children > 0 && !hasText) {
+            out << L'\n' << std::wstring(static_cast<size_t>(2 * level), L' ');
+        }
+    };
+    for (int i = 0; i < children; ++i) {
+        breakLine(depth + 1);
+        writeNode(node.getChildNode(i), depth + 1,
+                  out); // the depth is that of a parsed tree, which is limited
     }
-    for (int i = 0; i < node.nChildNode(); ++i) {
-        writeNode(node.getChildNode(i), out); // the depth is that of a parsed tree, which is limited
-    }
+    breakLine(depth);
     out << L"</" << name << L'>';
 }
 
@@ -217,9 +225,10 @@ QByteArray CorvantaGraph::toXml() const
         if (!action.comment.isEmpty()) {
             out << L" comment='" << tool.toXML(action.comment) << L'\'';
         }
-        out << L'>';
-        writeNode(action.parameters, out);
-        out << L"</action>\n";
+        const bool isShort = action.parameters.nChildNode() == 0;
+        out << (isShort ? L">" : L">\n    ");
+        writeNode(action.parameters, 2, out);
+        out << (isShort ? L"</action>\n" : L"\n  </action>\n");
     }
     for (const Link &link : links) {
         out << L"  <link from='" << tool.toXML(link.from.action) << L':' << link.from.pin;

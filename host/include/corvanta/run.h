@@ -25,8 +25,8 @@ struct Listener
     QString id; ///< for messages and progress
     CorvantaGraph::Pin from;
     std::unique_ptr<ActionItem> action; ///< with one input pin
-    /// The action that is read from ends, all well, after as many rows; with 0 it is not even started. Those before it go on.
-    /// Negative: no limit.
+    /// The action that is read from ends, all well, after as many rows; with 0 it is not even
+    /// started. Those before it go on. Negative: no limit.
     qint64 mostRows = -1;
 };
 

@@ -1,0 +1,135 @@
+#include "session.h"
+
+#include "base/platform/terminal.h"
+#include "corvanta/files.h"
+
+#include <QElapsedTimer>
+
+#include <atomic>
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+
+namespace {
+
+std::atomic<int> g_interrupts = 0;
+
+/// The second Ctrl-C ends the program at once.
+void onInterrupt(int)
+{
+    if (g_interrupts.fetch_add(1) > 0) {
+        std::_Exit(kInterrupted);
+    }
+}
+
+/// 1234567 as 1.2M: at most four characters and a unit.
+QByteArray shortCount(double count)
+{
+    constexpr std::pair<double, char> units[] = {{1e9, 'G'}, {1e6, 'M'}, {1e3, 'k'}};
+    for (const auto &[size, letter] : units) {
+        if (count >= size) {
+            return QByteArray::number(count / size, 'f', count < 100 * size ? 1 : 0) + letter;
+        }
+    }
+    return QByteArray::number(static_cast<qint64>(count));
+}
+
+/// A fraction from 0 to 1 as "[####------] 42%".
+QByteArray fractionBar(float fraction)
+{
+    constexpr int kWidth = 10;
+    const float inside = qBound(0.0F, fraction, 1.0F);
+    const int filled = static_cast<int>(inside * kWidth);
+    return '[' + QByteArray(filled, '#') + QByteArray(kWidth - filled, '-') + "] " +
+           QByteArray::number(static_cast<int>(inside * 100)) + '%';
+}
+
+/// One line: per action its rows, rows per second and fraction done.
+QByteArray progressLine(const QVector<ActionProgress> &all, double seconds)
+{
+    QByteArray line;
+    for (const ActionProgress &action : all) {
+        const double rows = static_cast<double>(qMax(action.rowsIn, action.rowsOut));
+        line += line.isEmpty() ? "" : "  ";
+        line += action.id.toUtf8() + ' ' + shortCount(rows);
+        line += seconds > 0 ? " (" + shortCount(rows / seconds) + "/s)" : "";
+        if (action.finished) {
+            line += " done";
+        } else if (action.fraction >= 0) {
+            line += ' ' + fractionBar(action.fraction);
+        }
+    }
+    return line.left(platform::terminalWidth(stderr) - 1);
+}
+
+} // namespace
+
+CommandOptions Session::options(const CommandOptions &more)
+{
+    return {more.withValue +
+                QStringList{u"--log-format"_s, u"--progress"_s, u"--system-encoding"_s},
+            more.flags + QStringList{u"--quiet"_s}};
+}
+
+std::unique_ptr<Session> Session::open(const CommandLine &line, QString *error)
+{
+    const QString logFormat = line.value(u"--log-format"_s, u"text"_s);
+    const QString progress = line.value(u"--progress"_s, u"auto"_s);
+    std::unique_ptr<CommandLog> log = CommandLog::create(logFormat, line.has(u"--quiet"_s));
+    if (!log || !QStringList{u"auto"_s, u"always"_s, u"never"_s}.contains(progress)) {
+        *error = u"--log-format is text or json; --progress is auto, always or never"_s;
+        return nullptr;
+    }
+    std::unique_ptr<Session> session(new Session(std::move(log)));
+    const bool wantsProgress =
+        progress == "always"_L1 || (progress == "auto"_L1 && platform::isTerminal(stderr));
+    // Programs that read the messages get nothing but messages.
+    session->m_showsProgress = wantsProgress && logFormat == "text"_L1;
+    setSystemEncoding(line.value(u"--system-encoding"_s, QString()));
+    return session;
+}
+
+Session::Session(std::unique_ptr<CommandLog> log)
+    : m_log(std::move(log))
+{
+    MainUI::setLogSink(m_log.get());
+    std::signal(SIGINT, onInterrupt);
+    std::signal(SIGTERM, onInterrupt);
+}
+
+Session::~Session()
+{
+    MainUI::setLogSink(nullptr);
+}
+
+void Session::waitForEnd(Run *run)
+{
+    constexpr auto kTick = std::chrono::milliseconds(50);
+    constexpr int kTicksPerLine = 4;
+    QElapsedTimer timer;
+    timer.start();
+    for (int tick = 1; !run->waitFor(kTick); ++tick) {
+        if (g_interrupts > 0) {
+            run->stop();
+        }
+        if (m_showsProgress && tick % kTicksPerLine == 0) {
+            m_log->setProgressLine(
+                progressLine(run->progress(), static_cast<double>(timer.elapsed()) / 1000));
+        }
+    }
+    m_log->setProgressLine({});
+    run->wait();
+}
+
+int Session::run(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions options)
+{
+    options.log = m_log.get();
+    Run run(graph, registry, std::move(options));
+    run.start();
+    waitForEnd(&run);
+    if (run.failed()) {
+        return kFailed;
+    }
+    return run.succeeded() ? kDone : kInterrupted;
+}

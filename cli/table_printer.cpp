@@ -1,0 +1,197 @@
+#include "table_printer.h"
+
+#include "base/platform/terminal.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+
+namespace {
+
+constexpr int kTerminalCell = 40;
+constexpr int kWidestCell = 1000;
+constexpr qsizetype kRowsToMeasure = 1000;
+constexpr auto kGap = "  "_L1;
+
+/// Characters that take two columns (Unicode's East Asian Width W and F, roughly).
+bool isWide(char32_t c)
+{
+    constexpr std::pair<char32_t, char32_t> ranges[] = {
+        {0x1100, 0x115F},  {0x2E80, 0x303E},   {0x3041, 0xA4CF},   {0xA960, 0xA97F},
+        {0xAC00, 0xD7A3},  {0xF900, 0xFAFF},   {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},
+        {0xFFE0, 0xFFE6},  {0x1F300, 0x1F64F}, {0x1F680, 0x1F6FF}, {0x1F900, 0x1FAFF},
+        {0x20000, 0x3FFFD}};
+    return std::any_of(std::begin(ranges), std::end(ranges),
+                       [c](const auto &range) { return c >= range.first && c <= range.second; });
+}
+
+int widthOf(char32_t c)
+{
+    const QChar::Category category = QChar::category(c);
+    if (category == QChar::Mark_NonSpacing || category == QChar::Mark_Enclosing) {
+        return 0;
+    }
+    return isWide(c) ? 2 : 1;
+}
+
+/// The characters at the front that fit `width` columns.
+QString fitting(const QString &text, int width)
+{
+    qsizetype end = 0;
+    for (int used = 0; end < text.size();) {
+        const bool isPair = text[end].isHighSurrogate() && end + 1 < text.size();
+        used += widthOf(isPair ? QChar::surrogateToUcs4(text[end], text[end + 1])
+                               : text[end].unicode());
+        if (used > width) {
+            break;
+        }
+        end += isPair ? 2 : 1;
+    }
+    return text.left(end);
+}
+
+QString escape(char32_t c)
+{
+    switch (c) {
+    case '\n':
+        return u"\\n"_s;
+    case '\r':
+        return u"\\r"_s;
+    case '\t':
+        return u"\\t"_s;
+    default:
+        const QString digits = QString::number(c, 16);
+        return c < 0x100 ? u"\\x"_s + digits.rightJustified(2, u'0')
+                         : u"\\u"_s + digits.rightJustified(4, u'0');
+    }
+}
+
+bool isNumber(MetaInfo type)
+{
+    return type.type() != MetaInfo::Unknown;
+}
+
+} // namespace
+
+QString visibleText(const QString &text)
+{
+    QString visible;
+    for (const char32_t c : text.toUcs4()) {
+        const QChar::Category category = QChar::category(c);
+        const bool isInvisible =
+            category == QChar::Other_Control || category == QChar::Other_Format ||
+            category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
+        visible += isInvisible ? escape(c) : QString::fromUcs4(&c, 1);
+    }
+    return visible;
+}
+
+int displayWidth(const QString &text)
+{
+    int width = 0;
+    for (const char32_t c : text.toUcs4()) {
+        width += widthOf(c);
+    }
+    return width;
+}
+
+TablePrinter::TablePrinter(const TableSchema &columns, std::FILE *out)
+    : m_columns(columns)
+    , m_out(out)
+    , m_lineWidth(platform::isTerminal(out) ? platform::terminalWidth(out) : 0)
+    , m_cellWidth(m_lineWidth > 0 ? kTerminalCell : kWidestCell)
+{
+    QStringList names;
+    for (const QString &name : columns.names) {
+        names << shown(name);
+    }
+    m_held << names;
+}
+
+QString TablePrinter::shown(const QString &cell) const
+{
+    if (cell.isEmpty()) {
+        return cell.isNull() ? QString() : u"\"\""_s;
+    }
+    // A character is at least one column, or combines with one: what lies further behind is not
+    // shown.
+    const QString text = visibleText(cell.left(4 * kWidestCell));
+    return displayWidth(text) <= m_cellWidth ? text : fitting(text, m_cellWidth - 1) + u'…';
+}
+
+void TablePrinter::add(const QStringList &cells)
+{
+    QStringList texts;
+    for (const QString &cell : cells) {
+        texts << shown(cell);
+    }
+    if (m_hasBegun) {
+        print(texts);
+        return;
+    }
+    m_held << texts;
+    if (m_held.size() > kRowsToMeasure) {
+        begin();
+    }
+}
+
+/// Measure, and print what was held back.
+void TablePrinter::begin()
+{
+    m_hasBegun = true;
+    qsizetype line = 0;
+    for (qsizetype i = 0; i < m_columns.names.size(); ++i) {
+        int width = 0;
+        for (const QStringList &row : std::as_const(m_held)) {
+            width = std::max(width, displayWidth(row[i]));
+        }
+        line += width + (i > 0 ? kGap.size() : 0);
+        if (i > 0 && m_lineWidth > 0 && line > m_lineWidth) {
+            break;
+        }
+        m_widths << width;
+    }
+    print(m_held.takeFirst());
+    QStringList rules;
+    for (const int width : std::as_const(m_widths)) {
+        rules << QString(width, u'-');
+    }
+    print(rules);
+    for (const QStringList &row : std::as_const(m_held)) {
+        print(row);
+    }
+    m_held.clear();
+}
+
+void TablePrinter::print(const QStringList &cells)
+{
+    QString line;
+    for (qsizetype i = 0; i < m_widths.size(); ++i) {
+        // Wider than the rows that were measured: the columns behind it move.
+        const QString blanks(std::max(m_widths[i] - displayWidth(cells[i]), 0), u' ');
+        line += (i > 0 ? kGap : ""_L1) +
+                (isNumber(m_columns.types[i]) ? blanks + cells[i] : cells[i] + blanks);
+    }
+    while (line.endsWith(u' ')) {
+        line.chop(1);
+    }
+    std::fprintf(m_out, "%s\n", line.toUtf8().constData());
+}
+
+void TablePrinter::finish()
+{
+    if (m_columns.names.isEmpty()) {
+        return;
+    }
+    if (!m_hasBegun) {
+        begin();
+    }
+    const QStringList left = QStringList(m_columns.names).mid(m_widths.size());
+    if (!left.isEmpty()) {
+        const QString names = visibleText(left.join(", "_L1));
+        std::fprintf(
+            m_out, "and %s\n",
+            u"%1 more columns: %2"_s.arg(QString::number(left.size()), names).toUtf8().constData());
+    }
+}

@@ -1,0 +1,300 @@
+#!/usr/bin/python3
+"""corvanta convert from every format into every format: convert_test.py CORVANTA CORPUS [TEST]...
+
+What is written is compared with what openpyxl, Python's json, csv and expat, and our own readers see.
+"""
+import csv
+import gzip
+import io
+import json
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree
+
+import openpyxl
+
+CORVANTA = str(pathlib.Path(sys.argv.pop(1)).resolve())
+CORPUS = pathlib.Path(sys.argv.pop(1))
+
+HEADER = ["id", "a name", "Größe", "note"]
+ROWS = [["007", "plain", "1.50", None], ["2", "a<b>&\"c\" 'd'", "1e400", ""], ["3", "tab\tand\r\nlines", "-0", " blanks "],
+        ["4", "😀 東京", None, "${HOME} %1"], ["18446744073709551616", "]]>\\", "0.1", "=1+1"]]
+NESTED = [{"order": i, "buyer": {"city": f"C{i}"}, "lines": [{"product": f"p{i}{k}", "price": k + 0.25} for k in range(i)]}
+          for i in range(1, 4)]
+
+
+def as_csv(rows):
+    """The form that writeCSV has."""
+    def field(text):
+        if text is None:
+            return ""
+        return '"' + text.replace('"', '""') + '"' if text == "" or any(c in text for c in ',"\r\n') else text
+    return "".join(",".join(field(text) for text in row) + "\n" for row in rows).encode()
+
+
+class Case(unittest.TestCase):
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory(prefix="corvanta_convert_")
+        self.addCleanup(holder.cleanup)
+        self.folder = pathlib.Path(holder.name)
+        self.put("in.csv", as_csv([HEADER, *ROWS]))
+
+    def put(self, name, content):
+        (self.folder / name).write_bytes(content if isinstance(content, bytes) else content.encode())
+
+    def content(self, name):
+        return (self.folder / name).read_bytes()
+
+    def corvanta(self, *words, status=0):
+        done = subprocess.run([CORVANTA, *words], cwd=self.folder, capture_output=True, timeout=120, check=False)
+        self.assertEqual(done.returncode, status, f"{words}: {done.stderr.decode()}")
+        return done
+
+    def convert(self, *words, status=0):
+        return self.corvanta("convert", *words, status=status).stderr.decode()
+
+    def convert_cleanly(self, *words):
+        self.assertEqual(self.convert(*words), "")
+
+    def rows_of(self, name):
+        return list(csv.reader(io.StringIO(self.content(name).decode(), newline="")))
+
+
+class Pairs(Case):
+    def test_texts_come_back_through_every_format(self):
+        for extension in ("tsv", "txt", "json", "parquet", "csv"):
+            self.convert_cleanly("in.csv", f"between.{extension}")
+            self.convert_cleanly(f"between.{extension}", "back.csv")
+            self.assertEqual(self.content("back.csv"), self.content("in.csv"), extension)
+        self.assertEqual(self.content("between.tsv").split(b"\n")[0], "\t".join(HEADER).encode())
+
+    def test_xml_is_well_formed_and_comes_back(self):
+        self.convert_cleanly("in.csv", "out.xml")
+        names = ["id", "a_name", "Größe", "note"]
+        found = [row.attrib for row in xml.etree.ElementTree.parse(self.folder / "out.xml").getroot()]
+        self.assertEqual(found, [{n: text for n, text in zip(names, row) if text is not None} for row in ROWS])
+        self.convert_cleanly("out.xml", "back.csv")
+        self.assertEqual(self.content("back.csv"), as_csv([names, *ROWS]))
+
+    def test_json_is_what_the_file_says(self):
+        self.convert_cleanly("in.csv", "out.json")
+        self.assertEqual(json.loads(self.content("out.json")),
+                         [{n: text for n, text in zip(HEADER, row) if text is not None} for row in ROWS])
+
+    def test_workbooks_hold_typed_cells(self):
+        self.put("typed.csv", "k,f,t\n4294967293,0.30000000000000004,007\n,1e300,\n0,nan,x\n")
+        self.convert_cleanly("typed.csv", "book.xlsx", "--reader", "types=K,F,U", "--writer", "sheetName=Data")
+        sheet = openpyxl.load_workbook(self.folder / "book.xlsx")["Data"]
+        self.assertEqual([list(row) for row in sheet.values],
+                         [["k", "f", "t"], [4294967293, 0.30000000000000004, "007"], [None, 1e300, None], [0, None, "x"]])
+
+    def test_numbers_keep_all_their_digits(self):
+        self.put("typed.csv", "k,f,t\n4294967293,0.30000000000000004,007\n,1e+300,\n0,-0.1,true\n")
+        self.convert_cleanly("typed.csv", "a.parquet", "--reader", "types=K,F,U")
+        self.convert_cleanly("a.parquet", "b.json")
+        self.assertEqual(json.loads(self.content("b.json")),
+                         [{"k": 4294967293, "f": 0.30000000000000004, "t": "007"}, {"f": 1e300}, {"k": 0, "f": -0.1, "t": True}])
+        self.convert_cleanly("b.json", "c.parquet")
+        self.convert_cleanly("c.parquet", "d.csv")
+        self.assertEqual(self.content("d.csv"), self.content("typed.csv"))
+        self.convert_cleanly("a.parquet", "e.xml")
+        self.assertIn(b'f="0.30000000000000004"', self.content("e.xml"))
+
+    def test_tables_without_rows(self):
+        self.put("empty.csv", "a,b\n")
+        for extension, content in (("json", b"[]"), ("csv", b"a,b\n"), ("tsv", b"a\tb\n")):
+            self.convert_cleanly("empty.csv", f"out.{extension}")
+            self.assertEqual(self.content(f"out.{extension}"), content)
+        self.convert_cleanly("empty.csv", "out.xml")
+        self.assertEqual(len(xml.etree.ElementTree.parse(self.folder / "out.xml").getroot()), 0)
+        self.convert_cleanly("empty.csv", "out.parquet")
+        self.convert_cleanly("out.parquet", "back.csv")
+        self.assertEqual(self.content("back.csv"), b"a,b\n")
+        self.convert_cleanly("empty.csv", "out.xlsx")
+        self.assertEqual(list(openpyxl.load_workbook(self.folder / "out.xlsx").active.values), [("a", "b")])
+
+    def test_packed_inputs(self):
+        for extension in ("csv", "json", "xml", "parquet"):
+            self.convert_cleanly("in.csv", f"x.{extension}")
+            self.convert_cleanly(f"x.{extension}", "plain.csv")
+            self.put(f"y.{extension}.gz", gzip.compress(self.content(f"x.{extension}")))
+            self.convert_cleanly(f"y.{extension}.gz", "packed.csv")
+            self.assertEqual(self.content("packed.csv"), self.content("plain.csv"), extension)
+
+    def test_any_letter_case_and_any_name(self):
+        name = "a b'%1\"${x}é&.JSON"
+        self.put(name, json.dumps([{"${y}": 1, "b": 2}]))
+        self.convert_cleanly(name, "out${z}.CSV")
+        self.assertEqual(self.content("out${z}.CSV"), b"${y},b\n1,2\n")
+        self.put("page.HTML", "<table><tr><th>a</th></tr><tr><td>1 &nope; <b>2</b></td></tr></table>")
+        self.convert_cleanly("page.HTML", "out.csv")
+        self.assertEqual(self.content("out.csv"), b"a\n1 &nope; 2\n")
+        self.convert_cleanly(str(self.folder / "in.csv"), str(self.folder / "absolute.csv"))
+        self.assertEqual(self.content("absolute.csv"), self.content("in.csv"))
+
+    def test_pattern_reads_every_file(self):
+        self.put("part1.csv", "")
+        self.put("p1.json", '[{"a":1}]')
+        self.put("p2.json", '[{"a":2}]')
+        self.convert_cleanly("p*.json", "out.csv")
+        self.assertEqual(self.content("out.csv"), b"a\n1\n2\n")
+
+
+class Levels(Case):
+    def test_nested_json_gives_a_row_per_inner_record(self):
+        expected = [["order", "city", "product", "price"]]
+        expected += [[str(o["order"]), o["buyer"]["city"], line["product"], str(line["price"])] for o in NESTED for line in o["lines"]]
+        documents = {"a.json": json.dumps(NESTED), "b.json": json.dumps({"total": 3, "orders": NESTED}),
+                     "c.jsonl": "\n".join(json.dumps(order) for order in NESTED),
+                     "d.xml": "<shop>" + "".join(
+                         f"<order><order>{o['order']}</order><buyer><city>{o['buyer']['city']}</city></buyer>"
+                         + "".join(f"<lines><product>{k['product']}</product><price>{k['price']}</price></lines>" for k in o["lines"])
+                         + "</order>" for o in NESTED) + "</shop>"}
+        for name, document in documents.items():
+            self.put(name, document)
+            self.convert_cleanly(name, "out.csv")
+            self.assertEqual(self.rows_of("out.csv"), expected, name)
+
+    def test_members_of_a_map_are_records_with_their_names(self):
+        self.put("map.json", json.dumps({"packages": {f"p{i}": {"version": i} for i in range(5)}}))
+        self.convert_cleanly("map.json", "out.csv")
+        self.assertEqual(self.rows_of("out.csv"), [["Level 1 Subtag", "version"], *([f"p{i}", str(i)] for i in range(5))])
+
+    def test_cdata_is_text(self):
+        self.put("feed.xml", "<rss><item><t><![CDATA[a < b]]></t></item><item><t>&hellip;</t></item></rss>")
+        self.convert_cleanly("feed.xml", "out.csv")
+        self.assertEqual(self.content("out.csv"), b"t\na < b\n&hellip;\n")
+
+    def test_tables_are_told_and_chosen(self):
+        self.put("two.json", json.dumps({"a": [{"x": 1}, {"x": 2}, {"x": 3}], "b": [{"y": 1, "z": 2}]}))
+        notes = self.convert("two.json", "out.csv")
+        self.assertIn("*   1: 3 rows x 1 columns: x (a)\n    2: 1 rows x 2 columns: y, z (b)\n", notes)
+        self.assertEqual(self.content("out.csv"), b"x\n1\n2\n3\n")
+        self.convert("two.json", "out.csv", "--table", "2")
+        self.assertEqual(self.content("out.csv"), b"y,z\n1,2\n")
+        self.assertEqual(self.convert("two.json", "out.csv", "--quiet"), "")
+        self.assertIn("no table number 3 among the 2", self.convert("two.json", "out.csv", "--table", "3", status=1))
+
+    def test_pages(self):
+        self.put("page.html", "<html><body><table><tr><td>menu</td></tr></table><p>x<table class=data><thead><tr><th>Name<th>Price"
+                 "</thead><tbody><tr><td><a href='u'>A</a> &amp; B</td><td>1</td></tr><tr><td>C<br>D</td><td></td></tr></tbody>"
+                 "</table></body></html>")
+        notes = self.convert("page.html", "out.csv")
+        self.assertIn("*   2: 2 rows x 2 columns: Name, Price (html/body/p/table)", notes)
+        self.assertEqual(self.content("out.csv"), b"Name,Price\nA & B,1\nC D,\n")
+        self.convert("page.html", "out.csv", "--table=1")
+        self.assertEqual(self.content("out.csv"), b"column 1\nmenu\n")
+
+    def test_levels_that_are_given_are_kept(self):
+        self.put("a.json", json.dumps(NESTED))
+        self.convert_cleanly("a.json", "out.csv", "--reader", "Level=<Level initialPath=''><e name='n' path='order'/></Level>")
+        self.assertEqual(self.content("out.csv"), b"n\n1\n2\n3\n")
+
+
+class CommandLine(Case):
+    def test_printed_graph_does_the_same(self):
+        self.put("a.json", json.dumps(NESTED))
+        self.put("p.html", "<table><tr><th>${x}</th></tr><tr><td>1</td></tr></table>")
+        for words in (["a.json", "out.csv"], ["p.html", "out.json"], ["in.csv", "out.tsv", "--reader", "separator=;"],
+                      ["in.csv", "out.xml", "--writer", "humanReadable=1", "--writer", "ToWrite=id", "--writer", "ToWrite=note",
+                       "--writer", "writeAllColumns=0"]):
+            graph = self.corvanta("convert", *words, "--print-graph").stdout
+            self.assertFalse((self.folder / words[1]).exists())
+            self.convert_cleanly(*words)
+            direct = self.content(words[1])
+            (self.folder / words[1]).unlink()
+            (self.folder / "sub").mkdir(exist_ok=True)
+            self.put("sub/printed.graph", graph)
+            self.assertEqual(self.corvanta("run", "sub/printed.graph").stderr, b"")
+            self.assertEqual(self.content(words[1]), direct, words)
+            (self.folder / words[1]).unlink()
+
+    def test_texts_of_fixed_width_formats_take_their_widths_from_the_data(self):
+        graph = self.corvanta("convert", "in.csv", "out.xpt", "--print-graph").stdout.decode()
+        declared = [(c.get("n"), c.get("l")) for c in xml.etree.ElementTree.fromstring(graph).iter("CD")]
+        self.assertEqual(declared, [("id", "20"), ("a name", "14"), ("Größe", "5"), ("note", "10")])
+        graph = self.corvanta("convert", "in.csv", "out.sas7bdat", "--print-graph", "--writer", "f1=1.5", "--writer", "f2=2").stdout
+        self.assertIn(b"<CD n='id' l='32' ol='20'/>", graph)
+
+    def test_statuses(self):
+        usage = [[], ["in.csv"], ["in.csv", "out.csv", "more"], ["in.csv", "out.pdf"], ["in.pdf", "out.csv"], ["in.csv", "out"],
+                 ["in.csv", "out.csv.gz"], ["in.csv", "out.csv", "--reader", "nope=1"], ["in.csv", "out.csv", "--reader", "types"],
+                 ["in.csv", "out.csv", "--reader", "header=x"], ["in.csv", "out.csv", "--writer", "types=K"],
+                 ["in.csv", "out.csv", "--table", "0"], ["in.csv", "out.csv", "--table", "1"], ["in.csv", "out.csv", "--nope"],
+                 ["in.csv", "out.csv", "--log-format", "xml"]]
+        for words in usage:
+            self.assertIn("corvanta help convert", self.convert(*words, status=2), words)
+            self.assertEqual([path.name for path in self.folder.iterdir()], ["in.csv"], words)
+        for extension in ("csv", "csv.gz", "json", "xml", "html", "parquet", "dbf", "xlsx", "sav"):
+            self.assertNotEqual(self.convert(f"nope.{extension}", "out.csv", status=1), "")
+            self.assertEqual([path.name for path in self.folder.iterdir()], ["in.csv"], extension)
+        self.convert("in.csv", "no/folder/out.csv", status=1)
+
+    def test_messages_for_programs(self):
+        self.put("two.json", json.dumps({"a": [{"x": 1}], "b": [{"y": 1}]}))
+        messages = [json.loads(line) for line in self.convert("two.json", "o.csv", "--log-format", "json").splitlines()]
+        self.assertEqual([(m["level"], m["action"]) for m in messages], [(3, "input")])
+        messages = [json.loads(line) for line in self.convert("nope.json", "o.csv", "--log-format=json", status=1).splitlines()]
+        self.assertEqual([(m["level"], m["action"]) for m in messages], [(1, "input")])
+
+    def test_failed_conversion_leaves_the_old_target(self):
+        self.put("broken.json", '[{"a":1},{"a":2},{"a":')
+        for extension in ("csv", "json", "xml", "xlsx"):
+            self.put(f"old.{extension}", "old")
+            self.convert("broken.json", f"old.{extension}", status=1)
+            self.assertEqual(self.content(f"old.{extension}"), b"old")
+        self.assertEqual(len(list(self.folder.iterdir())), 6)
+
+    def test_help(self):
+        for command in ("convert", "head", "schema"):
+            self.assertIn(f"corvanta {command} INPUT".encode(), self.corvanta("help", command).stdout)
+            self.assertEqual(self.corvanta(command, "--help").stdout, self.corvanta("help", command).stdout)
+            self.assertIn(f"  {command} ".encode(), self.corvanta("help").stdout)
+
+
+@unittest.skipUnless(CORPUS.is_dir(), "no corpus of real files")
+class Corpus(Case):
+    """Tables as other programs read them."""
+
+    def check(self, name, golden, *words):
+        self.convert(str(CORPUS / name), "out.csv", *words)
+        found = self.rows_of("out.csv")
+        with open(CORPUS / golden, encoding="utf-8", newline="") as file:
+            expected = list(csv.reader(file))
+        places = [found[0].index(column.split("/")[-1].lstrip("@")) for column in expected[0]]
+        self.assertEqual([[row[i] for i in places] for row in found], [[c.split("/")[-1].lstrip("@") for c in expected[0]], *expected[1:]])
+
+    def test_documents(self):
+        for name in ("miserables.json miserables_links.csv", "penguins.json penguins.csv"):
+            document, golden = name.split()
+            self.check(f"json/docs/{document}", f"json/docs/golden/{golden}")
+        self.check("json/docs/citm_catalog.json", "json/docs/golden/citm_performances.csv", "--table", "2", "--reader",
+                   "Level=<Level initialPath='performances'>" + "".join(
+                       f"<e name='{n}' path='{n}'/>" for n in ("id", "eventId", "logo", "name", "start", "venueCode")) + "</Level>")
+        for name in ("slashdot", "slashdot16"):
+            self.check(f"xml/docs/{name}.xml", f"xml/docs/golden/{name}_story.csv")
+
+    def test_pages(self):
+        for name in ("banklist", "small/table", "pages/links-in-tables"):
+            folder, _, page = name.rpartition("/")
+            golden, = (CORPUS / "html" / folder / "golden").glob(f"{page}.html.table*.csv")
+            self.convert(str(CORPUS / "html" / f"{name}.html"), "out.csv")
+            with open(golden, encoding="utf-8", newline="") as file:
+                expected = list(csv.reader(file))
+            # The other program does not part words at line breaks.
+            found, expected = ([[cell.replace(" ", "") for cell in row] for row in rows] for rows in (self.rows_of("out.csv"), expected))
+            self.assertEqual(found, expected, name)
+
+    def test_nested_columns_of_parquet_files_are_left_out(self):
+        notes = self.convert(str(CORPUS / "parquet/datapage_v2.snappy.parquet"), "out.csv")
+        self.assertIn("is read without column 'e.list.element': nested columns are not supported", notes)
+        self.assertEqual(self.rows_of("out.csv")[0], ["a", "b", "c", "d"])
+
+
+if __name__ == "__main__":
+    os.environ["LC_ALL"] = "C.UTF-8"
+    unittest.main()

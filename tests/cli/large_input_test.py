@@ -1,0 +1,83 @@
+#!/usr/bin/python3
+"""Inputs of gigabytes: large_input_test.py CORVANTA
+
+head and schema answer at once and in little memory; an interrupted conversion leaves no target.
+"""
+import json
+import os
+import pathlib
+import random
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+
+CORVANTA = str(pathlib.Path(sys.argv[1]).resolve())
+HUGE = 4 << 30
+SECONDS = 2
+MEBIBYTES = 150
+
+
+def make_huge(folder):
+    """Rows, and then a hole up to 4 GiB: whoever reads it all takes seconds."""
+    rows = range(20_000)
+    files = {
+        "in.csv": "id,text\n" + "".join(f"{i},text {i}\n" for i in rows),
+        "in.jsonl": "".join(json.dumps({"id": i, "text": f"text {i}", "list": [{"x": 1}, {"x": 2}]}) + "\n" for i in rows),
+        "in.json": '{"total":1,"rows":[' + ",".join(json.dumps({"id": i, "text": f"text {i}"}) for i in rows) + ",",
+        "in.xml": "<data>" + "".join(f"<row id='{i}'><text>text {i}</text></row>" for i in rows),
+    }
+    for name, text in files.items():
+        (folder / name).write_text(text)
+    header = struct.pack("<B3xIHH20x", 3, HUGE // 17, 65, 17) + b"TEXT".ljust(11, b"\0") + b"C" + bytes(4) + b"\x10" + bytes(15) + b"\r"
+    (folder / "in.dbf").write_bytes(header + b"".join(b" text %-10d " % i for i in rows))
+    for name in [*files, "in.dbf"]:
+        os.truncate(folder / name, HUGE)
+    return [*files, "in.dbf"]
+
+
+def check_answers(folder):
+    for name in make_huge(folder):
+        for command in ("head", "schema"):
+            begun = time.monotonic()
+            process = subprocess.Popen([CORVANTA, command, name], cwd=folder, stdout=subprocess.PIPE)
+            lines = process.stdout.read().splitlines()
+            _, status, usage = os.wait4(process.pid, 0)
+            seconds = time.monotonic() - begun
+            assert status == 0 and len(lines) >= (12 if command == "head" else 1), (command, name, status, lines)
+            assert seconds < SECONDS, f"{command} {name} took {seconds:.1f} s"
+            assert usage.ru_maxrss < MEBIBYTES << 10, f"{command} {name} took {usage.ru_maxrss >> 10} MiB"
+
+
+def check_interrupts(folder):
+    """Ctrl-C while the input is looked at, measured and converted."""
+    (folder / "long.csv").write_text("k,t\n" + "".join(f"{i},text {i}\n" for i in range(1_000_000)))
+    choice = random.Random(7)
+    interrupted = 0
+    for target in ["out.csv", "out.json", "out.xml", "out.parquet", "out.xlsx"] * 3 + ["out.sas7bdat"]:
+        process = subprocess.Popen([CORVANTA, "convert", "long.csv", target], cwd=folder, stderr=subprocess.DEVNULL)
+        time.sleep(choice.uniform(0.05, 0.3))
+        process.send_signal(signal.SIGINT)
+        status = process.wait(timeout=30)
+        left = sorted(path.name for path in folder.iterdir() if path.name.startswith("out"))
+        if status == 0:
+            assert left == [target], left
+            (folder / target).unlink()
+        else:
+            # A signal that comes before the command has begun ends the program.
+            assert status in (130, -signal.SIGINT), status
+            assert not left, left
+            interrupted += 1
+    assert interrupted > 0, "no conversion was interrupted: the table is too small"
+
+
+def main():
+    with tempfile.TemporaryDirectory(prefix="corvanta_large_") as name:
+        folder = pathlib.Path(name)
+        check_answers(folder)
+        check_interrupts(folder)
+
+
+main()
