@@ -62,6 +62,15 @@ Result<QByteArray, Error> readBytes(ByteSource &source, qint64 offset, qint64 n)
     return bytes;
 }
 
+/// A name for messages: not longer than they should be, and without what follows a NUL, which is a
+/// packed form of the same in Unicode.
+QString shownName(QByteArrayView stored)
+{
+    constexpr qsizetype kMostBytes = 255;
+    const QByteArrayView shown = stored.first(std::min(stored.size(), kMostBytes));
+    return QString::fromUtf8(shown.first(qsizetype(qstrnlen(shown.data(), size_t(shown.size())))));
+}
+
 Fault<Error> encrypted(const Entry &entry, qint64 offset)
 {
     return {Error::Encrypted, QStringLiteral("its entry '%1' is encrypted").arg(entry.name),
@@ -152,14 +161,6 @@ Result<Block, Error> readBlock(ByteSource &source, qint64 offset)
     return block;
 }
 
-/// The name up to a NUL; what follows there is a packed form of the same in Unicode.
-QString nameOf(const Block &block, bool large)
-{
-    const QByteArray name = block.header.mid(kFileBytes + (large ? 8 : 0),
-                                             loadLE<quint16>(block.header.constData() + 26));
-    return QString::fromUtf8(name.constData());
-}
-
 Result<Entry, Error> readEntry(const Block &block, qint64 offset)
 {
     const char *const bytes = block.header.constData();
@@ -168,7 +169,8 @@ Result<Entry, Error> readEntry(const Block &block, qint64 offset)
         return damaged(offset);
     }
     Entry entry;
-    entry.name = nameOf(block, large);
+    entry.name =
+        shownName(block.header.mid(kFileBytes + (large ? 8 : 0), loadLE<quint16>(bytes + 26)));
     if ((block.flags & Encrypted) != 0) {
         return encrypted(entry, offset);
     }
@@ -379,7 +381,7 @@ Result<Entry, Error> readEntry(const Block &block, qint64 offset)
     }
     entry.isStored = (cursor.number() & kMethodBits) == 0;
     cursor.number(); // system
-    entry.name = QString::fromUtf8(cursor.bytes(cursor.number()));
+    entry.name = shownName(cursor.bytes(cursor.number()));
     if (cursor.isBroken() || size > static_cast<quint64>(std::numeric_limits<qint64>::max())) {
         return damaged(offset);
     }
