@@ -1,4 +1,5 @@
-// Numbers, UTF and cell lengths against the C library and Qt, where a wrong digit would go unnoticed.
+// Numbers, UTF and cell lengths against the C library and Qt, where a wrong digit would go
+// unnoticed.
 #include "base/cell.h"
 #include "base/number.h"
 #include "base/utf.h"
@@ -71,9 +72,14 @@ TEST(Number, GeneralPrintsUsualNumbersAsPrintfDoes)
 
 TEST(Number, ShortestReadsBackAndLooksPlain)
 {
-    const std::pair<double, const char *> cases[] = {
-        {0.25, "0.25"}, {7, "7"},       {1e300, "1e+300"}, {100000, "100000"}, {-0.0, "-0"},
-        {1e-7, "1e-07"}, {0.1 + 0.2, "0.30000000000000004"}, {1e16, "10000000000000000"}};
+    const std::pair<double, const char *> cases[] = {{0.25, "0.25"},
+                                                     {7, "7"},
+                                                     {1e300, "1e+300"},
+                                                     {100000, "100000"},
+                                                     {-0.0, "-0"},
+                                                     {1e-7, "1e-07"},
+                                                     {0.1 + 0.2, "0.30000000000000004"},
+                                                     {1e16, "10000000000000000"}};
     for (const auto &[value, text] : cases) {
         EXPECT_EQ(shortestText(value).toStdString(), text);
     }
@@ -91,11 +97,14 @@ TEST(Number, ShortestReadsBackAndLooksPlain)
 TEST(Number, ParsingTakesTheWholeTextOrNothing)
 {
     double value = 0;
-    for (const char16_t *bad : {u"", u" 1", u"1 ", u"1,5", u"abc", u"--1", u"+-1", u"nan(1)", u"0x10", u"1e"}) {
-        EXPECT_FALSE(parseDouble(std::u16string_view(bad), &value)) << QString::fromUtf16(bad).toStdString();
+    for (const char16_t *bad :
+         {u"", u" 1", u"1 ", u"1,5", u"abc", u"--1", u"+-1", u"nan(1)", u"0x10", u"1e"}) {
+        EXPECT_FALSE(parseDouble(std::u16string_view(bad), &value))
+            << QString::fromUtf16(bad).toStdString();
     }
     EXPECT_TRUE(parseDouble(std::u16string_view(u"1e999"), &value) && std::isinf(value));
-    EXPECT_TRUE(parseDouble(std::u16string_view(u"-inf"), &value) && std::isinf(value) && value < 0);
+    EXPECT_TRUE(parseDouble(std::u16string_view(u"-inf"), &value) && std::isinf(value) &&
+                value < 0);
     EXPECT_TRUE(parseDouble(std::u16string_view(u"+2.5"), &value) && value == 2.5);
     quint64 whole = 0;
     EXPECT_TRUE(parseUInt(std::u16string_view(u"4294967295"), 0xFFFFFFFFU, &whole));
@@ -133,11 +142,13 @@ TEST(FloatFormat, OnlyOneDoubleConversionGetsThrough)
 TEST(Utf, SurvivesEveryPlaneAndEveryBrokenSequence)
 {
     QString all;
-    for (const char32_t c : {U'a', U'\u00e9', U'\u20ac', U'\ud7ff', U'\ue000', U'\U0001F600', U'\U0010FFFF'}) {
+    for (const char32_t c :
+         {U'a', U'\u00e9', U'\u20ac', U'\ud7ff', U'\ue000', U'\U0001F600', U'\U0010FFFF'}) {
         all += QString(20, QLatin1Char('x')) + QString::fromUcs4(&c, 1);
     }
     EXPECT_EQ(viaUtf16(all.toUtf8()), all.toUtf8());
-    for (const char *bad : {"\x80", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "a\xFF"}) {
+    for (const char *bad :
+         {"\x80", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "a\xFF"}) {
         EXPECT_TRUE(viaUtf16(bad).contains("\xEF\xBF\xBD")) << bad;
     }
     std::array<char16_t, 4> latin1{};
@@ -145,13 +156,21 @@ TEST(Utf, SurvivesEveryPlaneAndEveryBrokenSequence)
     EXPECT_EQ(std::u16string_view(latin1.data(), 3), u"\u00e9\u00e9z");
     const char16_t lone[] = {0xD800, u'x', 0xDC00};
     std::array<char, 9> out{};
-    EXPECT_EQ(QByteArray(out.data(), utf16ToUtf8(lone, 3, out.data())), "\xEF\xBF\xBDx\xEF\xBF\xBD");
+    EXPECT_EQ(QByteArray(out.data(), utf16ToUtf8(lone, 3, out.data())),
+              "\xEF\xBF\xBDx\xEF\xBF\xBD");
 }
 
 TEST(Cell, LengthCodesOfAllFourSizes)
 {
-    const std::pair<quint32, int> cases[] = {{0, 1}, {1, 1}, {126, 1}, {127, 2}, {127 * 128 - 1, 2},
-        {127 * 128, 3}, {127 * 128 * 128 - 1, 3}, {127 * 128 * 128, 4}, {(1U << 28) - 1, 4}};
+    const std::pair<quint32, int> cases[] = {{0, 1},
+                                             {1, 1},
+                                             {126, 1},
+                                             {127, 2},
+                                             {127 * 128 - 1, 2},
+                                             {127 * 128, 3},
+                                             {127 * 128 * 128 - 1, 3},
+                                             {127 * 128 * 128, 4},
+                                             {(1U << 28) - 1, 4}};
     for (const auto &[code, bytes] : cases) {
         std::array<uchar, 4> out{};
         EXPECT_EQ(cell::lengthBytes(code), bytes);

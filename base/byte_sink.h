@@ -16,8 +16,8 @@ public:
     ByteSink &operator=(const ByteSink &) = delete;
     virtual ~ByteSink() = default;
 
-    /// Write all `n` bytes at the current position; false after a failure (a full disk, say). A failed
-    /// call may be repeated: the position is then where it was before the call.
+    /// Write all `n` bytes at the current position; false after a failure (a full disk, say). A
+    /// failed call may be repeated: the position is then where it was before the call.
     virtual bool write(const void *bytes, qint64 n) = 0;
 
     /// Go to an absolute offset within what was written so far; false when the sink cannot.

@@ -55,7 +55,8 @@ public:
     explicit MemorySource(QByteArrayView bytes, qint64 pieceBytes = -1)
         : m_bytes(bytes)
         , m_pieceBytes(pieceBytes)
-    {}
+    {
+    }
 
     qint64 read(void *buffer, qint64 n) override
     {

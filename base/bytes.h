@@ -8,10 +8,22 @@
 
 namespace corvanta {
 
-template <class T> inline T loadLE(const void *bytes) { return qFromLittleEndian<T>(bytes); }
-template <class T> inline T loadBE(const void *bytes) { return qFromBigEndian<T>(bytes); }
-template <class T> inline void storeLE(T value, void *bytes) { qToLittleEndian(value, bytes); }
-template <class T> inline void storeBE(T value, void *bytes) { qToBigEndian(value, bytes); }
+template <class T> inline T loadLE(const void *bytes)
+{
+    return qFromLittleEndian<T>(bytes);
+}
+template <class T> inline T loadBE(const void *bytes)
+{
+    return qFromBigEndian<T>(bytes);
+}
+template <class T> inline void storeLE(T value, void *bytes)
+{
+    qToLittleEndian(value, bytes);
+}
+template <class T> inline void storeBE(T value, void *bytes)
+{
+    qToBigEndian(value, bytes);
+}
 
 /// A value of the machine's own byte order at any address.
 template <class T> inline T loadNative(const void *bytes)

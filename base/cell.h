@@ -7,8 +7,8 @@
 //
 // Length code: 1 to 4 bytes of 7 bits, least significant group first, the last byte marked by its
 // high bit (a fourth byte is last in any case). Code 0 is a missing text, 1 an empty text, L >= 2 a
-// text of L - 1 units. Cells may lie at any address; RowBuffer places text cells so that their units
-// are 2-byte aligned.
+// text of L - 1 units. Cells may lie at any address; RowBuffer places text cells so that their
+// units are 2-byte aligned.
 #pragma once
 #include "base/bytes.h"
 #include "base/limits.h"
@@ -30,12 +30,18 @@ inline constexpr quint64 kMissingDoubleBits = ~quint64(0);
 inline constexpr int kKeyBytes = 4;
 inline constexpr int kDoubleBytes = 8;
 
-inline bool isMissingKey(quint32 key) { return key >= kMissingKeyOther; }
+inline bool isMissingKey(quint32 key)
+{
+    return key >= kMissingKeyOther;
+}
 inline bool isMissingDouble(double value)
 {
     return std::bit_cast<quint64>(value) == kMissingDoubleBits;
 }
-inline double missingDouble() { return std::bit_cast<double>(kMissingDoubleBits); }
+inline double missingDouble()
+{
+    return std::bit_cast<double>(kMissingDoubleBits);
+}
 
 /// Bytes that the length code takes when a cell is built: 127 itself takes two.
 inline int lengthBytes(quint32 code)
@@ -51,7 +57,10 @@ inline int lengthBytes(quint32 code)
 }
 
 /// The length code of a text of `units` UTF-16 units (0 units: an empty text, not a missing one).
-inline quint32 codeOfText(qsizetype units) { return static_cast<quint32>(units) + 1; }
+inline quint32 codeOfText(qsizetype units)
+{
+    return static_cast<quint32>(units) + 1;
+}
 
 /// Bytes of a text cell of `units` UTF-16 units.
 inline qsizetype textCellBytes(qsizetype units)
@@ -70,11 +79,11 @@ inline uchar *putLength(uchar *out, quint32 code, int bytes)
     return out;
 }
 
-/// A text cell taken apart. `units` points into the cell and may be unaligned for a cell that did not
-/// come from a RowBuffer.
+/// A text cell taken apart. `units` points into the cell and may be unaligned for a cell that did
+/// not come from a RowBuffer.
 struct Text
 {
-    quint32 code = 0;           ///< 0: missing
+    quint32 code = 0; ///< 0: missing
     const uchar *units = nullptr;
     bool isMissing() const { return code == 0; }
     qsizetype size() const { return code == 0 ? 0 : static_cast<qsizetype>(code) - 1; }

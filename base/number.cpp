@@ -83,10 +83,11 @@ qsizetype skipConversion(const QByteArray &text, qsizetype at)
 }
 
 constexpr int kQuickPrecision = 9;
-constexpr std::array<double, 14> kPowersOf10 = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13};
+constexpr std::array<double, 14> kPowersOf10 = {1e0, 1e1, 1e2, 1e3,  1e4,  1e5,  1e6,
+                                                1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13};
 
-/// Print the `precision` digits of `digits`, of which `exponent + 1` stand in front of the point, without
-/// zeros at the end.
+/// Print the `precision` digits of `digits`, of which `exponent + 1` stand in front of the point,
+/// without zeros at the end.
 char *putPlain(quint64 digits, int precision, int exponent, char *out)
 {
     std::array<char, kNumberChars> text{};
@@ -112,9 +113,9 @@ char *putPlain(quint64 digits, int precision, int exponent, char *out)
     return out + used + 1;
 }
 
-/// What putGeneral() prints for numbers between 0.0001 and 10^precision, at a third of the cost. Scaled to
-/// a whole number of `precision` digits, with one rounding, such a number is off by less than 10^-6; 0 is
-/// returned where that could decide about a digit, and for other numbers.
+/// What putGeneral() prints for numbers between 0.0001 and 10^precision, at a third of the cost.
+/// Scaled to a whole number of `precision` digits, with one rounding, such a number is off by less
+/// than 10^-6; 0 is returned where that could decide about a digit, and for other numbers.
 int putGeneralQuickly(double value, int precision, char *out)
 {
     const double size = std::fabs(value);
@@ -179,7 +180,8 @@ int putGeneral(double value, int precision, char *out)
         return quick;
     }
     return static_cast<int>(
-        std::to_chars(out, out + kNumberChars, value, std::chars_format::general, precision).ptr - out);
+        std::to_chars(out, out + kNumberChars, value, std::chars_format::general, precision).ptr -
+        out);
 }
 
 bool parseDouble(std::string_view text, double *value)
@@ -198,7 +200,8 @@ bool parseDouble(std::string_view text, double *value)
 
 bool parseDouble(std::u16string_view text, double *value)
 {
-    std::array<char, kStackDigits> narrow; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
+    std::array<char, kStackDigits>
+        narrow; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
     QByteArray longText;
     char *out = narrow.data();
     if (text.size() > narrow.size()) {
@@ -227,7 +230,8 @@ bool parseUInt(std::string_view text, quint64 max, quint64 *value)
 FloatFormat::FloatFormat()
     : m_format("%.16g")
     , m_generalPrecision(16)
-{}
+{
+}
 
 bool FloatFormat::set(const QString &format)
 {
@@ -259,9 +263,10 @@ bool FloatFormat::set(const QString &format)
     m_format = text;
     m_isShortest = false;
     quint64 precision = 0;
-    const bool plain = text.startsWith("%.") && text.endsWith('g')
-        && parseUInt(std::string_view(text.constData() + 2, static_cast<size_t>(text.size()) - 3), 17,
-                     &precision);
+    const bool plain =
+        text.startsWith("%.") && text.endsWith('g') &&
+        parseUInt(std::string_view(text.constData() + 2, static_cast<size_t>(text.size()) - 3), 17,
+                  &precision);
     constexpr int kUsualPrecision = 6;
     m_generalPrecision = text == "%g" ? kUsualPrecision : plain ? static_cast<int>(precision) : 0;
     return true;

@@ -21,7 +21,8 @@ int putUInt(quint64 value, char *out);
 int putShortest(double value, char *out);
 QString shortestText(double value);
 
-/// Print what printf prints for "%.<precision>g" (precision 1 to 17); returns the characters written.
+/// Print what printf prints for "%.<precision>g" (precision 1 to 17); returns the characters
+/// written.
 int putGeneral(double value, int precision, char *out);
 
 /// The whole of `text` as a double: digits with an optional sign, fraction and exponent, or "nan",
@@ -48,11 +49,12 @@ public:
     /// Take `format`; false (and unchanged) when it is not of the allowed form.
     bool set(const QString &format);
 
-    /// Append `value` to `out` in UTF-8. Longer results than usual are possible: the length is real.
+    /// Append `value` to `out` in UTF-8. Longer results than usual are possible: the length is
+    /// real.
     void append(double value, QByteArray *out) const;
 
-    /// Like append() into a caller's buffer of `room` bytes; the length that is needed is returned, and
-    /// when it exceeds `room` nothing useful was written.
+    /// Like append() into a caller's buffer of `room` bytes; the length that is needed is returned,
+    /// and when it exceeds `room` nothing useful was written.
     qsizetype put(double value, char *out, qsizetype room) const;
 
 private:

@@ -29,9 +29,15 @@ template <class T, class E> class [[nodiscard]] Result
 {
 public:
     // NOLINTNEXTLINE(google-explicit-constructor): `return value;` is the point of the type
-    Result(T value) : m_state(std::in_place_index<0>, std::move(value)) {}
+    Result(T value)
+        : m_state(std::in_place_index<0>, std::move(value))
+    {
+    }
     // NOLINTNEXTLINE(google-explicit-constructor): `return Fault{...};` is the point of the type
-    Result(Fault<E> fault) : m_state(std::in_place_index<1>, std::move(fault)) {}
+    Result(Fault<E> fault)
+        : m_state(std::in_place_index<1>, std::move(fault))
+    {
+    }
 
     explicit operator bool() const { return m_state.index() == 0; }
     T &operator*() & { return value(); }
@@ -66,7 +72,10 @@ template <class E> class [[nodiscard]] Result<void, E>
 public:
     Result() = default;
     // NOLINTNEXTLINE(google-explicit-constructor): `return Fault{...};` is the point of the type
-    Result(Fault<E> fault) : m_fault(std::move(fault)) {}
+    Result(Fault<E> fault)
+        : m_fault(std::move(fault))
+    {
+    }
 
     explicit operator bool() const { return !m_fault; }
     const Fault<E> &fault() const

@@ -8,7 +8,10 @@ namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
 
-bool isContinuation(uchar byte) { return (byte & 0xC0) == 0x80; }
+bool isContinuation(uchar byte)
+{
+    return (byte & 0xC0) == 0x80;
+}
 
 /// Narrow ASCII from `in`, 16 units at a time; returns how many units were taken.
 qsizetype narrowAscii(const char16_t *in, qsizetype n, char *out)
@@ -30,8 +33,8 @@ qsizetype narrowAscii(const char16_t *in, qsizetype n, char *out)
     return i;
 }
 
-/// Decode one multi-byte sequence (Unicode standard, table 3-7); returns the bytes it takes, 0 when it
-/// is ill-formed.
+/// Decode one multi-byte sequence (Unicode standard, table 3-7); returns the bytes it takes, 0 when
+/// it is ill-formed.
 int decodeSequence(const uchar *in, qsizetype n, char32_t *codePoint)
 {
     const uchar lead = in[0];
@@ -40,14 +43,15 @@ int decodeSequence(const uchar *in, qsizetype n, char32_t *codePoint)
         return 2;
     }
     if ((lead & 0xF0) == 0xE0 && n >= 3 && isContinuation(in[1]) && isContinuation(in[2])) {
-        *codePoint = static_cast<char32_t>((lead & 0x0F) << 12 | (in[1] & 0x3F) << 6 | (in[2] & 0x3F));
+        *codePoint =
+            static_cast<char32_t>((lead & 0x0F) << 12 | (in[1] & 0x3F) << 6 | (in[2] & 0x3F));
         const bool surrogate = *codePoint >= 0xD800 && *codePoint <= 0xDFFF;
         return *codePoint < 0x800 || surrogate ? 0 : 3;
     }
-    if (lead >= 0xF0 && lead <= 0xF4 && n >= 4 && isContinuation(in[1]) && isContinuation(in[2])
-        && isContinuation(in[3])) {
-        *codePoint = static_cast<char32_t>((lead & 0x07) << 18 | (in[1] & 0x3F) << 12
-                                           | (in[2] & 0x3F) << 6 | (in[3] & 0x3F));
+    if (lead >= 0xF0 && lead <= 0xF4 && n >= 4 && isContinuation(in[1]) && isContinuation(in[2]) &&
+        isContinuation(in[3])) {
+        *codePoint = static_cast<char32_t>((lead & 0x07) << 18 | (in[1] & 0x3F) << 12 |
+                                           (in[2] & 0x3F) << 6 | (in[3] & 0x3F));
         return *codePoint < 0x10000 || *codePoint > 0x10FFFF ? 0 : 4;
     }
     return 0;

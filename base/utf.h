@@ -12,8 +12,8 @@ qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out);
 /// The same, but each byte of an ill-formed sequence becomes the Latin-1 character of its value.
 qsizetype utf8OrLatin1ToUtf16(const char *in, qsizetype n, char16_t *out);
 
-/// Widen the ASCII at the front of `in` into `out`, which has room for `n` units (what lies behind the
-/// taken ones may be overwritten); returns how many bytes it is.
+/// Widen the ASCII at the front of `in` into `out`, which has room for `n` units (what lies behind
+/// the taken ones may be overwritten); returns how many bytes it is.
 qsizetype asciiToUtf16(const char *in, qsizetype n, char16_t *out);
 
 /// Convert `n` units of UTF-16 into `out`, which has room for `3 * n` bytes; returns the bytes

@@ -31,23 +31,12 @@ template <class Action> ActionItem *make()
 
 /// In catalogue order.
 constexpr ActionItem *(*kMakers[kActionCount])() = {
-    make<ActionWriteReport>,
-    make<ActionReadExcel>,
-    make<ActionReadExcelOld>,
-    make<ActionReadExcelSheets>,
-    make<ActionWriteExcel>,
-    make<ActionReadStat>,
-    make<ActionReadXML>,
-    make<ActionWriteXML>,
-    make<ActionReadJSON>,
-    make<ActionWriteJSON>,
-    make<ActionReadXBF>,
-    make<ActionReadParquet>,
-    make<ActionWriteParquet>,
-    make<ActionWriteSAS>,
-    make<ActionWriteSASXPT>,
-    make<ActionWriteDoc>,
-    make<ActionWriteDocTable>,
+    make<ActionWriteReport>,     make<ActionReadExcel>,     make<ActionReadExcelOld>,
+    make<ActionReadExcelSheets>, make<ActionWriteExcel>,    make<ActionReadStat>,
+    make<ActionReadXML>,         make<ActionWriteXML>,      make<ActionReadJSON>,
+    make<ActionWriteJSON>,       make<ActionReadXBF>,       make<ActionReadParquet>,
+    make<ActionWriteParquet>,    make<ActionWriteSAS>,      make<ActionWriteSASXPT>,
+    make<ActionWriteDoc>,        make<ActionWriteDocTable>,
 };
 
 } // namespace

@@ -14,8 +14,9 @@ protected:
 private:
     bool step() override
     {
-        return this->fail(QStringLiteral("Error: the action '%1' cannot be run by this version of the module\n")
-                              .arg(QLatin1StringView(this->getTypeName())));
+        return this->fail(
+            QStringLiteral("Error: the action '%1' cannot be run by this version of the module\n")
+                .arg(QLatin1StringView(this->getTypeName())));
     }
 };
 

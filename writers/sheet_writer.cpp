@@ -9,7 +9,8 @@ namespace {
 
 /// Room for everything of a cell but its text, and for what is copied in excess.
 constexpr size_t kCellBytes = 320;
-/// Characters that the staging area of the format's first implementation held; kept as the limit of a cell.
+/// Characters that the staging area of the format's first implementation held; kept as the limit of
+/// a cell.
 constexpr qsizetype kStagingChars = (8388610 - 4194308) / 2;
 constexpr qsizetype kTextCellReserve = 68;
 constexpr qsizetype kMostCellChars = kStagingChars - kTextCellReserve;
@@ -25,8 +26,9 @@ const Markup kFormulaClosing("</f></c>");
 
 } // namespace
 
-SheetWriter::SheetWriter(package::PackageWriter &package, SheetOptions options, std::vector<Column> columns,
-                         sheet::DateParser *dates, std::function<void()> tooLong, std::function<bool()> retry)
+SheetWriter::SheetWriter(package::PackageWriter &package, SheetOptions options,
+                         std::vector<Column> columns, sheet::DateParser *dates,
+                         std::function<void()> tooLong, std::function<bool()> retry)
     : m_package(package)
     , m_options(std::move(options))
     , m_columns(std::move(columns))
@@ -88,7 +90,8 @@ void SheetWriter::appendReference(int column)
 SheetWriter::Error SheetWriter::put(QByteArrayView xml)
 {
     while (!xml.isEmpty()) {
-        const qsizetype piece = std::min<qsizetype>(xml.size(), package::PackageWriter::kMaxRoomBytes);
+        const qsizetype piece =
+            std::min<qsizetype>(xml.size(), package::PackageWriter::kMaxRoomBytes);
         if (!room(static_cast<size_t>(piece))) {
             return Error::Write;
         }
@@ -255,7 +258,8 @@ SheetWriter::Error SheetWriter::putText(int column, Kind kind, std::u16string_vi
 
 SheetWriter::Error SheetWriter::putLink(int column, const sheet::LinkText &link)
 {
-    const QString url(reinterpret_cast<const QChar *>(link.url.data()), static_cast<qsizetype>(link.url.size()));
+    const QString url(reinterpret_cast<const QChar *>(link.url.data()),
+                      static_cast<qsizetype>(link.url.size()));
     qint64 &number = m_urlNumbers[url];
     if (number == 0) {
         m_urls << url;
@@ -265,8 +269,8 @@ SheetWriter::Error SheetWriter::putLink(int column, const sheet::LinkText &link)
     return putEscaped(column, m_linkPrefix, link.label, kTextClosing);
 }
 
-SheetWriter::Error SheetWriter::putEscaped(int column, const Markup &opening, std::u16string_view text,
-                                           const Markup &closing)
+SheetWriter::Error SheetWriter::putEscaped(int column, const Markup &opening,
+                                           std::u16string_view text, const Markup &closing)
 {
     const auto n = static_cast<qsizetype>(text.size());
     if (n > sheet::kShortTextUnits) {
@@ -282,12 +286,12 @@ SheetWriter::Error SheetWriter::putEscaped(int column, const Markup &opening, st
     return Error::None;
 }
 
-SheetWriter::Error SheetWriter::putLongEscaped(int column, const Markup &opening, std::u16string_view text,
-                                               const Markup &closing)
+SheetWriter::Error SheetWriter::putLongEscaped(int column, const Markup &opening,
+                                               std::u16string_view text, const Markup &closing)
 {
     const auto atLimit = m_options.crop ? sheet::AtLimit::Crop : sheet::AtLimit::Warn;
-    const qsizetype chars = sheet::escapeLongText(text.data(), static_cast<qsizetype>(text.size()), atLimit,
-                                                  kMostCellChars, m_tooLong, &m_longText);
+    const qsizetype chars = sheet::escapeLongText(text.data(), static_cast<qsizetype>(text.size()),
+                                                  atLimit, kMostCellChars, m_tooLong, &m_longText);
     if (chars > kMostCellChars) {
         return Error::BufferTooSmall;
     }
@@ -308,8 +312,9 @@ QByteArray SheetWriter::hyperlinkElements(qint64 existing) const
 {
     QByteArray elements;
     for (const LinkUse &use : m_linkUses) {
-        elements += "<hyperlink ref=\"" + sheet::columnLetters(use.column) + QByteArray::number(use.row)
-            + "\" r:id=\"rId" + QByteArray::number(use.number + existing) + "\"/>";
+        elements += "<hyperlink ref=\"" + sheet::columnLetters(use.column) +
+                    QByteArray::number(use.row) + "\" r:id=\"rId" +
+                    QByteArray::number(use.number + existing) + "\"/>";
     }
     return elements;
 }

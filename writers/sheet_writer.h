@@ -30,8 +30,8 @@ struct SheetOptions
     int firstDay = 0; ///< serial that the workbook counts as day 0
 };
 
-/// A few characters of fixed XML. Copied whole, which is one or two instructions, where a copy of the exact
-/// length would be a call.
+/// A few characters of fixed XML. Copied whole, which is one or two instructions, where a copy of
+/// the exact length would be a call.
 struct Markup
 {
     char text[48] = {};
@@ -65,10 +65,11 @@ public:
         int column;
     };
 
-    /// `tooLong` is called for pieces of text beyond what a cell may hold, `retry` is asked after a failed
-    /// write whether to try again. `package` and `dates` outlive the writer.
+    /// `tooLong` is called for pieces of text beyond what a cell may hold, `retry` is asked after a
+    /// failed write whether to try again. `package` and `dates` outlive the writer.
     SheetWriter(package::PackageWriter &package, SheetOptions options, std::vector<Column> columns,
-                sheet::DateParser *dates, std::function<void()> tooLong, std::function<bool()> retry);
+                sheet::DateParser *dates, std::function<void()> tooLong,
+                std::function<bool()> retry);
 
     /// Sheet row that is written next, from 1.
     qint64 row() const { return m_row; }
@@ -91,7 +92,10 @@ public:
 private:
     bool makeRoom(size_t bytes);
     /// Room for `bytes` at m_out; false when the package cannot take them.
-    bool room(size_t bytes) { return static_cast<size_t>(m_end - m_out) >= bytes || makeRoom(bytes); }
+    bool room(size_t bytes)
+    {
+        return static_cast<size_t>(m_end - m_out) >= bytes || makeRoom(bytes);
+    }
     void append(QByteArrayView text);
     void append(const Markup &markup);
     void appendReference(int column);
@@ -102,8 +106,10 @@ private:
     bool putDate(int column, const OneRow &row);
     Error putText(int column, Kind kind, std::u16string_view text);
     Error putLink(int column, const sheet::LinkText &link);
-    Error putEscaped(int column, const Markup &opening, std::u16string_view text, const Markup &closing);
-    Error putLongEscaped(int column, const Markup &opening, std::u16string_view text, const Markup &closing);
+    Error putEscaped(int column, const Markup &opening, std::u16string_view text,
+                     const Markup &closing);
+    Error putLongEscaped(int column, const Markup &opening, std::u16string_view text,
+                         const Markup &closing);
 
     package::PackageWriter &m_package;
     SheetOptions m_options;

@@ -22,9 +22,11 @@ constexpr int kLongestSheetName = 31;
 
 ActionWriteExcel::ActionWriteExcel(const XMLNode &saved, GlobalParameters *parameters)
     : ParamAction(catalogueRow("writeExcel"), saved, parameters)
-    , m_longCells(MainUI::Warning, kLongCellWarnings,
-                  u"One Cell is larger than 32768 chars: Excel will complain. Some more warnings won't be reported."_s)
-{}
+    , m_longCells(
+          MainUI::Warning, kLongCellWarnings,
+          u"One Cell is larger than 32768 chars: Excel will complain. Some more warnings won't be reported."_s)
+{
+}
 
 void ActionWriteExcel::start()
 {
@@ -32,18 +34,22 @@ void ActionWriteExcel::start()
     m_run->file = expandOutputFile(m_params.fileNameDestination, QString());
     m_longCells.reset();
     // A format with markup characters would end the cell's element.
-    const bool hasMarkup = m_params.floatToString.contains(u'<') || m_params.floatToString.contains(u'&');
+    const bool hasMarkup =
+        m_params.floatToString.contains(u'<') || m_params.floatToString.contains(u'&');
     if (hasMarkup || !m_floatFormat.set(m_params.floatToString)) {
-        fail(u"\nERROR writing to Excel file '%1': '%2' is not a format of a floating-point number\n"_s.arg(
-            m_run->file, m_params.floatToString));
+        fail(
+            u"\nERROR writing to Excel file '%1': '%2' is not a format of a floating-point number\n"_s
+                .arg(m_run->file, m_params.floatToString));
         return;
     }
-    const QString compression = globalParameters() != nullptr ? globalParameters()->compression() : QString();
+    const QString compression =
+        globalParameters() != nullptr ? globalParameters()->compression() : QString();
     if (!compression.isEmpty()) {
         const std::optional<deflate::Level> level = deflate::parseLevel(compression);
         if (!level) {
-            fail(u"\nERROR writing to Excel file '%1': '%2' is not a level of compression (isal-2, isal-3, zlib-1 to zlib-9)\n"_s
-                     .arg(m_run->file, compression));
+            fail(
+                u"\nERROR writing to Excel file '%1': '%2' is not a level of compression (isal-2, isal-3, zlib-1 to zlib-9)\n"_s
+                    .arg(m_run->file, compression));
             return;
         }
         m_run->compression.level = *level;
@@ -96,8 +102,9 @@ template <class F> bool ActionWriteExcel::packageCall(F call)
 
 bool ActionWriteExcel::findTestColumn(const OneRow *row)
 {
-    return m_run->filter.begin(m_params, *row)
-        || !fail(u"\nERROR writing to Excel file '%1': cannot find column '%2' to test\n"_s.arg(m_run->file, m_params.testCol));
+    return m_run->filter.begin(m_params, *row) ||
+           !fail(u"\nERROR writing to Excel file '%1': cannot find column '%2' to test\n"_s.arg(
+               m_run->file, m_params.testCol));
 }
 
 bool ActionWriteExcel::findColumns(const OneRow *row, std::vector<SheetWriter::Column> *columns)
@@ -108,12 +115,14 @@ bool ActionWriteExcel::findColumns(const OneRow *row, std::vector<SheetWriter::C
             columns->push_back({i, SheetWriter::Kind::Text, row->colName(i)});
         }
     } else if (m_params.toWrite.isEmpty()) {
-        return !fail(u"\nERROR writing to Excel file '%1': no column to write?\n"_s.arg(m_run->file));
+        return !fail(
+            u"\nERROR writing to Excel file '%1': no column to write?\n"_s.arg(m_run->file));
     }
     for (const QString &name : m_params.writeAllColumns ? QStringList() : m_params.toWrite) {
         const int index = row->getIndexOfColumn(name);
         if (index < 0) {
-            fail(u"\nERROR writing to Excel file '%1': cannot find column '%2' to write\n"_s.arg(m_run->file, name));
+            fail(u"\nERROR writing to Excel file '%1': cannot find column '%2' to write\n"_s.arg(
+                m_run->file, name));
             missing << name;
         }
         columns->push_back({index, SheetWriter::Kind::Text, name});
@@ -129,8 +138,9 @@ bool ActionWriteExcel::decideKind(const OneRow *row, SheetWriter::Column *column
     } else if (m_params.toFormula.contains(column->name)) {
         column->kind = SheetWriter::Kind::Formula;
         if (type != MetaInfo::Unknown) {
-            return !fail(u"ERROR writing to Excel file '%1': type of column '%2' is not string/unknown.\n"_s.arg(
-                m_run->file, column->name));
+            return !fail(
+                u"ERROR writing to Excel file '%1': type of column '%2' is not string/unknown.\n"_s
+                    .arg(m_run->file, column->name));
         }
     } else if (type == MetaInfo::Key) {
         column->kind = SheetWriter::Kind::Key;
@@ -142,9 +152,9 @@ bool ActionWriteExcel::decideKind(const OneRow *row, SheetWriter::Column *column
 
 bool ActionWriteExcel::writeMember(const char *name, const QByteArray &content)
 {
-    return packageCall([&] { return m_run->output.writer().openMember(name); })
-        && packageCall([&] { return m_run->output.writer().write(content); })
-        && packageCall([&] { return m_run->output.writer().closeMember(); });
+    return packageCall([&] { return m_run->output.writer().openMember(name); }) &&
+           packageCall([&] { return m_run->output.writer().write(content); }) &&
+           packageCall([&] { return m_run->output.writer().closeMember(); });
 }
 
 bool ActionWriteExcel::openOutput()
@@ -165,8 +175,9 @@ bool ActionWriteExcel::openNewWorkbook(std::vector<SheetWriter::Column> columns)
     }
     m_run->sheetName = makeSheetName();
     if (m_run->sheetName.contains(u'<')) {
-        warn(u"Warning: the sheet name '%1' of the Excel file '%2' contains '<': the workbook may not open.\n"_s.arg(
-            m_run->sheetName, m_run->file));
+        warn(
+            u"Warning: the sheet name '%1' of the Excel file '%2' contains '<': the workbook may not open.\n"_s
+                .arg(m_run->sheetName, m_run->file));
     }
     for (const sheet::FixedMember &member : sheet::leadingMembers(m_params.dateFormatExcel)) {
         if (!writeMember(member.name, member.content)) {
@@ -191,11 +202,12 @@ SheetOptions ActionWriteExcel::sheetOptions() const
     return options;
 }
 
-void ActionWriteExcel::makeSheetWriter(std::vector<SheetWriter::Column> columns, const SheetOptions &options)
+void ActionWriteExcel::makeSheetWriter(std::vector<SheetWriter::Column> columns,
+                                       const SheetOptions &options)
 {
-    m_run->sheet = std::make_unique<SheetWriter>(m_run->output.writer(), options, std::move(columns),
-                                                 m_run->dates.get(), [this] { warnLongCell(); },
-                                                 [this] { return askRetry(); });
+    m_run->sheet = std::make_unique<SheetWriter>(
+        m_run->output.writer(), options, std::move(columns), m_run->dates.get(),
+        [this] { warnLongCell(); }, [this] { return askRetry(); });
 }
 
 void ActionWriteExcel::warnLongCell()
@@ -208,8 +220,9 @@ QString ActionWriteExcel::makeSheetName()
 {
     QString name = expandString(m_params.sheetName);
     if (name.size() > kLongestSheetName) {
-        warn(u"WARNING: in the Excelfile '%1' the SheetName '%2' is too long: truncating at 31 chars."_s.arg(
-            m_run->file, name));
+        warn(
+            u"WARNING: in the Excelfile '%1' the SheetName '%2' is too long: truncating at 31 chars."_s
+                .arg(m_run->file, name));
         name.truncate(kLongestSheetName);
         if (name.back().isHighSurrogate()) {
             name.chop(1);
@@ -238,8 +251,10 @@ bool ActionWriteExcel::begin(const OneRow *row)
         }
     }
     if (columns.size() > kSheetColumns) {
-        warn(u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's too large "
-             "(nColumns>16384). However, you can still use the file with Corvanta.\n"_s.arg(m_run->file));
+        warn(u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's "
+             u"too large "
+             "(nColumns>16384). However, you can still use the file with Corvanta.\n"_s.arg(
+                 m_run->file));
     }
     if (!openWorkbook(std::move(columns))) {
         return false;
@@ -255,7 +270,8 @@ bool ActionWriteExcel::failOn(SheetWriter::Error error)
     case SheetWriter::Error::None:
         return false;
     case SheetWriter::Error::BufferTooSmall:
-        return fail(u"\nERROR writing to XLSX file '%1': output buffer too small\n"_s.arg(m_run->file));
+        return fail(
+            u"\nERROR writing to XLSX file '%1': output buffer too small\n"_s.arg(m_run->file));
     case SheetWriter::Error::Write:
         break;
     }
@@ -265,9 +281,12 @@ bool ActionWriteExcel::failOn(SheetWriter::Error error)
 bool ActionWriteExcel::writeRow(const OneRow *row)
 {
     if (m_run->sheet->row() > kSheetRows && !m_run->isTooLong) {
-        m_run->isTooLong = true; // a header, or rows that were there, may have passed the limit already
-        warn(u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's too large "
-             "(nRows>1048576). However, you can still use the file with Corvanta.\n"_s.arg(m_run->file));
+        m_run->isTooLong =
+            true; // a header, or rows that were there, may have passed the limit already
+        warn(u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's "
+             u"too large "
+             "(nRows>1048576). However, you can still use the file with Corvanta.\n"_s.arg(
+                 m_run->file));
     }
     return !failOn(m_run->sheet->putRow(*row));
 }
@@ -312,8 +331,9 @@ std::optional<sheet::NamedRange> ActionWriteExcel::namedRange() const
     }
     const SheetWriter &sheet = *m_run->sheet;
     const bool skipHeader = m_params.firstLineContainsColumnNames && !m_params.nrIncludeTitleRow;
-    return sheet::NamedRange{m_params.namedRange, m_run->sheetName, m_run->firstRow + (skipHeader ? 1 : 0),
-                             sheet.row() - 1, sheet.columnCount() - 1};
+    return sheet::NamedRange{m_params.namedRange, m_run->sheetName,
+                             m_run->firstRow + (skipHeader ? 1 : 0), sheet.row() - 1,
+                             sheet.columnCount() - 1};
 }
 
 bool ActionWriteExcel::finishSheet()
@@ -346,7 +366,8 @@ bool ActionWriteExcel::finishWorkbook()
     }
     const QStringList &urls = m_run->sheet->urls();
     if (!urls.isEmpty()) {
-        const auto part = xlsx::changedRelationships({}, xlsx::hyperlinkRelationships(urls, xlsx::kTransitional, 0));
+        const auto part = xlsx::changedRelationships(
+            {}, xlsx::hyperlinkRelationships(urls, xlsx::kTransitional, 0));
         if (!part || !writeMember(sheet::kSheetRelsMember, *part)) {
             return false;
         }

@@ -1,6 +1,6 @@
 // base/platform/files.h
-// What differs between systems about files, behind one small interface. The only place, with its sides
-// files_posix.cpp and (for the Windows build) files_win.cpp, that calls the system.
+// What differs between systems about files, behind one small interface. The only place, with its
+// sides files_posix.cpp and (for the Windows build) files_win.cpp, that calls the system.
 #pragma once
 #include <QString>
 #include <QtGlobal>
@@ -17,7 +17,8 @@ public:
     FileHandle() = default;
     FileHandle(FileHandle &&other) noexcept
         : m_handle(std::exchange(other.m_handle, -1))
-    {}
+    {
+    }
     FileHandle &operator=(FileHandle &&other) noexcept
     {
         std::swap(m_handle, other.m_handle);

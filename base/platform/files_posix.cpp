@@ -4,15 +4,16 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <cerrno>
-#include <climits>
-#include <clocale>
-#include <cstdio>
 #include <fcntl.h>
 #include <langinfo.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <clocale>
+#include <cstdio>
 
 namespace corvanta::platform {
 
@@ -47,9 +48,11 @@ FileHandle::~FileHandle()
 FileHandle FileHandle::openForRead(const QString &name, bool sequential)
 {
     FileHandle file;
-    file.m_handle = repeated([&] { return ::open(native(name).constData(), O_RDONLY | O_CLOEXEC); });
+    file.m_handle =
+        repeated([&] { return ::open(native(name).constData(), O_RDONLY | O_CLOEXEC); });
     struct stat facts = {};
-    if (file.isOpen() && (::fstat(static_cast<int>(file.m_handle), &facts) != 0 || S_ISDIR(facts.st_mode))) {
+    if (file.isOpen() &&
+        (::fstat(static_cast<int>(file.m_handle), &facts) != 0 || S_ISDIR(facts.st_mode))) {
         file.close();
     }
     if (file.isOpen() && sequential) {
@@ -65,7 +68,8 @@ FileHandle FileHandle::openForWrite(const QString &name, Create create)
     flags |= create == Create::Exclusive ? O_EXCL : 0;
     FileHandle file;
     file.m_handle = repeated([&] { return ::open(native(name).constData(), flags, 0666); });
-    if (file.isOpen() && create == Create::Append && ::lseek(static_cast<int>(file.m_handle), 0, SEEK_END) < 0) {
+    if (file.isOpen() && create == Create::Append &&
+        ::lseek(static_cast<int>(file.m_handle), 0, SEEK_END) < 0) {
         file.close();
     }
     return file;
@@ -107,7 +111,8 @@ void FileHandle::startSync(qint64 offset, qint64 n)
 bool FileHandle::sync()
 {
     // Pipes and devices cannot be synced, and need not be.
-    return repeated([&] { return ::fsync(static_cast<int>(m_handle)); }) == 0 || errno == EINVAL || errno == EROFS;
+    return repeated([&] { return ::fsync(static_cast<int>(m_handle)); }) == 0 || errno == EINVAL ||
+           errno == EROFS;
 }
 
 bool FileHandle::close()
@@ -152,8 +157,8 @@ bool syncFile(const QString &name)
 
 bool syncFolder(const QString &folder)
 {
-    const int handle
-        = repeated([&] { return ::open(native(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+    const int handle = repeated(
+        [&] { return ::open(native(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
     if (handle < 0) {
         return false;
     }
@@ -167,7 +172,8 @@ void copyPermissions(const QString &from, const QString &to)
     struct stat facts = {};
     if (::stat(native(from).constData(), &facts) == 0) {
         // The owner is kept where the process may; where not, the copy belongs to who made it.
-        [[maybe_unused]] const int owned = ::chown(native(to).constData(), facts.st_uid, facts.st_gid);
+        [[maybe_unused]] const int owned =
+            ::chown(native(to).constData(), facts.st_uid, facts.st_gid);
         ::chmod(native(to).constData(), facts.st_mode & 07777);
     }
 }
@@ -176,8 +182,9 @@ bool isSameFile(const QString &a, const QString &b)
 {
     struct stat first = {};
     struct stat second = {};
-    return ::stat(native(a).constData(), &first) == 0 && ::stat(native(b).constData(), &second) == 0
-        && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+    return ::stat(native(a).constData(), &first) == 0 &&
+           ::stat(native(b).constData(), &second) == 0 && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
 }
 
 bool isOnNetworkDrive(const QString &name)
@@ -203,8 +210,8 @@ QString localeEncoding()
 {
     // nl_langinfo follows LC_CTYPE, which the application object takes from the environment.
     const QString name = QString::fromLatin1(::nl_langinfo(CODESET));
-    const bool isDefault = name.compare(QLatin1String("UTF-8"), Qt::CaseInsensitive) == 0
-        || name == QLatin1String("ANSI_X3.4-1968");
+    const bool isDefault = name.compare(QLatin1String("UTF-8"), Qt::CaseInsensitive) == 0 ||
+                           name == QLatin1String("ANSI_X3.4-1968");
     return isDefault ? QString() : name;
 }
 

@@ -9,8 +9,8 @@ bool isTerminal(std::FILE *stream);
 /// Columns of the stream's terminal; 80 when they are not known.
 int terminalWidth(std::FILE *stream);
 
-/// Keep standard error for the caller: what libraries print there from now on is dropped. The stream lives as long
-/// as the program; stderr itself when that cannot be done.
+/// Keep standard error for the caller: what libraries print there from now on is dropped. The
+/// stream lives as long as the program; stderr itself when that cannot be done.
 std::FILE *takeErrorStream();
 
 } // namespace corvanta::platform

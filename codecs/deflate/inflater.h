@@ -20,8 +20,8 @@ public:
     struct Step
     {
         State state;
-        /// Bytes taken from the input. At the end it may be down to -7: an engine looks ahead, and what
-        /// is not of the stream counts as never taken, even when an earlier call gave it.
+        /// Bytes taken from the input. At the end it may be down to -7: an engine looks ahead, and
+        /// what is not of the stream counts as never taken, even when an earlier call gave it.
         qint64 consumed;
         size_t produced; ///< bytes put into the output
     };

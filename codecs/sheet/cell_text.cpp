@@ -1,8 +1,9 @@
 #include "codecs/sheet/cell_text.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <cstring>
-#include <emmintrin.h>
 
 namespace corvanta::sheet {
 
@@ -12,14 +13,15 @@ constexpr char kHexDigits[] = "0123456789ABCDEF";
 
 bool isHex(char16_t unit)
 {
-    return (unit >= u'0' && unit <= u'9') || (unit >= u'a' && unit <= u'f') || (unit >= u'A' && unit <= u'F');
+    return (unit >= u'0' && unit <= u'9') || (unit >= u'a' && unit <= u'f') ||
+           (unit >= u'A' && unit <= u'F');
 }
 
 /// Whether the underscore at text[0] starts something that reads as an escape: _xHHHH_.
 bool startsEscape(const char16_t *text, qsizetype n)
 {
-    return n >= 7 && text[1] == u'x' && isHex(text[2]) && isHex(text[3]) && isHex(text[4]) && isHex(text[5])
-        && text[6] == u'_';
+    return n >= 7 && text[1] == u'x' && isHex(text[2]) && isHex(text[3]) && isHex(text[4]) &&
+           isHex(text[5]) && text[6] == u'_';
 }
 
 char *put(char *out, const char *text, size_t n)
@@ -103,7 +105,8 @@ int charsOf(const char *begin, const char *end, int taken)
 
 char *escapeText(const char16_t *text, qsizetype n, char *out)
 {
-    const __m128i controls = _mm_set1_epi16(32); // compared as signed: units from 0x8000 on count as low
+    const __m128i controls =
+        _mm_set1_epi16(32); // compared as signed: units from 0x8000 on count as low
     const __m128i less = _mm_set1_epi16('<');
     const __m128i ampersands = _mm_set1_epi16('&');
     const __m128i underscores = _mm_set1_epi16('_');
@@ -114,8 +117,9 @@ char *escapeText(const char16_t *text, qsizetype n, char *out)
         const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i *>(text + i));
         const __m128i special = _mm_or_si128(
             _mm_or_si128(_mm_cmplt_epi16(units, controls), _mm_cmpgt_epi16(units, highest)),
-            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(units, less), _mm_cmpeq_epi16(units, ampersands)),
-                         _mm_cmpeq_epi16(units, underscores)));
+            _mm_or_si128(
+                _mm_or_si128(_mm_cmpeq_epi16(units, less), _mm_cmpeq_epi16(units, ampersands)),
+                _mm_cmpeq_epi16(units, underscores)));
         _mm_storel_epi64(reinterpret_cast<__m128i *>(out), _mm_packus_epi16(units, units));
         const int mask = _mm_movemask_epi8(special);
         if (mask == 0) {
@@ -199,7 +203,8 @@ DateParser::DateParser(const QString &format, const QLocale &locale, bool monthF
 {
     compile();
     if (!hasTimeZone(format)) {
-        // Without a zone Qt takes local time, where the hours that daylight saving skips are no times.
+        // Without a zone Qt takes local time, where the hours that daylight saving skips are no
+        // times.
         m_format.prepend(QStringLiteral("t|"));
         m_zoneText = QStringLiteral("UTC|");
     }
@@ -213,8 +218,9 @@ void DateParser::compile()
         const char16_t *text;
         Field field;
     };
-    constexpr Known known[] = {{u"yyyy", Field::Year}, {u"MM", Field::Month}, {u"dd", Field::Day},
-                               {u"hh", Field::Hour}, {u"HH", Field::Hour}, {u"mm", Field::Minute},
+    constexpr Known known[] = {{u"yyyy", Field::Year}, {u"MM", Field::Month},
+                               {u"dd", Field::Day},    {u"hh", Field::Hour},
+                               {u"HH", Field::Hour},   {u"mm", Field::Minute},
                                {u"ss", Field::Second}, {u"zzz", Field::Millisecond}};
     constexpr QStringView literals = u"-/.:, T_";
     std::vector<Token> tokens;
@@ -225,8 +231,9 @@ void DateParser::compile()
             ++run;
         }
         const QStringView text = QStringView(m_format).mid(i, run);
-        const auto *const found = std::find_if(std::begin(known), std::end(known),
-                                               [&](const Known &k) { return text == QStringView(k.text); });
+        const auto *const found =
+            std::find_if(std::begin(known), std::end(known),
+                         [&](const Known &k) { return text == QStringView(k.text); });
         if (found != std::end(known)) {
             tokens.push_back({found->field, static_cast<quint8>(run), 0});
         } else if (literals.contains(c)) {
@@ -273,13 +280,15 @@ std::optional<qint64> DateParser::fixedWidthMs(std::u16string_view text) const
         return std::nullopt;
     }
     constexpr qint64 kMsPerDay = 86400000;
-    return (date.toJulianDay() - QDate(1970, 1, 1).toJulianDay()) * kMsPerDay + time.msecsSinceStartOfDay();
+    return (date.toJulianDay() - QDate(1970, 1, 1).toJulianDay()) * kMsPerDay +
+           time.msecsSinceStartOfDay();
 }
 
 std::optional<qint64> DateParser::slowMs(std::u16string_view text)
 {
     constexpr qsizetype kMostKnown = 10000;
-    const QString key(reinterpret_cast<const QChar *>(text.data()), static_cast<qsizetype>(text.size()));
+    const QString key(reinterpret_cast<const QChar *>(text.data()),
+                      static_cast<qsizetype>(text.size()));
     const auto found = m_known.constFind(key);
     if (found != m_known.constEnd()) {
         return *found;

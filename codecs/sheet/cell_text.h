@@ -1,7 +1,8 @@
 // codecs/sheet/cell_text.h
 // Text of worksheet cells: escaping, column letters, hyperlink texts, date serials.
 //
-// Format: ECMA-376 part 1, 18.3.1.4 (c), 18.18.37 (ST_CellRef), 22.9.2.19 (ST_Xstring, the _xHHHH_ form).
+// Format: ECMA-376 part 1, 18.3.1.4 (c), 18.18.37 (ST_CellRef), 22.9.2.19 (ST_Xstring, the _xHHHH_
+// form).
 #pragma once
 #include <QDateTime>
 #include <QHash>
@@ -26,17 +27,18 @@ inline constexpr qsizetype kEscapeSlackBytes = 8;
 /// Texts up to this many units cannot reach kCellCharLimit, whatever they hold.
 inline constexpr qsizetype kShortTextUnits = (kCellCharLimit - 1) / kMaxBytesPerUnit;
 
-/// Escape cell text into UTF-8: "<", "&", control characters as _x00HH_, an underscore that starts such a
-/// form as _x005F_, U+FFFE as "_"; ">" and quotes stay. `out` has room for
-/// n * kMaxBytesPerUnit + kEscapeSlackBytes. Returns the place behind.
+/// Escape cell text into UTF-8: "<", "&", control characters as _x00HH_, an underscore that starts
+/// such a form as _x005F_, U+FFFE as "_"; ">" and quotes stay. `out` has room for n *
+/// kMaxBytesPerUnit + kEscapeSlackBytes. Returns the place behind.
 char *escapeText(const char16_t *text, qsizetype n, char *out);
 
 /// What escapeLongText() does at kCellCharLimit.
 enum class AtLimit { Crop, Warn };
 
-/// escapeText() for any length. From the piece on with which the text reaches kCellCharLimit characters,
-/// Crop ends it and Warn calls `tooLong` for every piece. Ends when it grows beyond `mostChars` characters.
-/// Returns the characters (UTF-16 units of the escaped text); greater than `mostChars` when it ended early.
+/// escapeText() for any length. From the piece on with which the text reaches kCellCharLimit
+/// characters, Crop ends it and Warn calls `tooLong` for every piece. Ends when it grows beyond
+/// `mostChars` characters. Returns the characters (UTF-16 units of the escaped text); greater than
+/// `mostChars` when it ended early.
 qsizetype escapeLongText(const char16_t *text, qsizetype n, AtLimit atLimit, qsizetype mostChars,
                          const std::function<void()> &tooLong, std::vector<char> *out);
 
@@ -54,8 +56,8 @@ std::optional<LinkText> parseLink(std::u16string_view text);
 
 /// Turns date texts into serial numbers (days since 1899-12-30, with fraction).
 ///
-/// Formats of fixed-width numbers are parsed here; all others by Qt, whose answers are remembered because
-/// tables repeat their dates. Threads: one at a time.
+/// Formats of fixed-width numbers are parsed here; all others by Qt, whose answers are remembered
+/// because tables repeat their dates. Threads: one at a time.
 class DateParser
 {
 public:

@@ -14,23 +14,26 @@ namespace {
 
 constexpr char kContentTypes[] = XML_DECLARATION
     "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
-    "<Default Extension=\"rels\" ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/>"
+    "<Default Extension=\"rels\" "
+    "ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/>"
     "<Default Extension=\"xml\" ContentType=\"application/xml\"/>"
     "<Override PartName=\"/xl/workbook.xml\" ContentType=\"" SHEET_TYPES "sheet.main+xml\"/>"
-    "<Override PartName=\"/xl/worksheets/sheet1.xml\" ContentType=\"" SHEET_TYPES "worksheet+xml\"/>"
+    "<Override PartName=\"/xl/worksheets/sheet1.xml\" ContentType=\"" SHEET_TYPES
+    "worksheet+xml\"/>"
     "<Override PartName=\"/xl/styles.xml\" ContentType=\"" SHEET_TYPES "styles+xml\"/>"
     "</Types>";
 
-constexpr char kPackageRels[] = XML_DECLARATION
-    "<Relationships xmlns=\"" PACKAGE_RELS "\">"
-    "<Relationship Id=\"rId1\" Type=\"" OFFICE_RELS "/officeDocument\" Target=\"xl/workbook.xml\"/>"
-    "</Relationships>";
+constexpr char kPackageRels[] = XML_DECLARATION "<Relationships xmlns=\"" PACKAGE_RELS "\">"
+                                                "<Relationship Id=\"rId1\" Type=\"" OFFICE_RELS
+                                                "/officeDocument\" Target=\"xl/workbook.xml\"/>"
+                                                "</Relationships>";
 
-constexpr char kWorkbookRels[] = XML_DECLARATION
-    "<Relationships xmlns=\"" PACKAGE_RELS "\">"
-    "<Relationship Id=\"rId2\" Type=\"" OFFICE_RELS "/styles\" Target=\"styles.xml\"/>"
-    "<Relationship Id=\"rId1\" Type=\"" OFFICE_RELS "/worksheet\" Target=\"worksheets/sheet1.xml\"/>"
-    "</Relationships>";
+constexpr char kWorkbookRels[] = XML_DECLARATION "<Relationships xmlns=\"" PACKAGE_RELS "\">"
+                                                 "<Relationship Id=\"rId2\" Type=\"" OFFICE_RELS
+                                                 "/styles\" Target=\"styles.xml\"/>"
+                                                 "<Relationship Id=\"rId1\" Type=\"" OFFICE_RELS
+                                                 "/worksheet\" Target=\"worksheets/sheet1.xml\"/>"
+                                                 "</Relationships>";
 
 constexpr char kStylesHead[] = XML_DECLARATION
     "<styleSheet xmlns=\"" MAIN_NS "\">"
@@ -41,12 +44,14 @@ constexpr char kStylesHead[] = XML_DECLARATION
     "</numFmts>"
     "<fonts count=\"2\">"
     "<font><sz val=\"11\"/><name val=\"Calibri\"/><family val=\"2\"/><scheme val=\"minor\"/></font>"
-    "<font><u/><sz val=\"11\"/><color theme=\"10\"/><name val=\"Calibri\"/><family val=\"2\"/><scheme val=\"minor\"/></font>"
+    "<font><u/><sz val=\"11\"/><color theme=\"10\"/><name val=\"Calibri\"/><family "
+    "val=\"2\"/><scheme val=\"minor\"/></font>"
     "</fonts>"
     "<fills count=\"2\"><fill><patternFill patternType=\"none\"/></fill>"
     "<fill><patternFill patternType=\"gray125\"/></fill></fills>"
     "<borders count=\"1\"><border><left/><right/><top/><bottom/><diagonal/></border></borders>"
-    "<cellStyleXfs count=\"1\"><xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" borderId=\"0\"/></cellStyleXfs>"
+    "<cellStyleXfs count=\"1\"><xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" "
+    "borderId=\"0\"/></cellStyleXfs>"
     "<cellXfs count=\"3\">"
     "<xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" borderId=\"0\" xfId=\"0\"/>"
     "<xf numFmtId=\"";
@@ -56,7 +61,8 @@ constexpr char kStylesTail[] =
     "</cellXfs>"
     "<cellStyles count=\"1\"><cellStyle name=\"Normal\" xfId=\"0\" builtinId=\"0\"/></cellStyles>"
     "<dxfs count=\"0\"/>"
-    "<tableStyles count=\"0\" defaultTableStyle=\"TableStyleMedium2\" defaultPivotStyle=\"PivotStyleMedium9\"/>"
+    "<tableStyles count=\"0\" defaultTableStyle=\"TableStyleMedium2\" "
+    "defaultPivotStyle=\"PivotStyleMedium9\"/>"
     "</styleSheet>";
 
 QByteArray escapeXml(const QString &text)
@@ -78,8 +84,9 @@ QList<FixedMember> leadingMembers(int dateFormat)
     return {{"[Content_Types].xml", kContentTypes},
             {"_rels/.rels", kPackageRels},
             {"xl/_rels/workbook.xml.rels", kWorkbookRels},
-            {"xl/styles.xml",
-             QByteArray(kStylesHead) + QByteArray::number(dateNumFmtId(dateFormat, kFirstOwnFormat)) + kStylesTail}};
+            {"xl/styles.xml", QByteArray(kStylesHead) +
+                                  QByteArray::number(dateNumFmtId(dateFormat, kFirstOwnFormat)) +
+                                  kStylesTail}};
 }
 
 QByteArray sheetHead()
@@ -95,7 +102,8 @@ QByteArray sheetEndOfRows()
 
 QByteArray sheetTail()
 {
-    return "<pageMargins left=\"0.7\" right=\"0.7\" top=\"0.75\" bottom=\"0.75\" header=\"0.3\" footer=\"0.3\"/></worksheet>";
+    return "<pageMargins left=\"0.7\" right=\"0.7\" top=\"0.75\" bottom=\"0.75\" header=\"0.3\" "
+           "footer=\"0.3\"/></worksheet>";
 }
 
 QString rangeReference(const NamedRange &range)
@@ -104,14 +112,14 @@ QString rangeReference(const NamedRange &range)
     QString sheetName = range.sheetName;
     sheetName.replace(u'\'', QStringLiteral("''"));
     return QStringLiteral("'%1'!$A$%2:$%3$%4")
-        .arg(sheetName, QString::number(range.firstRow), QString::fromLatin1(columnLetters(range.lastColumn)),
-             QString::number(range.lastRow));
+        .arg(sheetName, QString::number(range.firstRow),
+             QString::fromLatin1(columnLetters(range.lastColumn)), QString::number(range.lastRow));
 }
 
 QByteArray definedName(const NamedRange &range)
 {
-    return "<definedName name=\"" + escapeXml(range.name).replace("\"", "&quot;") + "\">"
-        + escapeXml(rangeReference(range)) + "</definedName>";
+    return "<definedName name=\"" + escapeXml(range.name).replace("\"", "&quot;") + "\">" +
+           escapeXml(rangeReference(range)) + "</definedName>";
 }
 
 QByteArray escapeSheetName(const QString &name)
@@ -125,7 +133,8 @@ QByteArray workbook(const QString &sheetName, const QByteArray &definedNames)
     QByteArray xml = XML_DECLARATION
         "<workbook xmlns=\"" MAIN_NS "\" xmlns:r=\"" OFFICE_RELS "\">"
         "<fileVersion appName=\"xl\" lastEdited=\"4\" lowestEdited=\"4\" rupBuild=\"4506\"/>"
-        "<bookViews><workbookView xWindow=\"420\" yWindow=\"792\" windowWidth=\"22428\" windowHeight=\"8676\"/></bookViews>"
+        "<bookViews><workbookView xWindow=\"420\" yWindow=\"792\" windowWidth=\"22428\" "
+        "windowHeight=\"8676\"/></bookViews>"
         "<sheets><sheet name=\"";
     xml += escapeSheetName(sheetName) + "\" sheetId=\"1\" r:id=\"rId1\"/></sheets>";
     if (!definedNames.isEmpty()) {

@@ -18,10 +18,12 @@ struct FixedMember
     QByteArray content;
 };
 
-/// numFmtId of the date display formats 0 to 11; formats 0 to 2 are `ownBase` + format (a format of ours).
+/// numFmtId of the date display formats 0 to 11; formats 0 to 2 are `ownBase` + format (a format of
+/// ours).
 int dateNumFmtId(int dateFormat, int ownBase);
 
-/// Members in front of the sheet, in writing order. `dateFormat` (0 to 11) is how date cells are shown.
+/// Members in front of the sheet, in writing order. `dateFormat` (0 to 11) is how date cells are
+/// shown.
 QList<FixedMember> leadingMembers(int dateFormat);
 
 inline constexpr char kSheetMember[] = "xl/worksheets/sheet1.xml";

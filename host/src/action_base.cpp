@@ -76,7 +76,8 @@ CappedLog::CappedLog(MainUI::LogLevel level, int most, QString closingLine)
     : m_level(level)
     , m_most(most)
     , m_closingLine(std::move(closingLine))
-{}
+{
+}
 
 void CappedLog::add(const QString &text)
 {
@@ -90,7 +91,8 @@ void CappedLog::add(const QString &text)
     ++m_count;
 }
 
-ActionBase::ActionBase(const ActionDescription &description, XMLNode saved, GlobalParameters *parameters)
+ActionBase::ActionBase(const ActionDescription &description, XMLNode saved,
+                       GlobalParameters *parameters)
     : ActionItem(std::move(saved), parameters)
     , m_description(description)
 {
@@ -137,7 +139,8 @@ template <class F> void ActionBase::guarded(F &&work) noexcept
     } catch (const std::bad_alloc &) {
         fail(u"Error: '%1': not enough memory\n"_s.arg(QLatin1StringView(m_description.typeName)));
     } catch (const std::exception &error) {
-        fail(u"Error: '%1': %2\n"_s.arg(QLatin1StringView(m_description.typeName), QString::fromUtf8(error.what())));
+        fail(u"Error: '%1': %2\n"_s.arg(QLatin1StringView(m_description.typeName),
+                                        QString::fromUtf8(error.what())));
     } catch (...) {
         fail(u"Error: '%1': unknown failure\n"_s.arg(QLatin1StringView(m_description.typeName)));
     }

@@ -22,7 +22,8 @@ double versionOf(const XMLNode &saved, const GlobalParameters *parameters)
 ActionItem::ActionItem(XMLNode saved, GlobalParameters *parameters)
     : m_globalParameters(parameters)
     , m_savedVersion(versionOf(saved, parameters))
-{}
+{
+}
 
 ActionItem::~ActionItem() = default;
 
@@ -66,7 +67,9 @@ ActionItem *ActionItem::clone(GlobalParameters *parameters)
     std::wostringstream out;
     save(out, QString::fromLatin1(getTypeName()));
     XMLNode::Error error;
-    return newInstance(new XMLNode(XMLNode::parse(QString::fromStdWString(out.str()).toUtf8(), &error)), parameters);
+    return newInstance(
+        new XMLNode(XMLNode::parse(QString::fromStdWString(out.str()).toUtf8(), &error)),
+        parameters);
 }
 
 char ActionItem::init()
@@ -160,7 +163,8 @@ QString ActionItem::expandString(const QString &text) const
 
 QString ActionItem::expandOutputFile(const QString &name, const QString &part) const
 {
-    QString expanded = m_globalParameters != nullptr ? m_globalParameters->expandOutputFile(name) : name;
+    QString expanded =
+        m_globalParameters != nullptr ? m_globalParameters->expandOutputFile(name) : name;
     if (part.isNull()) {
         return expanded;
     }

@@ -18,7 +18,8 @@ ActionRegistry::~ActionRegistry() = default;
 QString ActionRegistry::defaultFolder()
 {
     const QString given = qEnvironmentVariable("CORVANTA_PLUGIN_PATH");
-    return given.isEmpty() ? QCoreApplication::applicationDirPath() + "/../lib/corvanta/plugins"_L1 : given;
+    return given.isEmpty() ? QCoreApplication::applicationDirPath() + "/../lib/corvanta/plugins"_L1
+                           : given;
 }
 
 void ActionRegistry::loadAll()
@@ -67,11 +68,12 @@ ActionItem *ActionRegistry::prototype(const QString &typeName) const
     return nullptr;
 }
 
-std::unique_ptr<ActionItem> ActionRegistry::create(const XMLNode &parameters, GlobalParameters *global) const
+std::unique_ptr<ActionItem> ActionRegistry::create(const XMLNode &parameters,
+                                                   GlobalParameters *global) const
 {
     ActionItem *const type = prototype(parameters.getName());
-    return std::unique_ptr<ActionItem>(type == nullptr ? nullptr
-                                                       : type->newInstance(new XMLNode(parameters), global));
+    return std::unique_ptr<ActionItem>(
+        type == nullptr ? nullptr : type->newInstance(new XMLNode(parameters), global));
 }
 
 } // namespace corvanta

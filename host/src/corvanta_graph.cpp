@@ -24,7 +24,8 @@ public:
     ProblemList(QString file, QVector<CorvantaGraph::Problem> *problems)
         : m_file(std::move(file))
         , m_problems(problems)
-    {}
+    {
+    }
     void add(qint64 line, const QString &text) const
     {
         const QString place = line > 0 ? m_file + u':' + QString::number(line) : m_file;
@@ -50,8 +51,10 @@ void readAction(const XMLNode &node, CorvantaGraph *graph, const ProblemList &pr
         problems.add(node.line(), u"the id '%1' is used by two actions"_s.arg(action.id));
     }
     if (node.nChildNode() != 1) {
-        problems.add(node.line(),
-                     u"the action '%1' must have one element with its parameters, named after its type"_s.arg(action.id));
+        problems.add(
+            node.line(),
+            u"the action '%1' must have one element with its parameters, named after its type"_s
+                .arg(action.id));
         return;
     }
     action.parameters = node.getChildNode(0);
@@ -66,7 +69,8 @@ void readLink(const XMLNode &node, CorvantaGraph *graph, const ProblemList &prob
     for (const auto &[name, pin] : {std::pair("from", &link.from), std::pair("to", &link.to)}) {
         const QString text = xmltoa(node.getAttribute(name), QString());
         if (!CorvantaGraph::parsePin(text, pin)) {
-            problems.add(node.line(), u"a link has no '%1' of the form ID:PIN"_s.arg(QLatin1StringView(name)));
+            problems.add(node.line(),
+                         u"a link has no '%1' of the form ID:PIN"_s.arg(QLatin1StringView(name)));
             ok = false;
         }
     }
@@ -108,7 +112,8 @@ void writeNode(const XMLNode &node, int depth, std::wostream &out)
     const std::wstring name = node.getName().toStdWString();
     out << L'<' << name;
     for (const QString &attribute : node.attributeNames()) {
-        const QString value = QString::fromUtf16(node.getAttribute(attribute.toLatin1().constData()));
+        const QString value =
+            QString::fromUtf16(node.getAttribute(attribute.toLatin1().constData()));
         out << L' ' << attribute.toStdWString() << L"='" << tool.toXML(value) << L'\'';
     }
     const int children = node.nChildNode();
@@ -150,7 +155,8 @@ bool CorvantaGraph::parsePin(const QString &text, Pin *pin)
     const qsizetype colon = text.lastIndexOf(u':');
     quint64 number = 0;
     const QString digits = text.mid(colon + 1);
-    if (colon <= 0 || !corvanta::parseUInt(std::u16string_view(digits.toStdU16String()), kMostPins, &number)) {
+    if (colon <= 0 ||
+        !corvanta::parseUInt(std::u16string_view(digits.toStdU16String()), kMostPins, &number)) {
         return false;
     }
     *pin = {text.left(colon), static_cast<int>(number)};
@@ -171,7 +177,8 @@ CorvantaGraph CorvantaGraph::load(const QString &fileName, QVector<Problem> *pro
     return parse(file.readAll(), fileName, problems);
 }
 
-CorvantaGraph CorvantaGraph::parse(const QByteArray &document, const QString &fileName, QVector<Problem> *problems)
+CorvantaGraph CorvantaGraph::parse(const QByteArray &document, const QString &fileName,
+                                   QVector<Problem> *problems)
 {
     const ProblemList list(fileName, problems);
     CorvantaGraph graph;
@@ -179,7 +186,8 @@ CorvantaGraph CorvantaGraph::parse(const QByteArray &document, const QString &fi
     XMLNode::Error error;
     const XMLNode root = XMLNode::parse(document, &error);
     if (root.isEmpty()) {
-        list.add(error.line, u"not well-formed XML (column %1): %2"_s.arg(QString::number(error.column), error.message));
+        list.add(error.line, u"not well-formed XML (column %1): %2"_s.arg(
+                                 QString::number(error.column), error.message));
         return graph;
     }
     if (root.getName() != "graph"_L1) {
@@ -209,7 +217,9 @@ QByteArray CorvantaGraph::toXml() const
     std::wostringstream out;
     out << L"<graph";
     if (version >= 0) {
-        out << L" version='" << QString::number(version, 'g', QLocale::FloatingPointShortest).toStdWString() << L'\'';
+        out << L" version='"
+            << QString::number(version, 'g', QLocale::FloatingPointShortest).toStdWString()
+            << L'\'';
     }
     out << L">\n";
     for (auto it = variables.begin(); it != variables.end(); ++it) {
@@ -240,23 +250,26 @@ QByteArray CorvantaGraph::toXml() const
 
 namespace {
 
-void checkTypes(const CorvantaGraph &graph, const ActionRegistry &registry, const ProblemList &problems)
+void checkTypes(const CorvantaGraph &graph, const ActionRegistry &registry,
+                const ProblemList &problems)
 {
     for (const CorvantaGraph::Action &action : graph.actions) {
         if (registry.prototype(action.parameters.getName()) == nullptr) {
             problems.add(action.parameters.line(),
-                         u"the action '%1' has the unknown type '%2'"_s.arg(action.id, action.parameters.getName()));
+                         u"the action '%1' has the unknown type '%2'"_s.arg(
+                             action.id, action.parameters.getName()));
         }
     }
 }
 
-void checkLinkEnd(const CorvantaGraph &graph, const ActionRegistry &registry, const CorvantaGraph::Link &link,
-                  bool isInput, const ProblemList &problems)
+void checkLinkEnd(const CorvantaGraph &graph, const ActionRegistry &registry,
+                  const CorvantaGraph::Link &link, bool isInput, const ProblemList &problems)
 {
     const CorvantaGraph::Pin &end = isInput ? link.to : link.from;
     const int index = graph.indexOf(end.action);
     if (index < 0) {
-        problems.add(link.line, u"a link names the action '%1', which is not there"_s.arg(end.action));
+        problems.add(link.line,
+                     u"a link names the action '%1', which is not there"_s.arg(end.action));
         return;
     }
     const ActionItem *type = registry.prototype(graph.actions[index].parameters.getName());
@@ -271,7 +284,8 @@ void checkLinkEnd(const CorvantaGraph &graph, const ActionRegistry &registry, co
     }
 }
 
-void checkLinks(const CorvantaGraph &graph, const ActionRegistry &registry, const ProblemList &problems)
+void checkLinks(const CorvantaGraph &graph, const ActionRegistry &registry,
+                const ProblemList &problems)
 {
     QSet<QString> taken;
     for (const CorvantaGraph::Link &link : graph.links) {
@@ -285,7 +299,8 @@ void checkLinks(const CorvantaGraph &graph, const ActionRegistry &registry, cons
     }
 }
 
-/// Takes away actions without open inputs until none is left; what remains is part of a loop or behind one.
+/// Takes away actions without open inputs until none is left; what remains is part of a loop or
+/// behind one.
 void checkLoops(const CorvantaGraph &graph, const ProblemList &problems)
 {
     QVector<int> inputs(graph.actions.size(), 0);
@@ -319,7 +334,8 @@ void checkLoops(const CorvantaGraph &graph, const ProblemList &problems)
         }
     }
     const int line = graph.actions[graph.indexOf(stuck.first())].line;
-    problems.add(line, u"the links form a loop (actions in it or behind it: %1)"_s.arg(stuck.join(", "_L1)));
+    problems.add(
+        line, u"the links form a loop (actions in it or behind it: %1)"_s.arg(stuck.join(", "_L1)));
 }
 
 } // namespace
@@ -344,7 +360,8 @@ QVector<CorvantaGraph::Problem> CorvantaGraph::validate(const ActionRegistry &re
             QStringList unknown;
             global.expandString(text, &unknown);
             for (const QString &name : unknown) {
-                problems.add(line, u"the action '%1' uses the unknown variable '${%2}'"_s.arg(action.id, name));
+                problems.add(line, u"the action '%1' uses the unknown variable '${%2}'"_s.arg(
+                                       action.id, name));
             }
         });
     }

@@ -37,8 +37,10 @@ CorvantaGraph upTo(const CorvantaGraph &graph, const QString &id)
         }
     }
     CorvantaGraph part = graph;
-    part.actions.removeIf([&](const CorvantaGraph::Action &action) { return !needed.contains(action.id); });
-    part.links.removeIf([&](const CorvantaGraph::Link &link) { return !needed.contains(link.to.action); });
+    part.actions.removeIf(
+        [&](const CorvantaGraph::Action &action) { return !needed.contains(action.id); });
+    part.links.removeIf(
+        [&](const CorvantaGraph::Link &link) { return !needed.contains(link.to.action); });
     return part;
 }
 
@@ -55,16 +57,17 @@ bool EngineRunner::run(int pin, ActionItem *action, PinType type, bool wholeTabl
     return run(*graph, registry, graph->actions[action->getIdx()].id, pin, type, wholeTable);
 }
 
-bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registry, const QString &id, int pin,
-                       PinType type, bool wholeTable)
+bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registry,
+                       const QString &id, int pin, PinType type, bool wholeTable)
 {
     m_columns = {};
     m_rows.clear();
     CorvantaGraph::Pin source{id, pin};
     if (type == PinIn) {
-        const auto link = std::find_if(graph.links.begin(), graph.links.end(), [&](const CorvantaGraph::Link &l) {
-            return l.to.action == id && l.to.pin == pin;
-        });
+        const auto link =
+            std::find_if(graph.links.begin(), graph.links.end(), [&](const CorvantaGraph::Link &l) {
+                return l.to.action == id && l.to.pin == pin;
+            });
         if (link == graph.links.end()) {
             return false;
         }

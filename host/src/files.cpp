@@ -1,8 +1,7 @@
 #include "corvanta/files.h"
 
-#include "unsynced_names.h"
-
 #include "base/platform/files.h"
+#include "unsynced_names.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -24,7 +23,8 @@ class DiskReadFile final : public MyReadFile
 public:
     explicit DiskReadFile(FileHandle file)
         : m_file(std::move(file))
-    {}
+    {
+    }
     qint64 read(void *buffer, qint64 n) override
     {
         const qint64 got = m_file.read(buffer, n);
@@ -55,7 +55,8 @@ public:
     DiskWriteFile(FileHandle file, qint64 position)
         : m_file(std::move(file))
         , m_position(position)
-    {}
+    {
+    }
     bool write(const void *bytes, qint64 n) override
     {
         const qint64 begin = m_position;
@@ -114,7 +115,8 @@ SystemEncoding &systemEncoding()
 
 } // namespace
 
-MyReadFile *MyReadFile::newMyReadFile(GlobalParameters *, const QString &name, bool sequential, bool)
+MyReadFile *MyReadFile::newMyReadFile(GlobalParameters *, const QString &name, bool sequential,
+                                      bool)
 {
     FileHandle file = FileHandle::openForRead(name, sequential);
     return file.isOpen() ? new DiskReadFile(std::move(file)) : nullptr;
@@ -123,7 +125,8 @@ MyReadFile *MyReadFile::newMyReadFile(GlobalParameters *, const QString &name, b
 MyReadFileCached::MyReadFileCached(MyReadFile *file, int cacheBytes)
     : m_file(file)
     , m_cache(static_cast<size_t>(qMax(cacheBytes, 1)))
-{}
+{
+}
 
 qint64 MyReadFileCached::size()
 {
@@ -147,7 +150,8 @@ qint64 MyReadFileCached::read(void *buffer, qint64 n)
             return -1;
         }
         m_cacheStart = m_position;
-        m_cacheFill = corvanta::readFully(*m_file, m_cache.data(), static_cast<qint64>(m_cache.size()));
+        m_cacheFill =
+            corvanta::readFully(*m_file, m_cache.data(), static_cast<qint64>(m_cache.size()));
         if (m_cacheFill <= 0) {
             const qint64 result = m_cacheFill;
             m_cacheFill = 0;
@@ -170,7 +174,7 @@ std::unique_ptr<MyWriteFile> MyWriteFile::open(const QString &name, Existing exi
 {
     using Create = FileHandle::Create;
     const Create create = existing == Existing::Truncate ? Create::Truncate
-        : existing == Existing::Append                   ? Create::Append
+                          : existing == Existing::Append ? Create::Append
                                                          : Create::Exclusive;
     FileHandle file = FileHandle::openForWrite(name, create);
     if (!file.isOpen()) {
@@ -182,7 +186,8 @@ std::unique_ptr<MyWriteFile> MyWriteFile::open(const QString &name, Existing exi
 
 KobiFileInfo::KobiFileInfo(GlobalParameters *, const QString &name)
     : m_name(name)
-{}
+{
+}
 
 bool KobiFileInfo::exists() const
 {
@@ -219,7 +224,8 @@ void listFiles(const QString &pattern, QStringList *names)
             QRegularExpression::anchoredPattern(QRegularExpression::wildcardToRegularExpression(
                 QString(last).replace(u'[', "[[]"_L1))),
             QRegularExpression::NoPatternOption);
-        for (const QString &entry : QDir(info.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
+        for (const QString &entry :
+             QDir(info.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
             if (wanted.match(entry).hasMatch()) {
                 *names << info.path() + u'/' + entry;
             }

@@ -24,7 +24,8 @@ GlobalParameters::GlobalParameters()
     : m_graphDir(QDir::currentPath())
     , m_workingDir(QStandardPaths::writableLocation(QStandardPaths::TempLocation) + "/corvanta"_L1)
     , m_graphVersion(std::numeric_limits<double>::infinity())
-{}
+{
+}
 
 void GlobalParameters::setGraphDir(const QString &dir)
 {

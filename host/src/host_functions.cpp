@@ -46,7 +46,8 @@ QPixmap signIcon(bool plus)
 UpdateClassWidget::UpdateClassWidget(QWidget *parent, ActionItem *action)
     : QWidget(parent)
     , m_action(action)
-{}
+{
+}
 
 void openHelp(const QString &id, const QString &anchor)
 {
@@ -122,7 +123,8 @@ void sortIntInt(int *keys, int *values, int from, int to)
     for (int i = from; i <= to; ++i) {
         pairs.emplace_back(keys[i], values[i]);
     }
-    std::stable_sort(pairs.begin(), pairs.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
+    std::stable_sort(pairs.begin(), pairs.end(),
+                     [](const auto &a, const auto &b) { return a.first < b.first; });
     for (int i = from; i <= to; ++i) {
         std::tie(keys[i], values[i]) = pairs[static_cast<size_t>(i - from)];
     }
@@ -131,17 +133,20 @@ void sortIntInt(int *keys, int *values, int from, int to)
 int memConsumptionInByte(int percent)
 {
     constexpr qint64 budget = qint64(1) << 30;
-    return static_cast<int>(qMin<qint64>(budget / 100 * qMax(percent, 0), std::numeric_limits<int>::max()));
+    return static_cast<int>(
+        qMin<qint64>(budget / 100 * qMax(percent, 0), std::numeric_limits<int>::max()));
 }
 
-char doCheckNameCollision(const OneRow *row, bool check, ActionItem *action, const QVector<int> &columns,
-                          const QString &what)
+char doCheckNameCollision(const OneRow *row, bool check, ActionItem *action,
+                          const QVector<int> &columns, const QString &what)
 {
     QSet<QString> seen;
     for (const int column : columns) {
         const QString name = row->colName(column);
         if (check && seen.contains(name)) {
-            MainUI::addLog(MainUI::Error, u"Error: cannot write '%1': two columns are named '%2'\n"_s.arg(what, name));
+            MainUI::addLog(
+                MainUI::Error,
+                u"Error: cannot write '%1': two columns are named '%2'\n"_s.arg(what, name));
             action->m_control->runStatus = RunControl::Failed;
             action->m_errorFlag = 1;
             return 1;
@@ -151,12 +156,14 @@ char doCheckNameCollision(const OneRow *row, bool check, ActionItem *action, con
     return 0;
 }
 
-QString tGetOpenFileName(QWidget *parent, const QString &title, const QString &start, const QString &filter)
+QString tGetOpenFileName(QWidget *parent, const QString &title, const QString &start,
+                         const QString &filter)
 {
     return QFileDialog::getOpenFileName(parent, title, start, filter);
 }
 
-QString tGetSaveFileName(QWidget *parent, const QString &title, const QString &start, const QString &filter)
+QString tGetSaveFileName(QWidget *parent, const QString &title, const QString &start,
+                         const QString &filter)
 {
     return QFileDialog::getSaveFileName(parent, title, start, filter);
 }
@@ -164,7 +171,8 @@ QString tGetSaveFileName(QWidget *parent, const QString &title, const QString &s
 QString browseArchive(QWidget *parent, const QString &name)
 {
     bool ok = false;
-    const QString member = QInputDialog::getText(parent, u"Archive member"_s, u"Name of the member inside %1"_s.arg(name),
+    const QString member = QInputDialog::getText(parent, u"Archive member"_s,
+                                                 u"Name of the member inside %1"_s.arg(name),
                                                  QLineEdit::Normal, QString(), &ok);
     return ok && !member.isEmpty() ? name + u'@' + member : QString();
 }

@@ -156,8 +156,8 @@ double MainUI::pixelSize()
 {
     const auto *const application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
     return application != nullptr && QGuiApplication::primaryScreen() != nullptr
-        ? QGuiApplication::primaryScreen()->devicePixelRatio()
-        : 1.0;
+               ? QGuiApplication::primaryScreen()->devicePixelRatio()
+               : 1.0;
 }
 
 quint64 MainUI::getNearUniqueRandomID()

@@ -26,7 +26,8 @@ const std::shared_ptr<const TableSchema> &noColumns()
 
 OneRow::OneRow()
     : m_schema(noColumns())
-{}
+{
+}
 
 int OneRow::numberText(int i, const unsigned short **out) const
 {
@@ -58,7 +59,8 @@ QString OneRow::col(int i, unsigned short *) const
 {
     const unsigned short *units = nullptr;
     const int n = col(i, &units);
-    return units == nullptr ? QString() : QString::fromUtf16(reinterpret_cast<const char16_t *>(units), n);
+    return units == nullptr ? QString()
+                            : QString::fromUtf16(reinterpret_cast<const char16_t *>(units), n);
 }
 
 double OneRow::colAsDouble(int i, bool *ok) const
@@ -91,15 +93,16 @@ unsigned int OneRow::colAsKey(int i, bool *ok) const
         break;
     case MetaInfo::Float: {
         const auto value = loadNative<double>(m_cells[i]);
-        const bool whole = value >= 0 && value <= std::numeric_limits<quint32>::max()
-            && value == static_cast<double>(static_cast<quint32>(value));
+        const bool whole = value >= 0 && value <= std::numeric_limits<quint32>::max() &&
+                           value == static_cast<double>(static_cast<quint32>(value));
         key = whole ? static_cast<quint32>(value) : key;
         setOk(ok, whole);
         break;
     }
     case MetaInfo::Unknown: {
         quint64 value = key;
-        setOk(ok, parseUInt(cell::readText(m_cells[i]).view(), std::numeric_limits<quint32>::max(), &value));
+        setOk(ok, parseUInt(cell::readText(m_cells[i]).view(), std::numeric_limits<quint32>::max(),
+                            &value));
         key = static_cast<quint32>(value);
         break;
     }

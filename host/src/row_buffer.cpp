@@ -11,7 +11,8 @@ constexpr long long kSmallestBlock = 4096;
 
 RowBuffer::RowBuffer(int capacity)
     : m_capacity(std::max<long long>(capacity, kSmallestBlock))
-{}
+{
+}
 
 RowBuffer::~RowBuffer() = default;
 
@@ -113,8 +114,9 @@ namespace corvanta {
 
 const uchar *textCellFromUtf8(RowBuffer *buffer, const char *utf8, qsizetype n)
 {
-    // The length code comes first and its size hangs on the units, which are at most `n`: take the room
-    // for `n`, convert behind the longest code needed, and move only when the code turns out shorter.
+    // The length code comes first and its size hangs on the units, which are at most `n`: take the
+    // room for `n`, convert behind the longest code needed, and move only when the code turns out
+    // shorter.
     const int lengthBytes = cell::lengthBytes(cell::codeOfText(n));
     uchar *const bytes = buffer->alloc(static_cast<int>(lengthBytes + n * 2));
     auto *const units = reinterpret_cast<char16_t *>(bytes + lengthBytes);

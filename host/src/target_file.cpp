@@ -23,8 +23,11 @@ bool TargetFile::open(const QString &name, int action)
         return false; // the folder would let it be replaced, but its owner has said no
     }
     // Links are followed: what they lead to is replaced, not a link.
-    m_name = !info.isSymLink() ? name : info.exists() ? info.canonicalFilePath() : info.symLinkTarget();
-    m_temporary = m_name + u"_tmp_%1_%2"_s.arg(QString::number(action), QString::number(MainUI::getNearUniqueRandomID()));
+    m_name = !info.isSymLink() ? name
+             : info.exists()   ? info.canonicalFilePath()
+                               : info.symLinkTarget();
+    m_temporary = m_name + u"_tmp_%1_%2"_s.arg(QString::number(action),
+                                               QString::number(MainUI::getNearUniqueRandomID()));
     m_file = MyWriteFile::open(m_temporary, MyWriteFile::Existing::Refuse);
     return isOpen();
 }

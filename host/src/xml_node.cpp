@@ -31,13 +31,15 @@ const char16_t *units(const QString &text)
 
 } // namespace
 
-/// Builds the tree with a stack of its own, so that the document does not decide the depth of calls.
+/// Builds the tree with a stack of its own, so that the document does not decide the depth of
+/// calls.
 class XMLNodeBuilder
 {
 public:
     explicit XMLNodeBuilder(const QByteArray &document)
         : m_reader(document)
-    {}
+    {
+    }
 
     XMLNode build(XMLNode::Error *error)
     {
@@ -79,7 +81,8 @@ private:
         node->name = m_reader.qualifiedName().toString();
         node->line = static_cast<int>(m_reader.lineNumber());
         for (const QXmlStreamAttribute &attribute : m_reader.attributes()) {
-            node->attributes.append({attribute.qualifiedName().toString(), attribute.value().toString()});
+            node->attributes.append(
+                {attribute.qualifiedName().toString(), attribute.value().toString()});
         }
         m_open.push_back(std::move(node));
         m_continueText = false;
@@ -210,8 +213,10 @@ long long xmltol(const char16_t *text, long long defaultValue)
     long long value = 0;
     for (; *text >= u'0' && *text <= u'9'; ++text) {
         const long long digit = negative ? -(*text - u'0') : *text - u'0';
-        if (__builtin_mul_overflow(value, 10LL, &value) || __builtin_add_overflow(value, digit, &value)) {
-            return negative ? std::numeric_limits<long long>::min() : std::numeric_limits<long long>::max();
+        if (__builtin_mul_overflow(value, 10LL, &value) ||
+            __builtin_add_overflow(value, digit, &value)) {
+            return negative ? std::numeric_limits<long long>::min()
+                            : std::numeric_limits<long long>::max();
         }
     }
     return value;

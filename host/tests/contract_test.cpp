@@ -85,7 +85,8 @@ TEST(XmlNode, HostileValuesSurviveSavingAndDeepDocumentsAreRefused)
     const QString hostile = u"a'b\"c<d>e&f\ng\rh\ti ${x} é😀"_s;
     ToXMLStringTool tool;
     XMLNode::Error error;
-    const QByteArray document = "<a v='" + QString::fromWCharArray(tool.toXML(hostile)).toUtf8() + "'><s>  x </s></a>";
+    const QByteArray document =
+        "<a v='" + QString::fromWCharArray(tool.toXML(hostile)).toUtf8() + "'><s>  x </s></a>";
     const XMLNode node = XMLNode::parse(document, &error);
     EXPECT_EQ(xmltoa(node.getAttribute("v"), QString()), hostile);
     EXPECT_EQ(fromXMLSL(node), QStringList{u"  x "_s});
@@ -102,7 +103,8 @@ TEST(GlobalParameters, NamesAndVariables)
     global.setOutDir(u"/o"_s);
     global.setVariable(u"v"_s, u"${graphDir}"_s);
     QStringList unknown;
-    EXPECT_EQ(global.expandString(u"${v} ${nope} ${ $x"_s, &unknown), u"${graphDir} ${nope} ${ $x"_s);
+    EXPECT_EQ(global.expandString(u"${v} ${nope} ${ $x"_s, &unknown),
+              u"${graphDir} ${nope} ${ $x"_s);
     EXPECT_EQ(unknown, QStringList{u"nope"_s});
     EXPECT_EQ(global.expandFile(u"../a.csv"_s), u"/g/a.csv"_s);
     EXPECT_EQ(global.expandFile(u"/abs/a.csv"_s), u"/abs/a.csv"_s);
@@ -187,6 +189,7 @@ TEST(TargetFile, TheTargetChangesOnlyAtCommit)
     EXPECT_EQ(content(), "new");
     EXPECT_TRUE(QFileInfo(first).isSymLink() && QFileInfo(second).isSymLink());
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::NoSymLinks), QStringList{u"target"_s});
-    EXPECT_EQ(QFile::permissions(name) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+    EXPECT_EQ(QFile::permissions(name) & (QFile::ReadGroup | QFile::ReadOther),
+              QFile::Permissions());
     EXPECT_FALSE(TargetFile().open(dir.filePath(u"no/folder"_s), 0));
 }

@@ -41,7 +41,8 @@ protected:
     std::unique_ptr<corvanta::Run> make(const QByteArray &inside, RunOptions options = {})
     {
         QVector<CorvantaGraph::Problem> problems;
-        m_graph = CorvantaGraph::parse("<graph>" + inside + "</graph>", QStringLiteral("test.graph"), &problems);
+        m_graph = CorvantaGraph::parse("<graph>" + inside + "</graph>",
+                                       QStringLiteral("test.graph"), &problems);
         EXPECT_TRUE(problems.isEmpty());
         EXPECT_TRUE(m_graph.validate(m_registry, {}).isEmpty());
         options.log = &m_log;
@@ -66,14 +67,17 @@ quint64 sumOf(quint64 rows)
     return rows * (rows - 1) / 2;
 }
 
-constexpr char kChain[] = "<action id='a'><source rows='30000'/></action><action id='b'><sink/></action>"
-                          "<action id='c'><sink/></action><link from='a:0' to='b:0'/><link from='b:0' to='c:0'/>";
+constexpr char kChain[] =
+    "<action id='a'><source rows='30000'/></action><action id='b'><sink/></action>"
+    "<action id='c'><sink/></action><link from='a:0' to='b:0'/><link from='b:0' to='c:0'/>";
 
 /// One source on all three pins of a sink, which reads the last pin to its end first.
 QByteArray meeting(qint64 rows, const QByteArray &text)
 {
-    return "<action id='a'><source rows='" + QByteArray::number(rows) + "' text='" + text + "'/></action>"
-           "<action id='b'><sink/></action><action id='c'><sink/></action><link from='a:0' to='b:0'/>"
+    return "<action id='a'><source rows='" + QByteArray::number(rows) + "' text='" + text +
+           "'/></action>"
+           "<action id='b'><sink/></action><action id='c'><sink/></action><link from='a:0' "
+           "to='b:0'/>"
            "<link from='b:0' to='c:0'/><link from='a:0' to='c:1'/><link from='a:0' to='c:2'/>";
 }
 
@@ -119,17 +123,24 @@ TEST_F(EngineTest, WaitingRowsBeyondTheMemoryLimitGoThroughAFile)
 TEST_F(EngineTest, AFailureEndsEveryActionAndClosesIt)
 {
     const std::pair<const char *, const char *> cases[] = {
-        {"<action id='a'><source failAt='20000' rows='30000'/></action><action id='b'><sink/></action>", "a: source fails"},
-        {"<action id='a'><source rows='1000000'/></action><action id='b'><sink failAt='5'/></action>", "b: sink fails"},
-        {"<action id='a'><source rows='1000000'/></action><action id='b'><sink failAt='5' how='throw'/></action>",
+        {"<action id='a'><source failAt='20000' rows='30000'/></action><action "
+         "id='b'><sink/></action>",
+         "a: source fails"},
+        {"<action id='a'><source rows='1000000'/></action><action id='b'><sink "
+         "failAt='5'/></action>",
+         "b: sink fails"},
+        {"<action id='a'><source rows='1000000'/></action><action id='b'><sink failAt='5' "
+         "how='throw'/></action>",
          "b: Error: 'sink': sink throws"},
-        {"<action id='a'><source/></action><action id='b'><sink how='init'/></action>", "b: init fails"},
+        {"<action id='a'><source/></action><action id='b'><sink how='init'/></action>",
+         "b: init fails"},
     };
     for (const auto &[actions, message] : cases) {
         g_seen.reset();
         m_log.messages.clear();
-        const auto run = make(QByteArray(actions) + "<action id='c'><sink/></action><action id='d'><blocker/></action>"
-                                                    "<link from='a:0' to='b:0'/><link from='b:0' to='c:0'/>");
+        const auto run = make(QByteArray(actions) +
+                              "<action id='c'><sink/></action><action id='d'><blocker/></action>"
+                              "<link from='a:0' to='b:0'/><link from='b:0' to='c:0'/>");
         runToEnd(*run);
         EXPECT_TRUE(run->failed());
         EXPECT_EQ(m_log.messages, QStringList{QString::fromLatin1(message)});
@@ -138,7 +149,8 @@ TEST_F(EngineTest, AFailureEndsEveryActionAndClosesIt)
 
 TEST_F(EngineTest, AnActionThatStopsReadingDoesNotBlockItsSource)
 {
-    const auto run = make("<action id='a'><source rows='300000'/></action><action id='b'><sink failAt='5' how='leave'/></action>"
+    const auto run = make("<action id='a'><source rows='300000'/></action><action id='b'><sink "
+                          "failAt='5' how='leave'/></action>"
                           "<link from='a:0' to='b:0'/>");
     runToEnd(*run);
     EXPECT_TRUE(run->succeeded());
@@ -186,11 +198,14 @@ TEST_F(EngineTest, APreviewTakesAFewRowsAndEndsTheRest)
 {
     const auto run = make(kChain);
     EngineRunner runner;
-    ASSERT_TRUE(runner.run(m_graph, m_registry, QStringLiteral("c"), 0, EngineRunner::PinIn, false));
-    EXPECT_EQ(runner.columns().names, (QVector<QString>{QStringLiteral("n"), QStringLiteral("text")}));
+    ASSERT_TRUE(
+        runner.run(m_graph, m_registry, QStringLiteral("c"), 0, EngineRunner::PinIn, false));
+    EXPECT_EQ(runner.columns().names,
+              (QVector<QString>{QStringLiteral("n"), QStringLiteral("text")}));
     ASSERT_EQ(runner.rows().size(), EngineRunner::kPreviewRows);
     EXPECT_EQ(runner.rows().last(), (QStringList{QStringLiteral("199"), QStringLiteral("x")}));
-    EXPECT_FALSE(runner.run(m_graph, m_registry, QStringLiteral("a"), 0, EngineRunner::PinIn, false));
+    EXPECT_FALSE(
+        runner.run(m_graph, m_registry, QStringLiteral("a"), 0, EngineRunner::PinIn, false));
 }
 
 TEST_F(EngineTest, AListenerOfTheFirstRowsLetsItsSourceEndWell)

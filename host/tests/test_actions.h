@@ -48,8 +48,9 @@ template <class Self> class TestAction : public ParamAction<Self, Params>
 public:
     static const ParamTable<Params> &paramTable()
     {
-        static const ParamTable<Params> table{number("rows", &Params::rows), text("text", &Params::text),
-                                              number("failAt", &Params::failAt), text("how", &Params::how)};
+        static const ParamTable<Params> table{
+            number("rows", &Params::rows), text("text", &Params::text),
+            number("failAt", &Params::failAt), text("how", &Params::how)};
         return table;
     }
 
@@ -71,7 +72,8 @@ class Source final : public TestAction<Source>
 public:
     Source(const XMLNode &saved, GlobalParameters *parameters)
         : TestAction(describe("source", 0, 1), saved, parameters)
-    {}
+    {
+    }
 
 private:
     void start() override
@@ -95,7 +97,8 @@ private:
                 return true;
             }
             row->setCol(0, keyCell(bufferForOutputPin(0), static_cast<quint32>(m_next)));
-            row->setCol(1, textCell(bufferForOutputPin(0), text.data(), static_cast<qsizetype>(text.size())));
+            row->setCol(1, textCell(bufferForOutputPin(0), text.data(),
+                                    static_cast<qsizetype>(text.size())));
             setRowReadyForOutput(0);
             ++m_next;
         }
@@ -110,7 +113,8 @@ class Sink final : public TestAction<Sink>
 public:
     Sink(const XMLNode &saved, GlobalParameters *parameters)
         : TestAction(describe("sink", 3, 1), saved, parameters)
-    {}
+    {
+    }
 
 private:
     void start() override
@@ -162,7 +166,8 @@ class Blocker final : public TestAction<Blocker>
 public:
     Blocker(const XMLNode &saved, GlobalParameters *parameters)
         : TestAction(describe("blocker", 1, 1), saved, parameters)
-    {}
+    {
+    }
     void wakeAll() override
     {
         const std::lock_guard lock(m_mutex);

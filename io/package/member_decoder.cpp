@@ -61,7 +61,8 @@ Result<MemberDecoder::Step, Error> MemberDecoder::inflate(std::span<const char> 
                                                           std::span<char> output)
 {
     const auto step = m_inflater->inflate(input, output);
-    const bool isStuck = !input.empty() && !output.empty() && step.consumed == 0 && step.produced == 0;
+    const bool isStuck =
+        !input.empty() && !output.empty() && step.consumed == 0 && step.produced == 0;
     if (step.state == deflate::Inflater::State::Bad) {
         return Fault{Error::BadData};
     }

@@ -9,7 +9,8 @@
 
 namespace corvanta::test {
 
-/// The corpus' folder: $CORVANTA_CORPUS, else ../shared/corpus beside the project; empty without one.
+/// The corpus' folder: $CORVANTA_CORPUS, else ../shared/corpus beside the project; empty without
+/// one.
 inline QString corpusDir()
 {
     QString dir = qEnvironmentVariable("CORVANTA_CORPUS");
@@ -19,11 +20,14 @@ inline QString corpusDir()
     return QDir(dir).exists() ? QDir(dir).absolutePath() : QString();
 }
 
-inline QString corpusFile(const QString &name) { return corpusDir() + QLatin1Char('/') + name; }
+inline QString corpusFile(const QString &name)
+{
+    return corpusDir() + QLatin1Char('/') + name;
+}
 
 } // namespace corvanta::test
 
 /// Skip the test, visibly, where the corpus is not there.
-#define CORVANTA_NEEDS_CORPUS() \
-    if (corvanta::test::corpusDir().isEmpty()) \
+#define CORVANTA_NEEDS_CORPUS()                                                                    \
+    if (corvanta::test::corpusDir().isEmpty())                                                     \
     GTEST_SKIP() << "no corpus: set CORVANTA_CORPUS"

@@ -1,5 +1,6 @@
 // corvanta/action_base.h
-// What all our actions share: self-description, parameters, and the boundary that nothing is thrown across.
+// What all our actions share: self-description, parameters, and the boundary that nothing is thrown
+// across.
 #pragma once
 #include "corvanta/action_item.h"
 #include "corvanta/action_parameters.h"
@@ -46,8 +47,9 @@ private:
 
 /// Base of the actions: catalogue texts, failures, and the run function.
 ///
-/// A subclass implements step() (the run function), and start() and finish() when it has something to
-/// prepare in init and to complete in close. All three may throw: the failure is logged and fails the run.
+/// A subclass implements step() (the run function), and start() and finish() when it has something
+/// to prepare in init and to complete in close. All three may throw: the failure is logged and
+/// fails the run.
 class CORVANTA_EXPORT ActionBase : public ActionItem, public ActionParameters
 {
 public:
@@ -84,9 +86,16 @@ protected:
     bool fail(const QString &text);
     /// Log a warning and set the warning flag.
     void warn(const QString &text);
-    bool yieldRequested() const { return m_control->yieldRequest.load(std::memory_order_relaxed) != 0; }
-    /// False once this or another action failed, or the run was stopped: targets must then not be touched.
-    bool runIsGood() const { return m_control != nullptr && m_control->isRunning() && m_errorFlag == 0; }
+    bool yieldRequested() const
+    {
+        return m_control->yieldRequest.load(std::memory_order_relaxed) != 0;
+    }
+    /// False once this or another action failed, or the run was stopped: targets must then not be
+    /// touched.
+    bool runIsGood() const
+    {
+        return m_control != nullptr && m_control->isRunning() && m_errorFlag == 0;
+    }
 
 private:
     bool runGuarded();
@@ -97,9 +106,10 @@ private:
 
 /// An action with a parameter struct `P`, declared in the table that `Self::paramTable()` returns.
 ///
-/// `Self::adjustDefaults(P &, double savedVersion)`, when there is one, sets the defaults that hang on the
-/// version that saved the graph; it runs before the attributes are read. `Self::pinsInFor(const P &)`,
-/// when there is one, is the number of input pins that the parameters ask for.
+/// `Self::adjustDefaults(P &, double savedVersion)`, when there is one, sets the defaults that hang
+/// on the version that saved the graph; it runs before the attributes are read.
+/// `Self::pinsInFor(const P &)`, when there is one, is the number of input pins that the parameters
+/// ask for.
 template <class Self, class P> class ParamAction : public ActionBase
 {
 public:
@@ -114,7 +124,10 @@ public:
         return new (std::nothrow) Self(*owned, parameters);
     }
     QVector<ParameterInfo> parameters() const override { return Self::paramTable().infos(); }
-    QString parameterValue(int index) const override { return Self::paramTable().value(m_params, index); }
+    QString parameterValue(int index) const override
+    {
+        return Self::paramTable().value(m_params, index);
+    }
     bool setParameterValue(int index, const QString &value) override
     {
         const bool isSet = Self::paramTable().setValue(m_params, index, value);
@@ -124,10 +137,11 @@ public:
     const P &params() const { return m_params; }
 
 protected:
-    ParamAction(const ActionDescription &description, const XMLNode &saved, GlobalParameters *parameters)
+    ParamAction(const ActionDescription &description, const XMLNode &saved,
+                GlobalParameters *parameters)
         : ActionBase(description, saved, parameters)
     {
-        if constexpr (requires(P &p) { Self::adjustDefaults(p, 0.0); }) {
+        if constexpr (requires(P & p) { Self::adjustDefaults(p, 0.0); }) {
             Self::adjustDefaults(m_params, savedVersion());
         }
         Self::paramTable().read(m_params, saved);

@@ -23,8 +23,8 @@ class Run;
 } // namespace corvanta
 
 class ActionItem;
-CORVANTA_EXPORT char doCheckNameCollision(const OneRow *row, bool check, ActionItem *action, const QVector<int> &columns,
-                                          const QString &what);
+CORVANTA_EXPORT char doCheckNameCollision(const OneRow *row, bool check, ActionItem *action,
+                                          const QVector<int> &columns, const QString &what);
 
 /// What a run and its actions tell each other.
 struct RunControl
@@ -39,10 +39,10 @@ struct RunControl
 
 /// One node of a graph.
 ///
-/// The virtual operations below are called by the host and stand in the order that plug-ins are built
-/// against: nothing may be put between them. A run is init, prepareRun, the run function again and
-/// again until it answers true, close. Threads: everything but computeCompletion and wakeAll is called
-/// by one thread at a time.
+/// The virtual operations below are called by the host and stand in the order that plug-ins are
+/// built against: nothing may be put between them. A run is init, prepareRun, the run function
+/// again and again until it answers true, close. Threads: everything but computeCompletion and
+/// wakeAll is called by one thread at a time.
 class CORVANTA_EXPORT ActionItem
 {
 public:
@@ -85,16 +85,17 @@ public:
 
     // Pins and rows, for run functions.
 
-    /// The next row, or null at the end of the data (or of the run: see RunControl). Valid until the
-    /// next call for the same pin. Blocks while no row is there; rows produced so far go out first.
+    /// The next row, or null at the end of the data (or of the run: see RunControl). Valid until
+    /// the next call for the same pin. Blocks while no row is there; rows produced so far go out
+    /// first.
     const OneRow *getNextRowFromInPin(int pin);
     /// The columns of an input pin, also when it never had a row. After the first row or the end.
     const OneRow *getInputColumns(int pin);
     OneRow *getOutputRowForOutputPin(int pin);
     /// Hand the filled row on; the next getOutputRowForOutputPin() gives a fresh one.
     void setRowReadyForOutput(int pin);
-    /// An arena whose cells setRowReadyForOutput() need not copy: cells of the row that is being filled
-    /// are best made here. The engine resets it.
+    /// An arena whose cells setRowReadyForOutput() need not copy: cells of the row that is being
+    /// filled are best made here. The engine resets it.
     RowBuffer *bufferForOutputPin(int pin);
     /// False when nobody reads the pin: rows need not be made.
     bool isOutputPinRead(int pin) const;
@@ -109,15 +110,16 @@ public:
 
     QString expandFile(const QString &name) const;
     QString expandString(const QString &text) const;
-    /// The name of a file to write. `part`, unless null, tells several files of one name apart: it takes
-    /// the place of every "*" in the name; without one it becomes the extension of a name that has none,
-    /// and goes in front of the extension otherwise. It must be safe in a file name.
+    /// The name of a file to write. `part`, unless null, tells several files of one name apart: it
+    /// takes the place of every "*" in the name; without one it becomes the extension of a name
+    /// that has none, and goes in front of the extension otherwise. It must be safe in a file name.
     QString expandOutputFile(const QString &name, const QString &part) const;
 
     GlobalParameters *globalParameters() const { return m_globalParameters; }
     char warningFlag() const { return m_warningFlag; }
     char errorFlag() const { return m_errorFlag; }
-    /// The version that decides about defaults: the node's own, else the graph's; infinite when new.
+    /// The version that decides about defaults: the node's own, else the graph's; infinite when
+    /// new.
     double savedVersion() const { return m_savedVersion; }
 
 protected:
@@ -138,7 +140,8 @@ protected:
 
 private:
     friend class corvanta::Run;
-    friend char doCheckNameCollision(const OneRow *, bool, ActionItem *, const QVector<int> &, const QString &);
+    friend char doCheckNameCollision(const OneRow *, bool, ActionItem *, const QVector<int> &,
+                                     const QString &);
     corvanta::Ports *m_ports = nullptr;
     int m_idx = 0;
     double m_savedVersion;

@@ -18,7 +18,8 @@ struct ParameterInfo
     QString defaultValue; ///< as it would be saved
     QString label;        ///< short, for forms
     QString meaning;      ///< one or two sentences
-    QStringList choices;  ///< texts of the values 0, 1, 2, ... of an Integer; empty when it is a number
+    QStringList
+        choices; ///< texts of the values 0, 1, 2, ... of an Integer; empty when it is a number
     File file = File::None;
     bool saveAlways = false;
     bool isMultiLine = false; ///< a Text that may hold line feeds
@@ -44,10 +45,11 @@ public:
     virtual QVector<ParameterInfo> parameters() const = 0;
     /// Number of the parameter with that name (exact); -1 when there is none.
     int indexOfParameter(const QString &name) const;
-    /// The value as it would be saved; strings of a list are separated by line feeds, a structure is the XML
-    /// of its elements.
+    /// The value as it would be saved; strings of a list are separated by line feeds, a structure
+    /// is the XML of its elements.
     virtual QString parameterValue(int index) const = 0;
-    /// Set a value from that form. False when it is not of the parameter's type; nothing changes then.
+    /// Set a value from that form. False when it is not of the parameter's type; nothing changes
+    /// then.
     virtual bool setParameterValue(int index, const QString &value) = 0;
 
     /// Look at the beginning of the input file and set the parameters that say how to read it, as

@@ -18,8 +18,8 @@ public:
     ActionRegistry();
     ~ActionRegistry();
 
-    /// Load every module of the plug-in folder; the host's own actions come last. A module that cannot be
-    /// loaded is reported with addLog() as a warning.
+    /// Load every module of the plug-in folder; the host's own actions come last. A module that
+    /// cannot be loaded is reported with addLog() as a warning.
     void loadAll();
     /// Load the modules of one folder.
     void loadFolder(const QString &folder);

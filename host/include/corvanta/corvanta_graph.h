@@ -48,14 +48,16 @@ public:
     QVector<Link> links;
     QString fileName; ///< for messages and for the folder of relative names
 
-    /// Read a graph file. What cannot be understood is added to `problems`; the graph is then of no use.
+    /// Read a graph file. What cannot be understood is added to `problems`; the graph is then of no
+    /// use.
     static CorvantaGraph load(const QString &fileName, QVector<Problem> *problems);
-    static CorvantaGraph parse(const QByteArray &document, const QString &fileName, QVector<Problem> *problems);
+    static CorvantaGraph parse(const QByteArray &document, const QString &fileName,
+                               QVector<Problem> *problems);
     /// The document to save.
     QByteArray toXml() const;
 
-    /// Everything that makes the graph impossible to run: unknown types, ids, links, loops, variables.
-    /// `given` are variables set from outside.
+    /// Everything that makes the graph impossible to run: unknown types, ids, links, loops,
+    /// variables. `given` are variables set from outside.
     QVector<Problem> validate(const corvanta::ActionRegistry &registry,
                               const QMap<QString, QString> &given) const;
 

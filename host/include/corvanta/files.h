@@ -17,15 +17,17 @@ class GlobalParameters;
 class CORVANTA_EXPORT MyReadFile : public corvanta::ByteSource
 {
 public:
-    /// Open `name` (already expanded). Null on failure. `sequential` announces that the file is read
-    /// from front to back; `shared` lets other programs go on writing it (nothing to do on POSIX).
-    static MyReadFile *newMyReadFile(GlobalParameters *parameters, const QString &name, bool sequential,
-                                     bool shared);
+    /// Open `name` (already expanded). Null on failure. `sequential` announces that the file is
+    /// read from front to back; `shared` lets other programs go on writing it (nothing to do on
+    /// POSIX).
+    static MyReadFile *newMyReadFile(GlobalParameters *parameters, const QString &name,
+                                     bool sequential, bool shared);
     /// Offset of the next byte that read() delivers.
     virtual qint64 position() const = 0;
 };
 
-/// Adds a cache of `cacheBytes` to a reader, for drives where each read has its price. Owns the reader.
+/// Adds a cache of `cacheBytes` to a reader, for drives where each read has its price. Owns the
+/// reader.
 class CORVANTA_EXPORT MyReadFileCached final : public MyReadFile
 {
 public:
@@ -51,7 +53,8 @@ public:
     enum class Existing { Truncate, Append, Refuse };
 
     /// Open `name` (already expanded). Null on failure. `append` keeps what is there.
-    static MyWriteFile *newMyWriteFile(GlobalParameters *parameters, const QString &name, bool append);
+    static MyWriteFile *newMyWriteFile(GlobalParameters *parameters, const QString &name,
+                                       bool append);
     static std::unique_ptr<MyWriteFile> open(const QString &name, Existing existing);
 
     /// Flush to the device, so that a rename afterwards never shows an empty file.
@@ -71,16 +74,16 @@ public:
     /// Bytes; -1 when there is no such file.
     qint64 size() const;
     QString getParentDir() const;
-    /// Whether the file lies on a network drive. Tests say so for all files below the folder named by
-    /// the environment variable CORVANTA_NET_DRIVE.
+    /// Whether the file lies on a network drive. Tests say so for all files below the folder named
+    /// by the environment variable CORVANTA_NET_DRIVE.
     static bool isNetDrive(const QString &name);
 
 private:
     QString m_name;
 };
 
-/// Expand a pattern ("*" and "?" in its last part) into the names it matches, sorted by name. A name
-/// without those characters, or without a match, gives itself.
+/// Expand a pattern ("*" and "?" in its last part) into the names it matches, sorted by name. A
+/// name without those characters, or without a match, gives itself.
 CORVANTA_EXPORT void listFiles(const QString &pattern, QStringList *names);
 /// Append ".extension" when the name's last part has no extension.
 CORVANTA_EXPORT void addExtentionIfRequired(QString *name, const QString &extension);
@@ -89,9 +92,9 @@ CORVANTA_EXPORT void addExtentionIfRequired(QString *name, const QString &extens
 CORVANTA_EXPORT QString currentACPName();
 CORVANTA_EXPORT void setSystemEncoding(const QString &name);
 
-/// Move a finished, closed temporary file onto its final name in one step. It was synced before where
-/// it replaces a file; else it is before the run ends. False when the move failed; then both files are
-/// as they were.
+/// Move a finished, closed temporary file onto its final name in one step. It was synced before
+/// where it replaces a file; else it is before the run ends. False when the move failed; then both
+/// files are as they were.
 CORVANTA_EXPORT bool renameTMPFile(const QString &temporary, const QString &finalName);
 /// The form that takes the final name: moves `name` + "_TMP" onto `name`.
 CORVANTA_EXPORT bool renameTMPFile(const QString &name, GlobalParameters *parameters, int action);

@@ -21,8 +21,8 @@ public:
     /// For scripts and scratch files of the host; made when first used.
     QString workingDir() const { return m_workingDir; }
     void setWorkingDir(const QString &dir);
-    /// Where input names are looked up, where output names go, and a third folder for graphs that use
-    /// one; the first two are graphDir and outDir unless set.
+    /// Where input names are looked up, where output names go, and a third folder for graphs that
+    /// use one; the first two are graphDir and outDir unless set.
     QString dataDirRead() const { return m_dataDirRead.isEmpty() ? graphDir() : m_dataDirRead; }
     void setDataDirRead(const QString &dir) { m_dataDirRead = dir; }
     QString dataDirWrite() const { return m_dataDirWrite.isEmpty() ? outDir() : m_dataDirWrite; }
@@ -34,7 +34,8 @@ public:
     double graphVersion() const { return m_graphVersion; }
     void setGraphVersion(double version) { m_graphVersion = version; }
 
-    /// How packages are compressed: "isal-2", "isal-3", "zlib-1" to "zlib-9". Empty: the fast default.
+    /// How packages are compressed: "isal-2", "isal-3", "zlib-1" to "zlib-9". Empty: the fast
+    /// default.
     QString compression() const { return m_compression; }
     void setCompression(const QString &level) { m_compression = level; }
 
@@ -51,8 +52,8 @@ public:
     QString expandFile(const QString &name) const;
     /// The same for a file to be written, under dataDirWrite.
     QString expandOutputFile(const QString &name) const;
-    /// The name to save for a file: relative to the graph's folder when it lies below it. The inverse of
-    /// expandFile() for names without variables.
+    /// The name to save for a file: relative to the graph's folder when it lies below it. The
+    /// inverse of expandFile() for names without variables.
     QString contractFile(const QString &name) const;
 
 private:

@@ -32,8 +32,9 @@ public:
     virtual void add(const LogMessage &message) = 0;
 };
 
-/// Says whose messages the current thread logs, for as long as it lives. The engine makes one on each
-/// action's thread; a thread that an action starts makes one from LogScope::current() of its starter.
+/// Says whose messages the current thread logs, for as long as it lives. The engine makes one on
+/// each action's thread; a thread that an action starts makes one from LogScope::current() of its
+/// starter.
 class CORVANTA_EXPORT LogScope
 {
 public:
@@ -57,9 +58,13 @@ class CORVANTA_EXPORT MainUI
 public:
     enum LogLevel { Error = 1, Warning = 2, Info = 3, Diagnostic = 4 };
 
-    /// Log a message. It goes to the run that the calling thread works for, else to the program's sink.
+    /// Log a message. It goes to the run that the calling thread works for, else to the program's
+    /// sink.
     static void addLog(LogLevel level, const QString &text);
-    static void addLog(int level, const QString &text) { addLog(static_cast<LogLevel>(level), text); }
+    static void addLog(int level, const QString &text)
+    {
+        addLog(static_cast<LogLevel>(level), text);
+    }
     /// Where messages outside any run go; null: standard error.
     static void setLogSink(LogSink *sink);
 

@@ -22,10 +22,12 @@ public:
     MetaInfo(MetaTypeColumn type, int detail)
         : m_type(type)
         , m_detail(detail)
-    {}
+    {
+    }
     explicit MetaInfo(corvanta::cell::Type type)
         : m_type(static_cast<MetaTypeColumn>(type))
-    {}
+    {
+    }
     MetaTypeColumn type() const { return m_type; }
     corvanta::cell::Type cellType() const { return static_cast<corvanta::cell::Type>(m_type); }
     QString letter() const { return QString(QLatin1Char(static_cast<char>(m_type))); }

@@ -45,7 +45,8 @@ public:
     }
     /// Numeric value; `ok` (may be null) is false when the cell is missing or not a number.
     double colAsDouble(int i, bool *ok) const;
-    /// Integer key value; `ok` (may be null) is false when the cell is missing or not such a number.
+    /// Integer key value; `ok` (may be null) is false when the cell is missing or not such a
+    /// number.
     unsigned int colAsKey(int i, bool *ok) const;
     /// Like col(), but numbers that are equal have equal texts whatever their column's type.
     QString colForHash(int i) const;
@@ -79,8 +80,8 @@ public:
     void setMetaType(int i, const MetaInfo &type);
     void setMetaData(const QVector<MetaInfo> &types);
     void setSortInfos(const QVector<SortInfos> &sortedOn);
-    /// Take over columns and cells of `row`. Between pins this costs nothing per cell: the cells are
-    /// shared until one is changed.
+    /// Take over columns and cells of `row`. Between pins this costs nothing per cell: the cells
+    /// are shared until one is changed.
     void copyFrom(const OneRow *row);
     /// Take over the columns of `row`, not its cells.
     void copySchemaFrom(const OneRow *row);

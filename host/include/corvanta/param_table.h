@@ -1,5 +1,6 @@
 // corvanta/param_table.h
-// Declares the parameters of an action once; reading, saving, describing and editing follow from it.
+// Declares the parameters of an action once; reading, saving, describing and editing follow from
+// it.
 //
 //     struct SheetParams {                 // the default is the initialiser, nowhere else
 //         QString fileName;
@@ -10,8 +11,8 @@
 //         number("mode", &SheetParams::mode).choices({"new", "update"}),
 //     };
 //
-// The table's order is the saved order: attributes first, then child elements. A value is saved when it
-// differs from its default, or always().
+// The table's order is the saved order: attributes first, then child elements. A value is saved
+// when it differs from its default, or always().
 #pragma once
 #include "corvanta/action_parameters.h"
 #include "corvanta/global_parameters.h"
@@ -46,8 +47,8 @@ template <class P> struct ElementText
 template <class P> class Param
 {
 public:
-    using Member = std::variant<QString P::*, int P::*, qint64 P::*, double P::*, bool P::*, QStringList P::*,
-                                ElementText<P>, StructureAccess<P>>;
+    using Member = std::variant<QString P::*, int P::*, qint64 P::*, double P::*, bool P::*,
+                                QStringList P::*, ElementText<P>, StructureAccess<P>>;
 
     Param(const char *name, ParameterInfo::Type type, Member member)
         : m_name(name)
@@ -56,8 +57,16 @@ public:
         m_info.name = QString::fromLatin1(name);
         m_info.type = type;
     }
-    Param &&label(const char *text) && { m_info.label = QString::fromUtf8(text); return std::move(*this); }
-    Param &&meaning(const char *text) && { m_info.meaning = QString::fromUtf8(text); return std::move(*this); }
+    Param &&label(const char *text) &&
+    {
+        m_info.label = QString::fromUtf8(text);
+        return std::move(*this);
+    }
+    Param &&meaning(const char *text) &&
+    {
+        m_info.meaning = QString::fromUtf8(text);
+        return std::move(*this);
+    }
     Param &&choices(std::initializer_list<const char *> texts) &&
     {
         for (const char *text : texts) {
@@ -65,11 +74,28 @@ public:
         }
         return std::move(*this);
     }
-    Param &&inputFile() && { m_info.file = ParameterInfo::File::Input; return std::move(*this); }
-    Param &&outputFile() && { m_info.file = ParameterInfo::File::Output; return std::move(*this); }
-    Param &&always() && { m_info.saveAlways = true; return std::move(*this); }
+    Param &&inputFile() &&
+    {
+        m_info.file = ParameterInfo::File::Input;
+        return std::move(*this);
+    }
+    Param &&outputFile() &&
+    {
+        m_info.file = ParameterInfo::File::Output;
+        return std::move(*this);
+    }
+    Param &&always() &&
+    {
+        m_info.saveAlways = true;
+        return std::move(*this);
+    }
     /// Integers outside are brought to the nearest end when read.
-    Param &&range(qint64 low, qint64 high) && { m_low = low; m_high = high; return std::move(*this); }
+    Param &&range(qint64 low, qint64 high) &&
+    {
+        m_low = low;
+        m_high = high;
+        return std::move(*this);
+    }
     /// Saved inside the start tag; else as a child element.
     bool isAttribute() const { return m_member.index() < 5; }
     const char *name() const { return m_name; }
@@ -103,7 +129,8 @@ public:
         }
     }
 
-    void save(const P &params, const P &defaults, std::wostream &out, const GlobalParameters *global) const
+    void save(const P &params, const P &defaults, std::wostream &out,
+              const GlobalParameters *global) const
     {
         if (const auto *access = std::get_if<StructureAccess<P>>(&m_member)) {
             access->write(params, out);
@@ -144,9 +171,18 @@ private:
     {
         return QString::number(params.*m, 'g', QLocale::FloatingPointShortest);
     }
-    static QString textOf(const P &params, bool P::*m) { return QString(QLatin1Char(params.*m ? '1' : '0')); }
-    static QString textOf(const P &params, QStringList P::*m) { return (params.*m).join(QLatin1Char('\n')); }
-    static QString textOf(const P &params, const ElementText<P> &element) { return params.*element.member; }
+    static QString textOf(const P &params, bool P::*m)
+    {
+        return QString(QLatin1Char(params.*m ? '1' : '0'));
+    }
+    static QString textOf(const P &params, QStringList P::*m)
+    {
+        return (params.*m).join(QLatin1Char('\n'));
+    }
+    static QString textOf(const P &params, const ElementText<P> &element)
+    {
+        return params.*element.member;
+    }
     static QString textOf(const P &params, const StructureAccess<P> &access)
     {
         std::wostringstream out;
@@ -167,7 +203,8 @@ private:
     void saveElementText(const P &params, std::wostream &out) const
     {
         ToXMLStringTool tool;
-        out << L"  <" << m_name << L'>' << tool.toXML(valueText(params)) << L"</" << m_name << L">\n";
+        out << L"  <" << m_name << L'>' << tool.toXML(valueText(params)) << L"</" << m_name
+            << L">\n";
     }
 
     void saveList(const QStringList &list, std::wostream &out) const
@@ -249,11 +286,13 @@ template <class P> Param<P> elementText(const char *name, QString P::*member)
 }
 /// Child elements with a form of their own, which `read` and `write` know. `name` is for people.
 template <class P, class T>
-Param<P> structure(const char *name, T P::*member, T (*read)(const XMLNode &parent), void (*write)(const T &, std::wostream &))
+Param<P> structure(const char *name, T P::*member, T (*read)(const XMLNode &parent),
+                   void (*write)(const T &, std::wostream &))
 {
     return {name, ParameterInfo::Type::Structure,
-            StructureAccess<P>{[=](P &params, const XMLNode &parent) { params.*member = read(parent); },
-                               [=](const P &params, std::wostream &out) { write(params.*member, out); }}};
+            StructureAccess<P>{
+                [=](P &params, const XMLNode &parent) { params.*member = read(parent); },
+                [=](const P &params, std::wostream &out) { write(params.*member, out); }}};
 }
 
 /// The table: see the top of the file. Threads: constant after construction.
@@ -262,7 +301,8 @@ template <class P> class ParamTable
 public:
     ParamTable(std::initializer_list<Param<P>> params)
         : m_params(params)
-    {}
+    {
+    }
 
     void read(P &params, const XMLNode &node) const
     {
@@ -272,7 +312,8 @@ public:
     }
 
     /// What follows saveAI(): attributes, then children, then the element's end.
-    void save(const P &params, std::wostream &out, const QString &element, const GlobalParameters *global) const
+    void save(const P &params, std::wostream &out, const QString &element,
+              const GlobalParameters *global) const
     {
         const P defaults;
         std::wostringstream children;

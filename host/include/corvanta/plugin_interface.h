@@ -12,8 +12,8 @@ class CorvantaPluginInterface
 {
 public:
     virtual ~CorvantaPluginInterface() = default;
-    /// A new prototype of the action number `index`; null beyond the last. The second argument is not
-    /// used. The caller owns the object.
+    /// A new prototype of the action number `index`; null beyond the last. The second argument is
+    /// not used. The caller owns the object.
     virtual ActionItem *createAction(int index, unsigned int reserved) = 0;
     virtual void initialise() = 0;
     virtual double getVersion() = 0;

@@ -12,8 +12,8 @@
 
 /// Grows by blocks; what it gave out stays valid until reset(). Threads: one at a time.
 ///
-/// Room for an odd number of bytes starts at an odd address, so that the UTF-16 units of a text cell
-/// (whose size is odd exactly when its length code is) are 2-byte aligned.
+/// Room for an odd number of bytes starts at an odd address, so that the UTF-16 units of a text
+/// cell (whose size is odd exactly when its length code is) are 2-byte aligned.
 class CORVANTA_EXPORT RowBuffer
 {
 public:
@@ -42,7 +42,8 @@ public:
 
     /// Give back the `n` bytes at the end of the last allocation.
     void shrinkLast(int n) { m_next -= n; }
-    /// Whether `bytes` lie in the block that is being filled: a cheap test that may miss older blocks.
+    /// Whether `bytes` lie in the block that is being filled: a cheap test that may miss older
+    /// blocks.
     bool isRecent(const unsigned char *bytes) const { return bytes >= m_begin && bytes < m_next; }
     /// Bytes given out since the last reset.
     long long bytesUsed() const { return m_usedBefore + (m_next - m_begin); }
@@ -69,10 +70,11 @@ private:
     uchar *m_end = nullptr;
 };
 
-/// A text cell that holds `text` (an empty text, not a missing one, when it is empty but not null; a
-/// null string gives a missing cell).
+/// A text cell that holds `text` (an empty text, not a missing one, when it is empty but not null;
+/// a null string gives a missing cell).
 CORVANTA_EXPORT unsigned char *bytesFromQString(RowBuffer *buffer, const QString &text);
-/// The same into the caller's bytes, which must have room for textCellBytes(text.size()); returns the place behind the cell.
+/// The same into the caller's bytes, which must have room for textCellBytes(text.size()); returns
+/// the place behind the cell.
 CORVANTA_EXPORT unsigned char *bytesFromQString(unsigned char *bytes, const QString &text);
 /// The text of a text cell; a null string for a missing cell.
 CORVANTA_EXPORT QString qStringFromBytes(const unsigned char *bytes);

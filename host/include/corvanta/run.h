@@ -37,8 +37,8 @@ struct RunOptions
     QString compression;              ///< see GlobalParameters::compression()
     LogSink *log = nullptr;           ///< null: the program's sink
     int batchRows = 1024;             ///< rows handed over at once, at most
-    bool yieldAtBatches = false;      ///< ask for a yield at every batch, to try the actions' yielding
-    std::vector<Listener> listeners;  ///< previews and taps
+    bool yieldAtBatches = false; ///< ask for a yield at every batch, to try the actions' yielding
+    std::vector<Listener> listeners; ///< previews and taps
 };
 
 /// How far one action is.
@@ -52,7 +52,8 @@ struct ActionProgress
     bool finished = false;
 };
 
-/// One run of one graph. Threads: the owner's, except that stop() and progress() may be called from any.
+/// One run of one graph. Threads: the owner's, except that stop() and progress() may be called from
+/// any.
 class CORVANTA_EXPORT Run
 {
 public:
@@ -62,7 +63,8 @@ public:
 
     /// Initialise all actions and start their threads.
     void start();
-    /// Wait for the end, or `timeout`; true when the run has ended. After it every action is closed.
+    /// Wait for the end, or `timeout`; true when the run has ended. After it every action is
+    /// closed.
     bool waitFor(std::chrono::milliseconds timeout);
     void wait();
     /// End the run soon, without an error: RunControl::Stopped.

@@ -9,8 +9,8 @@
 #include <functional>
 #include <memory>
 
-/// Writes beside the target under a name of its own and moves the result over it in commit(). Without
-/// commit() the target stays as it was and nothing is left behind. Threads: one at a time.
+/// Writes beside the target under a name of its own and moves the result over it in commit().
+/// Without commit() the target stays as it was and nothing is left behind. Threads: one at a time.
 ///
 /// A target that is not an ordinary file (a pipe, a device) is written directly.
 class CORVANTA_EXPORT TargetFile
@@ -21,8 +21,8 @@ public:
     TargetFile(const TargetFile &) = delete;
     TargetFile &operator=(const TargetFile &) = delete;
 
-    /// Open the temporary file, named `name` + "_tmp_" + `action` + "_" + a random number. False when it
-    /// cannot be created, or when the target is there and may not be written.
+    /// Open the temporary file, named `name` + "_tmp_" + `action` + "_" + a random number. False
+    /// when it cannot be created, or when the target is there and may not be written.
     bool open(const QString &name, int action);
     bool isOpen() const { return m_file != nullptr; }
     const QString &name() const { return m_name; }
@@ -30,11 +30,12 @@ public:
     /// Where to write; owned by this object.
     MyWriteFile &file() { return *m_file; }
 
-    /// Close the file and move it over the target. False when that failed; the target is then as it was.
-    /// The bytes are flushed to the device first when a file is replaced; a new one is before the run ends.
+    /// Close the file and move it over the target. False when that failed; the target is then as it
+    /// was. The bytes are flushed to the device first when a file is replaced; a new one is before
+    /// the run ends.
     bool commit();
-    /// commit() with `move` in place of the plain renaming: it answers whether the target was replaced.
-    /// The bytes are always flushed to the device before.
+    /// commit() with `move` in place of the plain renaming: it answers whether the target was
+    /// replaced. The bytes are always flushed to the device before.
     using Move = std::function<bool(const QString &temporary, const QString &target)>;
     bool commit(const Move &move);
     /// Remove what was written.

@@ -9,8 +9,8 @@
 #include <iosfwd>
 #include <memory>
 
-/// A node of a parameter tree; copies share the tree. Texts returned as pointers are zero-terminated
-/// UTF-16 and live as long as any node of the tree.
+/// A node of a parameter tree; copies share the tree. Texts returned as pointers are
+/// zero-terminated UTF-16 and live as long as any node of the tree.
 class CORVANTA_EXPORT XMLNode
 {
 public:
@@ -39,8 +39,8 @@ public:
 
     int nChildNode() const;
     XMLNode getChildNode(int i) const;
-    /// The first child of that name from child number `*index` on (0 without `index`); `*index` is set
-    /// behind it. An empty node when there is none.
+    /// The first child of that name from child number `*index` on (0 without `index`); `*index` is
+    /// set behind it. An empty node when there is none.
     XMLNode getChildNode(const char *name, int *index = nullptr) const;
     /// The i-th run of character data directly inside the element, or null.
     const char16_t *getText(int i = 0) const;
@@ -54,8 +54,8 @@ private:
 };
 
 // Conversions of attribute texts; each returns the default when the text is null. Numbers: leading
-// blanks are skipped and what follows the digits is ignored; a text without digits gives 0 and a number
-// out of range the nearest one.
+// blanks are skipped and what follows the digits is ignored; a text without digits gives 0 and a
+// number out of range the nearest one.
 CORVANTA_EXPORT QString xmltoa(const char16_t *text, const QString &defaultValue);
 CORVANTA_EXPORT int xmltoi(const char16_t *text, int defaultValue);
 CORVANTA_EXPORT long long xmltol(const char16_t *text, long long defaultValue);
@@ -76,8 +76,8 @@ public:
     ToXMLStringTool(const ToXMLStringTool &) = delete;
     ToXMLStringTool &operator=(const ToXMLStringTool &) = delete;
 
-    /// `text` with & < > " ' and the line feed, carriage return and tab escaped, so that a reader of
-    /// attribute values gets them back. Valid until the next call or freeBuffer().
+    /// `text` with & < > " ' and the line feed, carriage return and tab escaped, so that a reader
+    /// of attribute values gets them back. Valid until the next call or freeBuffer().
     const wchar_t *toXML(const QString &text);
     void freeBuffer();
 

@@ -4,8 +4,9 @@
 
 #include <QLatin1StringView>
 
-#include <cstring>
 #include <emmintrin.h>
+
+#include <cstring>
 
 using namespace Qt::StringLiterals;
 
@@ -25,12 +26,14 @@ ActionDescription describe()
     d.icon = ":/CorvantaCore/readCSV.svg";
     d.fileTypes = QStringList{u"csv"_s, u"tsv"_s, u"txt"_s};
     d.tags = QStringList{u"Common"_s};
-    d.keywords = QStringList{u"file"_s, u"import"_s, u"input"_s, u"load"_s, u"csv"_s, u"text"_s, u"read"_s, u"in"_s};
+    d.keywords = QStringList{u"file"_s, u"import"_s, u"input"_s, u"load"_s,
+                             u"csv"_s,  u"text"_s,   u"read"_s,  u"in"_s};
     d.pinsIn = 0;
     return d;
 }
 
-/// The first of separator, line feed, carriage return and quote from `at` on; `end` when there is none.
+/// The first of separator, line feed, carriage return and quote from `at` on; `end` when there is
+/// none.
 const char *findSpecial(const char *at, const char *end, char separator)
 {
     const __m128i separators = _mm_set1_epi8(separator);
@@ -38,8 +41,9 @@ const char *findSpecial(const char *at, const char *end, char separator)
     const __m128i returns = _mm_set1_epi8('\r');
     for (; at + 16 <= end; at += 16) {
         const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
-        const __m128i hit = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, separators), _mm_cmpeq_epi8(bytes, feeds)),
-                                         _mm_cmpeq_epi8(bytes, returns));
+        const __m128i hit = _mm_or_si128(
+            _mm_or_si128(_mm_cmpeq_epi8(bytes, separators), _mm_cmpeq_epi8(bytes, feeds)),
+            _mm_cmpeq_epi8(bytes, returns));
         const int mask = _mm_movemask_epi8(hit);
         if (mask != 0) {
             return at + __builtin_ctz(static_cast<unsigned>(mask));
@@ -55,7 +59,8 @@ const char *findSpecial(const char *at, const char *end, char separator)
 
 ActionReadCsv::ActionReadCsv(const XMLNode &saved, GlobalParameters *parameters)
     : ParamAction(describe(), saved, parameters)
-{}
+{
+}
 
 const ParamTable<ReadCsvParams> &ActionReadCsv::paramTable()
 {
@@ -117,10 +122,11 @@ bool ActionReadCsv::open()
     if (separator == "\\t"_L1) {
         separator = u"\t"_s;
     }
-    const bool isUsable = separator.size() == 1 && separator[0].unicode() < 0x80 && separator != "\""_L1
-        && separator != "\n"_L1 && separator != "\r"_L1;
+    const bool isUsable = separator.size() == 1 && separator[0].unicode() < 0x80 &&
+                          separator != "\""_L1 && separator != "\n"_L1 && separator != "\r"_L1;
     if (!isUsable) {
-        fail(u"Error: readCSV: the separator '%1' is not one ASCII character\n"_s.arg(m_params.separator));
+        fail(u"Error: readCSV: the separator '%1' is not one ASCII character\n"_s.arg(
+            m_params.separator));
         return false;
     }
     m_separator = separator[0].toLatin1();
@@ -165,7 +171,8 @@ bool ActionReadCsv::refill()
         }
         m_block.resize(m_block.size() * 2);
     }
-    const qint64 got = m_file->read(m_block.data() + m_fill, static_cast<qint64>(m_block.size() - m_fill));
+    const qint64 got =
+        m_file->read(m_block.data() + m_fill, static_cast<qint64>(m_block.size() - m_fill));
     if (got < 0) {
         const QString why = m_packed != nullptr ? u": "_s + m_packed->failure() : QString();
         return !fail(u"Error: readCSV: cannot read file '%1'%2\n"_s.arg(m_name, why));
@@ -186,7 +193,8 @@ const char *ActionReadCsv::scanQuoted(const char *at, const char *end)
     const char *const begin = at;
     const size_t scratchBegin = m_scratch.size();
     for (;;) {
-        const auto *const quote = static_cast<const char *>(std::memchr(at, '"', static_cast<size_t>(end - at)));
+        const auto *const quote =
+            static_cast<const char *>(std::memchr(at, '"', static_cast<size_t>(end - at)));
         if (quote == nullptr || (quote + 1 == end && !m_fileEnded)) {
             return nullptr;
         }
@@ -194,7 +202,8 @@ const char *ActionReadCsv::scanQuoted(const char *at, const char *end)
         m_scratch.insert(m_scratch.end(), at, quote + (isDoubled ? 1 : 0));
         if (!isDoubled) {
             m_nextLine += std::count(begin, quote, '\n');
-            m_fields.push_back({nullptr, static_cast<qsizetype>(m_scratch.size() - scratchBegin), true});
+            m_fields.push_back(
+                {nullptr, static_cast<qsizetype>(m_scratch.size() - scratchBegin), true});
             return quote + 1;
         }
         at = quote + 2;
@@ -267,8 +276,9 @@ bool ActionReadCsv::nextRecord()
         case Scan::End:
             return false;
         case Scan::Bad:
-            fail(u"Error: readCSV: file '%1', line %2: a quoted field does not end at a separator or line end\n"_s.arg(
-                m_name, QString::number(m_line)));
+            fail(
+                u"Error: readCSV: file '%1', line %2: a quoted field does not end at a separator or line end\n"_s
+                    .arg(m_name, QString::number(m_line)));
             return false;
         case Scan::NeedMore:
             if (!refill()) {
@@ -288,7 +298,8 @@ bool ActionReadCsv::describeColumns()
     }
     QVector<QString> names;
     QVector<MetaInfo> types;
-    const QStringList letters = m_params.types.isEmpty() ? QStringList() : m_params.types.split(u',');
+    const QStringList letters =
+        m_params.types.isEmpty() ? QStringList() : m_params.types.split(u',');
     for (size_t i = 0; i < m_fields.size(); ++i) {
         const QString letter = letters.value(static_cast<qsizetype>(i), u"U"_s).trimmed();
         if (letter != "K"_L1 && letter != "F"_L1 && letter != "U"_L1) {
@@ -308,7 +319,8 @@ bool ActionReadCsv::describeColumns()
     QVector<SortInfos> sortedOn;
     for (const QString &name : m_params.sortedOn.split(u',', Qt::SkipEmptyParts)) {
         if (!names.contains(name)) {
-            return !fail(u"Error: readCSV: file '%1' has no column '%2' to be sorted on\n"_s.arg(m_name, name));
+            return !fail(u"Error: readCSV: file '%1' has no column '%2' to be sorted on\n"_s.arg(
+                m_name, name));
         }
         sortedOn << SortInfos{name, true};
     }
@@ -347,7 +359,8 @@ bool ActionReadCsv::putCell(int column, const Field &field, OneRow *row)
     }
     if (!ok) {
         fail(u"Error: readCSV: file '%1', line %2, column '%3': '%4' is not of type %5\n"_s.arg(
-            m_name, QString::number(m_line), row->colName(column), QString::fromUtf8(text.data(), qMin<qsizetype>(field.size, 200)),
+            m_name, QString::number(m_line), row->colName(column),
+            QString::fromUtf8(text.data(), qMin<qsizetype>(field.size, 200)),
             QString(QLatin1Char(static_cast<char>(m_types[column])))));
     }
     return ok;
@@ -358,12 +371,14 @@ bool ActionReadCsv::emitRow()
     OneRow *const row = getOutputRowForOutputPin(0);
     const qsizetype columns = m_types.size();
     if (static_cast<qsizetype>(m_fields.size()) != columns) {
-        const bool isEmptyLine = m_fields.size() == 1 && m_fields[0].size == 0 && !m_fields[0].quoted;
+        const bool isEmptyLine =
+            m_fields.size() == 1 && m_fields[0].size == 0 && !m_fields[0].quoted;
         if (isEmptyLine) {
             return true;
         }
         return !fail(u"Error: readCSV: file '%1', line %2: %3 fields instead of %4\n"_s.arg(
-            m_name, QString::number(m_line), QString::number(m_fields.size()), QString::number(columns)));
+            m_name, QString::number(m_line), QString::number(m_fields.size()),
+            QString::number(columns)));
     }
     for (int i = 0; i < columns; ++i) {
         if (!putCell(i, m_fields[static_cast<size_t>(i)], row)) {

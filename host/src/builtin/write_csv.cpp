@@ -3,9 +3,10 @@
 #include "base/number.h"
 #include "base/utf.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <cstring>
-#include <emmintrin.h>
 
 using namespace Qt::StringLiterals;
 
@@ -22,7 +23,8 @@ ActionDescription describe()
     d.description = "Write a text file with separators";
     d.icon = ":/CorvantaCore/writeCSV.svg";
     d.tags = QStringList{u"Common"_s};
-    d.keywords = QStringList{u"file"_s, u"export"_s, u"output"_s, u"save"_s, u"csv"_s, u"text"_s, u"write"_s, u"out"_s};
+    d.keywords = QStringList{u"file"_s, u"export"_s, u"output"_s, u"save"_s,
+                             u"csv"_s,  u"text"_s,   u"write"_s,  u"out"_s};
     return d;
 }
 
@@ -52,15 +54,23 @@ bool needsQuotes(const char *text, size_t n, char separator)
 
 ActionWriteCsv::ActionWriteCsv(const XMLNode &saved, GlobalParameters *parameters)
     : ParamAction(describe(), saved, parameters)
-{}
+{
+}
 
 const ParamTable<WriteCsvParams> &ActionWriteCsv::paramTable()
 {
     static const ParamTable<WriteCsvParams> table{
-        text("fileName", &WriteCsvParams::fileName).outputFile().always().label("File")
+        text("fileName", &WriteCsvParams::fileName)
+            .outputFile()
+            .always()
+            .label("File")
             .meaning("Text file to write, UTF-8 with LF line ends."),
-        text("separator", &WriteCsvParams::separator).label("Separator").meaning("One ASCII character between two fields."),
-        flag("header", &WriteCsvParams::header).label("Write the column names in the first line").meaning("Header line."),
+        text("separator", &WriteCsvParams::separator)
+            .label("Separator")
+            .meaning("One ASCII character between two fields."),
+        flag("header", &WriteCsvParams::header)
+            .label("Write the column names in the first line")
+            .meaning("Header line."),
     };
     return table;
 }
@@ -87,7 +97,8 @@ bool ActionWriteCsv::open()
     m_name = expandOutputFile(m_params.fileName, QString());
     const QString separator = m_params.separator == "\\t"_L1 ? u"\t"_s : m_params.separator;
     if (separator.size() != 1 || separator[0].unicode() >= 0x80 || separator == "\""_L1) {
-        return !fail(u"Error: writeCSV: the separator '%1' is not one ASCII character\n"_s.arg(m_params.separator));
+        return !fail(u"Error: writeCSV: the separator '%1' is not one ASCII character\n"_s.arg(
+            m_params.separator));
     }
     m_separator = separator[0].toLatin1();
     if (!m_target.open(m_name, getIdx())) {
@@ -188,7 +199,8 @@ bool ActionWriteCsv::writeRow(const OneRow *row)
         }
         case MetaInfo::Float: {
             const auto value = loadNative<double>(cells[i]);
-            m_used += cell::isMissingDouble(value) ? 0 : static_cast<size_t>(putShortest(value, out));
+            m_used +=
+                cell::isMissingDouble(value) ? 0 : static_cast<size_t>(putShortest(value, out));
             break;
         }
         case MetaInfo::Unknown: {

@@ -4,12 +4,13 @@ namespace corvanta {
 
 InputGate::InputGate(int pins)
     : m_queues(static_cast<size_t>(pins))
-{}
+{
+}
 
 bool InputGate::mayPush(const Queue &queue, int pin) const
 {
-    return m_closed || queue.bytes < kQueueBytes || queue.slices.size() < 2
-        || (m_waitingPin >= 0 && m_waitingPin != pin);
+    return m_closed || queue.bytes < kQueueBytes || queue.slices.size() < 2 ||
+           (m_waitingPin >= 0 && m_waitingPin != pin);
 }
 
 void InputGate::push(int pin, BatchSlice slice)

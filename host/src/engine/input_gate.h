@@ -1,5 +1,6 @@
 // host/src/engine/input_gate.h
-// The input side of one action: a bounded queue per pin, filled by producers, emptied by the action.
+// The input side of one action: a bounded queue per pin, filled by producers, emptied by the
+// action.
 #pragma once
 #include "engine/row_batch.h"
 #include "engine/spill_file.h"
@@ -14,9 +15,10 @@ namespace corvanta {
 
 /// Threads: push() and end() by the producers, pop() by the action, close() by anybody.
 ///
-/// A full queue blocks its producer, except while the action waits for another of its pins: then the
-/// producer may be the one who has to go on before that other pin gets rows (a table that is fanned out
-/// and joined again), and what does not fit is kept in memory up to a limit and beyond it in a file.
+/// A full queue blocks its producer, except while the action waits for another of its pins: then
+/// the producer may be the one who has to go on before that other pin gets rows (a table that is
+/// fanned out and joined again), and what does not fit is kept in memory up to a limit and beyond
+/// it in a file.
 class InputGate
 {
 public:

@@ -50,7 +50,8 @@ void OutputPin::dropRow()
 
 void OutputPin::appendView()
 {
-    const bool follows = m_slice.batch == m_row.m_batch && m_slice.first + m_slice.count == m_row.m_rowInBatch;
+    const bool follows =
+        m_slice.batch == m_row.m_batch && m_slice.first + m_slice.count == m_row.m_rowInBatch;
     if (!follows) {
         flush();
         m_slice = {m_row.m_batch, m_row.m_rowInBatch, 0};
@@ -111,7 +112,8 @@ void OutputPin::flush()
 
 void OutputPin::rescueCells()
 {
-    // Cells of the row that is being filled may lie in the batch that goes out, and be gone with it.
+    // Cells of the row that is being filled may lie in the batch that goes out, and be gone with
+    // it.
     for (int i = 0; i < m_row.numberOfColumns() && !m_row.m_view; ++i) {
         const uchar *&cell = m_row.m_own[static_cast<size_t>(i)];
         if (cell != nullptr) {

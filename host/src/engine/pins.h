@@ -16,7 +16,8 @@ namespace corvanta {
 struct PinOptions
 {
     int batchRows = 1024;
-    std::atomic<char> *yieldAtBatches = nullptr; // set at every batch that is taken or sent; null: not
+    std::atomic<char> *yieldAtBatches =
+        nullptr; // set at every batch that is taken or sent; null: not
 };
 
 class OutputPin

@@ -25,7 +25,10 @@ struct RowBatch
     {
         return arena.bytesUsed() + static_cast<qint64>(cells.size() * sizeof(const uchar *));
     }
-    const uchar *const *row(int i) const { return cells.data() + static_cast<size_t>(i) * static_cast<size_t>(columns); }
+    const uchar *const *row(int i) const
+    {
+        return cells.data() + static_cast<size_t>(i) * static_cast<size_t>(columns);
+    }
 };
 
 /// Some rows of a batch, on their way to a pin.
@@ -35,10 +38,7 @@ struct BatchSlice
     int first = 0;
     int count = 0;
 
-    qint64 bytes() const
-    {
-        return batch->rows == 0 ? 0 : batch->bytes() * count / batch->rows;
-    }
+    qint64 bytes() const { return batch->rows == 0 ? 0 : batch->bytes() * count / batch->rows; }
 };
 
 /// Batches that are used again: their memory has been touched before, which saves page faults.

@@ -56,7 +56,8 @@ struct Run::Private
     std::atomic<bool> released = false;
 
     void build(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions &options);
-    void add(const QString &id, std::unique_ptr<ActionItem> action, int pinsIn, const PinOptions &options);
+    void add(const QString &id, std::unique_ptr<ActionItem> action, int pinsIn,
+             const PinOptions &options);
     void endUnlinkedPins(const CorvantaGraph &graph);
     void connect(const CorvantaGraph &graph, const CorvantaGraph::Pin &from, size_t to, int pin);
     void execute(Node &node);
@@ -69,7 +70,8 @@ struct Run::Private
     LogScope::Context logContext(const Node &node) const { return {log, node.id}; }
 };
 
-void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions &options)
+void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &registry,
+                         RunOptions &options)
 {
     global.setGraphDir(QFileInfo(graph.fileName).absolutePath());
     global.setOutDir(options.outDir);
@@ -77,15 +79,18 @@ void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &regis
     if (graph.version >= 0) {
         global.setGraphVersion(graph.version);
     }
-    for (const QMap<QString, QString> *variables : {&graph.variables, &std::as_const(options.variables)}) {
+    for (const QMap<QString, QString> *variables :
+         {&graph.variables, &std::as_const(options.variables)}) {
         for (auto it = variables->begin(); it != variables->end(); ++it) {
             global.setVariable(it.key(), it.value());
         }
     }
     log = options.log;
-    const PinOptions pinOptions{options.batchRows, options.yieldAtBatches ? &control.yieldRequest : nullptr};
+    const PinOptions pinOptions{options.batchRows,
+                                options.yieldAtBatches ? &control.yieldRequest : nullptr};
     for (const CorvantaGraph::Action &action : graph.actions) {
-        add(action.id, registry.create(action.parameters, &global), highestLinkedPin(graph, action.id) + 1, pinOptions);
+        add(action.id, registry.create(action.parameters, &global),
+            highestLinkedPin(graph, action.id) + 1, pinOptions);
     }
     for (const CorvantaGraph::Link &link : graph.links) {
         connect(graph, link.from, static_cast<size_t>(graph.indexOf(link.to.action)), link.to.pin);
@@ -108,9 +113,10 @@ void Run::Private::endUnlinkedPins(const CorvantaGraph &graph)
 {
     for (const auto &node : nodes) {
         for (int pin = 0; pin < node->ports->pinsIn(); ++pin) {
-            const bool isLinked = std::any_of(graph.links.begin(), graph.links.end(), [&](const auto &link) {
-                return link.to.action == node->id && link.to.pin == pin;
-            });
+            const bool isLinked =
+                std::any_of(graph.links.begin(), graph.links.end(), [&](const auto &link) {
+                    return link.to.action == node->id && link.to.pin == pin;
+                });
             if (!isLinked) {
                 node->ports->gate().end(pin, std::make_shared<const TableSchema>());
             }
@@ -118,7 +124,8 @@ void Run::Private::endUnlinkedPins(const CorvantaGraph &graph)
     }
 }
 
-void Run::Private::add(const QString &id, std::unique_ptr<ActionItem> action, int pinsIn, const PinOptions &options)
+void Run::Private::add(const QString &id, std::unique_ptr<ActionItem> action, int pinsIn,
+                       const PinOptions &options)
 {
     if (!action) {
         throw std::bad_alloc(); // the type is known: validate() has seen it
@@ -134,7 +141,8 @@ void Run::Private::add(const QString &id, std::unique_ptr<ActionItem> action, in
     nodes.push_back(std::move(node));
 }
 
-void Run::Private::connect(const CorvantaGraph &graph, const CorvantaGraph::Pin &from, size_t to, int pin)
+void Run::Private::connect(const CorvantaGraph &graph, const CorvantaGraph::Pin &from, size_t to,
+                           int pin)
 {
     Node &source = *nodes[static_cast<size_t>(graph.indexOf(from.action))];
     source.ports->out(from.pin).addReader(&nodes[to]->ports->gate(), pin);
@@ -170,7 +178,8 @@ void Run::Private::callRun(Node &node)
             return;
         }
         if (control.isRunning()) {
-            control.yieldRequest = 0; // this action has yielded; others that were asked too yield later
+            control.yieldRequest =
+                0; // this action has yielded; others that were asked too yield later
         }
     }
 }
@@ -185,7 +194,8 @@ void Run::Private::closeAction(Node &node)
 /// A run that says it is done keeps its word through a power cut.
 void Run::Private::syncNewFiles()
 {
-    const QStringList failed = control.isRunning() ? UnsyncedNames::ofProcess().sync() : QStringList();
+    const QStringList failed =
+        control.isRunning() ? UnsyncedNames::ofProcess().sync() : QStringList();
     for (const QString &name : failed) {
         MainUI::addLog(MainUI::Error, u"Error: cannot write file '%1'\n"_s.arg(name));
         endRun(RunControl::Failed);
@@ -208,7 +218,8 @@ void Run::Private::runAndClose(Node &node)
         releaseAll();
     }
     closeAction(node);
-    // The end of the data comes last: what an action writes is complete when the next one sees the end.
+    // The end of the data comes last: what an action writes is complete when the next one sees the
+    // end.
     for (int i = 0; i < node.ports->pinsOut(); ++i) {
         node.ports->out(i).end();
     }

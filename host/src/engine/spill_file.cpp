@@ -19,7 +19,8 @@ void SpillFile::put(const BatchSlice &slice)
     for (int r = slice.first; r < slice.first + slice.count; ++r) {
         const uchar *const *const cells = slice.batch->row(r);
         for (int c = 0; c < slice.batch->columns; ++c) {
-            bytes.append(reinterpret_cast<const char *>(cells[c]), cell::bytesOf(schema.types[c].cellType(), cells[c]));
+            bytes.append(reinterpret_cast<const char *>(cells[c]),
+                         cell::bytesOf(schema.types[c].cellType(), cells[c]));
         }
     }
     if (!m_file->seek(m_writeAt) || m_file->write(bytes) != bytes.size()) {

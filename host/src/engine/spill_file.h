@@ -11,8 +11,8 @@
 
 namespace corvanta {
 
-/// Threads: one at a time. put() throws std::runtime_error when the file cannot be written, take() when
-/// it cannot be read back.
+/// Threads: one at a time. put() throws std::runtime_error when the file cannot be written, take()
+/// when it cannot be read back.
 class SpillFile
 {
 public:
