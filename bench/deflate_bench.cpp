@@ -1,7 +1,7 @@
 // bench/deflate_bench.cpp
 // Sheet XML into and out of a package: MB/s of XML, compressed size in the column "ratio".
-#include "io/package/package_reader.h"
-#include "io/package/package_writer.h"
+#include "codecs/zip/package_reader.h"
+#include "codecs/zip/package_writer.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 // The parts of a workbook as an update changes them: the first byte picks the part, the rest is its
 // text. What was well-formed stays so, and a sheet splits alike whatever the size of its pieces.
-#include "codecs/xlsx/package_parts.h"
+#include "codecs/opc/package_parts.h"
 #include "codecs/xlsx/sheet_splitter.h"
 #include "codecs/xlsx/styles_part.h"
 #include "codecs/xlsx/workbook_part.h"

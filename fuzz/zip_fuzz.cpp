@@ -1,6 +1,6 @@
 // fuzz/zip_fuzz.cpp
 // Any bytes as a package: whole reads and streams agree, and what was copied reads the same.
-#include "io/package/package_writer.h"
+#include "codecs/zip/package_writer.h"
 
 #include <cstdlib>
 

@@ -10,7 +10,7 @@
 // Documents with entities of their own (DTD) are left out: what they name is an unknown entity
 // here.
 #include "codecs/markup/xml_tokenizer.h"
-#include "io/package/package_reader.h"
+#include "codecs/zip/package_reader.h"
 #include "tests/support/corpus.h"
 
 #include <QDirIterator>

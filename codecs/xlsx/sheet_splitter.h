@@ -6,8 +6,8 @@
 // out (it is optional). Rows from the place on are dropped, and what follows sheetData is kept as
 // the tail. Memory: one piece and the tail.
 #pragma once
-#include "codecs/xlsx/markup_scan.h"
-#include "codecs/xlsx/namespaces.h"
+#include "codecs/opc/markup_scan.h"
+#include "codecs/opc/namespaces.h"
 
 namespace corvanta::xlsx {
 

@@ -1,7 +1,7 @@
 // codecs/xlsx/styles_part.h
 // Add the cell formats of dates and hyperlinks to the styles part of a workbook.
 #pragma once
-#include "codecs/xlsx/markup_scan.h"
+#include "codecs/opc/markup_scan.h"
 
 namespace corvanta::xlsx {
 

@@ -1,8 +1,8 @@
 // codecs/xlsx/workbook_part.h
 // The workbook part: its sheets, and what an update changes in its text.
 #pragma once
-#include "codecs/xlsx/markup_scan.h"
-#include "codecs/xlsx/namespaces.h"
+#include "codecs/opc/markup_scan.h"
+#include "codecs/opc/namespaces.h"
 
 #include <QStringList>
 

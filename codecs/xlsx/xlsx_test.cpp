@@ -1,4 +1,4 @@
-#include "codecs/xlsx/package_parts.h"
+#include "codecs/opc/package_parts.h"
 #include "codecs/xlsx/sheet_splitter.h"
 #include "codecs/xlsx/styles_part.h"
 #include "codecs/xlsx/workbook_part.h"

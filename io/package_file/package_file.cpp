@@ -1,7 +1,7 @@
 #include "io/package_file/package_file.h"
 
-#include "io/package/block_buffered_sink.h"
-#include "io/package/cached_source.h"
+#include "codecs/zip/block_buffered_sink.h"
+#include "codecs/zip/cached_source.h"
 
 namespace corvanta {
 

@@ -3,10 +3,10 @@
 //
 // On network drives reads go through a cache of 64 KiB and writes are collected in blocks of 5 MiB.
 #pragma once
+#include "codecs/zip/package_reader.h"
+#include "codecs/zip/package_writer.h"
 #include "corvanta/files.h"
 #include "corvanta/target_file.h"
-#include "io/package/package_reader.h"
-#include "io/package/package_writer.h"
 
 #include <functional>
 #include <memory>

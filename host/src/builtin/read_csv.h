@@ -1,9 +1,9 @@
 // host/src/builtin/read_csv.h
 // readCSV: rows from a text file with separators (RFC 4180, UTF-8).
 #pragma once
+#include "codecs/gzip/input_source.h"
 #include "corvanta/action_base.h"
 #include "corvanta/files.h"
-#include "io/unpack/input_source.h"
 
 #include <atomic>
 #include <memory>

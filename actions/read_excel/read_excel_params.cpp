@@ -1,0 +1,35 @@
+#include "actions/read_excel/read_excel_params.h"
+
+#include "actions/shared/reader_params.h"
+
+namespace corvanta {
+
+const ParamTable<ReadExcelParams> &readExcelParamTable()
+{
+    using P = ReadExcelParams;
+    static const ParamTable<P> table{
+        shared::fileNameFromPin<P>(),
+        number("sheetMode", &P::sheetMode)
+            .choices({"by number", "by name"})
+            .label("Select the sheet")
+            .meaning("Whether sheetIdx or sheetName selects the sheet."),
+        text("sheetIdx", &P::sheetIdx)
+            .label("Sheet number")
+            .meaning("Number of the sheet, from 1."),
+        text("sheetName", &P::sheetName).label("Sheet name").meaning("Name of the sheet."),
+        flag("firstLineContainsColumnNames", &P::firstLineContainsColumnNames)
+            .label("The first row holds the column names")
+            .meaning("Takes the column names from the first row. Off: columns are named after "
+                     "their letters."),
+        shared::outputFilenames<P>(),
+        shared::abortIfMissing<P>(),
+        text("fileName", &P::fileName)
+            .inputFile()
+            .always()
+            .label("File")
+            .meaning("Workbook to read, or a pattern such as *.xlsx."),
+    };
+    return table;
+}
+
+} // namespace corvanta

@@ -1,0 +1,17 @@
+// readers/read_excel_old.h
+// readExcelOld: rows from one worksheet of a legacy binary workbook.
+#pragma once
+#include "actions/read_excel/read_excel_params.h"
+#include "plugin/pending_action.h"
+
+namespace corvanta {
+
+class ActionReadExcelOld final : public PendingAction<ActionReadExcelOld, ReadExcelParams>
+{
+public:
+    ActionReadExcelOld(const XMLNode &saved, GlobalParameters *parameters);
+    static const ParamTable<ReadExcelParams> &paramTable() { return readExcelParamTable(); }
+    static int pinsInFor(const ReadExcelParams &params) { return params.fileNameFromPin ? 1 : 0; }
+};
+
+} // namespace corvanta

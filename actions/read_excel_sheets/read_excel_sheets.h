@@ -1,0 +1,24 @@
+// readers/read_excel_sheets.h
+// readExcelSheets: the sheet names of workbooks, one row per sheet.
+#pragma once
+#include "actions/read_excel_sheets/read_excel_sheets_params.h"
+#include "plugin/pending_action.h"
+
+namespace corvanta {
+
+class ActionReadExcelSheets final
+    : public PendingAction<ActionReadExcelSheets, ReadExcelSheetsParams>
+{
+public:
+    ActionReadExcelSheets(const XMLNode &saved, GlobalParameters *parameters);
+    static const ParamTable<ReadExcelSheetsParams> &paramTable()
+    {
+        return readExcelSheetsParamTable();
+    }
+    static int pinsInFor(const ReadExcelSheetsParams &params)
+    {
+        return params.fileNameFromPin ? 1 : 0;
+    }
+};
+
+} // namespace corvanta

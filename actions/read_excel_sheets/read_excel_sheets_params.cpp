@@ -1,0 +1,21 @@
+#include "actions/read_excel_sheets/read_excel_sheets_params.h"
+
+#include "actions/shared/reader_params.h"
+
+namespace corvanta {
+
+const ParamTable<ReadExcelSheetsParams> &readExcelSheetsParamTable()
+{
+    using P = ReadExcelSheetsParams;
+    static const ParamTable<P> table{
+        shared::fileNameFromPin<P>(),
+        text("fileName", &P::fileName)
+            .inputFile()
+            .always()
+            .label("File")
+            .meaning("Workbook whose sheets are listed, or a pattern such as *.xlsx."),
+    };
+    return table;
+}
+
+} // namespace corvanta

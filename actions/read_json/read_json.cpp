@@ -1,0 +1,203 @@
+#include "actions/read_json/read_json.h"
+
+#include "actions/shared/input_sample.h"
+#include "base/checked.h"
+#include "base/limits.h"
+#include "plugin/catalogue.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+using markup::JSONTokenizer;
+using markup::MarkupError;
+
+namespace {
+
+constexpr int kReportedErrors = 50;
+constexpr qint64 kTokenizerChars = 1'048'576;
+constexpr qint64 kMostFromColumns = 0x6000000;
+
+} // namespace
+
+ActionReadJSON::ActionReadJSON(const XMLNode &saved, GlobalParameters *parameters)
+    : ParamAction(catalogueRow("readJSON"), saved, parameters)
+{
+}
+
+void ActionReadJSON::start()
+{
+    finish();
+    m_errors = 0;
+    m_progress = 0;
+}
+
+void ActionReadJSON::finish()
+{
+    m_run.reset();
+    m_tokenizer.reset();
+}
+
+bool ActionReadJSON::step()
+{
+    return (!m_run && !prepare()) || m_run->step();
+}
+
+/// What the file holds; nothing, with a message, when there is no such file.
+std::optional<markup::SampledDocument> ActionReadJSON::sampled()
+{
+    InputSample sample(globalParameters(), expandFile(m_params.fileName));
+    if (!sample.isOpen()) {
+        fileIsMissing(sample.name());
+        return std::nullopt;
+    }
+    JSONTokenizer tokenizer(sample, kTokenizerChars, u"");
+    tokenizer.setPermissiveNumbers(m_params.permissiveNumbers);
+    return markup::sampleDocument(tokenizer, {m_params.autoFillNRows, {}, true});
+}
+
+bool ActionReadJSON::fill(int table)
+{
+    if (hasItems(m_params.levels) || isFromPin()) {
+        return true;
+    }
+    const auto document = sampled();
+    const markup::SampledTable *const chosen = document ? chooseTable(*document, table) : nullptr;
+    if (chosen != nullptr) {
+        m_params.levels = chosen->levels;
+        m_params.outputSubTags = m_params.outputSubTags || chosen->namesAreData;
+        m_params.newMode = true; // the paths begin at the document
+    }
+    return chosen != nullptr;
+}
+
+QVector<InputTable> ActionReadJSON::listTables()
+{
+    const auto document = isFromPin() ? std::nullopt : sampled();
+    return document ? listedTables(*document, m_params.levels) : QVector<InputTable>();
+}
+
+/// Make the run; false when it has failed or is over.
+bool ActionReadJSON::prepare()
+{
+    std::vector<ReadLevel> levels = m_params.levels;
+    if (m_params.readTagsFromInPin && !readTags(&levels)) {
+        return false;
+    }
+    if (!hasItems(levels)) {
+        return !fail(u"ReadJson error: nothing to extract"_s);
+    }
+    LevelRun::Input input;
+    input.fileName = expandFile(m_params.fileName);
+    input.isFromPin = isFromPin();
+    input.column = expandString(m_params.colJSON).trimmed();
+    input.mode = m_params.oneJSONPerRow ? PinText::Mode::RowByRow : PinText::Mode::Stream;
+    input.copiesInput = m_params.appendToRow;
+    input.namesFiles = m_params.outputFilenames;
+    input.retries = m_params.timeOut;
+    markup::ExtractOptions options;
+    options.outputSubTags = m_params.outputSubTags;
+    options.keepRoot = m_params.newMode;
+    m_run = std::make_unique<LevelRun>(*this, *m_control, static_cast<LevelRun::Format &>(*this),
+                                       std::move(input), expandedLevels(levels, *this), options,
+                                       &m_progress);
+    return true;
+}
+
+/// Rows of pin 1 become the items of the level that they name, or of the last one.
+bool ActionReadJSON::readTags(std::vector<ReadLevel> *levels)
+{
+    levels->resize(std::max<size_t>(levels->size(), 1));
+    for (ReadLevel &level : *levels) {
+        level.items.clear();
+    }
+    while (const OneRow *row = getNextRowFromInPin(1)) {
+        const auto textAt = [&](int column) {
+            return column >= 0 && column < row->numberOfColumns()
+                       ? row->col(column, static_cast<unsigned short *>(nullptr))
+                       : QString();
+        };
+        const int pathColumn = row->getIndexOfColumn(u"path"_s);
+        const bool isNamed = pathColumn >= 0;
+        const QString path = textAt(isNamed ? pathColumn : 0);
+        const QString name = textAt(isNamed ? row->getIndexOfColumn(u"name"_s) : 1);
+        const QString tagName = isNamed ? textAt(row->getIndexOfColumn(u"tagName"_s)) : QString();
+        const auto level = isNamed ? textAt(row->getIndexOfColumn(u"level"_s)).toULongLong() : 0;
+        ReadLevel &target =
+            level >= 1 && level <= levels->size() ? (*levels)[level - 1] : levels->back();
+        target.items.push_back(
+            {path, name, xmltob(reinterpret_cast<const char16_t *>(tagName.utf16()), 0) != 0});
+    }
+    return runIsGood();
+}
+
+qint64 ActionReadJSON::bufferBytes() const
+{
+    const qint64 fromColumns =
+        std::min<qint64>(10 * qint64(m_run->columnCount()), kMostFromColumns);
+    return std::max(fromColumns, clampedMiBToBytes(m_params.bufferSize));
+}
+
+markup::MarkupTokenizer *ActionReadJSON::beginDocument(ByteSource &source, const QString &)
+{
+    constexpr int kCharsPerByte = 3;
+    if (m_tokenizer) {
+        m_tokenizer->restart(source);
+    } else {
+        m_tokenizer = std::make_unique<JSONTokenizer>(source, kTokenizerChars, u"");
+        m_tokenizer->setPermissiveNumbers(m_params.permissiveNumbers);
+        m_tokenizer->setBufferSize(kCharsPerByte * bufferBytes());
+        m_run->setBlockSize(std::min(bufferBytes(), limits::kTreeArenaBytes));
+    }
+    if (isFromPin()) {
+        m_tokenizer->setEncoding(markup::CharMode::Utf8, QByteArray(), markup::InvalidBytes::Fail);
+    }
+    return m_tokenizer.get();
+}
+
+bool ActionReadJSON::documentFails(const markup::MarkupResult &result, const QString &name,
+                                   const QString &why)
+{
+    if (isFromPin() && result.error == MarkupError::NoTagFound) {
+        return true;
+    }
+    if (!why.isEmpty()) {
+        MainUI::addLog(m_params.ignoreErrors ? MainUI::Warning : MainUI::Error, why);
+    }
+    const auto text = QString::fromUtf16(markup::errorText(result.error));
+    if (!m_params.ignoreErrors) {
+        return !fail(u"ERROR: JSON structure error '%1' in file '%3' at line %2\n"_s.arg(
+            text, QString::number(result.line), name));
+    }
+    if (m_errors < kReportedErrors) {
+        warn(u"Warning: JSON structure error '%1' in file '%3' at line %2\n"_s.arg(
+            text, QString::number(result.line), name));
+        if (++m_errors == kReportedErrors) {
+            warn(u"More JSON Errors won't be reported"_s);
+        }
+    }
+    return true;
+}
+
+bool ActionReadJSON::fileIsMissing(const QString &name)
+{
+    if (m_params.abortIfMissing) {
+        return !fail(u"Error: The json file '%1' does not exists"_s.arg(name));
+    }
+    warn(u"Warning: The json file '%1' does not exists"_s.arg(name));
+    return true;
+}
+
+void ActionReadJSON::columnIsMissing(const QString &name)
+{
+    fail(u"ERROR: JSON parsing Error: Cannot find column '"_s + name + u"'\n"_s);
+}
+
+void ActionReadJSON::pathIsMissing(const QString &path, const QString &name)
+{
+    warn(u"Warning: can't find path '"_s + path + u"' inside file '"_s + name + u"'\n"_s);
+}
+
+} // namespace corvanta

@@ -1,0 +1,42 @@
+#include "actions/read_stat/read_stat_params.h"
+
+#include "actions/shared/reader_params.h"
+
+namespace corvanta {
+
+const ParamTable<ReadStatParams> &readStatParamTable()
+{
+    using P = ReadStatParams;
+    static const ParamTable<P> table{
+        shared::fileNamesFromPin<P>(),
+        flag("outputFilenames", &P::outputFilenames)
+            .label("Add a column with the file name")
+            .meaning("Adds the last column _Filename with the name of the file of each row."),
+        flag("columnNamefromLabel", &P::columnNamefromLabel)
+            .label("Columns are named after the labels")
+            .meaning("Names the columns after the labels of the variables instead of their names."),
+        flag("extractLabels", &P::extractLabels)
+            .label("Output value labels")
+            .meaning("Gives the labels of labelled values instead of the values."),
+        number("fileFormat", &P::fileFormat)
+            .choices({"SAS File (.sas7bdat)", "SPSS File (.sav)", "SPSS File (.por)",
+                      "Stata File (.dta)"})
+            .label("Format")
+            .meaning("Format of the data set. Without it the ending of the file name decides."),
+        number("bufferSize", &P::bufferSize)
+            .range(1, 2047)
+            .label("Buffer")
+            .meaning("Size of the buffer between parser and rows, in MB."),
+        text("encoding", &P::encoding)
+            .label("Encoding")
+            .meaning("Encoding of the texts in the file, for example UTF-8."),
+        text("fileName", &P::fileName)
+            .inputFile()
+            .always()
+            .label("File")
+            .meaning("Data set to read."),
+    };
+    return table;
+}
+
+} // namespace corvanta

@@ -1,0 +1,36 @@
+#include "actions/read_xbf/read_xbf_params.h"
+
+#include "actions/shared/reader_params.h"
+
+namespace corvanta {
+
+const ParamTable<ReadXbfParams> &readXbfParamTable()
+{
+    using P = ReadXbfParams;
+    static const ParamTable<P> table{
+        text("fileName", &P::fileName)
+            .inputFile()
+            .label("File")
+            .meaning("Table to read, or a pattern such as *.dbf; all tables must have the columns "
+                     "of the first."),
+        shared::bufferSize<P>(),
+        number("encoding", &P::encoding)
+            .choices({"Latin 1 (Windows 1252)", "encoding of the system", "UTF-8"})
+            .label("Encoding")
+            .meaning("Encoding of character and memo fields. Any other value keeps the bytes as "
+                     "they are."),
+        flag("useDBT", &P::useDBT)
+            .label("Read memo fields")
+            .meaning("Reads the texts of memo fields from the memo file beside the table."),
+        flag("dbtInRam", &P::dbtInRam)
+            .label("load the full Memo/DBT/FPT file in memory for faster processing.")
+            .meaning("Loads the whole memo file into memory. Off: it is read through a buffer."),
+        flag("level7", &P::level7)
+            .label("dBase level 7 or above")
+            .meaning("The tables have the longer header of dBase 7 and above. Tables whose "
+                     "descriptors make sense in one way only are read right either way."),
+    };
+    return table;
+}
+
+} // namespace corvanta

@@ -1,0 +1,59 @@
+// readers/read_xml.h
+// readXML: rows from the levels of XML and HTML files, or of XML texts that come in rows.
+#pragma once
+#include "actions/read_xml/read_xml_params.h"
+#include "actions/shared/input_sample.h"
+#include "actions/shared/level_run.h"
+#include "codecs/markup/xml_tokenizer.h"
+#include "corvanta/action_base.h"
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace corvanta {
+
+class ActionReadXML final : public ParamAction<ActionReadXML, ReadXmlParams>,
+                            private LevelRun::Format
+{
+public:
+    ActionReadXML(const XMLNode &saved, GlobalParameters *parameters);
+    static const ParamTable<ReadXmlParams> &paramTable() { return readXmlParamTable(); }
+    static int pinsInFor(const ReadXmlParams &params) { return params.fromInputPin != 0 ? 1 : 0; }
+    float computeCompletion() override { return m_progress; }
+
+private:
+    void start() override;
+    bool step() override;
+    void finish() override;
+    QVector<InputTable> listTables() override;
+    bool fill(int table) override;
+
+    std::unique_ptr<markup::XMLTokenizer> makeTokenizer(ByteSource &source) const;
+    bool prepare();
+    std::vector<ReadLevel> levels() const;
+    markup::ExtractOptions extractOptions() const;
+    bool chooseEncoding(markup::XMLTokenizer &tokenizer, const QString &name);
+    std::optional<markup::SampledDocument> sampled();
+    bool sampleWith(const std::function<void(markup::XMLTokenizer &)> &look);
+    void warnDroppedBytes(const QString &name);
+    bool isFromPin() const { return m_params.fromInputPin != 0; }
+
+    markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) override;
+    void documentEnds(const QString &name) override { warnDroppedBytes(name); }
+    bool documentFails(const markup::MarkupResult &result, const QString &name,
+                       const QString &why) override;
+    bool fileIsMissing(const QString &name) override;
+    void columnIsMissing(const QString &name) override;
+    void pathIsMissing(const QString &path, const QString &name) override;
+    bool isInsideValue() const override { return false; }
+
+    std::unique_ptr<LevelRun> m_run;
+    std::unique_ptr<markup::XMLTokenizer> m_tokenizer;
+    CappedLog m_corrupted;
+    std::atomic<float> m_progress = 0;
+};
+
+} // namespace corvanta

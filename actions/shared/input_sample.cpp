@@ -1,0 +1,79 @@
+#include "actions/shared/input_sample.h"
+
+#include "corvanta/files.h"
+#include "corvanta/main_ui.h"
+
+#include <numeric>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+constexpr qint64 kSampleBytes = qint64(64) << 20;
+constexpr qsizetype kToldPaths = 20;
+
+QString firstFile(const QString &pattern)
+{
+    QStringList files;
+    listFiles(pattern, &files);
+    return files.value(0);
+}
+
+} // namespace
+
+InputSample::InputSample(GlobalParameters *parameters, const QString &name)
+    : m_name(firstFile(name))
+    , m_file(parameters, m_name, true)
+{
+}
+
+qint64 InputSample::read(void *buffer, qint64 n)
+{
+    return m_file.read(buffer, std::min(n, kSampleBytes - m_file.position()));
+}
+
+void logNoSuchTable(int table, size_t count)
+{
+    MainUI::addLog(MainUI::Error,
+                   u"Error: there is no table number %1 among the %2 of the file\n"_s.arg(
+                       QString::number(table + 1), QString::number(count)));
+}
+
+const markup::SampledTable *chooseTable(const markup::SampledDocument &document, int table)
+{
+    const size_t index = table < 0 ? document.largest : static_cast<size_t>(table);
+    if (index >= document.tables.size()) {
+        logNoSuchTable(table, document.tables.size());
+        return nullptr;
+    }
+    const markup::SampledTable &chosen = document.tables[index];
+    const qsizetype left = chosen.leftOut.size();
+    if (left > 0) {
+        const QString more =
+            left > kToldPaths ? u", and %1 more"_s.arg(left - kToldPaths) : QString();
+        MainUI::addLog(MainUI::Info,
+                       u"Repeated parts of the records that are not read: %1%2\n"_s.arg(
+                           chosen.leftOut.mid(0, kToldPaths).join(u", "_s), more));
+    }
+    return &chosen;
+}
+
+QVector<InputTable> listedTables(const markup::SampledDocument &document,
+                                 const std::vector<markup::Level> &levels)
+{
+    QVector<InputTable> listed;
+    for (const markup::SampledTable &table : document.tables) {
+        const auto add = [](qsizetype sum, const markup::Level &level) {
+            return sum + static_cast<qsizetype>(level.items.size());
+        };
+        const qsizetype columns =
+            std::accumulate(table.levels.begin(), table.levels.end(), qsizetype(0), add);
+        listed.push_back({table.path, table.rows, columns, table.beginning.join(u", "_s),
+                          table.levels == levels});
+    }
+    return listed;
+}
+
+} // namespace corvanta

@@ -1,0 +1,81 @@
+#include "actions/shared/pin_text.h"
+
+#include "base/utf.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace corvanta {
+
+namespace {
+
+/// Put in front of a document and behind it. As many bytes as a decoder looks at to find a
+/// byte-order mark, so that it does not ask for the next row to see them.
+constexpr size_t kBlanks = 4;
+
+} // namespace
+
+PinText::PinText(ActionItem &action, int column, Mode mode, const OneRow *first,
+                 std::function<bool()> isInsideValue)
+    : m_action(action)
+    , m_column(column)
+    , m_mode(mode)
+    , m_isInsideValue(std::move(isInsideValue))
+    , m_first(first)
+{
+}
+
+const OneRow *PinText::takeRow()
+{
+    if (const OneRow *const first = std::exchange(m_first, nullptr)) {
+        return first;
+    }
+    return m_action.getNextRowFromInPin(0);
+}
+
+bool PinText::nextRow()
+{
+    constexpr char16_t kMark = 0xFEFF;
+    m_bytes.clear();
+    m_at = 0;
+    while ((m_row = takeRow()) != nullptr) {
+        ++m_rowNumber;
+        const unsigned short *units = nullptr;
+        qsizetype n = m_row->col(m_column, &units);
+        const auto *text = reinterpret_cast<const char16_t *>(units);
+        const bool isMarked = n > 0 && *text == kMark;
+        text += isMarked ? 1 : 0;
+        n -= isMarked ? 1 : 0;
+        if (n > 0) {
+            m_bytes.assign(kBlanks + static_cast<size_t>(n) * 3, ' ');
+            m_bytes.resize(kBlanks +
+                           static_cast<size_t>(utf16ToUtf8(text, n, m_bytes.data() + kBlanks)));
+            m_isParted = false;
+            return true;
+        }
+    }
+    return false;
+}
+
+qint64 PinText::read(void *buffer, qint64 n)
+{
+    if (m_at == m_bytes.size() && m_mode == Mode::Stream) {
+        if (!m_isParted && !m_isInsideValue()) {
+            // A number at the top has its end here, while its row is still the one at hand.
+            m_bytes.assign(kBlanks, ' ');
+            m_at = 0;
+            m_isParted = true;
+        } else if (nextRow()) {
+            m_at = kBlanks;
+        } else {
+            return 0;
+        }
+    }
+    const qint64 take = std::min(n, static_cast<qint64>(m_bytes.size() - m_at));
+    std::memcpy(buffer, m_bytes.data() + m_at, static_cast<size_t>(take));
+    m_at += static_cast<size_t>(take);
+    return take;
+}
+
+} // namespace corvanta

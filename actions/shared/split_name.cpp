@@ -1,0 +1,74 @@
+#include "actions/shared/split_name.h"
+
+#include <QCryptographicHash>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+constexpr qsizetype kMostBytes = 200;
+constexpr qsizetype kDigestDigits = 16;
+
+bool isHexDigit(QChar c)
+{
+    return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
+}
+
+bool isEscapeLike(const QString &value, qsizetype at)
+{
+    return value[at] == u'%' && at + 2 < value.size() && isHexDigit(value[at + 1]) &&
+           isHexDigit(value[at + 2]);
+}
+
+bool isReserved(QChar c)
+{
+    return c < u' ' || c == u'\x7F' || u"<>:\"/\\|?*"_s.contains(c);
+}
+
+QString percentForm(QChar c)
+{
+    return u'%' + QString::number(c.unicode(), 16).toUpper().rightJustified(2, u'0');
+}
+
+/// The most of `text` that fits into `bytes` bytes of UTF-8.
+QString cutToBytes(QString text, qsizetype bytes)
+{
+    text.truncate(bytes);
+    while (text.toUtf8().size() > bytes || (!text.isEmpty() && text.back().isHighSurrogate())) {
+        text.chop(1);
+    }
+    return text;
+}
+
+} // namespace
+
+QString fileNamePart(const QString &value)
+{
+    QString part = u""_s; // never null
+    for (qsizetype i = 0; i < value.size(); ++i) {
+        part += isReserved(value[i]) || isEscapeLike(value, i) ? percentForm(value[i])
+                                                               : QString(value[i]);
+    }
+    if (part == "."_L1 || part == ".."_L1) {
+        part.replace(u'.', percentForm(u'.'));
+    }
+    if (part.toUtf8().size() <= kMostBytes) {
+        return part;
+    }
+    const QByteArray digest =
+        QCryptographicHash::hash(value.toUtf8(), QCryptographicHash::Sha256).toHex();
+    return cutToBytes(part, kMostBytes - kDigestDigits - 1) + u'~' +
+           QLatin1StringView(digest.first(kDigestDigits));
+}
+
+QString withPartBeforeExtension(const QString &name, const QString &part)
+{
+    const qsizetype lastSlash = qMax(name.lastIndexOf(u'/'), name.lastIndexOf(u'\\'));
+    const qsizetype dot = name.lastIndexOf(u'.');
+    QString result = name;
+    return result.insert(dot > lastSlash ? dot : name.size(), part);
+}
+
+} // namespace corvanta

@@ -1,0 +1,16 @@
+// writers/write_doc.h
+// writeDoc: texts and images at the markers of Word and PowerPoint templates, one document per row.
+#pragma once
+#include "actions/write_doc/write_doc_params.h"
+#include "plugin/pending_action.h"
+
+namespace corvanta {
+
+class ActionWriteDoc final : public PendingAction<ActionWriteDoc, WriteDocParams>
+{
+public:
+    ActionWriteDoc(const XMLNode &saved, GlobalParameters *parameters);
+    static const ParamTable<WriteDocParams> &paramTable() { return writeDocParamTable(); }
+};
+
+} // namespace corvanta

@@ -1,0 +1,23 @@
+// writers/write_doc_table.h
+// writeDocTable: formatted tables at the markers of a Word template, one per input pin.
+#pragma once
+#include "actions/write_doc_table/write_doc_table_params.h"
+#include "plugin/pending_action.h"
+
+namespace corvanta {
+
+class ActionWriteDocTable final : public PendingAction<ActionWriteDocTable, WriteDocTableParams>
+{
+public:
+    ActionWriteDocTable(const XMLNode &saved, GlobalParameters *parameters);
+    static const ParamTable<WriteDocTableParams> &paramTable() { return writeDocTableParamTable(); }
+    static int pinsInFor(const WriteDocTableParams &params)
+    {
+        return static_cast<int>(params.tables.size());
+    }
+
+    void addPinIn() override;
+    void removePinIn() override;
+};
+
+} // namespace corvanta

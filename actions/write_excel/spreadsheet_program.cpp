@@ -1,0 +1,191 @@
+#include "actions/write_excel/spreadsheet_program.h"
+
+#include "base/platform/process.h"
+#include "codecs/sheet/new_workbook.h"
+#include "codecs/xlsx/workbook_part.h"
+#include "corvanta/main_ui.h"
+#include "io/package_file/package_file.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QUrl>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+constexpr int kStartMs = 30'000;
+constexpr int kRunMs = 180'000;
+constexpr int kSliceMs = 50;
+
+/// Run a program to its end; false when it did not start, failed, or had to be ended.
+bool runProgram(const QString &program, const QStringList &arguments,
+                const std::function<bool()> &mayGoOn)
+{
+    QProcess process;
+    platform::makeGroup(process);
+    process.start(program, arguments);
+    if (!process.waitForStarted(kStartMs)) {
+        return false;
+    }
+    platform::addToJob(process, MainUI::getJobHandle());
+    process.closeReadChannel(QProcess::StandardOutput);
+    process.closeReadChannel(QProcess::StandardError);
+    process.closeWriteChannel();
+    QElapsedTimer clock;
+    clock.start();
+    while (!process.waitForFinished(kSliceMs)) {
+        if (process.state() == QProcess::NotRunning) {
+            break;
+        }
+        if (clock.elapsed() > kRunMs || !mayGoOn()) {
+            platform::killWithChildren(process);
+            return false;
+        }
+    }
+    return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+}
+
+#ifdef Q_OS_WIN
+
+bool makeScript(const QString &name)
+{
+    static const char kScript[] =
+        "If WScript.Arguments.Count < 1 Then\r\n"
+        "  WScript.Echo \"Please specify the excel file. Usage: corvanta_xlsx_update "
+        "<xlsx_source_file>\"\r\n"
+        "  WScript.Quit\r\n"
+        "End If\r\n"
+        "Dim application, workbook\r\n"
+        "Set application = CreateObject(\"Excel.Application\")\r\n"
+        "Set workbook = application.Workbooks.Open(WScript.Arguments.Item(0))\r\n"
+        "application.DisplayAlerts = False\r\n"
+        "workbook.Save\r\n"
+        "application.Quit\r\n";
+    QFile script(name);
+    return script.exists() || (script.open(QIODevice::WriteOnly) &&
+                               script.write(kScript) == qint64(sizeof kScript - 1));
+}
+
+#else
+
+bool writeWhole(const QString &name, const QByteArray &content)
+{
+    QFile file(name);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush();
+}
+
+/// A profile of its own: it disturbs no program that the user has open, and makes the program
+/// calculate every formula when it opens a workbook.
+bool makeProfile(const QDir &profile)
+{
+    static const QByteArray kSettings =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+        "<oor:items xmlns:oor=\"http://openoffice.org/2001/registry\">"
+        "<item oor:path=\"/org.openoffice.Office.Calc/Formula/Load\">"
+        "<prop oor:name=\"OOXMLRecalcMode\" "
+        "oor:op=\"fuse\"><value>0</value></prop></item></oor:items>\n";
+    return profile.mkpath(u"user"_s) &&
+           writeWhole(profile.filePath(u"user/registrymodifications.xcu"_s), kSettings);
+}
+
+/// The names of a workbook's sheets; nothing when it cannot be read or a member is damaged.
+std::optional<QStringList> soundSheetNames(const QString &file)
+{
+    const auto input = PackageInput::open(nullptr, file);
+    if (!input) {
+        return std::nullopt;
+    }
+    package::PackageReader &reader = (*input)->reader();
+    for (const package::Member &member : reader.members()) {
+        if (!reader.readRaw(member)) {
+            return std::nullopt;
+        }
+    }
+    const auto text = reader.readWhole(sheet::kWorkbookMember);
+    const auto workbook =
+        text ? xlsx::readWorkbook(*text) : Fault<xlsx::Error>{xlsx::Error::Unexpected};
+    return workbook ? std::optional<QStringList>(workbook->sheetNames()) : std::nullopt;
+}
+
+bool replaceBy(const QString &file, const QString &result, int action)
+{
+    QFile source(result);
+    TargetFile target;
+    if (!source.open(QIODevice::ReadOnly) || !target.open(file, action)) {
+        return false;
+    }
+    constexpr qint64 kPieceBytes = 1 << 20;
+    while (!source.atEnd()) {
+        const QByteArray piece = source.read(kPieceBytes);
+        if (piece.isEmpty() || !target.file().write(piece.constData(), piece.size())) {
+            return false;
+        }
+    }
+    return target.commit();
+}
+
+#endif
+
+} // namespace
+
+#ifdef Q_OS_WIN
+
+bool recalculateWorkbook(const QString &file, const QString &scriptFolder, int,
+                         const std::function<bool()> &mayGoOn)
+{
+    const QString script = QDir(scriptFolder).filePath(u"corvanta_xlsx_update.vbs"_s);
+    const auto native = [](QString path) { return path.replace(u'/', u'\\'); };
+    return makeScript(script) &&
+           runProgram(u"cscript"_s, {u"//B"_s, u"//NoLogo"_s, native(script), native(file)},
+                      mayGoOn);
+}
+
+#else
+
+bool recalculateWorkbook(const QString &file, const QString &, int action,
+                         const std::function<bool()> &mayGoOn)
+{
+    QString program = QStandardPaths::findExecutable(u"soffice"_s);
+    if (program.isEmpty()) {
+        program = QStandardPaths::findExecutable(u"libreoffice"_s);
+    }
+    const QTemporaryDir folder;
+    if (program.isEmpty() || !folder.isValid()) {
+        return false;
+    }
+    const bool hasMacros = file.endsWith(u".xlsm"_s, Qt::CaseInsensitive);
+    const QString name = hasMacros ? u"book.xlsm"_s : u"book.xlsx"_s;
+    const QString filter =
+        hasMacros ? u"xlsm:Calc MS Excel 2007 VBA XML"_s : u"xlsx:Calc MS Excel 2007 XML"_s;
+    const QString profile = folder.filePath(u"profile"_s);
+    const QString copy = folder.filePath(name);
+    const QString outFolder = folder.filePath(u"out"_s);
+    const QString result = outFolder + u'/' + name;
+    const auto written = soundSheetNames(file);
+    if (!written || !makeProfile(QDir(profile)) || !QFile::copy(file, copy)) {
+        return false;
+    }
+    const QStringList arguments{u"-env:UserInstallation="_s +
+                                    QUrl::fromLocalFile(profile).toString(),
+                                u"--headless"_s,
+                                u"--norestore"_s,
+                                u"--convert-to"_s,
+                                filter,
+                                u"--outdir"_s,
+                                outFolder,
+                                copy};
+    return runProgram(program, arguments, mayGoOn) && soundSheetNames(result) == written &&
+           replaceBy(file, result, action);
+}
+
+#endif
+
+} // namespace corvanta

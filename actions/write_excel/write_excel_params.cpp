@@ -1,0 +1,133 @@
+#include "actions/write_excel/write_excel_params.h"
+
+#include "actions/shared/writer_params.h"
+
+namespace corvanta {
+
+void adjustWriteExcelDefaults(WriteExcelParams &params, double savedVersion)
+{
+    constexpr double kTitleRowLeftOutSince = 2.56;
+    constexpr double kDateHackSince = 3.04;
+    params.nrIncludeTitleRow = savedVersion <= kTitleRowLeftOutSince;
+    params.excelHack = savedVersion >= kDateHackSince;
+}
+
+const ParamTable<WriteExcelParams> &writeExcelParamTable()
+{
+    using P = WriteExcelParams;
+    static const ParamTable<P> table{
+        number("mode", &P::mode)
+            .label("What to do")
+            .choices({"Create a new Excel File (or overwrite an existing file)",
+                      "Update an existing File by adding a new Sheet",
+                      "Update an existing File by changing an existing Sheet",
+                      "Copy and update the duplicate by adding a new Sheet",
+                      "Copy and update the duplicate by changing an existing Sheet"})
+            .meaning("Whether a new workbook is made, or an existing one is updated in place or "
+                     "into a copy."),
+        text("fileNameSource", &P::fileNameSource)
+            .inputFile()
+            .label("Workbook to copy")
+            .meaning("Workbook that modes 3 and 4 read; it is not changed."),
+        text("fileNameDestination", &P::fileNameDestination)
+            .outputFile()
+            .label("Workbook to write")
+            .meaning("Workbook that is written; modes 1 and 2 read it first."),
+        number("sheetMode", &P::sheetMode)
+            .choices({"by number", "by name"})
+            .label("Select the sheet")
+            .meaning("How modes 2 and 4 find the sheet to change: by sheetIdx or by sheetName. Any "
+                     "other value adds a sheet."),
+        text("sheetIdx", &P::sheetIdx)
+            .label("Sheet number")
+            .meaning("Number of the sheet, from 1."),
+        text("sheetName", &P::sheetName)
+            .label("Sheet name")
+            .meaning("Name of the new sheet or of the sheet to change."),
+        text("startRow", &P::startRow)
+            .label("Overwrite sheet content starting at row:\n(use \"0\" to append rows at the end "
+                   "of the sheet)")
+            .meaning("First row that modes 2 and 4 overwrite; 0 appends behind the last row."),
+        text("namedRange", &P::namedRange)
+            .label("Defined name")
+            .meaning("Name given to the cells that are written; empty for none."),
+        flag("nrIncludeTitleRow", &P::nrIncludeTitleRow)
+            .label("The defined name includes the header row")
+            .meaning("The cells of the defined name include the header row. Default on in graphs "
+                     "saved by version 2.56 or older."),
+        shared::floatToString<P>(),
+        flag("createIfNotExists", &P::createIfNotExists)
+            .label("Create the Excel file and/or the Excel Sheet if it does not exists")
+            .meaning("Creates a missing workbook or sheet. Off: it is an error."),
+        shared::checkNameCollision<P>(),
+        flag("forceRecompute", &P::forceRecompute)
+            .label("Recompute formulas when the workbook is opened")
+            .meaning("Marks an updated workbook for a full calculation on load."),
+        shared::writeAllColumns<P>(
+            "Writes every column. Off: only the columns of ToWrite, in that order."),
+        flag("firstLineContainsColumnNames", &P::firstLineContainsColumnNames)
+            .label("Write the column names")
+            .meaning("Writes a header row with the column names."),
+        flag("noNans", &P::noNans)
+            .label("Leave cells of NaN and infinite numbers empty")
+            .meaning("Leaves cells of NaN and infinite numbers empty. Off: they are written as the "
+                     "texts nan, inf and -inf."),
+        flag("useComma", &P::useComma)
+            .label("Decimal comma")
+            .meaning("Kept with the graph; has no effect on the cells."),
+        flag("createDir", &P::createDir)
+            .label("Create the folder of the workbook")
+            .meaning("Creates missing folders of a new workbook."),
+        flag("alwaysWrite", &P::alwaysWrite)
+            .label("Write a workbook also without rows")
+            .meaning("Writes the sheet with its header row also when there is no row."),
+        flag("equalisFormula", &P::equalisFormula)
+            .label("Texts that start with \"=\" are formulas")
+            .meaning(
+                "Text cells that start with \"=\" are written as formulas, in all text columns."),
+        flag("runExcel", &P::runExcel)
+            .label("Let the spreadsheet application recompute and save the workbook")
+            .meaning("Opens and saves the written workbook with the spreadsheet application that "
+                     "is installed."),
+        flag("excelHack", &P::excelHack)
+            .label("Dates before March 1900 as the spreadsheet counts them")
+            .meaning("Date serials below 61 are decreased by one. Default off in graphs saved "
+                     "before version 3.04."),
+        flag("urlTag", &P::urlTag)
+            .label("URL(\"label\",\"url\") is a hyperlink")
+            .meaning(
+                "Text cells of the form URL(\"label\",\"url\") or URL(\"url\") become hyperlinks."),
+        flag("crop", &P::crop)
+            .label("Cut cells below 32768 characters")
+            .meaning(
+                "Cuts cells below 32768 characters. Off: they are written whole, with a warning."),
+        number("dateFormatType", &P::dateFormatType)
+            .choices({"own format", "system short date", "system long date", "system short time",
+                      "system long time", "system short date and time",
+                      "system long date and time"})
+            .label("Format of the dates in the table")
+            .meaning("How the texts of the ToDate columns are read."),
+        text("dateFormat", &P::dateFormat)
+            .label("Own date format")
+            .meaning("Format of the dates, for example yyyy-MM-dd or dd/MM/yyyy hh:mm:ss."),
+        number("dateFormatExcel", &P::dateFormatExcel)
+            .choices({"yyyy-MM-dd", "yyyy-MM-dd h:mm", "yyyy-MM-dd h:mm:ss",
+                      "system date and time, short", "system date, short", "d-MMM-yy", "d-MMM",
+                      "MMM-yy", "h:mm AM/PM", "h:mm:ss AM/PM", "h:mm", "h:mm:ss"})
+            .label("Display of date cells")
+            .meaning("Number format of the date cells in the sheet."),
+        shared::testCol<P>(),
+        shared::testValue<P>(),
+        shared::writeAllRows<P>(),
+        shared::columnsToWrite("ToWrite", &P::toWrite),
+        strings("ToDate", &P::toDate)
+            .label("Date columns")
+            .meaning("Text columns that are written as dates."),
+        strings("ToFormula", &P::toFormula)
+            .label("Formula columns")
+            .meaning("Text columns that are written as formulas."),
+    };
+    return table;
+}
+
+} // namespace corvanta

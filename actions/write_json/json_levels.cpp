@@ -1,0 +1,146 @@
+#include "actions/write_json/json_levels.h"
+
+#include "codecs/compose/escape.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+using compose::FixedText;
+using Compiled = LevelCompiler::Compiled;
+using Kind = ComposeOperation::Kind;
+
+/// The numbers of the item types in saved graphs.
+enum ItemType {
+    Text = 0,
+    Dictionary = 1,
+    SomeDictionary = 2,
+    Array = 3,
+    SomeArray = 4,
+    SubLevel = 5,
+    Comma = 6,
+    AsIs = 7
+};
+
+/// `name` in quotes and a colon.
+template <class Escapes> FixedText keyText(const QString &name)
+{
+    const std::u16string plain = name.toStdU16String();
+    std::u16string escaped(plain.size() * Escapes::kWorst, u'\0');
+    const char16_t *const end = compose::putEscaped<Escapes>(
+        plain.data(), static_cast<qsizetype>(plain.size()), escaped.data());
+    escaped.resize(static_cast<size_t>(end - escaped.data()));
+    return FixedText(u'"' + escaped + u"\":");
+}
+
+class JsonItems
+{
+public:
+    JsonItems(const LevelCompiler &compiler, const std::vector<WriteLevel> &levels,
+              ComposeOperation::TextForm form)
+        : m_compiler(compiler)
+        , m_levels(levels)
+        , m_form(form)
+    {
+    }
+
+    Compiled compile(size_t level, size_t index) const
+    {
+        const WriteItem &item = m_levels[level].items[index];
+        switch (item.type) {
+        case Text:
+            return ComposeOperation{Kind::Text, m_form, FixedText(item.text.toStdU16String())};
+        case Dictionary:
+            return values(m_compiler.findAll(), true, QString());
+        case Array:
+            return values(m_compiler.findAll(), false, QString());
+        case SomeDictionary:
+        case SomeArray:
+            return someValues(item);
+        case SubLevel:
+            return m_compiler.callOf(item.calledLevel);
+        case Comma:
+            return comma(level, index);
+        case AsIs:
+            return asIs(item);
+        default: // Kept as required: items of an unknown type write nothing.
+            return ComposeOperation{};
+        }
+    }
+
+private:
+    FixedText key(const QString &name) const
+    {
+        return m_form == ComposeOperation::TextForm::JsonStrict
+                   ? keyText<compose::JsonStrictEscapes>(name)
+                   : keyText<compose::JsonEscapes>(name);
+    }
+
+    Compiled values(std::vector<ComposeOperation::Column> columns, bool hasKeys,
+                    const QString &prefix) const
+    {
+        for (ComposeOperation::Column &column : columns) {
+            const QString name = m_compiler.columns().colName(column.input);
+            const bool isCut = !prefix.isEmpty() && name.startsWith(prefix);
+            column.before = hasKeys ? key(isCut ? name.mid(prefix.size()) : name) : FixedText();
+        }
+        return ComposeOperation{Kind::Values, m_form, FixedText(u","), {}, std::move(columns)};
+    }
+
+    Compiled someValues(const WriteItem &item) const
+    {
+        auto columns = m_compiler.find(item.columns);
+        if (!columns) {
+            return columns.fault();
+        }
+        return values(*std::move(columns), item.type == SomeDictionary, item.p1);
+    }
+
+    Compiled comma(size_t level, size_t index) const
+    {
+        const int before = index > 0 ? m_levels[level].items[index - 1].type : Text;
+        if (before != Dictionary && before != SomeDictionary) {
+            return Fault{WriteProblem::NoDictionary};
+        }
+        return ComposeOperation{Kind::CommaIfWritten};
+    }
+
+    Compiled asIs(const WriteItem &item) const
+    {
+        if (item.columns.isEmpty()) {
+            return Fault{WriteProblem::NoColumnListed};
+        }
+        auto columns = m_compiler.find(item.columns.mid(0, 1));
+        if (!columns) {
+            return columns.fault();
+        }
+        return ComposeOperation{Kind::RawValue, m_form, {}, {}, *std::move(columns)};
+    }
+
+    const LevelCompiler &m_compiler;
+    const std::vector<WriteLevel> &m_levels;
+    ComposeOperation::TextForm m_form;
+};
+
+} // namespace
+
+LevelCompiler::Levels compileJsonLevels(const std::vector<WriteLevel> &levels,
+                                        const OneRow &columns, ComposeOperation::TextForm form)
+{
+    const LevelCompiler compiler(levels, columns);
+    const JsonItems items(compiler, levels, form);
+    return compiler.compile([&](size_t level, size_t item) { return items.compile(level, item); });
+}
+
+std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringList &toWrite)
+{
+    WriteLevel level;
+    level.items.push_back({Text, u"{"_s, {}, {}, {}});
+    level.items.push_back({writeAllColumns ? Dictionary : SomeDictionary, {}, {}, {}, toWrite});
+    level.items.push_back({Text, u"}"_s, {}, {}, {}});
+    return {level};
+}
+
+} // namespace corvanta

@@ -1,0 +1,21 @@
+// writers/write_report.h
+// writeReport: data of the input pins into the charts of an Office template.
+#pragma once
+#include "actions/write_report/write_report_params.h"
+#include "plugin/pending_action.h"
+
+namespace corvanta {
+
+class ActionWriteReport final : public PendingAction<ActionWriteReport, WriteReportParams>
+{
+public:
+    ActionWriteReport(const XMLNode &saved, GlobalParameters *parameters);
+    static const ParamTable<WriteReportParams> &paramTable() { return writeReportParamTable(); }
+    static int pinsInFor(const WriteReportParams &params) { return params.nPinIn; }
+
+    void addPinIn() override;
+    /// The last pin goes; what it fed is left without data. One pin always stays.
+    void removePinIn() override;
+};
+
+} // namespace corvanta

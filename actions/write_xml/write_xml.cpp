@@ -1,0 +1,95 @@
+#include "actions/write_xml/write_xml.h"
+
+#include "actions/write_xml/xml_levels.h"
+#include "plugin/catalogue.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// Values of charMode.
+enum CharMode { Utf8WithMark = 0, Utf8 = 1, Utf16WithMark = 2, Utf16 = 3 };
+
+constexpr int kMostIndent = 1000;
+
+} // namespace
+
+ActionWriteXML::ActionWriteXML(const XMLNode &saved, GlobalParameters *parameters)
+    : LevelWriter(catalogueRow("writeXML"), saved, parameters)
+{
+}
+
+QString ActionWriteXML::message(WriteProblem problem, const QString &name,
+                                const QString &level) const
+{
+    const QString &file = fileName();
+    switch (problem) {
+    case WriteProblem::BadFloatFormat:
+        return u"\nERROR writing to XML file '%1': '%2' is not a format of a floating-point number\n"_s
+            .arg(file, name);
+    case WriteProblem::NoTestColumn:
+        return u"\nERROR writing to XML file '%1': cannot find column '%2' to test\n"_s.arg(file,
+                                                                                            name);
+    case WriteProblem::NoPartitionColumn:
+        return u"\nERROR writing to XML file '%1': cannot find partitioning column '%2' in level '%3'\n"_s
+            .arg(file, name, level);
+    case WriteProblem::NoColumn:
+        return u"\nERROR writing to XML file '%1': cannot find column '%2' to write\n"_s.arg(file,
+                                                                                             name);
+    case WriteProblem::NoLevel:
+        return u"\nERROR writing to XML file '%1': cannot find the level named '%2'\n"_s.arg(file,
+                                                                                             name);
+    case WriteProblem::LevelInCircle:
+        return u"\nERROR writing to XML file '%1': the level '%2' is a sub-level of itself\n"_s.arg(
+            file, name);
+    case WriteProblem::NoDictionary: // has no such item
+    case WriteProblem::NoColumnListed:
+        return u"\nERROR writing to XML file '%1': no column to write?\n"_s.arg(file);
+    case WriteProblem::CannotOpen:
+        return u"\nERROR: cannot open XML file '%1' for write\n"_s.arg(file);
+    case WriteProblem::CannotWrite:
+        return u"\nERROR: cannot write to XML file '%1'\n"_s.arg(file);
+    case WriteProblem::TooLarge:
+        break;
+    }
+    return u"\nERROR writing to XML file '%1': output buffer too small\n"_s.arg(file);
+}
+
+std::vector<WriteLevel> ActionWriteXML::declaredLevels() const
+{
+    return m_params.levels.empty() ? defaultXmlLevels(m_params.writeAllColumns, m_params.toWrite)
+                                   : m_params.levels;
+}
+
+LevelCompiler::Levels ActionWriteXML::compileLevels(const std::vector<WriteLevel> &levels,
+                                                    const OneRow &columns) const
+{
+    const int indent = qBound(0, expandString(m_params.indentStart).toInt(), kMostIndent);
+    return compileXmlLevels(
+        levels, columns,
+        {m_params.humanReadable ? std::optional(indent) : std::nullopt, m_params.wellFormed});
+}
+
+ValueRules ActionWriteXML::rules() const
+{
+    ValueRules rules = valueRules(m_params, u"", u"");
+    rules.decimalComma = m_params.useComma;
+    return rules;
+}
+
+FileFrame ActionWriteXML::frame() const
+{
+    const bool isWide = m_params.charMode == Utf16WithMark || m_params.charMode == Utf16;
+    const bool hasMark = m_params.charMode == Utf8WithMark || m_params.charMode == Utf16WithMark;
+    std::u16string head = hasMark ? u"\uFEFF" : u"";
+    head += isWide ? u"<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n"
+                   : u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    const compose::Encoding encoding =
+        isWide ? compose::Encoding::Utf16Le : compose::Encoding::Utf8;
+    return {encoding, compose::encode(head, encoding),
+            m_params.humanReadable ? u"\n"_s : QString()};
+}
+
+} // namespace corvanta

@@ -1,0 +1,218 @@
+#include "actions/write_xml/xml_levels.h"
+
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+using compose::FixedText;
+using Columns = std::vector<ComposeOperation::Column>;
+using Compiled = LevelCompiler::Compiled;
+using Kind = ComposeOperation::Kind;
+using TextForm = ComposeOperation::TextForm;
+
+/// The numbers of the item types in saved graphs.
+enum ItemType {
+    Text = 0,
+    Attributes = 1,
+    SomeAttributes = 2,
+    Subtags = 3,
+    SomeSubtags = 4,
+    InQuotes = 5,
+    InTag = 6,
+    AsIs = 7,
+    SubLevel = 8
+};
+
+constexpr int kIndentStep = 2;
+
+FixedText fixed(const QString &text)
+{
+    return FixedText(text.toStdU16String());
+}
+
+/// Characters that XML names may begin with; those that parsers of any age take.
+bool beginsName(QChar c)
+{
+    return c == u'_' || (c < u'\x80' ? c.isLetter() : c.isLetter() && !c.isSurrogate());
+}
+
+/// The name with "_" for what an XML name cannot hold. Not a colon either: its prefix would have to
+/// be declared.
+QString validName(const QString &name)
+{
+    QString valid;
+    for (const QChar c : name) {
+        const bool fits = beginsName(c) || c == u'-' || c == u'.' || (c >= u'0' && c <= u'9');
+        valid += fits ? c : u'_';
+    }
+    return valid.isEmpty() || !beginsName(valid[0]) ? u'_' + valid : valid;
+}
+
+/// Names for the columns of one item.
+class ItemNames
+{
+public:
+    explicit ItemNames(bool wellFormed)
+        : m_wellFormed(wellFormed)
+    {
+    }
+
+    /// `name`, valid and not given before where that is asked for.
+    QString next(const QString &name)
+    {
+        if (!m_wellFormed) {
+            return name;
+        }
+        const QString base = validName(name);
+        QString given = base;
+        for (int n = 2; m_given.contains(given); ++n) {
+            given = base + u'_' + QString::number(n);
+        }
+        m_given.insert(given);
+        return given;
+    }
+
+private:
+    bool m_wellFormed;
+    QSet<QString> m_given;
+};
+
+class XmlItems
+{
+public:
+    XmlItems(const LevelCompiler &compiler, const std::vector<WriteLevel> &levels,
+             const XmlLayout &layout)
+        : m_compiler(compiler)
+        , m_levels(levels)
+        , m_depths(depthsOf(levels, SubLevel))
+        , m_layout(layout)
+        , m_textForm(layout.wellFormed ? TextForm::XmlStrict : TextForm::XmlText)
+        , m_attributeForm(layout.wellFormed ? TextForm::XmlStrict : TextForm::XmlAttribute)
+    {
+    }
+
+    Compiled compile(size_t level, size_t index) const
+    {
+        const WriteItem &item = m_levels[level].items[index];
+        switch (item.type) {
+        case Text:
+            return ComposeOperation{Kind::Text, m_textForm, fixed(item.text)};
+        case Attributes:
+            return attributes(m_compiler.findAll(), QString());
+        case Subtags:
+            return subtags(m_compiler.findAll(), level);
+        case SomeAttributes:
+        case SomeSubtags:
+            return someColumns(item, level);
+        case InQuotes:
+        case InTag:
+        case AsIs:
+            return oneColumn(item);
+        case SubLevel:
+            return m_compiler.callOf(item.calledLevel);
+        default: // Kept as required: items of an unknown type write nothing.
+            return ComposeOperation{};
+        }
+    }
+
+    /// A line feed and the blanks in front of an element of `level`, or of what is `deeper` in it.
+    QString lineBreak(size_t level, int deeper) const
+    {
+        return m_layout.indent
+                   ? u'\n' +
+                         QString((m_depths[level] + deeper) * kIndentStep + *m_layout.indent, u' ')
+                   : QString();
+    }
+
+private:
+    Compiled attributes(Columns columns, const QString &prefix) const
+    {
+        ItemNames names(m_layout.wellFormed);
+        for (ComposeOperation::Column &column : columns) {
+            const QString name = m_compiler.columns().colName(column.input);
+            const bool isCut = !prefix.isEmpty() && name.startsWith(prefix);
+            column.before =
+                fixed(u' ' + names.next(isCut ? name.mid(prefix.size()) : name) + u"=\""_s);
+            column.after = FixedText(u"\"");
+        }
+        return ComposeOperation{Kind::Values, m_attributeForm, {}, {}, std::move(columns)};
+    }
+
+    Compiled subtags(Columns columns, size_t level) const
+    {
+        ItemNames names(m_layout.wellFormed);
+        for (ComposeOperation::Column &column : columns) {
+            const QString name = names.next(m_compiler.columns().colName(column.input));
+            column.before = fixed(lineBreak(level, 1) + u'<' + name + u'>');
+            column.after = fixed(u"</"_s + name + u'>');
+        }
+        return ComposeOperation{
+            Kind::Values, m_textForm, {}, fixed(lineBreak(level, 0)), std::move(columns)};
+    }
+
+    Compiled someColumns(const WriteItem &item, size_t level) const
+    {
+        auto columns = m_compiler.find(item.columns);
+        if (!columns) {
+            return columns.fault();
+        }
+        return item.type == SomeAttributes ? attributes(*std::move(columns), item.p1)
+                                           : subtags(*std::move(columns), level);
+    }
+
+    Compiled oneColumn(const WriteItem &item) const
+    {
+        if (item.columns.isEmpty()) {
+            return Fault{WriteProblem::NoColumnListed};
+        }
+        auto columns = m_compiler.find(item.columns.mid(0, 1));
+        if (!columns) {
+            return columns.fault();
+        }
+        if (item.type == AsIs) {
+            return ComposeOperation{Kind::RawValue, m_textForm, {}, {}, *std::move(columns)};
+        }
+        if (item.type == InTag) {
+            return ComposeOperation{Kind::Values, m_textForm, {}, {}, *std::move(columns)};
+        }
+        return ComposeOperation{Kind::QuotedValue, m_attributeForm, {}, {}, *std::move(columns)};
+    }
+
+    const LevelCompiler &m_compiler;
+    const std::vector<WriteLevel> &m_levels;
+    std::vector<int> m_depths;
+    XmlLayout m_layout;
+    TextForm m_textForm;
+    TextForm m_attributeForm;
+};
+
+} // namespace
+
+LevelCompiler::Levels compileXmlLevels(const std::vector<WriteLevel> &levels, const OneRow &columns,
+                                       const XmlLayout &layout)
+{
+    const LevelCompiler compiler(levels, columns);
+    const XmlItems items(compiler, levels, layout);
+    auto compiled =
+        compiler.compile([&](size_t level, size_t item) { return items.compile(level, item); });
+    for (size_t i = 0; compiled && i < levels.size(); ++i) {
+        (*compiled)[i].lineBreak = fixed(items.lineBreak(i, 0));
+    }
+    return compiled;
+}
+
+std::vector<WriteLevel> defaultXmlLevels(bool writeAllColumns, const QStringList &toWrite)
+{
+    WriteLevel level;
+    level.commaSeparated = false;
+    level.items.push_back({Text, u"<R "_s, {}, {}, {}});
+    level.items.push_back({writeAllColumns ? Attributes : SomeAttributes, {}, {}, {}, toWrite});
+    level.items.push_back({Text, u"/>"_s, {}, {}, {}});
+    return {level};
+}
+
+} // namespace corvanta

@@ -1,0 +1,21 @@
+#include "codecs/gzip/input_source.h"
+
+#include <vector>
+
+namespace corvanta::input {
+
+bool skipBytes(ByteSource &source, qint64 n)
+{
+    constexpr qint64 kScratchBytes = 64 * 1024;
+    std::vector<char> scratch(kScratchBytes);
+    while (n > 0) {
+        const qint64 got = source.read(scratch.data(), std::min(n, kScratchBytes));
+        if (got <= 0) {
+            return false;
+        }
+        n -= got;
+    }
+    return true;
+}
+
+} // namespace corvanta::input

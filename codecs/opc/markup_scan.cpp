@@ -1,0 +1,433 @@
+#include "codecs/opc/markup_scan.h"
+
+#include "base/number.h"
+
+#include <algorithm>
+#include <array>
+
+namespace corvanta::xlsx {
+
+namespace {
+
+// Deeper elements are checked but not indexed.
+constexpr int kIndexedDepth = 4;
+constexpr size_t kMaxElements = size_t(4) << 20;
+constexpr size_t kMaxDepth = 1'000'000;
+
+bool isSpace(char c)
+{
+    return c == ' ' || c == '\n' || c == '\t' || c == '\r';
+}
+
+bool isNameStart(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':' ||
+           static_cast<uchar>(c) >= 0x80;
+}
+
+bool isNameChar(char c)
+{
+    return isNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+}
+
+qsizetype nameEnd(QByteArrayView text, qsizetype at)
+{
+    while (at < text.size() && isNameChar(text[at])) {
+        ++at;
+    }
+    return at;
+}
+
+qsizetype skipSpaces(QByteArrayView text, qsizetype at)
+{
+    while (at < text.size() && isSpace(text[at])) {
+        ++at;
+    }
+    return at;
+}
+
+/// Where the tag's ">" is; the size of the text when it ends before; -1 for a "<" inside.
+qsizetype findTagEnd(QByteArrayView text, qsizetype at)
+{
+    char quote = 0;
+    for (; at < text.size(); ++at) {
+        const char c = text[at];
+        if (c == '<') {
+            return -1;
+        }
+        if (quote != 0) {
+            quote = c == quote ? char(0) : quote;
+        } else if (c == '"' || c == '\'') {
+            quote = c;
+        } else if (c == '>') {
+            return at;
+        }
+    }
+    return at;
+}
+
+Scan scanTag(QByteArrayView text, qsizetype at, Tag *tag, qsizetype *end)
+{
+    const bool closes = at + 1 < text.size() && text[at + 1] == '/';
+    const qsizetype nameBegin = at + (closes ? 2 : 1);
+    if (nameBegin >= text.size()) {
+        return Scan::Incomplete;
+    }
+    if (!isNameStart(text[nameBegin])) {
+        return Scan::Broken;
+    }
+    const qsizetype stop = findTagEnd(text, nameBegin);
+    if (stop < 0) {
+        return Scan::Broken;
+    }
+    if (stop == text.size()) {
+        return Scan::Incomplete;
+    }
+    const qsizetype behindName = nameEnd(text, nameBegin);
+    const bool isEmpty = !closes && text[stop - 1] == '/';
+    const qsizetype insideEnd = isEmpty ? stop - 1 : stop;
+    if (behindName > insideEnd || (behindName < insideEnd && !isSpace(text[behindName]))) {
+        return Scan::Broken;
+    }
+    tag->kind = closes ? Tag::Kind::Close : isEmpty ? Tag::Kind::Empty : Tag::Kind::Open;
+    tag->begin = at;
+    tag->end = stop + 1;
+    tag->name = text.sliced(nameBegin, behindName - nameBegin);
+    tag->inside = text.sliced(behindName, insideEnd - behindName);
+    *end = tag->end;
+    return Scan::Tag;
+}
+
+struct Section
+{
+    QByteArrayView opening;
+    QByteArrayView closing;
+};
+constexpr std::array<Section, 3> kSections{{{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}}};
+
+/// The code point that "#65" or "#x41" names; 0 when it is none that XML allows.
+char32_t referenced(QByteArrayView reference)
+{
+    bool isNumber = false;
+    const bool isHex = reference.startsWith("#x");
+    const uint code = reference.sliced(isHex ? 2 : 1).toUInt(&isNumber, isHex ? 16 : 10);
+    const bool isSurrogate = code >= 0xD800 && code < 0xE000;
+    return isNumber && code <= 0x10FFFF && !isSurrogate ? code : 0;
+}
+
+QString entity(QByteArrayView name)
+{
+    struct Predefined
+    {
+        QByteArrayView name;
+        char character;
+    };
+    constexpr std::array<Predefined, 5> kPredefined{
+        {{"lt", '<'}, {"gt", '>'}, {"apos", '\''}, {"quot", '"'}, {"amp", '&'}}};
+    for (const Predefined &known : kPredefined) {
+        if (name == known.name) {
+            return QString(QLatin1Char(known.character));
+        }
+    }
+    const char32_t code = name.startsWith('#') && name.size() > 1 ? referenced(name) : 0;
+    return code == 0 ? QString() : QString::fromUcs4(&code, 1);
+}
+
+} // namespace
+
+QByteArrayView Tag::prefix() const
+{
+    const qsizetype colon = name.indexOf(':');
+    return colon < 0 ? QByteArrayView() : name.first(colon);
+}
+
+QByteArrayView Tag::local() const
+{
+    return name.sliced(name.indexOf(':') + 1);
+}
+
+std::optional<std::vector<Attribute>> Tag::attributes() const
+{
+    std::vector<Attribute> found;
+    qsizetype at = skipSpaces(inside, 0);
+    while (at < inside.size()) {
+        const qsizetype behindName = nameEnd(inside, at);
+        const qsizetype equals = skipSpaces(inside, behindName);
+        if (behindName == at || equals == inside.size() || inside[equals] != '=') {
+            return std::nullopt;
+        }
+        const qsizetype quote = skipSpaces(inside, equals + 1);
+        if (quote == inside.size() || (inside[quote] != '"' && inside[quote] != '\'')) {
+            return std::nullopt;
+        }
+        const qsizetype close = inside.indexOf(inside[quote], quote + 1);
+        if (close < 0 || (close + 1 < inside.size() && !isSpace(inside[close + 1]))) {
+            return std::nullopt;
+        }
+        found.push_back(
+            {inside.sliced(at, behindName - at), inside.sliced(quote + 1, close - quote - 1)});
+        at = skipSpaces(inside, close + 1);
+    }
+    return found;
+}
+
+std::optional<QByteArrayView> Tag::attribute(QByteArrayView qualifiedName) const
+{
+    const auto all = attributes();
+    if (all) {
+        for (const Attribute &one : *all) {
+            if (one.name == qualifiedName) {
+                return one.value;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<QByteArrayView> Tag::prefixBoundTo(QByteArrayView uri) const
+{
+    const auto all = attributes();
+    if (all) {
+        for (const Attribute &one : *all) {
+            if (one.value == uri && one.name == QByteArrayView("xmlns")) {
+                return QByteArrayView();
+            }
+            if (one.value == uri && one.name.startsWith("xmlns:")) {
+                return one.name.sliced(6);
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+Scan scanMarkup(QByteArrayView text, qsizetype at, Tag *tag, qsizetype *end)
+{
+    const QByteArrayView rest = text.sliced(at);
+    if (rest.size() > 1 && rest[1] != '!' && rest[1] != '?') {
+        return scanTag(text, at, tag, end);
+    }
+    for (const Section &section : kSections) {
+        if (rest.size() < section.opening.size() && section.opening.startsWith(rest)) {
+            return Scan::Incomplete;
+        }
+        if (rest.startsWith(section.opening)) {
+            const qsizetype close = text.indexOf(section.closing, at + section.opening.size());
+            *end = close + section.closing.size();
+            return close < 0 ? Scan::Incomplete : Scan::Skipped;
+        }
+    }
+    return Scan::Broken;
+}
+
+bool nextTag(QByteArrayView text, qsizetype *at, Tag *tag, bool *isBroken)
+{
+    *isBroken = false;
+    for (;;) {
+        const qsizetype begin = text.indexOf('<', *at);
+        if (begin < 0) {
+            *at = text.size();
+            return false;
+        }
+        switch (scanMarkup(text, begin, tag, at)) {
+        case Scan::Tag:
+            return true;
+        case Scan::Skipped:
+            break;
+        case Scan::Incomplete:
+        case Scan::Broken:
+            *isBroken = true;
+            return false;
+        }
+    }
+}
+
+bool isUtf8Text(QByteArrayView beginning)
+{
+    QByteArrayView text = beginning;
+    if (text.startsWith("\xEF\xBB\xBF")) {
+        text = text.sliced(3);
+    }
+    // UTF-16 and UTF-32 have a zero byte or a mark among the first two bytes.
+    if (text.size() >= 2 && (text[0] == 0 || text[1] == 0 || static_cast<uchar>(text[0]) >= 0xFE)) {
+        return false;
+    }
+    if (!text.startsWith("<?xml") || text.size() < 6 || !isSpace(text[5])) {
+        return true;
+    }
+    const qsizetype end = text.indexOf("?>");
+    Tag declaration;
+    declaration.inside = text.sliced(5, qMax<qsizetype>(end - 5, 0));
+    const auto encoding = declaration.attribute("encoding");
+    return !encoding || encoding->compare("utf-8", Qt::CaseInsensitive) == 0 ||
+           encoding->compare("utf8", Qt::CaseInsensitive) == 0;
+}
+
+QByteArray qualified(QByteArrayView prefix, QByteArrayView local)
+{
+    return prefix.isEmpty() ? local.toByteArray()
+                            : prefix.toByteArray() + ':' + local.toByteArray();
+}
+
+QString decoded(QByteArrayView raw)
+{
+    QString out;
+    qsizetype at = 0;
+    while (at < raw.size()) {
+        const qsizetype ampersand = raw.indexOf('&', at);
+        const qsizetype semicolon = ampersand < 0 ? -1 : raw.indexOf(';', ampersand);
+        if (semicolon < 0) {
+            break;
+        }
+        out += QString::fromUtf8(raw.sliced(at, ampersand - at));
+        const QString character = entity(raw.sliced(ampersand + 1, semicolon - ampersand - 1));
+        out += character.isEmpty() ? QString(QLatin1Char('&')) : character;
+        at = character.isEmpty() ? ampersand + 1 : semicolon + 1;
+    }
+    return out + QString::fromUtf8(raw.sliced(at));
+}
+
+QByteArray quotable(QStringView text)
+{
+    QString out;
+    out.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t unit = text[i].unicode();
+        const bool isPair =
+            text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+        if (unit == '&') {
+            out += QLatin1String("&amp;");
+        } else if (unit == '<') {
+            out += QLatin1String("&lt;");
+        } else if (unit == '"') {
+            out += QLatin1String("&quot;");
+        } else if (unit == '\t' || unit == '\n' || unit == '\r') {
+            out += QLatin1String("&#") + QString::number(unit) + QLatin1Char(';');
+        } else if (isPair) {
+            out += text.sliced(i++, 2);
+        } else if (unit < 0x20 || unit >= 0xFFFE || text[i].isSurrogate()) {
+            out += QChar(QChar::ReplacementCharacter);
+        } else {
+            out += text[i];
+        }
+    }
+    return out.toUtf8();
+}
+
+Result<Outline, Error> Outline::read(QByteArrayView text)
+{
+    if (!isUtf8Text(text)) {
+        return Fault<Error>{Error::Encoding};
+    }
+    struct Open
+    {
+        QByteArrayView name;
+        int index; // -1: not indexed
+    };
+    Outline outline;
+    std::vector<Open> stack;
+    qsizetype at = 0;
+    Tag tag;
+    bool isBroken = false;
+    const auto malformed = [&] { return Fault<Error>{Error::Malformed, {}, at}; };
+    while (nextTag(text, &at, &tag, &isBroken)) {
+        if (tag.kind == Tag::Kind::Close) {
+            if (stack.empty() || stack.back().name != tag.name) {
+                return malformed();
+            }
+            if (stack.back().index >= 0) {
+                Element &closed = outline.m_elements[static_cast<size_t>(stack.back().index)];
+                closed.closeBegin = tag.begin;
+                closed.end = tag.end;
+            }
+            stack.pop_back();
+            continue;
+        }
+        if ((stack.empty() && !outline.m_elements.empty()) || !tag.attributes()) {
+            return malformed();
+        }
+        int index = -1;
+        if (stack.size() < kIndexedDepth) {
+            index = static_cast<int>(outline.m_elements.size());
+            const bool isEmpty = tag.kind == Tag::Kind::Empty;
+            outline.m_elements.push_back({tag, isEmpty ? tag.end - 2 : -1, isEmpty ? tag.end : -1,
+                                          stack.empty() ? -1 : stack.back().index});
+        }
+        if (tag.kind == Tag::Kind::Open) {
+            stack.push_back({tag.name, index});
+        }
+        if (outline.m_elements.size() > kMaxElements || stack.size() > kMaxDepth) {
+            return Fault<Error>{Error::TooLarge};
+        }
+    }
+    if (isBroken || !stack.empty() || outline.m_elements.empty()) {
+        return malformed();
+    }
+    return outline;
+}
+
+QByteArray Outline::qualified(QByteArrayView local) const
+{
+    return xlsx::qualified(root().tag.prefix(), local);
+}
+
+std::vector<int> Outline::children(int parent, QByteArrayView local) const
+{
+    const QByteArray name = qualified(local);
+    std::vector<int> found;
+    for (size_t i = 0; i < m_elements.size(); ++i) {
+        const bool isNamed = local.isEmpty() || m_elements[i].tag.name == QByteArrayView(name);
+        if (m_elements[i].parent == parent && isNamed) {
+            found.push_back(static_cast<int>(i));
+        }
+    }
+    return found;
+}
+
+std::optional<int> Outline::child(int parent, QByteArrayView local) const
+{
+    const std::vector<int> all = children(parent, local);
+    return all.empty() ? std::nullopt : std::optional<int>(all.front());
+}
+
+void Splices::replace(qsizetype begin, qsizetype end, const QByteArray &added)
+{
+    m_changes.push_back({begin, end, added});
+}
+
+void Splices::append(const Element &element, const QByteArray &added)
+{
+    if (element.isEmptyTag()) {
+        replace(element.closeBegin, element.end,
+                '>' + added + "</" + element.tag.name.toByteArray() + '>');
+    } else {
+        insert(element.closeBegin, added);
+    }
+}
+
+void Splices::setAttribute(const Tag &tag, QByteArrayView name, const QByteArray &value)
+{
+    const auto old = tag.attribute(name);
+    if (old) {
+        const qsizetype begin = old->data() - m_text.data();
+        replace(begin, begin + old->size(), value);
+        return;
+    }
+    const qsizetype behindName = tag.name.data() + tag.name.size() - m_text.data();
+    insert(behindName, ' ' + name.toByteArray() + "=\"" + value + '"');
+}
+
+QByteArray Splices::apply()
+{
+    std::stable_sort(m_changes.begin(), m_changes.end(),
+                     [](const Change &a, const Change &b) { return a.begin < b.begin; });
+    QByteArray out;
+    qsizetype at = 0;
+    for (const Change &change : m_changes) {
+        out += m_text.sliced(at, change.begin - at);
+        out += change.added;
+        at = change.end;
+    }
+    return out += m_text.sliced(at);
+}
+
+} // namespace corvanta::xlsx

@@ -1,0 +1,87 @@
+#include "codecs/zip/block_buffered_sink.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace corvanta::package {
+
+BlockBufferedSink::BlockBufferedSink(ByteSink &target)
+    : m_target(target)
+    , m_regionStart(m_target.position())
+    , m_regionEnd(m_regionStart)
+    , m_position(m_regionStart)
+{
+    m_blocks.push_back(std::make_unique<char[]>(kBlockBytes));
+}
+
+qint64 BlockBufferedSink::allocatedEnd() const
+{
+    return m_regionStart + static_cast<qint64>(m_blocks.size()) * kBlockBytes;
+}
+
+bool BlockBufferedSink::provide(qint64 end)
+{
+    try {
+        while (allocatedEnd() < end) {
+            m_blocks.push_back(std::make_unique<char[]>(kBlockBytes));
+        }
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
+    return true;
+}
+
+bool BlockBufferedSink::write(const void *bytes, qint64 n)
+{
+    // Before the region only after a step back and a flush that failed: that flush comes first.
+    if (m_position < m_regionStart || !provide(m_position + n)) {
+        return false;
+    }
+    const char *from = static_cast<const char *>(bytes);
+    for (qint64 left = n; left > 0;) {
+        const qint64 at = m_position - m_regionStart;
+        const qint64 piece = std::min(left, kBlockBytes - at % kBlockBytes);
+        char *block = m_blocks[static_cast<size_t>(at / kBlockBytes)].get();
+        std::memcpy(block + at % kBlockBytes, from, static_cast<size_t>(piece));
+        from += piece;
+        left -= piece;
+        m_position += piece;
+    }
+    m_regionEnd = std::max(m_regionEnd, m_position);
+    return true;
+}
+
+bool BlockBufferedSink::seek(qint64 offset)
+{
+    // After the last byte of a full block a new one is not allocated yet, but may be written to.
+    if (offset < m_regionStart || offset > std::max(m_regionEnd, allocatedEnd() - 1)) {
+        return false;
+    }
+    m_position = offset;
+    return true;
+}
+
+bool BlockBufferedSink::flush()
+{
+    while (m_regionStart < m_regionEnd) {
+        const qint64 bytes = std::min(kBlockBytes, m_regionEnd - m_regionStart);
+        if (!m_target.write(m_blocks.front().get(), bytes)) {
+            return false;
+        }
+        m_regionStart += bytes;
+        if (m_blocks.size() > 1) {
+            m_blocks.pop_front();
+        } else { // one block is always there, and what a jump forward leaves out reads as zeros
+            std::memset(m_blocks.front().get(), 0, static_cast<size_t>(bytes));
+        }
+    }
+    if (m_position != m_regionEnd && !m_target.seek(m_position)) {
+        return false;
+    }
+    m_regionStart = m_position;
+    m_regionEnd = m_position;
+    return m_target.flush();
+}
+
+} // namespace corvanta::package

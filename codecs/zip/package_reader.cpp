@@ -1,0 +1,280 @@
+#include "codecs/zip/package_reader.h"
+
+#include "base/bytes.h"
+#include "base/limits.h"
+#include "codecs/zip/zip_directory.h"
+#include "codecs/zip/zip_format.h"
+
+namespace corvanta::package {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr qint64 kChunkBytes = 256 * 1024;
+constexpr quint16 kFlagMasked = 1U << 13;
+constexpr quint16 kEncryptionFlags = zip::kFlagEncrypted | zip::kFlagStrongEncryption | kFlagMasked;
+
+std::span<const char> spanOf(QByteArrayView bytes)
+{
+    return {bytes.data(), static_cast<size_t>(bytes.size())};
+}
+
+bool canHaveSize(const Member &member)
+{
+    if (member.method == kStored) {
+        return member.size == member.compressedSize;
+    }
+    return (member.size - limits::kDeflateSlackBytes) / limits::kDeflateMaxRatio <=
+           member.compressedSize;
+}
+
+} // namespace
+
+// ---- RawMemberStream
+
+RawMemberStream::RawMemberStream(ByteSource &source, const Member &member, qint64 dataOffset)
+    : m_source(source)
+    , m_offset(dataOffset)
+    , m_left(member.compressedSize)
+    , m_decoder(member)
+{
+}
+
+// The next piece of the file; empty after the last one.
+Result<QByteArrayView, Error> RawMemberStream::nextUnverified()
+{
+    const qint64 bytes = std::min(m_left, kChunkBytes);
+    m_chunk.resize(bytes);
+    if (bytes == 0) {
+        return QByteArrayView();
+    }
+    if (!m_source.seek(m_offset) || readFully(m_source, m_chunk.data(), bytes) != bytes) {
+        return Fault{Error::ReadFailed, {}, m_offset};
+    }
+    m_offset += bytes;
+    m_left -= bytes;
+    return QByteArrayView(m_chunk);
+}
+
+Result<QByteArrayView, Error> RawMemberStream::next()
+{
+    const auto chunk = nextUnverified();
+    if (!chunk) {
+        return chunk.fault();
+    }
+    m_scratch.resize(kChunkBytes);
+    std::span<const char> input = spanOf(*chunk);
+    while (!m_decoder.isAtEnd()) {
+        const auto step = m_decoder.decode(input, m_scratch);
+        if (!step) {
+            return step.fault();
+        }
+        input = input.subspan(step->consumed);
+        if (step->consumed + step->produced == 0) {
+            break;
+        }
+    }
+    if (m_left == 0 && !m_decoder.isAtEnd()) {
+        return Fault{Error::BadData, u"the data ends too early"_s, m_offset};
+    }
+    return *chunk;
+}
+
+// ---- MemberStream
+
+MemberStream::MemberStream(ByteSource &source, const Member &member, qint64 dataOffset)
+    : m_source(source)
+    , m_member(member)
+    , m_dataOffset(dataOffset)
+    , m_raw(new RawMemberStream(source, member, dataOffset))
+{
+}
+
+qint64 MemberStream::fail(Fault<Error> fault)
+{
+    m_fault = std::move(fault);
+    return -1;
+}
+
+qint64 MemberStream::read(void *buffer, qint64 n)
+{
+    if (m_fault) {
+        return -1;
+    }
+    const std::span<char> output(static_cast<char *>(buffer), static_cast<size_t>(n));
+    while (n > 0) {
+        const auto step = m_raw->m_decoder.decode(spanOf(m_input), output);
+        if (!step) {
+            return fail(step.fault());
+        }
+        m_input = m_input.sliced(static_cast<qsizetype>(step->consumed));
+        if (step->produced > 0 || m_raw->m_decoder.isAtEnd()) {
+            return static_cast<qint64>(step->produced);
+        }
+        if (step->consumed > 0) {
+            continue;
+        }
+        const auto chunk = m_raw->nextUnverified();
+        if (!chunk) {
+            return fail(chunk.fault());
+        }
+        if (chunk->isEmpty()) {
+            return fail({Error::BadData, u"the data ends too early"_s, m_raw->m_offset});
+        }
+        m_input = *chunk;
+    }
+    return 0;
+}
+
+bool MemberStream::seek(qint64 offset)
+{
+    if (offset < 0 || offset > m_member.size) {
+        return false;
+    }
+    if (offset < m_raw->m_decoder.position()) {
+        m_raw.reset(new RawMemberStream(m_source, m_member, m_dataOffset));
+        m_input = {};
+        m_fault.reset();
+    }
+    std::vector<char> skipped(kChunkBytes);
+    while (m_raw->m_decoder.position() < offset) {
+        const qint64 left = offset - m_raw->m_decoder.position();
+        if (read(skipped.data(), std::min(left, kChunkBytes)) <= 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// ---- PackageReader
+
+Result<std::unique_ptr<PackageReader>, Error> PackageReader::open(ByteSource &source)
+{
+    auto members = zip::readDirectory(source);
+    if (!members) {
+        return members.fault();
+    }
+    std::unique_ptr<PackageReader> reader(new PackageReader(source));
+    reader->m_members = std::move(*members);
+    for (size_t i = reader->m_members.size();
+         i-- > 0;) { // backwards: of equal names the first stays
+        reader->m_byName[reader->m_members[i].name] = i;
+    }
+    return reader;
+}
+
+const Member *PackageReader::find(QByteArrayView name) const
+{
+    const auto found = m_byName.constFind(name.toByteArray());
+    return found == m_byName.cend() ? nullptr : &m_members[*found];
+}
+
+// Offset of the member's data. The local header is believed in its own lengths only.
+Result<qint64, Error> PackageReader::findData(const Member &member)
+{
+    if (member.flags & kEncryptionFlags) {
+        return Fault{Error::Encrypted};
+    }
+    if (member.method != kStored && member.method != kDeflated) {
+        return Fault{Error::UnknownMethod, QString::number(member.method)};
+    }
+    if (!canHaveSize(member)) {
+        return Fault{Error::BadSize, u"more than deflate can say in so few bytes"_s};
+    }
+    const auto header = zip::readAt(m_source, member.headerOffset, zip::kLocalHeaderBytes);
+    if (!header) {
+        return header.fault();
+    }
+    const qint64 nameBytes = loadLE<quint16>(header->data() + 26);
+    const qint64 extraBytes = loadLE<quint16>(header->data() + 28);
+    const qint64 offset = member.headerOffset + zip::kLocalHeaderBytes + nameBytes + extraBytes;
+    if (loadLE<quint32>(header->data()) != zip::kLocalSignature ||
+        loadLE<quint16>(header->data() + 8) != member.method || nameBytes != member.name.size() ||
+        offset > member.dataLimit - member.compressedSize) {
+        return Fault{Error::BadLocalHeader, {}, member.headerOffset};
+    }
+    return offset;
+}
+
+Result<std::unique_ptr<RawMemberStream>, Error> PackageReader::openRaw(const Member &member)
+{
+    const auto offset = findData(member);
+    if (!offset) {
+        return offset.fault();
+    }
+    return std::unique_ptr<RawMemberStream>(new RawMemberStream(m_source, member, *offset));
+}
+
+Result<std::unique_ptr<MemberStream>, Error> PackageReader::openStream(const Member &member)
+{
+    const auto offset = findData(member);
+    if (!offset) {
+        return offset.fault();
+    }
+    return std::unique_ptr<MemberStream>(new MemberStream(m_source, member, *offset));
+}
+
+Result<std::unique_ptr<MemberStream>, Error> PackageReader::openStream(QByteArrayView name)
+{
+    const Member *member = find(name);
+    if (!member) {
+        member = find(name.toByteArray().replace('/', '\\'));
+    }
+    if (!member) {
+        return Fault{Error::NoMember, QString::fromUtf8(name)};
+    }
+    return openStream(*member);
+}
+
+Result<QByteArray, Error> PackageReader::readWhole(QByteArrayView name)
+{
+    const Member *member = find(name);
+    if (!member) {
+        return Fault{Error::NoMember, QString::fromUtf8(name)};
+    }
+    return readWhole(*member);
+}
+
+Result<QByteArray, Error> PackageReader::readWhole(const Member &member)
+{
+    auto stream = openStream(member);
+    if (!stream) {
+        return stream.fault();
+    }
+    if (member.size > limits::kMemberBytes) {
+        return Fault{Error::TooLarge, QString::number(member.size)};
+    }
+    QByteArray bytes(member.size, Qt::Uninitialized);
+    char beyond = 0; // the read that finds the end verifies the member
+    if (readFully(**stream, bytes.data(), member.size) != member.size ||
+        (*stream)->read(&beyond, 1) != 0) {
+        return (*stream)->fault().value_or(Fault{Error::BadSize});
+    }
+    return bytes;
+}
+
+Result<RawMember, Error> PackageReader::readRaw(const Member &member)
+{
+    auto stream = openRaw(member);
+    if (!stream) {
+        return stream.fault();
+    }
+    if (member.compressedSize > limits::kMemberBytes) {
+        return Fault{Error::TooLarge, QString::number(member.compressedSize)};
+    }
+    RawMember raw{member, {}};
+    raw.bytes.reserve(member.compressedSize);
+    for (;;) {
+        const auto chunk = (*stream)->next();
+        if (!chunk) {
+            return chunk.fault();
+        }
+        if (chunk->isEmpty()) {
+            return raw;
+        }
+        raw.bytes += *chunk;
+    }
+}
+
+} // namespace corvanta::package

@@ -1,0 +1,439 @@
+#include "base/bytes.h"
+#include "codecs/zip/package_reader.h"
+#include "codecs/zip/package_writer.h"
+#include "codecs/zip/zip_format.h"
+#include "tests/support/corpus.h"
+
+#include <QCryptographicHash>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace corvanta::package {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+struct Part
+{
+    QByteArray name;
+    QByteArray bytes;
+};
+
+const std::vector<Part> kParts = {{"[Content_Types].xml", "<Types>of some length</Types>"},
+                                  {"xl\\sheet1.xml", QByteArray(5000, 'x') + "end"},
+                                  {"empty", ""}};
+
+QByteArray packageOf(const std::vector<Part> &parts)
+{
+    MemorySink sink;
+    PackageWriter writer(sink);
+    for (const Part &part : parts) {
+        EXPECT_TRUE(writer.openMember(part.name));
+        EXPECT_TRUE(writer.write(part.bytes));
+        EXPECT_TRUE(writer.closeMember());
+    }
+    EXPECT_TRUE(writer.close());
+    return sink.bytes();
+}
+
+// A member that is stored as it is, which the writer takes over but never makes.
+RawMember storedMember(const QByteArray &name, const QByteArray &bytes)
+{
+    RawMember raw = deflateMember(name, bytes);
+    raw.member.method = kStored;
+    raw.member.compressedSize = bytes.size();
+    raw.bytes = bytes;
+    return raw;
+}
+
+QByteArray packageOf(const RawMember &raw)
+{
+    MemorySink sink;
+    PackageWriter writer(sink);
+    EXPECT_TRUE(writer.addRaw(raw));
+    EXPECT_TRUE(writer.close());
+    return sink.bytes();
+}
+
+struct Opened
+{
+    explicit Opened(QByteArrayView bytes, qint64 pieceBytes = -1)
+        : source(bytes, pieceBytes)
+    {
+        auto result = PackageReader::open(source);
+        if (result) {
+            reader = std::move(*result);
+        } else {
+            error = result.fault().code;
+        }
+    }
+    MemorySource source;
+    std::unique_ptr<PackageReader> reader;
+    Error error = {};
+};
+
+TEST(PackageReader, ReadsWhatWasWritten)
+{
+    const QByteArray package = packageOf(kParts);
+    for (const qint64 piece : {1, 2, 3, 7, 64, -1}) {
+        Opened package1(package, piece);
+        ASSERT_TRUE(package1.reader);
+        ASSERT_EQ(package1.reader->members().size(), kParts.size());
+        for (size_t i = 0; i < kParts.size(); ++i) {
+            EXPECT_EQ(package1.reader->members()[i].name, kParts[i].name);
+            EXPECT_EQ(package1.reader->members()[i].size, kParts[i].bytes.size());
+            const auto bytes = package1.reader->readWhole(kParts[i].name);
+            ASSERT_TRUE(bytes);
+            EXPECT_EQ(*bytes, kParts[i].bytes);
+            EXPECT_EQ(bytes->data()[bytes->size()], '\0');
+        }
+    }
+}
+
+TEST(PackageReader, WholeReadsAreExactAndStreamsTryBackslashes)
+{
+    const QByteArray package = packageOf(kParts);
+    Opened opened(package);
+    for (const char *name : {"xl/sheet1.xml", "EMPTY", ""}) {
+        EXPECT_EQ(opened.reader->readWhole(name).fault().code, Error::NoMember);
+    }
+    EXPECT_EQ(opened.reader->openStream("xl/sheet2.xml").fault().code, Error::NoMember);
+    const auto stream = opened.reader->openStream("xl/sheet1.xml");
+    ASSERT_TRUE(stream);
+    QByteArray bytes(6000, '\0');
+    bytes.resize(readFully(**stream, bytes.data(), bytes.size()));
+    EXPECT_EQ(bytes, kParts[1].bytes);
+}
+
+TEST(PackageReader, StreamsSeekAndShareTheSource)
+{
+    const QByteArray package = packageOf(kParts);
+    Opened opened(package);
+    auto first = std::move(*opened.reader->openStream(opened.reader->members()[0]));
+    auto second = std::move(*opened.reader->openStream(opened.reader->members()[1]));
+    char one[4];
+    char other[4];
+    for (const qint64 offset : {0, 10, 3, 25, 25}) {
+        ASSERT_TRUE(first->seek(offset));
+        ASSERT_TRUE(second->seek(offset + 4970));
+        ASSERT_EQ(readFully(*first, one, 4), 4);
+        ASSERT_EQ(readFully(*second, other, 4), 4);
+        EXPECT_EQ(QByteArray(one, 4), kParts[0].bytes.mid(offset, 4));
+        EXPECT_EQ(QByteArray(other, 4), kParts[1].bytes.mid(offset + 4970, 4));
+    }
+    EXPECT_FALSE(first->seek(30));
+}
+
+TEST(PackageReader, StoredMembersAndBytesAroundThePackage)
+{
+    const QByteArray stored = packageOf(storedMember("a", "some bytes"));
+    for (const QByteArray &bytes : {stored, "in front" + stored, stored + "behind"}) {
+        Opened opened(bytes);
+        ASSERT_TRUE(opened.reader);
+        EXPECT_EQ(*opened.reader->readWhole("a"), "some bytes");
+    }
+}
+
+// What reading all of a package comes to: its content, or the fault.
+QByteArray readAll(QByteArrayView bytes)
+{
+    Opened opened(bytes);
+    if (!opened.reader) {
+        return "unopened";
+    }
+    QByteArray content;
+    for (const Member &member : opened.reader->members()) {
+        const auto whole = opened.reader->readWhole(member);
+        content += member.name + '=' + (whole ? *whole : QByteArray("fault")) + '\n';
+    }
+    return content;
+}
+
+TEST(PackageReader, ACutPackageIsNone)
+{
+    const QByteArray package = packageOf(kParts);
+    for (qsizetype cut = 0; cut < package.size(); ++cut) {
+        EXPECT_EQ(readAll(QByteArrayView(package).first(cut)), "unopened") << cut;
+    }
+}
+
+// Whatever bit is wrong: no member comes with bytes that are not its own.
+TEST(PackageReader, AFlippedBitNeverGivesWrongBytes)
+{
+    const QByteArray good = packageOf(kParts);
+    QByteArray package = good;
+    for (qsizetype bit = 0; bit < 8 * package.size(); ++bit) {
+        package[bit / 8] = static_cast<char>(package[bit / 8] ^ (1 << bit % 8));
+        Opened opened(package);
+        for (const Part &part : kParts) {
+            const auto whole = opened.reader ? opened.reader->readWhole(part.name)
+                                             : Result<QByteArray, Error>(Fault{opened.error});
+            if (whole) {
+                EXPECT_EQ(*whole, part.bytes) << bit;
+            }
+        }
+        package[bit / 8] = good[bit / 8];
+    }
+}
+
+TEST(PackageReader, RefusesWhatIsNoPackage)
+{
+    const QByteArray package = packageOf({{"a", "some bytes"}, {"b", "other bytes"}});
+    const qsizetype end = package.size() - zip::kEndBytes;
+    const auto entry = package.indexOf("PK\1\2");
+    const auto entry2 = package.indexOf("PK\1\2", entry + 1);
+    struct Case
+    {
+        const char *what;
+        qsizetype at;
+        QByteArray bytes;
+        Error error;
+    };
+    const Case cases[] = {
+        {"disk number", end + 4, "\1", Error::BadDirectory},
+        {"entry count", end + 10, "\3", Error::BadDirectory},
+        {"directory too long", end + 12, "\xff\xff", Error::BadDirectory},
+        {"directory beyond the end", end + 16, "\xff\xff\xff\x7f", Error::BadDirectory},
+        {"zip64 without its record", end + 16, "\xff\xff\xff\xff", Error::BadDirectory},
+        {"no entry", entry, "PK\5\6", Error::BadDirectory},
+        {"name longer than the directory", entry2 + 28, "\xff\xff", Error::BadDirectory},
+        {"comment longer than the directory", entry2 + 32, "\1", Error::BadDirectory},
+        {"member behind the directory", entry2 + 42, "\xff\xff", Error::BadDirectory},
+        {"member over another", entry2 + 42, QByteArray("\0", 1), Error::BadDirectory},
+        {"member into the next", entry + 20, "\x40", Error::BadDirectory},
+        {"zip64 size without its field", entry + 24, "\xff\xff\xff\xff", Error::BadDirectory},
+        {"no end", end, "XX", Error::NotAPackage},
+    };
+    for (const Case &bad : cases) {
+        QByteArray bytes = package;
+        bytes.replace(bad.at, bad.bytes.size(), bad.bytes);
+        Opened opened(bytes);
+        EXPECT_FALSE(opened.reader) << bad.what;
+        EXPECT_EQ(opened.error, bad.error) << bad.what;
+    }
+}
+
+TEST(PackageReader, RefusesMembersThatLie)
+{
+    struct Case
+    {
+        const char *what;
+        std::function<void(RawMember &)> lie;
+        Error error;
+    };
+    const Case cases[] = {
+        {"encrypted", [](RawMember &r) { r.member.flags = 1; }, Error::Encrypted},
+        {"method", [](RawMember &r) { r.member.method = 9; }, Error::UnknownMethod},
+        {"bomb", [](RawMember &r) { r.member.size = 1 << 30; }, Error::BadSize},
+        {"too long", [](RawMember &r) { r.member.size += 1; }, Error::BadSize},
+        {"too short", [](RawMember &r) { r.member.size -= 1; }, Error::BadSize},
+        {"checksum", [](RawMember &r) { r.member.crc ^= 1; }, Error::BadChecksum},
+        {"no deflate", [](RawMember &r) { r.bytes.fill('\xff'); }, Error::BadData},
+        {"cut", [](RawMember &r) { r.bytes.chop(1), r.member.compressedSize -= 1; },
+         Error::BadData},
+        {"stored sizes", [](RawMember &r) { r.member.method = kStored; }, Error::BadSize},
+    };
+    for (const Case &bad : cases) {
+        RawMember raw = deflateMember("a", QByteArray(1000, 'a') + "some bytes");
+        bad.lie(raw);
+        QByteArray package = packageOf(raw);
+        package[package.indexOf("PK\1\2") + 8] = static_cast<char>(raw.member.flags);
+        Opened opened(package);
+        ASSERT_TRUE(opened.reader) << bad.what;
+        const auto whole = opened.reader->readWhole("a");
+        ASSERT_FALSE(whole) << bad.what;
+        EXPECT_EQ(whole.fault().code, bad.error) << bad.what;
+        MemorySink sink;
+        PackageWriter writer(sink);
+        const auto copied = writer.copyRaw(*opened.reader, opened.reader->members()[0]);
+        ASSERT_FALSE(copied) << bad.what;
+        EXPECT_EQ(copied.fault().code, bad.error) << bad.what;
+        ASSERT_TRUE(writer.close());
+        EXPECT_EQ(readAll(sink.bytes()), "") << bad.what;
+    }
+}
+
+TEST(PackageReader, ALocalHeaderCannotMoveTheData)
+{
+    QByteArray package = packageOf({{"a", "some bytes"}, {"b", "other bytes"}});
+    package[28] = 40; // extra bytes that reach into the next member
+    Opened opened(package);
+    EXPECT_EQ(opened.reader->readWhole("a").fault().code, Error::BadLocalHeader);
+    EXPECT_EQ(*opened.reader->readWhole("b"), "other bytes");
+}
+
+// ---- raw copies
+
+class CountingSink final : public ByteSink
+{
+public:
+    explicit CountingSink(int refused)
+        : m_refused(refused)
+    {
+    }
+    bool write(const void *bytes, qint64 n) override
+    {
+        return m_calls++ != m_refused && m_sink.write(bytes, n);
+    }
+    bool seek(qint64 offset) override { return m_sink.seek(offset); }
+    qint64 position() const override { return m_sink.position(); }
+    bool flush() override { return m_calls++ != m_refused; }
+    const QByteArray &bytes() const { return m_sink.bytes(); }
+    int calls() const { return m_calls; }
+
+private:
+    int m_refused;
+    int m_calls = 0;
+    MemorySink m_sink;
+};
+
+// Copies every member; the number of refused calls, or -1 after a fault of reading.
+int copyPackage(PackageReader &reader, ByteSink &sink)
+{
+    PackageWriter writer(sink);
+    int refusals = 0;
+    for (const Member &member : reader.members()) {
+        for (auto done = writer.copyRaw(reader, member); !done;
+             done = writer.copyRaw(reader, member)) {
+            if (done.fault().code != Error::WriteFailed) {
+                return -1;
+            }
+            ++refusals;
+        }
+    }
+    for (auto done = writer.close(); !done; done = writer.close()) {
+        ++refusals;
+    }
+    return refusals;
+}
+
+TEST(RawCopy, EveryRefusedWriteCanBeRepeated)
+{
+    MemorySink big;
+    PackageWriter writer(big);
+    QByteArray noise(900'000, '\0');
+    for (qsizetype i = 0; i < noise.size(); ++i) {
+        noise[i] = static_cast<char>(qHash(i));
+    }
+    ASSERT_TRUE(writer.addRaw(storedMember("noise", noise)));
+    ASSERT_TRUE(writer.addRaw(deflateMember("text", noise.toHex())));
+    ASSERT_TRUE(writer.close());
+    Opened opened(big.bytes());
+    CountingSink whole(-1);
+    ASSERT_EQ(copyPackage(*opened.reader, whole), 0);
+    EXPECT_TRUE(whole.bytes() == big.bytes());
+    for (int refused = 0; refused < whole.calls(); ++refused) {
+        CountingSink sink(refused);
+        EXPECT_EQ(copyPackage(*opened.reader, sink), 1) << refused;
+        EXPECT_TRUE(sink.bytes() == whole.bytes()) << refused;
+    }
+}
+
+TEST(RawCopy, StopsBetweenTwoChunks)
+{
+    const QByteArray package = packageOf(kParts);
+    Opened opened(package);
+    MemorySink sink;
+    PackageWriter writer(sink);
+    writer.stop();
+    const auto copied = writer.copyRaw(*opened.reader, opened.reader->members()[0]);
+    ASSERT_FALSE(copied);
+    EXPECT_EQ(copied.fault().code, Error::Stopped);
+}
+
+TEST(RawCopy, AFullFlushIsRepeatedToo)
+{
+    const QByteArray package = packageOf(storedMember("noise", QByteArray(6'000'000, 'n')));
+    Opened opened(package);
+    CountingSink whole(-1);
+    ASSERT_EQ(copyPackage(*opened.reader, whole), 0);
+    for (int refused = 0; refused < whole.calls(); ++refused) {
+        CountingSink sink(refused);
+        EXPECT_EQ(copyPackage(*opened.reader, sink), 1) << refused;
+        EXPECT_TRUE(sink.bytes() == package) << refused;
+    }
+}
+
+// No zip files (a password makes an OLE file of a package), or cut off; all others are read whole.
+const QStringList kNoPackages = {u"bug53475-password-is-pass.docx"_s, u"null_file.xlsx"_s,
+                                 u"pass_protected.xlsx"_s, u"truncated62886.docx"_s};
+
+class CorpusPackage : public testing::TestWithParam<const char *>
+{
+};
+
+TEST_P(CorpusPackage, IsReadWholeAndCopiedByteForByte)
+{
+    CORVANTA_NEEDS_CORPUS();
+    const QDir folder(corvanta::test::corpusFile(QLatin1StringView(GetParam())));
+    int read = 0;
+    for (const QString &name : folder.entryList(QDir::Files)) {
+        SCOPED_TRACE(name.toStdString());
+        QFile file(folder.filePath(name));
+        ASSERT_TRUE(file.open(QFile::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        Opened opened(bytes);
+        MemorySink sink;
+        if (!opened.reader || copyPackage(*opened.reader, sink) != 0) {
+            EXPECT_TRUE(kNoPackages.contains(name));
+            continue;
+        }
+        EXPECT_FALSE(kNoPackages.contains(name));
+        Opened copy(sink.bytes());
+        ASSERT_TRUE(copy.reader);
+        ASSERT_EQ(copy.reader->members().size(), opened.reader->members().size());
+        for (size_t i = 0; i < opened.reader->members().size(); ++i) {
+            const auto before = opened.reader->readRaw(opened.reader->members()[i]);
+            const auto after = copy.reader->readRaw(copy.reader->members()[i]);
+            ASSERT_TRUE(before && after);
+            EXPECT_EQ(before->member.name, after->member.name);
+            EXPECT_TRUE(before->bytes == after->bytes);
+        }
+        EXPECT_EQ(readAll(bytes), readAll(sink.bytes()));
+        ++read;
+    }
+    EXPECT_GT(read, 0);
+}
+
+// What another program found in archives of many makers: "members=2; first=NAME ... first
+// sha256=DIGITS".
+TEST(PackageReader, AgreesWithTheFactsOfTheCorpus)
+{
+    CORVANTA_NEEDS_CORPUS();
+    QFile manifest(corvanta::test::corpusFile(u"MANIFEST.tsv"_s));
+    ASSERT_TRUE(manifest.open(QFile::ReadOnly));
+    const QRegularExpression facts(
+        u"^(archives/zip/[^\t]+)\t.*\tmembers=(\\d+); .*first (?:sha256=([0-9a-f]+)|not readable)"_s);
+    int compared = 0;
+    for (const QByteArray &line : manifest.readAll().split('\n')) {
+        const QRegularExpressionMatch fact = facts.match(QString::fromUtf8(line));
+        if (!fact.hasMatch()) {
+            continue;
+        }
+        SCOPED_TRACE(fact.captured(1).toStdString());
+        QFile file(corvanta::test::corpusFile(fact.captured(1)));
+        ASSERT_TRUE(file.open(QFile::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        Opened opened(bytes);
+        const bool isReadable =
+            opened.reader && opened.reader->readWhole(opened.reader->members()[0]);
+        EXPECT_EQ(isReadable, !fact.captured(3).isEmpty() && !line.contains("method=12"));
+        if (isReadable) {
+            EXPECT_EQ(opened.reader->members().size(), fact.captured(2).toULongLong());
+            const QByteArray content = *opened.reader->readWhole(opened.reader->members()[0]);
+            const QByteArray hash =
+                QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex();
+            EXPECT_EQ(QString::fromLatin1(hash.left(fact.captured(3).size())), fact.captured(3));
+            ++compared;
+        }
+    }
+    EXPECT_GT(compared, 10);
+}
+
+INSTANTIATE_TEST_SUITE_P(Office, CorpusPackage, testing::Values("xlsx", "docx", "pptx", "charts"));
+
+} // namespace
+} // namespace corvanta::package

@@ -1,0 +1,152 @@
+#include "codecs/zip/package_writer.h"
+#include "codecs/zip/zip_format.h"
+#include "tests/support/failing_sink.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace corvanta::package {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+struct Part
+{
+    QByteArray name;
+    QByteArray bytes;
+};
+
+std::vector<Part> someParts()
+{
+    QByteArray sheet;
+    for (int row = 1; sheet.size() < 3'000'000; ++row) {
+        sheet += "<row r=\"" + QByteArray::number(row) + "\"><c><v>" +
+                 QByteArray::number(row * 17) + "</v></c></row>";
+    }
+    return {{"[Content_Types].xml", "<Types/>"},
+            {"xl/worksheets/sheet1.xml", sheet},
+            {"empty", ""},
+            {"media/\xc3\xa9t\xc3\xa9.png", QByteArray(70'000, '\x89')}};
+}
+
+// Writes the parts, repeating every call that a full disk refused; the number of refusals.
+int writeParts(const std::vector<Part> &parts, ByteSink &sink,
+               const deflate::StreamOptions &options)
+{
+    PackageWriter writer(sink, options);
+    int faults = 0;
+    const auto insist = [&faults](auto call) {
+        for (auto result = call(); !result; result = call()) {
+            ASSERT_EQ(result.fault().code, Error::WriteFailed);
+            ++faults;
+        }
+    };
+    for (const Part &part : parts) {
+        insist([&] { return writer.openMember(part.name); });
+        insist([&] { return writer.write(part.bytes); });
+        insist([&] { return writer.closeMember(); });
+    }
+    insist([&] { return writer.close(); });
+    return faults;
+}
+
+QByteArray packageOf(const std::vector<Part> &parts, const deflate::StreamOptions &options = {})
+{
+    MemorySink sink;
+    EXPECT_EQ(writeParts(parts, sink, options), 0);
+    return sink.bytes();
+}
+
+TEST(PackageWriter, HeadersAreBareAndComplete)
+{
+    const QByteArray package = packageOf({{"a/b.xml", "hello"}});
+    const QByteArray local = QByteArray::fromHex("504b0304 1400 0000 0800 0000 0000 86a61036 "
+                                                 "07000000 05000000 0700 0000") +
+                             "a/b.xml";
+    EXPECT_EQ(package.left(local.size()).toHex(' '), local.toHex(' '));
+    const qsizetype directoryAt = local.size() + 7;
+    const QByteArray directory =
+        QByteArray::fromHex("504b0102 1400 1400 0000 0800 0000 0000 86a61036 07000000 05000000 "
+                            "0700 0000 0000 0000 0000 00000000 00000000") +
+        "a/b.xml";
+    EXPECT_EQ(package.mid(directoryAt, directory.size()).toHex(' '), directory.toHex(' '));
+    const QByteArray end =
+        QByteArray::fromHex("504b0506 0000 0000 0100 0100 35000000 2c000000 0000");
+    EXPECT_EQ(package.mid(directoryAt + directory.size()).toHex(' '), end.toHex(' '));
+}
+
+TEST(PackageWriter, OnlyNamesBeyondAsciiAreMarkedAsUtf8)
+{
+    const QByteArray package = packageOf({{"\xc3\xa9.xml", ""}});
+    EXPECT_EQ(package.mid(6, 2).toHex(), "0008");
+    EXPECT_EQ(packageOf({{"e.xml", ""}}).mid(6, 2).toHex(), "0000");
+}
+
+TEST(PackageWriter, OtherProgramsReadIt)
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"test.zip"_s);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QFile::WriteOnly));
+    const std::vector<Part> parts = someParts();
+    file.write(packageOf(parts));
+    file.close();
+    const std::pair<QString, QStringList> programs[] = {
+        {u"unzip"_s, {u"-tqq"_s, path}},
+        {u"7z"_s, {u"t"_s, path}},
+        {u"python3"_s, {u"-m"_s, u"zipfile"_s, u"-t"_s, path}}};
+    int tried = 0;
+    for (const auto &[program, arguments] : programs) {
+        if (!QStandardPaths::findExecutable(program).isEmpty()) {
+            QProcess process;
+            process.start(program, arguments);
+            ASSERT_TRUE(process.waitForFinished());
+            EXPECT_EQ(process.exitCode(), 0) << process.readAll().toStdString();
+            ++tried;
+        }
+    }
+    if (tried == 0) {
+        GTEST_SKIP() << "no unzip, 7z or python3 here";
+    }
+}
+
+TEST(PackageWriter, WorkersDoNotChangeTheBytes)
+{
+    const std::vector<Part> parts = someParts();
+    const QByteArray expected = packageOf(parts, {{}, 0});
+    for (const int workers : {1, 3, -1}) {
+        EXPECT_EQ(packageOf(parts, {{}, workers}), expected) << workers;
+    }
+}
+
+TEST(PackageWriter, EveryRefusedWriteCanBeRepeated)
+{
+    const std::vector<Part> parts = someParts();
+    test::FailingSink counter([](int) { return false; });
+    EXPECT_EQ(writeParts(parts, counter, {}), 0);
+    ASSERT_GT(counter.calls(), 12);
+    for (int failing = 0; failing < counter.calls(); ++failing) {
+        test::FailingSink sink(
+            [failing](int call) { return call == failing || call == failing + 1; });
+        EXPECT_EQ(writeParts(parts, sink, {}), 2) << failing;
+        EXPECT_EQ(sink.bytes(), counter.bytes()) << failing;
+    }
+}
+
+TEST(PackageWriter, RefusesNames)
+{
+    MemorySink sink;
+    PackageWriter writer(sink);
+    EXPECT_EQ(writer.openMember("").fault().code, Error::BadName);
+    EXPECT_EQ(writer.openMember(QByteArray(65'536, 'x')).fault().code, Error::BadName);
+    ASSERT_TRUE(writer.openMember("a"));
+    ASSERT_TRUE(writer.closeMember());
+    EXPECT_EQ(writer.openMember("a").fault().code, Error::NameTaken);
+}
+
+} // namespace
+} // namespace corvanta::package
