@@ -1,0 +1,21 @@
+# Precompiled headers: the Qt and standard headers that most sources include, compiled once.
+#
+# corvanta_precompiled for all code, corvanta_precompiled_tests for unit tests. They hold no header of
+# this project, so that an edit never rebuilds everything.
+set(precompiled_headers
+    <QByteArray> <QFileInfo> <QHash> <QList> <QString> <QStringList> <QtGlobal>
+    <algorithm> <array> <atomic> <functional> <map> <memory> <mutex> <optional> <sstream> <string> <variant> <vector>)
+
+function(corvanta_precompiled name)
+    file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp.new "")
+    configure_file(${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp.new ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp COPYONLY)
+    add_library(${name} STATIC ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
+    target_link_libraries(${name} PRIVATE corvanta_options ${ARGN})
+endfunction()
+
+corvanta_precompiled(corvanta_precompiled Qt6::Core)
+target_precompile_headers(corvanta_precompiled PRIVATE ${precompiled_headers})
+if(BUILD_TESTING)
+    corvanta_precompiled(corvanta_precompiled_tests Qt6::Core GTest::gtest)
+    target_precompile_headers(corvanta_precompiled_tests PRIVATE ${precompiled_headers} <gtest/gtest.h>)
+endif()
