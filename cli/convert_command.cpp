@@ -24,8 +24,7 @@ struct Widths
         longest.resize(columns.names.size());
         for (int i = 0; i < row.numberOfColumns(); ++i) {
             const bool isText = columns.types[i].type() == MetaInfo::Unknown;
-            const qsizetype bytes =
-                isText ? row.col(i, static_cast<unsigned short *>(nullptr)).toUtf8().size() : 0;
+            const qsizetype bytes = isText ? row.text(i).toUtf8().size() : 0;
             longest[i] = std::max(longest[i], bytes);
         }
     }

@@ -66,7 +66,7 @@ int headCommand(const QStringList &words)
         } else if (shown++ < rows) {
             QStringList cells;
             for (int i = 0; i < row->numberOfColumns(); ++i) {
-                cells << row->col(i, static_cast<unsigned short *>(nullptr));
+                cells << row->text(i);
             }
             printer->add(cells);
         }

@@ -42,7 +42,7 @@ void ActionReadJSON::finish()
 
 bool ActionReadJSON::step()
 {
-    return (!m_run && !prepare()) || m_run->step();
+    return (m_run || prepare()) && m_run->step();
 }
 
 /// What the file holds; nothing, with a message, when there is no such file.
@@ -87,7 +87,7 @@ bool ActionReadJSON::prepare()
         return false;
     }
     if (!hasItems(levels)) {
-        return !fail(u"ReadJson error: nothing to extract"_s);
+        return fail(u"ReadJson error: nothing to extract"_s);
     }
     LevelRun::Input input;
     input.fileName = expandFile(m_params.fileName);
@@ -115,9 +115,7 @@ bool ActionReadJSON::readTags(std::vector<ReadLevel> *levels)
     }
     while (const OneRow *row = getNextRowFromInPin(1)) {
         const auto textAt = [&](int column) {
-            return column >= 0 && column < row->numberOfColumns()
-                       ? row->col(column, static_cast<unsigned short *>(nullptr))
-                       : QString();
+            return column >= 0 && column < row->numberOfColumns() ? row->text(column) : QString();
         };
         const int pathColumn = row->getIndexOfColumn(u"path"_s);
         const bool isNamed = pathColumn >= 0;
@@ -168,7 +166,7 @@ bool ActionReadJSON::documentFails(const markup::MarkupResult &result, const QSt
     }
     const auto text = QString::fromUtf16(markup::errorText(result.error));
     if (!m_params.ignoreErrors) {
-        return !fail(u"ERROR: JSON structure error '%1' in file '%3' at line %2\n"_s.arg(
+        return fail(u"ERROR: JSON structure error '%1' in file '%3' at line %2\n"_s.arg(
             text, QString::number(result.line), name));
     }
     if (m_errors < kReportedErrors) {
@@ -184,7 +182,7 @@ bool ActionReadJSON::documentFails(const markup::MarkupResult &result, const QSt
 bool ActionReadJSON::fileIsMissing(const QString &name)
 {
     if (m_params.abortIfMissing) {
-        return !fail(u"Error: The json file '%1' does not exists"_s.arg(name));
+        return fail(u"Error: The json file '%1' does not exists"_s.arg(name));
     }
     warn(u"Warning: The json file '%1' does not exists"_s.arg(name));
     return true;

@@ -109,14 +109,14 @@ bool ActionReadParquet::readSelection()
     if (m_params.columnSelection == 1) {
         m_options.selection = m_params.columnsToRead;
         if (m_options.selection.isEmpty()) {
-            return !fail(u"Error: readParquet: ColumnsToRead names no column\n"_s);
+            return fail(u"Error: readParquet: ColumnsToRead names no column\n"_s);
         }
     } else if (m_params.columnSelection == 2) {
         while (const OneRow *const row = getNextRowFromInPin(1)) {
-            m_options.selection << row->col(0, static_cast<unsigned short *>(nullptr));
+            m_options.selection << row->text(0);
         }
         if (m_options.selection.isEmpty()) {
-            return runIsGood() && !fail(u"ERROR: No column to read on input pin 1??"_s);
+            return runIsGood() && fail(u"ERROR: No column to read on input pin 1??"_s);
         }
     }
     return true;
@@ -127,11 +127,11 @@ bool ActionReadParquet::listInputs()
     QStringList files;
     if (m_params.fileNameFromPin) {
         while (const OneRow *const row = getNextRowFromInPin(0)) {
-            files << expandFile(row->col(0, static_cast<unsigned short *>(nullptr)));
+            files << expandFile(row->text(0));
         }
         if (files.isEmpty()) {
             return runIsGood() &&
-                   !fail(u"ERROR: Cannot read the name of the Parquet file on input pin??"_s);
+                   fail(u"ERROR: Cannot read the name of the Parquet file on input pin??"_s);
         }
     } else {
         listFiles(expandFile(m_params.fileName), &files);
@@ -158,7 +158,7 @@ bool ActionReadParquet::openNextFile()
         case Opening::Unreadable: {
             const QString text = u"Warning: cannot open Parquet file '%1' for read\n"_s.arg(name);
             if (!m_hasColumns) {
-                return !fail(text); // without a first file there is no table
+                return fail(text); // without a first file there is no table
             }
             warn(text);
             break;
@@ -250,7 +250,7 @@ ActionReadParquet::Opening ActionReadParquet::unreadable(const QString &name,
 bool ActionReadParquet::handleMissing(const QString &name)
 {
     if (m_params.abortIfMissing) {
-        return !fail(u"Error: The Parquet file '%1' does not exists"_s.arg(name));
+        return fail(u"Error: The Parquet file '%1' does not exists"_s.arg(name));
     }
     warn(u"Warning: The Parquet file '%1' does not exists"_s.arg(name));
     return true;
@@ -295,19 +295,19 @@ bool ActionReadParquet::checkColumns()
     const std::vector<parquet::Column> &columns = m_current->reader->columns();
     const qsizetype expected = m_names.size();
     if (static_cast<qsizetype>(columns.size()) != expected) {
-        return !fail(
+        return fail(
             u"Error: The Parquet file '%3' does have the right number of columns (%1!=%2)"_s.arg(
                 QString::number(columns.size()), QString::number(expected), name));
     }
     for (qsizetype i = expected; i-- > 0;) {
         const parquet::Column &column = columns[static_cast<size_t>(i)];
         if (column.name != m_names[i]) {
-            return !fail(
+            return fail(
                 u"An error occurred while initializing the 'ReadParquet' Action \nThe name of the column %1 do not match in first file and file '%2' ('%3'!='%4'"_s
                     .arg(QString::number(i), name, m_names[i], column.name));
         }
         if (metaTypeOf(column) != m_types[i]) {
-            return !fail(
+            return fail(
                 u"An error occurred while initializing the 'ReadParquet' Action \nThe Meta-type of the column '%3' do not match in first file and file '%4' (type: %1!=%2)"_s
                     .arg(metaTypeOf(column).letter(), m_types[i].letter(), column.name, name));
         }
@@ -330,13 +330,13 @@ bool ActionReadParquet::putRow()
     setRowReadyForOutput(0);
     const auto more = m_current->reader->next(m_current->cells.data());
     if (!more) {
-        return !failInside(more.fault());
+        return failInside(more.fault());
     }
     m_current->hasRow = *more;
     return true;
 }
 
-/// A page in the middle cannot be read: the rows before it were right. Answers true.
+/// A page in the middle cannot be read: the rows before it were right. Returns false.
 bool ActionReadParquet::failInside(const Fault<parquet::Error> &fault)
 {
     finishFile();
@@ -360,14 +360,14 @@ bool ActionReadParquet::finishFile()
 bool ActionReadParquet::step()
 {
     if (!m_isPrepared && !prepare()) {
-        return true;
+        return false;
     }
     while (!yieldRequested()) {
         if (m_current->hasRow ? !putRow() : !finishFile() || !openNextFile()) {
-            return true;
+            return false;
         }
     }
-    return false;
+    return true;
 }
 
 } // namespace corvanta

@@ -112,18 +112,18 @@ void ActionReadXBF::openMemo(Table *table)
     }
 }
 
-/// Log what the input has to say, or `otherwise` with its name; answers true.
+/// Log what the input has to say, or `otherwise` with its name; returns false.
 bool ActionReadXBF::failOnInput(const Input &input, const QString &otherwise)
 {
     const QString failure = input.file.failure();
     return fail(failure.isEmpty() ? otherwise.arg(input.name) : failure);
 }
 
-/// Log why a table cannot be read (on), unless that is because the run is over; answers true.
+/// Log why a table cannot be read (on), unless that is because the run is over; returns false.
 bool ActionReadXBF::failOnTable(const Table &table, const Fault<dbf::Error> &fault)
 {
     if (!runIsGood()) {
-        return true;
+        return false;
     }
     switch (fault.code) {
     case dbf::Error::UnsupportedField:
@@ -170,20 +170,20 @@ bool ActionReadXBF::checkColumns()
     const auto &columns = table.reader->columns();
     const qsizetype expected = m_run->names.size();
     if (static_cast<qsizetype>(columns.size()) != expected) {
-        return !fail(
+        return fail(
             u"Error: The DBF file '%3' does have the right number of columns (%1!=%2)"_s.arg(
                 QString::number(columns.size()), QString::number(expected), table.input->name));
     }
     for (qsizetype i = 0; i < expected; ++i) {
         const QString name = table.reader->columnName(static_cast<size_t>(i));
         if (name != m_run->names[i]) {
-            return !fail(
+            return fail(
                 u"An error occurred while initializing the 'ReadXBF' Action \nThe name of the column %1 do not match in first file and file '%2' ('%3'!='%4'"_s
                     .arg(QString::number(i + 1), table.input->name, m_run->names[i], name));
         }
         const MetaInfo type = MetaInfo(columns[static_cast<size_t>(i)].cell);
         if (type != m_run->types[i]) {
-            return !fail(
+            return fail(
                 u"An error occurred while initializing the 'ReadXBF' Action \nThe Meta-type of the column '%3' do not match in first file and file '%4' (type: %1!=%2)"_s
                     .arg(m_run->types[i].letter(), type.letter(), name, table.input->name));
         }
@@ -201,11 +201,11 @@ bool ActionReadXBF::step()
         }
         if ((*found == Found::Record && !putRow()) ||
             (*found == Found::End && (!finishTable() || !openNextTable()))) {
-            return true;
+            return false;
         }
         updateCompletion();
     }
-    return !m_run->table;
+    return m_run->table != nullptr;
 }
 
 bool ActionReadXBF::putRow()
@@ -217,7 +217,7 @@ bool ActionReadXBF::putRow()
     for (int i = 0; i < columns; ++i) {
         const uchar *const cell = reader.cell(static_cast<size_t>(i), *buffer);
         if (cell == nullptr) {
-            return !failOnTable(*m_run->table, reader.fault());
+            return failOnTable(*m_run->table, reader.fault());
         }
         row->setCol(i, cell);
     }
@@ -256,7 +256,7 @@ bool ActionReadXBF::drainInput()
     while (got > 0) {
         got = input.read(scratch.data(), kScratchBytes);
     }
-    return got == 0 || !failOnTable(*m_run->table, {dbf::Error::Unreadable});
+    return got == 0 || failOnTable(*m_run->table, {dbf::Error::Unreadable});
 }
 
 void ActionReadXBF::warnFindings()

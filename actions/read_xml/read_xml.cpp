@@ -77,7 +77,7 @@ void ActionReadXML::finish()
 
 bool ActionReadXML::step()
 {
-    return (!m_run && !prepare()) || m_run->step();
+    return (m_run || prepare()) && m_run->step();
 }
 
 /// The levels with their variables expanded; in HTML mode without the "tbody" of browsers' paths.
@@ -173,7 +173,7 @@ bool ActionReadXML::prepare()
 {
     const std::vector<ReadLevel> expanded = levels();
     if (!hasItems(expanded)) {
-        return !fail(u"ReadXML error: nothing to extract"_s);
+        return fail(u"ReadXML error: nothing to extract"_s);
     }
     const auto hasZero = [](const QString &path) { return path.contains("[0]"_L1); };
     const bool anyZero = std::any_of(expanded.begin(), expanded.end(), [&](const ReadLevel &level) {
@@ -182,7 +182,7 @@ bool ActionReadXML::prepare()
                            [&](const ReadItem &item) { return hasZero(item.path); });
     });
     if (!m_params.zeroBased && anyZero) {
-        return !fail(u"ReadXML error: [0] indexes are forbidden when using 1-based-indexes"_s);
+        return fail(u"ReadXML error: [0] indexes are forbidden when using 1-based-indexes"_s);
     }
     LevelRun::Input input;
     input.fileName = expandFile(m_params.fileName);
@@ -211,7 +211,7 @@ bool ActionReadXML::chooseEncoding(XMLTokenizer &tokenizer, const QString &name)
         markup::encodingCode(encoding), encoding,
         m_params.iconvDiscardUnconvertible ? InvalidBytes::Discard : InvalidBytes::Fail);
     if (error == MarkupError::CannotConvert) {
-        return !fail(u"Invalid character encoding (%1) for file '%2'."_s.arg(
+        return fail(u"Invalid character encoding (%1) for file '%2'."_s.arg(
             QString::fromUtf8(encoding), name));
     }
     return true;
@@ -252,7 +252,7 @@ bool ActionReadXML::documentFails(const markup::MarkupResult &result, const QStr
         return true;
     }
     if (result.error == MarkupError::CannotConvert) {
-        return !fail(u"invalid character found in file '%1': aborting"_s.arg(name));
+        return fail(u"invalid character found in file '%1': aborting"_s.arg(name));
     }
     // A page without any element is no reason to stop.
     const bool goesOn = m_params.skipCorruptedFiles || (isEmpty && m_params.readHTML);
@@ -263,7 +263,7 @@ bool ActionReadXML::documentFails(const markup::MarkupResult &result, const QStr
     const QString line = QString::number(result.line);
     const QString column = QString::number(result.column);
     if (!goesOn) {
-        return !fail(u"ERROR: XML structure error '%1' in file '%4' at line %2, column %3\n"_s.arg(
+        return fail(u"ERROR: XML structure error '%1' in file '%4' at line %2, column %3\n"_s.arg(
             text, line, column, name));
     }
     m_warningFlag = 1;
@@ -275,7 +275,7 @@ bool ActionReadXML::documentFails(const markup::MarkupResult &result, const QStr
 bool ActionReadXML::fileIsMissing(const QString &name)
 {
     if (m_params.abortIfMissing) {
-        return !fail(u"Error: The xml file '%1' does not exists"_s.arg(name));
+        return fail(u"Error: The xml file '%1' does not exists"_s.arg(name));
     }
     warn(u"Warning: The xml file '%1' does not exists"_s.arg(name));
     return true;

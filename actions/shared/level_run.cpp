@@ -87,11 +87,11 @@ LevelRun::~LevelRun() = default;
 bool LevelRun::step()
 {
     if (!m_isPrepared && !prepare()) {
-        return true;
+        return false;
     }
     while (m_control.yieldRequest.load(std::memory_order_relaxed) == 0) {
         if (!m_isOpen && !openNext()) {
-            return true;
+            return false;
         }
         PinArena arena(m_action);
         switch (m_extractor.next(arena)) {
@@ -100,17 +100,17 @@ bool LevelRun::step()
             break;
         case LevelExtractor::Outcome::End:
             if (!documentEnds()) {
-                return true;
+                return false;
             }
             break;
         case LevelExtractor::Outcome::Fault:
             if (!documentFails()) {
-                return true;
+                return false;
             }
             break;
         }
     }
-    return false;
+    return true;
 }
 
 // ---- Before the first row. The functions answer false when the run has failed or is over.

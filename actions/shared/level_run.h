@@ -58,7 +58,7 @@ public:
              std::atomic<float> *progress);
     ~LevelRun();
 
-    /// One call of the run function: true when the run is finished or failed.
+    /// One call of the run function: see ActionBase::step().
     bool step();
 
     /// Columns of the output pin; 0 before the first document.

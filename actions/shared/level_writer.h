@@ -131,24 +131,24 @@ template <class Self, class P> bool LevelWriter<Self, P>::step()
                 this->getOutputRowForOutputPin(0)->copySchemaFrom(this->getInputColumns(0));
             }
             m_run->isComplete = this->runIsGood();
-            return true;
+            return false;
         }
         this->getOutputRowForOutputPin(0)->copyFrom(row);
         this->setRowReadyForOutput(0);
         if (m_run->isFirst && !begin(*row)) {
-            return true;
+            return false;
         }
         if (m_run->filter.isWanted(*row)) {
             if (!beforeRow(*row)) {
-                return true;
+                return false;
             }
             m_run->composer->putRow(*row);
             if (!composed()) {
-                return true;
+                return false;
             }
         }
     }
-    return false;
+    return true;
 }
 
 template <class Self, class P> void LevelWriter<Self, P>::finish()
@@ -163,7 +163,7 @@ template <class Self, class P> bool LevelWriter<Self, P>::begin(const OneRow &ro
 {
     m_run->isFirst = false;
     if (!m_run->filter.begin(this->m_params, row)) {
-        return !failWith(WriteProblem::NoTestColumn, this->m_params.testCol);
+        return failWith(WriteProblem::NoTestColumn, this->m_params.testCol);
     }
     return beforeFirstRow(row) && makeComposer(row);
 }
@@ -174,8 +174,8 @@ template <class Self, class P> bool LevelWriter<Self, P>::makeComposer(const One
     auto levels = compileLevels(declared, row);
     if (!levels) {
         const qint64 level = levels.fault().offset;
-        return !failWith(levels.fault().code, levels.fault().detail,
-                         declared[static_cast<size_t>(level)].name);
+        return failWith(levels.fault().code, levels.fault().detail,
+                        declared[static_cast<size_t>(level)].name);
     }
     if (doCheckNameCollision(&row, this->m_params.checkNameCollision, this, columnsOf(*levels),
                              m_run->file) != 0) {
@@ -199,7 +199,7 @@ template <class Self, class P> bool LevelWriter<Self, P>::composed()
     case compose::TextBlock::Failure::TooLarge:
         break;
     }
-    return !failWith(WriteProblem::TooLarge);
+    return failWith(WriteProblem::TooLarge);
 }
 
 template <class Self, class P> bool LevelWriter<Self, P>::openFile()
@@ -211,7 +211,7 @@ template <class Self, class P> bool LevelWriter<Self, P>::openFile()
     const bool replaces = this->m_params.fileMode == 0;
     const auto mode = replaces ? ComposedFile::Mode::Replace : ComposedFile::Mode::Append;
     if (!m_run->target.open(name, mode, this->getIdx())) {
-        return !failWith(WriteProblem::CannotOpen);
+        return failWith(WriteProblem::CannotOpen);
     }
     return (!replaces || write(m_run->frame.head)) &&
            writeText(this->expandString(this->m_params.prefix));
@@ -229,7 +229,7 @@ template <class Self, class P> bool LevelWriter<Self, P>::write(const void *byte
             return false; // stopped: there is nothing to complete
         }
         if (!MainUI::displayOutOfDiskSpace(m_run->file, this->getIdx(), true)) {
-            return !failWith(WriteProblem::CannotWrite);
+            return failWith(WriteProblem::CannotWrite);
         }
     }
     return true;
@@ -256,7 +256,7 @@ template <class Self, class P> bool LevelWriter<Self, P>::endFile()
     if (!writeText(lastLine + this->expandString(this->m_params.suffix))) {
         return false;
     }
-    return m_run->target.commit() || !failWith(WriteProblem::CannotWrite);
+    return m_run->target.commit() || failWith(WriteProblem::CannotWrite);
 }
 
 } // namespace corvanta

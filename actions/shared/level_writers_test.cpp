@@ -77,7 +77,7 @@ private:
                         textCell(buffer, cells.t.data(), static_cast<qsizetype>(cells.t.size())));
             setRowReadyForOutput(0);
         }
-        return m_next == g_table.rows.size();
+        return m_next != g_table.rows.size();
     }
     size_t m_next = 0;
 };

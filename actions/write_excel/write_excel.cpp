@@ -103,7 +103,7 @@ template <class F> bool ActionWriteExcel::packageCall(F call)
 bool ActionWriteExcel::findTestColumn(const OneRow *row)
 {
     return m_run->filter.begin(m_params, *row) ||
-           !fail(u"\nERROR writing to Excel file '%1': cannot find column '%2' to test\n"_s.arg(
+           fail(u"\nERROR writing to Excel file '%1': cannot find column '%2' to test\n"_s.arg(
                m_run->file, m_params.testCol));
 }
 
@@ -115,7 +115,7 @@ bool ActionWriteExcel::findColumns(const OneRow *row, std::vector<SheetWriter::C
             columns->push_back({i, SheetWriter::Kind::Text, row->colName(i)});
         }
     } else if (m_params.toWrite.isEmpty()) {
-        return !fail(
+        return fail(
             u"\nERROR writing to Excel file '%1': no column to write?\n"_s.arg(m_run->file));
     }
     for (const QString &name : m_params.writeAllColumns ? QStringList() : m_params.toWrite) {
@@ -138,7 +138,7 @@ bool ActionWriteExcel::decideKind(const OneRow *row, SheetWriter::Column *column
     } else if (m_params.toFormula.contains(column->name)) {
         column->kind = SheetWriter::Kind::Formula;
         if (type != MetaInfo::Unknown) {
-            return !fail(
+            return fail(
                 u"ERROR writing to Excel file '%1': type of column '%2' is not string/unknown.\n"_s
                     .arg(m_run->file, column->name));
         }
@@ -160,7 +160,7 @@ bool ActionWriteExcel::writeMember(const char *name, const QByteArray &content)
 bool ActionWriteExcel::openOutput()
 {
     if (!m_run->output.open(m_run->file, getIdx(), m_run->compression)) {
-        return !fail(u"\nERROR writing to Excel file '%1'\n"_s.arg(m_run->file));
+        return fail(u"\nERROR writing to Excel file '%1'\n"_s.arg(m_run->file));
     }
     return true;
 }
@@ -181,14 +181,14 @@ bool ActionWriteExcel::openNewWorkbook(std::vector<SheetWriter::Column> columns)
     }
     for (const sheet::FixedMember &member : sheet::leadingMembers(m_params.dateFormatExcel)) {
         if (!writeMember(member.name, member.content)) {
-            return !failOn(SheetWriter::Error::Write);
+            return isWritten(SheetWriter::Error::Write);
         }
     }
     if (!packageCall([&] { return m_run->output.writer().openMember(sheet::kSheetMember); })) {
-        return !failOn(SheetWriter::Error::Write);
+        return isWritten(SheetWriter::Error::Write);
     }
     makeSheetWriter(std::move(columns), sheetOptions());
-    return !failOn(m_run->sheet->put(sheet::sheetHead()));
+    return isWritten(m_run->sheet->put(sheet::sheetHead()));
 }
 
 SheetOptions ActionWriteExcel::sheetOptions() const
@@ -260,15 +260,15 @@ bool ActionWriteExcel::begin(const OneRow *row)
         return false;
     }
     m_run->firstRow = m_run->sheet->row();
-    return !m_params.firstLineContainsColumnNames || !failOn(m_run->sheet->putHeader());
+    return !m_params.firstLineContainsColumnNames || isWritten(m_run->sheet->putHeader());
 }
 
-/// Fail the run with the message of `error`; false when there is none.
-bool ActionWriteExcel::failOn(SheetWriter::Error error)
+/// True without an error; otherwise fails the run with the message of `error`.
+bool ActionWriteExcel::isWritten(SheetWriter::Error error)
 {
     switch (error) {
     case SheetWriter::Error::None:
-        return false;
+        return true;
     case SheetWriter::Error::BufferTooSmall:
         return fail(
             u"\nERROR writing to XLSX file '%1': output buffer too small\n"_s.arg(m_run->file));
@@ -288,7 +288,7 @@ bool ActionWriteExcel::writeRow(const OneRow *row)
              "(nRows>1048576). However, you can still use the file with Corvanta.\n"_s.arg(
                  m_run->file));
     }
-    return !failOn(m_run->sheet->putRow(*row));
+    return isWritten(m_run->sheet->putRow(*row));
 }
 
 void ActionWriteExcel::endOfRows()
@@ -309,18 +309,18 @@ bool ActionWriteExcel::step()
         const OneRow *const row = getNextRowFromInPin(0);
         if (row == nullptr) {
             endOfRows();
-            return true;
+            return false;
         }
         getOutputRowForOutputPin(0)->copyFrom(row);
         setRowReadyForOutput(0);
         if (m_run->isFirst && !begin(row)) {
-            return true;
+            return false;
         }
         if (m_run->filter.isWanted(*row) && !writeRow(row)) {
-            return true;
+            return false;
         }
     }
-    return false;
+    return true;
 }
 
 /// What the defined name covers; nothing when none is wanted.
@@ -383,7 +383,7 @@ void ActionWriteExcel::finish()
     if (m_run->sheet && m_run->isComplete && runIsGood()) {
         // Rows that wait in the package's block are written with the sheet's end.
         if (!finishSheet()) {
-            failOn(SheetWriter::Error::Write);
+            isWritten(SheetWriter::Error::Write);
         } else if (!finishWorkbook()) {
             fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(m_run->file));
         }

@@ -57,7 +57,7 @@ private:
     bool writeMember(const char *name, const QByteArray &content);
     bool writeRow(const OneRow *row);
     void endOfRows();
-    bool failOn(SheetWriter::Error error);
+    bool isWritten(SheetWriter::Error error);
     bool finishSheet();
     bool finishWorkbook();
     std::optional<sheet::NamedRange> namedRange() const;

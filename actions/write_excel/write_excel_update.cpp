@@ -64,7 +64,7 @@ bool ActionWriteExcel::openWorkbook(std::vector<SheetWriter::Column> columns)
         return openUpdate(source, std::move(columns));
     }
     if (!m_params.createIfNotExists) {
-        return !fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(source));
+        return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(source));
     }
     warn(u"\nWarning Cannot read Excel file '%1'\n"_s.arg(source));
     return openNewWorkbook(std::move(columns));
@@ -103,10 +103,9 @@ bool ActionWriteExcel::failUpdate(const Fault<WorkbookUpdate::Problem> &fault)
     using Problem = WorkbookUpdate::Problem;
     switch (fault.code) {
     case Problem::Write:
-        return !failOn(SheetWriter::Error::Write);
+        return isWritten(SheetWriter::Error::Write);
     case Problem::NotAdded:
-        return !fail(
-            u"\nERROR: cannot open file '%1' in the zipfile for write"_s.arg(fault.detail));
+        return fail(u"\nERROR: cannot open file '%1' in the zipfile for write"_s.arg(fault.detail));
     case Problem::Damaged:
         fail(u"\nERROR: cannot decompress file '%1'.\n"_s.arg(fault.detail));
         break;
@@ -118,7 +117,7 @@ bool ActionWriteExcel::failUpdate(const Fault<WorkbookUpdate::Problem> &fault)
     case Problem::NotUnderstood:
         break;
     }
-    return !fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source));
+    return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source));
 }
 
 bool ActionWriteExcel::chooseSheet()
@@ -148,7 +147,7 @@ bool ActionWriteExcel::chooseByNumber()
         const QString valid = count == 1
                                   ? u"only sheet has the index '1')."_s
                                   : u"valid range of sheet indexes is from 1 to %1)."_s.arg(count);
-        return !fail(
+        return fail(
             u"ExcelWriter: Could not find sheet number '%1' inside the file '%2' (The %3"_s.arg(
                 QString::number(number), m_run->source, valid));
     }
@@ -175,7 +174,7 @@ bool ActionWriteExcel::chooseByName()
                                   ? u"only sheet is named '%1'."_s.arg(names.front())
                                   : u"%1 available sheets have the following names: '%2'."_s.arg(
                                         QString::number(names.size()), names.join(u"', '"_s));
-    return !fail(u"ExcelWriter: Could not find sheet named '%1' inside the file '%2'. The %3"_s.arg(
+    return fail(u"ExcelWriter: Could not find sheet named '%1' inside the file '%2'. The %3"_s.arg(
         name, m_run->source, available));
 }
 
@@ -235,7 +234,7 @@ bool ActionWriteExcel::swap(const QString &temporary, const QString &target)
         [this](int pauseMs) { return pause(pauseMs); }};
     const auto failed = swapFile({temporary, target, backup}, observer);
     if (failed) {
-        return !fail(u"ERROR: impossible to rename '%1' to '%2'"_s.arg(failed->from, failed->to));
+        return fail(u"ERROR: impossible to rename '%1' to '%2'"_s.arg(failed->from, failed->to));
     }
     return true;
 }

@@ -86,7 +86,7 @@ bool ActionWriteJSON::beforeFirstRow(const OneRow &row)
     }
     m_splitColumn = row.getIndexOfColumn(m_params.splitCol);
     if (m_splitColumn < 0) {
-        return !fail(
+        return fail(
             u"ERROR writing to multiple JSON files: cannot find column '%1' for split."_s.arg(
                 m_params.splitCol));
     }

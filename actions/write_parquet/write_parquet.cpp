@@ -72,7 +72,7 @@ parquet::Storage ActionWriteParquet::storageOf(const OneRow *row, int column) co
 /// Fail the run because the input has no such column; false.
 bool ActionWriteParquet::failWithoutColumn(const QString &name, const char *purpose)
 {
-    return !fail(u"\nERROR writing to Parquet File '%1': cannot find column '%2' %3\n"_s.arg(
+    return fail(u"\nERROR writing to Parquet File '%1': cannot find column '%2' %3\n"_s.arg(
         m_run->file, name, QString::fromLatin1(purpose)));
 }
 
@@ -85,7 +85,7 @@ bool ActionWriteParquet::findColumns(const OneRow *row)
             inputs << i;
         }
     } else if (m_params.toWrite.isEmpty()) {
-        return !fail(
+        return fail(
             u"\nERROR writing to Parquet File '%1': no column to write?\n"_s.arg(m_run->file));
     }
     for (const QString &name : m_params.writeAllColumns ? QStringList() : m_params.toWrite) {
@@ -152,7 +152,7 @@ bool ActionWriteParquet::openOutput(const QString &value)
     m_run->outputs[value] = output;
     m_run->output = output;
     m_run->value = value;
-    return message.isEmpty() || !fail(message);
+    return message.isEmpty() || fail(message);
 }
 
 bool ActionWriteParquet::closeOutput(const QString &value)
@@ -160,7 +160,7 @@ bool ActionWriteParquet::closeOutput(const QString &value)
     const QString message = m_run->outputs[value]->commit();
     m_run->outputs.remove(value);
     m_run->output.reset();
-    return message.isEmpty() || !fail(message);
+    return message.isEmpty() || fail(message);
 }
 
 /// Make `output` the file that the row belongs to.
@@ -193,7 +193,7 @@ bool ActionWriteParquet::writeRow(const OneRow *row)
     }
     if (const QString message = m_run->output->addRow(row->getAllColForWrite());
         !message.isEmpty()) {
-        return !fail(message);
+        return fail(message);
     }
     const bool isSegmentFull = isSplit() && static_cast<double>(m_run->output->bytesWritten()) >
                                                 m_params.segmentSize * kBytesPerMiB;
@@ -207,16 +207,16 @@ bool ActionWriteParquet::step()
         if (row == nullptr) {
             const bool isGood = runIsGood() && (!m_run->isFirst || begin(getInputColumns(0)));
             m_run->isComplete = isGood;
-            return true;
+            return false;
         }
         if (m_run->isFirst && !begin(row)) {
-            return true;
+            return false;
         }
         if (m_run->filter.isWanted(*row) && !writeRow(row)) {
-            return true;
+            return false;
         }
     }
-    return false;
+    return true;
 }
 
 void ActionWriteParquet::finish()

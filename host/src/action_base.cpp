@@ -180,9 +180,9 @@ void ActionBase::prepareRun()
 
 bool ActionBase::runGuarded()
 {
-    bool finished = true;
-    guarded([&] { finished = step(); });
-    return finished;
+    bool hasMore = false;
+    guarded([&] { hasMore = step(); });
+    return !hasMore;
 }
 
 char ActionBase::close()
@@ -201,7 +201,7 @@ bool ActionBase::fail(const QString &text)
         m_control->runStatus = RunControl::Failed;
     }
     m_errorFlag = 1;
-    return true;
+    return false;
 }
 
 void ActionBase::warn(const QString &text)

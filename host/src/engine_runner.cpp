@@ -18,7 +18,7 @@ QStringList textsOf(const OneRow &row)
 {
     QStringList texts;
     for (int i = 0; i < row.numberOfColumns(); ++i) {
-        texts << row.col(i, static_cast<unsigned short *>(nullptr));
+        texts << row.text(i);
     }
     return texts;
 }

@@ -57,6 +57,11 @@ int OneRow::col(int i, const unsigned short **out) const
 
 QString OneRow::col(int i, unsigned short *) const
 {
+    return text(i);
+}
+
+QString OneRow::text(int i) const
+{
     const unsigned short *units = nullptr;
     const int n = col(i, &units);
     return units == nullptr ? QString()
@@ -114,7 +119,7 @@ QString OneRow::colForHash(int i) const
 {
     bool isNumber = false;
     const double value = colAsDouble(i, &isNumber);
-    return isNumber ? shortestText(value) : col(i, static_cast<unsigned short *>(nullptr));
+    return isNumber ? shortestText(value) : text(i);
 }
 
 int OneRow::getIndexOfColumn(const QString &name) const

@@ -94,7 +94,7 @@ private:
                 return fail(QStringLiteral("source fails"));
             }
             if (m_next == m_params.rows) {
-                return true;
+                return false;
             }
             row->setCol(0, keyCell(bufferForOutputPin(0), static_cast<quint32>(m_next)));
             row->setCol(1, textCell(bufferForOutputPin(0), text.data(),
@@ -102,7 +102,7 @@ private:
             setRowReadyForOutput(0);
             ++m_next;
         }
-        return false;
+        return true;
     }
     qint64 m_next = 0;
 };
@@ -137,13 +137,13 @@ private:
                 if (m_params.how == QLatin1String("throw")) {
                     throw std::runtime_error("sink throws");
                 }
-                return m_params.how == QLatin1String("leave") || fail(QStringLiteral("sink fails"));
+                return m_params.how != QLatin1String("leave") && fail(QStringLiteral("sink fails"));
             }
             if (yieldRequested()) {
-                return false;
+                return true;
             }
         }
-        return true;
+        return false;
     }
     void take(const OneRow &row)
     {
@@ -180,7 +180,7 @@ private:
     {
         std::unique_lock lock(m_mutex);
         m_wake.wait(lock, [this] { return m_woken; });
-        return true;
+        return false;
     }
     std::mutex m_mutex;
     std::condition_variable m_wake;

@@ -74,7 +74,8 @@ protected:
 
     /// Prepare a run: reset all state of an earlier one.
     virtual void start() {}
-    /// One call of the run function: true when finished or failed, false to be called again.
+    /// Do the work of one call of the run function. Returns true to be called again, because
+    /// yieldRequested() was set; false when the action is finished or failed.
     virtual bool step() = 0;
     /// Complete or abandon what the run opened (see runIsGood()), and free it. May be called twice.
     virtual void finish() {}
@@ -82,7 +83,8 @@ protected:
     virtual QVector<InputTable> listTables() { return {}; }
     virtual bool fill(int) { return true; }
 
-    /// Log an error, fail the run (if there is one), and answer true.
+    /// Log an error and fail the run, if there is one. Returns false, so that a function that
+    /// returns true for success ends with `return fail(...)`.
     bool fail(const QString &text);
     /// Log a warning and set the warning flag.
     void warn(const QString &text);

@@ -2,6 +2,7 @@
 // One row on a pin: cells, column names, types and sort order.
 #pragma once
 #include "base/cell.h"
+#include "base/row_view.h"
 #include "corvanta/export.h"
 #include "corvanta/meta_info.h"
 
@@ -33,6 +34,8 @@ public:
 
     /// Cell `i` as text; null for a missing cell. `buffer` is not needed and may be null.
     QString col(int i, unsigned short *buffer) const;
+    /// The same without the buffer.
+    QString text(int i) const;
     /// Cell `i` as UTF-16 text: the length, and where it is. A missing cell has length 0 and a null
     /// pointer. The text of a number is valid until the next call on this row.
     int col(int i, const unsigned short **out) const;
@@ -63,6 +66,12 @@ public:
     QVector<SortInfos> getSortInfosDeep() const { return m_schema->sortedOn; }
     const QVector<SortInfos> &sortInfos() const { return m_schema->sortedOn; }
     const TableSchema &schema() const { return *m_schema; }
+    /// The row as codecs read it. Valid until this row changes.
+    corvanta::RowView view() const
+    {
+        return {m_cells, m_schema->names.constData(), m_schema->types.constData(),
+                numberOfColumns()};
+    }
 
     // Filling. Describe the columns before the first row; a change later starts a new batch.
 

@@ -131,7 +131,7 @@ bool ActionReadCsv::open()
     }
     m_separator = separator[0].toLatin1();
     if (!openFile()) {
-        return !fail(u"Error: readCSV: cannot open file '%1' for read\n"_s.arg(m_name));
+        return fail(u"Error: readCSV: cannot open file '%1' for read\n"_s.arg(m_name));
     }
     m_block.resize(kBlockBytes);
     return true;
@@ -175,7 +175,7 @@ bool ActionReadCsv::refill()
         m_file->read(m_block.data() + m_fill, static_cast<qint64>(m_block.size() - m_fill));
     if (got < 0) {
         const QString why = m_packed != nullptr ? u": "_s + m_packed->failure() : QString();
-        return !fail(u"Error: readCSV: cannot read file '%1'%2\n"_s.arg(m_name, why));
+        return fail(u"Error: readCSV: cannot read file '%1'%2\n"_s.arg(m_name, why));
     }
     m_fileEnded = got == 0;
     if (m_isAtStart && got >= 3 && std::memcmp(m_block.data(), "\xEF\xBB\xBF", 3) == 0) {
@@ -303,7 +303,7 @@ bool ActionReadCsv::describeColumns()
     for (size_t i = 0; i < m_fields.size(); ++i) {
         const QString letter = letters.value(static_cast<qsizetype>(i), u"U"_s).trimmed();
         if (letter != "K"_L1 && letter != "F"_L1 && letter != "U"_L1) {
-            return !fail(u"Error: readCSV: '%1' is not a column type (K, F, U)\n"_s.arg(letter));
+            return fail(u"Error: readCSV: '%1' is not a column type (K, F, U)\n"_s.arg(letter));
         }
         names << (m_params.header ? QString::fromUtf8(m_fields[i].text, m_fields[i].size)
                                   : u'C' + QString::number(i + 1));
@@ -311,7 +311,7 @@ bool ActionReadCsv::describeColumns()
         types << MetaInfo(m_types.back(), -1);
     }
     if (letters.size() > names.size()) {
-        return !fail(u"Error: readCSV: %1 column types for the %2 columns of file '%3'\n"_s.arg(
+        return fail(u"Error: readCSV: %1 column types for the %2 columns of file '%3'\n"_s.arg(
             QString::number(letters.size()), QString::number(names.size()), m_name));
     }
     row->setColName(names);
@@ -319,7 +319,7 @@ bool ActionReadCsv::describeColumns()
     QVector<SortInfos> sortedOn;
     for (const QString &name : m_params.sortedOn.split(u',', Qt::SkipEmptyParts)) {
         if (!names.contains(name)) {
-            return !fail(u"Error: readCSV: file '%1' has no column '%2' to be sorted on\n"_s.arg(
+            return fail(u"Error: readCSV: file '%1' has no column '%2' to be sorted on\n"_s.arg(
                 m_name, name));
         }
         sortedOn << SortInfos{name, true};
@@ -376,7 +376,7 @@ bool ActionReadCsv::emitRow()
         if (isEmptyLine) {
             return true;
         }
-        return !fail(u"Error: readCSV: file '%1', line %2: %3 fields instead of %4\n"_s.arg(
+        return fail(u"Error: readCSV: file '%1', line %2: %3 fields instead of %4\n"_s.arg(
             m_name, QString::number(m_line), QString::number(m_fields.size()),
             QString::number(columns)));
     }
@@ -392,21 +392,21 @@ bool ActionReadCsv::emitRow()
 bool ActionReadCsv::step()
 {
     if (!m_file && !open()) {
-        return true;
+        return false;
     }
     if (!m_described && !describeColumns()) {
-        return true;
+        return false;
     }
     while (!yieldRequested()) {
         if (!m_firstIsData && !nextRecord()) {
-            return true;
+            return false;
         }
         m_firstIsData = false;
         if (!emitRow()) {
-            return true;
+            return false;
         }
     }
-    return false;
+    return true;
 }
 
 } // namespace corvanta

@@ -97,12 +97,12 @@ bool ActionWriteCsv::open()
     m_name = expandOutputFile(m_params.fileName, QString());
     const QString separator = m_params.separator == "\\t"_L1 ? u"\t"_s : m_params.separator;
     if (separator.size() != 1 || separator[0].unicode() >= 0x80 || separator == "\""_L1) {
-        return !fail(u"Error: writeCSV: the separator '%1' is not one ASCII character\n"_s.arg(
+        return fail(u"Error: writeCSV: the separator '%1' is not one ASCII character\n"_s.arg(
             m_params.separator));
     }
     m_separator = separator[0].toLatin1();
     if (!m_target.open(m_name, getIdx())) {
-        return !fail(u"Error: writeCSV: cannot create file '%1'\n"_s.arg(m_name));
+        return fail(u"Error: writeCSV: cannot create file '%1'\n"_s.arg(m_name));
     }
     m_buffer.resize(kBufferBytes);
     return true;
@@ -125,7 +125,7 @@ bool ActionWriteCsv::needRoom(size_t bytes)
         return true;
     }
     if (!flush()) {
-        return !fail(u"Error: writeCSV: cannot write file '%1'\n"_s.arg(m_name));
+        return fail(u"Error: writeCSV: cannot write file '%1'\n"_s.arg(m_name));
     }
     if (m_buffer.size() < bytes) {
         m_buffer.resize(bytes);
@@ -221,22 +221,22 @@ bool ActionWriteCsv::step()
     while (!yieldRequested()) {
         const OneRow *const row = getNextRowFromInPin(0);
         if (row == nullptr && !runIsGood()) {
-            return true;
+            return false;
         }
         if (!m_headerDone && !writeHeader(row != nullptr ? row : getInputColumns(0))) {
-            return true;
+            return false;
         }
         if (row == nullptr) {
             m_complete = true;
-            return true;
+            return false;
         }
         getOutputRowForOutputPin(0)->copyFrom(row);
         setRowReadyForOutput(0);
         if (!writeRow(row)) {
-            return true;
+            return false;
         }
     }
-    return false;
+    return true;
 }
 
 } // namespace corvanta
