@@ -100,6 +100,13 @@ class Kill(unittest.TestCase):
         traced = ["strace", "-f", "-qq", "-o", "/dev/null", *inject] if inject else []
         return [*traced, CORVANTA, "run", str(self.folder / "case.graph")]
 
+    def traced(self, *options):
+        """The system calls of a run. With -ff each thread has a file of its own, so that no line is split."""
+        with tempfile.TemporaryDirectory(prefix="corvanta_trace_") as name:
+            subprocess.run(["strace", "-ff", "-qq", "-o", f"{name}/trace", *options, *self.command()],
+                           check=True, stderr=subprocess.DEVNULL)
+            return "".join(path.read_text() for path in pathlib.Path(name).iterdir())
+
     def states(self, killed):
         """For each target "old" or "new", or why it is neither."""
         states = {}
@@ -205,10 +212,9 @@ class Kill(unittest.TestCase):
         for _ in self.each_writer([w for w in WRITERS if "mode='1'" not in w.element and "mode='2'" not in w.element]):
             for name in self.targets():
                 (self.folder / name).unlink()
-            done = subprocess.run(["strace", "-f", "-y", "-qq", "-e", "trace=fsync", *self.command()],
-                                  capture_output=True, text=True, check=True)
+            calls = self.traced("-y", "-e", "trace=fsync")
             for path in [self.folder, *(self.folder / name for name in self.targets())]:
-                self.assertRegex(done.stderr, rf"fsync\(\d+<{re.escape(str(path))}>\) += 0")
+                self.assertRegex(calls, rf"fsync\(\d+<{re.escape(str(path))}>\) += 0")
             for name in self.targets():
                 (self.folder / name).unlink()
             done = subprocess.run(self.command("-e", "trace=fsync", "-e", "inject=fsync:error=EIO"),
