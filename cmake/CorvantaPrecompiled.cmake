@@ -7,8 +7,7 @@ set(precompiled_headers
     <algorithm> <array> <atomic> <functional> <map> <memory> <mutex> <optional> <sstream> <string> <variant> <vector>)
 
 function(corvanta_precompiled name)
-    file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp.new "")
-    configure_file(${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp.new ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp COPYONLY)
+    file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp CONTENT "")
     add_library(${name} STATIC ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
     target_link_libraries(${name} PRIVATE corvanta_options ${ARGN})
 endfunction()
