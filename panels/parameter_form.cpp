@@ -1,7 +1,8 @@
 #include "panels/parameter_form.h"
 
 #include "corvanta/action_item.h"
-#include "corvanta/host_functions.h"
+#include "corvanta/file_dialogs.h"
+#include "corvanta/icons.h"
 #include "corvanta/main_ui.h"
 #include "panels/string_list_editor.h"
 

@@ -3,6 +3,7 @@
 #include "actions/read_xbf/memo_name.h"
 #include "base/checked.h"
 #include "corvanta/files.h"
+#include "corvanta/system_encoding.h"
 #include "plugin/catalogue.h"
 
 using namespace Qt::StringLiterals;

@@ -3,6 +3,7 @@
 #include "base/checked.h"
 #include "codecs/markup/html_tables.h"
 #include "corvanta/files.h"
+#include "corvanta/system_encoding.h"
 #include "plugin/catalogue.h"
 
 #include <algorithm>

@@ -8,7 +8,7 @@
 #include "actions/shared/write_problem.h"
 #include "codecs/compose/text_block.h"
 #include "corvanta/action_base.h"
-#include "corvanta/host_functions.h"
+#include "corvanta/name_collision.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #include "actions/write_excel/write_excel.h"
 
-#include "corvanta/host_functions.h"
+#include "corvanta/name_collision.h"
 #include "plugin/catalogue.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "actions/write_parquet/write_parquet.h"
 
 #include "actions/shared/split_name.h"
-#include "corvanta/host_functions.h"
+#include "corvanta/name_collision.h"
 #include "plugin/catalogue.h"
 
 #include <QDir>

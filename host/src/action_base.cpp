@@ -1,6 +1,7 @@
 #include "corvanta/action_base.h"
 
-#include "corvanta/host_functions.h"
+#include "corvanta/help.h"
+#include "corvanta/icons.h"
 
 #include <QMutex>
 #include <QPixmap>

@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
-#include <mutex>
 
 using namespace Qt::StringLiterals;
 using corvanta::UnsyncedNames;
@@ -100,18 +99,6 @@ private:
     qint64 m_position;
     qint64 m_startedAt = m_position; // what lies before is on its way to the device
 };
-
-struct SystemEncoding
-{
-    std::mutex mutex;
-    QString name;
-};
-
-SystemEncoding &systemEncoding()
-{
-    static SystemEncoding encoding;
-    return encoding;
-}
 
 } // namespace
 
@@ -242,24 +229,6 @@ void addExtentionIfRequired(QString *name, const QString &extension)
     if (!name->isEmpty() && !QFileInfo(*name).fileName().contains(u'.')) {
         *name += u'.' + extension;
     }
-}
-
-QString currentACPName()
-{
-    SystemEncoding &encoding = systemEncoding();
-    const std::lock_guard lock(encoding.mutex);
-    if (!encoding.name.isEmpty()) {
-        return encoding.name;
-    }
-    const QString fromLocale = corvanta::platform::localeEncoding();
-    return fromLocale.isEmpty() ? u"windows-1252"_s : fromLocale;
-}
-
-void setSystemEncoding(const QString &name)
-{
-    SystemEncoding &encoding = systemEncoding();
-    const std::lock_guard lock(encoding.mutex);
-    encoding.name = name;
 }
 
 bool renameTMPFile(const QString &temporary, const QString &finalName)

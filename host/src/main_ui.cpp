@@ -40,33 +40,11 @@ Host &host()
     return instance;
 }
 
-LogScope::Context &threadContext()
-{
-    thread_local LogScope::Context context;
-    return context;
-}
-
 } // namespace
-
-LogScope::LogScope(const Context &context)
-    : m_previous(threadContext())
-{
-    threadContext() = context;
-}
-
-LogScope::~LogScope()
-{
-    threadContext() = m_previous;
-}
-
-LogScope::Context LogScope::current()
-{
-    return threadContext();
-}
 
 void MainUI::addLog(LogLevel level, const QString &text)
 {
-    const LogScope::Context &context = threadContext();
+    const LogScope::Context context = LogScope::current();
     LogSink *sink = context.sink != nullptr ? context.sink : host().sink.load();
     if (sink == nullptr) {
         sink = &host().plainSink;
@@ -163,4 +141,9 @@ double MainUI::pixelSize()
 quint64 MainUI::getNearUniqueRandomID()
 {
     return QRandomGenerator::system()->generate64();
+}
+
+bool downloadForWeb(const QString &)
+{
+    return false;
 }

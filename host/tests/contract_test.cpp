@@ -1,6 +1,6 @@
 // Rows, parameters and files as actions see them.
 #include "corvanta/files.h"
-#include "corvanta/host_functions.h"
+#include "corvanta/name_collision.h"
 #include "corvanta/target_file.h"
 #include "test_actions.h"
 

@@ -1,7 +1,7 @@
 // The module as a host sees it: loaded as a plug-in, every action through the contract only.
 #include "corvanta/action_item.h"
 #include "corvanta/action_parameters.h"
-#include "corvanta/host_functions.h"
+#include "corvanta/help.h"
 #include "corvanta/main_ui.h"
 #include "corvanta/plugin_interface.h"
 #include "corvanta/update_class_widget.h"

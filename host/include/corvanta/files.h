@@ -87,10 +87,6 @@ private:
 CORVANTA_EXPORT void listFiles(const QString &pattern, QStringList *names);
 /// Append ".extension" when the name's last part has no extension.
 CORVANTA_EXPORT void addExtentionIfRequired(QString *name, const QString &extension);
-/// Name of the system's 8-bit encoding: the ANSI code page on Windows; on POSIX the locale's, or
-/// windows-1252 where that is UTF-8; setSystemEncoding() overrides it.
-CORVANTA_EXPORT QString currentACPName();
-CORVANTA_EXPORT void setSystemEncoding(const QString &name);
 
 /// Move a finished, closed temporary file onto its final name in one step. It was synced before
 /// where it replaces a file; else it is before the run ends. False when the move failed; then both

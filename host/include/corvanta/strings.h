@@ -1,0 +1,13 @@
+// Text helpers of actions and panels.
+#pragma once
+#include "corvanta/export.h"
+
+#include <QString>
+#include <QStringList>
+
+/// The first `maxTexts` texts in single quotes, separated by a comma and a blank, with ", ..."
+/// appended if there are more.
+CORVANTA_EXPORT QString stringFromStringList(const QStringList &list, int maxTexts);
+
+/// A copy of `text` with its own memory; null for a null string.
+CORVANTA_EXPORT QString detach(const QString &text);

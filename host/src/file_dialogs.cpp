@@ -1,0 +1,27 @@
+#include "corvanta/file_dialogs.h"
+
+#include <QFileDialog>
+#include <QInputDialog>
+
+using namespace Qt::StringLiterals;
+
+QString tGetOpenFileName(QWidget *parent, const QString &title, const QString &start,
+                         const QString &filter)
+{
+    return QFileDialog::getOpenFileName(parent, title, start, filter);
+}
+
+QString tGetSaveFileName(QWidget *parent, const QString &title, const QString &start,
+                         const QString &filter)
+{
+    return QFileDialog::getSaveFileName(parent, title, start, filter);
+}
+
+QString browseArchive(QWidget *parent, const QString &name)
+{
+    bool ok = false;
+    const QString member = QInputDialog::getText(parent, u"Archive member"_s,
+                                                 u"Name of the member inside %1"_s.arg(name),
+                                                 QLineEdit::Normal, QString(), &ok);
+    return ok && !member.isEmpty() ? name + u'@' + member : QString();
+}

@@ -1,0 +1,25 @@
+#include "corvanta/help.h"
+
+#include <utility>
+
+namespace {
+
+HelpOpener &helpOpener()
+{
+    static HelpOpener opener;
+    return opener;
+}
+
+} // namespace
+
+void openHelp(const QString &id, const QString &anchor)
+{
+    if (helpOpener()) {
+        helpOpener()(id, anchor);
+    }
+}
+
+void setHelpOpener(HelpOpener opener)
+{
+    helpOpener() = std::move(opener);
+}

@@ -1,0 +1,27 @@
+#include "corvanta/log.h"
+
+namespace {
+
+LogScope::Context &threadContext()
+{
+    thread_local LogScope::Context context;
+    return context;
+}
+
+} // namespace
+
+LogScope::LogScope(const Context &context)
+    : m_previous(threadContext())
+{
+    threadContext() = context;
+}
+
+LogScope::~LogScope()
+{
+    threadContext() = m_previous;
+}
+
+LogScope::Context LogScope::current()
+{
+    return threadContext();
+}

@@ -1,0 +1,27 @@
+#include "corvanta/name_collision.h"
+
+#include "corvanta/action_item.h"
+#include "corvanta/main_ui.h"
+
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+
+char doCheckNameCollision(const OneRow *row, bool check, ActionItem *action,
+                          const QVector<int> &columns, const QString &what)
+{
+    QSet<QString> seen;
+    for (const int column : columns) {
+        const QString name = row->colName(column);
+        if (check && seen.contains(name)) {
+            MainUI::addLog(
+                MainUI::Error,
+                u"Error: cannot write '%1': two columns are named '%2'\n"_s.arg(what, name));
+            action->m_control->runStatus = RunControl::Failed;
+            action->m_errorFlag = 1;
+            return 1;
+        }
+        seen.insert(name);
+    }
+    return 0;
+}

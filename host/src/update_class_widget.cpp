@@ -1,0 +1,7 @@
+#include "corvanta/update_class_widget.h"
+
+UpdateClassWidget::UpdateClassWidget(QWidget *parent, ActionItem *action)
+    : QWidget(parent)
+    , m_action(action)
+{
+}
