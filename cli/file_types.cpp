@@ -89,8 +89,8 @@ const FileAction *find(FileUse use, const QString &extension)
 
 XMLNode parsed(const QString &element)
 {
-    XMLNode::Error error;
-    return XMLNode::parse(element.toUtf8(), &error);
+    const auto node = XMLNode::parse(element.toUtf8());
+    return node ? *node : XMLNode::emptyNode();
 }
 
 /// Set the parameters that NAME=VALUE words name; several values of a list are its strings.

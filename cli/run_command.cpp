@@ -31,13 +31,14 @@ bool load(const QString &fileName, const QStringList &assignments, Loaded *loade
         loaded->variables.insert(name, value);
     }
     loaded->registry.loadAll();
-    QVector<CorvantaGraph::Problem> problems;
-    loaded->graph = CorvantaGraph::load(fileName, &problems);
-    if (problems.isEmpty()) {
-        problems = loaded->graph.validate(loaded->registry, loaded->variables);
-    }
+    auto graph = CorvantaGraph::load(fileName);
+    const CorvantaGraph::Problems problems =
+        graph ? graph->validate(loaded->registry, loaded->variables) : graph.fault().code;
     for (const CorvantaGraph::Problem &problem : problems) {
         MainUI::addLog(MainUI::Error, u"Error: "_s + problem.text);
+    }
+    if (problems.isEmpty()) {
+        loaded->graph = *std::move(graph);
     }
     return problems.isEmpty();
 }
@@ -47,27 +48,30 @@ bool addTap(const QString &text, const Loaded &loaded, RunOptions *options, QStr
 {
     QString pinText;
     QString fileName;
-    Listener tap;
-    if (!splitAssignment(text, &pinText, &fileName) ||
-        !CorvantaGraph::parsePin(pinText, &tap.from) || fileName.isEmpty()) {
+    const bool isAssignment = splitAssignment(text, &pinText, &fileName);
+    const auto pin = CorvantaGraph::parsePin(pinText);
+    if (!isAssignment || !pin || fileName.isEmpty()) {
         *usage = u"'%1' is not of the form ID:PIN=FILE.csv"_s.arg(text);
         return false;
     }
-    const int index = loaded.graph.indexOf(tap.from.action);
+    const int index = loaded.graph.indexOf(pin->action);
     const ActionItem *const type =
         index < 0 ? nullptr
                   : loaded.registry.prototype(loaded.graph.actions[index].parameters.getName());
-    if (type == nullptr || tap.from.pin >= type->pinOutCount()) {
+    if (type == nullptr || pin->pin >= type->pinOutCount()) {
         *usage = u"the graph has no output pin '%1' to tap"_s.arg(pinText);
         return false;
     }
     ToXMLStringTool tool;
     const QString element = u"<writeCSV fileName='%1'/>"_s.arg(
         QString::fromWCharArray(tool.toXML(QDir::current().absoluteFilePath(fileName))));
-    XMLNode::Error error;
-    tap.id = "tap "_L1 + pinText;
-    tap.action = loaded.registry.create(XMLNode::parse(element.toUtf8(), &error), nullptr);
-    options->listeners.push_back(std::move(tap));
+    const auto writer = XMLNode::parse(element.toUtf8());
+    if (!writer) {
+        *usage = u"the name '%1' has characters that a graph cannot hold"_s.arg(fileName);
+        return false;
+    }
+    options->listeners.push_back(
+        {"tap "_L1 + pinText, *pin, loaded.registry.create(*writer, nullptr)});
     return true;
 }
 

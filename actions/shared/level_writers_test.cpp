@@ -137,17 +137,15 @@ protected:
     /// Run the source into a writer; true when the run succeeded. Messages are in m_log.
     bool run(const QByteArray &writer, RunOptions options = {})
     {
-        QVector<CorvantaGraph::Problem> problems;
-        const CorvantaGraph graph =
+        const auto loaded =
             CorvantaGraph::parse("<graph><action id='a'><table/></action><action id='w'>" + writer +
                                      "</action><link from='a:0' to='w:0'/></graph>",
-                                 path("test.graph"), &problems);
-        EXPECT_TRUE(problems.isEmpty() && graph.validate(m_registry, {}).isEmpty())
-            << writer.toStdString();
+                                 path("test.graph"));
+        EXPECT_TRUE(loaded && loaded->validate(m_registry, {}).isEmpty()) << writer.toStdString();
         m_log.texts.clear();
         options.log = &m_log;
         options.outDir = m_dir.path();
-        corvanta::Run run(graph, m_registry, std::move(options));
+        corvanta::Run run(*loaded, m_registry, std::move(options));
         m_running = &run;
         run.start();
         EXPECT_TRUE(run.waitFor(60s));

@@ -66,10 +66,8 @@ ActionItem *ActionItem::clone(GlobalParameters *parameters)
 {
     std::wostringstream out;
     save(out, QString::fromLatin1(getTypeName()));
-    XMLNode::Error error;
-    return newInstance(
-        new XMLNode(XMLNode::parse(QString::fromStdWString(out.str()).toUtf8(), &error)),
-        parameters);
+    const auto saved = XMLNode::parse(QString::fromStdWString(out.str()).toUtf8());
+    return newInstance(new XMLNode(saved ? *saved : XMLNode::emptyNode()), parameters);
 }
 
 char ActionItem::init()

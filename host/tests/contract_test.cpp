@@ -84,16 +84,17 @@ TEST(XmlNode, HostileValuesSurviveSavingAndDeepDocumentsAreRefused)
 {
     const QString hostile = u"a'b\"c<d>e&f\ng\rh\ti ${x} é😀"_s;
     ToXMLStringTool tool;
-    XMLNode::Error error;
     const QByteArray document =
         "<a v='" + QString::fromWCharArray(tool.toXML(hostile)).toUtf8() + "'><s>  x </s></a>";
-    const XMLNode node = XMLNode::parse(document, &error);
-    EXPECT_EQ(xmltoa(node.getAttribute("v"), QString()), hostile);
-    EXPECT_EQ(fromXMLSL(node), QStringList{u"  x "_s});
+    const auto node = XMLNode::parse(document);
+    ASSERT_TRUE(node);
+    EXPECT_EQ(xmltoa(node->getAttribute("v"), QString()), hostile);
+    EXPECT_EQ(fromXMLSL(*node), QStringList{u"  x "_s});
 
     const QByteArray deep = QByteArray("<a>").repeated(5000) + QByteArray("</a>").repeated(5000);
-    EXPECT_TRUE(XMLNode::parse(deep, &error).isEmpty());
-    EXPECT_EQ(error.message, u"elements are nested too deeply"_s);
+    const auto tooDeep = XMLNode::parse(deep);
+    ASSERT_FALSE(tooDeep);
+    EXPECT_EQ(tooDeep.fault().detail, u"elements are nested too deeply"_s);
 }
 
 TEST(GlobalParameters, NamesAndVariables)

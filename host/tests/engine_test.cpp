@@ -40,10 +40,10 @@ protected:
     /// A run of the graph inside <graph>...</graph>.
     std::unique_ptr<corvanta::Run> make(const QByteArray &inside, RunOptions options = {})
     {
-        QVector<CorvantaGraph::Problem> problems;
-        m_graph = CorvantaGraph::parse("<graph>" + inside + "</graph>",
-                                       QStringLiteral("test.graph"), &problems);
-        EXPECT_TRUE(problems.isEmpty());
+        auto loaded =
+            CorvantaGraph::parse("<graph>" + inside + "</graph>", QStringLiteral("test.graph"));
+        EXPECT_TRUE(loaded);
+        m_graph = *std::move(loaded);
         EXPECT_TRUE(m_graph.validate(m_registry, {}).isEmpty());
         options.log = &m_log;
         return std::make_unique<corvanta::Run>(m_graph, m_registry, std::move(options));

@@ -53,10 +53,9 @@ Action prototype(int index)
 
 XMLNode parsed(const QByteArray &xml)
 {
-    XMLNode::Error error;
-    const XMLNode node = XMLNode::parse(xml, &error);
-    EXPECT_FALSE(node.isEmpty()) << xml.constData() << ": " << error.message.toStdString();
-    return node;
+    const auto node = XMLNode::parse(xml);
+    EXPECT_TRUE(node) << xml.constData();
+    return node ? *node : XMLNode::emptyNode();
 }
 
 /// The action that a saved element describes.

@@ -1,12 +1,15 @@
 // corvanta/corvanta_graph.h
 // A graph file in memory: variables, actions with their parameters, links.
 #pragma once
+#include "base/result.h"
 #include "corvanta/export.h"
 #include "corvanta/xml_node.h"
 
 #include <QMap>
 #include <QString>
 #include <QVector>
+
+#include <optional>
 
 namespace corvanta {
 class ActionRegistry;
@@ -36,11 +39,14 @@ public:
         Pin to;
         int line = 0;
     };
-    /// What is wrong with a graph, and where: "orders.graph:12: ...".
+    /// Something that makes a graph invalid: "orders.graph:12: ...".
     struct Problem
     {
         QString text;
     };
+    using Problems = QVector<Problem>;
+    /// A graph, or everything that is wrong with its file.
+    using Loaded = corvanta::Result<CorvantaGraph, Problems>;
 
     double version = -1; ///< of the host that saved it; negative: not named, so new
     QMap<QString, QString> variables;
@@ -48,20 +54,19 @@ public:
     QVector<Link> links;
     QString fileName; ///< for messages and for the folder of relative names
 
-    /// Read a graph file. What cannot be understood is added to `problems`; the graph is then of no
-    /// use.
-    static CorvantaGraph load(const QString &fileName, QVector<Problem> *problems);
-    static CorvantaGraph parse(const QByteArray &document, const QString &fileName,
-                               QVector<Problem> *problems);
+    /// Read a graph file. Checks its elements only; see validate().
+    static Loaded load(const QString &fileName);
+    /// Parse the text of a graph file; `fileName` is for messages and relative names.
+    static Loaded parse(const QByteArray &document, const QString &fileName);
     /// The document to save.
     QByteArray toXml() const;
 
     /// Everything that makes the graph impossible to run: unknown types, ids, links, loops,
     /// variables. `given` are variables set from outside.
-    QVector<Problem> validate(const corvanta::ActionRegistry &registry,
-                              const QMap<QString, QString> &given) const;
+    Problems validate(const corvanta::ActionRegistry &registry,
+                      const QMap<QString, QString> &given) const;
 
     int indexOf(const QString &id) const; ///< -1: no such action
-    /// "ID:PIN" taken apart; false when it is not of that form.
-    static bool parsePin(const QString &text, Pin *pin);
+    /// Split "ID:PIN"; returns nothing if `text` is not of that form.
+    static std::optional<Pin> parsePin(const QString &text);
 };

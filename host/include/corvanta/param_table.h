@@ -226,12 +226,11 @@ private:
 template <class P> bool Param<P>::setValueText(P &params, const QString &value) const
 {
     if (const auto *access = std::get_if<StructureAccess<P>>(&m_member)) {
-        XMLNode::Error error;
-        const XMLNode parent = XMLNode::parse("<p>" + value.toUtf8() + "</p>", &error);
-        if (!parent.isEmpty()) {
-            access->read(params, parent);
+        const auto parent = XMLNode::parse("<p>" + value.toUtf8() + "</p>");
+        if (parent) {
+            access->read(params, *parent);
         }
-        return !parent.isEmpty();
+        return static_cast<bool>(parent);
     }
     if (const auto *element = std::get_if<ElementText<P>>(&m_member)) {
         params.*element->member = value;

@@ -1,6 +1,7 @@
 // corvanta/xml_node.h
 // Parameters as the host keeps them: a small immutable XML tree, and its conversions.
 #pragma once
+#include "base/result.h"
 #include "corvanta/export.h"
 
 #include <QString>
@@ -17,16 +18,15 @@ public:
     XMLNode();
     static XMLNode emptyNode() { return {}; }
 
-    /// What parse() could not read, and where (1-based).
-    struct Error
+    /// A place in a document; both numbers are 1-based.
+    struct Place
     {
-        QString message;
         qint64 line = 0;
         qint64 column = 0;
     };
-    /// Parse a whole document; an empty node, and `error` filled, when it is not well-formed or is
-    /// nested more than 1,000 deep.
-    static XMLNode parse(const QByteArray &document, Error *error);
+    /// Parse a whole document. The fault gives the place and the reason; a document that is nested
+    /// more than 1,000 deep is rejected too.
+    static corvanta::Result<XMLNode, Place> parse(const QByteArray &document);
 
     bool isEmpty() const { return !m_data; }
     QString getName() const;

@@ -1,0 +1,26 @@
+#include "corvanta/corvanta_graph.h"
+
+#include "base/number.h"
+
+int CorvantaGraph::indexOf(const QString &id) const
+{
+    for (int i = 0; i < actions.size(); ++i) {
+        if (actions[i].id == id) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+std::optional<CorvantaGraph::Pin> CorvantaGraph::parsePin(const QString &text)
+{
+    constexpr int kMaxPins = 10000;
+    const qsizetype colon = text.lastIndexOf(u':');
+    quint64 number = 0;
+    const QString digits = text.mid(colon + 1);
+    if (colon <= 0 ||
+        !corvanta::parseUInt(std::u16string_view(digits.toStdU16String()), kMaxPins, &number)) {
+        return std::nullopt;
+    }
+    return Pin{text.left(colon), static_cast<int>(number)};
+}

@@ -1,0 +1,128 @@
+#include "corvanta/corvanta_graph.h"
+#include "graph/problem_list.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+using corvanta::Fault;
+using corvanta::ProblemList;
+
+namespace {
+
+constexpr qint64 kMaxGraphBytes = qint64(256) << 20;
+
+void readAction(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems)
+{
+    CorvantaGraph::Action action;
+    action.id = xmltoa(node.getAttribute("id"), QString());
+    action.x = xmltof(node.getAttribute("x"), 0);
+    action.y = xmltof(node.getAttribute("y"), 0);
+    action.comment = xmltoa(node.getAttribute("comment"), QString());
+    action.line = node.line();
+    if (action.id.isEmpty()) {
+        problems.add(node.line(), u"an action has no 'id'"_s);
+    } else if (graph->indexOf(action.id) >= 0) {
+        problems.add(node.line(), u"the id '%1' is used by two actions"_s.arg(action.id));
+    }
+    if (node.nChildNode() != 1) {
+        problems.add(
+            node.line(),
+            u"the action '%1' must have one element with its parameters, named after its type"_s
+                .arg(action.id));
+        return;
+    }
+    action.parameters = node.getChildNode(0);
+    graph->actions.append(action);
+}
+
+void readLink(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems)
+{
+    CorvantaGraph::Link link;
+    link.line = node.line();
+    bool ok = true;
+    for (const auto &[name, pin] : {std::pair("from", &link.from), std::pair("to", &link.to)}) {
+        const auto parsed = CorvantaGraph::parsePin(xmltoa(node.getAttribute(name), QString()));
+        if (!parsed) {
+            problems.add(node.line(),
+                         u"a link has no '%1' of the form ID:PIN"_s.arg(QLatin1StringView(name)));
+            ok = false;
+            continue;
+        }
+        *pin = *parsed;
+    }
+    if (ok) {
+        graph->links.append(link);
+    }
+}
+
+void readVariable(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems)
+{
+    const QString name = xmltoa(node.getAttribute("name"), QString());
+    if (name.isEmpty()) {
+        problems.add(node.line(), u"a variable has no 'name'"_s);
+    } else {
+        graph->variables.insert(name, xmltoa(node.getAttribute("value"), u""_s));
+    }
+}
+
+void readElement(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems)
+{
+    const QString name = node.getName();
+    if (name == "action"_L1) {
+        readAction(node, graph, problems);
+    } else if (name == "link"_L1) {
+        readLink(node, graph, problems);
+    } else if (name == "variable"_L1) {
+        readVariable(node, graph, problems);
+    } else {
+        problems.add(node.line(), u"unknown element '%1'"_s.arg(name));
+    }
+}
+
+Fault<CorvantaGraph::Problems> faultWith(ProblemList problems, qint64 line, const QString &text)
+{
+    problems.add(line, text);
+    return {problems.problems()};
+}
+
+} // namespace
+
+CorvantaGraph::Loaded CorvantaGraph::load(const QString &fileName)
+{
+    const ProblemList problems(fileName);
+    QFile file(fileName);
+    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) {
+        return faultWith(problems, 0, u"cannot read the graph file"_s);
+    }
+    if (file.size() > kMaxGraphBytes) {
+        return faultWith(problems, 0, u"the file is too large for a graph"_s);
+    }
+    return parse(file.readAll(), fileName);
+}
+
+CorvantaGraph::Loaded CorvantaGraph::parse(const QByteArray &document, const QString &fileName)
+{
+    ProblemList problems(fileName);
+    const auto root = XMLNode::parse(document);
+    if (!root) {
+        const auto &[place, message, offset] = root.fault();
+        return faultWith(
+            problems, place.line,
+            u"not well-formed XML (column %1): %2"_s.arg(QString::number(place.column), message));
+    }
+    if (root->getName() != "graph"_L1) {
+        return faultWith(problems, root->line(),
+                         u"the document element is '%1', not 'graph'"_s.arg(root->getName()));
+    }
+    CorvantaGraph graph;
+    graph.fileName = fileName;
+    graph.version = xmltof(root->getAttribute("version"), -1);
+    for (int i = 0; i < root->nChildNode(); ++i) {
+        readElement(root->getChildNode(i), &graph, problems);
+    }
+    if (!problems.problems().isEmpty()) {
+        return Fault{problems.problems()};
+    }
+    return graph;
+}

@@ -1,0 +1,160 @@
+#include "corvanta/action_registry.h"
+#include "corvanta/corvanta_graph.h"
+#include "graph/problem_list.h"
+
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+using corvanta::ActionRegistry;
+using corvanta::ProblemList;
+
+namespace {
+
+/// Calls `visit(text, line)` for every text of a parameter element and of what is inside it.
+template <class F> void forEachText(const XMLNode &root, F visit)
+{
+    QVector<XMLNode> open{root};
+    while (!open.isEmpty()) {
+        const XMLNode node = open.takeLast();
+        for (const QString &name : node.attributeNames()) {
+            visit(QString::fromUtf16(node.getAttribute(name.toLatin1().constData())), node.line());
+        }
+        visit(node.text(), node.line());
+        for (int i = 0; i < node.nChildNode(); ++i) {
+            open.append(node.getChildNode(i));
+        }
+    }
+}
+
+void checkTypes(const CorvantaGraph &graph, const ActionRegistry &registry, ProblemList &problems)
+{
+    for (const CorvantaGraph::Action &action : graph.actions) {
+        if (registry.prototype(action.parameters.getName()) == nullptr) {
+            problems.add(action.parameters.line(),
+                         u"the action '%1' has the unknown type '%2'"_s.arg(
+                             action.id, action.parameters.getName()));
+        }
+    }
+}
+
+void checkLinkEnd(const CorvantaGraph &graph, const ActionRegistry &registry,
+                  const CorvantaGraph::Link &link, bool isInput, ProblemList &problems)
+{
+    const CorvantaGraph::Pin &end = isInput ? link.to : link.from;
+    const int index = graph.indexOf(end.action);
+    if (index < 0) {
+        problems.add(link.line,
+                     u"a link names the action '%1', which is not there"_s.arg(end.action));
+        return;
+    }
+    const ActionItem *type = registry.prototype(graph.actions[index].parameters.getName());
+    if (type == nullptr) {
+        return;
+    }
+    const int pins = isInput ? type->maxPinIn() : type->pinOutCount();
+    if (end.pin >= pins) {
+        problems.add(link.line, u"the action '%1' (%2) has no %3 pin %4"_s.arg(
+                                    end.action, QLatin1StringView(type->getTypeName()),
+                                    isInput ? u"input"_s : u"output"_s, QString::number(end.pin)));
+    }
+}
+
+void checkLinks(const CorvantaGraph &graph, const ActionRegistry &registry, ProblemList &problems)
+{
+    QSet<QString> taken;
+    for (const CorvantaGraph::Link &link : graph.links) {
+        checkLinkEnd(graph, registry, link, false, problems);
+        checkLinkEnd(graph, registry, link, true, problems);
+        const QString input = link.to.action + u':' + QString::number(link.to.pin);
+        if (taken.contains(input)) {
+            problems.add(link.line, u"two links lead to the input pin '%1'"_s.arg(input));
+        }
+        taken.insert(input);
+    }
+}
+
+/// Number of links into each action from an action of the graph, by index.
+QVector<int> countInputs(const CorvantaGraph &graph)
+{
+    QVector<int> inputs(graph.actions.size(), 0);
+    for (const CorvantaGraph::Link &link : graph.links) {
+        const int to = graph.indexOf(link.to.action);
+        if (to >= 0 && graph.indexOf(link.from.action) >= 0) {
+            ++inputs[to];
+        }
+    }
+    return inputs;
+}
+
+/// The actions that are part of a loop or depend on one, by id. Repeatedly removes the actions
+/// without remaining inputs; these are left.
+QStringList actionsOfLoops(const CorvantaGraph &graph)
+{
+    QVector<int> inputs = countInputs(graph);
+    QVector<int> free;
+    for (int i = 0; i < inputs.size(); ++i) {
+        if (inputs[i] == 0) {
+            free << i;
+        }
+    }
+    for (int i = 0; i < free.size(); ++i) {
+        for (const CorvantaGraph::Link &link : graph.links) {
+            const int to = graph.indexOf(link.to.action);
+            if (to >= 0 && link.from.action == graph.actions[free[i]].id && --inputs[to] == 0) {
+                free << to;
+            }
+        }
+    }
+    QStringList stuck;
+    for (int i = 0; i < inputs.size(); ++i) {
+        if (inputs[i] > 0) {
+            stuck << graph.actions[i].id;
+        }
+    }
+    return stuck;
+}
+
+void checkLoops(const CorvantaGraph &graph, ProblemList &problems)
+{
+    const QStringList stuck = actionsOfLoops(graph);
+    if (!stuck.isEmpty()) {
+        const int line = graph.actions[graph.indexOf(stuck.first())].line;
+        problems.add(line, u"the links form a loop (actions in it or behind it: %1)"_s.arg(
+                               stuck.join(", "_L1)));
+    }
+}
+
+/// Every `${NAME}` of the parameters must have a value; `given` wins over the graph's variables.
+void checkVariables(const CorvantaGraph &graph, const QMap<QString, QString> &given,
+                    ProblemList &problems)
+{
+    GlobalParameters global;
+    for (const auto *set : {&graph.variables, &given}) {
+        for (auto it = set->begin(); it != set->end(); ++it) {
+            global.setVariable(it.key(), it.value());
+        }
+    }
+    for (const CorvantaGraph::Action &action : graph.actions) {
+        forEachText(action.parameters, [&](const QString &text, int line) {
+            QStringList unknown;
+            global.expandString(text, &unknown);
+            for (const QString &name : unknown) {
+                problems.add(line, u"the action '%1' uses the unknown variable '${%2}'"_s.arg(
+                                       action.id, name));
+            }
+        });
+    }
+}
+
+} // namespace
+
+CorvantaGraph::Problems CorvantaGraph::validate(const ActionRegistry &registry,
+                                                const QMap<QString, QString> &given) const
+{
+    ProblemList problems(fileName);
+    checkTypes(*this, registry, problems);
+    checkLinks(*this, registry, problems);
+    checkLoops(*this, problems);
+    checkVariables(*this, given, problems);
+    return problems.problems();
+}

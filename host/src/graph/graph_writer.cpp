@@ -1,0 +1,95 @@
+#include "corvanta/corvanta_graph.h"
+
+#include <QLocale>
+
+#include <sstream>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The attributes of `node` as in its document, escaped.
+void writeAttributes(const XMLNode &node, std::wostream &out)
+{
+    ToXMLStringTool tool;
+    for (const QString &attribute : node.attributeNames()) {
+        const QString value =
+            QString::fromUtf16(node.getAttribute(attribute.toLatin1().constData()));
+        out << L' ' << attribute.toStdWString() << L"='" << tool.toXML(value) << L'\'';
+    }
+}
+
+/// Write `node` at the current place of a line that is indented by `depth` steps. Elements that
+/// hold only elements get one line each; text is kept unchanged. Recursive: a parsed tree has a
+/// limited depth.
+void writeNode(const XMLNode &node, int depth, std::wostream &out)
+{
+    ToXMLStringTool tool;
+    const std::wstring name = node.getName().toStdWString();
+    out << L'<' << name;
+    writeAttributes(node, out);
+    const int children = node.nChildNode();
+    const QString text = node.text();
+    const bool hasText = children == 0 ? !text.isEmpty() : !text.trimmed().isEmpty();
+    if (children == 0 && !hasText) {
+        out << L"/>";
+        return;
+    }
+    out << L'>' << (hasText ? tool.toXML(text) : L"");
+    const auto breakLine = [&](int level) {
+        if (children > 0 && !hasText) {
+            out << L'\n' << std::wstring(static_cast<size_t>(2 * level), L' ');
+        }
+    };
+    for (int i = 0; i < children; ++i) {
+        breakLine(depth + 1);
+        writeNode(node.getChildNode(i), depth + 1, out);
+    }
+    breakLine(depth);
+    out << L"</" << name << L'>';
+}
+
+void writeAction(const CorvantaGraph::Action &action, std::wostream &out)
+{
+    ToXMLStringTool tool;
+    out << L"  <action id='" << tool.toXML(action.id) << L'\'';
+    if (action.x != 0 || action.y != 0) {
+        out << L" x='" << QString::number(action.x).toStdWString() << L"' y='"
+            << QString::number(action.y).toStdWString() << L'\'';
+    }
+    if (!action.comment.isEmpty()) {
+        out << L" comment='" << tool.toXML(action.comment) << L'\'';
+    }
+    const bool isShort = action.parameters.nChildNode() == 0;
+    out << (isShort ? L">" : L">\n    ");
+    writeNode(action.parameters, 2, out);
+    out << (isShort ? L"</action>\n" : L"\n  </action>\n");
+}
+
+} // namespace
+
+QByteArray CorvantaGraph::toXml() const
+{
+    ToXMLStringTool tool;
+    std::wostringstream out;
+    out << L"<graph";
+    if (version >= 0) {
+        out << L" version='"
+            << QString::number(version, 'g', QLocale::FloatingPointShortest).toStdWString()
+            << L'\'';
+    }
+    out << L">\n";
+    for (auto it = variables.begin(); it != variables.end(); ++it) {
+        out << L"  <variable name='" << tool.toXML(it.key());
+        out << L"' value='" << tool.toXML(it.value()) << L"'/>\n";
+    }
+    for (const Action &action : actions) {
+        writeAction(action, out);
+    }
+    for (const Link &link : links) {
+        out << L"  <link from='" << tool.toXML(link.from.action) << L':' << link.from.pin;
+        out << L"' to='" << tool.toXML(link.to.action) << L':' << link.to.pin << L"'/>\n";
+    }
+    out << L"</graph>\n";
+    return QString::fromStdWString(out.str()).toUtf8();
+}

@@ -1,0 +1,31 @@
+// Collects what is wrong with a graph file, each with its place.
+#pragma once
+#include "corvanta/corvanta_graph.h"
+
+#include <utility>
+
+namespace corvanta {
+
+/// A list of problems of the form "FILE:LINE: text".
+class ProblemList
+{
+public:
+    /// `file` is the name to show.
+    explicit ProblemList(QString file)
+        : m_file(std::move(file))
+    {
+    }
+    /// Add a problem of line `line` (1-based; 0: of the whole file).
+    void add(qint64 line, const QString &text)
+    {
+        const QString place = line > 0 ? m_file + u':' + QString::number(line) : m_file;
+        m_problems.append({place + QStringLiteral(": ") + text});
+    }
+    const QVector<CorvantaGraph::Problem> &problems() const { return m_problems; }
+
+private:
+    QString m_file;
+    QVector<CorvantaGraph::Problem> m_problems;
+};
+
+} // namespace corvanta
