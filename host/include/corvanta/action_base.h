@@ -69,19 +69,7 @@ public:
 
     const ActionDescription &description() const { return m_description; }
 
-protected:
-    ActionBase(const ActionDescription &description, XMLNode saved, GlobalParameters *parameters);
-
-    /// Prepare a run: reset all state of an earlier one.
-    virtual void start() {}
-    /// Do the work of one call of the run function. Returns true to be called again, because
-    /// yieldRequested() was set; false when the action is finished or failed.
-    virtual bool step() = 0;
-    /// Complete or abandon what the run opened (see runIsGood()), and free it. May be called twice.
-    virtual void finish() {}
-    /// What inputTables() and fillFromInput() do. They may throw and fail(), as the above.
-    virtual QVector<InputTable> listTables() { return {}; }
-    virtual bool fill(int) { return true; }
+    // For an action and its helper classes (file series, row writers).
 
     /// Log an error and fail the run, if there is one. Returns false, so that a function that
     /// returns true for success ends with `return fail(...)`.
@@ -98,6 +86,22 @@ protected:
     {
         return m_control != nullptr && m_control->isRunning() && m_errorFlag == 0;
     }
+    /// State of the run. Only between init and close.
+    const RunControl &control() const { return *m_control; }
+
+protected:
+    ActionBase(const ActionDescription &description, XMLNode saved, GlobalParameters *parameters);
+
+    /// Prepare a run: reset all state of an earlier one.
+    virtual void start() {}
+    /// Do the work of one call of the run function. Returns true to be called again, because
+    /// yieldRequested() was set; false when the action is finished or failed.
+    virtual bool step() = 0;
+    /// Complete or abandon what the run opened (see runIsGood()), and free it. May be called twice.
+    virtual void finish() {}
+    /// What inputTables() and fillFromInput() do. They may throw and fail(), as the above.
+    virtual QVector<InputTable> listTables() { return {}; }
+    virtual bool fill(int) { return true; }
 
 private:
     bool runGuarded();
