@@ -1,13 +1,12 @@
-// host/src/builtin/read_csv.h
-// readCSV: rows from a text file with separators (RFC 4180, UTF-8).
+// readCSV: reads rows from a text file with separators (RFC 4180, UTF-8).
 #pragma once
+#include "codecs/csv/record_reader.h"
 #include "codecs/gzip/input_source.h"
 #include "corvanta/action_base.h"
 #include "corvanta/files.h"
 
 #include <atomic>
 #include <memory>
-#include <vector>
 
 namespace corvanta {
 
@@ -28,47 +27,31 @@ public:
     float computeCompletion() override;
 
 private:
-    /// One field of the record at hand; `text` points into the block or the scratch.
-    struct Field
-    {
-        const char *text;
-        qsizetype size;
-        bool quoted;
-    };
-    enum class Scan { Record, NeedMore, End, Bad };
-
     void start() override;
     bool step() override;
     void finish() override;
 
     bool open();
-    bool openFile();
+    std::unique_ptr<ByteSource> openFile();
     bool describeColumns();
+    QVector<QString> columnNames() const;
+    bool chooseTypes(qsizetype columns);
+    bool declareSortOrder(OneRow *row);
     bool nextRecord();
-    Scan scanRecord();
-    const char *scanQuoted(const char *at, const char *end);
-    bool refill();
     bool emitRow();
-    bool putCell(int column, const Field &field, OneRow *row);
+    bool putCell(int column, const csv::Field &field, OneRow *row);
+    bool failRecord(csv::Error code);
+    bool failCell(const csv::Field &field, const QString &column, MetaInfo::MetaTypeColumn type);
 
     QString m_name;
-    char m_separator = ',';
     std::unique_ptr<ByteSource> m_file;
-    const input::InputSource *m_packed = nullptr; // m_file, when it unpacks
-    std::vector<char> m_block;
-    size_t m_at = 0;         // next byte of the block
-    size_t m_fill = 0;       // bytes in the block
-    bool m_isAtStart = true; // of the file
-    bool m_fileEnded = false;
-    bool m_described = false;
-    bool m_firstIsData = false;
-    std::vector<Field> m_fields;
-    std::vector<char> m_scratch; // quoted fields with their doubled quotes undone
+    const input::InputSource *m_packed = nullptr; // the compressed file in m_file, or null
+    std::unique_ptr<csv::RecordReader> m_reader;
+    bool m_described = false;   // the columns are declared
+    bool m_firstIsData = false; // the current record is a row and not yet sent
     QVector<MetaInfo::MetaTypeColumn> m_types;
-    qint64 m_line = 1;     // of the record at hand
-    qint64 m_nextLine = 1; // of the one behind it
-    std::atomic<qint64> m_size = -1;
-    std::atomic<qint64> m_done = 0;
+    std::atomic<qint64> m_size = -1; // in the unit of m_done; -1: not known
+    std::atomic<qint64> m_done = 0;  // bytes read, of a compressed file compressed ones
 };
 
 } // namespace corvanta

@@ -1,10 +1,10 @@
-// host/src/builtin/write_csv.h
-// writeCSV: rows into a text file with separators; the form of --tap too.
+// writeCSV: writes rows to a text file with separators; --tap writes the same form.
 #pragma once
+#include "codecs/csv/record_writer.h"
 #include "corvanta/action_base.h"
 #include "corvanta/target_file.h"
 
-#include <vector>
+#include <optional>
 
 namespace corvanta {
 
@@ -26,20 +26,14 @@ private:
     bool step() override;
     void finish() override;
 
-    bool open();
-    bool writeHeader(const OneRow *columns);
-    bool writeRow(const OneRow *row);
-    bool putText(const char16_t *units, qsizetype n);
-    bool needRoom(size_t bytes);
+    bool begin(const OneRow *columns);
     bool flush();
+    bool failWriting();
 
     QString m_name;
-    char m_separator = ',';
     TargetFile m_target;
-    std::vector<char> m_buffer;
-    size_t m_used = 0;
-    bool m_headerDone = false;
-    bool m_complete = false;
+    std::optional<csv::RecordWriter> m_writer; // set once the target is open
+    bool m_complete = false;                   // the input has ended and all rows are formatted
 };
 
 } // namespace corvanta

@@ -1,0 +1,24 @@
+// Finds the first of several bytes in a text, 16 bytes at a time.
+#pragma once
+#include <emmintrin.h>
+
+namespace corvanta::csv {
+
+/// The first byte in [at, end) that equals one of `wanted`; `end` if there is none.
+template <class... Chars> const char *findFirstOf(const char *at, const char *end, Chars... wanted)
+{
+    for (; at + 16 <= end; at += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
+        const __m128i hits = (_mm_cmpeq_epi8(bytes, _mm_set1_epi8(wanted)) | ...);
+        const int mask = _mm_movemask_epi8(hits);
+        if (mask != 0) {
+            return at + __builtin_ctz(static_cast<unsigned>(mask));
+        }
+    }
+    while (at < end && ((*at != wanted) && ...)) {
+        ++at;
+    }
+    return at;
+}
+
+} // namespace corvanta::csv

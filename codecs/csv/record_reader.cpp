@@ -1,0 +1,193 @@
+// Layout (RFC 4180, section 2):
+//
+//   text    = [EF BB BF] record *(line-end record) [line-end]
+//   record  = field *(separator field)
+//   field   = quoted / plain
+//   quoted  = DQUOTE *(any byte but DQUOTE / DQUOTE DQUOTE) DQUOTE
+//   plain   = bytes without separator and line end; DQUOTE is literal except at the beginning
+//   line-end = LF / CR LF
+#include "codecs/csv/record_reader.h"
+
+#include "codecs/csv/find_first_of.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace corvanta::csv {
+
+RecordReader::RecordReader(ByteSource &source, char separator, Limits limits)
+    : m_source(source)
+    , m_separator(separator)
+    , m_recordBytes(limits.recordBytes)
+    , m_block(limits.blockBytes)
+{
+}
+
+Fault<Error> RecordReader::faultOf(Error code) const
+{
+    return {code, {}, m_blockOffset + static_cast<qint64>(m_at)};
+}
+
+Result<void, Error> RecordReader::growBlock()
+{
+    if (m_block.size() >= m_recordBytes) {
+        return faultOf(Error::RecordTooLong);
+    }
+    m_block.resize(std::min(m_block.size() * 2, m_recordBytes));
+    return {};
+}
+
+/// Moves the bytes of the current record to the front of the block and reads more after them.
+Result<void, Error> RecordReader::refill()
+{
+    std::memmove(m_block.data(), m_block.data() + m_at, m_fill - m_at);
+    m_blockOffset += static_cast<qint64>(m_at);
+    m_fill -= m_at;
+    m_at = 0;
+    if (m_fill == m_block.size()) {
+        if (const auto grown = growBlock(); !grown) {
+            return grown.fault();
+        }
+    }
+    const qint64 wanted = static_cast<qint64>(m_block.size() - m_fill);
+    const qint64 got = m_source.read(m_block.data() + m_fill, wanted);
+    if (got < 0) {
+        return faultOf(Error::Unreadable);
+    }
+    m_isEnded = got == 0;
+    m_fill += static_cast<size_t>(got);
+    return {};
+}
+
+Result<void, Error> RecordReader::skipByteOrderMark()
+{
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    m_hasBegun = true;
+    while (m_fill < kMark.size() && !m_isEnded) {
+        if (const auto refilled = refill(); !refilled) {
+            return refilled.fault();
+        }
+    }
+    m_at = std::string_view(m_block.data(), m_fill).starts_with(kMark) ? kMark.size() : 0;
+    return {};
+}
+
+/// Scans a quoted field from the byte after its opening quote; returns the place after the closing
+/// quote, or null if the bytes end before it is certain.
+const char *RecordReader::scanQuoted(const char *at, const char *end)
+{
+    const char *const begin = at;
+    const size_t scratchBegin = m_scratch.size();
+    for (;;) {
+        const auto *const quote =
+            static_cast<const char *>(std::memchr(at, '"', static_cast<size_t>(end - at)));
+        if (quote == nullptr || (quote + 1 == end && !m_isEnded)) {
+            return nullptr;
+        }
+        const bool isDoubled = quote + 1 < end && quote[1] == '"';
+        m_scratch.insert(m_scratch.end(), at, quote + (isDoubled ? 1 : 0));
+        if (!isDoubled) {
+            m_nextLine += std::count(begin, quote, '\n');
+            m_fields.push_back(
+                {nullptr, static_cast<qsizetype>(m_scratch.size() - scratchBegin), true});
+            return quote + 1;
+        }
+        at = quote + 2;
+    }
+}
+
+/// Scans a field without quotes; returns its end.
+inline const char *RecordReader::scanPlain(const char *begin, const char *end)
+{
+    const char *at = findFirstOf(begin, end, m_separator, '\n', '\r');
+    while (at < end && *at == '\r' && at + 1 < end && at[1] != '\n') {
+        at = findFirstOf(at + 1, end, m_separator, '\n', '\r'); // a lone CR belongs to the field
+    }
+    m_fields.push_back({begin, at - begin, false});
+    return at;
+}
+
+/// Ends the record at `at`, the end of its last field.
+inline RecordReader::Scan RecordReader::endRecord(const char *at, const char *end)
+{
+    if (at + 1 == end && *at == '\r' && !m_fields.back().isQuoted) {
+        ++m_fields.back().size; // the text ends with a lone CR
+    }
+    at += at < end && *at == '\r' ? 1 : 0;
+    at += at < end && *at == '\n' ? 1 : 0;
+    m_at = static_cast<size_t>(at - m_block.data());
+    ++m_nextLine;
+    return Scan::Record;
+}
+
+RecordReader::Scan RecordReader::scanRecord()
+{
+    const char *at = m_block.data() + m_at;
+    const char *const end = m_block.data() + m_fill;
+    m_fields.clear();
+    m_scratch.clear();
+    m_line = m_nextLine;
+    if (at == end) {
+        return m_isEnded ? Scan::End : Scan::NeedMore;
+    }
+    for (;; ++at) {
+        if (at < end && *at == '"') {
+            at = scanQuoted(at + 1, end);
+            if (at == nullptr) {
+                return m_isEnded ? Scan::BadQuotes : Scan::NeedMore;
+            }
+            if (at < end && *at != m_separator && *at != '\n' && *at != '\r') {
+                return Scan::BadQuotes;
+            }
+        } else {
+            at = scanPlain(at, end);
+        }
+        const bool isCut = at == end || (at + 1 == end && *at == '\r');
+        if (isCut && !m_isEnded) {
+            return Scan::NeedMore;
+        }
+        if (at == end || *at != m_separator) {
+            return endRecord(at, end);
+        }
+    }
+}
+
+/// Sets the texts of quoted fields, after m_scratch has its final address.
+inline void RecordReader::placeQuotedFields()
+{
+    const char *scratch = m_scratch.data();
+    for (Field &field : m_fields) {
+        if (field.isQuoted) {
+            field.text = scratch;
+            scratch += field.size;
+        }
+    }
+}
+
+Result<bool, Error> RecordReader::next()
+{
+    if (!m_hasBegun) {
+        if (const auto skipped = skipByteOrderMark(); !skipped) {
+            return skipped.fault();
+        }
+    }
+    for (;;) {
+        switch (scanRecord()) {
+        case Scan::Record:
+            placeQuotedFields();
+            return true;
+        case Scan::End:
+            return false;
+        case Scan::BadQuotes:
+            return faultOf(Error::BadQuotes);
+        case Scan::NeedMore:
+            m_nextLine = m_line;
+            if (const auto refilled = refill(); !refilled) {
+                return refilled.fault();
+            }
+            break;
+        }
+    }
+}
+
+} // namespace corvanta::csv

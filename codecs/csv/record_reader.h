@@ -1,0 +1,89 @@
+// Splits text with separators (CSV, RFC 4180) into records and fields.
+//
+// Line ends are LF or CR LF; a lone CR belongs to its field. A byte-order mark at the beginning is
+// skipped. Bytes are not decoded: fields are UTF-8 if the text is.
+// Threads: one at a time per object.
+#pragma once
+#include "base/byte_source.h"
+#include "base/result.h"
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace corvanta::csv {
+
+enum class Error : quint8 {
+    Unreadable = 1, ///< the source failed
+    RecordTooLong,  ///< longer than Limits::recordBytes
+    BadQuotes,      ///< a quoted field is not followed by a separator, line end or the end
+};
+
+/// One field of a record.
+struct Field
+{
+    const char *text;
+    qsizetype size; ///< in bytes
+    bool isQuoted;
+
+    std::string_view view() const { return {text, static_cast<size_t>(size)}; }
+};
+
+class RecordReader
+{
+public:
+    struct Limits
+    {
+        size_t blockBytes = size_t(1) << 20;  ///< read in one call; the block grows on demand
+        size_t recordBytes = size_t(1) << 30; ///< the block never grows beyond this
+    };
+
+    /// Read from the current position of `source`, which must outlive the reader. `separator` is an
+    /// ASCII character other than a quote, CR and LF.
+    RecordReader(ByteSource &source, char separator, Limits limits);
+    RecordReader(ByteSource &source, char separator)
+        : RecordReader(source, separator, Limits())
+    {
+    }
+
+    /// Read the next record. Returns false at the end of the text. The offset of a fault is that of
+    /// the record's first byte. Call no more after a fault.
+    Result<bool, Error> next();
+
+    /// The fields of the record, at least one; valid until the next call of next(). An empty line
+    /// is a record of one empty field. Quotes are removed and doubled quotes are single.
+    std::span<const Field> fields() const { return m_fields; }
+
+    /// Line on which the record begins, 1-based, also after a fault. Each LF begins a line, also
+    /// one inside quotes.
+    qint64 line() const { return m_line; }
+
+private:
+    enum class Scan { Record, NeedMore, End, BadQuotes };
+
+    Scan scanRecord();
+    Scan endRecord(const char *at, const char *end);
+    const char *scanQuoted(const char *at, const char *end);
+    const char *scanPlain(const char *at, const char *end);
+    void placeQuotedFields();
+    Result<void, Error> refill();
+    Result<void, Error> growBlock();
+    Result<void, Error> skipByteOrderMark();
+    Fault<Error> faultOf(Error code) const;
+
+    ByteSource &m_source;
+    char m_separator;
+    size_t m_recordBytes;
+    std::vector<char> m_block;
+    size_t m_at = 0;          // next byte of the block
+    size_t m_fill = 0;        // bytes in the block
+    qint64 m_blockOffset = 0; // of the block's first byte in the source
+    bool m_hasBegun = false;  // the byte-order mark has been looked for
+    bool m_isEnded = false;   // the source has no more bytes
+    std::vector<Field> m_fields;
+    std::vector<char> m_scratch; // texts of the quoted fields
+    qint64 m_line = 1;           // of the current record
+    qint64 m_nextLine = 1;       // of the record after it
+};
+
+} // namespace corvanta::csv

@@ -1,0 +1,102 @@
+// Layout: see record_reader.cpp. Records end with LF; a field is quoted only if it must be.
+#include "codecs/csv/record_writer.h"
+
+#include "base/number.h"
+#include "base/utf.h"
+#include "codecs/csv/find_first_of.h"
+
+#include <algorithm>
+
+namespace corvanta::csv {
+
+RecordWriter::RecordWriter(char separator)
+    : m_separator(separator)
+    , m_buffer(kBlockBytes + kBlockBytes / 16) // so that ordinary rows never make it grow
+{
+}
+
+/// Makes room for `bytes` more bytes. Each cell reserves one byte more than it needs, for the
+/// separator.
+inline void RecordWriter::reserve(size_t bytes)
+{
+    if (m_buffer.size() - m_used < bytes) [[unlikely]] {
+        m_buffer.resize(std::max(m_buffer.size() * 2, m_used + bytes));
+    }
+}
+
+/// Appends a text that is not missing, with quotes if it needs them.
+void RecordWriter::addText(const char16_t *units, qsizetype n)
+{
+    reserve(static_cast<size_t>(n) * 3 + 1);
+    char *const out = m_buffer.data() + m_used;
+    const qsizetype size = utf16ToUtf8(units, n, out);
+    const char *const end = out + size;
+    const size_t begin = m_used;
+    m_used += static_cast<size_t>(size);
+    if (n == 0 || findFirstOf(out, end, m_separator, '"', '\n', '\r') != end) {
+        addQuoted(begin);
+    }
+}
+
+/// Puts the text from `begin` to the end of the buffer in quotes and doubles its quotes.
+void RecordWriter::addQuoted(size_t begin)
+{
+    const std::vector<char> text(m_buffer.data() + begin, m_buffer.data() + m_used);
+    m_used = begin;
+    reserve(text.size() * 2 + 3);
+    char *at = m_buffer.data() + m_used;
+    *at++ = '"';
+    for (const char c : text) {
+        *at++ = c;
+        if (c == '"') {
+            *at++ = '"';
+        }
+    }
+    *at++ = '"';
+    m_used = static_cast<size_t>(at - m_buffer.data());
+}
+
+void RecordWriter::addNames(const RowView &row)
+{
+    for (int i = 0; i < row.columns; ++i) {
+        const QString &name = row.names[i];
+        addText(reinterpret_cast<const char16_t *>(name.utf16()), name.size());
+        m_buffer[m_used++] = i + 1 < row.columns ? m_separator : '\n';
+    }
+}
+
+/// Appends a cell, and reserves the byte for its separator.
+inline void RecordWriter::addCell(cell::Type type, const uchar *bytes)
+{
+    reserve(kNumberChars + 1);
+    char *const out = m_buffer.data() + m_used;
+    switch (type) {
+    case cell::Type::Key: {
+        const auto key = loadNative<quint32>(bytes);
+        m_used += cell::isMissingKey(key) ? 0 : static_cast<size_t>(putUInt(key, out));
+        break;
+    }
+    case cell::Type::Double: {
+        const auto value = loadNative<double>(bytes);
+        m_used += cell::isMissingDouble(value) ? 0 : static_cast<size_t>(putShortest(value, out));
+        break;
+    }
+    case cell::Type::Text: {
+        const cell::Text text = cell::readText(bytes);
+        if (!text.isMissing()) {
+            addText(text.data(), text.size());
+        }
+        break;
+    }
+    }
+}
+
+void RecordWriter::addRow(const RowView &row)
+{
+    for (int i = 0; i < row.columns; ++i) {
+        addCell(row.type(i), row.cells[i]);
+        m_buffer[m_used++] = i + 1 < row.columns ? m_separator : '\n';
+    }
+}
+
+} // namespace corvanta::csv

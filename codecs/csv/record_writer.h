@@ -1,0 +1,48 @@
+// Formats rows as text with separators (CSV, RFC 4180).
+//
+// UTF-8, LF line ends. A missing cell is an empty field, an empty text is "". Keys are unsigned
+// decimals; doubles have the fewest digits that read back to the same value. A text is quoted only
+// if it contains the separator, a quote, CR or LF.
+// Threads: one at a time per object.
+#pragma once
+#include "base/row_view.h"
+
+#include <QByteArrayView>
+
+#include <vector>
+
+namespace corvanta::csv {
+
+/// Collects formatted rows until the caller has written them.
+class RecordWriter
+{
+public:
+    /// `separator` is an ASCII character other than a quote, CR and LF.
+    explicit RecordWriter(char separator);
+
+    /// Append a line with the column names.
+    void addNames(const RowView &row);
+    /// Append a line with the cells.
+    void addRow(const RowView &row);
+
+    /// What has been appended since clear(); valid until the next call of a function that is not
+    /// const.
+    QByteArrayView bytes() const { return {m_buffer.data(), static_cast<qsizetype>(m_used)}; }
+    /// True when bytes() is so long (1 MiB) that it should be written now.
+    bool isFull() const { return m_used >= kBlockBytes; }
+    void clear() { m_used = 0; }
+
+private:
+    static constexpr size_t kBlockBytes = size_t(1) << 20;
+
+    void reserve(size_t bytes);
+    void addCell(cell::Type type, const uchar *bytes);
+    void addText(const char16_t *units, qsizetype n);
+    void addQuoted(size_t begin);
+
+    char m_separator;
+    std::vector<char> m_buffer;
+    size_t m_used = 0;
+};
+
+} // namespace corvanta::csv

@@ -1,0 +1,21 @@
+// The separator parameter of readCSV and writeCSV.
+#pragma once
+#include <QString>
+
+#include <optional>
+
+namespace corvanta {
+
+/// The separator that a parameter text names: one ASCII character other than a quote and a line
+/// end; "\\t" names the tab. Returns nothing for any other text.
+inline std::optional<char> csvSeparator(const QString &parameter)
+{
+    if (parameter == QStringLiteral("\\t")) {
+        return '\t';
+    }
+    const bool isUsable = parameter.size() == 1 && parameter[0].unicode() < 0x80 &&
+                          !QStringLiteral("\"\r\n").contains(parameter[0]);
+    return isUsable ? std::optional(parameter[0].toLatin1()) : std::nullopt;
+}
+
+} // namespace corvanta
