@@ -33,13 +33,13 @@ std::vector<Column> LevelCompiler::findAll() const
     return found;
 }
 
-Result<std::vector<Column>, WriteProblem> LevelCompiler::find(const QStringList &names) const
+Result<std::vector<Column>, LevelProblem> LevelCompiler::find(const QStringList &names) const
 {
     std::vector<Column> found;
     for (const QString &name : names) {
         const int index = m_columns.getIndexOfColumn(name);
         if (index < 0) {
-            return Fault{WriteProblem::NoColumn, name};
+            return Fault{LevelProblem::NoColumn, name};
         }
         found.push_back({index, m_columns.getMetaType(index).type()});
     }
@@ -52,12 +52,12 @@ LevelCompiler::Compiled LevelCompiler::callOf(const QString &name) const
     call.kind = ComposeOperation::Kind::SubLevel;
     call.subLevel = indexOfLevel(m_levels, name);
     if (call.subLevel == m_levels.size()) {
-        return Fault{WriteProblem::NoLevel, name};
+        return Fault{LevelProblem::NoLevel, name};
     }
     return call;
 }
 
-Result<ComposeLevel, WriteProblem> LevelCompiler::compileLevel(size_t index,
+Result<ComposeLevel, LevelProblem> LevelCompiler::compileLevel(size_t index,
                                                                const CompileItem &compileItem) const
 {
     const WriteLevel &declared = m_levels[index];
@@ -66,7 +66,7 @@ Result<ComposeLevel, WriteProblem> LevelCompiler::compileLevel(size_t index,
     if (index > 0) {
         level.partitionColumn = m_columns.getIndexOfColumn(declared.partitionCol);
         if (level.partitionColumn < 0) {
-            return Fault{WriteProblem::NoPartitionColumn, declared.partitionCol};
+            return Fault{LevelProblem::NoPartitionColumn, declared.partitionCol};
         }
     }
     for (size_t item = 0; item < declared.items.size(); ++item) {
@@ -89,17 +89,16 @@ LevelCompiler::Levels LevelCompiler::compile(const CompileItem &compileItem) con
         }
         levels[i] = *std::move(level);
     }
-    const int circle = levelInCircle(levels);
-    if (circle >= 0) {
-        return Fault{WriteProblem::LevelInCircle, m_levels[static_cast<size_t>(circle)].name,
-                     circle};
+    const int cyclic = findCyclicLevel(levels);
+    if (cyclic >= 0) {
+        return Fault{LevelProblem::CyclicLevel, m_levels[static_cast<size_t>(cyclic)].name, cyclic};
     }
     return levels;
 }
 
 /// A level that its own sub-levels lead back to; -1 when there is none. Levels without calls to
 /// levels that are still there are taken away again and again: what stays leads into a circle.
-int LevelCompiler::levelInCircle(const std::vector<ComposeLevel> &levels)
+int LevelCompiler::findCyclicLevel(const std::vector<ComposeLevel> &levels)
 {
     std::vector<size_t> callsLeft(levels.size());
     std::vector<std::vector<size_t>> callers(levels.size());

@@ -4,7 +4,6 @@
 #pragma once
 #include "actions/shared/level_composer.h"
 #include "actions/shared/write_levels.h"
-#include "actions/shared/write_problem.h"
 #include "base/result.h"
 #include "corvanta/one_row.h"
 
@@ -12,12 +11,22 @@
 
 namespace corvanta {
 
+/// Why levels cannot be compiled; the name that goes with it is given in parentheses.
+enum class LevelProblem {
+    NoPartitionColumn, ///< the table lacks a level's partition column (the column)
+    NoColumn,          ///< the table lacks a listed column (the column)
+    NoLevel,           ///< a called level does not exist (the level)
+    CyclicLevel,       ///< a level leads back to itself (the level)
+    NoDictionary,      ///< a comma item follows another item than a dictionary
+    NoColumnListed,    ///< an item that needs a column lists none
+};
+
 /// What an item's compilation may look up.
 class LevelCompiler
 {
 public:
-    using Compiled = Result<ComposeOperation, WriteProblem>;
-    using Levels = Result<std::vector<ComposeLevel>, WriteProblem>;
+    using Compiled = Result<ComposeOperation, LevelProblem>;
+    using Levels = Result<std::vector<ComposeLevel>, LevelProblem>;
     /// Compiles one item of level number `level`.
     using CompileItem = std::function<Compiled(size_t level, size_t item)>;
 
@@ -34,7 +43,7 @@ public:
 
     const OneRow &columns() const { return m_columns; }
     /// The columns with these names; NoColumn for one that does not exist.
-    Result<std::vector<ComposeOperation::Column>, WriteProblem>
+    Result<std::vector<ComposeOperation::Column>, LevelProblem>
     find(const QStringList &names) const;
     /// All columns in order; also those whose name another column has.
     std::vector<ComposeOperation::Column> findAll() const;
@@ -42,9 +51,9 @@ public:
     Compiled callOf(const QString &name) const;
 
 private:
-    Result<ComposeLevel, WriteProblem> compileLevel(size_t index,
+    Result<ComposeLevel, LevelProblem> compileLevel(size_t index,
                                                     const CompileItem &compileItem) const;
-    static int levelInCircle(const std::vector<ComposeLevel> &levels);
+    static int findCyclicLevel(const std::vector<ComposeLevel> &levels);
 
     const std::vector<WriteLevel> &m_levels;
     const OneRow &m_columns;

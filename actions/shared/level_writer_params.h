@@ -1,25 +1,20 @@
-// writers/level_writer_params.h
 // The parameters that writeJSON and writeXML have in common.
 #pragma once
-#include "actions/shared/row_filter.h"
+#include "actions/shared/row_writer.h"
 #include "actions/shared/write_levels.h"
 #include "actions/shared/writer_params.h"
 
 namespace corvanta {
 
-struct LevelWriterParams : RowFilterParams
+struct LevelWriterParams : RowWriterParams
 {
     QString fileName;
     int fileMode = 0;
-    bool checkNameCollision = true;
-    bool createDir = false;
     int nullString = 2;
     int nullNumber = 1;
     int nan = 1;
     QString floatToString = QStringLiteral("%g");
     bool alwaysWrite = false;
-    bool writeAllColumns = true;
-    QStringList toWrite;
     std::vector<WriteLevel> levels;
 };
 

@@ -1,11 +1,10 @@
-// writers/row_filter.h
-// The rows that a writer writes: all of them, or those with one text in one column.
+// Selects the rows that a writer writes: all of them, or those with one text in one column.
 #pragma once
 #include "corvanta/one_row.h"
 
 namespace corvanta {
 
-/// The parameters for it; base of the parameters of a writer.
+/// The parameters of the selection.
 struct RowFilterParams
 {
     bool writeAllRows = true;
@@ -17,7 +16,7 @@ struct RowFilterParams
 class RowFilter
 {
 public:
-    /// Look up the column to test. False when the table has none of that name.
+    /// Find the column to test; returns false when the table has no column of that name.
     bool begin(const RowFilterParams &params, const OneRow &columns)
     {
         m_column = params.writeAllRows ? kNone : columns.getIndexOfColumn(params.testCol);

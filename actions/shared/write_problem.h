@@ -1,21 +1,17 @@
-// writers/write_problem.h
-// What can go wrong while rows are composed into a file; each writer has its own texts for it.
+// What can go wrong in every writer of rows; each writer has its own message for it.
 #pragma once
 
 namespace corvanta {
 
+/// The name that goes with a problem is given in parentheses.
 enum class WriteProblem {
-    BadFloatFormat,
-    NoTestColumn,
-    NoPartitionColumn,
-    NoColumn,       ///< a listed column does not exist
-    NoLevel,        ///< a called level does not exist
-    LevelInCircle,  ///< a level that reaches itself
-    NoDictionary,   ///< a comma after something else than a dictionary
-    NoColumnListed, ///< an item that needs a column has none
+    NoTestColumn,   ///< the input lacks the column that selects rows (the column)
+    NoColumn,       ///< the input lacks a column to write (the column)
+    NoColumns,      ///< there is no column to write
+    BadFloatFormat, ///< floatToString is not a format of a floating-point number (the format)
     CannotOpen,
     CannotWrite,
-    TooLarge, ///< a piece of text beyond what the block holds
+    TooLarge, ///< a piece of text exceeds the writer's buffer
 };
 
 } // namespace corvanta

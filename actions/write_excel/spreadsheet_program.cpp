@@ -119,17 +119,17 @@ bool replaceBy(const QString &file, const QString &result, int action)
 {
     QFile source(result);
     TargetFile target;
-    if (!source.open(QIODevice::ReadOnly) || !target.open(file, action)) {
+    if (!source.open(QIODevice::ReadOnly) || !target.open(file, {action})) {
         return false;
     }
     constexpr qint64 kPieceBytes = 1 << 20;
     while (!source.atEnd()) {
         const QByteArray piece = source.read(kPieceBytes);
-        if (piece.isEmpty() || !target.file().write(piece.constData(), piece.size())) {
+        if (piece.isEmpty() || !target.write(piece.constData(), piece.size())) {
             return false;
         }
     }
-    return target.commit();
+    return bool(target.commit());
 }
 
 #endif

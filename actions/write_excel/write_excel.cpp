@@ -159,7 +159,7 @@ bool ActionWriteExcel::writeMember(const char *name, const QByteArray &content)
 
 bool ActionWriteExcel::openOutput()
 {
-    if (!m_run->output.open(m_run->file, getIdx(), m_run->compression)) {
+    if (!m_run->output.open(m_run->file, {getIdx()}, m_run->compression)) {
         return fail(u"\nERROR writing to Excel file '%1'\n"_s.arg(m_run->file));
     }
     return true;

@@ -102,7 +102,7 @@ private:
     {
         const int before = index > 0 ? m_levels[level].items[index - 1].type : Text;
         if (before != Dictionary && before != SomeDictionary) {
-            return Fault{WriteProblem::NoDictionary};
+            return Fault{LevelProblem::NoDictionary};
         }
         return ComposeOperation{Kind::CommaIfWritten};
     }
@@ -110,7 +110,7 @@ private:
     Compiled asIs(const WriteItem &item) const
     {
         if (item.columns.isEmpty()) {
-            return Fault{WriteProblem::NoColumnListed};
+            return Fault{LevelProblem::NoColumnListed};
         }
         auto columns = m_compiler.find(item.columns.mid(0, 1));
         if (!columns) {

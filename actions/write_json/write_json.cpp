@@ -9,37 +9,25 @@ using namespace Qt::StringLiterals;
 namespace corvanta {
 
 ActionWriteJSON::ActionWriteJSON(const XMLNode &saved, GlobalParameters *parameters)
-    : LevelWriter(catalogueRow("writeJSON"), saved, parameters)
+    : ParamAction(catalogueRow("writeJSON"), saved, parameters)
 {
 }
 
-QString ActionWriteJSON::message(WriteProblem problem, const QString &name,
-                                 const QString &level) const
+QString ActionWriteJSON::message(WriteProblem problem, const QString &name) const
 {
     const QString &file = fileName();
     switch (problem) {
-    case WriteProblem::BadFloatFormat:
-        return u"ERROR writing to JSON file '%1': '%2' is not a format of a floating-point number\n"_s
-            .arg(file, name);
     case WriteProblem::NoTestColumn:
         return u"ERROR writing to JSON file '%1': cannot find column '%2' to test\n"_s.arg(file,
                                                                                            name);
-    case WriteProblem::NoPartitionColumn:
-        return u"ERROR writing to JSON file '%1': cannot find partitioning column '%2' in level '%3'\n"_s
-            .arg(file, name, level);
     case WriteProblem::NoColumn:
         return u"ERROR writing to JSON file '%1': cannot find column '%2' to write\n"_s.arg(file,
                                                                                             name);
-    case WriteProblem::NoLevel:
-        return u"ERROR writing to JSON file '%1': cannot find the level named '%2'\n"_s.arg(file,
-                                                                                            name);
-    case WriteProblem::LevelInCircle:
-        return u"ERROR writing to JSON file '%1': the level '%2' is a sub-level of itself\n"_s.arg(
-            file, name);
-    case WriteProblem::NoDictionary:
-        return u"ERROR writing to JSON file '%1': previous Item is not a Dictionary\n"_s.arg(file);
-    case WriteProblem::NoColumnListed:
+    case WriteProblem::NoColumns:
         return u"ERROR writing to JSON file '%1': no pre-formatedd column to write?"_s.arg(file);
+    case WriteProblem::BadFloatFormat:
+        return u"ERROR writing to JSON file '%1': '%2' is not a format of a floating-point number\n"_s
+            .arg(file, name);
     case WriteProblem::CannotOpen:
         return u"ERROR: cannot open JSON file '%1' for write\n"_s.arg(file);
     case WriteProblem::CannotWrite:
@@ -48,6 +36,30 @@ QString ActionWriteJSON::message(WriteProblem problem, const QString &name,
         break;
     }
     return u"ERROR writing to JSON file '%1': output buffer too small\n"_s.arg(file);
+}
+
+QString ActionWriteJSON::levelMessage(LevelProblem problem, const QString &name,
+                                      const QString &level) const
+{
+    const QString &file = fileName();
+    switch (problem) {
+    case LevelProblem::NoPartitionColumn:
+        return u"ERROR writing to JSON file '%1': cannot find partitioning column '%2' in level '%3'\n"_s
+            .arg(file, name, level);
+    case LevelProblem::NoColumn:
+        return message(WriteProblem::NoColumn, name);
+    case LevelProblem::NoLevel:
+        return u"ERROR writing to JSON file '%1': cannot find the level named '%2'\n"_s.arg(file,
+                                                                                            name);
+    case LevelProblem::CyclicLevel:
+        return u"ERROR writing to JSON file '%1': the level '%2' is a sub-level of itself\n"_s.arg(
+            file, name);
+    case LevelProblem::NoDictionary:
+        return u"ERROR writing to JSON file '%1': previous Item is not a Dictionary\n"_s.arg(file);
+    case LevelProblem::NoColumnListed:
+        break;
+    }
+    return message(WriteProblem::NoColumns, name);
 }
 
 std::vector<WriteLevel> ActionWriteJSON::declaredLevels() const
@@ -66,11 +78,19 @@ LevelCompiler::Levels ActionWriteJSON::compileLevels(const std::vector<WriteLeve
                                                      : Form::JsonString);
 }
 
-ValueRules ActionWriteJSON::rules() const
+ValueRules ActionWriteJSON::valueRules() const
 {
-    ValueRules rules = valueRules(m_params, u"null", u"\"\"");
+    ValueRules rules = commonRules(u"null", u"\"\"");
     rules.specialBool = m_params.specialBool;
     return rules;
+}
+
+FileFrame ActionWriteJSON::frame() const
+{
+    FileFrame frame;
+    frame.prefix = m_params.prefix;
+    frame.suffix = m_params.suffix;
+    return frame;
 }
 
 void ActionWriteJSON::start()
@@ -79,31 +99,36 @@ void ActionWriteJSON::start()
     LevelWriter::start();
 }
 
-bool ActionWriteJSON::beforeFirstRow(const OneRow &row)
+bool ActionWriteJSON::prepareColumns(const OneRow &columns)
 {
     if (!m_params.splitFile) {
         return true;
     }
-    m_splitColumn = row.getIndexOfColumn(m_params.splitCol);
+    m_splitColumn = columns.getIndexOfColumn(m_params.splitCol);
     if (m_splitColumn < 0) {
         return fail(
             u"ERROR writing to multiple JSON files: cannot find column '%1' for split."_s.arg(
                 m_params.splitCol));
     }
-    m_splitValue = row.textView(m_splitColumn).toString();
-    const QVector<SortInfos> sortedOn = row.getSortInfosDeep();
+    m_splitValue = columns.textView(m_splitColumn).toString();
+    const QVector<SortInfos> &sortedOn = columns.sortInfos();
     if (sortedOn.isEmpty() || sortedOn.first().column != m_params.splitCol) {
-        // Kept as required: a warning at the level of errors, after which the run goes on.
-        MainUI::addLog(
-            MainUI::Error,
-            u"Warning writing to multiple JSON files: the input table is not sorted on the column '%1'. This may have unexpected consequences."_s
-                .arg(m_params.splitCol));
-        m_warningFlag = 1;
+        warnUnsorted();
     }
     return true;
 }
 
-bool ActionWriteJSON::beforeRow(const OneRow &row)
+/// Kept for saved graphs: a warning at the level of errors, after which the run continues.
+void ActionWriteJSON::warnUnsorted()
+{
+    MainUI::addLog(
+        MainUI::Error,
+        u"Warning writing to multiple JSON files: the input table is not sorted on the column '%1'. This may have unexpected consequences."_s
+            .arg(m_params.splitCol));
+    m_warningFlag = 1;
+}
+
+bool ActionWriteJSON::prepareRow(const OneRow &row)
 {
     if (m_splitColumn < 0 || row.textView(m_splitColumn) == m_splitValue) {
         return true;

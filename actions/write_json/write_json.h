@@ -1,12 +1,11 @@
-// writers/write_json.h
-// writeJSON: rows into a JSON file of levels and items, or one file per value of a column.
+// writeJSON: writes rows to a JSON file of levels and items, or to one file per value of a column.
 #pragma once
 #include "actions/shared/level_writer.h"
 #include "actions/write_json/write_json_params.h"
 
 namespace corvanta {
 
-class ActionWriteJSON final : public LevelWriter<ActionWriteJSON, WriteJsonParams>
+class ActionWriteJSON final : public ParamAction<ActionWriteJSON, WriteJsonParams, LevelWriter>
 {
 public:
     ActionWriteJSON(const XMLNode &saved, GlobalParameters *parameters);
@@ -17,19 +16,23 @@ public:
     }
 
 private:
-    QString message(WriteProblem problem, const QString &name, const QString &level) const override;
+    const LevelWriterParams &rowParams() const override { return m_params; }
+    QString message(WriteProblem problem, const QString &name) const override;
+    QString levelMessage(LevelProblem problem, const QString &name,
+                         const QString &level) const override;
     std::vector<WriteLevel> declaredLevels() const override;
     LevelCompiler::Levels compileLevels(const std::vector<WriteLevel> &levels,
                                         const OneRow &columns) const override;
-    ValueRules rules() const override;
-    FileFrame frame() const override { return {}; }
+    ValueRules valueRules() const override;
+    FileFrame frame() const override;
     void start() override;
-    bool beforeFirstRow(const OneRow &row) override;
-    bool beforeRow(const OneRow &row) override;
+    bool prepareColumns(const OneRow &columns) override;
+    bool prepareRow(const OneRow &row) override;
     QString targetName() const override;
+    void warnUnsorted();
 
     int m_splitColumn = -1;
-    QString m_splitValue; // of the file that is written
+    QString m_splitValue; // of the current file
 };
 
 } // namespace corvanta

@@ -1,11 +1,7 @@
 #include "actions/write_parquet/write_parquet.h"
 
 #include "actions/shared/split_name.h"
-#include "corvanta/name_collision.h"
 #include "plugin/catalogue.h"
-
-#include <QDir>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <array>
@@ -20,11 +16,11 @@ namespace {
 constexpr double kBytesPerMiB = 1048576;
 constexpr int kSplitByValue = 1;
 
-/// Threads that compress pages beside the one that takes rows.
+/// Threads that compress pages, in addition to the action's own.
 int workerCount()
 {
-    constexpr int kMost = 8;
-    return std::clamp(static_cast<int>(std::thread::hardware_concurrency()) - 1, 1, kMost);
+    constexpr int kMaxWorkers = 8;
+    return std::clamp(static_cast<int>(std::thread::hardware_concurrency()) - 1, 1, kMaxWorkers);
 }
 
 /// By the value of the parameter `codec`.
@@ -38,8 +34,70 @@ ActionWriteParquet::ActionWriteParquet(const XMLNode &saved, GlobalParameters *p
 {
 }
 
+QString ActionWriteParquet::message(WriteProblem problem, const QString &name) const
+{
+    switch (problem) {
+    case WriteProblem::NoTestColumn:
+        return missingColumn(name, "to test");
+    case WriteProblem::NoColumn:
+        return missingColumn(name, "to write");
+    case WriteProblem::NoColumns:
+        return u"\nERROR writing to Parquet File '%1': no column to write?\n"_s.arg(fileName());
+    case WriteProblem::CannotOpen:
+        return u"Cannot open file '%1' for write."_s.arg(name);
+    case WriteProblem::CannotWrite:
+    case WriteProblem::BadFloatFormat: // these two do not occur
+    case WriteProblem::TooLarge:
+        break;
+    }
+    return u"Cannot write to file '%1'."_s.arg(name);
+}
+
+QString ActionWriteParquet::missingColumn(const QString &name, const char *purpose) const
+{
+    return u"\nERROR writing to Parquet File '%1': cannot find column '%2' %3\n"_s.arg(
+        fileName(), name, QString::fromLatin1(purpose));
+}
+
+bool ActionWriteParquet::failTarget(const Fault<TargetError> &fault)
+{
+    switch (fault.code) {
+    case TargetError::CannotReplace:
+        return fail(u"Cannot delete previous file '%1'."_s.arg(fault.detail));
+    case TargetError::CannotOpen:
+        return failWith(WriteProblem::CannotOpen, fault.detail);
+    case TargetError::CannotWrite:
+        return failWith(WriteProblem::CannotWrite, fault.detail);
+    case TargetError::CannotRename:
+        break;
+    }
+    return fail(u"\nERROR cannot rename Parquet file '%1_TMP' to '%1'"_s.arg(fault.detail));
+}
+
+bool ActionWriteParquet::failWriter(const Output &output, const Fault<parquet::Error> &fault)
+{
+    const QString &target = output.target.target();
+    switch (fault.code) {
+    case parquet::Error::TextTooLong:
+        return fail(
+            u"\nERROR writing to Parquet File '%1': a text of column '%2' does not fit a page of %3 KiB\n"_s
+                .arg(target, fault.detail, QString::number(m_params.pageSize)));
+    case parquet::Error::NoMemory:
+        return fail(u"\nERROR writing to Parquet File '%1': %2\n"_s.arg(target, fault.detail));
+    case parquet::Error::WriteFailed:
+    case parquet::Error::BadData:
+    case parquet::Error::BadFooter:
+    case parquet::Error::ShortRead:
+    case parquet::Error::BadThrift:
+    case parquet::Error::Unreadable:
+        break;
+    }
+    return failWith(WriteProblem::CannotWrite, target);
+}
+
 void ActionWriteParquet::start()
 {
+    RowWriter::start();
     m_run = std::make_unique<RunState>();
     m_run->options.pageSizeKiB = m_params.pageSize;
     m_run->options.rowGroupMiB = m_params.rowGroupSize;
@@ -49,14 +107,13 @@ void ActionWriteParquet::start()
         fail(u"No filename?"_s);
         return;
     }
-    m_run->file = expandOutputFile(m_params.file, QString());
     m_run->compressor = std::make_unique<parquet::PageCompressor>(
         kCodecs[static_cast<size_t>(m_params.codec)], workerCount());
 }
 
-parquet::Storage ActionWriteParquet::storageOf(const OneRow *row, int column) const
+parquet::Storage ActionWriteParquet::storageOf(const OneRow &columns, int column) const
 {
-    switch (row->getMetaType(column).type()) {
+    switch (columns.getMetaType(column).type()) {
     case MetaInfo::Float:
         return parquet::Storage::Double;
     case MetaInfo::Unknown:
@@ -69,60 +126,38 @@ parquet::Storage ActionWriteParquet::storageOf(const OneRow *row, int column) co
     return kKeys[static_cast<size_t>(m_params.keyStorage)];
 }
 
-/// Fail the run because the input has no such column; false.
-bool ActionWriteParquet::failWithoutColumn(const QString &name, const char *purpose)
-{
-    return fail(u"\nERROR writing to Parquet File '%1': cannot find column '%2' %3\n"_s.arg(
-        m_run->file, name, QString::fromLatin1(purpose)));
-}
-
-bool ActionWriteParquet::findColumns(const OneRow *row)
+bool ActionWriteParquet::findInputs(const OneRow &columns)
 {
     QVector<int> inputs;
-    bool isGood = true;
-    if (m_params.writeAllColumns) {
-        for (int i = 0; i < row->numberOfColumns(); ++i) {
-            inputs << i;
-        }
-    } else if (m_params.toWrite.isEmpty()) {
-        return fail(
-            u"\nERROR writing to Parquet File '%1': no column to write?\n"_s.arg(m_run->file));
-    }
-    for (const QString &name : m_params.writeAllColumns ? QStringList() : m_params.toWrite) {
-        const int column = row->getIndexOfColumn(name);
-        isGood = (column >= 0 || failWithoutColumn(name, "to write")) && isGood;
-        inputs << column;
-    }
-    isGood = isGood && (m_run->filter.begin(m_params, *row) ||
-                        failWithoutColumn(m_params.testCol, "to test"));
-    if (!isGood ||
-        doCheckNameCollision(row, m_params.checkNameCollision, this, inputs, m_run->file) != 0) {
+    if (!findColumns(columns, &inputs) || !findTestColumn(columns) ||
+        !checkNames(columns, inputs)) {
         return false;
     }
     for (const int column : inputs) {
-        m_run->columns.push_back({row->colName(column).toUtf8(), storageOf(row, column), column});
+        m_run->columns.push_back(
+            {columns.colName(column).toUtf8(), storageOf(columns, column), column});
     }
-    if (m_params.split != kSplitByValue) {
-        return true;
-    }
-    m_run->splitColumn = row->getIndexOfColumn(m_params.splitVar);
-    return m_run->splitColumn >= 0 || failWithoutColumn(m_params.splitVar, "for split");
+    return true;
 }
 
-bool ActionWriteParquet::begin(const OneRow *row)
+bool ActionWriteParquet::findSplitColumn(const OneRow &columns)
 {
-    m_run->isFirst = false;
-    if (!findColumns(row)) {
+    m_run->splitColumn = columns.getIndexOfColumn(m_params.splitVar);
+    const QVector<SortInfos> &order = columns.sortInfos();
+    m_run->isSorted = !order.isEmpty() && order.first().column == m_params.splitVar;
+    return m_run->splitColumn >= 0 || fail(missingColumn(m_params.splitVar, "for split"));
+}
+
+bool ActionWriteParquet::begin(const OneRow &columns)
+{
+    const bool splitsByValue = m_params.split == kSplitByValue;
+    if (!findInputs(columns) || (splitsByValue && !findSplitColumn(columns))) {
         return false;
     }
-    if (m_params.createDir) {
-        QDir().mkpath(QFileInfo(m_run->file).absolutePath());
-    }
-    if (m_run->splitColumn < 0) {
+    createFolder(fileName());
+    if (!splitsByValue) {
         return openOutput(QString());
     }
-    const QVector<SortInfos> &order = row->sortInfos();
-    m_run->isSorted = !order.isEmpty() && order.first().column == m_params.splitVar;
     if (!m_run->isSorted) {
         warn(
             u"\nWARNING writing to Parquet file: The table to split is not sorted on the split variable: The number of splits (i.e. the number of files) is limited to the maximum number of simultaneous opened file allowed by the OS and by the available RAM memory.\n"_s);
@@ -134,9 +169,9 @@ bool ActionWriteParquet::begin(const OneRow *row)
 QString ActionWriteParquet::nextTarget(const QString &value)
 {
     const QString part = m_run->splitColumn < 0 ? QString() : "__"_L1 + fileNamePart(value);
-    QString target = withPartBeforeExtension(m_run->file, part);
+    QString target = withPartBeforeExtension(fileName(), part);
     for (int i = 2; m_run->targets.contains(target); ++i) {
-        target = withPartBeforeExtension(m_run->file, part + "__"_L1 + QString::number(i));
+        target = withPartBeforeExtension(fileName(), part + "__"_L1 + QString::number(i));
     }
     m_run->targets.insert(target);
     return target;
@@ -144,32 +179,42 @@ QString ActionWriteParquet::nextTarget(const QString &value)
 
 bool ActionWriteParquet::openOutput(const QString &value)
 {
-    const QString target = nextTarget(value);
-    const auto output = std::make_shared<ParquetOutput>(target, [this, target] {
-        return runIsGood() && MainUI::displayOutOfDiskSpace(target, getIdx(), true);
-    });
-    const QString message = output->open(m_run->columns, m_run->options, *m_run->compressor);
+    const QString name = nextTarget(value);
+    const auto output = std::make_shared<Output>();
     m_run->outputs[value] = output;
     m_run->output = output;
     m_run->value = value;
-    return message.isEmpty() || fail(message);
+    const auto opened = output->target.open(name, targetOptions(name, TargetMode::ReplaceByTmp));
+    if (!opened) {
+        return failTarget(opened.fault());
+    }
+    output->writer = std::make_unique<parquet::FileWriter>(output->target, m_run->columns,
+                                                           m_run->options, *m_run->compressor);
+    const auto begun = output->writer->begin();
+    return begun || failWriter(*output, begun.fault());
 }
 
 bool ActionWriteParquet::closeOutput(const QString &value)
 {
-    const QString message = m_run->outputs[value]->commit();
-    m_run->outputs.remove(value);
+    const std::shared_ptr<Output> output = m_run->outputs.take(value);
     m_run->output.reset();
-    return message.isEmpty() || fail(message);
+    const auto finished = output->writer->finish();
+    output->writer.reset();
+    if (!finished) {
+        output->target.keepTemporary();
+        return failWriter(*output, finished.fault());
+    }
+    const auto committed = output->target.commit();
+    return committed || failTarget(committed.fault());
 }
 
 /// Make `output` the file that the row belongs to.
-bool ActionWriteParquet::chooseOutput(const OneRow *row)
+bool ActionWriteParquet::chooseOutput(const OneRow &row)
 {
     if (m_run->splitColumn < 0) {
         return m_run->output || openOutput(QString()); // the next segment
     }
-    const QStringView text = row->textView(m_run->splitColumn);
+    const QStringView text = row.textView(m_run->splitColumn);
     if (m_run->output && text == m_run->value) {
         return true;
     }
@@ -186,52 +231,43 @@ bool ActionWriteParquet::chooseOutput(const OneRow *row)
     return true;
 }
 
-bool ActionWriteParquet::writeRow(const OneRow *row)
+bool ActionWriteParquet::isSegmentFull() const
+{
+    return m_params.split != 0 && static_cast<double>(m_run->output->writer->bytesWritten()) >
+                                      m_params.segmentSize * kBytesPerMiB;
+}
+
+bool ActionWriteParquet::writeRow(const OneRow &row)
 {
     if (!chooseOutput(row)) {
         return false;
     }
-    if (const QString message = m_run->output->addRow(row->getAllColForWrite());
-        !message.isEmpty()) {
-        return fail(message);
+    const auto added = m_run->output->writer->addRow(row.getAllColForWrite());
+    if (!added) {
+        return failWriter(*m_run->output, added.fault());
     }
-    const bool isSegmentFull = isSplit() && static_cast<double>(m_run->output->bytesWritten()) >
-                                                m_params.segmentSize * kBytesPerMiB;
-    return !isSegmentFull || closeOutput(m_run->value);
+    return !isSegmentFull() || closeOutput(m_run->value);
 }
 
-bool ActionWriteParquet::step()
+void ActionWriteParquet::complete()
 {
-    while (!yieldRequested()) {
-        const OneRow *const row = getNextRowFromInPin(0);
-        if (row == nullptr) {
-            const bool isGood = runIsGood() && (!m_run->isFirst || begin(getInputColumns(0)));
-            m_run->isComplete = isGood;
-            return false;
-        }
-        if (m_run->isFirst && !begin(row)) {
-            return false;
-        }
-        if (m_run->filter.isWanted(*row) && !writeRow(row)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-void ActionWriteParquet::finish()
-{
-    if (!m_run) {
-        return;
-    }
-    const bool isOwnFailure = m_errorFlag != 0;
     QStringList values = m_run->outputs.keys();
     values.sort();
     for (const QString &value : values) {
-        if (m_run->isComplete && runIsGood()) {
-            closeOutput(value);
-        } else if (!isOwnFailure) {
-            m_run->outputs[value]->discard();
+        if (!closeOutput(value)) {
+            m_run->outputs.clear(); // discards the others
+            return;
+        }
+    }
+}
+
+void ActionWriteParquet::release(bool)
+{
+    if (m_run && m_errorFlag != 0) {
+        // An error of this action leaves its unfinished files for inspection.
+        for (const std::shared_ptr<Output> &output : std::as_const(m_run->outputs)) {
+            output->writer.reset();
+            output->target.keepTemporary();
         }
     }
     m_run.reset();

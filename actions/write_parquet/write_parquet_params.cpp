@@ -63,7 +63,7 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .always()
             .label("File")
             .meaning("Parquet file to write."),
-        shared::columnsToWrite("ToWrite", &P::toWrite),
+        shared::columnsToWrite<P>("ToWrite", &P::toWrite),
     };
     return table;
 }

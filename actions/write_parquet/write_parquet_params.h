@@ -1,19 +1,16 @@
 // writers/write_parquet_params.h
 // The parameters of writeParquet.
 #pragma once
-#include "actions/shared/row_filter.h"
+#include "actions/shared/row_writer.h"
 #include "corvanta/param_table.h"
 
 namespace corvanta {
 
-struct WriteParquetParams : RowFilterParams
+struct WriteParquetParams : RowWriterParams
 {
     int pageSize = 64;
     int rowGroupSize = 50;
     int keyStorage = 2;
-    bool writeAllColumns = true;
-    bool checkNameCollision = true;
-    bool createDir = false;
     int split = 0;
     double segmentSize = 100;
     int codec = 0;
@@ -21,7 +18,6 @@ struct WriteParquetParams : RowFilterParams
     bool statistics = false;
     QString splitVar;
     QString file;
-    QStringList toWrite;
 };
 
 const ParamTable<WriteParquetParams> &writeParquetParamTable();

@@ -12,41 +12,30 @@ namespace {
 /// Values of charMode.
 enum CharMode { Utf8WithMark = 0, Utf8 = 1, Utf16WithMark = 2, Utf16 = 3 };
 
-constexpr int kMostIndent = 1000;
+constexpr int kMaxIndent = 1000;
 
 } // namespace
 
 ActionWriteXML::ActionWriteXML(const XMLNode &saved, GlobalParameters *parameters)
-    : LevelWriter(catalogueRow("writeXML"), saved, parameters)
+    : ParamAction(catalogueRow("writeXML"), saved, parameters)
 {
 }
 
-QString ActionWriteXML::message(WriteProblem problem, const QString &name,
-                                const QString &level) const
+QString ActionWriteXML::message(WriteProblem problem, const QString &name) const
 {
     const QString &file = fileName();
     switch (problem) {
-    case WriteProblem::BadFloatFormat:
-        return u"\nERROR writing to XML file '%1': '%2' is not a format of a floating-point number\n"_s
-            .arg(file, name);
     case WriteProblem::NoTestColumn:
         return u"\nERROR writing to XML file '%1': cannot find column '%2' to test\n"_s.arg(file,
                                                                                             name);
-    case WriteProblem::NoPartitionColumn:
-        return u"\nERROR writing to XML file '%1': cannot find partitioning column '%2' in level '%3'\n"_s
-            .arg(file, name, level);
     case WriteProblem::NoColumn:
         return u"\nERROR writing to XML file '%1': cannot find column '%2' to write\n"_s.arg(file,
                                                                                              name);
-    case WriteProblem::NoLevel:
-        return u"\nERROR writing to XML file '%1': cannot find the level named '%2'\n"_s.arg(file,
-                                                                                             name);
-    case WriteProblem::LevelInCircle:
-        return u"\nERROR writing to XML file '%1': the level '%2' is a sub-level of itself\n"_s.arg(
-            file, name);
-    case WriteProblem::NoDictionary: // has no such item
-    case WriteProblem::NoColumnListed:
+    case WriteProblem::NoColumns:
         return u"\nERROR writing to XML file '%1': no column to write?\n"_s.arg(file);
+    case WriteProblem::BadFloatFormat:
+        return u"\nERROR writing to XML file '%1': '%2' is not a format of a floating-point number\n"_s
+            .arg(file, name);
     case WriteProblem::CannotOpen:
         return u"\nERROR: cannot open XML file '%1' for write\n"_s.arg(file);
     case WriteProblem::CannotWrite:
@@ -55,6 +44,29 @@ QString ActionWriteXML::message(WriteProblem problem, const QString &name,
         break;
     }
     return u"\nERROR writing to XML file '%1': output buffer too small\n"_s.arg(file);
+}
+
+QString ActionWriteXML::levelMessage(LevelProblem problem, const QString &name,
+                                     const QString &level) const
+{
+    const QString &file = fileName();
+    switch (problem) {
+    case LevelProblem::NoPartitionColumn:
+        return u"\nERROR writing to XML file '%1': cannot find partitioning column '%2' in level '%3'\n"_s
+            .arg(file, name, level);
+    case LevelProblem::NoColumn:
+        return message(WriteProblem::NoColumn, name);
+    case LevelProblem::NoLevel:
+        return u"\nERROR writing to XML file '%1': cannot find the level named '%2'\n"_s.arg(file,
+                                                                                             name);
+    case LevelProblem::CyclicLevel:
+        return u"\nERROR writing to XML file '%1': the level '%2' is a sub-level of itself\n"_s.arg(
+            file, name);
+    case LevelProblem::NoDictionary: // XML has no such item
+    case LevelProblem::NoColumnListed:
+        break;
+    }
+    return message(WriteProblem::NoColumns, name);
 }
 
 std::vector<WriteLevel> ActionWriteXML::declaredLevels() const
@@ -66,15 +78,15 @@ std::vector<WriteLevel> ActionWriteXML::declaredLevels() const
 LevelCompiler::Levels ActionWriteXML::compileLevels(const std::vector<WriteLevel> &levels,
                                                     const OneRow &columns) const
 {
-    const int indent = qBound(0, expandString(m_params.indentStart).toInt(), kMostIndent);
+    const int indent = qBound(0, expandString(m_params.indentStart).toInt(), kMaxIndent);
     return compileXmlLevels(
         levels, columns,
         {m_params.humanReadable ? std::optional(indent) : std::nullopt, m_params.wellFormed});
 }
 
-ValueRules ActionWriteXML::rules() const
+ValueRules ActionWriteXML::valueRules() const
 {
-    ValueRules rules = valueRules(m_params, u"", u"");
+    ValueRules rules = commonRules(u"", u"");
     rules.decimalComma = m_params.useComma;
     return rules;
 }
@@ -88,8 +100,8 @@ FileFrame ActionWriteXML::frame() const
                    : u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     const compose::Encoding encoding =
         isWide ? compose::Encoding::Utf16Le : compose::Encoding::Utf8;
-    return {encoding, compose::encode(head, encoding),
-            m_params.humanReadable ? u"\n"_s : QString()};
+    return {encoding, compose::encode(head, encoding), m_params.prefix,
+            m_params.humanReadable ? u"\n"_s : QString(), m_params.suffix};
 }
 
 } // namespace corvanta

@@ -1,23 +1,25 @@
-// writers/write_xml.h
-// writeXML: rows into an XML file of levels and items.
+// writeXML: writes rows to an XML file of levels and items.
 #pragma once
 #include "actions/shared/level_writer.h"
 #include "actions/write_xml/write_xml_params.h"
 
 namespace corvanta {
 
-class ActionWriteXML final : public LevelWriter<ActionWriteXML, WriteXmlParams>
+class ActionWriteXML final : public ParamAction<ActionWriteXML, WriteXmlParams, LevelWriter>
 {
 public:
     ActionWriteXML(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<WriteXmlParams> &paramTable() { return writeXmlParamTable(); }
 
 private:
-    QString message(WriteProblem problem, const QString &name, const QString &level) const override;
+    const LevelWriterParams &rowParams() const override { return m_params; }
+    QString message(WriteProblem problem, const QString &name) const override;
+    QString levelMessage(LevelProblem problem, const QString &name,
+                         const QString &level) const override;
     std::vector<WriteLevel> declaredLevels() const override;
     LevelCompiler::Levels compileLevels(const std::vector<WriteLevel> &levels,
                                         const OneRow &columns) const override;
-    ValueRules rules() const override;
+    ValueRules valueRules() const override;
     FileFrame frame() const override;
 };
 

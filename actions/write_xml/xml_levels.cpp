@@ -167,7 +167,7 @@ private:
     Compiled oneColumn(const WriteItem &item) const
     {
         if (item.columns.isEmpty()) {
-            return Fault{WriteProblem::NoColumnListed};
+            return Fault{LevelProblem::NoColumnListed};
         }
         auto columns = m_compiler.find(item.columns.mid(0, 1));
         if (!columns) {

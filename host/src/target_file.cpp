@@ -5,71 +5,192 @@
 
 #include <QFileInfo>
 
+#include <optional>
+
 using namespace Qt::StringLiterals;
 
-bool TargetFile::open(const QString &name, int action)
+namespace platform = corvanta::platform;
+using corvanta::Fault;
+
+namespace {
+
+/// The name that a chain of links ends at, whether or not a file of that name exists; `name` itself
+/// when it is no link. Nothing when the chain does not end.
+std::optional<QString> followLinks(const QString &name)
+{
+    constexpr int kMaxLinks = 40; // as the system's own limit
+    QFileInfo info(name);
+    if (!info.isSymLink()) {
+        return name;
+    }
+    if (info.exists()) {
+        return info.canonicalFilePath();
+    }
+    for (int i = 0; i < kMaxLinks && info.isSymLink(); ++i) {
+        info.setFile(info.symLinkTarget());
+    }
+    return info.isSymLink() ? std::nullopt : std::optional(info.filePath());
+}
+
+bool isPipeOrDevice(const QString &name)
+{
+    const QFileInfo info(name);
+    return info.exists() && !info.isFile() && !info.isDir();
+}
+
+} // namespace
+
+TargetFile::Done TargetFile::open(const QString &name, Options options)
 {
     discard();
-    if (name.isEmpty()) {
-        return false;
+    m_options = std::move(options);
+    m_target = name;
+    m_isRegular = !isPipeOrDevice(name);
+    const std::optional<QString> end = m_isRegular ? followLinks(name) : name;
+    if (name.isEmpty() || !end) {
+        return Fault{TargetError::CannotOpen, name};
     }
-    const QFileInfo info(name);
-    if (info.exists() && !info.isFile()) {
-        m_name = name;
-        m_file = info.isDir() ? nullptr : MyWriteFile::open(name, MyWriteFile::Existing::Truncate);
-        return isOpen();
+    m_target = *end;
+    if (!m_isRegular) {
+        return openFile(m_target, MyWriteFile::Existing::Truncate);
     }
-    if (info.exists() && !info.isWritable()) {
-        return false; // the folder would let it be replaced, but its owner has said no
+    switch (m_options.mode) {
+    case TargetMode::Replace:
+        return openReplaced();
+    case TargetMode::ReplaceByTmp:
+        return openTmp();
+    case TargetMode::Append:
+        break;
     }
-    // Links are followed: what they lead to is replaced, not a link.
-    m_name = !info.isSymLink() ? name
-             : info.exists()   ? info.canonicalFilePath()
-                               : info.symLinkTarget();
-    m_temporary = m_name + u"_tmp_%1_%2"_s.arg(QString::number(action),
-                                               QString::number(MainUI::getNearUniqueRandomID()));
-    m_file = MyWriteFile::open(m_temporary, MyWriteFile::Existing::Refuse);
-    return isOpen();
+    return openAppended();
 }
 
-bool TargetFile::commit()
+TargetFile::Done TargetFile::openFile(const QString &name, MyWriteFile::Existing existing)
 {
-    return commit(QFileInfo::exists(m_name), [](const QString &temporary, const QString &target) {
-        return renameTMPFile(temporary, target);
-    });
+    m_file = MyWriteFile::open(name, existing);
+    if (!m_file) {
+        return Fault{TargetError::CannotOpen, m_target};
+    }
+    return {};
 }
 
-bool TargetFile::commit(const Move &move)
+TargetFile::Done TargetFile::openReplaced()
 {
-    return commit(true, move);
+    const QFileInfo info(m_target);
+    if (info.isDir() || (info.exists() && !info.isWritable())) {
+        return Fault{TargetError::CannotOpen, m_target};
+    }
+    m_temporary = m_target + u"_tmp_%1_%2"_s.arg(QString::number(m_options.action),
+                                                 QString::number(MainUI::getNearUniqueRandomID()));
+    return openFile(m_temporary, MyWriteFile::Existing::Refuse);
 }
 
-bool TargetFile::commit(bool syncs, const Move &move)
+TargetFile::Done TargetFile::openTmp()
+{
+    const QFileInfo info(m_target);
+    if (info.exists() && (info.isDir() || !QFileInfo(info.absolutePath()).isWritable())) {
+        return Fault{TargetError::CannotReplace, m_target};
+    }
+    if (KobiFileInfo::isNetDrive(m_target)) {
+        return openFile(m_target, MyWriteFile::Existing::Truncate);
+    }
+    m_temporary = m_target + "_TMP"_L1;
+    const QFileInfo earlier(m_temporary);
+    const bool isThere = earlier.exists() || earlier.isSymLink();
+    if (isThere && (earlier.isDir() || !platform::removeFile(m_temporary))) {
+        return Fault{TargetError::CannotReplace, m_temporary};
+    }
+    return openFile(m_temporary, MyWriteFile::Existing::Refuse);
+}
+
+TargetFile::Done TargetFile::openAppended()
+{
+    m_existed = QFileInfo::exists(m_target);
+    Done opened = openFile(m_target, MyWriteFile::Existing::Append);
+    if (opened) {
+        m_appends = true;
+        m_oldSize = m_file->position();
+    }
+    return opened;
+}
+
+bool TargetFile::write(const void *bytes, qint64 n)
+{
+    while (!m_file->write(bytes, n)) {
+        if (!m_options.retryWrite || !m_options.retryWrite()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+TargetFile::Done TargetFile::commit()
+{
+    return commit(QFileInfo::exists(m_target) ? Sync::Now : Sync::BeforeRunEnds,
+                  [](const QString &temporary, const QString &target) {
+                      return renameTMPFile(temporary, target);
+                  });
+}
+
+TargetFile::Done TargetFile::commit(const Rename &rename)
+{
+    return commit(Sync::Now, rename);
+}
+
+TargetFile::Done TargetFile::commit(Sync sync, const Rename &rename)
 {
     if (!isOpen()) {
-        return false;
+        return Fault{TargetError::CannotWrite, m_target};
     }
-    const bool isTemporary = !m_temporary.isEmpty();
-    bool done = m_file->flush() && (!syncs || !isTemporary || m_file->sync());
-    done = m_file->close() && done;
-    m_file.reset();
-    if (isTemporary) {
-        done = done && move(m_temporary, m_name);
-        if (!done) {
-            corvanta::platform::removeFile(m_temporary);
-        }
-        m_temporary.clear();
+    const QString temporary = m_temporary;
+    Done done = complete(m_isRegular && sync == Sync::Now);
+    if (done && !temporary.isEmpty() && !rename(temporary, m_target)) {
+        done = Fault{TargetError::CannotRename, m_target};
+    }
+    if (!done && !temporary.isEmpty() && m_options.mode == TargetMode::Replace) {
+        platform::removeFile(temporary);
     }
     return done;
 }
 
+/// Write everything to the device, when `syncs` is set, and close the file.
+TargetFile::Done TargetFile::complete(bool syncs)
+{
+    const bool isWritten = m_file->flush() && (!syncs || m_file->sync());
+    if (!isWritten && m_appends) {
+        discard();
+        return Fault{TargetError::CannotWrite, m_target};
+    }
+    const bool isClosed = m_file->close();
+    if (m_appends && !m_existed) {
+        platform::syncFolder(QFileInfo(m_target).absolutePath());
+    }
+    keepTemporary();
+    if (!isWritten || !isClosed) {
+        return Fault{TargetError::CannotWrite, m_target};
+    }
+    return {};
+}
+
 void TargetFile::discard()
 {
-    if (isOpen()) {
-        m_file.reset();
-        if (!m_temporary.isEmpty()) {
-            corvanta::platform::removeFile(m_temporary);
-        }
+    if (!isOpen()) {
+        return;
     }
+    if (m_appends) {
+        m_file->truncate(m_oldSize);
+    }
+    const bool isCreated = m_appends && !m_existed;
+    const QString unfinished = isCreated ? m_target : m_temporary;
+    keepTemporary();
+    if (!unfinished.isEmpty()) {
+        platform::removeFile(unfinished);
+    }
+}
+
+void TargetFile::keepTemporary()
+{
+    m_file.reset();
     m_temporary.clear();
+    m_appends = false;
 }

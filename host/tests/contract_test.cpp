@@ -173,9 +173,9 @@ TEST(TargetFile, TheTargetChangesOnlyAtCommit)
     };
     {
         TargetFile target;
-        ASSERT_TRUE(target.open(name, 3));
+        ASSERT_TRUE(target.open(name, {3}));
         EXPECT_TRUE(target.temporaryName().startsWith(name + u"_tmp_3_"_s));
-        ASSERT_TRUE(target.file().write("new", 3));
+        ASSERT_TRUE(target.write("new", 3));
         EXPECT_EQ(content(), "old");
     }
     EXPECT_EQ(content(), "old");
@@ -184,13 +184,13 @@ TEST(TargetFile, TheTargetChangesOnlyAtCommit)
     const QString second = dir.filePath(u"second"_s);
     ASSERT_TRUE(QFile::link(u"target"_s, second) && QFile::link(u"second"_s, first));
     TargetFile target;
-    ASSERT_TRUE(target.open(first, 3));
-    ASSERT_TRUE(target.file().write("new", 3));
+    ASSERT_TRUE(target.open(first, {3}));
+    ASSERT_TRUE(target.write("new", 3));
     ASSERT_TRUE(target.commit());
     EXPECT_EQ(content(), "new");
     EXPECT_TRUE(QFileInfo(first).isSymLink() && QFileInfo(second).isSymLink());
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::NoSymLinks), QStringList{u"target"_s});
     EXPECT_EQ(QFile::permissions(name) & (QFile::ReadGroup | QFile::ReadOther),
               QFile::Permissions());
-    EXPECT_FALSE(TargetFile().open(dir.filePath(u"no/folder"_s), 0));
+    EXPECT_FALSE(TargetFile().open(dir.filePath(u"no/folder"_s), {}));
 }

@@ -25,12 +25,13 @@ PackageInput::open(GlobalParameters *parameters, const QString &name)
     return input;
 }
 
-bool PackageOutput::open(const QString &name, int action, const deflate::StreamOptions &options)
+bool PackageOutput::open(const QString &name, TargetFile::Options target,
+                         const deflate::StreamOptions &options)
 {
-    if (!m_target.open(name, action)) {
+    if (!m_target.open(name, std::move(target))) {
         return false;
     }
-    ByteSink *sink = &m_target.file();
+    ByteSink *sink = &m_target;
     if (KobiFileInfo::isNetDrive(name)) {
         m_networkSink = std::make_unique<package::BlockBufferedSink>(*sink);
         sink = m_networkSink.get();

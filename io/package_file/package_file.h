@@ -34,14 +34,16 @@ private:
 class PackageOutput
 {
 public:
-    /// False when the temporary file cannot be made.
-    bool open(const QString &name, int action, const deflate::StreamOptions &options = {});
+    /// Returns false when the file cannot be created. `target.retryWrite` is called on the thread
+    /// that calls writer().
+    bool open(const QString &name, TargetFile::Options target,
+              const deflate::StreamOptions &options = {});
     bool isOpen() const { return m_writer != nullptr; }
     package::PackageWriter &writer() { return *m_writer; }
 
     /// Replace the target, after writer().close(). False when that failed: the target is as it was.
     bool commit() { return release() && m_target.commit(); }
-    bool commit(const TargetFile::Move &move) { return release() && m_target.commit(move); }
+    bool commit(const TargetFile::Rename &rename) { return release() && m_target.commit(rename); }
 
 private:
     bool release();

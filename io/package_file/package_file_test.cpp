@@ -52,12 +52,12 @@ TEST_P(PackageFile, ReplacesItsTargetOnlyWhenComplete)
         const QByteArray before = contentOf(m_name, "m");
         {
             PackageOutput abandoned;
-            ASSERT_TRUE(abandoned.open(m_name, 7));
+            ASSERT_TRUE(abandoned.open(m_name, {7}));
             EXPECT_TRUE(put(abandoned, "m", "never seen"));
         }
         EXPECT_EQ(contentOf(m_name, "m"), before);
         PackageOutput output;
-        ASSERT_TRUE(output.open(m_name, 7));
+        ASSERT_TRUE(output.open(m_name, {7}));
         EXPECT_TRUE(put(output, "m", content));
         EXPECT_TRUE(output.commit());
         EXPECT_EQ(contentOf(m_name, "m"), content);
@@ -68,9 +68,9 @@ TEST_P(PackageFile, ReplacesItsTargetOnlyWhenComplete)
 TEST_P(PackageFile, ARefusedMoveLeavesTheTarget)
 {
     PackageOutput first;
-    ASSERT_TRUE(first.open(m_name, 7) && put(first, "m", "old") && first.commit());
+    ASSERT_TRUE(first.open(m_name, {7}) && put(first, "m", "old") && first.commit());
     PackageOutput output;
-    ASSERT_TRUE(output.open(m_name, 7) && put(output, "m", "new"));
+    ASSERT_TRUE(output.open(m_name, {7}) && put(output, "m", "new"));
     QString seen;
     EXPECT_FALSE(output.commit([&](const QString &temporary, const QString &) {
         seen = QString::fromUtf8(contentOf(temporary, "m"));

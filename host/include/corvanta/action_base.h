@@ -88,6 +88,12 @@ public:
     }
     /// State of the run. Only between init and close.
     const RunControl &control() const { return *m_control; }
+    /// Ask the user whether to retry a failed write of `file`, for example when the disk is full.
+    /// Returns false without a question once the run is not good.
+    bool askRetryWrite(const QString &file) const
+    {
+        return runIsGood() && MainUI::displayOutOfDiskSpace(file, getIdx(), true);
+    }
 
 protected:
     ActionBase(const ActionDescription &description, XMLNode saved, GlobalParameters *parameters);
@@ -116,13 +122,15 @@ private:
 /// on the version that saved the graph; it runs before the attributes are read.
 /// `Self::pinsInFor(const P &)`, when there is one, is the number of input pins that the parameters
 /// ask for.
-template <class Self, class P> class ParamAction : public ActionBase
+///
+/// `Base` is ActionBase or a class derived from it that several actions share.
+template <class Self, class P, class Base = ActionBase> class ParamAction : public Base
 {
 public:
     void save(std::wostream &out, const QString &elementName) override
     {
-        saveAI(out, elementName, description().saveVersion);
-        Self::paramTable().save(m_params, out, elementName, globalParameters());
+        this->saveAI(out, elementName, this->description().saveVersion);
+        Self::paramTable().save(m_params, out, elementName, this->globalParameters());
     }
     ActionItem *newInstance(XMLNode *saved, GlobalParameters *parameters) override
     {
@@ -145,10 +153,10 @@ public:
 protected:
     ParamAction(const ActionDescription &description, const XMLNode &saved,
                 GlobalParameters *parameters)
-        : ActionBase(description, saved, parameters)
+        : Base(description, saved, parameters)
     {
         if constexpr (requires(P & p) { Self::adjustDefaults(p, 0.0); }) {
-            Self::adjustDefaults(m_params, savedVersion());
+            Self::adjustDefaults(m_params, this->savedVersion());
         }
         Self::paramTable().read(m_params, saved);
         updatePins();
@@ -157,7 +165,7 @@ protected:
     void updatePins()
     {
         if constexpr (requires(const P &p) { Self::pinsInFor(p); }) {
-            m_nPinIn = Self::pinsInFor(m_params);
+            this->m_nPinIn = Self::pinsInFor(m_params);
         }
     }
 

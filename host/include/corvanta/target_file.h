@@ -1,6 +1,11 @@
-// corvanta/target_file.h
-// A file that is replaced only when its new content is complete.
+// The file that a writer produces: replaced in one step, appended to, or written directly.
+//
+// A target changes only when its new content is complete. Symbolic links are followed to their end:
+// the file that they lead to is replaced or extended, and the links stay. A target that is not a
+// regular file (a pipe, a device) cannot be replaced and is written directly.
 #pragma once
+#include "base/byte_sink.h"
+#include "base/result.h"
 #include "corvanta/export.h"
 #include "corvanta/files.h"
 
@@ -9,42 +14,92 @@
 #include <functional>
 #include <memory>
 
-/// Writes beside the target under a name of its own and moves the result over it in commit().
-/// Without commit() the target stays as it was and nothing is left behind. Threads: one at a time.
-///
-/// A target that is not an ordinary file (a pipe, a device) is written directly.
-class CORVANTA_EXPORT TargetFile
+/// How a target is opened; each mode says what discard() and a failed commit() do.
+enum class TargetMode {
+    /// Writes "TARGET_tmp_<action>_<random number>" in the target's folder; commit() renames it to
+    /// the target. A failure removes the temporary file. A target without write permission is
+    /// refused, although its folder would permit the rename.
+    Replace,
+    /// Writes "TARGET_TMP", after removing an earlier file of that name; commit() renames it. After
+    /// a failed commit() the temporary file stays. On a network drive the target itself is written.
+    ReplaceByTmp,
+    /// Appends to the target, or creates it. A failure restores the old length, or removes a target
+    /// that was created.
+    Append,
+};
+
+/// What went wrong; the detail of the fault is the name of the file.
+enum class TargetError {
+    CannotReplace, ///< ReplaceByTmp: the target or an earlier "TARGET_TMP" cannot be removed
+    CannotOpen,
+    CannotWrite,
+    CannotRename, ///< the temporary file is complete but could not be renamed
+};
+
+/// Destroying an open target discards it. Threads: one at a time.
+class CORVANTA_EXPORT TargetFile final : public corvanta::ByteSink
 {
 public:
+    using Done = corvanta::Result<void, TargetError>;
+    /// Renames `temporary` to `target`; returns false when that failed.
+    using Rename = std::function<bool(const QString &temporary, const QString &target)>;
+
+    struct Options
+    {
+        int action = 0; ///< index of the action (ActionItem::getIdx()), part of the temporary name
+        TargetMode mode = TargetMode::Replace;
+        /// Called after a failed write, for example when the disk is full; returns true to retry.
+        /// Without it no write is retried.
+        std::function<bool()> retryWrite = {};
+    };
+
     TargetFile() = default;
-    ~TargetFile() { discard(); }
-    TargetFile(const TargetFile &) = delete;
-    TargetFile &operator=(const TargetFile &) = delete;
+    ~TargetFile() override { discard(); }
 
-    /// Open the temporary file, named `name` + "_tmp_" + `action` + "_" + a random number. False
-    /// when it cannot be created, or when the target is there and may not be written.
-    bool open(const QString &name, int action);
+    /// Open `name`, which is expanded already; an open target is discarded first. Errors:
+    /// CannotReplace, CannotOpen.
+    Done open(const QString &name, Options options);
     bool isOpen() const { return m_file != nullptr; }
-    const QString &name() const { return m_name; }
+    /// The file that commit() replaces or extends: the name, or where its links lead to. Valid
+    /// after open(), also after a failed one.
+    const QString &target() const { return m_target; }
+    /// Where the bytes are until commit(); empty when they are written to the target itself.
     const QString &temporaryName() const { return m_temporary; }
-    /// Where to write; owned by this object.
-    MyWriteFile &file() { return *m_file; }
 
-    /// Close the file and move it over the target. False when that failed; the target is then as it
-    /// was. The bytes are flushed to the device first when a file is replaced; a new one is before
-    /// the run ends.
-    bool commit();
-    /// commit() with `move` in place of the plain renaming: it answers whether the target was
-    /// replaced. The bytes are always flushed to the device before.
-    using Move = std::function<bool(const QString &temporary, const QString &target)>;
-    bool commit(const Move &move);
-    /// Remove what was written.
+    // Only while open. A failed write is repeated for as long as retryWrite() returns true; after
+    // that nothing of it counts as written.
+    bool write(const void *bytes, qint64 n) override;
+    bool seek(qint64 offset) override { return m_file->seek(offset); }
+    qint64 position() const override { return m_file->position(); }
+    bool flush() override { return m_file->flush(); }
+
+    /// Complete the target and close it. The bytes of a replaced or extended file are flushed to
+    /// the device first; a new file is flushed before the run ends. After a failure the target is
+    /// unchanged. Errors: CannotWrite, CannotRename.
+    Done commit();
+    /// The same with `rename` in place of the plain renaming. The bytes are always flushed first.
+    Done commit(const Rename &rename);
+    /// Close the file and undo what was written, except to a target that is written directly.
     void discard();
+    /// Close the file and leave the temporary file in its folder, for inspection.
+    void keepTemporary();
 
 private:
-    bool commit(bool syncs, const Move &move);
+    enum class Sync { Now, BeforeRunEnds };
 
-    QString m_name;
-    QString m_temporary; // empty: the target is written directly
+    Done openReplaced();
+    Done openTmp();
+    Done openAppended();
+    Done openFile(const QString &name, MyWriteFile::Existing existing);
+    Done commit(Sync sync, const Rename &rename);
+    Done complete(bool syncs);
+
+    Options m_options;
+    QString m_target;
+    QString m_temporary;     // empty: the target is written directly
+    bool m_isRegular = true; // not a pipe or device
+    bool m_appends = false;
+    bool m_existed = false; // the appended file, before open()
+    qint64 m_oldSize = 0;   // of the appended file
     std::unique_ptr<MyWriteFile> m_file;
 };

@@ -74,7 +74,9 @@ bool ActionWriteCsv::begin(const OneRow *columns)
         return fail(u"Error: writeCSV: the separator '%1' is not one ASCII character\n"_s.arg(
             m_params.separator));
     }
-    if (!m_target.open(m_name, getIdx())) {
+    const auto opened = m_target.open(
+        m_name, {getIdx(), TargetMode::Replace, [this] { return askRetryWrite(m_name); }});
+    if (!opened) {
         return fail(u"Error: writeCSV: cannot create file '%1'\n"_s.arg(m_name));
     }
     m_writer.emplace(*separator);
@@ -85,17 +87,12 @@ bool ActionWriteCsv::begin(const OneRow *columns)
     return true;
 }
 
-/// Writes what has been formatted; on a full disk as often as the user wants.
 bool ActionWriteCsv::flush()
 {
     const QByteArrayView bytes = m_writer->bytes();
-    while (!m_target.file().write(bytes.data(), bytes.size())) {
-        if (!runIsGood() || !MainUI::displayOutOfDiskSpace(m_name, getIdx(), true)) {
-            return false;
-        }
-    }
+    const bool isWritten = m_target.write(bytes.data(), bytes.size());
     m_writer->clear();
-    return true;
+    return isWritten;
 }
 
 bool ActionWriteCsv::step()

@@ -1,0 +1,115 @@
+#include "actions/shared/row_writer.h"
+
+#include "corvanta/name_collision.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace corvanta {
+
+void RowWriter::start()
+{
+    m_fileName = expandOutputFile(fileParameter(), QString());
+    m_filter = {};
+    m_isBeforeFirstRow = true;
+    m_isComplete = false;
+}
+
+bool RowWriter::step()
+{
+    while (!yieldRequested()) {
+        const OneRow *const row = getNextRowFromInPin(0);
+        if (row == nullptr) {
+            endRows();
+            return false;
+        }
+        if (!takeRow(*row)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Pass a row on and write it when it is selected.
+bool RowWriter::takeRow(const OneRow &row)
+{
+    if (pinOutCount() != 0) {
+        getOutputRowForOutputPin(0)->copyFrom(&row);
+        setRowReadyForOutput(0);
+    }
+    if (m_isBeforeFirstRow) {
+        m_isBeforeFirstRow = false;
+        if (!begin(row)) {
+            return false;
+        }
+    }
+    return !m_filter.isWanted(row) || writeRow(row);
+}
+
+void RowWriter::endRows()
+{
+    if (m_isBeforeFirstRow) {
+        const OneRow *const columns = getInputColumns(0);
+        if (pinOutCount() != 0) {
+            getOutputRowForOutputPin(0)->copySchemaFrom(columns);
+        }
+        if (!runIsGood() || !beginWithoutRows(*columns)) {
+            return;
+        }
+    }
+    m_isComplete = runIsGood();
+}
+
+void RowWriter::finish()
+{
+    const bool wasComplete = m_isComplete;
+    m_isComplete = false;
+    if (wasComplete && runIsGood()) {
+        complete();
+    }
+    release(wasComplete);
+}
+
+bool RowWriter::findTestColumn(const OneRow &columns)
+{
+    return m_filter.begin(rowParams(), columns) ||
+           failWith(WriteProblem::NoTestColumn, rowParams().testCol);
+}
+
+bool RowWriter::findColumns(const OneRow &columns, QVector<int> *inputs)
+{
+    inputs->clear();
+    if (rowParams().writeAllColumns) {
+        for (int i = 0; i < columns.numberOfColumns(); ++i) {
+            *inputs << i;
+        }
+        return true;
+    }
+    for (const QString &name : rowParams().toWrite) {
+        *inputs << columns.getIndexOfColumn(name);
+        if (inputs->back() < 0) {
+            failWith(WriteProblem::NoColumn, name);
+        }
+    }
+    return inputs->isEmpty() ? failWith(WriteProblem::NoColumns) : !inputs->contains(-1);
+}
+
+bool RowWriter::checkNames(const OneRow &columns, const QVector<int> &inputs)
+{
+    return doCheckNameCollision(&columns, rowParams().checkNameCollision, this, inputs,
+                                m_fileName) == 0;
+}
+
+void RowWriter::createFolder(const QString &file) const
+{
+    if (rowParams().createDir) {
+        QDir().mkpath(QFileInfo(file).absolutePath());
+    }
+}
+
+TargetFile::Options RowWriter::targetOptions(const QString &file, TargetMode mode) const
+{
+    return {getIdx(), mode, [this, file] { return askRetryWrite(file); }};
+}
+
+} // namespace corvanta
