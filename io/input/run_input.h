@@ -1,0 +1,33 @@
+// An input file whose reads fail once the run has ended, so that a long read ends with the run.
+//
+// Threads: one at a time, but getProgress() of `file` from any.
+#pragma once
+#include "corvanta/action_item.h"
+#include "io/input/input_file.h"
+
+namespace corvanta {
+
+class RunInput final : public ByteSource
+{
+public:
+    /// Open `name` (already expanded) at once; see InputFile. `control` must outlive this object.
+    RunInput(GlobalParameters *parameters, const RunControl &control, const QString &name,
+             bool shared)
+        : file(parameters, name, shared)
+        , m_control(control)
+    {
+    }
+    qint64 read(void *buffer, qint64 n) override
+    {
+        return m_control.isRunning() ? file.read(buffer, n) : -1;
+    }
+    qint64 size() override { return file.size(); }
+    bool seek(qint64 offset) override { return file.seek(offset); }
+
+    InputFile file;
+
+private:
+    const RunControl &m_control;
+};
+
+} // namespace corvanta

@@ -1,0 +1,76 @@
+#include "io/input/whole_input.h"
+
+#include "base/limits.h"
+
+#include <QByteArray>
+
+#include <algorithm>
+#include <vector>
+
+namespace corvanta {
+
+namespace {
+
+/// A source that owns its bytes.
+class OwnedBytes final : public ByteSource
+{
+public:
+    explicit OwnedBytes(QByteArray bytes)
+        : m_bytes(std::move(bytes))
+        , m_source(m_bytes)
+    {
+    }
+    qint64 read(void *buffer, qint64 n) override { return m_source.read(buffer, n); }
+    qint64 size() override { return m_source.size(); }
+    bool seek(qint64 offset) override { return m_source.seek(offset); }
+
+private:
+    const QByteArray m_bytes;
+    MemorySource m_source;
+};
+
+Result<QByteArray, WholeInputError> readAll(ByteSource &source)
+{
+    constexpr qsizetype kPieceBytes = 1 << 20;
+    QByteArray bytes;
+    while (bytes.size() <= limits::kMemberBytes) {
+        const qsizetype before = bytes.size();
+        bytes.resize(before + kPieceBytes);
+        const qint64 got = source.read(bytes.data() + before, kPieceBytes);
+        if (got < 0) {
+            return Fault{WholeInputError::ReadFailed};
+        }
+        bytes.resize(before + got);
+        if (got == 0) {
+            return bytes;
+        }
+    }
+    return Fault{WholeInputError::TooLarge};
+}
+
+} // namespace
+
+Result<std::unique_ptr<ByteSource>, WholeInputError> randomAccess(std::unique_ptr<RunInput> input)
+{
+    if (input->file.isRandomAccess()) {
+        return std::unique_ptr<ByteSource>(std::move(input));
+    }
+    auto bytes = readAll(*input);
+    if (!bytes) {
+        return bytes.fault();
+    }
+    return std::unique_ptr<ByteSource>(std::make_unique<OwnedBytes>(*std::move(bytes)));
+}
+
+bool readToEnd(ByteSource &source)
+{
+    constexpr qint64 kScratchBytes = 64 * 1024;
+    std::vector<char> scratch(kScratchBytes);
+    qint64 got = 1;
+    while (got > 0) {
+        got = source.read(scratch.data(), kScratchBytes);
+    }
+    return got == 0;
+}
+
+} // namespace corvanta
