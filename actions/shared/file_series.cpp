@@ -1,0 +1,249 @@
+#include "actions/shared/file_series.h"
+
+#include "corvanta/files.h"
+#include "io/input/input_file.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace corvanta {
+
+void FileSeries::reset()
+{
+    m_nextFile = 0;
+    finish();
+    m_hasColumns = false;
+    m_columnCount = 0;
+    m_fileNameColumn = -1;
+    const std::lock_guard lock(m_mutex);
+    m_fileCount = 0;
+}
+
+void FileSeries::start(Format &format, const QStringList &files, Options options)
+{
+    reset();
+    m_format = &format;
+    m_options = std::move(options);
+    m_files = files;
+    if (m_options.columns) {
+        describeColumns(*m_options.columns);
+    }
+    const std::lock_guard lock(m_mutex);
+    m_fileCount = m_files.size();
+}
+
+void FileSeries::finish()
+{
+    setCurrent(nullptr);
+}
+
+float FileSeries::fractionDone(std::optional<float> withoutFile)
+{
+    const std::lock_guard lock(m_mutex);
+    if (!m_current && withoutFile) {
+        return *withoutFile;
+    }
+    const float current = m_current ? m_current->fractionDone() : 0.0F;
+    return m_fileCount == 0
+               ? 0.0F
+               : (current + static_cast<float>(m_filesDone)) / static_cast<float>(m_fileCount);
+}
+
+void FileSeries::stop()
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_current) {
+        m_current->stop();
+    }
+}
+
+void FileSeries::setCurrent(std::unique_ptr<SeriesFile> file)
+{
+    // `file` receives the old file, which is destroyed after the lock is released.
+    const std::lock_guard lock(m_mutex);
+    m_current.swap(file);
+    m_filesDone = m_nextFile - (m_current ? 1 : 0);
+    // The run may have ended before stop() could see the file.
+    if (m_current && !m_action.control().isRunning()) {
+        m_current->stop();
+    }
+}
+
+// ---- Opening.
+
+bool FileSeries::openNext()
+{
+    setCurrent(nullptr);
+    while (m_nextFile < m_files.size() && m_action.runIsGood()) {
+        const QString name = m_files[m_nextFile++];
+        auto opened = openWithRetries(name);
+        if (opened) {
+            use(*std::move(opened), name);
+            return checkColumns(name);
+        }
+        if (!m_action.runIsGood() || !handle(opened.fault().code, name)) {
+            return false;
+        }
+    }
+    return false;
+}
+
+FileSeries::Opened FileSeries::openWithRetries(const QString &name)
+{
+    Opened opened = m_format->openFile(name);
+    const auto isMissing = [&] { return !opened && opened.fault().code == OpenError::Missing; };
+    if (isMissing()) {
+        retryOpening(name, m_options.retries, m_action.control(), [&] {
+            opened = m_format->openFile(name);
+            return !isMissing();
+        });
+    }
+    return opened;
+}
+
+/// Report a file that cannot be opened. Returns true to continue with the next one.
+bool FileSeries::handle(OpenError error, const QString &name)
+{
+    switch (error) {
+    case OpenError::Missing:
+        return m_format->reportMissing(name);
+    case OpenError::Unreadable:
+        return m_format->reportUnreadable(name);
+    case OpenError::Failed:
+        break;
+    }
+    return false;
+}
+
+void FileSeries::use(std::unique_ptr<SeriesFile> file, const QString &name)
+{
+    setCurrent(std::move(file));
+    m_fileNameBuffer.reset();
+    m_fileNameCell = bytesFromQString(&m_fileNameBuffer, name);
+}
+
+// ---- Columns.
+
+void FileSeries::describeColumns(const TableSchema &columns)
+{
+    m_hasColumns = true;
+    m_columns = columns;
+    QVector<QString> names = columns.names;
+    QVector<MetaInfo> types = columns.types;
+    if (!m_options.fileNameColumn.isEmpty()) {
+        m_fileNameColumn = static_cast<int>(names.size());
+        names << m_options.fileNameColumn;
+        types << MetaInfo(MetaInfo::Unknown, -1);
+    }
+    m_columnCount = static_cast<int>(names.size());
+    OneRow *const row = m_action.getOutputRowForOutputPin(0);
+    row->setColName(names);
+    row->setMetaData(types);
+}
+
+/// Take the columns of the first file; compare those of a later one. Returns false on a mismatch,
+/// after reporting it.
+bool FileSeries::checkColumns(const QString &name)
+{
+    if (m_options.columns) {
+        return true;
+    }
+    const TableSchema columns = m_current->columns();
+    if (!m_hasColumns) {
+        describeColumns(columns);
+        return true;
+    }
+    const qsizetype count = m_columns.names.size();
+    std::optional<ColumnMismatch> mismatch;
+    if (columns.names.size() != count) {
+        mismatch = {.kind = ColumnMismatch::Kind::Count,
+                    .first = QString::number(count),
+                    .found = QString::number(columns.names.size())};
+    }
+    for (qsizetype i = 0; i < count && !mismatch; ++i) {
+        const bool isForward = m_options.order == Order::FirstToLast;
+        mismatch = compareColumn(columns, isForward ? i : count - 1 - i);
+    }
+    if (mismatch) {
+        mismatch->file = name;
+        return m_format->reportMismatch(*mismatch);
+    }
+    return true;
+}
+
+std::optional<ColumnMismatch> FileSeries::compareColumn(const TableSchema &columns,
+                                                        qsizetype column) const
+{
+    using Kind = ColumnMismatch::Kind;
+    const QString &name = columns.names[column];
+    const MetaInfo type = columns.types[column];
+    if (name != m_columns.names[column]) {
+        return ColumnMismatch{.kind = Kind::Name,
+                              .column = column,
+                              .name = name,
+                              .first = m_columns.names[column],
+                              .found = name};
+    }
+    if (type != m_columns.types[column]) {
+        return ColumnMismatch{.kind = Kind::Type,
+                              .column = column,
+                              .name = name,
+                              .first = m_columns.types[column].letter(),
+                              .found = type.letter()};
+    }
+    return std::nullopt;
+}
+
+// ---- Rows.
+
+inline void FileSeries::putRow(OneRow &row)
+{
+    if (m_fileNameColumn >= 0) {
+        row.setCol(m_fileNameColumn, m_fileNameCell);
+    }
+    m_action.setRowReadyForOutput(0);
+}
+
+bool FileSeries::step()
+{
+    OneRow &row = *m_action.getOutputRowForOutputPin(0);
+    SeriesFile::Found found = SeriesFile::Found::Nothing;
+    while (m_current && !m_action.yieldRequested()) {
+        if (!m_current->next(row, &found)) {
+            return false;
+        }
+        if (found == SeriesFile::Found::Row) {
+            putRow(row);
+        } else if (found == SeriesFile::Found::End && !finishFile()) {
+            return false;
+        }
+    }
+    return m_current != nullptr;
+}
+
+/// All rows of the file are delivered: open the next one. Returns false at the end or after a
+/// failure.
+bool FileSeries::finishFile()
+{
+    return m_action.runIsGood() && m_current->finish() && openNext();
+}
+
+// ---- Names.
+
+QStringList namesOfPattern(const ActionItem &action, const QString &pattern)
+{
+    QStringList names;
+    listFiles(action.expandFile(pattern), &names);
+    return names;
+}
+
+QStringList namesFromPin(ActionItem &action, int pin)
+{
+    QStringList names;
+    while (const OneRow *const row = action.getNextRowFromInPin(pin)) {
+        names << action.expandFile(row->text(0));
+    }
+    return names;
+}
+
+} // namespace corvanta
