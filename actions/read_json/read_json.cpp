@@ -1,6 +1,5 @@
 #include "actions/read_json/read_json.h"
 
-#include "actions/shared/input_sample.h"
 #include "base/checked.h"
 #include "base/limits.h"
 #include "plugin/catalogue.h"
@@ -16,9 +15,9 @@ using markup::MarkupError;
 
 namespace {
 
-constexpr int kReportedErrors = 50;
+constexpr int kMaxReportedErrors = 50;
 constexpr qint64 kTokenizerChars = 1'048'576;
-constexpr qint64 kMostFromColumns = 0x6000000;
+constexpr qint64 kMaxBytesFromColumns = 0x6000000;
 
 } // namespace
 
@@ -30,12 +29,13 @@ ActionReadJSON::ActionReadJSON(const XMLNode &saved, GlobalParameters *parameter
 void ActionReadJSON::start()
 {
     finish();
-    m_errors = 0;
-    m_progress = 0;
+    m_series.reset();
+    m_reportedErrors = 0;
 }
 
 void ActionReadJSON::finish()
 {
+    m_series.finish();
     m_run.reset();
     m_tokenizer.reset();
 }
@@ -45,10 +45,10 @@ bool ActionReadJSON::step()
     return (m_run || prepare()) && m_run->step();
 }
 
-/// What the file holds; nothing, with a message, when there is no such file.
-std::optional<markup::SampledDocument> ActionReadJSON::sampled()
+/// Read the beginning of the file. Returns nothing, after a message, when the file is missing.
+std::optional<markup::SampledDocument> ActionReadJSON::sampleInput()
 {
-    InputSample sample(globalParameters(), expandFile(m_params.fileName));
+    InputSample sample(*this, m_params.fileName);
     if (!sample.isOpen()) {
         fileIsMissing(sample.name());
         return std::nullopt;
@@ -63,7 +63,7 @@ bool ActionReadJSON::fill(int table)
     if (hasItems(m_params.levels) || isFromPin()) {
         return true;
     }
-    const auto document = sampled();
+    const auto document = sampleInput();
     const markup::SampledTable *const chosen = document ? chooseTable(*document, table) : nullptr;
     if (chosen != nullptr) {
         m_params.levels = chosen->levels;
@@ -75,11 +75,11 @@ bool ActionReadJSON::fill(int table)
 
 QVector<InputTable> ActionReadJSON::listTables()
 {
-    const auto document = isFromPin() ? std::nullopt : sampled();
+    const auto document = isFromPin() ? std::nullopt : sampleInput();
     return document ? listedTables(*document, m_params.levels) : QVector<InputTable>();
 }
 
-/// Make the run; false when it has failed or is over.
+/// Create m_run. Returns false when the run has failed or ended.
 bool ActionReadJSON::prepare()
 {
     std::vector<ReadLevel> levels = m_params.levels;
@@ -90,7 +90,7 @@ bool ActionReadJSON::prepare()
         return fail(u"ReadJson error: nothing to extract"_s);
     }
     LevelRun::Input input;
-    input.fileName = expandFile(m_params.fileName);
+    input.fileName = m_params.fileName;
     input.isFromPin = isFromPin();
     input.column = expandString(m_params.colJSON).trimmed();
     input.mode = m_params.oneJSONPerRow ? PinText::Mode::RowByRow : PinText::Mode::Stream;
@@ -100,13 +100,12 @@ bool ActionReadJSON::prepare()
     markup::ExtractOptions options;
     options.outputSubTags = m_params.outputSubTags;
     options.keepRoot = m_params.newMode;
-    m_run = std::make_unique<LevelRun>(*this, *m_control, static_cast<LevelRun::Format &>(*this),
-                                       std::move(input), expandedLevels(levels, *this), options,
-                                       &m_progress);
+    m_run = std::make_unique<LevelRun>(*this, m_series, static_cast<LevelRun::Format &>(*this),
+                                       std::move(input), expandedLevels(levels, *this), options);
     return true;
 }
 
-/// Rows of pin 1 become the items of the level that they name, or of the last one.
+/// Turn the rows of pin 1 into items of the level that they name, or of the last one.
 bool ActionReadJSON::readTags(std::vector<ReadLevel> *levels)
 {
     levels->resize(std::max<size_t>(levels->size(), 1));
@@ -134,7 +133,7 @@ bool ActionReadJSON::readTags(std::vector<ReadLevel> *levels)
 qint64 ActionReadJSON::bufferBytes() const
 {
     const qint64 fromColumns =
-        std::min<qint64>(10 * qint64(m_run->columnCount()), kMostFromColumns);
+        std::min<qint64>(10 * qint64(m_run->columnCount()), kMaxBytesFromColumns);
     return std::max(fromColumns, clampedMiBToBytes(m_params.bufferSize));
 }
 
@@ -169,10 +168,10 @@ bool ActionReadJSON::documentFails(const markup::MarkupResult &result, const QSt
         return fail(u"ERROR: JSON structure error '%1' in file '%3' at line %2\n"_s.arg(
             text, QString::number(result.line), name));
     }
-    if (m_errors < kReportedErrors) {
+    if (m_reportedErrors < kMaxReportedErrors) {
         warn(u"Warning: JSON structure error '%1' in file '%3' at line %2\n"_s.arg(
             text, QString::number(result.line), name));
-        if (++m_errors == kReportedErrors) {
+        if (++m_reportedErrors == kMaxReportedErrors) {
             warn(u"More JSON Errors won't be reported"_s);
         }
     }
@@ -188,9 +187,9 @@ bool ActionReadJSON::fileIsMissing(const QString &name)
     return true;
 }
 
-void ActionReadJSON::columnIsMissing(const QString &name)
+bool ActionReadJSON::columnIsMissing(const QString &name)
 {
-    fail(u"ERROR: JSON parsing Error: Cannot find column '"_s + name + u"'\n"_s);
+    return fail(u"ERROR: JSON parsing Error: Cannot find column '"_s + name + u"'\n"_s);
 }
 
 void ActionReadJSON::pathIsMissing(const QString &path, const QString &name)

@@ -1,5 +1,4 @@
-// readers/read_json.h
-// readJSON: rows from the levels of JSON files, or of JSON texts that come in rows.
+// readJSON: reads the levels of JSON files, or of JSON texts in the rows of an input pin.
 #pragma once
 #include "actions/read_json/read_json_params.h"
 #include "actions/shared/input_sample.h"
@@ -7,7 +6,6 @@
 #include "codecs/markup/json_tokenizer.h"
 #include "corvanta/action_base.h"
 
-#include <atomic>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -28,7 +26,7 @@ public:
     {
         return params.readTagsFromInPin ? 2 : params.fromInputPin != 0 ? 1 : 0;
     }
-    float computeCompletion() override { return m_progress; }
+    float computeCompletion() override { return m_series.fractionDone(); }
 
 private:
     void start() override;
@@ -36,7 +34,7 @@ private:
     void finish() override;
     bool fill(int table) override;
     QVector<InputTable> listTables() override;
-    std::optional<markup::SampledDocument> sampled();
+    std::optional<markup::SampledDocument> sampleInput();
 
     bool prepare();
     bool readTags(std::vector<ReadLevel> *levels);
@@ -48,14 +46,14 @@ private:
     bool documentFails(const markup::MarkupResult &result, const QString &name,
                        const QString &why) override;
     bool fileIsMissing(const QString &name) override;
-    void columnIsMissing(const QString &name) override;
+    bool columnIsMissing(const QString &name) override;
     void pathIsMissing(const QString &path, const QString &name) override;
     bool isInsideValue() const override { return m_tokenizer->isInsideValue(); }
 
-    std::unique_ptr<LevelRun> m_run;
     std::unique_ptr<markup::JSONTokenizer> m_tokenizer;
-    int m_errors = 0; ///< reported
-    std::atomic<float> m_progress = 0;
+    int m_reportedErrors = 0;
+    std::unique_ptr<LevelRun> m_run;
+    FileSeries m_series{*this}; // its file refers to m_run
 };
 
 } // namespace corvanta

@@ -1,7 +1,7 @@
 #include "actions/read_parquet/read_parquet.h"
 
-#include "base/limits.h"
-#include "corvanta/files.h"
+#include "actions/read_parquet/parquet_file.h"
+#include "io/input/whole_input.h"
 #include "plugin/catalogue.h"
 
 #include <algorithm>
@@ -13,34 +13,10 @@ namespace corvanta {
 
 namespace {
 
-constexpr int kMostWorkers = 8;
-
 int workerCount()
 {
-    return std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, kMostWorkers);
-}
-
-MetaInfo metaTypeOf(const parquet::Column &column)
-{
-    return MetaInfo(parquet::cellTypeOf(column.form));
-}
-
-/// All bytes of an input, unpacked; false when there are too many, or reading fails.
-bool readWhole(InputFile &input, QByteArray *bytes)
-{
-    constexpr qsizetype kPieceBytes = 1 << 20;
-    for (;;) {
-        const qsizetype before = bytes->size();
-        if (before > limits::kMemberBytes) {
-            return false;
-        }
-        bytes->resize(before + kPieceBytes);
-        const qint64 got = input.read(bytes->data() + before, kPieceBytes);
-        bytes->resize(before + std::max<qint64>(got, 0));
-        if (got <= 0) {
-            return got == 0;
-        }
-    }
+    constexpr int kMaxWorkers = 8;
+    return std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, kMaxWorkers);
 }
 
 } // namespace
@@ -53,37 +29,9 @@ ActionReadParquet::ActionReadParquet(const XMLNode &saved, GlobalParameters *par
     }
 }
 
-float ActionReadParquet::computeCompletion()
-{
-    const std::lock_guard lock(m_mutex);
-    if (!m_current || m_files.isEmpty()) {
-        return 1.0F;
-    }
-    return (m_current->reader->fractionDone() + m_filesDone) / static_cast<float>(m_files.size());
-}
-
-void ActionReadParquet::wakeAll()
-{
-    const std::lock_guard lock(m_mutex);
-    if (m_current) {
-        m_current->reader->stop();
-    }
-}
-
-void ActionReadParquet::setCurrent(std::unique_ptr<OpenFile> file)
-{
-    const std::lock_guard lock(m_mutex);
-    m_current.swap(file);
-    m_filesDone = static_cast<float>(m_nextFile - 1);
-}
-
 void ActionReadParquet::start()
 {
-    finish();
-    m_nextFile = 0;
-    m_isPrepared = m_hasColumns = false;
-    m_names.clear();
-    m_types.clear();
+    m_series.reset();
     m_options = {};
     m_options.int64ToKey = m_params.int64ToKey;
     m_options.extendedEncodings = m_params.extendedEncodings;
@@ -92,15 +40,14 @@ void ActionReadParquet::start()
     m_options.pageChecksums = m_params.pageChecksums;
 }
 
-void ActionReadParquet::finish()
+bool ActionReadParquet::step()
 {
-    setCurrent(nullptr);
+    return (m_series.hasBegun() || prepare()) && m_series.step();
 }
 
 bool ActionReadParquet::prepare()
 {
-    m_isPrepared = true;
-    return readSelection() && listInputs() && openNextFile();
+    return readSelection() && startSeries() && m_series.openNext();
 }
 
 bool ActionReadParquet::readSelection()
@@ -122,112 +69,62 @@ bool ActionReadParquet::readSelection()
     return true;
 }
 
-bool ActionReadParquet::listInputs()
+bool ActionReadParquet::startSeries()
 {
-    QStringList files;
-    if (m_params.fileNameFromPin) {
-        while (const OneRow *const row = getNextRowFromInPin(0)) {
-            files << expandFile(row->text(0));
-        }
-        if (files.isEmpty()) {
-            return runIsGood() &&
-                   fail(u"ERROR: Cannot read the name of the Parquet file on input pin??"_s);
-        }
-    } else {
-        listFiles(expandFile(m_params.fileName), &files);
+    const QStringList files = m_params.fileNameFromPin ? namesFromPin(*this, 0)
+                                                       : namesOfPattern(*this, m_params.fileName);
+    if (files.isEmpty()) {
+        return runIsGood() &&
+               fail(u"ERROR: Cannot read the name of the Parquet file on input pin??"_s);
     }
-    const std::lock_guard lock(m_mutex);
-    m_files = files;
+    FileSeries::Options options;
+    options.order = FileSeries::Order::LastToFirst;
+    if (m_params.outputFilenames) {
+        options.fileNameColumn = u"_FileNames"_s;
+    }
+    m_series.start(*this, files, options);
     return true;
 }
 
-/// Go to the next file that can be read; false at the end or after a failure.
-bool ActionReadParquet::openNextFile()
-{
-    setCurrent(nullptr);
-    while (m_nextFile < m_files.size() && runIsGood()) {
-        const QString name = m_files[m_nextFile++];
-        switch (openFile(name)) {
-        case Opening::Done:
-            return m_hasColumns ? checkColumns() : describeColumns();
-        case Opening::Missing:
-            if (!handleMissing(name)) {
-                return false;
-            }
-            break;
-        case Opening::Unreadable: {
-            const QString text = u"Warning: cannot open Parquet file '%1' for read\n"_s.arg(name);
-            if (!m_hasColumns) {
-                return fail(text); // without a first file there is no table
-            }
-            warn(text);
-            break;
-        }
-        case Opening::Failed:
-            return false;
-        }
-    }
-    return false;
-}
+// ---- Files.
 
-/// The bytes of a file, with jumps; null when they cannot be had.
-ByteSource *ActionReadParquet::sourceOf(OpenFile &file)
+FileSeries::Opened ActionReadParquet::openFile(const QString &name)
 {
-    if (file.input->isRandomAccess()) {
-        return file.input.get();
+    using enum FileSeries::OpenError;
+    auto input = std::make_unique<RunInput>(globalParameters(), control(), name, false);
+    if (!input->file.isOpen()) {
+        return Fault{input->file.getSize() < 0 ? Missing : Unreadable};
     }
-    if (!readWhole(*file.input, &file.unpacked)) {
-        return nullptr;
+    auto source = randomAccess(std::move(input));
+    if (!source) {
+        return Fault{Unreadable};
     }
-    file.memory = std::make_unique<MemorySource>(file.unpacked);
-    return file.memory.get();
-}
-
-ActionReadParquet::Opening ActionReadParquet::openFile(const QString &name)
-{
-    auto file = std::make_unique<OpenFile>();
-    file->name = name;
-    file->input = std::make_unique<InputFile>(globalParameters(), name, false);
-    if (!file->input->isOpen()) {
-        return file->input->getSize() < 0 ? Opening::Missing : Opening::Unreadable;
-    }
-    ByteSource *const source = sourceOf(*file);
-    if (source == nullptr) {
-        return Opening::Unreadable;
-    }
-    auto reader = parquet::TableReader::open(*source, m_options, workerCount());
+    auto reader = parquet::TableReader::open(**source, m_options, workerCount());
     if (!reader) {
         return unreadable(name, reader.fault());
     }
-    file->reader = *std::move(reader);
-    const parquet::TableReader &table = *file->reader;
-    const bool isEmpty = table.rowGroupCount() == 0 || table.declaredRows() == 0;
-    if (table.schemaColumnCount() == 0 || (isEmpty && !m_params.allowEmpty)) {
-        fail(u"Error (2) deserializing thrift meta-data (%1,%2,%3)"_s.arg(
-            QString::number(table.columns().size() + 1), QString::number(table.rowGroupCount()),
-            QString::number(table.declaredRows())));
-        return Opening::Failed;
+    const parquet::TableReader &table = **reader;
+    if (!checkContent(name, table)) {
+        return Fault{Failed};
     }
-    if (!table.missingColumns().isEmpty() && !m_hasColumns) {
-        fail(u"Error: The Parquet file '%1' has no column '%2'\n"_s.arg(
-            name, table.missingColumns().first()));
-        return Opening::Failed;
+    auto file = std::make_unique<ParquetFile>(*this, name, *std::move(source), *std::move(reader));
+    if (const auto fetched = file->fetchFirst(); !fetched) {
+        return unreadable(name, fetched.fault());
     }
-    // Much of what makes a file unreadable shows in its pages only.
-    file->cells.resize(table.columns().size());
-    const auto more = file->reader->next(file->cells.data());
-    if (!more) {
-        return unreadable(name, more.fault());
+    if (!m_series.hasColumns()) {
+        warnSkipped(name, table.skippedColumns());
     }
-    file->hasRow = *more;
-    setCurrent(std::move(file));
-    return Opening::Done;
+    return FileSeries::Opened(std::move(file));
 }
 
-/// Log why a file cannot be read, where its own message does not say it.
-ActionReadParquet::Opening ActionReadParquet::unreadable(const QString &name,
-                                                         const Fault<parquet::Error> &fault)
+/// Report why a file cannot be read, where reportUnreadable() does not say it.
+FileSeries::Opened ActionReadParquet::unreadable(const QString &name,
+                                                 const Fault<parquet::Error> &fault)
 {
+    const Fault result{FileSeries::OpenError::Unreadable};
+    if (!runIsGood()) {
+        return result;
+    }
     switch (fault.code) {
     case parquet::Error::BadThrift:
         MainUI::addLog(MainUI::Error, u"Error (1) deserializing thrift meta-data"_s);
@@ -243,11 +140,36 @@ ActionReadParquet::Opening ActionReadParquet::unreadable(const QString &name,
     case parquet::Error::WriteFailed:
         break;
     }
-    return Opening::Unreadable;
+    return result;
 }
 
-/// False when a missing file ends the run.
-bool ActionReadParquet::handleMissing(const QString &name)
+/// Refuse a file without columns or rows, and a first file without a selected column.
+bool ActionReadParquet::checkContent(const QString &name, const parquet::TableReader &table)
+{
+    const bool isEmpty = table.rowGroupCount() == 0 || table.declaredRows() == 0;
+    if (table.schemaColumnCount() == 0 || (isEmpty && !m_params.allowEmpty)) {
+        return fail(u"Error (2) deserializing thrift meta-data (%1,%2,%3)"_s.arg(
+            QString::number(table.columns().size() + 1), QString::number(table.rowGroupCount()),
+            QString::number(table.declaredRows())));
+    }
+    if (!table.missingColumns().isEmpty() && !m_series.hasColumns()) {
+        return fail(u"Error: The Parquet file '%1' has no column '%2'\n"_s.arg(
+            name, table.missingColumns().first()));
+    }
+    return true;
+}
+
+void ActionReadParquet::warnSkipped(const QString &name, const QStringList &columns)
+{
+    constexpr int kMaxReportedColumns = 10;
+    CappedLog log(MainUI::Warning, kMaxReportedColumns, u"Warning: more columns are left out\n"_s);
+    for (const QString &column : columns) {
+        log.add(u"Warning: The Parquet file '%1' is read without %2\n"_s.arg(name, column));
+        m_warningFlag = 1;
+    }
+}
+
+bool ActionReadParquet::reportMissing(const QString &name)
 {
     if (m_params.abortIfMissing) {
         return fail(u"Error: The Parquet file '%1' does not exists"_s.arg(name));
@@ -256,118 +178,35 @@ bool ActionReadParquet::handleMissing(const QString &name)
     return true;
 }
 
-/// Take the columns of the first file.
-bool ActionReadParquet::describeColumns()
+/// An unreadable file is skipped, but the first one defines the columns.
+bool ActionReadParquet::reportUnreadable(const QString &name)
 {
-    m_hasColumns = true;
-    warnSkipped();
-    for (const parquet::Column &column : m_current->reader->columns()) {
-        m_names << column.name;
-        m_types << metaTypeOf(column);
+    const QString text = u"Warning: cannot open Parquet file '%1' for read\n"_s.arg(name);
+    if (!m_series.hasColumns()) {
+        return fail(text);
     }
-    QVector<QString> names = m_names;
-    QVector<MetaInfo> types = m_types;
-    if (m_params.outputFilenames) {
-        names << u"_FileNames"_s;
-        types << MetaInfo(MetaInfo::Unknown, -1);
-    }
-    OneRow *const row = getOutputRowForOutputPin(0);
-    row->setColName(names);
-    row->setMetaData(types);
+    warn(text);
     return true;
 }
 
-void ActionReadParquet::warnSkipped()
+bool ActionReadParquet::reportMismatch(const ColumnMismatch &mismatch)
 {
-    constexpr int kToldColumns = 10;
-    CappedLog log(MainUI::Warning, kToldColumns, u"Warning: more columns are left out\n"_s);
-    for (const QString &column : m_current->reader->skippedColumns()) {
-        log.add(
-            u"Warning: The Parquet file '%1' is read without %2\n"_s.arg(m_current->name, column));
-        m_warningFlag = 1;
-    }
-}
-
-/// Compare the columns of a later file with those of the first one.
-bool ActionReadParquet::checkColumns()
-{
-    const QString &name = m_current->name;
-    const std::vector<parquet::Column> &columns = m_current->reader->columns();
-    const qsizetype expected = m_names.size();
-    if (static_cast<qsizetype>(columns.size()) != expected) {
+    switch (mismatch.kind) {
+    case ColumnMismatch::Kind::Count:
         return fail(
             u"Error: The Parquet file '%3' does have the right number of columns (%1!=%2)"_s.arg(
-                QString::number(columns.size()), QString::number(expected), name));
+                mismatch.found, mismatch.first, mismatch.file));
+    case ColumnMismatch::Kind::Name:
+        return fail(
+            u"An error occurred while initializing the 'ReadParquet' Action \nThe name of the column %1 do not match in first file and file '%2' ('%3'!='%4'"_s
+                .arg(QString::number(mismatch.column), mismatch.file, mismatch.first,
+                     mismatch.found));
+    case ColumnMismatch::Kind::Type:
+        break;
     }
-    for (qsizetype i = expected; i-- > 0;) {
-        const parquet::Column &column = columns[static_cast<size_t>(i)];
-        if (column.name != m_names[i]) {
-            return fail(
-                u"An error occurred while initializing the 'ReadParquet' Action \nThe name of the column %1 do not match in first file and file '%2' ('%3'!='%4'"_s
-                    .arg(QString::number(i), name, m_names[i], column.name));
-        }
-        if (metaTypeOf(column) != m_types[i]) {
-            return fail(
-                u"An error occurred while initializing the 'ReadParquet' Action \nThe Meta-type of the column '%3' do not match in first file and file '%4' (type: %1!=%2)"_s
-                    .arg(metaTypeOf(column).letter(), m_types[i].letter(), column.name, name));
-        }
-    }
-    return true;
-}
-
-/// Hand on the row at hand and take the next one; false when the run has failed.
-bool ActionReadParquet::putRow()
-{
-    OneRow *const row = getOutputRowForOutputPin(0);
-    const std::vector<const uchar *> &cells = m_current->cells;
-    for (size_t i = 0; i < cells.size(); ++i) {
-        row->setCol(static_cast<int>(i), cells[i]);
-    }
-    if (m_params.outputFilenames) {
-        row->setCol(static_cast<int>(cells.size()),
-                    bytesFromQString(bufferForOutputPin(0), m_current->name));
-    }
-    setRowReadyForOutput(0);
-    const auto more = m_current->reader->next(m_current->cells.data());
-    if (!more) {
-        return failInside(more.fault());
-    }
-    m_current->hasRow = *more;
-    return true;
-}
-
-/// A page in the middle cannot be read: the rows before it were right. Returns false.
-bool ActionReadParquet::failInside(const Fault<parquet::Error> &fault)
-{
-    finishFile();
     return fail(
-        u"Error: The Parquet file '%1' cannot be read: %2\n"_s.arg(m_current->name, fault.detail));
-}
-
-/// Compare what was read with what the file declares; false when the run has ended.
-bool ActionReadParquet::finishFile()
-{
-    const parquet::TableReader &reader = *m_current->reader;
-    if (runIsGood() && reader.rowsRead() != reader.declaredRows()) {
-        warn(
-            u"Warning in ReadParquet: We read %1 rows instead of %2 rows from the file '%3'."_s.arg(
-                QString::number(reader.rowsRead()), QString::number(reader.declaredRows()),
-                m_current->name));
-    }
-    return runIsGood();
-}
-
-bool ActionReadParquet::step()
-{
-    if (!m_isPrepared && !prepare()) {
-        return false;
-    }
-    while (!yieldRequested()) {
-        if (m_current->hasRow ? !putRow() : !finishFile() || !openNextFile()) {
-            return false;
-        }
-    }
-    return true;
+        u"An error occurred while initializing the 'ReadParquet' Action \nThe Meta-type of the column '%3' do not match in first file and file '%4' (type: %1!=%2)"_s
+            .arg(mismatch.found, mismatch.first, mismatch.name, mismatch.file));
 }
 
 } // namespace corvanta

@@ -1,17 +1,14 @@
-// readers/read_parquet.h
-// readParquet: rows from Parquet files.
+// readParquet: reads the rows of Parquet files.
 #pragma once
 #include "actions/read_parquet/read_parquet_params.h"
+#include "actions/shared/file_series.h"
 #include "codecs/parquet/table_reader.h"
 #include "corvanta/action_base.h"
-#include "io/input/input_file.h"
-
-#include <memory>
-#include <mutex>
 
 namespace corvanta {
 
-class ActionReadParquet final : public ParamAction<ActionReadParquet, ReadParquetParams>
+class ActionReadParquet final : public ParamAction<ActionReadParquet, ReadParquetParams>,
+                                private FileSeries::Format
 {
 public:
     ActionReadParquet(const XMLNode &saved, GlobalParameters *parameters);
@@ -20,54 +17,28 @@ public:
     {
         return params.columnSelection == 2 ? 2 : params.fileNameFromPin ? 1 : 0;
     }
-    float computeCompletion() override;
-    void wakeAll() override;
+    float computeCompletion() override { return m_series.fractionDone(1.0F); }
+    void wakeAll() override { m_series.stop(); }
 
 private:
-    /// One file and what it is read with. Members go in reverse order: each uses those above it.
-    struct OpenFile
-    {
-        QString name;
-        std::unique_ptr<InputFile> input;
-        QByteArray unpacked; // of inputs that cannot jump
-        std::unique_ptr<MemorySource> memory;
-        std::unique_ptr<parquet::TableReader> reader;
-        std::vector<const uchar *> cells; // of the next row
-        bool hasRow = false;
-    };
-    enum class Opening { Done, Missing, Unreadable, Failed };
-
     void start() override;
     bool step() override;
-    void finish() override;
+    void finish() override { m_series.finish(); }
 
     bool prepare();
     bool readSelection();
-    bool listInputs();
-    bool openNextFile();
-    Opening openFile(const QString &name);
-    ByteSource *sourceOf(OpenFile &file);
-    Opening unreadable(const QString &name, const Fault<parquet::Error> &fault);
-    bool handleMissing(const QString &name);
-    bool describeColumns();
-    void warnSkipped();
-    bool checkColumns();
-    bool putRow();
-    bool finishFile();
-    bool failInside(const Fault<parquet::Error> &fault);
-    void setCurrent(std::unique_ptr<OpenFile> file);
+    bool startSeries();
 
-    QStringList m_files;
-    qsizetype m_nextFile = 0;
-    bool m_isPrepared = false;
-    bool m_hasColumns = false;
+    FileSeries::Opened openFile(const QString &name) override;
+    FileSeries::Opened unreadable(const QString &name, const Fault<parquet::Error> &fault);
+    bool checkContent(const QString &name, const parquet::TableReader &table);
+    void warnSkipped(const QString &name, const QStringList &columns);
+    bool reportMissing(const QString &name) override;
+    bool reportUnreadable(const QString &name) override;
+    bool reportMismatch(const ColumnMismatch &mismatch) override;
+
     parquet::ReadOptions m_options;
-    QVector<QString> m_names; // of the first file
-    QVector<MetaInfo> m_types;
-
-    std::mutex m_mutex;
-    std::unique_ptr<OpenFile> m_current; // replaced under m_mutex, by the thread that runs
-    float m_filesDone = 0;               // guarded by m_mutex
+    FileSeries m_series{*this};
 };
 
 } // namespace corvanta

@@ -1,4 +1,3 @@
-// readers/memo_name.h
 // The memo file that goes with a table, whatever the letter case of its name.
 #pragma once
 #include "io/input/input_file.h"

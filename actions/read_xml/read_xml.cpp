@@ -17,7 +17,7 @@ using markup::XMLTokenizer;
 
 namespace {
 
-constexpr int kReportedWarnings = 50;
+constexpr int kMaxReportedErrors = 50;
 constexpr qint64 kTokenizerChars = 1'048'576;
 
 /// The encoding that a byte-order mark at the start tells; empty without one. The mark of UTF-32 is
@@ -52,7 +52,7 @@ QByteArray encodingOf(QByteArrayView first, const QString &asked)
 
 ActionReadXML::ActionReadXML(const XMLNode &saved, GlobalParameters *parameters)
     : ParamAction(catalogueRow("readXML"), saved, parameters)
-    , m_corrupted(MainUI::Warning, kReportedWarnings,
+    , m_corrupted(MainUI::Warning, kMaxReportedErrors,
                   u"WARNING: XML structure error: some more warnings are not reported\n"_s)
 {
     const bool isHtml =
@@ -66,12 +66,13 @@ ActionReadXML::ActionReadXML(const XMLNode &saved, GlobalParameters *parameters)
 void ActionReadXML::start()
 {
     finish();
+    m_series.reset();
     m_corrupted.reset();
-    m_progress = 0;
 }
 
 void ActionReadXML::finish()
 {
+    m_series.finish();
     m_run.reset();
     m_tokenizer.reset();
 }
@@ -81,7 +82,8 @@ bool ActionReadXML::step()
     return (m_run || prepare()) && m_run->step();
 }
 
-/// The levels with their variables expanded; in HTML mode without the "tbody" of browsers' paths.
+/// The levels with their variables expanded; in HTML mode without the "tbody" in paths copied from
+/// a browser.
 std::vector<ReadLevel> ActionReadXML::levels() const
 {
     std::vector<ReadLevel> levels = expandedLevels(m_params.levels, *this);
@@ -112,9 +114,9 @@ markup::ExtractOptions ActionReadXML::extractOptions() const
     return options;
 }
 
-/// What the file holds: the tables of a page, or, where there are none, what repeats. Nothing, with
-/// a message, when it cannot be read.
-std::optional<markup::SampledDocument> ActionReadXML::sampled()
+/// Read the beginning of the file: the tables of a page or, without any, the repeated elements.
+/// Returns nothing, after a message, when the file cannot be read.
+std::optional<markup::SampledDocument> ActionReadXML::sampleInput()
 {
     std::optional<markup::SampledDocument> document;
     if (m_params.readHTML && !sampleWith([&](XMLTokenizer &tokenizer) {
@@ -135,7 +137,7 @@ std::optional<markup::SampledDocument> ActionReadXML::sampled()
 
 bool ActionReadXML::sampleWith(const std::function<void(XMLTokenizer &)> &look)
 {
-    InputSample sample(globalParameters(), expandFile(m_params.fileName));
+    InputSample sample(*this, m_params.fileName);
     if (!sample.isOpen()) {
         fileIsMissing(sample.name());
         return false;
@@ -153,7 +155,7 @@ bool ActionReadXML::fill(int table)
     if (hasItems(m_params.levels) || isFromPin()) {
         return true;
     }
-    const auto document = sampled();
+    const auto document = sampleInput();
     const markup::SampledTable *const chosen = document ? chooseTable(*document, table) : nullptr;
     if (chosen != nullptr) {
         m_params.levels = chosen->levels;
@@ -165,11 +167,11 @@ bool ActionReadXML::fill(int table)
 
 QVector<InputTable> ActionReadXML::listTables()
 {
-    const auto document = isFromPin() ? std::nullopt : sampled();
+    const auto document = isFromPin() ? std::nullopt : sampleInput();
     return document ? listedTables(*document, m_params.levels) : QVector<InputTable>();
 }
 
-/// Make the run; false when it has failed.
+/// Create m_run. Returns false when the run has failed.
 bool ActionReadXML::prepare()
 {
     const std::vector<ReadLevel> expanded = levels();
@@ -186,18 +188,18 @@ bool ActionReadXML::prepare()
         return fail(u"ReadXML error: [0] indexes are forbidden when using 1-based-indexes"_s);
     }
     LevelRun::Input input;
-    input.fileName = expandFile(m_params.fileName);
+    input.fileName = m_params.fileName;
     input.isFromPin = isFromPin();
     input.column = expandString(m_params.colXML).trimmed();
     input.copiesInput = m_params.addColBefore;
     input.namesFiles = m_params.outputFilenames;
     input.retries = m_params.timeOut;
-    m_run = std::make_unique<LevelRun>(*this, *m_control, static_cast<LevelRun::Format &>(*this),
-                                       std::move(input), expanded, extractOptions(), &m_progress);
+    m_run = std::make_unique<LevelRun>(*this, m_series, static_cast<LevelRun::Format &>(*this),
+                                       std::move(input), expanded, extractOptions());
     return true;
 }
 
-/// Say how the document's bytes are encoded; false when that cannot be.
+/// Set the encoding of the document's bytes. Returns false when the encoding is unknown.
 bool ActionReadXML::chooseEncoding(XMLTokenizer &tokenizer, const QString &name)
 {
     using markup::InvalidBytes;
@@ -255,15 +257,15 @@ bool ActionReadXML::documentFails(const markup::MarkupResult &result, const QStr
     if (result.error == MarkupError::CannotConvert) {
         return fail(u"invalid character found in file '%1': aborting"_s.arg(name));
     }
-    // A page without any element is no reason to stop.
-    const bool goesOn = m_params.skipCorruptedFiles || (isEmpty && m_params.readHTML);
+    // An empty page does not fail the run.
+    const bool isSkipped = m_params.skipCorruptedFiles || (isEmpty && m_params.readHTML);
     if (!why.isEmpty()) {
-        MainUI::addLog(goesOn ? MainUI::Warning : MainUI::Error, why);
+        MainUI::addLog(isSkipped ? MainUI::Warning : MainUI::Error, why);
     }
     const auto text = QString::fromUtf16(markup::errorText(result.error));
     const QString line = QString::number(result.line);
     const QString column = QString::number(result.column);
-    if (!goesOn) {
+    if (!isSkipped) {
         return fail(u"ERROR: XML structure error '%1' in file '%4' at line %2, column %3\n"_s.arg(
             text, line, column, name));
     }
@@ -282,9 +284,9 @@ bool ActionReadXML::fileIsMissing(const QString &name)
     return true;
 }
 
-void ActionReadXML::columnIsMissing(const QString &name)
+bool ActionReadXML::columnIsMissing(const QString &name)
 {
-    fail(u"ERROR: XML parsing Error: Cannot find column '"_s + name + u"'\n"_s);
+    return fail(u"ERROR: XML parsing Error: Cannot find column '"_s + name + u"'\n"_s);
 }
 
 void ActionReadXML::pathIsMissing(const QString &path, const QString &name)

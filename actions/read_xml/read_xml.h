@@ -1,5 +1,4 @@
-// readers/read_xml.h
-// readXML: rows from the levels of XML and HTML files, or of XML texts that come in rows.
+// readXML: reads the levels of XML and HTML files, or of XML texts in the rows of an input pin.
 #pragma once
 #include "actions/read_xml/read_xml_params.h"
 #include "actions/shared/input_sample.h"
@@ -7,7 +6,6 @@
 #include "codecs/markup/xml_tokenizer.h"
 #include "corvanta/action_base.h"
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -22,7 +20,7 @@ public:
     ActionReadXML(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<ReadXmlParams> &paramTable() { return readXmlParamTable(); }
     static int pinsInFor(const ReadXmlParams &params) { return params.fromInputPin != 0 ? 1 : 0; }
-    float computeCompletion() override { return m_progress; }
+    float computeCompletion() override { return m_series.fractionDone(); }
 
 private:
     void start() override;
@@ -36,7 +34,7 @@ private:
     std::vector<ReadLevel> levels() const;
     markup::ExtractOptions extractOptions() const;
     bool chooseEncoding(markup::XMLTokenizer &tokenizer, const QString &name);
-    std::optional<markup::SampledDocument> sampled();
+    std::optional<markup::SampledDocument> sampleInput();
     bool sampleWith(const std::function<void(markup::XMLTokenizer &)> &look);
     void warnDroppedBytes(const QString &name);
     bool isFromPin() const { return m_params.fromInputPin != 0; }
@@ -46,14 +44,14 @@ private:
     bool documentFails(const markup::MarkupResult &result, const QString &name,
                        const QString &why) override;
     bool fileIsMissing(const QString &name) override;
-    void columnIsMissing(const QString &name) override;
+    bool columnIsMissing(const QString &name) override;
     void pathIsMissing(const QString &path, const QString &name) override;
     bool isInsideValue() const override { return false; }
 
-    std::unique_ptr<LevelRun> m_run;
     std::unique_ptr<markup::XMLTokenizer> m_tokenizer;
     CappedLog m_corrupted;
-    std::atomic<float> m_progress = 0;
+    std::unique_ptr<LevelRun> m_run;
+    FileSeries m_series{*this}; // its file refers to m_run
 };
 
 } // namespace corvanta

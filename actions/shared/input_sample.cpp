@@ -1,6 +1,6 @@
 #include "actions/shared/input_sample.h"
 
-#include "corvanta/files.h"
+#include "actions/shared/file_series.h"
 #include "corvanta/main_ui.h"
 
 #include <numeric>
@@ -12,20 +12,13 @@ namespace corvanta {
 namespace {
 
 constexpr qint64 kSampleBytes = qint64(64) << 20;
-constexpr qsizetype kToldPaths = 20;
-
-QString firstFile(const QString &pattern)
-{
-    QStringList files;
-    listFiles(pattern, &files);
-    return files.value(0);
-}
+constexpr qsizetype kMaxReportedPaths = 20;
 
 } // namespace
 
-InputSample::InputSample(GlobalParameters *parameters, const QString &name)
-    : m_name(firstFile(name))
-    , m_file(parameters, m_name, true)
+InputSample::InputSample(const ActionItem &action, const QString &pattern)
+    : m_name(namesOfPattern(action, pattern).value(0))
+    , m_file(action.globalParameters(), m_name, true)
 {
 }
 
@@ -52,10 +45,10 @@ const markup::SampledTable *chooseTable(const markup::SampledDocument &document,
     const qsizetype left = chosen.leftOut.size();
     if (left > 0) {
         const QString more =
-            left > kToldPaths ? u", and %1 more"_s.arg(left - kToldPaths) : QString();
+            left > kMaxReportedPaths ? u", and %1 more"_s.arg(left - kMaxReportedPaths) : QString();
         MainUI::addLog(MainUI::Info,
                        u"Repeated parts of the records that are not read: %1%2\n"_s.arg(
-                           chosen.leftOut.mid(0, kToldPaths).join(u", "_s), more));
+                           chosen.leftOut.mid(0, kMaxReportedPaths).join(u", "_s), more));
     }
     return &chosen;
 }

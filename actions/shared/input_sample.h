@@ -1,7 +1,7 @@
-// readers/input_sample.h
-// The beginning of a reader's input, for looking at it before a run, and the tables found there.
+// Reads the beginning of a reader's input before a run, to find the tables in it.
 #pragma once
 #include "codecs/markup/sample_levels.h"
+#include "corvanta/action_item.h"
 #include "corvanta/action_parameters.h"
 #include "io/input/input_file.h"
 
@@ -11,13 +11,13 @@ namespace corvanta {
 class InputSample final : public ByteSource
 {
 public:
-    /// Open the file `name` (already expanded), or the first one that the pattern matches.
-    InputSample(GlobalParameters *parameters, const QString &name);
+    /// Open the first file that `pattern` matches, after expansion for `action`.
+    InputSample(const ActionItem &action, const QString &pattern);
 
     bool isOpen() { return m_file.isOpen(); }
     const QString &name() const { return m_name; }
 
-    /// The data end after kSampleBytes, so that looking takes no longer for a file that is huge.
+    /// Ends after 64 MiB, so that the sample of a huge file takes no longer.
     qint64 read(void *buffer, qint64 n) override;
     qint64 size() override { return -1; }
     bool seek(qint64) override { return false; }
@@ -27,15 +27,15 @@ private:
     InputFile m_file;
 };
 
-/// Table number `table` of the document, the largest one when that is negative, telling what its
-/// levels leave out. Null, with a message, when there is none.
+/// Table `table` (from 0; negative: the largest one) of the document. Logs which repeated parts its
+/// levels leave out. Returns null, after a message, when there is no such table.
 const markup::SampledTable *chooseTable(const markup::SampledDocument &document, int table);
 
-/// The tables for people; the one that `levels` read is marked.
+/// The tables in the form that users see; the one that `levels` read is marked.
 QVector<InputTable> listedTables(const markup::SampledDocument &document,
                                  const std::vector<markup::Level> &levels);
 
-/// The message for a table number that is none.
+/// Log that the document has only `count` tables.
 void logNoSuchTable(int table, size_t count);
 
 } // namespace corvanta

@@ -1,6 +1,6 @@
 #include "actions/shared/level_run.h"
 
-#include "corvanta/files.h"
+#include "io/input/run_input.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,8 +13,8 @@ using markup::LevelExtractor;
 
 namespace {
 
-/// Cells straight into the batch of the output pin. Which batch that is, is asked at the first cell
-/// of a row: waiting for input rows may send the batch before on its way.
+/// Makes cells in the batch of the output pin. The batch is looked up at the first cell of a row:
+/// waiting for input rows may send the batch before.
 class PinArena final : public markup::CellArena
 {
 public:
@@ -36,32 +36,22 @@ private:
 
 } // namespace
 
-/// Bytes of a file for the tokenizer; tells the progress and ends when the run does.
-class LevelRun::FileBytes final : public ByteSource
+/// One file: one document.
+class LevelRun::File final : public SeriesFile
 {
 public:
-    FileBytes(LevelRun &run, float before, float share)
+    File(LevelRun &run, const QString &name)
         : m_run(run)
-        , m_before(before)
-        , m_share(share)
+        , m_input(run.m_action.globalParameters(), run.m_action.control(), name, true)
     {
     }
-    qint64 read(void *buffer, qint64 n) override
-    {
-        if (!m_run.m_control.isRunning()) {
-            return 0;
-        }
-        const qint64 got = m_run.m_file->read(buffer, n);
-        *m_run.m_progress = m_before + m_share * std::max(m_run.m_file->getProgress(), 0.0F);
-        return got;
-    }
-    qint64 size() override { return m_run.m_file->size(); }
-    bool seek(qint64 offset) override { return m_run.m_file->seek(offset); }
+    RunInput &input() { return m_input; }
+    bool next(OneRow &row, Found *found) override { return m_run.next(row, found); }
+    float fractionDone() const override { return std::max(m_input.file.getProgress(), 0.0F); }
 
 private:
     LevelRun &m_run;
-    float m_before;
-    float m_share;
+    RunInput m_input;
 };
 
 bool hasItems(const std::vector<ReadLevel> &levels)
@@ -70,201 +60,137 @@ bool hasItems(const std::vector<ReadLevel> &levels)
                        [](const ReadLevel &level) { return !level.items.empty(); });
 }
 
-LevelRun::LevelRun(ActionItem &action, const RunControl &control, Format &format, Input input,
-                   const std::vector<ReadLevel> &levels, const markup::ExtractOptions &options,
-                   std::atomic<float> *progress)
+LevelRun::LevelRun(ActionBase &action, FileSeries &series, Format &format, Input input,
+                   const std::vector<ReadLevel> &levels, const markup::ExtractOptions &options)
     : m_action(action)
-    , m_control(control)
+    , m_series(series)
     , m_format(format)
     , m_input(std::move(input))
-    , m_progress(progress)
     , m_extractor(levels, options)
 {
 }
 
-LevelRun::~LevelRun() = default;
-
 bool LevelRun::step()
 {
-    if (!m_isPrepared && !prepare()) {
+    if (!std::exchange(m_isPrepared, true) && !prepare()) {
         return false;
     }
-    while (m_control.yieldRequest.load(std::memory_order_relaxed) == 0) {
-        if (!m_isOpen && !openNext()) {
-            return false;
-        }
-        PinArena arena(m_action);
-        switch (m_extractor.next(arena)) {
-        case LevelExtractor::Outcome::Row:
-            putRow();
-            break;
-        case LevelExtractor::Outcome::End:
-            if (!documentEnds()) {
-                return false;
-            }
-            break;
-        case LevelExtractor::Outcome::Fault:
-            if (!documentFails()) {
-                return false;
-            }
-            break;
-        }
-    }
-    return true;
+    return m_input.isFromPin ? stepTexts() : m_series.step();
 }
 
-// ---- Before the first row. The functions answer false when the run has failed or is over.
+// ---- Before the first row.
 
 bool LevelRun::prepare()
 {
-    m_isPrepared = true;
-    if (!m_input.isFromPin) {
-        listFiles(m_input.fileName, &m_files);
-        describeColumns(nullptr);
-        return true;
+    if (m_input.isFromPin) {
+        return prepareTexts();
     }
+    FileSeries::Options options;
+    options.retries = m_input.retries;
+    options.columns = columns(nullptr);
+    if (m_input.namesFiles) {
+        options.fileNameColumn = u"_FileNames"_s;
+    }
+    m_series.start(*this, namesOfPattern(m_action, m_input.fileName), std::move(options));
+    m_columnCount = m_series.columnCount();
+    return m_series.openNext();
+}
+
+bool LevelRun::prepareTexts()
+{
     const bool isLinked = m_action.pinInCount() > 0;
     const OneRow *const first = isLinked ? m_action.getNextRowFromInPin(0) : nullptr;
     const OneRow *const input = isLinked ? m_action.getInputColumns(0) : nullptr;
     const int column = input == nullptr ? -1 : input->getIndexOfColumn(m_input.column);
     if (column < 0) {
-        if (isGood()) {
-            m_format.columnIsMissing(m_input.column);
-        }
-        return false;
+        return m_action.runIsGood() && m_format.columnIsMissing(m_input.column);
     }
-    describeColumns(input);
+    const TableSchema schema = columns(input);
+    m_columnCount = static_cast<int>(schema.names.size());
+    m_firstColumn = m_columnCount - m_extractor.columnCount();
+    OneRow *const row = m_action.getOutputRowForOutputPin(0);
+    row->setColName(schema.names);
+    row->setMetaData(schema.types);
     m_texts = std::make_unique<PinText>(m_action, column, m_input.mode, first,
                                         [this] { return m_format.isInsideValue(); });
     return true;
 }
 
-void LevelRun::describeColumns(const OneRow *input)
+/// The columns of `input` (may be null), if they are copied, and those of the levels.
+TableSchema LevelRun::columns(const OneRow *input) const
 {
-    QVector<QString> names;
-    QVector<MetaInfo> types;
+    TableSchema columns;
     if (input != nullptr && m_input.copiesInput) {
-        names = input->getColNamesDeep();
-        types = input->getMetaDataDeep();
+        columns.names = input->getColNamesDeep();
+        columns.types = input->getMetaDataDeep();
     }
-    m_firstColumn = static_cast<int>(names.size());
-    names << m_extractor.columnNames();
-    if (!m_input.isFromPin && m_input.namesFiles) {
-        names << u"_FileNames"_s;
-    }
-    types.resize(names.size(), MetaInfo(MetaInfo::Unknown, -1));
-    m_columnCount = static_cast<int>(names.size());
-    OneRow *const row = m_action.getOutputRowForOutputPin(0);
-    row->setColName(names);
-    row->setMetaData(types);
+    columns.names << m_extractor.columnNames();
+    columns.types.resize(columns.names.size(), MetaInfo(MetaInfo::Unknown, -1));
+    return columns;
 }
 
 // ---- Documents.
 
 bool LevelRun::begin(ByteSource &source)
 {
-    markup::MarkupTokenizer *const tokenizer = m_format.beginDocument(source, sourceName());
-    if (tokenizer == nullptr) {
-        return false;
+    markup::MarkupTokenizer *const tokenizer = m_format.beginDocument(source, documentName());
+    if (tokenizer != nullptr) {
+        m_extractor.beginDocument(*tokenizer);
     }
-    m_extractor.beginDocument(*tokenizer);
-    m_isOpen = m_anyDocument = true;
+    return tokenizer != nullptr;
+}
+
+/// Put the cells of the document's next row into `row`. Returns false when the run has ended.
+bool LevelRun::next(OneRow &row, Found *found)
+{
+    PinArena arena(m_action);
+    const LevelExtractor::Outcome outcome = m_extractor.next(arena);
+    *found = outcome == LevelExtractor::Outcome::Row ? Found::Row : Found::End;
+    switch (outcome) {
+    case LevelExtractor::Outcome::Row:
+        putCells(row);
+        break;
+    case LevelExtractor::Outcome::End:
+        return documentEnds();
+    case LevelExtractor::Outcome::Fault:
+        return documentFails();
+    }
     return true;
 }
 
-bool LevelRun::openNext()
+void LevelRun::putCells(OneRow &row)
 {
-    return m_input.isFromPin ? openNextText() : openNextFile();
-}
-
-bool LevelRun::openNextFile()
-{
-    while (m_nextFile < m_files.size() && isGood()) {
-        const QString name = m_files[m_nextFile];
-        ++m_nextFile;
-        if (openFile(name)) {
-            return begin(*m_fileBytes);
-        }
-        if (!isGood() || !m_format.fileIsMissing(name)) {
-            return false;
-        }
-    }
-    return false;
-}
-
-bool LevelRun::openFile(const QString &name)
-{
-    const auto open = [&] {
-        m_file = std::make_unique<InputFile>(m_action.globalParameters(), name, true);
-        return m_file->isOpen();
-    };
-    if (!open() && !retryOpening(name, m_input.retries, m_control, open)) {
-        return false;
-    }
-    const auto files = static_cast<float>(m_files.size());
-    const auto before = static_cast<float>(m_nextFile - 1);
-    m_fileBytes = std::make_unique<FileBytes>(*this, before / files, 1 / files);
-    m_fileNameArena.reset();
-    m_fileNameCell = markup::textCell(m_fileNameArena, name.toStdU16String());
-    m_extractor.beginFile();
-    return true;
-}
-
-bool LevelRun::openNextText()
-{
-    if (!m_texts->nextRow()) {
-        // Not when it is the run that ended, and not when there was nothing to look at.
-        if (isGood() && m_anyDocument) {
-            warnMissingPaths(m_input.column);
-        }
-        return false;
-    }
-    return begin(*m_texts);
-}
-
-void LevelRun::putRow()
-{
-    OneRow *const row = m_action.getOutputRowForOutputPin(0);
-    int column = 0;
-    for (; column < m_firstColumn; ++column) {
-        row->setCol(column, m_texts->row()->getAllColForWrite()[column]);
-    }
+    int column = m_firstColumn;
     for (const uchar *cell : m_extractor.cells()) {
-        row->setCol(column++, cell);
+        row.setCol(column++, cell);
     }
-    if (column < row->numberOfColumns()) {
-        row->setCol(column, m_fileNameCell);
-    }
-    m_action.setRowReadyForOutput(0);
-}
-
-/// The name of what is read, for messages.
-QString LevelRun::sourceName() const
-{
-    if (!m_input.isFromPin) {
-        return m_files[m_nextFile - 1];
-    }
-    return u"%1 (row %2)"_s.arg(m_input.column, QString::number(m_texts->rowNumber()));
 }
 
 bool LevelRun::documentEnds()
 {
-    m_isOpen = false;
-    if (!isGood()) {
+    if (!m_action.runIsGood()) {
         return false;
     }
-    m_format.documentEnds(sourceName());
+    m_format.documentEnds(documentName());
     if (!m_input.isFromPin) {
-        warnMissingPaths(sourceName());
+        warnMissingPaths(documentName());
     }
     return true;
 }
 
 bool LevelRun::documentFails()
 {
-    m_isOpen = false;
-    return isGood() && m_format.documentFails(m_extractor.result(), sourceName(),
-                                              m_input.isFromPin ? QString() : m_file->failure());
+    return m_action.runIsGood() &&
+           m_format.documentFails(m_extractor.result(), documentName(),
+                                  m_file == nullptr ? QString() : m_file->failure());
+}
+
+/// The name of the document, for messages. A stream of texts has reached some row of the pin.
+QString LevelRun::documentName() const
+{
+    return m_input.isFromPin
+               ? u"%1 (row %2)"_s.arg(m_input.column, QString::number(m_texts->rowNumber()))
+               : m_fileName;
 }
 
 void LevelRun::warnMissingPaths(const QString &name)
@@ -272,6 +198,57 @@ void LevelRun::warnMissingPaths(const QString &name)
     for (const QString &path : m_extractor.missingPaths()) {
         m_format.pathIsMissing(path, name);
     }
+}
+
+// ---- Files.
+
+FileSeries::Opened LevelRun::openFile(const QString &name)
+{
+    auto file = std::make_unique<File>(*this, name);
+    if (!file->input().file.isOpen()) {
+        return Fault{FileSeries::OpenError::Missing};
+    }
+    m_fileName = name;
+    m_file = &file->input().file;
+    m_extractor.beginFile();
+    if (!begin(file->input())) {
+        return Fault{FileSeries::OpenError::Failed};
+    }
+    return FileSeries::Opened(std::move(file));
+}
+
+// ---- Texts of the input pin.
+
+bool LevelRun::stepTexts()
+{
+    OneRow &row = *m_action.getOutputRowForOutputPin(0);
+    while (!m_action.yieldRequested()) {
+        Found found = Found::Nothing;
+        if ((!m_isOpen && !nextText()) || !next(row, &found)) {
+            return false;
+        }
+        m_isOpen = found == Found::Row;
+        if (m_isOpen) {
+            for (int i = 0; i < m_firstColumn; ++i) {
+                row.setCol(i, m_texts->row()->getAllColForWrite()[i]);
+            }
+            m_action.setRowReadyForOutput(0);
+        }
+    }
+    return true;
+}
+
+bool LevelRun::nextText()
+{
+    if (!m_texts->nextRow()) {
+        // Not when the run has ended, and not when no row had a text.
+        if (m_action.runIsGood() && m_anyText) {
+            warnMissingPaths(m_input.column);
+        }
+        return false;
+    }
+    m_anyText = true;
+    return begin(*m_texts);
 }
 
 } // namespace corvanta

@@ -1,49 +1,49 @@
-// readers/level_run.h
-// What the JSON and the XML reader have in common: the documents of files, or of the rows of input
-// pin 0, become the rows of output pin 0, level by level.
+// The run of readJSON and readXML: the documents of files, or of the rows of input pin 0, become
+// the rows of output pin 0, level by level.
 #pragma once
+#include "actions/shared/file_series.h"
 #include "actions/shared/pin_text.h"
 #include "actions/shared/read_levels.h"
 #include "codecs/markup/level_extractor.h"
-#include "corvanta/action_item.h"
+#include "corvanta/action_base.h"
 #include "io/input/input_file.h"
 
-#include <atomic>
 #include <memory>
 
 namespace corvanta {
 
-/// One run of a reader. Threads: one at a time.
-class LevelRun
+/// One run of a reader. Threads: the one that runs the action.
+class LevelRun final : private FileSeries::Format
 {
 public:
-    /// Where the documents come from, and what stands beside the cells of the levels.
+    /// Where the documents come from, and the columns other than those of the levels.
     struct Input
     {
-        QString fileName; ///< expanded; may be a pattern
+        QString fileName; ///< may be a pattern; expanded by the run
         bool isFromPin = false;
         QString column; ///< of pin 0, that holds the documents
         PinText::Mode mode = PinText::Mode::RowByRow;
         bool copiesInput = false; ///< the columns of the input row come first
         bool namesFiles = false;  ///< a last column with the name of the file
-        int retries = 0;          ///< of a file that cannot be opened; negative: for ever
+        int retries = 0;          ///< of a file that cannot be opened; negative: no limit
     };
 
     /// What differs between the formats: how tokens are made, and the messages. Functions that
-    /// answer a bool answer false when they failed the run.
+    /// return a bool return false when they failed the run.
     class Format
     {
     public:
-        /// A tokenizer for the document that `source` holds; the one before is not needed any more.
-        /// Null when the run was failed.
+        /// A tokenizer for the document in `source`; the tokenizer of the document before is not
+        /// used any more. Null when the run was failed.
         virtual markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) = 0;
         /// The document was read to its end.
         virtual void documentEnds(const QString &name) = 0;
-        /// It could not be. `why` is the message of the input file, if it is the input that failed.
+        /// The document is invalid. `why` is the message of the input file if that failed, else
+        /// empty.
         virtual bool documentFails(const markup::MarkupResult &result, const QString &name,
                                    const QString &why) = 0;
         virtual bool fileIsMissing(const QString &name) = 0;
-        virtual void columnIsMissing(const QString &name) = 0;
+        virtual bool columnIsMissing(const QString &name) = 0;
         virtual void pathIsMissing(const QString &path, const QString &name) = 0;
         /// With PinText::Mode::Stream: a value is not complete where the text of a row ends.
         virtual bool isInsideValue() const = 0;
@@ -52,60 +52,60 @@ public:
         ~Format() = default;
     };
 
-    /// `levels` is not empty. `progress` is kept up to date; all references must outlive the run.
-    LevelRun(ActionItem &action, const RunControl &control, Format &format, Input input,
-             const std::vector<ReadLevel> &levels, const markup::ExtractOptions &options,
-             std::atomic<float> *progress);
-    ~LevelRun();
+    /// `levels` is not empty. `series` is a member of the action; all references must outlive the
+    /// run.
+    LevelRun(ActionBase &action, FileSeries &series, Format &format, Input input,
+             const std::vector<ReadLevel> &levels, const markup::ExtractOptions &options);
 
     /// One call of the run function: see ActionBase::step().
     bool step();
 
-    /// Columns of the output pin; 0 before the first document.
+    /// Columns of the output pin; 0 before the first call of step().
     int columnCount() const { return m_columnCount; }
     /// Bytes of the first block of a record's tree.
     void setBlockSize(qint64 bytes) { m_extractor.setBlockSize(bytes); }
 
 private:
-    class FileBytes;
+    class File;
+    using Found = SeriesFile::Found;
 
-    bool isGood() const { return m_control.isRunning() && m_action.errorFlag() == 0; }
     bool prepare();
-    void describeColumns(const OneRow *input);
-    bool openNext();
-    bool openNextFile();
-    bool openFile(const QString &name);
-    bool openNextText();
+    bool prepareTexts();
+    TableSchema columns(const OneRow *input) const;
     bool begin(ByteSource &source);
-    void putRow();
+    bool next(OneRow &row, Found *found);
+    void putCells(OneRow &row);
     bool documentEnds();
     bool documentFails();
     void warnMissingPaths(const QString &name);
-    QString sourceName() const;
+    QString documentName() const;
 
-    ActionItem &m_action;
-    const RunControl &m_control;
+    // Files.
+    FileSeries::Opened openFile(const QString &name) override;
+    bool reportMissing(const QString &name) override { return m_format.fileIsMissing(name); }
+    bool reportUnreadable(const QString &name) override { return reportMissing(name); }
+    bool reportMismatch(const ColumnMismatch &) override { return true; }
+
+    // Texts of the input pin.
+    bool stepTexts();
+    bool nextText();
+
+    ActionBase &m_action;
+    FileSeries &m_series;
     Format &m_format;
-    Input m_input;
-    std::atomic<float> *m_progress;
+    const Input m_input;
     markup::LevelExtractor m_extractor;
     bool m_isPrepared = false;
-    bool m_isOpen = false; ///< a document is being read
-    bool m_anyDocument = false;
     int m_firstColumn = 0; ///< of the extractor's cells
     int m_columnCount = 0;
-    // files
-    QStringList m_files;
-    qsizetype m_nextFile = 0;
-    std::unique_ptr<InputFile> m_file;
-    std::unique_ptr<FileBytes> m_fileBytes;
-    const uchar *m_fileNameCell = nullptr;
-    markup::BlockArena m_fileNameArena;
-    // texts of the input pin
+    QString m_fileName;
+    const InputFile *m_file = nullptr; ///< of the document; null with texts of the input pin
     std::unique_ptr<PinText> m_texts;
+    bool m_isOpen = false;  ///< a text is being read
+    bool m_anyText = false; ///< one has been
 };
 
-/// True when one of the levels says what to take from its occurrences.
+/// True when one of the levels has items.
 bool hasItems(const std::vector<ReadLevel> &levels);
 
 } // namespace corvanta

@@ -10,9 +10,9 @@ namespace corvanta {
 
 namespace {
 
-/// Put in front of a document and behind it. As many bytes as a decoder looks at to find a
-/// byte-order mark, so that it does not ask for the next row to see them.
-constexpr size_t kBlanks = 4;
+/// Added before and after a document. As many bytes as a decoder reads to find a byte-order mark,
+/// so that the decoder does not wait for the next row.
+constexpr size_t kSpaces = 4;
 
 } // namespace
 
@@ -48,10 +48,10 @@ bool PinText::nextRow()
         text += isMarked ? 1 : 0;
         n -= isMarked ? 1 : 0;
         if (n > 0) {
-            m_bytes.assign(kBlanks + static_cast<size_t>(n) * 3, ' ');
-            m_bytes.resize(kBlanks +
-                           static_cast<size_t>(utf16ToUtf8(text, n, m_bytes.data() + kBlanks)));
-            m_isParted = false;
+            m_bytes.assign(kSpaces + static_cast<size_t>(n) * 3, ' ');
+            m_bytes.resize(kSpaces +
+                           static_cast<size_t>(utf16ToUtf8(text, n, m_bytes.data() + kSpaces)));
+            m_isSeparated = false;
             return true;
         }
     }
@@ -61,13 +61,13 @@ bool PinText::nextRow()
 qint64 PinText::read(void *buffer, qint64 n)
 {
     if (m_at == m_bytes.size() && m_mode == Mode::Stream) {
-        if (!m_isParted && !m_isInsideValue()) {
-            // A number at the top has its end here, while its row is still the one at hand.
-            m_bytes.assign(kBlanks, ' ');
+        if (!m_isSeparated && !m_isInsideValue()) {
+            // A number at the top level ends here, while its row is still the current one.
+            m_bytes.assign(kSpaces, ' ');
             m_at = 0;
-            m_isParted = true;
+            m_isSeparated = true;
         } else if (nextRow()) {
-            m_at = kBlanks;
+            m_at = kSpaces;
         } else {
             return 0;
         }

@@ -1,5 +1,4 @@
-// readers/pin_text.h
-// Documents that come as texts in the rows of input pin 0.
+// Reads documents from the texts in the rows of input pin 0.
 #pragma once
 #include "base/byte_source.h"
 #include "corvanta/action_item.h"
@@ -14,20 +13,21 @@ class PinText final : public ByteSource
 {
 public:
     enum class Mode : quint8 {
-        RowByRow, ///< the bytes of one row; nextRow() goes on
-        Stream,   ///< the bytes of all rows, each fetched when the one before is used up
+        RowByRow, ///< the bytes of one row; nextRow() starts the next one
+        Stream,   ///< the bytes of all rows; the next row is taken when one is used up
     };
 
-    /// `isInsideValue` says, when a row is used up in a stream, whether a value of the document
-    /// goes on in the next row; otherwise blanks are put behind it. `first` is the row of the
-    /// pin that the caller has taken already; null: there is none.
+    /// `isInsideValue` is called when a row of a stream is used up. It returns whether a value of
+    /// the document continues in the next row; if not, spaces are added after the row. `first` is
+    /// the row of the pin that the caller has already taken; null: there is none.
     PinText(ActionItem &action, int column, Mode mode, const OneRow *first,
             std::function<bool()> isInsideValue);
 
-    /// Go to the next row that has a text, and forget what is left of this one; false at the end.
+    /// Go to the next row that has a text, and discard the rest of this one. Returns false at the
+    /// end.
     bool nextRow();
 
-    /// The row at hand; valid after nextRow() answered true.
+    /// The current row; valid after nextRow() returned true.
     const OneRow *row() const { return m_row; }
     /// Its number, counted from 1.
     qint64 rowNumber() const { return m_rowNumber; }
@@ -48,7 +48,7 @@ private:
     qint64 m_rowNumber = 0;
     std::vector<char> m_bytes;
     size_t m_at = 0;
-    bool m_isParted = false; ///< blanks were put behind the row's text
+    bool m_isSeparated = false; ///< spaces were added after the row's text
 };
 
 } // namespace corvanta

@@ -1,0 +1,195 @@
+#include "actions/read_xbf/xbf_file.h"
+
+#include "actions/read_xbf/memo_name.h"
+#include "base/checked.h"
+#include "io/input/whole_input.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// Upper limit of one read, whatever the parameter says: a stopped run waits for it to end.
+constexpr qint64 kMaxReadBytes = 64 * 1024 * 1024;
+
+qint64 bufferBytes(const ReadXbfParams &params)
+{
+    return std::min(clampedMiBToBytes(params.bufferSize), kMaxReadBytes);
+}
+
+} // namespace
+
+XbfFile::XbfFile(ActionBase &action, const QString &name)
+    : m_action(action)
+    , m_name(name)
+    , m_input(openInput(name))
+{
+}
+
+std::unique_ptr<RunInput> XbfFile::openInput(const QString &name) const
+{
+    return std::make_unique<RunInput>(m_action.globalParameters(), m_action.control(), name, false);
+}
+
+FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
+                                 const dbf::TextDecoder &decoder, const ReadXbfParams &params)
+{
+    std::unique_ptr<XbfFile> file(new XbfFile(action, name)); // the constructor is private
+    if (!file->m_input->file.isOpen()) {
+        return Fault{FileSeries::OpenError::Missing};
+    }
+    auto reader =
+        dbf::TableReader::open(*file->m_input, decoder, params.level7, bufferBytes(params));
+    if (!reader) {
+        file->fail(reader.fault());
+        return Fault{FileSeries::OpenError::Failed};
+    }
+    file->m_reader = *std::move(reader);
+    if (params.useDBT && file->m_reader->header().hasMemoFields()) {
+        file->openMemo(params);
+    }
+    return FileSeries::Opened(std::move(file));
+}
+
+/// Open the table's memo file, if there is one.
+void XbfFile::openMemo(const ReadXbfParams &params)
+{
+    const dbf::TableHeader &header = m_reader->header();
+    for (const QString &name : memoFileNames(m_name, m_input->file)) {
+        auto input = openInput(name);
+        if (!input->file.isOpen()) {
+            continue;
+        }
+        const bool isFoxPro = name.section(u'/', -1).contains(u".fpt"_s, Qt::CaseInsensitive);
+        const bool inMemory = params.dbtInRam || !input->file.isRandomAccess();
+        m_memoName = name;
+        m_memoInput = std::move(input);
+        m_memo = std::make_unique<dbf::MemoFile>(
+            *m_memoInput, isFoxPro ? dbf::MemoFormat::FoxPro : dbf::memoFormatOf(header),
+            inMemory ? dbf::MemoFile::Access::InMemory : dbf::MemoFile::Access::Buffered,
+            bufferBytes(params));
+        m_reader->setMemoFile(m_memo.get());
+        return;
+    }
+    if (header.announcesMemoFile()) {
+        m_action.warn(u"Warning: cannot open memo file\n"_s);
+    }
+}
+
+TableSchema XbfFile::columns() const
+{
+    TableSchema columns;
+    for (size_t i = 0; i < m_reader->columns().size(); ++i) {
+        columns.names << m_reader->columnName(i);
+        columns.types << MetaInfo(m_reader->columns()[i].cell);
+    }
+    return columns;
+}
+
+float XbfFile::fractionDone() const
+{
+    return std::max(m_input->file.getProgress(), 0.0F);
+}
+
+// ---- Rows.
+
+bool XbfFile::next(OneRow &row, Found *found)
+{
+    const auto record = m_reader->next();
+    if (!record) {
+        return fail(record.fault());
+    }
+    switch (*record) {
+    case dbf::TableReader::Found::Record:
+        *found = Found::Row;
+        return putCells(row);
+    case dbf::TableReader::Found::DeletedRecord:
+        *found = Found::Nothing;
+        break;
+    case dbf::TableReader::Found::End:
+        *found = Found::End;
+        break;
+    }
+    return true;
+}
+
+bool XbfFile::putCells(OneRow &row)
+{
+    RowBuffer *const buffer = m_action.bufferForOutputPin(0);
+    const auto columns = static_cast<int>(m_reader->columns().size());
+    for (int i = 0; i < columns; ++i) {
+        const uchar *const cell = m_reader->cell(static_cast<size_t>(i), *buffer);
+        if (cell == nullptr) {
+            return fail(m_reader->fault());
+        }
+        row.setCol(i, cell);
+    }
+    return true;
+}
+
+bool XbfFile::finish()
+{
+    warnFindings();
+    return m_input->file.isRandomAccess() || readToEnd(*m_input) || fail({dbf::Error::Unreadable});
+}
+
+void XbfFile::warnFindings()
+{
+    const dbf::Findings &findings = m_reader->findings();
+    const quint32 count = m_reader->header().recordCount;
+    if (findings.endsBeforeCount) {
+        m_action.warn(
+            u"Warning: the DBF file '%1' has %2 records, not %3 as its header says\n"_s.arg(
+                m_name, QString::number(findings.records), QString::number(count)));
+    }
+    if (findings.goesOnBehindCount) {
+        m_action.warn(
+            u"Warning: the DBF file '%1' has more than the %2 records that its header says: they are not read\n"_s
+                .arg(m_name, QString::number(count)));
+    }
+    if (findings.unreadableMemos > 0) {
+        m_action.warn(
+            u"Warning: %2 memo texts of the DBF file '%1' cannot be found in its memo file\n"_s.arg(
+                m_name, QString::number(findings.unreadableMemos)));
+    }
+}
+
+// ---- Failures.
+
+/// Fail with the input's own message or, if it has none, with `otherwise` and the file's name.
+bool XbfFile::failOnInput(const RunInput &input, const QString &name, const QString &otherwise)
+{
+    const QString failure = input.file.failure();
+    return m_action.fail(failure.isEmpty() ? otherwise.arg(name) : failure);
+}
+
+/// Report why the table cannot be read, unless the reason is that the run has ended. Returns false.
+bool XbfFile::fail(const Fault<dbf::Error> &fault)
+{
+    if (!m_action.runIsGood()) {
+        return false;
+    }
+    switch (fault.code) {
+    case dbf::Error::UnsupportedField:
+        return m_action.fail(
+            u"ERROR: the column '%2' of the DBF file '%1' is of type '%3', which is not supported\n"_s
+                .arg(m_name, fault.detail.mid(1), fault.detail.left(1)));
+    case dbf::Error::Unreadable:
+        return failOnInput(*m_input, m_name, u"ERROR: cannot read the DBF file '%1'\n"_s);
+    case dbf::Error::MemoUnreadable:
+        return failOnInput(*m_memoInput, m_memoName, u"ERROR: cannot read the memo file '%1'\n"_s);
+    case dbf::Error::MemoTooLarge:
+        return m_action.fail(
+            u"ERROR: the memo file '%1' is too large to be kept in memory\n"_s.arg(m_memoName));
+    case dbf::Error::ShortHeader:
+    case dbf::Error::BadHeader:
+    case dbf::Error::ShortTable:
+        break;
+    }
+    return m_action.fail(u"ERROR: the DBF file '%1' is damaged: %2\n"_s.arg(m_name, fault.detail));
+}
+
+} // namespace corvanta
