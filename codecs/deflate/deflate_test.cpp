@@ -1,7 +1,7 @@
 #include "codecs/deflate/crc32.h"
 #include "codecs/deflate/deflate_stream.h"
 #include "codecs/deflate/inflater.h"
-#include "tests/support/failing_sink.h"
+#include "tests/support/sweeps.h"
 
 #include <QString>
 
@@ -211,17 +211,15 @@ TEST(Deflate, AFailedWriteIsToldOnceAndNothingIsLost)
     const std::string text = textOf(9 * kBlockBytes + 99);
     const QByteArray expected = pack(text, {}, text.size(), false).bytes;
     for (const int workers : {0, 2}) {
-        for (int failing = 0; failing < 10; ++failing) {
-            // Refused twice in a row, as a disk that is still full at the first retry.
-            test::FailingSink sink(
-                [failing](int call) { return call == failing || call == failing + 1; });
+        // Refused twice in a row, as by a disk that is still full at the first retry.
+        test::forEveryFailedWrite(10, 1, [&](test::FailingSink &sink) {
             DeflateStream stream(sink, {{}, workers});
             stream.begin();
             int faults = repeat([&] { return stream.write(text); });
             faults += repeat([&] { return stream.finish(); });
-            EXPECT_EQ(faults, 2) << failing;
-            EXPECT_EQ(sink.bytes(), expected) << failing;
-        }
+            EXPECT_EQ(faults, 2);
+            EXPECT_EQ(sink.bytes(), expected);
+        });
     }
 }
 
@@ -270,15 +268,15 @@ TEST(Inflate, SmallPiecesAndDamage)
     const QByteArray packed = pack(text, {}, text.size(), false).bytes;
     for (auto make : {makeInflater, makeZlibInflater}) {
         const auto inflater = make();
-        for (const size_t piece : {1, 2, 3, 7, 64}) {
+        test::forEverySplit([&](size_t piece) {
             EXPECT_EQ(inflateBy(*inflater, viewOf(packed), piece, piece).bytes, text);
             inflater->reset();
-        }
-        for (qsizetype cut = 0; cut < packed.size(); ++cut) {
-            const Inflated back = inflateBy(*inflater, viewOf(packed.left(cut)), 50, 5000);
-            EXPECT_NE(back.state, Inflater::State::End) << cut;
+        });
+        test::forEveryTruncation(packed, [&](const QByteArray &cut) {
+            const Inflated back = inflateBy(*inflater, viewOf(cut), 50, 5000);
+            EXPECT_NE(back.state, Inflater::State::End);
             inflater->reset();
-        }
+        });
         EXPECT_EQ(inflateBy(*inflater, "\xff\xff\xff\xff", 4, 5000).state, Inflater::State::Bad);
         inflater->reset();
     }

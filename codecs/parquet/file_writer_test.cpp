@@ -1,6 +1,7 @@
 // What is written is read back with equal values, however it is written.
 #include "codecs/parquet/file_writer.h"
 #include "codecs/parquet/table_reader.h"
+#include "tests/support/sweeps.h"
 
 #include <gtest/gtest.h>
 
@@ -303,12 +304,9 @@ TEST(ParquetReader, DamageAnywhereIsAFaultOrOtherRows)
         }
         return true;
     };
-    for (qsizetype i = 0; i < written.bytes.size(); ++i) {
-        QByteArray damaged = written.bytes;
-        damaged[i] = static_cast<char>(damaged[i] ^ (1 << (i % 8)));
-        ASSERT_TRUE(survives(damaged)) << "bit of byte " << i;
-        ASSERT_TRUE(survives(written.bytes.left(i))) << "cut at " << i;
-    }
+    const auto check = [&](const QByteArray &damaged) { ASSERT_TRUE(survives(damaged)); };
+    test::forEveryFlip(written.bytes, check, written.bytes.size());
+    test::forEveryTruncation(written.bytes, check);
 }
 
 TEST(ParquetReader, OneAndManyWorkersGiveTheSameRowsAndStopAnywhere)

@@ -3,6 +3,7 @@
 #include "codecs/zip/package_writer.h"
 #include "codecs/zip/zip_format.h"
 #include "tests/support/corpus.h"
+#include "tests/support/sweeps.h"
 
 #include <QCryptographicHash>
 #include <QRegularExpression>
@@ -154,29 +155,23 @@ QByteArray readAll(QByteArrayView bytes)
 
 TEST(PackageReader, ACutPackageIsNone)
 {
-    const QByteArray package = packageOf(kParts);
-    for (qsizetype cut = 0; cut < package.size(); ++cut) {
-        EXPECT_EQ(readAll(QByteArrayView(package).first(cut)), "unopened") << cut;
-    }
+    test::forEveryTruncation(packageOf(kParts),
+                             [](const QByteArray &cut) { EXPECT_EQ(readAll(cut), "unopened"); });
 }
 
 // Whatever bit is wrong: no member comes with bytes that are not its own.
 TEST(PackageReader, AFlippedBitNeverGivesWrongBytes)
 {
-    const QByteArray good = packageOf(kParts);
-    QByteArray package = good;
-    for (qsizetype bit = 0; bit < 8 * package.size(); ++bit) {
-        package[bit / 8] = static_cast<char>(package[bit / 8] ^ (1 << bit % 8));
+    test::forEveryFlip(packageOf(kParts), [](const QByteArray &package) {
         Opened opened(package);
         for (const Part &part : kParts) {
             const auto whole = opened.reader ? opened.reader->readWhole(part.name)
                                              : Result<QByteArray, Error>(Fault{opened.error});
             if (whole) {
-                EXPECT_EQ(*whole, part.bytes) << bit;
+                EXPECT_EQ(*whole, part.bytes);
             }
         }
-        package[bit / 8] = good[bit / 8];
-    }
+    });
 }
 
 TEST(PackageReader, RefusesWhatIsNoPackage)

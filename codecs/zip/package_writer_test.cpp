@@ -1,6 +1,6 @@
 #include "codecs/zip/package_writer.h"
 #include "codecs/zip/zip_format.h"
-#include "tests/support/failing_sink.h"
+#include "tests/support/sweeps.h"
 
 #include <QFile>
 #include <QProcess>
@@ -129,12 +129,10 @@ TEST(PackageWriter, EveryRefusedWriteCanBeRepeated)
     test::FailingSink counter([](int) { return false; });
     EXPECT_EQ(writeParts(parts, counter, {}), 0);
     ASSERT_GT(counter.calls(), 12);
-    for (int failing = 0; failing < counter.calls(); ++failing) {
-        test::FailingSink sink(
-            [failing](int call) { return call == failing || call == failing + 1; });
-        EXPECT_EQ(writeParts(parts, sink, {}), 2) << failing;
-        EXPECT_EQ(sink.bytes(), counter.bytes()) << failing;
-    }
+    test::forEveryFailedWrite(counter.calls(), 1, [&](test::FailingSink &sink) {
+        EXPECT_EQ(writeParts(parts, sink, {}), 2);
+        EXPECT_EQ(sink.bytes(), counter.bytes());
+    });
 }
 
 TEST(PackageWriter, RefusesNames)
