@@ -10,7 +10,7 @@
 namespace {
 
 using namespace corvanta;
-using namespace corvanta::package;
+using namespace corvanta::zip;
 
 constexpr qsizetype kSheetBytes = 64'000'000;
 

@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 using namespace corvanta;
-using namespace corvanta::package;
+using namespace corvanta::zip;
 
 static void require(bool isTrue)
 {

@@ -26,7 +26,7 @@ const Markup kFormulaClosing("</f></c>");
 
 } // namespace
 
-SheetWriter::SheetWriter(package::PackageWriter &package, SheetOptions options,
+SheetWriter::SheetWriter(zip::PackageWriter &package, SheetOptions options,
                          std::vector<Column> columns, sheet::DateParser *dates,
                          std::function<void()> tooLong, std::function<bool()> retry)
     : m_package(package)
@@ -62,7 +62,7 @@ bool SheetWriter::makeRoom(size_t bytes)
             m_end = m_begin + room->size();
             return true;
         }
-        if (room.fault().code != package::Error::WriteFailed || !m_retry()) {
+        if (room.fault().code != zip::Error::WriteFailed || !m_retry()) {
             return false;
         }
     }
@@ -90,8 +90,7 @@ void SheetWriter::appendReference(int column)
 SheetWriter::Error SheetWriter::put(QByteArrayView xml)
 {
     while (!xml.isEmpty()) {
-        const qsizetype piece =
-            std::min<qsizetype>(xml.size(), package::PackageWriter::kMaxRoomBytes);
+        const qsizetype piece = std::min<qsizetype>(xml.size(), zip::PackageWriter::kMaxRoomBytes);
         if (!room(static_cast<size_t>(piece))) {
             return Error::Write;
         }

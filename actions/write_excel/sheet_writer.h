@@ -67,7 +67,7 @@ public:
 
     /// `tooLong` is called for pieces of text beyond what a cell may hold, `retry` is asked after a
     /// failed write whether to try again. `package` and `dates` outlive the writer.
-    SheetWriter(package::PackageWriter &package, SheetOptions options, std::vector<Column> columns,
+    SheetWriter(zip::PackageWriter &package, SheetOptions options, std::vector<Column> columns,
                 sheet::DateParser *dates, std::function<void()> tooLong,
                 std::function<bool()> retry);
 
@@ -111,7 +111,7 @@ private:
     Error putLongEscaped(int column, const Markup &opening, std::u16string_view text,
                          const Markup &closing);
 
-    package::PackageWriter &m_package;
+    zip::PackageWriter &m_package;
     SheetOptions m_options;
     std::vector<Column> m_columns;
     std::vector<Markup> m_references; // <c r="XFD, behind it the row number

@@ -103,8 +103,8 @@ std::optional<QStringList> soundSheetNames(const QString &file)
     if (!input) {
         return std::nullopt;
     }
-    package::PackageReader &reader = (*input)->reader();
-    for (const package::Member &member : reader.members()) {
+    zip::PackageReader &reader = (*input)->reader();
+    for (const zip::Member &member : reader.members()) {
         if (!reader.readRaw(member)) {
             return std::nullopt;
         }

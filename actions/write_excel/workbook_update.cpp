@@ -21,30 +21,30 @@ Fault<Problem> notUnderstood()
 }
 
 /// What a fault of reading or copying `member` means.
-Fault<Problem> memberFault(package::Error error, const QByteArray &member)
+Fault<Problem> memberFault(zip::Error error, const QByteArray &member)
 {
     const QString name = QString::fromUtf8(member);
     switch (error) {
-    case package::Error::ReadFailed:
-    case package::Error::BadData:
-    case package::Error::BadSize:
-    case package::Error::BadChecksum:
-    case package::Error::TooLarge:
+    case zip::Error::ReadFailed:
+    case zip::Error::BadData:
+    case zip::Error::BadSize:
+    case zip::Error::BadChecksum:
+    case zip::Error::TooLarge:
         return {Problem::Damaged, name};
-    case package::Error::NoMember:
-    case package::Error::Encrypted:
-    case package::Error::UnknownMethod:
-    case package::Error::BadLocalHeader:
+    case zip::Error::NoMember:
+    case zip::Error::Encrypted:
+    case zip::Error::UnknownMethod:
+    case zip::Error::BadLocalHeader:
         return {Problem::NoMember, name};
-    case package::Error::BadName:
-    case package::Error::NameTaken:
+    case zip::Error::BadName:
+    case zip::Error::NameTaken:
         return {Problem::NotAdded, name};
-    case package::Error::NotAPackage:
-    case package::Error::BadDirectory:
+    case zip::Error::NotAPackage:
+    case zip::Error::BadDirectory:
         return {Problem::NotUnderstood, name};
-    case package::Error::WriteFailed:
-    case package::Error::Stopped:
-    case package::Error::NoMemory:
+    case zip::Error::WriteFailed:
+    case zip::Error::Stopped:
+    case zip::Error::NoMemory:
         break;
     }
     return {Problem::Write, name};
@@ -72,11 +72,11 @@ QByteArray cellName(const SheetWriter::LinkUse &use)
 template <class F> Result<void, Problem> WorkbookUpdate::call(F operation, const QByteArray &member)
 {
     for (;;) {
-        const Result<void, package::Error> done = operation();
+        const Result<void, zip::Error> done = operation();
         if (done) {
             return {};
         }
-        if (done.fault().code != package::Error::WriteFailed || !m_asked.retry()) {
+        if (done.fault().code != zip::Error::WriteFailed || !m_asked.retry()) {
             return memberFault(done.fault().code, member);
         }
     }
@@ -113,7 +113,7 @@ Result<QByteArray, Problem> WorkbookUpdate::readPart(const QByteArray &partName)
 Result<void, Problem> WorkbookUpdate::readParts()
 {
     std::vector<QByteArray> names;
-    for (const package::Member &member : m_input->reader().members()) {
+    for (const zip::Member &member : m_input->reader().members()) {
         names.push_back(member.name);
     }
     m_members = xlsx::MemberNames(names);
@@ -278,7 +278,7 @@ WorkbookUpdate::Styles WorkbookUpdate::changeStyles(const xlsx::DateFormat &date
     return changed->hadNoCellFormats ? Styles::AddedTable : Styles::Added;
 }
 
-Result<void, Problem> WorkbookUpdate::writeMember(package::PackageWriter &output,
+Result<void, Problem> WorkbookUpdate::writeMember(zip::PackageWriter &output,
                                                   const QByteArray &name, const QByteArray &content)
 {
     auto done = call([&] { return output.openMember(name); }, name);
@@ -288,13 +288,13 @@ Result<void, Problem> WorkbookUpdate::writeMember(package::PackageWriter &output
     return done ? call([&] { return output.closeMember(); }, name) : done;
 }
 
-Result<void, Problem> WorkbookUpdate::copyMember(package::PackageWriter &output,
-                                                 const package::Member &member)
+Result<void, Problem> WorkbookUpdate::copyMember(zip::PackageWriter &output,
+                                                 const zip::Member &member)
 {
     return call([&] { return output.copyRaw(m_input->reader(), member); }, member.name);
 }
 
-Result<void, Problem> WorkbookUpdate::copyMembers(package::PackageWriter &output)
+Result<void, Problem> WorkbookUpdate::copyMembers(zip::PackageWriter &output)
 {
     std::set<QByteArray> taken{m_typesName, m_workbookName, m_relationshipsName, m_sheetMember,
                                m_sheetRelationshipsName};
@@ -302,7 +302,7 @@ Result<void, Problem> WorkbookUpdate::copyMembers(package::PackageWriter &output
         taken.insert(m_stylesName);
     }
     auto done = writeMember(output, m_typesName, m_typesText);
-    for (const package::Member &member : m_input->reader().members()) {
+    for (const zip::Member &member : m_input->reader().members()) {
         if (done && !m_asked.isGoing()) {
             done = Fault{Problem::Stopped};
         }
@@ -314,7 +314,7 @@ Result<void, Problem> WorkbookUpdate::copyMembers(package::PackageWriter &output
     return done && !m_stylesText.isEmpty() ? writeMember(output, m_stylesName, m_stylesText) : done;
 }
 
-Result<void, Problem> WorkbookUpdate::openSheet(package::PackageWriter &output, SheetWriter &sheet)
+Result<void, Problem> WorkbookUpdate::openSheet(zip::PackageWriter &output, SheetWriter &sheet)
 {
     if (const auto opened = call([&] { return output.openMember(m_sheetMember); }, m_sheetMember);
         !opened) {
@@ -360,8 +360,7 @@ Result<void, Problem> WorkbookUpdate::streamSheet(SheetWriter &sheet)
                                                                          : Fault{Problem::Write};
 }
 
-Result<void, Problem> WorkbookUpdate::finishSheet(package::PackageWriter &output,
-                                                  SheetWriter &sheet)
+Result<void, Problem> WorkbookUpdate::finishSheet(zip::PackageWriter &output, SheetWriter &sheet)
 {
     QByteArray tail = sheet::sheetEndOfRows() + sheet::sheetTail();
     QByteArray rootTag = sheet::sheetHead().sliced(sheet::sheetHead().indexOf("<worksheet"));
@@ -389,13 +388,13 @@ Result<void, Problem> WorkbookUpdate::finishSheet(package::PackageWriter &output
     return call([&] { return output.closeMember(); }, m_sheetMember);
 }
 
-Result<void, Problem> WorkbookUpdate::writeSheetRelationships(package::PackageWriter &output,
+Result<void, Problem> WorkbookUpdate::writeSheetRelationships(zip::PackageWriter &output,
                                                               const SheetWriter &sheet)
 {
     if (sheet.urls().isEmpty()) {
-        const package::Member *const kept = m_sheetRelationshipsText.isEmpty()
-                                                ? nullptr
-                                                : m_input->reader().find(m_sheetRelationshipsName);
+        const zip::Member *const kept = m_sheetRelationshipsText.isEmpty()
+                                            ? nullptr
+                                            : m_input->reader().find(m_sheetRelationshipsName);
         return kept == nullptr ? Result<void, Problem>() : copyMember(output, *kept);
     }
     const auto links =
@@ -405,7 +404,7 @@ Result<void, Problem> WorkbookUpdate::writeSheetRelationships(package::PackageWr
                 : Result<void, Problem>(notUnderstood());
 }
 
-Result<void, Problem> WorkbookUpdate::finishWorkbook(package::PackageWriter &output,
+Result<void, Problem> WorkbookUpdate::finishWorkbook(zip::PackageWriter &output,
                                                      const SheetWriter &sheet,
                                                      xlsx::WorkbookChange change)
 {

@@ -62,11 +62,11 @@ public:
     quint64 dateStyle() const { return m_dateStyle; }
     quint64 hyperlinkStyle() const { return m_hyperlinkStyle; }
 
-    Result<void, Problem> copyMembers(package::PackageWriter &output);
+    Result<void, Problem> copyMembers(zip::PackageWriter &output);
     /// Start the sheet's member, up to where the rows go.
-    Result<void, Problem> openSheet(package::PackageWriter &output, SheetWriter &sheet);
-    Result<void, Problem> finishSheet(package::PackageWriter &output, SheetWriter &sheet);
-    Result<void, Problem> finishWorkbook(package::PackageWriter &output, const SheetWriter &sheet,
+    Result<void, Problem> openSheet(zip::PackageWriter &output, SheetWriter &sheet);
+    Result<void, Problem> finishSheet(zip::PackageWriter &output, SheetWriter &sheet);
+    Result<void, Problem> finishWorkbook(zip::PackageWriter &output, const SheetWriter &sheet,
                                          xlsx::WorkbookChange change);
 
 private:
@@ -81,11 +81,11 @@ private:
     QByteArray addRelationship(const char *type, const QByteArray &part);
     void declarePart(const QByteArray &part, const char *contentType);
     QByteArray freeSheetPart() const;
-    Result<void, Problem> writeMember(package::PackageWriter &output, const QByteArray &name,
+    Result<void, Problem> writeMember(zip::PackageWriter &output, const QByteArray &name,
                                       const QByteArray &content);
-    Result<void, Problem> copyMember(package::PackageWriter &output, const package::Member &member);
+    Result<void, Problem> copyMember(zip::PackageWriter &output, const zip::Member &member);
     Result<void, Problem> streamSheet(SheetWriter &sheet);
-    Result<void, Problem> writeSheetRelationships(package::PackageWriter &output,
+    Result<void, Problem> writeSheetRelationships(zip::PackageWriter &output,
                                                   const SheetWriter &sheet);
     template <class F> Result<void, Problem> call(F operation, const QByteArray &member);
 

@@ -90,11 +90,11 @@ bool ActionWriteExcel::askRetry()
 template <class F> bool ActionWriteExcel::packageCall(F call)
 {
     for (;;) {
-        const Result<void, package::Error> done = call();
+        const Result<void, zip::Error> done = call();
         if (done) {
             return true;
         }
-        if (done.fault().code != package::Error::WriteFailed || !askRetry()) {
+        if (done.fault().code != zip::Error::WriteFailed || !askRetry()) {
             return false;
         }
     }

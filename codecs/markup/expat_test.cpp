@@ -174,10 +174,10 @@ TEST(Expat, ReadsTheSameFromTheConformanceSuite)
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray archive = file.readAll();
     MemorySource source(archive);
-    const auto opened = package::PackageReader::open(source);
+    const auto opened = zip::PackageReader::open(source);
     ASSERT_TRUE(opened);
     int compared = 0;
-    for (const package::Member &member : (*opened)->members()) {
+    for (const zip::Member &member : (*opened)->members()) {
         const bool isDocument = member.name.endsWith(".xml") && !member.name.contains("/not-wf/");
         if (isDocument && !kOtherwise.contains(QString::fromUtf8(member.name))) {
             const auto bytes = (*opened)->readWhole(member);

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <new>
 
-namespace corvanta::package {
+namespace corvanta::zip {
 
 BlockBufferedSink::BlockBufferedSink(ByteSink &target)
     : m_target(target)
@@ -84,4 +84,4 @@ bool BlockBufferedSink::flush()
     return m_target.flush();
 }
 
-} // namespace corvanta::package
+} // namespace corvanta::zip

@@ -4,7 +4,7 @@
 #include <QByteArray>
 #include <QtGlobal>
 
-namespace corvanta::package {
+namespace corvanta::zip {
 
 enum class Error : quint8 {
     // writing
@@ -43,4 +43,4 @@ struct Member
 inline constexpr quint16 kStored = 0;
 inline constexpr quint16 kDeflated = 8;
 
-} // namespace corvanta::package
+} // namespace corvanta::zip

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace corvanta::package {
+namespace corvanta::zip {
 
 MemberDecoder::MemberDecoder(const Member &member)
     : m_size(member.size)
@@ -74,4 +74,4 @@ Result<MemberDecoder::Step, Error> MemberDecoder::inflate(std::span<const char> 
     return Step{static_cast<size_t>(std::max<qint64>(step.consumed, 0)), step.produced};
 }
 
-} // namespace corvanta::package
+} // namespace corvanta::zip

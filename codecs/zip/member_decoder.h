@@ -7,7 +7,7 @@
 
 #include <span>
 
-namespace corvanta::package {
+namespace corvanta::zip {
 
 /// Threads: one at a time.
 class MemberDecoder
@@ -45,4 +45,4 @@ private:
     bool m_isAtEnd = false;
 };
 
-} // namespace corvanta::package
+} // namespace corvanta::zip

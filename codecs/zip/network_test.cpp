@@ -5,7 +5,7 @@
 
 #include <vector>
 
-namespace corvanta::package {
+namespace corvanta::zip {
 namespace {
 
 constexpr qint64 kBlock = BlockBufferedSink::kBlockBytes;
@@ -169,4 +169,4 @@ TEST(CachedSource, SeeksAnywhere)
 }
 
 } // namespace
-} // namespace corvanta::package
+} // namespace corvanta::zip

@@ -13,7 +13,7 @@
 #include <algorithm>
 #include <map>
 
-namespace corvanta::package {
+namespace corvanta::zip {
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -181,14 +181,14 @@ void writeStoredZeros(SparseFile &file, qint64 pieces, const QByteArray &piece)
         member.crc = deflate::crc32(member.crc, {piece.data(), size_t(piece.size())});
     }
     const auto put = [&file](const QByteArray &bytes) { file.write(bytes.data(), bytes.size()); };
-    put(zip::localHeader(member));
+    put(localHeader(member));
     for (qint64 i = 0; i < pieces; ++i) {
         put(piece);
     }
     QByteArray directory;
     const qint64 offset = file.position();
-    zip::appendCentralEntry(member, directory);
-    put(directory + zip::endRecords(1, offset, directory.size()));
+    appendCentralEntry(member, directory);
+    put(directory + endRecords(1, offset, directory.size()));
 }
 
 TEST(LargePackage, CopiesAndOffsetsBeyondFourGiB)
@@ -247,4 +247,4 @@ TEST(LargePackage, MoreMembersThanSixteenBitsCount)
 }
 
 } // namespace
-} // namespace corvanta::package
+} // namespace corvanta::zip

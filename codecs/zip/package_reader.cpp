@@ -5,7 +5,7 @@
 #include "codecs/zip/zip_directory.h"
 #include "codecs/zip/zip_format.h"
 
-namespace corvanta::package {
+namespace corvanta::zip {
 
 namespace {
 
@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 constexpr qint64 kChunkBytes = 256 * 1024;
 constexpr quint16 kFlagMasked = 1U << 13;
-constexpr quint16 kEncryptionFlags = zip::kFlagEncrypted | zip::kFlagStrongEncryption | kFlagMasked;
+constexpr quint16 kEncryptionFlags = kFlagEncrypted | kFlagStrongEncryption | kFlagMasked;
 
 std::span<const char> spanOf(QByteArrayView bytes)
 {
@@ -151,7 +151,7 @@ bool MemberStream::seek(qint64 offset)
 
 Result<std::unique_ptr<PackageReader>, Error> PackageReader::open(ByteSource &source)
 {
-    auto members = zip::readDirectory(source);
+    auto members = readDirectory(source);
     if (!members) {
         return members.fault();
     }
@@ -182,14 +182,14 @@ Result<qint64, Error> PackageReader::findData(const Member &member)
     if (!canHaveSize(member)) {
         return Fault{Error::BadSize, u"more than deflate can say in so few bytes"_s};
     }
-    const auto header = zip::readAt(m_source, member.headerOffset, zip::kLocalHeaderBytes);
+    const auto header = readAt(m_source, member.headerOffset, kLocalHeaderBytes);
     if (!header) {
         return header.fault();
     }
     const qint64 nameBytes = loadLE<quint16>(header->data() + 26);
     const qint64 extraBytes = loadLE<quint16>(header->data() + 28);
-    const qint64 offset = member.headerOffset + zip::kLocalHeaderBytes + nameBytes + extraBytes;
-    if (loadLE<quint32>(header->data()) != zip::kLocalSignature ||
+    const qint64 offset = member.headerOffset + kLocalHeaderBytes + nameBytes + extraBytes;
+    if (loadLE<quint32>(header->data()) != kLocalSignature ||
         loadLE<quint16>(header->data() + 8) != member.method || nameBytes != member.name.size() ||
         offset > member.dataLimit - member.compressedSize) {
         return Fault{Error::BadLocalHeader, {}, member.headerOffset};
@@ -277,4 +277,4 @@ Result<RawMember, Error> PackageReader::readRaw(const Member &member)
     }
 }
 
-} // namespace corvanta::package
+} // namespace corvanta::zip

@@ -14,7 +14,7 @@
 #include <optional>
 #include <vector>
 
-namespace corvanta::package {
+namespace corvanta::zip {
 
 /// A member with its bytes as they are stored, whose content has been verified.
 struct RawMember
@@ -111,4 +111,4 @@ private:
     QHash<QByteArray, size_t> m_byName;
 };
 
-} // namespace corvanta::package
+} // namespace corvanta::zip

@@ -12,7 +12,7 @@
 
 #include <functional>
 
-namespace corvanta::package {
+namespace corvanta::zip {
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -177,7 +177,7 @@ TEST(PackageReader, AFlippedBitNeverGivesWrongBytes)
 TEST(PackageReader, RefusesWhatIsNoPackage)
 {
     const QByteArray package = packageOf({{"a", "some bytes"}, {"b", "other bytes"}});
-    const qsizetype end = package.size() - zip::kEndBytes;
+    const qsizetype end = package.size() - kEndBytes;
     const auto entry = package.indexOf("PK\1\2");
     const auto entry2 = package.indexOf("PK\1\2", entry + 1);
     struct Case
@@ -431,4 +431,4 @@ TEST(PackageReader, AgreesWithTheFactsOfTheCorpus)
 INSTANTIATE_TEST_SUITE_P(Office, CorpusPackage, testing::Values("xlsx", "docx", "pptx", "charts"));
 
 } // namespace
-} // namespace corvanta::package
+} // namespace corvanta::zip

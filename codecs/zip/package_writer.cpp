@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <new>
 
-namespace corvanta::package {
+namespace corvanta::zip {
 
 namespace {
 
@@ -36,7 +36,7 @@ Member deflatedMember(QByteArrayView name)
 {
     Member member;
     member.name = name.toByteArray();
-    member.flags = isAscii(name) ? 0 : zip::kFlagUtf8;
+    member.flags = isAscii(name) ? 0 : kFlagUtf8;
     member.method = kDeflated;
     return member;
 }
@@ -46,7 +46,7 @@ Member deflatedMember(QByteArrayView name)
 Member copiedMember(const Member &source)
 {
     Member member = source;
-    member.flags &= zip::kFlagUtf8;
+    member.flags &= kFlagUtf8;
     return member;
 }
 
@@ -79,7 +79,7 @@ Result<void, Error> PackageWriter::startMember(const Member &member)
     }
     OpenMember open{member};
     open.member.headerOffset = m_sink.position();
-    const QByteArray header = zip::localHeader(open.member);
+    const QByteArray header = localHeader(open.member);
     open.dataOffset = open.member.headerOffset + header.size();
     if (!m_sink.write(header.data(), header.size())) {
         return Fault{Error::WriteFailed};
@@ -139,15 +139,15 @@ bool PackageWriter::completeHeader()
 {
     Member &member = m_open->member;
     qint64 end = m_open->dataOffset + member.compressedSize;
-    if (zip::hasLargeSize(member)) {
-        member.flags |= zip::kFlagDescriptor;
-        const QByteArray descriptor = zip::dataDescriptor64(member);
+    if (hasLargeSize(member)) {
+        member.flags |= kFlagDescriptor;
+        const QByteArray descriptor = dataDescriptor64(member);
         if (!writeAt(end, descriptor)) {
             return false;
         }
         end += descriptor.size();
     }
-    return writeAt(member.headerOffset, zip::localHeader(member)) && m_sink.seek(end);
+    return writeAt(member.headerOffset, localHeader(member)) && m_sink.seek(end);
 }
 
 bool PackageWriter::writeAt(qint64 offset, const QByteArray &bytes)
@@ -239,10 +239,10 @@ Result<void, Error> PackageWriter::close()
         const qint64 offset = m_sink.position();
         QByteArray directory;
         for (const Member &member : m_members) {
-            zip::appendCentralEntry(member, directory);
+            appendCentralEntry(member, directory);
         }
         const auto count = static_cast<qint64>(m_members.size());
-        directory += zip::endRecords(count, offset, directory.size());
+        directory += endRecords(count, offset, directory.size());
         if (!m_sink.write(directory.data(), directory.size())) {
             return Fault{Error::WriteFailed};
         }
@@ -272,4 +272,4 @@ RawMember deflateMember(QByteArrayView name, QByteArrayView bytes, deflate::Leve
     return raw;
 }
 
-} // namespace corvanta::package
+} // namespace corvanta::zip

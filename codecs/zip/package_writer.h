@@ -16,7 +16,7 @@
 #include <span>
 #include <vector>
 
-namespace corvanta::package {
+namespace corvanta::zip {
 
 /// Every call that answers WriteFailed may be repeated as it was (after the disk was made emptier,
 /// say): it goes on where it stopped. Any other fault is final.
@@ -91,4 +91,4 @@ private:
 /// A member deflated once, for packages that all take it in. `name` as for openMember.
 RawMember deflateMember(QByteArrayView name, QByteArrayView bytes, deflate::Level level = {});
 
-} // namespace corvanta::package
+} // namespace corvanta::zip

@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-namespace corvanta::package {
+namespace corvanta::zip {
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -147,4 +147,4 @@ TEST(PackageWriter, RefusesNames)
 }
 
 } // namespace
-} // namespace corvanta::package
+} // namespace corvanta::zip

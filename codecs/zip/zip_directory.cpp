@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <optional>
 
-namespace corvanta::package::zip {
+namespace corvanta::zip {
 
 namespace {
 
@@ -279,4 +279,4 @@ Result<std::vector<Member>, Error> readDirectory(ByteSource &source)
     return members;
 }
 
-} // namespace corvanta::package::zip
+} // namespace corvanta::zip

@@ -8,7 +8,7 @@
 
 #include <vector>
 
-namespace corvanta::package::zip {
+namespace corvanta::zip {
 
 /// The members in the directory's order. Every one of them lies inside the file, in front of the
 /// directory, and none overlaps another. Errors: ReadFailed, NotAPackage, BadDirectory.
@@ -17,4 +17,4 @@ Result<std::vector<Member>, Error> readDirectory(ByteSource &source);
 /// The source's bytes at `offset`, all `n` of them. Errors: ReadFailed.
 Result<QByteArray, Error> readAt(ByteSource &source, qint64 offset, qint64 n);
 
-} // namespace corvanta::package::zip
+} // namespace corvanta::zip

@@ -12,7 +12,7 @@
 
 #include "base/bytes.h"
 
-namespace corvanta::package::zip {
+namespace corvanta::zip {
 
 namespace {
 
@@ -155,4 +155,4 @@ QByteArray endRecords(qint64 memberCount, qint64 directoryOffset, qint64 directo
     return bytes;
 }
 
-} // namespace corvanta::package::zip
+} // namespace corvanta::zip

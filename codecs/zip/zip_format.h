@@ -3,7 +3,7 @@
 #pragma once
 #include "codecs/zip/member.h"
 
-namespace corvanta::package::zip {
+namespace corvanta::zip {
 
 inline constexpr quint32 kLocalSignature = 0x04034b50;
 inline constexpr quint32 kDescriptorSignature = 0x08074b50;
@@ -41,4 +41,4 @@ void appendCentralEntry(const Member &member, QByteArray &directory);
 /// The end of the file, with the zip64 records where a value needs them.
 QByteArray endRecords(qint64 memberCount, qint64 directoryOffset, qint64 directoryBytes);
 
-} // namespace corvanta::package::zip
+} // namespace corvanta::zip

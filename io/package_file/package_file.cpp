@@ -5,19 +5,19 @@
 
 namespace corvanta {
 
-Result<std::unique_ptr<PackageInput>, package::Error>
-PackageInput::open(GlobalParameters *parameters, const QString &name)
+Result<std::unique_ptr<PackageInput>, zip::Error> PackageInput::open(GlobalParameters *parameters,
+                                                                     const QString &name)
 {
     std::unique_ptr<PackageInput> input(new PackageInput);
     input->m_file.reset(MyReadFile::newMyReadFile(parameters, name, true, true));
     if (!input->m_file) {
-        return Fault<package::Error>{package::Error::ReadFailed};
+        return Fault<zip::Error>{zip::Error::ReadFailed};
     }
     if (KobiFileInfo::isNetDrive(name)) {
         input->m_file = std::make_unique<MyReadFileCached>(input->m_file.release(),
-                                                           package::CachedSource::kCacheBytes);
+                                                           zip::CachedSource::kCacheBytes);
     }
-    auto reader = package::PackageReader::open(*input->m_file);
+    auto reader = zip::PackageReader::open(*input->m_file);
     if (!reader) {
         return reader.fault();
     }
@@ -33,10 +33,10 @@ bool PackageOutput::open(const QString &name, TargetFile::Options target,
     }
     ByteSink *sink = &m_target;
     if (KobiFileInfo::isNetDrive(name)) {
-        m_networkSink = std::make_unique<package::BlockBufferedSink>(*sink);
+        m_networkSink = std::make_unique<zip::BlockBufferedSink>(*sink);
         sink = m_networkSink.get();
     }
-    m_writer = std::make_unique<package::PackageWriter>(*sink, options);
+    m_writer = std::make_unique<zip::PackageWriter>(*sink, options);
     return true;
 }
 

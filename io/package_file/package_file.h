@@ -18,15 +18,15 @@ class PackageInput
 {
 public:
     /// Errors: ReadFailed (also when there is no such file), NotAPackage, BadDirectory.
-    static Result<std::unique_ptr<PackageInput>, package::Error> open(GlobalParameters *parameters,
-                                                                      const QString &name);
-    package::PackageReader &reader() { return *m_reader; }
+    static Result<std::unique_ptr<PackageInput>, zip::Error> open(GlobalParameters *parameters,
+                                                                  const QString &name);
+    zip::PackageReader &reader() { return *m_reader; }
 
 private:
     PackageInput() = default;
 
     std::unique_ptr<MyReadFile> m_file;
-    std::unique_ptr<package::PackageReader> m_reader;
+    std::unique_ptr<zip::PackageReader> m_reader;
 };
 
 /// A package that takes its target's place when it is complete; see TargetFile. Threads: as
@@ -39,7 +39,7 @@ public:
     bool open(const QString &name, TargetFile::Options target,
               const deflate::StreamOptions &options = {});
     bool isOpen() const { return m_writer != nullptr; }
-    package::PackageWriter &writer() { return *m_writer; }
+    zip::PackageWriter &writer() { return *m_writer; }
 
     /// Replace the target, after writer().close(). False when that failed: the target is as it was.
     bool commit() { return release() && m_target.commit(); }
@@ -50,7 +50,7 @@ private:
 
     TargetFile m_target;
     std::unique_ptr<ByteSink> m_networkSink;
-    std::unique_ptr<package::PackageWriter> m_writer;
+    std::unique_ptr<zip::PackageWriter> m_writer;
 };
 
 } // namespace corvanta

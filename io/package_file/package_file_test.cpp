@@ -16,13 +16,13 @@ QByteArray contentOf(const QString &name, const char *member)
 {
     const auto input = PackageInput::open(nullptr, name);
     const auto content =
-        input ? (*input)->reader().readWhole(member) : Fault{package::Error::ReadFailed};
+        input ? (*input)->reader().readWhole(member) : Fault{zip::Error::ReadFailed};
     return content ? *content : QByteArray();
 }
 
 bool put(PackageOutput &output, const char *member, const QByteArray &content)
 {
-    package::PackageWriter &writer = output.writer();
+    zip::PackageWriter &writer = output.writer();
     return writer.openMember(member) && writer.write(content) && writer.closeMember() &&
            writer.close();
 }
