@@ -1,6 +1,6 @@
 #include "corvanta/one_row.h"
 
-#include "base/number.h"
+#include "base/number_cell.h"
 #include "engine/row_batch.h"
 
 #include <limits>
@@ -31,16 +31,7 @@ OneRow::OneRow()
 
 int OneRow::numberText(int i, const unsigned short **out) const
 {
-    std::array<char, kNumberChars> text{};
-    int n = 0;
-    if (getMetaType(i).type() == MetaInfo::Key) {
-        const auto key = loadNative<quint32>(m_cells[i]);
-        n = cell::isMissingKey(key) ? 0 : putUInt(key, text.data());
-    } else {
-        const auto value = loadNative<double>(m_cells[i]);
-        n = cell::isMissingDouble(value) ? 0 : putShortest(value, text.data());
-    }
-    std::copy_n(text.data(), n, m_numberText.data());
+    const int n = cell::putNumberText(getMetaType(i).cellType(), m_cells[i], m_numberText.data());
     *out = n == 0 ? nullptr : reinterpret_cast<const unsigned short *>(m_numberText.data());
     return n;
 }

@@ -1,0 +1,28 @@
+// Text of number cells: the digits that a number column shows where text is expected.
+#pragma once
+#include "base/cell.h"
+#include "base/number.h"
+
+#include <algorithm>
+#include <array>
+
+namespace corvanta::cell {
+
+/// Print a Key or Double cell as UTF-16 to `out`, which has room for kNumberChars units. Returns
+/// the number of units; 0 for a missing cell.
+inline int putNumberText(Type type, const uchar *cell, char16_t *out)
+{
+    std::array<char, kNumberChars> text{};
+    int n = 0;
+    if (type == Type::Key) {
+        const auto key = loadNative<quint32>(cell);
+        n = isMissingKey(key) ? 0 : putUInt(key, text.data());
+    } else {
+        const auto value = loadNative<double>(cell);
+        n = isMissingDouble(value) ? 0 : putShortest(value, text.data());
+    }
+    std::copy_n(text.data(), n, out);
+    return n;
+}
+
+} // namespace corvanta::cell
