@@ -1,7 +1,7 @@
 #include "actions/write_excel/spreadsheet_program.h"
 
 #include "base/platform/process.h"
-#include "codecs/sheet/new_workbook.h"
+#include "codecs/xlsx/fixed_parts.h"
 #include "codecs/xlsx/workbook_part.h"
 #include "corvanta/main_ui.h"
 #include "io/package_file/package_file.h"
@@ -25,9 +25,9 @@ constexpr int kStartMs = 30'000;
 constexpr int kRunMs = 180'000;
 constexpr int kSliceMs = 50;
 
-/// Run a program to its end; false when it did not start, failed, or had to be ended.
+/// Run a program to its end. Returns false when it did not start, failed, or was killed.
 bool runProgram(const QString &program, const QStringList &arguments,
-                const std::function<bool()> &mayGoOn)
+                const std::function<bool()> &isRunning)
 {
     QProcess process;
     platform::makeGroup(process);
@@ -45,7 +45,7 @@ bool runProgram(const QString &program, const QStringList &arguments,
         if (process.state() == QProcess::NotRunning) {
             break;
         }
-        if (clock.elapsed() > kRunMs || !mayGoOn()) {
+        if (clock.elapsed() > kRunMs || !isRunning()) {
             platform::killWithChildren(process);
             return false;
         }
@@ -55,7 +55,7 @@ bool runProgram(const QString &program, const QStringList &arguments,
 
 #ifdef Q_OS_WIN
 
-bool makeScript(const QString &name)
+bool createScript(const QString &name)
 {
     static const char kScript[] =
         "If WScript.Arguments.Count < 1 Then\r\n"
@@ -82,9 +82,9 @@ bool writeWhole(const QString &name, const QByteArray &content)
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush();
 }
 
-/// A profile of its own: it disturbs no program that the user has open, and makes the program
-/// calculate every formula when it opens a workbook.
-bool makeProfile(const QDir &profile)
+/// Create a separate profile: the user's open programs are not affected, and the program calculates
+/// every formula when it opens a workbook.
+bool createProfile(const QDir &profile)
 {
     static const QByteArray kSettings =
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -96,7 +96,7 @@ bool makeProfile(const QDir &profile)
            writeWhole(profile.filePath(u"user/registrymodifications.xcu"_s), kSettings);
 }
 
-/// The names of a workbook's sheets; nothing when it cannot be read or a member is damaged.
+/// The names of a workbook's sheets; std::nullopt when it cannot be read or a member is damaged.
 std::optional<QStringList> soundSheetNames(const QString &file)
 {
     const auto input = PackageInput::open(nullptr, file);
@@ -109,12 +109,13 @@ std::optional<QStringList> soundSheetNames(const QString &file)
             return std::nullopt;
         }
     }
-    const auto text = reader.readWhole(sheet::kWorkbookMember);
+    const auto text = reader.readWhole(xlsx::kWorkbookPart);
     const auto workbook =
-        text ? xlsx::readWorkbook(*text) : Fault<xlsx::Error>{xlsx::Error::Unexpected};
+        text ? xlsx::readWorkbook(*text) : Fault<opc::Error>{opc::Error::NoMember};
     return workbook ? std::optional<QStringList>(workbook->sheetNames()) : std::nullopt;
 }
 
+/// Replace `file` by a copy of `result`.
 bool replaceBy(const QString &file, const QString &result, int action)
 {
     QFile source(result);
@@ -139,19 +140,19 @@ bool replaceBy(const QString &file, const QString &result, int action)
 #ifdef Q_OS_WIN
 
 bool recalculateWorkbook(const QString &file, const QString &scriptFolder, int,
-                         const std::function<bool()> &mayGoOn)
+                         const std::function<bool()> &isRunning)
 {
     const QString script = QDir(scriptFolder).filePath(u"corvanta_xlsx_update.vbs"_s);
     const auto native = [](QString path) { return path.replace(u'/', u'\\'); };
-    return makeScript(script) &&
+    return createScript(script) &&
            runProgram(u"cscript"_s, {u"//B"_s, u"//NoLogo"_s, native(script), native(file)},
-                      mayGoOn);
+                      isRunning);
 }
 
 #else
 
 bool recalculateWorkbook(const QString &file, const QString &, int action,
-                         const std::function<bool()> &mayGoOn)
+                         const std::function<bool()> &isRunning)
 {
     QString program = QStandardPaths::findExecutable(u"soffice"_s);
     if (program.isEmpty()) {
@@ -170,7 +171,7 @@ bool recalculateWorkbook(const QString &file, const QString &, int action,
     const QString outFolder = folder.filePath(u"out"_s);
     const QString result = outFolder + u'/' + name;
     const auto written = soundSheetNames(file);
-    if (!written || !makeProfile(QDir(profile)) || !QFile::copy(file, copy)) {
+    if (!written || !createProfile(QDir(profile)) || !QFile::copy(file, copy)) {
         return false;
     }
     const QStringList arguments{u"-env:UserInstallation="_s +
@@ -182,7 +183,7 @@ bool recalculateWorkbook(const QString &file, const QString &, int action,
                                 u"--outdir"_s,
                                 outFolder,
                                 copy};
-    return runProgram(program, arguments, mayGoOn) && soundSheetNames(result) == written &&
+    return runProgram(program, arguments, isRunning) && soundSheetNames(result) == written &&
            replaceBy(file, result, action);
 }
 

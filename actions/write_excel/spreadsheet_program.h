@@ -1,5 +1,4 @@
-// writers/spreadsheet_program.h
-// Have a spreadsheet program calculate a written workbook and save it.
+// Runs a spreadsheet program that calculates a written workbook and saves it.
 #pragma once
 #include <QString>
 
@@ -7,12 +6,14 @@
 
 namespace corvanta {
 
-/// Let the program that is installed open and save `file`: MS-Excel on Windows (by a script that is
-/// made in `scriptFolder`), LibreOffice elsewhere. `mayGoOn` is asked about twenty times a second.
-/// False when there is no program, it failed or took longer than three minutes, or `mayGoOn` said
-/// no; LibreOffice writes beside the file, which is then as it was. `action` is the caller's
-/// number.
+/// Open and save `file` with the installed program: MS-Excel on Windows (by a script that is
+/// created in `scriptFolder`), LibreOffice elsewhere. `isRunning` is called about twenty times a
+/// second; the program is killed when it returns false. `action` is the number of the calling
+/// action, for the name of a temporary file.
+///
+/// Returns false when there is no program, when it failed, took longer than three minutes or was
+/// killed. LibreOffice writes to a copy, so the file is then unchanged.
 bool recalculateWorkbook(const QString &file, const QString &scriptFolder, int action,
-                         const std::function<bool()> &mayGoOn);
+                         const std::function<bool()> &isRunning);
 
 } // namespace corvanta

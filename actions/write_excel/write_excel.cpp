@@ -14,9 +14,6 @@ namespace corvanta {
 namespace {
 
 constexpr int kLongCellWarnings = 50;
-constexpr qint64 kSheetRows = 1048576;
-constexpr size_t kSheetColumns = 16384;
-constexpr int kLongestSheetName = 31;
 
 } // namespace
 
@@ -33,29 +30,39 @@ void ActionWriteExcel::start()
     m_run = std::make_unique<RunState>();
     m_run->file = expandOutputFile(m_params.fileNameDestination, QString());
     m_longCells.reset();
-    // A format with markup characters would end the cell's element.
-    const bool hasMarkup =
-        m_params.floatToString.contains(u'<') || m_params.floatToString.contains(u'&');
-    if (hasMarkup || !m_floatFormat.set(m_params.floatToString)) {
-        fail(
-            u"\nERROR writing to Excel file '%1': '%2' is not a format of a floating-point number\n"_s
-                .arg(m_run->file, m_params.floatToString));
+    if (!setFloatFormat() || !setCompression()) {
         return;
-    }
-    const QString compression =
-        globalParameters() != nullptr ? globalParameters()->compression() : QString();
-    if (!compression.isEmpty()) {
-        const std::optional<deflate::Level> level = deflate::parseLevel(compression);
-        if (!level) {
-            fail(
-                u"\nERROR writing to Excel file '%1': '%2' is not a level of compression (isal-2, isal-3, zlib-1 to zlib-9)\n"_s
-                    .arg(m_run->file, compression));
-            return;
-        }
-        m_run->compression.level = *level;
     }
     const QLocale locale = m_params.dateFormatType == 0 ? QLocale::c() : QLocale::system();
     m_run->dates = std::make_unique<sheet::DateParser>(qtDateFormat(), locale, m_params.excelHack);
+}
+
+bool ActionWriteExcel::setFloatFormat()
+{
+    // A format with markup characters would end the cell's element.
+    const QString &format = m_params.floatToString;
+    const bool hasMarkup = format.contains(u'<') || format.contains(u'&');
+    return (!hasMarkup && m_floatFormat.set(format)) ||
+           fail(
+               u"\nERROR writing to Excel file '%1': '%2' is not a format of a floating-point number\n"_s
+                   .arg(m_run->file, format));
+}
+
+bool ActionWriteExcel::setCompression()
+{
+    const QString compression =
+        globalParameters() != nullptr ? globalParameters()->compression() : QString();
+    if (compression.isEmpty()) {
+        return true;
+    }
+    const std::optional<deflate::Level> level = deflate::parseLevel(compression);
+    if (!level) {
+        return fail(
+            u"\nERROR writing to Excel file '%1': '%2' is not a level of compression (isal-2, isal-3, zlib-1 to zlib-9)\n"_s
+                .arg(m_run->file, compression));
+    }
+    m_run->compression.level = *level;
+    return true;
 }
 
 QString ActionWriteExcel::qtDateFormat() const
@@ -86,20 +93,6 @@ bool ActionWriteExcel::askRetry()
     return runIsGood() && MainUI::displayOutOfDiskSpace(m_run->file, getIdx(), true);
 }
 
-/// Repeat a call of the package while its writes fail and the user wants to go on.
-template <class F> bool ActionWriteExcel::packageCall(F call)
-{
-    for (;;) {
-        const Result<void, zip::Error> done = call();
-        if (done) {
-            return true;
-        }
-        if (done.fault().code != zip::Error::WriteFailed || !askRetry()) {
-            return false;
-        }
-    }
-}
-
 bool ActionWriteExcel::findTestColumn(const OneRow *row)
 {
     return m_run->filter.begin(m_params, *row) ||
@@ -107,12 +100,12 @@ bool ActionWriteExcel::findTestColumn(const OneRow *row)
                m_run->file, m_params.testCol));
 }
 
-bool ActionWriteExcel::findColumns(const OneRow *row, std::vector<SheetWriter::Column> *columns)
+bool ActionWriteExcel::findColumns(const OneRow *row, std::vector<sheet::Column> *columns)
 {
     QStringList missing;
     if (m_params.writeAllColumns) {
         for (int i = 0; i < row->numberOfColumns(); ++i) {
-            columns->push_back({i, SheetWriter::Kind::Text, row->colName(i)});
+            columns->push_back({i, sheet::Column::Kind::Text, row->colName(i)});
         }
     } else if (m_params.toWrite.isEmpty()) {
         return fail(
@@ -125,75 +118,34 @@ bool ActionWriteExcel::findColumns(const OneRow *row, std::vector<SheetWriter::C
                 m_run->file, name));
             missing << name;
         }
-        columns->push_back({index, SheetWriter::Kind::Text, name});
+        columns->push_back({index, sheet::Column::Kind::Text, name});
     }
     return missing.isEmpty();
 }
 
-bool ActionWriteExcel::decideKind(const OneRow *row, SheetWriter::Column *column)
+bool ActionWriteExcel::decideKind(const OneRow *row, sheet::Column *column)
 {
     const MetaInfo::MetaTypeColumn type = row->getMetaType(column->input).type();
     if (m_params.toDate.contains(column->name)) {
-        column->kind = SheetWriter::Kind::Date;
+        column->kind = sheet::Column::Kind::Date;
     } else if (m_params.toFormula.contains(column->name)) {
-        column->kind = SheetWriter::Kind::Formula;
+        column->kind = sheet::Column::Kind::Formula;
         if (type != MetaInfo::Unknown) {
             return fail(
                 u"ERROR writing to Excel file '%1': type of column '%2' is not string/unknown.\n"_s
                     .arg(m_run->file, column->name));
         }
     } else if (type == MetaInfo::Key) {
-        column->kind = SheetWriter::Kind::Key;
+        column->kind = sheet::Column::Kind::Key;
     } else if (type == MetaInfo::Float) {
-        column->kind = SheetWriter::Kind::Float;
+        column->kind = sheet::Column::Kind::Float;
     }
     return true;
 }
 
-bool ActionWriteExcel::writeMember(const char *name, const QByteArray &content)
+sheet::SheetOptions ActionWriteExcel::sheetOptions() const
 {
-    return packageCall([&] { return m_run->output.writer().openMember(name); }) &&
-           packageCall([&] { return m_run->output.writer().write(content); }) &&
-           packageCall([&] { return m_run->output.writer().closeMember(); });
-}
-
-bool ActionWriteExcel::openOutput()
-{
-    if (!m_run->output.open(m_run->file, {getIdx()}, m_run->compression)) {
-        return fail(u"\nERROR writing to Excel file '%1'\n"_s.arg(m_run->file));
-    }
-    return true;
-}
-
-bool ActionWriteExcel::openNewWorkbook(std::vector<SheetWriter::Column> columns)
-{
-    if (m_params.createDir) {
-        QDir().mkpath(QFileInfo(m_run->file).absolutePath());
-    }
-    if (!openOutput()) {
-        return false;
-    }
-    m_run->sheetName = makeSheetName();
-    if (m_run->sheetName.contains(u'<')) {
-        warn(
-            u"Warning: the sheet name '%1' of the Excel file '%2' contains '<': the workbook may not open.\n"_s
-                .arg(m_run->sheetName, m_run->file));
-    }
-    for (const sheet::FixedMember &member : sheet::leadingMembers(m_params.dateFormatExcel)) {
-        if (!writeMember(member.name, member.content)) {
-            return isWritten(SheetWriter::Error::Write);
-        }
-    }
-    if (!packageCall([&] { return m_run->output.writer().openMember(sheet::kSheetMember); })) {
-        return isWritten(SheetWriter::Error::Write);
-    }
-    makeSheetWriter(std::move(columns), sheetOptions());
-    return isWritten(m_run->sheet->put(sheet::sheetHead()));
-}
-
-SheetOptions ActionWriteExcel::sheetOptions() const
-{
-    SheetOptions options;
+    sheet::SheetOptions options;
     options.floatFormat = m_floatFormat;
     options.noNans = m_params.noNans;
     options.equalIsFormula = m_params.equalisFormula;
@@ -202,12 +154,24 @@ SheetOptions ActionWriteExcel::sheetOptions() const
     return options;
 }
 
-void ActionWriteExcel::makeSheetWriter(std::vector<SheetWriter::Column> columns,
-                                       const SheetOptions &options)
+/// Write everything of the workbook that precedes the rows.
+bool ActionWriteExcel::openSheet(std::vector<sheet::Column> columns)
 {
-    m_run->sheet = std::make_unique<SheetWriter>(
-        m_run->output.writer(), options, std::move(columns), m_run->dates.get(),
-        [this] { warnLongCell(); }, [this] { return askRetry(); });
+    if (!openWorkbook()) {
+        return false;
+    }
+    zip::PackageWriter &package = m_run->output.writer();
+    m_run->members = std::make_unique<opc::MemberWriter>(package, [this] { return askRetry(); });
+    if (const auto begun = m_run->workbook->begin(*m_run->members); !begun) {
+        return failWorkbook(begun.fault());
+    }
+    sheet::SheetOptions options = sheetOptions();
+    m_run->workbook->setCellFormats(&options);
+    m_run->sheet = std::make_unique<sheet::SheetWriter>(
+        package, options, std::move(columns), m_run->dates.get(),
+        sheet::SheetCallbacks{[this] { warnLongCell(); }, [this] { return askRetry(); }});
+    const auto opened = m_run->workbook->openSheet(*m_run->sheet);
+    return opened || failWorkbook(opened.fault());
 }
 
 void ActionWriteExcel::warnLongCell()
@@ -216,79 +180,69 @@ void ActionWriteExcel::warnLongCell()
     m_warningFlag = 1;
 }
 
-QString ActionWriteExcel::makeSheetName()
-{
-    QString name = expandString(m_params.sheetName);
-    if (name.size() > kLongestSheetName) {
-        warn(
-            u"WARNING: in the Excelfile '%1' the SheetName '%2' is too long: truncating at 31 chars."_s
-                .arg(m_run->file, name));
-        name.truncate(kLongestSheetName);
-        if (name.back().isHighSurrogate()) {
-            name.chop(1);
-        }
-    }
-    return name;
-}
-
 bool ActionWriteExcel::begin(const OneRow *row)
 {
     m_run->isFirst = false;
-    std::vector<SheetWriter::Column> columns;
+    std::vector<sheet::Column> columns;
     if (!findTestColumn(row) || !findColumns(row, &columns)) {
         return false;
     }
     QVector<int> inputs;
-    for (const SheetWriter::Column &column : columns) {
+    for (const sheet::Column &column : columns) {
         inputs << column.input;
     }
     if (doCheckNameCollision(row, m_params.checkNameCollision, this, inputs, m_run->file) != 0) {
         return false;
     }
-    for (SheetWriter::Column &column : columns) {
+    for (sheet::Column &column : columns) {
         if (!decideKind(row, &column)) {
             return false;
         }
     }
-    if (columns.size() > kSheetColumns) {
+    if (columns.size() > sheet::kMaxColumns) {
         warn(u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's "
              u"too large "
              "(nColumns>16384). However, you can still use the file with Corvanta.\n"_s.arg(
                  m_run->file));
     }
-    if (!openWorkbook(std::move(columns))) {
+    if (!openSheet(std::move(columns))) {
         return false;
     }
     m_run->firstRow = m_run->sheet->row();
-    return !m_params.firstLineContainsColumnNames || isWritten(m_run->sheet->putHeader());
+    return !m_params.firstLineContainsColumnNames || checkSheet(m_run->sheet->putHeader());
 }
 
-/// True without an error; otherwise fails the run with the message of `error`.
-bool ActionWriteExcel::isWritten(SheetWriter::Error error)
+bool ActionWriteExcel::checkSheet(const Result<void, sheet::Error> &result)
 {
-    switch (error) {
-    case SheetWriter::Error::None:
+    if (result) {
         return true;
-    case SheetWriter::Error::BufferTooSmall:
+    }
+    switch (result.fault().code) {
+    case sheet::Error::TextTooLong:
         return fail(
             u"\nERROR writing to XLSX file '%1': output buffer too small\n"_s.arg(m_run->file));
-    case SheetWriter::Error::Write:
+    case sheet::Error::WriteFailed:
         break;
     }
+    return failWrite();
+}
+
+bool ActionWriteExcel::failWrite()
+{
     return fail(u"\nERROR: cannot write to XLSX file '%1'\n"_s.arg(m_run->file));
 }
 
 bool ActionWriteExcel::writeRow(const OneRow *row)
 {
-    if (m_run->sheet->row() > kSheetRows && !m_run->isTooLong) {
-        m_run->isTooLong =
-            true; // a header, or rows that were there, may have passed the limit already
+    if (m_run->sheet->row() > sheet::kMaxRows && !m_run->isTooLongKnown) {
+        // A header or earlier rows may have passed the limit before.
+        m_run->isTooLongKnown = true;
         warn(u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's "
              u"too large "
              "(nRows>1048576). However, you can still use the file with Corvanta.\n"_s.arg(
                  m_run->file));
     }
-    return isWritten(m_run->sheet->putRow(*row));
+    return checkSheet(m_run->sheet->putRow(row->view()));
 }
 
 void ActionWriteExcel::endOfRows()
@@ -323,56 +277,28 @@ bool ActionWriteExcel::step()
     return true;
 }
 
-/// What the defined name covers; nothing when none is wanted.
-std::optional<sheet::NamedRange> ActionWriteExcel::namedRange() const
+xlsx::WorkbookEnd ActionWriteExcel::workbookEnd() const
 {
-    if (m_params.namedRange.isEmpty()) {
-        return std::nullopt;
+    xlsx::WorkbookEnd end;
+    end.recalculate = m_params.forceRecompute || m_params.runExcel;
+    if (!m_params.namedRange.isEmpty()) {
+        const sheet::SheetWriter &sheet = *m_run->sheet;
+        const bool skipHeader =
+            m_params.firstLineContainsColumnNames && !m_params.nrIncludeTitleRow;
+        end.range = xlsx::NamedRange{m_params.namedRange, m_run->firstRow + (skipHeader ? 1 : 0),
+                                     sheet.row() - 1, sheet.columnCount() - 1};
     }
-    const SheetWriter &sheet = *m_run->sheet;
-    const bool skipHeader = m_params.firstLineContainsColumnNames && !m_params.nrIncludeTitleRow;
-    return sheet::NamedRange{m_params.namedRange, m_run->sheetName,
-                             m_run->firstRow + (skipHeader ? 1 : 0), sheet.row() - 1,
-                             sheet.columnCount() - 1};
+    return end;
 }
 
-bool ActionWriteExcel::finishSheet()
+bool ActionWriteExcel::completeWorkbook()
 {
-    SheetWriter &sheet = *m_run->sheet;
-    if (m_run->update) {
-        return bool(m_run->update->finishSheet(m_run->output.writer(), sheet));
+    // Rows that are still in the package's block are written with the end of the sheet.
+    if (!m_run->workbook->finishSheet(*m_run->sheet)) {
+        return failWrite();
     }
-    QByteArray tail = sheet::sheetEndOfRows();
-    if (!sheet.linkUses().empty()) {
-        tail += "<hyperlinks>" + sheet.hyperlinkElements(0) + "</hyperlinks>";
-    }
-    tail += sheet::sheetTail();
-    if (sheet.put(tail) != SheetWriter::Error::None) {
-        return false;
-    }
-    sheet.commit();
-    return packageCall([&] { return m_run->output.writer().closeMember(); });
-}
-
-bool ActionWriteExcel::finishWorkbook()
-{
-    if (m_run->update) {
-        return finishUpdatedWorkbook();
-    }
-    const auto range = namedRange();
-    const QByteArray definedName = range ? sheet::definedName(*range) : QByteArray();
-    if (!writeMember(sheet::kWorkbookMember, sheet::workbook(m_run->sheetName, definedName))) {
-        return false;
-    }
-    const QStringList &urls = m_run->sheet->urls();
-    if (!urls.isEmpty()) {
-        const auto part = xlsx::changedRelationships(
-            {}, xlsx::hyperlinkRelationships(urls, xlsx::kTransitional, 0));
-        if (!part || !writeMember(sheet::kSheetRelsMember, *part)) {
-            return false;
-        }
-    }
-    return packageCall([&] { return m_run->output.writer().close(); });
+    return m_run->workbook->finish(*m_run->sheet, workbookEnd()) ||
+           fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(m_run->file));
 }
 
 void ActionWriteExcel::finish()
@@ -381,14 +307,11 @@ void ActionWriteExcel::finish()
         return;
     }
     if (m_run->sheet && m_run->isComplete && runIsGood()) {
-        // Rows that wait in the package's block are written with the sheet's end.
-        if (!finishSheet()) {
-            isWritten(SheetWriter::Error::Write);
-        } else if (!finishWorkbook()) {
-            fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(m_run->file));
-        }
+        completeWorkbook();
         m_run->sheet.reset();
-        m_run->update.reset(); // closes the workbook that is about to be replaced
+        m_run->workbook.reset();
+        m_run->members.reset();
+        m_run->input.reset(); // closes the workbook that is to be replaced
         if (runIsGood() && commit() && m_params.runExcel) {
             recalculate();
         }

@@ -1,10 +1,8 @@
-// writers/write_excel.h
-// writeExcel: rows into one worksheet of a workbook.
+// Writes the rows of its input pin into one worksheet of a new or an existing workbook.
 #pragma once
-#include "actions/write_excel/sheet_writer.h"
-#include "actions/write_excel/workbook_update.h"
 #include "actions/write_excel/write_excel_params.h"
-#include "codecs/sheet/cell_text.h"
+#include "codecs/sheet/sheet_writer.h"
+#include "codecs/xlsx/updated_workbook.h"
 #include "corvanta/action_base.h"
 #include "io/package_file/package_file.h"
 
@@ -24,60 +22,63 @@ public:
     }
 
 private:
-    /// State of one run; made anew by start().
+    /// State of one run; recreated by start().
     struct RunState
     {
         QString file;   // the expanded destination
         QString source; // the workbook that is read
         bool isFirst = true;
-        bool isComplete = false; // all rows are written
-        bool isTooLong = false;  // a row lies beyond the last one of a sheet, and that was said
+        bool isComplete = false;     // all rows are written
+        bool isTooLongKnown = false; // the warning about the number of rows is logged
         RowFilter filter;
         qint64 firstRow = 1; // first sheet row written
-        QString sheetName;
         deflate::StreamOptions compression;
+        std::unique_ptr<PackageInput> input; // of an update
         PackageOutput output;
+        std::unique_ptr<opc::MemberWriter> members;
         std::unique_ptr<sheet::DateParser> dates;
-        std::unique_ptr<WorkbookUpdate> update; // null: a new workbook
-        std::unique_ptr<SheetWriter> sheet;
+        std::unique_ptr<xlsx::WorkbookTarget> workbook;
+        std::unique_ptr<sheet::SheetWriter> sheet;
     };
 
     void start() override;
     bool step() override;
     void finish() override;
 
+    bool setFloatFormat();
+    bool setCompression();
+    QString qtDateFormat() const;
     bool begin(const OneRow *row);
     bool findTestColumn(const OneRow *row);
-    bool findColumns(const OneRow *row, std::vector<SheetWriter::Column> *columns);
-    bool decideKind(const OneRow *row, SheetWriter::Column *column);
-    bool openOutput();
-    bool openNewWorkbook(std::vector<SheetWriter::Column> columns);
-    void makeSheetWriter(std::vector<SheetWriter::Column> columns, const SheetOptions &options);
-    SheetOptions sheetOptions() const;
-    bool writeMember(const char *name, const QByteArray &content);
+    bool findColumns(const OneRow *row, std::vector<sheet::Column> *columns);
+    bool decideKind(const OneRow *row, sheet::Column *column);
+    bool openSheet(std::vector<sheet::Column> columns);
+    sheet::SheetOptions sheetOptions() const;
     bool writeRow(const OneRow *row);
     void endOfRows();
-    bool isWritten(SheetWriter::Error error);
-    bool finishSheet();
-    bool finishWorkbook();
-    std::optional<sheet::NamedRange> namedRange() const;
-    QString makeSheetName();
-    QString qtDateFormat() const;
+    bool checkSheet(const Result<void, sheet::Error> &result);
+    bool failWrite();
+    bool completeWorkbook();
+    xlsx::WorkbookEnd workbookEnd() const;
     void warnLongCell();
     bool askRetry();
-    template <class F> bool packageCall(F call);
 
-    // Modes 1 to 4, in write_excel_update.cpp.
+    // The workbook and the sheet to write to, in write_excel_target.cpp.
+    bool openWorkbook();
+    bool openOutput();
+    bool openNewWorkbook();
+    bool openUpdate();
+    bool chooseSheet(xlsx::UpdatedWorkbook &workbook);
+    bool chooseByNumber(xlsx::UpdatedWorkbook &workbook);
+    bool chooseByName(xlsx::UpdatedWorkbook &workbook);
+    bool changeSheet(xlsx::UpdatedWorkbook &workbook, qsizetype index);
+    void addSheet(xlsx::UpdatedWorkbook &workbook);
+    QString makeSheetName();
+    void addCellFormats(xlsx::UpdatedWorkbook &workbook);
+    bool failWorkbook(const Fault<opc::Error> &fault);
+
+    // The replacement of the destination, in write_excel_target.cpp.
     bool updatesInPlace() const { return m_params.mode == 1 || m_params.mode == 2; }
-    bool openWorkbook(std::vector<SheetWriter::Column> columns);
-    bool openUpdate(const QString &source, std::vector<SheetWriter::Column> columns);
-    bool chooseSheet();
-    bool chooseByNumber();
-    bool chooseByName();
-    void addSheet();
-    void addStyles(SheetOptions *options);
-    bool failUpdate(const Fault<WorkbookUpdate::Problem> &fault);
-    bool finishUpdatedWorkbook();
     bool commit();
     void swapNothing();
     bool swap(const QString &temporary, const QString &target);

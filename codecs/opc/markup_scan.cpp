@@ -1,18 +1,18 @@
+// The markup of a part (XML 1.0, sections 2.1 to 3.1; ECMA-376 part 2 forbids the DTD):
+//
+//   [BOM] [<?xml version="1.0" encoding="UTF-8"?>]
+//   <p:name a="value" xmlns:p="uri"> text <empty/> </p:name>
+//   <!-- comment -->  <![CDATA[ section ]]>  <?instruction?>     skipped
+//   <!DOCTYPE ...>                                               broken
+//
+// Offsets count bytes of the UTF-8 text.
 #include "codecs/opc/markup_scan.h"
 
-#include "base/number.h"
-
-#include <algorithm>
 #include <array>
 
-namespace corvanta::xlsx {
+namespace corvanta::opc {
 
 namespace {
-
-// Deeper elements are checked but not indexed.
-constexpr int kIndexedDepth = 4;
-constexpr size_t kMaxElements = size_t(4) << 20;
-constexpr size_t kMaxDepth = 1'000'000;
 
 bool isSpace(char c)
 {
@@ -83,17 +83,17 @@ Scan scanTag(QByteArrayView text, qsizetype at, Tag *tag, qsizetype *end)
     if (stop == text.size()) {
         return Scan::Incomplete;
     }
-    const qsizetype behindName = nameEnd(text, nameBegin);
+    const qsizetype afterName = nameEnd(text, nameBegin);
     const bool isEmpty = !closes && text[stop - 1] == '/';
     const qsizetype insideEnd = isEmpty ? stop - 1 : stop;
-    if (behindName > insideEnd || (behindName < insideEnd && !isSpace(text[behindName]))) {
+    if (afterName > insideEnd || (afterName < insideEnd && !isSpace(text[afterName]))) {
         return Scan::Broken;
     }
     tag->kind = closes ? Tag::Kind::Close : isEmpty ? Tag::Kind::Empty : Tag::Kind::Open;
     tag->begin = at;
     tag->end = stop + 1;
-    tag->name = text.sliced(nameBegin, behindName - nameBegin);
-    tag->inside = text.sliced(behindName, insideEnd - behindName);
+    tag->name = text.sliced(nameBegin, afterName - nameBegin);
+    tag->inside = text.sliced(afterName, insideEnd - afterName);
     *end = tag->end;
     return Scan::Tag;
 }
@@ -151,9 +151,9 @@ std::optional<std::vector<Attribute>> Tag::attributes() const
     std::vector<Attribute> found;
     qsizetype at = skipSpaces(inside, 0);
     while (at < inside.size()) {
-        const qsizetype behindName = nameEnd(inside, at);
-        const qsizetype equals = skipSpaces(inside, behindName);
-        if (behindName == at || equals == inside.size() || inside[equals] != '=') {
+        const qsizetype afterName = nameEnd(inside, at);
+        const qsizetype equals = skipSpaces(inside, afterName);
+        if (afterName == at || equals == inside.size() || inside[equals] != '=') {
             return std::nullopt;
         }
         const qsizetype quote = skipSpaces(inside, equals + 1);
@@ -165,7 +165,7 @@ std::optional<std::vector<Attribute>> Tag::attributes() const
             return std::nullopt;
         }
         found.push_back(
-            {inside.sliced(at, behindName - at), inside.sliced(quote + 1, close - quote - 1)});
+            {inside.sliced(at, afterName - at), inside.sliced(quote + 1, close - quote - 1)});
         at = skipSpaces(inside, close + 1);
     }
     return found;
@@ -219,23 +219,22 @@ Scan scanMarkup(QByteArrayView text, qsizetype at, Tag *tag, qsizetype *end)
     return Scan::Broken;
 }
 
-bool nextTag(QByteArrayView text, qsizetype *at, Tag *tag, bool *isBroken)
+bool TagCursor::next()
 {
-    *isBroken = false;
     for (;;) {
-        const qsizetype begin = text.indexOf('<', *at);
+        const qsizetype begin = m_text.indexOf('<', m_at);
         if (begin < 0) {
-            *at = text.size();
+            m_at = m_text.size();
             return false;
         }
-        switch (scanMarkup(text, begin, tag, at)) {
+        switch (scanMarkup(m_text, begin, &m_tag, &m_at)) {
         case Scan::Tag:
             return true;
         case Scan::Skipped:
             break;
         case Scan::Incomplete:
         case Scan::Broken:
-            *isBroken = true;
+            m_isBroken = true;
             return false;
         }
     }
@@ -313,121 +312,4 @@ QByteArray quotable(QStringView text)
     return out.toUtf8();
 }
 
-Result<Outline, Error> Outline::read(QByteArrayView text)
-{
-    if (!isUtf8Text(text)) {
-        return Fault<Error>{Error::Encoding};
-    }
-    struct Open
-    {
-        QByteArrayView name;
-        int index; // -1: not indexed
-    };
-    Outline outline;
-    std::vector<Open> stack;
-    qsizetype at = 0;
-    Tag tag;
-    bool isBroken = false;
-    const auto malformed = [&] { return Fault<Error>{Error::Malformed, {}, at}; };
-    while (nextTag(text, &at, &tag, &isBroken)) {
-        if (tag.kind == Tag::Kind::Close) {
-            if (stack.empty() || stack.back().name != tag.name) {
-                return malformed();
-            }
-            if (stack.back().index >= 0) {
-                Element &closed = outline.m_elements[static_cast<size_t>(stack.back().index)];
-                closed.closeBegin = tag.begin;
-                closed.end = tag.end;
-            }
-            stack.pop_back();
-            continue;
-        }
-        if ((stack.empty() && !outline.m_elements.empty()) || !tag.attributes()) {
-            return malformed();
-        }
-        int index = -1;
-        if (stack.size() < kIndexedDepth) {
-            index = static_cast<int>(outline.m_elements.size());
-            const bool isEmpty = tag.kind == Tag::Kind::Empty;
-            outline.m_elements.push_back({tag, isEmpty ? tag.end - 2 : -1, isEmpty ? tag.end : -1,
-                                          stack.empty() ? -1 : stack.back().index});
-        }
-        if (tag.kind == Tag::Kind::Open) {
-            stack.push_back({tag.name, index});
-        }
-        if (outline.m_elements.size() > kMaxElements || stack.size() > kMaxDepth) {
-            return Fault<Error>{Error::TooLarge};
-        }
-    }
-    if (isBroken || !stack.empty() || outline.m_elements.empty()) {
-        return malformed();
-    }
-    return outline;
-}
-
-QByteArray Outline::qualified(QByteArrayView local) const
-{
-    return xlsx::qualified(root().tag.prefix(), local);
-}
-
-std::vector<int> Outline::children(int parent, QByteArrayView local) const
-{
-    const QByteArray name = qualified(local);
-    std::vector<int> found;
-    for (size_t i = 0; i < m_elements.size(); ++i) {
-        const bool isNamed = local.isEmpty() || m_elements[i].tag.name == QByteArrayView(name);
-        if (m_elements[i].parent == parent && isNamed) {
-            found.push_back(static_cast<int>(i));
-        }
-    }
-    return found;
-}
-
-std::optional<int> Outline::child(int parent, QByteArrayView local) const
-{
-    const std::vector<int> all = children(parent, local);
-    return all.empty() ? std::nullopt : std::optional<int>(all.front());
-}
-
-void Splices::replace(qsizetype begin, qsizetype end, const QByteArray &added)
-{
-    m_changes.push_back({begin, end, added});
-}
-
-void Splices::append(const Element &element, const QByteArray &added)
-{
-    if (element.isEmptyTag()) {
-        replace(element.closeBegin, element.end,
-                '>' + added + "</" + element.tag.name.toByteArray() + '>');
-    } else {
-        insert(element.closeBegin, added);
-    }
-}
-
-void Splices::setAttribute(const Tag &tag, QByteArrayView name, const QByteArray &value)
-{
-    const auto old = tag.attribute(name);
-    if (old) {
-        const qsizetype begin = old->data() - m_text.data();
-        replace(begin, begin + old->size(), value);
-        return;
-    }
-    const qsizetype behindName = tag.name.data() + tag.name.size() - m_text.data();
-    insert(behindName, ' ' + name.toByteArray() + "=\"" + value + '"');
-}
-
-QByteArray Splices::apply()
-{
-    std::stable_sort(m_changes.begin(), m_changes.end(),
-                     [](const Change &a, const Change &b) { return a.begin < b.begin; });
-    QByteArray out;
-    qsizetype at = 0;
-    for (const Change &change : m_changes) {
-        out += m_text.sliced(at, change.begin - at);
-        out += change.added;
-        at = change.end;
-    }
-    return out += m_text.sliced(at);
-}
-
-} // namespace corvanta::xlsx
+} // namespace corvanta::opc

@@ -1,3 +1,10 @@
+// Text in a cell (ECMA-376 part 1, 22.9.2.19, ST_Xstring):
+//
+//   <      &lt;        U+0000 to U+001F   _x0000_ to _x001F_
+//   &      &amp;       _xHHHH_            _x005F_xHHHH_  (H: a hexadecimal digit)
+//   U+FFFE _           a lone surrogate   U+FFFD
+//
+// Everything else is UTF-8.
 #include "codecs/sheet/cell_text.h"
 
 #include <emmintrin.h>
@@ -85,16 +92,6 @@ char *escapeOne(const char16_t *text, qsizetype n, char *out, int *taken)
     return putUtf8(out, 0xFFFD);
 }
 
-/// Whether a date format asks for a time zone: a "t" outside of apostrophes.
-bool hasTimeZone(const QString &format)
-{
-    bool isQuoted = false;
-    return std::any_of(format.begin(), format.end(), [&isQuoted](QChar c) {
-        isQuoted = isQuoted != (c == u'\'');
-        return c == u't' && !isQuoted;
-    });
-}
-
 int charsOf(const char *begin, const char *end, int taken)
 {
     // A pair is two characters and four bytes; everything in ASCII is as many characters as bytes.
@@ -138,14 +135,14 @@ char *escapeText(const char16_t *text, qsizetype n, char *out)
     return out;
 }
 
-qsizetype escapeLongText(const char16_t *text, qsizetype n, AtLimit atLimit, qsizetype mostChars,
+qsizetype escapeLongText(const char16_t *text, qsizetype n, AtLimit atLimit, qsizetype maxChars,
                          const std::function<void()> &tooLong, std::vector<char> *out)
 {
     out->clear();
     qsizetype chars = 0;
     int taken = 0;
     std::array<char, 16> piece{};
-    for (qsizetype i = 0; i < n && chars <= mostChars; i += taken) {
+    for (qsizetype i = 0; i < n && chars <= maxChars; i += taken) {
         char *const end = escapeOne(text + i, n - i, piece.data(), &taken);
         const int pieceChars = charsOf(piece.data(), end, taken);
         if (chars + pieceChars >= kCellCharLimit) {
@@ -194,136 +191,6 @@ std::optional<LinkText> parseLink(std::u16string_view text)
         return LinkText{both, both};
     }
     return LinkText{text.substr(5, between - 5), text.substr(between + middle.size())};
-}
-
-DateParser::DateParser(const QString &format, const QLocale &locale, bool monthFix)
-    : m_format(format)
-    , m_locale(locale)
-    , m_monthFix(monthFix)
-{
-    compile();
-    if (!hasTimeZone(format)) {
-        // Without a zone Qt takes local time, where the hours that daylight saving skips are no
-        // times.
-        m_format.prepend(QStringLiteral("t|"));
-        m_zoneText = QStringLiteral("UTC|");
-    }
-}
-
-/// Understand a format of fixed-width numbers and literals; anything else is left to Qt.
-void DateParser::compile()
-{
-    struct Known
-    {
-        const char16_t *text;
-        Field field;
-    };
-    constexpr Known known[] = {{u"yyyy", Field::Year}, {u"MM", Field::Month},
-                               {u"dd", Field::Day},    {u"hh", Field::Hour},
-                               {u"HH", Field::Hour},   {u"mm", Field::Minute},
-                               {u"ss", Field::Second}, {u"zzz", Field::Millisecond}};
-    constexpr QStringView literals = u"-/.:, T_";
-    std::vector<Token> tokens;
-    for (qsizetype i = 0; i < m_format.size();) {
-        const QChar c = m_format[i];
-        qsizetype run = 1;
-        while (i + run < m_format.size() && m_format[i + run] == c) {
-            ++run;
-        }
-        const QStringView text = QStringView(m_format).mid(i, run);
-        const auto *const found =
-            std::find_if(std::begin(known), std::end(known),
-                         [&](const Known &k) { return text == QStringView(k.text); });
-        if (found != std::end(known)) {
-            tokens.push_back({found->field, static_cast<quint8>(run), 0});
-        } else if (literals.contains(c)) {
-            tokens.insert(tokens.end(), static_cast<size_t>(run), {Field::Literal, 1, c.unicode()});
-        } else {
-            return;
-        }
-        i += run;
-    }
-    m_tokens = std::move(tokens);
-    for (const Token &token : m_tokens) {
-        m_width += token.digits;
-    }
-}
-
-std::optional<qint64> DateParser::fixedWidthMs(std::u16string_view text) const
-{
-    if (text.size() != m_width) {
-        return std::nullopt;
-    }
-    // Fields that the format lacks have Qt's defaults.
-    std::array<int, 8> values{0, 1900, 1, 1, 0, 0, 0, 0};
-    const char16_t *at = text.data();
-    for (const Token &token : m_tokens) {
-        if (token.field == Field::Literal) {
-            if (*at++ != token.literal) {
-                return std::nullopt;
-            }
-            continue;
-        }
-        int value = 0;
-        for (int i = 0; i < token.digits; ++i) {
-            const int digit = *at++ - u'0';
-            if (digit < 0 || digit > 9) {
-                return std::nullopt;
-            }
-            value = value * 10 + digit;
-        }
-        values[static_cast<size_t>(token.field)] = value;
-    }
-    const QDate date(values[1], values[2], values[3]);
-    const QTime time(values[4], values[5], values[6], values[7]);
-    if (!date.isValid() || !time.isValid()) {
-        return std::nullopt;
-    }
-    constexpr qint64 kMsPerDay = 86400000;
-    return (date.toJulianDay() - QDate(1970, 1, 1).toJulianDay()) * kMsPerDay +
-           time.msecsSinceStartOfDay();
-}
-
-std::optional<qint64> DateParser::slowMs(std::u16string_view text)
-{
-    constexpr qsizetype kMostKnown = 10000;
-    const QString key(reinterpret_cast<const QChar *>(text.data()),
-                      static_cast<qsizetype>(text.size()));
-    const auto found = m_known.constFind(key);
-    if (found != m_known.constEnd()) {
-        return *found;
-    }
-    const QDateTime parsed = m_locale.toDateTime(m_zoneText + key, m_format);
-    std::optional<qint64> ms;
-    if (parsed.isValid()) {
-        ms = QDateTime(parsed.date(), parsed.time(), Qt::UTC).toMSecsSinceEpoch();
-    }
-    if (m_known.size() >= kMostKnown) {
-        m_known.clear();
-    }
-    m_known.insert(key, ms);
-    return ms;
-}
-
-std::optional<double> DateParser::serial(std::u16string_view text)
-{
-    constexpr qint64 kMsTo1970 = 2209161600000;
-    constexpr double kMsPerDay = 86400000;
-    std::optional<qint64> ms;
-    if (!m_tokens.empty()) {
-        ms = fixedWidthMs(text);
-    }
-    if (!ms) {
-        ms = slowMs(text);
-    }
-    if (!ms) {
-        return std::nullopt;
-    }
-    double serial = static_cast<double>(*ms + kMsTo1970) / kMsPerDay;
-    if (m_monthFix && serial < 61) {
-        serial -= 1;
-    }
-    return serial < 1 ? std::nullopt : std::optional(serial);
 }
 
 } // namespace corvanta::sheet

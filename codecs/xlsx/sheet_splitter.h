@@ -1,13 +1,16 @@
-// codecs/xlsx/sheet_splitter.h
-// Split the text of a worksheet at the place where new rows go, while it streams through.
+// Splits the text of a worksheet at the place of new rows, while the text streams through.
 //
-// The bytes in front of that place come out as they go in; only two things change there: an empty
-// sheetData element is opened, and the dimension element, which would no longer be true, is left
-// out (it is optional). Rows from the place on are dropped, and what follows sheetData is kept as
-// the tail. Memory: one piece and the tail.
+// The bytes before that place, the head, are copied with two changes: an empty sheetData element is
+// opened, and the dimension element, which would become wrong, is left out (it is optional). Rows
+// from the place on are dropped, and everything after sheetData is kept as the tail. Memory: one
+// piece and the tail.
 #pragma once
+#include "base/result.h"
+#include "codecs/opc/error.h"
 #include "codecs/opc/markup_scan.h"
-#include "codecs/opc/namespaces.h"
+#include "codecs/xlsx/namespaces.h"
+
+#include <utility>
 
 namespace corvanta::xlsx {
 
@@ -15,7 +18,7 @@ namespace corvanta::xlsx {
 class SheetSplitter
 {
 public:
-    /// New rows begin at row `startRow1` (1-based), or behind the last row for kAppend.
+    /// New rows start at row `startRow1` (1-based), or after the last row for kAppend.
     static constexpr quint64 kAppend = 0;
     explicit SheetSplitter(quint64 startRow1)
         : m_startRow(startRow1)
@@ -23,13 +26,13 @@ public:
     }
 
     /// Take the next bytes of the sheet. Errors: Encoding, Malformed, Unexpected (no worksheet, or
-    /// a row number that is none), TooLarge.
-    Result<void, Error> push(QByteArrayView piece);
-    /// Say that this was all. Errors: as push().
-    Result<void, Error> finish();
+    /// an invalid row number), TooLarge.
+    Result<void, opc::Error> push(QByteArrayView piece);
+    /// End the sheet. Errors: as push().
+    Result<void, opc::Error> finish();
 
-    /// What goes in front of the new rows, as far as it is known after push() and finish(); each
-    /// byte is given once.
+    /// The bytes before the new rows that are known after push() and finish(). Each byte is
+    /// returned once.
     QByteArray takeHead() { return std::exchange(m_head, {}); }
 
     // After finish():
@@ -37,7 +40,7 @@ public:
     quint64 firstRow1() const { return m_startRow == kAppend ? m_lastRow + 1 : m_startRow; }
     /// From the closing tag of sheetData to the end.
     const QByteArray &tail() const { return m_tail; }
-    /// Whether a row that was dropped held a formula.
+    /// Whether a dropped row contained a formula.
     bool hasDroppedFormula() const { return m_hasDroppedFormula; }
     /// The worksheet's root tag, for the names of its namespaces.
     const QByteArray &rootTag() const { return m_rootTag; }
@@ -46,21 +49,21 @@ public:
 private:
     enum class Place : quint8 { Front, Rows, DroppedRows, Tail };
 
-    Result<void, Error> scan();
-    Result<bool, Error> takeNext();
-    Result<void, Error> takeFrontTag(const Tag &tag);
-    Result<void, Error> takeRoot(const Tag &tag);
-    void openSheetData(const Tag &tag);
+    Result<void, opc::Error> scan();
+    Result<bool, opc::Error> takeNext();
+    Result<void, opc::Error> takeFrontTag(const opc::Tag &tag);
+    Result<void, opc::Error> takeRoot(const opc::Tag &tag);
+    void openSheetData(const opc::Tag &tag);
     qsizetype findRowsMarkup() const;
-    Result<void, Error> takeRowsTag(const Tag &tag);
-    Result<void, Error> takeRow(const Tag &tag);
+    Result<void, opc::Error> takeRowsTag(const opc::Tag &tag);
+    Result<void, opc::Error> takeRow(const opc::Tag &tag);
     void keepUpTo(qsizetype offset);
 
     quint64 m_startRow;
     quint64 m_lastRow = 0;
     Place m_place = Place::Front;
     QByteArray m_text;    // not yet consumed
-    qsizetype m_kept = 0; // of m_text: what is already in m_head or dropped
+    qsizetype m_kept = 0; // of m_text: up to here in m_head or dropped
     qsizetype m_at = 0;   // of m_text: scanned up to here
     int m_depth = 0;      // in the front
     bool m_isInDimension = false;
@@ -75,22 +78,5 @@ private:
     bool m_isEncodingKnown = false;
     bool m_hasDroppedFormula = false;
 };
-
-struct HyperlinkUse
-{
-    QByteArray cell; ///< "B7"
-    QByteArray relationshipId;
-};
-
-/// The tail with hyperlinks put into its list of them, which is made where the schema wants it
-/// (ECMA-376 part 1, 18.3.1.99); older links of the same cells give way. `rootTag` and `family` as
-/// the splitter gives them. Errors: Malformed.
-Result<QByteArray, Error> withHyperlinks(const QByteArray &tail, const QByteArray &rootTag,
-                                         const Family &family,
-                                         const std::vector<HyperlinkUse> &uses);
-
-/// The highest N of the relationship ids "rId" + N that the tail uses; 0 without any.
-/// Errors: Malformed.
-Result<quint64, Error> highestUsedId(QByteArrayView tail);
 
 } // namespace corvanta::xlsx

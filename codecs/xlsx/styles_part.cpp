@@ -1,18 +1,32 @@
-// styleSheet is a sequence (ECMA-376 part 1, 18.8.39): numFmts, fonts, fills, borders,
-// cellStyleXfs, cellXfs, cellStyles, dxfs, ... A table that is missing goes in front of the first
-// later one.
+// The styles part (ECMA-376 part 1, 18.8.39), a sequence of tables:
+//
+//   <styleSheet>
+//     <numFmts count>      <numFmt numFmtId formatCode/> ...         own number formats
+//     <fonts count>        <font>...</font> ...                      by index, from 0
+//     <fills/> <borders/> <cellStyleXfs/>
+//     <cellXfs count>      <xf numFmtId fontId fillId .../> ...      by index: the s attribute of c
+//     <cellStyles/> <dxfs/> ...
+//   </styleSheet>
+//
+// A table that is missing is inserted before the first later one.
 #include "codecs/xlsx/styles_part.h"
 
-#include "base/number.h"
+#include "codecs/opc/part_names.h"
+#include "codecs/opc/splices.h"
 
 #include <algorithm>
+#include <array>
 #include <initializer_list>
-#include <limits>
-#include <string_view>
 
 namespace corvanta::xlsx {
 
 namespace {
+
+using opc::Element;
+using opc::Error;
+using opc::Outline;
+using opc::Splices;
+using opc::Tag;
 
 constexpr quint64 kFirstFormatId = 2001;
 
@@ -32,7 +46,7 @@ public:
     StylesChange addCellFormats(quint64 dateFormatId, quint64 fontId);
 
 private:
-    /// Put `entry` behind the `count` ones of a table.
+    /// Append `entry` to a table, which then has `count` entries.
     void append(int table, quint64 count, const QByteArray &entry);
     void addTable(QByteArrayView name, quint64 count, const QByteArray &entries,
                   std::initializer_list<QByteArrayView> earlier);
@@ -76,17 +90,14 @@ quint64 StylesEditor::addNumberFormat(const QByteArray &code)
     quint64 id = kFirstFormatId;
     for (const int index : entries) {
         const Tag &tag = m_outline.element(index).tag;
-        const QByteArrayView digits = tag.attribute("numFmtId").value_or(QByteArrayView());
-        quint64 usedId = 0;
-        const std::string_view view(digits.data(), static_cast<size_t>(digits.size()));
-        if (!parseUInt(view, std::numeric_limits<quint32>::max(), &usedId) ||
-            usedId < kFirstFormatId) {
+        const auto usedId = opc::partNumber(tag.attribute("numFmtId").value_or(QByteArrayView()));
+        if (!usedId || *usedId < kFirstFormatId) {
             continue;
         }
-        if (decoded(tag.attribute("formatCode").value_or(QByteArrayView())).toUtf8() == code) {
-            return usedId;
+        if (opc::decoded(tag.attribute("formatCode").value_or(QByteArrayView())).toUtf8() == code) {
+            return *usedId;
         }
-        id = std::max(id, usedId + 1);
+        id = std::max(id, *usedId + 1);
     }
     const QByteArray entry = element("numFmt", " numFmtId=\"" + QByteArray::number(id) +
                                                    "\" formatCode=\"" + code + "\"/>");
@@ -117,7 +128,7 @@ quint64 StylesEditor::addHyperlinkFont()
             return i;
         }
     }
-    // Font 0 is that of cells without a format, so the first entry must not be ours.
+    // Cells without a format use font 0, so the first entry must not be ours.
     const QByteArray entries = (fonts.empty() ? element("font", "/>") : QByteArray()) + font;
     const quint64 count = std::max<quint64>(fonts.size() + 1, 2);
     if (table) {
@@ -137,7 +148,7 @@ StylesChange StylesEditor::addCellFormats(quint64 dateFormatId, quint64 fontId)
     };
     const auto table = m_outline.child(0, "cellXfs");
     const size_t known = table ? m_outline.children(*table, "xf").size() : 0;
-    // Likewise cells without a format have format 0.
+    // Cells without a format use format 0.
     const QByteArray first = known == 0 ? format(0, 0, "/>") : QByteArray();
     const QByteArray entries =
         first + format(dateFormatId, 0, " applyNumberFormat=\"1\"/>") + format(0, fontId, "/>");
@@ -152,6 +163,23 @@ StylesChange StylesEditor::addCellFormats(quint64 dateFormatId, quint64 fontId)
 }
 
 } // namespace
+
+DateFormat dateFormatAt(int index)
+{
+    constexpr std::array<const char *, 3> kOwnCodes{"yyyy/mm/dd", "yyyy/mm/dd\\ h:mm",
+                                                    "yyyy/mm/dd\\ h:mm:ss"};
+    const int own = qMax(index, 0);
+    if (own < static_cast<int>(kOwnCodes.size())) {
+        return {0, kOwnCodes[static_cast<size_t>(own)]};
+    }
+    return {numberFormatId(index, 0), {}};
+}
+
+int numberFormatId(int index, int ownBase)
+{
+    constexpr int kBuiltIn[] = {22, 14, 15, 16, 17, 18, 19, 20, 21}; // formats 3 to 11
+    return index < 3 ? ownBase + qMax(index, 0) : kBuiltIn[qMin(index, 11) - 3];
+}
 
 Result<StylesChange, Error> changedStyles(QByteArrayView text, const DateFormat &dateFormat)
 {

@@ -1,17 +1,26 @@
-// codecs/xlsx/styles_part.h
-// Add the cell formats of dates and hyperlinks to the styles part of a workbook.
+// Adds the cell formats of dates and hyperlinks to the styles part of a workbook.
 #pragma once
-#include "codecs/opc/markup_scan.h"
+#include "base/result.h"
+#include "codecs/opc/error.h"
+
+#include <QByteArray>
+#include <QByteArrayView>
 
 namespace corvanta::xlsx {
 
-/// How date cells are shown: a number format that every spreadsheet program has built in, or, where
+/// How date cells are shown: a number format that every spreadsheet program has built in or, if
 /// `code` is not empty, one of the workbook's own.
 struct DateFormat
 {
     int builtinId = 0;
-    QByteArray code = {}; ///< needs no escaping
+    QByteArray code = {}; ///< must need no escaping
 };
+
+/// Date formats by their index, 0 to 11: 0 to 2 are formats of the workbook's own, 3 to 11 built-in
+/// ones. Other indexes count as the nearest of these.
+DateFormat dateFormatAt(int index);
+/// The numFmtId of that format; the own formats have the ids from `ownBase` on.
+int numberFormatId(int index, int ownBase);
 
 struct StylesChange
 {
@@ -22,7 +31,8 @@ struct StylesChange
     bool hadNoCellFormats = false;
 };
 
-/// Errors: Encoding, Malformed, Unexpected (no styleSheet), TooLarge.
-Result<StylesChange, Error> changedStyles(QByteArrayView text, const DateFormat &dateFormat);
+/// The text with two more cell formats. Errors: Encoding, Malformed, Unexpected (no styleSheet),
+/// TooLarge.
+Result<StylesChange, opc::Error> changedStyles(QByteArrayView text, const DateFormat &dateFormat);
 
 } // namespace corvanta::xlsx

@@ -1,20 +1,38 @@
+// The workbook part (ECMA-376 part 1, 18.2.27), a sequence:
+//
+//   <workbook>
+//     <workbookPr date1904/>
+//     <sheets>        <sheet name sheetId r:id/> ...         r:id: relationship to the sheet
+//     <functionGroups/> <externalReferences/>
+//     <definedNames>  <definedName name localSheetId>reference</definedName> ...
+//     <calcPr calcId fullCalcOnLoad iterate .../>
+//   </workbook>
 #include "codecs/xlsx/workbook_part.h"
 
-#include "base/number.h"
+#include "codecs/opc/part_names.h"
+#include "codecs/opc/splices.h"
 
 #include <QByteArrayList>
 
 #include <algorithm>
 #include <limits>
-#include <string_view>
 
 namespace corvanta::xlsx {
 
 namespace {
 
+using opc::Attribute;
+using opc::decoded;
+using opc::Element;
+using opc::Error;
+using opc::Outline;
+using opc::quotable;
+using opc::Splices;
+using opc::Tag;
+
 constexpr quint32 kMaxSheetId = std::numeric_limits<quint32>::max();
 
-/// A workbook's elements that an update looks at.
+/// The elements of a workbook that an update reads.
 struct Parts
 {
     Outline outline;
@@ -22,7 +40,7 @@ struct Parts
     int sheets;
 };
 
-/// The prefix that stands for `uri` on `tag` or on the tags around it, innermost first.
+/// The prefix that these nested tags bind to `uri`; the innermost binding counts.
 std::optional<QByteArray> prefixFor(QByteArrayView uri,
                                     std::initializer_list<const Tag *> innermostFirst)
 {
@@ -61,12 +79,9 @@ QByteArray relationshipIdOf(const Parts &parts, const Tag &sheet)
 
 SheetEntry sheetOf(const Parts &parts, const Tag &tag)
 {
-    quint64 id = 0;
-    const QByteArrayView digits = tag.attribute("sheetId").value_or(QByteArrayView());
-    parseUInt(std::string_view(digits.data(), static_cast<size_t>(digits.size())), kMaxSheetId,
-              &id);
-    return {decoded(tag.attribute("name").value_or(QByteArrayView())), static_cast<quint32>(id),
-            relationshipIdOf(parts, tag)};
+    const auto id = opc::partNumber(tag.attribute("sheetId").value_or(QByteArrayView()));
+    return {decoded(tag.attribute("name").value_or(QByteArrayView())),
+            static_cast<quint32>(id.value_or(0)), relationshipIdOf(parts, tag)};
 }
 
 void addSheet(const Parts &parts, const SheetEntry &sheet, Splices *splices)
@@ -83,8 +98,8 @@ void addSheet(const Parts &parts, const SheetEntry &sheet, Splices *splices)
                                 sheet.relationshipId + "\"/>");
 }
 
-/// Behind which child of the workbook something goes that follows the elements of `names`.
-qsizetype behindLast(const Parts &parts, std::initializer_list<QByteArrayView> names)
+/// The end of the last child of the workbook that is the sheets element or in `names`.
+qsizetype endOfLast(const Parts &parts, std::initializer_list<QByteArrayView> names)
 {
     qsizetype at = parts.outline.element(parts.sheets).end;
     for (const QByteArrayView name : names) {
@@ -104,7 +119,7 @@ void setDefinedName(const Parts &parts, const DefinedName &name, Splices *splice
     const auto list = outline.child(0, "definedNames");
     if (!list) {
         const QByteArray listName = outline.qualified("definedNames");
-        splices->insert(behindLast(parts, {"functionGroups", "externalReferences"}),
+        splices->insert(endOfLast(parts, {"functionGroups", "externalReferences"}),
                         '<' + listName + '>' + text + "</" + listName + '>');
         return;
     }
@@ -120,8 +135,8 @@ void setDefinedName(const Parts &parts, const DefinedName &name, Splices *splice
     splices->append(outline.element(*list), text);
 }
 
-/// Whether results of formulas, or how references are written, hang on an attribute of calcPr. The
-/// others say when and how fast to calculate, which a full calculation on load makes void.
+/// Whether the results of formulas, or the form of references, depend on an attribute of calcPr.
+/// The others determine when and how fast to calculate; a full calculation on load replaces them.
 bool isCalculationRule(QByteArrayView name)
 {
     static const QByteArrayList kRules{"iterate", "iterateCount", "iterateDelta", "fullPrecision",
@@ -135,7 +150,7 @@ void setRecalculation(const Parts &parts, Splices *splices)
     const Outline &outline = parts.outline;
     const auto calculation = outline.child(0, "calcPr");
     if (!calculation) {
-        splices->insert(behindLast(parts, {"functionGroups", "externalReferences", "definedNames"}),
+        splices->insert(endOfLast(parts, {"functionGroups", "externalReferences", "definedNames"}),
                         '<' + outline.qualified("calcPr") + kAttributes + "/>");
         return;
     }
@@ -233,10 +248,16 @@ Result<QByteArray, Error> changedWorkbook(QByteArrayView text, const WorkbookCha
     return splices.apply();
 }
 
+QString shortSheetName(const QString &name)
+{
+    return cut(name, kMaxSheetNameUnits);
+}
+
 QString freeSheetName(const QString &name, const QStringList &taken)
 {
-    // Kept as required: letter case counts, although spreadsheet programs ignore it.
-    QString candidate = cut(name, kMaxSheetNameUnits);
+    // Kept for saved graphs: letter case counts, although spreadsheet programs ignore it
+    // (WorkbookPart.SheetNamesAreShortAndFree).
+    QString candidate = shortSheetName(name);
     for (int number = 2; taken.contains(candidate); ++number) {
         const QString suffix = QLatin1Char('_') + QString::number(number);
         candidate = cut(name, kMaxSheetNameUnits - suffix.size()) + suffix;

@@ -1,11 +1,12 @@
-// codecs/xlsx/workbook_part.h
-// The workbook part: its sheets, and what an update changes in its text.
+// The workbook part: reads its sheets, and changes its text for an update.
 #pragma once
-#include "codecs/opc/markup_scan.h"
-#include "codecs/opc/namespaces.h"
+#include "base/result.h"
+#include "codecs/opc/error.h"
+#include "codecs/xlsx/namespaces.h"
 
 #include <QStringList>
 
+#include <optional>
 #include <vector>
 
 namespace corvanta::xlsx {
@@ -28,8 +29,9 @@ struct Workbook
     quint32 freeSheetId() const;
 };
 
-/// Errors: Encoding, Malformed, Unexpected (no workbook, or one without sheets), TooLarge.
-Result<Workbook, Error> readWorkbook(QByteArrayView text);
+/// Read the sheets of the part. Errors: Encoding, Malformed, Unexpected (no workbook, or one
+/// without sheets), TooLarge.
+Result<Workbook, opc::Error> readWorkbook(QByteArrayView text);
 
 struct DefinedName
 {
@@ -40,18 +42,23 @@ struct DefinedName
 struct WorkbookChange
 {
     std::optional<SheetEntry> addedSheet = {};
-    /// Takes the place of a name of the whole workbook that is called the same.
+    /// Replaces a name of the whole workbook that has the same spelling (letter case does not
+    /// count).
     std::optional<DefinedName> definedName = {};
-    /// Have everything calculated anew when the workbook is opened.
+    /// Programs calculate all formulas when they open the workbook.
     bool recalculate = false;
 };
 
 /// The text with the change applied. Errors: as readWorkbook.
-Result<QByteArray, Error> changedWorkbook(QByteArrayView text, const WorkbookChange &change);
+Result<QByteArray, opc::Error> changedWorkbook(QByteArrayView text, const WorkbookChange &change);
 
-/// `name` where it fits, else with "_2", "_3", ... behind it, so that no other sheet has it (letter
-/// case counts) and at most 31 UTF-16 units are used. A longer `name` is cut first.
-QString freeSheetName(const QString &name, const QStringList &taken);
+/// UTF-16 units of the name of a sheet.
 inline constexpr qsizetype kMaxSheetNameUnits = 31;
+
+/// `name` cut to kMaxSheetNameUnits, without half a surrogate pair.
+QString shortSheetName(const QString &name);
+/// The same, with "_2", "_3", ... appended (the name is cut further for it) if a sheet in `taken`
+/// has the name. Letter case counts.
+QString freeSheetName(const QString &name, const QStringList &taken);
 
 } // namespace corvanta::xlsx

@@ -1,5 +1,6 @@
-#include "codecs/opc/package_parts.h"
+#include "codecs/opc/outline.h"
 #include "codecs/xlsx/sheet_splitter.h"
+#include "codecs/xlsx/sheet_tail.h"
 #include "codecs/xlsx/styles_part.h"
 #include "codecs/xlsx/workbook_part.h"
 
@@ -8,6 +9,9 @@
 namespace corvanta::xlsx {
 
 namespace {
+
+using opc::Error;
+using opc::Outline;
 
 constexpr auto kMain = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
 constexpr auto kRel = "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
@@ -65,107 +69,7 @@ QByteArray sheetAround(const QByteArray &data, const QByteArray &tail = {})
 
 } // namespace
 
-TEST(MarkupScan, SeesTagsOnlyWhereTheyAre)
-{
-    const QByteArray text = "<!-- <a> --><?p <b>?><r><![CDATA[<c>]]><d x='>' y = \"1\" /></r>";
-    qsizetype at = 0;
-    Tag tag;
-    bool isBroken = false;
-    QByteArrayList names;
-    while (nextTag(text, &at, &tag, &isBroken)) {
-        names += tag.name.toByteArray() + char('0' + static_cast<int>(tag.kind)) +
-                 tag.attribute("y").value_or("").toByteArray();
-    }
-    EXPECT_FALSE(isBroken);
-    EXPECT_EQ(names, (QByteArrayList{"r0", "d21", "r1"}));
-}
-
-TEST(MarkupScan, RefusesWhatIsNoXml)
-{
-    for (const char *text :
-         {"", "<a>", "</a>", "<a></b>", "<a/><b/>", "<a b></a>", "<a b=1/>", "<a b='1'c='2'/>",
-          "<a <b/>", "<!DOCTYPE a><a/>", "<a><!-- </a>", "<1/>", "text"}) {
-        EXPECT_FALSE(Outline::read(text)) << text;
-    }
-    using namespace std::string_literals;
-    for (const std::string &text :
-         {"\xFF\xFE<\0a\0"s, "<\0a\0/\0>\0"s, "<?xml version='1.0' encoding='latin1'?><a/>"s}) {
-        const auto read =
-            Outline::read(QByteArrayView(text.data(), static_cast<qsizetype>(text.size())));
-        ASSERT_FALSE(read);
-        EXPECT_EQ(read.fault().code, Error::Encoding);
-    }
-    EXPECT_TRUE(Outline::read("\xEF\xBB\xBF<?xml version='1.0' encoding='UTF-8'?><a/>"));
-}
-
-TEST(MarkupScan, DecodesAndQuotesNames)
-{
-    EXPECT_EQ(decoded("&lt;&gt;&apos;&quot;&amp;&#65;&#x20AC;&#xD800;&bad;&"),
-              u"<>'\"&A\u20AC&#xD800;&bad;&");
-    EXPECT_EQ(quotable(u"a&b<c>\"d\"\n\x01"), "a&amp;b&lt;c>&quot;d&quot;&#10;\xEF\xBF\xBD");
-}
-
-TEST(PackageParts, TargetsLeadToMembers)
-{
-    const std::vector<std::array<const char *, 3>> cases{
-        {"xl/workbook.xml", "worksheets/sheet1.xml", "xl/worksheets/sheet1.xml"},
-        {"xl/workbook.xml", "/xl/worksheets/sheet1.xml", "xl/worksheets/sheet1.xml"},
-        {"xl/workbook.xml", "./../xl//worksheets\\sheet1.xml", "xl/worksheets/sheet1.xml"},
-        {"workbook.xml", "sheet1.xml", "sheet1.xml"},
-        {"xl/workbook.xml", "../../sheet1.xml", ""},
-    };
-    for (const auto &[source, target, member] : cases) {
-        EXPECT_EQ(resolvedTarget(source, QString::fromLatin1(target)), member);
-    }
-    const MemberNames names({"xl\\workbook.xml", "XL/Styles.xml", "xl/styles.xml",
-                             "xl/worksheets/Sheet12.xml", "a b.xml"});
-    EXPECT_EQ(names.find("xl/workbook.xml"), "xl\\workbook.xml");
-    EXPECT_EQ(names.find("xl/styles.xml"), "xl/styles.xml");
-    EXPECT_EQ(names.find("a%20b.xml"), "a b.xml");
-    EXPECT_EQ(names.find("none"), std::nullopt);
-    EXPECT_EQ(names.highestNumber("xl/worksheets/sheet"), 12U);
-    EXPECT_EQ(relationshipPartOf("xl/worksheets/sheet1.xml"),
-              "xl/worksheets/_rels/sheet1.xml.rels");
-}
-
-TEST(PackageParts, RelationshipsAreNumberedOn)
-{
-    const QByteArray text = "<Relationships><!--<Relationship Id=\"rId99\"/>-->"
-                            "<Relationship Target='a&amp;b' Id='rId7' Type='t'/>"
-                            "<Relationship Id=\"other\" Type=\"u\" Target=\"x\" "
-                            "TargetMode=\"External\"/></Relationships>";
-    const auto read = readRelationships(text);
-    ASSERT_TRUE(read);
-    EXPECT_EQ(highestIdNumber(*read), 7U);
-    EXPECT_EQ(read->front().target, u"a&b");
-    const auto changed =
-        changedRelationships(text, {{"rId8", u"n"_qs, u"y\"<&"_qs, true}}, {"other"});
-    ASSERT_TRUE(changed);
-    EXPECT_EQ(*changed, "<Relationships><!--<Relationship Id=\"rId99\"/>-->"
-                        "<Relationship Target='a&amp;b' Id='rId7' Type='t'/>"
-                        "<Relationship Type=\"n\" Id=\"rId8\" Target=\"y&quot;&lt;&amp;\" "
-                        "TargetMode=\"External\"/></Relationships>");
-    const auto prefixed =
-        changedRelationships("<p:Relationships xmlns:p='x'/>", {{"rId1", u"n"_qs, u"y"_qs}});
-    ASSERT_TRUE(prefixed);
-    EXPECT_EQ(*prefixed, "<p:Relationships xmlns:p='x'><p:Relationship Id=\"rId1\" Type=\"n\" "
-                         "Target=\"y\"/></p:Relationships>");
-    EXPECT_TRUE(changedRelationships({}, {}));
-}
-
-TEST(PackageParts, ContentTypesNameTheParts)
-{
-    const QByteArray text =
-        "<c:Types xmlns:c='x'><c:Override ContentType='t' PartName='/xl/a&amp;b.xml'/></c:Types>";
-    const auto added = withContentType(text, "xl/worksheets/sheet2.xml", "u");
-    ASSERT_TRUE(added);
-    const auto names = readOverriddenParts(*added);
-    ASSERT_TRUE(names);
-    EXPECT_EQ(*names, (std::vector<QByteArray>{"xl/a&b.xml", "xl/worksheets/sheet2.xml"}));
-    EXPECT_EQ(readOverriddenParts("<Relationships/>").fault().code, Error::Unexpected);
-}
-
-TEST(WorkbookPart, ReadsSheetsHoweverTheyAreWritten)
+TEST(WorkbookPart, ReadsSheetsInAnyXmlForm)
 {
     const QByteArray text =
         xml("<x:workbook xmlns:x='MAIN'><x:workbookPr date1904='true'/>"
@@ -237,7 +141,7 @@ TEST(WorkbookPart, SheetNamesAreShortAndFree)
     EXPECT_EQ(freeSheetName(QString(30, u'x') + u"\U0001F600"_qs, {}), QString(30, u'x'));
 }
 
-TEST(StylesPart, AddsFormatsWithTrueCounts)
+TEST(StylesPart, AddsFormatsAndCorrectsCounts)
 {
     const QByteArray xfs = "<cellXfs count=\"1\"><xf numFmtId=\"0\"/></cellXfs>";
     const QByteArray link = "<font><u/><sz val=\"11\"/><color theme=\"10\"/><name "
@@ -285,7 +189,7 @@ TEST(StylesPart, AddsFormatsWithTrueCounts)
     EXPECT_FALSE(prefixed->text.contains("numFmts"));
 }
 
-TEST(SheetSplitter, CutsWhereTheNewRowsGo)
+TEST(SheetSplitter, SplitsAtTheFirstNewRow)
 {
     struct Case
     {
@@ -348,7 +252,7 @@ TEST(SheetSplitter, GivesPrefixedSheetsADefaultNamespace)
     }
 }
 
-TEST(SheetSplitter, RefusesWhatItDoesNotUnderstand)
+TEST(SheetSplitter, RejectsTextThatIsNotAWorksheet)
 {
     const QByteArray good = sheetAround("<sheetData><row r=\"1\"/></sheetData>");
     const std::vector<std::pair<QByteArray, Error>> cases{
@@ -373,7 +277,7 @@ TEST(SheetSplitter, RefusesWhatItDoesNotUnderstand)
     }
 }
 
-TEST(SheetTail, HyperlinksGoWhereTheSchemaWantsThem)
+TEST(SheetTail, HyperlinksAreInsertedInSchemaOrder)
 {
     const QByteArray link = "<hyperlink ref=\"B2\" r:id=\"rId4\"/>";
     const QByteArray list = "<hyperlinks>" + link + "</hyperlinks>";
@@ -398,13 +302,13 @@ TEST(SheetTail, HyperlinksGoWhereTheSchemaWantsThem)
     };
     for (const auto &[before, after] : cases) {
         const Split out = split(sheetAround("<sheetData/>", before), 0);
-        const auto changed = withHyperlinks(out.tail, out.rootTag, out.family, {{"B2", "rId4"}});
+        const auto changed = withHyperlinks(out.tail, out.rootTag, out.family, {{1, 2, 1}}, 3);
         ASSERT_TRUE(changed);
         EXPECT_EQ(*changed, "</sheetData>" + after + "</worksheet>");
         EXPECT_EQ(*highestUsedId(out.tail), before.contains("rId3") ? 3U : 0U);
     }
     const Split bare = split(xml("<x:worksheet xmlns:x='MAIN'><x:sheetData/></x:worksheet>"), 0);
-    const auto changed = withHyperlinks(bare.tail, bare.rootTag, bare.family, {{"B2", "rId4"}});
+    const auto changed = withHyperlinks(bare.tail, bare.rootTag, bare.family, {{1, 2, 1}}, 3);
     ASSERT_TRUE(changed);
     EXPECT_EQ(*changed, xml("</x:sheetData><x:hyperlinks xmlns:r=\"REL\"><x:hyperlink ref=\"B2\" "
                             "r:id=\"rId4\"/></x:hyperlinks></x:worksheet>"));

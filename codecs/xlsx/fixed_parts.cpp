@@ -1,8 +1,19 @@
-#include "codecs/sheet/new_workbook.h"
+// A workbook with one sheet (ECMA-376 part 1, SpreadsheetML; part 2, packages), in writing order:
+//
+//   [Content_Types].xml                     types of the parts
+//   _rels/.rels                             rId1 -> xl/workbook.xml
+//   xl/_rels/workbook.xml.rels              rId1 -> the sheet, rId2 -> the styles
+//   xl/styles.xml                           cell formats: 0 general, 1 dates, 2 hyperlinks
+//   xl/worksheets/sheet1.xml                worksheet: sheetViews, sheetData, hyperlinks,
+//   pageMargins xl/workbook.xml                         fileVersion, bookViews, sheets,
+//   definedNames xl/worksheets/_rels/sheet1.xml.rels     addresses of hyperlinks, if there are any
+#include "codecs/xlsx/fixed_parts.h"
 
+#include "codecs/opc/content_types.h"
 #include "codecs/sheet/cell_text.h"
+#include "codecs/xlsx/styles_part.h"
 
-namespace corvanta::sheet {
+namespace corvanta::xlsx {
 
 namespace {
 
@@ -11,6 +22,8 @@ namespace {
 #define OFFICE_RELS "http://schemas.openxmlformats.org/officeDocument/2006/relationships"
 #define PACKAGE_RELS "http://schemas.openxmlformats.org/package/2006/relationships"
 #define SHEET_TYPES "application/vnd.openxmlformats-officedocument.spreadsheetml."
+
+constexpr int kFirstOwnFormat = 164; // numFmtId of the first format in kStylesHead
 
 constexpr char kContentTypes[] = XML_DECLARATION
     "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
@@ -72,63 +85,68 @@ QByteArray escapeXml(const QString &text)
 
 } // namespace
 
-int dateNumFmtId(int dateFormat, int ownBase)
+QByteArray newStyles(int dateFormat)
 {
-    constexpr int kBuiltIn[] = {22, 14, 15, 16, 17, 18, 19, 20, 21}; // formats 3 to 11
-    return dateFormat < 3 ? ownBase + qMax(dateFormat, 0) : kBuiltIn[qMin(dateFormat, 11) - 3];
+    return QByteArray(kStylesHead) +
+           QByteArray::number(numberFormatId(dateFormat, kFirstOwnFormat)) + kStylesTail;
 }
 
 QList<FixedMember> leadingMembers(int dateFormat)
 {
-    constexpr int kFirstOwnFormat = 164;
-    return {{"[Content_Types].xml", kContentTypes},
+    return {{opc::kContentTypesPart, kContentTypes},
             {"_rels/.rels", kPackageRels},
             {"xl/_rels/workbook.xml.rels", kWorkbookRels},
-            {"xl/styles.xml", QByteArray(kStylesHead) +
-                                  QByteArray::number(dateNumFmtId(dateFormat, kFirstOwnFormat)) +
-                                  kStylesTail}};
+            {"xl/styles.xml", newStyles(dateFormat)}};
 }
 
-QByteArray sheetHead()
+QByteArray newSheetRoot(const Family &family)
 {
-    return XML_DECLARATION "<worksheet xmlns=\"" MAIN_NS "\" xmlns:r=\"" OFFICE_RELS "\">"
-                           "<sheetViews><sheetView workbookViewId=\"0\"/></sheetViews><sheetData>";
+    return "<worksheet xmlns=\"" + family.main.toByteArray() + "\" xmlns:r=\"" +
+           family.relationships.toByteArray() + "\">";
 }
 
-QByteArray sheetEndOfRows()
+QByteArray newSheetHead(const Family &family)
 {
-    return "</sheetData>";
+    return XML_DECLARATION + newSheetRoot(family) +
+           "<sheetViews><sheetView workbookViewId=\"0\"/></sheetViews><sheetData>";
 }
 
-QByteArray sheetTail()
+QByteArray newSheetTail()
 {
-    return "<pageMargins left=\"0.7\" right=\"0.7\" top=\"0.75\" bottom=\"0.75\" header=\"0.3\" "
+    return "</sheetData><pageMargins left=\"0.7\" right=\"0.7\" top=\"0.75\" bottom=\"0.75\" "
+           "header=\"0.3\" "
            "footer=\"0.3\"/></worksheet>";
 }
 
-QString rangeReference(const NamedRange &range)
+QString rangeReference(const NamedRange &range, QString sheetName)
 {
     // Inside the quotes of a reference an apostrophe is doubled (18.2.5).
-    QString sheetName = range.sheetName;
     sheetName.replace(u'\'', QStringLiteral("''"));
     return QStringLiteral("'%1'!$A$%2:$%3$%4")
         .arg(sheetName, QString::number(range.firstRow),
-             QString::fromLatin1(columnLetters(range.lastColumn)), QString::number(range.lastRow));
+             QString::fromLatin1(sheet::columnLetters(range.lastColumn)),
+             QString::number(range.lastRow));
 }
 
-QByteArray definedName(const NamedRange &range)
+namespace {
+
+/// The block of defined names with one entry.
+QByteArray definedNames(const NamedRange &range, const QString &sheetName)
 {
-    return "<definedName name=\"" + escapeXml(range.name).replace("\"", "&quot;") + "\">" +
-           escapeXml(rangeReference(range)) + "</definedName>";
+    return "<definedNames><definedName name=\"" + escapeXml(range.name).replace("\"", "&quot;") +
+           "\">" + escapeXml(rangeReference(range, sheetName)) + "</definedName></definedNames>";
 }
 
 QByteArray escapeSheetName(const QString &name)
 {
-    // Kept as required: "<" stays as it is, although the workbook is then no XML.
+    // Kept for saved graphs: "<" is not escaped, although the workbook is then not XML; the action
+    // warns about it (graph.write_excel/markup_in_sheet_name).
     return name.toUtf8().replace("&", "&amp;").replace("\"", "&quot;");
 }
 
-QByteArray workbook(const QString &sheetName, const QByteArray &definedNames)
+} // namespace
+
+QByteArray newWorkbook(const QString &sheetName, const std::optional<NamedRange> &range)
 {
     QByteArray xml = XML_DECLARATION
         "<workbook xmlns=\"" MAIN_NS "\" xmlns:r=\"" OFFICE_RELS "\">"
@@ -137,10 +155,10 @@ QByteArray workbook(const QString &sheetName, const QByteArray &definedNames)
         "windowHeight=\"8676\"/></bookViews>"
         "<sheets><sheet name=\"";
     xml += escapeSheetName(sheetName) + "\" sheetId=\"1\" r:id=\"rId1\"/></sheets>";
-    if (!definedNames.isEmpty()) {
-        xml += "<definedNames>" + definedNames + "</definedNames>";
+    if (range) {
+        xml += definedNames(*range, sheetName);
     }
     return xml + "</workbook>";
 }
 
-} // namespace corvanta::sheet
+} // namespace corvanta::xlsx

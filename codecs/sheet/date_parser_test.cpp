@@ -1,4 +1,4 @@
-#include "codecs/sheet/cell_text.h"
+#include "codecs/sheet/date_parser.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-// codecs/xlsx/namespaces.h
-// The namespaces and relationship types of workbooks, in their two families (ECMA-376 part 1).
+// The namespaces of workbooks in their two families (ECMA-376 part 1 for strict, part 4 for
+// transitional workbooks).
 #pragma once
 #include <QByteArrayView>
 

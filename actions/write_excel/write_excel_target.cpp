@@ -1,0 +1,273 @@
+// The workbook that writeExcel writes to: which one, which sheet of it, and how the finished file
+// replaces the destination.
+#include "actions/write_excel/spreadsheet_program.h"
+#include "actions/write_excel/write_excel.h"
+#include "codecs/xlsx/new_workbook.h"
+#include "corvanta/files.h"
+#include "io/replace/file_swap.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <chrono>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+constexpr int kSheetByNumber = 0;
+constexpr int kSheetByName = 1;
+constexpr qint64 kMaxStartRow = 0x7FFFFFFF;
+
+/// The start row in a text; kAppend for a text that is not a number, or a number below 1.
+quint64 startRowOf(const QString &text)
+{
+    const double number = text.toDouble();
+    return number >= 1 ? static_cast<quint64>(qMin(number, double(kMaxStartRow)))
+                       : xlsx::SheetSplitter::kAppend;
+}
+
+} // namespace
+
+bool ActionWriteExcel::openWorkbook()
+{
+    if (m_params.mode < 1 || m_params.mode > 4) {
+        return openNewWorkbook();
+    }
+    m_run->source = updatesInPlace() ? m_run->file : expandFile(m_params.fileNameSource);
+    const KobiFileInfo info(globalParameters(), m_run->source);
+    if (info.exists() && info.size() != 0) {
+        return openUpdate();
+    }
+    if (!m_params.createIfNotExists) {
+        return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source));
+    }
+    warn(u"\nWarning Cannot read Excel file '%1'\n"_s.arg(m_run->source));
+    return openNewWorkbook();
+}
+
+bool ActionWriteExcel::openOutput()
+{
+    return m_run->output.open(m_run->file, {getIdx()}, m_run->compression) ||
+           fail(u"\nERROR writing to Excel file '%1'\n"_s.arg(m_run->file));
+}
+
+bool ActionWriteExcel::openNewWorkbook()
+{
+    if (m_params.createDir) {
+        QDir().mkpath(QFileInfo(m_run->file).absolutePath());
+    }
+    if (!openOutput()) {
+        return false;
+    }
+    const QString name = makeSheetName();
+    if (name.contains(u'<')) {
+        warn(
+            u"Warning: the sheet name '%1' of the Excel file '%2' contains '<': the workbook may not open.\n"_s
+                .arg(name, m_run->file));
+    }
+    m_run->workbook = std::make_unique<xlsx::NewWorkbook>(name, m_params.dateFormatExcel);
+    return true;
+}
+
+QString ActionWriteExcel::makeSheetName()
+{
+    const QString name = expandString(m_params.sheetName);
+    if (name.size() > xlsx::kMaxSheetNameUnits) {
+        warn(
+            u"WARNING: in the Excelfile '%1' the SheetName '%2' is too long: truncating at 31 chars."_s
+                .arg(m_run->file, name));
+    }
+    return xlsx::shortSheetName(name);
+}
+
+bool ActionWriteExcel::openUpdate()
+{
+    auto input = PackageInput::open(globalParameters(), m_run->source);
+    if (!input) {
+        return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source));
+    }
+    m_run->input = std::move(*input);
+    auto workbook =
+        xlsx::UpdatedWorkbook::open(m_run->input->reader(), [this] { return runIsGood(); });
+    if (!workbook) {
+        return failWorkbook(workbook.fault());
+    }
+    if (!chooseSheet(**workbook)) {
+        return false;
+    }
+    addCellFormats(**workbook);
+    m_run->workbook = std::move(*workbook);
+    return openOutput();
+}
+
+/// Log what went wrong with the workbook; false.
+bool ActionWriteExcel::failWorkbook(const Fault<opc::Error> &fault)
+{
+    switch (fault.code) {
+    case opc::Error::WriteFailed:
+        return failWrite();
+    case opc::Error::NotAdded:
+        return fail(u"\nERROR: cannot open file '%1' in the zipfile for write"_s.arg(fault.detail));
+    case opc::Error::Damaged:
+        fail(u"\nERROR: cannot decompress file '%1'.\n"_s.arg(fault.detail));
+        break;
+    case opc::Error::NoMember:
+        fail(u"\nERROR: cannot open file '%1' in the zipfile for read"_s.arg(fault.detail));
+        break;
+    case opc::Error::Stopped:
+        return false;
+    case opc::Error::Encoding:
+    case opc::Error::Malformed:
+    case opc::Error::Unexpected:
+    case opc::Error::TooLarge:
+        break;
+    }
+    return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source));
+}
+
+bool ActionWriteExcel::chooseSheet(xlsx::UpdatedWorkbook &workbook)
+{
+    const bool changes = m_params.mode == 2 || m_params.mode == 4;
+    if (changes && m_params.sheetMode == kSheetByNumber) {
+        return chooseByNumber(workbook);
+    }
+    if (changes && m_params.sheetMode == kSheetByName) {
+        return chooseByName(workbook);
+    }
+    addSheet(workbook);
+    return true;
+}
+
+void ActionWriteExcel::addSheet(xlsx::UpdatedWorkbook &workbook)
+{
+    const QStringList taken = workbook.workbook().sheetNames();
+    workbook.addSheet(xlsx::freeSheetName(makeSheetName(), taken));
+}
+
+/// Write to the sheet with this index, from 0.
+bool ActionWriteExcel::changeSheet(xlsx::UpdatedWorkbook &workbook, qsizetype index)
+{
+    const quint64 startRow1 = startRowOf(expandString(m_params.startRow));
+    const auto chosen = workbook.changeSheet(static_cast<size_t>(index), startRow1);
+    return chosen || failWorkbook(chosen.fault());
+}
+
+bool ActionWriteExcel::chooseByNumber(xlsx::UpdatedWorkbook &workbook)
+{
+    const int number = expandString(m_params.sheetIdx).toInt();
+    const qsizetype count = workbook.workbook().sheetNames().size();
+    if (number >= 1 && number <= count) {
+        return changeSheet(workbook, number - 1);
+    }
+    const QString valid = count == 1
+                              ? u"only sheet has the index '1')."_s
+                              : u"valid range of sheet indexes is from 1 to %1)."_s.arg(count);
+    return fail(u"ExcelWriter: Could not find sheet number '%1' inside the file '%2' (The %3"_s.arg(
+        QString::number(number), m_run->source, valid));
+}
+
+bool ActionWriteExcel::chooseByName(xlsx::UpdatedWorkbook &workbook)
+{
+    const QString name = expandString(m_params.sheetName);
+    const QStringList names = workbook.workbook().sheetNames();
+    const qsizetype index = names.indexOf(name);
+    if (index >= 0) {
+        return changeSheet(workbook, index);
+    }
+    if (m_params.createIfNotExists) {
+        addSheet(workbook);
+        return true;
+    }
+    const QString available = names.size() == 1
+                                  ? u"only sheet is named '%1'."_s.arg(names.front())
+                                  : u"%1 available sheets have the following names: '%2'."_s.arg(
+                                        QString::number(names.size()), names.join(u"', '"_s));
+    return fail(u"ExcelWriter: Could not find sheet named '%1' inside the file '%2'. The %3"_s.arg(
+        name, m_run->source, available));
+}
+
+void ActionWriteExcel::addCellFormats(xlsx::UpdatedWorkbook &workbook)
+{
+    switch (workbook.addCellFormats(m_params.dateFormatExcel)) {
+    case xlsx::UpdatedWorkbook::CellFormats::Added:
+        break;
+    case xlsx::UpdatedWorkbook::CellFormats::NotAdded:
+        warn(u"Warning: Cannot add new Cell Styles (1) inside Excel file"_s);
+        break;
+    case xlsx::UpdatedWorkbook::CellFormats::AddedTable:
+        warn(u"Warning: Cannot add new Cell Styles (2) inside Excel file"_s);
+        break;
+    }
+}
+
+/// Replace the destination by the finished package. Returns false, with the run failed, when that
+/// is not possible.
+bool ActionWriteExcel::commit()
+{
+    bool hasSwapped = false;
+    const auto move = [&](const QString &temporary, const QString &target) {
+        hasSwapped = true;
+        return swap(temporary, target);
+    };
+    const bool done = updatesInPlace() ? m_run->output.commit(move) : m_run->output.commit();
+    if (!done && !hasSwapped) {
+        fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(m_run->file));
+    }
+    return done;
+}
+
+bool ActionWriteExcel::swap(const QString &temporary, const QString &target)
+{
+    const QString backup = u"%1_tmp2_%2_%3.xlsx"_s.arg(
+        target, QString::number(getIdx()), QString::number(MainUI::getNearUniqueRandomID()));
+    const SwapObserver observer{
+        [this](const QString &from, const QString &to) {
+            warn(u"WARNING: failed attempt to rename '%1' to '%2'"_s.arg(from, to));
+        },
+        [this](int pauseMs) { return pause(pauseMs); }};
+    const auto failed = swapFile({temporary, target, backup}, observer);
+    if (failed) {
+        return fail(u"ERROR: impossible to rename '%1' to '%2'"_s.arg(failed->from, failed->to));
+    }
+    return true;
+}
+
+/// Wait, but not beyond the end of the run. Returns false when it has ended.
+bool ActionWriteExcel::pause(int pauseMs) const
+{
+    constexpr int kSliceMs = 50;
+    for (int waited = 0; waited < pauseMs && runIsGood(); waited += kSliceMs) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(kSliceMs));
+    }
+    return runIsGood();
+}
+
+/// Kept for saved graphs: without input rows the swap is done with a package that was never
+/// written. It fails with the messages that graphs rely on, and the workbook is unchanged
+/// (updates.behaviour).
+void ActionWriteExcel::swapNothing()
+{
+    const QString temporary = u"%1_tmp_%2_%3"_s.arg(
+        m_run->file, QString::number(getIdx()), QString::number(MainUI::getNearUniqueRandomID()));
+    swap(temporary, m_run->file);
+    if (m_params.runExcel) {
+        recalculate();
+    }
+}
+
+void ActionWriteExcel::recalculate()
+{
+    const QString folder = globalParameters()->workingDir();
+    // swapNothing() has failed this run, and the workbook is recalculated nevertheless. A run that
+    // was stopped, or that another action failed, also requests a yield.
+    const auto isRunning = [this] { return runIsGood() || !yieldRequested(); };
+    if (!recalculateWorkbook(m_run->file, folder, getIdx(), isRunning)) {
+        warn(u"Warning: cannot run MS-Excel to finalize XLSX file '%1'\n"_s.arg(m_run->file));
+    }
+}
+
+} // namespace corvanta

@@ -1,0 +1,77 @@
+#include "codecs/opc/member_writer.h"
+
+namespace corvanta::opc {
+
+Fault<Error> memberFault(zip::Error error, const QByteArray &member)
+{
+    const QString name = QString::fromUtf8(member);
+    switch (error) {
+    case zip::Error::ReadFailed:
+    case zip::Error::BadData:
+    case zip::Error::BadSize:
+    case zip::Error::BadChecksum:
+    case zip::Error::TooLarge:
+        return {Error::Damaged, name};
+    case zip::Error::NoMember:
+    case zip::Error::Encrypted:
+    case zip::Error::UnknownMethod:
+    case zip::Error::BadLocalHeader:
+        return {Error::NoMember, name};
+    case zip::Error::BadName:
+    case zip::Error::NameTaken:
+        return {Error::NotAdded, name};
+    case zip::Error::NotAPackage:
+    case zip::Error::BadDirectory:
+        return {Error::Unexpected, name};
+    case zip::Error::WriteFailed:
+    case zip::Error::Stopped:
+    case zip::Error::NoMemory:
+        break;
+    }
+    return {Error::WriteFailed, name};
+}
+
+template <class F> Result<void, Error> MemberWriter::retried(F operation, const QByteArray &member)
+{
+    for (;;) {
+        const Result<void, zip::Error> done = operation();
+        if (done) {
+            return {};
+        }
+        if (done.fault().code != zip::Error::WriteFailed || !m_retryWrite()) {
+            return memberFault(done.fault().code, member);
+        }
+    }
+}
+
+Result<void, Error> MemberWriter::open(const QByteArray &name)
+{
+    m_open = name;
+    return retried([&] { return m_output.openMember(name); }, name);
+}
+
+Result<void, Error> MemberWriter::close()
+{
+    return retried([&] { return m_output.closeMember(); }, m_open);
+}
+
+Result<void, Error> MemberWriter::write(const QByteArray &name, const QByteArray &content)
+{
+    if (const auto opened = open(name); !opened) {
+        return opened;
+    }
+    const auto written = retried([&] { return m_output.write(content); }, name);
+    return written ? close() : written;
+}
+
+Result<void, Error> MemberWriter::copy(zip::PackageReader &source, const zip::Member &member)
+{
+    return retried([&] { return m_output.copyRaw(source, member); }, member.name);
+}
+
+Result<void, Error> MemberWriter::finish()
+{
+    return retried([&] { return m_output.close(); }, {});
+}
+
+} // namespace corvanta::opc

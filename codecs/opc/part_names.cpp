@@ -1,0 +1,115 @@
+// Names of parts (ECMA-376 part 2, sections 6.2 and 6.3): "/" separates the segments, the leading
+// "/" of a part name is left out here, as members have none.
+//
+//   xl/workbook.xml   +  worksheets/sheet1.xml      ->  xl/worksheets/sheet1.xml
+//   xl/workbook.xml   +  /xl/styles.xml             ->  xl/styles.xml
+//   xl/workbook.xml   its relationships             ->  xl/_rels/workbook.xml.rels
+#include "codecs/opc/part_names.h"
+
+#include "base/number.h"
+
+#include <QByteArrayList>
+
+#include <algorithm>
+#include <limits>
+#include <string_view>
+
+namespace corvanta::opc {
+
+namespace {
+
+QByteArray folded(QByteArray name)
+{
+    return name.replace('\\', '/').toLower();
+}
+
+} // namespace
+
+MemberNames::MemberNames(const std::vector<QByteArray> &names)
+{
+    for (const QByteArray &name : names) {
+        if (!m_exact.contains(name)) {
+            m_exact.insert(name, name);
+        }
+        const QByteArray key = folded(name);
+        if (!m_folded.contains(key)) {
+            m_folded.insert(key, name);
+        }
+    }
+}
+
+std::optional<QByteArray> MemberNames::find(const QByteArray &partName) const
+{
+    for (const QByteArray &name : {partName, QByteArray::fromPercentEncoding(partName)}) {
+        if (const auto exact = m_exact.constFind(name); exact != m_exact.constEnd()) {
+            return *exact;
+        }
+        if (const auto similar = m_folded.constFind(folded(name)); similar != m_folded.constEnd()) {
+            return *similar;
+        }
+    }
+    return std::nullopt;
+}
+
+quint64 MemberNames::highestNumber(const QByteArray &prefix) const
+{
+    static const QByteArray kExtension = ".xml";
+    const QByteArray begin = folded(prefix);
+    quint64 highest = 0;
+    for (auto it = m_folded.constBegin(); it != m_folded.constEnd(); ++it) {
+        const QByteArrayView name = it.key();
+        if (name.startsWith(begin) && name.endsWith(kExtension) &&
+            name.size() > begin.size() + kExtension.size()) {
+            const auto digits = name.sliced(begin.size()).chopped(kExtension.size());
+            highest = std::max(highest, partNumber(digits).value_or(0));
+        }
+    }
+    return highest;
+}
+
+QByteArray folderOf(const QByteArray &partName)
+{
+    return partName.first(partName.lastIndexOf('/') + 1);
+}
+
+QByteArray relationshipPartOf(const QByteArray &partName)
+{
+    const QByteArray folder = folderOf(partName);
+    return folder + "_rels/" + partName.sliced(folder.size()) + ".rels";
+}
+
+QByteArray resolvedTarget(const QByteArray &source, const QString &target)
+{
+    QByteArray path = target.toUtf8().replace('\\', '/');
+    if (!path.startsWith('/')) {
+        path.prepend(folderOf(source));
+    }
+    QByteArrayList steps;
+    for (const QByteArray &step : path.split('/')) {
+        if (step == "..") {
+            if (steps.isEmpty()) {
+                return {};
+            }
+            steps.removeLast();
+        } else if (!step.isEmpty() && step != ".") {
+            steps.append(step);
+        }
+    }
+    return steps.join('/');
+}
+
+QString targetOf(const QByteArray &source, const QByteArray &part)
+{
+    const QByteArray folder = folderOf(source);
+    return QString::fromUtf8(part.startsWith(folder) ? part.sliced(folder.size()) : '/' + part);
+}
+
+std::optional<quint64> partNumber(QByteArrayView digits)
+{
+    quint64 value = 0;
+    const std::string_view text(digits.data(), static_cast<size_t>(digits.size()));
+    const bool isNumber = parseUInt(text, std::numeric_limits<quint32>::max(), &value);
+    return isNumber ? std::optional<quint64>(value) : std::nullopt;
+}
+
+} // namespace corvanta::opc

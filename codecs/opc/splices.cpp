@@ -1,0 +1,48 @@
+#include "codecs/opc/splices.h"
+
+#include <algorithm>
+
+namespace corvanta::opc {
+
+void Splices::replace(qsizetype begin, qsizetype end, const QByteArray &added)
+{
+    m_changes.push_back({begin, end, added});
+}
+
+void Splices::append(const Element &element, const QByteArray &added)
+{
+    if (element.isEmptyTag()) {
+        replace(element.closeBegin, element.end,
+                '>' + added + "</" + element.tag.name.toByteArray() + '>');
+    } else {
+        insert(element.closeBegin, added);
+    }
+}
+
+void Splices::setAttribute(const Tag &tag, QByteArrayView name, const QByteArray &value)
+{
+    const auto old = tag.attribute(name);
+    if (old) {
+        const qsizetype begin = old->data() - m_text.data();
+        replace(begin, begin + old->size(), value);
+        return;
+    }
+    const qsizetype afterName = tag.name.data() + tag.name.size() - m_text.data();
+    insert(afterName, ' ' + name.toByteArray() + "=\"" + value + '"');
+}
+
+QByteArray Splices::apply()
+{
+    std::stable_sort(m_changes.begin(), m_changes.end(),
+                     [](const Change &a, const Change &b) { return a.begin < b.begin; });
+    QByteArray out;
+    qsizetype at = 0;
+    for (const Change &change : m_changes) {
+        out += m_text.sliced(at, change.begin - at);
+        out += change.added;
+        at = change.end;
+    }
+    return out += m_text.sliced(at);
+}
+
+} // namespace corvanta::opc

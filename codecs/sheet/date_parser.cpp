@@ -1,0 +1,170 @@
+// Serials of dates (ECMA-376 part 1, 18.17.4.1): days since 1899-12-30, with the time as fraction.
+//
+//   1899-12-31        1      below 61 the month fix subtracts 1: 1900-01-01 becomes 1
+//   1900-03-01       61      the same with and without the fix
+//   1970-01-01    25569      2,209,161,600,000 ms
+#include "codecs/sheet/date_parser.h"
+
+#include <algorithm>
+#include <array>
+
+namespace corvanta::sheet {
+
+namespace {
+
+/// Whether a date format asks for a time zone: a "t" outside of apostrophes.
+bool hasTimeZone(const QString &format)
+{
+    bool isQuoted = false;
+    return std::any_of(format.begin(), format.end(), [&isQuoted](QChar c) {
+        isQuoted = isQuoted != (c == u'\'');
+        return c == u't' && !isQuoted;
+    });
+}
+
+/// The number in the `digits` characters at `at`; -1 when one of them is not a digit.
+int digitsAt(const char16_t *at, int digits)
+{
+    int value = 0;
+    for (int i = 0; i < digits; ++i) {
+        const int digit = at[i] - u'0';
+        if (digit < 0 || digit > 9) {
+            return -1;
+        }
+        value = value * 10 + digit;
+    }
+    return value;
+}
+
+} // namespace
+
+DateParser::DateParser(const QString &format, const QLocale &locale, bool monthFix)
+    : m_format(format)
+    , m_locale(locale)
+    , m_monthFix(monthFix)
+{
+    compile();
+    if (!hasTimeZone(format)) {
+        // Without a zone Qt uses local time, in which the hours that daylight saving skips are
+        // invalid.
+        m_format.prepend(QStringLiteral("t|"));
+        m_zoneText = QStringLiteral("UTC|");
+    }
+}
+
+/// The token for `run`, a run of equal characters of a format; std::nullopt for one that only Qt
+/// understands. A literal stands for each character of its run.
+std::optional<DateParser::Token> DateParser::tokenOf(QStringView run)
+{
+    struct KnownField
+    {
+        QStringView text;
+        Field field;
+    };
+    static const KnownField kFields[] = {{u"yyyy", Field::Year}, {u"MM", Field::Month},
+                                         {u"dd", Field::Day},    {u"hh", Field::Hour},
+                                         {u"HH", Field::Hour},   {u"mm", Field::Minute},
+                                         {u"ss", Field::Second}, {u"zzz", Field::Millisecond}};
+    for (const KnownField &known : kFields) {
+        if (run == known.text) {
+            return Token{known.field, static_cast<quint8>(run.size()), 0};
+        }
+    }
+    constexpr QStringView kLiterals = u"-/.:, T_";
+    return kLiterals.contains(run.front())
+               ? std::optional(Token{Field::Literal, 1, run.front().unicode()})
+               : std::nullopt;
+}
+
+/// Compiles a format of fixed-width numbers and literals. Leaves m_tokens empty for any other.
+void DateParser::compile()
+{
+    std::vector<Token> tokens;
+    qsizetype run = 1;
+    for (qsizetype i = 0; i < m_format.size(); i += run) {
+        for (run = 1; i + run < m_format.size() && m_format[i + run] == m_format[i];) {
+            ++run;
+        }
+        const auto token = tokenOf(QStringView(m_format).mid(i, run));
+        if (!token) {
+            return;
+        }
+        const bool isLiteral = token->field == Field::Literal;
+        tokens.insert(tokens.end(), isLiteral ? static_cast<size_t>(run) : 1, *token);
+    }
+    m_tokens = std::move(tokens);
+    for (const Token &token : m_tokens) {
+        m_width += token.digits;
+    }
+}
+
+std::optional<qint64> DateParser::fixedWidthMs(std::u16string_view text) const
+{
+    if (text.size() != m_width) {
+        return std::nullopt;
+    }
+    // Fields that the format lacks have Qt's defaults.
+    std::array<int, 8> values{0, 1900, 1, 1, 0, 0, 0, 0};
+    const char16_t *at = text.data();
+    for (const Token &token : m_tokens) {
+        const bool isLiteral = token.field == Field::Literal;
+        const int value = isLiteral ? 0 : digitsAt(at, token.digits);
+        if (value < 0 || (isLiteral && *at != token.literal)) {
+            return std::nullopt;
+        }
+        values[static_cast<size_t>(token.field)] = value;
+        at += token.digits;
+    }
+    const QDate date(values[1], values[2], values[3]);
+    const QTime time(values[4], values[5], values[6], values[7]);
+    if (!date.isValid() || !time.isValid()) {
+        return std::nullopt;
+    }
+    constexpr qint64 kMsPerDay = 86400000;
+    return (date.toJulianDay() - QDate(1970, 1, 1).toJulianDay()) * kMsPerDay +
+           time.msecsSinceStartOfDay();
+}
+
+std::optional<qint64> DateParser::slowMs(std::u16string_view text)
+{
+    constexpr qsizetype kMaxKnown = 10000;
+    const QString key(reinterpret_cast<const QChar *>(text.data()),
+                      static_cast<qsizetype>(text.size()));
+    const auto found = m_known.constFind(key);
+    if (found != m_known.constEnd()) {
+        return *found;
+    }
+    const QDateTime parsed = m_locale.toDateTime(m_zoneText + key, m_format);
+    std::optional<qint64> ms;
+    if (parsed.isValid()) {
+        ms = QDateTime(parsed.date(), parsed.time(), Qt::UTC).toMSecsSinceEpoch();
+    }
+    if (m_known.size() >= kMaxKnown) {
+        m_known.clear();
+    }
+    m_known.insert(key, ms);
+    return ms;
+}
+
+std::optional<double> DateParser::serial(std::u16string_view text)
+{
+    constexpr qint64 kMsTo1970 = 2209161600000;
+    constexpr double kMsPerDay = 86400000;
+    std::optional<qint64> ms;
+    if (!m_tokens.empty()) {
+        ms = fixedWidthMs(text);
+    }
+    if (!ms) {
+        ms = slowMs(text);
+    }
+    if (!ms) {
+        return std::nullopt;
+    }
+    double serial = static_cast<double>(*ms + kMsTo1970) / kMsPerDay;
+    if (m_monthFix && serial < 61) {
+        serial -= 1;
+    }
+    return serial < 1 ? std::nullopt : std::optional(serial);
+}
+
+} // namespace corvanta::sheet

@@ -1,0 +1,50 @@
+// Turns date texts into the serial numbers of worksheets.
+#pragma once
+#include <QDateTime>
+#include <QHash>
+#include <QLocale>
+#include <QString>
+#include <QtGlobal>
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace corvanta::sheet {
+
+/// Formats of fixed-width numbers are parsed here; all others by Qt, whose results are cached,
+/// because tables repeat their dates. Threads: one at a time.
+class DateParser
+{
+public:
+    /// `format` has Qt's date-time syntax. `monthFix`: serials below 61 are decreased by one, as
+    /// the spreadsheet application has a 29 February 1900.
+    DateParser(const QString &format, const QLocale &locale, bool monthFix);
+
+    /// Days since 1899-12-30, with fraction; std::nullopt when the text does not have the format or
+    /// is before the first serial (1).
+    std::optional<double> serial(std::u16string_view text);
+
+private:
+    enum class Field : quint8 { Literal, Year, Month, Day, Hour, Minute, Second, Millisecond };
+    struct Token
+    {
+        Field field;
+        quint8 digits;    ///< characters in the text
+        char16_t literal; ///< of Field::Literal
+    };
+    static std::optional<Token> tokenOf(QStringView run);
+    void compile();
+    std::optional<qint64> fixedWidthMs(std::u16string_view text) const;
+    std::optional<qint64> slowMs(std::u16string_view text);
+
+    QString m_format;
+    QString m_zoneText; // prefix of each text that Qt parses
+    QLocale m_locale;
+    bool m_monthFix;
+    std::vector<Token> m_tokens; // empty: Qt parses
+    size_t m_width = 0;
+    QHash<QString, std::optional<qint64>> m_known; // cached results of Qt
+};
+
+} // namespace corvanta::sheet

@@ -1,0 +1,336 @@
+// Rows of a worksheet (ECMA-376 part 1: sheetData 18.3.1.80, row 18.3.1.73, c 18.3.1.4), UTF-8:
+//
+//   <row r="7" spans="1:5">                                        row from 1; columns from A
+//     <c r="A7"><v>42</v></c>                                      number
+//     <c r="B7" s="1"><v>45351</v></c>                             date: a serial with a style
+//     <c r="C7" t="inlineStr"><is><t>escaped text</t></is></c>     text
+//     <c r="D7" s="2" t="inlineStr"><is><t>label</t></is></c>      hyperlink
+//     <c r="E7"><f>A7+1</f></c>                                    formula without its value
+//   </row>
+//
+// A cell without content is left out.
+#include "codecs/sheet/sheet_writer.h"
+
+#include "base/number_cell.h"
+
+#include <cmath>
+#include <cstring>
+
+namespace corvanta::sheet {
+
+namespace {
+
+/// Bytes for everything of a cell but its text, with what append() copies in excess.
+constexpr size_t kCellBytes = 320;
+
+const Markup kRowOpening("<row r=\"");
+const Markup kRowClosing("</row>");
+const Markup kTextOpening("\" t=\"inlineStr\"><is><t>");
+const Markup kTextClosing("</t></is></c>");
+const Markup kValueOpening("\"><v>");
+const Markup kValueClosing("</v></c>");
+const Markup kFormulaOpening("\"><f>");
+const Markup kFormulaClosing("</f></c>");
+
+/// `opening` of a cell with a cell format.
+Markup withStyle(quint64 style, const Markup &opening)
+{
+    return Markup("\" s=\"" + QByteArray::number(style) +
+                  QByteArrayView(opening.text, opening.size).toByteArray());
+}
+
+} // namespace
+
+SheetWriter::SheetWriter(zip::PackageWriter &package, SheetOptions options,
+                         std::vector<Column> columns, DateParser *dates, SheetCallbacks callbacks)
+    : m_package(package)
+    , m_options(std::move(options))
+    , m_columns(std::move(columns))
+    , m_dates(dates)
+    , m_callbacks(std::move(callbacks))
+    , m_rowStart("\" spans=\"1:" + QByteArray::number(static_cast<int>(m_columns.size())) + "\">")
+    , m_dateOpening(withStyle(m_options.dateStyle, kValueOpening))
+    , m_linkOpening(withStyle(m_options.linkStyle, kTextOpening))
+{
+    for (int i = 0; i < columnCount(); ++i) {
+        m_references.emplace_back("<c r=\"" + columnLetters(i));
+    }
+}
+
+void SheetWriter::commit()
+{
+    if (m_out != m_begin) {
+        m_package.commit(static_cast<size_t>(m_out - m_begin));
+    }
+    m_begin = m_out = m_end = nullptr;
+}
+
+bool SheetWriter::makeRoom(size_t bytes)
+{
+    commit();
+    for (;;) {
+        auto room = m_package.room(bytes);
+        if (room) {
+            m_begin = m_out = room->data();
+            m_end = m_begin + room->size();
+            return true;
+        }
+        if (room.fault().code != zip::Error::WriteFailed || !m_callbacks.retryWrite()) {
+            m_error = Error::WriteFailed;
+            return false;
+        }
+    }
+}
+
+void SheetWriter::append(QByteArrayView text)
+{
+    std::memcpy(m_out, text.data(), static_cast<size_t>(text.size()));
+    m_out += text.size();
+}
+
+void SheetWriter::append(const Markup &markup)
+{
+    std::memcpy(m_out, markup.text, sizeof markup.text);
+    m_out += markup.size;
+}
+
+void SheetWriter::appendReference(int column)
+{
+    append(m_references[static_cast<size_t>(column)]);
+    std::memcpy(m_out, m_rowDigits, sizeof m_rowDigits);
+    m_out += m_rowDigitCount;
+}
+
+bool SheetWriter::putAll(QByteArrayView xml)
+{
+    while (!xml.isEmpty()) {
+        const qsizetype n = std::min<qsizetype>(xml.size(), zip::PackageWriter::kMaxRoomBytes);
+        if (!room(static_cast<size_t>(n))) {
+            return false;
+        }
+        append(xml.first(n));
+        xml = xml.sliced(n);
+    }
+    return true;
+}
+
+Result<void, Error> SheetWriter::put(QByteArrayView xml)
+{
+    return putAll(xml) ? Result<void, Error>() : Fault<Error>{m_error};
+}
+
+bool SheetWriter::startRow()
+{
+    if (!room(kCellBytes)) {
+        return false;
+    }
+    m_rowDigitCount = putUInt(static_cast<quint64>(m_row), m_rowDigits);
+    append(kRowOpening);
+    append({m_rowDigits, m_rowDigitCount});
+    append(m_rowStart);
+    return true;
+}
+
+Result<void, Error> SheetWriter::endRow(bool isGood)
+{
+    if (!isGood || !room(kCellBytes)) {
+        return Fault<Error>{m_error};
+    }
+    append(kRowClosing);
+    ++m_row;
+    return {};
+}
+
+Result<void, Error> SheetWriter::putHeader()
+{
+    bool isGood = startRow();
+    for (int i = 0; isGood && i < columnCount(); ++i) {
+        const std::u16string name = m_columns[static_cast<size_t>(i)].name.toStdU16String();
+        isGood = putEscaped(i, kTextOpening, name, kTextClosing);
+    }
+    return endRow(isGood);
+}
+
+Result<void, Error> SheetWriter::putRow(const RowView &row)
+{
+    bool isGood = startRow();
+    for (int i = 0; isGood && i < columnCount(); ++i) {
+        isGood = putCell(i, row);
+    }
+    return endRow(isGood);
+}
+
+inline bool SheetWriter::putCell(int column, const RowView &row)
+{
+    const Column &one = m_columns[static_cast<size_t>(column)];
+    const uchar *const cell = row.cells[one.input];
+    switch (one.kind) {
+    case Column::Kind::Key:
+        return putKey(column, cell);
+    case Column::Kind::Float:
+        return putFloat(column, cell);
+    case Column::Kind::Date: {
+        const cell::Type type = row.type(one.input);
+        return type == cell::Type::Text ? putDate(column, cell::readText(cell).view())
+                                        : putNumberAsDate(column, type, cell);
+    }
+    case Column::Kind::Formula:
+    case Column::Kind::Text:
+        break;
+    }
+    return putText(column, one.kind, cell::readText(cell).view());
+}
+
+bool SheetWriter::putKey(int column, const uchar *cell)
+{
+    const auto key = loadNative<quint32>(cell);
+    if (cell::isMissingKey(key)) {
+        return true;
+    }
+    if (!room(kCellBytes)) {
+        return false;
+    }
+    appendReference(column);
+    append(kValueOpening);
+    m_out += putUInt(key, m_out);
+    append(kValueClosing);
+    return true;
+}
+
+bool SheetWriter::putFloat(int column, const uchar *cell)
+{
+    const auto value = loadNative<double>(cell);
+    const bool isFinite = std::isfinite(value);
+    if (cell::isMissingDouble(value) || (!isFinite && m_options.noNans)) {
+        return true;
+    }
+    if (!room(kCellBytes)) {
+        return false;
+    }
+    appendReference(column);
+    if (isFinite) {
+        return putFinite(value);
+    }
+    append(kTextOpening);
+    append(QByteArrayView(std::isnan(value) ? "nan" : value <= 0 ? "-inf" : "inf"));
+    append(kTextClosing);
+    return true;
+}
+
+inline bool SheetWriter::putFinite(double value)
+{
+    append(kValueOpening);
+    // A user's format can print more than kCellBytes. Then that much room is made.
+    const qsizetype spare = m_end - m_out - static_cast<qsizetype>(sizeof(Markup));
+    const qsizetype needed = m_options.floatFormat.put(value, m_out, spare);
+    if (needed >= spare) {
+        if (!room(static_cast<size_t>(needed) + sizeof(Markup) + 1)) {
+            return false;
+        }
+        m_options.floatFormat.put(value, m_out, needed + 1);
+    }
+    m_out += needed;
+    append(kValueClosing);
+    return true;
+}
+
+bool SheetWriter::putDate(int column, std::u16string_view text)
+{
+    constexpr int kSerialDigits = 16;
+    if (text.empty()) {
+        return true;
+    }
+    const auto serial = m_dates->serial(text);
+    if (!serial || *serial < m_options.firstDay) {
+        return true;
+    }
+    if (!room(kCellBytes)) {
+        return false;
+    }
+    appendReference(column);
+    append(m_dateOpening);
+    m_out += putGeneral(*serial - m_options.firstDay, kSerialDigits, m_out);
+    append(kValueClosing);
+    return true;
+}
+
+bool SheetWriter::putNumberAsDate(int column, cell::Type type, const uchar *cell)
+{
+    std::array<char16_t, kNumberChars> text{};
+    const int units = cell::putNumberText(type, cell, text.data());
+    return putDate(column, {text.data(), static_cast<size_t>(units)});
+}
+
+bool SheetWriter::putText(int column, Column::Kind kind, std::u16string_view text)
+{
+    if (text.empty()) {
+        return true;
+    }
+    const bool startsFormula = text.front() == u'=';
+    if (kind == Column::Kind::Formula || (m_options.equalIsFormula && startsFormula)) {
+        text.remove_prefix(startsFormula ? 1 : 0);
+        return putEscaped(column, kFormulaOpening, text, kFormulaClosing);
+    }
+    if (m_options.urlTag) {
+        if (const auto link = parseLink(text)) {
+            return putLink(column, *link);
+        }
+    }
+    return putEscaped(column, kTextOpening, text, kTextClosing);
+}
+
+bool SheetWriter::putLink(int column, const LinkText &link)
+{
+    const QString url(reinterpret_cast<const QChar *>(link.url.data()),
+                      static_cast<qsizetype>(link.url.size()));
+    qint64 &number = m_urlNumbers[url];
+    if (number == 0) {
+        m_urls << url;
+        number = m_urls.size();
+    }
+    m_linkUses.push_back({number, m_row, column});
+    return putEscaped(column, m_linkOpening, link.label, kTextClosing);
+}
+
+bool SheetWriter::putEscaped(int column, const Markup &opening, std::u16string_view text,
+                             const Markup &closing)
+{
+    const auto n = static_cast<qsizetype>(text.size());
+    if (n > kShortTextUnits) {
+        return putLongEscaped(column, opening, text, closing);
+    }
+    if (!room(kCellBytes + static_cast<size_t>(n * kMaxBytesPerUnit))) {
+        return false;
+    }
+    appendReference(column);
+    append(opening);
+    m_out = escapeText(text.data(), n, m_out);
+    append(closing);
+    return true;
+}
+
+bool SheetWriter::putLongEscaped(int column, const Markup &opening, std::u16string_view text,
+                                 const Markup &closing)
+{
+    const auto atLimit = m_options.crop ? AtLimit::Crop : AtLimit::Warn;
+    const qsizetype chars =
+        escapeLongText(text.data(), static_cast<qsizetype>(text.size()), atLimit, kMaxCellChars,
+                       m_callbacks.reportLongText, &m_longText);
+    if (chars > kMaxCellChars) {
+        m_error = Error::TextTooLong;
+        return false;
+    }
+    if (!room(kCellBytes)) {
+        return false;
+    }
+    appendReference(column);
+    append(opening);
+    if (!putAll({m_longText.data(), static_cast<qsizetype>(m_longText.size())}) ||
+        !room(kCellBytes)) {
+        return false;
+    }
+    append(closing);
+    return true;
+}
+
+} // namespace corvanta::sheet

@@ -1,0 +1,160 @@
+// Formats rows as worksheet XML, directly into the blocks of a package member.
+#pragma once
+#include "base/number.h"
+#include "base/result.h"
+#include "base/row_view.h"
+#include "codecs/sheet/cell_text.h"
+#include "codecs/sheet/date_parser.h"
+#include "codecs/zip/package_writer.h"
+
+#include <QHash>
+#include <QStringList>
+
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+namespace corvanta::sheet {
+
+enum class Error : quint8 {
+    WriteFailed, ///< a refused write that is not repeated
+    TextTooLong, ///< a text beyond kMaxCellChars
+};
+
+/// Rows and columns that spreadsheet programs read. The writer itself has no such limit.
+inline constexpr qint64 kMaxRows = 1048576;
+inline constexpr size_t kMaxColumns = 16384;
+
+/// How cells are written.
+struct SheetOptions
+{
+    FloatFormat floatFormat;
+    bool noNans = true;          ///< NaN and infinite numbers give no cell
+    bool equalIsFormula = false; ///< texts that start with "=" are formulas
+    bool urlTag = false;         ///< texts of the form of parseLink() are hyperlinks
+    bool crop = false;           ///< cut texts below kCellCharLimit
+    quint64 dateStyle = 1;       ///< cell format of dates: the s attribute
+    quint64 linkStyle = 2;       ///< cell format of hyperlinks
+    int firstDay = 0;            ///< serial that the workbook counts as day 0
+};
+
+/// A column to write.
+struct Column
+{
+    enum class Kind { Date, Formula, Key, Float, Text };
+    int input = 0; ///< index in the input row
+    Kind kind = Kind::Text;
+    QString name; ///< for the header
+};
+
+/// One cell with a hyperlink.
+struct LinkUse
+{
+    qint64 number = 0; ///< of its address, from 1
+    qint64 row = 0;    ///< from 1
+    int column = 0;    ///< from 0
+};
+
+struct SheetCallbacks
+{
+    std::function<void()> reportLongText; ///< Called for pieces of text beyond kCellCharLimit.
+    std::function<bool()> retryWrite;     ///< Called after a refused write; true to retry.
+};
+
+/// A few characters of fixed XML. It is copied with its whole room, which takes a few
+/// instructions; a copy of the exact length would be a call.
+struct Markup
+{
+    char text[48] = {};
+    int size = 0;
+
+    explicit Markup(QByteArrayView markup)
+        : size(static_cast<int>(markup.size()))
+    {
+        Q_ASSERT(markup.size() <= static_cast<qsizetype>(sizeof text));
+        std::copy(markup.begin(), markup.end(), text);
+    }
+};
+
+/// Writes header and rows into the open member of a package. Threads: one at a time.
+///
+/// After a fault nothing more can be written.
+class SheetWriter
+{
+public:
+    /// `package` and `dates` must outlive the writer.
+    SheetWriter(zip::PackageWriter &package, SheetOptions options, std::vector<Column> columns,
+                DateParser *dates, SheetCallbacks callbacks);
+
+    /// Number of the sheet row that is written next, from 1.
+    qint64 row() const { return m_row; }
+    void setRow(qint64 row) { m_row = row; }
+
+    /// Write XML unchanged. Errors: WriteFailed.
+    Result<void, Error> put(QByteArrayView xml);
+    /// Write the names of the columns as a row. Errors: WriteFailed, TextTooLong.
+    Result<void, Error> putHeader();
+    /// Write a row. Text cells must be aligned. Errors: WriteFailed, TextTooLong.
+    Result<void, Error> putRow(const RowView &row);
+    /// Hand everything formatted so far to the package; call it before any other use of the
+    /// package.
+    void commit();
+
+    int columnCount() const { return static_cast<int>(m_columns.size()); }
+    const std::vector<LinkUse> &linkUses() const { return m_linkUses; }
+    /// URLs in the order of their numbers, which count from 1.
+    const QStringList &urls() const { return m_urls; }
+
+private:
+    // The functions that run for every cell return true for success. Otherwise m_error is set,
+    // which putHeader() and putRow() return as a Result.
+    bool makeRoom(size_t bytes);
+    /// Make room for at least `bytes` at m_out.
+    bool room(size_t bytes)
+    {
+        return static_cast<size_t>(m_end - m_out) >= bytes || makeRoom(bytes);
+    }
+    bool putAll(QByteArrayView xml);
+    void append(QByteArrayView text);
+    void append(const Markup &markup);
+    void appendReference(int column);
+    bool startRow();
+    Result<void, Error> endRow(bool isGood);
+    bool putCell(int column, const RowView &row);
+    bool putKey(int column, const uchar *cell);
+    bool putFloat(int column, const uchar *cell);
+    bool putFinite(double value);
+    bool putDate(int column, std::u16string_view text);
+    bool putNumberAsDate(int column, cell::Type type, const uchar *cell);
+    bool putText(int column, Column::Kind kind, std::u16string_view text);
+    bool putLink(int column, const LinkText &link);
+    bool putEscaped(int column, const Markup &opening, std::u16string_view text,
+                    const Markup &closing);
+    bool putLongEscaped(int column, const Markup &opening, std::u16string_view text,
+                        const Markup &closing);
+
+    zip::PackageWriter &m_package;
+    SheetOptions m_options;
+    std::vector<Column> m_columns;
+    std::vector<Markup> m_references; // <c r="XFD, followed by the row number
+    DateParser *m_dates;
+    SheetCallbacks m_callbacks;
+    Markup m_rowStart; // " spans="1:N">
+    Markup m_dateOpening;
+    Markup m_linkOpening;
+    char m_rowDigits[kNumberChars] = {};
+    int m_rowDigitCount = 0;
+    qint64 m_row = 1;
+    Error m_error = Error::WriteFailed;
+
+    char *m_begin = nullptr; // the room of the package
+    char *m_out = nullptr;
+    char *m_end = nullptr;
+
+    std::vector<char> m_longText;
+    QHash<QString, qint64> m_urlNumbers;
+    QStringList m_urls;
+    std::vector<LinkUse> m_linkUses;
+};
+
+} // namespace corvanta::sheet

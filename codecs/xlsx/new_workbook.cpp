@@ -1,0 +1,42 @@
+// The members and their order: see fixed_parts.cpp.
+#include "codecs/xlsx/new_workbook.h"
+
+#include "codecs/opc/part_names.h"
+
+namespace corvanta::xlsx {
+
+using opc::Error;
+
+Result<void, Error> NewWorkbook::begin(opc::MemberWriter &output)
+{
+    m_output = &output;
+    for (const FixedMember &member : leadingMembers(m_dateFormat)) {
+        if (const auto written = output.write(member.name, member.content); !written) {
+            return written;
+        }
+    }
+    return output.open(kSheetPart);
+}
+
+Result<void, Error> NewWorkbook::openSheet(sheet::SheetWriter &sheet)
+{
+    return put(sheet, newSheetHead(kTransitional));
+}
+
+Result<void, Error> NewWorkbook::finishSheet(sheet::SheetWriter &sheet)
+{
+    return putTail(sheet, newSheetTail(), newSheetRoot(kTransitional), kTransitional, 0);
+}
+
+Result<void, Error> NewWorkbook::finish(const sheet::SheetWriter &sheet, const WorkbookEnd &end)
+{
+    auto done = m_output->write(kWorkbookPart, newWorkbook(m_sheetName, end.range));
+    if (done && !sheet.urls().isEmpty()) {
+        opc::Relationships relationships;
+        addAddresses(&relationships, sheet, kTransitional, 0);
+        done = m_output->write(opc::relationshipPartOf(kSheetPart), relationships.text());
+    }
+    return done ? m_output->finish() : done;
+}
+
+} // namespace corvanta::xlsx

@@ -1,0 +1,255 @@
+// The tail of a worksheet (ECMA-376 part 1, 18.3.1.99), a sequence:
+//
+//   </sheetData>
+//   <sheetCalcPr/> ... <mergeCells/> <phoneticPr/> <conditionalFormatting/> <dataValidations/>
+//   <hyperlinks>  <hyperlink ref="B2" r:id="rId1"/> ...
+//   <printOptions/> <pageMargins/> ... </worksheet>
+#include "codecs/xlsx/sheet_tail.h"
+
+#include "codecs/opc/relationships.h"
+#include "codecs/opc/splices.h"
+
+#include <QByteArrayList>
+
+#include <algorithm>
+#include <optional>
+#include <set>
+#include <utility>
+
+namespace corvanta::xlsx {
+
+namespace {
+
+using opc::Attribute;
+using opc::Element;
+using opc::Error;
+using opc::qualified;
+using opc::Tag;
+
+/// Walks over the tags of a tail and checks that they are the well-formed end of a worksheet.
+class TailCursor
+{
+public:
+    explicit TailCursor(QByteArrayView tail)
+        : m_tags(tail)
+    {
+    }
+    /// Move to the next tag after the end of sheetData. Returns false at the end of the tail and
+    /// at a fault.
+    bool next();
+    const Tag &tag() const { return m_tags.tag(); }
+    bool isClosing() const { return tag().kind == Tag::Kind::Close; }
+    /// 1 for the children of worksheet, 0 for its closing tag.
+    int depth() const { return m_depth; }
+    /// After next() returned false: whether the tail is complete and well-formed.
+    bool isComplete() const { return m_hasRootEnd && !m_isBad && !m_tags.isBroken(); }
+
+private:
+    bool skipSheetDataEnd();
+    bool close();
+
+    opc::TagCursor m_tags;
+    std::vector<QByteArrayView> m_open;
+    int m_depth = 0;
+    bool m_hasSheetDataEnd = false;
+    bool m_hasRootEnd = false;
+    bool m_isBad = false;
+};
+
+bool TailCursor::next()
+{
+    if (!skipSheetDataEnd() || !m_tags.next()) {
+        return false;
+    }
+    if (m_hasRootEnd || (isClosing() && !close())) {
+        m_isBad = true;
+        return false;
+    }
+    if (!isClosing()) {
+        m_depth = static_cast<int>(m_open.size()) + 1;
+        if (tag().kind == Tag::Kind::Open) {
+            m_open.push_back(tag().name);
+        }
+    }
+    return true;
+}
+
+bool TailCursor::skipSheetDataEnd()
+{
+    while (!m_hasSheetDataEnd && m_tags.next()) {
+        m_hasSheetDataEnd = isClosing();
+    }
+    return m_hasSheetDataEnd;
+}
+
+bool TailCursor::close()
+{
+    m_depth = static_cast<int>(m_open.size());
+    if (m_open.empty()) {
+        m_hasRootEnd = tag().local() == QByteArrayView("worksheet");
+        return m_hasRootEnd;
+    }
+    const bool isMatching = m_open.back() == tag().name;
+    m_open.pop_back();
+    return isMatching;
+}
+
+/// Whether an element is before the hyperlinks in the sequence of a worksheet's children.
+bool precedesHyperlinks(QByteArrayView local)
+{
+    static const QByteArrayList kEarlier{
+        "sheetCalcPr", "sheetProtection", "protectedRanges",       "scenarios",
+        "autoFilter",  "sortState",       "dataConsolidate",       "customSheetViews",
+        "mergeCells",  "phoneticPr",      "conditionalFormatting", "dataValidations"};
+    return kEarlier.contains(local);
+}
+
+QByteArray cellName(const sheet::LinkUse &use)
+{
+    return sheet::columnLetters(use.column) + QByteArray::number(use.row);
+}
+
+/// Finds the list of hyperlinks of a tail, or the place for a new one, and the links to replace.
+class HyperlinkFinder
+{
+public:
+    HyperlinkFinder(QByteArrayView prefix, const std::vector<sheet::LinkUse> &uses)
+        : m_prefix(prefix)
+        , m_uses(uses)
+    {
+    }
+    /// Returns false when the tail is not the well-formed end of a worksheet.
+    bool find(QByteArrayView tail);
+
+    std::optional<Element> list;
+    qsizetype newList = -1;                                ///< offset for a new one
+    std::vector<std::pair<qsizetype, qsizetype>> replaced; ///< elements of cells with new links
+
+private:
+    void takeList(const Tag &tag);
+    void takeLink(const Tag &tag);
+    bool isUsed(QByteArrayView cell);
+
+    QByteArrayView m_prefix;
+    const std::vector<sheet::LinkUse> &m_uses;
+    std::set<QByteArray> m_cells; // names of the cells of m_uses, once needed
+    bool m_isInList = false;
+    bool m_isInReplaced = false;
+};
+
+bool HyperlinkFinder::find(QByteArrayView tail)
+{
+    TailCursor cursor(tail);
+    while (cursor.next()) {
+        const Tag &tag = cursor.tag();
+        const bool isChild = cursor.depth() == 1;
+        const bool isList =
+            isChild && tag.prefix() == m_prefix && tag.local() == QByteArrayView("hyperlinks");
+        m_isInList = isChild ? isList && tag.kind == Tag::Kind::Open : m_isInList;
+        if (isList) {
+            takeList(tag);
+        } else if (m_isInList && cursor.depth() == 2) {
+            takeLink(tag);
+        }
+        const bool isLater = cursor.depth() == 0 ||
+                             (isChild && !cursor.isClosing() && !precedesHyperlinks(tag.local()));
+        if (isLater && newList < 0) {
+            newList = tag.begin;
+        }
+    }
+    return cursor.isComplete();
+}
+
+void HyperlinkFinder::takeList(const Tag &tag)
+{
+    if (tag.kind == Tag::Kind::Close) {
+        list->closeBegin = tag.begin;
+        list->end = tag.end;
+    } else if (!list) {
+        list = Element{tag, tag.end - 2, tag.end};
+    }
+}
+
+void HyperlinkFinder::takeLink(const Tag &tag)
+{
+    if (tag.kind == Tag::Kind::Close) {
+        if (m_isInReplaced) {
+            replaced.back().second = tag.end;
+        }
+        return;
+    }
+    m_isInReplaced = isUsed(tag.attribute("ref").value_or(QByteArrayView()));
+    if (m_isInReplaced) {
+        replaced.emplace_back(tag.begin, tag.end);
+    }
+}
+
+bool HyperlinkFinder::isUsed(QByteArrayView cell)
+{
+    if (m_cells.empty()) {
+        for (const sheet::LinkUse &use : m_uses) {
+            m_cells.insert(cellName(use));
+        }
+    }
+    return m_cells.contains(cell.toByteArray());
+}
+
+} // namespace
+
+Result<QByteArray, Error> withHyperlinks(const QByteArray &tail, const QByteArray &rootTag,
+                                         const Family &family,
+                                         const std::vector<sheet::LinkUse> &uses, quint64 takenIds)
+{
+    opc::TagCursor rootCursor(rootTag);
+    rootCursor.next();
+    const Tag &root = rootCursor.tag();
+    HyperlinkFinder found(root.prefix(), uses);
+    if (!found.find(tail)) {
+        return Fault<Error>{Error::Malformed};
+    }
+    const auto bound = root.prefixBoundTo(family.relationships);
+    const bool isBound = bound && !bound->isEmpty();
+    const QByteArray declaration =
+        isBound ? QByteArray() : " xmlns:r=\"" + family.relationships.toByteArray() + '"';
+    const QByteArray opening = '<' + qualified(root.prefix(), "hyperlink") +
+                               (found.list ? declaration : QByteArray()) + " ref=\"";
+    const QByteArray middle =
+        "\" " + (isBound ? bound->toByteArray() : QByteArray("r")) + ":id=\"rId";
+    QByteArray links;
+    for (const sheet::LinkUse &use : uses) {
+        const quint64 id = takenIds + static_cast<quint64>(use.number);
+        links += opening + cellName(use) + middle + QByteArray::number(id) + "\"/>";
+    }
+    opc::Splices splices(tail);
+    for (const auto &[begin, end] : found.replaced) {
+        splices.replace(begin, end, {});
+    }
+    if (found.list) {
+        splices.append(*found.list, links);
+    } else {
+        const QByteArray name = qualified(root.prefix(), "hyperlinks");
+        splices.insert(found.newList, '<' + name + declaration + '>' + links + "</" + name + '>');
+    }
+    return splices.apply();
+}
+
+Result<quint64, Error> highestUsedId(QByteArrayView tail)
+{
+    quint64 highest = 0;
+    TailCursor cursor(tail);
+    while (cursor.next()) {
+        const auto attributes = cursor.tag().attributes();
+        if (!attributes) {
+            return Fault<Error>{Error::Malformed};
+        }
+        for (const Attribute &one : *attributes) {
+            highest = std::max(highest, opc::idNumber(one.value).value_or(0));
+        }
+    }
+    if (!cursor.isComplete()) {
+        return Fault<Error>{Error::Malformed};
+    }
+    return highest;
+}
+
+} // namespace corvanta::xlsx

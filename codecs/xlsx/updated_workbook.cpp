@@ -1,0 +1,249 @@
+// The members of a workbook that an update touches (ECMA-376 part 1, SpreadsheetML). Names are
+// those of a usual workbook; the relationships determine the real ones.
+//
+//   [Content_Types].xml                     written first; declares a new sheet or styles part
+//   all other members                       copied
+//   xl/styles.xml                           two more cell formats
+//   xl/worksheets/sheetN.xml                new, or split at the first new row
+//   xl/workbook.xml                         new sheet, defined name, recalculation
+//   xl/_rels/workbook.xml.rels              new sheet or styles part; calculation chain removed
+//   xl/worksheets/_rels/sheetN.xml.rels     new addresses of hyperlinks, or copied
+#include "codecs/xlsx/updated_workbook.h"
+
+#include "codecs/xlsx/sheet_tail.h"
+#include "codecs/xlsx/styles_part.h"
+
+#include <algorithm>
+
+namespace corvanta::xlsx {
+
+using opc::Error;
+
+namespace {
+
+constexpr char kContentTypeBase[] = "application/vnd.openxmlformats-officedocument.spreadsheetml.";
+/// Day 0 of workbooks that count their days from 1904.
+constexpr int kSerialOf1904 = 1462;
+
+} // namespace
+
+Result<std::unique_ptr<UpdatedWorkbook>, Error>
+UpdatedWorkbook::open(zip::PackageReader &source, std::function<bool()> isRunning)
+{
+    std::unique_ptr<UpdatedWorkbook> update(new UpdatedWorkbook(source, std::move(isRunning)));
+    if (const auto read = update->readParts(); !read) {
+        return read.fault();
+    }
+    return update;
+}
+
+Result<void, Error> UpdatedWorkbook::readParts()
+{
+    m_workbookPart = m_copy.mainPart(kWorkbookPart);
+    auto text = m_copy.read(m_workbookPart);
+    if (!text) {
+        return text.fault();
+    }
+    m_workbookText = std::move(*text);
+    auto relationships = m_copy.readRelationships(m_workbookPart);
+    if (!relationships) {
+        return relationships.fault();
+    }
+    m_relationships = std::move(*relationships);
+    const auto types = m_copy.contentTypes();
+    if (!types) {
+        return types.fault();
+    }
+    m_types = *types;
+    auto workbook = readWorkbook(m_workbookText);
+    if (!workbook) {
+        return workbook.fault();
+    }
+    m_workbook = std::move(*workbook);
+    return {};
+}
+
+/// A part name for a new sheet that nothing in the package uses, refers to or declares.
+QByteArray UpdatedWorkbook::freeSheetPart() const
+{
+    const QByteArray prefix = opc::folderOf(m_workbookPart) + "worksheets/sheet";
+    std::vector<QByteArray> mentioned = m_types->parts();
+    for (const opc::Relationship &one : m_relationships.entries()) {
+        mentioned.push_back(opc::resolvedTarget(m_workbookPart, one.target));
+    }
+    const quint64 highest = std::max(m_copy.names().highestNumber(prefix),
+                                     opc::MemberNames(mentioned).highestNumber(prefix));
+    return prefix + QByteArray::number(highest + 1) + ".xml";
+}
+
+/// Returns the id of the new relationship.
+QByteArray UpdatedWorkbook::addRelationship(const char *kind, const QByteArray &part)
+{
+    return m_relationships.addPart(opc::relationshipType(m_workbook.family.relationships, kind),
+                                   opc::targetOf(m_workbookPart, part));
+}
+
+void UpdatedWorkbook::addSheet(const QString &name)
+{
+    m_sheetName = name;
+    m_sheetPart = freeSheetPart();
+    m_addedSheet =
+        SheetEntry{name, m_workbook.freeSheetId(), addRelationship("worksheet", m_sheetPart)};
+    m_types->declarePart(m_sheetPart, kContentTypeBase + QByteArray("worksheet+xml"));
+}
+
+Result<void, Error> UpdatedWorkbook::changeSheet(size_t index, quint64 startRow1)
+{
+    const SheetEntry &sheet = m_workbook.sheets[index];
+    const auto &all = m_relationships.entries();
+    const auto found = std::find_if(all.begin(), all.end(), [&](const opc::Relationship &one) {
+        return one.id == sheet.relationshipId && !one.isExternal;
+    });
+    if (found == all.end()) {
+        return Fault<Error>{Error::Unexpected};
+    }
+    const QByteArray part = opc::resolvedTarget(m_workbookPart, found->target);
+    const auto member = m_copy.names().find(part);
+    if (!member) {
+        return Fault<Error>{Error::NoMember, QString::fromUtf8(part)};
+    }
+    m_sheetName = sheet.name;
+    m_sheetPart = *member;
+    m_splitter.emplace(startRow1);
+    return readSheetRelationships();
+}
+
+/// The part of the sheet's relationships. It has the spelling of the sheet's member.
+QByteArray UpdatedWorkbook::sheetRelationshipPart() const
+{
+    return opc::relationshipPartOf(QByteArray(m_sheetPart).replace('\\', '/'));
+}
+
+Result<void, Error> UpdatedWorkbook::readSheetRelationships()
+{
+    if (!m_copy.names().find(sheetRelationshipPart())) {
+        return {};
+    }
+    auto relationships = m_copy.readRelationships(QByteArray(m_sheetPart).replace('\\', '/'));
+    if (!relationships) {
+        return relationships.fault();
+    }
+    m_sheetRelationships = std::move(*relationships);
+    m_takenLinkIds = std::max<quint64>(m_sheetRelationships.entries().size(),
+                                       m_sheetRelationships.highestIdNumber());
+    return {};
+}
+
+UpdatedWorkbook::CellFormats UpdatedWorkbook::addCellFormats(int dateFormat)
+{
+    const opc::Relationship *const relationship = m_relationships.find("styles");
+    const QByteArray part = relationship != nullptr
+                                ? opc::resolvedTarget(m_workbookPart, relationship->target)
+                                : opc::folderOf(m_workbookPart) + "styles.xml";
+    if (!m_copy.names().find(part)) {
+        // Cells of the formats 1 and 2 need a part that has them.
+        m_copy.put(part, newStyles(dateFormat));
+        m_types->declarePart(part, kContentTypeBase + QByteArray("styles+xml"));
+        if (relationship == nullptr) {
+            addRelationship("styles", part);
+        }
+        return CellFormats::NotAdded;
+    }
+    const auto text = m_copy.read(part);
+    const auto changed = text ? changedStyles(*text, dateFormatAt(dateFormat))
+                              : Result<StylesChange, Error>(text.fault());
+    if (!changed) {
+        return CellFormats::NotAdded;
+    }
+    m_copy.put(part, changed->text);
+    m_dateStyle = changed->dateStyle;
+    m_linkStyle = changed->hyperlinkStyle;
+    return changed->hadNoCellFormats ? CellFormats::AddedTable : CellFormats::Added;
+}
+
+void UpdatedWorkbook::setCellFormats(sheet::SheetOptions *options) const
+{
+    options->dateStyle = m_dateStyle;
+    options->linkStyle = m_linkStyle;
+    options->firstDay = m_workbook.has1904Dates ? kSerialOf1904 : 0;
+}
+
+Result<void, Error> UpdatedWorkbook::begin(opc::MemberWriter &output)
+{
+    m_output = &output;
+    m_copy.reserve(m_workbookPart);
+    m_copy.reserve(opc::relationshipPartOf(m_workbookPart));
+    m_copy.reserve(sheetRelationshipPart());
+    const QByteArray sheet = m_copy.reserve(m_sheetPart);
+    const auto copied = m_copy.copyMembers(output);
+    return copied ? output.open(sheet) : copied;
+}
+
+Result<void, Error> UpdatedWorkbook::openSheet(sheet::SheetWriter &sheet)
+{
+    if (!m_splitter) {
+        return put(sheet, newSheetHead(m_workbook.family));
+    }
+    const auto take = [&](QByteArrayView piece) -> Result<void, Error> {
+        const auto split = m_splitter->push(piece);
+        return split ? put(sheet, m_splitter->takeHead()) : split;
+    };
+    auto done = m_copy.readInPieces(m_sheetPart, take);
+    if (done) {
+        done = m_splitter->finish();
+    }
+    if (!done) {
+        return done;
+    }
+    sheet.setRow(static_cast<qint64>(m_splitter->firstRow1()));
+    return put(sheet, m_splitter->takeHead());
+}
+
+Result<void, Error> UpdatedWorkbook::finishSheet(sheet::SheetWriter &sheet)
+{
+    const Family &family = m_workbook.family;
+    if (!m_splitter) {
+        return putTail(sheet, newSheetTail(), newSheetRoot(family), family, m_takenLinkIds);
+    }
+    const QByteArray &tail = m_splitter->tail();
+    m_takenLinkIds = std::max(m_takenLinkIds, *highestUsedId(tail)); // checked by finish()
+    return putTail(sheet, tail, m_splitter->rootTag(), family, m_takenLinkIds);
+}
+
+Result<void, Error> UpdatedWorkbook::writeSheetRelationships(const sheet::SheetWriter &sheet)
+{
+    const QByteArray part = sheetRelationshipPart();
+    if (sheet.urls().isEmpty()) {
+        // A new sheet must not get relationships that the package has for a sheet of its name.
+        return m_splitter ? m_copy.copyReserved(*m_output, part) : Result<void, Error>();
+    }
+    addAddresses(&m_sheetRelationships, sheet, m_workbook.family, m_takenLinkIds);
+    return m_output->write(m_copy.memberOf(part), m_sheetRelationships.text());
+}
+
+Result<void, Error> UpdatedWorkbook::finish(const sheet::SheetWriter &sheet, const WorkbookEnd &end)
+{
+    const opc::Relationship *const chain = m_relationships.find("calcChain");
+    if (chain != nullptr && m_splitter && m_splitter->hasDroppedFormula()) {
+        // The chain lists cells that no longer contain a formula, which spreadsheet programs report
+        // as damage. Without the relationship they create a new chain.
+        m_relationships.remove(chain->id);
+    }
+    WorkbookChange change{m_addedSheet, {}, end.recalculate};
+    if (end.range) {
+        change.definedName = DefinedName{end.range->name, rangeReference(*end.range, m_sheetName)};
+    }
+    const auto workbook = changedWorkbook(m_workbookText, change);
+    if (!workbook) {
+        return workbook.fault();
+    }
+    auto done = m_output->write(m_copy.memberOf(m_workbookPart), *workbook);
+    if (done) {
+        done = m_output->write(m_copy.memberOf(opc::relationshipPartOf(m_workbookPart)),
+                               m_relationships.text());
+    }
+    done = done ? writeSheetRelationships(sheet) : done;
+    return done ? m_output->finish() : done;
+}
+
+} // namespace corvanta::xlsx

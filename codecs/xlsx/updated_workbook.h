@@ -1,0 +1,77 @@
+// Updates an existing workbook: copies its package to a new one and edits only the parts that
+// change. Those parts are edited as text; all other members are copied unmodified.
+#pragma once
+#include "codecs/opc/package_copy.h"
+#include "codecs/xlsx/sheet_splitter.h"
+#include "codecs/xlsx/workbook_part.h"
+#include "codecs/xlsx/workbook_target.h"
+
+#include <functional>
+#include <memory>
+
+namespace corvanta::xlsx {
+
+/// Call addSheet() or changeSheet(), then addCellFormats(), before the calls of WorkbookTarget.
+/// What is written: docs/formats/xlsx-update.md.
+class UpdatedWorkbook final : public WorkbookTarget
+{
+public:
+    /// Read the parts that an update changes. `source` must outlive the workbook. `isRunning` as
+    /// for opc::PackageCopy. Errors: NoMember, Damaged, and those of the texts of the parts.
+    static Result<std::unique_ptr<UpdatedWorkbook>, opc::Error>
+    open(zip::PackageReader &source, std::function<bool()> isRunning);
+
+    /// The workbook as read.
+    const Workbook &workbook() const { return m_workbook; }
+
+    /// Rows go into a new sheet after the others.
+    void addSheet(const QString &name);
+    /// Rows go into sheet `index` (from 0): from row `startRow1` (1-based) on, or after the last
+    /// row for SheetSplitter::kAppend. Errors: NoMember, Damaged, and those of the texts.
+    Result<void, opc::Error> changeSheet(size_t index, quint64 startRow1);
+
+    enum class CellFormats : quint8 {
+        Added,
+        AddedTable, ///< the part had no table of cell formats
+        NotAdded,   ///< no styles part (one is added), or one that cannot be read
+    };
+    /// Add the formats of date and hyperlink cells. `dateFormat` as for dateFormatAt().
+    CellFormats addCellFormats(int dateFormat);
+
+    void setCellFormats(sheet::SheetOptions *options) const override;
+    Result<void, opc::Error> begin(opc::MemberWriter &output) override;
+    Result<void, opc::Error> openSheet(sheet::SheetWriter &sheet) override;
+    Result<void, opc::Error> finishSheet(sheet::SheetWriter &sheet) override;
+    Result<void, opc::Error> finish(const sheet::SheetWriter &sheet,
+                                    const WorkbookEnd &end) override;
+
+private:
+    UpdatedWorkbook(zip::PackageReader &source, std::function<bool()> isRunning)
+        : m_copy(source, std::move(isRunning))
+    {
+    }
+
+    Result<void, opc::Error> readParts();
+    QByteArray freeSheetPart() const;
+    QByteArray addRelationship(const char *kind, const QByteArray &part);
+    QByteArray sheetRelationshipPart() const;
+    Result<void, opc::Error> readSheetRelationships();
+    Result<void, opc::Error> writeSheetRelationships(const sheet::SheetWriter &sheet);
+
+    opc::PackageCopy m_copy;
+    opc::ContentTypes *m_types = nullptr; // of m_copy
+    QByteArray m_workbookPart;
+    QByteArray m_workbookText;
+    Workbook m_workbook;
+    opc::Relationships m_relationships; // of the workbook
+
+    QByteArray m_sheetPart;                  // as stored, for a changed sheet
+    std::optional<SheetEntry> m_addedSheet;  // of a new sheet
+    std::optional<SheetSplitter> m_splitter; // of a changed sheet
+    opc::Relationships m_sheetRelationships;
+    quint64 m_takenLinkIds = 0; // ids up to "rId" + this are not used for links
+    quint64 m_dateStyle = 1;
+    quint64 m_linkStyle = 2;
+};
+
+} // namespace corvanta::xlsx

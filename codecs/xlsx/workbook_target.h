@@ -1,0 +1,58 @@
+// A workbook that is being written: a new one, or a copy of an existing one with changes.
+#pragma once
+#include "codecs/opc/member_writer.h"
+#include "codecs/opc/relationships.h"
+#include "codecs/sheet/sheet_writer.h"
+#include "codecs/xlsx/fixed_parts.h"
+#include "codecs/xlsx/namespaces.h"
+
+namespace corvanta::xlsx {
+
+/// What is written after the sheet, in the part of the workbook itself.
+struct WorkbookEnd
+{
+    std::optional<NamedRange> range = {}; ///< a name for cells of the sheet
+    bool recalculate = false;             ///< programs calculate all formulas when they open it
+};
+
+/// Order of the calls: setCellFormats(), begin(), openSheet(), the rows, finishSheet(), finish().
+/// Errors are those of opc::PackageCopy and of the texts of the parts. Threads: one at a time.
+class WorkbookTarget
+{
+public:
+    virtual ~WorkbookTarget() = default;
+
+    const QString &sheetName() const { return m_sheetName; }
+    /// Set the cell formats and day 0 of the workbook in the options of its sheet.
+    virtual void setCellFormats(sheet::SheetOptions *options) const = 0;
+
+    /// Write the members before the sheet and start the sheet's member. `output` must outlive the
+    /// target.
+    virtual Result<void, opc::Error> begin(opc::MemberWriter &output) = 0;
+    /// Write the sheet up to its new rows, and set the number of the first one.
+    virtual Result<void, opc::Error> openSheet(sheet::SheetWriter &sheet) = 0;
+    /// Write the rest of the sheet.
+    virtual Result<void, opc::Error> finishSheet(sheet::SheetWriter &sheet) = 0;
+    /// Write the other members and the directory of the package.
+    virtual Result<void, opc::Error> finish(const sheet::SheetWriter &sheet,
+                                            const WorkbookEnd &end) = 0;
+
+protected:
+    WorkbookTarget() = default;
+
+    /// Write XML into the sheet.
+    static Result<void, opc::Error> put(sheet::SheetWriter &sheet, QByteArrayView xml);
+    /// Write the tail with the links of the sheet, and end the sheet's member. The relationship of
+    /// address N gets the id "rId" + (`takenIds` + N).
+    Result<void, opc::Error> putTail(sheet::SheetWriter &sheet, const QByteArray &tail,
+                                     const QByteArray &rootTag, const Family &family,
+                                     quint64 takenIds);
+    /// Add the addresses of the sheet's links, in the same order.
+    static void addAddresses(opc::Relationships *relationships, const sheet::SheetWriter &sheet,
+                             const Family &family, quint64 takenIds);
+
+    QString m_sheetName;
+    opc::MemberWriter *m_output = nullptr;
+};
+
+} // namespace corvanta::xlsx
