@@ -1,10 +1,7 @@
 #include "actions/write_excel/write_excel.h"
 
-#include "corvanta/name_collision.h"
 #include "plugin/catalogue.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QLocale>
 
 using namespace Qt::StringLiterals;
@@ -25,10 +22,34 @@ ActionWriteExcel::ActionWriteExcel(const XMLNode &saved, GlobalParameters *param
 {
 }
 
+QString ActionWriteExcel::message(WriteProblem problem, const QString &name) const
+{
+    switch (problem) {
+    case WriteProblem::NoTestColumn:
+        return u"\nERROR writing to Excel file '%1': cannot find column '%2' to test\n"_s.arg(
+            fileName(), name);
+    case WriteProblem::NoColumn:
+        return u"\nERROR writing to Excel file '%1': cannot find column '%2' to write\n"_s.arg(
+            fileName(), name);
+    case WriteProblem::NoColumns:
+        return u"\nERROR writing to Excel file '%1': no column to write?\n"_s.arg(fileName());
+    case WriteProblem::BadFloatFormat:
+        return u"\nERROR writing to Excel file '%1': '%2' is not a format of a floating-point number\n"_s
+            .arg(fileName(), name);
+    case WriteProblem::CannotOpen:
+        return u"\nERROR writing to Excel file '%1'\n"_s.arg(fileName());
+    case WriteProblem::TooLarge:
+        return u"\nERROR writing to XLSX file '%1': output buffer too small\n"_s.arg(fileName());
+    case WriteProblem::CannotWrite:
+        break;
+    }
+    return u"\nERROR: cannot write to XLSX file '%1'\n"_s.arg(fileName());
+}
+
 void ActionWriteExcel::start()
 {
+    RowWriter::start();
     m_run = std::make_unique<RunState>();
-    m_run->file = expandOutputFile(m_params.fileNameDestination, QString());
     m_longCells.reset();
     if (!setFloatFormat() || !setCompression()) {
         return;
@@ -43,9 +64,7 @@ bool ActionWriteExcel::setFloatFormat()
     const QString &format = m_params.floatToString;
     const bool hasMarkup = format.contains(u'<') || format.contains(u'&');
     return (!hasMarkup && m_floatFormat.set(format)) ||
-           fail(
-               u"\nERROR writing to Excel file '%1': '%2' is not a format of a floating-point number\n"_s
-                   .arg(m_run->file, format));
+           failWith(WriteProblem::BadFloatFormat, format);
 }
 
 bool ActionWriteExcel::setCompression()
@@ -59,7 +78,7 @@ bool ActionWriteExcel::setCompression()
     if (!level) {
         return fail(
             u"\nERROR writing to Excel file '%1': '%2' is not a level of compression (isal-2, isal-3, zlib-1 to zlib-9)\n"_s
-                .arg(m_run->file, compression));
+                .arg(fileName(), compression));
     }
     m_run->compression.level = *level;
     return true;
@@ -88,44 +107,9 @@ QString ActionWriteExcel::qtDateFormat() const
     }
 }
 
-bool ActionWriteExcel::askRetry()
+bool ActionWriteExcel::decideKind(const OneRow &row, sheet::Column *column)
 {
-    return runIsGood() && MainUI::displayOutOfDiskSpace(m_run->file, getIdx(), true);
-}
-
-bool ActionWriteExcel::findTestColumn(const OneRow *row)
-{
-    return m_run->filter.begin(m_params, *row) ||
-           fail(u"\nERROR writing to Excel file '%1': cannot find column '%2' to test\n"_s.arg(
-               m_run->file, m_params.testCol));
-}
-
-bool ActionWriteExcel::findColumns(const OneRow *row, std::vector<sheet::Column> *columns)
-{
-    QStringList missing;
-    if (m_params.writeAllColumns) {
-        for (int i = 0; i < row->numberOfColumns(); ++i) {
-            columns->push_back({i, sheet::Column::Kind::Text, row->colName(i)});
-        }
-    } else if (m_params.toWrite.isEmpty()) {
-        return fail(
-            u"\nERROR writing to Excel file '%1': no column to write?\n"_s.arg(m_run->file));
-    }
-    for (const QString &name : m_params.writeAllColumns ? QStringList() : m_params.toWrite) {
-        const int index = row->getIndexOfColumn(name);
-        if (index < 0) {
-            fail(u"\nERROR writing to Excel file '%1': cannot find column '%2' to write\n"_s.arg(
-                m_run->file, name));
-            missing << name;
-        }
-        columns->push_back({index, sheet::Column::Kind::Text, name});
-    }
-    return missing.isEmpty();
-}
-
-bool ActionWriteExcel::decideKind(const OneRow *row, sheet::Column *column)
-{
-    const MetaInfo::MetaTypeColumn type = row->getMetaType(column->input).type();
+    const MetaInfo::MetaTypeColumn type = row.getMetaType(column->input).type();
     if (m_params.toDate.contains(column->name)) {
         column->kind = sheet::Column::Kind::Date;
     } else if (m_params.toFormula.contains(column->name)) {
@@ -133,7 +117,7 @@ bool ActionWriteExcel::decideKind(const OneRow *row, sheet::Column *column)
         if (type != MetaInfo::Unknown) {
             return fail(
                 u"ERROR writing to Excel file '%1': type of column '%2' is not string/unknown.\n"_s
-                    .arg(m_run->file, column->name));
+                    .arg(fileName(), column->name));
         }
     } else if (type == MetaInfo::Key) {
         column->kind = sheet::Column::Kind::Key;
@@ -161,7 +145,8 @@ bool ActionWriteExcel::openSheet(std::vector<sheet::Column> columns)
         return false;
     }
     zip::PackageWriter &package = m_run->output.writer();
-    m_run->members = std::make_unique<opc::MemberWriter>(package, [this] { return askRetry(); });
+    m_run->members =
+        std::make_unique<opc::MemberWriter>(package, [this] { return askRetryWrite(fileName()); });
     if (const auto begun = m_run->workbook->begin(*m_run->members); !begun) {
         return failWorkbook(begun.fault());
     }
@@ -169,7 +154,8 @@ bool ActionWriteExcel::openSheet(std::vector<sheet::Column> columns)
     m_run->workbook->setCellFormats(&options);
     m_run->sheet = std::make_unique<sheet::SheetWriter>(
         package, options, std::move(columns), m_run->dates.get(),
-        sheet::SheetCallbacks{[this] { warnLongCell(); }, [this] { return askRetry(); }});
+        sheet::SheetCallbacks{[this] { warnLongCell(); },
+                              [this] { return askRetryWrite(fileName()); }});
     const auto opened = m_run->workbook->openSheet(*m_run->sheet);
     return opened || failWorkbook(opened.fault());
 }
@@ -180,36 +166,48 @@ void ActionWriteExcel::warnLongCell()
     m_warningFlag = 1;
 }
 
-bool ActionWriteExcel::begin(const OneRow *row)
+bool ActionWriteExcel::begin(const OneRow &row)
 {
-    m_run->isFirst = false;
-    std::vector<sheet::Column> columns;
-    if (!findTestColumn(row) || !findColumns(row, &columns)) {
-        return false;
-    }
+    m_run->hasBegun = true;
     QVector<int> inputs;
-    for (const sheet::Column &column : columns) {
-        inputs << column.input;
-    }
-    if (doCheckNameCollision(row, m_params.checkNameCollision, this, inputs, m_run->file) != 0) {
+    if (!findTestColumn(row) || !findColumns(row, &inputs) || !checkNames(row, inputs)) {
         return false;
     }
-    for (sheet::Column &column : columns) {
-        if (!decideKind(row, &column)) {
+    std::vector<sheet::Column> columns;
+    for (const int input : inputs) {
+        columns.push_back({input, sheet::Column::Kind::Text, row.colName(input)});
+        if (!decideKind(row, &columns.back())) {
             return false;
         }
     }
     if (columns.size() > sheet::kMaxColumns) {
-        warn(u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's "
-             u"too large "
-             "(nColumns>16384). However, you can still use the file with Corvanta.\n"_s.arg(
-                 m_run->file));
+        warn(
+            u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's too large (nColumns>16384). However, you can still use the file with Corvanta.\n"_s
+                .arg(fileName()));
     }
     if (!openSheet(std::move(columns))) {
         return false;
     }
     m_run->firstRow = m_run->sheet->row();
     return !m_params.firstLineContainsColumnNames || checkSheet(m_run->sheet->putHeader());
+}
+
+bool ActionWriteExcel::beginWithoutRows(const OneRow &columns)
+{
+    const bool writesHeader = m_params.alwaysWrite && columns.numberOfColumns() > 0;
+    return !writesHeader || begin(columns);
+}
+
+bool ActionWriteExcel::writeRow(const OneRow &row)
+{
+    if (m_run->sheet->row() > sheet::kMaxRows && !m_run->isTooLongKnown) {
+        // A header or earlier rows may have passed the limit before.
+        m_run->isTooLongKnown = true;
+        warn(
+            u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's too large (nRows>1048576). However, you can still use the file with Corvanta.\n"_s
+                .arg(fileName()));
+    }
+    return checkSheet(m_run->sheet->putRow(row.view()));
 }
 
 bool ActionWriteExcel::checkSheet(const Result<void, sheet::Error> &result)
@@ -219,62 +217,11 @@ bool ActionWriteExcel::checkSheet(const Result<void, sheet::Error> &result)
     }
     switch (result.fault().code) {
     case sheet::Error::TextTooLong:
-        return fail(
-            u"\nERROR writing to XLSX file '%1': output buffer too small\n"_s.arg(m_run->file));
+        return failWith(WriteProblem::TooLarge);
     case sheet::Error::WriteFailed:
         break;
     }
-    return failWrite();
-}
-
-bool ActionWriteExcel::failWrite()
-{
-    return fail(u"\nERROR: cannot write to XLSX file '%1'\n"_s.arg(m_run->file));
-}
-
-bool ActionWriteExcel::writeRow(const OneRow *row)
-{
-    if (m_run->sheet->row() > sheet::kMaxRows && !m_run->isTooLongKnown) {
-        // A header or earlier rows may have passed the limit before.
-        m_run->isTooLongKnown = true;
-        warn(u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's "
-             u"too large "
-             "(nRows>1048576). However, you can still use the file with Corvanta.\n"_s.arg(
-                 m_run->file));
-    }
-    return checkSheet(m_run->sheet->putRow(row->view()));
-}
-
-void ActionWriteExcel::endOfRows()
-{
-    if (m_run->isFirst) {
-        const OneRow *const columns = getInputColumns(0);
-        getOutputRowForOutputPin(0)->copySchemaFrom(columns);
-        if (m_params.alwaysWrite && runIsGood() && columns->numberOfColumns() > 0) {
-            begin(columns);
-        }
-    }
-    m_run->isComplete = runIsGood();
-}
-
-bool ActionWriteExcel::step()
-{
-    while (!yieldRequested()) {
-        const OneRow *const row = getNextRowFromInPin(0);
-        if (row == nullptr) {
-            endOfRows();
-            return false;
-        }
-        getOutputRowForOutputPin(0)->copyFrom(row);
-        setRowReadyForOutput(0);
-        if (m_run->isFirst && !begin(row)) {
-            return false;
-        }
-        if (m_run->filter.isWanted(*row) && !writeRow(row)) {
-            return false;
-        }
-    }
-    return true;
+    return failWith(WriteProblem::CannotWrite);
 }
 
 xlsx::WorkbookEnd ActionWriteExcel::workbookEnd() const
@@ -295,27 +242,29 @@ bool ActionWriteExcel::completeWorkbook()
 {
     // Rows that are still in the package's block are written with the end of the sheet.
     if (!m_run->workbook->finishSheet(*m_run->sheet)) {
-        return failWrite();
+        return failWith(WriteProblem::CannotWrite);
     }
     return m_run->workbook->finish(*m_run->sheet, workbookEnd()) ||
-           fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(m_run->file));
+           fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(fileName()));
 }
 
-void ActionWriteExcel::finish()
+void ActionWriteExcel::complete()
 {
-    if (!m_run) {
+    if (!m_run->sheet || !completeWorkbook()) {
         return;
     }
-    if (m_run->sheet && m_run->isComplete && runIsGood()) {
-        completeWorkbook();
-        m_run->sheet.reset();
-        m_run->workbook.reset();
-        m_run->members.reset();
-        m_run->input.reset(); // closes the workbook that is to be replaced
-        if (runIsGood() && commit() && m_params.runExcel) {
-            recalculate();
-        }
-    } else if (m_run->isFirst && m_run->isComplete && updatesInPlace()) {
+    m_run->sheet.reset();
+    m_run->workbook.reset();
+    m_run->members.reset();
+    m_run->input.reset(); // closes the workbook that is to be replaced
+    if (runIsGood() && commit() && m_params.runExcel) {
+        recalculate();
+    }
+}
+
+void ActionWriteExcel::release(bool wasComplete)
+{
+    if (m_run && !m_run->hasBegun && wasComplete && updatesInPlace()) {
         swapNothing();
     }
     m_run.reset();

@@ -1,9 +1,9 @@
 // Writes the rows of its input pin into one worksheet of a new or an existing workbook.
 #pragma once
+#include "actions/shared/row_writer.h"
 #include "actions/write_excel/write_excel_params.h"
 #include "codecs/sheet/sheet_writer.h"
 #include "codecs/xlsx/updated_workbook.h"
-#include "corvanta/action_base.h"
 #include "io/package_file/package_file.h"
 
 #include <memory>
@@ -11,7 +11,7 @@
 
 namespace corvanta {
 
-class ActionWriteExcel final : public ParamAction<ActionWriteExcel, WriteExcelParams>
+class ActionWriteExcel final : public ParamAction<ActionWriteExcel, WriteExcelParams, RowWriter>
 {
 public:
     ActionWriteExcel(const XMLNode &saved, GlobalParameters *parameters);
@@ -25,13 +25,10 @@ private:
     /// State of one run; recreated by start().
     struct RunState
     {
-        QString file;   // the expanded destination
         QString source; // the workbook that is read
-        bool isFirst = true;
-        bool isComplete = false;     // all rows are written
+        bool hasBegun = false;
         bool isTooLongKnown = false; // the warning about the number of rows is logged
-        RowFilter filter;
-        qint64 firstRow = 1; // first sheet row written
+        qint64 firstRow = 1;         // first sheet row written
         deflate::StreamOptions compression;
         std::unique_ptr<PackageInput> input; // of an update
         PackageOutput output;
@@ -41,27 +38,26 @@ private:
         std::unique_ptr<sheet::SheetWriter> sheet;
     };
 
+    const RowWriterParams &rowParams() const override { return m_params; }
+    const QString &fileParameter() const override { return m_params.fileNameDestination; }
+    QString message(WriteProblem problem, const QString &name) const override;
     void start() override;
-    bool step() override;
-    void finish() override;
+    bool begin(const OneRow &columns) override;
+    bool beginWithoutRows(const OneRow &columns) override;
+    bool writeRow(const OneRow &row) override;
+    void complete() override;
+    void release(bool wasComplete) override;
 
     bool setFloatFormat();
     bool setCompression();
     QString qtDateFormat() const;
-    bool begin(const OneRow *row);
-    bool findTestColumn(const OneRow *row);
-    bool findColumns(const OneRow *row, std::vector<sheet::Column> *columns);
-    bool decideKind(const OneRow *row, sheet::Column *column);
+    bool decideKind(const OneRow &row, sheet::Column *column);
     bool openSheet(std::vector<sheet::Column> columns);
     sheet::SheetOptions sheetOptions() const;
-    bool writeRow(const OneRow *row);
-    void endOfRows();
     bool checkSheet(const Result<void, sheet::Error> &result);
-    bool failWrite();
     bool completeWorkbook();
     xlsx::WorkbookEnd workbookEnd() const;
     void warnLongCell();
-    bool askRetry();
 
     // The workbook and the sheet to write to, in write_excel_target.cpp.
     bool openWorkbook();

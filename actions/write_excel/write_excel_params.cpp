@@ -75,7 +75,7 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         flag("useComma", &P::useComma)
             .label("Decimal comma")
             .meaning("Kept with the graph; has no effect on the cells."),
-        flag("createDir", &P::createDir)
+        flag<P>("createDir", &P::createDir)
             .label("Create the folder of the workbook")
             .meaning("Creates missing folders of a new workbook."),
         flag("alwaysWrite", &P::alwaysWrite)
@@ -119,7 +119,7 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         shared::testCol<P>(),
         shared::testValue<P>(),
         shared::writeAllRows<P>(),
-        shared::columnsToWrite("ToWrite", &P::toWrite),
+        shared::columnsToWrite<P>("ToWrite", &P::toWrite),
         strings("ToDate", &P::toDate)
             .label("Date columns")
             .meaning("Text columns that are written as dates."),

@@ -1,12 +1,12 @@
 // writers/write_excel_params.h
 // The parameters of writeExcel.
 #pragma once
-#include "actions/shared/row_filter.h"
+#include "actions/shared/row_writer.h"
 #include "corvanta/param_table.h"
 
 namespace corvanta {
 
-struct WriteExcelParams : RowFilterParams
+struct WriteExcelParams : RowWriterParams
 {
     int mode = 0;
     QString fileNameSource;
@@ -19,13 +19,10 @@ struct WriteExcelParams : RowFilterParams
     bool nrIncludeTitleRow = false;
     QString floatToString = QStringLiteral("%.16g");
     bool createIfNotExists = true;
-    bool checkNameCollision = true;
     bool forceRecompute = true;
-    bool writeAllColumns = true;
     bool firstLineContainsColumnNames = true;
     bool noNans = true;
     bool useComma = false;
-    bool createDir = false;
     bool alwaysWrite = false;
     bool equalisFormula = false;
     bool runExcel = false;
@@ -35,7 +32,6 @@ struct WriteExcelParams : RowFilterParams
     int dateFormatType = 0;
     QString dateFormat;
     int dateFormatExcel = 0;
-    QStringList toWrite;
     QStringList toDate;
     QStringList toFormula;
 };

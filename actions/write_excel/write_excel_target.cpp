@@ -6,9 +6,6 @@
 #include "corvanta/files.h"
 #include "io/replace/file_swap.h"
 
-#include <QDir>
-#include <QFileInfo>
-
 #include <chrono>
 #include <thread>
 
@@ -37,7 +34,7 @@ bool ActionWriteExcel::openWorkbook()
     if (m_params.mode < 1 || m_params.mode > 4) {
         return openNewWorkbook();
     }
-    m_run->source = updatesInPlace() ? m_run->file : expandFile(m_params.fileNameSource);
+    m_run->source = updatesInPlace() ? fileName() : expandFile(m_params.fileNameSource);
     const KobiFileInfo info(globalParameters(), m_run->source);
     if (info.exists() && info.size() != 0) {
         return openUpdate();
@@ -51,15 +48,14 @@ bool ActionWriteExcel::openWorkbook()
 
 bool ActionWriteExcel::openOutput()
 {
-    return m_run->output.open(m_run->file, {getIdx()}, m_run->compression) ||
-           fail(u"\nERROR writing to Excel file '%1'\n"_s.arg(m_run->file));
+    // The codec repeats failed writes, so the file does not.
+    return m_run->output.open(fileName(), {getIdx()}, m_run->compression) ||
+           failWith(WriteProblem::CannotOpen);
 }
 
 bool ActionWriteExcel::openNewWorkbook()
 {
-    if (m_params.createDir) {
-        QDir().mkpath(QFileInfo(m_run->file).absolutePath());
-    }
+    createFolder(fileName());
     if (!openOutput()) {
         return false;
     }
@@ -67,7 +63,7 @@ bool ActionWriteExcel::openNewWorkbook()
     if (name.contains(u'<')) {
         warn(
             u"Warning: the sheet name '%1' of the Excel file '%2' contains '<': the workbook may not open.\n"_s
-                .arg(name, m_run->file));
+                .arg(name, fileName()));
     }
     m_run->workbook = std::make_unique<xlsx::NewWorkbook>(name, m_params.dateFormatExcel);
     return true;
@@ -79,7 +75,7 @@ QString ActionWriteExcel::makeSheetName()
     if (name.size() > xlsx::kMaxSheetNameUnits) {
         warn(
             u"WARNING: in the Excelfile '%1' the SheetName '%2' is too long: truncating at 31 chars."_s
-                .arg(m_run->file, name));
+                .arg(fileName(), name));
     }
     return xlsx::shortSheetName(name);
 }
@@ -109,7 +105,7 @@ bool ActionWriteExcel::failWorkbook(const Fault<opc::Error> &fault)
 {
     switch (fault.code) {
     case opc::Error::WriteFailed:
-        return failWrite();
+        return failWith(WriteProblem::CannotWrite);
     case opc::Error::NotAdded:
         return fail(u"\nERROR: cannot open file '%1' in the zipfile for write"_s.arg(fault.detail));
     case opc::Error::Damaged:
@@ -215,7 +211,7 @@ bool ActionWriteExcel::commit()
     };
     const bool done = updatesInPlace() ? m_run->output.commit(move) : m_run->output.commit();
     if (!done && !hasSwapped) {
-        fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(m_run->file));
+        fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(fileName()));
     }
     return done;
 }
@@ -252,8 +248,8 @@ bool ActionWriteExcel::pause(int pauseMs) const
 void ActionWriteExcel::swapNothing()
 {
     const QString temporary = u"%1_tmp_%2_%3"_s.arg(
-        m_run->file, QString::number(getIdx()), QString::number(MainUI::getNearUniqueRandomID()));
-    swap(temporary, m_run->file);
+        fileName(), QString::number(getIdx()), QString::number(MainUI::getNearUniqueRandomID()));
+    swap(temporary, fileName());
     if (m_params.runExcel) {
         recalculate();
     }
@@ -265,8 +261,8 @@ void ActionWriteExcel::recalculate()
     // swapNothing() has failed this run, and the workbook is recalculated nevertheless. A run that
     // was stopped, or that another action failed, also requests a yield.
     const auto isRunning = [this] { return runIsGood() || !yieldRequested(); };
-    if (!recalculateWorkbook(m_run->file, folder, getIdx(), isRunning)) {
-        warn(u"Warning: cannot run MS-Excel to finalize XLSX file '%1'\n"_s.arg(m_run->file));
+    if (!recalculateWorkbook(fileName(), folder, getIdx(), isRunning)) {
+        warn(u"Warning: cannot run MS-Excel to finalize XLSX file '%1'\n"_s.arg(fileName()));
     }
 }
 

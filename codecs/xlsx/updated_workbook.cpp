@@ -203,7 +203,8 @@ Result<void, Error> UpdatedWorkbook::finishSheet(sheet::SheetWriter &sheet)
 {
     const Family &family = m_workbook.family;
     if (!m_splitter) {
-        return putTail(sheet, newSheetTail(), newSheetRoot(family), family, m_takenLinkIds);
+        // In a strict workbook this makes the list of links declare the namespace of their ids.
+        return putTail(sheet, newSheetTail(), newSheetRoot(kTransitional), family, m_takenLinkIds);
     }
     const QByteArray &tail = m_splitter->tail();
     m_takenLinkIds = std::max(m_takenLinkIds, *highestUsedId(tail)); // checked by finish()

@@ -1,4 +1,3 @@
-// io/package_file/package_file.h
 // Office packages as files: read through the host's files, and written beside their target.
 //
 // On network drives reads go through a cache of 64 KiB and writes are collected in blocks of 5 MiB.
