@@ -2,12 +2,12 @@
 
 namespace corvanta {
 
-ValueRules LevelWriter::commonRules(std::u16string_view nullForm,
-                                    std::u16string_view emptyForm) const
+compose::ValueRules LevelWriter::commonRules(std::u16string_view nullForm,
+                                             std::u16string_view emptyForm) const
 {
     const LevelWriterParams &params = rowParams();
     const compose::FixedText null(nullForm);
-    ValueRules rules;
+    compose::ValueRules rules;
     if (params.nullString == 0 || params.nullString == 1) {
         rules.missingText = params.nullString == 0 ? null : compose::FixedText(emptyForm);
     }
@@ -45,17 +45,18 @@ bool LevelWriter::begin(const OneRow &columns)
 bool LevelWriter::makeComposer(const OneRow &columns)
 {
     const std::vector<WriteLevel> declared = declaredLevels();
-    auto levels = compileLevels(declared, columns);
+    auto levels = compileLevels(declared, columns.view());
     if (!levels) {
-        const Fault<LevelProblem> &fault = levels.fault();
+        const Fault<compose::LevelProblem> &fault = levels.fault();
         const WriteLevel &level = declared[static_cast<size_t>(fault.offset)];
         return fail(levelMessage(fault.code, fault.detail, level.name));
     }
-    if (!checkNames(columns, columnsOf(*levels))) {
+    const std::vector<int> written = compose::writtenColumns(*levels);
+    if (!checkNames(columns, {written.begin(), written.end()})) {
         return false;
     }
     m_run->composer =
-        std::make_unique<LevelComposer>(*std::move(levels), valueRules(), *m_run->block);
+        std::make_unique<compose::LevelComposer>(*std::move(levels), valueRules(), *m_run->block);
     return true;
 }
 
@@ -64,8 +65,8 @@ bool LevelWriter::writeRow(const OneRow &row)
     if (!prepareRow(row)) {
         return false;
     }
-    m_run->composer->putRow(row);
-    return checkBlock();
+    m_run->composer->putRow(row.view());
+    return m_run->block->failure() == compose::TextBlock::Failure::None || checkBlock();
 }
 
 /// Whether the block took all that was composed so far.

@@ -1,9 +1,8 @@
 // Base of writeJSON and writeXML: composes rows into text by levels and writes it to files.
 #pragma once
-#include "actions/shared/level_compiler.h"
-#include "actions/shared/level_composer.h"
 #include "actions/shared/level_writer_params.h"
 #include "actions/shared/row_writer.h"
+#include "codecs/compose/level_compiler.h"
 #include "codecs/compose/text_block.h"
 
 #include <memory>
@@ -31,12 +30,12 @@ protected:
     const QString &fileParameter() const override { return rowParams().fileName; }
     /// The message for a problem of the levels; `name` is the one that LevelProblem describes,
     /// `level` the level in which it occurred.
-    virtual QString levelMessage(LevelProblem problem, const QString &name,
+    virtual QString levelMessage(compose::LevelProblem problem, const QString &name,
                                  const QString &level) const = 0;
     virtual std::vector<WriteLevel> declaredLevels() const = 0;
-    virtual LevelCompiler::Levels compileLevels(const std::vector<WriteLevel> &levels,
-                                                const OneRow &columns) const = 0;
-    virtual ValueRules valueRules() const = 0;
+    virtual compose::LevelCompiler::Levels compileLevels(const std::vector<WriteLevel> &levels,
+                                                         const RowView &columns) const = 0;
+    virtual compose::ValueRules valueRules() const = 0;
     virtual FileFrame frame() const = 0;
     /// Called once per run, before the levels are compiled. Returns false after a failure.
     virtual bool prepareColumns(const OneRow &) { return true; }
@@ -53,7 +52,8 @@ protected:
 
     /// The rules for values that both actions have parameters for. Null values are written as
     /// `nullForm`, empty texts in place of missing ones as `emptyForm`.
-    ValueRules commonRules(std::u16string_view nullForm, std::u16string_view emptyForm) const;
+    compose::ValueRules commonRules(std::u16string_view nullForm,
+                                    std::u16string_view emptyForm) const;
     /// Complete the current file, if it is open or `alwaysWrite` is on. Returns false after a
     /// failure.
     bool endFile();
@@ -66,7 +66,7 @@ private:
         FloatFormat floatFormat;
         TargetFile target;
         std::unique_ptr<compose::TextBlock> block;
-        std::unique_ptr<LevelComposer> composer;
+        std::unique_ptr<compose::LevelComposer> composer;
     };
 
     bool makeComposer(const OneRow &columns);

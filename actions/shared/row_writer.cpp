@@ -15,6 +15,22 @@ void RowWriter::start()
     m_isComplete = false;
 }
 
+/// Pass a row on and write it when it is selected.
+inline bool RowWriter::takeRow(const OneRow &row)
+{
+    if (pinOutCount() != 0) {
+        getOutputRowForOutputPin(0)->copyFrom(&row);
+        setRowReadyForOutput(0);
+    }
+    if (m_isBeforeFirstRow) {
+        m_isBeforeFirstRow = false;
+        if (!begin(row)) {
+            return false;
+        }
+    }
+    return !m_filter.isWanted(row) || writeRow(row);
+}
+
 bool RowWriter::step()
 {
     while (!yieldRequested()) {
@@ -28,22 +44,6 @@ bool RowWriter::step()
         }
     }
     return true;
-}
-
-/// Pass a row on and write it when it is selected.
-bool RowWriter::takeRow(const OneRow &row)
-{
-    if (pinOutCount() != 0) {
-        getOutputRowForOutputPin(0)->copyFrom(&row);
-        setRowReadyForOutput(0);
-    }
-    if (m_isBeforeFirstRow) {
-        m_isBeforeFirstRow = false;
-        if (!begin(row)) {
-            return false;
-        }
-    }
-    return !m_filter.isWanted(row) || writeRow(row);
 }
 
 void RowWriter::endRows()

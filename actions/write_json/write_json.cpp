@@ -1,7 +1,7 @@
 #include "actions/write_json/write_json.h"
 
 #include "actions/shared/split_name.h"
-#include "actions/write_json/json_levels.h"
+#include "codecs/compose/json_levels.h"
 #include "plugin/catalogue.h"
 
 using namespace Qt::StringLiterals;
@@ -38,25 +38,25 @@ QString ActionWriteJSON::message(WriteProblem problem, const QString &name) cons
     return u"ERROR writing to JSON file '%1': output buffer too small\n"_s.arg(file);
 }
 
-QString ActionWriteJSON::levelMessage(LevelProblem problem, const QString &name,
+QString ActionWriteJSON::levelMessage(compose::LevelProblem problem, const QString &name,
                                       const QString &level) const
 {
     const QString &file = fileName();
     switch (problem) {
-    case LevelProblem::NoPartitionColumn:
+    case compose::LevelProblem::NoPartitionColumn:
         return u"ERROR writing to JSON file '%1': cannot find partitioning column '%2' in level '%3'\n"_s
             .arg(file, name, level);
-    case LevelProblem::NoColumn:
+    case compose::LevelProblem::NoColumn:
         return message(WriteProblem::NoColumn, name);
-    case LevelProblem::NoLevel:
+    case compose::LevelProblem::NoLevel:
         return u"ERROR writing to JSON file '%1': cannot find the level named '%2'\n"_s.arg(file,
                                                                                             name);
-    case LevelProblem::CyclicLevel:
+    case compose::LevelProblem::CyclicLevel:
         return u"ERROR writing to JSON file '%1': the level '%2' is a sub-level of itself\n"_s.arg(
             file, name);
-    case LevelProblem::NoDictionary:
+    case compose::LevelProblem::NoDictionary:
         return u"ERROR writing to JSON file '%1': previous Item is not a Dictionary\n"_s.arg(file);
-    case LevelProblem::NoColumnListed:
+    case compose::LevelProblem::NoColumnListed:
         break;
     }
     return message(WriteProblem::NoColumns, name);
@@ -64,23 +64,24 @@ QString ActionWriteJSON::levelMessage(LevelProblem problem, const QString &name,
 
 std::vector<WriteLevel> ActionWriteJSON::declaredLevels() const
 {
-    return m_params.levels.empty() ? defaultJsonLevels(m_params.writeAllColumns, m_params.toWrite)
-                                   : m_params.levels;
+    return m_params.levels.empty()
+               ? compose::defaultJsonLevels(m_params.writeAllColumns, m_params.toWrite)
+               : m_params.levels;
 }
 
-LevelCompiler::Levels ActionWriteJSON::compileLevels(const std::vector<WriteLevel> &levels,
-                                                     const OneRow &columns) const
+compose::LevelCompiler::Levels ActionWriteJSON::compileLevels(const std::vector<WriteLevel> &levels,
+                                                              const RowView &columns) const
 {
-    using Form = ComposeOperation::TextForm;
-    return compileJsonLevels(levels, columns,
-                             m_params.escapeControls ? Form::JsonStrict
-                             : m_params.replaceLF    ? Form::JsonStringWithLineFeed
-                                                     : Form::JsonString);
+    using Form = compose::ComposeOperation::TextForm;
+    return compose::compileJsonLevels(levels, columns,
+                                      m_params.escapeControls ? Form::JsonStrict
+                                      : m_params.replaceLF    ? Form::JsonStringWithLineFeed
+                                                              : Form::JsonString);
 }
 
-ValueRules ActionWriteJSON::valueRules() const
+compose::ValueRules ActionWriteJSON::valueRules() const
 {
-    ValueRules rules = commonRules(u"null", u"\"\"");
+    compose::ValueRules rules = commonRules(u"null", u"\"\"");
     rules.specialBool = m_params.specialBool;
     return rules;
 }

@@ -18,12 +18,12 @@ public:
 private:
     const LevelWriterParams &rowParams() const override { return m_params; }
     QString message(WriteProblem problem, const QString &name) const override;
-    QString levelMessage(LevelProblem problem, const QString &name,
+    QString levelMessage(compose::LevelProblem problem, const QString &name,
                          const QString &level) const override;
     std::vector<WriteLevel> declaredLevels() const override;
-    LevelCompiler::Levels compileLevels(const std::vector<WriteLevel> &levels,
-                                        const OneRow &columns) const override;
-    ValueRules valueRules() const override;
+    compose::LevelCompiler::Levels compileLevels(const std::vector<WriteLevel> &levels,
+                                                 const RowView &columns) const override;
+    compose::ValueRules valueRules() const override;
     FileFrame frame() const override;
     void start() override;
     bool prepareColumns(const OneRow &columns) override;

@@ -1,6 +1,6 @@
 #include "actions/write_xml/write_xml.h"
 
-#include "actions/write_xml/xml_levels.h"
+#include "codecs/compose/xml_levels.h"
 #include "plugin/catalogue.h"
 
 using namespace Qt::StringLiterals;
@@ -46,24 +46,24 @@ QString ActionWriteXML::message(WriteProblem problem, const QString &name) const
     return u"\nERROR writing to XML file '%1': output buffer too small\n"_s.arg(file);
 }
 
-QString ActionWriteXML::levelMessage(LevelProblem problem, const QString &name,
+QString ActionWriteXML::levelMessage(compose::LevelProblem problem, const QString &name,
                                      const QString &level) const
 {
     const QString &file = fileName();
     switch (problem) {
-    case LevelProblem::NoPartitionColumn:
+    case compose::LevelProblem::NoPartitionColumn:
         return u"\nERROR writing to XML file '%1': cannot find partitioning column '%2' in level '%3'\n"_s
             .arg(file, name, level);
-    case LevelProblem::NoColumn:
+    case compose::LevelProblem::NoColumn:
         return message(WriteProblem::NoColumn, name);
-    case LevelProblem::NoLevel:
+    case compose::LevelProblem::NoLevel:
         return u"\nERROR writing to XML file '%1': cannot find the level named '%2'\n"_s.arg(file,
                                                                                              name);
-    case LevelProblem::CyclicLevel:
+    case compose::LevelProblem::CyclicLevel:
         return u"\nERROR writing to XML file '%1': the level '%2' is a sub-level of itself\n"_s.arg(
             file, name);
-    case LevelProblem::NoDictionary: // XML has no such item
-    case LevelProblem::NoColumnListed:
+    case compose::LevelProblem::NoDictionary: // XML has no such item
+    case compose::LevelProblem::NoColumnListed:
         break;
     }
     return message(WriteProblem::NoColumns, name);
@@ -71,22 +71,23 @@ QString ActionWriteXML::levelMessage(LevelProblem problem, const QString &name,
 
 std::vector<WriteLevel> ActionWriteXML::declaredLevels() const
 {
-    return m_params.levels.empty() ? defaultXmlLevels(m_params.writeAllColumns, m_params.toWrite)
-                                   : m_params.levels;
+    return m_params.levels.empty()
+               ? compose::defaultXmlLevels(m_params.writeAllColumns, m_params.toWrite)
+               : m_params.levels;
 }
 
-LevelCompiler::Levels ActionWriteXML::compileLevels(const std::vector<WriteLevel> &levels,
-                                                    const OneRow &columns) const
+compose::LevelCompiler::Levels ActionWriteXML::compileLevels(const std::vector<WriteLevel> &levels,
+                                                             const RowView &columns) const
 {
     const int indent = qBound(0, expandString(m_params.indentStart).toInt(), kMaxIndent);
-    return compileXmlLevels(
+    return compose::compileXmlLevels(
         levels, columns,
         {m_params.humanReadable ? std::optional(indent) : std::nullopt, m_params.wellFormed});
 }
 
-ValueRules ActionWriteXML::valueRules() const
+compose::ValueRules ActionWriteXML::valueRules() const
 {
-    ValueRules rules = commonRules(u"", u"");
+    compose::ValueRules rules = commonRules(u"", u"");
     rules.decimalComma = m_params.useComma;
     return rules;
 }

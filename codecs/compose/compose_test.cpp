@@ -1,4 +1,4 @@
-// Escapes at every place of a vector, and the block's draining.
+// Escapes at every position of a vector, and the draining of the block.
 #include "codecs/compose/escape.h"
 #include "codecs/compose/text_block.h"
 
@@ -53,8 +53,8 @@ using AllEscapes = testing::Types<JsonEscapes, JsonEscapesWithLineFeed, JsonStri
                                   XmlTextEscapes, XmlAttributeEscapes, XmlStrictEscapes>;
 TYPED_TEST_SUITE(EscapesTest, AllEscapes);
 
-/// Sizes around the vector width, a reserved character at each one or two places.
-TYPED_TEST(EscapesTest, EveryPlaceOfAVectorIsLookedAt)
+/// Sizes around the vector width, a reserved character at each one or two positions.
+TYPED_TEST(EscapesTest, EveryPositionOfAVectorIsChecked)
 {
     for (size_t n = 0; n <= 35; ++n) {
         std::u16string plain;

@@ -1,8 +1,7 @@
-// codecs/compose/escape.h
 // Copies text into a composed file while replacing the characters that the file's syntax reserves.
 //
-// Most cells hold none of them: eight units are compared at a time, and what is clean is copied as
-// it is. Where an escape goes is decided by an `Escapes` type:
+// Most cells hold none of them: eight units are compared at a time, and clean units are copied
+// unchanged. An `Escapes` type decides which units are replaced:
 //
 //     static __m128i specials(__m128i units);            // which of eight units are replaced
 //     static std::u16string_view replacement(char16_t);  // by what; empty: the unit stays
@@ -22,7 +21,7 @@ inline __m128i sameUnit(__m128i units, char16_t wanted)
     return _mm_cmpeq_epi16(units, _mm_set1_epi16(static_cast<short>(wanted)));
 }
 
-/// Units below the blank.
+/// Which of the units are control characters (below U+0020).
 inline __m128i controlUnits(__m128i units)
 {
     return _mm_cmpeq_epi16(_mm_subs_epu16(units, _mm_set1_epi16(0x1F)), _mm_setzero_si128());
@@ -56,7 +55,7 @@ struct JsonEscapesWithLineFeed
     static constexpr qsizetype kWorst = 2;
 };
 
-/// The same, and all control characters, as RFC 8259 has it.
+/// The same, and all control characters, as RFC 8259 requires.
 struct JsonStrictEscapes
 {
     static __m128i specials(__m128i units)
@@ -90,8 +89,9 @@ struct XmlTextEscapes
     static constexpr qsizetype kWorst = 5;
 };
 
-/// An XML attribute. Kept as required: an apostrophe becomes &quot; while a double quote and a
-/// less-than sign stay, although double quotes delimit the value.
+/// An XML attribute. Kept for saved graphs: an apostrophe becomes &quot; while a double quote and a
+/// less-than sign stay, although double quotes delimit the value; XmlStrictEscapes is the
+/// alternative.
 struct XmlAttributeEscapes
 {
     static __m128i specials(__m128i units)
@@ -105,8 +105,8 @@ struct XmlAttributeEscapes
     static constexpr qsizetype kWorst = 6;
 };
 
-/// Text of elements and attributes as XML 1.0 has it, so that a parser gives it back: line ends and
-/// tabs are written as numbers, what XML does not know becomes U+FFFD.
+/// Text of elements and attributes that an XML 1.0 parser returns unchanged: line ends and tabs are
+/// written as character references. Characters that XML 1.0 does not have become U+FFFD.
 struct XmlStrictEscapes
 {
     static __m128i specials(__m128i units)
@@ -141,7 +141,7 @@ struct XmlStrictEscapes
     static constexpr qsizetype kWorst = 6;
 };
 
-/// Units that escaping `n` units gives, exactly.
+/// The exact number of units that `n` units become.
 template <class Escapes> qsizetype escapedSize(const char16_t *in, qsizetype n)
 {
     qsizetype size = n;
@@ -171,8 +171,8 @@ inline void storeFourUnits(char16_t *out, __m128i units)
     _mm_storel_epi64(reinterpret_cast<__m128i *>(out), units);
 }
 
-/// Copy clean units; returns how many there are in front of the first special one, or `n`. `out`
-/// may be written up to `n` units.
+/// Copy clean units up to the first special one; returns their number, or `n`. Up to `n` units of
+/// `out` are overwritten.
 template <class Escapes> qsizetype copyClean(const char16_t *in, qsizetype n, char16_t *out)
 {
     qsizetype i = 0;
@@ -188,7 +188,7 @@ template <class Escapes> qsizetype copyClean(const char16_t *in, qsizetype n, ch
         return n;
     }
     if (n >= 8) {
-        // The last eight again: all before the rest are known to be clean.
+        // The last eight units overlap the ones before, which are known to be clean.
         const __m128i units = loadUnits(in + n - 8);
         storeUnits(out + n - 8, units);
         const int mask = _mm_movemask_epi8(Escapes::specials(units));
@@ -212,7 +212,7 @@ template <class Escapes> qsizetype copyClean(const char16_t *in, qsizetype n, ch
 
 } // namespace detail
 
-/// Escape `n` units into `out`, which has room for kWorst times as many; returns the place behind.
+/// Escape `n` units into `out`, which has room for kWorst times as many; returns the end.
 template <class Escapes> char16_t *putEscaped(const char16_t *in, qsizetype n, char16_t *out)
 {
     for (;;) {

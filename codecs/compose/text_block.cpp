@@ -1,3 +1,9 @@
+// The block of 8,000,000 bytes:
+//
+//     lower half: bytes made of the text (UTF-8) | upper half: the text (UTF-16 units)
+//
+// A drain encodes the upper half into the lower half, in pieces that fit there in the worst case of
+// 3 bytes per unit, and passes the bytes on. UTF-16LE is passed on from the upper half directly.
 #include "codecs/compose/text_block.h"
 
 #include "base/utf.h"
@@ -7,12 +13,12 @@
 
 namespace corvanta::compose {
 
-static_assert(std::endian::native == std::endian::little,
-              "UTF-16LE is written as it lies in memory");
+static_assert(std::endian::native == std::endian::little, "UTF-16LE is written without conversion");
 
 namespace {
 
-/// Draining early keeps text and bytes in the processor's cache; only a longer piece uses more.
+/// Units at which the block is drained. Draining early keeps text and bytes in the processor's
+/// cache; only a longer piece uses more of the block.
 constexpr qsizetype kUsualUnits = 96 * 1024;
 constexpr qsizetype kHalfBytes = TextBlock::kBlockBytes / 2;
 constexpr qsizetype kUtf8BytesPerUnit = 3;

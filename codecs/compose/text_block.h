@@ -1,6 +1,4 @@
-// codecs/compose/text_block.h
-// The text that is being composed: UTF-16 units in one fixed block that is drained when it fills
-// up.
+// Collects composed text: UTF-16 units in one block of fixed size, encoded when it fills up.
 #pragma once
 #include <QtGlobal>
 
@@ -17,7 +15,7 @@ enum class Encoding { Utf8, Utf16Le };
 /// `text` as bytes; lone surrogates become U+FFFD in UTF-8 and stay in UTF-16.
 std::string encode(std::u16string_view text, Encoding encoding);
 
-/// A short text that is copied in whole vectors, without a call.
+/// A short text that is copied in whole vectors, without a function call.
 class FixedText
 {
 public:
@@ -45,19 +43,19 @@ private:
     qsizetype m_size = 0;
 };
 
-/// Appending never reports a failure by itself: after one nothing is taken any more, and failure()
-/// says what it was. Threads: one at a time.
+/// Appending does not report failures: after the first one, further text is ignored, and failure()
+/// returns its kind. Threads: one at a time.
 class TextBlock
 {
 public:
     /// The whole block: its upper half holds the text, its lower half the bytes made of it.
     static constexpr qsizetype kBlockBytes = 8'000'000;
-    /// Longest piece that can be appended, in units.
+    /// Size of the longest piece that can be appended, in units.
     static constexpr qsizetype kMaxUnits = 1'999'999;
 
     enum class Failure { None, Drain, TooLarge };
 
-    /// Takes encoded text, in order; false when it cannot.
+    /// Takes encoded text, in order; returns false when it cannot.
     using Drain = std::function<bool(const void *bytes, qint64 n)>;
 
     TextBlock(Encoding encoding, Drain drain);
@@ -75,7 +73,7 @@ public:
     bool isEmpty() const { return m_fill == 0; }
     Failure failure() const { return m_failure; }
 
-    /// Drain all that was composed; the text that follows is a new one.
+    /// Drain all text. A surrogate pair does not continue in the text that follows.
     void drainAll();
 
 private:
@@ -90,7 +88,7 @@ private:
     std::unique_ptr<char[]> m_block;
     char16_t *m_units; // of the upper half
     qsizetype m_fill = 0;
-    qsizetype m_drainAt; // where a reserve() drains; -1 after a failure
+    qsizetype m_drainAt; // fill at which reserve() drains; -1 after a failure
     Failure m_failure = Failure::None;
 };
 

@@ -1,15 +1,13 @@
-// writers/level_compiler.h
-// Turns the levels that a user declared into the operations that write them, for one table's
-// columns.
+// Compiles the levels that a user declared into the operations that write them, for the columns of
+// one table.
 #pragma once
-#include "actions/shared/level_composer.h"
-#include "actions/shared/write_levels.h"
 #include "base/result.h"
-#include "corvanta/one_row.h"
+#include "codecs/compose/level_composer.h"
+#include "codecs/compose/write_level.h"
 
 #include <functional>
 
-namespace corvanta {
+namespace corvanta::compose {
 
 /// Why levels cannot be compiled; the name that goes with it is given in parentheses.
 enum class LevelProblem {
@@ -21,33 +19,33 @@ enum class LevelProblem {
     NoColumnListed,    ///< an item that needs a column lists none
 };
 
-/// What an item's compilation may look up.
+/// Compiles levels, and looks up what their items refer to. Threads: one at a time.
 class LevelCompiler
 {
 public:
     using Compiled = Result<ComposeOperation, LevelProblem>;
     using Levels = Result<std::vector<ComposeLevel>, LevelProblem>;
-    /// Compiles one item of level number `level`.
+    /// Compiles the item with index `item` of the level with index `level`.
     using CompileItem = std::function<Compiled(size_t level, size_t item)>;
 
-    /// Both must outlive the compiler.
-    LevelCompiler(const std::vector<WriteLevel> &levels, const OneRow &columns)
+    /// `levels` and the names and types of `columns` must outlive the compiler.
+    LevelCompiler(const std::vector<WriteLevel> &levels, const RowView &columns)
         : m_levels(levels)
         , m_columns(columns)
     {
     }
 
-    /// Compile all levels, from the last to the first. The fault's detail is the name that is
-    /// missing or wrong, its offset the number of the level.
+    /// Compile all levels, from the last to the first. A fault has the name that LevelProblem
+    /// describes as its detail, and the index of the level as its offset.
     Levels compile(const CompileItem &compileItem) const;
 
-    const OneRow &columns() const { return m_columns; }
-    /// The columns with these names; NoColumn for one that does not exist.
+    const RowView &columns() const { return m_columns; }
+    /// The first column of each name. Problems: NoColumn.
     Result<std::vector<ComposeOperation::Column>, LevelProblem>
     find(const QStringList &names) const;
-    /// All columns in order; also those whose name another column has.
+    /// All columns in order, including those with the name of another column.
     std::vector<ComposeOperation::Column> findAll() const;
-    /// The call of the first level named `name`; NoLevel when there is none.
+    /// The call of the first level named `name`. Problems: NoLevel.
     Compiled callOf(const QString &name) const;
 
 private:
@@ -56,14 +54,14 @@ private:
     static int findCyclicLevel(const std::vector<ComposeLevel> &levels);
 
     const std::vector<WriteLevel> &m_levels;
-    const OneRow &m_columns;
+    RowView m_columns;
 };
 
-/// Input columns whose names the operations write or whose values they write, each once.
-QVector<int> columnsOf(const std::vector<ComposeLevel> &levels);
+/// Indexes of the columns that the operations write, each once, in the order of their first use.
+std::vector<int> writtenColumns(const std::vector<ComposeLevel> &levels);
 
-/// How many calls (items of type `callType`) lie between level 0 and each level, on the shortest
-/// way; 0 also for levels that are never called.
+/// The number of calls (items of type `callType`) from level 0 to each level, on the shortest path;
+/// 0 also for levels that are never called.
 std::vector<int> depthsOf(const std::vector<WriteLevel> &levels, int callType);
 
-} // namespace corvanta
+} // namespace corvanta::compose

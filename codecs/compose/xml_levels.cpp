@@ -1,14 +1,23 @@
-#include "actions/write_xml/xml_levels.h"
+// The pieces that items become; "a" and "b" are columns:
+//
+//     attributes         a="1" b="text"       each with a blank before it
+//     subtags            <a>1</a><b>text</b>
+//     in quotes          "1"
+//     in a tag           1
+//     sub-level          the elements of another level, for the rows of a partition
+//     text, as-is        unchanged
+//
+// Tags of elements come from text items. Syntax: XML 1.0 (Fifth Edition).
+#include "codecs/compose/xml_levels.h"
 
 #include <QSet>
 
 using namespace Qt::StringLiterals;
 
-namespace corvanta {
+namespace corvanta::compose {
 
 namespace {
 
-using compose::FixedText;
 using Columns = std::vector<ComposeOperation::Column>;
 using Compiled = LevelCompiler::Compiled;
 using Kind = ComposeOperation::Kind;
@@ -34,14 +43,14 @@ FixedText fixed(const QString &text)
     return FixedText(text.toStdU16String());
 }
 
-/// Characters that XML names may begin with; those that parsers of any age take.
+/// Whether a name may begin with `c` for XML parsers of every edition.
 bool beginsName(QChar c)
 {
     return c == u'_' || (c < u'\x80' ? c.isLetter() : c.isLetter() && !c.isSurrogate());
 }
 
-/// The name with "_" for what an XML name cannot hold. Not a colon either: its prefix would have to
-/// be declared.
+/// The name with "_" for characters that XML names cannot hold, and for colons, whose prefix would
+/// have to be declared.
 QString validName(const QString &name)
 {
     QString valid;
@@ -61,7 +70,7 @@ public:
     {
     }
 
-    /// `name`, valid and not given before where that is asked for.
+    /// The name for a column; with wellFormed a valid one, different from those before.
     QString next(const QString &name)
     {
         if (!m_wellFormed) {
@@ -114,12 +123,12 @@ public:
             return oneColumn(item);
         case SubLevel:
             return m_compiler.callOf(item.calledLevel);
-        default: // Kept as required: items of an unknown type write nothing.
+        default: // Kept for saved graphs: items of an unknown type write nothing.
             return ComposeOperation{};
         }
     }
 
-    /// A line feed and the blanks in front of an element of `level`, or of what is `deeper` in it.
+    /// A line feed and the blanks before an element of `level`, or before what is `deeper` in it.
     QString lineBreak(size_t level, int deeper) const
     {
         return m_layout.indent
@@ -133,7 +142,7 @@ private:
     {
         ItemNames names(m_layout.wellFormed);
         for (ComposeOperation::Column &column : columns) {
-            const QString name = m_compiler.columns().colName(column.input);
+            const QString name = m_compiler.columns().names[column.input];
             const bool isCut = !prefix.isEmpty() && name.startsWith(prefix);
             column.before =
                 fixed(u' ' + names.next(isCut ? name.mid(prefix.size()) : name) + u"=\""_s);
@@ -146,7 +155,7 @@ private:
     {
         ItemNames names(m_layout.wellFormed);
         for (ComposeOperation::Column &column : columns) {
-            const QString name = names.next(m_compiler.columns().colName(column.input));
+            const QString name = names.next(m_compiler.columns().names[column.input]);
             column.before = fixed(lineBreak(level, 1) + u'<' + name + u'>');
             column.after = fixed(u"</"_s + name + u'>');
         }
@@ -192,8 +201,8 @@ private:
 
 } // namespace
 
-LevelCompiler::Levels compileXmlLevels(const std::vector<WriteLevel> &levels, const OneRow &columns,
-                                       const XmlLayout &layout)
+LevelCompiler::Levels compileXmlLevels(const std::vector<WriteLevel> &levels,
+                                       const RowView &columns, const XmlLayout &layout)
 {
     const LevelCompiler compiler(levels, columns);
     const XmlItems items(compiler, levels, layout);
@@ -215,4 +224,4 @@ std::vector<WriteLevel> defaultXmlLevels(bool writeAllColumns, const QStringList
     return {level};
 }
 
-} // namespace corvanta
+} // namespace corvanta::compose

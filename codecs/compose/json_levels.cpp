@@ -1,14 +1,22 @@
-#include "actions/write_json/json_levels.h"
+// The pieces that items become; "a" and "b" are columns:
+//
+//     dictionary        "a":1,"b":"text"     keys without the item's prefix p1
+//     array             1,"text"
+//     sub-level         the elements of another level, for the rows of a partition
+//     comma             ,                    when the dictionary before wrote a pair
+//     text, as-is       unchanged
+//
+// Brackets and braces come from text items. Syntax: RFC 8259.
+#include "codecs/compose/json_levels.h"
 
 #include "codecs/compose/escape.h"
 
 using namespace Qt::StringLiterals;
 
-namespace corvanta {
+namespace corvanta::compose {
 
 namespace {
 
-using compose::FixedText;
 using Compiled = LevelCompiler::Compiled;
 using Kind = ComposeOperation::Kind;
 
@@ -29,8 +37,8 @@ template <class Escapes> FixedText keyText(const QString &name)
 {
     const std::u16string plain = name.toStdU16String();
     std::u16string escaped(plain.size() * Escapes::kWorst, u'\0');
-    const char16_t *const end = compose::putEscaped<Escapes>(
-        plain.data(), static_cast<qsizetype>(plain.size()), escaped.data());
+    const char16_t *const end =
+        putEscaped<Escapes>(plain.data(), static_cast<qsizetype>(plain.size()), escaped.data());
     escaped.resize(static_cast<size_t>(end - escaped.data()));
     return FixedText(u'"' + escaped + u"\":");
 }
@@ -65,7 +73,7 @@ public:
             return comma(level, index);
         case AsIs:
             return asIs(item);
-        default: // Kept as required: items of an unknown type write nothing.
+        default: // Kept for saved graphs: items of an unknown type write nothing.
             return ComposeOperation{};
         }
     }
@@ -73,16 +81,15 @@ public:
 private:
     FixedText key(const QString &name) const
     {
-        return m_form == ComposeOperation::TextForm::JsonStrict
-                   ? keyText<compose::JsonStrictEscapes>(name)
-                   : keyText<compose::JsonEscapes>(name);
+        return m_form == ComposeOperation::TextForm::JsonStrict ? keyText<JsonStrictEscapes>(name)
+                                                                : keyText<JsonEscapes>(name);
     }
 
     Compiled values(std::vector<ComposeOperation::Column> columns, bool hasKeys,
                     const QString &prefix) const
     {
         for (ComposeOperation::Column &column : columns) {
-            const QString name = m_compiler.columns().colName(column.input);
+            const QString name = m_compiler.columns().names[column.input];
             const bool isCut = !prefix.isEmpty() && name.startsWith(prefix);
             column.before = hasKeys ? key(isCut ? name.mid(prefix.size()) : name) : FixedText();
         }
@@ -127,7 +134,7 @@ private:
 } // namespace
 
 LevelCompiler::Levels compileJsonLevels(const std::vector<WriteLevel> &levels,
-                                        const OneRow &columns, ComposeOperation::TextForm form)
+                                        const RowView &columns, ComposeOperation::TextForm form)
 {
     const LevelCompiler compiler(levels, columns);
     const JsonItems items(compiler, levels, form);
@@ -143,4 +150,4 @@ std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringLis
     return {level};
 }
 
-} // namespace corvanta
+} // namespace corvanta::compose

@@ -1,10 +1,17 @@
-#include "actions/shared/level_compiler.h"
+// The input is a list of levels, each a list of items; the output has an operation for each item:
+//
+//     level: name  partitionCol  items                    level: partition   operations
+//     0      -     -             text, sub-level "b"  ->  0      -           Text, SubLevel 1
+//     1      "b"   "key"         array of "x", "y"        1      column 0    Values of columns 3, 4
+//
+// Names of columns become indexes in the row, and names of levels indexes in the list.
+#include "codecs/compose/level_compiler.h"
 
 #include <QSet>
 
 #include <algorithm>
 
-namespace corvanta {
+namespace corvanta::compose {
 
 namespace {
 
@@ -22,13 +29,40 @@ size_t indexOfLevel(const std::vector<WriteLevel> &levels, const QString &name)
     return static_cast<size_t>(found - levels.begin());
 }
 
+/// For each level the number of its calls that lead into a cycle.
+std::vector<size_t> removeAcyclicLevels(const std::vector<ComposeLevel> &levels)
+{
+    std::vector<size_t> callsLeft(levels.size());
+    std::vector<std::vector<size_t>> callers(levels.size());
+    std::vector<size_t> removed;
+    for (size_t i = 0; i < levels.size(); ++i) {
+        for (const ComposeOperation &operation : levels[i].operations) {
+            if (isCall(operation)) {
+                ++callsLeft[i];
+                callers[operation.subLevel].push_back(i);
+            }
+        }
+        if (callsLeft[i] == 0) {
+            removed.push_back(i);
+        }
+    }
+    for (size_t next = 0; next < removed.size(); ++next) {
+        for (const size_t caller : callers[removed[next]]) {
+            if (--callsLeft[caller] == 0) {
+                removed.push_back(caller);
+            }
+        }
+    }
+    return callsLeft;
+}
+
 } // namespace
 
 std::vector<Column> LevelCompiler::findAll() const
 {
     std::vector<Column> found;
-    for (int i = 0; i < m_columns.numberOfColumns(); ++i) {
-        found.push_back({i, m_columns.getMetaType(i).type()});
+    for (int i = 0; i < m_columns.columns; ++i) {
+        found.push_back({{i, m_columns.type(i)}});
     }
     return found;
 }
@@ -37,11 +71,11 @@ Result<std::vector<Column>, LevelProblem> LevelCompiler::find(const QStringList 
 {
     std::vector<Column> found;
     for (const QString &name : names) {
-        const int index = m_columns.getIndexOfColumn(name);
+        const int index = m_columns.indexOf(name);
         if (index < 0) {
             return Fault{LevelProblem::NoColumn, name};
         }
-        found.push_back({index, m_columns.getMetaType(index).type()});
+        found.push_back({{index, m_columns.type(index)}});
     }
     return found;
 }
@@ -64,10 +98,11 @@ Result<ComposeLevel, LevelProblem> LevelCompiler::compileLevel(size_t index,
     ComposeLevel level;
     level.commaSeparated = declared.commaSeparated;
     if (index > 0) {
-        level.partitionColumn = m_columns.getIndexOfColumn(declared.partitionCol);
-        if (level.partitionColumn < 0) {
+        const int column = m_columns.indexOf(declared.partitionCol);
+        if (column < 0) {
             return Fault{LevelProblem::NoPartitionColumn, declared.partitionCol};
         }
+        level.partition = CellColumn{column, m_columns.type(column)};
     }
     for (size_t item = 0; item < declared.items.size(); ++item) {
         auto operation = compileItem(index, item);
@@ -96,36 +131,20 @@ LevelCompiler::Levels LevelCompiler::compile(const CompileItem &compileItem) con
     return levels;
 }
 
-/// A level that its own sub-levels lead back to; -1 when there is none. Levels without calls to
-/// levels that are still there are taken away again and again: what stays leads into a circle.
+/// The index of a level that leads back to itself, or -1. Removes levels that call no remaining
+/// level until none is left to remove: the remaining levels lead into a cycle.
 int LevelCompiler::findCyclicLevel(const std::vector<ComposeLevel> &levels)
 {
-    std::vector<size_t> callsLeft(levels.size());
-    std::vector<std::vector<size_t>> callers(levels.size());
-    std::vector<size_t> done;
-    for (size_t i = 0; i < levels.size(); ++i) {
-        for (const ComposeOperation &operation : levels[i].operations) {
-            if (isCall(operation)) {
-                ++callsLeft[i];
-                callers[operation.subLevel].push_back(i);
-            }
-        }
-        if (callsLeft[i] == 0) {
-            done.push_back(i);
-        }
+    const std::vector<size_t> callsLeft = removeAcyclicLevels(levels);
+    const auto remaining =
+        std::find_if(callsLeft.begin(), callsLeft.end(), [](size_t calls) { return calls != 0; });
+    if (remaining == callsLeft.end()) {
+        return -1;
     }
-    for (size_t next = 0; next < done.size(); ++next) {
-        for (const size_t caller : callers[done[next]]) {
-            if (--callsLeft[caller] == 0) {
-                done.push_back(caller);
-            }
-        }
-    }
-    // From a level that is left, calls to levels that are left come back to one of them in the end.
-    auto at = static_cast<size_t>(
-        std::find_if(callsLeft.begin(), callsLeft.end(), [](size_t calls) { return calls != 0; }) -
-        callsLeft.begin());
-    for (size_t step = 0; at < levels.size() && step < levels.size(); ++step) {
+    // Every remaining level calls a remaining level, so that as many steps as there are levels end
+    // in a cycle.
+    auto at = static_cast<size_t>(remaining - callsLeft.begin());
+    for (size_t step = 0; step < levels.size(); ++step) {
         const auto &operations = levels[at].operations;
         at = std::find_if(operations.begin(), operations.end(),
                           [&](const ComposeOperation &operation) {
@@ -133,19 +152,19 @@ int LevelCompiler::findCyclicLevel(const std::vector<ComposeLevel> &levels)
                           })
                  ->subLevel;
     }
-    return at < levels.size() ? static_cast<int>(at) : -1;
+    return static_cast<int>(at);
 }
 
-QVector<int> columnsOf(const std::vector<ComposeLevel> &levels)
+std::vector<int> writtenColumns(const std::vector<ComposeLevel> &levels)
 {
     QSet<int> seen;
-    QVector<int> columns;
+    std::vector<int> columns;
     for (const ComposeLevel &level : levels) {
         for (const ComposeOperation &operation : level.operations) {
             for (const Column &column : operation.columns) {
                 if (!seen.contains(column.input)) {
                     seen.insert(column.input);
-                    columns << column.input;
+                    columns.push_back(column.input);
                 }
             }
         }
@@ -174,4 +193,4 @@ std::vector<int> depthsOf(const std::vector<WriteLevel> &levels, int callType)
     return depths;
 }
 
-} // namespace corvanta
+} // namespace corvanta::compose
