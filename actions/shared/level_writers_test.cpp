@@ -1,4 +1,4 @@
-// The JSON and XML writers where a graph file cannot aim: messages, failing disks, yields, odd
+// What graph files cannot test of the JSON and XML writers: messages, failing disks, yields, odd
 // texts.
 #include "actions/shared/split_name.h"
 #include "actions/write_json/write_json.h"
@@ -211,8 +211,8 @@ TEST_F(LevelWriters, EveryMistakeInTheLevelsIsOneMessageAndNoFile)
     {
         QByteArray attributes;
         QByteArray children;
-        const char *json; // behind "ERROR writing to JSON file '...': "; null: not for this writer
-        const char *xml;  // behind "\nERROR writing to XML file '...': "
+        const char *json; // after "ERROR writing to JSON file '...': "; null: not for this writer
+        const char *xml;  // after "\nERROR writing to XML file '...': "
     } cases[] = {
         {"writeAllRows='0' testCol='%1'",
          {},

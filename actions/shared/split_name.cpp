@@ -8,7 +8,7 @@ namespace corvanta {
 
 namespace {
 
-constexpr qsizetype kMostBytes = 200;
+constexpr qsizetype kMaxBytes = 200;
 constexpr qsizetype kDigestDigits = 16;
 
 bool isHexDigit(QChar c)
@@ -32,7 +32,7 @@ QString percentForm(QChar c)
     return u'%' + QString::number(c.unicode(), 16).toUpper().rightJustified(2, u'0');
 }
 
-/// The most of `text` that fits into `bytes` bytes of UTF-8.
+/// The longest start of `text` that takes at most `bytes` bytes of UTF-8.
 QString cutToBytes(QString text, qsizetype bytes)
 {
     text.truncate(bytes);
@@ -54,12 +54,12 @@ QString fileNamePart(const QString &value)
     if (part == "."_L1 || part == ".."_L1) {
         part.replace(u'.', percentForm(u'.'));
     }
-    if (part.toUtf8().size() <= kMostBytes) {
+    if (part.toUtf8().size() <= kMaxBytes) {
         return part;
     }
     const QByteArray digest =
         QCryptographicHash::hash(value.toUtf8(), QCryptographicHash::Sha256).toHex();
-    return cutToBytes(part, kMostBytes - kDigestDigits - 1) + u'~' +
+    return cutToBytes(part, kMaxBytes - kDigestDigits - 1) + u'~' +
            QLatin1StringView(digest.first(kDigestDigits));
 }
 

@@ -1,9 +1,8 @@
-// io/replace/file_swap.h
-// Put a finished file in the place of another one, with a way back.
+// Replaces a file with a finished one, with a backup until the replacement has succeeded.
 //
-// There is no moment at which the target is missing: the backup is a second name of the old file (a
-// hard link), and the finished file is renamed over the target in one step. Where the file system
-// has no hard links that one step does without the backup: when it fails nothing has changed.
+// The target exists at every moment: the backup is a second name of the old file (a hard link), and
+// the finished file is renamed to the target in one step. A file system without hard links has no
+// backup; a rename that fails has changed nothing there.
 #pragma once
 #include <QString>
 
@@ -14,32 +13,34 @@ namespace corvanta {
 
 struct SwapNames
 {
-    QString temporary; ///< complete, synced and closed; in the target's folder
+    QString temporary; ///< complete, flushed to the device and closed; in the target's folder
     QString target;
-    QString backup; ///< name that the old file has meanwhile
+    QString backup; ///< second name of the old file during the swap; in the same folder
 };
 
+/// Callbacks of swapFile(), on its thread.
 struct SwapObserver
 {
-    /// A rename failed and is tried again.
+    /// Called after a rename that failed and will be retried.
     std::function<void(const QString &from, const QString &to)> failedAttempt;
-    /// Wait before that; false when it shall not be tried again.
+    /// Waits `pauseMs` milliseconds before the retry; returns false to give up.
     std::function<bool(int pauseMs)> pause;
 };
 
+/// Retries after a failed rename, and the pause before each.
 inline constexpr int kSwapRetries = 5;
 inline constexpr int kSwapPauseMs = 1000;
 
-/// A rename that failed for good.
+/// A rename that failed after all retries.
 struct FailedRename
 {
     QString from;
     QString to;
 };
 
-/// Swap the files and wait until the device has the new names. After a failure the target is as it
-/// was, the backup name is gone and the temporary file still there. A target that does not exist is
-/// made; when there is no temporary file either, the first step, the backup, is the one that
+/// Replace the target and wait until the device has the new names. After a failure the target is
+/// unchanged, the backup name is removed and the temporary file remains. A target that does not
+/// exist is created; when the temporary file does not exist either, the backup is the rename that
 /// failed.
 std::optional<FailedRename> swapFile(const SwapNames &names, const SwapObserver &observer);
 

@@ -63,18 +63,18 @@ TEST_F(FileSwap, ReplacesAndKeepsPermissions)
     EXPECT_TRUE(m_attempts.isEmpty());
 }
 
-TEST_F(FileSwap, MakesATargetThatIsNotThere)
+TEST_F(FileSwap, CreatesAMissingTarget)
 {
     write(u"new"_qs, "new");
     EXPECT_FALSE(swapFile(names(), observer()));
     EXPECT_EQ(files(), QStringList{u"book"_qs});
 }
 
-TEST_F(FileSwap, LeftOversOfAnEarlierRunDoNotDisturb)
+TEST_F(FileSwap, LeftOversOfAnEarlierRunAreHarmless)
 {
     write(u"book"_qs, "old");
     write(u"new"_qs, "new");
-    write(u"old"_qs, "left over"); // the backup name cannot be linked then
+    write(u"old"_qs, "left over"); // so the backup cannot be linked
     EXPECT_FALSE(swapFile(names(), observer()));
     EXPECT_EQ(read(u"book"_qs), "new");
     EXPECT_EQ(read(u"old"_qs), "left over");
@@ -83,7 +83,7 @@ TEST_F(FileSwap, LeftOversOfAnEarlierRunDoNotDisturb)
 TEST_F(FileSwap, GivesUpAfterFiveRetriesWithTheOldFileInPlace)
 {
     write(u"book"_qs, "old");
-    const auto failed = swapFile(names(), observer()); // there is no temporary file
+    const auto failed = swapFile(names(), observer()); // without a temporary file
     ASSERT_TRUE(failed);
     EXPECT_EQ(failed->from, path(u"new"_qs));
     EXPECT_EQ(failed->to, path(u"book"_qs));
@@ -92,7 +92,7 @@ TEST_F(FileSwap, GivesUpAfterFiveRetriesWithTheOldFileInPlace)
     EXPECT_EQ(files(), QStringList{u"book"_qs});
 }
 
-TEST_F(FileSwap, NamesTheBackupWhenNothingIsThere)
+TEST_F(FileSwap, NamesTheBackupWhenNoFileExists)
 {
     const auto failed = swapFile(names(), observer(2));
     ASSERT_TRUE(failed);
@@ -101,7 +101,7 @@ TEST_F(FileSwap, NamesTheBackupWhenNothingIsThere)
     EXPECT_EQ(m_attempts, QStringList(2, u"book>old"_qs));
 }
 
-TEST_F(FileSwap, OldFileStaysWhileItIsTriedAgain)
+TEST_F(FileSwap, OldFileStaysDuringRetries)
 {
     write(u"book"_qs, "old");
     m_onPause = [this] {

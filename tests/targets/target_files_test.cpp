@@ -1,0 +1,166 @@
+// Targets of all writers of rows that are links, pipes, or on a full disk.
+#include "corvanta/main_ui.h"
+#include "tests/support/graph_folder.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <optional>
+
+using namespace corvanta::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct WriterCase
+{
+    const char *element; // the target is the file "link"
+    const char *start;   // of the bytes of its files
+    bool isSequential = true;
+    bool appends = false;
+};
+
+constexpr WriterCase kWriters[] = {
+    {"<writeExcel fileNameDestination='link'/>", "PK", false},
+    {"<writeJSON fileName='link'/>", "[{"},
+    {"<writeJSON fileMode='1' fileName='link'/>", "[{", true, true},
+    {"<writeXML charMode='1' fileName='link'/>", "<?xml"},
+    {"<writeXML fileMode='1' fileName='link'/>", "<data", true, true},
+    {"<writeParquet file='link'/>", "PAR1"},
+    {"<writeCSV fileName='link'/>", "k,t\n"},
+};
+
+QByteArray table(int rows)
+{
+    QByteArray csv = "k,t\n";
+    for (int i = 0; i < rows; ++i) {
+        csv += QByteArray::number(i) + ',' + QByteArray::number(i * 7919LL % 65537) + '\n';
+    }
+    return csv;
+}
+
+class TargetFiles : public testing::TestWithParam<WriterCase>
+{
+protected:
+    TargetFiles() { EXPECT_TRUE(QDir().mkdir(m_folder.path(u"real"_s))); }
+    ~TargetFiles() override { MainUI::setDiskSpaceQuestion({}); }
+
+    /// Run the writer on a table of so many rows.
+    GraphOutcome run(int rows = 3) const
+    {
+        m_folder.write(u"in.csv"_s, table(rows));
+        return runAgain();
+    }
+    GraphOutcome runAgain() const
+    {
+        return m_folder.runChain({"<readCSV fileName='in.csv' types='K,U'/>", GetParam().element});
+    }
+    QByteArray nativePath(const char *name) const
+    {
+        return QFile::encodeName(m_folder.path(QString::fromLatin1(name)));
+    }
+    QStringList names(const char *folder) const
+    {
+        return QDir(m_folder.path(QString::fromLatin1(folder)))
+            .entryList(QDir::Files | QDir::System | QDir::Hidden, QDir::Name);
+    }
+    void link(const char *name, const char *target) const
+    {
+        ASSERT_EQ(::symlink(target, nativePath(name).constData()), 0);
+    }
+    std::string linkTarget(const char *name) const
+    {
+        std::array<char, 100> text{};
+        const ssize_t n = ::readlink(nativePath(name).constData(), text.data(), text.size());
+        return {text.data(), static_cast<size_t>(qMax<ssize_t>(n, 0))};
+    }
+
+    GraphFolder m_folder;
+};
+
+} // namespace
+
+TEST_P(TargetFiles, AChainOfLinksStaysAndTheFileAtItsEndIsWritten)
+{
+    link("link", "second");
+    link("second", "real/third");
+    link("real/third", "file");
+    for (const QByteArray &old : {QByteArray(), QByteArray("old")}) { // empty: does not exist
+        m_folder.remove(u"real/file"_s);
+        if (!old.isEmpty()) {
+            m_folder.write(u"real/file"_s, old);
+        }
+        EXPECT_TRUE(run().succeeded);
+        const QByteArray expected = (GetParam().appends ? old : QByteArray()) + GetParam().start;
+        EXPECT_TRUE(m_folder.bytes(u"real/file"_s).startsWith(expected)) << old.toStdString();
+        EXPECT_EQ(linkTarget("link"), "second");
+        EXPECT_EQ(linkTarget("second"), "real/third");
+        EXPECT_EQ(linkTarget("real/third"), "file");
+        EXPECT_EQ(names("."), (QStringList{u"in.csv"_s, u"link"_s, u"second"_s}));
+        EXPECT_EQ(names("real"), (QStringList{u"file"_s, u"third"_s}));
+    }
+}
+
+TEST_P(TargetFiles, LinksInACircleFailTheRunAndStay)
+{
+    link("link", "second");
+    link("second", "link");
+    EXPECT_EQ(run().errors.size(), 1);
+    EXPECT_EQ(linkTarget("link"), "second");
+    EXPECT_EQ(names("."), (QStringList{u"in.csv"_s, u"link"_s, u"second"_s}));
+}
+
+TEST_P(TargetFiles, APipeIsWrittenDirectly)
+{
+    if (!GetParam().isSequential) {
+        return; // a package needs to seek
+    }
+    const QByteArray pipe = nativePath("real/pipe");
+    ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
+    link("link", "real/pipe");
+    const int reader = ::open(pipe.constData(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    EXPECT_TRUE(run().succeeded);
+    std::array<char, 4096> bytes{};
+    const ssize_t n = ::read(reader, bytes.data(), bytes.size());
+    ::close(reader);
+    EXPECT_TRUE(QByteArray(bytes.data(), qMax<ssize_t>(n, 0)).startsWith(GetParam().start));
+    EXPECT_EQ(linkTarget("link"), "real/pipe");
+    EXPECT_EQ(names("real"), QStringList{u"pipe"_s});
+}
+
+TEST_P(TargetFiles, AFullDiskIsAskedAboutAndRetriedWithoutLoss)
+{
+    constexpr int kRows = 20'000;
+    ASSERT_TRUE(run(kRows).succeeded);
+    const QByteArray expected = m_folder.bytes(u"link"_s);
+    m_folder.remove(u"link"_s);
+    std::optional<FileSizeLimit> full;
+    int questions = 0;
+    MainUI::setDiskSpaceQuestion([&](const QString &) {
+        if (++questions == 3) {
+            full.reset();
+        }
+        return true;
+    });
+    full.emplace(30'000);
+    EXPECT_TRUE(runAgain().succeeded);
+    EXPECT_EQ(questions, 3);
+    EXPECT_EQ(m_folder.bytes(u"link"_s), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Writers, TargetFiles, testing::ValuesIn(kWriters));
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv); // the module is found by the program's folder
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
