@@ -31,6 +31,7 @@ void LevelWriter::start()
         failWith(WriteProblem::BadFloatFormat, rowParams().floatToString);
         return;
     }
+    // The first drain opens the file, so that a table without text creates none.
     m_run->block = std::make_unique<compose::TextBlock>(
         m_run->frame.encoding, [this](const void *bytes, qint64 n) {
             return (m_run->target.isOpen() || openFile()) && write(bytes, n);
@@ -92,6 +93,7 @@ bool LevelWriter::openFile()
     if (!m_run->target.open(name, targetOptions(fileName(), mode))) {
         return failWith(WriteProblem::CannotOpen);
     }
+    // The head of a file that is appended to is already in it.
     const std::string &head = m_run->frame.head;
     return (!replaces || write(head.data(), static_cast<qint64>(head.size()))) &&
            writeText(expandString(m_run->frame.prefix));
@@ -129,6 +131,7 @@ bool LevelWriter::endFile()
     if (!m_run->target.isOpen()) {
         return true;
     }
+    // Without rows there are no elements that the last line would end.
     const QString lastLine = m_run->composer ? m_run->frame.lastLine : QString();
     if (!writeText(lastLine + expandString(m_run->frame.suffix))) {
         return false;

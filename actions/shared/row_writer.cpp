@@ -23,6 +23,7 @@ inline bool RowWriter::takeRow(const OneRow &row)
         setRowReadyForOutput(0);
     }
     if (m_isBeforeFirstRow) {
+        // Columns are found even if this row is not selected, so that mistakes are always reported.
         m_isBeforeFirstRow = false;
         if (!begin(row)) {
             return false;
@@ -50,6 +51,7 @@ void RowWriter::endRows()
 {
     if (m_isBeforeFirstRow) {
         const OneRow *const columns = getInputColumns(0);
+        // The next action learns the columns although no row carried them.
         if (pinOutCount() != 0) {
             getOutputRowForOutputPin(0)->copySchemaFrom(columns);
         }
@@ -62,6 +64,7 @@ void RowWriter::endRows()
 
 void RowWriter::finish()
 {
+    // Cleared first: finish() may be called twice, and complete() may fail.
     const bool wasComplete = m_isComplete;
     m_isComplete = false;
     if (wasComplete && runIsGood()) {

@@ -111,6 +111,7 @@ bool ActionWriteJSON::prepareColumns(const OneRow &columns)
             u"ERROR writing to multiple JSON files: cannot find column '%1' for split."_s.arg(
                 m_params.splitCol));
     }
+    // The first row names the first file, even if it is not selected.
     m_splitValue = columns.textView(m_splitColumn).toString();
     const QVector<SortInfos> &sortedOn = columns.sortInfos();
     if (sortedOn.isEmpty() || sortedOn.first().column != m_params.splitCol) {
@@ -134,6 +135,7 @@ bool ActionWriteJSON::prepareRow(const OneRow &row)
     if (m_splitColumn < 0 || row.textView(m_splitColumn) == m_splitValue) {
         return true;
     }
+    // The next text opens a file with the new value in its name.
     if (!endFile()) {
         return false;
     }

@@ -154,7 +154,7 @@ bool ActionWriteParquet::begin(const OneRow &columns)
     if (!findInputs(columns) || (splitsByValue && !findSplitColumn(columns))) {
         return false;
     }
-    createFolder(fileName());
+    createFolder(fileName()); // files of split values are in the same folder
     if (!splitsByValue) {
         return openOutput(QString());
     }
@@ -222,6 +222,7 @@ bool ActionWriteParquet::chooseOutput(const OneRow &row)
     if (m_run->isSorted && m_run->output && !closeOutput(m_run->value)) {
         return false;
     }
+    // An unsorted table returns to the file of an earlier value.
     const auto open = m_run->outputs.constFind(value);
     if (open == m_run->outputs.constEnd()) {
         return openOutput(value);
@@ -252,7 +253,7 @@ bool ActionWriteParquet::writeRow(const OneRow &row)
 void ActionWriteParquet::complete()
 {
     QStringList values = m_run->outputs.keys();
-    values.sort();
+    values.sort(); // so that the first failure does not depend on the order of a hash table
     for (const QString &value : values) {
         if (!closeOutput(value)) {
             m_run->outputs.clear(); // discards the others

@@ -26,6 +26,7 @@ std::optional<QString> followLinks(const QString &name)
     if (info.exists()) {
         return info.canonicalFilePath();
     }
+    // Writing to a dangling link creates the file that its chain names.
     for (int i = 0; i < kMaxLinks && info.isSymLink(); ++i) {
         info.setFile(info.symLinkTarget());
     }
@@ -45,15 +46,21 @@ TargetFile::Done TargetFile::open(const QString &name, Options options)
     discard();
     m_options = std::move(options);
     m_target = name;
+    // Checked before links are followed: what /dev/stdout leads to may have no name of its own.
     m_isRegular = !isPipeOrDevice(name);
-    const std::optional<QString> end = m_isRegular ? followLinks(name) : name;
+    if (!m_isRegular) {
+        return openFile(name, MyWriteFile::Existing::Truncate);
+    }
+    const std::optional<QString> end = followLinks(name);
     if (name.isEmpty() || !end) {
         return Fault{TargetError::CannotOpen, name};
     }
     m_target = *end;
-    if (!m_isRegular) {
-        return openFile(m_target, MyWriteFile::Existing::Truncate);
-    }
+    return openRegular();
+}
+
+TargetFile::Done TargetFile::openRegular()
+{
     switch (m_options.mode) {
     case TargetMode::Replace:
         return openReplaced();
@@ -87,6 +94,7 @@ TargetFile::Done TargetFile::openReplaced()
 
 TargetFile::Done TargetFile::openTmp()
 {
+    // The rename at the end needs only the folder's permission, so it is checked now.
     const QFileInfo info(m_target);
     if (info.exists() && (info.isDir() || !QFileInfo(info.absolutePath()).isWritable())) {
         return Fault{TargetError::CannotReplace, m_target};
@@ -95,6 +103,7 @@ TargetFile::Done TargetFile::openTmp()
         return openFile(m_target, MyWriteFile::Existing::Truncate);
     }
     m_temporary = m_target + "_TMP"_L1;
+    // A killed run may have left its temporary file; a link of that name is not followed.
     const QFileInfo earlier(m_temporary);
     const bool isThere = earlier.exists() || earlier.isSymLink();
     if (isThere && (earlier.isDir() || !platform::removeFile(m_temporary))) {
@@ -126,6 +135,7 @@ bool TargetFile::write(const void *bytes, qint64 n)
 
 TargetFile::Done TargetFile::commit()
 {
+    // A file that is replaced must never be lost. A new file may share its flush with others.
     return commit(QFileInfo::exists(m_target) ? Sync::Now : Sync::BeforeRunEnds,
                   [](const QString &temporary, const QString &target) {
                       return renameTMPFile(temporary, target);

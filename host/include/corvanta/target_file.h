@@ -87,6 +87,7 @@ public:
 private:
     enum class Sync { Now, BeforeRunEnds };
 
+    Done openRegular();
     Done openReplaced();
     Done openTmp();
     Done openAppended();
