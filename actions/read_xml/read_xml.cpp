@@ -20,32 +20,12 @@ namespace {
 constexpr int kMaxReportedErrors = 50;
 constexpr qint64 kTokenizerChars = 1'048'576;
 
-/// The encoding that a byte-order mark at the start tells; empty without one. The mark of UTF-32 is
-/// looked for first: in UTF-16 it would be a mark and a NUL.
-QByteArray markedEncoding(QByteArrayView first)
+bool usesIndexZero(const ReadLevel &level)
 {
-    if (first.startsWith(QByteArrayView("\xFF\xFE\0\0", 4))) {
-        return "UTF-32LE";
-    }
-    if (first.startsWith("\xEF\xBB\xBF")) {
-        return "UTF-8";
-    }
-    if (first.startsWith("\xFE\xFF")) {
-        return "UTF-16BE";
-    }
-    return first.startsWith("\xFF\xFE") ? "UTF-16LE" : "";
-}
-
-/// The name of a document's encoding; `asked` is what the user chose.
-QByteArray encodingOf(QByteArrayView first, const QString &asked)
-{
-    QByteArray name = markedEncoding(first);
-    if (!name.isEmpty()) {
-        return name;
-    }
-    const bool isAuto = asked.isEmpty() || asked.compare("auto"_L1, Qt::CaseInsensitive) == 0;
-    name = isAuto ? markup::guessEncoding(first) : asked.toUtf8();
-    return name.compare("system", Qt::CaseInsensitive) == 0 ? currentACPName().toUtf8() : name;
+    const auto hasZero = [](const QString &path) { return path.contains("[0]"_L1); };
+    return hasZero(level.initialPath) ||
+           std::any_of(level.items.begin(), level.items.end(),
+                       [&](const ReadItem &item) { return hasZero(item.path); });
 }
 
 } // namespace
@@ -55,6 +35,7 @@ ActionReadXML::ActionReadXML(const XMLNode &saved, GlobalParameters *parameters)
     , m_corrupted(MainUI::Warning, kMaxReportedErrors,
                   u"WARNING: XML structure error: some more warnings are not reported\n"_s)
 {
+    // Only a new action: saved graphs keep the defaults that they were saved with.
     const bool isHtml =
         m_params.fileName.endsWith(".html"_L1) || m_params.fileName.endsWith(".htm"_L1);
     if (isHtml && isNewFile(saved)) {
@@ -150,6 +131,7 @@ bool ActionReadXML::sampleWith(const std::function<void(XMLTokenizer &)> &look)
     return true;
 }
 
+/// Take the levels from the file if the graph has none.
 bool ActionReadXML::fill(int table)
 {
     if (hasItems(m_params.levels) || isFromPin()) {
@@ -178,15 +160,16 @@ bool ActionReadXML::prepare()
     if (!hasItems(expanded)) {
         return fail(u"ReadXML error: nothing to extract"_s);
     }
-    const auto hasZero = [](const QString &path) { return path.contains("[0]"_L1); };
-    const bool anyZero = std::any_of(expanded.begin(), expanded.end(), [&](const ReadLevel &level) {
-        return hasZero(level.initialPath) ||
-               std::any_of(level.items.begin(), level.items.end(),
-                           [&](const ReadItem &item) { return hasZero(item.path); });
-    });
-    if (!m_params.zeroBased && anyZero) {
+    if (!m_params.zeroBased && std::any_of(expanded.begin(), expanded.end(), usesIndexZero)) {
         return fail(u"ReadXML error: [0] indexes are forbidden when using 1-based-indexes"_s);
     }
+    m_run = std::make_unique<LevelRun>(*this, m_series, static_cast<LevelRun::Format &>(*this),
+                                       input(), expanded, extractOptions());
+    return true;
+}
+
+LevelRun::Input ActionReadXML::input() const
+{
     LevelRun::Input input;
     input.fileName = m_params.fileName;
     input.isFromPin = isFromPin();
@@ -194,9 +177,7 @@ bool ActionReadXML::prepare()
     input.copiesInput = m_params.addColBefore;
     input.namesFiles = m_params.outputFilenames;
     input.retries = m_params.timeOut;
-    m_run = std::make_unique<LevelRun>(*this, m_series, static_cast<LevelRun::Format &>(*this),
-                                       std::move(input), expanded, extractOptions());
-    return true;
+    return input;
 }
 
 /// Set the encoding of the document's bytes. Returns false when the encoding is unknown.
@@ -209,7 +190,11 @@ bool ActionReadXML::chooseEncoding(XMLTokenizer &tokenizer, const QString &name)
     }
     QByteArrayView first;
     tokenizer.peek(&first);
-    const QByteArray encoding = encodingOf(first, expandString(m_params.encoding).trimmed());
+    QByteArray encoding =
+        markup::chooseEncoding(first, expandString(m_params.encoding).trimmed().toUtf8());
+    if (encoding.compare("system", Qt::CaseInsensitive) == 0) {
+        encoding = currentACPName().toUtf8();
+    }
     const MarkupError error = tokenizer.setEncoding(
         markup::encodingCode(encoding), encoding,
         m_params.iconvDiscardUnconvertible ? InvalidBytes::Discard : InvalidBytes::Fail);
@@ -252,7 +237,7 @@ bool ActionReadXML::documentFails(const markup::MarkupResult &result, const QStr
     warnDroppedBytes(name);
     const bool isEmpty = result.error == MarkupError::NoTagFound;
     if (isFromPin() && isEmpty) {
-        return true;
+        return true; // a row may be blank; a file may not
     }
     if (result.error == MarkupError::CannotConvert) {
         return fail(u"invalid character found in file '%1': aborting"_s.arg(name));
@@ -262,6 +247,13 @@ bool ActionReadXML::documentFails(const markup::MarkupResult &result, const QStr
     if (!why.isEmpty()) {
         MainUI::addLog(isSkipped ? MainUI::Warning : MainUI::Error, why);
     }
+    return reportStructureError(result, name, isSkipped);
+}
+
+/// Report a structure error. Returns false when it fails the run.
+bool ActionReadXML::reportStructureError(const markup::MarkupResult &result, const QString &name,
+                                         bool isSkipped)
+{
     const auto text = QString::fromUtf16(markup::errorText(result.error));
     const QString line = QString::number(result.line);
     const QString column = QString::number(result.column);

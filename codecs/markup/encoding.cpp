@@ -123,6 +123,32 @@ QByteArray guessEncoding(QByteArrayView first)
     return utf8 ? QByteArrayLiteral("UTF-8") : QByteArrayLiteral("System");
 }
 
+/// The encoding of the byte-order mark at the start; empty without one. The mark of UTF-32 is
+/// tested first: as UTF-16 it would be a mark and a NUL.
+static QByteArray markedEncoding(QByteArrayView first)
+{
+    if (first.startsWith(QByteArrayView("\xFF\xFE\0\0", 4))) {
+        return "UTF-32LE";
+    }
+    if (first.startsWith("\xEF\xBB\xBF")) {
+        return "UTF-8";
+    }
+    if (first.startsWith("\xFE\xFF")) {
+        return "UTF-16BE";
+    }
+    return first.startsWith("\xFF\xFE") ? "UTF-16LE" : "";
+}
+
+QByteArray chooseEncoding(QByteArrayView first, const QByteArray &name)
+{
+    const QByteArray marked = markedEncoding(first);
+    if (!marked.isEmpty()) {
+        return marked;
+    }
+    const bool isAuto = name.isEmpty() || name.compare("auto", Qt::CaseInsensitive) == 0;
+    return isAuto ? guessEncoding(first) : name;
+}
+
 CharMode guessJSONEncoding(QByteArrayView first)
 {
     if (first.size() < 4) {

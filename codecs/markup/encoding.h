@@ -26,6 +26,10 @@ inline constexpr qsizetype kGuessBytes = 64 * 1024;
 /// system's code page), "ERROR" (declares UTF-8 and is not), or the declared name as written.
 QByteArray guessEncoding(QByteArrayView first);
 
+/// The encoding of an XML or HTML document that starts with `first`: that of its byte-order mark,
+/// else `name`. An empty name or "auto" (in any letter case) means guessEncoding().
+QByteArray chooseEncoding(QByteArrayView first, const QByteArray &name);
+
 /// The mode of a JSON document: Utf16 or Utf8.
 CharMode guessJSONEncoding(QByteArrayView first);
 
