@@ -19,6 +19,29 @@ constexpr int kMaxReportedErrors = 50;
 constexpr qint64 kTokenizerChars = 1'048'576;
 constexpr qint64 kMaxBytesFromColumns = 0x6000000;
 
+/// A row of pin 1: a path to read.
+struct TagRow
+{
+    ReadItem item;
+    qulonglong level = 0; ///< from 1; others mean the last level
+};
+
+/// The columns have the names of the attributes or, without a column "path", are path and name in
+/// this order.
+TagRow readTagRow(const OneRow &row)
+{
+    const auto textAt = [&](int column) {
+        return column >= 0 && column < row.numberOfColumns() ? row.text(column) : QString();
+    };
+    const auto textOf = [&](const QString &name) { return textAt(row.getIndexOfColumn(name)); };
+    if (row.getIndexOfColumn(u"path"_s) < 0) {
+        return {{textAt(0), textAt(1), false}};
+    }
+    const QString tagName = textOf(u"tagName"_s);
+    const bool isTagName = xmltob(reinterpret_cast<const char16_t *>(tagName.utf16()), 0) != 0;
+    return {{textOf(u"path"_s), textOf(u"name"_s), isTagName}, textOf(u"level"_s).toULongLong()};
+}
+
 } // namespace
 
 ActionReadJSON::ActionReadJSON(const XMLNode &saved, GlobalParameters *parameters)
@@ -58,6 +81,7 @@ std::optional<markup::SampledDocument> ActionReadJSON::sampleInput()
     return markup::sampleDocument(tokenizer, {m_params.autoFillNRows, {}, true});
 }
 
+/// Take the levels from the file if the graph has none.
 bool ActionReadJSON::fill(int table)
 {
     if (hasItems(m_params.levels) || isFromPin()) {
@@ -89,6 +113,16 @@ bool ActionReadJSON::prepare()
     if (!hasItems(levels)) {
         return fail(u"ReadJson error: nothing to extract"_s);
     }
+    markup::ExtractOptions options;
+    options.outputSubTags = m_params.outputSubTags;
+    options.keepRoot = m_params.newMode;
+    m_run = std::make_unique<LevelRun>(*this, m_series, static_cast<LevelRun::Format &>(*this),
+                                       input(), expandedLevels(levels, *this), options);
+    return true;
+}
+
+LevelRun::Input ActionReadJSON::input() const
+{
     LevelRun::Input input;
     input.fileName = m_params.fileName;
     input.isFromPin = isFromPin();
@@ -97,12 +131,7 @@ bool ActionReadJSON::prepare()
     input.copiesInput = m_params.appendToRow;
     input.namesFiles = m_params.outputFilenames;
     input.retries = m_params.timeOut;
-    markup::ExtractOptions options;
-    options.outputSubTags = m_params.outputSubTags;
-    options.keepRoot = m_params.newMode;
-    m_run = std::make_unique<LevelRun>(*this, m_series, static_cast<LevelRun::Format &>(*this),
-                                       std::move(input), expandedLevels(levels, *this), options);
-    return true;
+    return input;
 }
 
 /// Turn the rows of pin 1 into items of the level that they name, or of the last one.
@@ -113,23 +142,14 @@ bool ActionReadJSON::readTags(std::vector<ReadLevel> *levels)
         level.items.clear();
     }
     while (const OneRow *row = getNextRowFromInPin(1)) {
-        const auto textAt = [&](int column) {
-            return column >= 0 && column < row->numberOfColumns() ? row->text(column) : QString();
-        };
-        const int pathColumn = row->getIndexOfColumn(u"path"_s);
-        const bool isNamed = pathColumn >= 0;
-        const QString path = textAt(isNamed ? pathColumn : 0);
-        const QString name = textAt(isNamed ? row->getIndexOfColumn(u"name"_s) : 1);
-        const QString tagName = isNamed ? textAt(row->getIndexOfColumn(u"tagName"_s)) : QString();
-        const auto level = isNamed ? textAt(row->getIndexOfColumn(u"level"_s)).toULongLong() : 0;
-        ReadLevel &target =
-            level >= 1 && level <= levels->size() ? (*levels)[level - 1] : levels->back();
-        target.items.push_back(
-            {path, name, xmltob(reinterpret_cast<const char16_t *>(tagName.utf16()), 0) != 0});
+        const TagRow tag = readTagRow(*row);
+        const bool isKnown = tag.level >= 1 && tag.level <= levels->size();
+        (isKnown ? (*levels)[tag.level - 1] : levels->back()).items.push_back(tag.item);
     }
     return runIsGood();
 }
 
+/// Wide tables get larger buffers: ten bytes per column, up to a limit.
 qint64 ActionReadJSON::bufferBytes() const
 {
     const qint64 fromColumns =
@@ -149,6 +169,7 @@ markup::MarkupTokenizer *ActionReadJSON::beginDocument(ByteSource &source, const
         m_run->setBlockSize(std::min(bufferBytes(), limits::kTreeArenaBytes));
     }
     if (isFromPin()) {
+        // PinText delivers UTF-8: there is nothing to guess.
         m_tokenizer->setEncoding(markup::CharMode::Utf8, QByteArray(), markup::InvalidBytes::Fail);
     }
     return m_tokenizer.get();
@@ -158,7 +179,7 @@ bool ActionReadJSON::documentFails(const markup::MarkupResult &result, const QSt
                                    const QString &why)
 {
     if (isFromPin() && result.error == MarkupError::NoTagFound) {
-        return true;
+        return true; // a row may be blank; a file may not
     }
     if (!why.isEmpty()) {
         MainUI::addLog(m_params.ignoreErrors ? MainUI::Warning : MainUI::Error, why);

@@ -1,4 +1,6 @@
 // readJSON: reads the levels of JSON files, or of JSON texts in the rows of an input pin.
+//
+// The action makes tokenizers and words the messages. LevelRun does the run.
 #pragma once
 #include "actions/read_json/read_json_params.h"
 #include "actions/shared/input_sample.h"
@@ -12,6 +14,7 @@
 
 namespace corvanta {
 
+/// Threads: the one that runs the action; computeCompletion() from any.
 class ActionReadJSON final : public ParamAction<ActionReadJSON, ReadJsonParams>,
                              private LevelRun::Format
 {
@@ -22,6 +25,7 @@ public:
     {
         adjustReadJsonDefaults(params, savedVersion);
     }
+    /// Pin 0 brings texts, pin 1 the paths to read.
     static int pinsInFor(const ReadJsonParams &params)
     {
         return params.readTagsFromInPin ? 2 : params.fromInputPin != 0 ? 1 : 0;
@@ -36,11 +40,15 @@ private:
     QVector<InputTable> listTables() override;
     std::optional<markup::SampledDocument> sampleInput();
 
+    // Before the first document.
     bool prepare();
+    LevelRun::Input input() const;
     bool readTags(std::vector<ReadLevel> *levels);
+    /// Bytes of the tokenizer's buffer and of a record's tree, before they grow.
     qint64 bufferBytes() const;
     bool isFromPin() const { return m_params.fromInputPin != 0; }
 
+    // LevelRun::Format.
     markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) override;
     void documentEnds(const QString &) override {}
     bool documentFails(const markup::MarkupResult &result, const QString &name,
@@ -50,10 +58,10 @@ private:
     void pathIsMissing(const QString &path, const QString &name) override;
     bool isInsideValue() const override { return m_tokenizer->isInsideValue(); }
 
-    std::unique_ptr<markup::JSONTokenizer> m_tokenizer;
-    int m_reportedErrors = 0;
-    std::unique_ptr<LevelRun> m_run;
-    FileSeries m_series{*this}; // its file refers to m_run
+    std::unique_ptr<markup::JSONTokenizer> m_tokenizer; // restarted for each document
+    int m_reportedErrors = 0;                           // of this run
+    std::unique_ptr<LevelRun> m_run;                    // null before the first step()
+    FileSeries m_series{*this};                         // its file refers to m_run
 };
 
 } // namespace corvanta

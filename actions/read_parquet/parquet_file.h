@@ -8,7 +8,7 @@
 
 namespace corvanta {
 
-/// Threads: see SeriesFile.
+/// Delivers the decoder's cells without copying them. Threads: see SeriesFile.
 class ParquetFile final : public SeriesFile
 {
 public:
@@ -21,8 +21,13 @@ public:
     /// TableReader::next().
     Result<void, parquet::Error> fetchFirst();
 
+    /// Columns that were left out, and why.
+    const QStringList &skippedColumns() const { return m_reader->skippedColumns(); }
+
+    /// The selected columns, in the order of the file.
     TableSchema columns() const override;
     bool next(OneRow &row, Found *found) override;
+    /// Warns when the file has fewer or more rows than it declares.
     bool finish() override;
     float fractionDone() const override { return m_reader->fractionDone(); }
     void stop() override { m_reader->stop(); }

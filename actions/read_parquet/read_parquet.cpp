@@ -13,6 +13,7 @@ namespace corvanta {
 
 namespace {
 
+/// Threads that decode pages of one file in parallel.
 int workerCount()
 {
     constexpr int kMaxWorkers = 8;
@@ -24,6 +25,7 @@ int workerCount()
 ActionReadParquet::ActionReadParquet(const XMLNode &saved, GlobalParameters *parameters)
     : ParamAction(catalogueRow("readParquet"), saved, parameters)
 {
+    // Kept for saved graphs: a file name as the element's text, which wins over the attribute.
     if (const QString name = saved.text().trimmed(); !name.isEmpty()) {
         m_params.fileName = name;
     }
@@ -45,11 +47,14 @@ bool ActionReadParquet::step()
     return (m_series.hasBegun() || prepare()) && m_series.step();
 }
 
+/// Read the names that come from pins and open the first file. Returns false when the run has
+/// ended.
 bool ActionReadParquet::prepare()
 {
     return readSelection() && startSeries() && m_series.openNext();
 }
 
+/// Set the columns to read. An empty selection fails the run: it would deliver rows without cells.
 bool ActionReadParquet::readSelection()
 {
     m_options.selectsColumns = m_params.columnSelection == 1 || m_params.columnSelection == 2;
@@ -78,7 +83,7 @@ bool ActionReadParquet::startSeries()
                fail(u"ERROR: Cannot read the name of the Parquet file on input pin??"_s);
     }
     FileSeries::Options options;
-    options.order = FileSeries::Order::LastToFirst;
+    options.order = FileSeries::Order::LastToFirst; // the column that messages name
     if (m_params.outputFilenames) {
         options.fileNameColumn = u"_FileNames"_s;
     }
@@ -95,6 +100,7 @@ FileSeries::Opened ActionReadParquet::openFile(const QString &name)
     if (!input->file.isOpen()) {
         return Fault{input->file.getSize() < 0 ? Missing : Unreadable};
     }
+    // The footer is at the end of the file, and columns are read in parallel.
     auto source = randomAccess(std::move(input));
     if (!source) {
         return Fault{Unreadable};
@@ -103,16 +109,16 @@ FileSeries::Opened ActionReadParquet::openFile(const QString &name)
     if (!reader) {
         return unreadable(name, reader.fault());
     }
-    const parquet::TableReader &table = **reader;
-    if (!checkContent(name, table)) {
+    if (!checkContent(name, **reader)) {
         return Fault{Failed};
     }
     auto file = std::make_unique<ParquetFile>(*this, name, *std::move(source), *std::move(reader));
     if (const auto fetched = file->fetchFirst(); !fetched) {
         return unreadable(name, fetched.fault());
     }
+    // Later files have the same columns, and leave out the same ones.
     if (!m_series.hasColumns()) {
-        warnSkipped(name, table.skippedColumns());
+        warnSkipped(name, file->skippedColumns());
     }
     return FileSeries::Opened(std::move(file));
 }
@@ -159,6 +165,7 @@ bool ActionReadParquet::checkContent(const QString &name, const parquet::TableRe
     return true;
 }
 
+/// Report the columns that `skipUnreadable` leaves out. Wide files may have thousands.
 void ActionReadParquet::warnSkipped(const QString &name, const QStringList &columns)
 {
     constexpr int kMaxReportedColumns = 10;

@@ -1,4 +1,7 @@
 // readParquet: reads the rows of Parquet files.
+//
+// The action reads the column selection and the file names, and words the messages. FileSeries
+// joins the files to one table; ParquetFile delivers the rows of one.
 #pragma once
 #include "actions/read_parquet/read_parquet_params.h"
 #include "actions/shared/file_series.h"
@@ -7,17 +10,21 @@
 
 namespace corvanta {
 
+/// Threads: the one that runs the action; computeCompletion() and wakeAll() from any.
 class ActionReadParquet final : public ParamAction<ActionReadParquet, ReadParquetParams>,
                                 private FileSeries::Format
 {
 public:
     ActionReadParquet(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<ReadParquetParams> &paramTable() { return readParquetParamTable(); }
+    /// Pin 0 brings file names, pin 1 column names.
     static int pinsInFor(const ReadParquetParams &params)
     {
         return params.columnSelection == 2 ? 2 : params.fileNameFromPin ? 1 : 0;
     }
+    /// Rows delivered of all files, each file weighing the same; 1 while no file is open.
     float computeCompletion() override { return m_series.fractionDone(1.0F); }
+    /// Ends the waits for the decoders of the open file.
     void wakeAll() override { m_series.stop(); }
 
 private:
@@ -25,10 +32,12 @@ private:
     bool step() override;
     void finish() override { m_series.finish(); }
 
+    // Before the first row. All pins that bring names are read to their end.
     bool prepare();
     bool readSelection();
     bool startSeries();
 
+    // Files.
     FileSeries::Opened openFile(const QString &name) override;
     FileSeries::Opened unreadable(const QString &name, const Fault<parquet::Error> &fault);
     bool checkContent(const QString &name, const parquet::TableReader &table);
@@ -37,7 +46,7 @@ private:
     bool reportUnreadable(const QString &name) override;
     bool reportMismatch(const ColumnMismatch &mismatch) override;
 
-    parquet::ReadOptions m_options;
+    parquet::ReadOptions m_options; // of the run; the selection is known after prepare()
     FileSeries m_series{*this};
 };
 

@@ -17,7 +17,7 @@ QString withoutExtension(const QString &name)
     return dot > slash ? name.left(dot) : name;
 }
 
-/// The existing file `path`, or one beside it that differs in letter case only.
+/// The existing file `path`, or one in the same folder that differs in letter case only.
 QStringList existing(const QString &path)
 {
     if (QFileInfo::exists(path)) {
@@ -48,6 +48,7 @@ QStringList memoFileNames(const QString &file, const InputFile &table)
         }
         return names;
     }
+    // A packed table may have a plain or a packed memo file.
     const bool isPacked = table.kind() != input::Kind::Plain;
     const QString packing = isPacked ? file.mid(file.lastIndexOf(u'.')) : QString();
     const QString stem = withoutExtension(isPacked ? withoutExtension(file) : file);

@@ -22,7 +22,7 @@ dbf::TextDecoder ActionReadXBF::makeDecoder() const
         return dbf::TextDecoder::named(currentACPName());
     case 2:
         return dbf::TextDecoder::utf8();
-    default:
+    default: // Kept for saved graphs: any other number leaves the bytes unconverted.
         return dbf::TextDecoder::unconverted();
     }
 }

@@ -1,4 +1,7 @@
 // ReadXBF: reads the records of dBase-family tables.
+//
+// The action chooses the text encoding and words the messages about whole files. FileSeries joins
+// the tables; XbfFile delivers the records of one.
 #pragma once
 #include "actions/read_xbf/read_xbf_params.h"
 #include "actions/shared/file_series.h"
@@ -9,6 +12,8 @@
 
 namespace corvanta {
 
+/// The first table is opened in init, so that a graph with a wrong name fails before any row moves.
+/// Threads: the one that runs the action; computeCompletion() from any.
 class ActionReadXBF final : public ParamAction<ActionReadXBF, ReadXbfParams>,
                             private FileSeries::Format
 {
@@ -22,9 +27,11 @@ private:
     bool step() override { return m_series.step(); }
     void finish() override { m_series.finish(); }
 
+    /// For character and memo fields, and for the names of columns.
     dbf::TextDecoder makeDecoder() const;
     FileSeries::Opened openFile(const QString &name) override;
     bool reportMissing(const QString &name) override;
+    /// Not called: XbfFile::open() fails the run for a file that exists but is not a table.
     bool reportUnreadable(const QString &name) override { return reportMissing(name); }
     bool reportMismatch(const ColumnMismatch &mismatch) override;
 

@@ -63,7 +63,9 @@ void XbfFile::openMemo(const ReadXbfParams &params)
         if (!input->file.isOpen()) {
             continue;
         }
+        // A .fpt file has the FoxPro layout, whatever the version of the table.
         const bool isFoxPro = name.section(u'/', -1).contains(u".fpt"_s, Qt::CaseInsensitive);
+        // Memo texts are read in any order: a packed file would start again for each.
         const bool inMemory = params.dbtInRam || !input->file.isRandomAccess();
         m_memoName = name;
         m_memoInput = std::move(input);
@@ -116,6 +118,7 @@ bool XbfFile::next(OneRow &row, Found *found)
     return true;
 }
 
+/// Decode the record's cells in the output pin's buffer, so that they are not copied again.
 bool XbfFile::putCells(OneRow &row)
 {
     RowBuffer *const buffer = m_action.bufferForOutputPin(0);

@@ -9,7 +9,7 @@
 
 namespace corvanta {
 
-/// Threads: see SeriesFile.
+/// Words the messages about the table's content. Threads: see SeriesFile.
 class XbfFile final : public SeriesFile
 {
 public:
@@ -17,9 +17,14 @@ public:
     static FileSeries::Opened open(ActionBase &action, const QString &name,
                                    const dbf::TextDecoder &decoder, const ReadXbfParams &params);
 
+    /// The fields of supported types, named as in the table.
     TableSchema columns() const override;
+    /// A deleted record gives Found::Nothing.
     bool next(OneRow &row, Found *found) override;
+    /// Warns about records that the header does not count, and verifies the checksum of a packed
+    /// file.
     bool finish() override;
+    /// Of the bytes of the (packed) file.
     float fractionDone() const override;
 
 private:
@@ -33,11 +38,11 @@ private:
 
     ActionBase &m_action;
     const QString m_name;
-    QString m_memoName;
+    QString m_memoName; // once the memo file is open
     // Members are destroyed in reverse order: each uses those above it.
     std::unique_ptr<RunInput> m_input;
     std::unique_ptr<RunInput> m_memoInput;
-    std::unique_ptr<dbf::MemoFile> m_memo;
+    std::unique_ptr<dbf::MemoFile> m_memo; // null: memo cells are missing
     std::unique_ptr<dbf::TableReader> m_reader;
 };
 

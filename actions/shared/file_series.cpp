@@ -25,6 +25,7 @@ void FileSeries::start(Format &format, const QStringList &files, Options options
     m_format = &format;
     m_options = std::move(options);
     m_files = files;
+    // Even a series without a readable file then has its columns.
     if (m_options.columns) {
         describeColumns(*m_options.columns);
     }
@@ -118,6 +119,7 @@ bool FileSeries::handle(OpenError error, const QString &name)
 void FileSeries::use(std::unique_ptr<SeriesFile> file, const QString &name)
 {
     setCurrent(std::move(file));
+    // One cell for all rows of the file: setRowReadyForOutput() copies it with the row.
     m_fileNameBuffer.reset();
     m_fileNameCell = bytesFromQString(&m_fileNameBuffer, name);
 }
@@ -153,22 +155,30 @@ bool FileSeries::checkColumns(const QString &name)
         describeColumns(columns);
         return true;
     }
+    auto mismatch = findMismatch(columns);
+    if (!mismatch) {
+        return true;
+    }
+    mismatch->file = name;
+    return m_format->reportMismatch(*mismatch);
+}
+
+/// The first difference to the columns of the first file, in the order of Options::order.
+std::optional<ColumnMismatch> FileSeries::findMismatch(const TableSchema &columns) const
+{
     const qsizetype count = m_columns.names.size();
-    std::optional<ColumnMismatch> mismatch;
     if (columns.names.size() != count) {
-        mismatch = {.kind = ColumnMismatch::Kind::Count,
-                    .first = QString::number(count),
-                    .found = QString::number(columns.names.size())};
+        return ColumnMismatch{.kind = ColumnMismatch::Kind::Count,
+                              .first = QString::number(count),
+                              .found = QString::number(columns.names.size())};
     }
-    for (qsizetype i = 0; i < count && !mismatch; ++i) {
-        const bool isForward = m_options.order == Order::FirstToLast;
-        mismatch = compareColumn(columns, isForward ? i : count - 1 - i);
+    const bool isForward = m_options.order == Order::FirstToLast;
+    for (qsizetype i = 0; i < count; ++i) {
+        if (auto mismatch = compareColumn(columns, isForward ? i : count - 1 - i)) {
+            return mismatch;
+        }
     }
-    if (mismatch) {
-        mismatch->file = name;
-        return m_format->reportMismatch(*mismatch);
-    }
-    return true;
+    return std::nullopt;
 }
 
 std::optional<ColumnMismatch> FileSeries::compareColumn(const TableSchema &columns,
@@ -206,6 +216,7 @@ inline void FileSeries::putRow(OneRow &row)
 
 bool FileSeries::step()
 {
+    // The pin has one row object. Everything in this loop runs once per row.
     OneRow &row = *m_action.getOutputRowForOutputPin(0);
     SeriesFile::Found found = SeriesFile::Found::Nothing;
     while (m_current && !m_action.yieldRequested()) {

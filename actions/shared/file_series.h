@@ -156,6 +156,7 @@ private:
     void setCurrent(std::unique_ptr<SeriesFile> file);
     void describeColumns(const TableSchema &columns);
     bool checkColumns(const QString &name);
+    std::optional<ColumnMismatch> findMismatch(const TableSchema &columns) const;
     std::optional<ColumnMismatch> compareColumn(const TableSchema &columns, qsizetype column) const;
     void putRow(OneRow &row);
     bool finishFile();

@@ -24,6 +24,7 @@ InputSample::InputSample(const ActionItem &action, const QString &pattern)
 
 qint64 InputSample::read(void *buffer, qint64 n)
 {
+    // Returns 0, the end, once the position has reached the limit.
     return m_file.read(buffer, std::min(n, kSampleBytes - m_file.position()));
 }
 
@@ -58,6 +59,7 @@ QVector<InputTable> listedTables(const markup::SampledDocument &document,
 {
     QVector<InputTable> listed;
     for (const markup::SampledTable &table : document.tables) {
+        // A table's columns are the items of all its levels.
         const auto add = [](qsizetype sum, const markup::Level &level) {
             return sum + static_cast<qsizetype>(level.items.size());
         };

@@ -7,7 +7,7 @@
 
 namespace corvanta {
 
-/// Threads: one at a time.
+/// A source that ends early. Threads: one at a time.
 class InputSample final : public ByteSource
 {
 public:
@@ -15,6 +15,7 @@ public:
     InputSample(const ActionItem &action, const QString &pattern);
 
     bool isOpen() { return m_file.isOpen(); }
+    /// The file's name, expanded.
     const QString &name() const { return m_name; }
 
     /// Ends after 64 MiB, so that the sample of a huge file takes no longer.

@@ -98,6 +98,7 @@ bool LevelRun::prepare()
 
 bool LevelRun::prepareTexts()
 {
+    // The columns of a pin are known after its first row, or its end.
     const bool isLinked = m_action.pinInCount() > 0;
     const OneRow *const first = isLinked ? m_action.getNextRowFromInPin(0) : nullptr;
     const OneRow *const input = isLinked ? m_action.getInputColumns(0) : nullptr;
@@ -229,6 +230,7 @@ bool LevelRun::stepTexts()
         }
         m_isOpen = found == Found::Row;
         if (m_isOpen) {
+            // Of a stream: the row whose text was read last.
             for (int i = 0; i < m_firstColumn; ++i) {
                 row.setCol(i, m_texts->row()->getAllColForWrite()[i]);
             }

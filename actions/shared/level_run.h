@@ -12,7 +12,11 @@
 
 namespace corvanta {
 
-/// One run of a reader. Threads: the one that runs the action.
+/// One run of a reader. In file mode FileSeries drives the run and calls openFile(); with texts of
+/// the input pin, step() does. Each document goes through the same LevelExtractor, which keeps the
+/// table's columns and finds the paths that a document does not have.
+///
+/// Threads: the one that runs the action.
 class LevelRun final : private FileSeries::Format
 {
 public:
@@ -69,9 +73,12 @@ private:
     class File;
     using Found = SeriesFile::Found;
 
+    // Before the first row. Functions that return a bool return false when the run has ended.
     bool prepare();
     bool prepareTexts();
     TableSchema columns(const OneRow *input) const;
+
+    // Documents.
     bool begin(ByteSource &source);
     bool next(OneRow &row, Found *found);
     void putCells(OneRow &row);
@@ -96,9 +103,9 @@ private:
     const Input m_input;
     markup::LevelExtractor m_extractor;
     bool m_isPrepared = false;
-    int m_firstColumn = 0; ///< of the extractor's cells
+    int m_firstColumn = 0; ///< of the extractor's cells: after the copied ones
     int m_columnCount = 0;
-    QString m_fileName;
+    QString m_fileName;                ///< of the document; empty with texts of the input pin
     const InputFile *m_file = nullptr; ///< of the document; null with texts of the input pin
     std::unique_ptr<PinText> m_texts;
     bool m_isOpen = false;  ///< a text is being read

@@ -32,6 +32,7 @@ public:
     /// Its number, counted from 1.
     qint64 rowNumber() const { return m_rowNumber; }
 
+    /// With Mode::Stream, waits for rows of the pin.
     qint64 read(void *buffer, qint64 n) override;
     qint64 size() override { return -1; }
     bool seek(qint64) override { return false; }
@@ -43,11 +44,11 @@ private:
     int m_column;
     Mode m_mode;
     std::function<bool()> m_isInsideValue;
-    const OneRow *m_first;
+    const OneRow *m_first; ///< not yet delivered
     const OneRow *m_row = nullptr;
     qint64 m_rowNumber = 0;
-    std::vector<char> m_bytes;
-    size_t m_at = 0;
+    std::vector<char> m_bytes;  ///< UTF-8 text of the current row, with spaces
+    size_t m_at = 0;            ///< next byte to deliver
     bool m_isSeparated = false; ///< spaces were added after the row's text
 };
 
