@@ -115,6 +115,7 @@ bool ActionReadJSON::prepare()
     }
     markup::ExtractOptions options;
     options.outputSubTags = m_params.outputSubTags;
+    // Kept for saved graphs: without newMode, paths begin at the document's only element.
     options.keepRoot = m_params.newMode;
     m_run = std::make_unique<LevelRun>(*this, m_series, static_cast<LevelRun::Format &>(*this),
                                        input(), expandedLevels(levels, *this), options);
@@ -159,6 +160,7 @@ qint64 ActionReadJSON::bufferBytes() const
 
 markup::MarkupTokenizer *ActionReadJSON::beginDocument(ByteSource &source, const QString &)
 {
+    // One tokenizer for all documents keeps its buffers.
     constexpr int kCharsPerByte = 3;
     if (m_tokenizer) {
         m_tokenizer->restart(source);
@@ -175,6 +177,7 @@ markup::MarkupTokenizer *ActionReadJSON::beginDocument(ByteSource &source, const
     return m_tokenizer.get();
 }
 
+/// Structure errors beyond the 50th are not reported, however many files have one.
 bool ActionReadJSON::documentFails(const markup::MarkupResult &result, const QString &name,
                                    const QString &why)
 {

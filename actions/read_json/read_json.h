@@ -33,14 +33,17 @@ public:
     float computeCompletion() override { return m_series.fractionDone(); }
 
 private:
+    // The run.
     void start() override;
     bool step() override;
     void finish() override;
+
+    // Levels found in the file, for graphs without any and for lists of tables.
     bool fill(int table) override;
     QVector<InputTable> listTables() override;
     std::optional<markup::SampledDocument> sampleInput();
 
-    // Before the first document.
+    // Before the first document. They return false when the run has failed or ended.
     bool prepare();
     LevelRun::Input input() const;
     bool readTags(std::vector<ReadLevel> *levels);
@@ -48,7 +51,7 @@ private:
     qint64 bufferBytes() const;
     bool isFromPin() const { return m_params.fromInputPin != 0; }
 
-    // LevelRun::Format.
+    // Documents and messages of LevelRun.
     markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) override;
     void documentEnds(const QString &) override {}
     bool documentFails(const markup::MarkupResult &result, const QString &name,

@@ -37,6 +37,8 @@ Result<void, parquet::Error> ParquetFile::fetchFirst()
     return {};
 }
 
+/// One call of the decoder per row, one pointer per cell: the cells stay in the decoder's blocks
+/// until the pin copies them.
 bool ParquetFile::next(OneRow &row, Found *found)
 {
     if (!std::exchange(m_hasFirst, false)) {
@@ -69,6 +71,7 @@ bool ParquetFile::finish()
     if (!m_action.runIsGood()) {
         return false;
     }
+    // The declared number is only compared: a wrong one does not lose rows.
     if (m_reader->rowsRead() != m_reader->declaredRows()) {
         m_action.warn(
             u"Warning in ReadParquet: We read %1 rows instead of %2 rows from the file '%3'."_s.arg(

@@ -74,6 +74,7 @@ bool ActionReadParquet::readSelection()
     return true;
 }
 
+/// List the files. A pattern without a match is its own name, so only a pin can bring none.
 bool ActionReadParquet::startSeries()
 {
     const QStringList files = m_params.fileNameFromPin ? namesFromPin(*this, 0)
@@ -128,10 +129,12 @@ FileSeries::Opened ActionReadParquet::unreadable(const QString &name,
                                                  const Fault<parquet::Error> &fault)
 {
     const Fault result{FileSeries::OpenError::Unreadable};
+    // Reads fail also because the run has ended, which is no fault of the file.
     if (!runIsGood()) {
         return result;
     }
     switch (fault.code) {
+    // Logged as an error without failing the run: reportUnreadable() decides about that.
     case parquet::Error::BadThrift:
         MainUI::addLog(MainUI::Error, u"Error (1) deserializing thrift meta-data"_s);
         break;
@@ -196,6 +199,7 @@ bool ActionReadParquet::reportUnreadable(const QString &name)
     return true;
 }
 
+/// Column indexes in the message count from 0.
 bool ActionReadParquet::reportMismatch(const ColumnMismatch &mismatch)
 {
     switch (mismatch.kind) {

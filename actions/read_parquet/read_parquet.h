@@ -33,20 +33,26 @@ private:
     void finish() override { m_series.finish(); }
 
     // Before the first row. All pins that bring names are read to their end.
+    // Functions that return a bool return false when the run has failed or ended.
     bool prepare();
     bool readSelection();
     bool startSeries();
 
     // Files.
+    // A file that exists but cannot be decoded is unreadable; the series skips it. One that can be
+    // decoded but has no columns or rows fails the run.
     FileSeries::Opened openFile(const QString &name) override;
     FileSeries::Opened unreadable(const QString &name, const Fault<parquet::Error> &fault);
     bool checkContent(const QString &name, const parquet::TableReader &table);
     void warnSkipped(const QString &name, const QStringList &columns);
+
+    // Messages of FileSeries. They return true to continue with the next file.
     bool reportMissing(const QString &name) override;
     bool reportUnreadable(const QString &name) override;
     bool reportMismatch(const ColumnMismatch &mismatch) override;
 
-    parquet::ReadOptions m_options; // of the run; the selection is known after prepare()
+    /// Of the run; the selection is known after prepare().
+    parquet::ReadOptions m_options;
     FileSeries m_series{*this};
 };
 

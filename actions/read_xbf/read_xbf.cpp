@@ -30,6 +30,7 @@ dbf::TextDecoder ActionReadXBF::makeDecoder() const
 void ActionReadXBF::start()
 {
     m_series.start(*this, namesOfPattern(*this, m_params.fileName), {});
+    // No file is open now: the old decoder is not used any more.
     m_decoder.emplace(makeDecoder());
     m_series.openNext();
 }
@@ -49,6 +50,7 @@ bool ActionReadXBF::reportMissing(const QString &name)
     return true;
 }
 
+/// Column indexes in the message count from 1.
 bool ActionReadXBF::reportMismatch(const ColumnMismatch &mismatch)
 {
     switch (mismatch.kind) {

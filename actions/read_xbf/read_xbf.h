@@ -29,13 +29,16 @@ private:
 
     /// For character and memo fields, and for the names of columns.
     dbf::TextDecoder makeDecoder() const;
+
+    // Messages of FileSeries. They return true to continue with the next file.
     FileSeries::Opened openFile(const QString &name) override;
     bool reportMissing(const QString &name) override;
     /// Not called: XbfFile::open() fails the run for a file that exists but is not a table.
     bool reportUnreadable(const QString &name) override { return reportMissing(name); }
     bool reportMismatch(const ColumnMismatch &mismatch) override;
 
-    std::optional<dbf::TextDecoder> m_decoder; // of the run; files refer to it
+    /// Of the run; files refer to it.
+    std::optional<dbf::TextDecoder> m_decoder;
     FileSeries m_series{*this};
 };
 

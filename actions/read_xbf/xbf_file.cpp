@@ -48,6 +48,7 @@ FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
         return Fault{FileSeries::OpenError::Failed};
     }
     file->m_reader = *std::move(reader);
+    // Without its memo file a table is read all the same.
     if (params.useDBT && file->m_reader->header().hasMemoFields()) {
         file->openMemo(params);
     }
@@ -57,28 +58,33 @@ FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
 /// Open the table's memo file, if there is one.
 void XbfFile::openMemo(const ReadXbfParams &params)
 {
-    const dbf::TableHeader &header = m_reader->header();
     for (const QString &name : memoFileNames(m_name, m_input->file)) {
         auto input = openInput(name);
         if (!input->file.isOpen()) {
             continue;
         }
-        // A .fpt file has the FoxPro layout, whatever the version of the table.
-        const bool isFoxPro = name.section(u'/', -1).contains(u".fpt"_s, Qt::CaseInsensitive);
-        // Memo texts are read in any order: a packed file would start again for each.
-        const bool inMemory = params.dbtInRam || !input->file.isRandomAccess();
-        m_memoName = name;
-        m_memoInput = std::move(input);
-        m_memo = std::make_unique<dbf::MemoFile>(
-            *m_memoInput, isFoxPro ? dbf::MemoFormat::FoxPro : dbf::memoFormatOf(header),
-            inMemory ? dbf::MemoFile::Access::InMemory : dbf::MemoFile::Access::Buffered,
-            bufferBytes(params));
-        m_reader->setMemoFile(m_memo.get());
+        useMemo(name, std::move(input), params);
         return;
     }
-    if (header.announcesMemoFile()) {
+    if (m_reader->header().announcesMemoFile()) {
         m_action.warn(u"Warning: cannot open memo file\n"_s);
     }
+}
+
+void XbfFile::useMemo(const QString &name, std::unique_ptr<RunInput> input,
+                      const ReadXbfParams &params)
+{
+    // A .fpt file has the FoxPro layout, whatever the version of the table.
+    const bool isFoxPro = name.section(u'/', -1).contains(u".fpt"_s, Qt::CaseInsensitive);
+    // Memo texts are read in any order: a packed file would start again for each.
+    const bool inMemory = params.dbtInRam || !input->file.isRandomAccess();
+    m_memoName = name;
+    m_memoInput = std::move(input);
+    m_memo = std::make_unique<dbf::MemoFile>(
+        *m_memoInput, isFoxPro ? dbf::MemoFormat::FoxPro : dbf::memoFormatOf(m_reader->header()),
+        inMemory ? dbf::MemoFile::Access::InMemory : dbf::MemoFile::Access::Buffered,
+        bufferBytes(params));
+    m_reader->setMemoFile(m_memo.get());
 }
 
 TableSchema XbfFile::columns() const
@@ -133,12 +139,14 @@ bool XbfFile::putCells(OneRow &row)
     return true;
 }
 
+/// The checksum of a packed file is at its end, after bytes that no record needs.
 bool XbfFile::finish()
 {
     warnFindings();
     return m_input->file.isRandomAccess() || readToEnd(*m_input) || fail({dbf::Error::Unreadable});
 }
 
+/// The header's count is an upper limit: a table may end before it, and later records are not read.
 void XbfFile::warnFindings()
 {
     const dbf::Findings &findings = m_reader->findings();
@@ -177,6 +185,7 @@ bool XbfFile::fail(const Fault<dbf::Error> &fault)
     }
     switch (fault.code) {
     case dbf::Error::UnsupportedField:
+        // The detail is the type letter, then the name.
         return m_action.fail(
             u"ERROR: the column '%2' of the DBF file '%1' is of type '%3', which is not supported\n"_s
                 .arg(m_name, fault.detail.mid(1), fault.detail.left(1)));

@@ -29,8 +29,13 @@ public:
 
 private:
     XbfFile(ActionBase &action, const QString &name);
+    // Opening.
     std::unique_ptr<RunInput> openInput(const QString &name) const;
     void openMemo(const ReadXbfParams &params);
+    void useMemo(const QString &name, std::unique_ptr<RunInput> input, const ReadXbfParams &params);
+
+    // Rows and messages. Functions that return a bool return false when the run has failed or
+    // ended.
     bool putCells(OneRow &row);
     void warnFindings();
     bool fail(const Fault<dbf::Error> &fault);
@@ -38,7 +43,8 @@ private:
 
     ActionBase &m_action;
     const QString m_name;
-    QString m_memoName; // once the memo file is open
+    /// Empty while no memo file is open.
+    QString m_memoName;
     // Members are destroyed in reverse order: each uses those above it.
     std::unique_ptr<RunInput> m_input;
     std::unique_ptr<RunInput> m_memoInput;

@@ -20,6 +20,7 @@ namespace {
 constexpr int kMaxReportedErrors = 50;
 constexpr qint64 kTokenizerChars = 1'048'576;
 
+/// Such a path finds nothing with indexes that count from 1.
 bool usesIndexZero(const ReadLevel &level)
 {
     const auto hasZero = [](const QString &path) { return path.contains("[0]"_L1); };
@@ -116,6 +117,7 @@ std::optional<markup::SampledDocument> ActionReadXML::sampleInput()
     return document;
 }
 
+/// Returns false, after a message, when the file cannot be read.
 bool ActionReadXML::sampleWith(const std::function<void(XMLTokenizer &)> &look)
 {
     InputSample sample(*this, m_params.fileName);
@@ -185,6 +187,7 @@ bool ActionReadXML::chooseEncoding(XMLTokenizer &tokenizer, const QString &name)
 {
     using markup::InvalidBytes;
     if (isFromPin()) {
+        // PinText delivers UTF-8, whatever encoding the text declares.
         tokenizer.setEncoding(markup::CharMode::Utf8, QByteArray(), InvalidBytes::Fail);
         return true;
     }
@@ -231,6 +234,7 @@ void ActionReadXML::warnDroppedBytes(const QString &name)
     }
 }
 
+/// Report why a document cannot be read further. Returns true to continue with the next one.
 bool ActionReadXML::documentFails(const markup::MarkupResult &result, const QString &name,
                                   const QString &why)
 {

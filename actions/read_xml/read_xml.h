@@ -26,12 +26,16 @@ public:
     float computeCompletion() override { return m_series.fractionDone(); }
 
 private:
+    // The run.
     void start() override;
     bool step() override;
     void finish() override;
+
+    // Levels found in the file, for graphs without any and for lists of tables.
     QVector<InputTable> listTables() override;
     bool fill(int table) override;
 
+    // Parameters in the form that the codec takes.
     std::unique_ptr<markup::XMLTokenizer> makeTokenizer(ByteSource &source) const;
     bool prepare();
     LevelRun::Input input() const;
@@ -45,7 +49,7 @@ private:
     void warnDroppedBytes(const QString &name);
     bool isFromPin() const { return m_params.fromInputPin != 0; }
 
-    // LevelRun::Format.
+    // Documents and messages of LevelRun.
     markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) override;
     void documentEnds(const QString &name) override { warnDroppedBytes(name); }
     bool documentFails(const markup::MarkupResult &result, const QString &name,

@@ -72,6 +72,7 @@ void FileSeries::setCurrent(std::unique_ptr<SeriesFile> file)
 
 // ---- Opening.
 
+/// The file before is closed first: two open files would need twice the memory.
 bool FileSeries::openNext()
 {
     setCurrent(nullptr);
@@ -89,6 +90,7 @@ bool FileSeries::openNext()
     return false;
 }
 
+/// Only a missing file is tried again: it appears once another program has written it.
 FileSeries::Opened FileSeries::openWithRetries(const QString &name)
 {
     Opened opened = m_format->openFile(name);

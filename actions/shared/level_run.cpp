@@ -167,6 +167,8 @@ void LevelRun::putCells(OneRow &row)
     }
 }
 
+// Reports are made only while the run is good: a run that has ended cuts its documents off.
+
 bool LevelRun::documentEnds()
 {
     if (!m_action.runIsGood()) {
@@ -203,6 +205,7 @@ void LevelRun::warnMissingPaths(const QString &name)
 
 // ---- Files.
 
+/// Open a file and begin its document. Paths that are missing are counted per file.
 FileSeries::Opened LevelRun::openFile(const QString &name)
 {
     auto file = std::make_unique<File>(*this, name);
@@ -220,6 +223,7 @@ FileSeries::Opened LevelRun::openFile(const QString &name)
 
 // ---- Texts of the input pin.
 
+/// Like FileSeries::step(), with the texts of the pin for files.
 bool LevelRun::stepTexts()
 {
     OneRow &row = *m_action.getOutputRowForOutputPin(0);
@@ -240,6 +244,7 @@ bool LevelRun::stepTexts()
     return true;
 }
 
+/// Begin the document of the next row that has a text. Returns false at the end of the pin.
 bool LevelRun::nextText()
 {
     if (!m_texts->nextRow()) {

@@ -1,5 +1,6 @@
 #!/usr/bin/python3
 """Make the Parquet files of the cases in this folder anew: make_files.py CORVANTA"""
+import gzip
 import pathlib
 import subprocess
 import sys
@@ -72,3 +73,7 @@ put("checksum_ignored", a=WRONG_CHECKSUM)
 put("codec_refused", a=parquet("k\n1\n", "K", "codec='3'"))
 put("codec_allowed", a=parquet("k\n1\n", "K", "codec='3' statistics='1'"))
 put("fewer_rows_than_declared", a=FIRST.replace(b"\x16\x06\x19\x1c\x19\x3c", b"\x16\x08\x19\x1c\x19\x3c"))
+PACKED = gzip.compress(FIRST, mtime=0)
+for name, content in {"a": PACKED, "b": PACKED[:-20], "c": gzip.compress(SECOND, mtime=0)}.items():
+    (HERE / "packed").mkdir(exist_ok=True)
+    (HERE / "packed" / (name + ".parquet.gz")).write_bytes(content)
