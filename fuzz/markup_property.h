@@ -2,9 +2,9 @@
 // What must hold for any bytes that are read as JSON or XML.
 #pragma once
 #include "base/cell.h"
-#include "codecs/markup/level_extractor.h"
-#include "codecs/markup/sample_levels.h"
-#include "codecs/markup/trace.h"
+#include "codecs/markup/levels/level_extractor.h"
+#include "codecs/markup/sample/sample_levels.h"
+#include "codecs/markup/tokens/trace.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 // fuzz/xml_fuzz.cpp
 // Any bytes as XML or HTML: the tokens and the rows are the same for all buffer sizes and reads.
-#include "codecs/markup/html_tables.h"
+#include "codecs/markup/sample/html_tables.h"
 #include "fuzz/markup_property.h"
 
 using namespace corvanta;

@@ -5,7 +5,7 @@
 #include "actions/read_json/read_json_params.h"
 #include "actions/shared/input_sample.h"
 #include "actions/shared/level_run.h"
-#include "codecs/markup/json_tokenizer.h"
+#include "codecs/markup/tokens/json_tokenizer.h"
 #include "corvanta/action_base.h"
 
 #include <memory>

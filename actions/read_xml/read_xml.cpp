@@ -1,7 +1,7 @@
 #include "actions/read_xml/read_xml.h"
 
 #include "base/checked.h"
-#include "codecs/markup/html_tables.h"
+#include "codecs/markup/sample/html_tables.h"
 #include "corvanta/files.h"
 #include "corvanta/system_encoding.h"
 #include "plugin/catalogue.h"

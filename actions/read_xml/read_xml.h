@@ -5,7 +5,7 @@
 #include "actions/read_xml/read_xml_params.h"
 #include "actions/shared/input_sample.h"
 #include "actions/shared/level_run.h"
-#include "codecs/markup/xml_tokenizer.h"
+#include "codecs/markup/tokens/xml_tokenizer.h"
 #include "corvanta/action_base.h"
 
 #include <functional>

@@ -1,6 +1,6 @@
 // Reads the beginning of a reader's input before a run, to find the tables in it.
 #pragma once
-#include "codecs/markup/sample_levels.h"
+#include "codecs/markup/sample/sample_levels.h"
 #include "corvanta/action_item.h"
 #include "corvanta/action_parameters.h"
 #include "io/input/input_file.h"

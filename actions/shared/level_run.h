@@ -4,7 +4,7 @@
 #include "actions/shared/file_series.h"
 #include "actions/shared/pin_text.h"
 #include "actions/shared/read_levels.h"
-#include "codecs/markup/level_extractor.h"
+#include "codecs/markup/levels/level_extractor.h"
 #include "corvanta/action_base.h"
 #include "io/input/input_file.h"
 

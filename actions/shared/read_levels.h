@@ -5,7 +5,7 @@
 // Level n+1 is searched inside an occurrence of level n, so their cells repeat on the rows of the
 // inner one.
 #pragma once
-#include "codecs/markup/level.h"
+#include "codecs/markup/levels/level.h"
 #include "corvanta/action_item.h"
 #include "corvanta/param_table.h"
 

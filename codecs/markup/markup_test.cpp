@@ -1,14 +1,14 @@
 // The parts around the tokenizers: error texts, Base64, guesses of encodings, trees and paths.
-#include "codecs/markup/base64.h"
-#include "codecs/markup/char_class.h"
-#include "codecs/markup/encoding.h"
-#include "codecs/markup/json_tokenizer.h"
-#include "codecs/markup/line_counter.h"
-#include "codecs/markup/path.h"
-#include "codecs/markup/path_set.h"
-#include "codecs/markup/scan.h"
-#include "codecs/markup/tree.h"
-#include "codecs/markup/xml_tokenizer.h"
+#include "codecs/markup/text/base64.h"
+#include "codecs/markup/text/char_class.h"
+#include "codecs/markup/text/encoding.h"
+#include "codecs/markup/text/line_counter.h"
+#include "codecs/markup/text/scan.h"
+#include "codecs/markup/tokens/json_tokenizer.h"
+#include "codecs/markup/tokens/xml_tokenizer.h"
+#include "codecs/markup/tree/path.h"
+#include "codecs/markup/tree/path_set.h"
+#include "codecs/markup/tree/tree.h"
 
 #include <QString>
 

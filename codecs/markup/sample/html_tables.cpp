@@ -1,0 +1,267 @@
+#include "codecs/markup/sample/html_tables.h"
+
+#include "codecs/markup/tree/path.h"
+
+#include <QSet>
+
+#include <map>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::markup {
+
+namespace {
+
+constexpr size_t kMostTables = 10'000;
+constexpr size_t kDeepestTable = 256;
+constexpr qsizetype kCellChars = 100;
+constexpr qsizetype kFirstRowCells = 1'000;
+
+class TableLister
+{
+public:
+    TableLister(XMLTokenizer &tokenizer, bool zeroBased)
+        : m_tokenizer(tokenizer)
+        , m_zeroBased(zeroBased)
+        , m_open(1)
+    {
+    }
+
+    std::vector<HtmlTable> list();
+
+private:
+    struct Element
+    {
+        std::u16string name; ///< in lower case
+        quint32 number = 1;  ///< among its siblings of that name
+        std::map<std::u16string, quint32> children;
+    };
+    /// A table that has begun.
+    struct OpenTable
+    {
+        size_t depth;
+        size_t table;
+        qint64 cells = 0; ///< in the row at hand
+        bool isInHeadCell = false;
+    };
+
+    void begin();
+    void beginTable();
+    void beginRow();
+    void beginCell();
+    void end();
+    void addText();
+    QString pathToHere() const;
+
+    XMLTokenizer &m_tokenizer;
+    bool m_zeroBased;
+    std::vector<Element> m_open;
+    std::vector<OpenTable> m_openTables;
+    std::vector<HtmlTable> m_tables;
+};
+
+QString TableLister::pathToHere() const
+{
+    QStringList steps;
+    for (size_t i = 1; i < m_open.size(); ++i) {
+        QString step = QString::fromStdU16String(escapedStep(m_open[i].name));
+        if (m_open[i].number > 1) {
+            step += u"[%1]"_s.arg(m_open[i].number - (m_zeroBased ? 1 : 0));
+        }
+        steps << step;
+    }
+    return steps.join(u'/');
+}
+
+void TableLister::begin()
+{
+    Element element;
+    element.name = toLowerCase(m_tokenizer.name());
+    element.number = ++m_open.back().children[element.name];
+    m_open.push_back(std::move(element));
+    const std::u16string &name = m_open.back().name;
+    if (name == u"table") {
+        beginTable();
+    } else if (name == u"tr") {
+        beginRow();
+    } else if (name == u"td" || name == u"th") {
+        beginCell();
+    }
+}
+
+void TableLister::beginTable()
+{
+    if (m_tables.size() < kMostTables && m_open.size() <= kDeepestTable) {
+        m_openTables.push_back({m_open.size(), m_tables.size()});
+        m_tables.push_back({pathToHere(), 0, 0, 0, {}});
+    }
+}
+
+void TableLister::beginRow()
+{
+    if (!m_openTables.empty()) {
+        OpenTable &open = m_openTables.back();
+        HtmlTable &table = m_tables[open.table];
+        const bool isInBody = m_open.size() == open.depth + 1;
+        table.isFirstInHead =
+            table.isFirstInHead || (table.rows + table.headRows == 0 && !isInBody);
+        ++(isInBody ? table.rows : table.headRows);
+        open.cells = 0;
+    }
+}
+
+void TableLister::beginCell()
+{
+    if (m_openTables.empty()) {
+        return;
+    }
+    OpenTable &open = m_openTables.back();
+    HtmlTable &table = m_tables[open.table];
+    table.columns = std::max(table.columns, ++open.cells);
+    open.isInHeadCell = m_open.back().name == u"th";
+    if (table.rows + table.headRows == 1 && table.firstRow.size() < kFirstRowCells) {
+        table.firstRow << QString();
+        table.hasHeadCell = table.hasHeadCell || open.isInHeadCell;
+    }
+}
+
+/// Learn from a text in one of the first two rows what the columns are called.
+void TableLister::addText()
+{
+    if (m_openTables.empty() || m_openTables.back().cells == 0) {
+        return;
+    }
+    const OpenTable &open = m_openTables.back();
+    HtmlTable &table = m_tables[open.table];
+    const qint64 row = table.rows + table.headRows;
+    if (row > 2) {
+        return;
+    }
+    const QString text = QString::fromUtf16(m_tokenizer.text().data(), m_tokenizer.length());
+    const bool hasDigits =
+        std::any_of(text.begin(), text.end(), [](QChar c) { return c.isDigit(); });
+    if (row == 2) {
+        table.digitsFollow = table.digitsFollow || hasDigits;
+        return;
+    }
+    table.hasDataCell = table.hasDataCell || !open.isInHeadCell;
+    table.hasDigits = table.hasDigits || hasDigits;
+    if (open.cells == table.firstRow.size() && table.firstRow.back().size() < kCellChars) {
+        QString &cell = table.firstRow.back();
+        cell = (cell + u' ' + text.first(std::min(text.size(), 4 * kCellChars))).simplified();
+        cell.truncate(kCellChars);
+    }
+}
+
+void TableLister::end()
+{
+    if (!m_openTables.empty() && m_openTables.back().depth == m_open.size()) {
+        m_openTables.pop_back();
+    }
+    m_open.pop_back();
+}
+
+std::vector<HtmlTable> TableLister::list()
+{
+    m_tokenizer.setBalanced(true);
+    for (;;) {
+        switch (m_tokenizer.nextToken()) {
+        case Token::Start:
+            begin();
+            break;
+        case Token::End:
+            end();
+            break;
+        case Token::Text:
+            addText();
+            break;
+        case Token::EndOfData:
+        case Token::Error:
+            return std::move(m_tables);
+        default:
+            break;
+        }
+    }
+}
+
+} // namespace
+
+std::vector<HtmlTable> listTables(XMLTokenizer &tokenizer, bool zeroBased)
+{
+    return TableLister(tokenizer, zeroBased).list();
+}
+
+namespace {
+
+/// True when the first row is one of th cells; or of plain cells without digits, all filled, above
+/// some with digits, or all but the first, as above names of rows.
+bool beginsWithNames(const HtmlTable &table)
+{
+    const QStringList &texts = table.firstRow;
+    const bool looksLikeNames = texts.size() > 1 && texts.size() == table.columns &&
+                                !table.hasDigits && !texts.mid(1).contains(QString()) &&
+                                (table.digitsFollow || texts.first().isEmpty());
+    return (table.hasHeadCell && !table.hasDataCell) || looksLikeNames;
+}
+
+/// The text, or the column's number, as a name that is not among `names`.
+QString newName(const QString &text, qint64 number, QSet<QString> *names)
+{
+    const QString base = text.isEmpty() ? u"column %1"_s.arg(number) : text;
+    QString name = base;
+    for (int n = 2; names->contains(name); ++n) {
+        name = base + u'_' + QString::number(n);
+    }
+    names->insert(name);
+    return name;
+}
+
+} // namespace
+
+SampledTable sampledTable(const HtmlTable &table, bool zeroBased)
+{
+    const bool hasBody = table.rows > 0;
+    const bool namesAreRead = beginsWithNames(table) && !(hasBody && table.isFirstInHead);
+    const bool hasNames = namesAreRead || table.isFirstInHead;
+    SampledTable sampled;
+    sampled.path = table.path;
+    sampled.isPageTable = true;
+    sampled.headRows = namesAreRead ? 1 : 0;
+    sampled.rows = (hasBody ? table.rows : table.headRows) - sampled.headRows;
+    sampled.values = sampled.rows * table.columns;
+    Level level{hasBody ? table.path : table.path + "/thead"_L1, u"tr"_s, {}};
+    QSet<QString> names;
+    for (qint64 i = 1; i <= table.columns; ++i) {
+        const QString text = table.firstRow.value(i - 1);
+        level.items.push_back({u"[%1]"_s.arg(zeroBased ? i - 1 : i),
+                               newName(hasNames ? text : QString(), i, &names), false});
+        sampled.beginning << (text.isEmpty() ? QStringList() : QStringList(text));
+    }
+    sampled.levels = {std::move(level)};
+    return sampled;
+}
+
+SampledDocument sampleTables(XMLTokenizer &tokenizer, bool zeroBased)
+{
+    SampledDocument document;
+    for (const HtmlTable &table : listTables(tokenizer, zeroBased)) {
+        document.add(sampledTable(table, zeroBased));
+    }
+    return document;
+}
+
+QString withoutTbody(QString path)
+{
+    constexpr auto kStep = "tbody/"_L1;
+    constexpr auto kLastStep = "/tbody"_L1;
+    path.replace("/tbody/"_L1, "/"_L1);
+    if (path.endsWith(kLastStep)) {
+        path.chop(kLastStep.size());
+    }
+    if (path.startsWith(kStep)) {
+        path.remove(0, kStep.size());
+    }
+    return path;
+}
+
+} // namespace corvanta::markup

@@ -1,0 +1,77 @@
+#include "codecs/markup/text/base64.h"
+
+#include <array>
+
+namespace corvanta::markup {
+
+namespace {
+
+constexpr std::string_view kAlphabet =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr qint8 kIllegal = -1;
+constexpr qint8 kSkipped = -2;
+
+constexpr std::array<qint8, 128> decodeTable()
+{
+    std::array<qint8, 128> table{};
+    table.fill(kIllegal);
+    for (size_t i = 0; i < kAlphabet.size(); ++i) {
+        table[static_cast<size_t>(kAlphabet[i])] = static_cast<qint8>(i);
+    }
+    for (const char blank : {' ', '\t', '\r', '\n'}) {
+        table[static_cast<size_t>(blank)] = kSkipped;
+    }
+    return table;
+}
+
+constexpr std::array<qint8, 128> kValues = decodeTable();
+
+} // namespace
+
+QByteArray encodeBase64(QByteArrayView bytes)
+{
+    return QByteArray::fromRawData(bytes.data(), bytes.size()).toBase64();
+}
+
+Base64Result decodeBase64(std::u16string_view text, std::span<char> out)
+{
+    Base64Result result;
+    quint32 bits = 0;
+    int held = 0; // characters of the open group of four
+    qsizetype characters = 0;
+    bool padded = false;
+    for (const char16_t c : text) {
+        const qint8 value = c < kValues.size() ? kValues[c] : kIllegal;
+        if (value == kSkipped) {
+            continue;
+        }
+        ++characters;
+        padded = padded || c == u'=';
+        if (padded && c == u'=') {
+            continue;
+        }
+        if (value == kIllegal || padded) { // what follows the padding is no data
+            result.code = MarkupError::Base64IllegalCharacter;
+            return result;
+        }
+        bits = bits << 6 | static_cast<quint32>(value);
+        held = held % 4 + 1;
+        if (held == 1) {
+            continue;
+        }
+        if (result.size == static_cast<qsizetype>(out.size())) {
+            result.code = MarkupError::Base64BufferTooSmall;
+            return result;
+        }
+        // The second, third and fourth character of a group each complete a byte.
+        out[static_cast<size_t>(result.size++)] = static_cast<char>(bits >> (8 - 2 * held));
+    }
+    if (held == 1) {
+        result.code = MarkupError::Base64TruncatedWarning;
+    } else if (characters % 4 != 0) {
+        result.code = MarkupError::Base64LengthWarning;
+    }
+    return result;
+}
+
+} // namespace corvanta::markup

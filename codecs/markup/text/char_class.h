@@ -1,0 +1,82 @@
+// codecs/markup/text/char_class.h
+// The table that classifies the characters below 256, and the sets that JSON numbers are made of.
+#pragma once
+#include <QtGlobal>
+
+#include <array>
+#include <string_view>
+
+namespace corvanta::markup {
+
+enum class CharClass : quint8 { Other, End, Space, Digit, Letter, NamePunctuation, NonAscii };
+
+namespace charset {
+
+inline constexpr quint8 kClassMask = 0x07;
+inline constexpr quint8 kNumber = 0x08;     ///< may stand in a JSON number
+inline constexpr quint8 kPermissive = 0x10; ///< may stand in a value with permissiveNumbers
+
+constexpr CharClass classOf(int c)
+{
+    constexpr std::string_view kPunctuation = "-.:_";
+    constexpr std::string_view kSpaces = "\t\n\r ";
+    const char ascii = static_cast<char>(c);
+    if (c >= 0x80) {
+        return CharClass::NonAscii;
+    }
+    if (c == 0) {
+        return CharClass::End;
+    }
+    if (kSpaces.find(ascii) != std::string_view::npos) {
+        return CharClass::Space;
+    }
+    if (c >= '0' && c <= '9') {
+        return CharClass::Digit;
+    }
+    if ((c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z')) {
+        return CharClass::Letter;
+    }
+    return kPunctuation.find(ascii) != std::string_view::npos ? CharClass::NamePunctuation
+                                                              : CharClass::Other;
+}
+
+constexpr std::array<quint8, 256> makeTable()
+{
+    constexpr std::string_view kNumberChars = ".Ee+-0123456789";
+    constexpr std::string_view kPermissiveChars = "!#%*+-./?_~0123456789";
+    std::array<quint8, 256> table{};
+    for (int c = 0; c < 256; ++c) {
+        const CharClass kind = classOf(c);
+        const char ascii = static_cast<char>(c);
+        const bool number = c < 0x80 && kNumberChars.find(ascii) != std::string_view::npos;
+        const bool permissive =
+            kind == CharClass::Letter ||
+            (c < 0x80 && kPermissiveChars.find(ascii) != std::string_view::npos);
+        table[static_cast<size_t>(c)] = static_cast<quint8>(
+            static_cast<quint8>(kind) | (number ? kNumber : 0) | (permissive ? kPermissive : 0));
+    }
+    return table;
+}
+
+inline constexpr std::array<quint8, 256> kTable = makeTable();
+
+} // namespace charset
+
+inline CharClass charClass(char c)
+{
+    return static_cast<CharClass>(charset::kTable[static_cast<uchar>(c)] & charset::kClassMask);
+}
+inline bool isSpace(char c)
+{
+    return charClass(c) == CharClass::Space;
+}
+inline bool isNameChar(char c)
+{
+    return charClass(c) >= CharClass::Digit;
+}
+inline bool isIn(char c, quint8 set)
+{
+    return (charset::kTable[static_cast<uchar>(c)] & set) != 0;
+}
+
+} // namespace corvanta::markup

@@ -1,0 +1,186 @@
+#include "codecs/markup/text/encoding.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace corvanta::markup {
+
+namespace {
+
+constexpr qsizetype kMinGuessBytes = 25;
+constexpr qsizetype kDeclarationBytes = 200;
+
+uchar byteAt(QByteArrayView bytes, qsizetype i)
+{
+    return static_cast<uchar>(bytes[i]);
+}
+
+int continuationBytes(uchar lead)
+{
+    if (lead < 0xC0) {
+        return lead < 0x80 ? 0 : -1;
+    }
+    if (lead < 0xE0) {
+        return 1;
+    }
+    return lead < 0xF0 ? 2 : (lead < 0xF8 ? 3 : -1);
+}
+
+/// True when every lead byte is followed by its continuation bytes. A sequence that the end of the
+/// sample cuts is not held against the document.
+bool followsUtf8Pattern(QByteArrayView bytes)
+{
+    for (qsizetype i = 0; i < bytes.size();) {
+        const int more = continuationBytes(byteAt(bytes, i++));
+        if (more < 0) {
+            return false;
+        }
+        for (int k = 0; k < more && i < bytes.size(); ++k, ++i) {
+            if ((byteAt(bytes, i) & 0xC0) != 0x80) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+qsizetype skipBlanks(std::string_view text, size_t at)
+{
+    const size_t found = text.find_first_not_of(" \t\r\n", at);
+    return static_cast<qsizetype>(found == std::string_view::npos ? text.size() : found);
+}
+
+/// The value of `encoding = "..."` near the start of the document; empty when there is none.
+QByteArray declaredEncoding(QByteArrayView bytes)
+{
+    const std::string_view text(bytes.data(),
+                                static_cast<size_t>(qMin(bytes.size(), kDeclarationBytes)));
+    constexpr std::string_view kWord = "encoding";
+    size_t at = text.find(kWord);
+    if (at == std::string_view::npos) {
+        return {};
+    }
+    at = static_cast<size_t>(skipBlanks(text, at + kWord.size()));
+    if (at >= text.size() || text[at] != '=') {
+        return {};
+    }
+    at = static_cast<size_t>(skipBlanks(text, at + 1));
+    if (at >= text.size() || (text[at] != '"' && text[at] != '\'')) {
+        return {};
+    }
+    const char quote = text[at];
+    at = static_cast<size_t>(skipBlanks(text, at + 1));
+    const size_t end = text.find(quote, at);
+    if (end == std::string_view::npos) {
+        return {};
+    }
+    return QByteArray(text.data() + at, static_cast<qsizetype>(end - at));
+}
+
+} // namespace
+
+bool looksLikeUtf16(QByteArrayView bytes)
+{
+    constexpr qsizetype kSample = 512;
+    const qsizetype n = qMin(bytes.size(), kSample) & ~qsizetype(1);
+    if (n < 2) {
+        return false;
+    }
+    const bool littleMark = byteAt(bytes, 0) == 0xFF && byteAt(bytes, 1) == 0xFE;
+    const bool bigMark = byteAt(bytes, 0) == 0xFE && byteAt(bytes, 1) == 0xFF;
+    std::array<qsizetype, 2> zeros{};
+    for (qsizetype i = 0; i < n; ++i) {
+        zeros[static_cast<size_t>(i & 1)] += bytes[i] == 0 ? 1 : 0;
+    }
+    const qsizetype most = qMax(zeros[0], zeros[1]);
+    const bool notAllZero = zeros[0] + zeros[1] < n;
+    return littleMark || bigMark || (notAllZero && most * 10 >= n / 2 * 7);
+}
+
+QByteArray guessEncoding(QByteArrayView first)
+{
+    if (first.size() < kMinGuessBytes) {
+        return QByteArrayLiteral("System");
+    }
+    if (looksLikeUtf16(first)) {
+        const bool secondUnit = first[2] != 0 || first[3] != 0;
+        const bool firstUnit = first[0] != 0 || first[1] != 0;
+        return secondUnit && firstUnit ? QByteArrayLiteral("UTF-16") : QByteArrayLiteral("UTF-32");
+    }
+    if (first.startsWith("\xEF\xBB\xBF")) {
+        return QByteArrayLiteral("UTF-8");
+    }
+    const bool utf8 = followsUtf8Pattern(first);
+    const QByteArray declared = declaredEncoding(first);
+    const QByteArray lower = declared.toLower();
+    if (lower.startsWith("utf-8") || lower.startsWith("utf8")) {
+        return utf8 ? QByteArrayLiteral("UTF-8") : QByteArrayLiteral("ERROR");
+    }
+    if (!declared.isEmpty()) {
+        return declared;
+    }
+    return utf8 ? QByteArrayLiteral("UTF-8") : QByteArrayLiteral("System");
+}
+
+/// The encoding of the byte-order mark at the start; empty without one. The mark of UTF-32 is
+/// tested first: as UTF-16 it would be a mark and a NUL.
+static QByteArray markedEncoding(QByteArrayView first)
+{
+    if (first.startsWith(QByteArrayView("\xFF\xFE\0\0", 4))) {
+        return "UTF-32LE";
+    }
+    if (first.startsWith("\xEF\xBB\xBF")) {
+        return "UTF-8";
+    }
+    if (first.startsWith("\xFE\xFF")) {
+        return "UTF-16BE";
+    }
+    return first.startsWith("\xFF\xFE") ? "UTF-16LE" : "";
+}
+
+QByteArray chooseEncoding(QByteArrayView first, const QByteArray &name)
+{
+    const QByteArray marked = markedEncoding(first);
+    if (!marked.isEmpty()) {
+        return marked;
+    }
+    const bool isAuto = name.isEmpty() || name.compare("auto", Qt::CaseInsensitive) == 0;
+    return isAuto ? guessEncoding(first) : name;
+}
+
+CharMode guessJSONEncoding(QByteArrayView first)
+{
+    if (first.size() < 4) {
+        return CharMode::Utf8;
+    }
+    const bool marked = first.startsWith("\xFF\xFE") || first.startsWith("\xFE\xFF");
+    return marked || (first[1] == 0 && first[3] == 0) ? CharMode::Utf16 : CharMode::Utf8;
+}
+
+CharMode encodingCode(QByteArrayView name)
+{
+    static constexpr std::array<std::pair<const char *, CharMode>, 13> kNames{{
+        {"utf-8", CharMode::Utf8},
+        {"utf8", CharMode::Utf8},
+        {"utf-16", CharMode::Utf16},
+        {"utf16", CharMode::Utf16},
+        {"utf-32", CharMode::Utf32},
+        {"utf32", CharMode::Utf32},
+        {"shiftjis", CharMode::ShiftJis},
+        {"shift-jis", CharMode::ShiftJis},
+        {"sjis", CharMode::ShiftJis},
+        {"gb2312", CharMode::Gb2312},
+        {"big5", CharMode::Big5},
+        {"gbk", CharMode::Gbk},
+        {"error", CharMode::Error},
+    }};
+    for (const auto &[known, mode] : kNames) {
+        if (name.compare(known, Qt::CaseInsensitive) == 0) {
+            return mode;
+        }
+    }
+    return CharMode::CodePage;
+}
+
+} // namespace corvanta::markup

@@ -1,0 +1,95 @@
+// codecs/markup/text/scan.h
+// The scans of the tokenizers, sixteen bytes at a time.
+//
+// All of them stop at a NUL and may load up to kReadAhead bytes from any place in a tokenizer's
+// data, which ends with that many NULs.
+#pragma once
+#include "codecs/markup/text/raw_text.h"
+
+#include <emmintrin.h>
+
+namespace corvanta::markup {
+
+namespace scan {
+
+inline constexpr quint32 kAll = 0xFFFF;
+
+inline __m128i load(const char *at)
+{
+    return _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
+}
+inline __m128i is(__m128i block, char c)
+{
+    return _mm_cmpeq_epi8(block, _mm_set1_epi8(c));
+}
+/// Where a byte of `block` is one of the `count` characters from `first` on.
+inline __m128i isOneFrom(__m128i block, char first, char count)
+{
+    const __m128i distance = _mm_sub_epi8(block, _mm_set1_epi8(first));
+    const __m128i last = _mm_set1_epi8(static_cast<char>(count - 1));
+    return _mm_cmpeq_epi8(_mm_min_epu8(distance, last), distance);
+}
+inline quint32 mask(__m128i hits)
+{
+    return static_cast<quint32>(_mm_movemask_epi8(hits));
+}
+
+/// The first place that `hits` (a function of a block, giving a mask) finds.
+template <typename Hits> const char *find(const char *at, Hits hits)
+{
+    static_assert(sizeof(__m128i) <= kReadAhead);
+    for (;; at += sizeof(__m128i)) {
+        const quint32 found = hits(load(at));
+        if (found != 0) {
+            return at + __builtin_ctz(found);
+        }
+    }
+}
+
+} // namespace scan
+
+/// The first `a`, `b` or NUL.
+inline const char *findEither(const char *at, char a, char b)
+{
+    return scan::find(at, [a, b](__m128i block) {
+        const __m128i hit = _mm_or_si128(scan::is(block, a), scan::is(block, b));
+        return scan::mask(_mm_or_si128(hit, scan::is(block, 0)));
+    });
+}
+
+/// The first byte that is no space (CharClass::Space).
+inline const char *skipSpaces(const char *at)
+{
+    return scan::find(at, [](__m128i block) {
+        const __m128i breaks = _mm_or_si128(scan::is(block, '\n'), scan::is(block, '\r'));
+        const __m128i blanks = _mm_or_si128(scan::is(block, ' '), scan::is(block, '\t'));
+        return scan::mask(_mm_or_si128(breaks, blanks)) ^ scan::kAll;
+    });
+}
+
+/// The first byte that is no name character (isNameChar()).
+inline const char *skipNameChars(const char *at)
+{
+    return scan::find(at, [](__m128i block) {
+        const __m128i letter = scan::isOneFrom(_mm_or_si128(block, _mm_set1_epi8(0x20)), 'a', 26);
+        // "-", ".", "/", the digits and ":" stand in a row, and "/" is no name character.
+        const __m128i digit =
+            _mm_andnot_si128(scan::is(block, '/'), scan::isOneFrom(block, '-', 14));
+        const __m128i name = _mm_or_si128(_mm_or_si128(letter, digit), scan::is(block, '_'));
+        return (scan::mask(name) | scan::mask(block)) ^ scan::kAll; // bytes from 0x80 on are, too
+    });
+}
+
+/// The first byte that the scan of a JSON string has to look at: `quote`, a backslash or a control
+/// character.
+inline const char *findStringStop(const char *at, char quote)
+{
+    return scan::find(at, [quote](__m128i block) {
+        const __m128i lastControl = _mm_set1_epi8(0x1F);
+        const __m128i control = _mm_cmpeq_epi8(_mm_max_epu8(block, lastControl), lastControl);
+        const __m128i special = _mm_or_si128(scan::is(block, quote), scan::is(block, '\\'));
+        return scan::mask(_mm_or_si128(control, special));
+    });
+}
+
+} // namespace corvanta::markup

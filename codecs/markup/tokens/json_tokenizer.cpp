@@ -1,0 +1,455 @@
+// The grammar is that of RFC 8259 with these liberties: single quotes, unknown escapes, raw control
+// characters in strings, one comma before a closing bracket, NaN and infinities, numbers of any
+// shape, and several values one after the other.
+#include "codecs/markup/tokens/json_tokenizer.h"
+
+#include "base/limits.h"
+#include "base/utf.h"
+#include "codecs/markup/text/char_class.h"
+#include "codecs/markup/text/scan.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace corvanta::markup {
+
+namespace {
+
+constexpr size_t kFirstContainers = 512;
+
+/// Texts that stand in no buffer. The first is the name of the element whose container was closed.
+enum External : quint32 { kClosedName, kUnderscore, kNan, kInf, kMinusInf, kFirstItemName };
+constexpr std::array<std::string_view, 5> kExternal{"", "_", "nan", "inf", "-inf"};
+
+bool mayFollowBareValue(char c)
+{
+    return isSpace(c) || c == ',' || c == '}' || c == ']' || c == 0;
+}
+
+} // namespace
+
+JSONTokenizer::JSONTokenizer(ByteSource &source, qint64 bufferChars,
+                             std::u16string_view arrayItemName)
+    : MarkupTokenizer(source, bufferChars)
+{
+    m_open.reserve(kFirstContainers);
+    setArrayItemName(arrayItemName);
+}
+
+void JSONTokenizer::restart(ByteSource &source)
+{
+    MarkupTokenizer::restart(source);
+    m_state = State::Top;
+    m_open.clear();
+    m_names.clear();
+}
+
+void JSONTokenizer::setArrayItemName(std::optional<std::u16string_view> name)
+{
+    const std::u16string_view wide = name.value_or(std::u16string_view());
+    std::string bytes(wide.size() * 3, '\0');
+    bytes.resize(static_cast<size_t>(
+        utf16ToUtf8(wide.data(), static_cast<qsizetype>(wide.size()), bytes.data())));
+    const auto known = std::find(m_itemNames.begin(), m_itemNames.end(), bytes);
+    m_itemName = kFirstItemName + static_cast<quint32>(known - m_itemNames.begin());
+    if (known == m_itemNames.end()) {
+        m_itemNames.push_back(std::move(bytes));
+    }
+}
+
+RawText JSONTokenizer::externalText(quint32 number) const
+{
+    if (number == kClosedName) {
+        return m_closedName;
+    }
+    const std::string_view text = number < kFirstItemName
+                                      ? kExternal[number]
+                                      : std::string_view(m_itemNames[number - kFirstItemName]);
+    return {text.data(), static_cast<quint32>(text.size()), TextForm::Detached};
+}
+
+MarkupError JSONTokenizer::detectEncoding(CharSource &source, QByteArrayView first)
+{
+    return source.setEncoding(guessJSONEncoding(first), QByteArray(), InvalidBytes::Fail);
+}
+
+Token JSONTokenizer::nextToken()
+{
+    if (isFinished() || (!m_begun && !begin())) {
+        return token();
+    }
+    Token token = Token::None;
+    while (token == Token::None) {
+        token = step();
+    }
+    return token;
+}
+
+/// A member with a name and a value without escapes, up to the comma or brace behind it.
+bool JSONTokenizer::takeLeaf(Leaf *leaf)
+{
+    if (m_state != State::Key || !m_begun || isFinished() || skipSpace(Hold::Nothing) != '"') {
+        return false;
+    }
+    const char *const name = here() + 1;
+    const char *const nameEnd = findStringStop(name, '"');
+    if (*nameEnd != '"' || nameEnd == name || nameEnd[1] != ':') {
+        return false;
+    }
+    const size_t keptBefore = m_keep;
+    m_keep = m_pos;
+    const char *at = skipSpaces(nameEnd + 2);
+    if (!scanLeafValue(&at, leaf)) {
+        m_keep = keptBefore;
+        return false;
+    }
+    leaf->name = m_name = span(1, nameEnd, TextForm::Plain);
+    leaf->hasText = true;
+    return finishLeaf(*leaf, *at == ',' ? at + 1 : at);
+}
+
+/// The value of a leaf at `*at`, which then is the separator behind it.
+inline bool JSONTokenizer::scanLeafValue(const char **at, Leaf *leaf)
+{
+    const bool quoted = **at == '"';
+    const char *const text = quoted ? *at + 1 : *at;
+    const char *textEnd = text;
+    if (quoted) {
+        textEnd = findStringStop(text, '"');
+    } else if (*text == 't' || *text == 'f' || *text == 'n') {
+        const std::string_view word = *text == 't' ? "true" : (*text == 'f' ? "false" : "null");
+        textEnd += std::memcmp(text, word.data(), word.size()) == 0 ? word.size() : 0;
+    } else {
+        const quint8 set = m_permissive ? charset::kPermissive : charset::kNumber;
+        while (isIn(*textEnd, set)) {
+            ++textEnd;
+        }
+        m_numberLength = textEnd - text;
+    }
+    if (quoted ? *textEnd != '"' : textEnd == text) {
+        return false;
+    }
+    *at = skipSpaces(quoted ? textEnd + 1 : textEnd);
+    leaf->text = span(fromToken(text), textEnd, TextForm::Plain);
+    return **at == ',' || **at == '}';
+}
+
+/// Go on by one construct; None when it gives no token.
+inline Token JSONTokenizer::step()
+{
+    if (m_state == State::AfterValue) {
+        return m_open.empty() ? endDocument() : afterValue();
+    }
+    const bool holdName = m_state == State::Value;
+    const char c = skipSpace(holdName ? Hold::Token : Hold::Nothing);
+    if (c == 0) {
+        return missingEnd();
+    }
+    switch (m_state) {
+    case State::Top:
+        return startDocument(c);
+    case State::Key:
+        return c == '}' || c == ']' ? closeContainer(c) : readKey(c);
+    case State::Item:
+        return c == '}' || c == ']' ? closeContainer(c) : startItem();
+    default:
+        return readValue(c);
+    }
+}
+
+Token JSONTokenizer::startDocument(char c)
+{
+    m_keep = m_pos;
+    m_state = State::Value;
+    m_documentKind =
+        c == '{' ? DocumentKind::Object : (c == '[' ? DocumentKind::Array : DocumentKind::Scalar);
+    m_text = m_name = {};
+    return documentMarks() ? finish(Token::DocumentStart) : Token::None;
+}
+
+Token JSONTokenizer::endDocument()
+{
+    m_state = State::Top;
+    m_text = {};
+    return documentMarks() ? finish(Token::DocumentEnd) : Token::None;
+}
+
+/// The data ends inside or between values.
+Token JSONTokenizer::missingEnd()
+{
+    const bool open = !m_open.empty() || m_state == State::Value;
+    return open && isBalanced() ? fail(MarkupError::UnmatchedEndTag) : endOfData();
+}
+
+inline Token JSONTokenizer::readKey(char quote)
+{
+    if (quote != '"' && quote != '\'') {
+        return fail(MarkupError::QuoteExpected);
+    }
+    m_keep = m_pos;
+    TextSpan name;
+    if (!scanString(quote, &name)) {
+        return fail(MarkupError::QuoteExpected);
+    }
+    if (name.size() == 0) {
+        name = TextSpan::external(kUnderscore);
+    }
+    if (*here() != ':' && skipSpace(Hold::Token) != ':') {
+        return fail(MarkupError::ColonExpected);
+    }
+    ++m_pos;
+    m_name = m_text = name;
+    ++m_depth;
+    m_state = State::Value;
+    return finish(Token::Start);
+}
+
+Token JSONTokenizer::startItem()
+{
+    m_keep = m_pos;
+    m_name = m_text = TextSpan::external(m_open.back().itemName);
+    ++m_depth;
+    m_state = State::Value;
+    return finish(Token::Start);
+}
+
+inline Token JSONTokenizer::readValue(char c)
+{
+    switch (c) {
+    case '"':
+    case '\'':
+        return readString(c);
+    case '{':
+    case '[':
+        return openContainer(c == '{') ? Token::None : fail(MarkupError::TreeTooLarge);
+    case '}':
+    case ']':
+        return fail(MarkupError::UnexpectedEndTag);
+    case 't':
+    case 'f':
+    case 'n':
+        return readLiteral(c);
+    default:
+        return readNumber();
+    }
+}
+
+/// Enter a container. The name of the element that holds it leaves the buffer's care.
+bool JSONTokenizer::openContainer(bool object)
+{
+    if (static_cast<qint64>(m_open.size()) >= limits::kElementDepth) {
+        return false;
+    }
+    Container container;
+    container.itemName = object ? 0 : m_itemName;
+    if (m_name.isExternal()) {
+        container.nameExternal = m_name.offset();
+    } else {
+        const RawText name = resolve(m_name);
+        container.nameSize = name.size;
+        container.nameForm = name.form;
+        m_names.insert(m_names.end(), name.data, name.data + name.size);
+    }
+    m_open.push_back(container);
+    ++m_pos;
+    m_state = object ? State::Key : State::Item;
+    return true;
+}
+
+Token JSONTokenizer::closeContainer(char c)
+{
+    if ((c == '}') != isObject()) {
+        return fail(MarkupError::UnmatchedEndTag);
+    }
+    ++m_pos;
+    const Container container = m_open.back();
+    m_open.pop_back();
+    if (container.nameExternal != 0) {
+        m_closedName = externalText(container.nameExternal);
+    } else {
+        const size_t start = m_names.size() - container.nameSize;
+        m_names.resize(start);
+        // The bytes stay where they are until the next container opens.
+        const bool plain = container.nameForm == TextForm::Plain;
+        m_closedName = {m_names.data() + start, container.nameSize,
+                        plain ? TextForm::Detached : container.nameForm};
+    }
+    m_name = TextSpan::external(kClosedName);
+    m_scalar = false;
+    m_state = State::AfterValue;
+    return Token::None;
+}
+
+/// What follows the value of a member or item decides whether it is complete.
+inline Token JSONTokenizer::afterValue()
+{
+    const char c = skipSpace(m_scalar ? Hold::Token : Hold::Nothing);
+    if (c == ',') {
+        ++m_pos;
+        m_state = isObject() ? State::Key : State::Item;
+        return endElement();
+    }
+    if (c == '}' || c == ']') {
+        // The bracket itself is read again when the container is closed.
+        if ((c == '}') != isObject()) {
+            return fail(MarkupError::UnmatchedEndTag);
+        }
+        m_state = isObject() ? State::Key : State::Item;
+        return endElement();
+    }
+    return c == 0 ? missingEnd() : fail(MarkupError::InvalidTagEnd);
+}
+
+inline Token JSONTokenizer::endElement()
+{
+    --m_depth;
+    m_text = m_name;
+    return finish(Token::End);
+}
+
+/// Scan a string from its opening quote; false when it has no end.
+inline bool JSONTokenizer::scanString(char quote, TextSpan *text)
+{
+    const char *at = here() + 1;
+    const quint32 offset = fromToken(at);
+    TextForm form = TextForm::Plain;
+    for (;;) {
+        at = findStringStop(at, quote);
+        if (*at == quote) {
+            break;
+        }
+        if (*at == '\\') {
+            form = TextForm::JsonEscaped;
+            ensure(&at, 2);
+            if (at[1] != 0) {
+                at += 2;
+                continue;
+            }
+            m_pos = static_cast<size_t>(at + 1 - data());
+            return false;
+        }
+        if (*at == 0) {
+            if (at != end() || !refillAt(&at)) {
+                m_pos = static_cast<size_t>(at - data());
+                return false;
+            }
+            continue;
+        }
+        form = *at == '\r' || *at == '\n' ? TextForm::JsonEscaped : form;
+        ++at;
+    }
+    *text = span(offset, at, form);
+    m_pos = static_cast<size_t>(at + 1 - data());
+    return true;
+}
+
+inline Token JSONTokenizer::readString(char quote)
+{
+    TextSpan text;
+    if (!scanString(quote, &text)) {
+        return fail(MarkupError::QuoteExpected);
+    }
+    m_text = text;
+    m_scalar = true;
+    m_state = State::AfterValue;
+    return finish(Token::Text);
+}
+
+/// How many characters of `word` (lower case) stand at `*at`, in any letter case. More data is
+/// asked for only as long as they match: it may belong to the next document.
+qsizetype JSONTokenizer::matchingChars(const char **at, std::string_view word)
+{
+    qsizetype n = 0;
+    for (const char wanted : word) {
+        ensure(at, n + 1);
+        if (((*at)[n] | 0x20) != wanted) {
+            break;
+        }
+        ++n;
+    }
+    return n;
+}
+
+Token JSONTokenizer::failAt(const char *at, MarkupError error)
+{
+    m_pos = static_cast<size_t>(at - data());
+    return fail(error);
+}
+
+Token JSONTokenizer::readLiteral(char c)
+{
+    struct Literal
+    {
+        std::string_view word;
+        MarkupError error;
+    };
+    static constexpr Literal kTrue{"true", MarkupError::TrueExpected};
+    static constexpr Literal kFalse{"false", MarkupError::FalseExpected};
+    static constexpr Literal kNull{"null", MarkupError::NullExpected};
+    const Literal &literal = c == 't' ? kTrue : (c == 'f' ? kFalse : kNull);
+    const char *at = here();
+    const qsizetype letters = matchingChars(&at, literal.word);
+    if (std::string_view(at, static_cast<size_t>(letters)) == literal.word) {
+        m_text = span(fromToken(at), at + letters, TextForm::Plain);
+        return finishBareValue(at + letters, literal.error);
+    }
+    if (matches(&at, "nan")) {
+        m_text = TextSpan::external(kNan);
+        return finishBareValue(at + 3, literal.error);
+    }
+    return failAt(at + letters, literal.error);
+}
+
+inline Token JSONTokenizer::readNumber()
+{
+    const char *at = here();
+    const quint8 set = m_permissive ? charset::kPermissive : charset::kNumber;
+    const quint32 offset = fromToken(at);
+    do {
+        while (isIn(*at, set)) {
+            ++at;
+        }
+    } while (at == end() && refillAt(&at));
+    m_text = span(offset, at, TextForm::Plain);
+    m_numberLength = m_text.size();
+    if (!m_permissive && (matches(&at, "n") || matches(&at, "i"))) {
+        return readSpecialNumber(at, data()[m_keep + offset] == '-');
+    }
+    return m_text.size() == 0 ? failAt(at, MarkupError::InvalidNumber)
+                              : finishBareValue(at, MarkupError::InvalidNumber);
+}
+
+/// "NaN", "INF" or "Infinity" in any case, behind an optional sign.
+Token JSONTokenizer::readSpecialNumber(const char *at, bool negative)
+{
+    constexpr std::string_view kInfinity = "infinity";
+    constexpr qsizetype kShort = 3;
+    if (matches(&at, "nan")) {
+        m_text = TextSpan::external(kNan);
+        return finishBareValue(at + kShort, MarkupError::InvalidNumber);
+    }
+    const qsizetype letters = matchingChars(&at, kInfinity);
+    if (letters < kShort) {
+        return failAt(at + letters, MarkupError::InvalidNumber);
+    }
+    m_text = TextSpan::external(negative ? kMinusInf : kInf);
+    const bool isLong = letters == static_cast<qsizetype>(kInfinity.size());
+    return finishBareValue(at + (isLong ? letters : kShort), MarkupError::InvalidNumber);
+}
+
+/// A value without quotes ends at `at`: only a separator may follow.
+inline Token JSONTokenizer::finishBareValue(const char *at, MarkupError error)
+{
+    ensure(&at, 1);
+    // Where the data broke off, what was read may be only a part of the value.
+    if (!mayFollowBareValue(*at) || isBrokenAt(at)) {
+        return failAt(at, error);
+    }
+    m_pos = static_cast<size_t>(at - data());
+    m_scalar = true;
+    m_state = State::AfterValue;
+    return finish(Token::Text);
+}
+
+} // namespace corvanta::markup

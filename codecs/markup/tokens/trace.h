@@ -1,0 +1,66 @@
+// codecs/markup/tokens/trace.h
+// Tokens as one readable line, for tests and fuzz targets.
+#pragma once
+#include "codecs/markup/tokens/json_tokenizer.h"
+#include "codecs/markup/tokens/xml_tokenizer.h"
+
+#include <string>
+
+namespace corvanta::markup {
+
+/// "<a 'text' >a" for a start, a text and an end; errors as "!code". Attributes follow their start.
+inline std::u16string traceToken(MarkupTokenizer &tokenizer, Token token)
+{
+    switch (token) {
+    case Token::Start: {
+        std::u16string out = u"<" + std::u16string(tokenizer.name());
+        if (const auto *xml = dynamic_cast<const XMLTokenizer *>(&tokenizer)) {
+            for (size_t i = 0; i < xml->attributes().size(); ++i) {
+                out +=
+                    u" " + decoded(xml->attributeName(i)) + u"=" + decoded(xml->attributeValue(i));
+            }
+        }
+        return out;
+    }
+    case Token::End:
+        return u">" + std::u16string(tokenizer.name());
+    case Token::Text:
+        return u"'" + std::u16string(tokenizer.text()) + u"'";
+    case Token::Clear:
+        return u"#" + std::u16string(tokenizer.text());
+    case Token::Instruction:
+        return u"?" + std::u16string(tokenizer.name());
+    case Token::DocumentStart:
+        return u"(";
+    case Token::DocumentEnd:
+        return u")";
+    case Token::EndOfData:
+        return u".";
+    default:
+        break;
+    }
+    const std::string code = std::to_string(static_cast<int>(tokenizer.errorCode()));
+    return u"!" + std::u16string(code.begin(), code.end());
+}
+
+/// All tokens; with `leaves`, as many of them as can be had that way are taken by takeLeaf().
+inline std::u16string trace(MarkupTokenizer &tokenizer, bool leaves = false)
+{
+    std::u16string out;
+    MarkupTokenizer::Leaf leaf;
+    for (;;) {
+        while (leaves && tokenizer.takeLeaf(&leaf)) {
+            const std::u16string name = decoded(tokenizer.resolve(leaf.name));
+            out += (out.empty() ? u"<" : u" <") + name;
+            out += leaf.hasText ? u" '" + decoded(tokenizer.resolve(leaf.text)) + u"'" : u"";
+            out += u" >" + name;
+        }
+        const Token token = tokenizer.nextToken();
+        out += (out.empty() ? u"" : u" ") + traceToken(tokenizer, token);
+        if (token == Token::EndOfData || token == Token::Error) {
+            return out;
+        }
+    }
+}
+
+} // namespace corvanta::markup

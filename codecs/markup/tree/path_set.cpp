@@ -1,0 +1,152 @@
+#include "codecs/markup/tree/path_set.h"
+
+#include <algorithm>
+
+namespace corvanta::markup {
+
+namespace {
+
+bool wants(const PathStep &step, const RawText &name)
+{
+    return step.anyName || nameMatches(name, step.name);
+}
+
+} // namespace
+
+PathSet::PathSet()
+{
+    m_nodes.push_back(std::make_unique<Node>());
+}
+
+size_t PathSet::add(const std::vector<PathStep> &steps)
+{
+    quint32 at = 0;
+    for (size_t i = 0; i < steps.size(); ++i) {
+        Node &node = *m_nodes[at];
+        const auto same = std::find_if(node.wants.begin(), node.wants.end(),
+                                       [&](const Want &want) { return want.step == steps[i]; });
+        if (same != node.wants.end()) {
+            same->onlyPath = kNotOnly;
+            at = same->node;
+            continue;
+        }
+        if (steps[i].isAttribute()) {
+            node.attributeWants.push_back(static_cast<quint32>(node.wants.size()));
+        }
+        at = static_cast<quint32>(m_nodes.size());
+        const bool isLast = i + 1 == steps.size();
+        node.wants.push_back({steps[i], at, isLast ? static_cast<quint32>(m_pathCount) : kNotOnly});
+        node.indexes.push_back(steps[i].index);
+        m_nodes.push_back(std::make_unique<Node>());
+    }
+    m_nodes[at]->paths.push_back(m_pathCount);
+    m_found.resize(++m_pathCount, MarkupTree::kNone);
+    return m_pathCount - 1;
+}
+
+bool PathSet::isFirstStep(const RawText &name) const
+{
+    const std::vector<Want> &first = m_nodes[0]->wants;
+    return std::any_of(first.begin(), first.end(), [&](const Want &want) {
+        return !want.step.anyName && nameMatches(name, want.step.name);
+    });
+}
+
+std::span<const quint32> PathSet::resolve(const MarkupTree &tree, quint32 element)
+{
+    std::fill(m_found.begin(), m_found.end(), MarkupTree::kNone);
+    m_open.assign(1, {0, element});
+    while (!m_open.empty()) {
+        const Visit at = m_open.back();
+        m_open.pop_back();
+        visit(tree, at);
+    }
+    return m_found;
+}
+
+void PathSet::visit(const MarkupTree &tree, Visit at)
+{
+    Node &node = *m_nodes[at.node];
+    for (const size_t path : node.paths) {
+        // An attribute that was found before goes first.
+        m_found[path] = m_found[path] == MarkupTree::kNone ? at.element : m_found[path];
+    }
+    if (node.wants.empty() || tree.item(at.element).kind != ItemKind::Child) {
+        return;
+    }
+    walkChildren(tree, at);
+    if (!node.attributeWants.empty()) {
+        findAttributes(tree, at);
+    }
+}
+
+void PathSet::fulfil(quint32 node, quint32 item)
+{
+    if (!m_nodes[node]->wants.empty()) {
+        m_open.push_back({node, item});
+        return;
+    }
+    for (const size_t path : m_nodes[node]->paths) {
+        m_found[path] = item;
+    }
+}
+
+void PathSet::walkChildren(const MarkupTree &tree, Visit at)
+{
+    Node &node = *m_nodes[at.node];
+    m_left = node.indexes;
+    size_t left = node.wants.size();
+    node.children.begin();
+    quint32 child = tree.first(at.element, ItemKind::Child);
+    for (; child != MarkupTree::kNone && left > 0; child = tree.sibling(child)) {
+        const RawText name = tree.raw(child);
+        const auto tell = [&](NameMemory::Wants *asking) {
+            for (quint32 i = 0; i < node.wants.size(); ++i) {
+                if (wants(node.wants[i].step, name)) {
+                    asking->push_back(i);
+                }
+            }
+        };
+        for (const quint32 number : node.children.askingFor(name, tell)) {
+            if (m_left[number]-- > 0) {
+                continue;
+            }
+            --left;
+            const Want &want = node.wants[number];
+            if (want.onlyPath != kNotOnly) {
+                m_found[want.onlyPath] = child;
+            } else {
+                fulfil(want.node, child);
+            }
+        }
+    }
+}
+
+/// "@name" reaches an attribute, the first one of that name, before it reaches a child.
+void PathSet::findAttributes(const MarkupTree &tree, Visit at)
+{
+    Node &node = *m_nodes[at.node];
+    node.attributes.begin();
+    quint32 attribute = tree.first(at.element, ItemKind::Attribute);
+    for (; attribute != MarkupTree::kNone; attribute = tree.sibling(attribute)) {
+        const RawText name = tree.raw(attribute);
+        const auto tell = [&](NameMemory::Wants *asking) {
+            for (const quint32 i : node.attributeWants) {
+                const std::u16string_view asked = node.wants[i].step.name;
+                if (nameMatches(name, asked.substr(1))) {
+                    asking->push_back(i);
+                }
+            }
+        };
+        for (const quint32 number : node.attributes.askingFor(name, tell)) {
+            for (const size_t path : m_nodes[node.wants[number].node]->paths) {
+                const quint32 found = m_found[path];
+                const bool isFirst =
+                    found == MarkupTree::kNone || tree.item(found).kind != ItemKind::Attribute;
+                m_found[path] = isFirst ? attribute : found;
+            }
+        }
+    }
+}
+
+} // namespace corvanta::markup

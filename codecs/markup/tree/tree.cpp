@@ -1,0 +1,251 @@
+#include "codecs/markup/tree/tree.h"
+
+#include "base/limits.h"
+#include "codecs/markup/tokens/xml_tokenizer.h"
+
+#include <algorithm>
+
+namespace corvanta::markup {
+
+qsizetype MarkupNode::count(ItemKind kind) const
+{
+    return isEmpty() ? 0 : m_tree->item(m_index).counts[static_cast<size_t>(kind)];
+}
+
+qsizetype MarkupNode::elementCount() const
+{
+    return childCount() + textCount() + clearCount() + attributeCount();
+}
+
+std::u16string MarkupNode::name() const
+{
+    return isEmpty() ? std::u16string() : decoded(m_tree->raw(m_index));
+}
+
+/// The i-th item of a kind; the tree remembers the last answer, so that loops over i are linear.
+quint32 MarkupNode::find(ItemKind kind, qsizetype i) const
+{
+    if (i < 0 || i >= count(kind)) {
+        return MarkupTree::kNone;
+    }
+    MarkupTree::Hint &hint = m_tree->m_hint;
+    const bool known = hint.parent == m_index && hint.kind == kind && hint.number <= i;
+    quint32 index = known ? hint.index : m_tree->first(m_index, kind);
+    for (qsizetype at = known ? hint.number : 0; at < i; ++at) {
+        index = m_tree->sibling(index);
+    }
+    hint = {m_index, kind, i, index};
+    return index;
+}
+
+MarkupNode MarkupNode::child(qsizetype i) const
+{
+    const quint32 index = find(ItemKind::Child, i);
+    return index == MarkupTree::kNone ? MarkupNode() : MarkupNode(m_tree, index);
+}
+
+std::u16string MarkupNode::text(qsizetype i) const
+{
+    const quint32 index = find(ItemKind::Text, i);
+    return index == MarkupTree::kNone ? std::u16string() : decoded(m_tree->raw(index));
+}
+
+std::u16string MarkupNode::clear(qsizetype i) const
+{
+    const quint32 index = find(ItemKind::Clear, i);
+    return index == MarkupTree::kNone ? std::u16string() : decoded(m_tree->raw(index));
+}
+
+MarkupNode::Attribute MarkupNode::attribute(qsizetype i) const
+{
+    const quint32 index = find(ItemKind::Attribute, i);
+    if (index == MarkupTree::kNone) {
+        return {};
+    }
+    return {decoded(m_tree->raw(index)), decoded(m_tree->value(m_tree->item(index)))};
+}
+
+MarkupTreeBuilder::MarkupTreeBuilder() = default;
+
+void MarkupTreeBuilder::begin(MarkupTokenizer &tokenizer)
+{
+    m_tokenizer = &tokenizer;
+    m_tree.m_tokenizer = &tokenizer;
+    m_xml = tokenizer.asXml();
+    m_tooLarge = false;
+    m_tree.m_size = 0;
+    if (m_tree.m_capacity == 0) {
+        reserve(static_cast<size_t>(m_blockBytes) / sizeof(TreeItem) + 1);
+    }
+    m_tree.m_items[m_tree.m_size++] = {};
+    m_tree.m_hint = {};
+    m_current = 0;
+    m_depth = 0;
+    tokenizer.pin();
+}
+
+void MarkupTreeBuilder::reserve(size_t capacity)
+{
+    std::unique_ptr<TreeItem[]> larger(new TreeItem[capacity]);
+    std::copy_n(m_tree.m_items.get(), m_tree.m_size, larger.get());
+    m_tree.m_items = std::move(larger);
+    m_tree.m_capacity = capacity;
+}
+
+/// Room for one more item; false when that would make the tree too large.
+bool MarkupTreeBuilder::grow()
+{
+    m_tooLarge =
+        (m_tree.m_size + 1) * sizeof(TreeItem) > static_cast<size_t>(limits::kTreeArenaBytes);
+    if (!m_tooLarge) {
+        reserve(m_tree.m_size * 2 + static_cast<size_t>(m_growthBytes) / sizeof(TreeItem));
+    }
+    return !m_tooLarge;
+}
+
+/// Append an item with the text at `text`; null when that would make the tree too large.
+inline TreeItem *MarkupTreeBuilder::push(ItemKind kind, TextSpan text)
+{
+    if (m_tree.m_size == m_tree.m_capacity && !grow()) {
+        return nullptr;
+    }
+    TreeItem &item = m_tree.m_items[m_tree.m_size++];
+    item = {};
+    item.text = text;
+    item.next = static_cast<quint32>(m_tree.m_size);
+    item.parent = m_current;
+    item.kind = kind;
+    if (kind != ItemKind::Instruction) {
+        ++m_tree.m_items[m_current].counts[static_cast<size_t>(kind)];
+    }
+    return &item;
+}
+
+inline bool MarkupTreeBuilder::addAttributes(size_t pinned)
+{
+    for (const XMLTokenizer::Attribute &attribute : m_xml->attributes()) {
+        TreeItem *const item = push(ItemKind::Attribute, attribute.name.movedBy(pinned));
+        if (item == nullptr) {
+            return false;
+        }
+        item->value = attribute.value.movedBy(pinned);
+    }
+    return true;
+}
+
+bool MarkupTreeBuilder::add(Token token)
+{
+    if (token == Token::End) {
+        TreeItem &ended = m_tree.m_items[m_current];
+        ended.next = static_cast<quint32>(m_tree.m_size);
+        m_current = ended.parent;
+        --m_depth;
+        return true;
+    }
+    const size_t pinned = m_tokenizer->pinnedOffset();
+    const TextSpan text = m_tokenizer->textSpan().movedBy(pinned);
+    TreeItem *item = nullptr;
+    switch (token) {
+    case Token::Start:
+        item = push(ItemKind::Child, text);
+        m_current = static_cast<quint32>(m_tree.m_size - 1);
+        ++m_depth;
+        return item != nullptr && (m_xml == nullptr || addAttributes(pinned));
+    case Token::Text:
+        return push(ItemKind::Text, text) != nullptr;
+    case Token::Clear:
+        item = push(ItemKind::Clear, text);
+        if (item != nullptr) {
+            item->clearKind = m_xml->clearKind();
+        }
+        return item != nullptr;
+    case Token::Instruction:
+        return push(ItemKind::Instruction, text) != nullptr;
+    default:
+        return true;
+    }
+}
+
+bool MarkupTreeBuilder::addLeaves()
+{
+    MarkupTokenizer::Leaf leaf;
+    while (m_tokenizer->takeLeaf(&leaf)) {
+        const size_t pinned = m_tokenizer->pinnedOffset();
+        TreeItem *const item = push(ItemKind::Child, leaf.name.movedBy(pinned));
+        if (item == nullptr) {
+            return false;
+        }
+        if (leaf.hasText) {
+            const quint32 around = m_current;
+            m_current = static_cast<quint32>(m_tree.m_size - 1);
+            const bool isAdded = push(ItemKind::Text, leaf.text.movedBy(pinned)) != nullptr;
+            m_tree.m_items[m_current].next = static_cast<quint32>(m_tree.m_size);
+            m_current = around;
+            if (!isAdded) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+const MarkupTree &MarkupTreeBuilder::tree()
+{
+    // What is still open ends, for the time being, where the tree ends.
+    for (quint32 open = m_current;; open = m_tree.m_items[open].parent) {
+        m_tree.m_items[open].next = static_cast<quint32>(m_tree.m_size);
+        if (open == 0) {
+            break;
+        }
+    }
+    m_tree.m_bytes = m_tokenizer->pinnedBytes();
+    return m_tree;
+}
+
+/// Add tokens until the piece that was asked for is complete; the token that ended it.
+Token MarkupTreeBuilder::pull(bool nextElement)
+{
+    bool inDocument = false;
+    for (;;) {
+        const Token token = m_tokenizer->nextToken();
+        inDocument = inDocument || token == Token::DocumentStart;
+        const bool closesParent = token == Token::End && m_depth == 0;
+        if (token == Token::EndOfData || token == Token::Error || token == Token::DocumentEnd ||
+            closesParent || !add(token)) {
+            return token;
+        }
+        if (token == Token::End && m_depth == 0 && (nextElement || !inDocument)) {
+            return token;
+        }
+    }
+}
+
+MarkupNode MarkupTreeBuilder::parseNext(MarkupTokenizer &tokenizer, MarkupResult &result,
+                                        bool nextElement)
+{
+    begin(tokenizer);
+    tokenizer.setDocumentMarks(!nextElement);
+    const Token last = pull(nextElement);
+    const MarkupNode node = finish(result, last);
+    tokenizer.unpin();
+    return node;
+}
+
+MarkupNode MarkupTreeBuilder::finish(MarkupResult &result, Token last)
+{
+    result.error = m_tooLarge ? MarkupError::TreeTooLarge : m_tokenizer->errorCode();
+    result.line = m_tokenizer->line();
+    result.column = m_tokenizer->column();
+    if (last == Token::EndOfData && m_depth > 0 && result.error == MarkupError::None) {
+        result.error = MarkupError::UnmatchedEndTag;
+    }
+    const MarkupNode root = tree().root();
+    if (root.childCount() == 0) {
+        result.error = result.error == MarkupError::None ? MarkupError::NoTagFound : result.error;
+        return {};
+    }
+    const bool isSingle = root.childCount() == 1 && root.elementCount() == 1;
+    return m_returnSingleChild && isSingle ? root.child(0) : root;
+}
+
+} // namespace corvanta::markup
