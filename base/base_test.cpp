@@ -154,6 +154,11 @@ TEST(Utf, SurvivesEveryPlaneAndEveryBrokenSequence)
     std::array<char16_t, 4> latin1{};
     ASSERT_EQ(utf8OrLatin1ToUtf16("\xE9\xC3\xA9z", 4, latin1.data()), 3);
     EXPECT_EQ(std::u16string_view(latin1.data(), 3), u"\u00e9\u00e9z");
+    Utf8Stop stop = Utf8Stop::Invalid;
+    EXPECT_EQ(wellFormedUtf8("a\u20ac\xF4\x8F\xBF", 7, &stop), 4);
+    EXPECT_EQ(stop, Utf8Stop::Truncated);
+    EXPECT_EQ(wellFormedUtf8("a\u20ac\xF4\x90\x80", 7, &stop), 4); // beyond the last code point
+    EXPECT_EQ(stop, Utf8Stop::Invalid);
     const char16_t lone[] = {0xD800, u'x', 0xDC00};
     std::array<char, 9> out{};
     EXPECT_EQ(QByteArray(out.data(), utf16ToUtf8(lone, 3, out.data())),

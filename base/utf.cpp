@@ -1,12 +1,22 @@
+// Sequences of UTF-8 (RFC 3629; well-formed ones: The Unicode Standard, table 3-7):
+//
+//     code points        bytes
+//     0000 ..   007F     0xxxxxxx
+//     0080 ..   07FF     110xxxxx 10xxxxxx             lead C2 .. DF
+//     0800 ..   FFFF     1110xxxx 10xxxxxx 10xxxxxx    without D800 .. DFFF
+//    10000 .. 10FFFF     11110xxx 10xxxxxx 10xxxxxx 10xxxxxx
 #include "base/utf.h"
 
-#include <emmintrin.h>
+#include <QChar>
+
+#include <algorithm>
+#include <array>
 
 namespace corvanta {
 
 namespace {
 
-constexpr char16_t kReplacement = 0xFFFD;
+constexpr qsizetype kMaxSequence = 4;
 
 bool isContinuation(uchar byte)
 {
@@ -33,9 +43,26 @@ qsizetype narrowAscii(const char16_t *in, qsizetype n, char *out)
     return i;
 }
 
-/// Decode one multi-byte sequence (Unicode standard, table 3-7); returns the bytes it takes, 0 when
-/// it is ill-formed.
-int decodeSequence(const uchar *in, qsizetype n, char32_t *codePoint)
+/// Bytes of ASCII at the start of `in`.
+qsizetype countAscii(const char *in, qsizetype n)
+{
+    qsizetype i = 0;
+    for (; i + 16 <= n; i += 16) {
+        const int mask =
+            _mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + i)));
+        if (mask != 0) {
+            return i + __builtin_ctz(static_cast<unsigned>(mask));
+        }
+    }
+    while (i < n && static_cast<uchar>(in[i]) < 0x80) {
+        ++i;
+    }
+    return i;
+}
+
+/// Decode one multi-byte sequence; returns its size in bytes, 0 when it is ill-formed or truncated.
+/// (A count and not a Result: this runs for every character that is not ASCII.)
+inline int decodeSequence(const uchar *in, qsizetype n, char32_t *codePoint)
 {
     const uchar lead = in[0];
     if (lead >= 0xC2 && lead <= 0xDF && n >= 2 && isContinuation(in[1])) {
@@ -45,42 +72,32 @@ int decodeSequence(const uchar *in, qsizetype n, char32_t *codePoint)
     if ((lead & 0xF0) == 0xE0 && n >= 3 && isContinuation(in[1]) && isContinuation(in[2])) {
         *codePoint =
             static_cast<char32_t>((lead & 0x0F) << 12 | (in[1] & 0x3F) << 6 | (in[2] & 0x3F));
-        const bool surrogate = *codePoint >= 0xD800 && *codePoint <= 0xDFFF;
-        return *codePoint < 0x800 || surrogate ? 0 : 3;
+        return *codePoint < 0x800 || QChar::isSurrogate(*codePoint) ? 0 : 3;
     }
     if (lead >= 0xF0 && lead <= 0xF4 && n >= 4 && isContinuation(in[1]) && isContinuation(in[2]) &&
         isContinuation(in[3])) {
         *codePoint = static_cast<char32_t>((lead & 0x07) << 18 | (in[1] & 0x3F) << 12 |
                                            (in[2] & 0x3F) << 6 | (in[3] & 0x3F));
-        return *codePoint < 0x10000 || *codePoint > 0x10FFFF ? 0 : 4;
+        return *codePoint < 0x10000 || *codePoint > QChar::LastValidCodePoint ? 0 : 4;
     }
     return 0;
 }
 
-} // namespace
-
-qsizetype asciiToUtf16(const char *in, qsizetype n, char16_t *out)
+/// Whether bytes that follow could complete the sequence at `in`. The lowest and the highest
+/// continuation bytes decide: a second byte that is too low or too high fails with both.
+bool isTruncated(const uchar *in, qsizetype n)
 {
-    const __m128i zero = _mm_setzero_si128();
-    qsizetype i = 0;
-    for (; i + 16 <= n; i += 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(in + i));
-        const int mask = _mm_movemask_epi8(bytes);
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + i), _mm_unpacklo_epi8(bytes, zero));
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + i + 8), _mm_unpackhi_epi8(bytes, zero));
-        if (mask != 0) {
-            return i + __builtin_ctz(static_cast<unsigned>(mask));
-        }
-    }
-    for (; i < n && static_cast<uchar>(in[i]) < 0x80; ++i) {
-        out[i] = static_cast<uchar>(in[i]);
-    }
-    return i;
+    const auto isCompletedBy = [&](uchar continuation) {
+        std::array<uchar, kMaxSequence> whole{};
+        whole.fill(continuation);
+        std::copy_n(in, n, whole.begin());
+        char32_t codePoint = 0;
+        return decodeSequence(whole.data(), kMaxSequence, &codePoint) > n;
+    };
+    return n < kMaxSequence && (isCompletedBy(0x80) || isCompletedBy(0xBF));
 }
 
-namespace {
-
-enum class IllFormed { Replace, TakeAsLatin1 };
+enum class IllFormed { Replace, ReadAsLatin1 };
 
 template <IllFormed kIllFormed> qsizetype convertUtf8(const char *in, qsizetype n, char16_t *out)
 {
@@ -92,14 +109,14 @@ template <IllFormed kIllFormed> qsizetype convertUtf8(const char *in, qsizetype 
         out += ascii;
         // Text outside ASCII comes in runs: stay here until the next ASCII byte.
         while (i < n && bytes[i] >= 0x80) {
-            char32_t codePoint = kReplacement;
+            char32_t codePoint = kReplacementCharacter;
             const int taken = decodeSequence(bytes + i, n - i, &codePoint);
             if (codePoint >= 0x10000 && taken != 0) {
-                *out++ = static_cast<char16_t>(0xD7C0 + (codePoint >> 10));
-                *out++ = static_cast<char16_t>(0xDC00 | (codePoint & 0x3FF));
+                *out++ = QChar::highSurrogate(codePoint);
+                *out++ = QChar::lowSurrogate(codePoint);
             } else {
                 constexpr bool kReplaces = kIllFormed == IllFormed::Replace;
-                const char16_t instead = kReplaces ? kReplacement : bytes[i];
+                const char16_t instead = kReplaces ? kReplacementCharacter : bytes[i];
                 *out++ = taken != 0 ? static_cast<char16_t>(codePoint) : instead;
             }
             i += taken != 0 ? taken : 1;
@@ -110,6 +127,21 @@ template <IllFormed kIllFormed> qsizetype convertUtf8(const char *in, qsizetype 
 
 } // namespace
 
+qsizetype asciiToUtf16(const char *in, qsizetype n, char16_t *out)
+{
+    qsizetype i = 0;
+    for (; i + kWidenBlock <= n; i += kWidenBlock) {
+        const quint32 mask = widenBlock(in + i, out + i);
+        if (mask != 0) {
+            return i + __builtin_ctz(mask);
+        }
+    }
+    for (; i < n && static_cast<uchar>(in[i]) < 0x80; ++i) {
+        out[i] = static_cast<uchar>(in[i]);
+    }
+    return i;
+}
+
 qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out)
 {
     return convertUtf8<IllFormed::Replace>(in, n, out);
@@ -117,7 +149,7 @@ qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out)
 
 qsizetype utf8OrLatin1ToUtf16(const char *in, qsizetype n, char16_t *out)
 {
-    return convertUtf8<IllFormed::TakeAsLatin1>(in, n, out);
+    return convertUtf8<IllFormed::ReadAsLatin1>(in, n, out);
 }
 
 qsizetype utf16ToUtf8(const char16_t *in, qsizetype n, char *out)
@@ -128,30 +160,38 @@ qsizetype utf16ToUtf8(const char16_t *in, qsizetype n, char *out)
         i += ascii;
         out += ascii;
         while (i < n && in[i] >= 0x80) {
-            char32_t unit = in[i++];
-            if (unit < 0x800) {
-                *out++ = static_cast<char>(0xC0 | unit >> 6);
-                *out++ = static_cast<char>(0x80 | (unit & 0x3F));
-                continue;
+            char32_t c = in[i++];
+            if (QChar::isSurrogate(c)) {
+                const bool isPair = QChar::isHighSurrogate(c) && i < n && //
+                                    QChar::isLowSurrogate(in[i]);
+                c = isPair ? QChar::surrogateToUcs4(static_cast<char16_t>(c), in[i])
+                           : kReplacementCharacter;
+                i += isPair ? 1 : 0;
             }
-            if ((unit & 0xF800) == 0xD800) {
-                const bool pair = unit < 0xDC00 && i < n && (in[i] & 0xFC00) == 0xDC00;
-                if (pair) {
-                    unit = 0x10000 + ((unit & 0x3FF) << 10) + (in[i++] & 0x3FFU);
-                    *out++ = static_cast<char>(0xF0 | unit >> 18);
-                    *out++ = static_cast<char>(0x80 | (unit >> 12 & 0x3F));
-                    *out++ = static_cast<char>(0x80 | (unit >> 6 & 0x3F));
-                    *out++ = static_cast<char>(0x80 | (unit & 0x3F));
-                    continue;
-                }
-                unit = kReplacement;
-            }
-            *out++ = static_cast<char>(0xE0 | unit >> 12);
-            *out++ = static_cast<char>(0x80 | (unit >> 6 & 0x3F));
-            *out++ = static_cast<char>(0x80 | (unit & 0x3F));
+            out = putUtf8(c, out);
         }
     }
     return out - begin;
+}
+
+qsizetype wellFormedUtf8(const char *in, qsizetype n, Utf8Stop *stop)
+{
+    const auto *const bytes = reinterpret_cast<const uchar *>(in);
+    qsizetype i = 0;
+    while (i < n) {
+        i += countAscii(in + i, n - i);
+        while (i < n && bytes[i] >= 0x80) {
+            char32_t codePoint = 0;
+            const int taken = decodeSequence(bytes + i, n - i, &codePoint);
+            if (taken == 0) {
+                *stop = isTruncated(bytes + i, n - i) ? Utf8Stop::Truncated : Utf8Stop::Invalid;
+                return i;
+            }
+            i += taken;
+        }
+    }
+    *stop = Utf8Stop::End;
+    return i;
 }
 
 } // namespace corvanta
