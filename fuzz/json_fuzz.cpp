@@ -1,5 +1,4 @@
-// fuzz/json_fuzz.cpp
-// Any bytes as JSON: the tokens and the rows are the same for all buffer sizes and reads.
+// Reads any bytes as JSON: tokens and rows must not depend on the sizes of buffer and reads.
 #include "fuzz/markup_property.h"
 
 using namespace corvanta;

@@ -1,5 +1,5 @@
-// fuzz/markup_property.h
-// What must hold for any bytes that are read as JSON or XML.
+// Checks what must be true for any bytes that are read as JSON or XML: tokens, levels and rows do
+// not depend on the sizes of buffer and reads.
 #pragma once
 #include "base/cell.h"
 #include "codecs/markup/levels/level_extractor.h"
@@ -10,7 +10,8 @@
 
 namespace corvanta::markup {
 
-/// `make(source, bufferChars)` makes the tokenizer.
+/// Abort when a result depends on a size. make(source, bufferChars) creates the tokenizer;
+/// `pieceBytes` limits each read.
 template <class Make>
 void checkMarkup(const Make &make, QByteArrayView bytes, qint64 pieceBytes, bool balanced,
                  const ExtractOptions &options)

@@ -5,6 +5,7 @@
 #include "plugin/catalogue.h"
 
 #include <algorithm>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -171,8 +172,9 @@ markup::MarkupTokenizer *ActionReadJSON::beginDocument(ByteSource &source, const
         m_run->setBlockSize(std::min(bufferBytes(), limits::kTreeArenaBytes));
     }
     if (isFromPin()) {
-        // PinText delivers UTF-8: there is nothing to guess.
-        m_tokenizer->setEncoding(markup::CharMode::Utf8, QByteArray(), markup::InvalidBytes::Fail);
+        // PinText delivers UTF-8: there is nothing to guess. The first token reports a failure.
+        std::ignore = m_tokenizer->setEncoding(markup::CharMode::Utf8, QByteArray(),
+                                               markup::InvalidBytes::Fail);
     }
     return m_tokenizer.get();
 }

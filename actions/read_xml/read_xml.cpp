@@ -7,6 +7,7 @@
 #include "plugin/catalogue.h"
 
 #include <algorithm>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -188,20 +189,22 @@ bool ActionReadXML::chooseEncoding(XMLTokenizer &tokenizer, const QString &name)
     using markup::InvalidBytes;
     if (isFromPin()) {
         // PinText delivers UTF-8, whatever encoding the text declares.
-        tokenizer.setEncoding(markup::CharMode::Utf8, QByteArray(), InvalidBytes::Fail);
+        std::ignore =
+            tokenizer.setEncoding(markup::CharMode::Utf8, QByteArray(), InvalidBytes::Fail);
         return true;
     }
-    QByteArrayView first;
-    tokenizer.peek(&first);
+    // The first token reports a source that cannot be read.
+    const auto first = tokenizer.peek();
     QByteArray encoding =
-        markup::chooseEncoding(first, expandString(m_params.encoding).trimmed().toUtf8());
+        markup::chooseEncoding(first ? *first : QByteArrayView(),
+                               expandString(m_params.encoding).trimmed().toUtf8());
     if (encoding.compare("system", Qt::CaseInsensitive) == 0) {
         encoding = currentACPName().toUtf8();
     }
-    const MarkupError error = tokenizer.setEncoding(
+    const auto set = tokenizer.setEncoding(
         markup::encodingCode(encoding), encoding,
         m_params.iconvDiscardUnconvertible ? InvalidBytes::Discard : InvalidBytes::Fail);
-    if (error == MarkupError::CannotConvert) {
+    if (!set && set.fault().code == MarkupError::CannotConvert) {
         return fail(u"Invalid character encoding (%1) for file '%2'."_s.arg(
             QString::fromUtf8(encoding), name));
     }

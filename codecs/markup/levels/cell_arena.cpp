@@ -1,8 +1,12 @@
+// A text cell, as it is built: room for the longest possible text is allocated, the text is decoded
+// to its end, and the length code is written before it.
+//
+//     |<- unused, if the code is short ->| length code | UTF-16 units | returned to the arena |
+//                                        ^ the cell                   (text.size - units, slack)
 #include "codecs/markup/levels/cell_arena.h"
 
 #include "base/cell.h"
-
-#include <emmintrin.h>
+#include "base/utf.h"
 
 #include <algorithm>
 #include <cstring>
@@ -12,24 +16,15 @@ namespace corvanta::markup {
 namespace {
 
 constexpr qsizetype kBlockBytes = 64 * 1024;
-/// A short text is widened as one block of this many bytes; the cell needs room for all of it.
-constexpr quint32 kShortBytes = 16;
-static_assert(kShortBytes <= kReadAhead);
-constexpr int kSlackBytes = 2 * kShortBytes;
+/// A text up to one block is widened as a whole block, so the allocation needs room for it.
+static_assert(kWidenBlock <= qsizetype(kReadAhead));
+constexpr int kSlackBytes = 2 * kWidenBlock;
 
-/// Widen up to kShortBytes bytes of ASCII; false when there is something else among them. The
-/// tokenizer's buffer may be read, and `out` written, for the whole block.
+/// Widen up to kWidenBlock bytes of ASCII; false when there are other bytes among them. Reads a
+/// whole block at `in` and writes one to `out`.
 bool widenShort(const char *in, quint32 n, char16_t *out)
 {
-    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(in));
-    const auto high = static_cast<quint32>(_mm_movemask_epi8(bytes));
-    if ((high & ((1U << n) - 1)) != 0) {
-        return false;
-    }
-    const __m128i zero = _mm_setzero_si128();
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(out), _mm_unpacklo_epi8(bytes, zero));
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(out + 8), _mm_unpackhi_epi8(bytes, zero));
-    return true;
+    return (widenBlock(in, out) & ((1U << n) - 1)) == 0;
 }
 
 } // namespace
@@ -50,7 +45,7 @@ void BlockArena::reset()
 
 uchar *BlockArena::alloc(int n)
 {
-    // One byte more, to place odd cells.
+    // One byte more, to align the address.
     if (m_next == nullptr || m_end - m_next < qsizetype(n) + 1) {
         size_t block = m_next == nullptr ? 0 : m_block + 1;
         while (block < m_blocks.size() && m_blocks[block].size <= n) {
@@ -74,13 +69,13 @@ const uchar *textCell(CellArena &arena, const RawText &text)
     const int lengthBytes = cell::lengthBytes(cell::codeOfText(n));
     uchar *const bytes = arena.alloc(lengthBytes + 2 * n + kSlackBytes);
     auto *const units = reinterpret_cast<char16_t *>(bytes + lengthBytes);
-    const bool isShort = text.size <= kShortBytes && text.form == TextForm::Plain;
+    const bool isShort = text.size <= kWidenBlock && text.form == TextForm::Plain;
     const qsizetype count =
         isShort && widenShort(text.data, text.size, units) ? n : decode(text, units);
     arena.shrinkLast(kSlackBytes + static_cast<int>(2 * (n - count)));
     const quint32 code = cell::codeOfText(count);
     const int usedLengthBytes = cell::lengthBytes(code);
-    // A cell whose code turns out shorter starts later: the units keep their place.
+    // A cell with a shorter code starts later: the units are not moved.
     uchar *const begin = bytes + (lengthBytes - usedLengthBytes);
     cell::putLength(begin, code, usedLengthBytes);
     return begin;

@@ -1,5 +1,4 @@
-// codecs/markup/levels/cell_arena.h
-// Where text cells are built: memory that the caller lends, or an arena of our own.
+// Builds text cells in memory that the caller provides, or in an arena.
 #pragma once
 #include "codecs/markup/text/raw_text.h"
 
@@ -11,7 +10,7 @@
 
 namespace corvanta::markup {
 
-/// Room for cells. Threads: one at a time.
+/// Memory for cells. Threads: one at a time.
 class CellArena
 {
 public:
@@ -20,19 +19,20 @@ public:
     CellArena &operator=(const CellArena &) = delete;
     virtual ~CellArena() = default;
 
-    /// Room for `n` bytes; an odd number starts at an odd address, so that the units of a text cell
-    /// are aligned. Throws std::bad_alloc.
+    /// Allocate `n` bytes. The address is odd if `n` is odd, so that the units of a text cell,
+    /// which are at its end, are aligned. Throws std::bad_alloc.
     virtual uchar *alloc(int n) = 0;
-    /// Give back the last `n` bytes of the last allocation.
+    /// Return the last `n` bytes of the last allocation.
     virtual void shrinkLast(int n) = 0;
 };
 
-/// Memory of its own, used again after reset().
+/// Owns its memory, which reset() makes available again.
 class BlockArena final : public CellArena
 {
 public:
     uchar *alloc(int n) override;
     void shrinkLast(int n) override { m_next -= n; }
+    /// Invalidate all cells and reuse their memory.
     void reset();
 
 private:
@@ -49,10 +49,10 @@ private:
     uchar *m_end = nullptr;
 };
 
-/// A text cell (base/cell.h) of a piece of a tokenizer's buffer; `text.size` is at most
-/// kTextCellUnits.
+/// Build a text cell (base/cell.h) from undecoded text; `text.size` is at most
+/// limits::kTextCellUnits. The cell is in `arena`.
 const uchar *textCell(CellArena &arena, const RawText &text);
-/// A text cell of UTF-16 units, at most kTextCellUnits.
+/// Build a text cell from UTF-16 units, at most limits::kTextCellUnits.
 const uchar *textCell(CellArena &arena, std::u16string_view units);
 
 } // namespace corvanta::markup

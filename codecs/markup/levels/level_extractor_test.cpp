@@ -213,7 +213,7 @@ TEST(LevelExtractor, ShowsWhatTheOptionsAskFor)
         MemorySource source(xml, 1);
         XMLTokenizer tokenizer(source, 0);
         tokenizer.setOptions({options.text.html, true, false, false});
-        tokenizer.setEncoding(CharMode::Utf8, QByteArray(), InvalidBytes::Fail);
+        EXPECT_TRUE(tokenizer.setEncoding(CharMode::Utf8, {}, InvalidBytes::Fail));
         LevelExtractor extractor(levelsOf({u"l||,b"_s}), options);
         return extract(extractor, tokenizer).toStdString();
     };

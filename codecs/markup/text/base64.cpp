@@ -1,3 +1,10 @@
+// Four characters of six bits make three bytes, the first character in the highest bits:
+//
+//     character   0        1        2        3
+//     bits        aaaaaa   aabbbb   bbbbcc   cccccc
+//     byte        a        b        c
+//
+// The last group may have two characters (one byte) or three (two bytes), padded with "=".
 #include "codecs/markup/text/base64.h"
 
 #include <array>
@@ -9,7 +16,7 @@ namespace {
 constexpr std::string_view kAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr qint8 kIllegal = -1;
-constexpr qint8 kSkipped = -2;
+constexpr qint8 kSkipped = -2; // spaces and line breaks
 
 constexpr std::array<qint8, 128> decodeTable()
 {
@@ -33,45 +40,43 @@ QByteArray encodeBase64(QByteArrayView bytes)
     return QByteArray::fromRawData(bytes.data(), bytes.size()).toBase64();
 }
 
-Base64Result decodeBase64(std::u16string_view text, std::span<char> out)
+Result<DecodedBase64, MarkupError> decodeBase64(std::u16string_view text, std::span<char> out)
 {
-    Base64Result result;
+    DecodedBase64 decoded;
     quint32 bits = 0;
     int held = 0; // characters of the open group of four
     qsizetype characters = 0;
-    bool padded = false;
+    bool isPadded = false;
     for (const char16_t c : text) {
         const qint8 value = c < kValues.size() ? kValues[c] : kIllegal;
         if (value == kSkipped) {
             continue;
         }
         ++characters;
-        padded = padded || c == u'=';
-        if (padded && c == u'=') {
+        isPadded = isPadded || c == u'=';
+        if (c == u'=') {
             continue;
         }
-        if (value == kIllegal || padded) { // what follows the padding is no data
-            result.code = MarkupError::Base64IllegalCharacter;
-            return result;
+        if (value == kIllegal || isPadded) { // data must not follow the padding
+            return Fault{MarkupError::Base64IllegalCharacter, {}, decoded.size};
         }
         bits = bits << 6 | static_cast<quint32>(value);
         held = held % 4 + 1;
         if (held == 1) {
             continue;
         }
-        if (result.size == static_cast<qsizetype>(out.size())) {
-            result.code = MarkupError::Base64BufferTooSmall;
-            return result;
+        if (decoded.size == static_cast<qsizetype>(out.size())) {
+            return Fault{MarkupError::Base64BufferTooSmall, {}, decoded.size};
         }
         // The second, third and fourth character of a group each complete a byte.
-        out[static_cast<size_t>(result.size++)] = static_cast<char>(bits >> (8 - 2 * held));
+        out[static_cast<size_t>(decoded.size++)] = static_cast<char>(bits >> (8 - 2 * held));
     }
     if (held == 1) {
-        result.code = MarkupError::Base64TruncatedWarning;
+        decoded.warning = MarkupError::Base64TruncatedWarning;
     } else if (characters % 4 != 0) {
-        result.code = MarkupError::Base64LengthWarning;
+        decoded.warning = MarkupError::Base64LengthWarning;
     }
-    return result;
+    return decoded;
 }
 
 } // namespace corvanta::markup

@@ -1,28 +1,29 @@
-// codecs/markup/text/base64.h
-// Base64 with the standard alphabet of RFC 4648, section 4.
+// Encodes and decodes Base64 with the standard alphabet (RFC 4648, section 4).
 #pragma once
+#include "base/result.h"
 #include "codecs/markup/text/error.h"
 
 #include <QByteArray>
 
+#include <optional>
 #include <span>
 #include <string_view>
 
 namespace corvanta::markup {
 
-/// Bytes as Base64 text, padded with "=", without line breaks.
+/// Encode `bytes`; the text is padded with "=" and has no line breaks.
 QByteArray encodeBase64(QByteArrayView bytes);
 
-/// What decoding `text` gave. `code` is None, a warning (the bytes are usable) or an error.
-struct Base64Result
+/// Result of decodeBase64() for data that is usable.
+struct DecodedBase64
 {
-    MarkupError code = MarkupError::None;
-    qsizetype size = 0; ///< bytes written
+    qsizetype size = 0;                 ///< bytes written
+    std::optional<MarkupError> warning; ///< Base64TruncatedWarning: a single character is left
+                                        ///< over; Base64LengthWarning: the padding is missing
 };
 
-/// Decode `text` into `out`. Blanks and line breaks are skipped; "=" ends the data.
-/// Codes: Base64IllegalCharacter, Base64BufferTooSmall; Base64TruncatedWarning when a single
-/// character is left over, Base64LengthWarning when the padding is missing.
-Base64Result decodeBase64(std::u16string_view text, std::span<char> out);
+/// Decode `text` into `out`. Skips spaces and line breaks; "=" ends the data. Errors (their offset
+/// is the number of bytes written before): Base64IllegalCharacter, Base64BufferTooSmall.
+Result<DecodedBase64, MarkupError> decodeBase64(std::u16string_view text, std::span<char> out);
 
 } // namespace corvanta::markup

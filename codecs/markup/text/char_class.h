@@ -1,5 +1,4 @@
-// codecs/markup/text/char_class.h
-// The table that classifies the characters below 256, and the sets that JSON numbers are made of.
+// Classifies single bytes with a table: spaces, name characters, characters of JSON numbers.
 #pragma once
 #include <QtGlobal>
 
@@ -8,13 +7,16 @@
 
 namespace corvanta::markup {
 
+/// Classes of bytes. Names consist of the classes from Digit to NonAscii. End is the NUL that
+/// follows the data in a tokenizer's buffer.
 enum class CharClass : quint8 { Other, End, Space, Digit, Letter, NamePunctuation, NonAscii };
 
 namespace charset {
 
 inline constexpr quint8 kClassMask = 0x07;
-inline constexpr quint8 kNumber = 0x08;     ///< may stand in a JSON number
-inline constexpr quint8 kPermissive = 0x10; ///< may stand in a value with permissiveNumbers
+inline constexpr quint8 kNumber = 0x08; ///< set: characters of a JSON number
+inline constexpr quint8 kPermissive =
+    0x10; ///< set: characters of an unquoted value with permissiveNumbers
 
 constexpr CharClass classOf(int c)
 {
@@ -40,6 +42,7 @@ constexpr CharClass classOf(int c)
                                                               : CharClass::Other;
 }
 
+/// Low bits: the class of each byte; kNumber and kPermissive: whether it is in these sets.
 constexpr std::array<quint8, 256> makeTable()
 {
     constexpr std::string_view kNumberChars = ".Ee+-0123456789";
@@ -62,18 +65,22 @@ inline constexpr std::array<quint8, 256> kTable = makeTable();
 
 } // namespace charset
 
+/// The class of a byte.
 inline CharClass charClass(char c)
 {
     return static_cast<CharClass>(charset::kTable[static_cast<uchar>(c)] & charset::kClassMask);
 }
+/// True for space, tab, CR and LF.
 inline bool isSpace(char c)
 {
     return charClass(c) == CharClass::Space;
 }
+/// True for letters, digits, "-", ".", ":", "_" and every byte of a character beyond ASCII.
 inline bool isNameChar(char c)
 {
     return charClass(c) >= CharClass::Digit;
 }
+/// True when `c` is in `set`: charset::kNumber or charset::kPermissive.
 inline bool isIn(char c, quint8 set)
 {
     return (charset::kTable[static_cast<uchar>(c)] & set) != 0;

@@ -1,8 +1,18 @@
+// Byte order marks (The Unicode Standard, section 23.8) and units of the encodings that are
+// converted here; all others are iconv's:
+//
+//     encoding    mark         one character
+//     UTF-8       EF BB BF     1 to 4 bytes
+//     UTF-16LE    FF FE        2 bytes, low byte first; beyond U+FFFF two units (surrogates)
+//     UTF-16BE    FE FF        the same, high byte first
+//     UTF-32LE    FF FE 00 00  4 bytes, low byte first
+//     UTF-32BE    00 00 FE FF  4 bytes, high byte first
 #include "codecs/markup/text/char_source.h"
 
 #include "base/bytes.h"
+#include "base/utf.h"
 
-#include <emmintrin.h>
+#include <QChar>
 
 #include <algorithm>
 #include <cerrno>
@@ -10,97 +20,6 @@
 namespace corvanta::markup {
 
 namespace {
-
-constexpr char32_t kReplacement = 0xFFFD;
-
-bool isContinuation(uchar byte)
-{
-    return (byte & 0xC0) == 0x80;
-}
-
-/// Bytes of ASCII at the front of `in`.
-qsizetype asciiPrefix(const char *in, qsizetype n)
-{
-    qsizetype i = 0;
-    for (; i + 16 <= n; i += 16) {
-        const int mask =
-            _mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + i)));
-        if (mask != 0) {
-            return i + __builtin_ctz(static_cast<unsigned>(mask));
-        }
-    }
-    while (i < n && static_cast<uchar>(in[i]) < 0x80) {
-        ++i;
-    }
-    return i;
-}
-
-enum class Sequence : quint8 { Good, Cut, Bad };
-
-/// Look at one sequence that does not begin with ASCII (Unicode standard, table 3-7). `*length` is
-/// what a good one takes.
-Sequence checkSequence(const uchar *in, qsizetype n, int *length)
-{
-    const uchar lead = in[0];
-    if (lead < 0xC2 || lead > 0xF4) {
-        return Sequence::Bad;
-    }
-    *length = lead < 0xE0 ? 2 : (lead < 0xF0 ? 3 : 4);
-    if (n >= 2) {
-        const uchar second = in[1];
-        const bool tooLow = (lead == 0xE0 && second < 0xA0) || (lead == 0xF0 && second < 0x90);
-        const bool tooHigh = (lead == 0xED && second > 0x9F) || (lead == 0xF4 && second > 0x8F);
-        if (!isContinuation(second) || tooLow || tooHigh) {
-            return Sequence::Bad;
-        }
-    }
-    for (int i = 2; i < *length && i < n; ++i) {
-        if (!isContinuation(in[i])) {
-            return Sequence::Bad;
-        }
-    }
-    return n < *length ? Sequence::Cut : Sequence::Good;
-}
-
-/// Bytes at the front of `in` that are whole characters; `*stop` says what comes then.
-qsizetype wellFormedPrefix(const char *in, qsizetype n, Sequence *stop)
-{
-    const auto *const bytes = reinterpret_cast<const uchar *>(in);
-    *stop = Sequence::Good;
-    qsizetype i = 0;
-    while (i < n) {
-        i += asciiPrefix(in + i, n - i);
-        while (i < n && bytes[i] >= 0x80) {
-            int length = 0;
-            *stop = checkSequence(bytes + i, n - i, &length);
-            if (*stop != Sequence::Good) {
-                return i;
-            }
-            i += length;
-        }
-    }
-    return i;
-}
-
-char *putUtf8(char32_t c, char *out)
-{
-    if (c < 0x80) {
-        *out++ = static_cast<char>(c);
-    } else if (c < 0x800) {
-        *out++ = static_cast<char>(0xC0 | c >> 6);
-        *out++ = static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        *out++ = static_cast<char>(0xE0 | c >> 12);
-        *out++ = static_cast<char>(0x80 | (c >> 6 & 0x3F));
-        *out++ = static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        *out++ = static_cast<char>(0xF0 | c >> 18);
-        *out++ = static_cast<char>(0x80 | (c >> 12 & 0x3F));
-        *out++ = static_cast<char>(0x80 | (c >> 6 & 0x3F));
-        *out++ = static_cast<char>(0x80 | (c & 0x3F));
-    }
-    return out;
-}
 
 const char *iconvName(CharMode mode, const QByteArray &name)
 {
@@ -114,8 +33,8 @@ const char *iconvName(CharMode mode, const QByteArray &name)
     case CharMode::Gbk:
         return "GBK";
     default:
-        // What declares itself so comes from Windows: iconv's own Shift_JIS has no room for half of
-        // it and makes a yen sign of every backslash.
+        // Documents that declare Shift_JIS come from Windows. iconv's own Shift_JIS lacks half of
+        // their characters and turns every backslash into a yen sign.
         return name.compare("shift_jis", Qt::CaseInsensitive) == 0 ? "CP932" : name.constData();
     }
 }
@@ -136,23 +55,38 @@ void CharSource::restart(ByteSource &source)
     m_rawAt = m_rawEnd = 0;
     m_sourceEnded = m_bigEndian = m_orderIsKnown = m_discard = m_discarded = false;
     m_mode = CharMode::Utf8;
-    m_error = MarkupError::None;
+    m_error.reset();
     m_iconv.reset();
 }
 
-qsizetype CharSource::fail(MarkupError error, qsizetype delivered)
+/// The failure to report now. A source fails after the bytes that it delivered, so its failure
+/// waits until they are read.
+std::optional<MarkupError> CharSource::errorAtHand() const
 {
-    m_error = error;
-    return delivered;
+    return m_error == MarkupError::CannotRead && rawLeft() > 0 ? std::nullopt : m_error;
 }
 
-/// A source that fails does so behind the bytes that it gave.
-MarkupError CharSource::errorAtHand() const
+Result<void, MarkupError> CharSource::status() const
 {
-    return m_error == MarkupError::CannotRead && rawLeft() > 0 ? MarkupError::None : m_error;
+    if (const auto error = errorAtHand()) {
+        return Fault{*error};
+    }
+    return {};
 }
 
-/// Move what is left to the front and read more behind it; false at the end and after a failure.
+/// Read up to `n` bytes; returns how many, 0 at the end and after a failure.
+qint64 CharSource::readSource(char *out, qsizetype n)
+{
+    const qint64 got = m_source->read(out, n);
+    m_sourceEnded = got <= 0;
+    if (got < 0) {
+        m_error = MarkupError::CannotRead;
+    }
+    return std::max<qint64>(got, 0);
+}
+
+/// Move the unread bytes to the start of m_raw and read more after them; false at the end and after
+/// a failure.
 bool CharSource::fillRaw()
 {
     std::copy(m_raw.begin() + static_cast<qsizetype>(m_rawAt),
@@ -163,24 +97,46 @@ bool CharSource::fillRaw()
         return false;
     }
     const qint64 got =
-        m_source->read(m_raw.data() + m_rawEnd, static_cast<qint64>(m_raw.size() - m_rawEnd));
-    m_sourceEnded = got <= 0;
-    if (got < 0) {
-        m_error = MarkupError::CannotRead;
-    }
-    m_rawEnd += static_cast<size_t>(std::max<qint64>(got, 0));
+        readSource(m_raw.data() + m_rawEnd, static_cast<qsizetype>(m_raw.size() - m_rawEnd));
+    m_rawEnd += static_cast<size_t>(got);
     return got > 0;
 }
 
-MarkupError CharSource::peek(QByteArrayView *first)
+/// Count bytes that are not a character as dropped; false, with the error set, when they must not
+/// be dropped.
+bool CharSource::dropInvalid()
+{
+    if (m_discard) {
+        m_discarded = true;
+    } else {
+        m_error = MarkupError::CannotConvert;
+    }
+    return m_discard;
+}
+
+/// Drop the bytes at the end that are only a part of a character. After a failure of the source
+/// they are not invalid.
+void CharSource::dropTruncatedEnd()
+{
+    const bool isInvalid = rawLeft() > 0 && !m_error;
+    m_rawAt = m_rawEnd;
+    if (isInvalid) {
+        dropInvalid();
+    }
+}
+
+Result<QByteArrayView, MarkupError> CharSource::peek()
 {
     while (fillRaw()) {
     }
-    *first = QByteArrayView(m_raw.data() + m_rawAt, rawLeft());
-    return errorAtHand();
+    if (const auto error = errorAtHand()) {
+        return Fault{*error};
+    }
+    return QByteArrayView(rawAt(), rawLeft());
 }
 
-MarkupError CharSource::setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid)
+Result<void, MarkupError> CharSource::setEncoding(CharMode mode, const QByteArray &name,
+                                                  InvalidBytes invalid)
 {
     m_mode = mode;
     m_discard = invalid == InvalidBytes::Discard;
@@ -189,18 +145,18 @@ MarkupError CharSource::setEncoding(CharMode mode, const QByteArray &name, Inval
     }
     skipMark();
     if (isWide || mode == CharMode::Utf8 || mode == CharMode::Utf16 || mode == CharMode::Utf32) {
-        return errorAtHand();
+        return status();
     }
     const iconv_t handle = iconv_open("UTF-8", iconvName(mode, name));
     if (handle == reinterpret_cast<iconv_t>(-1)) {
         m_error = MarkupError::CannotConvert;
-        return m_error;
+        return Fault{*m_error};
     }
     m_iconv.reset(handle);
-    return errorAtHand();
+    return status();
 }
 
-/// Take the names of UTF-16 and UTF-32 with a byte order for what they are: iconv is much slower.
+/// Recognize the names of UTF-16 and UTF-32 with a byte order, because iconv is much slower.
 bool CharSource::isWideName(const QByteArray &name)
 {
     const QByteArray lower = name.toLower();
@@ -214,10 +170,10 @@ bool CharSource::isWideName(const QByteArray &name)
     return is16 || is32;
 }
 
-/// Drop the byte-order mark and learn the byte order.
+/// Drop the byte-order mark and find the byte order.
 void CharSource::skipMark()
 {
-    const QByteArrayView bytes(m_raw.data() + m_rawAt, rawLeft());
+    const QByteArrayView bytes(rawAt(), rawLeft());
     const auto startsWithEither = [&](QByteArrayView little, QByteArrayView big) {
         return bytes.startsWith(little) || bytes.startsWith(big);
     };
@@ -232,7 +188,7 @@ void CharSource::skipMark()
     }
 }
 
-/// Without a mark a zero at the low address says big-endian, because documents begin with ASCII.
+/// Without a mark, a zero in the first byte means big-endian, because documents begin with ASCII.
 void CharSource::findByteOrder(QByteArrayView bytes)
 {
     if (!m_orderIsKnown) {
@@ -240,159 +196,135 @@ void CharSource::findByteOrder(QByteArrayView bytes)
     }
 }
 
-qsizetype CharSource::read(char *out, qsizetype room)
+Result<qsizetype, MarkupError> CharSource::read(char *out, qsizetype room)
 {
-    if (errorAtHand() != MarkupError::None) {
-        return 0;
+    if (const auto error = errorAtHand()) {
+        return Fault{*error};
     }
-    switch (m_mode) {
-    case CharMode::Utf8:
-        return readUtf8(out, room);
-    case CharMode::Utf16:
-    case CharMode::Utf32:
-        return readWide(out, room);
-    default:
-        return readCodePage(out, room);
+    const auto readMode = m_mode == CharMode::Utf8    ? &CharSource::readUtf8
+                          : m_mode == CharMode::Utf16 ? &CharSource::readUtf16
+                          : m_mode == CharMode::Utf32 ? &CharSource::readUtf32
+                                                      : &CharSource::readCodePage;
+    const qsizetype n = (this->*readMode)(out, room);
+    if (n == 0 && m_error) {
+        return Fault{*m_error};
     }
+    return n;
 }
 
 qsizetype CharSource::readUtf8(char *out, qsizetype room)
 {
-    // First what peek() read or the last call kept, then straight from the source: it is not asked
-    // for more before what it gave was delivered, because it may go on in another row by then.
+    // First the bytes that peek() read or the last call put back, then bytes of the source. It is
+    // not asked for more before the bytes at hand were delivered: asking may advance it to another
+    // row.
     for (bool asks = rawLeft() == 0;; asks = true) {
         qsizetype n = std::min(rawLeft(), room);
-        std::copy_n(m_raw.data() + m_rawAt, n, out);
+        std::copy_n(rawAt(), n, out);
         m_rawAt += static_cast<size_t>(n);
         if (asks && !m_sourceEnded && n < room) {
-            const qint64 got = m_source->read(out + n, room - n);
-            m_sourceEnded = got <= 0;
-            if (got < 0) {
-                m_error = MarkupError::CannotRead;
-            }
-            n += std::max<qint64>(got, 0);
+            n += readSource(out + n, room - n);
         }
         const bool atEnd = m_sourceEnded && rawLeft() == 0;
         const qsizetype kept = keepWellFormed(out, n);
-        if (kept > 0 || atEnd || m_error != MarkupError::None) {
+        if (kept > 0 || atEnd || m_error) {
             return kept;
         }
     }
 }
 
-/// Check `n` new bytes at `out`. A sequence that is cut goes back into m_raw; one that is wrong is
-/// an error, or is dropped.
+/// Check `n` new bytes at `out`; returns how many remain. A truncated sequence at their end is put
+/// back; an invalid one is an error, or is dropped.
 qsizetype CharSource::keepWellFormed(char *out, qsizetype n)
 {
     qsizetype good = 0;
     for (qsizetype at = 0; at < n;) {
-        Sequence stop = Sequence::Good;
-        const qsizetype run = wellFormedPrefix(out + at, n - at, &stop);
+        Utf8Stop stop = Utf8Stop::End;
+        const qsizetype run = wellFormedUtf8(out + at, n - at, &stop);
         if (good != at) {
             std::copy_n(out + at, run, out + good);
         }
         good += run;
         at += run;
-        if (stop == Sequence::Cut && !(m_sourceEnded && rawLeft() == 0)) {
-            // The kept bytes lie before what m_raw still holds.
-            const auto cut = static_cast<size_t>(n - at);
-            if (rawLeft() == 0) {
-                m_rawAt = m_rawEnd = cut;
-            }
-            m_rawAt -= cut;
-            std::copy_n(out + at, cut, m_raw.data() + m_rawAt);
+        if (stop == Utf8Stop::Truncated && !(m_sourceEnded && rawLeft() == 0)) {
+            putBack(out + at, n - at);
             return good;
         }
-        if (stop != Sequence::Good) {
-            if (!m_discard) {
-                return m_error == MarkupError::None ? fail(MarkupError::CannotConvert, good) : good;
+        if (stop != Utf8Stop::End) {
+            const bool endsHere = !m_discard && m_error; // the source failed inside the sequence
+            if (endsHere || !dropInvalid()) {
+                return good;
             }
-            m_discarded = true;
             ++at;
         }
     }
     return good;
 }
 
-/// The character at m_rawAt, of `unitBytes` bytes a unit; *taken is 0 when more bytes are needed.
-char32_t CharSource::nextWide(qsizetype unitBytes, qsizetype *taken) const
+/// Put `n` bytes before the unread ones. They came out of m_raw, or it is empty.
+void CharSource::putBack(const char *bytes, qsizetype n)
 {
-    const char *const at = m_raw.data() + m_rawAt;
-    *taken = rawLeft() >= unitBytes ? unitBytes : 0;
-    if (*taken == 0) {
-        return 0;
+    if (rawLeft() == 0) {
+        m_rawAt = m_rawEnd = static_cast<size_t>(n);
     }
-    if (unitBytes == 4) {
-        const quint32 c = m_bigEndian ? loadBE<quint32>(at) : loadLE<quint32>(at);
-        return c;
-    }
-    const auto unit = [&](qsizetype i) {
-        return m_bigEndian ? loadBE<quint16>(at + i * 2) : loadLE<quint16>(at + i * 2);
-    };
-    const char32_t first = unit(0);
-    if ((first & 0xFC00) != 0xD800) {
-        return (first & 0xFC00) == 0xDC00 ? kReplacement : first;
-    }
-    if (rawLeft() < 4) {
-        *taken = m_sourceEnded ? 2 : 0;
-        return kReplacement;
-    }
-    if ((unit(1) & 0xFC00) != 0xDC00) {
-        return kReplacement;
-    }
-    *taken = 4;
-    return 0x10000 + ((first & 0x3FF) << 10) + (unit(1) & 0x3FFU);
+    m_rawAt -= static_cast<size_t>(n);
+    std::copy_n(bytes, n, rawAt());
 }
 
-/// Take ASCII in UTF-16 eight units at a time, up to the first eight that hold something else.
-char *CharSource::takeAsciiUnits(char *out, const char *stop)
+/// UTF-16 units, at most `most`, that can be converted: not the first half of a pair whose second
+/// half is not yet read.
+qsizetype CharSource::completeUnits(qsizetype most) const
 {
-    constexpr qsizetype kUnits = 8;
-    const __m128i notAscii = _mm_set1_epi16(static_cast<short>(0xFF80));
-    while (stop - out >= kUnits && rawLeft() >= kUnits * 2) {
-        __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i *>(m_raw.data() + m_rawAt));
-        if (m_bigEndian) {
-            units = _mm_or_si128(_mm_slli_epi16(units, 8), _mm_srli_epi16(units, 8));
-        }
-        const __m128i high = _mm_cmpeq_epi16(_mm_and_si128(units, notAscii), _mm_setzero_si128());
-        if (_mm_movemask_epi8(high) != 0xFFFF) {
+    const qsizetype all = rawLeft() / 2;
+    const qsizetype n = std::min(all, most);
+    if (n == 0 || (m_sourceEnded && n == all)) {
+        return n;
+    }
+    const char *const last = rawAt() + 2 * (n - 1);
+    const auto unit = m_bigEndian ? loadBE<quint16>(last) : loadLE<quint16>(last);
+    return QChar::isHighSurrogate(unit) ? n - 1 : n;
+}
+
+qsizetype CharSource::readUtf16(char *out, qsizetype room)
+{
+    char *at = out;
+    while (out + room - at >= 2 * kUtf8BytesPerUnit) {
+        const qsizetype n = completeUnits((out + room - at) / kUtf8BytesPerUnit);
+        if (n == 0) {
+            // Once the end is known, the first half of a pair is complete.
+            if (fillRaw() || rawLeft() >= 2) {
+                continue;
+            }
+            dropTruncatedEnd();
             break;
         }
-        _mm_storel_epi64(reinterpret_cast<__m128i *>(out), _mm_packus_epi16(units, units));
-        out += kUnits;
-        m_rawAt += kUnits * 2;
+        auto *const units = reinterpret_cast<char16_t *>(rawAt()); // m_rawAt is even in UTF-16
+        if (m_bigEndian) {
+            qFromBigEndian<quint16>(units, n, units);
+        }
+        at += utf16ToUtf8(units, n, at);
+        m_rawAt += static_cast<size_t>(2 * n);
     }
-    return out;
+    return at - out;
 }
 
-/// UTF-16 and UTF-32. A lone surrogate becomes U+FFFD; a number that is no character or a cut unit
-/// at the end is an error, or is dropped.
-qsizetype CharSource::readWide(char *out, qsizetype room)
+qsizetype CharSource::readUtf32(char *out, qsizetype room)
 {
-    const qsizetype unitBytes = m_mode == CharMode::Utf16 ? 2 : 4;
     char *at = out;
     while (out + room - at >= 4) {
-        at = unitBytes == 2 ? takeAsciiUnits(at, out + room - 4) : at;
-        qsizetype taken = 0;
-        const char32_t c = nextWide(unitBytes, &taken);
-        if (taken == 0) {
+        if (rawLeft() < 4) {
             if (fillRaw()) {
                 continue;
             }
-            const bool cut = rawLeft() > 0 && m_error == MarkupError::None;
-            m_discarded = m_discarded || (cut && m_discard);
-            m_rawAt = m_rawEnd;
-            return cut && !m_discard ? fail(MarkupError::CannotConvert, at - out) : at - out;
+            dropTruncatedEnd();
+            break;
         }
-        m_rawAt += static_cast<size_t>(taken);
-        if (c > 0x10FFFF || (c & 0xFFFFF800) == 0xD800) {
-            if (!m_discard) {
-                return fail(MarkupError::CannotConvert, at - out);
-            }
-            m_discarded = true;
-            continue;
+        const char32_t c = m_bigEndian ? loadBE<quint32>(rawAt()) : loadLE<quint32>(rawAt());
+        m_rawAt += 4;
+        if (c <= QChar::LastValidCodePoint && !QChar::isSurrogate(c)) {
+            at = putUtf8(c, at);
+        } else if (!dropInvalid()) {
+            break;
         }
-        at = putUtf8(c, at);
     }
     return at - out;
 }
@@ -402,29 +334,26 @@ qsizetype CharSource::readCodePage(char *out, qsizetype room)
     char *at = out;
     auto left = static_cast<size_t>(room);
     for (;;) {
-        char *in = m_raw.data() + m_rawAt;
+        char *in = rawAt();
         auto inLeft = static_cast<size_t>(rawLeft());
-        const size_t status = iconv(m_iconv.get(), &in, &inLeft, &at, &left);
-        const int reason = status == static_cast<size_t>(-1) ? errno : 0;
+        const size_t converted = iconv(m_iconv.get(), &in, &inLeft, &at, &left);
+        const int reason = converted == static_cast<size_t>(-1) ? errno : 0;
         m_rawAt = m_rawEnd - inLeft;
         if (reason == E2BIG) {
             return at - out;
         }
         if (reason == EILSEQ) {
-            if (!m_discard) {
-                return fail(MarkupError::CannotConvert, at - out);
+            if (!dropInvalid()) {
+                return at - out;
             }
-            m_discarded = true;
             ++m_rawAt;
             continue;
         }
         if (!fillRaw()) {
             // Some encodings keep a letter back, to join it with an accent that may follow.
             iconv(m_iconv.get(), nullptr, nullptr, &at, &left);
-            const bool cut = rawLeft() > 0 && m_error == MarkupError::None;
-            m_rawAt = m_rawEnd;
-            m_discarded = m_discarded || (cut && m_discard);
-            return cut && !m_discard ? fail(MarkupError::CannotConvert, at - out) : at - out;
+            dropTruncatedEnd();
+            return at - out;
         }
         if (at != out) {
             return at - out;

@@ -1,23 +1,27 @@
-// codecs/markup/text/char_source.h
-// The characters of a document, as well-formed UTF-8, whatever encoding its bytes are in.
+// Reads the characters of a document as well-formed UTF-8, whatever encoding its bytes are in.
 //
-// UTF-8 passes through after a check; UTF-16 and UTF-32 of both byte orders and everything that
-// iconv knows are converted. A byte-order mark at the start is dropped. Where the bytes are cut
-// into reads does not show in what comes out.
+// UTF-8 is checked and not converted; UTF-16 and UTF-32 of both byte orders and every encoding that
+// iconv knows are converted. A byte-order mark at the start is dropped. The output does not depend
+// on the sizes of the reads from the source.
 #pragma once
 #include "base/byte_source.h"
+#include "base/result.h"
 #include "codecs/markup/text/encoding.h"
 #include "codecs/markup/text/error.h"
 
 #include <iconv.h>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace corvanta::markup {
 
-/// What to do with bytes that are no character.
-enum class InvalidBytes : quint8 { Fail, Discard };
+/// What happens to bytes that are not a character of the encoding.
+enum class InvalidBytes : quint8 {
+    Fail,    ///< reading ends with CannotConvert after the characters before them
+    Discard, ///< they are dropped; hasDiscarded() reports it
+};
 
 /// Threads: one at a time.
 class CharSource
@@ -29,26 +33,24 @@ public:
     CharSource(const CharSource &) = delete;
     CharSource &operator=(const CharSource &) = delete;
 
-    /// Go on with another document; the memory is kept.
+    /// Start another document; keeps the memory and forgets everything else.
     void restart(ByteSource &source);
 
-    /// The first kGuessBytes of the document, or all of a shorter one; they are not consumed.
-    /// Errors: CannotRead.
-    MarkupError peek(QByteArrayView *first);
+    /// The first kGuessBytes of the document, or all of a shorter one. Does not consume them; the
+    /// view is valid until the next call. Errors: CannotRead, when there is not even one byte.
+    Result<QByteArrayView, MarkupError> peek();
 
-    /// Say how the bytes are encoded, before the first read(). `name` is used by CodePage:
-    /// "UTF-16LE" and its like are UTF-16 and UTF-32 of that byte order, everything else is left to
-    /// iconv. Errors: CannotConvert for a name that iconv does not know.
-    MarkupError setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid);
+    /// Set how the bytes are encoded, before the first read(). `name` is used by CodePage:
+    /// "UTF-16LE" and the like are UTF-16 and UTF-32 of that byte order; iconv converts all others.
+    /// Errors: CannotConvert for a name that iconv does not know; CannotRead.
+    Result<void, MarkupError> setEncoding(CharMode mode, const QByteArray &name,
+                                          InvalidBytes invalid);
 
-    /// Put up to `room` bytes of UTF-8 (at least kMinRoom must be offered) at `out`: the count, 0
-    /// at the end or at a failure, which error() tells apart. Bytes before the failure were
-    /// delivered.
-    qsizetype read(char *out, qsizetype room);
+    /// Write up to `room` bytes of UTF-8 (at least kMinRoom) to `out`; returns their number, 0 at
+    /// the end. A failure is returned after all bytes before it. Errors: CannotRead, CannotConvert.
+    Result<qsizetype, MarkupError> read(char *out, qsizetype room);
 
-    MarkupError error() const { return m_error; }
-
-    /// True when bytes were dropped that are no character (InvalidBytes::Discard).
+    /// True when invalid bytes were dropped (InvalidBytes::Discard).
     bool hasDiscarded() const { return m_discarded; }
 
     static constexpr qsizetype kMinRoom = 64;
@@ -60,22 +62,28 @@ private:
         void operator()(iconv_t handle) const { iconv_close(handle); }
     };
 
-    MarkupError errorAtHand() const;
+    std::optional<MarkupError> errorAtHand() const;
+    Result<void, MarkupError> status() const;
+    qint64 readSource(char *out, qsizetype n);
     bool fillRaw();
+    bool dropInvalid();
+    void dropTruncatedEnd();
     qsizetype readUtf8(char *out, qsizetype room);
     qsizetype keepWellFormed(char *out, qsizetype n);
-    qsizetype readWide(char *out, qsizetype room);
-    char *takeAsciiUnits(char *out, const char *stop);
+    void putBack(const char *bytes, qsizetype n);
+    qsizetype readUtf16(char *out, qsizetype room);
+    qsizetype completeUnits(qsizetype most) const;
+    qsizetype readUtf32(char *out, qsizetype room);
     qsizetype readCodePage(char *out, qsizetype room);
-    char32_t nextWide(qsizetype unitBytes, qsizetype *taken) const;
     bool isWideName(const QByteArray &name);
     void skipMark();
     void findByteOrder(QByteArrayView bytes);
-    qsizetype fail(MarkupError error, qsizetype delivered);
+    char *rawAt() { return m_raw.data() + m_rawAt; }
+    const char *rawAt() const { return m_raw.data() + m_rawAt; }
     qsizetype rawLeft() const { return static_cast<qsizetype>(m_rawEnd - m_rawAt); }
 
     ByteSource *m_source;
-    std::vector<char> m_raw;
+    std::vector<char> m_raw; ///< bytes m_rawAt to m_rawEnd were read and not yet converted
     size_t m_rawAt = 0;
     size_t m_rawEnd = 0;
     bool m_sourceEnded = false;
@@ -84,7 +92,7 @@ private:
     bool m_orderIsKnown = false; ///< from the encoding's name
     bool m_discard = false;
     bool m_discarded = false;
-    MarkupError m_error = MarkupError::None;
+    std::optional<MarkupError> m_error; ///< reported after the bytes before it
     std::unique_ptr<void, CloseIconv> m_iconv;
 };
 

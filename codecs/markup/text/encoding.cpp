@@ -1,6 +1,14 @@
+// The evidence, in order: a byte-order mark or the zeros of UTF-16; for XML, the declaration
+// (XML 1.0, section 4.3.3) near the start,
+//
+//     <?xml version="1.0" encoding="NAME"?>
+//
+// compared with whether all bytes follow the pattern of UTF-8.
 #include "codecs/markup/text/encoding.h"
 
+#include <algorithm>
 #include <array>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -16,27 +24,28 @@ uchar byteAt(QByteArrayView bytes, qsizetype i)
     return static_cast<uchar>(bytes[i]);
 }
 
-int continuationBytes(uchar lead)
+/// Continuation bytes after a lead byte; std::nullopt if it is not a lead byte.
+std::optional<int> continuationBytes(uchar lead)
 {
-    if (lead < 0xC0) {
-        return lead < 0x80 ? 0 : -1;
+    if (lead < 0x80) {
+        return 0;
     }
-    if (lead < 0xE0) {
-        return 1;
+    if (lead < 0xC0 || lead >= 0xF8) {
+        return std::nullopt;
     }
-    return lead < 0xF0 ? 2 : (lead < 0xF8 ? 3 : -1);
+    return lead < 0xE0 ? 1 : (lead < 0xF0 ? 2 : 3);
 }
 
-/// True when every lead byte is followed by its continuation bytes. A sequence that the end of the
-/// sample cuts is not held against the document.
+/// True when every lead byte is followed by its continuation bytes. Accepts overlong sequences and
+/// surrogates, and a sequence that the end of the sample truncates.
 bool followsUtf8Pattern(QByteArrayView bytes)
 {
     for (qsizetype i = 0; i < bytes.size();) {
-        const int more = continuationBytes(byteAt(bytes, i++));
-        if (more < 0) {
+        const std::optional<int> more = continuationBytes(byteAt(bytes, i++));
+        if (!more) {
             return false;
         }
-        for (int k = 0; k < more && i < bytes.size(); ++k, ++i) {
+        for (int k = 0; k < *more && i < bytes.size(); ++k, ++i) {
             if ((byteAt(bytes, i) & 0xC0) != 0x80) {
                 return false;
             }
@@ -45,37 +54,36 @@ bool followsUtf8Pattern(QByteArrayView bytes)
     return true;
 }
 
-qsizetype skipBlanks(std::string_view text, size_t at)
+/// `text` without the spaces at its start.
+std::string_view withoutSpaces(std::string_view text)
 {
-    const size_t found = text.find_first_not_of(" \t\r\n", at);
-    return static_cast<qsizetype>(found == std::string_view::npos ? text.size() : found);
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+    return text;
 }
 
-/// The value of `encoding = "..."` near the start of the document; empty when there is none.
+/// The value of `encoding = "..."` near the start of the document; empty if it is missing.
 QByteArray declaredEncoding(QByteArrayView bytes)
 {
     const std::string_view text(bytes.data(),
-                                static_cast<size_t>(qMin(bytes.size(), kDeclarationBytes)));
+                                static_cast<size_t>(std::min(bytes.size(), kDeclarationBytes)));
     constexpr std::string_view kWord = "encoding";
-    size_t at = text.find(kWord);
-    if (at == std::string_view::npos) {
+    const size_t word = text.find(kWord);
+    if (word == std::string_view::npos) {
         return {};
     }
-    at = static_cast<size_t>(skipBlanks(text, at + kWord.size()));
-    if (at >= text.size() || text[at] != '=') {
+    std::string_view rest = withoutSpaces(text.substr(word + kWord.size()));
+    if (!rest.starts_with('=')) {
         return {};
     }
-    at = static_cast<size_t>(skipBlanks(text, at + 1));
-    if (at >= text.size() || (text[at] != '"' && text[at] != '\'')) {
+    rest = withoutSpaces(rest.substr(1));
+    if (!rest.starts_with('"') && !rest.starts_with('\'')) {
         return {};
     }
-    const char quote = text[at];
-    at = static_cast<size_t>(skipBlanks(text, at + 1));
-    const size_t end = text.find(quote, at);
-    if (end == std::string_view::npos) {
-        return {};
-    }
-    return QByteArray(text.data() + at, static_cast<qsizetype>(end - at));
+    const char quote = rest.front();
+    rest = withoutSpaces(rest.substr(1));
+    const size_t end = rest.find(quote);
+    return end == std::string_view::npos ? QByteArray()
+                                         : QByteArray(rest.data(), static_cast<qsizetype>(end));
 }
 
 } // namespace

@@ -1,7 +1,13 @@
+// References (XML 1.0, sections 4.1 and 4.6):
+//
+//     "&" name ";"        amp, lt, gt, quot, apos, and nbsp of HTML; in any letter case
+//     "&#" digits ";"     decimal code point, at most 10FFFF hexadecimal
+//     "&#x" digits ";"    hexadecimal code point
 #include "codecs/markup/text/entities.h"
 
+#include <QChar>
+
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 namespace corvanta::markup {
@@ -14,8 +20,8 @@ struct Named
     char16_t unit;
 };
 
-/// "nbsp;" gives a plain space: cells stay free of non-breaking spaces.
-/// Kept as required: see the entity cases of the XML tokenizer's tests.
+// Kept for saved graphs: "nbsp;" is a plain space, because saved graphs compare cells with plain
+// spaces (XmlTokenizer.ReadsEveryNotation).
 constexpr std::array<Named, 6> kNamed{{
     {"amp;", u'&'},
     {"lt;", u'<'},
@@ -30,6 +36,7 @@ char lower(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
 }
 
+/// The value of a digit, or -1. (Not a Result: this runs for every digit.)
 int digitValue(char c, int base)
 {
     const char l = lower(c);
@@ -39,25 +46,19 @@ int digitValue(char c, int base)
     return base == 16 && l >= 'a' && l <= 'f' ? l - 'a' + 10 : -1;
 }
 
-void setCodePoint(quint32 c, Entity *entity)
+Entity entityOf(quint32 c, int length)
 {
-    // Kept as required: the numbers of lone surrogates go through the pair formula as well.
-    if (c >= 0x10000 || (c >= 0xD800 && c <= 0xDFFF)) {
-        entity->units = {static_cast<char16_t>(((c - 0x10000U) >> 10) + 0xD800),
-                         static_cast<char16_t>((c & 0x3FF) + 0xDC00)};
-        entity->unitCount = 2;
-        return;
+    // Kept for saved graphs: the number of a lone surrogate becomes two units as well
+    // (XmlTokenizer.SendsSurrogateNumbersThroughThePairFormula).
+    if (QChar::requiresSurrogates(c) || QChar::isSurrogate(c)) {
+        return {length, {QChar::highSurrogate(c), QChar::lowSurrogate(c)}, 2};
     }
-    entity->units[0] = static_cast<char16_t>(c);
-    entity->unitCount = 1;
+    return {length, {static_cast<char16_t>(c)}, 1};
 }
 
-/// `at` is behind "&#".
-Entity readNumber(const char *start, const char *at, const char *end)
+/// Read the number at `at`, which follows "&#"; `start` is the "&".
+std::optional<Entity> readNumber(const char *start, const char *at, const char *end)
 {
-    constexpr quint32 kLastCodePoint = 0x10FFFF;
-    Entity entity;
-    entity.kind = Entity::Kind::BadNumber;
     int base = 10;
     if (at < end && lower(*at) == 'x') {
         base = 16;
@@ -66,42 +67,34 @@ Entity readNumber(const char *start, const char *at, const char *end)
     quint32 value = 0;
     for (; at < end && at - start < kEntityBytes; ++at) {
         if (*at == ';') {
-            entity.kind = Entity::Kind::Character;
-            entity.length = static_cast<int>(at + 1 - start);
-            setCodePoint(value, &entity);
-            return entity;
+            return entityOf(value, static_cast<int>(at + 1 - start));
         }
         const int digit = digitValue(*at, base);
         value = value * static_cast<quint32>(base) + static_cast<quint32>(std::max(digit, 0));
-        if (digit < 0 || value > kLastCodePoint) {
+        if (digit < 0 || value > QChar::LastValidCodePoint) {
             break;
         }
     }
-    return entity;
+    return std::nullopt;
 }
 
 } // namespace
 
-Entity readEntity(const char *at, const char *end)
+std::optional<Entity> readEntity(const char *at, const char *end)
 {
     const char *const name = at + 1;
     if (name < end && *name == '#') {
         return readNumber(at, name + 1, end);
     }
-    Entity entity;
     for (const Named &named : kNamed) {
         const auto length = static_cast<qsizetype>(named.name.size());
         if (end - name >= length &&
             std::equal(named.name.begin(), named.name.end(), name,
                        [](char wanted, char found) { return wanted == lower(found); })) {
-            entity.kind = Entity::Kind::Character;
-            entity.length = static_cast<int>(length) + 1;
-            entity.units[0] = named.unit;
-            entity.unitCount = 1;
-            return entity;
+            return Entity{static_cast<int>(length) + 1, {named.unit}, 1};
         }
     }
-    return entity;
+    return std::nullopt;
 }
 
 } // namespace corvanta::markup

@@ -1,3 +1,4 @@
+// The texts are indexed by code. Programs of users search logs for them: never change one.
 #include "codecs/markup/text/error.h"
 
 #include <array>

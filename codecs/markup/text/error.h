@@ -1,11 +1,11 @@
-// codecs/markup/text/error.h
-// The numbered outcomes of the markup parser and of its Base64 codec, with their fixed texts.
+// The error codes of the markup parser and of its Base64 codec, with their fixed texts.
 #pragma once
 #include <QtGlobal>
 
 namespace corvanta::markup {
 
-/// Codes 1, 2, 28 and 30 are warnings. The numbers are part of the readers' contract.
+/// Codes 1, 2, 28 and 30 are warnings. The numbers and texts are fixed: users see them. None is the
+/// status of a tokenizer that did not fail; a Fault never holds it.
 enum class MarkupError : quint8 {
     None = 0,
     UnmatchedEndTagWarning = 1,
@@ -41,10 +41,10 @@ enum class MarkupError : quint8 {
     Base64BufferTooSmall = 31,
 };
 
-/// The text that readers print for `code`; "Unknown error" for a number that is no code.
+/// The text that readers print for `code`; "Unknown error" for an unknown number.
 const char16_t *errorText(MarkupError code);
 
-/// True for the codes after which the data can still be used.
+/// True for the codes after which the data is still usable.
 bool isWarning(MarkupError code);
 
 } // namespace corvanta::markup

@@ -1,3 +1,5 @@
+// Blocks of 16 bytes are compared at once. Columns only matter after the last line break, so that
+// the bytes before it are only searched for breaks.
 #include "codecs/markup/text/line_counter.h"
 
 #include "codecs/markup/text/scan.h"
@@ -22,7 +24,7 @@ quint32 breakMask(const char *block)
 
 constexpr qsizetype kBlock = sizeof(__m128i);
 
-/// The first CR or LF at or behind `at`, or `n`.
+/// The first CR or LF at or after `at`, or `n`.
 qsizetype findBreak(const char *bytes, qsizetype at, qsizetype n)
 {
     for (; at + kBlock <= n; at += kBlock) {
@@ -37,7 +39,7 @@ qsizetype findBreak(const char *bytes, qsizetype at, qsizetype n)
     return at;
 }
 
-/// Where the last line of `n` bytes begins.
+/// Offset of the last line in `n` bytes.
 qsizetype lastLineStart(const char *bytes, qsizetype n)
 {
     for (; n >= kBlock; n -= kBlock) {
@@ -52,7 +54,7 @@ qsizetype lastLineStart(const char *bytes, qsizetype n)
     return n;
 }
 
-/// The sum of bytes that `weigh` (a function of a block) gives for each byte.
+/// The sum of the bytes of weigh(block) over all blocks of 16 bytes.
 template <typename Weigh> qint64 sumOfBlocks(const char *bytes, qsizetype n, Weigh weigh)
 {
     __m128i sums = _mm_setzero_si128();
@@ -64,19 +66,19 @@ template <typename Weigh> qint64 sumOfBlocks(const char *bytes, qsizetype n, Wei
 
 qint64 countLineFeeds(const char *bytes, qsizetype n)
 {
-    // A comparison gives -1 where it holds.
+    // A comparison results in -1 where it is true.
     const qint64 inBlocks = sumOfBlocks(bytes, n, [](__m128i block) {
         return _mm_sub_epi8(_mm_setzero_si128(), scan::is(block, '\n'));
     });
     return inBlocks + std::count(bytes + n / kBlock * kBlock, bytes + n, '\n');
 }
 
-/// UTF-16 units of `n` bytes of UTF-8: one for each byte that begins a character, two for four
-/// bytes.
+/// UTF-16 units of `n` bytes of UTF-8: one for each byte that begins a character, one more for a
+/// sequence of four bytes.
 qint64 countUnits(const char *bytes, qsizetype n)
 {
     qint64 units = sumOfBlocks(bytes, n, [](__m128i block) {
-        // Continuation bytes are the lowest as signed numbers.
+        // As signed numbers, continuation bytes are lower than all others.
         const __m128i begins = _mm_cmpgt_epi8(block, _mm_set1_epi8(static_cast<char>(0xBF)));
         const __m128i fourBytes = _mm_set1_epi8(static_cast<char>(0xF0));
         const __m128i long4 = _mm_cmpeq_epi8(_mm_max_epu8(block, fourBytes), block);
@@ -101,7 +103,7 @@ void LineCounter::breakLine(char c)
     m_openBreak = c;
 }
 
-/// Count the breaks of bytes that end with one; columns do not matter before it.
+/// Count the breaks of bytes that end with one.
 void LineCounter::countBreaks(const char *bytes, qsizetype n)
 {
     qsizetype at = 0;
@@ -109,7 +111,7 @@ void LineCounter::countBreaks(const char *bytes, qsizetype n)
         breakLine(bytes[0]);
         at = 1;
     }
-    // Most documents have no CR. One that is open may be completed here.
+    // Fast path for documents without CR, unless an open CR may be completed here.
     if (at < n && m_openBreak != '\r' &&
         std::memchr(bytes + at, '\r', static_cast<size_t>(n - at)) == nullptr) {
         m_line += countLineFeeds(bytes + at, n - at);

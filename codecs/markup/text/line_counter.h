@@ -1,5 +1,5 @@
-// codecs/markup/text/line_counter.h
-// Line and column of a place in a document, counted only where somebody asks or bytes are let go.
+// Counts lines and columns of a document, in large blocks: when a position is needed, or when the
+// tokenizer discards bytes.
 #pragma once
 #include <QtGlobal>
 
@@ -9,10 +9,12 @@ namespace corvanta::markup {
 class LineCounter
 {
 public:
-    /// Go over `n` more bytes of UTF-8.
+    /// Count `n` more bytes of UTF-8.
     void advance(const char *bytes, qsizetype n);
 
+    /// Line of the next byte, from 1.
     qint64 line() const { return m_line; }
+    /// UTF-16 units before the next byte in its line.
     qint64 column() const { return m_column; }
 
 private:
@@ -21,7 +23,8 @@ private:
 
     qint64 m_line = 1;
     qint64 m_column = 0;
-    char m_openBreak = 0; ///< a CR or LF at the very end that its counterpart may complete
+    char m_openBreak =
+        0; ///< the last byte, if it is a CR or LF that the other one may complete; else 0
 };
 
 } // namespace corvanta::markup

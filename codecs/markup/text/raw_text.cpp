@@ -1,14 +1,25 @@
+// Escapes in a JSON string (RFC 8259, section 7):
+//
+//     \b \f \n \r \t     one control character
+//     \uXXXX              one UTF-16 unit, four hexadecimal digits
+//     \ and another byte  that byte; so \" \\ \/, and also unknown escapes
+//
+// Escapes in XML: see entities.cpp.
 #include "codecs/markup/text/raw_text.h"
 
 #include "base/utf.h"
 #include "codecs/markup/text/entities.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace corvanta::markup {
 
 namespace {
 
+// These two return -1 instead of a Result, because they run for every escape.
+
+/// The value of a hexadecimal digit, or -1.
 int hexValue(char c)
 {
     if (c >= '0' && c <= '9') {
@@ -35,7 +46,7 @@ int hexUnit(const char *at, const char *end)
     return unit;
 }
 
-/// What a one-letter escape stands for; other characters stand for themselves.
+/// The character of a one-letter escape; other characters are unchanged.
 char16_t simpleEscape(char c)
 {
     switch (c) {
@@ -54,7 +65,7 @@ char16_t simpleEscape(char c)
     }
 }
 
-/// Decode the escape at `*at` (behind the backslash). A character that is not ASCII is left to be
+/// Decode the escape at `*at` (after the backslash). Leaves a character that is not ASCII; it is
 /// copied with the text that follows.
 char16_t *putEscape(const char **at, const char *end, char16_t *out)
 {
@@ -66,12 +77,20 @@ char16_t *putEscape(const char **at, const char *end, char16_t *out)
     const int unit = c == 'u' ? hexUnit(*at, end) : -1;
     if (unit >= 0) {
         *at += 4;
-        // A NUL would cut the value short further on.
+        // A NUL would end the value for later readers of the cell.
         *out++ = unit == 0 ? u' ' : static_cast<char16_t>(unit);
         return out;
     }
     *out++ = simpleEscape(c);
     return out;
+}
+
+/// The end of the line break at `at`: CR, LF, CR LF or LF CR.
+const char *afterBreak(const char *at, const char *end)
+{
+    const char c = *at++;
+    const bool isPair = at < end && (*at == '\r' || *at == '\n') && *at != c;
+    return isPair ? at + 1 : at;
 }
 
 qsizetype decodeJson(const char *at, const char *end, char16_t *out)
@@ -84,20 +103,13 @@ qsizetype decodeJson(const char *at, const char *end, char16_t *out)
         }
         out += utf8ToUtf16(at, stop - at, out);
         at = stop;
-        if (at == end) {
-            break;
+        if (at < end && *at == '\\') {
+            ++at;
+            out = at < end ? putEscape(&at, end, out) : out;
+        } else if (at < end) {
+            at = afterBreak(at, end);
+            *out++ = u'\n';
         }
-        const char c = *at++;
-        if (c == '\\') {
-            if (at < end) {
-                out = putEscape(&at, end, out);
-            }
-            continue;
-        }
-        // CR, LF, CR LF and LF CR are one line break each.
-        const bool pair = at < end && (*at == '\r' || *at == '\n') && *at != c;
-        at += pair ? 1 : 0;
-        *out++ = u'\n';
     }
     return out - begin;
 }
@@ -114,12 +126,9 @@ qsizetype decodeXml(const char *at, const char *end, char16_t *out)
         if (at == end) {
             break;
         }
-        const Entity entity = readEntity(at, end);
-        if (entity.kind == Entity::Kind::Character) {
-            for (int i = 0; i < entity.unitCount; ++i) {
-                *out++ = entity.units[static_cast<size_t>(i)];
-            }
-            at += entity.length;
+        if (const std::optional<Entity> entity = readEntity(at, end)) {
+            out = std::copy_n(entity->units.begin(), entity->unitCount, out);
+            at += entity->length;
         } else {
             *out++ = u'&';
             ++at;

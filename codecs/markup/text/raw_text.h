@@ -1,5 +1,4 @@
-// codecs/markup/text/raw_text.h
-// A piece of a document as it stands in the tokenizer's buffer, decoded only when somebody asks.
+// Texts of a document as undecoded bytes of the tokenizer's buffer, and how they are decoded.
 #pragma once
 #include <QtGlobal>
 
@@ -8,19 +7,19 @@
 
 namespace corvanta::markup {
 
-/// Bytes that a tokenizer's buffer lets one read from any place in its data.
+/// Bytes that may be read starting at any place in the data of a tokenizer's buffer.
 inline constexpr quint32 kReadAhead = 64;
 
-/// What has to be done to the bytes of a RawText.
+/// How the bytes of a RawText are decoded.
 enum class TextForm : quint8 {
-    Plain,       ///< UTF-8, to be taken as it is; kReadAhead bytes may be read from any place in it
-    Detached,    ///< the same outside a tokenizer's buffer: nothing may be read behind it
-    JsonEscaped, ///< holds backslash escapes or raw line breaks of a JSON string
-    XmlEntities, ///< holds "&"; what is no entity stays as it is
-    External,    ///< of a TextSpan only: the text has a number and lies elsewhere
+    Plain,       ///< UTF-8; kReadAhead bytes may be read starting at any place in it
+    Detached,    ///< UTF-8 outside a tokenizer's buffer: nothing may be read after it
+    JsonEscaped, ///< UTF-8 with backslash escapes or raw line breaks of a JSON string
+    XmlEntities, ///< UTF-8 with "&"; an unknown entity stays unchanged
+    External,    ///< of a TextSpan only: the span holds the number of a text outside the buffer
 };
 
-/// UTF-8 bytes and how to read them. Valid as long as what it was taken from.
+/// A view of UTF-8 bytes. Valid as long as the buffer or string that it refers to.
 struct RawText
 {
     const char *data = "";
@@ -34,7 +33,7 @@ struct RawText
 /// Decode into `out`, which has room for `text.size` units; returns the units written.
 qsizetype decode(const RawText &text, char16_t *out);
 
-/// Decode into a string of its own.
+/// Decode into a new string.
 std::u16string decoded(const RawText &text);
 
 } // namespace corvanta::markup

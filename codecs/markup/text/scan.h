@@ -1,8 +1,7 @@
-// codecs/markup/text/scan.h
-// The scans of the tokenizers, sixteen bytes at a time.
+// Finds the next interesting byte for the tokenizers, sixteen bytes at a time.
 //
-// All of them stop at a NUL and may load up to kReadAhead bytes from any place in a tokenizer's
-// data, which ends with that many NULs.
+// Every scan stops at a NUL and may load up to kReadAhead bytes starting at any place in the data
+// of a tokenizer's buffer; at least that many NULs follow the data.
 #pragma once
 #include "codecs/markup/text/raw_text.h"
 
@@ -14,27 +13,30 @@ namespace scan {
 
 inline constexpr quint32 kAll = 0xFFFF;
 
+/// The 16 bytes at `at`.
 inline __m128i load(const char *at)
 {
     return _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
 }
+/// 0xFF for each byte of `block` that is `c`, 0 for the others.
 inline __m128i is(__m128i block, char c)
 {
     return _mm_cmpeq_epi8(block, _mm_set1_epi8(c));
 }
-/// Where a byte of `block` is one of the `count` characters from `first` on.
+/// 0xFF for each byte of `block` that is one of the `count` characters starting at `first`.
 inline __m128i isOneFrom(__m128i block, char first, char count)
 {
     const __m128i distance = _mm_sub_epi8(block, _mm_set1_epi8(first));
     const __m128i last = _mm_set1_epi8(static_cast<char>(count - 1));
     return _mm_cmpeq_epi8(_mm_min_epu8(distance, last), distance);
 }
+/// A bit for each byte of `hits` that is 0xFF.
 inline quint32 mask(__m128i hits)
 {
     return static_cast<quint32>(_mm_movemask_epi8(hits));
 }
 
-/// The first place that `hits` (a function of a block, giving a mask) finds.
+/// The first byte for which the mask hits(block) has a bit.
 template <typename Hits> const char *find(const char *at, Hits hits)
 {
     static_assert(sizeof(__m128i) <= kReadAhead);
@@ -57,7 +59,7 @@ inline const char *findEither(const char *at, char a, char b)
     });
 }
 
-/// The first byte that is no space (CharClass::Space).
+/// The first byte that is not a space (CharClass::Space).
 inline const char *skipSpaces(const char *at)
 {
     return scan::find(at, [](__m128i block) {
@@ -67,21 +69,21 @@ inline const char *skipSpaces(const char *at)
     });
 }
 
-/// The first byte that is no name character (isNameChar()).
+/// The first byte that is not a name character (isNameChar()).
 inline const char *skipNameChars(const char *at)
 {
     return scan::find(at, [](__m128i block) {
         const __m128i letter = scan::isOneFrom(_mm_or_si128(block, _mm_set1_epi8(0x20)), 'a', 26);
-        // "-", ".", "/", the digits and ":" stand in a row, and "/" is no name character.
+        // "-", ".", "/", the digits and ":" are consecutive; "/" is not a name character.
         const __m128i digit =
             _mm_andnot_si128(scan::is(block, '/'), scan::isOneFrom(block, '-', 14));
         const __m128i name = _mm_or_si128(_mm_or_si128(letter, digit), scan::is(block, '_'));
-        return (scan::mask(name) | scan::mask(block)) ^ scan::kAll; // bytes from 0x80 on are, too
+        return (scan::mask(name) | scan::mask(block)) ^
+               scan::kAll; // bytes above 0x7F are name characters
     });
 }
 
-/// The first byte that the scan of a JSON string has to look at: `quote`, a backslash or a control
-/// character.
+/// The first byte that ends or changes a JSON string: `quote`, a backslash or a control character.
 inline const char *findStringStop(const char *at, char quote)
 {
     return scan::find(at, [quote](__m128i block) {

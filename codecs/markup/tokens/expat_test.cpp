@@ -104,7 +104,7 @@ QString readWithTokenizer(const QByteArray &bytes)
     XMLTokenizer tokenizer(source, 0);
     // What is shorter than the guess asks for is UTF-8 for expat.
     if (bytes.size() < 25 && !bytes.startsWith("\xFE\xFF") && !bytes.startsWith("\xFF\xFE")) {
-        tokenizer.setEncoding(CharMode::Utf8, QByteArray(), InvalidBytes::Fail);
+        EXPECT_TRUE(tokenizer.setEncoding(CharMode::Utf8, {}, InvalidBytes::Fail));
     }
     tokenizer.setBalanced(true);
     Outline outline;

@@ -1,6 +1,16 @@
-// The grammar is that of RFC 8259 with these liberties: single quotes, unknown escapes, raw control
-// characters in strings, one comma before a closing bracket, NaN and infinities, numbers of any
-// shape, and several values one after the other.
+// The grammar of RFC 8259 (section 2), and the tokens that its parts become:
+//
+//     stream = *value                         DocumentStart ... DocumentEnd for each value
+//     value  = object / array / string / number / "true" / "false" / "null"
+//     object = "{" [ member *( "," member ) ] "}"
+//     member = string ":" value               Start(key) ... End(key)
+//     array  = "[" [ value *( "," value ) ] "]"
+//                                             Start(item name) ... End(item name) for each value
+//     string, number, true, false, null       Text
+//
+// Accepted beyond it: single quotes, unknown escapes, raw control characters in strings, one comma
+// before a closing bracket, NaN and infinities, any run of number characters, and several top-level
+// values.
 #include "codecs/markup/tokens/json_tokenizer.h"
 
 #include "base/limits.h"
@@ -18,7 +28,7 @@ namespace {
 
 constexpr size_t kFirstContainers = 512;
 
-/// Texts that stand in no buffer. The first is the name of the element whose container was closed.
+/// Numbers of the texts outside the buffer. kClosedName is m_closedName.
 enum External : quint32 { kClosedName, kUnderscore, kNan, kInf, kMinusInf, kFirstItemName };
 constexpr std::array<std::string_view, 5> kExternal{"", "_", "nan", "inf", "-inf"};
 
@@ -69,7 +79,7 @@ RawText JSONTokenizer::externalText(quint32 number) const
     return {text.data(), static_cast<quint32>(text.size()), TextForm::Detached};
 }
 
-MarkupError JSONTokenizer::detectEncoding(CharSource &source, QByteArrayView first)
+Result<void, MarkupError> JSONTokenizer::detectEncoding(CharSource &source, QByteArrayView first)
 {
     return source.setEncoding(guessJSONEncoding(first), QByteArray(), InvalidBytes::Fail);
 }
@@ -86,7 +96,7 @@ Token JSONTokenizer::nextToken()
     return token;
 }
 
-/// A member with a name and a value without escapes, up to the comma or brace behind it.
+/// A member whose name and value have no escapes, up to the comma or brace after it.
 bool JSONTokenizer::takeLeaf(Leaf *leaf)
 {
     if (m_state != State::Key || !m_begun || isFinished() || skipSpace(Hold::Nothing) != '"') {
@@ -109,24 +119,26 @@ bool JSONTokenizer::takeLeaf(Leaf *leaf)
     return finishLeaf(*leaf, *at == ',' ? at + 1 : at);
 }
 
-/// The value of a leaf at `*at`, which then is the separator behind it.
+/// The end of the number or lower-case literal at `at`; `at` itself if there is none.
+inline const char *JSONTokenizer::barewordEnd(const char *at) const
+{
+    if (*at == 't' || *at == 'f' || *at == 'n') {
+        const std::string_view word = *at == 't' ? "true" : (*at == 'f' ? "false" : "null");
+        return at + (std::memcmp(at, word.data(), word.size()) == 0 ? word.size() : 0);
+    }
+    const quint8 set = m_permissive ? charset::kPermissive : charset::kNumber;
+    while (isIn(*at, set)) {
+        ++at;
+    }
+    return at;
+}
+
+/// Scan the value of a leaf at `*at`; sets `*at` to the separator after it.
 inline bool JSONTokenizer::scanLeafValue(const char **at, Leaf *leaf)
 {
     const bool quoted = **at == '"';
     const char *const text = quoted ? *at + 1 : *at;
-    const char *textEnd = text;
-    if (quoted) {
-        textEnd = findStringStop(text, '"');
-    } else if (*text == 't' || *text == 'f' || *text == 'n') {
-        const std::string_view word = *text == 't' ? "true" : (*text == 'f' ? "false" : "null");
-        textEnd += std::memcmp(text, word.data(), word.size()) == 0 ? word.size() : 0;
-    } else {
-        const quint8 set = m_permissive ? charset::kPermissive : charset::kNumber;
-        while (isIn(*textEnd, set)) {
-            ++textEnd;
-        }
-        m_numberLength = textEnd - text;
-    }
+    const char *const textEnd = quoted ? findStringStop(text, '"') : barewordEnd(text);
     if (quoted ? *textEnd != '"' : textEnd == text) {
         return false;
     }
@@ -135,7 +147,7 @@ inline bool JSONTokenizer::scanLeafValue(const char **at, Leaf *leaf)
     return **at == ',' || **at == '}';
 }
 
-/// Go on by one construct; None when it gives no token.
+/// Read one construct; returns None if it does not produce a token.
 inline Token JSONTokenizer::step()
 {
     if (m_state == State::AfterValue) {
@@ -235,7 +247,8 @@ inline Token JSONTokenizer::readValue(char c)
     }
 }
 
-/// Enter a container. The name of the element that holds it leaves the buffer's care.
+/// Enter a container. Copies the name of the element that holds it, because the buffer may discard
+/// it before the container ends.
 bool JSONTokenizer::openContainer(bool object)
 {
     if (static_cast<qint64>(m_open.size()) >= limits::kElementDepth) {
@@ -281,7 +294,7 @@ Token JSONTokenizer::closeContainer(char c)
     return Token::None;
 }
 
-/// What follows the value of a member or item decides whether it is complete.
+/// A member or item is complete when a separator or a closing bracket follows its value.
 inline Token JSONTokenizer::afterValue()
 {
     const char c = skipSpace(m_scalar ? Hold::Token : Hold::Nothing);
@@ -291,7 +304,7 @@ inline Token JSONTokenizer::afterValue()
         return endElement();
     }
     if (c == '}' || c == ']') {
-        // The bracket itself is read again when the container is closed.
+        // The next step reads the bracket again and closes the container.
         if ((c == '}') != isObject()) {
             return fail(MarkupError::UnmatchedEndTag);
         }
@@ -308,39 +321,40 @@ inline Token JSONTokenizer::endElement()
     return finish(Token::End);
 }
 
-/// Scan a string from its opening quote; false when it has no end.
+/// Scan a string from its opening quote; false when it does not end.
 inline bool JSONTokenizer::scanString(char quote, TextSpan *text)
 {
     const char *at = here() + 1;
     const quint32 offset = fromToken(at);
     TextForm form = TextForm::Plain;
-    for (;;) {
-        at = findStringStop(at, quote);
-        if (*at == quote) {
-            break;
-        }
-        if (*at == '\\') {
-            form = TextForm::JsonEscaped;
-            ensure(&at, 2);
-            if (at[1] != 0) {
-                at += 2;
-                continue;
-            }
-            m_pos = static_cast<size_t>(at + 1 - data());
+    for (at = findStringStop(at, quote); *at != quote; at = findStringStop(at, quote)) {
+        if (!passStringStop(&at, &form)) {
+            moveTo(at);
             return false;
         }
-        if (*at == 0) {
-            if (at != end() || !refillAt(&at)) {
-                m_pos = static_cast<size_t>(at - data());
-                return false;
-            }
-            continue;
-        }
-        form = *at == '\r' || *at == '\n' ? TextForm::JsonEscaped : form;
-        ++at;
     }
     *text = span(offset, at, form);
-    m_pos = static_cast<size_t>(at + 1 - data());
+    moveTo(at + 1);
+    return true;
+}
+
+/// Pass a backslash with the byte after it, a control character, or the end of the buffer; false at
+/// the end of the data.
+bool JSONTokenizer::passStringStop(const char **at, TextForm *form)
+{
+    const char c = **at;
+    if (c == 0) {
+        return *at == end() && refillAt(at);
+    }
+    if (c == '\\') {
+        *form = TextForm::JsonEscaped;
+        ensure(at, 2);
+        const bool isComplete = (*at)[1] != 0;
+        *at += isComplete ? 2 : 1;
+        return isComplete;
+    }
+    *form = c == '\r' || c == '\n' ? TextForm::JsonEscaped : *form;
+    ++*at;
     return true;
 }
 
@@ -356,8 +370,8 @@ inline Token JSONTokenizer::readString(char quote)
     return finish(Token::Text);
 }
 
-/// How many characters of `word` (lower case) stand at `*at`, in any letter case. More data is
-/// asked for only as long as they match: it may belong to the next document.
+/// How many characters of `word` (lower case) are at `*at`, in any letter case. Refills only while
+/// they match, because the data after a mismatch may belong to the next document.
 qsizetype JSONTokenizer::matchingChars(const char **at, std::string_view word)
 {
     qsizetype n = 0;
@@ -373,7 +387,7 @@ qsizetype JSONTokenizer::matchingChars(const char **at, std::string_view word)
 
 Token JSONTokenizer::failAt(const char *at, MarkupError error)
 {
-    m_pos = static_cast<size_t>(at - data());
+    moveTo(at);
     return fail(error);
 }
 
@@ -412,7 +426,6 @@ inline Token JSONTokenizer::readNumber()
         }
     } while (at == end() && refillAt(&at));
     m_text = span(offset, at, TextForm::Plain);
-    m_numberLength = m_text.size();
     if (!m_permissive && (matches(&at, "n") || matches(&at, "i"))) {
         return readSpecialNumber(at, data()[m_keep + offset] == '-');
     }
@@ -420,7 +433,7 @@ inline Token JSONTokenizer::readNumber()
                               : finishBareValue(at, MarkupError::InvalidNumber);
 }
 
-/// "NaN", "INF" or "Infinity" in any case, behind an optional sign.
+/// "NaN", "INF" or "Infinity" in any case, after an optional sign.
 Token JSONTokenizer::readSpecialNumber(const char *at, bool negative)
 {
     constexpr std::string_view kInfinity = "infinity";
@@ -438,15 +451,15 @@ Token JSONTokenizer::readSpecialNumber(const char *at, bool negative)
     return finishBareValue(at + (isLong ? letters : kShort), MarkupError::InvalidNumber);
 }
 
-/// A value without quotes ends at `at`: only a separator may follow.
+/// Complete a value without quotes, which ends at `at`: only a separator may follow.
 inline Token JSONTokenizer::finishBareValue(const char *at, MarkupError error)
 {
     ensure(&at, 1);
-    // Where the data broke off, what was read may be only a part of the value.
+    // After a failure of the source, the value may be incomplete.
     if (!mayFollowBareValue(*at) || isBrokenAt(at)) {
         return failAt(at, error);
     }
-    m_pos = static_cast<size_t>(at - data());
+    moveTo(at);
     m_scalar = true;
     m_state = State::AfterValue;
     return finish(Token::Text);

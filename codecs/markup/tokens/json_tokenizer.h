@@ -1,8 +1,7 @@
-// codecs/markup/tokens/json_tokenizer.h
-// JSON in the vocabulary of elements: a member is an element named by its key, an array item one
-// named by the array-item name, a scalar is text.
+// Splits JSON into tokens: a member is an element named by its key, an array item is an element
+// with the array-item name, a scalar is text.
 //
-// What is accepted beyond RFC 8259, and what is refused with which code: docs/formats/markup.md.
+// docs/formats/markup.md lists what is accepted beyond RFC 8259 and the codes of what is rejected.
 #pragma once
 #include "codecs/markup/tokens/tokenizer.h"
 
@@ -13,45 +12,44 @@
 
 namespace corvanta::markup {
 
+/// Threads: one at a time.
 class JSONTokenizer final : public MarkupTokenizer
 {
 public:
-    /// What a value at the top of the stream is.
+    /// The type of a top-level value.
     enum class DocumentKind : quint8 { Scalar, Object, Array };
 
+    /// Read from `source`, which must outlive the tokenizer. `bufferChars` as in setBufferSize().
     JSONTokenizer(ByteSource &source, qint64 bufferChars, std::u16string_view arrayItemName = u"a");
 
     void restart(ByteSource &source) override;
 
-    /// Name the items of the arrays that begin from now on; no name at all is the empty name.
+    /// Set the name of the items of all arrays that begin later; std::nullopt means the empty name.
     void setArrayItemName(std::optional<std::u16string_view> name);
 
-    /// Take any run of the usual characters as an unquoted value.
+    /// Accept any run of the characters of charset::kPermissive as an unquoted value.
     void setPermissiveNumbers(bool on) { m_permissive = on; }
 
     Token nextToken() override;
     bool takeLeaf(Leaf *leaf) override;
 
-    /// With document marks on, after DocumentStart: what the value is.
+    /// The type of the value that the last DocumentStart began.
     DocumentKind documentKind() const { return m_documentKind; }
 
     /// True while a container is open.
     bool isInsideValue() const { return !m_open.empty(); }
 
-    /// Characters of the last number.
-    qsizetype numberLength() const { return m_numberLength; }
-
     RawText externalText(quint32 number) const override;
 
 protected:
-    MarkupError detectEncoding(CharSource &source, QByteArrayView first) override;
+    Result<void, MarkupError> detectEncoding(CharSource &source, QByteArrayView first) override;
 
 private:
     enum class State : quint8 { Top, Key, Item, Value, AfterValue };
-    /// An open "{" or "["; the bytes of its own element's name lie in m_names.
+    /// An open "{" or "[". The bytes of the name of the element that holds it are in m_names.
     struct Container
     {
-        quint32 itemName = 0; ///< external text that names the items; 0: an object
+        quint32 itemName = 0; ///< number of the external text that names the items; 0: an object
         quint32 nameSize = 0;
         TextForm nameForm = TextForm::Plain;
         quint32 nameExternal = 0;
@@ -69,13 +67,16 @@ private:
     Token endElement();
     Token missingEnd();
     bool scanString(char quote, TextSpan *text);
+    bool passStringStop(const char **at, TextForm *form);
     Token readString(char quote);
     Token readLiteral(char c);
+    const char *barewordEnd(const char *at) const;
     qsizetype matchingChars(const char **at, std::string_view word);
     bool matches(const char **at, std::string_view word)
     {
         return matchingChars(at, word) == static_cast<qsizetype>(word.size());
     }
+    void moveTo(const char *at) { m_pos = static_cast<size_t>(at - data()); }
     Token failAt(const char *at, MarkupError error);
     bool scanLeafValue(const char **at, Leaf *leaf);
     Token readNumber();
@@ -86,15 +87,13 @@ private:
     State m_state = State::Top;
     DocumentKind m_documentKind = DocumentKind::Scalar;
     bool m_permissive = false;
-    bool m_scalar =
-        false; ///< the value just read was no container: its name is still in the buffer
-    qsizetype m_numberLength = 0;
-    TextSpan m_name;      ///< of the open element
-    RawText m_closedName; ///< of an element whose container was closed
+    bool m_scalar = false; ///< the last value was a scalar, so its name is still in the buffer
+    TextSpan m_name;       ///< name of the open element
+    RawText m_closedName;  ///< name of the element whose container was closed last
     std::vector<Container> m_open;
-    std::vector<char> m_names;
+    std::vector<char> m_names; ///< names of the elements that hold m_open, without separators
     std::vector<std::string> m_itemNames;
-    quint32 m_itemName = 0;
+    quint32 m_itemName = 0; ///< number of the external text for arrays that begin now
 };
 
 } // namespace corvanta::markup

@@ -106,14 +106,14 @@ TEST(LargeToken, IsReadInLinearTime)
                                             {"<a><!--", "-->", Token::Clear}}) {
         RepeatingSource source = sourceOf(head, tail);
         XMLTokenizer xml(source, 0);
-        xml.setEncoding(CharMode::Utf8, QByteArray(), InvalidBytes::Fail);
+        ASSERT_TRUE(xml.setEncoding(CharMode::Utf8, {}, InvalidBytes::Fail));
         ASSERT_EQ(xml.nextToken(), Token::Start);
         ASSERT_EQ(xml.nextToken(), token) << head;
         EXPECT_EQ(xml.rawText().size, kBytes) << head;
     }
     RepeatingSource source = sourceOf("<a b='", "'/>");
     XMLTokenizer xml(source, 0);
-    xml.setEncoding(CharMode::Utf8, QByteArray(), InvalidBytes::Fail);
+    ASSERT_TRUE(xml.setEncoding(CharMode::Utf8, {}, InvalidBytes::Fail));
     ASSERT_EQ(xml.nextToken(), Token::Start);
     EXPECT_EQ(xml.attributeValue(0).size, kBytes);
 }

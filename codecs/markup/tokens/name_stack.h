@@ -1,5 +1,4 @@
-// codecs/markup/tokens/name_stack.h
-// The names of the open elements, one after the other in memory that is used again.
+// Keeps the names of the open elements, one after the other, in memory that is reused.
 #pragma once
 #include <QtGlobal>
 
@@ -21,22 +20,24 @@ public:
         m_used = 0;
     }
 
+    /// Add the name of a new innermost element.
     void push(std::string_view name)
     {
         if (m_bytes.size() - m_used < name.size()) {
             m_bytes.resize((m_used + name.size()) * 2);
         }
-        // Not memcpy: a name may be empty, and then the memory too.
+        // Not memcpy: for an empty name, m_bytes may have no memory.
         std::copy(name.begin(), name.end(), m_bytes.begin() + static_cast<ptrdiff_t>(m_used));
         m_starts.push_back(m_used);
         m_used += name.size();
     }
-    /// The bytes of the popped name stay where they are until the next push().
+    /// Remove the name of the innermost element. Views of it stay valid until the next push().
     void pop()
     {
         m_used = m_starts.back();
         m_starts.pop_back();
     }
+    /// Name of the innermost element. Valid until the next push().
     std::string_view top() const
     {
         return {m_bytes.data() + m_starts.back(), m_used - m_starts.back()};
@@ -51,8 +52,8 @@ public:
 
 private:
     std::vector<char> m_bytes;
-    std::vector<size_t> m_starts;
-    size_t m_used = 0;
+    std::vector<size_t> m_starts; ///< offsets in m_bytes, outermost element first
+    size_t m_used = 0;            ///< bytes of m_bytes in use
 };
 
 } // namespace corvanta::markup

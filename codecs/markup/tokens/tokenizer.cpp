@@ -1,3 +1,12 @@
+// The buffer (m_data), whose offsets are all relative to its first byte:
+//
+//     0 <= m_pin <= m_keep <= m_pos <= m_end <= m_capacity
+//     |    |        |         |        |        kPadding zeros follow m_end
+//     |    |        |         |        end of the data that was read
+//     |    |        |         next character
+//     |    |        start of the current token
+//     |    start of the pinned record (kNoPin: none)
+//     bytes before min(m_pin, m_keep) are discarded by the next refill()
 #include "codecs/markup/tokens/tokenizer.h"
 
 #include "base/limits.h"
@@ -10,9 +19,9 @@ namespace corvanta::markup {
 
 namespace {
 
-/// Zeros behind the data: scans stop at the first and may load a whole block from anywhere.
+/// Zeros after the data: scans stop at the first one and may load a whole block from any place.
 constexpr size_t kPadding = kReadAhead;
-/// Bytes asked for at a time: small enough to stay in the cache until they are parsed.
+/// Bytes per read: few enough to stay in the cache until they are parsed.
 constexpr size_t kFillBytes = 256 * 1024;
 
 } // namespace
@@ -34,12 +43,13 @@ bool MarkupTokenizer::setBufferSize(qint64 characters)
     return true;
 }
 
-MarkupError MarkupTokenizer::setEncoding(CharMode mode, const QByteArray &name,
-                                         InvalidBytes invalid)
+Result<void, MarkupError> MarkupTokenizer::setEncoding(CharMode mode, const QByteArray &name,
+                                                       InvalidBytes invalid)
 {
     m_encodingGiven = true;
-    m_pendingError = m_source.setEncoding(mode, name, invalid);
-    return m_pendingError;
+    const auto set = m_source.setEncoding(mode, name, invalid);
+    m_pendingError = set ? std::nullopt : std::optional(set.fault().code);
+    return set;
 }
 
 void MarkupTokenizer::restart(ByteSource &source)
@@ -51,7 +61,8 @@ void MarkupTokenizer::restart(ByteSource &source)
     m_begun = m_ended = m_encodingGiven = false;
     m_pin = kNoPin;
     m_token = Token::None;
-    m_error = m_pendingError = MarkupError::None;
+    m_error = MarkupError::None;
+    m_pendingError.reset();
     m_discarded = {};
 }
 
@@ -70,32 +81,40 @@ bool MarkupTokenizer::allocate(size_t capacity)
     return true;
 }
 
+/// Guess the encoding, unless it was given.
+Result<void, MarkupError> MarkupTokenizer::findEncoding()
+{
+    if (m_encodingGiven) {
+        return {};
+    }
+    const auto first = m_source.peek();
+    if (!first) {
+        return first.fault();
+    }
+    return detectEncoding(m_source, *first);
+}
+
 bool MarkupTokenizer::begin()
 {
     m_begun = true;
-    if (!m_data && !allocate(m_capacity)) {
-        m_ended = true;
-        fail(m_pendingError);
-        return false;
-    }
-    std::memset(m_data.get(), 0, kPadding);
-    if (!m_encodingGiven) {
-        QByteArrayView first;
-        m_pendingError = m_source.peek(&first);
-        if (m_pendingError == MarkupError::None) {
-            m_pendingError = detectEncoding(m_source, first);
+    bool canRead = m_data || allocate(m_capacity);
+    if (canRead) {
+        std::memset(m_data.get(), 0, kPadding);
+        if (const auto found = findEncoding(); !found) {
+            m_pendingError = found.fault().code;
         }
+        canRead = !m_pendingError;
     }
-    if (m_pendingError != MarkupError::None) {
+    if (!canRead) {
         m_ended = true;
-        fail(m_pendingError);
+        fail(*m_pendingError);
         return false;
     }
     refill();
     return true;
 }
 
-/// Whether a token or record of the present size may grow further.
+/// Whether the current token and the pinned record may grow further.
 bool MarkupTokenizer::isWithinLimits()
 {
     if (static_cast<qint64>(m_end - m_keep) > limits::kTokenChars) {
@@ -103,7 +122,22 @@ bool MarkupTokenizer::isWithinLimits()
     } else if (m_pin != kNoPin && static_cast<qint64>(m_end - m_pin) > limits::kTreeArenaBytes) {
         m_pendingError = MarkupError::TreeTooLarge;
     }
-    return m_pendingError == MarkupError::None;
+    return !m_pendingError;
+}
+
+/// Discard the bytes before the current token, or before the pinned place.
+void MarkupTokenizer::discardRead()
+{
+    const size_t from = std::min(m_pin, m_keep);
+    if (from == 0) {
+        return;
+    }
+    m_discarded.advance(m_data.get(), static_cast<qsizetype>(from));
+    std::memmove(m_data.get(), m_data.get() + from, m_end - from);
+    m_end -= from;
+    m_pos -= from;
+    m_keep -= from;
+    m_pin -= m_pin == kNoPin ? 0 : from;
 }
 
 bool MarkupTokenizer::refill()
@@ -111,29 +145,21 @@ bool MarkupTokenizer::refill()
     if (m_ended) {
         return false;
     }
-    const size_t from = std::min(m_pin, m_keep);
-    if (from > 0) {
-        m_discarded.advance(m_data.get(), static_cast<qsizetype>(from));
-        std::memmove(m_data.get(), m_data.get() + from, m_end - from);
-        m_end -= from;
-        m_pos -= from;
-        m_keep -= from;
-        m_pin -= m_pin == kNoPin ? 0 : from;
-    }
+    discardRead();
     const bool isFull = m_capacity - m_end < static_cast<size_t>(CharSource::kMinRoom);
     if (!isWithinLimits() || (isFull && !allocate(m_capacity * 2))) {
         m_ended = true;
         return false;
     }
-    const qsizetype got = m_source.read(
+    const auto got = m_source.read(
         m_data.get() + m_end, static_cast<qsizetype>(std::min(m_capacity - m_end, kFillBytes)));
-    m_end += static_cast<size_t>(got);
+    m_end += got ? static_cast<size_t>(*got) : 0;
     std::memset(m_data.get() + m_end, 0, kPadding);
-    if (got == 0) {
-        m_ended = true;
-        m_pendingError = m_source.error();
+    if (!got) {
+        m_pendingError = got.fault().code;
     }
-    return got > 0;
+    m_ended = !got || *got == 0;
+    return !m_ended;
 }
 
 bool MarkupTokenizer::refillAt(const char **at)
@@ -169,7 +195,7 @@ char MarkupTokenizer::skipSpaceSlow(Hold hold)
 
 Token MarkupTokenizer::fail(MarkupError code)
 {
-    m_error = isBrokenAt(here()) ? m_pendingError : code;
+    m_error = isBrokenAt(here()) ? *m_pendingError : code;
     m_text = {};
     return finish(Token::Error);
 }
@@ -177,7 +203,7 @@ Token MarkupTokenizer::fail(MarkupError code)
 Token MarkupTokenizer::endOfData()
 {
     if (isBrokenAt(here())) {
-        return fail(m_pendingError);
+        return fail(*m_pendingError);
     }
     m_text = {};
     return finish(Token::EndOfData);
@@ -206,7 +232,7 @@ LineCounter MarkupTokenizer::position() const
     return counter;
 }
 
-// Kept as required: the numbers 8 and 1, and no token for the end of the data.
+// Callers test for the numbers 8 and 1; the end of the data is not a token here.
 int MarkupTokenizer::skipCharacter()
 {
     constexpr int kAtEnd = 1;
@@ -215,8 +241,7 @@ int MarkupTokenizer::skipCharacter()
     }
     m_keep = m_pos;
     if (here() == end() && !refill()) {
-        return m_pendingError == MarkupError::None ? kAtEnd
-                                                   : static_cast<int>(fail(m_pendingError));
+        return m_pendingError ? static_cast<int>(fail(*m_pendingError)) : kAtEnd;
     }
     do {
         ++m_pos;

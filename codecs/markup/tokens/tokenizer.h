@@ -1,8 +1,11 @@
-// codecs/markup/tokens/tokenizer.h
-// What the XML and the JSON tokenizer share: the refillable buffer, positions, errors.
+// The base of the XML and the JSON tokenizer: the refillable buffer, positions and errors.
 //
-// The buffer holds UTF-8. Texts are not copied: a token is a place in the buffer, decoded to UTF-16
-// when somebody asks. Tokens do not depend on the buffer's size or on how the bytes arrive.
+// The buffer holds UTF-8. Texts are not copied: a token refers to a range of the buffer, which is
+// decoded to UTF-16 on demand. Tokens do not depend on the size of the buffer or of the reads.
+//
+// Functions that run once per document return a Result. Functions that run once per token return
+// the token kind, because a Result would cost more than the token itself: after Token::Error,
+// errorCode() says what failed, and line() and column() say where.
 #pragma once
 #include "base/byte_source.h"
 #include "codecs/markup/text/char_source.h"
@@ -12,6 +15,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace corvanta::markup {
@@ -21,18 +25,18 @@ enum class Token : quint8 {
     Start = 1, ///< XML start tag; JSON member or array item
     End = 2,   ///< the end of what Start began
     Text = 3,
-    Clear = 4,       ///< CDATA, DOCTYPE, comment, script ...
+    Clear = 4,       ///< CDATA, DOCTYPE, comment, script and other sections without markup
     Instruction = 5, ///< <?...?>
     EndOfData = 6,
     Error = 8,
-    DocumentStart = 9, ///< only with setDocumentMarks(): a value at the top of a JSON stream begins
-    DocumentEnd = 10,  ///< only with setDocumentMarks(): it is complete
+    DocumentStart = 9, ///< only with setDocumentMarks(): a top-level JSON value begins
+    DocumentEnd = 10,  ///< only with setDocumentMarks(): that value is complete
 };
 
 enum class ClearKind : quint8 { CData, DocType, Comment, Pre, Script, CapitalScript, Other };
 
-/// A piece of the buffer, counted from the start of the current token, or the number of a text
-/// outside. One word, so that it is copied in one go: tokens are made by the ten million.
+/// A range of the buffer, relative to the start of the current token, or the number of a text
+/// outside the buffer. One machine word, because tens of millions of them are copied.
 class TextSpan
 {
 public:
@@ -48,14 +52,14 @@ public:
     TextForm form() const { return static_cast<TextForm>(m_bits & kFormMask); }
     bool isExternal() const { return form() == TextForm::External; }
 
-    /// The same, counted from a place `distance` bytes before.
+    /// The same range, relative to a place `distance` bytes earlier.
     TextSpan movedBy(size_t distance) const
     {
         TextSpan moved;
         moved.m_bits = m_bits + (isExternal() ? 0 : quint64(distance) << kOffsetShift);
         return moved;
     }
-    /// Without the first `n` bytes.
+    /// The range without its first `n` bytes.
     TextSpan without(quint32 n) const { return {offset() + n, size() - n, form()}; }
 
 private:
@@ -75,84 +79,87 @@ public:
     MarkupTokenizer &operator=(const MarkupTokenizer &) = delete;
     virtual ~MarkupTokenizer();
 
-    /// Characters that the buffer holds at first, at least 1024; it grows to hold a longer token.
-    /// False, and nothing changed, once tokens were returned.
+    /// Set the initial size of the buffer, at least kMinBufferChars; it grows to hold a longer
+    /// token. Returns false, and changes nothing, once tokens were returned.
     bool setBufferSize(qint64 characters);
 
-    /// Go on with another document, as if newly made with the same options; the memory is kept.
+    /// Start another document, as a new tokenizer with the same options; keeps the memory.
     virtual void restart(ByteSource &source);
 
-    /// The first kGuessBytes of the document, or all of a shorter one, before the first token.
+    /// The first kGuessBytes of the document, or all of a shorter one. Call before the first token.
     /// Errors: CannotRead.
-    MarkupError peek(QByteArrayView *first) { return m_source.peek(first); }
+    Result<QByteArrayView, MarkupError> peek() { return m_source.peek(); }
 
-    /// Say how the bytes are encoded instead of guessing, before the first token. Errors are also
-    /// those of the first token: CannotConvert for a name that iconv does not know.
-    MarkupError setEncoding(CharMode mode, const QByteArray &name, InvalidBytes invalid);
+    /// Set how the bytes are encoded instead of guessing it. Call before the first token. Errors,
+    /// which the first token reports too: CannotConvert for a name that iconv does not know;
+    /// CannotRead.
+    Result<void, MarkupError> setEncoding(CharMode mode, const QByteArray &name,
+                                          InvalidBytes invalid);
 
-    /// With this on, every Start gets its End before EndOfData: what is still open at the end of
-    /// the data is an error (UnmatchedEndTag).
+    /// When on, every Start gets its End before EndOfData: an element that is still open at the end
+    /// of the data is an error (UnmatchedEndTag).
     void setBalanced(bool on) { m_balanced = on; }
 
-    /// Report where the values at the top of a JSON stream begin and end.
+    /// When on, report where top-level values of a JSON stream begin and end.
     void setDocumentMarks(bool on) { m_documentMarks = on; }
 
-    /// The next token. After Error always Error, after EndOfData always EndOfData.
+    /// Read the next token. After Error it is always Error, after EndOfData always EndOfData.
     virtual Token nextToken() = 0;
 
-    /// An element with nothing in it but, perhaps, one text.
+    /// An element that holds at most one text.
     struct Leaf
     {
         TextSpan name;
         TextSpan text;
         bool hasText = false;
     };
-    /// Take three tokens in one step: where the next element is a leaf, as simply written as most
-    /// of them are, fill `leaf` and stand at its End. False, and no token taken, where it is not:
-    /// then nextToken() tells what it is.
+    /// Read a leaf (Start, Text and End) in one step, when the next element is one in its common
+    /// notation: fill `leaf` and make its End the current token. Otherwise returns false and reads
+    /// nothing; nextToken() then reads the element.
     virtual bool takeLeaf(Leaf *leaf) = 0;
 
     /// The kind of the current token.
     Token token() const { return m_token; }
 
-    /// Name or text of the current token, NUL-terminated, decoded; valid until the next call.
+    /// Name or text of the current token, NUL-terminated, decoded. Valid until the next call.
     std::u16string_view text();
     std::u16string_view name() { return text(); }
-    /// Its length in characters.
+    /// Length of text() in UTF-16 units.
     qsizetype length() { return static_cast<qsizetype>(text().size()); }
-    /// The same, not yet decoded.
+    /// Name or text of the current token, not decoded.
     RawText rawText() const { return resolve(m_text); }
-    /// What lies at a place that is counted from the current token's start.
+    /// The text at `span`, which is relative to the start of the current token.
     RawText resolve(TextSpan span) const;
 
-    /// Where the tokenizer stands: lines count from 1, columns from 0.
+    /// The position after the current token: lines count from 1, columns from 0 in UTF-16 units.
     qint64 line() const { return position().line(); }
     qint64 column() const { return position().column(); }
 
+    /// Why the last token is Error; None before that.
     MarkupError errorCode() const { return m_error; }
 
-    /// Elements that are open.
+    /// Number of open elements.
     qint64 depth() const { return m_depth; }
 
-    /// True when bytes were dropped that are no character (InvalidBytes::Discard).
+    /// True when invalid bytes were dropped (InvalidBytes::Discard).
     bool hasDiscarded() const { return m_source.hasDiscarded(); }
 
-    /// Step past one character: 0, or 1 at the end of the data, or 8 (an Error token) when reading
-    /// fails.
+    /// Skip one character. Returns 0, or 1 at the end of the data, or 8 (and an Error token) when
+    /// reading fails.
     int skipCharacter();
 
-    /// Keep everything from the current token on in memory, at one place, until unpin().
+    /// Keep the data in memory, contiguous, starting at the current token, until unpin().
     void pin() { m_pin = m_keep; }
     void unpin() { m_pin = kNoPin; }
-    /// The current token's start, counted from the pinned place.
+    /// Bytes from the pinned place to the start of the current token.
     size_t pinnedOffset() const { return m_keep - m_pin; }
-    /// Where the pinned bytes are now; moves with every nextToken().
+    /// The address of the pinned bytes; every nextToken() may change it.
     const char *pinnedBytes() const { return m_data.get() + m_pin; }
-    /// The place of the current token's name or text.
+    /// The range of the current token's name or text.
     TextSpan textSpan() const { return m_text; }
-    /// This tokenizer, when it is one that has attributes; else null.
+    /// This tokenizer if it reads XML, otherwise null.
     virtual const XMLTokenizer *asXml() const { return nullptr; }
-    /// A text outside the buffer, by number.
+    /// The text outside the buffer with this number.
     virtual RawText externalText(quint32 number) const = 0;
 
     static constexpr qint64 kMinBufferChars = 1024;
@@ -160,21 +167,22 @@ public:
 protected:
     MarkupTokenizer(ByteSource &source, qint64 bufferChars);
 
-    /// Choose the character mode from the document's first bytes.
-    virtual MarkupError detectEncoding(CharSource &source, QByteArrayView first) = 0;
+    /// Choose the character mode from the first bytes of the document.
+    virtual Result<void, MarkupError> detectEncoding(CharSource &source, QByteArrayView first) = 0;
 
-    /// Allocate, detect and fill before the first token; false after a failure.
+    /// Allocate the buffer, detect the encoding and fill the buffer before the first token. Returns
+    /// false, with an Error token, after a failure.
     bool begin();
-    /// Read more behind m_end; false at the end of the data or after a failure. Moves the buffer's
-    /// content: all indexes are adjusted, pointers into the buffer are not.
+    /// Append data at m_end; returns false at the end of the data and after a failure. Moves the
+    /// content of the buffer: adjusts all indexes, but not pointers into the buffer.
     bool refill();
-    /// refill() in the middle of a scan that has reached the end of the buffer at `*at`.
+    /// Call refill() during a scan that reached the end of the buffer at `*at`; adjusts `*at`.
     bool refillAt(const char **at);
-    /// At least `n` bytes from `*at` on, or as many as there are.
+    /// Refill until `n` bytes follow `*at`, or the data ends.
     void ensure(const char **at, qsizetype n);
-    /// What skipSpace() may let go of when it refills.
+    /// What skipSpace() keeps in the buffer when it refills.
     enum class Hold : quint8 { Nothing, Token };
-    /// The first character at or behind the position that is no blank; 0 at the end of the data.
+    /// Skip spaces; returns the next character, 0 at the end of the data.
     char skipSpace(Hold hold)
     {
         const char *at = here();
@@ -185,12 +193,10 @@ protected:
         return *at != 0 ? *at : skipSpaceSlow(hold);
     }
 
-    /// True when `at` is where the data broke off with an error.
-    bool isBrokenAt(const char *at) const
-    {
-        return at == end() && m_ended && m_pendingError != MarkupError::None;
-    }
-    /// Fail at the position; where the data broke off, its error counts instead of `code`.
+    /// True when `at` is where a failure ended the data.
+    bool isBrokenAt(const char *at) const { return at == end() && m_ended && m_pendingError; }
+    /// Set the error and return an Error token. Where a failure ended the data, its error replaces
+    /// `code`.
     Token fail(MarkupError code);
     Token endOfData();
     Token finish(Token token)
@@ -209,7 +215,7 @@ protected:
     {
         return static_cast<quint32>(at - m_data.get() - static_cast<ptrdiff_t>(m_keep));
     }
-    /// What takeLeaf() ends with: a leaf from the position to `stop`.
+    /// Complete takeLeaf(): the leaf extends from the position to `stop`. Returns true.
     bool finishLeaf(const Leaf &leaf, const char *stop)
     {
         m_text = leaf.name;
@@ -231,6 +237,8 @@ private:
     static constexpr size_t kNoPin = ~size_t(0);
 
     char skipSpaceSlow(Hold hold);
+    Result<void, MarkupError> findEncoding();
+    void discardRead();
     bool isWithinLimits();
     bool allocate(size_t capacity);
     LineCounter position() const;
@@ -246,8 +254,8 @@ private:
     bool m_documentMarks = false;
     Token m_token = Token::None;
     MarkupError m_error = MarkupError::None;
-    MarkupError m_pendingError = MarkupError::None; ///< what ended the data, if not its end
-    LineCounter m_discarded;                        ///< lines and columns before the buffer
+    std::optional<MarkupError> m_pendingError; ///< the failure that ended the data
+    LineCounter m_discarded;                   ///< position of the start of the buffer
     std::u16string m_decoded;
 };
 

@@ -1,5 +1,4 @@
-// codecs/markup/tokens/trace.h
-// Tokens as one readable line, for tests and fuzz targets.
+// Writes tokens as one readable line, for tests and fuzz targets.
 #pragma once
 #include "codecs/markup/tokens/json_tokenizer.h"
 #include "codecs/markup/tokens/xml_tokenizer.h"
@@ -8,7 +7,8 @@
 
 namespace corvanta::markup {
 
-/// "<a 'text' >a" for a start, a text and an end; errors as "!code". Attributes follow their start.
+/// One token as text: "<a x=1" for a Start with an attribute, "'text'", ">a" for an End, "!code"
+/// for an Error.
 inline std::u16string traceToken(MarkupTokenizer &tokenizer, Token token)
 {
     switch (token) {
@@ -43,7 +43,7 @@ inline std::u16string traceToken(MarkupTokenizer &tokenizer, Token token)
     return u"!" + std::u16string(code.begin(), code.end());
 }
 
-/// All tokens; with `leaves`, as many of them as can be had that way are taken by takeLeaf().
+/// All tokens, separated by spaces. With `leaves`, takeLeaf() reads those that it can read.
 inline std::u16string trace(MarkupTokenizer &tokenizer, bool leaves = false)
 {
     std::u16string out;

@@ -1,3 +1,14 @@
+// The parts of a document (XML 1.0, sections 2 and 3), and the tokens that they become:
+//
+//     <name a="v" b='w'>             Start, with attributes
+//     </name>                        End
+//     <name/>                        Start End
+//     text &amp; &#65; &#x41;        Text, without the spaces before it
+//     <?name ... ?>                  Instruction
+//     <![CDATA[ ... ]]>  <!-- ... -->  <!DOCTYPE ... [ ... ]>  and other sections: Clear
+//
+// HTML mode follows the parsing of the HTML standard (section 13.2) only as far as tables need it:
+// void elements, "tbody", attributes without value or quotes, and end tags that do not match.
 #include "codecs/markup/tokens/xml_tokenizer.h"
 
 #include "base/limits.h"
@@ -14,7 +25,8 @@ namespace corvanta::markup {
 namespace {
 
 constexpr qsizetype kLongestOpener = 9;
-/// How far up an HTML end tag looks for its element: keeps wild pages linear.
+/// How many open elements an HTML end tag searches for its element. The limit keeps the time for
+/// malformed HTML linear.
 constexpr size_t kHtmlSearchDepth = 512;
 
 struct ClearSection
@@ -24,7 +36,9 @@ struct ClearSection
     ClearKind kind;
 };
 
-/// Compared as written, in this order. Kept as required: "<script" also begins other names.
+/// Compared with letter case, in this order.
+// Kept for saved graphs: "<script" also matches names like "<scripts", because saved graphs count
+// sections in this way (XmlTokenizer.ReadsEveryNotation).
 constexpr std::array<ClearSection, 7> kSections{{
     {"<![CDATA[", "]]>", ClearKind::CData},
     {"<!DOCTYPE", "]>", ClearKind::DocType},
@@ -55,7 +69,7 @@ bool isOneOf(std::string_view name, const std::array<std::string_view, N> &names
                        [&](std::string_view known) { return equalsIgnoringCase(name, known); });
 }
 
-/// Elements that are dropped or never wait for an end tag.
+/// Elements that are dropped or have no end tag.
 bool isSpecialInHtml(std::string_view name)
 {
     return equalsIgnoringCase(name, "tbody") || isOneOf(name, kVoidElements);
@@ -63,7 +77,7 @@ bool isSpecialInHtml(std::string_view name)
 
 constexpr size_t kNoSection = kSections.size();
 
-/// The section that `at` (a "<") opens, or kNoSection.
+/// Index of the section that begins at `at` (a "<"), or kNoSection.
 inline size_t openedSection(const char *at)
 {
     const char second = at[1];
@@ -99,12 +113,12 @@ void XMLTokenizer::restart(ByteSource &source)
     m_names.clear();
 }
 
-MarkupError XMLTokenizer::detectEncoding(CharSource &source, QByteArrayView first)
+Result<void, MarkupError> XMLTokenizer::detectEncoding(CharSource &source, QByteArrayView first)
 {
     const QByteArray name = guessEncoding(first);
     const CharMode mode = encodingCode(name);
     if (mode == CharMode::Error) {
-        return MarkupError::CannotConvert;
+        return Fault{MarkupError::CannotConvert};
     }
     return source.setEncoding(mode, name == "System" ? m_systemEncoding : name, InvalidBytes::Fail);
 }
@@ -128,12 +142,17 @@ Token XMLTokenizer::nextToken()
     return token;
 }
 
-/// "<name>text</name>" or "<name/>", without references and whole in the buffer.
+/// True where a leaf may begin.
+inline bool XMLTokenizer::isBetweenTags() const
+{
+    return m_begun && !isFinished() && !m_pendingEnd && m_pendingCloses == 0 &&
+           static_cast<qint64>(m_names.size()) < limits::kElementDepth;
+}
+
+/// "<name>text</name>" or "<name/>", without references and complete in the buffer.
 bool XMLTokenizer::takeLeaf(Leaf *leaf)
 {
-    const bool isBetween = m_begun && !isFinished() && !m_pendingEnd && m_pendingCloses == 0;
-    if (!isBetween || static_cast<qint64>(m_names.size()) >= limits::kElementDepth ||
-        skipSpace(Hold::Nothing) != '<') {
+    if (!isBetweenTags() || skipSpace(Hold::Nothing) != '<') {
         return false;
     }
     const char *const name = here() + 1;
@@ -161,7 +180,7 @@ bool XMLTokenizer::takeLeaf(Leaf *leaf)
     return finishLeaf(*leaf, stop);
 }
 
-/// Go on by one construct; None when it gives no token.
+/// Read one construct; returns None if it does not produce a token.
 Token XMLTokenizer::step()
 {
     if (m_pendingEnd) {
@@ -178,9 +197,12 @@ Token XMLTokenizer::step()
         return dataEnds();
     }
     m_keep = m_pos;
-    if (c != '<') {
-        return readText(here());
-    }
+    return c == '<' ? readTag() : readText(here());
+}
+
+/// Read the construct that begins with the "<" at the position.
+inline Token XMLTokenizer::readTag()
+{
     const char *at = here();
     ensure(&at, kLongestOpener);
     if (at[1] == '/') {
@@ -196,7 +218,7 @@ Token XMLTokenizer::step()
     return lacksName(at + 1) ? readText(at + 1) : readStartTag();
 }
 
-/// True in loose pages where no name can begin: a "<" that stands alone, "<=", "<2", "</>", "<? a".
+/// True in HTML mode where a name cannot begin: a single "<", "<=", "<2", "</>", "<? a".
 bool XMLTokenizer::lacksName(const char *at) const
 {
     if (!m_options.html) {
@@ -219,20 +241,20 @@ Token XMLTokenizer::dataEnds()
     return endOfData();
 }
 
-/// Step over the entity at `*at` (a "&"); false, with the error set, when it is none and must be.
+/// Skip the entity at `*at` (a "&"); fails when it is unknown and unknown ones are errors.
 bool XMLTokenizer::readEntityAt(const char **at)
 {
     ensure(at, kEntityBytes);
-    const Entity entity = readEntity(*at, end());
-    if (entity.kind != Entity::Kind::Character && !isLoose()) {
+    const std::optional<Entity> entity = readEntity(*at, end());
+    if (!entity && !isLoose()) {
         moveTo(end() - *at < kEntityBytes && isBrokenAt(end()) ? end() : *at);
         return failed(MarkupError::UnknownEntity);
     }
-    *at += entity.kind == Entity::Kind::Character ? entity.length : 1;
+    *at += entity ? entity->length : 1;
     return true;
 }
 
-/// Text from the token's start to the next "<"; the scan begins at `at`.
+/// Read a text, from the start of the token to the next "<"; the scan begins at `at`.
 Token XMLTokenizer::readText(const char *at)
 {
     TextForm form = TextForm::Plain;
@@ -257,12 +279,10 @@ Token XMLTokenizer::readText(const char *at)
     return finish(Token::Text);
 }
 
-/// Read a name at `*at`; false, with the error set, when a character is not allowed in it.
-bool XMLTokenizer::readName(const char **at, NameUse use, TextSpan *name)
+/// Read a name at `*at`; fails with `error` at a character that names must not have.
+bool XMLTokenizer::readName(const char **at, MarkupError error, TextSpan *name)
 {
     const quint32 offset = fromToken(*at);
-    const MarkupError error =
-        use == NameUse::Tag ? MarkupError::InvalidTagName : MarkupError::InvalidEndTagName;
     for (;;) {
         *at = skipNameChars(*at);
         const char c = **at;
@@ -280,13 +300,10 @@ bool XMLTokenizer::readName(const char **at, NameUse use, TextSpan *name)
     }
     moveTo(*at);
     *name = span(offset, *at, TextForm::Plain);
-    if (name->size() == 0) {
-        return failed(error);
-    }
-    return true;
+    return name->size() != 0 || failed(error);
 }
 
-/// The common end tag: the name of the innermost element and a ">".
+/// True for the common end tag: the name of the innermost element and a ">".
 inline bool XMLTokenizer::isExpectedEnd(const char *at) const
 {
     if (m_names.isEmpty()) {
@@ -308,18 +325,9 @@ Token XMLTokenizer::readEndTag()
     TextSpan name;
     const bool isNameless = lacksName(at);
     moveTo(at);
-    if (!isNameless && !readName(&at, NameUse::EndTag, &name)) {
+    if ((!isNameless && !readName(&at, MarkupError::InvalidEndTagName, &name)) || !closeEndTag()) {
         return token();
     }
-    char c = skipSpace(Hold::Token);
-    while (m_options.html && c != '>' && c != 0) {
-        ++m_pos;
-        c = skipSpace(Hold::Token);
-    }
-    if (c != '>') {
-        return fail(MarkupError::InvalidTagEnd);
-    }
-    ++m_pos;
     m_text = name;
     if (isNameless || (m_options.html && isOneOf(resolve(name).view(), kDroppedEnds))) {
         return Token::None;
@@ -334,8 +342,23 @@ Token XMLTokenizer::readEndTag()
     return finish(Token::End);
 }
 
-/// The end of an element by its tag, with the stack of open names: what does not fit is an error in
-/// XML; in HTML it closes everything down to its element, or means nothing.
+/// Pass the ">" of an end tag; in HTML mode, with everything before it.
+bool XMLTokenizer::closeEndTag()
+{
+    char c = skipSpace(Hold::Token);
+    while (m_options.html && c != '>' && c != 0) {
+        ++m_pos;
+        c = skipSpace(Hold::Token);
+    }
+    if (c != '>') {
+        return failed(MarkupError::InvalidTagEnd);
+    }
+    ++m_pos;
+    return true;
+}
+
+/// End the elements that an end tag called `name` closes. In XML only the innermost element may
+/// have that name. In HTML the tag closes everything up to its element, or is ignored.
 Token XMLTokenizer::closeFor(std::string_view name)
 {
     if (!m_names.isEmpty() && m_names.top() == name) {
@@ -378,12 +401,12 @@ bool XMLTokenizer::pushName(std::string_view name)
     return true;
 }
 
-/// Up to "?>"; in loose pages, which may lack the "?", up to the first ">".
+/// Read an instruction up to "?>"; in HTML mode, where the "?" may be missing, to the first ">".
 Token XMLTokenizer::readInstruction()
 {
     const char *at = here() + 2;
     TextSpan name;
-    if (!lacksName(at) && !readName(&at, NameUse::Tag, &name)) {
+    if (!lacksName(at) && !readName(&at, MarkupError::InvalidTagName, &name)) {
         return token();
     }
     const char last = m_options.html ? '>' : '?';
@@ -405,52 +428,55 @@ Token XMLTokenizer::readInstruction()
     return finish(Token::Instruction);
 }
 
-/// A section that is not looked into: everything up to its closer.
+/// Read a section up to its closer, without looking for tokens in it.
 Token XMLTokenizer::readClear(size_t opener)
 {
+    const char *const at = findCloser(here() + kSections[opener].opener.size(), opener, &m_text);
+    if (at == nullptr) {
+        return fail(MarkupError::UnmatchedClearTagEnd);
+    }
+    moveTo(at);
+    m_clearKind = kSections[opener].kind;
+    return finish(Token::Clear);
+}
+
+/// Find the end of a section whose content begins at `at`; sets `*text` to the content. Null, with
+/// the position at the end of the data, when there is no closer. A DOCTYPE without "[" ends at ">".
+const char *XMLTokenizer::findCloser(const char *at, size_t opener, TextSpan *text)
+{
     const ClearSection &section = kSections[opener];
-    const char *at = here() + section.opener.size();
     const quint32 start = fromToken(at);
     bool bracketed = section.kind != ClearKind::DocType;
-    for (;; ++at) {
-        const char *const stop = findEither(at, '>', bracketed ? '>' : '[');
-        at = stop;
+    for (;;) {
+        at = findEither(at, '>', bracketed ? '>' : '[');
         if (*at == 0) {
-            if (at == end() && refillAt(&at)) {
-                --at;
-                continue;
+            if (at != end() || !refillAt(&at)) {
+                moveTo(at);
+                return nullptr;
             }
-            moveTo(at);
-            return fail(MarkupError::UnmatchedClearTagEnd);
-        }
-        if (*at == '[') {
-            bracketed = true;
             continue;
         }
-        const auto closer = static_cast<quint32>(bracketed ? section.closer.size() : 1);
-        const quint32 size = fromToken(at + 1) - start;
-        if (size >= closer &&
-            std::memcmp(at + 1 - closer, section.closer.data() + section.closer.size() - closer,
-                        closer) == 0) {
-            m_text = {start, size - closer, TextForm::Plain};
-            break;
+        bracketed = bracketed || *at == '[';
+        const std::string_view closer = bracketed ? section.closer : ">";
+        const quint32 size = fromToken(++at) - start;
+        if (size >= closer.size() &&
+            std::memcmp(at - closer.size(), closer.data(), closer.size()) == 0) {
+            *text = {start, size - static_cast<quint32>(closer.size()), TextForm::Plain};
+            return at;
         }
     }
-    moveTo(at + 1);
-    m_clearKind = section.kind;
-    return finish(Token::Clear);
 }
 
 Token XMLTokenizer::readStartTag()
 {
     const char *at = here() + 1;
-    if (!readName(&at, NameUse::Tag, &m_name) || !readAttributes()) {
+    if (!readName(&at, MarkupError::InvalidTagName, &m_name) || !readAttributes()) {
         return token();
     }
     const std::string_view written = resolve(m_name).view();
     if (m_options.html && equalsIgnoringCase(written, "tbody")) {
         m_pendingEnd = false;
-        m_attributes.clear(); // they must not be taken for those of the next tag
+        m_attributes.clear(); // otherwise they would be attributes of the next tag
         return Token::None;
     }
     m_pendingEnd = m_pendingEnd || (m_options.html && isOneOf(written, kVoidElements));
@@ -473,50 +499,73 @@ void XMLTokenizer::cutNameSpace(TextSpan *name) const
     }
 }
 
-/// Everything behind a start tag's name; false with the error set.
+/// Read the rest of a start tag after its name.
 bool XMLTokenizer::readAttributes()
 {
     for (;;) {
-        const char c = skipSpace(Hold::Token);
-        if (c == '>') {
-            ++m_pos;
+        switch (nextTagPart()) {
+        case TagPart::Attribute:
+            if (!readAttribute()) {
+                return false;
+            }
+            break;
+        case TagPart::Skipped:
+            break;
+        case TagPart::End:
             return true;
-        }
-        if (c == '/') {
-            const char *at = here();
-            ensure(&at, 2);
-            moveTo(at + 1);
-            if (*here() == '>') {
-                ++m_pos;
-                m_pendingEnd = true;
-                return true;
-            }
-            if (!m_options.html) {
-                return failed(MarkupError::InvalidTagEnd);
-            }
-            continue;
-        }
-        if (m_options.html && (c == '=' || c == '?')) {
-            ++m_pos; // left over from something else
-            continue;
-        }
-        if (!isNameChar(c) && !m_options.ignoreInvalidCharInTagName) {
-            return failed(MarkupError::InvalidTagEnd);
-        }
-        if (c == 0 || c == '=' || c == '?') {
-            return failed(MarkupError::InvalidTagEnd);
-        }
-        if (!readAttribute()) {
+        case TagPart::Failed:
             return false;
         }
     }
+}
+
+/// Find the next part of a start tag. Passes everything but the first character of an attribute.
+inline XMLTokenizer::TagPart XMLTokenizer::nextTagPart()
+{
+    const char c = skipSpace(Hold::Token);
+    if (c == '>') {
+        ++m_pos;
+        return TagPart::End;
+    }
+    if (c == '/') {
+        return readSlash();
+    }
+    const bool isSeparator = c == '=' || c == '?';
+    if (isSeparator && m_options.html) {
+        ++m_pos; // left over from something else
+        return TagPart::Skipped;
+    }
+    const bool isAllowed = isNameChar(c) || m_options.ignoreInvalidCharInTagName;
+    if (!isAllowed || c == 0 || isSeparator) {
+        fail(MarkupError::InvalidTagEnd);
+        return TagPart::Failed;
+    }
+    return TagPart::Attribute;
+}
+
+/// Read "/>"; in HTML mode a "/" elsewhere is skipped.
+XMLTokenizer::TagPart XMLTokenizer::readSlash()
+{
+    const char *at = here();
+    ensure(&at, 2);
+    moveTo(at + 1);
+    if (*here() == '>') {
+        ++m_pos;
+        m_pendingEnd = true;
+        return TagPart::End;
+    }
+    if (!m_options.html) {
+        fail(MarkupError::InvalidTagEnd);
+        return TagPart::Failed;
+    }
+    return TagPart::Skipped;
 }
 
 bool XMLTokenizer::readAttribute()
 {
     Attribute attribute;
     const char *at = here();
-    if (!readName(&at, NameUse::Tag, &attribute.name)) {
+    if (!readName(&at, MarkupError::InvalidTagName, &attribute.name)) {
         return false;
     }
     if (skipSpace(Hold::Token) != '=') {
@@ -536,7 +585,7 @@ bool XMLTokenizer::readAttribute()
     return true;
 }
 
-/// A value from its opening quote on. A "<" in it is accepted.
+/// Read a value from its opening quote to the closing one. Accepts "<" in it.
 bool XMLTokenizer::readQuoted(char quote, TextSpan *value)
 {
     const char *at = here() + 1;
@@ -562,7 +611,7 @@ bool XMLTokenizer::readQuoted(char quote, TextSpan *value)
     return true;
 }
 
-/// A value of loose HTML that ends at a blank or at the tag's end.
+/// Read an HTML value without quotes, which ends at a space or at the end of the tag.
 bool XMLTokenizer::readUnquoted(TextSpan *value)
 {
     const char *at = here();

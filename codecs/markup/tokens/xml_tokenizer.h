@@ -1,7 +1,6 @@
-// codecs/markup/tokens/xml_tokenizer.h
-// XML, and HTML as loosely as it is written, as tokens.
+// Splits XML, and malformed HTML, into tokens.
 //
-// What is accepted beyond XML 1.0, and what is refused with which code: docs/formats/markup.md.
+// docs/formats/markup.md lists what is accepted beyond XML 1.0 and the codes of what is rejected.
 #pragma once
 #include "codecs/markup/tokens/name_stack.h"
 #include "codecs/markup/tokens/tokenizer.h"
@@ -14,12 +13,13 @@ namespace corvanta::markup {
 
 struct XMLOptions
 {
-    bool html = false;
-    bool ignoreUnknownEntities = false;
-    bool discardNameSpaces = false;
-    bool ignoreInvalidCharInTagName = false;
+    bool html = false;                  ///< accept malformed HTML; void elements need no end tag
+    bool ignoreUnknownEntities = false; ///< an unknown entity stays in the text
+    bool discardNameSpaces = false;     ///< names lose everything up to their first colon
+    bool ignoreInvalidCharInTagName = false; ///< accept any character in names
 };
 
+/// Threads: one at a time.
 class XMLTokenizer final : public MarkupTokenizer
 {
 public:
@@ -29,49 +29,57 @@ public:
         TextSpan value;
     };
 
+    /// Read from `source`, which must outlive the tokenizer. `bufferChars` as in setBufferSize().
     XMLTokenizer(ByteSource &source, qint64 bufferChars);
 
     void restart(ByteSource &source) override;
 
-    /// May be changed between tokens.
+    /// Set the options; allowed between tokens.
     void setOptions(const XMLOptions &options) { m_options = options; }
 
-    /// The encoding that stands for "System" when it is guessed.
+    /// Set the encoding to use when the guess is "System". Default: windows-1252.
     void setSystemEncoding(const QByteArray &name) { m_systemEncoding = name; }
 
     Token nextToken() override;
     bool takeLeaf(Leaf *leaf) override;
 
-    /// Attributes of the current Start, in document order.
+    /// Attributes of the current Start, in document order. Valid until the next token.
     std::span<const Attribute> attributes() const { return m_attributes; }
     RawText attributeName(size_t i) const { return resolve(m_attributes[i].name); }
     RawText attributeValue(size_t i) const { return resolve(m_attributes[i].value); }
 
-    /// What the current Clear section is.
+    /// The kind of the current Clear section.
     ClearKind clearKind() const { return m_clearKind; }
 
     RawText externalText(quint32 number) const override;
     const XMLTokenizer *asXml() const override { return this; }
 
 protected:
-    MarkupError detectEncoding(CharSource &source, QByteArrayView first) override;
+    Result<void, MarkupError> detectEncoding(CharSource &source, QByteArrayView first) override;
 
 private:
-    enum class NameUse : quint8 { Tag, EndTag };
+    // Functions that return bool return false for a failure, after fail() made an Error token.
 
+    bool isBetweenTags() const;
     Token step();
+    Token readTag();
     Token readText(const char *at);
     bool readEntityAt(const char **at);
     bool isExpectedEnd(const char *at) const;
     Token readEndTag();
+    bool closeEndTag();
     bool lacksName(const char *at) const;
     Token endElement();
     Token readInstruction();
     Token readClear(size_t opener);
+    const char *findCloser(const char *at, size_t opener, TextSpan *text);
     Token readStartTag();
-    bool readName(const char **at, NameUse use, TextSpan *name);
+    bool readName(const char **at, MarkupError error, TextSpan *name);
     void cutNameSpace(TextSpan *name) const;
+    enum class TagPart : quint8 { Attribute, Skipped, End, Failed };
     bool readAttributes();
+    TagPart nextTagPart();
+    TagPart readSlash();
     bool readAttribute();
     bool readQuoted(char quote, TextSpan *value);
     bool readUnquoted(TextSpan *value);
@@ -91,11 +99,11 @@ private:
     QByteArray m_systemEncoding = QByteArrayLiteral("windows-1252");
     std::vector<Attribute> m_attributes;
     ClearKind m_clearKind = ClearKind::Other;
-    bool m_pendingEnd = false;  ///< the next token is the end of the element that just began
-    qint64 m_pendingCloses = 0; ///< open elements whose ends come next, without tags of their own
-    TextSpan m_name;
-    NameStack m_names; ///< of the open elements
-    std::string_view m_closedName;
+    bool m_pendingEnd = false;     ///< the next token is the End of the current Start
+    qint64 m_pendingCloses = 0;    ///< number of open elements that end next, without an end tag
+    TextSpan m_name;               ///< name of the current Start
+    NameStack m_names;             ///< names of the open elements
+    std::string_view m_closedName; ///< the external text: name of the element that ended
 };
 
 } // namespace corvanta::markup

@@ -1,3 +1,5 @@
+// Inline elements are the phrasing content of the HTML standard (section 3.2.5.2.5) that formats
+// text; all other elements separate words.
 #include "codecs/markup/tree/element_text.h"
 
 #include "codecs/markup/text/char_class.h"
@@ -10,7 +12,7 @@ namespace corvanta::markup {
 
 namespace {
 
-/// Elements of HTML that run on in a line. All others part the words before and behind them.
+/// HTML elements that do not separate the words before and after them.
 constexpr std::array<std::string_view, 24> kInline{
     "a",    "abbr", "b", "bdi",   "big",  "cite", "code", "em",     "font", "i", "kbd", "mark",
     "nobr", "q",    "s", "small", "span", "sub",  "sup",  "strong", "tt",   "u", "var", "wbr"};
@@ -27,30 +29,35 @@ bool isInline(std::string_view name)
     return std::find(kInline.begin(), kInline.end(), wanted) != kInline.end();
 }
 
-/// Whether the markup between two pieces of text parts words: it holds a blank between two tags, or
-/// the tag of an HTML element that is not inline.
-bool partsWords(std::string_view between, bool html)
+/// Whether a tag at text[open] (a "<") belongs to an HTML element that is not inline.
+bool isBlockTag(std::string_view text, size_t open)
+{
+    if (open + 1 == text.size()) {
+        return false;
+    }
+    const size_t name = open + (text[open + 1] == '/' ? 2 : 1);
+    size_t end = name;
+    while (end < text.size() && isNameChar(text[end])) {
+        ++end;
+    }
+    return end > name && !isInline(text.substr(name, end - name));
+}
+
+/// Whether the markup between two pieces of text separates words: it has a space between two tags,
+/// or the tag of an HTML element that is not inline.
+bool separatesWords(std::string_view between, bool html)
 {
     for (size_t i = 0; i < between.size(); ++i) {
-        const bool last = i + 1 == between.size();
-        if (isSpace(between[i]) && (i == 0 || between[i - 1] == '>')) {
+        const bool isOutsideTag = i == 0 || between[i - 1] == '>';
+        if ((isSpace(between[i]) && isOutsideTag) ||
+            (html && between[i] == '<' && isBlockTag(between, i))) {
             return true;
-        }
-        if (between[i] == '<' && html && !last) {
-            const size_t name = i + (between[i + 1] == '/' ? 2 : 1);
-            size_t end = name;
-            while (end < between.size() && isNameChar(between[end])) {
-                ++end;
-            }
-            if (end > name && !isInline(between.substr(name, end - name))) {
-                return true;
-            }
         }
     }
     return false;
 }
 
-/// Append `text` with every run of blanks as one; none at the start of `out`.
+/// Append `text`, with each run of spaces as one space, and without spaces at the start of `out`.
 void appendFolded(std::u16string_view text, std::u16string *out)
 {
     for (const char16_t c : text) {
@@ -75,7 +82,7 @@ bool isTextPiece(const TreeItem &item, const TextRule &rule)
 bool joinText(const MarkupTree &tree, quint32 element, const TextRule &rule, std::u16string *out)
 {
     out->clear();
-    const char *behind = nullptr; // the piece before
+    const char *pieceEnd = nullptr; // of the piece before
     const quint32 end = tree.item(element).next;
     for (quint32 i = element + 1; i < end; i = tree.item(i).next) {
         const TreeItem &item = tree.item(i);
@@ -83,38 +90,38 @@ bool joinText(const MarkupTree &tree, quint32 element, const TextRule &rule, std
             continue;
         }
         const RawText text = tree.raw(i);
-        const char *blanks = text.data;
-        while (behind != nullptr && blanks > behind && item.kind == ItemKind::Text &&
-               isSpace(blanks[-1])) {
-            --blanks;
+        const char *spaces = text.data;
+        while (pieceEnd != nullptr && spaces > pieceEnd && item.kind == ItemKind::Text &&
+               isSpace(spaces[-1])) {
+            --spaces;
         }
-        out->append(blanks, text.data);
+        out->append(spaces, text.data);
         *out += decoded(text);
-        behind = text.data + text.size;
+        pieceEnd = text.data + text.size;
     }
-    return behind != nullptr;
+    return pieceEnd != nullptr;
 }
 
 bool foldText(const MarkupTree &tree, quint32 element, const TextRule &rule, std::u16string *out)
 {
     out->clear();
-    const char *behind = nullptr; // the piece before
+    const char *pieceEnd = nullptr; // of the piece before
     for (quint32 i = element + 1; i < tree.item(element).next; ++i) {
         if (!isTextPiece(tree.item(i), rule)) {
             continue;
         }
         const RawText text = tree.raw(i);
-        if (behind != nullptr &&
-            partsWords({behind, static_cast<size_t>(text.data - behind)}, rule.html)) {
+        if (pieceEnd != nullptr &&
+            separatesWords({pieceEnd, static_cast<size_t>(text.data - pieceEnd)}, rule.html)) {
             appendFolded(u" ", out);
         }
         appendFolded(decoded(text), out);
-        behind = text.data + text.size;
+        pieceEnd = text.data + text.size;
     }
     if (!out->empty() && out->back() == u' ') {
         out->pop_back();
     }
-    return behind != nullptr;
+    return pieceEnd != nullptr;
 }
 
 } // namespace corvanta::markup

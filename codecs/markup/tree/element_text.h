@@ -1,5 +1,4 @@
-// codecs/markup/tree/element_text.h
-// The text of an element of a tree that comes in several pieces.
+// Joins the text of an element that consists of several pieces.
 #pragma once
 #include "codecs/markup/tree/tree.h"
 
@@ -10,20 +9,19 @@ namespace corvanta::markup {
 /// What counts as text of an element.
 struct TextRule
 {
-    bool clearIsText = false; ///< CDATA sections and <PRE> blocks too
-    bool html =
-        false; ///< in folded text, elements that begin a line of their own stand for a blank
+    bool clearIsText = false; ///< CDATA sections and <PRE> blocks are text
+    bool html = false;        ///< in folded text, HTML elements that are not inline separate words
 };
 
-/// True when an item is a piece of text under `rule`.
+/// True when an item is text under `rule`.
 bool isTextPiece(const TreeItem &item, const TextRule &rule);
 
-/// Put the pieces that stand directly in `element`, one after the other, into `out`; false when
-/// there is none. The tokenizer drops blanks in front of a text: those between pieces are put back.
+/// Join the pieces of text directly inside `element` in `out`; returns false if it has none. Spaces
+/// between pieces, which the tokenizer drops, are restored.
 bool joinText(const MarkupTree &tree, quint32 element, const TextRule &rule, std::u16string *out);
 
-/// The same for all text inside `element`, its sub-elements' included: blanks at the ends are
-/// dropped, runs of them become one.
+/// Join all pieces of text inside `element` and its sub-elements in `out`; returns false if there
+/// is none. Drops spaces at both ends and folds runs of them to one.
 bool foldText(const MarkupTree &tree, quint32 element, const TextRule &rule, std::u16string *out);
 
 } // namespace corvanta::markup

@@ -1,8 +1,7 @@
-// codecs/markup/tree/name_memory.h
-// Which wants ask for a name, remembered for the names that were met.
+// Remembers, for each name that occurred, which numbers (of path steps) match it.
 //
-// Records repeat the same names in much the same order: each name leads to the one that followed it
-// last, so that an answer mostly costs one comparison of bytes.
+// Records repeat the same names in much the same order. Each name has a link to the name that
+// followed it last, so that most lookups cost one comparison of bytes.
 #pragma once
 #include "codecs/markup/text/raw_text.h"
 
@@ -17,41 +16,43 @@ namespace corvanta::markup {
 class NameMemory
 {
 public:
-    using Wants = std::vector<quint32>;
+    using Matches = std::vector<quint32>;
 
     NameMemory() = default;
     NameMemory(const NameMemory &) = delete;
     NameMemory &operator=(const NameMemory &) = delete;
 
-    /// The names of another element come next.
+    /// Begin another element: its first name comes next.
     void begin() { m_last = &m_beforeFirst; }
 
-    /// The wants that ask for the next name. `tell` puts them into the list for a name that is new.
-    template <typename Tell> const Wants &askingFor(const RawText &name, Tell tell)
+    /// The numbers that match the next name. collectMatches(Matches *) fills the list of a new
+    /// name.
+    template <typename CollectMatches>
+    const Matches &matchesOf(const RawText &name, CollectMatches collectMatches)
     {
         if (m_last->next == nullptr || m_last->next->name != name.view()) {
             bool isNew = false;
             m_last->next = find(name, &isNew);
             if (isNew) {
-                m_last->next->wants.clear();
-                tell(&m_last->next->wants);
+                m_last->next->matches.clear();
+                collectMatches(&m_last->next->matches);
             }
         }
         m_last = m_last->next;
-        return m_last->wants;
+        return m_last->matches;
     }
 
 private:
     struct Name
     {
         std::string name;
-        Wants wants;
-        Name *next = nullptr;
+        Matches matches;
+        Name *next = nullptr; ///< the name that followed it last
     };
 
-    /// Names that are remembered, and their longest; others are new each time.
-    static constexpr size_t kNames = 4096;
-    static constexpr quint32 kNameBytes = 256;
+    /// Limits of the names that are remembered. Other names are new each time.
+    static constexpr size_t kMaxNames = 4096;
+    static constexpr quint32 kMaxNameBytes = 256;
 
     Name *find(const RawText &name, bool *isNew)
     {
@@ -61,20 +62,20 @@ private:
         if (!*isNew) {
             return known->second;
         }
-        if (!isPlain || name.size > kNameBytes || m_names.size() >= kNames) {
+        if (!isPlain || name.size > kMaxNameBytes || m_names.size() >= kMaxNames) {
             return &m_notRemembered;
         }
-        Name *const met = &m_names.emplace_back();
-        met->name = name.view();
-        m_byName.emplace(met->name, met);
-        return met;
+        Name *const added = &m_names.emplace_back();
+        added->name = name.view();
+        m_byName.emplace(added->name, added);
+        return added;
     }
 
     std::deque<Name> m_names;
     std::unordered_map<std::string_view, Name *> m_byName;
     Name m_beforeFirst;
-    /// The last one that is not in m_names; called like no text that is UTF-8.
-    Name m_notRemembered{.name = "\xFF", .wants = {}, .next = nullptr};
+    /// The last name that is not in m_names. Its name is not valid UTF-8, so it never matches.
+    Name m_notRemembered{.name = "\xFF", .matches = {}, .next = nullptr};
     Name *m_last = &m_beforeFirst;
 };
 

@@ -1,3 +1,10 @@
+// The grammar of a path:
+//
+//     path  = [ separator ] [ step *( separator step ) ]
+//     step  = [ "@" ] name [ "[" [ digits ] "]" ]  /  "[" digits "]"
+//     name  = *( character / "\" "\" / "\" "/" )
+//
+// Only a last "[...]" of a step is an index. "[]" and no index select the first element.
 #include "codecs/markup/tree/path.h"
 
 #include <QString>
@@ -8,7 +15,7 @@ namespace corvanta::markup {
 
 namespace {
 
-/// Take a step's text (still with its backslashes) apart.
+/// Parse the text of a step, which still has its backslashes.
 PathStep parseStep(QStringView text, bool zeroBased)
 {
     PathStep step;
@@ -30,6 +37,7 @@ PathStep parseStep(QStringView text, bool zeroBased)
     return step;
 }
 
+/// Compare bytes while they are ASCII; clears `*isAscii` at the first byte that is not.
 bool asciiMatches(std::string_view name, std::u16string_view lowerCase, bool *isAscii)
 {
     *isAscii = true;
@@ -62,6 +70,8 @@ MarkupNode findStep(const MarkupNode &node, const PathStep &step)
 
 } // namespace
 
+// Characters are compared one UTF-16 unit at a time, as in saved paths: the case of characters
+// beyond U+FFFF matters.
 bool nameMatches(const RawText &name, std::u16string_view lowerCase)
 {
     bool isAscii = false;
@@ -124,7 +134,7 @@ std::u16string escapedStep(std::u16string_view name)
         }
         step.push_back(c);
     }
-    // A name that ends like an index needs one of its own.
+    // A name that ends like an index needs an index after it.
     if (!step.empty() && step.back() == u']') {
         step += u"[0]";
     }

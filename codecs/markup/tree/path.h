@@ -1,5 +1,4 @@
-// codecs/markup/tree/path.h
-// Paths to elements: "orders/lines[2]/price", "[0]", "a\/b".
+// Parses paths to elements, for example "orders/lines[2]/price", "[0]" and "a\/b".
 #pragma once
 #include "codecs/markup/tree/tree.h"
 
@@ -10,39 +9,39 @@
 
 namespace corvanta::markup {
 
-/// One step of a path, taken apart.
+/// One parsed step of a path.
 struct PathStep
 {
-    std::u16string name;  ///< in lower case
-    quint32 index = 0;    ///< counted from 0, whatever the path's base
-    bool anyName = false; ///< a step "[i]"
+    std::u16string name;  ///< lower case, without escapes
+    quint32 index = 0;    ///< 0-based among the elements of that name, whatever the path's base
+    bool anyName = false; ///< the step is "[i]": any name
     bool operator==(const PathStep &) const = default;
-    /// "@name": reaches an attribute (or, where there is none, a child of that name).
+    /// True for "@name", which selects an attribute, or a child of that name if there is none.
     bool isAttribute() const { return !anyName && !name.empty() && name[0] == u'@'; }
 };
 
 struct PathSyntax
 {
-    bool zeroBased = true;
+    bool zeroBased = true; ///< base of the indexes
     char16_t separator = u'/';
 };
 
-/// Cut a path into steps. A leading separator is skipped; an empty path has no steps.
+/// Split a path into steps. Skips a leading separator; an empty path has no steps.
 std::vector<PathStep> parsePath(QStringView path, const PathSyntax &syntax);
 
-/// `name` as one step of a path, with backslashes where they are needed.
+/// Write `name` as one step of a path, with the backslashes that it needs.
 std::u16string escapedStep(std::u16string_view name);
 
-/// True when an element called `name` is one that a step called `lowerCase` asks for: equal
-/// character by character in lower case.
+/// True when a step called `lowerCase` selects an element called `name`: the names are equal,
+/// character by character, in lower case.
 bool nameMatches(const RawText &name, std::u16string_view lowerCase);
-/// A name in the form that nameMatches() compares with.
+/// A name in lower case, as nameMatches() needs it.
 std::u16string toLowerCase(QStringView name);
-/// The same for a name as it is written in a path, with its backslashes.
+/// Like toLowerCase(), for a name that is escaped as in a path.
 std::u16string nameInStep(QStringView text);
 
-/// Find a descendant. A null path, and a step that finds nothing, give the empty handle; an empty
-/// path gives the node itself.
+/// Find a descendant. Returns the empty handle for a null path and if a step selects nothing, and
+/// the node itself for an empty path.
 MarkupNode getChildNodeByPath(const MarkupNode &node, QStringView path, bool zeroBased,
                               char16_t separator);
 

@@ -1,3 +1,8 @@
+// The trie of the paths "a", "a/b", "a/c[1]" and "@x"; an edge is a step, "=" a path that ends:
+//
+//     root --a--> =0 --b----> =1
+//      |           +---c[1]--> =2
+//      +-----@x-> =3
 #include "codecs/markup/tree/path_set.h"
 
 #include <algorithm>
@@ -6,7 +11,7 @@ namespace corvanta::markup {
 
 namespace {
 
-bool wants(const PathStep &step, const RawText &name)
+bool selects(const PathStep &step, const RawText &name)
 {
     return step.anyName || nameMatches(name, step.name);
 }
@@ -23,19 +28,19 @@ size_t PathSet::add(const std::vector<PathStep> &steps)
     quint32 at = 0;
     for (size_t i = 0; i < steps.size(); ++i) {
         Node &node = *m_nodes[at];
-        const auto same = std::find_if(node.wants.begin(), node.wants.end(),
-                                       [&](const Want &want) { return want.step == steps[i]; });
-        if (same != node.wants.end()) {
+        const auto same = std::find_if(node.edges.begin(), node.edges.end(),
+                                       [&](const Edge &edge) { return edge.step == steps[i]; });
+        if (same != node.edges.end()) {
             same->onlyPath = kNotOnly;
             at = same->node;
             continue;
         }
         if (steps[i].isAttribute()) {
-            node.attributeWants.push_back(static_cast<quint32>(node.wants.size()));
+            node.attributeEdges.push_back(static_cast<quint32>(node.edges.size()));
         }
         at = static_cast<quint32>(m_nodes.size());
         const bool isLast = i + 1 == steps.size();
-        node.wants.push_back({steps[i], at, isLast ? static_cast<quint32>(m_pathCount) : kNotOnly});
+        node.edges.push_back({steps[i], at, isLast ? static_cast<quint32>(m_pathCount) : kNotOnly});
         node.indexes.push_back(steps[i].index);
         m_nodes.push_back(std::make_unique<Node>());
     }
@@ -46,9 +51,9 @@ size_t PathSet::add(const std::vector<PathStep> &steps)
 
 bool PathSet::isFirstStep(const RawText &name) const
 {
-    const std::vector<Want> &first = m_nodes[0]->wants;
-    return std::any_of(first.begin(), first.end(), [&](const Want &want) {
-        return !want.step.anyName && nameMatches(name, want.step.name);
+    const std::vector<Edge> &first = m_nodes[0]->edges;
+    return std::any_of(first.begin(), first.end(), [&](const Edge &edge) {
+        return !edge.step.anyName && nameMatches(name, edge.step.name);
     });
 }
 
@@ -68,21 +73,21 @@ void PathSet::visit(const MarkupTree &tree, Visit at)
 {
     Node &node = *m_nodes[at.node];
     for (const size_t path : node.paths) {
-        // An attribute that was found before goes first.
+        // An attribute has priority over a child.
         m_found[path] = m_found[path] == MarkupTree::kNone ? at.element : m_found[path];
     }
-    if (node.wants.empty() || tree.item(at.element).kind != ItemKind::Child) {
+    if (node.edges.empty() || tree.item(at.element).kind != ItemKind::Child) {
         return;
     }
     walkChildren(tree, at);
-    if (!node.attributeWants.empty()) {
+    if (!node.attributeEdges.empty()) {
         findAttributes(tree, at);
     }
 }
 
-void PathSet::fulfil(quint32 node, quint32 item)
+void PathSet::reach(quint32 node, quint32 item)
 {
-    if (!m_nodes[node]->wants.empty()) {
+    if (!m_nodes[node]->edges.empty()) {
         m_open.push_back({node, item});
         return;
     }
@@ -95,34 +100,34 @@ void PathSet::walkChildren(const MarkupTree &tree, Visit at)
 {
     Node &node = *m_nodes[at.node];
     m_left = node.indexes;
-    size_t left = node.wants.size();
+    size_t left = node.edges.size();
     node.children.begin();
     quint32 child = tree.first(at.element, ItemKind::Child);
     for (; child != MarkupTree::kNone && left > 0; child = tree.sibling(child)) {
         const RawText name = tree.raw(child);
-        const auto tell = [&](NameMemory::Wants *asking) {
-            for (quint32 i = 0; i < node.wants.size(); ++i) {
-                if (wants(node.wants[i].step, name)) {
-                    asking->push_back(i);
+        const auto collectMatches = [&](NameMemory::Matches *matches) {
+            for (quint32 i = 0; i < node.edges.size(); ++i) {
+                if (selects(node.edges[i].step, name)) {
+                    matches->push_back(i);
                 }
             }
         };
-        for (const quint32 number : node.children.askingFor(name, tell)) {
+        for (const quint32 number : node.children.matchesOf(name, collectMatches)) {
             if (m_left[number]-- > 0) {
                 continue;
             }
             --left;
-            const Want &want = node.wants[number];
-            if (want.onlyPath != kNotOnly) {
-                m_found[want.onlyPath] = child;
+            const Edge &edge = node.edges[number];
+            if (edge.onlyPath != kNotOnly) {
+                m_found[edge.onlyPath] = child;
             } else {
-                fulfil(want.node, child);
+                reach(edge.node, child);
             }
         }
     }
 }
 
-/// "@name" reaches an attribute, the first one of that name, before it reaches a child.
+/// "@name" selects the first attribute of that name; a child only if there is none.
 void PathSet::findAttributes(const MarkupTree &tree, Visit at)
 {
     Node &node = *m_nodes[at.node];
@@ -130,16 +135,16 @@ void PathSet::findAttributes(const MarkupTree &tree, Visit at)
     quint32 attribute = tree.first(at.element, ItemKind::Attribute);
     for (; attribute != MarkupTree::kNone; attribute = tree.sibling(attribute)) {
         const RawText name = tree.raw(attribute);
-        const auto tell = [&](NameMemory::Wants *asking) {
-            for (const quint32 i : node.attributeWants) {
-                const std::u16string_view asked = node.wants[i].step.name;
-                if (nameMatches(name, asked.substr(1))) {
-                    asking->push_back(i);
+        const auto collectMatches = [&](NameMemory::Matches *matches) {
+            for (const quint32 i : node.attributeEdges) {
+                const std::u16string_view stepName = node.edges[i].step.name;
+                if (nameMatches(name, stepName.substr(1))) {
+                    matches->push_back(i);
                 }
             }
         };
-        for (const quint32 number : node.attributes.askingFor(name, tell)) {
-            for (const size_t path : m_nodes[node.wants[number].node]->paths) {
+        for (const quint32 number : node.attributes.matchesOf(name, collectMatches)) {
+            for (const size_t path : m_nodes[node.edges[number].node]->paths) {
                 const quint32 found = m_found[path];
                 const bool isFirst =
                     found == MarkupTree::kNone || tree.item(found).kind != ItemKind::Attribute;

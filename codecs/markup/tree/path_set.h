@@ -1,7 +1,7 @@
-// codecs/markup/tree/path_set.h
-// Many paths looked up together, from the same element of one record after the other.
+// Looks up many paths together, starting at one element per record.
 //
-// The paths are merged into a trie; each of its nodes remembers the names that it met.
+// The paths are merged into a trie. Each node of the trie remembers which of its steps select the
+// names that it has seen (NameMemory), because records repeat the same names.
 #pragma once
 #include "codecs/markup/tree/name_memory.h"
 #include "codecs/markup/tree/path.h"
@@ -18,36 +18,38 @@ class PathSet
 public:
     PathSet();
 
-    /// Add a path; its number, counted from 0.
+    /// Add a path; returns its number, from 0.
     size_t add(const std::vector<PathStep> &steps);
+    /// Number of paths.
     size_t size() const { return m_pathCount; }
 
-    /// True when a path of at least one step begins with `name`.
+    /// True when the first step of a path names `name`.
     bool isFirstStep(const RawText &name) const;
 
-    /// Look all paths up from `element`. The answers, by path number, are item indexes (elements or
-    /// attributes) or MarkupTree::kNone, and stay valid until the next call.
+    /// Look up all paths from `element`. Returns, by path number, the index of the item found (an
+    /// element or attribute) or MarkupTree::kNone. The result is valid until the next call.
     std::span<const quint32> resolve(const MarkupTree &tree, quint32 element);
 
 private:
     static constexpr quint32 kNotOnly = ~quint32(0);
 
-    /// A step that leads from one node of the trie to the next.
-    struct Want
+    /// A step from one node of the trie to the next.
+    struct Edge
     {
         PathStep step;
         quint32 node = 0;
-        quint32 onlyPath = kNotOnly; ///< the path that ends there, if that is all
+        quint32 onlyPath = kNotOnly; ///< the only path through `node`, which ends there
     };
     struct Node
     {
-        std::vector<size_t> paths; ///< that end here
-        std::vector<Want> wants;
-        std::vector<quint32> indexes; ///< of the wants' steps
-        std::vector<quint32> attributeWants;
+        std::vector<size_t> paths; ///< numbers of the paths that end here
+        std::vector<Edge> edges;
+        std::vector<quint32> indexes;        ///< step.index by edge
+        std::vector<quint32> attributeEdges; ///< numbers of the edges whose step is "@name"
         NameMemory children;
         NameMemory attributes;
     };
+    /// A node of the trie that an element reached.
     struct Visit
     {
         quint32 node;
@@ -56,14 +58,14 @@ private:
 
     void visit(const MarkupTree &tree, Visit at);
     void walkChildren(const MarkupTree &tree, Visit at);
-    void fulfil(quint32 node, quint32 item);
+    void reach(quint32 node, quint32 item);
     void findAttributes(const MarkupTree &tree, Visit at);
 
     std::vector<std::unique_ptr<Node>> m_nodes;
     size_t m_pathCount = 0;
     std::vector<quint32> m_found;
     std::vector<Visit> m_open;
-    std::vector<quint32> m_left; ///< per want of a node: matching children still to pass over
+    std::vector<quint32> m_left; ///< by edge of a node: matching children still to skip
 };
 
 } // namespace corvanta::markup

@@ -1,3 +1,11 @@
+// The items of "<a x='1'>t<b/></a>", each with the index after its content (next) and its parent:
+//
+//     index  kind       text  next  parent
+//     0      Child            5     0        the artificial root
+//     1      Child      a     5     0
+//     2      Attribute  x     3     1        value: 1
+//     3      Text       t     4     1
+//     4      Child      b     5     1
 #include "codecs/markup/tree/tree.h"
 
 #include "base/limits.h"
@@ -22,7 +30,7 @@ std::u16string MarkupNode::name() const
     return isEmpty() ? std::u16string() : decoded(m_tree->raw(m_index));
 }
 
-/// The i-th item of a kind; the tree remembers the last answer, so that loops over i are linear.
+/// The i-th item of a kind. The tree remembers the last one found, so that loops over i are linear.
 quint32 MarkupNode::find(ItemKind kind, qsizetype i) const
 {
     if (i < 0 || i >= count(kind)) {
@@ -92,7 +100,7 @@ void MarkupTreeBuilder::reserve(size_t capacity)
     m_tree.m_capacity = capacity;
 }
 
-/// Room for one more item; false when that would make the tree too large.
+/// Make room for one more item; false when the tree would become too large.
 bool MarkupTreeBuilder::grow()
 {
     m_tooLarge =
@@ -103,7 +111,7 @@ bool MarkupTreeBuilder::grow()
     return !m_tooLarge;
 }
 
-/// Append an item with the text at `text`; null when that would make the tree too large.
+/// Append an item with the text at `text`; null when the tree would become too large.
 inline TreeItem *MarkupTreeBuilder::push(ItemKind kind, TextSpan text)
 {
     if (m_tree.m_size == m_tree.m_capacity && !grow()) {
@@ -144,21 +152,13 @@ bool MarkupTreeBuilder::add(Token token)
     }
     const size_t pinned = m_tokenizer->pinnedOffset();
     const TextSpan text = m_tokenizer->textSpan().movedBy(pinned);
-    TreeItem *item = nullptr;
     switch (token) {
     case Token::Start:
-        item = push(ItemKind::Child, text);
-        m_current = static_cast<quint32>(m_tree.m_size - 1);
-        ++m_depth;
-        return item != nullptr && (m_xml == nullptr || addAttributes(pinned));
+        return addStart(text, pinned);
     case Token::Text:
         return push(ItemKind::Text, text) != nullptr;
     case Token::Clear:
-        item = push(ItemKind::Clear, text);
-        if (item != nullptr) {
-            item->clearKind = m_xml->clearKind();
-        }
-        return item != nullptr;
+        return addClear(text);
     case Token::Instruction:
         return push(ItemKind::Instruction, text) != nullptr;
     default:
@@ -166,32 +166,54 @@ bool MarkupTreeBuilder::add(Token token)
     }
 }
 
+inline bool MarkupTreeBuilder::addStart(TextSpan name, size_t pinned)
+{
+    const TreeItem *const item = push(ItemKind::Child, name);
+    m_current = static_cast<quint32>(m_tree.m_size - 1);
+    ++m_depth;
+    return item != nullptr && (m_xml == nullptr || addAttributes(pinned));
+}
+
+bool MarkupTreeBuilder::addClear(TextSpan text)
+{
+    TreeItem *const item = push(ItemKind::Clear, text);
+    if (item != nullptr) {
+        item->clearKind = m_xml->clearKind();
+    }
+    return item != nullptr;
+}
+
 bool MarkupTreeBuilder::addLeaves()
 {
     MarkupTokenizer::Leaf leaf;
     while (m_tokenizer->takeLeaf(&leaf)) {
-        const size_t pinned = m_tokenizer->pinnedOffset();
-        TreeItem *const item = push(ItemKind::Child, leaf.name.movedBy(pinned));
-        if (item == nullptr) {
+        if (!addLeaf(leaf)) {
             return false;
-        }
-        if (leaf.hasText) {
-            const quint32 around = m_current;
-            m_current = static_cast<quint32>(m_tree.m_size - 1);
-            const bool isAdded = push(ItemKind::Text, leaf.text.movedBy(pinned)) != nullptr;
-            m_tree.m_items[m_current].next = static_cast<quint32>(m_tree.m_size);
-            m_current = around;
-            if (!isAdded) {
-                return false;
-            }
         }
     }
     return true;
 }
 
+inline bool MarkupTreeBuilder::addLeaf(const MarkupTokenizer::Leaf &leaf)
+{
+    const size_t pinned = m_tokenizer->pinnedOffset();
+    if (push(ItemKind::Child, leaf.name.movedBy(pinned)) == nullptr) {
+        return false;
+    }
+    if (!leaf.hasText) {
+        return true;
+    }
+    const quint32 around = m_current;
+    m_current = static_cast<quint32>(m_tree.m_size - 1);
+    const bool isAdded = push(ItemKind::Text, leaf.text.movedBy(pinned)) != nullptr;
+    m_tree.m_items[m_current].next = static_cast<quint32>(m_tree.m_size);
+    m_current = around;
+    return isAdded;
+}
+
 const MarkupTree &MarkupTreeBuilder::tree()
 {
-    // What is still open ends, for the time being, where the tree ends.
+    // Elements that are still open end at the end of the tree for now.
     for (quint32 open = m_current;; open = m_tree.m_items[open].parent) {
         m_tree.m_items[open].next = static_cast<quint32>(m_tree.m_size);
         if (open == 0) {
@@ -202,7 +224,7 @@ const MarkupTree &MarkupTreeBuilder::tree()
     return m_tree;
 }
 
-/// Add tokens until the piece that was asked for is complete; the token that ended it.
+/// Add tokens until the element or value is complete; returns the token that ended it.
 Token MarkupTreeBuilder::pull(bool nextElement)
 {
     bool inDocument = false;

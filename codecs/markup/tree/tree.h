@@ -1,9 +1,8 @@
-// codecs/markup/tree/tree.h
-// The tree of one record-sized piece of a document.
+// Holds one record-sized part of a document as a tree.
 //
-// Nodes are a flat list of items in document order; names and texts are places in the tokenizer's
-// buffer, which is pinned while the tree lives. Both memories are used again for the next tree, so
-// that reading a long list of records allocates nothing in steady state.
+// The nodes are a flat list of items in document order. Names and texts refer to the tokenizer's
+// buffer, which is pinned while the tree exists. Both memories are reused for the next tree, so
+// that reading a long list of records does not allocate.
 #pragma once
 #include "codecs/markup/tokens/tokenizer.h"
 
@@ -16,22 +15,23 @@ namespace corvanta::markup {
 
 enum class ItemKind : quint8 { Child, Text, Clear, Attribute, Instruction };
 
-/// One entry of the list: an element or what stands in one.
+/// One entry of the list: an element, or a part of one.
 struct TreeItem
 {
-    TextSpan text;    ///< name or text, counted from the pinned place
-    quint32 next = 0; ///< index of the item behind this one and all inside it
-    quint32 parent = 0;
-    TextSpan value;                  ///< of an Attribute
-    std::array<quint32, 4> counts{}; ///< of a Child: its items by kind
+    TextSpan text;      ///< name or text, relative to the pinned place
+    quint32 next = 0;   ///< index of the first item after this one and everything inside it
+    quint32 parent = 0; ///< index of the element that holds it
+    TextSpan value;     ///< Attribute only
+    std::array<quint32, 4> counts{}; ///< Child only: number of its items by kind, without those
+                                     ///< of its sub-elements; instructions are not counted
     ItemKind kind = ItemKind::Child;
     ClearKind clearKind = ClearKind::Other;
 };
 
 class MarkupTree;
 
-/// A handle of an element; may be empty, and then answers with zeros and empty values. Valid until
-/// the next tree is built or the tokenizer goes on.
+/// A handle of an element. An empty handle returns zeros and empty values. Valid until the next
+/// tree is built or the tokenizer reads on.
 class MarkupNode
 {
 public:
@@ -48,11 +48,10 @@ public:
     qsizetype textCount() const { return count(ItemKind::Text); }
     qsizetype clearCount() const { return count(ItemKind::Clear); }
     qsizetype attributeCount() const { return count(ItemKind::Attribute); }
-    /// The sum of the four.
+    /// The sum of the four counts.
     qsizetype elementCount() const;
 
-    /// The i-th of its kind, from 0; empty when there is none. Going through them in order is
-    /// cheap.
+    /// The i-th item of its kind, from 0; empty if `i` is out of range. Loops over i are linear.
     MarkupNode child(qsizetype i) const;
     std::u16string text(qsizetype i) const;
     std::u16string clear(qsizetype i) const;
@@ -78,10 +77,13 @@ private:
 class MarkupTree
 {
 public:
+    /// The index that means "no item".
     static constexpr quint32 kNone = ~quint32(0);
 
+    /// All items, in document order.
     std::span<const TreeItem> items() const { return {m_items.get(), m_size}; }
     const TreeItem &item(quint32 index) const { return m_items[index]; }
+    /// The text at a span of one of the items.
     RawText raw(TextSpan span) const
     {
         if (span.isExternal()) {
@@ -89,12 +91,13 @@ public:
         }
         return {m_bytes + span.offset(), span.size(), span.form()};
     }
+    /// Name or text of an item.
     RawText raw(quint32 index) const { return raw(m_items[index].text); }
+    /// Value of an Attribute.
     RawText value(const TreeItem &attribute) const { return raw(attribute.value); }
     MarkupNode root() const { return {this, 0}; }
 
-    /// The first item at or behind `index` inside `parent` that is of `kind`; kNone when there is
-    /// none.
+    /// The first item of `kind` at or after `index` directly inside `parent`, or kNone.
     quint32 next(quint32 index, quint32 parent, ItemKind kind) const
     {
         const quint32 end = m_items[parent].next;
@@ -106,7 +109,9 @@ public:
         }
         return kNone;
     }
+    /// The first item of `kind` directly inside `parent`, or kNone.
     quint32 first(quint32 parent, ItemKind kind) const { return next(parent + 1, parent, kind); }
+    /// The next item of the same kind and parent, or kNone.
     quint32 sibling(quint32 child) const
     {
         return next(m_items[child].next, m_items[child].parent, m_items[child].kind);
@@ -123,55 +128,57 @@ private:
         quint32 index = 0;
     };
 
-    std::unique_ptr<TreeItem[]> m_items; ///< m_size of them are the tree's, the others room
+    std::unique_ptr<TreeItem[]> m_items; ///< m_capacity items, of which m_size are used
     size_t m_size = 0;
     size_t m_capacity = 0;
     const MarkupTokenizer *m_tokenizer = nullptr;
     const char *m_bytes = nullptr;
-    mutable Hint m_hint; ///< the last item that was asked for by number
+    mutable Hint m_hint; ///< the last item that MarkupNode found by number
 };
 
-/// Where parsing stopped and why.
+/// Where parsing stopped and why; None: it did not fail. (Not a Result: parseNext() returns the
+/// tree of the data before a failure together with it.)
 struct MarkupResult
 {
     MarkupError error = MarkupError::None;
-    qint64 line = 1;
-    qint64 column = 0;
+    qint64 line = 1;   ///< from 1
+    qint64 column = 0; ///< from 0, in UTF-16 units
 };
 
 class XMLTokenizer;
 
-/// Builds one tree after the other from a tokenizer. Threads: one at a time.
+/// Builds trees, one after the other, from a tokenizer. Threads: one at a time.
 class MarkupTreeBuilder
 {
 public:
     MarkupTreeBuilder();
 
-    /// Give the only child of the artificial root instead of the root (on by default).
+    /// When on (the default), parseNext() returns the only child of the artificial root, if there
+    /// is just one item, instead of the root.
     void setReturnSingleChild(bool on) { m_returnSingleChild = on; }
-    /// Bytes of the first block of the tree's memory.
+    /// Set the initial size of the tree's memory, in bytes.
     void setBlockSize(qint64 bytes) { m_blockBytes = bytes; }
-    /// Bytes by which it grows at least.
+    /// Set the least number of bytes by which it grows.
     void setGrowthSize(qint64 bytes) { m_growthBytes = bytes; }
 
-    /// Build the tree of the next element, `nextElement` on, or of the next whole value at the top
-    /// of the stream, and give its root. The tree before is gone. Every failure is in `result`;
-    /// NoTagFound and an empty handle when there was no element.
+    /// Build the tree of the next element (`nextElement`) or of the next top-level value, and
+    /// return its root. Frees the previous tree. `result` holds the failure, if any; the root then
+    /// holds the data before it. Without any element: NoTagFound and an empty handle.
     MarkupNode parseNext(MarkupTokenizer &tokenizer, MarkupResult &result, bool nextElement);
 
-    // The steps of it, for callers that pull the tokens themselves.
+    // The steps of parseNext(), for callers that read the tokens themselves.
 
-    /// Forget the tree before and begin one at the tokenizer's current token.
+    /// Free the previous tree and begin one at the current token of the tokenizer.
     void begin(MarkupTokenizer &tokenizer);
-    /// Add the current token (Start, End, Text, Clear or Instruction). False when the tree became
-    /// too large.
+    /// Add the current token (Start, End, Text, Clear or Instruction). Returns false when the tree
+    /// becomes too large (limits::kTreeArenaBytes), its only failure.
     bool add(Token token);
-    /// Add the leaves that come next, if any, without making tokens of them. False when the tree
-    /// became too large.
+    /// Add the leaves that come next, if any, without a token for each part. Returns false when the
+    /// tree becomes too large.
     bool addLeaves();
-    /// Elements that are open below the artificial root.
+    /// Number of open elements below the artificial root.
     qint64 depth() const { return m_depth; }
-    /// Make the tree readable after the tokenizer went on.
+    /// The tree of the tokens added so far. Call again after the tokenizer read on.
     const MarkupTree &tree();
 
     static constexpr qint64 kDefaultBlockBytes = 1'048'576;
@@ -180,7 +187,10 @@ private:
     void reserve(size_t capacity);
     bool grow();
     TreeItem *push(ItemKind kind, TextSpan text);
+    bool addStart(TextSpan name, size_t pinned);
     bool addAttributes(size_t pinned);
+    bool addClear(TextSpan text);
+    bool addLeaf(const MarkupTokenizer::Leaf &leaf);
     Token pull(bool nextElement);
     MarkupNode finish(MarkupResult &result, Token last);
 
