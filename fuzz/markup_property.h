@@ -48,14 +48,16 @@ void checkMarkup(const Make &make, QByteArrayView bytes, qint64 pieceBytes, bool
         extractor.beginDocument(*tokenizer);
         BlockArena arena;
         std::u16string rows;
-        while (extractor.next(arena) == LevelExtractor::Outcome::Row) {
+        auto row = extractor.next(arena);
+        for (; row && *row; row = extractor.next(arena)) {
             for (const uchar *cell : extractor.cells()) {
                 const cell::Text text = cell::readText(cell);
                 rows += text.isMissing() ? u"-" : std::u16string(text.view()) + u',';
             }
             arena.reset();
         }
-        return rows + static_cast<char16_t>(extractor.result().error);
+        const MarkupError error = row ? MarkupError::None : row.fault().code.error;
+        return rows + static_cast<char16_t>(error);
     };
     if (rowsWith(1024, pieceBytes) != rowsWith(1 << 16, -1)) {
         std::abort();

@@ -9,8 +9,6 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
-using markup::LevelExtractor;
-
 namespace {
 
 /// Makes cells in the batch of the output pin. The batch is looked up at the first cell of a row:
@@ -145,17 +143,15 @@ bool LevelRun::begin(ByteSource &source)
 bool LevelRun::next(OneRow &row, Found *found)
 {
     PinArena arena(m_action);
-    const LevelExtractor::Outcome outcome = m_extractor.next(arena);
-    *found = outcome == LevelExtractor::Outcome::Row ? Found::Row : Found::End;
-    switch (outcome) {
-    case LevelExtractor::Outcome::Row:
-        putCells(row);
-        break;
-    case LevelExtractor::Outcome::End:
-        return documentEnds();
-    case LevelExtractor::Outcome::Fault:
-        return documentFails();
+    const auto hasRow = m_extractor.next(arena);
+    *found = hasRow && *hasRow ? Found::Row : Found::End;
+    if (!hasRow) {
+        return documentFails(hasRow.fault().code);
     }
+    if (!*hasRow) {
+        return documentEnds();
+    }
+    putCells(row);
     return true;
 }
 
@@ -181,10 +177,10 @@ bool LevelRun::documentEnds()
     return true;
 }
 
-bool LevelRun::documentFails()
+bool LevelRun::documentFails(const markup::MarkupResult &failure)
 {
     return m_action.runIsGood() &&
-           m_format.documentFails(m_extractor.result(), documentName(),
+           m_format.documentFails(failure, documentName(),
                                   m_file == nullptr ? QString() : m_file->failure());
 }
 

@@ -83,7 +83,7 @@ private:
     bool next(OneRow &row, Found *found);
     void putCells(OneRow &row);
     bool documentEnds();
-    bool documentFails();
+    bool documentFails(const markup::MarkupResult &failure);
     void warnMissingPaths(const QString &name);
     QString documentName() const;
 

@@ -1,5 +1,4 @@
-// codecs/markup/levels/level.h
-// Which repeated elements of a document become rows, and which of their values become columns.
+// Describes which repeated elements of a document become rows, and which values become columns.
 #pragma once
 #include <QString>
 
@@ -7,21 +6,21 @@
 
 namespace corvanta::markup {
 
-/// One value to take from every occurrence.
+/// One value that is read from every occurrence.
 struct LevelItem
 {
-    QString path;         ///< from the occurrence; empty: the occurrence itself
-    QString name;         ///< of the column
-    bool tagName = false; ///< the names of the children instead of the text
+    QString path;         ///< starts at the occurrence; empty: the occurrence itself
+    QString name;         ///< name of the column
+    bool tagName = false; ///< read the names of the children instead of the text
     bool operator==(const LevelItem &) const = default;
 };
 
-/// The sub-elements of one container. The first level's path begins at the document, a later one's
-/// at the occurrence of the level before.
+/// The sub-elements of one container are the occurrences of a level.
 struct Level
 {
-    QString initialPath;
-    QString subtagName; ///< empty: every sub-element
+    QString initialPath; ///< leads to the container, from the document (first level) or from the
+                         ///< occurrence of the level before
+    QString subtagName;  ///< name of the occurrences; empty: every sub-element
     std::vector<LevelItem> items;
     bool operator==(const Level &) const = default;
 };

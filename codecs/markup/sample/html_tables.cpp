@@ -1,3 +1,10 @@
+// Tables in the HTML standard (section 4.9); "tbody" is dropped by the tokenizer:
+//
+//     <table>
+//       <thead> <tr> <th>name</th> <th>name</th> </tr> </thead>
+//       <tbody> <tr> <td>cell</td> <td>cell</td> </tr> </tbody>
+//       <tfoot> <tr> <td>cell</td> <td>cell</td> </tr> </tfoot>
+//     </table>
 #include "codecs/markup/sample/html_tables.h"
 
 #include "codecs/markup/tree/path.h"
@@ -12,8 +19,8 @@ namespace corvanta::markup {
 
 namespace {
 
-constexpr size_t kMostTables = 10'000;
-constexpr size_t kDeepestTable = 256;
+constexpr size_t kMaxTables = 10'000;
+constexpr size_t kMaxTableDepth = 256;
 constexpr qsizetype kCellChars = 100;
 constexpr qsizetype kFirstRowCells = 1'000;
 
@@ -36,12 +43,12 @@ private:
         quint32 number = 1;  ///< among its siblings of that name
         std::map<std::u16string, quint32> children;
     };
-    /// A table that has begun.
+    /// A table that has not ended yet.
     struct OpenTable
     {
-        size_t depth;
-        size_t table;
-        qint64 cells = 0; ///< in the row at hand
+        size_t depth;     ///< open elements, with the table
+        size_t table;     ///< index in m_tables
+        qint64 cells = 0; ///< in the current row
         bool isInHeadCell = false;
     };
 
@@ -91,7 +98,7 @@ void TableLister::begin()
 
 void TableLister::beginTable()
 {
-    if (m_tables.size() < kMostTables && m_open.size() <= kDeepestTable) {
+    if (m_tables.size() < kMaxTables && m_open.size() <= kMaxTableDepth) {
         m_openTables.push_back({m_open.size(), m_tables.size()});
         m_tables.push_back({pathToHere(), 0, 0, 0, {}});
     }
@@ -125,7 +132,7 @@ void TableLister::beginCell()
     }
 }
 
-/// Learn from a text in one of the first two rows what the columns are called.
+/// Use a text of one of the first two rows as evidence for the names of the columns.
 void TableLister::addText()
 {
     if (m_openTables.empty() || m_openTables.back().cells == 0) {
@@ -193,8 +200,9 @@ std::vector<HtmlTable> listTables(XMLTokenizer &tokenizer, bool zeroBased)
 
 namespace {
 
-/// True when the first row is one of th cells; or of plain cells without digits, all filled, above
-/// some with digits, or all but the first, as above names of rows.
+/// True when the first row has only th cells. Also when its cells, except possibly the first one,
+/// have texts without digits, and either the second row has digits or the first cell is empty, as
+/// it is above names of rows.
 bool beginsWithNames(const HtmlTable &table)
 {
     const QStringList &texts = table.firstRow;
@@ -204,7 +212,7 @@ bool beginsWithNames(const HtmlTable &table)
     return (table.hasHeadCell && !table.hasDataCell) || looksLikeNames;
 }
 
-/// The text, or the column's number, as a name that is not among `names`.
+/// A name that is not in `names`, made of the text or of the number of the column; adds it.
 QString newName(const QString &text, qint64 number, QSet<QString> *names)
 {
     const QString base = text.isEmpty() ? u"column %1"_s.arg(number) : text;

@@ -59,7 +59,7 @@ QList<QStringList> rowsOf(const QByteArray &page, const HtmlTable &table)
         LevelExtractor extractor({level}, options);
         extractor.beginDocument(*tokenizer);
         BlockArena arena;
-        while (extractor.next(arena) == LevelExtractor::Outcome::Row) {
+        while (*extractor.next(arena)) {
             QStringList &row = rows.emplace_back();
             for (const uchar *cell : extractor.cells()) {
                 row << QString::fromStdU16String(std::u16string(cell::readText(cell).view()));
@@ -108,7 +108,7 @@ QString comparable(const QList<QStringList> &rows)
 
 } // namespace
 
-TEST(HtmlTables, AreListedWithTheirPathsAndSizes)
+TEST(HtmlTables, AreListedWithPathsAndSizes)
 {
     const QByteArray page =
         "<HTML><body><table><tr><td>a<td></tr></table><div/><div><table><thead><tr><th>Na&amp;me</"
@@ -131,7 +131,7 @@ TEST(HtmlTables, AreListedWithTheirPathsAndSizes)
 
 // The names of the columns: of which tables they are the first row, and whether that row is passed
 // over.
-TEST(HtmlTables, AreReadWithTheirNames)
+TEST(HtmlTables, HaveColumnNamesFromTheFirstRow)
 {
     struct NamesCase
     {
@@ -176,7 +176,7 @@ TEST(HtmlTables, AreListedInDeepPages)
     EXPECT_EQ(tablesOf(page).size(), 85U);
 }
 
-TEST(HtmlTables, LoseTheTbodyOfBrowsersPaths)
+TEST(HtmlTables, AcceptPathsWithTbody)
 {
     for (const auto &[path, without] :
          {std::pair{u"/html/body/table/tbody/tr[1]"_s, u"/html/body/table/tr[1]"_s},
@@ -188,7 +188,7 @@ TEST(HtmlTables, LoseTheTbodyOfBrowsersPaths)
 }
 
 // Whole pages as another program read them.
-TEST(HtmlTables, GiveTheRowsOfRealPages)
+TEST(HtmlTables, AreReadFromRealPages)
 {
     CORVANTA_NEEDS_CORPUS();
     for (const auto &folder : {u"html"_s, u"html/small"_s, u"html/pages"_s}) {

@@ -78,7 +78,7 @@ TEST(SampleLevels, AreDerivedFromTheShapeOfAJsonDocument)
     EXPECT_EQ(levelsOf("[{\"a\":1},{\"b\":2},{\"c\":3}]", {2, {}, true}), "||a=a,b=b");
 }
 
-TEST(SampleLevels, NameColumnsApart)
+TEST(SampleLevels, HaveDistinctColumnNames)
 {
     for (const auto &[json, levels] : {
              SampleCase{R"([{"d":{"t":1,"v":2},"u":{"t":3,"v":4}}])",
@@ -95,7 +95,7 @@ TEST(SampleLevels, NameColumnsApart)
     EXPECT_EQ(levelsOf("<r><l a='1' A='2' l='3'>4</l><l>5</l></r>"), "r|l|l=,a=@a,A=@A,l_2=@l");
 }
 
-TEST(SampleLevels, TakeAnObjectOfLikeMembersForATable)
+TEST(SampleLevels, TreatAnObjectOfSimilarMembersAsATable)
 {
     EXPECT_EQ(levelsOf(R"({"p":{"a":{"v":1},"b":{"v":2},"c":{"v":3,"w":0},"d":{"v":4}}})"),
               "p||v=v,w=w (named)");
@@ -140,7 +140,7 @@ TEST(SampleLevels, ListEveryTableOfTheDocument)
 }
 
 // As wide as this one would show what costs the square of the members.
-TEST(SampleLevels, AreLinearInTheMembers)
+TEST(SampleLevels, NeedLinearTimeForManyMembers)
 {
     QByteArray json = "[{";
     for (int i = 0; i < 30'000; ++i) {

@@ -49,7 +49,7 @@ int digitValue(char c, int base)
 Entity entityOf(quint32 c, int length)
 {
     // Kept for saved graphs: the number of a lone surrogate becomes two units as well
-    // (XmlTokenizer.SendsSurrogateNumbersThroughThePairFormula).
+    // (XmlTokenizer.ReadsSurrogateReferencesAsPairs).
     if (QChar::requiresSurrogates(c) || QChar::isSurrogate(c)) {
         return {length, {QChar::highSurrogate(c), QChar::lowSurrogate(c)}, 2};
     }

@@ -150,7 +150,7 @@ bool readsLikeExpat(const QByteArray &bytes, const std::string &name)
 
 } // namespace
 
-TEST(Expat, ReadsTheSameFromRealDocuments)
+TEST(Expat, AgreesOnRealDocuments)
 {
     CORVANTA_NEEDS_CORPUS();
     int compared = 0;
@@ -167,7 +167,7 @@ TEST(Expat, ReadsTheSameFromRealDocuments)
     EXPECT_GT(compared, 70);
 }
 
-TEST(Expat, ReadsTheSameFromTheConformanceSuite)
+TEST(Expat, AgreesOnTheConformanceSuite)
 {
     CORVANTA_NEEDS_CORPUS();
     QFile file(test::corpusFile(u"xml/xmltest.zip"_s));

@@ -133,7 +133,7 @@ QByteArrayView bytesOf(const Case &c)
 
 } // namespace
 
-TEST(JsonTokenizer, GivesTheTokensOfTheTable)
+TEST(JsonTokenizer, ReadsEveryNotation)
 {
     for (const Case &c : kCases) {
         EXPECT_EQ(traceJson(bytesOf(c), c.flags), c.tokens) << c.json;
@@ -141,7 +141,7 @@ TEST(JsonTokenizer, GivesTheTokensOfTheTable)
 }
 
 // A scan that starts over, or a look-ahead that stops, where the buffer ends would show here.
-TEST(JsonTokenizer, DoesNotDependOnWhereBlocksEnd)
+TEST(JsonTokenizer, DoesNotDependOnBufferAndReadSizes)
 {
     for (const Case &c : kCases) {
         const bool marked = bytesOf(c).startsWith("\xef\xbb\xbf");
@@ -156,7 +156,7 @@ TEST(JsonTokenizer, DoesNotDependOnWhereBlocksEnd)
     }
 }
 
-TEST(JsonTokenizer, ReportsATokenLongerThanTheBufferWhole)
+TEST(JsonTokenizer, ReadsATokenLongerThanTheBuffer)
 {
     const QByteArray text = QByteArray(3'000'000, 'x') + "\\n" + QByteArray(1'000'000, 'y');
     const QByteArray document = "[\"" + text + "\",1]";
@@ -171,7 +171,7 @@ TEST(JsonTokenizer, ReportsATokenLongerThanTheBufferWhole)
 }
 
 // The state of a hundred thousand open brackets is on no call stack.
-TEST(JsonTokenizer, IsNotLimitedByTheStack)
+TEST(JsonTokenizer, ReadsDeepNestingWithoutStackOverflow)
 {
     const qsizetype depth = 500'000;
     const QByteArray deep = QByteArray(depth, '[') + QByteArray(depth, ']');
@@ -238,7 +238,7 @@ TEST(JsonTokenizer, ReadsUtf16OfBothByteOrders)
     }
 }
 
-TEST(JsonTokenizer, ChangesTheItemNameFromTheNextArrayOn)
+TEST(JsonTokenizer, UsesANewItemNameForLaterArrays)
 {
     MemorySource source("[1,[2],3]");
     JSONTokenizer tokenizer(source, 0, u"x");
@@ -360,7 +360,7 @@ void expectSame(const MarkupNode &node, const QJsonValue &value, const std::stri
 
 } // namespace
 
-TEST(JsonTestSuite, IsJudgedAsTheTableSays)
+TEST(JsonTestSuite, IsAcceptedExceptListedFiles)
 {
     CORVANTA_NEEDS_CORPUS();
     const QDir folder(test::corpusFile(QStringLiteral("json/nst")));

@@ -59,7 +59,7 @@ qint64 peakKiB()
 } // namespace
 
 // Beyond 4 GiB also every count of bytes in 32 bits would show.
-TEST(LargeDocument, NeedsTheMemoryOfOneRecord)
+TEST(LargeDocument, NeedsMemoryOfOneRecord)
 {
     const QByteArray record =
         R"({"id":12345,"name":"Zoë & Sons","lines":[{"q":1,"note":"a \"quoted\" note"},)"
@@ -76,11 +76,12 @@ TEST(LargeDocument, NeedsTheMemoryOfOneRecord)
     extractor.beginDocument(tokenizer);
     BlockArena arena;
     qint64 rows = 0;
-    while (extractor.next(arena) == LevelExtractor::Outcome::Row) {
+    auto row = extractor.next(arena);
+    for (; row && *row; row = extractor.next(arena)) {
         arena.reset();
         ++rows;
     }
-    EXPECT_EQ(extractor.result().error, MarkupError::None);
+    EXPECT_TRUE(row);
     EXPECT_EQ(rows, records * 2 + 1);
     EXPECT_EQ(tokenizer.line(), records + 1);
     EXPECT_LT(peakKiB(), 100 * 1024);
@@ -118,7 +119,7 @@ TEST(LargeToken, IsReadInLinearTime)
     EXPECT_EQ(xml.attributeValue(0).size, kBytes);
 }
 
-TEST(LargeToken, BeyondTheLimitIsRefused)
+TEST(LargeToken, BeyondTheLimitIsRejected)
 {
     const QByteArray piece(1 << 20, 'x');
     RepeatingSource source("[\"", piece, 300, "\"]", 1 << 20);

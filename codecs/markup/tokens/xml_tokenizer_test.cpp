@@ -123,14 +123,14 @@ const Case kCases[] = {
 
 } // namespace
 
-TEST(XmlTokenizer, GivesTheTokensOfTheTable)
+TEST(XmlTokenizer, ReadsEveryNotation)
 {
     for (const Case &c : kCases) {
         EXPECT_EQ(traceXml(c.xml, c.flags), c.tokens) << c.xml;
     }
 }
 
-TEST(XmlTokenizer, DoesNotDependOnWhereBlocksEnd)
+TEST(XmlTokenizer, DoesNotDependOnBufferAndReadSizes)
 {
     for (const Case &c : kCases) {
         for (qsizetype blanks = 1024 - 40; blanks <= 1024; ++blanks) {
@@ -145,7 +145,7 @@ TEST(XmlTokenizer, DoesNotDependOnWhereBlocksEnd)
 
 // Kept as required: the number of a lone surrogate goes through the formula for pairs, without an
 // error.
-TEST(XmlTokenizer, SendsSurrogateNumbersThroughThePairFormula)
+TEST(XmlTokenizer, ReadsSurrogateReferencesAsPairs)
 {
     MemorySource source("&#xD800;&#;");
     XMLTokenizer tokenizer(source, 0);
@@ -180,7 +180,7 @@ TEST(XmlTokenizer, DetectsTheEncoding)
     EXPECT_EQ(traceDetected(utf32), "<abc <defghi '漢字' >defghi >abc <abc >abc .");
 }
 
-TEST(XmlTokenizer, DropsInvalidBytesWhenToldTo)
+TEST(XmlTokenizer, DropsInvalidBytesOnRequest)
 {
     MemorySource source("<a>x\xff\xe9y</a>\xc3", 1);
     XMLTokenizer tokenizer(source, 0);
@@ -195,7 +195,7 @@ TEST(XmlTokenizer, DropsInvalidBytesWhenToldTo)
     EXPECT_TRUE(korean.hasDiscarded());
 }
 
-TEST(XmlTokenizer, TakesTheEncodingThatItIsTold)
+TEST(XmlTokenizer, UsesTheGivenEncoding)
 {
     struct Told
     {
@@ -250,7 +250,7 @@ private:
 
 } // namespace
 
-TEST(XmlTokenizer, GivesWhatCameBeforeAFailure)
+TEST(XmlTokenizer, ReturnsTokensBeforeAFailure)
 {
     for (const char *encoding : {"", "UTF-8", "koi8-r"}) {
         FailingSource source("<list><item>one</item><item>tw");

@@ -17,7 +17,7 @@ namespace corvanta::markup {
 
 qsizetype MarkupNode::count(ItemKind kind) const
 {
-    return isEmpty() ? 0 : m_tree->item(m_index).counts[static_cast<size_t>(kind)];
+    return isEmpty() ? 0 : m_tree->item(m_index).count(kind);
 }
 
 qsizetype MarkupNode::elementCount() const

@@ -25,7 +25,9 @@ struct TreeItem
     std::array<quint32, 4> counts{}; ///< Child only: number of its items by kind, without those
                                      ///< of its sub-elements; instructions are not counted
     ItemKind kind = ItemKind::Child;
-    ClearKind clearKind = ClearKind::Other;
+    ClearKind clearKind = ClearKind::Other; ///< Clear only
+
+    quint32 count(ItemKind of) const { return counts[static_cast<size_t>(of)]; }
 };
 
 class MarkupTree;

@@ -1,0 +1,36 @@
+// Finds the occurrences of a level in a tree, without the empty elements that do not count.
+#pragma once
+#include "codecs/markup/levels/extract_options.h"
+#include "codecs/markup/levels/level_state.h"
+
+namespace corvanta::markup {
+
+/// Threads: objects are constant.
+class ElementFilter
+{
+public:
+    explicit ElementFilter(const ExtractOptions &options)
+        : m_text(options.text)
+        , m_ignoreEmpty(options.ignoreEmpty)
+    {
+    }
+
+    /// True for an element that ExtractOptions::ignoreEmpty excludes.
+    bool isIgnored(const MarkupTree &tree, quint32 element) const
+    {
+        return m_ignoreEmpty && isEmpty(tree, element);
+    }
+
+    /// The first occurrence of `level` at or after the item `from` directly inside `container`;
+    /// MarkupTree::kNone if there is none.
+    quint32 firstOccurrence(const MarkupTree &tree, const LevelState &level, quint32 from,
+                            quint32 container) const;
+
+private:
+    bool isEmpty(const MarkupTree &tree, quint32 element) const;
+
+    TextRule m_text;
+    bool m_ignoreEmpty;
+};
+
+} // namespace corvanta::markup

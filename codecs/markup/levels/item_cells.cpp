@@ -1,0 +1,106 @@
+#include "codecs/markup/levels/item_cells.h"
+
+#include "base/cell.h"
+#include "base/limits.h"
+
+#include <map>
+#include <vector>
+
+namespace corvanta::markup {
+
+namespace {
+
+/// A name and how often it occurs.
+using NameCount = std::pair<std::u16string, qint64>;
+
+/// "a b[3] c ": every name once, with its count if it is not 1.
+void writeNames(const std::vector<NameCount> &names, std::u16string *out)
+{
+    out->clear();
+    for (const auto &[name, n] : names) {
+        const QString count = n > 1 ? u'[' + QString::number(n) + u']' : QString();
+        *out += name + count.toStdU16String() + u' ';
+    }
+}
+
+} // namespace
+
+const uchar *ItemCells::cellOf(const MarkupTree &tree, const LevelItem &item, quint32 found,
+                               CellArena &arena)
+{
+    const TreeItem &node = tree.item(found);
+    if (m_options.presence && !item.tagName) {
+        return m_filter.isIgnored(tree, found) ? absentCell(item, arena) : textCell(arena, u"1");
+    }
+    if (node.kind == ItemKind::Attribute) {
+        return rawCell(tree.value(node), arena);
+    }
+    return item.tagName ? tagNamesOf(tree, found, arena) : textOf(tree, found, arena);
+}
+
+const uchar *ItemCells::absentCell(const LevelItem &item, CellArena &arena) const
+{
+    return m_options.presence && !item.tagName ? textCell(arena, u"0") : cell::missingTextCell();
+}
+
+const uchar *ItemCells::fail(MarkupError error)
+{
+    m_error = m_error.value_or(error);
+    return cell::missingTextCell();
+}
+
+inline const uchar *ItemCells::rawCell(const RawText &text, CellArena &arena)
+{
+    return text.size > limits::kTextCellUnits ? fail(MarkupError::NoMemory) : textCell(arena, text);
+}
+
+/// The text of an element, or its replacement; missing if there is neither.
+const uchar *ItemCells::textOf(const MarkupTree &tree, quint32 element, CellArena &arena)
+{
+    const TreeItem &node = tree.item(element);
+    const quint32 texts = node.count(ItemKind::Text);
+    const quint32 clears = m_options.text.clearIsText ? node.count(ItemKind::Clear) : 0;
+    if (texts == 1 && clears == 0 && !m_options.allText) {
+        return rawCell(tree.raw(tree.first(element, ItemKind::Text)), arena);
+    }
+    const auto gather = m_options.allText ? foldText : joinText;
+    if ((m_options.allText || texts + clears > 0) &&
+        gather(tree, element, m_options.text, &m_joined)) {
+        return joinedCell(arena);
+    }
+    return m_options.namesForText && node.count(ItemKind::Child) > 0
+               ? tagNamesOf(tree, element, arena)
+               : cell::missingTextCell();
+}
+
+const uchar *ItemCells::joinedCell(CellArena &arena)
+{
+    return static_cast<qint64>(m_joined.size()) > limits::kTextCellUnits
+               ? fail(MarkupError::TreeTooLarge)
+               : textCell(arena, m_joined);
+}
+
+const uchar *ItemCells::tagNamesOf(const MarkupTree &tree, quint32 element, CellArena &arena)
+{
+    std::vector<NameCount> names;
+    std::map<std::u16string, qint64> totals;
+    quint32 child = tree.first(element, ItemKind::Child);
+    for (; child != MarkupTree::kNone; child = tree.sibling(child)) {
+        if (m_filter.isIgnored(tree, child)) {
+            continue;
+        }
+        std::u16string name = decoded(tree.raw(child));
+        if (m_options.tagNames == TagNames::Summary) {
+            ++totals[std::move(name)];
+        } else if (!names.empty() && names.back().first == name) {
+            ++names.back().second;
+        } else {
+            names.emplace_back(std::move(name), 1);
+        }
+    }
+    names.insert(names.end(), totals.begin(), totals.end());
+    writeNames(names, &m_joined);
+    return textCell(arena, m_joined);
+}
+
+} // namespace corvanta::markup

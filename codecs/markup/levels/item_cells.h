@@ -1,0 +1,47 @@
+// Builds the text cells of items: texts, attributes, names of children, or whether an item exists.
+#pragma once
+#include "codecs/markup/levels/cell_arena.h"
+#include "codecs/markup/levels/element_filter.h"
+
+#include <optional>
+#include <string>
+
+namespace corvanta::markup {
+
+/// Threads: one at a time.
+class ItemCells
+{
+public:
+    explicit ItemCells(const ExtractOptions &options)
+        : m_options(options)
+        , m_filter(options)
+    {
+    }
+
+    /// The cell of `item`, for which the path lookup found the item `found` of `tree`. The cell is
+    /// in `arena`, or the shared missing cell.
+    const uchar *cellOf(const MarkupTree &tree, const LevelItem &item, quint32 found,
+                        CellArena &arena);
+    /// The cell of an item for which nothing was found.
+    const uchar *absentCell(const LevelItem &item, CellArena &arena) const;
+
+    /// The first error since the last call of clearError(): NoMemory or TreeTooLarge for a text
+    /// longer than limits::kTextCellUnits, whose cell is missing. (Not a Result: a status per row
+    /// is enough, and cells are built by the ten million.)
+    std::optional<MarkupError> error() const { return m_error; }
+    void clearError() { m_error.reset(); }
+
+private:
+    const uchar *rawCell(const RawText &text, CellArena &arena);
+    const uchar *textOf(const MarkupTree &tree, quint32 element, CellArena &arena);
+    const uchar *joinedCell(CellArena &arena);
+    const uchar *tagNamesOf(const MarkupTree &tree, quint32 element, CellArena &arena);
+    const uchar *fail(MarkupError error);
+
+    ExtractOptions m_options;
+    ElementFilter m_filter;
+    std::optional<MarkupError> m_error;
+    std::u16string m_joined;
+};
+
+} // namespace corvanta::markup

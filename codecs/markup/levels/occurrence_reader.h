@@ -1,0 +1,79 @@
+// Finds the occurrences of the first level in the token stream of a document.
+//
+// The reader follows the level's initial path down the stream and builds the tree of one occurrence
+// at a time, so that it needs the memory of one record, whatever the size of the document.
+#pragma once
+#include "codecs/markup/levels/element_filter.h"
+#include "codecs/markup/levels/path_follower.h"
+#include "codecs/markup/levels/record_builder.h"
+#include "codecs/markup/tokens/json_tokenizer.h"
+
+#include <optional>
+
+namespace corvanta::markup {
+
+/// Threads: one at a time.
+class OccurrenceReader
+{
+public:
+    /// The index of an occurrence in tree(); std::nullopt if there is none.
+    using Found = Result<std::optional<quint32>, MarkupResult>;
+
+    /// `first` must outlive the reader, which sets its containerFound.
+    OccurrenceReader(LevelState &first, const ExtractOptions &options);
+
+    /// Set the initial size of the memory of a tree, in bytes.
+    void setBlockSize(qint64 bytes) { m_record.builder().setBlockSize(bytes); }
+    /// Begin another file: its documents may have another form.
+    void beginFile() { m_documents = Documents::Undecided; }
+    /// Begin a document of the file. `tokenizer` must be new or restarted, and outlive the
+    /// document.
+    void beginDocument(MarkupTokenizer &tokenizer);
+
+    /// Find the next occurrence; std::nullopt at the end of the document, and after it. Errors:
+    /// those of the tokenizer, NoTagFound, TreeTooLarge.
+    Found next();
+
+    /// The tree of the last occurrence. Valid until the next call.
+    const MarkupTree &tree() const { return *m_tree; }
+
+    /// The fault `error` at the position of the tokenizer.
+    Fault<MarkupResult> faultHere(MarkupError error) const { return m_record.faultHere(error); }
+
+private:
+    /// What a top-level object is, when no path leads into it.
+    enum class Documents : quint8 {
+        Undecided,
+        Records,    ///< it is an occurrence, one line of JSON Lines
+        Containers, ///< its members are the occurrences
+    };
+
+    std::optional<quint32> nextInTree();
+    Found readToken();
+    Found startElement();
+    Found startValue();
+    Found endOfData();
+    Found buildElement();
+    Found buildValue();
+    Found classifyObject();
+    Documents classifyMember();
+    Found readWholeValue();
+
+    LevelState &m_first;
+    ElementFilter m_filter;
+    bool m_keepRoot;
+    bool m_isHtml;
+    PathFollower m_path;
+    PathSet m_rootPath; ///< the initial path, for trees of whole values
+    RecordBuilder m_record;
+    MarkupTokenizer *m_tokenizer = nullptr;
+    JSONTokenizer *m_json = nullptr;
+    const MarkupTree *m_tree = nullptr;
+    bool m_ended = false;
+    bool m_sawContent = false;
+    Documents m_documents = Documents::Undecided;
+    quint32 m_nextInTree = MarkupTree::kNone; ///< where the search in a tree continues
+    quint32 m_treeContainer = 0;              ///< element that holds the occurrences of that tree
+};
+
+} // namespace corvanta::markup

@@ -1,0 +1,62 @@
+// Follows a path down the open elements of a token stream.
+#pragma once
+#include "codecs/markup/tree/path.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace corvanta::markup {
+
+/// Threads: one at a time.
+class PathFollower
+{
+public:
+    explicit PathFollower(const std::vector<PathStep> &path)
+        : m_path(path)
+        , m_passed(path.size())
+    {
+    }
+
+    /// Begin a stream: no element is open.
+    void restart()
+    {
+        m_open = 0;
+        restartCounts();
+    }
+    /// Count the elements of each name from 0 again.
+    void restartCounts() { std::fill(m_passed.begin(), m_passed.end(), 0); }
+    /// Count as above, but only if the first step selects the first element of its name.
+    void beginRoot()
+    {
+        if (m_open == 0 && m_path[0].index == 0) {
+            m_passed[0] = 0;
+        }
+    }
+
+    /// True when all steps of the path are open.
+    bool isAtEnd() const { return m_open == m_path.size(); }
+
+    /// An element begins inside the last open step; not at the end of the path. Returns true, with
+    /// the next step open, when the step selects it.
+    bool enter(const RawText &name)
+    {
+        const PathStep &step = m_path[m_open];
+        const bool isStep = step.anyName || nameMatches(name, step.name);
+        if (!isStep || m_passed[m_open]++ != step.index) {
+            return false;
+        }
+        if (++m_open < m_path.size()) {
+            m_passed[m_open] = 0;
+        }
+        return true;
+    }
+    /// The element of the last open step ends.
+    void leave() { --m_open; }
+
+private:
+    std::vector<PathStep> m_path;
+    std::vector<quint32> m_passed; ///< by step: elements of its name that began
+    size_t m_open = 0;             ///< steps whose elements are open
+};
+
+} // namespace corvanta::markup

@@ -1,0 +1,53 @@
+#include "codecs/markup/sample/column_names.h"
+
+#include <QHash>
+
+#include <algorithm>
+
+namespace corvanta::markup {
+
+namespace {
+
+QString nameOf(const ColumnNameParts &column)
+{
+    QStringList names = column.names.first(column.used);
+    std::reverse(names.begin(), names.end());
+    return names.join(u'.') + column.suffix;
+}
+
+/// Use one more part in each name that is not distinct; false when nothing changed.
+bool lengthenNames(std::vector<ColumnNameParts> *columns)
+{
+    QHash<QString, int> uses;
+    for (const ColumnNameParts &column : *columns) {
+        ++uses[nameOf(column)];
+    }
+    bool hasGrown = false;
+    for (ColumnNameParts &column : *columns) {
+        if (uses[nameOf(column)] > 1 && column.used < column.names.size()) {
+            ++column.used;
+            hasGrown = true;
+        }
+    }
+    return hasGrown;
+}
+
+} // namespace
+
+QStringList distinctNames(std::vector<ColumnNameParts> columns)
+{
+    while (lengthenNames(&columns)) {
+    }
+    QHash<QString, int> uses;
+    QStringList names;
+    for (const ColumnNameParts &column : columns) {
+        QString name = nameOf(column);
+        for (const QString base = name; uses[name]++ > 0;) {
+            name = base + u'_' + QString::number(uses[base]++);
+        }
+        names << name;
+    }
+    return names;
+}
+
+} // namespace corvanta::markup

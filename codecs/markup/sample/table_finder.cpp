@@ -1,0 +1,296 @@
+#include "codecs/markup/sample/table_finder.h"
+
+#include "codecs/markup/sample/column_names.h"
+#include "codecs/markup/tree/path.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::markup {
+
+namespace {
+
+/// A repeated scalar with at most this many values in a record becomes one column per value. With
+/// more values it becomes a level.
+constexpr qint64 kIndexedValues = 8;
+
+/// Threads: objects are constant.
+class TableFinder
+{
+public:
+    TableFinder(const Shapes &shapes, bool isXml, bool zeroBased)
+        : m_shapes(shapes)
+        , m_isXml(isXml)
+        , m_zeroBased(zeroBased)
+        , m_sameNameIndex(shapes.size())
+    {
+        for (const Shape &shape : shapes) {
+            std::map<std::u16string, qint64> names;
+            for (const size_t child : shape.children) {
+                m_sameNameIndex[child] = names[toLowerCase(shapes[child].name)]++;
+            }
+        }
+    }
+
+    SampledDocument find() const;
+
+private:
+    /// An item that does not have its name yet.
+    struct Place
+    {
+        size_t level = 0;
+        size_t shape = 0;
+        ColumnNameParts name;
+    };
+    /// A table that is being put together.
+    struct Draft
+    {
+        SampledTable table;
+        std::vector<Place> places;
+        size_t record = 0; ///< shape of the first level's occurrences
+    };
+
+    std::vector<size_t> descendants(size_t top) const;
+    std::vector<size_t> findRecords() const;
+    bool hasScalars() const;
+    size_t findInner(size_t record) const;
+    SampledTable tableOf(size_t record) const;
+    void addLevel(Draft *draft, size_t container, size_t top, size_t inner) const;
+    void addColumns(Draft *draft, size_t top, size_t shape) const;
+    void addItem(Draft *draft, size_t top, size_t shape, const QString &path,
+                 const QString &suffix) const;
+    void addIndexed(Draft *draft, size_t top, size_t shape) const;
+    QStringList namesTo(const Draft &draft, size_t shape) const;
+    static void nameItems(Draft *draft);
+    QString index(qint64 number) const;
+    QString stepTo(size_t shape) const;
+    QString pathTo(size_t top, size_t shape) const;
+
+    const Shapes &m_shapes;
+    bool m_isXml;
+    bool m_zeroBased;
+    /// By shape: the number of siblings before it whose names differ only in letter case.
+    std::vector<qint64> m_sameNameIndex;
+};
+
+/// `top`, the shapes inside it that are not repeated, and the repeated shapes that these hold, in
+/// the order of their first occurrence. Does not descend into repeated shapes.
+std::vector<size_t> TableFinder::descendants(size_t top) const
+{
+    std::vector<size_t> found;
+    std::vector<size_t> open{top};
+    while (!open.empty()) {
+        const size_t at = open.back();
+        open.pop_back();
+        found.push_back(at);
+        if (at == top || !m_shapes[at].isRepeated()) {
+            const std::vector<size_t> &children = m_shapes[at].children;
+            open.insert(open.end(), children.rbegin(), children.rend());
+        }
+    }
+    return found;
+}
+
+/// True when the document has values that are not repeated.
+bool TableFinder::hasScalars() const
+{
+    const std::vector<size_t> all = descendants(0);
+    return std::any_of(all.begin(), all.end(), [&](size_t shape) {
+        const Shape &at = m_shapes[shape];
+        return at.hasText && !at.isRepeated() && !at.isAttribute;
+    });
+}
+
+/// The shapes whose occurrences can be rows.
+std::vector<size_t> TableFinder::findRecords() const
+{
+    if (m_shapes[0].count > 1) {
+        return {0}; // a stream of documents: each is a record
+    }
+    std::vector<size_t> containers;
+    std::vector<size_t> scalars;
+    for (const size_t shape : descendants(0)) {
+        if (shape != 0 && m_shapes[shape].isRepeated()) {
+            (m_shapes[shape].holdsOthers() ? containers : scalars).push_back(shape);
+        }
+    }
+    if (!containers.empty()) {
+        return containers;
+    }
+    if (!scalars.empty() && !hasScalars()) {
+        return scalars;
+    }
+    return {m_isXml && m_shapes[0].holdsOthers() ? m_shapes[0].children.front() : 0};
+}
+
+/// The repeated shape inside a record that becomes the next level: the most frequent one that holds
+/// others, otherwise one with too many values for columns.
+size_t TableFinder::findInner(size_t record) const
+{
+    size_t best = kNoShape;
+    for (const size_t shape : descendants(record)) {
+        const Shape &at = m_shapes[shape];
+        const bool isFit = shape != record && at.isRepeated() &&
+                           (at.holdsOthers() || (at.hasText && at.maxInParent > kIndexedValues));
+        const auto rank = [&](size_t of) {
+            return std::pair(m_shapes[of].holdsOthers(), m_shapes[of].count);
+        };
+        if (isFit && (best == kNoShape || rank(shape) > rank(best))) {
+            best = shape;
+        }
+    }
+    return best;
+}
+
+QString TableFinder::index(qint64 number) const
+{
+    return u'[' + QString::number(m_zeroBased ? number : number + 1) + u']';
+}
+
+/// The step from the parent of a shape to the shape. A path ignores letter case, so an index
+/// distinguishes names that differ only in it.
+QString TableFinder::stepTo(size_t shape) const
+{
+    const QString step = QString::fromStdU16String(escapedStep(m_shapes[shape].name));
+    const bool isFirst = m_sameNameIndex[shape] == 0 || m_shapes[shape].isAttribute;
+    return isFirst ? step : step + index(m_sameNameIndex[shape]);
+}
+
+QString TableFinder::pathTo(size_t top, size_t shape) const
+{
+    QStringList steps;
+    for (; shape != top; shape = m_shapes[shape].parent) {
+        steps.prepend(stepTo(shape));
+    }
+    return steps.join(u'/');
+}
+
+/// The names that lead from the record of the first level to a shape, the last one first.
+QStringList TableFinder::namesTo(const Draft &draft, size_t shape) const
+{
+    QStringList names;
+    const auto add = [&](size_t at) {
+        const QString name = QString::fromStdU16String(m_shapes[at].name);
+        if (!name.isEmpty()) {
+            names << (m_shapes[at].isAttribute ? name.sliced(1) : name);
+        }
+    };
+    for (size_t at = shape; at != draft.record; at = m_shapes[at].parent) {
+        add(at);
+    }
+    for (size_t at = draft.record; at != 0 && names.isEmpty(); at = m_shapes[at].parent) {
+        add(at);
+    }
+    return names.isEmpty() ? QStringList(u"value"_s) : names;
+}
+
+void TableFinder::addItem(Draft *draft, size_t top, size_t shape, const QString &path,
+                          const QString &suffix) const
+{
+    draft->places.push_back(
+        {draft->table.levels.size() - 1, shape, {namesTo(*draft, shape), suffix}});
+    draft->table.levels.back().items.push_back(
+        {path.isNull() ? pathTo(top, shape) : path, QString(), false});
+}
+
+/// Add a column for each of the first values of a repeated scalar.
+void TableFinder::addIndexed(Draft *draft, size_t top, size_t shape) const
+{
+    const Shape &at = m_shapes[shape];
+    const qint64 values = std::min(at.maxInParent, kIndexedValues);
+    for (qint64 i = 0; i < values; ++i) {
+        const QString container = pathTo(top, at.isItem ? at.parent : shape);
+        const QString between = at.isItem && !container.isEmpty() ? u"/"_s : QString();
+        addItem(draft, top, shape, container + between + index(i),
+                u'[' + QString::number(i) + u']');
+    }
+}
+
+/// Add a level whose occurrences are those of `top`, inside occurrences of `container`. `inner` is
+/// the shape of the next level, if any.
+void TableFinder::addLevel(Draft *draft, size_t container, size_t top, size_t inner) const
+{
+    Level level;
+    level.initialPath = top == 0 ? QString() : pathTo(container, m_shapes[top].parent);
+    level.subtagName = QString::fromStdU16String(m_shapes[top].name);
+    draft->table.levels.push_back(std::move(level));
+    draft->table.namesAreData = draft->table.namesAreData || m_shapes[top].isNamed;
+    for (const size_t shape : descendants(top)) {
+        if (shape != inner) {
+            addColumns(draft, top, shape);
+        }
+    }
+}
+
+/// Add the columns of one shape inside `top`, or report it as left out.
+void TableFinder::addColumns(Draft *draft, size_t top, size_t shape) const
+{
+    const Shape &at = m_shapes[shape];
+    if (shape == top || !at.isRepeated()) {
+        if (at.hasText) {
+            addItem(draft, top, shape, QString(), QString());
+        }
+    } else if (at.hasText && !at.holdsOthers() && at.maxInParent <= kIndexedValues) {
+        addIndexed(draft, top, shape);
+    } else if (at.hasText || at.holdsOthers()) {
+        draft->table.leftOut << pathTo(draft->record, at.isItem ? at.parent : shape);
+    }
+}
+
+/// Name the items of all levels.
+void TableFinder::nameItems(Draft *draft)
+{
+    std::vector<ColumnNameParts> columns;
+    for (const Place &place : draft->places) {
+        columns.push_back(place.name);
+    }
+    draft->table.beginning = distinctNames(std::move(columns));
+    std::vector<size_t> next(draft->table.levels.size());
+    for (size_t i = 0; i < draft->places.size(); ++i) {
+        const size_t level = draft->places[i].level;
+        draft->table.levels[level].items[next[level]++].name =
+            draft->table.beginning[static_cast<qsizetype>(i)];
+    }
+}
+
+SampledTable TableFinder::tableOf(size_t record) const
+{
+    Draft draft;
+    draft.record = record;
+    draft.table.path = pathTo(0, m_shapes[record].isItem ? m_shapes[record].parent : record);
+    draft.table.rows = m_shapes[record].count;
+    size_t container = 0;
+    for (size_t top = record; top != kNoShape;) {
+        const size_t inner = findInner(top);
+        addLevel(&draft, container, top, inner);
+        container = top;
+        top = inner;
+    }
+    if (draft.places.empty()) {
+        addItem(&draft, record, record, QString(), QString());
+    }
+    for (const Place &place : draft.places) {
+        draft.table.values += m_shapes[place.shape].count;
+    }
+    nameItems(&draft);
+    return std::move(draft.table);
+}
+
+SampledDocument TableFinder::find() const
+{
+    SampledDocument document;
+    for (const size_t record : findRecords()) {
+        document.add(tableOf(record));
+    }
+    return document;
+}
+
+} // namespace
+
+SampledDocument findTables(const Shapes &shapes, bool isXml, bool zeroBased)
+{
+    return TableFinder(shapes, isXml, zeroBased).find();
+}
+
+} // namespace corvanta::markup
