@@ -1,4 +1,7 @@
 // Builds text cells in memory that the caller provides, or in an arena.
+//
+// The readers' last level builds its cells directly in the batch of the output pin; the cells of
+// the other levels repeat over several rows and live in arenas of their own.
 #pragma once
 #include "codecs/markup/text/raw_text.h"
 
@@ -14,6 +17,7 @@ namespace corvanta::markup {
 class CellArena
 {
 public:
+    // Not copied: cells refer to the memory of one arena.
     CellArena() = default;
     CellArena(const CellArena &) = delete;
     CellArena &operator=(const CellArena &) = delete;
@@ -36,6 +40,7 @@ public:
     void reset();
 
 private:
+    /// A piece of memory; never moved, so that cells keep their addresses.
     struct Block
     {
         std::unique_ptr<uchar[]> bytes;
@@ -44,6 +49,7 @@ private:
     void use(size_t block);
 
     std::vector<Block> m_blocks;
+    /// Index of the block in use; the free part of it is m_next to m_end.
     size_t m_block = 0;
     uchar *m_next = nullptr;
     uchar *m_end = nullptr;

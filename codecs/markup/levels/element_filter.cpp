@@ -1,3 +1,5 @@
+// An occurrence is a child of the container with the name of the level. With ignoreEmpty, "<a/>" is
+// not an occurrence, but "<a x='1'/>" and "<a><b/></a>" are.
 #include "codecs/markup/levels/element_filter.h"
 
 namespace corvanta::markup {

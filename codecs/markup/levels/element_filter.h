@@ -5,10 +5,11 @@
 
 namespace corvanta::markup {
 
-/// Threads: objects are constant.
+/// Threads: objects are constant, so any number of threads may use one.
 class ElementFilter
 {
 public:
+    /// Uses `ignoreEmpty` and `text` of the options.
     explicit ElementFilter(const ExtractOptions &options)
         : m_text(options.text)
         , m_ignoreEmpty(options.ignoreEmpty)

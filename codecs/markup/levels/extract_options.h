@@ -6,24 +6,33 @@ namespace corvanta::markup {
 
 /// How the names of an element's children are written to a cell.
 enum class TagNames : quint8 {
-    Runs,    ///< in document order, each run of equal names once: "a b[3] c "
-    Summary, ///< sorted, each name once with its total
+    /// In document order, each run of equal names once: "a b[3] c ".
+    Runs,
+    /// Sorted, each name once with its total.
+    Summary,
 };
 
 struct ExtractOptions
 {
-    bool zeroBased = true;      ///< base of the indexes in paths
-    bool outputSubTags = false; ///< a column per level for the name of the occurrence
-    bool keepRoot = true; ///< paths begin at the document; off: at its only element, if there is
-                          ///< only one
+    /// Base of the indexes in paths.
+    bool zeroBased = true;
+    /// A column per level for the name of the occurrence.
+    bool outputSubTags = false;
+    /// Paths begin at the document; off: at its only element, if there is only one.
+    bool keepRoot = true;
     TagNames tagNames = TagNames::Runs;
-    TextRule text;             ///< which items are text of an element
-    bool allText = false;      ///< include the text of sub-elements, with folded spaces
-    bool namesForText = false; ///< an element without text has the names of its children instead
-    bool presence = false;     ///< cells are 1 for an item that exists and 0 for one that does not
-    bool ignoreEmpty = false;  ///< elements without text, sub-elements and attributes do not exist,
-                               ///< but count in indexes
-    int skip = 0; ///< occurrences of the first level to skip at the start of each document
+    /// Which items are text of an element.
+    TextRule text;
+    /// Include the text of sub-elements, with folded spaces.
+    bool allText = false;
+    /// An element without text has the names of its children instead.
+    bool namesForText = false;
+    /// Cells are 1 for an item that exists and 0 for one that does not.
+    bool presence = false;
+    /// Elements without text, sub-elements and attributes do not exist, but count in indexes.
+    bool ignoreEmpty = false;
+    /// Occurrences of the first level to skip at the start of each document.
+    int skip = 0;
 };
 
 } // namespace corvanta::markup

@@ -1,3 +1,12 @@
+// What a cell holds, in this order:
+//
+//     presence                     "1" or "0"
+//     attribute                    its value
+//     item with tagName            names of the children: "a b[3] c "
+//     one piece of text            the text, decoded directly to the cell
+//     several pieces, or allText   the pieces, joined or folded first
+//     no text, namesForText        names of the children
+//     otherwise                    missing
 #include "codecs/markup/levels/item_cells.h"
 
 #include "base/cell.h"

@@ -12,6 +12,7 @@ namespace corvanta::markup {
 class ItemCells
 {
 public:
+    /// Uses the options for texts, names of children and presence.
     explicit ItemCells(const ExtractOptions &options)
         : m_options(options)
         , m_filter(options)
@@ -32,6 +33,7 @@ public:
     void clearError() { m_error.reset(); }
 
 private:
+    // Each of these returns a cell in `arena`, or the shared missing cell.
     const uchar *rawCell(const RawText &text, CellArena &arena);
     const uchar *textOf(const MarkupTree &tree, quint32 element, CellArena &arena);
     const uchar *joinedCell(CellArena &arena);
@@ -41,6 +43,7 @@ private:
     ExtractOptions m_options;
     ElementFilter m_filter;
     std::optional<MarkupError> m_error;
+    /// Reused for texts that consist of several pieces.
     std::u16string m_joined;
 };
 

@@ -1,3 +1,10 @@
+// The rows of two levels, orders and lines, for {"orders":[{"id":1,"lines":[{"s":2},{"s":3}]}]}:
+//
+//     id | s
+//     1  | 2     enterLevels(0): the cells of the order and of its first line
+//     1  | 3     advanceInner(): the next line; the cells of the order stay
+//
+// An order without lines has one row, in which the cells of the line are missing.
 #include "codecs/markup/levels/level_extractor.h"
 
 #include "base/cell.h"

@@ -64,9 +64,11 @@ private:
     std::unique_ptr<OccurrenceReader> m_reader;
     std::vector<const uchar *> m_cells;
     std::optional<MarkupResult> m_failure;
-    size_t m_deepest = 0; ///< level of the innermost occurrence in the current row
+    /// Level of the innermost occurrence in the current row.
+    size_t m_deepest = 0;
     bool m_hasRow = false;
-    int m_skipped = 0; ///< occurrences of the first level, for ExtractOptions::skip
+    /// Occurrences of the first level, for ExtractOptions::skip.
+    int m_skipped = 0;
 };
 
 } // namespace corvanta::markup

@@ -1,4 +1,7 @@
 // The state of one level during the extraction.
+//
+// The paths of a level and the initial path of the next one are looked up together, because they
+// all start at the occurrence.
 #pragma once
 #include "codecs/markup/levels/cell_arena.h"
 #include "codecs/markup/levels/level.h"
@@ -12,6 +15,7 @@ namespace corvanta::markup {
 /// What an extractor knows about a level. Threads: one at a time.
 struct LevelState
 {
+    /// Parse the paths of a level. `syntax` is the syntax of all its paths.
     LevelState(const Level &levelToRead, const PathSyntax &syntax)
         : level(levelToRead)
         , initialPath(parsePath(level.initialPath, syntax))
@@ -36,16 +40,26 @@ struct LevelState
         containerFound = initialPath.empty();
     }
 
+    /// The level as given.
     Level level;
+    /// level.initialPath, parsed.
     std::vector<PathStep> initialPath;
-    std::u16string subtag;       ///< lower case; empty: every name
-    PathSet paths;               ///< of the items, then the initial path of the next level
-    int firstColumn = 0;         ///< of the level's cells
-    std::vector<bool> wasFound;  ///< by path: found in the current file
-    bool occurred = false;       ///< the file has an occurrence
-    bool containerFound = false; ///< the file has the element at the initial path
-    BlockArena arena;            ///< of the cells, except those of the last level
-    quint32 occurrence = 0;      ///< index of the occurrence in the current row
+    /// Lower case; empty: every name.
+    std::u16string subtag;
+    /// Of the items, then the initial path of the next level.
+    PathSet paths;
+    /// Of the level's cells.
+    int firstColumn = 0;
+    /// By path: found in the current file.
+    std::vector<bool> wasFound;
+    /// The file has an occurrence.
+    bool occurred = false;
+    /// The file has the element at the initial path.
+    bool containerFound = false;
+    /// Of the cells, except those of the last level.
+    BlockArena arena;
+    /// Index of the occurrence in the current row.
+    quint32 occurrence = 0;
 };
 
 } // namespace corvanta::markup

@@ -44,8 +44,10 @@ private:
     /// What a top-level object is, when no path leads into it.
     enum class Documents : quint8 {
         Undecided,
-        Records,    ///< it is an occurrence, one line of JSON Lines
-        Containers, ///< its members are the occurrences
+        /// It is an occurrence, one line of JSON Lines.
+        Records,
+        /// Its members are the occurrences.
+        Containers,
     };
 
     std::optional<quint32> nextInTree();
@@ -64,7 +66,8 @@ private:
     bool m_keepRoot;
     bool m_isHtml;
     PathFollower m_path;
-    PathSet m_rootPath; ///< the initial path, for trees of whole values
+    /// The initial path, for trees of whole values.
+    PathSet m_rootPath;
     RecordBuilder m_record;
     MarkupTokenizer *m_tokenizer = nullptr;
     JSONTokenizer *m_json = nullptr;
@@ -72,8 +75,10 @@ private:
     bool m_ended = false;
     bool m_sawContent = false;
     Documents m_documents = Documents::Undecided;
-    quint32 m_nextInTree = MarkupTree::kNone; ///< where the search in a tree continues
-    quint32 m_treeContainer = 0;              ///< element that holds the occurrences of that tree
+    /// Where the search in a tree continues.
+    quint32 m_nextInTree = MarkupTree::kNone;
+    /// Element that holds the occurrences of that tree.
+    quint32 m_treeContainer = 0;
 };
 
 } // namespace corvanta::markup

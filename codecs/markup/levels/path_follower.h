@@ -1,4 +1,7 @@
 // Follows a path down the open elements of a token stream.
+//
+// The caller reports the elements that begin inside the open part of the path, and the ends of
+// those that were entered. It skips the content of all other elements.
 #pragma once
 #include "codecs/markup/tree/path.h"
 
@@ -11,6 +14,7 @@ namespace corvanta::markup {
 class PathFollower
 {
 public:
+    /// Follow `path`, with no step open.
     explicit PathFollower(const std::vector<PathStep> &path)
         : m_path(path)
         , m_passed(path.size())
@@ -54,9 +58,12 @@ public:
     void leave() { --m_open; }
 
 private:
+    /// The path to follow; may be empty, and is then always at its end.
     std::vector<PathStep> m_path;
-    std::vector<quint32> m_passed; ///< by step: elements of its name that began
-    size_t m_open = 0;             ///< steps whose elements are open
+    /// By step: elements of its name that began.
+    std::vector<quint32> m_passed;
+    /// Steps whose elements are open.
+    size_t m_open = 0;
 };
 
 } // namespace corvanta::markup

@@ -1,3 +1,5 @@
+// Most of a record are leaves, which addLeaves() adds without a token for each of their parts.
+// Other tokens are added one at a time.
 #include "codecs/markup/levels/record_builder.h"
 
 namespace corvanta::markup {

@@ -1,3 +1,4 @@
+// For the values a/x, b/x and c: x is not distinct, so the names are "a.x", "b.x" and "c".
 #include "codecs/markup/sample/column_names.h"
 
 #include <QHash>

@@ -9,9 +9,12 @@ namespace corvanta::markup {
 /// The parts from which the name of a column is made.
 struct ColumnNameParts
 {
-    QStringList names;  ///< of the elements that lead to the value, the last one first; not empty
-    QString suffix;     ///< "[i]", or empty
-    qsizetype used = 1; ///< number of names in the column's name
+    /// Of the elements that lead to the value, the last one first; not empty.
+    QStringList names;
+    /// "[i]", or empty.
+    QString suffix;
+    /// Number of names in the column's name.
+    qsizetype used = 1;
 };
 
 /// The names of the columns: the last name of each, with as many names before it as needed to be

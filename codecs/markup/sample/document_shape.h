@@ -14,15 +14,24 @@ namespace corvanta::markup {
 /// All elements of one name at one place of the document.
 struct Shape
 {
-    std::u16string name;                     ///< "@name" for an attribute
-    size_t parent = 0;                       ///< number of the shape that holds it
-    std::vector<size_t> children;            ///< numbers, in the order of their first occurrence
-    std::map<std::u16string, size_t> byName; ///< the children
-    qint64 count = 0;                        ///< occurrences in the sample
-    qint64 inParent = 0;                     ///< occurrences in the current parent
-    qint64 maxInParent = 0;                  ///< the highest inParent
-    bool isItem = false;                     ///< an item of an array, or of a map
-    bool isNamed = false;                    ///< an item of a map
+    /// "@name" for an attribute.
+    std::u16string name;
+    /// Number of the shape that holds it.
+    size_t parent = 0;
+    /// Numbers, in the order of their first occurrence.
+    std::vector<size_t> children;
+    /// The children.
+    std::map<std::u16string, size_t> byName;
+    /// Occurrences in the sample.
+    qint64 count = 0;
+    /// Occurrences in the current parent.
+    qint64 inParent = 0;
+    /// The highest inParent.
+    qint64 maxInParent = 0;
+    /// An item of an array, or of a map.
+    bool isItem = false;
+    /// An item of a map.
+    bool isNamed = false;
     bool isAttribute = false;
     bool hasText = false;
 

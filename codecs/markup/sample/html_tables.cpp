@@ -67,6 +67,7 @@ private:
     std::vector<HtmlTable> m_tables;
 };
 
+/// The path to the innermost open element. Indexes count siblings of the same name.
 QString TableLister::pathToHere() const
 {
     QStringList steps;
@@ -104,6 +105,8 @@ void TableLister::beginTable()
     }
 }
 
+/// A row belongs to the innermost table. Rows outside of thead and tfoot are directly in the table,
+/// because the tokenizer drops tbody.
 void TableLister::beginRow()
 {
     if (!m_openTables.empty()) {

@@ -13,18 +13,28 @@ namespace corvanta::markup {
 /// A table of a page.
 struct HtmlTable
 {
-    QString path;         ///< of the table, usable as Level::initialPath
-    qint64 rows = 0;      ///< rows directly in the table, or in its tbody
-    qint64 headRows = 0;  ///< rows in thead and tfoot
-    qint64 columns = 0;   ///< cells of the longest row; a cell that spans columns counts once
-    QStringList firstRow; ///< texts of the cells of the first row, truncated
+    /// Of the table, usable as Level::initialPath.
+    QString path;
+    /// Rows directly in the table, or in its tbody.
+    qint64 rows = 0;
+    /// Rows in thead and tfoot.
+    qint64 headRows = 0;
+    /// Cells of the longest row; a cell that spans columns counts once.
+    qint64 columns = 0;
+    /// Texts of the cells of the first row, truncated.
+    QStringList firstRow;
 
     // Evidence whether the first row holds names.
-    bool isFirstInHead = false; ///< the first row is in thead
-    bool hasHeadCell = false;   ///< the first row has a th
-    bool hasDataCell = false;   ///< the first row has a td that is not empty
-    bool hasDigits = false;     ///< the first row has digits
-    bool digitsFollow = false;  ///< the second row has digits
+    /// The first row is in thead.
+    bool isFirstInHead = false;
+    /// The first row has a th.
+    bool hasHeadCell = false;
+    /// The first row has a td that is not empty.
+    bool hasDataCell = false;
+    /// The first row has digits.
+    bool hasDigits = false;
+    /// The second row has digits.
+    bool digitsFollow = false;
 };
 
 /// List the tables of a page in document order, including nested ones: at most 10,000, at most 256

@@ -1,3 +1,5 @@
+// {"p":{"k1":{"v":1},"k2":{"v":2},"k3":{"v":3},"k4":{"v":4}}}: the members of "p" are similar, so
+// "p" is a map, and is read as if it were "p":[{"v":1},{"v":2},{"v":3},{"v":4}].
 #include "codecs/markup/sample/map_finder.h"
 
 #include <algorithm>
@@ -40,6 +42,7 @@ private:
     Shapes &m_shapes;
 };
 
+/// True for a shape that occurs in records, where maps are less likely than in the document.
 bool MapFinder::isInRecord(size_t shape) const
 {
     while (shape != 0 && !m_shapes[shape].isRepeated()) {
@@ -73,6 +76,7 @@ bool MapFinder::isMap(size_t shape) const
     return 2 * named >= names.size() * members.size() || members.size() >= kManyMembers;
 }
 
+/// Replace the members of a map by one item that merges them all.
 void MapFinder::convertToArray(size_t map)
 {
     const std::vector<size_t> members = std::exchange(m_shapes[map].children, {m_shapes.size()});
@@ -87,6 +91,7 @@ void MapFinder::convertToArray(size_t map)
     m_shapes[item].maxInParent = static_cast<qint64>(members.size());
 }
 
+/// Add the counts and children of the shape `from` to the shape `into`.
 void MapFinder::merge(size_t from, size_t into)
 {
     m_shapes[into].count += m_shapes[from].count;

@@ -1,3 +1,4 @@
+// The steps: read the first records as shapes, merge maps (JSON only), find tables in the shapes.
 #include "codecs/markup/sample/sample_levels.h"
 
 #include "codecs/markup/sample/map_finder.h"

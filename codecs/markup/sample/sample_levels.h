@@ -11,21 +11,32 @@ namespace corvanta::markup {
 /// A part of a document that can be read as a table.
 struct SampledTable
 {
-    QString path;              ///< of the repeated element, or of the array that holds it
-    qint64 rows = 0;           ///< number of rows in the sample
-    qint64 values = 0;         ///< number of values in these rows
-    std::vector<Level> levels; ///< at least one, with at least one item
-    bool namesAreData = false; ///< its records are the members of an object, which have names
-    QStringList leftOut;   ///< paths of repeated parts of the records that the levels do not read
-    QStringList beginning; ///< names of the columns, or texts of the first row
-    bool isPageTable = false; ///< it is a table of an HTML page
-    int headRows = 0;         ///< number of first records that hold column names
+    /// Of the repeated element, or of the array that holds it.
+    QString path;
+    /// Number of rows in the sample.
+    qint64 rows = 0;
+    /// Number of values in these rows.
+    qint64 values = 0;
+    /// At least one, with at least one item.
+    std::vector<Level> levels;
+    /// Its records are the members of an object, which have names.
+    bool namesAreData = false;
+    /// Paths of repeated parts of the records that the levels do not read.
+    QStringList leftOut;
+    /// Names of the columns, or texts of the first row.
+    QStringList beginning;
+    /// It is a table of an HTML page.
+    bool isPageTable = false;
+    /// Number of first records that hold column names.
+    int headRows = 0;
 };
 
 struct SampledDocument
 {
-    std::vector<SampledTable> tables; ///< in document order
-    size_t largest = 0;               ///< index of the first table with the most values
+    /// In document order.
+    std::vector<SampledTable> tables;
+    /// Index of the first table with the most values.
+    size_t largest = 0;
 
     /// Append a table and update `largest`.
     void add(SampledTable table);
@@ -33,9 +44,12 @@ struct SampledDocument
 
 struct SampleOptions
 {
-    int records = 100;     ///< number of records to read, at least 1
-    TextRule text;         ///< which items are text of an element
-    bool zeroBased = true; ///< base of the indexes in paths
+    /// Number of records to read, at least 1.
+    int records = 100;
+    /// Which items are text of an element.
+    TextRule text;
+    /// Base of the indexes in paths.
+    bool zeroBased = true;
 };
 
 /// Read up to `options.records` records and derive levels as docs/formats/markup.md describes. The

@@ -1,3 +1,9 @@
+// The shapes of <r><a i="1">x</a><a/></r>, with their number of occurrences:
+//
+//     (document) 0
+//      +- r 1
+//          +- a 2      maxInParent 2: it repeats
+//              +- @i 1
 #include "codecs/markup/sample/shape_sampler.h"
 
 #include "codecs/markup/tokens/json_tokenizer.h"
@@ -69,6 +75,8 @@ private:
     qint64 m_unseen = 0; ///< open elements inside m_current that have no shape
 };
 
+/// The shape of a child, new or known; kNoShape for a name that paths cannot express and when there
+/// are too many shapes.
 size_t ShapeSampler::childOf(size_t parent, const std::u16string &name)
 {
     const auto known = m_shapes[parent].byName.find(name);
@@ -87,6 +95,7 @@ size_t ShapeSampler::childOf(size_t parent, const std::u16string &name)
     return child;
 }
 
+/// An element begins. Inside an element without a shape, elements are only counted.
 void ShapeSampler::begin(const std::u16string &name, bool isItem)
 {
     const bool tooDeep = m_tokenizer.depth() > kMaxDepth;

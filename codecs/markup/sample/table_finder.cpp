@@ -1,3 +1,11 @@
+// From shapes to levels:
+//
+//     document                    repeated shapes outside of other repeated ones: one table each
+//      +- orders (repeated)       the first level
+//          +- id                  an item
+//          +- tags (few scalars)  items tags[0], tags[1] ...
+//          +- lines (repeated)    the next level, if it is the most frequent one in an order
+//          +- notes (repeated)    left out
 #include "codecs/markup/sample/table_finder.h"
 
 #include "codecs/markup/sample/column_names.h"

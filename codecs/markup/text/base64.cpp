@@ -17,6 +17,7 @@ constexpr std::string_view kAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr qint8 kIllegal = -1;
 constexpr qint8 kSkipped = -2; // spaces and line breaks
+constexpr qint8 kPadding = -3;
 
 constexpr std::array<qint8, 128> decodeTable()
 {
@@ -28,10 +29,26 @@ constexpr std::array<qint8, 128> decodeTable()
     for (const char blank : {' ', '\t', '\r', '\n'}) {
         table[static_cast<size_t>(blank)] = kSkipped;
     }
+    table['='] = kPadding;
     return table;
 }
 
 constexpr std::array<qint8, 128> kValues = decodeTable();
+
+/// The six bits of a character, or one of the negative constants.
+qint8 valueOf(char16_t c)
+{
+    return c < kValues.size() ? kValues[c] : kIllegal;
+}
+
+/// The warning after text whose last group has `held` of four data characters.
+std::optional<MarkupError> warningFor(int held, qsizetype characters)
+{
+    if (held == 1) {
+        return MarkupError::Base64TruncatedWarning;
+    }
+    return characters % 4 != 0 ? std::optional(MarkupError::Base64LengthWarning) : std::nullopt;
+}
 
 } // namespace
 
@@ -45,37 +62,29 @@ Result<DecodedBase64, MarkupError> decodeBase64(std::u16string_view text, std::s
     DecodedBase64 decoded;
     quint32 bits = 0;
     int held = 0; // characters of the open group of four
+    qsizetype padding = 0;
     qsizetype characters = 0;
-    bool isPadded = false;
     for (const char16_t c : text) {
-        const qint8 value = c < kValues.size() ? kValues[c] : kIllegal;
-        if (value == kSkipped) {
+        const qint8 value = valueOf(c);
+        characters += value == kSkipped ? 0 : 1;
+        padding += value == kPadding ? 1 : 0;
+        if (value == kSkipped || value == kPadding) {
             continue;
         }
-        ++characters;
-        isPadded = isPadded || c == u'=';
-        if (c == u'=') {
-            continue;
-        }
-        if (value == kIllegal || isPadded) { // data must not follow the padding
+        if (value == kIllegal || padding > 0) { // data must not follow the padding
             return Fault{MarkupError::Base64IllegalCharacter, {}, decoded.size};
         }
         bits = bits << 6 | static_cast<quint32>(value);
         held = held % 4 + 1;
-        if (held == 1) {
-            continue;
-        }
-        if (decoded.size == static_cast<qsizetype>(out.size())) {
+        // The second, third and fourth character of a group each complete a byte.
+        if (held > 1 && decoded.size == static_cast<qsizetype>(out.size())) {
             return Fault{MarkupError::Base64BufferTooSmall, {}, decoded.size};
         }
-        // The second, third and fourth character of a group each complete a byte.
-        out[static_cast<size_t>(decoded.size++)] = static_cast<char>(bits >> (8 - 2 * held));
+        if (held > 1) {
+            out[static_cast<size_t>(decoded.size++)] = static_cast<char>(bits >> (8 - 2 * held));
+        }
     }
-    if (held == 1) {
-        decoded.warning = MarkupError::Base64TruncatedWarning;
-    } else if (characters % 4 != 0) {
-        decoded.warning = MarkupError::Base64LengthWarning;
-    }
+    decoded.warning = warningFor(held, characters);
     return decoded;
 }
 

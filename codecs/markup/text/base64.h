@@ -17,9 +17,11 @@ QByteArray encodeBase64(QByteArrayView bytes);
 /// Result of decodeBase64() for data that is usable.
 struct DecodedBase64
 {
-    qsizetype size = 0;                 ///< bytes written
-    std::optional<MarkupError> warning; ///< Base64TruncatedWarning: a single character is left
-                                        ///< over; Base64LengthWarning: the padding is missing
+    /// Bytes written.
+    qsizetype size = 0;
+    /// Base64TruncatedWarning: a single character is left over; Base64LengthWarning: the padding is
+    /// missing.
+    std::optional<MarkupError> warning;
 };
 
 /// Decode `text` into `out`. Skips spaces and line breaks; "=" ends the data. Errors (their offset

@@ -329,23 +329,27 @@ qsizetype CharSource::readUtf32(char *out, qsizetype room)
     return at - out;
 }
 
+/// Run iconv on the bytes at hand; returns its errno, or 0.
+int CharSource::runIconv(char **out, size_t *room)
+{
+    char *in = rawAt();
+    auto inLeft = static_cast<size_t>(rawLeft());
+    const size_t converted = iconv(m_iconv.get(), &in, &inLeft, out, room);
+    const int reason = converted == static_cast<size_t>(-1) ? errno : 0;
+    m_rawAt = m_rawEnd - inLeft;
+    return reason;
+}
+
 qsizetype CharSource::readCodePage(char *out, qsizetype room)
 {
     char *at = out;
     auto left = static_cast<size_t>(room);
     for (;;) {
-        char *in = rawAt();
-        auto inLeft = static_cast<size_t>(rawLeft());
-        const size_t converted = iconv(m_iconv.get(), &in, &inLeft, &at, &left);
-        const int reason = converted == static_cast<size_t>(-1) ? errno : 0;
-        m_rawAt = m_rawEnd - inLeft;
-        if (reason == E2BIG) {
+        const int reason = runIconv(&at, &left);
+        if (reason == E2BIG || (reason == EILSEQ && !dropInvalid())) {
             return at - out;
         }
         if (reason == EILSEQ) {
-            if (!dropInvalid()) {
-                return at - out;
-            }
             ++m_rawAt;
             continue;
         }

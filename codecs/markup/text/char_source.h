@@ -19,8 +19,10 @@ namespace corvanta::markup {
 
 /// What happens to bytes that are not a character of the encoding.
 enum class InvalidBytes : quint8 {
-    Fail,    ///< reading ends with CannotConvert after the characters before them
-    Discard, ///< they are dropped; hasDiscarded() reports it
+    /// Reading ends with CannotConvert after the characters before them.
+    Fail,
+    /// They are dropped; hasDiscarded() reports it.
+    Discard,
 };
 
 /// Threads: one at a time.
@@ -53,14 +55,19 @@ public:
     /// True when invalid bytes were dropped (InvalidBytes::Discard).
     bool hasDiscarded() const { return m_discarded; }
 
+    /// The least room that read() needs.
     static constexpr qsizetype kMinRoom = 64;
 
 private:
+    /// Owner of a converter; iconv_t is a void pointer.
     struct CloseIconv
     {
         using pointer = iconv_t;
         void operator()(iconv_t handle) const { iconv_close(handle); }
     };
+
+    // Functions that return a size return 0 when they deliver nothing: at the end, or with m_error
+    // set.
 
     std::optional<MarkupError> errorAtHand() const;
     Result<void, MarkupError> status() const;
@@ -75,6 +82,7 @@ private:
     qsizetype completeUnits(qsizetype most) const;
     qsizetype readUtf32(char *out, qsizetype room);
     qsizetype readCodePage(char *out, qsizetype room);
+    int runIconv(char **out, size_t *room);
     bool isWideName(const QByteArray &name);
     void skipMark();
     void findByteOrder(QByteArrayView bytes);
@@ -83,16 +91,21 @@ private:
     qsizetype rawLeft() const { return static_cast<qsizetype>(m_rawEnd - m_rawAt); }
 
     ByteSource *m_source;
-    std::vector<char> m_raw; ///< bytes m_rawAt to m_rawEnd were read and not yet converted
+    /// Bytes m_rawAt to m_rawEnd were read and not yet converted.
+    std::vector<char> m_raw;
     size_t m_rawAt = 0;
     size_t m_rawEnd = 0;
     bool m_sourceEnded = false;
+    /// How the bytes are converted.
     CharMode m_mode = CharMode::Utf8;
     bool m_bigEndian = false;
-    bool m_orderIsKnown = false; ///< from the encoding's name
+    /// From the encoding's name.
+    bool m_orderIsKnown = false;
+    /// InvalidBytes::Discard was set.
     bool m_discard = false;
     bool m_discarded = false;
-    std::optional<MarkupError> m_error; ///< reported after the bytes before it
+    /// Reported after the bytes before it.
+    std::optional<MarkupError> m_error;
     std::unique_ptr<void, CloseIconv> m_iconv;
 };
 

@@ -7,11 +7,13 @@ namespace corvanta::markup {
 
 /// How bytes become characters. The numbers are fixed.
 enum class CharMode : quint8 {
-    Error = 0, ///< the document declares an encoding that its bytes contradict
+    /// The document declares an encoding that its bytes contradict.
+    Error = 0,
     Utf32 = 1,
     Utf16 = 2,
     Utf8 = 3,
-    CodePage = 4, ///< the encoding has a name; iconv converts it
+    /// The encoding has a name; iconv converts it.
+    CodePage = 4,
     ShiftJis = 5,
     Gb2312 = 6,
     Big5 = 7,

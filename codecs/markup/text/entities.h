@@ -13,9 +13,11 @@ inline constexpr int kEntityBytes = 64;
 /// A reference to a character.
 struct Entity
 {
-    int length = 0; ///< bytes from "&" to ";"
+    /// Bytes from "&" to ";".
+    int length = 0;
     std::array<char16_t, 2> units{};
-    int unitCount = 0; ///< 1, or 2 for a surrogate pair
+    /// 1, or 2 for a surrogate pair.
+    int unitCount = 0;
 };
 
 /// Read the reference at `at` (a "&"); std::nullopt for an unknown name or an invalid number. At

@@ -5,7 +5,8 @@
 
 namespace corvanta::markup {
 
-/// LF, CR, CR LF and LF CR each end one line; the column is the number of UTF-16 units since then.
+/// LF, CR, CR LF and LF CR each end one line, also across two calls of advance(). The column is the
+/// number of UTF-16 units since then. Threads: one at a time.
 class LineCounter
 {
 public:
@@ -24,7 +25,8 @@ private:
     qint64 m_line = 1;
     qint64 m_column = 0;
     char m_openBreak =
-        0; ///< the last byte, if it is a CR or LF that the other one may complete; else 0
+        /// The last byte, if it is a CR or LF that the other one may complete; else 0.
+        0;
 };
 
 } // namespace corvanta::markup

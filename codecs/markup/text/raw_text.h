@@ -12,11 +12,16 @@ inline constexpr quint32 kReadAhead = 64;
 
 /// How the bytes of a RawText are decoded.
 enum class TextForm : quint8 {
-    Plain,       ///< UTF-8; kReadAhead bytes may be read starting at any place in it
-    Detached,    ///< UTF-8 outside a tokenizer's buffer: nothing may be read after it
-    JsonEscaped, ///< UTF-8 with backslash escapes or raw line breaks of a JSON string
-    XmlEntities, ///< UTF-8 with "&"; an unknown entity stays unchanged
-    External,    ///< of a TextSpan only: the span holds the number of a text outside the buffer
+    /// UTF-8; kReadAhead bytes may be read starting at any place in it.
+    Plain,
+    /// UTF-8 outside a tokenizer's buffer: nothing may be read after it.
+    Detached,
+    /// UTF-8 with backslash escapes or raw line breaks of a JSON string.
+    JsonEscaped,
+    /// UTF-8 with "&"; an unknown entity stays unchanged.
+    XmlEntities,
+    /// Of a TextSpan only: the span holds the number of a text outside the buffer.
+    External,
 };
 
 /// A view of UTF-8 bytes. Valid as long as the buffer or string that it refers to.

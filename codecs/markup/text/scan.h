@@ -11,6 +11,7 @@ namespace corvanta::markup {
 
 namespace scan {
 
+/// The mask of a block in which every byte is a hit.
 inline constexpr quint32 kAll = 0xFFFF;
 
 /// The 16 bytes at `at`.
@@ -30,7 +31,7 @@ inline __m128i isOneFrom(__m128i block, char first, char count)
     const __m128i last = _mm_set1_epi8(static_cast<char>(count - 1));
     return _mm_cmpeq_epi8(_mm_min_epu8(distance, last), distance);
 }
-/// A bit for each byte of `hits` that is 0xFF.
+/// A bit for each byte of `hits` that is 0xFF. Bit 0 is the first byte.
 inline quint32 mask(__m128i hits)
 {
     return static_cast<quint32>(_mm_movemask_epi8(hits));
@@ -50,7 +51,7 @@ template <typename Hits> const char *find(const char *at, Hits hits)
 
 } // namespace scan
 
-/// The first `a`, `b` or NUL.
+/// The first `a`, `b` or NUL. Texts and attribute values of XML end in this way.
 inline const char *findEither(const char *at, char a, char b)
 {
     return scan::find(at, [a, b](__m128i block) {
@@ -60,6 +61,7 @@ inline const char *findEither(const char *at, char a, char b)
 }
 
 /// The first byte that is not a space (CharClass::Space).
+// Two pairs of comparisons are faster here than one table lookup per byte.
 inline const char *skipSpaces(const char *at)
 {
     return scan::find(at, [](__m128i block) {
@@ -69,7 +71,8 @@ inline const char *skipSpaces(const char *at)
     });
 }
 
-/// The first byte that is not a name character (isNameChar()).
+/// The first byte that is not a name character (isNameChar()). Bytes of characters beyond ASCII are
+/// name characters, so a name is never split inside a character.
 inline const char *skipNameChars(const char *at)
 {
     return scan::find(at, [](__m128i block) {

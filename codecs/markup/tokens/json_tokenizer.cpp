@@ -194,6 +194,7 @@ Token JSONTokenizer::missingEnd()
     return open && isBalanced() ? fail(MarkupError::UnmatchedEndTag) : endOfData();
 }
 
+/// Read a key and its colon. An empty key is named "_", because an element needs a name.
 inline Token JSONTokenizer::readKey(char quote)
 {
     if (quote != '"' && quote != '\'') {
@@ -270,6 +271,7 @@ bool JSONTokenizer::openContainer(bool object)
     return true;
 }
 
+/// Leave a container. Its element ends after the separator that follows.
 Token JSONTokenizer::closeContainer(char c)
 {
     if ((c == '}') != isObject()) {
@@ -415,6 +417,7 @@ Token JSONTokenizer::readLiteral(char c)
     return failAt(at + letters, literal.error);
 }
 
+/// Read a run of number characters; also NaN and infinities.
 inline Token JSONTokenizer::readNumber()
 {
     const char *at = here();

@@ -30,6 +30,8 @@ public:
     /// Accept any run of the characters of charset::kPermissive as an unquoted value.
     void setPermissiveNumbers(bool on) { m_permissive = on; }
 
+    /// Tokens are documented in tokenizer.h. A top-level value that is not complete at the end of
+    /// the data is an error only with setBalanced().
     Token nextToken() override;
     bool takeLeaf(Leaf *leaf) override;
 
@@ -45,15 +47,31 @@ protected:
     Result<void, MarkupError> detectEncoding(CharSource &source, QByteArrayView first) override;
 
 private:
-    enum class State : quint8 { Top, Key, Item, Value, AfterValue };
+    /// What comes next.
+    enum class State : quint8 {
+        /// A top-level value.
+        Top,
+        /// A key, or the end of an object.
+        Key,
+        /// An array item, or the end of an array.
+        Item,
+        /// The value of a member or item.
+        Value,
+        /// A separator, a closing bracket, or the end of the top-level value.
+        AfterValue,
+    };
     /// An open "{" or "[". The bytes of the name of the element that holds it are in m_names.
     struct Container
     {
-        quint32 itemName = 0; ///< number of the external text that names the items; 0: an object
+        /// Number of the external text that names the items; 0: an object.
+        quint32 itemName = 0;
         quint32 nameSize = 0;
         TextForm nameForm = TextForm::Plain;
         quint32 nameExternal = 0;
     };
+
+    // Functions that return a token return None when they did not produce one. Functions that
+    // return bool return false when they fail or when what they look for is not there.
 
     Token step();
     Token startDocument(char c);
@@ -87,13 +105,18 @@ private:
     State m_state = State::Top;
     DocumentKind m_documentKind = DocumentKind::Scalar;
     bool m_permissive = false;
-    bool m_scalar = false; ///< the last value was a scalar, so its name is still in the buffer
-    TextSpan m_name;       ///< name of the open element
-    RawText m_closedName;  ///< name of the element whose container was closed last
+    /// The last value was a scalar, so its name is still in the buffer.
+    bool m_scalar = false;
+    /// Name of the open element.
+    TextSpan m_name;
+    /// Name of the element whose container was closed last.
+    RawText m_closedName;
     std::vector<Container> m_open;
-    std::vector<char> m_names; ///< names of the elements that hold m_open, without separators
+    /// Names of the elements that hold m_open, without separators.
+    std::vector<char> m_names;
     std::vector<std::string> m_itemNames;
-    quint32 m_itemName = 0; ///< number of the external text for arrays that begin now
+    /// Number of the external text for arrays that begin now.
+    quint32 m_itemName = 0;
 };
 
 } // namespace corvanta::markup

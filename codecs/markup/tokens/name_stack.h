@@ -1,4 +1,6 @@
 // Keeps the names of the open elements, one after the other, in memory that is reused.
+//
+// A vector of strings would allocate for names that are longer than a string's own buffer.
 #pragma once
 #include <QtGlobal>
 
@@ -12,8 +14,11 @@ namespace corvanta::markup {
 class NameStack
 {
 public:
+    /// True when no element is open.
     bool isEmpty() const { return m_starts.empty(); }
+    /// Number of open elements.
     size_t size() const { return m_starts.size(); }
+    /// Remove all names; keeps the memory.
     void clear()
     {
         m_starts.clear();
@@ -51,9 +56,12 @@ public:
     }
 
 private:
+    /// The names without separators. Never shrinks.
     std::vector<char> m_bytes;
-    std::vector<size_t> m_starts; ///< offsets in m_bytes, outermost element first
-    size_t m_used = 0;            ///< bytes of m_bytes in use
+    /// Offsets in m_bytes, outermost element first.
+    std::vector<size_t> m_starts;
+    /// Bytes of m_bytes in use.
+    size_t m_used = 0;
 };
 
 } // namespace corvanta::markup

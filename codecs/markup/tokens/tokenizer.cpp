@@ -66,6 +66,7 @@ void MarkupTokenizer::restart(ByteSource &source)
     m_discarded = {};
 }
 
+/// Move the data to a new buffer; false, with NoMemory pending, when there is no memory.
 bool MarkupTokenizer::allocate(size_t capacity)
 {
     std::unique_ptr<char[]> larger(new (std::nothrow) char[capacity + kPadding]);
@@ -176,6 +177,7 @@ void MarkupTokenizer::ensure(const char **at, qsizetype n)
     }
 }
 
+/// The part of skipSpace() for spaces that reach the end of the buffer.
 char MarkupTokenizer::skipSpaceSlow(Hold hold)
 {
     const char *at = here();
@@ -225,6 +227,7 @@ std::u16string_view MarkupTokenizer::text()
     return m_decoded;
 }
 
+/// Counts from the start of the buffer, because positions are rarely needed.
 LineCounter MarkupTokenizer::position() const
 {
     LineCounter counter = m_discarded;

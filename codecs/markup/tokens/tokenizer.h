@@ -20,19 +20,27 @@
 
 namespace corvanta::markup {
 
+/// Kinds of tokens. The numbers are fixed.
 enum class Token : quint8 {
     None = 0,
-    Start = 1, ///< XML start tag; JSON member or array item
-    End = 2,   ///< the end of what Start began
+    /// XML start tag; JSON member or array item.
+    Start = 1,
+    /// The end of what Start began.
+    End = 2,
     Text = 3,
-    Clear = 4,       ///< CDATA, DOCTYPE, comment, script and other sections without markup
-    Instruction = 5, ///< <?...?>
+    /// CDATA, DOCTYPE, comment, script and other sections without markup.
+    Clear = 4,
+    /// <?...?>.
+    Instruction = 5,
     EndOfData = 6,
     Error = 8,
-    DocumentStart = 9, ///< only with setDocumentMarks(): a top-level JSON value begins
-    DocumentEnd = 10,  ///< only with setDocumentMarks(): that value is complete
+    /// Only with setDocumentMarks(): a top-level JSON value begins.
+    DocumentStart = 9,
+    /// Only with setDocumentMarks(): that value is complete.
+    DocumentEnd = 10,
 };
 
+/// Kinds of Clear sections, by how they are written.
 enum class ClearKind : quint8 { CData, DocType, Comment, Pre, Script, CapitalScript, Other };
 
 /// A range of the buffer, relative to the start of the current token, or the number of a text
@@ -47,8 +55,10 @@ public:
     }
     static TextSpan external(quint32 number) { return {number, 0, TextForm::External}; }
 
+    /// Bytes from the start of the current token, or the number of the text.
     quint32 offset() const { return static_cast<quint32>(m_bits >> kOffsetShift); }
     quint32 size() const { return static_cast<quint32>(m_bits) >> kSizeShift; }
+    /// How the text is decoded.
     TextForm form() const { return static_cast<TextForm>(m_bits & kFormMask); }
     bool isExternal() const { return form() == TextForm::External; }
 
@@ -227,8 +237,12 @@ protected:
     bool documentMarks() const { return m_documentMarks; }
     bool isBalanced() const { return m_balanced; }
 
-    size_t m_pos = 0;  ///< next character
-    size_t m_keep = 0; ///< start of the current token
+    // Indexes are offsets in the buffer; tokenizer.cpp draws it.
+
+    /// Next character.
+    size_t m_pos = 0;
+    /// Start of the current token.
+    size_t m_keep = 0;
     TextSpan m_text;
     qint64 m_depth = 0;
     bool m_begun = false;
@@ -254,8 +268,10 @@ private:
     bool m_documentMarks = false;
     Token m_token = Token::None;
     MarkupError m_error = MarkupError::None;
-    std::optional<MarkupError> m_pendingError; ///< the failure that ended the data
-    LineCounter m_discarded;                   ///< position of the start of the buffer
+    /// The failure that ended the data.
+    std::optional<MarkupError> m_pendingError;
+    /// Position of the start of the buffer.
+    LineCounter m_discarded;
     std::u16string m_decoded;
 };
 

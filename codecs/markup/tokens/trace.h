@@ -1,4 +1,9 @@
 // Writes tokens as one readable line, for tests and fuzz targets.
+//
+//     <name a=v    Start, with its attributes       'text'   Text
+//     >name        End                              #text    Clear
+//     ?name        Instruction                      ( and )  DocumentStart and DocumentEnd
+//     .            EndOfData                        !20      Error, with its code
 #pragma once
 #include "codecs/markup/tokens/json_tokenizer.h"
 #include "codecs/markup/tokens/xml_tokenizer.h"
@@ -7,21 +12,23 @@
 
 namespace corvanta::markup {
 
+/// " name=value" for each attribute of the current Start; nothing without a tokenizer.
+inline std::u16string traceAttributes(const XMLTokenizer *xml)
+{
+    std::u16string out;
+    for (size_t i = 0; xml != nullptr && i < xml->attributes().size(); ++i) {
+        out += u" " + decoded(xml->attributeName(i)) + u"=" + decoded(xml->attributeValue(i));
+    }
+    return out;
+}
+
 /// One token as text: "<a x=1" for a Start with an attribute, "'text'", ">a" for an End, "!code"
 /// for an Error.
 inline std::u16string traceToken(MarkupTokenizer &tokenizer, Token token)
 {
     switch (token) {
-    case Token::Start: {
-        std::u16string out = u"<" + std::u16string(tokenizer.name());
-        if (const auto *xml = dynamic_cast<const XMLTokenizer *>(&tokenizer)) {
-            for (size_t i = 0; i < xml->attributes().size(); ++i) {
-                out +=
-                    u" " + decoded(xml->attributeName(i)) + u"=" + decoded(xml->attributeValue(i));
-            }
-        }
-        return out;
-    }
+    case Token::Start:
+        return u"<" + std::u16string(tokenizer.name()) + traceAttributes(tokenizer.asXml());
     case Token::End:
         return u">" + std::u16string(tokenizer.name());
     case Token::Text:

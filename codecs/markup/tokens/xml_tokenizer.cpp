@@ -15,82 +15,19 @@
 #include "codecs/markup/text/char_class.h"
 #include "codecs/markup/text/entities.h"
 #include "codecs/markup/text/scan.h"
+#include "codecs/markup/tokens/clear_sections.h"
+#include "codecs/markup/tokens/html_elements.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 namespace corvanta::markup {
 
 namespace {
 
-constexpr qsizetype kLongestOpener = 9;
 /// How many open elements an HTML end tag searches for its element. The limit keeps the time for
 /// malformed HTML linear.
 constexpr size_t kHtmlSearchDepth = 512;
-
-struct ClearSection
-{
-    std::string_view opener;
-    std::string_view closer;
-    ClearKind kind;
-};
-
-/// Compared with letter case, in this order.
-// Kept for saved graphs: "<script" also matches names like "<scripts", because saved graphs count
-// sections in this way (XmlTokenizer.ReadsEveryNotation).
-constexpr std::array<ClearSection, 7> kSections{{
-    {"<![CDATA[", "]]>", ClearKind::CData},
-    {"<!DOCTYPE", "]>", ClearKind::DocType},
-    {"<!--", "-->", ClearKind::Comment},
-    {"<PRE>", "</PRE>", ClearKind::Pre},
-    {"<script", "</script>", ClearKind::Script},
-    {"<Script", "</Script>", ClearKind::CapitalScript},
-    {"<!", ">", ClearKind::Other},
-}};
-
-constexpr std::array<std::string_view, 7> kDroppedEnds{"tbody", "img",   "br",  "link",
-                                                       "meta",  "input", "area"};
-constexpr std::array<std::string_view, 17> kVoidElements{
-    "img",   "br",    "link",     "meta",    "hr",     "input",  "col",   "base", "area",
-    "param", "embed", "menuitem", "command", "keygen", "source", "track", "wbr"};
-
-bool equalsIgnoringCase(std::string_view a, std::string_view b)
-{
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
-                                              [&](char x, char y) { return lower(x) == lower(y); });
-}
-
-template <size_t N>
-bool isOneOf(std::string_view name, const std::array<std::string_view, N> &names)
-{
-    return std::any_of(names.begin(), names.end(),
-                       [&](std::string_view known) { return equalsIgnoringCase(name, known); });
-}
-
-/// Elements that are dropped or have no end tag.
-bool isSpecialInHtml(std::string_view name)
-{
-    return equalsIgnoringCase(name, "tbody") || isOneOf(name, kVoidElements);
-}
-
-constexpr size_t kNoSection = kSections.size();
-
-/// Index of the section that begins at `at` (a "<"), or kNoSection.
-inline size_t openedSection(const char *at)
-{
-    const char second = at[1];
-    if (second != '!' && second != 'P' && second != 's' && second != 'S') {
-        return kNoSection;
-    }
-    size_t i = 0;
-    while (i < kNoSection &&
-           std::memcmp(at, kSections[i].opener.data(), kSections[i].opener.size()) != 0) {
-        ++i;
-    }
-    return i;
-}
 
 bool endsName(char c)
 {
@@ -160,7 +97,8 @@ bool XMLTokenizer::takeLeaf(Leaf *leaf)
     const auto size = static_cast<size_t>(nameEnd - name);
     const bool isEmpty = *nameEnd == '/' && nameEnd[1] == '>';
     if (size == 0 || (*nameEnd != '>' && !isEmpty) || openedSection(here()) != kNoSection ||
-        lacksName(name) || (m_options.html && isSpecialInHtml({name, size}))) {
+        lacksName(name) ||
+        (m_options.html && (isDroppedElement({name, size}) || isVoidElement({name, size})))) {
         return false;
     }
     const char *const text = isEmpty ? nameEnd : skipSpaces(nameEnd + 1);
@@ -229,6 +167,7 @@ bool XMLTokenizer::lacksName(const char *at) const
            *at == '-' || at == end();
 }
 
+/// In HTML, the elements that are still open end here.
 Token XMLTokenizer::dataEnds()
 {
     if (isBalanced() && !m_names.isEmpty() && !isBrokenAt(here())) {
@@ -314,6 +253,7 @@ inline bool XMLTokenizer::isExpectedEnd(const char *at) const
            std::memcmp(at, name.data(), name.size()) == 0;
 }
 
+/// Read an end tag; without a name, or of an element that is dropped, it is not a token.
 Token XMLTokenizer::readEndTag()
 {
     const char *at = here() + 2;
@@ -329,7 +269,7 @@ Token XMLTokenizer::readEndTag()
         return token();
     }
     m_text = name;
-    if (isNameless || (m_options.html && isOneOf(resolve(name).view(), kDroppedEnds))) {
+    if (isNameless || (m_options.html && hasDroppedEndTag(resolve(name).view()))) {
         return Token::None;
     }
     if (m_options.discardNameSpaces) {
@@ -384,6 +324,7 @@ inline Token XMLTokenizer::endElement()
     return finish(Token::End);
 }
 
+/// End the innermost element without an end tag.
 Token XMLTokenizer::pendingClose()
 {
     --m_pendingCloses;
@@ -392,6 +333,7 @@ Token XMLTokenizer::pendingClose()
     return endElement();
 }
 
+/// Remember the name of a new innermost element; fails when too many are open.
 bool XMLTokenizer::pushName(std::string_view name)
 {
     if (static_cast<qint64>(m_names.size()) >= limits::kElementDepth) {
@@ -431,12 +373,13 @@ Token XMLTokenizer::readInstruction()
 /// Read a section up to its closer, without looking for tokens in it.
 Token XMLTokenizer::readClear(size_t opener)
 {
-    const char *const at = findCloser(here() + kSections[opener].opener.size(), opener, &m_text);
+    const char *const at =
+        findCloser(here() + kClearSections[opener].opener.size(), opener, &m_text);
     if (at == nullptr) {
         return fail(MarkupError::UnmatchedClearTagEnd);
     }
     moveTo(at);
-    m_clearKind = kSections[opener].kind;
+    m_clearKind = kClearSections[opener].kind;
     return finish(Token::Clear);
 }
 
@@ -444,7 +387,7 @@ Token XMLTokenizer::readClear(size_t opener)
 /// the position at the end of the data, when there is no closer. A DOCTYPE without "[" ends at ">".
 const char *XMLTokenizer::findCloser(const char *at, size_t opener, TextSpan *text)
 {
-    const ClearSection &section = kSections[opener];
+    const ClearSection &section = kClearSections[opener];
     const quint32 start = fromToken(at);
     bool bracketed = section.kind != ClearKind::DocType;
     for (;;) {
@@ -467,6 +410,7 @@ const char *XMLTokenizer::findCloser(const char *at, size_t opener, TextSpan *te
     }
 }
 
+/// Read a start tag. In HTML mode, "tbody" is dropped and void elements end immediately.
 Token XMLTokenizer::readStartTag()
 {
     const char *at = here() + 1;
@@ -474,12 +418,12 @@ Token XMLTokenizer::readStartTag()
         return token();
     }
     const std::string_view written = resolve(m_name).view();
-    if (m_options.html && equalsIgnoringCase(written, "tbody")) {
+    if (m_options.html && isDroppedElement(written)) {
         m_pendingEnd = false;
         m_attributes.clear(); // otherwise they would be attributes of the next tag
         return Token::None;
     }
-    m_pendingEnd = m_pendingEnd || (m_options.html && isOneOf(written, kVoidElements));
+    m_pendingEnd = m_pendingEnd || (m_options.html && isVoidElement(written));
     if (m_options.discardNameSpaces) {
         cutNameSpace(&m_name);
     }
@@ -491,6 +435,7 @@ Token XMLTokenizer::readStartTag()
     return finish(Token::Start);
 }
 
+/// Remove everything up to the first colon.
 void XMLTokenizer::cutNameSpace(TextSpan *name) const
 {
     const size_t colon = resolve(*name).view().find(':');
@@ -561,6 +506,7 @@ XMLTokenizer::TagPart XMLTokenizer::readSlash()
     return TagPart::Skipped;
 }
 
+/// Read `name="value"`; in HTML mode, the value or its quotes may be missing.
 bool XMLTokenizer::readAttribute()
 {
     Attribute attribute;

@@ -13,16 +13,21 @@ namespace corvanta::markup {
 
 struct XMLOptions
 {
-    bool html = false;                  ///< accept malformed HTML; void elements need no end tag
-    bool ignoreUnknownEntities = false; ///< an unknown entity stays in the text
-    bool discardNameSpaces = false;     ///< names lose everything up to their first colon
-    bool ignoreInvalidCharInTagName = false; ///< accept any character in names
+    /// Accept malformed HTML; void elements need no end tag.
+    bool html = false;
+    /// An unknown entity stays in the text.
+    bool ignoreUnknownEntities = false;
+    /// Names lose everything up to their first colon.
+    bool discardNameSpaces = false;
+    /// Accept any character in names.
+    bool ignoreInvalidCharInTagName = false;
 };
 
 /// Threads: one at a time.
 class XMLTokenizer final : public MarkupTokenizer
 {
 public:
+    /// An attribute of a Start; the value is not decoded.
     struct Attribute
     {
         TextSpan name;
@@ -40,12 +45,16 @@ public:
     /// Set the encoding to use when the guess is "System". Default: windows-1252.
     void setSystemEncoding(const QByteArray &name) { m_systemEncoding = name; }
 
+    /// Tokens are documented in tokenizer.h. With setBalanced(), an end tag that does not match is
+    /// an error in XML; in HTML it ends all elements up to its own, or is ignored.
     Token nextToken() override;
     bool takeLeaf(Leaf *leaf) override;
 
     /// Attributes of the current Start, in document order. Valid until the next token.
     std::span<const Attribute> attributes() const { return m_attributes; }
+    /// Name of the i-th attribute, from 0. Valid until the next token.
     RawText attributeName(size_t i) const { return resolve(m_attributes[i].name); }
+    /// Value of the i-th attribute; empty for an attribute without a value.
     RawText attributeValue(size_t i) const { return resolve(m_attributes[i].value); }
 
     /// The kind of the current Clear section.
@@ -76,7 +85,17 @@ private:
     Token readStartTag();
     bool readName(const char **at, MarkupError error, TextSpan *name);
     void cutNameSpace(TextSpan *name) const;
-    enum class TagPart : quint8 { Attribute, Skipped, End, Failed };
+    /// What nextTagPart() found in a start tag.
+    enum class TagPart : quint8 {
+        /// The first character of an attribute.
+        Attribute,
+        /// A character without meaning in HTML mode; it was passed.
+        Skipped,
+        /// The end of the tag; it was passed.
+        End,
+        /// An error; fail() made an Error token.
+        Failed,
+    };
     bool readAttributes();
     TagPart nextTagPart();
     TagPart readSlash();
@@ -86,6 +105,7 @@ private:
     Token closeFor(std::string_view name);
     Token pendingClose();
     Token dataEnds();
+    /// Make an Error token; returns false, for functions that return bool.
     bool failed(MarkupError error)
     {
         fail(error);
@@ -93,17 +113,25 @@ private:
     }
     void moveTo(const char *at) { m_pos = static_cast<size_t>(at - data()); }
     bool pushName(std::string_view name);
+    /// True when an unknown entity is text.
     bool isLoose() const { return m_options.html || m_options.ignoreUnknownEntities; }
 
+    /// May change between tokens, never inside one.
     XMLOptions m_options;
     QByteArray m_systemEncoding = QByteArrayLiteral("windows-1252");
+    /// Attributes of the current Start.
     std::vector<Attribute> m_attributes;
     ClearKind m_clearKind = ClearKind::Other;
-    bool m_pendingEnd = false;     ///< the next token is the End of the current Start
-    qint64 m_pendingCloses = 0;    ///< number of open elements that end next, without an end tag
-    TextSpan m_name;               ///< name of the current Start
-    NameStack m_names;             ///< names of the open elements
-    std::string_view m_closedName; ///< the external text: name of the element that ended
+    /// The next token is the End of the current Start.
+    bool m_pendingEnd = false;
+    /// Number of open elements that end next, without an end tag.
+    qint64 m_pendingCloses = 0;
+    /// Name of the current Start.
+    TextSpan m_name;
+    /// Names of the open elements.
+    NameStack m_names;
+    /// The external text: name of the element that ended.
+    std::string_view m_closedName;
 };
 
 } // namespace corvanta::markup

@@ -1,33 +1,14 @@
-// Inline elements are the phrasing content of the HTML standard (section 3.2.5.2.5) that formats
-// text; all other elements separate words.
+// "<td>a<b>b</b></td><td>c</td>" is "ab c": inline elements do not separate words, others do.
 #include "codecs/markup/tree/element_text.h"
 
 #include "codecs/markup/text/char_class.h"
+#include "codecs/markup/tokens/html_elements.h"
 
-#include <algorithm>
-#include <array>
 #include <string_view>
 
 namespace corvanta::markup {
 
 namespace {
-
-/// HTML elements that do not separate the words before and after them.
-constexpr std::array<std::string_view, 24> kInline{
-    "a",    "abbr", "b", "bdi",   "big",  "cite", "code", "em",     "font", "i", "kbd", "mark",
-    "nobr", "q",    "s", "small", "span", "sub",  "sup",  "strong", "tt",   "u", "var", "wbr"};
-
-bool isInline(std::string_view name)
-{
-    std::array<char, 8> lower{};
-    if (name.size() > lower.size()) {
-        return false;
-    }
-    std::transform(name.begin(), name.end(), lower.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    const std::string_view wanted(lower.data(), name.size());
-    return std::find(kInline.begin(), kInline.end(), wanted) != kInline.end();
-}
 
 /// Whether a tag at text[open] (a "<") belongs to an HTML element that is not inline.
 bool isBlockTag(std::string_view text, size_t open)
@@ -40,7 +21,7 @@ bool isBlockTag(std::string_view text, size_t open)
     while (end < text.size() && isNameChar(text[end])) {
         ++end;
     }
-    return end > name && !isInline(text.substr(name, end - name));
+    return end > name && !isInlineElement(text.substr(name, end - name));
 }
 
 /// Whether the markup between two pieces of text separates words: it has a space between two tags,

@@ -9,8 +9,10 @@ namespace corvanta::markup {
 /// What counts as text of an element.
 struct TextRule
 {
-    bool clearIsText = false; ///< CDATA sections and <PRE> blocks are text
-    bool html = false;        ///< in folded text, HTML elements that are not inline separate words
+    /// CDATA sections and <PRE> blocks are text.
+    bool clearIsText = false;
+    /// In folded text, HTML elements that are not inline separate words.
+    bool html = false;
 };
 
 /// True when an item is text under `rule`.

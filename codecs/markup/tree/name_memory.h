@@ -16,6 +16,7 @@ namespace corvanta::markup {
 class NameMemory
 {
 public:
+    /// The numbers that match a name, in the order in which collectMatches() added them.
     using Matches = std::vector<quint32>;
 
     NameMemory() = default;
@@ -43,17 +44,20 @@ public:
     }
 
 private:
+    /// A name that occurred, and the numbers that match it.
     struct Name
     {
         std::string name;
         Matches matches;
-        Name *next = nullptr; ///< the name that followed it last
+        /// The name that followed it last.
+        Name *next = nullptr;
     };
 
     /// Limits of the names that are remembered. Other names are new each time.
     static constexpr size_t kMaxNames = 4096;
     static constexpr quint32 kMaxNameBytes = 256;
 
+    /// The entry of `name`, new or known. All names that cannot be remembered share one entry.
     Name *find(const RawText &name, bool *isNew)
     {
         const bool isPlain = name.form == TextForm::Plain || name.form == TextForm::Detached;
@@ -71,11 +75,15 @@ private:
         return added;
     }
 
+    /// A deque, because the entries are linked by address.
     std::deque<Name> m_names;
+    /// The keys refer to the names in m_names.
     std::unordered_map<std::string_view, Name *> m_byName;
+    /// Its link leads to the name that came first in the last element.
     Name m_beforeFirst;
     /// The last name that is not in m_names. Its name is not valid UTF-8, so it never matches.
     Name m_notRemembered{.name = "\xFF", .matches = {}, .next = nullptr};
+    /// The entry of the name that was looked up last.
     Name *m_last = &m_beforeFirst;
 };
 

@@ -12,9 +12,12 @@ namespace corvanta::markup {
 /// One parsed step of a path.
 struct PathStep
 {
-    std::u16string name;  ///< lower case, without escapes
-    quint32 index = 0;    ///< 0-based among the elements of that name, whatever the path's base
-    bool anyName = false; ///< the step is "[i]": any name
+    /// Lower case, without escapes.
+    std::u16string name;
+    /// 0-based among the elements of that name, whatever the path's base.
+    quint32 index = 0;
+    /// The step is "[i]": any name.
+    bool anyName = false;
     bool operator==(const PathStep &) const = default;
     /// True for "@name", which selects an attribute, or a child of that name if there is none.
     bool isAttribute() const { return !anyName && !name.empty() && name[0] == u'@'; }
@@ -22,7 +25,8 @@ struct PathStep
 
 struct PathSyntax
 {
-    bool zeroBased = true; ///< base of the indexes
+    /// Base of the indexes.
+    bool zeroBased = true;
     char16_t separator = u'/';
 };
 

@@ -85,6 +85,7 @@ void PathSet::visit(const MarkupTree &tree, Visit at)
     }
 }
 
+/// The path or paths through `node` found `item`.
 void PathSet::reach(quint32 node, quint32 item)
 {
     if (!m_nodes[node]->edges.empty()) {
@@ -96,6 +97,7 @@ void PathSet::reach(quint32 node, quint32 item)
     }
 }
 
+/// Compare the children of an element with the edges of a node, until every edge has its child.
 void PathSet::walkChildren(const MarkupTree &tree, Visit at)
 {
     Node &node = *m_nodes[at.node];

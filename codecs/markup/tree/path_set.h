@@ -38,14 +38,19 @@ private:
     {
         PathStep step;
         quint32 node = 0;
-        quint32 onlyPath = kNotOnly; ///< the only path through `node`, which ends there
+        /// The only path through `node`, which ends there.
+        quint32 onlyPath = kNotOnly;
     };
+    /// A node of the trie. The root, number 0, is the element where all paths start.
     struct Node
     {
-        std::vector<size_t> paths; ///< numbers of the paths that end here
+        /// Numbers of the paths that end here.
+        std::vector<size_t> paths;
         std::vector<Edge> edges;
-        std::vector<quint32> indexes;        ///< step.index by edge
-        std::vector<quint32> attributeEdges; ///< numbers of the edges whose step is "@name"
+        /// Step.index by edge.
+        std::vector<quint32> indexes;
+        /// Numbers of the edges whose step is "@name".
+        std::vector<quint32> attributeEdges;
         NameMemory children;
         NameMemory attributes;
     };
@@ -56,6 +61,7 @@ private:
         quint32 element;
     };
 
+    // Each of these continues the lookup from a node that an element reached.
     void visit(const MarkupTree &tree, Visit at);
     void walkChildren(const MarkupTree &tree, Visit at);
     void reach(quint32 node, quint32 item);
@@ -64,8 +70,10 @@ private:
     std::vector<std::unique_ptr<Node>> m_nodes;
     size_t m_pathCount = 0;
     std::vector<quint32> m_found;
+    /// Nodes that were reached and not yet visited.
     std::vector<Visit> m_open;
-    std::vector<quint32> m_left; ///< by edge of a node: matching children still to skip
+    /// By edge of a node: matching children still to skip.
+    std::vector<quint32> m_left;
 };
 
 } // namespace corvanta::markup

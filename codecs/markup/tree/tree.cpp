@@ -92,6 +92,7 @@ void MarkupTreeBuilder::begin(MarkupTokenizer &tokenizer)
     tokenizer.pin();
 }
 
+/// Grow by copying: the items are trivial, and new memory need not be initialized.
 void MarkupTreeBuilder::reserve(size_t capacity)
 {
     std::unique_ptr<TreeItem[]> larger(new TreeItem[capacity]);
@@ -141,6 +142,7 @@ inline bool MarkupTreeBuilder::addAttributes(size_t pinned)
     return true;
 }
 
+// The order of the cases is the order of their frequency: an End has no item of its own.
 bool MarkupTreeBuilder::add(Token token)
 {
     if (token == Token::End) {
@@ -194,6 +196,7 @@ bool MarkupTreeBuilder::addLeaves()
     return true;
 }
 
+/// Add an element with at most one text; it is complete at once.
 inline bool MarkupTreeBuilder::addLeaf(const MarkupTokenizer::Leaf &leaf)
 {
     const size_t pinned = m_tokenizer->pinnedOffset();
@@ -253,6 +256,7 @@ MarkupNode MarkupTreeBuilder::parseNext(MarkupTokenizer &tokenizer, MarkupResult
     return node;
 }
 
+/// The root to return, with the error in `result`. `last` is the token that ended the tree.
 MarkupNode MarkupTreeBuilder::finish(MarkupResult &result, Token last)
 {
     result.error = m_tooLarge ? MarkupError::TreeTooLarge : m_tokenizer->errorCode();

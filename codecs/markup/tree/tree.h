@@ -13,19 +13,26 @@
 
 namespace corvanta::markup {
 
+/// Kinds of items. The first four index TreeItem::counts.
 enum class ItemKind : quint8 { Child, Text, Clear, Attribute, Instruction };
 
 /// One entry of the list: an element, or a part of one.
 struct TreeItem
 {
-    TextSpan text;      ///< name or text, relative to the pinned place
-    quint32 next = 0;   ///< index of the first item after this one and everything inside it
-    quint32 parent = 0; ///< index of the element that holds it
-    TextSpan value;     ///< Attribute only
-    std::array<quint32, 4> counts{}; ///< Child only: number of its items by kind, without those
-                                     ///< of its sub-elements; instructions are not counted
+    /// Name or text, relative to the pinned place.
+    TextSpan text;
+    /// Index of the first item after this one and everything inside it.
+    quint32 next = 0;
+    /// Index of the element that holds it.
+    quint32 parent = 0;
+    /// Attribute only.
+    TextSpan value;
+    /// Child only: number of its items by kind, without those of its sub-elements; instructions are
+    /// not counted.
+    std::array<quint32, 4> counts{};
     ItemKind kind = ItemKind::Child;
-    ClearKind clearKind = ClearKind::Other; ///< Clear only
+    /// Clear only.
+    ClearKind clearKind = ClearKind::Other;
 
     quint32 count(ItemKind of) const { return counts[static_cast<size_t>(of)]; }
 };
@@ -44,8 +51,11 @@ public:
     {
     }
 
+    /// True for a handle without an element.
     bool isEmpty() const { return m_tree == nullptr; }
+    /// Name of the element.
     std::u16string name() const;
+    // The number of items of each kind directly in the element.
     qsizetype childCount() const { return count(ItemKind::Child); }
     qsizetype textCount() const { return count(ItemKind::Text); }
     qsizetype clearCount() const { return count(ItemKind::Clear); }
@@ -57,6 +67,7 @@ public:
     MarkupNode child(qsizetype i) const;
     std::u16string text(qsizetype i) const;
     std::u16string clear(qsizetype i) const;
+    /// A decoded attribute.
     struct Attribute
     {
         std::u16string name;
@@ -64,7 +75,9 @@ public:
     };
     Attribute attribute(qsizetype i) const;
 
+    /// The tree of the element; null for an empty handle.
     const MarkupTree *tree() const { return m_tree; }
+    /// Index of the element in that tree.
     quint32 index() const { return m_index; }
 
 private:
@@ -97,6 +110,7 @@ public:
     RawText raw(quint32 index) const { return raw(m_items[index].text); }
     /// Value of an Attribute.
     RawText value(const TreeItem &attribute) const { return raw(attribute.value); }
+    /// The artificial root, which holds the elements of the tree.
     MarkupNode root() const { return {this, 0}; }
 
     /// The first item of `kind` at or after `index` directly inside `parent`, or kNone.
@@ -122,6 +136,7 @@ public:
 private:
     friend class MarkupTreeBuilder;
     friend class MarkupNode;
+    /// An item that was found by number; the search for the next number starts there.
     struct Hint
     {
         quint32 parent = kNone;
@@ -130,12 +145,14 @@ private:
         quint32 index = 0;
     };
 
-    std::unique_ptr<TreeItem[]> m_items; ///< m_capacity items, of which m_size are used
+    /// M_capacity items, of which m_size are used.
+    std::unique_ptr<TreeItem[]> m_items;
     size_t m_size = 0;
     size_t m_capacity = 0;
     const MarkupTokenizer *m_tokenizer = nullptr;
     const char *m_bytes = nullptr;
-    mutable Hint m_hint; ///< the last item that MarkupNode found by number
+    /// The last item that MarkupNode found by number.
+    mutable Hint m_hint;
 };
 
 /// Where parsing stopped and why; None: it did not fail. (Not a Result: parseNext() returns the
@@ -143,8 +160,10 @@ private:
 struct MarkupResult
 {
     MarkupError error = MarkupError::None;
-    qint64 line = 1;   ///< from 1
-    qint64 column = 0; ///< from 0, in UTF-16 units
+    /// From 1.
+    qint64 line = 1;
+    /// From 0, in UTF-16 units.
+    qint64 column = 0;
 };
 
 class XMLTokenizer;
@@ -199,6 +218,7 @@ private:
     MarkupTree m_tree;
     MarkupTokenizer *m_tokenizer = nullptr;
     const XMLTokenizer *m_xml = nullptr;
+    /// Index of the innermost open element.
     quint32 m_current = 0;
     qint64 m_depth = 0;
     qint64 m_blockBytes = kDefaultBlockBytes;
