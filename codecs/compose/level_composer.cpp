@@ -17,8 +17,6 @@
 #include "base/utf.h"
 #include "codecs/compose/escape.h"
 
-#include <emmintrin.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -46,13 +44,9 @@ constexpr qsizetype kFloatChars = 64;
 /// False when they are not all ASCII.
 bool widenAscii(const char *in, qsizetype n, char16_t *out)
 {
-    const __m128i zero = _mm_setzero_si128();
-    int high = 0;
-    for (qsizetype i = 0; i < n; i += 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(in + i));
-        high |= _mm_movemask_epi8(bytes);
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + i), _mm_unpacklo_epi8(bytes, zero));
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + i + 8), _mm_unpackhi_epi8(bytes, zero));
+    quint32 high = 0;
+    for (qsizetype i = 0; i < n; i += kWidenBlock) {
+        high |= widenBlock(in + i, out + i);
     }
     return high == 0;
 }

@@ -8,6 +8,8 @@
 
 #include "base/utf.h"
 
+#include <QChar>
+
 #include <algorithm>
 #include <bit>
 
@@ -21,12 +23,6 @@ namespace {
 /// cache; only a longer piece uses more of the block.
 constexpr qsizetype kUsualUnits = 96 * 1024;
 constexpr qsizetype kHalfBytes = TextBlock::kBlockBytes / 2;
-constexpr qsizetype kUtf8BytesPerUnit = 3;
-
-bool isHighSurrogate(char16_t unit)
-{
-    return (unit & 0xFC00) == 0xD800;
-}
 
 } // namespace
 
@@ -91,7 +87,7 @@ bool TextBlock::drainUtf8(qsizetype units)
     constexpr qsizetype kPiece = kHalfBytes / kUtf8BytesPerUnit;
     for (qsizetype at = 0; at < units;) {
         qsizetype n = std::min(kPiece, units - at);
-        n -= n == kPiece && isHighSurrogate(m_units[at + n - 1]) ? 1 : 0;
+        n -= n == kPiece && QChar::isHighSurrogate(m_units[at + n - 1]) ? 1 : 0;
         const qsizetype bytes = utf16ToUtf8(m_units + at, n, m_block.get());
         if (!m_drain(m_block.get(), bytes)) {
             return false;
@@ -105,7 +101,7 @@ void TextBlock::drain(Rest rest)
 {
     // The second half of a surrogate pair may be in the next piece.
     const bool keepsOne =
-        rest == Rest::Follows && m_fill != 0 && isHighSurrogate(m_units[m_fill - 1]);
+        rest == Rest::Follows && m_fill != 0 && QChar::isHighSurrogate(m_units[m_fill - 1]);
     const qsizetype units = keepsOne ? m_fill - 1 : m_fill;
     const bool done =
         units == 0 || (m_encoding == Encoding::Utf8

@@ -10,7 +10,6 @@ namespace corvanta::dbf {
 
 namespace {
 
-constexpr char16_t kReplacement = 0xFFFD;
 constexpr size_t kFailed = static_cast<size_t>(-1);
 
 /// 0x80 to 0x9F of Windows code page 1252.
@@ -111,7 +110,7 @@ bool TextDecoder::fillTable(const Converter &converter)
         if (error == EINVAL || (error == 0 && out - units.data() != 1)) {
             return false;
         }
-        m_table[i] = error == 0 ? units[0] : kReplacement;
+        m_table[i] = error == 0 ? units[0] : kReplacementCharacter;
         m_isAsciiBased = m_isAsciiBased && (i >= 0x80 || m_table[i] == i);
     }
     return true;
@@ -137,7 +136,7 @@ qsizetype TextDecoder::decode(const char *in, qsizetype n, char16_t *out) const
             break;
         }
         if (error != 0) { // one byte that is no text, or the end comes too early
-            *at++ = kReplacement;
+            *at++ = kReplacementCharacter;
             ++in;
             --left;
         }

@@ -7,6 +7,8 @@
 // Everything else is UTF-8.
 #include "codecs/sheet/cell_text.h"
 
+#include "base/utf.h"
+
 #include <emmintrin.h>
 
 #include <algorithm>
@@ -37,26 +39,6 @@ char *put(char *out, const char *text, size_t n)
     return out + n;
 }
 
-char *putUtf8(char *out, char32_t c)
-{
-    if (c < 0x80) {
-        *out++ = static_cast<char>(c);
-    } else if (c < 0x800) {
-        *out++ = static_cast<char>(0xC0 | c >> 6);
-        *out++ = static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        *out++ = static_cast<char>(0xE0 | c >> 12);
-        *out++ = static_cast<char>(0x80 | (c >> 6 & 0x3F));
-        *out++ = static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        *out++ = static_cast<char>(0xF0 | c >> 18);
-        *out++ = static_cast<char>(0x80 | (c >> 12 & 0x3F));
-        *out++ = static_cast<char>(0x80 | (c >> 6 & 0x3F));
-        *out++ = static_cast<char>(0x80 | (c & 0x3F));
-    }
-    return out;
-}
-
 /// One unit, or a surrogate pair, at text[0]; `*taken` units of it.
 char *escapeOne(const char16_t *text, qsizetype n, char *out, int *taken)
 {
@@ -82,14 +64,14 @@ char *escapeOne(const char16_t *text, qsizetype n, char *out, int *taken)
         *out++ = '_';
         return out;
     }
-    if ((unit & 0xF800) != 0xD800) {
-        return putUtf8(out, unit);
+    if (!QChar::isSurrogate(unit)) {
+        return putUtf8(unit, out);
     }
-    if (unit < 0xDC00 && n > 1 && (text[1] & 0xFC00) == 0xDC00) {
+    if (QChar::isHighSurrogate(unit) && n > 1 && QChar::isLowSurrogate(text[1])) {
         *taken = 2;
-        return putUtf8(out, 0x10000 + ((unit & 0x3FFU) << 10) + (text[1] & 0x3FFU));
+        return putUtf8(QChar::surrogateToUcs4(unit, text[1]), out);
     }
-    return putUtf8(out, 0xFFFD);
+    return putUtf8(kReplacementCharacter, out);
 }
 
 int charsOf(const char *begin, const char *end, int taken)
