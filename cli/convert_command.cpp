@@ -104,7 +104,7 @@ int convertCommand(const QStringList &words)
     registry.loadAll();
     const QString outputId = u"output"_s;
     const std::unique_ptr<ActionItem> writer = makeFileAction(
-        registry, FileUse::Write, line.arguments[1], line.values.value(u"--writer"_s), &error);
+        registry, FileFormat::Write, line.arguments[1], line.values.value(u"--writer"_s), &error);
     if (!writer) {
         return usageError(command, error);
     }

@@ -28,9 +28,9 @@ QJsonObject catalogueEntry(ActionItem &action)
                       {u"tags"_s, QJsonArray::fromStringList(action.getTags())},
                       {u"keywords"_s, QJsonArray::fromStringList(action.getKeywords())}};
     if (const auto *const ours = dynamic_cast<const ActionBase *>(&action)) {
-        entry[u"helpPage"_s] = QString::fromLatin1(ours->description().helpPage);
-        entry[u"icon"_s] = QString::fromLatin1(ours->description().icon);
-        entry[u"saveVersion"_s] = ours->description().saveVersion;
+        entry[u"helpPage"_s] = QString::fromLatin1(ours->entry().helpPage);
+        entry[u"icon"_s] = QString::fromLatin1(ours->entry().icon);
+        entry[u"saveVersion"_s] = ours->entry().saveVersion;
     }
     return entry;
 }

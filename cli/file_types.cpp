@@ -7,60 +7,51 @@
 #include <QRegularExpression>
 
 #include <algorithm>
-#include <iterator>
+#include <optional>
 #include <sstream>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
 
 namespace {
 
-/// What reads or writes a file: an action with some of its parameters set.
+/// A format and the action that handles it.
 struct FileAction
 {
-    const char *type = nullptr; ///< null: there is none
-    const char *settings[5] = {};
+    const char *type = nullptr;
+    const FileFormat *format = nullptr;
 };
 
-struct FileType
+/// The formats of all actions, in the order of their families.
+std::vector<FileAction> fileActions(const ActionRegistry &registry, FileFormat::Use use)
 {
-    const char *extensions;
-    FileAction reader;
-    FileAction writer;
-};
+    std::vector<FileAction> all;
+    for (const auto &action : registry.prototypes()) {
+        const auto *const parameters = dynamic_cast<const ActionParameters *>(action.get());
+        for (const FileFormat &format :
+             parameters != nullptr ? parameters->fileFormats() : std::span<const FileFormat>()) {
+            if (format.use == use) {
+                all.push_back({action->getTypeName(), &format});
+            }
+        }
+    }
+    std::stable_sort(all.begin(), all.end(), [](const FileAction &a, const FileAction &b) {
+        return a.format->family < b.format->family;
+    });
+    return all;
+}
 
-/// There are no old graphs to keep here, so what an action reads or writes better on request is
-/// requested.
-constexpr FileType kFileTypes[] = {
-    {"csv txt", {"readCSV"}, {"writeCSV"}},
-    {"tsv tab", {"readCSV", {"separator=\\t"}}, {"writeCSV", {"separator=\\t"}}},
-    {"json",
-     {"readJSON", {"autoFillNRows=10000"}},
-     {"writeJSON", {"floatToString=", "escapeControls=1", "alwaysWrite=1"}}},
-    {"jsonl ndjson geojson", {"readJSON", {"autoFillNRows=10000"}}, {}},
-    {"xml",
-     {"readXML", {"autoFillNRows=10000", "readClearTags=1", "ignoreUnknownEntities=1"}},
-     {"writeXML", {"floatToString=", "wellFormed=1", "alwaysWrite=1"}}},
-    {"html htm", {"readXML", {"autoFillNRows=10000", "readClearTags=1"}}, {}},
-    {"parquet",
-     {"readParquet",
-      {"extendedEncodings=1", "logicalTypes=1", "skipUnreadable=1", "allowEmpty=1",
-       "pageChecksums=1"}},
-     {"writeParquet", {"dictionaryPages=1", "statistics=1"}}},
-    {"xlsx", {"readExcel"}, {"writeExcel", {"floatToString=", "alwaysWrite=1"}}},
-    {"xlsm", {"readExcel"}, {}},
-    {"xls xlt", {"readExcelOld"}, {}},
-    {"dbf", {"ReadXBF"}, {}},
-    {"sas7bdat", {"readStat"}, {"writeSAS"}},
-    {"xpt", {}, {"writeSASXPT"}},
-    {"sav por dta", {"readStat"}, {}},
-};
+QStringList words(const char *text)
+{
+    return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts);
+}
 
-/// In lower case; a packed input is what it unpacks to.
-QString extensionOf(FileUse use, QString name)
+/// In lower case. The extension of a compressed input is that of its content.
+QString extensionOf(FileFormat::Use use, QString name)
 {
     for (const auto packed : {".gz"_L1, ".Z"_L1}) {
-        if (use == FileUse::Read && name.endsWith(packed)) {
+        if (use == FileFormat::Read && name.endsWith(packed)) {
             name.chop(packed.size());
             break;
         }
@@ -68,23 +59,14 @@ QString extensionOf(FileUse use, QString name)
     return name.mid(name.lastIndexOf(u'.') + 1).toLower();
 }
 
-const FileAction &sideOf(const FileType &type, FileUse use)
+std::optional<FileAction> find(const ActionRegistry &registry, FileFormat::Use use,
+                               const QString &extension)
 {
-    return use == FileUse::Read ? type.reader : type.writer;
-}
-
-QStringList extensionsOf(const FileType &type)
-{
-    return QString::fromLatin1(type.extensions).split(u' ');
-}
-
-const FileAction *find(FileUse use, const QString &extension)
-{
-    const auto found =
-        std::find_if(std::begin(kFileTypes), std::end(kFileTypes), [&](const FileType &type) {
-            return sideOf(type, use).type != nullptr && extensionsOf(type).contains(extension);
-        });
-    return found == std::end(kFileTypes) ? nullptr : &sideOf(*found, use);
+    const std::vector<FileAction> all = fileActions(registry, use);
+    const auto found = std::find_if(all.begin(), all.end(), [&](const FileAction &action) {
+        return words(action.format->extensions).contains(extension);
+    });
+    return found == all.end() ? std::nullopt : std::optional(*found);
 }
 
 XMLNode parsed(const QString &element)
@@ -123,10 +105,10 @@ bool apply(const QStringList &settings, ActionParameters *parameters, QString *p
     return true;
 }
 
-int fileParameter(const ActionParameters &parameters, FileUse use)
+int fileParameter(const ActionParameters &parameters, FileFormat::Use use)
 {
     const ParameterInfo::File wanted =
-        use == FileUse::Read ? ParameterInfo::File::Input : ParameterInfo::File::Output;
+        use == FileFormat::Read ? ParameterInfo::File::Input : ParameterInfo::File::Output;
     const QVector<ParameterInfo> infos = parameters.parameters();
     const auto found = std::find_if(infos.begin(), infos.end(),
                                     [&](const ParameterInfo &info) { return info.file == wanted; });
@@ -135,15 +117,16 @@ int fileParameter(const ActionParameters &parameters, FileUse use)
 
 } // namespace
 
-std::unique_ptr<ActionItem> makeFileAction(const ActionRegistry &registry, FileUse use,
+std::unique_ptr<ActionItem> makeFileAction(const ActionRegistry &registry, FileFormat::Use use,
                                            const QString &fileName, const QStringList &settings,
                                            QString *problem)
 {
     const QString extension = extensionOf(use, fileName);
-    const FileAction *const found = find(use, extension);
-    if (found == nullptr) {
+    const std::optional<FileAction> found = find(registry, use, extension);
+    if (!found) {
         *problem = u"nothing %1 files with the extension of '%2' (known are: %3)"_s.arg(
-            use == FileUse::Read ? u"reads"_s : u"writes"_s, fileName, knownExtensions(use));
+            use == FileFormat::Read ? u"reads"_s : u"writes"_s, fileName,
+            knownExtensions(registry, use));
         return nullptr;
     }
     const QString type = QString::fromLatin1(found->type);
@@ -151,17 +134,10 @@ std::unique_ptr<ActionItem> makeFileAction(const ActionRegistry &registry, FileU
     const XMLNode element = parsed(u"<%1 fileName='file.%2'/>"_s.arg(type, extension));
     std::unique_ptr<ActionItem> action = registry.create(element, nullptr);
     auto *const parameters = dynamic_cast<ActionParameters *>(action.get());
-    if (parameters == nullptr) {
-        *problem = u"the action '%1' is not there"_s.arg(type);
-        return nullptr;
-    }
     parameters->setParameterValue(fileParameter(*parameters, use),
                                   QDir::current().absoluteFilePath(fileName));
-    QStringList usual;
-    for (const char *setting : found->settings) {
-        usual << (setting != nullptr ? QStringList(QString::fromLatin1(setting)) : QStringList());
-    }
-    return apply(usual, parameters, problem) && apply(settings, parameters, problem)
+    return apply(words(found->format->settings), parameters, problem) &&
+                   apply(settings, parameters, problem)
                ? std::move(action)
                : nullptr;
 }
@@ -186,11 +162,11 @@ bool addAction(CorvantaGraph *graph, const QString &id, ActionItem &action, QStr
     return true;
 }
 
-QString knownExtensions(FileUse use)
+QString knownExtensions(const ActionRegistry &registry, FileFormat::Use use)
 {
     QStringList all;
-    for (const FileType &type : kFileTypes) {
-        all << (sideOf(type, use).type != nullptr ? extensionsOf(type) : QStringList());
+    for (const FileAction &action : fileActions(registry, use)) {
+        all << words(action.format->extensions);
     }
     return all.join(u' ');
 }

@@ -1,25 +1,23 @@
-// cli/file_types.h
-// Which action reads and which one writes files of an extension, and the actions made for them.
+// Chooses the action that reads or writes a file by the extension of the file.
 #pragma once
 #include "corvanta/action_registry.h"
 #include "corvanta/corvanta_graph.h"
+#include "corvanta/file_format.h"
 
 #include <QStringList>
 
 #include <memory>
 
-enum class FileUse { Read, Write };
+/// A new action for the file `fileName`, with the settings of its format and then `settings`
+/// (NAME=VALUE each; each string of a list may be a setting of its own). Returns null and fills
+/// `problem` when no action handles the file's extension or when a setting is invalid.
+std::unique_ptr<ActionItem> makeFileAction(const corvanta::ActionRegistry &registry,
+                                           FileFormat::Use use, const QString &fileName,
+                                           const QStringList &settings, QString *problem);
 
-/// An action on a file, with `settings` (NAME=VALUE each; an own line of a list may be given by its
-/// own). Null, and `problem` filled, when there is no such action for the file's extension or a
-/// setting is none of its parameters.
-std::unique_ptr<ActionItem> makeFileAction(const corvanta::ActionRegistry &registry, FileUse use,
-                                           const QString &fileName, const QStringList &settings,
-                                           QString *problem);
-
-/// Put the action, as it is, into a graph. What looks like a variable in its parameters stands for
-/// itself. False, and `problem` filled, when a graph cannot hold it.
+/// Add a copy of the action to a graph. Text in its parameters that looks like a variable is kept
+/// literally. Returns false and fills `problem` when a graph cannot hold a name or value.
 bool addAction(CorvantaGraph *graph, const QString &id, ActionItem &action, QString *problem);
 
-/// Extensions that have such an action, for the help.
-QString knownExtensions(FileUse use);
+/// The extensions that some action reads or writes, separated by blanks.
+QString knownExtensions(const corvanta::ActionRegistry &registry, FileFormat::Use use);

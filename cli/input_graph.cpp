@@ -67,8 +67,8 @@ int addInput(const CommandLine &line, const QString &fileName, const ActionRegis
         *usage = u"--table is the number of a table, from 1"_s;
         return kUsage;
     }
-    const std::unique_ptr<ActionItem> action =
-        makeFileAction(registry, FileUse::Read, fileName, line.values.value(u"--reader"_s), usage);
+    const std::unique_ptr<ActionItem> action = makeFileAction(
+        registry, FileFormat::Read, fileName, line.values.value(u"--reader"_s), usage);
     if (!action) {
         return kUsage;
     }

@@ -92,6 +92,19 @@ const Command *find(const QString &name)
     return nullptr;
 }
 
+/// The help of a command with the extensions that the actions handle.
+QString helpText(const Command &command)
+{
+    QString text = QString::fromUtf8(command.help);
+    if (text.contains("{reads}"_L1)) {
+        corvanta::ActionRegistry registry;
+        registry.loadAll();
+        text.replace("{reads}"_L1, knownExtensions(registry, FileFormat::Read));
+        text.replace("{writes}"_L1, knownExtensions(registry, FileFormat::Write));
+    }
+    return text;
+}
+
 int help(const QStringList &words)
 {
     if (!words.isEmpty()) {
@@ -99,10 +112,7 @@ int help(const QStringList &words)
         if (command == nullptr) {
             return usageError(QString(), u"there is no command '%1'"_s.arg(words[0]));
         }
-        QString text = QString::fromUtf8(command->help);
-        text.replace("{reads}"_L1, knownExtensions(FileUse::Read));
-        text.replace("{writes}"_L1, knownExtensions(FileUse::Write));
-        std::fputs(text.toUtf8().constData(), stdout);
+        std::fputs(helpText(*command).toUtf8().constData(), stdout);
         return kDone;
     }
     std::puts("corvanta runs data-flow graphs that read and write files.\n\nCommands");

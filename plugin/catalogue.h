@@ -1,18 +1,12 @@
-// plugin/catalogue.h
-// How each of the seventeen actions presents itself: one row per action, in the order of the
-// plug-in.
+// The catalogue of the module: every action, in the order of the plug-in interface.
 #pragma once
-#include "corvanta/action_base.h"
+
+class ActionItem;
 
 namespace corvanta {
 
-inline constexpr int kActionCount = 17;
-
-/// The row of the action called `typeName`, which must be one of the catalogue's.
-const ActionDescription &catalogueRow(const char *typeName);
-
-/// A new prototype of the action of row `index` (0 to 16); null outside, and when there is no
-/// memory.
+/// A new prototype of the action number `index`, from 0; null beyond the last one, and when there
+/// is no memory. The caller owns it.
 ActionItem *createCatalogueAction(unsigned int index);
 
 } // namespace corvanta

@@ -1,10 +1,11 @@
-// readers/read_excel.h
 // readExcel: rows from one worksheet of a workbook.
 #pragma once
 #include "actions/read_excel/read_excel_params.h"
-#include "plugin/pending_action.h"
+#include "actions/shared/pending_action.h"
 
 namespace corvanta {
+
+extern const ActionEntry kReadExcelEntry;
 
 class ActionReadExcel final : public PendingAction<ActionReadExcel, ReadExcelParams>
 {

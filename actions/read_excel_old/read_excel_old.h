@@ -1,10 +1,11 @@
-// readers/read_excel_old.h
 // readExcelOld: rows from one worksheet of a legacy binary workbook.
 #pragma once
 #include "actions/read_excel/read_excel_params.h"
-#include "plugin/pending_action.h"
+#include "actions/shared/pending_action.h"
 
 namespace corvanta {
+
+extern const ActionEntry kReadExcelOldEntry;
 
 class ActionReadExcelOld final : public PendingAction<ActionReadExcelOld, ReadExcelParams>
 {

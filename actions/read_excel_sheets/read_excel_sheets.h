@@ -1,10 +1,11 @@
-// readers/read_excel_sheets.h
 // readExcelSheets: the sheet names of workbooks, one row per sheet.
 #pragma once
 #include "actions/read_excel_sheets/read_excel_sheets_params.h"
-#include "plugin/pending_action.h"
+#include "actions/shared/pending_action.h"
 
 namespace corvanta {
+
+extern const ActionEntry kReadExcelSheetsEntry;
 
 class ActionReadExcelSheets final
     : public PendingAction<ActionReadExcelSheets, ReadExcelSheetsParams>

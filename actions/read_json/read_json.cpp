@@ -2,7 +2,6 @@
 
 #include "base/checked.h"
 #include "base/limits.h"
-#include "plugin/catalogue.h"
 
 #include <algorithm>
 #include <tuple>
@@ -46,7 +45,7 @@ TagRow readTagRow(const OneRow &row)
 } // namespace
 
 ActionReadJSON::ActionReadJSON(const XMLNode &saved, GlobalParameters *parameters)
-    : ParamAction(catalogueRow("readJSON"), saved, parameters)
+    : ParamAction(kReadJsonEntry, saved, parameters)
 {
 }
 

@@ -14,6 +14,8 @@
 
 namespace corvanta {
 
+extern const ActionEntry kReadJsonEntry;
+
 /// Threads: the one that runs the action; computeCompletion() from any.
 class ActionReadJSON final : public ParamAction<ActionReadJSON, ReadJsonParams>,
                              private LevelRun::Format

@@ -2,7 +2,6 @@
 
 #include "actions/read_parquet/parquet_file.h"
 #include "io/input/whole_input.h"
-#include "plugin/catalogue.h"
 
 #include <algorithm>
 #include <thread>
@@ -23,7 +22,7 @@ int workerCount()
 } // namespace
 
 ActionReadParquet::ActionReadParquet(const XMLNode &saved, GlobalParameters *parameters)
-    : ParamAction(catalogueRow("readParquet"), saved, parameters)
+    : ParamAction(kReadParquetEntry, saved, parameters)
 {
     // Kept for saved graphs: a file name as the element's text, which wins over the attribute.
     if (const QString name = saved.text().trimmed(); !name.isEmpty()) {

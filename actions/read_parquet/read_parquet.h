@@ -10,6 +10,8 @@
 
 namespace corvanta {
 
+extern const ActionEntry kReadParquetEntry;
+
 /// Threads: the one that runs the action; computeCompletion() and wakeAll() from any.
 class ActionReadParquet final : public ParamAction<ActionReadParquet, ReadParquetParams>,
                                 private FileSeries::Format

@@ -1,10 +1,11 @@
-// readers/read_stat.h
 // readStat: rows from SAS, SPSS and Stata data sets.
 #pragma once
 #include "actions/read_stat/read_stat_params.h"
-#include "plugin/pending_action.h"
+#include "actions/shared/pending_action.h"
 
 namespace corvanta {
+
+extern const ActionEntry kReadStatEntry;
 
 class ActionReadStat final : public PendingAction<ActionReadStat, ReadStatParams>
 {

@@ -2,14 +2,13 @@
 
 #include "actions/read_xbf/xbf_file.h"
 #include "corvanta/system_encoding.h"
-#include "plugin/catalogue.h"
 
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
 ActionReadXBF::ActionReadXBF(const XMLNode &saved, GlobalParameters *parameters)
-    : ParamAction(catalogueRow("ReadXBF"), saved, parameters)
+    : ParamAction(kReadXbfEntry, saved, parameters)
 {
 }
 

@@ -12,6 +12,8 @@
 
 namespace corvanta {
 
+extern const ActionEntry kReadXbfEntry;
+
 /// The first table is opened in init, so that a graph with a wrong name fails before any row moves.
 /// Threads: the one that runs the action; computeCompletion() from any.
 class ActionReadXBF final : public ParamAction<ActionReadXBF, ReadXbfParams>,

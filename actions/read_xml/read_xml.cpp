@@ -4,7 +4,6 @@
 #include "codecs/markup/sample/html_tables.h"
 #include "corvanta/files.h"
 #include "corvanta/system_encoding.h"
-#include "plugin/catalogue.h"
 
 #include <algorithm>
 #include <tuple>
@@ -33,7 +32,7 @@ bool usesIndexZero(const ReadLevel &level)
 } // namespace
 
 ActionReadXML::ActionReadXML(const XMLNode &saved, GlobalParameters *parameters)
-    : ParamAction(catalogueRow("readXML"), saved, parameters)
+    : ParamAction(kReadXmlEntry, saved, parameters)
     , m_corrupted(MainUI::Warning, kMaxReportedErrors,
                   u"WARNING: XML structure error: some more warnings are not reported\n"_s)
 {

@@ -15,6 +15,8 @@
 
 namespace corvanta {
 
+extern const ActionEntry kReadXmlEntry;
+
 /// Threads: the one that runs the action; computeCompletion() from any.
 class ActionReadXML final : public ParamAction<ActionReadXML, ReadXmlParams>,
                             private LevelRun::Format

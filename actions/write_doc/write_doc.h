@@ -1,10 +1,11 @@
-// writers/write_doc.h
 // writeDoc: texts and images at the markers of Word and PowerPoint templates, one document per row.
 #pragma once
+#include "actions/shared/pending_action.h"
 #include "actions/write_doc/write_doc_params.h"
-#include "plugin/pending_action.h"
 
 namespace corvanta {
+
+extern const ActionEntry kWriteDocEntry;
 
 class ActionWriteDoc final : public PendingAction<ActionWriteDoc, WriteDocParams>
 {

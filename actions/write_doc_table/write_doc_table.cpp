@@ -1,11 +1,9 @@
 #include "actions/write_doc_table/write_doc_table.h"
 
-#include "plugin/catalogue.h"
-
 namespace corvanta {
 
 ActionWriteDocTable::ActionWriteDocTable(const XMLNode &saved, GlobalParameters *parameters)
-    : PendingAction(catalogueRow("writeDocTable"), saved, parameters)
+    : PendingAction(kWriteDocTableEntry, saved, parameters)
 {
 }
 

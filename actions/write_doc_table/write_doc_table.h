@@ -1,10 +1,11 @@
-// writers/write_doc_table.h
 // writeDocTable: formatted tables at the markers of a Word template, one per input pin.
 #pragma once
+#include "actions/shared/pending_action.h"
 #include "actions/write_doc_table/write_doc_table_params.h"
-#include "plugin/pending_action.h"
 
 namespace corvanta {
+
+extern const ActionEntry kWriteDocTableEntry;
 
 class ActionWriteDocTable final : public PendingAction<ActionWriteDocTable, WriteDocTableParams>
 {

@@ -1,7 +1,5 @@
 #include "actions/write_excel/write_excel.h"
 
-#include "plugin/catalogue.h"
-
 #include <QLocale>
 
 using namespace Qt::StringLiterals;
@@ -15,7 +13,7 @@ constexpr int kLongCellWarnings = 50;
 } // namespace
 
 ActionWriteExcel::ActionWriteExcel(const XMLNode &saved, GlobalParameters *parameters)
-    : ParamAction(catalogueRow("writeExcel"), saved, parameters)
+    : ParamAction(kWriteExcelEntry, saved, parameters)
     , m_longCells(
           MainUI::Warning, kLongCellWarnings,
           u"One Cell is larger than 32768 chars: Excel will complain. Some more warnings won't be reported."_s)

@@ -11,6 +11,8 @@
 
 namespace corvanta {
 
+extern const ActionEntry kWriteExcelEntry;
+
 class ActionWriteExcel final : public ParamAction<ActionWriteExcel, WriteExcelParams, RowWriter>
 {
 public:

@@ -2,14 +2,13 @@
 
 #include "actions/shared/split_name.h"
 #include "codecs/compose/json_levels.h"
-#include "plugin/catalogue.h"
 
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
 ActionWriteJSON::ActionWriteJSON(const XMLNode &saved, GlobalParameters *parameters)
-    : ParamAction(catalogueRow("writeJSON"), saved, parameters)
+    : ParamAction(kWriteJsonEntry, saved, parameters)
 {
 }
 

@@ -5,6 +5,8 @@
 
 namespace corvanta {
 
+extern const ActionEntry kWriteJsonEntry;
+
 class ActionWriteJSON final : public ParamAction<ActionWriteJSON, WriteJsonParams, LevelWriter>
 {
 public:

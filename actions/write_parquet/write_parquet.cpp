@@ -1,7 +1,6 @@
 #include "actions/write_parquet/write_parquet.h"
 
 #include "actions/shared/split_name.h"
-#include "plugin/catalogue.h"
 
 #include <algorithm>
 #include <array>
@@ -30,7 +29,7 @@ constexpr std::array kCodecs{parquet::kSnappy, parquet::kUncompressed, parquet::
 } // namespace
 
 ActionWriteParquet::ActionWriteParquet(const XMLNode &saved, GlobalParameters *parameters)
-    : ParamAction(catalogueRow("writeParquet"), saved, parameters)
+    : ParamAction(kWriteParquetEntry, saved, parameters)
 {
 }
 

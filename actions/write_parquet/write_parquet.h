@@ -11,6 +11,8 @@
 
 namespace corvanta {
 
+extern const ActionEntry kWriteParquetEntry;
+
 class ActionWriteParquet final
     : public ParamAction<ActionWriteParquet, WriteParquetParams, RowWriter>
 {

@@ -1,11 +1,9 @@
 #include "actions/write_report/write_report.h"
 
-#include "plugin/catalogue.h"
-
 namespace corvanta {
 
 ActionWriteReport::ActionWriteReport(const XMLNode &saved, GlobalParameters *parameters)
-    : PendingAction(catalogueRow("writeReport"), saved, parameters)
+    : PendingAction(kWriteReportEntry, saved, parameters)
 {
 }
 

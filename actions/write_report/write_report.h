@@ -1,10 +1,11 @@
-// writers/write_report.h
 // writeReport: data of the input pins into the charts of an Office template.
 #pragma once
+#include "actions/shared/pending_action.h"
 #include "actions/write_report/write_report_params.h"
-#include "plugin/pending_action.h"
 
 namespace corvanta {
+
+extern const ActionEntry kWriteReportEntry;
 
 class ActionWriteReport final : public PendingAction<ActionWriteReport, WriteReportParams>
 {

@@ -1,11 +1,9 @@
 #include "actions/write_sas/write_sas.h"
 
-#include "plugin/catalogue.h"
-
 namespace corvanta {
 
 ActionWriteSAS::ActionWriteSAS(const XMLNode &saved, GlobalParameters *parameters)
-    : PendingAction(catalogueRow("writeSAS"), saved, parameters)
+    : PendingAction(kWriteSasEntry, saved, parameters)
 {
 }
 

@@ -1,10 +1,11 @@
-// writers/write_sas.h
 // writeSAS: rows into a SAS data set.
 #pragma once
+#include "actions/shared/pending_action.h"
 #include "actions/write_sas/write_sas_params.h"
-#include "plugin/pending_action.h"
 
 namespace corvanta {
+
+extern const ActionEntry kWriteSasEntry;
 
 class ActionWriteSAS final : public PendingAction<ActionWriteSAS, WriteSasParams>
 {

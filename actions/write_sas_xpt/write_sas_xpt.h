@@ -1,10 +1,11 @@
-// writers/write_sas_xpt.h
 // writeSASXPT: rows into a SAS transport file.
 #pragma once
+#include "actions/shared/pending_action.h"
 #include "actions/write_sas_xpt/write_sas_xpt_params.h"
-#include "plugin/pending_action.h"
 
 namespace corvanta {
+
+extern const ActionEntry kWriteSasXptEntry;
 
 class ActionWriteSASXPT final : public PendingAction<ActionWriteSASXPT, WriteSasXptParams>
 {

@@ -1,7 +1,6 @@
 #include "actions/write_xml/write_xml.h"
 
 #include "codecs/compose/xml_levels.h"
-#include "plugin/catalogue.h"
 
 using namespace Qt::StringLiterals;
 
@@ -17,7 +16,7 @@ constexpr int kMaxIndent = 1000;
 } // namespace
 
 ActionWriteXML::ActionWriteXML(const XMLNode &saved, GlobalParameters *parameters)
-    : ParamAction(catalogueRow("writeXML"), saved, parameters)
+    : ParamAction(kWriteXmlEntry, saved, parameters)
 {
 }
 

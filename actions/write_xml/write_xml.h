@@ -5,6 +5,8 @@
 
 namespace corvanta {
 
+extern const ActionEntry kWriteXmlEntry;
+
 class ActionWriteXML final : public ParamAction<ActionWriteXML, WriteXmlParams, LevelWriter>
 {
 public:

@@ -33,6 +33,11 @@ bool ActionParameters::fillFromInput(int)
     return true;
 }
 
+std::span<const FileFormat> ActionParameters::fileFormats() const
+{
+    return {};
+}
+
 QString ActionParameters::typeName(ParameterInfo::Type type)
 {
     switch (type) {
@@ -71,6 +76,11 @@ IconCache &iconCacheOf(const char *typeName)
     return caches[typeName];
 }
 
+QStringList words(const char *text)
+{
+    return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts);
+}
+
 } // namespace
 
 CappedLog::CappedLog(MainUI::LogLevel level, int most, QString closingLine)
@@ -92,45 +102,49 @@ void CappedLog::add(const QString &text)
     ++m_count;
 }
 
-ActionBase::ActionBase(const ActionDescription &description, XMLNode saved,
-                       GlobalParameters *parameters)
+ActionBase::ActionBase(const ActionEntry &entry, XMLNode saved, GlobalParameters *parameters)
     : ActionItem(std::move(saved), parameters)
-    , m_description(description)
+    , m_entry(entry)
 {
-    m_nPinIn = description.pinsIn;
-    m_nPinOut = description.pinsOut;
-    m_maxPinIn = description.maxPinsIn < 0 ? description.pinsIn : description.maxPinsIn;
+    m_nPinIn = entry.pinsIn;
+    m_nPinOut = entry.pinsOut;
+    m_maxPinIn = entry.maxPinsIn == ActionEntry::kPinsIn ? entry.pinsIn : entry.maxPinsIn;
 }
 
 UpdateClassWidget *ActionBase::createPanel(QWidget *parent)
 {
-    return m_description.makePanel != nullptr ? m_description.makePanel(parent, this) : nullptr;
+    return m_entry.makePanel != nullptr ? m_entry.makePanel(parent, this) : nullptr;
 }
 
 QPixmap *ActionBase::getIcon(double scale)
 {
-    IconCache &cache = iconCacheOf(m_description.typeName);
-    return renderSVG(scale, QString::fromLatin1(m_description.icon), &cache.pixmap, &cache.key);
+    IconCache &cache = iconCacheOf(m_entry.typeName);
+    return renderSVG(scale, QString::fromLatin1(m_entry.icon), &cache.pixmap, &cache.key);
 }
 
 QString ActionBase::getDescription() const
 {
-    return QString::fromUtf8(m_description.description);
+    return QString::fromUtf8(m_entry.description);
 }
 
 void ActionBase::showHelp()
 {
-    openHelp(QString::fromLatin1(m_description.helpPage), QString());
+    openHelp(QString::fromLatin1(m_entry.helpPage), QString());
 }
 
 QStringList ActionBase::getFileTypes() const
 {
-    return m_description.fileTypes.isEmpty() ? ActionItem::getFileTypes() : m_description.fileTypes;
+    return m_entry.fileTypes[0] == '\0' ? ActionItem::getFileTypes() : words(m_entry.fileTypes);
 }
 
 QStringList ActionBase::getTags() const
 {
-    return m_description.tags.isEmpty() ? ActionItem::getTags() : m_description.tags;
+    return m_entry.tags[0] == '\0' ? ActionItem::getTags() : words(m_entry.tags);
+}
+
+QStringList ActionBase::getKeywords() const
+{
+    return words(m_entry.keywords);
 }
 
 template <class F> void ActionBase::guarded(F &&work) noexcept
@@ -138,12 +152,12 @@ template <class F> void ActionBase::guarded(F &&work) noexcept
     try {
         work();
     } catch (const std::bad_alloc &) {
-        fail(u"Error: '%1': not enough memory\n"_s.arg(QLatin1StringView(m_description.typeName)));
+        fail(u"Error: '%1': not enough memory\n"_s.arg(QLatin1StringView(m_entry.typeName)));
     } catch (const std::exception &error) {
-        fail(u"Error: '%1': %2\n"_s.arg(QLatin1StringView(m_description.typeName),
+        fail(u"Error: '%1': %2\n"_s.arg(QLatin1StringView(m_entry.typeName),
                                         QString::fromUtf8(error.what())));
     } catch (...) {
-        fail(u"Error: '%1': unknown failure\n"_s.arg(QLatin1StringView(m_description.typeName)));
+        fail(u"Error: '%1': unknown failure\n"_s.arg(QLatin1StringView(m_entry.typeName)));
     }
 }
 

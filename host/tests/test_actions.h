@@ -25,9 +25,9 @@ struct Seen
 };
 inline Seen g_seen;
 
-inline ActionDescription describe(const char *name, int in, int out)
+inline ActionEntry describe(const char *name, int in, int out)
 {
-    ActionDescription d;
+    ActionEntry d;
     d.typeName = name;
     d.description = name;
     d.pinsIn = in;

@@ -107,6 +107,9 @@ template <class Member> ptrdiff_t slot(Member member)
     return (value - 1) / static_cast<ptrdiff_t>(sizeof(void *));
 }
 
+/// What hosts and saved graphs depend on: fixed values, written here again on purpose, so that a
+/// change of an action's entry cannot go unnoticed. All other checks loop over the module's
+/// actions.
 struct Row
 {
     const char *type;

@@ -1,7 +1,7 @@
-// corvanta/action_base.h
 // What all our actions share: self-description, parameters, and the boundary that nothing is thrown
 // across.
 #pragma once
+#include "corvanta/action_entry.h"
 #include "corvanta/action_item.h"
 #include "corvanta/action_parameters.h"
 #include "corvanta/main_ui.h"
@@ -12,23 +12,6 @@
 #include <type_traits>
 
 namespace corvanta {
-
-/// How an action presents itself in the palette.
-struct ActionDescription
-{
-    const char *typeName = nullptr;
-    const char *description = nullptr;
-    const char *helpPage = "";
-    const char *icon = nullptr;
-    double saveVersion = 1.0;
-    QStringList fileTypes = {}; ///< null list: the host's default
-    QStringList tags = {};
-    QStringList keywords = {};
-    int pinsIn = 1;
-    int pinsOut = 1;
-    int maxPinsIn = -1; ///< -1: pinsIn
-    UpdateClassWidget *(*makePanel)(QWidget *parent, ActionItem *action) = nullptr;
-};
 
 /// Logs a repeated message a limited number of times, then a closing line once.
 class CORVANTA_EXPORT CappedLog
@@ -53,21 +36,22 @@ private:
 class CORVANTA_EXPORT ActionBase : public ActionItem, public ActionParameters
 {
 public:
-    const char *getTypeName() const override { return m_description.typeName; }
+    const char *getTypeName() const override { return m_entry.typeName; }
     UpdateClassWidget *createPanel(QWidget *parent) override;
     QPixmap *getIcon(double scale) override;
     QString getDescription() const override;
     void showHelp() override;
     QStringList getFileTypes() const override;
     QStringList getTags() const override;
-    QStringList getKeywords() const override { return m_description.keywords; }
+    QStringList getKeywords() const override;
     char init() override;
     char close() override;
     void prepareRun() override;
     QVector<InputTable> inputTables() final;
     bool fillFromInput(int table) final;
+    std::span<const FileFormat> fileFormats() const final { return m_entry.formats; }
 
-    const ActionDescription &description() const { return m_description; }
+    const ActionEntry &entry() const { return m_entry; }
 
     // For an action and its helper classes (file series, row writers).
 
@@ -96,7 +80,7 @@ public:
     }
 
 protected:
-    ActionBase(const ActionDescription &description, XMLNode saved, GlobalParameters *parameters);
+    ActionBase(const ActionEntry &entry, XMLNode saved, GlobalParameters *parameters);
 
     /// Prepare a run: reset all state of an earlier one.
     virtual void start() {}
@@ -113,7 +97,7 @@ private:
     bool runGuarded();
     template <class F> void guarded(F &&work) noexcept;
 
-    ActionDescription m_description;
+    ActionEntry m_entry;
 };
 
 /// An action with a parameter struct `P`, declared in the table that `Self::paramTable()` returns.
@@ -129,7 +113,7 @@ template <class Self, class P, class Base = ActionBase> class ParamAction : publ
 public:
     void save(std::wostream &out, const QString &elementName) override
     {
-        this->saveAI(out, elementName, this->description().saveVersion);
+        this->saveAI(out, elementName, this->entry().saveVersion);
         Self::paramTable().save(m_params, out, elementName, this->globalParameters());
     }
     ActionItem *newInstance(XMLNode *saved, GlobalParameters *parameters) override
@@ -151,9 +135,8 @@ public:
     const P &params() const { return m_params; }
 
 protected:
-    ParamAction(const ActionDescription &description, const XMLNode &saved,
-                GlobalParameters *parameters)
-        : Base(description, saved, parameters)
+    ParamAction(const ActionEntry &entry, const XMLNode &saved, GlobalParameters *parameters)
+        : Base(entry, saved, parameters)
     {
         if constexpr (requires(P & p) { Self::adjustDefaults(p, 0.0); }) {
             Self::adjustDefaults(m_params, this->savedVersion());

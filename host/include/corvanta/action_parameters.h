@@ -1,11 +1,13 @@
-// corvanta/action_parameters.h
 // What a host can ask an action about its parameters, whatever the action is.
 #pragma once
 #include "corvanta/export.h"
+#include "corvanta/file_format.h"
 
 #include <QString>
 #include <QStringList>
 #include <QVector>
+
+#include <span>
 
 /// One parameter, as the action declares it.
 struct ParameterInfo
@@ -59,6 +61,8 @@ public:
     /// The tables of the input file among which fillFromInput() can choose, in the file's order;
     /// empty when there is nothing to choose. Not during a run.
     virtual QVector<InputTable> inputTables();
+    /// The files that the action reads or writes; none by default.
+    virtual std::span<const FileFormat> fileFormats() const;
 
     /// "text", "integer", ... as `describe` prints it.
     static QString typeName(ParameterInfo::Type type);

@@ -9,19 +9,21 @@ namespace corvanta {
 
 namespace {
 
-ActionDescription describe()
-{
-    ActionDescription d;
-    d.typeName = "readCSV";
-    d.description = "Read a text file with separators";
-    d.icon = ":/CorvantaCore/readCSV.svg";
-    d.fileTypes = QStringList{u"csv"_s, u"tsv"_s, u"txt"_s};
-    d.tags = QStringList{u"Common"_s};
-    d.keywords = QStringList{u"file"_s, u"import"_s, u"input"_s, u"load"_s,
-                             u"csv"_s,  u"text"_s,   u"read"_s,  u"in"_s};
-    d.pinsIn = 0;
-    return d;
-}
+constexpr FileFormat kFormats[] = {
+    {FileFormat::Read, FileFormat::SeparatedText, "csv txt"},
+    {FileFormat::Read, FileFormat::SeparatedText, "tsv tab", "separator=\\t"},
+};
+
+constexpr ActionEntry kEntry = {
+    .typeName = "readCSV",
+    .description = "Read a text file with separators",
+    .icon = ":/CorvantaCore/readCSV.svg",
+    .fileTypes = "csv tsv txt",
+    .tags = "Common",
+    .keywords = "file import input load csv text read in",
+    .pinsIn = 0,
+    .formats = kFormats,
+};
 
 /// Passes the bytes of a file on and publishes how far it has been read.
 class ProgressSource final : public ByteSource
@@ -53,7 +55,7 @@ private:
 } // namespace
 
 ActionReadCsv::ActionReadCsv(const XMLNode &saved, GlobalParameters *parameters)
-    : ParamAction(describe(), saved, parameters)
+    : ParamAction(kEntry, saved, parameters)
 {
 }
 

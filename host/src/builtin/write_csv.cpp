@@ -8,22 +8,24 @@ namespace corvanta {
 
 namespace {
 
-ActionDescription describe()
-{
-    ActionDescription d;
-    d.typeName = "writeCSV";
-    d.description = "Write a text file with separators";
-    d.icon = ":/CorvantaCore/writeCSV.svg";
-    d.tags = QStringList{u"Common"_s};
-    d.keywords = QStringList{u"file"_s, u"export"_s, u"output"_s, u"save"_s,
-                             u"csv"_s,  u"text"_s,   u"write"_s,  u"out"_s};
-    return d;
-}
+constexpr FileFormat kFormats[] = {
+    {FileFormat::Write, FileFormat::SeparatedText, "csv txt"},
+    {FileFormat::Write, FileFormat::SeparatedText, "tsv tab", "separator=\\t"},
+};
+
+constexpr ActionEntry kEntry = {
+    .typeName = "writeCSV",
+    .description = "Write a text file with separators",
+    .icon = ":/CorvantaCore/writeCSV.svg",
+    .tags = "Common",
+    .keywords = "file export output save csv text write out",
+    .formats = kFormats,
+};
 
 } // namespace
 
 ActionWriteCsv::ActionWriteCsv(const XMLNode &saved, GlobalParameters *parameters)
-    : ParamAction(describe(), saved, parameters)
+    : ParamAction(kEntry, saved, parameters)
 {
 }
 

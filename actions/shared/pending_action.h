@@ -1,4 +1,3 @@
-// plugin/pending_action.h
 // An action whose parameters are declared and whose file work is not part of this version.
 #pragma once
 #include "corvanta/action_base.h"

@@ -1,0 +1,28 @@
+#include "actions/write_excel/write_excel.h"
+#include "actions/write_excel/write_excel_panel.h"
+
+namespace corvanta {
+
+namespace {
+
+constexpr FileFormat kFormats[] = {
+    {FileFormat::Write, FileFormat::Workbook, "xlsx", "floatToString= alwaysWrite=1"},
+};
+
+} // namespace
+
+const ActionEntry kWriteExcelEntry = {
+    .typeName = "writeExcel",
+    .description = "Create or update a MS-Excel file",
+    .helpPage = "5_27_11_excel_file_writer",
+    .icon = ":/WriteReport/excel_write.svg",
+    .saveVersion = 4.11,
+    .keywords = "file export output save office excel xls xlsx write out",
+    .pinsIn = 1,
+    .pinsOut = 1,
+    .makeAction = makeAction<ActionWriteExcel>,
+    .makePanel = makePanel<Interface_ActionWriteExcel>,
+    .formats = kFormats,
+};
+
+} // namespace corvanta

@@ -1,0 +1,28 @@
+#include "actions/write_json/write_json.h"
+#include "actions/write_json/write_json_panel.h"
+
+namespace corvanta {
+
+namespace {
+
+constexpr FileFormat kFormats[] = {
+    {FileFormat::Write, FileFormat::Json, "json", "floatToString= escapeControls=1 alwaysWrite=1"},
+};
+
+} // namespace
+
+const ActionEntry kWriteJsonEntry = {
+    .typeName = "writeJSON",
+    .description = "Create a multi-level JSON file",
+    .helpPage = "5_27_13_json_file_writer",
+    .icon = ":/WriteReport/writeJson.svg",
+    .saveVersion = 2.8,
+    .keywords = "file export output save level multi json write out",
+    .pinsIn = 1,
+    .pinsOut = 1,
+    .makeAction = makeAction<ActionWriteJSON>,
+    .makePanel = makePanel<Interface_ActionWriteJSON>,
+    .formats = kFormats,
+};
+
+} // namespace corvanta

@@ -1,0 +1,27 @@
+#include "actions/write_parquet/write_parquet.h"
+#include "actions/write_parquet/write_parquet_panel.h"
+
+namespace corvanta {
+
+namespace {
+
+constexpr FileFormat kFormats[] = {
+    {FileFormat::Write, FileFormat::Columnar, "parquet", "dictionaryPages=1 statistics=1"},
+};
+
+} // namespace
+
+const ActionEntry kWriteParquetEntry = {
+    .typeName = "writeParquet",
+    .description = "Write a parquet file",
+    .icon = ":/WriteReport/parquet_write.png",
+    .saveVersion = 2.08,
+    .keywords = "file export output save parquet write out",
+    .pinsIn = 1,
+    .pinsOut = 0,
+    .makeAction = makeAction<ActionWriteParquet>,
+    .makePanel = makePanel<Interface_ActionWriteParquet>,
+    .formats = kFormats,
+};
+
+} // namespace corvanta

@@ -1,0 +1,29 @@
+#include "actions/write_sas_xpt/write_sas_xpt.h"
+#include "actions/write_sas_xpt/write_sas_xpt_panel.h"
+
+namespace corvanta {
+
+namespace {
+
+constexpr FileFormat kFormats[] = {
+    {FileFormat::Write, FileFormat::Statistics, "xpt"},
+};
+
+} // namespace
+
+const ActionEntry kWriteSasXptEntry = {
+    .typeName = "writeSASXPT",
+    .description = "Create a SAS Export .xpt file",
+    .helpPage = "5_2_8_sas__sas7bdat__spss__s",
+    .icon = ":/WriteReport/cdisc.svg",
+    .saveVersion = 2.08,
+    .tags = "Common",
+    .keywords = "file export output save xpt sas xport write out",
+    .pinsIn = 1,
+    .pinsOut = 1,
+    .makeAction = makeAction<ActionWriteSASXPT>,
+    .makePanel = makePanel<Interface_ActionWriteSASXPT>,
+    .formats = kFormats,
+};
+
+} // namespace corvanta

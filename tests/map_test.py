@@ -1,0 +1,45 @@
+#!/usr/bin/env python3
+"""Compares docs/map.md with the actions: one row each, in catalogue order, with names that exist.
+
+Usage: map_test.py CORVANTA SOURCE_FOLDER
+"""
+import json
+import pathlib
+import re
+import subprocess
+import sys
+import unittest
+
+CORVANTA, SOURCE = sys.argv[1], pathlib.Path(sys.argv[2])
+
+
+def rows():
+    """The cells of each row: a list of the names in backticks per cell."""
+    lines = (SOURCE / "docs/map.md").read_text(encoding="utf-8").splitlines()
+    cells = [line.strip("|").split("|") for line in lines if line.startswith("| `")]
+    return [[re.findall(r"`([^`]+)`", cell) for cell in row] for row in cells]
+
+
+class Map(unittest.TestCase):
+    def test_one_row_per_action(self):
+        listed = subprocess.run([CORVANTA, "actions", "--json"], check=True, capture_output=True)
+        types = [action["type"] for action in json.loads(listed.stdout)]
+        self.assertEqual([row[0][0] for row in rows()], types)
+
+    def test_every_folder_of_an_action_has_its_row(self):
+        entries = {}
+        for entry in (SOURCE / "actions").glob("*/*_entry.cpp"):
+            types = re.findall(r'\.typeName = "(\w+)"', entry.read_text(encoding="utf-8"))
+            entries[str(entry.parent.relative_to(SOURCE))] = types
+        found = {row[1][0]: row[0] for row in rows() if row[1][0].startswith("actions/")}
+        self.assertEqual(found, entries)
+
+    def test_every_name_exists(self):
+        text = (SOURCE / "docs/map.md").read_text(encoding="utf-8")
+        paths = [name for name in re.findall(r"`([^`]+)`", text) if "/" in name]
+        paths += [f"fuzz/{target}_fuzz.cpp" for row in rows() for target in row[5]]
+        self.assertEqual([path for path in paths if not (SOURCE / path).exists()], [])
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
