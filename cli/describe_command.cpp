@@ -35,6 +35,8 @@ QJsonObject catalogueEntry(ActionItem &action)
     return entry;
 }
 
+QJsonArray parameterEntries(const QVector<ParameterInfo> &infos);
+
 QJsonObject parameterEntry(const ParameterInfo &info)
 {
     QJsonObject entry{{u"name"_s, info.name},
@@ -45,7 +47,18 @@ QJsonObject parameterEntry(const ParameterInfo &info)
     if (!info.choices.isEmpty()) {
         entry[u"choices"_s] = QJsonArray::fromStringList(info.choices);
     }
+    if (info.type == ParameterInfo::Type::Structure) {
+        entry[u"element"_s] = info.itemElement;
+        entry[u"members"_s] = parameterEntries(info.members);
+    }
     return entry;
+}
+
+QJsonArray parameterEntries(const QVector<ParameterInfo> &infos)
+{
+    QJsonArray entries;
+    std::transform(infos.begin(), infos.end(), std::back_inserter(entries), parameterEntry);
+    return entries;
 }
 
 QString pinText(const ActionItem &action)
@@ -116,9 +129,7 @@ int describeCommand(const QStringList &words)
         QJsonObject entry = catalogueEntry(*action);
         entry[u"pinsIn"_s] = action->maxPinIn();
         entry[u"pinsOut"_s] = action->pinOutCount();
-        QJsonArray parameters;
-        std::transform(infos.begin(), infos.end(), std::back_inserter(parameters), parameterEntry);
-        entry[u"parameters"_s] = parameters;
+        entry[u"parameters"_s] = parameterEntries(infos);
         print(QString::fromUtf8(QJsonDocument(entry).toJson()));
         return kDone;
     }

@@ -9,17 +9,11 @@ const ParamTable<ReadExcelParams> &readExcelParamTable()
     using P = ReadExcelParams;
     static const ParamTable<P> table{
         shared::fileNameFromPin<P>(),
-        number("sheetMode", &P::sheetMode)
-            .choices({"by number", "by name"})
-            .label("Select the sheet")
-            .meaning("Whether sheetIdx or sheetName selects the sheet."),
-        text("sheetIdx", &P::sheetIdx)
-            .label("Sheet number")
-            .meaning("Number of the sheet, from 1."),
-        text("sheetName", &P::sheetName).label("Sheet name").meaning("Name of the sheet."),
+        shared::sheetSelection<P>("Whether sheetIdx or sheetName selects the sheet.",
+                                  "Name of the sheet."),
         flag("firstLineContainsColumnNames", &P::firstLineContainsColumnNames)
             .label("The first row holds the column names")
-            .meaning("Takes the column names from the first row. Off: columns are named after "
+            .meaning("Reads the column names from the first row. Off: columns are named after "
                      "their letters."),
         shared::outputFilenames<P>(),
         shared::abortIfMissing<P>(),

@@ -1,14 +1,13 @@
-// readers/read_excel_params.h
 // The parameters of readExcel and readExcelOld.
 #pragma once
-#include "corvanta/param_table.h"
+#include "actions/shared/sheet_selection.h"
 
 namespace corvanta {
 
 struct ReadExcelParams
 {
     bool fileNameFromPin = false;
-    int sheetMode = 0;
+    SheetSelection sheetMode = SheetSelection::ByNumber;
     QString sheetIdx = QStringLiteral("1");
     QString sheetName;
     bool firstLineContainsColumnNames = true;

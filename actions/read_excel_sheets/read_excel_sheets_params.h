@@ -1,4 +1,3 @@
-// readers/read_excel_sheets_params.h
 // The parameters of readExcelSheets.
 #pragma once
 #include "corvanta/param_table.h"

@@ -30,7 +30,7 @@ public:
     /// Pin 0 brings texts, pin 1 the paths to read.
     static int pinsInFor(const ReadJsonParams &params)
     {
-        return params.readTagsFromInPin ? 2 : params.fromInputPin != 0 ? 1 : 0;
+        return params.readTagsFromInPin ? 2 : params.fromInputPin != DocumentSource::File ? 1 : 0;
     }
     float computeCompletion() override { return m_series.fractionDone(); }
 
@@ -51,7 +51,7 @@ private:
     bool readTags(std::vector<ReadLevel> *levels);
     /// Bytes of the tokenizer's buffer and of a record's tree, before they grow.
     qint64 bufferBytes() const;
-    bool isFromPin() const { return m_params.fromInputPin != 0; }
+    bool isFromPin() const { return m_params.fromInputPin != DocumentSource::File; }
 
     // Documents and messages of LevelRun.
     markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) override;

@@ -17,10 +17,8 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
         text("colJSON", &P::colJSON)
             .label("JSON column")
             .meaning("Input column that holds the JSON texts."),
-        number("fromInputPin", &P::fromInputPin)
-            .choices({"from the file", "from input pin 0"})
-            .label("Read the JSON")
-            .meaning("Reads the file fileName, or (any value but 0) the texts of colJSON."),
+        shared::fromInputPin<P>("Read the JSON", "Reads the file fileName, or (any value but 0) "
+                                                 "the texts of colJSON."),
         shared::bufferSize<P>(),
         shared::autoFillNRows<P>(),
         text("fileName", &P::fileName)
@@ -35,19 +33,20 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
         flag("oneJSONPerRow", &P::oneJSONPerRow)
             .label("Each input row holds one complete JSON document")
             .meaning("Each row is one document. Off: the rows are one stream of documents, and a "
-                     "document may go on in the next row."),
+                     "document may continue in the next row."),
         flag("readTagsFromInPin", &P::readTagsFromInPin)
             .label("Read tags to extract from pin 1")
-            .meaning("Rows of input pin 1 give the items, in columns path, name, tagName and "
-                     "level, or else path in the first and name in the second column."),
+            .meaning("Reads the items from the rows of input pin 1: from the columns path, name, "
+                     "tagName and level, or else the path from the first and the name from the "
+                     "second column."),
         shared::abortIfMissing<P>(),
         shared::timeOut<P>(),
         flag("permissiveNumbers", &P::permissiveNumbers)
             .label("Accept malformed numbers")
             .meaning("Accepts malformed numbers. Off: a value such as 12abc is a structure error."),
         flag("ignoreErrors", &P::ignoreErrors)
-            .label("Go on after structure errors")
-            .meaning("Structure errors become warnings and reading goes on."),
+            .label("Continue after structure errors")
+            .meaning("Reports structure errors as warnings and continues."),
         flag("newMode", &P::newMode)
             .label("Always keep the root")
             .meaning("Keeps the root of every record, so that paths start at the document. Default "

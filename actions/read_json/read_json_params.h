@@ -1,6 +1,6 @@
-// readers/read_json_params.h
 // The parameters of readJSON.
 #pragma once
+#include "actions/shared/document_source.h"
 #include "actions/shared/read_levels.h"
 #include "corvanta/param_table.h"
 
@@ -9,7 +9,7 @@ namespace corvanta {
 struct ReadJsonParams
 {
     QString colJSON;
-    int fromInputPin = 0;
+    DocumentSource fromInputPin = DocumentSource::File;
     int bufferSize = 1;
     int autoFillNRows = 100;
     QString fileName;

@@ -56,13 +56,14 @@ bool ActionReadParquet::prepare()
 /// Set the columns to read. An empty selection fails the run: it would deliver rows without cells.
 bool ActionReadParquet::readSelection()
 {
-    m_options.selectsColumns = m_params.columnSelection == 1 || m_params.columnSelection == 2;
-    if (m_params.columnSelection == 1) {
+    m_options.selectsColumns = m_params.columnSelection == ColumnSelection::Listed ||
+                               m_params.columnSelection == ColumnSelection::FromPin;
+    if (m_params.columnSelection == ColumnSelection::Listed) {
         m_options.selection = m_params.columnsToRead;
         if (m_options.selection.isEmpty()) {
             return fail(u"Error: readParquet: ColumnsToRead names no column\n"_s);
         }
-    } else if (m_params.columnSelection == 2) {
+    } else if (m_params.columnSelection == ColumnSelection::FromPin) {
         while (const OneRow *const row = getNextRowFromInPin(1)) {
             m_options.selection << row->text(0);
         }

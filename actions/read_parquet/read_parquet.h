@@ -22,7 +22,9 @@ public:
     /// Pin 0 brings file names, pin 1 column names.
     static int pinsInFor(const ReadParquetParams &params)
     {
-        return params.columnSelection == 2 ? 2 : params.fileNameFromPin ? 1 : 0;
+        return params.columnSelection == ColumnSelection::FromPin ? 2
+               : params.fileNameFromPin                           ? 1
+                                                                  : 0;
     }
     /// Rows delivered of all files, each file weighing the same; 1 while no file is open.
     float computeCompletion() override { return m_series.fractionDone(1.0F); }

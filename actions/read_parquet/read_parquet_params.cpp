@@ -12,37 +12,33 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
         shared::abortIfMissing<P>(),
         flag("int64ToKey", &P::int64ToKey)
             .label("64-bit integers become keys")
-            .meaning("64-bit integers become keys of their low 32 bits. Off: they become decimal "
-                     "numbers."),
-        number("columnSelection", &P::columnSelection)
-            .choices(
-                {"all columns", "the columns of ColumnsToRead", "the columns named on input pin 1"})
+            .meaning("Reads 64-bit integers as keys, their low 32 bits. Off: as decimal numbers."),
+        choice("columnSelection", &P::columnSelection,
+               {{ColumnSelection::All, "all columns"},
+                {ColumnSelection::Listed, "the columns of ColumnsToRead"},
+                {ColumnSelection::FromPin, "the columns named on input pin 1"}})
             .label("Columns")
             .meaning("Which columns are read."),
         shared::outputFilenames<P>(),
         flag("extendedEncodings", &P::extendedEncodings)
             .label("Read newer encodings and codecs")
-            .meaning("Reads RLE_DICTIONARY, DELTA and BYTE_STREAM_SPLIT pages and the codecs ZSTD, "
-                     "LZ4_RAW "
-                     "and Brotli too. Off: such files are refused."),
+            .meaning("Also reads RLE_DICTIONARY, DELTA and BYTE_STREAM_SPLIT pages and the codecs "
+                     "ZSTD, LZ4_RAW and Brotli. Off: such files are rejected."),
         flag("logicalTypes", &P::logicalTypes)
-            .label("Deliver values as what they mean")
-            .meaning(
-                "Gives dates and times as ISO 8601 text, and decimals, large and unsigned integers "
-                "exactly. Off: values as they are stored."),
+            .label("Convert values to what they represent")
+            .meaning("Reads dates and times as ISO 8601 text, and decimals, large and unsigned "
+                     "integers exactly. Off: reads values as they are stored."),
         flag("pageChecksums", &P::pageChecksums)
-            .label("Compare the checksums of pages")
-            .meaning("A page that does not have the checksum in its header cannot be read. Off: "
-                     "checksums are "
-                     "not looked at."),
+            .label("Check the checksums of pages")
+            .meaning("Rejects a page whose checksum differs from the one in its header. Off: "
+                     "checksums are ignored."),
         flag("skipUnreadable", &P::skipUnreadable)
-            .label("Leave out columns that cannot be read")
-            .meaning("Leaves out nested columns and others that cannot be read, with a warning. "
-                     "Off: such "
-                     "files are refused."),
+            .label("Skip columns that cannot be read")
+            .meaning("Skips nested columns and others that cannot be read, with a warning. Off: "
+                     "such files are rejected."),
         flag("allowEmpty", &P::allowEmpty)
-            .label("A file may be without rows")
-            .meaning("A file without rows is an empty table. Off: it is an error."),
+            .label("Accept files without rows")
+            .meaning("Reads a file without rows as an empty table. Off: it is an error."),
         text("fileName", &P::fileName)
             .inputFile()
             .always()

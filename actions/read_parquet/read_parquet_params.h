@@ -1,16 +1,18 @@
-// readers/read_parquet_params.h
 // The parameters of readParquet.
 #pragma once
 #include "corvanta/param_table.h"
 
 namespace corvanta {
 
+/// Which columns are read; any other number means all.
+enum class ColumnSelection { All, Listed, FromPin };
+
 struct ReadParquetParams
 {
     bool fileNameFromPin = false;
     bool abortIfMissing = true;
     bool int64ToKey = true;
-    int columnSelection = 0;
+    ColumnSelection columnSelection = ColumnSelection::All;
     bool outputFilenames = false;
     bool extendedEncodings = false;
     bool logicalTypes = false;

@@ -13,16 +13,19 @@ const ParamTable<ReadStatParams> &readStatParamTable()
             .label("Add a column with the file name")
             .meaning("Adds the last column _Filename with the name of the file of each row."),
         flag("columnNamefromLabel", &P::columnNamefromLabel)
-            .label("Columns are named after the labels")
+            .label("Name the columns after the labels")
             .meaning("Names the columns after the labels of the variables instead of their names."),
         flag("extractLabels", &P::extractLabels)
             .label("Output value labels")
-            .meaning("Gives the labels of labelled values instead of the values."),
-        number("fileFormat", &P::fileFormat)
-            .choices({"SAS File (.sas7bdat)", "SPSS File (.sav)", "SPSS File (.por)",
-                      "Stata File (.dta)"})
+            .meaning("Reads the labels of labelled values instead of the values."),
+        choice("fileFormat", &P::fileFormat,
+               {{StatFormat::Sas, "SAS File (.sas7bdat)"},
+                {StatFormat::SpssSav, "SPSS File (.sav)"},
+                {StatFormat::SpssPor, "SPSS File (.por)"},
+                {StatFormat::Stata, "Stata File (.dta)"}})
             .label("Format")
-            .meaning("Format of the data set. Without it the ending of the file name decides."),
+            .meaning(
+                "Format of the data set. By default the ending of the file name determines it."),
         number("bufferSize", &P::bufferSize)
             .range(1, 2047)
             .label("Buffer")

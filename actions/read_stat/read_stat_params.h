@@ -1,12 +1,16 @@
-// readers/read_stat_params.h
 // The parameters of readStat.
 #pragma once
 #include "corvanta/param_table.h"
 
 namespace corvanta {
 
-/// fileFormat when the ending of the file name decides.
-inline constexpr int kFormatOfEnding = -1;
+enum class StatFormat {
+    OfEnding = -1, ///< the ending of the file name determines the format
+    Sas = 0,
+    SpssSav,
+    SpssPor,
+    Stata
+};
 
 struct ReadStatParams
 {
@@ -14,7 +18,7 @@ struct ReadStatParams
     bool outputFilenames = false;
     bool columnNamefromLabel = false;
     bool extractLabels = false;
-    int fileFormat = kFormatOfEnding;
+    StatFormat fileFormat = StatFormat::OfEnding;
     int bufferSize = 2;
     QString encoding = QStringLiteral("UTF-8");
     QString fileName;

@@ -15,11 +15,11 @@ ActionReadXBF::ActionReadXBF(const XMLNode &saved, GlobalParameters *parameters)
 dbf::TextDecoder ActionReadXBF::makeDecoder() const
 {
     switch (m_params.encoding) {
-    case 0:
+    case XbfEncoding::Windows1252:
         return dbf::TextDecoder::windows1252();
-    case 1:
+    case XbfEncoding::System:
         return dbf::TextDecoder::named(currentACPName());
-    case 2:
+    case XbfEncoding::Utf8:
         return dbf::TextDecoder::utf8();
     default: // Kept for saved graphs: any other number leaves the bytes unconverted.
         return dbf::TextDecoder::unconverted();

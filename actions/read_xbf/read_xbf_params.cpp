@@ -14,21 +14,25 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
             .meaning("Table to read, or a pattern such as *.dbf; all tables must have the columns "
                      "of the first."),
         shared::bufferSize<P>(),
-        number("encoding", &P::encoding)
-            .choices({"Latin 1 (Windows 1252)", "encoding of the system", "UTF-8"})
+        choice("encoding", &P::encoding,
+               {{XbfEncoding::Windows1252, "Latin 1 (Windows 1252)"},
+                {XbfEncoding::System, "encoding of the system"},
+                {XbfEncoding::Utf8, "UTF-8"}})
             .label("Encoding")
             .meaning("Encoding of character and memo fields. Any other value keeps the bytes as "
                      "they are."),
         flag("useDBT", &P::useDBT)
             .label("Read memo fields")
-            .meaning("Reads the texts of memo fields from the memo file beside the table."),
+            .meaning("Reads the texts of memo fields from the memo file in the same folder as the "
+                     "table."),
         flag("dbtInRam", &P::dbtInRam)
             .label("load the full Memo/DBT/FPT file in memory for faster processing.")
             .meaning("Loads the whole memo file into memory. Off: it is read through a buffer."),
         flag("level7", &P::level7)
             .label("dBase level 7 or above")
-            .meaning("The tables have the longer header of dBase 7 and above. Tables whose "
-                     "descriptors make sense in one way only are read right either way."),
+            .meaning(
+                "Reads the tables with the longer header of dBase 7 and above. Tables whose field "
+                "descriptors are valid in only one of the two forms are read in that form."),
     };
     return table;
 }

@@ -24,7 +24,10 @@ class ActionReadXML final : public ParamAction<ActionReadXML, ReadXmlParams>,
 public:
     ActionReadXML(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<ReadXmlParams> &paramTable() { return readXmlParamTable(); }
-    static int pinsInFor(const ReadXmlParams &params) { return params.fromInputPin != 0 ? 1 : 0; }
+    static int pinsInFor(const ReadXmlParams &params)
+    {
+        return params.fromInputPin != DocumentSource::File ? 1 : 0;
+    }
     float computeCompletion() override { return m_series.fractionDone(); }
 
 private:
@@ -49,7 +52,7 @@ private:
     bool sampleWith(const std::function<void(markup::XMLTokenizer &)> &look);
     /// Invalid bytes are dropped silently by the tokenizer: one warning per document.
     void warnDroppedBytes(const QString &name);
-    bool isFromPin() const { return m_params.fromInputPin != 0; }
+    bool isFromPin() const { return m_params.fromInputPin != DocumentSource::File; }
 
     // Documents and messages of LevelRun.
     markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) override;

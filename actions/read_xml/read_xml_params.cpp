@@ -19,19 +19,18 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
     static const ParamTable<P> table{
         text("encoding", &P::encoding)
             .label("Encoding")
-            .meaning("Auto finds it out, System is the system's code page; else the name of an "
-                     "encoding."),
+            .meaning("Auto detects the encoding, System is the system's code page; otherwise the "
+                     "name of an encoding."),
         text("colXML", &P::colXML)
             .label("XML column")
             .meaning("Input column that holds the XML texts."),
-        number("fromInputPin", &P::fromInputPin)
-            .choices({"from the file", "from input pin 0"})
-            .label("Read the XML")
-            .meaning("Reads the file fileName, or the texts in colXML of the rows of input pin 0."),
+        shared::fromInputPin<P>("Read the XML",
+                                "Reads the file fileName, or the texts in colXML of "
+                                "the rows of input pin 0."),
         flag("iconvDiscardUnconvertible", &P::iconvDiscardUnconvertible)
-            .label("Drop invalid bytes")
+            .label("Skip invalid bytes")
             .meaning(
-                "Drops bytes that cannot be converted, with a warning. Off: they fail the action."),
+                "Skips bytes that cannot be converted, with a warning. Off: the action fails."),
         shared::bufferSize<P>(),
         shared::autoFillNRows<P>(),
         text("fileName", &P::fileName)
@@ -43,55 +42,54 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
         flag("readClearTags", &P::readClearTags)
             .label("Read CDATA sections")
             .meaning("Reads CDATA sections and <PRE> blocks as text of their element."),
-        flag("readHTML", &P::readHTML).label("HTML").meaning("Reads loosely written HTML pages."),
+        flag("readHTML", &P::readHTML)
+            .label("HTML")
+            .meaning("Reads HTML, including malformed pages."),
         shared::outputFilenames<P>(),
         shared::outputSubTags<P>(),
         flag("addOnlyText", &P::addOnlyText)
             .label("Only the text of an element")
-            .meaning(
-                "Takes all the text in an element, also that of its sub-elements, without tags and "
-                "with its blanks folded. Off: the text that stands directly in it."),
+            .meaning("Reads all the text in an element, including its sub-elements, without tags "
+                     "and with blanks collapsed. Off: only the text directly in the element."),
         flag("zeroBased", &P::zeroBased)
             .label("Indexes in paths count from 0")
             .meaning("Indexes in paths count from 0. Off: from 1."),
         flag("outputTagNames", &P::outputTagNames)
             .label("Output the tag names")
-            .meaning(
-                "An element that holds only sub-elements gives their names. Off: a missing value."),
+            .meaning("Reads an element that contains only sub-elements as the names of those. Off: "
+                     "as a missing value."),
         flag("skipCorruptedFiles", &P::skipCorruptedFiles)
             .label("Skip the rest of damaged files")
-            .meaning("A structure error skips the rest of the file, with a warning. Off: it fails "
-                     "the action."),
+            .meaning("Skips the rest of a file after a structure error, with a warning. Off: the "
+                     "action fails."),
         flag("tagNameSummary", &P::tagNameSummary)
             .label("Sorted summary of tag names")
-            .meaning("Cells of tag names list them in alphabetical order with their counts. Off: "
-                     "in document order."),
+            .meaning(
+                "Lists tag names in alphabetical order with their counts. Off: in document order."),
         flag("ignoreUnknownEntities", &P::ignoreUnknownEntities)
             .label("Accept unknown entities")
-            .meaning("Leaves unknown entities as they stand. Off: they are structure errors."),
+            .meaning("Leaves unknown entities unchanged. Off: they are structure errors."),
         flag("ignoreEmptyTag", &P::ignoreEmptyTag)
             .label("Ignore empty elements")
-            .meaning("Elements without text, sub-elements and attributes make no rows and are not "
-                     "named; "
-                     "they still count in indexes."),
+            .meaning("Ignores elements without text, sub-elements and attributes in rows and lists "
+                     "of names; they still count in indexes."),
         flag("ignoreInvalidCharInTagName", &P::ignoreInvalidCharInTagName)
             .label("Accept invalid characters in tag names")
             .meaning("Accepts invalid characters in tag names. Off: they are structure errors."),
         flag("getTagPresenceFlag", &P::getTagPresenceFlag)
-            .label("Output whether the element is there")
-            .meaning("Gives 1 or 0, whether the element is there, instead of its text."),
+            .label("Output whether the element exists")
+            .meaning("Outputs 1 if the element exists, else 0, instead of its text."),
         flag("discardNameSpaces", &P::discardNameSpaces)
-            .label("Drop name space prefixes")
-            .meaning("Drops the name space prefixes of elements."),
+            .label("Remove namespace prefixes")
+            .meaning("Removes the namespace prefixes of elements."),
         shared::abortIfMissing<P>(),
         shared::timeOut<P>(),
         shared::copyOfInputRow("addColBefore", &P::addColBefore),
         number("skipRows", &P::skipRows)
             .range(0, 1000000)
             .label("Rows to skip")
-            .meaning("Occurrences of the first level that are left out at the beginning of each "
-                     "document, "
-                     "such as the row with the names of an HTML table."),
+            .meaning("Number of occurrences of the first level that are skipped at the beginning "
+                     "of each document, for example the header row of an HTML table."),
         readLevels(&P::levels),
     };
     return table;

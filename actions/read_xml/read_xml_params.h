@@ -1,6 +1,6 @@
-// readers/read_xml_params.h
 // The parameters of readXML.
 #pragma once
+#include "actions/shared/document_source.h"
 #include "actions/shared/read_levels.h"
 #include "corvanta/param_table.h"
 
@@ -10,7 +10,7 @@ struct ReadXmlParams
 {
     QString encoding = QStringLiteral("Auto");
     QString colXML;
-    int fromInputPin = 0;
+    DocumentSource fromInputPin = DocumentSource::File;
     bool iconvDiscardUnconvertible = true;
     int bufferSize = 10;
     int autoFillNRows = 100;

@@ -8,14 +8,16 @@ compose::ValueRules LevelWriter::commonRules(std::u16string_view nullForm,
     const LevelWriterParams &params = rowParams();
     const compose::FixedText null(nullForm);
     compose::ValueRules rules;
-    if (params.nullString == 0 || params.nullString == 1) {
-        rules.missingText = params.nullString == 0 ? null : compose::FixedText(emptyForm);
+    if (params.nullString == MissingText::Null) {
+        rules.missingText = null;
+    } else if (params.nullString == MissingText::Empty) {
+        rules.missingText = compose::FixedText(emptyForm);
     }
-    if (params.nullNumber != 1) {
+    if (params.nullNumber != MissingNumber::LeaveOut) {
         rules.missingNumber = null;
     }
-    rules.namesNotFinite = params.nan == 0;
-    if (params.nan == 1) {
+    rules.namesNotFinite = params.nan == NotFinite::Name;
+    if (params.nan == NotFinite::Null) {
         rules.notFinite = null;
     }
     rules.floatFormat = m_run->floatFormat;
@@ -88,7 +90,7 @@ bool LevelWriter::openFile()
 {
     const QString name = targetName();
     createFolder(name);
-    const bool replaces = rowParams().fileMode == 0;
+    const bool replaces = rowParams().fileMode == FileMode::Replace;
     const TargetMode mode = replaces ? TargetMode::Replace : TargetMode::Append;
     if (!m_run->target.open(name, targetOptions(fileName(), mode))) {
         return failWith(WriteProblem::CannotOpen);

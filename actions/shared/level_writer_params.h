@@ -6,13 +6,25 @@
 
 namespace corvanta {
 
+/// What happens to an existing file.
+enum class FileMode { Replace, Append };
+
+/// What is written for a missing text.
+enum class MissingText { Null, Empty, LeaveOut };
+
+/// What is written for a missing number.
+enum class MissingNumber { Null, LeaveOut };
+
+/// What is written for NaN and infinite numbers.
+enum class NotFinite { Name, Null, LeaveOut };
+
 struct LevelWriterParams : RowWriterParams
 {
     QString fileName;
-    int fileMode = 0;
-    int nullString = 2;
-    int nullNumber = 1;
-    int nan = 1;
+    FileMode fileMode = FileMode::Replace;
+    MissingText nullString = MissingText::LeaveOut;
+    MissingNumber nullNumber = MissingNumber::LeaveOut;
+    NotFinite nan = NotFinite::Null;
     QString floatToString = QStringLiteral("%g");
     bool alwaysWrite = false;
     std::vector<WriteLevel> levels;
@@ -22,64 +34,61 @@ namespace shared {
 
 template <class P> Param<P> fileMode()
 {
-    return number<P>("fileMode", &P::fileMode)
-        .choices({"create or overwrite", "append"})
+    return choice<P>("fileMode", &P::fileMode,
+                     {{FileMode::Replace, "create or overwrite"}, {FileMode::Append, "append"}})
         .label("Open the file")
-        .meaning("Whether an existing file is replaced or continued.");
+        .meaning("Whether an existing file is replaced or extended.");
 }
 
-/// `nullForm` is what stands for a missing value.
-template <class P> Param<P> nullString(const char *nullForm, const char *emptyForm)
+/// The forms of missing values and numbers. `nullForm` and `emptyForm` name what the format writes
+/// for a missing value.
+template <class P> ParamGroup<P> valueForms(const char *nullForm, const char *emptyForm)
 {
-    return number<P>("nullString", &P::nullString)
-        .choices({nullForm, emptyForm, "leave it out"})
-        .label("Missing text")
-        .meaning("What is written for a missing text cell.");
-}
-
-template <class P> Param<P> nullNumber(const char *nullForm)
-{
-    return number<P>("nullNumber", &P::nullNumber)
-        .choices({nullForm, "leave it out"})
-        .label("Missing number")
-        .meaning("What is written for a missing whole or decimal number.");
-}
-
-template <class P> Param<P> nan(const char *nullForm)
-{
-    return number<P>("nan", &P::nan)
-        .choices({"write nan, inf or -inf", nullForm, "leave it out"})
-        .label("NaN and infinite numbers")
-        .meaning("What is written for NaN and infinite numbers.");
+    return {
+        choice<P>("nullString", &P::nullString,
+                  {{MissingText::Null, nullForm},
+                   {MissingText::Empty, emptyForm},
+                   {MissingText::LeaveOut, "leave it out"}})
+            .label("Missing text")
+            .meaning("What is written for a missing text cell."),
+        choice<P>("nullNumber", &P::nullNumber,
+                  {{MissingNumber::Null, nullForm}, {MissingNumber::LeaveOut, "leave it out"}})
+            .label("Missing number")
+            .meaning("What is written for a missing whole or decimal number."),
+        choice<P>("nan", &P::nan,
+                  {{NotFinite::Name, "write nan, inf or -inf"},
+                   {NotFinite::Null, nullForm},
+                   {NotFinite::LeaveOut, "leave it out"}})
+            .label("NaN and infinite numbers")
+            .meaning("What is written for NaN and infinite numbers."),
+        floatToString<P>(),
+    };
 }
 
 template <class P> Param<P> alwaysWrite()
 {
     return flag<P>("alwaysWrite", &P::alwaysWrite)
-        .label("Write a file also without rows")
-        .meaning("Writes a file with its start and end also when there is no row.");
+        .label("Write a file even without rows")
+        .meaning("Writes a file with its start and end even when there is no row.");
 }
 
-template <class P> Param<P> writeAllColumnsWithoutLevels()
+/// What a file contains, at the end of the table.
+template <class P> ParamGroup<P> fileContent()
 {
-    return writeAllColumns<P>("Writes every column. Off: only the columns of ToWrite. Without "
-                              "effect when there are Levels.");
-}
-
-template <class P> Param<P> prefix()
-{
-    return elementText<P>("Prefix", &P::prefix)
-        .always()
-        .label("Start of the file")
-        .meaning("Text at the start of every file.");
-}
-
-template <class P> Param<P> suffix()
-{
-    return elementText<P>("Suffix", &P::suffix)
-        .always()
-        .label("End of the file")
-        .meaning("Text at the end of every file.");
+    return {
+        writeAllColumns<P>("Writes every column. Off: only the columns of ToWrite. Ignored when "
+                           "there are Levels."),
+        elementText<P>("Prefix", &P::prefix)
+            .always()
+            .label("Start of the file")
+            .meaning("Text at the start of every file."),
+        elementText<P>("Suffix", &P::suffix)
+            .always()
+            .label("End of the file")
+            .meaning("Text at the end of every file."),
+        columnsToWrite<P>("ToWrite"),
+        writeLevels<P>(&P::levels),
+    };
 }
 
 } // namespace shared

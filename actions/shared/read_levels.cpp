@@ -1,60 +1,63 @@
 #include "actions/shared/read_levels.h"
 
-using namespace Qt::StringLiterals;
-
 namespace corvanta {
 
 namespace {
 
-ReadLevel levelFromXml(const XMLNode &node)
+const ParamTable<ReadItem> &itemTable()
 {
-    ReadLevel level;
-    level.initialPath = xmltoa(node.getAttribute("initialPath"), {});
-    level.subtagName = xmltoa(node.getAttribute("subtagName"), {});
-    int at = 0;
-    for (XMLNode e = node.getChildNode("e", &at); !e.isEmpty(); e = node.getChildNode("e", &at)) {
-        level.items.push_back({xmltoa(e.getAttribute("path"), {}),
-                               xmltoa(e.getAttribute("name"), {}),
-                               xmltob(e.getAttribute("tagName"), 0) != 0});
-    }
-    return level;
-}
-
-void saveItem(const ReadItem &item, std::wostream &out)
-{
-    ToXMLStringTool tool;
-    out << L"  <e";
-    if (!item.name.isEmpty()) {
-        out << L" name='" << tool.toXML(item.name) << L'\'';
-    }
-    out << L" path='" << tool.toXML(item.path) << (item.tagName ? L"' tagName='1'/>\n" : L"'/>\n");
+    static const ParamTable<ReadItem> table{
+        text("name", &ReadItem::name)
+            .label("Column")
+            .meaning("Name of the output column. Empty: the path."),
+        text("path", &ReadItem::path)
+            .always()
+            .label("Path")
+            .meaning("Path of the value, from the occurrence. Empty: the occurrence itself."),
+        flag("tagName", &ReadItem::tagName)
+            .label("Names of sub-elements")
+            .meaning("Reads the names of the sub-elements instead of the text."),
+    };
+    return table;
 }
 
 } // namespace
 
-std::vector<ReadLevel> readLevelsFromXml(const XMLNode &action)
+const ParamTable<ReadLevel> &readLevelTable()
 {
-    std::vector<ReadLevel> levels;
-    if (action.nChildNode() > 0 && action.getChildNode(0).getName() == "Level"_L1) {
-        for (int i = 0; i < action.nChildNode(); ++i) {
-            levels.push_back(levelFromXml(action.getChildNode(i)));
-        }
-    } else if (ReadLevel only = levelFromXml(action); only != ReadLevel()) {
-        levels.push_back(std::move(only));
-    }
-    return levels;
+    static const ParamTable<ReadLevel> table{
+        text("initialPath", &ReadLevel::initialPath)
+            .always()
+            .label("Container")
+            .meaning("Path of the element that contains the occurrences, from the document or from "
+                     "the occurrence of the level before."),
+        text("subtagName", &ReadLevel::subtagName)
+            .always()
+            .label("Repeated element")
+            .meaning("Name of the repeated element. Empty: every sub-element."),
+        children("e", &ReadLevel::items, itemTable())
+            .label("Columns")
+            .meaning("The output columns, one element each."),
+    };
+    return table;
 }
 
-void saveReadLevels(const std::vector<ReadLevel> &levels, std::wostream &out)
+// Kept for saved graphs: when the first child is a level, every child is one, whatever its name
+// (Parameters.SavedForms). Otherwise the element of the action is itself the only level.
+void completeReadLevels(std::vector<ReadLevel> &levels, const XMLNode &action)
 {
-    ToXMLStringTool tool;
-    for (const ReadLevel &level : levels) {
-        out << L" <Level initialPath='" << tool.toXML(level.initialPath) << L'\'';
-        out << L" subtagName='" << tool.toXML(level.subtagName) << L"'>\n";
-        for (const ReadItem &item : level.items) {
-            saveItem(item, out);
+    const auto read = [](const XMLNode &node) {
+        ReadLevel level;
+        readLevelTable().read(level, node);
+        return level;
+    };
+    levels.clear();
+    if (action.getChildNode(0).getName() == QLatin1StringView(kReadLevelElement)) {
+        for (int i = 0; i < action.nChildNode(); ++i) {
+            levels.push_back(read(action.getChildNode(i)));
         }
-        out << L" </Level>\n";
+    } else if (ReadLevel only = read(action); only != ReadLevel()) {
+        levels.push_back(std::move(only));
     }
 }
 

@@ -1,4 +1,3 @@
-// readers/levels.h
 // The levels of the JSON and XML readers: which elements repeat, and what is taken from each
 // occurrence.
 //
@@ -7,7 +6,7 @@
 #pragma once
 #include "codecs/markup/levels/level.h"
 #include "corvanta/action_item.h"
-#include "corvanta/param_table.h"
+#include "corvanta/param_children.h"
 
 #include <vector>
 
@@ -18,10 +17,11 @@ using ReadItem = markup::LevelItem;
 /// One repeated element, a `Level` element.
 using ReadLevel = markup::Level;
 
-/// The levels of an action's element. Its children are all levels when the first one is called
-/// `Level`; else the element itself is the one level. Empty when nothing is said.
-std::vector<ReadLevel> readLevelsFromXml(const XMLNode &action);
-void saveReadLevels(const std::vector<ReadLevel> &levels, std::wostream &out);
+inline constexpr char kReadLevelElement[] = "Level";
+const ParamTable<ReadLevel> &readLevelTable();
+/// Complete the levels after they were read from the element of an action: the only level may be
+/// the element itself. Empty when it specifies no level.
+void completeReadLevels(std::vector<ReadLevel> &levels, const XMLNode &action);
 
 /// The levels with the graph's variables put into paths and names, all trimmed. An item without a
 /// name gets its path for a name.
@@ -31,7 +31,9 @@ std::vector<ReadLevel> expandedLevels(const std::vector<ReadLevel> &levels,
 /// The line of a parameter table for `levels`.
 template <class P> Param<P> readLevels(std::vector<ReadLevel> P::*levels)
 {
-    return structure("Level", levels, readLevelsFromXml, saveReadLevels)
+    return children(kReadLevelElement, levels, readLevelTable(), {nullptr, completeReadLevels})
+        .withInlineForm()
+        .indentedBy(" ")
         .label("Levels")
         .meaning("One Level (initialPath, subtagName) per repeated element, outermost first, with "
                  "one e (name, path, tagName) per output column.");

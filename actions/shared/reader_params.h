@@ -1,5 +1,4 @@
-// readers/shared_params.h
-// Lines of parameter tables that stand in several readers. `P` has the members of the same names.
+// Lines of parameter tables that several readers have. `P` has members of the same names.
 #pragma once
 #include "corvanta/param_table.h"
 
@@ -8,22 +7,22 @@ namespace corvanta::shared {
 template <class P> Param<P> fileNameFromPin()
 {
     return flag<P>("fileNameFromPin", &P::fileNameFromPin)
-        .label("Take the file name from input pin 0")
-        .meaning("Takes the file name from the first column of the first row of input pin 0.");
+        .label("Read the file name from input pin 0")
+        .meaning("Reads the file name from the first column of the first row of input pin 0.");
 }
 
 template <class P> Param<P> fileNamesFromPin()
 {
     return flag<P>("fileNameFromPin", &P::fileNameFromPin)
-        .label("Take the file names from input pin 0")
-        .meaning("Takes the file names from the first column of input pin 0, one file per row.");
+        .label("Read the file names from input pin 0")
+        .meaning("Reads the file names from the first column of input pin 0, one file per row.");
 }
 
 template <class P> Param<P> abortIfMissing()
 {
     return flag<P>("abortIfMissing", &P::abortIfMissing)
         .label("A missing file is an error")
-        .meaning("A missing file fails the action. Off: it is a warning.");
+        .meaning("Fails when a file is missing. Off: logs a warning.");
 }
 
 template <class P> Param<P> timeOut()
@@ -31,7 +30,8 @@ template <class P> Param<P> timeOut()
     return number<P>("timeOut", &P::timeOut)
         .range(-1, 86400)
         .label("Retry for")
-        .meaning("Seconds for which a file that cannot be read yet is tried again; -1: for ever.");
+        .meaning("Seconds for which reading a file is retried while it cannot be read; -1: without "
+                 "limit.");
 }
 
 template <class P> Param<P> bufferSize()
@@ -53,7 +53,7 @@ template <class P> Param<P> outputSubTags()
 {
     return flag<P>("outputSubTags", &P::outputSubTags)
         .label("Add the names of the repeated elements")
-        .meaning("One column \"Level N Subtag\" per level.");
+        .meaning("Adds one column \"Level N Subtag\" per level.");
 }
 
 template <class P> Param<P> autoFillNRows()
@@ -61,15 +61,16 @@ template <class P> Param<P> autoFillNRows()
     return number<P>("autoFillNRows", &P::autoFillNRows)
         .range(1, 1000000)
         .label("Sample")
-        .meaning("Records that are looked at when levels are filled automatically.");
+        .meaning("Number of records that are examined to find the levels automatically.");
 }
 
 template <class P> Param<P> copyOfInputRow(const char *name, bool P::*member)
 {
     return flag<P>(name, member)
         .label("Copy the columns of the input row")
-        .meaning("Puts the columns of the input row in front of the extracted ones, when reading "
-                 "from the input pin.");
+        .meaning(
+            "Adds the columns of the input row before the extracted ones, when reading from the "
+            "input pin.");
 }
 
 } // namespace corvanta::shared

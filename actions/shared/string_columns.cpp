@@ -2,31 +2,21 @@
 
 namespace corvanta {
 
-std::vector<StringColumn> stringColumnsFromXml(const XMLNode &action)
+const ParamTable<StringColumn> &stringColumnTable()
 {
-    std::vector<StringColumn> columns;
-    const XMLNode parent = action.getChildNode("StringColDef");
-    int at = 0;
-    for (XMLNode node = parent.getChildNode("CD", &at); !node.isEmpty();
-         node = parent.getChildNode("CD", &at)) {
-        columns.push_back({xmltoa(node.getAttribute("n"), {}), xmltoi(node.getAttribute("l"), 0),
-                           xmltoi(node.getAttribute("ol"), 0)});
-    }
-    return columns;
-}
-
-void saveStringColumns(const std::vector<StringColumn> &columns, std::wostream &out)
-{
-    if (columns.empty()) {
-        return;
-    }
-    ToXMLStringTool tool;
-    out << L"  <StringColDef>\n";
-    for (const StringColumn &column : columns) {
-        out << L"    <CD n='" << tool.toXML(column.name) << L"' l='" << column.width;
-        out << L"' ol='" << column.longest << L"'/>\n";
-    }
-    out << L"  </StringColDef>\n";
+    static const ParamTable<StringColumn> table{
+        text("n", &StringColumn::name).always().label("Column").meaning("Name of the text column."),
+        number("l", &StringColumn::width)
+            .always()
+            .label("Width")
+            .meaning("Width of the column, in bytes."),
+        number("ol", &StringColumn::longest)
+            .always()
+            .label("Longest text")
+            .meaning("Bytes of the longest text that was found when the width was measured; 0: "
+                     "unknown."),
+    };
+    return table;
 }
 
 } // namespace corvanta

@@ -4,72 +4,49 @@ namespace corvanta {
 
 namespace {
 
-WriteItem itemFromXml(const XMLNode &node)
+const ParamTable<WriteItem> &itemTable()
 {
-    return {xmltoi(node.getAttribute("type"), 0), xmltoa(node.getAttribute("text"), {}),
-            xmltoa(node.getAttribute("calledLevel"), {}), xmltoa(node.getAttribute("p1"), {}),
-            fromXMLSL(node)};
-}
-
-void saveText(const wchar_t *name, const QString &text, std::wostream &out)
-{
-    if (!text.isEmpty()) {
-        ToXMLStringTool tool;
-        out << L' ' << name << L"='" << tool.toXML(text) << L'\'';
-    }
-}
-
-void saveItem(const WriteItem &item, std::wostream &out)
-{
-    out << L"\t\t\t<Item type='" << item.type << L'\'';
-    saveText(L"text", item.text, out);
-    saveText(L"calledLevel", item.calledLevel, out);
-    saveText(L"p1", item.p1, out);
-    out << L'>';
-    toXML(item.columns, out);
-    out << L"</Item>\n";
+    static const ParamTable<WriteItem> table{
+        number("type", &WriteItem::type)
+            .always()
+            .label("Type")
+            .meaning("Number of what is written, from 0; the numbers depend on the format."),
+        text("text", &WriteItem::text)
+            .label("Text")
+            .meaning("Text that is written, by an item that writes a fixed text."),
+        text("calledLevel", &WriteItem::calledLevel)
+            .label("Level")
+            .meaning("Name of the level that is written, by an item that writes a sub-level."),
+        text("p1", &WriteItem::p1)
+            .label("Prefix of keys")
+            .meaning("Text that is removed from the start of the keys."),
+        content("columns", &WriteItem::columns)
+            .label("Columns")
+            .meaning("Columns that are written, by an item that writes some columns."),
+    };
+    return table;
 }
 
 } // namespace
 
-std::vector<WriteLevel> writeLevelsFromXml(const XMLNode &action)
+const ParamTable<WriteLevel> &writeLevelTable()
 {
-    std::vector<WriteLevel> levels;
-    const XMLNode parent = action.getChildNode("Levels");
-    int at = 0;
-    for (XMLNode node = parent.getChildNode("Level", &at); !node.isEmpty();
-         node = parent.getChildNode("Level", &at)) {
-        WriteLevel level{xmltoa(node.getAttribute("name"), {}),
-                         xmltoa(node.getAttribute("partitionCol"), {}),
-                         xmltob(node.getAttribute("commaSeparated"), 1) != 0,
-                         {}};
-        int itemAt = 0;
-        for (XMLNode item = node.getChildNode("Item", &itemAt); !item.isEmpty();
-             item = node.getChildNode("Item", &itemAt)) {
-            level.items.push_back(itemFromXml(item));
-        }
-        levels.push_back(std::move(level));
-    }
-    return levels;
-}
-
-void saveWriteLevels(const std::vector<WriteLevel> &levels, std::wostream &out)
-{
-    if (levels.empty()) {
-        return;
-    }
-    out << L"\t<Levels>\n";
-    for (const WriteLevel &level : levels) {
-        out << L"\t\t<Level";
-        saveText(L"name", level.name, out);
-        saveText(L"partitionCol", level.partitionCol, out);
-        out << (level.commaSeparated ? L">\n" : L" commaSeparated='0'>\n");
-        for (const WriteItem &item : level.items) {
-            saveItem(item, out);
-        }
-        out << L"\t\t</Level>\n";
-    }
-    out << L"\t</Levels>\n";
+    static const ParamTable<WriteLevel> table{
+        text("name", &WriteLevel::name)
+            .label("Name")
+            .meaning("Name by which an item refers to the level."),
+        text("partitionCol", &WriteLevel::partitionCol)
+            .label("Partition column")
+            .meaning("Rows with the same value in this column belong to the same array of the "
+                     "sub-level. The top level ignores it."),
+        flag("commaSeparated", &WriteLevel::commaSeparated)
+            .label("Separate the elements with commas")
+            .meaning("Writes a comma before each element but the first."),
+        children("Item", &WriteLevel::items, itemTable())
+            .label("Items")
+            .meaning("What is written for each element of the level, in this order."),
+    };
+    return table;
 }
 
 } // namespace corvanta

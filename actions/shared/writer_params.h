@@ -1,5 +1,5 @@
-// writers/shared_params.h
-// Lines of parameter tables that stand in several writers. `P` has the members of the same names.
+// Lines of parameter tables that several writers have. `P` is derived from RowWriterParams or has
+// members of the same names.
 #pragma once
 #include "corvanta/param_table.h"
 
@@ -9,7 +9,7 @@ template <class P> Param<P> checkNameCollision()
 {
     return flag<P>("checkNameCollision", &P::checkNameCollision)
         .label("Check for columns of the same name")
-        .meaning("Two written columns of one name are an error.");
+        .meaning("Reports an error when two written columns have the same name.");
 }
 
 template <class P> Param<P> createDir()
@@ -37,7 +37,13 @@ template <class P> Param<P> testValue()
 {
     return text<P>("testValue", &P::testValue)
         .label("Value to test for")
-        .meaning("Rows whose testCol has another text are not written.");
+        .meaning("Rows with another text in testCol are not written.");
+}
+
+/// The rows that are written.
+template <class P> ParamGroup<P> rowFilter()
+{
+    return {writeAllRows<P>(), testCol<P>(), testValue<P>()};
 }
 
 template <class P> Param<P> writeAllColumns(const char *meaning)
@@ -48,9 +54,9 @@ template <class P> Param<P> writeAllColumns(const char *meaning)
 }
 
 /// The columns that are written when writeAllColumns is off.
-template <class P> Param<P> columnsToWrite(const char *name, QStringList P::*member)
+template <class P> Param<P> columnsToWrite(const char *name)
 {
-    return strings<P>(name, member)
+    return strings<P>(name, &P::toWrite)
         .label("Columns to write")
         .meaning("Columns that are written when writeAllColumns is off.");
 }
@@ -60,7 +66,7 @@ template <class P> Param<P> floatToString()
     return text<P>("floatToString", &P::floatToString)
         .label("Format of decimal numbers")
         .meaning("printf format with one conversion of a floating-point number; empty: the "
-                 "fewest digits that read back.");
+                 "fewest digits that read back as the same number.");
 }
 
 } // namespace corvanta::shared

@@ -30,8 +30,8 @@ const ParamTable<WriteDocParams> &writeDocParamTable()
         strings("image", &P::imageColumns)
             .always()
             .label("Image columns")
-            .meaning(
-                "Columns with names of image files for the pictures whose targets hold %NAME%."),
+            .meaning("Columns with names of image files, for the pictures whose targets contain "
+                     "%NAME%."),
     };
     return table;
 }

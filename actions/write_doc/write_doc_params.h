@@ -1,4 +1,3 @@
-// writers/write_doc_params.h
 // The parameters of writeDoc.
 #pragma once
 #include "corvanta/param_table.h"

@@ -4,32 +4,32 @@ namespace corvanta {
 
 namespace {
 
-std::vector<DocTable> tablesFromXml(const XMLNode &action)
+const ParamTable<DocTable> &docTableTable()
 {
-    std::vector<DocTable> tables;
-    int at = 0;
-    for (XMLNode v = action.getChildNode("v", &at); !v.isEmpty();
-         v = action.getChildNode("v", &at)) {
-        const DocTable start = defaultDocTable(static_cast<int>(tables.size()));
-        tables.push_back({xmltoa(v.getAttribute("markerName"), start.markerName),
-                          xmltoa(v.getAttribute("colWidths"), start.colWidths),
-                          xmltoa(v.getAttribute("styleID"), start.styleID),
-                          xmltob(v.getAttribute("includeHeaders"), start.includeHeaders) != 0});
-    }
-    return tables.empty() ? WriteDocTableParams().tables : tables;
+    static const ParamTable<DocTable> table{
+        text("markerName", &DocTable::markerName)
+            .always()
+            .label("Marker")
+            .meaning("Name of the marker in the template, without its percent signs."),
+        text("colWidths", &DocTable::colWidths)
+            .always()
+            .label("Column widths")
+            .meaning("Comma-separated widths of the columns, in twentieths of a point."),
+        text("styleID", &DocTable::styleID)
+            .always()
+            .label("Style")
+            .meaning("Identifier of the Word table style."),
+        flag("includeHeaders", &DocTable::includeHeaders)
+            .label("Write the column names")
+            .meaning("Writes a header row with the column names."),
+    };
+    return table;
 }
 
-void saveTables(const std::vector<DocTable> &tables, std::wostream &out)
+void completeTables(std::vector<DocTable> &tables, const XMLNode &)
 {
-    if (tables == WriteDocTableParams().tables) {
-        return;
-    }
-    ToXMLStringTool tool;
-    for (const DocTable &table : tables) {
-        out << L"  <v markerName='" << tool.toXML(table.markerName) << L'\'';
-        out << L" colWidths='" << tool.toXML(table.colWidths) << L'\'';
-        out << L" styleID='" << tool.toXML(table.styleID) << L'\'';
-        out << (table.includeHeaders ? L" includeHeaders='1'/>\n" : L"/>\n");
+    if (tables.empty()) {
+        tables = WriteDocTableParams().tables;
     }
 }
 
@@ -58,7 +58,7 @@ const ParamTable<WriteDocTableParams> &writeDocTableParamTable()
         flag("processLF", &P::processLF)
             .label("\\n becomes a line break")
             .meaning("The two characters backslash and n in a cell become a line break."),
-        structure("v", &P::tables, tablesFromXml, saveTables)
+        children("v", &P::tables, docTableTable(), {defaultDocTable, completeTables})
             .label("Tables")
             .meaning("One v (markerName, colWidths in twentieths of a point, styleID, "
                      "includeHeaders) per input pin."),

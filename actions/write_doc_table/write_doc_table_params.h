@@ -1,7 +1,6 @@
-// writers/write_doc_table_params.h
 // The parameters of writeDocTable.
 #pragma once
-#include "corvanta/param_table.h"
+#include "corvanta/param_children.h"
 
 #include <vector>
 

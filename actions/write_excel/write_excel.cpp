@@ -52,7 +52,8 @@ void ActionWriteExcel::start()
     if (!setFloatFormat() || !setCompression()) {
         return;
     }
-    const QLocale locale = m_params.dateFormatType == 0 ? QLocale::c() : QLocale::system();
+    const QLocale locale =
+        m_params.dateFormatType == DateInput::Own ? QLocale::c() : QLocale::system();
     m_run->dates = std::make_unique<sheet::DateParser>(qtDateFormat(), locale, m_params.excelHack);
 }
 
@@ -86,19 +87,19 @@ QString ActionWriteExcel::qtDateFormat() const
 {
     const QLocale system = QLocale::system();
     switch (m_params.dateFormatType) {
-    case 0:
+    case DateInput::Own:
         return expandString(m_params.dateFormat);
-    case 1:
+    case DateInput::SystemShortDate:
         return system.dateFormat(QLocale::ShortFormat);
-    case 2:
+    case DateInput::SystemLongDate:
         return system.dateFormat(QLocale::LongFormat);
-    case 3:
+    case DateInput::SystemShortTime:
         return system.timeFormat(QLocale::ShortFormat);
-    case 4:
+    case DateInput::SystemLongTime:
         return system.timeFormat(QLocale::LongFormat);
-    case 5:
+    case DateInput::SystemShortDateTime:
         return system.dateTimeFormat(QLocale::ShortFormat);
-    case 6:
+    case DateInput::SystemLongDateTime:
         return system.dateTimeFormat(QLocale::LongFormat);
     default:
         return {};

@@ -76,7 +76,18 @@ private:
     bool failWorkbook(const Fault<opc::Error> &fault);
 
     // The replacement of the destination, in write_excel_target.cpp.
-    bool updatesInPlace() const { return m_params.mode == 1 || m_params.mode == 2; }
+    bool isUpdate() const
+    {
+        return m_params.mode > WorkbookMode::Create &&
+               m_params.mode <= WorkbookMode::CopyAndChangeSheet;
+    }
+    bool updatesInPlace() const
+    {
+        return m_params.mode == WorkbookMode::AddSheet ||
+               m_params.mode == WorkbookMode::ChangeSheet;
+    }
+    /// The number by which the codec knows the format of date cells.
+    int dateFormat() const { return static_cast<int>(m_params.dateFormatExcel); }
     bool commit();
     void swapNothing();
     bool swap(const QString &temporary, const QString &target);

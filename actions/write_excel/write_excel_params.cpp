@@ -16,15 +16,17 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
 {
     using P = WriteExcelParams;
     static const ParamTable<P> table{
-        number("mode", &P::mode)
+        choice(
+            "mode", &P::mode,
+            {{WorkbookMode::Create, "Create a new Excel File (or overwrite an existing file)"},
+             {WorkbookMode::AddSheet, "Update an existing File by adding a new Sheet"},
+             {WorkbookMode::ChangeSheet, "Update an existing File by changing an existing Sheet"},
+             {WorkbookMode::CopyAndAddSheet, "Copy and update the duplicate by adding a new Sheet"},
+             {WorkbookMode::CopyAndChangeSheet,
+              "Copy and update the duplicate by changing an existing Sheet"}})
             .label("What to do")
-            .choices({"Create a new Excel File (or overwrite an existing file)",
-                      "Update an existing File by adding a new Sheet",
-                      "Update an existing File by changing an existing Sheet",
-                      "Copy and update the duplicate by adding a new Sheet",
-                      "Copy and update the duplicate by changing an existing Sheet"})
-            .meaning("Whether a new workbook is made, or an existing one is updated in place or "
-                     "into a copy."),
+            .meaning("Whether a new workbook is written, or an existing one is updated in place or "
+                     "as a copy."),
         text("fileNameSource", &P::fileNameSource)
             .inputFile()
             .label("Workbook to copy")
@@ -33,21 +35,13 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
             .outputFile()
             .label("Workbook to write")
             .meaning("Workbook that is written; modes 1 and 2 read it first."),
-        number("sheetMode", &P::sheetMode)
-            .choices({"by number", "by name"})
-            .label("Select the sheet")
-            .meaning("How modes 2 and 4 find the sheet to change: by sheetIdx or by sheetName. Any "
-                     "other value adds a sheet."),
-        text("sheetIdx", &P::sheetIdx)
-            .label("Sheet number")
-            .meaning("Number of the sheet, from 1."),
-        text("sheetName", &P::sheetName)
-            .label("Sheet name")
-            .meaning("Name of the new sheet or of the sheet to change."),
+        shared::sheetSelection<P>("How modes 2 and 4 find the sheet to change: by sheetIdx or by "
+                                  "sheetName. Any other value adds a sheet.",
+                                  "Name of the new sheet or of the sheet to change."),
         text("startRow", &P::startRow)
             .label("Overwrite sheet content starting at row:\n(use \"0\" to append rows at the end "
                    "of the sheet)")
-            .meaning("First row that modes 2 and 4 overwrite; 0 appends behind the last row."),
+            .meaning("First row that modes 2 and 4 overwrite; 0 appends after the last row."),
         text("namedRange", &P::namedRange)
             .label("Defined name")
             .meaning("Name given to the cells that are written; empty for none."),
@@ -74,21 +68,21 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
                      "texts nan, inf and -inf."),
         flag("useComma", &P::useComma)
             .label("Decimal comma")
-            .meaning("Kept with the graph; has no effect on the cells."),
+            .meaning("Saved with the graph; has no effect on the cells."),
         flag<P>("createDir", &P::createDir)
             .label("Create the folder of the workbook")
             .meaning("Creates missing folders of a new workbook."),
         flag("alwaysWrite", &P::alwaysWrite)
-            .label("Write a workbook also without rows")
-            .meaning("Writes the sheet with its header row also when there is no row."),
+            .label("Write a workbook even without rows")
+            .meaning("Writes the sheet with its header row even when there is no row."),
         flag("equalisFormula", &P::equalisFormula)
             .label("Texts that start with \"=\" are formulas")
             .meaning(
                 "Text cells that start with \"=\" are written as formulas, in all text columns."),
         flag("runExcel", &P::runExcel)
-            .label("Let the spreadsheet application recompute and save the workbook")
-            .meaning("Opens and saves the written workbook with the spreadsheet application that "
-                     "is installed."),
+            .label("Recompute and save the workbook with the spreadsheet application")
+            .meaning(
+                "Opens and saves the written workbook with the installed spreadsheet application."),
         flag("excelHack", &P::excelHack)
             .label("Dates before March 1900 as the spreadsheet counts them")
             .meaning("Date serials below 61 are decreased by one. Default off in graphs saved "
@@ -98,28 +92,42 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
             .meaning(
                 "Text cells of the form URL(\"label\",\"url\") or URL(\"url\") become hyperlinks."),
         flag("crop", &P::crop)
-            .label("Cut cells below 32768 characters")
-            .meaning(
-                "Cuts cells below 32768 characters. Off: they are written whole, with a warning."),
-        number("dateFormatType", &P::dateFormatType)
-            .choices({"own format", "system short date", "system long date", "system short time",
-                      "system long time", "system short date and time",
-                      "system long date and time"})
+            .label("Truncate cells to fewer than 32768 characters")
+            .meaning("Truncates longer cells to fewer than 32768 characters. Off: they are written "
+                     "whole, "
+                     "with a warning."),
+        choice("dateFormatType", &P::dateFormatType,
+               {{DateInput::Own, "own format"},
+                {DateInput::SystemShortDate, "system short date"},
+                {DateInput::SystemLongDate, "system long date"},
+                {DateInput::SystemShortTime, "system short time"},
+                {DateInput::SystemLongTime, "system long time"},
+                {DateInput::SystemShortDateTime, "system short date and time"},
+                {DateInput::SystemLongDateTime, "system long date and time"}})
             .label("Format of the dates in the table")
             .meaning("How the texts of the ToDate columns are read."),
         text("dateFormat", &P::dateFormat)
             .label("Own date format")
             .meaning("Format of the dates, for example yyyy-MM-dd or dd/MM/yyyy hh:mm:ss."),
-        number("dateFormatExcel", &P::dateFormatExcel)
-            .choices({"yyyy-MM-dd", "yyyy-MM-dd h:mm", "yyyy-MM-dd h:mm:ss",
-                      "system date and time, short", "system date, short", "d-MMM-yy", "d-MMM",
-                      "MMM-yy", "h:mm AM/PM", "h:mm:ss AM/PM", "h:mm", "h:mm:ss"})
+        choice("dateFormatExcel", &P::dateFormatExcel,
+               {{DateDisplay::Date, "yyyy-MM-dd"},
+                {DateDisplay::DateMinutes, "yyyy-MM-dd h:mm"},
+                {DateDisplay::DateSeconds, "yyyy-MM-dd h:mm:ss"},
+                {DateDisplay::SystemDateTime, "system date and time, short"},
+                {DateDisplay::SystemDate, "system date, short"},
+                {DateDisplay::DayMonthYear, "d-MMM-yy"},
+                {DateDisplay::DayMonth, "d-MMM"},
+                {DateDisplay::MonthYear, "MMM-yy"},
+                {DateDisplay::Minutes12, "h:mm AM/PM"},
+                {DateDisplay::Seconds12, "h:mm:ss AM/PM"},
+                {DateDisplay::Minutes24, "h:mm"},
+                {DateDisplay::Seconds24, "h:mm:ss"}})
             .label("Display of date cells")
             .meaning("Number format of the date cells in the sheet."),
         shared::testCol<P>(),
         shared::testValue<P>(),
         shared::writeAllRows<P>(),
-        shared::columnsToWrite<P>("ToWrite", &P::toWrite),
+        shared::columnsToWrite<P>("ToWrite"),
         strings("ToDate", &P::toDate)
             .label("Date columns")
             .meaning("Text columns that are written as dates."),

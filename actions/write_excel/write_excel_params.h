@@ -1,17 +1,46 @@
-// writers/write_excel_params.h
 // The parameters of writeExcel.
 #pragma once
 #include "actions/shared/row_writer.h"
-#include "corvanta/param_table.h"
+#include "actions/shared/sheet_selection.h"
 
 namespace corvanta {
 
+/// What is written. Any other number means a new workbook.
+enum class WorkbookMode { Create, AddSheet, ChangeSheet, CopyAndAddSheet, CopyAndChangeSheet };
+
+/// Format in which dates are read from text cells.
+enum class DateInput {
+    Own,
+    SystemShortDate,
+    SystemLongDate,
+    SystemShortTime,
+    SystemLongTime,
+    SystemShortDateTime,
+    SystemLongDateTime
+};
+
+/// Number format of date cells in the sheet.
+enum class DateDisplay {
+    Date,
+    DateMinutes,
+    DateSeconds,
+    SystemDateTime,
+    SystemDate,
+    DayMonthYear,
+    DayMonth,
+    MonthYear,
+    Minutes12,
+    Seconds12,
+    Minutes24,
+    Seconds24
+};
+
 struct WriteExcelParams : RowWriterParams
 {
-    int mode = 0;
+    WorkbookMode mode = WorkbookMode::Create;
     QString fileNameSource;
     QString fileNameDestination;
-    int sheetMode = 1;
+    SheetSelection sheetMode = SheetSelection::ByName;
     QString sheetIdx = QStringLiteral("1");
     QString sheetName = QStringLiteral("Sheet1");
     QString startRow = QStringLiteral("1");
@@ -29,9 +58,9 @@ struct WriteExcelParams : RowWriterParams
     bool excelHack = true;
     bool urlTag = false;
     bool crop = false;
-    int dateFormatType = 0;
+    DateInput dateFormatType = DateInput::Own;
     QString dateFormat;
-    int dateFormatExcel = 0;
+    DateDisplay dateFormatExcel = DateDisplay::Date;
     QStringList toDate;
     QStringList toFormula;
 };

@@ -15,8 +15,6 @@ namespace corvanta {
 
 namespace {
 
-constexpr int kSheetByNumber = 0;
-constexpr int kSheetByName = 1;
 constexpr qint64 kMaxStartRow = 0x7FFFFFFF;
 
 /// The start row in a text; kAppend for a text that is not a number, or a number below 1.
@@ -31,7 +29,7 @@ quint64 startRowOf(const QString &text)
 
 bool ActionWriteExcel::openWorkbook()
 {
-    if (m_params.mode < 1 || m_params.mode > 4) {
+    if (!isUpdate()) {
         return openNewWorkbook();
     }
     m_run->source = updatesInPlace() ? fileName() : expandFile(m_params.fileNameSource);
@@ -65,7 +63,7 @@ bool ActionWriteExcel::openNewWorkbook()
             u"Warning: the sheet name '%1' of the Excel file '%2' contains '<': the workbook may not open.\n"_s
                 .arg(name, fileName()));
     }
-    m_run->workbook = std::make_unique<xlsx::NewWorkbook>(name, m_params.dateFormatExcel);
+    m_run->workbook = std::make_unique<xlsx::NewWorkbook>(name, dateFormat());
     return true;
 }
 
@@ -127,11 +125,12 @@ bool ActionWriteExcel::failWorkbook(const Fault<opc::Error> &fault)
 
 bool ActionWriteExcel::chooseSheet(xlsx::UpdatedWorkbook &workbook)
 {
-    const bool changes = m_params.mode == 2 || m_params.mode == 4;
-    if (changes && m_params.sheetMode == kSheetByNumber) {
+    const bool changes = m_params.mode == WorkbookMode::ChangeSheet ||
+                         m_params.mode == WorkbookMode::CopyAndChangeSheet;
+    if (changes && m_params.sheetMode == SheetSelection::ByNumber) {
         return chooseByNumber(workbook);
     }
-    if (changes && m_params.sheetMode == kSheetByName) {
+    if (changes && m_params.sheetMode == SheetSelection::ByName) {
         return chooseByName(workbook);
     }
     addSheet(workbook);
@@ -188,7 +187,7 @@ bool ActionWriteExcel::chooseByName(xlsx::UpdatedWorkbook &workbook)
 
 void ActionWriteExcel::addCellFormats(xlsx::UpdatedWorkbook &workbook)
 {
-    switch (workbook.addCellFormats(m_params.dateFormatExcel)) {
+    switch (workbook.addCellFormats(dateFormat())) {
     case xlsx::UpdatedWorkbook::CellFormats::Added:
         break;
     case xlsx::UpdatedWorkbook::CellFormats::NotAdded:

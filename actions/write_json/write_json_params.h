@@ -1,4 +1,3 @@
-// writers/write_json_params.h
 // The parameters of writeJSON.
 #pragma once
 #include "actions/shared/level_writer_params.h"

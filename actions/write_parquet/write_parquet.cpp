@@ -13,7 +13,6 @@ namespace corvanta {
 namespace {
 
 constexpr double kBytesPerMiB = 1048576;
-constexpr int kSplitByValue = 1;
 
 /// Threads that compress pages, in addition to the action's own.
 int workerCount()
@@ -149,7 +148,7 @@ bool ActionWriteParquet::findSplitColumn(const OneRow &columns)
 
 bool ActionWriteParquet::begin(const OneRow &columns)
 {
-    const bool splitsByValue = m_params.split == kSplitByValue;
+    const bool splitsByValue = m_params.split == SplitMode::ByValue;
     if (!findInputs(columns) || (splitsByValue && !findSplitColumn(columns))) {
         return false;
     }
@@ -233,8 +232,9 @@ bool ActionWriteParquet::chooseOutput(const OneRow &row)
 
 bool ActionWriteParquet::isSegmentFull() const
 {
-    return m_params.split != 0 && static_cast<double>(m_run->output->writer->bytesWritten()) >
-                                      m_params.segmentSize * kBytesPerMiB;
+    return m_params.split != SplitMode::None &&
+           static_cast<double>(m_run->output->writer->bytesWritten()) >
+               m_params.segmentSize * kBytesPerMiB;
 }
 
 bool ActionWriteParquet::writeRow(const OneRow &row)

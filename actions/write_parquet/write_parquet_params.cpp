@@ -18,10 +18,12 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .always()
             .label("Row group size")
             .meaning("Size of a row group, in MiB."),
-        number("keyStorage", &P::keyStorage)
+        choice("keyStorage", &P::keyStorage,
+               {{KeyStorage::Unsigned32, "32-bit integer marked as unsigned"},
+                {KeyStorage::Signed32, "32-bit integer"},
+                {KeyStorage::Signed64, "64-bit integer"}})
             .range(0, 2)
             .always()
-            .choices({"32-bit integer marked as unsigned", "32-bit integer", "64-bit integer"})
             .label("Storage of keys")
             .meaning("Physical type of the columns of whole numbers."),
         shared::writeAllColumns<P>(
@@ -29,26 +31,32 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
         shared::checkNameCollision<P>(),
         shared::createDir<P>(),
         shared::writeAllRows<P>(),
-        number("split", &P::split)
+        choice("split", &P::split,
+               {{SplitMode::None, "one file"},
+                {SplitMode::ByValue, "one file per value of splitVar"},
+                {SplitMode::BySize, "a new file after every segment"}})
             .always()
             .range(0, 2)
-            .choices(
-                {"one file", "one file per value of splitVar", "a new file after every segment"})
             .label("Split")
-            .meaning("Whether the table goes into one file or several."),
+            .meaning("Whether the table is written to one file or several."),
         real("segmentSize", &P::segmentSize)
             .always()
             .label("Segment size")
-            .meaning("MiB after which a split table goes on in a new file."),
+            .meaning("Size in MiB after which a split table continues in a new file."),
         text("splitVar", &P::splitVar)
             .always()
             .label("Split column")
             .meaning("Column whose value selects the file. Best when the table is sorted on it."),
         shared::testCol<P>().always(),
         shared::testValue<P>().always(),
-        number("codec", &P::codec)
+        choice("codec", &P::codec,
+               {{PageCodec::Snappy, "Snappy"},
+                {PageCodec::None, "none"},
+                {PageCodec::Gzip, "gzip"},
+                {PageCodec::Zstandard, "Zstandard"},
+                {PageCodec::Lz4, "LZ4"},
+                {PageCodec::Brotli, "Brotli"}})
             .range(0, 5)
-            .choices({"Snappy", "none", "gzip", "Zstandard", "LZ4", "Brotli"})
             .label("Compression")
             .meaning("Codec of the pages."),
         flag("dictionaryPages", &P::dictionaryPages)
@@ -63,7 +71,7 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .always()
             .label("File")
             .meaning("Parquet file to write."),
-        shared::columnsToWrite<P>("ToWrite", &P::toWrite),
+        shared::columnsToWrite<P>("ToWrite"),
     };
     return table;
 }

@@ -1,4 +1,3 @@
-// writers/write_parquet_params.h
 // The parameters of writeParquet.
 #pragma once
 #include "actions/shared/row_writer.h"
@@ -6,14 +5,23 @@
 
 namespace corvanta {
 
+/// Physical type of key columns.
+enum class KeyStorage { Unsigned32, Signed32, Signed64 };
+
+/// How a table is split into files.
+enum class SplitMode { None, ByValue, BySize };
+
+/// Codec of pages.
+enum class PageCodec { Snappy, None, Gzip, Zstandard, Lz4, Brotli };
+
 struct WriteParquetParams : RowWriterParams
 {
     int pageSize = 64;
     int rowGroupSize = 50;
-    int keyStorage = 2;
-    int split = 0;
+    KeyStorage keyStorage = KeyStorage::Signed64;
+    SplitMode split = SplitMode::None;
     double segmentSize = 100;
-    int codec = 0;
+    PageCodec codec = PageCodec::Snappy;
     bool dictionaryPages = false;
     bool statistics = false;
     QString splitVar;

@@ -6,52 +6,72 @@ namespace corvanta {
 
 namespace {
 
-std::vector<ReportChart> chartsFromXml(const XMLNode &action)
+const ParamTable<ChartAxis> &axisTable()
 {
-    std::vector<ReportChart> charts;
-    int at = 0;
-    for (XMLNode node = action.getChildNode("Chart", &at); !node.isEmpty();
-         node = action.getChildNode("Chart", &at)) {
-        ReportChart chart{qBound(0, xmltoi(node.getAttribute("type"), 0), kChartTypeCount - 1),
-                          xmltoa(node.getAttribute("name"), {}),
-                          {}};
-        int axisAt = 0;
-        for (XMLNode axis = node.getChildNode("axis", &axisAt); !axis.isEmpty();
-             axis = node.getChildNode("axis", &axisAt)) {
-            chart.axes.push_back({xmltoi(axis.getAttribute("pinIdx"), 0), axis.text()});
-        }
-        charts.push_back(std::move(chart));
-    }
-    return charts;
+    static const ParamTable<ChartAxis> table{
+        number("pinIdx", &ChartAxis::pinIdx)
+            .always()
+            .label("Input pin")
+            .meaning("Number of the input pin with the data, from 0."),
+        content("column", &ChartAxis::column)
+            .label("Column")
+            .meaning("Name of the column with the data."),
+    };
+    return table;
 }
 
-void saveCharts(const std::vector<ReportChart> &charts, std::wostream &out)
+const ParamTable<ReportChart> &chartTable()
 {
-    ToXMLStringTool tool;
-    for (const ReportChart &chart : charts) {
-        out << L"  <Chart type='" << chart.type << L"' name='" << tool.toXML(chart.name) << L"'>\n";
-        const size_t axes =
-            std::min(chart.axes.size(), static_cast<size_t>(chartAxisCount(chart.type)));
-        for (size_t i = 0; i < axes; ++i) {
-            out << L"    <axis pinIdx='" << chart.axes[i].pinIdx << L"'>"
-                << tool.toXML(chart.axes[i].column) << L"</axis>\n";
-        }
-        out << L"  </Chart>\n";
+    static const ParamTable<ReportChart> table{
+        choice("type", &ReportChart::type,
+               {{ChartType::Bar, "bar"},
+                {ChartType::Bar3D, "3D bar"},
+                {ChartType::Line, "line"},
+                {ChartType::Line3D, "3D line"},
+                {ChartType::Pie, "pie"},
+                {ChartType::OfPie, "pie of pie"},
+                {ChartType::Pie3D, "3D pie"},
+                {ChartType::Area, "area"},
+                {ChartType::Area3D, "3D area"},
+                {ChartType::Scatter, "scatter"},
+                {ChartType::Stock, "stock"},
+                {ChartType::Surface3D, "3D surface"},
+                {ChartType::Doughnut, "doughnut"},
+                {ChartType::Bubble, "bubble"},
+                {ChartType::Radar, "radar"}})
+            .range(0, static_cast<int>(ChartType::Radar))
+            .always()
+            .label("Type")
+            .meaning("Type of the chart."),
+        text("name", &ReportChart::name)
+            .always()
+            .label("Tag")
+            .meaning("Reference of the tag [[KOBData reference]] in the template."),
+        children("axis", &ReportChart::axes, axisTable())
+            .label("Axes")
+            .meaning("Data of the categories, the values, the bubble sizes, and the plus and minus "
+                     "error bars, as far as the type has them."),
+    };
+    return table;
+}
+
+void completeCharts(std::vector<ReportChart> &charts, const XMLNode &)
+{
+    for (ReportChart &chart : charts) {
+        const auto axes = static_cast<size_t>(chartAxisCount(chart.type));
+        chart.axes.resize(std::min(chart.axes.size(), axes));
     }
 }
 
 } // namespace
 
-int chartAxisCount(int type)
+int chartAxisCount(ChartType type)
 {
-    constexpr int kBar = 0;
-    constexpr int kLine = 2;
-    constexpr int kBubble = 13;
     switch (type) {
-    case kBar:
-    case kLine:
-        return 4; // with plus and minus
-    case kBubble:
+    case ChartType::Bar:
+    case ChartType::Line:
+        return 4; // with plus and minus error bars
+    case ChartType::Bubble:
         return 3; // with sizes
     default:
         return 2;
@@ -66,7 +86,7 @@ const ParamTable<WriteReportParams> &writeReportParamTable()
             .range(1, 1000)
             .always()
             .label("Number of input pins")
-            .meaning("Tables that feed the charts."),
+            .meaning("Number of tables that supply data for the charts."),
         text("output", &P::output)
             .outputFile()
             .always()
@@ -76,13 +96,13 @@ const ParamTable<WriteReportParams> &writeReportParamTable()
             .inputFile()
             .always()
             .label("Template")
-            .meaning("Document with the charts; a name that starts with > is one of the templates "
-                     "that come along."),
-        structure("Chart", &P::charts, chartsFromXml, saveCharts)
+            .meaning("Document with the charts; a name that starts with > is one of the included "
+                     "templates."),
+        children("Chart", &P::charts, chartTable(), {nullptr, completeCharts})
             .label("Charts")
-            .meaning("One Chart (type, name of its [[KOBData name]] tag) per series, with one axis "
-                     "(pinIdx and a column name) for the categories, the values and what else the "
-                     "type has."),
+            .meaning("One Chart (type, and name of its [[KOBData name]] tag) per series, with one "
+                     "axis (pinIdx and a column name) each for the categories, the values and the "
+                     "other data of the type."),
     };
     return table;
 }

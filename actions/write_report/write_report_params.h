@@ -1,7 +1,6 @@
-// writers/write_report_params.h
 // The parameters of writeReport.
 #pragma once
-#include "corvanta/param_table.h"
+#include "corvanta/param_children.h"
 
 #include <vector>
 
@@ -15,19 +14,37 @@ struct ChartAxis
     bool operator==(const ChartAxis &) const = default;
 };
 
+/// The element of a chart that encloses its series.
+enum class ChartType {
+    Bar,
+    Bar3D,
+    Line,
+    Line3D,
+    Pie,
+    OfPie,
+    Pie3D,
+    Area,
+    Area3D,
+    Scatter,
+    Stock,
+    Surface3D,
+    Doughnut,
+    Bubble,
+    Radar
+};
+
+/// How many axes charts of a type use data for.
+int chartAxisCount(ChartType type);
+
 /// The data of one series, a `Chart` element.
 struct ReportChart
 {
-    int type = 0; ///< row of the table of chart types
+    ChartType type = ChartType::Bar;
     QString name; ///< reference of the tag in the template
-    std::vector<ChartAxis>
-        axes; ///< categories, values, sizes, plus and minus: as far as the type has them
+    /// Categories, values, bubble sizes, plus and minus error bars, as far as the type has them.
+    std::vector<ChartAxis> axes;
     bool operator==(const ReportChart &) const = default;
 };
-
-inline constexpr int kChartTypeCount = 15;
-/// How many axes charts of a type take data for.
-int chartAxisCount(int type);
 
 struct WriteReportParams
 {

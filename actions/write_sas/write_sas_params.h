@@ -1,24 +1,21 @@
-// writers/write_sas_params.h
 // The parameters of writeSAS.
 #pragma once
-#include "actions/shared/row_filter.h"
-#include "actions/shared/string_columns.h"
-#include "corvanta/param_table.h"
+#include "actions/shared/data_set_params.h"
 
 namespace corvanta {
 
-struct WriteSasParams : RowFilterParams
+/// Names of the variables in the data set.
+enum class VariableNames { Truncated, Whole, Numbered };
+
+/// What happens to a text that is wider than its column.
+enum class WideText { Truncate, Abort };
+
+struct WriteSasParams : DataSetParams
 {
-    QString fileName;
-    int columnNameMode = 0;
-    int stringStorage = 0;
+    VariableNames columnNameMode = VariableNames::Truncated;
+    WideText stringStorage = WideText::Truncate;
     double f1 = 1;
     int f2 = 0;
-    bool writeAllColumns = true;
-    bool createDir = false;
-    bool checkNameCollision = true;
-    QStringList colWrite;
-    std::vector<StringColumn> stringColumns;
 };
 
 const ParamTable<WriteSasParams> &writeSasParamTable();

@@ -8,9 +8,6 @@ namespace corvanta {
 
 namespace {
 
-/// Values of charMode.
-enum CharMode { Utf8WithMark = 0, Utf8 = 1, Utf16WithMark = 2, Utf16 = 3 };
-
 constexpr int kMaxIndent = 1000;
 
 } // namespace
@@ -93,8 +90,10 @@ compose::ValueRules ActionWriteXML::valueRules() const
 
 FileFrame ActionWriteXML::frame() const
 {
-    const bool isWide = m_params.charMode == Utf16WithMark || m_params.charMode == Utf16;
-    const bool hasMark = m_params.charMode == Utf8WithMark || m_params.charMode == Utf16WithMark;
+    const bool isWide =
+        m_params.charMode == CharMode::Utf16WithMark || m_params.charMode == CharMode::Utf16;
+    const bool hasMark =
+        m_params.charMode == CharMode::Utf8WithMark || m_params.charMode == CharMode::Utf16WithMark;
     std::u16string head = hasMark ? u"\uFEFF" : u"";
     head += isWide ? u"<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n"
                    : u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";

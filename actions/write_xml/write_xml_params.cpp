@@ -8,16 +8,16 @@ const ParamTable<WriteXmlParams> &writeXmlParamTable()
     static const ParamTable<P> table{
         text<P>("fileName", &P::fileName).outputFile().label("File").meaning("XML file to write."),
         shared::fileMode<P>(),
-        number("charMode", &P::charMode)
-            .choices({"UTF-8 with byte-order mark", "UTF-8", "UTF-16LE with byte-order mark",
-                      "UTF-16LE"})
+        choice("charMode", &P::charMode,
+               {{CharMode::Utf8WithMark, "UTF-8 with byte-order mark"},
+                {CharMode::Utf8, "UTF-8"},
+                {CharMode::Utf16WithMark, "UTF-16LE with byte-order mark"},
+                {CharMode::Utf16, "UTF-16LE"}})
             .label("Encoding")
             .meaning("Encoding of the file."),
         shared::checkNameCollision<P>(),
         shared::createDir<P>(),
-        shared::writeAllRows<P>(),
-        shared::testCol<P>(),
-        shared::testValue<P>(),
+        shared::rowFilter<P>(),
         flag("useComma", &P::useComma)
             .label("Decimal comma")
             .meaning("Writes a decimal comma instead of the decimal point."),
@@ -25,25 +25,17 @@ const ParamTable<WriteXmlParams> &writeXmlParamTable()
             .label("Indent the elements")
             .meaning("Writes indented elements, one per line."),
         flag("wellFormed", &P::wellFormed)
-            .label("Well-formed whatever the cells hold")
-            .meaning(
-                "Escapes all that parsers would refuse or change, puts U+FFFD for characters that "
-                "XML "
-                "does not know, and makes names of elements and attributes valid and distinct."),
+            .label("Well-formed for all cells")
+            .meaning("Escapes what parsers would reject or change, writes U+FFFD for characters "
+                     "that are not allowed in XML, and makes names of elements and attributes "
+                     "valid and distinct."),
         text("indentStart", &P::indentStart)
             .label("Indent of the outermost level")
-            .meaning(
-                "Blanks in front of an element of the first level; each level below has two more."),
-        shared::nullString<P>("write the null form", "write an empty value"),
-        shared::nullNumber<P>("write the null form"),
-        shared::nan<P>("write the null form"),
-        shared::floatToString<P>(),
+            .meaning("Number of spaces before an element of the first level; each level below has "
+                     "two more."),
+        shared::valueForms<P>("write the null form", "write an empty value"),
         shared::alwaysWrite<P>(),
-        shared::writeAllColumnsWithoutLevels<P>(),
-        shared::prefix<P>(),
-        shared::suffix<P>(),
-        shared::columnsToWrite<P>("ToWrite", &P::toWrite),
-        writeLevels<P>(&P::levels),
+        shared::fileContent<P>(),
     };
     return table;
 }

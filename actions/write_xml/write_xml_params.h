@@ -1,13 +1,15 @@
-// writers/write_xml_params.h
 // The parameters of writeXML.
 #pragma once
 #include "actions/shared/level_writer_params.h"
 
 namespace corvanta {
 
+/// Encoding of the file, with or without a byte-order mark. Any other number means UTF-8.
+enum class CharMode { Utf8WithMark, Utf8, Utf16WithMark, Utf16 };
+
 struct WriteXmlParams : LevelWriterParams
 {
-    int charMode = 0;
+    CharMode charMode = CharMode::Utf8WithMark;
     bool useComma = false;
     bool humanReadable = false;
     bool wellFormed = false;

@@ -3,59 +3,13 @@
 #include "corvanta/help.h"
 #include "corvanta/icons.h"
 
-#include <QMutex>
 #include <QPixmap>
 
-#include <algorithm>
 #include <map>
 #include <mutex>
 #include <string>
 
 using namespace Qt::StringLiterals;
-
-ActionParameters::~ActionParameters() = default;
-
-int ActionParameters::indexOfParameter(const QString &name) const
-{
-    const QVector<ParameterInfo> all = parameters();
-    const auto found = std::find_if(all.begin(), all.end(),
-                                    [&](const ParameterInfo &info) { return info.name == name; });
-    return found == all.end() ? -1 : static_cast<int>(found - all.begin());
-}
-
-QVector<InputTable> ActionParameters::inputTables()
-{
-    return {};
-}
-
-bool ActionParameters::fillFromInput(int)
-{
-    return true;
-}
-
-std::span<const FileFormat> ActionParameters::fileFormats() const
-{
-    return {};
-}
-
-QString ActionParameters::typeName(ParameterInfo::Type type)
-{
-    switch (type) {
-    case ParameterInfo::Type::Text:
-        return u"text"_s;
-    case ParameterInfo::Type::Integer:
-        return u"integer"_s;
-    case ParameterInfo::Type::Real:
-        return u"real"_s;
-    case ParameterInfo::Type::Flag:
-        return u"flag"_s;
-    case ParameterInfo::Type::Strings:
-        return u"strings"_s;
-    case ParameterInfo::Type::Structure:
-        break;
-    }
-    return u"structure"_s;
-}
 
 namespace corvanta {
 

@@ -289,6 +289,42 @@ TEST(Parameters, PrototypesSaveWhatIsAlwaysSaved)
     }
 }
 
+/// Every attribute and child element of a saved form is one that the parameters declare.
+void expectDeclared(const XMLNode &node, const QVector<ParameterInfo> &infos)
+{
+    const KnownNames known = knownNames(infos);
+    for (const QString &name : node.attributeNames()) {
+        EXPECT_TRUE(known.attributes.contains(name) || name == "version"_L1) << name.toStdString();
+    }
+    for (int i = 0; i < node.nChildNode(); ++i) {
+        const XMLNode child = node.getChildNode(i);
+        EXPECT_TRUE(known.elements.contains(child.getName())) << child.getName().toStdString();
+        for (const ParameterInfo &info : infos) {
+            if (info.type != ParameterInfo::Type::Structure || info.name != child.getName()) {
+                continue;
+            }
+            const bool isWrapped = info.itemElement != info.name;
+            for (int item = 0; isWrapped && item < child.nChildNode(); ++item) {
+                EXPECT_EQ(child.getChildNode(item).getName(), info.itemElement);
+                expectDeclared(child.getChildNode(item), info.members);
+            }
+            if (!isWrapped) {
+                expectDeclared(child, info.members);
+            }
+        }
+    }
+}
+
+void expectDescribed(const QVector<ParameterInfo> &infos, const char *type)
+{
+    for (const ParameterInfo &info : infos) {
+        EXPECT_FALSE(info.meaning.isEmpty() || info.label.isEmpty())
+            << type << ' ' << info.name.toStdString();
+        EXPECT_EQ(info.members.isEmpty(), info.type != ParameterInfo::Type::Structure);
+        expectDescribed(info.members, type);
+    }
+}
+
 TEST(Parameters, EveryOneComesBackFromItsSavedForm)
 {
     // An example of each structure; all hold what must be escaped.
@@ -323,10 +359,10 @@ TEST(Parameters, EveryOneComesBackFromItsSavedForm)
                 << kRows[i].type << ' ' << info.name.toStdString();
             EXPECT_NE(parametersOf(action).parameterValue(p), before)
                 << kRows[i].type << ' ' << info.name.toStdString();
-            EXPECT_FALSE(info.meaning.isEmpty() || info.label.isEmpty())
-                << kRows[i].type << ' ' << info.name.toStdString();
         }
+        expectDescribed(infos, kRows[i].type);
         const std::string text = saved(*action);
+        expectDeclared(parsed(QByteArray::fromStdString(text)), infos);
         const Action copy = fromXml(QByteArray::fromStdString(text));
         for (int p = 0; p < infos.size(); ++p) {
             EXPECT_EQ(parametersOf(copy).parameterValue(p), parametersOf(action).parameterValue(p))

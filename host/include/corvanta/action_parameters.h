@@ -14,20 +14,40 @@ struct ParameterInfo
 {
     enum class Type { Text, Integer, Real, Flag, Strings, Structure };
     enum class File { None, Input, Output };
+    /// Where the value is in the saved form: an attribute, a child element, or the content of the
+    /// element itself.
+    enum class Place { Attribute, Element, Content };
 
-    QString name; ///< attribute or child element in the saved form
+    QString name; ///< of the attribute or child element
     Type type = Type::Text;
+    Place place = Place::Attribute;
     QString defaultValue; ///< as it would be saved
     QString label;        ///< short, for forms
     QString meaning;      ///< one or two sentences
-    QStringList
-        choices; ///< texts of the values 0, 1, 2, ... of an Integer; empty when it is a number
+    /// Texts of the values 0, 1, 2, ... of an Integer; empty when it is a number.
+    QStringList choices;
     File file = File::None;
     bool saveAlways = false;
     bool isMultiLine = false; ///< a Text that may hold line feeds
-    qint64 low = 0;           ///< least and greatest value of an Integer
-    qint64 high = 0;
+    qint64 low = 0;           ///< smallest value of an Integer
+    qint64 high = 0;          ///< greatest value of an Integer
+
+    // Of a Structure, which is a list of child elements:
+    QString itemElement; ///< name of each element; if it is not `name`, then inside `name`
+    QVector<ParameterInfo> members; ///< what each element holds
+    /// Without such an element, the element that should contain it is itself the only item.
+    bool hasInlineForm = false;
 };
+
+/// Names that an element may have inside.
+struct KnownNames
+{
+    QStringList attributes;
+    QStringList elements;
+};
+/// The names that the saved form of these parameters, or of these members, uses. Every saved action
+/// has the attribute `version` besides.
+CORVANTA_EXPORT KnownNames knownNames(const QVector<ParameterInfo> &infos);
 
 /// One of the tables that an input file offers.
 struct InputTable

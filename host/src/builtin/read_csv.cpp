@@ -66,7 +66,7 @@ const ParamTable<ReadCsvParams> &ActionReadCsv::paramTable()
             .inputFile()
             .always()
             .label("File")
-            .meaning("Text file to read, UTF-8; also packed as .gz or .Z."),
+            .meaning("Text file to read, UTF-8, or a compressed one (.gz, .Z)."),
         text("separator", &ReadCsvParams::separator)
             .label("Separator")
             .meaning("One ASCII character between two fields."),
@@ -77,7 +77,8 @@ const ParamTable<ReadCsvParams> &ActionReadCsv::paramTable()
                      "Columns without a letter are texts."),
         flag("header", &ReadCsvParams::header)
             .label("First line holds the column names")
-            .meaning("Without it the columns are named C1, C2, ..."),
+            .meaning(
+                "Reads the column names from the first line. Off: columns are named C1, C2, ..."),
         text("sortedOn", &ReadCsvParams::sortedOn)
             .label("Sorted on")
             .meaning(

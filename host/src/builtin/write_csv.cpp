@@ -42,7 +42,7 @@ const ParamTable<WriteCsvParams> &ActionWriteCsv::paramTable()
             .meaning("One ASCII character between two fields."),
         flag("header", &WriteCsvParams::header)
             .label("Write the column names in the first line")
-            .meaning("Header line."),
+            .meaning("Writes a header line with the column names."),
     };
     return table;
 }

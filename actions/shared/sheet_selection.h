@@ -1,0 +1,27 @@
+// How an action finds the sheet of a workbook that it reads or changes.
+#pragma once
+#include "corvanta/param_table.h"
+
+namespace corvanta {
+
+enum class SheetSelection { ByNumber, ByName };
+
+namespace shared {
+
+template <class P> ParamGroup<P> sheetSelection(const char *modeMeaning, const char *nameMeaning)
+{
+    return {
+        choice("sheetMode", &P::sheetMode,
+               {{SheetSelection::ByNumber, "by number"}, {SheetSelection::ByName, "by name"}})
+            .label("Select the sheet")
+            .meaning(modeMeaning),
+        text("sheetIdx", &P::sheetIdx)
+            .label("Sheet number")
+            .meaning("Number of the sheet, from 1."),
+        text("sheetName", &P::sheetName).label("Sheet name").meaning(nameMeaning),
+    };
+}
+
+} // namespace shared
+
+} // namespace corvanta

@@ -1,0 +1,158 @@
+// One line of a parameter table for a struct: a parameter, its name, member, label and meaning.
+// param_table.h shows a table.
+#pragma once
+#include "corvanta/param_line.h"
+
+#include <concepts>
+#include <initializer_list>
+#include <limits>
+#include <type_traits>
+
+namespace corvanta {
+
+/// One line of a table for the struct `P`.
+template <class P> class Param : public ParamLine
+{
+public:
+    using ParamLine::ParamLine;
+
+    Param &&label(const char *text) &&
+    {
+        m_info.label = QString::fromUtf8(text);
+        return std::move(*this);
+    }
+    Param &&meaning(const char *text) &&
+    {
+        m_info.meaning = QString::fromUtf8(text);
+        return std::move(*this);
+    }
+    /// The text is the name of a file, which is contracted when it is saved.
+    Param &&inputFile() &&
+    {
+        m_info.file = ParameterInfo::File::Input;
+        return std::move(*this);
+    }
+    Param &&outputFile() &&
+    {
+        m_info.file = ParameterInfo::File::Output;
+        return std::move(*this);
+    }
+    /// Save the value also when it equals the default.
+    Param &&always() &&
+    {
+        m_info.saveAlways = true;
+        return std::move(*this);
+    }
+    /// Bounds of an integer, inclusive. A number outside is read as the nearest bound.
+    Param &&range(qint64 low, qint64 high) &&
+    {
+        m_info.low = low;
+        m_info.high = high;
+        return std::move(*this);
+    }
+    /// Texts of the numbers 0, 1, 2, ... of an integer; see choice().
+    Param &&choices(const QStringList &texts) &&
+    {
+        m_info.choices = texts;
+        return std::move(*this);
+    }
+    Param &&at(ParameterInfo::Place place) &&
+    {
+        m_info.place = place;
+        return std::move(*this);
+    }
+    /// The child elements are inside an element of this name, which is also the parameter's name.
+    Param &&inside(const char *element) &&
+    {
+        m_wrapper = element;
+        m_info.name = QString::fromLatin1(element);
+        return std::move(*this);
+    }
+    /// Without such a child element, the parent is itself the only item; see ParameterInfo.
+    Param &&withInlineForm() &&
+    {
+        m_info.hasInlineForm = true;
+        return std::move(*this);
+    }
+    /// Indent of the child elements per depth, two blanks unless set.
+    Param &&indentedBy(const char *unit) &&
+    {
+        m_indentUnit = unit;
+        return std::move(*this);
+    }
+};
+
+/// Access to a member of `P` whose values are `V`s in a ParamValue.
+template <class V, class P, class T> ValueAccess accessTo(T P::*member)
+{
+    return {[member](const void *params) -> ParamValue {
+                return static_cast<V>(static_cast<const P *>(params)->*member);
+            },
+            [member](void *params, const ParamValue &value) {
+                static_cast<P *>(params)->*member = static_cast<T>(std::get<V>(value));
+            }};
+}
+
+template <class P> Param<P> text(const char *name, QString P::*member)
+{
+    return {name, ParameterInfo::Type::Text, accessTo<QString>(member)};
+}
+template <class P> Param<P> number(const char *name, int P::*member)
+{
+    return {name, ParameterInfo::Type::Integer, accessTo<qint64>(member)};
+}
+template <class P> Param<P> number(const char *name, qint64 P::*member)
+{
+    return Param<P>(name, ParameterInfo::Type::Integer, accessTo<qint64>(member))
+        .range(std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max());
+}
+template <class P> Param<P> real(const char *name, double P::*member)
+{
+    return {name, ParameterInfo::Type::Real, accessTo<double>(member)};
+}
+template <class P> Param<P> flag(const char *name, bool P::*member)
+{
+    return {name, ParameterInfo::Type::Flag, accessTo<bool>(member)};
+}
+/// A string list: one child element of that name.
+template <class P> Param<P> strings(const char *name, QStringList P::*member)
+{
+    return {name, ParameterInfo::Type::Strings, accessTo<QStringList>(member)};
+}
+/// A text that is the content of the child element of that name. An empty element is an empty text.
+template <class P> Param<P> elementText(const char *name, QString P::*member)
+{
+    return text(name, member).at(ParameterInfo::Place::Element);
+}
+
+/// A value of a choice, saved as its number, and its text.
+template <class E> struct Choice
+{
+    E value;
+    const char *text;
+};
+
+/// One of several values. The choices are the numbers 0, 1, 2, ... in order. Any other number is
+/// kept as it is, so that the action decides what it means; limit it with range().
+template <class P, class E>
+Param<P> choice(const char *name, E P::*member,
+                std::initializer_list<Choice<std::type_identity_t<E>>> choices)
+{
+    static_assert(std::is_same_v<std::underlying_type_t<E>, int>);
+    QStringList texts;
+    for (const Choice<E> &choice : choices) {
+        Q_ASSERT(static_cast<qsizetype>(choice.value) == texts.size());
+        texts << QString::fromUtf8(choice.text);
+    }
+    return Param<P>(name, ParameterInfo::Type::Integer, accessTo<qint64>(member)).choices(texts);
+}
+/// The same for a member of a base of `P`.
+template <class P, class Base, class E>
+requires(std::derived_from<P, Base> && !std::same_as<P, Base>) Param<P> choice(
+    const char *name, E Base::*member,
+    std::initializer_list<Choice<std::type_identity_t<E>>> choices)
+{
+    return choice(name, static_cast<E P::*>(member), choices);
+}
+
+} // namespace corvanta

@@ -1,0 +1,69 @@
+#include "corvanta/action_parameters.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+KnownNames knownNames(const QVector<ParameterInfo> &infos)
+{
+    KnownNames names;
+    for (const ParameterInfo &info : infos) {
+        if (info.place == ParameterInfo::Place::Attribute) {
+            names.attributes << info.name;
+        } else if (info.place == ParameterInfo::Place::Element) {
+            names.elements << info.name;
+        } else if (info.type == ParameterInfo::Type::Strings) {
+            names.elements << u"s"_s; // a list directly in the element
+        }
+        if (info.hasInlineForm) {
+            const KnownNames inner = knownNames(info.members);
+            names.attributes << inner.attributes;
+            names.elements << inner.elements;
+        }
+    }
+    return names;
+}
+
+ActionParameters::~ActionParameters() = default;
+
+int ActionParameters::indexOfParameter(const QString &name) const
+{
+    const QVector<ParameterInfo> all = parameters();
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [&](const ParameterInfo &info) { return info.name == name; });
+    return found == all.end() ? -1 : static_cast<int>(found - all.begin());
+}
+
+QVector<InputTable> ActionParameters::inputTables()
+{
+    return {};
+}
+
+bool ActionParameters::fillFromInput(int)
+{
+    return true;
+}
+
+std::span<const FileFormat> ActionParameters::fileFormats() const
+{
+    return {};
+}
+
+QString ActionParameters::typeName(ParameterInfo::Type type)
+{
+    switch (type) {
+    case ParameterInfo::Type::Text:
+        return u"text"_s;
+    case ParameterInfo::Type::Integer:
+        return u"integer"_s;
+    case ParameterInfo::Type::Real:
+        return u"real"_s;
+    case ParameterInfo::Type::Flag:
+        return u"flag"_s;
+    case ParameterInfo::Type::Strings:
+        return u"strings"_s;
+    case ParameterInfo::Type::Structure:
+        break;
+    }
+    return u"structure"_s;
+}

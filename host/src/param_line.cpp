@@ -1,0 +1,305 @@
+#include "corvanta/param_line.h"
+
+#include <QLocale>
+
+#include <algorithm>
+#include <limits>
+#include <ostream>
+#include <sstream>
+
+namespace corvanta {
+
+using Type = ParameterInfo::Type;
+using Place = ParameterInfo::Place;
+
+namespace {
+
+QString textOf(const QString &value)
+{
+    return value;
+}
+QString textOf(qint64 value)
+{
+    return QString::number(value);
+}
+QString textOf(double value)
+{
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+QString textOf(bool value)
+{
+    return QString(QLatin1Char(value ? '1' : '0'));
+}
+QString textOf(const QStringList &value)
+{
+    return value.join(QLatin1Char('\n'));
+}
+
+QStringList linesOf(const QString &text)
+{
+    return text.isEmpty() ? QStringList() : text.split(QLatin1Char('\n'));
+}
+
+bool isOfType(Type type, const QString &text)
+{
+    bool isNumber = true;
+    if (type == Type::Integer || type == Type::Flag) {
+        text.toLongLong(&isNumber);
+    } else if (type == Type::Real) {
+        text.toDouble(&isNumber);
+    }
+    return isNumber;
+}
+
+} // namespace
+
+std::wostream &operator<<(std::wostream &out, const Indent &indent)
+{
+    for (int i = 0; i < indent.depth; ++i) {
+        out << indent.unit;
+    }
+    return out;
+}
+
+ParamLine::ParamLine(const char *name, Type type, ValueAccess access)
+    : m_name(name)
+    , m_value(std::move(access))
+{
+    m_info.name = QString::fromLatin1(name);
+    m_info.type = type;
+    m_info.place = type == Type::Strings ? Place::Element : Place::Attribute;
+    m_info.low = std::numeric_limits<int>::min();
+    m_info.high = std::numeric_limits<int>::max();
+}
+
+ParamLine::ParamLine(const char *element, ChildAccess access)
+    : m_name(element)
+    , m_children(std::move(access))
+{
+    m_info.name = QString::fromLatin1(element);
+    m_info.itemElement = m_info.name;
+    m_info.type = Type::Structure;
+    m_info.place = Place::Element;
+}
+
+ParameterInfo ParamLine::info(const void *defaults) const
+{
+    ParameterInfo info = m_info;
+    info.defaultValue = valueText(defaults);
+    info.isMultiLine = info.type == Type::Text && info.place != Place::Attribute;
+    if (isStructure()) {
+        info.members = m_children.members();
+    }
+    return info;
+}
+
+QString ParamLine::valueText(const void *params) const
+{
+    if (!isStructure()) {
+        return std::visit([](const auto &value) { return textOf(value); }, m_value.get(params));
+    }
+    std::wostringstream out;
+    if (!m_children.isDefault(params)) {
+        saveStructure(params, out, Indent());
+    }
+    return QString::fromStdWString(out.str());
+}
+
+bool ParamLine::setValueText(void *params, const QString &text) const
+{
+    if (isStructure()) {
+        const auto parent = XMLNode::parse("<p>" + text.toUtf8() + "</p>");
+        if (parent) {
+            read(params, *parent);
+        }
+        return static_cast<bool>(parent);
+    }
+    if (!isOfType(m_info.type, text)) {
+        return false;
+    }
+    if (isList()) {
+        m_value.set(params, linesOf(text));
+    } else {
+        readText(params, reinterpret_cast<const char16_t *>(text.utf16()));
+    }
+    return true;
+}
+
+void ParamLine::read(void *params, const XMLNode &node) const
+{
+    if (isStructure()) {
+        m_children.read(params, m_wrapper == nullptr ? node : node.getChildNode(m_wrapper), m_name);
+    } else if (isContent()) {
+        readElement(params, node);
+    } else if (!isAttribute()) {
+        readElement(params, node.getChildNode(m_name));
+    } else if (const char16_t *text = node.getAttribute(m_name)) {
+        readText(params, text);
+    }
+}
+
+void ParamLine::readElement(void *params, const XMLNode &element) const
+{
+    if (!element.isEmpty()) {
+        m_value.set(params, isList() ? ParamValue(fromXMLSL(element)) : ParamValue(element.text()));
+    }
+}
+
+void ParamLine::readText(void *params, const char16_t *text) const
+{
+    switch (m_info.type) {
+    case Type::Text:
+        m_value.set(params, QString::fromUtf16(text));
+        break;
+    case Type::Integer:
+        m_value.set(params, qBound(m_info.low, static_cast<qint64>(xmltol(text, 0)), m_info.high));
+        break;
+    case Type::Real:
+        m_value.set(params, xmltof(text, 0));
+        break;
+    case Type::Flag:
+        m_value.set(params, xmltob(text, 0) != 0);
+        break;
+    case Type::Strings:
+    case Type::Structure:
+        break; // not saved as a single text
+    }
+}
+
+void ParamLine::save(const void *params, const void *defaults, std::wostream &out, Indent indent,
+                     const GlobalParameters *global) const
+{
+    if (isStructure()) {
+        if (!m_children.isDefault(params)) {
+            saveStructure(params, out, indent);
+        }
+    } else if (isContent()) {
+        saveContent(params, out);
+    } else if (m_info.saveAlways || m_value.get(params) != m_value.get(defaults)) {
+        isAttribute() ? saveAttribute(params, out, global) : saveElement(params, out, indent);
+    }
+}
+
+void ParamLine::saveAttribute(const void *params, std::wostream &out,
+                              const GlobalParameters *global) const
+{
+    QString value = valueText(params);
+    if (m_info.file != ParameterInfo::File::None && global != nullptr) {
+        value = global->contractFile(value);
+    }
+    ToXMLStringTool tool;
+    out << L' ' << m_name << L"='" << tool.toXML(value) << L'\'';
+}
+
+void ParamLine::saveElement(const void *params, std::wostream &out, Indent indent) const
+{
+    out << indent << L'<' << m_name << L'>';
+    saveContent(params, out);
+    out << L"</" << m_name << L">\n";
+}
+
+void ParamLine::saveContent(const void *params, std::wostream &out) const
+{
+    if (isList()) {
+        toXML(std::get<QStringList>(m_value.get(params)), out);
+    } else {
+        ToXMLStringTool tool;
+        out << tool.toXML(valueText(params));
+    }
+}
+
+void ParamLine::saveStructure(const void *params, std::wostream &out, Indent indent) const
+{
+    indent.unit = m_indentUnit != nullptr ? m_indentUnit : indent.unit;
+    if (m_wrapper == nullptr) {
+        m_children.save(params, out, m_name, indent);
+        return;
+    }
+    out << indent << L'<' << m_wrapper << L">\n";
+    m_children.save(params, out, m_name, indent.deeper());
+    out << indent << L"</" << m_wrapper << L">\n";
+}
+
+ParamLines::ParamLines(std::vector<ParamLine> lines)
+    : m_lines(std::move(lines))
+{
+}
+
+QVector<ParameterInfo> ParamLines::infos(const void *defaults) const
+{
+    QVector<ParameterInfo> infos;
+    for (const ParamLine &line : m_lines) {
+        infos << line.info(defaults);
+    }
+    return infos;
+}
+
+void ParamLines::read(void *params, const XMLNode &node) const
+{
+    for (const ParamLine &line : m_lines) {
+        line.read(params, node);
+    }
+}
+
+void ParamLines::saveAttributes(const void *params, const void *defaults, std::wostream &out,
+                                const GlobalParameters *global) const
+{
+    for (const ParamLine &line : m_lines) {
+        if (line.isAttribute()) {
+            line.save(params, defaults, out, Indent(), global);
+        }
+    }
+}
+
+void ParamLines::saveChildren(const void *params, const void *defaults, std::wostream &out,
+                              Indent indent) const
+{
+    for (const ParamLine &line : m_lines) {
+        if (!line.isAttribute()) {
+            line.save(params, defaults, out, indent, nullptr);
+        }
+    }
+}
+
+void ParamLines::saveAction(const void *params, const void *defaults, std::wostream &out,
+                            const QString &element, const GlobalParameters *global) const
+{
+    saveAttributes(params, defaults, out, global);
+    std::wostringstream children;
+    saveChildren(params, defaults, children, Indent());
+    if (children.str().empty()) {
+        out << L"/>\n";
+    } else {
+        out << L">\n" << children.str() << L"</" << element.toStdWString() << L">\n";
+    }
+}
+
+ParamLines::End ParamLines::end() const
+{
+    const auto child = std::find_if(m_lines.begin(), m_lines.end(),
+                                    [](const ParamLine &line) { return !line.isAttribute(); });
+    if (child == m_lines.end()) {
+        return End::Empty;
+    }
+    return child->isContent() ? End::Content : End::Children;
+}
+
+void ParamLines::saveChild(const void *params, const void *defaults, std::wostream &out,
+                           const char *element, Indent indent) const
+{
+    out << indent << L'<' << element;
+    saveAttributes(params, defaults, out, nullptr);
+    const End end = this->end();
+    if (end == End::Empty) {
+        out << L"/>\n";
+        return;
+    }
+    out << (end == End::Content ? L">" : L">\n");
+    saveChildren(params, defaults, out, indent.deeper());
+    if (end == End::Children) {
+        out << indent;
+    }
+    out << L"</" << element << L">\n";
+}
+
+} // namespace corvanta
