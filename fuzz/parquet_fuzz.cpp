@@ -1,7 +1,7 @@
 // fuzz/parquet_fuzz.cpp
 // Any bytes as a Parquet file; the first byte chooses the options. Rows do not hang on how the
 // bytes arrive.
-#include "codecs/parquet/table_reader.h"
+#include "codecs/parquet/read/table_reader.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 // fuzz/thrift_fuzz.cpp
 // Any bytes as Parquet records: what reads is written to bytes that read and write the same again.
-#include "codecs/parquet/records.h"
+#include "codecs/parquet/metadata/records.h"
 
 #include <cstdlib>
 

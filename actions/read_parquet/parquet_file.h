@@ -1,7 +1,7 @@
 // One open Parquet file of readParquet: its columns and rows.
 #pragma once
 #include "actions/shared/file_series.h"
-#include "codecs/parquet/table_reader.h"
+#include "codecs/parquet/read/table_reader.h"
 
 #include <memory>
 #include <vector>

@@ -5,7 +5,7 @@
 #pragma once
 #include "actions/read_parquet/read_parquet_params.h"
 #include "actions/shared/file_series.h"
-#include "codecs/parquet/table_reader.h"
+#include "codecs/parquet/read/table_reader.h"
 #include "corvanta/action_base.h"
 
 namespace corvanta {

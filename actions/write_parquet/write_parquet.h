@@ -2,7 +2,7 @@
 #pragma once
 #include "actions/shared/row_writer.h"
 #include "actions/write_parquet/write_parquet_params.h"
-#include "codecs/parquet/file_writer.h"
+#include "codecs/parquet/write/file_writer.h"
 
 #include <QHash>
 #include <QSet>

@@ -1,0 +1,263 @@
+#include "codecs/parquet/encoding/codec.h"
+
+#include <QLatin1StringView>
+
+#include <brotli/decode.h>
+#include <brotli/encode.h>
+#include <lz4.h>
+#include <snappy.h>
+#include <zlib.h>
+#include <zstd.h>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::parquet {
+
+namespace {
+
+class SnappyDecompressor final : public Decompressor
+{
+public:
+    bool uncompress(std::span<const uchar> in, std::span<uchar> out) override
+    {
+        const auto *const bytes = reinterpret_cast<const char *>(in.data());
+        size_t size = 0;
+        return snappy::GetUncompressedLength(bytes, in.size(), &size) && size == out.size() &&
+               snappy::RawUncompress(bytes, in.size(), reinterpret_cast<char *>(out.data()));
+    }
+};
+
+class SnappyCompressor final : public Compressor
+{
+public:
+    size_t mostBytes(size_t n) const override { return snappy::MaxCompressedLength(n); }
+    size_t compress(std::span<const char> in, char *out) override
+    {
+        size_t size = 0;
+        snappy::RawCompress(in.data(), in.size(), out, &size);
+        return size;
+    }
+};
+
+constexpr int kEitherHeader = 32; // zlib or gzip, whichever is there
+constexpr int kGzipHeader = 16;
+
+class GzipDecompressor final : public Decompressor
+{
+public:
+    GzipDecompressor() { m_isOpen = inflateInit2(&m_stream, MAX_WBITS + kEitherHeader) == Z_OK; }
+    ~GzipDecompressor() override
+    {
+        if (m_isOpen) {
+            inflateEnd(&m_stream);
+        }
+    }
+    /// A page may consist of several gzip members.
+    bool uncompress(std::span<const uchar> in, std::span<uchar> out) override
+    {
+        uchar beyond = 0; // room for a byte too many, so that it shows
+        m_stream.next_in = const_cast<uchar *>(in.data());
+        m_stream.avail_in = static_cast<uInt>(in.size());
+        m_stream.next_out = out.data();
+        m_stream.avail_out = static_cast<uInt>(out.size());
+        while (m_isOpen && m_stream.avail_in != 0 && inflateReset(&m_stream) == Z_OK) {
+            int state = inflate(&m_stream, Z_FINISH);
+            if (state == Z_BUF_ERROR && m_stream.avail_out == 0) {
+                m_stream.next_out = &beyond;
+                m_stream.avail_out = 1;
+                state = inflate(&m_stream, Z_FINISH);
+                if (m_stream.avail_out == 0) {
+                    return false;
+                }
+                m_stream.avail_out = 0;
+            }
+            if (state != Z_STREAM_END) {
+                return false;
+            }
+        }
+        return m_isOpen && m_stream.avail_in == 0 && m_stream.avail_out == 0;
+    }
+
+private:
+    z_stream m_stream{};
+    bool m_isOpen;
+};
+
+class GzipCompressor final : public Compressor
+{
+public:
+    GzipCompressor()
+    {
+        constexpr int kMemoryLevel = 8;
+        m_isOpen = deflateInit2(&m_stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED,
+                                MAX_WBITS + kGzipHeader, kMemoryLevel, Z_DEFAULT_STRATEGY) == Z_OK;
+    }
+    ~GzipCompressor() override
+    {
+        if (m_isOpen) {
+            deflateEnd(&m_stream);
+        }
+    }
+    size_t mostBytes(size_t n) const override
+    {
+        return deflateBound(const_cast<z_stream *>(&m_stream), n);
+    }
+    size_t compress(std::span<const char> in, char *out) override
+    {
+        if (!m_isOpen || deflateReset(&m_stream) != Z_OK) {
+            return 0;
+        }
+        m_stream.next_in = reinterpret_cast<uchar *>(const_cast<char *>(in.data()));
+        m_stream.avail_in = static_cast<uInt>(in.size());
+        m_stream.next_out = reinterpret_cast<uchar *>(out);
+        m_stream.avail_out = static_cast<uInt>(mostBytes(in.size()));
+        return deflate(&m_stream, Z_FINISH) == Z_STREAM_END ? m_stream.total_out : 0;
+    }
+
+private:
+    z_stream m_stream{};
+    bool m_isOpen;
+};
+
+class ZstdDecompressor final : public Decompressor
+{
+public:
+    bool uncompress(std::span<const uchar> in, std::span<uchar> out) override
+    {
+        return ZSTD_decompressDCtx(m_context.get(), out.data(), out.size(), in.data(), in.size()) ==
+               out.size();
+    }
+
+private:
+    struct Free
+    {
+        void operator()(ZSTD_DCtx *context) const { ZSTD_freeDCtx(context); }
+    };
+    std::unique_ptr<ZSTD_DCtx, Free> m_context{ZSTD_createDCtx()};
+};
+
+class ZstdCompressor final : public Compressor
+{
+public:
+    size_t mostBytes(size_t n) const override { return ZSTD_compressBound(n); }
+    size_t compress(std::span<const char> in, char *out) override
+    {
+        constexpr int kLevel = 3;
+        const size_t size = ZSTD_compressCCtx(m_context.get(), out, mostBytes(in.size()), in.data(),
+                                              in.size(), kLevel);
+        return ZSTD_isError(size) != 0 ? 0 : size;
+    }
+
+private:
+    struct Free
+    {
+        void operator()(ZSTD_CCtx *context) const { ZSTD_freeCCtx(context); }
+    };
+    std::unique_ptr<ZSTD_CCtx, Free> m_context{ZSTD_createCCtx()};
+};
+
+class Lz4Decompressor final : public Decompressor
+{
+public:
+    bool uncompress(std::span<const uchar> in, std::span<uchar> out) override
+    {
+        const auto size = static_cast<int>(out.size());
+        return LZ4_decompress_safe(reinterpret_cast<const char *>(in.data()),
+                                   reinterpret_cast<char *>(out.data()),
+                                   static_cast<int>(in.size()), size) == size;
+    }
+};
+
+class Lz4Compressor final : public Compressor
+{
+public:
+    size_t mostBytes(size_t n) const override
+    {
+        return static_cast<size_t>(LZ4_compressBound(static_cast<int>(n)));
+    }
+    size_t compress(std::span<const char> in, char *out) override
+    {
+        const int size = LZ4_compress_default(in.data(), out, static_cast<int>(in.size()),
+                                              static_cast<int>(mostBytes(in.size())));
+        return static_cast<size_t>(std::max(size, 0));
+    }
+};
+
+class BrotliDecompressor final : public Decompressor
+{
+public:
+    bool uncompress(std::span<const uchar> in, std::span<uchar> out) override
+    {
+        size_t size = out.size();
+        return BrotliDecoderDecompress(in.size(), in.data(), &size, out.data()) ==
+                   BROTLI_DECODER_RESULT_SUCCESS &&
+               size == out.size();
+    }
+};
+
+class BrotliCompressor final : public Compressor
+{
+public:
+    size_t mostBytes(size_t n) const override { return BrotliEncoderMaxCompressedSize(n); }
+    size_t compress(std::span<const char> in, char *out) override
+    {
+        constexpr int kQuality = 4;
+        size_t size = mostBytes(in.size());
+        return BrotliEncoderCompress(kQuality, BROTLI_DEFAULT_WINDOW, BROTLI_DEFAULT_MODE,
+                                     in.size(), reinterpret_cast<const uchar *>(in.data()), &size,
+                                     reinterpret_cast<uchar *>(out)) == BROTLI_TRUE
+                   ? size
+                   : 0;
+    }
+};
+
+} // namespace
+
+std::unique_ptr<Decompressor> makeDecompressor(qint32 codec)
+{
+    switch (codec) {
+    case kSnappy:
+        return std::make_unique<SnappyDecompressor>();
+    case kGzip:
+        return std::make_unique<GzipDecompressor>();
+    case kBrotli:
+        return std::make_unique<BrotliDecompressor>();
+    case kZstd:
+        return std::make_unique<ZstdDecompressor>();
+    case kLz4Raw:
+        return std::make_unique<Lz4Decompressor>();
+    default:
+        return nullptr;
+    }
+}
+
+std::unique_ptr<Compressor> makeCompressor(qint32 codec)
+{
+    switch (codec) {
+    case kSnappy:
+        return std::make_unique<SnappyCompressor>();
+    case kGzip:
+        return std::make_unique<GzipCompressor>();
+    case kBrotli:
+        return std::make_unique<BrotliCompressor>();
+    case kZstd:
+        return std::make_unique<ZstdCompressor>();
+    case kLz4Raw:
+        return std::make_unique<Lz4Compressor>();
+    default:
+        return nullptr;
+    }
+}
+
+QString codecName(qint32 codec)
+{
+    constexpr std::array kNames{"UNCOMPRESSED"_L1, "SNAPPY"_L1, "GZIP"_L1, "LZO"_L1,
+                                "BROTLI"_L1,       "LZ4"_L1,    "ZSTD"_L1, "LZ4_RAW"_L1};
+    return codec >= 0 && codec < static_cast<qint32>(kNames.size())
+               ? QString(kNames[static_cast<size_t>(codec)])
+               : QString::number(codec);
+}
+
+} // namespace corvanta::parquet

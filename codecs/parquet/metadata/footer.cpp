@@ -1,0 +1,51 @@
+// The end of a file:  metadata (Thrift compact) | quint32 length, little-endian | "PAR1"
+//
+// The "PAR1" at the beginning is not looked at.
+#include "codecs/parquet/metadata/footer.h"
+
+#include "base/bytes.h"
+
+#include <QLatin1StringView>
+
+#include <array>
+#include <new>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::parquet {
+
+Result<FileMetaData, Error> readFooter(ByteSource &source)
+{
+    constexpr qint64 kTrailerBytes = 8;
+    const qint64 size = source.size();
+    if (size < kTrailerBytes) {
+        return Fault{Error::Unreadable, u"the file is shorter than its trailer"_s, size};
+    }
+    std::array<uchar, kTrailerBytes> trailer{};
+    if (!source.seek(size - kTrailerBytes) ||
+        readFully(source, trailer.data(), kTrailerBytes) != kTrailerBytes ||
+        std::memcmp(trailer.data() + 4, "PAR1", 4) != 0) {
+        return Fault{Error::BadFooter, u"the file does not end with PAR1"_s, size - kTrailerBytes};
+    }
+    const qint64 length = loadLE<quint32>(trailer.data());
+    const qint64 begin = size - kTrailerBytes - length;
+    if (begin < 0 || !source.seek(begin)) {
+        return Fault{Error::BadFooter, u"the metadata is longer than the file"_s,
+                     size - kTrailerBytes};
+    }
+    const std::unique_ptr<uchar[]> bytes(new (std::nothrow) uchar[static_cast<size_t>(length)]);
+    if (!bytes) {
+        return Fault{Error::NoMemory, u"not enough memory for the metadata"_s, begin};
+    }
+    if (readFully(source, bytes.get(), length) != length) {
+        return Fault{Error::ShortRead, u"the metadata cannot be read"_s, begin};
+    }
+    CompactReader reader({bytes.get(), static_cast<size_t>(length)});
+    FileMetaData metaData;
+    if (readRecord(reader, metaData) < 0) {
+        return Fault{Error::BadThrift, u"the metadata is damaged"_s, begin};
+    }
+    return metaData;
+}
+
+} // namespace corvanta::parquet

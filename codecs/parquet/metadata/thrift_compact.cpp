@@ -1,0 +1,471 @@
+// A struct is its fields and a zero byte. A field is a header and a value:
+//
+//   header   high nibble: id minus the id before (1 to 15), or 0 and a zigzag varint id follows
+//            low nibble:  wire type (1 and 2 are the bools true and false and have no value)
+//   i16..64  zigzag varint          double  8 bytes, little-endian
+//   binary   varint length, bytes   list    nibbles size and element type; size 15: a varint
+//   follows map      varint size; unless 0 a byte with the nibbles key and value type; the pairs
+//
+// Varints have 7 bits a byte, least significant group first, the high bit says that more follow.
+#include "codecs/parquet/metadata/thrift_compact.h"
+
+#include "base/bytes.h"
+#include "base/limits.h"
+
+#include <array>
+#include <limits>
+
+namespace corvanta::parquet {
+
+namespace {
+
+constexpr int kFailed = -1;
+constexpr quint8 kProtocolId = 0x82;
+constexpr quint8 kVersion = 1;
+constexpr quint8 kVersionMask = 0x1F;
+constexpr quint8 kWireTrue = 1;
+constexpr quint8 kWireFalse = 2;
+
+/// By wire type; Stop is also "no such type" (but for wire type 0).
+constexpr std::array<ThriftType, 13> kFromWire{
+    ThriftType::Stop, ThriftType::Bool, ThriftType::Bool,   ThriftType::Byte,   ThriftType::I16,
+    ThriftType::I32,  ThriftType::I64,  ThriftType::Double, ThriftType::String, ThriftType::List,
+    ThriftType::Set,  ThriftType::Map,  ThriftType::Struct};
+
+ThriftType fromWire(quint8 wire)
+{
+    return wire < kFromWire.size() ? kFromWire[wire] : ThriftType::Stop;
+}
+
+quint8 toWire(ThriftType type)
+{
+    for (quint8 wire = kWireTrue; wire < kFromWire.size(); ++wire) {
+        if (kFromWire[wire] == type) {
+            return wire;
+        }
+    }
+    return 0;
+}
+
+quint64 zigzag(qint64 value)
+{
+    return static_cast<quint64>(value) << 1 ^ static_cast<quint64>(value >> 63);
+}
+qint64 unzigzag(quint64 value)
+{
+    return static_cast<qint64>(value >> 1 ^ (~(value & 1) + 1));
+}
+
+} // namespace
+
+void CompactReader::setLimits(qint64 elements, qint64 stringBytes)
+{
+    m_elementLimit = elements;
+    m_stringLimit = stringBytes;
+}
+
+int CompactReader::fail()
+{
+    m_at = m_bytes.size();
+    return kFailed;
+}
+
+int CompactReader::readVarint(quint64 *value)
+{
+    constexpr int kMostBytes = 10;
+    *value = 0;
+    for (int i = 0; i < kMostBytes && m_at < m_bytes.size(); ++i) {
+        const uchar byte = m_bytes[m_at++];
+        *value |= static_cast<quint64>(byte & 0x7F) << (7 * i);
+        if (byte < 0x80) {
+            return i + 1;
+        }
+    }
+    return fail();
+}
+
+int CompactReader::readStructBegin()
+{
+    if (m_outerIds.size() >= limits::kThriftSkipDepth) {
+        return fail();
+    }
+    m_outerIds.push_back(m_lastId);
+    m_lastId = 0;
+    return 0;
+}
+
+int CompactReader::readStructEnd()
+{
+    m_lastId = m_outerIds.back();
+    m_outerIds.pop_back();
+    return 0;
+}
+
+int CompactReader::readFieldBegin(ThriftType *type, qint16 *id)
+{
+    if (m_at == m_bytes.size()) {
+        return fail();
+    }
+    const uchar header = m_bytes[m_at++];
+    const quint8 wire = header & 0x0F;
+    *type = fromWire(wire);
+    if (wire == 0) {
+        return 1;
+    }
+    if (*type == ThriftType::Stop) {
+        return fail();
+    }
+    int consumed = 1;
+    if (header >> 4 != 0) {
+        *id = static_cast<qint16>(m_lastId + (header >> 4));
+    } else {
+        const int idBytes = readI16(id);
+        if (idBytes < 0) {
+            return kFailed;
+        }
+        consumed += idBytes;
+    }
+    m_lastId = *id;
+    if (*type == ThriftType::Bool) {
+        m_pendingBool = wire == kWireTrue ? PendingBool::True : PendingBool::False;
+    }
+    return consumed;
+}
+
+int CompactReader::readListBegin(ThriftType *element, qint32 *size)
+{
+    if (m_at == m_bytes.size()) {
+        return fail();
+    }
+    const uchar header = m_bytes[m_at++];
+    quint64 count = header >> 4;
+    int consumed = 1;
+    constexpr quint64 kSizeFollows = 15;
+    if (count == kSizeFollows) {
+        const int sizeBytes = readVarint(&count);
+        if (sizeBytes < 0) {
+            return kFailed;
+        }
+        consumed += sizeBytes;
+    }
+    *element = fromWire(header & 0x0F);
+    const auto limit = static_cast<quint64>(m_elementLimit > 0 ? m_elementLimit : bytesLeft());
+    const bool isTyped = *element != ThriftType::Stop || count == 0;
+    if (!isTyped || count > limit || count > static_cast<quint64>(bytesLeft()) ||
+        count > std::numeric_limits<qint32>::max()) {
+        return fail();
+    }
+    *size = static_cast<qint32>(count);
+    return consumed;
+}
+
+int CompactReader::readBool(bool *value)
+{
+    if (m_pendingBool != PendingBool::None) {
+        *value = m_pendingBool == PendingBool::True;
+        m_pendingBool = PendingBool::None;
+        return 0;
+    }
+    qint8 byte = 0;
+    const int consumed = readByte(&byte);
+    *value = byte == kWireTrue;
+    return consumed;
+}
+
+int CompactReader::readByte(qint8 *value)
+{
+    if (m_at == m_bytes.size()) {
+        return fail();
+    }
+    *value = static_cast<qint8>(m_bytes[m_at++]);
+    return 1;
+}
+
+int CompactReader::readI16(qint16 *value)
+{
+    quint64 raw = 0;
+    const int consumed = readVarint(&raw);
+    *value = static_cast<qint16>(unzigzag(raw));
+    return consumed;
+}
+
+int CompactReader::readI32(qint32 *value)
+{
+    quint64 raw = 0;
+    const int consumed = readVarint(&raw);
+    *value = static_cast<qint32>(unzigzag(raw));
+    return consumed;
+}
+
+int CompactReader::readI64(qint64 *value)
+{
+    quint64 raw = 0;
+    const int consumed = readVarint(&raw);
+    *value = unzigzag(raw);
+    return consumed;
+}
+
+int CompactReader::readDouble(double *value)
+{
+    if (bytesLeft() < 8) {
+        return fail();
+    }
+    *value = loadLE<double>(m_bytes.data() + m_at);
+    m_at += 8;
+    return 8;
+}
+
+qint64 CompactReader::readBinary(QByteArray *value)
+{
+    quint64 length = 0;
+    const int lengthBytes = readVarint(&length);
+    const auto limit = static_cast<quint64>(m_stringLimit > 0 ? m_stringLimit : bytesLeft());
+    if (lengthBytes < 0 || length > limit || length > static_cast<quint64>(bytesLeft())) {
+        return fail();
+    }
+    const auto n = static_cast<qsizetype>(length);
+    *value = n == 0 ? QByteArray()
+                    : QByteArray(reinterpret_cast<const char *>(m_bytes.data() + m_at), n);
+    m_at += static_cast<size_t>(n);
+    return lengthBytes + n;
+}
+
+int CompactReader::readMessageBegin(QByteArray *name, qint8 *type, qint32 *sequence)
+{
+    const size_t begin = m_at;
+    qint8 protocol = 0;
+    qint8 versionAndType = 0;
+    quint64 number = 0;
+    if (readByte(&protocol) < 0 || readByte(&versionAndType) < 0 ||
+        static_cast<quint8>(protocol) != kProtocolId ||
+        (static_cast<quint8>(versionAndType) & kVersionMask) != kVersion ||
+        readVarint(&number) < 0 || readString(name) < 0) {
+        return fail();
+    }
+    *type = static_cast<qint8>(static_cast<quint8>(versionAndType) >> 5);
+    *sequence = static_cast<qint32>(number);
+    return static_cast<int>(m_at - begin);
+}
+
+bool CompactReader::skipScalar(ThriftType type)
+{
+    bool flag = false;
+    qint8 byte = 0;
+    quint64 number = 0;
+    double real = 0;
+    switch (type) {
+    case ThriftType::Bool:
+        return readBool(&flag) >= 0;
+    case ThriftType::Byte:
+        return readByte(&byte) >= 0;
+    case ThriftType::Double:
+        return readDouble(&real) >= 0;
+    case ThriftType::I16:
+    case ThriftType::I32:
+    case ThriftType::I64:
+        return readVarint(&number) >= 0;
+    case ThriftType::String:
+        if (readVarint(&number) < 0 || number > static_cast<quint64>(bytesLeft())) {
+            return false;
+        }
+        m_at += static_cast<size_t>(number);
+        return true;
+    default:
+        return true;
+    }
+}
+
+/// Begin to skip a value: a scalar is skipped, a container goes onto the stack.
+bool CompactReader::openForSkip(ThriftType type, std::vector<Open> *open)
+{
+    Open added{type, 0, {ThriftType::Stop, ThriftType::Stop}};
+    switch (type) {
+    case ThriftType::Struct:
+        if (readStructBegin() < 0) {
+            return false;
+        }
+        break;
+    case ThriftType::List:
+    case ThriftType::Set: {
+        qint32 size = 0;
+        if (readListBegin(&added.element[0], &size) < 0) {
+            return false;
+        }
+        added = {
+            ThriftType::List, static_cast<quint64>(size), {added.element[0], added.element[0]}};
+        break;
+    }
+    case ThriftType::Map: {
+        quint64 size = 0;
+        qint8 types = 0;
+        if (readVarint(&size) < 0 || size > static_cast<quint64>(bytesLeft()) ||
+            (size != 0 && readByte(&types) < 0)) {
+            return false;
+        }
+        const auto both = static_cast<quint8>(types);
+        added = {type, size * 2, {fromWire(both >> 4), fromWire(both & 0x0F)}};
+        break;
+    }
+    default:
+        return skipScalar(type);
+    }
+    open->push_back(added);
+    return open->size() <= limits::kThriftSkipDepth;
+}
+
+/// Skip the next value of the innermost open container, or close it.
+bool CompactReader::skipNext(std::vector<Open> *open)
+{
+    Open &inner = open->back();
+    if (inner.type == ThriftType::Struct) {
+        ThriftType type = ThriftType::Stop;
+        qint16 id = 0;
+        if (readFieldBegin(&type, &id) < 0) {
+            return false;
+        }
+        if (type != ThriftType::Stop) {
+            return openForSkip(type, open);
+        }
+        readStructEnd();
+        open->pop_back();
+        return true;
+    }
+    if (inner.left == 0) {
+        open->pop_back();
+        return true;
+    }
+    const ThriftType element = inner.element[inner.left & 1]; // keys come at even counts
+    --inner.left;
+    return openForSkip(element, open);
+}
+
+qint64 CompactReader::skip(ThriftType type)
+{
+    const size_t begin = m_at;
+    std::vector<Open> open;
+    bool isGood = openForSkip(type, &open);
+    while (isGood && !open.empty()) {
+        isGood = skipNext(&open);
+    }
+    return isGood ? static_cast<qint64>(m_at - begin) : fail();
+}
+
+int CompactWriter::writeVarint(quint64 value)
+{
+    int written = 1;
+    for (; value >= 0x80; value >>= 7, ++written) {
+        m_bytes.append(static_cast<char>(value | 0x80));
+    }
+    m_bytes.append(static_cast<char>(value));
+    return written;
+}
+
+int CompactWriter::writeStructBegin()
+{
+    m_outerIds.push_back(m_lastId);
+    m_lastId = 0;
+    return 0;
+}
+
+int CompactWriter::writeStructEnd()
+{
+    m_lastId = m_outerIds.back();
+    m_outerIds.pop_back();
+    return 0;
+}
+
+int CompactWriter::writeFieldHeader(quint8 wireType, qint16 id)
+{
+    constexpr int kMostDelta = 15;
+    const int delta = id - m_lastId;
+    m_lastId = id;
+    if (delta > 0 && delta <= kMostDelta) {
+        m_bytes.append(static_cast<char>(delta << 4 | wireType));
+        return 1;
+    }
+    m_bytes.append(static_cast<char>(wireType));
+    return 1 + writeI16(id);
+}
+
+int CompactWriter::writeFieldBegin(ThriftType type, qint16 id)
+{
+    if (type == ThriftType::Bool) {
+        m_boolId = id;
+        return 0;
+    }
+    return writeFieldHeader(toWire(type), id);
+}
+
+int CompactWriter::writeFieldStop()
+{
+    m_bytes.append('\0');
+    return 1;
+}
+
+int CompactWriter::writeListBegin(ThriftType element, qint32 size)
+{
+    constexpr qint32 kSizeFollows = 15;
+    if (size < 0) {
+        return kFailed;
+    }
+    const qint32 nibble = qMin(size, kSizeFollows);
+    m_bytes.append(static_cast<char>(nibble << 4 | toWire(element)));
+    return nibble < kSizeFollows ? 1 : 1 + writeVarint(static_cast<quint64>(size));
+}
+
+int CompactWriter::writeBool(bool value)
+{
+    const quint8 wire = value ? kWireTrue : kWireFalse;
+    if (m_boolId >= 0) {
+        return writeFieldHeader(wire, std::exchange(m_boolId, -1));
+    }
+    return writeByte(static_cast<qint8>(wire));
+}
+
+int CompactWriter::writeByte(qint8 value)
+{
+    m_bytes.append(static_cast<char>(value));
+    return 1;
+}
+
+int CompactWriter::writeI16(qint16 value)
+{
+    return writeVarint(zigzag(value));
+}
+int CompactWriter::writeI32(qint32 value)
+{
+    return writeVarint(zigzag(value));
+}
+int CompactWriter::writeI64(qint64 value)
+{
+    return writeVarint(zigzag(value));
+}
+
+int CompactWriter::writeDouble(double value)
+{
+    char bytes[sizeof value];
+    storeLE(value, bytes);
+    m_bytes.append(bytes, sizeof bytes);
+    return sizeof bytes;
+}
+
+qint64 CompactWriter::writeBinary(const QByteArray &value)
+{
+    if (value.size() > std::numeric_limits<qint32>::max()) {
+        return kFailed;
+    }
+    const int lengthBytes = writeVarint(static_cast<quint64>(value.size()));
+    m_bytes.append(value);
+    return lengthBytes + value.size();
+}
+
+qint64 CompactWriter::writeMessageBegin(const QByteArray &name, qint8 type, qint32 sequence)
+{
+    m_bytes.append(static_cast<char>(kProtocolId));
+    m_bytes.append(static_cast<char>(static_cast<quint8>(type) << 5 | kVersion));
+    const int numberBytes = writeVarint(static_cast<quint32>(sequence));
+    const qint64 nameBytes = writeString(name);
+    return nameBytes < 0 ? kFailed : 2 + numberBytes + nameBytes;
+}
+
+} // namespace corvanta::parquet

@@ -1,0 +1,265 @@
+#include "codecs/parquet/read/cell_block.h"
+
+#include "base/bytes.h"
+#include "base/utf.h"
+#include "codecs/parquet/read/logical_text.h"
+
+#include <cstring>
+
+namespace corvanta::parquet {
+
+namespace {
+
+/// A text cell takes at most this and two bytes a unit: the length code, padded to an even place.
+constexpr size_t kLengthRoom = 4;
+/// Texts of fewer bytes have a length code of one byte.
+constexpr qsizetype kShortText = 126;
+
+/// Writes text cells one after the other, their units at even addresses.
+class TextCells
+{
+public:
+    /// Room for `values` cells of together `units` units at most.
+    TextCells(CellBlock &block, size_t values, size_t units)
+        : m_at(block.arena.room(values * kLengthRoom + units * 2))
+    {
+        block.texts.resize(values);
+    }
+
+    /// Make a cell of what `convert` (from a place for units; returns their count) puts there.
+    template <class Convert> const uchar *add(qsizetype mostUnits, Convert &&convert)
+    {
+        // The code ends where the units begin, however long it turns out to be.
+        uchar *const units = m_at + (mostUnits < kShortText ? 2 : kLengthRoom);
+        const qsizetype count = convert(reinterpret_cast<char16_t *>(units));
+        const quint32 code = cell::codeOfText(count);
+        const int lengthBytes = cell::lengthBytes(code);
+        cell::putLength(units - lengthBytes, code, lengthBytes);
+        m_at = units + count * 2;
+        return units - lengthBytes;
+    }
+
+private:
+    uchar *m_at;
+};
+
+/// Bytes in front of the zeros at the end.
+qsizetype withoutZeros(std::string_view value)
+{
+    // Kept as required: "abc" followed by zero bytes reads as "abc"
+    // (CellBlock.TextsLoseTheirZeros).
+    const size_t last = value.find_last_not_of('\0');
+    return last == std::string_view::npos ? 0 : static_cast<qsizetype>(last) + 1;
+}
+
+void convertTexts(std::span<const std::string_view> values, CellBlock &block)
+{
+    size_t bytes = 0;
+    for (const std::string_view value : values) {
+        bytes += value.size();
+    }
+    TextCells cells(block, values.size(), bytes);
+    for (size_t i = 0; i < values.size(); ++i) {
+        const qsizetype n = withoutZeros(values[i]);
+        block.texts[i] = cells.add(
+            n, [&](char16_t *out) { return utf8OrLatin1ToUtf16(values[i].data(), n, out); });
+    }
+}
+
+/// A decimal of more bytes is no number that anybody wrote: its bytes are shown as text.
+constexpr size_t kLongestDecimal = 256;
+
+void convertLogical(const Column &column, std::span<const std::string_view> values,
+                    CellBlock &block)
+{
+    size_t units = 0;
+    for (const std::string_view value : values) {
+        const auto n = static_cast<qsizetype>(value.size());
+        units += static_cast<size_t>(std::max(n, mostLogicalChars(column, n)));
+    }
+    TextCells cells(block, values.size(), units);
+    std::vector<char> ascii;
+    for (size_t i = 0; i < values.size(); ++i) {
+        const auto n = static_cast<qsizetype>(values[i].size());
+        if (values[i].size() > kLongestDecimal) {
+            block.texts[i] = cells.add(
+                n, [&](char16_t *out) { return utf8OrLatin1ToUtf16(values[i].data(), n, out); });
+            continue;
+        }
+        ascii.resize(static_cast<size_t>(mostLogicalChars(column, n)));
+        const qsizetype chars = putLogical(column, values[i], ascii.data());
+        block.texts[i] =
+            cells.add(chars, [&](char16_t *out) { return utf8ToUtf16(ascii.data(), chars, out); });
+    }
+}
+
+/// The double of a 12-byte value at `value`, whose next byte is looked at.
+double fromInt96(const uchar *value)
+{
+    // Kept as required: the sign is taken from the byte behind the value, and of a negative one
+    // only the low 32 bits of the high part are inverted
+    // (CellBlock.Int96TakesItsSignFromTheNextByte).
+    constexpr double kTwoTo32 = 4294967296.0;
+    const auto low = loadLE<qint32>(value);
+    const auto high = loadLE<qint64>(value + 4);
+    if (value[12] < 0x80) {
+        return static_cast<double>(high) * kTwoTo32 + low;
+    }
+    return -1.0 - static_cast<double>(~static_cast<quint32>(low)) -
+           static_cast<double>(high ^ qint64(0xFFFFFFFF)) * kTwoTo32;
+}
+
+template <class From, class Convert>
+void convertEach(const uchar *values, int stride, qsizetype n, uchar *out, Convert &&convert)
+{
+    using To = decltype(convert(From()));
+    for (qsizetype i = 0; i < n; ++i) {
+        storeNative<To>(convert(loadLE<From>(values + i * stride)),
+                        out + i * qsizetype(sizeof(To)));
+    }
+}
+
+void convertNumbers(Form form, const uchar *values, qsizetype n, uchar *out)
+{
+    const auto toDouble = [](auto value) { return static_cast<double>(value); };
+    switch (form) {
+    case Form::KeyFromBoolean:
+        convertEach<quint8>(values, 1, n, out, [](quint8 value) { return quint32(value); });
+        break;
+    case Form::Key32:
+        convertEach<quint32>(values, 4, n, out, [](quint32 value) { return value; });
+        break;
+    case Form::KeyLow32:
+        convertEach<quint32>(values, 8, n, out, [](quint32 value) { return value; });
+        break;
+    case Form::DoubleFromInt64:
+        convertEach<qint64>(values, 8, n, out, toDouble);
+        break;
+    case Form::DoubleFromUint64:
+        convertEach<quint64>(values, 8, n, out, toDouble);
+        break;
+    case Form::DoubleFromInt32:
+        convertEach<qint32>(values, 4, n, out, toDouble);
+        break;
+    case Form::DoubleFromUint32:
+        convertEach<quint32>(values, 4, n, out, toDouble);
+        break;
+    case Form::DoubleFromHalf:
+        convertEach<quint16>(values, 2, n, out, fromHalf);
+        break;
+    case Form::DoubleFromFloat:
+        convertEach<float>(values, 4, n, out, toDouble);
+        break;
+    case Form::DoubleFromInt96:
+        for (qsizetype i = 0; i < n; ++i) {
+            storeNative(fromInt96(values + i * 12), out + i * 8);
+        }
+        break;
+    default:
+        convertEach<double>(values, 8, n, out, toDouble);
+    }
+}
+
+int cellBytesOf(Form form)
+{
+    switch (cellTypeOf(form)) {
+    case CellType::Key:
+        return cell::kKeyBytes;
+    case CellType::Double:
+        return cell::kDoubleBytes;
+    case CellType::Text:
+        break;
+    }
+    return 0;
+}
+
+} // namespace
+
+void reserveRows(const Column &column, qsizetype rows, CellBlock &block)
+{
+    block.rows = 0;
+    block.fixed.room(static_cast<size_t>(rows * cellBytesOf(column.form)));
+}
+
+void convertFixed(const Column &column, const uchar *values, qsizetype n, CellBlock &block)
+{
+    block.rows = n;
+    block.cellBytes = cellBytesOf(column.form);
+    block.dictionary.reset();
+    if (block.cellBytes != 0) {
+        const auto bytes = static_cast<size_t>(n * block.cellBytes);
+        convertNumbers(column.form, values, n, block.fixed.room(bytes));
+        return;
+    }
+    std::vector<std::string_view> texts;
+    texts.reserve(static_cast<size_t>(n));
+    for (qsizetype i = 0; i < n; ++i) {
+        texts.emplace_back(reinterpret_cast<const char *>(values) + i * column.valueBytes,
+                           static_cast<size_t>(column.valueBytes));
+    }
+    convertBytes(column, texts, block);
+}
+
+void convertBytes(const Column &column, std::span<const std::string_view> values, CellBlock &block)
+{
+    block.rows = static_cast<qsizetype>(values.size());
+    block.cellBytes = 0;
+    block.dictionary.reset();
+    if (column.form == Form::Text) {
+        convertTexts(values, block);
+    } else {
+        convertLogical(column, values, block);
+    }
+}
+
+void gather(const std::shared_ptr<const CellBlock> &dictionary, std::span<const quint32> indexes,
+            CellBlock &block)
+{
+    const size_t n = indexes.size();
+    block.rows = static_cast<qsizetype>(n);
+    block.cellBytes = dictionary->cellBytes;
+    block.dictionary = dictionary;
+    if (block.cellBytes == 0) {
+        block.texts.resize(n);
+        for (size_t i = 0; i < n; ++i) {
+            block.texts[i] = dictionary->texts[indexes[i]];
+        }
+        return;
+    }
+    const uchar *const from = dictionary->fixed.data();
+    uchar *const to = block.fixed.room(n * static_cast<size_t>(block.cellBytes));
+    for (size_t i = 0; i < n; ++i) {
+        if (block.cellBytes == cell::kKeyBytes) {
+            std::memcpy(to + i * cell::kKeyBytes, from + size_t(indexes[i]) * cell::kKeyBytes,
+                        cell::kKeyBytes);
+        } else {
+            std::memcpy(to + i * cell::kDoubleBytes, from + size_t(indexes[i]) * cell::kDoubleBytes,
+                        cell::kDoubleBytes);
+        }
+    }
+}
+
+void spreadOverNulls(const Column &column, std::span<const uchar> levels, CellBlock &block)
+{
+    const auto width = static_cast<size_t>(cellBytesOf(column.form));
+    size_t value = static_cast<size_t>(block.rows);
+    const size_t rows = levels.size();
+    block.cellBytes = static_cast<int>(width);
+    block.rows = static_cast<qsizetype>(rows);
+    // Backwards, so that no value is overwritten before it has moved.
+    if (width == 0) {
+        block.texts.resize(rows);
+        for (size_t i = rows; i-- > 0;) {
+            block.texts[i] = levels[i] != 0 ? block.texts[--value] : cell::missingTextCell();
+        }
+        return;
+    }
+    uchar *const cells = block.fixed.data();
+    const uchar *const missing =
+        width == cell::kKeyBytes ? cell::missingKeyCell() : cell::missingDoubleCell();
+    for (size_t i = rows; i-- > 0;) {
+        std::memmove(cells + i * width, levels[i] != 0 ? cells + --value * width : missing, width);
+    }
+}
+
+} // namespace corvanta::parquet

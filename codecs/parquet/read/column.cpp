@@ -1,0 +1,387 @@
+#include "codecs/parquet/read/column.h"
+
+#include "base/bytes.h"
+#include "codecs/parquet/encoding/codec.h"
+
+#include <QLatin1StringView>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::parquet {
+
+namespace {
+
+/// A leaf of the schema tree.
+struct Leaf
+{
+    const SchemaElement *element;
+    QString name; ///< with the groups around, separated by dots
+    bool isNested;
+};
+
+/// The leaves in order, which is that of the chunks. The counts of a damaged schema are not
+/// trusted.
+std::vector<Leaf> leavesOf(const FileMetaData &file)
+{
+    struct Group
+    {
+        qint64 left;
+        QString prefix;
+    };
+    std::vector<Leaf> leaves;
+    std::vector<Group> open;
+    for (size_t i = 1; i < file.schema.size(); ++i) {
+        const SchemaElement &element = file.schema[i];
+        while (!open.empty() && open.back().left == 0) {
+            open.pop_back();
+        }
+        if (!open.empty()) {
+            --open.back().left;
+        }
+        const QString name =
+            (open.empty() ? QString() : open.back().prefix) + QString::fromUtf8(element.name);
+        const qint32 children = element.numChildren.value_or(0);
+        if (children <= 0) {
+            leaves.push_back({&element, name, !open.empty()});
+            continue;
+        }
+        constexpr qsizetype kLongestPrefix = 1000;
+        open.push_back({children, name.left(kLongestPrefix) + u'.'});
+    }
+    return leaves;
+}
+
+int storedBytes(const SchemaElement &element)
+{
+    switch (*element.type) {
+    case kInt32:
+    case kFloat:
+        return 4;
+    case kInt64:
+    case kDouble:
+        return 8;
+    case kInt96:
+        return 12;
+    case kFixedLenByteArray:
+        return element.typeLength.value_or(0);
+    default:
+        return 0;
+    }
+}
+
+Form strictForm(qint32 physical, const ReadOptions &options)
+{
+    switch (physical) {
+    case kBoolean:
+        return Form::KeyFromBoolean;
+    case kInt32:
+        return Form::Key32;
+    case kInt64:
+        return options.int64ToKey ? Form::KeyLow32 : Form::DoubleFromInt64;
+    case kInt96:
+        return Form::DoubleFromInt96;
+    case kFloat:
+        return Form::DoubleFromFloat;
+    case kDouble:
+        return Form::Double;
+    default:
+        return Form::Text;
+    }
+}
+
+/// Whether the statistics of every row group show that a double holds all values exactly.
+bool fitsDouble(const FileMetaData &file, size_t chunk, bool isUnsigned)
+{
+    constexpr qint64 kLargest = qint64(1) << 53;
+    const auto isSmall = [isUnsigned](const std::optional<QByteArray> &newer,
+                                      const std::optional<QByteArray> &older) {
+        const std::optional<QByteArray> &bytes = newer ? newer : older;
+        if (!bytes || bytes->size() != sizeof(qint64)) {
+            return false;
+        }
+        const auto value = loadLE<qint64>(bytes->constData());
+        return value <= kLargest && value >= (isUnsigned ? 0 : -kLargest);
+    };
+    return std::all_of(file.rowGroups.begin(), file.rowGroups.end(), [&](const RowGroup &group) {
+        const ColumnMetaData *const data =
+            chunk < group.columns.size() ? group.columns[chunk].metaData.get() : nullptr;
+        if (data == nullptr || data->statistics == nullptr) {
+            return false;
+        }
+        const Statistics &s = *data->statistics;
+        const bool isAllNull = s.nullCount == data->numValues;
+        return isAllNull || (isSmall(s.minValue, s.min) && isSmall(s.maxValue, s.max));
+    });
+}
+
+/// Sets the form of a column by its annotation: the newer one, else the older one.
+class LogicalForm
+{
+public:
+    LogicalForm(const FileMetaData &file, const SchemaElement &element, Column &column)
+        : m_file(file)
+        , m_element(element)
+        , m_logical(element.logicalType.value_or(LogicalType{}))
+        , m_converted(element.convertedType.value_or(-1))
+        , m_column(column)
+    {
+    }
+
+    void set()
+    {
+        const bool isInteger = m_column.physical == kInt32 || m_column.physical == kInt64;
+        if (isInteger && m_file.createdBy == kCreatedBy) {
+            return; // our writer stores nothing but keys in them
+        }
+        switch (m_column.physical) {
+        case kInt32:
+            setInteger32();
+            break;
+        case kInt64:
+            setInteger64();
+            break;
+        case kInt96:
+            setTime(Form::TextInt96, 1'000'000'000, false);
+            break;
+        case kByteArray:
+        case kFixedLenByteArray:
+            setBytes();
+            break;
+        default:
+            break;
+        }
+    }
+
+private:
+    bool setDecimal()
+    {
+        if (!m_logical.decimal && m_converted != kDecimal) {
+            return false;
+        }
+        m_column.form = Form::TextDecimal;
+        const qint32 scale =
+            m_logical.decimal ? m_logical.decimal->scale : m_element.scale.value_or(0);
+        constexpr qint32 kLargestScale = 1000;
+        m_column.detail.scale = qBound(0, scale, kLargestScale);
+        return true;
+    }
+    void setTime(Form form, qint64 ticksPerSecond, bool isUtc)
+    {
+        m_column.form = form;
+        m_column.detail.ticksPerSecond = ticksPerSecond;
+        m_column.detail.fractionDigits = ticksPerSecond == 1000        ? 3
+                                         : ticksPerSecond == 1'000'000 ? 6
+                                                                       : 9;
+        m_column.detail.isUtc = isUtc;
+    }
+    bool setTimes()
+    {
+        const auto ticks = [](const TimeType &type) {
+            return type.unit.millis ? 1000 : type.unit.micros ? 1'000'000 : 1'000'000'000;
+        };
+        if (m_logical.time) {
+            setTime(Form::TextTime, ticks(*m_logical.time), false);
+        } else if (m_logical.timestamp) {
+            setTime(Form::TextTimestamp, ticks(*m_logical.timestamp),
+                    m_logical.timestamp->isAdjustedToUtc);
+        } else if (m_converted == kTimeMillis || m_converted == kTimeMicros) {
+            setTime(Form::TextTime, m_converted == kTimeMillis ? 1000 : 1'000'000, false);
+        } else if (m_converted == kTimestampMillis || m_converted == kTimestampMicros) {
+            setTime(Form::TextTimestamp, m_converted == kTimestampMillis ? 1000 : 1'000'000, true);
+        } else {
+            return false;
+        }
+        return true;
+    }
+    bool isUnsigned(int bits, qint32 converted) const
+    {
+        return m_logical.integer
+                   ? !m_logical.integer->isSigned && m_logical.integer->bitWidth == bits
+                   : m_converted == converted;
+    }
+    void setInteger32()
+    {
+        if (m_logical.date || m_converted == kDate) {
+            m_column.form = Form::TextDate;
+        } else if (isUnsigned(8, kUint8) || isUnsigned(16, kUint16)) {
+            m_column.form = Form::Key32;
+        } else if (isUnsigned(32, kUint32)) {
+            m_column.form = Form::DoubleFromUint32; // two values of a key mean missing
+        } else if (!setDecimal() && !setTimes()) {
+            m_column.form = Form::DoubleFromInt32;
+        }
+    }
+    void setInteger64()
+    {
+        if (setDecimal() || setTimes()) {
+            return;
+        }
+        const bool isUint = isUnsigned(64, kUint64);
+        if (fitsDouble(m_file, m_column.chunk, isUint)) {
+            m_column.form = isUint ? Form::DoubleFromUint64 : Form::DoubleFromInt64;
+        } else {
+            m_column.form = isUint ? Form::TextUint64 : Form::TextInt64;
+        }
+    }
+    void setBytes()
+    {
+        constexpr int kUuidBytes = 16;
+        if (m_logical.uuid && m_column.valueBytes == kUuidBytes) {
+            m_column.form = Form::TextUuid;
+        } else if (m_logical.float16 && m_column.valueBytes == 2) {
+            m_column.form = Form::DoubleFromHalf;
+        } else {
+            setDecimal();
+        }
+    }
+
+    const FileMetaData &m_file;
+    const SchemaElement &m_element;
+    const LogicalType m_logical;
+    qint32 m_converted;
+    Column &m_column;
+};
+
+/// Why chunks of a codec cannot be read; empty when they can.
+QString codecFault(qint32 codec, const ReadOptions &options)
+{
+    const bool isAlways = codec == kUncompressed || codec == kSnappy || codec == kGzip;
+    const bool isExtended = codec == kBrotli || codec == kZstd || codec == kLz4Raw;
+    if (isAlways || (isExtended && options.extendedEncodings)) {
+        return {};
+    }
+    const QString why = isExtended ? u"the codec %1 is read only with extendedEncodings"_s
+                                   : u"the codec %1 is not supported"_s;
+    return why.arg(codecName(codec));
+}
+
+/// Why the chunks of a column cannot be read; empty when they can.
+QString chunksFault(const FileMetaData &file, const Column &column, const ReadOptions &options)
+{
+    for (const RowGroup &group : file.rowGroups) {
+        if (column.chunk >= group.columns.size()) {
+            return u"a row group has no data for it"_s;
+        }
+        const ColumnChunk &chunk = group.columns[column.chunk];
+        if (!chunk.metaData) {
+            return u"its metadata is missing or encrypted"_s;
+        }
+        if (chunk.filePath && !chunk.filePath->isEmpty()) {
+            return u"its data lies in another file, '%1'"_s.arg(QString::fromUtf8(*chunk.filePath));
+        }
+        if (chunk.metaData->type != column.physical) {
+            return u"a row group stores it as another type"_s;
+        }
+        if (const QString why = codecFault(chunk.metaData->codec, options); !why.isEmpty()) {
+            return why;
+        }
+    }
+    return {};
+}
+
+/// Why the leaf cannot be read; empty when it can.
+QString leafFault(const Leaf &leaf)
+{
+    if (leaf.element->repetitionType.value_or(kRequired) == kRepeated) {
+        return u"repeated columns are not supported"_s;
+    }
+    if (leaf.isNested) {
+        return u"nested columns are not supported"_s;
+    }
+    if (!leaf.element->type || *leaf.element->type < kBoolean ||
+        *leaf.element->type > kFixedLenByteArray) {
+        return u"its type is not known"_s;
+    }
+    constexpr int kLongestValue = 1 << 20;
+    const int bytes = storedBytes(*leaf.element);
+    if (*leaf.element->type == kFixedLenByteArray && (bytes < 1 || bytes > kLongestValue)) {
+        return u"its values are of an impossible length"_s;
+    }
+    return {};
+}
+
+} // namespace
+
+QString columnDetail(const QString &column, const QString &why)
+{
+    return u"column '%1': %2"_s.arg(column, why);
+}
+
+CellType cellTypeOf(Form form)
+{
+    switch (form) {
+    case Form::KeyFromBoolean:
+    case Form::Key32:
+    case Form::KeyLow32:
+        return CellType::Key;
+    case Form::DoubleFromInt64:
+    case Form::DoubleFromInt96:
+    case Form::DoubleFromFloat:
+    case Form::Double:
+    case Form::DoubleFromInt32:
+    case Form::DoubleFromUint32:
+    case Form::DoubleFromUint64:
+    case Form::DoubleFromHalf:
+        return CellType::Double;
+    default:
+        return CellType::Text;
+    }
+}
+
+namespace {
+
+Column columnOf(const FileMetaData &file, const Leaf &leaf, size_t chunk,
+                const ReadOptions &options)
+{
+    Column column;
+    column.name = leaf.name;
+    column.chunk = chunk;
+    column.physical = *leaf.element->type;
+    column.valueBytes = storedBytes(*leaf.element);
+    column.isOptional = leaf.element->repetitionType.value_or(kRequired) == kOptional;
+    column.form = strictForm(column.physical, options);
+    if (options.logicalTypes) {
+        LogicalForm(file, *leaf.element, column).set();
+    }
+    return column;
+}
+
+} // namespace
+
+Result<Columns, Error> selectColumns(const FileMetaData &file, const ReadOptions &options)
+{
+    Columns result;
+    QStringList missing = options.selection;
+    const std::vector<Leaf> leaves = leavesOf(file);
+    for (size_t i = 0; i < leaves.size(); ++i) {
+        const Leaf &leaf = leaves[i];
+        if (options.selectsColumns && !options.selection.contains(leaf.name)) {
+            continue;
+        }
+        missing.removeAll(leaf.name);
+        QString why = leafFault(leaf);
+        if (why.isEmpty()) {
+            Column column = columnOf(file, leaf, i, options);
+            why = chunksFault(file, column, options);
+            if (why.isEmpty()) {
+                result.columns.push_back(std::move(column));
+                continue;
+            }
+        }
+        result.skipped << columnDetail(leaf.name, why);
+        if (!options.skipsUnreadable) {
+            return Fault{Error::BadData, result.skipped.first()};
+        }
+    }
+    if (result.columns.empty() && !result.skipped.isEmpty()) {
+        return Fault{Error::BadData, result.skipped.first()};
+    }
+    if (options.selectsColumns) {
+        result.missing = missing;
+    }
+    return result;
+}
+
+} // namespace corvanta::parquet

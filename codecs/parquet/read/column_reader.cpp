@@ -1,0 +1,342 @@
+#include "codecs/parquet/read/column_reader.h"
+
+#include "base/bytes.h"
+#include "codecs/parquet/read/encodings.h"
+
+#include <QLatin1StringView>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::parquet {
+
+namespace {
+
+constexpr size_t kLengthBytes = 4; // in front of runs and of texts
+
+/// Where the first page of a chunk is: its dictionary page, when that comes first.
+qint64 firstPageOf(const ColumnMetaData &chunk)
+{
+    const qint64 dictionary = chunk.dictionaryPageOffset.value_or(0);
+    return dictionary > 0 && dictionary < chunk.dataPageOffset ? dictionary : chunk.dataPageOffset;
+}
+
+/// Runs with their length in front: the runs, and `data` behind them. False when they do not fit.
+bool takeRuns(std::span<const uchar> &data, std::span<const uchar> &runs)
+{
+    if (data.size() < kLengthBytes) {
+        return false;
+    }
+    const size_t length = loadLE<quint32>(data.data());
+    if (length > data.size() - kLengthBytes) {
+        return false;
+    }
+    runs = data.subspan(kLengthBytes, length);
+    data = data.subspan(kLengthBytes + length);
+    return true;
+}
+
+} // namespace
+
+ColumnReader::ColumnReader(SharedFile &file, const FileMetaData &metaData, Column column,
+                           const ReadOptions &options)
+    : m_metaData(metaData)
+    , m_column(std::move(column))
+    , m_extended(options.extendedEncodings)
+    , m_pages(file, options.pageChecksums ? PageReader::Checksums::Compared
+                                          : PageReader::Checksums::Ignored)
+{
+}
+
+Fault<Error> ColumnReader::bad(const QString &why) const
+{
+    return {Error::BadData, columnDetail(m_column.name, why)};
+}
+
+bool ColumnReader::startGroup()
+{
+    m_pageRows = 0;
+    m_dictionary.reset();
+    while (m_groupRows <= 0) {
+        if (m_group == m_metaData.rowGroups.size()) {
+            return false;
+        }
+        const RowGroup &group = m_metaData.rowGroups[m_group++];
+        const ColumnMetaData &chunk = *group.columns[m_column.chunk].metaData;
+        m_groupRows = group.numRows;
+        m_pages.start(firstPageOf(chunk), chunk.codec);
+    }
+    return true;
+}
+
+Result<bool, Error> ColumnReader::next(CellBlock &block)
+{
+    if (m_groupRows <= 0 && !startGroup()) {
+        return false;
+    }
+    while (m_pageRows == 0) {
+        if (auto failure = nextPage()) {
+            return *failure;
+        }
+    }
+    // A page may have more values than its row group rows: the rest is not looked at.
+    const auto rows = static_cast<qsizetype>(
+        std::min({m_pageRows, m_groupRows, static_cast<qint64>(kBlockRows)}));
+    if (auto failure = decodeBlock(rows, block)) {
+        return *failure;
+    }
+    m_pageRows -= rows;
+    m_groupRows -= rows;
+    return true;
+}
+
+ColumnReader::Failure ColumnReader::nextPage()
+{
+    const auto page = m_pages.next();
+    if (!page) {
+        return bad(page.fault().detail);
+    }
+    if (page->numValues < 0) {
+        return bad(u"a page has a negative number of values"_s);
+    }
+    return page->type == kDictionaryPage ? readDictionary(*page) : startDataPage(*page);
+}
+
+ColumnReader::Failure ColumnReader::readDictionary(const Page &page)
+{
+    if (page.encoding != kPlain && page.encoding != kPlainDictionary) {
+        return bad(
+            u"a dictionary in the encoding %1 is not supported"_s.arg(encodingName(page.encoding)));
+    }
+    if (m_column.physical == kBoolean) {
+        return {};
+    }
+    m_data = page.data;
+    m_values = Values::Plain;
+    const auto dictionary = std::make_shared<CellBlock>();
+    const size_t smallest =
+        m_column.valueBytes != 0 ? static_cast<size_t>(m_column.valueBytes) : kLengthBytes;
+    if (static_cast<size_t>(page.numValues) > m_data.size() / smallest) {
+        return bad(u"its dictionary is cut off"_s);
+    }
+    reserveRows(m_column, page.numValues, *dictionary);
+    if (auto failure = decodePlain(page.numValues, *dictionary)) {
+        return failure;
+    }
+    m_dictionary = dictionary;
+    return {};
+}
+
+ColumnReader::Failure ColumnReader::startDataPage(const Page &page)
+{
+    std::span<const uchar> data = page.data;
+    m_pageRows = page.numValues;
+    if (auto failure = startLevels(page, data)) {
+        return failure;
+    }
+    return startValues(page.encoding, data);
+}
+
+ColumnReader::Failure ColumnReader::startLevels(const Page &page, std::span<const uchar> &data)
+{
+    m_hasLevels = m_column.isOptional;
+    m_levelsAreBits = false;
+    if (!m_hasLevels) {
+        return {};
+    }
+    if (page.type == kDataPageV2) {
+        m_levelRuns = HybridDecoder(page.levels, 1);
+        return {};
+    }
+    if (page.levelEncoding == kRle) {
+        std::span<const uchar> runs;
+        if (!takeRuns(data, runs)) {
+            return bad(u"the levels of a page do not fit it"_s);
+        }
+        m_levelRuns = HybridDecoder(runs, 1);
+        return {};
+    }
+    if (page.levelEncoding != kBitPacked) {
+        return bad(
+            u"levels in the encoding %1 are not supported"_s.arg(encodingName(page.levelEncoding)));
+    }
+    const auto bytes = (static_cast<size_t>(page.numValues) + 7) / 8;
+    if (bytes > data.size()) {
+        return bad(u"the levels of a page do not fit it"_s);
+    }
+    m_levelsAreBits = true;
+    m_levelAt = 0;
+    m_levelBits = data.first(bytes);
+    data = data.subspan(bytes);
+    return {};
+}
+
+ColumnReader::Failure ColumnReader::startValues(qint32 encoding, std::span<const uchar> data)
+{
+    const bool isBoolean = m_column.physical == kBoolean;
+    m_data = data;
+    m_bit = 0;
+    if (encoding == kPlain) {
+        m_values = isBoolean ? Values::Booleans : Values::Plain;
+        return {};
+    }
+    if (encoding == kRle && isBoolean) {
+        std::span<const uchar> runs;
+        m_values = Values::BooleanRuns;
+        // A page of nothing but nulls may leave the runs out.
+        if (!data.empty() && !takeRuns(data, runs)) {
+            return bad(u"the values of a page are cut off"_s);
+        }
+        m_runs = HybridDecoder(runs, 1);
+        return {};
+    }
+    const bool isDictionary = encoding == kPlainDictionary || encoding == kRle ||
+                              (encoding == kRleDictionary && m_extended);
+    if (isDictionary && !isBoolean) {
+        m_values = Values::Dictionary;
+        const int bitWidth = data.empty() ? 0 : data[0];
+        constexpr int kWidest = 32;
+        if (bitWidth > kWidest) {
+            return bad(u"a dictionary index of %1 bits"_s.arg(QString::number(bitWidth)));
+        }
+        m_runs = HybridDecoder(data.empty() ? data : data.subspan(1), bitWidth);
+        return {};
+    }
+    const bool isExtended = hasPlainForm(encoding, m_column.physical) ||
+                            (encoding == kRleDictionary && !isBoolean && !m_extended);
+    if (!isExtended || !m_extended) {
+        const QString why = isExtended ? u"the encoding %1 is read only with extendedEncodings"_s
+                                       : u"the encoding %1 is not supported"_s;
+        return bad(why.arg(encodingName(encoding)));
+    }
+    // A page of nothing but nulls may leave the values out.
+    if (!data.empty() &&
+        !toPlain(encoding, m_column, data, static_cast<qint32>(m_pageRows), m_plain)) {
+        return bad(u"the values of a page are no %1 data"_s.arg(encodingName(encoding)));
+    }
+    m_values = Values::Plain;
+    m_data = data.empty() ? data
+                          : std::span<const uchar>(m_plain).first(m_plain.size() - kPageTailBytes);
+    return {};
+}
+
+ColumnReader::Failure ColumnReader::decodeBlock(qsizetype rows, CellBlock &block)
+{
+    reserveRows(m_column, rows, block);
+    qsizetype values = rows;
+    if (m_hasLevels) {
+        if (auto failure = decodeLevels(rows, values)) {
+            return failure;
+        }
+    }
+    if (values != 0) {
+        if (auto failure = decodeValues(values, block)) {
+            return failure;
+        }
+    }
+    if (values != rows) {
+        spreadOverNulls(m_column, m_levels, block);
+    }
+    return {};
+}
+
+ColumnReader::Failure ColumnReader::decodeLevels(qsizetype rows, qsizetype &values)
+{
+    m_levels.resize(static_cast<size_t>(rows));
+    if (m_levelsAreBits) {
+        // Blocks are whole bytes but for the last one.
+        unpackBits(m_levelBits.data() + m_levelAt / 8, rows, m_levels.data());
+        m_levelAt += rows;
+    } else if (!m_levelRuns.read(m_levels.data(), rows)) {
+        return bad(u"the levels of a page are cut off or damaged"_s);
+    }
+    values = std::count(m_levels.begin(), m_levels.end(), uchar(1));
+    return {};
+}
+
+ColumnReader::Failure ColumnReader::decodeValues(qsizetype n, CellBlock &block)
+{
+    switch (m_values) {
+    case Values::Plain:
+        return decodePlain(n, block);
+    case Values::Booleans:
+    case Values::BooleanRuns:
+        return decodeBooleans(n, block);
+    case Values::Dictionary:
+        break;
+    }
+    return decodeIndexes(n, block);
+}
+
+bool ColumnReader::takeTexts(qsizetype n)
+{
+    m_texts.clear();
+    for (qsizetype i = 0; i < n; ++i) {
+        std::span<const uchar> text;
+        if (!takeRuns(m_data, text)) {
+            return false;
+        }
+        m_texts.emplace_back(reinterpret_cast<const char *>(text.data()), text.size());
+    }
+    return true;
+}
+
+ColumnReader::Failure ColumnReader::decodePlain(qsizetype n, CellBlock &block)
+{
+    if (m_column.valueBytes == 0) {
+        if (!takeTexts(n)) {
+            return bad(u"the values of a page are cut off"_s);
+        }
+        convertBytes(m_column, m_texts, block);
+        return {};
+    }
+    const auto width = static_cast<size_t>(m_column.valueBytes);
+    if (static_cast<size_t>(n) > m_data.size() / width) {
+        return bad(u"the values of a page are cut off"_s);
+    }
+    convertFixed(m_column, m_data.data(), n, block);
+    m_data = m_data.subspan(static_cast<size_t>(n) * width);
+    return {};
+}
+
+ColumnReader::Failure ColumnReader::decodeIndexes(qsizetype n, CellBlock &block)
+{
+    if (!m_dictionary) {
+        return bad(u"a page needs a dictionary that is not there"_s);
+    }
+    m_indexes.resize(static_cast<size_t>(n));
+    if (!m_runs.read(m_indexes.data(), n)) {
+        return bad(u"the values of a page are cut off"_s);
+    }
+    const quint32 largest = *std::max_element(m_indexes.begin(), m_indexes.end());
+    if (largest >= static_cast<quint64>(m_dictionary->rows)) {
+        return bad(u"entry %1 of a dictionary of %2"_s.arg(QString::number(largest),
+                                                           QString::number(m_dictionary->rows)));
+    }
+    gather(m_dictionary, m_indexes, block);
+    return {};
+}
+
+ColumnReader::Failure ColumnReader::decodeBooleans(qsizetype n, CellBlock &block)
+{
+    std::vector<uchar> bits(static_cast<size_t>(n));
+    if (m_values == Values::BooleanRuns) {
+        if (!m_runs.read(bits.data(), n)) {
+            return bad(u"the values of a page are cut off"_s);
+        }
+    } else {
+        const qsizetype available = static_cast<qsizetype>(m_data.size()) * 8 - m_bit;
+        if (n > available) {
+            return bad(u"the values of a page are cut off"_s);
+        }
+        for (qsizetype i = 0; i < n; ++i, ++m_bit) {
+            bits[static_cast<size_t>(i)] =
+                m_data[static_cast<size_t>(m_bit / 8)] >> (m_bit % 8) & 1;
+        }
+    }
+    convertFixed(m_column, bits.data(), n, block);
+    return {};
+}
+
+} // namespace corvanta::parquet

@@ -1,0 +1,137 @@
+#include "codecs/parquet/read/decode_ahead.h"
+
+#include <QLatin1StringView>
+
+#include <new>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::parquet {
+
+namespace {
+/// Blocks of a column, and bytes over all columns, that wait to be taken.
+constexpr size_t kBlocksAhead = 3;
+constexpr size_t kBytesAhead = size_t(64) << 20;
+} // namespace
+
+DecodeAhead::DecodeAhead(std::vector<std::unique_ptr<ColumnReader>> columns, int workers)
+    : m_lanes(columns.size())
+{
+    for (size_t i = 0; i < columns.size(); ++i) {
+        m_lanes[i].reader = std::move(columns[i]);
+    }
+    for (int i = 0; i < workers; ++i) {
+        m_workers.emplace_back([this] { work(); });
+    }
+}
+
+DecodeAhead::~DecodeAhead()
+{
+    stop();
+    for (std::thread &worker : m_workers) {
+        worker.join();
+    }
+}
+
+void DecodeAhead::stop()
+{
+    const std::lock_guard lock(m_mutex);
+    m_isStopped = true;
+    m_changed.notify_all();
+}
+
+bool DecodeAhead::canDecode(const Lane &lane) const
+{
+    return !lane.isBusy && !lane.end && lane.ready.size() < kBlocksAhead;
+}
+
+/// The column with the least in stock, so that all of them keep pace.
+DecodeAhead::Lane *DecodeAhead::chooseLane()
+{
+    if (m_readyBytes > kBytesAhead) {
+        return nullptr;
+    }
+    Lane *best = nullptr;
+    for (size_t i = 0; i < m_lanes.size(); ++i) {
+        Lane &lane = m_lanes[(m_next + i) % m_lanes.size()];
+        if (canDecode(lane) && (best == nullptr || lane.ready.size() < best->ready.size())) {
+            best = &lane;
+            if (lane.ready.empty()) {
+                m_next = (m_next + i + 1) % m_lanes.size();
+                break;
+            }
+        }
+    }
+    return best;
+}
+
+/// Decode one block of a column, unlocked meanwhile.
+void DecodeAhead::decode(Lane &lane, std::unique_lock<std::mutex> &lock)
+{
+    std::unique_ptr<CellBlock> block;
+    if (!lane.spare.empty()) {
+        block = std::move(lane.spare.back());
+        lane.spare.pop_back();
+    }
+    lane.isBusy = true;
+    lock.unlock();
+    Answer answer = false;
+    try {
+        if (!block) {
+            block = std::make_unique<CellBlock>();
+        }
+        answer = lane.reader->next(*block);
+    } catch (const std::bad_alloc &) {
+        answer = Fault{Error::NoMemory,
+                       columnDetail(lane.reader->column().name, u"not enough memory"_s)};
+    }
+    lock.lock();
+    lane.isBusy = false;
+    if (answer && *answer) {
+        m_readyBytes += block->capacity();
+        lane.ready.push_back(std::move(block));
+    } else {
+        lane.end = std::move(answer);
+    }
+    m_changed.notify_all();
+}
+
+void DecodeAhead::work()
+{
+    std::unique_lock lock(m_mutex);
+    while (!m_isStopped) {
+        if (Lane *const lane = chooseLane()) {
+            decode(*lane, lock);
+        } else {
+            m_changed.wait(lock);
+        }
+    }
+}
+
+Result<bool, Error> DecodeAhead::take(size_t column, std::unique_ptr<CellBlock> &block)
+{
+    std::unique_lock lock(m_mutex);
+    Lane &lane = m_lanes[column];
+    if (block) {
+        lane.spare.push_back(std::move(block));
+    }
+    while (lane.ready.empty() && !m_isStopped) {
+        if (lane.isBusy) {
+            m_changed.wait(lock);
+        } else if (lane.end) {
+            return *lane.end;
+        } else {
+            decode(lane, lock);
+        }
+    }
+    if (m_isStopped) {
+        return false;
+    }
+    block = std::move(lane.ready.front());
+    lane.ready.pop_front();
+    m_readyBytes -= block->capacity();
+    m_changed.notify_all();
+    return true;
+}
+
+} // namespace corvanta::parquet

@@ -1,0 +1,324 @@
+#include "codecs/parquet/read/encodings.h"
+
+#include "base/bytes.h"
+#include "base/limits.h"
+#include "codecs/parquet/encoding/rle_hybrid.h"
+
+#include <QLatin1StringView>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::parquet {
+
+namespace {
+
+/// Values of a page that is decoded at once. Real pages have a tenth of it.
+constexpr qint32 kMostValues = 16 << 20;
+
+/// DELTA_BINARY_PACKED: varints block size, miniblocks per block, count, zigzag first value; then
+/// blocks of a zigzag smallest delta, a bit width for each miniblock, and the miniblocks' packed
+/// deltas from the smallest.
+class DeltaDecoder
+{
+public:
+    explicit DeltaDecoder(std::span<const uchar> in)
+        : m_at(in.data())
+        , m_end(in.data() + in.size())
+    {
+    }
+
+    /// All values of the run; false when it is damaged or has more than `most`.
+    bool readAll(std::vector<qint64> &values, qint32 most)
+    {
+        quint64 blockSize = 0;
+        quint64 miniblocks = 0;
+        quint64 count = 0;
+        quint64 first = 0;
+        if (!varint(blockSize) || !varint(miniblocks) || !varint(count) || !varint(first)) {
+            return false;
+        }
+        constexpr quint64 kLargestBlock = 1 << 20;
+        const bool isSound = blockSize > 0 && blockSize <= kLargestBlock && miniblocks > 0 &&
+                             blockSize % miniblocks == 0 && blockSize / miniblocks % 8 == 0 &&
+                             count <= static_cast<quint64>(most);
+        if (!isSound) {
+            return false;
+        }
+        values.clear();
+        values.reserve(count);
+        if (count != 0) {
+            values.push_back(unzigzag(first));
+        }
+        while (values.size() < count) {
+            if (!block(values, count, miniblocks, blockSize / miniblocks)) {
+                return false;
+            }
+        }
+        return true;
+    }
+    std::span<const uchar> rest() const { return {m_at, m_end}; }
+
+private:
+    static qint64 unzigzag(quint64 value)
+    {
+        return static_cast<qint64>(value >> 1 ^ (~(value & 1) + 1));
+    }
+
+    bool varint(quint64 &value)
+    {
+        constexpr int kMostShift = 63;
+        value = 0;
+        for (int shift = 0; m_at != m_end && shift <= kMostShift; shift += 7) {
+            const uchar byte = *m_at++;
+            value |= static_cast<quint64>(byte & 0x7F) << shift;
+            if (byte < 0x80) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    bool block(std::vector<qint64> &values, quint64 count, quint64 miniblocks,
+               quint64 miniblockSize)
+    {
+        quint64 smallest = 0;
+        if (!varint(smallest) || miniblocks > static_cast<quint64>(m_end - m_at)) {
+            return false;
+        }
+        const uchar *const widths = m_at;
+        m_at += miniblocks;
+        for (quint64 i = 0; i < miniblocks && values.size() < count; ++i) {
+            const quint64 bytes = miniblockSize / 8 * widths[i];
+            constexpr int kWidest = 64;
+            if (widths[i] > kWidest || bytes > static_cast<quint64>(m_end - m_at)) {
+                return false;
+            }
+            const quint64 take = std::min(miniblockSize, count - values.size());
+            unpack(values, take, widths[i], static_cast<quint64>(unzigzag(smallest)));
+            m_at += bytes;
+        }
+        return true;
+    }
+
+    void unpack(std::vector<qint64> &values, quint64 n, int width, quint64 smallest)
+    {
+        auto value = static_cast<quint64>(values.back());
+        for (quint64 i = 0; i < n; ++i) {
+            value += smallest + bitsAt(i * static_cast<quint64>(width), width);
+            values.push_back(static_cast<qint64>(value));
+        }
+    }
+
+    /// Up to 64 bits; the page's tail makes the reads beyond its end sound.
+    quint64 bitsAt(quint64 bit, int width) const
+    {
+        if (width == 0) {
+            return 0;
+        }
+        const uchar *const at = m_at + bit / 8;
+        const int shift = static_cast<int>(bit % 8);
+        quint64 bits = loadLE<quint64>(at) >> shift;
+        if (shift != 0) {
+            bits |= static_cast<quint64>(at[8]) << (64 - shift);
+        }
+        return width == 64 ? bits : bits & ((quint64(1) << width) - 1);
+    }
+
+    const uchar *m_at;
+    const uchar *m_end;
+};
+
+bool plainNumbers(std::span<const uchar> in, int width, qint32 most, std::vector<uchar> &out)
+{
+    std::vector<qint64> values;
+    if (!DeltaDecoder(in).readAll(values, most)) {
+        return false;
+    }
+    out.resize(values.size() * static_cast<size_t>(width));
+    uchar *at = out.data();
+    for (const qint64 value : values) {
+        if (width == 4) {
+            storeLE(static_cast<quint32>(value), at);
+        } else {
+            storeLE(value, at);
+        }
+        at += width;
+    }
+    return true;
+}
+
+/// The bytes of value i, and of values of fixed length only these, go behind what is there.
+class PlainTexts
+{
+public:
+    PlainTexts(const Column &column, std::vector<uchar> &out)
+        : m_fixedBytes(column.valueBytes)
+        , m_out(out)
+    {
+        m_out.clear();
+    }
+    bool begin(size_t bytes)
+    {
+        if (m_fixedBytes != 0) {
+            return bytes == static_cast<size_t>(m_fixedBytes);
+        }
+        std::array<uchar, 4> length{};
+        storeLE(static_cast<quint32>(bytes), length.data());
+        m_out.insert(m_out.end(), length.begin(), length.end());
+        return true;
+    }
+    void add(const uchar *bytes, size_t n) { m_out.insert(m_out.end(), bytes, bytes + n); }
+    /// Repeat `n` bytes from `offset` of the output.
+    void addAgain(size_t offset, size_t n)
+    {
+        m_out.resize(m_out.size() + n);
+        std::copy_n(m_out.begin() + static_cast<qptrdiff>(offset), n,
+                    m_out.end() - static_cast<qptrdiff>(n));
+    }
+    size_t size() const { return m_out.size(); }
+
+private:
+    int m_fixedBytes;
+    std::vector<uchar> &m_out;
+};
+
+/// DELTA_LENGTH_BYTE_ARRAY: the lengths as a delta run, then all bytes.
+bool plainFromLengths(const Column &column, std::span<const uchar> in, qint32 most,
+                      std::vector<uchar> &out)
+{
+    DeltaDecoder delta(in);
+    std::vector<qint64> lengths;
+    if (!delta.readAll(lengths, most)) {
+        return false;
+    }
+    std::span<const uchar> bytes = delta.rest();
+    PlainTexts texts(column, out);
+    for (const qint64 length : lengths) {
+        if (length < 0 || static_cast<quint64>(length) > bytes.size() ||
+            !texts.begin(static_cast<size_t>(length))) {
+            return false;
+        }
+        texts.add(bytes.data(), static_cast<size_t>(length));
+        bytes = bytes.subspan(static_cast<size_t>(length));
+    }
+    return true;
+}
+
+/// DELTA_BYTE_ARRAY: how many bytes each value shares with the one before, as a delta run; then the
+/// other bytes as DELTA_LENGTH_BYTE_ARRAY.
+bool plainFromPrefixes(const Column &column, std::span<const uchar> in, qint32 most,
+                       std::vector<uchar> &out)
+{
+    DeltaDecoder delta(in);
+    std::vector<qint64> prefixes;
+    if (!delta.readAll(prefixes, most)) {
+        return false;
+    }
+    DeltaDecoder suffixDelta(delta.rest());
+    std::vector<qint64> suffixes;
+    if (!suffixDelta.readAll(suffixes, most) || suffixes.size() != prefixes.size()) {
+        return false;
+    }
+    std::span<const uchar> bytes = suffixDelta.rest();
+    PlainTexts texts(column, out);
+    size_t before = 0; // where the value before begins, and its length
+    size_t beforeBytes = 0;
+    for (size_t i = 0; i < prefixes.size(); ++i) {
+        const qint64 prefix = prefixes[i];
+        const qint64 suffix = suffixes[i];
+        const bool isSound = prefix >= 0 && static_cast<size_t>(prefix) <= beforeBytes &&
+                             suffix >= 0 && static_cast<size_t>(suffix) <= bytes.size();
+        const auto length = static_cast<size_t>(prefix + (isSound ? suffix : 0));
+        if (!isSound || !texts.begin(length) ||
+            texts.size() + length > static_cast<size_t>(limits::kParquetPageBytes)) {
+            return false;
+        }
+        const size_t begin = texts.size();
+        texts.addAgain(before, static_cast<size_t>(prefix));
+        texts.add(bytes.data(), static_cast<size_t>(suffix));
+        bytes = bytes.subspan(static_cast<size_t>(suffix));
+        before = begin;
+        beforeBytes = length;
+    }
+    return true;
+}
+
+/// BYTE_STREAM_SPLIT: the first bytes of all values, then the second ones, ...
+bool plainFromStreams(std::span<const uchar> in, size_t width, qint32 most, std::vector<uchar> &out)
+{
+    const size_t count = in.size() / width;
+    if (count > static_cast<size_t>(most)) {
+        return false;
+    }
+    out.resize(count * width);
+    for (size_t byte = 0; byte < width; ++byte) {
+        for (size_t i = 0; i < count; ++i) {
+            out[i * width + byte] = in[byte * count + i];
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+bool hasPlainForm(qint32 encoding, qint32 physical)
+{
+    switch (encoding) {
+    case kDeltaBinaryPacked:
+        return physical == kInt32 || physical == kInt64;
+    case kDeltaLengthByteArray:
+        return physical == kByteArray;
+    case kDeltaByteArray:
+        return physical == kByteArray || physical == kFixedLenByteArray;
+    case kByteStreamSplit:
+        return physical != kBoolean && physical != kByteArray && physical != kInt96;
+    default:
+        return false;
+    }
+}
+
+bool toPlain(qint32 encoding, const Column &column, std::span<const uchar> in, qint32 most,
+             std::vector<uchar> &out)
+{
+    if (most < 0 || most > kMostValues) {
+        return false;
+    }
+    bool isGood = false;
+    switch (encoding) {
+    case kDeltaBinaryPacked:
+        isGood = plainNumbers(in, column.valueBytes, most, out);
+        break;
+    case kDeltaLengthByteArray:
+        isGood = plainFromLengths(column, in, most, out);
+        break;
+    case kDeltaByteArray:
+        isGood = plainFromPrefixes(column, in, most, out);
+        break;
+    default:
+        isGood = plainFromStreams(in, static_cast<size_t>(column.valueBytes), most, out);
+    }
+    out.resize(out.size() + kPageTailBytes, 0);
+    return isGood;
+}
+
+QString encodingName(qint32 encoding)
+{
+    constexpr std::array kNames{"PLAIN"_L1,
+                                "1"_L1,
+                                "PLAIN_DICTIONARY"_L1,
+                                "RLE"_L1,
+                                "BIT_PACKED"_L1,
+                                "DELTA_BINARY_PACKED"_L1,
+                                "DELTA_LENGTH_BYTE_ARRAY"_L1,
+                                "DELTA_BYTE_ARRAY"_L1,
+                                "RLE_DICTIONARY"_L1,
+                                "BYTE_STREAM_SPLIT"_L1};
+    return encoding >= 0 && encoding < static_cast<qint32>(kNames.size())
+               ? QString(kNames[static_cast<size_t>(encoding)])
+               : QString::number(encoding);
+}
+
+} // namespace corvanta::parquet

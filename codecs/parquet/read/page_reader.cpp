@@ -1,0 +1,215 @@
+// A chunk is its pages, one after the other: a PageHeader (Thrift) and compressedPageSize bytes.
+//
+//   data page v1   compressed as a whole: definition levels, values
+//   data page v2   repetition levels, definition levels (never compressed), then the values
+//   dictionary     compressed as a whole: PLAIN values
+#include "codecs/parquet/read/page_reader.h"
+
+#include "base/limits.h"
+#include "codecs/deflate/crc32.h"
+#include "codecs/parquet/encoding/rle_hybrid.h"
+
+#include <QLatin1StringView>
+
+#include <algorithm>
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::parquet {
+
+namespace {
+
+constexpr size_t kBufferBytes = 16384;
+
+/// Of the bytes as they are stored, levels of version 2 included.
+bool hasChecksum(std::span<const uchar> body, qint32 crc)
+{
+    const std::span<const char> bytes{reinterpret_cast<const char *>(body.data()), body.size()};
+    return deflate::crc32(0, bytes) == static_cast<quint32>(crc);
+}
+
+} // namespace
+
+void PageReader::start(qint64 offset, qint32 codec)
+{
+    m_fileAt = offset;
+    m_codec = codec;
+    m_begin = m_end = 0;
+    m_isFileEnd = false;
+    m_buffer.resize(kBufferBytes);
+}
+
+/// Buffer up to `most` bytes from the page's beginning on.
+PageReader::Fill PageReader::fill(size_t most)
+{
+    std::memmove(m_buffer.data(), m_buffer.data() + m_begin, m_end - m_begin);
+    m_end -= m_begin;
+    m_begin = 0;
+    if (m_end >= most || m_isFileEnd) {
+        return Fill::Ended;
+    }
+    const auto wanted = static_cast<qint64>(most - m_end);
+    const qint64 got = m_file.readAt(m_fileAt, m_buffer.data() + m_end, wanted);
+    if (got < 1) {
+        return Fill::Failed;
+    }
+    m_isFileEnd = got < wanted;
+    m_fileAt += got;
+    m_end += static_cast<size_t>(got);
+    return Fill::Read;
+}
+
+Result<PageHeader, Error> PageReader::nextHeader()
+{
+    if (fill(kBufferBytes) == Fill::Failed) {
+        return bad(u"the file ends where a page should begin"_s);
+    }
+    for (;;) {
+        CompactReader in({m_buffer.data() + m_begin, m_end - m_begin});
+        PageHeader header;
+        const qint64 bytes = readRecord(in, header);
+        if (bytes > 0) {
+            m_begin += static_cast<size_t>(bytes);
+            return header;
+        }
+        if (m_isFileEnd || m_buffer.size() * 2 > size_t(limits::kParquetPageHeaderBytes)) {
+            return bad(u"a page header is damaged"_s);
+        }
+        m_buffer.resize(m_buffer.size() * 2);
+        if (fill(m_buffer.size()) == Fill::Failed) {
+            return bad(u"a page header is damaged"_s);
+        }
+    }
+}
+
+/// The bytes behind the header, with zeros behind them.
+Result<std::span<const uchar>, Error> PageReader::readBody(qint64 bytes)
+{
+    if (bytes < 0 || bytes > limits::kParquetPageBytes ||
+        bytes > m_file.size() - m_fileAt + static_cast<qint64>(m_end - m_begin)) {
+        return bad(u"a page of %1 bytes does not fit the file"_s.arg(QString::number(bytes)));
+    }
+    const auto size = static_cast<size_t>(bytes);
+    uchar *const body = m_body.room(size + kPageTailBytes);
+    const size_t buffered = std::min(size, m_end - m_begin);
+    std::memcpy(body, m_buffer.data() + m_begin, buffered);
+    m_begin += buffered;
+    const auto missing = static_cast<qint64>(size - buffered);
+    if (missing > 0) {
+        if (m_file.readAt(m_fileAt, body + buffered, missing) != missing) {
+            return bad(u"a page cannot be read"_s);
+        }
+        m_fileAt += missing;
+    }
+    std::memset(body + size, 0, kPageTailBytes);
+    return std::span<const uchar>{body, size};
+}
+
+/// `in` as it was before its compression, with zeros behind it.
+Result<std::span<const uchar>, Error> PageReader::uncompress(std::span<const uchar> in,
+                                                             qint64 bytes)
+{
+    if (m_codec == kUncompressed) {
+        return in;
+    }
+    if (bytes < 0 || bytes > limits::kParquetPageBytes) {
+        return bad(u"a page of %1 bytes is too large"_s.arg(QString::number(bytes)));
+    }
+    auto &decompressor = m_decompressors[static_cast<size_t>(m_codec)];
+    if (!decompressor) {
+        decompressor = makeDecompressor(m_codec);
+    }
+    const auto size = static_cast<size_t>(bytes);
+    uchar *const data = m_data.room(size + kPageTailBytes);
+    const bool isEmpty = size == 0 && in.empty();
+    if (!isEmpty && !decompressor->uncompress(in, {data, size})) {
+        return bad(u"a page is not valid %1 data"_s.arg(codecName(m_codec)));
+    }
+    std::memset(data + size, 0, kPageTailBytes);
+    return std::span<const uchar>{data, size};
+}
+
+Result<Page, Error> PageReader::dataPage(const PageHeader &header, std::span<const uchar> body)
+{
+    if (!header.dataPageHeader) {
+        return bad(u"a page header is incomplete"_s);
+    }
+    const DataPageHeader &details = *header.dataPageHeader;
+    const auto data = uncompress(body, header.uncompressedPageSize);
+    if (!data) {
+        return data.fault();
+    }
+    return Page{kDataPage, details.numValues, details.encoding, details.definitionLevelEncoding, {},
+                *data};
+}
+
+Result<Page, Error> PageReader::dataPageV2(const PageHeader &header, std::span<const uchar> body)
+{
+    if (!header.dataPageHeaderV2) {
+        return bad(u"a page header is incomplete"_s);
+    }
+    const DataPageHeaderV2 &details = *header.dataPageHeaderV2;
+    const qint64 repetition = details.repetitionLevelsByteLength;
+    const qint64 definition = details.definitionLevelsByteLength;
+    const qint64 levels = repetition + definition;
+    if (repetition < 0 || definition < 0 || levels > static_cast<qint64>(body.size())) {
+        return bad(u"the levels of a page do not fit it"_s);
+    }
+    Page page{kDataPageV2, details.numValues, details.encoding, kRle, {}, {}};
+    page.levels = body.subspan(static_cast<size_t>(repetition), static_cast<size_t>(definition));
+    page.data = body.subspan(static_cast<size_t>(levels));
+    if (details.isCompressed.value_or(true)) {
+        const auto data = uncompress(page.data, header.uncompressedPageSize - levels);
+        if (!data) {
+            return data.fault();
+        }
+        page.data = *data;
+    }
+    return page;
+}
+
+Result<Page, Error> PageReader::dictionaryPage(const PageHeader &header,
+                                               std::span<const uchar> body)
+{
+    if (!header.dictionaryPageHeader) {
+        return bad(u"a page header is incomplete"_s);
+    }
+    const DictionaryPageHeader &details = *header.dictionaryPageHeader;
+    const auto data = uncompress(body, header.uncompressedPageSize);
+    if (!data) {
+        return data.fault();
+    }
+    return Page{kDictionaryPage, details.numValues, details.encoding, 0, {}, *data};
+}
+
+Result<Page, Error> PageReader::next()
+{
+    for (;;) {
+        const qint64 begin = pageOffset();
+        const auto header = nextHeader();
+        if (!header) {
+            return header.fault();
+        }
+        const auto body = readBody(header->compressedPageSize);
+        if (!body) {
+            return body.fault();
+        }
+        if (m_checksums == Checksums::Compared && header->crc &&
+            !hasChecksum(*body, *header->crc)) {
+            return bad(u"the page at byte %1 does not have its checksum"_s.arg(begin));
+        }
+        switch (header->type) {
+        case kDataPage:
+            return dataPage(*header, *body);
+        case kDataPageV2:
+            return dataPageV2(*header, *body);
+        case kDictionaryPage:
+            return dictionaryPage(*header, *body);
+        default:
+            break;
+        }
+    }
+}
+
+} // namespace corvanta::parquet

@@ -1,0 +1,248 @@
+// A data page before it is compressed:
+//
+//   quint32 length | definition levels, hybrid, one bit each | the values that are not null
+//
+// The values are PLAIN, or a bit width and the hybrid of dictionary indexes.
+#include "codecs/parquet/write/column_writer.h"
+
+#include "base/bytes.h"
+#include "base/utf.h"
+#include "codecs/parquet/encoding/rle_hybrid.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+
+namespace corvanta::parquet {
+
+namespace {
+
+constexpr size_t kLengthBytes = 4;
+/// Statistics do not carry longer texts.
+constexpr size_t kLongestNoted = 64;
+
+size_t valueBytes(Storage storage)
+{
+    switch (storage) {
+    case Storage::KeyAsUint32:
+    case Storage::KeyAsInt32:
+        return 4;
+    case Storage::Double:
+    case Storage::KeyAsInt64:
+        return 8;
+    case Storage::Text:
+        break;
+    }
+    return 0;
+}
+
+/// Whether a value comes before another in the column's order.
+bool isBefore(Storage storage, const QByteArray &a, const QByteArray &b)
+{
+    switch (storage) {
+    case Storage::Double:
+        return loadLE<double>(a.constData()) < loadLE<double>(b.constData());
+    case Storage::KeyAsUint32:
+        return loadLE<quint32>(a.constData()) < loadLE<quint32>(b.constData());
+    case Storage::KeyAsInt32:
+        return loadLE<qint32>(a.constData()) < loadLE<qint32>(b.constData());
+    case Storage::KeyAsInt64:
+        return loadLE<qint64>(a.constData()) < loadLE<qint64>(b.constData());
+    case Storage::Text:
+        break;
+    }
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                        [](char x, char y) { return uchar(x) < uchar(y); });
+}
+
+void putLength(std::vector<char> &page, size_t at, size_t length)
+{
+    storeLE(static_cast<quint32>(length), page.data() + at);
+}
+
+} // namespace
+
+ColumnWriter::ColumnWriter(const WriterColumn &column, const WriteOptions &options,
+                           PageCompressor &compressor)
+    : m_column(column)
+    , m_options(options)
+    , m_capacity(static_cast<size_t>(options.pageSizeKiB) * 1024)
+    , m_mostRows(m_capacity / std::max<size_t>(valueBytes(column.storage), 1))
+    , m_compressor(compressor)
+    , m_usesDictionary(options.dictionaryPages)
+{
+}
+
+bool ColumnWriter::add(const uchar *cell)
+{
+    if (m_column.storage == Storage::Text) {
+        return addText(cell);
+    }
+    if (m_column.storage == Storage::Double) {
+        const auto value = loadNative<double>(cell);
+        cell::isMissingDouble(value) ? addNull() : addNumber(value);
+        return true;
+    }
+    // Kept as required: of the two missing keys only this one is written as a null
+    // (ParquetWriter.OnlyOneMissingKeyIsNull).
+    const auto key = loadNative<quint32>(cell);
+    if (key == cell::kMissingKey) {
+        addNull();
+    } else if (m_column.storage == Storage::KeyAsInt64) {
+        addNumber(static_cast<quint64>(key));
+    } else {
+        addNumber(key);
+    }
+    return true;
+}
+
+/// `bytes` behind what is used.
+char *ColumnWriter::room(size_t bytes)
+{
+    if (m_values.size() - m_used < bytes) {
+        m_values.resize(std::max(m_used + bytes, std::min(m_values.size() * 2, m_capacity)));
+    }
+    return m_values.data() + m_used;
+}
+
+template <class T> void ColumnWriter::addNumber(T value)
+{
+    char *const plain = room(sizeof value);
+    storeLE(value, plain);
+    if (m_options.statistics) {
+        note(plain, sizeof value);
+    }
+    addValue(sizeof value);
+}
+
+bool ColumnWriter::addText(const uchar *cell)
+{
+    const cell::Text text = cell::readText(cell);
+    if (text.isMissing()) {
+        addNull();
+        return true;
+    }
+    constexpr size_t kMostBytesPerUnit = 3;
+    char *plain = room(kLengthBytes + static_cast<size_t>(text.size()) * kMostBytesPerUnit);
+    const auto n = static_cast<size_t>(utf16ToUtf8(text.data(), text.size(), plain + kLengthBytes));
+    storeLE(static_cast<quint32>(n), plain);
+    if (n + kLengthBytes + 1 > m_capacity) {
+        return false;
+    }
+    if (m_options.statistics) {
+        note(plain + kLengthBytes, n);
+    }
+    if (m_used + kLengthBytes + n > m_capacity) {
+        finishPage();
+        std::copy_n(plain, kLengthBytes + n, m_values.data()); // to the new page's beginning
+    }
+    addValue(kLengthBytes + n);
+    return true;
+}
+
+/// Take the value of `bytes` bytes that lies behind what is used.
+void ColumnWriter::addValue(size_t bytes)
+{
+    if (m_usesDictionary && !addToDictionary(m_values.data() + m_used, bytes)) {
+        finishPage(); // the page so far has indexes
+        m_usesDictionary = false;
+    }
+    if (!m_usesDictionary) {
+        m_used += bytes;
+    }
+    addRow(1);
+}
+
+/// False when the dictionary has become as large as a page.
+bool ColumnWriter::addToDictionary(const char *plain, size_t n)
+{
+    if (m_index.bytes().size() + n > m_capacity) {
+        return false;
+    }
+    m_indexes.push_back(m_index.add({plain, n}));
+    return true;
+}
+
+void ColumnWriter::addNull()
+{
+    ++m_range.nulls;
+    addRow(0);
+}
+
+void ColumnWriter::addRow(uchar level)
+{
+    m_levels.push_back(level);
+    if (m_levels.size() == m_mostRows) {
+        finishPage();
+    }
+}
+
+void ColumnWriter::note(const char *value, size_t n)
+{
+    const bool isNan = m_column.storage == Storage::Double && std::isnan(loadLE<double>(value));
+    if (isNan || n > kLongestNoted) {
+        m_range.isKnown = false;
+    }
+    if (!m_range.isKnown) {
+        return;
+    }
+    const QByteArray bytes(value, static_cast<qsizetype>(n));
+    if (!m_range.smallest || isBefore(m_column.storage, bytes, *m_range.smallest)) {
+        m_range.smallest = bytes;
+    }
+    if (!m_range.largest || isBefore(m_column.storage, *m_range.largest, bytes)) {
+        m_range.largest = bytes;
+    }
+}
+
+void ColumnWriter::appendValues(std::vector<char> &page) const
+{
+    if (!m_usesDictionary) {
+        page.insert(page.end(), m_values.begin(), m_values.begin() + static_cast<qptrdiff>(m_used));
+        return;
+    }
+    const int bitWidth = bitWidthOf(static_cast<quint32>(std::max(m_index.size() - 1, 0)));
+    page.push_back(static_cast<char>(bitWidth));
+    appendIndexes(m_indexes, bitWidth, page);
+}
+
+void ColumnWriter::finishPage()
+{
+    if (m_levels.empty()) {
+        return;
+    }
+    std::vector<char> page = m_compressor.takeBuffer();
+    page.resize(kLengthBytes);
+    appendLevels(m_levels, page);
+    putLength(page, 0, page.size() - kLengthBytes);
+    appendValues(page);
+    const auto rawBytes = static_cast<qint32>(page.size());
+    m_pages.push_back({m_compressor.submit(std::move(page)), static_cast<qint32>(m_levels.size()),
+                       rawBytes, m_usesDictionary});
+    m_hasDictionaryPages |= m_usesDictionary;
+    m_levels.clear();
+    m_indexes.clear();
+    m_used = 0;
+}
+
+std::optional<FinishedPage> ColumnWriter::finishDictionary()
+{
+    if (!m_hasDictionaryPages) {
+        return std::nullopt;
+    }
+    const std::vector<char> &bytes = m_index.bytes();
+    return FinishedPage{m_compressor.submit(bytes), m_index.size(),
+                        static_cast<qint32>(bytes.size()), true};
+}
+
+void ColumnWriter::startGroup()
+{
+    m_pages.clear();
+    m_range = {};
+    m_index.clear();
+    m_usesDictionary = m_options.dictionaryPages;
+    m_hasDictionaryPages = false;
+}
+
+} // namespace corvanta::parquet

@@ -1,0 +1,266 @@
+#include "codecs/parquet/write/file_writer.h"
+
+#include "base/bytes.h"
+
+#include <QLatin1StringView>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::parquet {
+
+namespace {
+
+qint32 physicalOf(Storage storage)
+{
+    switch (storage) {
+    case Storage::Double:
+        return kDouble;
+    case Storage::KeyAsUint32:
+    case Storage::KeyAsInt32:
+        return kInt32;
+    case Storage::KeyAsInt64:
+        return kInt64;
+    case Storage::Text:
+        break;
+    }
+    return kByteArray;
+}
+
+std::vector<SchemaElement> schemaOf(const std::vector<WriterColumn> &columns)
+{
+    std::vector<SchemaElement> schema(1);
+    schema[0].name = "schema";
+    schema[0].numChildren = static_cast<qint32>(columns.size());
+    for (const WriterColumn &column : columns) {
+        SchemaElement &element = schema.emplace_back();
+        element.type = physicalOf(column.storage);
+        element.repetitionType = kOptional;
+        element.name = column.name;
+        if (column.storage == Storage::Text) {
+            element.convertedType = kUtf8;
+        } else if (column.storage == Storage::KeyAsUint32) {
+            element.convertedType = kUint32;
+        }
+    }
+    return schema;
+}
+
+/// Zero has two signs, and readers may look for either.
+QByteArray widened(QByteArray value, Storage storage, double zero)
+{
+    if (storage == Storage::Double && loadLE<double>(value.constData()) == 0) {
+        storeLE(zero, value.data());
+    }
+    return value;
+}
+
+std::unique_ptr<Statistics> statisticsOf(const ValueRange &range, Storage storage)
+{
+    auto statistics = std::make_unique<Statistics>();
+    statistics->nullCount = range.nulls;
+    if (range.isKnown && range.smallest) {
+        statistics->minValue = widened(*range.smallest, storage, -0.0);
+        statistics->maxValue = widened(*range.largest, storage, 0.0);
+    }
+    return statistics;
+}
+
+} // namespace
+
+FileWriter::FileWriter(ByteSink &sink, std::vector<WriterColumn> columns,
+                       const WriteOptions &options, PageCompressor &compressor)
+    : m_sink(sink)
+    , m_compressor(compressor)
+    , m_options(options)
+    , m_threshold(std::max(options.rowGroupMiB * 1048576,
+                           static_cast<qint64>(columns.size()) * options.pageSizeKiB * 1024))
+    , m_seenPages(columns.size(), 0)
+{
+    m_metaData.version = 1;
+    m_metaData.schema = schemaOf(columns);
+    m_metaData.createdBy = kCreatedBy;
+    if (options.statistics) {
+        m_metaData.columnOrders.emplace();
+        for (size_t i = 0; i < columns.size(); ++i) {
+            m_metaData.columnOrders->push_back({Marker{}});
+        }
+    }
+    m_columns.reserve(columns.size());
+    for (const WriterColumn &column : columns) {
+        m_columns.emplace_back(column, options, compressor);
+    }
+}
+
+Result<void, Error> FileWriter::put(const void *bytes, qint64 n)
+{
+    if (!m_sink.write(bytes, n)) {
+        return Fault{Error::WriteFailed, QString(), m_position};
+    }
+    m_position += n;
+    return {};
+}
+
+Result<void, Error> FileWriter::begin()
+{
+    return put("PAR1", 4);
+}
+
+Result<void, Error> FileWriter::addRow(const uchar *const *cells)
+{
+    for (size_t i = 0; i < m_columns.size(); ++i) {
+        ColumnWriter &column = m_columns[i];
+        if (!column.add(cells[column.column().cell])) {
+            return Fault{Error::TextTooLong, QString::fromUtf8(column.column().name)};
+        }
+    }
+    ++m_groupRows;
+    noteFinishedPages();
+    return isGroupFull() ? flushGroup() : Result<void, Error>();
+}
+
+/// Take over what the columns have finished.
+void FileWriter::noteFinishedPages()
+{
+    for (size_t i = 0; i < m_columns.size(); ++i) {
+        const std::vector<FinishedPage> &pages = m_columns[i].pages();
+        for (size_t &seen = m_seenPages[i]; seen < pages.size(); ++seen) {
+            m_open.push_back(pages[seen].bytes);
+            m_openBytes += static_cast<qint64>(pages[seen].bytes->mostBytes);
+        }
+    }
+}
+
+/// Learn the sizes of pages that are done; with `waits` those of all pages.
+void FileWriter::settle(bool waits)
+{
+    while (!m_open.empty()) {
+        const PendingPage &page = *m_open.front();
+        if (waits) {
+            m_compressor.wait(page);
+        } else if (!page.isDone.load(std::memory_order_acquire)) {
+            return;
+        }
+        m_openBytes -= static_cast<qint64>(page.mostBytes);
+        m_knownBytes += static_cast<qint64>(page.compressed.size());
+        m_open.pop_front();
+    }
+}
+
+/// Whether the pages exceed the threshold. Waits for sizes only where they can decide it, so that
+/// the answer is the same however fast the threads are.
+bool FileWriter::isGroupFull()
+{
+    if (m_knownBytes + m_openBytes <= m_threshold) {
+        return false;
+    }
+    settle(false);
+    if (m_knownBytes <= m_threshold && m_knownBytes + m_openBytes > m_threshold) {
+        settle(true);
+    }
+    return m_knownBytes > m_threshold;
+}
+
+Result<void, Error> FileWriter::writePage(const FinishedPage &page, PageHeader header,
+                                          ColumnMetaData &chunk)
+{
+    m_compressor.wait(*page.bytes);
+    if (page.bytes->isBad) {
+        return Fault{Error::NoMemory, u"a page could not be compressed"_s};
+    }
+    const std::vector<char> &bytes = page.bytes->compressed;
+    header.uncompressedPageSize = page.rawBytes;
+    header.compressedPageSize = static_cast<qint32>(bytes.size());
+    CompactWriter out;
+    const qint64 headerBytes = writeRecord(out, header);
+    chunk.totalUncompressedSize += headerBytes + page.rawBytes;
+    chunk.totalCompressedSize += headerBytes + static_cast<qint64>(bytes.size());
+    if (auto done = put(out.bytes().constData(), headerBytes); !done) {
+        return done;
+    }
+    return put(bytes.data(), static_cast<qint64>(bytes.size()));
+}
+
+Result<void, Error> FileWriter::writeChunk(ColumnWriter &column, RowGroup &group)
+{
+    ColumnChunk &chunk = group.columns.emplace_back();
+    chunk.fileOffset = m_position;
+    chunk.metaData = std::make_unique<ColumnMetaData>();
+    ColumnMetaData &data = *chunk.metaData;
+    data.type = physicalOf(column.column().storage);
+    data.encodings = {kPlain}; // on purpose without the RLE of the levels
+    data.pathInSchema = {column.column().name};
+    data.codec = m_compressor.codec();
+    data.numValues = m_groupRows;
+    if (m_options.statistics) {
+        data.statistics = statisticsOf(column.range(), column.column().storage);
+    }
+    if (const auto dictionary = column.finishDictionary()) {
+        PageHeader header;
+        header.type = kDictionaryPage;
+        header.dictionaryPageHeader = {dictionary->values, kPlainDictionary, {}};
+        data.dictionaryPageOffset = m_position;
+        data.encodings.push_back(kPlainDictionary);
+        if (auto done = writePage(*dictionary, std::move(header), data); !done) {
+            return done;
+        }
+    }
+    data.dataPageOffset = m_position;
+    for (const FinishedPage &page : column.pages()) {
+        PageHeader header;
+        header.type = kDataPage;
+        header.dataPageHeader.emplace();
+        header.dataPageHeader->numValues = page.values;
+        header.dataPageHeader->encoding = page.isDictionary ? kPlainDictionary : kPlain;
+        header.dataPageHeader->definitionLevelEncoding = kRle;
+        header.dataPageHeader->repetitionLevelEncoding = kBitPacked;
+        if (auto done = writePage(page, std::move(header), data); !done) {
+            return done;
+        }
+    }
+    group.totalByteSize += data.totalUncompressedSize;
+    return {};
+}
+
+Result<void, Error> FileWriter::flushGroup()
+{
+    RowGroup &group = m_metaData.rowGroups.emplace_back();
+    group.numRows = m_groupRows;
+    for (ColumnWriter &column : m_columns) {
+        column.finishPage();
+    }
+    for (ColumnWriter &column : m_columns) {
+        if (auto done = writeChunk(column, group); !done) {
+            return done;
+        }
+        column.startGroup();
+    }
+    m_metaData.numRows += m_groupRows;
+    m_groupRows = 0;
+    m_open.clear();
+    m_openBytes = m_knownBytes = 0;
+    std::fill(m_seenPages.begin(), m_seenPages.end(), 0);
+    return {};
+}
+
+Result<void, Error> FileWriter::finish()
+{
+    if (m_groupRows != 0) {
+        if (auto done = flushGroup(); !done) {
+            return done;
+        }
+    }
+    CompactWriter out;
+    const qint64 length = writeRecord(out, m_metaData);
+    std::array<char, 8> trailer{};
+    storeLE(static_cast<quint32>(length), trailer.data());
+    std::copy_n("PAR1", 4, trailer.data() + 4);
+    if (auto done = put(out.bytes().constData(), length); !done) {
+        return done;
+    }
+    return put(trailer.data(), trailer.size());
+}
+
+} // namespace corvanta::parquet

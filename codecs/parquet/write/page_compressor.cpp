@@ -1,0 +1,120 @@
+#include "codecs/parquet/write/page_compressor.h"
+
+#include <new>
+
+namespace corvanta::parquet {
+
+namespace {
+/// Pages that wait before the submitting thread helps, and buffers that are kept.
+constexpr size_t kMostWaiting = 8;
+constexpr size_t kMostSpare = 16;
+} // namespace
+
+PageCompressor::PageCompressor(qint32 codec, int workers)
+    : m_codec(codec)
+    , m_ownCompressor(makeCompressor(codec))
+{
+    for (int i = 0; i < workers; ++i) {
+        m_workers.emplace_back([this] { work(); });
+    }
+}
+
+PageCompressor::~PageCompressor()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isStopped = true;
+        m_added.notify_all();
+    }
+    for (std::thread &worker : m_workers) {
+        worker.join();
+    }
+}
+
+void PageCompressor::compress(PendingPage &page, Compressor *compressor,
+                              std::vector<char> &scratch) const
+{
+    try {
+        if (compressor == nullptr) {
+            page.compressed = page.raw;
+            return;
+        }
+        scratch.resize(std::max(scratch.size(), page.mostBytes));
+        const size_t size = compressor->compress(page.raw, scratch.data());
+        page.compressed.assign(scratch.begin(), scratch.begin() + static_cast<qptrdiff>(size));
+        page.isBad = size == 0;
+    } catch (const std::bad_alloc &) {
+        page.isBad = true;
+    }
+}
+
+/// Compress the first page of the queue, unlocked meanwhile.
+void PageCompressor::runOne(std::unique_lock<std::mutex> &lock, Compressor *compressor,
+                            std::vector<char> &scratch)
+{
+    const Job job = std::move(m_queue.front());
+    m_queue.pop_front();
+    lock.unlock();
+    compress(*job, compressor, scratch);
+    lock.lock();
+    if (m_spare.size() < kMostSpare) {
+        m_spare.push_back(std::move(job->raw));
+    }
+    job->raw = {};
+    job->isDone.store(true, std::memory_order_release);
+    m_done.notify_all();
+}
+
+void PageCompressor::work()
+{
+    const std::unique_ptr<Compressor> compressor = makeCompressor(m_codec);
+    std::vector<char> scratch;
+    std::unique_lock lock(m_mutex);
+    for (;;) {
+        m_added.wait(lock, [this] { return m_isStopped || !m_queue.empty(); });
+        if (m_isStopped) {
+            return;
+        }
+        runOne(lock, compressor.get(), scratch);
+    }
+}
+
+std::shared_ptr<PendingPage> PageCompressor::submit(std::vector<char> raw)
+{
+    auto job = std::make_shared<PendingPage>();
+    job->mostBytes = m_ownCompressor ? m_ownCompressor->mostBytes(raw.size()) : raw.size();
+    job->raw = std::move(raw);
+    std::unique_lock lock(m_mutex);
+    m_queue.push_back(job);
+    m_added.notify_one();
+    while (m_queue.size() > kMostWaiting) {
+        runOne(lock, m_ownCompressor.get(), m_ownScratch);
+    }
+    return job;
+}
+
+void PageCompressor::wait(const PendingPage &page)
+{
+    std::unique_lock lock(m_mutex);
+    while (!page.isDone.load(std::memory_order_acquire)) {
+        if (m_queue.empty()) {
+            m_done.wait(lock);
+        } else {
+            runOne(lock, m_ownCompressor.get(), m_ownScratch);
+        }
+    }
+}
+
+std::vector<char> PageCompressor::takeBuffer()
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_spare.empty()) {
+        return {};
+    }
+    std::vector<char> buffer = std::move(m_spare.back());
+    m_spare.pop_back();
+    buffer.clear();
+    return buffer;
+}
+
+} // namespace corvanta::parquet
