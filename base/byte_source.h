@@ -30,6 +30,9 @@ public:
     virtual bool seek(qint64 offset) = 0;
 };
 
+/// Read and drop `n` bytes. Returns false if the source ends before, or after a failure.
+bool skipBytes(ByteSource &source, qint64 n);
+
 /// Read until `n` bytes are there or the source ends; negative after a failure.
 inline qint64 readFully(ByteSource &source, void *buffer, qint64 n)
 {

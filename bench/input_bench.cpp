@@ -1,6 +1,6 @@
 // bench/input_bench.cpp
 // Packed inputs: MB/s of unpacked bytes. Compare gzip with: time zcat FILE > /dev/null
-#include "io/input/archive_sources.h"
+#include "corvanta/input_source.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -43,7 +43,7 @@ void readGzip(benchmark::State &state)
     std::vector<char> buffer(kReadBytes);
     qint64 bytes = 0;
     for (auto _ : state) {
-        auto source = input::openGzip(path);
+        auto source = input::openGzipFile(nullptr, path);
         for (qint64 got = 1; got > 0; bytes += got) {
             got = (*source)->read(buffer.data(), kReadBytes);
         }

@@ -1,7 +1,7 @@
 // io/input/archive_sources.h
 // The kinds of input that are an entry of an archive.
 #pragma once
-#include "codecs/gzip/input_source.h"
+#include "corvanta/input_source.h"
 
 namespace corvanta::input {
 

@@ -57,11 +57,11 @@ input::Opened openSource(GlobalParameters *parameters, const InputName &parts, b
     case Kind::Rar:
         return input::openRar(parts.path);
     case Kind::Gzip:
-        return input::openGzip(parts.path);
+        return input::openGzipFile(parameters, parts.path);
     case Kind::Zip:
         return input::openZipMember(parts.path, parts.member);
     case Kind::Compress:
-        return input::openCompress(parts.path);
+        return input::openCompressFile(parameters, parts.path);
     case Kind::Plain:
         break;
     }

@@ -23,11 +23,11 @@ Opened openByName(const QString &name)
     case Kind::Rar:
         return openRar(parts.path);
     case Kind::Gzip:
-        return openGzip(parts.path);
+        return openGzipFile(nullptr, parts.path);
     case Kind::Zip:
         return openZipMember(parts.path, parts.member);
     default:
-        return openCompress(parts.path);
+        return openCompressFile(nullptr, parts.path);
     }
 }
 

@@ -1,7 +1,7 @@
 #include "io/package_file/package_file.h"
 
-#include "codecs/zip/block_buffered_sink.h"
-#include "codecs/zip/cached_source.h"
+#include "base/block_buffered_sink.h"
+#include "base/cached_source.h"
 
 namespace corvanta {
 
@@ -14,8 +14,8 @@ Result<std::unique_ptr<PackageInput>, zip::Error> PackageInput::open(GlobalParam
         return Fault<zip::Error>{zip::Error::ReadFailed};
     }
     if (KobiFileInfo::isNetDrive(name)) {
-        input->m_file = std::make_unique<MyReadFileCached>(input->m_file.release(),
-                                                           zip::CachedSource::kCacheBytes);
+        input->m_file =
+            std::make_unique<MyReadFileCached>(input->m_file.release(), CachedSource::kCacheBytes);
     }
     auto reader = zip::PackageReader::open(*input->m_file);
     if (!reader) {
@@ -33,7 +33,7 @@ bool PackageOutput::open(const QString &name, TargetFile::Options target,
     }
     ByteSink *sink = &m_target;
     if (KobiFileInfo::isNetDrive(name)) {
-        m_networkSink = std::make_unique<zip::BlockBufferedSink>(*sink);
+        m_networkSink = std::make_unique<BlockBufferedSink>(*sink);
         sink = m_networkSink.get();
     }
     m_writer = std::make_unique<zip::PackageWriter>(*sink, options);

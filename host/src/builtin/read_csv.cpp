@@ -136,7 +136,8 @@ std::unique_ptr<ByteSource> ActionReadCsv::openFile()
         m_size = file ? file->size() : -1;
         return file;
     }
-    input::Opened opened = isGzip ? input::openGzip(m_name) : input::openCompress(m_name);
+    input::Opened opened = isGzip ? input::openGzipFile(globalParameters(), m_name)
+                                  : input::openCompressFile(globalParameters(), m_name);
     if (!opened) {
         return nullptr;
     }

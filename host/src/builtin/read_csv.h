@@ -1,9 +1,9 @@
 // readCSV: reads rows from a text file with separators (RFC 4180, UTF-8).
 #pragma once
 #include "codecs/csv/record_reader.h"
-#include "codecs/gzip/input_source.h"
 #include "corvanta/action_base.h"
 #include "corvanta/files.h"
+#include "corvanta/input_source.h"
 
 #include <atomic>
 #include <memory>

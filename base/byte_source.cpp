@@ -1,8 +1,8 @@
-#include "codecs/gzip/input_source.h"
+#include "base/byte_source.h"
 
 #include <vector>
 
-namespace corvanta::input {
+namespace corvanta {
 
 bool skipBytes(ByteSource &source, qint64 n)
 {
@@ -18,4 +18,4 @@ bool skipBytes(ByteSource &source, qint64 n)
     return true;
 }
 
-} // namespace corvanta::input
+} // namespace corvanta

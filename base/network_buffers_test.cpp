@@ -1,11 +1,11 @@
-#include "codecs/zip/block_buffered_sink.h"
-#include "codecs/zip/cached_source.h"
+#include "base/block_buffered_sink.h"
+#include "base/cached_source.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-namespace corvanta::zip {
+namespace corvanta {
 namespace {
 
 constexpr qint64 kBlock = BlockBufferedSink::kBlockBytes;
@@ -169,4 +169,4 @@ TEST(CachedSource, SeeksAnywhere)
 }
 
 } // namespace
-} // namespace corvanta::zip
+} // namespace corvanta

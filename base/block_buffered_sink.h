@@ -6,7 +6,7 @@
 #include <deque>
 #include <memory>
 
-namespace corvanta::zip {
+namespace corvanta {
 
 /// Keeps all that was written since the last flush in memory, so that neither small writes nor the
 /// steps back by which a zip writer completes its headers reach the network. The region in memory
@@ -41,4 +41,4 @@ private:
     qint64 m_position;
 };
 
-} // namespace corvanta::zip
+} // namespace corvanta

@@ -1,10 +1,10 @@
-#include "codecs/zip/block_buffered_sink.h"
+#include "base/block_buffered_sink.h"
 
 #include <algorithm>
 #include <cstring>
 #include <new>
 
-namespace corvanta::zip {
+namespace corvanta {
 
 BlockBufferedSink::BlockBufferedSink(ByteSink &target)
     : m_target(target)
@@ -84,4 +84,4 @@ bool BlockBufferedSink::flush()
     return m_target.flush();
 }
 
-} // namespace corvanta::zip
+} // namespace corvanta

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-namespace corvanta::zip {
+namespace corvanta {
 
 /// Small reads come from a copy of the piece of the source they lie in, so that the steps of a zip
 /// reader do not reach the network one by one. Threads: one at a time.
@@ -34,4 +34,4 @@ private:
     qint64 m_position = 0;
 };
 
-} // namespace corvanta::zip
+} // namespace corvanta

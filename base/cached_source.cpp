@@ -1,6 +1,6 @@
-#include "codecs/zip/cached_source.h"
+#include "base/cached_source.h"
 
-namespace corvanta::zip {
+namespace corvanta {
 
 // The piece begins at a multiple of its size: steps backwards, as at the end of a zip file, stay in
 // it.
@@ -41,4 +41,4 @@ bool CachedSource::seek(qint64 offset)
     return true;
 }
 
-} // namespace corvanta::zip
+} // namespace corvanta

@@ -1,0 +1,68 @@
+// Decompresses gzip data (RFC 1952) from a stream of bytes.
+//
+// Accepts several members in sequence, and plain data in place of the first member.
+// Threads: one thread at a time per object; separate objects are independent.
+#pragma once
+#include "base/byte_source.h"
+#include "base/result.h"
+#include "codecs/deflate/inflater.h"
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace corvanta::gzip {
+
+enum class Error : quint8 {
+    Unreadable = 1, ///< The source failed.
+    EndsTooEarly,   ///< The data ends inside a member.
+    UnknownVariant, ///< The method is not deflate, or reserved flags are set.
+    BadData,        ///< The member's data is not a deflate stream.
+    BadChecksum,    ///< The content does not match the CRC-32 or size in the trailer.
+};
+
+class Reader
+{
+public:
+    /// Create a reader that starts at the source's position. Reads nothing yet and always succeeds:
+    /// read() reports a malformed header. `source` must outlive the reader.
+    static Result<std::unique_ptr<Reader>, Error> open(ByteSource &source);
+
+    /// Decompress up to `n` bytes. Returns the number of bytes, and 0 at the end of the data.
+    ///
+    /// Data that does not start with a gzip header is returned unchanged. Bytes after the last
+    /// member that are not a member themselves (padding, for example) are ignored. After a fault,
+    /// every call returns that fault. Errors: all of Error; the detail is a text for the user.
+    Result<qint64, Error> read(char *out, qint64 n);
+
+private:
+    enum class Stage : quint8 { FirstMember, NextMember, Body, Trailer, Plain, End };
+
+    explicit Reader(ByteSource &source);
+    Result<qint64, Error> step(char *out, qint64 n);
+    Result<bool, Error> refill();
+    Result<bool, Error> has(size_t n);
+    Result<void, Error> require(size_t n);
+    Result<void, Error> startMember();
+    Result<void, Error> skipHeader();
+    Result<void, Error> skipExtraField();
+    Result<void, Error> skipZeroTerminated();
+    Result<qint64, Error> readBody(char *out, qint64 n);
+    Result<void, Error> checkTrailer();
+    Result<qint64, Error> readPlain(char *out, qint64 n);
+    const char *unread() const { return m_input.data() + m_at; }
+    size_t unreadBytes() const { return m_end - m_at; }
+
+    ByteSource &m_source;
+    std::unique_ptr<deflate::Inflater> m_inflater;
+    std::vector<char> m_input; // the unread bytes are those from m_at to m_end
+    size_t m_at = 0;
+    size_t m_end = 0;
+    Stage m_stage = Stage::FirstMember;
+    quint32 m_crc = 0;  // of the member's content so far
+    quint32 m_size = 0; // of the member's content so far, modulo 2^32
+    std::optional<Fault<Error>> m_fault;
+};
+
+} // namespace corvanta::gzip

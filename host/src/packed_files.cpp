@@ -1,0 +1,73 @@
+#include "codecs/gzip/gzip_reader.h"
+#include "codecs/lzw/lzw_reader.h"
+#include "corvanta/files.h"
+#include "corvanta/input_source.h"
+
+namespace corvanta::input {
+
+namespace {
+
+/// A file that a codec's reader unpacks. Seeking unpacks again from the start of the file.
+template <class Reader> class PackedFile final : public InputSource
+{
+public:
+    PackedFile(std::unique_ptr<MyReadFile> file, std::unique_ptr<Reader> reader)
+        : m_file(std::move(file))
+        , m_reader(std::move(reader))
+    {
+    }
+
+    qint64 read(void *buffer, qint64 n) override
+    {
+        auto got = m_reader->read(static_cast<char *>(buffer), n);
+        return got ? *got : fail(got.fault().detail);
+    }
+    qint64 size() override { return -1; }
+    bool seek(qint64 offset) override
+    {
+        if (!m_file->seek(0)) {
+            return false;
+        }
+        auto reader = Reader::open(*m_file);
+        if (!reader) {
+            fail(reader.fault().detail);
+            return false;
+        }
+        m_reader = *std::move(reader);
+        clearFailure();
+        return skipBytes(*this, offset);
+    }
+    qint64 progressPosition() const override { return m_file->position(); }
+
+private:
+    std::unique_ptr<MyReadFile> m_file;
+    std::unique_ptr<Reader> m_reader; // reads m_file
+};
+
+template <class Reader> Opened openPacked(GlobalParameters *parameters, const QString &name)
+{
+    std::unique_ptr<MyReadFile> file(MyReadFile::newMyReadFile(parameters, name, true, true));
+    if (!file) {
+        return Fault{OpenError::CannotOpen};
+    }
+    auto reader = Reader::open(*file);
+    if (!reader) {
+        return Fault{OpenError::Refused, reader.fault().detail};
+    }
+    return std::unique_ptr<InputSource>(
+        std::make_unique<PackedFile<Reader>>(std::move(file), *std::move(reader)));
+}
+
+} // namespace
+
+Opened openGzipFile(GlobalParameters *parameters, const QString &name)
+{
+    return openPacked<gzip::Reader>(parameters, name);
+}
+
+Opened openCompressFile(GlobalParameters *parameters, const QString &name)
+{
+    return openPacked<lzw::Reader>(parameters, name);
+}
+
+} // namespace corvanta::input
