@@ -52,13 +52,13 @@ template <class View> bool parseUIntOf(View text, quint64 max, quint64 *value)
 }
 
 /// The position behind a run of at most `most` digits; -1 when the run is longer.
-qsizetype skipDigits(const QByteArray &text, qsizetype at, int most)
+qsizetype skipDigits(const QByteArray &text, qsizetype at, int maxDigits)
 {
     const qsizetype begin = at;
     while (at < text.size() && text[at] >= '0' && text[at] <= '9') {
         ++at;
     }
-    return at - begin > most ? -1 : at;
+    return at - begin > maxDigits ? -1 : at;
 }
 
 /// The position behind the conversion that starts at `at` (a '%'), or -1.

@@ -26,7 +26,7 @@ struct Arena
 QByteArray read(QByteArrayView table, QByteArrayView memoBytes, uint8_t options,
                 MemoFile::Access access, qint64 piece)
 {
-    constexpr int kMostRows = 2000;
+    constexpr int kMaxRows = 2000;
     const TextDecoder decoder =
         (options & 1) != 0 ? TextDecoder::utf8() : TextDecoder::windows1252();
     MemorySource source(table, piece);
@@ -39,13 +39,13 @@ QByteArray read(QByteArrayView table, QByteArrayView memoBytes, uint8_t options,
     MemoFile memo(memoSource, memoFormatOf((*reader)->header()), access, 1);
     (*reader)->setMemoFile(&memo);
     const auto &columns = (*reader)->columns();
-    for (int row = 0; row < kMostRows; ++row) {
+    for (int row = 0; row < kMaxRows; ++row) {
         const auto found = (*reader)->next();
-        if (!found || *found == TableReader::Found::End) {
+        if (!found || *found == TableReader::Item::End) {
             all += found ? "end" : "fault";
             break;
         }
-        if (*found == TableReader::Found::DeletedRecord) {
+        if (*found == TableReader::Item::DeletedRecord) {
             all += "deleted";
             continue;
         }

@@ -10,15 +10,15 @@ using namespace corvanta;
 
 static QByteArray decode(QByteArrayView packed, qint64 inPiece, qint64 outPiece, int *error)
 {
-    constexpr qsizetype kMostBytes = 1 << 20;
+    constexpr qsizetype kMaxBytes = 1 << 20;
     MemorySource source(packed, inPiece);
     auto reader = lzw::Reader::open(source);
     QByteArray out;
     QByteArray piece(outPiece, '\0');
     *error = reader ? 0 : static_cast<int>(reader.fault().code);
-    while (reader && out.size() < kMostBytes) {
+    while (reader && out.size() < kMaxBytes) {
         const auto got =
-            (*reader)->read(piece.data(), std::min<qint64>(outPiece, kMostBytes - out.size()));
+            (*reader)->read(piece.data(), std::min<qint64>(outPiece, kMaxBytes - out.size()));
         *error = got ? 0 : static_cast<int>(got.fault().code);
         if (!got || *got == 0) {
             break;

@@ -10,7 +10,7 @@ using namespace corvanta::parquet;
 
 static quint64 rowsOf(QByteArrayView bytes, const ReadOptions &options, qint64 pieceBytes)
 {
-    constexpr qint64 kMostRows = 20000;
+    constexpr qint64 kMaxRows = 20000;
     MemorySource source(bytes, pieceBytes);
     const auto reader = TableReader::open(source, options, 0);
     if (!reader) {
@@ -19,7 +19,7 @@ static quint64 rowsOf(QByteArrayView bytes, const ReadOptions &options, qint64 p
     const std::vector<Column> &columns = (*reader)->columns();
     std::vector<const uchar *> cells(columns.size());
     quint64 sum = 1;
-    while ((*reader)->rowsRead() < kMostRows) {
+    while ((*reader)->rowsRead() < kMaxRows) {
         const auto more = (*reader)->next(cells.data());
         if (!more || !*more) {
             return sum + (more ? 0 : 1);

@@ -46,8 +46,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const qint64 pieceBytes = 1 + data[0] % 64;
     MemorySource source(QByteArrayView(data, static_cast<qsizetype>(size)), pieceBytes);
     const auto reader = PackageReader::open(source);
-    constexpr size_t kMostMembers = 20;
-    for (size_t i = 0; reader && i < std::min(kMostMembers, (*reader)->members().size()); ++i) {
+    constexpr size_t kMaxMembers = 20;
+    for (size_t i = 0; reader && i < std::min(kMaxMembers, (*reader)->members().size()); ++i) {
         checkMember(**reader, (*reader)->members()[i], pieceBytes);
     }
     return 0;

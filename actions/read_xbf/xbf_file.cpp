@@ -111,13 +111,13 @@ bool XbfFile::next(OneRow &row, Found *found)
         return fail(record.fault());
     }
     switch (*record) {
-    case dbf::TableReader::Found::Record:
+    case dbf::TableReader::Item::Record:
         *found = Found::Row;
         return putCells(row);
-    case dbf::TableReader::Found::DeletedRecord:
+    case dbf::TableReader::Item::DeletedRecord:
         *found = Found::Nothing;
         break;
-    case dbf::TableReader::Found::End:
+    case dbf::TableReader::Item::End:
         *found = Found::End;
         break;
     }
@@ -156,7 +156,7 @@ void XbfFile::warnFindings()
             u"Warning: the DBF file '%1' has %2 records, not %3 as its header says\n"_s.arg(
                 m_name, QString::number(findings.records), QString::number(count)));
     }
-    if (findings.goesOnBehindCount) {
+    if (findings.hasRecordsAfterCount) {
         m_action.warn(
             u"Warning: the DBF file '%1' has more than the %2 records that its header says: they are not read\n"_s
                 .arg(m_name, QString::number(count)));

@@ -92,12 +92,12 @@ Table read(const Inputs &inputs, const TextDecoder &decoder = TextDecoder::uncon
     Arena arena;
     while (true) {
         const auto found = (*reader)->next();
-        if (!found || *found == TableReader::Found::End) {
+        if (!found || *found == TableReader::Item::End) {
             table.fault = found ? std::nullopt : std::optional(found.fault());
             table.findings = (*reader)->findings();
             return table;
         }
-        if (*found == TableReader::Found::DeletedRecord) {
+        if (*found == TableReader::Item::DeletedRecord) {
             continue;
         }
         Row row;
@@ -497,7 +497,7 @@ TEST(Dbf, CountsThatLieAndFilesThatEnd)
             EXPECT_EQ(result.rows.size(), c.rows) << c.what;
             EXPECT_EQ(result.fault.has_value(), c.fails) << c.what;
             EXPECT_EQ(result.findings.endsBeforeCount, c.early) << c.what;
-            EXPECT_EQ(result.findings.goesOnBehindCount, c.more) << c.what;
+            EXPECT_EQ(result.findings.hasRecordsAfterCount, c.more) << c.what;
         }
     }
 }

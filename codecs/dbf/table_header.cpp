@@ -103,16 +103,16 @@ int placeFields(std::vector<Field> &fields)
 }
 
 /// What the descriptors say in one layout.
-struct Described
+struct DescriptorList
 {
     std::vector<Field> fields; ///< in file order, skipped ones too
     int recordBytes = 0;       ///< that the fields make up
 };
 
 /// All lengths are taken for single bytes.
-Described readDescriptors(QByteArrayView header, const Layout &layout)
+DescriptorList readDescriptors(QByteArrayView header, const Layout &layout)
 {
-    Described described;
+    DescriptorList descriptors;
     for (qsizetype at = layout.fixedBytes; at + layout.bytes <= header.size(); at += layout.bytes) {
         const char *const descriptor = header.data() + at;
         if (descriptor[0] == kTerminator || descriptor[0] == '\0') {
@@ -123,38 +123,39 @@ Described readDescriptors(QByteArrayView header, const Layout &layout)
             QByteArray(descriptor, qstrnlen(descriptor, static_cast<size_t>(layout.nameBytes)));
         field.type = descriptor[layout.typeAt];
         field.length = static_cast<uchar>(descriptor[layout.lengthAt]);
-        described.fields.push_back(field);
+        descriptors.fields.push_back(field);
     }
-    described.recordBytes = placeFields(described.fields);
-    return described;
+    descriptors.recordBytes = placeFields(descriptors.fields);
+    return descriptors;
 }
 
 /// Clipper and FoxPro keep the high byte of a long text's length in the place of the decimals.
 /// Others leave garbage there, so that this counts only where the record's length asks for it.
-Described withLongTexts(Described described, QByteArrayView header, const Layout &layout)
+DescriptorList withLongTexts(DescriptorList descriptors, QByteArrayView header,
+                             const Layout &layout)
 {
     qsizetype at = layout.fixedBytes + layout.decimalsAt;
-    for (Field &field : described.fields) {
+    for (Field &field : descriptors.fields) {
         if (field.type == 'C') {
             field.length += static_cast<uchar>(header[at]) << 8;
         }
         at += layout.bytes;
     }
-    described.recordBytes = placeFields(described.fields);
-    return described;
+    descriptors.recordBytes = placeFields(descriptors.fields);
+    return descriptors;
 }
 
 /// The descriptors in the way that makes up the record's length, if there is one.
-Described describe(QByteArrayView header, const Layout &layout, int recordBytes)
+DescriptorList chooseDescriptors(QByteArrayView header, const Layout &layout, int recordBytes)
 {
-    Described described = readDescriptors(header, layout);
-    if (described.recordBytes != recordBytes && &layout == &kUsual) {
-        Described longer = withLongTexts(described, header, layout);
+    DescriptorList descriptors = readDescriptors(header, layout);
+    if (descriptors.recordBytes != recordBytes && &layout == &kUsual) {
+        DescriptorList longer = withLongTexts(descriptors, header, layout);
         if (longer.recordBytes == recordBytes) {
             return longer;
         }
     }
-    return described;
+    return descriptors;
 }
 
 Fault<Error> badHeader(const QString &why, qint64 offset)
@@ -193,9 +194,10 @@ std::optional<TableHeader> parseDbase2(QByteArrayView bytes)
     header.recordCount = loadLE<quint16>(bytes.data() + 1);
     header.headerBytes = kDbase2HeaderBytes;
     header.recordBytes = loadLE<quint16>(bytes.data() + 6);
-    const Described described = readDescriptors(bytes.first(kDbase2HeaderBytes), kDbase2Layout);
-    if (described.fields.empty() || described.recordBytes != header.recordBytes ||
-        !chooseColumns(described.fields, &header)) {
+    const DescriptorList descriptors =
+        readDescriptors(bytes.first(kDbase2HeaderBytes), kDbase2Layout);
+    if (descriptors.fields.empty() || descriptors.recordBytes != header.recordBytes ||
+        !chooseColumns(descriptors.fields, &header)) {
         return std::nullopt;
     }
     return header;
@@ -205,27 +207,29 @@ std::optional<TableHeader> parseDbase2(QByteArrayView bytes)
 /// reads a table need not know which program wrote it.
 Result<TableHeader, Error> parse(QByteArrayView bytes, TableHeader header)
 {
-    const auto fits = [&](const Described &described) {
-        return !described.fields.empty() && described.recordBytes == header.recordBytes;
+    const auto fits = [&](const DescriptorList &descriptors) {
+        return !descriptors.fields.empty() && descriptors.recordBytes == header.recordBytes;
     };
     const auto layoutOf = [](bool isLevel7) -> const Layout & {
         return isLevel7 ? kLevel7 : kUsual;
     };
-    Described described = describe(bytes, layoutOf(header.isLevel7), header.recordBytes);
-    if (!fits(described)) {
-        Described other = describe(bytes, layoutOf(!header.isLevel7), header.recordBytes);
+    DescriptorList descriptors =
+        chooseDescriptors(bytes, layoutOf(header.isLevel7), header.recordBytes);
+    if (!fits(descriptors)) {
+        DescriptorList other =
+            chooseDescriptors(bytes, layoutOf(!header.isLevel7), header.recordBytes);
         if (fits(other)) {
-            described = std::move(other);
+            descriptors = std::move(other);
             header.isLevel7 = !header.isLevel7;
         }
     }
     if (bytes.size() < layoutOf(header.isLevel7).fixedBytes) {
         return badHeader(QStringLiteral("its header or record length is not possible"), 8);
     }
-    if (described.recordBytes > header.recordBytes) {
+    if (descriptors.recordBytes > header.recordBytes) {
         return badHeader(QStringLiteral("its fields do not fit its record length"), 10);
     }
-    auto chosen = chooseColumns(described.fields, &header);
+    auto chosen = chooseColumns(descriptors.fields, &header);
     if (!chosen) {
         return chosen.fault();
     }

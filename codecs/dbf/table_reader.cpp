@@ -204,7 +204,7 @@ void TableReader::chooseNumberForm()
     m_hasSortingNumbers = votes.sorting > votes.plain;
 }
 
-Result<TableReader::Found, Error> TableReader::next()
+Result<TableReader::Item, Error> TableReader::next()
 {
     auto available = fill();
     if (!available) {
@@ -212,11 +212,11 @@ Result<TableReader::Found, Error> TableReader::next()
     }
     if (m_findings.records == m_header.recordCount) {
         endOfCount();
-        return Found::End;
+        return Item::End;
     }
     if (*available > 0 && m_buffer[m_at] == kEndMark) {
         m_findings.endsBeforeCount = true;
-        return Found::End;
+        return Item::End;
     }
     if (*available < m_header.recordBytes) {
         const auto offset =
@@ -230,13 +230,13 @@ Result<TableReader::Found, Error> TableReader::next()
     m_record = m_buffer.data() + m_at;
     m_at += static_cast<size_t>(m_header.recordBytes);
     ++m_findings.records;
-    return *m_record == kDeleted ? Found::DeletedRecord : Found::Record;
+    return *m_record == kDeleted ? Item::DeletedRecord : Item::Record;
 }
 
 void TableReader::endOfCount()
 {
     const bool isRecord = m_end - m_at >= static_cast<size_t>(m_header.recordBytes);
-    m_findings.goesOnBehindCount =
+    m_findings.hasRecordsAfterCount =
         isRecord && (m_buffer[m_at] == kDeleted || m_buffer[m_at] == kNotDeleted);
 }
 

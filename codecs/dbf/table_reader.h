@@ -21,7 +21,7 @@ struct Findings
     quint64 unreadableMemos = 0;
     bool endsBeforeCount =
         false; ///< an end mark stands before the header's record count is reached
-    bool goesOnBehindCount = false; ///< more records follow than the header counts
+    bool hasRecordsAfterCount = false; ///< more records follow than the header counts
 };
 
 class TableReader
@@ -39,10 +39,10 @@ public:
     /// Where memo fields find their texts; without one they are missing. Must outlive the reader.
     void setMemoFile(MemoFile *memo) { m_memo = memo; }
 
-    enum class Found : quint8 { Record, DeletedRecord, End };
+    enum class Item : quint8 { Record, DeletedRecord, End };
     /// Go to the next record: one at a time, so that the caller can stop between two deleted ones.
     /// Errors: ShortTable, Unreadable.
-    Result<Found, Error> next();
+    Result<Item, Error> next();
 
     /// The cell of a column of the current record, made in `arena`: a type with alloc(int), whose
     /// room suits the units of a text cell (see base/cell.h). Null after a fault of the memo file,

@@ -10,12 +10,12 @@ namespace corvanta::deflate {
 
 namespace {
 
-constexpr size_t kMostWorkers = 16;
+constexpr size_t kMaxWorkers = 16;
 
 size_t workerLimit(int wanted)
 {
     const size_t cores = std::max(1U, std::thread::hardware_concurrency());
-    return std::min(wanted < 0 ? cores : static_cast<size_t>(wanted), kMostWorkers);
+    return std::min(wanted < 0 ? cores : static_cast<size_t>(wanted), kMaxWorkers);
 }
 
 } // namespace
@@ -60,7 +60,7 @@ void DeflateStream::stop()
 {
     const std::scoped_lock lock(m_mutex);
     m_isStopped = true;
-    m_workThere.notify_all();
+    m_workAvailable.notify_all();
     m_progress.notify_all();
 }
 
@@ -145,12 +145,12 @@ Result<void, Error> DeflateStream::cut()
 
 Result<DeflateStream::Block *, Error> DeflateStream::acquire(Lock &lock)
 {
-    const size_t mostBlocks = 2 * m_workerLimit + 2;
+    const size_t maxBlocks = 2 * m_workerLimit + 2;
     for (;;) {
         if (auto good = checkFailure(lock); !good) {
             return good.fault();
         }
-        if (m_free.empty() && m_blocks.size() < mostBlocks) {
+        if (m_free.empty() && m_blocks.size() < maxBlocks) {
             m_free.push_back(m_blocks.emplace_back(std::make_unique<Block>()).get());
         }
         if (!m_free.empty()) {
@@ -165,9 +165,9 @@ Result<DeflateStream::Block *, Error> DeflateStream::acquire(Lock &lock)
 // A failed write is told once; the next call of the caller means "try again".
 Result<void, Error> DeflateStream::checkFailure(Lock &lock)
 {
-    if (m_hasWriteFailed && m_isFailureTold) {
+    if (m_hasWriteFailed && m_failureReported) {
         m_hasWriteFailed = false;
-        m_isFailureTold = false;
+        m_failureReported = false;
         drain(lock);
     }
     if (m_isStopped) {
@@ -177,7 +177,7 @@ Result<void, Error> DeflateStream::checkFailure(Lock &lock)
         return Fault{Error::NoMemory};
     }
     if (m_hasWriteFailed) {
-        m_isFailureTold = true;
+        m_failureReported = true;
         return Fault{Error::WriteFailed};
     }
     return {};
@@ -190,7 +190,7 @@ void DeflateStream::submit(Block *block, Lock &lock)
     m_order.push_back(block);
     lock.unlock();
     startWorker();
-    m_workThere.notify_one();
+    m_workAvailable.notify_one();
     lock.lock();
 }
 
@@ -212,7 +212,7 @@ void DeflateStream::work()
     std::unique_ptr<Deflater> deflater;
     Lock lock(m_mutex);
     for (;;) {
-        m_workThere.wait(lock, [this] { return m_isStopped || !m_pending.empty(); });
+        m_workAvailable.wait(lock, [this] { return m_isStopped || !m_pending.empty(); });
         if (m_isStopped) {
             return;
         }

@@ -97,7 +97,7 @@ private:
     size_t m_writeDone = 0;               // of a write() that ended with a fault
 
     mutable std::mutex m_mutex;
-    std::condition_variable m_workThere;          // for the workers
+    std::condition_variable m_workAvailable;      // for the workers
     std::condition_variable m_progress;           // for the caller
     std::vector<std::unique_ptr<Block>> m_blocks; // guarded by m_mutex, as all that follows
     std::vector<Block *> m_free;
@@ -106,7 +106,7 @@ private:
     Totals m_totals;
     bool m_isWriting = false;
     bool m_hasWriteFailed = false; // nothing is written until the caller comes again
-    bool m_isFailureTold = false;
+    bool m_failureReported = false;
     bool m_isOutOfMemory = false;
     bool m_isStopped = false;
     std::vector<std::thread> m_workers; // the caller's; last, so that the rest outlives them

@@ -8,10 +8,10 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int kIsalLeast = 1; // 0 makes what cannot be compressed a quarter larger
-constexpr int kIsalMost = 3;
-constexpr int kZlibLeast = 1;
-constexpr int kZlibMost = 9;
+constexpr int kMinIsalLevel = 1; // 0 makes what cannot be compressed a quarter larger
+constexpr int kMaxIsalLevel = 3;
+constexpr int kMinZlibLevel = 1;
+constexpr int kMaxZlibLevel = 9;
 
 } // namespace
 
@@ -24,10 +24,10 @@ std::optional<Level> parseLevel(QStringView text)
     if (dash < 0 || !isNumber) {
         return std::nullopt;
     }
-    if (engine == "isal"_L1 && level >= kIsalLeast && level <= kIsalMost) {
+    if (engine == "isal"_L1 && level >= kMinIsalLevel && level <= kMaxIsalLevel) {
         return Level{Engine::Isal, level};
     }
-    if (engine == "zlib"_L1 && level >= kZlibLeast && level <= kZlibMost) {
+    if (engine == "zlib"_L1 && level >= kMinZlibLevel && level <= kMaxZlibLevel) {
         return Level{Engine::Zlib, level};
     }
     return std::nullopt;
@@ -41,7 +41,7 @@ std::unique_ptr<Deflater> makeDeflater(Level level)
 #ifdef CORVANTA_HAVE_ISAL
     return makeIsalDeflater(level.level);
 #else
-    return makeZlibDeflater(level.level < kIsalMost ? kZlibLeast : kIsalMost);
+    return makeZlibDeflater(level.level < kMaxIsalLevel ? kMinZlibLevel : kMaxIsalLevel);
 #endif
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kRawWindowBits = -15; // negative: no zlib wrapper
 constexpr int kMemoryLevel = 8;
-constexpr size_t kLeastRoom = 64 * 1024;
+constexpr size_t kRoomBytes = 64 * 1024;
 
 class ZlibDeflater final : public Deflater
 {
@@ -38,7 +38,7 @@ public:
         const int flush = ending == Ending::Last ? Z_FINISH : Z_SYNC_FLUSH;
         size_t used = 0;
         do { // a full output buffer means that there may be more to come
-            out.resize(std::max(out.size(), used + kLeastRoom));
+            out.resize(std::max(out.size(), used + kRoomBytes));
             m_stream.next_out = reinterpret_cast<Bytef *>(out.data() + used);
             m_stream.avail_out = static_cast<uInt>(out.size() - used);
             ::deflate(&m_stream, flush);

@@ -66,8 +66,8 @@ Result<QByteArray, Error> readBytes(ByteSource &source, qint64 offset, qint64 n)
 /// packed form of the same in Unicode.
 QString shownName(QByteArrayView stored)
 {
-    constexpr qsizetype kMostBytes = 255;
-    const QByteArrayView shown = stored.first(std::min(stored.size(), kMostBytes));
+    constexpr qsizetype kMaxBytes = 255;
+    const QByteArrayView shown = stored.first(std::min(stored.size(), kMaxBytes));
     return QString::fromUtf8(shown.first(qsizetype(qstrnlen(shown.data(), size_t(shown.size())))));
 }
 

@@ -34,12 +34,12 @@ bool RarRing::put(std::span<const char> bytes)
 {
     while (!bytes.empty()) {
         std::unique_lock lock(m_mutex);
-        m_roomThere.wait(lock, [this] { return m_isAborted || m_count <= m_highWater; });
+        m_roomAvailable.wait(lock, [this] { return m_isAborted || m_count <= m_highWater; });
         if (m_isAborted) {
             return false;
         }
         bytes = bytes.subspan(copyIn(bytes));
-        m_dataThere.notify_one();
+        m_dataAvailable.notify_one();
     }
     return true;
 }
@@ -49,7 +49,7 @@ void RarRing::finish(const QString &failure)
     const std::lock_guard lock(m_mutex);
     m_isFinished = true;
     m_failure = failure;
-    m_dataThere.notify_one();
+    m_dataAvailable.notify_one();
 }
 
 qint64 RarRing::take(char *out, qint64 n)
@@ -57,13 +57,13 @@ qint64 RarRing::take(char *out, qint64 n)
     qint64 done = 0;
     while (done < n) {
         std::unique_lock lock(m_mutex);
-        m_dataThere.wait(lock, [this] { return m_isAborted || m_isFinished || m_count > 0; });
+        m_dataAvailable.wait(lock, [this] { return m_isAborted || m_isFinished || m_count > 0; });
         if (m_isAborted || m_count == 0) {
             break;
         }
         done += static_cast<qint64>(copyOut(out + done, static_cast<size_t>(n - done)));
         if (m_count <= m_highWater) {
-            m_roomThere.notify_one();
+            m_roomAvailable.notify_one();
         }
     }
     return done;
@@ -79,8 +79,8 @@ void RarRing::abort()
 {
     const std::lock_guard lock(m_mutex);
     m_isAborted = true;
-    m_dataThere.notify_all();
-    m_roomThere.notify_all();
+    m_dataAvailable.notify_all();
+    m_roomAvailable.notify_all();
 }
 
 } // namespace corvanta::input

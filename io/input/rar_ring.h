@@ -43,8 +43,8 @@ private:
     size_t copyOut(char *out, size_t n);
 
     std::mutex m_mutex; // guards all that follows
-    std::condition_variable m_dataThere;
-    std::condition_variable m_roomThere;
+    std::condition_variable m_dataAvailable;
+    std::condition_variable m_roomAvailable;
     std::vector<char> m_ring;
     const size_t m_highWater;
     size_t m_count = 0;

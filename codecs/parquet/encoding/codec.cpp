@@ -32,7 +32,7 @@ public:
 class SnappyCompressor final : public Compressor
 {
 public:
-    size_t mostBytes(size_t n) const override { return snappy::MaxCompressedLength(n); }
+    size_t maxBytes(size_t n) const override { return snappy::MaxCompressedLength(n); }
     size_t compress(std::span<const char> in, char *out) override
     {
         size_t size = 0;
@@ -100,7 +100,7 @@ public:
             deflateEnd(&m_stream);
         }
     }
-    size_t mostBytes(size_t n) const override
+    size_t maxBytes(size_t n) const override
     {
         return deflateBound(const_cast<z_stream *>(&m_stream), n);
     }
@@ -112,7 +112,7 @@ public:
         m_stream.next_in = reinterpret_cast<uchar *>(const_cast<char *>(in.data()));
         m_stream.avail_in = static_cast<uInt>(in.size());
         m_stream.next_out = reinterpret_cast<uchar *>(out);
-        m_stream.avail_out = static_cast<uInt>(mostBytes(in.size()));
+        m_stream.avail_out = static_cast<uInt>(maxBytes(in.size()));
         return deflate(&m_stream, Z_FINISH) == Z_STREAM_END ? m_stream.total_out : 0;
     }
 
@@ -141,11 +141,11 @@ private:
 class ZstdCompressor final : public Compressor
 {
 public:
-    size_t mostBytes(size_t n) const override { return ZSTD_compressBound(n); }
+    size_t maxBytes(size_t n) const override { return ZSTD_compressBound(n); }
     size_t compress(std::span<const char> in, char *out) override
     {
         constexpr int kLevel = 3;
-        const size_t size = ZSTD_compressCCtx(m_context.get(), out, mostBytes(in.size()), in.data(),
+        const size_t size = ZSTD_compressCCtx(m_context.get(), out, maxBytes(in.size()), in.data(),
                                               in.size(), kLevel);
         return ZSTD_isError(size) != 0 ? 0 : size;
     }
@@ -173,14 +173,14 @@ public:
 class Lz4Compressor final : public Compressor
 {
 public:
-    size_t mostBytes(size_t n) const override
+    size_t maxBytes(size_t n) const override
     {
         return static_cast<size_t>(LZ4_compressBound(static_cast<int>(n)));
     }
     size_t compress(std::span<const char> in, char *out) override
     {
         const int size = LZ4_compress_default(in.data(), out, static_cast<int>(in.size()),
-                                              static_cast<int>(mostBytes(in.size())));
+                                              static_cast<int>(maxBytes(in.size())));
         return static_cast<size_t>(std::max(size, 0));
     }
 };
@@ -200,11 +200,11 @@ public:
 class BrotliCompressor final : public Compressor
 {
 public:
-    size_t mostBytes(size_t n) const override { return BrotliEncoderMaxCompressedSize(n); }
+    size_t maxBytes(size_t n) const override { return BrotliEncoderMaxCompressedSize(n); }
     size_t compress(std::span<const char> in, char *out) override
     {
         constexpr int kQuality = 4;
-        size_t size = mostBytes(in.size());
+        size_t size = maxBytes(in.size());
         return BrotliEncoderCompress(kQuality, BROTLI_DEFAULT_WINDOW, BROTLI_DEFAULT_MODE,
                                      in.size(), reinterpret_cast<const uchar *>(in.data()), &size,
                                      reinterpret_cast<uchar *>(out)) == BROTLI_TRUE

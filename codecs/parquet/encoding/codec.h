@@ -32,8 +32,8 @@ public:
     Compressor &operator=(const Compressor &) = delete;
     virtual ~Compressor() = default;
     /// The most bytes that `n` bytes can become.
-    virtual size_t mostBytes(size_t n) const = 0;
-    /// Compress into `out`, of mostBytes(in.size()) bytes; the bytes used, 0 after a failure.
+    virtual size_t maxBytes(size_t n) const = 0;
+    /// Compress into `out`, of maxBytes(in.size()) bytes; the bytes used, 0 after a failure.
     virtual size_t compress(std::span<const char> in, char *out) = 0;
 };
 

@@ -14,7 +14,7 @@ namespace corvanta::parquet {
 namespace {
 
 constexpr size_t kGroup = 8;
-constexpr size_t kMostPackedGroups = 63;
+constexpr size_t kMaxPackedGroups = 63;
 
 void appendVarint(quint64 value, std::vector<char> &out)
 {
@@ -46,7 +46,7 @@ public:
     template <class T> void addGroup(const T *values, size_t n)
     {
         endRepeated();
-        if (m_groups == kMostPackedGroups) {
+        if (m_groups == kMaxPackedGroups) {
             endPacked();
         }
         if (m_groups == 0) {
@@ -103,8 +103,8 @@ bool HybridDecoder::nextRun()
 {
     quint64 header = 0;
     for (int shift = 0;; shift += 7) {
-        constexpr int kMostShift = 35;
-        if (m_at == m_end || shift > kMostShift) {
+        constexpr int kMaxShift = 35;
+        if (m_at == m_end || shift > kMaxShift) {
             return false;
         }
         const uchar byte = *m_at++;

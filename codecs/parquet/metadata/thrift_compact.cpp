@@ -72,9 +72,9 @@ int CompactReader::fail()
 
 int CompactReader::readVarint(quint64 *value)
 {
-    constexpr int kMostBytes = 10;
+    constexpr int kMaxBytes = 10;
     *value = 0;
-    for (int i = 0; i < kMostBytes && m_at < m_bytes.size(); ++i) {
+    for (int i = 0; i < kMaxBytes && m_at < m_bytes.size(); ++i) {
         const uchar byte = m_bytes[m_at++];
         *value |= static_cast<quint64>(byte & 0x7F) << (7 * i);
         if (byte < 0x80) {
@@ -376,10 +376,10 @@ int CompactWriter::writeStructEnd()
 
 int CompactWriter::writeFieldHeader(quint8 wireType, qint16 id)
 {
-    constexpr int kMostDelta = 15;
+    constexpr int kMaxDelta = 15;
     const int delta = id - m_lastId;
     m_lastId = id;
-    if (delta > 0 && delta <= kMostDelta) {
+    if (delta > 0 && delta <= kMaxDelta) {
         m_bytes.append(static_cast<char>(delta << 4 | wireType));
         return 1;
     }

@@ -27,10 +27,10 @@ public:
     }
 
     /// Make a cell of what `convert` (from a place for units; returns their count) puts there.
-    template <class Convert> const uchar *add(qsizetype mostUnits, Convert &&convert)
+    template <class Convert> const uchar *add(qsizetype maxUnits, Convert &&convert)
     {
         // The code ends where the units begin, however long it turns out to be.
-        uchar *const units = m_at + (mostUnits < kShortText ? 2 : kLengthRoom);
+        uchar *const units = m_at + (maxUnits < kShortText ? 2 : kLengthRoom);
         const qsizetype count = convert(reinterpret_cast<char16_t *>(units));
         const quint32 code = cell::codeOfText(count);
         const int lengthBytes = cell::lengthBytes(code);
@@ -75,7 +75,7 @@ void convertLogical(const Column &column, std::span<const std::string_view> valu
     size_t units = 0;
     for (const std::string_view value : values) {
         const auto n = static_cast<qsizetype>(value.size());
-        units += static_cast<size_t>(std::max(n, mostLogicalChars(column, n)));
+        units += static_cast<size_t>(std::max(n, maxLogicalChars(column, n)));
     }
     TextCells cells(block, values.size(), units);
     std::vector<char> ascii;
@@ -86,7 +86,7 @@ void convertLogical(const Column &column, std::span<const std::string_view> valu
                 n, [&](char16_t *out) { return utf8OrLatin1ToUtf16(values[i].data(), n, out); });
             continue;
         }
-        ascii.resize(static_cast<size_t>(mostLogicalChars(column, n)));
+        ascii.resize(static_cast<size_t>(maxLogicalChars(column, n)));
         const qsizetype chars = putLogical(column, values[i], ascii.data());
         block.texts[i] =
             cells.add(chars, [&](char16_t *out) { return utf8ToUtf16(ascii.data(), chars, out); });

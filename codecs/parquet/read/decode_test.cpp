@@ -41,7 +41,7 @@ std::u16string textAt(const CellBlock &block, qsizetype row)
 
 QByteArray logical(const Column &column, const QByteArray &stored)
 {
-    QByteArray text(mostLogicalChars(column, stored.size()), '\0');
+    QByteArray text(maxLogicalChars(column, stored.size()), '\0');
     text.resize(putLogical(column, {stored.constData(), size_t(stored.size())}, text.data()));
     return text;
 }
@@ -252,9 +252,9 @@ TEST(Encodings, ClaimsBeyondTheBytesAreRefused)
     const Column numbers = columnOf(Form::KeyLow32, kInt64, 8);
     const Column texts = columnOf(Form::Text, kByteArray, 0);
     const auto isRead = [&](qint32 encoding, const Column &column, const std::vector<char> &bytes,
-                            qint32 most) {
+                            qint32 maxValues) {
         const std::vector<uchar> all = withTail(bytes);
-        return toPlain(encoding, column, {all.data(), bytes.size()}, most, out);
+        return toPlain(encoding, column, {all.data(), bytes.size()}, maxValues, out);
     };
     const std::vector<char> one{char(0x80), 1, 4, 1, 6}; // block 128, 4 miniblocks, 1 value: 3
     EXPECT_TRUE(isRead(kDeltaBinaryPacked, numbers, one, 1));
@@ -282,7 +282,7 @@ TEST(Codec, EveryCodecGivesBackExactlyWhatItTook)
     for (const qint32 codec : {kSnappy, kGzip, kBrotli, kZstd, kLz4Raw}) {
         const auto compressor = makeCompressor(codec);
         const auto decompressor = makeDecompressor(codec);
-        std::vector<char> packed(compressor->mostBytes(page.size()));
+        std::vector<char> packed(compressor->maxBytes(page.size()));
         packed.resize(compressor->compress(page, packed.data()));
         const std::span<const uchar> in(reinterpret_cast<const uchar *>(packed.data()),
                                         packed.size());

@@ -16,7 +16,7 @@ namespace corvanta::parquet {
 namespace {
 
 /// Values of a page that is decoded at once. Real pages have a tenth of it.
-constexpr qint32 kMostValues = 16 << 20;
+constexpr qint32 kMaxValues = 16 << 20;
 
 /// DELTA_BINARY_PACKED: varints block size, miniblocks per block, count, zigzag first value; then
 /// blocks of a zigzag smallest delta, a bit width for each miniblock, and the miniblocks' packed
@@ -31,7 +31,7 @@ public:
     }
 
     /// All values of the run; false when it is damaged or has more than `most`.
-    bool readAll(std::vector<qint64> &values, qint32 most)
+    bool readAll(std::vector<qint64> &values, qint32 maxValues)
     {
         quint64 blockSize = 0;
         quint64 miniblocks = 0;
@@ -43,7 +43,7 @@ public:
         constexpr quint64 kLargestBlock = 1 << 20;
         const bool isSound = blockSize > 0 && blockSize <= kLargestBlock && miniblocks > 0 &&
                              blockSize % miniblocks == 0 && blockSize / miniblocks % 8 == 0 &&
-                             count <= static_cast<quint64>(most);
+                             count <= static_cast<quint64>(maxValues);
         if (!isSound) {
             return false;
         }
@@ -69,9 +69,9 @@ private:
 
     bool varint(quint64 &value)
     {
-        constexpr int kMostShift = 63;
+        constexpr int kMaxShift = 63;
         value = 0;
-        for (int shift = 0; m_at != m_end && shift <= kMostShift; shift += 7) {
+        for (int shift = 0; m_at != m_end && shift <= kMaxShift; shift += 7) {
             const uchar byte = *m_at++;
             value |= static_cast<quint64>(byte & 0x7F) << shift;
             if (byte < 0x80) {
@@ -131,10 +131,10 @@ private:
     const uchar *m_end;
 };
 
-bool plainNumbers(std::span<const uchar> in, int width, qint32 most, std::vector<uchar> &out)
+bool plainNumbers(std::span<const uchar> in, int width, qint32 maxValues, std::vector<uchar> &out)
 {
     std::vector<qint64> values;
-    if (!DeltaDecoder(in).readAll(values, most)) {
+    if (!DeltaDecoder(in).readAll(values, maxValues)) {
         return false;
     }
     out.resize(values.size() * static_cast<size_t>(width));
@@ -186,12 +186,12 @@ private:
 };
 
 /// DELTA_LENGTH_BYTE_ARRAY: the lengths as a delta run, then all bytes.
-bool plainFromLengths(const Column &column, std::span<const uchar> in, qint32 most,
+bool plainFromLengths(const Column &column, std::span<const uchar> in, qint32 maxValues,
                       std::vector<uchar> &out)
 {
     DeltaDecoder delta(in);
     std::vector<qint64> lengths;
-    if (!delta.readAll(lengths, most)) {
+    if (!delta.readAll(lengths, maxValues)) {
         return false;
     }
     std::span<const uchar> bytes = delta.rest();
@@ -209,17 +209,17 @@ bool plainFromLengths(const Column &column, std::span<const uchar> in, qint32 mo
 
 /// DELTA_BYTE_ARRAY: how many bytes each value shares with the one before, as a delta run; then the
 /// other bytes as DELTA_LENGTH_BYTE_ARRAY.
-bool plainFromPrefixes(const Column &column, std::span<const uchar> in, qint32 most,
+bool plainFromPrefixes(const Column &column, std::span<const uchar> in, qint32 maxValues,
                        std::vector<uchar> &out)
 {
     DeltaDecoder delta(in);
     std::vector<qint64> prefixes;
-    if (!delta.readAll(prefixes, most)) {
+    if (!delta.readAll(prefixes, maxValues)) {
         return false;
     }
     DeltaDecoder suffixDelta(delta.rest());
     std::vector<qint64> suffixes;
-    if (!suffixDelta.readAll(suffixes, most) || suffixes.size() != prefixes.size()) {
+    if (!suffixDelta.readAll(suffixes, maxValues) || suffixes.size() != prefixes.size()) {
         return false;
     }
     std::span<const uchar> bytes = suffixDelta.rest();
@@ -247,10 +247,11 @@ bool plainFromPrefixes(const Column &column, std::span<const uchar> in, qint32 m
 }
 
 /// BYTE_STREAM_SPLIT: the first bytes of all values, then the second ones, ...
-bool plainFromStreams(std::span<const uchar> in, size_t width, qint32 most, std::vector<uchar> &out)
+bool plainFromStreams(std::span<const uchar> in, size_t width, qint32 maxValues,
+                      std::vector<uchar> &out)
 {
     const size_t count = in.size() / width;
-    if (count > static_cast<size_t>(most)) {
+    if (count > static_cast<size_t>(maxValues)) {
         return false;
     }
     out.resize(count * width);
@@ -280,25 +281,25 @@ bool hasPlainForm(qint32 encoding, qint32 physical)
     }
 }
 
-bool toPlain(qint32 encoding, const Column &column, std::span<const uchar> in, qint32 most,
+bool toPlain(qint32 encoding, const Column &column, std::span<const uchar> in, qint32 maxValues,
              std::vector<uchar> &out)
 {
-    if (most < 0 || most > kMostValues) {
+    if (maxValues < 0 || maxValues > kMaxValues) {
         return false;
     }
     bool isGood = false;
     switch (encoding) {
     case kDeltaBinaryPacked:
-        isGood = plainNumbers(in, column.valueBytes, most, out);
+        isGood = plainNumbers(in, column.valueBytes, maxValues, out);
         break;
     case kDeltaLengthByteArray:
-        isGood = plainFromLengths(column, in, most, out);
+        isGood = plainFromLengths(column, in, maxValues, out);
         break;
     case kDeltaByteArray:
-        isGood = plainFromPrefixes(column, in, most, out);
+        isGood = plainFromPrefixes(column, in, maxValues, out);
         break;
     default:
-        isGood = plainFromStreams(in, static_cast<size_t>(column.valueBytes), most, out);
+        isGood = plainFromStreams(in, static_cast<size_t>(column.valueBytes), maxValues, out);
     }
     out.resize(out.size() + kPageTailBytes, 0);
     return isGood;

@@ -13,7 +13,7 @@ bool hasPlainForm(qint32 encoding, qint32 physical);
 
 /// Write the values of a page as their PLAIN bytes to `out`, kPageTailBytes zeros behind them.
 /// False when the bytes are not such values, or more than `most`.
-bool toPlain(qint32 encoding, const Column &column, std::span<const uchar> in, qint32 most,
+bool toPlain(qint32 encoding, const Column &column, std::span<const uchar> in, qint32 maxValues,
              std::vector<uchar> &out);
 
 /// "RLE_DICTIONARY", ...; the number for an unknown one.

@@ -197,7 +197,7 @@ qint64 integerOf(std::string_view stored)
 
 } // namespace
 
-qsizetype mostLogicalChars(const Column &column, qsizetype bytes)
+qsizetype maxLogicalChars(const Column &column, qsizetype bytes)
 {
     constexpr qsizetype kOthers = 64;
     // Eight bits take less than two and a half digits.

@@ -8,7 +8,7 @@
 namespace corvanta::parquet {
 
 /// The most characters that a value of `bytes` stored bytes becomes.
-qsizetype mostLogicalChars(const Column &column, qsizetype bytes);
+qsizetype maxLogicalChars(const Column &column, qsizetype bytes);
 
 /// Print a stored value of one of the text forms (not Form::Text) in ASCII; the characters written.
 qsizetype putLogical(const Column &column, std::string_view stored, char *out);

@@ -41,15 +41,15 @@ void PageReader::start(qint64 offset, qint32 codec)
 }
 
 /// Buffer up to `most` bytes from the page's beginning on.
-PageReader::Fill PageReader::fill(size_t most)
+PageReader::Fill PageReader::fill(size_t maxBytes)
 {
     std::memmove(m_buffer.data(), m_buffer.data() + m_begin, m_end - m_begin);
     m_end -= m_begin;
     m_begin = 0;
-    if (m_end >= most || m_isFileEnd) {
+    if (m_end >= maxBytes || m_isFileEnd) {
         return Fill::Ended;
     }
-    const auto wanted = static_cast<qint64>(most - m_end);
+    const auto wanted = static_cast<qint64>(maxBytes - m_end);
     const qint64 got = m_file.readAt(m_fileAt, m_buffer.data() + m_end, wanted);
     if (got < 1) {
         return Fill::Failed;

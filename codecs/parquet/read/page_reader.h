@@ -43,7 +43,7 @@ public:
 
 private:
     enum class Fill : quint8 { Read, Ended, Failed };
-    Fill fill(size_t most);
+    Fill fill(size_t maxBytes);
     Result<PageHeader, Error> nextHeader();
     Result<std::span<const uchar>, Error> readBody(qint64 bytes);
     Result<std::span<const uchar>, Error> uncompress(std::span<const uchar> in, qint64 bytes);

@@ -68,7 +68,7 @@ ColumnWriter::ColumnWriter(const WriterColumn &column, const WriteOptions &optio
     : m_column(column)
     , m_options(options)
     , m_capacity(static_cast<size_t>(options.pageSizeKiB) * 1024)
-    , m_mostRows(m_capacity / std::max<size_t>(valueBytes(column.storage), 1))
+    , m_maxRows(m_capacity / std::max<size_t>(valueBytes(column.storage), 1))
     , m_compressor(compressor)
     , m_usesDictionary(options.dictionaryPages)
 {
@@ -123,8 +123,8 @@ bool ColumnWriter::addText(const uchar *cell)
         addNull();
         return true;
     }
-    constexpr size_t kMostBytesPerUnit = 3;
-    char *plain = room(kLengthBytes + static_cast<size_t>(text.size()) * kMostBytesPerUnit);
+    constexpr size_t kMaxBytesPerUnit = 3;
+    char *plain = room(kLengthBytes + static_cast<size_t>(text.size()) * kMaxBytesPerUnit);
     const auto n = static_cast<size_t>(utf16ToUtf8(text.data(), text.size(), plain + kLengthBytes));
     storeLE(static_cast<quint32>(n), plain);
     if (n + kLengthBytes + 1 > m_capacity) {
@@ -173,7 +173,7 @@ void ColumnWriter::addNull()
 void ColumnWriter::addRow(uchar level)
 {
     m_levels.push_back(level);
-    if (m_levels.size() == m_mostRows) {
+    if (m_levels.size() == m_maxRows) {
         finishPage();
     }
 }

@@ -91,7 +91,7 @@ private:
     const WriterColumn m_column;
     const WriteOptions m_options;
     const size_t m_capacity; // bytes of values in a page
-    const size_t m_mostRows;
+    const size_t m_maxRows;
     PageCompressor &m_compressor;
     std::vector<uchar> m_levels; // one per row of the open page
     std::vector<char> m_values;  // PLAIN, of the open page

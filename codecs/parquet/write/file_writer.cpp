@@ -128,7 +128,7 @@ void FileWriter::noteFinishedPages()
         const std::vector<FinishedPage> &pages = m_columns[i].pages();
         for (size_t &seen = m_seenPages[i]; seen < pages.size(); ++seen) {
             m_open.push_back(pages[seen].bytes);
-            m_openBytes += static_cast<qint64>(pages[seen].bytes->mostBytes);
+            m_openBytes += static_cast<qint64>(pages[seen].bytes->maxBytes);
         }
     }
 }
@@ -143,7 +143,7 @@ void FileWriter::settle(bool waits)
         } else if (!page.isDone.load(std::memory_order_acquire)) {
             return;
         }
-        m_openBytes -= static_cast<qint64>(page.mostBytes);
+        m_openBytes -= static_cast<qint64>(page.maxBytes);
         m_knownBytes += static_cast<qint64>(page.compressed.size());
         m_open.pop_front();
     }

@@ -6,8 +6,8 @@ namespace corvanta::parquet {
 
 namespace {
 /// Pages that wait before the submitting thread helps, and buffers that are kept.
-constexpr size_t kMostWaiting = 8;
-constexpr size_t kMostSpare = 16;
+constexpr size_t kMaxWaiting = 8;
+constexpr size_t kMaxSpare = 16;
 } // namespace
 
 PageCompressor::PageCompressor(qint32 codec, int workers)
@@ -39,7 +39,7 @@ void PageCompressor::compress(PendingPage &page, Compressor *compressor,
             page.compressed = page.raw;
             return;
         }
-        scratch.resize(std::max(scratch.size(), page.mostBytes));
+        scratch.resize(std::max(scratch.size(), page.maxBytes));
         const size_t size = compressor->compress(page.raw, scratch.data());
         page.compressed.assign(scratch.begin(), scratch.begin() + static_cast<qptrdiff>(size));
         page.isBad = size == 0;
@@ -57,7 +57,7 @@ void PageCompressor::runOne(std::unique_lock<std::mutex> &lock, Compressor *comp
     lock.unlock();
     compress(*job, compressor, scratch);
     lock.lock();
-    if (m_spare.size() < kMostSpare) {
+    if (m_spare.size() < kMaxSpare) {
         m_spare.push_back(std::move(job->raw));
     }
     job->raw = {};
@@ -82,12 +82,12 @@ void PageCompressor::work()
 std::shared_ptr<PendingPage> PageCompressor::submit(std::vector<char> raw)
 {
     auto job = std::make_shared<PendingPage>();
-    job->mostBytes = m_ownCompressor ? m_ownCompressor->mostBytes(raw.size()) : raw.size();
+    job->maxBytes = m_ownCompressor ? m_ownCompressor->maxBytes(raw.size()) : raw.size();
     job->raw = std::move(raw);
     std::unique_lock lock(m_mutex);
     m_queue.push_back(job);
     m_added.notify_one();
-    while (m_queue.size() > kMostWaiting) {
+    while (m_queue.size() > kMaxWaiting) {
         runOne(lock, m_ownCompressor.get(), m_ownScratch);
     }
     return job;

@@ -16,7 +16,7 @@ struct PendingPage
 {
     std::vector<char> raw;        ///< given; taken away once it is compressed
     std::vector<char> compressed; ///< when isDone
-    size_t mostBytes = 0;         ///< that `compressed` can become
+    size_t maxBytes = 0;          ///< that `compressed` can become
     bool isBad = false;           ///< when isDone: it could not be compressed
     std::atomic<bool> isDone = false;
 };
