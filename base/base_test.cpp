@@ -1,5 +1,5 @@
-// Numbers, UTF and cell lengths against the C library and Qt, where a wrong digit would go
-// unnoticed.
+// Compares number and UTF conversion with the C library and Qt, and checks the length codes of
+// cells. Other tests would not notice a wrong last digit.
 #include "base/cell.h"
 #include "base/number.h"
 #include "base/utf.h"
@@ -36,7 +36,7 @@ QByteArray viaUtf16(const QByteArray &utf8)
 
 } // namespace
 
-TEST(Number, GeneralPrintsWhatPrintfPrints)
+TEST(Number, GeneralEqualsPrintf)
 {
     std::mt19937_64 random(1);
     std::array<char, 64> expected{};
@@ -53,7 +53,7 @@ TEST(Number, GeneralPrintsWhatPrintfPrints)
 }
 
 /// Numbers as tables hold them: few digits, halves of the last one, next to powers of ten.
-TEST(Number, GeneralPrintsUsualNumbersAsPrintfDoes)
+TEST(Number, GeneralEqualsPrintfForCommonNumbers)
 {
     std::mt19937_64 random(3);
     std::array<char, 64> expected{};
@@ -70,7 +70,7 @@ TEST(Number, GeneralPrintsUsualNumbersAsPrintfDoes)
     }
 }
 
-TEST(Number, ShortestReadsBackAndLooksPlain)
+TEST(Number, ShortestReadsBackAsTheSameNumber)
 {
     const std::pair<double, const char *> cases[] = {{0.25, "0.25"},
                                                      {7, "7"},
@@ -94,7 +94,7 @@ TEST(Number, ShortestReadsBackAndLooksPlain)
     }
 }
 
-TEST(Number, ParsingTakesTheWholeTextOrNothing)
+TEST(Number, ParsingAcceptsOnlyWholeTexts)
 {
     double value = 0;
     for (const char16_t *bad :
@@ -112,7 +112,7 @@ TEST(Number, ParsingTakesTheWholeTextOrNothing)
     EXPECT_FALSE(parseUInt(std::u16string_view(u"99999999999999999999"), ~quint64(0), &whole));
 }
 
-TEST(FloatFormat, OnlyOneDoubleConversionGetsThrough)
+TEST(FloatFormat, AcceptsExactlyOneDoubleConversion)
 {
     FloatFormat format;
     for (const char *bad :
@@ -139,7 +139,7 @@ TEST(FloatFormat, OnlyOneDoubleConversionGetsThrough)
     EXPECT_EQ(out.size(), 301 + 1 + 999);
 }
 
-TEST(Utf, SurvivesEveryPlaneAndEveryBrokenSequence)
+TEST(Utf, ConvertsEveryPlaneAndReplacesBrokenSequences)
 {
     QString all;
     for (const char32_t c :
@@ -165,7 +165,7 @@ TEST(Utf, SurvivesEveryPlaneAndEveryBrokenSequence)
               "\xEF\xBF\xBDx\xEF\xBF\xBD");
 }
 
-TEST(Cell, LengthCodesOfAllFourSizes)
+TEST(Cell, LengthCodesOfAllFourSizesReadBack)
 {
     const std::pair<quint32, int> cases[] = {{0, 1},
                                              {1, 1},

@@ -1,3 +1,5 @@
+// The region is a list of blocks of equal size, the first of which starts at m_regionStart. At
+// least one block is always allocated.
 #include "base/block_buffered_sink.h"
 
 #include <algorithm>
@@ -20,7 +22,7 @@ qint64 BlockBufferedSink::allocatedEnd() const
     return m_regionStart + static_cast<qint64>(m_blocks.size()) * kBlockBytes;
 }
 
-bool BlockBufferedSink::provide(qint64 end)
+bool BlockBufferedSink::allocateUntil(qint64 end)
 {
     try {
         while (allocatedEnd() < end) {
@@ -34,8 +36,9 @@ bool BlockBufferedSink::provide(qint64 end)
 
 bool BlockBufferedSink::write(const void *bytes, qint64 n)
 {
-    // Before the region only after a step back and a flush that failed: that flush comes first.
-    if (m_position < m_regionStart || !provide(m_position + n)) {
+    // The position is before the region only after a seek back and a failed flush. That flush must
+    // be repeated first.
+    if (m_position < m_regionStart || !allocateUntil(m_position + n)) {
         return false;
     }
     const char *from = static_cast<const char *>(bytes);
@@ -54,7 +57,7 @@ bool BlockBufferedSink::write(const void *bytes, qint64 n)
 
 bool BlockBufferedSink::seek(qint64 offset)
 {
-    // After the last byte of a full block a new one is not allocated yet, but may be written to.
+    // The end of a full block is a valid position, although the next block is not allocated yet.
     if (offset < m_regionStart || offset > std::max(m_regionEnd, allocatedEnd() - 1)) {
         return false;
     }
@@ -72,7 +75,7 @@ bool BlockBufferedSink::flush()
         m_regionStart += bytes;
         if (m_blocks.size() > 1) {
             m_blocks.pop_front();
-        } else { // one block is always there, and what a jump forward leaves out reads as zeros
+        } else { // keep one block, cleared: bytes that a seek forward leaves out are zeros
             std::memset(m_blocks.front().get(), 0, static_cast<size_t>(bytes));
         }
     }

@@ -1,5 +1,4 @@
-// io/package/block_buffered_sink.h
-// Write a file on a network drive in blocks of 5 MiB.
+// Collects the writes to a file on a network drive in blocks of 5 MiB.
 #pragma once
 #include "base/byte_sink.h"
 
@@ -8,36 +7,37 @@
 
 namespace corvanta {
 
-/// Keeps all that was written since the last flush in memory, so that neither small writes nor the
-/// steps back by which a zip writer completes its headers reach the network. The region in memory
-/// begins where the last flush ended. Threads: one at a time.
+/// Keeps all bytes since the last flush in memory. Neither small writes nor the seeks back by which
+/// an encoder completes its headers reach the network. The region in memory starts where the last
+/// flush ended. Threads: one thread at a time per object.
 class BlockBufferedSink final : public ByteSink
 {
 public:
     static constexpr qint64 kBlockBytes = 5'242'880;
 
-    /// `target` must outlive the sink.
+    /// `target` must outlive the sink. The region starts at the target's position.
     explicit BlockBufferedSink(ByteSink &target);
 
-    /// False without memory for another block; nothing is taken then.
+    /// Returns false if there is not enough memory for another block; then nothing is written.
     bool write(const void *bytes, qint64 n) override;
-    /// Any position inside the region; false before its start and past its allocated blocks.
+    /// Accepts every offset inside the region. Returns false for offsets before its start and after
+    /// the end of its allocated blocks.
     bool seek(qint64 offset) override;
     qint64 position() const override { return m_position; }
-    /// Write the region to the target and begin a new one at the current position. After a failure
-    /// what is not written stays, and the call may be repeated.
+    /// Write the region to the target and start a new one at the current position. After a failure
+    /// the unwritten bytes are kept, and the call may be repeated.
     bool flush() override;
 
 private:
     using Block = std::unique_ptr<char[]>;
 
-    bool provide(qint64 end);
+    bool allocateUntil(qint64 end);
     qint64 allocatedEnd() const;
 
     ByteSink &m_target;
     std::deque<Block> m_blocks;
     qint64 m_regionStart;
-    qint64 m_regionEnd; // of what was written
+    qint64 m_regionEnd; // end of the written bytes
     qint64 m_position;
 };
 

@@ -1,13 +1,13 @@
-// base/byte_sink.h
-// Where a format's encoder puts its bytes: files, network files and memory look alike.
+// The destination of an encoder's bytes. Files, network files and memory share this interface.
 #pragma once
 #include <QByteArray>
 #include <QtGlobal>
 
 namespace corvanta {
 
-/// A stream of bytes that are written in order, with jumps back to complete what came earlier.
-/// Threads: one at a time.
+/// A stream of bytes that are written in order. Seeking back allows an encoder to complete earlier
+/// bytes, such as the sizes in a header.
+/// Threads: one thread at a time per object.
 class ByteSink
 {
 public:
@@ -16,21 +16,23 @@ public:
     ByteSink &operator=(const ByteSink &) = delete;
     virtual ~ByteSink() = default;
 
-    /// Write all `n` bytes at the current position; false after a failure (a full disk, say). A
-    /// failed call may be repeated: the position is then where it was before the call.
+    /// Write all `n` bytes at the current position. Returns false after a failure, for example on a
+    /// full disk. The position is then the one before the call, so that the caller may repeat it.
+    /// A plain bool because the sink has no detail to add, and its callers name the failed file.
     virtual bool write(const void *bytes, qint64 n) = 0;
 
-    /// Go to an absolute offset within what was written so far; false when the sink cannot.
+    /// Move to an absolute offset within the bytes written so far. Returns false if the sink cannot
+    /// seek or the offset is out of range.
     virtual bool seek(qint64 offset) = 0;
 
-    /// Absolute offset of the next write.
+    /// Absolute offset of the next write, in bytes.
     virtual qint64 position() const = 0;
 
-    /// Hand everything to the system; false after a failure.
+    /// Hand all bytes to the system. Returns false after a failure; the call may then be repeated.
     virtual bool flush() = 0;
 };
 
-/// Bytes in memory, for tests and small parts.
+/// Keeps the bytes in memory, for tests and small parts. Never fails.
 class MemorySink final : public ByteSink
 {
 public:
@@ -49,6 +51,7 @@ public:
     }
     qint64 position() const override { return m_position; }
     bool flush() override { return true; }
+    /// All bytes written so far.
     const QByteArray &bytes() const { return m_bytes; }
 
 private:

@@ -1,5 +1,4 @@
-// base/byte_source.h
-// Where a format's decoder gets its bytes: files, package members and memory look alike.
+// The origin of a decoder's bytes. Files, package members and memory share this interface.
 #pragma once
 #include <QByteArrayView>
 #include <QtGlobal>
@@ -9,8 +8,8 @@
 
 namespace corvanta {
 
-/// A forward stream of bytes, with optional random access.
-/// Threads: one at a time.
+/// A forward stream of bytes, with optional random access. Offsets and sizes are in bytes.
+/// Threads: one thread at a time per object.
 class ByteSource
 {
 public:
@@ -19,21 +18,26 @@ public:
     ByteSource &operator=(const ByteSource &) = delete;
     virtual ~ByteSource() = default;
 
-    /// Read up to `n` bytes: the count read, 0 at the end, negative after a failure.
-    /// Fewer than `n` bytes do not mean the end.
+    /// Read up to `n` bytes. Returns the number of bytes read, 0 at the end of the stream, and a
+    /// negative number after a failure. Fewer than `n` bytes do not mean the end.
+    ///
+    /// A number and not a Result because decoders call it in their inner loops. A source that knows
+    /// the reason of a failure offers it in a function of its own.
     virtual qint64 read(void *buffer, qint64 n) = 0;
 
-    /// Bytes in all, or -1 when not known.
+    /// Total number of bytes in the stream, or -1 if unknown.
     virtual qint64 size() = 0;
 
-    /// Go to an absolute offset; false when the source cannot or the offset is out of range.
+    /// Move to an absolute offset. Returns false if the source cannot seek or the offset is out of
+    /// range.
     virtual bool seek(qint64 offset) = 0;
 };
 
-/// Read and drop `n` bytes. Returns false if the source ends before, or after a failure.
+/// Read and discard `n` bytes. Returns false if the source ends before that or fails.
 bool skipBytes(ByteSource &source, qint64 n);
 
-/// Read until `n` bytes are there or the source ends; negative after a failure.
+/// Read until `n` bytes have arrived or the source ends. Returns the number of bytes, or a negative
+/// number after a failure.
 inline qint64 readFully(ByteSource &source, void *buffer, qint64 n)
 {
     qint64 done = 0;
@@ -50,11 +54,12 @@ inline qint64 readFully(ByteSource &source, void *buffer, qint64 n)
     return done;
 }
 
-/// Bytes in memory. The memory must outlive the source. `pieceBytes` caps one read, for tests of
-/// decoders that must not care how the bytes arrive.
+/// Reads bytes in memory, which must outlive the source. Never fails.
 class MemorySource final : public ByteSource
 {
 public:
+    /// `pieceBytes` limits the size of one read; -1 is no limit. Tests use it to check that the
+    /// result of a decoder does not depend on how the bytes arrive.
     explicit MemorySource(QByteArrayView bytes, qint64 pieceBytes = -1)
         : m_bytes(bytes)
         , m_pieceBytes(pieceBytes)

@@ -1,5 +1,7 @@
-// base/bytes.h
-// Unaligned little- and big-endian loads and stores.
+// Loads and stores numbers at unaligned addresses, in little-endian, big-endian or machine order.
+//
+// `T` is an integer or floating-point type. The callers check that all of its bytes are inside
+// their buffer.
 #pragma once
 #include <QtEndian>
 #include <QtGlobal>
@@ -8,30 +10,35 @@
 
 namespace corvanta {
 
+/// The little-endian number at `bytes`.
 template <class T> inline T loadLE(const void *bytes)
 {
     return qFromLittleEndian<T>(bytes);
 }
+/// The big-endian number at `bytes`.
 template <class T> inline T loadBE(const void *bytes)
 {
     return qFromBigEndian<T>(bytes);
 }
+/// Store `value` at `bytes` in little-endian order.
 template <class T> inline void storeLE(T value, void *bytes)
 {
     qToLittleEndian(value, bytes);
 }
+/// Store `value` at `bytes` in big-endian order.
 template <class T> inline void storeBE(T value, void *bytes)
 {
     qToBigEndian(value, bytes);
 }
 
-/// A value of the machine's own byte order at any address.
+/// The value in machine byte order at `bytes`. `T` is any trivially copyable type.
 template <class T> inline T loadNative(const void *bytes)
 {
     T value;
     std::memcpy(&value, bytes, sizeof value);
     return value;
 }
+/// Store `value` at `bytes` in machine byte order.
 template <class T> inline void storeNative(T value, void *bytes)
 {
     std::memcpy(bytes, &value, sizeof value);

@@ -1,9 +1,11 @@
+// Shared text cells: a zero byte and the cell's length code. 0x80 is code 0 (missing) and 0x81 is
+// code 1 (empty). Layout of cells: base/cell.h.
 #include "base/cell.h"
 
 namespace corvanta::cell {
 
 namespace {
-// One byte in front keeps the (absent) units of a one-byte length code aligned.
+// The byte before each code keeps the position of the (absent) units even.
 alignas(8) constexpr uchar kTexts[] = {0, 0x80, 0, 0x81};
 alignas(8) constexpr uchar kOnes[] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
 } // namespace

@@ -1,14 +1,16 @@
-// base/cell.h
-// The bytes of a cell, the one place that knows them.
+// Encodes and decodes the bytes of a cell. No other file knows this layout.
 //
-//   K  32-bit unsigned, machine order; 0xFFFFFFFE and 0xFFFFFFFF are missing
-//   F  IEEE double, machine order; all bits one is missing
-//   U  length code, then UTF-16 units, machine order
+//   type  bytes  content
+//   K         4  unsigned number, machine order; 0xFFFFFFFE and 0xFFFFFFFF mean missing
+//   F         8  IEEE double, machine order; all bits set means missing
+//   U       1..  length code of 1 to 4 bytes, then UTF-16 units in machine order
 //
-// Length code: 1 to 4 bytes of 7 bits, least significant group first, the last byte marked by its
-// high bit (a fourth byte is last in any case). Code 0 is a missing text, 1 an empty text, L >= 2 a
-// text of L - 1 units. Cells may lie at any address; RowBuffer places text cells so that their
-// units are 2-byte aligned.
+// A length code has 7 bits per byte, least significant group first. The last byte has its high bit
+// set; a fourth byte is the last in any case. Code 0 is a missing text, code 1 an empty text, and
+// code L >= 2 a text of L - 1 units.
+//
+// A cell may be at any address. RowBuffer places text cells so that their units are 2-byte aligned.
+// Threads: pure functions; the shared cells are constant.
 #pragma once
 #include "base/bytes.h"
 #include "base/limits.h"
@@ -20,13 +22,15 @@
 
 namespace corvanta::cell {
 
-/// What a cell holds; the letters are those of column types.
+/// The type of a cell. The values are the letters that name column types.
 enum class Type : char { Key = 'K', Double = 'F', Text = 'U' };
 
+/// The two keys that mean missing. Readers write the first one.
 inline constexpr quint32 kMissingKey = 0xFFFFFFFFU;
 inline constexpr quint32 kMissingKeyOther = 0xFFFFFFFEU;
 inline constexpr quint64 kMissingDoubleBits = ~quint64(0);
 
+/// Sizes of the cells of fixed width.
 inline constexpr int kKeyBytes = 4;
 inline constexpr int kDoubleBytes = 8;
 
@@ -34,6 +38,7 @@ inline bool isMissingKey(quint32 key)
 {
     return key >= kMissingKeyOther;
 }
+/// Compares bits: every other NaN is a value.
 inline bool isMissingDouble(double value)
 {
     return std::bit_cast<quint64>(value) == kMissingDoubleBits;
@@ -43,7 +48,7 @@ inline double missingDouble()
     return std::bit_cast<double>(kMissingDoubleBits);
 }
 
-/// Bytes that the length code takes when a cell is built: 127 itself takes two.
+/// Number of bytes of a length code when a cell is built (1 to 4). Code 127 already takes two.
 inline int lengthBytes(quint32 code)
 {
     constexpr quint32 kGroup = 128;
@@ -56,19 +61,20 @@ inline int lengthBytes(quint32 code)
     return code < 127 * kGroup * kGroup ? 3 : 4;
 }
 
-/// The length code of a text of `units` UTF-16 units (0 units: an empty text, not a missing one).
+/// The length code of a text of `units` UTF-16 units. 0 units make an empty text, not a missing
+/// one.
 inline quint32 codeOfText(qsizetype units)
 {
     return static_cast<quint32>(units) + 1;
 }
 
-/// Bytes of a text cell of `units` UTF-16 units.
+/// Size in bytes of a text cell of `units` UTF-16 units, including its length code.
 inline qsizetype textCellBytes(qsizetype units)
 {
     return lengthBytes(codeOfText(units)) + units * 2;
 }
 
-/// Write a length code of `bytes` bytes (from lengthBytes()); returns the place behind it.
+/// Write a length code of `bytes` bytes, as lengthBytes() returned. Returns the address after it.
 inline uchar *putLength(uchar *out, quint32 code, int bytes)
 {
     for (int i = 1; i < bytes; ++i) {
@@ -79,19 +85,21 @@ inline uchar *putLength(uchar *out, quint32 code, int bytes)
     return out;
 }
 
-/// A text cell taken apart. `units` points into the cell and may be unaligned for a cell that did
-/// not come from a RowBuffer.
+/// The parts of a text cell. `units` points into the cell, and may be unaligned if the cell did not
+/// come from a RowBuffer.
 struct Text
 {
-    quint32 code = 0; ///< 0: missing
+    quint32 code = 0; ///< Length code; 0 means missing.
     const uchar *units = nullptr;
     bool isMissing() const { return code == 0; }
+    /// Number of UTF-16 units; 0 for a missing text.
     qsizetype size() const { return code == 0 ? 0 : static_cast<qsizetype>(code) - 1; }
-    /// The units, for cells known to be aligned (all cells of rows on a pin are).
+    /// The units of an aligned cell. All cells of rows on a pin are aligned.
     const char16_t *data() const { return reinterpret_cast<const char16_t *>(units); }
     std::u16string_view view() const { return {data(), static_cast<size_t>(size())}; }
 };
 
+/// Split the text cell at `cell` into its parts. Reads only the length code.
 inline Text readText(const uchar *cell)
 {
     quint32 code = 0;
@@ -105,14 +113,14 @@ inline Text readText(const uchar *cell)
     }
 }
 
-/// Bytes of the text cell at `cell`, length code included.
+/// Size in bytes of the text cell at `cell`, including its length code.
 inline qsizetype textCellBytes(const uchar *cell)
 {
     const Text text = readText(cell);
     return (text.units - cell) + text.size() * 2;
 }
 
-/// Bytes of the cell at `cell`.
+/// Size in bytes of the cell at `cell`.
 inline qsizetype bytesOf(Type type, const uchar *cell)
 {
     switch (type) {
@@ -126,7 +134,7 @@ inline qsizetype bytesOf(Type type, const uchar *cell)
     return textCellBytes(cell);
 }
 
-/// The shared cells for values that are not there; static storage, valid for ever.
+/// Shared cells for missing and empty values, in static storage.
 const uchar *missingTextCell();
 const uchar *emptyTextCell();
 const uchar *missingKeyCell();

@@ -1,5 +1,6 @@
-// base/checked.h
-// Arithmetic on numbers that come from files: every overflow is seen.
+// Arithmetic on numbers that come from files, with a check for overflow.
+//
+// Use it before such a number becomes a size, an index or a shift. Integer types only.
 #pragma once
 #include <QtGlobal>
 
@@ -10,7 +11,7 @@
 
 namespace corvanta {
 
-/// `a + b`, or nothing when the sum does not fit `T`.
+/// Returns `a + b`, or std::nullopt if the sum does not fit `T`.
 template <class T> constexpr std::optional<T> checkedAdd(T a, T b)
 {
     T sum{};
@@ -20,7 +21,7 @@ template <class T> constexpr std::optional<T> checkedAdd(T a, T b)
     return sum;
 }
 
-/// `a * b`, or nothing when the product does not fit `T`.
+/// Returns `a * b`, or std::nullopt if the product does not fit `T`.
 template <class T> constexpr std::optional<T> checkedMul(T a, T b)
 {
     T product{};
@@ -30,7 +31,7 @@ template <class T> constexpr std::optional<T> checkedMul(T a, T b)
     return product;
 }
 
-/// `value` as a `To`, or nothing when it does not fit.
+/// Returns `value` as a `To`, or std::nullopt if it does not fit.
 template <class To, class From> constexpr std::optional<To> narrow(From value)
 {
     static_assert(std::is_integral_v<To> && std::is_integral_v<From>);
@@ -40,7 +41,8 @@ template <class To, class From> constexpr std::optional<To> narrow(From value)
     return static_cast<To>(value);
 }
 
-/// A parameter given in MiB as bytes, after clamping to 1 .. 2047.
+/// Converts a parameter in MiB to bytes, after limiting it to 1 to 2047 MiB (both included). The
+/// upper limit keeps the result inside 31 bits.
 constexpr qint64 clampedMiBToBytes(qint64 mib)
 {
     constexpr qint64 kMaxMiB = 2047;

@@ -1,3 +1,7 @@
+// Conversion between numbers and text, on top of <charconv>.
+//
+// Most numbers in tables have few digits. putGeneralQuickly() prints them with integer arithmetic
+// at a third of the cost of to_chars, and leaves all others to it.
 #include "base/number.h"
 
 #include <array>
@@ -12,10 +16,11 @@ namespace corvanta {
 
 namespace {
 
-/// Longest text that parseDouble looks at on the stack; longer ones (hundreds of zeros) are copied.
+/// Longest text that parseDouble copies to the stack. Longer ones, such as hundreds of zeros, are
+/// copied to the heap.
 constexpr size_t kStackDigits = 64;
 
-/// Length of a literal or a sign in front, so that from_chars sees what it takes.
+/// `text` without a leading plus sign, which from_chars does not accept.
 std::string_view withoutPlus(std::string_view text)
 {
     if (text.size() > 1 && text[0] == '+' && text[1] != '-' && text[1] != '+') {
@@ -24,10 +29,10 @@ std::string_view withoutPlus(std::string_view text)
     return text;
 }
 
-/// What from_chars could not represent: an infinity or a zero, by the sign of the decimal exponent.
+/// The value of a number that from_chars reports as out of range: an infinity or a zero.
 double outOfRange(std::string_view text)
 {
-    // strtod rounds the same way everywhere and is only reached here.
+    // strtod tells the two apart. The locale does not matter: both results lack a decimal point.
     return std::strtod(std::string(text).c_str(), nullptr);
 }
 
@@ -51,43 +56,79 @@ template <class View> bool parseUIntOf(View text, quint64 max, quint64 *value)
     return true;
 }
 
-/// The position behind a run of at most `most` digits; -1 when the run is longer.
-qsizetype skipDigits(const QByteArray &text, qsizetype at, int maxDigits)
+/// Removes a run of digits from the start of `text`. Returns false if there are more than three.
+bool skipDigits(std::string_view &text)
 {
-    const qsizetype begin = at;
-    while (at < text.size() && text[at] >= '0' && text[at] <= '9') {
-        ++at;
-    }
-    return at - begin > maxDigits ? -1 : at;
+    constexpr size_t kMaxDigits = 3;
+    const size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    text.remove_prefix(digits);
+    return digits <= kMaxDigits;
 }
 
-/// The position behind the conversion that starts at `at` (a '%'), or -1.
-qsizetype skipConversion(const QByteArray &text, qsizetype at)
+/// Removes a conversion, such as "%-8.3f", from the start of `text`, which begins with '%'. Returns
+/// false if it is not one of the allowed conversions.
+bool skipConversion(std::string_view &text)
 {
-    ++at;
-    while (at < text.size() && std::strchr("-+ #0", text[at]) != nullptr) {
-        ++at;
+    text.remove_prefix(1);
+    text.remove_prefix(std::min(text.find_first_not_of("-+ #0"), text.size()));
+    if (!skipDigits(text)) {
+        return false;
     }
-    at = skipDigits(text, at, 3);
-    if (at >= 0 && at < text.size() && text[at] == '.') {
-        at = skipDigits(text, at + 1, 3);
+    if (text.starts_with('.')) {
+        text.remove_prefix(1);
+        if (!skipDigits(text)) {
+            return false;
+        }
     }
-    if (at < 0 || at >= text.size()) {
-        return -1;
+    text.remove_prefix(text.starts_with('l') ? 1 : 0);
+    constexpr std::string_view kConversions = "eEfFgGaA";
+    const bool isKnown = !text.empty() && kConversions.find(text[0]) != std::string_view::npos;
+    text.remove_prefix(isKnown ? 1 : 0);
+    return isKnown;
+}
+
+/// Whether `text` is literal text with exactly one allowed conversion.
+bool hasOneConversion(std::string_view text)
+{
+    int conversions = 0;
+    while (!text.empty()) {
+        if (text[0] == '\0') {
+            return false; // printf would stop here
+        }
+        if (text[0] != '%') {
+            text.remove_prefix(1);
+        } else if (text.starts_with("%%")) {
+            text.remove_prefix(2);
+        } else if (skipConversion(text)) {
+            ++conversions;
+        } else {
+            return false;
+        }
     }
-    if (text[at] == 'l') {
-        ++at;
+    return conversions == 1;
+}
+
+/// The precision of a plain "%g" or "%.<n>g" with n up to 17; 0 for other formats.
+int generalPrecision(std::string_view format)
+{
+    constexpr int kDefaultPrecision = 6;
+    constexpr quint64 kMaxPrecision = 17;
+    if (format == "%g") {
+        return kDefaultPrecision;
     }
-    const bool known = at < text.size() && text[at] != '\0' && std::strchr("eEfFgGaA", text[at]);
-    return known ? at + 1 : -1;
+    quint64 precision = 0;
+    const bool isPlain = format.starts_with("%.") && format.ends_with('g') &&
+                         parseUInt(format.substr(2, format.size() - 3), kMaxPrecision, &precision);
+    return isPlain ? static_cast<int>(precision) : 0;
 }
 
 constexpr int kQuickPrecision = 9;
 constexpr std::array<double, 14> kPowersOf10 = {1e0, 1e1, 1e2, 1e3,  1e4,  1e5,  1e6,
                                                 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13};
 
-/// Print the `precision` digits of `digits`, of which `exponent + 1` stand in front of the point,
-/// without zeros at the end.
+/// Print `digits`, a number of `precision` digits, with `exponent + 1` digits before the point and
+/// without trailing zeros. Returns the end of the text. Copies a fixed number of bytes, which is
+/// faster than an exact copy.
 char *putPlain(quint64 digits, int precision, int exponent, char *out)
 {
     std::array<char, kNumberChars> text{};
@@ -113,9 +154,11 @@ char *putPlain(quint64 digits, int precision, int exponent, char *out)
     return out + used + 1;
 }
 
-/// What putGeneral() prints for numbers between 0.0001 and 10^precision, at a third of the cost.
-/// Scaled to a whole number of `precision` digits, with one rounding, such a number is off by less
-/// than 10^-6; 0 is returned where that could decide about a digit, and for other numbers.
+/// Print a number between 0.0001 and 10^precision as putGeneral() does. Returns the length, or 0 if
+/// the number is outside that range or the result is uncertain.
+///
+/// Scaling to a whole number of `precision` digits rounds once, with an error below 10^-6. The
+/// result is uncertain if an error of that size could change a digit.
 int putGeneralQuickly(double value, int precision, char *out)
 {
     const double size = std::fabs(value);
@@ -135,7 +178,7 @@ int putGeneralQuickly(double value, int precision, char *out)
     }
     digits += rest > 0.5 ? 1 : 0;
     if (digits < static_cast<quint64>(limit) / 10 || digits >= static_cast<quint64>(limit)) {
-        return 0; // rounded up to one digit more, or just below a power of ten
+        return 0; // rounded up to one more digit, or just below a power of ten
     }
     char *at = out;
     *at = '-';
@@ -171,7 +214,7 @@ QString shortestText(double value)
 int putGeneral(double value, int precision, char *out)
 {
     if (std::isnan(value)) {
-        // printf shows the sign of a NaN; to_chars does too, in another form
+        // printf prints the sign of a NaN; to_chars prints it in another form.
         std::memcpy(out, std::signbit(value) ? "-nan" : "nan", 4);
         return std::signbit(value) ? 4 : 3;
     }
@@ -189,6 +232,7 @@ bool parseDouble(std::string_view text, double *value)
     text = withoutPlus(text);
     const char *const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, *value);
+    // from_chars accepts "nan(...)", which is not a number for us.
     if (error == std::errc::invalid_argument || stop != end || text.back() == ')') {
         return false;
     }
@@ -240,35 +284,13 @@ bool FloatFormat::set(const QString &format)
         return true;
     }
     const QByteArray text = format.toUtf8();
-    int conversions = 0;
-    for (qsizetype at = 0; at < text.size();) {
-        if (text[at] == '\0') {
-            return false;
-        }
-        if (text[at] != '%') {
-            ++at;
-        } else if (at + 1 < text.size() && text[at + 1] == '%') {
-            at += 2;
-        } else {
-            at = skipConversion(text, at);
-            if (at < 0) {
-                return false;
-            }
-            ++conversions;
-        }
-    }
-    if (conversions != 1) {
+    const std::string_view view(text.constData(), static_cast<size_t>(text.size()));
+    if (!hasOneConversion(view)) {
         return false;
     }
     m_format = text;
     m_isShortest = false;
-    quint64 precision = 0;
-    const bool plain =
-        text.startsWith("%.") && text.endsWith('g') &&
-        parseUInt(std::string_view(text.constData() + 2, static_cast<size_t>(text.size()) - 3), 17,
-                  &precision);
-    constexpr int kUsualPrecision = 6;
-    m_generalPrecision = text == "%g" ? kUsualPrecision : plain ? static_cast<int>(precision) : 0;
+    m_generalPrecision = generalPrecision(view);
     return true;
 }
 
@@ -280,6 +302,7 @@ qsizetype FloatFormat::put(double value, char *out, qsizetype room) const
     if (m_generalPrecision != 0 && room >= kNumberChars) {
         return putGeneral(value, m_generalPrecision, out);
     }
+    // set() has checked the format.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
     return std::snprintf(out, static_cast<size_t>(room), m_format.constData(), value);
@@ -292,7 +315,7 @@ void FloatFormat::append(double value, QByteArray *out) const
     qsizetype room = kNumberChars;
     out->resize(begin + room);
     qsizetype length = put(value, out->data() + begin, room);
-    if (length >= room) {
+    if (length >= room) { // a long literal or a large width
         room = length + 1;
         out->resize(begin + room);
         length = put(value, out->data() + begin, room);

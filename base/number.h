@@ -1,5 +1,6 @@
-// base/number.h
-// Numbers to text and back, apart from any locale and without allocation.
+// Converts numbers to text and back, independently of the locale and without allocating memory.
+//
+// Threads: pure functions; FloatFormat objects may be shared for reading.
 #pragma once
 #include <QByteArray>
 #include <QString>
@@ -9,58 +10,60 @@
 
 namespace corvanta {
 
-/// Room that the functions below need at `out`.
+/// Number of bytes that the put functions below need at `out`. They do not write a final NUL.
 inline constexpr int kNumberChars = 32;
 
-/// Print `value` in decimal; returns the characters written.
+/// Print `value` in decimal. Returns the number of characters.
 int putUInt(quint64 value, char *out);
 
-/// Print the fewest digits that read back to the same double: "0.25", "7" for 7.0, "1e+300", "nan",
-/// "inf", "-inf". Plain digits from 1e-5 up to 1e17, an exponent outside. Returns the characters
-/// written.
+/// Print the fewest digits that read back as the same double: "0.25", "7" for 7.0, "1e+300", "nan",
+/// "inf", "-inf". Numbers from 1e-5 up to (excluding) 1e17 have no exponent, all others have one.
+/// Returns the number of characters.
 int putShortest(double value, char *out);
+/// putShortest() as a QString.
 QString shortestText(double value);
 
-/// Print what printf prints for "%.<precision>g" (precision 1 to 17); returns the characters
-/// written.
+/// Print `value` as printf does with "%.<precision>g", precision 1 to 17. Returns the number of
+/// characters.
 int putGeneral(double value, int precision, char *out);
 
-/// The whole of `text` as a double: digits with an optional sign, fraction and exponent, or "nan",
-/// "inf", "-inf" ("infinity" too; any letter case). No blanks. False when it is something else; too
-/// large a value becomes an infinity, too small a one zero.
+/// Parse all of `text` as a double: digits with an optional sign, fraction and exponent, or "nan",
+/// "inf", "-inf", "infinity" in any letter case. Does not accept spaces. Returns false for other
+/// text, and `*value` is then undefined. A number that is too large becomes an infinity, one that
+/// is too small a zero. A bool and not a Result because callers parse every cell of a table.
 bool parseDouble(std::u16string_view text, double *value);
 bool parseDouble(std::string_view text, double *value);
 
-/// The whole of `text` as an unsigned decimal of at most `max`; false when it is something else.
+/// Parse all of `text` as an unsigned decimal of at most `max`. Returns false for other text, and
+/// leaves `*value` unchanged.
 bool parseUInt(std::u16string_view text, quint64 max, quint64 *value);
 bool parseUInt(std::string_view text, quint64 max, quint64 *value);
 
-/// A printf format that a user gave for one double, checked once and then safe to use.
+/// A printf format for one double, chosen by a user. set() checks it; every later use is safe.
 ///
-/// Allowed: nothing at all, which stands for putShortest(), or literal text, "%%" and exactly one
-/// conversion of e E f F g G a A with flags "-+ #0", width and precision of up to 3 digits, and an
-/// optional "l".
+/// An empty format means putShortest(). Otherwise the format is literal text, "%%", and exactly one
+/// conversion: e E f F g G a or A, with flags "-+ #0", a width and a precision of up to 3 digits
+/// each, and an optional "l".
 class FloatFormat
 {
 public:
-    /// "%.16g".
+    /// The format "%.16g".
     FloatFormat();
 
-    /// Take `format`; false (and unchanged) when it is not of the allowed form.
+    /// Use `format`. Returns false, and keeps the old format, if it is not allowed.
     bool set(const QString &format);
 
-    /// Append `value` to `out` in UTF-8. Longer results than usual are possible: the length is
-    /// real.
+    /// Append `value` to `out`, in UTF-8. The text may be longer than kNumberChars.
     void append(double value, QByteArray *out) const;
 
-    /// Like append() into a caller's buffer of `room` bytes; the length that is needed is returned,
-    /// and when it exceeds `room` nothing useful was written.
+    /// Print `value` to a buffer of `room` bytes. Returns the length of the text. If that is `room`
+    /// or more, the text did not fit and the buffer's content is undefined.
     qsizetype put(double value, char *out, qsizetype room) const;
 
 private:
     QByteArray m_format;
     bool m_isShortest = false;
-    int m_generalPrecision; // of a plain "%g" or "%.<n>g", which needs no printf; otherwise 0
+    int m_generalPrecision; // of a plain "%g" or "%.<n>g", which needs no printf; else 0
 };
 
 } // namespace corvanta

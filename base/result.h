@@ -1,8 +1,8 @@
-// base/result.h
-// A value or a fault: how failures travel inside the library.
+// Result<T, E>: a value or a fault. All code below the actions reports its failures with it.
 //
-// Nothing below the actions throws on bad input or logs; it returns a Result whose fault says what
-// went wrong and where. The action turns the code into its message.
+// Code below the actions neither throws on bad input nor logs. It returns a Result whose fault says
+// what went wrong and where. The action converts the error code to its message. Each format has one
+// error enum `E`. Expected outcomes, such as the end of the data, are values and not faults.
 #pragma once
 #include <QString>
 #include <QtGlobal>
@@ -14,17 +14,18 @@
 
 namespace corvanta {
 
-/// What went wrong: the format's error code, a detail for people, and a byte offset (-1: none).
+/// What went wrong.
 template <class E> struct Fault
 {
-    E code;
-    QString detail = {};
-    qint64 offset = -1;
+    E code;              ///< The format's error code.
+    QString detail = {}; ///< Text for the user, without a final full stop; may be empty.
+    qint64 offset = -1;  ///< Byte offset in the input; -1 if unknown.
 };
-/// Clang 14 does not find this by itself.
+/// Deduction guide: Clang 14 does not deduce aggregates.
 template <class E> Fault(E, QString = {}, qint64 = -1) -> Fault<E>;
 
 /// Either a `T` or a `Fault<E>`. Test it before use: `if (!r) return r.fault();`.
+/// Reading the value of a fault, or the fault of a value, is a programming error (assert).
 template <class T, class E> class [[nodiscard]] Result
 {
 public:
@@ -39,6 +40,7 @@ public:
     {
     }
 
+    /// True if there is a value.
     explicit operator bool() const { return m_state.index() == 0; }
     T &operator*() & { return value(); }
     const T &operator*() const & { return value(); }
@@ -46,6 +48,7 @@ public:
     T *operator->() { return &value(); }
     const T *operator->() const { return &value(); }
 
+    /// Why there is no value. Valid as long as the result.
     const Fault<E> &fault() const
     {
         assert(m_state.index() == 1);
@@ -70,6 +73,7 @@ private:
 template <class E> class [[nodiscard]] Result<void, E>
 {
 public:
+    /// Success.
     Result() = default;
     // NOLINTNEXTLINE(google-explicit-constructor): `return Fault{...};` is the point of the type
     Result(Fault<E> fault)
@@ -77,7 +81,9 @@ public:
     {
     }
 
+    /// True for success.
     explicit operator bool() const { return !m_fault; }
+    /// Why the call failed. Valid as long as the result.
     const Fault<E> &fault() const
     {
         assert(m_fault);

@@ -1,6 +1,8 @@
-// base/platform/files.h
-// What differs between systems about files, behind one small interface. The only place, with its
-// sides files_posix.cpp and (for the Windows build) files_win.cpp, that calls the system.
+// Files, as far as systems differ: opening, syncing, renaming, permissions.
+//
+// The only interface through which the code calls the system for files. Implemented in
+// files_posix.cpp and, for the Windows build, files_win.cpp.
+// Threads: one thread at a time per FileHandle; the functions may be called from any thread.
 #pragma once
 #include <QString>
 #include <QtGlobal>
@@ -10,7 +12,8 @@
 
 namespace corvanta::platform {
 
-/// Owner of an open file. Offsets and sizes in bytes.
+/// Owns an open file. Offsets and sizes are in bytes. Failures are reported like those of the
+/// system calls, by false or -1; the caller knows the file's name and words the message.
 class FileHandle
 {
 public:
@@ -28,49 +31,57 @@ public:
 
     /// How a file is opened for writing.
     enum class Create {
-        Truncate,  ///< make it or empty it
-        Append,    ///< make it or go to its end
-        Exclusive, ///< fail when it is there
+        Truncate,  ///< Create the file, or empty an existing one.
+        Append,    ///< Create the file, or move to the end of an existing one.
+        Exclusive, ///< Create the file, or fail if it exists.
     };
+    /// Open a file. Check isOpen(). Folders do not open. `sequential` announces that the file is
+    /// read from start to end.
     static FileHandle openForRead(const QString &name, bool sequential);
     static FileHandle openForWrite(const QString &name, Create create);
 
     bool isOpen() const { return m_handle >= 0; }
-    /// Bytes read, 0 at the end, -1 on failure.
+    /// Returns the number of bytes read, 0 at the end, and -1 after a failure.
     qint64 read(void *buffer, qint64 n);
-    /// Bytes written, which may be fewer than `n`; -1 on failure.
+    /// Returns the number of bytes written, which may be less than `n`, and -1 after a failure.
     qint64 write(const void *bytes, qint64 n);
+    /// Move to an absolute offset, also after the end of the file.
     bool seek(qint64 offset);
+    /// Returns -1 after a failure.
     qint64 size() const;
     bool truncate(qint64 size);
-    /// Have the device begin to take `n` bytes from `offset`, without waiting for it.
+    /// Start to write `n` bytes at `offset` to the device. Does not wait.
     void startSync(qint64 offset, qint64 n);
-    /// Wait until the device has the bytes.
+    /// Wait until all bytes are on the device. Returns true for pipes and devices, which cannot be
+    /// synced.
     bool sync();
-    /// False when the system reports a late failure of a write.
+    /// Returns false if the system reports a late failure of a write.
     bool close();
+    /// Whether this is an ordinary file, not a pipe or a device.
     bool isRegular() const;
 
 private:
     qintptr m_handle = -1;
 };
 
-/// Replace `to` by `from` in one step; both on one file system.
+/// Rename `from` to `to`, replacing an existing file in one step. Both must be on one file system.
 bool renameOver(const QString &from, const QString &to);
-/// A second name for a file; false where the file system has none.
+/// Add a second name for a file. Returns false if the file system does not support it.
 bool hardLink(const QString &existing, const QString &added);
 bool removeFile(const QString &name);
-/// FileHandle::startSync() and sync() of a file that is not open. One that is gone needs neither.
+/// FileHandle::startSync() and sync() for a file that is not open. A file that no longer exists
+/// counts as synced.
 void startSync(const QString &name);
 bool syncFile(const QString &name);
-/// Wait until the device has the folder's names. True also where a folder cannot be synced.
+/// Wait until the names in a folder are on the device. Returns true if folders cannot be synced.
 bool syncFolder(const QString &folder);
-/// Give `to` the permissions of `from`, as far as the process may.
+/// Copy owner, group and permissions of `from` to `to`, as far as the process is allowed to.
 void copyPermissions(const QString &from, const QString &to);
-/// Whether both names lead to the same file.
+/// Whether both names refer to the same existing file.
 bool isSameFile(const QString &a, const QString &b);
+/// Whether the file, or the folder of a file that does not exist yet, is on NFS or SMB.
 bool isOnNetworkDrive(const QString &name);
-/// Name of the 8-bit encoding that the system's settings ask for; empty when they ask for UTF-8.
+/// Name of the 8-bit encoding in the system's settings. Empty if the setting is UTF-8 or unset.
 QString localeEncoding();
 
 } // namespace corvanta::platform

@@ -1,3 +1,4 @@
+// The POSIX implementation: thin wrappers of system calls, each repeated after EINTR.
 #include "base/platform/files.h"
 
 #include <QByteArray>
@@ -24,6 +25,7 @@ QByteArray native(const QString &name)
     return QFile::encodeName(name);
 }
 
+/// Calls `call` until a signal no longer interrupts it.
 template <class F> auto repeated(F call)
 {
     auto result = call();
@@ -33,6 +35,7 @@ template <class F> auto repeated(F call)
     return result;
 }
 
+/// The part of `n` bytes that one system call can transfer.
 size_t oneCall(qint64 n)
 {
     return static_cast<size_t>(qMin<qint64>(n, SSIZE_MAX));
@@ -50,6 +53,7 @@ FileHandle FileHandle::openForRead(const QString &name, bool sequential)
     FileHandle file;
     file.m_handle =
         repeated([&] { return ::open(native(name).constData(), O_RDONLY | O_CLOEXEC); });
+    // open() accepts a folder, and only reading from it fails.
     struct stat facts = {};
     if (file.isOpen() &&
         (::fstat(static_cast<int>(file.m_handle), &facts) != 0 || S_ISDIR(facts.st_mode))) {
@@ -110,7 +114,7 @@ void FileHandle::startSync(qint64 offset, qint64 n)
 
 bool FileHandle::sync()
 {
-    // Pipes and devices cannot be synced, and need not be.
+    // The system reports EINVAL or EROFS for pipes and devices.
     return repeated([&] { return ::fsync(static_cast<int>(m_handle)); }) == 0 || errno == EINVAL ||
            errno == EROFS;
 }
@@ -171,7 +175,7 @@ void copyPermissions(const QString &from, const QString &to)
 {
     struct stat facts = {};
     if (::stat(native(from).constData(), &facts) == 0) {
-        // The owner is kept where the process may; where not, the copy belongs to who made it.
+        // Only a privileged process may change the owner. Otherwise the copy keeps its own.
         [[maybe_unused]] const int owned =
             ::chown(native(to).constData(), facts.st_uid, facts.st_gid);
         ::chmod(native(to).constData(), facts.st_mode & 07777);
@@ -189,7 +193,7 @@ bool isSameFile(const QString &a, const QString &b)
 
 bool isOnNetworkDrive(const QString &name)
 {
-    // Magic numbers of statfs(2).
+    // File system magic numbers, see statfs(2).
     constexpr long kNfs = 0x6969;
     constexpr long kSmb = 0x517B;
     constexpr long kCifs = 0xFF534D42;
@@ -208,7 +212,7 @@ bool isOnNetworkDrive(const QString &name)
 
 QString localeEncoding()
 {
-    // nl_langinfo follows LC_CTYPE, which the application object takes from the environment.
+    // nl_langinfo follows LC_CTYPE, which QCoreApplication sets from the environment.
     const QString name = QString::fromLatin1(::nl_langinfo(CODESET));
     const bool isDefault = name.compare(QLatin1String("UTF-8"), Qt::CaseInsensitive) == 0 ||
                            name == QLatin1String("ANSI_X3.4-1968");

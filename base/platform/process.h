@@ -1,16 +1,17 @@
-// base/platform/process.h
-// What differs between systems about child processes.
+// Ending child processes together with their own children, which systems do in different ways.
 #pragma once
 
 class QProcess;
 
 namespace corvanta::platform {
 
-/// Call before `process` is started: its children then end with it, see killWithChildren().
+/// Put `process` and its future children into a process group of their own. Call before it starts;
+/// killWithChildren() needs it.
 void makeGroup(QProcess &process);
-/// Put a started process into the host's job object, where the system has such.
+/// Add a started process to the host's job object. Does nothing on systems without job objects.
 void addToJob(QProcess &process, void *job);
-/// End a process that was started after makeGroup(), and all that it started, at once.
+/// Kill a process and all processes that it started, and wait until it has ended. Call makeGroup()
+/// before the process starts.
 void killWithChildren(QProcess &process);
 
 } // namespace corvanta::platform

@@ -1,3 +1,4 @@
+// The POSIX implementation: a child process leads a process group, which is killed as a whole.
 #include "base/platform/process.h"
 
 #include <QProcess>

@@ -1,16 +1,16 @@
-// base/platform/terminal.h
-// Terminals behind the standard streams.
+// Facts about the terminals of the standard streams.
 #pragma once
 #include <cstdio>
 
 namespace corvanta::platform {
 
+/// Whether the stream writes to a terminal, and not to a file or a pipe.
 bool isTerminal(std::FILE *stream);
-/// Columns of the stream's terminal; 80 when they are not known.
+/// Number of columns of the stream's terminal; 80 if unknown.
 int terminalWidth(std::FILE *stream);
 
-/// Keep standard error for the caller: what libraries print there from now on is dropped. The
-/// stream lives as long as the program; stderr itself when that cannot be done.
+/// Reserve standard error for the caller and discard everything that libraries print to it from now
+/// on. Returns a stream that stays open until the program ends, or stderr if that fails.
 std::FILE *takeErrorStream();
 
 } // namespace corvanta::platform

@@ -1,3 +1,4 @@
+// The POSIX implementation, with isatty(3) and the TIOCGWINSZ call.
 #include "base/platform/terminal.h"
 
 #include <fcntl.h>
@@ -21,6 +22,7 @@ int terminalWidth(std::FILE *stream)
 
 std::FILE *takeErrorStream()
 {
+    // Libraries write to the descriptor of standard error. Move it and put /dev/null in its place.
     const int copy = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     const int nothing = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
     std::FILE *const stream = copy >= 0 && nothing >= 0 ? ::fdopen(copy, "w") : nullptr;

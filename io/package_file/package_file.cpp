@@ -1,9 +1,13 @@
 #include "io/package_file/package_file.h"
 
 #include "base/block_buffered_sink.h"
-#include "base/cached_source.h"
 
 namespace corvanta {
+
+namespace {
+/// The steps of a zip reader near the end of the file stay inside one cached piece.
+constexpr int kNetworkCacheBytes = 65536;
+} // namespace
 
 Result<std::unique_ptr<PackageInput>, zip::Error> PackageInput::open(GlobalParameters *parameters,
                                                                      const QString &name)
@@ -15,7 +19,7 @@ Result<std::unique_ptr<PackageInput>, zip::Error> PackageInput::open(GlobalParam
     }
     if (KobiFileInfo::isNetDrive(name)) {
         input->m_file =
-            std::make_unique<MyReadFileCached>(input->m_file.release(), CachedSource::kCacheBytes);
+            std::make_unique<MyReadFileCached>(input->m_file.release(), kNetworkCacheBytes);
     }
     auto reader = zip::PackageReader::open(*input->m_file);
     if (!reader) {
@@ -40,6 +44,7 @@ bool PackageOutput::open(const QString &name, TargetFile::Options target,
     return true;
 }
 
+/// End the use of the target file: the temporary file then has all bytes.
 bool PackageOutput::release()
 {
     m_writer.reset();

@@ -1,3 +1,4 @@
+// Package files: replacing the target, and the cache and buffer of network drives.
 #include "io/package_file/package_file.h"
 
 #include <QDir>
@@ -45,7 +46,7 @@ protected:
     QString m_name = m_dir.filePath(u"a.zip"_s);
 };
 
-TEST_P(PackageFile, ReplacesItsTargetOnlyWhenComplete)
+TEST_P(PackageFile, ReplacesTheTargetOnlyWhenComplete)
 {
     ASSERT_EQ(KobiFileInfo::isNetDrive(m_name), GetParam());
     for (const QByteArray &content : {QByteArray("first"), QByteArray(6 << 20, 'x')}) {
@@ -65,7 +66,7 @@ TEST_P(PackageFile, ReplacesItsTargetOnlyWhenComplete)
     }
 }
 
-TEST_P(PackageFile, ARefusedMoveLeavesTheTarget)
+TEST_P(PackageFile, FailedMoveLeavesTheTargetUnchanged)
 {
     PackageOutput first;
     ASSERT_TRUE(first.open(m_name, {7}) && put(first, "m", "old") && first.commit());
@@ -79,6 +80,55 @@ TEST_P(PackageFile, ARefusedMoveLeavesTheTarget)
     EXPECT_EQ(seen, u"new"_s);
     EXPECT_EQ(contentOf(m_name, "m"), "old");
     EXPECT_EQ(files(), QStringList{u"a.zip"_s});
+}
+
+namespace {
+
+/// A file in memory that records the sizes of its reads.
+class RecordingFile final : public MyReadFile
+{
+public:
+    RecordingFile(QByteArrayView bytes, std::vector<qint64> &reads)
+        : m_source(bytes)
+        , m_reads(reads)
+    {
+    }
+    qint64 read(void *buffer, qint64 n) override
+    {
+        m_reads.push_back(m_source.read(buffer, n));
+        return m_reads.back();
+    }
+    qint64 size() override { return m_source.size(); }
+    bool seek(qint64 offset) override { return m_source.seek(offset); }
+    qint64 position() const override { return 0; }
+
+private:
+    MemorySource m_source;
+    std::vector<qint64> &m_reads;
+};
+
+} // namespace
+
+TEST(PackageCache, JoinsSmallReadsAndSeeksAnywhere)
+{
+    QByteArray text(200'000, Qt::Uninitialized);
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        text[i] = static_cast<char>(i * 31 >> 3);
+    }
+    std::vector<qint64> reads;
+    MyReadFileCached file(new RecordingFile(text, reads), 65536);
+    QByteArray back(text.size(), '\0');
+    for (qsizetype at = 0; at < text.size(); at += 100) {
+        ASSERT_EQ(readFully(file, back.data() + at, 100), 100);
+    }
+    EXPECT_TRUE(back == text);
+    EXPECT_EQ(reads, (std::vector<qint64>{65536, 65536, 65536, 3392, 0}));
+    for (const qint64 offset : {199'990LL, 140'000LL, 65'535LL, 0LL, 65'536LL, 199'999LL}) {
+        QByteArray piece(200, '\0');
+        ASSERT_TRUE(file.seek(offset));
+        piece.resize(readFully(file, piece.data(), piece.size()));
+        EXPECT_EQ(piece, text.mid(offset, 200)) << offset;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Drives, PackageFile, ::testing::Bool());
