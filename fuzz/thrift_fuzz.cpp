@@ -10,21 +10,21 @@ template <class Record> static void check(std::span<const uchar> bytes)
 {
     CompactReader in(bytes);
     Record record;
-    const qint64 consumed = readRecord(in, record);
-    if (consumed > static_cast<qint64>(bytes.size())) {
-        std::abort();
-    }
-    if (consumed < 0) {
+    const auto consumed = readRecord(in, record);
+    if (!consumed) {
         return;
+    }
+    if (*consumed > static_cast<qint64>(bytes.size())) {
+        std::abort();
     }
     CompactWriter first;
     CompactWriter second;
     Record back;
-    const qint64 written = writeRecord(first, record);
+    const auto written = writeRecord(first, record);
     CompactReader again({reinterpret_cast<const uchar *>(first.bytes().constData()),
                          static_cast<size_t>(first.bytes().size())});
-    if (written < 0 || readRecord(again, back) != written || writeRecord(second, back) != written ||
-        first.bytes() != second.bytes()) {
+    if (!written || *readRecord(again, back) != *written ||
+        *writeRecord(second, back) != *written || first.bytes() != second.bytes()) {
         std::abort();
     }
 }

@@ -1,3 +1,12 @@
+// The page codecs of parquet-format, Compression.md. Each class wraps one library:
+//
+//   SNAPPY   raw Snappy, without the framing format
+//   GZIP     one or more gzip members (RFC 1952)
+//   ZSTD     one Zstandard frame (RFC 8878)
+//   LZ4_RAW  one LZ4 block, without a frame
+//   BROTLI   one Brotli stream (RFC 7932)
+//
+// The page header has the uncompressed size, so that every output buffer has its final size.
 #include "codecs/parquet/encoding/codec.h"
 
 #include <QLatin1StringView>
@@ -17,15 +26,30 @@ namespace corvanta::parquet {
 
 namespace {
 
+Result<void, Error> goodIf(bool isGood)
+{
+    return isGood ? Result<void, Error>() : Fault{Error::BadData};
+}
+
+/// The size of compressed bytes. A library that fails reports 0.
+Result<size_t, Error> compressed(size_t bytes)
+{
+    if (bytes == 0) {
+        return Fault{Error::NoMemory};
+    }
+    return bytes;
+}
+
 class SnappyDecompressor final : public Decompressor
 {
 public:
-    bool uncompress(std::span<const uchar> in, std::span<uchar> out) override
+    Result<void, Error> uncompress(std::span<const uchar> in, std::span<uchar> out) override
     {
         const auto *const bytes = reinterpret_cast<const char *>(in.data());
         size_t size = 0;
-        return snappy::GetUncompressedLength(bytes, in.size(), &size) && size == out.size() &&
-               snappy::RawUncompress(bytes, in.size(), reinterpret_cast<char *>(out.data()));
+        return goodIf(
+            snappy::GetUncompressedLength(bytes, in.size(), &size) && size == out.size() &&
+            snappy::RawUncompress(bytes, in.size(), reinterpret_cast<char *>(out.data())));
     }
 };
 
@@ -33,15 +57,16 @@ class SnappyCompressor final : public Compressor
 {
 public:
     size_t maxBytes(size_t n) const override { return snappy::MaxCompressedLength(n); }
-    size_t compress(std::span<const char> in, char *out) override
+    Result<size_t, Error> compress(std::span<const char> in, char *out) override
     {
         size_t size = 0;
         snappy::RawCompress(in.data(), in.size(), out, &size);
-        return size;
+        return compressed(size);
     }
 };
 
-constexpr int kEitherHeader = 32; // zlib or gzip, whichever is there
+// Added to the window bits, these select the wrapper around a deflate stream.
+constexpr int kEitherHeader = 32; // zlib or gzip, detected from the header
 constexpr int kGzipHeader = 16;
 
 class GzipDecompressor final : public Decompressor
@@ -55,32 +80,37 @@ public:
         }
     }
     /// A page may consist of several gzip members.
-    bool uncompress(std::span<const uchar> in, std::span<uchar> out) override
+    Result<void, Error> uncompress(std::span<const uchar> in, std::span<uchar> out) override
     {
-        uchar beyond = 0; // room for a byte too many, so that it shows
         m_stream.next_in = const_cast<uchar *>(in.data());
         m_stream.avail_in = static_cast<uInt>(in.size());
         m_stream.next_out = out.data();
         m_stream.avail_out = static_cast<uInt>(out.size());
-        while (m_isOpen && m_stream.avail_in != 0 && inflateReset(&m_stream) == Z_OK) {
-            int state = inflate(&m_stream, Z_FINISH);
-            if (state == Z_BUF_ERROR && m_stream.avail_out == 0) {
-                m_stream.next_out = &beyond;
-                m_stream.avail_out = 1;
-                state = inflate(&m_stream, Z_FINISH);
-                if (m_stream.avail_out == 0) {
-                    return false;
-                }
-                m_stream.avail_out = 0;
-            }
-            if (state != Z_STREAM_END) {
-                return false;
-            }
+        bool isGood = m_isOpen;
+        while (isGood && m_stream.avail_in != 0) {
+            isGood = inflateReset(&m_stream) == Z_OK && inflateMember() == Z_STREAM_END;
         }
-        return m_isOpen && m_stream.avail_in == 0 && m_stream.avail_out == 0;
+        return goodIf(isGood && m_stream.avail_out == 0);
     }
 
 private:
+    /// A member that fills the output may still have an end to read. Zlib needs room for that, so
+    /// give it one more byte; a member that writes it is too long.
+    int inflateMember()
+    {
+        const int state = inflate(&m_stream, Z_FINISH);
+        if (state != Z_BUF_ERROR || m_stream.avail_out != 0) {
+            return state;
+        }
+        uchar excess = 0;
+        m_stream.next_out = &excess;
+        m_stream.avail_out = 1;
+        const int end = inflate(&m_stream, Z_FINISH);
+        const bool isTooLong = m_stream.avail_out == 0;
+        m_stream.avail_out = 0;
+        return isTooLong ? Z_DATA_ERROR : end;
+    }
+
     z_stream m_stream{};
     bool m_isOpen;
 };
@@ -104,16 +134,16 @@ public:
     {
         return deflateBound(const_cast<z_stream *>(&m_stream), n);
     }
-    size_t compress(std::span<const char> in, char *out) override
+    Result<size_t, Error> compress(std::span<const char> in, char *out) override
     {
         if (!m_isOpen || deflateReset(&m_stream) != Z_OK) {
-            return 0;
+            return Fault{Error::NoMemory};
         }
         m_stream.next_in = reinterpret_cast<uchar *>(const_cast<char *>(in.data()));
         m_stream.avail_in = static_cast<uInt>(in.size());
         m_stream.next_out = reinterpret_cast<uchar *>(out);
         m_stream.avail_out = static_cast<uInt>(maxBytes(in.size()));
-        return deflate(&m_stream, Z_FINISH) == Z_STREAM_END ? m_stream.total_out : 0;
+        return compressed(deflate(&m_stream, Z_FINISH) == Z_STREAM_END ? m_stream.total_out : 0);
     }
 
 private:
@@ -124,10 +154,10 @@ private:
 class ZstdDecompressor final : public Decompressor
 {
 public:
-    bool uncompress(std::span<const uchar> in, std::span<uchar> out) override
+    Result<void, Error> uncompress(std::span<const uchar> in, std::span<uchar> out) override
     {
-        return ZSTD_decompressDCtx(m_context.get(), out.data(), out.size(), in.data(), in.size()) ==
-               out.size();
+        return goodIf(ZSTD_decompressDCtx(m_context.get(), out.data(), out.size(), in.data(),
+                                          in.size()) == out.size());
     }
 
 private:
@@ -142,12 +172,12 @@ class ZstdCompressor final : public Compressor
 {
 public:
     size_t maxBytes(size_t n) const override { return ZSTD_compressBound(n); }
-    size_t compress(std::span<const char> in, char *out) override
+    Result<size_t, Error> compress(std::span<const char> in, char *out) override
     {
         constexpr int kLevel = 3;
         const size_t size = ZSTD_compressCCtx(m_context.get(), out, maxBytes(in.size()), in.data(),
                                               in.size(), kLevel);
-        return ZSTD_isError(size) != 0 ? 0 : size;
+        return compressed(ZSTD_isError(size) != 0 ? 0 : size);
     }
 
 private:
@@ -161,12 +191,12 @@ private:
 class Lz4Decompressor final : public Decompressor
 {
 public:
-    bool uncompress(std::span<const uchar> in, std::span<uchar> out) override
+    Result<void, Error> uncompress(std::span<const uchar> in, std::span<uchar> out) override
     {
         const auto size = static_cast<int>(out.size());
-        return LZ4_decompress_safe(reinterpret_cast<const char *>(in.data()),
-                                   reinterpret_cast<char *>(out.data()),
-                                   static_cast<int>(in.size()), size) == size;
+        return goodIf(LZ4_decompress_safe(reinterpret_cast<const char *>(in.data()),
+                                          reinterpret_cast<char *>(out.data()),
+                                          static_cast<int>(in.size()), size) == size);
     }
 };
 
@@ -177,23 +207,23 @@ public:
     {
         return static_cast<size_t>(LZ4_compressBound(static_cast<int>(n)));
     }
-    size_t compress(std::span<const char> in, char *out) override
+    Result<size_t, Error> compress(std::span<const char> in, char *out) override
     {
         const int size = LZ4_compress_default(in.data(), out, static_cast<int>(in.size()),
                                               static_cast<int>(maxBytes(in.size())));
-        return static_cast<size_t>(std::max(size, 0));
+        return compressed(static_cast<size_t>(std::max(size, 0)));
     }
 };
 
 class BrotliDecompressor final : public Decompressor
 {
 public:
-    bool uncompress(std::span<const uchar> in, std::span<uchar> out) override
+    Result<void, Error> uncompress(std::span<const uchar> in, std::span<uchar> out) override
     {
         size_t size = out.size();
-        return BrotliDecoderDecompress(in.size(), in.data(), &size, out.data()) ==
-                   BROTLI_DECODER_RESULT_SUCCESS &&
-               size == out.size();
+        return goodIf(BrotliDecoderDecompress(in.size(), in.data(), &size, out.data()) ==
+                          BROTLI_DECODER_RESULT_SUCCESS &&
+                      size == out.size());
     }
 };
 
@@ -201,15 +231,15 @@ class BrotliCompressor final : public Compressor
 {
 public:
     size_t maxBytes(size_t n) const override { return BrotliEncoderMaxCompressedSize(n); }
-    size_t compress(std::span<const char> in, char *out) override
+    Result<size_t, Error> compress(std::span<const char> in, char *out) override
     {
         constexpr int kQuality = 4;
         size_t size = maxBytes(in.size());
-        return BrotliEncoderCompress(kQuality, BROTLI_DEFAULT_WINDOW, BROTLI_DEFAULT_MODE,
-                                     in.size(), reinterpret_cast<const uchar *>(in.data()), &size,
-                                     reinterpret_cast<uchar *>(out)) == BROTLI_TRUE
-                   ? size
-                   : 0;
+        const bool isGood =
+            BrotliEncoderCompress(kQuality, BROTLI_DEFAULT_WINDOW, BROTLI_DEFAULT_MODE, in.size(),
+                                  reinterpret_cast<const uchar *>(in.data()), &size,
+                                  reinterpret_cast<uchar *>(out)) == BROTLI_TRUE;
+        return compressed(isGood ? size : 0);
     }
 };
 

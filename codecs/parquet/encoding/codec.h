@@ -1,5 +1,4 @@
-// codecs/parquet/codec.h
-// Compression of pages.
+// Compresses and uncompresses pages, one class per codec.
 #pragma once
 #include "codecs/parquet/metadata/records.h"
 
@@ -11,7 +10,8 @@
 
 namespace corvanta::parquet {
 
-/// Uncompresses pages of one codec. Threads: one at a time; objects share nothing.
+/// Uncompresses pages of one codec. Threads: one thread at a time per object; separate objects are
+/// independent.
 class Decompressor
 {
 public:
@@ -19,11 +19,13 @@ public:
     Decompressor(const Decompressor &) = delete;
     Decompressor &operator=(const Decompressor &) = delete;
     virtual ~Decompressor() = default;
-    /// Fill `out`; false unless `in` gives exactly as many bytes.
-    virtual bool uncompress(std::span<const uchar> in, std::span<uchar> out) = 0;
+    /// Fill `out`. Errors: BadData, without a detail, unless `in` contains exactly out.size()
+    /// bytes.
+    virtual Result<void, Error> uncompress(std::span<const uchar> in, std::span<uchar> out) = 0;
 };
 
-/// Compresses pages of one codec. Threads: one at a time; objects share nothing.
+/// Compresses pages of one codec. Threads: one thread at a time per object; separate objects are
+/// independent.
 class Compressor
 {
 public:
@@ -31,17 +33,18 @@ public:
     Compressor(const Compressor &) = delete;
     Compressor &operator=(const Compressor &) = delete;
     virtual ~Compressor() = default;
-    /// The most bytes that `n` bytes can become.
+    /// The maximum size in bytes of `n` compressed bytes.
     virtual size_t maxBytes(size_t n) const = 0;
-    /// Compress into `out`, of maxBytes(in.size()) bytes; the bytes used, 0 after a failure.
-    virtual size_t compress(std::span<const char> in, char *out) = 0;
+    /// Compress `in` into `out`, which has room for maxBytes(in.size()) bytes. Returns the size of
+    /// the result, which is never 0. Errors: NoMemory, without a detail, if the library fails.
+    virtual Result<size_t, Error> compress(std::span<const char> in, char *out) = 0;
 };
 
-/// Null for UNCOMPRESSED and for codecs that are not known.
+/// `codec` is a CodecNumber. Return null for kUncompressed and for unknown codecs.
 std::unique_ptr<Decompressor> makeDecompressor(qint32 codec);
 std::unique_ptr<Compressor> makeCompressor(qint32 codec);
 
-/// "SNAPPY", "ZSTD", ...; the number for an unknown one.
+/// The name of a codec, such as "SNAPPY" or "ZSTD"; the number for an unknown one.
 QString codecName(qint32 codec);
 
 } // namespace corvanta::parquet

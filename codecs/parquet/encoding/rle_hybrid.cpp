@@ -1,7 +1,10 @@
-// A run is a varint header and its data:
+// A sequence of runs, each a varint header and its data (parquet-format, Encodings.md):
 //
-//   header odd    header >> 1 groups of 8 values, bitWidth bits each, least significant bit first
-//   header even   header >> 1 times the value in the next ceil(bitWidth / 8) bytes, little-endian
+//   header   data
+//   odd      header >> 1 groups of 8 values, bitWidth bits each, least significant bit first
+//   even     one value of ceil(bitWidth / 8) bytes, little-endian, repeated header >> 1 times
+//
+// Varints have 7 bits per byte, least significant group first; the high bit means "more follow".
 #include "codecs/parquet/encoding/rle_hybrid.h"
 
 #include "base/bytes.h"
@@ -14,7 +17,7 @@ namespace corvanta::parquet {
 namespace {
 
 constexpr size_t kGroup = 8;
-constexpr size_t kMaxPackedGroups = 63;
+constexpr size_t kMaxPackedGroups = 63; // the header then takes one byte
 
 void appendVarint(quint64 value, std::vector<char> &out)
 {
@@ -24,7 +27,7 @@ void appendVarint(quint64 value, std::vector<char> &out)
     out.push_back(static_cast<char>(value));
 }
 
-/// Collects groups of 8 values into runs.
+/// Collects groups of 8 values into runs. The header of a packed run is written when it ends.
 class HybridEncoder
 {
 public:
@@ -99,31 +102,43 @@ private:
 
 } // namespace
 
-bool HybridDecoder::nextRun()
+bool HybridDecoder::readHeader(quint64 &header)
 {
-    quint64 header = 0;
-    for (int shift = 0;; shift += 7) {
-        constexpr int kMaxShift = 35;
-        if (m_at == m_end || shift > kMaxShift) {
-            return false;
-        }
+    constexpr int kMaxShift = 35;
+    header = 0;
+    for (int shift = 0; m_at != m_end && shift <= kMaxShift; shift += 7) {
         const uchar byte = *m_at++;
         header |= static_cast<quint64>(byte & 0x7F) << shift;
         if (byte < 0x80) {
-            break;
+            return true;
         }
     }
+    return false;
+}
+
+void HybridDecoder::startPackedRun(quint64 groups)
+{
+    // Some writers truncate the last run of a page after the values that are needed.
     const auto bytesLeft = static_cast<quint64>(m_end - m_at);
+    const quint64 bytes = std::min(groups * static_cast<quint64>(m_bitWidth), bytesLeft);
+    m_left = std::min(groups * kGroup, bytes * 8 / static_cast<quint64>(m_bitWidth));
+    m_packed = m_at;
+    m_bit = 0;
+    m_at += bytes;
+}
+
+bool HybridDecoder::nextRun()
+{
+    quint64 header = 0;
+    if (!readHeader(header)) {
+        return false;
+    }
     m_isPacked = (header & 1) != 0;
     if (m_isPacked) {
-        // The last run of a page may be cut off behind the values that are needed.
-        const quint64 bytes = std::min((header >> 1) * static_cast<quint64>(m_bitWidth), bytesLeft);
-        m_left = std::min((header >> 1) * kGroup, bytes * 8 / static_cast<quint64>(m_bitWidth));
-        m_packed = m_at;
-        m_bit = 0;
-        m_at += bytes;
+        startPackedRun(header >> 1);
         return true;
     }
+    const auto bytesLeft = static_cast<quint64>(m_end - m_at);
     const auto valueBytes = static_cast<quint64>((m_bitWidth + 7) / 8);
     if (valueBytes > bytesLeft) {
         return false;
@@ -192,8 +207,8 @@ void unpackBits(const uchar *bytes, qsizetype n, uchar *out)
 {
     qsizetype i = 0;
     for (; i + 8 <= n; i += 8) {
-        // Bit k of the byte into byte k: each copy of the byte keeps its own bit, moved to the
-        // bottom.
+        // Copy the byte to all 8 bytes of a word, keep bit k in byte k, and move it to the lowest
+        // bit of that byte.
         quint64 spread = bytes[i / 8] * 0x0101010101010101ULL & 0x8040201008040201ULL;
         spread = (spread + 0x7F7F7F7F7F7F7F7FULL) >> 7 & 0x0101010101010101ULL;
         storeLE(spread, out + i);

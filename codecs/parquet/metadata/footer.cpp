@@ -1,6 +1,9 @@
-// The end of a file:  metadata (Thrift compact) | quint32 length, little-endian | "PAR1"
+// The end of a file (parquet-format, README.md, section "File format"):
 //
-// The "PAR1" at the beginning is not looked at.
+//   bytes   content
+//   length  FileMetaData, a Thrift compact record
+//        4  length, unsigned, little-endian
+//        4  "PAR1"
 #include "codecs/parquet/metadata/footer.h"
 
 #include "base/bytes.h"
@@ -14,9 +17,19 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta::parquet {
 
-Result<FileMetaData, Error> readFooter(ByteSource &source)
+namespace {
+
+constexpr qint64 kTrailerBytes = 8;
+
+/// Where the metadata is in the file.
+struct MetaDataRange
 {
-    constexpr qint64 kTrailerBytes = 8;
+    qint64 begin;
+    qint64 bytes;
+};
+
+Result<MetaDataRange, Error> readTrailer(ByteSource &source)
+{
     const qint64 size = source.size();
     if (size < kTrailerBytes) {
         return Fault{Error::Unreadable, u"the file is shorter than its trailer"_s, size};
@@ -33,6 +46,19 @@ Result<FileMetaData, Error> readFooter(ByteSource &source)
         return Fault{Error::BadFooter, u"the metadata is longer than the file"_s,
                      size - kTrailerBytes};
     }
+    return MetaDataRange{begin, length};
+}
+
+} // namespace
+
+Result<FileMetaData, Error> readFooter(ByteSource &source)
+{
+    const auto range = readTrailer(source);
+    if (!range) {
+        return range.fault();
+    }
+    const auto [begin, length] = *range;
+    // The length is a claim of the file, up to 4 GiB. Its failure is not the end of the program.
     const std::unique_ptr<uchar[]> bytes(new (std::nothrow) uchar[static_cast<size_t>(length)]);
     if (!bytes) {
         return Fault{Error::NoMemory, u"not enough memory for the metadata"_s, begin};
@@ -42,7 +68,7 @@ Result<FileMetaData, Error> readFooter(ByteSource &source)
     }
     CompactReader reader({bytes.get(), static_cast<size_t>(length)});
     FileMetaData metaData;
-    if (readRecord(reader, metaData) < 0) {
+    if (!readRecord(reader, metaData)) {
         return Fault{Error::BadThrift, u"the metadata is damaged"_s, begin};
     }
     return metaData;

@@ -1,5 +1,4 @@
-// codecs/parquet/footer.h
-// The metadata at the end of a Parquet file.
+// Reads the metadata at the end of a Parquet file.
 #pragma once
 #include "base/byte_source.h"
 #include "codecs/parquet/metadata/error.h"
@@ -7,8 +6,10 @@
 
 namespace corvanta::parquet {
 
-/// Read the metadata. Errors: Unreadable (shorter than 8 bytes or of unknown size), BadFooter (no
-/// trailer, or it does not fit the file), NoMemory, ShortRead, BadThrift.
+/// Read the metadata of a file. The source must be able to seek; its position afterwards is
+/// undefined. Does not check the "PAR1" at the start of the file.
+/// Errors: Unreadable (shorter than 8 bytes, or of unknown size), BadFooter (no trailer, or the
+/// metadata is longer than the file), NoMemory, ShortRead, BadThrift.
 Result<FileMetaData, Error> readFooter(ByteSource &source);
 
 } // namespace corvanta::parquet

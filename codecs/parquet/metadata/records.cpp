@@ -1,3 +1,11 @@
+// Reads and writes records from the field lists in records.h:
+//
+//   struct    fields in any order, each a header (type, id) and a value; then a stop byte
+//   optional  the field is absent or present
+//   vector    a list: header (element type, size) and the elements
+//
+// The bytes of headers and values are those of the Thrift compact protocol; see thrift_compact.cpp.
+// Inside this file a bool is enough: every failure means the same, and readRecord() names it.
 #include "codecs/parquet/metadata/records.h"
 
 #include <algorithm>
@@ -23,6 +31,7 @@ template <class T> struct IsVector<std::vector<T>> : std::true_type
 {
 };
 
+/// The Thrift type of a member's value.
 template <class T> constexpr ThriftType typeOf()
 {
     if constexpr (IsVector<T>::value) {
@@ -42,7 +51,8 @@ template <class T> constexpr ThriftType typeOf()
     }
 }
 
-/// The type of a member's value, and the value itself, made when it is not there.
+/// Access to the value of a member. make() creates the value of an optional member; get() returns
+/// null if it is not set.
 template <class T> struct Slot
 {
     using Value = T;
@@ -85,7 +95,8 @@ bool readValue(CompactReader &in, QByteArray &value)
 template <class T> bool readValue(CompactReader &in, std::vector<T> &list);
 template <class R> bool readValue(CompactReader &in, R &record);
 
-/// One field of a record, when it is the member's: what fields() calls for each member.
+/// fields() calls it for each member of a record. It reads the current field into the member that
+/// has its id and type.
 struct FieldReader
 {
     CompactReader &in;
@@ -93,7 +104,7 @@ struct FieldReader
     qint16 id;
     bool isTaken = false;
     bool isGood = true;
-    quint32 seen = 0; // bit per field id of the required members
+    quint32 seen = 0; // the bit of the field's id, if a member took it
 
     template <class M> void operator()(qint16 memberId, M &member)
     {
@@ -106,6 +117,7 @@ struct FieldReader
     }
 };
 
+/// Collects the ids of required fields, one bit each. The ids are below 32.
 struct RequiredFields
 {
     quint32 ids = 0;
@@ -150,7 +162,7 @@ template <class T> bool readValue(CompactReader &in, std::vector<T> &list)
         return false;
     }
     list.clear();
-    // The count is only a claim until the elements are there.
+    // The size is only a claim of the file. Do not reserve memory for all of it.
     constexpr qint32 kReserved = 4096;
     list.reserve(static_cast<size_t>(std::min(size, kReserved)));
     for (qint32 i = 0; i < size; ++i) {
@@ -184,6 +196,7 @@ bool writeValue(CompactWriter &out, const QByteArray &value)
 template <class T> bool writeValue(CompactWriter &out, const std::vector<T> &list);
 template <class R> bool writeValue(CompactWriter &out, const R &record);
 
+/// fields() calls it for each member of a record. It writes the members that are set.
 struct FieldWriter
 {
     CompactWriter &out;
@@ -217,33 +230,39 @@ template <class T> bool writeValue(CompactWriter &out, const std::vector<T> &lis
            out.writeListEnd() >= 0;
 }
 
-template <class R> qint64 readWhole(CompactReader &in, R &record)
+template <class R> Result<qint64, Error> readWhole(CompactReader &in, R &record)
 {
     const qint64 begin = in.position();
-    return readValue(in, record) ? in.position() - begin : -1;
+    if (!readValue(in, record)) {
+        return Fault{Error::BadThrift};
+    }
+    return in.position() - begin;
 }
 
-template <class R> qint64 writeWhole(CompactWriter &out, const R &record)
+template <class R> Result<qint64, Error> writeWhole(CompactWriter &out, const R &record)
 {
     const qint64 begin = out.bytes().size();
-    return writeValue(out, record) ? out.bytes().size() - begin : -1;
+    if (!writeValue(out, record)) {
+        return Fault{Error::TextTooLong};
+    }
+    return out.bytes().size() - begin;
 }
 
 } // namespace
 
-qint64 readRecord(CompactReader &in, FileMetaData &record)
+Result<qint64, Error> readRecord(CompactReader &in, FileMetaData &record)
 {
     return readWhole(in, record);
 }
-qint64 readRecord(CompactReader &in, PageHeader &record)
+Result<qint64, Error> readRecord(CompactReader &in, PageHeader &record)
 {
     return readWhole(in, record);
 }
-qint64 writeRecord(CompactWriter &out, const FileMetaData &record)
+Result<qint64, Error> writeRecord(CompactWriter &out, const FileMetaData &record)
 {
     return writeWhole(out, record);
 }
-qint64 writeRecord(CompactWriter &out, const PageHeader &record)
+Result<qint64, Error> writeRecord(CompactWriter &out, const PageHeader &record)
 {
     return writeWhole(out, record);
 }

@@ -1,11 +1,15 @@
-// codecs/parquet/records.h
 // The metadata records of a Parquet file (parquet.thrift of parquet-format).
 //
-// Each record lists its fields once, in fields(); reading and writing follow from that. A plain
-// member is a required field: it is always written, and a record without it does not read. An
-// optional member is written when it is set. Fields that a record does not list are skipped.
+// Each record lists its fields once, in fields(), as pairs of the Thrift field id and the member.
+// Reading and writing both use that list. A plain member is a required field: it is always written,
+// and a record without it is rejected. An optional member (std::optional or std::unique_ptr) is
+// written only if it is set. Unknown fields are skipped.
+//
+// Member names are those of parquet.thrift. Sizes and offsets are in bytes. The values come from
+// the file unchecked: a count may be negative, and an enumeration may hold any number.
 // Threads: plain data.
 #pragma once
+#include "codecs/parquet/metadata/error.h"
 #include "codecs/parquet/metadata/thrift_compact.h"
 
 #include <QByteArray>
@@ -16,7 +20,9 @@
 
 namespace corvanta::parquet {
 
-// Numbers as they stand in files; a field may hold any other number.
+// Numbers as stored in files. A field may hold any other number.
+
+/// The stored type of a column's values.
 enum Physical : qint32 {
     kBoolean = 0,
     kInt32 = 1,
@@ -27,7 +33,9 @@ enum Physical : qint32 {
     kByteArray = 6,
     kFixedLenByteArray = 7,
 };
+/// Whether a column may have nulls or several values per row.
 enum Repetition : qint32 { kRequired = 0, kOptional = 1, kRepeated = 2 };
+/// The compression of the pages of a chunk.
 enum CodecNumber : qint32 {
     kUncompressed = 0,
     kSnappy = 1,
@@ -38,7 +46,9 @@ enum CodecNumber : qint32 {
     kZstd = 6,
     kLz4Raw = 7,
 };
+/// What a page holds.
 enum PageType : qint32 { kDataPage = 0, kIndexPage = 1, kDictionaryPage = 2, kDataPageV2 = 3 };
+/// How the values of a page are encoded.
 enum Encoding : qint32 {
     kPlain = 0,
     kPlainDictionary = 2,
@@ -50,6 +60,7 @@ enum Encoding : qint32 {
     kRleDictionary = 8,
     kByteStreamSplit = 9,
 };
+/// The older form of a column's annotation. Only the numbers in use.
 enum Converted : qint32 {
     kUtf8 = 0,
     kDecimal = 5,
@@ -64,13 +75,14 @@ enum Converted : qint32 {
     kUint64 = 14,
 };
 
-/// A struct without fields that matter here; its presence is the information.
+/// A struct whose fields are not needed. Its presence is the information.
 struct Marker
 {
     template <class Self, class F> static void fields(Self &, F &&) {}
 };
 using IndexPageHeader = Marker;
 
+/// The unit of a time or timestamp. Exactly one member is set in a valid file.
 struct TimeUnit
 {
     std::optional<Marker> millis, micros, nanos;
@@ -80,6 +92,7 @@ struct TimeUnit
     }
 };
 
+/// A time of day or a timestamp, in units of `unit`.
 struct TimeType
 {
     bool isAdjustedToUtc = false;
@@ -90,6 +103,7 @@ struct TimeType
     }
 };
 
+/// A decimal number: an integer times 10^-scale.
 struct DecimalType
 {
     qint32 scale = 0, precision = 0;
@@ -99,6 +113,7 @@ struct DecimalType
     }
 };
 
+/// An integer of `bitWidth` bits.
 struct IntType
 {
     qint8 bitWidth = 0;
@@ -109,7 +124,8 @@ struct IntType
     }
 };
 
-/// What a column means; at most one member is set. Read only when it is asked for.
+/// The newer form of a column's annotation. At most one member is set. Used only with
+/// ReadOptions::logicalTypes.
 struct LogicalType
 {
     std::optional<DecimalType> decimal;
@@ -123,6 +139,8 @@ struct LogicalType
     }
 };
 
+/// A column or a group of columns. The elements are the schema tree in depth-first order: an
+/// element with numChildren is followed by its children. Element 0 is the root.
 struct SchemaElement
 {
     std::optional<qint32> type, typeLength, repetitionType;
@@ -137,8 +155,9 @@ struct SchemaElement
     }
 };
 
-/// `max` and `min` are of the order that the oldest readers know (signed); the other two are of the
-/// column's own order.
+/// The range and the null count of a chunk or page. `max` and `min` use the signed order of the
+/// oldest readers; `maxValue` and `minValue` use the column's own order. Values are in PLAIN form
+/// without a length.
 struct Statistics
 {
     std::optional<QByteArray> max, min;
@@ -151,6 +170,7 @@ struct Statistics
     }
 };
 
+/// Details of a data page of version 1. numValues includes nulls.
 struct DataPageHeader
 {
     qint32 numValues = 0, encoding = 0, definitionLevelEncoding = 0, repetitionLevelEncoding = 0;
@@ -162,6 +182,7 @@ struct DataPageHeader
     }
 };
 
+/// Details of a dictionary page. numValues is the number of entries.
 struct DictionaryPageHeader
 {
     qint32 numValues = 0, encoding = 0;
@@ -172,11 +193,13 @@ struct DictionaryPageHeader
     }
 };
 
+/// Details of a data page of version 2. numValues includes nulls. The levels are before the values
+/// and never compressed.
 struct DataPageHeaderV2
 {
     qint32 numValues = 0, numNulls = 0, numRows = 0, encoding = 0;
     qint32 definitionLevelsByteLength = 0, repetitionLevelsByteLength = 0;
-    std::optional<bool> isCompressed; ///< true when not set
+    std::optional<bool> isCompressed; ///< True if not set.
     std::unique_ptr<Statistics> statistics;
     template <class Self, class F> static void fields(Self &r, F &&f)
     {
@@ -186,6 +209,8 @@ struct DataPageHeaderV2
     }
 };
 
+/// The record before the bytes of each page. The member that belongs to `type` is set in a valid
+/// file. `crc` is the CRC-32 of the stored bytes.
 struct PageHeader
 {
     qint32 type = 0, uncompressedPageSize = 0, compressedPageSize = 0;
@@ -202,7 +227,8 @@ struct PageHeader
     }
 };
 
-/// Field 8, key/value metadata, is skipped.
+/// Where the pages of a column chunk are, and how they are encoded. numValues includes nulls. Field
+/// 8, key/value metadata, is skipped.
 struct ColumnMetaData
 {
     qint32 type = 0;
@@ -220,6 +246,7 @@ struct ColumnMetaData
     }
 };
 
+/// The part of a column in one row group. `filePath` names another file if set.
 struct ColumnChunk
 {
     std::optional<QByteArray> filePath;
@@ -231,6 +258,7 @@ struct ColumnChunk
     }
 };
 
+/// One column of the order of a row group; columnIdx is 0-based.
 struct SortingColumn
 {
     qint32 columnIdx = 0;
@@ -241,6 +269,7 @@ struct SortingColumn
     }
 };
 
+/// A group of rows: one chunk for each leaf of the schema, in schema order.
 struct RowGroup
 {
     std::vector<ColumnChunk> columns;
@@ -252,6 +281,7 @@ struct RowGroup
     }
 };
 
+/// An entry of the metadata that applications add.
 struct KeyValue
 {
     QByteArray key;
@@ -262,16 +292,17 @@ struct KeyValue
     }
 };
 
-/// The order that a column's minValue and maxValue are of.
+/// The order of a column's minValue and maxValue.
 struct ColumnOrder
 {
     std::optional<Marker> typeDefined;
     template <class Self, class F> static void fields(Self &r, F &&f) { f(1, r.typeDefined); }
 };
 
-/// What files of our own say in createdBy.
+/// The value of createdBy in the files that FileWriter writes.
 inline constexpr char kCreatedBy[] = "Corvanta";
 
+/// The record at the end of the file.
 struct FileMetaData
 {
     qint32 version = 0;
@@ -288,11 +319,12 @@ struct FileMetaData
     }
 };
 
-/// Read a record; the bytes that it takes, or -1 when it is cut off or malformed.
-qint64 readRecord(CompactReader &in, FileMetaData &record);
-qint64 readRecord(CompactReader &in, PageHeader &record);
-/// Write a record; the bytes that it took, or -1.
-qint64 writeRecord(CompactWriter &out, const FileMetaData &record);
-qint64 writeRecord(CompactWriter &out, const PageHeader &record);
+/// Read a record. Returns its size in bytes. Errors: BadThrift, without a detail, if the record is
+/// truncated or malformed; `record` is then partly filled.
+Result<qint64, Error> readRecord(CompactReader &in, FileMetaData &record);
+Result<qint64, Error> readRecord(CompactReader &in, PageHeader &record);
+/// Append a record. Returns its size in bytes. Errors: TextTooLong for a string above 2 GiB.
+Result<qint64, Error> writeRecord(CompactWriter &out, const FileMetaData &record);
+Result<qint64, Error> writeRecord(CompactWriter &out, const PageHeader &record);
 
 } // namespace corvanta::parquet

@@ -1,12 +1,19 @@
-// A struct is its fields and a zero byte. A field is a header and a value:
+// The bytes of the compact protocol (thrift-compact-protocol.md of Apache Thrift):
 //
-//   header   high nibble: id minus the id before (1 to 15), or 0 and a zigzag varint id follows
-//            low nibble:  wire type (1 and 2 are the bools true and false and have no value)
-//   i16..64  zigzag varint          double  8 bytes, little-endian
-//   binary   varint length, bytes   list    nibbles size and element type; size 15: a varint
-//   follows map      varint size; unless 0 a byte with the nibbles key and value type; the pairs
-//
-// Varints have 7 bits a byte, least significant group first, the high bit says that more follow.
+//   varint   7 bits per byte, least significant group first; the high bit is set in all bytes but
+//            the last
+//   i16..64  zigzag varint: 0, -1, 1, -2 ... are stored as 0, 1, 2, 3 ...
+//   double   8 bytes, little-endian
+//   binary   varint length, then the bytes
+//   struct   fields, then a zero byte
+//   field    1 byte: high nibble id minus previous id (1 to 15), low nibble wire type; if the high
+//            nibble is 0, the id follows as zigzag varint; then the value
+//   bool     in a field: no bytes, wire type 1 is true and 2 is false; in a list: 1 byte
+//   list     1 byte: high nibble size (0 to 14), low nibble element type; if the high nibble is 15,
+//            the size follows as varint; then the elements
+//   map      varint size; if it is not 0, 1 byte with the key type in the high nibble and the value
+//            type in the low nibble; then the pairs
+//   message  82, 1 byte: high 3 bits type, low 5 bits version 1; varint sequence number; name
 #include "codecs/parquet/metadata/thrift_compact.h"
 
 #include "base/bytes.h"
@@ -26,7 +33,7 @@ constexpr quint8 kVersionMask = 0x1F;
 constexpr quint8 kWireTrue = 1;
 constexpr quint8 kWireFalse = 2;
 
-/// By wire type; Stop is also "no such type" (but for wire type 0).
+/// Interface types by wire type. For wire types above 0, Stop means "no such type".
 constexpr std::array<ThriftType, 13> kFromWire{
     ThriftType::Stop, ThriftType::Bool, ThriftType::Bool,   ThriftType::Byte,   ThriftType::I16,
     ThriftType::I32,  ThriftType::I64,  ThriftType::Double, ThriftType::String, ThriftType::List,
@@ -115,21 +122,16 @@ int CompactReader::readFieldBegin(ThriftType *type, qint16 *id)
     if (*type == ThriftType::Stop) {
         return fail();
     }
-    int consumed = 1;
-    if (header >> 4 != 0) {
-        *id = static_cast<qint16>(m_lastId + (header >> 4));
-    } else {
-        const int idBytes = readI16(id);
-        if (idBytes < 0) {
-            return kFailed;
-        }
-        consumed += idBytes;
+    *id = static_cast<qint16>(m_lastId + (header >> 4));
+    const int idBytes = header >> 4 == 0 ? readI16(id) : 0;
+    if (idBytes < 0) {
+        return kFailed;
     }
     m_lastId = *id;
     if (*type == ThriftType::Bool) {
         m_pendingBool = wire == kWireTrue ? PendingBool::True : PendingBool::False;
     }
-    return consumed;
+    return 1 + idBytes;
 }
 
 int CompactReader::readListBegin(ThriftType *element, qint32 *size)
@@ -139,14 +141,10 @@ int CompactReader::readListBegin(ThriftType *element, qint32 *size)
     }
     const uchar header = m_bytes[m_at++];
     quint64 count = header >> 4;
-    int consumed = 1;
     constexpr quint64 kSizeFollows = 15;
-    if (count == kSizeFollows) {
-        const int sizeBytes = readVarint(&count);
-        if (sizeBytes < 0) {
-            return kFailed;
-        }
-        consumed += sizeBytes;
+    const int sizeBytes = count == kSizeFollows ? readVarint(&count) : 0;
+    if (sizeBytes < 0) {
+        return kFailed;
     }
     *element = fromWire(header & 0x0F);
     const auto limit = static_cast<quint64>(m_elementLimit > 0 ? m_elementLimit : bytesLeft());
@@ -156,7 +154,7 @@ int CompactReader::readListBegin(ThriftType *element, qint32 *size)
         return fail();
     }
     *size = static_cast<qint32>(count);
-    return consumed;
+    return 1 + sizeBytes;
 }
 
 int CompactReader::readBool(bool *value)
@@ -249,7 +247,7 @@ int CompactReader::readMessageBegin(QByteArray *name, qint8 *type, qint32 *seque
 
 bool CompactReader::skipScalar(ThriftType type)
 {
-    bool flag = false;
+    bool flag = false; // the values are not used
     qint8 byte = 0;
     quint64 number = 0;
     double real = 0;
@@ -275,45 +273,55 @@ bool CompactReader::skipScalar(ThriftType type)
     }
 }
 
-/// Begin to skip a value: a scalar is skipped, a container goes onto the stack.
+/// Reads the header of a list or set that is to be skipped.
+bool CompactReader::openList(Open *added)
+{
+    ThriftType element = ThriftType::Stop;
+    qint32 size = 0;
+    const bool isGood = readListBegin(&element, &size) >= 0;
+    *added = {ThriftType::List, static_cast<quint64>(size), {element, element}};
+    return isGood;
+}
+
+/// Reads the header of a map that is to be skipped.
+bool CompactReader::openMap(Open *added)
+{
+    quint64 size = 0;
+    qint8 types = 0;
+    if (readVarint(&size) < 0 || size > static_cast<quint64>(bytesLeft()) ||
+        (size != 0 && readByte(&types) < 0)) {
+        return false;
+    }
+    const auto both = static_cast<quint8>(types);
+    *added = {ThriftType::Map, size * 2, {fromWire(both >> 4), fromWire(both & 0x0F)}};
+    return true;
+}
+
+/// Start to skip a value: skip a scalar, or push a container onto the stack. A stack and not a
+/// recursion, so that a deeply nested value cannot exhaust the thread's stack.
 bool CompactReader::openForSkip(ThriftType type, std::vector<Open> *open)
 {
     Open added{type, 0, {ThriftType::Stop, ThriftType::Stop}};
+    bool isGood = false;
     switch (type) {
     case ThriftType::Struct:
-        if (readStructBegin() < 0) {
-            return false;
-        }
+        isGood = readStructBegin() >= 0;
         break;
     case ThriftType::List:
-    case ThriftType::Set: {
-        qint32 size = 0;
-        if (readListBegin(&added.element[0], &size) < 0) {
-            return false;
-        }
-        added = {
-            ThriftType::List, static_cast<quint64>(size), {added.element[0], added.element[0]}};
+    case ThriftType::Set:
+        isGood = openList(&added);
         break;
-    }
-    case ThriftType::Map: {
-        quint64 size = 0;
-        qint8 types = 0;
-        if (readVarint(&size) < 0 || size > static_cast<quint64>(bytesLeft()) ||
-            (size != 0 && readByte(&types) < 0)) {
-            return false;
-        }
-        const auto both = static_cast<quint8>(types);
-        added = {type, size * 2, {fromWire(both >> 4), fromWire(both & 0x0F)}};
+    case ThriftType::Map:
+        isGood = openMap(&added);
         break;
-    }
     default:
         return skipScalar(type);
     }
     open->push_back(added);
-    return open->size() <= limits::kThriftSkipDepth;
+    return isGood && open->size() <= limits::kThriftSkipDepth;
 }
 
-/// Skip the next value of the innermost open container, or close it.
+/// Skip the next value of the innermost open container, or close the container.
 bool CompactReader::skipNext(std::vector<Open> *open)
 {
     Open &inner = open->back();
@@ -334,7 +342,7 @@ bool CompactReader::skipNext(std::vector<Open> *open)
         open->pop_back();
         return true;
     }
-    const ThriftType element = inner.element[inner.left & 1]; // keys come at even counts
+    const ThriftType element = inner.element[inner.left & 1]; // a key if the count is even
     --inner.left;
     return openForSkip(element, open);
 }

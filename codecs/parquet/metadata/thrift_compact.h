@@ -1,8 +1,11 @@
-// codecs/parquet/thrift_compact.h
-// The Thrift compact protocol over memory (thrift-compact-protocol.md of Apache Thrift).
+// Encodes and decodes the Thrift compact protocol in memory (thrift-compact-protocol.md of Apache
+// Thrift).
 //
-// Every operation returns the bytes that it consumed or produced, or -1. After a -1 of a reader
-// nothing further can be read from it. Threads: one at a time.
+// Every operation returns the number of bytes that it consumed or produced, or -1 after a failure.
+// A reader that has returned -1 fails in every later operation. The compact status is deliberate:
+// the operations run once per value, all failures mean the same ("malformed record"), and
+// readRecord() turns them into a fault.
+// Threads: one thread at a time per object.
 #pragma once
 #include <QByteArray>
 #include <QtGlobal>
@@ -12,7 +15,7 @@
 
 namespace corvanta::parquet {
 
-/// Types as the protocol's interface has them; on the wire they have other numbers.
+/// The types of the protocol's interface. Their numbers in the encoded bytes are different.
 enum class ThriftType : quint8 {
     Stop = 0,
     Bool = 2,
@@ -28,54 +31,62 @@ enum class ThriftType : quint8 {
     List = 15,
 };
 
-/// Decodes one value after the other.
-///
-/// A list cannot have more elements, and a string not more bytes, than there are bytes left; lower
-/// limits can be set.
+/// Decodes values in sequence. Rejects lists with more elements, and strings with more bytes, than
+/// there are unread bytes. setLimits() sets lower limits.
 class CompactReader
 {
 public:
+    /// `bytes` must outlive the reader.
     explicit CompactReader(std::span<const uchar> bytes)
         : m_bytes(bytes)
     {
     }
-    /// Limits of elements and of bytes; 0 is no limit of its own.
+    /// Limit the number of elements of a list and of bytes of a string. 0 means no extra limit.
     void setLimits(qint64 elements, qint64 stringBytes);
+    /// Number of bytes consumed so far.
     qint64 position() const { return static_cast<qint64>(m_at); }
     qint64 bytesLeft() const { return static_cast<qint64>(m_bytes.size() - m_at); }
 
+    /// A struct is readStructBegin(), its fields, and readStructEnd(). Fails if structs are nested
+    /// too deep.
     int readStructBegin();
     int readStructEnd();
-    /// `type` is Stop behind the last field of a struct.
+    /// Read the header of a field. `type` is Stop after the last field of a struct; `id` is then
+    /// unchanged.
     int readFieldBegin(ThriftType *type, qint16 *id);
     int readFieldEnd() { return 0; }
+    /// Read the header of a list: the type and the number of its elements.
     int readListBegin(ThriftType *element, qint32 *size);
     int readListEnd() { return 0; }
-    /// The value of a bool field was in its header; elsewhere it takes a byte.
+    /// The value of a bool field is in the field's header and consumes nothing. A bool in a list is
+    /// one byte.
     int readBool(bool *value);
     int readByte(qint8 *value);
     int readI16(qint16 *value);
     int readI32(qint32 *value);
     int readI64(qint64 *value);
     int readDouble(double *value);
-    /// A length of zero gives a null array. QByteArray keeps a zero byte behind a string's last
-    /// one.
+    /// An empty string becomes a null array. As in every QByteArray, a zero byte follows the last
+    /// byte of the string.
     qint64 readString(QByteArray *value) { return readBinary(value); }
     qint64 readBinary(QByteArray *value);
+    /// Read the header of a message: its name, type and sequence number.
     int readMessageBegin(QByteArray *name, qint8 *type, qint32 *sequence);
-    /// Skip one value of types Bool to List; any other type consumes nothing and succeeds.
+    /// Skip one value of the types Bool to List. Any other type consumes nothing and succeeds.
     qint64 skip(ThriftType type);
 
 private:
-    struct Open
+    struct Open // a container whose content is being skipped
     {
         ThriftType type;       // Struct, List or Map
-        quint64 left = 0;      // values to come (not for structs)
-        ThriftType element[2]; // of a list; key and value of a map
+        quint64 left = 0;      // remaining values; not used for structs
+        ThriftType element[2]; // element type of a list, twice; key and value types of a map
     };
     int fail();
     int readVarint(quint64 *value);
     bool skipScalar(ThriftType type);
+    bool openList(Open *added);
+    bool openMap(Open *added);
     bool openForSkip(ThriftType type, std::vector<Open> *open);
     bool skipNext(std::vector<Open> *open);
 
@@ -83,25 +94,29 @@ private:
     size_t m_at = 0;
     qint64 m_elementLimit = 0;
     qint64 m_stringLimit = 0;
-    std::vector<qint16> m_outerIds; // last field ids of the structs around
+    std::vector<qint16> m_outerIds; // last field ids of the enclosing structs
     qint16 m_lastId = 0;
     enum class PendingBool : qint8 { None = -1, False, True } m_pendingBool = PendingBool::None;
 };
 
-/// Encodes into memory that grows as needed.
+/// Encodes values in sequence into a buffer that grows. The calls mirror those of CompactReader.
 class CompactWriter
 {
 public:
+    /// All bytes written so far.
     const QByteArray &bytes() const { return m_bytes; }
 
     int writeStructBegin();
     int writeStructEnd();
+    /// Write the header of a field. The header of a bool field is written with its value.
     int writeFieldBegin(ThriftType type, qint16 id);
     int writeFieldEnd() { return 0; }
+    /// Write the end of a struct's fields.
     int writeFieldStop();
+    /// Fails for a negative size.
     int writeListBegin(ThriftType element, qint32 size);
     int writeListEnd() { return 0; }
-    /// Directly behind writeFieldBegin(Bool, ...) the value goes into the field's header.
+    /// Directly after writeFieldBegin(Bool, ...) the value becomes part of the field's header.
     int writeBool(bool value);
     int writeByte(qint8 value);
     int writeI16(qint16 value);
@@ -120,7 +135,7 @@ private:
     QByteArray m_bytes;
     std::vector<qint16> m_outerIds;
     qint16 m_lastId = 0;
-    qint16 m_boolId = -1; // of a bool field whose header waits for the value
+    qint16 m_boolId = -1; // id of a bool field whose header is not written yet; -1: none
 };
 
 } // namespace corvanta::parquet

@@ -1,3 +1,4 @@
+// The Thrift compact protocol, the records built on it, and the footer.
 #include "codecs/parquet/metadata/footer.h"
 #include "codecs/parquet/metadata/records.h"
 #include "tests/support/sweeps.h"
@@ -45,7 +46,7 @@ FileMetaData sampleFile()
 
 } // namespace
 
-TEST(Thrift, NumbersTakeTheBytesOfTheProtocol)
+TEST(Thrift, NumbersHaveTheBytesOfTheProtocol)
 {
     const std::tuple<qint64, QByteArray> cases[] = {
         {0, QByteArray(1, '\0')},
@@ -67,12 +68,12 @@ TEST(Thrift, NumbersTakeTheBytesOfTheProtocol)
     }
 }
 
-TEST(Thrift, FieldsBoolsAndFarIds)
+TEST(Thrift, FieldHeadersHoldBoolsAndDistantIds)
 {
     CompactWriter out;
     out.writeStructBegin();
     out.writeFieldBegin(ThriftType::Bool, 3);
-    EXPECT_EQ(out.writeBool(true), 1); // into the field's header
+    EXPECT_EQ(out.writeBool(true), 1); // part of the field's header
     out.writeFieldBegin(ThriftType::Byte, 300);
     out.writeByte(-5);
     out.writeFieldBegin(ThriftType::Double, 2);
@@ -101,7 +102,7 @@ TEST(Thrift, FieldsBoolsAndFarIds)
     EXPECT_EQ(type, ThriftType::Stop);
 }
 
-TEST(Thrift, MessageHeaders)
+TEST(Thrift, MessageHeadersReadBackOrFail)
 {
     CompactWriter out;
     EXPECT_EQ(out.writeMessageBegin("call", 1, 300), 9);
@@ -147,7 +148,7 @@ TEST(Thrift, SkipsValuesOfEveryType)
     }
 }
 
-TEST(Thrift, ClaimsAreCheckedAgainstTheBytesThatAreThere)
+TEST(Thrift, SizesAreCheckedAgainstTheAvailableBytes)
 {
     ThriftType element = ThriftType::Stop;
     qint32 size = 0;
@@ -177,44 +178,43 @@ TEST(Thrift, ClaimsAreCheckedAgainstTheBytesThatAreThere)
     EXPECT_EQ(shortTexts.readString(&text), -1);
 }
 
-TEST(Records, ReadWhatTheyWriteAndRefuseEveryCut)
+TEST(Records, ReadBackAndRejectEveryTruncation)
 {
     CompactWriter out;
-    const qint64 written = writeRecord(out, sampleFile());
-    ASSERT_EQ(written, out.bytes().size());
+    ASSERT_EQ(*writeRecord(out, sampleFile()), out.bytes().size());
     CompactReader in(span(out.bytes()));
     FileMetaData back;
-    ASSERT_EQ(readRecord(in, back), out.bytes().size());
+    ASSERT_EQ(*readRecord(in, back), out.bytes().size());
     EXPECT_EQ(back.rowGroups[0].columns[0].metaData->encodings.size(), 20U);
     EXPECT_TRUE(back.rowGroups[0].sortingColumns->at(0).descending);
     EXPECT_EQ(back.schema[1].logicalType->integer->bitWidth, 8);
     CompactWriter again;
-    writeRecord(again, back);
+    ASSERT_TRUE(writeRecord(again, back));
     EXPECT_EQ(again.bytes(), out.bytes());
     test::forEveryTruncation(out.bytes(), [](const QByteArray &cut) {
         CompactReader reader(span(cut));
         FileMetaData ignored;
-        EXPECT_EQ(readRecord(reader, ignored), -1);
+        EXPECT_FALSE(readRecord(reader, ignored));
     });
 }
 
-TEST(Records, UnknownFieldsAreSkippedAndRequiredOnesAskedFor)
+TEST(Records, SkipUnknownFieldsAndRequireRequiredOnes)
 {
     PageHeader header;
     // type 0, sizes 1 and 2, then field 100 of type list of structs
     const QByteArray known("\x15\x00\x15\x02\x15\x04", 6);
     const QByteArray unknown("\x09\xc8\x01\x1c\x15\x02\x00", 7);
     const QByteArray whole = known + unknown + '\0';
-    EXPECT_EQ(readRecord(*std::make_unique<CompactReader>(span(whole)), header), whole.size());
+    EXPECT_EQ(*readRecord(*std::make_unique<CompactReader>(span(whole)), header), whole.size());
     EXPECT_EQ(header.compressedPageSize, 2);
     const QByteArray incomplete = known.left(4) + '\0';
-    EXPECT_EQ(readRecord(*std::make_unique<CompactReader>(span(incomplete)), header), -1);
+    EXPECT_FALSE(readRecord(*std::make_unique<CompactReader>(span(incomplete)), header));
 }
 
-TEST(Footer, EveryKindOfDamageHasItsResult)
+TEST(Footer, EveryKindOfDamageHasItsError)
 {
     CompactWriter out;
-    writeRecord(out, sampleFile());
+    ASSERT_TRUE(writeRecord(out, sampleFile()));
     const auto withLength = [](const QByteArray &metaData, quint32 length) {
         const char bytes[] = {char(length), char(length >> 8), char(length >> 16),
                               char(length >> 24)};
@@ -235,7 +235,7 @@ TEST(Footer, EveryKindOfDamageHasItsResult)
         ASSERT_FALSE(footer);
         EXPECT_EQ(footer.fault().code, code);
     }
-    const QByteArray good = withLength("anything in front " + out.bytes(), size);
+    const QByteArray good = withLength("bytes before the metadata " + out.bytes(), size);
     MemorySource source(good, 3); // in pieces
     EXPECT_TRUE(readFooter(source));
 }

@@ -1,3 +1,14 @@
+// Converts PLAIN values (parquet-format, Encodings.md, section "Plain") to cells (base/cell.h):
+//
+//   stored                  bytes  order
+//   BOOLEAN                     1  already unpacked from bits, 0 or 1
+//   INT32, FLOAT                4  little-endian
+//   INT64, DOUBLE               8  little-endian
+//   INT96                      12  little-endian
+//   BYTE_ARRAY                     the bytes; their length has been removed
+//   FIXED_LEN_BYTE_ARRAY           column.valueBytes bytes
+//
+// The loops run once per value and have no branch that depends on the column inside.
 #include "codecs/parquet/read/cell_block.h"
 
 #include "base/bytes.h"
@@ -10,26 +21,27 @@ namespace corvanta::parquet {
 
 namespace {
 
-/// A text cell takes at most this and two bytes a unit: the length code, padded to an even place.
+/// Room before the units of a text cell: the longest length code.
 constexpr size_t kLengthRoom = 4;
-/// Texts of fewer bytes have a length code of one byte.
+/// Texts of fewer units have a length code of one byte.
 constexpr qsizetype kShortText = 126;
 
-/// Writes text cells one after the other, their units at even addresses.
+/// Writes adjacent text cells, with their units at even addresses.
 class TextCells
 {
 public:
-    /// Room for `values` cells of together `units` units at most.
+    /// Reserves memory for `values` cells with a total of at most `units` units.
     TextCells(CellBlock &block, size_t values, size_t units)
         : m_at(block.arena.room(values * kLengthRoom + units * 2))
     {
         block.texts.resize(values);
     }
 
-    /// Make a cell of what `convert` (from a place for units; returns their count) puts there.
+    /// Append a cell. `convert` writes at most `maxUnits` units to the given address and returns
+    /// their number.
     template <class Convert> const uchar *add(qsizetype maxUnits, Convert &&convert)
     {
-        // The code ends where the units begin, however long it turns out to be.
+        // The length of the code is known only after the conversion. It ends where the units begin.
         uchar *const units = m_at + (maxUnits < kShortText ? 2 : kLengthRoom);
         const qsizetype count = convert(reinterpret_cast<char16_t *>(units));
         const quint32 code = cell::codeOfText(count);
@@ -43,11 +55,12 @@ private:
     uchar *m_at;
 };
 
-/// Bytes in front of the zeros at the end.
+/// Number of bytes before the trailing zeros.
 qsizetype withoutZeros(std::string_view value)
 {
-    // Kept as required: "abc" followed by zero bytes reads as "abc"
-    // (CellBlock.TextsLoseTheirZeros).
+    // Kept for saved graphs: "abc" followed by zero bytes reads as "abc", because saved graphs rely
+    // on padded texts being equal to unpadded ones
+    // (CellBlock.TextsLoseTrailingZerosAndInvalidBytesAreLatin1).
     const size_t last = value.find_last_not_of('\0');
     return last == std::string_view::npos ? 0 : static_cast<qsizetype>(last) + 1;
 }
@@ -66,8 +79,8 @@ void convertTexts(std::span<const std::string_view> values, CellBlock &block)
     }
 }
 
-/// A decimal of more bytes is no number that anybody wrote: its bytes are shown as text.
-constexpr size_t kLongestDecimal = 256;
+/// A decimal with more bytes is not a real number. Its bytes are converted as text.
+constexpr size_t kMaxDecimalBytes = 256;
 
 void convertLogical(const Column &column, std::span<const std::string_view> values,
                     CellBlock &block)
@@ -81,7 +94,7 @@ void convertLogical(const Column &column, std::span<const std::string_view> valu
     std::vector<char> ascii;
     for (size_t i = 0; i < values.size(); ++i) {
         const auto n = static_cast<qsizetype>(values[i].size());
-        if (values[i].size() > kLongestDecimal) {
+        if (values[i].size() > kMaxDecimalBytes) {
             block.texts[i] = cells.add(
                 n, [&](char16_t *out) { return utf8OrLatin1ToUtf16(values[i].data(), n, out); });
             continue;
@@ -93,11 +106,11 @@ void convertLogical(const Column &column, std::span<const std::string_view> valu
     }
 }
 
-/// The double of a 12-byte value at `value`, whose next byte is looked at.
+/// The double of a 12-byte value. Reads 13 bytes.
 double fromInt96(const uchar *value)
 {
-    // Kept as required: the sign is taken from the byte behind the value, and of a negative one
-    // only the low 32 bits of the high part are inverted
+    // Kept for saved graphs: the sign is that of the byte after the value, and in a negative value
+    // only the low 32 bits of the high part are inverted. Saved graphs compute with these numbers
     // (CellBlock.Int96TakesItsSignFromTheNextByte).
     constexpr double kTwoTo32 = 4294967296.0;
     const auto low = loadLE<qint32>(value);
@@ -109,6 +122,7 @@ double fromInt96(const uchar *value)
            static_cast<double>(high ^ qint64(0xFFFFFFFF)) * kTwoTo32;
 }
 
+/// Converts `n` values that are `stride` bytes apart.
 template <class From, class Convert>
 void convertEach(const uchar *values, int stride, qsizetype n, uchar *out, Convert &&convert)
 {
@@ -212,6 +226,19 @@ void convertBytes(const Column &column, std::span<const std::string_view> values
     }
 }
 
+namespace {
+
+/// Copies cells of `Bytes` bytes. A constant size makes each copy one load and one store.
+template <size_t Bytes>
+void gatherFixed(const uchar *from, std::span<const quint32> indexes, uchar *to)
+{
+    for (size_t i = 0; i < indexes.size(); ++i) {
+        std::memcpy(to + i * Bytes, from + size_t(indexes[i]) * Bytes, Bytes);
+    }
+}
+
+} // namespace
+
 void gather(const std::shared_ptr<const CellBlock> &dictionary, std::span<const quint32> indexes,
             CellBlock &block)
 {
@@ -228,15 +255,8 @@ void gather(const std::shared_ptr<const CellBlock> &dictionary, std::span<const 
     }
     const uchar *const from = dictionary->fixed.data();
     uchar *const to = block.fixed.room(n * static_cast<size_t>(block.cellBytes));
-    for (size_t i = 0; i < n; ++i) {
-        if (block.cellBytes == cell::kKeyBytes) {
-            std::memcpy(to + i * cell::kKeyBytes, from + size_t(indexes[i]) * cell::kKeyBytes,
-                        cell::kKeyBytes);
-        } else {
-            std::memcpy(to + i * cell::kDoubleBytes, from + size_t(indexes[i]) * cell::kDoubleBytes,
-                        cell::kDoubleBytes);
-        }
-    }
+    block.cellBytes == cell::kKeyBytes ? gatherFixed<cell::kKeyBytes>(from, indexes, to)
+                                       : gatherFixed<cell::kDoubleBytes>(from, indexes, to);
 }
 
 void spreadOverNulls(const Column &column, std::span<const uchar> levels, CellBlock &block)
@@ -246,7 +266,7 @@ void spreadOverNulls(const Column &column, std::span<const uchar> levels, CellBl
     const size_t rows = levels.size();
     block.cellBytes = static_cast<int>(width);
     block.rows = static_cast<qsizetype>(rows);
-    // Backwards, so that no value is overwritten before it has moved.
+    // From the last row to the first, so that no value is overwritten before it has moved.
     if (width == 0) {
         block.texts.resize(rows);
         for (size_t i = rows; i-- > 0;) {

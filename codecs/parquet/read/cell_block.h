@@ -1,5 +1,6 @@
-// codecs/parquet/cell_block.h
-// A run of cells of one column, and the making of them.
+// A block of cells of one column, and the functions that fill it from stored values.
+//
+// Threads: one thread at a time per block, but a dictionary may be read by several at once.
 #pragma once
 #include "base/cell.h"
 #include "codecs/parquet/read/column.h"
@@ -11,10 +12,11 @@
 
 namespace corvanta::parquet {
 
-/// Grows, but forgets what it held: no copying, no clearing.
+/// Memory that grows without keeping its content, so that nothing is copied or cleared.
 class Scratch
 {
 public:
+    /// Memory of at least `n` bytes. If it has to grow, the old content is lost.
     uchar *room(size_t n)
     {
         if (n > m_size) {
@@ -32,44 +34,49 @@ private:
     size_t m_size = 0;
 };
 
-/// Rows of one column, used again and again: its memory grows and never shrinks. Also holds the
-/// entries of a dictionary.
+/// Cells of one column, or the entries of a dictionary. Blocks are reused: their memory grows and
+/// never shrinks.
 struct CellBlock
 {
     qsizetype rows = 0;
-    int cellBytes =
-        0; ///< 4 or 8: cells lie one after the other in `fixed`; 0: `texts` points to them
+    /// 4 or 8: the cells are adjacent in `fixed`. 0: they are text cells, and `texts` has their
+    /// addresses.
+    int cellBytes = 0;
     Scratch fixed;
     std::vector<const uchar *> texts;
-    Scratch arena;                               ///< the texts' cells
-    std::shared_ptr<const CellBlock> dictionary; ///< which `texts` may point into
+    Scratch arena;                               ///< The text cells.
+    std::shared_ptr<const CellBlock> dictionary; ///< Keeps the cells alive that `texts` points to.
 
+    /// The cell of a row (0-based). Valid until the block is filled again.
     const uchar *cell(qsizetype row) const
     {
         return cellBytes != 0 ? fixed.data() + row * cellBytes : texts[static_cast<size_t>(row)];
     }
-    /// Bytes of memory held.
+    /// Number of bytes of memory that the block holds, without the dictionary.
     size_t capacity() const
     {
         return fixed.capacity() + arena.capacity() + texts.capacity() * sizeof(const uchar *);
     }
 };
 
-/// Have room for `rows` cells. Call it before the functions below.
+/// Empty the block and reserve memory for `rows` cells. Call it before the functions below, which
+/// may produce fewer cells: spreadOverNulls() needs room for all rows.
 void reserveRows(const Column &column, qsizetype rows, CellBlock &block);
 
-/// Make `block` hold cells of `n` stored values of a fixed width, which lie at `values` one after
-/// the other with a readable byte behind them.
+/// Fill `block` with the cells of `n` stored values of fixed width. The values are adjacent at
+/// `values`, and one readable byte follows the last one.
 void convertFixed(const Column &column, const uchar *values, qsizetype n, CellBlock &block);
 
-/// The same for values of varying length (or fixed ones that become texts).
+/// Fill `block` with text cells of values of any length.
 void convertBytes(const Column &column, std::span<const std::string_view> values, CellBlock &block);
 
-/// Make `block` hold the entries of `dictionary` that `indexes` names, all of them checked.
+/// Fill `block` with entries of `dictionary`. The caller has checked that all indexes are below
+/// dictionary->rows.
 void gather(const std::shared_ptr<const CellBlock> &dictionary, std::span<const quint32> indexes,
             CellBlock &block);
 
-/// Make the block's first cells those of the rows whose level is not 0; the others become missing.
+/// Distribute the block's cells over the rows whose level is not 0. The other rows become missing.
+/// `levels` has one byte per row.
 void spreadOverNulls(const Column &column, std::span<const uchar> levels, CellBlock &block);
 
 } // namespace corvanta::parquet

@@ -1,3 +1,10 @@
+// Walks the schema, a tree stored as a list in depth-first order (parquet.thrift, SchemaElement):
+//
+//   schema[0]  root, numChildren = number of columns
+//   schema[i]  leaf: type, repetitionType, annotation; its chunk has the number of the leaf
+//              group: numChildren; its children follow directly
+//
+// The annotation of a leaf is its logicalType, or in older files its convertedType.
 #include "codecs/parquet/read/column.h"
 
 #include "base/bytes.h"
@@ -17,42 +24,56 @@ namespace {
 struct Leaf
 {
     const SchemaElement *element;
-    QString name; ///< with the groups around, separated by dots
+    QString name; ///< With the names of its groups, separated by dots.
     bool isNested;
 };
 
-/// The leaves in order, which is that of the chunks. The counts of a damaged schema are not
-/// trusted.
-std::vector<Leaf> leavesOf(const FileMetaData &file)
+/// Collects the leaves of a schema in order. Accepts schemas with wrong child counts.
+class LeafCollector
 {
-    struct Group
+public:
+    void add(const SchemaElement &element)
     {
-        qint64 left;
-        QString prefix;
-    };
-    std::vector<Leaf> leaves;
-    std::vector<Group> open;
-    for (size_t i = 1; i < file.schema.size(); ++i) {
-        const SchemaElement &element = file.schema[i];
-        while (!open.empty() && open.back().left == 0) {
-            open.pop_back();
+        while (!m_open.empty() && m_open.back().missingChildren == 0) {
+            m_open.pop_back();
         }
-        if (!open.empty()) {
-            --open.back().left;
+        const bool isNested = !m_open.empty();
+        QString name = QString::fromUtf8(element.name);
+        if (isNested) {
+            --m_open.back().missingChildren;
+            name.prepend(m_open.back().prefix);
         }
-        const QString name =
-            (open.empty() ? QString() : open.back().prefix) + QString::fromUtf8(element.name);
         const qint32 children = element.numChildren.value_or(0);
         if (children <= 0) {
-            leaves.push_back({&element, name, !open.empty()});
-            continue;
+            m_leaves.push_back({&element, name, isNested});
+        } else {
+            constexpr qsizetype kMaxPrefix = 1000;
+            m_open.push_back({children, name.left(kMaxPrefix) + u'.'});
         }
-        constexpr qsizetype kLongestPrefix = 1000;
-        open.push_back({children, name.left(kLongestPrefix) + u'.'});
     }
-    return leaves;
+    std::vector<Leaf> take() { return std::move(m_leaves); }
+
+private:
+    struct Group
+    {
+        qint64 missingChildren;
+        QString prefix; // names of the groups, with a dot at the end
+    };
+    std::vector<Leaf> m_leaves;
+    std::vector<Group> m_open;
+};
+
+/// The leaves in order, which is also the order of the chunks.
+std::vector<Leaf> leavesOf(const FileMetaData &file)
+{
+    LeafCollector collector;
+    for (size_t i = 1; i < file.schema.size(); ++i) {
+        collector.add(file.schema[i]);
+    }
+    return collector.take();
 }
 
+/// Bytes of a stored value; 0 if the values have different lengths, or are bits.
 int storedBytes(const SchemaElement &element)
 {
     switch (*element.type) {
@@ -71,6 +92,7 @@ int storedBytes(const SchemaElement &element)
     }
 }
 
+/// The conversion that ignores annotations.
 Form strictForm(qint32 physical, const ReadOptions &options)
 {
     switch (physical) {
@@ -91,10 +113,10 @@ Form strictForm(qint32 physical, const ReadOptions &options)
     }
 }
 
-/// Whether the statistics of every row group show that a double holds all values exactly.
+/// Whether the statistics of every row group show that doubles hold all values exactly.
 bool fitsDouble(const FileMetaData &file, size_t chunk, bool isUnsigned)
 {
-    constexpr qint64 kLargest = qint64(1) << 53;
+    constexpr qint64 kMaxExact = qint64(1) << 53;
     const auto isSmall = [isUnsigned](const std::optional<QByteArray> &newer,
                                       const std::optional<QByteArray> &older) {
         const std::optional<QByteArray> &bytes = newer ? newer : older;
@@ -102,7 +124,7 @@ bool fitsDouble(const FileMetaData &file, size_t chunk, bool isUnsigned)
             return false;
         }
         const auto value = loadLE<qint64>(bytes->constData());
-        return value <= kLargest && value >= (isUnsigned ? 0 : -kLargest);
+        return value <= kMaxExact && value >= (isUnsigned ? 0 : -kMaxExact);
     };
     return std::all_of(file.rowGroups.begin(), file.rowGroups.end(), [&](const RowGroup &group) {
         const ColumnMetaData *const data =
@@ -116,7 +138,8 @@ bool fitsDouble(const FileMetaData &file, size_t chunk, bool isUnsigned)
     });
 }
 
-/// Sets the form of a column by its annotation: the newer one, else the older one.
+/// Sets the conversion of a column from its annotation: the newer one if present, else the older
+/// one.
 class LogicalForm
 {
 public:
@@ -133,7 +156,7 @@ public:
     {
         const bool isInteger = m_column.physical == kInt32 || m_column.physical == kInt64;
         if (isInteger && m_file.createdBy == kCreatedBy) {
-            return; // our writer stores nothing but keys in them
+            return; // FileWriter stores only keys as integers
         }
         switch (m_column.physical) {
         case kInt32:
@@ -163,8 +186,8 @@ private:
         m_column.form = Form::TextDecimal;
         const qint32 scale =
             m_logical.decimal ? m_logical.decimal->scale : m_element.scale.value_or(0);
-        constexpr qint32 kLargestScale = 1000;
-        m_column.detail.scale = qBound(0, scale, kLargestScale);
+        constexpr qint32 kMaxScale = 1000;
+        m_column.detail.scale = qBound(0, scale, kMaxScale);
         return true;
     }
     void setTime(Form form, qint64 ticksPerSecond, bool isUtc)
@@ -208,7 +231,7 @@ private:
         } else if (isUnsigned(8, kUint8) || isUnsigned(16, kUint16)) {
             m_column.form = Form::Key32;
         } else if (isUnsigned(32, kUint32)) {
-            m_column.form = Form::DoubleFromUint32; // two values of a key mean missing
+            m_column.form = Form::DoubleFromUint32; // a key cannot hold the two missing values
         } else if (!setDecimal() && !setTimes()) {
             m_column.form = Form::DoubleFromInt32;
         }
@@ -244,8 +267,13 @@ private:
     Column &m_column;
 };
 
-/// Why chunks of a codec cannot be read; empty when they can.
-QString codecFault(qint32 codec, const ReadOptions &options)
+Fault<Error> unreadable(const QString &why)
+{
+    return {Error::BadData, why};
+}
+
+/// Whether chunks of a codec can be read.
+Result<void, Error> checkCodec(qint32 codec, const ReadOptions &options)
 {
     const bool isAlways = codec == kUncompressed || codec == kSnappy || codec == kGzip;
     const bool isExtended = codec == kBrotli || codec == kZstd || codec == kLz4Raw;
@@ -254,50 +282,52 @@ QString codecFault(qint32 codec, const ReadOptions &options)
     }
     const QString why = isExtended ? u"the codec %1 is read only with extendedEncodings"_s
                                    : u"the codec %1 is not supported"_s;
-    return why.arg(codecName(codec));
+    return unreadable(why.arg(codecName(codec)));
 }
 
-/// Why the chunks of a column cannot be read; empty when they can.
-QString chunksFault(const FileMetaData &file, const Column &column, const ReadOptions &options)
+/// Whether the chunks of a column can be read.
+Result<void, Error> checkChunks(const FileMetaData &file, const Column &column,
+                                const ReadOptions &options)
 {
     for (const RowGroup &group : file.rowGroups) {
         if (column.chunk >= group.columns.size()) {
-            return u"a row group has no data for it"_s;
+            return unreadable(u"a row group has no data for it"_s);
         }
         const ColumnChunk &chunk = group.columns[column.chunk];
         if (!chunk.metaData) {
-            return u"its metadata is missing or encrypted"_s;
+            return unreadable(u"its metadata is missing or encrypted"_s);
         }
         if (chunk.filePath && !chunk.filePath->isEmpty()) {
-            return u"its data lies in another file, '%1'"_s.arg(QString::fromUtf8(*chunk.filePath));
+            return unreadable(
+                u"its data lies in another file, '%1'"_s.arg(QString::fromUtf8(*chunk.filePath)));
         }
         if (chunk.metaData->type != column.physical) {
-            return u"a row group stores it as another type"_s;
+            return unreadable(u"a row group stores it as another type"_s);
         }
-        if (const QString why = codecFault(chunk.metaData->codec, options); !why.isEmpty()) {
-            return why;
+        if (auto known = checkCodec(chunk.metaData->codec, options); !known) {
+            return known;
         }
     }
     return {};
 }
 
-/// Why the leaf cannot be read; empty when it can.
-QString leafFault(const Leaf &leaf)
+/// Whether a leaf can be read.
+Result<void, Error> checkLeaf(const Leaf &leaf)
 {
     if (leaf.element->repetitionType.value_or(kRequired) == kRepeated) {
-        return u"repeated columns are not supported"_s;
+        return unreadable(u"repeated columns are not supported"_s);
     }
     if (leaf.isNested) {
-        return u"nested columns are not supported"_s;
+        return unreadable(u"nested columns are not supported"_s);
     }
     if (!leaf.element->type || *leaf.element->type < kBoolean ||
         *leaf.element->type > kFixedLenByteArray) {
-        return u"its type is not known"_s;
+        return unreadable(u"its type is not known"_s);
     }
-    constexpr int kLongestValue = 1 << 20;
+    constexpr int kMaxValueBytes = 1 << 20;
     const int bytes = storedBytes(*leaf.element);
-    if (*leaf.element->type == kFixedLenByteArray && (bytes < 1 || bytes > kLongestValue)) {
-        return u"its values are of an impossible length"_s;
+    if (*leaf.element->type == kFixedLenByteArray && (bytes < 1 || bytes > kMaxValueBytes)) {
+        return unreadable(u"its values are of an impossible length"_s);
     }
     return {};
 }
@@ -348,6 +378,20 @@ Column columnOf(const FileMetaData &file, const Leaf &leaf, size_t chunk,
     return column;
 }
 
+/// The column of a leaf. Errors: BadData if it cannot be read.
+Result<Column, Error> readableColumn(const FileMetaData &file, const Leaf &leaf, size_t chunk,
+                                     const ReadOptions &options)
+{
+    if (auto checked = checkLeaf(leaf); !checked) {
+        return checked.fault();
+    }
+    Column column = columnOf(file, leaf, chunk, options);
+    if (auto checked = checkChunks(file, column, options); !checked) {
+        return checked.fault();
+    }
+    return column;
+}
+
 } // namespace
 
 Result<Columns, Error> selectColumns(const FileMetaData &file, const ReadOptions &options)
@@ -361,21 +405,14 @@ Result<Columns, Error> selectColumns(const FileMetaData &file, const ReadOptions
             continue;
         }
         missing.removeAll(leaf.name);
-        QString why = leafFault(leaf);
-        if (why.isEmpty()) {
-            Column column = columnOf(file, leaf, i, options);
-            why = chunksFault(file, column, options);
-            if (why.isEmpty()) {
-                result.columns.push_back(std::move(column));
-                continue;
-            }
-        }
-        result.skipped << columnDetail(leaf.name, why);
-        if (!options.skipsUnreadable) {
-            return Fault{Error::BadData, result.skipped.first()};
+        if (auto column = readableColumn(file, leaf, i, options)) {
+            result.columns.push_back(*std::move(column));
+        } else {
+            result.skipped << columnDetail(leaf.name, column.fault().detail);
         }
     }
-    if (result.columns.empty() && !result.skipped.isEmpty()) {
+    const bool isRefused = result.columns.empty() || !options.skipsUnreadable;
+    if (isRefused && !result.skipped.isEmpty()) {
         return Fault{Error::BadData, result.skipped.first()};
     }
     if (options.selectsColumns) {

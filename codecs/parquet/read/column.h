@@ -1,5 +1,6 @@
-// codecs/parquet/column.h
-// The columns of a file: which there are, and as what their values are delivered.
+// Determines the columns of a file, and the cell type that each one is converted to.
+//
+// Table of conversions: docs/formats/parquet.md. Threads: plain data and pure functions.
 #pragma once
 #include "base/cell.h"
 #include "codecs/parquet/metadata/error.h"
@@ -13,31 +14,31 @@
 
 namespace corvanta::parquet {
 
-/// How a file is read. The defaults take what the engine always took, as it always did.
+/// How a file is read. The defaults keep the results of saved graphs unchanged.
 struct ReadOptions
 {
-    bool int64ToKey = true;         ///< INT64 as keys (their low 32 bits), else as doubles
-    bool extendedEncodings = false; ///< more encodings and codecs
-    bool logicalTypes = false;      ///< values as what their column's annotation says
-    bool pageChecksums = false;     ///< compare pages with the checksums in their headers
-    bool selectsColumns = false;    ///< only the columns of `selection`
-    QStringList selection;
-    bool skipsUnreadable = false; ///< columns that cannot be read are left out, if others can
+    bool int64ToKey = true;         ///< Convert INT64 to keys (the low 32 bits), not to doubles.
+    bool extendedEncodings = false; ///< Accept the newer encodings and codecs.
+    bool logicalTypes = false;      ///< Convert values according to the annotation of the column.
+    bool pageChecksums = false;     ///< Verify the checksums in page headers.
+    bool selectsColumns = false;    ///< Read only the columns in `selection`.
+    QStringList selection;          ///< Names of columns; a group and its child joined by a dot.
+    bool skipsUnreadable = false;   ///< Skip unreadable columns, as long as one is readable.
 };
 
 using CellType = cell::Type;
 
-/// From stored value to cell.
+/// The conversion from a stored value to a cell.
 enum class Form : quint8 {
     KeyFromBoolean,
-    Key32,    ///< the 32 bits as they are
-    KeyLow32, ///< of 64 bits the low 32
+    Key32,    ///< The 32 bits unchanged.
+    KeyLow32, ///< The low 32 of 64 bits.
     DoubleFromInt64,
     DoubleFromInt96,
     DoubleFromFloat,
     Double,
     Text,
-    // With logical types:
+    // Used only with ReadOptions::logicalTypes:
     DoubleFromInt32,
     DoubleFromUint32,
     DoubleFromUint64,
@@ -52,41 +53,44 @@ enum class Form : quint8 {
     TextUuid,
 };
 
+/// The cell type that a conversion produces.
 CellType cellTypeOf(Form form);
 
-/// Details that some forms need.
+/// Parameters of some conversions.
 struct FormDetail
 {
-    int scale = 0;             ///< of decimals
-    qint64 ticksPerSecond = 1; ///< of times
-    int fractionDigits = 0;    ///< of times
-    bool isUtc = false;        ///< of timestamps
+    int scale = 0;             ///< Digits after the decimal point, 0 to 1000 (decimals).
+    qint64 ticksPerSecond = 1; ///< Units of the stored number (times, timestamps).
+    int fractionDigits = 0;    ///< Digits that one unit needs (times, timestamps).
+    bool isUtc = false;        ///< Whether the text ends with "Z" (timestamps).
 };
 
 /// A column that can be read.
 struct Column
 {
-    QString name;
-    size_t chunk = 0; ///< index among the chunks of each row group
-    qint32 physical = 0;
-    int valueBytes = 0; ///< of a stored value; 0: of varying length
-    bool isOptional = false;
+    QString name;            ///< With the names of its groups, separated by dots.
+    size_t chunk = 0;        ///< 0-based index of its chunk in each row group.
+    qint32 physical = 0;     ///< A value of Physical.
+    int valueBytes = 0;      ///< Bytes of a stored value; 0 if they have different lengths.
+    bool isOptional = false; ///< Whether it may have nulls.
     Form form = Form::Text;
     FormDetail detail;
 };
 
+/// The selected columns of a file.
 struct Columns
 {
-    std::vector<Column> columns; ///< in the file's order
-    QStringList missing;         ///< selected, but not in the file
-    QStringList skipped;         ///< left out: columnDetail() of each
+    std::vector<Column> columns; ///< In the file's order.
+    QStringList missing;         ///< Selected names that the file does not have.
+    QStringList skipped;         ///< columnDetail() of each skipped column.
 };
 
-/// The columns that the options select. Errors: BadData for a selected column that is nested,
-/// repeated or of an unknown type, or whose chunks cannot be read, unless it is left out.
+/// Determine the columns that the options select. Errors: BadData if a selected column is nested,
+/// repeated, of an unknown type, or has chunks that cannot be read. With skipsUnreadable it is an
+/// error only if no readable column is left.
 Result<Columns, Error> selectColumns(const FileMetaData &file, const ReadOptions &options);
 
-/// "column 'x': why".
+/// The text "column 'x': why", the detail of faults that concern one column.
 QString columnDetail(const QString &column, const QString &why);
 
 } // namespace corvanta::parquet

@@ -1,3 +1,13 @@
+// The uncompressed data of a page (parquet-format, Encodings.md). Numbers are little-endian:
+//
+//   levels      only for optional columns: one bit per row, 1 if the value is not null
+//     RLE         u32 length (version 1 only), hybrid runs of that many bytes
+//     BIT_PACKED  (rows + 7) / 8 bytes, least significant bit first
+//   values      only those that are not null
+//     PLAIN       fixed width: the values; byte arrays: u32 length and the bytes; booleans: bits
+//     dictionary  u8 bit width, hybrid runs of indexes into the dictionary page
+//     RLE         booleans: u32 length, hybrid runs of one bit
+//     others      see encodings.cpp
 #include "codecs/parquet/read/column_reader.h"
 
 #include "base/bytes.h"
@@ -13,17 +23,18 @@ namespace corvanta::parquet {
 
 namespace {
 
-constexpr size_t kLengthBytes = 4; // in front of runs and of texts
+constexpr size_t kLengthBytes = 4; // of the length before runs and before byte arrays
 
-/// Where the first page of a chunk is: its dictionary page, when that comes first.
+/// Offset of the first page of a chunk: the dictionary page if it comes first.
 qint64 firstPageOf(const ColumnMetaData &chunk)
 {
     const qint64 dictionary = chunk.dictionaryPageOffset.value_or(0);
     return dictionary > 0 && dictionary < chunk.dataPageOffset ? dictionary : chunk.dataPageOffset;
 }
 
-/// Runs with their length in front: the runs, and `data` behind them. False when they do not fit.
-bool takeRuns(std::span<const uchar> &data, std::span<const uchar> &runs)
+/// Remove a u32 length and as many bytes from the start of `data`. Returns false if they do not
+/// fit.
+bool takeCounted(std::span<const uchar> &data, std::span<const uchar> &bytes)
 {
     if (data.size() < kLengthBytes) {
         return false;
@@ -32,7 +43,7 @@ bool takeRuns(std::span<const uchar> &data, std::span<const uchar> &runs)
     if (length > data.size() - kLengthBytes) {
         return false;
     }
-    runs = data.subspan(kLengthBytes, length);
+    bytes = data.subspan(kLengthBytes, length);
     data = data.subspan(kLengthBytes + length);
     return true;
 }
@@ -76,22 +87,22 @@ Result<bool, Error> ColumnReader::next(CellBlock &block)
         return false;
     }
     while (m_pageRows == 0) {
-        if (auto failure = nextPage()) {
-            return *failure;
+        if (auto done = nextPage(); !done) {
+            return done.fault();
         }
     }
-    // A page may have more values than its row group rows: the rest is not looked at.
+    // A page may have more values than its row group has rows. The excess values are ignored.
     const auto rows = static_cast<qsizetype>(
         std::min({m_pageRows, m_groupRows, static_cast<qint64>(kBlockRows)}));
-    if (auto failure = decodeBlock(rows, block)) {
-        return *failure;
+    if (auto done = decodeBlock(rows, block); !done) {
+        return done.fault();
     }
     m_pageRows -= rows;
     m_groupRows -= rows;
     return true;
 }
 
-ColumnReader::Failure ColumnReader::nextPage()
+ColumnReader::Done ColumnReader::nextPage()
 {
     const auto page = m_pages.next();
     if (!page) {
@@ -103,7 +114,7 @@ ColumnReader::Failure ColumnReader::nextPage()
     return page->type == kDictionaryPage ? readDictionary(*page) : startDataPage(*page);
 }
 
-ColumnReader::Failure ColumnReader::readDictionary(const Page &page)
+ColumnReader::Done ColumnReader::readDictionary(const Page &page)
 {
     if (page.encoding != kPlain && page.encoding != kPlainDictionary) {
         return bad(
@@ -121,24 +132,24 @@ ColumnReader::Failure ColumnReader::readDictionary(const Page &page)
         return bad(u"its dictionary is cut off"_s);
     }
     reserveRows(m_column, page.numValues, *dictionary);
-    if (auto failure = decodePlain(page.numValues, *dictionary)) {
-        return failure;
+    if (auto done = decodePlain(page.numValues, *dictionary); !done) {
+        return done;
     }
     m_dictionary = dictionary;
     return {};
 }
 
-ColumnReader::Failure ColumnReader::startDataPage(const Page &page)
+ColumnReader::Done ColumnReader::startDataPage(const Page &page)
 {
     std::span<const uchar> data = page.data;
     m_pageRows = page.numValues;
-    if (auto failure = startLevels(page, data)) {
-        return failure;
+    if (auto done = startLevels(page, data); !done) {
+        return done;
     }
     return startValues(page.encoding, data);
 }
 
-ColumnReader::Failure ColumnReader::startLevels(const Page &page, std::span<const uchar> &data)
+ColumnReader::Done ColumnReader::startLevels(const Page &page, std::span<const uchar> &data)
 {
     m_hasLevels = m_column.isOptional;
     m_levelsAreBits = false;
@@ -151,7 +162,7 @@ ColumnReader::Failure ColumnReader::startLevels(const Page &page, std::span<cons
     }
     if (page.levelEncoding == kRle) {
         std::span<const uchar> runs;
-        if (!takeRuns(data, runs)) {
+        if (!takeCounted(data, runs)) {
             return bad(u"the levels of a page do not fit it"_s);
         }
         m_levelRuns = HybridDecoder(runs, 1);
@@ -172,7 +183,7 @@ ColumnReader::Failure ColumnReader::startLevels(const Page &page, std::span<cons
     return {};
 }
 
-ColumnReader::Failure ColumnReader::startValues(qint32 encoding, std::span<const uchar> data)
+ColumnReader::Done ColumnReader::startValues(qint32 encoding, std::span<const uchar> data)
 {
     const bool isBoolean = m_column.physical == kBoolean;
     m_data = data;
@@ -182,27 +193,41 @@ ColumnReader::Failure ColumnReader::startValues(qint32 encoding, std::span<const
         return {};
     }
     if (encoding == kRle && isBoolean) {
-        std::span<const uchar> runs;
-        m_values = Values::BooleanRuns;
-        // A page of nothing but nulls may leave the runs out.
-        if (!data.empty() && !takeRuns(data, runs)) {
-            return bad(u"the values of a page are cut off"_s);
-        }
-        m_runs = HybridDecoder(runs, 1);
-        return {};
+        return startBooleanRuns(data);
     }
     const bool isDictionary = encoding == kPlainDictionary || encoding == kRle ||
                               (encoding == kRleDictionary && m_extended);
-    if (isDictionary && !isBoolean) {
-        m_values = Values::Dictionary;
-        const int bitWidth = data.empty() ? 0 : data[0];
-        constexpr int kWidest = 32;
-        if (bitWidth > kWidest) {
-            return bad(u"a dictionary index of %1 bits"_s.arg(QString::number(bitWidth)));
-        }
-        m_runs = HybridDecoder(data.empty() ? data : data.subspan(1), bitWidth);
-        return {};
+    return isDictionary && !isBoolean ? startIndexes(data) : startExtended(encoding, data);
+}
+
+ColumnReader::Done ColumnReader::startBooleanRuns(std::span<const uchar> data)
+{
+    std::span<const uchar> runs;
+    m_values = Values::BooleanRuns;
+    // Some writers omit the runs in a page that has only nulls.
+    if (!data.empty() && !takeCounted(data, runs)) {
+        return bad(u"the values of a page are cut off"_s);
     }
+    m_runs = HybridDecoder(runs, 1);
+    return {};
+}
+
+ColumnReader::Done ColumnReader::startIndexes(std::span<const uchar> data)
+{
+    constexpr int kMaxBits = 32;
+    m_values = Values::Dictionary;
+    const int bitWidth = data.empty() ? 0 : data[0];
+    if (bitWidth > kMaxBits) {
+        return bad(u"a dictionary index of %1 bits"_s.arg(QString::number(bitWidth)));
+    }
+    m_runs = HybridDecoder(data.empty() ? data : data.subspan(1), bitWidth);
+    return {};
+}
+
+/// Convert the newer encodings to PLAIN. Runs once per page and needs memory for all its values.
+ColumnReader::Done ColumnReader::startExtended(qint32 encoding, std::span<const uchar> data)
+{
+    const bool isBoolean = m_column.physical == kBoolean;
     const bool isExtended = hasPlainForm(encoding, m_column.physical) ||
                             (encoding == kRleDictionary && !isBoolean && !m_extended);
     if (!isExtended || !m_extended) {
@@ -210,7 +235,7 @@ ColumnReader::Failure ColumnReader::startValues(qint32 encoding, std::span<const
                                        : u"the encoding %1 is not supported"_s;
         return bad(why.arg(encodingName(encoding)));
     }
-    // A page of nothing but nulls may leave the values out.
+    // Some writers omit the values in a page that has only nulls.
     if (!data.empty() &&
         !toPlain(encoding, m_column, data, static_cast<qint32>(m_pageRows), m_plain)) {
         return bad(u"the values of a page are no %1 data"_s.arg(encodingName(encoding)));
@@ -221,18 +246,18 @@ ColumnReader::Failure ColumnReader::startValues(qint32 encoding, std::span<const
     return {};
 }
 
-ColumnReader::Failure ColumnReader::decodeBlock(qsizetype rows, CellBlock &block)
+ColumnReader::Done ColumnReader::decodeBlock(qsizetype rows, CellBlock &block)
 {
     reserveRows(m_column, rows, block);
     qsizetype values = rows;
     if (m_hasLevels) {
-        if (auto failure = decodeLevels(rows, values)) {
-            return failure;
+        if (auto done = decodeLevels(rows, values); !done) {
+            return done;
         }
     }
     if (values != 0) {
-        if (auto failure = decodeValues(values, block)) {
-            return failure;
+        if (auto done = decodeValues(values, block); !done) {
+            return done;
         }
     }
     if (values != rows) {
@@ -241,11 +266,11 @@ ColumnReader::Failure ColumnReader::decodeBlock(qsizetype rows, CellBlock &block
     return {};
 }
 
-ColumnReader::Failure ColumnReader::decodeLevels(qsizetype rows, qsizetype &values)
+ColumnReader::Done ColumnReader::decodeLevels(qsizetype rows, qsizetype &values)
 {
     m_levels.resize(static_cast<size_t>(rows));
     if (m_levelsAreBits) {
-        // Blocks are whole bytes but for the last one.
+        // Every block but the last one of a page starts and ends at a whole byte.
         unpackBits(m_levelBits.data() + m_levelAt / 8, rows, m_levels.data());
         m_levelAt += rows;
     } else if (!m_levelRuns.read(m_levels.data(), rows)) {
@@ -255,7 +280,7 @@ ColumnReader::Failure ColumnReader::decodeLevels(qsizetype rows, qsizetype &valu
     return {};
 }
 
-ColumnReader::Failure ColumnReader::decodeValues(qsizetype n, CellBlock &block)
+ColumnReader::Done ColumnReader::decodeValues(qsizetype n, CellBlock &block)
 {
     switch (m_values) {
     case Values::Plain:
@@ -274,7 +299,7 @@ bool ColumnReader::takeTexts(qsizetype n)
     m_texts.clear();
     for (qsizetype i = 0; i < n; ++i) {
         std::span<const uchar> text;
-        if (!takeRuns(m_data, text)) {
+        if (!takeCounted(m_data, text)) {
             return false;
         }
         m_texts.emplace_back(reinterpret_cast<const char *>(text.data()), text.size());
@@ -282,7 +307,7 @@ bool ColumnReader::takeTexts(qsizetype n)
     return true;
 }
 
-ColumnReader::Failure ColumnReader::decodePlain(qsizetype n, CellBlock &block)
+ColumnReader::Done ColumnReader::decodePlain(qsizetype n, CellBlock &block)
 {
     if (m_column.valueBytes == 0) {
         if (!takeTexts(n)) {
@@ -300,7 +325,7 @@ ColumnReader::Failure ColumnReader::decodePlain(qsizetype n, CellBlock &block)
     return {};
 }
 
-ColumnReader::Failure ColumnReader::decodeIndexes(qsizetype n, CellBlock &block)
+ColumnReader::Done ColumnReader::decodeIndexes(qsizetype n, CellBlock &block)
 {
     if (!m_dictionary) {
         return bad(u"a page needs a dictionary that is not there"_s);
@@ -318,24 +343,30 @@ ColumnReader::Failure ColumnReader::decodeIndexes(qsizetype n, CellBlock &block)
     return {};
 }
 
-ColumnReader::Failure ColumnReader::decodeBooleans(qsizetype n, CellBlock &block)
+/// Unpack the next booleans to one byte each. Returns false if the page has fewer.
+bool ColumnReader::takeBooleans(std::span<uchar> values)
 {
-    std::vector<uchar> bits(static_cast<size_t>(n));
     if (m_values == Values::BooleanRuns) {
-        if (!m_runs.read(bits.data(), n)) {
-            return bad(u"the values of a page are cut off"_s);
-        }
-    } else {
-        const qsizetype available = static_cast<qsizetype>(m_data.size()) * 8 - m_bit;
-        if (n > available) {
-            return bad(u"the values of a page are cut off"_s);
-        }
-        for (qsizetype i = 0; i < n; ++i, ++m_bit) {
-            bits[static_cast<size_t>(i)] =
-                m_data[static_cast<size_t>(m_bit / 8)] >> (m_bit % 8) & 1;
-        }
+        return m_runs.read(values.data(), static_cast<qsizetype>(values.size()));
     }
-    convertFixed(m_column, bits.data(), n, block);
+    const qsizetype available = static_cast<qsizetype>(m_data.size()) * 8 - m_bit;
+    if (static_cast<qsizetype>(values.size()) > available) {
+        return false;
+    }
+    for (uchar &value : values) {
+        value = m_data[static_cast<size_t>(m_bit / 8)] >> (m_bit % 8) & 1;
+        ++m_bit;
+    }
+    return true;
+}
+
+ColumnReader::Done ColumnReader::decodeBooleans(qsizetype n, CellBlock &block)
+{
+    std::vector<uchar> values(static_cast<size_t>(n));
+    if (!takeBooleans(values)) {
+        return bad(u"the values of a page are cut off"_s);
+    }
+    convertFixed(m_column, values.data(), n, block);
     return {};
 }
 

@@ -21,7 +21,7 @@ QByteArray contentOf(const QString &name)
 }
 
 /// A line of the corpus' list.
-struct Listed
+struct ListedFile
 {
     QString path;
     bool isSupported = false;
@@ -30,9 +30,9 @@ struct Listed
     QString golden;
 };
 
-std::vector<Listed> listedFiles()
+std::vector<ListedFile> listedFiles()
 {
-    std::vector<Listed> files;
+    std::vector<ListedFile> files;
     for (const QByteArray &line : contentOf(test::corpusFile(u"MANIFEST.tsv"_s)).split('\n')) {
         const QString text = QString::fromUtf8(line);
         const QString path = text.section(u'\t', 0, 0);
@@ -40,7 +40,7 @@ std::vector<Listed> listedFiles()
         if (!path.startsWith("parquet/"_L1) || path.endsWith(".csv"_L1)) {
             continue;
         }
-        Listed file{path, facts.contains("/RLE)=yes"_L1), facts.contains(" nested;"_L1)};
+        ListedFile file{path, facts.contains("/RLE)=yes"_L1), facts.contains(" nested;"_L1)};
         const auto rows = QRegularExpression(u"DuckDB reads (\\d+) rows"_s).match(facts);
         file.rows = rows.hasMatch() ? rows.captured(1).toLongLong() : -1;
         const auto golden = QRegularExpression(u"golden=([^;]*)"_s).match(facts);
@@ -136,7 +136,7 @@ bool isSame(const Column &column, const uchar *cell, const QByteArray &expected)
 struct Outcome
 {
     qint64 rows = 0;
-    QString fault; ///< of opening or of reading; empty: the end was reached
+    QString fault; ///< Of opening or of reading; empty at the end of the file.
 };
 
 template <class Check>
@@ -180,11 +180,11 @@ ReadOptions everything()
 
 } // namespace
 
-TEST(ParquetCorpus, SupportedFilesGiveTheRowsOfTheirGoldenFile)
+TEST(ParquetCorpus, SupportedFilesEqualTheirGoldenFiles)
 {
     CORVANTA_NEEDS_CORPUS();
     int compared = 0;
-    for (const Listed &file : listedFiles()) {
+    for (const ListedFile &file : listedFiles()) {
         if (!file.isSupported || file.golden.isEmpty()) {
             continue;
         }
@@ -211,10 +211,10 @@ TEST(ParquetCorpus, SupportedFilesGiveTheRowsOfTheirGoldenFile)
     EXPECT_GT(compared, 50);
 }
 
-TEST(ParquetCorpus, SupportedFilesGiveAllRowsAndOthersAReason)
+TEST(ParquetCorpus, SupportedFilesReadCompletelyAndOthersFail)
 {
     CORVANTA_NEEDS_CORPUS();
-    for (const Listed &file : listedFiles()) {
+    for (const ListedFile &file : listedFiles()) {
         const Outcome outcome = readAll(contentOf(test::corpusFile(file.path)), ReadOptions());
         if (file.isSupported && file.rows >= 0) {
             EXPECT_EQ(outcome.fault.toStdString(), "") << file.path.toStdString();
@@ -227,10 +227,10 @@ TEST(ParquetCorpus, SupportedFilesGiveAllRowsAndOthersAReason)
     }
 }
 
-TEST(ParquetCorpus, FlatFilesOfNewerFormsAreReadWhenAskedFor)
+TEST(ParquetCorpus, OptionsAcceptNewerFlatFiles)
 {
     CORVANTA_NEEDS_CORPUS();
-    for (const Listed &file : listedFiles()) {
+    for (const ListedFile &file : listedFiles()) {
         const Outcome outcome = readAll(contentOf(test::corpusFile(file.path)), everything());
         if (file.path.contains("corrupt-checksum"_L1)) {
             EXPECT_TRUE(outcome.fault.contains("does not have its checksum"_L1))

@@ -1,3 +1,5 @@
+// Each column has a lane: the decoded blocks that wait to be taken, and spare blocks for reuse. A
+// lane is decoded by one thread at a time, so that its blocks stay in order.
 #include "codecs/parquet/read/decode_ahead.h"
 
 #include <QLatin1StringView>
@@ -9,7 +11,7 @@ using namespace Qt::StringLiterals;
 namespace corvanta::parquet {
 
 namespace {
-/// Blocks of a column, and bytes over all columns, that wait to be taken.
+/// Limits of the decoded blocks: blocks per column, and bytes over all columns.
 constexpr size_t kBlocksAhead = 3;
 constexpr size_t kBytesAhead = size_t(64) << 20;
 } // namespace
@@ -45,7 +47,8 @@ bool DecodeAhead::canDecode(const Lane &lane) const
     return !lane.isBusy && !lane.end && lane.ready.size() < kBlocksAhead;
 }
 
-/// The column with the least in stock, so that all of them keep pace.
+/// The lane with the fewest decoded blocks, so that all columns advance together. Null if there is
+/// nothing to do.
 DecodeAhead::Lane *DecodeAhead::chooseLane()
 {
     if (m_readyBytes > kBytesAhead) {
@@ -65,7 +68,24 @@ DecodeAhead::Lane *DecodeAhead::chooseLane()
     return best;
 }
 
-/// Decode one block of a column, unlocked meanwhile.
+namespace {
+
+/// Decode the next block of a column. Creates `block` if it is null.
+Result<bool, Error> decodeNext(ColumnReader &reader, std::unique_ptr<CellBlock> &block)
+{
+    try {
+        if (!block) {
+            block = std::make_unique<CellBlock>();
+        }
+        return reader.next(*block);
+    } catch (const std::bad_alloc &) { // on a worker thread nothing else would catch it
+        return Fault{Error::NoMemory, columnDetail(reader.column().name, u"not enough memory"_s)};
+    }
+}
+
+} // namespace
+
+/// Decode one block of a lane. Releases the lock while it decodes.
 void DecodeAhead::decode(Lane &lane, std::unique_lock<std::mutex> &lock)
 {
     std::unique_ptr<CellBlock> block;
@@ -75,16 +95,7 @@ void DecodeAhead::decode(Lane &lane, std::unique_lock<std::mutex> &lock)
     }
     lane.isBusy = true;
     lock.unlock();
-    Answer answer = false;
-    try {
-        if (!block) {
-            block = std::make_unique<CellBlock>();
-        }
-        answer = lane.reader->next(*block);
-    } catch (const std::bad_alloc &) {
-        answer = Fault{Error::NoMemory,
-                       columnDetail(lane.reader->column().name, u"not enough memory"_s)};
-    }
+    Answer answer = decodeNext(*lane.reader, block);
     lock.lock();
     lane.isBusy = false;
     if (answer && *answer) {

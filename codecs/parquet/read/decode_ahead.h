@@ -1,5 +1,4 @@
-// codecs/parquet/decode_ahead.h
-// Decodes the columns of a file on worker threads, ahead of the one who takes the rows.
+// Decodes the columns of a file on worker threads, ahead of the thread that takes the rows.
 #pragma once
 #include "codecs/parquet/read/column_reader.h"
 
@@ -11,33 +10,36 @@
 
 namespace corvanta::parquet {
 
-/// Hands out the blocks of each column in order. What is decoded ahead is bounded in blocks per
-/// column and in bytes over all; whoever waits for a block that nobody has begun decodes it itself.
-/// Threads: one takes blocks; stop() may be called from any.
+/// Delivers the blocks of each column in order. Decodes at most 3 blocks per column and about 64
+/// MiB in total ahead. A caller that needs a block not yet started decodes it itself, so that the
+/// result does not depend on the number of workers. Threads: take() from one thread, stop() from
+/// any.
 class DecodeAhead
 {
 public:
-    /// `workers` may be 0: then everything is decoded when it is taken.
+    /// Start `workers` threads. With 0, take() decodes everything.
     DecodeAhead(std::vector<std::unique_ptr<ColumnReader>> columns, int workers);
+    /// Stops and joins the threads.
     ~DecodeAhead();
     DecodeAhead(const DecodeAhead &) = delete;
     DecodeAhead &operator=(const DecodeAhead &) = delete;
 
-    /// Replace `block` by the next one of the column; false at its end. The old block is used
-    /// again.
+    /// Replace `block` with the next block of a column (0-based). Returns false at the end of the
+    /// column and after stop(); `block` is then null. Reuses the memory of the old block.
+    /// Errors: BadData, NoMemory; a later call returns the same fault.
     Result<bool, Error> take(size_t column, std::unique_ptr<CellBlock> &block);
 
-    /// End the workers soon. take() then answers false.
+    /// Ask the workers to end. Later calls of take() return false.
     void stop();
 
 private:
     using Answer = Result<bool, Error>;
     struct Lane
     {
-        std::unique_ptr<ColumnReader> reader; // used by whoever set isBusy
+        std::unique_ptr<ColumnReader> reader; // used by the thread that set isBusy
         std::deque<std::unique_ptr<CellBlock>> ready;
         std::vector<std::unique_ptr<CellBlock>> spare;
-        std::optional<Answer> end; // the column's end, or why it cannot go on
+        std::optional<Answer> end; // the final result: false, or a fault
         bool isBusy = false;
     };
     void work();
@@ -45,10 +47,10 @@ private:
     Lane *chooseLane();
     void decode(Lane &lane, std::unique_lock<std::mutex> &lock);
 
-    std::mutex m_mutex; // guards everything below but the readers
+    std::mutex m_mutex; // guards everything below except the readers
     std::condition_variable m_changed;
     std::vector<Lane> m_lanes;
-    size_t m_next = 0; // where the search for work begins
+    size_t m_next = 0; // index of the lane where the search for work starts
     size_t m_readyBytes = 0;
     bool m_isStopped = false;
     std::vector<std::thread> m_workers;

@@ -1,3 +1,4 @@
+// The decoders of levels, indexes, values and pages, and the writers of the same forms.
 #include "base/bytes.h"
 #include "codecs/parquet/encoding/codec.h"
 #include "codecs/parquet/encoding/rle_hybrid.h"
@@ -15,7 +16,7 @@ using namespace corvanta::parquet;
 
 namespace {
 
-/// Bytes with the tail that decoders ask for.
+/// Bytes followed by the readable bytes that decoders need.
 std::vector<uchar> withTail(const std::vector<char> &bytes)
 {
     std::vector<uchar> all(bytes.begin(), bytes.end());
@@ -103,7 +104,7 @@ TEST(RleHybrid, LevelsAreWrittenAsRunsOfGroups)
     EXPECT_EQ(uchar(bytes[64]), 1 << 1 | 1);
 }
 
-TEST(RleHybrid, DamageIsSeen)
+TEST(RleHybrid, DamageIsRejected)
 {
     quint32 out[32];
     uchar level[32];
@@ -112,18 +113,18 @@ TEST(RleHybrid, DamageIsSeen)
         return !HybridDecoder({all.data(), bytes.size()}, width).read(out, n);
     };
     EXPECT_TRUE(fails({}, 3, 1));
-    EXPECT_TRUE(fails({16}, 3, 1));          // no value behind the header
+    EXPECT_TRUE(fails({16}, 3, 1));          // no value after the header
     EXPECT_TRUE(fails({4, 9}, 3, 1));        // 9 has four bits
     EXPECT_TRUE(fails({4, 1}, 3, 3));        // two values only
-    EXPECT_TRUE(fails({5, 1, 2, 3}, 3, 9));  // a packed run cut off behind eight values
-    EXPECT_FALSE(fails({5, 1, 2, 3}, 3, 8)); // of which no more are needed
+    EXPECT_TRUE(fails({5, 1, 2, 3}, 3, 9));  // a packed run that ends after eight values
+    EXPECT_FALSE(fails({5, 1, 2, 3}, 3, 8)); // but no more are needed
     EXPECT_TRUE(
         fails({char(0xff), char(0xff), char(0xff), char(0xff), char(0xff), char(0xff), 1}, 3, 1));
     const std::vector<uchar> two = withTail({4, 2});
     EXPECT_FALSE(HybridDecoder({two.data(), 2}, 1).read(level, 1)); // a level above 1
 }
 
-TEST(CellBlock, TextsLoseTheirZerosAndInvalidBytesAreLatin1)
+TEST(CellBlock, TextsLoseTrailingZerosAndInvalidBytesAreLatin1)
 {
     using namespace std::string_view_literals;
     const std::string longText(40000, 'y');
@@ -173,7 +174,7 @@ TEST(CellBlock, Int96TakesItsSignFromTheNextByte)
     EXPECT_EQ(loadNative<double>(block.cell(0)), 5 * 4294967296.0 - 2);
 }
 
-TEST(CellBlock, NumbersOfEveryForm)
+TEST(CellBlock, NumbersOfEveryFormAreConverted)
 {
     const std::tuple<Form, QByteArray, double> cases[] = {
         {Form::Key32, stored<qint32>(-7), 4294967289.0},
@@ -199,7 +200,7 @@ TEST(CellBlock, NumbersOfEveryForm)
     }
 }
 
-TEST(LogicalText, DatesTimesAndDecimals)
+TEST(LogicalText, DatesTimesAndDecimalsArePrinted)
 {
     Column date = columnOf(Form::TextDate, kInt32, 4);
     const std::pair<qint32, const char *> dates[] = {
@@ -246,7 +247,7 @@ TEST(LogicalText, DatesTimesAndDecimals)
         "-9223372036854775808");
 }
 
-TEST(Encodings, ClaimsBeyondTheBytesAreRefused)
+TEST(Encodings, SizesBeyondTheBytesAreRejected)
 {
     std::vector<uchar> out;
     const Column numbers = columnOf(Form::KeyLow32, kInt64, 8);
@@ -254,7 +255,7 @@ TEST(Encodings, ClaimsBeyondTheBytesAreRefused)
     const auto isRead = [&](qint32 encoding, const Column &column, const std::vector<char> &bytes,
                             qint32 maxValues) {
         const std::vector<uchar> all = withTail(bytes);
-        return toPlain(encoding, column, {all.data(), bytes.size()}, maxValues, out);
+        return bool(toPlain(encoding, column, {all.data(), bytes.size()}, maxValues, out));
     };
     const std::vector<char> one{char(0x80), 1, 4, 1, 6}; // block 128, 4 miniblocks, 1 value: 3
     EXPECT_TRUE(isRead(kDeltaBinaryPacked, numbers, one, 1));
@@ -273,7 +274,7 @@ TEST(Encodings, ClaimsBeyondTheBytesAreRefused)
     EXPECT_FALSE(isRead(kByteStreamSplit, numbers, std::vector<char>(24, 'x'), 2));
 }
 
-TEST(Codec, EveryCodecGivesBackExactlyWhatItTook)
+TEST(Codec, EveryCodecReturnsItsInput)
 {
     std::vector<char> page(100000);
     for (size_t i = 0; i < page.size(); ++i) {
@@ -283,7 +284,7 @@ TEST(Codec, EveryCodecGivesBackExactlyWhatItTook)
         const auto compressor = makeCompressor(codec);
         const auto decompressor = makeDecompressor(codec);
         std::vector<char> packed(compressor->maxBytes(page.size()));
-        packed.resize(compressor->compress(page, packed.data()));
+        packed.resize(*compressor->compress(page, packed.data()));
         const std::span<const uchar> in(reinterpret_cast<const uchar *>(packed.data()),
                                         packed.size());
         std::vector<uchar> back(page.size());

@@ -1,3 +1,16 @@
+// The newer value encodings (parquet-format, Encodings.md):
+//
+//   DELTA_BINARY_PACKED      varints: block size, miniblocks per block, number of values; zigzag
+//                            varint: first value. Then blocks: zigzag varint smallest delta, one
+//                            byte per miniblock with its bit width, and the miniblocks: the deltas
+//                            minus the smallest, bit-packed, least significant bit first
+//   DELTA_LENGTH_BYTE_ARRAY  the lengths as DELTA_BINARY_PACKED, then the bytes of all values
+//   DELTA_BYTE_ARRAY         for each value the number of leading bytes that it shares with the
+//                            previous value, as DELTA_BINARY_PACKED; then the remaining bytes as
+//                            DELTA_LENGTH_BYTE_ARRAY
+//   BYTE_STREAM_SPLIT        the first byte of every value, then the second byte of every value ...
+//
+// The functions in this file return plain bools; toPlain() turns them into a fault.
 #include "codecs/parquet/read/encodings.h"
 
 #include "base/bytes.h"
@@ -15,12 +28,10 @@ namespace corvanta::parquet {
 
 namespace {
 
-/// Values of a page that is decoded at once. Real pages have a tenth of it.
+/// Maximum number of values of a page. Real pages have a tenth of it.
 constexpr qint32 kMaxValues = 16 << 20;
 
-/// DELTA_BINARY_PACKED: varints block size, miniblocks per block, count, zigzag first value; then
-/// blocks of a zigzag smallest delta, a bit width for each miniblock, and the miniblocks' packed
-/// deltas from the smallest.
+/// Decodes DELTA_BINARY_PACKED.
 class DeltaDecoder
 {
 public:
@@ -30,38 +41,48 @@ public:
     {
     }
 
-    /// All values of the run; false when it is damaged or has more than `most`.
+    /// Read all values. Returns false if they are damaged or more than `maxValues`.
     bool readAll(std::vector<qint64> &values, qint32 maxValues)
     {
-        quint64 blockSize = 0;
-        quint64 miniblocks = 0;
-        quint64 count = 0;
-        quint64 first = 0;
-        if (!varint(blockSize) || !varint(miniblocks) || !varint(count) || !varint(first)) {
-            return false;
-        }
-        constexpr quint64 kLargestBlock = 1 << 20;
-        const bool isSound = blockSize > 0 && blockSize <= kLargestBlock && miniblocks > 0 &&
-                             blockSize % miniblocks == 0 && blockSize / miniblocks % 8 == 0 &&
-                             count <= static_cast<quint64>(maxValues);
-        if (!isSound) {
+        Header header;
+        if (!readHeader(header, maxValues)) {
             return false;
         }
         values.clear();
-        values.reserve(count);
-        if (count != 0) {
-            values.push_back(unzigzag(first));
+        values.reserve(header.count);
+        if (header.count != 0) {
+            values.push_back(unzigzag(header.first));
         }
-        while (values.size() < count) {
-            if (!block(values, count, miniblocks, blockSize / miniblocks)) {
+        while (values.size() < header.count) {
+            if (!block(values, header.count, header.miniblocks,
+                       header.blockSize / header.miniblocks)) {
                 return false;
             }
         }
         return true;
     }
+    /// The bytes after the values.
     std::span<const uchar> rest() const { return {m_at, m_end}; }
 
 private:
+    struct Header
+    {
+        quint64 blockSize = 0; // in values
+        quint64 miniblocks = 0;
+        quint64 count = 0;
+        quint64 first = 0;
+    };
+
+    bool readHeader(Header &header, qint32 maxValues)
+    {
+        constexpr quint64 kMaxBlockSize = 1 << 20;
+        return varint(header.blockSize) && varint(header.miniblocks) && varint(header.count) &&
+               varint(header.first) && header.blockSize > 0 && header.blockSize <= kMaxBlockSize &&
+               header.miniblocks > 0 && header.blockSize % header.miniblocks == 0 &&
+               header.blockSize / header.miniblocks % 8 == 0 &&
+               header.count <= static_cast<quint64>(maxValues);
+    }
+
     static qint64 unzigzag(quint64 value)
     {
         return static_cast<qint64>(value >> 1 ^ (~(value & 1) + 1));
@@ -112,7 +133,7 @@ private:
         }
     }
 
-    /// Up to 64 bits; the page's tail makes the reads beyond its end sound.
+    /// Up to 64 bits at a bit offset. May read up to 9 bytes, which kPageTailBytes allows.
     quint64 bitsAt(quint64 bit, int width) const
     {
         if (width == 0) {
@@ -150,7 +171,7 @@ bool plainNumbers(std::span<const uchar> in, int width, qint32 maxValues, std::v
     return true;
 }
 
-/// The bytes of value i, and of values of fixed length only these, go behind what is there.
+/// Appends values in PLAIN form: a length before each value, unless the column has a fixed length.
 class PlainTexts
 {
 public:
@@ -160,6 +181,7 @@ public:
     {
         m_out.clear();
     }
+    /// Start a value of `bytes` bytes. Returns false if the column's values have another length.
     bool begin(size_t bytes)
     {
         if (m_fixedBytes != 0) {
@@ -185,7 +207,6 @@ private:
     std::vector<uchar> &m_out;
 };
 
-/// DELTA_LENGTH_BYTE_ARRAY: the lengths as a delta run, then all bytes.
 bool plainFromLengths(const Column &column, std::span<const uchar> in, qint32 maxValues,
                       std::vector<uchar> &out)
 {
@@ -207,46 +228,65 @@ bool plainFromLengths(const Column &column, std::span<const uchar> in, qint32 ma
     return true;
 }
 
-/// DELTA_BYTE_ARRAY: how many bytes each value shares with the one before, as a delta run; then the
-/// other bytes as DELTA_LENGTH_BYTE_ARRAY.
+/// Builds the values of DELTA_BYTE_ARRAY from prefixes and suffixes.
+class PrefixedTexts
+{
+public:
+    PrefixedTexts(const Column &column, std::span<const uchar> suffixes, std::vector<uchar> &out)
+        : m_texts(column, out)
+        , m_suffixes(suffixes)
+    {
+    }
+
+    /// Append the first `prefix` bytes of the previous value and the next `suffix` bytes.
+    bool add(qint64 prefix, qint64 suffix)
+    {
+        if (prefix < 0 || static_cast<size_t>(prefix) > m_previousBytes || suffix < 0 ||
+            static_cast<size_t>(suffix) > m_suffixes.size()) {
+            return false;
+        }
+        const auto length = static_cast<size_t>(prefix + suffix);
+        if (!m_texts.begin(length) ||
+            m_texts.size() + length > static_cast<size_t>(limits::kParquetPageBytes)) {
+            return false;
+        }
+        const size_t begin = m_texts.size();
+        m_texts.addAgain(m_previousAt, static_cast<size_t>(prefix));
+        m_texts.add(m_suffixes.data(), static_cast<size_t>(suffix));
+        m_suffixes = m_suffixes.subspan(static_cast<size_t>(suffix));
+        m_previousAt = begin;
+        m_previousBytes = length;
+        return true;
+    }
+
+private:
+    PlainTexts m_texts;
+    std::span<const uchar> m_suffixes;
+    size_t m_previousAt = 0; // in the output
+    size_t m_previousBytes = 0;
+};
+
 bool plainFromPrefixes(const Column &column, std::span<const uchar> in, qint32 maxValues,
                        std::vector<uchar> &out)
 {
-    DeltaDecoder delta(in);
+    DeltaDecoder prefixDelta(in);
     std::vector<qint64> prefixes;
-    if (!delta.readAll(prefixes, maxValues)) {
+    if (!prefixDelta.readAll(prefixes, maxValues)) {
         return false;
     }
-    DeltaDecoder suffixDelta(delta.rest());
+    DeltaDecoder suffixDelta(prefixDelta.rest());
     std::vector<qint64> suffixes;
     if (!suffixDelta.readAll(suffixes, maxValues) || suffixes.size() != prefixes.size()) {
         return false;
     }
-    std::span<const uchar> bytes = suffixDelta.rest();
-    PlainTexts texts(column, out);
-    size_t before = 0; // where the value before begins, and its length
-    size_t beforeBytes = 0;
-    for (size_t i = 0; i < prefixes.size(); ++i) {
-        const qint64 prefix = prefixes[i];
-        const qint64 suffix = suffixes[i];
-        const bool isSound = prefix >= 0 && static_cast<size_t>(prefix) <= beforeBytes &&
-                             suffix >= 0 && static_cast<size_t>(suffix) <= bytes.size();
-        const auto length = static_cast<size_t>(prefix + (isSound ? suffix : 0));
-        if (!isSound || !texts.begin(length) ||
-            texts.size() + length > static_cast<size_t>(limits::kParquetPageBytes)) {
-            return false;
-        }
-        const size_t begin = texts.size();
-        texts.addAgain(before, static_cast<size_t>(prefix));
-        texts.add(bytes.data(), static_cast<size_t>(suffix));
-        bytes = bytes.subspan(static_cast<size_t>(suffix));
-        before = begin;
-        beforeBytes = length;
+    PrefixedTexts texts(column, suffixDelta.rest(), out);
+    bool isGood = true;
+    for (size_t i = 0; isGood && i < prefixes.size(); ++i) {
+        isGood = texts.add(prefixes[i], suffixes[i]);
     }
-    return true;
+    return isGood;
 }
 
-/// BYTE_STREAM_SPLIT: the first bytes of all values, then the second ones, ...
 bool plainFromStreams(std::span<const uchar> in, size_t width, qint32 maxValues,
                       std::vector<uchar> &out)
 {
@@ -281,11 +321,11 @@ bool hasPlainForm(qint32 encoding, qint32 physical)
     }
 }
 
-bool toPlain(qint32 encoding, const Column &column, std::span<const uchar> in, qint32 maxValues,
-             std::vector<uchar> &out)
+Result<void, Error> toPlain(qint32 encoding, const Column &column, std::span<const uchar> in,
+                            qint32 maxValues, std::vector<uchar> &out)
 {
     if (maxValues < 0 || maxValues > kMaxValues) {
-        return false;
+        return Fault{Error::BadData};
     }
     bool isGood = false;
     switch (encoding) {
@@ -302,7 +342,7 @@ bool toPlain(qint32 encoding, const Column &column, std::span<const uchar> in, q
         isGood = plainFromStreams(in, static_cast<size_t>(column.valueBytes), maxValues, out);
     }
     out.resize(out.size() + kPageTailBytes, 0);
-    return isGood;
+    return isGood ? Result<void, Error>() : Fault{Error::BadData};
 }
 
 QString encodingName(qint32 encoding)

@@ -1,5 +1,4 @@
-// codecs/parquet/encodings.h
-// The newer encodings of values (parquet-format, Encodings.md), turned into PLAIN.
+// Converts values in the newer encodings (parquet-format, Encodings.md) to PLAIN values.
 #pragma once
 #include "codecs/parquet/read/column.h"
 
@@ -8,15 +7,17 @@
 
 namespace corvanta::parquet {
 
-/// Whether toPlain() knows how the encoding stores values of the physical type.
+/// Whether toPlain() supports the encoding for values of the physical type.
 bool hasPlainForm(qint32 encoding, qint32 physical);
 
-/// Write the values of a page as their PLAIN bytes to `out`, kPageTailBytes zeros behind them.
-/// False when the bytes are not such values, or more than `most`.
-bool toPlain(qint32 encoding, const Column &column, std::span<const uchar> in, qint32 maxValues,
-             std::vector<uchar> &out);
+/// Convert the values of a page to PLAIN values. `in` must be followed by kPageTailBytes readable
+/// bytes. Replaces `out`: the values, followed by kPageTailBytes zeros. Call it only if
+/// hasPlainForm(). Errors: BadData, without a detail, if `in` is malformed or has more than
+/// `maxValues` values.
+Result<void, Error> toPlain(qint32 encoding, const Column &column, std::span<const uchar> in,
+                            qint32 maxValues, std::vector<uchar> &out);
 
-/// "RLE_DICTIONARY", ...; the number for an unknown one.
+/// The name of an encoding, such as "RLE_DICTIONARY"; the number for an unknown one.
 QString encodingName(qint32 encoding);
 
 } // namespace corvanta::parquet

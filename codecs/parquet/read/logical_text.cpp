@@ -1,3 +1,11 @@
+// The stored forms of annotated values (parquet-format, LogicalTypes.md):
+//
+//   date       4 bytes, little-endian: days since 1970-01-01
+//   time       4 or 8 bytes, little-endian: ticks since midnight
+//   timestamp  8 bytes, little-endian: ticks since 1970-01-01 00:00:00
+//   INT96      8 bytes nanoseconds of the day, 4 bytes Julian day, both little-endian
+//   decimal    integer columns little-endian, byte arrays big-endian; two's complement
+//   UUID       16 bytes, big-endian
 #include "codecs/parquet/read/logical_text.h"
 
 #include "base/bytes.h"
@@ -18,8 +26,9 @@ constexpr qint64 kSecondsPerDay = 86400;
 struct Quotient
 {
     qint64 whole;
-    qint64 rest; ///< not negative
+    qint64 rest; ///< From 0 to by - 1.
 };
+/// Division that rounds toward minus infinity.
 Quotient floorDivide(qint64 value, qint64 by)
 {
     const qint64 rest = (value % by + by) % by;
@@ -43,8 +52,8 @@ char *putSigned(qint64 value, char *out)
     return out + putUInt(static_cast<quint64>(value), out);
 }
 
-/// A day number (0: 1970-01-01) in the proleptic Gregorian calendar. Eras of 400 years begin in
-/// March.
+/// Print a day number (0 is 1970-01-01) in the proleptic Gregorian calendar. The computation uses
+/// eras of 400 years that start on 1 March, so that the leap day is the last day of a year.
 char *putDate(qint64 day, char *out)
 {
     constexpr qint64 kDaysPerEra = 146097;
@@ -69,7 +78,8 @@ char *putDate(qint64 day, char *out)
     return putDigits(static_cast<quint64>(dayOfYear - (153 * shiftedMonth + 2) / 5 + 1), 2, out);
 }
 
-/// Seconds of a day, and the fraction without the zeros at its end.
+/// Print seconds of a day, and the fraction without trailing zeros. `digits` is the number of
+/// digits of the fraction.
 char *putTimeOfDay(qint64 seconds, qint64 fraction, int digits, char *out)
 {
     out = putDigits(static_cast<quint64>(seconds / 3600), 2, out);
@@ -108,7 +118,7 @@ char *putTicks(Form form, qint64 ticks, const FormDetail &detail, char *out)
     return putTimestamp(day, seconds, fraction, detail, out);
 }
 
-/// An INT96 as its writers mean it: nanoseconds of the day, then the Julian day.
+/// Print an INT96 timestamp.
 char *putInt96(const char *stored, const FormDetail &detail, char *out)
 {
     constexpr qint64 kJulianDayOfEpoch = 2440588;
@@ -118,10 +128,10 @@ char *putInt96(const char *stored, const FormDetail &detail, char *out)
     return putTimestamp(day, secondOfDay, fraction, detail, out);
 }
 
-/// The digits of a big-endian two's complement number, least significant first.
-void decimalDigits(std::string_view stored, bool isNegative, std::vector<char> &digits)
+/// The absolute value of a big-endian two's complement number, in words, least significant first.
+std::vector<quint32> magnitudeOf(std::string_view stored, bool isNegative)
 {
-    std::vector<quint32> words((stored.size() + 3) / 4, 0); // least significant first
+    std::vector<quint32> words((stored.size() + 3) / 4, 0);
     quint32 carry = isNegative ? 1 : 0;
     for (size_t i = 0; i < stored.size(); ++i) {
         const auto byte = static_cast<uchar>(stored[stored.size() - 1 - i]);
@@ -129,6 +139,13 @@ void decimalDigits(std::string_view stored, bool isNegative, std::vector<char> &
         carry = positive >> 8;
         words[i / 4] |= (positive & 0xFF) << (8 * (i % 4));
     }
+    return words;
+}
+
+/// Append the decimal digits of a number, least significant first, without leading zeros. Divides
+/// by 10^9 until nothing is left.
+void appendDigits(std::vector<quint32> words, std::vector<char> &digits)
+{
     constexpr quint64 kChunk = 1'000'000'000;
     constexpr int kChunkDigits = 9;
     while (!words.empty()) {
@@ -150,12 +167,12 @@ void decimalDigits(std::string_view stored, bool isNegative, std::vector<char> &
     }
 }
 
-/// Decimals are printed with all digits of their scale.
+/// Print a decimal with all digits of its scale.
 char *putDecimal(std::string_view bigEndian, int scale, char *out)
 {
     const bool isNegative = !bigEndian.empty() && static_cast<uchar>(bigEndian[0]) >= 0x80;
     std::vector<char> digits;
-    decimalDigits(bigEndian, isNegative, digits);
+    appendDigits(magnitudeOf(bigEndian, isNegative), digits);
     digits.resize(std::max(digits.size(), static_cast<size_t>(scale) + 1), '0');
     if (isNegative) {
         *out++ = '-';
@@ -199,8 +216,8 @@ qint64 integerOf(std::string_view stored)
 
 qsizetype maxLogicalChars(const Column &column, qsizetype bytes)
 {
-    constexpr qsizetype kOthers = 64;
-    // Eight bits take less than two and a half digits.
+    constexpr qsizetype kOthers = 64; // longer than any date, time or integer
+    // 8 bits have less than 2.5 digits.
     return column.form == Form::TextDecimal ? bytes * 5 / 2 + column.detail.scale + kOthers
                                             : kOthers;
 }

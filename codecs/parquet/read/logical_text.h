@@ -1,5 +1,4 @@
-// codecs/parquet/logical_text.h
-// Stored values as the text of what they mean: dates, times, decimals, identifiers.
+// Prints stored values as text according to their annotation: dates, times, decimals, UUIDs.
 #pragma once
 #include "codecs/parquet/read/column.h"
 
@@ -7,13 +6,14 @@
 
 namespace corvanta::parquet {
 
-/// The most characters that a value of `bytes` stored bytes becomes.
+/// The maximum number of characters that putLogical() writes for a value of `bytes` stored bytes.
 qsizetype maxLogicalChars(const Column &column, qsizetype bytes);
 
-/// Print a stored value of one of the text forms (not Form::Text) in ASCII; the characters written.
+/// Print a stored value in ASCII. The column's form is one of the text forms, but not Form::Text.
+/// Returns the number of characters.
 qsizetype putLogical(const Column &column, std::string_view stored, char *out);
 
-/// An IEEE half as a double.
+/// Convert an IEEE 754 half-precision number. Exact.
 double fromHalf(quint16 half);
 
 } // namespace corvanta::parquet

@@ -1,8 +1,13 @@
-// A chunk is its pages, one after the other: a PageHeader (Thrift) and compressedPageSize bytes.
+// A chunk is a sequence of pages (parquet-format, README.md, section "Data Pages"):
 //
-//   data page v1   compressed as a whole: definition levels, values
-//   data page v2   repetition levels, definition levels (never compressed), then the values
-//   dictionary     compressed as a whole: PLAIN values
+//   PageHeader      a Thrift compact record of unknown length
+//   body            header.compressedPageSize bytes
+//
+//   page            body
+//   data version 1  compressed together: definition levels, values
+//   data version 2  repetition levels, definition levels (never compressed); then the values
+//   dictionary      compressed together: PLAIN values
+//   index           skipped
 #include "codecs/parquet/read/page_reader.h"
 
 #include "base/limits.h"
@@ -22,7 +27,7 @@ namespace {
 
 constexpr size_t kBufferBytes = 16384;
 
-/// Of the bytes as they are stored, levels of version 2 included.
+/// Compares the CRC-32 of the stored bytes, with the levels of version 2.
 bool hasChecksum(std::span<const uchar> body, qint32 crc)
 {
     const std::span<const char> bytes{reinterpret_cast<const char *>(body.data()), body.size()};
@@ -40,50 +45,52 @@ void PageReader::start(qint64 offset, qint32 codec)
     m_buffer.resize(kBufferBytes);
 }
 
-/// Buffer up to `most` bytes from the page's beginning on.
-PageReader::Fill PageReader::fill(size_t maxBytes)
+/// Read up to `maxBytes` bytes of the page into the buffer. `failure` is the detail of the fault if
+/// the file has no more bytes.
+Result<void, Error> PageReader::fill(size_t maxBytes, const QString &failure)
 {
     std::memmove(m_buffer.data(), m_buffer.data() + m_begin, m_end - m_begin);
     m_end -= m_begin;
     m_begin = 0;
     if (m_end >= maxBytes || m_isFileEnd) {
-        return Fill::Ended;
+        return {};
     }
     const auto wanted = static_cast<qint64>(maxBytes - m_end);
     const qint64 got = m_file.readAt(m_fileAt, m_buffer.data() + m_end, wanted);
     if (got < 1) {
-        return Fill::Failed;
+        return bad(failure);
     }
     m_isFileEnd = got < wanted;
     m_fileAt += got;
     m_end += static_cast<size_t>(got);
-    return Fill::Read;
+    return {};
 }
 
 Result<PageHeader, Error> PageReader::nextHeader()
 {
-    if (fill(kBufferBytes) == Fill::Failed) {
-        return bad(u"the file ends where a page should begin"_s);
+    if (auto filled = fill(kBufferBytes, u"the file ends where a page should begin"_s); !filled) {
+        return filled.fault();
     }
+    const QString damaged = u"a page header is damaged"_s;
+    // The length of a header is unknown. Double the buffer until the header decodes.
     for (;;) {
         CompactReader in({m_buffer.data() + m_begin, m_end - m_begin});
         PageHeader header;
-        const qint64 bytes = readRecord(in, header);
-        if (bytes > 0) {
-            m_begin += static_cast<size_t>(bytes);
+        if (const auto bytes = readRecord(in, header)) {
+            m_begin += static_cast<size_t>(*bytes);
             return header;
         }
         if (m_isFileEnd || m_buffer.size() * 2 > size_t(limits::kParquetPageHeaderBytes)) {
-            return bad(u"a page header is damaged"_s);
+            return bad(damaged);
         }
         m_buffer.resize(m_buffer.size() * 2);
-        if (fill(m_buffer.size()) == Fill::Failed) {
-            return bad(u"a page header is damaged"_s);
+        if (auto filled = fill(m_buffer.size(), damaged); !filled) {
+            return filled.fault();
         }
     }
 }
 
-/// The bytes behind the header, with zeros behind them.
+/// Read the `bytes` bytes after the header, and add zeros.
 Result<std::span<const uchar>, Error> PageReader::readBody(qint64 bytes)
 {
     if (bytes < 0 || bytes > limits::kParquetPageBytes ||
@@ -106,7 +113,7 @@ Result<std::span<const uchar>, Error> PageReader::readBody(qint64 bytes)
     return std::span<const uchar>{body, size};
 }
 
-/// `in` as it was before its compression, with zeros behind it.
+/// Uncompress `in` to `bytes` bytes, and add zeros.
 Result<std::span<const uchar>, Error> PageReader::uncompress(std::span<const uchar> in,
                                                              qint64 bytes)
 {
@@ -122,7 +129,7 @@ Result<std::span<const uchar>, Error> PageReader::uncompress(std::span<const uch
     }
     const auto size = static_cast<size_t>(bytes);
     uchar *const data = m_data.room(size + kPageTailBytes);
-    const bool isEmpty = size == 0 && in.empty();
+    const bool isEmpty = size == 0 && in.empty(); // not valid data in most codecs
     if (!isEmpty && !decompressor->uncompress(in, {data, size})) {
         return bad(u"a page is not valid %1 data"_s.arg(codecName(m_codec)));
     }
@@ -183,29 +190,38 @@ Result<Page, Error> PageReader::dictionaryPage(const PageHeader &header,
     return Page{kDictionaryPage, details.numValues, details.encoding, 0, {}, *data};
 }
 
+/// Read the header and the body of the next page of any type.
+Result<std::span<const uchar>, Error> PageReader::nextBody(PageHeader &header)
+{
+    const qint64 begin = pageOffset();
+    auto next = nextHeader();
+    if (!next) {
+        return next.fault();
+    }
+    header = *std::move(next);
+    auto body = readBody(header.compressedPageSize);
+    if (body && m_checksums == Checksums::Compared && header.crc &&
+        !hasChecksum(*body, *header.crc)) {
+        return bad(u"the page at byte %1 does not have its checksum"_s.arg(begin));
+    }
+    return body;
+}
+
 Result<Page, Error> PageReader::next()
 {
     for (;;) {
-        const qint64 begin = pageOffset();
-        const auto header = nextHeader();
-        if (!header) {
-            return header.fault();
-        }
-        const auto body = readBody(header->compressedPageSize);
+        PageHeader header;
+        const auto body = nextBody(header);
         if (!body) {
             return body.fault();
         }
-        if (m_checksums == Checksums::Compared && header->crc &&
-            !hasChecksum(*body, *header->crc)) {
-            return bad(u"the page at byte %1 does not have its checksum"_s.arg(begin));
-        }
-        switch (header->type) {
+        switch (header.type) {
         case kDataPage:
-            return dataPage(*header, *body);
+            return dataPage(header, *body);
         case kDataPageV2:
-            return dataPageV2(*header, *body);
+            return dataPageV2(header, *body);
         case kDictionaryPage:
-            return dictionaryPage(*header, *body);
+            return dictionaryPage(header, *body);
         default:
             break;
         }

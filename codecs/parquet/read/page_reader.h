@@ -1,5 +1,4 @@
-// codecs/parquet/page_reader.h
-// Walks the pages of a column chunk.
+// Reads and uncompresses the pages of a column chunk, in file order.
 #pragma once
 #include "codecs/parquet/encoding/codec.h"
 #include "codecs/parquet/metadata/error.h"
@@ -10,41 +9,43 @@
 
 namespace corvanta::parquet {
 
-/// A page, uncompressed. Behind `data` lie kPageTailBytes zero bytes.
+/// An uncompressed page. kPageTailBytes readable bytes follow `data` and `levels`.
 struct Page
 {
-    PageType type = kDataPage; ///< dictionary or data, of either version
-    qint32 numValues = 0;
-    qint32 encoding = 0;
-    qint32 levelEncoding = 0;      ///< of version 1, whose levels are the data's beginning
-    std::span<const uchar> levels; ///< of version 2
-    std::span<const uchar> data;
+    PageType type = kDataPage;     ///< kDictionaryPage, kDataPage or kDataPageV2.
+    qint32 numValues = 0;          ///< With nulls; from the file, may be negative.
+    qint32 encoding = 0;           ///< Of the values.
+    qint32 levelEncoding = 0;      ///< Of the definition levels.
+    std::span<const uchar> levels; ///< Definition levels of version 2 only.
+    std::span<const uchar> data;   ///< In version 1 it starts with the definition levels.
 };
 
-/// Threads: one at a time.
+/// Threads: one thread at a time per reader. Readers share only the file, which has a lock.
 class PageReader
 {
 public:
-    /// What happens to pages that do not have the checksum in their header.
+    /// Whether pages are compared with the checksums in their headers.
     enum class Checksums : bool { Ignored, Compared };
 
+    /// `file` must outlive the reader.
     PageReader(SharedFile &file, Checksums checksums)
         : m_file(file)
         , m_checksums(checksums)
     {
     }
 
-    /// Go to the first page of a chunk.
+    /// Move to the first page of a chunk. `offset` and `codec` come from its metadata; the codec
+    /// must be one that makeDecompressor() supports, or kUncompressed.
     void start(qint64 offset, qint32 codec);
 
-    /// The next dictionary or data page; valid until the next call. Index pages are passed over.
-    /// Errors: BadData.
+    /// Read the next dictionary or data page. It is valid until the next call. Index pages are
+    /// skipped. Errors: BadData; the detail does not name the column.
     Result<Page, Error> next();
 
 private:
-    enum class Fill : quint8 { Read, Ended, Failed };
-    Fill fill(size_t maxBytes);
+    Result<void, Error> fill(size_t maxBytes, const QString &failure);
     Result<PageHeader, Error> nextHeader();
+    Result<std::span<const uchar>, Error> nextBody(PageHeader &header);
     Result<std::span<const uchar>, Error> readBody(qint64 bytes);
     Result<std::span<const uchar>, Error> uncompress(std::span<const uchar> in, qint64 bytes);
     Result<Page, Error> dataPage(const PageHeader &header, std::span<const uchar> body);
@@ -55,11 +56,11 @@ private:
 
     SharedFile &m_file;
     const Checksums m_checksums;
-    qint64 m_fileAt = 0; // of the next byte to read into the buffer
+    qint64 m_fileAt = 0; // offset of the next byte to read into the buffer
     qint32 m_codec = kUncompressed;
     std::array<std::unique_ptr<Decompressor>, kLz4Raw + 1>
-        m_decompressors;         // by codec, when first used
-    std::vector<uchar> m_buffer; // for headers
+        m_decompressors;         // by codec, created when first used
+    std::vector<uchar> m_buffer; // headers; the unread bytes are those from m_begin to m_end
     size_t m_begin = 0;
     size_t m_end = 0;
     bool m_isFileEnd = false;

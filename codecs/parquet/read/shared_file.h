@@ -1,5 +1,4 @@
-// codecs/parquet/shared_file.h
-// One file that several column readers read from.
+// One file that several column readers share.
 #pragma once
 #include "base/byte_source.h"
 
@@ -7,20 +6,21 @@
 
 namespace corvanta::parquet {
 
-/// Threads: any; one read at a time.
+/// Serializes reads at any offset of a ByteSource. Threads: any number; one read at a time.
 class SharedFile
 {
 public:
-    /// `source` must outlive this object and be used by nobody else meanwhile.
+    /// `source` must be able to seek and outlive this object, which must be its only user.
     explicit SharedFile(ByteSource &source)
         : m_source(source)
         , m_size(source.size())
     {
     }
+    /// Size in bytes, as it was when the object was created.
     qint64 size() const { return m_size; }
 
-    /// Read up to `n` bytes at `offset`: the count read, fewer only at the end; negative after a
-    /// failure.
+    /// Read `n` bytes at `offset`. Returns the number of bytes, which is smaller only at the end of
+    /// the file, and a negative number after a failure, like ByteSource::read().
     qint64 readAt(qint64 offset, void *buffer, qint64 n)
     {
         const std::lock_guard lock(m_mutex);

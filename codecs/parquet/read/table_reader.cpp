@@ -1,3 +1,6 @@
+// A row consists of the next cell of each column. All columns have a block at hand; when the block
+// of a column is used up, the next one is taken from the decoder. Blocks of different columns end
+// at different rows, because pages do.
 #include "codecs/parquet/read/table_reader.h"
 
 #include <QLatin1StringView>
@@ -45,9 +48,6 @@ TableReader::TableReader(ByteSource &source, FileMetaData metaData, Columns colu
     , m_decoder(readersOf(m_file, m_metaData, m_columns, options),
                 m_columns.columns.empty() ? 0 : workers)
 {
-    for (const RowGroup &group : m_metaData.rowGroups) {
-        m_rows += std::max<qint64>(group.numRows, 0);
-    }
 }
 
 float TableReader::fractionDone() const

@@ -1,5 +1,7 @@
-// codecs/parquet/table_reader.h
-// The rows of a Parquet file.
+// Reads the rows of a Parquet file as cells.
+//
+// Opens the file, selects the columns, and assembles rows from the blocks that DecodeAhead decodes.
+// Layout: docs/formats/parquet.md.
 #pragma once
 #include "codecs/parquet/metadata/footer.h"
 #include "codecs/parquet/read/decode_ahead.h"
@@ -8,39 +10,44 @@
 
 namespace corvanta::parquet {
 
-/// Threads: one takes rows; fractionDone() and stop() from any.
+/// Threads: next() from one thread; rowsRead(), fractionDone() and stop() from any.
 class TableReader
 {
 public:
-    /// Open a file and choose its columns. `source` must outlive the reader. `workers` threads
-    /// decode ahead. Errors: those of readFooter() and selectColumns().
+    /// Read the metadata of a file and select its columns. Starts `workers` threads, which decode
+    /// ahead; with 0, next() decodes everything. `source` must be able to seek and outlive the
+    /// reader. Errors: those of readFooter() and selectColumns().
     static Result<std::unique_ptr<TableReader>, Error>
     open(ByteSource &source, const ReadOptions &options, int workers);
 
+    /// The columns that are read, in the file's order.
     const std::vector<Column> &columns() const { return m_columns.columns; }
-    /// Selected columns that the file does not have.
+    /// Names of selected columns that the file does not have.
     const QStringList &missingColumns() const { return m_columns.missing; }
-    /// What was left out, and why.
+    /// The skipped columns, each with the reason: "column 'x': why".
     const QStringList &skippedColumns() const { return m_columns.skipped; }
-    /// Schema elements behind the root, selected or not.
+    /// Number of schema elements without the root, whether selected or not.
     size_t schemaColumnCount() const
     {
         return m_metaData.schema.empty() ? 0 : m_metaData.schema.size() - 1;
     }
-    /// What the metadata declares.
+    /// Number of rows in the metadata. May differ from the rows that next() returns.
     qint64 declaredRows() const { return m_metaData.numRows; }
     qint64 rowGroupCount() const { return static_cast<qint64>(m_metaData.rowGroups.size()); }
     qint64 rowsRead() const { return m_rowsRead.load(std::memory_order_relaxed); }
+    /// Progress from 0 to 1, measured in declared rows.
     float fractionDone() const;
 
-    /// Put the cells of the next row to `cells`, one for each column, where they stay until the
-    /// next call. False at the end. Errors: BadData, NoMemory; the rows before were right.
+    /// Read the next row: store the address of one cell per column in `cells`. The cells stay valid
+    /// until the next call. Returns false at the end and after stop(). Errors: BadData, NoMemory;
+    /// all earlier rows were complete.
     Result<bool, Error> next(const uchar **cells);
 
+    /// End the reading. A next() that waits returns.
     void stop();
 
 private:
-    struct Cursor
+    struct Cursor // the position in the current block of a column
     {
         std::unique_ptr<CellBlock> block;
         qsizetype row = 0;
@@ -53,10 +60,9 @@ private:
     SharedFile m_file;
     const FileMetaData m_metaData;
     const Columns m_columns;
-    qint64 m_rows = 0; // of all row groups
     std::atomic<qint64> m_rowsRead = 0;
     std::vector<Cursor> m_cursors;
-    DecodeAhead m_decoder; // last: its threads use what is above
+    DecodeAhead m_decoder; // last: its threads use the members above
 };
 
 } // namespace corvanta::parquet

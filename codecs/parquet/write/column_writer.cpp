@@ -1,8 +1,14 @@
-// A data page before it is compressed:
+// A data page of version 1 before compression (parquet-format, README.md and Encodings.md). Numbers
+// are little-endian:
 //
-//   quint32 length | definition levels, hybrid, one bit each | the values that are not null
+//   bytes   content
+//        4  length of the levels in bytes, unsigned
+//   length  definition levels: RLE hybrid, one bit per row, 1 if the value is not null
+//           the values that are not null:
+//             PLAIN       fixed width: the value; text: u32 length in bytes, UTF-8
+//             dictionary  1 byte bit width, then the RLE hybrid of the indexes
 //
-// The values are PLAIN, or a bit width and the hybrid of dictionary indexes.
+// A dictionary page has the distinct values in PLAIN form.
 #include "codecs/parquet/write/column_writer.h"
 
 #include "base/bytes.h"
@@ -19,9 +25,10 @@ namespace corvanta::parquet {
 namespace {
 
 constexpr size_t kLengthBytes = 4;
-/// Statistics do not carry longer texts.
-constexpr size_t kLongestNoted = 64;
+/// Maximum size of a text in statistics.
+constexpr size_t kMaxRangeBytes = 64;
 
+/// Bytes of a stored value; 0 for texts.
 size_t valueBytes(Storage storage)
 {
     switch (storage) {
@@ -37,7 +44,7 @@ size_t valueBytes(Storage storage)
     return 0;
 }
 
-/// Whether a value comes before another in the column's order.
+/// Whether value `a` is less than value `b` in the order of the column.
 bool isBefore(Storage storage, const QByteArray &a, const QByteArray &b)
 {
     switch (storage) {
@@ -84,8 +91,8 @@ bool ColumnWriter::add(const uchar *cell)
         cell::isMissingDouble(value) ? addNull() : addNumber(value);
         return true;
     }
-    // Kept as required: of the two missing keys only this one is written as a null
-    // (ParquetWriter.OnlyOneMissingKeyIsNull).
+    // Kept for saved graphs: only 0xFFFFFFFF becomes a null, because saved graphs rely on
+    // 0xFFFFFFFE being stored as a value (ParquetWriter.OnlyOneMissingKeyIsNull).
     const auto key = loadNative<quint32>(cell);
     if (key == cell::kMissingKey) {
         addNull();
@@ -97,7 +104,7 @@ bool ColumnWriter::add(const uchar *cell)
     return true;
 }
 
-/// `bytes` behind what is used.
+/// Memory for `bytes` more bytes after the used ones.
 char *ColumnWriter::room(size_t bytes)
 {
     if (m_values.size() - m_used < bytes) {
@@ -111,7 +118,7 @@ template <class T> void ColumnWriter::addNumber(T value)
     char *const plain = room(sizeof value);
     storeLE(value, plain);
     if (m_options.statistics) {
-        note(plain, sizeof value);
+        updateRange(plain, sizeof value);
     }
     addValue(sizeof value);
 }
@@ -131,21 +138,21 @@ bool ColumnWriter::addText(const uchar *cell)
         return false;
     }
     if (m_options.statistics) {
-        note(plain + kLengthBytes, n);
+        updateRange(plain + kLengthBytes, n);
     }
     if (m_used + kLengthBytes + n > m_capacity) {
         finishPage();
-        std::copy_n(plain, kLengthBytes + n, m_values.data()); // to the new page's beginning
+        std::copy_n(plain, kLengthBytes + n, m_values.data()); // the start of the new page
     }
     addValue(kLengthBytes + n);
     return true;
 }
 
-/// Take the value of `bytes` bytes that lies behind what is used.
+/// Add the value of `bytes` bytes that was stored after the used bytes.
 void ColumnWriter::addValue(size_t bytes)
 {
     if (m_usesDictionary && !addToDictionary(m_values.data() + m_used, bytes)) {
-        finishPage(); // the page so far has indexes
+        finishPage(); // a page has either indexes or values
         m_usesDictionary = false;
     }
     if (!m_usesDictionary) {
@@ -154,7 +161,7 @@ void ColumnWriter::addValue(size_t bytes)
     addRow(1);
 }
 
-/// False when the dictionary has become as large as a page.
+/// Returns false if the dictionary would become larger than a page.
 bool ColumnWriter::addToDictionary(const char *plain, size_t n)
 {
     if (m_index.bytes().size() + n > m_capacity) {
@@ -178,10 +185,10 @@ void ColumnWriter::addRow(uchar level)
     }
 }
 
-void ColumnWriter::note(const char *value, size_t n)
+void ColumnWriter::updateRange(const char *value, size_t n)
 {
     const bool isNan = m_column.storage == Storage::Double && std::isnan(loadLE<double>(value));
-    if (isNan || n > kLongestNoted) {
+    if (isNan || n > kMaxRangeBytes) {
         m_range.isKnown = false;
     }
     if (!m_range.isKnown) {

@@ -1,3 +1,14 @@
+// The file (parquet-format, README.md, section "File format"):
+//
+//   "PAR1"
+//   row groups, each with one chunk per column:
+//     dictionary page, if a page of the chunk uses a dictionary
+//     data pages of version 1
+//   FileMetaData, a Thrift compact record
+//   u32 length of FileMetaData, little-endian
+//   "PAR1"
+//
+// A page is a PageHeader (Thrift compact) and the compressed bytes; see column_writer.cpp.
 #include "codecs/parquet/write/file_writer.h"
 
 #include "base/bytes.h"
@@ -48,7 +59,8 @@ std::vector<SchemaElement> schemaOf(const std::vector<WriterColumn> &columns)
     return schema;
 }
 
-/// Zero has two signs, and readers may look for either.
+/// A zero bound with the given sign. A reader may search for 0.0 or -0.0, which compare equal, so
+/// that the smallest value must be -0.0 and the largest 0.0.
 QByteArray widened(QByteArray value, Storage storage, double zero)
 {
     if (storage == Storage::Double && loadLE<double>(value.constData()) == 0) {
@@ -117,12 +129,12 @@ Result<void, Error> FileWriter::addRow(const uchar *const *cells)
         }
     }
     ++m_groupRows;
-    noteFinishedPages();
+    addFinishedPages();
     return isGroupFull() ? flushGroup() : Result<void, Error>();
 }
 
-/// Take over what the columns have finished.
-void FileWriter::noteFinishedPages()
+/// Count the pages that the columns have finished since the last call.
+void FileWriter::addFinishedPages()
 {
     for (size_t i = 0; i < m_columns.size(); ++i) {
         const std::vector<FinishedPage> &pages = m_columns[i].pages();
@@ -133,32 +145,40 @@ void FileWriter::noteFinishedPages()
     }
 }
 
-/// Learn the sizes of pages that are done; with `waits` those of all pages.
-void FileWriter::settle(bool waits)
+/// Replace the maximum size of the first open page, which is done, with its real size.
+void FileWriter::addFirstSize()
 {
-    while (!m_open.empty()) {
-        const PendingPage &page = *m_open.front();
-        if (waits) {
-            m_compressor.wait(page);
-        } else if (!page.isDone.load(std::memory_order_acquire)) {
-            return;
-        }
-        m_openBytes -= static_cast<qint64>(page.maxBytes);
-        m_knownBytes += static_cast<qint64>(page.compressed.size());
-        m_open.pop_front();
+    const PendingPage &page = *m_open.front();
+    m_openBytes -= static_cast<qint64>(page.maxBytes);
+    m_knownBytes += static_cast<qint64>(page.compressed.size());
+    m_open.pop_front();
+}
+
+void FileWriter::addSizesOfDonePages()
+{
+    while (!m_open.empty() && m_open.front()->isDone.load(std::memory_order_acquire)) {
+        addFirstSize();
     }
 }
 
-/// Whether the pages exceed the threshold. Waits for sizes only where they can decide it, so that
-/// the answer is the same however fast the threads are.
+void FileWriter::addSizesOfAllPages()
+{
+    while (!m_open.empty()) {
+        m_compressor.wait(*m_open.front());
+        addFirstSize();
+    }
+}
+
+/// Whether the pages exceed the threshold. Waits for sizes only if they decide the result, so that
+/// it does not depend on the speed of the threads.
 bool FileWriter::isGroupFull()
 {
     if (m_knownBytes + m_openBytes <= m_threshold) {
         return false;
     }
-    settle(false);
+    addSizesOfDonePages();
     if (m_knownBytes <= m_threshold && m_knownBytes + m_openBytes > m_threshold) {
-        settle(true);
+        addSizesOfAllPages();
     }
     return m_knownBytes > m_threshold;
 }
@@ -167,20 +187,56 @@ Result<void, Error> FileWriter::writePage(const FinishedPage &page, PageHeader h
                                           ColumnMetaData &chunk)
 {
     m_compressor.wait(*page.bytes);
-    if (page.bytes->isBad) {
+    if (page.bytes->hasFailed) {
         return Fault{Error::NoMemory, u"a page could not be compressed"_s};
     }
     const std::vector<char> &bytes = page.bytes->compressed;
     header.uncompressedPageSize = page.rawBytes;
     header.compressedPageSize = static_cast<qint32>(bytes.size());
     CompactWriter out;
-    const qint64 headerBytes = writeRecord(out, header);
-    chunk.totalUncompressedSize += headerBytes + page.rawBytes;
-    chunk.totalCompressedSize += headerBytes + static_cast<qint64>(bytes.size());
-    if (auto done = put(out.bytes().constData(), headerBytes); !done) {
+    const auto headerBytes = writeRecord(out, header);
+    if (!headerBytes) {
+        return headerBytes.fault();
+    }
+    chunk.totalUncompressedSize += *headerBytes + page.rawBytes;
+    chunk.totalCompressedSize += *headerBytes + static_cast<qint64>(bytes.size());
+    if (auto done = put(out.bytes().constData(), *headerBytes); !done) {
         return done;
     }
     return put(bytes.data(), static_cast<qint64>(bytes.size()));
+}
+
+/// Write the dictionary page of a chunk, if a page of the chunk uses a dictionary.
+Result<void, Error> FileWriter::writeDictionary(ColumnWriter &column, ColumnMetaData &chunk)
+{
+    const auto dictionary = column.finishDictionary();
+    if (!dictionary) {
+        return {};
+    }
+    PageHeader header;
+    header.type = kDictionaryPage;
+    header.dictionaryPageHeader = {dictionary->values, kPlainDictionary, {}};
+    chunk.dictionaryPageOffset = m_position;
+    chunk.encodings.push_back(kPlainDictionary);
+    return writePage(*dictionary, std::move(header), chunk);
+}
+
+Result<void, Error> FileWriter::writeDataPages(const ColumnWriter &column, ColumnMetaData &chunk)
+{
+    chunk.dataPageOffset = m_position;
+    for (const FinishedPage &page : column.pages()) {
+        PageHeader header;
+        header.type = kDataPage;
+        header.dataPageHeader.emplace();
+        header.dataPageHeader->numValues = page.values;
+        header.dataPageHeader->encoding = page.isDictionary ? kPlainDictionary : kPlain;
+        header.dataPageHeader->definitionLevelEncoding = kRle;
+        header.dataPageHeader->repetitionLevelEncoding = kBitPacked;
+        if (auto done = writePage(page, std::move(header), chunk); !done) {
+            return done;
+        }
+    }
+    return {};
 }
 
 Result<void, Error> FileWriter::writeChunk(ColumnWriter &column, RowGroup &group)
@@ -190,35 +246,18 @@ Result<void, Error> FileWriter::writeChunk(ColumnWriter &column, RowGroup &group
     chunk.metaData = std::make_unique<ColumnMetaData>();
     ColumnMetaData &data = *chunk.metaData;
     data.type = physicalOf(column.column().storage);
-    data.encodings = {kPlain}; // on purpose without the RLE of the levels
+    data.encodings = {kPlain}; // deliberately without the RLE of the levels
     data.pathInSchema = {column.column().name};
     data.codec = m_compressor.codec();
     data.numValues = m_groupRows;
     if (m_options.statistics) {
         data.statistics = statisticsOf(column.range(), column.column().storage);
     }
-    if (const auto dictionary = column.finishDictionary()) {
-        PageHeader header;
-        header.type = kDictionaryPage;
-        header.dictionaryPageHeader = {dictionary->values, kPlainDictionary, {}};
-        data.dictionaryPageOffset = m_position;
-        data.encodings.push_back(kPlainDictionary);
-        if (auto done = writePage(*dictionary, std::move(header), data); !done) {
-            return done;
-        }
+    if (auto done = writeDictionary(column, data); !done) {
+        return done;
     }
-    data.dataPageOffset = m_position;
-    for (const FinishedPage &page : column.pages()) {
-        PageHeader header;
-        header.type = kDataPage;
-        header.dataPageHeader.emplace();
-        header.dataPageHeader->numValues = page.values;
-        header.dataPageHeader->encoding = page.isDictionary ? kPlainDictionary : kPlain;
-        header.dataPageHeader->definitionLevelEncoding = kRle;
-        header.dataPageHeader->repetitionLevelEncoding = kBitPacked;
-        if (auto done = writePage(page, std::move(header), data); !done) {
-            return done;
-        }
+    if (auto done = writeDataPages(column, data); !done) {
+        return done;
     }
     group.totalByteSize += data.totalUncompressedSize;
     return {};
@@ -228,6 +267,7 @@ Result<void, Error> FileWriter::flushGroup()
 {
     RowGroup &group = m_metaData.rowGroups.emplace_back();
     group.numRows = m_groupRows;
+    // Submit all pages before waiting for the first one.
     for (ColumnWriter &column : m_columns) {
         column.finishPage();
     }
@@ -253,11 +293,14 @@ Result<void, Error> FileWriter::finish()
         }
     }
     CompactWriter out;
-    const qint64 length = writeRecord(out, m_metaData);
+    const auto length = writeRecord(out, m_metaData);
+    if (!length) {
+        return length.fault();
+    }
     std::array<char, 8> trailer{};
-    storeLE(static_cast<quint32>(length), trailer.data());
+    storeLE(static_cast<quint32>(*length), trailer.data());
     std::copy_n("PAR1", 4, trailer.data() + 4);
-    if (auto done = put(out.bytes().constData(), length); !done) {
+    if (auto done = put(out.bytes().constData(), *length); !done) {
         return done;
     }
     return put(trailer.data(), trailer.size());

@@ -1,5 +1,6 @@
-// codecs/parquet/file_writer.h
-// Writes rows as a Parquet file.
+// Writes rows of cells as a Parquet file.
+//
+// Layout: docs/formats/parquet.md, section "Written".
 #pragma once
 #include "base/byte_sink.h"
 #include "codecs/parquet/metadata/error.h"
@@ -8,33 +9,40 @@
 
 namespace corvanta::parquet {
 
-/// Threads: one at a time; the compressor may have threads of its own. The bytes written do not
-/// hang on them.
+/// Call begin(), addRow() for each row, and finish(). After a fault the file is incomplete and
+/// cannot be continued.
+/// Threads: one thread at a time per object. The compressor may have its own threads; the bytes
+/// written do not depend on them.
 class FileWriter
 {
 public:
-    /// `sink` (at its beginning) and `compressor` must outlive the writer.
+    /// `sink`, at its start, and `compressor` must outlive the writer.
     FileWriter(ByteSink &sink, std::vector<WriterColumn> columns, const WriteOptions &options,
                PageCompressor &compressor);
 
-    /// Write what comes before the rows. Errors: WriteFailed.
+    /// Write the bytes before the rows. Errors: WriteFailed.
     Result<void, Error> begin();
 
-    /// Add a row, given all its cells (base/cell.h). Errors: TextTooLong, WriteFailed, NoMemory.
+    /// Add a row. `cells` has the addresses of all its cells (base/cell.h). Errors: TextTooLong,
+    /// WriteFailed, NoMemory.
     Result<void, Error> addRow(const uchar *const *cells);
 
-    /// Write what is left and the footer. Errors: WriteFailed, NoMemory.
+    /// Write the last row group and the footer. Errors: WriteFailed, NoMemory, TextTooLong.
     Result<void, Error> finish();
 
-    /// So far; grows by whole row groups.
+    /// Number of bytes written so far. Grows by whole row groups.
     qint64 bytesWritten() const { return m_position; }
 
 private:
-    void noteFinishedPages();
+    void addFinishedPages();
     bool isGroupFull();
-    void settle(bool waits);
+    void addSizesOfDonePages();
+    void addSizesOfAllPages();
+    void addFirstSize();
     Result<void, Error> flushGroup();
     Result<void, Error> writeChunk(ColumnWriter &column, RowGroup &group);
+    Result<void, Error> writeDictionary(ColumnWriter &column, ColumnMetaData &chunk);
+    Result<void, Error> writeDataPages(const ColumnWriter &column, ColumnMetaData &chunk);
     Result<void, Error> writePage(const FinishedPage &page, PageHeader header,
                                   ColumnMetaData &chunk);
     Result<void, Error> put(const void *bytes, qint64 n);
@@ -42,17 +50,17 @@ private:
     ByteSink &m_sink;
     PageCompressor &m_compressor;
     const WriteOptions m_options;
-    const qint64 m_threshold; // bytes of compressed pages that close a row group
+    const qint64 m_threshold; // size in bytes of compressed pages that closes a row group
     std::vector<ColumnWriter> m_columns;
     FileMetaData m_metaData;
     qint64 m_groupRows = 0;
     qint64 m_position = 0;
 
-    // Sizes of the row group's pages: known ones, and the most that the others can become.
-    std::vector<size_t> m_seenPages; // by column
-    std::deque<std::shared_ptr<PendingPage>> m_open;
-    qint64 m_knownBytes = 0;
-    qint64 m_openBytes = 0;
+    // The compressed size of the row group's pages.
+    std::vector<size_t> m_seenPages;                 // by column: pages that are counted here
+    std::deque<std::shared_ptr<PendingPage>> m_open; // pages whose size is not known yet
+    qint64 m_knownBytes = 0;                         // total size of the other pages
+    qint64 m_openBytes = 0;                          // maximum total size of the pages in m_open
 };
 
 } // namespace corvanta::parquet

@@ -1,4 +1,4 @@
-// What is written is read back with equal values, however it is written.
+// Writes tables with every option and reads them back.
 #include "codecs/parquet/read/table_reader.h"
 #include "codecs/parquet/write/file_writer.h"
 #include "tests/support/sweeps.h"
@@ -24,7 +24,7 @@ public:
         std::vector<uchar> &bytes =
             m_cells.emplace_back(8 + (text == nullptr ? 0 : text->size() * 2));
         const int lengthBytes = cell::lengthBytes(code);
-        uchar *const begin = bytes.data() + 4 - lengthBytes; // units at an even place
+        uchar *const begin = bytes.data() + 4 - lengthBytes; // units at an even address
         cell::putLength(begin, code, lengthBytes);
         if (text != nullptr) {
             std::memcpy(bytes.data() + 4, text->data(), text->size() * 2);
@@ -49,7 +49,7 @@ struct Written
     std::optional<Fault<Error>> fault;
 };
 
-struct Manner
+struct WriteSetup
 {
     WriteOptions options;
     qint32 codec = kSnappy;
@@ -57,12 +57,12 @@ struct Manner
 };
 
 template <class MakeRow>
-Written write(const std::vector<WriterColumn> &columns, int rows, const Manner &manner,
+Written write(const std::vector<WriterColumn> &columns, int rows, const WriteSetup &setup,
               MakeRow &&makeRow)
 {
     MemorySink sink;
-    PageCompressor compressor(manner.codec, manner.workers);
-    FileWriter writer(sink, columns, manner.options, compressor);
+    PageCompressor compressor(setup.codec, setup.workers);
+    FileWriter writer(sink, columns, setup.options, compressor);
     EXPECT_TRUE(writer.begin());
     for (int i = 0; i < rows; ++i) {
         RowOfCells row;
@@ -126,19 +126,19 @@ void sampleRow(int i, RowOfCells &row)
 TEST(ParquetWriter, EveryStorageCodecAndOptionReadsBackEqual)
 {
     constexpr int kRows = 20000;
-    std::vector<Manner> manners;
+    std::vector<WriteSetup> setups;
     for (const qint32 codec : {kUncompressed, kSnappy, kGzip, kBrotli, kZstd, kLz4Raw}) {
-        manners.push_back({{}, codec});
+        setups.push_back({{}, codec});
     }
-    manners.push_back({{1, 0, false, false}});
-    manners.push_back({{1, 0, true, true}});
-    manners.push_back({{64, 50, true, true}});
-    for (const Manner &manner : manners) {
+    setups.push_back({{1, 0, false, false}});
+    setups.push_back({{1, 0, true, true}});
+    setups.push_back({{64, 50, true, true}});
+    for (const WriteSetup &setup : setups) {
         SCOPED_TRACE(testing::Message()
-                     << "codec " << manner.codec << ", pages of " << manner.options.pageSizeKiB
-                     << " KiB, dictionaries " << manner.options.dictionaryPages);
-        const Written written = write(kAllStorages, kRows, manner, sampleRow);
-        if (manner.codec > kGzip) { // our strict reader refuses these
+                     << "codec " << setup.codec << ", pages of " << setup.options.pageSizeKiB
+                     << " KiB, dictionaries " << setup.options.dictionaryPages);
+        const Written written = write(kAllStorages, kRows, setup, sampleRow);
+        if (setup.codec > kGzip) { // the reader rejects these by default
             MemorySource source(written.bytes);
             EXPECT_FALSE(TableReader::open(source, ReadOptions(), 0));
             ReadOptions options;
@@ -169,19 +169,19 @@ TEST(ParquetWriter, EveryStorageCodecAndOptionReadsBackEqual)
     }
 }
 
-TEST(ParquetWriter, BytesDoNotHangOnThreads)
+TEST(ParquetWriter, BytesDoNotDependOnThreads)
 {
-    Manner manner{{1, 0, true, true}};
+    WriteSetup setup{{1, 0, true, true}};
     const std::vector<WriterColumn> one{{"k", Storage::KeyAsInt64, 0}};
     std::mt19937 random(7);
     std::vector<quint32> keys(300000);
     std::generate(keys.begin(), keys.end(), [&] { return quint32(random()); });
     const auto row = [&](int i, RowOfCells &cells) { cells.addKey(keys[size_t(i)]); };
-    manner.workers = 0;
-    const QByteArray alone = write(one, 300000, manner, row).bytes;
+    setup.workers = 0;
+    const QByteArray alone = write(one, 300000, setup, row).bytes;
     for (const int workers : {1, 3}) {
-        manner.workers = workers;
-        EXPECT_TRUE(write(one, 300000, manner, row).bytes == alone) << workers;
+        setup.workers = workers;
+        EXPECT_TRUE(write(one, 300000, setup, row).bytes == alone) << workers;
     }
 }
 
@@ -194,25 +194,25 @@ TEST(ParquetWriter, RowGroupsCloseWhenTheirPagesExceedTheThreshold)
     const auto row = [](int i, RowOfCells &cells) { cells.addKey(quint32(i)); };
     // Without compression a page of 1 KiB takes 128 keys of 8 bytes and 2 + 4 bytes of levels: two
     // of them exceed the threshold of one page size.
-    Manner manner{{1, 0, false, false}, kUncompressed};
+    WriteSetup setup{{1, 0, false, false}, kUncompressed};
     const std::vector<WriterColumn> one{{"k", Storage::KeyAsInt64, 0}};
-    EXPECT_EQ(groupsOf(write(one, 128 * 10, manner, row).bytes), 10U);
-    manner.options.rowGroupMiB = 1;
-    EXPECT_EQ(groupsOf(write(one, 128 * 10, manner, row).bytes), 1U);
-    // With many columns the threshold is theirs.
+    EXPECT_EQ(groupsOf(write(one, 128 * 10, setup, row).bytes), 10U);
+    setup.options.rowGroupMiB = 1;
+    EXPECT_EQ(groupsOf(write(one, 128 * 10, setup, row).bytes), 1U);
+    // With many columns the threshold is one page per column.
     std::vector<WriterColumn> many(100, one[0]);
-    manner.options = {1024, 50, false, false};
-    EXPECT_EQ(groupsOf(write(many, 131072 / 2, manner, row).bytes), 1U);
+    setup.options = {1024, 50, false, false};
+    EXPECT_EQ(groupsOf(write(many, 131072 / 2, setup, row).bytes), 1U);
 }
 
-TEST(ParquetWriter, EdgesOfTables)
+TEST(ParquetWriter, EmptyWideAndAllNullTablesReadBack)
 {
     const std::vector<WriterColumn> text{{"t", Storage::Text, 0}};
     // No rows: no row groups.
     const Written empty = write(text, 0, {}, [](int, RowOfCells &) {});
     EXPECT_EQ(readBack(empty.bytes, [](qint64, const auto &) {}), 0);
     EXPECT_TRUE(empty.bytes.startsWith("PAR1") && empty.bytes.contains("Corvanta"));
-    // More missing texts than levels fit beside a page.
+    // More missing texts than a page has room for levels.
     qint64 present = 0;
     const Written nulls =
         write(text, 200000, {}, [](int, RowOfCells &row) { row.addText(nullptr); });
@@ -251,7 +251,7 @@ TEST(ParquetWriter, OnlyOneMissingKeyIsNull)
     EXPECT_EQ(loadNative<double>(cells), 4294967294.0);
 }
 
-TEST(ParquetWriter, ATextMustFitAPage)
+TEST(ParquetWriter, TextsMustFitAPage)
 {
     const std::vector<WriterColumn> text{{"t", Storage::Text, 0}};
     for (const auto &[units, fits] : {std::pair{1024 - 5, true}, std::pair{1024 - 4, false}}) {
@@ -286,7 +286,7 @@ TEST(ParquetWriter, StatisticsHoldTheRangeAndTheNulls)
     EXPECT_EQ(footer->columnOrders->size(), 2U);
 }
 
-TEST(ParquetReader, DamageAnywhereIsAFaultOrOtherRows)
+TEST(ParquetReader, DamageAnywhereNeverCrashes)
 {
     const Written written = write(kAllStorages, 300, {{1, 0, true, false}}, sampleRow);
     const auto survives = [](const QByteArray &bytes) {
@@ -309,7 +309,7 @@ TEST(ParquetReader, DamageAnywhereIsAFaultOrOtherRows)
     test::forEveryTruncation(written.bytes, check);
 }
 
-TEST(ParquetReader, OneAndManyWorkersGiveTheSameRowsAndStopAnywhere)
+TEST(ParquetReader, AnyNumberOfWorkersGivesTheSameRowsAndStops)
 {
     const Written written = write(kAllStorages, 30000, {{4, 0, false, false}}, sampleRow);
     for (const int workers : {0, 1, 4}) {

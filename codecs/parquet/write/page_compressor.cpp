@@ -1,3 +1,5 @@
+// Workers take pages from one queue in order. Each worker has its own compressor, and a scratch
+// buffer of the maximum size, so that a finished page keeps only the memory that it needs.
 #include "codecs/parquet/write/page_compressor.h"
 
 #include <new>
@@ -5,7 +7,8 @@
 namespace corvanta::parquet {
 
 namespace {
-/// Pages that wait before the submitting thread helps, and buffers that are kept.
+/// Number of waiting pages above which the submitting thread compresses too, and number of spare
+/// buffers.
 constexpr size_t kMaxWaiting = 8;
 constexpr size_t kMaxSpare = 16;
 } // namespace
@@ -40,15 +43,17 @@ void PageCompressor::compress(PendingPage &page, Compressor *compressor,
             return;
         }
         scratch.resize(std::max(scratch.size(), page.maxBytes));
-        const size_t size = compressor->compress(page.raw, scratch.data());
-        page.compressed.assign(scratch.begin(), scratch.begin() + static_cast<qptrdiff>(size));
-        page.isBad = size == 0;
-    } catch (const std::bad_alloc &) {
-        page.isBad = true;
+        const auto size = compressor->compress(page.raw, scratch.data());
+        page.hasFailed = !size;
+        if (size) {
+            page.compressed.assign(scratch.begin(), scratch.begin() + static_cast<qptrdiff>(*size));
+        }
+    } catch (const std::bad_alloc &) { // on a worker thread nothing else would catch it
+        page.hasFailed = true;
     }
 }
 
-/// Compress the first page of the queue, unlocked meanwhile.
+/// Compress the first page of the queue. Releases the lock while it compresses.
 void PageCompressor::runOne(std::unique_lock<std::mutex> &lock, Compressor *compressor,
                             std::vector<char> &scratch)
 {

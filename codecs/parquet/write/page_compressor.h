@@ -1,5 +1,4 @@
-// codecs/parquet/page_compressor.h
-// Compresses pages beside the intake of rows.
+// Compresses pages on worker threads while the caller adds more rows.
 #pragma once
 #include "codecs/parquet/encoding/codec.h"
 
@@ -11,34 +10,37 @@
 
 namespace corvanta::parquet {
 
-/// A finished page on its way to the file.
+/// A page that is being compressed. A worker sets `isDone` last; `compressed` and `hasFailed` may
+/// be read only after that.
 struct PendingPage
 {
-    std::vector<char> raw;        ///< given; taken away once it is compressed
-    std::vector<char> compressed; ///< when isDone
-    size_t maxBytes = 0;          ///< that `compressed` can become
-    bool isBad = false;           ///< when isDone: it could not be compressed
+    std::vector<char> raw;        ///< The input; removed when the page is done.
+    std::vector<char> compressed; ///< The result.
+    size_t maxBytes = 0;          ///< Maximum size of `compressed`; set by submit().
+    bool hasFailed = false;       ///< Whether the page could not be compressed.
     std::atomic<bool> isDone = false;
 };
 
-/// A queue of pages and the threads that compress them; several writers may share one.
-/// Threads: submit(), wait() and takeBuffer() by one at a time.
+/// A queue of pages and the threads that compress them. Several writers may share one compressor.
+/// Threads: submit(), wait() and takeBuffer() from one thread at a time.
 class PageCompressor
 {
 public:
-    /// `workers` may be 0: then pages are compressed when they are submitted or waited for.
+    /// Start `workers` threads. With 0, submit() and wait() compress the pages. `codec` is a
+    /// CodecNumber that makeCompressor() supports, or kUncompressed.
     PageCompressor(qint32 codec, int workers);
+    /// Joins the threads. Pages that are still waiting are not compressed.
     ~PageCompressor();
     PageCompressor(const PageCompressor &) = delete;
     PageCompressor &operator=(const PageCompressor &) = delete;
 
     qint32 codec() const { return m_codec; }
 
-    /// Have `raw` compressed. Helps with the work while too many pages wait.
+    /// Queue a page. Compresses pages itself while too many of them wait.
     std::shared_ptr<PendingPage> submit(std::vector<char> raw);
-    /// Until the page is done.
+    /// Wait until the page is done. Compresses waiting pages meanwhile.
     void wait(const PendingPage &page);
-    /// An empty buffer that has been used before, when there is one.
+    /// An empty buffer, with the memory of an earlier page if possible.
     std::vector<char> takeBuffer();
 
 private:
@@ -49,10 +51,10 @@ private:
                 std::vector<char> &scratch);
 
     const qint32 m_codec;
-    std::unique_ptr<Compressor> m_ownCompressor; // of the submitting thread
+    std::unique_ptr<Compressor> m_ownCompressor; // used by the submitting thread
     std::vector<char> m_ownScratch;
 
-    std::mutex m_mutex; // guards what follows
+    std::mutex m_mutex; // guards the members below
     std::condition_variable m_added;
     std::condition_variable m_done;
     std::deque<Job> m_queue;

@@ -15,18 +15,26 @@ std::string_view ValueIndex::value(quint32 number) const
     return {m_bytes.data() + begin, m_ends[number] - begin};
 }
 
+/// The slot of a value, or the free slot where it belongs. Linear probing finds a free slot soon,
+/// because at most half of the slots are in use.
+size_t ValueIndex::findSlot(std::string_view plain) const
+{
+    const size_t mask = m_slots.size() - 1;
+    size_t slot = std::hash<std::string_view>()(plain) & mask;
+    while (m_slots[slot] != kFree && value(m_slots[slot]) != plain) {
+        slot = (slot + 1) & mask;
+    }
+    return slot;
+}
+
 quint32 ValueIndex::add(std::string_view plain)
 {
     if (m_ends.size() * 2 >= m_slots.size()) {
         grow();
     }
-    const size_t mask = m_slots.size() - 1;
-    size_t slot = std::hash<std::string_view>()(plain) & mask;
-    while (m_slots[slot] != kFree) {
-        if (value(m_slots[slot]) == plain) {
-            return m_slots[slot];
-        }
-        slot = (slot + 1) & mask;
+    const size_t slot = findSlot(plain);
+    if (m_slots[slot] != kFree) {
+        return m_slots[slot];
     }
     m_slots[slot] = static_cast<quint32>(m_ends.size());
     m_bytes.insert(m_bytes.end(), plain.begin(), plain.end());
@@ -37,13 +45,8 @@ quint32 ValueIndex::add(std::string_view plain)
 void ValueIndex::grow()
 {
     m_slots.assign(std::max(m_slots.size() * 2, kFirstSlots), kFree);
-    const size_t mask = m_slots.size() - 1;
     for (quint32 number = 0; number < m_ends.size(); ++number) {
-        size_t slot = std::hash<std::string_view>()(value(number)) & mask;
-        while (m_slots[slot] != kFree) {
-            slot = (slot + 1) & mask;
-        }
-        m_slots[slot] = number;
+        m_slots[findSlot(value(number))] = number;
     }
 }
 

@@ -1,5 +1,4 @@
-// codecs/parquet/value_index.h
-// Numbers the distinct values of a column chunk: the writer's dictionary.
+// Assigns numbers to the distinct values of a column chunk: the dictionary of the writer.
 #pragma once
 #include <QtGlobal>
 
@@ -8,25 +7,30 @@
 
 namespace corvanta::parquet {
 
-/// Threads: one at a time.
+/// A hash table with open addressing over one array of bytes. Threads: one thread at a time per
+/// object.
 class ValueIndex
 {
 public:
-    /// The number of a value's PLAIN form, which is added when it is new.
+    /// The number of a value, given in PLAIN form. A new value is added and gets the next number,
+    /// starting at 0.
     quint32 add(std::string_view plain);
-    /// The distinct values one after the other, in the order of their numbers.
+    /// All values in PLAIN form, adjacent, in the order of their numbers.
     const std::vector<char> &bytes() const { return m_bytes; }
+    /// Number of values.
     qint32 size() const { return static_cast<qint32>(m_ends.size()); }
+    /// Remove all values. Keeps the memory.
     void clear();
 
 private:
     std::string_view value(quint32 number) const;
+    size_t findSlot(std::string_view plain) const;
     void grow();
 
     static constexpr quint32 kFree = ~quint32(0);
     std::vector<char> m_bytes;
-    std::vector<size_t> m_ends;   // of the values in m_bytes
-    std::vector<quint32> m_slots; // open addressing; a power of two of them
+    std::vector<size_t> m_ends;   // by number: end offset of the value in m_bytes
+    std::vector<quint32> m_slots; // number of a value or kFree; the size is a power of two
 };
 
 } // namespace corvanta::parquet
