@@ -1,4 +1,5 @@
-// Tables of the corpus against their golden content, every field type by hand, and damage.
+// Compares the corpus tables with their golden content, and reads handmade tables with every field
+// type and every kind of damage.
 #include "codecs/dbf/table_reader.h"
 #include "tests/support/corpus.h"
 
@@ -138,8 +139,8 @@ std::vector<Row> parseCsv(const std::string &csv)
     return rows;
 }
 
-/// As the golden files have it: outer blanks and NULs trimmed, line feeds alone, nothing for a
-/// missing value.
+/// A cell as in the golden files: outer spaces and NULs trimmed, line feeds without carriage
+/// returns, nothing for a missing value.
 std::string goldenForm(std::string text, char type)
 {
     if (text == "-") {
@@ -157,7 +158,7 @@ std::string goldenForm(std::string text, char type)
     return text;
 }
 
-// A table built by hand: fields, then records without their flags.
+// A handmade table: fields, then records without their flags.
 struct FieldSpec
 {
     const char *name;
@@ -209,14 +210,14 @@ QByteArray le64(double value)
 
 } // namespace
 
-TEST(DbfCorpus, TablesAgreeWithTheirGoldenContent)
+TEST(DbfCorpus, TablesEqualTheirGoldenContent)
 {
     CORVANTA_NEEDS_CORPUS();
     const std::map<std::string, std::string> memos = {
         {"client", "client.dbt"},     {"dbase_83", "dbase_83.dbt"}, {"dbase_8b", "dbase_8b.dbt"},
         {"dbase_30", "dbase_30.fpt"}, {"memotest", "memotest.FPT"}, {"vfp_calls", "vfp_calls.FPT"},
         {"agencias", "AGENCIAS.DBT"}};
-    // Why the peer that wrote the golden file has something else.
+    // Files where the program that wrote the golden file is wrong, with the reason.
     const std::map<std::string, const char *> differences = {
         {"mazovia", "the peer takes only records with a blank as flag; here only '*' is deleted"},
         {"myfileafter-corrupted",
@@ -226,7 +227,7 @@ TEST(DbfCorpus, TablesAgreeWithTheirGoldenContent)
         {"books", "type Y refuses the table"},
         {"dbase_31", "type Y refuses the table"},
         {"vfp_employees", "type Y refuses the table"}};
-    // The length of a dBase IV memo holds its header; the peer reads eight bytes too many.
+    // The length of a dBase IV memo holds its header; that program reads eight bytes too many.
     const std::set<std::string> dbase4 = {"client", "dbase_8b"};
     const QDir dir(test::corpusFile(QStringLiteral("dbf")));
     int compared = 0;
@@ -284,7 +285,7 @@ TEST(DbfCorpus, TablesAgreeWithTheirGoldenContent)
     EXPECT_EQ(compared, 2 * 17);
 }
 
-TEST(DbfCorpus, TablesWithoutGoldenContent)
+TEST(DbfCorpus, OtherTablesReadAsExpected)
 {
     CORVANTA_NEEDS_CORPUS();
     struct Case
@@ -345,7 +346,7 @@ TEST(DbfCorpus, TablesWithoutGoldenContent)
     }
 }
 
-TEST(Dbf, EveryFieldType)
+TEST(Dbf, EveryFieldTypeIsConverted)
 {
     const std::vector<FieldSpec> fields = {
         {"C", 'C', 6},  {"N", 'N', 5}, {"D", 'D', 8}, {"F", 'F', 4}, {"L", 'L', 1},
@@ -376,7 +377,7 @@ TEST(Dbf, EveryFieldType)
     }
 }
 
-TEST(Dbf, NumbersOfLevel7InBothForms)
+TEST(Dbf, Level7NumbersAreReadInBothForms)
 {
     const std::vector<FieldSpec> fields = {
         {"A name longer than eleven bytes", '+', 4}, {"I", 'I', 4}, {"O", 'O', 8}, {"AT", '@', 8}};
@@ -404,9 +405,9 @@ TEST(Dbf, NumbersOfLevel7InBothForms)
     const Table table = read({.table = plain, .isLevel7 = true});
     EXPECT_EQ(table.names[0], "A name longer than eleven bytes");
     EXPECT_EQ(table.rows, rows);
-    rows.push_back(Row(4, "-")); // all zeros: no number was entered
+    rows.push_back(Row(4, "-")); // all zeros: an empty field
     EXPECT_EQ(read({.table = sorting, .isLevel7 = true}).rows, rows);
-    for (size_t i = 0; i < fields.size(); ++i) { // each type tells the form on its own
+    for (size_t i = 0; i < fields.size(); ++i) { // each type alone determines the form
         QByteArray record = sorting.mid(68 + 4 * 48 + 1 + 1);
         record = record.mid(qsizetype(i < 2 ? i * 4 : i * 8 - 8), fields[i].length);
         EXPECT_EQ(read({.table = makeTable(4, {fields[i]}, {record}, true)}).rows.at(0).at(0),
@@ -414,7 +415,7 @@ TEST(Dbf, NumbersOfLevel7InBothForms)
     }
 }
 
-TEST(Dbf, TheLayoutThatMakesUpTheRecordIsTaken)
+TEST(Dbf, TheLayoutThatMatchesTheRecordLengthIsUsed)
 {
     const std::vector<FieldSpec> fields = {{"first", 'C', 2}, {"second", 'N', 3}};
     for (const bool isLevel7 : {false, true}) {
@@ -429,7 +430,7 @@ TEST(Dbf, TheLayoutThatMakesUpTheRecordIsTaken)
                 EXPECT_EQ(result.rows, (std::vector<Row>{{"ab", "12"}}));
             }
         }
-        // Padding behind the fields fits neither layout: then the parameter decides.
+        // Padding after the fields matches neither layout: then the parameter decides.
         storeLE<quint16>(16, table.data() + 10);
         table += QByteArray(16, ' ');
         EXPECT_EQ(read({.table = table, .isLevel7 = isLevel7}).names.size(), 2U);
@@ -437,7 +438,7 @@ TEST(Dbf, TheLayoutThatMakesUpTheRecordIsTaken)
     }
 }
 
-TEST(Dbf, Encodings)
+TEST(Dbf, TextsAreDecodedInEveryEncoding)
 {
     const QByteArray table = makeTable(3, {{"C\x80", 'C', 6}},
                                        {"\x80\xE9"
@@ -464,7 +465,7 @@ TEST(Dbf, Encodings)
     EXPECT_EQ(gbk.rows.at(0).at(0), "设x\uFFFD\uFFFD");
 }
 
-TEST(Dbf, CountsThatLieAndFilesThatEnd)
+TEST(Dbf, WrongCountsAndTruncatedFilesAreReported)
 {
     const QByteArray table = makeTable(3, {{"a", 'C', 2}}, {"r1", "r2", "r3"});
     const qsizetype headerBytes = 65;
@@ -502,7 +503,7 @@ TEST(Dbf, CountsThatLieAndFilesThatEnd)
     }
 }
 
-TEST(Dbf, HeadersThatCannotBe)
+TEST(Dbf, ImpossibleHeadersAreRejected)
 {
     const QByteArray good = makeTable(3, {{"a", 'C', 2}}, {"r1"});
     for (qsizetype n = 0; n < 65; ++n) {
@@ -533,7 +534,7 @@ TEST(Dbf, HeadersThatCannotBe)
               300U);
 }
 
-TEST(Memo, BlocksOfEveryFormatAndBrokenOnes)
+TEST(Memo, TextsOfEveryFormatReadAndBrokenOnesAreMissing)
 {
     const QByteArray block1(512, '\0');
     const QByteArray dbase3 = block1 + QByteArray("first\x1A").leftJustified(512, 'j') +
@@ -566,7 +567,7 @@ TEST(Memo, BlocksOfEveryFormatAndBrokenOnes)
         const Table table = read({.table = binary, .memo = c.memo});
         EXPECT_EQ(table.rows, (std::vector<Row>{{longText}, {"first"}, {"-"}})) << int(c.version);
         for (qsizetype n = 0; n < c.memo.size() - 1;
-             n += 7) { // cut anywhere: the first text or nothing
+             n += 7) { // truncated anywhere: the first text or nothing
             const Table cut = read({.table = binary, .memo = c.memo.first(n)});
             EXPECT_FALSE(cut.fault) << n;
             EXPECT_EQ(cut.rows.at(0).at(0), "-") << n;

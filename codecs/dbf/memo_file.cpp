@@ -1,8 +1,12 @@
-// dBase III (.dbt):  blocks of 512 bytes; a text starts with its first byte and ends before 1A.
-// dBase IV (.dbt):   0 next free block ... 20 u16 block size;
-//                    a text: FF FF 08 00, u32 length with these 8 bytes, the bytes. Little-endian.
-// FoxPro (.fpt):     0 next free block ... 6 u16 block size;
-//                    a text: u32 kind, u32 length, the bytes. Big-endian.
+// The three formats of memo files. Block 0 is the header. A text starts at the start of a block:
+//
+//   format            header                         text
+//   dBase III (.dbt)  (not used)                     the bytes, ended by 1A; blocks of 512 bytes
+//   dBase IV (.dbt)   20: u16 block size             FF FF 08 00, u32 length including these
+//                                                    8 bytes, the bytes; little-endian
+//   FoxPro (.fpt)     6: u16 block size, big-endian  u32 kind, u32 length, the bytes; big-endian
+//
+// Sources: the dBase IV and FoxPro file descriptions in the vendors' manuals.
 #include "codecs/dbf/memo_file.h"
 
 #include "base/bytes.h"
@@ -21,9 +25,9 @@ constexpr qint64 kDefaultBlockBytes = 512;
 constexpr qint64 kTextHeaderBytes = 8;
 constexpr quint32 kDbase4Mark = 0x0008FFFF;
 constexpr char kTextEnd = 0x1A;
-/// How far the end of a dBase III text is looked for: the programs of its time stop at 64 KiB.
-constexpr qint64 kLongestEndedText = 1024 * 1024;
-/// What is read at once when texts are not asked for in the order of the file.
+/// Maximum length of a dBase III text. The programs that wrote them stop at 64 KiB.
+constexpr qint64 kMaxEndedText = 1024 * 1024;
+/// Size of one read if the texts are not requested in file order.
 constexpr qint64 kRandomReadBytes = 16 * 1024;
 
 constexpr std::optional<QByteArrayView> kNoText;
@@ -46,8 +50,7 @@ MemoFile::MemoFile(ByteSource &source, MemoFormat format, Access access, qint64 
 {
 }
 
-/// What comes before the first text: the block size, and with it the whole file when it is kept in
-/// memory.
+/// Read the block size, and the whole file if it is kept in memory.
 Result<void, Error> MemoFile::prepare()
 {
     m_size = m_source.size();
@@ -97,14 +100,14 @@ void MemoFile::readBlockSize(QByteArrayView head)
     }
 }
 
-/// `n` bytes at `offset`, both within the file; valid until the next call.
+/// `n` bytes at `offset`. The range must be inside the file. Valid until the next call.
 MemoFile::View MemoFile::bytesAt(qint64 offset, qint64 n)
 {
     const qint64 windowEnd = m_windowAt + m_windowFill;
     if (offset < m_windowAt || n > windowEnd - offset) {
-        // Texts mostly follow each other: then the whole buffer is filled.
-        const bool followsOn = offset >= m_windowAt && offset <= windowEnd + m_blockBytes;
-        const qint64 wanted = std::max(n, followsOn ? m_bufferBytes : kRandomReadBytes);
+        // Most tables refer to texts in file order. Then fill the whole buffer.
+        const bool isSequential = offset >= m_windowAt && offset <= windowEnd + m_blockBytes;
+        const qint64 wanted = std::max(n, isSequential ? m_bufferBytes : kRandomReadBytes);
         const qint64 take = std::min(wanted, m_size - offset);
         m_window.resize(std::max(m_window.size(), static_cast<size_t>(take)));
         m_windowAt = offset;
@@ -117,6 +120,7 @@ MemoFile::View MemoFile::bytesAt(qint64 offset, qint64 n)
     return QByteArrayView(m_window.data() + (offset - m_windowAt), n);
 }
 
+/// A text that ends with 1A. Searches ever longer pieces, starting with one block.
 Result<std::optional<QByteArrayView>, Error> MemoFile::endedText(qint64 offset)
 {
     qint64 n = std::min(m_blockBytes, m_size - offset);
@@ -129,7 +133,7 @@ Result<std::optional<QByteArrayView>, Error> MemoFile::endedText(qint64 offset)
         if (end != nullptr) {
             return std::optional(bytes->first(static_cast<const char *>(end) - bytes->data()));
         }
-        const qint64 longer = std::min({n * 2, m_size - offset, kLongestEndedText});
+        const qint64 longer = std::min({n * 2, m_size - offset, kMaxEndedText});
         if (longer == n) {
             return kNoText;
         }
@@ -137,28 +141,35 @@ Result<std::optional<QByteArrayView>, Error> MemoFile::endedText(qint64 offset)
     }
 }
 
+/// Length of the text with this header, or nothing if it cannot be right.
+std::optional<qint64> MemoFile::textLength(QByteArrayView header, qint64 offset) const
+{
+    qint64 length = -1;
+    if (m_format == MemoFormat::FoxPro) {
+        length = loadBE<quint32>(header.data() + 4);
+    } else if (loadLE<quint32>(header.data()) == kDbase4Mark) {
+        length = static_cast<qint64>(loadLE<quint32>(header.data() + 4)) - kTextHeaderBytes;
+    }
+    const bool isValid = length >= 0 && length <= m_size - offset - kTextHeaderBytes &&
+                         length <= limits::kTextCellUnits / 2;
+    return isValid ? std::optional(length) : std::nullopt;
+}
+
+/// A text with its length in a header.
 Result<std::optional<QByteArrayView>, Error> MemoFile::countedText(qint64 offset)
 {
     if (m_size - offset < kTextHeaderBytes) {
         return kNoText;
     }
-    auto front = bytesAt(offset, kTextHeaderBytes);
-    if (!front) {
-        return front.fault();
+    auto header = bytesAt(offset, kTextHeaderBytes);
+    if (!header) {
+        return header.fault();
     }
-    qint64 length = 0;
-    if (m_format == MemoFormat::FoxPro) {
-        length = loadBE<quint32>(front->data() + 4);
-    } else if (loadLE<quint32>(front->data()) == kDbase4Mark) {
-        length = static_cast<qint64>(loadLE<quint32>(front->data() + 4)) - kTextHeaderBytes;
-    } else {
+    const auto length = textLength(*header, offset);
+    if (!length) {
         return kNoText;
     }
-    if (length < 0 || length > m_size - offset - kTextHeaderBytes ||
-        length > limits::kTextCellUnits / 2) {
-        return kNoText;
-    }
-    auto whole = bytesAt(offset, kTextHeaderBytes + length);
+    auto whole = bytesAt(offset, kTextHeaderBytes + *length);
     if (!whole) {
         return whole.fault();
     }

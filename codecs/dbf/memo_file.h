@@ -1,7 +1,6 @@
-// codecs/dbf/memo_file.h
-// The companion of a table that holds its long texts. Layouts: docs/formats/dbf.md.
+// Reads the memo file of a table, which holds its long texts. Layouts: docs/formats/dbf.md.
 //
-// Threads: one at a time.
+// Threads: one thread at a time per object.
 #pragma once
 #include "base/byte_source.h"
 #include "codecs/dbf/table_header.h"
@@ -15,27 +14,28 @@
 namespace corvanta::dbf {
 
 enum class MemoFormat : quint8 {
-    Dbase3, ///< blocks of 512 bytes, a text ends with 1A
-    Dbase4, ///< block size in the header, texts carry their length
-    FoxPro, ///< the same with other headers, big-endian
+    Dbase3, ///< Blocks of 512 bytes; a text ends with 1A.
+    Dbase4, ///< The header has the block size, and each text its length.
+    FoxPro, ///< Like Dbase4 with other headers, big-endian.
 };
 
-/// The format that a table of this version has in a file that ends in .dbt; one in .fpt is FoxPro.
+/// The format of the table's memo file if its name ends with .dbt. An .fpt file is always FoxPro.
 MemoFormat memoFormatOf(const TableHeader &header);
 
 class MemoFile
 {
 public:
-    /// Whether the file is read into memory whole, or through a buffer.
+    /// Whether the file is read through a buffer or completely into memory.
     enum class Access : quint8 { Buffered, InMemory };
 
     /// `source` must outlive the memo file. Buffered access needs a source that knows its size and
-    /// seeks at no cost. Nothing is read before the first text is asked for.
+    /// can seek at no cost; a source of unknown size is read into memory. Reads nothing before the
+    /// first call of text(). `bufferBytes` is the size of the buffer.
     MemoFile(ByteSource &source, MemoFormat format, Access access, qint64 bufferBytes);
 
-    /// The text that starts in block `block`, valid until the next call; nothing when there is no
-    /// text there: a block outside the file, a length that goes beyond it, a text without an end.
-    /// Errors: MemoUnreadable, MemoTooLarge.
+    /// The text that starts in block `block`, valid until the next call. Returns std::nullopt if
+    /// there is no valid text: the block is outside the file, the length exceeds the file, or the
+    /// text has no end. Errors: MemoUnreadable, MemoTooLarge.
     Result<std::optional<QByteArrayView>, Error> text(quint32 block);
 
 private:
@@ -47,6 +47,7 @@ private:
     View bytesAt(qint64 offset, qint64 n);
     Result<std::optional<QByteArrayView>, Error> endedText(qint64 offset);
     Result<std::optional<QByteArrayView>, Error> countedText(qint64 offset);
+    std::optional<qint64> textLength(QByteArrayView header, qint64 offset) const;
 
     ByteSource &m_source;
     const MemoFormat m_format;
@@ -55,7 +56,7 @@ private:
     bool m_isPrepared = false;
     qint64 m_size = 0;
     qint64 m_blockBytes = 512;
-    std::vector<char> m_window; // m_windowFill bytes of the file from m_windowAt on
+    std::vector<char> m_window; // m_windowFill bytes of the file, starting at offset m_windowAt
     qint64 m_windowAt = 0;
     qint64 m_windowFill = 0;
 };

@@ -1,11 +1,20 @@
-// Header of dBase III and later, FoxPro and Visual FoxPro; numbers are little-endian:
+// The header of a table (public sources: the dBase file descriptions of the vendors' manuals).
+// Numbers are little-endian.
 //
-//   0 version   1 date   4 u32 records   8 u16 header length   10 u16 record length   ... 32 in all
-//   (level 7: 68 in all, with the name of the language driver)
+// dBase III and later, FoxPro and Visual FoxPro:
+//   offset  bytes  content
+//        0      1  version
+//        1      3  date of the last change
+//        4      4  number of records
+//        8      2  header length
+//       10      2  record length
+//       12         reserved; up to byte 32, in level 7 up to byte 68 with the language driver's
+//       name
 //
-// Descriptors, up to one that starts with 0D:
-//   32 bytes:           0 name (11)   11 type   12 -   16 length   17 decimals
-//   48 bytes, level 7:  0 name (32)   32 type   33 length   34 decimals
+// Then descriptors, one per field, ended by a byte 0D:
+//   layout   bytes  name      type  length  decimals
+//   usual       32  0 (11)      11      16        17
+//   level 7     48  0 (32)      32      33        34
 //
 // dBase II (version 02):
 //   0 version   1 u16 records   3 date   6 u16 record length; 32 descriptors or a 0D behind the
@@ -28,10 +37,10 @@ constexpr char kTerminator = 0x0D;
 constexpr uchar kMemoBit = 0x80;
 constexpr uchar kDbase2 = 0x02;
 
-/// Where the descriptors start, and where a descriptor keeps what.
+/// Offsets of one layout. nameBytes and the *At members are offsets in a descriptor.
 struct Layout
 {
-    int fixedBytes; // in front of the descriptors
+    int fixedBytes; // before the descriptors
     int bytes;
     int nameBytes;
     int typeAt;
@@ -48,7 +57,8 @@ bool isFoxProVersion(uchar version)
     return std::find(std::begin(kVersions), std::end(kVersions), version) != std::end(kVersions);
 }
 
-/// What becomes of a type; `isSkipped` and `isRefused` stand for the types without a column.
+/// How fields of a type are converted. A skipped field has no column; a refused field makes the
+/// table unreadable.
 struct TypeRule
 {
     CellType cell = CellType::Text;
@@ -91,7 +101,7 @@ TypeRule ruleOf(char type, bool isFoxPro)
     }
 }
 
-/// Place the fields one after the other; the bytes of a record, deletion flag included.
+/// Compute the offsets of the fields. Returns the record length, with the deletion flag.
 int placeFields(std::vector<Field> &fields)
 {
     int offset = 1;
@@ -102,14 +112,14 @@ int placeFields(std::vector<Field> &fields)
     return offset;
 }
 
-/// What the descriptors say in one layout.
+/// The descriptors of a header, read in one layout.
 struct DescriptorList
 {
-    std::vector<Field> fields; ///< in file order, skipped ones too
-    int recordBytes = 0;       ///< that the fields make up
+    std::vector<Field> fields; ///< In file order, with skipped fields.
+    int recordBytes = 0;       ///< Total length of the fields and the deletion flag.
 };
 
-/// All lengths are taken for single bytes.
+/// Read the descriptors. Treats every length as a single byte.
 DescriptorList readDescriptors(QByteArrayView header, const Layout &layout)
 {
     DescriptorList descriptors;
@@ -129,8 +139,9 @@ DescriptorList readDescriptors(QByteArrayView header, const Layout &layout)
     return descriptors;
 }
 
-/// Clipper and FoxPro keep the high byte of a long text's length in the place of the decimals.
-/// Others leave garbage there, so that this counts only where the record's length asks for it.
+/// The descriptors with long texts. Clipper and FoxPro store the high byte of a text's length in
+/// the decimals byte. Other programs leave garbage there, so use this only if it matches the record
+/// length.
 DescriptorList withLongTexts(DescriptorList descriptors, QByteArrayView header,
                              const Layout &layout)
 {
@@ -145,7 +156,7 @@ DescriptorList withLongTexts(DescriptorList descriptors, QByteArrayView header,
     return descriptors;
 }
 
-/// The descriptors in the way that makes up the record's length, if there is one.
+/// The descriptors in the form that matches the record length, or else in the usual form.
 DescriptorList chooseDescriptors(QByteArrayView header, const Layout &layout, int recordBytes)
 {
     DescriptorList descriptors = readDescriptors(header, layout);
@@ -163,7 +174,7 @@ Fault<Error> badHeader(const QString &why, qint64 offset)
     return {Error::BadHeader, why, offset};
 }
 
-/// Take over the fields that become columns.
+/// Add the fields that become columns to the header.
 Result<void, Error> chooseColumns(const std::vector<Field> &fields, TableHeader *header)
 {
     for (Field field : fields) {
@@ -181,8 +192,8 @@ Result<void, Error> chooseColumns(const std::vector<Field> &fields, TableHeader 
     return {};
 }
 
-/// A table of version 02 may have the layout of dBase II or the later one. It is dBase II when its
-/// descriptors, read that way, make up its record length.
+/// Parse the header of dBase II. A table of version 02 may have that layout or the later one. It is
+/// dBase II if its descriptors match its record length; otherwise returns nothing.
 std::optional<TableHeader> parseDbase2(QByteArrayView bytes)
 {
     if (bytes.size() < kDbase2HeaderBytes) {
@@ -203,8 +214,8 @@ std::optional<TableHeader> parseDbase2(QByteArrayView bytes)
     return header;
 }
 
-/// The layout that is asked for, but the other one when only that makes up the record's length: who
-/// reads a table need not know which program wrote it.
+/// Parse the descriptors in the layout of `header`, or in the other one if only that matches the
+/// record length. The user need not know which program wrote the table.
 Result<TableHeader, Error> parse(QByteArrayView bytes, TableHeader header)
 {
     const auto fits = [&](const DescriptorList &descriptors) {
@@ -236,7 +247,7 @@ Result<TableHeader, Error> parse(QByteArrayView bytes, TableHeader header)
     return header;
 }
 
-/// Read on until `bytes` has `n` bytes, as far as the file goes.
+/// Read until `bytes` has `n` bytes or the file ends.
 Result<void, Error> extend(ByteSource &source, QByteArray *bytes, qsizetype n)
 {
     const qsizetype have = bytes->size();
@@ -270,6 +281,46 @@ bool TableHeader::announcesMemoFile() const
     return (version & kMemoBit) != 0 || isFoxPro;
 }
 
+namespace {
+
+/// Parse the fixed part of a header, kUsual.fixedBytes bytes.
+TableHeader parseFixedPart(const char *bytes, bool isLevel7)
+{
+    TableHeader header;
+    header.version = static_cast<uchar>(bytes[0]);
+    header.isFoxPro = isFoxProVersion(header.version);
+    header.isLevel7 = isLevel7;
+    header.recordCount = loadLE<quint32>(bytes + 4);
+    header.headerBytes = loadLE<quint16>(bytes + 8);
+    header.recordBytes = loadLE<quint16>(bytes + 10);
+    return header;
+}
+
+/// Read a header in the layouts after dBase II. `bytes` has the bytes read so far.
+Result<TableHeader, Error> readLaterHeader(ByteSource &source, QByteArray bytes, bool isLevel7)
+{
+    if (bytes.size() < kUsual.fixedBytes) {
+        return shortHeader(bytes.size());
+    }
+    const TableHeader header = parseFixedPart(bytes.constData(), isLevel7);
+    if (header.headerBytes < kUsual.fixedBytes || header.recordBytes == 0) {
+        return badHeader(QStringLiteral("its header or record length is not possible"), 8);
+    }
+    if (auto read = extend(source, &bytes, header.headerBytes); !read) {
+        return read.fault();
+    }
+    if (bytes.size() < header.headerBytes) {
+        return shortHeader(bytes.size());
+    }
+    // The check for dBase II may have read more than the header.
+    if (bytes.size() > header.headerBytes && !source.seek(header.headerBytes)) {
+        return Fault<Error>{Error::Unreadable, {}, header.headerBytes};
+    }
+    return parse(QByteArrayView(bytes).first(header.headerBytes), header);
+}
+
+} // namespace
+
 Result<TableHeader, Error> readTableHeader(ByteSource &source, bool isLevel7)
 {
     QByteArray bytes;
@@ -284,30 +335,7 @@ Result<TableHeader, Error> readTableHeader(ByteSource &source, bool isLevel7)
     if (!read) {
         return read.fault();
     }
-    if (bytes.size() < kUsual.fixedBytes) {
-        return shortHeader(bytes.size());
-    }
-    TableHeader header;
-    header.version = static_cast<uchar>(bytes[0]);
-    header.isFoxPro = isFoxProVersion(header.version);
-    header.isLevel7 = isLevel7;
-    header.recordCount = loadLE<quint32>(bytes.constData() + 4);
-    header.headerBytes = loadLE<quint16>(bytes.constData() + 8);
-    header.recordBytes = loadLE<quint16>(bytes.constData() + 10);
-    if (header.headerBytes < kUsual.fixedBytes || header.recordBytes == 0) {
-        return badHeader(QStringLiteral("its header or record length is not possible"), 8);
-    }
-    read = extend(source, &bytes, header.headerBytes);
-    if (!read) {
-        return read.fault();
-    }
-    if (bytes.size() < header.headerBytes) {
-        return shortHeader(bytes.size());
-    }
-    if (bytes.size() > header.headerBytes && !source.seek(header.headerBytes)) {
-        return Fault<Error>{Error::Unreadable, {}, header.headerBytes};
-    }
-    return parse(QByteArrayView(bytes).first(header.headerBytes), header);
+    return readLaterHeader(source, std::move(bytes), isLevel7);
 }
 
 } // namespace corvanta::dbf

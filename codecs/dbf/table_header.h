@@ -1,7 +1,7 @@
-// codecs/dbf/table_header.h
-// The header of a dBase-family table: what its records look like. Layout: docs/formats/dbf.md.
+// Reads the header of a dBase-family table, which describes its records. Layout:
+// docs/formats/dbf.md.
 //
-// Threads: one at a time.
+// Threads: plain data and pure functions.
 #pragma once
 #include "base/byte_source.h"
 #include "base/cell.h"
@@ -14,59 +14,60 @@
 namespace corvanta::dbf {
 
 enum class Error : quint8 {
-    ShortHeader = 1,  ///< the file ends within the header
-    BadHeader,        ///< lengths in the header contradict each other
-    UnsupportedField, ///< a field of a type that refuses the file
-    ShortTable,       ///< the file ends before the last record (offset = where the record starts)
-    Unreadable,       ///< the source failed
-    MemoUnreadable,   ///< the memo file's source failed
-    MemoTooLarge,     ///< the memo file does not fit into memory
+    ShortHeader = 1,  ///< The file ends inside the header.
+    BadHeader,        ///< The lengths in the header contradict each other.
+    UnsupportedField, ///< A field has a type that cannot be read.
+    ShortTable,       ///< The file ends before the last record. The offset is its start.
+    Unreadable,       ///< The source failed.
+    MemoUnreadable,   ///< The source of the memo file failed.
+    MemoTooLarge,     ///< The memo file does not fit into memory.
 };
 
 using CellType = cell::Type;
 
-/// How a field's bytes become a cell.
+/// The conversion from a field's bytes to a cell.
 enum class Conversion : quint8 {
-    Text,      ///< characters; blanks at the end are padding
-    Digits,    ///< characters of a number or date; blanks on both sides are padding
-    Memo,      ///< number of a memo block, as digits or binary
-    Logical,   ///< one letter
-    Integer,   ///< 32 bits, to a double
-    Key,       ///< 32 bits, to a key
-    Double,    ///< 64 bits
-    Timestamp, ///< Julian day and milliseconds, 32 bits each
+    Text,      ///< Characters, padded with trailing spaces.
+    Digits,    ///< Characters of a number or date, padded with spaces on both sides.
+    Memo,      ///< Number of a memo block, as digits or as 4 bytes.
+    Logical,   ///< One letter, to a key.
+    Integer,   ///< 32 bits, to a double.
+    Key,       ///< 32 bits, to a key.
+    Double,    ///< 64 bits.
+    Timestamp, ///< Julian day and milliseconds, 32 bits each, to a text.
 };
 
 struct Field
 {
-    QByteArray name; ///< as stored, up to the first NUL
-    char type = 0;
-    int length = 0;
-    int offset = 0; ///< in the record; the deletion flag is byte 0
+    QByteArray name; ///< As stored, up to the first NUL.
+    char type = 0;   ///< The type letter.
+    int length = 0;  ///< In bytes.
+    int offset = 0;  ///< In the record. Byte 0 of the record is the deletion flag.
     CellType cell = CellType::Text;
     Conversion conversion = Conversion::Text;
 };
 
+/// The content of a header. The lengths are checked; the record count may be wrong.
 struct TableHeader
 {
-    uchar version = 0;
-    bool isFoxPro = false;
-    bool isLevel7 = false;
-    quint32 recordCount = 0;
-    int headerBytes = 0; ///< offset of the first record
-    int recordBytes = 0;
-    std::vector<Field> fields; ///< those that become columns, in file order
+    uchar version = 0;         ///< Byte 0 of the file.
+    bool isFoxPro = false;     ///< Whether the version is one of FoxPro's.
+    bool isLevel7 = false;     ///< Whether the layout is that of dBase 7.
+    quint32 recordCount = 0;   ///< Number of records, deleted ones included.
+    int headerBytes = 0;       ///< Offset of the first record.
+    int recordBytes = 0;       ///< With the deletion flag.
+    std::vector<Field> fields; ///< The fields that become columns, in file order.
 
     bool hasMemoFields() const;
-    /// Whether the header says that there is a memo file.
+    /// Whether the header announces a memo file.
     bool announcesMemoFile() const;
 };
 
-/// Read the header from the source's start; afterwards the source stands at the first record.
-/// `isLevel7`: take the longer header and descriptors of dBase 7. When the descriptors do not make
-/// up the record's length that way, but do the other way, the other way is taken.
-/// Errors: ShortHeader, BadHeader, UnsupportedField (detail: the type letter and the field's name),
-/// Unreadable.
+/// Read the header. The source is at its start; afterwards it is at the first record. `isLevel7`
+/// selects the longer header and descriptors of dBase 7. If the descriptors match the record length
+/// only in the other layout, that one is used.
+/// Errors: ShortHeader, BadHeader, UnsupportedField (the detail is the type letter and the field's
+/// name), Unreadable.
 Result<TableHeader, Error> readTableHeader(ByteSource &source, bool isLevel7);
 
 } // namespace corvanta::dbf

@@ -1,13 +1,14 @@
-// Records: a deletion flag ('*': deleted) and the fields, all of fixed length. An end mark, 1A,
-// stands behind the last record.
+// A record is 1 byte deletion flag ('*': deleted) and the fields, all of fixed length. The byte 1A
+// follows the last record. Text fields are characters; binary fields are:
 //
-// Binary fields: I and + 32-bit little-endian; B, O and 0 double, little-endian; T and @ Julian day
-// and milliseconds since midnight, 32-bit little-endian.
-//
-// dBase 7 itself writes them big-endian, so that they sort as bytes; all zeros is an empty field:
-//   I +   the top bit inverted
-//   O     a double, the top bit inverted when it is positive, all bits inverted when it is negative
-//   @     a double, milliseconds since the day before 0001-01-01
+//   type   bytes  little-endian form          form of dBase 7: big-endian, sorts as bytes; all
+//                                             zeros is an empty field
+//   I +        4  integer                     integer with the top bit inverted
+//   B O 0      8  double                      double; positive: top bit inverted, negative: all
+//                                             bits inverted
+//   T @        8  u32 Julian day, u32         double: milliseconds since the day before
+//                 milliseconds since midnight 0001-01-01
+//   M          4  number of a memo block      (never)
 #include "codecs/dbf/table_reader.h"
 
 #include "base/bytes.h"
@@ -26,16 +27,22 @@ constexpr char kDeleted = '*';
 constexpr char kNotDeleted = ' ';
 constexpr char kEndMark = 0x1A;
 constexpr quint32 kSignBit = 0x80000000U;
-/// Records that tell the form of a dBase 7 table's numbers: always as many, whatever the buffer's
-/// size.
+/// Number of records that determine the form of the numbers in a dBase 7 table. Independent of the
+/// size of the buffer, so that the result is too.
 constexpr qint64 kVotingRecords = 64;
+
+// Julian days of the years 1 to 9999.
+constexpr quint32 kFirstDay = 1721426; // 0001-01-01
+constexpr quint32 kLastDay = 5373484;  // 9999-12-31
+constexpr quint32 kDayMs = 24 * 60 * 60 * 1000;
 
 bool isPadding(char c)
 {
     return c == ' ' || c == '\0';
 }
 
-/// Length without the padding at the end, 16 bytes at a time: most of a table is padding.
+/// Length without trailing padding. Compares 16 bytes at a time, because most of a table is
+/// padding.
 int lengthWithoutPadding(const char *bytes, int n)
 {
     const __m128i blanks = _mm_set1_epi8(' ');
@@ -70,14 +77,15 @@ bool isZero(const char *bytes, int n)
     return std::all_of(bytes, bytes + n, [](char c) { return c == '\0'; });
 }
 
-/// What the bytes of one number speak for.
+/// Number of fields whose bytes indicate each form.
 struct Votes
 {
-    int sorting = 0; ///< dBase 7's own form
-    int plain = 0;   ///< little-endian
+    int sorting = 0; ///< The big-endian form of dBase 7.
+    int plain = 0;   ///< The little-endian form.
 };
 
-/// Numbers are mostly small and times not far away; the first and the last byte tell then.
+/// The votes of one field. Most numbers are small and most times recent, so that the first and the
+/// last byte show the byte order.
 Votes votesOf(Conversion conversion, const char *bytes, int length)
 {
     const auto byte = [bytes](int at) { return static_cast<uchar>(bytes[at]); };
@@ -138,7 +146,7 @@ TableReader::TableReader(ByteSource &source, const TextDecoder &decoder, TableHe
     , m_decoder(decoder)
     , m_header(std::move(header))
 {
-    // Not more than there is, whatever the header and the parameter say.
+    // Allocate no more than the table needs, whatever the header and the parameter claim.
     qint64 useful = static_cast<qint64>(m_header.recordCount) * m_header.recordBytes + 1;
     if (m_source.size() >= 0) {
         useful = std::min(useful, m_source.size());
@@ -167,7 +175,7 @@ TableReader::open(ByteSource &source, const TextDecoder &decoder, bool isLevel7,
     return reader;
 }
 
-/// Read until a record is in the buffer or the file ends; the unread bytes there.
+/// Read until a record is in the buffer or the file ends. Returns the number of unread bytes.
 Result<qint64, Error> TableReader::fill()
 {
     const auto recordBytes = static_cast<size_t>(m_header.recordBytes);
@@ -186,7 +194,7 @@ Result<qint64, Error> TableReader::fill()
     return static_cast<qint64>(m_end);
 }
 
-/// Tell by the first records which form the binary numbers of a dBase 7 table have.
+/// Determine the form of the binary numbers of a dBase 7 table from its first records.
 void TableReader::chooseNumberForm()
 {
     Votes votes;
@@ -233,6 +241,7 @@ Result<TableReader::Item, Error> TableReader::next()
     return *m_record == kDeleted ? Item::DeletedRecord : Item::Record;
 }
 
+/// Look for a record after the last one that the header counts.
 void TableReader::endOfCount()
 {
     const bool isRecord = m_end - m_at >= static_cast<size_t>(m_header.recordBytes);
@@ -301,31 +310,30 @@ double TableReader::doubleOf(const Field &field) const
     return std::bit_cast<double>((stored & kTopBit) != 0 ? stored ^ kTopBit : ~stored);
 }
 
-/// "yyyyMMdd hh:mm:ss" into `out`; empty when the field holds no point in time.
+/// The Julian day and the millisecond of a stored time, unchecked.
+TableReader::Moment TableReader::momentOf(const char *bytes) const
+{
+    if (!m_hasSortingNumbers) {
+        return {loadLE<quint32>(bytes), loadLE<quint32>(bytes + 4)};
+    }
+    constexpr double kEndMs = double(kDayMs) * (kLastDay - kFirstDay + 2);
+    const auto stored = std::bit_cast<double>(loadBE<quint64>(bytes));
+    const quint64 whole = stored >= kDayMs && stored < kEndMs ? static_cast<quint64>(stored) : 0;
+    return {kFirstDay - 1 + static_cast<quint32>(whole / kDayMs),
+            static_cast<quint32>(whole % kDayMs)};
+}
+
+/// Print "yyyyMMdd hh:mm:ss" to `out`. Returns an empty view if the field holds no valid time.
 QByteArrayView TableReader::putTimestamp(const Field &field, std::array<char, 17> *out) const
 {
-    constexpr quint32 kFirstDay = 1721426; // 0001-01-01
-    constexpr quint32 kLastDay = 5373484;  // 9999-12-31
-    constexpr quint32 kDayMs = 24 * 60 * 60 * 1000;
-    constexpr double kLastMs = double(kDayMs) * (kLastDay - kFirstDay + 2);
     if (field.length < 8) {
         return {};
     }
-    const char *const bytes = bytesOf(field);
-    quint32 julianDay = loadLE<quint32>(bytes);
-    quint32 ms = loadLE<quint32>(bytes + 4);
-    if (m_hasSortingNumbers) {
-        const auto stored = std::bit_cast<double>(loadBE<quint64>(bytes));
-        const quint64 whole =
-            stored >= kDayMs && stored < kLastMs ? static_cast<quint64>(stored) : 0;
-        julianDay = kFirstDay - 1 + static_cast<quint32>(whole / kDayMs);
-        ms = static_cast<quint32>(whole % kDayMs);
-    }
+    auto [julianDay, ms] = momentOf(bytesOf(field));
     if (julianDay < kFirstDay || julianDay > kLastDay || ms >= kDayMs) {
         return {};
     }
-    // FoxPro computes with fractions of a day, so that whole seconds are often one millisecond
-    // short.
+    // FoxPro computes with fractions of a day and often stores a full second one millisecond short.
     ms = std::min(ms + 1, kDayMs - 1);
     const Date date = dateOfJulianDay(static_cast<int>(julianDay));
     const int seconds = static_cast<int>(ms / 1000);
@@ -342,25 +350,30 @@ QByteArrayView TableReader::putTimestamp(const Field &field, std::array<char, 17
     return {out->data(), static_cast<qsizetype>(out->size())};
 }
 
-/// The text of a memo field; empty when there is none, or after a fault.
-QByteArrayView TableReader::memoText(const Field &field)
+/// The block number of a memo field; 0 if it is empty. Counts invalid numbers.
+quint32 TableReader::memoBlock(const Field &field)
 {
     constexpr int kBinaryBytes = 4;
-    quint64 block = 0;
     if (field.length == kBinaryBytes) {
-        block = loadLE<quint32>(bytesOf(field));
-    } else {
-        const QByteArrayView digits = trimmedDigits(bytesOf(field), field.length);
-        const std::string_view text(digits.data(), static_cast<size_t>(digits.size()));
-        if (!text.empty() && !parseUInt(text, 0xFFFFFFFFU, &block)) {
-            ++m_findings.unreadableMemos;
-            return {};
-        }
+        return loadLE<quint32>(bytesOf(field));
     }
+    const QByteArrayView digits = trimmedDigits(bytesOf(field), field.length);
+    const std::string_view text(digits.data(), static_cast<size_t>(digits.size()));
+    quint64 block = 0;
+    if (!text.empty() && !parseUInt(text, 0xFFFFFFFFU, &block)) {
+        ++m_findings.unreadableMemos;
+    }
+    return static_cast<quint32>(block);
+}
+
+/// The text of a memo field. Empty if there is none, or after a fault.
+QByteArrayView TableReader::memoText(const Field &field)
+{
+    const quint32 block = memoBlock(field);
     if (block == 0 || m_memo == nullptr) {
         return {};
     }
-    auto text = m_memo->text(static_cast<quint32>(block));
+    auto text = m_memo->text(block);
     if (!text) {
         m_fault = text.fault();
         return {};

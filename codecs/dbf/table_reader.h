@@ -1,7 +1,7 @@
-// codecs/dbf/table_reader.h
-// Decode the records of one dBase-family table into cells.
+// Decodes the records of a dBase-family table into cells.
 //
-// Bytes in, cells out: knows neither pins nor log. Threads: one at a time; objects share nothing.
+// Converts bytes to cells; does not use pins or the log. Layout: docs/formats/dbf.md.
+// Threads: one thread at a time per object; separate objects are independent.
 #pragma once
 #include "base/cell.h"
 #include "codecs/dbf/memo_file.h"
@@ -14,40 +14,48 @@
 
 namespace corvanta::dbf {
 
-/// What a table turned out to hold, for warnings; complete at its end.
+/// Facts about a table for warnings. Complete after next() has returned Item::End.
 struct Findings
 {
-    quint64 records = 0; ///< records seen, deleted ones too
-    quint64 unreadableMemos = 0;
-    bool endsBeforeCount =
-        false; ///< an end mark stands before the header's record count is reached
-    bool hasRecordsAfterCount = false; ///< more records follow than the header counts
+    quint64 records = 0;         ///< Records read, with deleted ones.
+    quint64 unreadableMemos = 0; ///< Memo fields that refer to no valid text.
+    /// The end mark comes before the number of records in the header is reached.
+    bool endsBeforeCount = false;
+    /// More records follow than the number of records in the header.
+    bool hasRecordsAfterCount = false;
 };
 
 class TableReader
 {
 public:
-    /// Read the header. `source` and `decoder` must outlive the reader. Records are read in pieces
-    /// of about `bufferBytes`. Errors: those of readTableHeader().
+    /// Read the header of the table that starts at the source's start. `source` and `decoder` must
+    /// outlive the reader. Reads records in pieces of about `bufferBytes` bytes. `isLevel7`: see
+    /// readTableHeader(). Errors: those of readTableHeader().
     static Result<std::unique_ptr<TableReader>, Error>
     open(ByteSource &source, const TextDecoder &decoder, bool isLevel7, qint64 bufferBytes);
 
     const TableHeader &header() const { return m_header; }
+    /// The fields that become columns, in file order.
     const std::vector<Field> &columns() const { return m_header.fields; }
     QString columnName(size_t column) const { return m_decoder.decode(columns()[column].name); }
 
-    /// Where memo fields find their texts; without one they are missing. Must outlive the reader.
+    /// Set the file with the texts of memo fields. It must outlive the reader. Without it, all memo
+    /// fields are missing.
     void setMemoFile(MemoFile *memo) { m_memo = memo; }
 
     enum class Item : quint8 { Record, DeletedRecord, End };
-    /// Go to the next record: one at a time, so that the caller can stop between two deleted ones.
+    /// Move to the next record, which may be a deleted one: the caller can stop after each.
     /// Errors: ShortTable, Unreadable.
     Result<Item, Error> next();
 
-    /// The cell of a column of the current record, made in `arena`: a type with alloc(int), whose
-    /// room suits the units of a text cell (see base/cell.h). Null after a fault of the memo file,
-    /// which fault() tells.
+    /// The cell of a column (0-based) of the current record. `Arena` has a function alloc(int) that
+    /// returns memory with the alignment of a text cell (see base/cell.h). The cell is valid as
+    /// long as that memory.
+    ///
+    /// Returns null if the memo file failed; fault() then has the reason. A pointer and not a
+    /// Result because it runs once per cell. Errors: MemoUnreadable, MemoTooLarge.
     template <class Arena> const uchar *cell(size_t column, Arena &arena);
+    /// Why cell() returned null. Call it only after that.
     const Fault<Error> &fault() const { return *m_fault; }
 
     const Findings &findings() const { return m_findings; }
@@ -65,7 +73,14 @@ private:
     static quint32 logicalKey(const char *bytes, int n);
     std::optional<quint32> integerOf(const Field &field) const;
     double doubleOf(const Field &field) const;
+    struct Moment
+    {
+        quint32 julianDay;
+        quint32 ms; // since midnight
+    };
+    Moment momentOf(const char *bytes) const;
     QByteArrayView putTimestamp(const Field &field, std::array<char, 17> *out) const;
+    quint32 memoBlock(const Field &field);
     QByteArrayView memoText(const Field &field);
 
     template <class Arena> const uchar *textCell(QByteArrayView bytes, Arena &arena);
@@ -82,12 +97,12 @@ private:
     MemoFile *m_memo = nullptr;
     std::optional<Fault<Error>> m_fault;
     Findings m_findings;
-    bool m_hasSortingNumbers = false; // dBase 7's own form of binary numbers
+    bool m_hasSortingNumbers = false; // binary numbers have the big-endian form of dBase 7
     std::vector<char> m_buffer;
     size_t m_at = 0;
     size_t m_end = 0;
     const char *m_record = nullptr; // in m_buffer
-    std::vector<char16_t> m_units;  // scratch for encodings of changing width
+    std::vector<char16_t> m_units;  // scratch for multi-byte encodings
 };
 
 template <class Arena> const uchar *TableReader::textCell(QByteArrayView bytes, Arena &arena)
@@ -96,6 +111,7 @@ template <class Arena> const uchar *TableReader::textCell(QByteArrayView bytes, 
         return cell::missingTextCell();
     }
     qsizetype units = bytes.size();
+    // In a single-byte encoding the length is known, and the text is decoded into its cell.
     if (!m_decoder.isByteForUnit()) {
         m_units.resize(static_cast<size_t>(bytes.size()) * 2);
         units = m_decoder.decode(bytes.data(), bytes.size(), m_units.data());

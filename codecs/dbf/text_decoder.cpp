@@ -1,3 +1,5 @@
+// Encodings of three kinds: single-byte encodings become a table of 256 units, UTF-8 is converted
+// by base/utf.h, and multi-byte encodings go through iconv.
 #include "codecs/dbf/text_decoder.h"
 
 #include "base/utf.h"
@@ -12,7 +14,7 @@ namespace {
 
 constexpr size_t kFailed = static_cast<size_t>(-1);
 
-/// 0x80 to 0x9F of Windows code page 1252.
+/// The bytes 0x80 to 0x9F of Windows code page 1252. All others are equal to Latin-1.
 constexpr std::array<char16_t, 32> kWindows1252 = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
@@ -20,6 +22,7 @@ constexpr std::array<char16_t, 32> kWindows1252 = {
 
 } // namespace
 
+/// Owns an iconv handle that converts to UTF-16.
 struct TextDecoder::Converter
 {
     explicit Converter(const QByteArray &encoding)
@@ -37,7 +40,8 @@ struct TextDecoder::Converter
     Converter &operator=(const Converter &) = delete;
     bool isOpen() const { return handle != reinterpret_cast<iconv_t>(-1); }
 
-    /// Convert as much as is well-formed; takes from `in`, adds to `out`. 0 or the reason to stop.
+    /// Convert until the input ends or is invalid. Advances `in` and `out`. Returns 0, or the errno
+    /// value with the reason to stop: EILSEQ, EINVAL (input ends inside a character) or E2BIG.
     int run(const char **in, size_t *inLeft, char16_t **out, size_t outBytes) const
     {
         char *source = const_cast<char *>(*in); // iconv does not write there
@@ -96,7 +100,8 @@ TextDecoder TextDecoder::named(const QString &encoding)
     return decoder;
 }
 
-/// Convert every byte on its own; false when some need another byte to go with them.
+/// Convert every byte separately. Returns false if some bytes need another one, that is, if the
+/// encoding is a multi-byte encoding.
 bool TextDecoder::fillTable(const Converter &converter)
 {
     for (size_t i = 0; i < m_table.size(); ++i) {
@@ -121,12 +126,18 @@ qsizetype TextDecoder::decode(const char *in, qsizetype n, char16_t *out) const
     if (m_kind == Kind::Utf8) {
         return utf8ToUtf16(in, n, out);
     }
-    if (m_kind == Kind::Table) {
-        for (qsizetype i = m_isAsciiBased ? asciiToUtf16(in, n, out) : 0; i < n; ++i) {
-            out[i] = m_table[static_cast<uchar>(in[i])];
-        }
-        return n;
+    if (m_kind == Kind::MultiByte) {
+        return decodeMultiByte(in, n, out);
     }
+    // The conversion of ASCII is vectorized. Look up only the rest in the table.
+    for (qsizetype i = m_isAsciiBased ? asciiToUtf16(in, n, out) : 0; i < n; ++i) {
+        out[i] = m_table[static_cast<uchar>(in[i])];
+    }
+    return n;
+}
+
+qsizetype TextDecoder::decodeMultiByte(const char *in, qsizetype n, char16_t *out) const
+{
     char16_t *at = out;
     auto left = static_cast<size_t>(n);
     while (left > 0) {
@@ -135,7 +146,7 @@ qsizetype TextDecoder::decode(const char *in, qsizetype n, char16_t *out) const
         if (error == E2BIG || at == out + 2 * n) {
             break;
         }
-        if (error != 0) { // one byte that is no text, or the end comes too early
+        if (error != 0) { // an invalid byte, or the text ends inside a character
             *at++ = kReplacementCharacter;
             ++in;
             --left;

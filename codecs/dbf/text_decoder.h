@@ -1,5 +1,4 @@
-// codecs/dbf/text_decoder.h
-// Characters of a table in their encoding to UTF-16, without a QString for each.
+// Decodes the texts of a table to UTF-16, without creating a QString for each.
 #pragma once
 #include <QString>
 
@@ -8,17 +7,17 @@
 
 namespace corvanta::dbf {
 
-/// Threads: one at a time.
+/// Threads: one thread at a time per object; separate objects are independent.
 class TextDecoder
 {
 public:
-    /// Windows code page 1252; bytes without a character become the control character of that
+    /// Windows code page 1252. Bytes without a character become the control character with the same
     /// number.
     static TextDecoder windows1252();
-    /// Each byte becomes the unit of its number.
+    /// Each byte becomes the unit with the same number.
     static TextDecoder unconverted();
     static TextDecoder utf8();
-    /// An encoding by the name that iconv knows; windows1252() when it knows none such.
+    /// The encoding with this iconv name; windows1252() if iconv does not know it.
     static TextDecoder named(const QString &encoding);
 
     TextDecoder(TextDecoder &&) noexcept;
@@ -28,9 +27,10 @@ public:
     /// Whether every byte gives exactly one unit.
     bool isByteForUnit() const { return m_kind == Kind::Table; }
 
-    /// Convert `n` bytes into `out`, which has room for 2 * n units; returns the units written.
-    /// What is no text in the encoding becomes U+FFFD.
+    /// Convert `n` bytes to `out`, which has room for 2 * n units. Returns the number of units.
+    /// Invalid bytes become U+FFFD.
     qsizetype decode(const char *in, qsizetype n, char16_t *out) const;
+    /// The same as a QString.
     QString decode(const QByteArray &bytes) const;
 
 private:
@@ -39,9 +39,10 @@ private:
 
     explicit TextDecoder(Kind kind);
     bool fillTable(const Converter &converter);
+    qsizetype decodeMultiByte(const char *in, qsizetype n, char16_t *out) const;
 
     Kind m_kind;
-    bool m_isAsciiBased = true; // the first 128 entries of m_table are those of ASCII
+    bool m_isAsciiBased = true; // the first 128 entries of m_table are ASCII
     std::array<char16_t, 256> m_table{};
     std::unique_ptr<Converter> m_converter; // MultiByte only
 };

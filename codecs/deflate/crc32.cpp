@@ -1,3 +1,5 @@
+// CRC-32 with the polynomial EDB88320 (reflected), initial value and final XOR of all ones, as in
+// RFC 1952, section 8. zlib and ISA-L compute the same function.
 #include "codecs/deflate/crc32.h"
 
 #include <zlib.h>

@@ -1,5 +1,4 @@
-// codecs/deflate/crc32.h
-// The checksum of zip and gzip (RFC 1952, section 8).
+// The CRC-32 checksum of zip and gzip (RFC 1952, section 8).
 #pragma once
 #include <QtGlobal>
 
@@ -7,10 +6,11 @@
 
 namespace corvanta::deflate {
 
-/// Carry `crc` (0 at the start) on over `bytes`.
+/// Continue the checksum `crc` over `bytes`. Start with 0. Uses ISA-L if the build has it, else
+/// zlib; the result is the same.
 quint32 crc32(quint32 crc, std::span<const char> bytes);
 
-/// The checksum of two runs of bytes joined, of which the second has `secondBytes` bytes.
+/// The checksum of two byte sequences in a row, from their checksums and the length of the second.
 quint32 crc32Join(quint32 first, quint32 second, qint64 secondBytes);
 
 } // namespace corvanta::deflate

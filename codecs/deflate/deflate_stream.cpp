@@ -1,3 +1,9 @@
+// One raw deflate stream (RFC 1951) consists of blocks of 1 MiB of content:
+//
+//   block 1 | sync flush | block 2 | sync flush | ... | last block, marked as final
+//
+// A sync flush is an empty stored block, which ends at a byte boundary. Each block is compressed
+// with the 32 KiB of content before it as dictionary.
 #include "codecs/deflate/deflate_stream.h"
 
 #include "codecs/deflate/crc32.h"
@@ -20,8 +26,8 @@ size_t workerLimit(int wanted)
 
 } // namespace
 
-// Memory: the dictionary, the block's bytes, and room beyond them, so that what the caller was
-// given room for need not fit the block: the excess moves on into the next one.
+// The memory holds the dictionary, the content of the block, and the room after it. Content in that
+// room is moved to the next block, so that a request for room never has to split.
 struct DeflateStream::Block
 {
     char *data() { return memory.get() + kWindowBytes; }
@@ -88,7 +94,7 @@ void DeflateStream::begin()
 Result<std::span<char>, Error> DeflateStream::room([[maybe_unused]] size_t n)
 {
     assert(m_current && n <= kMaxRoomBytes);
-    // A block that is just full stays: whether it is the last one is not known yet.
+    // Keep a block that is exactly full: it may be the last one.
     if (m_current->used > kBlockBytes) {
         if (auto done = cut(); !done) {
             return done.fault();
@@ -108,7 +114,7 @@ Result<void, Error> DeflateStream::write(std::span<const char> bytes)
 {
     assert(m_current);
     while (m_writeDone < bytes.size()) {
-        if (m_current->used >= kBlockBytes) { // more bytes are there, so this is not the last block
+        if (m_current->used >= kBlockBytes) { // more bytes follow, so this is not the last block
             if (auto done = cut(); !done) {
                 return done.fault();
             }
@@ -122,7 +128,7 @@ Result<void, Error> DeflateStream::write(std::span<const char> bytes)
     return {};
 }
 
-// The current block's first kBlockBytes go to the workers, the rest starts the next block.
+// Submit the first kBlockBytes bytes of the current block. The rest starts the next block.
 Result<void, Error> DeflateStream::cut()
 {
     Lock lock(m_mutex);
@@ -132,7 +138,7 @@ Result<void, Error> DeflateStream::cut()
     }
     Block *full = m_current;
     m_current = *next;
-    m_current->dictionaryBytes = kWindowBytes;
+    m_current->dictionaryBytes = kWindowBytes; // a full block is larger than the window
     m_current->used = full->used - kBlockBytes;
     std::memcpy(m_current->data() - kWindowBytes, full->data() + kBlockBytes - kWindowBytes,
                 kWindowBytes);
@@ -143,6 +149,7 @@ Result<void, Error> DeflateStream::cut()
     return {};
 }
 
+// A free block. Compresses, or waits for the workers, until there is one.
 Result<DeflateStream::Block *, Error> DeflateStream::acquire(Lock &lock)
 {
     const size_t maxBlocks = 2 * m_workerLimit + 2;
@@ -162,7 +169,7 @@ Result<DeflateStream::Block *, Error> DeflateStream::acquire(Lock &lock)
     }
 }
 
-// A failed write is told once; the next call of the caller means "try again".
+// Reports a failed write once. The next call of the caller means "try again".
 Result<void, Error> DeflateStream::checkFailure(Lock &lock)
 {
     if (m_hasWriteFailed && m_failureReported) {
@@ -194,7 +201,7 @@ void DeflateStream::submit(Block *block, Lock &lock)
     lock.lock();
 }
 
-// Where the system has no more threads, fewer do: the caller helps.
+// Fewer threads than planned are enough, because the caller compresses too.
 void DeflateStream::startWorker()
 {
     if (m_workers.size() >= m_workerLimit) {
@@ -222,8 +229,7 @@ void DeflateStream::work()
     }
 }
 
-// One step of the caller's wait: compress what no worker has taken, or sleep until something
-// changes.
+// One step of a wait: compress a block that no worker has taken, or sleep until something changes.
 void DeflateStream::helpOrWait(Lock &lock)
 {
     if (m_pending.empty()) {
@@ -235,7 +241,7 @@ void DeflateStream::helpOrWait(Lock &lock)
     compress(block, m_deflater, lock);
 }
 
-// Locked on entry and on return, unlocked while it compresses.
+// The lock is held on entry and on return, and released while the block is compressed.
 void DeflateStream::compress(Block *block, std::unique_ptr<Deflater> &deflater, Lock &lock)
 {
     lock.unlock();
@@ -250,7 +256,7 @@ void DeflateStream::compress(Block *block, std::unique_ptr<Deflater> &deflater, 
             deflater->compress(block->dictionary(), bytes, block->ending, block->output);
         isDone = true;
     } catch (const std::bad_alloc &) {
-        isDone = false; // told to the caller by its next call
+        isDone = false; // the next call of the caller reports it
     }
     lock.lock();
     block->isDone = isDone;
@@ -258,7 +264,7 @@ void DeflateStream::compress(Block *block, std::unique_ptr<Deflater> &deflater, 
     drain(lock);
 }
 
-// A sink without memory has not written; on a worker's thread there is nobody to catch it.
+// A sink that runs out of memory has not written. A worker must not let the exception escape.
 bool DeflateStream::write(ByteSink &sink, const Block &block)
 {
     try {
@@ -268,7 +274,7 @@ bool DeflateStream::write(ByteSink &sink, const Block &block)
     }
 }
 
-// Write what is ready, in order; one thread at a time, the others leave it to that one.
+// Write the finished blocks in order. Only one thread writes at a time; the others return.
 void DeflateStream::drain(Lock &lock)
 {
     if (m_isWriting || m_hasWriteFailed) {
@@ -303,7 +309,7 @@ Result<Totals, Error> DeflateStream::finish()
         }
     }
     Lock lock(m_mutex);
-    if (m_current) { // short streams end here without a thread having been started
+    if (m_current) { // a short stream ends here before any thread has started
         Block *last = std::exchange(m_current, nullptr);
         last->ending = Ending::Last;
         last->isDone = false;

@@ -1,13 +1,12 @@
-// codecs/deflate/deflate_stream.h
-// Write raw deflate streams whose blocks are compressed beside the caller, on threads of their own.
+// Writes raw deflate streams, and compresses their blocks on worker threads.
 //
-// The caller fills a block's buffer (room, commit), or copies into it (write). A full block goes to
-// the workers; whoever finishes the next block in order writes it to the sink. What is written
-// depends on the bytes and the level alone: never on the number of workers, nor on how the bytes
-// were handed over. Memory: (2 x workers + 2) blocks, used again and again.
+// The caller fills the buffer of a block (room, commit) or copies bytes to it (write). Workers
+// compress full blocks. The thread that completes the next block in order writes it to the sink.
+// The bytes written depend only on the content and the level: not on the number of workers, and not
+// on how the bytes were passed. Memory: 2 x workers + 2 blocks, which are reused.
 //
-// Threads: all calls from one thread, but stop() from any. The sink is used by the caller and the
-// workers in turn, never by two at once, and by nobody but the caller between finish() and begin().
+// Threads: all calls from one thread, except stop(), which may be called from any. The caller and
+// the workers use the sink, one at a time. Between finish() and begin() only the caller uses it.
 #pragma once
 #include "base/byte_sink.h"
 #include "base/result.h"
@@ -21,27 +20,28 @@
 namespace corvanta::deflate {
 
 enum class Error : quint8 {
-    WriteFailed, ///< the sink refused (a full disk): nothing is lost, repeat the call
-    Stopped,     ///< stop() was called
+    WriteFailed, ///< The sink failed, for example on a full disk. Nothing is lost; repeat the call.
+    Stopped,     ///< stop() was called.
     NoMemory,
 };
 
-/// Bytes that are compressed as one.
+/// Size of a block.
 inline constexpr size_t kBlockBytes = 1024 * 1024;
-/// The most that room() can be asked for.
+/// Maximum size of a room() request.
 inline constexpr size_t kMaxRoomBytes = 256 * 1024;
 
 struct StreamOptions
 {
     Level level = {};
-    int workers = -1; ///< threads for compressing; 0: the caller alone; -1: one for each core
+    int workers = -1; ///< Number of threads; 0: only the caller; -1: one per core.
 };
 
+/// Facts about a finished stream.
 struct Totals
 {
-    quint32 crc = 0;
-    qint64 size = 0;           ///< bytes handed over
-    qint64 compressedSize = 0; ///< bytes written to the sink
+    quint32 crc = 0;           ///< CRC-32 of the content.
+    qint64 size = 0;           ///< Bytes of content.
+    qint64 compressedSize = 0; ///< Bytes written to the sink.
 };
 
 class DeflateStream
@@ -51,26 +51,27 @@ public:
     explicit DeflateStream(ByteSink &sink, const StreamOptions &options = {});
     DeflateStream(const DeflateStream &) = delete;
     DeflateStream &operator=(const DeflateStream &) = delete;
-    /// Ends the threads; what finish() has not written is dropped.
+    /// Joins the threads. Discards content that finish() has not written.
     ~DeflateStream();
 
-    /// Start a stream at the sink's position; call before anything else and after finish().
+    /// Start a stream at the sink's position. Call it first, and again after finish().
     void begin();
 
-    /// Room for at least `n` (<= kMaxRoomBytes) bytes, valid until the next call of any kind.
-    /// Errors: WriteFailed, Stopped, NoMemory; then the same call may be made again.
+    /// A buffer for at least `n` bytes (at most kMaxRoomBytes) of content, valid until the next
+    /// call. Errors: WriteFailed, Stopped, NoMemory; the call may then be repeated.
     Result<std::span<char>, Error> room(size_t n);
-    /// Take the first `n` bytes of the room as written.
+    /// Add the first `n` bytes of the buffer from room() to the stream.
     void commit(size_t n);
 
-    /// Copy `bytes` in. After a fault repeat the call with the same bytes: it goes on where it
-    /// stopped.
+    /// Add a copy of `bytes` to the stream. After a fault, repeat the call with the same bytes: it
+    /// continues where it stopped. Errors: WriteFailed, Stopped, NoMemory.
     Result<void, Error> write(std::span<const char> bytes);
 
-    /// End the stream and wait until all of it is written. May be repeated after a fault.
+    /// End the stream and wait until all of it is written. The call may be repeated after a fault.
+    /// Errors: WriteFailed, Stopped, NoMemory.
     Result<Totals, Error> finish();
 
-    /// End every wait, from any thread: calls that wait, and all later ones, answer Stopped.
+    /// Make calls that wait, and all later ones, return Stopped. May be called from any thread.
     void stop();
     bool isStopped() const;
 
@@ -92,24 +93,25 @@ private:
     ByteSink &m_sink;
     const Level m_level;
     const size_t m_workerLimit;
-    std::unique_ptr<Deflater> m_deflater; // the caller's own
-    Block *m_current = nullptr;           // what the caller fills
-    size_t m_writeDone = 0;               // of a write() that ended with a fault
+    std::unique_ptr<Deflater> m_deflater; // used by the caller
+    Block *m_current = nullptr;           // the block that the caller fills
+    size_t m_writeDone = 0;               // bytes done by a write() that returned a fault
 
     mutable std::mutex m_mutex;
     std::condition_variable m_workAvailable;      // for the workers
     std::condition_variable m_progress;           // for the caller
-    std::vector<std::unique_ptr<Block>> m_blocks; // guarded by m_mutex, as all that follows
+    std::vector<std::unique_ptr<Block>> m_blocks; // guarded by m_mutex, like all below
     std::vector<Block *> m_free;
-    std::deque<Block *> m_pending; // to be compressed
-    std::deque<Block *> m_order;   // to be written
+    std::deque<Block *> m_pending; // blocks to compress
+    std::deque<Block *> m_order;   // blocks to write, in order
     Totals m_totals;
     bool m_isWriting = false;
-    bool m_hasWriteFailed = false; // nothing is written until the caller comes again
+    bool m_hasWriteFailed = false; // nothing is written until the next call of the caller
     bool m_failureReported = false;
     bool m_isOutOfMemory = false;
     bool m_isStopped = false;
-    std::vector<std::thread> m_workers; // the caller's; last, so that the rest outlives them
+    std::vector<std::thread>
+        m_workers; // last, so that the other members outlive them; used by the caller
 };
 
 } // namespace corvanta::deflate

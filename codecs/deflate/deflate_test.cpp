@@ -94,7 +94,7 @@ Packed pack(std::string_view text, const StreamOptions &options, size_t piece, b
     return {sink.bytes(), *totals};
 }
 
-TEST(Deflate, EveryLevelComesBackThroughBothInflaters)
+TEST(Deflate, EveryLevelReadsBackWithBothInflaters)
 {
     const std::string texts[] = {"",
                                  "a",
@@ -124,7 +124,7 @@ TEST(Deflate, EveryLevelComesBackThroughBothInflaters)
 }
 
 // A block that did not see the 32 KiB before it would have to spell its first matches out.
-TEST(Deflate, BlocksUseTheOnesBeforeThem)
+TEST(Deflate, BlocksUseEarlierContentAsDictionary)
 {
     const std::string record = noiseOf(16'000);
     std::string text;
@@ -141,7 +141,7 @@ TEST(Deflate, BlocksUseTheOnesBeforeThem)
     }
 }
 
-TEST(Deflate, BytesDependOnTheTextAlone)
+TEST(Deflate, BytesDependOnlyOnTheContent)
 {
     const std::string text = textOf(5 * kBlockBytes + 1234);
     for (const Level level : {Level{}, Level{Engine::Zlib, 1}}) {
@@ -155,7 +155,7 @@ TEST(Deflate, BytesDependOnTheTextAlone)
 }
 
 // Which deflater takes a block is a matter of time.
-TEST(Deflate, BytesDoNotDependOnWhatADeflaterDidBefore)
+TEST(Deflate, BytesDoNotDependOnEarlierUseOfADeflater)
 {
     const std::string text = textOf(kBlockBytes + kWindowBytes);
     const std::string noise = noiseOf(kBlockBytes);
@@ -183,7 +183,7 @@ TEST(Deflate, BytesDoNotDependOnWhatADeflaterDidBefore)
     }
 }
 
-TEST(Deflate, RoomAskedForAtAFullBlockChangesNothing)
+TEST(Deflate, RoomRequestedAtAFullBlockChangesNothing)
 {
     const std::string text = textOf(kBlockBytes);
     MemorySink sink;
@@ -206,7 +206,7 @@ template <class Call> int repeat(Call call)
     }
 }
 
-TEST(Deflate, AFailedWriteIsToldOnceAndNothingIsLost)
+TEST(Deflate, FailedWriteIsReportedOnceAndNothingIsLost)
 {
     const std::string text = textOf(9 * kBlockBytes + 99);
     const QByteArray expected = pack(text, {}, text.size(), false).bytes;
@@ -223,7 +223,7 @@ TEST(Deflate, AFailedWriteIsToldOnceAndNothingIsLost)
     }
 }
 
-TEST(Deflate, StreamsFollowEachOther)
+TEST(Deflate, SeveralStreamsCanFollowEachOther)
 {
     const std::string text = textOf(2 * kBlockBytes);
     MemorySink sink;
@@ -238,7 +238,7 @@ TEST(Deflate, StreamsFollowEachOther)
 }
 
 // A sink that holds its first write until it is told to go on.
-TEST(Deflate, StopEndsACallThatWaits)
+TEST(Deflate, StopEndsAWaitingCall)
 {
     std::promise<void> isWriting;
     std::promise<void> goOn;
@@ -262,7 +262,7 @@ TEST(Deflate, StopEndsACallThatWaits)
     EXPECT_EQ(stream.finish().fault().code, Error::Stopped);
 }
 
-TEST(Inflate, SmallPiecesAndDamage)
+TEST(Inflate, AcceptsSmallPiecesAndRejectsDamage)
 {
     const std::string text = textOf(3000);
     const QByteArray packed = pack(text, {}, text.size(), false).bytes;
@@ -282,7 +282,7 @@ TEST(Inflate, SmallPiecesAndDamage)
     }
 }
 
-TEST(Crc32, IsThatOfZipAndJoins)
+TEST(Crc32, EqualsZlibsAndJoins)
 {
     EXPECT_EQ(crc32(0, std::string_view("123456789")),
               0xCBF43926U); // the check value of the polynomial
@@ -293,7 +293,7 @@ TEST(Crc32, IsThatOfZipAndJoins)
     EXPECT_EQ(crc32Join(77, 0, 0), 77U);
 }
 
-TEST(Level, IsReadFromText)
+TEST(Level, IsParsedFromText)
 {
     EXPECT_EQ(parseLevel(u"isal-3")->level, 3);
     EXPECT_EQ(parseLevel(u"zlib-9")->engine, Engine::Zlib);

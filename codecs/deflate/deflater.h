@@ -1,9 +1,7 @@
-// codecs/deflate/deflater.h
-// Compress single blocks of one raw deflate stream (RFC 1951), each without knowing the others'
-// output.
+// Compresses the blocks of a raw deflate stream (RFC 1951) independently of each other.
 //
-// A block takes the 32 KiB before it as its dictionary and ends on a byte boundary, so that blocks
-// that were compressed side by side are joined by writing them one after the other.
+// A block uses the 32 KiB before it as its dictionary and ends at a byte boundary. Blocks that were
+// compressed in parallel become one stream when they are written in order.
 #pragma once
 #include <QStringView>
 
@@ -14,26 +12,26 @@
 
 namespace corvanta::deflate {
 
-/// How far back a match may reach: more dictionary than this is of no use.
+/// Maximum distance of a match, and so the largest useful dictionary.
 inline constexpr size_t kWindowBytes = 32 * 1024;
 
 enum class Engine : quint8 { Isal, Zlib };
 
-/// An engine and its level: ISA-L has 1 .. 3, zlib 1 .. 9. The default is the fast one: on sheet
-/// XML twelve times as fast as zlib 6 for a result 17 % larger.
+/// A compression library and its level: 1 to 3 for ISA-L, 1 to 9 for zlib. The default is the fast
+/// one: for sheet XML it is twelve times as fast as zlib 6, and the result is 17 % larger.
 struct Level
 {
     Engine engine = Engine::Isal;
     int level = 2;
 };
 
-/// A level as people write it: "isal-2", "zlib-6". Nothing when there is no such level.
+/// Parse a level such as "isal-2" or "zlib-6". Returns std::nullopt for any other text.
 std::optional<Level> parseLevel(QStringView text);
 
-/// What follows a block: more of the same stream, or nothing.
+/// Whether more blocks of the stream follow.
 enum class Ending : quint8 { Continued, Last };
 
-/// Threads: one at a time; objects share nothing.
+/// Threads: one thread at a time per object; separate objects are independent.
 class Deflater
 {
 public:
@@ -42,14 +40,16 @@ public:
     Deflater &operator=(const Deflater &) = delete;
     virtual ~Deflater() = default;
 
-    /// Compress `block` into the front of `out` and return the bytes used there. `dictionary` is
-    /// what comes before the block in the stream, up to kWindowBytes of it. `out` grows when it is
-    /// too small and never shrinks, so that it can be used again. A bad_alloc is the only failure.
+    /// Compress `block` to the start of `out`. Returns the number of bytes used. `dictionary` is
+    /// the part of the stream before the block, at most kWindowBytes bytes. `out` grows if it is
+    /// too small and never shrinks, so that its memory can be reused. Throws std::bad_alloc; there
+    /// is no other failure.
     virtual size_t compress(std::span<const char> dictionary, std::span<const char> block,
                             Ending ending, std::vector<char> &out) = 0;
 };
 
-/// A deflater of this level; where ISA-L is not part of the build, zlib's next fastest.
+/// Create a deflater of this level. In a build without ISA-L, zlib of the nearest speed replaces
+/// it.
 std::unique_ptr<Deflater> makeDeflater(Level level);
 
 } // namespace corvanta::deflate

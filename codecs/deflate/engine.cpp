@@ -1,3 +1,4 @@
+// Chooses between the compression libraries of the build.
 #include "codecs/deflate/engines.h"
 
 #include <QString>
@@ -8,7 +9,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int kMinIsalLevel = 1; // 0 makes what cannot be compressed a quarter larger
+constexpr int kMinIsalLevel = 1; // level 0 makes incompressible content a quarter larger
 constexpr int kMaxIsalLevel = 3;
 constexpr int kMinZlibLevel = 1;
 constexpr int kMaxZlibLevel = 9;

@@ -1,5 +1,4 @@
-// codecs/deflate/inflater.h
-// Decompress a raw deflate stream (RFC 1951) piece by piece.
+// Decompresses a raw deflate stream (RFC 1951) in pieces of any size.
 #pragma once
 #include <QtGlobal>
 
@@ -8,22 +7,25 @@
 
 namespace corvanta::deflate {
 
-/// Threads: one at a time; objects share nothing.
+/// Threads: one thread at a time per object; separate objects are independent.
 class Inflater
 {
 public:
     enum class State : quint8 {
-        More, ///< the stream goes on: give more input or more room
-        End,  ///< the stream's last byte is out
-        Bad,  ///< no deflate stream
+        More, ///< The stream continues; it needs more input or more room for output.
+        End,  ///< The last byte of the stream has been produced.
+        Bad,  ///< The input is not a deflate stream.
     };
+    /// The result of one call. A state and not a Result because the call is the inner loop of every
+    /// unpacker, and a damaged stream is its only failure.
     struct Step
     {
         State state;
-        /// Bytes taken from the input. At the end it may be down to -7: an engine looks ahead, and
-        /// what is not of the stream counts as never taken, even when an earlier call gave it.
+        /// Number of input bytes consumed. At the end it may be as low as -7: a library reads
+        /// ahead, and bytes after the stream count as not consumed, even if an earlier call passed
+        /// them.
         qint64 consumed;
-        size_t produced; ///< bytes put into the output
+        size_t produced; ///< Number of bytes written to the output.
     };
 
     Inflater() = default;
@@ -31,17 +33,17 @@ public:
     Inflater &operator=(const Inflater &) = delete;
     virtual ~Inflater() = default;
 
-    /// Decompress as much of `input` as fits into `output`. No progress with both of them there
-    /// does not happen: such a stream is Bad.
+    /// Decompress as much of `input` as fits into `output`. If neither is empty, the call makes
+    /// progress or returns Bad.
     virtual Step inflate(std::span<const char> input, std::span<char> output) = 0;
 
-    /// Be ready for a new stream.
+    /// Start a new stream.
     virtual void reset() = 0;
 };
 
-/// The fastest inflater of the build.
+/// Create the fastest inflater of the build.
 std::unique_ptr<Inflater> makeInflater();
-/// zlib's inflater, which every build has.
+/// Create zlib's inflater, which every build has.
 std::unique_ptr<Inflater> makeZlibInflater();
 
 } // namespace corvanta::deflate

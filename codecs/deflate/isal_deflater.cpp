@@ -1,3 +1,5 @@
+// Compression with ISA-L. Its output must depend only on the content and the level; two workarounds
+// below make it so.
 #include "codecs/deflate/engines.h"
 
 #include <isa-l/igzip_lib.h>
@@ -9,11 +11,10 @@ namespace corvanta::deflate {
 
 namespace {
 
-/// What the library is given at a time: at level 3 the bytes hang on it.
+/// Size of the output buffer that the library gets. At level 3 its output depends on this size.
 constexpr size_t kRoomBytes = 64 * 1024;
-/// Below this the library's choice of matches sometimes hangs on the address of its state: of the
-/// parts of a package one in a thousand came out different from run to run. zlib takes them; they
-/// are short.
+/// The output for shorter blocks depends on the address of the library's state: about one in a
+/// thousand parts of a package differs between runs. zlib compresses these blocks.
 constexpr size_t kShortBlockBytes = 32 * 1024;
 constexpr int kShortBlockLevel = 4;
 constexpr std::array<size_t, 4> kLevelBufferBytes = {ISAL_DEF_LVL0_DEFAULT, ISAL_DEF_LVL1_DEFAULT,
@@ -43,7 +44,7 @@ public:
         m_stream.end_of_stream = ending == Ending::Last ? 1 : 0;
         m_stream.flush = ending == Ending::Last ? NO_FLUSH : SYNC_FLUSH;
         size_t used = 0;
-        do { // a full output buffer means that there may be more to come
+        do { // a full output buffer means that there may be more output
             out.resize(std::max(out.size(), used + kRoomBytes));
             m_stream.next_out = reinterpret_cast<uint8_t *>(out.data() + used);
             m_stream.avail_out = kRoomBytes;
@@ -65,7 +66,7 @@ private:
                                   static_cast<uint32_t>(dictionary.size()));
         }
     }
-    static uint8_t *bytesOf(std::span<const char> bytes) // the library reads them only
+    static uint8_t *bytesOf(std::span<const char> bytes) // the library only reads them
     {
         return reinterpret_cast<uint8_t *>(const_cast<char *>(bytes.data()));
     }
@@ -73,7 +74,7 @@ private:
     uint32_t m_level;
     std::vector<uint8_t> m_levelBuffer;
     isal_zstream m_stream;
-    std::unique_ptr<Deflater> m_shortBlocks; // when first used
+    std::unique_ptr<Deflater> m_shortBlocks; // created when first used
 };
 
 } // namespace

@@ -1,3 +1,4 @@
+// Decompression with ISA-L. It reads up to 8 bytes ahead.
 #include "codecs/deflate/engines.h"
 
 #include <isa-l/igzip_lib.h>
@@ -9,7 +10,8 @@ namespace corvanta::deflate {
 
 namespace {
 
-uint32_t atOnce(size_t bytes)
+/// The library counts bytes in 32 bits. Longer buffers are used in several calls.
+uint32_t oneCall(size_t bytes)
 {
     return static_cast<uint32_t>(std::min<size_t>(bytes, std::numeric_limits<uint32_t>::max()));
 }
@@ -22,17 +24,17 @@ public:
     Step inflate(std::span<const char> input, std::span<char> output) override
     {
         m_state.next_in = reinterpret_cast<uint8_t *>(const_cast<char *>(input.data()));
-        m_state.avail_in = atOnce(input.size());
+        m_state.avail_in = oneCall(input.size());
         m_state.next_out = reinterpret_cast<uint8_t *>(output.data());
-        m_state.avail_out = atOnce(output.size());
+        m_state.avail_out = oneCall(output.size());
         const int status = isal_inflate(&m_state);
-        const auto consumed = static_cast<qint64>(atOnce(input.size()) - m_state.avail_in);
-        const size_t produced = atOnce(output.size()) - m_state.avail_out;
+        const auto consumed = static_cast<qint64>(oneCall(input.size()) - m_state.avail_in);
+        const size_t produced = oneCall(output.size()) - m_state.avail_out;
         if (status < 0) {
             return {State::Bad, consumed, produced};
         }
         const bool isEnd = m_state.block_state == ISAL_BLOCK_FINISH;
-        // The bits read ahead are whole bytes behind the stream, and what is left of its last byte.
+        // The bits read ahead are the rest of the last byte and whole bytes after the stream.
         const qint64 ahead = isEnd ? m_state.read_in_length / 8 : 0;
         return {isEnd ? State::End : State::More, consumed - ahead, produced};
     }

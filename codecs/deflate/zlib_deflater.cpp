@@ -1,3 +1,4 @@
+// Compression with zlib, which every build has.
 #include "codecs/deflate/engines.h"
 
 #include <zlib.h>
@@ -18,6 +19,7 @@ class ZlibDeflater final : public Deflater
 public:
     explicit ZlibDeflater(int level)
     {
+        // Only a lack of memory can make this fail.
         if (deflateInit2(&m_stream, level, Z_DEFLATED, kRawWindowBits, kMemoryLevel,
                          Z_DEFAULT_STRATEGY) != Z_OK) {
             throw std::bad_alloc();
@@ -37,7 +39,7 @@ public:
         m_stream.avail_in = static_cast<uInt>(block.size());
         const int flush = ending == Ending::Last ? Z_FINISH : Z_SYNC_FLUSH;
         size_t used = 0;
-        do { // a full output buffer means that there may be more to come
+        do { // a full output buffer means that there may be more output
             out.resize(std::max(out.size(), used + kRoomBytes));
             m_stream.next_out = reinterpret_cast<Bytef *>(out.data() + used);
             m_stream.avail_out = static_cast<uInt>(out.size() - used);

@@ -1,3 +1,4 @@
+// Decompression with zlib, which every build has.
 #include "codecs/deflate/engines.h"
 
 #include <zlib.h>
@@ -12,9 +13,10 @@ namespace {
 
 constexpr int kRawWindowBits = -15; // negative: no zlib wrapper
 
-uInt atOnce(size_t bytes)
+/// The library counts bytes in 32 bits. Longer buffers are used in several calls.
+uint32_t oneCall(size_t bytes)
 {
-    return static_cast<uInt>(std::min<size_t>(bytes, std::numeric_limits<uInt>::max()));
+    return static_cast<uint32_t>(std::min<size_t>(bytes, std::numeric_limits<uint32_t>::max()));
 }
 
 class ZlibInflater final : public Inflater
@@ -31,16 +33,16 @@ public:
     Step inflate(std::span<const char> input, std::span<char> output) override
     {
         m_stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(input.data()));
-        m_stream.avail_in = atOnce(input.size());
+        m_stream.avail_in = oneCall(input.size());
         m_stream.next_out = reinterpret_cast<Bytef *>(output.data());
-        m_stream.avail_out = atOnce(output.size());
+        m_stream.avail_out = oneCall(output.size());
         const int status = ::inflate(&m_stream, Z_NO_FLUSH);
-        const auto consumed = static_cast<qint64>(atOnce(input.size()) - m_stream.avail_in);
-        const size_t produced = atOnce(output.size()) - m_stream.avail_out;
+        const auto consumed = static_cast<qint64>(oneCall(input.size()) - m_stream.avail_in);
+        const size_t produced = oneCall(output.size()) - m_stream.avail_out;
         if (status == Z_STREAM_END) {
             return {State::End, consumed, produced};
         }
-        // Z_BUF_ERROR: nothing could be done with what was given, which is no fault of the stream.
+        // Z_BUF_ERROR: no progress was possible with these buffers. The stream is still valid.
         const bool isGood = status == Z_OK || status == Z_BUF_ERROR;
         return {isGood ? State::More : State::Bad, consumed, produced};
     }

@@ -1,10 +1,15 @@
-// The .Z format, as "compress" writes it (see also POSIX.1, compress utility):
+// The .Z format (POSIX.1-2024, compress utility; LZW: Welch, IEEE Computer 17(6), 1984):
 //
-//   byte 0, 1   1F 9D
-//   byte 2      bit 7: block mode (code 256 clears the table), bits 5 and 6: 0, bits 0..4: largest
-//   width then        codes, least significant bit first, in groups of eight codes of equal width
+//   offset  bytes  content
+//        0      2  1F 9D
+//        2      1  bit 7: block mode (code 256 clears the table); bits 5 and 6: 0; bits 0 to 4:
+//                  maximum code width, 9 to 16
+//        3         codes, least significant bit first, in groups of eight codes of the same width
 //
-// Where the width changes or the table is cleared, the rest of the group is padding.
+// Codes 0 to 255 are the bytes. Each code after the first defines the next free code: the previous
+// string and the first byte of the new one. The width starts at 9 bits and grows when the next free
+// code needs more bits. If the width changes or the table is cleared, the rest of the group is
+// padding.
 #include "codecs/lzw/lzw_reader.h"
 
 #include "base/bytes.h"
@@ -22,7 +27,7 @@ constexpr int kReservedFlags = 0x60;
 constexpr int kBlockFlag = 0x80;
 constexpr int kWidthMask = 0x1F;
 constexpr int kMinWidth = 9;
-constexpr int kLargestWidth = 16;
+constexpr int kMaxWidth = 16;
 constexpr int kClearCode = 256;
 constexpr size_t kInputBytes = 64 * 1024;
 
@@ -40,7 +45,7 @@ Result<std::unique_ptr<Reader>, Error> Reader::open(ByteSource &source)
                             0};
     }
     const int width = header[2] & kWidthMask;
-    if ((header[2] & kReservedFlags) != 0 || width < kMinWidth || width > kLargestWidth) {
+    if ((header[2] & kReservedFlags) != 0 || width < kMinWidth || width > kMaxWidth) {
         return Fault<Error>{Error::BadHeader, QStringLiteral("its .Z variant is not known"), 2};
     }
     return std::unique_ptr<Reader>(new Reader(source, width, (header[2] & kBlockFlag) != 0));
@@ -72,31 +77,35 @@ void Reader::clearTable()
     m_groupAt = m_groupBits; // the rest of the group is padding
 }
 
-int Reader::failWith(Error error, const char *why)
+/// Stores the fault and returns kNone.
+int Reader::fail(Error error, const char *why)
 {
-    m_failed = true;
-    m_fault = {error, QString::fromLatin1(why), m_consumed};
+    m_fault = Fault<Error>{error, QString::fromLatin1(why), m_consumed};
     return kNone;
 }
 
-/// Fetch the next group of codes; false at the end of the data or after a failure.
+/// Reads the next piece of the input. Returns false at its end or after a failure.
+bool Reader::refillInput()
+{
+    m_input.resize(kInputBytes);
+    const qint64 got = m_source.read(m_input.data(), static_cast<qint64>(kInputBytes));
+    m_input.resize(static_cast<size_t>(std::max<qint64>(got, 0)));
+    m_inputAt = 0;
+    if (got < 0) {
+        fail(Error::Unreadable, "it cannot be read");
+    }
+    return got > 0;
+}
+
+/// Reads the next group of codes. Returns false at the end of the data or after a failure.
 bool Reader::fillGroup()
 {
     m_group.fill(0);
     m_groupAt = 0;
     size_t have = 0;
     while (have < static_cast<size_t>(m_width)) {
-        if (m_inputAt == m_input.size()) {
-            m_input.resize(kInputBytes);
-            const qint64 got = m_source.read(m_input.data(), static_cast<qint64>(kInputBytes));
-            m_input.resize(static_cast<size_t>(std::max<qint64>(got, 0)));
-            m_inputAt = 0;
-            if (got < 0) {
-                failWith(Error::Unreadable, "it cannot be read");
-            }
-            if (got <= 0) {
-                break;
-            }
+        if (m_inputAt == m_input.size() && !refillInput()) {
+            break;
         }
         const size_t take =
             std::min(static_cast<size_t>(m_width) - have, m_input.size() - m_inputAt);
@@ -106,10 +115,10 @@ bool Reader::fillGroup()
         have += take;
     }
     m_groupBits = static_cast<int>(have) * 8;
-    return have > 0 && !m_failed;
+    return have > 0 && !m_fault;
 }
 
-/// The next code, or kNone at the end of the data or after a failure.
+/// Returns the next code, or kNone at the end of the data or after a failure.
 int Reader::nextCode()
 {
     if (m_nextFree >> m_width != 0 && m_width < m_maxWidth) {
@@ -121,20 +130,21 @@ int Reader::nextCode()
     }
     const auto bits = loadLE<quint32>(m_group.data() + m_groupAt / 8) >> (m_groupAt % 8);
     if (m_groupBits - m_groupAt < m_width) {
-        // The writer pads the last byte with zero bits: anything else is the start of a lost code.
-        return bits == 0 ? kNone : failWith(Error::EndsInCode, "it ends in the middle of a code");
+        // The writer pads the last byte with zero bits. Other bits are the start of a lost code.
+        return bits == 0 ? kNone : fail(Error::EndsInCode, "it ends in the middle of a code");
     }
     m_groupAt += m_width;
     return static_cast<int>(bits & ((1U << m_width) - 1));
 }
 
-/// Add the entry that `code`, coming after the previous one, defines; false when `code` cannot be.
+/// Defines the next free code, from the previous code and `code`. Returns false if `code` is
+/// invalid.
 bool Reader::define(int code)
 {
     if (m_previous == kNone) {
         return code < kClearCode;
     }
-    const bool isNew = code == m_nextFree; // the string that this very code completes
+    const bool isNew = code == m_nextFree; // `code` itself is defined here
     if (code > m_nextFree) {
         return false;
     }
@@ -150,7 +160,8 @@ bool Reader::define(int code)
     return true;
 }
 
-/// Put the string of `code` into `out`; what does not fit waits in m_pending.
+/// Writes the string of `code` to `out`. The part that does not fit is kept in m_pending. Returns
+/// the number of bytes written.
 qint64 Reader::emit(int code, char *out, qint64 room)
 {
     const auto length = static_cast<qint64>(m_length[static_cast<size_t>(code)]);
@@ -176,7 +187,7 @@ Result<qint64, Error> Reader::read(char *out, qint64 n)
     qint64 done = std::min<qint64>(n, static_cast<qint64>(m_pending.size() - m_pendingAt));
     std::copy_n(m_pending.begin() + static_cast<qint64>(m_pendingAt), done, out);
     m_pendingAt += static_cast<size_t>(done);
-    while (done < n && !m_failed) {
+    while (done < n && !m_fault) {
         const int code = nextCode();
         if (code == kNone) {
             break;
@@ -186,14 +197,14 @@ Result<qint64, Error> Reader::read(char *out, qint64 n)
             continue;
         }
         if (!define(code)) {
-            failWith(Error::BadCode, "a code in it is not valid");
+            fail(Error::BadCode, "a code in it is not valid");
             break;
         }
         m_previous = code;
         done += emit(code, out + done, n - done);
     }
-    if (done == 0 && m_failed) {
-        return m_fault;
+    if (done == 0 && m_fault) { // the bytes before the fault come first
+        return *m_fault;
     }
     return done;
 }

@@ -1,37 +1,36 @@
-// codecs/lzw/lzw_reader.h
-// Decompress the Unix "compress" format (.Z).
+// Decompresses the Unix "compress" format (.Z) from a stream of bytes.
 //
-// Threads: one at a time; objects share nothing.
+// Threads: one thread at a time per object; separate objects are independent.
 #pragma once
 #include "base/byte_source.h"
 #include "base/result.h"
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace corvanta::lzw {
 
 enum class Error : quint8 {
-    BadHeader = 1, ///< no .Z file, or of a kind that this decoder must not guess at
-    BadCode,       ///< a code that the stream has not defined yet
-    EndsInCode,    ///< the file stops in the middle of a code
-    Unreadable,    ///< the source failed
+    BadHeader = 1, ///< Not a .Z file, or an unknown variant.
+    BadCode,       ///< A code that the stream has not defined yet.
+    EndsInCode,    ///< The file ends inside a code.
+    Unreadable,    ///< The source failed.
 };
 
 class Reader
 {
 public:
     /// Read the header at the source's position. `source` must outlive the reader.
-    /// Errors: BadHeader, Unreadable.
+    /// Errors: BadHeader, Unreadable; the detail is a text for the user.
     static Result<std::unique_ptr<Reader>, Error> open(ByteSource &source);
 
-    /// Decompress up to `n` bytes: the count, 0 at the end. The format has no checksum and no end
-    /// mark. After a fault every call gives that fault. Errors: BadCode, EndsInCode, Unreadable.
+    /// Decompress up to `n` bytes. Returns the number of bytes, and 0 at the end of the data. The
+    /// format has neither a checksum nor an end mark, so that a file that ends between two codes
+    /// looks complete. After a fault, every call returns that fault.
+    /// Errors: BadCode, EndsInCode, Unreadable; the detail is a text for the user.
     Result<qint64, Error> read(char *out, qint64 n);
-
-    /// Compressed bytes taken from the source so far.
-    qint64 consumed() const { return m_consumed; }
 
 private:
     static constexpr int kTableSize = 1 << 16;
@@ -43,30 +42,33 @@ private:
     void clearTable();
     bool define(int code);
     qint64 emit(int code, char *out, qint64 room);
-    int failWith(Error error, const char *why);
+    int fail(Error error, const char *why);
+    bool refillInput();
 
     ByteSource &m_source;
     const int m_maxWidth;
     const bool m_blockMode;
-    Fault<Error> m_fault{};
-    bool m_failed = false;
+    // Why the data cannot be continued. The functions that run once per code return kNone instead
+    // of a Result; read() looks here.
+    std::optional<Fault<Error>> m_fault;
 
     std::vector<uchar> m_input;
     size_t m_inputAt = 0;
     qint64 m_consumed = 0;
-    // Codes come in groups of eight, a group being as many bytes as a code has bits.
+    // The current group of eight codes. Its size in bytes is the number of bits of a code. The
+    // array has room for the load of a whole word at any bit.
     std::array<uchar, 16 + 8> m_group{};
-    int m_groupBits = 0;
-    int m_groupAt = 0;
+    int m_groupBits = 0; // number of bits in m_group
+    int m_groupAt = 0;   // bit offset of the next code
 
-    int m_width = 9;
-    int m_nextFree = 256;
-    int m_previous = kNone;
-    std::vector<quint16> m_prefix;
+    int m_width = 9;               // bits of a code
+    int m_nextFree = 256;          // the code that is defined next
+    int m_previous = kNone;        // the previous code
+    std::vector<quint16> m_prefix; // code of a code's string without its last byte
     std::vector<uchar> m_last;     // last byte of a code's string
     std::vector<uchar> m_first;    // first byte of a code's string
     std::vector<quint32> m_length; // of a code's string
-    std::vector<char> m_pending;   // a string that did not fit the caller's room
+    std::vector<char> m_pending;   // a string that did not fit the caller's buffer
     size_t m_pendingAt = 0;
 };
 

@@ -1,4 +1,4 @@
-// The .Z decoder against an encoder of the test's own, split reads, cuts and wrong codes.
+// Decodes the output of a simple encoder, in pieces of any size, and rejects damage.
 #include "codecs/lzw/lzw_reader.h"
 
 #include <QByteArray>
@@ -12,7 +12,7 @@ using namespace corvanta;
 
 namespace {
 
-/// A plain encoder: what "compress" does, with a clear code when the table is full.
+/// A simple encoder that writes a clear code when the table is full.
 class Encoder
 {
 public:
@@ -132,7 +132,7 @@ Result<QByteArray, lzw::Error> decode(const QByteArray &packed, qint64 inPiece, 
 
 } // namespace
 
-TEST(Lzw, DecodesEveryWidthAndModeHoweverTheBytesArrive)
+TEST(Lzw, DecodesEveryWidthAndModeInPiecesOfAnySize)
 {
     for (const int width : {9, 10, 12, 16}) {
         for (const bool blockMode : {false, true}) {
@@ -148,7 +148,7 @@ TEST(Lzw, DecodesEveryWidthAndModeHoweverTheBytesArrive)
     }
 }
 
-TEST(Lzw, RefusesWhatItMustNotGuess)
+TEST(Lzw, RejectsUnknownVariantsAndInvalidCodes)
 {
     struct Case
     {

@@ -1,23 +1,35 @@
-// RAR 4 (technote of RAR 3 and 4): marker, then blocks
+// Numbers are little-endian. Public sources: technote.txt of RAR 3 and 4, "RAR 5.0 archive format".
 //
-//   0  u16 CRC (low half of CRC-32 over the rest of the header)    7  u32 added size, if flag 8000
-//   2  u8  type: 73 archive, 74 file, others are skipped
-//   3  u16 flags        5  u16 header size
+// RAR 4: marker "Rar!" 1A 07 00, then blocks. A block is a header and the added size:
 //
-//   file:  7 u32 packed size   11 u32 size   15 u8 system   16 u32 CRC-32   20 u32 time
-//          24 u8 unpacker   25 u8 method (30: stored)   26 u16 name size   28 u32 attributes
-//          32 u32 + u32 high halves of packed size and size, if flag 100; name
+//   offset  bytes  block header
+//        0      2  low half of the CRC-32 of the rest of the header
+//        2      1  type: 73 archive, 74 file, 7B end; others are skipped
+//        3      2  flags
+//        5      2  header size
+//        7      4  added size, if flag 8000 is set
 //
-// RAR 5 (RAR 5.0 archive format): marker, then blocks of
+//   offset  bytes  file header
+//        7      4  packed size
+//       11      4  size
+//       15      1  operating system
+//       16      4  CRC-32
+//       20      4  time
+//       24      1  version needed to unpack
+//       25      1  method; 30 is stored
+//       26      2  name size
+//       28      4  attributes
+//       32    4+4  high halves of packed size and size, if flag 100 is set
+//                  name
 //
-//   u32 CRC-32 over the rest, v size of what follows, v type, v flags, [v extra size],
-//   [v data size]
+// RAR 5: marker "Rar!" 1A 07 01 00, then blocks. A v is a number with 7 bits per byte, least
+// significant group first; the high bit means that more bytes follow. [] is optional, by flags:
 //
-//   file:  v flags, v size, v attributes, [u32 time], [u32 CRC-32], v method, v system,
+//   block  u32 CRC-32 of the rest of the header, v size of the rest, v type, v flags,
+//          [v extra size], [v data size], fields of the type, extra area; then the data
+//   file   v flags, v size, v attributes, [u32 time], [u32 CRC-32], v method, v operating system,
 //          v name size, name
-//   extra area at the end: records of v size, v type (1: encryption), data
-//
-// with v a number of 7 bits a byte, least significant first, the high bit marking that more follow.
+//   extra  records of v size, v type (1: encryption), data
 #include "codecs/rar/rar_entry.h"
 
 #include "base/bytes.h"
@@ -37,9 +49,9 @@ constexpr char kMarker4[] = "Rar!\x1A\x07";     // and a NUL
 constexpr char kMarker5[] = "Rar!\x1A\x07\x01"; // and a NUL
 constexpr qint64 kMarker4Bytes = 7;
 constexpr qint64 kMarker5Bytes = 8;
-/// What the RAR 5 format allows for a header; RAR 4 has 16 bits.
+/// Maximum size of a RAR 5 header. The size of a RAR 4 header has 16 bits.
 constexpr quint64 kMaxHeaderBytes = 2 * 1024 * 1024;
-/// Blocks in front of the first entry: real archives have one or two.
+/// Maximum number of blocks before the first entry. Real archives have one or two.
 constexpr int kMaxBlocks = 1000;
 
 Fault<Error> damaged(qint64 offset)
@@ -48,6 +60,7 @@ Fault<Error> damaged(qint64 offset)
             offset};
 }
 
+/// Read up to `n` bytes at `offset`; fewer only at the end of the file.
 Result<QByteArray, Error> readBytes(ByteSource &source, qint64 offset, qint64 n)
 {
     QByteArray bytes(n, '\0');
@@ -62,13 +75,23 @@ Result<QByteArray, Error> readBytes(ByteSource &source, qint64 offset, qint64 n)
     return bytes;
 }
 
-/// A name for messages: not longer than they should be, and without what follows a NUL, which is a
-/// packed form of the same in Unicode.
+/// A name for messages, with a limited length. RAR 4 stores a packed Unicode form of the name after
+/// a NUL; it is not used.
 QString shownName(QByteArrayView stored)
 {
     constexpr qsizetype kMaxBytes = 255;
     const QByteArrayView shown = stored.first(std::min(stored.size(), kMaxBytes));
     return QString::fromUtf8(shown.first(qsizetype(qstrnlen(shown.data(), size_t(shown.size())))));
+}
+
+Fault<Error> emptyArchive(qint64 offset)
+{
+    return {Error::NoEntry, QStringLiteral("the archive is empty"), offset};
+}
+
+Fault<Error> encryptedArchive(qint64 offset)
+{
+    return {Error::Encrypted, QStringLiteral("it is encrypted"), offset};
 }
 
 Fault<Error> encrypted(const Entry &entry, qint64 offset)
@@ -112,8 +135,8 @@ struct Block
     qint64 end = 0; // offset of the next block
 };
 
-/// How far the header's CRC reaches: not over a comment, which older archives keep inside the
-/// header.
+/// Number of header bytes that the CRC covers. It does not cover a comment, which older archives
+/// store inside the header.
 size_t checkedBytes(const Block &block)
 {
     qsizetype bytes = block.header.size();
@@ -125,26 +148,34 @@ size_t checkedBytes(const Block &block)
     return static_cast<size_t>(bytes);
 }
 
-Result<Block, Error> readBlock(ByteSource &source, qint64 offset)
+/// Read the header of a block, as many bytes as its own size says.
+Result<QByteArray, Error> readHeader(ByteSource &source, qint64 offset)
 {
     auto base = readBytes(source, offset, kBaseBytes);
     if (!base) {
         return base.fault();
     }
     if (base->isEmpty()) {
-        return Fault<Error>{Error::NoEntry, QStringLiteral("the archive is empty"), offset};
+        return emptyArchive(offset);
     }
     if (base->size() < kBaseBytes) {
         return damaged(offset);
     }
     const auto headerBytes = loadLE<quint16>(base->constData() + 5);
     auto header = readBytes(source, offset, headerBytes);
+    if (header && (headerBytes < kBaseBytes || header->size() < headerBytes)) {
+        return damaged(offset);
+    }
+    return header;
+}
+
+Result<Block, Error> readBlock(ByteSource &source, qint64 offset)
+{
+    auto header = readHeader(source, offset);
     if (!header) {
         return header.fault();
     }
-    if (headerBytes < kBaseBytes || header->size() < headerBytes) {
-        return damaged(offset);
-    }
+    const qsizetype headerBytes = header->size();
     Block block{*header, static_cast<uchar>(header->at(2)),
                 loadLE<quint16>(header->constData() + 3), 0};
     const quint32 crc = deflate::crc32(0, {header->constData() + 2, checkedBytes(block) - 2});
@@ -161,43 +192,53 @@ Result<Block, Error> readBlock(ByteSource &source, qint64 offset)
     return block;
 }
 
+/// Read the two sizes of a file header. Returns false if they do not fit 63 bits.
+bool readSizes(const char *bytes, bool isLarge, Entry *entry)
+{
+    const quint64 packedHigh = isLarge ? loadLE<quint32>(bytes + kFileBytes) : 0;
+    const quint64 high = isLarge ? loadLE<quint32>(bytes + kFileBytes + 4) : 0;
+    entry->packedSize = static_cast<qint64>(packedHigh << 32 | loadLE<quint32>(bytes + 7));
+    entry->size = static_cast<qint64>(high << 32 | loadLE<quint32>(bytes + 11));
+    return entry->packedSize >= 0 && entry->size >= 0;
+}
+
+Fault<Error> unsupported(const Entry &entry, uchar unpacker, qint64 offset)
+{
+    return {Error::Unsupported,
+            QStringLiteral("its entry '%1' is packed with the method of RAR %2.%3, which is not "
+                           "supported")
+                .arg(entry.name, QString::number(unpacker / 10), QString::number(unpacker % 10)),
+            offset};
+}
+
 Result<Entry, Error> readEntry(const Block &block, qint64 offset)
 {
     const char *const bytes = block.header.constData();
-    const bool large = (block.flags & LargeSizes) != 0;
-    if (block.header.size() < kFileBytes + (large ? 8 : 0)) {
+    const bool isLarge = (block.flags & LargeSizes) != 0;
+    const qsizetype nameAt = kFileBytes + (isLarge ? 8 : 0);
+    if (block.header.size() < nameAt) {
         return damaged(offset);
     }
     Entry entry;
-    entry.name =
-        shownName(block.header.mid(kFileBytes + (large ? 8 : 0), loadLE<quint16>(bytes + 26)));
+    entry.name = shownName(block.header.mid(nameAt, loadLE<quint16>(bytes + 26)));
     if ((block.flags & Encrypted) != 0) {
         return encrypted(entry, offset);
     }
     if ((block.flags & (SplitBefore | SplitAfter)) != 0) {
         return split(entry, offset);
     }
-    const quint64 packedHigh = large ? loadLE<quint32>(bytes + kFileBytes) : 0;
-    const quint64 high = large ? loadLE<quint32>(bytes + kFileBytes + 4) : 0;
-    if (packedHigh > 0x7FFFFFFF || high > 0x7FFFFFFF) {
+    if (!readSizes(bytes, isLarge, &entry)) {
         return damaged(offset);
     }
     const auto unpacker = static_cast<uchar>(bytes[24]);
     const auto method = static_cast<uchar>(bytes[25]);
     if (method != kStored && (unpacker < kFirstUnpacker || unpacker > kLastUnpacker)) {
-        return Fault<Error>{
-            Error::Unsupported,
-            QStringLiteral("its entry '%1' is packed with the method of RAR %2.%3, which is not "
-                           "supported")
-                .arg(entry.name, QString::number(unpacker / 10), QString::number(unpacker % 10)),
-            offset};
+        return unsupported(entry, unpacker, offset);
     }
     entry.format = Format::Rar4;
     entry.isDirectory = (block.flags & Directory) == Directory;
     entry.isStored = method == kStored;
     entry.dataAt = offset + block.header.size();
-    entry.packedSize = static_cast<qint64>(packedHigh << 32 | loadLE<quint32>(bytes + 7));
-    entry.size = static_cast<qint64>(high << 32 | loadLE<quint32>(bytes + 11));
     entry.crc = loadLE<quint32>(bytes + 16);
     return entry;
 }
@@ -211,13 +252,13 @@ Result<Entry, Error> firstEntry(ByteSource &source)
             return block.fault();
         }
         if (block->type == ArchiveBlock && (block->flags & HeadersEncrypted) != 0) {
-            return Fault<Error>{Error::Encrypted, QStringLiteral("it is encrypted"), offset};
+            return encryptedArchive(offset);
         }
         if (block->type == FileBlock) {
             return readEntry(*block, offset);
         }
         if (block->type == EndBlock) {
-            return Fault<Error>{Error::NoEntry, QStringLiteral("the archive is empty"), offset};
+            return emptyArchive(offset);
         }
         offset = block->end;
     }
@@ -233,9 +274,10 @@ enum BlockFlag : quint64 { HasExtra = 0x1, HasData = 0x2, SplitBefore = 0x8, Spl
 enum FileFlag : quint64 { Directory = 0x1, HasTime = 0x2, HasCrc = 0x4, UnknownSize = 0x8 };
 constexpr quint64 kEncryptionRecord = 1;
 constexpr quint64 kMethodBits = 7 << 7; // of the compression information
-constexpr qint64 kLongestSize = 3;      // bytes of a header's own size
+constexpr qint64 kMaxSizeBytes = 3;     // of a header's own size
 
-/// Takes numbers from the front of some bytes; once something is missing all that follows is 0.
+/// Reads numbers from the start of a byte sequence. Once a number is missing, it and all later ones
+/// are 0 and isBroken() is true: one check after several reads is enough.
 class Cursor
 {
 public:
@@ -284,29 +326,29 @@ private:
 
 struct Header
 {
-    QByteArray bytes; // from the type on
-    qint64 end = 0;
+    QByteArray bytes; // starting with the type
+    qint64 end = 0;   // offset of the data
 };
 
 struct Block
 {
-    QByteArray header; // from the type on
+    QByteArray header; // starting with the type
     quint64 type = 0;
     quint64 flags = 0;
     quint64 extraBytes = 0;
-    qsizetype fieldsAt = 0; // where the fields of the type begin
+    qsizetype fieldsAt = 0; // offset of the type's fields in the header
     qint64 dataAt = 0;
     qint64 end = 0;
 };
 
 Result<Header, Error> readHeader(ByteSource &source, qint64 offset)
 {
-    auto front = readBytes(source, offset, 4 + kLongestSize);
+    auto front = readBytes(source, offset, 4 + kMaxSizeBytes);
     if (!front) {
         return front.fault();
     }
     if (front->isEmpty()) {
-        return Fault<Error>{Error::NoEntry, QStringLiteral("the archive is empty"), offset};
+        return emptyArchive(offset);
     }
     Cursor cursor(*front);
     const quint32 crc = cursor.fixed32();
@@ -365,24 +407,33 @@ bool hasEncryptionRecord(const Block &block)
     return false;
 }
 
-Result<Entry, Error> readEntry(const Block &block, qint64 offset)
+/// Read the fields of a file header. Returns its flags, or nothing if it is damaged.
+std::optional<quint64> readFields(const Block &block, Entry *entry)
 {
     Cursor cursor(QByteArrayView(block.header).sliced(block.fieldsAt));
-    Entry entry;
-    entry.format = Format::Rar5;
-    entry.dataAt = block.dataAt;
-    entry.packedSize = block.end - block.dataAt;
     const quint64 flags = cursor.number();
     const quint64 size = cursor.number();
     cursor.number(); // attributes
     cursor.skip((flags & HasTime) != 0 ? 4 : 0);
     if ((flags & HasCrc) != 0) {
-        entry.crc = cursor.fixed32();
+        entry->crc = cursor.fixed32();
     }
-    entry.isStored = (cursor.number() & kMethodBits) == 0;
-    cursor.number(); // system
-    entry.name = shownName(cursor.bytes(cursor.number()));
-    if (cursor.isBroken() || size > static_cast<quint64>(std::numeric_limits<qint64>::max())) {
+    entry->isStored = (cursor.number() & kMethodBits) == 0;
+    cursor.number(); // operating system
+    entry->name = shownName(cursor.bytes(cursor.number()));
+    entry->isDirectory = (flags & Directory) != 0;
+    entry->size = static_cast<qint64>(size);
+    return cursor.isBroken() || entry->size < 0 ? std::nullopt : std::optional(flags);
+}
+
+Result<Entry, Error> readEntry(const Block &block, qint64 offset)
+{
+    Entry entry;
+    entry.format = Format::Rar5;
+    entry.dataAt = block.dataAt;
+    entry.packedSize = block.end - block.dataAt;
+    const auto flags = readFields(block, &entry);
+    if (!flags) {
         return damaged(offset);
     }
     if (hasEncryptionRecord(block)) {
@@ -391,13 +442,11 @@ Result<Entry, Error> readEntry(const Block &block, qint64 offset)
     if ((block.flags & (SplitBefore | SplitAfter)) != 0) {
         return split(entry, offset);
     }
-    if ((flags & UnknownSize) != 0) {
+    if ((*flags & UnknownSize) != 0) {
         return Fault<Error>{
             Error::Unsupported,
             QStringLiteral("the size of its entry '%1' is not stored").arg(entry.name), offset};
     }
-    entry.isDirectory = (flags & Directory) != 0;
-    entry.size = static_cast<qint64>(size);
     return entry;
 }
 
@@ -413,9 +462,9 @@ Result<Entry, Error> firstEntry(ByteSource &source)
         case FileBlock:
             return readEntry(*block, offset);
         case EncryptionBlock:
-            return Fault<Error>{Error::Encrypted, QStringLiteral("it is encrypted"), offset};
+            return encryptedArchive(offset);
         case EndBlock:
-            return Fault<Error>{Error::NoEntry, QStringLiteral("the archive is empty"), offset};
+            return emptyArchive(offset);
         default:
             offset = block->end;
         }

@@ -1,7 +1,7 @@
-// codecs/rar/rar_entry.h
-// Find the first entry of a RAR archive: what it is, how large, and what its bytes must add up to.
+// Reads the headers of a RAR archive up to its first entry: name, size, checksum and method.
 //
-// Headers only: unpacking is for others. Threads: one at a time.
+// Does not unpack anything. Formats: RAR 4 and RAR 5, docs/formats/input-files.md.
+// Threads: one thread at a time per source.
 #pragma once
 #include "base/byte_source.h"
 #include "base/result.h"
@@ -13,30 +13,32 @@
 namespace corvanta::rar {
 
 enum class Error : quint8 {
-    NotRar = 1,  ///< does not start like a RAR archive
-    BadHeader,   ///< a header is damaged or cut off
-    NoEntry,     ///< an archive without an entry
-    Encrypted,   ///< the headers or the first entry need a password
-    MultiVolume, ///< the first entry goes on in, or comes from, another volume
-    Unsupported, ///< packed in a way that no unpacker here knows
-    Unreadable,  ///< the source failed
+    NotRar = 1,  ///< The file does not start with a RAR marker.
+    BadHeader,   ///< A header is damaged or truncated.
+    NoEntry,     ///< The archive has no entry.
+    Encrypted,   ///< The headers or the first entry need a password.
+    MultiVolume, ///< A part of the first entry is in another volume.
+    Unsupported, ///< No available library can unpack the method.
+    Unreadable,  ///< The source failed.
 };
 
 enum class Format : quint8 { Rar4, Rar5 };
 
+/// The first entry. Sizes and offsets are in bytes and not negative; the data may be truncated.
 struct Entry
 {
     Format format = Format::Rar4;
-    QString name; ///< for messages
+    QString name; ///< For messages; not a file name.
     bool isDirectory = false;
-    bool isStored = false; ///< not compressed
-    qint64 dataAt = 0;     ///< offset of the packed bytes
-    qint64 packedSize = 0;
-    qint64 size = 0;            ///< unpacked bytes
-    std::optional<quint32> crc; ///< of the unpacked bytes; RAR 5 may use another checksum instead
+    bool isStored = false;      ///< Whether the data is not compressed.
+    qint64 dataAt = 0;          ///< Offset of the packed data in the archive.
+    qint64 packedSize = 0;      ///< Size of the packed data.
+    qint64 size = 0;            ///< Size of the unpacked data.
+    std::optional<quint32> crc; ///< CRC-32 of the unpacked data; RAR 5 may have another checksum.
 };
 
-/// Read the headers from the source's start up to the first entry.
+/// Read the headers from the start of `source`, which must be able to seek. A fault's detail is a
+/// text for the user. Errors: all of Error.
 Result<Entry, Error> readFirstEntry(ByteSource &source);
 
 } // namespace corvanta::rar
