@@ -1,5 +1,4 @@
-// io/package/member.h
-// What reader and writer of Office packages share: one member's facts, and what can go wrong.
+// The members of a package and the errors of its reader and writer.
 #pragma once
 #include <QByteArray>
 #include <QtGlobal>
@@ -8,38 +7,39 @@ namespace corvanta::zip {
 
 enum class Error : quint8 {
     // writing
-    WriteFailed, ///< the sink refused (a full disk): nothing is lost, repeat the call
-    Stopped,     ///< stop() was called
+    WriteFailed, ///< The sink failed, for example on a full disk. Nothing is lost; repeat the call.
+    Stopped,     ///< stop() was called.
     NoMemory,
-    BadName,   ///< a name that is empty or longer than a zip can hold
-    NameTaken, ///< the package has this member already
+    BadName,   ///< The name is empty, or longer than a zip file can hold.
+    NameTaken, ///< The package already has a member of this name.
     // reading
     ReadFailed,
-    NotAPackage,    ///< no zip file, or one that was cut off
-    BadDirectory,   ///< the central directory contradicts itself or the file
-    NoMember,       ///< no member of this name
-    Encrypted,      ///< a member that needs a password
-    UnknownMethod,  ///< a member that is neither stored nor deflated
-    BadLocalHeader, ///< a member whose own header is not what the directory says
-    BadData,        ///< no deflate stream
-    BadSize,        ///< more or fewer bytes than declared
+    NotAPackage,    ///< Not a zip file, or a truncated one.
+    BadDirectory,   ///< The central directory contradicts itself or the file.
+    NoMember,       ///< There is no member of this name.
+    Encrypted,      ///< The member needs a password.
+    UnknownMethod,  ///< The member is neither stored nor deflated.
+    BadLocalHeader, ///< The member's local header contradicts the directory.
+    BadData,        ///< The member's data is not a deflate stream.
+    BadSize,        ///< The member has more or fewer bytes than declared.
     BadChecksum,
-    TooLarge, ///< a member that is not read whole because of its size
+    TooLarge, ///< The member is too large to be read in one piece.
 };
 
-/// One member as the central directory tells it.
+/// One member, as described in the central directory. Sizes and offsets are in bytes.
 struct Member
 {
-    QByteArray name = {}; ///< as stored: UTF-8 or ASCII with "/", in foreign packages anything
-    quint16 flags = 0;    ///< general purpose bit flag
-    quint16 method = 0;
-    quint32 crc = 0;
-    qint64 compressedSize = 0;
-    qint64 size = 0;
-    qint64 headerOffset = 0; ///< of the local header in the file
-    qint64 dataLimit = 0;    ///< when reading: where something else begins in the file
+    QByteArray name = {}; ///< As stored: UTF-8 or ASCII with "/"; in foreign packages any bytes.
+    quint16 flags = 0;    ///< General purpose bit flag.
+    quint16 method = 0;   ///< kStored, kDeflated or any other number.
+    quint32 crc = 0;      ///< CRC-32 of the content.
+    qint64 compressedSize = 0; ///< Of the stored data.
+    qint64 size = 0;           ///< Of the content.
+    qint64 headerOffset = 0;   ///< Of the local header in the file.
+    qint64 dataLimit = 0;      ///< When reading: offset where the next record of the file starts.
 };
 
+/// Compression methods.
 inline constexpr quint16 kStored = 0;
 inline constexpr quint16 kDeflated = 8;
 

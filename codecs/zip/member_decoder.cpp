@@ -1,3 +1,6 @@
+// The stored bytes of a member are its content (method 0) or a raw deflate stream (method 8, RFC
+// 1951). The decoder stops at the declared size, with room for one more byte to find excess
+// content.
 #include "codecs/zip/member_decoder.h"
 
 #include "codecs/deflate/crc32.h"
@@ -22,7 +25,7 @@ Result<MemberDecoder::Step, Error> MemberDecoder::decode(std::span<const char> i
     }
     const auto left = static_cast<size_t>(m_size - m_produced);
     std::span<char> target = output.first(std::min(output.size(), left));
-    char excess = 0; // more than declared would come here
+    char excess = 0; // receives content beyond the declared size
     if (left == 0) {
         target = {&excess, 1};
     }
@@ -36,15 +39,24 @@ Result<MemberDecoder::Step, Error> MemberDecoder::decode(std::span<const char> i
     m_crc = deflate::crc32(m_crc, target.first(step->produced));
     m_produced += static_cast<qint64>(step->produced);
     if (m_isStreamEnd) {
-        if (m_produced != m_size) {
-            return Fault{Error::BadSize};
+        if (auto finished = finish(); !finished) {
+            return finished.fault();
         }
-        if (m_crc != m_declaredCrc) {
-            return Fault{Error::BadChecksum};
-        }
-        m_isAtEnd = true;
     }
     return step;
+}
+
+/// Compare the decoded content with the directory.
+Result<void, Error> MemberDecoder::finish()
+{
+    if (m_produced != m_size) {
+        return Fault{Error::BadSize};
+    }
+    if (m_crc != m_declaredCrc) {
+        return Fault{Error::BadChecksum};
+    }
+    m_isAtEnd = true;
+    return {};
 }
 
 MemberDecoder::Step MemberDecoder::copy(std::span<const char> input, std::span<char> output)
@@ -70,7 +82,7 @@ Result<MemberDecoder::Step, Error> MemberDecoder::inflate(std::span<const char> 
     if (isStuck && !m_isStreamEnd) {
         return Fault{Error::BadData};
     }
-    // A member ends with its stream: what the engine gives back is of no use to anybody.
+    // The member ends with its stream. Bytes that the inflater gives back are not needed.
     return Step{static_cast<size_t>(std::max<qint64>(step.consumed, 0)), step.produced};
 }
 

@@ -1,5 +1,4 @@
-// io/package/member_decoder.h
-// Turn a member's stored bytes into its content and hold both against what the directory declares.
+// Decodes the stored bytes of a member and compares its content with the directory.
 #pragma once
 #include "base/result.h"
 #include "codecs/deflate/inflater.h"
@@ -9,36 +8,37 @@
 
 namespace corvanta::zip {
 
-/// Threads: one at a time.
+/// Threads: one thread at a time per object.
 class MemberDecoder
 {
 public:
     struct Step
     {
-        size_t consumed = 0;
-        size_t produced = 0;
+        size_t consumed = 0; ///< Bytes of input.
+        size_t produced = 0; ///< Bytes of output.
     };
 
+    /// The method of `member` must be kStored or kDeflated.
     explicit MemberDecoder(const Member &member);
 
-    /// Decode as much of `input` as fits into `output`. A step without progress asks for more input
-    /// (or, with none left, says that the member is cut off). Errors: BadData, BadSize,
-    /// BadChecksum; the last two at the end at the latest, so that what isAtEnd() has been
-    /// verified.
+    /// Decode as much of `input` as fits into `output`. A step without progress needs more input;
+    /// if there is none, the member is truncated. Errors: BadData, BadSize, BadChecksum. Size and
+    /// checksum are verified at the end: a member for which isAtEnd() is true is correct.
     Result<Step, Error> decode(std::span<const char> input, std::span<char> output);
 
-    /// True after the last byte, with size and checksum as declared.
+    /// Whether the last byte has been decoded, and size and checksum are as declared.
     bool isAtEnd() const { return m_isAtEnd; }
-    /// Content bytes so far.
+    /// Number of content bytes decoded so far.
     qint64 position() const { return m_produced; }
 
 private:
+    Result<void, Error> finish();
     Step copy(std::span<const char> input, std::span<char> output);
     Result<Step, Error> inflate(std::span<const char> input, std::span<char> output);
 
     qint64 m_size;
     quint32 m_declaredCrc;
-    std::unique_ptr<deflate::Inflater> m_inflater; // none: the member is stored as it is
+    std::unique_ptr<deflate::Inflater> m_inflater; // null for a stored member
     quint32 m_crc = 0;
     qint64 m_produced = 0;
     bool m_isStreamEnd = false;

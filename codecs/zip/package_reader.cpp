@@ -1,3 +1,10 @@
+// A member in the file (APPNOTE.TXT 6.3, section 4.3; fields: zip_format.cpp):
+//
+//   local header        30 bytes, name, extra field
+//   data                member.compressedSize bytes
+//   [data descriptor]   not read: the directory has the same numbers
+//
+// The directory determines all facts. From the local header only its own length is used.
 #include "codecs/zip/package_reader.h"
 
 #include "base/bytes.h"
@@ -20,6 +27,7 @@ std::span<const char> spanOf(QByteArrayView bytes)
     return {bytes.data(), static_cast<size_t>(bytes.size())};
 }
 
+/// Whether the declared sizes are possible. Rejects archives that claim to expand without limit.
 bool canHaveSize(const Member &member)
 {
     if (member.method == kStored) {
@@ -41,7 +49,7 @@ RawMemberStream::RawMemberStream(ByteSource &source, const Member &member, qint6
 {
 }
 
-// The next piece of the file; empty after the last one.
+// The next chunk of the file; empty after the last one.
 Result<QByteArrayView, Error> RawMemberStream::nextUnverified()
 {
     const qint64 bytes = std::min(m_left, kChunkBytes);
@@ -137,14 +145,7 @@ bool MemberStream::seek(qint64 offset)
         m_input = {};
         m_fault.reset();
     }
-    std::vector<char> skipped(kChunkBytes);
-    while (m_raw->m_decoder.position() < offset) {
-        const qint64 left = offset - m_raw->m_decoder.position();
-        if (read(skipped.data(), std::min(left, kChunkBytes)) <= 0) {
-            return false;
-        }
-    }
-    return true;
+    return skipBytes(*this, offset - m_raw->m_decoder.position());
 }
 
 // ---- PackageReader
@@ -158,7 +159,7 @@ Result<std::unique_ptr<PackageReader>, Error> PackageReader::open(ByteSource &so
     std::unique_ptr<PackageReader> reader(new PackageReader(source));
     reader->m_members = std::move(*members);
     for (size_t i = reader->m_members.size();
-         i-- > 0;) { // backwards: of equal names the first stays
+         i-- > 0;) { // backward, so that the first of several equal names remains
         reader->m_byName[reader->m_members[i].name] = i;
     }
     return reader;
@@ -170,8 +171,10 @@ const Member *PackageReader::find(QByteArrayView name) const
     return found == m_byName.cend() ? nullptr : &m_members[*found];
 }
 
-// Offset of the member's data. The local header is believed in its own lengths only.
-Result<qint64, Error> PackageReader::findData(const Member &member)
+namespace {
+
+/// Whether this reader supports the member.
+Result<void, Error> checkMember(const Member &member)
 {
     if (member.flags & kEncryptionFlags) {
         return Fault{Error::Encrypted};
@@ -181,6 +184,17 @@ Result<qint64, Error> PackageReader::findData(const Member &member)
     }
     if (!canHaveSize(member)) {
         return Fault{Error::BadSize, u"more than deflate can say in so few bytes"_s};
+    }
+    return {};
+}
+
+} // namespace
+
+// Offset of the member's data in the file.
+Result<qint64, Error> PackageReader::findData(const Member &member)
+{
+    if (auto checked = checkMember(member); !checked) {
+        return checked.fault();
     }
     const auto header = readAt(m_source, member.headerOffset, kLocalHeaderBytes);
     if (!header) {
@@ -246,7 +260,7 @@ Result<QByteArray, Error> PackageReader::readWhole(const Member &member)
         return Fault{Error::TooLarge, QString::number(member.size)};
     }
     QByteArray bytes(member.size, Qt::Uninitialized);
-    char beyond = 0; // the read that finds the end verifies the member
+    char beyond = 0; // the read that returns 0 verifies the member
     if (readFully(**stream, bytes.data(), member.size) != member.size ||
         (*stream)->read(&beyond, 1) != 0) {
         return (*stream)->fault().value_or(Fault{Error::BadSize});

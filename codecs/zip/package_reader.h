@@ -1,8 +1,8 @@
-// io/package/package_reader.h
-// Read an Office package (a zip file) member by member.
+// Reads an Office package (a zip file) member by member.
 //
-// The file is not trusted: whatever it says, a call ends with the right bytes or a fault.
-// Threads: one at a time, the streams of a reader included: they read from the one source in turn.
+// Does not trust the file: every call returns the correct bytes or a fault. Layout:
+// docs/formats/package.md.
+// Threads: one thread at a time per reader, including its streams, which share the source.
 #pragma once
 #include "base/byte_source.h"
 #include "base/result.h"
@@ -16,19 +16,20 @@
 
 namespace corvanta::zip {
 
-/// A member with its bytes as they are stored, whose content has been verified.
+/// A member and its stored bytes, whose content has been verified.
 struct RawMember
 {
     Member member;
     QByteArray bytes;
 };
 
-/// The stored bytes of a member, in chunks; every chunk is decompressed to verify the member.
+/// Reads the stored bytes of a member in chunks, and decompresses them to verify the member. The
+/// reader's source must outlive it.
 class RawMemberStream
 {
 public:
-    /// The next chunk, valid until the next call; empty when all of the member was there and good.
-    /// Errors: ReadFailed, BadData, BadSize, BadChecksum.
+    /// The next chunk, valid until the next call. Empty at the end of the member, which is then
+    /// verified. Errors: ReadFailed, BadData, BadSize, BadChecksum.
     Result<QByteArrayView, Error> next();
 
 private:
@@ -45,16 +46,17 @@ private:
     std::vector<char> m_scratch;
 };
 
-/// A member's content as a stream. The reader and its source must outlive it.
+/// Reads the content of a member as a stream. The reader's source must outlive it.
 class MemberStream final : public ByteSource
 {
 public:
-    /// See ByteSource. The end (0) is reported only when size and checksum are as declared.
+    /// See ByteSource. Returns 0 only if size and checksum are as declared.
     qint64 read(void *buffer, qint64 n) override;
     qint64 size() override { return m_member.size; }
-    /// Goes back by starting anew and forward by decompressing.
+    /// Seeks backward by starting again, and forward by decompressing.
     bool seek(qint64 offset) override;
-    /// Why the last read was negative. Errors: ReadFailed, BadData, BadSize, BadChecksum.
+    /// Why the last read returned a negative number; ByteSource cannot report it. Errors:
+    /// ReadFailed, BadData, BadSize, BadChecksum.
     const std::optional<Fault<Error>> &fault() const { return m_fault; }
 
 private:
@@ -77,26 +79,27 @@ public:
     /// Errors: ReadFailed, NotAPackage, BadDirectory.
     static Result<std::unique_ptr<PackageReader>, Error> open(ByteSource &source);
 
-    /// All members in the directory's order.
+    /// All members, in the directory's order.
     const std::vector<Member> &members() const { return m_members; }
-    /// The member of exactly this name (of several the first), or null.
+    /// The first member of exactly this name, or null.
     const Member *find(QByteArrayView name) const;
 
-    /// All bytes of a member; behind the last one stands a NUL byte, as behind those of every
-    /// QByteArray. Errors: NoMember, TooLarge, and those of openStream and MemberStream.
+    /// The content of a member, at most limits::kMemberBytes bytes. As in every QByteArray, a NUL
+    /// byte follows the last byte. Errors: NoMember, TooLarge, and those of openStream() and
+    /// MemberStream.
     Result<QByteArray, Error> readWhole(QByteArrayView name);
     Result<QByteArray, Error> readWhole(const Member &member);
 
-    /// Open a member for reading from its start. A name that is not found is looked up once more
-    /// with
-    /// "\" for every "/", as some packers write them.
+    /// Open a member for reading from its start. If the name is not found, tries it again with "\"
+    /// in place of each "/", as some packers write names.
     /// Errors: NoMember, ReadFailed, Encrypted, UnknownMethod, BadLocalHeader, BadSize.
     Result<std::unique_ptr<MemberStream>, Error> openStream(QByteArrayView name);
     Result<std::unique_ptr<MemberStream>, Error> openStream(const Member &member);
 
-    /// Open a member's stored bytes for copying. Errors: as openStream.
+    /// Open the stored bytes of a member for copying. Errors: those of openStream().
     Result<std::unique_ptr<RawMemberStream>, Error> openRaw(const Member &member);
-    /// All stored bytes of a member, verified. Errors: TooLarge, and those of openRaw and next().
+    /// All stored bytes of a member, verified. Errors: TooLarge, and those of openRaw() and
+    /// RawMemberStream::next().
     Result<RawMember, Error> readRaw(const Member &member);
 
 private:
@@ -108,7 +111,7 @@ private:
 
     ByteSource &m_source;
     std::vector<Member> m_members;
-    QHash<QByteArray, size_t> m_byName;
+    QHash<QByteArray, size_t> m_byName; // index in m_members
 };
 
 } // namespace corvanta::zip

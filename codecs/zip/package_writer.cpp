@@ -1,3 +1,11 @@
+// The package (APPNOTE.TXT 6.3, section 4.3.6; fields: zip_format.cpp):
+//
+//   for each member: local header | data | data descriptor, if a size does not fit 32 bits
+//   central directory: one entry per member
+//   end records
+//
+// The local header is written twice: first with zeros, to reserve its bytes, and again with sizes
+// and checksum when the member is complete.
 #include "codecs/zip/package_writer.h"
 
 #include "codecs/zip/zip_format.h"
@@ -10,7 +18,8 @@ namespace corvanta::zip {
 namespace {
 
 constexpr qsizetype kMaxNameBytes = 0xFFFF;
-// What a sink that collects its blocks may hold before finished members are flushed.
+// Number of bytes after which a finished member is flushed, so that a sink that keeps blocks in
+// memory does not grow.
 constexpr qint64 kFlushBytes = 5 * 1024 * 1024;
 
 Fault<Error> faultOf(const Fault<deflate::Error> &fault)
@@ -41,8 +50,7 @@ Member deflatedMember(QByteArrayView name)
     return member;
 }
 
-// What a member of another package keeps here: how its name is written, not how its sizes were
-// told.
+// The member in this package: keeps the encoding of the name, but not the form of the sizes.
 Member copiedMember(const Member &source)
 {
     Member member = source;
@@ -70,7 +78,7 @@ Result<void, Error> PackageWriter::checkName(QByteArrayView name) const
     return {};
 }
 
-// Write the local header of a member that goes to the sink's position.
+// Write the local header of a member at the sink's position.
 Result<void, Error> PackageWriter::startMember(const Member &member)
 {
     assert(!m_open && !m_hasDirectory);
@@ -125,17 +133,17 @@ Result<void, Error> PackageWriter::closeMember()
     m_open->member.crc = totals->crc;
     m_open->member.size = totals->size;
     m_open->member.compressedSize = totals->compressedSize;
-    if (!m_open->isComplete && !completeHeader()) {
-        return Fault{Error::WriteFailed};
+    if (auto done = m_open->isComplete ? Result<void, Error>() : completeHeader(); !done) {
+        return done;
     }
     m_open->isComplete = true;
     return enterDirectory();
 }
 
-// A header has no room for sizes of more than 32 bits, and a field kept free for them would stand
-// in every member of every small workbook. A member that has grown so large gets a data descriptor
-// behind it instead, and its header says so.
-bool PackageWriter::completeHeader()
+// A local header has no room for sizes above 32 bits, and a reserved field for them would appear in
+// every member of every small workbook. A member that has become so large gets a data descriptor
+// after its data instead, and its header says so.
+Result<void, Error> PackageWriter::completeHeader()
 {
     Member &member = m_open->member;
     qint64 end = m_open->dataOffset + member.compressedSize;
@@ -143,11 +151,14 @@ bool PackageWriter::completeHeader()
         member.flags |= kFlagDescriptor;
         const QByteArray descriptor = dataDescriptor64(member);
         if (!writeAt(end, descriptor)) {
-            return false;
+            return Fault{Error::WriteFailed};
         }
         end += descriptor.size();
     }
-    return writeAt(member.headerOffset, localHeader(member)) && m_sink.seek(end);
+    if (!writeAt(member.headerOffset, localHeader(member)) || !m_sink.seek(end)) {
+        return Fault{Error::WriteFailed};
+    }
+    return {};
 }
 
 bool PackageWriter::writeAt(qint64 offset, const QByteArray &bytes)
@@ -155,6 +166,7 @@ bool PackageWriter::writeAt(qint64 offset, const QByteArray &bytes)
     return m_sink.seek(offset) && m_sink.write(bytes.data(), bytes.size());
 }
 
+// Add the open member to the directory. May be repeated after a failed flush.
 Result<void, Error> PackageWriter::enterDirectory()
 {
     if (m_sink.position() - m_flushedBytes >= kFlushBytes) {
@@ -168,30 +180,43 @@ Result<void, Error> PackageWriter::enterDirectory()
     return {};
 }
 
+Result<void, Error> PackageWriter::startCopy(PackageReader &source, const Member &member)
+{
+    auto raw = source.openRaw(member);
+    if (!raw) {
+        return raw.fault();
+    }
+    if (auto started = startMember(copiedMember(member)); !started) {
+        return started;
+    }
+    m_rawSource = std::move(*raw);
+    m_rawChunk = {};
+    return {};
+}
+
+// Forget a copy that cannot be continued. Its bytes stay in the file, but not in the directory.
+void PackageWriter::abandonCopy()
+{
+    m_rawSource.reset();
+    m_names.remove(m_open->member.name);
+    m_open.reset();
+}
+
 Result<void, Error> PackageWriter::copyRaw(PackageReader &source, const Member &member)
 {
     if (!m_rawSource) {
-        auto raw = source.openRaw(member);
-        if (!raw) {
-            return raw.fault();
+        if (auto started = startCopy(source, member); !started) {
+            return started;
         }
-        if (auto started = startMember(copiedMember(member)); !started) {
-            return started.fault();
-        }
-        m_rawSource = std::move(*raw);
-        m_rawChunk = {};
     }
     if (auto copied = copyChunks(); !copied) {
-        if (copied.fault().code !=
-            Error::WriteFailed) { // what was written stays outside the directory
-            m_rawSource.reset();
-            m_names.remove(m_open->member.name);
-            m_open.reset();
+        if (copied.fault().code != Error::WriteFailed) {
+            abandonCopy();
         }
-        return copied.fault();
+        return copied;
     }
     if (auto entered = enterDirectory(); !entered) {
-        return entered.fault();
+        return entered;
     }
     m_rawSource.reset();
     return {};
@@ -259,7 +284,8 @@ RawMember deflateMember(QByteArrayView name, QByteArrayView bytes, deflate::Leve
     MemorySink sink;
     deflate::DeflateStream stream(sink, {level, 0});
     stream.begin();
-    // Memory refuses nothing, and nobody stops this stream: only bad_alloc can come, as a fault.
+    // A memory sink does not fail and nothing stops this stream, so that a fault can only be a lack
+    // of memory.
     const auto written = stream.write({bytes.data(), static_cast<size_t>(bytes.size())});
     const auto totals = stream.finish();
     if (!written || !totals) {

@@ -1,9 +1,9 @@
-// io/package/package_writer.h
-// Write an Office package (a zip file) member by member.
+// Writes an Office package (a zip file) member by member.
 //
-// Members are streamed: their bytes are compressed beside the caller and go to the sink as they
-// come; the size need not be known before. Bytes written: docs/formats/package.md. Threads: all
-// calls from one thread, but stop() from any; the sink is used by one thread at a time.
+// Members are streamed: worker threads compress their content and write it to the sink, and the
+// size need not be known in advance. Layout: docs/formats/package.md.
+// Threads: all calls from one thread, except stop(), which may be called from any. One thread at a
+// time uses the sink.
 #pragma once
 #include "base/byte_sink.h"
 #include "base/result.h"
@@ -18,48 +18,48 @@
 
 namespace corvanta::zip {
 
-/// Every call that answers WriteFailed may be repeated as it was (after the disk was made emptier,
-/// say): it goes on where it stopped. Any other fault is final.
+/// A call that returns WriteFailed may be repeated with the same arguments, for example after the
+/// user has made room on the disk. It continues where it stopped. All other faults are final.
 class PackageWriter
 {
 public:
-    /// The most that room() can be asked for.
+    /// Maximum size of a room() request.
     static constexpr size_t kMaxRoomBytes = deflate::kMaxRoomBytes;
 
-    /// Write from the sink's start. `sink` must outlive the writer and be able to seek.
+    /// Write to `sink`, which must be at its start, be able to seek, and outlive the writer.
     explicit PackageWriter(ByteSink &sink, const deflate::StreamOptions &options = {});
 
     /// Start a member. `name` is UTF-8 with "/" between its parts.
     /// Errors: WriteFailed, BadName, NameTaken.
     Result<void, Error> openMember(QByteArrayView name);
 
-    /// Room for at least `n` (<= kMaxRoomBytes) bytes of the open member, valid until the next call
-    /// of any kind. Errors: WriteFailed, Stopped, NoMemory.
+    /// A buffer for at least `n` bytes (at most kMaxRoomBytes) of the open member, valid until the
+    /// next call. Errors: WriteFailed, Stopped, NoMemory.
     Result<std::span<char>, Error> room(size_t n);
-    /// Take the first `n` bytes of the room as written.
+    /// Add the first `n` bytes of the buffer from room() to the member.
     void commit(size_t n) { m_stream.commit(n); }
 
-    /// Copy bytes into the open member. Errors: WriteFailed, Stopped, NoMemory.
+    /// Add a copy of `bytes` to the open member. Errors: WriteFailed, Stopped, NoMemory.
     Result<void, Error> write(QByteArrayView bytes);
 
-    /// End the open member: all of it is in the sink then. Errors: WriteFailed, Stopped, NoMemory.
+    /// End the open member and wait until all of it is in the sink. Errors: WriteFailed, Stopped,
+    /// NoMemory.
     Result<void, Error> closeMember();
 
-    /// Add a member of another package as it is: its stored bytes are copied and verified on the
-    /// way. Repeat it with the same arguments after WriteFailed. After a fault of reading (those of
-    /// PackageReader::openRaw and RawMemberStream) the member is not in the package.
+    /// Add a member of another package: copy its stored bytes and verify them. After a read fault
+    /// (those of PackageReader::openRaw() and RawMemberStream) the member is not in the package.
     /// Errors: also WriteFailed, Stopped, BadName, NameTaken.
     Result<void, Error> copyRaw(PackageReader &source, const Member &member);
 
-    /// Add a member from its stored bytes, which have been verified. Errors: WriteFailed, BadName,
-    /// NameTaken.
+    /// Add a member from its stored bytes, which must have been verified. Errors: WriteFailed,
+    /// BadName, NameTaken.
     Result<void, Error> addRaw(const RawMember &raw);
 
-    /// Write the central directory and flush the sink; nothing can be added then. Without it there
-    /// is no package. Errors: WriteFailed.
+    /// Write the central directory and flush the sink. The package is complete only after this
+    /// call, and no member can be added afterwards. Errors: WriteFailed.
     Result<void, Error> close();
 
-    /// End every wait, from any thread: calls that wait, and later ones, answer Stopped.
+    /// Make calls that wait, and all later ones, return Stopped. May be called from any thread.
     void stop() { m_stream.stop(); }
 
 private:
@@ -72,23 +72,26 @@ private:
 
     Result<void, Error> checkName(QByteArrayView name) const;
     Result<void, Error> startMember(const Member &member);
+    Result<void, Error> startCopy(PackageReader &source, const Member &member);
+    void abandonCopy();
     Result<void, Error> copyChunks();
-    bool completeHeader();
+    Result<void, Error> completeHeader();
     bool writeAt(qint64 offset, const QByteArray &bytes);
     Result<void, Error> enterDirectory();
 
     ByteSink &m_sink;
     deflate::DeflateStream m_stream;
     std::optional<OpenMember> m_open;
-    std::unique_ptr<RawMemberStream> m_rawSource; // of a copy that is under way
-    QByteArrayView m_rawChunk;                    // of it, still to be written
+    std::unique_ptr<RawMemberStream> m_rawSource; // of a copy in progress
+    QByteArrayView m_rawChunk;                    // of the copy, not yet written
     std::vector<Member> m_members;
     QSet<QByteArray> m_names;
     qint64 m_flushedBytes = 0;
     bool m_hasDirectory = false;
 };
 
-/// A member deflated once, for packages that all take it in. `name` as for openMember.
+/// Deflate a member once, for use in several packages. `name` is as for openMember().
+/// Throws std::bad_alloc.
 RawMember deflateMember(QByteArrayView name, QByteArrayView bytes, deflate::Level level = {});
 
 } // namespace corvanta::zip

@@ -1,3 +1,15 @@
+// The end of a zip file (APPNOTE.TXT 6.3, section 4.3). Numbers are little-endian:
+//
+//   central directory  entries; fields: zip_format.cpp
+//   zip64 end record   50 4B 06 06; 16: u32 disk, 20: u32 disk of the directory, 32: u64 number of
+//                      entries, 40: u64 directory size, 48: u64 directory offset; 56 bytes
+//   zip64 locator      50 4B 06 07; 8: u64 offset of the zip64 end record; 20 bytes
+//   end record         50 4B 05 06; 4: u16 disk, 6: u16 disk of the directory, 10: u16 number of
+//                      entries, 12: u32 directory size, 16: u32 directory offset, 20: u16 comment
+//                      length; 22 bytes; then the comment
+//
+// The zip64 records exist only in large packages. A field of all ones in the end record means that
+// the zip64 end record has the value.
 #include "codecs/zip/zip_directory.h"
 
 #include "base/bytes.h"
@@ -16,13 +28,13 @@ using namespace Qt::StringLiterals;
 
 constexpr qint64 kMaxCommentBytes = 0xFFFF;
 
-// What the end records say, and where they begin: the directory ends there.
-struct Ending
+// The content of the end record, and its offset. The directory ends there.
+struct EndRecord
 {
     quint64 count = 0;
     quint64 directoryBytes = 0;
     quint64 directoryOffset = 0;
-    quint32 disks = 0; // the numbers of this disk and of the directory's, both 0 in a single file
+    quint32 disks = 0; // the numbers of both disks combined: 0 in a single file
     qint64 offset = 0;
 
     bool isSaturated() const
@@ -37,8 +49,9 @@ Fault<Error> badDirectory(QLatin1StringView detail, qint64 offset = -1)
     return {Error::BadDirectory, detail, offset};
 }
 
-// A comment may follow the record, and in files that were sent around also other bytes.
-std::optional<Ending> findEnding(const QByteArray &tail, qint64 tailOffset)
+// Search the end record from the end of the file. A comment follows it, and in some transferred
+// files other bytes do too.
+std::optional<EndRecord> findEndRecord(const QByteArray &tail, qint64 tailOffset)
 {
     for (qsizetype at = tail.size() - kEndBytes; at >= 0; --at) {
         const char *record = tail.data() + at;
@@ -46,7 +59,7 @@ std::optional<Ending> findEnding(const QByteArray &tail, qint64 tailOffset)
             loadLE<quint16>(record + 20) > tail.size() - at - kEndBytes) {
             continue;
         }
-        Ending ending;
+        EndRecord ending;
         ending.disks = loadLE<quint32>(record + 4);
         ending.count = loadLE<quint16>(record + 10);
         ending.directoryBytes = loadLE<quint32>(record + 12);
@@ -57,12 +70,12 @@ std::optional<Ending> findEnding(const QByteArray &tail, qint64 tailOffset)
     return std::nullopt;
 }
 
-std::optional<Ending> parseEnding64(const QByteArray &record, qint64 offset)
+std::optional<EndRecord> parseEndRecord64(const QByteArray &record, qint64 offset)
 {
     if (loadLE<quint32>(record.data()) != kEnd64Signature) {
         return std::nullopt;
     }
-    Ending ending;
+    EndRecord ending;
     ending.disks = loadLE<quint32>(record.data() + 16) | loadLE<quint32>(record.data() + 20);
     ending.count = loadLE<quint64>(record.data() + 32);
     ending.directoryBytes = loadLE<quint64>(record.data() + 40);
@@ -71,9 +84,9 @@ std::optional<Ending> parseEnding64(const QByteArray &record, qint64 offset)
     return ending;
 }
 
-// The zip64 end record stands where its locator says, or, when bytes were put in front of the file,
-// right before the locator. Without a locator the short record is all there is.
-Result<Ending, Error> readEnding64(ByteSource &source, const Ending &ending)
+// The zip64 end record is where its locator says, or directly before the locator if bytes were
+// added before the zip file. Returns `ending` if there is no locator.
+Result<EndRecord, Error> readEndRecord64(ByteSource &source, const EndRecord &ending)
 {
     const qint64 locatorOffset = ending.offset - kLocator64Bytes;
     if (locatorOffset < kEnd64Bytes) {
@@ -87,8 +100,8 @@ Result<Ending, Error> readEnding64(ByteSource &source, const Ending &ending)
         return ending;
     }
     const qint64 latest = locatorOffset - kEnd64Bytes;
-    const auto told = narrow<qint64>(loadLE<quint64>(locator->data() + 8));
-    for (const qint64 offset : {told.value_or(latest), latest}) {
+    const auto declared = narrow<qint64>(loadLE<quint64>(locator->data() + 8));
+    for (const qint64 offset : {declared.value_or(latest), latest}) {
         if (offset > latest) {
             continue;
         }
@@ -96,7 +109,7 @@ Result<Ending, Error> readEnding64(ByteSource &source, const Ending &ending)
         if (!record) {
             return record.fault();
         }
-        if (const auto found = parseEnding64(*record, offset)) {
+        if (const auto found = parseEndRecord64(*record, offset)) {
             return *found;
         }
     }
@@ -106,7 +119,7 @@ Result<Ending, Error> readEnding64(ByteSource &source, const Ending &ending)
     return ending;
 }
 
-Result<Ending, Error> readEnding(ByteSource &source)
+Result<EndRecord, Error> readEndRecord(ByteSource &source)
 {
     const qint64 size = source.size();
     if (size < kEndBytes) {
@@ -117,55 +130,82 @@ Result<Ending, Error> readEnding(ByteSource &source)
     if (!tail) {
         return tail.fault();
     }
-    const auto ending = findEnding(*tail, size - tailBytes);
+    const auto ending = findEndRecord(*tail, size - tailBytes);
     if (!ending) {
         return Fault{Error::NotAPackage, u"no end of central directory"_s, size};
     }
-    return readEnding64(source, *ending); // some packers write it though nothing is saturated
+    return readEndRecord64(source, *ending); // some packers write it although no field is saturated
 }
 
-// Replace the saturated fields by those of the zip64 extra field; false when it lacks one.
-bool applyZip64(QByteArrayView extra, Member &member, quint64 &offset)
+// The content of the zip64 extra field; nothing if there is none, or if the extra fields are
+// damaged.
+std::optional<QByteArrayView> findZip64(QByteArrayView extra)
 {
-    quint64 size = static_cast<quint64>(member.size);
-    quint64 compressedSize = static_cast<quint64>(member.compressedSize);
-    quint64 *const fields[] = {&size, &compressedSize, &offset};
-    if (std::none_of(std::begin(fields), std::end(fields),
-                     [](const quint64 *field) { return *field == kSaturated32; })) {
-        return true;
-    }
     while (extra.size() >= 4) {
         const auto id = loadLE<quint16>(extra.data());
         const auto length = loadLE<quint16>(extra.data() + 2);
         extra = extra.sliced(4);
         if (length > extra.size()) {
-            return false;
+            return std::nullopt;
         }
-        if (id != kExtraZip64) {
-            extra = extra.sliced(length);
-            continue;
+        if (id == kExtraZip64) {
+            return extra.first(length);
         }
-        QByteArrayView numbers = extra.first(length);
-        for (quint64 *field : fields) {
-            if (*field == kSaturated32) {
-                if (numbers.size() < 8) {
-                    return false;
-                }
-                *field = loadLE<quint64>(numbers.data());
-                numbers = numbers.sliced(8);
-            }
-        }
-        const auto narrowSize = narrow<qint64>(size);
-        const auto narrowCompressed = narrow<qint64>(compressedSize);
-        member.size = narrowSize.value_or(-1);
-        member.compressedSize = narrowCompressed.value_or(-1);
-        return narrowSize && narrowCompressed;
+        extra = extra.sliced(length);
     }
-    return false;
+    return std::nullopt;
 }
 
-// One entry at the front of `directory`, which it is taken from. `shift`: bytes before the zip
-// file.
+// Replace a saturated field with the next number of the zip64 extra field. Returns false if there
+// are no more numbers.
+bool takeZip64(QByteArrayView &numbers, quint64 &field)
+{
+    if (field != kSaturated32) {
+        return true;
+    }
+    if (numbers.size() < 8) {
+        return false;
+    }
+    field = loadLE<quint64>(numbers.data());
+    numbers = numbers.sliced(8);
+    return true;
+}
+
+// Replace the saturated fields with those of the zip64 extra field. Returns false if it lacks one,
+// or if a size does not fit 63 bits.
+bool applyZip64(QByteArrayView extra, Member &member, quint64 &offset)
+{
+    quint64 size = static_cast<quint64>(member.size);
+    quint64 compressedSize = static_cast<quint64>(member.compressedSize);
+    if (size != kSaturated32 && compressedSize != kSaturated32 && offset != kSaturated32) {
+        return true;
+    }
+    auto numbers = findZip64(extra);
+    if (!numbers || !takeZip64(*numbers, size) || !takeZip64(*numbers, compressedSize) ||
+        !takeZip64(*numbers, offset)) {
+        return false;
+    }
+    const auto narrowSize = narrow<qint64>(size);
+    const auto narrowCompressed = narrow<qint64>(compressedSize);
+    member.size = narrowSize.value_or(-1);
+    member.compressedSize = narrowCompressed.value_or(-1);
+    return narrowSize && narrowCompressed;
+}
+
+// The facts in the fixed part of a directory entry.
+Member parseEntry(const char *entry)
+{
+    Member member;
+    member.flags = loadLE<quint16>(entry + 8);
+    member.method = loadLE<quint16>(entry + 10);
+    member.crc = loadLE<quint32>(entry + 16);
+    member.compressedSize = loadLE<quint32>(entry + 20);
+    member.size = loadLE<quint32>(entry + 24);
+    return member;
+}
+
+// Remove one entry from the start of `directory`. `shift` is the number of bytes before the zip
+// file. Returns nothing if the entry is damaged.
 std::optional<Member> takeEntry(QByteArrayView &directory, qint64 shift, qint64 directoryOffset)
 {
     if (directory.size() < kCentralHeaderBytes ||
@@ -180,12 +220,7 @@ std::optional<Member> takeEntry(QByteArrayView &directory, qint64 shift, qint64 
     if (nameBytes + extraBytes + commentBytes > rest) {
         return std::nullopt;
     }
-    Member member;
-    member.flags = loadLE<quint16>(entry + 8);
-    member.method = loadLE<quint16>(entry + 10);
-    member.crc = loadLE<quint32>(entry + 16);
-    member.compressedSize = loadLE<quint32>(entry + 20);
-    member.size = loadLE<quint32>(entry + 24);
+    Member member = parseEntry(entry);
     member.name = directory.sliced(kCentralHeaderBytes, nameBytes).toByteArray();
     quint64 offset = loadLE<quint32>(entry + 42);
     const QByteArrayView extra = directory.sliced(kCentralHeaderBytes + nameBytes, extraBytes);
@@ -197,9 +232,9 @@ std::optional<Member> takeEntry(QByteArrayView &directory, qint64 shift, qint64 
     return member;
 }
 
-// Tell each member where the next one begins. False when two share bytes: no packer makes such a
-// file, but some that unpack to thousands of times their size are built so. One member that is
-// listed twice under its name is harmless, and exists.
+// Set the limit of each member's data: the start of the next member. Returns false if two members
+// share bytes. No packer writes such files, but archives that expand to thousands of times their
+// size are built so. A member that is listed twice under the same name is accepted.
 bool setDataLimits(std::vector<Member> &members, qint64 directoryOffset)
 {
     std::vector<Member *> byOffset;
@@ -238,42 +273,60 @@ Result<QByteArray, Error> readAt(ByteSource &source, qint64 offset, qint64 n)
     return bytes;
 }
 
+namespace {
+
+// Whether the directory is in one file and inside it.
+Result<void, Error> checkEndRecord(const EndRecord &ending)
+{
+    if (ending.disks != 0) {
+        return badDirectory("part of a set of several files"_L1, ending.offset);
+    }
+    const auto before = static_cast<quint64>(ending.offset);
+    if (ending.directoryBytes > quint64(limits::kPackageDirectoryBytes) ||
+        ending.directoryBytes > before || ending.directoryOffset > before - ending.directoryBytes) {
+        return badDirectory("directory outside the file"_L1, ending.offset);
+    }
+    return {};
+}
+
+Result<std::vector<Member>, Error> parseEntries(QByteArrayView directory, const EndRecord &ending,
+                                                qint64 directoryOffset)
+{
+    const qint64 shift = directoryOffset - static_cast<qint64>(ending.directoryOffset);
+    std::vector<Member> members;
+    while (!directory.isEmpty()) {
+        auto member = takeEntry(directory, shift, directoryOffset);
+        if (!member) {
+            return badDirectory("bad entry"_L1, ending.offset - directory.size());
+        }
+        members.push_back(std::move(*member));
+    }
+    // In packages without zip64 records the count may have wrapped around.
+    if ((members.size() & kSaturated16) != (ending.count & kSaturated16)) {
+        return badDirectory("wrong number of entries"_L1, ending.offset);
+    }
+    return members;
+}
+
+} // namespace
+
 Result<std::vector<Member>, Error> readDirectory(ByteSource &source)
 {
-    const auto ending = readEnding(source);
+    const auto ending = readEndRecord(source);
     if (!ending) {
         return ending.fault();
     }
-    if (ending->disks != 0) {
-        return badDirectory("part of a set of several files"_L1, ending->offset);
-    }
-    const auto before = static_cast<quint64>(ending->offset);
-    if (ending->directoryBytes > quint64(limits::kPackageDirectoryBytes) ||
-        ending->directoryBytes > before ||
-        ending->directoryOffset > before - ending->directoryBytes) {
-        return badDirectory("directory outside the file"_L1, ending->offset);
+    if (auto checked = checkEndRecord(*ending); !checked) {
+        return checked.fault();
     }
     const auto directoryBytes = static_cast<qint64>(ending->directoryBytes);
     const qint64 directoryOffset = ending->offset - directoryBytes;
-    const qint64 shift = directoryOffset - static_cast<qint64>(ending->directoryOffset);
     const auto directory = readAt(source, directoryOffset, directoryBytes);
     if (!directory) {
         return directory.fault();
     }
-    std::vector<Member> members;
-    QByteArrayView rest = *directory;
-    while (!rest.isEmpty()) {
-        auto member = takeEntry(rest, shift, directoryOffset);
-        if (!member) {
-            return badDirectory("bad entry"_L1, ending->offset - rest.size());
-        }
-        members.push_back(std::move(*member));
-    }
-    // Packers without zip64 records let the count wrap around.
-    if ((members.size() & kSaturated16) != (ending->count & kSaturated16)) {
-        return badDirectory("wrong number of entries"_L1, ending->offset);
-    }
-    if (!setDataLimits(members, directoryOffset)) {
+    auto members = parseEntries(*directory, *ending, directoryOffset);
+    if (members && !setDataLimits(*members, directoryOffset)) {
         return badDirectory("members overlap"_L1, directoryOffset);
     }
     return members;

@@ -1,6 +1,5 @@
-// io/package/zip_directory.h
-// Find and read the central directory of a zip file (PKWARE APPNOTE.TXT 6.3, sections 4.3.12
-// to 4.3.16).
+// Finds and reads the central directory of a zip file (PKWARE APPNOTE.TXT 6.3, sections 4.3.12 to
+// 4.3.16).
 #pragma once
 #include "base/byte_source.h"
 #include "base/result.h"
@@ -10,11 +9,11 @@
 
 namespace corvanta::zip {
 
-/// The members in the directory's order. Every one of them lies inside the file, in front of the
-/// directory, and none overlaps another. Errors: ReadFailed, NotAPackage, BadDirectory.
+/// Read the members, in the directory's order. Every member is inside the file and before the
+/// directory, and no two members overlap. Errors: ReadFailed, NotAPackage, BadDirectory.
 Result<std::vector<Member>, Error> readDirectory(ByteSource &source);
 
-/// The source's bytes at `offset`, all `n` of them. Errors: ReadFailed.
+/// Read exactly `n` bytes at `offset`. Errors: ReadFailed, also if there are fewer.
 Result<QByteArray, Error> readAt(ByteSource &source, qint64 offset, qint64 n);
 
 } // namespace corvanta::zip

@@ -1,13 +1,29 @@
-// Local header (4.3.7), widths in bytes, little-endian:
-//   signature 4 | version needed 2 | flags 2 | method 2 | time 2 | date 2 | crc 4 | compressed size
-//   4 | size 4 | name length 2 | extra length 2 | name | extra
-// Central directory entry (4.3.12):
-//   signature 4 | version made by 2 | then as the local header from "version needed" to "extra
-//   length" | comment length 2 | disk 2 | internal attributes 2 | external attributes 4 | local
-//   header offset 4 | name | extra | comment
-// Zip64 extra field (4.5.3): id 2 | length 2 | then of size, compressed size, offset those, 8 bytes
-// each,
-//   whose own field is all ones.
+// The records of a zip file (APPNOTE.TXT 6.3). Numbers are little-endian:
+//
+//   local header (4.3.7)   directory entry (4.3.12)
+//   offset  bytes          offset  bytes  content
+//        0      4               0      4  signature
+//                               4      2  version made by
+//        4      2               6      2  version needed
+//        6      2               8      2  flags
+//        8      2              10      2  method
+//       10    2+2              12    2+2  time and date
+//       14      4              16      4  CRC-32
+//       18      4              20      4  compressed size
+//       22      4              24      4  size
+//       26      2              28      2  name length
+//       28      2              30      2  extra field length
+//                              32      2  comment length
+//                              34      2  disk
+//                              36    2+4  internal and external attributes
+//                              42      4  offset of the local header
+//       30                     46         name, extra field, (directory only) comment
+//
+//   zip64 extra field (4.5.3)  u16 id 1, u16 length; then size, compressed size and offset, 8 bytes
+//                              each, but only those whose own field is all ones
+//   data descriptor (4.3.9)    u32 signature, u32 CRC-32, u64 compressed size, u64 size
+//
+// The end records are drawn in zip_directory.cpp.
 #include "codecs/zip/zip_format.h"
 
 #include "base/bytes.h"
@@ -53,7 +69,7 @@ QByteArray zip64Extra(std::initializer_list<qint64> values)
     return extra + numbers;
 }
 
-// From "version needed" to "extra length", the same in both headers.
+// The fields from "version needed" to "extra field length", which are the same in both records.
 void putCommon(QByteArray &bytes, const Member &member, quint32 crc, quint32 compressedSize,
                quint32 size, qsizetype extraBytes)
 {
@@ -88,7 +104,7 @@ QByteArray localHeader(const Member &member)
                   static_cast<quint32>(member.size), 0);
         return bytes + member.name;
     }
-    QByteArray extra; // in a local header always both sizes
+    QByteArray extra; // a local header always has both sizes
     put(extra, kExtraZip64);
     put(extra, quint16(2 * sizeof(quint64)));
     put(extra, static_cast<quint64>(member.size));
@@ -111,7 +127,7 @@ void appendCentralEntry(const Member &member, QByteArray &directory)
 {
     const QByteArray extra = zip64Extra({member.size, member.compressedSize, member.headerOffset});
     put(directory, kCentralSignature);
-    put(directory, versionOf(member)); // made by: the same, on no particular system
+    put(directory, versionOf(member)); // made by: the same version, on no particular system
     putCommon(directory, member, member.crc, saturated(member.compressedSize),
               saturated(member.size), extra.size());
     put(directory, quint16(0)); // comment
@@ -122,27 +138,36 @@ void appendCentralEntry(const Member &member, QByteArray &directory)
     directory += member.name + extra;
 }
 
-// Zip64 end record (4.3.14) and its locator (4.3.15), then the end record (4.3.16).
+namespace {
+
+// The zip64 end record (4.3.14) and its locator (4.3.15).
+void putEnd64(QByteArray &bytes, quint64 count, qint64 directoryOffset, qint64 directoryBytes)
+{
+    put(bytes, kEnd64Signature);
+    put(bytes, quint64(kEnd64Bytes - 12)); // number of bytes after this field
+    put(bytes, kVersionZip64);
+    put(bytes, kVersionZip64);
+    put(bytes, quint32(0)); // this disk
+    put(bytes, quint32(0)); // disk of the directory
+    put(bytes, count);      // on this disk
+    put(bytes, count);      // in total
+    put(bytes, static_cast<quint64>(directoryBytes));
+    put(bytes, static_cast<quint64>(directoryOffset));
+    put(bytes, kLocator64Signature);
+    put(bytes, quint32(0)); // disk of the zip64 end record
+    put(bytes, static_cast<quint64>(directoryOffset + directoryBytes));
+    put(bytes, quint32(1)); // number of disks
+}
+
+} // namespace
+
 QByteArray endRecords(qint64 memberCount, qint64 directoryOffset, qint64 directoryBytes)
 {
     QByteArray bytes;
     const auto count = static_cast<quint64>(memberCount);
     if (count >= kSaturated16 || directoryOffset >= kSaturated32 ||
         directoryBytes >= kSaturated32) {
-        put(bytes, kEnd64Signature);
-        put(bytes, quint64(kEnd64Bytes - 12)); // of what follows this number
-        put(bytes, kVersionZip64);
-        put(bytes, kVersionZip64);
-        put(bytes, quint32(0)); // this disk
-        put(bytes, quint32(0)); // the directory's disk
-        put(bytes, count);
-        put(bytes, count);
-        put(bytes, static_cast<quint64>(directoryBytes));
-        put(bytes, static_cast<quint64>(directoryOffset));
-        put(bytes, kLocator64Signature);
-        put(bytes, quint32(0)); // the zip64 end record's disk
-        put(bytes, static_cast<quint64>(directoryOffset + directoryBytes));
-        put(bytes, quint32(1)); // disks
+        putEnd64(bytes, count, directoryOffset, directoryBytes);
     }
     const auto shortCount = static_cast<quint16>(qMin<quint64>(count, kSaturated16));
     put(bytes, kEndSignature);
