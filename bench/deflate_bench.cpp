@@ -1,5 +1,4 @@
-// bench/deflate_bench.cpp
-// Sheet XML into and out of a package: MB/s of XML, compressed size in the column "ratio".
+// Writes and reads sheet XML in a package: MB/s of XML, and the compression ratio.
 #include "codecs/zip/package_reader.h"
 #include "codecs/zip/package_writer.h"
 
@@ -14,7 +13,7 @@ using namespace corvanta::zip;
 
 constexpr qsizetype kSheetBytes = 64'000'000;
 
-// Rows of two integers, three doubles and four texts, as a mixed table gives.
+// Rows of two integers, three doubles and four texts.
 const QByteArray &sheetXml()
 {
     static const QByteArray xml = [] {

@@ -1,5 +1,4 @@
-// bench/input_bench.cpp
-// Packed inputs: MB/s of unpacked bytes. Compare gzip with: time zcat FILE > /dev/null
+// Reads packed inputs: MB/s of unpacked bytes. Compare gzip with: time zcat FILE > /dev/null
 #include "corvanta/input_source.h"
 
 #include <QFile>
@@ -17,7 +16,7 @@ using namespace corvanta;
 constexpr int kRows = 500'000;
 constexpr qint64 kReadBytes = 1 << 20;
 
-/// A table of numbers and texts, packed by zlib.
+/// A table of numbers and texts, compressed by zlib.
 QString gzipFile()
 {
     static const QTemporaryDir dir;

@@ -1,11 +1,10 @@
-// bench/make_sales.cpp
 // Prints the table that all whole-program benchmarks read: make_sales ROWS [csv|xml|html] >
 // sales.csv
 //
-// xml: elements row with the attribute id and a child per cell that is there. html: a page with one
-// table. Ten columns: 2 whole numbers, 3 decimal numbers, 4 texts (non-ASCII in about two rows of
-// five), 1 date as text; 2 to 5 % of the cells are missing. The same rows for the same count, on
-// every machine.
+// xml: elements row with the attribute id and a child for each cell that is not missing. html: a
+// page with one table. Ten columns: 2 whole numbers, 3 decimal numbers, 4 texts (non-ASCII in about
+// two rows of five), 1 date as text; 2 to 5 % of the cells are missing. The same rows for the same
+// count, on every machine.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -48,7 +47,7 @@ enum class Form { Csv, Xml, Html };
 
 struct Row
 {
-    char cells[kColumns][96]; ///< empty: missing
+    char cells[kColumns][96]; ///< Empty if the cell is missing.
 
     template <class... Values> void set(int column, const char *format, Values... values)
     {
@@ -73,7 +72,7 @@ Row makeRow(long number, Random &random)
     }
     row.set(4, "%.17g", price * (1 - discount));
     row.set(5, "%s", kCities[random.below(16)]);
-    // Not as arguments: those would be drawn in any order.
+    // Not as arguments, whose order of evaluation is not defined.
     const unsigned model = random.below(500);
     row.set(6, "%s %u", kProducts[random.below(12)], model);
     const char *const family = kNames[random.below(16)];
@@ -132,7 +131,7 @@ void printHtml(const Row &row)
     std::puts("</tr>");
 }
 
-/// What stands before the rows.
+/// The text before the rows.
 void printHead(Form form)
 {
     if (form == Form::Xml) {

@@ -1,4 +1,3 @@
-// bench/simdjson_peer.cpp
 // The peer of json_nested: the lines of nested orders as CSV, with simdjson's On-Demand interface.
 //     simdjson_peer orders.json peer.csv
 #include <simdjson.h>

@@ -1,6 +1,5 @@
-// bench/text_peer.cpp
-// What writeJSON and writeXML are measured against: a plain loop that reads the benchmark table and
-// formats the same rows: text_peer json|xml SALES.csv OUT
+// The peer of writeJSON and writeXML: a simple loop that reads the benchmark table and formats the
+// same rows: text_peer json|xml SALES.csv OUT
 //
 // One thread, the table in memory, from_chars and to_chars for numbers, output in pieces of 1 MiB.
 // The output is the same byte for byte.
@@ -28,7 +27,7 @@ struct Field
 };
 using Record = std::array<Field, kColumns>;
 
-/// Parse one record; the place behind it.
+/// Parse one record. Returns the position after it.
 const char *parse(const char *at, Record &record)
 {
     for (Field &field : record) {

@@ -1,5 +1,4 @@
-// fuzz/dbf_fuzz.cpp
-// Any bytes as a table and its memo file: two ways to read them give the same rows.
+// Any bytes as a table and its memo file: both ways to read them give the same rows.
 //
 // Byte 0: options. Bytes 1 and 2: length of the memo file, which comes first; the table follows.
 #include "base/bytes.h"

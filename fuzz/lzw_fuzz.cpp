@@ -1,5 +1,4 @@
-// fuzz/lzw_fuzz.cpp
-// Any bytes as a .Z file: how they arrive and how they are asked for changes nothing.
+// Any bytes as a .Z file: the result does not depend on the sizes of reads.
 #include "codecs/lzw/lzw_reader.h"
 
 #include <QByteArray>

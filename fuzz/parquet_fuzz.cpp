@@ -1,6 +1,5 @@
-// fuzz/parquet_fuzz.cpp
-// Any bytes as a Parquet file; the first byte chooses the options. Rows do not hang on how the
-// bytes arrive.
+// Any bytes as a Parquet file; the first byte chooses the options. The rows do not
+// depend on how the bytes arrive.
 #include "codecs/parquet/read/table_reader.h"
 
 #include <cstdlib>

@@ -1,5 +1,4 @@
-// fuzz/rar_fuzz.cpp
-// Any bytes as the headers of a RAR archive: what is found lies within what was promised.
+// Any bytes as the headers of a RAR archive: sizes and offsets are valid.
 #include "codecs/rar/rar_entry.h"
 
 #include <cstdlib>

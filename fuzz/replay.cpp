@@ -1,4 +1,3 @@
-// fuzz/replay.cpp
 // Puts every file of the folders given through a fuzz target once.
 #include <cstdint>
 #include <cstdio>

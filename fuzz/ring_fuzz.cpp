@@ -1,5 +1,4 @@
-// fuzz/ring_fuzz.cpp
-// The input as a schedule: how large the blocks and the reads are, and where it stops.
+// The input is a schedule: the sizes of blocks and reads, and where the consumer stops.
 #include "io/input/rar_ring.h"
 
 #include <cstdlib>

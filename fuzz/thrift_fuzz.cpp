@@ -1,5 +1,4 @@
-// fuzz/thrift_fuzz.cpp
-// Any bytes as Parquet records: what reads is written to bytes that read and write the same again.
+// Any bytes as Parquet records: a record that reads is written to bytes that read back equal.
 #include "codecs/parquet/metadata/records.h"
 
 #include <cstdlib>

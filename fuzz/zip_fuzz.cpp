@@ -1,5 +1,4 @@
-// fuzz/zip_fuzz.cpp
-// Any bytes as a package: whole reads and streams agree, and what was copied reads the same.
+// Any bytes as a package: whole reads and streams give the same content, and copies do too.
 #include "codecs/zip/package_writer.h"
 
 #include <cstdlib>

@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 constexpr Level kLevels[] = {
     {Engine::Isal, 1}, {Engine::Isal, 2}, {Engine::Isal, 3}, {Engine::Zlib, 1}, {Engine::Zlib, 6}};
 
-// Text with short and with far repeats: matches reach back over every block's start.
+// Text with near and distant repeats: matches reach back over the start of every block.
 std::string textOf(size_t bytes)
 {
     std::mt19937 random(7);
@@ -123,7 +123,7 @@ TEST(Deflate, EveryLevelReadsBackWithBothInflaters)
     }
 }
 
-// A block that did not see the 32 KiB before it would have to spell its first matches out.
+// Without the 32 KiB before it, a block would have to write its first matches as literals.
 TEST(Deflate, BlocksUseEarlierContentAsDictionary)
 {
     const std::string record = noiseOf(16'000);
@@ -154,7 +154,7 @@ TEST(Deflate, BytesDependOnlyOnTheContent)
     }
 }
 
-// Which deflater takes a block is a matter of time.
+// The order in which deflaters get blocks depends on timing.
 TEST(Deflate, BytesDoNotDependOnEarlierUseOfADeflater)
 {
     const std::string text = textOf(kBlockBytes + kWindowBytes);
@@ -211,7 +211,7 @@ TEST(Deflate, FailedWriteIsReportedOnceAndNothingIsLost)
     const std::string text = textOf(9 * kBlockBytes + 99);
     const QByteArray expected = pack(text, {}, text.size(), false).bytes;
     for (const int workers : {0, 2}) {
-        // Refused twice in a row, as by a disk that is still full at the first retry.
+        // Fails twice in a row, like a disk that is still full at the first retry.
         test::forEveryFailedWrite(10, 1, [&](test::FailingSink &sink) {
             DeflateStream stream(sink, {{}, workers});
             stream.begin();
@@ -237,7 +237,7 @@ TEST(Deflate, SeveralStreamsCanFollowEachOther)
     EXPECT_EQ(sink.bytes(), once + once);
 }
 
-// A sink that holds its first write until it is told to go on.
+// A sink that blocks its first write until the test releases it.
 TEST(Deflate, StopEndsAWaitingCall)
 {
     std::promise<void> isWriting;

@@ -76,7 +76,7 @@ void expectGoodForOthers(const QString &path)
     }
 }
 
-TEST(LargePackage, AMemberGrowsBeyondFourGiB)
+TEST(LargePackage, MembersMayGrowBeyondFourGiB)
 {
     QTemporaryDir folder;
     const QString path = folder.filePath(u"large.zip"_s);
@@ -110,7 +110,7 @@ TEST(LargePackage, AMemberGrowsBeyondFourGiB)
     expectGoodForOthers(path);
 }
 
-// A file in memory that keeps no large writes of zeros.
+// A file in memory that does not store large writes of zeros.
 class SparseFile final : public ByteSink
 {
 public:
@@ -191,7 +191,7 @@ void writeStoredZeros(SparseFile &file, qint64 pieces, const QByteArray &piece)
     put(directory + endRecords(1, offset, directory.size()));
 }
 
-TEST(LargePackage, CopiesAndOffsetsBeyondFourGiB)
+TEST(LargePackage, CopiesAndOffsetsMayExceedFourGiB)
 {
     const QByteArray piece(1 << 20, '\0');
     SparseFile original;
@@ -222,7 +222,7 @@ TEST(LargePackage, CopiesAndOffsetsBeyondFourGiB)
     EXPECT_TRUE(chunk);
 }
 
-TEST(LargePackage, MoreMembersThanSixteenBitsCount)
+TEST(LargePackage, MoreThan65535MembersReadBack)
 {
     QTemporaryDir folder;
     const QString path = folder.filePath(u"many.zip"_s);

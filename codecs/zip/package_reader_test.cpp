@@ -40,7 +40,7 @@ QByteArray packageOf(const std::vector<Part> &parts)
     return sink.bytes();
 }
 
-// A member that is stored as it is, which the writer takes over but never makes.
+// A stored member: the writer copies such members but never creates them.
 RawMember storedMember(const QByteArray &name, const QByteArray &bytes)
 {
     RawMember raw = deflateMember(name, bytes);
@@ -94,7 +94,7 @@ TEST(PackageReader, ReadsWhatWasWritten)
     }
 }
 
-TEST(PackageReader, WholeReadsAreExactAndStreamsTryBackslashes)
+TEST(PackageReader, WholeReadsMatchNamesExactlyAndStreamsTryBackslashes)
 {
     const QByteArray package = packageOf(kParts);
     Opened opened(package);
@@ -128,7 +128,7 @@ TEST(PackageReader, StreamsSeekAndShareTheSource)
     EXPECT_FALSE(first->seek(30));
 }
 
-TEST(PackageReader, StoredMembersAndBytesAroundThePackage)
+TEST(PackageReader, AcceptsStoredMembersAndBytesAroundThePackage)
 {
     const QByteArray stored = packageOf(storedMember("a", "some bytes"));
     for (const QByteArray &bytes : {stored, "in front" + stored, stored + "behind"}) {
@@ -138,7 +138,7 @@ TEST(PackageReader, StoredMembersAndBytesAroundThePackage)
     }
 }
 
-// What reading all of a package comes to: its content, or the fault.
+// The result of reading a whole package: its content, or the fault.
 QByteArray readAll(QByteArrayView bytes)
 {
     Opened opened(bytes);
@@ -153,14 +153,14 @@ QByteArray readAll(QByteArrayView bytes)
     return content;
 }
 
-TEST(PackageReader, ACutPackageIsNone)
+TEST(PackageReader, RejectsTruncatedPackages)
 {
     test::forEveryTruncation(packageOf(kParts),
                              [](const QByteArray &cut) { EXPECT_EQ(readAll(cut), "unopened"); });
 }
 
-// Whatever bit is wrong: no member comes with bytes that are not its own.
-TEST(PackageReader, AFlippedBitNeverGivesWrongBytes)
+// Whichever bit is wrong, no member is read with wrong bytes.
+TEST(PackageReader, FlippedBitsNeverGiveWrongBytes)
 {
     test::forEveryFlip(packageOf(kParts), [](const QByteArray &package) {
         Opened opened(package);
@@ -174,7 +174,7 @@ TEST(PackageReader, AFlippedBitNeverGivesWrongBytes)
     });
 }
 
-TEST(PackageReader, RefusesWhatIsNoPackage)
+TEST(PackageReader, RejectsFilesThatAreNotPackages)
 {
     const QByteArray package = packageOf({{"a", "some bytes"}, {"b", "other bytes"}});
     const qsizetype end = package.size() - kEndBytes;
@@ -211,7 +211,7 @@ TEST(PackageReader, RefusesWhatIsNoPackage)
     }
 }
 
-TEST(PackageReader, RefusesMembersThatLie)
+TEST(PackageReader, RejectsMembersWithWrongFacts)
 {
     struct Case
     {
@@ -251,7 +251,7 @@ TEST(PackageReader, RefusesMembersThatLie)
     }
 }
 
-TEST(PackageReader, ALocalHeaderCannotMoveTheData)
+TEST(PackageReader, RejectsLocalHeadersThatMoveTheData)
 {
     QByteArray package = packageOf({{"a", "some bytes"}, {"b", "other bytes"}});
     package[28] = 40; // extra bytes that reach into the next member
@@ -259,8 +259,6 @@ TEST(PackageReader, ALocalHeaderCannotMoveTheData)
     EXPECT_EQ(opened.reader->readWhole("a").fault().code, Error::BadLocalHeader);
     EXPECT_EQ(*opened.reader->readWhole("b"), "other bytes");
 }
-
-// ---- raw copies
 
 class CountingSink final : public ByteSink
 {
@@ -285,7 +283,7 @@ private:
     MemorySink m_sink;
 };
 
-// Copies every member; the number of refused calls, or -1 after a fault of reading.
+// Copies every member. Returns the number of failed calls, or -1 after a read fault.
 int copyPackage(PackageReader &reader, ByteSink &sink)
 {
     PackageWriter writer(sink);
@@ -305,7 +303,7 @@ int copyPackage(PackageReader &reader, ByteSink &sink)
     return refusals;
 }
 
-TEST(RawCopy, EveryRefusedWriteCanBeRepeated)
+TEST(RawCopy, EveryFailedWriteCanBeRepeated)
 {
     MemorySink big;
     PackageWriter writer(big);
@@ -339,7 +337,7 @@ TEST(RawCopy, StopsBetweenTwoChunks)
     EXPECT_EQ(copied.fault().code, Error::Stopped);
 }
 
-TEST(RawCopy, AFullFlushIsRepeatedToo)
+TEST(RawCopy, FailedFlushCanBeRepeated)
 {
     const QByteArray package = packageOf(storedMember("noise", QByteArray(6'000'000, 'n')));
     Opened opened(package);
@@ -352,7 +350,8 @@ TEST(RawCopy, AFullFlushIsRepeatedToo)
     }
 }
 
-// No zip files (a password makes an OLE file of a package), or cut off; all others are read whole.
+// Files that are not zip files (a password makes a package an OLE file) or are truncated. All
+// others must read completely.
 const QStringList kNoPackages = {u"bug53475-password-is-pass.docx"_s, u"null_file.xlsx"_s,
                                  u"pass_protected.xlsx"_s, u"truncated62886.docx"_s};
 
@@ -360,7 +359,7 @@ class CorpusPackage : public testing::TestWithParam<const char *>
 {
 };
 
-TEST_P(CorpusPackage, IsReadWholeAndCopiedByteForByte)
+TEST_P(CorpusPackage, ReadsCompletelyAndCopiesByteForByte)
 {
     CORVANTA_NEEDS_CORPUS();
     const QDir folder(corvanta::test::corpusFile(QLatin1StringView(GetParam())));
@@ -393,9 +392,9 @@ TEST_P(CorpusPackage, IsReadWholeAndCopiedByteForByte)
     EXPECT_GT(read, 0);
 }
 
-// What another program found in archives of many makers: "members=2; first=NAME ... first
-// sha256=DIGITS".
-TEST(PackageReader, AgreesWithTheFactsOfTheCorpus)
+// Facts that another program reports about archives from many sources: "members=2; first=NAME ...
+// first sha256=DIGITS".
+TEST(PackageReader, EqualsTheFactsOfTheCorpus)
 {
     CORVANTA_NEEDS_CORPUS();
     QFile manifest(corvanta::test::corpusFile(u"MANIFEST.tsv"_s));

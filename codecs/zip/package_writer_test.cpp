@@ -33,7 +33,7 @@ std::vector<Part> someParts()
             {"media/\xc3\xa9t\xc3\xa9.png", QByteArray(70'000, '\x89')}};
 }
 
-// Writes the parts, repeating every call that a full disk refused; the number of refusals.
+// Writes the parts and repeats every failed call. Returns the number of failures.
 int writeParts(const std::vector<Part> &parts, ByteSink &sink,
                const deflate::StreamOptions &options)
 {
@@ -61,7 +61,7 @@ QByteArray packageOf(const std::vector<Part> &parts, const deflate::StreamOption
     return sink.bytes();
 }
 
-TEST(PackageWriter, HeadersAreBareAndComplete)
+TEST(PackageWriter, HeadersHaveNoOptionalFields)
 {
     const QByteArray package = packageOf({{"a/b.xml", "hello"}});
     const QByteArray local = QByteArray::fromHex("504b0304 1400 0000 0800 0000 0000 86a61036 "
@@ -79,14 +79,14 @@ TEST(PackageWriter, HeadersAreBareAndComplete)
     EXPECT_EQ(package.mid(directoryAt + directory.size()).toHex(' '), end.toHex(' '));
 }
 
-TEST(PackageWriter, OnlyNamesBeyondAsciiAreMarkedAsUtf8)
+TEST(PackageWriter, OnlyNonAsciiNamesAreMarkedAsUtf8)
 {
     const QByteArray package = packageOf({{"\xc3\xa9.xml", ""}});
     EXPECT_EQ(package.mid(6, 2).toHex(), "0008");
     EXPECT_EQ(packageOf({{"e.xml", ""}}).mid(6, 2).toHex(), "0000");
 }
 
-TEST(PackageWriter, OtherProgramsReadIt)
+TEST(PackageWriter, OtherProgramsReadThePackage)
 {
     QTemporaryDir folder;
     const QString path = folder.filePath(u"test.zip"_s);
@@ -123,7 +123,7 @@ TEST(PackageWriter, WorkersDoNotChangeTheBytes)
     }
 }
 
-TEST(PackageWriter, EveryRefusedWriteCanBeRepeated)
+TEST(PackageWriter, EveryFailedWriteCanBeRepeated)
 {
     const std::vector<Part> parts = someParts();
     test::FailingSink counter([](int) { return false; });
@@ -135,7 +135,7 @@ TEST(PackageWriter, EveryRefusedWriteCanBeRepeated)
     });
 }
 
-TEST(PackageWriter, RefusesNames)
+TEST(PackageWriter, RejectsInvalidAndDuplicateNames)
 {
     MemorySink sink;
     PackageWriter writer(sink);

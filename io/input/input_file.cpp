@@ -17,7 +17,7 @@ using input::OpenError;
 
 namespace {
 
-/// A plain file through the host's reader.
+/// A plain file, read through the host's file class.
 class PlainSource final : public InputSource
 {
 public:
@@ -132,8 +132,9 @@ double InputFile::getSize()
 {
     double known = m_size;
     if (known == kSizeNotKnown) {
-        const qint64 told = m_source && m_kind == Kind::Plain ? m_source->size() : -1;
-        known = static_cast<double>(told >= 0 ? told : KobiFileInfo(m_parameters, m_name).size());
+        const qint64 sourceSize = m_source && m_kind == Kind::Plain ? m_source->size() : -1;
+        known = static_cast<double>(sourceSize >= 0 ? sourceSize
+                                                    : KobiFileInfo(m_parameters, m_name).size());
         m_size = known;
     }
     return known;
@@ -184,7 +185,7 @@ QString InputFile::failure() const
 
 namespace {
 
-/// Wait for `pause`, but not longer than the run lasts.
+/// Wait for `pause`, or until the run ends.
 void waitWhileRunning(std::chrono::milliseconds pause, const RunControl &control)
 {
     constexpr std::chrono::milliseconds kSlice(50);

@@ -1,8 +1,7 @@
-// io/input/input_file.h
-// The readers' byte stream: plain, gzip, Unix-compress, zip-member and RAR inputs look alike.
+// The byte stream of the readers, the same for plain files, .gz, .Z, zip members and RAR archives.
 //
-// A reader gives a name and reads; the name alone says what kind of input it is. Threads: one at a
-// time, but getProgress() from any.
+// The name alone determines the kind of the input. Threads: one thread at a time per object, except
+// getProgress(), which may be called from any.
 #pragma once
 #include "base/byte_source.h"
 #include "io/input/input_name.h"
@@ -24,42 +23,44 @@ class InputSource;
 class InputFile final : public ByteSource
 {
 public:
-    /// Open `name` (already expanded) at once; see isOpen(). `shared` goes to the host's reader of
-    /// plain files. What hinders a gzip, .Z or RAR file from opening is logged; the rest is silent.
+    /// Open `name`, which is expanded already; check isOpen(). `shared` is passed to the host's
+    /// reader of plain files. Logs why a .gz, .Z or RAR file cannot be opened, but nothing for
+    /// other kinds: the reader reports those.
     InputFile(GlobalParameters *parameters, const QString &name, bool shared);
     ~InputFile() override;
 
     bool isOpen();
 
-    /// Read up to `n` bytes: the count, 0 at the end, negative after a failure (see failure()).
-    /// Packed data that is cut off, damaged or at odds with its checksum ends in a failure.
+    /// Read up to `n` bytes. Returns the number of bytes, 0 at the end, and a negative number after
+    /// a failure; see failure(). Packed data fails if it is truncated, damaged, or does not match
+    /// its checksum.
     qint64 read(void *buffer, qint64 n) override;
 
-    /// Size in bytes of the unpacked data where an archive tells it, else of the file; negative
-    /// when there is no such file.
+    /// Size in bytes of the unpacked data if the archive has it, otherwise of the file. Negative if
+    /// there is no such file.
     double getSize();
 
-    /// Bytes that read() will deliver in all, or -1 when not known.
+    /// Total number of bytes that read() returns, or -1 if unknown.
     qint64 size() override;
 
-    /// Fraction read, 0 to 1; -1 when nothing is open.
+    /// Fraction read, from 0 to 1; -1 if no file is open.
     float getProgress() const;
 
-    /// Go to an offset of the unpacked data. Packed kinds start again and read up to it.
+    /// Move to an offset in the unpacked data. Packed kinds start again and read up to the offset.
     bool seek(qint64 offset) override;
 
     void close();
 
     input::Kind kind() const { return m_kind; }
-    /// The path that was opened; empty when opening failed.
+    /// The path of the open file; empty if opening failed.
     const QString &name() const { return m_name; }
-    /// Name of the zip member that is read, as the archive has it; empty for other kinds.
+    /// Name of the zip member, as stored in the archive; empty for other kinds.
     QString memberName() const;
-    /// Bytes delivered so far, or the offset that seek() went to.
+    /// Offset in the unpacked data of the next byte that read() returns.
     qint64 position() const { return m_position; }
-    /// Whether seek() goes anywhere at no cost.
+    /// Whether seek() has no cost.
     bool isRandomAccess() const { return m_kind == input::Kind::Plain; }
-    /// The message for a failed read, ready for the log; empty while all is well.
+    /// The log message for a failed read. Empty if the last read succeeded.
     QString failure() const;
 
 private:
@@ -74,9 +75,9 @@ private:
     qint64 m_position = 0;
 };
 
-/// What a reader does when its input cannot be opened: with `retries` left (a negative count never
-/// ends, and is silent) log that it tries again, wait for `pause`, and call `open`; true as soon as
-/// that answers true. Ends also when the run does.
+/// Try to open an input again: log a warning, wait for `pause`, and call `open`, up to `retries`
+/// times. A negative count repeats without limit and logs nothing. Returns true when `open` does,
+/// and false after the last attempt or when the run ends.
 bool retryOpening(const QString &name, int retries, const RunControl &control,
                   const std::function<bool()> &open,
                   std::chrono::milliseconds pause = std::chrono::seconds(1));

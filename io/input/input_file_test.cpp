@@ -1,4 +1,4 @@
-// InputFile itself: messages, size, progress, seeking, and the retry loop.
+// InputFile: messages, size, progress, seeking, and the retry loop.
 #include "corvanta/action_item.h"
 #include "corvanta/main_ui.h"
 #include "io/input/input_file.h"
@@ -40,7 +40,7 @@ QByteArray readAll(InputFile &file)
 
 } // namespace
 
-TEST(InputFile, SaysWhyItDoesNotOpen)
+TEST(InputFile, LogsWhyItDoesNotOpen)
 {
     CORVANTA_NEEDS_CORPUS();
     Log log;
@@ -77,7 +77,7 @@ TEST(InputFile, SaysWhyItDoesNotOpen)
     }
 }
 
-TEST(InputFile, TellsSizeProgressAndPositionOfEveryKind)
+TEST(InputFile, ReportsSizeProgressAndPositionOfEveryKind)
 {
     CORVANTA_NEEDS_CORPUS();
     struct Case
@@ -112,7 +112,7 @@ TEST(InputFile, TellsSizeProgressAndPositionOfEveryKind)
     EXPECT_TRUE(log.take().isEmpty());
 }
 
-TEST(InputFile, UpperCaseEndingsAreReadAsTheyStand)
+TEST(InputFile, UpperCaseEndingsAreReadUnchanged)
 {
     const QTemporaryDir dir;
     for (const char *name : {"a.GZ", "a.RAR", "a.ZIP", "a.z", "empty"}) {

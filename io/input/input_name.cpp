@@ -18,8 +18,9 @@ InputName parseInputName(const QString &name)
         return {Kind::Zip, name.left(zipAt + 4), name.mid(zipAt + zipMarker.size())};
     }
     if (xlsxAt >= 0) {
-        // Kept as required: the archive's name is cut with the position of ".zip@", which is -1
-        // here, so that four characters remain, whatever the name.
+        // Kept for saved graphs: the archive's name is cut at the position of ".zip@", which is -1
+        // here, so that four characters remain. Saved graphs with such names must not start to read
+        // another file (InputName.KindsAreTestedInOrder).
         return {Kind::Zip, name.left(zipAt + 5), name.mid(xlsxAt + xlsxMarker.size())};
     }
     if (name.endsWith(QLatin1String(".zip"))) {

@@ -1,4 +1,4 @@
-// The kinds of inputs against the corpus' archives, damage, seeking and stopping.
+// Reads the archives of the corpus, damaged and intact, and seeks in them.
 #include "io/input/archive_sources.h"
 #include "io/input/input_name.h"
 #include "tests/support/corpus.h"
@@ -94,7 +94,7 @@ QByteArray gzipped(const QByteArray &bytes)
 
 } // namespace
 
-TEST(InputName, KindsInTheirOrder)
+TEST(InputName, KindsAreTestedInOrder)
 {
     struct Case
     {
@@ -130,7 +130,7 @@ TEST(InputName, KindsInTheirOrder)
     }
 }
 
-TEST(InputCorpus, ArchivesGiveTheirBytes)
+TEST(InputCorpus, ArchivesUnpackToTheirContent)
 {
     CORVANTA_NEEDS_CORPUS();
     struct Case
@@ -205,7 +205,7 @@ TEST(InputCorpus, ArchivesGiveTheirBytes)
     }
 }
 
-TEST(InputCorpus, DamagedArchivesEndInAFailure)
+TEST(InputCorpus, DamagedArchivesFail)
 {
     CORVANTA_NEEDS_CORPUS();
     const char *const neverOpen[] = {"Z/reserved_flag_bit5.json.Z",
@@ -250,13 +250,13 @@ TEST(InputCorpus, EveryTruncationOfAPackedFileFails)
             const QString cut = writeTemporary(
                 dir, QStringLiteral("cut.") + path.section(QLatin1Char('.'), -1), whole.first(n));
             const Content content = readAll(cut);
-            // What follows the first entry of a RAR archive is not looked at.
+            // The bytes after the first entry of a RAR archive are not read.
             EXPECT_TRUE(!content.isWhole || content.size == fullSize) << name << " cut at " << n;
         }
     }
 }
 
-TEST(InputCorpus, FlippedBitsNeverGiveWrongBytesInSilence)
+TEST(InputCorpus, FlippedBitsNeverGiveWrongBytesWithoutAFailure)
 {
     CORVANTA_NEEDS_CORPUS();
     const QTemporaryDir dir;
@@ -280,7 +280,7 @@ TEST(InputCorpus, FlippedBitsNeverGiveWrongBytesInSilence)
     }
 }
 
-TEST(Gzip, TakesWhatZlibsReaderTakes)
+TEST(Gzip, AcceptsWhatZlibsReaderAccepts)
 {
     const QTemporaryDir dir;
     const QByteArray member = gzipped(QByteArray(100'000, 'x') + "end");

@@ -9,7 +9,8 @@ RarRing::RarRing(size_t ringBytes, size_t highWater)
     : m_ring(ringBytes)
     , m_highWater(highWater)
 {
-    assert(highWater < ringBytes); // otherwise the producer would find neither room nor a wait
+    assert(highWater <
+           ringBytes); // otherwise a full ring would neither have room nor make the producer wait
 }
 
 size_t RarRing::copyIn(std::span<const char> bytes)
@@ -44,11 +45,11 @@ bool RarRing::put(std::span<const char> bytes)
     return true;
 }
 
-void RarRing::finish(const QString &failure)
+void RarRing::finish(Outcome outcome)
 {
     const std::lock_guard lock(m_mutex);
     m_isFinished = true;
-    m_failure = failure;
+    m_outcome = std::move(outcome);
     m_dataAvailable.notify_one();
 }
 
@@ -69,10 +70,10 @@ qint64 RarRing::take(char *out, qint64 n)
     return done;
 }
 
-QString RarRing::failure()
+RarRing::Outcome RarRing::outcome()
 {
     const std::lock_guard lock(m_mutex);
-    return m_failure;
+    return m_outcome;
 }
 
 void RarRing::abort()

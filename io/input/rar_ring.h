@@ -1,11 +1,12 @@
-// io/input/rar_ring.h
-// The ring between the thread that unpacks a RAR entry and the reader that consumes it.
+// The ring buffer between the thread that unpacks a RAR entry and the reader that consumes it.
 //
-// A class without a thread. The producer waits while more than highWater bytes are unread; the
-// consumer waits while nothing is. abort() opens every wait for good.
-// Threads: one producer (put, finish), one consumer (take); abort() from any.
+// Starts no thread. The producer waits while more than highWater bytes are unread; the consumer
+// waits while no byte is. abort() ends every wait.
+// Threads: one producer (put, finish), one consumer (take, outcome); abort() from any.
 #pragma once
-#include <QString>
+#include "base/result.h"
+#include "io/platform/rar_archive.h"
+
 #include <QtGlobal>
 
 #include <condition_variable>
@@ -18,31 +19,34 @@ namespace corvanta::input {
 class RarRing
 {
 public:
+    using Outcome = Result<void, platform::RarError>;
     static constexpr size_t kRingBytes = 0x500000;
     static constexpr size_t kHighWater = 0x100000;
 
+    /// Sizes are in bytes; `highWater` must be smaller than `ringBytes`.
     explicit RarRing(size_t ringBytes = kRingBytes, size_t highWater = kHighWater);
 
-    /// Copy `bytes` in, in pieces when there is not room for all at once; false after abort().
+    /// Copy `bytes` to the ring, in pieces if they do not fit. Returns false after abort().
     bool put(std::span<const char> bytes);
 
-    /// No more will come. `failure` says why when that is not the end of the data.
-    void finish(const QString &failure);
+    /// No more bytes will come: the data has ended or, with a fault, failed.
+    void finish(Outcome outcome);
 
-    /// Deliver up to `n` bytes, waiting for all of them: fewer only at the end, 0 then and after
-    /// abort().
+    /// Copy `n` bytes from the ring, and wait until they have arrived. Returns fewer only at the
+    /// end of the data and after abort().
     qint64 take(char *out, qint64 n);
 
-    /// What finish() was given; empty before it.
-    QString failure();
+    /// The argument of finish(); success before that.
+    Outcome outcome();
 
+    /// End all waits, now and later.
     void abort();
 
 private:
     size_t copyIn(std::span<const char> bytes);
     size_t copyOut(char *out, size_t n);
 
-    std::mutex m_mutex; // guards all that follows
+    std::mutex m_mutex; // guards the members below
     std::condition_variable m_dataAvailable;
     std::condition_variable m_roomAvailable;
     std::vector<char> m_ring;
@@ -52,7 +56,7 @@ private:
     size_t m_writeAt = 0;
     bool m_isFinished = false;
     bool m_isAborted = false;
-    QString m_failure;
+    Outcome m_outcome;
 };
 
 } // namespace corvanta::input

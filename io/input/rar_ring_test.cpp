@@ -1,4 +1,4 @@
-// The ring on its own: order, room, wrapping, the end, and aborts out of every wait.
+// The ring without an archive: order, wrapping, the end of the data, and abort() during waits.
 #include "io/input/rar_ring.h"
 
 #include <QByteArray>
@@ -8,6 +8,7 @@
 #include <random>
 #include <thread>
 
+using namespace corvanta;
 using namespace corvanta::input;
 
 namespace {
@@ -28,7 +29,7 @@ std::vector<char> patternBytes(size_t from, size_t n)
 
 } // namespace
 
-TEST(RarRing, KeepsOrderThroughManyWrapsAndBlocksLargerThanItself)
+TEST(RarRing, KeepsOrderWithManyWrapsAndLargeBlocks)
 {
     constexpr size_t kTotal = 300'000;
     RarRing ring(1000, 200);
@@ -57,18 +58,19 @@ TEST(RarRing, KeepsOrderThroughManyWrapsAndBlocksLargerThanItself)
     }
     producer.join();
     EXPECT_EQ(done, kTotal);
-    EXPECT_TRUE(ring.failure().isEmpty());
+    EXPECT_TRUE(ring.outcome());
 }
 
-TEST(RarRing, DeliversWhatIsThereBeforeTheFailure)
+TEST(RarRing, DeliversTheBytesBeforeTheFailure)
 {
     RarRing ring(100, 50);
     ASSERT_TRUE(ring.put(patternBytes(0, 10)));
-    ring.finish(QStringLiteral("why"));
+    ring.finish(Fault{platform::RarError::Damaged, QStringLiteral("why")});
     std::vector<char> out(20);
     EXPECT_EQ(ring.take(out.data(), 20), 10);
     EXPECT_EQ(ring.take(out.data(), 20), 0);
-    EXPECT_EQ(ring.failure(), QStringLiteral("why"));
+    ASSERT_FALSE(ring.outcome());
+    EXPECT_EQ(ring.outcome().fault().detail, QStringLiteral("why"));
 }
 
 TEST(RarRing, AbortEndsAWaitingProducerAndAWaitingConsumer)

@@ -12,7 +12,7 @@ namespace {
 using platform::RarArchive;
 using platform::RarError;
 
-/// One unpacking: the ring, and the thread that fills it.
+/// Unpacks an archive once: the ring and the thread that fills it. The destructor joins the thread.
 class Unpacking
 {
 public:
@@ -34,17 +34,17 @@ private:
     void produce() noexcept
     {
         try {
-            auto unpacked = m_archive->unpack(
-                [this](std::span<const char> bytes) { return m_ring.put(bytes); });
-            m_ring.finish(unpacked ? QString() : unpacked.fault().detail);
+            m_ring.finish(m_archive->unpack(
+                [this](std::span<const char> bytes) { return m_ring.put(bytes); }));
         } catch (const std::bad_alloc &) {
-            m_ring.finish(QStringLiteral("there is not enough memory to unpack it"));
+            m_ring.finish(Fault{RarError::Damaged,
+                                QStringLiteral("there is not enough memory to unpack it")});
         }
     }
 
     RarRing m_ring;
     std::unique_ptr<RarArchive> m_archive;
-    std::thread m_producer; // last: uses the others
+    std::thread m_producer; // last: uses the members above
 };
 
 class RarSource final : public InputSource
@@ -66,7 +66,10 @@ public:
             return got;
         }
         if (m_unpacking && failure().isEmpty()) {
-            fail(m_unpacking->ring().failure());
+            const auto outcome = m_unpacking->ring().outcome();
+            if (!outcome) {
+                fail(outcome.fault().detail);
+            }
         }
         return failure().isEmpty() ? 0 : -1;
     }
@@ -90,7 +93,7 @@ private:
     const QString m_path;
     const qint64 m_size;
     qint64 m_position = 0;
-    std::unique_ptr<Unpacking> m_unpacking; // null when it could not be started again
+    std::unique_ptr<Unpacking> m_unpacking; // null if it could not be started again
 };
 
 OpenError openErrorOf(RarError error)

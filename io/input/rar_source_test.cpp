@@ -1,4 +1,4 @@
-// The thread that unpacks a RAR entry ends whenever its input does.
+// The thread that unpacks a RAR entry ends together with its input.
 #include "io/input/archive_sources.h"
 #include "tests/support/corpus.h"
 
@@ -18,14 +18,14 @@ size_t threadCount()
 
 } // namespace
 
-TEST(RarThreads, OpenAndCloseAtRandomMomentsLeavesNothing)
+TEST(RarThreads, OpeningAndClosingAtAnyTimeLeavesNoThread)
 {
     CORVANTA_NEEDS_CORPUS();
-    // One for each unpacker; both unpack to more than the ring holds.
+    // One archive for each library. Both unpack to more bytes than the ring holds.
     const QString paths[] = {test::corpusFile(QStringLiteral("archives/rar/rar5_64MiB_in_3KB.rar")),
                              test::corpusFile(QStringLiteral(
                                  "archives/rar/test_read_format_rar_multi_lzss_blocks.rar"))};
-    ASSERT_TRUE(openRar(paths[0])); // a sanitizer starts a thread of its own with the first one
+    ASSERT_TRUE(openRar(paths[0])); // a sanitizer starts its own thread with the first one
     const size_t before = threadCount();
     std::mt19937 random(3);
     std::vector<char> buffer(100'000);

@@ -1,5 +1,7 @@
-// Members are located with minizip and taken out as they are stored; unpacking and the check of
-// size and checksum are done here, so that a wrong member is an error whatever way it is read.
+// Locates members with minizip and reads their stored bytes. Unpacks them here, and compares size
+// and checksum with the directory, so that a damaged member fails however it is read.
+//
+// Stored bytes are the content (method 0) or a raw deflate stream (method 8, RFC 1951).
 #include "codecs/deflate/crc32.h"
 #include "codecs/deflate/inflater.h"
 #include "io/input/archive_sources.h"
@@ -20,14 +22,15 @@ constexpr size_t kInputBytes = 64 * 1024;
 constexpr uLong kEncryptedFlag = 1;
 constexpr uLong kUtf8Flag = 1 << 11;
 
-/// 0x80 to 0xFF of code page 437, which names have that are not in UTF-8.
+/// The characters 0x80 to 0xFF of code page 437, for names that are not UTF-8.
 constexpr char16_t kCodePage437[] = u"ÇüéâäàåçêëèïîìÄÅÉæÆôöòûùÿÖÜ¢£¥₧ƒ"
                                     u"áíóúñÑªº¿⌐¬½¼¡«»░▒▓│┤╡╢╖╕╣║╗╝╜╛┐"
                                     u"└┴┬├─┼╞╟╚╔╩╦╠═╬╧╨╤╥╙╘╒╓╫╪┘┌█▄▌▐▀"
                                     u"αßΓπΣσµτΦΘΩδ∞φε∩≡±≥≤⌠⌡÷≈°∙·√ⁿ²■\u00A0";
 static_assert(std::size(kCodePage437) == 128 + 1);
 
-/// Old packers write names in the code page of their system, and some write UTF-8 without the flag.
+/// Decode a member's name. Some packers write UTF-8 without the flag for it; old packers write the
+/// code page of their system.
 QString decodeName(QByteArrayView raw, uLong flags)
 {
     QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
@@ -43,7 +46,7 @@ QString decodeName(QByteArrayView raw, uLong flags)
     return inCodePage;
 }
 
-// minizip's file functions over QFile, which takes any file name on any system.
+// minizip's file functions, implemented with QFile, which accepts any file name on any system.
 voidpf openFile(voidpf, const void *name, int)
 {
     auto file = std::make_unique<QFile>(*static_cast<const QString *>(name));
@@ -110,7 +113,7 @@ public:
         }
     }
 
-    /// Start with the member's first byte; false when minizip does not open it.
+    /// Start at the member's first byte. Returns false if minizip cannot open the member.
     bool start();
     qint64 read(void *buffer, qint64 n) override;
     qint64 size() override { return static_cast<qint64>(m_info.uncompressed_size); }
@@ -119,7 +122,8 @@ public:
     QString memberName() const override { return m_name; }
 
 private:
-    qint64 unpack(char *out, qint64 n);
+    qint64 readStored(char *out, qint64 n);
+    qint64 inflate(char *out, qint64 n);
     qint64 atEnd();
 
     UnzipHandle m_archive;
@@ -147,15 +151,17 @@ bool ZipSource::start()
     return unzOpenCurrentFile2(m_archive.get(), &method, nullptr, 1) == UNZ_OK;
 }
 
-qint64 ZipSource::unpack(char *out, qint64 n)
+qint64 ZipSource::readStored(char *out, qint64 n)
+{
+    const int got = unzReadCurrentFile(m_archive.get(), out,
+                                       static_cast<unsigned>(std::min<qint64>(n, 1 << 30)));
+    m_ended = got <= 0;
+    return got;
+}
+
+qint64 ZipSource::inflate(char *out, qint64 n)
 {
     while (true) {
-        if (!m_inflater) {
-            const int got = unzReadCurrentFile(m_archive.get(), out,
-                                               static_cast<unsigned>(std::min<qint64>(n, 1 << 30)));
-            m_ended = got <= 0;
-            return got;
-        }
         const auto step = m_inflater->inflate({m_input.data() + m_at, m_end - m_at},
                                               {out, static_cast<size_t>(n)});
         m_at = static_cast<size_t>(static_cast<qint64>(m_at) + step.consumed);
@@ -178,7 +184,7 @@ qint64 ZipSource::unpack(char *out, qint64 n)
     }
 }
 
-/// What the end of the data is worth: 0 when size and checksum agree.
+/// The result of a read at the end of the data: 0 if size and checksum are correct.
 qint64 ZipSource::atEnd()
 {
     if (m_done != size() || m_crc != m_info.crc) {
@@ -196,7 +202,8 @@ qint64 ZipSource::read(void *buffer, qint64 n)
     if (m_ended) {
         return atEnd();
     }
-    const qint64 got = unpack(static_cast<char *>(buffer), n);
+    char *const out = static_cast<char *>(buffer);
+    const qint64 got = m_inflater ? inflate(out, n) : readStored(out, n);
     if (got < 0) {
         return fail(QStringLiteral("the zip member '%1' is damaged or cut off").arg(m_name));
     }
@@ -216,7 +223,8 @@ bool ZipSource::seek(qint64 offset)
     return start() && skipBytes(*this, offset);
 }
 
-/// Go to the wanted entry and tell about it; false when it is not there or cannot be read.
+/// Move to the wanted entry and get its facts. Returns false if it does not exist or cannot be
+/// read.
 bool findMember(unzFile archive, const QString &member, unz_file_info64 *info, QString *name)
 {
     std::array<char, 65536> raw{};

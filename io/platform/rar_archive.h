@@ -1,8 +1,7 @@
-// io/platform/rar_archive.h
-// Unpack the first entry of a RAR archive with what the platform has.
+// Unpacks the first entry of a RAR archive with the libraries of the platform.
 //
-// POSIX: libunarr for RAR 4 and libarchive for RAR 5 (each reads the other's format not at all, or
-// wrongly). Windows: unrar64.dll, loaded when the first archive is opened.
+// POSIX: libunarr for RAR 4 and libarchive for RAR 5, because each of them reads the other format
+// wrongly or not at all. Windows: unrar64.dll, loaded when the first archive is opened.
 #pragma once
 #include "base/result.h"
 
@@ -15,18 +14,19 @@
 namespace corvanta::platform {
 
 enum class RarError : quint8 {
-    CannotOpen = 1, ///< the system does not open the file
-    NoUnpacker,     ///< the unpacking library is missing: the detail is the message to log
-    Refused,        ///< no RAR archive, or of an unsupported kind: see the detail
-    Damaged,        ///< the entry does not unpack, or not to what its header promises
-    Stopped,        ///< the receiver asked for the end
+    CannotOpen = 1, ///< The system cannot open the file.
+    NoUnpacker,     ///< The unpacking library is missing. The detail is the message to log.
+    Refused,        ///< Not a RAR archive, or of an unsupported kind. See the detail.
+    Damaged,        ///< The entry cannot be unpacked, or does not match its header.
+    Stopped,        ///< The receiver returned false.
 };
 
-/// Threads: one at a time, not always the same; archives share nothing.
+/// An open archive. Threads: one thread at a time per object, not always the same one; separate
+/// objects are independent.
 class RarArchive
 {
 public:
-    /// Takes a piece of unpacked data; false ends the unpacking.
+    /// Receives a piece of unpacked data. Returns false to end the unpacking.
     using Receiver = std::function<bool(std::span<const char>)>;
 
     RarArchive() = default;
@@ -34,15 +34,16 @@ public:
     RarArchive &operator=(const RarArchive &) = delete;
     virtual ~RarArchive() = default;
 
-    /// Unpacked bytes of the first entry, as its header says.
+    /// Unpacked size of the first entry in bytes, from its header.
     virtual qint64 size() const = 0;
 
-    /// Unpack the first entry, once. Success means that size and checksum agree.
+    /// Unpack the first entry. Call it only once. Success means that size and checksum are correct.
     /// Errors: Damaged, Stopped.
     virtual Result<void, RarError> unpack(const Receiver &receiver) = 0;
 };
 
-/// Open the archive `path` and read up to its first entry. Errors: CannotOpen, NoUnpacker, Refused.
+/// Open the archive `path` and read its headers up to the first entry. Errors: CannotOpen,
+/// NoUnpacker, Refused.
 Result<std::unique_ptr<RarArchive>, RarError> openRarArchive(const QString &path);
 
 } // namespace corvanta::platform

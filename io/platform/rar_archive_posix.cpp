@@ -1,3 +1,6 @@
+// The POSIX implementation. codecs/rar reads the headers and finds archives that must be rejected;
+// then stored entries are copied, and libunarr or libarchive unpacks all others. Size and CRC-32
+// are compared with the header in each case. Layout of the headers: codecs/rar/rar_entry.cpp.
 #include "codecs/deflate/crc32.h"
 #include "codecs/rar/rar_entry.h"
 #include "io/platform/rar_archive.h"
@@ -48,13 +51,13 @@ private:
     QFile m_file;
 };
 
-/// What is said about an entry.
-QString about(const rar::Entry &entry, const char *what)
+/// A message about an entry.
+QString entryMessage(const rar::Entry &entry, const char *what)
 {
     return QStringLiteral("the RAR entry '%1' %2").arg(entry.name, QLatin1StringView(what));
 }
 
-/// Takes what an unpacker delivers and compares it with the entry's header.
+/// Passes the unpacked bytes on to the receiver and compares them with the entry's header.
 class PosixRar : public RarArchive
 {
 public:
@@ -90,7 +93,7 @@ protected:
     const rar::Entry &entry() const { return m_entry; }
     Fault<RarError> damaged(const char *what) const
     {
-        return {RarError::Damaged, about(m_entry, what)};
+        return {RarError::Damaged, entryMessage(m_entry, what)};
     }
     qint64 left() const { return m_entry.size - m_done; }
     Result<void, RarError> deliver(std::span<const char> piece)
@@ -189,7 +192,7 @@ private:
             return damaged("cannot be unpacked");
         }
         std::vector<char> piece(kPieceBytes);
-        // One call more than the bytes need: the checksum is looked at with the end.
+        // Read until the end is reported: the library verifies the checksum only then.
         while (true) {
             const la_ssize_t got = archive_read_data(rar.get(), piece.data(), piece.size());
             if (got < 0) {
@@ -218,10 +221,9 @@ Result<std::unique_ptr<RarArchive>, RarError> openRarArchive(const QString &path
     if (!entry) {
         return Fault<RarError>{RarError::Refused, entry.fault().detail};
     }
-    // Found here and not by the unpackers, of which libunarr writes to standard error what it
-    // dislikes.
+    // Checked here because libunarr writes messages about truncated data to standard error.
     if (entry->packedSize > file.size() - entry->dataAt) {
-        return Fault<RarError>{RarError::Refused, about(*entry, "is cut off")};
+        return Fault<RarError>{RarError::Refused, entryMessage(*entry, "is cut off")};
     }
     if (entry->isStored) {
         return std::unique_ptr<RarArchive>(std::make_unique<StoredRar>(path, *entry));

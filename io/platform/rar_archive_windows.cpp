@@ -1,5 +1,5 @@
-// The interface of unrar64.dll as its publisher documents it (unrar.h): the structures and numbers
-// below are those of the documentation.
+// The Windows implementation, with unrar64.dll. The structures and numbers below are those of the
+// library's public documentation (unrar.h).
 #include "io/platform/rar_archive.h"
 
 #include <QFile>
@@ -12,7 +12,7 @@ namespace corvanta::platform {
 
 namespace {
 
-#pragma pack(push, 1) // as unrar.h has it
+#pragma pack(push, 1) // as in unrar.h
 struct OpenData
 {
     char *name;
@@ -57,7 +57,7 @@ enum : unsigned {
 };
 enum : int { ProcessTest = 1, Success = 0 };
 enum : unsigned { MessageProcessData = 1 };
-constexpr int kGoOn = 1;
+constexpr int kContinue = 1;
 constexpr int kAbort = -1;
 
 using Callback = int(CALLBACK *)(UINT message, LPARAM user, LPARAM p1, LPARAM p2);
@@ -69,7 +69,7 @@ struct Library
     int(PASCAL *readHeader)(HANDLE, HeaderData *) = nullptr;
     int(PASCAL *process)(HANDLE, int operation, char *folder, char *name) = nullptr;
     void(PASCAL *setCallback)(HANDLE, Callback, LPARAM) = nullptr;
-    QString failure; // why there is none
+    QString failure; // why the library cannot be used; empty if it can
 };
 
 template <class F> void link(HMODULE module, const char *name, F *function)
@@ -104,7 +104,7 @@ const Library &unrar()
     static Library library;
     static bool isLoaded = false;
     const std::lock_guard lock(mutex);
-    if (!isLoaded) { // a failure is tried again with the next archive
+    if (!isLoaded) { // try again with the next archive
         library = load();
         isLoaded = library.failure.isEmpty();
     }
@@ -149,7 +149,7 @@ private:
     {
         m_done += n;
         m_stopped = !(*m_receiver)({reinterpret_cast<const char *>(bytes), static_cast<size_t>(n)});
-        return m_stopped ? kAbort : kGoOn;
+        return m_stopped ? kAbort : kContinue;
     }
 
     const Library &m_library;
