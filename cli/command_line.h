@@ -1,37 +1,53 @@
-// cli/command_line.h
-// Options and arguments of a command.
+// The words of a command: options and arguments, and how a command ends.
 #pragma once
+#include "base/result.h"
+
 #include <QMap>
 #include <QStringList>
 
 /// Exit statuses, fixed for scripts.
 enum ExitStatus { kDone = 0, kFailed = 1, kUsage = 2, kInterrupted = 130 };
 
-/// What a command accepts: options with a value and options without, by name with the dashes.
+/// A value, or the exit status with which the command ends. The detail of the fault is the text of
+/// a usage error; it is empty if the reason has already been reported.
+template <class T> using CommandResult = corvanta::Result<T, ExitStatus>;
+
+/// The fault of a command line that cannot be carried out; `text` says why.
+corvanta::Fault<ExitStatus> badUsage(const QString &text);
+
+/// Report the usage error of `result`, if there is one, for `command` (empty: none was given).
+/// Returns the exit status.
+ExitStatus reportResult(const QString &command, const CommandResult<void> &result);
+
+/// What a command accepts. Names of options include their dashes.
 struct CommandOptions
 {
     QStringList withValue;
     QStringList flags;
+    qsizetype arguments = 0;
+    QString wrongArguments = {}; ///< usage error for any other number of arguments
 };
 
-/// The command line of one command, taken apart. "--name=value" and "--name value" are the same;
-/// "--" ends the options.
+/// The parsed words of one command. "--name=value" equals "--name value"; "--" ends the options.
 struct CommandLine
 {
-    QStringList arguments;
-    QMap<QString, QStringList> values; ///< in the order given
+    QStringList arguments;             ///< as many as the command accepts
+    QMap<QString, QStringList> values; ///< by option, in the given order
     QStringList flags;
 
+    /// The last value of an option.
     QString value(const QString &name, const QString &defaultValue) const;
     bool has(const QString &flag) const { return flags.contains(flag); }
 
-    /// False, and `error` filled, for an unknown option or a missing value.
-    static bool parse(const QStringList &words, const CommandOptions &options, CommandLine *line,
-                      QString *error);
+    static CommandResult<CommandLine> parse(const QStringList &words,
+                                            const CommandOptions &options);
 };
 
-/// Print "corvanta COMMAND: text" and how to get help; answers kUsage.
-int usageError(const QString &command, const QString &text);
+/// A NAME=VALUE word; the name is not empty.
+struct Assignment
+{
+    QString name;
+    QString value;
 
-/// NAME=VALUE taken apart; false without a "=" or with an empty name.
-bool splitAssignment(const QString &text, QString *name, QString *value);
+    static CommandResult<Assignment> parse(const QString &text);
+};

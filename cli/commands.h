@@ -1,12 +1,11 @@
-// cli/commands.h
-// The commands of corvanta; each takes the words behind its name and answers the exit status.
+// The commands of corvanta. Each takes the words after its name.
 #pragma once
-#include <QStringList>
+#include "command_line.h"
 
-int runCommand(const QStringList &words);
-int checkCommand(const QStringList &words);
-int actionsCommand(const QStringList &words);
-int describeCommand(const QStringList &words);
-int convertCommand(const QStringList &words);
-int headCommand(const QStringList &words);
-int schemaCommand(const QStringList &words);
+CommandResult<void> runCommand(const QStringList &words);
+CommandResult<void> checkCommand(const QStringList &words);
+CommandResult<void> actionsCommand(const QStringList &words);
+CommandResult<void> describeCommand(const QStringList &words);
+CommandResult<void> convertCommand(const QStringList &words);
+CommandResult<void> headCommand(const QStringList &words);
+CommandResult<void> schemaCommand(const QStringList &words);

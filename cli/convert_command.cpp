@@ -13,7 +13,7 @@ using namespace corvanta;
 
 namespace {
 
-/// Columns and, for texts, the bytes of UTF-8 of the longest one.
+/// Columns and, for texts, the length of the longest one in bytes of UTF-8.
 struct Widths
 {
     TableSchema columns;
@@ -30,8 +30,8 @@ struct Widths
     }
 };
 
-/// The declarations of a format that stores texts in fixed widths: the longest text, times f1, plus
-/// f2 bytes.
+/// The column declarations for a format that stores texts in fixed widths. The width is that of the
+/// longest text, times f1, plus f2 bytes.
 QString declarations(const Widths &widths, const ActionParameters &writer)
 {
     const auto valueOf = [&](const QString &name, double without) {
@@ -55,14 +55,14 @@ QString declarations(const Widths &widths, const ActionParameters &writer)
     return xml + "</StringColDef>"_L1;
 }
 
-/// Read the input once for the widths of its texts, if the writer wants them declared and nobody
-/// has.
-int declareWidths(Session &session, const CorvantaGraph &input, const ActionRegistry &registry,
-                  ActionParameters *writer)
+/// Reads the input once and declares the widths of its texts, if the writer needs declarations and
+/// has none.
+CommandResult<void> declareWidths(Session &session, const CorvantaGraph &input,
+                                  const ActionRegistry &registry, ActionParameters *writer)
 {
     const int index = writer->indexOfParameter(u"StringColDef"_s);
     if (index < 0 || !writer->parameterValue(index).isEmpty()) {
-        return kDone;
+        return {};
     }
     Widths widths;
     const auto measure = [&](const TableSchema &columns, const OneRow *row) {
@@ -75,55 +75,68 @@ int declareWidths(Session &session, const CorvantaGraph &input, const ActionRegi
     RunOptions options;
     options.listeners.push_back(
         {u"widths"_s, {QString::fromLatin1(kInputId), 0}, std::make_unique<RowListener>(measure)});
-    const int status = session.run(input, registry, std::move(options));
+    const auto done = session.run(input, registry, std::move(options));
     writer->setParameterValue(index, declarations(widths, *writer));
-    return status;
+    return done;
+}
+
+CommandOptions convertOptions()
+{
+    CommandOptions options = Session::options(inputOptions());
+    options.withValue << u"--writer"_s;
+    options.flags << u"--print-graph"_s;
+    options.arguments = 2;
+    options.wrongArguments = u"an input and an output file are required"_s;
+    return options;
+}
+
+/// Makes the graph that reads the input and writes the output.
+CommandResult<CorvantaGraph> makeGraph(const CommandLine &line, Session &session,
+                                       const ActionRegistry &registry)
+{
+    const QString inputId = QString::fromLatin1(kInputId);
+    const QString outputId = u"output"_s;
+    const auto writer = makeFileAction(registry, FileFormat::Write, line.arguments[1],
+                                       line.values.value(u"--writer"_s));
+    if (!writer) {
+        return writer.fault();
+    }
+    CorvantaGraph graph;
+    if (const auto added = addInput(line, line.arguments[0], registry, &graph); !added) {
+        return added.fault();
+    }
+    auto *const parameters = dynamic_cast<ActionParameters *>(writer->get());
+    if (const auto declared = declareWidths(session, graph, registry, parameters); !declared) {
+        return declared.fault();
+    }
+    if (const auto added = addAction(&graph, outputId, **writer); !added) {
+        return added.fault();
+    }
+    graph.links.append(CorvantaGraph::Link{{inputId, 0}, {outputId, 0}});
+    return graph;
 }
 
 } // namespace
 
-int convertCommand(const QStringList &words)
+CommandResult<void> convertCommand(const QStringList &words)
 {
-    const QString command = u"convert"_s;
-    CommandLine line;
-    QString error;
-    CommandOptions accepted = Session::options(inputOptions());
-    accepted.withValue << u"--writer"_s;
-    accepted.flags << u"--print-graph"_s;
-    if (!CommandLine::parse(words, accepted, &line, &error)) {
-        return usageError(command, error);
+    const auto line = CommandLine::parse(words, convertOptions());
+    if (!line) {
+        return line.fault();
     }
-    if (line.arguments.size() != 2) {
-        return usageError(command, u"an input and an output file are needed"_s);
-    }
-    const std::unique_ptr<Session> session = Session::open(line, &error);
+    const auto session = Session::open(*line);
     if (!session) {
-        return usageError(command, error);
+        return session.fault();
     }
     ActionRegistry registry;
     registry.loadAll();
-    const QString outputId = u"output"_s;
-    const std::unique_ptr<ActionItem> writer = makeFileAction(
-        registry, FileFormat::Write, line.arguments[1], line.values.value(u"--writer"_s), &error);
-    if (!writer) {
-        return usageError(command, error);
+    const auto graph = makeGraph(*line, **session, registry);
+    if (!graph) {
+        return graph.fault();
     }
-    CorvantaGraph graph;
-    if (const int status = addInput(line, line.arguments[0], registry, &graph, &error);
-        status != kDone) {
-        return error.isEmpty() ? status : usageError(command, error);
+    if (line->has(u"--print-graph"_s)) {
+        std::fputs(graph->toXml().constData(), stdout);
+        return {};
     }
-    auto *const parameters = dynamic_cast<ActionParameters *>(writer.get());
-    if (const int status = declareWidths(*session, graph, registry, parameters); status != kDone) {
-        return status;
-    }
-    if (!addAction(&graph, outputId, *writer, &error)) {
-        return usageError(command, error);
-    }
-    graph.links.append(CorvantaGraph::Link{{QString::fromLatin1(kInputId), 0}, {outputId, 0}});
-    if (line.has(u"--print-graph"_s)) {
-        std::fputs(graph.toXml().constData(), stdout);
-        return kDone;
-    }
-    return session->run(graph, registry, {});
+    return (*session)->run(*graph, registry, {});
 }

@@ -1,4 +1,3 @@
-#include "command_line.h"
 #include "commands.h"
 #include "corvanta/action_base.h"
 #include "corvanta/action_registry.h"
@@ -79,62 +78,64 @@ void printParameter(const ParameterInfo &info)
     }
 }
 
+QString descriptionJson(ActionItem &action, const QVector<ParameterInfo> &infos)
+{
+    QJsonObject entry = catalogueEntry(action);
+    entry[u"pinsIn"_s] = action.maxPinIn();
+    entry[u"pinsOut"_s] = action.pinOutCount();
+    entry[u"parameters"_s] = parameterEntries(infos);
+    return QString::fromUtf8(QJsonDocument(entry).toJson());
+}
+
 } // namespace
 
-int actionsCommand(const QStringList &words)
+CommandResult<void> actionsCommand(const QStringList &words)
 {
-    CommandLine line;
-    QString error;
-    if (!CommandLine::parse(words, {{}, {u"--json"_s}}, &line, &error) ||
-        !line.arguments.isEmpty()) {
-        return usageError(u"actions"_s, error.isEmpty() ? u"no argument is expected"_s : error);
+    const auto line =
+        CommandLine::parse(words, {{}, {u"--json"_s}, 0, u"no argument is expected"_s});
+    if (!line) {
+        return line.fault();
     }
     ActionRegistry registry;
     registry.loadAll();
     QJsonArray entries;
     for (const auto &action : registry.prototypes()) {
-        if (line.has(u"--json"_s)) {
+        if (line->has(u"--json"_s)) {
             entries << catalogueEntry(*action);
         } else {
             print(QString::fromLatin1(action->getTypeName()).leftJustified(16) + u' ' +
                   action->getDescription() + u'\n');
         }
     }
-    if (line.has(u"--json"_s)) {
+    if (line->has(u"--json"_s)) {
         print(QString::fromUtf8(QJsonDocument(entries).toJson()));
     }
-    return kDone;
+    return {};
 }
 
-int describeCommand(const QStringList &words)
+CommandResult<void> describeCommand(const QStringList &words)
 {
-    CommandLine line;
-    QString error;
-    if (!CommandLine::parse(words, {{}, {u"--json"_s}}, &line, &error) ||
-        line.arguments.size() != 1) {
-        return usageError(u"describe"_s, error.isEmpty() ? u"one action type is needed"_s : error);
+    const auto line =
+        CommandLine::parse(words, {{}, {u"--json"_s}, 1, u"one action type is required"_s});
+    if (!line) {
+        return line.fault();
     }
     ActionRegistry registry;
     registry.loadAll();
-    ActionItem *const action = registry.prototype(line.arguments[0]);
+    const QString type = line->arguments[0];
+    ActionItem *const action = registry.prototype(type);
     if (action == nullptr) {
-        return usageError(
-            u"describe"_s,
-            u"there is no action '%1' (\"corvanta actions\" lists them)"_s.arg(line.arguments[0]));
+        return badUsage(
+            u"unknown action '%1' (\"corvanta actions\" lists all actions)"_s.arg(type));
     }
     const auto *const declared = dynamic_cast<const ActionParameters *>(action);
     const QVector<ParameterInfo> infos =
         declared != nullptr ? declared->parameters() : QVector<ParameterInfo>();
-    if (line.has(u"--json"_s)) {
-        QJsonObject entry = catalogueEntry(*action);
-        entry[u"pinsIn"_s] = action->maxPinIn();
-        entry[u"pinsOut"_s] = action->pinOutCount();
-        entry[u"parameters"_s] = parameterEntries(infos);
-        print(QString::fromUtf8(QJsonDocument(entry).toJson()));
-        return kDone;
+    if (line->has(u"--json"_s)) {
+        print(descriptionJson(*action, infos));
+        return {};
     }
-    print(u"%1: %2\n%3\n\nParameters\n"_s.arg(line.arguments[0], action->getDescription(),
-                                              pinText(*action)));
+    print(u"%1: %2\n%3\n\nParameters\n"_s.arg(type, action->getDescription(), pinText(*action)));
     std::for_each(infos.begin(), infos.end(), printParameter);
-    return kDone;
+    return {};
 }

@@ -1,6 +1,5 @@
 #include "file_types.h"
 
-#include "command_line.h"
 #include "corvanta/action_parameters.h"
 
 #include <QDir>
@@ -75,34 +74,31 @@ XMLNode parsed(const QString &element)
     return node ? *node : XMLNode::emptyNode();
 }
 
-/// Set the parameters that NAME=VALUE words name; several values of a list are its strings.
-bool apply(const QStringList &settings, ActionParameters *parameters, QString *problem)
+/// Sets the parameters of NAME=VALUE settings; several values of a list parameter are its strings.
+CommandResult<void> apply(const QStringList &settings, ActionParameters *parameters)
 {
     const QVector<ParameterInfo> infos = parameters->parameters();
     QStringList seen;
     for (const QString &setting : settings) {
-        QString name;
-        QString value;
-        if (!splitAssignment(setting, &name, &value)) {
-            *problem = u"'%1' is not of the form NAME=VALUE"_s.arg(setting);
-            return false;
+        const auto assignment = Assignment::parse(setting);
+        if (!assignment) {
+            return assignment.fault();
         }
+        const auto &[name, value] = *assignment;
         const int index = parameters->indexOfParameter(name);
         if (index < 0) {
-            *problem = u"there is no parameter '%1'"_s.arg(name);
-            return false;
+            return badUsage(u"unknown parameter '%1'"_s.arg(name));
         }
-        if (infos[index].type == ParameterInfo::Type::Strings && seen.contains(name)) {
-            value = parameters->parameterValue(index) + u'\n' + value;
-        }
+        const bool isNextString =
+            infos[index].type == ParameterInfo::Type::Strings && seen.contains(name);
+        const QString before = isNextString ? parameters->parameterValue(index) + u'\n' : QString();
         seen << name;
-        if (!parameters->setParameterValue(index, value)) {
-            *problem = u"'%1' is no value of the parameter '%2' (%3)"_s.arg(
-                value, name, ActionParameters::typeName(infos[index].type));
-            return false;
+        if (!parameters->setParameterValue(index, before + value)) {
+            return badUsage(u"invalid value '%1' for parameter '%2' (expected %3)"_s.arg(
+                value, name, ActionParameters::typeName(infos[index].type)));
         }
     }
-    return true;
+    return {};
 }
 
 int fileParameter(const ActionParameters &parameters, FileFormat::Use use)
@@ -117,32 +113,34 @@ int fileParameter(const ActionParameters &parameters, FileFormat::Use use)
 
 } // namespace
 
-std::unique_ptr<ActionItem> makeFileAction(const ActionRegistry &registry, FileFormat::Use use,
-                                           const QString &fileName, const QStringList &settings,
-                                           QString *problem)
+CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const ActionRegistry &registry,
+                                                          FileFormat::Use use,
+                                                          const QString &fileName,
+                                                          const QStringList &settings)
 {
     const QString extension = extensionOf(use, fileName);
     const std::optional<FileAction> found = find(registry, use, extension);
     if (!found) {
-        *problem = u"nothing %1 files with the extension of '%2' (known are: %3)"_s.arg(
+        return badUsage(u"no action %1 files with the extension of '%2' (supported: %3)"_s.arg(
             use == FileFormat::Read ? u"reads"_s : u"writes"_s, fileName,
-            knownExtensions(registry, use));
-        return nullptr;
+            knownExtensions(registry, use)));
     }
     const QString type = QString::fromLatin1(found->type);
-    // A new action looks at the ending of its file (HTML, say), which a packed file does not show.
+    // A new action chooses defaults by the extension of its file, which a compressed file hides.
     const XMLNode element = parsed(u"<%1 fileName='file.%2'/>"_s.arg(type, extension));
     std::unique_ptr<ActionItem> action = registry.create(element, nullptr);
     auto *const parameters = dynamic_cast<ActionParameters *>(action.get());
     parameters->setParameterValue(fileParameter(*parameters, use),
                                   QDir::current().absoluteFilePath(fileName));
-    return apply(words(found->format->settings), parameters, problem) &&
-                   apply(settings, parameters, problem)
-               ? std::move(action)
-               : nullptr;
+    for (const QStringList &some : {words(found->format->settings), settings}) {
+        if (const auto applied = apply(some, parameters); !applied) {
+            return applied.fault();
+        }
+    }
+    return action;
 }
 
-bool addAction(CorvantaGraph *graph, const QString &id, ActionItem &action, QString *problem)
+CommandResult<void> addAction(CorvantaGraph *graph, const QString &id, ActionItem &action)
 {
     std::wostringstream out;
     action.save(out, QString::fromLatin1(action.getTypeName()));
@@ -151,15 +149,14 @@ bool addAction(CorvantaGraph *graph, const QString &id, ActionItem &action, QStr
     added.id = id;
     added.parameters = parsed(element);
     if (added.parameters.isEmpty()) {
-        *problem = u"a name or value has characters that a graph cannot hold"_s;
-        return false;
+        return badUsage(u"a name or value contains characters that a graph cannot contain"_s);
     }
     graph->actions.append(added);
     static const QRegularExpression variable(u"\\$\\{([^}]*)\\}"_s);
     for (const QRegularExpressionMatch &match : variable.globalMatch(element)) {
         graph->variables.insert(match.captured(1), match.captured());
     }
-    return true;
+    return {};
 }
 
 QString knownExtensions(const ActionRegistry &registry, FileFormat::Use use)

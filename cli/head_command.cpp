@@ -11,49 +11,61 @@ using namespace corvanta;
 
 namespace {
 
-/// Run the reader of the one file of a command line and show its first `rows` rows, at least one.
-int readFirstRows(const QString &command, const CommandLine &line, qint64 rows,
-                  const RowListener::See &see)
+CommandOptions headOptions()
 {
-    QString error;
-    if (line.arguments.size() != 1) {
-        return usageError(command, u"one file is needed"_s);
-    }
-    const std::unique_ptr<Session> session = Session::open(line, &error);
+    CommandOptions options = Session::options(inputOptions());
+    options.arguments = 1;
+    options.wrongArguments = u"one file is required"_s;
+    return options;
+}
+
+/// Runs the reader of the file and passes its first `rows` rows, at least one, to `onRow`.
+CommandResult<void> readFirstRows(const QString &command, const CommandLine &line, qint64 rows,
+                                  const RowListener::Callback &onRow)
+{
+    const auto session = Session::open(line);
     if (!session) {
-        return usageError(command, error);
+        return session.fault();
     }
     ActionRegistry registry;
     registry.loadAll();
     CorvantaGraph graph;
-    if (const int status = addInput(line, line.arguments[0], registry, &graph, &error);
-        status != kDone) {
-        return error.isEmpty() ? status : usageError(command, error);
+    if (const auto added = addInput(line, line.arguments[0], registry, &graph); !added) {
+        return added;
     }
     RunOptions options;
     options.listeners.push_back({command,
                                  {QString::fromLatin1(kInputId), 0},
-                                 std::make_unique<RowListener>(see),
+                                 std::make_unique<RowListener>(onRow),
                                  qMax<qint64>(rows, 1)});
-    return session->run(graph, registry, std::move(options));
+    return (*session)->run(graph, registry, std::move(options));
+}
+
+/// The number of rows of -n.
+CommandResult<qint64> rowsOf(const CommandLine &line)
+{
+    constexpr qint64 kDefaultRows = 10;
+    bool isNumber = true;
+    const qint64 rows = line.value(u"-n"_s, QString::number(kDefaultRows)).toLongLong(&isNumber);
+    if (!isNumber || rows < 0) {
+        return badUsage(u"-n needs a number of rows"_s);
+    }
+    return rows;
 }
 
 } // namespace
 
-int headCommand(const QStringList &words)
+CommandResult<void> headCommand(const QStringList &words)
 {
-    constexpr qint64 kUsualRows = 10;
-    CommandLine line;
-    QString error;
-    CommandOptions accepted = Session::options(inputOptions());
+    CommandOptions accepted = headOptions();
     accepted.withValue << u"-n"_s;
-    if (!CommandLine::parse(words, accepted, &line, &error)) {
-        return usageError(u"head"_s, error);
+    const auto line = CommandLine::parse(words, accepted);
+    if (!line) {
+        return line.fault();
     }
-    bool isNumber = true;
-    const qint64 rows = line.value(u"-n"_s, QString::number(kUsualRows)).toLongLong(&isNumber);
-    if (!isNumber || rows < 0) {
-        return usageError(u"head"_s, u"-n is a number of rows"_s);
+    const auto rows = rowsOf(*line);
+    if (!rows) {
+        return rows.fault();
     }
     std::optional<TablePrinter> printer;
     qint64 shown = 0;
@@ -63,7 +75,7 @@ int headCommand(const QStringList &words)
         }
         if (row == nullptr) {
             printer->finish();
-        } else if (shown++ < rows) {
+        } else if (shown++ < *rows) {
             QStringList cells;
             for (int i = 0; i < row->numberOfColumns(); ++i) {
                 cells << row->text(i);
@@ -72,15 +84,14 @@ int headCommand(const QStringList &words)
         }
         return true;
     };
-    return readFirstRows(u"head"_s, line, rows, show);
+    return readFirstRows(u"head"_s, *line, *rows, show);
 }
 
-int schemaCommand(const QStringList &words)
+CommandResult<void> schemaCommand(const QStringList &words)
 {
-    CommandLine line;
-    QString error;
-    if (!CommandLine::parse(words, Session::options(inputOptions()), &line, &error)) {
-        return usageError(u"schema"_s, error);
+    const auto line = CommandLine::parse(words, headOptions());
+    if (!line) {
+        return line.fault();
     }
     const auto show = [](const TableSchema &columns, const OneRow *row) {
         for (qsizetype i = 0; row == nullptr && i < columns.names.size(); ++i) {
@@ -89,5 +100,5 @@ int schemaCommand(const QStringList &words)
         }
         return true;
     };
-    return readFirstRows(u"schema"_s, line, 1, show);
+    return readFirstRows(u"schema"_s, *line, 1, show);
 }

@@ -13,16 +13,17 @@ namespace {
 constexpr qsizetype kListedTables = 50;
 constexpr qsizetype kBeginningChars = 60;
 
-/// --table as fillFromInput() takes it; false when it is no number.
-bool tableOf(const CommandLine &line, int *table)
+/// The table of --table, from 0; -1 without that option.
+CommandResult<int> tableOf(const CommandLine &line)
 {
-    *table = -1;
     if (!line.values.contains(u"--table"_s)) {
-        return true;
+        return -1;
     }
-    bool isNumber = false;
-    *table = line.value(u"--table"_s, QString()).toInt(&isNumber) - 1;
-    return isNumber && *table >= 0;
+    const int number = line.value(u"--table"_s, QString()).toInt();
+    if (number < 1) {
+        return badUsage(u"--table needs a table number, from 1"_s);
+    }
+    return number - 1;
 }
 
 QString describe(const InputTable &table, qsizetype number)
@@ -34,15 +35,15 @@ QString describe(const InputTable &table, qsizetype number)
         visibleText(table.beginning.left(kBeginningChars) + cut), visibleText(table.path));
 }
 
-/// Say which tables there are, so that somebody can choose another.
-void tellTables(const QVector<InputTable> &tables)
+/// Logs the list of tables, from which the user can choose another one.
+void logTables(const QVector<InputTable> &tables)
 {
     if (tables.size() < 2) {
         return;
     }
     QString text =
-        u"The file holds %1 tables; the marked one is read (--table NUMBER reads another):"_s.arg(
-            tables.size());
+        u"The file contains %1 tables; the marked one is read (--table NUMBER reads another):"_s
+            .arg(tables.size());
     for (qsizetype i = 0; i < tables.size(); ++i) {
         if (i < kListedTables || tables[i].isChosen) {
             text += describe(tables[i], i + 1);
@@ -59,29 +60,27 @@ CommandOptions inputOptions()
     return {{u"--reader"_s, u"--table"_s}, {}};
 }
 
-int addInput(const CommandLine &line, const QString &fileName, const ActionRegistry &registry,
-             CorvantaGraph *graph, QString *usage)
+CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
+                             const ActionRegistry &registry, CorvantaGraph *graph)
 {
-    int table = 0;
-    if (!tableOf(line, &table)) {
-        *usage = u"--table is the number of a table, from 1"_s;
-        return kUsage;
+    const auto table = tableOf(line);
+    if (!table) {
+        return table.fault();
     }
-    const std::unique_ptr<ActionItem> action = makeFileAction(
-        registry, FileFormat::Read, fileName, line.values.value(u"--reader"_s), usage);
+    const auto action =
+        makeFileAction(registry, FileFormat::Read, fileName, line.values.value(u"--reader"_s));
     if (!action) {
-        return kUsage;
+        return action.fault();
     }
-    auto *const parameters = dynamic_cast<ActionParameters *>(action.get());
+    auto *const parameters = dynamic_cast<ActionParameters *>(action->get());
     const LogScope scope({nullptr, QString::fromLatin1(kInputId)});
-    if (!parameters->fillFromInput(table)) {
-        return kFailed;
+    if (!parameters->fillFromInput(*table)) {
+        return Fault{kFailed};
     }
     const QVector<InputTable> tables = parameters->inputTables();
-    if (table >= 0 && tables.isEmpty()) {
-        *usage = u"--table: '%1' holds no tables to choose from"_s.arg(fileName);
-        return kUsage;
+    if (*table >= 0 && tables.isEmpty()) {
+        return badUsage(u"--table: '%1' does not contain several tables"_s.arg(fileName));
     }
-    tellTables(tables);
-    return addAction(graph, QString::fromLatin1(kInputId), *action, usage) ? kDone : kUsage;
+    logTables(tables);
+    return addAction(graph, QString::fromLatin1(kInputId), **action);
 }

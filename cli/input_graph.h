@@ -1,5 +1,4 @@
-// cli/input_graph.h
-// The front of a graph: the action that reads the file of convert, head and schema.
+// Adds the action that reads the input file of convert, head and schema to a graph.
 #pragma once
 #include "command_line.h"
 #include "corvanta/action_registry.h"
@@ -8,10 +7,10 @@
 /// Id of that action.
 inline constexpr char kInputId[] = "input";
 
-/// --reader and --table, which addInput() looks at.
+/// The options that addInput() uses: --reader and --table.
 CommandOptions inputOptions();
 
-/// Add the action that reads `fileName`, filled from what the file holds. kDone, or the exit
-/// status, after the messages or with `usage` filled.
-int addInput(const CommandLine &line, const QString &fileName,
-             const corvanta::ActionRegistry &registry, CorvantaGraph *graph, QString *usage);
+/// Add the action that reads `fileName`; parameters that depend on the content of the file are set
+/// from its beginning.
+CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
+                             const corvanta::ActionRegistry &registry, CorvantaGraph *graph);

@@ -19,7 +19,7 @@ public:
 private:
     QByteArray format(const LogMessage &message) const override
     {
-        // Most texts start with their severity.
+        // Most texts begin with their severity.
         const QString text = message.text.trimmed();
         const bool saysSeverity = text.startsWith("error"_L1, Qt::CaseInsensitive) ||
                                   text.startsWith("warning"_L1, Qt::CaseInsensitive);
@@ -29,7 +29,7 @@ private:
     }
 };
 
-/// One object a line, keys in a fixed order, the text as the action gave it.
+/// One object per line with the keys in a fixed order; the text is unchanged.
 class JsonLog final : public CommandLog
 {
 public:
@@ -40,7 +40,7 @@ private:
     {
         const QByteArray array =
             QJsonDocument(QJsonObject{{u"v"_s, text}}).toJson(QJsonDocument::Compact);
-        return array.mid(5, array.size() - 6); // behind {"v": and in front of }
+        return array.mid(5, array.size() - 6); // after {"v": and before }
     }
     QByteArray format(const LogMessage &message) const override
     {
@@ -70,7 +70,7 @@ QString severityOf(int level)
 std::unique_ptr<CommandLog> CommandLog::create(const QString &format, bool quiet)
 {
     if (format == "json"_L1) {
-        // A library's own words on standard error would not be JSON.
+        // Messages that libraries write to standard error would not be JSON.
         return std::make_unique<JsonLog>(quiet, corvanta::platform::takeErrorStream());
     }
     return format == "text"_L1 ? std::make_unique<TextLog>(quiet, stderr)

@@ -1,5 +1,4 @@
-// cli/log_sinks.h
-// Messages on standard error: for people, or one JSON object a line for programs.
+// Writes messages to standard error, as text or as one JSON object per line.
 #pragma once
 #include "corvanta/main_ui.h"
 
@@ -8,17 +7,16 @@
 #include <memory>
 #include <mutex>
 
-/// Writes messages; keeps a progress line at the bottom of a terminal out of their way.
-/// Threads: any.
+/// Writes messages, and keeps a progress line below them on a terminal. Threads: any.
 class CommandLog : public LogSink
 {
 public:
-    /// "text" or "json"; null for anything else. `quiet` leaves out what is neither error nor
-    /// warning.
+    /// Create the log for the format "text" or "json"; null for any other. `quiet` suppresses all
+    /// messages but errors and warnings.
     static std::unique_ptr<CommandLog> create(const QString &format, bool quiet);
 
     void add(const LogMessage &message) final;
-    /// Show `line` at the bottom of the terminal until the next one; empty removes it.
+    /// Show `line` as the progress line until the next call; an empty line removes it.
     void setProgressLine(const QByteArray &line);
 
     CommandLog(bool quiet, std::FILE *out)
@@ -28,6 +26,7 @@ public:
     }
 
 protected:
+    /// The bytes to write for a message, line feed included.
     virtual QByteArray format(const LogMessage &message) const = 0;
 
 private:

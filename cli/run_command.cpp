@@ -11,124 +11,142 @@ using namespace corvanta;
 
 namespace {
 
-/// What `run` and `check` have in common: the graph, and what is wrong with it.
-struct Loaded
+/// A valid graph with the actions and variables that it was checked with.
+struct LoadedGraph
 {
     CorvantaGraph graph;
     ActionRegistry registry;
     QMap<QString, QString> variables;
 };
 
-bool load(const QString &fileName, const QStringList &assignments, Loaded *loaded, QString *usage)
+CommandResult<QMap<QString, QString>> variablesOf(const QStringList &assignments)
 {
-    for (const QString &assignment : assignments) {
-        QString name;
-        QString value;
-        if (!splitAssignment(assignment, &name, &value)) {
-            *usage = u"'%1' is not of the form NAME=VALUE"_s.arg(assignment);
-            return false;
+    QMap<QString, QString> variables;
+    for (const QString &text : assignments) {
+        const auto assignment = Assignment::parse(text);
+        if (!assignment) {
+            return assignment.fault();
         }
-        loaded->variables.insert(name, value);
+        variables.insert(assignment->name, assignment->value);
     }
+    return variables;
+}
+
+/// Loads and validates the graph file of `line`; logs its problems.
+CommandResult<std::unique_ptr<LoadedGraph>> load(const CommandLine &line)
+{
+    auto variables = variablesOf(line.values.value(u"--set"_s));
+    if (!variables) {
+        return variables.fault();
+    }
+    auto loaded = std::make_unique<LoadedGraph>();
+    loaded->variables = *std::move(variables);
     loaded->registry.loadAll();
-    auto graph = CorvantaGraph::load(fileName);
+    auto graph = CorvantaGraph::load(line.arguments[0]);
     const CorvantaGraph::Problems problems =
         graph ? graph->validate(loaded->registry, loaded->variables) : graph.fault().code;
     for (const CorvantaGraph::Problem &problem : problems) {
         MainUI::addLog(MainUI::Error, u"Error: "_s + problem.text);
     }
-    if (problems.isEmpty()) {
-        loaded->graph = *std::move(graph);
+    if (!problems.isEmpty()) {
+        return Fault{kUsage};
     }
-    return problems.isEmpty();
+    loaded->graph = *std::move(graph);
+    return loaded;
 }
 
-/// A tap is a writeCSV that listens to a pin.
-bool addTap(const QString &text, const Loaded &loaded, RunOptions *options, QString *usage)
+/// True if the graph has the output pin.
+bool hasOutputPin(const LoadedGraph &loaded, const CorvantaGraph::Pin &pin)
 {
-    QString pinText;
-    QString fileName;
-    const bool isAssignment = splitAssignment(text, &pinText, &fileName);
-    const auto pin = CorvantaGraph::parsePin(pinText);
-    if (!isAssignment || !pin || fileName.isEmpty()) {
-        *usage = u"'%1' is not of the form ID:PIN=FILE.csv"_s.arg(text);
+    const int index = loaded.graph.indexOf(pin.action);
+    if (index < 0) {
         return false;
     }
-    const int index = loaded.graph.indexOf(pin->action);
-    const ActionItem *const type =
-        index < 0 ? nullptr
-                  : loaded.registry.prototype(loaded.graph.actions[index].parameters.getName());
-    if (type == nullptr || pin->pin >= type->pinOutCount()) {
-        *usage = u"the graph has no output pin '%1' to tap"_s.arg(pinText);
-        return false;
+    const QString type = loaded.graph.actions[index].parameters.getName();
+    return pin.pin < loaded.registry.prototype(type)->pinOutCount();
+}
+
+/// The listener for `--tap ID:PIN=FILE.csv`: a writeCSV that reads the pin.
+CommandResult<Listener> makeTap(const QString &text, const LoadedGraph &loaded)
+{
+    const auto tap = Assignment::parse(text);
+    const auto pin = CorvantaGraph::parsePin(tap ? tap->name : QString());
+    if (!pin || tap->value.isEmpty()) {
+        return badUsage(u"'%1' is not of the form ID:PIN=FILE.csv"_s.arg(text));
+    }
+    if (!hasOutputPin(loaded, *pin)) {
+        return badUsage(u"the graph has no output pin '%1' to tap"_s.arg(tap->name));
     }
     ToXMLStringTool tool;
     const QString element = u"<writeCSV fileName='%1'/>"_s.arg(
-        QString::fromWCharArray(tool.toXML(QDir::current().absoluteFilePath(fileName))));
+        QString::fromWCharArray(tool.toXML(QDir::current().absoluteFilePath(tap->value))));
     const auto writer = XMLNode::parse(element.toUtf8());
     if (!writer) {
-        *usage = u"the name '%1' has characters that a graph cannot hold"_s.arg(fileName);
-        return false;
+        return badUsage(u"the name '%1' contains invalid characters"_s.arg(tap->value));
     }
-    options->listeners.push_back(
-        {"tap "_L1 + pinText, *pin, loaded.registry.create(*writer, nullptr)});
-    return true;
+    return Listener{"tap "_L1 + tap->name, *pin, loaded.registry.create(*writer, nullptr)};
 }
 
-} // namespace
-
-int runCommand(const QStringList &words)
+CommandResult<RunOptions> runOptions(const CommandLine &line, const LoadedGraph &loaded)
 {
-    CommandLine line;
-    QString error;
-    const CommandOptions accepted =
-        Session::options({{u"--set"_s, u"--out-dir"_s, u"--tap"_s, u"--compression"_s}, {}});
-    if (!CommandLine::parse(words, accepted, &line, &error)) {
-        return usageError(u"run"_s, error);
-    }
-    if (line.arguments.size() != 1) {
-        return usageError(u"run"_s, u"one graph file is needed"_s);
-    }
-    const std::unique_ptr<Session> session = Session::open(line, &error);
-    if (!session) {
-        return usageError(u"run"_s, error);
-    }
-    Loaded loaded;
-    if (!load(line.arguments[0], line.values.value(u"--set"_s), &loaded, &error)) {
-        return error.isEmpty() ? kUsage : usageError(u"run"_s, error);
-    }
     RunOptions options;
     options.variables = loaded.variables;
     options.outDir = line.value(u"--out-dir"_s, QString());
     options.compression = line.value(u"--compression"_s, QString());
-    for (const QString &tap : line.values.value(u"--tap"_s)) {
-        if (!addTap(tap, loaded, &options, &error)) {
-            return usageError(u"run"_s, error);
+    for (const QString &text : line.values.value(u"--tap"_s)) {
+        auto tap = makeTap(text, loaded);
+        if (!tap) {
+            return tap.fault();
         }
+        options.listeners.push_back(*std::move(tap));
     }
-    return session->run(loaded.graph, loaded.registry, std::move(options));
+    return options;
 }
 
-int checkCommand(const QStringList &words)
+} // namespace
+
+CommandResult<void> runCommand(const QStringList &words)
 {
-    CommandLine line;
-    QString error;
-    if (!CommandLine::parse(words, {{u"--set"_s, u"--log-format"_s}, {}}, &line, &error)) {
-        return usageError(u"check"_s, error);
+    const auto line = CommandLine::parse(
+        words, Session::options({{u"--set"_s, u"--out-dir"_s, u"--tap"_s, u"--compression"_s},
+                                 {},
+                                 1,
+                                 u"one graph file is required"_s}));
+    if (!line) {
+        return line.fault();
     }
-    const std::unique_ptr<Session> session = Session::open(line, &error);
-    if (line.arguments.size() != 1 || !session) {
-        return usageError(u"check"_s, u"one graph file is needed; --log-format is text or json"_s);
+    const auto session = Session::open(*line);
+    if (!session) {
+        return session.fault();
     }
-    Loaded loaded;
-    const bool valid = load(line.arguments[0], line.values.value(u"--set"_s), &loaded, &error);
-    if (!error.isEmpty()) {
-        return usageError(u"check"_s, error);
+    const auto loaded = load(*line);
+    if (!loaded) {
+        return loaded.fault();
     }
-    if (valid) {
-        std::printf("%s: %d actions, %d links: valid\n", qPrintable(line.arguments[0]),
-                    static_cast<int>(loaded.graph.actions.size()),
-                    static_cast<int>(loaded.graph.links.size()));
+    auto options = runOptions(*line, **loaded);
+    if (!options) {
+        return options.fault();
     }
-    return valid ? kDone : kUsage;
+    return (*session)->run((*loaded)->graph, (*loaded)->registry, *std::move(options));
+}
+
+CommandResult<void> checkCommand(const QStringList &words)
+{
+    const auto line = CommandLine::parse(
+        words, {{u"--set"_s, u"--log-format"_s}, {}, 1, u"one graph file is required"_s});
+    if (!line) {
+        return line.fault();
+    }
+    const auto session = Session::open(*line);
+    if (!session) {
+        return session.fault();
+    }
+    const auto loaded = load(*line);
+    if (!loaded) {
+        return loaded.fault();
+    }
+    const CorvantaGraph &graph = (*loaded)->graph;
+    std::printf("%s: %d actions, %d links: valid\n", qPrintable(line->arguments[0]),
+                static_cast<int>(graph.actions.size()), static_cast<int>(graph.links.size()));
+    return {};
 }

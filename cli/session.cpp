@@ -15,7 +15,7 @@ namespace {
 
 std::atomic<int> g_interrupts = 0;
 
-/// The second Ctrl-C ends the program at once.
+/// Requests a clean stop; the second Ctrl-C ends the program immediately.
 void onInterrupt(int)
 {
     if (g_interrupts.fetch_add(1) > 0) {
@@ -23,7 +23,7 @@ void onInterrupt(int)
     }
 }
 
-/// 1234567 as 1.2M: at most four characters and a unit.
+/// 1234567 as "1.2M": at most four characters and a unit.
 QByteArray shortCount(double count)
 {
     constexpr std::pair<double, char> units[] = {{1e9, 'G'}, {1e6, 'M'}, {1e3, 'k'}};
@@ -45,7 +45,7 @@ QByteArray fractionBar(float fraction)
            QByteArray::number(static_cast<int>(inside * 100)) + '%';
 }
 
-/// One line: per action its rows, rows per second and fraction done.
+/// One line with the rows, rows per second and fraction done of each action.
 QByteArray progressLine(const QVector<ActionProgress> &all, double seconds)
 {
     QByteArray line;
@@ -65,26 +65,26 @@ QByteArray progressLine(const QVector<ActionProgress> &all, double seconds)
 
 } // namespace
 
-CommandOptions Session::options(const CommandOptions &more)
+CommandOptions Session::options(CommandOptions more)
 {
-    return {more.withValue +
-                QStringList{u"--log-format"_s, u"--progress"_s, u"--system-encoding"_s},
-            more.flags + QStringList{u"--quiet"_s}};
+    more.withValue << u"--log-format"_s << u"--progress"_s << u"--system-encoding"_s;
+    more.flags << u"--quiet"_s;
+    return more;
 }
 
-std::unique_ptr<Session> Session::open(const CommandLine &line, QString *error)
+CommandResult<std::unique_ptr<Session>> Session::open(const CommandLine &line)
 {
     const QString logFormat = line.value(u"--log-format"_s, u"text"_s);
     const QString progress = line.value(u"--progress"_s, u"auto"_s);
     std::unique_ptr<CommandLog> log = CommandLog::create(logFormat, line.has(u"--quiet"_s));
     if (!log || !QStringList{u"auto"_s, u"always"_s, u"never"_s}.contains(progress)) {
-        *error = u"--log-format is text or json; --progress is auto, always or never"_s;
-        return nullptr;
+        return badUsage(
+            u"--log-format must be text or json, --progress must be auto, always or never"_s);
     }
     std::unique_ptr<Session> session(new Session(std::move(log)));
     const bool wantsProgress =
         progress == "always"_L1 || (progress == "auto"_L1 && platform::isTerminal(stderr));
-    // Programs that read the messages get nothing but messages.
+    // Programs that parse JSON messages must get nothing else.
     session->m_showsProgress = wantsProgress && logFormat == "text"_L1;
     setSystemEncoding(line.value(u"--system-encoding"_s, QString()));
     return session;
@@ -122,14 +122,15 @@ void Session::waitForEnd(Run *run)
     run->wait();
 }
 
-int Session::run(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions options)
+CommandResult<void> Session::run(const CorvantaGraph &graph, const ActionRegistry &registry,
+                                 RunOptions options)
 {
     options.log = m_log.get();
     Run run(graph, registry, std::move(options));
     run.start();
     waitForEnd(&run);
-    if (run.failed()) {
-        return kFailed;
+    if (run.succeeded()) {
+        return {};
     }
-    return run.succeeded() ? kDone : kInterrupted;
+    return Fault{run.failed() ? kFailed : kInterrupted};
 }

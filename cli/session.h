@@ -1,25 +1,25 @@
-// cli/session.h
-// What the commands that run graphs have in common: messages, progress, Ctrl-C.
+// Messages, progress and Ctrl-C of the commands that run graphs.
 #pragma once
 #include "command_line.h"
 #include "corvanta/run.h"
 #include "log_sinks.h"
 
-/// Messages go to its log, and Ctrl-C stops cleanly, for as long as it lives.
+/// As long as it exists, messages go to its log, and Ctrl-C stops its run cleanly. At most one
+/// exists at a time.
 class Session
 {
 public:
-    /// --log-format, --quiet, --progress and --system-encoding, and those of `more`.
-    static CommandOptions options(const CommandOptions &more);
-    /// Null, and `error` filled, when the value of an option is none.
-    static std::unique_ptr<Session> open(const CommandLine &line, QString *error);
+    /// `more` with --log-format, --quiet, --progress and --system-encoding.
+    static CommandOptions options(CommandOptions more);
+    /// Create a session with the options of `line`.
+    static CommandResult<std::unique_ptr<Session>> open(const CommandLine &line);
     ~Session();
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 
-    /// Run a valid graph to its end; the exit status.
-    int run(const CorvantaGraph &graph, const corvanta::ActionRegistry &registry,
-            corvanta::RunOptions options);
+    /// Run a valid graph to its end. The fault is kFailed or kInterrupted, and reported.
+    CommandResult<void> run(const CorvantaGraph &graph, const corvanta::ActionRegistry &registry,
+                            corvanta::RunOptions options);
 
 private:
     explicit Session(std::unique_ptr<CommandLog> log);

@@ -35,7 +35,7 @@ int widthOf(char32_t c)
     return isWide(c) ? 2 : 1;
 }
 
-/// The characters at the front that fit `width` columns.
+/// The beginning of `text` that fits into `width` columns.
 QString fitting(const QString &text, int width)
 {
     qsizetype end = 0;
@@ -136,7 +136,7 @@ void TablePrinter::add(const QStringList &cells)
     }
 }
 
-/// Measure, and print what was held back.
+/// Chooses the widths and prints the rows that were kept.
 void TablePrinter::begin()
 {
     m_hasBegun = true;
@@ -168,7 +168,7 @@ void TablePrinter::print(const QStringList &cells)
 {
     QString line;
     for (qsizetype i = 0; i < m_widths.size(); ++i) {
-        // Wider than the rows that were measured: the columns behind it move.
+        // A cell that is wider than the measured rows moves the cells after it.
         const QString blanks(std::max(m_widths[i] - displayWidth(cells[i]), 0), u' ');
         line += (i > 0 ? kGap : ""_L1) +
                 (isNumber(m_columns.types[i]) ? blanks + cells[i] : cells[i] + blanks);

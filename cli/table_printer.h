@@ -1,5 +1,4 @@
-// cli/table_printer.h
-// Prints rows as an aligned table for people.
+// Prints rows as an aligned table.
 #pragma once
 #include "corvanta/meta_info.h"
 
@@ -8,24 +7,26 @@
 
 #include <cstdio>
 
-/// Text as it can stand on one line of a terminal: control characters, line ends and marks that
-/// turn the writing direction become escapes such as \n and \x1b.
+/// `text` for one line of a terminal: control characters, line ends and marks that change the
+/// writing direction are replaced by escapes such as \n and \x1b.
 QString visibleText(const QString &text);
 
-/// Columns that `text` takes on a terminal: wide characters two, combining ones none.
+/// Number of terminal columns that `text` takes: two for a wide character, none for a combining
+/// one.
 int displayWidth(const QString &text);
 
-/// Numbers stand right, texts left; a missing cell is blank, an empty text "". The widths are those
-/// of the first rows, which are held back until they are known. Very long cells end in an ellipsis,
-/// on a terminal long ones; there columns that do not fit are left out and named at the end.
+/// Numbers are aligned right, texts left; a missing cell is blank, an empty text is "". The column
+/// widths are those of the first 1,000 rows, which are kept until then. Cells of more than 1,000
+/// characters (40 on a terminal) end in an ellipsis. Columns that do not fit on the terminal are
+/// left out and named at the end.
 class TablePrinter
 {
 public:
     TablePrinter(const TableSchema &columns, std::FILE *out);
 
-    /// A row's cells as text; null strings are missing cells.
+    /// Print a row of texts; null strings are missing cells.
     void add(const QStringList &cells);
-    /// After the last row.
+    /// Print what has been kept. Call after the last row.
     void finish();
 
 private:
@@ -37,7 +38,7 @@ private:
     std::FILE *m_out;
     int m_lineWidth; ///< 0: no limit
     int m_cellWidth;
-    QVector<QStringList> m_held; ///< rows and, in front, the names
-    QVector<int> m_widths;       ///< of the columns that are printed
+    QVector<QStringList> m_held; ///< the names, then rows that are not printed yet
+    QVector<int> m_widths;       ///< of the printed columns
     bool m_hasBegun = false;
 };

@@ -125,7 +125,7 @@ const OneRow *ActionItem::getNextRowFromInPin(int pin)
 
 const OneRow *ActionItem::getInputColumns(int pin)
 {
-    static const OneRow kNoColumns; // of a pin that nobody links, above the highest linked one
+    static const OneRow kNoColumns; // of a pin above the highest linked one
     return pin < m_ports->pinsIn() ? m_ports->in(pin).columns() : &kNoColumns;
 }
 

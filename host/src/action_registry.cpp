@@ -33,7 +33,7 @@ void ActionRegistry::loadFolder(const QString &folder)
 {
     const QDir dir(folder);
     for (const QString &name : dir.entryList({u"*.so"_s, u"*.dll"_s}, QDir::Files, QDir::Name)) {
-        // Modules stay loaded: actions and their icons live as long as the program.
+        // Never unload a module: actions and their icons may exist until the program ends.
         QPluginLoader loader(dir.absoluteFilePath(name));
         loader.setLoadHints(QLibrary::PreventUnloadHint);
         auto *const plugin = qobject_cast<CorvantaPluginInterface *>(loader.instance());

@@ -23,7 +23,7 @@ QStringList textsOf(const OneRow &row)
     return texts;
 }
 
-/// The part of a graph that an action's pin hangs on.
+/// The part of a graph that the action `id` depends on, with the action itself.
 CorvantaGraph upTo(const CorvantaGraph &graph, const QString &id)
 {
     QSet<QString> needed{id};
@@ -74,7 +74,7 @@ bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registr
         source = link->from;
     }
     CorvantaGraph part = upTo(graph, source.action);
-    const auto keep = [&](const TableSchema &columns, const OneRow *row) {
+    const auto keepRow = [&](const TableSchema &columns, const OneRow *row) {
         m_columns = columns;
         if (row != nullptr) {
             m_rows.append(textsOf(*row));
@@ -82,7 +82,7 @@ bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registr
         return wholeTable || m_rows.size() < kPreviewRows;
     };
     RunOptions options;
-    options.listeners.push_back({u"preview"_s, source, std::make_unique<RowListener>(keep)});
+    options.listeners.push_back({u"preview"_s, source, std::make_unique<RowListener>(keepRow)});
     if (part.indexOf(source.action) < 0 || !part.validate(registry, {}).isEmpty()) {
         return false;
     }

@@ -85,7 +85,7 @@ public:
     bool truncate(qint64 size) override { return m_file.truncate(size) && seek(size); }
 
 private:
-    /// Large files are on the device soon after their last byte is written when it begins early.
+    /// Starts the write-back early, so that little is left to wait for at the end.
     void keepDeviceBusy()
     {
         constexpr qint64 kPieceBytes = qint64(16) << 20;
@@ -97,7 +97,7 @@ private:
 
     FileHandle m_file;
     qint64 m_position;
-    qint64 m_startedAt = m_position; // what lies before is on its way to the device
+    qint64 m_startedAt = m_position; // write-back has started for the bytes before
 };
 
 } // namespace

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Standard error, one message a line: for programs that set no sink.
+/// Writes one message per line to standard error, for programs that set no sink.
 class PlainSink final : public LogSink
 {
 public:

@@ -121,7 +121,7 @@ int OneRow::getIndexOfColumn(const QString &name) const
 TableSchema &OneRow::changeSchema()
 {
     ownCells();
-    // A schema belongs to this row alone until the first row is handed on with it.
+    // Copy: batches that were sent share the old schema.
     auto copy = std::make_shared<TableSchema>(*m_schema);
     TableSchema &schema = *copy;
     m_schema = std::move(copy);

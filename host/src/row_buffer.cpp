@@ -114,9 +114,8 @@ namespace corvanta {
 
 const uchar *textCellFromUtf8(RowBuffer *buffer, const char *utf8, qsizetype n)
 {
-    // The length code comes first and its size hangs on the units, which are at most `n`: take the
-    // room for `n`, convert behind the longest code needed, and move only when the code turns out
-    // shorter.
+    // The length code comes first, and its size depends on the number of units, which is at most
+    // `n`. Allocate for `n` units and convert after the longest possible code.
     const int lengthBytes = cell::lengthBytes(cell::codeOfText(n));
     uchar *const bytes = buffer->alloc(static_cast<int>(lengthBytes + n * 2));
     auto *const units = reinterpret_cast<char16_t *>(bytes + lengthBytes);
@@ -124,7 +123,7 @@ const uchar *textCellFromUtf8(RowBuffer *buffer, const char *utf8, qsizetype n)
     const quint32 code = cell::codeOfText(count);
     const int usedLengthBytes = cell::lengthBytes(code);
     buffer->shrinkLast(static_cast<int>((n - count) * 2));
-    // Cells end where their units end: a shorter code starts later, so the units keep their place.
+    // A shorter code starts later, so that the units need not be moved.
     uchar *const begin = bytes + (lengthBytes - usedLengthBytes);
     cell::putLength(begin, code, usedLengthBytes);
     return begin;

@@ -2,9 +2,9 @@
 
 namespace corvanta {
 
-RowListener::RowListener(See see)
+RowListener::RowListener(Callback onRow)
     : ActionItem(XMLNode::emptyNode(), nullptr)
-    , m_see(std::move(see))
+    , m_onRow(std::move(onRow))
 {
     m_nPinOut = 0;
 }
@@ -17,7 +17,7 @@ void RowListener::prepareRun()
 ActionItem *RowListener::newInstance(XMLNode *saved, GlobalParameters *)
 {
     delete saved;
-    return new RowListener(m_see);
+    return new RowListener(m_onRow);
 }
 
 bool RowListener::listen()
@@ -28,7 +28,7 @@ bool RowListener::listen()
         if (row == nullptr && !m_control->isRunning()) {
             return true; // not the end of the table
         }
-        if (!m_see(getInputColumns(0)->schema(), row)) {
+        if (!m_onRow(getInputColumns(0)->schema(), row)) {
             int expected = RunControl::Running;
             m_control->runStatus.compare_exchange_strong(expected, RunControl::Stopped);
             return true;

@@ -16,11 +16,11 @@ UnsyncedNames &UnsyncedNames::ofProcess()
 
 void UnsyncedNames::addFile(const QString &name)
 {
-    constexpr qsizetype kMostFiles = 256;
+    constexpr qsizetype kMaxFiles = 256;
     addFolderOf(name);
     std::unique_lock lock(m_mutex);
     m_names.files << name;
-    if (m_names.files.size() < kMostFiles) {
+    if (m_names.files.size() < kMaxFiles) {
         return;
     }
     const Names names = std::exchange(m_names, {});

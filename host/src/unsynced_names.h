@@ -1,8 +1,7 @@
-// host/src/unsynced_names.h
-// New files and changed folders that the device may not have yet.
+// Collects new files and changed folders that are not yet flushed to disk.
 //
-// The device takes one of them in some milliseconds, nearly all of which is waiting, and hundreds
-// in hardly more. So they are collected until there are many or an action ends.
+// Flushing one file takes some milliseconds, most of them waiting; flushing hundreds together takes
+// little longer. They are therefore collected until there are many or an action ends.
 #pragma once
 #include <QSet>
 #include <QString>
@@ -12,17 +11,17 @@
 
 namespace corvanta {
 
-/// Threads: any; those of one process share the one object.
+/// Threads: any. All actions of the process share one object.
 class UnsyncedNames
 {
 public:
     static UnsyncedNames &ofProcess();
 
-    /// `name` is a new file, complete and closed.
+    /// Add a new file, complete and closed. Flushes all if there are 256 files.
     void addFile(const QString &name);
-    /// `name` lies in a folder where it has just replaced another file.
+    /// Add the folder of `name`, in which that file has replaced another one.
     void addFolderOf(const QString &name);
-    /// Wait until the device has all that was added. The files that it did not take.
+    /// Flush everything that was added. Returns the names of the files that could not be flushed.
     QStringList sync();
 
 private:
@@ -35,7 +34,7 @@ private:
 
     std::mutex m_mutex; // guards everything below
     Names m_names;
-    QStringList m_failed; // of those that were too many to wait
+    QStringList m_failed; // could not be flushed by addFile()
 };
 
 } // namespace corvanta

@@ -20,7 +20,7 @@ struct XMLNode::Data
 
 namespace {
 
-constexpr int kDeepest = 1000;
+constexpr int kMaxDepth = 1000;
 
 const char16_t *units(const QString &text)
 {
@@ -29,8 +29,8 @@ const char16_t *units(const QString &text)
 
 } // namespace
 
-/// Builds the tree with a stack of its own, so that the document does not decide the depth of
-/// calls.
+/// Builds the tree with an explicit stack, so that the depth of calls does not depend on the
+/// document.
 class XMLNodeBuilder
 {
 public:
@@ -71,7 +71,7 @@ private:
 
     void open()
     {
-        if (m_open.size() == kDeepest) {
+        if (m_open.size() == kMaxDepth) {
             m_reader.raiseError(u"elements are nested too deeply"_s);
             return;
         }

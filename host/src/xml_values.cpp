@@ -44,7 +44,7 @@ double xmltof(const char16_t *text, double defaultValue)
     if (text == nullptr) {
         return defaultValue;
     }
-    // The longest beginning that is a number: parameters are short.
+    // Try ever shorter beginnings; parameters are short.
     const QString trimmed = QString::fromUtf16(text).trimmed();
     for (qsizetype n = trimmed.size(); n > 0; --n) {
         bool ok = false;

@@ -1,4 +1,3 @@
-// host/tests/test_actions.h
 // Small actions that behave and misbehave, for tests of the engine.
 #pragma once
 #include "corvanta/action_base.h"

@@ -1,4 +1,3 @@
-// corvanta/action_item.h
 // The contract between the engine and an action.
 #pragma once
 #include "corvanta/export.h"
@@ -26,30 +25,30 @@ class ActionItem;
 CORVANTA_EXPORT char doCheckNameCollision(const OneRow *row, bool check, ActionItem *action,
                                           const QVector<int> &columns, const QString &what);
 
-/// What a run and its actions tell each other.
+/// State that a run shares with its actions. Threads: any.
 struct RunControl
 {
     enum Status : int { Idle = 0, Running = 2, Stopped = 3, Failed = 5 };
 
-    std::atomic<char> yieldRequest = 0; ///< set: return from the run function soon, with false
-    std::atomic<int> runStatus = Idle;  ///< an action that fails sets Failed
+    std::atomic<char> yieldRequest = 0; ///< set: run functions return false soon
+    std::atomic<int> runStatus = Idle;  ///< a Status; an action that fails sets Failed
 
     bool isRunning() const { return runStatus.load(std::memory_order_relaxed) == Running; }
 };
 
 /// One node of a graph.
 ///
-/// The virtual operations below are called by the host and stand in the order that plug-ins are
-/// built against: nothing may be put between them. A run is init, prepareRun, the run function
-/// again and again until it answers true, close. Threads: everything but computeCompletion and
-/// wakeAll is called by one thread at a time.
+/// The host calls the virtual operations below. Plug-ins are built against their order, so nothing
+/// may be inserted between them. A run calls init, prepareRun, the run function until it returns
+/// true, and close. Threads: computeCompletion and wakeAll may be called from any thread, all other
+/// operations from one thread at a time.
 class CORVANTA_EXPORT ActionItem
 {
 public:
     virtual const char *getTypeName() const = 0;
     /// A new panel bound to this action; the caller owns it.
     virtual UpdateClassWidget *createPanel(QWidget *parent) = 0;
-    virtual QPixmap *getIcon(double scale) = 0;
+    virtual QPixmap *getIcon(double scale) = 0; ///< owned by the action's class
     virtual void addPinIn();
     virtual void addPinOut();
     virtual void removePinIn();
@@ -63,12 +62,15 @@ public:
     /// A copy with the same parameters, made through save() and newInstance().
     virtual ActionItem *clone(GlobalParameters *parameters);
     virtual void save(std::wostream &out, const QString &elementName) = 0;
-    virtual char init();
-    virtual char close();
+    virtual char init();  ///< returns 0 on success
+    virtual char close(); ///< returns 0 on success
+    /// Set m_runFunction.
     virtual void prepareRun() = 0;
-    /// Open every wait of the action's own threads: the run has ended. Called from another thread.
+    /// Release every wait of the action's own threads, because the run has ended. Called from
+    /// another thread.
     virtual void wakeAll();
-    /// Fraction done, 0 to 1; negative: not known. Called from another thread at any time.
+    /// The fraction that is done, 0 to 1; negative if it is not known. Called from another thread
+    /// at any time.
     virtual float computeCompletion();
     virtual bool completionIn2Pass();
     virtual char canRunInParallel(const QString &what, bool *answer);
@@ -85,19 +87,21 @@ public:
 
     // Pins and rows, for run functions.
 
-    /// The next row, or null at the end of the data (or of the run: see RunControl). Valid until
-    /// the next call for the same pin. Blocks while no row is there; rows produced so far go out
-    /// first.
+    /// The next row, or null at the end of the data or of the run (see RunControl). Valid until
+    /// the next call for the same pin. Blocks until a row arrives; sends the rows produced so far
+    /// before it waits.
     const OneRow *getNextRowFromInPin(int pin);
-    /// The columns of an input pin, also when it never had a row. After the first row or the end.
+    /// The columns of an input pin, also if it never had a row. Call after the first row or the
+    /// end. Valid until the next call of getNextRowFromInPin() for the same pin.
     const OneRow *getInputColumns(int pin);
+    /// The row to fill next; owned by the pin.
     OneRow *getOutputRowForOutputPin(int pin);
-    /// Hand the filled row on; the next getOutputRowForOutputPin() gives a fresh one.
+    /// Send the filled row. Afterwards all cells of the row are missing again.
     void setRowReadyForOutput(int pin);
-    /// An arena whose cells setRowReadyForOutput() need not copy: cells of the row that is being
-    /// filled are best made here. The engine resets it.
+    /// The arena for the cells of the next row. setRowReadyForOutput() copies cells from anywhere
+    /// else. The engine resets the arena.
     RowBuffer *bufferForOutputPin(int pin);
-    /// False when nobody reads the pin: rows need not be made.
+    /// False when no action reads the pin, so that its rows need not be made.
     bool isOutputPinRead(int pin) const;
 
     /// Number of this action in its graph, from 0.
@@ -110,23 +114,23 @@ public:
 
     QString expandFile(const QString &name) const;
     QString expandString(const QString &text) const;
-    /// The name of a file to write. `part`, unless null, tells several files of one name apart: it
-    /// takes the place of every "*" in the name; without one it becomes the extension of a name
-    /// that has none, and goes in front of the extension otherwise. It must be safe in a file name.
+    /// The name of a file to write. `part`, unless null, distinguishes several files of one name:
+    /// it replaces every "*" in the name. If there is none, it becomes the extension of a name that
+    /// has no extension, and else is inserted before the extension. It must be safe in a file name.
     QString expandOutputFile(const QString &name, const QString &part) const;
 
     GlobalParameters *globalParameters() const { return m_globalParameters; }
     char warningFlag() const { return m_warningFlag; }
     char errorFlag() const { return m_errorFlag; }
-    /// The version that decides about defaults: the node's own, else the graph's; infinite when
-    /// new.
+    /// The version that determines defaults: the node's own, else the graph's; infinite for a new
+    /// action.
     double savedVersion() const { return m_savedVersion; }
 
 protected:
     using RunFunction = bool (ActionItem::*)();
 
     ActionItem(XMLNode saved, GlobalParameters *parameters);
-    /// Write the start of the element and what all actions have in common: `<NAME version='V'`.
+    /// Write the beginning of the element with the common attributes: `<NAME version='V'`.
     void saveAI(std::wostream &out, const QString &elementName, double version) const;
 
     RunFunction m_runFunction = nullptr;
@@ -135,7 +139,7 @@ protected:
     RunControl *m_control = nullptr; ///< set from before init to after close
     int m_nPinIn = 1;
     int m_nPinOut = 1;
-    int m_maxPinIn = 1; ///< as many input pins a graph may link
+    int m_maxPinIn = 1; ///< number of input pins that a graph may link
     GlobalParameters *m_globalParameters;
 
 private:

@@ -1,5 +1,4 @@
-// corvanta/action_registry.h
-// Finds the plug-in modules and knows a prototype of every action.
+// Loads the plug-in modules and keeps a prototype of every action.
 #pragma once
 #include "corvanta/action_item.h"
 #include "corvanta/export.h"
@@ -11,26 +10,29 @@ class CorvantaPluginInterface;
 
 namespace corvanta {
 
-/// Threads: filled by one, then read by any.
+/// Threads: one thread fills it, afterwards any thread may read it.
 class CORVANTA_EXPORT ActionRegistry
 {
 public:
     ActionRegistry();
     ~ActionRegistry();
 
-    /// Load every module of the plug-in folder; the host's own actions come last. A module that
-    /// cannot be loaded is reported with addLog() as a warning.
+    /// Load every module of the default folder, then add the host's own actions. A module that
+    /// cannot be loaded is reported as a warning.
     void loadAll();
-    /// Load the modules of one folder.
+    /// Load the modules of one folder, in name order.
     void loadFolder(const QString &folder);
-    /// CORVANTA_PLUGIN_PATH, or lib/corvanta/plugins beside the program's bin folder.
+    /// The environment variable CORVANTA_PLUGIN_PATH, or ../lib/corvanta/plugins relative to the
+    /// folder of the program.
     static QString defaultFolder();
 
+    /// Add a prototype of every action of `plugin`.
     void add(CorvantaPluginInterface *plugin);
-    /// Null for an unknown type. Owned by the registry.
+    /// The prototype of a type, or null for an unknown type. Owned by the registry.
     ActionItem *prototype(const QString &typeName) const;
     const std::vector<std::unique_ptr<ActionItem>> &prototypes() const { return m_prototypes; }
-    /// A working copy; null for an unknown type.
+    /// A new action with the parameters of a saved element; null for an unknown type. `global` may
+    /// be null and must outlive the action.
     std::unique_ptr<ActionItem> create(const XMLNode &parameters, GlobalParameters *global) const;
 
 private:

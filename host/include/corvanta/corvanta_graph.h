@@ -1,4 +1,3 @@
-// corvanta/corvanta_graph.h
 // A graph file in memory: variables, actions with their parameters, links.
 #pragma once
 #include "base/result.h"
@@ -23,15 +22,16 @@ public:
     {
         QString id;
         XMLNode parameters; ///< the element named after the action's type
-        double x = 0;       ///< place in the editor
+        double x = 0;       ///< position in the editor
         double y = 0;
         QString comment;
-        int line = 0;
+        int line = 0; ///< in the file, 1-based; 0: not from a file
     };
+    /// A pin of an action; input and output pins are numbered separately.
     struct Pin
     {
-        QString action;
-        int pin = 0;
+        QString action; ///< id
+        int pin = 0;    ///< from 0
     };
     struct Link
     {
@@ -48,11 +48,11 @@ public:
     /// A graph, or everything that is wrong with its file.
     using Loaded = corvanta::Result<CorvantaGraph, Problems>;
 
-    double version = -1; ///< of the host that saved it; negative: not named, so new
+    double version = -1; ///< of the host that saved it; negative: none given, so new
     QMap<QString, QString> variables;
     QVector<Action> actions;
     QVector<Link> links;
-    QString fileName; ///< for messages and for the folder of relative names
+    QString fileName; ///< for messages; relative names are relative to its folder
 
     /// Read a graph file. Checks its elements only; see validate().
     static Loaded load(const QString &fileName);
@@ -61,8 +61,8 @@ public:
     /// The document to save.
     QByteArray toXml() const;
 
-    /// Everything that makes the graph impossible to run: unknown types, ids, links, loops,
-    /// variables. `given` are variables set from outside.
+    /// Find everything that makes the graph invalid: unknown types, invalid links, loops, unknown
+    /// variables. `given` are variables set on the command line. Empty for a valid graph.
     Problems validate(const corvanta::ActionRegistry &registry,
                       const QMap<QString, QString> &given) const;
 

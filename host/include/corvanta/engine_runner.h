@@ -1,4 +1,3 @@
-// corvanta/engine_runner.h
 // Runs a graph up to one pin, for previews and column pickers.
 #pragma once
 #include "corvanta/export.h"
@@ -15,24 +14,27 @@ namespace corvanta {
 class ActionRegistry;
 }
 
+/// Collects the rows of a pin. Threads: the GUI thread; run() blocks until the rows are there.
 class CORVANTA_EXPORT EngineRunner
 {
 public:
     enum PinType { PinIn, PinOut };
 
     EngineRunner() = default;
-    /// Rows kept at most when not the whole table is asked for.
+    /// Maximum number of rows kept unless the whole table is requested.
     static constexpr int kPreviewRows = 200;
 
-    /// Run the edited graph (MainUI::editedGraph) up to the pin of `action` and keep its rows: the
-    /// first kPreviewRows, or all. False when there is no such pin or the run failed.
+    /// Run the edited graph (MainUI::editedGraph) up to a pin of `action` and keep the first
+    /// kPreviewRows rows of the pin, or all. Returns false if there is no such pin or the run
+    /// failed.
     bool run(int pin, ActionItem *action, PinType type, bool wholeTable);
     /// The same for any graph.
     bool run(const CorvantaGraph &graph, const corvanta::ActionRegistry &registry,
              const QString &id, int pin, PinType type, bool wholeTable);
 
+    /// The columns of the last run.
     const TableSchema &columns() const { return m_columns; }
-    /// Cells as text; null strings are missing cells.
+    /// The cells of the last run as text; null strings are missing cells.
     const QVector<QStringList> &rows() const { return m_rows; }
 
 private:

@@ -1,4 +1,3 @@
-// corvanta/export.h
 #pragma once
 #include <QtGlobal>
 

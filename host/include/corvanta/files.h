@@ -1,5 +1,4 @@
-// corvanta/files.h
-// The host's file classes: reading, cached reading, writing, facts about files.
+// Files on disk: reading, cached reading, writing, renaming, and facts about names.
 #pragma once
 #include "base/byte_sink.h"
 #include "base/byte_source.h"
@@ -13,21 +12,21 @@
 
 class GlobalParameters;
 
-/// A file opened for buffered reading. Threads: one at a time, but position() from any.
+/// A file opened for buffered reading. Threads: one at a time, except that position() may be called
+/// from any thread.
 class CORVANTA_EXPORT MyReadFile : public corvanta::ByteSource
 {
 public:
-    /// Open `name` (already expanded). Null on failure. `sequential` announces that the file is
-    /// read from front to back; `shared` lets other programs go on writing it (nothing to do on
-    /// POSIX).
+    /// Open `name` (already expanded). Returns null on failure; the caller owns the object.
+    /// `sequential` announces that the file is read from beginning to end. `shared` allows other
+    /// programs to continue writing to it (always so on POSIX).
     static MyReadFile *newMyReadFile(GlobalParameters *parameters, const QString &name,
                                      bool sequential, bool shared);
-    /// Offset of the next byte that read() delivers.
+    /// Offset of the next byte that read() returns.
     virtual qint64 position() const = 0;
 };
 
-/// Adds a cache of `cacheBytes` to a reader, for drives where each read has its price. Owns the
-/// reader.
+/// Adds a cache of `cacheBytes` to a reader, for drives where each read is slow. Owns the reader.
 class CORVANTA_EXPORT MyReadFileCached final : public MyReadFile
 {
 public:
@@ -49,19 +48,22 @@ private:
 class CORVANTA_EXPORT MyWriteFile : public corvanta::ByteSink
 {
 public:
-    /// What happens to a file that is there already.
+    /// What happens to an existing file.
     enum class Existing { Truncate, Append, Refuse };
 
-    /// Open `name` (already expanded). Null on failure. `append` keeps what is there.
+    /// Open `name` (already expanded). Returns null on failure; the caller owns the object.
+    /// `append` keeps the content of an existing file.
     static MyWriteFile *newMyWriteFile(GlobalParameters *parameters, const QString &name,
                                        bool append);
+    /// The same with all choices. Returns null on failure.
     static std::unique_ptr<MyWriteFile> open(const QString &name, Existing existing);
 
-    /// Flush to the device, so that a rename afterwards never shows an empty file.
+    /// Flush to disk, so that the file is complete if it is renamed afterwards. Returns false on
+    /// failure.
     virtual bool sync() = 0;
-    /// Flush and close; false when either failed. The destructor closes without a word.
+    /// Flush and close. Returns false if either failed. The destructor closes and ignores failures.
     virtual bool close() = 0;
-    /// Cut the file at `size` bytes; the position moves there.
+    /// Cut the file at `size` bytes and continue there. Returns false on failure.
     virtual bool truncate(qint64 size) = 0;
 };
 
@@ -71,26 +73,27 @@ class CORVANTA_EXPORT KobiFileInfo
 public:
     KobiFileInfo(GlobalParameters *parameters, const QString &name);
     bool exists() const;
-    /// Bytes; -1 when there is no such file.
+    /// Size in bytes; -1 if there is no such file.
     qint64 size() const;
+    /// Absolute path of the folder that contains the file.
     QString getParentDir() const;
-    /// Whether the file lies on a network drive. Tests say so for all files below the folder named
-    /// by the environment variable CORVANTA_NET_DRIVE.
+    /// Whether the file is on a network drive. For tests, all files below the folder named by the
+    /// environment variable CORVANTA_NET_DRIVE are.
     static bool isNetDrive(const QString &name);
 
 private:
     QString m_name;
 };
 
-/// Expand a pattern ("*" and "?" in its last part) into the names it matches, sorted by name. A
-/// name without those characters, or without a match, gives itself.
+/// Expand a pattern ("*" and "?" in its last part) into the names that it matches, sorted by name.
+/// A name without these characters or without a match is returned unchanged.
 CORVANTA_EXPORT void listFiles(const QString &pattern, QStringList *names);
-/// Append ".extension" when the name's last part has no extension.
+/// Append ".extension" if the last part of the name has no extension.
 CORVANTA_EXPORT void addExtentionIfRequired(QString *name, const QString &extension);
 
-/// Move a finished, closed temporary file onto its final name in one step. It was synced before
-/// where it replaces a file; else it is before the run ends. False when the move failed; then both
-/// files are as they were.
+/// Rename a complete, closed temporary file to its final name in one step. The caller has synced it
+/// if it replaces a file; otherwise the host syncs it before the run ends. Returns false on
+/// failure; both files are then unchanged.
 CORVANTA_EXPORT bool renameTMPFile(const QString &temporary, const QString &finalName);
-/// The form that takes the final name: moves `name` + "_TMP" onto `name`.
+/// The same for the temporary name `name` + "_TMP". The other arguments are not used.
 CORVANTA_EXPORT bool renameTMPFile(const QString &name, GlobalParameters *parameters, int action);

@@ -1,5 +1,4 @@
-// corvanta/global_parameters.h
-// What the actions of one graph share: folders, variables, the version that saved the graph.
+// What the actions of one graph share: folders, variables, the version of the saved graph.
 #pragma once
 #include "corvanta/export.h"
 
@@ -7,22 +6,23 @@
 #include <QString>
 #include <QStringList>
 
-/// Threads: set up before a run, read-only while it runs.
+/// Threads: changed only before a run; any thread may read it during the run.
 class CORVANTA_EXPORT GlobalParameters
 {
 public:
     GlobalParameters();
 
+    /// Absolute folder of the graph file; the current folder unless set.
     QString graphDir() const { return m_graphDir; }
     void setGraphDir(const QString &dir);
-    /// Where relative output names go; the graph's folder unless set.
+    /// Folder of relative output names; the graph's folder unless set.
     QString outDir() const { return m_outDir.isEmpty() ? m_graphDir : m_outDir; }
     void setOutDir(const QString &dir);
-    /// For scripts and scratch files of the host; made when first used.
+    /// Folder for scripts and scratch files of the host, which need not exist yet.
     QString workingDir() const { return m_workingDir; }
     void setWorkingDir(const QString &dir);
-    /// Where input names are looked up, where output names go, and a third folder for graphs that
-    /// use one; the first two are graphDir and outDir unless set.
+    /// Folders of relative input names, of relative output names, and a third one for graphs that
+    /// use it. The first two are graphDir and outDir unless set.
     QString dataDirRead() const { return m_dataDirRead.isEmpty() ? graphDir() : m_dataDirRead; }
     void setDataDirRead(const QString &dir) { m_dataDirRead = dir; }
     QString dataDirWrite() const { return m_dataDirWrite.isEmpty() ? outDir() : m_dataDirWrite; }
@@ -30,29 +30,30 @@ public:
     QString otherDir() const { return m_otherDir; }
     void setOtherDir(const QString &dir) { m_otherDir = dir; }
 
-    /// Version of the host that saved the graph; infinite for a graph that names none (it is new).
+    /// Version of the host that saved the graph; infinite for a graph without a version, which
+    /// counts as new.
     double graphVersion() const { return m_graphVersion; }
     void setGraphVersion(double version) { m_graphVersion = version; }
 
-    /// How packages are compressed: "isal-2", "isal-3", "zlib-1" to "zlib-9". Empty: the fast
+    /// Compression of packages: "isal-2", "isal-3", "zlib-1" to "zlib-9"; empty for the fast
     /// default.
     QString compression() const { return m_compression; }
     void setCompression(const QString &level) { m_compression = level; }
 
     void setVariable(const QString &name, const QString &value);
-    /// The value of a graph variable or of a built-in one (graphDir, outDir, workingDir); null when
-    /// there is none.
+    /// The value of a graph variable or of a built-in one (graphDir, outDir, workingDir); null if
+    /// there is none of that name.
     QString variable(const QString &name) const;
-    /// `text` with every `${NAME}` replaced by its value. Values are not expanded again; an unknown
-    /// name stays as it stands and is added to `unknown` when given.
+    /// `text` with every `${NAME}` replaced by its value. Values are not expanded again. An unknown
+    /// `${NAME}` is kept unchanged, and NAME is added to `unknown` unless that is null.
     QString expandString(const QString &text, QStringList *unknown = nullptr) const;
 
-    /// The name to open for a saved input name: variables replaced, relative names put under
-    /// dataDirRead, "." and ".." resolved.
+    /// The name to open for a saved input name: variables are replaced, relative names are relative
+    /// to dataDirRead, "." and ".." are resolved.
     QString expandFile(const QString &name) const;
-    /// The same for a file to be written, under dataDirWrite.
+    /// The same for a file to write; relative names are relative to dataDirWrite.
     QString expandOutputFile(const QString &name) const;
-    /// The name to save for a file: relative to the graph's folder when it lies below it. The
+    /// The name to save for a file: relative to the graph's folder if the file is below it. The
     /// inverse of expandFile() for names without variables.
     QString contractFile(const QString &name) const;
 

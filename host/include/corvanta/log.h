@@ -4,15 +4,15 @@
 
 #include <QString>
 
-/// One message, exactly as it was given.
+/// One message, exactly as it was logged.
 struct LogMessage
 {
-    int level = 0;
+    int level = 0;  ///< see MainUI::LogLevel
     QString action; ///< id of the action in its graph; empty outside a run
     QString text;
 };
 
-/// Takes messages. Threads: called from any thread, several at a time.
+/// Receives messages. Threads: called from several threads in parallel.
 class CORVANTA_EXPORT LogSink
 {
 public:
@@ -23,21 +23,22 @@ public:
     virtual void add(const LogMessage &message) = 0;
 };
 
-/// Says whose messages the current thread logs, for as long as it lives. The engine makes one on
-/// each action's thread; a thread that an action starts makes one from LogScope::current() of its
-/// starter.
+/// Determines for which action the current thread logs, as long as the object exists. The engine
+/// creates one on each action's thread. A thread that an action starts must create one from
+/// LogScope::current() of the starting thread.
 class CORVANTA_EXPORT LogScope
 {
 public:
     struct Context
     {
-        LogSink *sink = nullptr;
+        LogSink *sink = nullptr; ///< null: the program's
         QString action;
     };
     explicit LogScope(const Context &context);
     ~LogScope();
     LogScope(const LogScope &) = delete;
     LogScope &operator=(const LogScope &) = delete;
+    /// The context of the calling thread.
     static Context current();
 
 private:

@@ -1,4 +1,3 @@
-// corvanta/main_ui.h
 // The host's log, questions and user interface, as actions call them.
 #pragma once
 #include "corvanta/export.h"
@@ -14,34 +13,37 @@ class ActionItem;
 class CorvantaGraph;
 class QWidget;
 
+/// Threads: addLog(), displayOutOfDiskSpace() and getNearUniqueRandomID() may be called from any
+/// thread, everything else from the GUI thread or before a run.
 class CORVANTA_EXPORT MainUI
 {
 public:
     enum LogLevel { Error = 1, Warning = 2, Info = 3, Diagnostic = 4 };
 
-    /// Log a message. It goes to the run that the calling thread works for, else to the program's
-    /// sink.
+    /// Log a message. It goes to the sink of the current LogScope, else to the program's sink.
     static void addLog(LogLevel level, const QString &text);
     static void addLog(int level, const QString &text)
     {
         addLog(static_cast<LogLevel>(level), text);
     }
-    /// Where messages outside any run go; null: standard error.
+    /// Set the program's sink, which must outlive its use; null: standard error.
     static void setLogSink(LogSink *sink);
 
-    /// Ask whether writing `name` shall be tried again; false where nobody can answer.
+    /// Ask the user whether to retry writing `name`. Returns false if `canRetry` is false or no
+    /// handler is set. Blocks.
     static bool displayOutOfDiskSpace(const QString &name, int action, bool canRetry);
-    /// Who answers that question. The handler is called on the asking action's thread.
+    /// Handler of that question; called on the thread of the action that asks.
     using DiskSpaceQuestion = std::function<bool(const QString &name)>;
     static void setDiskSpaceQuestion(DiskSpaceQuestion question);
 
-    /// What an editor hooks into; without one these do nothing.
+    /// Operations of an editor. Without an editor they do nothing.
     struct EditorHooks
     {
-        std::function<void(ActionItem *)> refreshProperties;
+        std::function<void(ActionItem *)> refreshProperties; ///< parameters have changed
         std::function<void()> modified;
         std::function<CorvantaGraph *()> editedGraph;
-        /// Columns that reach input pin `pin` of `action`; the user's choice, empty when cancelled.
+        /// Let the user choose among the columns that reach input pin `pin` of an action. Returns
+        /// the chosen names, none when cancelled.
         std::function<QStringList(QWidget *, ActionItem *, int pin, bool several)> chooseColumns;
     };
     static void setEditorHooks(EditorHooks hooks);
@@ -49,17 +51,19 @@ public:
     static void documentWasModified();
     static void invalidate() { documentWasModified(); }
     static CorvantaGraph *editedGraph();
+    /// Let the user choose one column or several. Returns false when cancelled. The form without a
+    /// pin uses pin 0.
     static bool selectColumn(QWidget *parent, ActionItem *action, int pin, QString *column);
     static bool selectColumn(QWidget *parent, ActionItem *action, QString *column);
     static bool selectColumn(QWidget *parent, ActionItem *action, int pin, QStringList *columns);
 
-    /// 0: nothing of this host is served over the web.
+    /// Always 0: this host serves nothing over the web.
     static int isWebOn();
-    /// The job object that child processes belong to (Windows), else null.
+    /// The job object for child processes (Windows), else null.
     static void *getJobHandle();
     /// Device pixels per logical pixel of the primary screen.
     static double pixelSize();
-    /// A number that is not given twice, also not by another process.
+    /// A random number that is practically never returned twice, also by other processes.
     static quint64 getNearUniqueRandomID();
 };
 

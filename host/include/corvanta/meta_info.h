@@ -1,4 +1,4 @@
-// What a column holds and how a table is sorted; both travel with the rows.
+// The columns of a table and its sort order, which are sent along with its rows.
 #pragma once
 #include "base/meta_info.h"
 #include "corvanta/export.h"
@@ -23,5 +23,5 @@ struct TableSchema
     bool operator==(const TableSchema &other) const = default;
 };
 
-/// What an output pin delivers.
+/// The columns of an output pin.
 using PinOutMetaData = TableSchema;

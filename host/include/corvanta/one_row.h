@@ -1,4 +1,3 @@
-// corvanta/one_row.h
 // One row on a pin: cells, column names, types and sort order.
 #pragma once
 #include "base/cell.h"
@@ -19,11 +18,11 @@ class InputPin;
 struct RowBatch;
 } // namespace corvanta
 
-/// A row that is read (a view of a batch, valid until the next row of its pin is taken) or filled.
+/// A row to read (a view of a batch, valid until the next row of its pin is taken) or to fill.
 ///
-/// A filled row starts with all cells missing. Cells set with setCol() may lie anywhere: they are
-/// copied when the row is handed on, unless they come from the pin's own buffer
-/// (ActionItem::bufferForOutputPin), where they already lie where they are needed.
+/// All cells of a row to fill are missing at first. Cells set with setCol() may be anywhere in
+/// memory: they are copied when the row is sent, unless they come from the pin's own buffer
+/// (ActionItem::bufferForOutputPin).
 /// Threads: one at a time; rows of different pins share nothing.
 class CORVANTA_EXPORT OneRow
 {
@@ -36,8 +35,9 @@ public:
     QString col(int i, unsigned short *buffer) const;
     /// The same without the buffer.
     QString text(int i) const;
-    /// Cell `i` as UTF-16 text: the length, and where it is. A missing cell has length 0 and a null
-    /// pointer. The text of a number is valid until the next call on this row.
+    /// Cell `i` as UTF-16 text: returns the length in units and sets `out` to the first unit. A
+    /// missing cell has length 0 and a null pointer. The text of a number is valid until the next
+    /// call on this row.
     int col(int i, const unsigned short **out) const;
     /// The same as a view.
     QStringView textView(int i) const
@@ -46,20 +46,20 @@ public:
         const int n = col(i, &units);
         return {units, n};
     }
-    /// Numeric value; `ok` (may be null) is false when the cell is missing or not a number.
+    /// Numeric value; `ok` (may be null) is set to false if the cell is missing or not a number.
     double colAsDouble(int i, bool *ok) const;
-    /// Integer key value; `ok` (may be null) is false when the cell is missing or not such a
-    /// number.
+    /// Integer key value; `ok` (may be null) is set to false if the cell is missing or not an
+    /// integer from 0 to 4294967295.
     unsigned int colAsKey(int i, bool *ok) const;
-    /// Like col(), but numbers that are equal have equal texts whatever their column's type.
+    /// Like col(), but equal numbers have equal texts, whatever the type of their column.
     QString colForHash(int i) const;
 
     int numberOfColumns() const { return static_cast<int>(m_schema->names.size()); }
     QString colName(int i) const { return m_schema->names[i]; }
     MetaInfo getMetaType(int i) const { return m_schema->types[i]; }
-    /// The first column with that name (exact); -1 when absent.
+    /// Index of the first column with that name (exact), or -1.
     int getIndexOfColumn(const QString &name) const;
-    /// The cells themselves (base/cell.h), one pointer per column.
+    /// The cells (layout: base/cell.h), one pointer per column. Valid as long as the row.
     const unsigned char *const *getAllColForWrite() const { return m_cells; }
     QVector<QString> getColNamesDeep() const { return m_schema->names; }
     QVector<MetaInfo> getMetaDataDeep() const { return m_schema->types; }
@@ -73,8 +73,9 @@ public:
                 numberOfColumns()};
     }
 
-    // Filling. Describe the columns before the first row; a change later starts a new batch.
+    // Filling. Describe the columns before the first row; a later change starts a new batch.
 
+    /// Set cell `i`; `bytes` must stay valid until the row is sent.
     void setCol(int i, const unsigned char *bytes)
     {
         if (m_view) {
@@ -89,10 +90,10 @@ public:
     void setMetaType(int i, const MetaInfo &type);
     void setMetaData(const QVector<MetaInfo> &types);
     void setSortInfos(const QVector<SortInfos> &sortedOn);
-    /// Take over columns and cells of `row`. Between pins this costs nothing per cell: the cells
-    /// are shared until one is changed.
+    /// Take over the columns and cells of `row`. Rows of an input pin are not copied: the cells are
+    /// shared until one is changed.
     void copyFrom(const OneRow *row);
-    /// Take over the columns of `row`, not its cells.
+    /// Take over the columns of `row`; all cells become missing.
     void copySchemaFrom(const OneRow *row);
 
 private:
@@ -106,7 +107,7 @@ private:
     int numberText(int i, const unsigned short **out) const;
 
     std::shared_ptr<const TableSchema> m_schema;
-    const unsigned char *const *m_cells = nullptr; // of m_own, or of m_batch when m_view is set
+    const unsigned char *const *m_cells = nullptr; // of m_own, or of m_batch if m_view is set
     std::vector<const unsigned char *> m_own;
     std::shared_ptr<const corvanta::RowBatch> m_batch; // of a view
     int m_rowInBatch = 0;

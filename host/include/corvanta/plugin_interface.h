@@ -1,5 +1,4 @@
-// corvanta/plugin_interface.h
-// What a plug-in module shows the host.
+// The interface of a plug-in module.
 #pragma once
 #include "corvanta/xml_node.h"
 
@@ -12,8 +11,8 @@ class CorvantaPluginInterface
 {
 public:
     virtual ~CorvantaPluginInterface() = default;
-    /// A new prototype of the action number `index`; null beyond the last. The second argument is
-    /// not used. The caller owns the object.
+    /// A new prototype of the action number `index`, from 0; null beyond the last. The second
+    /// argument is not used. The caller owns the object.
     virtual ActionItem *createAction(int index, unsigned int reserved) = 0;
     virtual void initialise() = 0;
     virtual double getVersion() = 0;

@@ -1,5 +1,4 @@
-// corvanta/row_buffer.h
-// Byte arena for the cells of produced rows, and the free functions that turn text into cells.
+// A byte arena for the cells of output rows, and the functions that make cells in it.
 #pragma once
 #include "base/cell.h"
 #include "corvanta/export.h"
@@ -10,20 +9,20 @@
 #include <memory>
 #include <vector>
 
-/// Grows by blocks; what it gave out stays valid until reset(). Threads: one at a time.
+/// Grows by blocks; allocations stay valid until reset(). Threads: one at a time.
 ///
-/// Room for an odd number of bytes starts at an odd address, so that the UTF-16 units of a text
-/// cell (whose size is odd exactly when its length code is) are 2-byte aligned.
+/// An odd number of bytes starts at an odd address. The size of a text cell is odd exactly if that
+/// of its length code is, so its UTF-16 units are always 2-byte aligned.
 class CORVANTA_EXPORT RowBuffer
 {
 public:
-    /// `capacity` is the size of the first block in bytes, allocated at the first use.
+    /// `capacity` is the size of a block in bytes. The first block is allocated on demand.
     explicit RowBuffer(int capacity);
     ~RowBuffer();
     RowBuffer(const RowBuffer &) = delete;
     RowBuffer &operator=(const RowBuffer &) = delete;
 
-    /// Room for `n` bytes. Throws std::bad_alloc when there is no memory.
+    /// Room for `n` bytes. Throws std::bad_alloc if there is no memory.
     unsigned char *alloc(int n)
     {
         uchar *const at = m_next + ((n ^ static_cast<int>(reinterpret_cast<quintptr>(m_next))) & 1);
@@ -34,18 +33,18 @@ public:
         return at;
     }
 
-    /// Forget all cells; the blocks are kept for the next ones.
+    /// Discard all cells; keep the blocks for the next ones.
     void reset();
-    /// Forget all cells and free the blocks beyond `keepBytes` bytes.
+    /// Discard all cells and free the blocks beyond `keepBytes` bytes.
     void deepReset(long long keepBytes);
+    /// Size of all blocks in bytes.
     long long totalSizeAllocated() const;
 
-    /// Give back the `n` bytes at the end of the last allocation.
+    /// Return the last `n` bytes of the last allocation.
     void shrinkLast(int n) { m_next -= n; }
-    /// Whether `bytes` lie in the block that is being filled: a cheap test that may miss older
-    /// blocks.
+    /// True if `bytes` point into the current block. A cheap test that misses older blocks.
     bool isRecent(const unsigned char *bytes) const { return bytes >= m_begin && bytes < m_next; }
-    /// Bytes given out since the last reset.
+    /// Bytes allocated since the last reset.
     long long bytesUsed() const { return m_usedBefore + (m_next - m_begin); }
 
 private:
@@ -62,7 +61,7 @@ private:
     void use(size_t block);
 
     std::vector<Block> m_blocks;
-    size_t m_block = 0; // index of the block that is being filled
+    size_t m_block = 0; // index of the current block
     long long m_capacity;
     long long m_usedBefore = 0;
     uchar *m_begin = nullptr;
@@ -70,18 +69,17 @@ private:
     uchar *m_end = nullptr;
 };
 
-/// A text cell that holds `text` (an empty text, not a missing one, when it is empty but not null;
-/// a null string gives a missing cell).
+/// A text cell that holds `text`; a null string gives a missing cell.
 CORVANTA_EXPORT unsigned char *bytesFromQString(RowBuffer *buffer, const QString &text);
-/// The same into the caller's bytes, which must have room for textCellBytes(text.size()); returns
-/// the place behind the cell.
+/// The same in the caller's memory, which must have room for textCellBytes(text.size()) bytes.
+/// Returns the address after the cell.
 CORVANTA_EXPORT unsigned char *bytesFromQString(unsigned char *bytes, const QString &text);
 /// The text of a text cell; a null string for a missing cell.
 CORVANTA_EXPORT QString qStringFromBytes(const unsigned char *bytes);
 
 namespace corvanta {
 
-/// A text cell from UTF-16 units.
+/// A text cell that holds `n` UTF-16 units.
 inline const uchar *textCell(RowBuffer *buffer, const char16_t *units, qsizetype n)
 {
     const quint32 code = cell::codeOfText(n);
@@ -91,9 +89,10 @@ inline const uchar *textCell(RowBuffer *buffer, const char16_t *units, qsizetype
     return bytes;
 }
 
-/// A text cell from UTF-8. `n` is at most kTextCellUnits.
+/// A text cell that holds `n` bytes of UTF-8, at most limits::kTextCellUnits.
 CORVANTA_EXPORT const uchar *textCellFromUtf8(RowBuffer *buffer, const char *utf8, qsizetype n);
 
+/// A key cell; `value` may be a missing marker.
 inline const uchar *keyCell(RowBuffer *buffer, quint32 value)
 {
     uchar *const bytes = buffer->alloc(cell::kKeyBytes);
@@ -101,6 +100,7 @@ inline const uchar *keyCell(RowBuffer *buffer, quint32 value)
     return bytes;
 }
 
+/// A double cell.
 inline const uchar *doubleCell(RowBuffer *buffer, double value)
 {
     uchar *const bytes = buffer->alloc(cell::kDoubleBytes);

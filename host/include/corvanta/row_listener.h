@@ -1,5 +1,5 @@
-// corvanta/row_listener.h
-// Shows the rows of an output pin to a function: previews, the first rows of a file, measuring.
+// Passes the rows of an output pin to a function: for previews, the first rows of a file,
+// measuring.
 #pragma once
 #include "corvanta/action_item.h"
 
@@ -7,17 +7,16 @@
 
 namespace corvanta {
 
-/// An action outside the graph, see RunOptions::listeners. Threads: `see` is called on the action's
-/// thread.
+/// An action outside the graph, see RunOptions::listeners. Threads: the function is called on the
+/// action's thread.
 class CORVANTA_EXPORT RowListener final : public ActionItem
 {
 public:
-    /// Called with each row, and with null behind the last one. False: enough; what lies before
-    /// need not go on, so the run is stopped. The columns are complete also for a table without
-    /// rows.
-    using See = std::function<bool(const TableSchema &columns, const OneRow *row)>;
+    /// Called with each row, and with null after the last one. Returns false to stop the run,
+    /// because no more rows are needed. The columns are complete also for a table without rows.
+    using Callback = std::function<bool(const TableSchema &columns, const OneRow *row)>;
 
-    explicit RowListener(See see);
+    explicit RowListener(Callback onRow);
 
     const char *getTypeName() const override { return "listener"; }
     UpdateClassWidget *createPanel(QWidget *) override { return nullptr; }
@@ -32,7 +31,7 @@ public:
 private:
     bool listen();
 
-    See m_see;
+    Callback m_onRow;
 };
 
 } // namespace corvanta

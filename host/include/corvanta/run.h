@@ -1,5 +1,4 @@
-// corvanta/run.h
-// Runs a graph: one thread per action, rows in batches between them.
+// Runs a graph with one thread per action; rows are sent between them in batches.
 #pragma once
 #include "corvanta/action_item.h"
 #include "corvanta/corvanta_graph.h"
@@ -25,35 +24,35 @@ struct Listener
     QString id; ///< for messages and progress
     CorvantaGraph::Pin from;
     std::unique_ptr<ActionItem> action; ///< with one input pin
-    /// The action that is read from ends, all well, after as many rows; with 0 it is not even
-    /// started. Those before it go on. Negative: no limit.
-    qint64 mostRows = -1;
+    /// After this many rows the action that is read ends without an error; the actions that it
+    /// depends on continue. With 0 its run function is never called. Negative: no limit.
+    qint64 maxRows = -1;
 };
 
 struct RunOptions
 {
-    QMap<QString, QString> variables; ///< win over the graph's
+    QMap<QString, QString> variables; ///< override the graph's
     QString outDir;                   ///< empty: the graph's folder
     QString compression;              ///< see GlobalParameters::compression()
     LogSink *log = nullptr;           ///< null: the program's sink
-    int batchRows = 1024;             ///< rows handed over at once, at most
-    bool yieldAtBatches = false; ///< ask for a yield at every batch, to try the actions' yielding
-    std::vector<Listener> listeners; ///< previews and taps
+    int batchRows = 1024;             ///< maximum number of rows in a batch
+    bool yieldAtBatches = false;      ///< request a yield at every batch, for tests of actions
+    std::vector<Listener> listeners;  ///< previews and taps
 };
 
-/// How far one action is.
+/// The progress of one action.
 struct ActionProgress
 {
     QString id;
     QString type;
     qint64 rowsIn = 0;
     qint64 rowsOut = 0;
-    float fraction = -1; ///< 0 to 1; negative: not known
+    float fraction = -1; ///< done, 0 to 1; negative: not known
     bool finished = false;
 };
 
 /// One run of one graph. Threads: the owner's, except that stop() and progress() may be called from
-/// any.
+/// any thread.
 class CORVANTA_EXPORT Run
 {
 public:
@@ -63,18 +62,21 @@ public:
 
     /// Initialise all actions and start their threads.
     void start();
-    /// Wait for the end, or `timeout`; true when the run has ended. After it every action is
-    /// closed.
+    /// Wait until the run ends or `timeout` has passed. Returns true if the run has ended; then
+    /// every action is closed.
     bool waitFor(std::chrono::milliseconds timeout);
     void wait();
-    /// End the run soon, without an error: RunControl::Stopped.
+    /// Make the run end soon, without an error; the status becomes RunControl::Stopped.
     void stop();
 
-    /// True when no action failed and nobody stopped it. After the end.
+    /// True if no action failed and the run was not stopped. Call after the end.
     bool succeeded() const;
+    /// True if an action failed. Call after the end.
     bool failed() const;
+    /// The progress of all actions, listeners last.
     QVector<ActionProgress> progress() const;
     const RunControl &control() const;
+    /// The action number `index` of the graph; listeners follow. Owned by the run.
     ActionItem *action(int index) const;
 
 private:

@@ -1,5 +1,4 @@
-// corvanta/update_class_widget.h
-// Base of every property panel.
+// The base class of the property panels.
 #pragma once
 #include "corvanta/export.h"
 
@@ -13,7 +12,7 @@ class CORVANTA_EXPORT UpdateClassWidget : public QWidget
 public:
     UpdateClassWidget(QWidget *parent, ActionItem *action);
     ActionItem *action() const { return m_action; }
-    /// Show the action's parameters as they are now.
+    /// Show the current parameters of the action.
     virtual void refresh() = 0;
 
 private:

@@ -1,5 +1,4 @@
-// corvanta/xml_node.h
-// Parameters as the host keeps them: a small immutable XML tree, and its conversions.
+// Saved parameters: a small immutable XML tree, and the conversions of its texts.
 #pragma once
 #include "base/result.h"
 #include "corvanta/export.h"
@@ -11,7 +10,7 @@
 #include <memory>
 
 /// A node of a parameter tree; copies share the tree. Texts returned as pointers are
-/// zero-terminated UTF-16 and live as long as any node of the tree.
+/// zero-terminated UTF-16 and valid as long as any node of the tree. Threads: any.
 class CORVANTA_EXPORT XMLNode
 {
 public:
@@ -38,9 +37,10 @@ public:
     QStringList attributeNames() const;
 
     int nChildNode() const;
+    /// Child number `i`, from 0; an empty node if there is none.
     XMLNode getChildNode(int i) const;
-    /// The first child of that name from child number `*index` on (0 without `index`); `*index` is
-    /// set behind it. An empty node when there is none.
+    /// The first child of that name, starting at child number `*index` (0 without `index`). Sets
+    /// `*index` to the child after it. Returns an empty node if there is none.
     XMLNode getChildNode(const char *name, int *index = nullptr) const;
     /// The i-th run of character data directly inside the element, or null.
     const char16_t *getText(int i = 0) const;
@@ -53,9 +53,9 @@ private:
     std::shared_ptr<const Data> m_data;
 };
 
-// Conversions of attribute texts; each returns the default when the text is null. Numbers: leading
-// blanks are skipped and what follows the digits is ignored; a text without digits gives 0 and a
-// number out of range the nearest one.
+// Conversions of attribute texts; each returns the default if the text is null. Numbers: leading
+// blanks are skipped and text after the digits is ignored; a text without digits gives 0, and a
+// number out of range gives the nearest possible one.
 CORVANTA_EXPORT QString xmltoa(const char16_t *text, const QString &defaultValue);
 CORVANTA_EXPORT int xmltoi(const char16_t *text, int defaultValue);
 CORVANTA_EXPORT long long xmltol(const char16_t *text, long long defaultValue);
@@ -63,11 +63,11 @@ CORVANTA_EXPORT double xmltof(const char16_t *text, double defaultValue);
 /// False for "0", "false", "no" and an empty text, true for everything else.
 CORVANTA_EXPORT char xmltob(const char16_t *text, char defaultValue);
 
-/// A string list saved as one `<s>TEXT</s>` child per string.
+/// Read and write a string list as one `<s>TEXT</s>` child per string. Other children are skipped.
 CORVANTA_EXPORT QStringList fromXMLSL(const XMLNode &node);
 CORVANTA_EXPORT void toXML(const QStringList &list, std::wostream &out);
 
-/// Escapes text for attribute values and element text.
+/// Escapes text for attribute values and element text. Threads: one at a time.
 class CORVANTA_EXPORT ToXMLStringTool
 {
 public:
@@ -76,8 +76,8 @@ public:
     ToXMLStringTool(const ToXMLStringTool &) = delete;
     ToXMLStringTool &operator=(const ToXMLStringTool &) = delete;
 
-    /// `text` with & < > " ' and the line feed, carriage return and tab escaped, so that a reader
-    /// of attribute values gets them back. Valid until the next call or freeBuffer().
+    /// `text` with & < > " ' and the line feed, carriage return and tab escaped, so that an XML
+    /// reader returns them unchanged. Valid until the next call or freeBuffer().
     const wchar_t *toXML(const QString &text);
     void freeBuffer();
 
@@ -85,5 +85,5 @@ private:
     std::unique_ptr<std::wstring> m_buffer;
 };
 
-/// True when the node was saved by a host whose version is not known, that is, when it is new.
+/// True if the node has no version, which means that it is new.
 CORVANTA_EXPORT bool isNewFile(const XMLNode &node);

@@ -1,5 +1,4 @@
-// host/src/builtin/builtin_plugin.h
-// The host's own actions, in a plug-in that is linked in.
+// The plug-in object of the host's own actions, which are part of the host library.
 #pragma once
 #include "corvanta/plugin_interface.h"
 

@@ -50,7 +50,7 @@ std::optional<BatchSlice> InputGate::pop(int pin)
     };
     if (!ready()) {
         m_waitingPin = pin;
-        m_emptied.notify_all(); // producers of the other pins may go on now
+        m_emptied.notify_all(); // producers of the other pins may continue now
         m_filled.wait(lock, ready);
         m_waitingPin = -1;
     }

@@ -1,6 +1,4 @@
-// host/src/engine/input_gate.h
-// The input side of one action: a bounded queue per pin, filled by producers, emptied by the
-// action.
+// The input of one action: a bounded queue per pin, filled by producers and emptied by the action.
 #pragma once
 #include "engine/row_batch.h"
 #include "engine/spill_file.h"
@@ -13,26 +11,27 @@
 
 namespace corvanta {
 
-/// Threads: push() and end() by the producers, pop() by the action, close() by anybody.
+/// Threads: producers call push() and end(), the action calls pop(), any thread calls close().
 ///
-/// A full queue blocks its producer, except while the action waits for another of its pins: then
-/// the producer may be the one who has to go on before that other pin gets rows (a table that is
-/// fanned out and joined again), and what does not fit is kept in memory up to a limit and beyond
-/// it in a file.
+/// A full queue blocks its producer. There is one exception, which prevents a deadlock when a table
+/// fans out and joins again: while the action waits on another of its pins, the producer may
+/// continue, because the other pin may depend on it. Excess rows are kept in memory up to a limit
+/// and then in a temporary file.
 class InputGate
 {
 public:
     explicit InputGate(int pins);
 
-    /// Hand over rows; waits while the queue is full. Dropped when the gate is closed.
+    /// Append rows; waits while the queue is full. A closed gate discards them.
     void push(int pin, BatchSlice slice);
-    /// No more rows; `schema` tells the columns of a table that had none.
+    /// End the data of a pin; `schema` gives the columns of a table without rows.
     void end(int pin, std::shared_ptr<const TableSchema> schema);
-    /// The next rows, or nothing at the end of the data or when the gate is closed.
+    /// The next rows; waits for them. Returns nothing at the end of the data or when the gate is
+    /// closed.
     std::optional<BatchSlice> pop(int pin);
-    /// The columns that end() told; null before.
+    /// The columns passed to end(); null before.
     std::shared_ptr<const TableSchema> endSchema(int pin) const;
-    /// Nobody reads any more: wake and release everybody.
+    /// Discard all rows and release all waiting threads: the action reads no more.
     void close();
 
 private:
@@ -40,7 +39,7 @@ private:
     {
         std::deque<BatchSlice> slices;
         qint64 bytes = 0;
-        SpillFile spill; // rows behind those in `slices`
+        SpillFile spill; // rows after those in `slices`
         std::shared_ptr<const TableSchema> schema;
         bool ended = false;
     };

@@ -105,15 +105,14 @@ void OutputPin::flush()
     }
     if (m_open && m_open->rows != 0) {
         const std::shared_ptr<RowBatch> full = std::exchange(m_open, nullptr);
-        rescueCells();
+        copyCellsOfOpenRow();
         send({full, 0, full->rows});
     }
 }
 
-void OutputPin::rescueCells()
+void OutputPin::copyCellsOfOpenRow()
 {
-    // Cells of the row that is being filled may lie in the batch that goes out, and be gone with
-    // it.
+    // Cells of the unfinished row may be in the arena of the batch that is sent.
     for (int i = 0; i < m_row.numberOfColumns() && !m_row.m_view; ++i) {
         const uchar *&cell = m_row.m_own[static_cast<size_t>(i)];
         if (cell != nullptr) {
@@ -187,7 +186,7 @@ const OneRow *Ports::nextRow(int pin)
     if (const OneRow *row = in(pin).nextInBatch()) {
         return row;
     }
-    // Whoever waits lets go of what it has: a slow source must not hold back rows that are there.
+    // Send partial batches before waiting, so that a slow source does not delay finished rows.
     for (OutputPin &output : m_out) {
         output.flush();
     }

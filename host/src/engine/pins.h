@@ -1,5 +1,4 @@
-// host/src/engine/pins.h
-// The pins of one action, as its own thread uses them.
+// The pins of one action. Threads: the action's, except rowCount().
 #pragma once
 #include "corvanta/one_row.h"
 #include "engine/input_gate.h"
@@ -12,22 +11,23 @@
 
 namespace corvanta {
 
-/// What the pins of a run have in common.
+/// Options that all pins of a run share.
 struct PinOptions
 {
-    int batchRows = 1024;
-    std::atomic<char> *yieldAtBatches =
-        nullptr; // set at every batch that is taken or sent; null: not
+    int batchRows = 1024; ///< maximum number of rows in a batch
+    /// Set to 1 whenever a batch is taken or sent, unless null.
+    std::atomic<char> *yieldAtBatches = nullptr;
 };
 
+/// Collects rows into batches and sends them to the gates of the readers.
 class OutputPin
 {
 public:
-    /// A pin that input pin `pin` of `gate` reads. Before the run.
+    /// Make input pin `pin` of `gate` read this pin. Call before the run.
     void addReader(InputGate *gate, int pin) { m_readers.push_back({gate, pin}); }
     bool isRead() const { return !m_readers.empty(); }
     void setOptions(const PinOptions &options) { m_options = options; }
-    /// Be complete after `rows` rows, and ask for a yield then. Before the run.
+    /// Become complete after `rows` rows, and request a yield then. Call before the run.
     void setLimit(qint64 rows, std::atomic<char> *yieldRequest)
     {
         m_rowsLeft = rows;
@@ -37,11 +37,13 @@ public:
 
     OneRow *row() { return &m_row; }
     RowBuffer *buffer() { return &openBatch().arena; }
+    /// Append the filled row to the open batch, and send the batch if it is full.
     void rowReady();
-    /// Send what is there.
+    /// Send the open batch.
     void flush();
-    /// Send what is there and the end of the data.
+    /// Send the open batch and the end of the data.
     void end();
+    /// Rows sent so far. Threads: any.
     qint64 rowCount() const { return m_count.load(std::memory_order_relaxed); }
 
 private:
@@ -54,7 +56,7 @@ private:
     void appendOwn();
     void appendView();
     void dropRow();
-    void rescueCells();
+    void copyCellsOfOpenRow();
     void send(BatchSlice slice);
 
     std::vector<Reader> m_readers;
@@ -62,13 +64,14 @@ private:
     OneRow m_row;
     std::shared_ptr<BatchPool> m_pool = std::make_shared<BatchPool>();
     std::shared_ptr<RowBatch> m_open;
-    BatchSlice m_slice; // rows taken over unchanged from an input batch
+    BatchSlice m_slice; // rows of an input batch, sent unchanged
     int m_dropped = 0;
     qint64 m_rowsLeft = 0;                       // until the limit
     std::atomic<char> *m_yieldRequest = nullptr; // null: there is no limit
     std::atomic<qint64> m_count = 0;
 };
 
+/// Takes batches from a gate and iterates over their rows.
 class InputPin
 {
 public:
@@ -79,7 +82,7 @@ public:
         m_options = options;
     }
 
-    /// The next row of the batch at hand, or null when it is used up.
+    /// The next row of the current batch, or null after its last row.
     const OneRow *nextInBatch()
     {
         if (m_at == m_end) {
@@ -89,7 +92,7 @@ public:
         m_row.m_rowInBatch = m_at++;
         return &m_row;
     }
-    /// Wait for the next batch; false at the end.
+    /// Wait for the next batch. Returns false at the end of the data.
     bool fetch();
     const OneRow *columns();
     qint64 rowCount() const { return m_count.load(std::memory_order_relaxed); }
@@ -110,13 +113,14 @@ class Ports
 public:
     Ports(int pinsIn, int pinsOut, const PinOptions &options);
 
+    /// The next row of an input pin, or null at the end. Flushes the output pins before it waits.
     const OneRow *nextRow(int pin);
     InputPin &in(int pin) { return m_in[static_cast<size_t>(pin)]; }
     OutputPin &out(int pin) { return m_out[static_cast<size_t>(pin)]; }
     InputGate &gate() { return m_gate; }
     int pinsIn() const { return static_cast<int>(m_in.size()); }
     int pinsOut() const { return static_cast<int>(m_out.size()); }
-    /// True when one of the output pins has had all the rows that are wanted.
+    /// True if an output pin has reached its row limit.
     bool isComplete() const
     {
         return std::any_of(m_out.begin(), m_out.end(),

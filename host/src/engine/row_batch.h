@@ -1,5 +1,4 @@
-// host/src/engine/row_batch.h
-// Rows between two actions: an immutable block of cells, shared by everybody who reads it.
+// Rows between two actions: an immutable block of cells, shared by all its readers.
 #pragma once
 #include "corvanta/meta_info.h"
 #include "corvanta/row_buffer.h"
@@ -12,7 +11,7 @@ namespace corvanta {
 
 inline constexpr int kBatchArenaBytes = 256 * 1024;
 
-/// Filled by one producer, then constant.
+/// Filled by one thread, then constant and shared between threads.
 struct RowBatch
 {
     std::shared_ptr<const TableSchema> schema;
@@ -31,7 +30,7 @@ struct RowBatch
     }
 };
 
-/// Some rows of a batch, on their way to a pin.
+/// Consecutive rows of a batch.
 struct BatchSlice
 {
     std::shared_ptr<const RowBatch> batch;
@@ -41,11 +40,12 @@ struct BatchSlice
     qint64 bytes() const { return batch->rows == 0 ? 0 : batch->bytes() * count / batch->rows; }
 };
 
-/// Batches that are used again: their memory has been touched before, which saves page faults.
+/// Keeps batches for reuse: their memory has been touched before, which saves page faults.
 /// Threads: any.
 class BatchPool : public std::enable_shared_from_this<BatchPool>
 {
 public:
+    /// An empty batch, which returns to the pool when its last reference is released.
     std::shared_ptr<RowBatch> take();
 
 private:

@@ -99,16 +99,16 @@ void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &regis
     for (auto &listener : options.listeners) {
         add(listener.id, std::move(listener.action), 1, pinOptions);
         connect(graph, listener.from, nodes.size() - 1, 0);
-        if (listener.mostRows >= 0) {
+        if (listener.maxRows >= 0) {
             const auto source = static_cast<size_t>(graph.indexOf(listener.from.action));
             nodes[source]
                 ->ports->out(listener.from.pin)
-                .setLimit(listener.mostRows, &control.yieldRequest);
+                .setLimit(listener.maxRows, &control.yieldRequest);
         }
     }
 }
 
-/// A pin without a link, below one that has a link, is a table without rows.
+/// Ends the data of every input pin that has no link: it is a table without rows.
 void Run::Private::endUnlinkedPins(const CorvantaGraph &graph)
 {
     for (const auto &node : nodes) {
@@ -128,7 +128,7 @@ void Run::Private::add(const QString &id, std::unique_ptr<ActionItem> action, in
                        const PinOptions &options)
 {
     if (!action) {
-        throw std::bad_alloc(); // the type is known: validate() has seen it
+        throw std::bad_alloc(); // memory ran out: validate() has checked that the type exists
     }
     auto node = std::make_unique<Node>();
     node->id = id;
@@ -179,7 +179,7 @@ void Run::Private::callRun(Node &node)
         }
         if (control.isRunning()) {
             control.yieldRequest =
-                0; // this action has yielded; others that were asked too yield later
+                0; // this action has yielded; all others yield at a later request
         }
     }
 }
@@ -191,7 +191,7 @@ void Run::Private::closeAction(Node &node)
     }
 }
 
-/// A run that says it is done keeps its word through a power cut.
+/// Flushes new files to disk, so that the output of a successful run survives a power cut.
 void Run::Private::syncNewFiles()
 {
     const QStringList failed =
@@ -218,7 +218,7 @@ void Run::Private::runAndClose(Node &node)
         releaseAll();
     }
     closeAction(node);
-    // The end of the data comes last: what an action writes is complete when the next one sees the
+    // Send the end of the data last: an action's files are complete when the next action sees the
     // end.
     for (int i = 0; i < node.ports->pinsOut(); ++i) {
         node.ports->out(i).end();

@@ -1,5 +1,4 @@
-// host/src/engine/spill_file.h
-// Rows that wait for too long to stay in memory: first in, first out, in a temporary file.
+// A queue of rows in a temporary file, for rows that do not fit into memory.
 #pragma once
 #include "engine/row_batch.h"
 
@@ -11,15 +10,16 @@
 
 namespace corvanta {
 
-/// Threads: one at a time. put() throws std::runtime_error when the file cannot be written, take()
-/// when it cannot be read back.
+/// First in, first out. put() throws std::runtime_error if the file cannot be written, take() if it
+/// cannot be read back. Threads: one at a time.
 class SpillFile
 {
 public:
     bool hasRows() const { return !m_entries.empty(); }
     void put(const BatchSlice &slice);
-    /// The oldest rows; nothing when there are none.
+    /// Remove and return the oldest rows; nothing if there are none.
     std::optional<BatchSlice> take();
+    /// Discard all rows and remove the file.
     void clear();
 
 private:

@@ -26,10 +26,9 @@ void readAction(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems
         problems.add(node.line(), u"the id '%1' is used by two actions"_s.arg(action.id));
     }
     if (node.nChildNode() != 1) {
-        problems.add(
-            node.line(),
-            u"the action '%1' must have one element with its parameters, named after its type"_s
-                .arg(action.id));
+        problems.add(node.line(),
+                     u"the action '%1' needs exactly one child element, named after its type"_s.arg(
+                         action.id));
         return;
     }
     action.parameters = node.getChildNode(0);
@@ -45,7 +44,7 @@ void readLink(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems)
         const auto parsed = CorvantaGraph::parsePin(xmltoa(node.getAttribute(name), QString()));
         if (!parsed) {
             problems.add(node.line(),
-                         u"a link has no '%1' of the form ID:PIN"_s.arg(QLatin1StringView(name)));
+                         u"a link needs a '%1' of the form ID:PIN"_s.arg(QLatin1StringView(name)));
             ok = false;
             continue;
         }

@@ -10,7 +10,7 @@ using corvanta::ProblemList;
 
 namespace {
 
-/// Calls `visit(text, line)` for every text of a parameter element and of what is inside it.
+/// Calls `visit(text, line)` for every attribute and text of an element and its descendants.
 template <class F> void forEachText(const XMLNode &root, F visit)
 {
     QVector<XMLNode> open{root};
@@ -43,8 +43,7 @@ void checkLinkEnd(const CorvantaGraph &graph, const ActionRegistry &registry,
     const CorvantaGraph::Pin &end = isInput ? link.to : link.from;
     const int index = graph.indexOf(end.action);
     if (index < 0) {
-        problems.add(link.line,
-                     u"a link names the action '%1', which is not there"_s.arg(end.action));
+        problems.add(link.line, u"link refers to unknown action '%1'"_s.arg(end.action));
         return;
     }
     const ActionItem *type = registry.prototype(graph.actions[index].parameters.getName());
@@ -119,7 +118,7 @@ void checkLoops(const CorvantaGraph &graph, ProblemList &problems)
     const QStringList stuck = actionsOfLoops(graph);
     if (!stuck.isEmpty()) {
         const int line = graph.actions[graph.indexOf(stuck.first())].line;
-        problems.add(line, u"the links form a loop (actions in it or behind it: %1)"_s.arg(
+        problems.add(line, u"the links form a loop (actions in it or after it: %1)"_s.arg(
                                stuck.join(", "_L1)));
     }
 }
