@@ -1,7 +1,7 @@
 #include "session.h"
 
 #include "base/platform/terminal.h"
-#include "corvanta/system_encoding.h"
+#include "corvanta/system.h"
 
 #include <QElapsedTimer>
 

@@ -1,7 +1,7 @@
 #include "actions/read_xbf/read_xbf.h"
 
 #include "actions/read_xbf/xbf_file.h"
-#include "corvanta/system_encoding.h"
+#include "corvanta/system.h"
 
 using namespace Qt::StringLiterals;
 

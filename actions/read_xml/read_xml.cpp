@@ -3,7 +3,7 @@
 #include "base/checked.h"
 #include "codecs/markup/sample/html_tables.h"
 #include "corvanta/files.h"
-#include "corvanta/system_encoding.h"
+#include "corvanta/system.h"
 
 #include <algorithm>
 #include <tuple>

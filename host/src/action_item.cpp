@@ -1,3 +1,7 @@
+// Default behaviour of actions, and the operations that actions call on their pins.
+//
+// An action has pins (m_ports) only while it is part of a run. Prototypes and the actions of panels
+// have none.
 #include "corvanta/action_item.h"
 
 #include "corvanta/files.h"
@@ -10,6 +14,7 @@
 
 namespace {
 
+/// The version that determines the defaults of an action; infinity for a new one.
 double versionOf(const XMLNode &saved, const GlobalParameters *parameters)
 {
     const double fromGraph = parameters != nullptr ? parameters->graphVersion()
@@ -118,6 +123,7 @@ quint64 ActionItem::getHDTime()
 
 void ActionItem::clearHDFile() {}
 
+// A pin above the highest linked one does not exist in m_ports; it is a table without rows.
 const OneRow *ActionItem::getNextRowFromInPin(int pin)
 {
     return m_ports != nullptr && pin < m_ports->pinsIn() ? m_ports->nextRow(pin) : nullptr;
@@ -163,6 +169,7 @@ QString ActionItem::expandOutputFile(const QString &name, const QString &part) c
 {
     QString expanded =
         m_globalParameters != nullptr ? m_globalParameters->expandOutputFile(name) : name;
+    // A null part means one file; an empty one still takes the place of "*".
     if (part.isNull()) {
         return expanded;
     }

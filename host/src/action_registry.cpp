@@ -1,3 +1,7 @@
+// Loads plug-in modules and collects their prototypes.
+//
+// A type name that exists twice resolves to the action that was added first, so the module's
+// actions take precedence over the host's own.
 #include "corvanta/action_registry.h"
 
 #include "builtin/builtin_plugin.h"

@@ -1,3 +1,4 @@
+// Previews: runs the part of a graph that a pin depends on, with a listener at the pin.
 #include "corvanta/engine_runner.h"
 
 #include "corvanta/action_registry.h"
@@ -14,6 +15,7 @@ using namespace corvanta;
 
 namespace {
 
+/// The cells of a row as text; null strings are missing cells.
 QStringList textsOf(const OneRow &row)
 {
     QStringList texts;
@@ -27,6 +29,7 @@ QStringList textsOf(const OneRow &row)
 CorvantaGraph upTo(const CorvantaGraph &graph, const QString &id)
 {
     QSet<QString> needed{id};
+    // Add the sources of all needed actions until nothing changes.
     for (bool grew = true; grew;) {
         grew = false;
         for (const CorvantaGraph::Link &link : graph.links) {
@@ -62,6 +65,7 @@ bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registr
 {
     m_columns = {};
     m_rows.clear();
+    // An input pin shows what its source sends.
     CorvantaGraph::Pin source{id, pin};
     if (type == PinIn) {
         const auto link =

@@ -1,3 +1,4 @@
+// File dialogs of the panels, as thin wrappers around Qt's.
 #include "corvanta/file_dialogs.h"
 
 #include <QFileDialog>

@@ -1,3 +1,7 @@
+// Files on disk, on top of base/platform, which makes the system calls.
+//
+// Reads and writes are not buffered here: callers pass blocks. New files are registered with
+// UnsyncedNames when they get their final name, so that a run can flush them together.
 #include "corvanta/files.h"
 
 #include "base/platform/files.h"
@@ -17,6 +21,7 @@ using corvanta::platform::FileHandle;
 
 namespace {
 
+/// A plain file. The position is atomic because progress displays read it.
 class DiskReadFile final : public MyReadFile
 {
 public:
@@ -48,6 +53,7 @@ private:
     std::atomic<qint64> m_position = 0;
 };
 
+/// A plain file. A failed write returns to the position before it, so that it can be repeated.
 class DiskWriteFile final : public MyWriteFile
 {
 public:
@@ -131,6 +137,7 @@ bool MyReadFileCached::seek(qint64 offset)
 
 qint64 MyReadFileCached::read(void *buffer, qint64 n)
 {
+    // Refill the cache with the block that begins at the requested position.
     const bool cached = m_position >= m_cacheStart && m_position < m_cacheStart + m_cacheFill;
     if (!cached) {
         if (!m_file->seek(m_position)) {
@@ -194,6 +201,7 @@ QString KobiFileInfo::getParentDir() const
 
 bool KobiFileInfo::isNetDrive(const QString &name)
 {
+    // Tests need a network drive without having one.
     const QString pretended = qEnvironmentVariable("CORVANTA_NET_DRIVE");
     if (!pretended.isEmpty() && QFileInfo(name).absoluteFilePath().startsWith(pretended)) {
         return true;
@@ -206,6 +214,7 @@ void listFiles(const QString &pattern, QStringList *names)
     const QFileInfo info(pattern);
     const QString last = info.fileName();
     names->clear();
+    // Brackets are literal: only "*" and "?" are special in patterns.
     if (last.contains(u'*') || last.contains(u'?')) {
         const QRegularExpression wanted(
             QRegularExpression::anchoredPattern(QRegularExpression::wildcardToRegularExpression(
@@ -233,6 +242,7 @@ void addExtentionIfRequired(QString *name, const QString &extension)
 
 bool renameTMPFile(const QString &temporary, const QString &finalName)
 {
+    // The replacement keeps the permissions of the file that it replaces.
     const bool isNew = !QFileInfo::exists(finalName);
     if (!isNew) {
         corvanta::platform::copyPermissions(finalName, temporary);

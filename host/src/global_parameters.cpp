@@ -1,3 +1,4 @@
+// Folders, variables and the expansion of names.
 #include "corvanta/global_parameters.h"
 
 #include <QDir>
@@ -10,6 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// `name` as an absolute, clean path; relative names are relative to `dir`.
 QString under(const QString &dir, const QString &name)
 {
     if (name.isEmpty()) {
@@ -49,9 +51,10 @@ void GlobalParameters::setVariable(const QString &name, const QString &value)
 
 QString GlobalParameters::variable(const QString &name) const
 {
+    // A graph may define a variable with the name of a built-in one.
     const auto found = m_variables.constFind(name);
     if (found != m_variables.constEnd()) {
-        return found->isNull() ? u""_s : *found;
+        return found->isNull() ? u""_s : *found; // null means "unknown" to the caller
     }
     if (name == "graphDir"_L1) {
         return graphDir();
@@ -95,6 +98,7 @@ QString GlobalParameters::expandOutputFile(const QString &name) const
 
 QString GlobalParameters::contractFile(const QString &name) const
 {
+    // A name with a variable is already portable.
     if (!QDir::isAbsolutePath(name) || name.contains("${"_L1)) {
         return name;
     }

@@ -1,3 +1,4 @@
+// Passes requests for help pages to the program's handler.
 #include "corvanta/help.h"
 
 #include <utility>

@@ -1,3 +1,5 @@
+// Draws icons from resources. Without a GUI application (the command line) nothing is drawn,
+// because QPixmap needs one.
 #include "corvanta/icons.h"
 
 #include <QGuiApplication>
@@ -10,6 +12,7 @@ namespace {
 
 constexpr int kIconPixels = 64;
 
+/// A plus or minus sign, drawn so that it needs no resource.
 QPixmap signIcon(bool plus)
 {
     constexpr int size = 16;

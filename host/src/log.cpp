@@ -1,3 +1,4 @@
+// The log context of each thread.
 #include "corvanta/log.h"
 
 namespace {

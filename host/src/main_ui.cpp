@@ -1,3 +1,7 @@
+// The host's log and the requests of actions to a user interface.
+//
+// The program installs handlers. Without them messages go to standard error, and questions are
+// answered "no".
 #include "corvanta/main_ui.h"
 
 #include <QGuiApplication>
@@ -25,10 +29,11 @@ private:
     std::mutex m_mutex;
 };
 
+/// The handlers of the program.
 struct Host
 {
     PlainSink plainSink;
-    std::atomic<LogSink *> sink = nullptr;
+    std::atomic<LogSink *> sink = nullptr; // null: plainSink
     std::mutex mutex;
     MainUI::DiskSpaceQuestion diskSpaceQuestion; // guarded by mutex
     MainUI::EditorHooks hooks;                   // set before use, by the GUI thread
@@ -59,6 +64,7 @@ void MainUI::setLogSink(LogSink *sink)
 
 bool MainUI::displayOutOfDiskSpace(const QString &name, int, bool canRetry)
 {
+    // Copy the handler, because it may block for as long as the user needs.
     DiskSpaceQuestion question;
     {
         const std::lock_guard lock(host().mutex);

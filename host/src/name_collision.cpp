@@ -1,3 +1,4 @@
+// Checks the columns of a table for equal names.
 #include "corvanta/name_collision.h"
 
 #include "corvanta/action_item.h"

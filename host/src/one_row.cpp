@@ -1,3 +1,8 @@
+// Access to the cells of a row.
+//
+// A row has one of two forms. A view (m_view) refers to a row of a batch, which it keeps alive;
+// copying it copies no cells. Any other row has pointers of its own (m_own), null for missing
+// cells. A change turns a view into the second form first.
 #include "corvanta/one_row.h"
 
 #include "base/number_cell.h"
@@ -9,6 +14,7 @@ using namespace corvanta;
 
 namespace {
 
+/// Sets the optional result of a conversion.
 void setOk(bool *ok, bool value)
 {
     if (ok != nullptr) {
@@ -29,6 +35,7 @@ OneRow::OneRow()
 {
 }
 
+/// The text of a number, formatted into m_numberText.
 int OneRow::numberText(int i, const unsigned short **out) const
 {
     const int n = cell::putNumberText(getMetaType(i).cellType(), m_cells[i], m_numberText.data());
@@ -89,6 +96,7 @@ unsigned int OneRow::colAsKey(int i, bool *ok) const
         break;
     case MetaInfo::Float: {
         const auto value = loadNative<double>(m_cells[i]);
+        // A double is a key if it is an integer in the range of keys.
         const bool whole = value >= 0 && value <= std::numeric_limits<quint32>::max() &&
                            value == static_cast<double>(static_cast<quint32>(value));
         key = whole ? static_cast<quint32>(value) : key;
@@ -179,6 +187,7 @@ void OneRow::copySchemaFrom(const OneRow *row)
 
 void OneRow::copyFrom(const OneRow *row)
 {
+    // Views of the same batch share its schema, so only the position changes.
     if (row->m_view) {
         if (m_batch != row->m_batch) {
             copySchemaFrom(row);
@@ -193,6 +202,7 @@ void OneRow::copyFrom(const OneRow *row)
     std::copy_n(row->m_cells, row->numberOfColumns(), m_own.begin());
 }
 
+/// Turns a view into a row with its own pointers to the same cells.
 void OneRow::ownCells()
 {
     if (m_view) {
@@ -202,6 +212,7 @@ void OneRow::ownCells()
     }
 }
 
+/// Makes all cells missing.
 void OneRow::clearCells()
 {
     m_view = false;

@@ -1,3 +1,7 @@
+// The arena for cells, and the conversion of texts to cells.
+//
+// Blocks are kept after reset() and reused in order. A block that is too small for an allocation is
+// skipped until the next reset.
 #include "corvanta/row_buffer.h"
 
 #include "base/utf.h"
@@ -16,6 +20,7 @@ RowBuffer::RowBuffer(int capacity)
 
 RowBuffer::~RowBuffer() = default;
 
+/// Makes a block the current one.
 void RowBuffer::use(size_t block)
 {
     m_block = block;
@@ -24,6 +29,7 @@ void RowBuffer::use(size_t block)
     m_end = m_begin + m_blocks[block].size;
 }
 
+/// Allocates in the next block that is large enough, or in a new one.
 unsigned char *RowBuffer::allocSlow(int n)
 {
     if (n < 0) {
@@ -65,7 +71,7 @@ void RowBuffer::deepReset(long long keepBytes)
         kept += m_blocks[blocks++].size;
     }
     m_blocks.resize(blocks);
-    m_begin = m_next = m_end = nullptr;
+    m_begin = m_next = m_end = nullptr; // the current block may be gone
     reset();
 }
 

@@ -1,3 +1,4 @@
+// An action that passes its rows to a function.
 #include "corvanta/row_listener.h"
 
 namespace corvanta {
@@ -29,6 +30,7 @@ bool RowListener::listen()
             return true; // not the end of the table
         }
         if (!m_onRow(getInputColumns(0)->schema(), row)) {
+            // Do not hide a failure that happened meanwhile.
             int expected = RunControl::Running;
             m_control->runStatus.compare_exchange_strong(expected, RunControl::Stopped);
             return true;

@@ -1,3 +1,7 @@
+// Flushes new files and changed folders in groups.
+//
+// The write-back of all files is started before the first wait, so that the disk works on them in
+// parallel. The mutex is not held during the wait: other actions can add files meanwhile.
 #include "unsynced_names.h"
 
 #include "base/platform/files.h"
@@ -23,6 +27,7 @@ void UnsyncedNames::addFile(const QString &name)
     if (m_names.files.size() < kMaxFiles) {
         return;
     }
+    // Too many to wait for at the end: flush them now.
     const Names names = std::exchange(m_names, {});
     lock.unlock();
     const QStringList failed = sync(names);

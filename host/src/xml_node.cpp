@@ -1,3 +1,4 @@
+// The tree of saved parameters and its parser.
 #include "corvanta/xml_node.h"
 
 #include <QVector>
@@ -9,6 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
+/// One element. Shared by all nodes that refer to it, and never changed after parsing.
 struct XMLNode::Data
 {
     QString name;
@@ -22,6 +24,7 @@ namespace {
 
 constexpr int kMaxDepth = 1000;
 
+/// The zero-terminated units of a text, valid as long as the text.
 const char16_t *units(const QString &text)
 {
     return reinterpret_cast<const char16_t *>(text.utf16());
@@ -99,6 +102,7 @@ private:
         }
     }
 
+    /// Joins consecutive runs of text; a child element begins a new run.
     void addText(QStringView text)
     {
         if (m_open.empty()) {
@@ -116,7 +120,7 @@ private:
     QXmlStreamReader m_reader;
     std::vector<std::shared_ptr<XMLNode::Data>> m_open;
     XMLNode m_root;
-    bool m_continueText = false;
+    bool m_continueText = false; // the last token was text of the open element
 };
 
 XMLNode::XMLNode() = default;

@@ -1,3 +1,7 @@
+// Conversions between attribute texts and values.
+//
+// The conversions never fail, because saved graphs may contain any text: they accept what they can
+// and return a fixed result for the rest.
 #include "corvanta/xml_node.h"
 
 #include <limits>
@@ -18,6 +22,7 @@ long long xmltol(const char16_t *text, long long defaultValue)
     while (*text == u' ' || (*text >= u'\t' && *text <= u'\r')) {
         ++text;
     }
+    // Add negative digits for a negative number, so that the smallest value does not overflow.
     const bool negative = *text == u'-';
     text += *text == u'-' || *text == u'+' ? 1 : 0;
     long long value = 0;
@@ -44,7 +49,8 @@ double xmltof(const char16_t *text, double defaultValue)
     if (text == nullptr) {
         return defaultValue;
     }
-    // Try ever shorter beginnings; parameters are short.
+    // Find the longest beginning that is a number. Try ever shorter beginnings; parameters are
+    // short.
     const QString trimmed = QString::fromUtf16(text).trimmed();
     for (qsizetype n = trimmed.size(); n > 0; --n) {
         bool ok = false;
@@ -70,6 +76,7 @@ QStringList fromXMLSL(const XMLNode &node)
     QStringList list;
     for (int i = 0; i < node.nChildNode(); ++i) {
         const XMLNode child = node.getChildNode(i);
+        // Skip other children: a list may be part of a larger element.
         if (child.getName() == "s"_L1) {
             list << child.text();
         }

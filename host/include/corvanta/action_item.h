@@ -49,18 +49,20 @@ public:
     /// A new panel bound to this action; the caller owns it.
     virtual UpdateClassWidget *createPanel(QWidget *parent) = 0;
     virtual QPixmap *getIcon(double scale) = 0; ///< owned by the action's class
+    // Pins, as the editor adds and removes them; the last one is removed.
     virtual void addPinIn();
     virtual void addPinOut();
     virtual void removePinIn();
     virtual void removePinOut();
-    virtual QString getDescription() const = 0;
+    virtual QString getDescription() const = 0; ///< one line
     virtual void showHelp() = 0;
-    virtual QStringList getFileTypes() const; ///< default: none
-    virtual QStringList getTags() const;      ///< default: none
-    virtual QStringList getKeywords() const = 0;
+    virtual QStringList getFileTypes() const;        ///< default: none
+    virtual QStringList getTags() const;             ///< default: none
+    virtual QStringList getKeywords() const = 0;     ///< search words
     virtual QStringList getAlternativeNames() const; ///< default: none
     /// A copy with the same parameters, made through save() and newInstance().
     virtual ActionItem *clone(GlobalParameters *parameters);
+    /// Write the element with the action's parameters.
     virtual void save(std::wostream &out, const QString &elementName) = 0;
     virtual char init();  ///< returns 0 on success
     virtual char close(); ///< returns 0 on success
@@ -72,6 +74,7 @@ public:
     /// The fraction that is done, 0 to 1; negative if it is not known. Called from another thread
     /// at any time.
     virtual float computeCompletion();
+    // Reserved operations of the contract; the engine does not call them.
     virtual bool completionIn2Pass();
     virtual char canRunInParallel(const QString &what, bool *answer);
     virtual char fullTableRequiredToComputeMetas(int pin, bool *answer);
@@ -106,11 +109,12 @@ public:
 
     /// Number of this action in its graph, from 0.
     int getIdx() const { return m_idx; }
+    // Number of pins; during a run, of pins up to the highest linked one.
     int pinInCount() const { return m_nPinIn; }
     int pinOutCount() const { return m_nPinOut; }
     int maxPinIn() const { return m_maxPinIn; }
 
-    // Names and texts with the graph's variables and folders.
+    // Names and texts with the graph's variables and folders; unchanged without a graph.
 
     QString expandFile(const QString &name) const;
     QString expandString(const QString &text) const;
@@ -120,6 +124,7 @@ public:
     QString expandOutputFile(const QString &name, const QString &part) const;
 
     GlobalParameters *globalParameters() const { return m_globalParameters; }
+    // Flags of the last run.
     char warningFlag() const { return m_warningFlag; }
     char errorFlag() const { return m_errorFlag; }
     /// The version that determines defaults: the node's own, else the graph's; infinite for a new

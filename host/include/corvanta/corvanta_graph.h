@@ -14,10 +14,12 @@ namespace corvanta {
 class ActionRegistry;
 }
 
+/// A plain value; nothing in it has been checked until validate() is called.
 /// Threads: one at a time.
 class CORVANTA_EXPORT CorvantaGraph
 {
 public:
+    /// A node of the graph.
     struct Action
     {
         QString id;
@@ -33,6 +35,7 @@ public:
         QString action; ///< id
         int pin = 0;    ///< from 0
     };
+    /// An edge from an output pin to an input pin.
     struct Link
     {
         Pin from;
@@ -48,8 +51,8 @@ public:
     /// A graph, or everything that is wrong with its file.
     using Loaded = corvanta::Result<CorvantaGraph, Problems>;
 
-    double version = -1; ///< of the host that saved it; negative: none given, so new
-    QMap<QString, QString> variables;
+    double version = -1;              ///< of the host that saved it; negative: none given, so new
+    QMap<QString, QString> variables; ///< by name, without "${" and "}"
     QVector<Action> actions;
     QVector<Link> links;
     QString fileName; ///< for messages; relative names are relative to its folder
@@ -66,7 +69,8 @@ public:
     Problems validate(const corvanta::ActionRegistry &registry,
                       const QMap<QString, QString> &given) const;
 
-    int indexOf(const QString &id) const; ///< -1: no such action
+    /// Index in `actions`; -1 if there is no such action.
+    int indexOf(const QString &id) const;
     /// Split "ID:PIN"; returns nothing if `text` is not of that form.
     static std::optional<Pin> parsePin(const QString &text);
 };

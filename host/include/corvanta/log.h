@@ -20,6 +20,7 @@ public:
     LogSink(const LogSink &) = delete;
     LogSink &operator=(const LogSink &) = delete;
     virtual ~LogSink() = default;
+    /// Take a message; must not block for long, because the action waits.
     virtual void add(const LogMessage &message) = 0;
 };
 
@@ -29,11 +30,13 @@ public:
 class CORVANTA_EXPORT LogScope
 {
 public:
+    /// Where the messages of a thread go, and whose they are.
     struct Context
     {
         LogSink *sink = nullptr; ///< null: the program's
         QString action;
     };
+    /// Replace the context of the calling thread; the destructor restores the previous one.
     explicit LogScope(const Context &context);
     ~LogScope();
     LogScope(const LogScope &) = delete;

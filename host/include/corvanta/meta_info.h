@@ -9,17 +9,18 @@
 /// One column of a sort order.
 struct SortInfos
 {
-    QString column;
+    QString column; ///< name
     bool ascending = true;
     bool operator==(const SortInfos &other) const = default;
 };
 
-/// Names, types and sort order of a table; shared by all rows of a batch.
+/// Names, types and sort order of a table; shared by all rows of a batch. `names` and `types` have
+/// one entry per column.
 struct TableSchema
 {
     QVector<QString> names;
     QVector<MetaInfo> types;
-    QVector<SortInfos> sortedOn;
+    QVector<SortInfos> sortedOn; ///< most significant first; empty: not known to be sorted
     bool operator==(const TableSchema &other) const = default;
 };
 

@@ -14,8 +14,10 @@ public:
     /// A new prototype of the action number `index`, from 0; null beyond the last. The second
     /// argument is not used. The caller owns the object.
     virtual ActionItem *createAction(int index, unsigned int reserved) = 0;
+    /// Called once, before the first createAction().
     virtual void initialise() = 0;
-    virtual double getVersion() = 0;
+    virtual double getVersion() = 0; ///< of the module
+    // Reserved; null.
     virtual void *getExtra1() = 0;
     virtual void *getExtra2() = 0;
     virtual void *createActionFromNode(XMLNode node) = 0;

@@ -18,6 +18,7 @@ public:
 
     explicit RowListener(Callback onRow);
 
+    // Operations of ActionItem; a listener has no panel, icon or parameters.
     const char *getTypeName() const override { return "listener"; }
     UpdateClassWidget *createPanel(QWidget *) override { return nullptr; }
     QPixmap *getIcon(double) override { return nullptr; }

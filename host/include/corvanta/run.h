@@ -56,7 +56,7 @@ struct ActionProgress
 class CORVANTA_EXPORT Run
 {
 public:
-    /// The graph must have passed validate() with the same variables.
+    /// The graph must have passed validate() with the same variables. The log must outlive the run.
     Run(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions options);
     ~Run(); ///< stops and waits
 
@@ -80,7 +80,7 @@ public:
     ActionItem *action(int index) const;
 
 private:
-    struct Private;
+    struct Private; // in engine/run.cpp
     std::unique_ptr<Private> d;
 };
 

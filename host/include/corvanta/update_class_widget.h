@@ -10,6 +10,7 @@ class ActionItem;
 class CORVANTA_EXPORT UpdateClassWidget : public QWidget
 {
 public:
+    /// `parent` owns the panel unless it is null.
     UpdateClassWidget(QWidget *parent, ActionItem *action);
     ActionItem *action() const { return m_action; }
     /// Show the current parameters of the action.

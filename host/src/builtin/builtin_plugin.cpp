@@ -1,3 +1,4 @@
+// The catalogue of the host's own actions.
 #include "builtin/builtin_plugin.h"
 
 #include "builtin/read_csv.h"

@@ -4,6 +4,7 @@
 
 namespace corvanta {
 
+/// Stateless; see CorvantaPluginInterface. Its actions come after those of the modules.
 class BuiltinPlugin final : public CorvantaPluginInterface
 {
 public:

@@ -1,3 +1,5 @@
+// readCSV: opens the file, declares the columns from its first record, and converts fields to
+// cells. The records come from codecs/csv.
 #include "builtin/read_csv.h"
 
 #include "base/number.h"
@@ -16,7 +18,7 @@ constexpr FileFormat kFormats[] = {
 
 constexpr ActionEntry kEntry = {
     .typeName = "readCSV",
-    .description = "Read a text file with separators",
+    .description = "Reads a text file with separators",
     .icon = ":/CorvantaCore/readCSV.svg",
     .fileTypes = "csv tsv txt",
     .tags = "Common",
@@ -40,7 +42,8 @@ public:
     qint64 read(void *buffer, qint64 n) override
     {
         const qint64 got = m_file->read(buffer, n);
-        *m_done = m_packed != nullptr ? m_packed->progressPosition() : *m_done + got;
+        *m_done =
+            m_packed != nullptr ? m_packed->progressPosition() : *m_done + qMax<qint64>(got, 0);
         return got;
     }
     qint64 size() override { return m_file->size(); }
@@ -66,7 +69,7 @@ const ParamTable<ReadCsvParams> &ActionReadCsv::paramTable()
             .inputFile()
             .always()
             .label("File")
-            .meaning("Text file to read, UTF-8, or a compressed one (.gz, .Z)."),
+            .meaning("Text file to read, UTF-8; also compressed as .gz or .Z."),
         text("separator", &ReadCsvParams::separator)
             .label("Separator")
             .meaning("One ASCII character between two fields."),

@@ -10,6 +10,7 @@
 
 namespace corvanta {
 
+/// Parameters as saved; see ActionReadCsv::paramTable() for their meaning.
 struct ReadCsvParams
 {
     QString fileName;
@@ -19,6 +20,8 @@ struct ReadCsvParams
     QString sortedOn;
 };
 
+/// Reads one file, plain or compressed. Errors end the run and name line and column.
+/// Threads: see ActionItem; computeCompletion() reads the two atomics.
 class ActionReadCsv final : public ParamAction<ActionReadCsv, ReadCsvParams>
 {
 public:
@@ -31,6 +34,8 @@ private:
     bool step() override;
     void finish() override;
 
+    // All functions that return bool return false when there is nothing more to do, also after a
+    // failure, which they have logged.
     bool open();
     std::unique_ptr<ByteSource> openFile();
     bool describeColumns();
@@ -43,7 +48,7 @@ private:
     bool failRecord(csv::Error code);
     bool failCell(const csv::Field &field, const QString &column, MetaInfo::MetaTypeColumn type);
 
-    QString m_name;
+    QString m_name; // of the file, expanded
     std::unique_ptr<ByteSource> m_file;
     const input::InputSource *m_packed = nullptr; // the compressed file in m_file, or null
     std::unique_ptr<csv::RecordReader> m_reader;

@@ -1,3 +1,5 @@
+// writeCSV: formats rows with codecs/csv, writes them to the target, and copies them to the output
+// pin.
 #include "builtin/write_csv.h"
 
 #include "builtin/csv_separator.h"
@@ -15,7 +17,7 @@ constexpr FileFormat kFormats[] = {
 
 constexpr ActionEntry kEntry = {
     .typeName = "writeCSV",
-    .description = "Write a text file with separators",
+    .description = "Writes a text file with separators",
     .icon = ":/CorvantaCore/writeCSV.svg",
     .tags = "Common",
     .keywords = "file export output save csv text write out",
@@ -42,7 +44,7 @@ const ParamTable<WriteCsvParams> &ActionWriteCsv::paramTable()
             .meaning("One ASCII character between two fields."),
         flag("header", &WriteCsvParams::header)
             .label("Write the column names in the first line")
-            .meaning("Writes a header line with the column names."),
+            .meaning("Without it the file contains only rows."),
     };
     return table;
 }

@@ -8,6 +8,7 @@
 
 namespace corvanta {
 
+/// Parameters as saved; see ActionWriteCsv::paramTable() for their meaning.
 struct WriteCsvParams
 {
     QString fileName;
@@ -15,6 +16,8 @@ struct WriteCsvParams
     bool header = true;
 };
 
+/// Writes one file, which appears under its name when the run has succeeded, and copies its rows to
+/// output pin 0. A table without rows gives a file with the header.
 class ActionWriteCsv final : public ParamAction<ActionWriteCsv, WriteCsvParams>
 {
 public:
@@ -30,7 +33,7 @@ private:
     bool flush();
     bool failWriting();
 
-    QString m_name;
+    QString m_name; // of the file, expanded
     TargetFile m_target;
     std::optional<csv::RecordWriter> m_writer; // set once the target is open
     bool m_complete = false;                   // the input has ended and all rows are formatted

@@ -1,3 +1,6 @@
+// The queues between producers and one action.
+//
+// One mutex guards all pins of the action. m_filled wakes the action, m_emptied the producers.
 #include "engine/input_gate.h"
 
 namespace corvanta {
@@ -7,6 +10,8 @@ InputGate::InputGate(int pins)
 {
 }
 
+/// Whether a producer may append to `queue`. At least two slices are always allowed, so that a
+/// large batch does not stop the flow.
 bool InputGate::mayPush(const Queue &queue, int pin) const
 {
     return m_closed || queue.bytes < kQueueBytes || queue.slices.size() < 2 ||
@@ -21,6 +26,7 @@ void InputGate::push(int pin, BatchSlice slice)
     if (m_closed) {
         return;
     }
+    // Rows must keep their order: once some are in the file, all later ones follow them.
     if (queue.spill.hasRows() || queue.bytes >= kOverflowBytes) {
         queue.spill.put(slice);
         return;
@@ -57,6 +63,7 @@ std::optional<BatchSlice> InputGate::pop(int pin)
     if (m_closed) {
         return std::nullopt;
     }
+    // The file holds the rows after those in memory. At the end of the data it is empty.
     if (queue.slices.empty()) {
         return queue.spill.take();
     }

@@ -1,3 +1,8 @@
+// Builds batches from filled rows, and iterates over the rows of batches.
+//
+// An output pin has either an open batch (rows made here) or an open slice (rows of an input batch
+// that are sent unchanged), never both: a change between the two sends the first, so that rows keep
+// their order.
 #include "engine/pins.h"
 
 #include "base/cell.h"
@@ -6,6 +11,7 @@ namespace corvanta {
 
 namespace {
 
+/// A copy of a cell in `arena`.
 const uchar *copyCell(RowBuffer &arena, cell::Type type, const uchar *cell)
 {
     const qsizetype n = cell::bytesOf(type, cell);
@@ -38,6 +44,7 @@ void OutputPin::rowReady()
     }
 }
 
+/// Counts a row that no action reads.
 void OutputPin::dropRow()
 {
     if (++m_dropped == m_options.batchRows) {
@@ -48,6 +55,7 @@ void OutputPin::dropRow()
     }
 }
 
+/// Appends a row of an input batch to the open slice.
 void OutputPin::appendView()
 {
     const bool follows =
@@ -63,9 +71,11 @@ void OutputPin::appendView()
     }
 }
 
+/// Appends a row that was filled here to the open batch.
 void OutputPin::appendOwn()
 {
     RowBatch &batch = openBatch();
+    // A batch has one schema, and a slice is sent before newer rows.
     if (m_slice.count != 0 || (batch.rows != 0 && batch.schema != m_row.m_schema)) {
         flush();
         appendOwn();
@@ -121,6 +131,7 @@ void OutputPin::copyCellsOfOpenRow()
     }
 }
 
+/// Sends rows to all readers; they share the batch.
 void OutputPin::send(BatchSlice slice)
 {
     m_count.fetch_add(slice.count, std::memory_order_relaxed);
@@ -160,6 +171,7 @@ bool InputPin::fetch()
 
 const OneRow *InputPin::columns()
 {
+    // A table without rows has no batch; its schema arrives with the end of the data.
     if (!m_row.m_batch) {
         if (auto schema = m_gate->endSchema(m_pin)) {
             m_row.m_schema = std::move(schema);

@@ -26,6 +26,7 @@ public:
     /// Make input pin `pin` of `gate` read this pin. Call before the run.
     void addReader(InputGate *gate, int pin) { m_readers.push_back({gate, pin}); }
     bool isRead() const { return !m_readers.empty(); }
+    /// Call before the run.
     void setOptions(const PinOptions &options) { m_options = options; }
     /// Become complete after `rows` rows, and request a yield then. Call before the run.
     void setLimit(qint64 rows, std::atomic<char> *yieldRequest)
@@ -33,9 +34,12 @@ public:
         m_rowsLeft = rows;
         m_yieldRequest = yieldRequest;
     }
+    /// True if the row limit is reached.
     bool isComplete() const { return m_yieldRequest != nullptr && m_rowsLeft <= 0; }
 
+    /// The row to fill next.
     OneRow *row() { return &m_row; }
+    /// The arena for its cells.
     RowBuffer *buffer() { return &openBatch().arena; }
     /// Append the filled row to the open batch, and send the batch if it is full.
     void rowReady();
@@ -59,13 +63,13 @@ private:
     void copyCellsOfOpenRow();
     void send(BatchSlice slice);
 
-    std::vector<Reader> m_readers;
+    std::vector<Reader> m_readers; // constant during the run
     PinOptions m_options;
     OneRow m_row;
     std::shared_ptr<BatchPool> m_pool = std::make_shared<BatchPool>();
-    std::shared_ptr<RowBatch> m_open;
-    BatchSlice m_slice; // rows of an input batch, sent unchanged
-    int m_dropped = 0;
+    std::shared_ptr<RowBatch> m_open;            // null: no row since the last batch was sent
+    BatchSlice m_slice;                          // rows of an input batch, sent unchanged
+    int m_dropped = 0;                           // rows that no action reads, not yet counted
     qint64 m_rowsLeft = 0;                       // until the limit
     std::atomic<char> *m_yieldRequest = nullptr; // null: there is no limit
     std::atomic<qint64> m_count = 0;
@@ -75,6 +79,7 @@ private:
 class InputPin
 {
 public:
+    /// Read pin `pin` of `gate`. Call before the run.
     void connect(InputGate *gate, int pin, const PinOptions &options)
     {
         m_gate = gate;
@@ -94,7 +99,9 @@ public:
     }
     /// Wait for the next batch. Returns false at the end of the data.
     bool fetch();
+    /// A row with the columns of the table. Call after the first row or the end.
     const OneRow *columns();
+    /// Rows taken so far. Threads: any.
     qint64 rowCount() const { return m_count.load(std::memory_order_relaxed); }
 
 private:
@@ -111,6 +118,7 @@ private:
 class Ports
 {
 public:
+    /// Pins are numbered from 0.
     Ports(int pinsIn, int pinsOut, const PinOptions &options);
 
     /// The next row of an input pin, or null at the end. Flushes the output pins before it waits.

@@ -1,3 +1,5 @@
+// The pool of batches of one output pin. A batch may return from any thread, and also after its pin
+// has been destroyed: the deleter keeps the pool alive.
 #include "engine/row_batch.h"
 
 namespace corvanta {
@@ -21,6 +23,7 @@ std::shared_ptr<RowBatch> BatchPool::take()
 void BatchPool::giveBack(RowBatch *batch)
 {
     std::unique_ptr<RowBatch> owned(batch);
+    // Free what a few large cells have added, keep the usual size.
     owned->arena.deepReset(4LL * kBatchArenaBytes);
     owned->cells.clear();
     owned->schema.reset();

@@ -9,6 +9,7 @@
 
 namespace corvanta {
 
+/// Bytes of cells after which a batch is sent.
 inline constexpr int kBatchArenaBytes = 256 * 1024;
 
 /// Filled by one thread, then constant and shared between threads.
@@ -20,10 +21,12 @@ struct RowBatch
     int columns = 0;
     int rows = 0;
 
+    /// Memory that the batch takes, roughly.
     qint64 bytes() const
     {
         return arena.bytesUsed() + static_cast<qint64>(cells.size() * sizeof(const uchar *));
     }
+    /// The cells of row `i`, from 0; one per column.
     const uchar *const *row(int i) const
     {
         return cells.data() + static_cast<size_t>(i) * static_cast<size_t>(columns);
@@ -37,6 +40,7 @@ struct BatchSlice
     int first = 0;
     int count = 0;
 
+    /// The share of these rows in the memory of the batch.
     qint64 bytes() const { return batch->rows == 0 ? 0 : batch->bytes() * count / batch->rows; }
 };
 
@@ -51,7 +55,7 @@ public:
 private:
     void giveBack(RowBatch *batch);
 
-    static constexpr size_t kKept = 8;
+    static constexpr size_t kKept = 8; // batches
     std::mutex m_mutex;
     std::vector<std::unique_ptr<RowBatch>> m_free; // guarded by m_mutex
 };

@@ -1,3 +1,8 @@
+// Runs a graph: connects the pins of its actions, starts one thread per action, and ends the run.
+//
+// Each thread calls its action's run function until that is finished or the run has ended, then
+// closes the action and sends the end of its data. The first failure or stop changes the run
+// status, closes all gates and wakes all actions, so that no thread stays blocked.
 #include "corvanta/run.h"
 
 #include "corvanta/action_registry.h"
@@ -30,6 +35,7 @@ struct Node
     std::jthread thread;
 };
 
+/// The highest linked input pin of an action; -1 if there is none.
 int highestLinkedPin(const CorvantaGraph &graph, const QString &id)
 {
     int highest = -1;
@@ -148,12 +154,14 @@ void Run::Private::connect(const CorvantaGraph &graph, const CorvantaGraph::Pin 
     source.ports->out(from.pin).addReader(&nodes[to]->ports->gate(), pin);
 }
 
+/// Releases every thread that waits. Called by the thread that ends the run, and by all others when
+/// they notice it; only the first call has an effect.
 void Run::Private::releaseAll()
 {
     if (released.exchange(true)) {
         return;
     }
-    control.yieldRequest = 1;
+    control.yieldRequest = 1; // never reset from now on, see callRun()
     for (const auto &node : nodes) {
         node->ports->gate().close();
     }
@@ -166,6 +174,7 @@ void Run::Private::releaseAll()
 
 void Run::Private::endRun(RunControl::Status status)
 {
+    // The first reason counts: a stop does not hide a failure.
     int expected = RunControl::Running;
     control.runStatus.compare_exchange_strong(expected, status);
     releaseAll();
@@ -202,11 +211,12 @@ void Run::Private::syncNewFiles()
     }
 }
 
+/// The work of an action's thread.
 void Run::Private::runAndClose(Node &node)
 {
     try {
         callRun(node);
-    } catch (const std::exception &error) {
+    } catch (const std::exception &error) { // of the engine itself: a full spill file, no memory
         MainUI::addLog(MainUI::Error, u"Error: %1\n"_s.arg(QString::fromUtf8(error.what())));
         control.runStatus = RunControl::Failed;
     }
@@ -268,6 +278,7 @@ void Run::start()
         }
         node->action->prepareRun();
     }
+    // An action has failed to start: close those that did start, and run none.
     if (!d->control.isRunning()) {
         for (const auto &node : d->nodes) {
             const LogScope scope(d->logContext(*node));

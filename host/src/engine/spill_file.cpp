@@ -1,3 +1,7 @@
+// Rows in a temporary file: the cells of each batch, one after another, without lengths or padding.
+//
+// The size of a cell follows from its type and, for texts, its length code. Schema and row count of
+// each batch stay in memory.
 #include "engine/spill_file.h"
 
 #include "base/cell.h"
@@ -14,6 +18,7 @@ void SpillFile::put(const BatchSlice &slice)
             throw std::runtime_error("cannot create a temporary file for waiting rows");
         }
     }
+    // Collect the cells first, so that the file needs one write.
     QByteArray bytes;
     const TableSchema &schema = *slice.batch->schema;
     for (int r = slice.first; r < slice.first + slice.count; ++r) {
@@ -58,6 +63,7 @@ std::optional<BatchSlice> SpillFile::take()
         batch->cells.push_back(cell);
         at += n;
     }
+    // Free the disk space as soon as possible.
     if (m_entries.empty()) {
         clear();
     }

@@ -1,3 +1,4 @@
+// Names and pins of a graph.
 #include "corvanta/corvanta_graph.h"
 
 #include "base/number.h"

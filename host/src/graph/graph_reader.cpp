@@ -1,3 +1,5 @@
+// Reads graph files. All problems of a file are collected, so that the user sees them together;
+// only text that is not XML ends the reading immediately.
 #include "corvanta/corvanta_graph.h"
 #include "graph/problem_list.h"
 
@@ -10,8 +12,11 @@ using corvanta::ProblemList;
 
 namespace {
 
+/// Larger files are certainly not graphs; reading one would exhaust the memory.
 constexpr qint64 kMaxGraphBytes = qint64(256) << 20;
 
+/// Reads an action element. An action with problems is kept out of the graph only if it has no
+/// parameters, so that its links are still checked.
 void readAction(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems)
 {
     CorvantaGraph::Action action;

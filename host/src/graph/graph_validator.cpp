@@ -1,3 +1,4 @@
+// Checks what a graph file cannot show by itself: types, pins, loops and variables.
 #include "corvanta/action_registry.h"
 #include "corvanta/corvanta_graph.h"
 #include "graph/problem_list.h"
@@ -13,6 +14,7 @@ namespace {
 /// Calls `visit(text, line)` for every attribute and text of an element and its descendants.
 template <class F> void forEachText(const XMLNode &root, F visit)
 {
+    // Not recursive: parameters may be nested deeply.
     QVector<XMLNode> open{root};
     while (!open.isEmpty()) {
         const XMLNode node = open.takeLast();
@@ -48,7 +50,7 @@ void checkLinkEnd(const CorvantaGraph &graph, const ActionRegistry &registry,
     }
     const ActionItem *type = registry.prototype(graph.actions[index].parameters.getName());
     if (type == nullptr) {
-        return;
+        return; // reported by checkTypes()
     }
     const int pins = isInput ? type->maxPinIn() : type->pinOutCount();
     if (end.pin >= pins) {

@@ -1,3 +1,4 @@
+// Writes graph files, with one line per element so that differences between versions are readable.
 #include "corvanta/corvanta_graph.h"
 
 #include <QLocale>

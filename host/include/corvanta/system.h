@@ -1,4 +1,4 @@
-// The 8-bit encoding of the system, which some formats leave files in.
+// What actions need to know about the system: its 8-bit encoding and the memory for caches.
 //
 // Threads: any.
 #pragma once
@@ -12,3 +12,7 @@ CORVANTA_EXPORT QString currentACPName();
 
 /// Make currentACPName() return `name`; an empty name ends the override.
 CORVANTA_EXPORT void setSystemEncoding(const QString &name);
+
+/// `percent` of the cache budget of the process, 1 GiB, in bytes. Negative values count as 0; the
+/// result is at most the largest int.
+CORVANTA_EXPORT int memConsumptionInByte(int percent);

@@ -1,4 +1,4 @@
-// Text helpers of actions and panels.
+// Helpers of panels for lists and texts.
 #pragma once
 #include "corvanta/export.h"
 
@@ -11,3 +11,7 @@ CORVANTA_EXPORT QString stringFromStringList(const QStringList &list, int maxTex
 
 /// A copy of `text` with its own memory; null for a null string.
 CORVANTA_EXPORT QString detach(const QString &text);
+
+/// Sort keys[from] to keys[to], both inclusive, ascending and stable, and move the values of the
+/// same indexes along with them.
+CORVANTA_EXPORT void sortIntInt(int *keys, int *values, int from, int to);

@@ -1,7 +1,9 @@
-#include "corvanta/system_encoding.h"
+// The system's 8-bit encoding, which the user can override, and the memory for caches.
+#include "corvanta/system.h"
 
 #include "base/platform/files.h"
 
+#include <limits>
 #include <mutex>
 
 using namespace Qt::StringLiterals;
@@ -38,4 +40,11 @@ void setSystemEncoding(const QString &name)
     SystemEncoding &encoding = systemEncoding();
     const std::lock_guard lock(encoding.mutex);
     encoding.name = name;
+}
+
+int memConsumptionInByte(int percent)
+{
+    constexpr qint64 budget = qint64(1) << 30;
+    return static_cast<int>(
+        qMin<qint64>(budget / 100 * qMax(percent, 0), std::numeric_limits<int>::max()));
 }

@@ -1,9 +1,26 @@
-#include "corvanta/sort.h"
+// Helpers of panels for lists and texts.
+#include "corvanta/lists.h"
 
 #include <algorithm>
 #include <tuple>
 #include <utility>
 #include <vector>
+
+using namespace Qt::StringLiterals;
+
+QString stringFromStringList(const QStringList &list, int maxTexts)
+{
+    QStringList quoted;
+    for (const QString &text : list.mid(0, maxTexts)) {
+        quoted << u'\'' + text + u'\'';
+    }
+    return quoted.join(", "_L1) + (list.size() > maxTexts ? ", ..."_L1 : ""_L1);
+}
+
+QString detach(const QString &text)
+{
+    return text.isNull() ? QString() : QString(text.constData(), text.size());
+}
 
 void sortIntInt(int *keys, int *values, int from, int to)
 {
