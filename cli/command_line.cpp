@@ -1,3 +1,7 @@
+// Parses command lines and reports usage errors.
+//
+// Options and arguments may be mixed. An option that takes a value takes the next word, whatever it
+// looks like, so that values may begin with "-".
 #include "command_line.h"
 
 #include <cstdio>
@@ -29,31 +33,45 @@ QString CommandLine::value(const QString &name, const QString &defaultValue) con
     return given.isEmpty() ? defaultValue : given.last();
 }
 
+/// Adds the option `words[i]`. Returns the index of its last word, which may be that of its value.
+CommandResult<qsizetype> CommandLine::addOption(const QStringList &words, qsizetype i,
+                                                const CommandOptions &options)
+{
+    const QString &word = words[i];
+    const qsizetype equals = word.startsWith("--"_L1) ? word.indexOf(u'=') : -1;
+    const QString name = equals < 0 ? word : word.left(equals);
+    if (options.flags.contains(name) && equals < 0) {
+        flags << name;
+        return i;
+    }
+    if (!options.withValue.contains(name)) {
+        return badUsage(u"unknown option '%1'"_s.arg(word));
+    }
+    if (equals >= 0) {
+        values[name] << word.mid(equals + 1);
+        return i;
+    }
+    if (i + 1 == words.size()) {
+        return badUsage(u"the option '%1' needs a value"_s.arg(name));
+    }
+    values[name] << words[i + 1];
+    return i + 1;
+}
+
 CommandResult<CommandLine> CommandLine::parse(const QStringList &words,
                                               const CommandOptions &options)
 {
     CommandLine line;
+    bool hasOptions = true; // until "--"
     for (qsizetype i = 0; i < words.size(); ++i) {
-        const QString &word = words[i];
-        if (word == "--"_L1) {
-            line.arguments += words.mid(i + 1);
-            break;
-        }
-        if (!word.startsWith(u'-') || word == "-"_L1) {
-            line.arguments << word;
-            continue;
-        }
-        const qsizetype equals = word.startsWith("--"_L1) ? word.indexOf(u'=') : -1;
-        const QString name = equals < 0 ? word : word.left(equals);
-        if (options.withValue.contains(name)) {
-            if (equals < 0 && i + 1 == words.size()) {
-                return badUsage(u"the option '%1' needs a value"_s.arg(name));
-            }
-            line.values[name] << (equals < 0 ? words[++i] : word.mid(equals + 1));
-        } else if (options.flags.contains(name) && equals < 0) {
-            line.flags << name;
+        if (hasOptions && words[i] == "--"_L1) {
+            hasOptions = false;
+        } else if (!hasOptions || !words[i].startsWith(u'-') || words[i] == "-"_L1) {
+            line.arguments << words[i];
+        } else if (const auto last = line.addOption(words, i, options); last) {
+            i = *last;
         } else {
-            return badUsage(u"unknown option '%1'"_s.arg(word));
+            return last.fault();
         }
     }
     if (line.arguments.size() != options.arguments) {

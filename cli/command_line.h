@@ -41,6 +41,10 @@ struct CommandLine
 
     static CommandResult<CommandLine> parse(const QStringList &words,
                                             const CommandOptions &options);
+
+private:
+    CommandResult<qsizetype> addOption(const QStringList &words, qsizetype i,
+                                       const CommandOptions &options);
 };
 
 /// A NAME=VALUE word; the name is not empty.

@@ -1,3 +1,7 @@
+// convert: makes a graph of a reader and a writer and runs it.
+//
+// Writers that store texts in fixed widths need the widths before the first row. For them the input
+// is read twice, the first time only to measure its texts.
 #include "commands.h"
 #include "corvanta/action_parameters.h"
 #include "corvanta/row_listener.h"
@@ -80,16 +84,6 @@ CommandResult<void> declareWidths(Session &session, const CorvantaGraph &input,
     return done;
 }
 
-CommandOptions convertOptions()
-{
-    CommandOptions options = Session::options(inputOptions());
-    options.withValue << u"--writer"_s;
-    options.flags << u"--print-graph"_s;
-    options.arguments = 2;
-    options.wrongArguments = u"an input and an output file are required"_s;
-    return options;
-}
-
 /// Makes the graph that reads the input and writes the output.
 CommandResult<CorvantaGraph> makeGraph(const CommandLine &line, Session &session,
                                        const ActionRegistry &registry)
@@ -118,23 +112,29 @@ CommandResult<CorvantaGraph> makeGraph(const CommandLine &line, Session &session
 
 } // namespace
 
-CommandResult<void> convertCommand(const QStringList &words)
+CommandOptions convertOptions()
 {
-    const auto line = CommandLine::parse(words, convertOptions());
-    if (!line) {
-        return line.fault();
-    }
-    const auto session = Session::open(*line);
+    CommandOptions options = Session::options(inputOptions());
+    options.withValue << u"--writer"_s;
+    options.flags << u"--print-graph"_s;
+    options.arguments = 2;
+    options.wrongArguments = u"an input and an output file are required"_s;
+    return options;
+}
+
+CommandResult<void> convertCommand(const CommandLine &line)
+{
+    const auto session = Session::open(line);
     if (!session) {
         return session.fault();
     }
     ActionRegistry registry;
     registry.loadAll();
-    const auto graph = makeGraph(*line, **session, registry);
+    const auto graph = makeGraph(line, **session, registry);
     if (!graph) {
         return graph.fault();
     }
-    if (line->has(u"--print-graph"_s)) {
+    if (line.has(u"--print-graph"_s)) {
         std::fputs(graph->toXml().constData(), stdout);
         return {};
     }

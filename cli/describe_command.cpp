@@ -1,3 +1,4 @@
+// actions and describe: print what the prototypes of the actions say about themselves.
 #include "commands.h"
 #include "corvanta/action_base.h"
 #include "corvanta/action_registry.h"
@@ -19,6 +20,7 @@ void print(const QString &text)
     std::fputs(text.toUtf8().constData(), stdout);
 }
 
+/// The properties that `actions --json` prints.
 QJsonObject catalogueEntry(ActionItem &action)
 {
     QJsonObject entry{{u"type"_s, QString::fromLatin1(action.getTypeName())},
@@ -60,6 +62,7 @@ QJsonArray parameterEntries(const QVector<ParameterInfo> &infos)
     return entries;
 }
 
+/// The number of pins, for people.
 QString pinText(const ActionItem &action)
 {
     const int in = action.maxPinIn();
@@ -89,40 +92,40 @@ QString descriptionJson(ActionItem &action, const QVector<ParameterInfo> &infos)
 
 } // namespace
 
-CommandResult<void> actionsCommand(const QStringList &words)
+CommandOptions actionsOptions()
 {
-    const auto line =
-        CommandLine::parse(words, {{}, {u"--json"_s}, 0, u"no argument is expected"_s});
-    if (!line) {
-        return line.fault();
-    }
+    return {{}, {u"--json"_s}, 0, u"no argument is expected"_s};
+}
+
+CommandResult<void> actionsCommand(const CommandLine &line)
+{
     ActionRegistry registry;
     registry.loadAll();
     QJsonArray entries;
     for (const auto &action : registry.prototypes()) {
-        if (line->has(u"--json"_s)) {
+        if (line.has(u"--json"_s)) {
             entries << catalogueEntry(*action);
         } else {
             print(QString::fromLatin1(action->getTypeName()).leftJustified(16) + u' ' +
                   action->getDescription() + u'\n');
         }
     }
-    if (line->has(u"--json"_s)) {
+    if (line.has(u"--json"_s)) {
         print(QString::fromUtf8(QJsonDocument(entries).toJson()));
     }
     return {};
 }
 
-CommandResult<void> describeCommand(const QStringList &words)
+CommandOptions describeOptions()
 {
-    const auto line =
-        CommandLine::parse(words, {{}, {u"--json"_s}, 1, u"one action type is required"_s});
-    if (!line) {
-        return line.fault();
-    }
+    return {{}, {u"--json"_s}, 1, u"one action type is required"_s};
+}
+
+CommandResult<void> describeCommand(const CommandLine &line)
+{
     ActionRegistry registry;
     registry.loadAll();
-    const QString type = line->arguments[0];
+    const QString type = line.arguments[0];
     ActionItem *const action = registry.prototype(type);
     if (action == nullptr) {
         return badUsage(
@@ -131,7 +134,7 @@ CommandResult<void> describeCommand(const QStringList &words)
     const auto *const declared = dynamic_cast<const ActionParameters *>(action);
     const QVector<ParameterInfo> infos =
         declared != nullptr ? declared->parameters() : QVector<ParameterInfo>();
-    if (line->has(u"--json"_s)) {
+    if (line.has(u"--json"_s)) {
         print(descriptionJson(*action, infos));
         return {};
     }

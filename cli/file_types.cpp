@@ -1,3 +1,4 @@
+// Chooses actions by file extension, from the file formats that the actions declare.
 #include "file_types.h"
 
 #include "corvanta/action_parameters.h"
@@ -68,6 +69,7 @@ std::optional<FileAction> find(const ActionRegistry &registry, FileFormat::Use u
     return found == all.end() ? std::nullopt : std::optional(*found);
 }
 
+/// The parsed element, empty if XML cannot contain a character of it.
 XMLNode parsed(const QString &element)
 {
     const auto node = XMLNode::parse(element.toUtf8());
@@ -101,6 +103,7 @@ CommandResult<void> apply(const QStringList &settings, ActionParameters *paramet
     return {};
 }
 
+/// Index of the parameter that names the file to read or write.
 int fileParameter(const ActionParameters &parameters, FileFormat::Use use)
 {
     const ParameterInfo::File wanted =
@@ -152,6 +155,7 @@ CommandResult<void> addAction(CorvantaGraph *graph, const QString &id, ActionIte
         return badUsage(u"a name or value contains characters that a graph cannot contain"_s);
     }
     graph->actions.append(added);
+    // A variable whose value is its own reference expands to itself.
     static const QRegularExpression variable(u"\\$\\{([^}]*)\\}"_s);
     for (const QRegularExpressionMatch &match : variable.globalMatch(element)) {
         graph->variables.insert(match.captured(1), match.captured());

@@ -1,3 +1,4 @@
+// head and schema: run the reader of a file with a listener that stops it after the first rows.
 #include "commands.h"
 #include "corvanta/row_listener.h"
 #include "input_graph.h"
@@ -11,7 +12,8 @@ using namespace corvanta;
 
 namespace {
 
-CommandOptions headOptions()
+/// The options that head and schema share.
+CommandOptions inputFileOptions()
 {
     CommandOptions options = Session::options(inputOptions());
     options.arguments = 1;
@@ -53,52 +55,76 @@ CommandResult<qint64> rowsOf(const CommandLine &line)
     return rows;
 }
 
+/// Prints the first rows of a table, as they arrive.
+class FirstRows
+{
+public:
+    explicit FirstRows(qint64 rows)
+        : m_left(rows)
+    {
+    }
+    void add(const TableSchema &columns, const OneRow *row)
+    {
+        if (!m_printer) {
+            m_printer.emplace(columns, stdout);
+        }
+        if (row == nullptr) {
+            m_printer->finish();
+        } else if (m_left-- > 0) {
+            m_printer->add(textsOf(*row));
+        }
+    }
+
+private:
+    static QStringList textsOf(const OneRow &row)
+    {
+        QStringList texts;
+        for (int i = 0; i < row.numberOfColumns(); ++i) {
+            texts << row.text(i);
+        }
+        return texts;
+    }
+
+    qint64 m_left; // rows to print; the reader may send one more
+    std::optional<TablePrinter> m_printer;
+};
+
 } // namespace
 
-CommandResult<void> headCommand(const QStringList &words)
+CommandOptions headOptions()
 {
-    CommandOptions accepted = headOptions();
-    accepted.withValue << u"-n"_s;
-    const auto line = CommandLine::parse(words, accepted);
-    if (!line) {
-        return line.fault();
-    }
-    const auto rows = rowsOf(*line);
+    CommandOptions options = inputFileOptions();
+    options.withValue << u"-n"_s;
+    return options;
+}
+
+CommandResult<void> headCommand(const CommandLine &line)
+{
+    const auto rows = rowsOf(line);
     if (!rows) {
         return rows.fault();
     }
-    std::optional<TablePrinter> printer;
-    qint64 shown = 0;
-    const auto show = [&](const TableSchema &columns, const OneRow *row) {
-        if (!printer) {
-            printer.emplace(columns, stdout);
-        }
-        if (row == nullptr) {
-            printer->finish();
-        } else if (shown++ < *rows) {
-            QStringList cells;
-            for (int i = 0; i < row->numberOfColumns(); ++i) {
-                cells << row->text(i);
-            }
-            printer->add(cells);
-        }
+    FirstRows printer(*rows);
+    return readFirstRows(u"head"_s, line, *rows, [&](const auto &columns, const OneRow *row) {
+        printer.add(columns, row);
         return true;
-    };
-    return readFirstRows(u"head"_s, *line, *rows, show);
+    });
 }
 
-CommandResult<void> schemaCommand(const QStringList &words)
+CommandOptions schemaOptions()
 {
-    const auto line = CommandLine::parse(words, headOptions());
-    if (!line) {
-        return line.fault();
-    }
+    return inputFileOptions();
+}
+
+CommandResult<void> schemaCommand(const CommandLine &line)
+{
     const auto show = [](const TableSchema &columns, const OneRow *row) {
+        // Print at the end, so that nothing is printed of a file that cannot be read.
         for (qsizetype i = 0; row == nullptr && i < columns.names.size(); ++i) {
             std::printf("%s\t%c\n", visibleText(columns.names[i]).toUtf8().constData(),
                         columns.types[i].type());
         }
         return true;
     };
-    return readFirstRows(u"schema"_s, *line, 1, show);
+    return readFirstRows(u"schema"_s, line, 1, show);
 }

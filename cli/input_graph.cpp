@@ -1,3 +1,4 @@
+// The reader of the input file: its action, its table and the parameters that the file determines.
 #include "input_graph.h"
 
 #include "corvanta/action_parameters.h"
@@ -26,6 +27,7 @@ CommandResult<int> tableOf(const CommandLine &line)
     return number - 1;
 }
 
+/// One line of the list of tables; `number` is the one that --table takes.
 QString describe(const InputTable &table, qsizetype number)
 {
     const QString cut = table.beginning.size() > kBeginningChars ? u"..."_s : QString();
@@ -73,6 +75,7 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
         return action.fault();
     }
     auto *const parameters = dynamic_cast<ActionParameters *>(action->get());
+    // Messages about the file look as if the running action had logged them.
     const LogScope scope({nullptr, QString::fromLatin1(kInputId)});
     if (!parameters->fillFromInput(*table)) {
         return Fault{kFailed};

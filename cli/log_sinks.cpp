@@ -1,3 +1,6 @@
+// Messages as text and as JSON.
+//
+// A progress line on a terminal is erased before a message and written again after it.
 #include "log_sinks.h"
 
 #include "base/platform/terminal.h"

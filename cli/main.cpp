@@ -15,13 +15,14 @@ namespace {
 struct Command
 {
     const char *name;
-    CommandResult<void> (*run)(const QStringList &words);
+    CommandOptions (*options)();
+    CommandResult<void> (*run)(const CommandLine &line);
     const char *summary;
     const char *help;
 };
 
 constexpr Command kCommands[] = {
-    {"run", runCommand, "run a graph",
+    {"run", runOptions, runCommand, "run a graph",
      "corvanta run GRAPH [options]\n\n"
      "Runs the graph file GRAPH.\n\n"
      "  --set NAME=VALUE        set a graph variable (repeatable); overrides the graph's value\n"
@@ -38,10 +39,10 @@ constexpr Command kCommands[] = {
      "Exit status: 0 done (warnings allowed), 1 failed, 2 bad usage or an invalid graph, 130 "
      "interrupted.\n"
      "Ctrl-C stops the run cleanly; a second Ctrl-C ends the program immediately.\n"},
-    {"check", checkCommand, "validate a graph without running it",
+    {"check", checkOptions, checkCommand, "validate a graph without running it",
      "corvanta check GRAPH [--set NAME=VALUE]... [--log-format text|json]\n\n"
      "Reports everything that makes GRAPH invalid. Exit status: 0 if it is valid, else 2.\n"},
-    {"convert", convertCommand, "convert a file into another format",
+    {"convert", convertOptions, convertCommand, "convert a file into another format",
      "corvanta convert INPUT OUTPUT [options]\n\n"
      "Reads INPUT and writes OUTPUT. The file extensions choose the formats. Compressed inputs "
      "(.gz, .Z) are decompressed.\n\n"
@@ -62,21 +63,21 @@ constexpr Command kCommands[] = {
      "Exit status: 0 done (warnings allowed), 1 failed, 2 bad usage or an unsupported "
      "extension,\n"
      "130 interrupted.\n"},
-    {"head", headCommand, "print the first rows of a file as a table",
+    {"head", headOptions, headCommand, "print the first rows of a file as a table",
      "corvanta head INPUT [-n ROWS] [options]\n\n"
      "Prints the first ROWS rows (default 10) as a table. A missing cell is blank, an empty text "
      "is \"\". On a terminal,\n"
      "long cells are cut, and columns that do not fit are named at the end.\n\n"
      "Inputs, other options and exit statuses are those of \"corvanta convert\".\n"},
-    {"schema", schemaCommand, "print the columns of a file",
+    {"schema", schemaOptions, schemaCommand, "print the columns of a file",
      "corvanta schema INPUT [options]\n\n"
      "Prints one line per column: its name, a tab and its type, which is K (integer), F (decimal "
      "number) or U (text).\n\n"
      "Inputs, options and exit statuses are those of \"corvanta convert\".\n"},
-    {"actions", actionsCommand, "list the actions",
+    {"actions", actionsOptions, actionsCommand, "list the actions",
      "corvanta actions [--json]\n\nLists the actions of all plug-ins. --json prints all their "
      "properties.\n"},
-    {"describe", describeCommand, "print an action's pins and parameters",
+    {"describe", describeOptions, describeCommand, "print an action's pins and parameters",
      "corvanta describe TYPE [--json]\n\nPrints the pins of the action TYPE and its parameters "
      "with type, default and meaning.\n"},
 };
@@ -104,23 +105,35 @@ QString helpText(const Command &command)
     return text;
 }
 
-CommandResult<void> help(const QStringList &words)
+void printCommands()
 {
-    if (!words.isEmpty()) {
-        const Command *const command = find(words[0]);
-        if (command == nullptr) {
-            return badUsage(u"unknown command '%1'"_s.arg(words[0]));
-        }
-        std::fputs(helpText(*command).toUtf8().constData(), stdout);
-        return {};
-    }
     std::puts("corvanta runs data-flow graphs that read and write files.\n\nCommands");
     for (const Command &command : kCommands) {
         std::printf("  %-10s %s\n", command.name, command.summary);
     }
     std::puts("  help       this text, or \"corvanta help COMMAND\"\n\n\"corvanta --version\" "
               "prints the version.");
+}
+
+/// Prints the list of commands, or the help of the command that is named.
+CommandResult<void> help(const QStringList &words)
+{
+    if (words.isEmpty()) {
+        printCommands();
+        return {};
+    }
+    const Command *const command = find(words[0]);
+    if (command == nullptr) {
+        return badUsage(u"unknown command '%1'"_s.arg(words[0]));
+    }
+    std::fputs(helpText(*command).toUtf8().constData(), stdout);
     return {};
+}
+
+CommandResult<void> run(const Command &command, const QStringList &words)
+{
+    const auto line = CommandLine::parse(words, command.options());
+    return line ? command.run(*line) : line.fault();
 }
 
 } // namespace
@@ -148,5 +161,5 @@ int main(int argc, char **argv)
         return reportResult(QString(), badUsage(u"unknown command '%1'"_s.arg(first)));
     }
     const bool asksForHelp = words.contains(u"--help"_s) || words.contains(u"-h"_s);
-    return reportResult(first, asksForHelp ? help({first}) : command->run(words.mid(1)));
+    return reportResult(first, asksForHelp ? help({first}) : run(*command, words.mid(1)));
 }

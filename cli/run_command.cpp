@@ -1,3 +1,4 @@
+// run and check: load and validate a graph; run also adds the taps and runs it.
 #include "commands.h"
 #include "corvanta/action_registry.h"
 #include "session.h"
@@ -19,6 +20,7 @@ struct LoadedGraph
     QMap<QString, QString> variables;
 };
 
+/// The variables of `--set NAME=VALUE`; of equal names the last one counts.
 CommandResult<QMap<QString, QString>> variablesOf(const QStringList &assignments)
 {
     QMap<QString, QString> variables;
@@ -87,7 +89,8 @@ CommandResult<Listener> makeTap(const QString &text, const LoadedGraph &loaded)
     return Listener{"tap "_L1 + tap->name, *pin, loaded.registry.create(*writer, nullptr)};
 }
 
-CommandResult<RunOptions> runOptions(const CommandLine &line, const LoadedGraph &loaded)
+/// The options of the run, with its taps.
+CommandResult<RunOptions> optionsOfRun(const CommandLine &line, const LoadedGraph &loaded)
 {
     RunOptions options;
     options.variables = loaded.variables;
@@ -105,48 +108,48 @@ CommandResult<RunOptions> runOptions(const CommandLine &line, const LoadedGraph 
 
 } // namespace
 
-CommandResult<void> runCommand(const QStringList &words)
+CommandOptions runOptions()
 {
-    const auto line = CommandLine::parse(
-        words, Session::options({{u"--set"_s, u"--out-dir"_s, u"--tap"_s, u"--compression"_s},
-                                 {},
-                                 1,
-                                 u"one graph file is required"_s}));
-    if (!line) {
-        return line.fault();
-    }
-    const auto session = Session::open(*line);
+    return Session::options({{u"--set"_s, u"--out-dir"_s, u"--tap"_s, u"--compression"_s},
+                             {},
+                             1,
+                             u"one graph file is required"_s});
+}
+
+CommandResult<void> runCommand(const CommandLine &line)
+{
+    const auto session = Session::open(line);
     if (!session) {
         return session.fault();
     }
-    const auto loaded = load(*line);
+    const auto loaded = load(line);
     if (!loaded) {
         return loaded.fault();
     }
-    auto options = runOptions(*line, **loaded);
+    auto options = optionsOfRun(line, **loaded);
     if (!options) {
         return options.fault();
     }
     return (*session)->run((*loaded)->graph, (*loaded)->registry, *std::move(options));
 }
 
-CommandResult<void> checkCommand(const QStringList &words)
+CommandOptions checkOptions()
 {
-    const auto line = CommandLine::parse(
-        words, {{u"--set"_s, u"--log-format"_s}, {}, 1, u"one graph file is required"_s});
-    if (!line) {
-        return line.fault();
-    }
-    const auto session = Session::open(*line);
+    return {{u"--set"_s, u"--log-format"_s}, {}, 1, u"one graph file is required"_s};
+}
+
+CommandResult<void> checkCommand(const CommandLine &line)
+{
+    const auto session = Session::open(line);
     if (!session) {
         return session.fault();
     }
-    const auto loaded = load(*line);
+    const auto loaded = load(line);
     if (!loaded) {
         return loaded.fault();
     }
     const CorvantaGraph &graph = (*loaded)->graph;
-    std::printf("%s: %d actions, %d links: valid\n", qPrintable(line->arguments[0]),
+    std::printf("%s: %d actions, %d links: valid\n", qPrintable(line.arguments[0]),
                 static_cast<int>(graph.actions.size()), static_cast<int>(graph.links.size()));
     return {};
 }

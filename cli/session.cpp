@@ -1,3 +1,7 @@
+// The log, the progress line and the signals of a command.
+//
+// A signal handler only counts. The main thread, which waits for the run, looks at the count and
+// stops the run.
 #include "session.h"
 
 #include "base/platform/terminal.h"
@@ -13,7 +17,7 @@ using namespace corvanta;
 
 namespace {
 
-std::atomic<int> g_interrupts = 0;
+std::atomic<int> g_interrupts = 0; // signals received
 
 /// Requests a clean stop; the second Ctrl-C ends the program immediately.
 void onInterrupt(int)
@@ -105,6 +109,7 @@ Session::~Session()
 
 void Session::waitForEnd(Run *run)
 {
+    // Short enough for a prompt reaction to Ctrl-C, long enough to cost nothing.
     constexpr auto kTick = std::chrono::milliseconds(50);
     constexpr int kTicksPerLine = 4;
     QElapsedTimer timer;

@@ -1,3 +1,7 @@
+// Aligned tables for terminals and files.
+//
+// Widths are counted in terminal columns, not in characters: East Asian characters take two
+// columns, combining marks none.
 #include "table_printer.h"
 
 #include "base/platform/terminal.h"
@@ -26,6 +30,7 @@ bool isWide(char32_t c)
                        [c](const auto &range) { return c >= range.first && c <= range.second; });
 }
 
+/// Terminal columns of one character.
 int widthOf(char32_t c)
 {
     const QChar::Category category = QChar::category(c);
@@ -51,6 +56,7 @@ QString fitting(const QString &text, int width)
     return text.left(end);
 }
 
+/// The escape for a character that cannot be shown.
 QString escape(char32_t c)
 {
     switch (c) {
@@ -67,6 +73,7 @@ QString escape(char32_t c)
     }
 }
 
+/// Numbers are aligned right.
 bool isNumber(MetaInfo type)
 {
     return type.type() != MetaInfo::Unknown;
@@ -114,8 +121,7 @@ QString TablePrinter::shown(const QString &cell) const
     if (cell.isEmpty()) {
         return cell.isNull() ? QString() : u"\"\""_s;
     }
-    // A character is at least one column, or combines with one: what lies further behind is not
-    // shown.
+    // Cut long texts first: even with combining characters no more than this can be shown.
     const QString text = visibleText(cell.left(4 * kWidestCell));
     return displayWidth(text) <= m_cellWidth ? text : fitting(text, m_cellWidth - 1) + u'…';
 }
@@ -147,6 +153,7 @@ void TablePrinter::begin()
             width = std::max(width, displayWidth(row[i]));
         }
         line += width + (i > 0 ? kGap.size() : 0);
+        // At least one column is printed, however wide it is.
         if (i > 0 && m_lineWidth > 0 && line > m_lineWidth) {
             break;
         }
