@@ -50,9 +50,9 @@ QStringList words(const char *text)
 /// In lower case. The extension of a compressed input is that of its content.
 QString extensionOf(FileFormat::Use use, QString name)
 {
-    for (const auto packed : {".gz"_L1, ".Z"_L1}) {
-        if (use == FileFormat::Read && name.endsWith(packed)) {
-            name.chop(packed.size());
+    for (const auto ending : {".gz"_L1, ".Z"_L1}) {
+        if (use == FileFormat::Read && name.endsWith(ending)) {
+            name.chop(ending.size());
             break;
         }
     }

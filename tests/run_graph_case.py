@@ -3,7 +3,7 @@
 
 A case is a folder with case.graph, its inputs, and:
   args                 more arguments for "corvanta run", one per line (optional)
-  before/              files that lie in the output folder before the run (optional)
+  before/              files in the output folder before the run (optional)
   expected/status      the exit status (absent: 0)
   expected/log.jsonl   the messages (absent: none), in the order of each action
   expected/out/        the files in the output folder after the run: all of them. A package (.xlsx, .docx,
@@ -26,7 +26,7 @@ LARGEST_PACKAGE = 50_000_000
 
 
 def content_of(folder):
-    """All files below a folder by name, packages taken apart."""
+    """All files below a folder by name; packages are split into their members."""
     found = {}
     for path in sorted(folder.rglob("*")):
         if not path.is_file():

@@ -226,7 +226,7 @@ TEST_F(EngineTest, AListenerOfTheFirstRowsLetsItsSourceEndWell)
                                      std::make_unique<RowListener>(see),
                                      most});
         g_seen.reset();
-        // What lies behind the rows that are wanted is not looked at.
+        // Rows after the requested ones are not read.
         const auto run = make("<action id='a'><source rows='100000000' failAt='2001'/></action>",
                               std::move(options));
         runToEnd(*run);

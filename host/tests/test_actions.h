@@ -12,7 +12,7 @@ namespace test {
 
 using namespace corvanta;
 
-/// What the actions of a test leave behind.
+/// What the actions of a test have counted.
 struct Seen
 {
     std::atomic<int> opened = 0;

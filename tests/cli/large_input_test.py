@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Inputs of gigabytes: large_input_test.py CORVANTA
 
-head and schema answer at once and in little memory; an interrupted conversion leaves no target.
+head and schema are fast and need little memory; an interrupted conversion leaves no target.
 """
 import json
 import os
@@ -21,7 +21,7 @@ MEBIBYTES = 150
 
 
 def make_huge(folder):
-    """Rows, and then a hole up to 4 GiB: whoever reads it all takes seconds."""
+    """Rows, and then a hole up to 4 GiB, which takes seconds to read."""
     rows = range(20_000)
     files = {
         "in.csv": "id,text\n" + "".join(f"{i},text {i}\n" for i in rows),
@@ -52,7 +52,7 @@ def check_answers(folder):
 
 
 def check_interrupts(folder):
-    """Ctrl-C while the input is looked at, measured and converted."""
+    """Ctrl-C while the input is sampled, measured and converted."""
     (folder / "long.csv").write_text("k,t\n" + "".join(f"{i},text {i}\n" for i in range(1_000_000)))
     choice = random.Random(7)
     interrupted = 0

@@ -31,19 +31,19 @@ constexpr ActionEntry kEntry = {
 class ProgressSource final : public ByteSource
 {
 public:
-    /// `packed` is `file` if that is a compressed file, else null.
-    ProgressSource(std::unique_ptr<ByteSource> file, const input::InputSource *packed,
+    /// `compressed` is `file` if that is a compressed file, else null.
+    ProgressSource(std::unique_ptr<ByteSource> file, const input::InputSource *compressed,
                    std::atomic<qint64> *done)
         : m_file(std::move(file))
-        , m_packed(packed)
+        , m_compressed(compressed)
         , m_done(done)
     {
     }
     qint64 read(void *buffer, qint64 n) override
     {
         const qint64 got = m_file->read(buffer, n);
-        *m_done =
-            m_packed != nullptr ? m_packed->progressPosition() : *m_done + qMax<qint64>(got, 0);
+        *m_done = m_compressed != nullptr ? m_compressed->progressPosition()
+                                          : *m_done + qMax<qint64>(got, 0);
         return got;
     }
     qint64 size() override { return m_file->size(); }
@@ -51,7 +51,7 @@ public:
 
 private:
     std::unique_ptr<ByteSource> m_file;
-    const input::InputSource *m_packed;
+    const input::InputSource *m_compressed;
     std::atomic<qint64> *m_done;
 };
 
@@ -109,7 +109,7 @@ void ActionReadCsv::finish()
 {
     m_reader.reset();
     m_file.reset();
-    m_packed = nullptr;
+    m_compressed = nullptr;
 }
 
 bool ActionReadCsv::open()
@@ -124,12 +124,12 @@ bool ActionReadCsv::open()
     if (!file) {
         return fail(u"Error: readCSV: cannot open file '%1' for read\n"_s.arg(m_name));
     }
-    m_file = std::make_unique<ProgressSource>(std::move(file), m_packed, &m_done);
+    m_file = std::make_unique<ProgressSource>(std::move(file), m_compressed, &m_done);
     m_reader = std::make_unique<csv::RecordReader>(*m_file, *separator);
     return true;
 }
 
-/// The opened input, null on failure; sets m_packed and m_size.
+/// The opened input, null on failure; sets m_compressed and m_size.
 std::unique_ptr<ByteSource> ActionReadCsv::openFile()
 {
     const bool isGzip = m_name.endsWith(".gz"_L1);
@@ -144,7 +144,7 @@ std::unique_ptr<ByteSource> ActionReadCsv::openFile()
     if (!opened) {
         return nullptr;
     }
-    m_packed = opened->get();
+    m_compressed = opened->get();
     m_size = KobiFileInfo(globalParameters(), m_name).size();
     return *std::move(opened);
 }
@@ -161,7 +161,7 @@ bool ActionReadCsv::failRecord(csv::Error code)
     const QString line = QString::number(m_reader->line());
     switch (code) {
     case csv::Error::Unreadable: {
-        const QString why = m_packed != nullptr ? u": "_s + m_packed->failure() : QString();
+        const QString why = m_compressed != nullptr ? u": "_s + m_compressed->failure() : QString();
         return fail(u"Error: readCSV: cannot read file '%1'%2\n"_s.arg(m_name, why));
     }
     case csv::Error::RecordTooLong:

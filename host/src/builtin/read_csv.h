@@ -50,7 +50,7 @@ private:
 
     QString m_name; // of the file, expanded
     std::unique_ptr<ByteSource> m_file;
-    const input::InputSource *m_packed = nullptr; // the compressed file in m_file, or null
+    const input::InputSource *m_compressed = nullptr; // the compressed file in m_file, or null
     std::unique_ptr<csv::RecordReader> m_reader;
     bool m_described = false;   // the columns are declared
     bool m_firstIsData = false; // the current record is a row and not yet sent
