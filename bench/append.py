@@ -6,12 +6,12 @@ Ours appends 1,000 rows in place; with --peer openpyxl loads the same workbook, 
 import argparse
 import pathlib
 import shutil
-import statistics
 import subprocess
 import sys
 import tempfile
 
-from run import READ_SALES, graph, timed
+from jobs import READ_SALES, graph
+from run import medians, show, timed
 
 ADDED = 1000
 PEER = """import openpyxl
@@ -23,9 +23,9 @@ book.save("peer.xlsx")
 
 
 def report(who, runs):
-    wall, cpu, memory = (statistics.median(column) for column in zip(*runs))
-    print(f"  {who:10} {wall:7.2f} s  cpu {cpu:6.2f} s  {memory:7.1f} MiB")
-    return cpu
+    figures = medians(runs)
+    show(who, figures)
+    return figures["cpu"]
 
 
 def main():

@@ -1,0 +1,94 @@
+"""The whole-program benchmarks: what each job runs, its input and its peer.
+
+Each job is a graph for "corvanta run" that reads a generated file and writes one. The peer does the same from the same file.
+"""
+import dataclasses
+
+SALES_TYPES = "K,K,F,F,F,U,U,U,U,U"
+
+
+@dataclasses.dataclass
+class Job:
+    meaning: str
+    graph: str
+    output: str
+    peer: list = None          # a program of the bin folder or of the system, and its arguments
+    peer_output: str = None
+    input: str = "sales.csv"
+    make_input: tuple = ()     # the program that prints the input, and its arguments; {rows} is replaced
+    rows_divisor: int = 1      # the job has this part of the rows
+
+
+def graph(*actions):
+    """A chain of actions, each linked to the next."""
+    lines = [f"<action id='a{i}'>{action}</action>" for i, action in enumerate(actions)]
+    lines += [f"<link from='a{i}:0' to='a{i + 1}:0'/>" for i in range(len(actions) - 1)]
+    return "<graph version='4.11'>\n" + "\n".join(lines) + "\n</graph>\n"
+
+
+READ_SALES = f"<readCSV fileName='sales.csv' types='{SALES_TYPES}'/>"
+
+LINE_MEMBERS = ["id", "quantity", "price", "discount", "total", "city", "product", "customer", "comment", "day"]
+LINE_ITEMS = "".join(f"<e name='{name}' path='{name}'/>" for name in LINE_MEMBERS)
+READ_ORDERS = ("<readJSON fileName='orders.json'><Level initialPath='orders'><e name='order' path='order'/>"
+               "<e name='name' path='buyer/name'/><e name='city' path='buyer/city'/></Level>"
+               "<Level initialPath='lines'>" + LINE_ITEMS.replace("name='city'", "name='lineCity'")
+               + "</Level></readJSON>")
+DUCKDB_ORDERS = ("COPY (WITH o AS (SELECT unnest(orders) AS o FROM read_json('orders.json', maximum_object_size=2000000000)), "
+                 'l AS (SELECT o."order", o.buyer.name, o.buyer.city, unnest(o.lines) AS l FROM o) '
+                 'SELECT "order", name, city, ' + ", ".join(f"l.{name}" for name in LINE_MEMBERS)
+                 + " FROM l) TO 'peer.csv' (HEADER)")
+
+PAGE_ITEMS = "".join(f"<e name='{name}' path='[{i}]'/>" for i, name in enumerate(LINE_MEMBERS, 1))
+
+JOBS = {
+    "csv_csv": Job("CSV through a pass-through action to CSV",
+                   graph(READ_SALES, "<writeCSV fileName='first.csv'/>", "<writeCSV fileName='second.csv'/>"),
+                   "second.csv"),
+    "xlsx_write": Job("CSV to a new workbook; peer: libxlsxwriter, constant memory",
+                      graph(READ_SALES, "<writeExcel fileNameDestination='ours.xlsx' dateFormat='yyyy-MM-dd'>"
+                                        "<ToDate><s>day</s></ToDate></writeExcel>"),
+                      "ours.xlsx", ["xlsxwriter_peer", "sales.csv", "peer.xlsx"], "peer.xlsx"),
+    "dbf_read": Job("dBase table to CSV; peer: ogr2ogr",
+                    graph("<ReadXBF fileName='sales.dbf'/>", "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                    ["ogr2ogr", "-f", "CSV", "peer.csv", "sales.dbf", "-oo", "ENCODING=CP1252"], "peer.csv",
+                    input="sales.dbf", make_input=("make_dbf.py", "sales.csv")),
+    "parquet_write": Job("CSV to Parquet; peer: DuckDB without dictionaries, which is what we write",
+                         graph(READ_SALES, "<writeParquet file='ours.parquet'/>"), "ours.parquet",
+                         ["duckdb", "-c", "COPY (SELECT * FROM 'sales.csv') TO 'peer.parquet' "
+                                          "(COMPRESSION snappy, DICTIONARY_SIZE_LIMIT 1)"], "peer.parquet"),
+    "json_write": Job("CSV to JSON; peer: a plain loop that formats the same rows",
+                      graph(READ_SALES, "<writeJSON fileName='ours.json'/>"),
+                      "ours.json", ["text_peer", "json", "sales.csv", "peer.json"], "peer.json"),
+    "xml_write": Job("CSV to XML; peer: a plain loop that formats the same rows",
+                     graph(READ_SALES, "<writeXML fileName='ours.xml' charMode='1'/>"),
+                     "ours.xml", ["text_peer", "xml", "sales.csv", "peer.xml"], "peer.xml"),
+    "json_read": Job("JSON array of objects to CSV; peer: DuckDB",
+                     graph(f"<readJSON fileName='sales.json'><Level>{LINE_ITEMS}</Level></readJSON>",
+                           "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                     ["duckdb", "-c", "COPY (SELECT * FROM read_json('sales.json')) TO 'peer.csv' (HEADER)"], "peer.csv",
+                     input="sales.json", make_input=("make_json.py", "sales.csv", "array")),
+    "jsonl_read": Job("JSON Lines to CSV; peer: DuckDB",
+                      graph(f"<readJSON fileName='sales.jsonl'><Level>{LINE_ITEMS}</Level></readJSON>",
+                            "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                      ["duckdb", "-c", "COPY (SELECT * FROM read_json('sales.jsonl')) TO 'peer.csv' (HEADER)"], "peer.csv",
+                      input="sales.jsonl", make_input=("make_json.py", "sales.csv", "lines")),
+    "json_nested": Job("lines of nested orders to CSV; peer: simdjson",
+                       graph(READ_ORDERS, "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                       ["simdjson_peer", "orders.json", "peer.csv"], "peer.csv",
+                       input="orders.json", make_input=("make_json.py", "sales.csv", "orders")),
+    "json_nested_duckdb": Job("lines of nested orders to CSV; peer: DuckDB",
+                              graph(READ_ORDERS, "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                              ["duckdb", "-c", DUCKDB_ORDERS], "peer.csv",
+                              input="orders.json", make_input=("make_json.py", "sales.csv", "orders")),
+    "xml_read": Job("XML to CSV; peer: libxml2, SAX",
+                    graph("<readXML fileName='sales.xml'><Level initialPath='sales' subtagName='row'>"
+                          + LINE_ITEMS.replace("path='id'", "path='@id'") + "</Level></readXML>", "<writeCSV fileName='ours.csv'/>"),
+                    "ours.csv", ["libxml2_peer", "xml", "sales.xml", "peer.csv"], "peer.csv",
+                    input="sales.xml", make_input=("make_sales", "{rows}", "xml")),
+    "html_read": Job("a page with a table, a fifth of the rows, to CSV; peer: libxml2, tree",
+                     graph(f"<readXML fileName='sales.html'><Level initialPath='html/body/table/tbody' subtagName='tr'>{PAGE_ITEMS}"
+                           "</Level></readXML>", "<writeCSV fileName='ours.csv'/>"),
+                     "ours.csv", ["libxml2_peer", "html", "sales.html", "peer.csv"], "peer.csv",
+                     input="sales.html", make_input=("make_sales", "{rows}", "html"), rows_divisor=5),
+}
