@@ -1,4 +1,3 @@
-// tests/support/corpus.h
 // The corpus of real files, for tests that want more than samples of their own.
 #pragma once
 #include <QDir>

@@ -1,4 +1,3 @@
-// tests/support/failing_sink.h
 // A sink in memory that fails when it is told to.
 #pragma once
 #include "base/byte_sink.h"
