@@ -194,9 +194,8 @@ bool ActionReadXML::chooseEncoding(XMLTokenizer &tokenizer, const QString &name)
     }
     // The first token reports a source that cannot be read.
     const auto first = tokenizer.peek();
-    QByteArray encoding =
-        markup::chooseEncoding(first ? *first : QByteArrayView(),
-                               expandString(m_params.encoding).trimmed().toUtf8());
+    QByteArray encoding = markup::chooseEncoding(
+        first ? *first : QByteArrayView(), expandString(m_params.encoding).trimmed().toUtf8());
     if (encoding.compare("system", Qt::CaseInsensitive) == 0) {
         encoding = currentACPName().toUtf8();
     }
