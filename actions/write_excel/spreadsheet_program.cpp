@@ -36,6 +36,7 @@ bool runProgram(const QString &program, const QStringList &arguments,
         return false;
     }
     platform::addToJob(process, MainUI::getJobHandle());
+    // Nobody reads its output, so a full pipe must not block it.
     process.closeReadChannel(QProcess::StandardOutput);
     process.closeReadChannel(QProcess::StandardError);
     process.closeWriteChannel();
@@ -97,7 +98,7 @@ bool createProfile(const QDir &profile)
 }
 
 /// The names of a workbook's sheets; std::nullopt when it cannot be read or a member is damaged.
-std::optional<QStringList> soundSheetNames(const QString &file)
+std::optional<QStringList> intactSheetNames(const QString &file)
 {
     const auto input = PackageInput::open(nullptr, file);
     if (!input) {
@@ -113,6 +114,28 @@ std::optional<QStringList> soundSheetNames(const QString &file)
     const auto workbook =
         text ? xlsx::readWorkbook(*text) : Fault<opc::Error>{opc::Error::NoMember};
     return workbook ? std::optional<QStringList>(workbook->sheetNames()) : std::nullopt;
+}
+
+QString findProgram()
+{
+    const QString program = QStandardPaths::findExecutable(u"soffice"_s);
+    return program.isEmpty() ? QStandardPaths::findExecutable(u"libreoffice"_s) : program;
+}
+
+/// The arguments to convert a workbook into a file of the same name in `outFolder`.
+QStringList conversion(const QString &workbook, const QString &outFolder, const QString &profile,
+                       bool hasMacros)
+{
+    const QString filter =
+        hasMacros ? u"xlsm:Calc MS Excel 2007 VBA XML"_s : u"xlsx:Calc MS Excel 2007 XML"_s;
+    return {u"-env:UserInstallation="_s + QUrl::fromLocalFile(profile).toString(),
+            u"--headless"_s,
+            u"--norestore"_s,
+            u"--convert-to"_s,
+            filter,
+            u"--outdir"_s,
+            outFolder,
+            workbook};
 }
 
 /// Replace `file` by a copy of `result`.
@@ -154,37 +177,24 @@ bool recalculateWorkbook(const QString &file, const QString &scriptFolder, int,
 bool recalculateWorkbook(const QString &file, const QString &, int action,
                          const std::function<bool()> &isRunning)
 {
-    QString program = QStandardPaths::findExecutable(u"soffice"_s);
-    if (program.isEmpty()) {
-        program = QStandardPaths::findExecutable(u"libreoffice"_s);
-    }
+    const QString program = findProgram();
     const QTemporaryDir folder;
     if (program.isEmpty() || !folder.isValid()) {
         return false;
     }
     const bool hasMacros = file.endsWith(u".xlsm"_s, Qt::CaseInsensitive);
     const QString name = hasMacros ? u"book.xlsm"_s : u"book.xlsx"_s;
-    const QString filter =
-        hasMacros ? u"xlsm:Calc MS Excel 2007 VBA XML"_s : u"xlsx:Calc MS Excel 2007 XML"_s;
     const QString profile = folder.filePath(u"profile"_s);
     const QString copy = folder.filePath(name);
     const QString outFolder = folder.filePath(u"out"_s);
     const QString result = outFolder + u'/' + name;
-    const auto written = soundSheetNames(file);
+    const auto written = intactSheetNames(file);
     if (!written || !createProfile(QDir(profile)) || !QFile::copy(file, copy)) {
         return false;
     }
-    const QStringList arguments{u"-env:UserInstallation="_s +
-                                    QUrl::fromLocalFile(profile).toString(),
-                                u"--headless"_s,
-                                u"--norestore"_s,
-                                u"--convert-to"_s,
-                                filter,
-                                u"--outdir"_s,
-                                outFolder,
-                                copy};
-    return runProgram(program, arguments, isRunning) && soundSheetNames(result) == written &&
-           replaceBy(file, result, action);
+    // The program can exit with 0 without a result, or with one that lacks sheets.
+    return runProgram(program, conversion(copy, outFolder, profile, hasMacros), isRunning) &&
+           intactSheetNames(result) == written && replaceBy(file, result, action);
 }
 
 #endif

@@ -137,7 +137,6 @@ sheet::SheetOptions ActionWriteExcel::sheetOptions() const
     return options;
 }
 
-/// Write everything of the workbook that precedes the rows.
 bool ActionWriteExcel::openSheet(std::vector<sheet::Column> columns)
 {
     if (!openWorkbook()) {

@@ -13,6 +13,11 @@ namespace corvanta {
 
 extern const ActionEntry kWriteExcelEntry;
 
+/// The action is parameters, messages and stages; `codecs/xlsx` writes the workbook.
+///
+/// begin() opens the workbook (NewWorkbook in mode 0, UpdatedWorkbook in the others), writes
+/// everything before the rows, and creates the SheetWriter. writeRow() adds rows. complete() writes
+/// the rest and replaces the destination. Until then the destination is unchanged.
 class ActionWriteExcel final : public ParamAction<ActionWriteExcel, WriteExcelParams, RowWriter>
 {
 public:
@@ -27,8 +32,8 @@ private:
     /// State of one run; recreated by start().
     struct RunState
     {
-        QString source; // the workbook that is read
-        bool hasBegun = false;
+        QString source;              // the workbook that is read
+        bool hasBegun = false;       // begin() was called
         bool isTooLongKnown = false; // the warning about the number of rows is logged
         qint64 firstRow = 1;         // first sheet row written
         deflate::StreamOptions compression;
@@ -50,27 +55,37 @@ private:
     void complete() override;
     void release(bool wasComplete) override;
 
+    // Functions that return bool return true for success; otherwise they have failed the run.
     bool setFloatFormat();
     bool setCompression();
+    /// The format of date texts for the parameter dateFormatType.
     QString qtDateFormat() const;
+    /// Determine how a column is written from the parameters and the type of its input.
     bool decideKind(const OneRow &row, sheet::Column *column);
+    /// Write everything of the workbook that precedes the rows.
     bool openSheet(std::vector<sheet::Column> columns);
     sheet::SheetOptions sheetOptions() const;
+    /// Fail the run for a fault of the sheet.
     bool checkSheet(const Result<void, sheet::Error> &result);
+    /// Write everything after the rows.
     bool completeWorkbook();
+    /// The defined name and the recalculation that the parameters request.
     xlsx::WorkbookEnd workbookEnd() const;
     void warnLongCell();
 
     // The workbook and the sheet to write to, in write_excel_target.cpp.
+    /// Set m_run->workbook and open the output file.
     bool openWorkbook();
     bool openOutput();
     bool openNewWorkbook();
     bool openUpdate();
+    /// Select the sheet of an update by the parameters of the modes 2 and 4.
     bool chooseSheet(xlsx::UpdatedWorkbook &workbook);
     bool chooseByNumber(xlsx::UpdatedWorkbook &workbook);
     bool chooseByName(xlsx::UpdatedWorkbook &workbook);
     bool changeSheet(xlsx::UpdatedWorkbook &workbook, qsizetype index);
     void addSheet(xlsx::UpdatedWorkbook &workbook);
+    /// The name of a new sheet, cut with a warning if it is too long.
     QString makeSheetName();
     void addCellFormats(xlsx::UpdatedWorkbook &workbook);
     bool failWorkbook(const Fault<opc::Error> &fault);
@@ -88,10 +103,12 @@ private:
     }
     /// The number by which the codec knows the format of date cells.
     int dateFormat() const { return static_cast<int>(m_params.dateFormatExcel); }
+    /// Replace the destination by the finished package.
     bool commit();
     void swapNothing();
     bool swap(const QString &temporary, const QString &target);
     bool pause(int pauseMs) const;
+    /// Have a spreadsheet program calculate the workbook; a failure is a warning.
     void recalculate();
 
     FloatFormat m_floatFormat;

@@ -199,8 +199,6 @@ void ActionWriteExcel::addCellFormats(xlsx::UpdatedWorkbook &workbook)
     }
 }
 
-/// Replace the destination by the finished package. Returns false, with the run failed, when that
-/// is not possible.
 bool ActionWriteExcel::commit()
 {
     bool hasSwapped = false;

@@ -46,7 +46,8 @@ qsizetype skipSpaces(QByteArrayView text, qsizetype at)
     return at;
 }
 
-/// Where the tag's ">" is; the size of the text when it ends before; -1 for a "<" inside.
+/// The offset of the tag's ">"; the size of the text if that ends before; -1 for a "<" inside. A
+/// ">" in a quoted value does not end the tag.
 qsizetype findTagEnd(QByteArrayView text, qsizetype at)
 {
     char quote = 0;
@@ -66,6 +67,7 @@ qsizetype findTagEnd(QByteArrayView text, qsizetype at)
     return at;
 }
 
+/// scanMarkup() for a tag.
 Scan scanTag(QByteArrayView text, qsizetype at, Tag *tag, qsizetype *end)
 {
     const bool closes = at + 1 < text.size() && text[at + 1] == '/';
@@ -98,6 +100,7 @@ Scan scanTag(QByteArrayView text, qsizetype at, Tag *tag, qsizetype *end)
     return Scan::Tag;
 }
 
+/// Markup other than tags, which is skipped.
 struct Section
 {
     QByteArrayView opening;
@@ -105,7 +108,7 @@ struct Section
 };
 constexpr std::array<Section, 3> kSections{{{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}}};
 
-/// The code point that "#65" or "#x41" names; 0 when it is none that XML allows.
+/// The code point that "#65" or "#x41" refers to; 0 for one that XML does not allow.
 char32_t referenced(QByteArrayView reference)
 {
     bool isNumber = false;
@@ -115,6 +118,33 @@ char32_t referenced(QByteArrayView reference)
     return isNumber && code <= 0x10FFFF && !isSurrogate ? code : 0;
 }
 
+/// Append one unit that is not part of a surrogate pair.
+void appendQuotable(QChar unit, QString *out)
+{
+    switch (unit.unicode()) {
+    case '&':
+        *out += QLatin1String("&amp;");
+        return;
+    case '<':
+        *out += QLatin1String("&lt;");
+        return;
+    case '"':
+        *out += QLatin1String("&quot;");
+        return;
+    // Readers replace these by a space unless they are references (XML 1.0, section 3.3.3).
+    case '\t':
+    case '\n':
+    case '\r':
+        *out += QLatin1String("&#") + QString::number(unit.unicode()) + QLatin1Char(';');
+        return;
+    default:
+        break;
+    }
+    const bool isAllowed = unit.unicode() >= 0x20 && unit.unicode() < 0xFFFE && !unit.isSurrogate();
+    *out += isAllowed ? unit : QChar(QChar::ReplacementCharacter);
+}
+
+/// The character of an entity or character reference without "&" and ";"; empty if it is unknown.
 QString entity(QByteArrayView name)
 {
     struct Predefined
@@ -290,23 +320,12 @@ QByteArray quotable(QStringView text)
     QString out;
     out.reserve(text.size());
     for (qsizetype i = 0; i < text.size(); ++i) {
-        const char16_t unit = text[i].unicode();
         const bool isPair =
             text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
-        if (unit == '&') {
-            out += QLatin1String("&amp;");
-        } else if (unit == '<') {
-            out += QLatin1String("&lt;");
-        } else if (unit == '"') {
-            out += QLatin1String("&quot;");
-        } else if (unit == '\t' || unit == '\n' || unit == '\r') {
-            out += QLatin1String("&#") + QString::number(unit) + QLatin1Char(';');
-        } else if (isPair) {
+        if (isPair) {
             out += text.sliced(i++, 2);
-        } else if (unit < 0x20 || unit >= 0xFFFE || text[i].isSurrogate()) {
-            out += QChar(QChar::ReplacementCharacter);
         } else {
-            out += text[i];
+            appendQuotable(text[i], &out);
         }
     }
     return out.toUtf8();

@@ -2,37 +2,48 @@
 
 namespace corvanta::opc {
 
-Fault<Error> memberFault(zip::Error error, const QByteArray &member)
+namespace {
+
+Error errorFor(zip::Error error)
 {
-    const QString name = QString::fromUtf8(member);
     switch (error) {
     case zip::Error::ReadFailed:
     case zip::Error::BadData:
     case zip::Error::BadSize:
     case zip::Error::BadChecksum:
     case zip::Error::TooLarge:
-        return {Error::Damaged, name};
+        return Error::Damaged;
+    // For the user a member that cannot be opened is one that is missing.
     case zip::Error::NoMember:
     case zip::Error::Encrypted:
     case zip::Error::UnknownMethod:
     case zip::Error::BadLocalHeader:
-        return {Error::NoMember, name};
+        return Error::NoMember;
     case zip::Error::BadName:
     case zip::Error::NameTaken:
-        return {Error::NotAdded, name};
+        return Error::NotAdded;
     case zip::Error::NotAPackage:
     case zip::Error::BadDirectory:
-        return {Error::Unexpected, name};
+        return Error::Unexpected;
     case zip::Error::WriteFailed:
     case zip::Error::Stopped:
     case zip::Error::NoMemory:
         break;
     }
-    return {Error::WriteFailed, name};
+    return Error::WriteFailed;
+}
+
+} // namespace
+
+Fault<Error> memberFault(zip::Error error, const QByteArray &member)
+{
+    return {errorFor(error), QString::fromUtf8(member)};
 }
 
 template <class F> Result<void, Error> MemberWriter::retried(F operation, const QByteArray &member)
 {
+    // A call of the package that failed with WriteFailed continues where it stopped when it is
+    // repeated; any other fault is final.
     for (;;) {
         const Result<void, zip::Error> done = operation();
         if (done) {

@@ -44,6 +44,7 @@ Result<void, Error>
 PackageCopy::readInPieces(const QByteArray &part,
                           const std::function<Result<void, Error>(QByteArrayView)> &take)
 {
+    // The part may be larger than memory, so it is never read whole here.
     const QByteArray member = memberOf(part);
     auto stream = m_source.openStream(member);
     if (!stream) {
@@ -120,6 +121,7 @@ Result<void, Error> PackageCopy::copyMembers(MemberWriter &output)
         return types.fault();
     }
     auto done = output.write(reserve(kContentTypesPart), (*types)->text());
+    // The names seen so far also skip later members of a name, which no reader can reach.
     std::set<QByteArray> seen = m_notCopied;
     for (const zip::Member &member : m_source.members()) {
         if (done && !m_isRunning()) {

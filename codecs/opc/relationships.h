@@ -13,9 +13,9 @@ namespace corvanta::opc {
 
 struct Relationship
 {
-    QByteArray id;
-    QString type;
-    QString target;
+    QByteArray id;           ///< unique in its part, for example "rId7"
+    QString type;            ///< a URI that ends with the kind, for example "/hyperlink"
+    QString target;          ///< a part, relative to the source part or absolute, or an address
     bool isExternal = false; ///< the target is an address outside the package
 };
 

@@ -21,6 +21,7 @@ void Splices::append(const Element &element, const QByteArray &added)
 
 void Splices::setAttribute(const Tag &tag, QByteArrayView name, const QByteArray &value)
 {
+    // The views of a tag point into the text, so their offsets follow from their addresses.
     const auto old = tag.attribute(name);
     if (old) {
         const qsizetype begin = old->data() - m_text.data();
@@ -33,6 +34,7 @@ void Splices::setAttribute(const Tag &tag, QByteArrayView name, const QByteArray
 
 QByteArray Splices::apply()
 {
+    // Stable: insertions at one offset keep the order of the calls.
     std::stable_sort(m_changes.begin(), m_changes.end(),
                      [](const Change &a, const Change &b) { return a.begin < b.begin; });
     QByteArray out;

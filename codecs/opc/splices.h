@@ -4,6 +4,8 @@
 
 namespace corvanta::opc {
 
+/// Changes may be added in any order. Insertions at one offset are applied in the order of the
+/// calls. Threads: one at a time.
 class Splices
 {
 public:
@@ -13,6 +15,7 @@ public:
     {
     }
 
+    /// Insert `added` before the byte at offset `at`.
     void insert(qsizetype at, const QByteArray &added) { replace(at, at, added); }
     /// Replace the bytes from `begin` up to, but not including, `end`.
     void replace(qsizetype begin, qsizetype end, const QByteArray &added);

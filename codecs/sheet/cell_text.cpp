@@ -39,7 +39,31 @@ char *put(char *out, const char *text, size_t n)
     return out + n;
 }
 
-/// One unit, or a surrogate pair, at text[0]; `*taken` units of it.
+/// The escape of a control character: _x000A_ for a line feed.
+char *putControl(char *out, char16_t unit)
+{
+    out = put(out, "_x00", 4);
+    *out++ = kHexDigits[unit >> 4];
+    *out++ = kHexDigits[unit & 15];
+    *out++ = '_';
+    return out;
+}
+
+/// A unit from U+0080 on; a surrogate without its partner becomes U+FFFD.
+char *putWide(const char16_t *text, qsizetype n, char *out, int *taken)
+{
+    const char16_t unit = text[0];
+    if (!QChar::isSurrogate(unit)) {
+        return putUtf8(unit, out);
+    }
+    if (QChar::isHighSurrogate(unit) && n > 1 && QChar::isLowSurrogate(text[1])) {
+        *taken = 2;
+        return putUtf8(QChar::surrogateToUcs4(unit, text[1]), out);
+    }
+    return putUtf8(kReplacementCharacter, out);
+}
+
+/// Escape the unit or surrogate pair at text[0]; `*taken` is the number of its units.
 char *escapeOne(const char16_t *text, qsizetype n, char *out, int *taken)
 {
     const char16_t unit = text[0];
@@ -51,11 +75,7 @@ char *escapeOne(const char16_t *text, qsizetype n, char *out, int *taken)
         return put(out, "&amp;", 5);
     }
     if (unit < 32) {
-        out = put(out, "_x00", 4);
-        *out++ = kHexDigits[unit >> 4];
-        *out++ = kHexDigits[unit & 15];
-        *out++ = '_';
-        return out;
+        return putControl(out, unit);
     }
     if (unit == u'_' && startsEscape(text, n)) {
         return put(out, "_x005F_", 7);
@@ -64,16 +84,10 @@ char *escapeOne(const char16_t *text, qsizetype n, char *out, int *taken)
         *out++ = '_';
         return out;
     }
-    if (!QChar::isSurrogate(unit)) {
-        return putUtf8(unit, out);
-    }
-    if (QChar::isHighSurrogate(unit) && n > 1 && QChar::isLowSurrogate(text[1])) {
-        *taken = 2;
-        return putUtf8(QChar::surrogateToUcs4(unit, text[1]), out);
-    }
-    return putUtf8(kReplacementCharacter, out);
+    return putWide(text, n, out, taken);
 }
 
+/// Characters, in UTF-16 units, of an escaped piece that `taken` units became.
 int charsOf(const char *begin, const char *end, int taken)
 {
     // A pair is two characters and four bytes; everything in ASCII is as many characters as bytes.
@@ -92,6 +106,7 @@ char *escapeText(const char16_t *text, qsizetype n, char *out)
     const __m128i highest = _mm_set1_epi16(0x7F);
     qsizetype i = 0;
     int taken = 0;
+    // Eight units at a time, up to the first one that needs more than a copy of its low byte.
     while (i + 8 <= n) {
         const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i *>(text + i));
         const __m128i special = _mm_or_si128(
@@ -152,27 +167,25 @@ std::optional<LinkText> parseLink(std::u16string_view text)
 {
     constexpr std::u16string_view opening = u"URL(";
     constexpr std::u16string_view middle = u"\",\"";
-    if (text.size() < 5 || text.substr(0, opening.size()) != opening) {
+    // The label starts after a quote, which is not checked.
+    constexpr size_t begin = opening.size() + 1;
+    if (text.size() < begin || text.substr(0, opening.size()) != opening) {
         return std::nullopt;
     }
-    size_t between = std::u16string_view::npos;
-    for (size_t p = 5; text.size() > 10 && p + 6 < text.size(); ++p) {
-        if (text.substr(p, middle.size()) == middle) {
-            between = p;
-            break;
+    // At least four units must follow the middle.
+    constexpr size_t kMinLinkUnits = 11;
+    const size_t found = text.size() < kMinLinkUnits ? text.npos : text.find(middle, begin);
+    const bool hasLabel = found != text.npos && found + 6 < text.size();
+    for (const char16_t closing : {u')', u'"'}) {
+        if (!text.empty() && text.back() == closing) {
+            text.remove_suffix(1);
         }
     }
-    if (text.back() == u')') {
-        text.remove_suffix(1);
-    }
-    if (!text.empty() && text.back() == u'"') {
-        text.remove_suffix(1);
-    }
-    if (between == std::u16string_view::npos) {
-        const std::u16string_view both = text.size() > 5 ? text.substr(5) : std::u16string_view();
+    if (!hasLabel) {
+        const std::u16string_view both = text.substr(std::min(begin, text.size()));
         return LinkText{both, both};
     }
-    return LinkText{text.substr(5, between - 5), text.substr(between + middle.size())};
+    return LinkText{text.substr(begin, found - begin), text.substr(found + middle.size())};
 }
 
 } // namespace corvanta::sheet

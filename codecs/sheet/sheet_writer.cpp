@@ -67,6 +67,7 @@ void SheetWriter::commit()
 
 bool SheetWriter::makeRoom(size_t bytes)
 {
+    // The package compresses a block on a worker thread as soon as it is committed.
     commit();
     for (;;) {
         auto room = m_package.room(bytes);
@@ -124,6 +125,7 @@ bool SheetWriter::startRow()
     if (!room(kCellBytes)) {
         return false;
     }
+    // The digits are kept for the references of the row's cells.
     m_rowDigitCount = putUInt(static_cast<quint64>(m_row), m_rowDigits);
     append(kRowOpening);
     append({m_rowDigits, m_rowDigitCount});
@@ -199,6 +201,7 @@ bool SheetWriter::putKey(int column, const uchar *cell)
 
 bool SheetWriter::putFloat(int column, const uchar *cell)
 {
+    // The missing value is a NaN too, so noNans does not decide about it.
     const auto value = loadNative<double>(cell);
     const bool isFinite = std::isfinite(value);
     if (cell::isMissingDouble(value) || (!isFinite && m_options.noNans)) {
@@ -283,6 +286,7 @@ bool SheetWriter::putLink(int column, const LinkText &link)
 {
     const QString url(reinterpret_cast<const QChar *>(link.url.data()),
                       static_cast<qsizetype>(link.url.size()));
+    // Cells with one address share its relationship.
     qint64 &number = m_urlNumbers[url];
     if (number == 0) {
         m_urls << url;
@@ -312,6 +316,7 @@ bool SheetWriter::putEscaped(int column, const Markup &opening, std::u16string_v
 bool SheetWriter::putLongEscaped(int column, const Markup &opening, std::u16string_view text,
                                  const Markup &closing)
 {
+    // The text is escaped into a buffer first: its length decides whether it is written at all.
     const auto atLimit = m_options.crop ? AtLimit::Crop : AtLimit::Warn;
     const qsizetype chars =
         escapeLongText(text.data(), static_cast<qsizetype>(text.size()), atLimit, kMaxCellChars,

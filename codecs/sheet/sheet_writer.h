@@ -42,9 +42,9 @@ struct SheetOptions
 struct Column
 {
     enum class Kind { Date, Formula, Key, Float, Text };
-    int input = 0; ///< index in the input row
-    Kind kind = Kind::Text;
-    QString name; ///< for the header
+    int input = 0;          ///< index in the input row, from 0
+    Kind kind = Kind::Text; ///< Key and Float need an input of that type, Formula and Text a text
+    QString name;           ///< for the header
 };
 
 /// One cell with a hyperlink.
@@ -78,16 +78,19 @@ struct Markup
 
 /// Writes header and rows into the open member of a package. Threads: one at a time.
 ///
-/// After a fault nothing more can be written.
+/// After a fault nothing more can be written. The rows are formatted directly into the blocks that
+/// the package compresses, so a cell costs no allocation and no virtual call. A sheet must be
+/// opened and ended by put(), which takes the XML before and after the rows.
 class SheetWriter
 {
 public:
-    /// `package` and `dates` must outlive the writer.
+    /// The sheet's member must be open in `package`. `package` and `dates` must outlive the writer.
     SheetWriter(zip::PackageWriter &package, SheetOptions options, std::vector<Column> columns,
                 DateParser *dates, SheetCallbacks callbacks);
 
     /// Number of the sheet row that is written next, from 1.
     qint64 row() const { return m_row; }
+    /// Continue at another row; rows must increase.
     void setRow(qint64 row) { m_row = row; }
 
     /// Write XML unchanged. Errors: WriteFailed.
@@ -100,7 +103,9 @@ public:
     /// package.
     void commit();
 
+    /// The number of written columns.
     int columnCount() const { return static_cast<int>(m_columns.size()); }
+    /// All cells with hyperlinks, in the order in which they were written.
     const std::vector<LinkUse> &linkUses() const { return m_linkUses; }
     /// URLs in the order of their numbers, which count from 1.
     const QStringList &urls() const { return m_urls; }

@@ -4,6 +4,8 @@
 
 namespace corvanta::xlsx {
 
+/// The parts are those of fixed_parts.h. An update adds the same parts to a workbook that lacks
+/// them. Threads: one at a time.
 class NewWorkbook final : public WorkbookTarget
 {
 public:
@@ -15,7 +17,8 @@ public:
         m_sheetName = sheetName;
     }
 
-    void setCellFormats(sheet::SheetOptions *) const override {} // the defaults
+    // See WorkbookTarget. The default options have the cell formats of a new workbook.
+    void setCellFormats(sheet::SheetOptions *) const override {}
     Result<void, opc::Error> begin(opc::MemberWriter &output) override;
     Result<void, opc::Error> openSheet(sheet::SheetWriter &sheet) override;
     Result<void, opc::Error> finishSheet(sheet::SheetWriter &sheet) override;

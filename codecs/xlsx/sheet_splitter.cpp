@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 namespace corvanta::xlsx {
 
@@ -33,6 +34,20 @@ constexpr qsizetype kBeginningBytes = 256;
 Fault<Error> fault(Error code, qsizetype offset = -1)
 {
     return {code, {}, offset};
+}
+
+/// The family whose main namespace the root's own prefix has; std::nullopt for any other.
+std::optional<Family> familyOf(const Tag &root)
+{
+    const QByteArray declaration =
+        root.prefix().isEmpty() ? QByteArray("xmlns") : "xmlns:" + root.prefix().toByteArray();
+    const auto uri = root.attributes() ? root.attribute(declaration) : std::nullopt;
+    for (const Family &family : {kStrict, kTransitional}) {
+        if (uri == family.main) {
+            return family;
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -103,22 +118,22 @@ Result<bool, Error> SheetSplitter::takeNext()
     }
     Tag tag;
     qsizetype end = 0;
-    const Scan found = scanMarkup(m_text, begin, &tag, &end);
-    if (found == Scan::Broken) {
+    switch (opc::scanMarkup(m_text, begin, &tag, &end)) {
+    case Scan::Broken:
         return fault(Error::Malformed);
-    }
-    if (found == Scan::Incomplete) {
-        const bool isTooLong = m_text.size() - begin > kMaxMarkupBytes;
-        return isTooLong ? Result<bool, Error>(fault(Error::TooLarge)) : false;
+    case Scan::Incomplete:
+        // A tag without an end must not make the text grow without limit.
+        return m_text.size() - begin > kMaxMarkupBytes ? Result<bool, Error>(fault(Error::TooLarge))
+                                                       : false;
+    case Scan::Skipped:
+        m_at = end;
+        return true;
+    case Scan::Tag:
+        break;
     }
     m_at = end;
-    if (found == Scan::Tag) {
-        const auto taken = isInRows ? takeRowsTag(tag) : takeFrontTag(tag);
-        if (!taken) {
-            return taken.fault();
-        }
-    }
-    return true;
+    const auto taken = isInRows ? takeRowsTag(tag) : takeFrontTag(tag);
+    return taken ? Result<bool, Error>(true) : taken.fault();
 }
 
 /// Move the part of m_text up to `offset` that was not yet kept to the head, unless it is dropped.
@@ -133,12 +148,7 @@ void SheetSplitter::keepUpTo(qsizetype offset)
 Result<void, Error> SheetSplitter::takeFrontTag(const Tag &tag)
 {
     if (tag.kind == Tag::Kind::Close) {
-        --m_depth;
-        if (m_isInDimension && m_depth == 1) {
-            m_isInDimension = false;
-            m_kept = tag.end;
-        }
-        return m_depth > 0 ? Result<void, Error>() : fault(Error::Unexpected);
+        return closeFrontTag(tag);
     }
     if (m_rootTag.isEmpty()) {
         return takeRoot(tag);
@@ -157,21 +167,23 @@ Result<void, Error> SheetSplitter::takeFrontTag(const Tag &tag)
     return {};
 }
 
+Result<void, Error> SheetSplitter::closeFrontTag(const Tag &tag)
+{
+    --m_depth;
+    if (m_isInDimension && m_depth == 1) {
+        m_isInDimension = false;
+        m_kept = tag.end;
+    }
+    return m_depth > 0 ? Result<void, Error>() : fault(Error::Unexpected);
+}
+
 Result<void, Error> SheetSplitter::takeRoot(const Tag &tag)
 {
-    const auto bound = [&](const Family &family) {
-        const auto attributes = tag.attributes();
-        const QByteArray declaration =
-            tag.prefix().isEmpty() ? QByteArray("xmlns") : "xmlns:" + tag.prefix().toByteArray();
-        return attributes && tag.attribute(declaration) == family.main;
-    };
-    if (tag.local() != QByteArrayView("worksheet") || tag.kind != Tag::Kind::Open) {
+    const auto family = familyOf(tag);
+    if (tag.local() != QByteArrayView("worksheet") || tag.kind != Tag::Kind::Open || !family) {
         return fault(Error::Unexpected);
     }
-    if (!bound(kTransitional) && !bound(kStrict)) {
-        return fault(Error::Unexpected);
-    }
-    m_family = bound(kStrict) ? kStrict : kTransitional;
+    m_family = *family;
     m_rootTag = m_text.sliced(tag.begin, tag.end - tag.begin);
     m_prefix = tag.prefix().toByteArray();
     m_rowName = opc::qualified(m_prefix, "row");

@@ -14,7 +14,9 @@
 
 namespace corvanta::xlsx {
 
-/// Threads: one at a time.
+/// A row without a number follows the one before it. In a sheet whose elements have a prefix the
+/// main namespace becomes the default in sheetData, so that new rows need no prefix. Threads: one
+/// at a time.
 class SheetSplitter
 {
 public:
@@ -44,6 +46,7 @@ public:
     bool hasDroppedFormula() const { return m_hasDroppedFormula; }
     /// The worksheet's root tag, for the names of its namespaces.
     const QByteArray &rootTag() const { return m_rootTag; }
+    /// The family of the worksheet's namespace.
     Family family() const { return m_family; }
 
 private:
@@ -52,6 +55,7 @@ private:
     Result<void, opc::Error> scan();
     Result<bool, opc::Error> takeNext();
     Result<void, opc::Error> takeFrontTag(const opc::Tag &tag);
+    Result<void, opc::Error> closeFrontTag(const opc::Tag &tag);
     Result<void, opc::Error> takeRoot(const opc::Tag &tag);
     void openSheetData(const opc::Tag &tag);
     qsizetype findRowsMarkup() const;

@@ -194,6 +194,40 @@ bool HyperlinkFinder::isUsed(QByteArrayView cell)
     return m_cells.contains(cell.toByteArray());
 }
 
+/// How the elements and attributes of hyperlinks are spelled in a sheet.
+struct LinkNames
+{
+    LinkNames(const Tag &root, const Family &family)
+        : list(qualified(root.prefix(), "hyperlinks"))
+        , link(qualified(root.prefix(), "hyperlink"))
+    {
+        const auto bound = root.prefixBoundTo(family.relationships);
+        if (bound && !bound->isEmpty()) {
+            idPrefix = bound->toByteArray();
+        } else {
+            declaration = " xmlns:r=\"" + family.relationships.toByteArray() + '"';
+        }
+    }
+    /// The elements of all links; each has the attribute `declared`.
+    QByteArray links(const std::vector<sheet::LinkUse> &uses, quint64 takenIds,
+                     const QByteArray &declared) const
+    {
+        const QByteArray opening = '<' + link + declared + " ref=\"";
+        const QByteArray middle = "\" " + idPrefix + ":id=\"rId";
+        QByteArray text;
+        for (const sheet::LinkUse &use : uses) {
+            const quint64 id = takenIds + static_cast<quint64>(use.number);
+            text += opening + cellName(use) + middle + QByteArray::number(id) + "\"/>";
+        }
+        return text;
+    }
+
+    QByteArray list;
+    QByteArray link;
+    QByteArray idPrefix = "r";
+    QByteArray declaration; ///< of the prefix; empty if the root declares it
+};
+
 } // namespace
 
 Result<QByteArray, Error> withHyperlinks(const QByteArray &tail, const QByteArray &rootTag,
@@ -207,28 +241,18 @@ Result<QByteArray, Error> withHyperlinks(const QByteArray &tail, const QByteArra
     if (!found.find(tail)) {
         return Fault<Error>{Error::Malformed};
     }
-    const auto bound = root.prefixBoundTo(family.relationships);
-    const bool isBound = bound && !bound->isEmpty();
-    const QByteArray declaration =
-        isBound ? QByteArray() : " xmlns:r=\"" + family.relationships.toByteArray() + '"';
-    const QByteArray opening = '<' + qualified(root.prefix(), "hyperlink") +
-                               (found.list ? declaration : QByteArray()) + " ref=\"";
-    const QByteArray middle =
-        "\" " + (isBound ? bound->toByteArray() : QByteArray("r")) + ":id=\"rId";
-    QByteArray links;
-    for (const sheet::LinkUse &use : uses) {
-        const quint64 id = takenIds + static_cast<quint64>(use.number);
-        links += opening + cellName(use) + middle + QByteArray::number(id) + "\"/>";
-    }
+    const LinkNames names(root, family);
     opc::Splices splices(tail);
     for (const auto &[begin, end] : found.replaced) {
         splices.replace(begin, end, {});
     }
     if (found.list) {
-        splices.append(*found.list, links);
+        // A list that exists may have no declaration, so each link has its own.
+        splices.append(*found.list, names.links(uses, takenIds, names.declaration));
     } else {
-        const QByteArray name = qualified(root.prefix(), "hyperlinks");
-        splices.insert(found.newList, '<' + name + declaration + '>' + links + "</" + name + '>');
+        splices.insert(found.newList, '<' + names.list + names.declaration + '>' +
+                                          names.links(uses, takenIds, {}) + "</" + names.list +
+                                          '>');
     }
     return splices.apply();
 }

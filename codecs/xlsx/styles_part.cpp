@@ -48,6 +48,9 @@ public:
 private:
     /// Append `entry` to a table, which then has `count` entries.
     void append(int table, quint64 count, const QByteArray &entry);
+    void addNumberFormat(std::optional<int> table, quint64 count, quint64 id,
+                         const QByteArray &code);
+    /// Insert a table with `count` entries after the tables `earlier`.
     void addTable(QByteArrayView name, quint64 count, const QByteArray &entries,
                   std::initializer_list<QByteArrayView> earlier);
     QByteArray element(QByteArrayView local, const QByteArray &rest) const
@@ -82,6 +85,7 @@ void StylesEditor::addTable(QByteArrayView name, quint64 count, const QByteArray
     m_splices.insert(at, table);
 }
 
+/// Returns the id of the format, which is used again if the part has it.
 quint64 StylesEditor::addNumberFormat(const QByteArray &code)
 {
     const auto table = m_outline.child(0, "numFmts");
@@ -99,14 +103,20 @@ quint64 StylesEditor::addNumberFormat(const QByteArray &code)
         }
         id = std::max(id, *usedId + 1);
     }
+    addNumberFormat(table, entries.size() + 1, id, code);
+    return id;
+}
+
+void StylesEditor::addNumberFormat(std::optional<int> table, quint64 count, quint64 id,
+                                   const QByteArray &code)
+{
     const QByteArray entry = element("numFmt", " numFmtId=\"" + QByteArray::number(id) +
                                                    "\" formatCode=\"" + code + "\"/>");
     if (table) {
-        append(*table, entries.size() + 1, entry);
+        append(*table, count, entry);
     } else {
-        addTable("numFmts", 1, entry, {});
+        addTable("numFmts", count, entry, {});
     }
-    return id;
 }
 
 QByteArray StylesEditor::hyperlinkFont() const

@@ -24,9 +24,9 @@ int numberFormatId(int index, int ownBase);
 
 struct StylesChange
 {
-    QByteArray text;
-    quint64 dateStyle = 0; ///< index for the s attribute of date cells
-    quint64 hyperlinkStyle = 0;
+    QByteArray text;            ///< of the changed part
+    quint64 dateStyle = 0;      ///< the s attribute of date cells
+    quint64 hyperlinkStyle = 0; ///< the s attribute of hyperlink cells
     /// The part had no table of cell formats and got a new one.
     bool hadNoCellFormats = false;
 };

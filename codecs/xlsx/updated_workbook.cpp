@@ -107,6 +107,7 @@ Result<void, Error> UpdatedWorkbook::changeSheet(size_t index, quint64 startRow1
     if (!member) {
         return Fault<Error>{Error::NoMember, QString::fromUtf8(part)};
     }
+    // The name as stored: the relationships of the sheet then have the same spelling.
     m_sheetName = sheet.name;
     m_sheetPart = *member;
     m_splitter.emplace(startRow1);
@@ -137,16 +138,22 @@ Result<void, Error> UpdatedWorkbook::readSheetRelationships()
 UpdatedWorkbook::CellFormats UpdatedWorkbook::addCellFormats(int dateFormat)
 {
     const opc::Relationship *const relationship = m_relationships.find("styles");
-    const QByteArray part = relationship != nullptr
-                                ? opc::resolvedTarget(m_workbookPart, relationship->target)
-                                : opc::folderOf(m_workbookPart) + "styles.xml";
+    if (relationship == nullptr) {
+        const QByteArray part = opc::folderOf(m_workbookPart) + "styles.xml";
+        if (!m_copy.names().find(part)) {
+            addRelationship("styles", part);
+        }
+        return changeStyles(part, dateFormat);
+    }
+    return changeStyles(opc::resolvedTarget(m_workbookPart, relationship->target), dateFormat);
+}
+
+UpdatedWorkbook::CellFormats UpdatedWorkbook::changeStyles(const QByteArray &part, int dateFormat)
+{
     if (!m_copy.names().find(part)) {
         // Cells of the formats 1 and 2 need a part that has them.
         m_copy.put(part, newStyles(dateFormat));
         m_types->declarePart(part, kContentTypeBase + QByteArray("styles+xml"));
-        if (relationship == nullptr) {
-            addRelationship("styles", part);
-        }
         return CellFormats::NotAdded;
     }
     const auto text = m_copy.read(part);
@@ -222,14 +229,19 @@ Result<void, Error> UpdatedWorkbook::writeSheetRelationships(const sheet::SheetW
     return m_output->write(m_copy.memberOf(part), m_sheetRelationships.text());
 }
 
-Result<void, Error> UpdatedWorkbook::finish(const sheet::SheetWriter &sheet, const WorkbookEnd &end)
+/// Remove the relationship to a chain that lists cells which no longer contain a formula:
+/// spreadsheet programs report it as damage. Without the relationship they create a new chain.
+void UpdatedWorkbook::removeCalculationChain()
 {
     const opc::Relationship *const chain = m_relationships.find("calcChain");
     if (chain != nullptr && m_splitter && m_splitter->hasDroppedFormula()) {
-        // The chain lists cells that no longer contain a formula, which spreadsheet programs report
-        // as damage. Without the relationship they create a new chain.
         m_relationships.remove(chain->id);
     }
+}
+
+Result<void, Error> UpdatedWorkbook::finish(const sheet::SheetWriter &sheet, const WorkbookEnd &end)
+{
+    removeCalculationChain();
     WorkbookChange change{m_addedSheet, {}, end.recalculate};
     if (end.range) {
         change.definedName = DefinedName{end.range->name, rangeReference(*end.range, m_sheetName)};

@@ -38,6 +38,7 @@ public:
     /// Add the formats of date and hyperlink cells. `dateFormat` as for dateFormatAt().
     CellFormats addCellFormats(int dateFormat);
 
+    // See WorkbookTarget.
     void setCellFormats(sheet::SheetOptions *options) const override;
     Result<void, opc::Error> begin(opc::MemberWriter &output) override;
     Result<void, opc::Error> openSheet(sheet::SheetWriter &sheet) override;
@@ -56,6 +57,8 @@ private:
     QByteArray addRelationship(const char *kind, const QByteArray &part);
     QByteArray sheetRelationshipPart() const;
     Result<void, opc::Error> readSheetRelationships();
+    CellFormats changeStyles(const QByteArray &part, int dateFormat);
+    void removeCalculationChain();
     Result<void, opc::Error> writeSheetRelationships(const sheet::SheetWriter &sheet);
 
     opc::PackageCopy m_copy;

@@ -13,17 +13,18 @@ namespace corvanta::xlsx {
 
 struct SheetEntry
 {
-    QString name;
-    quint32 sheetId = 0;
-    QByteArray relationshipId;
+    QString name;              ///< unique in its workbook, up to 31 UTF-16 units
+    quint32 sheetId = 0;       ///< unique in its workbook; not the number of its member
+    QByteArray relationshipId; ///< of the workbook's relationship to the sheet
 };
 
 struct Workbook
 {
     std::vector<SheetEntry> sheets; ///< in the order of their tabs
     Family family;
-    bool has1904Dates = false;
+    bool has1904Dates = false; ///< dates count from 1904-01-01
 
+    /// In the order of the tabs.
     QStringList sheetNames() const;
     /// An id that no sheet has: the highest plus one.
     quint32 freeSheetId() const;
@@ -36,11 +37,12 @@ Result<Workbook, opc::Error> readWorkbook(QByteArrayView text);
 struct DefinedName
 {
     QString name;
-    QString refersTo;
+    QString refersTo; ///< a reference: 'Sheet'!$A$1:$C$9
 };
 
 struct WorkbookChange
 {
+    /// Is added after the other sheets.
     std::optional<SheetEntry> addedSheet = {};
     /// Replaces a name of the whole workbook that has the same spelling (letter case does not
     /// count).

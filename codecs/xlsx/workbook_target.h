@@ -22,6 +22,7 @@ class WorkbookTarget
 public:
     virtual ~WorkbookTarget() = default;
 
+    /// The name of the sheet to which rows are written.
     const QString &sheetName() const { return m_sheetName; }
     /// Set the cell formats and day 0 of the workbook in the options of its sheet.
     virtual void setCellFormats(sheet::SheetOptions *options) const = 0;
@@ -52,7 +53,7 @@ protected:
                              const Family &family, quint64 takenIds);
 
     QString m_sheetName;
-    opc::MemberWriter *m_output = nullptr;
+    opc::MemberWriter *m_output = nullptr; // set by begin()
 };
 
 } // namespace corvanta::xlsx
