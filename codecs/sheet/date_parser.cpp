@@ -53,7 +53,7 @@ DateParser::DateParser(const QString &format, const QLocale &locale, bool monthF
 }
 
 /// The token for `run`, a run of equal characters of a format; std::nullopt for one that only Qt
-/// understands. A literal stands for each character of its run.
+/// understands. The token of a literal is used once for each character of its run.
 std::optional<DateParser::Token> DateParser::tokenOf(QStringView run)
 {
     struct KnownField
