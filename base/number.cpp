@@ -32,7 +32,7 @@ std::string_view withoutPlus(std::string_view text)
 /// The value of a number that from_chars reports as out of range: an infinity or a zero.
 double outOfRange(std::string_view text)
 {
-    // strtod tells the two apart. The locale does not matter: both results lack a decimal point.
+    // strtod distinguishes the two. The locale does not matter for these results.
     return std::strtod(std::string(text).c_str(), nullptr);
 }
 

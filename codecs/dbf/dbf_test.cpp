@@ -488,7 +488,7 @@ TEST(Dbf, WrongCountsAndTruncatedFilesAreReported)
         {"cut at a record", table.chopped(4), 3, 2, true, false, false},
         {"cut in a record", table.chopped(2), 3, 2, true, false, false},
         {"no records", table.first(headerBytes), 3, 0, true, false, false},
-        {"padding behind", table + QByteArray(100, '\x1A'), 3, 3, false, false, false},
+        {"padding after the end", table + QByteArray(100, '\x1A'), 3, 3, false, false, false},
     };
     for (const Case &c : cases) {
         QByteArray bytes = c.bytes;

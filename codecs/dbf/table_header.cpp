@@ -16,10 +16,14 @@
 //   usual       32  0 (11)      11      16        17
 //   level 7     48  0 (32)      32      33        34
 //
-// dBase II (version 02):
-//   0 version   1 u16 records   3 date   6 u16 record length; 32 descriptors or a 0D behind the
-//   last: 16 bytes:           0 name (11)   11 type   12 length   13 u16 address   15 decimals
-//   records start at 521
+// dBase II (version 02); records start at offset 521:
+//   offset  bytes  content
+//        0      1  version
+//        1      2  number of records
+//        3      3  date of the last change
+//        6      2  record length
+//        8         descriptors of 16 bytes, 32 or ended by 0D: 0 name (11), 11 type, 12 length,
+//                  13 u16 address, 15 decimals
 #include "codecs/dbf/table_header.h"
 
 #include "base/bytes.h"

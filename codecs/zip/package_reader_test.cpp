@@ -131,7 +131,7 @@ TEST(PackageReader, StreamsSeekAndShareTheSource)
 TEST(PackageReader, AcceptsStoredMembersAndBytesAroundThePackage)
 {
     const QByteArray stored = packageOf(storedMember("a", "some bytes"));
-    for (const QByteArray &bytes : {stored, "in front" + stored, stored + "behind"}) {
+    for (const QByteArray &bytes : {stored, "before" + stored, stored + "after"}) {
         Opened opened(bytes);
         ASSERT_TRUE(opened.reader);
         EXPECT_EQ(*opened.reader->readWhole("a"), "some bytes");
@@ -196,7 +196,7 @@ TEST(PackageReader, RejectsFilesThatAreNotPackages)
         {"no entry", entry, "PK\5\6", Error::BadDirectory},
         {"name longer than the directory", entry2 + 28, "\xff\xff", Error::BadDirectory},
         {"comment longer than the directory", entry2 + 32, "\1", Error::BadDirectory},
-        {"member behind the directory", entry2 + 42, "\xff\xff", Error::BadDirectory},
+        {"member after the directory", entry2 + 42, "\xff\xff", Error::BadDirectory},
         {"member over another", entry2 + 42, QByteArray("\0", 1), Error::BadDirectory},
         {"member into the next", entry + 20, "\x40", Error::BadDirectory},
         {"zip64 size without its field", entry + 24, "\xff\xff\xff\xff", Error::BadDirectory},
