@@ -2,7 +2,8 @@
 """Check that no folder includes or links a layer above its own: layers_test.py [PROJECT]
 
 A layer sees itself and the layers before it in LAYERS; a program sees only PROGRAM_SEES. Headers below host/src are
-private to the host. The folders of codecs, io and actions do not include each other in a cycle.
+private to the host. The folders of codecs, io and actions do not include each other in a cycle. base (except base/platform)
+and codecs open no files and use neither rows on pins nor the log.
 """
 import pathlib
 import re
@@ -17,6 +18,11 @@ PROGRAM_SEES = {"base", "host"}
 CUT_LAYERS = {"codecs", "io", "actions"}
 INCLUDE_ROOTS = [".", "host/include", "host/src"]
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(["<])([^">\n]+)[">]', re.MULTILINE)
+DIRECTIVE = re.compile(r"^(?:[ \t]|/\*.*?\*/)*#[ \t]*include.*$", re.MULTILINE)
+PURE_LAYERS = {"base", "codecs"}
+IMPURE = re.compile(r"\b(?:QFile|QFileInfo|QDir|QSaveFile|QTemporaryFile|QWidget|ActionItem|OneRow|MainUI|GlobalParameters|fopen|fstream)\b")
+COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
+CODE = ("*.h", "*.cpp", "*.inc", "*.hpp", "*.cc", "*.c")
 MADE_LIBRARY = re.compile(r"(add_library|corvanta_module)\(\s*(\w+)")
 
 
@@ -49,7 +55,7 @@ def resolve(root, includer, name):
 
 def includes(root):
     """(including file, included file or None, directive as written) for every include below the layers."""
-    for source in sources(root, "*.h", "*.cpp"):
+    for source in sources(root, *CODE):
         path = source.relative_to(root)
         for quote, name in INCLUDE.findall(source.read_text(encoding="utf-8")):
             yield path, resolve(root, path, name), quote + name
@@ -74,6 +80,26 @@ def wrong_includes(root):
                 yield f'{path}: {directive}": there is no such file'
         elif reason := wrong_include(path, target):
             yield f"{path}: {target}: {reason}"
+
+
+def unclear_includes(root):
+    """Include lines that the checks above cannot read, such as #include MACRO."""
+    for source in sources(root, *CODE):
+        text = source.read_text(encoding="utf-8")
+        for line in DIRECTIVE.findall(text):
+            if not INCLUDE.match(line):
+                yield f"{source.relative_to(root)}: unclear include: {line.strip()}"
+
+
+def impure_code(root):
+    """Code of base and codecs that names a file class, a pin, a panel or the log."""
+    for source in sources(root, *CODE):
+        path = source.relative_to(root)
+        if layer_of(path) not in PURE_LAYERS or is_test(path) or path.parts[1] == "platform":
+            continue
+        names = set(IMPURE.findall(COMMENT.sub("", source.read_text(encoding="utf-8"))))
+        if names:
+            yield f"{path}: {layer_of(path)} must not use {', '.join(sorted(names))}"
 
 
 def folder_of(path):
@@ -125,7 +151,7 @@ def wrong_order(root):
 
 
 def findings(root):
-    return [*wrong_includes(root), *cycles(root), *wrong_links(root), *wrong_order(root)]
+    return [*wrong_includes(root), *unclear_includes(root), *impure_code(root), *cycles(root), *wrong_links(root), *wrong_order(root)]
 
 
 class Layers(unittest.TestCase):
@@ -170,6 +196,11 @@ FAULTS = [
     ({"actions/read_xml/more.h": '#include "plugin/plugin.h"\n'}, "actions/read_xml/more.h: plugin/"),
     ({"actions/read_xml/more.h": '#include "tests/support/sweeps.h"\n'}, "actions/read_xml/more.h: tests/"),
     ({"actions/read_xml/more.h": '#include "misspelled.h"\n'}, "actions/read_xml/more.h: \"misspelled.h"),
+    ({"codecs/dbf/dbf.h": "#include HEADER\n"}, "codecs/dbf/dbf.h: unclear include"),
+    ({"codecs/dbf/dbf.h": '/**/ #include "actions/read_xml/read_xml.h"\n'}, "codecs/dbf/dbf.h: unclear include"),
+    ({"codecs/dbf/dbf.inc": '#include "actions/read_xml/read_xml.h"\n'}, "codecs/dbf/dbf.inc: actions/"),
+    ({"codecs/dbf/dbf.h": "class OneRow;\n"}, "codecs/dbf/dbf.h: codecs must not use OneRow"),
+    ({"codecs/dbf/dbf.cpp": "#include <QFile>\n"}, "codecs/dbf/dbf.cpp: codecs must not use QFile"),
     ({"cli/more.cpp": '#include "codecs/zip/zip.h"\n'}, "cli/more.cpp: codecs/"),
     ({"base/CMakeLists.txt": "corvanta_module(base SOURCES cell.cpp PRIVATE corvanta_zip)\n"}, "base/CMakeLists.txt: base does"),
     ({"CMakeLists.txt": "add_subdirectory(codecs)\nadd_subdirectory(base)\n"}, "CMakeLists.txt: the layers"),

@@ -40,6 +40,23 @@ class Map(unittest.TestCase):
         paths += [f"fuzz/{target}_fuzz.cpp" for row in rows() for target in row[5]]
         self.assertEqual([path for path in paths if not (SOURCE / path).exists()], [])
 
+    def test_every_codec_and_fuzz_target_is_listed(self):
+        text = (SOURCE / "docs/map.md").read_text(encoding="utf-8")
+        names = [f"codecs/{folder.parent.name}" for folder in (SOURCE / "codecs").glob("*/CMakeLists.txt")]
+        names += [target.name.removesuffix("_fuzz.cpp") for target in (SOURCE / "fuzz").glob("*_fuzz.cpp")]
+        self.assertEqual([name for name in sorted(names) if f"`{name}`" not in text], [])
+
+    def test_paths_in_the_documentation_exist(self):
+        pages = [SOURCE / "README.md", SOURCE / "CONTRIBUTING.md", *sorted((SOURCE / "docs").rglob("*.md"))]
+        folders = "base|codecs|host|io|panels|actions|plugin|cli|tests|bench|fuzz|docs|readers|writers"
+        missing = []
+        for page in pages:
+            for path in re.findall(rf"`((?:{folders})/[\w./*{{}},-]+)`", page.read_text(encoding="utf-8")):
+                path = re.sub(r"\{.*?\}|\.\*$", "*", path)
+                found = list(SOURCE.glob(path)) or list(SOURCE.glob(path + ".*"))
+                missing += [] if found else [f"{page.name}: {path}"]
+        self.assertEqual(missing, [])
+
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])
