@@ -1,6 +1,6 @@
 // The parameters of readExcel and readExcelOld.
 #pragma once
-#include "actions/shared/sheet_selection.h"
+#include "actions/shared/params/sheet_selection.h"
 
 namespace corvanta {
 

@@ -1,6 +1,6 @@
 #include "actions/read_json/read_json_params.h"
 
-#include "actions/shared/reader_params.h"
+#include "actions/shared/params/reader_params.h"
 
 namespace corvanta {
 

@@ -1,7 +1,7 @@
 // The parameters of readJSON.
 #pragma once
-#include "actions/shared/document_source.h"
-#include "actions/shared/read_levels.h"
+#include "actions/shared/params/document_source.h"
+#include "actions/shared/params/read_levels.h"
 #include "corvanta/param_table.h"
 
 namespace corvanta {

@@ -1,6 +1,6 @@
 #include "actions/read_stat/read_stat_params.h"
 
-#include "actions/shared/reader_params.h"
+#include "actions/shared/params/reader_params.h"
 
 namespace corvanta {
 

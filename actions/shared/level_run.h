@@ -2,8 +2,8 @@
 // the rows of output pin 0, level by level.
 #pragma once
 #include "actions/shared/file_series.h"
+#include "actions/shared/params/read_levels.h"
 #include "actions/shared/pin_text.h"
-#include "actions/shared/read_levels.h"
 #include "codecs/markup/levels/level_extractor.h"
 #include "corvanta/action_base.h"
 #include "io/input/input_file.h"

@@ -1,6 +1,6 @@
 // Base of writeJSON and writeXML: composes rows into text by levels and writes it to files.
 #pragma once
-#include "actions/shared/level_writer_params.h"
+#include "actions/shared/params/level_writer_params.h"
 #include "actions/shared/row_writer.h"
 #include "codecs/compose/level_compiler.h"
 #include "codecs/compose/text_block.h"

@@ -1,6 +1,6 @@
 #include "actions/write_excel/write_excel_params.h"
 
-#include "actions/shared/writer_params.h"
+#include "actions/shared/params/writer_params.h"
 
 namespace corvanta {
 

@@ -1,7 +1,7 @@
 // The parameters of writeExcel.
 #pragma once
+#include "actions/shared/params/sheet_selection.h"
 #include "actions/shared/row_writer.h"
-#include "actions/shared/sheet_selection.h"
 
 namespace corvanta {
 

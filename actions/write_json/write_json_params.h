@@ -1,6 +1,6 @@
 // The parameters of writeJSON.
 #pragma once
-#include "actions/shared/level_writer_params.h"
+#include "actions/shared/params/level_writer_params.h"
 
 namespace corvanta {
 

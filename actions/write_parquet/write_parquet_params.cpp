@@ -1,6 +1,6 @@
 #include "actions/write_parquet/write_parquet_params.h"
 
-#include "actions/shared/writer_params.h"
+#include "actions/shared/params/writer_params.h"
 
 namespace corvanta {
 

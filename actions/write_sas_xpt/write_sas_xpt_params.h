@@ -1,6 +1,6 @@
 // The parameters of writeSASXPT.
 #pragma once
-#include "actions/shared/data_set_params.h"
+#include "actions/shared/params/data_set_params.h"
 
 namespace corvanta {
 

@@ -1,4 +1,4 @@
-#include "actions/shared/string_columns.h"
+#include "actions/shared/params/string_columns.h"
 
 namespace corvanta {
 

@@ -1,4 +1,4 @@
-#include "actions/shared/write_levels.h"
+#include "actions/shared/params/write_levels.h"
 
 namespace corvanta {
 

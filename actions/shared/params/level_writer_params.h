@@ -1,8 +1,8 @@
 // The parameters that writeJSON and writeXML have in common.
 #pragma once
+#include "actions/shared/params/write_levels.h"
+#include "actions/shared/params/writer_params.h"
 #include "actions/shared/row_writer.h"
-#include "actions/shared/write_levels.h"
-#include "actions/shared/writer_params.h"
 
 namespace corvanta {
 

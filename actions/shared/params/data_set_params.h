@@ -1,8 +1,8 @@
 // The parameters that the writers of SAS data sets and transport files have in common.
 #pragma once
+#include "actions/shared/params/string_columns.h"
+#include "actions/shared/params/writer_params.h"
 #include "actions/shared/row_writer.h"
-#include "actions/shared/string_columns.h"
-#include "actions/shared/writer_params.h"
 
 namespace corvanta {
 

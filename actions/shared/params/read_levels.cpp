@@ -1,4 +1,4 @@
-#include "actions/shared/read_levels.h"
+#include "actions/shared/params/read_levels.h"
 
 namespace corvanta {
 
