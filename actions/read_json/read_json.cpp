@@ -1,10 +1,10 @@
 #include "actions/read_json/read_json.h"
 
+#include "actions/shared/input_sample.h"
 #include "base/checked.h"
 #include "base/limits.h"
 
 #include <algorithm>
-#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -15,8 +15,11 @@ using markup::MarkupError;
 
 namespace {
 
+/// Of a run, with ignoreErrors.
 constexpr int kMaxReportedErrors = 50;
+/// Smallest buffer of a tokenizer, in characters.
 constexpr qint64 kTokenizerChars = 1'048'576;
+/// 96 MiB; see bufferBytes().
 constexpr qint64 kMaxBytesFromColumns = 0x6000000;
 
 /// A row of pin 1: a path to read.
@@ -51,21 +54,15 @@ ActionReadJSON::ActionReadJSON(const XMLNode &saved, GlobalParameters *parameter
 
 void ActionReadJSON::start()
 {
-    finish();
-    m_series.reset();
+    LevelReader::start();
     m_reportedErrors = 0;
 }
 
 void ActionReadJSON::finish()
 {
-    m_series.finish();
-    m_run.reset();
+    LevelReader::finish();
+    // After the run and its file, which use it.
     m_tokenizer.reset();
-}
-
-bool ActionReadJSON::step()
-{
-    return (m_run || prepare()) && m_run->step();
 }
 
 /// Read the beginning of the file. Returns nothing, after a message, when the file is missing.
@@ -81,32 +78,19 @@ std::optional<markup::SampledDocument> ActionReadJSON::sampleInput()
     return markup::sampleDocument(tokenizer, {m_params.autoFillNRows, {}, true});
 }
 
-/// Take the levels from the file if the graph has none.
-bool ActionReadJSON::fill(int table)
+void ActionReadJSON::useTable(const markup::SampledTable &table)
 {
-    if (hasItems(m_params.levels) || isFromPin()) {
-        return true;
-    }
-    const auto document = sampleInput();
-    const markup::SampledTable *const chosen = document ? chooseTable(*document, table) : nullptr;
-    if (chosen != nullptr) {
-        m_params.levels = chosen->levels;
-        m_params.outputSubTags = m_params.outputSubTags || chosen->namesAreData;
-        m_params.newMode = true; // the paths begin at the document
-    }
-    return chosen != nullptr;
+    m_params.levels = table.levels;
+    m_params.outputSubTags = m_params.outputSubTags || table.namesAreData;
+    m_params.newMode = true; // the paths begin at the document
 }
 
-QVector<InputTable> ActionReadJSON::listTables()
-{
-    const auto document = isFromPin() ? std::nullopt : sampleInput();
-    return document ? listedTables(*document, m_params.levels) : QVector<InputTable>();
-}
+// ---- Before the first document.
 
-/// Create m_run. Returns false when the run has failed or ended.
 bool ActionReadJSON::prepare()
 {
     std::vector<ReadLevel> levels = m_params.levels;
+    // Pin 1 is read to its end before the first document, so that the columns are known.
     if (m_params.readTagsFromInPin && !readTags(&levels)) {
         return false;
     }
@@ -117,27 +101,17 @@ bool ActionReadJSON::prepare()
     options.outputSubTags = m_params.outputSubTags;
     // Kept for saved graphs: without newMode, paths begin at the document's only element.
     options.keepRoot = m_params.newMode;
-    m_run = std::make_unique<LevelRun>(*this, m_series, static_cast<LevelRun::Format &>(*this),
-                                       input(), expandedLevels(levels, *this), options);
+    LevelRun::Input texts = source();
+    texts.column = expandString(m_params.colJSON).trimmed();
+    texts.mode = m_params.oneJSONPerRow ? PinText::Mode::RowByRow : PinText::Mode::Stream;
+    texts.copiesInput = m_params.appendToRow;
+    beginRun(texts, expandedLevels(levels, *this), options);
     return true;
 }
 
-LevelRun::Input ActionReadJSON::input() const
-{
-    LevelRun::Input input;
-    input.fileName = m_params.fileName;
-    input.isFromPin = isFromPin();
-    input.column = expandString(m_params.colJSON).trimmed();
-    input.mode = m_params.oneJSONPerRow ? PinText::Mode::RowByRow : PinText::Mode::Stream;
-    input.copiesInput = m_params.appendToRow;
-    input.namesFiles = m_params.outputFilenames;
-    input.retries = m_params.timeOut;
-    return input;
-}
-
-/// Turn the rows of pin 1 into items of the level that they name, or of the last one.
 bool ActionReadJSON::readTags(std::vector<ReadLevel> *levels)
 {
+    // A graph without levels gets one: every row of the pin then names it or falls back to it.
     levels->resize(std::max<size_t>(levels->size(), 1));
     for (ReadLevel &level : *levels) {
         level.items.clear();
@@ -154,9 +128,11 @@ bool ActionReadJSON::readTags(std::vector<ReadLevel> *levels)
 qint64 ActionReadJSON::bufferBytes() const
 {
     const qint64 fromColumns =
-        std::min<qint64>(10 * qint64(m_run->columnCount()), kMaxBytesFromColumns);
+        std::min<qint64>(10 * qint64(run().columnCount()), kMaxBytesFromColumns);
     return std::max(fromColumns, clampedMiBToBytes(m_params.bufferSize));
 }
+
+// ---- Documents.
 
 markup::MarkupTokenizer *ActionReadJSON::beginDocument(ByteSource &source, const QString &)
 {
@@ -168,12 +144,10 @@ markup::MarkupTokenizer *ActionReadJSON::beginDocument(ByteSource &source, const
         m_tokenizer = std::make_unique<JSONTokenizer>(source, kTokenizerChars, u"");
         m_tokenizer->setPermissiveNumbers(m_params.permissiveNumbers);
         m_tokenizer->setBufferSize(kCharsPerByte * bufferBytes());
-        m_run->setBlockSize(std::min(bufferBytes(), limits::kTreeArenaBytes));
+        run().setBlockSize(std::min(bufferBytes(), limits::kTreeArenaBytes));
     }
     if (isFromPin()) {
-        // PinText delivers UTF-8: there is nothing to guess. The first token reports a failure.
-        std::ignore = m_tokenizer->setEncoding(markup::CharMode::Utf8, QByteArray(),
-                                               markup::InvalidBytes::Fail);
+        expectUtf8(*m_tokenizer);
     }
     return m_tokenizer.get();
 }
@@ -185,6 +159,7 @@ bool ActionReadJSON::documentFails(const markup::MarkupResult &result, const QSt
     if (isFromPin() && result.error == MarkupError::NoTagFound) {
         return true; // a row may be blank; a file may not
     }
+    // The reason comes before the position, with the same level.
     if (!why.isEmpty()) {
         MainUI::addLog(m_params.ignoreErrors ? MainUI::Warning : MainUI::Error, why);
     }
@@ -203,23 +178,17 @@ bool ActionReadJSON::documentFails(const markup::MarkupResult &result, const QSt
     return true;
 }
 
-bool ActionReadJSON::fileIsMissing(const QString &name)
+QString ActionReadJSON::message(ReadProblem problem, const QString &name) const
 {
-    if (m_params.abortIfMissing) {
-        return fail(u"Error: The json file '%1' does not exists"_s.arg(name));
+    switch (problem) {
+    case ReadProblem::NoFile:
+        return u"Error: The json file '%1' does not exists"_s.arg(name);
+    case ReadProblem::SkippedFile:
+        return u"Warning: The json file '%1' does not exists"_s.arg(name);
+    case ReadProblem::NoColumn:
+        break;
     }
-    warn(u"Warning: The json file '%1' does not exists"_s.arg(name));
-    return true;
-}
-
-bool ActionReadJSON::columnIsMissing(const QString &name)
-{
-    return fail(u"ERROR: JSON parsing Error: Cannot find column '"_s + name + u"'\n"_s);
-}
-
-void ActionReadJSON::pathIsMissing(const QString &path, const QString &name)
-{
-    warn(u"Warning: can't find path '"_s + path + u"' inside file '"_s + name + u"'\n"_s);
+    return u"ERROR: JSON parsing Error: Cannot find column '"_s + name + u"'\n"_s;
 }
 
 } // namespace corvanta

@@ -5,6 +5,7 @@ namespace corvanta {
 
 namespace {
 
+// In "convert" no user corrects the levels, so that more records are examined to find them.
 constexpr FileFormat kFormats[] = {
     {FileFormat::Read, FileFormat::Json, "json jsonl ndjson geojson", "autoFillNRows=10000"},
 };

@@ -1,19 +1,15 @@
 #include "actions/read_json/read_json_params.h"
 
-#include "actions/shared/params/reader_params.h"
-
 namespace corvanta {
 
-void adjustReadJsonDefaults(ReadJsonParams &params, double savedVersion)
-{
-    constexpr double kRootKeptSince = 3.92;
-    params.newMode = savedVersion >= kRootKeptSince;
-}
+namespace {
 
-const ParamTable<ReadJsonParams> &readJsonParamTable()
+using P = ReadJsonParams;
+
+/// Where documents come from: a file or input pin 0.
+ParamGroup<P> sourceOfDocuments()
 {
-    using P = ReadJsonParams;
-    static const ParamTable<P> table{
+    return {
         text("colJSON", &P::colJSON)
             .label("JSON column")
             .meaning("Input column that holds the JSON texts."),
@@ -21,15 +17,29 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
                                                  "the texts of colJSON."),
         shared::bufferSize<P>(),
         shared::autoFillNRows<P>(),
-        text("fileName", &P::fileName)
+        text<P>("fileName", &P::fileName)
             .inputFile()
             .always()
             .label("File")
             .meaning("JSON or JSON Lines file to read, a pattern, or a member of an archive "
                      "(archive.zip@member)."),
+    };
+}
+
+/// Columns other than those of the levels.
+ParamGroup<P> addedColumns()
+{
+    return {
         shared::outputFilenames<P>(),
         shared::copyOfInputRow("appendToRow", &P::appendToRow),
         shared::outputSubTags<P>(),
+    };
+}
+
+/// What the rows of the two input pins mean.
+ParamGroup<P> inputPins()
+{
+    return {
         flag("oneJSONPerRow", &P::oneJSONPerRow)
             .label("Each input row holds one complete JSON document")
             .meaning("Each row is one document. Off: the rows are one stream of documents, and a "
@@ -39,8 +49,13 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
             .meaning("Reads the items from the rows of input pin 1: from the columns path, name, "
                      "tagName and level, or else the path from the first and the name from the "
                      "second column."),
-        shared::abortIfMissing<P>(),
-        shared::timeOut<P>(),
+    };
+}
+
+/// What is accepted in a document, and where paths begin.
+ParamGroup<P> errorsAndRoot()
+{
+    return {
         flag("permissiveNumbers", &P::permissiveNumbers)
             .label("Accept malformed numbers")
             .meaning("Accepts malformed numbers. Off: a value such as 12abc is a structure error."),
@@ -51,7 +66,24 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
             .label("Always keep the root")
             .meaning("Keeps the root of every record, so that paths start at the document. Default "
                      "off in graphs saved before version 3.92."),
-        readLevels(&P::levels),
+    };
+}
+
+} // namespace
+
+void adjustReadJsonDefaults(ReadJsonParams &params, double savedVersion)
+{
+    // Kept for saved graphs: paths of earlier ones begin at the document's only element.
+    constexpr double kRootKeptSince = 3.92;
+    params.newMode = savedVersion >= kRootKeptSince;
+}
+
+const ParamTable<ReadJsonParams> &readJsonParamTable()
+{
+    // The order is that of saved graphs.
+    static const ParamTable<P> table{
+        sourceOfDocuments(),       addedColumns(),  inputPins(),
+        shared::missingFiles<P>(), errorsAndRoot(), readLevels<P>(&P::levels),
     };
     return table;
 }

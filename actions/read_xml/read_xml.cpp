@@ -1,12 +1,12 @@
 #include "actions/read_xml/read_xml.h"
 
+#include "actions/shared/input_sample.h"
 #include "base/checked.h"
 #include "codecs/markup/sample/html_tables.h"
 #include "corvanta/files.h"
 #include "corvanta/system.h"
 
 #include <algorithm>
-#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -17,7 +17,9 @@ using markup::XMLTokenizer;
 
 namespace {
 
+/// Of a run, with skipCorruptedFiles.
 constexpr int kMaxReportedErrors = 50;
+/// Smallest buffer of a tokenizer, in characters.
 constexpr qint64 kTokenizerChars = 1'048'576;
 
 /// Such a path finds nothing with indexes that count from 1.
@@ -41,31 +43,26 @@ ActionReadXML::ActionReadXML(const XMLNode &saved, GlobalParameters *parameters)
         m_params.fileName.endsWith(".html"_L1) || m_params.fileName.endsWith(".htm"_L1);
     if (isHtml && isNewFile(saved)) {
         applyHtmlDefaults(m_params);
+        // Attributes that the action was created with override the defaults of HTML.
         paramTable().read(m_params, saved);
     }
 }
 
 void ActionReadXML::start()
 {
-    finish();
-    m_series.reset();
+    LevelReader::start();
     m_corrupted.reset();
 }
 
 void ActionReadXML::finish()
 {
-    m_series.finish();
-    m_run.reset();
+    LevelReader::finish();
+    // After the run and its file, which use it.
     m_tokenizer.reset();
 }
 
-bool ActionReadXML::step()
-{
-    return (m_run || prepare()) && m_run->step();
-}
+// ---- Parameters.
 
-/// The levels with their variables expanded; in HTML mode without the "tbody" in paths copied from
-/// a browser.
 std::vector<ReadLevel> ActionReadXML::levels() const
 {
     std::vector<ReadLevel> levels = expandedLevels(m_params.levels, *this);
@@ -96,6 +93,8 @@ markup::ExtractOptions ActionReadXML::extractOptions() const
     return options;
 }
 
+// ---- Levels found in the file.
+
 /// Read the beginning of the file: the tables of a page or, without any, the repeated elements.
 /// Returns nothing, after a message, when the file cannot be read.
 std::optional<markup::SampledDocument> ActionReadXML::sampleInput()
@@ -106,6 +105,7 @@ std::optional<markup::SampledDocument> ActionReadXML::sampleInput()
         })) {
         return std::nullopt;
     }
+    // The file is opened again: a page without tables is read like any other document.
     if (!document || document->tables.empty()) {
         const markup::SampleOptions options{m_params.autoFillNRows, extractOptions().text,
                                             m_params.zeroBased};
@@ -117,7 +117,6 @@ std::optional<markup::SampledDocument> ActionReadXML::sampleInput()
     return document;
 }
 
-/// Returns false, after a message, when the file cannot be read.
 bool ActionReadXML::sampleWith(const std::function<void(XMLTokenizer &)> &look)
 {
     InputSample sample(*this, m_params.fileName);
@@ -133,31 +132,18 @@ bool ActionReadXML::sampleWith(const std::function<void(XMLTokenizer &)> &look)
     return true;
 }
 
-/// Take the levels from the file if the graph has none.
-bool ActionReadXML::fill(int table)
+void ActionReadXML::useTable(const markup::SampledTable &table)
 {
-    if (hasItems(m_params.levels) || isFromPin()) {
-        return true;
-    }
-    const auto document = sampleInput();
-    const markup::SampledTable *const chosen = document ? chooseTable(*document, table) : nullptr;
-    if (chosen != nullptr) {
-        m_params.levels = chosen->levels;
-        m_params.addOnlyText = m_params.addOnlyText || chosen->isPageTable;
-        m_params.skipRows = std::max(m_params.skipRows, chosen->headRows);
-    }
-    return chosen != nullptr;
+    m_params.levels = table.levels;
+    m_params.addOnlyText = m_params.addOnlyText || table.isPageTable;
+    m_params.skipRows = std::max(m_params.skipRows, table.headRows);
 }
 
-QVector<InputTable> ActionReadXML::listTables()
-{
-    const auto document = isFromPin() ? std::nullopt : sampleInput();
-    return document ? listedTables(*document, m_params.levels) : QVector<InputTable>();
-}
+// ---- Documents.
 
-/// Create m_run. Returns false when the run has failed.
 bool ActionReadXML::prepare()
 {
+    // Variables may make a path empty or give it an index: checked after their expansion.
     const std::vector<ReadLevel> expanded = levels();
     if (!hasItems(expanded)) {
         return fail(u"ReadXML error: nothing to extract"_s);
@@ -165,31 +151,18 @@ bool ActionReadXML::prepare()
     if (!m_params.zeroBased && std::any_of(expanded.begin(), expanded.end(), usesIndexZero)) {
         return fail(u"ReadXML error: [0] indexes are forbidden when using 1-based-indexes"_s);
     }
-    m_run = std::make_unique<LevelRun>(*this, m_series, static_cast<LevelRun::Format &>(*this),
-                                       input(), expanded, extractOptions());
+    LevelRun::Input texts = source();
+    texts.column = expandString(m_params.colXML).trimmed();
+    texts.copiesInput = m_params.addColBefore;
+    beginRun(texts, expanded, extractOptions());
     return true;
 }
 
-LevelRun::Input ActionReadXML::input() const
-{
-    LevelRun::Input input;
-    input.fileName = m_params.fileName;
-    input.isFromPin = isFromPin();
-    input.column = expandString(m_params.colXML).trimmed();
-    input.copiesInput = m_params.addColBefore;
-    input.namesFiles = m_params.outputFilenames;
-    input.retries = m_params.timeOut;
-    return input;
-}
-
-/// Set the encoding of the document's bytes. Returns false when the encoding is unknown.
 bool ActionReadXML::chooseEncoding(XMLTokenizer &tokenizer, const QString &name)
 {
     using markup::InvalidBytes;
     if (isFromPin()) {
-        // PinText delivers UTF-8, whatever encoding the text declares.
-        std::ignore =
-            tokenizer.setEncoding(markup::CharMode::Utf8, QByteArray(), InvalidBytes::Fail);
+        expectUtf8(tokenizer);
         return true;
     }
     // The first token reports a source that cannot be read.
@@ -211,6 +184,8 @@ bool ActionReadXML::chooseEncoding(XMLTokenizer &tokenizer, const QString &name)
 
 std::unique_ptr<XMLTokenizer> ActionReadXML::makeTokenizer(ByteSource &source) const
 {
+    // bufferSize counts bytes, the tokenizer characters: the buffer is at least as large as asked
+    // for.
     auto tokenizer = std::make_unique<XMLTokenizer>(
         source, std::max(kTokenizerChars, clampedMiBToBytes(m_params.bufferSize)));
     tokenizer->setOptions({m_params.readHTML, m_params.ignoreUnknownEntities,
@@ -220,6 +195,7 @@ std::unique_ptr<XMLTokenizer> ActionReadXML::makeTokenizer(ByteSource &source) c
 
 markup::MarkupTokenizer *ActionReadXML::beginDocument(ByteSource &source, const QString &name)
 {
+    // One tokenizer for all documents keeps its buffers; each document may have another encoding.
     if (m_tokenizer) {
         m_tokenizer->restart(source);
     } else {
@@ -239,11 +215,14 @@ void ActionReadXML::warnDroppedBytes(const QString &name)
 bool ActionReadXML::documentFails(const markup::MarkupResult &result, const QString &name,
                                   const QString &why)
 {
+    // The bytes that were dropped before the error may explain it.
     warnDroppedBytes(name);
     const bool isEmpty = result.error == MarkupError::NoTagFound;
     if (isFromPin() && isEmpty) {
         return true; // a row may be blank; a file may not
     }
+    // Without iconvDiscardUnconvertible. Not skipped: every further file may have the same
+    // encoding.
     if (result.error == MarkupError::CannotConvert) {
         return fail(u"invalid character found in file '%1': aborting"_s.arg(name));
     }
@@ -255,7 +234,7 @@ bool ActionReadXML::documentFails(const markup::MarkupResult &result, const QStr
     return reportStructureError(result, name, isSkipped);
 }
 
-/// Report a structure error. Returns false when it fails the run.
+/// The line and the column count from 1. Skipped errors share one cap, over all files of the run.
 bool ActionReadXML::reportStructureError(const markup::MarkupResult &result, const QString &name,
                                          bool isSkipped)
 {
@@ -272,23 +251,17 @@ bool ActionReadXML::reportStructureError(const markup::MarkupResult &result, con
     return true;
 }
 
-bool ActionReadXML::fileIsMissing(const QString &name)
+QString ActionReadXML::message(ReadProblem problem, const QString &name) const
 {
-    if (m_params.abortIfMissing) {
-        return fail(u"Error: The xml file '%1' does not exists"_s.arg(name));
+    switch (problem) {
+    case ReadProblem::NoFile:
+        return u"Error: The xml file '%1' does not exists"_s.arg(name);
+    case ReadProblem::SkippedFile:
+        return u"Warning: The xml file '%1' does not exists"_s.arg(name);
+    case ReadProblem::NoColumn:
+        break;
     }
-    warn(u"Warning: The xml file '%1' does not exists"_s.arg(name));
-    return true;
-}
-
-bool ActionReadXML::columnIsMissing(const QString &name)
-{
-    return fail(u"ERROR: XML parsing Error: Cannot find column '"_s + name + u"'\n"_s);
-}
-
-void ActionReadXML::pathIsMissing(const QString &path, const QString &name)
-{
-    warn(u"Warning: can't find path '"_s + path + u"' inside file '"_s + name + u"'\n"_s);
+    return u"ERROR: XML parsing Error: Cannot find column '"_s + name + u"'\n"_s;
 }
 
 } // namespace corvanta

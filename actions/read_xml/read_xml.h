@@ -1,12 +1,11 @@
 // readXML: reads the levels of XML and HTML files, or of XML texts in the rows of an input pin.
 //
-// The action makes tokenizers, chooses encodings and words the messages. LevelRun does the run.
+// The action makes tokenizers, chooses encodings and words the messages. LevelReader has what the
+// readers of documents share; LevelRun does the run.
 #pragma once
 #include "actions/read_xml/read_xml_params.h"
-#include "actions/shared/input_sample.h"
-#include "actions/shared/level_run.h"
+#include "actions/shared/level_reader.h"
 #include "codecs/markup/tokens/xml_tokenizer.h"
-#include "corvanta/action_base.h"
 
 #include <functional>
 #include <memory>
@@ -18,8 +17,7 @@ namespace corvanta {
 extern const ActionEntry kReadXmlEntry;
 
 /// Threads: the one that runs the action; computeCompletion() from any.
-class ActionReadXML final : public ParamAction<ActionReadXML, ReadXmlParams>,
-                            private LevelRun::Format
+class ActionReadXML final : public ParamAction<ActionReadXML, ReadXmlParams, LevelReader>
 {
 public:
     ActionReadXML(const XMLNode &saved, GlobalParameters *parameters);
@@ -28,48 +26,49 @@ public:
     {
         return params.fromInputPin != DocumentSource::File ? 1 : 0;
     }
-    float computeCompletion() override { return m_series.fractionDone(); }
 
 private:
-    // The run.
+    const LevelReaderParams &readerParams() const override { return m_params; }
+    QString message(ReadProblem problem, const QString &name) const override;
+
+    // The run. Functions that return a bool return false when the run has failed.
     void start() override;
-    bool step() override;
+    bool prepare() override;
     void finish() override;
 
-    // Levels found in the file, for graphs without any and for lists of tables.
-    QVector<InputTable> listTables() override;
-    bool fill(int table) override;
-
     // Parameters in the form that the codec takes.
+
+    /// With the tokenizer's options, but without an encoding; see chooseEncoding().
     std::unique_ptr<markup::XMLTokenizer> makeTokenizer(ByteSource &source) const;
-    bool prepare();
-    LevelRun::Input input() const;
+    /// The levels with their variables expanded; in HTML mode without the "tbody" in paths copied
+    /// from a browser.
     std::vector<ReadLevel> levels() const;
     markup::ExtractOptions extractOptions() const;
+    /// Set the encoding of the document's bytes: from the parameter, the document, or the system.
+    /// Call it before the first token. Returns false, after a message, when it is unknown.
     bool chooseEncoding(markup::XMLTokenizer &tokenizer, const QString &name);
-    std::optional<markup::SampledDocument> sampleInput();
-    /// Open the beginning of the file and pass its tokenizer to `look`.
-    bool sampleWith(const std::function<void(markup::XMLTokenizer &)> &look);
-    /// Invalid bytes are dropped silently by the tokenizer: one warning per document.
-    void warnDroppedBytes(const QString &name);
-    bool isFromPin() const { return m_params.fromInputPin != DocumentSource::File; }
 
-    // Documents and messages of LevelRun.
+    // Levels found in the file.
+    std::optional<markup::SampledDocument> sampleInput() override;
+    void useTable(const markup::SampledTable &table) override;
+    /// Open the beginning of the file and pass its tokenizer to `look`. Returns false, after a
+    /// message, when the file cannot be read.
+    bool sampleWith(const std::function<void(markup::XMLTokenizer &)> &look);
+
+    // Documents of LevelRun.
     markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) override;
     void documentEnds(const QString &name) override { warnDroppedBytes(name); }
     bool documentFails(const markup::MarkupResult &result, const QString &name,
                        const QString &why) override;
+    bool isInsideValue() const override { return false; }
+    /// Invalid bytes are dropped silently by the tokenizer: one warning per document.
+    void warnDroppedBytes(const QString &name);
+    /// Returns false when the error fails the run: unless `isSkipped`.
     bool reportStructureError(const markup::MarkupResult &result, const QString &name,
                               bool isSkipped);
-    bool fileIsMissing(const QString &name) override;
-    bool columnIsMissing(const QString &name) override;
-    void pathIsMissing(const QString &path, const QString &name) override;
-    bool isInsideValue() const override { return false; }
 
     std::unique_ptr<markup::XMLTokenizer> m_tokenizer; // restarted for each document
     CappedLog m_corrupted;                             // structure errors that are skipped
-    std::unique_ptr<LevelRun> m_run;                   // null before the first step()
-    FileSeries m_series{*this};                        // its file refers to m_run
 };
 
 } // namespace corvanta

@@ -5,6 +5,8 @@ namespace corvanta {
 
 namespace {
 
+// In "convert" no user corrects the levels, so that more records are examined to find them. Text in
+// CDATA sections and documents with unknown entities are read instead of losing or rejecting them.
 constexpr FileFormat kFormats[] = {
     {FileFormat::Read, FileFormat::Markup, "xml",
      "autoFillNRows=10000 readClearTags=1 ignoreUnknownEntities=1"},

@@ -1,22 +1,15 @@
 #include "actions/read_xml/read_xml_params.h"
 
-#include "actions/shared/params/reader_params.h"
-
 namespace corvanta {
 
-void applyHtmlDefaults(ReadXmlParams &params)
-{
-    params.readHTML = true;
-    params.zeroBased = false;
-    params.ignoreUnknownEntities = true;
-    params.ignoreEmptyTag = true;
-    params.ignoreInvalidCharInTagName = true;
-}
+namespace {
 
-const ParamTable<ReadXmlParams> &readXmlParamTable()
+using P = ReadXmlParams;
+
+/// Where documents come from, and how their bytes become characters.
+ParamGroup<P> sourceOfDocuments()
 {
-    using P = ReadXmlParams;
-    static const ParamTable<P> table{
+    return {
         text("encoding", &P::encoding)
             .label("Encoding")
             .meaning("Auto detects the encoding, System is the system's code page; otherwise the "
@@ -31,9 +24,16 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
             .label("Skip invalid bytes")
             .meaning(
                 "Skips bytes that cannot be converted, with a warning. Off: the action fails."),
+    };
+}
+
+/// The file, and the kind of its content.
+ParamGroup<P> file()
+{
+    return {
         shared::bufferSize<P>(),
         shared::autoFillNRows<P>(),
-        text("fileName", &P::fileName)
+        text<P>("fileName", &P::fileName)
             .inputFile()
             .always()
             .label("File")
@@ -45,6 +45,13 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
         flag("readHTML", &P::readHTML)
             .label("HTML")
             .meaning("Reads HTML, including malformed pages."),
+    };
+}
+
+/// The columns, and the cells of an element.
+ParamGroup<P> columnsAndText()
+{
+    return {
         shared::outputFilenames<P>(),
         shared::outputSubTags<P>(),
         flag("addOnlyText", &P::addOnlyText)
@@ -54,6 +61,13 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
         flag("zeroBased", &P::zeroBased)
             .label("Indexes in paths count from 0")
             .meaning("Indexes in paths count from 0. Off: from 1."),
+    };
+}
+
+/// Names of elements as values, and documents with errors.
+ParamGroup<P> namesAndDamage()
+{
+    return {
         flag("outputTagNames", &P::outputTagNames)
             .label("Output the tag names")
             .meaning("Reads an element that contains only sub-elements as the names of those. Off: "
@@ -66,6 +80,13 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
             .label("Sorted summary of tag names")
             .meaning(
                 "Lists tag names in alphabetical order with their counts. Off: in document order."),
+    };
+}
+
+/// What malformed documents may contain.
+ParamGroup<P> tolerance()
+{
+    return {
         flag("ignoreUnknownEntities", &P::ignoreUnknownEntities)
             .label("Accept unknown entities")
             .meaning("Leaves unknown entities unchanged. Off: they are structure errors."),
@@ -76,21 +97,54 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
         flag("ignoreInvalidCharInTagName", &P::ignoreInvalidCharInTagName)
             .label("Accept invalid characters in tag names")
             .meaning("Accepts invalid characters in tag names. Off: they are structure errors."),
+    };
+}
+
+/// What of an element is compared or put out.
+ParamGroup<P> presenceAndPrefixes()
+{
+    return {
         flag("getTagPresenceFlag", &P::getTagPresenceFlag)
             .label("Output whether the element exists")
             .meaning("Outputs 1 if the element exists, else 0, instead of its text."),
         flag("discardNameSpaces", &P::discardNameSpaces)
             .label("Remove namespace prefixes")
             .meaning("Removes the namespace prefixes of elements."),
-        shared::abortIfMissing<P>(),
-        shared::timeOut<P>(),
+    };
+}
+
+/// What comes before the extracted columns and rows.
+ParamGroup<P> beforeTheRows()
+{
+    return {
         shared::copyOfInputRow("addColBefore", &P::addColBefore),
         number("skipRows", &P::skipRows)
             .range(0, 1000000)
             .label("Rows to skip")
             .meaning("Number of occurrences of the first level that are skipped at the beginning "
                      "of each document, for example the header row of an HTML table."),
-        readLevels(&P::levels),
+    };
+}
+
+} // namespace
+
+void applyHtmlDefaults(ReadXmlParams &params)
+{
+    params.readHTML = true;
+    // Paths copied from a browser count from 1.
+    params.zeroBased = false;
+    params.ignoreUnknownEntities = true;
+    params.ignoreEmptyTag = true;
+    params.ignoreInvalidCharInTagName = true;
+}
+
+const ParamTable<ReadXmlParams> &readXmlParamTable()
+{
+    // The order is that of saved graphs.
+    static const ParamTable<P> table{
+        sourceOfDocuments(),       file(),          columnsAndText(),
+        namesAndDamage(),          tolerance(),     presenceAndPrefixes(),
+        shared::missingFiles<P>(), beforeTheRows(), readLevels<P>(&P::levels),
     };
     return table;
 }

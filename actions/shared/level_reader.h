@@ -1,0 +1,83 @@
+// Base of readJSON and readXML: reads documents from files or from input pin 0, level by level.
+//
+// The base finds levels in the input before a run, starts and ends the run, and reports missing
+// files, columns and paths. LevelRun does the run. The action makes tokenizers and words the
+// messages that name its format.
+#pragma once
+#include "actions/shared/level_run.h"
+#include "actions/shared/params/level_reader_params.h"
+#include "codecs/markup/sample/sample_levels.h"
+#include "corvanta/action_base.h"
+
+#include <memory>
+#include <optional>
+
+namespace corvanta {
+
+/// What can go wrong in every reader of documents; each reader has its own message for it. The name
+/// that goes with a problem is given in parentheses.
+enum class ReadProblem : quint8 {
+    NoFile,      ///< fails the run (the file)
+    SkippedFile, ///< NoFile as a warning, when abortIfMissing is off (the file)
+    NoColumn,    ///< the input pin lacks the column with the documents (the column)
+};
+
+/// Threads: the one that runs the action; computeCompletion() from any.
+class LevelReader : public ActionBase, protected LevelRun::Format
+{
+public:
+    /// Fraction of all files that is read, 0 to 1; 0 with texts of the input pin.
+    float computeCompletion() override { return m_series.fractionDone(); }
+
+protected:
+    using ActionBase::ActionBase;
+
+    // What the action supplies. Functions that return a bool return false when the run has failed
+    // or ended.
+
+    virtual const LevelReaderParams &readerParams() const = 0;
+    virtual QString message(ReadProblem problem, const QString &name) const = 0;
+    /// Check the parameters and call beginRun(). Called by the first step() of a run.
+    virtual bool prepare() = 0;
+    /// Read the beginning of the file. Returns nothing, after a message, when it cannot be read.
+    virtual std::optional<markup::SampledDocument> sampleInput() = 0;
+    /// Take levels, and the settings that they need, from a table of the sample.
+    virtual void useTable(const markup::SampledTable &table) = 0;
+
+    /// Forget an earlier run. An override calls this first.
+    void start() override;
+    bool step() final { return (m_run || prepare()) && m_run->step(); }
+    /// Close the file. May be called twice. An override calls this first: the run refers to the
+    /// tokenizer of the action.
+    void finish() override;
+
+    // What the action uses.
+
+    bool isFromPin() const { return readerParams().fromInputPin != DocumentSource::File; }
+    /// The source that the common parameters describe. The action adds the column of the input pin.
+    LevelRun::Input source() const;
+    /// `levels` are expanded and have an item.
+    void beginRun(const LevelRun::Input &source, const std::vector<ReadLevel> &levels,
+                  const markup::ExtractOptions &options);
+    /// Only after beginRun().
+    LevelRun &run() { return *m_run; }
+    const LevelRun &run() const { return *m_run; }
+    /// Set the encoding of texts of the input pin, which PinText delivers as UTF-8 whatever a text
+    /// declares. The first token reports a failure.
+    static void expectUtf8(markup::MarkupTokenizer &tokenizer);
+
+    bool fileIsMissing(const QString &name) override;
+
+private:
+    // Levels found in the file, for graphs without any and for lists of tables.
+    bool fill(int table) final;
+    QVector<InputTable> listTables() final;
+
+    bool columnIsMissing(const QString &name) final;
+    void pathIsMissing(const QString &path, const QString &name) final;
+
+    std::unique_ptr<LevelRun> m_run; // null before the first step()
+    FileSeries m_series{*this};      // its file refers to m_run
+};
+
+} // namespace corvanta

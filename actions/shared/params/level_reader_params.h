@@ -1,0 +1,41 @@
+// The parameters that readJSON and readXML have in common.
+#pragma once
+#include "actions/shared/params/document_source.h"
+#include "actions/shared/params/read_levels.h"
+#include "actions/shared/params/reader_params.h"
+
+namespace corvanta {
+
+struct LevelReaderParams
+{
+    /// The other members that name or describe files are ignored when this is not File.
+    DocumentSource fromInputPin = DocumentSource::File;
+    /// Smallest input buffer, in MiB. Each reader has its own default.
+    int bufferSize = 1;
+    /// Records that are examined when the levels are derived from the file; at least 1.
+    int autoFillNRows = 100;
+    /// A file, a pattern, or a member of an archive. Not expanded yet.
+    QString fileName;
+    /// Add the last column _FileNames; only with files.
+    bool outputFilenames = false;
+    /// Add one column "Level N Subtag" per level, with the name of the occurrence.
+    bool outputSubTags = false;
+    /// A missing file fails the run. Off: a warning, and the next file.
+    bool abortIfMissing = true;
+    /// Retries of a missing file, one second apart; negative: no limit.
+    int timeOut = 0;
+    /// Outermost first. Empty: nothing to read; `fillFromInput` can then derive them.
+    std::vector<ReadLevel> levels;
+};
+
+namespace shared {
+
+/// What happens to a file that is missing.
+template <class P> ParamGroup<P> missingFiles()
+{
+    return {abortIfMissing<P>(), timeOut<P>()};
+}
+
+} // namespace shared
+
+} // namespace corvanta
