@@ -4,10 +4,14 @@
 
 namespace corvanta {
 
-const ParamTable<ReadParquetParams> &readParquetParamTable()
+namespace {
+
+using P = ReadParquetParams;
+
+/// Which files and columns are read, and the types of columns.
+ParamGroup<P> filesAndColumns()
 {
-    using P = ReadParquetParams;
-    static const ParamTable<P> table{
+    return {
         shared::fileNamesFromPin<P>(),
         shared::abortIfMissing<P>(),
         flag("int64ToKey", &P::int64ToKey)
@@ -20,6 +24,13 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
             .label("Columns")
             .meaning("Which columns are read."),
         shared::outputFilenames<P>(),
+    };
+}
+
+/// Files in newer forms.
+ParamGroup<P> newerForms()
+{
+    return {
         flag("extendedEncodings", &P::extendedEncodings)
             .label("Read newer encodings and codecs")
             .meaning("Also reads RLE_DICTIONARY, DELTA and BYTE_STREAM_SPLIT pages and the codecs "
@@ -28,6 +39,13 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
             .label("Convert values to what they represent")
             .meaning("Reads dates and times as ISO 8601 text, and decimals, large and unsigned "
                      "integers exactly. Off: reads values as they are stored."),
+    };
+}
+
+/// What is accepted in a file.
+ParamGroup<P> tolerance()
+{
+    return {
         flag("pageChecksums", &P::pageChecksums)
             .label("Check the checksums of pages")
             .meaning("Rejects a page whose checksum differs from the one in its header. Off: "
@@ -39,6 +57,18 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
         flag("allowEmpty", &P::allowEmpty)
             .label("Accept files without rows")
             .meaning("Reads a file without rows as an empty table. Off: it is an error."),
+    };
+}
+
+} // namespace
+
+const ParamTable<ReadParquetParams> &readParquetParamTable()
+{
+    // The order is that of saved graphs.
+    static const ParamTable<P> table{
+        filesAndColumns(),
+        newerForms(),
+        tolerance(),
         text("fileName", &P::fileName)
             .inputFile()
             .always()

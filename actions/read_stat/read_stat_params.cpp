@@ -4,11 +4,16 @@
 
 namespace corvanta {
 
-const ParamTable<ReadStatParams> &readStatParamTable()
+namespace {
+
+using P = ReadStatParams;
+
+/// Which files are read, and what labels are used for.
+ParamGroup<P> filesAndLabels()
 {
-    using P = ReadStatParams;
-    static const ParamTable<P> table{
+    return {
         shared::fileNamesFromPin<P>(),
+        // The name of the column differs from that of the other readers.
         flag("outputFilenames", &P::outputFilenames)
             .label("Add a column with the file name")
             .meaning("Adds the last column _Filename with the name of the file of each row."),
@@ -18,6 +23,14 @@ const ParamTable<ReadStatParams> &readStatParamTable()
         flag("extractLabels", &P::extractLabels)
             .label("Output value labels")
             .meaning("Reads the labels of labelled values instead of the values."),
+    };
+}
+
+/// How the bytes of a file are read.
+ParamGroup<P> decoding()
+{
+    return {
+        // The default, OfEnding, is no choice: panels show it as "automatic".
         choice("fileFormat", &P::fileFormat,
                {{StatFormat::Sas, "SAS File (.sas7bdat)"},
                 {StatFormat::SpssSav, "SPSS File (.sav)"},
@@ -33,6 +46,17 @@ const ParamTable<ReadStatParams> &readStatParamTable()
         text("encoding", &P::encoding)
             .label("Encoding")
             .meaning("Encoding of the texts in the file, for example UTF-8."),
+    };
+}
+
+} // namespace
+
+const ParamTable<ReadStatParams> &readStatParamTable()
+{
+    // The order is that of saved graphs.
+    static const ParamTable<P> table{
+        filesAndLabels(),
+        decoding(),
         text("fileName", &P::fileName)
             .inputFile()
             .always()
