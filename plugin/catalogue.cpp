@@ -29,6 +29,8 @@
 
 namespace corvanta {
 
+// The entries are defined in the folders of the actions. Their headers are not included here, so
+// that the plug-in is not rebuilt with every action.
 #define DECLARE_ENTRY(NAME) extern const ActionEntry k##NAME##Entry;
 CORVANTA_ACTIONS(DECLARE_ENTRY)
 
@@ -41,6 +43,7 @@ constexpr const ActionEntry *kEntries[] = {CORVANTA_ACTIONS(ENTRY_ADDRESS)};
 
 ActionItem *createCatalogueAction(unsigned int index)
 {
+    // The host calls this: no exception may leave it.
     try {
         return index < std::size(kEntries)
                    ? kEntries[index]->makeAction(XMLNode::emptyNode(), nullptr)
