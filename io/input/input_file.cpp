@@ -42,6 +42,7 @@ private:
     std::unique_ptr<MyReadFile> m_file;
 };
 
+/// `shared`: other programs may write the file while it is open.
 input::Opened openPlain(GlobalParameters *parameters, const QString &name, bool shared)
 {
     std::unique_ptr<MyReadFile> file(MyReadFile::newMyReadFile(parameters, name, true, shared));
@@ -51,6 +52,7 @@ input::Opened openPlain(GlobalParameters *parameters, const QString &name, bool 
     return std::unique_ptr<InputSource>(std::make_unique<PlainSource>(std::move(file)));
 }
 
+/// Gzip and .Z files are opened by the host, whose own readers need them too.
 input::Opened openSource(GlobalParameters *parameters, const InputName &parts, bool shared)
 {
     switch (parts.kind) {
@@ -68,6 +70,8 @@ input::Opened openSource(GlobalParameters *parameters, const InputName &parts, b
     return openPlain(parameters, parts.path, shared);
 }
 
+/// Log the failures that only this class knows. Readers report files of the other kinds, with their
+/// own texts.
 void logOpenFailure(const InputName &parts, const Fault<OpenError> &fault)
 {
     const bool logsMissingFiles = parts.kind == Kind::Gzip || parts.kind == Kind::Compress;
@@ -105,6 +109,8 @@ InputFile::InputFile(GlobalParameters *parameters, const QString &name, bool sha
     }
     m_source = *std::move(opened);
     m_name = parts.path;
+    // Only archives state the size of the unpacked data. For .gz and .Z, size and progress are
+    // those of the packed file.
     if (m_kind == Kind::Zip || m_kind == Kind::Rar) {
         m_size = static_cast<double>(m_source->size());
     }
@@ -130,6 +136,7 @@ qint64 InputFile::read(void *buffer, qint64 n)
 
 double InputFile::getSize()
 {
+    // Found once: for packed files the file system is asked, which is slow on network drives.
     double known = m_size;
     if (known == kSizeNotKnown) {
         const qint64 sourceSize = m_source && m_kind == Kind::Plain ? m_source->size() : -1;
@@ -147,6 +154,7 @@ qint64 InputFile::size()
 
 float InputFile::getProgress() const
 {
+    // Called by other threads while a read is in progress: uses only the atomic members.
     const double size = m_size;
     if (size < 0) {
         return -1.0F;
@@ -185,7 +193,7 @@ QString InputFile::failure() const
 
 namespace {
 
-/// Wait for `pause`, or until the run ends.
+/// Wait for `pause`, or until the run ends. The slices bound how long a stopped run waits.
 void waitWhileRunning(std::chrono::milliseconds pause, const RunControl &control)
 {
     constexpr std::chrono::milliseconds kSlice(50);
@@ -201,6 +209,7 @@ bool retryOpening(const QString &name, int retries, const RunControl &control,
                   const std::function<bool()> &open, std::chrono::milliseconds pause)
 {
     while (true) {
+        // Warnings without limit would fill the log of a run that waits for its input.
         if (retries >= 0) {
             if (retries-- == 0) {
                 return false;

@@ -29,6 +29,7 @@ public:
     InputFile(GlobalParameters *parameters, const QString &name, bool shared);
     ~InputFile() override;
 
+    /// Whether the file was opened and has a size; see getSize().
     bool isOpen();
 
     /// Read up to `n` bytes. Returns the number of bytes, 0 at the end, and a negative number after
@@ -49,8 +50,10 @@ public:
     /// Move to an offset in the unpacked data. Packed kinds start again and read up to the offset.
     bool seek(qint64 offset) override;
 
+    /// Close the file before the destructor does. read() and seek() then fail.
     void close();
 
+    /// Known also when opening failed.
     input::Kind kind() const { return m_kind; }
     /// The path of the open file; empty if opening failed.
     const QString &name() const { return m_name; }
@@ -70,8 +73,8 @@ private:
     input::Kind m_kind;
     QString m_name;
     std::unique_ptr<input::InputSource> m_source;
-    std::atomic<double> m_size = kSizeNotKnown;
-    std::atomic<qint64> m_progressPosition = 0;
+    std::atomic<double> m_size = kSizeNotKnown; // set once, by the constructor or getSize()
+    std::atomic<qint64> m_progressPosition = 0; // of the packed bytes for .gz and .Z
     qint64 m_position = 0;
 };
 

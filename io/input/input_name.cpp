@@ -23,6 +23,7 @@ InputName parseInputName(const QString &name)
         // another file (InputName.KindsAreTestedInOrder).
         return {Kind::Zip, name.left(zipAt + 5), name.mid(xlsxAt + xlsxMarker.size())};
     }
+    // Tested after the markers: "a.zip@b.zip" is a member, not an archive.
     if (name.endsWith(QLatin1String(".zip"))) {
         return {Kind::Zip, name, {}};
     }

@@ -1,3 +1,8 @@
+// m_ring when its m_count unread bytes wrap:
+//
+//     0               m_writeAt      m_readAt            size
+//     | unread, newer | free         | unread, older     |
+//
 #include "io/input/rar_ring.h"
 
 #include <algorithm>
@@ -9,8 +14,8 @@ RarRing::RarRing(size_t ringBytes, size_t highWater)
     : m_ring(ringBytes)
     , m_highWater(highWater)
 {
-    assert(highWater <
-           ringBytes); // otherwise a full ring would neither have room nor make the producer wait
+    // Otherwise a full ring would neither have room nor make the producer wait.
+    assert(highWater < ringBytes);
 }
 
 size_t RarRing::copyIn(std::span<const char> bytes)
@@ -34,6 +39,8 @@ size_t RarRing::copyOut(char *out, size_t n)
 bool RarRing::put(std::span<const char> bytes)
 {
     while (!bytes.empty()) {
+        // The lock is released between pieces, so that the consumer copies in parallel with the
+        // unpacker.
         std::unique_lock lock(m_mutex);
         m_roomAvailable.wait(lock, [this] { return m_isAborted || m_count <= m_highWater; });
         if (m_isAborted) {
@@ -59,10 +66,12 @@ qint64 RarRing::take(char *out, qint64 n)
     while (done < n) {
         std::unique_lock lock(m_mutex);
         m_dataAvailable.wait(lock, [this] { return m_isAborted || m_isFinished || m_count > 0; });
+        // Bytes that arrived before finish() are still delivered.
         if (m_isAborted || m_count == 0) {
             break;
         }
         done += static_cast<qint64>(copyOut(out + done, static_cast<size_t>(n - done)));
+        // Earlier, the producer would wake up and wait again.
         if (m_count <= m_highWater) {
             m_roomAvailable.notify_one();
         }

@@ -16,10 +16,13 @@
 
 namespace corvanta::input {
 
+/// For one entry of one archive: it cannot be restarted.
 class RarRing
 {
 public:
+    /// How the unpacking ended.
     using Outcome = Result<void, platform::RarError>;
+    // 5 MiB and 1 MiB.
     static constexpr size_t kRingBytes = 0x500000;
     static constexpr size_t kHighWater = 0x100000;
 
@@ -43,6 +46,7 @@ public:
     void abort();
 
 private:
+    // One piece, as large as fits without a wrap; the mutex is held.
     size_t copyIn(std::span<const char> bytes);
     size_t copyOut(char *out, size_t n);
 
@@ -51,7 +55,7 @@ private:
     std::condition_variable m_roomAvailable;
     std::vector<char> m_ring;
     const size_t m_highWater;
-    size_t m_count = 0;
+    size_t m_count = 0; // unread bytes, starting at m_readAt
     size_t m_readAt = 0;
     size_t m_writeAt = 0;
     bool m_isFinished = false;

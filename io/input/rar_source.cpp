@@ -1,3 +1,5 @@
+// Reads a RAR entry as a stream. The unpackers push their output, but a source is read: a thread
+// unpacks the entry into a ring, and read() takes the bytes from it.
 #include "io/input/archive_sources.h"
 #include "io/input/rar_ring.h"
 #include "io/platform/rar_archive.h"
@@ -23,6 +25,7 @@ public:
     }
     ~Unpacking()
     {
+        // The unpacker stops at its next put().
         m_ring.abort();
         m_producer.join();
     }
@@ -31,6 +34,7 @@ public:
     RarRing &ring() { return m_ring; }
 
 private:
+    /// The thread. Every outcome reaches the reader through finish(), or it would wait forever.
     void produce() noexcept
     {
         try {
@@ -47,6 +51,7 @@ private:
     std::thread m_producer; // last: uses the members above
 };
 
+/// Starts to unpack when it is opened, so that the first read finds bytes.
 class RarSource final : public InputSource
 {
 public:
@@ -65,6 +70,7 @@ public:
         if (got > 0 || n <= 0) {
             return got;
         }
+        // The entry has ended. Its checksum is known only now.
         if (m_unpacking && failure().isEmpty()) {
             const auto outcome = m_unpacking->ring().outcome();
             if (!outcome) {
@@ -76,6 +82,7 @@ public:
     qint64 size() override { return m_size; }
     bool seek(qint64 offset) override
     {
+        // Unpacking cannot go back: start again, and read up to the offset.
         m_unpacking.reset();
         auto archive = platform::openRarArchive(m_path);
         if (!archive) {
@@ -96,6 +103,7 @@ private:
     std::unique_ptr<Unpacking> m_unpacking; // null if it could not be started again
 };
 
+/// Opening reports only the first three errors; the others come from unpacking.
 OpenError openErrorOf(RarError error)
 {
     if (error == RarError::CannotOpen) {

@@ -1,5 +1,6 @@
 // An input file whose reads fail once the run has ended, so that a long read ends with the run.
 //
+// The failure is no fault of the file: check ActionBase::runIsGood() before reporting it.
 // Threads: one at a time, but getProgress() of `file` from any.
 #pragma once
 #include "corvanta/action_item.h"
@@ -7,10 +8,12 @@
 
 namespace corvanta {
 
+/// A source for decoders, which know nothing of runs.
 class RunInput final : public ByteSource
 {
 public:
-    /// Open `name` (already expanded) at once; see InputFile. `control` must outlive this object.
+    /// Open `name` (already expanded); see InputFile and check file.isOpen(). `control` must
+    /// outlive this object.
     RunInput(GlobalParameters *parameters, const RunControl &control, const QString &name,
              bool shared)
         : file(parameters, name, shared)
@@ -24,6 +27,7 @@ public:
     qint64 size() override { return file.size(); }
     bool seek(qint64 offset) override { return file.seek(offset); }
 
+    /// For what a source does not have: kind, name, progress and failure.
     InputFile file;
 
 private:

@@ -11,7 +11,7 @@ namespace corvanta {
 
 namespace {
 
-/// A source that owns its bytes.
+/// A source that owns its bytes. MemorySource only refers to them.
 class OwnedBytes final : public ByteSource
 {
 public:
@@ -29,6 +29,7 @@ private:
     MemorySource m_source;
 };
 
+/// Grows with the data: the sizes that packed files state are not trusted.
 Result<QByteArray, WholeInputError> readAll(ByteSource &source)
 {
     constexpr qsizetype kPieceBytes = 1 << 20;
@@ -41,6 +42,7 @@ Result<QByteArray, WholeInputError> readAll(ByteSource &source)
             return Fault{WholeInputError::ReadFailed};
         }
         bytes.resize(before + got);
+        // Packed inputs have verified their checksum when they report the end.
         if (got == 0) {
             return bytes;
         }
@@ -52,6 +54,7 @@ Result<QByteArray, WholeInputError> readAll(ByteSource &source)
 
 Result<std::unique_ptr<ByteSource>, WholeInputError> randomAccess(std::unique_ptr<RunInput> input)
 {
+    // A plain file is not copied: it may be larger than the memory.
     if (input->file.isRandomAccess()) {
         return std::unique_ptr<ByteSource>(std::move(input));
     }
@@ -64,6 +67,7 @@ Result<std::unique_ptr<ByteSource>, WholeInputError> randomAccess(std::unique_pt
 
 bool readToEnd(ByteSource &source)
 {
+    // Returns after the end or the first failure, which includes the end of the run.
     constexpr qint64 kScratchBytes = 64 * 1024;
     std::vector<char> scratch(kScratchBytes);
     qint64 got = 1;

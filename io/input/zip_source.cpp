@@ -18,7 +18,9 @@ namespace corvanta::input {
 
 namespace {
 
+/// Stored bytes that are read in one call.
 constexpr size_t kInputBytes = 64 * 1024;
+// General purpose bit flags of a directory entry.
 constexpr uLong kEncryptedFlag = 1;
 constexpr uLong kUtf8Flag = 1 << 11;
 
@@ -46,7 +48,8 @@ QString decodeName(QByteArrayView raw, uLong flags)
     return inCodePage;
 }
 
-// minizip's file functions, implemented with QFile, which accepts any file name on any system.
+// minizip's file functions, implemented with QFile, which accepts any file name on any system. The
+// stream is a QFile, owned by minizip between openFile() and closeFile().
 voidpf openFile(voidpf, const void *name, int)
 {
     auto file = std::make_unique<QFile>(*static_cast<const QString *>(name));
@@ -58,6 +61,7 @@ uLong readFile(voidpf, voidpf stream, void *buffer, uLong n)
         static_cast<QFile *>(stream)->read(static_cast<char *>(buffer), static_cast<qint64>(n));
     return got < 0 ? 0 : static_cast<uLong>(got);
 }
+// Archives are only read.
 uLong writeFile(voidpf, voidpf, const void *, uLong)
 {
     return 0;
@@ -75,6 +79,7 @@ long seekFile(voidpf, voidpf stream, ZPOS64_T offset, int origin)
     } else if (origin == ZLIB_FILEFUNC_SEEK_END) {
         base = file->size();
     }
+    // Offsets are unsigned, but may be negative numbers in a damaged archive.
     const auto target = static_cast<qint64>(static_cast<quint64>(base) + offset);
     return target >= 0 && target <= file->size() && file->seek(target) ? 0 : -1;
 }
@@ -99,6 +104,7 @@ struct CloseUnzip
 };
 using UnzipHandle = std::unique_ptr<unzFile, CloseUnzip>;
 
+/// One member. Its directory entry is trusted for size and checksum only.
 class ZipSource final : public InputSource
 {
 public:
@@ -122,6 +128,8 @@ public:
     QString memberName() const override { return m_name; }
 
 private:
+    // They return the number of bytes, 0 at the end, and a negative number for damaged data.
+    // m_ended is set with or after the last bytes.
     qint64 readStored(char *out, qint64 n);
     qint64 inflate(char *out, qint64 n);
     qint64 atEnd();
@@ -130,12 +138,12 @@ private:
     unz_file_info64 m_info;
     QString m_name;
     std::unique_ptr<deflate::Inflater> m_inflater; // null for a stored member
-    std::vector<char> m_input;
+    std::vector<char> m_input; // stored bytes; those from m_at to m_end are not unpacked yet
     size_t m_at = 0;
     size_t m_end = 0;
     bool m_ended = false;
-    qint64 m_done = 0;
-    quint32 m_crc = 0;
+    qint64 m_done = 0; // unpacked bytes that were delivered
+    quint32 m_crc = 0; // of them
 };
 
 bool ZipSource::start()
@@ -148,6 +156,7 @@ bool ZipSource::start()
     if (m_inflater) {
         m_inflater->reset();
     }
+    // The last argument asks for the stored bytes: minizip must not unpack them.
     return unzOpenCurrentFile2(m_archive.get(), &method, nullptr, 1) == UNZ_OK;
 }
 
@@ -169,6 +178,7 @@ qint64 ZipSource::inflate(char *out, qint64 n)
         if (step.state == deflate::Inflater::State::Bad) {
             return -1;
         }
+        // No output yet is not the end: the unpacker may need more input for its next bytes.
         if (step.produced > 0 || m_ended) {
             return static_cast<qint64>(step.produced);
         }
@@ -207,6 +217,7 @@ qint64 ZipSource::read(void *buffer, qint64 n)
     if (got < 0) {
         return fail(QStringLiteral("the zip member '%1' is damaged or cut off").arg(m_name));
     }
+    // A small archive must not unpack to any size.
     if (got > size() - m_done) {
         return fail(
             QStringLiteral("the zip member '%1' is longer than its header says").arg(m_name));
@@ -227,6 +238,7 @@ bool ZipSource::seek(qint64 offset)
 /// read.
 bool findMember(unzFile archive, const QString &member, unz_file_info64 *info, QString *name)
 {
+    // Names have at most 65535 bytes; the rest of the buffer stays zero.
     std::array<char, 65536> raw{};
     int found = unzGoToFirstFile(archive);
     while (found == UNZ_OK) {

@@ -17,6 +17,7 @@ Result<std::unique_ptr<PackageInput>, zip::Error> PackageInput::open(GlobalParam
     if (!input->m_file) {
         return Fault<zip::Error>{zip::Error::ReadFailed};
     }
+    // Each small read on a network drive costs a round trip.
     if (KobiFileInfo::isNetDrive(name)) {
         input->m_file =
             std::make_unique<MyReadFileCached>(input->m_file.release(), kNetworkCacheBytes);
@@ -35,6 +36,7 @@ bool PackageOutput::open(const QString &name, TargetFile::Options target,
     if (!m_target.open(name, std::move(target))) {
         return false;
     }
+    // Each stage refers to the one before it: release() ends them in reverse order.
     ByteSink *sink = &m_target;
     if (KobiFileInfo::isNetDrive(name)) {
         m_networkSink = std::make_unique<BlockBufferedSink>(*sink);
@@ -47,6 +49,7 @@ bool PackageOutput::open(const QString &name, TargetFile::Options target,
 /// End the use of the target file: the temporary file then has all bytes.
 bool PackageOutput::release()
 {
+    // The writer refers to the sink, which may still hold bytes.
     m_writer.reset();
     const bool isFlushed = !m_networkSink || m_networkSink->flush();
     m_networkSink.reset();

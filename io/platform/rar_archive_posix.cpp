@@ -17,8 +17,10 @@ namespace corvanta::platform {
 
 namespace {
 
+/// Size of the pieces that the receiver gets, at most.
 constexpr size_t kPieceBytes = 256 * 1024;
 
+// Deleters of the libraries' handles.
 struct CloseStream
 {
     void operator()(ar_stream *s) const noexcept { ar_close(s); }
@@ -32,6 +34,7 @@ struct CloseArchive
     void operator()(archive *a) const noexcept { archive_read_free(a); }
 };
 
+/// The archive for codecs/rar and for stored entries. The libraries open it again by its name.
 class RarFile final : public ByteSource
 {
 public:
@@ -87,6 +90,8 @@ public:
     }
 
 protected:
+    /// Pass the entry's bytes to deliver() and return its fault, or the library's. An early end is
+    /// no fault here: unpack() compares the size.
     virtual Result<void, RarError> unpackEntry() = 0;
 
     const QString &path() const { return m_path; }
@@ -96,6 +101,8 @@ protected:
         return {RarError::Damaged, entryMessage(m_entry, what)};
     }
     qint64 left() const { return m_entry.size - m_done; }
+    /// Count and check a piece, and pass it to the receiver. Never passes more bytes than the
+    /// header says.
     Result<void, RarError> deliver(std::span<const char> piece)
     {
         if (static_cast<qint64>(piece.size()) > left()) {
@@ -117,6 +124,7 @@ private:
     quint32 m_crc = 0;
 };
 
+/// An entry that is not compressed: its bytes are copied from the file.
 class StoredRar final : public PosixRar
 {
 public:
@@ -144,6 +152,7 @@ private:
     }
 };
 
+/// The compressed entry of a RAR 4 archive, with libunarr.
 class Rar4 final : public PosixRar
 {
 public:
@@ -156,6 +165,7 @@ private:
             ar_open_file(QFile::encodeName(path()).constData()));
         const std::unique_ptr<ar_archive, CloseUnarr> rar(stream ? ar_open_rar_archive(stream.get())
                                                                  : nullptr);
+        // The library must agree with our header reader about the entry.
         if (!rar || !ar_parse_entry(rar.get()) ||
             static_cast<qint64>(ar_entry_get_size(rar.get())) != size()) {
             return damaged("cannot be unpacked");
@@ -175,6 +185,7 @@ private:
     }
 };
 
+/// The compressed entry of a RAR 5 archive, with libarchive.
 class Rar5 final : public PosixRar
 {
 public:

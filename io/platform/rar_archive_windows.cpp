@@ -13,6 +13,7 @@ namespace corvanta::platform {
 namespace {
 
 #pragma pack(push, 1) // as in unrar.h
+/// RAROpenArchiveData: input of RAROpenArchive; `result` is its output.
 struct OpenData
 {
     char *name;
@@ -24,6 +25,7 @@ struct OpenData
     unsigned commentState;
 };
 
+/// RARHeaderDataEx: output of RARReadHeaderEx. Sizes have a low and a high half.
 struct HeaderData
 {
     char archiveName[1024];
@@ -49,6 +51,7 @@ struct HeaderData
 };
 #pragma pack(pop)
 
+// Modes of opening, flags of a header, operations, results and messages.
 enum : unsigned {
     ModeExtract = 1,
     HeaderSplitBefore = 1,
@@ -57,11 +60,13 @@ enum : unsigned {
 };
 enum : int { ProcessTest = 1, Success = 0 };
 enum : unsigned { MessageProcessData = 1 };
+// What the callback returns.
 constexpr int kContinue = 1;
 constexpr int kAbort = -1;
 
 using Callback = int(CALLBACK *)(UINT message, LPARAM user, LPARAM p1, LPARAM p2);
 
+/// The functions of the library. It is never unloaded: an archive may still be open.
 struct Library
 {
     HANDLE(PASCAL *open)(OpenData *) = nullptr;
@@ -72,6 +77,7 @@ struct Library
     QString failure; // why the library cannot be used; empty if it can
 };
 
+/// Set `function` to the exported function `name`; null when there is none.
 template <class F> void link(HMODULE module, const char *name, F *function)
 {
     *function = reinterpret_cast<F>(reinterpret_cast<void *>(GetProcAddress(module, name)));
@@ -98,6 +104,7 @@ Library load()
     return library;
 }
 
+/// The library, loaded by the first call. Threads: any.
 const Library &unrar()
 {
     static std::mutex mutex;
@@ -111,6 +118,8 @@ const Library &unrar()
     return library;
 }
 
+/// Tests the entry instead of extracting it: the library then passes the unpacked bytes to the
+/// callback, verifies the checksum, and writes no file.
 class UnrarArchive final : public RarArchive
 {
 public:
@@ -128,6 +137,7 @@ public:
         m_receiver = &receiver;
         m_library.setCallback(m_handle, &UnrarArchive::onMessage, reinterpret_cast<LPARAM>(this));
         const int result = m_library.process(m_handle, ProcessTest, nullptr, nullptr);
+        // Checked first: the library reports a stop as damage.
         if (m_stopped) {
             return Fault<RarError>{RarError::Stopped};
         }
@@ -143,6 +153,7 @@ private:
     static int CALLBACK onMessage(UINT message, LPARAM user, LPARAM p1, LPARAM p2) noexcept
     {
         auto *const self = reinterpret_cast<UnrarArchive *>(user);
+        // Other messages ask for a password or the next volume.
         return message == MessageProcessData ? self->take(p1, p2) : kAbort;
     }
     int take(LPARAM bytes, LPARAM n)
@@ -174,7 +185,9 @@ Result<std::unique_ptr<RarArchive>, RarError> openRarArchive(const QString &path
     if (handle == nullptr || data.result != Success) {
         return Fault<RarError>{RarError::CannotOpen};
     }
+    // On the heap: it has about 10 KiB.
     const auto header = std::make_unique<HeaderData>();
+    // Closes the handle, whatever the header says.
     auto archive = std::make_unique<UnrarArchive>(library, handle);
     if (library.readHeader(handle, header.get()) != Success) {
         return Fault<RarError>{RarError::Refused,

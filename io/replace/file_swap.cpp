@@ -8,6 +8,7 @@ namespace corvanta {
 
 namespace {
 
+/// Rename with retries: virus scanners and indexers hold a new file open for a moment.
 bool renamed(const QString &from, const QString &to, const SwapObserver &observer)
 {
     for (int retry = 0; !platform::renameOver(from, to); ++retry) {
@@ -32,6 +33,7 @@ std::optional<FailedRename> swapFile(const SwapNames &names, const SwapObserver 
         return FailedRename{names.target, names.backup};
     }
     const bool hasBackup = isThere && platform::hardLink(names.target, names.backup);
+    // Before the rename: the target never has other permissions, not even for a moment.
     if (isThere) {
         platform::copyPermissions(names.target, names.temporary);
     }
@@ -39,6 +41,7 @@ std::optional<FailedRename> swapFile(const SwapNames &names, const SwapObserver 
     if (hasBackup) {
         platform::removeFile(names.backup);
     }
+    // Without this, a power failure could bring the old name back.
     platform::syncFolder(QFileInfo(names.target).absolutePath());
     return isDone ? std::nullopt
                   : std::optional<FailedRename>(FailedRename{names.temporary, names.target});
