@@ -30,6 +30,7 @@ namespace {
 using Type = ParameterInfo::Type;
 using File = ParameterInfo::File;
 
+// Visible lines of multi-line fields; longer texts scroll.
 constexpr int kStructureLines = 8;
 constexpr int kTextLines = 2;
 constexpr int kChoiceCharacters = 16; // long choices must not widen the form
@@ -43,11 +44,13 @@ int rank(const ParameterInfo &info)
     return info.type == Type::Strings || info.type == Type::Structure ? 2 : 1;
 }
 
+/// Whether the label is above the field, so that the field has the whole width of the form.
 bool needsWholeWidth(const ParameterInfo &info)
 {
     return rank(info) == 2;
 }
 
+/// Show the field in red, or in the colours of its parent again.
 void markInvalid(QWidget *field, bool isInvalid)
 {
     QPalette palette = field->parentWidget()->palette();
@@ -58,6 +61,7 @@ void markInvalid(QWidget *field, bool isInvalid)
     field->setPalette(palette);
 }
 
+/// The filter of a file dialog. Extensions come without a dot.
 QString fileFilter(const QStringList &extensions)
 {
     QStringList patterns;
@@ -78,6 +82,8 @@ ParameterForm::ParameterForm(QWidget *parent, ActionItem *action)
         m_parameters != nullptr ? m_parameters->parameters() : QVector<ParameterInfo>();
     m_fields.resize(static_cast<size_t>(infos.size()));
 
+    // The fields scroll; the heading does not. Layouts give their widgets to the form, which
+    // deletes them.
     auto *const content = new QWidget;
     auto *const column = new QVBoxLayout(content);
     auto *const form = new QFormLayout;
@@ -86,6 +92,7 @@ ParameterForm::ParameterForm(QWidget *parent, ActionItem *action)
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     form->setLabelAlignment(Qt::AlignLeft);
+    // Fields keep the number of their parameter, whatever their position in the form.
     std::vector<int> order;
     for (int i = 0; i < infos.size(); ++i) {
         order.push_back(i);
@@ -106,6 +113,7 @@ ParameterForm::ParameterForm(QWidget *parent, ActionItem *action)
     refresh();
 }
 
+/// The icon, the type name and the description of the action.
 QWidget *ParameterForm::makeHeading()
 {
     auto *const heading = new QWidget;
@@ -126,11 +134,11 @@ void ParameterForm::addRow(QFormLayout *form, const ParameterInfo &info, int ind
 {
     Field &field = m_fields[static_cast<size_t>(index)];
     field = makeField(info, index);
-    field.widget->setObjectName(info.name);
+    field.widget->setObjectName(info.name); // tests find fields by it
     field.widget->setToolTip(info.meaning);
     const QString label = info.label.isEmpty() ? info.name : info.label;
     if (info.type == Type::Flag) {
-        form->addRow(field.widget); // the check box carries the label
+        form->addRow(field.widget); // the check box has the label
     } else if (needsWholeWidth(info)) {
         form->addRow(new QLabel(label));
         form->addRow(field.widget);
@@ -144,6 +152,7 @@ void ParameterForm::addRow(QFormLayout *form, const ParameterInfo &info, int ind
 
 ParameterForm::Field ParameterForm::makeField(const ParameterInfo &info, int index)
 {
+    // A real number is edited as text: spin boxes would round it, and follow the locale.
     switch (info.type) {
     case Type::Text:
         if (info.file != File::None) {
@@ -164,6 +173,9 @@ ParameterForm::Field ParameterForm::makeField(const ParameterInfo &info, int ind
     return makeText(info, index);
 }
 
+// ---- Fields. Connections use signals that programs cause too, except textEdited(): edit() ignores
+// those of refresh().
+
 ParameterForm::Field ParameterForm::makeLine(const ParameterInfo &info, int index)
 {
     auto *const line = new QLineEdit(this);
@@ -173,6 +185,7 @@ ParameterForm::Field ParameterForm::makeLine(const ParameterInfo &info, int inde
     return {line, [line](const QString &value) { line->setText(value); }};
 }
 
+/// A line with a button that opens a file dialog.
 ParameterForm::Field ParameterForm::makeFileLine(const ParameterInfo &info, int index)
 {
     const Field field = makeLine(info, index);
@@ -192,12 +205,13 @@ ParameterForm::Field ParameterForm::makeFileLine(const ParameterInfo &info, int 
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(line);
     layout->addWidget(button);
-    row->setFocusProxy(line);
+    row->setFocusProxy(line); // for the label's shortcut
     return {row, field.show};
 }
 
 QString ParameterForm::browse(const ParameterInfo &info, const QString &start)
 {
+    // A name in a graph may contain variables and may be relative; dialogs need a full one.
     const QString filter = fileFilter(action()->getFileTypes());
     const QString from = action()->expandFile(start);
     const QString name = info.file == File::Input
@@ -209,6 +223,7 @@ QString ParameterForm::browse(const ParameterInfo &info, const QString &start)
 
 ParameterForm::Field ParameterForm::makeNumber(const ParameterInfo &info, int index)
 {
+    // Spin boxes hold an int; a wider range is cut.
     constexpr qint64 low = std::numeric_limits<int>::min();
     constexpr qint64 high = std::numeric_limits<int>::max();
     auto *const box = new QSpinBox(this);
@@ -224,7 +239,7 @@ ParameterForm::Field ParameterForm::makeChoice(const ParameterInfo &info, int in
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     box->setMinimumContentsLength(kChoiceCharacters);
     for (qsizetype i = 0; i < info.choices.size(); ++i) {
-        box->addItem(info.choices[i], QString::number(i));
+        box->addItem(info.choices[i], QString::number(i)); // saved as the number
     }
     // A default beyond the choices means that the action decides.
     if (box->findData(info.defaultValue) < 0) {
@@ -248,6 +263,7 @@ ParameterForm::Field ParameterForm::makeFlag(const ParameterInfo &info, int inde
     return {box, [box](const QString &value) { box->setChecked(value != "0"_L1); }};
 }
 
+/// ActionParameters holds a list as one text with a line per string.
 ParameterForm::Field ParameterForm::makeList(int index)
 {
     auto *const editor = new StringListEditor(this);
@@ -257,13 +273,14 @@ ParameterForm::Field ParameterForm::makeList(int index)
             }};
 }
 
+/// Several lines: a text, or the child elements of a structure as XML.
 ParameterForm::Field ParameterForm::makeText(const ParameterInfo &info, int index)
 {
     auto *const text = new QPlainTextEdit(this);
     const int lines = info.type == Type::Structure ? kStructureLines : kTextLines;
     text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     text->setLineWrapMode(QPlainTextEdit::NoWrap);
-    text->setTabChangesFocus(true);
+    text->setTabChangesFocus(true); // as in the other fields
     const int margins =
         2 * (text->frameWidth() + static_cast<int>(text->document()->documentMargin()));
     text->setFixedHeight(QFontMetrics(text->font()).lineSpacing() * lines + margins);
@@ -274,9 +291,11 @@ ParameterForm::Field ParameterForm::makeText(const ParameterInfo &info, int inde
 
 void ParameterForm::edit(QWidget *field, int index, const QString &value)
 {
+    // An equal value is not a change: it must not mark the document as modified.
     if (m_isRefreshing || m_parameters->parameterValue(index) == value) {
         return;
     }
+    // A rejected text stays in its field, so that the user can correct it.
     const bool isTaken = m_parameters->setParameterValue(index, value);
     markInvalid(field, !isTaken);
     if (isTaken) {
@@ -286,6 +305,7 @@ void ParameterForm::edit(QWidget *field, int index, const QString &value)
 
 void ParameterForm::refresh()
 {
+    // The widgets' signals would pass each value back to the action.
     m_isRefreshing = true;
     for (size_t i = 0; i < m_fields.size(); ++i) {
         m_fields[i].show(m_parameters->parameterValue(static_cast<int>(i)));

@@ -12,6 +12,7 @@ namespace corvanta {
 
 namespace {
 
+/// Longer lists scroll.
 constexpr int kVisibleRows = 6;
 
 QListWidgetItem *newItem(const QString &text)
@@ -27,6 +28,7 @@ StringListEditor::StringListEditor(QWidget *parent)
     : QWidget(parent)
     , m_list(new QListWidget(this))
 {
+    // Buttons in a column on the right of the list: plus, minus, up, down.
     auto *const buttons = new QVBoxLayout;
     buttons->setSpacing(2);
     buttons->addWidget(addButton(u"+"_s, u"Add a line"_s, [this] { addString(); }));
@@ -41,6 +43,7 @@ StringListEditor::StringListEditor(QWidget *parent)
     m_list->setFixedHeight(fontMetrics().lineSpacing() * kVisibleRows + 2 * m_list->frameWidth());
     m_list->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
                             QAbstractItemView::SelectedClicked);
+    // A label's shortcut moves the focus to the list.
     setFocusProxy(m_list);
     connect(m_list, &QListWidget::itemChanged, this, [this] { m_changed(); });
 }
@@ -67,7 +70,7 @@ QStringList StringListEditor::strings() const
 
 void StringListEditor::setStrings(const QStringList &strings)
 {
-    const QSignalBlocker blocker(m_list);
+    const QSignalBlocker blocker(m_list); // a refresh is not an edit
     m_list->clear();
     for (const QString &string : strings) {
         m_list->addItem(newItem(string));
@@ -79,12 +82,14 @@ void StringListEditor::addString()
     const int row = m_list->currentRow() + 1;
     m_list->insertItem(row, newItem(QString()));
     m_list->setCurrentRow(row);
-    m_list->editItem(m_list->item(row)); // counts as a change when the text is there
+    // The new line is reported as a change when the user has entered its text.
+    m_list->editItem(m_list->item(row));
 }
 
 void StringListEditor::removeCurrent()
 {
     if (m_list->currentRow() >= 0) {
+        // takeItem() gives the item to the caller. It sends no itemChanged().
         delete m_list->takeItem(m_list->currentRow());
         m_changed();
     }
@@ -92,6 +97,7 @@ void StringListEditor::removeCurrent()
 
 void StringListEditor::moveCurrent(int by)
 {
+    // Without a selection the row is -1.
     const int from = m_list->currentRow();
     const int to = from + by;
     if (from >= 0 && to >= 0 && to < m_list->count()) {
