@@ -7,6 +7,7 @@ namespace corvanta {
 const ParamTable<ReadExcelParams> &readExcelParamTable()
 {
     using P = ReadExcelParams;
+    // The order is that of saved graphs.
     static const ParamTable<P> table{
         shared::fileNameFromPin<P>(),
         shared::sheetSelection<P>("Whether sheetIdx or sheetName selects the sheet.",

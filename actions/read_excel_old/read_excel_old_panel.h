@@ -2,6 +2,7 @@
 #pragma once
 #include "panels/parameter_form.h"
 
+/// Every field comes from the parameter table. Hosts depend on the name of the class.
 class Interface_ActionReadExcelOld final : public corvanta::ParameterForm
 {
     Q_OBJECT

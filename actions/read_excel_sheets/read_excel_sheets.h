@@ -1,4 +1,7 @@
-// readExcelSheets: the sheet names of workbooks, one row per sheet.
+// readExcelSheets: reads the sheet names of workbooks, one row per sheet.
+//
+// The parameters, the panel and the pins are complete; a run ends with an error (see
+// PendingAction).
 #pragma once
 #include "actions/read_excel_sheets/read_excel_sheets_params.h"
 #include "actions/shared/pending_action.h"
@@ -7,6 +10,7 @@ namespace corvanta {
 
 extern const ActionEntry kReadExcelSheetsEntry;
 
+/// Threads: see PendingAction.
 class ActionReadExcelSheets final
     : public PendingAction<ActionReadExcelSheets, ReadExcelSheetsParams>
 {
@@ -16,6 +20,7 @@ public:
     {
         return readExcelSheetsParamTable();
     }
+    /// Pin 0 brings the file name.
     static int pinsInFor(const ReadExcelSheetsParams &params)
     {
         return params.fileNameFromPin ? 1 : 0;

@@ -7,6 +7,7 @@ namespace corvanta {
 const ParamTable<ReadExcelSheetsParams> &readExcelSheetsParamTable()
 {
     using P = ReadExcelSheetsParams;
+    // The order is that of saved graphs.
     static const ParamTable<P> table{
         shared::fileNameFromPin<P>(),
         text("fileName", &P::fileName)

@@ -13,7 +13,7 @@ ParquetFile::ParquetFile(ActionBase &action, const QString &name,
     , m_name(name)
     , m_source(std::move(source))
     , m_reader(std::move(reader))
-    , m_cells(m_reader->columns().size())
+    , m_cells(m_reader->columns().size()) // one address per column, set by each next()
 {
 }
 
@@ -41,6 +41,7 @@ Result<void, parquet::Error> ParquetFile::fetchFirst()
 /// until the pin copies them.
 bool ParquetFile::next(OneRow &row, Found *found)
 {
+    // fetchFirst() has already decoded the first row.
     if (!std::exchange(m_hasFirst, false)) {
         const auto more = m_reader->next(m_cells.data());
         if (!more) {
@@ -51,6 +52,7 @@ bool ParquetFile::next(OneRow &row, Found *found)
             return true;
         }
     }
+    // Cells of skipped columns do not exist: columns() leaves them out too.
     for (size_t i = 0; i < m_cells.size(); ++i) {
         row.setCol(static_cast<int>(i), m_cells[i]);
     }

@@ -32,6 +32,7 @@ ActionReadParquet::ActionReadParquet(const XMLNode &saved, GlobalParameters *par
 
 void ActionReadParquet::start()
 {
+    // The pins are read by the first step(): input rows do not exist before.
     m_series.reset();
     m_options = {};
     m_options.int64ToKey = m_params.int64ToKey;
@@ -97,6 +98,7 @@ bool ActionReadParquet::startSeries()
 FileSeries::Opened ActionReadParquet::openFile(const QString &name)
 {
     using enum FileSeries::OpenError;
+    // A file that has a size exists, but cannot be opened: retries would not help.
     auto input = std::make_unique<RunInput>(globalParameters(), control(), name, false);
     if (!input->file.isOpen()) {
         return Fault{input->file.getSize() < 0 ? Missing : Unreadable};
@@ -199,7 +201,7 @@ bool ActionReadParquet::reportUnreadable(const QString &name)
     return true;
 }
 
-/// Column indexes in the message count from 0.
+/// Column indexes in the message count from 0. The texts are fixed.
 bool ActionReadParquet::reportMismatch(const ColumnMismatch &mismatch)
 {
     switch (mismatch.kind) {

@@ -5,6 +5,8 @@ namespace corvanta {
 
 namespace {
 
+// These options are off in a new action because saved graphs must read the same files in every
+// version. "convert" has no saved graphs: it reads all that the codec can read.
 constexpr FileFormat kFormats[] = {
     {FileFormat::Read, FileFormat::Columnar, "parquet",
      "extendedEncodings=1 logicalTypes=1 skipUnreadable=1 allowEmpty=1 pageChecksums=1"},

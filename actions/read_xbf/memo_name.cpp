@@ -20,6 +20,7 @@ QString withoutExtension(const QString &name)
 /// The existing file `path`, or one in the same folder that differs in letter case only.
 QStringList existing(const QString &path)
 {
+    // Tables from systems that ignore letter case often have names such as A.DBF and a.dbt.
     if (QFileInfo::exists(path)) {
         return {path};
     }
@@ -36,12 +37,14 @@ QStringList existing(const QString &path)
 
 QStringList memoFileNames(const QString &file, const InputFile &table)
 {
+    // dBase before FoxPro: a folder may hold both after a conversion.
     const QStringList extensions{u".dbt"_s, u".fpt"_s};
     QStringList names;
     if (table.kind() == input::Kind::Rar) {
         return names; // of a RAR archive only the first entry can be read
     }
     if (table.kind() == input::Kind::Zip) {
+        // Members are found in any letter case. Listing them here would read the directory again.
         const QString stem = table.name() + u'@' + withoutExtension(table.memberName());
         for (const QString &extension : extensions) {
             names << stem + extension;

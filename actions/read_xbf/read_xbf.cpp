@@ -12,6 +12,8 @@ ActionReadXBF::ActionReadXBF(const XMLNode &saved, GlobalParameters *parameters)
 {
 }
 
+// ---- Before the first row.
+
 dbf::TextDecoder ActionReadXBF::makeDecoder() const
 {
     switch (m_params.encoding) {
@@ -31,8 +33,11 @@ void ActionReadXBF::start()
     m_series.start(*this, namesOfPattern(*this, m_params.fileName), {});
     // No file is open now: the old decoder is not used any more.
     m_decoder.emplace(makeDecoder());
+    // A failure is logged and fails the run. step() then finds no open file and ends it.
     m_series.openNext();
 }
+
+// ---- Files and messages.
 
 FileSeries::Opened ActionReadXBF::openFile(const QString &name)
 {
@@ -49,7 +54,8 @@ bool ActionReadXBF::reportMissing(const QString &name)
     return true;
 }
 
-/// Column indexes in the message count from 1.
+/// Column indexes in the message count from 1. The texts are fixed; note that the type message
+/// names the type in the first file first.
 bool ActionReadXBF::reportMismatch(const ColumnMismatch &mismatch)
 {
     switch (mismatch.kind) {

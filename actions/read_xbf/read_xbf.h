@@ -22,6 +22,7 @@ class ActionReadXBF final : public ParamAction<ActionReadXBF, ReadXbfParams>,
 public:
     ActionReadXBF(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<ReadXbfParams> &paramTable() { return readXbfParamTable(); }
+    /// Fraction of all tables that is read, 0 to 1.
     float computeCompletion() override { return m_series.fractionDone(); }
 
 private:

@@ -7,6 +7,7 @@ namespace corvanta {
 const ParamTable<ReadXbfParams> &readXbfParamTable()
 {
     using P = ReadXbfParams;
+    // The order is that of saved graphs.
     static const ParamTable<P> table{
         text("fileName", &P::fileName)
             .inputFile()

@@ -9,14 +9,21 @@ enum class XbfEncoding { Windows1252, System, Utf8 };
 
 struct ReadXbfParams
 {
+    /// A file or a pattern. Not expanded yet. Several tables must have the same columns.
     QString fileName;
+    /// Size of one read of the file, in MiB; more than 64 means 64.
     int bufferSize = 1;
+    /// Of character and memo fields, and of the names of columns.
     XbfEncoding encoding = XbfEncoding::Windows1252;
+    /// Read memo fields from the memo file. Off: their cells are missing.
     bool useDBT = true;
+    /// Load the whole memo file. Packed memo files are always loaded.
     bool dbtInRam = false;
+    /// Field descriptors have the longer form of dBase 7, unless only the other one is valid.
     bool level7 = false;
 };
 
+/// Constant; made by the first call.
 const ParamTable<ReadXbfParams> &readXbfParamTable();
 
 } // namespace corvanta

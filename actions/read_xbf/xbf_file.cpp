@@ -58,6 +58,7 @@ FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
 /// Open the table's memo file, if there is one.
 void XbfFile::openMemo(const ReadXbfParams &params)
 {
+    // The first name that opens: a table has one memo file.
     for (const QString &name : memoFileNames(m_name, m_input->file)) {
         auto input = openInput(name);
         if (!input->file.isOpen()) {
@@ -66,6 +67,7 @@ void XbfFile::openMemo(const ReadXbfParams &params)
         useMemo(name, std::move(input), params);
         return;
     }
+    // A table may have memo fields that were never filled, and then no memo file.
     if (m_reader->header().announcesMemoFile()) {
         m_action.warn(u"Warning: cannot open memo file\n"_s);
     }
@@ -97,6 +99,7 @@ TableSchema XbfFile::columns() const
     return columns;
 }
 
+/// Called by other threads while a read is in progress.
 float XbfFile::fractionDone() const
 {
     return std::max(m_input->file.getProgress(), 0.0F);
@@ -183,6 +186,7 @@ bool XbfFile::fail(const Fault<dbf::Error> &fault)
     if (!m_action.runIsGood()) {
         return false;
     }
+    // The last group of codes is damage; its detail is the whole explanation.
     switch (fault.code) {
     case dbf::Error::UnsupportedField:
         // The detail is the type letter, then the name.

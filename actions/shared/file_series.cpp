@@ -10,7 +10,7 @@ namespace corvanta {
 
 void FileSeries::reset()
 {
-    m_nextFile = 0;
+    m_nextFile = 0; // before finish(), which counts the files that are done
     finish();
     m_hasColumns = false;
     m_columnCount = 0;
@@ -41,6 +41,7 @@ void FileSeries::finish()
 float FileSeries::fractionDone(std::optional<float> withoutFile)
 {
     const std::lock_guard lock(m_mutex);
+    // A reader chooses what it shows before the first file and after the last one.
     if (!m_current && withoutFile) {
         return *withoutFile;
     }
@@ -80,6 +81,7 @@ bool FileSeries::openNext()
         const QString name = m_files[m_nextFile++];
         auto opened = openWithRetries(name);
         if (opened) {
+            // Published before the check, so that the file is closed with the series if that fails.
             use(*std::move(opened), name);
             return checkColumns(name);
         }
@@ -132,6 +134,7 @@ void FileSeries::describeColumns(const TableSchema &columns)
 {
     m_hasColumns = true;
     m_columns = columns;
+    // The file's own columns are compared later, without the one that is added here.
     QVector<QString> names = columns.names;
     QVector<MetaInfo> types = columns.types;
     if (!m_options.fileNameColumn.isEmpty()) {
@@ -220,6 +223,7 @@ bool FileSeries::step()
 {
     // The pin has one row object. Everything in this loop runs once per row.
     OneRow &row = *m_action.getOutputRowForOutputPin(0);
+    // Also yields between deleted records, of which a file may have millions.
     SeriesFile::Found found = SeriesFile::Found::Nothing;
     while (m_current && !m_action.yieldRequested()) {
         if (!m_current->next(row, &found)) {

@@ -11,14 +11,16 @@ namespace corvanta {
 
 namespace {
 
+/// The sample is also limited by its number of records; this bounds files of few large records.
 constexpr qint64 kSampleBytes = qint64(64) << 20;
+/// A document of many formats in one may repeat hundreds of parts.
 constexpr qsizetype kMaxReportedPaths = 20;
 
 } // namespace
 
 InputSample::InputSample(const ActionItem &action, const QString &pattern)
     : m_name(namesOfPattern(action, pattern).value(0))
-    , m_file(action.globalParameters(), m_name, true)
+    , m_file(action.globalParameters(), m_name, true) // shared: a writer may have the file open
 {
 }
 
@@ -43,6 +45,7 @@ const markup::SampledTable *chooseTable(const markup::SampledDocument &document,
         return nullptr;
     }
     const markup::SampledTable &chosen = document.tables[index];
+    // The user sees why values of the document appear in no column.
     const qsizetype left = chosen.leftOut.size();
     if (left > 0) {
         const QString more =

@@ -83,6 +83,7 @@ bool LevelRun::prepare()
     if (m_input.isFromPin) {
         return prepareTexts();
     }
+    // The levels determine the columns: the series needs no file to describe them.
     FileSeries::Options options;
     options.retries = m_input.retries;
     options.columns = columns(nullptr);
@@ -106,7 +107,7 @@ bool LevelRun::prepareTexts()
     }
     const TableSchema schema = columns(input);
     m_columnCount = static_cast<int>(schema.names.size());
-    m_firstColumn = m_columnCount - m_extractor.columnCount();
+    m_firstColumn = m_columnCount - m_extractor.columnCount(); // after the copied columns
     OneRow *const row = m_action.getOutputRowForOutputPin(0);
     row->setColName(schema.names);
     row->setMetaData(schema.types);
@@ -115,7 +116,6 @@ bool LevelRun::prepareTexts()
     return true;
 }
 
-/// The columns of `input` (may be null), if they are copied, and those of the levels.
 TableSchema LevelRun::columns(const OneRow *input) const
 {
     TableSchema columns;
@@ -132,6 +132,7 @@ TableSchema LevelRun::columns(const OneRow *input) const
 
 bool LevelRun::begin(ByteSource &source)
 {
+    // The format has reported why there is no tokenizer.
     markup::MarkupTokenizer *const tokenizer = m_format.beginDocument(source, documentName());
     if (tokenizer != nullptr) {
         m_extractor.beginDocument(*tokenizer);
@@ -171,6 +172,8 @@ bool LevelRun::documentEnds()
         return false;
     }
     m_format.documentEnds(documentName());
+    // Texts are often parts of what the paths describe: their missing paths are reported once, at
+    // the end of the pin.
     if (!m_input.isFromPin) {
         warnMissingPaths(documentName());
     }
@@ -184,7 +187,7 @@ bool LevelRun::documentFails(const markup::MarkupResult &failure)
                                   m_file == nullptr ? QString() : m_file->failure());
 }
 
-/// The name of the document, for messages. A stream of texts has reached some row of the pin.
+/// In a stream of texts, the row is the one that was read last.
 QString LevelRun::documentName() const
 {
     return m_input.isFromPin

@@ -1,5 +1,9 @@
 // The run of readJSON and readXML: the documents of files, or of the rows of input pin 0, become
 // the rows of output pin 0, level by level.
+//
+// Stages: prepare() names the columns; then each document is opened (begin), gives its rows (next)
+// and ends (documentEnds or documentFails). A document is a file, one text, or a part of the stream
+// that the texts form together.
 #pragma once
 #include "actions/shared/file_series.h"
 #include "actions/shared/params/read_levels.h"
@@ -46,8 +50,12 @@ public:
         /// empty.
         virtual bool documentFails(const markup::MarkupResult &result, const QString &name,
                                    const QString &why) = 0;
+        /// Called after the last retry, also for a file that exists but cannot be opened.
         virtual bool fileIsMissing(const QString &name) = 0;
+        /// The input pin lacks the column with the documents, or is not linked.
         virtual bool columnIsMissing(const QString &name) = 0;
+        /// A path of the levels matched nothing in the document. Called once per path and file;
+        /// with texts of the input pin, at the end of the pin.
         virtual void pathIsMissing(const QString &path, const QString &name) = 0;
         /// With PinText::Mode::Stream: a value is not complete where the text of a row ends.
         virtual bool isInsideValue() const = 0;
@@ -76,21 +84,24 @@ private:
     // Before the first row. Functions that return a bool return false when the run has ended.
     bool prepare();
     bool prepareTexts();
+    /// The columns of `input` (may be null), if they are copied, and those of the levels.
     TableSchema columns(const OneRow *input) const;
 
-    // Documents.
+    // Documents. Functions that return a bool return false when the run has failed or ended.
     bool begin(ByteSource &source);
     bool next(OneRow &row, Found *found);
     void putCells(OneRow &row);
     bool documentEnds();
     bool documentFails(const markup::MarkupResult &failure);
     void warnMissingPaths(const QString &name);
+    /// For messages: the file, or the column of the pin with the number of its row.
     QString documentName() const;
 
     // Files.
     FileSeries::Opened openFile(const QString &name) override;
     bool reportMissing(const QString &name) override { return m_format.fileIsMissing(name); }
     bool reportUnreadable(const QString &name) override { return reportMissing(name); }
+    /// Not called: the columns of every file are those of the levels.
     bool reportMismatch(const ColumnMismatch &) override { return true; }
 
     // Texts of the input pin.

@@ -4,7 +4,10 @@
 
 namespace corvanta {
 
-/// Can be placed, edited, saved and linked; a run ends with one error.
+/// Can be placed, edited, saved and linked, so that graphs which contain it open without a loss. A
+/// run ends with one error, before any row moves through the action.
+///
+/// `Self` and `P`: see ParamAction. Threads: the one that runs the action.
 template <class Self, class P> class PendingAction : public ParamAction<Self, P>
 {
 protected:

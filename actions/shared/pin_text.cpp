@@ -44,10 +44,12 @@ bool PinText::nextRow()
         const unsigned short *units = nullptr;
         qsizetype n = m_row->col(m_column, &units);
         const auto *text = reinterpret_cast<const char16_t *>(units);
+        // A tokenizer would decode the mark as a character, after the spaces.
         const bool isMarked = n > 0 && *text == kMark;
         text += isMarked ? 1 : 0;
         n -= isMarked ? 1 : 0;
         if (n > 0) {
+            // One UTF-16 unit needs at most three bytes of UTF-8.
             m_bytes.assign(kSpaces + static_cast<size_t>(n) * 3, ' ');
             m_bytes.resize(kSpaces +
                            static_cast<size_t>(utf16ToUtf8(text, n, m_bytes.data() + kSpaces)));
@@ -58,6 +60,8 @@ bool PinText::nextRow()
     return false;
 }
 
+/// A text of a stream is followed by spaces before the next row is taken: taking a row may wait,
+/// and a tokenizer finds the end of a number only in the next byte.
 qint64 PinText::read(void *buffer, qint64 n)
 {
     if (m_at == m_bytes.size() && m_mode == Mode::Stream) {
@@ -67,6 +71,7 @@ qint64 PinText::read(void *buffer, qint64 n)
             m_at = 0;
             m_isSeparated = true;
         } else if (nextRow()) {
+            // A value that continues must not be split by the spaces before the text.
             m_at = kSpaces;
         } else {
             return 0;

@@ -1,4 +1,7 @@
 // Reads documents from the texts in the rows of input pin 0.
+//
+// Cells hold UTF-16; the tokenizers read bytes. Each text is converted once, to UTF-8 without a
+// byte-order mark.
 #pragma once
 #include "base/byte_source.h"
 #include "corvanta/action_item.h"
@@ -34,18 +37,20 @@ public:
 
     /// With Mode::Stream, waits for rows of the pin.
     qint64 read(void *buffer, qint64 n) override;
+    /// Unknown: later rows have not arrived.
     qint64 size() override { return -1; }
     bool seek(qint64) override { return false; }
 
 private:
+    /// The row that the caller has already taken, then those of the pin; null at the end.
     const OneRow *takeRow();
 
     ActionItem &m_action;
     int m_column;
     Mode m_mode;
     std::function<bool()> m_isInsideValue;
-    const OneRow *m_first; ///< not yet delivered
-    const OneRow *m_row = nullptr;
+    const OneRow *m_first;         ///< not yet delivered
+    const OneRow *m_row = nullptr; ///< owned by the pin; valid until the next one is taken
     qint64 m_rowNumber = 0;
     std::vector<char> m_bytes;  ///< UTF-8 text of the current row, with spaces
     size_t m_at = 0;            ///< next byte to deliver

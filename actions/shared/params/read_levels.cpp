@@ -6,6 +6,7 @@ namespace {
 
 const ParamTable<ReadItem> &itemTable()
 {
+    // An item without a name is saved without one: expandedLevels() adds the path as its name.
     static const ParamTable<ReadItem> table{
         text("name", &ReadItem::name)
             .label("Column")
@@ -51,7 +52,7 @@ void completeReadLevels(std::vector<ReadLevel> &levels, const XMLNode &action)
         readLevelTable().read(level, node);
         return level;
     };
-    levels.clear();
+    levels.clear(); // they hold what the table read, from elements of one name only
     if (action.getChildNode(0).getName() == QLatin1StringView(kReadLevelElement)) {
         for (int i = 0; i < action.nChildNode(); ++i) {
             levels.push_back(read(action.getChildNode(i)));
@@ -72,6 +73,7 @@ std::vector<ReadLevel> expandedLevels(const std::vector<ReadLevel> &levels,
         for (ReadItem &item : level.items) {
             expand(&item.path);
             expand(&item.name);
+            // After expansion: a variable may be empty.
             item.name = item.name.isEmpty() ? item.path : item.name;
         }
     }

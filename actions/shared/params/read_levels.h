@@ -18,6 +18,7 @@ using ReadItem = markup::LevelItem;
 using ReadLevel = markup::Level;
 
 inline constexpr char kReadLevelElement[] = "Level";
+/// The attributes and child elements of one level. Constant; made by the first call.
 const ParamTable<ReadLevel> &readLevelTable();
 /// Complete the levels after they were read from the element of an action: the only level may be
 /// the element itself. Empty when it specifies no level.

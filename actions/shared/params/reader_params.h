@@ -1,9 +1,14 @@
-// Lines of parameter tables that several readers have. `P` has members of the same names.
+// Lines of parameter tables that several readers have. `P` has members of the same names, and their
+// initialisers are the defaults.
+//
+// A line sets the name of the attribute, the range, and the texts of the panel. Readers choose the
+// order, which is the order of the attributes in saved graphs.
 #pragma once
 #include "corvanta/param_table.h"
 
 namespace corvanta::shared {
 
+/// For readers of one file. The name replaces the one in fileName.
 template <class P> Param<P> fileNameFromPin()
 {
     return flag<P>("fileNameFromPin", &P::fileNameFromPin)
@@ -11,6 +16,7 @@ template <class P> Param<P> fileNameFromPin()
         .meaning("Reads the file name from the first column of the first row of input pin 0.");
 }
 
+/// For readers of several files: the same attribute, with every row of the pin.
 template <class P> Param<P> fileNamesFromPin()
 {
     return flag<P>("fileNameFromPin", &P::fileNameFromPin)
@@ -18,6 +24,7 @@ template <class P> Param<P> fileNamesFromPin()
         .meaning("Reads the file names from the first column of input pin 0, one file per row.");
 }
 
+/// Concerns files that do not exist. Each reader defines what happens to unreadable ones.
 template <class P> Param<P> abortIfMissing()
 {
     return flag<P>("abortIfMissing", &P::abortIfMissing)
@@ -25,6 +32,7 @@ template <class P> Param<P> abortIfMissing()
         .meaning("Fails when a file is missing. Off: logs a warning.");
 }
 
+/// The number of retries, one second apart; 0: none, -1: until the file appears or the run ends.
 template <class P> Param<P> timeOut()
 {
     return number<P>("timeOut", &P::timeOut)
@@ -34,6 +42,7 @@ template <class P> Param<P> timeOut()
                  "limit.");
 }
 
+/// MiB. The upper bound keeps the number of bytes below 2 GiB.
 template <class P> Param<P> bufferSize()
 {
     return number<P>("bufferSize", &P::bufferSize)
@@ -42,6 +51,7 @@ template <class P> Param<P> bufferSize()
         .meaning("Smallest input buffer, in MB.");
 }
 
+/// The cells of the column hold the expanded names.
 template <class P> Param<P> outputFilenames()
 {
     return flag<P>("outputFilenames", &P::outputFilenames)
@@ -49,6 +59,7 @@ template <class P> Param<P> outputFilenames()
         .meaning("Adds the last column _FileNames with the name of the file of each row.");
 }
 
+/// For readers with levels; the names of object members or elements are then data.
 template <class P> Param<P> outputSubTags()
 {
     return flag<P>("outputSubTags", &P::outputSubTags)
@@ -56,6 +67,7 @@ template <class P> Param<P> outputSubTags()
         .meaning("Adds one column \"Level N Subtag\" per level.");
 }
 
+/// Used only to derive levels from the file, not by a run.
 template <class P> Param<P> autoFillNRows()
 {
     return number<P>("autoFillNRows", &P::autoFillNRows)
@@ -64,6 +76,7 @@ template <class P> Param<P> autoFillNRows()
         .meaning("Number of records that are examined to find the levels automatically.");
 }
 
+/// The attribute has another name in each reader. Ignored when reading files.
 template <class P> Param<P> copyOfInputRow(const char *name, bool P::*member)
 {
     return flag<P>(name, member)

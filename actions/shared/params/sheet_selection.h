@@ -4,10 +4,14 @@
 
 namespace corvanta {
 
+/// Which of the two other parameters is used. Saved as its number.
 enum class SheetSelection { ByNumber, ByName };
 
 namespace shared {
 
+/// The lines for P::sheetMode, P::sheetIdx and P::sheetName. The number is a text, because it may
+/// contain variables of the graph; it counts from 1. `modeMeaning` and `nameMeaning` describe the
+/// parameters in panels.
 template <class P> ParamGroup<P> sheetSelection(const char *modeMeaning, const char *nameMeaning)
 {
     return {

@@ -4,6 +4,7 @@ namespace corvanta {
 
 const ParamTable<StringColumn> &stringColumnTable()
 {
+    // The names are short because a table may have hundreds of text columns.
     static const ParamTable<StringColumn> table{
         text("n", &StringColumn::name).always().label("Column").meaning("Name of the text column."),
         number("l", &StringColumn::width)

@@ -15,6 +15,7 @@ struct StringColumn
     bool operator==(const StringColumn &) const = default;
 };
 
+/// The attributes of one element. Constant; made by the first call.
 const ParamTable<StringColumn> &stringColumnTable();
 
 /// The line of a parameter table for `columns`.
