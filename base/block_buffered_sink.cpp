@@ -43,6 +43,7 @@ bool BlockBufferedSink::write(const void *bytes, qint64 n)
     }
     const char *from = static_cast<const char *>(bytes);
     for (qint64 left = n; left > 0;) {
+        // A write may span several blocks, and start in the middle of one after a seek.
         const qint64 at = m_position - m_regionStart;
         const qint64 piece = std::min(left, kBlockBytes - at % kBlockBytes);
         char *block = m_blocks[static_cast<size_t>(at / kBlockBytes)].get();
@@ -69,6 +70,7 @@ bool BlockBufferedSink::flush()
 {
     while (m_regionStart < m_regionEnd) {
         const qint64 bytes = std::min(kBlockBytes, m_regionEnd - m_regionStart);
+        // A block is removed only after its write. A repeated call starts with the failed block.
         if (!m_target.write(m_blocks.front().get(), bytes)) {
             return false;
         }
@@ -79,6 +81,7 @@ bool BlockBufferedSink::flush()
             std::memset(m_blocks.front().get(), 0, static_cast<size_t>(bytes));
         }
     }
+    // After a seek back, the target has to continue at the same place.
     if (m_position != m_regionEnd && !m_target.seek(m_position)) {
         return false;
     }

@@ -13,6 +13,7 @@ namespace corvanta {
 class BlockBufferedSink final : public ByteSink
 {
 public:
+    /// Size of a block, and of each write to the target.
     static constexpr qint64 kBlockBytes = 5'242'880;
 
     /// `target` must outlive the sink. The region starts at the target's position.
@@ -25,19 +26,22 @@ public:
     bool seek(qint64 offset) override;
     qint64 position() const override { return m_position; }
     /// Write the region to the target and start a new one at the current position. After a failure
-    /// the unwritten bytes are kept, and the call may be repeated.
+    /// the unwritten bytes are kept, and the call may be repeated. The destructor does not flush.
     bool flush() override;
 
 private:
     using Block = std::unique_ptr<char[]>;
 
+    // Offsets are in the target. allocateUntil() returns false if there is not enough memory.
     bool allocateUntil(qint64 end);
     qint64 allocatedEnd() const;
 
     ByteSink &m_target;
     std::deque<Block> m_blocks;
+    // Offsets in the target. m_regionStart is that of the first block, m_regionEnd the end of the
+    // written bytes. m_position is between them, except after a seek past the written bytes.
     qint64 m_regionStart;
-    qint64 m_regionEnd; // end of the written bytes
+    qint64 m_regionEnd;
     qint64 m_position;
 };
 

@@ -6,7 +6,8 @@
 namespace corvanta {
 
 /// A stream of bytes that are written in order. Seeking back allows an encoder to complete earlier
-/// bytes, such as the sizes in a header.
+/// bytes, such as the sizes in a header. Writing after a seek back replaces bytes; it never inserts
+/// or truncates. Offsets and sizes are in bytes.
 /// Threads: one thread at a time per object.
 class ByteSink
 {
@@ -28,11 +29,13 @@ public:
     /// Absolute offset of the next write, in bytes.
     virtual qint64 position() const = 0;
 
-    /// Hand all bytes to the system. Returns false after a failure; the call may then be repeated.
+    /// Hand all bytes to the system. Does not wait until they are on the device. Returns false
+    /// after a failure; the call may then be repeated.
     virtual bool flush() = 0;
 };
 
-/// Keeps the bytes in memory, for tests and small parts. Never fails.
+/// Keeps the bytes in memory, for tests and small parts. Never fails, except that a lack of memory
+/// throws std::bad_alloc.
 class MemorySink final : public ByteSink
 {
 public:
@@ -51,7 +54,7 @@ public:
     }
     qint64 position() const override { return m_position; }
     bool flush() override { return true; }
-    /// All bytes written so far.
+    /// All bytes written so far, whatever the position. Later writes change the referenced array.
     const QByteArray &bytes() const { return m_bytes; }
 
 private:

@@ -21,23 +21,27 @@ public:
     /// Read up to `n` bytes. Returns the number of bytes read, 0 at the end of the stream, and a
     /// negative number after a failure. Fewer than `n` bytes do not mean the end.
     ///
+    /// After a failure the position is undefined, unless a source says otherwise.
+    ///
     /// A number and not a Result because decoders call it in their inner loops. A source that knows
     /// the reason of a failure offers it in a function of its own.
     virtual qint64 read(void *buffer, qint64 n) = 0;
 
-    /// Total number of bytes in the stream, or -1 if unknown.
+    /// Total number of bytes in the stream, or -1 if unknown. Does not depend on the position. For
+    /// a decompressed stream the size may be a claim of its header: check it before allocating.
     virtual qint64 size() = 0;
 
-    /// Move to an absolute offset. Returns false if the source cannot seek or the offset is out of
-    /// range.
+    /// Move to an absolute offset, from 0 to the size (both included). Returns false if the source
+    /// cannot seek or the offset is out of range.
     virtual bool seek(qint64 offset) = 0;
 };
 
-/// Read and discard `n` bytes. Returns false if the source ends before that or fails.
+/// Read and discard `n` bytes, also in sources that cannot seek. Returns false if the source ends
+/// before that or fails. Returns true for `n` <= 0.
 bool skipBytes(ByteSource &source, qint64 n);
 
 /// Read until `n` bytes have arrived or the source ends. Returns the number of bytes, or a negative
-/// number after a failure.
+/// number after a failure. Fewer than `n` bytes therefore mean the end of the source.
 inline qint64 readFully(ByteSource &source, void *buffer, qint64 n)
 {
     qint64 done = 0;
@@ -54,12 +58,13 @@ inline qint64 readFully(ByteSource &source, void *buffer, qint64 n)
     return done;
 }
 
-/// Reads bytes in memory, which must outlive the source. Never fails.
+/// Reads bytes in memory, which must outlive the source. Never fails, and knows its size. A read at
+/// the end returns 0, as often as it is repeated.
 class MemorySource final : public ByteSource
 {
 public:
     /// `pieceBytes` limits the size of one read; -1 is no limit. Tests use it to check that the
-    /// result of a decoder does not depend on how the bytes arrive.
+    /// result of a decoder does not depend on how the bytes arrive. size() and seek() ignore it.
     explicit MemorySource(QByteArrayView bytes, qint64 pieceBytes = -1)
         : m_bytes(bytes)
         , m_pieceBytes(pieceBytes)
@@ -90,6 +95,7 @@ public:
 
 private:
     QByteArrayView m_bytes;
+    // Of a read; -1: no limit.
     qint64 m_pieceBytes;
     qint64 m_position = 0;
 };

@@ -1,7 +1,8 @@
 // Loads and stores numbers at unaligned addresses, in little-endian, big-endian or machine order.
 //
-// `T` is an integer or floating-point type. The callers check that all of its bytes are inside
-// their buffer.
+// `T` is an integer or floating-point type of 1 to 8 bytes. The functions read or write exactly
+// sizeof(T) bytes and check nothing: the callers check that all of them are inside their buffer.
+// Threads: pure functions.
 #pragma once
 #include <QtEndian>
 #include <QtGlobal>
@@ -31,7 +32,8 @@ template <class T> inline void storeBE(T value, void *bytes)
     qToBigEndian(value, bytes);
 }
 
-/// The value in machine byte order at `bytes`. `T` is any trivially copyable type.
+/// The value in machine byte order at `bytes`. `T` is any trivially copyable type. Use this and not
+/// a cast of the pointer: the address may be unaligned, and a cast breaks the aliasing rules.
 template <class T> inline T loadNative(const void *bytes)
 {
     T value;

@@ -7,6 +7,7 @@ namespace corvanta::cell {
 namespace {
 // The byte before each code keeps the position of the (absent) units even.
 alignas(8) constexpr uchar kTexts[] = {0, 0x80, 0, 0x81};
+// The missing key and the missing double: all bits set.
 alignas(8) constexpr uchar kOnes[] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
 } // namespace
 

@@ -25,15 +25,18 @@ namespace corvanta::cell {
 /// The type of a cell. The values are the letters that name column types.
 enum class Type : char { Key = 'K', Double = 'F', Text = 'U' };
 
-/// The two keys that mean missing. Readers write the first one.
+/// The two keys that mean missing. Readers write the first one. Both are therefore not available as
+/// values: a column that may hold them needs doubles.
 inline constexpr quint32 kMissingKey = 0xFFFFFFFFU;
 inline constexpr quint32 kMissingKeyOther = 0xFFFFFFFEU;
+/// The bits of a missing double: a NaN that arithmetic on other values never gives.
 inline constexpr quint64 kMissingDoubleBits = ~quint64(0);
 
-/// Sizes of the cells of fixed width.
+/// Sizes in bytes of the cells of fixed width.
 inline constexpr int kKeyBytes = 4;
 inline constexpr int kDoubleBytes = 8;
 
+/// Whether the key is one of the two missing ones.
 inline bool isMissingKey(quint32 key)
 {
     return key >= kMissingKeyOther;
@@ -43,6 +46,8 @@ inline bool isMissingDouble(double value)
 {
     return std::bit_cast<quint64>(value) == kMissingDoubleBits;
 }
+/// The missing double. Copy it only with loadNative() and storeNative(), or as a double: a
+/// conversion to float and back changes its bits.
 inline double missingDouble()
 {
     return std::bit_cast<double>(kMissingDoubleBits);
@@ -74,7 +79,8 @@ inline qsizetype textCellBytes(qsizetype units)
     return lengthBytes(codeOfText(units)) + units * 2;
 }
 
-/// Write a length code of `bytes` bytes, as lengthBytes() returned. Returns the address after it.
+/// Write a length code of `bytes` bytes, as lengthBytes() returned. Returns the address after it,
+/// where the units begin.
 inline uchar *putLength(uchar *out, quint32 code, int bytes)
 {
     for (int i = 1; i < bytes; ++i) {
@@ -91,15 +97,18 @@ struct Text
 {
     quint32 code = 0; ///< Length code; 0 means missing.
     const uchar *units = nullptr;
+    /// Whether there is no text, as opposed to an empty one.
     bool isMissing() const { return code == 0; }
-    /// Number of UTF-16 units; 0 for a missing text.
+    /// Number of UTF-16 units; 0 for a missing text and for an empty one.
     qsizetype size() const { return code == 0 ? 0 : static_cast<qsizetype>(code) - 1; }
     /// The units of an aligned cell. All cells of rows on a pin are aligned.
     const char16_t *data() const { return reinterpret_cast<const char16_t *>(units); }
+    /// data() and size(). Valid as long as the cell.
     std::u16string_view view() const { return {data(), static_cast<size_t>(size())}; }
 };
 
-/// Split the text cell at `cell` into its parts. Reads only the length code.
+/// Split the text cell at `cell` into its parts. Reads only the length code. The parts are valid as
+/// long as the cell. Does not check lengths: cells come from this program and not from a file.
 inline Text readText(const uchar *cell)
 {
     quint32 code = 0;
@@ -120,7 +129,7 @@ inline qsizetype textCellBytes(const uchar *cell)
     return (text.units - cell) + text.size() * 2;
 }
 
-/// Size in bytes of the cell at `cell`.
+/// Size in bytes of the cell at `cell`, for copying it. Depends on the content only for Text.
 inline qsizetype bytesOf(Type type, const uchar *cell)
 {
     switch (type) {
@@ -134,7 +143,8 @@ inline qsizetype bytesOf(Type type, const uchar *cell)
     return textCellBytes(cell);
 }
 
-/// Shared cells for missing and empty values, in static storage.
+/// Shared cells for missing and empty values, in static storage: valid until the program ends, and
+/// never written to.
 const uchar *missingTextCell();
 const uchar *emptyTextCell();
 const uchar *missingKeyCell();

@@ -1,6 +1,7 @@
 // Arithmetic on numbers that come from files, with a check for overflow.
 //
-// Use it before such a number becomes a size, an index or a shift. Integer types only.
+// Use it before such a number becomes a size, an index or a shift. Integer types only. All
+// functions can be evaluated at compile time. Threads: pure functions.
 #pragma once
 #include <QtGlobal>
 
@@ -11,7 +12,8 @@
 
 namespace corvanta {
 
-/// Returns `a + b`, or std::nullopt if the sum does not fit `T`.
+/// Returns `a + b`, or std::nullopt if the sum does not fit `T`. Both arguments have the same type;
+/// convert with narrow() first.
 template <class T> constexpr std::optional<T> checkedAdd(T a, T b)
 {
     T sum{};
@@ -21,7 +23,8 @@ template <class T> constexpr std::optional<T> checkedAdd(T a, T b)
     return sum;
 }
 
-/// Returns `a * b`, or std::nullopt if the product does not fit `T`.
+/// Returns `a * b`, or std::nullopt if the product does not fit `T`. Use it for counts times sizes
+/// before an allocation.
 template <class T> constexpr std::optional<T> checkedMul(T a, T b)
 {
     T product{};
@@ -31,7 +34,8 @@ template <class T> constexpr std::optional<T> checkedMul(T a, T b)
     return product;
 }
 
-/// Returns `value` as a `To`, or std::nullopt if it does not fit.
+/// Returns `value` as a `To`, or std::nullopt if it does not fit. Compares mathematical values: a
+/// negative number does not fit an unsigned type.
 template <class To, class From> constexpr std::optional<To> narrow(From value)
 {
     static_assert(std::is_integral_v<To> && std::is_integral_v<From>);

@@ -10,7 +10,8 @@
 
 namespace corvanta {
 
-/// Number of bytes that the put functions below need at `out`. They do not write a final NUL.
+/// Number of bytes that the put functions below need at `out`. They do not write a final NUL. They
+/// may use all of this room, even if the returned text is shorter.
 inline constexpr int kNumberChars = 32;
 
 /// Print `value` in decimal. Returns the number of characters.
@@ -20,7 +21,7 @@ int putUInt(quint64 value, char *out);
 /// "inf", "-inf". Numbers from 1e-5 up to (excluding) 1e17 have no exponent, all others have one.
 /// Returns the number of characters.
 int putShortest(double value, char *out);
-/// putShortest() as a QString.
+/// putShortest() as a QString. Allocates: not for the cells of a table.
 QString shortestText(double value);
 
 /// Print `value` as printf does with "%.<precision>g", precision 1 to 17. Returns the number of
@@ -47,7 +48,8 @@ bool parseUInt(std::string_view text, quint64 max, quint64 *value);
 class FloatFormat
 {
 public:
-    /// The format "%.16g".
+    /// The format "%.16g": more digits than most values need, and one too few for some to read back
+    /// as the same double.
     FloatFormat();
 
     /// Use `format`. Returns false, and keeps the old format, if it is not allowed.

@@ -1,4 +1,6 @@
 // Text of number cells: the digits that a number column shows where text is expected.
+//
+// Independent of the locale. Threads: pure functions.
 #pragma once
 #include "base/cell.h"
 #include "base/number.h"
@@ -9,7 +11,10 @@
 namespace corvanta::cell {
 
 /// Print a Key or Double cell as UTF-16 to `out`, which has room for kNumberChars units. Returns
-/// the number of units; 0 for a missing cell.
+/// the number of units; 0 for a missing cell. Writes no final NUL.
+///
+/// A key is an unsigned decimal; a double has the fewest digits that read back as the same value
+/// (see putShortest()). `cell` may be unaligned. Not for Text cells.
 inline int putNumberText(Type type, const uchar *cell, char16_t *out)
 {
     std::array<char, kNumberChars> text{};

@@ -14,18 +14,21 @@
 
 namespace corvanta {
 
-/// What went wrong.
+/// What went wrong. Plain data; may be copied and kept.
 template <class E> struct Fault
 {
     E code;              ///< The format's error code.
     QString detail = {}; ///< Text for the user, without a final full stop; may be empty.
     qint64 offset = -1;  ///< Byte offset in the input; -1 if unknown.
 };
-/// Deduction guide: Clang 14 does not deduce aggregates.
+/// Deduction guide, so that `Fault{Error::X}` needs no template argument: Clang 14 does not deduce
+/// aggregates.
 template <class E> Fault(E, QString = {}, qint64 = -1) -> Fault<E>;
 
-/// Either a `T` or a `Fault<E>`. Test it before use: `if (!r) return r.fault();`.
+/// Either a `T` or a `Fault<E>`. Test it before use: `if (!r) return r.fault();`. A fault converts
+/// to a Result of every other `T` with the same `E`, so that callers can pass it on unchanged.
 /// Reading the value of a fault, or the fault of a value, is a programming error (assert).
+/// The compiler warns if a caller ignores a Result.
 template <class T, class E> class [[nodiscard]] Result
 {
 public:
@@ -42,9 +45,11 @@ public:
 
     /// True if there is a value.
     explicit operator bool() const { return m_state.index() == 0; }
+    /// The value. Move it out with `*std::move(r)`; the result then still counts as a success.
     T &operator*() & { return value(); }
     const T &operator*() const & { return value(); }
     T &&operator*() && { return std::move(value()); }
+    /// A member of the value.
     T *operator->() { return &value(); }
     const T *operator->() const { return &value(); }
 
@@ -69,7 +74,7 @@ private:
     std::variant<T, Fault<E>> m_state;
 };
 
-/// Success without a value, or a fault.
+/// Success without a value, or a fault. `return {};` reports success.
 template <class E> class [[nodiscard]] Result<void, E>
 {
 public:

@@ -13,13 +13,19 @@ namespace corvanta {
 /// source keeps its columns. Text cells are 2-byte aligned.
 struct RowView
 {
-    const uchar *const *cells = nullptr; ///< one per column; layout: base/cell.h
-    const QString *names = nullptr;      ///< one per column
-    const MetaInfo *types = nullptr;     ///< one per column
+    /// The address of each column's cell; `columns` entries. Layout: base/cell.h.
+    const uchar *const *cells = nullptr;
+    /// `columns` entries. Names need not be unique.
+    const QString *names = nullptr;
+    /// `columns` entries.
+    const MetaInfo *types = nullptr;
+    /// Number of columns; 0 for a row without any.
     int columns = 0;
 
+    /// Determines how cells[column] is decoded. `column` is from 0 to columns - 1, unchecked.
     cell::Type type(int column) const { return types[column].cellType(); }
-    /// The index of the first column with that name (exact), or -1.
+    /// The index of the first column with that name, or -1. Compares every character, including
+    /// its case. Linear in the number of columns: call it once per table and not once per row.
     int indexOf(const QString &name) const
     {
         for (int i = 0; i < columns; ++i) {

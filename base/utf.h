@@ -9,14 +9,16 @@
 
 namespace corvanta {
 
-/// Stands for what is not a character.
+/// Replaces ill-formed sequences and lone surrogates.
 inline constexpr char16_t kReplacementCharacter = 0xFFFD;
 
-/// The most bytes that one UTF-16 unit becomes in UTF-8.
+/// The most bytes that one UTF-16 unit becomes in UTF-8. A surrogate pair is two units and becomes
+/// four bytes.
 inline constexpr qsizetype kUtf8BytesPerUnit = 3;
 
 /// Convert `n` bytes of UTF-8 into `out`, which has room for `n` units; returns the units written.
-/// Each byte of an ill-formed sequence becomes one U+FFFD.
+/// Each byte of an ill-formed sequence becomes one U+FFFD: overlong forms, encoded surrogates and
+/// code points above 0x10FFFF are ill-formed, as are sequences that the end of `in` truncates.
 qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out);
 
 /// Like utf8ToUtf16(), but each byte of an ill-formed sequence becomes the Latin-1 character of its
@@ -69,9 +71,12 @@ inline char *putUtf8(char32_t c, char *out)
 
 /// Why wellFormedUtf8() stopped.
 enum class Utf8Stop : quint8 {
-    End,       ///< all bytes are well-formed
-    Truncated, ///< the rest is the beginning of a well-formed sequence
-    Invalid,   ///< the next byte does not begin a well-formed sequence
+    /// All bytes are well-formed.
+    End,
+    /// The rest, at most 3 bytes, is the beginning of a well-formed sequence. More input is needed.
+    Truncated,
+    /// The next byte does not begin a well-formed sequence.
+    Invalid,
 };
 
 /// Bytes at the start of `in` that are complete, well-formed characters; sets `*stop`.

@@ -1,4 +1,5 @@
-// The POSIX implementation: thin wrappers of system calls, each repeated after EINTR.
+// The POSIX implementation: thin wrappers of system calls. Those that a signal can interrupt are
+// repeated after EINTR.
 #include "base/platform/files.h"
 
 #include <QByteArray>
@@ -20,6 +21,7 @@ namespace corvanta::platform {
 
 namespace {
 
+/// The name in the encoding of the file system.
 QByteArray native(const QString &name)
 {
     return QFile::encodeName(name);
@@ -67,11 +69,13 @@ FileHandle FileHandle::openForRead(const QString &name, bool sequential)
 
 FileHandle FileHandle::openForWrite(const QString &name, Create create)
 {
+    // O_CLOEXEC: a program that an action starts must not keep the file open.
     int flags = O_WRONLY | O_CREAT | O_CLOEXEC;
     flags |= create == Create::Truncate ? O_TRUNC : 0;
     flags |= create == Create::Exclusive ? O_EXCL : 0;
     FileHandle file;
     file.m_handle = repeated([&] { return ::open(native(name).constData(), flags, 0666); });
+    // Not O_APPEND, which would ignore every later seek().
     if (file.isOpen() && create == Create::Append &&
         ::lseek(static_cast<int>(file.m_handle), 0, SEEK_END) < 0) {
         file.close();
@@ -107,6 +111,7 @@ bool FileHandle::truncate(qint64 size)
 
 void FileHandle::startSync(qint64 offset, qint64 n)
 {
+    // Only a hint. sync() still has to wait for the bytes and report failures.
 #ifdef __linux__
     ::sync_file_range(static_cast<int>(m_handle), offset, n, SYNC_FILE_RANGE_WRITE);
 #endif
@@ -121,6 +126,8 @@ bool FileHandle::sync()
 
 bool FileHandle::close()
 {
+    // Not repeated after EINTR: on Linux the descriptor is free even then, and another thread may
+    // already use its number.
     const qintptr handle = std::exchange(m_handle, -1);
     return handle < 0 || ::close(static_cast<int>(handle)) == 0;
 }
@@ -161,6 +168,7 @@ bool syncFile(const QString &name)
 
 bool syncFolder(const QString &folder)
 {
+    // A rename is permanent only after the folder is synced, which needs a descriptor for reading.
     const int handle = repeated(
         [&] { return ::open(native(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
     if (handle < 0) {
@@ -178,6 +186,7 @@ void copyPermissions(const QString &from, const QString &to)
         // Only a privileged process may change the owner. Otherwise the copy keeps its own.
         [[maybe_unused]] const int owned =
             ::chown(native(to).constData(), facts.st_uid, facts.st_gid);
+        // After chown(), which removes the set-user-ID and set-group-ID bits.
         ::chmod(native(to).constData(), facts.st_mode & 07777);
     }
 }
@@ -199,6 +208,7 @@ bool isOnNetworkDrive(const QString &name)
     constexpr long kCifs = 0xFF534D42;
     constexpr long kSmb2 = 0xFE534D42;
     QFileInfo info(name);
+    // A file that does not exist yet is created on the drive of its folder.
     if (!info.exists()) {
         info.setFile(info.absolutePath());
     }
@@ -213,6 +223,7 @@ bool isOnNetworkDrive(const QString &name)
 QString localeEncoding()
 {
     // nl_langinfo follows LC_CTYPE, which QCoreApplication sets from the environment.
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the locale after the start
     const QString name = QString::fromLatin1(::nl_langinfo(CODESET));
     const bool isDefault = name.compare(QLatin1String("UTF-8"), Qt::CaseInsensitive) == 0 ||
                            name == QLatin1String("ANSI_X3.4-1968");

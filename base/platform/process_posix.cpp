@@ -18,6 +18,8 @@ void addToJob(QProcess &, void *) {}
 
 void killWithChildren(QProcess &process)
 {
+    // A process that has not started, or has ended, has the id 0, and kill(0) would end this
+    // program.
     if (const auto group = static_cast<pid_t>(process.processId()); group > 0) {
         ::kill(-group, SIGKILL);
     }
