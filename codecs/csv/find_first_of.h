@@ -1,10 +1,14 @@
 // Finds the first of several bytes in a text, 16 bytes at a time.
+//
+// Uses SSE2, which every x86-64 processor has. Threads: pure function.
 #pragma once
 #include <emmintrin.h>
 
 namespace corvanta::csv {
 
-/// The first byte in [at, end) that equals one of `wanted`; `end` if there is none.
+/// The address of the first byte in [at, end) that equals one of `wanted`; `end` if there is none.
+/// Reads no byte outside that range. One to four wanted bytes cost about the same: each one adds a
+/// comparison per 16 bytes.
 template <class... Chars> const char *findFirstOf(const char *at, const char *end, Chars... wanted)
 {
     for (; at + 16 <= end; at += 16) {

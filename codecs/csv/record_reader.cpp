@@ -85,9 +85,11 @@ const char *RecordReader::scanQuoted(const char *at, const char *end)
             return nullptr;
         }
         const bool isDoubled = quote + 1 < end && quote[1] == '"';
+        // Of a doubled quote the first one belongs to the text.
         m_scratch.insert(m_scratch.end(), at, quote + (isDoubled ? 1 : 0));
         if (!isDoubled) {
             m_nextLine += std::count(begin, quote, '\n');
+            // The text gets its address in placeQuotedFields(): m_scratch may still move.
             m_fields.push_back(
                 {nullptr, static_cast<qsizetype>(m_scratch.size() - scratchBegin), true});
             return quote + 1;
@@ -142,6 +144,7 @@ RecordReader::Scan RecordReader::scanRecord()
         } else {
             at = scanPlain(at, end);
         }
+        // A CR at the end of the block may be the first half of CR LF.
         const bool isCut = at == end || (at + 1 == end && *at == '\r');
         if (isCut && !m_isEnded) {
             return Scan::NeedMore;
@@ -181,6 +184,7 @@ Result<bool, Error> RecordReader::next()
         case Scan::BadQuotes:
             return faultOf(Error::BadQuotes);
         case Scan::NeedMore:
+            // The record is scanned again from its start, so its line ends count again.
             m_nextLine = m_line;
             if (const auto refilled = refill(); !refilled) {
                 return refilled.fault();

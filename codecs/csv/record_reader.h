@@ -1,7 +1,8 @@
 // Splits text with separators (CSV, RFC 4180) into records and fields.
 //
 // Line ends are LF or CR LF; a lone CR belongs to its field. A byte-order mark at the beginning is
-// skipped. Bytes are not decoded: fields are UTF-8 if the text is.
+// skipped. Bytes are not decoded: fields are UTF-8 if the text is. Records may have different
+// numbers of fields; the caller decides whether that is an error.
 // Threads: one at a time per object.
 #pragma once
 #include "base/byte_source.h"
@@ -14,28 +15,41 @@
 namespace corvanta::csv {
 
 enum class Error : quint8 {
-    Unreadable = 1, ///< the source failed
-    RecordTooLong,  ///< longer than Limits::recordBytes
-    BadQuotes,      ///< a quoted field is not followed by a separator, line end or the end
+    /// The source failed.
+    Unreadable = 1,
+    /// A record is longer than Limits::recordBytes, for example because a quote is never closed.
+    RecordTooLong,
+    /// A quoted field is not followed by a separator, a line end or the end of the text, or the
+    /// text
+    /// ends inside it.
+    BadQuotes,
 };
 
-/// One field of a record.
+/// One field of a record: a view of the reader's memory, without a final NUL. See
+/// RecordReader::fields() for its lifetime.
 struct Field
 {
     const char *text;
-    qsizetype size; ///< in bytes
+    /// Number of bytes.
+    qsizetype size;
+    /// Whether the field was in quotes. Distinguishes "" from an empty field.
     bool isQuoted;
 
     std::string_view view() const { return {text, static_cast<size_t>(size)}; }
 };
 
+/// Reads blocks of bytes and scans records in place. Only quoted fields are copied.
 class RecordReader
 {
 public:
+    /// Memory that the reader may use. A test sets small blocks to check every split of the text.
     struct Limits
     {
-        size_t blockBytes = size_t(1) << 20;  ///< read in one call; the block grows on demand
-        size_t recordBytes = size_t(1) << 30; ///< the block never grows beyond this
+        /// Number of bytes read in one call, at least 1. The block doubles when a record does not
+        /// fit it.
+        size_t blockBytes = size_t(1) << 20;
+        /// Maximum number of bytes of a record. The block never grows beyond this.
+        size_t recordBytes = size_t(1) << 30;
     };
 
     /// Read from the current position of `source`, which must outlive the reader. `separator` is an
@@ -47,7 +61,8 @@ public:
     }
 
     /// Read the next record. Returns false at the end of the text. The offset of a fault is that of
-    /// the record's first byte. Call no more after a fault.
+    /// the record's first byte. Do not call it again after a fault.
+    /// Errors: Unreadable, RecordTooLong, BadQuotes.
     Result<bool, Error> next();
 
     /// The fields of the record, at least one; valid until the next call of next(). An empty line
@@ -59,6 +74,7 @@ public:
     qint64 line() const { return m_line; }
 
 private:
+    // What scanRecord() found. NeedMore: the block ends before the end of the record is certain.
     enum class Scan { Record, NeedMore, End, BadQuotes };
 
     Scan scanRecord();

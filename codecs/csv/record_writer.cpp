@@ -41,8 +41,10 @@ void RecordWriter::addText(const char16_t *units, qsizetype n)
 /// Puts the text from `begin` to the end of the buffer in quotes and doubles its quotes.
 void RecordWriter::addQuoted(size_t begin)
 {
+    // A copy, because each doubled quote moves the rest of the text. Few texts need quotes.
     const std::vector<char> text(m_buffer.data() + begin, m_buffer.data() + m_used);
     m_used = begin;
+    // Two quotes around the text, and the separator.
     reserve(text.size() * 2 + 3);
     char *at = m_buffer.data() + m_used;
     *at++ = '"';

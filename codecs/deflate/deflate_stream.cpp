@@ -16,6 +16,7 @@ namespace corvanta::deflate {
 
 namespace {
 
+/// Limits the memory: each worker needs two more blocks.
 constexpr size_t kMaxWorkers = 16;
 
 size_t workerLimit(int wanted)
@@ -26,6 +27,8 @@ size_t workerLimit(int wanted)
 
 } // namespace
 
+// A part of the stream, from the caller's first byte until it is written, and then reused.
+//
 // The memory holds the dictionary, the content of the block, and the room after it. Content in that
 // room is moved to the next block, so that a request for room never has to split.
 struct DeflateStream::Block
@@ -119,6 +122,8 @@ Result<void, Error> DeflateStream::write(std::span<const char> bytes)
                 return done.fault();
             }
         }
+        // m_writeDone and not a local variable: it survives a fault, so that the repeated call does
+        // not add bytes twice.
         const size_t piece = std::min(bytes.size() - m_writeDone, kBlockBytes - m_current->used);
         std::memcpy(m_current->data() + m_current->used, bytes.data() + m_writeDone, piece);
         m_current->used += piece;
@@ -140,6 +145,8 @@ Result<void, Error> DeflateStream::cut()
     m_current = *next;
     m_current->dictionaryBytes = kWindowBytes; // a full block is larger than the window
     m_current->used = full->used - kBlockBytes;
+    // The end of the full block is the dictionary of the next one. Copied, because the full block
+    // is reused as soon as it is written.
     std::memcpy(m_current->data() - kWindowBytes, full->data() + kBlockBytes - kWindowBytes,
                 kWindowBytes);
     std::memcpy(m_current->data(), full->data() + kBlockBytes, m_current->used);
@@ -152,6 +159,8 @@ Result<void, Error> DeflateStream::cut()
 // A free block. Compresses, or waits for the workers, until there is one.
 Result<DeflateStream::Block *, Error> DeflateStream::acquire(Lock &lock)
 {
+    // For each worker a block in progress and a waiting one; one that the caller fills, and one
+    // that is being written.
     const size_t maxBlocks = 2 * m_workerLimit + 2;
     for (;;) {
         if (auto good = checkFailure(lock); !good) {
@@ -195,6 +204,7 @@ void DeflateStream::submit(Block *block, Lock &lock)
     block->isDone = false;
     m_pending.push_back(block);
     m_order.push_back(block);
+    // Without the lock: starting a thread takes long, and the new thread needs the lock.
     lock.unlock();
     startWorker();
     m_workAvailable.notify_one();
@@ -277,11 +287,16 @@ bool DeflateStream::write(ByteSink &sink, const Block &block)
 // Write the finished blocks in order. Only one thread writes at a time; the others return.
 void DeflateStream::drain(Lock &lock)
 {
+    // The writing thread checks for finished blocks under the lock before it returns, so that no
+    // block waits without a thread that writes it.
     if (m_isWriting || m_hasWriteFailed) {
         return;
     }
     m_isWriting = true;
     while (!m_order.empty() && m_order.front()->isDone && !m_isStopped) {
+        // Without the lock, so that workers can take blocks during a slow write. m_isWriting keeps
+        // other threads away from the sink, and the block stays first in m_order until it is
+        // written.
         Block *block = m_order.front();
         lock.unlock();
         const bool isWritten = write(m_sink, *block);

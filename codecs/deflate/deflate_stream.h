@@ -19,29 +19,37 @@
 
 namespace corvanta::deflate {
 
+/// Why a call of DeflateStream failed. A fault has neither a detail nor an offset.
 enum class Error : quint8 {
-    WriteFailed, ///< The sink failed, for example on a full disk. Nothing is lost; repeat the call.
-    Stopped,     ///< stop() was called.
+    /// The sink failed, for example on a full disk. Nothing is lost; repeat the call.
+    WriteFailed,
+    /// stop() was called.
+    Stopped,
     NoMemory,
 };
 
-/// Size of a block.
-inline constexpr size_t kBlockBytes = 1024 * 1024;
-/// Maximum size of a room() request.
-inline constexpr size_t kMaxRoomBytes = 256 * 1024;
+/// Size of a block in bytes of content. The output depends on it, so a change of the number changes
+/// all written files.
+inline constexpr size_t kBlockBytes = size_t(1024) * 1024;
+/// Maximum size of a room() request in bytes.
+inline constexpr size_t kMaxRoomBytes = size_t(256) * 1024;
 
 struct StreamOptions
 {
     Level level = {};
-    int workers = -1; ///< Number of threads; 0: only the caller; -1: one per core.
+    /// Number of threads; 0: only the caller; -1: one per core.
+    int workers = -1;
 };
 
 /// Facts about a finished stream.
 struct Totals
 {
-    quint32 crc = 0;           ///< CRC-32 of the content.
-    qint64 size = 0;           ///< Bytes of content.
-    qint64 compressedSize = 0; ///< Bytes written to the sink.
+    /// CRC-32 of the content.
+    quint32 crc = 0;
+    /// Bytes of content.
+    qint64 size = 0;
+    /// Bytes written to the sink.
+    qint64 compressedSize = 0;
 };
 
 class DeflateStream

@@ -13,7 +13,7 @@
 namespace corvanta::deflate {
 
 /// Maximum distance of a match, and so the largest useful dictionary.
-inline constexpr size_t kWindowBytes = 32 * 1024;
+inline constexpr size_t kWindowBytes = size_t(32) * 1024;
 
 enum class Engine : quint8 { Isal, Zlib };
 

@@ -42,6 +42,7 @@ std::unique_ptr<Deflater> makeDeflater(Level level)
 #ifdef CORVANTA_HAVE_ISAL
     return makeIsalDeflater(level.level);
 #else
+    // zlib 1 and 3 are nearest in speed. The bytes differ from those of a build with ISA-L.
     return makeZlibDeflater(level.level < kMaxIsalLevel ? kMinZlibLevel : kMaxIsalLevel);
 #endif
 }

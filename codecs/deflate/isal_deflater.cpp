@@ -12,10 +12,10 @@ namespace corvanta::deflate {
 namespace {
 
 /// Size of the output buffer that the library gets. At level 3 its output depends on this size.
-constexpr size_t kRoomBytes = 64 * 1024;
+constexpr size_t kRoomBytes = size_t(64) * 1024;
 /// The output for shorter blocks depends on the address of the library's state: about one in a
 /// thousand parts of a package differs between runs. zlib compresses these blocks.
-constexpr size_t kShortBlockBytes = 32 * 1024;
+constexpr size_t kShortBlockBytes = size_t(32) * 1024;
 constexpr int kShortBlockLevel = 4;
 constexpr std::array<size_t, 4> kLevelBufferBytes = {ISAL_DEF_LVL0_DEFAULT, ISAL_DEF_LVL1_DEFAULT,
                                                      ISAL_DEF_LVL2_DEFAULT, ISAL_DEF_LVL3_DEFAULT};

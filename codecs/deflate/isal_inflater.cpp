@@ -33,6 +33,8 @@ public:
         if (status < 0) {
             return {State::Bad, consumed, produced};
         }
+        // Statuses of 0 and above mean that input or room for output is used up. Whether the stream
+        // has ended is part of the state.
         const bool isEnd = m_state.block_state == ISAL_BLOCK_FINISH;
         // The bits read ahead are the rest of the last byte and whole bytes after the stream.
         const qint64 ahead = isEnd ? m_state.read_in_length / 8 : 0;

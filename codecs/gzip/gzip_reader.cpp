@@ -26,7 +26,7 @@ namespace corvanta::gzip {
 
 namespace {
 
-constexpr size_t kInputBytes = 256 * 1024;
+constexpr size_t kInputBytes = size_t(256) * 1024;
 constexpr size_t kFixedHeaderBytes = 10;
 constexpr size_t kCheckedHeaderBytes = 4; // magic number, method and flags
 constexpr size_t kTrailerBytes = 8;

@@ -14,14 +14,22 @@
 
 namespace corvanta::gzip {
 
+/// Why the data cannot be decompressed. Bytes that read() returned before BadData or BadChecksum
+/// may be wrong: the checksum is at the end of a member.
 enum class Error : quint8 {
-    Unreadable = 1, ///< The source failed.
-    EndsTooEarly,   ///< The data ends inside a member.
-    UnknownVariant, ///< The method is not deflate, or reserved flags are set.
-    BadData,        ///< The member's data is not a deflate stream.
-    BadChecksum,    ///< The content does not match the CRC-32 or size in the trailer.
+    /// The source failed.
+    Unreadable = 1,
+    /// The data ends inside a member.
+    EndsTooEarly,
+    /// The method is not deflate, or reserved flags are set.
+    UnknownVariant,
+    /// The member's data is not a deflate stream.
+    BadData,
+    /// The content does not match the CRC-32 or size in the trailer.
+    BadChecksum,
 };
 
+/// Memory: one input buffer and the window of the inflater, whatever the size of the content.
 class Reader
 {
 public:
@@ -29,7 +37,8 @@ public:
     /// read() reports a malformed header. `source` must outlive the reader.
     static Result<std::unique_ptr<Reader>, Error> open(ByteSource &source);
 
-    /// Decompress up to `n` bytes. Returns the number of bytes, and 0 at the end of the data.
+    /// Decompress up to `n` bytes. Returns the number of bytes, and 0 at the end of the data. Fewer
+    /// than `n` bytes do not mean the end.
     ///
     /// Data that does not start with a gzip header is returned unchanged. Bytes after the last
     /// member that are not a member themselves (padding, for example) are ignored. After a fault,
@@ -41,6 +50,8 @@ private:
 
     explicit Reader(ByteSource &source);
     Result<qint64, Error> step(char *out, qint64 n);
+    // refill() and has() return false at the end of the source, which require() reports as
+    // EndsTooEarly.
     Result<bool, Error> refill();
     Result<bool, Error> has(size_t n);
     Result<void, Error> require(size_t n);
@@ -51,6 +62,7 @@ private:
     Result<qint64, Error> readBody(char *out, qint64 n);
     Result<void, Error> checkTrailer();
     Result<qint64, Error> readPlain(char *out, qint64 n);
+    // The bytes of m_input that are not decoded yet.
     const char *unread() const { return m_input.data() + m_at; }
     size_t unreadBytes() const { return m_end - m_at; }
 

@@ -29,7 +29,7 @@ constexpr int kWidthMask = 0x1F;
 constexpr int kMinWidth = 9;
 constexpr int kMaxWidth = 16;
 constexpr int kClearCode = 256;
-constexpr size_t kInputBytes = 64 * 1024;
+constexpr size_t kInputBytes = size_t(64) * 1024;
 
 } // namespace
 

@@ -1,5 +1,6 @@
 // Decompresses the Unix "compress" format (.Z) from a stream of bytes.
 //
+// Accepts maximum code widths from 9 to 16 bits, with and without block mode.
 // Threads: one thread at a time per object; separate objects are independent.
 #pragma once
 #include "base/byte_source.h"
@@ -12,13 +13,19 @@
 
 namespace corvanta::lzw {
 
+/// Why the data cannot be decompressed.
 enum class Error : quint8 {
-    BadHeader = 1, ///< Not a .Z file, or an unknown variant.
-    BadCode,       ///< A code that the stream has not defined yet.
-    EndsInCode,    ///< The file ends inside a code.
-    Unreadable,    ///< The source failed.
+    /// Not a .Z file, or an unknown variant.
+    BadHeader = 1,
+    /// A code that the stream has not defined yet.
+    BadCode,
+    /// The file ends inside a code.
+    EndsInCode,
+    /// The source failed.
+    Unreadable,
 };
 
+/// Memory: less than 1 MiB of tables, whatever the size of the content.
 class Reader
 {
 public:
@@ -33,6 +40,7 @@ public:
     Result<qint64, Error> read(char *out, qint64 n);
 
 private:
+    // One entry for each code of 16 bits.
     static constexpr int kTableSize = 1 << 16;
     static constexpr int kNone = -1;
 
@@ -48,10 +56,12 @@ private:
     ByteSource &m_source;
     const int m_maxWidth;
     const bool m_blockMode;
-    // Why the data cannot be continued. The functions that run once per code return kNone instead
+    // Why reading cannot continue. The functions that run once per code return kNone instead
     // of a Result; read() looks here.
     std::optional<Fault<Error>> m_fault;
 
+    // Input buffer, the index of its next byte, and the number of bytes of the source that are in
+    // groups or the header: the offset of faults.
     std::vector<uchar> m_input;
     size_t m_inputAt = 0;
     qint64 m_consumed = 0;

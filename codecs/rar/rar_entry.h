@@ -12,29 +12,44 @@
 
 namespace corvanta::rar {
 
+/// Why the first entry cannot be unpacked.
 enum class Error : quint8 {
-    NotRar = 1,  ///< The file does not start with a RAR marker.
-    BadHeader,   ///< A header is damaged or truncated.
-    NoEntry,     ///< The archive has no entry.
-    Encrypted,   ///< The headers or the first entry need a password.
-    MultiVolume, ///< A part of the first entry is in another volume.
-    Unsupported, ///< No available library can unpack the method.
-    Unreadable,  ///< The source failed.
+    /// The file does not start with a RAR marker.
+    NotRar = 1,
+    /// A header is damaged or truncated.
+    BadHeader,
+    /// The archive has no entry.
+    NoEntry,
+    /// The headers or the first entry need a password.
+    Encrypted,
+    /// A part of the first entry is in another volume.
+    MultiVolume,
+    /// No available library can unpack the method.
+    Unsupported,
+    /// The source failed.
+    Unreadable,
 };
 
+/// The two generations of the format. Their headers have different layouts.
 enum class Format : quint8 { Rar4, Rar5 };
 
 /// The first entry. Sizes and offsets are in bytes and not negative; the data may be truncated.
 struct Entry
 {
     Format format = Format::Rar4;
-    QString name; ///< For messages; not a file name.
+    /// For messages; not a file name.
+    QString name;
     bool isDirectory = false;
-    bool isStored = false;      ///< Whether the data is not compressed.
-    qint64 dataAt = 0;          ///< Offset of the packed data in the archive.
-    qint64 packedSize = 0;      ///< Size of the packed data.
-    qint64 size = 0;            ///< Size of the unpacked data.
-    std::optional<quint32> crc; ///< CRC-32 of the unpacked data; RAR 5 may have another checksum.
+    /// Whether the data is not compressed.
+    bool isStored = false;
+    /// Offset of the packed data in the archive.
+    qint64 dataAt = 0;
+    /// Size of the packed data.
+    qint64 packedSize = 0;
+    /// Size of the unpacked data.
+    qint64 size = 0;
+    /// CRC-32 of the unpacked data; RAR 5 may have another checksum.
+    std::optional<quint32> crc;
 };
 
 /// Read the headers from the start of `source`, which must be able to seek. A fault's detail is a

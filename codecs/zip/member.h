@@ -6,37 +6,61 @@
 namespace corvanta::zip {
 
 enum class Error : quint8 {
-    // writing
-    WriteFailed, ///< The sink failed, for example on a full disk. Nothing is lost; repeat the call.
-    Stopped,     ///< stop() was called.
+    // Reported by PackageWriter:
+    /// The sink failed, for example on a full disk. Nothing is lost; repeat the call.
+    WriteFailed,
+    /// stop() was called.
+    Stopped,
+    /// There is not enough memory to compress a block.
     NoMemory,
-    BadName,   ///< The name is empty, or longer than a zip file can hold.
-    NameTaken, ///< The package already has a member of this name.
-    // reading
+    /// The name is empty, or longer than a zip file can hold.
+    BadName,
+    /// The package already has a member of this name.
+    NameTaken,
+    // Reported by PackageReader and its streams:
+    /// The source failed, or ended before a record that must be there.
     ReadFailed,
-    NotAPackage,    ///< Not a zip file, or a truncated one.
-    BadDirectory,   ///< The central directory contradicts itself or the file.
-    NoMember,       ///< There is no member of this name.
-    Encrypted,      ///< The member needs a password.
-    UnknownMethod,  ///< The member is neither stored nor deflated.
-    BadLocalHeader, ///< The member's local header contradicts the directory.
-    BadData,        ///< The member's data is not a deflate stream.
-    BadSize,        ///< The member has more or fewer bytes than declared.
+    /// Not a zip file, or a truncated one.
+    NotAPackage,
+    /// The central directory contradicts itself or the file.
+    BadDirectory,
+    /// There is no member of this name.
+    NoMember,
+    /// The member needs a password.
+    Encrypted,
+    /// The member is neither stored nor deflated.
+    UnknownMethod,
+    /// The member's local header contradicts the directory.
+    BadLocalHeader,
+    /// The member's data is not a deflate stream.
+    BadData,
+    /// The member has more or fewer bytes than declared.
+    BadSize,
+    /// The content does not have the CRC-32 that the directory declares.
     BadChecksum,
-    TooLarge, ///< The member is too large to be read in one piece.
+    /// The member is too large to be read in one piece.
+    TooLarge,
 };
 
 /// One member, as described in the central directory. Sizes and offsets are in bytes.
 struct Member
 {
-    QByteArray name = {}; ///< As stored: UTF-8 or ASCII with "/"; in foreign packages any bytes.
-    quint16 flags = 0;    ///< General purpose bit flag.
-    quint16 method = 0;   ///< kStored, kDeflated or any other number.
-    quint32 crc = 0;      ///< CRC-32 of the content.
-    qint64 compressedSize = 0; ///< Of the stored data.
-    qint64 size = 0;           ///< Of the content.
-    qint64 headerOffset = 0;   ///< Of the local header in the file.
-    qint64 dataLimit = 0;      ///< When reading: offset where the next record of the file starts.
+    /// As stored: UTF-8 or ASCII with "/"; in foreign packages any bytes.
+    QByteArray name = {};
+    /// General purpose bit flag.
+    quint16 flags = 0;
+    /// kStored, kDeflated or any other number.
+    quint16 method = 0;
+    /// CRC-32 of the content.
+    quint32 crc = 0;
+    /// Size of the stored data, without the headers.
+    qint64 compressedSize = 0;
+    /// Size of the content, before compression.
+    qint64 size = 0;
+    /// Offset of the local header in the file.
+    qint64 headerOffset = 0;
+    /// When reading: offset where the next record of the file starts.
+    qint64 dataLimit = 0;
 };
 
 /// Compression methods.

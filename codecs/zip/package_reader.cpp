@@ -18,7 +18,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr qint64 kChunkBytes = 256 * 1024;
+constexpr qint64 kChunkBytes = qint64(256) * 1024;
 constexpr quint16 kFlagMasked = 1U << 13;
 constexpr quint16 kEncryptionFlags = kFlagEncrypted | kFlagStrongEncryption | kFlagMasked;
 

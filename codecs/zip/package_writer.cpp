@@ -20,7 +20,7 @@ namespace {
 constexpr qsizetype kMaxNameBytes = 0xFFFF;
 // Number of bytes after which a finished member is flushed, so that a sink that keeps blocks in
 // memory does not grow.
-constexpr qint64 kFlushBytes = 5 * 1024 * 1024;
+constexpr qint64 kFlushBytes = qint64(5) * 1024 * 1024;
 
 Fault<Error> faultOf(const Fault<deflate::Error> &fault)
 {

@@ -10,7 +10,8 @@
 namespace corvanta::zip {
 
 /// Read the members, in the directory's order. Every member is inside the file and before the
-/// directory, and no two members overlap. Errors: ReadFailed, NotAPackage, BadDirectory.
+/// directory, and no two members overlap. Names may occur more than once.
+/// Errors: ReadFailed, NotAPackage, BadDirectory.
 Result<std::vector<Member>, Error> readDirectory(ByteSource &source);
 
 /// Read exactly `n` bytes at `offset`. Errors: ReadFailed, also if there are fewer.
