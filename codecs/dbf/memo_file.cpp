@@ -26,9 +26,9 @@ constexpr qint64 kTextHeaderBytes = 8;
 constexpr quint32 kDbase4Mark = 0x0008FFFF;
 constexpr char kTextEnd = 0x1A;
 /// Maximum length of a dBase III text. The programs that wrote them stop at 64 KiB.
-constexpr qint64 kMaxEndedText = 1024 * 1024;
+constexpr qint64 kMaxEndedText = qint64(1024) * 1024;
 /// Size of one read if the texts are not requested in file order.
-constexpr qint64 kRandomReadBytes = 16 * 1024;
+constexpr qint64 kRandomReadBytes = qint64(16) * 1024;
 
 constexpr std::optional<QByteArrayView> kNoText;
 
@@ -71,7 +71,7 @@ Result<void, Error> MemoFile::prepare()
 
 Result<void, Error> MemoFile::load()
 {
-    constexpr size_t kPiece = 1024 * 1024;
+    constexpr size_t kPiece = size_t(1024) * 1024;
     size_t fill = 0;
     for (qint64 got = 1; got > 0; fill += static_cast<size_t>(std::max<qint64>(got, 0))) {
         if (fill > static_cast<size_t>(limits::kMemberBytes)) {

@@ -14,14 +14,19 @@
 namespace corvanta::dbf {
 
 enum class MemoFormat : quint8 {
-    Dbase3, ///< Blocks of 512 bytes; a text ends with 1A.
-    Dbase4, ///< The header has the block size, and each text its length.
-    FoxPro, ///< Like Dbase4 with other headers, big-endian.
+    /// dBase III (.dbt): blocks of 512 bytes; a text ends with the byte 1A.
+    Dbase3,
+    /// dBase IV (.dbt): the header has the block size, and each text its length, little-endian.
+    Dbase4,
+    /// FoxPro (.fpt): like Dbase4 with other headers, big-endian.
+    FoxPro,
 };
 
 /// The format of the table's memo file if its name ends with .dbt. An .fpt file is always FoxPro.
 MemoFormat memoFormatOf(const TableHeader &header);
 
+/// Finds texts by the number of their first block. Validates every offset and length against the
+/// size of the file, because tables often refer to texts that do not exist.
 class MemoFile
 {
 public:
@@ -41,6 +46,8 @@ public:
 private:
     using View = Result<QByteArrayView, Error>;
 
+    // prepare() runs once, at the first text. bytesAt() returns a view of m_window, valid until the
+    // next call; the caller checks that the bytes are inside the file.
     Result<void, Error> prepare();
     Result<void, Error> load();
     void readBlockSize(QByteArrayView head);

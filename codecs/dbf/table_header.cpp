@@ -218,26 +218,36 @@ std::optional<TableHeader> parseDbase2(QByteArrayView bytes)
     return header;
 }
 
+const Layout &layoutOf(bool isLevel7)
+{
+    return isLevel7 ? kLevel7 : kUsual;
+}
+
 /// Parse the descriptors in the layout of `header`, or in the other one if only that matches the
-/// record length. The user need not know which program wrote the table.
-Result<TableHeader, Error> parse(QByteArrayView bytes, TableHeader header)
+/// record length, and correct `header` then. The user need not know which program wrote the table.
+DescriptorList descriptorsOf(QByteArrayView bytes, TableHeader *header)
 {
     const auto fits = [&](const DescriptorList &descriptors) {
-        return !descriptors.fields.empty() && descriptors.recordBytes == header.recordBytes;
-    };
-    const auto layoutOf = [](bool isLevel7) -> const Layout & {
-        return isLevel7 ? kLevel7 : kUsual;
+        return !descriptors.fields.empty() && descriptors.recordBytes == header->recordBytes;
     };
     DescriptorList descriptors =
-        chooseDescriptors(bytes, layoutOf(header.isLevel7), header.recordBytes);
-    if (!fits(descriptors)) {
-        DescriptorList other =
-            chooseDescriptors(bytes, layoutOf(!header.isLevel7), header.recordBytes);
-        if (fits(other)) {
-            descriptors = std::move(other);
-            header.isLevel7 = !header.isLevel7;
-        }
+        chooseDescriptors(bytes, layoutOf(header->isLevel7), header->recordBytes);
+    if (fits(descriptors)) {
+        return descriptors;
     }
+    DescriptorList other =
+        chooseDescriptors(bytes, layoutOf(!header->isLevel7), header->recordBytes);
+    if (fits(other)) {
+        header->isLevel7 = !header->isLevel7;
+        return other;
+    }
+    return descriptors;
+}
+
+/// Complete the header with the fields that its descriptors describe.
+Result<TableHeader, Error> parse(QByteArrayView bytes, TableHeader header)
+{
+    const DescriptorList descriptors = descriptorsOf(bytes, &header);
     if (bytes.size() < layoutOf(header.isLevel7).fixedBytes) {
         return badHeader(QStringLiteral("its header or record length is not possible"), 8);
     }

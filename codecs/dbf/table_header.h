@@ -13,50 +13,81 @@
 
 namespace corvanta::dbf {
 
+/// Why a table or its memo file cannot be read.
 enum class Error : quint8 {
-    ShortHeader = 1,  ///< The file ends inside the header.
-    BadHeader,        ///< The lengths in the header contradict each other.
-    UnsupportedField, ///< A field has a type that cannot be read.
-    ShortTable,       ///< The file ends before the last record. The offset is its start.
-    Unreadable,       ///< The source failed.
-    MemoUnreadable,   ///< The source of the memo file failed.
-    MemoTooLarge,     ///< The memo file does not fit into memory.
+    /// The file ends inside the header.
+    ShortHeader = 1,
+    /// The lengths in the header contradict each other.
+    BadHeader,
+    /// A field has a type that cannot be read.
+    UnsupportedField,
+    /// The file ends before the last record. The offset is that of the first incomplete record.
+    ShortTable,
+    /// The source failed.
+    Unreadable,
+    /// The source of the memo file failed.
+    MemoUnreadable,
+    /// The memo file does not fit into memory.
+    MemoTooLarge,
 };
 
 using CellType = cell::Type;
 
 /// The conversion from a field's bytes to a cell.
 enum class Conversion : quint8 {
-    Text,      ///< Characters, padded with trailing spaces.
-    Digits,    ///< Characters of a number or date, padded with spaces on both sides.
-    Memo,      ///< Number of a memo block, as digits or as 4 bytes.
-    Logical,   ///< One letter, to a key.
-    Integer,   ///< 32 bits, to a double.
-    Key,       ///< 32 bits, to a key.
-    Double,    ///< 64 bits.
-    Timestamp, ///< Julian day and milliseconds, 32 bits each, to a text.
+    /// Characters, padded with trailing spaces.
+    Text,
+    /// Characters of a number or date, padded with spaces on both sides.
+    Digits,
+    /// Number of a memo block, as digits or as 4 bytes.
+    Memo,
+    /// One letter, to a key: 1 for T, t, Y, y; 0 for F, f, N, n; missing for any other.
+    Logical,
+    /// A signed number of 32 bits, to a double.
+    Integer,
+    /// An unsigned number of 32 bits, to a key.
+    Key,
+    /// An IEEE double of 64 bits.
+    Double,
+    /// Julian day and milliseconds, 32 bits each, to a text.
+    Timestamp,
 };
 
+/// A field of the records that becomes a column.
 struct Field
 {
-    QByteArray name; ///< As stored, up to the first NUL.
-    char type = 0;   ///< The type letter.
-    int length = 0;  ///< In bytes.
-    int offset = 0;  ///< In the record. Byte 0 of the record is the deletion flag.
+    /// As stored, up to the first NUL. In the encoding of the table's texts.
+    QByteArray name;
+    /// The type letter.
+    char type = 0;
+    /// Number of bytes in each record.
+    int length = 0;
+    /// Offset of the first byte in the record. Byte 0 of the record is the deletion flag.
+    int offset = 0;
+    /// The type of the column's cells. Follows from `conversion`.
     CellType cell = CellType::Text;
     Conversion conversion = Conversion::Text;
 };
 
-/// The content of a header. The lengths are checked; the record count may be wrong.
+/// The content of a header. The lengths are checked; the record count may be wrong, because
+/// programs that stop in the middle of an update leave the old one.
 struct TableHeader
 {
-    uchar version = 0;         ///< Byte 0 of the file.
-    bool isFoxPro = false;     ///< Whether the version is one of FoxPro's.
-    bool isLevel7 = false;     ///< Whether the layout is that of dBase 7.
-    quint32 recordCount = 0;   ///< Number of records, deleted ones included.
-    int headerBytes = 0;       ///< Offset of the first record.
-    int recordBytes = 0;       ///< With the deletion flag.
-    std::vector<Field> fields; ///< The fields that become columns, in file order.
+    /// Byte 0 of the file. Names the program and, in some bits, the presence of a memo file.
+    uchar version = 0;
+    /// Whether the version is one of FoxPro's.
+    bool isFoxPro = false;
+    /// Whether the layout is that of dBase 7.
+    bool isLevel7 = false;
+    /// Number of records, deleted ones included.
+    quint32 recordCount = 0;
+    /// Offset of the first record. May be larger than the descriptors need: some programs store
+    /// more data there.
+    int headerBytes = 0;
+    /// Size of a record, with the deletion flag.
+    int recordBytes = 0;
+    /// The fields that become columns, in file order.
+    std::vector<Field> fields;
 
     bool hasMemoFields() const;
     /// Whether the header announces a memo file.

@@ -212,6 +212,16 @@ void TableReader::chooseNumberForm()
     m_hasSortingNumbers = votes.sorting > votes.plain;
 }
 
+Fault<Error> TableReader::shortTable() const
+{
+    const auto offset =
+        static_cast<qint64>(m_findings.records) * m_header.recordBytes + m_header.headerBytes;
+    return {Error::ShortTable,
+            QStringLiteral("it ends after %1 of %2 records")
+                .arg(QString::number(m_findings.records), QString::number(m_header.recordCount)),
+            offset};
+}
+
 Result<TableReader::Item, Error> TableReader::next()
 {
     auto available = fill();
@@ -227,13 +237,7 @@ Result<TableReader::Item, Error> TableReader::next()
         return Item::End;
     }
     if (*available < m_header.recordBytes) {
-        const auto offset =
-            static_cast<qint64>(m_findings.records) * m_header.recordBytes + m_header.headerBytes;
-        return Fault<Error>{
-            Error::ShortTable,
-            QStringLiteral("it ends after %1 of %2 records")
-                .arg(QString::number(m_findings.records), QString::number(m_header.recordCount)),
-            offset};
+        return shortTable();
     }
     m_record = m_buffer.data() + m_at;
     m_at += static_cast<size_t>(m_header.recordBytes);

@@ -17,14 +17,17 @@ namespace corvanta::dbf {
 /// Facts about a table for warnings. Complete after next() has returned Item::End.
 struct Findings
 {
-    quint64 records = 0;         ///< Records read, with deleted ones.
-    quint64 unreadableMemos = 0; ///< Memo fields that refer to no valid text.
+    /// Records read, with deleted ones.
+    quint64 records = 0;
+    /// Memo fields that refer to no valid text.
+    quint64 unreadableMemos = 0;
     /// The end mark comes before the number of records in the header is reached.
     bool endsBeforeCount = false;
     /// More records follow than the number of records in the header.
     bool hasRecordsAfterCount = false;
 };
 
+/// Call open(), setMemoFile() if there is one, then next() and cell() for each record.
 class TableReader
 {
 public:
@@ -35,17 +38,20 @@ public:
     open(ByteSource &source, const TextDecoder &decoder, bool isLevel7, qint64 bufferBytes);
 
     const TableHeader &header() const { return m_header; }
-    /// The fields that become columns, in file order.
+    /// The fields that become columns, in file order. Fixed after open(); column numbers in the
+    /// other calls are indexes of this vector.
     const std::vector<Field> &columns() const { return m_header.fields; }
+    /// The decoded name of a column (0-based). Names need not be unique.
     QString columnName(size_t column) const { return m_decoder.decode(columns()[column].name); }
 
     /// Set the file with the texts of memo fields. It must outlive the reader. Without it, all memo
     /// fields are missing.
     void setMemoFile(MemoFile *memo) { m_memo = memo; }
 
+    /// What next() found. A deleted record can be read like any other.
     enum class Item : quint8 { Record, DeletedRecord, End };
     /// Move to the next record, which may be a deleted one: the caller can stop after each.
-    /// Errors: ShortTable, Unreadable.
+    /// The cells of the previous record stay valid. Errors: ShortTable, Unreadable.
     Result<Item, Error> next();
 
     /// The cell of a column (0-based) of the current record. `Arena` has a function alloc(int) that
@@ -58,6 +64,7 @@ public:
     /// Why cell() returned null. Call it only after that.
     const Fault<Error> &fault() const { return *m_fault; }
 
+    /// Facts so far. May be read at any time; see Findings for when they are complete.
     const Findings &findings() const { return m_findings; }
 
 private:
@@ -66,6 +73,8 @@ private:
     Result<qint64, Error> fill();
     void chooseNumberForm();
     void endOfCount();
+    // The file ends before the next record is complete.
+    Fault<Error> shortTable() const;
     const char *bytesOf(const Field &field) const { return m_record + field.offset; }
 
     static QByteArrayView trimmedText(const char *bytes, int n);
@@ -73,6 +82,7 @@ private:
     static quint32 logicalKey(const char *bytes, int n);
     std::optional<quint32> integerOf(const Field &field) const;
     double doubleOf(const Field &field) const;
+    // A date and time as the file stores it. The Julian day is a count of days.
     struct Moment
     {
         quint32 julianDay;
@@ -83,6 +93,7 @@ private:
     quint32 memoBlock(const Field &field);
     QByteArrayView memoText(const Field &field);
 
+    // Cells in memory of the arena.
     template <class Arena> const uchar *textCell(QByteArrayView bytes, Arena &arena);
     template <class T, class Arena> static const uchar *numberCell(T value, Arena &arena)
     {
@@ -98,6 +109,7 @@ private:
     std::optional<Fault<Error>> m_fault;
     Findings m_findings;
     bool m_hasSortingNumbers = false; // binary numbers have the big-endian form of dBase 7
+    // Bytes of the table. The unread ones are those from m_at to m_end.
     std::vector<char> m_buffer;
     size_t m_at = 0;
     size_t m_end = 0;

@@ -1,4 +1,7 @@
 // Decodes the texts of a table to UTF-16, without creating a QString for each.
+//
+// A table has one encoding for all texts and names. Its header names the encoding only roughly, so
+// the caller chooses it.
 #pragma once
 #include <QString>
 
@@ -16,6 +19,7 @@ public:
     static TextDecoder windows1252();
     /// Each byte becomes the unit with the same number.
     static TextDecoder unconverted();
+    /// Invalid bytes become U+FFFD.
     static TextDecoder utf8();
     /// The encoding with this iconv name; windows1252() if iconv does not know it.
     static TextDecoder named(const QString &encoding);
@@ -24,13 +28,14 @@ public:
     TextDecoder &operator=(TextDecoder &&) noexcept;
     ~TextDecoder();
 
-    /// Whether every byte gives exactly one unit.
+    /// Whether every byte gives exactly one unit, so that a text can be decoded directly into a
+    /// cell of known size.
     bool isByteForUnit() const { return m_kind == Kind::Table; }
 
     /// Convert `n` bytes to `out`, which has room for 2 * n units. Returns the number of units.
     /// Invalid bytes become U+FFFD.
     qsizetype decode(const char *in, qsizetype n, char16_t *out) const;
-    /// The same as a QString.
+    /// The same as a QString, for names and other texts that are decoded once per table.
     QString decode(const QByteArray &bytes) const;
 
 private:
@@ -41,6 +46,7 @@ private:
     bool fillTable(const Converter &converter);
     qsizetype decodeMultiByte(const char *in, qsizetype n, char16_t *out) const;
 
+    // Table: m_table has a unit for each byte. Utf8: base/utf.h. MultiByte: m_converter.
     Kind m_kind;
     bool m_isAsciiBased = true; // the first 128 entries of m_table are ASCII
     std::array<char16_t, 256> m_table{};

@@ -85,7 +85,28 @@ std::optional<EndRecord> parseEndRecord64(const QByteArray &record, qint64 offse
 }
 
 // The zip64 end record is where its locator says, or directly before the locator if bytes were
-// added before the zip file. Returns `ending` if there is no locator.
+// added before the zip file. Returns std::nullopt if it is at neither place.
+Result<std::optional<EndRecord>, Error> findEndRecord64(ByteSource &source, QByteArrayView locator,
+                                                        qint64 locatorOffset)
+{
+    const qint64 latest = locatorOffset - kEnd64Bytes;
+    const auto declared = narrow<qint64>(loadLE<quint64>(locator.data() + 8));
+    for (const qint64 offset : {declared.value_or(latest), latest}) {
+        if (offset > latest) {
+            continue;
+        }
+        const auto record = readAt(source, offset, kEnd64Bytes);
+        if (!record) {
+            return record.fault();
+        }
+        if (const auto found = parseEndRecord64(*record, offset)) {
+            return found;
+        }
+    }
+    return std::optional<EndRecord>();
+}
+
+// Returns `ending` if there is no zip64 end record and none is needed.
 Result<EndRecord, Error> readEndRecord64(ByteSource &source, const EndRecord &ending)
 {
     const qint64 locatorOffset = ending.offset - kLocator64Bytes;
@@ -99,19 +120,12 @@ Result<EndRecord, Error> readEndRecord64(ByteSource &source, const EndRecord &en
     if (loadLE<quint32>(locator->data()) != kLocator64Signature) {
         return ending;
     }
-    const qint64 latest = locatorOffset - kEnd64Bytes;
-    const auto declared = narrow<qint64>(loadLE<quint64>(locator->data() + 8));
-    for (const qint64 offset : {declared.value_or(latest), latest}) {
-        if (offset > latest) {
-            continue;
-        }
-        const auto record = readAt(source, offset, kEnd64Bytes);
-        if (!record) {
-            return record.fault();
-        }
-        if (const auto found = parseEndRecord64(*record, offset)) {
-            return *found;
-        }
+    const auto found = findEndRecord64(source, *locator, locatorOffset);
+    if (!found) {
+        return found.fault();
+    }
+    if (*found) {
+        return **found;
     }
     if (ending.isSaturated()) {
         return badDirectory("no zip64 end record"_L1, locatorOffset);
