@@ -72,6 +72,7 @@ constexpr int kGzipHeader = 16;
 class GzipDecompressor final : public Decompressor
 {
 public:
+    // The constructor cannot fail; uncompress() reports a lack of memory as bad data.
     GzipDecompressor() { m_isOpen = inflateInit2(&m_stream, MAX_WBITS + kEitherHeader) == Z_OK; }
     ~GzipDecompressor() override
     {
@@ -156,6 +157,7 @@ class ZstdDecompressor final : public Decompressor
 public:
     Result<void, Error> uncompress(std::span<const uchar> in, std::span<uchar> out) override
     {
+        // A library error is a number far above every size, so that one comparison is enough.
         return goodIf(ZSTD_decompressDCtx(m_context.get(), out.data(), out.size(), in.data(),
                                           in.size()) == out.size());
     }
@@ -174,7 +176,7 @@ public:
     size_t maxBytes(size_t n) const override { return ZSTD_compressBound(n); }
     Result<size_t, Error> compress(std::span<const char> in, char *out) override
     {
-        constexpr int kLevel = 3;
+        constexpr int kLevel = 3; // the default of the library
         const size_t size = ZSTD_compressCCtx(m_context.get(), out, maxBytes(in.size()), in.data(),
                                               in.size(), kLevel);
         return compressed(ZSTD_isError(size) != 0 ? 0 : size);
@@ -220,7 +222,7 @@ class BrotliDecompressor final : public Decompressor
 public:
     Result<void, Error> uncompress(std::span<const uchar> in, std::span<uchar> out) override
     {
-        size_t size = out.size();
+        size_t size = out.size(); // the room, and then the number of bytes written
         return goodIf(BrotliDecoderDecompress(in.size(), in.data(), &size, out.data()) ==
                           BROTLI_DECODER_RESULT_SUCCESS &&
                       size == out.size());
@@ -233,6 +235,7 @@ public:
     size_t maxBytes(size_t n) const override { return BrotliEncoderMaxCompressedSize(n); }
     Result<size_t, Error> compress(std::span<const char> in, char *out) override
     {
+        // 0 to 11. The default of 11 is too slow for files that are written once.
         constexpr int kQuality = 4;
         size_t size = maxBytes(in.size());
         const bool isGood =

@@ -1,4 +1,7 @@
 // Compresses and uncompresses pages, one class per codec.
+//
+// Pages are complete in memory and at most limits::kParquetPageBytes long when read, so that every
+// size fits the 32 bits of the libraries.
 #pragma once
 #include "codecs/parquet/metadata/records.h"
 
@@ -20,7 +23,7 @@ public:
     Decompressor &operator=(const Decompressor &) = delete;
     virtual ~Decompressor() = default;
     /// Fill `out`. Errors: BadData, without a detail, unless `in` contains exactly out.size()
-    /// bytes.
+    /// bytes. `out` may be partly written after a fault. The object can be used again.
     virtual Result<void, Error> uncompress(std::span<const uchar> in, std::span<uchar> out) = 0;
 };
 
@@ -44,7 +47,8 @@ public:
 std::unique_ptr<Decompressor> makeDecompressor(qint32 codec);
 std::unique_ptr<Compressor> makeCompressor(qint32 codec);
 
-/// The name of a codec, such as "SNAPPY" or "ZSTD"; the number for an unknown one.
+/// The name of a codec in parquet.thrift, such as "SNAPPY" or "ZSTD"; the number for an unknown
+/// one.
 QString codecName(qint32 codec);
 
 } // namespace corvanta::parquet

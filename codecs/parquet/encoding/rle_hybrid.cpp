@@ -49,6 +49,7 @@ public:
     template <class T> void addGroup(const T *values, size_t n)
     {
         endRepeated();
+        // A longer run would need a longer header, for which there is no room.
         if (m_groups == kMaxPackedGroups) {
             endPacked();
         }
@@ -104,6 +105,7 @@ private:
 
 bool HybridDecoder::readHeader(quint64 &header)
 {
+    // Six bytes: more than any page needs, and no shift beyond 64 bits.
     constexpr int kMaxShift = 35;
     header = 0;
     for (int shift = 0; m_at != m_end && shift <= kMaxShift; shift += 7) {
@@ -148,11 +150,14 @@ bool HybridDecoder::nextRun()
         m_repeated |= static_cast<quint32>(*m_at++) << (8 * i);
     }
     m_left = header >> 1;
+    // A shift by 32 is undefined, and every number fits 32 bits.
     return m_bitWidth == 32 || m_repeated >> m_bitWidth == 0;
 }
 
 template <class T> void HybridDecoder::unpack(T *out, qsizetype n)
 {
+    // Levels: 8 values per step. Runs of levels start at whole bytes, blocks have multiples of 8
+    // rows.
     if constexpr (sizeof(T) == 1) {
         if (m_bitWidth == 1 && m_bit % 8 == 0) {
             unpackBits(m_packed + m_bit / 8, n, out);
@@ -170,6 +175,7 @@ template <class T> void HybridDecoder::unpack(T *out, qsizetype n)
 
 template <class T> bool HybridDecoder::readAs(T *out, qsizetype n)
 {
+    // Writers may leave out the runs of a width of 0, so none are read.
     if (m_bitWidth == 0) {
         std::fill_n(out, n, T(0));
         return true;

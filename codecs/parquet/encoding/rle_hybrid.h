@@ -33,12 +33,14 @@ public:
     bool read(uchar *out, qsizetype n);
 
 private:
+    // The two forms of read() differ only in the type of the values.
     template <class T> bool readAs(T *out, qsizetype n);
     template <class T> void unpack(T *out, qsizetype n);
     bool nextRun();
     bool readHeader(quint64 &header);
     void startPackedRun(quint64 groups);
 
+    // The bytes after the current run.
     const uchar *m_at = nullptr;
     const uchar *m_end = nullptr;
     int m_bitWidth = 0;
@@ -58,10 +60,12 @@ void unpackBits(const uchar *bytes, qsizetype n, uchar *out);
 /// padded with zeros.
 void appendLevels(std::span<const uchar> levels, std::vector<char> &out);
 
-/// Append dictionary indexes in the hybrid form, with the same rules.
+/// Append dictionary indexes in the hybrid form, with the same rules. All indexes are below
+/// 2^bitWidth. Does not append the byte with the bit width.
 void appendIndexes(std::span<const quint32> indexes, int bitWidth, std::vector<char> &out);
 
-/// Number of bits of the largest value; 0 for 0.
+/// Number of bits of the largest value; 0 for 0. A width of 0 needs no bytes at all, because all
+/// values are 0.
 int bitWidthOf(quint32 largest);
 
 } // namespace corvanta::parquet

@@ -59,6 +59,7 @@ Result<FileMetaData, Error> readFooter(ByteSource &source)
     }
     const auto [begin, length] = *range;
     // The length is a claim of the file, up to 4 GiB. Its failure is not the end of the program.
+    // Not a vector, which would set all bytes to 0 first.
     const std::unique_ptr<uchar[]> bytes(new (std::nothrow) uchar[static_cast<size_t>(length)]);
     if (!bytes) {
         return Fault{Error::NoMemory, u"not enough memory for the metadata"_s, begin};

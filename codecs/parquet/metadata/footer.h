@@ -1,4 +1,4 @@
-// Reads the metadata at the end of a Parquet file.
+// Reads the metadata at the end of a Parquet file. Layout: footer.cpp.
 #pragma once
 #include "base/byte_source.h"
 #include "codecs/parquet/metadata/error.h"

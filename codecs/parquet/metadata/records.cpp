@@ -96,7 +96,8 @@ template <class T> bool readValue(CompactReader &in, std::vector<T> &list);
 template <class R> bool readValue(CompactReader &in, R &record);
 
 /// fields() calls it for each member of a record. It reads the current field into the member that
-/// has its id and type.
+/// has its id and type. A field with the right id and another type is skipped like an unknown one,
+/// as in code that Thrift generates.
 struct FieldReader
 {
     CompactReader &in;
@@ -143,6 +144,8 @@ template <class R> bool readValue(CompactReader &in, R &record)
         if (field.type == ThriftType::Stop) {
             break;
         }
+        // A visit of all members per field. Records are short and few: one per page and column
+        // chunk.
         R::fields(record, field);
         seen |= field.seen;
         if (!field.isGood || (!field.isTaken && in.skip(field.type) < 0)) {

@@ -24,13 +24,17 @@ namespace corvanta::parquet {
 
 /// The stored type of a column's values.
 enum Physical : qint32 {
+    /// One bit in PLAIN form, least significant bit first.
     kBoolean = 0,
     kInt32 = 1,
     kInt64 = 2,
+    /// Deprecated by the format; in use for timestamps: nanoseconds of the day, then Julian day.
     kInt96 = 3,
     kFloat = 4,
     kDouble = 5,
+    /// Each value has a length of 4 bytes.
     kByteArray = 6,
+    /// All values have SchemaElement::typeLength bytes.
     kFixedLenByteArray = 7,
 };
 /// Whether a column may have nulls or several values per row.
@@ -40,19 +44,24 @@ enum CodecNumber : qint32 {
     kUncompressed = 0,
     kSnappy = 1,
     kGzip = 2,
+    /// Not supported by any Decompressor.
     kLzo = 3,
     kBrotli = 4,
+    /// Deprecated by the format: LZ4 with an undocumented frame. Not supported.
     kLz4Hadoop = 5,
     kZstd = 6,
     kLz4Raw = 7,
 };
-/// What a page holds.
+/// What a page holds. Index pages are defined by the format but not in use.
 enum PageType : qint32 { kDataPage = 0, kIndexPage = 1, kDictionaryPage = 2, kDataPageV2 = 3 };
 /// How the values of a page are encoded.
 enum Encoding : qint32 {
     kPlain = 0,
+    /// Deprecated name of kPlain in a dictionary page, and of kRleDictionary in a data page.
     kPlainDictionary = 2,
+    /// Levels, and booleans in newer files.
     kRle = 3,
+    /// Levels in old files only.
     kBitPacked = 4,
     kDeltaBinaryPacked = 5,
     kDeltaLengthByteArray = 6,
@@ -60,7 +69,8 @@ enum Encoding : qint32 {
     kRleDictionary = 8,
     kByteStreamSplit = 9,
 };
-/// The older form of a column's annotation. Only the numbers in use.
+/// The older form of a column's annotation ("ConvertedType"). Only the numbers in use; the values
+/// are those of the file.
 enum Converted : qint32 {
     kUtf8 = 0,
     kDecimal = 5,
@@ -78,6 +88,8 @@ enum Converted : qint32 {
 /// A struct whose fields are not needed. Its presence is the information.
 struct Marker
 {
+    /// Here and in all records below: calls `f(id, member)` for each field, in ascending order of
+    /// ids. `Self` is const when the record is written.
     template <class Self, class F> static void fields(Self &, F &&) {}
 };
 using IndexPageHeader = Marker;
@@ -106,6 +118,8 @@ struct TimeType
 /// A decimal number: an integer times 10^-scale.
 struct DecimalType
 {
+    /// `precision` is the number of decimal digits. Unlike `scale` it is not needed to read a
+    /// value.
     qint32 scale = 0, precision = 0;
     template <class Self, class F> static void fields(Self &r, F &&f)
     {
@@ -116,6 +130,7 @@ struct DecimalType
 /// An integer of `bitWidth` bits.
 struct IntType
 {
+    /// 8, 16, 32 or 64. Values of up to 32 bits are stored as INT32.
     qint8 bitWidth = 0;
     bool isSigned = true;
     template <class Self, class F> static void fields(Self &r, F &&f)
@@ -129,6 +144,7 @@ struct IntType
 struct LogicalType
 {
     std::optional<DecimalType> decimal;
+    /// uuid and float16 annotate kFixedLenByteArray values of 16 and 2 bytes.
     std::optional<Marker> date, uuid, float16;
     std::optional<TimeType> time, timestamp;
     std::optional<IntType> integer;
@@ -143,9 +159,15 @@ struct LogicalType
 /// element with numChildren is followed by its children. Element 0 is the root.
 struct SchemaElement
 {
+    /// A Physical, set only for leaves; the bytes of a kFixedLenByteArray value; a Repetition, not
+    /// set for the root.
     std::optional<qint32> type, typeLength, repetitionType;
+    /// UTF-8.
     QByteArray name;
+    /// numChildren is set only for groups; convertedType is a Converted; scale and precision belong
+    /// to kDecimal; fieldId is not used.
     std::optional<qint32> numChildren, convertedType, scale, precision, fieldId;
+    /// Replaces convertedType in newer files. Writers usually set both.
     std::optional<LogicalType> logicalType;
     template <class Self, class F> static void fields(Self &r, F &&f)
     {
@@ -173,6 +195,7 @@ struct Statistics
 /// Details of a data page of version 1. numValues includes nulls.
 struct DataPageHeader
 {
+    /// The three encodings are Encoding numbers.
     qint32 numValues = 0, encoding = 0, definitionLevelEncoding = 0, repetitionLevelEncoding = 0;
     std::unique_ptr<Statistics> statistics;
     template <class Self, class F> static void fields(Self &r, F &&f)
@@ -185,7 +208,9 @@ struct DataPageHeader
 /// Details of a dictionary page. numValues is the number of entries.
 struct DictionaryPageHeader
 {
+    /// `encoding` is kPlain or kPlainDictionary; both mean PLAIN values.
     qint32 numValues = 0, encoding = 0;
+    /// Whether the entries are in ascending order.
     std::optional<bool> isSorted;
     template <class Self, class F> static void fields(Self &r, F &&f)
     {
@@ -197,9 +222,13 @@ struct DictionaryPageHeader
 /// and never compressed.
 struct DataPageHeaderV2
 {
+    /// numRows differs from numValues only in repeated columns.
     qint32 numValues = 0, numNulls = 0, numRows = 0, encoding = 0;
+    /// Sizes of the levels, which are part of both page sizes in PageHeader. The repetition levels
+    /// come first.
     qint32 definitionLevelsByteLength = 0, repetitionLevelsByteLength = 0;
-    std::optional<bool> isCompressed; ///< True if not set.
+    /// Whether the values are compressed. True if not set.
+    std::optional<bool> isCompressed;
     std::unique_ptr<Statistics> statistics;
     template <class Self, class F> static void fields(Self &r, F &&f)
     {
@@ -213,6 +242,7 @@ struct DataPageHeaderV2
 /// file. `crc` is the CRC-32 of the stored bytes.
 struct PageHeader
 {
+    /// `type` is a PageType. The sizes are those of the page without this record.
     qint32 type = 0, uncompressedPageSize = 0, compressedPageSize = 0;
     std::optional<qint32> crc;
     std::optional<DataPageHeader> dataPageHeader;
@@ -231,11 +261,17 @@ struct PageHeader
 /// 8, key/value metadata, is skipped.
 struct ColumnMetaData
 {
+    /// A Physical. Must be that of the column's SchemaElement.
     qint32 type = 0;
+    /// All encodings in use, for readers that want to reject a chunk early. Not needed for reading.
     std::vector<qint32> encodings;
+    /// Names from the root's child to the leaf, in UTF-8.
     std::vector<QByteArray> pathInSchema;
+    /// A CodecNumber. Applies to all pages of the chunk.
     qint32 codec = 0;
+    /// The sizes include the page headers. dataPageOffset is that of the first data page.
     qint64 numValues = 0, totalUncompressedSize = 0, totalCompressedSize = 0, dataPageOffset = 0;
+    /// Some writers set dictionaryPageOffset to 0 in place of leaving it out.
     std::optional<qint64> indexPageOffset, dictionaryPageOffset;
     std::unique_ptr<Statistics> statistics;
     template <class Self, class F> static void fields(Self &r, F &&f)
@@ -249,8 +285,11 @@ struct ColumnMetaData
 /// The part of a column in one row group. `filePath` names another file if set.
 struct ColumnChunk
 {
+    /// The reader rejects chunks in other files.
     std::optional<QByteArray> filePath;
+    /// Not reliable: writers store different things here. ColumnMetaData has the real offsets.
     qint64 fileOffset = 0;
+    /// Not set in encrypted files.
     std::unique_ptr<ColumnMetaData> metaData;
     template <class Self, class F> static void fields(Self &r, F &&f)
     {
@@ -273,6 +312,7 @@ struct SortingColumn
 struct RowGroup
 {
     std::vector<ColumnChunk> columns;
+    /// totalByteSize is the uncompressed size of all chunks.
     qint64 totalByteSize = 0, numRows = 0;
     std::optional<std::vector<SortingColumn>> sortingColumns;
     template <class Self, class F> static void fields(Self &r, F &&f)
@@ -284,6 +324,7 @@ struct RowGroup
 /// An entry of the metadata that applications add.
 struct KeyValue
 {
+    /// UTF-8, as is `value`.
     QByteArray key;
     std::optional<QByteArray> value;
     template <class Self, class F> static void fields(Self &r, F &&f)
@@ -292,9 +333,10 @@ struct KeyValue
     }
 };
 
-/// The order of a column's minValue and maxValue.
+/// The order of a column's minValue and maxValue. Readers ignore the two if it is not set.
 struct ColumnOrder
 {
+    /// The only order that the format defines: that of the column's type.
     std::optional<Marker> typeDefined;
     template <class Self, class F> static void fields(Self &r, F &&f) { f(1, r.typeDefined); }
 };
@@ -305,12 +347,17 @@ inline constexpr char kCreatedBy[] = "Corvanta";
 /// The record at the end of the file.
 struct FileMetaData
 {
+    /// Version of the format: 1 or 2. Readers need not check it.
     qint32 version = 0;
+    /// The schema tree; see SchemaElement.
     std::vector<SchemaElement> schema;
+    /// Total of all row groups.
     qint64 numRows = 0;
     std::vector<RowGroup> rowGroups;
     std::optional<std::vector<KeyValue>> keyValueMetadata;
+    /// Name and version of the program that wrote the file.
     std::optional<QByteArray> createdBy;
+    /// One per leaf of the schema.
     std::optional<std::vector<ColumnOrder>> columnOrders;
     template <class Self, class F> static void fields(Self &r, F &&f)
     {
@@ -320,7 +367,8 @@ struct FileMetaData
 };
 
 /// Read a record. Returns its size in bytes. Errors: BadThrift, without a detail, if the record is
-/// truncated or malformed; `record` is then partly filled.
+/// truncated or malformed, or a required field is missing; `record` is then partly filled. Members
+/// that the bytes do not contain keep their values: pass a new record.
 Result<qint64, Error> readRecord(CompactReader &in, FileMetaData &record);
 Result<qint64, Error> readRecord(CompactReader &in, PageHeader &record);
 /// Append a record. Returns its size in bytes. Errors: TextTooLong for a string above 2 GiB.

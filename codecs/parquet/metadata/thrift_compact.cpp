@@ -116,7 +116,7 @@ int CompactReader::readFieldBegin(ThriftType *type, qint16 *id)
     const uchar header = m_bytes[m_at++];
     const quint8 wire = header & 0x0F;
     *type = fromWire(wire);
-    if (wire == 0) {
+    if (wire == 0) { // the end of the struct; the other bits have no meaning
         return 1;
     }
     if (*type == ThriftType::Stop) {
@@ -148,6 +148,8 @@ int CompactReader::readListBegin(ThriftType *element, qint32 *size)
     }
     *element = fromWire(header & 0x0F);
     const auto limit = static_cast<quint64>(m_elementLimit > 0 ? m_elementLimit : bytesLeft());
+    // Every element has at least one byte, so that a longer list cannot be valid. This keeps a few
+    // bytes from asking for gigabytes. Some writers give empty lists no element type.
     const bool isTyped = *element != ThriftType::Stop || count == 0;
     if (!isTyped || count > limit || count > static_cast<quint64>(bytesLeft()) ||
         count > std::numeric_limits<qint32>::max()) {
@@ -166,7 +168,7 @@ int CompactReader::readBool(bool *value)
     }
     qint8 byte = 0;
     const int consumed = readByte(&byte);
-    *value = byte == kWireTrue;
+    *value = byte == kWireTrue; // every other byte is false, as 0 is in files of some writers
     return consumed;
 }
 
@@ -349,6 +351,7 @@ bool CompactReader::skipNext(std::vector<Open> *open)
 
 qint64 CompactReader::skip(ThriftType type)
 {
+    // The loop ends, because each step consumes bytes or closes a container.
     const size_t begin = m_at;
     std::vector<Open> open;
     bool isGood = openForSkip(type, &open);
@@ -385,6 +388,7 @@ int CompactWriter::writeStructEnd()
 int CompactWriter::writeFieldHeader(quint8 wireType, qint16 id)
 {
     constexpr int kMaxDelta = 15;
+    // 0 in the high nibble means that the id follows, and so do negative differences.
     const int delta = id - m_lastId;
     m_lastId = id;
     if (delta > 0 && delta <= kMaxDelta) {
@@ -397,6 +401,7 @@ int CompactWriter::writeFieldHeader(quint8 wireType, qint16 id)
 
 int CompactWriter::writeFieldBegin(ThriftType type, qint16 id)
 {
+    // The header of a bool field contains its value, which writeBool() gets.
     if (type == ThriftType::Bool) {
         m_boolId = id;
         return 0;

@@ -43,7 +43,7 @@ public:
     }
     /// Limit the number of elements of a list and of bytes of a string. 0 means no extra limit.
     void setLimits(qint64 elements, qint64 stringBytes);
-    /// Number of bytes consumed so far.
+    /// Number of bytes consumed so far. After a failure it is the number of all bytes.
     qint64 position() const { return static_cast<qint64>(m_at); }
     qint64 bytesLeft() const { return static_cast<qint64>(m_bytes.size() - m_at); }
 
@@ -54,6 +54,8 @@ public:
     /// Read the header of a field. `type` is Stop after the last field of a struct; `id` is then
     /// unchanged.
     int readFieldBegin(ThriftType *type, qint16 *id);
+    /// The protocol has no bytes for the ends of fields and lists. These functions exist so that
+    /// callers read like the interface that Thrift defines.
     int readFieldEnd() { return 0; }
     /// Read the header of a list: the type and the number of its elements.
     int readListBegin(ThriftType *element, qint32 *size);
@@ -62,6 +64,7 @@ public:
     /// one byte.
     int readBool(bool *value);
     int readByte(qint8 *value);
+    /// Zigzag varints of up to 10 bytes. Higher bits than the type has are dropped.
     int readI16(qint16 *value);
     int readI32(qint32 *value);
     int readI64(qint64 *value);
@@ -82,8 +85,10 @@ private:
         quint64 left = 0;      // remaining values; not used for structs
         ThriftType element[2]; // element type of a list, twice; key and value types of a map
     };
+    // Consumes all bytes, so that every later operation fails too. Returns -1.
     int fail();
     int readVarint(quint64 *value);
+    // Steps of skip(). They return false after a failure.
     bool skipScalar(ThriftType type);
     bool openList(Open *added);
     bool openMap(Open *added);
@@ -92,6 +97,7 @@ private:
 
     std::span<const uchar> m_bytes;
     size_t m_at = 0;
+    // 0: only the number of unread bytes limits a size.
     qint64 m_elementLimit = 0;
     qint64 m_stringLimit = 0;
     std::vector<qint16> m_outerIds; // last field ids of the enclosing structs
@@ -106,6 +112,8 @@ public:
     /// All bytes written so far.
     const QByteArray &bytes() const { return m_bytes; }
 
+    /// A struct is writeStructBegin(), its fields, writeFieldStop(), and writeStructEnd(). Fields
+    /// in ascending order of ids need fewer bytes; any order is valid.
     int writeStructBegin();
     int writeStructEnd();
     /// Write the header of a field. The header of a bool field is written with its value.
@@ -126,6 +134,7 @@ public:
     qint64 writeString(const QByteArray &value) { return writeBinary(value); }
     /// Fails above 2147483647 bytes.
     qint64 writeBinary(const QByteArray &value);
+    /// Write the header of a message. `type` is a number below 8.
     qint64 writeMessageBegin(const QByteArray &name, qint8 type, qint32 sequence);
 
 private:

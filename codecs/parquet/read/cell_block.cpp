@@ -133,44 +133,41 @@ void convertEach(const uchar *values, int stride, qsizetype n, uchar *out, Conve
     }
 }
 
+void convertInt96(const uchar *values, qsizetype n, uchar *out)
+{
+    for (qsizetype i = 0; i < n; ++i) {
+        storeNative(fromInt96(values + i * 12), out + i * 8);
+    }
+}
+
+/// Choose the loop of a form once per block, so that the loops have no branches.
 void convertNumbers(Form form, const uchar *values, qsizetype n, uchar *out)
 {
+    const auto toKey = [](auto value) { return static_cast<quint32>(value); };
     const auto toDouble = [](auto value) { return static_cast<double>(value); };
     switch (form) {
     case Form::KeyFromBoolean:
-        convertEach<quint8>(values, 1, n, out, [](quint8 value) { return quint32(value); });
-        break;
+        return convertEach<quint8>(values, 1, n, out, toKey);
     case Form::Key32:
-        convertEach<quint32>(values, 4, n, out, [](quint32 value) { return value; });
-        break;
-    case Form::KeyLow32:
-        convertEach<quint32>(values, 8, n, out, [](quint32 value) { return value; });
-        break;
+        return convertEach<quint32>(values, 4, n, out, toKey);
+    case Form::KeyLow32: // the low half of a little-endian number comes first
+        return convertEach<quint32>(values, 8, n, out, toKey);
     case Form::DoubleFromInt64:
-        convertEach<qint64>(values, 8, n, out, toDouble);
-        break;
+        return convertEach<qint64>(values, 8, n, out, toDouble);
     case Form::DoubleFromUint64:
-        convertEach<quint64>(values, 8, n, out, toDouble);
-        break;
+        return convertEach<quint64>(values, 8, n, out, toDouble);
     case Form::DoubleFromInt32:
-        convertEach<qint32>(values, 4, n, out, toDouble);
-        break;
+        return convertEach<qint32>(values, 4, n, out, toDouble);
     case Form::DoubleFromUint32:
-        convertEach<quint32>(values, 4, n, out, toDouble);
-        break;
+        return convertEach<quint32>(values, 4, n, out, toDouble);
     case Form::DoubleFromHalf:
-        convertEach<quint16>(values, 2, n, out, fromHalf);
-        break;
+        return convertEach<quint16>(values, 2, n, out, fromHalf);
     case Form::DoubleFromFloat:
-        convertEach<float>(values, 4, n, out, toDouble);
-        break;
+        return convertEach<float>(values, 4, n, out, toDouble);
     case Form::DoubleFromInt96:
-        for (qsizetype i = 0; i < n; ++i) {
-            storeNative(fromInt96(values + i * 12), out + i * 8);
-        }
-        break;
+        return convertInt96(values, n, out);
     default:
-        convertEach<double>(values, 8, n, out, toDouble);
+        return convertEach<double>(values, 8, n, out, toDouble);
     }
 }
 
@@ -248,6 +245,7 @@ void gather(const std::shared_ptr<const CellBlock> &dictionary, std::span<const 
     block.dictionary = dictionary;
     if (block.cellBytes == 0) {
         block.texts.resize(n);
+        // Only addresses are copied; block.dictionary keeps the cells alive.
         for (size_t i = 0; i < n; ++i) {
             block.texts[i] = dictionary->texts[indexes[i]];
         }
@@ -261,6 +259,8 @@ void gather(const std::shared_ptr<const CellBlock> &dictionary, std::span<const 
 
 void spreadOverNulls(const Column &column, std::span<const uchar> levels, CellBlock &block)
 {
+    // The width is that of the column and not of the block: a block without values still has the
+    // width of its last use.
     const auto width = static_cast<size_t>(cellBytesOf(column.form));
     size_t value = static_cast<size_t>(block.rows);
     const size_t rows = levels.size();

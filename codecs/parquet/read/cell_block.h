@@ -25,8 +25,10 @@ public:
         }
         return m_bytes.get();
     }
+    /// The memory of the last room(); null before the first call.
     uchar *data() { return m_bytes.get(); }
     const uchar *data() const { return m_bytes.get(); }
+    /// Number of bytes allocated.
     size_t capacity() const { return m_size; }
 
 private:
@@ -38,6 +40,7 @@ private:
 /// never shrinks.
 struct CellBlock
 {
+    /// Number of cells.
     qsizetype rows = 0;
     /// 4 or 8: the cells are adjacent in `fixed`. 0: they are text cells, and `texts` has their
     /// addresses.
@@ -76,7 +79,7 @@ void gather(const std::shared_ptr<const CellBlock> &dictionary, std::span<const 
             CellBlock &block);
 
 /// Distribute the block's cells over the rows whose level is not 0. The other rows become missing.
-/// `levels` has one byte per row.
+/// `levels` has one byte per row, and as many that are not 0 as the block has cells.
 void spreadOverNulls(const Column &column, std::span<const uchar> levels, CellBlock &block);
 
 } // namespace corvanta::parquet

@@ -34,6 +34,7 @@ class LeafCollector
 public:
     void add(const SchemaElement &element)
     {
+        // The groups that the previous element has completed.
         while (!m_open.empty() && m_open.back().missingChildren == 0) {
             m_open.pop_back();
         }
@@ -47,6 +48,7 @@ public:
         if (children <= 0) {
             m_leaves.push_back({&element, name, isNested});
         } else {
+            // Deeply nested groups in a damaged schema would make the names grow without limit.
             constexpr qsizetype kMaxPrefix = 1000;
             m_open.push_back({children, name.left(kMaxPrefix) + u'.'});
         }
@@ -116,9 +118,12 @@ Form strictForm(qint32 physical, const ReadOptions &options)
 /// Whether the statistics of every row group show that doubles hold all values exactly.
 bool fitsDouble(const FileMetaData &file, size_t chunk, bool isUnsigned)
 {
+    // A double has 53 significant bits, so that all integers up to this one are exact.
     constexpr qint64 kMaxExact = qint64(1) << 53;
     const auto isSmall = [isUnsigned](const std::optional<QByteArray> &newer,
                                       const std::optional<QByteArray> &older) {
+        // The older members compare as signed numbers, which the check below allows for: an
+        // unsigned column with a value of 2^63 or more has a negative minimum there.
         const std::optional<QByteArray> &bytes = newer ? newer : older;
         if (!bytes || bytes->size() != sizeof(qint64)) {
             return false;
@@ -133,6 +138,7 @@ bool fitsDouble(const FileMetaData &file, size_t chunk, bool isUnsigned)
             return false;
         }
         const Statistics &s = *data->statistics;
+        // A chunk without values has no range.
         const bool isAllNull = s.nullCount == data->numValues;
         return isAllNull || (isSmall(s.minValue, s.min) && isSmall(s.maxValue, s.max));
     });
@@ -166,6 +172,7 @@ public:
             setInteger64();
             break;
         case kInt96:
+            // INT96 has no annotation. In practice it always holds a timestamp without a time zone.
             setTime(Form::TextInt96, 1'000'000'000, false);
             break;
         case kByteArray:
@@ -186,6 +193,7 @@ private:
         m_column.form = Form::TextDecimal;
         const qint32 scale =
             m_logical.decimal ? m_logical.decimal->scale : m_element.scale.value_or(0);
+        // Limits the length of the text, which has a zero for each missing digit.
         constexpr qint32 kMaxScale = 1000;
         m_column.detail.scale = qBound(0, scale, kMaxScale);
         return true;
@@ -212,6 +220,7 @@ private:
         } else if (m_converted == kTimeMillis || m_converted == kTimeMicros) {
             setTime(Form::TextTime, m_converted == kTimeMillis ? 1000 : 1'000'000, false);
         } else if (m_converted == kTimestampMillis || m_converted == kTimestampMicros) {
+            // The older annotations always mean UTC.
             setTime(Form::TextTimestamp, m_converted == kTimestampMillis ? 1000 : 1'000'000, true);
         } else {
             return false;
@@ -229,7 +238,7 @@ private:
         if (m_logical.date || m_converted == kDate) {
             m_column.form = Form::TextDate;
         } else if (isUnsigned(8, kUint8) || isUnsigned(16, kUint16)) {
-            m_column.form = Form::Key32;
+            m_column.form = Form::Key32; // too small to be a missing key
         } else if (isUnsigned(32, kUint32)) {
             m_column.form = Form::DoubleFromUint32; // a key cannot hold the two missing values
         } else if (!setDecimal() && !setTimes()) {
@@ -285,7 +294,8 @@ Result<void, Error> checkCodec(qint32 codec, const ReadOptions &options)
     return unreadable(why.arg(codecName(codec)));
 }
 
-/// Whether the chunks of a column can be read.
+/// Whether the chunks of a column can be read. Checked before the first row, so that a graph does
+/// not fail in the middle of a file.
 Result<void, Error> checkChunks(const FileMetaData &file, const Column &column,
                                 const ReadOptions &options)
 {
@@ -317,6 +327,8 @@ Result<void, Error> checkLeaf(const Leaf &leaf)
     if (leaf.element->repetitionType.value_or(kRequired) == kRepeated) {
         return unreadable(u"repeated columns are not supported"_s);
     }
+    // Levels of nested leaves may exceed 1, because each optional group adds one. ColumnReader
+    // knows only levels of one bit.
     if (leaf.isNested) {
         return unreadable(u"nested columns are not supported"_s);
     }
@@ -324,6 +336,7 @@ Result<void, Error> checkLeaf(const Leaf &leaf)
         *leaf.element->type > kFixedLenByteArray) {
         return unreadable(u"its type is not known"_s);
     }
+    // Larger than any real value, and small enough that sizes computed from it do not overflow.
     constexpr int kMaxValueBytes = 1 << 20;
     const int bytes = storedBytes(*leaf.element);
     if (*leaf.element->type == kFixedLenByteArray && (bytes < 1 || bytes > kMaxValueBytes)) {
@@ -365,6 +378,7 @@ namespace {
 Column columnOf(const FileMetaData &file, const Leaf &leaf, size_t chunk,
                 const ReadOptions &options)
 {
+    // checkLeaf() has verified the type.
     Column column;
     column.name = leaf.name;
     column.chunk = chunk;
@@ -411,6 +425,7 @@ Result<Columns, Error> selectColumns(const FileMetaData &file, const ReadOptions
             result.skipped << columnDetail(leaf.name, column.fault().detail);
         }
     }
+    // The first fault names the column that the user has to leave out.
     const bool isRefused = result.columns.empty() || !options.skipsUnreadable;
     if (isRefused && !result.skipped.isEmpty()) {
         return Fault{Error::BadData, result.skipped.first()};

@@ -17,32 +17,45 @@ namespace corvanta::parquet {
 /// How a file is read. The defaults keep the results of saved graphs unchanged.
 struct ReadOptions
 {
-    bool int64ToKey = true;         ///< Convert INT64 to keys (the low 32 bits), not to doubles.
-    bool extendedEncodings = false; ///< Accept the newer encodings and codecs.
-    bool logicalTypes = false;      ///< Convert values according to the annotation of the column.
-    bool pageChecksums = false;     ///< Verify the checksums in page headers.
-    bool selectsColumns = false;    ///< Read only the columns in `selection`.
-    QStringList selection;          ///< Names of columns; a group and its child joined by a dot.
-    bool skipsUnreadable = false;   ///< Skip unreadable columns, as long as one is readable.
+    /// Convert INT64 to keys (the low 32 bits), not to doubles.
+    bool int64ToKey = true;
+    /// Accept the newer encodings (encodings.h) and codecs (Brotli, Zstandard, LZ4). Without it, a
+    /// column that uses one cannot be read.
+    bool extendedEncodings = false;
+    /// Convert values according to the annotation of the column.
+    bool logicalTypes = false;
+    /// Verify the checksums in page headers. Pages without a checksum are accepted.
+    bool pageChecksums = false;
+    /// Read only the columns in `selection`, in the file's order. If false, read all columns.
+    bool selectsColumns = false;
+    /// Names of columns; a group and its child joined by a dot.
+    QStringList selection;
+    /// Skip unreadable columns, as long as one is readable.
+    bool skipsUnreadable = false;
 };
 
 using CellType = cell::Type;
 
 /// The conversion from a stored value to a cell.
 enum class Form : quint8 {
+    /// 0 or 1.
     KeyFromBoolean,
-    Key32,    ///< The 32 bits unchanged.
-    KeyLow32, ///< The low 32 of 64 bits.
+    /// The 32 bits unchanged.
+    Key32,
+    /// The low 32 of 64 bits.
+    KeyLow32,
+    /// Rounded to the nearest double if the value has more than 53 bits.
     DoubleFromInt64,
     DoubleFromInt96,
     DoubleFromFloat,
     Double,
     Text,
-    // Used only with ReadOptions::logicalTypes:
+    // Used only with ReadOptions::logicalTypes. The text forms are those of putLogical().
     DoubleFromInt32,
     DoubleFromUint32,
     DoubleFromUint64,
     DoubleFromHalf,
+    /// Used in place of a double if a value needs more than 53 bits.
     TextInt64,
     TextUint64,
     TextDate,
@@ -53,26 +66,36 @@ enum class Form : quint8 {
     TextUuid,
 };
 
-/// The cell type that a conversion produces.
+/// The cell type that a conversion produces: the type of the column's cells.
 CellType cellTypeOf(Form form);
 
 /// Parameters of some conversions.
 struct FormDetail
 {
-    int scale = 0;             ///< Digits after the decimal point, 0 to 1000 (decimals).
-    qint64 ticksPerSecond = 1; ///< Units of the stored number (times, timestamps).
-    int fractionDigits = 0;    ///< Digits that one unit needs (times, timestamps).
-    bool isUtc = false;        ///< Whether the text ends with "Z" (timestamps).
+    /// Digits after the decimal point, 0 to 1000 (decimals).
+    int scale = 0;
+    /// Units of the stored number (times, timestamps).
+    qint64 ticksPerSecond = 1;
+    /// Digits that one unit needs (times, timestamps).
+    int fractionDigits = 0;
+    /// Whether the text ends with "Z" (timestamps).
+    bool isUtc = false;
 };
 
 /// A column that can be read.
 struct Column
 {
-    QString name;            ///< With the names of its groups, separated by dots.
-    size_t chunk = 0;        ///< 0-based index of its chunk in each row group.
-    qint32 physical = 0;     ///< A value of Physical.
-    int valueBytes = 0;      ///< Bytes of a stored value; 0 if they have different lengths.
-    bool isOptional = false; ///< Whether it may have nulls.
+    /// With the names of its groups, separated by dots.
+    QString name;
+    /// 0-based index of its chunk in each row group.
+    size_t chunk = 0;
+    /// A value of Physical.
+    qint32 physical = 0;
+    /// Bytes of a stored value; 0 if they have different lengths.
+    int valueBytes = 0;
+    /// Whether it may have nulls.
+    bool isOptional = false;
+    /// Chosen from the physical type, the annotation and the options.
     Form form = Form::Text;
     FormDetail detail;
 };
@@ -80,9 +103,12 @@ struct Column
 /// The selected columns of a file.
 struct Columns
 {
-    std::vector<Column> columns; ///< In the file's order.
-    QStringList missing;         ///< Selected names that the file does not have.
-    QStringList skipped;         ///< columnDetail() of each skipped column.
+    /// In the file's order.
+    std::vector<Column> columns;
+    /// Selected names that the file does not have.
+    QStringList missing;
+    /// columnDetail() of each skipped column.
+    QStringList skipped;
 };
 
 /// Determine the columns that the options select. Errors: BadData if a selected column is nested,

@@ -25,7 +25,8 @@ namespace {
 
 constexpr size_t kLengthBytes = 4; // of the length before runs and before byte arrays
 
-/// Offset of the first page of a chunk: the dictionary page if it comes first.
+/// Offset of the first page of a chunk: the dictionary page if it comes first. Some writers set its
+/// offset to 0 if there is none.
 qint64 firstPageOf(const ColumnMetaData &chunk)
 {
     const qint64 dictionary = chunk.dictionaryPageOffset.value_or(0);
@@ -67,8 +68,9 @@ Fault<Error> ColumnReader::bad(const QString &why) const
 
 bool ColumnReader::startGroup()
 {
-    m_pageRows = 0;
+    m_pageRows = 0; // a page belongs to one row group, and so does a dictionary
     m_dictionary.reset();
+    // Row groups without rows need not have pages.
     while (m_groupRows <= 0) {
         if (m_group == m_metaData.rowGroups.size()) {
             return false;
@@ -120,6 +122,7 @@ ColumnReader::Done ColumnReader::readDictionary(const Page &page)
         return bad(
             u"a dictionary in the encoding %1 is not supported"_s.arg(encodingName(page.encoding)));
     }
+    // No encoding of booleans uses a dictionary. Ignore a superfluous one.
     if (m_column.physical == kBoolean) {
         return {};
     }
@@ -128,6 +131,7 @@ ColumnReader::Done ColumnReader::readDictionary(const Page &page)
     const auto dictionary = std::make_shared<CellBlock>();
     const size_t smallest =
         m_column.valueBytes != 0 ? static_cast<size_t>(m_column.valueBytes) : kLengthBytes;
+    // Check the number before it becomes the size of an allocation.
     if (static_cast<size_t>(page.numValues) > m_data.size() / smallest) {
         return bad(u"its dictionary is cut off"_s);
     }
@@ -168,10 +172,16 @@ ColumnReader::Done ColumnReader::startLevels(const Page &page, std::span<const u
         m_levelRuns = HybridDecoder(runs, 1);
         return {};
     }
-    if (page.levelEncoding != kBitPacked) {
-        return bad(
-            u"levels in the encoding %1 are not supported"_s.arg(encodingName(page.levelEncoding)));
+    if (page.levelEncoding == kBitPacked) {
+        return startLevelBits(page, data);
     }
+    return bad(
+        u"levels in the encoding %1 are not supported"_s.arg(encodingName(page.levelEncoding)));
+}
+
+/// The levels of old files. Unlike runs, they have no length of their own.
+ColumnReader::Done ColumnReader::startLevelBits(const Page &page, std::span<const uchar> &data)
+{
     const auto bytes = (static_cast<size_t>(page.numValues) + 7) / 8;
     if (bytes > data.size()) {
         return bad(u"the levels of a page do not fit it"_s);
@@ -216,6 +226,7 @@ ColumnReader::Done ColumnReader::startIndexes(std::span<const uchar> data)
 {
     constexpr int kMaxBits = 32;
     m_values = Values::Dictionary;
+    // A page that has only nulls may be empty. A width of 0 needs no bytes either.
     const int bitWidth = data.empty() ? 0 : data[0];
     if (bitWidth > kMaxBits) {
         return bad(u"a dictionary index of %1 bits"_s.arg(QString::number(bitWidth)));
@@ -255,7 +266,7 @@ ColumnReader::Done ColumnReader::decodeBlock(qsizetype rows, CellBlock &block)
             return done;
         }
     }
-    if (values != 0) {
+    if (values != 0) { // a page with only nulls need not have a dictionary
         if (auto done = decodeValues(values, block); !done) {
             return done;
         }
@@ -334,6 +345,7 @@ ColumnReader::Done ColumnReader::decodeIndexes(qsizetype n, CellBlock &block)
     if (!m_runs.read(m_indexes.data(), n)) {
         return bad(u"the values of a page are cut off"_s);
     }
+    // One check of the largest index replaces a check per value in gather().
     const quint32 largest = *std::max_element(m_indexes.begin(), m_indexes.end());
     if (largest >= static_cast<quint64>(m_dictionary->rows)) {
         return bad(u"entry %1 of a dictionary of %2"_s.arg(QString::number(largest),
@@ -349,6 +361,7 @@ bool ColumnReader::takeBooleans(std::span<uchar> values)
     if (m_values == Values::BooleanRuns) {
         return m_runs.read(values.data(), static_cast<qsizetype>(values.size()));
     }
+    // PLAIN booleans are bits, least significant bit first. Blocks may end inside a byte.
     const qsizetype available = static_cast<qsizetype>(m_data.size()) * 8 - m_bit;
     if (static_cast<qsizetype>(values.size()) > available) {
         return false;

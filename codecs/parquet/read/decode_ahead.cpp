@@ -1,3 +1,5 @@
+// Decodes the columns of a file on worker threads.
+//
 // Each column has a lane: the decoded blocks that wait to be taken, and spare blocks for reuse. A
 // lane is decoded by one thread at a time, so that its blocks stay in order.
 #include "codecs/parquet/read/decode_ahead.h"
@@ -59,6 +61,7 @@ DecodeAhead::Lane *DecodeAhead::chooseLane()
         Lane &lane = m_lanes[(m_next + i) % m_lanes.size()];
         if (canDecode(lane) && (best == nullptr || lane.ready.size() < best->ready.size())) {
             best = &lane;
+            // No lane can have fewer. Start the next search after it, so that all get their turn.
             if (lane.ready.empty()) {
                 m_next = (m_next + i + 1) % m_lanes.size();
                 break;
@@ -93,12 +96,13 @@ void DecodeAhead::decode(Lane &lane, std::unique_lock<std::mutex> &lock)
         block = std::move(lane.spare.back());
         lane.spare.pop_back();
     }
-    lane.isBusy = true;
+    lane.isBusy = true; // no other thread uses the reader until it is false again
     lock.unlock();
     Answer answer = decodeNext(*lane.reader, block);
     lock.lock();
     lane.isBusy = false;
     if (answer && *answer) {
+        // The memory and not the content: a reused block keeps the size of its largest page.
         m_readyBytes += block->capacity();
         lane.ready.push_back(std::move(block));
     } else {
@@ -123,9 +127,11 @@ Result<bool, Error> DecodeAhead::take(size_t column, std::unique_ptr<CellBlock> 
 {
     std::unique_lock lock(m_mutex);
     Lane &lane = m_lanes[column];
+    // The caller gives the old block back, because it does not need the cells any more.
     if (block) {
         lane.spare.push_back(std::move(block));
     }
+    // The limits do not apply here: the caller cannot continue without this block.
     while (lane.ready.empty() && !m_isStopped) {
         if (lane.isBusy) {
             m_changed.wait(lock);
@@ -140,7 +146,7 @@ Result<bool, Error> DecodeAhead::take(size_t column, std::unique_ptr<CellBlock> 
     }
     block = std::move(lane.ready.front());
     lane.ready.pop_front();
-    m_readyBytes -= block->capacity();
+    m_readyBytes -= block->capacity(); // unchanged since decode() added it
     m_changed.notify_all();
     return true;
 }

@@ -34,23 +34,28 @@ public:
 
 private:
     using Answer = Result<bool, Error>;
+    // A column, with the blocks that are decoded but not taken.
     struct Lane
     {
         std::unique_ptr<ColumnReader> reader; // used by the thread that set isBusy
         std::deque<std::unique_ptr<CellBlock>> ready;
+        // Taken blocks that were given back; their memory is used again.
         std::vector<std::unique_ptr<CellBlock>> spare;
         std::optional<Answer> end; // the final result: false, or a fault
         bool isBusy = false;
     };
     void work();
+    // Whether no thread decodes the lane, it has not ended, and its queue is not full.
     bool canDecode(const Lane &lane) const;
     Lane *chooseLane();
     void decode(Lane &lane, std::unique_lock<std::mutex> &lock);
 
     std::mutex m_mutex; // guards everything below except the readers
+    // A block was added or taken, a lane ended, or stop() was called.
     std::condition_variable m_changed;
     std::vector<Lane> m_lanes;
     size_t m_next = 0; // index of the lane where the search for work starts
+    // Memory of all blocks in `ready`, which limits how far the workers decode ahead.
     size_t m_readyBytes = 0;
     bool m_isStopped = false;
     std::vector<std::thread> m_workers;

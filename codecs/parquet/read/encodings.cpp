@@ -75,6 +75,8 @@ private:
 
     bool readHeader(Header &header, qint32 maxValues)
     {
+        // Real blocks have 128 values. The format requires that a miniblock has a multiple of 32,
+        // but a multiple of 8 is all that the decoder needs: every miniblock ends at a byte.
         constexpr quint64 kMaxBlockSize = 1 << 20;
         return varint(header.blockSize) && varint(header.miniblocks) && varint(header.count) &&
                varint(header.first) && header.blockSize > 0 && header.blockSize <= kMaxBlockSize &&
@@ -117,6 +119,7 @@ private:
             if (widths[i] > kWidest || bytes > static_cast<quint64>(m_end - m_at)) {
                 return false;
             }
+            // The last miniblock is complete in the file, with padding after the last value.
             const quint64 take = std::min(miniblockSize, count - values.size());
             unpack(values, take, widths[i], static_cast<quint64>(unzigzag(smallest)));
             m_at += bytes;
@@ -126,6 +129,7 @@ private:
 
     void unpack(std::vector<qint64> &values, quint64 n, int width, quint64 smallest)
     {
+        // Unsigned, because sums are modulo 2^64: the delta of far apart values overflows.
         auto value = static_cast<quint64>(values.back());
         for (quint64 i = 0; i < n; ++i) {
             value += smallest + bitsAt(i * static_cast<quint64>(width), width);
@@ -161,7 +165,7 @@ bool plainNumbers(std::span<const uchar> in, int width, qint32 maxValues, std::v
     out.resize(values.size() * static_cast<size_t>(width));
     uchar *at = out.data();
     for (const qint64 value : values) {
-        if (width == 4) {
+        if (width == 4) { // deltas of INT32 are modulo 2^32, so the low half is the value
             storeLE(static_cast<quint32>(value), at);
         } else {
             storeLE(value, at);
@@ -196,6 +200,7 @@ public:
     /// Repeat `n` bytes from `offset` of the output.
     void addAgain(size_t offset, size_t n)
     {
+        // Indexes and not pointers: resize() may move the output.
         m_out.resize(m_out.size() + n);
         std::copy_n(m_out.begin() + static_cast<qptrdiff>(offset), n,
                     m_out.end() - static_cast<qptrdiff>(n));
@@ -245,6 +250,8 @@ public:
             static_cast<size_t>(suffix) > m_suffixes.size()) {
             return false;
         }
+        // Prefixes can make the output much larger than the page. Its size is limited like that of
+        // an uncompressed page.
         const auto length = static_cast<size_t>(prefix + suffix);
         if (!m_texts.begin(length) ||
             m_texts.size() + length > static_cast<size_t>(limits::kParquetPageBytes)) {
@@ -290,6 +297,7 @@ bool plainFromPrefixes(const Column &column, std::span<const uchar> in, qint32 m
 bool plainFromStreams(std::span<const uchar> in, size_t width, qint32 maxValues,
                       std::vector<uchar> &out)
 {
+    // The number of values follows from the size; nulls are not stored.
     const size_t count = in.size() / width;
     if (count > static_cast<size_t>(maxValues)) {
         return false;

@@ -1,4 +1,7 @@
 // Converts values in the newer encodings (parquet-format, Encodings.md) to PLAIN values.
+//
+// One more copy of each value keeps the decoders of blocks simple: they know only PLAIN values,
+// booleans and dictionary indexes. Threads: pure functions.
 #pragma once
 #include "codecs/parquet/read/column.h"
 
@@ -17,7 +20,8 @@ bool hasPlainForm(qint32 encoding, qint32 physical);
 Result<void, Error> toPlain(qint32 encoding, const Column &column, std::span<const uchar> in,
                             qint32 maxValues, std::vector<uchar> &out);
 
-/// The name of an encoding, such as "RLE_DICTIONARY"; the number for an unknown one.
+/// The name of an encoding in parquet.thrift, such as "RLE_DICTIONARY"; the number for an unknown
+/// one.
 QString encodingName(qint32 encoding);
 
 } // namespace corvanta::parquet

@@ -35,6 +35,7 @@ Quotient floorDivide(qint64 value, qint64 by)
     return {value / by - (value % by < 0 ? 1 : 0), rest};
 }
 
+/// Print the low `digits` digits, with leading zeros.
 char *putDigits(quint64 value, int digits, char *out)
 {
     for (int i = digits; i-- > 0; value /= 10) {
@@ -47,6 +48,7 @@ char *putSigned(qint64 value, char *out)
 {
     if (value < 0) {
         *out++ = '-';
+        // The negation is unsigned, because the smallest qint64 has no positive counterpart.
         return out + putUInt(~static_cast<quint64>(value) + 1, out);
     }
     return out + putUInt(static_cast<quint64>(value), out);
@@ -59,15 +61,18 @@ char *putDate(qint64 day, char *out)
     constexpr qint64 kDaysPerEra = 146097;
     constexpr qint64 kDaysToEpoch = 719468; // from 0000-03-01
     const auto [era, dayOfEra] = floorDivide(day + kDaysToEpoch, kDaysPerEra);
+    // Every 4th year has one day more, except every 100th (36524 days), except every 400th.
     const qint64 yearOfEra =
         (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / (kDaysPerEra - 1)) / 365;
     const qint64 dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    // Months from March on: five months have 153 days, in the pattern 31, 30, 31, 30, 31.
     const qint64 shiftedMonth = (5 * dayOfYear + 2) / 153;
     const qint64 month = shiftedMonth < 10 ? shiftedMonth + 3 : shiftedMonth - 9;
     const qint64 year = yearOfEra + era * 400 + (month <= 2 ? 1 : 0);
     if (year < 0) {
         *out++ = '-';
     }
+    // ISO 8601: at least four digits, more only if the year needs them.
     constexpr qint64 kFourDigits = 9999;
     const qint64 shown = std::abs(year);
     out = shown <= kFourDigits ? putDigits(static_cast<quint64>(shown), 4, out)
@@ -114,6 +119,7 @@ char *putTicks(Form form, qint64 ticks, const FormDetail &detail, char *out)
     if (form == Form::TextTime && allSeconds >= 0 && allSeconds <= kSecondsPerDay) {
         return putTimeOfDay(allSeconds, fraction, detail.fractionDigits, out);
     }
+    // Also for a time outside the day, which is damaged: its date shows that.
     const auto [day, seconds] = floorDivide(allSeconds, kSecondsPerDay);
     return putTimestamp(day, seconds, fraction, detail, out);
 }
@@ -136,6 +142,7 @@ std::vector<quint32> magnitudeOf(std::string_view stored, bool isNegative)
     for (size_t i = 0; i < stored.size(); ++i) {
         const auto byte = static_cast<uchar>(stored[stored.size() - 1 - i]);
         const quint32 positive = (isNegative ? static_cast<uchar>(~byte) : byte) + carry;
+        // Negation in two's complement: invert all bits and add 1.
         carry = positive >> 8;
         words[i / 4] |= (positive & 0xFF) << (8 * (i % 4));
     }
@@ -173,6 +180,7 @@ char *putDecimal(std::string_view bigEndian, int scale, char *out)
     const bool isNegative = !bigEndian.empty() && static_cast<uchar>(bigEndian[0]) >= 0x80;
     std::vector<char> digits;
     appendDigits(magnitudeOf(bigEndian, isNegative), digits);
+    // At least one digit before the decimal point.
     digits.resize(std::max(digits.size(), static_cast<size_t>(scale) + 1), '0');
     if (isNegative) {
         *out++ = '-';
@@ -193,6 +201,7 @@ char *putIntegerDecimal(const Column &column, std::string_view stored, char *out
     return putDecimal({bigEndian.data(), stored.size()}, column.detail.scale, out);
 }
 
+/// The text form of RFC 9562: groups of 4, 2, 2, 2 and 6 bytes.
 char *putUuid(std::string_view stored, char *out)
 {
     constexpr std::string_view kDigits = "0123456789abcdef";
@@ -260,6 +269,8 @@ double fromHalf(quint16 half)
     const int exponent = half >> kFractionBits & 0x1F;
     const int fraction = half & 0x3FF;
     double value = 0;
+    // The largest exponent marks infinities and NaN, the smallest one zeros and denormalized
+    // numbers, which have no implied leading bit.
     if (exponent == 0x1F) {
         value = fraction == 0 ? std::numeric_limits<double>::infinity()
                               : std::numeric_limits<double>::quiet_NaN();

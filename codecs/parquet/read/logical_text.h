@@ -1,4 +1,5 @@
-// Prints stored values as text according to their annotation: dates, times, decimals, UUIDs.
+// Prints stored values as text according to their annotation: dates, times, decimals, UUIDs
+// (parquet-format, LogicalTypes.md). Threads: pure functions.
 #pragma once
 #include "codecs/parquet/read/column.h"
 

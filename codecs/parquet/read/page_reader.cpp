@@ -25,6 +25,8 @@ namespace corvanta::parquet {
 
 namespace {
 
+/// First size of the buffer for headers. A header has some 20 to 100 bytes, and more with
+/// statistics.
 constexpr size_t kBufferBytes = 16384;
 
 /// Compares the CRC-32 of the stored bytes, with the levels of version 2.
@@ -163,6 +165,7 @@ Result<Page, Error> PageReader::dataPageV2(const PageHeader &header, std::span<c
     if (repetition < 0 || definition < 0 || levels > static_cast<qint64>(body.size())) {
         return bad(u"the levels of a page do not fit it"_s);
     }
+    // Repetition levels are skipped: a column that is not repeated has none.
     Page page{kDataPageV2, details.numValues, details.encoding, kRle, {}, {}};
     page.levels = body.subspan(static_cast<size_t>(repetition), static_cast<size_t>(definition));
     page.data = body.subspan(static_cast<size_t>(levels));
@@ -222,7 +225,7 @@ Result<Page, Error> PageReader::next()
             return dataPageV2(header, *body);
         case kDictionaryPage:
             return dictionaryPage(header, *body);
-        default:
+        default: // an index page, or a type of a later version of the format
             break;
         }
     }

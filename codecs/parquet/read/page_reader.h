@@ -12,12 +12,18 @@ namespace corvanta::parquet {
 /// An uncompressed page. kPageTailBytes readable bytes follow `data` and `levels`.
 struct Page
 {
-    PageType type = kDataPage;     ///< kDictionaryPage, kDataPage or kDataPageV2.
-    qint32 numValues = 0;          ///< With nulls; from the file, may be negative.
-    qint32 encoding = 0;           ///< Of the values.
-    qint32 levelEncoding = 0;      ///< Of the definition levels.
-    std::span<const uchar> levels; ///< Definition levels of version 2 only.
-    std::span<const uchar> data;   ///< In version 1 it starts with the definition levels.
+    /// kDictionaryPage, kDataPage or kDataPageV2.
+    PageType type = kDataPage;
+    /// Number of rows with nulls, or of dictionary entries. From the file: it may be negative.
+    qint32 numValues = 0;
+    /// Encoding of the values; an Encoding if the file is valid.
+    qint32 encoding = 0;
+    /// Encoding of the definition levels. kRle in version 2.
+    qint32 levelEncoding = 0;
+    /// Definition levels of version 2 only.
+    std::span<const uchar> levels;
+    /// In version 1 it starts with the definition levels.
+    std::span<const uchar> data;
 };
 
 /// Threads: one thread at a time per reader. Readers share only the file, which has a lock.
@@ -43,6 +49,8 @@ public:
     Result<Page, Error> next();
 
 private:
+    // Bytes of headers are read through m_buffer. A body is read directly, after the part of it
+    // that is in the buffer.
     Result<void, Error> fill(size_t maxBytes, const QString &failure);
     Result<PageHeader, Error> nextHeader();
     Result<std::span<const uchar>, Error> nextBody(PageHeader &header);
@@ -51,12 +59,14 @@ private:
     Result<Page, Error> dataPage(const PageHeader &header, std::span<const uchar> body);
     Result<Page, Error> dataPageV2(const PageHeader &header, std::span<const uchar> body);
     Result<Page, Error> dictionaryPage(const PageHeader &header, std::span<const uchar> body);
+    // The offset of a fault is that of the first unread byte.
     Fault<Error> bad(const QString &why) const { return {Error::BadData, why, pageOffset()}; }
     qint64 pageOffset() const { return m_fileAt - static_cast<qint64>(m_end - m_begin); }
 
     SharedFile &m_file;
     const Checksums m_checksums;
     qint64 m_fileAt = 0; // offset of the next byte to read into the buffer
+    // Of the current chunk.
     qint32 m_codec = kUncompressed;
     std::array<std::unique_ptr<Decompressor>, kLz4Raw + 1>
         m_decompressors;         // by codec, created when first used
@@ -64,6 +74,7 @@ private:
     size_t m_begin = 0;
     size_t m_end = 0;
     bool m_isFileEnd = false;
+    // The stored and the uncompressed bytes of the current page.
     Scratch m_body;
     Scratch m_data;
 };

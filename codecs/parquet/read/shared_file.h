@@ -6,7 +6,9 @@
 
 namespace corvanta::parquet {
 
-/// Serializes reads at any offset of a ByteSource. Threads: any number; one read at a time.
+/// Serializes reads at any offset of a ByteSource: seek and read are one step under a lock.
+/// Decoding runs outside the lock, so that the readers work in parallel. Threads: any number; one
+/// read at a time.
 class SharedFile
 {
 public:

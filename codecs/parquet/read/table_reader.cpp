@@ -73,6 +73,7 @@ Result<bool, Error> TableReader::refill(size_t column)
 
 Result<bool, Error> TableReader::next(const uchar **cells)
 {
+    // Without columns nothing limits the number of rows.
     if (m_cursors.empty()) {
         return false;
     }
@@ -80,6 +81,7 @@ Result<bool, Error> TableReader::next(const uchar **cells)
         Cursor &cursor = m_cursors[i];
         if (cursor.row == cursor.rows) {
             auto answer = refill(i);
+            // The shortest column ends the table, so that all rows are complete.
             if (!answer || !*answer) {
                 return answer;
             }

@@ -1,7 +1,7 @@
 // Reads the rows of a Parquet file as cells.
 //
 // Opens the file, selects the columns, and assembles rows from the blocks that DecodeAhead decodes.
-// Layout: docs/formats/parquet.md.
+// Layout: docs/formats/parquet.md. The order of the rows is that of the file.
 #pragma once
 #include "codecs/parquet/metadata/footer.h"
 #include "codecs/parquet/read/decode_ahead.h"
@@ -33,7 +33,9 @@ public:
     }
     /// Number of rows in the metadata. May differ from the rows that next() returns.
     qint64 declaredRows() const { return m_metaData.numRows; }
+    /// Number of row groups, whether they have rows or not.
     qint64 rowGroupCount() const { return static_cast<qint64>(m_metaData.rowGroups.size()); }
+    /// Number of rows that next() has returned.
     qint64 rowsRead() const { return m_rowsRead.load(std::memory_order_relaxed); }
     /// Progress from 0 to 1, measured in declared rows.
     float fractionDone() const;

@@ -25,7 +25,8 @@ namespace corvanta::parquet {
 namespace {
 
 constexpr size_t kLengthBytes = 4;
-/// Maximum size of a text in statistics.
+/// Maximum size in bytes of a text in statistics. A truncated text would need to be rounded up to
+/// remain a valid upper bound.
 constexpr size_t kMaxRangeBytes = 64;
 
 /// Bytes of a stored value; 0 for texts.
@@ -187,6 +188,7 @@ void ColumnWriter::addRow(uchar level)
 
 void ColumnWriter::updateRange(const char *value, size_t n)
 {
+    // A NaN has no place in the order of doubles.
     const bool isNan = m_column.storage == Storage::Double && std::isnan(loadLE<double>(value));
     if (isNan || n > kMaxRangeBytes) {
         m_range.isKnown = false;
@@ -209,6 +211,7 @@ void ColumnWriter::appendValues(std::vector<char> &page) const
         page.insert(page.end(), m_values.begin(), m_values.begin() + static_cast<qptrdiff>(m_used));
         return;
     }
+    // The width depends on the entries so far, so that early pages have narrower indexes.
     const int bitWidth = bitWidthOf(static_cast<quint32>(std::max(m_index.size() - 1, 0)));
     page.push_back(static_cast<char>(bitWidth));
     appendIndexes(m_indexes, bitWidth, page);
@@ -225,6 +228,7 @@ void ColumnWriter::finishPage()
     putLength(page, 0, page.size() - kLengthBytes);
     appendValues(page);
     const auto rawBytes = static_cast<qint32>(page.size());
+    // The dictionary may still grow after this page; its entries keep their numbers.
     m_pages.push_back({m_compressor.submit(std::move(page)), static_cast<qint32>(m_levels.size()),
                        rawBytes, m_usesDictionary});
     m_hasDictionaryPages |= m_usesDictionary;

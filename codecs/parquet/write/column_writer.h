@@ -12,43 +12,64 @@ namespace corvanta::parquet {
 
 /// The stored type of a column.
 enum class Storage : quint8 {
-    Double,      ///< DOUBLE
-    KeyAsUint32, ///< INT32 marked UINT_32
-    KeyAsInt32,  ///< INT32
-    KeyAsInt64,  ///< INT64
-    Text,        ///< BYTE_ARRAY marked UTF8
+    /// DOUBLE. A missing double becomes a null; every other NaN is stored.
+    Double,
+    /// INT32 marked UINT_32.
+    KeyAsUint32,
+    /// INT32 without a mark. Keys of 2^31 and above read back as negative numbers.
+    KeyAsInt32,
+    /// INT64. Every key reads back as its unsigned value.
+    KeyAsInt64,
+    /// BYTE_ARRAY marked UTF8.
+    Text,
 };
 
+/// How a file is written. All columns share the options.
 struct WriteOptions
 {
-    int pageSizeKiB = 64;         ///< Maximum size of the values of a page; at least 1.
-    qint64 rowGroupMiB = 50;      ///< Compressed size that closes a row group; 0: after each page.
-    bool dictionaryPages = false; ///< Use dictionaries while they are smaller than a page.
-    bool statistics = false;      ///< Write ranges and null counts of chunks.
+    /// Maximum size of the values of a page; at least 1.
+    int pageSizeKiB = 64;
+    /// Compressed size that closes a row group; 0: after each page.
+    qint64 rowGroupMiB = 50;
+    /// Use dictionaries while they are smaller than a page.
+    bool dictionaryPages = false;
+    /// Write ranges and null counts of chunks.
+    bool statistics = false;
 };
 
+/// A column of the file. All columns may have nulls.
 struct WriterColumn
 {
-    QByteArray name;                 ///< UTF-8.
-    Storage storage = Storage::Text; ///< Must fit the type of the cells.
-    int cell = 0;                    ///< 0-based index of the column's cell in a row.
+    /// UTF-8. Names should be unique: many readers find columns by name.
+    QByteArray name;
+    /// Must fit the type of the cells.
+    Storage storage = Storage::Text;
+    /// 0-based index of the column's cell in a row.
+    int cell = 0;
 };
 
 /// A finished page and the numbers for its header.
 struct FinishedPage
 {
-    std::shared_ptr<PendingPage> bytes; ///< Perhaps still being compressed.
-    qint32 values = 0;                  ///< Number of rows with nulls, or of dictionary entries.
-    qint32 rawBytes = 0;                ///< Size before compression.
-    bool isDictionary = false;          ///< Whether the values are indexes into the dictionary.
+    /// Perhaps still being compressed.
+    std::shared_ptr<PendingPage> bytes;
+    /// Number of rows with nulls, or of dictionary entries.
+    qint32 values = 0;
+    /// Size in bytes before compression.
+    qint32 rawBytes = 0;
+    /// Whether the values are indexes into the dictionary.
+    bool isDictionary = false;
 };
 
 /// The range of a chunk's values, in PLAIN form without a length.
 struct ValueRange
 {
-    std::optional<QByteArray> smallest, largest; ///< Not set if all values are null.
+    /// Not set if all values are null.
+    std::optional<QByteArray> smallest, largest;
+    /// Number of null rows.
     qint64 nulls = 0;
-    bool isKnown = true; ///< False after a NaN or a text that is too long for statistics.
+    /// False after a NaN or a text that is too long for statistics.
+    bool isKnown = true;
 };
 
 /// Collects the cells of one row group at a time. Finished pages go to the compressor at once.
@@ -64,7 +85,7 @@ public:
     /// and not a Result because it runs once per cell.
     bool add(const uchar *cell);
 
-    /// Finish the open page, if it has rows.
+    /// Finish the open page, if it has rows. add() also calls it when the page is full.
     void finishPage();
 
     /// The finished pages of the row group, in order.
@@ -82,6 +103,8 @@ public:
     const WriterColumn &column() const { return m_column; }
 
 private:
+    // addNumber() and addText() store the PLAIN value after the used bytes of m_values. addValue()
+    // keeps it there, or replaces it with an index into the dictionary.
     bool addText(const uchar *cell);
     template <class T> void addNumber(T value);
     void addValue(size_t bytes);
@@ -90,6 +113,7 @@ private:
     void updateRange(const char *value, size_t n);
     char *room(size_t bytes);
     bool addToDictionary(const char *plain, size_t n);
+    // Appends the values of the open page in their stored form.
     void appendValues(std::vector<char> &page) const;
 
     const WriterColumn m_column;
@@ -100,6 +124,7 @@ private:
     std::vector<uchar> m_levels; // one per row of the open page: 1 for a value, 0 for a null
     std::vector<char> m_values;  // PLAIN values of the open page; m_used bytes are in use
     size_t m_used = 0;
+    // Of the current row group.
     std::vector<FinishedPage> m_pages;
     ValueRange m_range;
 

@@ -43,6 +43,7 @@ qint32 physicalOf(Storage storage)
 std::vector<SchemaElement> schemaOf(const std::vector<WriterColumn> &columns)
 {
     std::vector<SchemaElement> schema(1);
+    // The name of the root has no meaning; many writers use this one.
     schema[0].name = "schema";
     schema[0].numChildren = static_cast<qint32>(columns.size());
     for (const WriterColumn &column : columns) {
@@ -95,6 +96,7 @@ FileWriter::FileWriter(ByteSink &sink, std::vector<WriterColumn> columns,
     m_metaData.schema = schemaOf(columns);
     m_metaData.createdBy = kCreatedBy;
     if (options.statistics) {
+        // Without it, readers ignore minValue and maxValue.
         m_metaData.columnOrders.emplace();
         for (size_t i = 0; i < columns.size(); ++i) {
             m_metaData.columnOrders->push_back({Marker{}});
@@ -190,6 +192,7 @@ Result<void, Error> FileWriter::writePage(const FinishedPage &page, PageHeader h
     if (page.bytes->hasFailed) {
         return Fault{Error::NoMemory, u"a page could not be compressed"_s};
     }
+    // Both sizes are known only now: the page may have been compressed by another thread.
     const std::vector<char> &bytes = page.bytes->compressed;
     header.uncompressedPageSize = page.rawBytes;
     header.compressedPageSize = static_cast<qint32>(bytes.size());
@@ -231,6 +234,7 @@ Result<void, Error> FileWriter::writeDataPages(const ColumnWriter &column, Colum
         header.dataPageHeader->numValues = page.values;
         header.dataPageHeader->encoding = page.isDictionary ? kPlainDictionary : kPlain;
         header.dataPageHeader->definitionLevelEncoding = kRle;
+        // The record requires it. There are no repetition levels in a column that is not repeated.
         header.dataPageHeader->repetitionLevelEncoding = kBitPacked;
         if (auto done = writePage(page, std::move(header), chunk); !done) {
             return done;
@@ -279,6 +283,7 @@ Result<void, Error> FileWriter::flushGroup()
     }
     m_metaData.numRows += m_groupRows;
     m_groupRows = 0;
+    // All pages are written, and the next group counts from zero.
     m_open.clear();
     m_openBytes = m_knownBytes = 0;
     std::fill(m_seenPages.begin(), m_seenPages.end(), 0);

@@ -34,11 +34,13 @@ public:
     qint64 bytesWritten() const { return m_position; }
 
 private:
+    // The size of the row group, which decides where it ends.
     void addFinishedPages();
     bool isGroupFull();
     void addSizesOfDonePages();
     void addSizesOfAllPages();
     void addFirstSize();
+    // Finishes the open row group and writes its chunks, in the order of the columns.
     Result<void, Error> flushGroup();
     Result<void, Error> writeChunk(ColumnWriter &column, RowGroup &group);
     Result<void, Error> writeDictionary(ColumnWriter &column, ColumnMetaData &chunk);
@@ -53,6 +55,7 @@ private:
     const qint64 m_threshold; // size in bytes of compressed pages that closes a row group
     std::vector<ColumnWriter> m_columns;
     FileMetaData m_metaData;
+    // Rows of the open row group, and bytes written to the sink.
     qint64 m_groupRows = 0;
     qint64 m_position = 0;
 

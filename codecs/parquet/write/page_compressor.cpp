@@ -65,7 +65,7 @@ void PageCompressor::runOne(std::unique_lock<std::mutex> &lock, Compressor *comp
     if (m_spare.size() < kMaxSpare) {
         m_spare.push_back(std::move(job->raw));
     }
-    job->raw = {};
+    job->raw = {}; // frees the memory if it was not moved
     job->isDone.store(true, std::memory_order_release);
     m_done.notify_all();
 }
@@ -87,11 +87,14 @@ void PageCompressor::work()
 std::shared_ptr<PendingPage> PageCompressor::submit(std::vector<char> raw)
 {
     auto job = std::make_shared<PendingPage>();
+    // Known before the compression, so that a writer can decide whether it has to wait for the
+    // size.
     job->maxBytes = m_ownCompressor ? m_ownCompressor->maxBytes(raw.size()) : raw.size();
     job->raw = std::move(raw);
     std::unique_lock lock(m_mutex);
     m_queue.push_back(job);
     m_added.notify_one();
+    // Bounds the memory, and uses the time in which the caller would otherwise wait.
     while (m_queue.size() > kMaxWaiting) {
         runOne(lock, m_ownCompressor.get(), m_ownScratch);
     }
@@ -102,7 +105,7 @@ void PageCompressor::wait(const PendingPage &page)
 {
     std::unique_lock lock(m_mutex);
     while (!page.isDone.load(std::memory_order_acquire)) {
-        if (m_queue.empty()) {
+        if (m_queue.empty()) { // a worker has the page
             m_done.wait(lock);
         } else {
             runOne(lock, m_ownCompressor.get(), m_ownScratch);

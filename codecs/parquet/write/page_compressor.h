@@ -14,10 +14,14 @@ namespace corvanta::parquet {
 /// be read only after that.
 struct PendingPage
 {
-    std::vector<char> raw;        ///< The input; removed when the page is done.
-    std::vector<char> compressed; ///< The result.
-    size_t maxBytes = 0;          ///< Maximum size of `compressed`; set by submit().
-    bool hasFailed = false;       ///< Whether the page could not be compressed.
+    /// The input; removed when the page is done.
+    std::vector<char> raw;
+    /// The result.
+    std::vector<char> compressed;
+    /// Maximum size of `compressed`; set by submit().
+    size_t maxBytes = 0;
+    /// Whether the page could not be compressed, because of a lack of memory.
+    bool hasFailed = false;
     std::atomic<bool> isDone = false;
 };
 
@@ -34,6 +38,7 @@ public:
     PageCompressor(const PageCompressor &) = delete;
     PageCompressor &operator=(const PageCompressor &) = delete;
 
+    /// The codec that was given to the constructor, for the metadata of the chunks.
     qint32 codec() const { return m_codec; }
 
     /// Queue a page. Compresses pages itself while too many of them wait.
@@ -44,6 +49,7 @@ public:
     std::vector<char> takeBuffer();
 
 private:
+    // Shared with the writer that waits for the page.
     using Job = std::shared_ptr<PendingPage>;
     void work();
     void compress(PendingPage &page, Compressor *compressor, std::vector<char> &scratch) const;
@@ -55,9 +61,11 @@ private:
     std::vector<char> m_ownScratch;
 
     std::mutex m_mutex; // guards the members below
+    // m_added: the queue has a new page, or the threads must end. m_done: a page is done.
     std::condition_variable m_added;
     std::condition_variable m_done;
     std::deque<Job> m_queue;
+    // Input buffers of pages that are done, for takeBuffer().
     std::vector<std::vector<char>> m_spare;
     bool m_isStopped = false;
     std::vector<std::thread> m_workers;

@@ -6,6 +6,7 @@
 namespace corvanta::parquet {
 
 namespace {
+/// Number of slots of a table that is not empty; a power of two.
 constexpr size_t kFirstSlots = 1024;
 } // namespace
 
@@ -44,6 +45,7 @@ quint32 ValueIndex::add(std::string_view plain)
 
 void ValueIndex::grow()
 {
+    // Slots hold only numbers, so a larger table is filled again from the values.
     m_slots.assign(std::max(m_slots.size() * 2, kFirstSlots), kFree);
     for (quint32 number = 0; number < m_ends.size(); ++number) {
         m_slots[findSlot(value(number))] = number;

@@ -7,8 +7,9 @@
 
 namespace corvanta::parquet {
 
-/// A hash table with open addressing over one array of bytes. Threads: one thread at a time per
-/// object.
+/// A hash table with open addressing over one array of bytes. Values are compared as bytes, so that
+/// 0.0 and -0.0 are different. Does not limit its size: the caller checks bytes() before it adds a
+/// value. Threads: one thread at a time per object.
 class ValueIndex
 {
 public:
@@ -23,6 +24,7 @@ public:
     void clear();
 
 private:
+    // A view of m_bytes, valid until the next add().
     std::string_view value(quint32 number) const;
     size_t findSlot(std::string_view plain) const;
     void grow();
