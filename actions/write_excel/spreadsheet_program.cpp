@@ -1,3 +1,6 @@
+// LibreOffice gets a copy of the workbook in a temporary folder and converts it there. The result
+// replaces the workbook only if it is a package whose members are intact and whose sheets have the
+// same names. MS-Excel saves the workbook itself, by a script.
 #include "actions/write_excel/spreadsheet_program.h"
 
 #include "base/platform/process.h"
@@ -21,6 +24,7 @@ namespace corvanta {
 
 namespace {
 
+// A program that takes longer is killed; isRunning() is called between slices.
 constexpr int kStartMs = 30'000;
 constexpr int kRunMs = 180'000;
 constexpr int kSliceMs = 50;
@@ -30,6 +34,7 @@ bool runProgram(const QString &program, const QStringList &arguments,
                 const std::function<bool()> &isRunning)
 {
     QProcess process;
+    // Its own group, so that programs that it starts can be killed with it.
     platform::makeGroup(process);
     process.start(program, arguments);
     if (!process.waitForStarted(kStartMs)) {
@@ -56,6 +61,7 @@ bool runProgram(const QString &program, const QStringList &arguments,
 
 #ifdef Q_OS_WIN
 
+/// Create the script unless it exists.
 bool createScript(const QString &name)
 {
     static const char kScript[] =
@@ -93,6 +99,7 @@ bool createProfile(const QDir &profile)
         "<item oor:path=\"/org.openoffice.Office.Calc/Formula/Load\">"
         "<prop oor:name=\"OOXMLRecalcMode\" "
         "oor:op=\"fuse\"><value>0</value></prop></item></oor:items>\n";
+    // The file name is the one that the program reads at its start.
     return profile.mkpath(u"user"_s) &&
            writeWhole(profile.filePath(u"user/registrymodifications.xcu"_s), kSettings);
 }
@@ -105,6 +112,7 @@ std::optional<QStringList> intactSheetNames(const QString &file)
         return std::nullopt;
     }
     zip::PackageReader &reader = (*input)->reader();
+    // Reading a member verifies its checksum.
     for (const zip::Member &member : reader.members()) {
         if (!reader.readRaw(member)) {
             return std::nullopt;
@@ -116,6 +124,7 @@ std::optional<QStringList> intactSheetNames(const QString &file)
     return workbook ? std::optional<QStringList>(workbook->sheetNames()) : std::nullopt;
 }
 
+/// Path of the program; empty when none is installed.
 QString findProgram()
 {
     const QString program = QStandardPaths::findExecutable(u"soffice"_s);
@@ -126,6 +135,7 @@ QString findProgram()
 QStringList conversion(const QString &workbook, const QString &outFolder, const QString &profile,
                        bool hasMacros)
 {
+    // A workbook with macros keeps them only in its own format.
     const QString filter =
         hasMacros ? u"xlsm:Calc MS Excel 2007 VBA XML"_s : u"xlsx:Calc MS Excel 2007 XML"_s;
     return {u"-env:UserInstallation="_s + QUrl::fromLocalFile(profile).toString(),
@@ -141,12 +151,14 @@ QStringList conversion(const QString &workbook, const QString &outFolder, const 
 /// Replace `file` by a copy of `result`.
 bool replaceBy(const QString &file, const QString &result, int action)
 {
+    // A copy, because the temporary folder may be on another file system.
     QFile source(result);
     TargetFile target;
     if (!source.open(QIODevice::ReadOnly) || !target.open(file, {action})) {
         return false;
     }
     constexpr qint64 kPieceBytes = 1 << 20;
+    // Without commit() the target discards what was written.
     while (!source.atEnd()) {
         const QByteArray piece = source.read(kPieceBytes);
         if (piece.isEmpty() || !target.write(piece.constData(), piece.size())) {
@@ -178,6 +190,7 @@ bool recalculateWorkbook(const QString &file, const QString &, int action,
                          const std::function<bool()> &isRunning)
 {
     const QString program = findProgram();
+    // Removed with everything in it when the function returns.
     const QTemporaryDir folder;
     if (program.isEmpty() || !folder.isValid()) {
         return false;

@@ -1,4 +1,6 @@
 // Runs a spreadsheet program that calculates a written workbook and saves it.
+//
+// Threads: waits on the calling thread; calls for different files are independent.
 #pragma once
 #include <QString>
 

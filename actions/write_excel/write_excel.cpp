@@ -8,6 +8,7 @@ namespace corvanta {
 
 namespace {
 
+/// After so many warnings of one run, a closing line is logged once.
 constexpr int kLongCellWarnings = 50;
 
 } // namespace
@@ -48,10 +49,12 @@ void ActionWriteExcel::start()
 {
     RowWriter::start();
     m_run = std::make_unique<RunState>();
+    // The warnings are counted per run.
     m_longCells.reset();
     if (!setFloatFormat() || !setCompression()) {
         return;
     }
+    // Names of months and days are those of the format's owner.
     const QLocale locale =
         m_params.dateFormatType == DateInput::Own ? QLocale::c() : QLocale::system();
     m_run->dates = std::make_unique<sheet::DateParser>(qtDateFormat(), locale, m_params.excelHack);
@@ -70,6 +73,7 @@ bool ActionWriteExcel::setCompression()
 {
     const QString compression =
         globalParameters() != nullptr ? globalParameters()->compression() : QString();
+    // An option of the run, not of the graph: it changes the bytes but not the content.
     if (compression.isEmpty()) {
         return true;
     }
@@ -85,6 +89,7 @@ bool ActionWriteExcel::setCompression()
 
 QString ActionWriteExcel::qtDateFormat() const
 {
+    // Asked once per run: a change of the user's settings takes effect with the next one.
     const QLocale system = QLocale::system();
     switch (m_params.dateFormatType) {
     case DateInput::Own:
@@ -109,6 +114,7 @@ QString ActionWriteExcel::qtDateFormat() const
 bool ActionWriteExcel::decideKind(const OneRow &row, sheet::Column *column)
 {
     const MetaInfo::MetaTypeColumn type = row.getMetaType(column->input).type();
+    // The lists come first: a column of numbers can be a date too.
     if (m_params.toDate.contains(column->name)) {
         column->kind = sheet::Column::Kind::Date;
     } else if (m_params.toFormula.contains(column->name)) {
@@ -129,6 +135,7 @@ bool ActionWriteExcel::decideKind(const OneRow &row, sheet::Column *column)
 sheet::SheetOptions ActionWriteExcel::sheetOptions() const
 {
     sheet::SheetOptions options;
+    // Cell formats and the first day are those of the workbook; it adds them.
     options.floatFormat = m_floatFormat;
     options.noNans = m_params.noNans;
     options.equalIsFormula = m_params.equalisFormula;
@@ -143,17 +150,16 @@ bool ActionWriteExcel::openSheet(std::vector<sheet::Column> columns)
         return false;
     }
     zip::PackageWriter &package = m_run->output.writer();
-    m_run->members =
-        std::make_unique<opc::MemberWriter>(package, [this] { return askRetryWrite(fileName()); });
+    m_run->members = std::make_unique<opc::MemberWriter>(package);
+    // The members before the sheet, then the head of the sheet, which stays open for the rows.
     if (const auto begun = m_run->workbook->begin(*m_run->members); !begun) {
         return failWorkbook(begun.fault());
     }
+    // An updated workbook has its own numbers of the cell formats.
     sheet::SheetOptions options = sheetOptions();
     m_run->workbook->setCellFormats(&options);
     m_run->sheet = std::make_unique<sheet::SheetWriter>(
-        package, options, std::move(columns), m_run->dates.get(),
-        sheet::SheetCallbacks{[this] { warnLongCell(); },
-                              [this] { return askRetryWrite(fileName()); }});
+        package, options, std::move(columns), m_run->dates.get(), [this] { warnLongCell(); });
     const auto opened = m_run->workbook->openSheet(*m_run->sheet);
     return opened || failWorkbook(opened.fault());
 }
@@ -167,6 +173,7 @@ void ActionWriteExcel::warnLongCell()
 bool ActionWriteExcel::begin(const OneRow &row)
 {
     m_run->hasBegun = true;
+    // The order of the checks decides which of several mistakes is reported.
     QVector<int> inputs;
     if (!findTestColumn(row) || !findColumns(row, &inputs) || !checkNames(row, inputs)) {
         return false;
@@ -178,6 +185,7 @@ bool ActionWriteExcel::begin(const OneRow &row)
             return false;
         }
     }
+    // A warning only: other programs read larger sheets.
     if (columns.size() > sheet::kMaxColumns) {
         warn(
             u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's too large (nColumns>16384). However, you can still use the file with Corvanta.\n"_s
@@ -186,12 +194,14 @@ bool ActionWriteExcel::begin(const OneRow &row)
     if (!openSheet(std::move(columns))) {
         return false;
     }
+    // After the rows that a changed sheet keeps.
     m_run->firstRow = m_run->sheet->row();
     return !m_params.firstLineContainsColumnNames || checkSheet(m_run->sheet->putHeader());
 }
 
 bool ActionWriteExcel::beginWithoutRows(const OneRow &columns)
 {
+    // Without alwaysWrite no workbook is opened, and the destination stays unchanged.
     const bool writesHeader = m_params.alwaysWrite && columns.numberOfColumns() > 0;
     return !writesHeader || begin(columns);
 }
@@ -225,8 +235,11 @@ bool ActionWriteExcel::checkSheet(const Result<void, sheet::Error> &result)
 xlsx::WorkbookEnd ActionWriteExcel::workbookEnd() const
 {
     xlsx::WorkbookEnd end;
+    // The program of runExcel calculates only what is marked for it.
     end.recalculate = m_params.forceRecompute || m_params.runExcel;
     if (!m_params.namedRange.isEmpty()) {
+        // From the first row written to the last, over all columns; a table without rows has only
+        // its header.
         const sheet::SheetWriter &sheet = *m_run->sheet;
         const bool skipHeader =
             m_params.firstLineContainsColumnNames && !m_params.nrIncludeTitleRow;
@@ -248,9 +261,11 @@ bool ActionWriteExcel::completeWorkbook()
 
 void ActionWriteExcel::complete()
 {
+    // Without a sheet there was no row; release() decides what that means for an update.
     if (!m_run->sheet || !completeWorkbook()) {
         return;
     }
+    // In this order: each object uses the next ones.
     m_run->sheet.reset();
     m_run->workbook.reset();
     m_run->members.reset();
@@ -262,6 +277,7 @@ void ActionWriteExcel::complete()
 
 void ActionWriteExcel::release(bool wasComplete)
 {
+    // All rows were taken and there was none.
     if (m_run && !m_run->hasBegun && wasComplete && updatesInPlace()) {
         swapNothing();
     }

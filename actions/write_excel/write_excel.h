@@ -1,4 +1,15 @@
-// Writes the rows of its input pin into one worksheet of a new or an existing workbook.
+// writeExcel: writes the rows of its input pin into one worksheet of a new or an existing workbook.
+//
+// Stages of a run:
+//
+//     start              -> check floatToString and the compression
+//     first row          -> find columns, open the workbook, write all that precedes the rows
+//     rows               -> format them into the sheet; worker threads compress it
+//     end                -> end the sheet, write the other parts, replace the destination
+//     runExcel           -> have a spreadsheet program calculate the destination
+//
+// Nothing but the last two stages changes the destination. An update in place (modes 1 and 2) keeps
+// the earlier workbook under a second name until the new one has its name (io/replace/file_swap.h).
 #pragma once
 #include "actions/shared/row_writer.h"
 #include "actions/write_excel/write_excel_params.h"
@@ -32,12 +43,18 @@ private:
     /// State of one run; recreated by start().
     struct RunState
     {
-        QString source;              // the workbook that is read
-        bool hasBegun = false;       // begin() was called
-        bool isTooLongKnown = false; // the warning about the number of rows is logged
-        qint64 firstRow = 1;         // first sheet row written
+        // Expanded name of the workbook that an update reads.
+        QString source;
+        // begin() was called.
+        bool hasBegun = false;
+        // The warning about the number of rows is logged.
+        bool isTooLongKnown = false;
+        // First sheet row written, from 1: the header, or the first row without one.
+        qint64 firstRow = 1;
         deflate::StreamOptions compression;
-        std::unique_ptr<PackageInput> input; // of an update
+        // Each object uses those before it, so that they are destroyed in the reverse order. The
+        // input exists only for an update, the others from openSheet() to complete().
+        std::unique_ptr<PackageInput> input;
         PackageOutput output;
         std::unique_ptr<opc::MemberWriter> members;
         std::unique_ptr<sheet::DateParser> dates;
@@ -56,7 +73,9 @@ private:
     void release(bool wasComplete) override;
 
     // Functions that return bool return true for success; otherwise they have failed the run.
+    /// Problems: BadFloatFormat.
     bool setFloatFormat();
+    /// Take the level of compression that the run was started with, if any.
     bool setCompression();
     /// The format of date texts for the parameter dateFormatType.
     QString qtDateFormat() const;
@@ -71,31 +90,41 @@ private:
     bool completeWorkbook();
     /// The defined name and the recalculation that the parameters request.
     xlsx::WorkbookEnd workbookEnd() const;
+    /// Called for each text beyond the limit of a cell. Logs a limited number of warnings.
     void warnLongCell();
 
     // The workbook and the sheet to write to, in write_excel_target.cpp.
     /// Set m_run->workbook and open the output file.
     bool openWorkbook();
+    /// Open the temporary file. Problems: CannotOpen.
     bool openOutput();
     bool openNewWorkbook();
+    /// Read the source, select its sheet and add cell formats; then open the output.
     bool openUpdate();
     /// Select the sheet of an update by the parameters of the modes 2 and 4.
     bool chooseSheet(xlsx::UpdatedWorkbook &workbook);
+    // A number outside the workbook is an error; a missing name may add a sheet.
     bool chooseByNumber(xlsx::UpdatedWorkbook &workbook);
     bool chooseByName(xlsx::UpdatedWorkbook &workbook);
+    /// Write to the sheet with this index, from 0.
     bool changeSheet(xlsx::UpdatedWorkbook &workbook, qsizetype index);
+    /// Add a sheet; its name gets a number if it is taken.
     void addSheet(xlsx::UpdatedWorkbook &workbook);
     /// The name of a new sheet, cut with a warning if it is too long.
     QString makeSheetName();
+    /// Add the formats of dates and hyperlinks; a failure is a warning.
     void addCellFormats(xlsx::UpdatedWorkbook &workbook);
+    /// Fail the run with the message for a fault of a package. A run that was stopped has none.
     bool failWorkbook(const Fault<opc::Error> &fault);
 
     // The replacement of the destination, in write_excel_target.cpp.
+    /// Whether an existing workbook is read. Numbers outside the enumeration create one.
     bool isUpdate() const
     {
         return m_params.mode > WorkbookMode::Create &&
                m_params.mode <= WorkbookMode::CopyAndChangeSheet;
     }
+    /// Whether the workbook that is read is also the one that is replaced.
     bool updatesInPlace() const
     {
         return m_params.mode == WorkbookMode::AddSheet ||
@@ -105,8 +134,11 @@ private:
     int dateFormat() const { return static_cast<int>(m_params.dateFormatExcel); }
     /// Replace the destination by the finished package.
     bool commit();
+    /// Swap without a finished package, for a run without rows.
     void swapNothing();
+    /// Rename the target to a second name and the package to the target, with retries.
     bool swap(const QString &temporary, const QString &target);
+    /// Wait, but not beyond the end of the run. Returns false when it has ended.
     bool pause(int pauseMs) const;
     /// Have a spreadsheet program calculate the workbook; a failure is a warning.
     void recalculate();

@@ -5,6 +5,8 @@ namespace corvanta {
 
 namespace {
 
+// An empty floatToString gives the fewest digits that read back as the same number; alwaysWrite
+// gives a table without rows a workbook with its header row.
 constexpr FileFormat kFormats[] = {
     {FileFormat::Write, FileFormat::Workbook, "xlsx", "floatToString= alwaysWrite=1"},
 };
@@ -19,7 +21,7 @@ const ActionEntry kWriteExcelEntry = {
     .saveVersion = 4.11,
     .keywords = "file export output save office excel xls xlsx write out",
     .pinsIn = 1,
-    .pinsOut = 1,
+    .pinsOut = 1, // every input row, written or not
     .makeAction = makeAction<ActionWriteExcel>,
     .makePanel = makePanel<Interface_ActionWriteExcel>,
     .formats = kFormats,

@@ -2,20 +2,18 @@
 
 #include "actions/shared/params/writer_params.h"
 
+// The lines are in the order of saved graphs. A group is a run of neighbouring lines, so a few
+// groups mix subjects: new lines may be added anywhere, but saved ones keep their order.
 namespace corvanta {
 
-void adjustWriteExcelDefaults(WriteExcelParams &params, double savedVersion)
-{
-    constexpr double kTitleRowLeftOutSince = 2.56;
-    constexpr double kDateHackSince = 3.04;
-    params.nrIncludeTitleRow = savedVersion <= kTitleRowLeftOutSince;
-    params.excelHack = savedVersion >= kDateHackSince;
-}
+namespace {
 
-const ParamTable<WriteExcelParams> &writeExcelParamTable()
+using P = WriteExcelParams;
+
+/// What is written, and which files that involves.
+ParamGroup<P> workbooks()
 {
-    using P = WriteExcelParams;
-    static const ParamTable<P> table{
+    return {
         choice(
             "mode", &P::mode,
             {{WorkbookMode::Create, "Create a new Excel File (or overwrite an existing file)"},
@@ -35,9 +33,13 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
             .outputFile()
             .label("Workbook to write")
             .meaning("Workbook that is written; modes 1 and 2 read it first."),
-        shared::sheetSelection<P>("How modes 2 and 4 find the sheet to change: by sheetIdx or by "
-                                  "sheetName. Any other value adds a sheet.",
-                                  "Name of the new sheet or of the sheet to change."),
+    };
+}
+
+/// Where in the sheet the rows go, and the defined name for their cells.
+ParamGroup<P> cellRange()
+{
+    return {
         text("startRow", &P::startRow)
             .label("Overwrite sheet content starting at row:\n(use \"0\" to append rows at the end "
                    "of the sheet)")
@@ -49,16 +51,13 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
             .label("The defined name includes the header row")
             .meaning("The cells of the defined name include the header row. Default on in graphs "
                      "saved by version 2.56 or older."),
-        shared::floatToString<P>(),
-        flag("createIfNotExists", &P::createIfNotExists)
-            .label("Create the Excel file and/or the Excel Sheet if it does not exists")
-            .meaning("Creates a missing workbook or sheet. Off: it is an error."),
-        shared::checkNameCollision<P>(),
-        flag("forceRecompute", &P::forceRecompute)
-            .label("Recompute formulas when the workbook is opened")
-            .meaning("Marks an updated workbook for a full calculation on load."),
-        shared::writeAllColumns<P>(
-            "Writes every column. Off: only the columns of ToWrite, in that order."),
+    };
+}
+
+/// What the sheet holds apart from the format of its cells.
+ParamGroup<P> sheetContent()
+{
+    return {
         flag("firstLineContainsColumnNames", &P::firstLineContainsColumnNames)
             .label("Write the column names")
             .meaning("Writes a header row with the column names."),
@@ -75,6 +74,13 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         flag("alwaysWrite", &P::alwaysWrite)
             .label("Write a workbook even without rows")
             .meaning("Writes the sheet with its header row even when there is no row."),
+    };
+}
+
+/// What becomes of single cells, and what happens to the finished workbook.
+ParamGroup<P> cellForms()
+{
+    return {
         flag("equalisFormula", &P::equalisFormula)
             .label("Texts that start with \"=\" are formulas")
             .meaning(
@@ -96,6 +102,13 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
             .meaning("Truncates longer cells to fewer than 32768 characters. Off: they are written "
                      "whole, "
                      "with a warning."),
+    };
+}
+
+/// How the texts of date columns are read.
+ParamGroup<P> dateInput()
+{
+    return {
         choice("dateFormatType", &P::dateFormatType,
                {{DateInput::Own, "own format"},
                 {DateInput::SystemShortDate, "system short date"},
@@ -109,24 +122,66 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         text("dateFormat", &P::dateFormat)
             .label("Own date format")
             .meaning("Format of the dates, for example yyyy-MM-dd or dd/MM/yyyy hh:mm:ss."),
-        choice("dateFormatExcel", &P::dateFormatExcel,
-               {{DateDisplay::Date, "yyyy-MM-dd"},
-                {DateDisplay::DateMinutes, "yyyy-MM-dd h:mm"},
-                {DateDisplay::DateSeconds, "yyyy-MM-dd h:mm:ss"},
-                {DateDisplay::SystemDateTime, "system date and time, short"},
-                {DateDisplay::SystemDate, "system date, short"},
-                {DateDisplay::DayMonthYear, "d-MMM-yy"},
-                {DateDisplay::DayMonth, "d-MMM"},
-                {DateDisplay::MonthYear, "MMM-yy"},
-                {DateDisplay::Minutes12, "h:mm AM/PM"},
-                {DateDisplay::Seconds12, "h:mm:ss AM/PM"},
-                {DateDisplay::Minutes24, "h:mm"},
-                {DateDisplay::Seconds24, "h:mm:ss"}})
-            .label("Display of date cells")
-            .meaning("Number format of the date cells in the sheet."),
+    };
+}
+
+/// How a spreadsheet program shows the date cells.
+Param<P> dateDisplay()
+{
+    return choice("dateFormatExcel", &P::dateFormatExcel,
+                  {{DateDisplay::Date, "yyyy-MM-dd"},
+                   {DateDisplay::DateMinutes, "yyyy-MM-dd h:mm"},
+                   {DateDisplay::DateSeconds, "yyyy-MM-dd h:mm:ss"},
+                   {DateDisplay::SystemDateTime, "system date and time, short"},
+                   {DateDisplay::SystemDate, "system date, short"},
+                   {DateDisplay::DayMonthYear, "d-MMM-yy"},
+                   {DateDisplay::DayMonth, "d-MMM"},
+                   {DateDisplay::MonthYear, "MMM-yy"},
+                   {DateDisplay::Minutes12, "h:mm AM/PM"},
+                   {DateDisplay::Seconds12, "h:mm:ss AM/PM"},
+                   {DateDisplay::Minutes24, "h:mm"},
+                   {DateDisplay::Seconds24, "h:mm:ss"}})
+        .label("Display of date cells")
+        .meaning("Number format of the date cells in the sheet.");
+}
+
+} // namespace
+
+void adjustWriteExcelDefaults(WriteExcelParams &params, double savedVersion)
+{
+    // Saved graphs do not hold defaults, so a changed default depends on the version that saved.
+    constexpr double kTitleRowLeftOutSince = 2.56;
+    constexpr double kDateHackSince = 3.04;
+    params.nrIncludeTitleRow = savedVersion <= kTitleRowLeftOutSince;
+    params.excelHack = savedVersion >= kDateHackSince;
+}
+
+const ParamTable<WriteExcelParams> &writeExcelParamTable()
+{
+    static const ParamTable<P> table{
+        workbooks(),
+        shared::sheetSelection<P>("How modes 2 and 4 find the sheet to change: by sheetIdx or by "
+                                  "sheetName. Any other value adds a sheet.",
+                                  "Name of the new sheet or of the sheet to change."),
+        cellRange(),
+        shared::floatToString<P>(),
+        flag("createIfNotExists", &P::createIfNotExists)
+            .label("Create the Excel file and/or the Excel Sheet if it does not exists")
+            .meaning("Creates a missing workbook or sheet. Off: it is an error."),
+        shared::checkNameCollision<P>(),
+        flag("forceRecompute", &P::forceRecompute)
+            .label("Recompute formulas when the workbook is opened")
+            .meaning("Marks an updated workbook for a full calculation on load."),
+        shared::writeAllColumns<P>(
+            "Writes every column. Off: only the columns of ToWrite, in that order."),
+        sheetContent(),
+        cellForms(),
+        dateInput(),
+        dateDisplay(),
         shared::testCol<P>(),
         shared::testValue<P>(),
         shared::writeAllRows<P>(),
+        // Child elements come after all attributes.
         shared::columnsToWrite<P>("ToWrite"),
         strings("ToDate", &P::toDate)
             .label("Date columns")

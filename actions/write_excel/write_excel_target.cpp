@@ -40,24 +40,26 @@ bool ActionWriteExcel::openWorkbook()
     if (!m_params.createIfNotExists) {
         return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source));
     }
+    // Without its workbook an update becomes a new workbook, with the same destination.
     warn(u"\nWarning Cannot read Excel file '%1'\n"_s.arg(m_run->source));
     return openNewWorkbook();
 }
 
 bool ActionWriteExcel::openOutput()
 {
-    // The codec repeats failed writes, so the file does not.
-    return m_run->output.open(fileName(), {getIdx()}, m_run->compression) ||
+    return m_run->output.open(fileName(), targetOptions(fileName()), m_run->compression) ||
            failWith(WriteProblem::CannotOpen);
 }
 
 bool ActionWriteExcel::openNewWorkbook()
 {
+    // Only new workbooks get their folders created.
     createFolder(fileName());
     if (!openOutput()) {
         return false;
     }
     const QString name = makeSheetName();
+    // The codec escapes "&" and quotes of the name only, so the part is then not well-formed.
     if (name.contains(u'<')) {
         warn(
             u"Warning: the sheet name '%1' of the Excel file '%2' contains '<': the workbook may not open.\n"_s
@@ -75,6 +77,7 @@ QString ActionWriteExcel::makeSheetName()
             u"WARNING: in the Excelfile '%1' the SheetName '%2' is too long: truncating at 31 chars."_s
                 .arg(fileName(), name));
     }
+    // Unchanged if it is short enough.
     return xlsx::shortSheetName(name);
 }
 
@@ -84,6 +87,7 @@ bool ActionWriteExcel::openUpdate()
     if (!input) {
         return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source));
     }
+    // The input stays open during the run: unchanged members are copied from it.
     m_run->input = std::move(*input);
     auto workbook =
         xlsx::UpdatedWorkbook::open(m_run->input->reader(), [this] { return runIsGood(); });
@@ -93,12 +97,12 @@ bool ActionWriteExcel::openUpdate()
     if (!chooseSheet(**workbook)) {
         return false;
     }
+    // The output is opened last: a failure before it leaves no temporary file.
     addCellFormats(**workbook);
     m_run->workbook = std::move(*workbook);
     return openOutput();
 }
 
-/// Log what went wrong with the workbook; false.
 bool ActionWriteExcel::failWorkbook(const Fault<opc::Error> &fault)
 {
     switch (fault.code) {
@@ -107,12 +111,13 @@ bool ActionWriteExcel::failWorkbook(const Fault<opc::Error> &fault)
     case opc::Error::NotAdded:
         return fail(u"\nERROR: cannot open file '%1' in the zipfile for write"_s.arg(fault.detail));
     case opc::Error::Damaged:
+        // A damaged or missing member is followed by the message about the workbook.
         fail(u"\nERROR: cannot decompress file '%1'.\n"_s.arg(fault.detail));
         break;
     case opc::Error::NoMember:
         fail(u"\nERROR: cannot open file '%1' in the zipfile for read"_s.arg(fault.detail));
         break;
-    case opc::Error::Stopped:
+    case opc::Error::Stopped: // not a failure, so without a message
         return false;
     case opc::Error::Encoding:
     case opc::Error::Malformed:
@@ -125,6 +130,7 @@ bool ActionWriteExcel::failWorkbook(const Fault<opc::Error> &fault)
 
 bool ActionWriteExcel::chooseSheet(xlsx::UpdatedWorkbook &workbook)
 {
+    // The other modes, and any other way to find a sheet, add one.
     const bool changes = m_params.mode == WorkbookMode::ChangeSheet ||
                          m_params.mode == WorkbookMode::CopyAndChangeSheet;
     if (changes && m_params.sheetMode == SheetSelection::ByNumber) {
@@ -139,11 +145,11 @@ bool ActionWriteExcel::chooseSheet(xlsx::UpdatedWorkbook &workbook)
 
 void ActionWriteExcel::addSheet(xlsx::UpdatedWorkbook &workbook)
 {
+    // Names that differ in case only count as different.
     const QStringList taken = workbook.workbook().sheetNames();
     workbook.addSheet(xlsx::freeSheetName(makeSheetName(), taken));
 }
 
-/// Write to the sheet with this index, from 0.
 bool ActionWriteExcel::changeSheet(xlsx::UpdatedWorkbook &workbook, qsizetype index)
 {
     const quint64 startRow1 = startRowOf(expandString(m_params.startRow));
@@ -153,11 +159,13 @@ bool ActionWriteExcel::changeSheet(xlsx::UpdatedWorkbook &workbook, qsizetype in
 
 bool ActionWriteExcel::chooseByNumber(xlsx::UpdatedWorkbook &workbook)
 {
+    // A text that is not a number is 0, and thus not found.
     const int number = expandString(m_params.sheetIdx).toInt();
     const qsizetype count = workbook.workbook().sheetNames().size();
     if (number >= 1 && number <= count) {
         return changeSheet(workbook, number - 1);
     }
+    // Both endings close the parenthesis that the message opens.
     const QString valid = count == 1
                               ? u"only sheet has the index '1')."_s
                               : u"valid range of sheet indexes is from 1 to %1)."_s.arg(count);
@@ -187,6 +195,7 @@ bool ActionWriteExcel::chooseByName(xlsx::UpdatedWorkbook &workbook)
 
 void ActionWriteExcel::addCellFormats(xlsx::UpdatedWorkbook &workbook)
 {
+    // Without the formats the cells are written all the same; they then show plain numbers.
     switch (workbook.addCellFormats(dateFormat())) {
     case xlsx::UpdatedWorkbook::CellFormats::Added:
         break;
@@ -201,6 +210,7 @@ void ActionWriteExcel::addCellFormats(xlsx::UpdatedWorkbook &workbook)
 
 bool ActionWriteExcel::commit()
 {
+    // swap() logs its own failure; any other one has not reached it.
     bool hasSwapped = false;
     const auto move = [&](const QString &temporary, const QString &target) {
         hasSwapped = true;
@@ -215,6 +225,7 @@ bool ActionWriteExcel::commit()
 
 bool ActionWriteExcel::swap(const QString &temporary, const QString &target)
 {
+    // In the target's folder, because a rename to another file system is a copy.
     const QString backup = u"%1_tmp2_%2_%3.xlsx"_s.arg(
         target, QString::number(getIdx()), QString::number(MainUI::getNearUniqueRandomID()));
     const SwapObserver observer{
@@ -229,7 +240,6 @@ bool ActionWriteExcel::swap(const QString &temporary, const QString &target)
     return true;
 }
 
-/// Wait, but not beyond the end of the run. Returns false when it has ended.
 bool ActionWriteExcel::pause(int pauseMs) const
 {
     constexpr int kSliceMs = 50;

@@ -33,6 +33,12 @@ Error errorFor(zip::Error error)
     return Error::WriteFailed;
 }
 
+/// The result of a call of the package, with the fault of `member`.
+Result<void, Error> named(const Result<void, zip::Error> &done, const QByteArray &member)
+{
+    return done ? Result<void, Error>() : memberFault(done.fault().code, member);
+}
+
 } // namespace
 
 Fault<Error> memberFault(zip::Error error, const QByteArray &member)
@@ -40,30 +46,15 @@ Fault<Error> memberFault(zip::Error error, const QByteArray &member)
     return {errorFor(error), QString::fromUtf8(member)};
 }
 
-template <class F> Result<void, Error> MemberWriter::retried(F operation, const QByteArray &member)
-{
-    // A call of the package that failed with WriteFailed continues where it stopped when it is
-    // repeated; any other fault is final.
-    for (;;) {
-        const Result<void, zip::Error> done = operation();
-        if (done) {
-            return {};
-        }
-        if (done.fault().code != zip::Error::WriteFailed || !m_retryWrite()) {
-            return memberFault(done.fault().code, member);
-        }
-    }
-}
-
 Result<void, Error> MemberWriter::open(const QByteArray &name)
 {
     m_open = name;
-    return retried([&] { return m_output.openMember(name); }, name);
+    return named(m_output.openMember(name), name);
 }
 
 Result<void, Error> MemberWriter::close()
 {
-    return retried([&] { return m_output.closeMember(); }, m_open);
+    return named(m_output.closeMember(), m_open);
 }
 
 Result<void, Error> MemberWriter::write(const QByteArray &name, const QByteArray &content)
@@ -71,18 +62,18 @@ Result<void, Error> MemberWriter::write(const QByteArray &name, const QByteArray
     if (const auto opened = open(name); !opened) {
         return opened;
     }
-    const auto written = retried([&] { return m_output.write(content); }, name);
+    const auto written = named(m_output.write(content), name);
     return written ? close() : written;
 }
 
 Result<void, Error> MemberWriter::copy(zip::PackageReader &source, const zip::Member &member)
 {
-    return retried([&] { return m_output.copyRaw(source, member); }, member.name);
+    return named(m_output.copyRaw(source, member), member.name);
 }
 
 Result<void, Error> MemberWriter::finish()
 {
-    return retried([&] { return m_output.close(); }, {});
+    return named(m_output.close(), {});
 }
 
 } // namespace corvanta::opc

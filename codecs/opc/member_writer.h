@@ -1,31 +1,32 @@
-// Writes members into a new package and repeats refused writes while the user wants it.
+// Writes members into a new package, with faults that name the member.
+//
+// A refused write is final here: the sink of the package repeats it if anybody wants that.
 #pragma once
 #include "base/result.h"
 #include "codecs/opc/error.h"
 #include "codecs/zip/package_writer.h"
 
-#include <functional>
-
 namespace corvanta::opc {
 
-/// The fault of `member` that an error of the package means.
+/// The fault of `member` that an error of the package means: what the user has to know of it.
 Fault<Error> memberFault(zip::Error error, const QByteArray &member);
 
-/// Every fault names its member. Threads: one at a time.
+/// Members are written one after the other: open(), content through output(), close(); or write()
+/// and copy() for whole members; finish() at the end. After a fault the package cannot be
+/// completed. Every fault names its member. Threads: one at a time.
 class MemberWriter
 {
 public:
-    /// `retryWrite` is called after a refused write; the write is repeated if it returns true.
     /// `output` must outlive the writer.
-    MemberWriter(zip::PackageWriter &output, std::function<bool()> retryWrite)
+    explicit MemberWriter(zip::PackageWriter &output)
         : m_output(output)
-        , m_retryWrite(std::move(retryWrite))
     {
     }
 
-    /// Start a member whose content is then written to output(). Errors: NotAdded, WriteFailed.
+    /// Start a member whose content is then written to output(). `name` is UTF-8 with "/" between
+    /// its parts. Errors: NotAdded, WriteFailed.
     Result<void, Error> open(const QByteArray &name);
-    /// End it. Errors: WriteFailed.
+    /// End it and wait until its content is in the sink. Errors: WriteFailed.
     Result<void, Error> close();
     /// Write a whole member. Errors: NotAdded, WriteFailed.
     Result<void, Error> write(const QByteArray &name, const QByteArray &content);
@@ -38,10 +39,7 @@ public:
     zip::PackageWriter &output() { return m_output; }
 
 private:
-    template <class F> Result<void, Error> retried(F operation, const QByteArray &member);
-
     zip::PackageWriter &m_output;
-    std::function<bool()> m_retryWrite;
     QByteArray m_open; // the member between open() and close()
 };
 

@@ -42,12 +42,13 @@ Markup withStyle(quint64 style, const Markup &opening)
 } // namespace
 
 SheetWriter::SheetWriter(zip::PackageWriter &package, SheetOptions options,
-                         std::vector<Column> columns, DateParser *dates, SheetCallbacks callbacks)
+                         std::vector<Column> columns, DateParser *dates,
+                         std::function<void()> reportLongText)
     : m_package(package)
     , m_options(std::move(options))
     , m_columns(std::move(columns))
     , m_dates(dates)
-    , m_callbacks(std::move(callbacks))
+    , m_reportLongText(std::move(reportLongText))
     , m_rowStart("\" spans=\"1:" + QByteArray::number(static_cast<int>(m_columns.size())) + "\">")
     , m_dateOpening(withStyle(m_options.dateStyle, kValueOpening))
     , m_linkOpening(withStyle(m_options.linkStyle, kTextOpening))
@@ -69,18 +70,14 @@ bool SheetWriter::makeRoom(size_t bytes)
 {
     // The package compresses a block on a worker thread as soon as it is committed.
     commit();
-    for (;;) {
-        auto room = m_package.room(bytes);
-        if (room) {
-            m_begin = m_out = room->data();
-            m_end = m_begin + room->size();
-            return true;
-        }
-        if (room.fault().code != zip::Error::WriteFailed || !m_callbacks.retryWrite()) {
-            m_error = Error::WriteFailed;
-            return false;
-        }
+    auto room = m_package.room(bytes);
+    if (!room) {
+        m_error = Error::WriteFailed;
+        return false;
     }
+    m_begin = m_out = room->data();
+    m_end = m_begin + room->size();
+    return true;
 }
 
 void SheetWriter::append(QByteArrayView text)
@@ -318,9 +315,8 @@ bool SheetWriter::putLongEscaped(int column, const Markup &opening, std::u16stri
 {
     // The text is escaped into a buffer first: its length decides whether it is written at all.
     const auto atLimit = m_options.crop ? AtLimit::Crop : AtLimit::Warn;
-    const qsizetype chars =
-        escapeLongText(text.data(), static_cast<qsizetype>(text.size()), atLimit, kMaxCellChars,
-                       m_callbacks.reportLongText, &m_longText);
+    const qsizetype chars = escapeLongText(text.data(), static_cast<qsizetype>(text.size()),
+                                           atLimit, kMaxCellChars, m_reportLongText, &m_longText);
     if (chars > kMaxCellChars) {
         m_error = Error::TextTooLong;
         return false;

@@ -17,7 +17,7 @@
 namespace corvanta::sheet {
 
 enum class Error : quint8 {
-    WriteFailed, ///< a refused write that is not repeated
+    WriteFailed, ///< the sink of the package refused a write
     TextTooLong, ///< a text beyond kMaxCellChars
 };
 
@@ -55,12 +55,6 @@ struct LinkUse
     int column = 0;    ///< from 0
 };
 
-struct SheetCallbacks
-{
-    std::function<void()> reportLongText; ///< Called for pieces of text beyond kCellCharLimit.
-    std::function<bool()> retryWrite;     ///< Called after a refused write; true to retry.
-};
-
 /// A few characters of fixed XML. It is copied with its whole room, which takes a few
 /// instructions; a copy of the exact length would be a call.
 struct Markup
@@ -85,8 +79,9 @@ class SheetWriter
 {
 public:
     /// The sheet's member must be open in `package`. `package` and `dates` must outlive the writer.
+    /// `reportLongText` is called for pieces of text beyond kCellCharLimit.
     SheetWriter(zip::PackageWriter &package, SheetOptions options, std::vector<Column> columns,
-                DateParser *dates, SheetCallbacks callbacks);
+                DateParser *dates, std::function<void()> reportLongText);
 
     /// Number of the sheet row that is written next, from 1.
     qint64 row() const { return m_row; }
@@ -143,7 +138,7 @@ private:
     std::vector<Column> m_columns;
     std::vector<Markup> m_references; // <c r="XFD, followed by the row number
     DateParser *m_dates;
-    SheetCallbacks m_callbacks;
+    std::function<void()> m_reportLongText;
     Markup m_rowStart; // " spans="1:N">
     Markup m_dateOpening;
     Markup m_linkOpening;

@@ -123,14 +123,25 @@ TargetFile::Done TargetFile::openAppended()
     return opened;
 }
 
-bool TargetFile::write(const void *bytes, qint64 n)
+/// The only place where writers of files ask whether to repeat what failed.
+template <class F> bool TargetFile::retried(F operation)
 {
-    while (!m_file->write(bytes, n)) {
+    while (!operation()) {
         if (!m_options.retryWrite || !m_options.retryWrite()) {
             return false;
         }
     }
     return true;
+}
+
+bool TargetFile::write(const void *bytes, qint64 n)
+{
+    return retried([&] { return m_file->write(bytes, n); });
+}
+
+bool TargetFile::flush()
+{
+    return retried([&] { return m_file->flush(); });
 }
 
 TargetFile::Done TargetFile::commit()
@@ -166,7 +177,9 @@ TargetFile::Done TargetFile::commit(Sync sync, const Rename &rename)
 /// Write everything to the device, when `syncs` is set, and close the file.
 TargetFile::Done TargetFile::complete(bool syncs)
 {
-    const bool isWritten = m_file->flush() && (!syncs || m_file->sync());
+    // A failed sync() is not repeated: the system may have dropped the bytes and would then report
+    // success for the second call.
+    const bool isWritten = flush() && (!syncs || m_file->sync());
     if (!isWritten && m_appends) {
         discard();
         return Fault{TargetError::CannotWrite, m_target};

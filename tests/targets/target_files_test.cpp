@@ -156,6 +156,18 @@ TEST_P(TargetFiles, AFullDiskIsAskedAboutAndRetriedWithoutLoss)
     EXPECT_EQ(m_folder.bytes(u"link"_s), expected);
 }
 
+TEST_P(TargetFiles, ADiskThatStaysFullFailsTheRunWithOneErrorAfterTheLastQuestion)
+{
+    int questions = 0;
+    MainUI::setDiskSpaceQuestion([&](const QString &) { return ++questions < 3; });
+    m_folder.write(u"in.csv"_s, table(20'000));
+    const FileSizeLimit full(30'000);
+    const GraphOutcome outcome = runAgain();
+    EXPECT_EQ(questions, 3);
+    EXPECT_EQ(outcome.errors.size(), 1);
+    EXPECT_FALSE(names(".").contains(u"link"_s));
+}
+
 INSTANTIATE_TEST_SUITE_P(Writers, TargetFiles, testing::ValuesIn(kWriters));
 
 int main(int argc, char **argv)

@@ -73,10 +73,12 @@ public:
     /// State of the run. Only between init and close.
     const RunControl &control() const { return *m_control; }
     /// Ask the user whether to retry a failed write of `file`, for example when the disk is full.
-    /// Returns false without a question once the run is not good.
+    /// Returns false without a question once the run failed or was stopped. May be called from any
+    /// thread between init and close.
     bool askRetryWrite(const QString &file) const
     {
-        return runIsGood() && MainUI::displayOutOfDiskSpace(file, getIdx(), true);
+        return m_control != nullptr && m_control->isRunning() &&
+               MainUI::displayOutOfDiskSpace(file, getIdx(), true);
     }
 
 protected:

@@ -48,8 +48,9 @@ public:
     {
         int action = 0; ///< index of the action (ActionItem::getIdx()), part of the temporary name
         TargetMode mode = TargetMode::Replace;
-        /// Called after a failed write, for example when the disk is full; returns true to retry.
-        /// Without it no write is retried.
+        /// Called after a failed write or flush, for example when the disk is full; returns true to
+        /// retry. Called on the thread that writes, which may be a worker thread of a codec.
+        /// Without it nothing is retried.
         std::function<bool()> retryWrite = {};
     };
 
@@ -66,12 +67,13 @@ public:
     /// Where the bytes are until commit(); empty when they are written to the target itself.
     const QString &temporaryName() const { return m_temporary; }
 
-    // Only while open. A failed write is repeated for as long as retryWrite() returns true; after
-    // that nothing of it counts as written.
+    // Only while open. A failed write or flush is repeated for as long as retryWrite() returns
+    // true, so that no caller needs a loop of its own. A write that is given up has written
+    // nothing.
     bool write(const void *bytes, qint64 n) override;
     bool seek(qint64 offset) override { return m_file->seek(offset); }
     qint64 position() const override { return m_file->position(); }
-    bool flush() override { return m_file->flush(); }
+    bool flush() override;
 
     /// Complete the target and close it. The bytes of a replaced or extended file are flushed to
     /// the device first; a new file is flushed before the run ends. After a failure the target is
@@ -94,6 +96,7 @@ private:
     Done openFile(const QString &name, MyWriteFile::Existing existing);
     Done commit(Sync sync, const Rename &rename);
     Done complete(bool syncs);
+    template <class F> bool retried(F operation);
 
     Options m_options;
     QString m_target;
