@@ -1,10 +1,68 @@
 #include "actions/shared/level_writer.h"
 
+using namespace Qt::StringLiterals;
+
 namespace corvanta {
+
+/// The message for a problem with the table or the parameters, which is not one of the file.
+QString LevelWriter::messageAbout(const QString &problem) const
+{
+    const LevelWriterTexts differences = texts();
+    return u"%1ERROR writing to %2 file '%3': %4"_s.arg(differences.lineStart, differences.format,
+                                                        fileName(), problem);
+}
+
+QString LevelWriter::message(WriteProblem problem, const QString &name) const
+{
+    const LevelWriterTexts differences = texts();
+    switch (problem) {
+    case WriteProblem::NoTestColumn:
+        return messageAbout(u"cannot find column '%1' to test\n"_s.arg(name));
+    case WriteProblem::NoColumn:
+        return messageAbout(u"cannot find column '%1' to write\n"_s.arg(name));
+    case WriteProblem::NoColumns:
+        return messageAbout(differences.noColumns);
+    case WriteProblem::BadFloatFormat:
+        return messageAbout(u"'%1' is not a format of a floating-point number\n"_s.arg(name));
+    case WriteProblem::CannotOpen:
+        return u"%1ERROR: cannot open %2 file '%3' for write\n"_s.arg(
+            differences.lineStart, differences.format, fileName());
+    case WriteProblem::CannotWrite:
+        return u"%1ERROR: cannot write to %2 file '%3'\n"_s.arg(differences.lineStart,
+                                                                differences.format, fileName());
+    case WriteProblem::TooLarge:
+        break;
+    }
+    return messageAbout(u"output buffer too small\n"_s);
+}
+
+/// The message for a problem of the levels. `name` is the one that LevelProblem describes, `level`
+/// the level in which it occurred.
+QString LevelWriter::levelMessage(compose::LevelProblem problem, const QString &name,
+                                  const QString &level) const
+{
+    switch (problem) {
+    case compose::LevelProblem::NoPartitionColumn:
+        return messageAbout(
+            u"cannot find partitioning column '%1' in level '%2'\n"_s.arg(name, level));
+    case compose::LevelProblem::NoColumn:
+        return message(WriteProblem::NoColumn, name);
+    case compose::LevelProblem::NoLevel:
+        return messageAbout(u"cannot find the level named '%1'\n"_s.arg(name));
+    case compose::LevelProblem::CyclicLevel:
+        return messageAbout(u"the level '%1' is a sub-level of itself\n"_s.arg(name));
+    case compose::LevelProblem::NoDictionary:
+        return messageAbout(u"previous Item is not a Dictionary\n"_s);
+    case compose::LevelProblem::NoColumnListed:
+        break;
+    }
+    return message(WriteProblem::NoColumns, name);
+}
 
 compose::ValueRules LevelWriter::commonRules(std::u16string_view nullForm,
                                              std::u16string_view emptyForm) const
 {
+    // A rule that is not set leaves the value out, with its key.
     const LevelWriterParams &params = rowParams();
     const compose::FixedText null(nullForm);
     compose::ValueRules rules;
@@ -42,11 +100,14 @@ void LevelWriter::start()
 
 bool LevelWriter::begin(const OneRow &columns)
 {
+    // The order decides which of several mistakes is reported.
     return findTestColumn(columns) && prepareColumns(columns) && makeComposer(columns);
 }
 
 bool LevelWriter::makeComposer(const OneRow &columns)
 {
+    // The levels that were declared are kept here for the message: a fault names its level by
+    // index.
     const std::vector<WriteLevel> declared = declaredLevels();
     auto levels = compileLevels(declared, columns.view());
     if (!levels) {
@@ -54,6 +115,7 @@ bool LevelWriter::makeComposer(const OneRow &columns)
         const WriteLevel &level = declared[static_cast<size_t>(fault.offset)];
         return fail(levelMessage(fault.code, fault.detail, level.name));
     }
+    // Of the columns that some item writes, no matter on which level.
     const std::vector<int> written = compose::writtenColumns(*levels);
     if (!checkNames(columns, {written.begin(), written.end()})) {
         return false;
@@ -68,11 +130,11 @@ bool LevelWriter::writeRow(const OneRow &row)
     if (!prepareRow(row)) {
         return false;
     }
+    // Composing reports no failures itself; the block keeps the first one.
     m_run->composer->putRow(row.view());
     return m_run->block->failure() == compose::TextBlock::Failure::None || checkBlock();
 }
 
-/// Whether the block took all that was composed so far.
 bool LevelWriter::checkBlock()
 {
     switch (m_run->block->failure()) {
@@ -112,18 +174,21 @@ bool LevelWriter::write(const void *bytes, qint64 n)
 
 bool LevelWriter::writeText(const QString &text)
 {
+    // Past the block, which holds only the text of elements.
     const std::string bytes = compose::encode(text.toStdU16String(), m_run->frame.encoding);
     return write(bytes.data(), static_cast<qint64>(bytes.size()));
 }
 
 bool LevelWriter::flush()
 {
+    // With alwaysWrite a file without text has its prefix and suffix.
     m_run->block->drainAll();
     return checkBlock() && (m_run->target.isOpen() || !rowParams().alwaysWrite || openFile());
 }
 
 bool LevelWriter::endFile()
 {
+    // A composer exists once a table was seen.
     if (m_run->composer) {
         m_run->composer->endElements();
     }

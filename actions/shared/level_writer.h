@@ -13,10 +13,21 @@ namespace corvanta {
 struct FileFrame
 {
     compose::Encoding encoding = compose::Encoding::Utf8;
-    std::string head; ///< before the prefix, encoded; not written to a file that is appended to
-    QString prefix;   ///< at the start of the file; expanded before it is written
-    QString lastLine; ///< between the last element and the suffix
-    QString suffix;   ///< at the end of the file; expanded before it is written
+    /// Before the prefix, encoded. Not written to a file that is appended to.
+    std::string head;
+    /// At the start of the file. Expanded before it is written, like the suffix.
+    QString prefix;
+    /// Between the last element and the suffix. Not written without rows.
+    QString lastLine;
+    QString suffix;
+};
+
+/// What the messages of the two actions differ in.
+struct LevelWriterTexts
+{
+    QString lineStart; ///< before every message
+    QString format;    ///< name of the format in messages
+    QString noColumns; ///< the problem NoColumns, after the name of the file
 };
 
 /// The action supplies its messages, its levels and the frame of its files. A file is opened when
@@ -28,10 +39,7 @@ protected:
 
     const LevelWriterParams &rowParams() const override = 0;
     const QString &fileParameter() const override { return rowParams().fileName; }
-    /// The message for a problem of the levels; `name` is the one that LevelProblem describes,
-    /// `level` the level in which it occurred.
-    virtual QString levelMessage(compose::LevelProblem problem, const QString &name,
-                                 const QString &level) const = 0;
+    virtual LevelWriterTexts texts() const = 0;
     virtual std::vector<WriteLevel> declaredLevels() const = 0;
     virtual compose::LevelCompiler::Levels compileLevels(const std::vector<WriteLevel> &levels,
                                                          const RowView &columns) const = 0;
@@ -44,6 +52,7 @@ protected:
     /// The name of the next file.
     virtual QString targetName() const { return fileName(); }
 
+    QString message(WriteProblem problem, const QString &name) const override;
     void start() override;
     bool begin(const OneRow &columns) override;
     bool writeRow(const OneRow &row) override;
@@ -64,16 +73,27 @@ private:
     {
         FileFrame frame;
         FloatFormat floatFormat;
+        // Open from the first drained text to the end of the file.
         TargetFile target;
+        // Drains into the target.
         std::unique_ptr<compose::TextBlock> block;
+        // Null until the columns are known.
         std::unique_ptr<compose::LevelComposer> composer;
     };
 
+    QString messageAbout(const QString &problem) const;
+    QString levelMessage(compose::LevelProblem problem, const QString &name,
+                         const QString &level) const;
+    /// Compile the levels for the columns of the table and check the names of those written.
     bool makeComposer(const OneRow &columns);
+    // Functions that return bool return true for success; otherwise the run has failed or ended.
+    /// Open targetName() and write what comes before the elements.
     bool openFile();
     bool write(const void *bytes, qint64 n);
     bool writeText(const QString &text);
+    /// Write all composed text; opens the file for alwaysWrite.
     bool flush();
+    /// Whether the block took all that was composed so far.
     bool checkBlock();
 
     std::unique_ptr<RunState> m_run;

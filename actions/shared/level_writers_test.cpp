@@ -3,26 +3,18 @@
 #include "actions/shared/split_name.h"
 #include "actions/write_json/write_json.h"
 #include "actions/write_xml/write_xml.h"
-#include "corvanta/action_registry.h"
-#include "corvanta/corvanta_graph.h"
-#include "corvanta/main_ui.h"
 #include "corvanta/plugin_interface.h"
-#include "corvanta/run.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
+#include "tests/support/graph_folder.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <chrono>
-#include <csignal>
-#include <mutex>
+#include <optional>
 
 using namespace corvanta;
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
+using corvanta::test::FileSizeLimit;
+using corvanta::test::GraphFolder;
+using corvanta::test::GraphSettings;
 
 namespace {
 
@@ -103,17 +95,6 @@ public:
     void *createActionFromNode(XMLNode) override { return nullptr; }
 };
 
-struct CollectingLog final : LogSink
-{
-    void add(const LogMessage &message) override
-    {
-        const std::lock_guard lock(mutex);
-        texts << QString::number(message.level) + message.text;
-    }
-    std::mutex mutex;
-    QStringList texts;
-};
-
 constexpr char kTwoLevels[] =
     "<Levels><Level><Item text='{\"f\":['/><Item type='4'><s>f</s></Item><Item text='],\"l\":['/>"
     "<Item type='5' calledLevel='l'/><Item text=']}'/></Level>"
@@ -134,70 +115,27 @@ protected:
     }
     ~LevelWriters() override { MainUI::setDiskSpaceQuestion({}); }
 
-    /// Run the source into a writer; true when the run succeeded. Messages are in m_log.
-    bool run(const QByteArray &writer, RunOptions options = {})
+    /// Run the source into a writer; true when the run succeeded.
+    bool run(const QByteArray &writer, GraphSettings settings = {})
     {
-        const auto loaded =
-            CorvantaGraph::parse("<graph><action id='a'><table/></action><action id='w'>" + writer +
-                                     "</action><link from='a:0' to='w:0'/></graph>",
-                                 path("test.graph"));
-        EXPECT_TRUE(loaded && loaded->validate(m_registry, {}).isEmpty()) << writer.toStdString();
-        m_log.texts.clear();
-        options.log = &m_log;
-        options.outDir = m_dir.path();
-        corvanta::Run run(*loaded, m_registry, std::move(options));
-        m_running = &run;
-        run.start();
-        EXPECT_TRUE(run.waitFor(60s));
-        run.wait();
-        return run.succeeded();
+        settings.registry = &m_registry;
+        settings.beforeStart = [this](corvanta::Run &run) { m_running = &run; };
+        const auto outcome = m_folder.runChain({"<table/>", writer}, settings);
+        EXPECT_TRUE(outcome.ended);
+        m_messages = outcome.messages;
+        return outcome.succeeded;
     }
-    std::string messages() const { return m_log.texts.join(u'|').toStdString(); }
-    QString path(const char *name) const { return m_dir.filePath(QString::fromLatin1(name)); }
-    QStringList files() const { return QDir(m_dir.path()).entryList(QDir::Files, QDir::Name); }
-    QByteArray content(const char *name) const
-    {
-        QFile file(path(name));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
-        return file.readAll();
-    }
-    void write(const char *name, const QByteArray &bytes) const
-    {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-    }
+    /// Of the last run.
+    std::string messages() const { return m_messages.join(u'|').toStdString(); }
+    QString path(const char *name) const { return m_folder.path(QString::fromLatin1(name)); }
+    QStringList files() const { return m_folder.files(); }
+    QByteArray content(const char *name) const { return m_folder.bytes(QString::fromLatin1(name)); }
+    void writeOld() const { m_folder.write(u"old"_s, "what was there"); }
 
-    QTemporaryDir m_dir;
+    GraphFolder m_folder;
     ActionRegistry m_registry;
-    CollectingLog m_log;
+    QStringList m_messages;
     corvanta::Run *m_running = nullptr;
-};
-
-/// Files cannot grow beyond `bytes` while it lives.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        m_oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_old);
-        set(bytes);
-    }
-    ~FileSizeLimit()
-    {
-        lift();
-        std::signal(SIGXFSZ, m_oldHandler);
-    }
-    void lift() { set(m_old.rlim_cur); }
-
-private:
-    void set(rlim_t bytes)
-    {
-        const rlimit limit{bytes, m_old.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    rlimit m_old{};
-    void (*m_oldHandler)(int) = nullptr;
 };
 
 } // namespace
@@ -344,10 +282,7 @@ TEST_F(LevelWriters, TheOutputDoesNotDependOnBatchesAndYields)
         const QByteArray expected = content("out");
         EXPECT_GT(expected.size(), 10000);
         for (const int batchRows : {1, 2, 7, 100}) {
-            RunOptions options;
-            options.batchRows = batchRows;
-            options.yieldAtBatches = true;
-            ASSERT_TRUE(run(writer, std::move(options)));
+            ASSERT_TRUE(run(writer, {batchRows, true}));
             EXPECT_EQ(content("out"), expected) << batchRows;
         }
     }
@@ -369,9 +304,9 @@ TEST_F(LevelWriters, AFailedWriteIsAskedAboutAndLeavesWhatWasThere)
     for (const auto &c : cases) {
         int asked = 0;
         for (const QByteArray &mode : {QByteArray("0"), QByteArray("1")}) {
-            write("old", "what was there");
+            writeOld();
             MainUI::setDiskSpaceQuestion([&](const QString &) { return ++asked < 3; });
-            for (const rlim_t limit : {14, 17, 5'000, 120'000, 160'000}) {
+            for (const qint64 limit : {14, 17, 5'000, 120'000, 160'000}) {
                 asked = 0;
                 const FileSizeLimit full(limit);
                 EXPECT_FALSE(run(c.writer + "fileMode='" + mode + "'/>"));
@@ -390,7 +325,7 @@ TEST_F(LevelWriters, AFailedWriteIsAskedAboutAndLeavesWhatWasThere)
 TEST_F(LevelWriters, ARunThatIsStoppedWhileTheDiskIsFullLeavesWhatWasThere)
 {
     for (const char *mode : {"0", "1"}) {
-        write("old", "what was there");
+        writeOld();
         bool failed = true;
         MainUI::setDiskSpaceQuestion([&](const QString &) {
             m_running->stop();
@@ -410,9 +345,9 @@ TEST_F(LevelWriters, AWriteThatIsTriedAgainLosesAndDoublesNothing)
 {
     ASSERT_TRUE(run("<writeJSON fileName='expected'/>"));
     for (const char *mode : {"0", "1"}) {
-        FileSizeLimit full(100'000);
+        std::optional<FileSizeLimit> full(100'000);
         MainUI::setDiskSpaceQuestion([&](const QString &) {
-            full.lift();
+            full.reset();
             return true;
         });
         EXPECT_TRUE(
@@ -423,7 +358,7 @@ TEST_F(LevelWriters, AWriteThatIsTriedAgainLosesAndDoublesNothing)
 
 TEST_F(LevelWriters, TextsUpToTheBlockAreWrittenAndLongerOnesFailTheRun)
 {
-    write("old.json", "old");
+    m_folder.write(u"old.json"_s, "old");
     g_table.rows = {{1, 1, u"first"}, {2, 2, std::u16string(1'999'900, u'\u20AC')}};
     EXPECT_TRUE(run("<writeJSON fileName='fits.json'/>"));
     EXPECT_EQ(

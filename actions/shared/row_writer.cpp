@@ -10,14 +10,21 @@ namespace corvanta {
 void RowWriter::start()
 {
     m_fileName = expandOutputFile(fileParameter(), QString());
-    m_filter = {};
+    m_testColumn = kNoColumn;
     m_isBeforeFirstRow = true;
     m_isComplete = false;
+}
+
+/// Whether the parameters select the row. begin() has found the column.
+inline bool RowWriter::isSelected(const OneRow &row) const
+{
+    return m_testColumn == kNoColumn || row.textView(m_testColumn) == rowParams().testValue;
 }
 
 /// Pass a row on and write it when it is selected.
 inline bool RowWriter::takeRow(const OneRow &row)
 {
+    // Before it is selected or written: the output pin gets every row, also one that fails the run.
     if (pinOutCount() != 0) {
         getOutputRowForOutputPin(0)->copyFrom(&row);
         setRowReadyForOutput(0);
@@ -29,11 +36,12 @@ inline bool RowWriter::takeRow(const OneRow &row)
             return false;
         }
     }
-    return !m_filter.isWanted(row) || writeRow(row);
+    return !isSelected(row) || writeRow(row);
 }
 
 bool RowWriter::step()
 {
+    // Without a yield the loop runs to the end of the table.
     while (!yieldRequested()) {
         const OneRow *const row = getNextRowFromInPin(0);
         if (row == nullptr) {
@@ -59,6 +67,7 @@ void RowWriter::endRows()
             return;
         }
     }
+    // Another action may have failed meanwhile; the target must then not be replaced.
     m_isComplete = runIsGood();
 }
 
@@ -75,8 +84,12 @@ void RowWriter::finish()
 
 bool RowWriter::findTestColumn(const OneRow &columns)
 {
-    return m_filter.begin(rowParams(), columns) ||
-           failWith(WriteProblem::NoTestColumn, rowParams().testCol);
+    const RowWriterParams &params = rowParams();
+    if (params.writeAllRows) {
+        return true;
+    }
+    m_testColumn = columns.getIndexOfColumn(params.testCol);
+    return m_testColumn != kNoColumn || failWith(WriteProblem::NoTestColumn, params.testCol);
 }
 
 bool RowWriter::findColumns(const OneRow &columns, QVector<int> *inputs)
@@ -89,6 +102,7 @@ bool RowWriter::findColumns(const OneRow &columns, QVector<int> *inputs)
         return true;
     }
     for (const QString &name : rowParams().toWrite) {
+        // Every missing name is reported, not only the first one.
         *inputs << columns.getIndexOfColumn(name);
         if (inputs->back() < 0) {
             failWith(WriteProblem::NoColumn, name);
@@ -106,6 +120,7 @@ bool RowWriter::checkNames(const OneRow &columns, const QVector<int> &inputs)
 void RowWriter::createFolder(const QString &file) const
 {
     if (rowParams().createDir) {
+        // The result is not checked: the message is the one for a file that cannot be opened.
         QDir().mkpath(QFileInfo(file).absolutePath());
     }
 }

@@ -14,7 +14,6 @@
 // An action is declared as `class ActionX : public ParamAction<ActionX, XParams, RowWriter>` where
 // XParams is derived from RowWriterParams. Threads: as ActionBase.
 #pragma once
-#include "actions/shared/row_filter.h"
 #include "actions/shared/write_problem.h"
 #include "corvanta/action_base.h"
 #include "corvanta/target_file.h"
@@ -22,12 +21,15 @@
 namespace corvanta {
 
 /// The parameters that all writers of rows have.
-struct RowWriterParams : RowFilterParams
+struct RowWriterParams
 {
+    bool writeAllRows = true; ///< off: only rows whose text in testCol is testValue
+    QString testCol;          ///< name of the column; a missing column is an error
+    QString testValue;        ///< compared with the whole text, case-sensitive; may be empty
     bool writeAllColumns = true;
     QStringList toWrite; ///< names of the columns to write when writeAllColumns is off, in order
-    bool checkNameCollision = true;
-    bool createDir = false;
+    bool checkNameCollision = true; ///< two written columns of one name are an error
+    bool createDir = false;         ///< create the missing folders of the target
 };
 
 class RowWriter : public ActionBase
@@ -38,7 +40,7 @@ protected:
     // What the action supplies.
 
     virtual const RowWriterParams &rowParams() const = 0;
-    /// The parameter that names the file, as it was given.
+    /// The parameter that names the file, as saved in the graph: not expanded.
     virtual const QString &fileParameter() const = 0;
     /// The message for a problem; `name` is the one that WriteProblem describes.
     virtual QString message(WriteProblem problem, const QString &name) const = 0;
@@ -71,7 +73,7 @@ protected:
     {
         return fail(message(problem, name));
     }
-    /// Find the column that selects rows. Problems: NoTestColumn.
+    /// Find the column that selects rows; call it from begin(). Problems: NoTestColumn.
     bool findTestColumn(const OneRow &columns);
     /// Find the columns to write: their indexes in the input, in the order of the output. Every
     /// missing name is reported. Problems: NoColumns (also for an empty list), NoColumn.
@@ -91,10 +93,12 @@ private:
     bool step() final;
     void finish() final;
     bool takeRow(const OneRow &row);
+    bool isSelected(const OneRow &row) const;
     void endRows();
 
+    static constexpr int kNoColumn = -1; // as OneRow::getIndexOfColumn()
     QString m_fileName;
-    RowFilter m_filter;
+    int m_testColumn = kNoColumn; // kNoColumn: every row is selected
     bool m_isBeforeFirstRow = true;
     bool m_isComplete = false; // all rows are taken
 };

@@ -8,6 +8,7 @@ namespace corvanta {
 
 namespace {
 
+// File systems allow 255 bytes for a name, which also holds the name given by the user.
 constexpr qsizetype kMaxBytes = 200;
 constexpr qsizetype kDigestDigits = 16;
 
@@ -16,6 +17,7 @@ bool isHexDigit(QChar c)
     return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
 }
 
+/// A percent sign that a reader of the name would mistake for the start of percentForm().
 bool isEscapeLike(const QString &value, qsizetype at)
 {
     return value[at] == u'%' && at + 2 < value.size() && isHexDigit(value[at + 1]) &&
@@ -35,6 +37,7 @@ QString percentForm(QChar c)
 /// The longest start of `text` that takes at most `bytes` bytes of UTF-8.
 QString cutToBytes(QString text, qsizetype bytes)
 {
+    // A unit has at least one byte. Half a surrogate pair at the end has no UTF-8.
     text.truncate(bytes);
     while (text.toUtf8().size() > bytes || (!text.isEmpty() && text.back().isHighSurrogate())) {
         text.chop(1);
@@ -57,6 +60,7 @@ QString fileNamePart(const QString &value)
     if (part.toUtf8().size() <= kMaxBytes) {
         return part;
     }
+    // Long values with the same start still have different names.
     const QByteArray digest =
         QCryptographicHash::hash(value.toUtf8(), QCryptographicHash::Sha256).toHex();
     return cutToBytes(part, kMaxBytes - kDigestDigits - 1) + u'~' +

@@ -1,4 +1,6 @@
 // Makes the names of the files that one output is split into.
+//
+// Threads: the functions have no state.
 #pragma once
 #include <QString>
 

@@ -12,57 +12,14 @@ ActionWriteJSON::ActionWriteJSON(const XMLNode &saved, GlobalParameters *paramet
 {
 }
 
-QString ActionWriteJSON::message(WriteProblem problem, const QString &name) const
+LevelWriterTexts ActionWriteJSON::texts() const
 {
-    const QString &file = fileName();
-    switch (problem) {
-    case WriteProblem::NoTestColumn:
-        return u"ERROR writing to JSON file '%1': cannot find column '%2' to test\n"_s.arg(file,
-                                                                                           name);
-    case WriteProblem::NoColumn:
-        return u"ERROR writing to JSON file '%1': cannot find column '%2' to write\n"_s.arg(file,
-                                                                                            name);
-    case WriteProblem::NoColumns:
-        return u"ERROR writing to JSON file '%1': no pre-formatedd column to write?"_s.arg(file);
-    case WriteProblem::BadFloatFormat:
-        return u"ERROR writing to JSON file '%1': '%2' is not a format of a floating-point number\n"_s
-            .arg(file, name);
-    case WriteProblem::CannotOpen:
-        return u"ERROR: cannot open JSON file '%1' for write\n"_s.arg(file);
-    case WriteProblem::CannotWrite:
-        return u"ERROR: cannot write to JSON file '%1'\n"_s.arg(file);
-    case WriteProblem::TooLarge:
-        break;
-    }
-    return u"ERROR writing to JSON file '%1': output buffer too small\n"_s.arg(file);
-}
-
-QString ActionWriteJSON::levelMessage(compose::LevelProblem problem, const QString &name,
-                                      const QString &level) const
-{
-    const QString &file = fileName();
-    switch (problem) {
-    case compose::LevelProblem::NoPartitionColumn:
-        return u"ERROR writing to JSON file '%1': cannot find partitioning column '%2' in level '%3'\n"_s
-            .arg(file, name, level);
-    case compose::LevelProblem::NoColumn:
-        return message(WriteProblem::NoColumn, name);
-    case compose::LevelProblem::NoLevel:
-        return u"ERROR writing to JSON file '%1': cannot find the level named '%2'\n"_s.arg(file,
-                                                                                            name);
-    case compose::LevelProblem::CyclicLevel:
-        return u"ERROR writing to JSON file '%1': the level '%2' is a sub-level of itself\n"_s.arg(
-            file, name);
-    case compose::LevelProblem::NoDictionary:
-        return u"ERROR writing to JSON file '%1': previous Item is not a Dictionary\n"_s.arg(file);
-    case compose::LevelProblem::NoColumnListed:
-        break;
-    }
-    return message(WriteProblem::NoColumns, name);
+    return {{}, u"JSON"_s, u"no pre-formatedd column to write?"_s};
 }
 
 std::vector<WriteLevel> ActionWriteJSON::declaredLevels() const
 {
+    // Without levels, each row is one object with the chosen columns as its members.
     return m_params.levels.empty()
                ? compose::defaultJsonLevels(m_params.writeAllColumns, m_params.toWrite)
                : m_params.levels;
@@ -71,6 +28,7 @@ std::vector<WriteLevel> ActionWriteJSON::declaredLevels() const
 compose::LevelCompiler::Levels ActionWriteJSON::compileLevels(const std::vector<WriteLevel> &levels,
                                                               const RowView &columns) const
 {
+    // Escapes for all control characters include the one for line feeds.
     using Form = compose::ComposeOperation::TextForm;
     return compose::compileJsonLevels(levels, columns,
                                       m_params.escapeControls ? Form::JsonStrict
@@ -80,6 +38,7 @@ compose::LevelCompiler::Levels ActionWriteJSON::compileLevels(const std::vector<
 
 compose::ValueRules ActionWriteJSON::valueRules() const
 {
+    // An empty text in place of a missing one is written with its quotes.
     compose::ValueRules rules = commonRules(u"null", u"\"\"");
     rules.specialBool = m_params.specialBool;
     return rules;
@@ -87,6 +46,7 @@ compose::ValueRules ActionWriteJSON::valueRules() const
 
 FileFrame ActionWriteJSON::frame() const
 {
+    // No head: JSON is UTF-8 without a byte-order mark.
     FileFrame frame;
     frame.prefix = m_params.prefix;
     frame.suffix = m_params.suffix;
@@ -95,6 +55,7 @@ FileFrame ActionWriteJSON::frame() const
 
 void ActionWriteJSON::start()
 {
+    // The columns of this run are not known yet.
     m_splitColumn = -1;
     LevelWriter::start();
 }
@@ -112,6 +73,7 @@ bool ActionWriteJSON::prepareColumns(const OneRow &columns)
     }
     // The first row names the first file, even if it is not selected.
     m_splitValue = columns.textView(m_splitColumn).toString();
+    // Rows of one value that are not next to each other are written to separate files of one name.
     const QVector<SortInfos> &sortedOn = columns.sortInfos();
     if (sortedOn.isEmpty() || sortedOn.first().column != m_params.splitCol) {
         warnUnsorted();
@@ -147,6 +109,7 @@ QString ActionWriteJSON::targetName() const
     if (m_splitColumn < 0) {
         return fileName();
     }
+    // The part is safe in file names: a value cannot lead to another folder.
     const QString part = fileNamePart(m_splitValue);
     return m_params.advancedNaming ? expandOutputFile(m_params.fileName, part)
                                    : withPartBeforeExtension(fileName(), part);

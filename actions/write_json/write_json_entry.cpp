@@ -5,6 +5,9 @@ namespace corvanta {
 
 namespace {
 
+// An empty floatToString gives the fewest digits that read back as the same number, escapeControls
+// makes the file valid JSON for all texts, and alwaysWrite gives a table without rows an empty
+// array.
 constexpr FileFormat kFormats[] = {
     {FileFormat::Write, FileFormat::Json, "json", "floatToString= escapeControls=1 alwaysWrite=1"},
 };
@@ -19,7 +22,7 @@ const ActionEntry kWriteJsonEntry = {
     .saveVersion = 2.8,
     .keywords = "file export output save level multi json write out",
     .pinsIn = 1,
-    .pinsOut = 1,
+    .pinsOut = 1, // every input row, written or not
     .makeAction = makeAction<ActionWriteJSON>,
     .makePanel = makePanel<Interface_ActionWriteJSON>,
     .formats = kFormats,

@@ -1,26 +1,17 @@
 #include "actions/write_json/write_json_params.h"
 
+// The lines are in the order of saved graphs.
 namespace corvanta {
 
-void adjustWriteJsonDefaults(WriteJsonParams &params, double savedVersion)
-{
-    constexpr double kBooleansSince = 2.79;
-    params.specialBool = savedVersion >= kBooleansSince;
-}
+namespace {
 
-const ParamTable<WriteJsonParams> &writeJsonParamTable()
+using P = WriteJsonParams;
+
+/// The form of texts. The last two are off by default: control characters then stay unchanged, and
+/// the file is valid JSON only if no text contains one. escapeControls includes replaceLF.
+ParamGroup<P> textForms()
 {
-    using P = WriteJsonParams;
-    static const ParamTable<P> table{
-        text<P>("fileName", &P::fileName)
-            .outputFile()
-            .label("File")
-            .meaning("JSON file to write, UTF-8."),
-        shared::fileMode<P>(),
-        shared::checkNameCollision<P>(),
-        shared::createDir<P>(),
-        shared::rowFilter<P>(),
-        shared::valueForms<P>("write null", "write \"\""),
+    return {
         flag("specialBool", &P::specialBool)
             .label("The texts true and false are booleans")
             .meaning("Writes the texts true, True, false and False as booleans. Default off in "
@@ -33,6 +24,13 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
             .label("Control characters become escapes")
             .meaning("Writes all control characters in texts and names as escapes, so that the "
                      "file is valid JSON for all cells. Off: they stay unchanged."),
+    };
+}
+
+/// The files that a table is split into; splitCol is saved after them.
+ParamGroup<P> splitting()
+{
+    return {
         flag("splitFile", &P::splitFile)
             .label("One file per value of the split column")
             .meaning("Writes one file per value of splitCol; the value is put into the file name "
@@ -41,10 +39,37 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
             .label("Put the value at each * of the file name")
             .meaning("The value replaces each * in the file name. Without a * it is put before the "
                      "extension, or becomes the extension of a name that has none."),
+    };
+}
+
+} // namespace
+
+void adjustWriteJsonDefaults(WriteJsonParams &params, double savedVersion)
+{
+    // Earlier graphs rely on the texts true and false being written with quotes.
+    constexpr double kBooleansSince = 2.79;
+    params.specialBool = savedVersion >= kBooleansSince;
+}
+
+const ParamTable<WriteJsonParams> &writeJsonParamTable()
+{
+    static const ParamTable<P> table{
+        text<P>("fileName", &P::fileName)
+            .outputFile()
+            .label("File")
+            .meaning("JSON file to write, UTF-8."),
+        shared::fileMode<P>(),
+        shared::checkNameCollision<P>(),
+        shared::createDir<P>(),
+        shared::rowFilter<P>(),
+        shared::valueForms<P>("write null", "write \"\""),
+        textForms(),
+        splitting(),
         shared::alwaysWrite<P>(),
         text("splitCol", &P::splitCol)
             .label("Split column")
             .meaning("Column whose values split the table, which should be sorted on it."),
+        // Child elements come after all attributes.
         shared::fileContent<P>(),
     };
     return table;

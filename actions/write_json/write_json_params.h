@@ -6,19 +6,27 @@ namespace corvanta {
 
 struct WriteJsonParams : LevelWriterParams
 {
+    /// The texts true, True, false and False are booleans, without quotes.
     bool specialBool = true;
+    /// A line feed in a text becomes \n.
     bool replaceLF = false;
+    /// Every control character becomes an escape, also in names; replaceLF then has no effect.
     bool escapeControls = false;
+    /// One file per value of splitCol. The other two are used only when this is on.
     bool splitFile = false;
+    /// The value replaces each * of fileName; off: it is inserted before the extension.
     bool advancedNaming = false;
+    /// Name of the column; a missing column is an error.
     QString splitCol;
+    // Around the elements of every file; expanded before they are written. May be empty.
     QString prefix = QStringLiteral("[");
     QString suffix = QStringLiteral("]");
 };
 
+/// Attributes of `writeJSON`, then its child elements.
 const ParamTable<WriteJsonParams> &writeJsonParamTable();
 
-/// Defaults of graphs saved by earlier hosts.
+/// Set the defaults of graphs that were saved with `savedVersion`, before they are read.
 void adjustWriteJsonDefaults(WriteJsonParams &params, double savedVersion);
 
 } // namespace corvanta

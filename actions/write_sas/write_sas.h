@@ -1,4 +1,7 @@
-// writeSAS: rows into a SAS data set.
+// writeSAS: writes rows to a SAS data set (.sas7bdat).
+//
+// The action can be placed, edited, saved and linked; writing is not part of this version, and a
+// run ends with an error (PendingAction).
 #pragma once
 #include "actions/shared/pending_action.h"
 #include "actions/write_sas/write_sas_params.h"

@@ -5,6 +5,7 @@ namespace corvanta {
 
 namespace {
 
+// Without settings: no parameter is off only because of saved graphs.
 constexpr FileFormat kFormats[] = {
     {FileFormat::Write, FileFormat::Statistics, "sas7bdat"},
 };
@@ -20,6 +21,7 @@ const ActionEntry kWriteSasEntry = {
     .tags = "Common",
     .keywords = "file export output save sas sas7bdat write out",
     .pinsIn = 1,
+    // A run passes no rows on: it ends with an error before the first one.
     .pinsOut = 1,
     .makeAction = makeAction<ActionWriteSAS>,
     .makePanel = makePanel<Interface_ActionWriteSAS>,

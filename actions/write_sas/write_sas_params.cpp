@@ -1,15 +1,16 @@
 #include "actions/write_sas/write_sas_params.h"
 
+// The lines are in the order of saved graphs.
 namespace corvanta {
 
-const ParamTable<WriteSasParams> &writeSasParamTable()
+namespace {
+
+using P = WriteSasParams;
+
+/// What happens to names and texts that exceed the limits of the format.
+ParamGroup<P> formatLimits()
 {
-    using P = WriteSasParams;
-    static const ParamTable<P> table{
-        text<P>("fileName", &P::fileName)
-            .outputFile()
-            .label("File")
-            .meaning("Data set (.sas7bdat) to write."),
+    return {
         choice("columnNameMode", &P::columnNameMode,
                {{VariableNames::Truncated,
                  "Use the same Column Names as in Corvanta (possibly truncated)"},
@@ -23,12 +24,32 @@ const ParamTable<WriteSasParams> &writeSasParamTable()
                {{WideText::Truncate, "truncate it, with a warning"}, {WideText::Abort, "abort"}})
             .label("A text wider than its column")
             .meaning("What happens to a text that does not fit."),
+    };
+}
+
+/// How a measured width follows from the longest text of a column. Declared widths (StringColDef)
+/// stay as they are.
+ParamGroup<P> automaticWidths()
+{
+    return {
         real("f1", &P::f1)
             .label("Automatic width: factor")
             .meaning("Measured widths are the longest text times this factor."),
         number("f2", &P::f2)
             .label("Automatic width: extra bytes")
             .meaning("Bytes added to measured widths."),
+    };
+}
+
+} // namespace
+
+const ParamTable<WriteSasParams> &writeSasParamTable()
+{
+    static const ParamTable<P> table{
+        shared::dataSetFile<P>("Data set (.sas7bdat) to write."),
+        formatLimits(),
+        automaticWidths(),
+        // Child elements come after all attributes.
         shared::dataSetContent<P>(),
     };
     return table;

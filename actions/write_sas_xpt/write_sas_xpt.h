@@ -1,4 +1,7 @@
-// writeSASXPT: rows into a SAS transport file.
+// writeSASXPT: writes rows to a SAS transport file (.xpt).
+//
+// The action can be placed, edited, saved and linked; writing is not part of this version, and a
+// run ends with an error (PendingAction).
 #pragma once
 #include "actions/shared/pending_action.h"
 #include "actions/write_sas_xpt/write_sas_xpt_params.h"

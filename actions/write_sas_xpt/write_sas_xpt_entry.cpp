@@ -5,6 +5,7 @@ namespace corvanta {
 
 namespace {
 
+// Without settings: no parameter is off only because of saved graphs.
 constexpr FileFormat kFormats[] = {
     {FileFormat::Write, FileFormat::Statistics, "xpt"},
 };
@@ -14,12 +15,14 @@ constexpr FileFormat kFormats[] = {
 const ActionEntry kWriteSasXptEntry = {
     .typeName = "writeSASXPT",
     .description = "Create a SAS Export .xpt file",
+    // The help page is that of writeSAS.
     .helpPage = "5_2_8_sas__sas7bdat__spss__s",
     .icon = ":/WriteReport/cdisc.svg",
     .saveVersion = 2.08,
     .tags = "Common",
     .keywords = "file export output save xpt sas xport write out",
     .pinsIn = 1,
+    // A run passes no rows on: it ends with an error before the first one.
     .pinsOut = 1,
     .makeAction = makeAction<ActionWriteSASXPT>,
     .makePanel = makePanel<Interface_ActionWriteSASXPT>,

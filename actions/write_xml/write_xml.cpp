@@ -8,7 +8,8 @@ namespace corvanta {
 
 namespace {
 
-constexpr int kMaxIndent = 1000;
+/// Limits what one wrong number can add to every element.
+constexpr int kMaxIndent = 1000; // spaces
 
 } // namespace
 
@@ -17,56 +18,14 @@ ActionWriteXML::ActionWriteXML(const XMLNode &saved, GlobalParameters *parameter
 {
 }
 
-QString ActionWriteXML::message(WriteProblem problem, const QString &name) const
+LevelWriterTexts ActionWriteXML::texts() const
 {
-    const QString &file = fileName();
-    switch (problem) {
-    case WriteProblem::NoTestColumn:
-        return u"\nERROR writing to XML file '%1': cannot find column '%2' to test\n"_s.arg(file,
-                                                                                            name);
-    case WriteProblem::NoColumn:
-        return u"\nERROR writing to XML file '%1': cannot find column '%2' to write\n"_s.arg(file,
-                                                                                             name);
-    case WriteProblem::NoColumns:
-        return u"\nERROR writing to XML file '%1': no column to write?\n"_s.arg(file);
-    case WriteProblem::BadFloatFormat:
-        return u"\nERROR writing to XML file '%1': '%2' is not a format of a floating-point number\n"_s
-            .arg(file, name);
-    case WriteProblem::CannotOpen:
-        return u"\nERROR: cannot open XML file '%1' for write\n"_s.arg(file);
-    case WriteProblem::CannotWrite:
-        return u"\nERROR: cannot write to XML file '%1'\n"_s.arg(file);
-    case WriteProblem::TooLarge:
-        break;
-    }
-    return u"\nERROR writing to XML file '%1': output buffer too small\n"_s.arg(file);
-}
-
-QString ActionWriteXML::levelMessage(compose::LevelProblem problem, const QString &name,
-                                     const QString &level) const
-{
-    const QString &file = fileName();
-    switch (problem) {
-    case compose::LevelProblem::NoPartitionColumn:
-        return u"\nERROR writing to XML file '%1': cannot find partitioning column '%2' in level '%3'\n"_s
-            .arg(file, name, level);
-    case compose::LevelProblem::NoColumn:
-        return message(WriteProblem::NoColumn, name);
-    case compose::LevelProblem::NoLevel:
-        return u"\nERROR writing to XML file '%1': cannot find the level named '%2'\n"_s.arg(file,
-                                                                                             name);
-    case compose::LevelProblem::CyclicLevel:
-        return u"\nERROR writing to XML file '%1': the level '%2' is a sub-level of itself\n"_s.arg(
-            file, name);
-    case compose::LevelProblem::NoDictionary: // XML has no such item
-    case compose::LevelProblem::NoColumnListed:
-        break;
-    }
-    return message(WriteProblem::NoColumns, name);
+    return {u"\n"_s, u"XML"_s, u"no column to write?\n"_s};
 }
 
 std::vector<WriteLevel> ActionWriteXML::declaredLevels() const
 {
+    // Without levels, the structure follows from the chosen columns.
     return m_params.levels.empty()
                ? compose::defaultXmlLevels(m_params.writeAllColumns, m_params.toWrite)
                : m_params.levels;
@@ -75,6 +34,7 @@ std::vector<WriteLevel> ActionWriteXML::declaredLevels() const
 compose::LevelCompiler::Levels ActionWriteXML::compileLevels(const std::vector<WriteLevel> &levels,
                                                              const RowView &columns) const
 {
+    // Expanded here, once per run. A text that is not a number gives 0.
     const int indent = qBound(0, expandString(m_params.indentStart).toInt(), kMaxIndent);
     return compose::compileXmlLevels(
         levels, columns,
@@ -83,6 +43,7 @@ compose::LevelCompiler::Levels ActionWriteXML::compileLevels(const std::vector<W
 
 compose::ValueRules ActionWriteXML::valueRules() const
 {
+    // XML has no null: a missing value is an empty one.
     compose::ValueRules rules = commonRules(u"", u"");
     rules.decimalComma = m_params.useComma;
     return rules;
@@ -90,10 +51,12 @@ compose::ValueRules ActionWriteXML::valueRules() const
 
 FileFrame ActionWriteXML::frame() const
 {
+    // Any other number means UTF-8 without a mark. UTF-16 is little-endian, also without a mark.
     const bool isWide =
         m_params.charMode == CharMode::Utf16WithMark || m_params.charMode == CharMode::Utf16;
     const bool hasMark =
         m_params.charMode == CharMode::Utf8WithMark || m_params.charMode == CharMode::Utf16WithMark;
+    // A file that is appended to already has a declaration; LevelWriter then leaves out the head.
     std::u16string head = hasMark ? u"\uFEFF" : u"";
     head += isWide ? u"<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n"
                    : u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";

@@ -5,6 +5,9 @@ namespace corvanta {
 
 namespace {
 
+// An empty floatToString gives the fewest digits that read back as the same number, wellFormed
+// makes the file readable for all cells, and alwaysWrite gives a table without rows an empty
+// document.
 constexpr FileFormat kFormats[] = {
     {FileFormat::Write, FileFormat::Markup, "xml", "floatToString= wellFormed=1 alwaysWrite=1"},
 };
@@ -19,7 +22,7 @@ const ActionEntry kWriteXmlEntry = {
     .saveVersion = 4.11,
     .keywords = "file export output save level multi xml write out",
     .pinsIn = 1,
-    .pinsOut = 1,
+    .pinsOut = 1, // every input row, written or not
     .makeAction = makeAction<ActionWriteXML>,
     .makePanel = makePanel<Interface_ActionWriteXML>,
     .formats = kFormats,

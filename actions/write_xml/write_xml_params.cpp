@@ -1,23 +1,17 @@
 #include "actions/write_xml/write_xml_params.h"
 
+// The lines are in the order of saved graphs.
 namespace corvanta {
 
-const ParamTable<WriteXmlParams> &writeXmlParamTable()
+namespace {
+
+using P = WriteXmlParams;
+
+/// The form of numbers, elements and names. wellFormed is off by default: the file is then
+/// well-formed only if names and cells hold nothing that XML forbids.
+ParamGroup<P> elementForms()
 {
-    using P = WriteXmlParams;
-    static const ParamTable<P> table{
-        text<P>("fileName", &P::fileName).outputFile().label("File").meaning("XML file to write."),
-        shared::fileMode<P>(),
-        choice("charMode", &P::charMode,
-               {{CharMode::Utf8WithMark, "UTF-8 with byte-order mark"},
-                {CharMode::Utf8, "UTF-8"},
-                {CharMode::Utf16WithMark, "UTF-16LE with byte-order mark"},
-                {CharMode::Utf16, "UTF-16LE"}})
-            .label("Encoding")
-            .meaning("Encoding of the file."),
-        shared::checkNameCollision<P>(),
-        shared::createDir<P>(),
-        shared::rowFilter<P>(),
+    return {
         flag("useComma", &P::useComma)
             .label("Decimal comma")
             .meaning("Writes a decimal comma instead of the decimal point."),
@@ -33,8 +27,30 @@ const ParamTable<WriteXmlParams> &writeXmlParamTable()
             .label("Indent of the outermost level")
             .meaning("Number of spaces before an element of the first level; each level below has "
                      "two more."),
+    };
+}
+
+} // namespace
+
+const ParamTable<WriteXmlParams> &writeXmlParamTable()
+{
+    static const ParamTable<P> table{
+        text<P>("fileName", &P::fileName).outputFile().label("File").meaning("XML file to write."),
+        shared::fileMode<P>(),
+        choice("charMode", &P::charMode,
+               {{CharMode::Utf8WithMark, "UTF-8 with byte-order mark"},
+                {CharMode::Utf8, "UTF-8"},
+                {CharMode::Utf16WithMark, "UTF-16LE with byte-order mark"},
+                {CharMode::Utf16, "UTF-16LE"}})
+            .label("Encoding")
+            .meaning("Encoding of the file."),
+        shared::checkNameCollision<P>(),
+        shared::createDir<P>(),
+        shared::rowFilter<P>(),
+        elementForms(),
         shared::valueForms<P>("write the null form", "write an empty value"),
         shared::alwaysWrite<P>(),
+        // Child elements come after all attributes.
         shared::fileContent<P>(),
     };
     return table;

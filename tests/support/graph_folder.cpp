@@ -18,17 +18,19 @@ using namespace Qt::StringLiterals;
 namespace corvanta::test {
 namespace {
 
-struct ErrorLog final : LogSink
+struct CollectingLog final : LogSink
 {
     void add(const LogMessage &message) override
     {
         const std::lock_guard lock(mutex);
+        messages << QString::number(message.level) + message.text;
         if (message.level == MainUI::Error) {
             errors << message.text;
         }
     }
     std::mutex mutex;
     QStringList errors;
+    QStringList messages;
 };
 
 QByteArray chainOf(const QList<QByteArray> &elements)
@@ -54,10 +56,10 @@ QStringList textsOf(const OneRow &row)
 }
 
 /// Output pin 0 of the last action that has one.
-CorvantaGraph::Pin observedPin(const CorvantaGraph &graph)
+CorvantaGraph::Pin observedPin(const CorvantaGraph &graph, const ActionRegistry &registry)
 {
-    const auto hasOutput = [](const CorvantaGraph::Action &action) {
-        return allActions().prototype(action.parameters.getName())->pinOutCount() > 0;
+    const auto hasOutput = [&](const CorvantaGraph::Action &action) {
+        return registry.prototype(action.parameters.getName())->pinOutCount() > 0;
     };
     const auto last = std::find_if(graph.actions.rbegin(), graph.actions.rend(), hasOutput);
     return {last->id, 0};
@@ -101,12 +103,13 @@ GraphOutcome GraphFolder::runChain(const QList<QByteArray> &elements,
                                    const GraphSettings &settings) const
 {
     GraphOutcome outcome;
+    const ActionRegistry &registry = settings.registry ? *settings.registry : allActions();
     const auto graph = CorvantaGraph::parse(chainOf(elements), path(u"sweep.graph"_s));
-    if (!graph || !graph->validate(allActions(), {}).isEmpty()) {
-        ADD_FAILURE() << "invalid graph";
+    if (!graph || !graph->validate(registry, {}).isEmpty()) {
+        ADD_FAILURE() << "invalid graph: " << chainOf(elements).toStdString();
         return outcome;
     }
-    ErrorLog log;
+    CollectingLog log;
     Run *running = nullptr;
     const auto observe = [&](const TableSchema &, const OneRow *row) {
         if (outcome.rows.size() == settings.stopAfterRows) {
@@ -122,15 +125,19 @@ GraphOutcome GraphFolder::runChain(const QList<QByteArray> &elements,
     options.batchRows = settings.batchRows;
     options.yieldAtBatches = settings.yields;
     options.listeners.push_back(
-        {u"observer"_s, observedPin(*graph), std::make_unique<RowListener>(observe), -1});
-    Run run(*graph, allActions(), std::move(options));
+        {u"observer"_s, observedPin(*graph, registry), std::make_unique<RowListener>(observe), -1});
+    Run run(*graph, registry, std::move(options));
     running = &run;
+    if (settings.beforeStart) {
+        settings.beforeStart(run);
+    }
     run.start();
     outcome.ended = run.waitFor(std::chrono::seconds(kMaxSeconds));
     run.wait();
     outcome.succeeded = run.succeeded();
     outcome.failed = run.failed();
     outcome.errors = log.errors;
+    outcome.messages = log.messages;
     return outcome;
 }
 

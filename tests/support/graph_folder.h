@@ -2,12 +2,14 @@
 #pragma once
 #include "corvanta/action_registry.h"
 #include "corvanta/main_ui.h"
+#include "corvanta/run.h"
 
 #include <QByteArray>
 #include <QStringList>
 #include <QTemporaryDir>
 #include <QVector>
 
+#include <functional>
 #include <mutex>
 
 namespace corvanta::test {
@@ -20,6 +22,8 @@ struct GraphSettings
     int batchRows = 1024;
     bool yields = false;       ///< ask the actions for a yield at every batch
     qint64 stopAfterRows = -1; ///< stop the run once so many rows were seen; negative: never
+    const ActionRegistry *registry = nullptr;    ///< null: allActions()
+    std::function<void(Run &)> beforeStart = {}; ///< for tests that stop the run themselves
 };
 
 /// The result of a run.
@@ -29,6 +33,7 @@ struct GraphOutcome
     bool succeeded = false;
     bool failed = false;       ///< both are false after a stop
     QStringList errors;        ///< messages of level 1
+    QStringList messages;      ///< all messages, each with the digit of its level before it
     QVector<QStringList> rows; ///< of the observed pin; null strings are missing cells
 };
 

@@ -1,4 +1,7 @@
 // The parameters that writeJSON and writeXML have in common.
+//
+// The functions are lines of their parameter tables. The two formats differ in the order of the
+// lines and in what they write for missing values.
 #pragma once
 #include "actions/shared/params/write_levels.h"
 #include "actions/shared/params/writer_params.h"
@@ -6,32 +9,41 @@
 
 namespace corvanta {
 
-/// What happens to an existing file.
+/// What happens to an existing file. Any other number appends.
 enum class FileMode { Replace, Append };
 
-/// What is written for a missing text.
+/// What is written for a missing text: the format's null form, its empty text, or nothing, not even
+/// the key. Any other number leaves it out.
 enum class MissingText { Null, Empty, LeaveOut };
 
-/// What is written for a missing number.
+/// What is written for a missing number. Any other number means the null form.
 enum class MissingNumber { Null, LeaveOut };
 
-/// What is written for NaN and infinite numbers.
+/// What is written for NaN and infinite numbers: nan, inf or -inf, the null form, or nothing.
 enum class NotFinite { Name, Null, LeaveOut };
 
+/// The prefix and suffix of a file have different defaults and are members of the derived structs.
 struct LevelWriterParams : RowWriterParams
 {
+    /// Expanded before use; an empty name cannot be opened.
     QString fileName;
     FileMode fileMode = FileMode::Replace;
+    // What is written in place of a value that is missing or not finite.
     MissingText nullString = MissingText::LeaveOut;
     MissingNumber nullNumber = MissingNumber::LeaveOut;
     NotFinite nan = NotFinite::Null;
+    /// printf format of finite numbers; empty: the fewest digits that read back as the number.
     QString floatToString = QStringLiteral("%g");
+    /// Write a file even if no row is selected.
     bool alwaysWrite = false;
+    /// The structure of the file, the top level first. Empty: each row is one element, and
+    /// writeAllColumns and toWrite select its columns. Otherwise these two are ignored.
     std::vector<WriteLevel> levels;
 };
 
 namespace shared {
 
+/// What happens to an existing file.
 template <class P> Param<P> fileMode()
 {
     return choice<P>("fileMode", &P::fileMode,
@@ -40,8 +52,8 @@ template <class P> Param<P> fileMode()
         .meaning("Whether an existing file is replaced or extended.");
 }
 
-/// The forms of missing values and numbers. `nullForm` and `emptyForm` name what the format writes
-/// for a missing value.
+/// The forms of missing values and numbers. `nullForm` and `emptyForm` are the texts that a user
+/// chooses from: what the format writes for a missing value.
 template <class P> ParamGroup<P> valueForms(const char *nullForm, const char *emptyForm)
 {
     return {
@@ -65,6 +77,7 @@ template <class P> ParamGroup<P> valueForms(const char *nullForm, const char *em
     };
 }
 
+/// Without it a run that selects no row writes no file and leaves an existing one unchanged.
 template <class P> Param<P> alwaysWrite()
 {
     return flag<P>("alwaysWrite", &P::alwaysWrite)
@@ -72,7 +85,8 @@ template <class P> Param<P> alwaysWrite()
         .meaning("Writes a file with its start and end even when there is no row.");
 }
 
-/// What a file contains, at the end of the table.
+/// What a file contains, at the end of the table. `P` has the members `prefix` and `suffix`; they
+/// are saved always, because an empty text is a valid value.
 template <class P> ParamGroup<P> fileContent()
 {
     return {

@@ -2,6 +2,7 @@
 
 namespace corvanta {
 
+// The short names are those of saved graphs. All three are saved always.
 const ParamTable<StringColumn> &stringColumnTable()
 {
     // The names are short because a table may have hundreds of text columns.

@@ -9,16 +9,19 @@ namespace corvanta {
 /// The width of one text column, a `CD` element.
 struct StringColumn
 {
+    /// Name of the column.
     QString name;
-    int width = 0;   ///< bytes of UTF-8
-    int longest = 0; ///< bytes of the longest text, if the width was measured; 0: unknown
+    /// Bytes of UTF-8.
+    int width = 0;
+    /// Bytes of the longest text, if the width was measured; 0: unknown.
+    int longest = 0;
     bool operator==(const StringColumn &) const = default;
 };
 
-/// The attributes of one element. Constant; made by the first call.
+/// The attributes of a `CD` element. Constant; made by the first call.
 const ParamTable<StringColumn> &stringColumnTable();
 
-/// The line of a parameter table for `columns`.
+/// The line of a parameter table for `columns`. They are saved inside a `StringColDef` element.
 template <class P> Param<P> stringColumns(std::vector<StringColumn> P::*columns)
 {
     return children("CD", columns, stringColumnTable())

@@ -4,6 +4,7 @@ namespace corvanta {
 
 namespace {
 
+/// The numbers of the types are those of the format: json_levels.cpp and xml_levels.cpp.
 const ParamTable<WriteItem> &itemTable()
 {
     static const ParamTable<WriteItem> table{
@@ -20,6 +21,7 @@ const ParamTable<WriteItem> &itemTable()
         text("p1", &WriteItem::p1)
             .label("Prefix of keys")
             .meaning("Text that is removed from the start of the keys."),
+        // Child elements come after all attributes.
         content("columns", &WriteItem::columns)
             .label("Columns")
             .meaning("Columns that are written, by an item that writes some columns."),
@@ -29,6 +31,7 @@ const ParamTable<WriteItem> &itemTable()
 
 } // namespace
 
+/// Attributes are saved only where they differ from their defaults, unlike those of items.
 const ParamTable<WriteLevel> &writeLevelTable()
 {
     static const ParamTable<WriteLevel> table{

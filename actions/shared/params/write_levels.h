@@ -1,4 +1,6 @@
 // The levels of writeJSON and writeXML: Levels, Level and Item elements.
+//
+// The structs belong to the codec (codecs/compose/write_level.h); here they get names in graphs.
 #pragma once
 #include "codecs/compose/write_level.h"
 #include "corvanta/param_children.h"
@@ -10,9 +12,11 @@ namespace corvanta {
 using compose::WriteItem;
 using compose::WriteLevel;
 
+/// Attributes and items of a `Level` element.
 const ParamTable<WriteLevel> &writeLevelTable();
 
-/// The line of a parameter table for `levels`.
+/// The line of a parameter table for `levels`. The indent of saved levels is fixed: one tab per
+/// depth.
 template <class P> Param<P> writeLevels(std::vector<WriteLevel> P::*levels)
 {
     return children("Level", levels, writeLevelTable())

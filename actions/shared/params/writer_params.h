@@ -1,10 +1,14 @@
 // Lines of parameter tables that several writers have. `P` is derived from RowWriterParams or has
 // members of the same names.
+//
+// Each function is a line or a group of lines; where it is called decides its place in saved
+// graphs. Names are fixed by saved graphs. Arguments are the texts in which the writers differ.
 #pragma once
 #include "corvanta/param_table.h"
 
 namespace corvanta::shared {
 
+/// Off, both columns are written; some readers then show only one of them.
 template <class P> Param<P> checkNameCollision()
 {
     return flag<P>("checkNameCollision", &P::checkNameCollision)
@@ -12,6 +16,7 @@ template <class P> Param<P> checkNameCollision()
         .meaning("Reports an error when two written columns have the same name.");
 }
 
+/// RowWriter::createFolder() does this before a file is opened.
 template <class P> Param<P> createDir()
 {
     return flag<P>("createDir", &P::createDir)
@@ -19,6 +24,8 @@ template <class P> Param<P> createDir()
         .meaning("Creates missing folders of the file.");
 }
 
+// The selection of rows. Some graphs save the three lines in another order, so that each has its
+// own function.
 template <class P> Param<P> writeAllRows()
 {
     return flag<P>("writeAllRows", &P::writeAllRows)
@@ -26,6 +33,7 @@ template <class P> Param<P> writeAllRows()
         .meaning("Writes every row. Off: only rows that pass the test.");
 }
 
+/// A missing column fails the run with the first row.
 template <class P> Param<P> testCol()
 {
     return text<P>("testCol", &P::testCol)
@@ -33,6 +41,7 @@ template <class P> Param<P> testCol()
         .meaning("Column that is tested when writeAllRows is off.");
 }
 
+/// Compared with the whole text of the cell.
 template <class P> Param<P> testValue()
 {
     return text<P>("testValue", &P::testValue)
@@ -40,12 +49,13 @@ template <class P> Param<P> testValue()
         .meaning("Rows with another text in testCol are not written.");
 }
 
-/// The rows that are written.
+/// The selection in the usual order.
 template <class P> ParamGroup<P> rowFilter()
 {
     return {writeAllRows<P>(), testCol<P>(), testValue<P>()};
 }
 
+/// `meaning` says what the columns to write are when it is off.
 template <class P> Param<P> writeAllColumns(const char *meaning)
 {
     return flag<P>("writeAllColumns", &P::writeAllColumns)
@@ -53,7 +63,7 @@ template <class P> Param<P> writeAllColumns(const char *meaning)
         .meaning(meaning);
 }
 
-/// The columns that are written when writeAllColumns is off.
+/// The columns that are written when writeAllColumns is off: `name` is the element that holds them.
 template <class P> Param<P> columnsToWrite(const char *name)
 {
     return strings<P>(name, &P::toWrite)
@@ -61,6 +71,7 @@ template <class P> Param<P> columnsToWrite(const char *name)
         .meaning("Columns that are written when writeAllColumns is off.");
 }
 
+/// FloatFormat::set() checks it at the start of a run.
 template <class P> Param<P> floatToString()
 {
     return text<P>("floatToString", &P::floatToString)
