@@ -1,4 +1,8 @@
-// writeDoc: texts and images at the markers of Word and PowerPoint templates, one document per row.
+// writeDoc: writes texts and images to the markers of Word and PowerPoint templates, one document
+// per row.
+//
+// The action can be placed, edited, saved and linked; writing is not part of this version, and a
+// run ends with an error (PendingAction).
 #pragma once
 #include "actions/shared/pending_action.h"
 #include "actions/write_doc/write_doc_params.h"

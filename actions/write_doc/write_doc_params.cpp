@@ -1,11 +1,16 @@
 #include "actions/write_doc/write_doc_params.h"
 
+// The lines are in the order of saved graphs.
 namespace corvanta {
 
-const ParamTable<WriteDocParams> &writeDocParamTable()
+namespace {
+
+using P = WriteDocParams;
+
+/// The input columns that name the files of a row.
+ParamGroup<P> documents()
 {
-    using P = WriteDocParams;
-    static const ParamTable<P> table{
+    return {
         text("output", &P::output)
             .always()
             .label("Column of the output documents")
@@ -14,6 +19,13 @@ const ParamTable<WriteDocParams> &writeDocParamTable()
             .always()
             .label("Column of the templates")
             .meaning("Input column with the names of the templates (.docx or .pptx)."),
+    };
+}
+
+/// How texts and images are put into a document.
+ParamGroup<P> conversions()
+{
+    return {
         flag("processCR", &P::processCR)
             .label("Line ends become line breaks")
             .meaning("Line ends in texts become line breaks in Word documents."),
@@ -23,6 +35,14 @@ const ParamTable<WriteDocParams> &writeDocParamTable()
         flag("inlineImg", &P::inlineImg)
             .label("Store images in the document")
             .meaning("Stores images in the document. Off: it links to the image files."),
+    };
+}
+
+/// The input columns that have markers in the templates. These are child elements, which come after
+/// all attributes.
+ParamGroup<P> markedColumns()
+{
+    return {
         strings("text", &P::textColumns)
             .always()
             .label("Text columns")
@@ -33,6 +53,13 @@ const ParamTable<WriteDocParams> &writeDocParamTable()
             .meaning("Columns with names of image files, for the pictures whose targets contain "
                      "%NAME%."),
     };
+}
+
+} // namespace
+
+const ParamTable<WriteDocParams> &writeDocParamTable()
+{
+    static const ParamTable<P> table{documents(), conversions(), markedColumns()};
     return table;
 }
 

@@ -6,15 +6,22 @@ namespace corvanta {
 
 struct WriteDocParams
 {
+    // Names of input columns: each row names its own document and template.
     QString output = QStringLiteral("wordFile");
     QString templateColumn = QStringLiteral("templateFile");
+    /// Line ends in texts become line breaks of a Word document.
     bool processCR = true;
+    /// The two characters backslash and n become a line break.
     bool processLF = false;
+    /// Images are stored in the document; off: the document links to the image files.
     bool inlineImg = true;
+    /// Columns whose texts replace the markers %NAME%.
     QStringList textColumns;
+    /// Columns with names of image files, for pictures whose targets contain %NAME%.
     QStringList imageColumns;
 };
 
+/// Attributes of `writeDoc`, then its child elements.
 const ParamTable<WriteDocParams> &writeDocParamTable();
 
 } // namespace corvanta

@@ -1,4 +1,8 @@
-// writeDocTable: formatted tables at the markers of a Word template, one per input pin.
+// writeDocTable: writes formatted tables to the markers of a Word template, one per input pin.
+//
+// The action can be placed, edited, saved and linked; writing is not part of this version, and a
+// run ends with an error (PendingAction). The pins follow the tables: there is one pin per table,
+// and a user adds and removes both together.
 #pragma once
 #include "actions/shared/pending_action.h"
 #include "actions/write_doc_table/write_doc_table_params.h"
@@ -17,7 +21,9 @@ public:
         return static_cast<int>(params.tables.size());
     }
 
+    /// Add a pin and its table, if the action may have another one.
     void addPinIn() override;
+    /// Remove the last pin and its table. The first pin stays.
     void removePinIn() override;
 };
 

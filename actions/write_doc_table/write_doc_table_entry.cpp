@@ -11,7 +11,10 @@ const ActionEntry kWriteDocTableEntry = {
     .saveVersion = 2.2,
     .tags = "180_Demo",
     .keywords = "file export output save office .docx .doc write out",
+    // One table per pin; a user adds pins.
     .pinsIn = 1,
+    // The result is a document; no table leaves the action. Without formats, because a document is
+    // not the image of a table that a program could convert.
     .pinsOut = 0,
     .maxPinsIn = ActionEntry::kManyPins,
     .makeAction = makeAction<ActionWriteDocTable>,

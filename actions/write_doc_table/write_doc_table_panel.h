@@ -1,4 +1,7 @@
 // The property panel of writeDocTable.
+//
+// The form shows every line of the parameter table, with its label and meaning, and needs no code
+// here. The class exists because hosts find a panel by the name of its class.
 #pragma once
 #include "panels/parameter_form.h"
 

@@ -1,9 +1,11 @@
 #include "actions/write_doc_table/write_doc_table_params.h"
 
+// The lines are in the order of saved graphs: those of the action and of a table.
 namespace corvanta {
 
 namespace {
 
+/// The table of one pin: attributes of a `v` element.
 const ParamTable<DocTable> &docTableTable()
 {
     static const ParamTable<DocTable> table{
@@ -26,6 +28,7 @@ const ParamTable<DocTable> &docTableTable()
     return table;
 }
 
+/// An action without a table would have no input pin, so it gets the default one.
 void completeTables(std::vector<DocTable> &tables, const XMLNode &)
 {
     if (tables.empty()) {
@@ -58,6 +61,7 @@ const ParamTable<WriteDocTableParams> &writeDocTableParamTable()
         flag("processLF", &P::processLF)
             .label("\\n becomes a line break")
             .meaning("The two characters backslash and n in a cell become a line break."),
+        // Child elements come after all attributes.
         children("v", &P::tables, docTableTable(), {defaultDocTable, completeTables})
             .label("Tables")
             .meaning("One v (markerName, colWidths in twentieths of a point, styleID, "

@@ -9,25 +9,34 @@ namespace corvanta {
 /// The table of one input pin, a `v` element.
 struct DocTable
 {
+    /// Name of the marker that the table replaces, without percent signs.
     QString markerName;
-    QString colWidths; ///< comma-separated, in twentieths of a point
+    /// Widths of the columns, comma-separated, in twentieths of a point.
+    QString colWidths;
+    /// Identifier of a table style of the template.
     QString styleID;
+    /// The first row of the table holds the names of the columns.
     bool includeHeaders = false;
     bool operator==(const DocTable &) const = default;
 };
 
-/// What a new pin starts with: the markers T1, T2, ...
+/// What pin `pin` (from 0) starts with: the markers T1, T2, ...
 DocTable defaultDocTable(int pin);
 
 struct WriteDocTableParams
 {
+    // Names of Word documents; the template is read and stays unchanged.
     QString templateName;
     QString output;
+    /// Line ends in cells become line breaks.
     bool processCR = true;
+    /// The two characters backslash and n become a line break.
     bool processLF = false;
-    std::vector<DocTable> tables = {defaultDocTable(0)}; ///< one per input pin, at least one
+    /// One per input pin, at least one.
+    std::vector<DocTable> tables = {defaultDocTable(0)};
 };
 
+/// Attributes of `writeDocTable`, then its child elements.
 const ParamTable<WriteDocTableParams> &writeDocTableParamTable();
 
 } // namespace corvanta

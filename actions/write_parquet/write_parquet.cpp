@@ -1,3 +1,5 @@
+// Names of files: the parameter `file` with "__VALUE" of a split value before its extension, then
+// "__2", "__3", ... for further files of the same name.
 #include "actions/write_parquet/write_parquet.h"
 
 #include "actions/shared/split_name.h"
@@ -17,11 +19,12 @@ constexpr double kBytesPerMiB = 1048576;
 /// Threads that compress pages, in addition to the action's own.
 int workerCount()
 {
+    // The action's thread cannot keep more of them busy.
     constexpr int kMaxWorkers = 8;
     return std::clamp(static_cast<int>(std::thread::hardware_concurrency()) - 1, 1, kMaxWorkers);
 }
 
-/// By the value of the parameter `codec`.
+/// By the value of the parameter `codec`, which PageCodec names.
 constexpr std::array kCodecs{parquet::kSnappy, parquet::kUncompressed, parquet::kGzip,
                              parquet::kZstd,   parquet::kLz4Raw,       parquet::kBrotli};
 
@@ -34,6 +37,8 @@ ActionWriteParquet::ActionWriteParquet(const XMLNode &saved, GlobalParameters *p
 
 QString ActionWriteParquet::message(WriteProblem problem, const QString &name) const
 {
+    // The texts are fixed. Those of the table name the parameter's file, those of a file its own
+    // name.
     switch (problem) {
     case WriteProblem::NoTestColumn:
         return missingColumn(name, "to test");
@@ -59,6 +64,7 @@ QString ActionWriteParquet::missingColumn(const QString &name, const char *purpo
 
 bool ActionWriteParquet::failTarget(const Fault<TargetError> &fault)
 {
+    // The texts are fixed; they name the file that is in the way, which may be the "_TMP" file.
     switch (fault.code) {
     case TargetError::CannotReplace:
         return fail(u"Cannot delete previous file '%1'."_s.arg(fault.detail));
@@ -74,6 +80,7 @@ bool ActionWriteParquet::failTarget(const Fault<TargetError> &fault)
 
 bool ActionWriteParquet::failWriter(const Output &output, const Fault<parquet::Error> &fault)
 {
+    // The file where links lead to, without "_TMP".
     const QString &target = output.target.target();
     switch (fault.code) {
     case parquet::Error::TextTooLong:
@@ -101,6 +108,7 @@ void ActionWriteParquet::start()
     m_run->options.rowGroupMiB = m_params.rowGroupSize;
     m_run->options.dictionaryPages = m_params.dictionaryPages;
     m_run->options.statistics = m_params.statistics;
+    // Checked before any row is read, unlike a name that cannot be opened.
     if (m_params.file.isEmpty()) {
         fail(u"No filename?"_s);
         return;
@@ -111,6 +119,7 @@ void ActionWriteParquet::start()
 
 parquet::Storage ActionWriteParquet::storageOf(const OneRow &columns, int column) const
 {
+    // Keys are the only cells with a choice.
     switch (columns.getMetaType(column).type()) {
     case MetaInfo::Float:
         return parquet::Storage::Double;
@@ -119,6 +128,7 @@ parquet::Storage ActionWriteParquet::storageOf(const OneRow &columns, int column
     case MetaInfo::Key:
         break;
     }
+    // By the value of the parameter `keyStorage`.
     constexpr std::array kKeys{parquet::Storage::KeyAsUint32, parquet::Storage::KeyAsInt32,
                                parquet::Storage::KeyAsInt64};
     return kKeys[static_cast<size_t>(m_params.keyStorage)];
@@ -126,6 +136,7 @@ parquet::Storage ActionWriteParquet::storageOf(const OneRow &columns, int column
 
 bool ActionWriteParquet::findInputs(const OneRow &columns)
 {
+    // The order of the checks decides which of several mistakes is reported.
     QVector<int> inputs;
     if (!findColumns(columns, &inputs) || !findTestColumn(columns) ||
         !checkNames(columns, inputs)) {
@@ -142,6 +153,7 @@ bool ActionWriteParquet::findSplitColumn(const OneRow &columns)
 {
     m_run->splitColumn = columns.getIndexOfColumn(m_params.splitVar);
     const QVector<SortInfos> &order = columns.sortInfos();
+    // Only the first column of the sort order groups the rows by value.
     m_run->isSorted = !order.isEmpty() && order.first().column == m_params.splitVar;
     return m_run->splitColumn >= 0 || fail(missingColumn(m_params.splitVar, "for split"));
 }
@@ -154,8 +166,10 @@ bool ActionWriteParquet::begin(const OneRow &columns)
     }
     createFolder(fileName()); // files of split values are in the same folder
     if (!splitsByValue) {
+        // Opened before the first row, so that a table without rows is a file, too.
         return openOutput(QString());
     }
+    // Every value then has an open file with a row group in memory.
     if (!m_run->isSorted) {
         warn(
             u"\nWARNING writing to Parquet file: The table to split is not sorted on the split variable: The number of splits (i.e. the number of files) is limited to the maximum number of simultaneous opened file allowed by the OS and by the available RAM memory.\n"_s);
@@ -163,9 +177,9 @@ bool ActionWriteParquet::begin(const OneRow &columns)
     return true;
 }
 
-/// The name of the next file for a split value, different from all names before.
 QString ActionWriteParquet::nextTarget(const QString &value)
 {
+    // NAME__VALUE.parquet; further files of the same name get a number: NAME__VALUE__2.parquet.
     const QString part = m_run->splitColumn < 0 ? QString() : "__"_L1 + fileNamePart(value);
     QString target = withPartBeforeExtension(fileName(), part);
     for (int i = 2; m_run->targets.contains(target); ++i) {
@@ -179,9 +193,11 @@ bool ActionWriteParquet::openOutput(const QString &value)
 {
     const QString name = nextTarget(value);
     const auto output = std::make_shared<Output>();
+    // Entered before it is opened, so that release() finds what a failure leaves.
     m_run->outputs[value] = output;
     m_run->output = output;
     m_run->value = value;
+    // Questions about a full disk name this file, not the parameter's.
     const auto opened = output->target.open(name, targetOptions(name, TargetMode::ReplaceByTmp));
     if (!opened) {
         return failTarget(opened.fault());
@@ -197,8 +213,9 @@ bool ActionWriteParquet::closeOutput(const QString &value)
     const std::shared_ptr<Output> output = m_run->outputs.take(value);
     m_run->output.reset();
     const auto finished = output->writer->finish();
-    output->writer.reset();
+    output->writer.reset(); // before its target is closed
     if (!finished) {
+        // No longer in `outputs`, so release() would not keep it.
         output->target.keepTemporary();
         return failWriter(*output, finished.fault());
     }
@@ -206,17 +223,19 @@ bool ActionWriteParquet::closeOutput(const QString &value)
     return committed || failTarget(committed.fault());
 }
 
-/// Make `output` the file that the row belongs to.
 bool ActionWriteParquet::chooseOutput(const OneRow &row)
 {
     if (m_run->splitColumn < 0) {
-        return m_run->output || openOutput(QString()); // the next segment
+        // The file that begin() opened, or the next segment.
+        return m_run->output || openOutput(QString());
     }
     const QStringView text = row.textView(m_run->splitColumn);
     if (m_run->output && text == m_run->value) {
         return true;
     }
     const QString value = text.toString();
+    // In a table declared as sorted the rows of a value are next to each other: its file is
+    // complete.
     if (m_run->isSorted && m_run->output && !closeOutput(m_run->value)) {
         return false;
     }
@@ -232,6 +251,7 @@ bool ActionWriteParquet::chooseOutput(const OneRow &row)
 
 bool ActionWriteParquet::isSegmentFull() const
 {
+    // Checked after each row, so a segment exceeds its size by up to a row group.
     return m_params.split != SplitMode::None &&
            static_cast<double>(m_run->output->writer->bytesWritten()) >
                m_params.segmentSize * kBytesPerMiB;
@@ -242,10 +262,12 @@ bool ActionWriteParquet::writeRow(const OneRow &row)
     if (!chooseOutput(row)) {
         return false;
     }
+    // The writer buffers the row; pages are written when a row group is full.
     const auto added = m_run->output->writer->addRow(row.getAllColForWrite());
     if (!added) {
         return failWriter(*m_run->output, added.fault());
     }
+    // The next row of the value opens the next segment.
     return !isSegmentFull() || closeOutput(m_run->value);
 }
 

@@ -1,4 +1,14 @@
 // writeParquet: writes rows to one Parquet file, or to several that a table is split into.
+//
+// A file is written as "NAME_TMP" and renamed when it is complete (TargetMode::ReplaceByTmp).
+//
+// - One file, or segments: the file is open from begin() on; a full segment is closed, and the next
+//   row opens another file with a number in its name.
+// - By value: a file per value, opened with the first row of the value. On a table sorted on the
+//   split column only one file is open; otherwise all are, until the end.
+//
+// After an error of this action the unfinished "_TMP" files stay, for inspection. After a stop, or
+// an error of another action, they are removed.
 #pragma once
 #include "actions/shared/row_writer.h"
 #include "actions/write_parquet/write_parquet_params.h"
@@ -13,6 +23,7 @@ namespace corvanta {
 
 extern const ActionEntry kWriteParquetEntry;
 
+/// Parameters, files and messages; `codecs/parquet/write` writes the format.
 class ActionWriteParquet final
     : public ParamAction<ActionWriteParquet, WriteParquetParams, RowWriter>
 {
@@ -31,15 +42,20 @@ private:
     /// first.
     struct RunState
     {
+        // Index in the input; -1: the table is not split by value.
         int splitColumn = -1;
-        bool isSorted = false; // on the split column
+        // The table is sorted on the split column.
+        bool isSorted = false;
         parquet::WriteOptions options;
         std::vector<parquet::WriterColumn> columns;
-        QSet<QString> targets; // names given so far
+        // Names given so far: a later file of the run must not replace an earlier one.
+        QSet<QString> targets;
+        // Its threads are shared by all open files.
         std::unique_ptr<parquet::PageCompressor> compressor;
         // Open files by split value; one with an empty value when the table is not split by value.
         QHash<QString, std::shared_ptr<Output>> outputs;
-        QString value; // of `output`
+        // The file of the current row, and its key in `outputs`; null after it is closed.
+        QString value;
         std::shared_ptr<Output> output;
     };
 
@@ -53,15 +69,22 @@ private:
     void complete() override;
     void release(bool wasComplete) override;
 
+    // Functions that return bool return true for success; otherwise they have failed the run.
+    /// Find the columns to write and choose how each is stored.
     bool findInputs(const OneRow &columns);
     bool findSplitColumn(const OneRow &columns);
     parquet::Storage storageOf(const OneRow &columns, int column) const;
     QString missingColumn(const QString &name, const char *purpose) const;
+    /// The name of the next file for a split value, different from all names before.
     QString nextTarget(const QString &value);
+    /// Make `output` the file that the row belongs to.
     bool chooseOutput(const OneRow &row);
+    /// Open a file for a split value and make it the current one.
     bool openOutput(const QString &value);
+    /// Write the footer of the file of a split value, rename it to its target, and forget it.
     bool closeOutput(const QString &value);
     bool isSegmentFull() const;
+    // Fail the run with the message for a fault.
     bool failTarget(const Fault<TargetError> &fault);
     bool failWriter(const Output &output, const Fault<parquet::Error> &fault);
 

@@ -5,6 +5,8 @@ namespace corvanta {
 
 namespace {
 
+// Dictionary pages make smaller files, and statistics allow readers to skip row groups. A table
+// without rows is written in any case.
 constexpr FileFormat kFormats[] = {
     {FileFormat::Write, FileFormat::Columnar, "parquet", "dictionaryPages=1 statistics=1"},
 };

@@ -2,12 +2,17 @@
 
 #include "actions/shared/params/writer_params.h"
 
+// The lines are in the order of saved graphs, which is not an order of subjects.
 namespace corvanta {
 
-const ParamTable<WriteParquetParams> &writeParquetParamTable()
+namespace {
+
+using P = WriteParquetParams;
+
+/// The layout of a file. A page has at most 1 GiB, a row group at most 1 TiB.
+ParamGroup<P> storage()
 {
-    using P = WriteParquetParams;
-    static const ParamTable<P> table{
+    return {
         number("pageSize", &P::pageSize)
             .range(1, 1048576)
             .always()
@@ -26,11 +31,13 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .always()
             .label("Storage of keys")
             .meaning("Physical type of the columns of whole numbers."),
-        shared::writeAllColumns<P>(
-            "Writes every column. Off: only the columns of ToWrite, in that order."),
-        shared::checkNameCollision<P>(),
-        shared::createDir<P>(),
-        shared::writeAllRows<P>(),
+    };
+}
+
+/// The files that a table is split into.
+ParamGroup<P> splitting()
+{
+    return {
         choice("split", &P::split,
                {{SplitMode::None, "one file"},
                 {SplitMode::ByValue, "one file per value of splitVar"},
@@ -47,8 +54,13 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .always()
             .label("Split column")
             .meaning("Column whose value selects the file. Best when the table is sorted on it."),
-        shared::testCol<P>().always(),
-        shared::testValue<P>().always(),
+    };
+}
+
+/// What happens to pages. All of it is optional for readers of the file.
+ParamGroup<P> encoding()
+{
+    return {
         choice("codec", &P::codec,
                {{PageCodec::Snappy, "Snappy"},
                 {PageCodec::None, "none"},
@@ -66,6 +78,25 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .label("Statistics")
             .meaning("Writes null counts, smallest and largest values, for readers that skip row "
                      "groups."),
+    };
+}
+
+} // namespace
+
+const ParamTable<WriteParquetParams> &writeParquetParamTable()
+{
+    static const ParamTable<P> table{
+        storage(),
+        shared::writeAllColumns<P>(
+            "Writes every column. Off: only the columns of ToWrite, in that order."),
+        shared::checkNameCollision<P>(),
+        shared::createDir<P>(),
+        shared::writeAllRows<P>(),
+        splitting(),
+        // Saved also with their defaults, unlike in the other writers.
+        shared::testCol<P>().always(),
+        shared::testValue<P>().always(),
+        encoding(),
         text("file", &P::file)
             .outputFile()
             .always()

@@ -10,7 +10,10 @@ const ActionEntry kWriteReportEntry = {
     .icon = ":/WriteReport/writeReport.svg",
     .saveVersion = 2.08,
     .keywords = "file export output save office .pptx .ppt .xlsx .xls .docx .doc chart write out",
+    // One table per pin; a user adds pins.
     .pinsIn = 1,
+    // The result is a document; no table leaves the action. Without formats, because a document is
+    // not the image of a table that a program could convert.
     .pinsOut = 0,
     .maxPinsIn = ActionEntry::kManyPins,
     .makeAction = makeAction<ActionWriteReport>,

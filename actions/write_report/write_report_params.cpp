@@ -2,10 +2,12 @@
 
 #include <algorithm>
 
+// The lines are in the order of saved graphs: those of the action, of a chart, and of an axis.
 namespace corvanta {
 
 namespace {
 
+/// Where the data of an axis comes from: attribute and content of an `axis` element.
 const ParamTable<ChartAxis> &axisTable()
 {
     static const ParamTable<ChartAxis> table{
@@ -20,29 +22,36 @@ const ParamTable<ChartAxis> &axisTable()
     return table;
 }
 
+/// The number of a type is its place here; other numbers are read as the nearest type.
+Param<ReportChart> chartType()
+{
+    return choice("type", &ReportChart::type,
+                  {{ChartType::Bar, "bar"},
+                   {ChartType::Bar3D, "3D bar"},
+                   {ChartType::Line, "line"},
+                   {ChartType::Line3D, "3D line"},
+                   {ChartType::Pie, "pie"},
+                   {ChartType::OfPie, "pie of pie"},
+                   {ChartType::Pie3D, "3D pie"},
+                   {ChartType::Area, "area"},
+                   {ChartType::Area3D, "3D area"},
+                   {ChartType::Scatter, "scatter"},
+                   {ChartType::Stock, "stock"},
+                   {ChartType::Surface3D, "3D surface"},
+                   {ChartType::Doughnut, "doughnut"},
+                   {ChartType::Bubble, "bubble"},
+                   {ChartType::Radar, "radar"}})
+        .range(0, static_cast<int>(ChartType::Radar))
+        .always()
+        .label("Type")
+        .meaning("Type of the chart.");
+}
+
+/// One series: a `Chart` element with its axes.
 const ParamTable<ReportChart> &chartTable()
 {
     static const ParamTable<ReportChart> table{
-        choice("type", &ReportChart::type,
-               {{ChartType::Bar, "bar"},
-                {ChartType::Bar3D, "3D bar"},
-                {ChartType::Line, "line"},
-                {ChartType::Line3D, "3D line"},
-                {ChartType::Pie, "pie"},
-                {ChartType::OfPie, "pie of pie"},
-                {ChartType::Pie3D, "3D pie"},
-                {ChartType::Area, "area"},
-                {ChartType::Area3D, "3D area"},
-                {ChartType::Scatter, "scatter"},
-                {ChartType::Stock, "stock"},
-                {ChartType::Surface3D, "3D surface"},
-                {ChartType::Doughnut, "doughnut"},
-                {ChartType::Bubble, "bubble"},
-                {ChartType::Radar, "radar"}})
-            .range(0, static_cast<int>(ChartType::Radar))
-            .always()
-            .label("Type")
-            .meaning("Type of the chart."),
+        chartType(),
         text("name", &ReportChart::name)
             .always()
             .label("Tag")
@@ -55,6 +64,8 @@ const ParamTable<ReportChart> &chartTable()
     return table;
 }
 
+/// A saved chart may have more axes than its type uses, after a change of the type. They are
+/// dropped when the graph is read; missing ones stay missing.
 void completeCharts(std::vector<ReportChart> &charts, const XMLNode &)
 {
     for (ReportChart &chart : charts) {
@@ -67,6 +78,7 @@ void completeCharts(std::vector<ReportChart> &charts, const XMLNode &)
 
 int chartAxisCount(ChartType type)
 {
+    // Categories and values at least.
     switch (type) {
     case ChartType::Bar:
     case ChartType::Line:
@@ -98,6 +110,7 @@ const ParamTable<WriteReportParams> &writeReportParamTable()
             .label("Template")
             .meaning("Document with the charts; a name that starts with > is one of the included "
                      "templates."),
+        // Child elements come after all attributes.
         children("Chart", &P::charts, chartTable(), {nullptr, completeCharts})
             .label("Charts")
             .meaning("One Chart (type, and name of its [[KOBData name]] tag) per series, with one "
