@@ -4,7 +4,7 @@
 // depend on the version that saved the graph.
 #pragma once
 #include "actions/shared/params/level_reader_params.h"
-#include "corvanta/param_table.h"
+#include "corvanta/params/param_table.h"
 
 namespace corvanta {
 

@@ -3,7 +3,7 @@
 // Options for files in newer forms are off by default, so that a saved graph accepts and rejects
 // the same files in every version.
 #pragma once
-#include "corvanta/param_table.h"
+#include "corvanta/params/param_table.h"
 
 namespace corvanta {
 

@@ -1,6 +1,6 @@
 // The parameters of ReadXBF.
 #pragma once
-#include "corvanta/param_table.h"
+#include "corvanta/params/param_table.h"
 
 namespace corvanta {
 

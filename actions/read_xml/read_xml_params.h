@@ -1,7 +1,7 @@
 // The parameters of readXML.
 #pragma once
 #include "actions/shared/params/level_reader_params.h"
-#include "corvanta/param_table.h"
+#include "corvanta/params/param_table.h"
 
 namespace corvanta {
 

@@ -1,6 +1,6 @@
 // The parameters of writeDocTable.
 #pragma once
-#include "corvanta/param_children.h"
+#include "corvanta/params/param_children.h"
 
 #include <vector>
 

@@ -1,7 +1,7 @@
 // The parameters of writeParquet.
 #pragma once
 #include "actions/shared/row_writer.h"
-#include "corvanta/param_table.h"
+#include "corvanta/params/param_table.h"
 
 namespace corvanta {
 

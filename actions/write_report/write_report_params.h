@@ -3,7 +3,7 @@
 // A template marks each of its charts with a tag. A `Chart` element names a tag and the data of one
 // series; its axes name the pins and columns that the data comes from.
 #pragma once
-#include "corvanta/param_children.h"
+#include "corvanta/params/param_children.h"
 
 #include <vector>
 

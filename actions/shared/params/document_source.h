@@ -2,7 +2,7 @@
 //
 // The value also determines the number of input pins; see ParamAction::pinsInFor.
 #pragma once
-#include "corvanta/param_table.h"
+#include "corvanta/params/param_table.h"
 
 namespace corvanta {
 

@@ -6,7 +6,7 @@
 #pragma once
 #include "codecs/markup/levels/level.h"
 #include "corvanta/action_item.h"
-#include "corvanta/param_children.h"
+#include "corvanta/params/param_children.h"
 
 #include <vector>
 

@@ -4,7 +4,7 @@
 // A line sets the name of the attribute, the range, and the texts of the panel. Readers choose the
 // order, which is the order of the attributes in saved graphs.
 #pragma once
-#include "corvanta/param_table.h"
+#include "corvanta/params/param_table.h"
 
 namespace corvanta::shared {
 

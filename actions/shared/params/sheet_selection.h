@@ -1,6 +1,6 @@
 // How an action finds the sheet of a workbook that it reads or changes.
 #pragma once
-#include "corvanta/param_table.h"
+#include "corvanta/params/param_table.h"
 
 namespace corvanta {
 

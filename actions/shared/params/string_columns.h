@@ -1,6 +1,6 @@
 // The declared widths of text columns, for formats that store texts in fixed widths.
 #pragma once
-#include "corvanta/param_children.h"
+#include "corvanta/params/param_children.h"
 
 #include <vector>
 

@@ -3,7 +3,7 @@
 // The structs belong to the codec (codecs/compose/write_level.h); here they get names in graphs.
 #pragma once
 #include "codecs/compose/write_level.h"
-#include "corvanta/param_children.h"
+#include "corvanta/params/param_children.h"
 
 #include <vector>
 

@@ -4,7 +4,7 @@
 // Each function is a line or a group of lines; where it is called decides its place in saved
 // graphs. Names are fixed by saved graphs. Arguments are the texts in which the writers differ.
 #pragma once
-#include "corvanta/param_table.h"
+#include "corvanta/params/param_table.h"
 
 namespace corvanta::shared {
 

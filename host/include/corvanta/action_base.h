@@ -5,7 +5,7 @@
 #include "corvanta/action_item.h"
 #include "corvanta/action_parameters.h"
 #include "corvanta/main_ui.h"
-#include "corvanta/param_table.h"
+#include "corvanta/params/param_table.h"
 
 #include <exception>
 #include <new>

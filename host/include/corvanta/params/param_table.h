@@ -16,7 +16,7 @@
 // when it differs from its default, or always(). Child elements have tables of their own, see
 // param_children.h.
 #pragma once
-#include "corvanta/param.h"
+#include "corvanta/params/param.h"
 
 #include <initializer_list>
 #include <vector>

@@ -11,7 +11,7 @@
 //
 // A list is saved when it differs from its default.
 #pragma once
-#include "corvanta/param_table.h"
+#include "corvanta/params/param_table.h"
 
 #include <vector>
 

@@ -1,4 +1,4 @@
-#include "corvanta/param_line.h"
+#include "corvanta/params/param_line.h"
 
 #include <QLocale>
 

@@ -1,7 +1,7 @@
 // One line of a parameter table for a struct: a parameter, its name, member, label and meaning.
 // param_table.h shows a table.
 #pragma once
-#include "corvanta/param_line.h"
+#include "corvanta/params/param_line.h"
 
 #include <concepts>
 #include <initializer_list>
