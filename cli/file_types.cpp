@@ -2,6 +2,7 @@
 #include "file_types.h"
 
 #include "corvanta/action_parameters.h"
+#include "corvanta/lists.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -42,11 +43,6 @@ std::vector<FileAction> fileActions(const ActionRegistry &registry, FileFormat::
     return all;
 }
 
-QStringList words(const char *text)
-{
-    return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts);
-}
-
 /// In lower case. The extension of a compressed input is that of its content.
 QString extensionOf(FileFormat::Use use, QString name)
 {
@@ -64,7 +60,7 @@ std::optional<FileAction> find(const ActionRegistry &registry, FileFormat::Use u
 {
     const std::vector<FileAction> all = fileActions(registry, use);
     const auto found = std::find_if(all.begin(), all.end(), [&](const FileAction &action) {
-        return words(action.format->extensions).contains(extension);
+        return wordsOf(action.format->extensions).contains(extension);
     });
     return found == all.end() ? std::nullopt : std::optional(*found);
 }
@@ -135,7 +131,7 @@ CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const ActionRegistry &
     auto *const parameters = dynamic_cast<ActionParameters *>(action.get());
     parameters->setParameterValue(fileParameter(*parameters, use),
                                   QDir::current().absoluteFilePath(fileName));
-    for (const QStringList &some : {words(found->format->settings), settings}) {
+    for (const QStringList &some : {wordsOf(found->format->settings), settings}) {
         if (const auto applied = apply(some, parameters); !applied) {
             return applied.fault();
         }
@@ -167,7 +163,7 @@ QString knownExtensions(const ActionRegistry &registry, FileFormat::Use use)
 {
     QStringList all;
     for (const FileAction &action : fileActions(registry, use)) {
-        all << words(action.format->extensions);
+        all << wordsOf(action.format->extensions);
     }
     return all.join(u' ');
 }

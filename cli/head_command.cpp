@@ -76,15 +76,6 @@ public:
     }
 
 private:
-    static QStringList textsOf(const OneRow &row)
-    {
-        QStringList texts;
-        for (int i = 0; i < row.numberOfColumns(); ++i) {
-            texts << row.text(i);
-        }
-        return texts;
-    }
-
     qint64 m_left; // rows to print; the reader may send one more
     std::optional<TablePrinter> m_printer;
 };

@@ -57,15 +57,14 @@ CommandResult<std::unique_ptr<LoadedGraph>> load(const CommandLine &line)
     return loaded;
 }
 
-/// True if the graph has the output pin.
-bool hasOutputPin(const LoadedGraph &loaded, const CorvantaGraph::Pin &pin)
+/// A writeCSV for the file `name`; null if XML cannot contain a character of the name.
+std::unique_ptr<ActionItem> makeTapWriter(const QString &name, const ActionRegistry &registry)
 {
-    const int index = loaded.graph.indexOf(pin.action);
-    if (index < 0) {
-        return false;
-    }
-    const QString type = loaded.graph.actions[index].parameters.getName();
-    return pin.pin < loaded.registry.prototype(type)->pinOutCount();
+    ToXMLStringTool tool;
+    const QString element = u"<writeCSV fileName='%1'/>"_s.arg(
+        QString::fromWCharArray(tool.toXML(QDir::current().absoluteFilePath(name))));
+    const auto saved = XMLNode::parse(element.toUtf8());
+    return saved ? registry.create(*saved, nullptr) : nullptr;
 }
 
 /// The listener for `--tap ID:PIN=FILE.csv`: a writeCSV that reads the pin.
@@ -76,17 +75,14 @@ CommandResult<Listener> makeTap(const QString &text, const LoadedGraph &loaded)
     if (!pin || tap->value.isEmpty()) {
         return badUsage(u"'%1' is not of the form ID:PIN=FILE.csv"_s.arg(text));
     }
-    if (!hasOutputPin(loaded, *pin)) {
+    if (!loaded.graph.hasOutputPin(loaded.registry, *pin)) {
         return badUsage(u"the graph has no output pin '%1' to tap"_s.arg(tap->name));
     }
-    ToXMLStringTool tool;
-    const QString element = u"<writeCSV fileName='%1'/>"_s.arg(
-        QString::fromWCharArray(tool.toXML(QDir::current().absoluteFilePath(tap->value))));
-    const auto writer = XMLNode::parse(element.toUtf8());
+    std::unique_ptr<ActionItem> writer = makeTapWriter(tap->value, loaded.registry);
     if (!writer) {
         return badUsage(u"the name '%1' contains invalid characters"_s.arg(tap->value));
     }
-    return Listener{"tap "_L1 + tap->name, *pin, loaded.registry.create(*writer, nullptr)};
+    return Listener{"tap "_L1 + tap->name, *pin, std::move(writer)};
 }
 
 /// The options of the run, with its taps.

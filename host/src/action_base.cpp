@@ -2,6 +2,7 @@
 
 #include "corvanta/help.h"
 #include "corvanta/icons.h"
+#include "corvanta/lists.h"
 
 #include <QPixmap>
 
@@ -28,11 +29,6 @@ IconCache &iconCacheOf(const char *typeName)
     static std::map<std::string, IconCache> caches;
     const std::lock_guard lock(mutex);
     return caches[typeName];
-}
-
-QStringList words(const char *text)
-{
-    return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts);
 }
 
 } // namespace
@@ -88,17 +84,17 @@ void ActionBase::showHelp()
 
 QStringList ActionBase::getFileTypes() const
 {
-    return m_entry.fileTypes[0] == '\0' ? ActionItem::getFileTypes() : words(m_entry.fileTypes);
+    return m_entry.fileTypes[0] == '\0' ? ActionItem::getFileTypes() : wordsOf(m_entry.fileTypes);
 }
 
 QStringList ActionBase::getTags() const
 {
-    return m_entry.tags[0] == '\0' ? ActionItem::getTags() : words(m_entry.tags);
+    return m_entry.tags[0] == '\0' ? ActionItem::getTags() : wordsOf(m_entry.tags);
 }
 
 QStringList ActionBase::getKeywords() const
 {
-    return words(m_entry.keywords);
+    return wordsOf(m_entry.keywords);
 }
 
 template <class F> void ActionBase::guarded(F &&work) noexcept

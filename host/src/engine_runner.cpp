@@ -8,21 +8,22 @@
 
 #include <QSet>
 
-#include <mutex>
+#include <algorithm>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
 
 namespace {
 
-/// The cells of a row as text; null strings are missing cells.
-QStringList textsOf(const OneRow &row)
+/// The output pin that is linked to an input pin; nothing if there is no link.
+std::optional<CorvantaGraph::Pin> sourceOf(const CorvantaGraph &graph, const QString &id, int pin)
 {
-    QStringList texts;
-    for (int i = 0; i < row.numberOfColumns(); ++i) {
-        texts << row.text(i);
-    }
-    return texts;
+    const auto link = std::find_if(graph.links.begin(), graph.links.end(),
+                                   [&](const CorvantaGraph::Link &candidate) {
+                                       return candidate.to.action == id && candidate.to.pin == pin;
+                                   });
+    return link == graph.links.end() ? std::nullopt : std::optional(link->from);
 }
 
 /// The part of a graph that the action `id` depends on, with the action itself.
@@ -66,18 +67,16 @@ bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registr
     m_columns = {};
     m_rows.clear();
     // An input pin shows what its source sends.
-    CorvantaGraph::Pin source{id, pin};
-    if (type == PinIn) {
-        const auto link =
-            std::find_if(graph.links.begin(), graph.links.end(), [&](const CorvantaGraph::Link &l) {
-                return l.to.action == id && l.to.pin == pin;
-            });
-        if (link == graph.links.end()) {
-            return false;
-        }
-        source = link->from;
+    const std::optional<CorvantaGraph::Pin> source =
+        type == PinIn ? sourceOf(graph, id, pin) : CorvantaGraph::Pin{id, pin};
+    if (!source || !graph.hasOutputPin(registry, *source)) {
+        return false;
     }
-    CorvantaGraph part = upTo(graph, source.action);
+    const CorvantaGraph part = upTo(graph, source->action);
+    // Other parts of an edited graph may be incomplete; a preview needs only this one.
+    if (!part.validate(registry, {}).isEmpty()) {
+        return false;
+    }
     const auto keepRow = [&](const TableSchema &columns, const OneRow *row) {
         m_columns = columns;
         if (row != nullptr) {
@@ -86,10 +85,7 @@ bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registr
         return wholeTable || m_rows.size() < kPreviewRows;
     };
     RunOptions options;
-    options.listeners.push_back({u"preview"_s, source, std::make_unique<RowListener>(keepRow)});
-    if (part.indexOf(source.action) < 0 || !part.validate(registry, {}).isEmpty()) {
-        return false;
-    }
+    options.listeners.push_back({u"preview"_s, *source, std::make_unique<RowListener>(keepRow)});
     Run run(part, registry, std::move(options));
     run.start();
     run.wait();

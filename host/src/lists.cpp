@@ -17,6 +17,11 @@ QString stringFromStringList(const QStringList &list, int maxTexts)
     return quoted.join(", "_L1) + (list.size() > maxTexts ? ", ..."_L1 : ""_L1);
 }
 
+QStringList wordsOf(const char *text)
+{
+    return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts);
+}
+
 QString detach(const QString &text)
 {
     return text.isNull() ? QString() : QString(text.constData(), text.size());

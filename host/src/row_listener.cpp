@@ -39,4 +39,13 @@ bool RowListener::listen()
     return true;
 }
 
+QStringList textsOf(const OneRow &row)
+{
+    QStringList texts;
+    for (int i = 0; i < row.numberOfColumns(); ++i) {
+        texts << row.text(i);
+    }
+    return texts;
+}
+
 } // namespace corvanta

@@ -208,6 +208,21 @@ TEST_F(EngineTest, APreviewTakesAFewRowsAndEndsTheRest)
         runner.run(m_graph, m_registry, QStringLiteral("a"), 0, EngineRunner::PinIn, false));
 }
 
+// A listener on a pin that does not exist would read past the pins of the action.
+TEST_F(EngineTest, APreviewOfAPinThatDoesNotExistFails)
+{
+    const auto run = make(kChain);
+    EngineRunner runner;
+    const auto preview = [&](const char *id, int pin) {
+        return runner.run(m_graph, m_registry, QString::fromLatin1(id), pin, EngineRunner::PinOut,
+                          false);
+    };
+    EXPECT_TRUE(preview("a", 0));
+    EXPECT_FALSE(preview("a", 1));
+    EXPECT_FALSE(preview("a", -1));
+    EXPECT_FALSE(preview("nobody", 0));
+}
+
 TEST_F(EngineTest, AListenerOfTheFirstRowsLetsItsSourceEndWell)
 {
     for (const qint64 most : {0, 1, 10, 2000}) {

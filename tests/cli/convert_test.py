@@ -234,6 +234,14 @@ class CommandLine(Case):
             self.assertEqual([path.name for path in self.folder.iterdir()], ["in.csv"], extension)
         self.convert("in.csv", "no/folder/out.csv", status=1)
 
+    def test_tap_needs_an_output_pin(self):
+        self.put("g.graph", "<graph><action id='in'><readCSV fileName='in.csv'/></action>"
+                            "<action id='pq'><writeParquet fileName='out.parquet'/></action><link from='in:0' to='pq:0'/></graph>")
+        for pin in ("pq:0", "in:1", "nobody:0"):
+            done = self.corvanta("run", "g.graph", "--tap", f"{pin}=tap.csv", status=2)
+            self.assertIn(f"no output pin '{pin}'", done.stderr.decode())
+            self.assertFalse((self.folder / "tap.csv").exists())
+
     def test_messages_for_programs(self):
         self.put("two.json", json.dumps({"a": [{"x": 1}], "b": [{"y": 1}]}))
         messages = [json.loads(line) for line in self.convert("two.json", "o.csv", "--log-format", "json").splitlines()]

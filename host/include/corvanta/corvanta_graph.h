@@ -69,6 +69,9 @@ public:
     Problems validate(const corvanta::ActionRegistry &registry,
                       const QMap<QString, QString> &given) const;
 
+    /// True if an action of the graph has the output pin, which a listener can then read. False
+    /// also for an unknown action or type.
+    bool hasOutputPin(const corvanta::ActionRegistry &registry, const Pin &pin) const;
     /// Index in `actions`; -1 if there is no such action.
     int indexOf(const QString &id) const;
     /// Split "ID:PIN"; returns nothing if `text` is not of that form.

@@ -1,4 +1,4 @@
-// Helpers of panels for lists and texts.
+// Helpers of panels and actions for lists and texts. Threads: any.
 #pragma once
 #include "corvanta/export.h"
 
@@ -8,6 +8,9 @@
 /// The first `maxTexts` texts in single quotes, separated by a comma and a blank, with ", ..."
 /// appended if there are more.
 CORVANTA_EXPORT QString stringFromStringList(const QStringList &list, int maxTexts);
+
+/// The words of a constant text (Latin-1) that blanks separate, as in ActionEntry and FileFormat.
+CORVANTA_EXPORT QStringList wordsOf(const char *text);
 
 /// A copy of `text` with its own memory; null for a null string.
 CORVANTA_EXPORT QString detach(const QString &text);

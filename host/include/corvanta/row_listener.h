@@ -35,4 +35,7 @@ private:
     Callback m_onRow;
 };
 
+/// The cells of a row as text, one per column; null strings are missing cells.
+CORVANTA_EXPORT QStringList textsOf(const OneRow &row);
+
 } // namespace corvanta

@@ -64,8 +64,13 @@ struct Run::Private
     void build(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions &options);
     void add(const QString &id, std::unique_ptr<ActionItem> action, int pinsIn,
              const PinOptions &options);
+    void setGlobals(const CorvantaGraph &graph, const RunOptions &options);
+    void addListener(const CorvantaGraph &graph, Listener &listener, const PinOptions &options);
     void endUnlinkedPins(const CorvantaGraph &graph);
     void connect(const CorvantaGraph &graph, const CorvantaGraph::Pin &from, size_t to, int pin);
+    void initActions();
+    void startThreads();
+    void closeInitialised();
     void execute(Node &node);
     void runAndClose(Node &node);
     void callRun(Node &node);
@@ -76,8 +81,8 @@ struct Run::Private
     LogScope::Context logContext(const Node &node) const { return {log, node.id}; }
 };
 
-void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &registry,
-                         RunOptions &options)
+/// Sets what the actions read from GlobalParameters while they are created and during the run.
+void Run::Private::setGlobals(const CorvantaGraph &graph, const RunOptions &options)
 {
     global.setGraphDir(QFileInfo(graph.fileName).absolutePath());
     global.setOutDir(options.outDir);
@@ -85,12 +90,32 @@ void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &regis
     if (graph.version >= 0) {
         global.setGraphVersion(graph.version);
     }
-    for (const QMap<QString, QString> *variables :
-         {&graph.variables, &std::as_const(options.variables)}) {
+    // The variables of the run come last, so that they replace those of the graph.
+    for (const QMap<QString, QString> *variables : {&graph.variables, &options.variables}) {
         for (auto it = variables->begin(); it != variables->end(); ++it) {
             global.setVariable(it.key(), it.value());
         }
     }
+}
+
+/// Adds an action that reads an output pin of the graph.
+void Run::Private::addListener(const CorvantaGraph &graph, Listener &listener,
+                               const PinOptions &options)
+{
+    add(listener.id, std::move(listener.action), 1, options);
+    connect(graph, listener.from, nodes.size() - 1, 0);
+    if (listener.maxRows >= 0) {
+        const auto source = static_cast<size_t>(graph.indexOf(listener.from.action));
+        OutputPin &pin = nodes[source]->ports->out(listener.from.pin);
+        pin.setLimit(listener.maxRows, &control.yieldRequest);
+    }
+}
+
+/// Makes the actions with their pins and connects them; starts nothing.
+void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &registry,
+                         RunOptions &options)
+{
+    setGlobals(graph, options);
     log = options.log;
     const PinOptions pinOptions{options.batchRows,
                                 options.yieldAtBatches ? &control.yieldRequest : nullptr};
@@ -102,15 +127,10 @@ void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &regis
         connect(graph, link.from, static_cast<size_t>(graph.indexOf(link.to.action)), link.to.pin);
     }
     endUnlinkedPins(graph);
-    for (auto &listener : options.listeners) {
-        add(listener.id, std::move(listener.action), 1, pinOptions);
-        connect(graph, listener.from, nodes.size() - 1, 0);
-        if (listener.maxRows >= 0) {
-            const auto source = static_cast<size_t>(graph.indexOf(listener.from.action));
-            nodes[source]
-                ->ports->out(listener.from.pin)
-                .setLimit(listener.maxRows, &control.yieldRequest);
-        }
+    // After endUnlinkedPins(), which would end the pins of the listeners: the graph has no links to
+    // them.
+    for (Listener &listener : options.listeners) {
+        addListener(graph, listener, pinOptions);
     }
 }
 
@@ -186,9 +206,10 @@ void Run::Private::callRun(Node &node)
         if ((node.action.get()->*node.action->m_runFunction)()) {
             return;
         }
+        // This action has yielded; the others yield at a later request. After the end of the run
+        // the request stays set, because releaseAll() sets it once and every thread must see it.
         if (control.isRunning()) {
-            control.yieldRequest =
-                0; // this action has yielded; all others yield at a later request
+            control.yieldRequest = 0;
         }
     }
 }
@@ -211,7 +232,7 @@ void Run::Private::syncNewFiles()
     }
 }
 
-/// The work of an action's thread.
+/// Runs one action to its end, closes it and ends the data of its output pins.
 void Run::Private::runAndClose(Node &node)
 {
     try {
@@ -240,6 +261,45 @@ void Run::Private::runAndClose(Node &node)
     }
 }
 
+/// Initialises the actions on the caller's thread, in the order of the graph, until one fails.
+void Run::Private::initActions()
+{
+    for (const auto &node : nodes) {
+        const LogScope scope(logContext(*node));
+        if (!control.isRunning()) {
+            return;
+        }
+        // Set before init(), so that an action that fails halfway is closed and woken too.
+        node->initialised = true;
+        if (node->action->init() != 0) {
+            endRun(RunControl::Failed);
+        }
+        node->action->prepareRun();
+    }
+}
+
+/// Starts one thread per action. The threads use this object; Run::~Run() joins them.
+void Run::Private::startThreads()
+{
+    running = nodes.size(); // without the mutex: no thread exists yet
+    for (const auto &node : nodes) {
+        node->thread = std::jthread([this, n = node.get()] { execute(*n); });
+    }
+}
+
+/// Ends a run in which an action failed to start: closes those that did start and runs none.
+void Run::Private::closeInitialised()
+{
+    for (const auto &node : nodes) {
+        const LogScope scope(logContext(*node));
+        if (node->initialised) {
+            node->action->close();
+        }
+        node->finished = true;
+    }
+}
+
+/// The function of an action's thread.
 void Run::Private::execute(Node &node)
 {
     const LogScope scope(logContext(node));
@@ -265,33 +325,14 @@ Run::~Run()
 
 void Run::start()
 {
+    // stop() may have been called already; the status is then no longer Idle and stays Stopped.
     int expected = RunControl::Idle;
     d->control.runStatus.compare_exchange_strong(expected, RunControl::Running);
-    for (const auto &node : d->nodes) {
-        const LogScope scope(d->logContext(*node));
-        if (!d->control.isRunning()) {
-            break;
-        }
-        node->initialised = true;
-        if (node->action->init() != 0) {
-            d->endRun(RunControl::Failed);
-        }
-        node->action->prepareRun();
-    }
-    // An action has failed to start: close those that did start, and run none.
-    if (!d->control.isRunning()) {
-        for (const auto &node : d->nodes) {
-            const LogScope scope(d->logContext(*node));
-            if (node->initialised) {
-                node->action->close();
-            }
-            node->finished = true;
-        }
-        return;
-    }
-    d->running = d->nodes.size();
-    for (const auto &node : d->nodes) {
-        node->thread = std::jthread([this, n = node.get()] { d->execute(*n); });
+    d->initActions();
+    if (d->control.isRunning()) {
+        d->startThreads();
+    } else {
+        d->closeInitialised();
     }
 }
 

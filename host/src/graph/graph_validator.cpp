@@ -149,6 +149,14 @@ void checkVariables(const CorvantaGraph &graph, const QMap<QString, QString> &gi
 
 } // namespace
 
+bool CorvantaGraph::hasOutputPin(const ActionRegistry &registry, const Pin &pin) const
+{
+    const int index = indexOf(pin.action);
+    const ActionItem *const type =
+        index < 0 ? nullptr : registry.prototype(actions[index].parameters.getName());
+    return type != nullptr && pin.pin >= 0 && pin.pin < type->pinOutCount();
+}
+
 CorvantaGraph::Problems CorvantaGraph::validate(const ActionRegistry &registry,
                                                 const QMap<QString, QString> &given) const
 {
