@@ -18,6 +18,7 @@ ExitStatus reportResult(const QString &command, const CommandResult<void> &resul
     if (result) {
         return kDone;
     }
+    // A failed run has logged its errors already; only usage errors have a text.
     const QString &text = result.fault().detail;
     if (!text.isEmpty()) {
         const QString suffix = command.isEmpty() ? QString() : u' ' + command;
@@ -38,6 +39,7 @@ CommandResult<qsizetype> CommandLine::addOption(const QStringList &words, qsizet
                                                 const CommandOptions &options)
 {
     const QString &word = words[i];
+    // Short options such as -n have no form with "=".
     const qsizetype equals = word.startsWith("--"_L1) ? word.indexOf(u'=') : -1;
     const QString name = equals < 0 ? word : word.left(equals);
     if (options.flags.contains(name) && equals < 0) {
@@ -62,7 +64,8 @@ CommandResult<CommandLine> CommandLine::parse(const QStringList &words,
                                               const CommandOptions &options)
 {
     CommandLine line;
-    bool hasOptions = true; // until "--"
+    // Arguments that begin with "-" can follow "--". "-" alone is an argument by convention.
+    bool hasOptions = true;
     for (qsizetype i = 0; i < words.size(); ++i) {
         if (hasOptions && words[i] == "--"_L1) {
             hasOptions = false;

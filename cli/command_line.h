@@ -37,8 +37,11 @@ struct CommandLine
 
     /// The last value of an option.
     QString value(const QString &name, const QString &defaultValue) const;
+    /// True if the flag was given.
     bool has(const QString &flag) const { return flags.contains(flag); }
 
+    /// Parse the words after the name of the command. The fault is a usage error: an unknown
+    /// option, an option without its value, or a wrong number of arguments.
     static CommandResult<CommandLine> parse(const QStringList &words,
                                             const CommandOptions &options);
 
@@ -53,5 +56,7 @@ struct Assignment
     QString name;
     QString value;
 
+    /// Split at the first "=", so that a value may contain more of them. The fault is a usage
+    /// error.
     static CommandResult<Assignment> parse(const QString &text);
 };

@@ -1,19 +1,25 @@
 // The commands of corvanta: what each accepts, and what it does with its parsed command line.
+//
+// `xOptions()` is passed to CommandLine::parse(), and its result to `xCommand()`. The fault of a
+// command is the exit status; see CommandResult. The help texts are in main.cpp.
 #pragma once
 #include "command_line.h"
 
+// Run a graph file, or only check it.
 CommandOptions runOptions();
 CommandResult<void> runCommand(const CommandLine &line);
 
 CommandOptions checkOptions();
 CommandResult<void> checkCommand(const CommandLine &line);
 
+// List the actions, or describe one.
 CommandOptions actionsOptions();
 CommandResult<void> actionsCommand(const CommandLine &line);
 
 CommandOptions describeOptions();
 CommandResult<void> describeCommand(const CommandLine &line);
 
+// Convert a file, print its first rows, or print its columns.
 CommandOptions convertOptions();
 CommandResult<void> convertCommand(const CommandLine &line);
 

@@ -28,6 +28,7 @@ struct Widths
         longest.resize(columns.names.size());
         for (int i = 0; i < row.numberOfColumns(); ++i) {
             const bool isText = columns.types[i].type() == MetaInfo::Unknown;
+            // Bytes of UTF-8, the encoding in which the formats with fixed widths store texts.
             const qsizetype bytes = isText ? row.text(i).toUtf8().size() : 0;
             longest[i] = std::max(longest[i], bytes);
         }
@@ -51,6 +52,7 @@ QString declarations(const Widths &widths, const ActionParameters &writer)
             const qsizetype longest = widths.longest.value(i);
             const auto width =
                 static_cast<qint64>(std::ceil(static_cast<double>(longest) * factor + extra));
+            // A width of 0 is invalid, also for a column that is always missing.
             xml += u"<CD n='%1' l='%2' ol='%3'/>"_s.arg(
                 QString::fromWCharArray(tool.toXML(widths.columns.names[i])),
                 QString::number(std::max<qint64>(width, 1)), QString::number(longest));
@@ -59,17 +61,13 @@ QString declarations(const Widths &widths, const ActionParameters &writer)
     return xml + "</StringColDef>"_L1;
 }
 
-/// Reads the input once and declares the widths of its texts, if the writer needs declarations and
-/// has none.
-CommandResult<void> declareWidths(Session &session, const CorvantaGraph &input,
-                                  const ActionRegistry &registry, ActionParameters *writer)
+/// Reads the input once and measures its texts.
+CommandResult<Widths> measure(Session &session, const CorvantaGraph &input,
+                              const ActionRegistry &registry)
 {
-    const int index = writer->indexOfParameter(u"StringColDef"_s);
-    if (index < 0 || !writer->parameterValue(index).isEmpty()) {
-        return {};
-    }
     Widths widths;
-    const auto measure = [&](const TableSchema &columns, const OneRow *row) {
+    // Called on the listener's thread, which has ended when session.run() returns.
+    const auto addRow = [&](const TableSchema &columns, const OneRow *row) {
         widths.columns = columns;
         if (row != nullptr) {
             widths.add(*row);
@@ -78,10 +76,29 @@ CommandResult<void> declareWidths(Session &session, const CorvantaGraph &input,
     };
     RunOptions options;
     options.listeners.push_back(
-        {u"widths"_s, {QString::fromLatin1(kInputId), 0}, std::make_unique<RowListener>(measure)});
-    const auto done = session.run(input, registry, std::move(options));
-    writer->setParameterValue(index, declarations(widths, *writer));
-    return done;
+        {u"widths"_s, {QString::fromLatin1(kInputId), 0}, std::make_unique<RowListener>(addRow)});
+    if (const auto done = session.run(input, registry, std::move(options)); !done) {
+        return done.fault();
+    }
+    return widths;
+}
+
+/// Reads the input once and declares the widths of its texts, if the writer needs declarations and
+/// has none.
+CommandResult<void> declareWidths(Session &session, const CorvantaGraph &input,
+                                  const ActionRegistry &registry, ActionParameters *writer)
+{
+    const int index = writer->indexOfParameter(u"StringColDef"_s);
+    // Declarations that the user gave are used unchanged.
+    if (index < 0 || !writer->parameterValue(index).isEmpty()) {
+        return {};
+    }
+    const auto widths = measure(session, input, registry);
+    if (!widths) {
+        return widths.fault();
+    }
+    writer->setParameterValue(index, declarations(*widths, *writer));
+    return {};
 }
 
 /// Makes the graph that reads the input and writes the output.
@@ -99,6 +116,7 @@ CommandResult<CorvantaGraph> makeGraph(const CommandLine &line, Session &session
     if (const auto added = addInput(line, line.arguments[0], registry, &graph); !added) {
         return added.fault();
     }
+    // Not null: makeFileAction() chooses among actions that have parameters.
     auto *const parameters = dynamic_cast<ActionParameters *>(writer->get());
     if (const auto declared = declareWidths(session, graph, registry, parameters); !declared) {
         return declared.fault();
@@ -134,6 +152,7 @@ CommandResult<void> convertCommand(const CommandLine &line)
     if (!graph) {
         return graph.fault();
     }
+    // The printed graph also has what was derived from the input: levels, tables and widths.
     if (line.has(u"--print-graph"_s)) {
         std::fputs(graph->toXml().constData(), stdout);
         return {};

@@ -15,6 +15,7 @@ using namespace corvanta;
 
 namespace {
 
+/// Prints UTF-8, whatever the locale is: the output is meant for programs, too.
 void print(const QString &text)
 {
     std::fputs(text.toUtf8().constData(), stdout);
@@ -28,6 +29,7 @@ QJsonObject catalogueEntry(ActionItem &action)
                       {u"fileTypes"_s, QJsonArray::fromStringList(action.getFileTypes())},
                       {u"tags"_s, QJsonArray::fromStringList(action.getTags())},
                       {u"keywords"_s, QJsonArray::fromStringList(action.getKeywords())}};
+    // Plug-ins of others may implement only the contract.
     if (const auto *const ours = dynamic_cast<const ActionBase *>(&action)) {
         entry[u"helpPage"_s] = QString::fromLatin1(ours->entry().helpPage);
         entry[u"icon"_s] = QString::fromLatin1(ours->entry().icon);
@@ -36,8 +38,9 @@ QJsonObject catalogueEntry(ActionItem &action)
     return entry;
 }
 
-QJsonArray parameterEntries(const QVector<ParameterInfo> &infos);
+QJsonArray parameterEntries(const QVector<ParameterInfo> &infos); // members of a structure
 
+/// One parameter; "choices", "element" and "members" only where they apply.
 QJsonObject parameterEntry(const ParameterInfo &info)
 {
     QJsonObject entry{{u"name"_s, info.name},
@@ -70,8 +73,10 @@ QString pinText(const ActionItem &action)
     return u"%1, %2 output pin(s)"_s.arg(inputs, QString::number(action.pinOutCount()));
 }
 
+/// Name, type and default, then the meaning and the choices, indented.
 void printParameter(const ParameterInfo &info)
 {
+    // An empty default would leave nothing to read after the word.
     const QString defaultText = info.defaultValue.isEmpty() ? u"\"\""_s : info.defaultValue;
     print(u"  %1 (%2, default %3)\n"_s.arg(info.name, ActionParameters::typeName(info.type),
                                            defaultText));

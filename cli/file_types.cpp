@@ -37,6 +37,7 @@ std::vector<FileAction> fileActions(const ActionRegistry &registry, FileFormat::
             }
         }
     }
+    // Stable: within a family the order of the catalogue counts.
     std::stable_sort(all.begin(), all.end(), [](const FileAction &a, const FileAction &b) {
         return a.format->family < b.format->family;
     });
@@ -59,6 +60,7 @@ std::optional<FileAction> find(const ActionRegistry &registry, FileFormat::Use u
                                const QString &extension)
 {
     const std::vector<FileAction> all = fileActions(registry, use);
+    // The first one counts, see FileFormat::Family.
     const auto found = std::find_if(all.begin(), all.end(), [&](const FileAction &action) {
         return wordsOf(action.format->extensions).contains(extension);
     });
@@ -87,6 +89,7 @@ CommandResult<void> apply(const QStringList &settings, ActionParameters *paramet
         if (index < 0) {
             return badUsage(u"unknown parameter '%1'"_s.arg(name));
         }
+        // The second and later settings of a list append to it; the first one replaces it.
         const bool isNextString =
             infos[index].type == ParameterInfo::Type::Strings && seen.contains(name);
         const QString before = isNextString ? parameters->parameterValue(index) + u'\n' : QString();
@@ -102,6 +105,7 @@ CommandResult<void> apply(const QStringList &settings, ActionParameters *paramet
 /// Index of the parameter that names the file to read or write.
 int fileParameter(const ActionParameters &parameters, FileFormat::Use use)
 {
+    // Every action with file formats has such a parameter.
     const ParameterInfo::File wanted =
         use == FileFormat::Read ? ParameterInfo::File::Input : ParameterInfo::File::Output;
     const QVector<ParameterInfo> infos = parameters.parameters();
@@ -129,8 +133,10 @@ CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const ActionRegistry &
     const XMLNode element = parsed(u"<%1 fileName='file.%2'/>"_s.arg(type, extension));
     std::unique_ptr<ActionItem> action = registry.create(element, nullptr);
     auto *const parameters = dynamic_cast<ActionParameters *>(action.get());
+    // Absolute, because the graph has no file whose folder a relative name could start from.
     parameters->setParameterValue(fileParameter(*parameters, use),
                                   QDir::current().absoluteFilePath(fileName));
+    // The settings of the user come last and win.
     for (const QStringList &some : {wordsOf(found->format->settings), settings}) {
         if (const auto applied = apply(some, parameters); !applied) {
             return applied.fault();

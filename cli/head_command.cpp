@@ -39,6 +39,7 @@ CommandResult<void> readFirstRows(const QString &command, const CommandLine &lin
     options.listeners.push_back({command,
                                  {QString::fromLatin1(kInputId), 0},
                                  std::make_unique<RowListener>(onRow),
+                                 // With 0 rows the reader would not run and declare no columns.
                                  qMax<qint64>(rows, 1)});
     return (*session)->run(graph, registry, std::move(options));
 }
@@ -65,6 +66,7 @@ public:
     }
     void add(const TableSchema &columns, const OneRow *row)
     {
+        // The columns are known with the first call, which may be the end of an empty table.
         if (!m_printer) {
             m_printer.emplace(columns, stdout);
         }

@@ -47,6 +47,7 @@ void logTables(const QVector<InputTable> &tables)
         u"The file contains %1 tables; the marked one is read (--table NUMBER reads another):"_s
             .arg(tables.size());
     for (qsizetype i = 0; i < tables.size(); ++i) {
+        // The marked table is always listed, so that the user can see which one is read.
         if (i < kListedTables || tables[i].isChosen) {
             text += describe(tables[i], i + 1);
         }
@@ -74,6 +75,7 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
     if (!action) {
         return action.fault();
     }
+    // Not null: makeFileAction() chooses among actions that have parameters.
     auto *const parameters = dynamic_cast<ActionParameters *>(action->get());
     // Messages about the file look as if the running action had logged them.
     const LogScope scope({nullptr, QString::fromLatin1(kInputId)});

@@ -87,6 +87,7 @@ void CommandLog::add(const LogMessage &message)
     }
     const QByteArray line = format(message);
     const std::lock_guard lock(m_mutex);
+    // Return to the first column and erase to the end of the line, then write the progress again.
     const char *const clear = m_progress.isEmpty() ? "" : "\r\033[K";
     std::fprintf(m_out, "%s%s%s", clear, line.constData(), m_progress.constData());
     std::fflush(m_out);
@@ -95,6 +96,7 @@ void CommandLog::add(const LogMessage &message)
 void CommandLog::setProgressLine(const QByteArray &line)
 {
     const std::lock_guard lock(m_mutex);
+    // Nothing to erase: standard error may be a file, which must not get escapes.
     if (line.isEmpty() && m_progress.isEmpty()) {
         return;
     }

@@ -1,4 +1,5 @@
-// Writes messages to standard error, as text or as one JSON object per line.
+// Writes messages to standard error, as text or as one JSON object per line. Standard output is for
+// the results of commands only.
 #pragma once
 #include "corvanta/main_ui.h"
 
@@ -19,6 +20,7 @@ public:
     /// Show `line` as the progress line until the next call; an empty line removes it.
     void setProgressLine(const QByteArray &line);
 
+    /// For create(). `out` is not closed.
     CommandLog(bool quiet, std::FILE *out)
         : m_quiet(quiet)
         , m_out(out)
@@ -32,7 +34,7 @@ protected:
 private:
     bool m_quiet;
     std::FILE *m_out;
-    std::mutex m_mutex;
+    std::mutex m_mutex;    // held while a line is written, so that lines are never mixed
     QByteArray m_progress; // guarded by m_mutex
 };
 

@@ -12,6 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// One command. In its help text {reads} and {writes} are replaced by the known extensions.
 struct Command
 {
     const char *name;
@@ -21,6 +22,7 @@ struct Command
     const char *help;
 };
 
+/// In the order in which help lists them.
 constexpr Command kCommands[] = {
     {"run", runOptions, runCommand, "run a graph",
      "corvanta run GRAPH [options]\n\n"
@@ -96,6 +98,7 @@ const Command *find(const QString &name)
 QString helpText(const Command &command)
 {
     QString text = QString::fromUtf8(command.help);
+    // Loading the plug-ins takes time, which other help texts do not need.
     if (text.contains("{reads}"_L1)) {
         corvanta::ActionRegistry registry;
         registry.loadAll();
@@ -130,6 +133,7 @@ CommandResult<void> help(const QStringList &words)
     return {};
 }
 
+/// Runs a command with its words, without its name.
 CommandResult<void> run(const Command &command, const QStringList &words)
 {
     const auto line = CommandLine::parse(words, command.options());
@@ -160,6 +164,7 @@ int main(int argc, char **argv)
     if (command == nullptr) {
         return reportResult(QString(), badUsage(u"unknown command '%1'"_s.arg(first)));
     }
+    // Also after other words, and even if those are wrong.
     const bool asksForHelp = words.contains(u"--help"_s) || words.contains(u"-h"_s);
     return reportResult(first, asksForHelp ? help({first}) : run(*command, words.mid(1)));
 }

@@ -45,6 +45,7 @@ CommandResult<std::unique_ptr<LoadedGraph>> load(const CommandLine &line)
     loaded->variables = *std::move(variables);
     loaded->registry.loadAll();
     auto graph = CorvantaGraph::load(line.arguments[0]);
+    // A file that cannot be parsed has no graph to validate; its problems are logged alike.
     const CorvantaGraph::Problems problems =
         graph ? graph->validate(loaded->registry, loaded->variables) : graph.fault().code;
     for (const CorvantaGraph::Problem &problem : problems) {
@@ -64,6 +65,7 @@ std::unique_ptr<ActionItem> makeTapWriter(const QString &name, const ActionRegis
     const QString element = u"<writeCSV fileName='%1'/>"_s.arg(
         QString::fromWCharArray(tool.toXML(QDir::current().absoluteFilePath(name))));
     const auto saved = XMLNode::parse(element.toUtf8());
+    // Without GlobalParameters: the name is absolute, and a "${" in it is no variable.
     return saved ? registry.create(*saved, nullptr) : nullptr;
 }
 
@@ -85,7 +87,7 @@ CommandResult<Listener> makeTap(const QString &text, const LoadedGraph &loaded)
     return Listener{"tap "_L1 + tap->name, *pin, std::move(writer)};
 }
 
-/// The options of the run, with its taps.
+/// The options of the run, with its taps. All taps are checked before the run starts.
 CommandResult<RunOptions> optionsOfRun(const CommandLine &line, const LoadedGraph &loaded)
 {
     RunOptions options;

@@ -53,6 +53,7 @@ QByteArray fractionBar(float fraction)
 QByteArray progressLine(const QVector<ActionProgress> &all, double seconds)
 {
     QByteArray line;
+    // A reader only sends rows and most writers only take them, so the larger count is meant.
     for (const ActionProgress &action : all) {
         const double rows = static_cast<double>(qMax(action.rowsIn, action.rowsOut));
         line += line.isEmpty() ? "" : "  ";
@@ -64,6 +65,7 @@ QByteArray progressLine(const QVector<ActionProgress> &all, double seconds)
             line += ' ' + fractionBar(action.fraction);
         }
     }
+    // One column less than the terminal has: a full line would begin a new one.
     return line.left(platform::terminalWidth(stderr) - 1);
 }
 
@@ -98,6 +100,7 @@ Session::Session(std::unique_ptr<CommandLog> log)
     : m_log(std::move(log))
 {
     MainUI::setLogSink(m_log.get());
+    // Batch systems end a job with SIGTERM; it gets the same clean stop.
     std::signal(SIGINT, onInterrupt);
     std::signal(SIGTERM, onInterrupt);
 }
@@ -124,7 +127,7 @@ void Session::waitForEnd(Run *run)
         }
     }
     m_log->setProgressLine({});
-    run->wait();
+    run->wait(); // joins the threads
 }
 
 CommandResult<void> Session::run(const CorvantaGraph &graph, const ActionRegistry &registry,
@@ -134,6 +137,7 @@ CommandResult<void> Session::run(const CorvantaGraph &graph, const ActionRegistr
     Run run(graph, registry, std::move(options));
     run.start();
     waitForEnd(&run);
+    // A failure during a stop counts as a failure.
     if (run.succeeded()) {
         return {};
     }

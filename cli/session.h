@@ -11,7 +11,7 @@ class Session
 public:
     /// `more` with --log-format, --quiet, --progress and --system-encoding.
     static CommandOptions options(CommandOptions more);
-    /// Create a session with the options of `line`.
+    /// Create a session with the options of `line`. The fault is a usage error.
     static CommandResult<std::unique_ptr<Session>> open(const CommandLine &line);
     ~Session();
     Session(const Session &) = delete;
@@ -23,8 +23,9 @@ public:
 
 private:
     explicit Session(std::unique_ptr<CommandLog> log);
+    /// Wait, show the progress and pass Ctrl-C on to the run.
     void waitForEnd(corvanta::Run *run);
 
-    std::unique_ptr<CommandLog> m_log;
+    std::unique_ptr<CommandLog> m_log; // the program's sink
     bool m_showsProgress = false;
 };

@@ -13,8 +13,8 @@ using namespace corvanta;
 
 namespace {
 
-constexpr int kTerminalCell = 40;
-constexpr int kWidestCell = 1000;
+constexpr int kTerminalCell = 40; // terminal columns of a cell on a terminal
+constexpr int kWidestCell = 1000; // and in a file, where a reader can scroll
 constexpr qsizetype kRowsToMeasure = 1000;
 constexpr auto kGap = "  "_L1;
 
@@ -45,6 +45,7 @@ QString fitting(const QString &text, int width)
 {
     qsizetype end = 0;
     for (int used = 0; end < text.size();) {
+        // Never split a surrogate pair; a lone surrogate counts as one character.
         const bool isPair = text[end].isHighSurrogate() && end + 1 < text.size();
         used += widthOf(isPair ? QChar::surrogateToUcs4(text[end], text[end + 1])
                                : text[end].unicode());
@@ -142,10 +143,8 @@ void TablePrinter::add(const QStringList &cells)
     }
 }
 
-/// Chooses the widths and prints the rows that were kept.
-void TablePrinter::begin()
+void TablePrinter::measure()
 {
-    m_hasBegun = true;
     qsizetype line = 0;
     for (qsizetype i = 0; i < m_columns.names.size(); ++i) {
         int width = 0;
@@ -159,6 +158,13 @@ void TablePrinter::begin()
         }
         m_widths << width;
     }
+}
+
+/// Chooses the widths and prints the names, a rule and the rows that were kept.
+void TablePrinter::begin()
+{
+    m_hasBegun = true;
+    measure();
     print(m_held.takeFirst());
     QStringList rules;
     for (const int width : std::as_const(m_widths)) {
@@ -180,6 +186,7 @@ void TablePrinter::print(const QStringList &cells)
         line += (i > 0 ? kGap : ""_L1) +
                 (isNumber(m_columns.types[i]) ? blanks + cells[i] : cells[i] + blanks);
     }
+    // Trailing blanks would make a terminal wrap lines.
     while (line.endsWith(u' ')) {
         line.chop(1);
     }

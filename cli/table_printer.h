@@ -15,13 +15,14 @@ QString visibleText(const QString &text);
 /// one.
 int displayWidth(const QString &text);
 
-/// Numbers are aligned right, texts left; a missing cell is blank, an empty text is "". The column
-/// widths are those of the first 1,000 rows, which are kept until then. Cells of more than 1,000
-/// characters (40 on a terminal) end in an ellipsis. Columns that do not fit on the terminal are
-/// left out and named at the end.
+/// Prints to a terminal or a file. Numbers are aligned right, texts left; a missing cell is blank,
+/// an empty text is "". The column widths are those of the first 1,000 rows, which are kept until
+/// then. Cells of more than 1,000 characters (40 on a terminal) end in an ellipsis. Columns that do
+/// not fit on the terminal are left out and named at the end.
 class TablePrinter
 {
 public:
+    /// `out` is not closed. It decides whether the table is printed for a terminal.
     TablePrinter(const TableSchema &columns, std::FILE *out);
 
     /// Print a row of texts; null strings are missing cells.
@@ -30,7 +31,10 @@ public:
     void finish();
 
 private:
+    /// The text to print for a cell: escaped, cut, and quoted if it is empty.
     QString shown(const QString &cell) const;
+    /// Set m_widths to the widths of the columns that fit on a line, from the rows that are kept.
+    void measure();
     void begin();
     void print(const QStringList &cells);
 

@@ -1,3 +1,8 @@
+// The operations that the engine calls, answered from the entry or passed on to the subclass.
+//
+// The engine calls actions through virtual functions of another library and expects no exception
+// from them. guarded() is the one place that catches: init, the run function, close and the two
+// input functions go through it.
 #include "corvanta/action_base.h"
 
 #include "corvanta/help.h"
@@ -16,7 +21,8 @@ namespace corvanta {
 
 namespace {
 
-/// The icon cache of one action class.
+/// The icon cache of one action class. Shared by all its actions, and never destroyed before the
+/// program ends, because the palette keeps pointers to the pixmaps.
 struct IconCache
 {
     QPixmap pixmap;
@@ -25,6 +31,8 @@ struct IconCache
 
 IconCache &iconCacheOf(const char *typeName)
 {
+    // A map, because its elements keep their addresses. The mutex guards the map; the pixmaps are
+    // drawn on the GUI thread only.
     static std::mutex mutex;
     static std::map<std::string, IconCache> caches;
     const std::lock_guard lock(mutex);
@@ -97,6 +105,8 @@ QStringList ActionBase::getKeywords() const
     return wordsOf(m_entry.keywords);
 }
 
+/// Calls `work`. A message is the only thing that can be done with an exception: the caller is a
+/// virtual function of the contract, which has no result for it.
 template <class F> void ActionBase::guarded(F &&work) noexcept
 {
     try {
@@ -113,6 +123,7 @@ template <class F> void ActionBase::guarded(F &&work) noexcept
 
 char ActionBase::init()
 {
+    // A stop before the start: prepare nothing, the run function is not called.
     if (m_control->yieldRequest != 0) {
         return 0;
     }
@@ -133,6 +144,7 @@ QVector<InputTable> ActionBase::inputTables()
 bool ActionBase::fillFromInput(int table)
 {
     bool isFilled = false;
+    // Not part of a run, whose flags init() resets: fail() below must not find an old one.
     m_errorFlag = 0;
     guarded([&] { isFilled = fill(table); });
     return isFilled;
@@ -143,9 +155,10 @@ void ActionBase::prepareRun()
     m_runFunction = static_cast<RunFunction>(&ActionBase::runGuarded);
 }
 
+/// The run function. The engine's result has the opposite sense of step()'s.
 bool ActionBase::runGuarded()
 {
-    bool hasMore = false;
+    bool hasMore = false; // also after an exception
     guarded([&] { hasMore = step(); });
     return !hasMore;
 }
@@ -162,6 +175,7 @@ char ActionBase::close()
 bool ActionBase::fail(const QString &text)
 {
     MainUI::addLog(MainUI::Error, text);
+    // Outside a run, for example in fillFromInput(), there is nothing to fail but the call.
     if (m_control != nullptr) {
         m_control->runStatus = RunControl::Failed;
     }

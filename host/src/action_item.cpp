@@ -17,6 +17,7 @@ namespace {
 /// The version that determines the defaults of an action; infinity for a new one.
 double versionOf(const XMLNode &saved, const GlobalParameters *parameters)
 {
+    // Infinite without a graph, so that no comparison with an older version changes a default.
     const double fromGraph = parameters != nullptr ? parameters->graphVersion()
                                                    : std::numeric_limits<double>::infinity();
     return xmltof(saved.getAttribute("version"), fromGraph);
@@ -24,6 +25,7 @@ double versionOf(const XMLNode &saved, const GlobalParameters *parameters)
 
 } // namespace
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the contract fixes the type of the argument
 ActionItem::ActionItem(XMLNode saved, GlobalParameters *parameters)
     : m_globalParameters(parameters)
     , m_savedVersion(versionOf(saved, parameters))
@@ -71,6 +73,7 @@ ActionItem *ActionItem::clone(GlobalParameters *parameters)
 {
     std::wostringstream out;
     save(out, QString::fromLatin1(getTypeName()));
+    // A parameter with a character that XML cannot contain makes the copy lose its parameters.
     const auto saved = XMLNode::parse(QString::fromStdWString(out.str()).toUtf8());
     return newInstance(new XMLNode(saved ? *saved : XMLNode::emptyNode()), parameters);
 }
@@ -176,6 +179,7 @@ QString ActionItem::expandOutputFile(const QString &name, const QString &part) c
     if (expanded.contains(u'*')) {
         return expanded.replace(u'*', part);
     }
+    // A dot in a folder's name does not begin an extension.
     const qsizetype dot = expanded.lastIndexOf(u'.');
     if (dot > expanded.lastIndexOf(u'/')) {
         return expanded.insert(dot, part);

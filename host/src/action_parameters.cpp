@@ -1,3 +1,5 @@
+// Defaults of the parameter interface, for actions that implement only a part of it, and lookups in
+// its lists.
 #include "corvanta/action_parameters.h"
 
 #include <algorithm>
@@ -15,6 +17,7 @@ KnownNames knownNames(const QVector<ParameterInfo> &infos)
         } else if (info.type == ParameterInfo::Type::Strings) {
             names.elements << u"s"_s; // a list directly in the element
         }
+        // In the inline form the members of the item are directly in the parent.
         if (info.hasInlineForm) {
             const KnownNames inner = knownNames(info.members);
             names.attributes << inner.attributes;
@@ -28,6 +31,7 @@ ActionParameters::~ActionParameters() = default;
 
 int ActionParameters::indexOfParameter(const QString &name) const
 {
+    // Linear: tables are short, and callers look names up once per command or panel.
     const QVector<ParameterInfo> all = parameters();
     const auto found = std::find_if(all.begin(), all.end(),
                                     [&](const ParameterInfo &info) { return info.name == name; });

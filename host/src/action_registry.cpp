@@ -28,6 +28,7 @@ QString ActionRegistry::defaultFolder()
 
 void ActionRegistry::loadAll()
 {
+    // The modules first: their actions take precedence.
     loadFolder(defaultFolder());
     BuiltinPlugin builtin;
     add(&builtin);
@@ -54,6 +55,7 @@ void ActionRegistry::add(CorvantaPluginInterface *plugin)
 {
     plugin->initialise();
     for (int i = 0;; ++i) {
+        // The interface has no count: the catalogue ends at the first null.
         std::unique_ptr<ActionItem> action(plugin->createAction(i, 0));
         if (!action) {
             return;

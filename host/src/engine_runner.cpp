@@ -30,7 +30,8 @@ std::optional<CorvantaGraph::Pin> sourceOf(const CorvantaGraph &graph, const QSt
 CorvantaGraph upTo(const CorvantaGraph &graph, const QString &id)
 {
     QSet<QString> needed{id};
-    // Add the sources of all needed actions until nothing changes.
+    // Add the sources of all needed actions until nothing changes. Simple, and fast enough for
+    // graphs that a user edits.
     for (bool grew = true; grew;) {
         grew = false;
         for (const CorvantaGraph::Link &link : graph.links) {
@@ -56,6 +57,8 @@ bool EngineRunner::run(int pin, ActionItem *action, PinType type, bool wholeTabl
     if (graph == nullptr || action->getIdx() >= graph->actions.size()) {
         return false;
     }
+    // The editor's registry is not known here; loading the modules again costs little, because they
+    // are never unloaded.
     ActionRegistry registry;
     registry.loadAll();
     return run(*graph, registry, graph->actions[action->getIdx()].id, pin, type, wholeTable);
@@ -77,6 +80,8 @@ bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registr
     if (!part.validate(registry, {}).isEmpty()) {
         return false;
     }
+    // Called on the listener's thread. run.wait() below orders its writes before the caller's
+    // reads.
     const auto keepRow = [&](const TableSchema &columns, const OneRow *row) {
         m_columns = columns;
         if (row != nullptr) {
@@ -89,5 +94,5 @@ bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registr
     Run run(part, registry, std::move(options));
     run.start();
     run.wait();
-    return !run.failed();
+    return !run.failed(); // the listener has stopped it when it had enough rows
 }

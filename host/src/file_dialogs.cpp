@@ -20,6 +20,7 @@ QString tGetSaveFileName(QWidget *parent, const QString &title, const QString &s
 
 QString browseArchive(QWidget *parent, const QString &name)
 {
+    // Asked for as a text: the host does not read archives, the readers do.
     bool ok = false;
     const QString member = QInputDialog::getText(parent, u"Archive member"_s,
                                                  u"Name of the member inside %1"_s.arg(name),

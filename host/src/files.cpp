@@ -37,6 +37,7 @@ public:
         }
         return got;
     }
+    // Pipes and devices have no size; callers then read to the end.
     qint64 size() override { return m_file.isRegular() ? m_file.size() : -1; }
     bool seek(qint64 offset) override
     {
@@ -64,6 +65,7 @@ public:
     }
     bool write(const void *bytes, qint64 n) override
     {
+        // The system may write a part only, for example the part that fits on the disk.
         const qint64 begin = m_position;
         qint64 done = 0;
         while (done < n) {
@@ -85,6 +87,7 @@ public:
         return done;
     }
     qint64 position() const override { return m_position; }
+    // Nothing is buffered here.
     bool flush() override { return m_file.isOpen(); }
     bool sync() override { return m_file.sync(); }
     bool close() override { return m_file.close(); }
@@ -131,7 +134,7 @@ bool MyReadFileCached::seek(qint64 offset)
     if (offset < 0) {
         return false;
     }
-    m_position = offset;
+    m_position = offset; // the file itself seeks when the cache must be refilled
     return true;
 }
 
@@ -146,6 +149,7 @@ qint64 MyReadFileCached::read(void *buffer, qint64 n)
         m_cacheStart = m_position;
         m_cacheFill =
             corvanta::readFully(*m_file, m_cache.data(), static_cast<qint64>(m_cache.size()));
+        // The end of the file or a failure; neither may be mistaken for a block.
         if (m_cacheFill <= 0) {
             const qint64 result = m_cacheFill;
             m_cacheFill = 0;
@@ -174,6 +178,7 @@ std::unique_ptr<MyWriteFile> MyWriteFile::open(const QString &name, Existing exi
     if (!file.isOpen()) {
         return nullptr;
     }
+    // A pipe has no size (-1); appending to it begins at 0.
     const qint64 position = existing == Existing::Append ? qMax<qint64>(file.size(), 0) : 0;
     return std::make_unique<DiskWriteFile>(std::move(file), position);
 }
@@ -211,6 +216,7 @@ bool KobiFileInfo::isNetDrive(const QString &name)
 
 void listFiles(const QString &pattern, QStringList *names)
 {
+    // Only the last part may be a pattern: a folder's name is taken as it is.
     const QFileInfo info(pattern);
     const QString last = info.fileName();
     names->clear();
@@ -228,6 +234,7 @@ void listFiles(const QString &pattern, QStringList *names)
         }
         std::sort(names->begin(), names->end());
     }
+    // A pattern without a match is kept, so that the message about the missing file names it.
     if (names->isEmpty()) {
         *names << pattern;
     }
@@ -250,6 +257,7 @@ bool renameTMPFile(const QString &temporary, const QString &finalName)
     if (!corvanta::platform::renameOver(temporary, finalName)) {
         return false;
     }
+    // A replaced file was synced by the caller; only the rename itself must still reach the disk.
     UnsyncedNames &names = UnsyncedNames::ofProcess();
     isNew ? names.addFile(finalName) : names.addFolderOf(finalName);
     return true;

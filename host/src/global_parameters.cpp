@@ -14,6 +14,7 @@ namespace {
 /// `name` as an absolute, clean path; relative names are relative to `dir`.
 QString under(const QString &dir, const QString &name)
 {
+    // An empty name means "no file" and must not become the folder.
     if (name.isEmpty()) {
         return name;
     }
@@ -36,6 +37,7 @@ void GlobalParameters::setGraphDir(const QString &dir)
 
 void GlobalParameters::setOutDir(const QString &dir)
 {
+    // Empty is not the current folder but "not set", see outDir().
     m_outDir = dir.isEmpty() ? QString() : QDir::cleanPath(QDir::current().absoluteFilePath(dir));
 }
 
@@ -77,6 +79,7 @@ QString GlobalParameters::expandString(const QString &text, QStringList *unknown
         }
         const QString name = text.mid(begin + 2, end - begin - 2);
         const QString value = variable(name);
+        // Kept unchanged, so that a file name that only looks like a variable still works.
         if (value.isNull() && unknown != nullptr) {
             *unknown << name;
         }
@@ -102,6 +105,7 @@ QString GlobalParameters::contractFile(const QString &name) const
     if (!QDir::isAbsolutePath(name) || name.contains("${"_L1)) {
         return name;
     }
+    // On another drive the "relative" name is absolute.
     const QString relative = QDir(m_graphDir).relativeFilePath(name);
     return relative.startsWith("../"_L1) || QDir::isAbsolutePath(relative) ? name : relative;
 }

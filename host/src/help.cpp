@@ -5,6 +5,7 @@
 
 namespace {
 
+/// Without a lock: set once before panels exist.
 HelpOpener &helpOpener()
 {
     static HelpOpener opener;

@@ -24,11 +24,13 @@ QStringList wordsOf(const char *text)
 
 QString detach(const QString &text)
 {
+    // A copy of a QString shares its memory; a new one from its characters does not.
     return text.isNull() ? QString() : QString(text.constData(), text.size());
 }
 
 void sortIntInt(int *keys, int *values, int from, int to)
 {
+    // As pairs, so that values move with their keys; panels sort short lists.
     std::vector<std::pair<int, int>> pairs;
     for (int i = from; i <= to; ++i) {
         pairs.emplace_back(keys[i], values[i]);

@@ -3,6 +3,7 @@
 
 namespace {
 
+/// Per thread, so that addLog() needs no argument for the action and no lock.
 LogScope::Context &threadContext()
 {
     thread_local LogScope::Context context;

@@ -39,6 +39,7 @@ struct Host
     MainUI::EditorHooks hooks;                   // set before use, by the GUI thread
 };
 
+/// Created on first use: plug-ins may log while they are loaded.
 Host &host()
 {
     static Host instance;
@@ -49,6 +50,7 @@ Host &host()
 
 void MainUI::addLog(LogLevel level, const QString &text)
 {
+    // The sink of the run first: several runs of a process can have different logs.
     const LogScope::Context context = LogScope::current();
     LogSink *sink = context.sink != nullptr ? context.sink : host().sink.load();
     if (sink == nullptr) {
@@ -138,6 +140,7 @@ void *MainUI::getJobHandle()
 
 double MainUI::pixelSize()
 {
+    // The command line has no screen.
     const auto *const application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
     return application != nullptr && QGuiApplication::primaryScreen() != nullptr
                ? QGuiApplication::primaryScreen()->devicePixelRatio()
@@ -146,6 +149,7 @@ double MainUI::pixelSize()
 
 quint64 MainUI::getNearUniqueRandomID()
 {
+    // The system's generator: a seeded one could give two processes the same numbers.
     return QRandomGenerator::system()->generate64();
 }
 

@@ -18,6 +18,7 @@ char doCheckNameCollision(const OneRow *row, bool check, ActionItem *action,
             MainUI::addLog(
                 MainUI::Error,
                 u"Error: cannot write '%1': two columns are named '%2'\n"_s.arg(what, name));
+            // The caller is an action's run function, so there is a run.
             action->m_control->runStatus = RunControl::Failed;
             action->m_errorFlag = 1;
             return 1;

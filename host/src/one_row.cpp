@@ -22,6 +22,7 @@ void setOk(bool *ok, bool value)
     }
 }
 
+/// The schema of a row that is not described yet; shared, so that m_schema is never null.
 const std::shared_ptr<const TableSchema> &noColumns()
 {
     static const auto schema = std::make_shared<const TableSchema>();
@@ -68,7 +69,7 @@ QString OneRow::text(int i) const
 
 double OneRow::colAsDouble(int i, bool *ok) const
 {
-    double value = cell::missingDouble();
+    double value = cell::missingDouble(); // the result for a missing cell or a text
     switch (m_schema->types[i].type()) {
     case MetaInfo::Float:
         value = loadNative<double>(m_cells[i]);
@@ -116,6 +117,7 @@ unsigned int OneRow::colAsKey(int i, bool *ok) const
 
 QString OneRow::colForHash(int i) const
 {
+    // 1 as a key, 1.0 as a double and "1.00" as a text are one number and need one text.
     bool isNumber = false;
     const double value = colAsDouble(i, &isNumber);
     return isNumber ? shortestText(value) : text(i);
@@ -142,7 +144,7 @@ void OneRow::setNumberOfColumns(int n)
     schema.names.resize(n);
     schema.types.resize(n);
     m_own.resize(static_cast<size_t>(n), nullptr);
-    m_cells = m_own.data();
+    m_cells = m_own.data(); // resize() may have moved them
 }
 
 void OneRow::setColName(int i, const QString &name)
@@ -178,6 +180,7 @@ void OneRow::setSortInfos(const QVector<SortInfos> &sortedOn)
 
 void OneRow::copySchemaFrom(const OneRow *row)
 {
+    // Sharing the schema keeps batches together: a batch ends when the schema pointer changes.
     m_schema = row->m_schema;
     m_view = false;
     m_batch.reset();
@@ -198,6 +201,8 @@ void OneRow::copyFrom(const OneRow *row)
         m_rowInBatch = row->m_rowInBatch;
         return;
     }
+    // The cells of a row without a batch are shared too; they must stay valid until this row is
+    // sent.
     copySchemaFrom(row);
     std::copy_n(row->m_cells, row->numberOfColumns(), m_own.begin());
 }

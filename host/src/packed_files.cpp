@@ -1,3 +1,4 @@
+// Packed files (.gz, .Z) as input streams: a codec's reader on top of a plain file.
 #include "codecs/gzip/gzip_reader.h"
 #include "codecs/lzw/lzw_reader.h"
 #include "corvanta/files.h"
@@ -22,12 +23,14 @@ public:
         auto got = m_reader->read(static_cast<char *>(buffer), n);
         return got ? *got : fail(got.fault().detail);
     }
+    // Only unpacking the whole file would show it.
     qint64 size() override { return -1; }
     bool seek(qint64 offset) override
     {
         if (!m_file->seek(0)) {
             return false;
         }
+        // Unpack again also for a position ahead: a reader that failed cannot continue.
         auto reader = Reader::open(*m_file);
         if (!reader) {
             fail(reader.fault().detail);
@@ -50,6 +53,7 @@ template <class Reader> Opened openPacked(GlobalParameters *parameters, const QS
     if (!file) {
         return Fault{OpenError::CannotOpen};
     }
+    // The reader refers to the file; both move into the PackedFile, the file stays in its place.
     auto reader = Reader::open(*file);
     if (!reader) {
         return Fault{OpenError::Refused, reader.fault().detail};

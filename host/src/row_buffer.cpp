@@ -36,12 +36,13 @@ unsigned char *RowBuffer::allocSlow(int n)
         throw std::bad_alloc();
     }
     const long long needed = static_cast<long long>(n) + 1; // one byte to place odd cells
-    m_usedBefore += m_next - m_begin;
+    m_usedBefore += m_next - m_begin; // what is left of the current block stays unused
     size_t block = m_begin == nullptr ? 0 : m_block + 1;
     while (block < m_blocks.size() && m_blocks[block].size < needed) {
         ++block;
     }
     if (block == m_blocks.size()) {
+        // A large cell gets a block of its own size; deepReset() frees such blocks later.
         const long long size = std::max(m_capacity, needed);
         auto *const bytes = static_cast<uchar *>(std::malloc(static_cast<size_t>(size)));
         if (bytes == nullptr) {
@@ -87,6 +88,7 @@ long long RowBuffer::totalSizeAllocated() const
 unsigned char *bytesFromQString(unsigned char *bytes, const QString &text)
 {
     using namespace corvanta;
+    // A length code of 0 is the missing cell; an empty text has a code of its own.
     if (text.isNull()) {
         return cell::putLength(bytes, 0, 1);
     }

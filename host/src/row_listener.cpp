@@ -7,7 +7,7 @@ RowListener::RowListener(Callback onRow)
     : ActionItem(XMLNode::emptyNode(), nullptr)
     , m_onRow(std::move(onRow))
 {
-    m_nPinOut = 0;
+    m_nPinOut = 0; // one input pin, as by default
 }
 
 void RowListener::prepareRun()
@@ -17,12 +17,13 @@ void RowListener::prepareRun()
 
 ActionItem *RowListener::newInstance(XMLNode *saved, GlobalParameters *)
 {
-    delete saved;
+    delete saved; // the contract transfers it
     return new RowListener(m_onRow);
 }
 
 bool RowListener::listen()
 {
+    // Does not yield: getNextRowFromInPin() returns null when the run ends.
     const OneRow *row = nullptr;
     do {
         row = getNextRowFromInPin(0);

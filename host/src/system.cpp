@@ -10,6 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// The override. Readers look it up on their own threads, hence the mutex.
 struct SystemEncoding
 {
     std::mutex mutex;
@@ -31,6 +32,8 @@ QString currentACPName()
     if (!encoding.name.isEmpty()) {
         return encoding.name;
     }
+    // UTF-8 is not an 8-bit encoding; files in "the system's encoding" are then most often
+    // Windows'.
     const QString fromLocale = corvanta::platform::localeEncoding();
     return fromLocale.isEmpty() ? u"windows-1252"_s : fromLocale;
 }
@@ -44,6 +47,7 @@ void setSystemEncoding(const QString &name)
 
 int memConsumptionInByte(int percent)
 {
+    // A fixed budget and not the memory of the machine, so that runs behave alike everywhere.
     constexpr qint64 budget = qint64(1) << 30;
     return static_cast<int>(
         qMin<qint64>(budget / 100 * qMax(percent, 0), std::numeric_limits<int>::max()));

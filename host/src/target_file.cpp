@@ -1,3 +1,12 @@
+// Targets of writers.
+//
+//     mode          written to                    commit()          discard()
+//     Replace       NAME_tmp_<action>_<random>    sync, rename      remove the temporary file
+//     ReplaceByTmp  NAME_TMP                      sync, rename      remove the temporary file
+//     Append        NAME                          sync              cut to the old length
+//     (pipe)        NAME                          close             close
+//
+// A new file is not synced by commit() but before the run ends, together with others.
 #include "corvanta/target_file.h"
 
 #include "base/platform/files.h"
@@ -23,6 +32,7 @@ std::optional<QString> followLinks(const QString &name)
     if (!info.isSymLink()) {
         return name;
     }
+    // All links at once, those in folders included.
     if (info.exists()) {
         return info.canonicalFilePath();
     }
@@ -33,6 +43,7 @@ std::optional<QString> followLinks(const QString &name)
     return info.isSymLink() ? std::nullopt : std::optional(info.filePath());
 }
 
+/// Such a target has readers that are connected to it: replacing it would separate them.
 bool isPipeOrDevice(const QString &name)
 {
     const QFileInfo info(name);
@@ -83,6 +94,7 @@ TargetFile::Done TargetFile::openFile(const QString &name, MyWriteFile::Existing
 
 TargetFile::Done TargetFile::openReplaced()
 {
+    // A rename needs only the permission of the folder, so a read-only target is checked here.
     const QFileInfo info(m_target);
     if (info.isDir() || (info.exists() && !info.isWritable())) {
         return Fault{TargetError::CannotOpen, m_target};
@@ -114,6 +126,7 @@ TargetFile::Done TargetFile::openTmp()
 
 TargetFile::Done TargetFile::openAppended()
 {
+    // Remembered for discard(), which must leave no file that was not there before.
     m_existed = QFileInfo::exists(m_target);
     Done opened = openFile(m_target, MyWriteFile::Existing::Append);
     if (opened) {
@@ -126,6 +139,7 @@ TargetFile::Done TargetFile::openAppended()
 /// The only place where writers of files ask whether to repeat what failed.
 template <class F> bool TargetFile::retried(F operation)
 {
+    // A failed write has returned to its first byte (MyWriteFile), so all of it is repeated.
     while (!operation()) {
         if (!m_options.retryWrite || !m_options.retryWrite()) {
             return false;
@@ -163,7 +177,7 @@ TargetFile::Done TargetFile::commit(Sync sync, const Rename &rename)
     if (!isOpen()) {
         return Fault{TargetError::CannotWrite, m_target};
     }
-    const QString temporary = m_temporary;
+    const QString temporary = m_temporary; // complete() clears the member
     Done done = complete(m_isRegular && sync == Sync::Now);
     if (done && !temporary.isEmpty() && !rename(temporary, m_target)) {
         done = Fault{TargetError::CannotRename, m_target};
@@ -180,11 +194,13 @@ TargetFile::Done TargetFile::complete(bool syncs)
     // A failed sync() is not repeated: the system may have dropped the bytes and would then report
     // success for the second call.
     const bool isWritten = flush() && (!syncs || m_file->sync());
+    // Before the file is closed, because discard() cuts the open file.
     if (!isWritten && m_appends) {
         discard();
         return Fault{TargetError::CannotWrite, m_target};
     }
     const bool isClosed = m_file->close();
+    // A created file was synced; its entry in the folder must be, too.
     if (m_appends && !m_existed) {
         platform::syncFolder(QFileInfo(m_target).absolutePath());
     }
@@ -204,6 +220,7 @@ void TargetFile::discard()
         m_file->truncate(m_oldSize);
     }
     const bool isCreated = m_appends && !m_existed;
+    // Close before removing: an open file cannot be removed on Windows.
     const QString unfinished = isCreated ? m_target : m_temporary;
     keepTemporary();
     if (!unfinished.isEmpty()) {

@@ -21,7 +21,7 @@ UnsyncedNames &UnsyncedNames::ofProcess()
 void UnsyncedNames::addFile(const QString &name)
 {
     constexpr qsizetype kMaxFiles = 256;
-    addFolderOf(name);
+    addFolderOf(name); // takes the mutex itself
     std::unique_lock lock(m_mutex);
     m_names.files << name;
     if (m_names.files.size() < kMaxFiles) {
@@ -62,6 +62,7 @@ QStringList UnsyncedNames::sync(const Names &names)
             failed << name;
         }
     }
+    // Folders last, so that no entry is flushed before the content of its file.
     for (const QString &folder : names.folders) {
         platform::syncFolder(folder);
     }

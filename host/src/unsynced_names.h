@@ -15,21 +15,25 @@ namespace corvanta {
 class UnsyncedNames
 {
 public:
+    /// One object for all runs of the process; a run may flush the files of another one.
     static UnsyncedNames &ofProcess();
 
     /// Add a new file, complete and closed. Flushes all if there are 256 files.
     void addFile(const QString &name);
-    /// Add the folder of `name`, in which that file has replaced another one.
+    /// Add the folder of `name`, in which that file has replaced another one. The rename may
+    /// otherwise be lost in a power cut, although the content of the file is on the disk.
     void addFolderOf(const QString &name);
-    /// Flush everything that was added. Returns the names of the files that could not be flushed.
+    /// Flush everything that was added; blocks until it is on the disk. Returns the names of the
+    /// files that could not be flushed.
     QStringList sync();
 
 private:
     struct Names
     {
-        QStringList files;
-        QSet<QString> folders;
+        QStringList files;     // in the order in which they were added
+        QSet<QString> folders; // absolute; each is flushed once
     };
+    /// Without the mutex: flushing takes long.
     static QStringList sync(const Names &names);
 
     std::mutex m_mutex; // guards everything below

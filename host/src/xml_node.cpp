@@ -22,6 +22,7 @@ struct XMLNode::Data
 
 namespace {
 
+/// Users of a tree, and its destructor, may be recursive; this depth fits on any stack.
 constexpr int kMaxDepth = 1000;
 
 /// The zero-terminated units of a text, valid as long as the text.
@@ -67,7 +68,7 @@ private:
         case QXmlStreamReader::Characters:
             addText(m_reader.text());
             break;
-        default:
+        default: // comments, processing instructions, the document type
             break;
         }
     }
@@ -91,6 +92,7 @@ private:
 
     void close()
     {
+        // A node joins its parent only now, when nothing in it changes any more.
         XMLNode node;
         node.m_data = std::move(m_open.back());
         m_open.pop_back();
@@ -105,6 +107,7 @@ private:
     /// Joins consecutive runs of text; a child element begins a new run.
     void addText(QStringView text)
     {
+        // Blanks around the document element.
         if (m_open.empty()) {
             return;
         }
@@ -175,6 +178,7 @@ XMLNode XMLNode::getChildNode(int i) const
 
 XMLNode XMLNode::getChildNode(const char *name, int *index) const
 {
+    // `*index` is unchanged when nothing is found, as callers that loop until then expect.
     for (int i = index != nullptr ? *index : 0; i < nChildNode(); ++i) {
         const XMLNode &child = m_data->children[static_cast<size_t>(i)];
         if (child.m_data->name == QLatin1StringView(name)) {

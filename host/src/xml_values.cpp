@@ -19,6 +19,7 @@ long long xmltol(const char16_t *text, long long defaultValue)
     if (text == nullptr) {
         return defaultValue;
     }
+    // Blank, tab, line feed, vertical tab, form feed and carriage return, whatever the locale is.
     while (*text == u' ' || (*text >= u'\t' && *text <= u'\r')) {
         ++text;
     }
@@ -39,6 +40,7 @@ long long xmltol(const char16_t *text, long long defaultValue)
 
 int xmltoi(const char16_t *text, int defaultValue)
 {
+    // Not by way of a double, and not by cutting bits off: a large number must stay a large one.
     constexpr long long low = std::numeric_limits<int>::min();
     constexpr long long high = std::numeric_limits<int>::max();
     return static_cast<int>(qBound(low, xmltol(text, defaultValue), high));
@@ -97,6 +99,7 @@ ToXMLStringTool::~ToXMLStringTool() = default;
 
 const wchar_t *ToXMLStringTool::toXML(const QString &text)
 {
+    // A new string, so that freeBuffer() can free the memory of a large one.
     m_buffer = std::make_unique<std::wstring>();
     for (const wchar_t c : text.toStdWString()) {
         switch (c) {
@@ -115,6 +118,7 @@ const wchar_t *ToXMLStringTool::toXML(const QString &text)
         case L'\'':
             *m_buffer += L"&apos;";
             break;
+        // Attribute values are normalised by readers: plain line ends and tabs would become blanks.
         case L'\n':
             *m_buffer += L"&#10;";
             break;

@@ -1,5 +1,8 @@
-// What all our actions share: self-description, parameters, and the boundary that nothing is thrown
-// across.
+// What all our actions share: self-description, parameters, and the boundary to the engine.
+//
+// An action derives from ParamAction with its parameter struct, defines one ActionEntry and one
+// ParamTable, and implements step(). The engine sees only the operations of ActionItem; they are
+// implemented here, catch every exception, and call the functions that a subclass overrides.
 #pragma once
 #include "corvanta/action_entry.h"
 #include "corvanta/action_item.h"
@@ -13,19 +16,23 @@
 
 namespace corvanta {
 
-/// Logs a repeated message a limited number of times, then a closing line once.
+/// Logs a repeated message a limited number of times, then a closing line once, so that a damaged
+/// file with millions of faults does not fill the log. Threads: one at a time.
 class CORVANTA_EXPORT CappedLog
 {
 public:
+    /// Log the first `most` messages at `level`; `closingLine` replaces the message after them.
     CappedLog(MainUI::LogLevel level, int most, QString closingLine);
+    /// Log `text`, unless the limit is reached; the texts need not be equal.
     void add(const QString &text);
+    /// Count from 0 again. Call at the start of each run.
     void reset() { m_count = 0; }
 
 private:
     MainUI::LogLevel m_level;
     int m_most;
     QString m_closingLine;
-    int m_count = 0;
+    int m_count = 0; // messages logged since reset(), the closing line included
 };
 
 /// Base of the actions: catalogue texts, failures, and the run function.
@@ -33,9 +40,12 @@ private:
 /// A subclass implements step() (the run function), and start() and finish() when it has something
 /// to prepare in init and to complete in close. All three may throw: the failure is logged and
 /// fails the run.
+/// Threads: as ActionItem.
 class CORVANTA_EXPORT ActionBase : public ActionItem, public ActionParameters
 {
 public:
+    // The operations of ActionItem and ActionParameters, answered from the entry or passed on to
+    // the functions below.
     const char *getTypeName() const override { return m_entry.typeName; }
     UpdateClassWidget *createPanel(QWidget *parent) override;
     QPixmap *getIcon(double scale) override;
@@ -51,15 +61,19 @@ public:
     bool fillFromInput(int table) final;
     std::span<const FileFormat> fileFormats() const final { return m_entry.formats; }
 
+    /// The registration of this action. Valid as long as the action.
     const ActionEntry &entry() const { return m_entry; }
 
-    // For an action and its helper classes (file series, row writers).
+    // For an action and its helper classes (file series, row writers), which keep a reference to
+    // their action.
 
     /// Log an error and fail the run, if there is one. Returns false, so that a function that
     /// returns true for success ends with `return fail(...)`.
     bool fail(const QString &text);
-    /// Log a warning and set the warning flag.
+    /// Log a warning and set the warning flag; the run continues.
     void warn(const QString &text);
+    /// True when step() must return soon, so that the engine can end the run or start another
+    /// action. Cheap enough for every row.
     bool yieldRequested() const
     {
         return m_control->yieldRequest.load(std::memory_order_relaxed) != 0;
@@ -82,14 +96,19 @@ public:
     }
 
 protected:
+    /// `saved` is the element of the action in its graph, empty for a new action. `parameters` is
+    /// null for prototypes, and otherwise must outlive the action.
     ActionBase(const ActionEntry &entry, XMLNode saved, GlobalParameters *parameters);
 
-    /// Prepare a run: reset all state of an earlier one.
+    /// Prepare a run: reset all state of an earlier one. Called by init on the thread that starts
+    /// the run, before the pins can be used.
     virtual void start() {}
     /// Do the work of one call of the run function. Returns true to be called again, because
-    /// yieldRequested() was set; false when the action is finished or failed.
+    /// yieldRequested() was set; false when the action is finished or failed. State that must
+    /// survive a yield is a member.
     virtual bool step() = 0;
-    /// Complete or abandon what the run opened (see runIsGood()), and free it. May be called twice.
+    /// Complete or abandon what the run opened (see runIsGood()), and free it. May be called twice,
+    /// also without a step() before it.
     virtual void finish() {}
     /// What inputTables() and fillFromInput() do. They may throw and fail(), as the above.
     virtual QVector<InputTable> listTables() { return {}; }
@@ -99,25 +118,27 @@ private:
     bool runGuarded();
     template <class F> void guarded(F &&work) noexcept;
 
-    ActionEntry m_entry;
+    ActionEntry m_entry; // a copy; its texts are constants
 };
 
 /// An action with a parameter struct `P`, declared in the table that `Self::paramTable()` returns.
 ///
-/// `Self::adjustDefaults(P &, double savedVersion)`, when there is one, sets the defaults that hang
-/// on the version that saved the graph; it runs before the attributes are read.
+/// `Self::adjustDefaults(P &, double savedVersion)`, when there is one, sets the defaults that
+/// depend on the version that saved the graph; it runs before the attributes are read.
 /// `Self::pinsInFor(const P &)`, when there is one, is the number of input pins that the parameters
-/// ask for.
+/// need; it is evaluated again whenever a parameter changes.
 ///
 /// `Base` is ActionBase or a class derived from it that several actions share.
 template <class Self, class P, class Base = ActionBase> class ParamAction : public Base
 {
 public:
+    /// Write the version and every parameter that the table saves; see ParamTable.
     void save(std::wostream &out, const QString &elementName) override
     {
         this->saveAI(out, elementName, this->entry().saveVersion);
         Self::paramTable().save(m_params, out, elementName, this->globalParameters());
     }
+    /// Null when there is no memory. Deletes `saved` in any case.
     ActionItem *newInstance(XMLNode *saved, GlobalParameters *parameters) override
     {
         const std::unique_ptr<XMLNode> owned(saved);
@@ -134,9 +155,11 @@ public:
         updatePins();
         return isSet;
     }
+    /// The current values. Constant during a run.
     const P &params() const { return m_params; }
 
 protected:
+    /// Set the defaults of the saved version, then read the parameters of `saved`.
     ParamAction(const ActionEntry &entry, const XMLNode &saved, GlobalParameters *parameters)
         : Base(entry, saved, parameters)
     {
@@ -147,6 +170,7 @@ protected:
         updatePins();
     }
 
+    /// Call after a change of m_params, because the number of input pins may depend on it.
     void updatePins()
     {
         if constexpr (requires(const P &p) { Self::pinsInFor(p); }) {

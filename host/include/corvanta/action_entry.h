@@ -17,10 +17,11 @@ class XMLNode;
 
 namespace corvanta {
 
-/// All texts are constants; lists of words are separated by blanks.
+/// All texts are constants in UTF-8 (type name, paths and lists of words: ASCII); the words of a
+/// list are separated by blanks. An entry is a constant: any thread may read it.
 struct ActionEntry
 {
-    /// As good as any number of input pins.
+    /// A maxPinsIn that no graph reaches, for actions with any number of input pins.
     static constexpr int kManyPins = 1000;
     static constexpr int kPinsIn = -1; ///< maxPinsIn that equals pinsIn
 
@@ -28,28 +29,31 @@ struct ActionEntry
     const char *description = ""; ///< one line for the palette
     const char *helpPage = "";    ///< key of the help page; empty: none
     const char *icon = "";        ///< resource path of an SVG or PNG image
-    double saveVersion = 1.0;     ///< written as the `version` of a saved action
-    const char *fileTypes = "";   ///< extensions that file dialogs offer; empty: the host's default
-    const char *tags = "";        ///< category of the palette; empty: the host's default
-    const char *keywords = "";    ///< words that the search of the palette finds
-    int pinsIn = 1;               ///< input pins of a new action
-    int pinsOut = 1;
-    int maxPinsIn = kPinsIn; ///< input pins that a graph may link
+    /// Written as the `version` of a saved action. Raise it when a default changes, and set the old
+    /// default in adjustDefaults() for lower versions, so that saved graphs keep their meaning.
+    double saveVersion = 1.0;
+    const char *fileTypes = ""; ///< extensions that file dialogs offer; empty: the host's default
+    const char *tags = "";      ///< category of the palette; empty: the host's default
+    const char *keywords = "";  ///< words that the search of the palette finds
+    int pinsIn = 1;             ///< input pins of a new action
+    int pinsOut = 1;            ///< output pins; 0 for an action that only writes files
+    int maxPinsIn = kPinsIn;    ///< input pins that a graph may link
 
     /// Null when there is no memory. The caller owns the action.
     ActionItem *(*makeAction)(const XMLNode &saved, GlobalParameters *parameters) = nullptr;
     /// The caller owns the panel, which must not outlive `action`.
     UpdateClassWidget *(*makePanel)(QWidget *parent, ActionItem *action) = nullptr;
+    /// The files that `convert`, `head` and `schema` use the action for; empty: none.
     std::span<const FileFormat> formats = {};
 };
 
-/// For ActionEntry::makeAction.
+/// For ActionEntry::makeAction: makes an `Action`, whose constructor takes the same arguments.
 template <class Action> ActionItem *makeAction(const XMLNode &saved, GlobalParameters *parameters)
 {
     return new (std::nothrow) Action(saved, parameters);
 }
 
-/// For ActionEntry::makePanel.
+/// For ActionEntry::makePanel: makes a `Panel`. `parent` owns it unless it is null.
 template <class Panel> UpdateClassWidget *makePanel(QWidget *parent, ActionItem *action)
 {
     return new Panel(parent, action);

@@ -1,4 +1,8 @@
 // The contract between the engine and an action.
+//
+// The upper part of ActionItem is what the engine, the editor and the palette call; the lower part
+// is what an action calls: pins, rows, names. Rows are described in one_row.h, cells in
+// base/cell.h.
 #pragma once
 #include "corvanta/export.h"
 #include "corvanta/global_parameters.h"
@@ -28,6 +32,7 @@ CORVANTA_EXPORT char doCheckNameCollision(const OneRow *row, bool check, ActionI
 /// State that a run shares with its actions. Threads: any.
 struct RunControl
 {
+    /// The numbers are fixed: plug-ins are compiled with them.
     enum Status : int { Idle = 0, Running = 2, Stopped = 3, Failed = 5 };
 
     std::atomic<char> yieldRequest = 0; ///< set: run functions return false soon
@@ -45,8 +50,10 @@ struct RunControl
 class CORVANTA_EXPORT ActionItem
 {
 public:
+    /// Name of the type, and of the element that holds the parameters. A constant.
     virtual const char *getTypeName() const = 0;
-    /// A new panel bound to this action; the caller owns it.
+    /// A new panel bound to this action, or null if the action has none. `parent` owns it; without
+    /// a parent the caller does.
     virtual UpdateClassWidget *createPanel(QWidget *parent) = 0;
     virtual QPixmap *getIcon(double scale) = 0; ///< owned by the action's class
     // Pins, as the editor adds and removes them; the last one is removed.
@@ -64,9 +71,15 @@ public:
     virtual ActionItem *clone(GlobalParameters *parameters);
     /// Write the element with the action's parameters.
     virtual void save(std::wostream &out, const QString &elementName) = 0;
-    virtual char init();  ///< returns 0 on success
-    virtual char close(); ///< returns 0 on success
-    /// Set m_runFunction.
+    /// Prepare a run, on the thread that starts it. Returns 0 on success; the run function is not
+    /// called after a failure, but close() is.
+    virtual char init();
+    /// End a run: complete the files of a good run, abandon those of a failed one, free everything.
+    /// Called once for every action that was initialised. Returns 0 on success.
+    virtual char close();
+    /// Set m_runFunction, which does a part of the work and returns true when the action is
+    /// finished, false to be called again. It must return soon after RunControl::yieldRequest is
+    /// set.
     virtual void prepareRun() = 0;
     /// Release every wait of the action's own threads, because the run has ended. Called from
     /// another thread.
@@ -97,7 +110,7 @@ public:
     /// The columns of an input pin, also if it never had a row. Call after the first row or the
     /// end. Valid until the next call of getNextRowFromInPin() for the same pin.
     const OneRow *getInputColumns(int pin);
-    /// The row to fill next; owned by the pin.
+    /// The row to fill next; owned by the pin, and the same object for every row.
     OneRow *getOutputRowForOutputPin(int pin);
     /// Send the filled row. Afterwards all cells of the row are missing again.
     void setRowReadyForOutput(int pin);
@@ -124,7 +137,8 @@ public:
     QString expandOutputFile(const QString &name, const QString &part) const;
 
     GlobalParameters *globalParameters() const { return m_globalParameters; }
-    // Flags of the last run.
+    // Flags of the last run: 1 if the action logged a warning or failed, otherwise 0. Read them
+    // after the run.
     char warningFlag() const { return m_warningFlag; }
     char errorFlag() const { return m_errorFlag; }
     /// The version that determines defaults: the node's own, else the graph's; infinite for a new
@@ -134,13 +148,15 @@ public:
 protected:
     using RunFunction = bool (ActionItem::*)();
 
+    /// `saved` is the element with the parameters, of which only the version is read here.
+    /// `parameters` may be null and must outlive the action.
     ActionItem(XMLNode saved, GlobalParameters *parameters);
     /// Write the beginning of the element with the common attributes: `<NAME version='V'`.
     void saveAI(std::wostream &out, const QString &elementName, double version) const;
 
-    RunFunction m_runFunction = nullptr;
+    RunFunction m_runFunction = nullptr; ///< set by prepareRun()
     char m_warningFlag = 0;
-    char m_errorFlag = 0;
+    char m_errorFlag = 0;            ///< set to 1 together with RunControl::Failed
     RunControl *m_control = nullptr; ///< set from before init to after close
     int m_nPinIn = 1;
     int m_nPinOut = 1;
@@ -151,7 +167,7 @@ private:
     friend class corvanta::Run;
     friend char doCheckNameCollision(const OneRow *, bool, ActionItem *, const QVector<int> &,
                                      const QString &);
-    corvanta::Ports *m_ports = nullptr;
+    corvanta::Ports *m_ports = nullptr; // the pins; null outside a run
     int m_idx = 0;
     double m_savedVersion;
 };

@@ -1,4 +1,6 @@
 // What a host can ask an action about its parameters, whatever the action is.
+//
+// Panels, `corvanta describe` and the options --reader and --writer use only this interface.
 #pragma once
 #include "corvanta/export.h"
 #include "corvanta/file_format.h"
@@ -12,7 +14,9 @@
 /// One parameter, as the action declares it.
 struct ParameterInfo
 {
+    /// Strings is a list of texts, Structure a list of child elements with members.
     enum class Type { Text, Integer, Real, Flag, Strings, Structure };
+    /// Whether a Text names a file, which is then saved relative to the graph's folder.
     enum class File { None, Input, Output };
     /// Where the value is in the saved form: an attribute, a child element, or the content of the
     /// element itself.
@@ -45,8 +49,8 @@ struct KnownNames
     QStringList attributes;
     QStringList elements;
 };
-/// The names that the saved form of these parameters, or of these members, uses. Every saved action
-/// has the attribute `version` besides.
+/// The names that the saved form of these parameters, or of these members, uses, for example to
+/// report misspelled ones. Every saved action also has the attribute `version`.
 CORVANTA_EXPORT KnownNames knownNames(const QVector<ParameterInfo> &infos);
 
 /// One of the tables that an input file offers.
@@ -56,7 +60,7 @@ struct InputTable
     qint64 rows = 0;
     qint64 columns = 0;
     QString beginning;     ///< of its first row, for people
-    bool isChosen = false; ///< it is the one that the parameters read
+    bool isChosen = false; ///< the parameters read this table; true for at most one
 };
 
 /// Implemented by actions whose parameters are declared in a table. Threads: the owner's.
@@ -64,19 +68,21 @@ class CORVANTA_EXPORT ActionParameters
 {
 public:
     virtual ~ActionParameters();
+    /// All parameters in saved order; the index of a parameter below counts in this list, from 0.
     virtual QVector<ParameterInfo> parameters() const = 0;
     /// Number of the parameter with that name (exact); -1 when there is none.
     int indexOfParameter(const QString &name) const;
     /// The value as it would be saved; strings of a list are separated by line feeds, a structure
     /// is the XML of its elements.
     virtual QString parameterValue(int index) const = 0;
-    /// Set a value from that form. False when it is not of the parameter's type; nothing changes
-    /// then.
+    /// Set a value from that form. Returns false, and changes nothing, when it is not of the
+    /// parameter's type. Not during a run.
     virtual bool setParameterValue(int index, const QString &value) = 0;
 
-    /// Look at the beginning of the input file and set the parameters that say how to read it, as
-    /// far as they are still open: levels, for example. `table` is one of inputTables(); negative:
-    /// the most likely one. False, with a message, when that cannot be. Not during a run.
+    /// Read the beginning of the input file and set the parameters that depend on it and are not
+    /// set yet, for example levels. `table` is an index in inputTables(); negative: the most likely
+    /// one. Returns false after logging an error, for example when there is no such file or table.
+    /// Not during a run.
     virtual bool fillFromInput(int table);
     /// The tables of the input file among which fillFromInput() can choose, in the file's order;
     /// empty when there is nothing to choose. Not during a run.

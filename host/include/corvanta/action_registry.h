@@ -1,4 +1,6 @@
 // Loads the plug-in modules and keeps a prototype of every action.
+//
+// A prototype describes its type and makes actions of it; it never runs itself.
 #pragma once
 #include "corvanta/action_item.h"
 #include "corvanta/export.h"
@@ -26,10 +28,12 @@ public:
     /// folder of the program.
     static QString defaultFolder();
 
-    /// Add a prototype of every action of `plugin`.
+    /// Add a prototype of every action of `plugin`, which need not outlive the call. Of two actions
+    /// with the same type name the first one is used.
     void add(CorvantaPluginInterface *plugin);
     /// The prototype of a type, or null for an unknown type. Owned by the registry.
     ActionItem *prototype(const QString &typeName) const;
+    /// All prototypes in the order in which they were added.
     const std::vector<std::unique_ptr<ActionItem>> &prototypes() const { return m_prototypes; }
     /// A new action with the parameters of a saved element; null for an unknown type. `global` may
     /// be null and must outlive the action.

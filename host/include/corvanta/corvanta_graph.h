@@ -1,4 +1,11 @@
 // A graph file in memory: variables, actions with their parameters, links.
+//
+//     <graph version='1'>
+//       <variable name='year' value='2024'/>
+//       <action id='in' x='0' y='0'><readCSV fileName='${year}.csv'/></action>
+//       <action id='out'><writeCSV fileName='copy.csv'/></action>
+//       <link from='in:0' to='out:0'/>
+//     </graph>
 #pragma once
 #include "base/result.h"
 #include "corvanta/export.h"
@@ -22,7 +29,7 @@ public:
     /// A node of the graph.
     struct Action
     {
-        QString id;
+        QString id;         ///< unique in its graph
         XMLNode parameters; ///< the element named after the action's type
         double x = 0;       ///< position in the editor
         double y = 0;
@@ -35,12 +42,13 @@ public:
         QString action; ///< id
         int pin = 0;    ///< from 0
     };
-    /// An edge from an output pin to an input pin.
+    /// An edge from an output pin to an input pin. An output pin may have several links, an input
+    /// pin has at most one.
     struct Link
     {
         Pin from;
         Pin to;
-        int line = 0;
+        int line = 0; ///< as in Action
     };
     /// Something that makes a graph invalid: "orders.graph:12: ...".
     struct Problem
@@ -61,7 +69,7 @@ public:
     static Loaded load(const QString &fileName);
     /// Parse the text of a graph file; `fileName` is for messages and relative names.
     static Loaded parse(const QByteArray &document, const QString &fileName);
-    /// The document to save.
+    /// The document to save, in UTF-8. parse() of it gives the same variables, actions and links.
     QByteArray toXml() const;
 
     /// Find everything that makes the graph invalid: unknown types, invalid links, loops, unknown
@@ -74,6 +82,7 @@ public:
     bool hasOutputPin(const corvanta::ActionRegistry &registry, const Pin &pin) const;
     /// Index in `actions`; -1 if there is no such action.
     int indexOf(const QString &id) const;
-    /// Split "ID:PIN"; returns nothing if `text` is not of that form.
+    /// Split "ID:PIN" at its last colon, PIN being at most 10,000; returns nothing if `text` is not
+    /// of that form.
     static std::optional<Pin> parsePin(const QString &text);
 };

@@ -18,6 +18,7 @@ class ActionRegistry;
 class CORVANTA_EXPORT EngineRunner
 {
 public:
+    /// Whether a pin number counts the input pins of the action or its output pins.
     enum PinType { PinIn, PinOut };
 
     EngineRunner() = default;
@@ -28,9 +29,13 @@ public:
     /// kPreviewRows rows of the pin, or all. Returns false if there is no such pin or the run
     /// failed.
     bool run(int pin, ActionItem *action, PinType type, bool wholeTable);
-    /// The same for any graph.
+    /// The same for any graph. Only the actions that the pin depends on are checked and run; their
+    /// messages go to the program's log. Returns false for a pin that does not exist or, of an
+    /// input pin, that has no link.
     bool run(const CorvantaGraph &graph, const corvanta::ActionRegistry &registry,
              const QString &id, int pin, PinType type, bool wholeTable);
+
+    // Valid until the next run() of this object.
 
     /// The columns of the last run.
     const TableSchema &columns() const { return m_columns; }

@@ -1,3 +1,4 @@
+// Marks what the host library exports. All other symbols of the library are hidden.
 #pragma once
 #include <QtGlobal>
 

@@ -4,13 +4,17 @@
 /// One group of file extensions of an action. All texts are constants.
 struct FileFormat
 {
+    /// Whether the action reads or writes the files; an action that does both has two groups.
     enum Use { Read, Write };
-    /// Lists of extensions for people are in this order, then in catalogue order.
+    /// Kinds of files. Lists of extensions that are shown to users are in this order, then in the
+    /// order of the catalogue. Of two actions for one extension, the first in this order is used.
     enum Family { SeparatedText, Json, Markup, Columnar, Workbook, Database, Statistics };
 
     Use use = Read;
     Family family = SeparatedText;
-    const char *extensions = ""; ///< lower case, without dots, separated by blanks
+    /// Lower case, without dots, separated by blanks. The extension of a compressed file is that of
+    /// its content: "csv" for a.csv.gz.
+    const char *extensions = "";
     /// Parameters that a new action on such a file starts with, NAME=VALUE, separated by blanks.
     /// They request what is off by default only because saved graphs depend on it.
     const char *settings = "";

@@ -1,4 +1,8 @@
 // Files on disk: reading, cached reading, writing, renaming, and facts about names.
+//
+// All names are expanded already (GlobalParameters::expandFile). The GlobalParameters arguments are
+// part of the contract and not used by this host; they may be null. Writers use TargetFile, which
+// replaces a file in one step; MyWriteFile writes in place.
 #pragma once
 #include "base/byte_sink.h"
 #include "base/byte_source.h"
@@ -26,10 +30,12 @@ public:
     virtual qint64 position() const = 0;
 };
 
-/// Adds a cache of `cacheBytes` to a reader, for drives where each read is slow. Owns the reader.
+/// Adds a cache to a reader, for drives where each read is slow: one block, refilled from the
+/// position of the first read outside it. Threads: one at a time.
 class CORVANTA_EXPORT MyReadFileCached final : public MyReadFile
 {
 public:
+    /// Takes ownership of `file`. `cacheBytes` is the size of the block, at least 1.
     MyReadFileCached(MyReadFile *file, int cacheBytes);
     qint64 read(void *buffer, qint64 n) override;
     qint64 size() override;
@@ -39,16 +45,17 @@ public:
 private:
     std::unique_ptr<MyReadFile> m_file;
     std::vector<char> m_cache;
-    qint64 m_cacheStart = 0;
-    qint64 m_cacheFill = 0;
-    qint64 m_position = 0;
+    qint64 m_cacheStart = 0; // offset of the block in the file
+    qint64 m_cacheFill = 0;  // bytes in the block; 0: nothing is cached
+    qint64 m_position = 0;   // of the next read; m_file is elsewhere
 };
 
 /// A file opened for writing, created or emptied. Threads: one at a time.
 class CORVANTA_EXPORT MyWriteFile : public corvanta::ByteSink
 {
 public:
-    /// What happens to an existing file.
+    /// What happens to an existing file. Refuse makes open() fail, also for a dangling link; it
+    /// protects files that another program created under a temporary name.
     enum class Existing { Truncate, Append, Refuse };
 
     /// Open `name` (already expanded). Returns null on failure; the caller owns the object.

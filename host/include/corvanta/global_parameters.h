@@ -1,4 +1,7 @@
 // What the actions of one graph share: folders, variables, the version of the saved graph.
+//
+// All folders are absolute after their set function; a relative argument is relative to the current
+// folder of the process.
 #pragma once
 #include "corvanta/export.h"
 
@@ -40,6 +43,7 @@ public:
     QString compression() const { return m_compression; }
     void setCompression(const QString &level) { m_compression = level; }
 
+    /// Define or replace a variable; `name` is without "${" and "}". A null value is an empty text.
     void setVariable(const QString &name, const QString &value);
     /// The value of a graph variable or of a built-in one (graphDir, outDir, workingDir); null if
     /// there is none of that name.

@@ -1,4 +1,7 @@
-// Messages, where they go, and whose they are.
+// Messages, the sinks that receive them, and the action that each message belongs to.
+//
+// MainUI::addLog() sends a message to the sink of the calling thread's LogScope, or to the
+// program's sink if the thread has none.
 #pragma once
 #include "corvanta/export.h"
 
@@ -20,7 +23,8 @@ public:
     LogSink(const LogSink &) = delete;
     LogSink &operator=(const LogSink &) = delete;
     virtual ~LogSink() = default;
-    /// Take a message; must not block for long, because the action waits.
+    /// Take a message. Must not block for long, because the action waits, and must not call an
+    /// action or log itself.
     virtual void add(const LogMessage &message) = 0;
 };
 
@@ -33,10 +37,11 @@ public:
     /// Where the messages of a thread go, and whose they are.
     struct Context
     {
-        LogSink *sink = nullptr; ///< null: the program's
-        QString action;
+        LogSink *sink = nullptr; ///< null: the program's; must outlive the LogScope
+        QString action;          ///< id of the action, copied into LogMessage::action
     };
-    /// Replace the context of the calling thread; the destructor restores the previous one.
+    /// Replace the context of the calling thread; the destructor restores the previous one, so
+    /// scopes are nested. Destroy a scope on the thread that created it.
     explicit LogScope(const Context &context);
     ~LogScope();
     LogScope(const LogScope &) = delete;

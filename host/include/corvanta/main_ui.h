@@ -18,6 +18,8 @@ class QWidget;
 class CORVANTA_EXPORT MainUI
 {
 public:
+    /// The values are part of the contract. An error fails the run, but addLog() does not do that;
+    /// see ActionBase::fail(). Diagnostic is for messages of libraries.
     enum LogLevel { Error = 1, Warning = 2, Info = 3, Diagnostic = 4 };
 
     /// Log a message. It goes to the sink of the current LogScope, else to the program's sink.
@@ -40,13 +42,16 @@ public:
     struct EditorHooks
     {
         std::function<void(ActionItem *)> refreshProperties; ///< parameters have changed
-        std::function<void()> modified;
+        std::function<void()> modified;                      ///< the graph differs from its file
+        /// The graph that is being edited; null if none is open. Owned by the editor.
         std::function<CorvantaGraph *()> editedGraph;
         /// Let the user choose among the columns that reach input pin `pin` of an action. Returns
         /// the chosen names, none when cancelled.
         std::function<QStringList(QWidget *, ActionItem *, int pin, bool several)> chooseColumns;
     };
+    /// Set the operations. Call on the GUI thread, before any panel is made.
     static void setEditorHooks(EditorHooks hooks);
+    // Call the operations of the editor; panels use these.
     static void refreshDisplayOfProperties(ActionItem *action);
     static void documentWasModified();
     static void invalidate() { documentWasModified(); }

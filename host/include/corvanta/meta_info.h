@@ -1,4 +1,6 @@
 // The columns of a table and its sort order, which are sent along with its rows.
+//
+// The type of a single column is MetaInfo (base/meta_info.h).
 #pragma once
 #include "base/meta_info.h"
 #include "corvanta/export.h"
@@ -6,7 +8,7 @@
 #include <QString>
 #include <QVector>
 
-/// One column of a sort order.
+/// One column of a sort order. The order is what the source declares; nothing checks it.
 struct SortInfos
 {
     QString column; ///< name
@@ -15,7 +17,8 @@ struct SortInfos
 };
 
 /// Names, types and sort order of a table; shared by all rows of a batch. `names` and `types` have
-/// one entry per column.
+/// one entry per column. Names may be empty or equal; see doCheckNameCollision(). Threads: a schema
+/// that a batch refers to never changes, so any thread may read it.
 struct TableSchema
 {
     QVector<QString> names;

@@ -1,4 +1,7 @@
 // One row on a pin: cells, column names, types and sort order.
+//
+// The layout of a cell depends on the type of its column: 4 bytes for a key, 8 for a double, a
+// length code and UTF-16 units for a text (base/cell.h). Every type has a marker for missing cells.
 #pragma once
 #include "base/cell.h"
 #include "base/row_view.h"
@@ -54,6 +57,8 @@ public:
     /// Like col(), but equal numbers have equal texts, whatever the type of their column.
     QString colForHash(int i) const;
 
+    // The columns. `names`, types and sort order are those of the schema, without copies.
+
     int numberOfColumns() const { return static_cast<int>(m_schema->names.size()); }
     QString colName(int i) const { return m_schema->names[i]; }
     MetaInfo getMetaType(int i) const { return m_schema->types[i]; }
@@ -85,10 +90,13 @@ public:
     }
     /// Adds or removes columns at the end; new ones are of type Unknown without a name.
     void setNumberOfColumns(int n);
+    // Names and types, of one column or of all. The forms for all columns also set their number.
+
     void setColName(int i, const QString &name);
     void setColName(const QVector<QString> &names);
     void setMetaType(int i, const MetaInfo &type);
     void setMetaData(const QVector<MetaInfo> &types);
+    /// Declare that the rows are sorted; the row does not check it.
     void setSortInfos(const QVector<SortInfos> &sortedOn);
     /// Take over the columns and cells of `row`. Rows of an input pin are not copied: the cells are
     /// shared until one is changed.
@@ -108,9 +116,11 @@ private:
 
     std::shared_ptr<const TableSchema> m_schema;
     const unsigned char *const *m_cells = nullptr; // of m_own, or of m_batch if m_view is set
-    std::vector<const unsigned char *> m_own;
-    std::shared_ptr<const corvanta::RowBatch> m_batch; // of a view
+    std::vector<const unsigned char *> m_own;      // null: a missing cell
+    // Of a view. Kept afterwards, because cells that were taken over may be in the batch.
+    std::shared_ptr<const corvanta::RowBatch> m_batch;
     int m_rowInBatch = 0;
     bool m_view = false;
+    // Long enough for the text of any number cell, see cell::putNumberText().
     mutable std::array<char16_t, 32> m_numberText{};
 };

@@ -1,4 +1,7 @@
 // The interface of a plug-in module.
+//
+// A module is a shared library in the plug-in folder (ActionRegistry::defaultFolder) whose Qt
+// plug-in object implements this interface. It is never unloaded. Threads: one at a time.
 #pragma once
 #include "corvanta/xml_node.h"
 

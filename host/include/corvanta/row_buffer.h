@@ -61,9 +61,11 @@ private:
     void use(size_t block);
 
     std::vector<Block> m_blocks;
-    size_t m_block = 0; // index of the current block
-    long long m_capacity;
-    long long m_usedBefore = 0;
+    size_t m_block = 0;         // index of the current block
+    long long m_capacity;       // bytes of a usual block
+    long long m_usedBefore = 0; // bytes in the blocks before the current one
+    // The current block: its first byte, the next free one, and the one after its last. All are
+    // null until the first allocation.
     uchar *m_begin = nullptr;
     uchar *m_next = nullptr;
     uchar *m_end = nullptr;
@@ -79,7 +81,11 @@ CORVANTA_EXPORT QString qStringFromBytes(const unsigned char *bytes);
 
 namespace corvanta {
 
-/// A text cell that holds `n` UTF-16 units.
+// Each function makes a cell in `buffer` and returns its first byte, for OneRow::setCol(). The cell
+// is valid until the buffer is reset. They throw std::bad_alloc if there is no memory.
+
+/// A text cell that holds `n` UTF-16 units, at most limits::kTextCellUnits. An empty text is not a
+/// missing cell.
 inline const uchar *textCell(RowBuffer *buffer, const char16_t *units, qsizetype n)
 {
     const quint32 code = cell::codeOfText(n);

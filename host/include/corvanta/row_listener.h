@@ -16,6 +16,8 @@ public:
     /// because no more rows are needed. The columns are complete also for a table without rows.
     using Callback = std::function<bool(const TableSchema &columns, const OneRow *row)>;
 
+    /// `onRow` may use its arguments during the call only. An exception that it throws fails the
+    /// run.
     explicit RowListener(Callback onRow);
 
     // Operations of ActionItem; a listener has no panel, icon or parameters.

@@ -1,4 +1,13 @@
 // Runs a graph with one thread per action; rows are sent between them in batches.
+//
+//     Run run(graph, registry, {.log = &log});
+//     run.start();
+//     while (!run.waitFor(50ms)) { show(run.progress()); }
+//     run.wait();
+//     return run.succeeded();
+//
+// The first failure or stop ends all actions. Each action that was initialised is closed exactly
+// once, whatever happens.
 #pragma once
 #include "corvanta/action_item.h"
 #include "corvanta/corvanta_graph.h"
@@ -21,17 +30,18 @@ class ActionRegistry;
 /// An action outside the graph that reads one of its output pins.
 struct Listener
 {
-    QString id; ///< for messages and progress
-    CorvantaGraph::Pin from;
-    std::unique_ptr<ActionItem> action; ///< with one input pin
+    QString id;                         ///< for messages and progress
+    CorvantaGraph::Pin from;            ///< must exist, see CorvantaGraph::hasOutputPin()
+    std::unique_ptr<ActionItem> action; ///< with one input pin; the run takes it
     /// After this many rows the action that is read ends without an error; the actions that it
     /// depends on continue. With 0 its run function is never called. Negative: no limit.
     qint64 maxRows = -1;
 };
 
+/// How a graph is run; the initialisers are the usual values.
 struct RunOptions
 {
-    QMap<QString, QString> variables; ///< override the graph's
+    QMap<QString, QString> variables; ///< by name, without "${" and "}"; override the graph's
     QString outDir;                   ///< empty: the graph's folder
     QString compression;              ///< see GlobalParameters::compression()
     LogSink *log = nullptr;           ///< null: the program's sink
@@ -40,15 +50,15 @@ struct RunOptions
     std::vector<Listener> listeners;  ///< previews and taps
 };
 
-/// The progress of one action.
+/// The progress of one action. The numbers of different actions are not read at the same instant.
 struct ActionProgress
 {
     QString id;
     QString type;
-    qint64 rowsIn = 0;
-    qint64 rowsOut = 0;
-    float fraction = -1; ///< done, 0 to 1; negative: not known
-    bool finished = false;
+    qint64 rowsIn = 0;     ///< rows taken, summed over the input pins
+    qint64 rowsOut = 0;    ///< rows sent, also to pins that no action reads
+    float fraction = -1;   ///< done, 0 to 1; negative: not known
+    bool finished = false; ///< the action is closed
 };
 
 /// One run of one graph. Threads: the owner's, except that stop() and progress() may be called from
@@ -56,15 +66,19 @@ struct ActionProgress
 class CORVANTA_EXPORT Run
 {
 public:
-    /// The graph must have passed validate() with the same variables. The log must outlive the run.
+    /// Create the actions and connect their pins. The graph must have passed validate() with the
+    /// same variables, and the pins of the listeners must exist. The registry and the log must
+    /// outlive the run; the graph need not. Throws std::bad_alloc if there is no memory.
     Run(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions options);
     ~Run(); ///< stops and waits
 
-    /// Initialise all actions and start their threads.
+    /// Initialise all actions on the calling thread and start their threads. Call once. If an
+    /// action fails to initialise, the run has ended when start() returns.
     void start();
     /// Wait until the run ends or `timeout` has passed. Returns true if the run has ended; then
     /// every action is closed.
     bool waitFor(std::chrono::milliseconds timeout);
+    /// Wait until the run ends, and join its threads.
     void wait();
     /// Make the run end soon, without an error; the status becomes RunControl::Stopped.
     void stop();
@@ -75,6 +89,7 @@ public:
     bool failed() const;
     /// The progress of all actions, listeners last.
     QVector<ActionProgress> progress() const;
+    /// The state that the actions see. Threads: any.
     const RunControl &control() const;
     /// The action number `index` of the graph; listeners follow. Owned by the run.
     ActionItem *action(int index) const;

@@ -36,7 +36,8 @@ enum class TargetError {
     CannotRename, ///< the temporary file is complete but could not be renamed
 };
 
-/// Destroying an open target discards it. Threads: one at a time.
+/// Call open(), write() as often as needed, and then commit() or discard(). Destroying an open
+/// target discards it. An object can be opened again after either. Threads: one at a time.
 class CORVANTA_EXPORT TargetFile final : public corvanta::ByteSink
 {
 public:

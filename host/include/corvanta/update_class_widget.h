@@ -6,7 +6,9 @@
 
 class ActionItem;
 
-/// Shows and edits the parameters of one action, which must outlive it.
+/// Shows and edits the parameters of one action, which must outlive it. A panel changes them with
+/// ActionParameters::setParameterValue() and then calls MainUI::documentWasModified(). Threads: the
+/// GUI thread, never during a run of the action.
 class CORVANTA_EXPORT UpdateClassWidget : public QWidget
 {
 public:

@@ -1,4 +1,7 @@
 // Saved parameters: a small immutable XML tree, and the conversions of its texts.
+//
+// Comments, processing instructions and declarations of the document are not kept. Names include
+// their namespace prefix.
 #pragma once
 #include "base/result.h"
 #include "corvanta/export.h"
@@ -14,6 +17,7 @@
 class CORVANTA_EXPORT XMLNode
 {
 public:
+    /// An empty node: it has no name, attributes, children or text.
     XMLNode();
     static XMLNode emptyNode() { return {}; }
 
@@ -27,15 +31,19 @@ public:
     /// more than 1,000 deep is rejected too.
     static corvanta::Result<XMLNode, Place> parse(const QByteArray &document);
 
+    /// True if the node represents an element that does not exist.
     bool isEmpty() const { return !m_data; }
+    /// Name of the element; null for an empty node.
     QString getName() const;
     /// Line of the element's start tag in its document, 1-based; 0 for an empty node.
     int line() const;
 
     /// The attribute's value, or null. `index` is not used for attributes, which are unique.
     const char16_t *getAttribute(const char *name, int *index = nullptr) const;
+    /// The names of all attributes, in the order of the document.
     QStringList attributeNames() const;
 
+    /// Number of child elements.
     int nChildNode() const;
     /// Child number `i`, from 0; an empty node if there is none.
     XMLNode getChildNode(int i) const;
@@ -79,6 +87,7 @@ public:
     /// `text` with & < > " ' and the line feed, carriage return and tab escaped, so that an XML
     /// reader returns them unchanged. Valid until the next call or freeBuffer().
     const wchar_t *toXML(const QString &text);
+    /// Free the memory of the last result.
     void freeBuffer();
 
 private:

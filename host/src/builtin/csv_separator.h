@@ -1,4 +1,5 @@
-// The separator parameter of readCSV and writeCSV.
+// The separator parameter of readCSV and writeCSV. The codec compares bytes, so the separator must
+// be one byte in UTF-8, and it must differ from the bytes that structure a record.
 #pragma once
 #include <QString>
 

@@ -42,6 +42,8 @@ public:
     qint64 read(void *buffer, qint64 n) override
     {
         const qint64 got = m_file->read(buffer, n);
+        // The size of the content of a compressed file is not known, so its position in the
+        // compressed bytes is published. A failed read (-1) adds nothing.
         *m_done = m_compressed != nullptr ? m_compressed->progressPosition()
                                           : *m_done + qMax<qint64>(got, 0);
         return got;
@@ -92,13 +94,14 @@ const ParamTable<ReadCsvParams> &ActionReadCsv::paramTable()
 
 float ActionReadCsv::computeCompletion()
 {
-    const qint64 size = m_size;
+    const qint64 size = m_size; // read once: the action's thread may change it
     return size > 0 ? static_cast<float>(m_done) / static_cast<float>(size) : -1;
 }
 
 void ActionReadCsv::start()
 {
     finish();
+    // An action object may run several times; nothing of an earlier run may remain.
     m_described = m_firstIsData = false;
     m_types.clear();
     m_size = -1;
@@ -107,6 +110,7 @@ void ActionReadCsv::start()
 
 void ActionReadCsv::finish()
 {
+    // The reader first, because it refers to the file.
     m_reader.reset();
     m_file.reset();
     m_compressed = nullptr;
@@ -144,7 +148,7 @@ std::unique_ptr<ByteSource> ActionReadCsv::openFile()
     if (!opened) {
         return nullptr;
     }
-    m_compressed = opened->get();
+    m_compressed = opened->get(); // owned by the returned source
     m_size = KobiFileInfo(globalParameters(), m_name).size();
     return *std::move(opened);
 }
@@ -161,6 +165,7 @@ bool ActionReadCsv::failRecord(csv::Error code)
     const QString line = QString::number(m_reader->line());
     switch (code) {
     case csv::Error::Unreadable: {
+        // Only a compressed file can say more than the system: it may be damaged or truncated.
         const QString why = m_compressed != nullptr ? u": "_s + m_compressed->failure() : QString();
         return fail(u"Error: readCSV: cannot read file '%1'%2\n"_s.arg(m_name, why));
     }
@@ -191,12 +196,14 @@ bool ActionReadCsv::chooseTypes(qsizetype columns)
     const QStringList letters =
         m_params.types.isEmpty() ? QStringList() : m_params.types.split(u',');
     for (qsizetype i = 0; i < columns; ++i) {
+        // Columns without a letter are texts, so a short list of types is accepted.
         const QString letter = letters.value(i, u"U"_s).trimmed();
         if (letter != "K"_L1 && letter != "F"_L1 && letter != "U"_L1) {
             return fail(u"Error: readCSV: '%1' is not a column type (K, F, U)\n"_s.arg(letter));
         }
         m_types << static_cast<MetaInfo::MetaTypeColumn>(letter[0].toLatin1());
     }
+    // A longer list is an error: the file is not the one that the types were written for.
     if (letters.size() > columns) {
         return fail(u"Error: readCSV: %1 column types for the %2 columns of file '%3'\n"_s.arg(
             QString::number(letters.size()), QString::number(columns), m_name));
@@ -250,6 +257,7 @@ bool ActionReadCsv::putCell(int column, const csv::Field &field, OneRow *row)
     bool ok = true;
     switch (m_types[column]) {
     case MetaInfo::Unknown:
+        // No text has more UTF-16 units than bytes in UTF-8, so the bytes are a safe limit.
         ok = field.size <= limits::kTextCellUnits;
         if (ok) {
             row->setCol(column, textCellFromUtf8(buffer, field.text, field.size));
@@ -274,7 +282,7 @@ bool ActionReadCsv::putCell(int column, const csv::Field &field, OneRow *row)
 bool ActionReadCsv::failCell(const csv::Field &field, const QString &column,
                              MetaInfo::MetaTypeColumn type)
 {
-    constexpr qsizetype kShownBytes = 200;
+    constexpr qsizetype kShownBytes = 200; // a field may be as long as the file
     return fail(u"Error: readCSV: file '%1', line %2, column '%3': '%4' is not of type %5\n"_s.arg(
         m_name, QString::number(m_reader->line()), column,
         QString::fromUtf8(field.text, qMin(field.size, kShownBytes)),
@@ -287,6 +295,7 @@ bool ActionReadCsv::emitRow()
     const auto fields = m_reader->fields();
     const auto columns = static_cast<size_t>(m_types.size());
     if (fields.size() != columns) {
+        // In a table with one column an empty line is a row with a missing cell.
         const bool isEmptyLine = fields.size() == 1 && fields[0].size == 0 && !fields[0].isQuoted;
         return isEmptyLine ||
                fail(u"Error: readCSV: file '%1', line %2: %3 fields instead of %4\n"_s.arg(
@@ -305,6 +314,7 @@ bool ActionReadCsv::emitRow()
 
 bool ActionReadCsv::step()
 {
+    // Each call continues where the last one yielded: m_reader and m_described say how far it got.
     if (!m_reader && !open()) {
         return false;
     }

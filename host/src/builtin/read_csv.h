@@ -1,4 +1,8 @@
 // readCSV: reads rows from a text file with separators (RFC 4180, UTF-8).
+//
+// Without `types` every column is a text, so that no value of the file is changed. The action opens
+// its file in the first call of the run function and not in init, so that opening a slow file does
+// not delay the start of the other actions.
 #pragma once
 #include "codecs/csv/record_reader.h"
 #include "corvanta/action_base.h"
@@ -10,7 +14,8 @@
 
 namespace corvanta {
 
-/// Parameters as saved; see ActionReadCsv::paramTable() for their meaning.
+/// Parameters as saved; see ActionReadCsv::paramTable() for their meaning. `types` and `sortedOn`
+/// are lists separated by commas.
 struct ReadCsvParams
 {
     QString fileName;
@@ -27,6 +32,7 @@ class ActionReadCsv final : public ParamAction<ActionReadCsv, ReadCsvParams>
 public:
     ActionReadCsv(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<ReadCsvParams> &paramTable();
+    /// Threads: any. Unknown for pipes.
     float computeCompletion() override;
 
 private:
@@ -36,20 +42,29 @@ private:
 
     // All functions that return bool return false when there is nothing more to do, also after a
     // failure, which they have logged.
+    // Order of calls: open(), describeColumns(), then nextRecord() and emitRow() for each row.
     bool open();
     std::unique_ptr<ByteSource> openFile();
+    /// Also sets m_types, on which all cells depend.
     bool describeColumns();
+    /// Of the current record: its fields, or C1, C2, ... without a header.
     QVector<QString> columnNames() const;
+    /// From `types`; fails for unknown letters and for more letters than columns.
     bool chooseTypes(qsizetype columns);
+    /// The order is declared and not checked: checking would need a comparison per row.
     bool declareSortOrder(OneRow *row);
+    /// The record is in m_reader until the next call.
     bool nextRecord();
     bool emitRow();
+    /// Convert one field; an empty one without quotes is a missing cell.
     bool putCell(int column, const csv::Field &field, OneRow *row);
+    // Log the error with its place in the file. Return false.
     bool failRecord(csv::Error code);
     bool failCell(const csv::Field &field, const QString &column, MetaInfo::MetaTypeColumn type);
 
-    QString m_name; // of the file, expanded
-    std::unique_ptr<ByteSource> m_file;
+    // All of the state below is reset by start().
+    QString m_name;                                   // of the file, expanded
+    std::unique_ptr<ByteSource> m_file;               // must outlive m_reader
     const input::InputSource *m_compressed = nullptr; // the compressed file in m_file, or null
     std::unique_ptr<csv::RecordReader> m_reader;
     bool m_described = false;   // the columns are declared

@@ -56,6 +56,7 @@ void ActionWriteCsv::start()
 
 void ActionWriteCsv::finish()
 {
+    // Only a good run replaces the target; a failed or stopped one leaves it unchanged.
     if (m_complete && runIsGood() && !(flush() && m_target.commit())) {
         failWriting();
     }
@@ -93,6 +94,7 @@ bool ActionWriteCsv::begin(const OneRow *columns)
 
 bool ActionWriteCsv::flush()
 {
+    // The bytes are discarded also after a failure, which ends the run.
     const QByteArrayView bytes = m_writer->bytes();
     const bool isWritten = m_target.write(bytes.data(), bytes.size());
     m_writer->clear();
@@ -103,6 +105,7 @@ bool ActionWriteCsv::step()
 {
     while (!yieldRequested()) {
         const OneRow *const row = getNextRowFromInPin(0);
+        // Null is the end of the table or of the run; after the end of the run nothing is created.
         if (row == nullptr && !runIsGood()) {
             return false;
         }
@@ -113,6 +116,7 @@ bool ActionWriteCsv::step()
             m_complete = true;
             return false;
         }
+        // The row becomes a view of the input batch: passing it on copies no cells.
         getOutputRowForOutputPin(0)->copyFrom(row);
         setRowReadyForOutput(0);
         m_writer->addRow(row->view());

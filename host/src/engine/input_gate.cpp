@@ -1,6 +1,11 @@
 // The queues between producers and one action.
 //
-// One mutex guards all pins of the action. m_filled wakes the action, m_emptied the producers.
+// One mutex guards all pins of the action, because whether a producer may push depends on the pin
+// that the action waits on. m_filled wakes the action, m_emptied the producers.
+//
+// Why a queue may exceed its bound: a table fans out to A and B, both lead to C, and C reads all of
+// A first. B's queue at C fills up, the source blocks on it, A gets no more rows, and C waits for A
+// forever. So while C waits on A's pin, pushes to all its other pins are allowed.
 #include "engine/input_gate.h"
 
 namespace corvanta {
@@ -26,13 +31,15 @@ void InputGate::push(int pin, BatchSlice slice)
     if (m_closed) {
         return;
     }
-    // Rows must keep their order: once some are in the file, all later ones follow them.
+    // Rows must keep their order: once some are in the file, all later ones follow them. The file
+    // is written with the mutex held, which keeps this order too; it happens only after 32 MiB.
     if (queue.spill.hasRows() || queue.bytes >= kOverflowBytes) {
         queue.spill.put(slice);
         return;
     }
     queue.bytes += slice.bytes();
     queue.slices.push_back(std::move(slice));
+    // The action waits on one pin at a time; a notification for another pin would wake it in vain.
     if (m_waitingPin == pin) {
         m_filled.notify_one();
     }
@@ -44,7 +51,7 @@ void InputGate::end(int pin, std::shared_ptr<const TableSchema> schema)
     Queue &queue = m_queues[static_cast<size_t>(pin)];
     queue.ended = true;
     queue.schema = std::move(schema);
-    m_filled.notify_one();
+    m_filled.notify_one(); // in vain when it waits on another pin, but an end comes once
 }
 
 std::optional<BatchSlice> InputGate::pop(int pin)
@@ -63,7 +70,8 @@ std::optional<BatchSlice> InputGate::pop(int pin)
     if (m_closed) {
         return std::nullopt;
     }
-    // The file holds the rows after those in memory. At the end of the data it is empty.
+    // The file holds the rows after those in memory. At the end of the data it is empty, and take()
+    // returns nothing.
     if (queue.slices.empty()) {
         return queue.spill.take();
     }
@@ -84,6 +92,8 @@ void InputGate::close()
 {
     const std::lock_guard lock(m_mutex);
     m_closed = true;
+    // Free the rows now: the gate exists until the run is destroyed. Schemas are kept, because the
+    // action may ask for its columns in close().
     for (Queue &queue : m_queues) {
         queue.slices.clear();
         queue.bytes = 0;

@@ -1,4 +1,5 @@
 // The input of one action: a bounded queue per pin, filled by producers and emptied by the action.
+// The bound keeps the memory of a run independent of the size of its tables.
 #pragma once
 #include "engine/row_batch.h"
 #include "engine/spill_file.h"
@@ -20,9 +21,11 @@ namespace corvanta {
 class InputGate
 {
 public:
+    /// A gate with `pins` input pins, numbered from 0.
     explicit InputGate(int pins);
 
-    /// Append rows; waits while the queue is full. A closed gate discards them.
+    /// Append rows; waits while the queue is full. A closed gate discards them. Throws
+    /// std::runtime_error if rows must go to a temporary file that cannot be written.
     void push(int pin, BatchSlice slice);
     /// End the data of a pin; `schema` gives the columns of a table without rows.
     void end(int pin, std::shared_ptr<const TableSchema> schema);
@@ -30,11 +33,14 @@ public:
     /// closed.
     std::optional<BatchSlice> pop(int pin);
     /// The columns passed to end(); null before.
+    /// close() keeps them.
     std::shared_ptr<const TableSchema> endSchema(int pin) const;
-    /// Discard all rows and release all waiting threads: the action reads no more.
+    /// Discard all rows and release all waiting threads: the action reads no more. May be called
+    /// several times; a gate is never opened again.
     void close();
 
 private:
+    /// The rows of one pin: first those in `slices`, then those in `spill`.
     struct Queue
     {
         std::deque<BatchSlice> slices;
@@ -45,15 +51,18 @@ private:
     };
     bool mayPush(const Queue &queue, int pin) const;
 
+    // A few batches: enough that producer and consumer rarely wait for each other, and little
+    // enough for the cache and for graphs of many actions.
     static constexpr qint64 kQueueBytes = qint64(2) << 20;
+    // Rows in memory of a pin whose producer may exceed kQueueBytes; later rows go to the file.
     static constexpr qint64 kOverflowBytes = qint64(32) << 20;
 
     mutable std::mutex m_mutex;
-    std::condition_variable m_filled;
-    std::condition_variable m_emptied;
-    std::vector<Queue> m_queues; // guarded by m_mutex, as all below
-    int m_waitingPin = -1;
-    bool m_closed = false;
+    std::condition_variable m_filled;  // for the action: rows, an end or close()
+    std::condition_variable m_emptied; // for producers: room, a waiting action or close()
+    std::vector<Queue> m_queues;       // guarded by m_mutex, as all below
+    int m_waitingPin = -1;             // the pin that pop() waits on; -1: it does not wait
+    bool m_closed = false;             // never reset
 };
 
 } // namespace corvanta

@@ -39,12 +39,14 @@ void OutputPin::rowReady()
     } else {
         appendOwn();
     }
+    // The request is for all actions, but only this one is not called again (Ports::isComplete).
     if (m_yieldRequest != nullptr && --m_rowsLeft <= 0) {
         *m_yieldRequest = 1;
     }
 }
 
-/// Counts a row that no action reads.
+/// Counts a row that no action reads. flush() publishes the count and frees the cells, once per
+/// batch and not for every row.
 void OutputPin::dropRow()
 {
     if (++m_dropped == m_options.batchRows) {
@@ -64,8 +66,10 @@ void OutputPin::appendView()
         flush();
         m_slice = {m_row.m_batch, m_row.m_rowInBatch, 0};
     }
+    // All cells of the output row are missing again. Its batch is kept for the next copyFrom().
     m_row.m_view = false;
     m_row.m_cells = m_row.m_own.data();
+    // Nothing can follow the last row of a batch.
     if (++m_slice.count + m_slice.first == m_slice.batch->rows) {
         flush();
     }
@@ -88,6 +92,8 @@ void OutputPin::appendOwn()
     const QVector<MetaInfo> &types = batch.schema->types;
     for (int i = 0; i < batch.columns; ++i) {
         const uchar *cell = m_row.m_own[static_cast<size_t>(i)];
+        // A cell in the current block of the arena is already in the batch. isRecent() misses cells
+        // in older blocks, which are copied once more; that is correct and rare.
         if (cell == nullptr) {
             cell = m_row.missingCell(i);
         } else if (!batch.arena.isRecent(cell)) {
@@ -106,6 +112,7 @@ void OutputPin::flush()
     if (m_dropped != 0) {
         m_count.fetch_add(m_dropped, std::memory_order_relaxed);
         m_dropped = 0;
+        // Cells may have been made in the arena of a row that nobody reads.
         if (m_open) {
             m_open->arena.reset();
         }
@@ -115,6 +122,7 @@ void OutputPin::flush()
     }
     if (m_open && m_open->rows != 0) {
         const std::shared_ptr<RowBatch> full = std::exchange(m_open, nullptr);
+        // Before the batch is sent: a reader may release it, and its memory is then reused.
         copyCellsOfOpenRow();
         send({full, 0, full->rows});
     }
@@ -132,7 +140,7 @@ void OutputPin::copyCellsOfOpenRow()
 }
 
 /// Sends rows to all readers; they share the batch.
-void OutputPin::send(BatchSlice slice)
+void OutputPin::send(const BatchSlice &slice)
 {
     m_count.fetch_add(slice.count, std::memory_order_relaxed);
     for (const Reader &reader : m_readers) {
@@ -171,7 +179,8 @@ bool InputPin::fetch()
 
 const OneRow *InputPin::columns()
 {
-    // A table without rows has no batch; its schema arrives with the end of the data.
+    // A table without rows has no batch; its schema arrives with the end of the data. Before that
+    // the row has no columns.
     if (!m_row.m_batch) {
         if (auto schema = m_gate->endSchema(m_pin)) {
             m_row.m_schema = std::move(schema);

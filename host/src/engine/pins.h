@@ -1,4 +1,9 @@
 // The pins of one action. Threads: the action's, except rowCount().
+//
+//     OutputPin --BatchSlice--> InputGate of each reader --BatchSlice--> InputPin
+//
+// An output pin pushes into the gates of its readers and waits there when a queue is full. An input
+// pin takes from its action's own gate. Nothing else is shared between the threads of two actions.
 #pragma once
 #include "corvanta/one_row.h"
 #include "engine/input_gate.h"
@@ -11,61 +16,74 @@
 
 namespace corvanta {
 
-/// Options that all pins of a run share.
+/// Options that all pins of a run share; see RunOptions.
 struct PinOptions
 {
     int batchRows = 1024; ///< maximum number of rows in a batch
     /// Set to 1 whenever a batch is taken or sent, unless null.
+    /// Tests use it to make every action yield as often as possible.
     std::atomic<char> *yieldAtBatches = nullptr;
 };
 
-/// Collects rows into batches and sends them to the gates of the readers.
+/// Collects rows into batches and sends them to the gates of the readers. Without readers rows are
+/// only counted. Sending blocks while a reader's queue is full, see InputGate.
 class OutputPin
 {
 public:
     /// Make input pin `pin` of `gate` read this pin. Call before the run.
     void addReader(InputGate *gate, int pin) { m_readers.push_back({gate, pin}); }
+    /// False if the rows need not be made. Constant during the run.
     bool isRead() const { return !m_readers.empty(); }
     /// Call before the run.
     void setOptions(const PinOptions &options) { m_options = options; }
-    /// Become complete after `rows` rows, and request a yield then. Call before the run.
+    /// Become complete after `rows` rows, and request a yield then. The action may still send rows
+    /// until it yields; its run function is not called again. Call before the run.
     void setLimit(qint64 rows, std::atomic<char> *yieldRequest)
     {
         m_rowsLeft = rows;
         m_yieldRequest = yieldRequest;
     }
-    /// True if the row limit is reached.
+    /// True if the row limit is reached. Always false without a limit.
     bool isComplete() const { return m_yieldRequest != nullptr && m_rowsLeft <= 0; }
 
-    /// The row to fill next.
+    /// The row to fill next; always the same object.
     OneRow *row() { return &m_row; }
-    /// The arena for its cells.
+    /// The arena for its cells, that of the open batch. It changes when a batch is sent, so ask for
+    /// it again after each row.
     RowBuffer *buffer() { return &openBatch().arena; }
     /// Append the filled row to the open batch, and send the batch if it is full.
     void rowReady();
-    /// Send the open batch.
+    /// Send the open batch, although it is not full. The row that is being filled keeps its cells.
     void flush();
-    /// Send the open batch and the end of the data.
+    /// Send the open batch and the end of the data, with the columns. Call once, as the last.
     void end();
     /// Rows sent so far. Threads: any.
     qint64 rowCount() const { return m_count.load(std::memory_order_relaxed); }
 
 private:
+    /// An input pin of another action.
     struct Reader
     {
         InputGate *gate;
         int pin;
     };
+    /// The batch that is being filled; takes one from the pool if there is none.
     RowBatch &openBatch();
+    // rowReady() calls one of these, for a row that was filled here, for a view of a row of an
+    // input batch, and for a row that no action reads.
     void appendOwn();
     void appendView();
     void dropRow();
+    /// Move the cells of the row that is being filled out of a batch that is sent.
     void copyCellsOfOpenRow();
-    void send(BatchSlice slice);
+    /// Push into the gate of every reader; may block.
+    void send(const BatchSlice &slice);
 
-    std::vector<Reader> m_readers; // constant during the run
+    // Without a lock: constant during the run.
+    std::vector<Reader> m_readers;
     PinOptions m_options;
     OneRow m_row;
+    // Shared with the batches, which may exist longer than the pin.
     std::shared_ptr<BatchPool> m_pool = std::make_shared<BatchPool>();
     std::shared_ptr<RowBatch> m_open;            // null: no row since the last batch was sent
     BatchSlice m_slice;                          // rows of an input batch, sent unchanged
@@ -75,11 +93,12 @@ private:
     std::atomic<qint64> m_count = 0;
 };
 
-/// Takes batches from a gate and iterates over their rows.
+/// Takes batches from a gate and iterates over their rows. Only one batch is held at a time; it
+/// returns to its producer when the next one is taken.
 class InputPin
 {
 public:
-    /// Read pin `pin` of `gate`. Call before the run.
+    /// Read pin `pin` of `gate`, which must outlive this object. Call before the run.
     void connect(InputGate *gate, int pin, const PinOptions &options)
     {
         m_gate = gate;
@@ -87,7 +106,8 @@ public:
         m_options = options;
     }
 
-    /// The next row of the current batch, or null after its last row.
+    /// The next row of the current batch, or null after its last row. The row is a view, valid
+    /// until the next call. Inline, because it is called for every row.
     const OneRow *nextInBatch()
     {
         if (m_at == m_end) {
@@ -97,9 +117,10 @@ public:
         m_row.m_rowInBatch = m_at++;
         return &m_row;
     }
-    /// Wait for the next batch. Returns false at the end of the data.
+    /// Wait for the next batch. Returns false at the end of the data, and when the run has ended.
     bool fetch();
-    /// A row with the columns of the table. Call after the first row or the end.
+    /// A row with the columns of the table. Call after the first row or the end; before that it has
+    /// no columns. Valid until the next fetch().
     const OneRow *columns();
     /// Rows taken so far. Threads: any.
     qint64 rowCount() const { return m_count.load(std::memory_order_relaxed); }
@@ -109,26 +130,30 @@ private:
     int m_pin = 0;
     PinOptions m_options;
     OneRow m_row;
-    int m_at = 0;
-    int m_end = 0;
+    int m_at = 0;  // the next row in the batch of m_row
+    int m_end = 0; // after the last row of the slice
     std::atomic<qint64> m_count = 0;
 };
 
-/// All pins of one action.
+/// All pins of one action. Pin numbers must exist; ActionItem checks those of input pins.
 class Ports
 {
 public:
     /// Pins are numbered from 0.
+    /// Makes the pins; Run::Private connects the output pins to the gates of their readers.
     Ports(int pinsIn, int pinsOut, const PinOptions &options);
 
-    /// The next row of an input pin, or null at the end. Flushes the output pins before it waits.
+    /// The next row of an input pin, or null at the end. Flushes the output pins before it takes
+    /// the next batch, because it may wait for that.
     const OneRow *nextRow(int pin);
+    // The parts, for connecting the pins before a run and for progress displays during it.
     InputPin &in(int pin) { return m_in[static_cast<size_t>(pin)]; }
     OutputPin &out(int pin) { return m_out[static_cast<size_t>(pin)]; }
     InputGate &gate() { return m_gate; }
     int pinsIn() const { return static_cast<int>(m_in.size()); }
     int pinsOut() const { return static_cast<int>(m_out.size()); }
-    /// True if an output pin has reached its row limit.
+    /// True if an output pin has reached its row limit: the action is then finished, even if other
+    /// pins of it are read.
     bool isComplete() const
     {
         return std::any_of(m_out.begin(), m_out.end(),

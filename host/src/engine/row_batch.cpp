@@ -17,6 +17,7 @@ std::shared_ptr<RowBatch> BatchPool::take()
     if (!batch) {
         batch = std::make_unique<RowBatch>();
     }
+    // Any thread may release the last reference, so the deleter owns the pool, not a pointer to it.
     return {batch.release(), [pool = shared_from_this()](RowBatch *used) { pool->giveBack(used); }};
 }
 
@@ -28,6 +29,7 @@ void BatchPool::giveBack(RowBatch *batch)
     owned->cells.clear();
     owned->schema.reset();
     owned->rows = 0;
+    // A reader that is far behind makes many batches; keep only as many as a full queue needs.
     const std::lock_guard lock(m_mutex);
     if (m_free.size() < kKept) {
         m_free.push_back(std::move(owned));

@@ -1,4 +1,7 @@
 // Rows between two actions: an immutable block of cells, shared by all its readers.
+//
+// A batch with 3 rows of 2 columns: cells = {r0c0, r0c1, r1c0, r1c1, r2c0, r2c1}, each a pointer
+// into the arena or to a constant missing cell.
 #pragma once
 #include "corvanta/meta_info.h"
 #include "corvanta/row_buffer.h"
@@ -9,19 +12,21 @@
 
 namespace corvanta {
 
-/// Bytes of cells after which a batch is sent.
+/// Bytes of cells after which a batch is sent. Also the size of an arena's block, so that a
+/// usual batch has one block.
 inline constexpr int kBatchArenaBytes = 256 * 1024;
 
-/// Filled by one thread, then constant and shared between threads.
+/// Filled by the thread of one output pin; constant and shared between threads once it is sent.
 struct RowBatch
 {
+    /// Two consecutive batches of a pin share it unless the columns have changed.
     std::shared_ptr<const TableSchema> schema;
     RowBuffer arena{kBatchArenaBytes};
-    std::vector<const uchar *> cells; // row by row
-    int columns = 0;
+    std::vector<const uchar *> cells; // row by row, never null
+    int columns = 0;                  // valid once there is a row
     int rows = 0;
 
-    /// Memory that the batch takes, roughly.
+    /// Memory that the batch takes, roughly: cells and their pointers, without the schema.
     qint64 bytes() const
     {
         return arena.bytesUsed() + static_cast<qint64>(cells.size() * sizeof(const uchar *));
@@ -33,7 +38,7 @@ struct RowBatch
     }
 };
 
-/// Consecutive rows of a batch.
+/// Consecutive rows of a batch: what a gate queues. Keeps the batch alive.
 struct BatchSlice
 {
     std::shared_ptr<const RowBatch> batch;
@@ -49,10 +54,12 @@ struct BatchSlice
 class BatchPool : public std::enable_shared_from_this<BatchPool>
 {
 public:
-    /// An empty batch, which returns to the pool when its last reference is released.
+    /// An empty batch, which returns to the pool when its last reference is released. Throws
+    /// std::bad_alloc if there is no memory.
     std::shared_ptr<RowBatch> take();
 
 private:
+    /// Called by the deleter of a batch, on the thread that releases it last.
     void giveBack(RowBatch *batch);
 
     static constexpr size_t kKept = 8; // batches

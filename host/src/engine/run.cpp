@@ -3,6 +3,11 @@
 // Each thread calls its action's run function until that is finished or the run has ended, then
 // closes the action and sends the end of its data. The first failure or stop changes the run
 // status, closes all gates and wakes all actions, so that no thread stays blocked.
+//
+// Who waits for whom: a consumer waits in InputGate::pop() for its producers, a producer in
+// InputGate::push() for room in a consumer's queue, and the owner in wait() for all threads. No
+// thread holds a lock while it waits for another one or calls an action. Links form no loop
+// (CorvantaGraph::validate), so the waits of consumers cannot form one either.
 #include "corvanta/run.h"
 
 #include "corvanta/action_registry.h"
@@ -30,9 +35,9 @@ struct Node
     QString id;
     std::unique_ptr<ActionItem> action;
     std::unique_ptr<Ports> ports;
-    std::atomic<bool> initialised = false;
-    std::atomic<bool> finished = false;
-    std::jthread thread;
+    std::atomic<bool> initialised = false; // atomic: releaseAll() reads it on any thread
+    std::atomic<bool> finished = false;    // atomic: progress() reads it on any thread
+    std::jthread thread; // the last member: joined before the others are destroyed
 };
 
 /// The highest linked input pin of an action; -1 if there is none.
@@ -54,12 +59,12 @@ struct Run::Private
     GlobalParameters global;
     RunControl control;
     LogSink *log = nullptr;
-    std::vector<std::unique_ptr<Node>> nodes;
+    std::vector<std::unique_ptr<Node>> nodes; // in the order of the graph, then the listeners
 
     std::mutex mutex;
     std::condition_variable ended;
-    size_t running = 0; // guarded by mutex
-    std::atomic<bool> released = false;
+    size_t running = 0;                 // threads that have not ended; guarded by mutex
+    std::atomic<bool> released = false; // releaseAll() has been called
 
     void build(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions &options);
     void add(const QString &id, std::unique_ptr<ActionItem> action, int pinsIn,
@@ -87,6 +92,7 @@ void Run::Private::setGlobals(const CorvantaGraph &graph, const RunOptions &opti
     global.setGraphDir(QFileInfo(graph.fileName).absolutePath());
     global.setOutDir(options.outDir);
     global.setCompression(options.compression);
+    // A graph without a version is new; GlobalParameters then keeps its infinite version.
     if (graph.version >= 0) {
         global.setGraphVersion(graph.version);
     }
@@ -134,7 +140,8 @@ void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &regis
     }
 }
 
-/// Ends the data of every input pin that has no link: it is a table without rows.
+/// Ends the data of every input pin that has no link: it is a table without rows. Otherwise an
+/// action that reads it would wait forever.
 void Run::Private::endUnlinkedPins(const CorvantaGraph &graph)
 {
     for (const auto &node : nodes) {
@@ -160,6 +167,7 @@ void Run::Private::add(const QString &id, std::unique_ptr<ActionItem> action, in
     node->id = id;
     node->ports = std::make_unique<Ports>(pinsIn, action->m_nPinOut, options);
     action->m_idx = static_cast<int>(nodes.size());
+    // Pins above the highest linked one do not exist; ActionItem treats them as empty tables.
     action->m_nPinIn = pinsIn;
     action->m_ports = node->ports.get();
     action->m_control = &control;
@@ -182,10 +190,12 @@ void Run::Private::releaseAll()
         return;
     }
     control.yieldRequest = 1; // never reset from now on, see callRun()
+    // The gates first: a thread that wakeAll() wakes must not wait again for a pin.
     for (const auto &node : nodes) {
         node->ports->gate().close();
     }
     for (const auto &node : nodes) {
+        // An action that was not initialised has no threads, and perhaps no state to wake.
         if (node->initialised) {
             node->action->wakeAll();
         }
@@ -200,6 +210,8 @@ void Run::Private::endRun(RunControl::Status status)
     releaseAll();
 }
 
+/// Calls the run function until the action is finished, its listeners have enough rows, or the run
+/// has ended.
 void Run::Private::callRun(Node &node)
 {
     while (control.isRunning() && !node.ports->isComplete()) {
@@ -216,6 +228,7 @@ void Run::Private::callRun(Node &node)
 
 void Run::Private::closeAction(Node &node)
 {
+    // A writer completes its file in close, so that can fail after all rows were written.
     if (node.action->close() != 0) {
         endRun(RunControl::Failed);
     }
@@ -241,6 +254,9 @@ void Run::Private::runAndClose(Node &node)
         MainUI::addLog(MainUI::Error, u"Error: %1\n"_s.arg(QString::fromUtf8(error.what())));
         control.runStatus = RunControl::Failed;
     }
+    // Send the last rows before close(), which may take long: the next actions work meanwhile.
+    // After a failure release the other threads now, because the action may wait in close() for one
+    // of its own, which wakeAll() wakes.
     if (control.isRunning()) {
         for (int i = 0; i < node.ports->pinsOut(); ++i) {
             node.ports->out(i).flush();
@@ -254,8 +270,11 @@ void Run::Private::runAndClose(Node &node)
     for (int i = 0; i < node.ports->pinsOut(); ++i) {
         node.ports->out(i).end();
     }
+    // Producers must not wait for an action that reads no more, for example after the rows that it
+    // needs.
     node.ports->gate().close();
     syncNewFiles();
+    // close() of this action, or the flush, may have failed the run.
     if (!control.isRunning()) {
         releaseAll();
     }
@@ -305,6 +324,7 @@ void Run::Private::execute(Node &node)
     const LogScope scope(logContext(node));
     runAndClose(node);
     node.finished = true;
+    // Notify with the mutex held: the owner may destroy this object as soon as it sees 0.
     const std::lock_guard lock(mutex);
     if (--running == 0) {
         ended.notify_all();
@@ -319,6 +339,7 @@ Run::Run(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions 
 
 Run::~Run()
 {
+    // Both are harmless for a run that has ended.
     stop();
     wait();
 }
@@ -346,6 +367,7 @@ void Run::wait()
 {
     std::unique_lock lock(d->mutex);
     d->ended.wait(lock, [&] { return d->running == 0; });
+    // The last thread holds the mutex while it notifies, so join without it.
     lock.unlock();
     for (const auto &node : d->nodes) {
         if (node->thread.joinable()) {
@@ -356,6 +378,7 @@ void Run::wait()
 
 void Run::stop()
 {
+    // Before start() the status is Idle; endRun() changes only a status of Running.
     int expected = RunControl::Idle;
     d->control.runStatus.compare_exchange_strong(expected, RunControl::Stopped);
     d->endRun(RunControl::Stopped);

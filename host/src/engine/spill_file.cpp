@@ -51,6 +51,7 @@ std::optional<BatchSlice> SpillFile::take()
     }
     m_readAt += entry.bytes;
 
+    // A batch of its own, not one of the pool: the pool belongs to the producer's pin.
     auto batch = std::make_shared<RowBatch>();
     batch->schema = entry.schema;
     batch->columns = static_cast<int>(entry.schema->names.size());
@@ -63,7 +64,8 @@ std::optional<BatchSlice> SpillFile::take()
         batch->cells.push_back(cell);
         at += n;
     }
-    // Free the disk space as soon as possible.
+    // Free the disk space as soon as possible. The space of rows that were taken is not reused
+    // before: a file that grows only is simple, and spilling ends when the action reads this pin.
     if (m_entries.empty()) {
         clear();
     }

@@ -15,7 +15,9 @@ int CorvantaGraph::indexOf(const QString &id) const
 
 std::optional<CorvantaGraph::Pin> CorvantaGraph::parsePin(const QString &text)
 {
+    // A limit, because the engine makes all pins up to the highest linked one.
     constexpr int kMaxPins = 10000;
+    // The last colon: ids may contain colons, pin numbers may not.
     const qsizetype colon = text.lastIndexOf(u':');
     quint64 number = 0;
     const QString digits = text.mid(colon + 1);

@@ -30,6 +30,8 @@ void readAction(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems
     } else if (graph->indexOf(action.id) >= 0) {
         problems.add(node.line(), u"the id '%1' is used by two actions"_s.arg(action.id));
     }
+    // The child's name is the type, so neither none nor two children make sense. Whether the type
+    // exists depends on the plug-ins and is checked by validate().
     if (node.nChildNode() != 1) {
         problems.add(node.line(),
                      u"the action '%1' needs exactly one child element, named after its type"_s.arg(
@@ -40,6 +42,7 @@ void readAction(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems
     graph->actions.append(action);
 }
 
+/// Reads a link element. Both ends are checked, so that two faults need one run.
 void readLink(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems)
 {
     CorvantaGraph::Link link;
@@ -66,6 +69,7 @@ void readVariable(const XMLNode &node, CorvantaGraph *graph, ProblemList &proble
     if (name.isEmpty()) {
         problems.add(node.line(), u"a variable has no 'name'"_s);
     } else {
+        // Not null, which would mean an unknown variable. Of equal names the last one counts.
         graph->variables.insert(name, xmltoa(node.getAttribute("value"), u""_s));
     }
 }
@@ -96,6 +100,7 @@ CorvantaGraph::Loaded CorvantaGraph::load(const QString &fileName)
 {
     const ProblemList problems(fileName);
     QFile file(fileName);
+    // A folder can be opened on some systems, but not read.
     if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) {
         return faultWith(problems, 0, u"cannot read the graph file"_s);
     }
@@ -121,7 +126,7 @@ CorvantaGraph::Loaded CorvantaGraph::parse(const QByteArray &document, const QSt
     }
     CorvantaGraph graph;
     graph.fileName = fileName;
-    graph.version = xmltof(root->getAttribute("version"), -1);
+    graph.version = xmltof(root->getAttribute("version"), -1); // -1: a new graph
     for (int i = 0; i < root->nChildNode(); ++i) {
         readElement(root->getChildNode(i), &graph, problems);
     }

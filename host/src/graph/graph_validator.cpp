@@ -52,6 +52,7 @@ void checkLinkEnd(const CorvantaGraph &graph, const ActionRegistry &registry,
     if (type == nullptr) {
         return; // reported by checkTypes()
     }
+    // The number of input pins may depend on parameters and grow with links, so the maximum counts.
     const int pins = isInput ? type->maxPinIn() : type->pinOutCount();
     if (end.pin >= pins) {
         problems.add(link.line, u"the action '%1' (%2) has no %3 pin %4"_s.arg(
@@ -66,6 +67,7 @@ void checkLinks(const CorvantaGraph &graph, const ActionRegistry &registry, Prob
     for (const CorvantaGraph::Link &link : graph.links) {
         checkLinkEnd(graph, registry, link, false, problems);
         checkLinkEnd(graph, registry, link, true, problems);
+        // Rows of two links would be mixed in the order of their threads.
         const QString input = link.to.action + u':' + QString::number(link.to.pin);
         if (taken.contains(input)) {
             problems.add(link.line, u"two links lead to the input pin '%1'"_s.arg(input));
@@ -74,7 +76,8 @@ void checkLinks(const CorvantaGraph &graph, const ActionRegistry &registry, Prob
     }
 }
 
-/// Number of links into each action from an action of the graph, by index.
+/// Number of links into each action from an action of the graph, by index. Links with an unknown
+/// end are not counted: they are reported elsewhere and cannot be part of a loop.
 QVector<int> countInputs(const CorvantaGraph &graph)
 {
     QVector<int> inputs(graph.actions.size(), 0);
@@ -129,6 +132,7 @@ void checkLoops(const CorvantaGraph &graph, ProblemList &problems)
 void checkVariables(const CorvantaGraph &graph, const QMap<QString, QString> &given,
                     ProblemList &problems)
 {
+    // The built-in variables have values in every GlobalParameters, so they are never unknown.
     GlobalParameters global;
     for (const auto *set : {&graph.variables, &given}) {
         for (auto it = set->begin(); it != set->end(); ++it) {
@@ -161,6 +165,7 @@ CorvantaGraph::Problems CorvantaGraph::validate(const ActionRegistry &registry,
                                                 const QMap<QString, QString> &given) const
 {
     ProblemList problems(fileName);
+    // In this order: a user corrects types first, because other problems may follow from them.
     checkTypes(*this, registry, problems);
     checkLinks(*this, registry, problems);
     checkLoops(*this, problems);

@@ -31,6 +31,8 @@ void writeNode(const XMLNode &node, int depth, std::wostream &out)
     writeAttributes(node, out);
     const int children = node.nChildNode();
     const QString text = node.text();
+    // Blanks between elements only indent them and are written anew; in an element without children
+    // they are a value.
     const bool hasText = children == 0 ? !text.isEmpty() : !text.trimmed().isEmpty();
     if (children == 0 && !hasText) {
         out << L"/>";
@@ -54,6 +56,7 @@ void writeAction(const CorvantaGraph::Action &action, std::wostream &out)
 {
     ToXMLStringTool tool;
     out << L"  <action id='" << tool.toXML(action.id) << L'\'';
+    // A graph that was never in an editor has no positions.
     if (action.x != 0 || action.y != 0) {
         out << L" x='" << QString::number(action.x).toStdWString() << L"' y='"
             << QString::number(action.y).toStdWString() << L'\'';

@@ -1,4 +1,6 @@
 // Collects what is wrong with a graph file, each with its place.
+//
+// Used by the reader and by the validator, so that all problems look alike.
 #pragma once
 #include "corvanta/corvanta_graph.h"
 
@@ -15,12 +17,14 @@ public:
         : m_file(std::move(file))
     {
     }
-    /// Add a problem of line `line` (1-based; 0: of the whole file).
+    /// Add a problem of line `line` (1-based; 0: of the whole file). `text` begins in lower case
+    /// and has no full stop, because it follows the place.
     void add(qint64 line, const QString &text)
     {
         const QString place = line > 0 ? m_file + u':' + QString::number(line) : m_file;
         m_problems.append({place + QStringLiteral(": ") + text});
     }
+    /// In the order in which they were added; empty if nothing is wrong.
     const QVector<CorvantaGraph::Problem> &problems() const { return m_problems; }
 
 private:

@@ -1,3 +1,15 @@
+// Reads and saves parameter lines, and converts their values to and from text.
+//
+// A saved action, with every place where a value can be:
+//
+//     <type version='1' attribute='value'>       attributes, in the order of the table
+//       <name>element text</name>                a text or a string list as an element
+//       <Wrapper>                                a structure inside an element
+//         <Item attribute='value'>content</Item>
+//       </Wrapper>
+//     </type>
+//
+// Reading accepts any text, because saved graphs may have been edited by hand.
 #include "corvanta/params/param_line.h"
 
 #include <QLocale>
@@ -14,6 +26,8 @@ using Place = ParameterInfo::Place;
 
 namespace {
 
+// The text of a value as it is saved; one function per alternative of ParamValue.
+
 QString textOf(const QString &value)
 {
     return value;
@@ -24,6 +38,7 @@ QString textOf(qint64 value)
 }
 QString textOf(double value)
 {
+    // The shortest text that gives the same value again, in the C locale.
     return QString::number(value, 'g', QLocale::FloatingPointShortest);
 }
 QString textOf(bool value)
@@ -35,11 +50,13 @@ QString textOf(const QStringList &value)
     return value.join(QLatin1Char('\n'));
 }
 
+/// The inverse of textOf() for a list. Splitting an empty text would give one empty string.
 QStringList linesOf(const QString &text)
 {
     return text.isEmpty() ? QStringList() : text.split(QLatin1Char('\n'));
 }
 
+/// Stricter than reading: a value that a user gives for a number must be one as a whole.
 bool isOfType(Type type, const QString &text)
 {
     bool isNumber = true;
@@ -68,6 +85,8 @@ ParamLine::ParamLine(const char *name, Type type, ValueAccess access)
     m_info.name = QString::fromLatin1(name);
     m_info.type = type;
     m_info.place = type == Type::Strings ? Place::Element : Place::Attribute;
+    // The range of int, which most members have. A number outside would change its value in the
+    // conversion to the member.
     m_info.low = std::numeric_limits<int>::min();
     m_info.high = std::numeric_limits<int>::max();
 }
@@ -86,6 +105,7 @@ ParameterInfo ParamLine::info(const void *defaults) const
 {
     ParameterInfo info = m_info;
     info.defaultValue = valueText(defaults);
+    // Line feeds in attributes are possible but unusual; texts in elements are documents or lists.
     info.isMultiLine = info.type == Type::Text && info.place != Place::Attribute;
     if (isStructure()) {
         info.members = m_children.members();
@@ -99,6 +119,7 @@ QString ParamLine::valueText(const void *params) const
         return std::visit([](const auto &value) { return textOf(value); }, m_value.get(params));
     }
     std::wostringstream out;
+    // The default is the empty text, as it is saved.
     if (!m_children.isDefault(params)) {
         saveStructure(params, out, Indent());
     }
@@ -108,6 +129,7 @@ QString ParamLine::valueText(const void *params) const
 bool ParamLine::setValueText(void *params, const QString &text) const
 {
     if (isStructure()) {
+        // The text holds the elements without their parent, so give them one.
         const auto parent = XMLNode::parse("<p>" + text.toUtf8() + "</p>");
         if (parent) {
             read(params, *parent);
@@ -128,6 +150,7 @@ bool ParamLine::setValueText(void *params, const QString &text) const
 void ParamLine::read(void *params, const XMLNode &node) const
 {
     if (isStructure()) {
+        // Without the wrapper the node is empty and gives an empty list.
         m_children.read(params, m_wrapper == nullptr ? node : node.getChildNode(m_wrapper), m_name);
     } else if (isContent()) {
         readElement(params, node);
@@ -138,6 +161,7 @@ void ParamLine::read(void *params, const XMLNode &node) const
     }
 }
 
+/// Reads the content of an element. An absent element leaves the value as it is.
 void ParamLine::readElement(void *params, const XMLNode &element) const
 {
     if (!element.isEmpty()) {
@@ -145,6 +169,7 @@ void ParamLine::readElement(void *params, const XMLNode &element) const
     }
 }
 
+/// Reads a single text, from an attribute or from the user.
 void ParamLine::readText(void *params, const char16_t *text) const
 {
     switch (m_info.type) {
@@ -174,6 +199,7 @@ void ParamLine::save(const void *params, const void *defaults, std::wostream &ou
             saveStructure(params, out, indent);
         }
     } else if (isContent()) {
+        // Not compared with the default: the element exists, so it must have its content.
         saveContent(params, out);
     } else if (m_info.saveAlways || m_value.get(params) != m_value.get(defaults)) {
         isAttribute() ? saveAttribute(params, out, global) : saveElement(params, out, indent);
@@ -184,6 +210,7 @@ void ParamLine::saveAttribute(const void *params, std::wostream &out,
                               const GlobalParameters *global) const
 {
     QString value = valueText(params);
+    // A name relative to the graph makes the folder of the graph portable.
     if (m_info.file != ParameterInfo::File::None && global != nullptr) {
         value = global->contractFile(value);
     }
@@ -208,6 +235,7 @@ void ParamLine::saveContent(const void *params, std::wostream &out) const
     }
 }
 
+/// Writes the elements, inside their wrapper if there is one.
 void ParamLine::saveStructure(const void *params, std::wostream &out, Indent indent) const
 {
     indent.unit = m_indentUnit != nullptr ? m_indentUnit : indent.unit;
@@ -244,6 +272,7 @@ void ParamLines::read(void *params, const XMLNode &node) const
 void ParamLines::saveAttributes(const void *params, const void *defaults, std::wostream &out,
                                 const GlobalParameters *global) const
 {
+    // Two passes over the lines: attributes are saved first, wherever they are in the table.
     for (const ParamLine &line : m_lines) {
         if (line.isAttribute()) {
             line.save(params, defaults, out, Indent(), global);
@@ -265,6 +294,7 @@ void ParamLines::saveAction(const void *params, const void *defaults, std::wostr
                             const QString &element, const GlobalParameters *global) const
 {
     saveAttributes(params, defaults, out, global);
+    // Whether there are children decides how the start tag ends, so write them aside first.
     std::wostringstream children;
     saveChildren(params, defaults, children, Indent());
     if (children.str().empty()) {
@@ -274,6 +304,8 @@ void ParamLines::saveAction(const void *params, const void *defaults, std::wostr
     }
 }
 
+/// The first line that is no attribute determines the form of the element, also when its value is
+/// not saved: the form of an element never depends on values.
 ParamLines::End ParamLines::end() const
 {
     const auto child = std::find_if(m_lines.begin(), m_lines.end(),
@@ -294,6 +326,7 @@ void ParamLines::saveChild(const void *params, const void *defaults, std::wostre
         out << L"/>\n";
         return;
     }
+    // Content must not get line feeds or blanks around it: they would be part of the value.
     out << (end == End::Content ? L">" : L">\n");
     saveChildren(params, defaults, out, indent.deeper());
     if (end == End::Children) {

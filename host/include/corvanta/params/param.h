@@ -1,5 +1,10 @@
 // One line of a parameter table for a struct: a parameter, its name, member, label and meaning.
 // param_table.h shows a table.
+//
+// The functions text(), number(), real(), flag(), strings(), elementText() and choice() make a line
+// from a name and a member. The member functions of Param add to it and return it, so that one
+// expression declares a parameter. All texts are constants in UTF-8; names of attributes and
+// elements are ASCII and must live as long as the table, as string literals do.
 #pragma once
 #include "corvanta/params/param_line.h"
 
@@ -10,34 +15,40 @@
 
 namespace corvanta {
 
-/// One line of a table for the struct `P`.
+/// One line of a table for the struct `P`. The chained functions change a temporary only: a line in
+/// a table is constant.
 template <class P> class Param : public ParamLine
 {
 public:
     using ParamLine::ParamLine;
 
+    /// Short text before the field of a form, without a colon.
     Param &&label(const char *text) &&
     {
         m_info.label = QString::fromUtf8(text);
         return std::move(*this);
     }
+    /// One or two sentences for users, shown by `corvanta describe` and as a tool tip.
     Param &&meaning(const char *text) &&
     {
         m_info.meaning = QString::fromUtf8(text);
         return std::move(*this);
     }
-    /// The text is the name of a file, which is contracted when it is saved.
+    /// The text is the name of a file to read. It is saved relative to the graph's folder if it is
+    /// below that; the action expands it before use (ActionItem::expandFile).
     Param &&inputFile() &&
     {
         m_info.file = ParameterInfo::File::Input;
         return std::move(*this);
     }
+    /// The same for a file to write (ActionItem::expandOutputFile).
     Param &&outputFile() &&
     {
         m_info.file = ParameterInfo::File::Output;
         return std::move(*this);
     }
-    /// Save the value also when it equals the default.
+    /// Save the value also when it equals the default, for parameters that every reader of a graph
+    /// file wants to see, such as the file name.
     Param &&always() &&
     {
         m_info.saveAlways = true;
@@ -56,6 +67,7 @@ public:
         m_info.choices = texts;
         return std::move(*this);
     }
+    /// Where the value is saved; an attribute unless set. content() and elementText() use it.
     Param &&at(ParameterInfo::Place place) &&
     {
         m_info.place = place;
@@ -82,7 +94,8 @@ public:
     }
 };
 
-/// Access to a member of `P` whose values are `V`s in a ParamValue.
+/// Access to a member of `P`. Its type `T` converts to and from `V`, one of the types of
+/// ParamValue; the value must be in the range of `T`, which range() ensures for numbers.
 template <class V, class P, class T> ValueAccess accessTo(T P::*member)
 {
     return {[member](const void *params) -> ParamValue {
@@ -93,10 +106,12 @@ template <class V, class P, class T> ValueAccess accessTo(T P::*member)
             }};
 }
 
+/// A text, saved as an attribute. Line feeds and tabs in it are kept.
 template <class P> Param<P> text(const char *name, QString P::*member)
 {
     return {name, ParameterInfo::Type::Text, accessTo<QString>(member)};
 }
+/// An integer. Its range is that of the member's type unless range() is given.
 template <class P> Param<P> number(const char *name, int P::*member)
 {
     return {name, ParameterInfo::Type::Integer, accessTo<qint64>(member)};
@@ -106,10 +121,12 @@ template <class P> Param<P> number(const char *name, qint64 P::*member)
     return Param<P>(name, ParameterInfo::Type::Integer, accessTo<qint64>(member))
         .range(std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max());
 }
+/// A decimal number. It is saved with the fewest digits that give the same value again.
 template <class P> Param<P> real(const char *name, double P::*member)
 {
     return {name, ParameterInfo::Type::Real, accessTo<double>(member)};
 }
+/// A truth value, saved as "1" or "0"; see xmltob() for the texts that are read.
 template <class P> Param<P> flag(const char *name, bool P::*member)
 {
     return {name, ParameterInfo::Type::Flag, accessTo<bool>(member)};

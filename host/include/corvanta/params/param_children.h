@@ -9,7 +9,8 @@
 //     }
 //     children("Level", &Params::levels, levelTable()).inside("Levels")
 //
-// A list is saved when it differs from its default.
+// A list is saved as a whole when it differs from its default, and not at all otherwise. Lists may
+// be nested: the members of an item can be lists again.
 #pragma once
 #include "corvanta/params/param_table.h"
 
@@ -21,12 +22,15 @@ namespace corvanta {
 template <class T> struct ChildRules
 {
     /// The values that the element number `index`, from 0, has before its attributes are read.
+    /// Null: those of a default-constructed item.
     T (*makeItem)(int index) = nullptr;
-    /// Called after the list was read from `parent`; may change it.
+    /// Called after the list was read from `parent`; may change it, for example to add the item of
+    /// an inline form. Null: nothing is changed.
     void (*complete)(std::vector<T> &items, const XMLNode &parent) = nullptr;
 };
 
-/// Read the child elements `element` of `parent`.
+/// Read the child elements `element` of `parent`, in their order. Other children are skipped. An
+/// empty `parent` gives an empty list, which `rules.complete` then sees too.
 template <class T>
 std::vector<T> readChildren(const XMLNode &parent, const char *element, const ParamTable<T> &table,
                             const ChildRules<T> &rules = {})
@@ -45,7 +49,8 @@ std::vector<T> readChildren(const XMLNode &parent, const char *element, const Pa
     return items;
 }
 
-/// A list of the child elements `element`. `table` must live as long as the returned line.
+/// A list of the child elements `element`. `table` must live as long as the returned line, so it is
+/// a static object of a function. `T` needs operator==, for the comparison with the default.
 template <class P, class T>
 Param<P> children(const char *element, std::vector<T> P::*member, const ParamTable<T> &table,
                   const ChildRules<T> &rules = {})
@@ -66,6 +71,9 @@ Param<P> children(const char *element, std::vector<T> P::*member, const ParamTab
     access.members = [&table] { return table.infos(); };
     return {element, std::move(access)};
 }
+
+// For tables of child elements, at most one line each: the content of the element is the value, and
+// all other lines of the table are attributes. `name` is for people and `describe` only.
 
 /// The text of the child element itself.
 template <class T> Param<T> content(const char *name, QString T::*member)

@@ -14,7 +14,8 @@
 //
 // The table's order is the saved order: attributes first, then child elements. A value is saved
 // when it differs from its default, or always(). Child elements have tables of their own, see
-// param_children.h.
+// param_children.h. A graph that was saved without a parameter gets its current default, so a
+// default is never changed without adjustDefaults() (ParamAction) for older graphs.
 #pragma once
 #include "corvanta/params/param.h"
 
@@ -23,7 +24,7 @@
 
 namespace corvanta {
 
-/// Lines that are next to each other in several tables.
+/// Lines that are next to each other in several tables, for structs that share a base.
 template <class P> using ParamGroup = std::vector<Param<P>>;
 
 /// The table: see the top of the file. Threads: constant after construction.
@@ -53,6 +54,8 @@ public:
     {
     }
 
+    /// Read all parameters from the element that holds them. Absent attributes keep their value in
+    /// `params`; texts that are no numbers are read as 0, and numbers are limited to their range.
     void read(P &params, const XMLNode &node) const { m_lines.read(&params, node); }
     /// Write what follows the name and version of the action's element, to its end.
     void save(const P &params, std::wostream &out, const QString &element,
@@ -67,11 +70,13 @@ public:
         const P defaults;
         m_lines.saveChild(&params, &defaults, out, element, indent);
     }
+    /// The descriptions of all parameters, in saved order.
     QVector<ParameterInfo> infos() const
     {
         const P defaults;
         return m_lines.infos(&defaults);
     }
+    // By index in infos(), which must exist; see ActionParameters::parameterValue().
     QString value(const P &params, int index) const { return m_lines.at(index).valueText(&params); }
     bool setValue(P &params, int index, const QString &value) const
     {
