@@ -21,6 +21,7 @@ namespace corvanta {
 /// table's columns and finds the paths that a document does not have.
 ///
 /// Threads: the one that runs the action.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): final, so nothing is derived from it
 class LevelRun final : private FileSeries::Format
 {
 public:
