@@ -59,10 +59,10 @@ Result<void, Error> MemberWriter::close()
 
 Result<void, Error> MemberWriter::write(const QByteArray &name, const QByteArray &content)
 {
-    if (const auto opened = open(name); !opened) {
+    if (auto opened = open(name); !opened) {
         return opened;
     }
-    const auto written = named(m_output.write(content), name);
+    auto written = named(m_output.write(content), name);
     return written ? close() : written;
 }
 
