@@ -1,11 +1,29 @@
 #include "actions/write_json/write_json_params.h"
 
+#include "codecs/compose/json_levels.h"
+
 // The lines are in the order of saved graphs.
 namespace corvanta {
 
 namespace {
 
 using P = WriteJsonParams;
+
+const WriteLevelTables &levelTables()
+{
+    using compose::JsonItem;
+    static const WriteLevelTables tables{std::initializer_list<Choice<JsonItem>>{
+        {JsonItem::Text, "text"},
+        {JsonItem::Dictionary, "all columns as members"},
+        {JsonItem::SomeDictionary, "listed columns as members"},
+        {JsonItem::Array, "values of all columns"},
+        {JsonItem::SomeArray, "values of listed columns"},
+        {JsonItem::SubLevel, "elements of a level"},
+        {JsonItem::Comma, "comma after written members"},
+        {JsonItem::AsIs, "one column as prepared JSON"},
+    }};
+    return tables;
+}
 
 /// The form of texts. The last two are off by default: control characters then stay unchanged, and
 /// the file is valid JSON only if no text contains one. escapeControls includes replaceLF.
@@ -70,7 +88,7 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
             .label("Split column")
             .meaning("Column whose values split the table, which should be sorted on it."),
         // Child elements come after all attributes.
-        shared::fileContent<P>(),
+        shared::fileContent<P>(levelTables()),
     };
     return table;
 }

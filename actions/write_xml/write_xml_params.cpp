@@ -1,11 +1,30 @@
 #include "actions/write_xml/write_xml_params.h"
 
+#include "codecs/compose/xml_levels.h"
+
 // The lines are in the order of saved graphs.
 namespace corvanta {
 
 namespace {
 
 using P = WriteXmlParams;
+
+const WriteLevelTables &levelTables()
+{
+    using compose::XmlItem;
+    static const WriteLevelTables tables{std::initializer_list<Choice<XmlItem>>{
+        {XmlItem::Text, "text"},
+        {XmlItem::Attributes, "all columns as attributes"},
+        {XmlItem::SomeAttributes, "listed columns as attributes"},
+        {XmlItem::Subtags, "all columns as elements"},
+        {XmlItem::SomeSubtags, "listed columns as elements"},
+        {XmlItem::InQuotes, "one column in quotes"},
+        {XmlItem::InTag, "one column as text"},
+        {XmlItem::AsIs, "one column as prepared XML"},
+        {XmlItem::SubLevel, "elements of a level"},
+    }};
+    return tables;
+}
 
 /// The form of numbers, elements and names. wellFormed is off by default: the file is then
 /// well-formed only if names and cells hold nothing that XML forbids.
@@ -51,7 +70,7 @@ const ParamTable<WriteXmlParams> &writeXmlParamTable()
         shared::valueForms<P>("write the null form", "write an empty value"),
         shared::alwaysWrite<P>(),
         // Child elements come after all attributes.
-        shared::fileContent<P>(),
+        shared::fileContent<P>(levelTables()),
     };
     return table;
 }

@@ -1,7 +1,11 @@
 // Copies text into a composed file while replacing the characters that the file's syntax reserves.
 //
 // Most cells hold none of them: eight units are compared at a time, and clean units are copied
-// unchanged. An `Escapes` type decides which units are replaced:
+// unchanged. Texts are UTF-16 and may hold lone surrogates, which are copied like other units; the
+// encoder decides about them. Sizes are in units. Threads: pure functions.
+//
+// An `Escapes` type decides which units are replaced. Both functions must agree: specials() may
+// mark no unit for which replacement() is empty, and must mark all others.
 //
 //     static __m128i specials(__m128i units);            // which of eight units are replaced
 //     static std::u16string_view replacement(char16_t);  // by what; empty: the unit stays
@@ -16,32 +20,43 @@
 
 namespace corvanta::compose {
 
+// Lanes: 16 bits for each of the eight units of a vector. SSE2 suffices, which every 64-bit x86
+// processor has.
+
+/// A lane of all ones for each of eight units that is `wanted`, of zeros for the others.
 inline __m128i sameUnit(__m128i units, char16_t wanted)
 {
     return _mm_cmpeq_epi16(units, _mm_set1_epi16(static_cast<short>(wanted)));
 }
 
-/// Which of the units are control characters (below U+0020).
+/// Which of the units are control characters (below U+0020), as lanes of ones. The subtraction
+/// saturates at 0, because SSE2 has no unsigned comparison.
 inline __m128i controlUnits(__m128i units)
 {
     return _mm_cmpeq_epi16(_mm_subs_epu16(units, _mm_set1_epi16(0x1F)), _mm_setzero_si128());
 }
 
-/// Text between the quotes of a JSON string: quotes and backslashes, nothing else.
+/// Text between the quotes of a JSON string: quotes and backslashes, nothing else. Control
+/// characters stay as they are, which RFC 8259, section 7, does not allow; JsonStrictEscapes is the
+/// alternative.
 struct JsonEscapes
 {
+    /// Lanes of ones for the units that are replaced.
     static __m128i specials(__m128i units)
     {
         return _mm_or_si128(sameUnit(units, u'"'), sameUnit(units, u'\\'));
     }
+    /// What `unit` becomes; empty for a unit that is copied.
     static std::u16string_view replacement(char16_t unit)
     {
         return unit == u'"' ? u"\\\"" : unit == u'\\' ? u"\\\\" : std::u16string_view();
     }
+    /// Size of the longest replacement.
     static constexpr qsizetype kWorst = 2;
 };
 
-/// The same, and line feeds as backslash and n.
+/// The escapes of JsonEscapes, and line feeds as backslash and n. Carriage returns and other
+/// control characters stay as they are.
 struct JsonEscapesWithLineFeed
 {
     static __m128i specials(__m128i units)
@@ -55,7 +70,8 @@ struct JsonEscapesWithLineFeed
     static constexpr qsizetype kWorst = 2;
 };
 
-/// The same, and all control characters, as RFC 8259 requires.
+/// The escapes of JsonEscapes, and all control characters, as RFC 8259, section 7, requires: in the
+/// short form where there is one, otherwise as four lowercase hexadecimal digits.
 struct JsonStrictEscapes
 {
     static __m128i specials(__m128i units)
@@ -64,6 +80,7 @@ struct JsonStrictEscapes
     }
     static std::u16string_view replacement(char16_t unit)
     {
+        // By unit; the short forms are those of RFC 8259, section 7.
         constexpr std::u16string_view controls[] = {
             u"\\u0000", u"\\u0001", u"\\u0002", u"\\u0003", u"\\u0004", u"\\u0005", u"\\u0006",
             u"\\u0007", u"\\b",     u"\\t",     u"\\n",     u"\\u000b", u"\\f",     u"\\r",
@@ -75,7 +92,8 @@ struct JsonStrictEscapes
     static constexpr qsizetype kWorst = 6;
 };
 
-/// Text between XML tags: less-than signs and ampersands.
+/// Text between XML tags: less-than signs and ampersands, which XML 1.0, section 2.4, requires.
+/// Parsers change the line ends that stay (2.11), and reject control characters and "]]>".
 struct XmlTextEscapes
 {
     static __m128i specials(__m128i units)
@@ -90,8 +108,8 @@ struct XmlTextEscapes
 };
 
 /// An XML attribute. Kept for saved graphs: an apostrophe becomes &quot; while a double quote and a
-/// less-than sign stay, although double quotes delimit the value; XmlStrictEscapes is the
-/// alternative.
+/// less-than sign stay, although double quotes delimit the value and XML 1.0, section 2.3, allows
+/// neither there; XmlStrictEscapes is the alternative.
 struct XmlAttributeEscapes
 {
     static __m128i specials(__m128i units)
@@ -106,7 +124,9 @@ struct XmlAttributeEscapes
 };
 
 /// Text of elements and attributes that an XML 1.0 parser returns unchanged: line ends and tabs are
-/// written as character references. Characters that XML 1.0 does not have become U+FFFD.
+/// written as character references, which the normalisation of line ends (2.11) and attribute
+/// values (3.3.3) leaves alone. Characters that XML 1.0 does not have (2.2) become U+FFFD. ">" is
+/// escaped because of "]]>". Lone surrogates are left to the encoder.
 struct XmlStrictEscapes
 {
     static __m128i specials(__m128i units)
@@ -131,6 +151,7 @@ struct XmlStrictEscapes
             return u"&#10;";
         case u'\r':
             return u"&#13;";
+        // Not characters of XML, unlike the others of Unicode's non-characters.
         case u'\xFFFE':
         case u'\xFFFF':
             return u"\uFFFD";
@@ -141,7 +162,8 @@ struct XmlStrictEscapes
     static constexpr qsizetype kWorst = 6;
 };
 
-/// The exact number of units that `n` units become.
+/// The exact number of units that `n` units become. Slower than the bound n * kWorst; for texts
+/// that are too long to reserve that much.
 template <class Escapes> qsizetype escapedSize(const char16_t *in, qsizetype n)
 {
     qsizetype size = n;
@@ -154,6 +176,7 @@ template <class Escapes> qsizetype escapedSize(const char16_t *in, qsizetype n)
 
 namespace detail {
 
+// Eight or four units, from and to addresses that need no alignment.
 inline __m128i loadUnits(const char16_t *in)
 {
     return _mm_loadu_si128(reinterpret_cast<const __m128i *>(in));
@@ -171,48 +194,80 @@ inline void storeFourUnits(char16_t *out, __m128i units)
     _mm_storel_epi64(reinterpret_cast<__m128i *>(out), units);
 }
 
-/// Copy clean units up to the first special one; returns their number, or `n`. Up to `n` units of
-/// `out` are overwritten.
-template <class Escapes> qsizetype copyClean(const char16_t *in, qsizetype n, char16_t *out)
+/// Two bits for each special unit of eight; bits 0 and 1 are the first unit's.
+template <class Escapes> inline unsigned specialBits(__m128i units)
 {
-    qsizetype i = 0;
-    for (; i + 8 <= n; i += 8) {
-        const __m128i units = loadUnits(in + i);
-        storeUnits(out + i, units);
-        const int mask = _mm_movemask_epi8(Escapes::specials(units));
-        if (mask != 0) {
-            return i + __builtin_ctz(static_cast<unsigned>(mask)) / 2;
-        }
-    }
-    if (i == n) {
-        return n;
-    }
-    if (n >= 8) {
-        // The last eight units overlap the ones before, which are known to be clean.
-        const __m128i units = loadUnits(in + n - 8);
-        storeUnits(out + n - 8, units);
-        const int mask = _mm_movemask_epi8(Escapes::specials(units));
-        return mask != 0 ? n - 8 + __builtin_ctz(static_cast<unsigned>(mask)) / 2 : n;
-    }
+    return static_cast<unsigned>(_mm_movemask_epi8(Escapes::specials(units)));
+}
+/// The number of units before the first special one, from 0 to 7. `bits` is a result of
+/// specialBits() other than 0.
+inline qsizetype unitsBefore(unsigned bits)
+{
+    return __builtin_ctz(bits) / 2;
+}
+
+// The parts of copyClean(), which have its contract. Inlined by force: they run for every cell.
+
+/// Copy the end of a text of at least eight units, all of which but the last seven are known to be
+/// clean: the last eight units, which overlap these.
+template <class Escapes>
+[[gnu::always_inline]] inline qsizetype copyLastEight(const char16_t *in, qsizetype n,
+                                                      char16_t *out)
+{
+    const __m128i units = loadUnits(in + n - 8);
+    storeUnits(out + n - 8, units);
+    const unsigned bits = specialBits<Escapes>(units);
+    return bits != 0 ? n - 8 + unitsBefore(bits) : n;
+}
+
+/// Copy a text of one to seven units. Four or more are two halves that overlap; when one of them
+/// has a special unit, the loop finds which.
+template <class Escapes>
+[[gnu::always_inline]] inline qsizetype copyUpToSeven(const char16_t *in, qsizetype n,
+                                                      char16_t *out)
+{
     if (n >= 4) {
         const __m128i first = loadFourUnits(in);
         const __m128i last = loadFourUnits(in + n - 4);
         storeFourUnits(out, first);
         storeFourUnits(out + n - 4, last);
-        const __m128i both = _mm_unpacklo_epi64(first, last);
-        if (_mm_movemask_epi8(Escapes::specials(both)) == 0) {
+        if (specialBits<Escapes>(_mm_unpacklo_epi64(first, last)) == 0) {
             return n;
         }
     }
+    qsizetype i = 0;
     for (; i < n && Escapes::replacement(in[i]).empty(); ++i) {
         out[i] = in[i];
     }
     return i;
 }
 
+/// Copy clean units up to the first special one; returns their number, or `n`. Up to `n` units of
+/// `out` are overwritten, also those after the returned number. Reads and writes nothing beyond
+/// `n` units: cells end where the row's memory ends.
+template <class Escapes> qsizetype copyClean(const char16_t *in, qsizetype n, char16_t *out)
+{
+    qsizetype i = 0;
+    // The units are stored before they are known to be clean, which saves a branch: the caller
+    // overwrites what follows the first special unit.
+    for (; i + 8 <= n; i += 8) {
+        const __m128i units = loadUnits(in + i);
+        storeUnits(out + i, units);
+        const unsigned bits = specialBits<Escapes>(units);
+        if (bits != 0) {
+            return i + unitsBefore(bits);
+        }
+    }
+    if (i == n) {
+        return n;
+    }
+    return n >= 8 ? copyLastEight<Escapes>(in, n, out) : copyUpToSeven<Escapes>(in, n, out);
+}
+
 } // namespace detail
 
-/// Escape `n` units into `out`, which has room for kWorst times as many; returns the end.
+/// Escape `n` units into `out`, which has room for kWorst times as many, or for escapedSize() units
+/// if that was computed; returns the end. `in` and `out` must not overlap.
 template <class Escapes> char16_t *putEscaped(const char16_t *in, qsizetype n, char16_t *out)
 {
     for (;;) {

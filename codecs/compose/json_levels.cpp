@@ -20,18 +20,6 @@ namespace {
 using Compiled = LevelCompiler::Compiled;
 using Kind = ComposeOperation::Kind;
 
-/// The numbers of the item types in saved graphs.
-enum ItemType {
-    Text = 0,
-    Dictionary = 1,
-    SomeDictionary = 2,
-    Array = 3,
-    SomeArray = 4,
-    SubLevel = 5,
-    Comma = 6,
-    AsIs = 7
-};
-
 /// `name` in quotes and a colon.
 template <class Escapes> FixedText keyText(const QString &name)
 {
@@ -57,25 +45,25 @@ public:
     Compiled compile(size_t level, size_t index) const
     {
         const WriteItem &item = m_levels[level].items[index];
-        switch (item.type) {
-        case Text:
+        switch (item.typeAs<JsonItem>()) {
+        case JsonItem::Text:
             return ComposeOperation{Kind::Text, m_form, FixedText(item.text.toStdU16String())};
-        case Dictionary:
+        case JsonItem::Dictionary:
             return values(m_compiler.findAll(), true, QString());
-        case Array:
+        case JsonItem::Array:
             return values(m_compiler.findAll(), false, QString());
-        case SomeDictionary:
-        case SomeArray:
+        case JsonItem::SomeDictionary:
+        case JsonItem::SomeArray:
             return someValues(item);
-        case SubLevel:
+        case JsonItem::SubLevel:
             return m_compiler.callOf(item.calledLevel);
-        case Comma:
+        case JsonItem::Comma:
             return comma(level, index);
-        case AsIs:
+        case JsonItem::AsIs:
             return asIs(item);
-        default: // Kept for saved graphs: items of an unknown type write nothing.
-            return ComposeOperation{};
         }
+        // Kept for saved graphs: items of an unknown type write nothing.
+        return ComposeOperation{};
     }
 
 private:
@@ -102,13 +90,17 @@ private:
         if (!columns) {
             return columns.fault();
         }
-        return values(*std::move(columns), item.type == SomeDictionary, item.p1);
+        return values(*std::move(columns), item.typeAs<JsonItem>() == JsonItem::SomeDictionary,
+                      item.p1);
     }
 
     Compiled comma(size_t level, size_t index) const
     {
-        const int before = index > 0 ? m_levels[level].items[index - 1].type : Text;
-        if (before != Dictionary && before != SomeDictionary) {
+        // Only the item directly before counts: the composer knows whether the last values were
+        // written, not which item wrote them.
+        const auto before =
+            index > 0 ? m_levels[level].items[index - 1].typeAs<JsonItem>() : JsonItem::Text;
+        if (before != JsonItem::Dictionary && before != JsonItem::SomeDictionary) {
             return Fault{LevelProblem::NoDictionary};
         }
         return ComposeOperation{Kind::CommaIfWritten};
@@ -144,9 +136,11 @@ LevelCompiler::Levels compileJsonLevels(const std::vector<WriteLevel> &levels,
 std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringList &toWrite)
 {
     WriteLevel level;
-    level.items.push_back({Text, u"{"_s, {}, {}, {}});
-    level.items.push_back({writeAllColumns ? Dictionary : SomeDictionary, {}, {}, {}, toWrite});
-    level.items.push_back({Text, u"}"_s, {}, {}, {}});
+    level.items = {
+        makeItem(JsonItem::Text, u"{"_s),
+        makeItem(writeAllColumns ? JsonItem::Dictionary : JsonItem::SomeDictionary, {}, toWrite),
+        makeItem(JsonItem::Text, u"}"_s),
+    };
     return {level};
 }
 

@@ -1,15 +1,35 @@
-// Compiles levels whose items are pieces of JSON.
+// Compiles levels whose items are pieces of JSON (RFC 8259).
+//
+// Items contribute values, keys and the commas between them. Brackets, braces and the names of
+// arrays come from text items, so the output is valid JSON only if the declared levels make it so.
+// For example, items Text "{", Dictionary and Text "}" write {"a":1,"b":"text"} for a row.
+// Threads: pure functions.
 #pragma once
 #include "codecs/compose/level_compiler.h"
 
 namespace corvanta::compose {
 
-/// Compile `levels` (at least one) for a table; `form` is that of text values. Faults: see
-/// LevelCompiler::compile().
+/// What an item writes. The values are the numbers in saved graphs.
+enum class JsonItem : int {
+    Text,           ///< its text
+    Dictionary,     ///< "name":value of all columns
+    SomeDictionary, ///< "name":value of the listed columns, the names without the prefix p1
+    Array,          ///< the values of all columns
+    SomeArray,      ///< the values of the listed columns
+    SubLevel,       ///< the elements of the called level
+    Comma,          ///< a comma, if the dictionary directly before the item wrote a pair
+    AsIs,           ///< the text of one column without quotes and escapes, for prepared JSON
+};
+
+/// Compile `levels` (at least one), whose item types are JsonItems, for a table. `form` is the
+/// escaping of texts, one of the three Json forms; names of columns get the strict escapes only
+/// with JsonStrict. The result does not refer to `levels` or to the names of `columns`. Errors: all
+/// of LevelProblem; see LevelCompiler::compile().
 LevelCompiler::Levels compileJsonLevels(const std::vector<WriteLevel> &levels,
                                         const RowView &columns, ComposeOperation::TextForm form);
 
-/// The level that is used when none is declared: an object per row.
+/// The level that is used when none is declared: an object per row, with all columns or those of
+/// `toWrite`, which the other choice ignores.
 std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringList &toWrite);
 
 } // namespace corvanta::compose

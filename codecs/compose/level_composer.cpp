@@ -14,6 +14,7 @@
 // written.
 #include "codecs/compose/level_composer.h"
 
+#include "base/number_cell.h"
 #include "base/utf.h"
 #include "codecs/compose/escape.h"
 
@@ -471,24 +472,11 @@ bool LevelComposer::putFloat(double value, const Column &column, const FixedText
 /// Write a cell as text: numbers in their shortest form, missing cells as nothing.
 void LevelComposer::putRaw(const Column &column, const uchar *cell)
 {
-    std::array<char, kNumberChars> text{};
-    qsizetype n = 0;
-    switch (column.type) {
-    case cell::Type::Text:
+    if (column.type == cell::Type::Text) {
         m_block.append(cell::readText(cell).view());
-        return;
-    case cell::Type::Key: {
-        const auto key = loadNative<quint32>(cell);
-        n = cell::isMissingKey(key) ? 0 : putUInt(key, text.data());
-        break;
+    } else if (char16_t *const out = m_block.reserve(kNumberChars)) {
+        m_block.commit(out + cell::putNumberText(column.type, cell, out));
     }
-    case cell::Type::Double: {
-        const auto value = loadNative<double>(cell);
-        n = cell::isMissingDouble(value) ? 0 : putShortest(value, text.data());
-        break;
-    }
-    }
-    putNumber(text.data(), n, column, kNothing);
 }
 
 } // namespace corvanta::compose

@@ -48,22 +48,22 @@ private:
 
 WriteItem text(const QString &text)
 {
-    return {0, text, {}, {}, {}};
+    return makeItem(JsonItem::Text, text);
 }
 
 WriteItem array(const QStringList &columns)
 {
-    return {4, {}, {}, {}, columns};
+    return makeItem(JsonItem::SomeArray, {}, columns);
 }
 
 WriteItem raw(const QString &column)
 {
-    return {7, {}, {}, {}, {column}};
+    return makeItem(JsonItem::AsIs, {}, {column});
 }
 
 WriteItem subLevel(const QString &name)
 {
-    return {5, {}, name, {}, {}};
+    return {static_cast<int>(JsonItem::SubLevel), {}, name, {}, {}};
 }
 
 } // namespace

@@ -23,19 +23,6 @@ using Compiled = LevelCompiler::Compiled;
 using Kind = ComposeOperation::Kind;
 using TextForm = ComposeOperation::TextForm;
 
-/// The numbers of the item types in saved graphs.
-enum ItemType {
-    Text = 0,
-    Attributes = 1,
-    SomeAttributes = 2,
-    Subtags = 3,
-    SomeSubtags = 4,
-    InQuotes = 5,
-    InTag = 6,
-    AsIs = 7,
-    SubLevel = 8
-};
-
 constexpr int kIndentStep = 2;
 
 FixedText fixed(const QString &text)
@@ -97,7 +84,7 @@ public:
              const XmlLayout &layout)
         : m_compiler(compiler)
         , m_levels(levels)
-        , m_depths(depthsOf(levels, SubLevel))
+        , m_depths(depthsOf(levels, static_cast<int>(XmlItem::SubLevel)))
         , m_layout(layout)
         , m_textForm(layout.wellFormed ? TextForm::XmlStrict : TextForm::XmlText)
         , m_attributeForm(layout.wellFormed ? TextForm::XmlStrict : TextForm::XmlAttribute)
@@ -107,25 +94,25 @@ public:
     Compiled compile(size_t level, size_t index) const
     {
         const WriteItem &item = m_levels[level].items[index];
-        switch (item.type) {
-        case Text:
+        switch (item.typeAs<XmlItem>()) {
+        case XmlItem::Text:
             return ComposeOperation{Kind::Text, m_textForm, fixed(item.text)};
-        case Attributes:
+        case XmlItem::Attributes:
             return attributes(m_compiler.findAll(), QString());
-        case Subtags:
+        case XmlItem::Subtags:
             return subtags(m_compiler.findAll(), level);
-        case SomeAttributes:
-        case SomeSubtags:
+        case XmlItem::SomeAttributes:
+        case XmlItem::SomeSubtags:
             return someColumns(item, level);
-        case InQuotes:
-        case InTag:
-        case AsIs:
+        case XmlItem::InQuotes:
+        case XmlItem::InTag:
+        case XmlItem::AsIs:
             return oneColumn(item);
-        case SubLevel:
+        case XmlItem::SubLevel:
             return m_compiler.callOf(item.calledLevel);
-        default: // Kept for saved graphs: items of an unknown type write nothing.
-            return ComposeOperation{};
         }
+        // Kept for saved graphs: items of an unknown type write nothing.
+        return ComposeOperation{};
     }
 
     /// A line feed and the blanks before an element of `level`, or before what is `deeper` in it.
@@ -169,8 +156,9 @@ private:
         if (!columns) {
             return columns.fault();
         }
-        return item.type == SomeAttributes ? attributes(*std::move(columns), item.p1)
-                                           : subtags(*std::move(columns), level);
+        return item.typeAs<XmlItem>() == XmlItem::SomeAttributes
+                   ? attributes(*std::move(columns), item.p1)
+                   : subtags(*std::move(columns), level);
     }
 
     Compiled oneColumn(const WriteItem &item) const
@@ -182,13 +170,12 @@ private:
         if (!columns) {
             return columns.fault();
         }
-        if (item.type == AsIs) {
-            return ComposeOperation{Kind::RawValue, m_textForm, {}, {}, *std::move(columns)};
-        }
-        if (item.type == InTag) {
-            return ComposeOperation{Kind::Values, m_textForm, {}, {}, *std::move(columns)};
-        }
-        return ComposeOperation{Kind::QuotedValue, m_attributeForm, {}, {}, *std::move(columns)};
+        const auto type = item.typeAs<XmlItem>();
+        const Kind kind = type == XmlItem::AsIs    ? Kind::RawValue
+                          : type == XmlItem::InTag ? Kind::Values
+                                                   : Kind::QuotedValue;
+        const TextForm form = type == XmlItem::InQuotes ? m_attributeForm : m_textForm;
+        return ComposeOperation{kind, form, {}, {}, *std::move(columns)};
     }
 
     const LevelCompiler &m_compiler;
@@ -218,9 +205,11 @@ std::vector<WriteLevel> defaultXmlLevels(bool writeAllColumns, const QStringList
 {
     WriteLevel level;
     level.commaSeparated = false;
-    level.items.push_back({Text, u"<R "_s, {}, {}, {}});
-    level.items.push_back({writeAllColumns ? Attributes : SomeAttributes, {}, {}, {}, toWrite});
-    level.items.push_back({Text, u"/>"_s, {}, {}, {}});
+    level.items = {
+        makeItem(XmlItem::Text, u"<R "_s),
+        makeItem(writeAllColumns ? XmlItem::Attributes : XmlItem::SomeAttributes, {}, toWrite),
+        makeItem(XmlItem::Text, u"/>"_s),
+    };
     return {level};
 }
 

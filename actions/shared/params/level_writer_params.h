@@ -86,8 +86,8 @@ template <class P> Param<P> alwaysWrite()
 }
 
 /// What a file contains, at the end of the table. `P` has the members `prefix` and `suffix`; they
-/// are saved always, because an empty text is a valid value.
-template <class P> ParamGroup<P> fileContent()
+/// are saved always, because an empty text is a valid value. `levelTables` must outlive the table.
+template <class P> ParamGroup<P> fileContent(const WriteLevelTables &levelTables)
 {
     return {
         writeAllColumns<P>("Writes every column. Off: only the columns of ToWrite. Ignored when "
@@ -101,7 +101,7 @@ template <class P> ParamGroup<P> fileContent()
             .label("End of the file")
             .meaning("Text at the end of every file."),
         columnsToWrite<P>("ToWrite"),
-        writeLevels<P>(&P::levels),
+        writeLevels<P>(&P::levels, levelTables),
     };
 }
 

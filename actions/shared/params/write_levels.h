@@ -5,6 +5,7 @@
 #include "codecs/compose/write_level.h"
 #include "corvanta/params/param_children.h"
 
+#include <initializer_list>
 #include <vector>
 
 namespace corvanta {
@@ -12,14 +13,45 @@ namespace corvanta {
 using compose::WriteItem;
 using compose::WriteLevel;
 
-/// Attributes and items of a `Level` element.
-const ParamTable<WriteLevel> &writeLevelTable();
+/// The tables of the levels of one writer. They differ in the types of their items. The lines of
+/// writeLevels() refer to the tables, which must outlive them.
+class WriteLevelTables
+{
+public:
+    /// `types` are the enumerators of the writer's item types in order, from 0, with their texts.
+    /// Any other number is kept as it is.
+    template <class Type>
+    explicit WriteLevelTables(std::initializer_list<Choice<Type>> types)
+        : WriteLevelTables(textsOf(types))
+    {
+    }
+    WriteLevelTables(const WriteLevelTables &) = delete;
+    WriteLevelTables &operator=(const WriteLevelTables &) = delete;
+
+    const ParamTable<WriteLevel> &levels() const { return m_levels; }
+
+private:
+    explicit WriteLevelTables(const QStringList &itemTypes);
+    template <class Type> static QStringList textsOf(std::initializer_list<Choice<Type>> types)
+    {
+        QStringList texts;
+        for (const Choice<Type> &type : types) {
+            Q_ASSERT(static_cast<qsizetype>(type.value) == texts.size());
+            texts << QString::fromUtf8(type.text);
+        }
+        return texts;
+    }
+
+    ParamTable<WriteItem> m_items;
+    ParamTable<WriteLevel> m_levels; // refers to m_items
+};
 
 /// The line of a parameter table for `levels`. The indent of saved levels is fixed: one tab per
 /// depth.
-template <class P> Param<P> writeLevels(std::vector<WriteLevel> P::*levels)
+template <class P>
+Param<P> writeLevels(std::vector<WriteLevel> P::*levels, const WriteLevelTables &tables)
 {
-    return children("Level", levels, writeLevelTable())
+    return children("Level", levels, tables.levels())
         .inside("Levels")
         .indentedBy("\t")
         .label("Levels")
