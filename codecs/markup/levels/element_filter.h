@@ -1,4 +1,7 @@
 // Finds the occurrences of a level in a tree, without the empty elements that do not count.
+//
+// Empty elements are left out here only: indexes of paths count them, so that the columns of a
+// table keep their places.
 #pragma once
 #include "codecs/markup/levels/extract_options.h"
 #include "codecs/markup/levels/level_state.h"
@@ -9,7 +12,8 @@ namespace corvanta::markup {
 class ElementFilter
 {
 public:
-    /// Uses `ignoreEmpty` and `text` of the options.
+    /// Uses `ignoreEmpty` and `text` of the options: `text` decides whether a section such as CDATA
+    /// counts as text, and an element with only that section as empty.
     explicit ElementFilter(const ExtractOptions &options)
         : m_text(options.text)
         , m_ignoreEmpty(options.ignoreEmpty)
@@ -28,6 +32,7 @@ public:
                             quint32 container) const;
 
 private:
+    /// Whether the element has no text, no sub-elements and no attributes.
     bool isEmpty(const MarkupTree &tree, quint32 element) const;
 
     TextRule m_text;

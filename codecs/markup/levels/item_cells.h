@@ -12,7 +12,7 @@ namespace corvanta::markup {
 class ItemCells
 {
 public:
-    /// Uses the options for texts, names of children and presence.
+    /// Uses the options for texts, names of children and presence. Keeps a copy of them.
     explicit ItemCells(const ExtractOptions &options)
         : m_options(options)
         , m_filter(options)
@@ -23,13 +23,15 @@ public:
     /// in `arena`, or the shared missing cell.
     const uchar *cellOf(const MarkupTree &tree, const LevelItem &item, quint32 found,
                         CellArena &arena);
-    /// The cell of an item for which nothing was found.
+    /// The cell of an item for which nothing was found: "0" where presence is asked for, else
+    /// missing.
     const uchar *absentCell(const LevelItem &item, CellArena &arena) const;
 
     /// The first error since the last call of clearError(): NoMemory or TreeTooLarge for a text
     /// longer than limits::kTextCellUnits, whose cell is missing. (Not a Result: a status per row
     /// is enough, and cells are built by the ten million.)
     std::optional<MarkupError> error() const { return m_error; }
+    /// Call at the start of each document.
     void clearError() { m_error.reset(); }
 
 private:
@@ -38,6 +40,7 @@ private:
     const uchar *textOf(const MarkupTree &tree, quint32 element, CellArena &arena);
     const uchar *joinedCell(CellArena &arena);
     const uchar *tagNamesOf(const MarkupTree &tree, quint32 element, CellArena &arena);
+    /// Remember the first error; returns the missing cell.
     const uchar *fail(MarkupError error);
 
     ExtractOptions m_options;

@@ -71,6 +71,7 @@ QStringList LevelExtractor::missingPaths() const
 {
     QStringList missing;
     for (const auto &state : m_levels) {
+        // Levels inside one that never occurred cannot occur, so their paths are not named.
         if (!state->containerFound) {
             missing << state->level.initialPath;
             break;

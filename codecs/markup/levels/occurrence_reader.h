@@ -24,7 +24,8 @@ public:
 
     /// Set the initial size of the memory of a tree, in bytes.
     void setBlockSize(qint64 bytes) { m_record.builder().setBlockSize(bytes); }
-    /// Begin another file: its documents may have another form.
+    /// Begin another file: its documents may have another form. Call before the beginDocument() of
+    /// its first document.
     void beginFile() { m_documents = Documents::Undecided; }
     /// Begin a document of the file. `tokenizer` must be new or restarted, and outlive the
     /// document.
@@ -34,7 +35,8 @@ public:
     /// those of the tokenizer, NoTagFound, TreeTooLarge.
     Found next();
 
-    /// The tree of the last occurrence. Valid until the next call.
+    /// The tree of the last occurrence. Valid until the next call; only after an occurrence was
+    /// found.
     const MarkupTree &tree() const { return *m_tree; }
 
     /// The fault `error` at the position of the tokenizer.
@@ -50,6 +52,7 @@ private:
         Containers,
     };
 
+    // Each of these returns an occurrence, or std::nullopt when more tokens are needed.
     std::optional<quint32> nextInTree();
     Found readToken();
     Found startElement();

@@ -14,7 +14,7 @@ namespace corvanta::markup {
 class PathFollower
 {
 public:
-    /// Follow `path`, with no step open.
+    /// Follow `path`, with no step open. Call restart() before each further stream.
     explicit PathFollower(const std::vector<PathStep> &path)
         : m_path(path)
         , m_passed(path.size())
@@ -29,6 +29,7 @@ public:
     }
     /// Count the elements of each name from 0 again.
     void restartCounts() { std::fill(m_passed.begin(), m_passed.end(), 0); }
+    /// For appended documents: the root of each would else be one more element of its name.
     /// Count as above, but only if the first step selects the first element of its name.
     void beginRoot()
     {
@@ -37,7 +38,7 @@ public:
         }
     }
 
-    /// True when all steps of the path are open.
+    /// True when all steps of the path are open: what begins now is inside the container.
     bool isAtEnd() const { return m_open == m_path.size(); }
 
     /// An element begins inside the last open step; not at the end of the path. Returns true, with
@@ -54,7 +55,8 @@ public:
         }
         return true;
     }
-    /// The element of the last open step ends.
+    /// The element of the last open step ends. Its siblings still count for the step, so that a
+    /// later one is not selected again.
     void leave() { --m_open; }
 
 private:

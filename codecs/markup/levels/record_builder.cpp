@@ -53,6 +53,7 @@ RecordBuilder::Status RecordBuilder::addRestOfValue()
 
 RecordBuilder::Status RecordBuilder::skipElement()
 {
+    // The element's own Start has been read, so its level already counts.
     const qint64 outside = m_tokenizer->depth() - 1;
     while (m_tokenizer->depth() > outside) {
         if (m_tokenizer->nextToken() == Token::Error) {

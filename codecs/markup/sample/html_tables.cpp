@@ -19,6 +19,7 @@ namespace corvanta::markup {
 
 namespace {
 
+// Bounds of what a page can make the list hold: the path of each table and the texts of one row.
 constexpr size_t kMaxTables = 10'000;
 constexpr size_t kMaxTableDepth = 256;
 constexpr qsizetype kCellChars = 100;
@@ -144,6 +145,7 @@ void TableLister::addText()
     const OpenTable &open = m_openTables.back();
     HtmlTable &table = m_tables[open.table];
     const qint64 row = table.rows + table.headRows;
+    // Later rows say no more about the header than the second one.
     if (row > 2) {
         return;
     }

@@ -1,4 +1,8 @@
 // Classifies single bytes with a table: spaces, name characters, characters of JSON numbers.
+//
+// Bytes, not characters: the data is UTF-8, in which every character beyond ASCII consists of bytes
+// from 0x80, and those are all name characters here. Which of them XML 1.0 (section 2.3) allows in
+// names is not checked. Threads: pure functions.
 #pragma once
 #include <QtGlobal>
 
@@ -17,13 +21,13 @@ namespace charset {
 inline constexpr quint8 kClassMask = 0x07;
 /// Set: characters of a JSON number.
 inline constexpr quint8 kNumber = 0x08;
-inline constexpr quint8 kPermissive =
-    /// Set: characters of an unquoted value with permissiveNumbers.
-    0x10;
+/// Set: characters of an unquoted value with permissiveNumbers.
+inline constexpr quint8 kPermissive = 0x10;
 
 /// The class of the byte `c` (0 to 255). Only used to build the table.
 constexpr CharClass classOf(int c)
 {
+    // The punctuation of XML names, also where only later characters of a name may have it.
     constexpr std::string_view kPunctuation = "-.:_";
     constexpr std::string_view kSpaces = "\t\n\r ";
     const char ascii = static_cast<char>(c);
@@ -50,6 +54,7 @@ constexpr CharClass classOf(int c)
 /// these sets.
 constexpr std::array<quint8, 256> makeTable()
 {
+    // A number is any run of these characters; its grammar (RFC 8259, section 6) is not checked.
     constexpr std::string_view kNumberChars = ".Ee+-0123456789";
     constexpr std::string_view kPermissiveChars = "!#%*+-./?_~0123456789";
     std::array<quint8, 256> table{};
@@ -71,12 +76,13 @@ inline constexpr std::array<quint8, 256> kTable = makeTable();
 
 } // namespace charset
 
-/// The class of a byte.
+/// The class of a byte. The cast is needed because char is signed: bytes from 0x80 are negative.
 inline CharClass charClass(char c)
 {
     return static_cast<CharClass>(charset::kTable[static_cast<uchar>(c)] & charset::kClassMask);
 }
-/// True for space, tab, CR and LF.
+/// True for space, tab, CR and LF, the white space of XML 1.0 (section 2.3) and of RFC 8259
+/// (section 2).
 inline bool isSpace(char c)
 {
     return charClass(c) == CharClass::Space;

@@ -148,6 +148,7 @@ Result<void, MarkupError> CharSource::setEncoding(CharMode mode, const QByteArra
         return status();
     }
     const iconv_t handle = iconv_open("UTF-8", iconvName(mode, name));
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): POSIX defines the result of a failure in this way
     if (handle == reinterpret_cast<iconv_t>(-1)) {
         m_error = MarkupError::CannotConvert;
         return Fault{*m_error};

@@ -16,6 +16,7 @@ namespace corvanta::markup {
 
 namespace {
 
+// Shorter data holds too little evidence.
 constexpr qsizetype kMinGuessBytes = 25;
 constexpr qsizetype kDeclarationBytes = 200;
 
@@ -120,7 +121,7 @@ QByteArray guessEncoding(QByteArrayView first)
         return QByteArrayLiteral("UTF-8");
     }
     const bool utf8 = followsUtf8Pattern(first);
-    const QByteArray declared = declaredEncoding(first);
+    QByteArray declared = declaredEncoding(first);
     const QByteArray lower = declared.toLower();
     if (lower.startsWith("utf-8") || lower.startsWith("utf8")) {
         return utf8 ? QByteArrayLiteral("UTF-8") : QByteArrayLiteral("ERROR");
@@ -149,7 +150,7 @@ static QByteArray markedEncoding(QByteArrayView first)
 
 QByteArray chooseEncoding(QByteArrayView first, const QByteArray &name)
 {
-    const QByteArray marked = markedEncoding(first);
+    QByteArray marked = markedEncoding(first);
     if (!marked.isEmpty()) {
         return marked;
     }

@@ -1,7 +1,9 @@
 // Finds the next interesting byte for the tokenizers, sixteen bytes at a time.
 //
 // Every scan stops at a NUL and may load up to kReadAhead bytes starting at any place in the data
-// of a tokenizer's buffer; at least that many NULs follow the data.
+// of a tokenizer's buffer; at least that many NULs follow the data. So no scan needs the end of the
+// data: a NUL is both the end and, at another place, a byte of the document, and the caller
+// distinguishes the two by the position. Threads: pure functions.
 #pragma once
 #include "codecs/markup/text/raw_text.h"
 
@@ -11,10 +13,10 @@ namespace corvanta::markup {
 
 namespace scan {
 
-/// The mask of a block in which every byte is a hit.
+/// The mask of a block in which every byte is a hit: one bit for each of 16 bytes.
 inline constexpr quint32 kAll = 0xFFFF;
 
-/// The 16 bytes at `at`.
+/// The 16 bytes at `at`, which need no alignment.
 inline __m128i load(const char *at)
 {
     return _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
@@ -24,7 +26,9 @@ inline __m128i is(__m128i block, char c)
 {
     return _mm_cmpeq_epi8(block, _mm_set1_epi8(c));
 }
-/// 0xFF for each byte of `block` that is one of the `count` characters starting at `first`.
+/// 0xFF for each byte of `block` that is one of the `count` characters starting at `first`. The
+/// distance wraps around for smaller bytes, so that one unsigned comparison tests both bounds; SSE2
+/// has none, but a minimum that equals its operand is one.
 inline __m128i isOneFrom(__m128i block, char first, char count)
 {
     const __m128i distance = _mm_sub_epi8(block, _mm_set1_epi8(first));
@@ -37,7 +41,8 @@ inline quint32 mask(__m128i hits)
     return static_cast<quint32>(_mm_movemask_epi8(hits));
 }
 
-/// The first byte for which the mask hits(block) has a bit.
+/// The first byte at or after `at` for which the mask hits(block) has a bit. `hits` must have one
+/// for NUL, or the scan leaves the buffer.
 template <typename Hits> const char *find(const char *at, Hits hits)
 {
     static_assert(sizeof(__m128i) <= kReadAhead);
@@ -51,7 +56,7 @@ template <typename Hits> const char *find(const char *at, Hits hits)
 
 } // namespace scan
 
-/// The first `a`, `b` or NUL. Texts and attribute values of XML end in this way.
+/// The first `a`, `b` or NUL at or after `at`. Texts and attribute values of XML end in this way.
 inline const char *findEither(const char *at, char a, char b)
 {
     return scan::find(at, [a, b](__m128i block) {
@@ -61,7 +66,7 @@ inline const char *findEither(const char *at, char a, char b)
 }
 
 /// The first byte that is not a space (CharClass::Space).
-// Two pairs of comparisons are faster here than one table lookup per byte.
+// Two pairs of comparisons are faster here than one table lookup per byte. A NUL is not a space.
 inline const char *skipSpaces(const char *at)
 {
     return scan::find(at, [](__m128i block) {
@@ -86,7 +91,8 @@ inline const char *skipNameChars(const char *at)
     });
 }
 
-/// The first byte that ends or changes a JSON string: `quote`, a backslash or a control character.
+/// The first byte that ends or changes a JSON string: `quote`, a backslash or a control character,
+/// among them the NUL.
 inline const char *findStringStop(const char *at, char quote)
 {
     return scan::find(at, [quote](__m128i block) {

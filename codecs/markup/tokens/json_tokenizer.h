@@ -25,9 +25,11 @@ public:
     void restart(ByteSource &source) override;
 
     /// Set the name of the items of all arrays that begin later; std::nullopt means the empty name.
+    /// Arrays that are open keep theirs.
     void setArrayItemName(std::optional<std::u16string_view> name);
 
-    /// Accept any run of the characters of charset::kPermissive as an unquoted value.
+    /// Accept any run of the characters of charset::kPermissive as an unquoted value. Off by
+    /// default; may be set between tokens.
     void setPermissiveNumbers(bool on) { m_permissive = on; }
 
     /// Tokens are documented in tokenizer.h. A top-level value that is not complete at the end of
@@ -35,10 +37,10 @@ public:
     Token nextToken() override;
     bool takeLeaf(Leaf *leaf) override;
 
-    /// The type of the value that the last DocumentStart began.
+    /// The type of the value that the last DocumentStart began; unchanged until the next one.
     DocumentKind documentKind() const { return m_documentKind; }
 
-    /// True while a container is open.
+    /// True while a container is open: the value at the top is not complete.
     bool isInsideValue() const { return !m_open.empty(); }
 
     RawText externalText(quint32 number) const override;
@@ -84,6 +86,7 @@ private:
     Token closeContainer(char c);
     Token endElement();
     Token missingEnd();
+    // Strings and literals move past what they read.
     bool scanString(char quote, TextSpan *text);
     bool passStringStop(const char **at, TextForm *form);
     Token readString(char quote);
@@ -95,6 +98,7 @@ private:
         return matchingChars(at, word) == static_cast<qsizetype>(word.size());
     }
     void moveTo(const char *at) { m_pos = static_cast<size_t>(at - data()); }
+    /// Make an Error token at another position than the current one.
     Token failAt(const char *at, MarkupError error);
     bool scanLeafValue(const char **at, Leaf *leaf);
     Token readNumber();
@@ -102,6 +106,8 @@ private:
     Token finishBareValue(const char *at, MarkupError error);
     bool isObject() const { return m_open.back().itemName == 0; }
 
+    // The rest of what the grammar needs is in m_open: whether the innermost container is an
+    // object.
     State m_state = State::Top;
     DocumentKind m_documentKind = DocumentKind::Scalar;
     bool m_permissive = false;

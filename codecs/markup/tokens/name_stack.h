@@ -1,6 +1,7 @@
 // Keeps the names of the open elements, one after the other, in memory that is reused.
 //
-// A vector of strings would allocate for names that are longer than a string's own buffer.
+// A vector of strings would allocate for names that are longer than a string's own buffer. Names
+// are bytes of the tokenizer's buffer, not decoded; they are copied, because the buffer moves on.
 #pragma once
 #include <QtGlobal>
 
@@ -25,7 +26,8 @@ public:
         m_used = 0;
     }
 
-    /// Add the name of a new innermost element.
+    /// Add the name of a new innermost element. `name` may not be a view of the stack itself, whose
+    /// memory may move. Names may be empty.
     void push(std::string_view name)
     {
         if (m_bytes.size() - m_used < name.size()) {
@@ -36,18 +38,20 @@ public:
         m_starts.push_back(m_used);
         m_used += name.size();
     }
-    /// Remove the name of the innermost element. Views of it stay valid until the next push().
+    /// Remove the name of the innermost element; one must be open. Views of it stay valid until the
+    /// next push().
     void pop()
     {
         m_used = m_starts.back();
         m_starts.pop_back();
     }
-    /// Name of the innermost element. Valid until the next push().
+    /// Name of the innermost element; one must be open. Valid until the next push().
     std::string_view top() const
     {
         return {m_bytes.data() + m_starts.back(), m_used - m_starts.back()};
     }
-    /// The name `up` elements above the innermost.
+    /// The name `up` elements above the innermost, less than size(); 0 is the innermost itself.
+    /// Valid until the next push().
     std::string_view above(size_t up) const
     {
         const size_t i = m_starts.size() - 1 - up;

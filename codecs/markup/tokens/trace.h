@@ -4,6 +4,10 @@
 //     >name        End                              #text    Clear
 //     ?name        Instruction                      ( and )  DocumentStart and DocumentEnd
 //     .            EndOfData                        !20      Error, with its code
+//
+// Two traces are equal when the tokens are: tests compare a document that is read whole with the
+// same document in pieces, or with other options. Names and texts are not escaped, so a trace is
+// not meant to be parsed.
 #pragma once
 #include "codecs/markup/tokens/json_tokenizer.h"
 #include "codecs/markup/tokens/xml_tokenizer.h"
@@ -12,7 +16,8 @@
 
 namespace corvanta::markup {
 
-/// " name=value" for each attribute of the current Start; nothing without a tokenizer.
+/// " name=value" for each attribute of the current Start, in document order and with its entities
+/// decoded; nothing without a tokenizer (JSON has no attributes).
 inline std::u16string traceAttributes(const XMLTokenizer *xml)
 {
     std::u16string out;
@@ -50,7 +55,8 @@ inline std::u16string traceToken(MarkupTokenizer &tokenizer, Token token)
     return u"!" + std::u16string(code.begin(), code.end());
 }
 
-/// All tokens, separated by spaces. With `leaves`, takeLeaf() reads those that it can read.
+/// All tokens up to the first EndOfData or Error, separated by spaces. With `leaves`, takeLeaf()
+/// reads those that it can read; the result is the same as without.
 inline std::u16string trace(MarkupTokenizer &tokenizer, bool leaves = false)
 {
     std::u16string out;

@@ -11,13 +11,14 @@
 
 namespace corvanta::markup {
 
+/// Liberties beyond XML 1.0; all off means XML as docs/formats/markup.md describes it.
 struct XMLOptions
 {
     /// Accept malformed HTML; void elements need no end tag.
     bool html = false;
-    /// An unknown entity stays in the text.
+    /// An unknown entity stays in the text, with its "&" and ";". Also on with `html`.
     bool ignoreUnknownEntities = false;
-    /// Names lose everything up to their first colon.
+    /// Names of elements lose everything up to their first colon; those of attributes keep it.
     bool discardNameSpaces = false;
     /// Accept any character in names.
     bool ignoreInvalidCharInTagName = false;
@@ -69,12 +70,14 @@ protected:
 private:
     // Functions that return bool return false for a failure, after fail() made an Error token.
 
+    // Text, and what may be in it.
     bool isBetweenTags() const;
     Token step();
     Token readTag();
     Token readText(const char *at);
     bool readEntityAt(const char **at);
     bool isExpectedEnd(const char *at) const;
+    // End tags, and the elements that they close.
     Token readEndTag();
     bool closeEndTag();
     bool lacksName(const char *at) const;
@@ -82,6 +85,7 @@ private:
     Token readInstruction();
     Token readClear(size_t opener);
     const char *findCloser(const char *at, size_t opener, TextSpan *text);
+    // Start tags: `at` is the position in the buffer, which is moved past what was read.
     Token readStartTag();
     bool readName(const char **at, MarkupError error, TextSpan *name);
     void cutNameSpace(TextSpan *name) const;
@@ -102,6 +106,7 @@ private:
     bool readAttribute();
     bool readQuoted(char quote, TextSpan *value);
     bool readUnquoted(TextSpan *value);
+    // Ends of elements without an end tag of their own.
     Token closeFor(std::string_view name);
     Token pendingClose();
     Token dataEnds();

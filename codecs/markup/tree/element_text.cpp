@@ -13,6 +13,7 @@ namespace {
 /// Whether a tag at text[open] (a "<") belongs to an HTML element that is not inline.
 bool isBlockTag(std::string_view text, size_t open)
 {
+    // The tag may be cut: the caller passes only what is between two pieces of text.
     if (open + 1 == text.size()) {
         return false;
     }
@@ -70,6 +71,7 @@ bool joinText(const MarkupTree &tree, quint32 element, const TextRule &rule, std
         if (!isTextPiece(item, rule)) {
             continue;
         }
+        // A text begins after its leading spaces; between two pieces they are part of the text.
         const RawText text = tree.raw(i);
         const char *spaces = text.data;
         while (pieceEnd != nullptr && spaces > pieceEnd && item.kind == ItemKind::Text &&

@@ -12,7 +12,8 @@
 
 namespace corvanta::markup {
 
-/// Threads: one at a time.
+/// One per place where names occur, for example per node of a trie: the links are useful only if
+/// the names come in a similar order. Threads: one at a time.
 class NameMemory
 {
 public:
@@ -26,8 +27,8 @@ public:
     /// Begin another element: its first name comes next.
     void begin() { m_last = &m_beforeFirst; }
 
-    /// The numbers that match the next name. collectMatches(Matches *) fills the list of a new
-    /// name.
+    /// The numbers that match the next name; valid until the next call. collectMatches(Matches *)
+    /// fills the list of a new name, and must give the same result for the same name each time.
     template <typename CollectMatches>
     const Matches &matchesOf(const RawText &name, CollectMatches collectMatches)
     {
@@ -53,11 +54,13 @@ private:
         Name *next = nullptr;
     };
 
-    /// Limits of the names that are remembered. Other names are new each time.
+    /// Limits of the names that are remembered, for documents whose names are data. Other names are
+    /// new each time.
     static constexpr size_t kMaxNames = 4096;
     static constexpr quint32 kMaxNameBytes = 256;
 
-    /// The entry of `name`, new or known. All names that cannot be remembered share one entry.
+    /// The entry of `name`, new or known. All names that cannot be remembered share one entry:
+    /// names with entities or escapes, whose bytes are not the name, are among them.
     Name *find(const RawText &name, bool *isNew)
     {
         const bool isPlain = name.form == TextForm::Plain || name.form == TextForm::Detached;

@@ -31,10 +31,11 @@ size_t PathSet::add(const std::vector<PathStep> &steps)
         const auto same = std::find_if(node.edges.begin(), node.edges.end(),
                                        [&](const Edge &edge) { return edge.step == steps[i]; });
         if (same != node.edges.end()) {
-            same->onlyPath = kNotOnly;
+            same->onlyPath = kNotOnly; // a second path uses the edge
             at = same->node;
             continue;
         }
+        // Also an edge for children: "@name" selects a child where there is no attribute.
         if (steps[i].isAttribute()) {
             node.attributeEdges.push_back(static_cast<quint32>(node.edges.size()));
         }
@@ -115,6 +116,8 @@ void PathSet::walkChildren(const MarkupTree &tree, Visit at)
             }
         };
         for (const quint32 number : node.children.matchesOf(name, collectMatches)) {
+            // The index of the step has not been reached yet. Below zero the count wraps around, so
+            // a step selects one child only.
             if (m_left[number]-- > 0) {
                 continue;
             }

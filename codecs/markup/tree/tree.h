@@ -51,7 +51,7 @@ public:
     {
     }
 
-    /// True for a handle without an element.
+    /// True for a handle without an element, as child() returns it for an index out of range.
     bool isEmpty() const { return m_tree == nullptr; }
     /// Name of the element.
     std::u16string name() const;
@@ -65,7 +65,9 @@ public:
 
     /// The i-th item of its kind, from 0; empty if `i` is out of range. Loops over i are linear.
     MarkupNode child(qsizetype i) const;
+    /// One piece of text; an element with sub-elements between its texts has several.
     std::u16string text(qsizetype i) const;
+    /// The content of a section: CDATA, comment, script and the like, without its delimiters.
     std::u16string clear(qsizetype i) const;
     /// A decoded attribute.
     struct Attribute
@@ -207,6 +209,7 @@ public:
 private:
     void reserve(size_t capacity);
     bool grow();
+    // The functions that add items return false, or null, when the tree becomes too large.
     TreeItem *push(ItemKind kind, TextSpan text);
     bool addStart(TextSpan name, size_t pinned);
     bool addAttributes(size_t pinned);
