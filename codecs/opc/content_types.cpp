@@ -43,8 +43,9 @@ Result<ContentTypes, Error> ContentTypes::read(const QByteArray &text)
     }
     ContentTypes types;
     types.m_text = text;
-    types.m_prefix = outline->qualified({});
+    types.m_prefix = outline->qualified({}); // "" or the prefix with its colon
     types.m_parts = valuesOf(*outline, "Override", "PartName");
+    // Part names begin with "/", names of members do not.
     for (QByteArray &part : types.m_parts) {
         part.remove(0, part.startsWith('/') ? 1 : 0);
     }

@@ -1,4 +1,6 @@
-// The part [Content_Types].xml of a package.
+// The part [Content_Types].xml of a package (ECMA-376 part 2): the media types of its parts.
+//
+// Every part needs a declaration; programs report a package with an undeclared part as damaged.
 #pragma once
 #include "base/result.h"
 #include "codecs/opc/error.h"
@@ -27,7 +29,7 @@ public:
     /// declaration. Letter case does not count.
     void declareExtension(const QByteArray &extension, const QByteArray &contentType);
 
-    /// The part with the declarations; unchanged if there were none to add.
+    /// The part with the declarations after the old ones; unchanged if there were none to add.
     QByteArray text() const;
 
 private:

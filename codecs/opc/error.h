@@ -10,7 +10,7 @@ enum class Error : quint8 {
     Encoding,   ///< not UTF-8
     Malformed,  ///< not well-formed XML, or a document type declaration
     Unexpected, ///< well-formed, but not the expected part; also a file that is not a package
-    TooLarge,
+    TooLarge,   ///< more markup than a part of a real document has
     // The members of a package
     Damaged,     ///< a member that cannot be read to its end
     NoMember,    ///< a member that is missing or cannot be opened

@@ -114,6 +114,7 @@ char32_t referenced(QByteArrayView reference)
     bool isNumber = false;
     const bool isHex = reference.startsWith("#x");
     const uint code = reference.sliced(isHex ? 2 : 1).toUInt(&isNumber, isHex ? 16 : 10);
+    // A surrogate is not a character (XML 1.0, section 2.2), and no UTF-8 encodes one.
     const bool isSurrogate = code >= 0xD800 && code < 0xE000;
     return isNumber && code <= 0x10FFFF && !isSurrogate ? code : 0;
 }
@@ -190,6 +191,7 @@ std::optional<std::vector<Attribute>> Tag::attributes() const
         if (quote == inside.size() || (inside[quote] != '"' && inside[quote] != '\'')) {
             return std::nullopt;
         }
+        // A space must separate attributes (XML 1.0, section 3.1).
         const qsizetype close = inside.indexOf(inside[quote], quote + 1);
         if (close < 0 || (close + 1 < inside.size() && !isSpace(inside[close + 1]))) {
             return std::nullopt;
@@ -236,6 +238,7 @@ Scan scanMarkup(QByteArrayView text, qsizetype at, Tag *tag, qsizetype *end)
     if (rest.size() > 1 && rest[1] != '!' && rest[1] != '?') {
         return scanTag(text, at, tag, end);
     }
+    // Text that may still become one of the openings is incomplete; any other "<!" is a DTD.
     for (const Section &section : kSections) {
         if (rest.size() < section.opening.size() && section.opening.startsWith(rest)) {
             return Scan::Incomplete;
@@ -283,6 +286,7 @@ bool isUtf8Text(QByteArrayView beginning)
     if (!text.startsWith("<?xml") || text.size() < 6 || !isSpace(text[5])) {
         return true;
     }
+    // The declaration has the syntax of attributes between its name and its end.
     const qsizetype end = text.indexOf("?>");
     Tag declaration;
     declaration.inside = text.sliced(5, qMax<qsizetype>(end - 5, 0));
@@ -308,6 +312,7 @@ QString decoded(QByteArrayView raw)
             break;
         }
         out += QString::fromUtf8(raw.sliced(at, ampersand - at));
+        // An unknown reference stays as it is written, beginning with its "&".
         const QString character = entity(raw.sliced(ampersand + 1, semicolon - ampersand - 1));
         out += character.isEmpty() ? QString(QLatin1Char('&')) : character;
         at = character.isEmpty() ? ampersand + 1 : semicolon + 1;

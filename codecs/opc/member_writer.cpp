@@ -1,3 +1,5 @@
+// A package is a ZIP file (ECMA-376 part 2); this maps the errors of the archive to those
+// of packages. Layout of the archive: codecs/zip.
 #include "codecs/opc/member_writer.h"
 
 namespace corvanta::opc {
@@ -48,7 +50,7 @@ Fault<Error> memberFault(zip::Error error, const QByteArray &member)
 
 Result<void, Error> MemberWriter::open(const QByteArray &name)
 {
-    m_open = name;
+    m_open = name; // for the fault of close()
     return named(m_output.openMember(name), name);
 }
 

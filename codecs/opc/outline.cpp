@@ -1,3 +1,13 @@
+// The elements of a text by depth (XML 1.0, section 3: elements nest, and one of them is the root):
+//
+//   depth 1   <workbook>                   index 0, parent -1
+//   depth 2     <sheets>                   index 1, parent 0
+//   depth 3       <sheet/> <sheet/>        indexes 2 and 3, parent 1
+//   depth 4         ...                    indexed
+//   depth 5           ...                  only checked
+//
+// Four levels hold everything that changes: the entries of the lists of a workbook, of its styles
+// and of its relationships, and their children.
 #include "codecs/opc/outline.h"
 
 namespace corvanta::opc {
@@ -5,6 +15,7 @@ namespace corvanta::opc {
 namespace {
 
 constexpr size_t kIndexedDepth = 4;
+// Bounds for memory: a text of a few MiB could otherwise demand many times its size.
 constexpr size_t kMaxElements = size_t(4) << 20;
 constexpr size_t kMaxDepth = 1'000'000;
 
@@ -54,6 +65,7 @@ bool OutlineReader::take(const Tag &tag)
     if (tag.kind == Tag::Kind::Close) {
         return close(tag);
     }
+    // The attributes are parsed here once, so that users of the outline can rely on them.
     const bool isSecondRoot = m_open.empty() && !m_elements.empty();
     if (isSecondRoot || !tag.attributes()) {
         return false;

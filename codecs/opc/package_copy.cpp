@@ -80,6 +80,8 @@ Result<Relationships, Error> PackageCopy::readRelationships(const QByteArray &pa
 QByteArray PackageCopy::mainPart(const QByteArray &fallback)
 {
     QByteArray part = fallback;
+    // Some programs write packages that only their well-known names make readable, so that a fault
+    // here is not one of the package.
     if (const auto relationships = readRelationships({})) {
         for (const Relationship &one : relationships->entries()) {
             part = isToPart(one, "officeDocument") ? resolvedTarget({}, one.target) : part;

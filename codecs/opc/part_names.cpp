@@ -18,6 +18,8 @@ namespace corvanta::opc {
 
 namespace {
 
+/// The form in which names are compared: part names are equal regardless of ASCII letter case
+/// (ECMA-376 part 2, section 6.2.2).
 QByteArray folded(QByteArray name)
 {
     return name.replace('\\', '/').toLower();
@@ -40,6 +42,7 @@ MemberNames::MemberNames(const std::vector<QByteArray> &names)
 
 std::optional<QByteArray> MemberNames::find(const QByteArray &partName) const
 {
+    // A target is a URI and may be percent-encoded, while members often have the plain name.
     for (const QByteArray &name : {partName, QByteArray::fromPercentEncoding(partName)}) {
         if (const auto exact = m_exact.constFind(name); exact != m_exact.constEnd()) {
             return *exact;

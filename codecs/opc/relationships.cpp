@@ -36,6 +36,7 @@ Relationship relationshipOf(const Tag &tag)
 
 QByteArray textOf(const Relationship &one, const QByteArray &elementName)
 {
+    // The two orders of attributes are those of the drawing above; readers accept any.
     const QByteArray mode = one.isExternal ? QByteArray(" TargetMode=\"External\"") : QByteArray();
     const QByteArray type = " Type=\"" + quotable(one.type) + '"';
     const QByteArray id = " Id=\"" + one.id + '"';

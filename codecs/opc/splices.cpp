@@ -1,3 +1,8 @@
+// Changes are intervals of the old text with the bytes that replace them; an insertion is an empty
+// interval:
+//
+//   old text   ....[begin  end)........|..............
+//   new text   .... added      ........ added ........
 #include "codecs/opc/splices.h"
 
 #include <algorithm>
@@ -12,6 +17,7 @@ void Splices::replace(qsizetype begin, qsizetype end, const QByteArray &added)
 void Splices::append(const Element &element, const QByteArray &added)
 {
     if (element.isEmptyTag()) {
+        // "/>" becomes a tag end, the added bytes and a closing tag.
         replace(element.closeBegin, element.end,
                 '>' + added + "</" + element.tag.name.toByteArray() + '>');
     } else {

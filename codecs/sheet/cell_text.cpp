@@ -20,6 +20,7 @@ namespace {
 
 constexpr char kHexDigits[] = "0123456789ABCDEF";
 
+/// Of either case, as programs read both.
 bool isHex(char16_t unit)
 {
     return (unit >= u'0' && unit <= u'9') || (unit >= u'a' && unit <= u'f') ||
@@ -172,7 +173,7 @@ std::optional<LinkText> parseLink(std::u16string_view text)
     if (text.size() < begin || text.substr(0, opening.size()) != opening) {
         return std::nullopt;
     }
-    // At least four units must follow the middle.
+    // At least four units must follow the middle: with fewer, the whole text is label and URL.
     constexpr size_t kMinLinkUnits = 11;
     const size_t found = text.size() < kMinLinkUnits ? text.npos : text.find(middle, begin);
     const bool hasLabel = found != text.npos && found + 6 < text.size();

@@ -18,7 +18,7 @@ inline constexpr qsizetype kCellCharLimit = 32768;
 /// Characters that the writer accepts in a cell: 4 MiB of UTF-16 for a whole cell, of which its
 /// elements and a final NUL take 69 units.
 inline constexpr qsizetype kMaxCellChars = (qsizetype(4) << 20) / 2 - 69;
-/// The largest number of bytes for one unit: "_x000A_".
+/// The largest number of bytes that one unit becomes: "_x000A_".
 inline constexpr qsizetype kMaxBytesPerUnit = 7;
 /// Bytes that escapeText() may write after its result.
 inline constexpr qsizetype kEscapeSlackBytes = 8;
@@ -31,7 +31,10 @@ inline constexpr qsizetype kShortTextUnits = (kCellCharLimit - 1) / kMaxBytesPer
 char *escapeText(const char16_t *text, qsizetype n, char *out);
 
 /// What escapeLongText() does at kCellCharLimit.
-enum class AtLimit { Crop, Warn };
+enum class AtLimit {
+    Crop, ///< end the text before it
+    Warn  ///< write the whole text, which spreadsheet programs may reject
+};
 
 /// escapeText() for any length. At the piece with which the text reaches kCellCharLimit characters,
 /// Crop ends the text; Warn calls `tooLong` for this piece and each later one. Stops when the text
@@ -40,17 +43,19 @@ enum class AtLimit { Crop, Warn };
 qsizetype escapeLongText(const char16_t *text, qsizetype n, AtLimit atLimit, qsizetype maxChars,
                          const std::function<void()> &tooLong, std::vector<char> *out);
 
-/// Column letters of a 0-based position: 0 -> A, 25 -> Z, 26 -> AA.
+/// Column letters of a 0-based position: 0 -> A, 25 -> Z, 26 -> AA. There is no upper limit;
+/// spreadsheet programs read columns up to XFD (16383).
 QByteArray columnLetters(int column0);
 
-/// A text of the form URL("label","url") or URL("url").
+/// A text of the form URL("label","url") or URL("url"), as views into that text.
 struct LinkText
 {
     std::u16string_view label;
     std::u16string_view url;
 };
 /// The parts of such a text; std::nullopt when it does not begin with URL( or is shorter than 5
-/// units.
+/// units. The form is not checked further: quotes are not verified, a missing end is accepted, and
+/// a text without `","` is both label and URL.
 std::optional<LinkText> parseLink(std::u16string_view text);
 
 } // namespace corvanta::sheet

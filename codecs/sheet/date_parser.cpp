@@ -139,6 +139,7 @@ std::optional<qint64> DateParser::slowMs(std::u16string_view text)
     if (parsed.isValid()) {
         ms = QDateTime(parsed.date(), parsed.time(), Qt::UTC).toMSecsSinceEpoch();
     }
+    // Clearing is enough to bound the memory: a table with so many dates repeats few of them.
     if (m_known.size() >= kMaxKnown) {
         m_known.clear();
     }
@@ -160,6 +161,7 @@ std::optional<double> DateParser::serial(std::u16string_view text)
     if (!ms) {
         return std::nullopt;
     }
+    // One division of whole milliseconds: the fraction is the nearest double to the time.
     double serial = static_cast<double>(*ms + kMsTo1970) / kMsPerDay;
     if (m_monthFix && serial < 61) {
         serial -= 1;

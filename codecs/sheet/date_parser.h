@@ -1,4 +1,4 @@
-// Turns date texts into the serial numbers of worksheets.
+// Turns date texts into the serial numbers of worksheets (ECMA-376 part 1, 18.17.4.1).
 #pragma once
 #include <QDateTime>
 #include <QHash>
@@ -13,12 +13,15 @@
 namespace corvanta::sheet {
 
 /// Formats of fixed-width numbers are parsed here; all others by Qt, whose results are cached,
-/// because tables repeat their dates. Threads: one at a time.
+/// because tables repeat their dates. A text that does not have the fixed width, or is not a date,
+/// is given to Qt as well, which accepts more. Dates without a time zone count as UTC, so that no
+/// hour is missing. Threads: one at a time.
 class DateParser
 {
 public:
-    /// `format` has Qt's date-time syntax. `monthFix`: serials below 61 are decreased by one, as
-    /// the spreadsheet application has a 29 February 1900.
+    /// `format` has Qt's date-time syntax (QDateTime::fromString). `locale` gives the names of
+    /// months and days. `monthFix`: serials below 61 are decreased by one, as the spreadsheet
+    /// application has a 29 February 1900.
     DateParser(const QString &format, const QLocale &locale, bool monthFix);
 
     /// Days since 1899-12-30, with fraction; std::nullopt when the text does not have the format or
@@ -26,7 +29,9 @@ public:
     std::optional<double> serial(std::u16string_view text);
 
 private:
+    /// What a token reads; the fields that a format lacks have Qt's defaults.
     enum class Field : quint8 { Literal, Year, Month, Day, Hour, Minute, Second, Millisecond };
+    /// A number of fixed width, or one literal character.
     struct Token
     {
         Field field;
@@ -35,6 +40,7 @@ private:
     };
     static std::optional<Token> tokenOf(QStringView run);
     void compile();
+    // Milliseconds since 1970-01-01; std::nullopt when the text does not have the format.
     std::optional<qint64> fixedWidthMs(std::u16string_view text) const;
     std::optional<qint64> slowMs(std::u16string_view text);
 
@@ -42,8 +48,8 @@ private:
     QString m_zoneText; // prefix of each text that Qt parses
     QLocale m_locale;
     bool m_monthFix;
-    std::vector<Token> m_tokens; // empty: Qt parses
-    size_t m_width = 0;
+    std::vector<Token> m_tokens;                   // empty: Qt parses
+    size_t m_width = 0;                            // units of a text that m_tokens match
     QHash<QString, std::optional<qint64>> m_known; // cached results of Qt
 };
 

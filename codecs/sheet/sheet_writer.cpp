@@ -102,6 +102,7 @@ void SheetWriter::appendReference(int column)
 bool SheetWriter::putAll(QByteArrayView xml)
 {
     while (!xml.isEmpty()) {
+        // A block is the most that the package gives in one call.
         const qsizetype n = std::min<qsizetype>(xml.size(), zip::PackageWriter::kMaxRoomBytes);
         if (!room(static_cast<size_t>(n))) {
             return false;
@@ -142,6 +143,7 @@ Result<void, Error> SheetWriter::endRow(bool isGood)
 
 Result<void, Error> SheetWriter::putHeader()
 {
+    // As text in every case: a name may look like a number, a formula or a link.
     bool isGood = startRow();
     for (int i = 0; isGood && i < columnCount(); ++i) {
         const std::u16string name = m_columns[static_cast<size_t>(i)].name.toStdU16String();
@@ -220,7 +222,8 @@ bool SheetWriter::putFloat(int column, const uchar *cell)
 inline bool SheetWriter::putFinite(double value)
 {
     append(kValueOpening);
-    // A user's format can print more than kCellBytes. Then that much room is made.
+    // A user's format can print more than kCellBytes. Then that much room is made, in which the
+    // cell continues: what is committed before is not needed again.
     const qsizetype spare = m_end - m_out - static_cast<qsizetype>(sizeof(Markup));
     const qsizetype needed = m_options.floatFormat.put(value, m_out, spare);
     if (needed >= spare) {
@@ -266,6 +269,7 @@ bool SheetWriter::putText(int column, Column::Kind kind, std::u16string_view tex
     if (text.empty()) {
         return true;
     }
+    // The f element holds a formula without its "=" (ECMA-376 part 1, 18.3.1.40).
     const bool startsFormula = text.front() == u'=';
     if (kind == Column::Kind::Formula || (m_options.equalIsFormula && startsFormula)) {
         text.remove_prefix(startsFormula ? 1 : 0);
@@ -283,7 +287,7 @@ bool SheetWriter::putLink(int column, const LinkText &link)
 {
     const QString url(reinterpret_cast<const QChar *>(link.url.data()),
                       static_cast<qsizetype>(link.url.size()));
-    // Cells with one address share its relationship.
+    // Cells with one address share its relationship, so that a repeated address costs only a cell.
     qint64 &number = m_urlNumbers[url];
     if (number == 0) {
         m_urls << url;

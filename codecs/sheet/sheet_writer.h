@@ -1,4 +1,5 @@
-// Formats rows as worksheet XML, directly into the blocks of a package member.
+// Formats rows as worksheet XML, directly into the blocks of a package member. The elements are
+// drawn in sheet_writer.cpp.
 #pragma once
 #include "base/number.h"
 #include "base/result.h"
@@ -16,20 +17,22 @@
 
 namespace corvanta::sheet {
 
+/// Both end the sheet: what was written is not a complete member.
 enum class Error : quint8 {
     WriteFailed, ///< the sink of the package refused a write
     TextTooLong, ///< a text beyond kMaxCellChars
 };
 
-/// Rows and columns that spreadsheet programs read. The writer itself has no such limit.
+/// Rows and columns that spreadsheet programs read (XFD1048576 is the last cell). The writer itself
+/// has no such limit; the caller decides what happens beyond it.
 inline constexpr qint64 kMaxRows = 1048576;
 inline constexpr size_t kMaxColumns = 16384;
 
-/// How cells are written.
+/// How cells are written. The same for all rows of a sheet.
 struct SheetOptions
 {
-    FloatFormat floatFormat;
-    bool noNans = true;          ///< NaN and infinite numbers give no cell
+    FloatFormat floatFormat;     ///< of finite numbers; its text should be a number
+    bool noNans = true;          ///< NaN and infinite numbers give no cell, else a text
     bool equalIsFormula = false; ///< texts that start with "=" are formulas
     bool urlTag = false;         ///< texts of the form of parseLink() are hyperlinks
     bool crop = false;           ///< cut texts below kCellCharLimit
@@ -38,7 +41,7 @@ struct SheetOptions
     int firstDay = 0;            ///< serial that the workbook counts as day 0
 };
 
-/// A column to write.
+/// A column to write. The columns of the sheet are in the order of the list, from A.
 struct Column
 {
     enum class Kind { Date, Formula, Key, Float, Text };
@@ -47,7 +50,8 @@ struct Column
     QString name;           ///< for the header
 };
 
-/// One cell with a hyperlink.
+/// One cell with a hyperlink. The caller writes the hyperlink elements after the rows, and the
+/// addresses as relationships of the sheet.
 struct LinkUse
 {
     qint64 number = 0; ///< of its address, from 1
@@ -55,8 +59,8 @@ struct LinkUse
     int column = 0;    ///< from 0
 };
 
-/// A few characters of fixed XML. It is copied with its whole room, which takes a few
-/// instructions; a copy of the exact length would be a call.
+/// A few characters of fixed XML, at most 48. All 48 bytes are copied, which takes a few
+/// instructions; a copy of the exact length would be a function call.
 struct Markup
 {
     char text[48] = {};
@@ -85,24 +89,29 @@ public:
 
     /// Number of the sheet row that is written next, from 1.
     qint64 row() const { return m_row; }
-    /// Continue at another row; rows must increase.
+    /// Continue at another row; rows must increase, as readers expect them in order.
     void setRow(qint64 row) { m_row = row; }
 
     /// Write XML unchanged. Errors: WriteFailed.
     Result<void, Error> put(QByteArrayView xml);
-    /// Write the names of the columns as a row. Errors: WriteFailed, TextTooLong.
+    /// Write the names of the columns as a row, as texts also where they look like formulas or
+    /// links. Errors: WriteFailed, TextTooLong.
     Result<void, Error> putHeader();
-    /// Write a row. Text cells must be aligned. Errors: WriteFailed, TextTooLong.
+    /// Write a row, also when none of its cells has content. Text cells must be aligned to 2 bytes.
+    /// Missing cells, empty texts and texts that are not dates in a column of dates give no cell.
+    /// Errors: WriteFailed, TextTooLong.
     Result<void, Error> putRow(const RowView &row);
     /// Hand everything formatted so far to the package; call it before any other use of the
     /// package.
+    /// The writer may continue afterwards.
     void commit();
 
     /// The number of written columns.
+    /// Valid also after a fault, like the functions below.
     int columnCount() const { return static_cast<int>(m_columns.size()); }
     /// All cells with hyperlinks, in the order in which they were written.
     const std::vector<LinkUse> &linkUses() const { return m_linkUses; }
-    /// URLs in the order of their numbers, which count from 1.
+    /// URLs in the order of their numbers, which count from 1; each is different.
     const QStringList &urls() const { return m_urls; }
 
 private:
@@ -114,12 +123,17 @@ private:
     {
         return static_cast<size_t>(m_end - m_out) >= bytes || makeRoom(bytes);
     }
+    /// Write XML of any length, a block at a time.
     bool putAll(QByteArrayView xml);
+    // The functions from here to appendReference() need room() for what they append.
     void append(QByteArrayView text);
     void append(const Markup &markup);
+    /// The start of the cell element up to its reference, for example <c r="B7.
     void appendReference(int column);
     bool startRow();
+    /// `isGood`: whether all cells were written. Counts the row.
     Result<void, Error> endRow(bool isGood);
+    // `column` is the position in the sheet, from 0.
     bool putCell(int column, const RowView &row);
     bool putKey(int column, const uchar *cell);
     bool putFloat(int column, const uchar *cell);
@@ -127,9 +141,11 @@ private:
     bool putDate(int column, std::u16string_view text);
     bool putNumberAsDate(int column, cell::Type type, const uchar *cell);
     bool putText(int column, Column::Kind kind, std::u16string_view text);
+    /// The cell has the label as its text; the address is written after the rows, by the caller.
     bool putLink(int column, const LinkText &link);
     bool putEscaped(int column, const Markup &opening, std::u16string_view text,
                     const Markup &closing);
+    /// putEscaped() for a text that may reach kCellCharLimit.
     bool putLongEscaped(int column, const Markup &opening, std::u16string_view text,
                         const Markup &closing);
 
@@ -147,12 +163,13 @@ private:
     qint64 m_row = 1;
     Error m_error = Error::WriteFailed;
 
-    char *m_begin = nullptr; // the room of the package
+    // The room of the package, which is all of one block: up to m_out it is written.
+    char *m_begin = nullptr;
     char *m_out = nullptr;
     char *m_end = nullptr;
 
     std::vector<char> m_longText;
-    QHash<QString, qint64> m_urlNumbers;
+    QHash<QString, qint64> m_urlNumbers; // of m_urls, from 1
     QStringList m_urls;
     std::vector<LinkUse> m_linkUses;
 };

@@ -4,9 +4,11 @@
 //   _rels/.rels                             rId1 -> xl/workbook.xml
 //   xl/_rels/workbook.xml.rels              rId1 -> the sheet, rId2 -> the styles
 //   xl/styles.xml                           cell formats: 0 general, 1 dates, 2 hyperlinks
-//   xl/worksheets/sheet1.xml                worksheet: sheetViews, sheetData, hyperlinks,
-//   pageMargins xl/workbook.xml                         fileVersion, bookViews, sheets,
-//   definedNames xl/worksheets/_rels/sheet1.xml.rels     addresses of hyperlinks, if there are any
+//   xl/worksheets/sheet1.xml                sheetViews, sheetData, hyperlinks, pageMargins
+//   xl/workbook.xml                         fileVersion, bookViews, sheets, definedNames
+//   xl/worksheets/_rels/sheet1.xml.rels     addresses of hyperlinks, if there are any
+//
+// The elements of each part are in the order of its schema, which readers rely on.
 #include "codecs/xlsx/fixed_parts.h"
 
 #include "codecs/opc/content_types.h"
@@ -60,6 +62,7 @@ constexpr char kStylesHead[] = XML_DECLARATION
     "<font><u/><sz val=\"11\"/><color theme=\"10\"/><name val=\"Calibri\"/><family "
     "val=\"2\"/><scheme val=\"minor\"/></font>"
     "</fonts>"
+    // Programs expect these two fills at the indexes 0 and 1.
     "<fills count=\"2\"><fill><patternFill patternType=\"none\"/></fill>"
     "<fill><patternFill patternType=\"gray125\"/></fill></fills>"
     "<borders count=\"1\"><border><left/><right/><top/><bottom/><diagonal/></border></borders>"

@@ -1,4 +1,5 @@
 // The parts of a new workbook with one sheet: fixed texts, and the texts that depend on the rows.
+// All texts are UTF-8; fixed_parts.cpp lists the members. Threads: pure functions.
 #pragma once
 #include "codecs/xlsx/namespaces.h"
 
@@ -14,11 +15,12 @@ namespace corvanta::xlsx {
 /// A package member whose content does not depend on the rows.
 struct FixedMember
 {
-    const char *name;
+    const char *name; ///< in the package, for example "xl/styles.xml"
     QByteArray content;
 };
 
-/// The members before the sheet, in writing order. `dateFormat` as for numberFormatId().
+/// The members before the sheet, in writing order, which begins with the content types. They name
+/// the sheet and the workbook that are written later. `dateFormat` as for numberFormatId().
 QList<FixedMember> leadingMembers(int dateFormat);
 /// The styles part, one of them. Its cell format 1 is that of dates, 2 that of hyperlinks.
 QByteArray newStyles(int dateFormat);
@@ -26,11 +28,12 @@ QByteArray newStyles(int dateFormat);
 inline constexpr char kSheetPart[] = "xl/worksheets/sheet1.xml";
 inline constexpr char kWorkbookPart[] = "xl/workbook.xml";
 
-/// The sheet up to its first row.
+/// The sheet up to its first row, with its XML declaration. Not only for new workbooks: an update
+/// that adds a sheet passes the family of the workbook.
 QByteArray newSheetHead(const Family &family);
-/// The root tag in it.
+/// The root tag in it, which declares the prefix r for ids of relationships.
 QByteArray newSheetRoot(const Family &family);
-/// The sheet after its last row.
+/// The sheet after its last row; it has the place for hyperlinks (see withHyperlinks()).
 QByteArray newSheetTail();
 
 /// A named range of cells, from column A on.
@@ -41,10 +44,12 @@ struct NamedRange
     qint64 lastRow = 1;  ///< inclusive
     int lastColumn = 0;  ///< from 0, inclusive
 };
-/// The reference to its cells: 'Sheet'!$A$1:$C$9.
+/// The reference to its cells: 'Sheet'!$A$1:$C$9 (ECMA-376 part 1, 18.17.2.3). Not escaped for XML.
 QString rangeReference(const NamedRange &range, QString sheetName);
 
-/// The workbook part with one sheet.
+/// The workbook part with one sheet, and with a defined name if `range` is set. Kept for saved
+/// graphs: "<" in `sheetName` is not escaped, so such a name makes the part invalid; the caller
+/// warns about it.
 QByteArray newWorkbook(const QString &sheetName, const std::optional<NamedRange> &range);
 
 } // namespace corvanta::xlsx

@@ -1,10 +1,12 @@
 // The namespaces of workbooks in their two families (ECMA-376 part 1 for strict, part 4 for
-// transitional workbooks).
+// transitional workbooks). New workbooks are transitional, which all programs read; an update keeps
+// the family of the workbook, because one package must not mix them.
 #pragma once
 #include <QByteArrayView>
 
 namespace corvanta::xlsx {
 
+/// URIs without a "/" at the end.
 struct Family
 {
     QByteArrayView main;          ///< of workbooks, sheets and styles

@@ -1,4 +1,7 @@
-// Writes a new workbook with one sheet.
+// Writes a new workbook with one sheet (ECMA-376 part 1; the transitional family).
+//
+// The sheet is written before the workbook part, because a named range is known only after the
+// rows.
 #pragma once
 #include "codecs/xlsx/workbook_target.h"
 
@@ -9,8 +12,8 @@ namespace corvanta::xlsx {
 class NewWorkbook final : public WorkbookTarget
 {
 public:
-    /// `dateFormat` as for numberFormatId(). The name of the sheet is written as it is; see
-    /// newWorkbook().
+    /// `dateFormat` as for numberFormatId(). The name of the sheet is not shortened or checked; see
+    /// newWorkbook() and shortSheetName().
     NewWorkbook(const QString &sheetName, int dateFormat)
         : m_dateFormat(dateFormat)
     {

@@ -188,6 +188,8 @@ Result<void, Error> SheetSplitter::takeRoot(const Tag &tag)
     m_prefix = tag.prefix().toByteArray();
     m_rowName = opc::qualified(m_prefix, "row");
     m_formulaName = opc::qualified(m_prefix, "f");
+    // Only the root's prefix is searched for: it is bound to the main namespace, and programs use
+    // one prefix throughout.
     m_rowsEnd = '/' + opc::qualified(m_prefix, "sheetData");
     m_depth = 1;
     return {};
@@ -274,6 +276,7 @@ Result<void, Error> SheetSplitter::takeRow(const Tag &tag)
         keepUpTo(tag.begin);
         m_place = Place::DroppedRows;
     }
+    // The maximum: rows may be out of order in files of careless programs.
     m_lastRow = std::max(m_lastRow, row);
     return {};
 }

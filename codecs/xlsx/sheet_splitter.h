@@ -2,8 +2,9 @@
 //
 // The bytes before that place, the head, are copied with two changes: an empty sheetData element is
 // opened, and the dimension element, which would become wrong, is left out (it is optional). Rows
-// from the place on are dropped, and everything after sheetData is kept as the tail. Memory: one
-// piece and the tail.
+// from the place on are dropped, and everything after sheetData is kept as the tail. Rows in the
+// head are not parsed beyond their tags, and their bytes do not change. Memory: one piece and the
+// tail.
 #pragma once
 #include "base/result.h"
 #include "codecs/opc/error.h"
@@ -27,10 +28,12 @@ public:
     {
     }
 
-    /// Take the next bytes of the sheet. Errors: Encoding, Malformed, Unexpected (no worksheet, or
+    /// Take the next bytes of the sheet; a piece may end anywhere, also inside a character. After a
+    /// fault no other call is allowed. Errors: Encoding, Malformed, Unexpected (no worksheet, or
     /// an invalid row number), TooLarge.
     Result<void, opc::Error> push(QByteArrayView piece);
-    /// End the sheet. Errors: as push().
+    /// End the sheet, and check that the tail is well-formed. Errors: as push(); Malformed also for
+    /// a sheet that is truncated.
     Result<void, opc::Error> finish();
 
     /// The bytes before the new rows that are known after push() and finish(). Each byte is
@@ -40,9 +43,9 @@ public:
     // After finish():
     /// The number that the first new row gets.
     quint64 firstRow1() const { return m_startRow == kAppend ? m_lastRow + 1 : m_startRow; }
-    /// From the closing tag of sheetData to the end.
+    /// From the closing tag of sheetData to the end, unchanged.
     const QByteArray &tail() const { return m_tail; }
-    /// Whether a dropped row contained a formula.
+    /// Whether a dropped row contained a formula; the workbook's calculation chain is then wrong.
     bool hasDroppedFormula() const { return m_hasDroppedFormula; }
     /// The worksheet's root tag, for the names of its namespaces.
     const QByteArray &rootTag() const { return m_rootTag; }
@@ -50,17 +53,22 @@ public:
     Family family() const { return m_family; }
 
 private:
+    /// Where the scan is: before sheetData, in its rows before and after the place, or after it.
     enum class Place : quint8 { Front, Rows, DroppedRows, Tail };
 
     Result<void, opc::Error> scan();
+    /// False when the text ends before or inside the next markup.
     Result<bool, opc::Error> takeNext();
+    // In the front: depth 1 is the root, depth 2 its children.
     Result<void, opc::Error> takeFrontTag(const opc::Tag &tag);
     Result<void, opc::Error> closeFrontTag(const opc::Tag &tag);
     Result<void, opc::Error> takeRoot(const opc::Tag &tag);
     void openSheetData(const opc::Tag &tag);
+    // In the rows, nearly all of the sheet.
     qsizetype findRowsMarkup() const;
     Result<void, opc::Error> takeRowsTag(const opc::Tag &tag);
     Result<void, opc::Error> takeRow(const opc::Tag &tag);
+    /// Move the text before `offset` to the head, unless it is dropped.
     void keepUpTo(qsizetype offset);
 
     quint64 m_startRow;

@@ -1,4 +1,5 @@
-// The tail of a worksheet: the text from the closing tag of sheetData to the end.
+// The tail of a worksheet: the text from the closing tag of sheetData to the end. It is edited
+// after the rows, when all hyperlinks are known. Threads: pure functions.
 #pragma once
 #include "base/result.h"
 #include "codecs/opc/error.h"

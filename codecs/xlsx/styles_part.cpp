@@ -28,6 +28,8 @@ using opc::Outline;
 using opc::Splices;
 using opc::Tag;
 
+// Far above the ids that programs give to own formats, which start at 164: an id at or above it was
+// added by an update, and its format can be used again.
 constexpr quint64 kFirstFormatId = 2001;
 
 /// Reads the tables of a part and collects the changes to them.

@@ -1,4 +1,5 @@
-// Adds the cell formats of dates and hyperlinks to the styles part of a workbook.
+// Adds the cell formats of dates and hyperlinks to the styles part of a workbook (ECMA-376 part 1,
+// 18.8). Threads: pure functions.
 #pragma once
 #include "base/result.h"
 #include "codecs/opc/error.h"
@@ -12,14 +13,15 @@ namespace corvanta::xlsx {
 /// `code` is not empty, one of the workbook's own.
 struct DateFormat
 {
-    int builtinId = 0;
-    QByteArray code = {}; ///< must need no escaping
+    int builtinId = 0;    ///< numFmtId from the list in 18.8.30; ignored with a code
+    QByteArray code = {}; ///< as in formatCode (18.8.31); must need no escaping
 };
 
 /// Date formats by their index, 0 to 11: 0 to 2 are formats of the workbook's own, 3 to 11 built-in
 /// ones. Other indexes count as the nearest of these.
 DateFormat dateFormatAt(int index);
-/// The numFmtId of that format; the own formats have the ids from `ownBase` on.
+/// The numFmtId of that format; the own formats have the ids starting at `ownBase`. Ids
+/// below 164 are reserved for built-in formats.
 int numberFormatId(int index, int ownBase);
 
 struct StylesChange
@@ -31,7 +33,9 @@ struct StylesChange
     bool hadNoCellFormats = false;
 };
 
-/// The text with two more cell formats. Errors: Encoding, Malformed, Unexpected (no styleSheet),
+/// The text with two more cell formats, a font for hyperlinks and, if needed, a number format; the
+/// font and the number format are used again if a former update added them. Existing formats keep
+/// their indexes. Errors: Encoding, Malformed, Unexpected (no styleSheet),
 /// TooLarge.
 Result<StylesChange, opc::Error> changedStyles(QByteArrayView text, const DateFormat &dateFormat);
 

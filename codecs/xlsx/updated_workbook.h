@@ -16,18 +16,21 @@ namespace corvanta::xlsx {
 class UpdatedWorkbook final : public WorkbookTarget
 {
 public:
-    /// Read the parts that an update changes. `source` must outlive the workbook. `isRunning` as
-    /// for opc::PackageCopy. Errors: NoMember, Damaged, and those of the texts of the parts.
+    /// Read the parts that an update changes; nothing is written before begin(). `source` must
+    /// outlive the workbook. `isRunning` as for opc::PackageCopy. Errors: NoMember, Damaged, and
+    /// those of the texts of the parts.
     static Result<std::unique_ptr<UpdatedWorkbook>, opc::Error>
     open(zip::PackageReader &source, std::function<bool()> isRunning);
 
     /// The workbook as read.
     const Workbook &workbook() const { return m_workbook; }
 
-    /// Rows go into a new sheet after the others.
+    /// Rows go into a new sheet after the others. `name` must be free in the workbook and short
+    /// enough; see freeSheetName().
     void addSheet(const QString &name);
     /// Rows go into sheet `index` (from 0): from row `startRow1` (1-based) on, or after the last
-    /// row for SheetSplitter::kAppend. Errors: NoMember, Damaged, and those of the texts.
+    /// row for SheetSplitter::kAppend. Errors: Unexpected (the sheet has no relationship to a
+    /// part), NoMember, Damaged, and those of the texts.
     Result<void, opc::Error> changeSheet(size_t index, quint64 startRow1);
 
     enum class CellFormats : quint8 {
@@ -35,7 +38,9 @@ public:
         AddedTable, ///< the part had no table of cell formats
         NotAdded,   ///< no styles part (one is added), or one that cannot be read
     };
-    /// Add the formats of date and hyperlink cells. `dateFormat` as for dateFormatAt().
+    /// Add the formats of date and hyperlink cells. Does not fail: with NotAdded the update
+    /// continues, and cells have the formats 1 and 2 of the workbook, whatever these are.
+    /// `dateFormat` as for dateFormatAt().
     CellFormats addCellFormats(int dateFormat);
 
     // See WorkbookTarget.
@@ -53,6 +58,7 @@ private:
     }
 
     Result<void, opc::Error> readParts();
+    // Names of parts: of a new sheet, and of the relationships of the written sheet.
     QByteArray freeSheetPart() const;
     QByteArray addRelationship(const char *kind, const QByteArray &part);
     QByteArray sheetRelationshipPart() const;

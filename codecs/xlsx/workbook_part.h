@@ -1,4 +1,5 @@
-// The workbook part: reads its sheets, and changes its text for an update.
+// The workbook part (ECMA-376 part 1, 18.2): reads its sheets, and changes its text for an update.
+// Threads: pure functions.
 #pragma once
 #include "base/result.h"
 #include "codecs/opc/error.h"
@@ -30,8 +31,9 @@ struct Workbook
     quint32 freeSheetId() const;
 };
 
-/// Read the sheets of the part. Errors: Encoding, Malformed, Unexpected (no workbook, or one
-/// without sheets), TooLarge.
+/// Read the sheets of the part. Chart sheets and hidden sheets are among them. A sheet without a
+/// valid id or relationship is read with 0 or an empty text. Errors: Encoding, Malformed,
+/// Unexpected (no workbook, or one without sheets), TooLarge.
 Result<Workbook, opc::Error> readWorkbook(QByteArrayView text);
 
 struct DefinedName
@@ -51,13 +53,14 @@ struct WorkbookChange
     bool recalculate = false;
 };
 
-/// The text with the change applied. Errors: as readWorkbook.
+/// The text with the change applied; all other bytes are as read. Errors: as readWorkbook.
 Result<QByteArray, opc::Error> changedWorkbook(QByteArrayView text, const WorkbookChange &change);
 
-/// UTF-16 units of the name of a sheet.
+/// UTF-16 units of the name of a sheet, at most; programs reject longer ones.
 inline constexpr qsizetype kMaxSheetNameUnits = 31;
 
-/// `name` cut to kMaxSheetNameUnits, without half a surrogate pair.
+/// `name` cut to kMaxSheetNameUnits, without half a surrogate pair. Characters that programs do not
+/// allow in names of sheets are kept.
 QString shortSheetName(const QString &name);
 /// The same, with "_2", "_3", ... appended (the name is cut further for it) if a sheet in `taken`
 /// has the name. Letter case counts.

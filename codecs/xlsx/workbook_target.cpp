@@ -1,3 +1,6 @@
+// What new and updated workbooks have in common: the end of the sheet, and the relationships of its
+// links. The ids in the sheet and in the relationships must agree; both count from `takenIds` + 1
+// in the order in which the addresses were first used.
 #include "codecs/xlsx/workbook_target.h"
 
 #include "codecs/xlsx/sheet_tail.h"

@@ -15,8 +15,10 @@ struct WorkbookEnd
     bool recalculate = false;             ///< programs calculate all formulas when they open it
 };
 
-/// Order of the calls: setCellFormats(), begin(), openSheet(), the rows, finishSheet(), finish().
-/// Errors are those of opc::PackageCopy and of the texts of the parts. Threads: one at a time.
+/// Rows are written with the SheetWriter that the caller creates after begin() in the open member.
+/// After a fault no other call is allowed, and the caller discards the package. Order of the calls:
+/// setCellFormats(), begin(), openSheet(), the rows, finishSheet(), finish(). Errors are those of
+/// opc::PackageCopy and of the texts of the parts. Threads: one at a time.
 class WorkbookTarget
 {
 public:
@@ -34,7 +36,7 @@ public:
     virtual Result<void, opc::Error> openSheet(sheet::SheetWriter &sheet) = 0;
     /// Write the rest of the sheet.
     virtual Result<void, opc::Error> finishSheet(sheet::SheetWriter &sheet) = 0;
-    /// Write the other members and the directory of the package.
+    /// Write the other members and the directory of the package, which is then complete.
     virtual Result<void, opc::Error> finish(const sheet::SheetWriter &sheet,
                                             const WorkbookEnd &end) = 0;
 
@@ -52,6 +54,7 @@ protected:
     static void addAddresses(opc::Relationships *relationships, const sheet::SheetWriter &sheet,
                              const Family &family, quint64 takenIds);
 
+    // Set by the derived class before begin().
     QString m_sheetName;
     opc::MemberWriter *m_output = nullptr; // set by begin()
 };
