@@ -61,6 +61,7 @@ std::vector<size_t> removeAcyclicLevels(const std::vector<ComposeLevel> &levels)
 std::vector<Column> LevelCompiler::findAll() const
 {
     std::vector<Column> found;
+    found.reserve(static_cast<size_t>(m_columns.columns));
     for (int i = 0; i < m_columns.columns; ++i) {
         found.push_back({{i, m_columns.type(i)}});
     }
@@ -155,18 +156,24 @@ int LevelCompiler::findCyclicLevel(const std::vector<ComposeLevel> &levels)
     return static_cast<int>(at);
 }
 
+static void addNewColumns(const ComposeOperation &operation, QSet<int> *seen,
+                          std::vector<int> *columns)
+{
+    for (const Column &column : operation.columns) {
+        if (!seen->contains(column.input)) {
+            seen->insert(column.input);
+            columns->push_back(column.input);
+        }
+    }
+}
+
 std::vector<int> writtenColumns(const std::vector<ComposeLevel> &levels)
 {
     QSet<int> seen;
     std::vector<int> columns;
     for (const ComposeLevel &level : levels) {
         for (const ComposeOperation &operation : level.operations) {
-            for (const Column &column : operation.columns) {
-                if (!seen.contains(column.input)) {
-                    seen.insert(column.input);
-                    columns.push_back(column.input);
-                }
-            }
+            addNewColumns(operation, &seen, &columns);
         }
     }
     return columns;
