@@ -93,7 +93,7 @@ void Relationships::add(const Relationship &relationship)
 
 QByteArray Relationships::addPart(const QString &type, const QString &target)
 {
-    const QByteArray id = kIdPrefix + QByteArray::number(++m_highestId);
+    QByteArray id = kIdPrefix + QByteArray::number(++m_highestId);
     add({id, type, target});
     return id;
 }

@@ -11,7 +11,7 @@ Result<void, Error> NewWorkbook::begin(opc::MemberWriter &output)
 {
     m_output = &output;
     for (const FixedMember &member : leadingMembers(m_dateFormat)) {
-        if (const auto written = output.write(member.name, member.content); !written) {
+        if (auto written = output.write(member.name, member.content); !written) {
             return written;
         }
     }

@@ -26,7 +26,7 @@ Result<void, Error> WorkbookTarget::putTail(sheet::SheetWriter &sheet, const QBy
         }
         text = std::move(*linked);
     }
-    if (const auto done = put(sheet, text); !done) {
+    if (auto done = put(sheet, text); !done) {
         return done;
     }
     sheet.commit();
