@@ -76,8 +76,13 @@ void RowWriter::finish()
     // Cleared first: finish() may be called twice, and complete() may fail.
     const bool wasComplete = m_isComplete;
     m_isComplete = false;
-    if (wasComplete && runIsGood()) {
-        complete();
+    try {
+        if (wasComplete && runIsGood()) {
+            complete();
+        }
+    } catch (...) { // for example without memory: no temporary file may stay
+        release(wasComplete);
+        throw;
     }
     release(wasComplete);
 }

@@ -5,6 +5,8 @@
 //   all others             copied in the order of the template's directory, unless put or reserved
 #include "codecs/opc/package_copy.h"
 
+#include <algorithm>
+
 namespace corvanta::opc {
 
 namespace {
@@ -113,7 +115,14 @@ QByteArray PackageCopy::reserve(const QByteArray &part)
 
 void PackageCopy::put(const QByteArray &part, const QByteArray &content)
 {
-    m_put.emplace_back(reserve(part), content);
+    const QByteArray member = reserve(part);
+    const auto same = std::find_if(m_put.begin(), m_put.end(),
+                                   [&](const auto &put) { return put.first == member; });
+    if (same != m_put.end()) {
+        same->second = content;
+        return;
+    }
+    m_put.emplace_back(member, content);
 }
 
 Result<void, Error> PackageCopy::copyMembers(MemberWriter &output)

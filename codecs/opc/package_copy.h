@@ -54,8 +54,8 @@ public:
     /// copy. Errors: NoMember, Damaged, those of ContentTypes::read.
     Result<ContentTypes *, Error> contentTypes();
 
-    /// Replace the content of a part, or add the part. The caller declares its content type and
-    /// relationship.
+    /// Replace the content of a part, or add the part; the last call for a part counts. The caller
+    /// declares its content type and relationship.
     void put(const QByteArray &part, const QByteArray &content);
     /// Leave a part out of copyMembers(); the caller writes it afterwards, or not at all. Returns
     /// memberOf(part).

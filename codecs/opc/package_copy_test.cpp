@@ -77,6 +77,7 @@ Result<void, Error> fill(PackageCopy &copy, MemberWriter &output)
     const QByteArray id =
         relationships->addPart(QStringLiteral("o/image"), targetOf(document, "word/media/b.png"));
     (*types)->declareExtension("png", "image/png");
+    copy.put("word/media/a.png", "replaced below");
     copy.put("word/media/a.png", "new");
     copy.put("word/media/b.png", "added");
     const QByteArray member = copy.reserve(document);

@@ -165,10 +165,8 @@ bool ActionBase::runGuarded()
 
 char ActionBase::close()
 {
-    guarded([this] {
-        finish();
-        ActionItem::close();
-    });
+    guarded([this] { finish(); });
+    guarded([this] { ActionItem::close(); }); // also when finish() threw
     return m_errorFlag;
 }
 

@@ -55,6 +55,8 @@ bool isPipeOrDevice(const QString &name)
 TargetFile::Done TargetFile::open(const QString &name, Options options)
 {
     discard();
+    m_temporary.clear(); // an open() that failed leaves its name
+    m_appends = m_existed = false;
     m_options = std::move(options);
     m_target = name;
     // Checked before links are followed: what /dev/stdout leads to may have no name of its own.

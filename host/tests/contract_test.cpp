@@ -193,4 +193,10 @@ TEST(TargetFile, TheTargetChangesOnlyAtCommit)
     EXPECT_EQ(QFile::permissions(name) & (QFile::ReadGroup | QFile::ReadOther),
               QFile::Permissions());
     EXPECT_FALSE(TargetFile().open(dir.filePath(u"no/folder"_s), {}));
+    // After a failed open() a device must not inherit the temporary name, which commit() would
+    // rename.
+    EXPECT_FALSE(target.open(dir.filePath(u"no/folder"_s), {}));
+    ASSERT_TRUE(target.open(u"/dev/null"_s, {}));
+    EXPECT_TRUE(target.temporaryName().isEmpty());
+    EXPECT_TRUE(target.commit());
 }
