@@ -38,6 +38,7 @@ struct TextDecoder::Converter
     }
     Converter(const Converter &) = delete;
     Converter &operator=(const Converter &) = delete;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the value that iconv_open() returns on failure
     bool isOpen() const { return handle != reinterpret_cast<iconv_t>(-1); }
 
     /// Convert until the input ends or is invalid. Advances `in` and `out`. Returns 0, or the errno

@@ -47,7 +47,7 @@ Result<void, MarkupError> MarkupTokenizer::setEncoding(CharMode mode, const QByt
                                                        InvalidBytes invalid)
 {
     m_encodingGiven = true;
-    const auto set = m_source.setEncoding(mode, name, invalid);
+    auto set = m_source.setEncoding(mode, name, invalid);
     m_pendingError = set ? std::nullopt : std::optional(set.fault().code);
     return set;
 }
