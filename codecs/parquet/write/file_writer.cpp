@@ -83,7 +83,7 @@ std::unique_ptr<Statistics> statisticsOf(const ValueRange &range, Storage storag
 
 } // namespace
 
-FileWriter::FileWriter(ByteSink &sink, std::vector<WriterColumn> columns,
+FileWriter::FileWriter(ByteSink &sink, const std::vector<WriterColumn> &columns,
                        const WriteOptions &options, PageCompressor &compressor)
     : m_sink(sink)
     , m_compressor(compressor)

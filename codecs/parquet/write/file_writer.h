@@ -17,8 +17,8 @@ class FileWriter
 {
 public:
     /// `sink`, at its start, and `compressor` must outlive the writer.
-    FileWriter(ByteSink &sink, std::vector<WriterColumn> columns, const WriteOptions &options,
-               PageCompressor &compressor);
+    FileWriter(ByteSink &sink, const std::vector<WriterColumn> &columns,
+               const WriteOptions &options, PageCompressor &compressor);
 
     /// Write the bytes before the rows. Errors: WriteFailed.
     Result<void, Error> begin();
