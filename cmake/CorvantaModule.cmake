@@ -1,6 +1,6 @@
 # corvanta_module(NAME SOURCES ... [TESTS ...] [PUBLIC ...] [PRIVATE ...] [TEST_LIBS ...])
 #
-# A static library corvanta_NAME and, from the tests that lie beside the sources, one test program
+# A static library corvanta_NAME and, from the tests in the folder of the sources, one test program
 # NAME_test whose cases are found by ctest. PUBLIC and PRIVATE are what the library links: this list,
 # and nothing else, says what a folder may include.
 include(GoogleTest)

@@ -249,7 +249,7 @@ ParameterForm::Field ParameterForm::makeChoice(const ParameterInfo &info, int in
             [=, this] { edit(box, index, box->currentData().toString()); });
     return {box, [box](const QString &value) {
                 if (box->findData(value) < 0) {
-                    box->addItem(value, value); // saved by somebody else: kept
+                    box->addItem(value, value); // saved by another program: kept
                 }
                 box->setCurrentIndex(box->findData(value));
             }};

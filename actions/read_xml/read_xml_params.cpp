@@ -57,7 +57,8 @@ ParamGroup<P> columnsAndText()
         flag("addOnlyText", &P::addOnlyText)
             .label("Only the text of an element")
             .meaning("Reads all the text in an element, including its sub-elements, without tags "
-                     "and with blanks collapsed. Off: only the text directly in the element."),
+                     "and with each run of spaces as one space. Off: only the text directly in the "
+                     "element."),
         flag("zeroBased", &P::zeroBased)
             .label("Indexes in paths count from 0")
             .meaning("Indexes in paths count from 0. Off: from 1."),

@@ -41,7 +41,7 @@ bool runProgram(const QString &program, const QStringList &arguments,
         return false;
     }
     platform::addToJob(process, MainUI::getJobHandle());
-    // Nobody reads its output, so a full pipe must not block it.
+    // Its output is not read, so a full pipe must not block it.
     process.closeReadChannel(QProcess::StandardOutput);
     process.closeReadChannel(QProcess::StandardError);
     process.closeWriteChannel();

@@ -118,7 +118,7 @@ TEST(TextBlock, TakesPiecesUpToItsSizeAndRefusesLongerOnes)
         Bytes bytes;
         TextBlock block(Encoding::Utf8, bytes.drain());
         block.append(u"before");
-        // Three bytes for each unit: more than the lower half takes at once.
+        // Three bytes for each unit: more than the lower half takes in one call.
         const std::u16string large(static_cast<size_t>(units), u'\u20AC');
         block.append(large);
         block.append(u"after");

@@ -4,7 +4,7 @@
 //     text
 //
 //     ","            before every element of a comma-separated level but its first
-//     line-break     for readable XML: "\n" and blanks; else empty
+//     line-break     for readable XML: "\n" and spaces; else empty
 //
 // The values of one operation, each of which may be left out with what surrounds it:
 //

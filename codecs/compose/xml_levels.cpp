@@ -1,6 +1,6 @@
 // The pieces that items become; "a" and "b" are columns:
 //
-//     attributes         a="1" b="text"       each with a blank before it
+//     attributes         a="1" b="text"       each with a space before it
 //     subtags            <a>1</a><b>text</b>
 //     in quotes          "1"
 //     in a tag           1
@@ -115,7 +115,7 @@ public:
         return ComposeOperation{};
     }
 
-    /// A line feed and the blanks before an element of `level`, or before what is `deeper` in it.
+    /// A line feed and the spaces before an element of `level`, or before what is `deeper` in it.
     QString lineBreak(size_t level, int deeper) const
     {
         return m_layout.indent

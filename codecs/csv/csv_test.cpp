@@ -157,7 +157,7 @@ private:
 
 } // namespace
 
-TEST(RecordWriter, QuotesOnlyWhatNeedsItAndTellsMissingFromEmpty)
+TEST(RecordWriter, QuotesOnlyWhereNeededAndDistinguishesMissingFromEmpty)
 {
     const TextRow row({u"plain, long enough for a block"_s, u""_s, QString(), u"a\"b"_s, u"\r"_s,
                        u"semi;colon"_s, u" é😀 "_s});

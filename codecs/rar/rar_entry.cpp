@@ -56,7 +56,7 @@ constexpr int kMaxBlocks = 1000;
 
 Fault<Error> damaged(qint64 offset)
 {
-    return {Error::BadHeader, QStringLiteral("a header of the archive is damaged or cut off"),
+    return {Error::BadHeader, QStringLiteral("a header of the archive is damaged or truncated"),
             offset};
 }
 

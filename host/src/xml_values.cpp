@@ -118,7 +118,7 @@ const wchar_t *ToXMLStringTool::toXML(const QString &text)
         case L'\'':
             *m_buffer += L"&apos;";
             break;
-        // Attribute values are normalised by readers: plain line ends and tabs would become blanks.
+        // Attribute values are normalised by readers: plain line ends and tabs would become spaces.
         case L'\n':
             *m_buffer += L"&#10;";
             break;

@@ -223,7 +223,7 @@ TEST_F(EngineTest, APreviewOfAPinThatDoesNotExistFails)
     EXPECT_FALSE(preview("nobody", 0));
 }
 
-TEST_F(EngineTest, AListenerOfTheFirstRowsLetsItsSourceEndWell)
+TEST_F(EngineTest, AListenerOfTheFirstRowsEndsItsSourceWithoutAnError)
 {
     for (const qint64 most : {0, 1, 10, 2000}) {
         qint64 rows = 0;

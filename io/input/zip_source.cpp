@@ -215,7 +215,7 @@ qint64 ZipSource::read(void *buffer, qint64 n)
     char *const out = static_cast<char *>(buffer);
     const qint64 got = m_inflater ? inflate(out, n) : readStored(out, n);
     if (got < 0) {
-        return fail(QStringLiteral("the zip member '%1' is damaged or cut off").arg(m_name));
+        return fail(QStringLiteral("the zip member '%1' is damaged or truncated").arg(m_name));
     }
     // A small archive must not unpack to any size.
     if (got > size() - m_done) {

@@ -174,7 +174,7 @@ private:
         while (left() > 0) {
             const size_t n = static_cast<size_t>(std::min<qint64>(left(), kPieceBytes));
             if (!ar_entry_uncompress(rar.get(), piece.data(), n)) {
-                return damaged("is damaged or packed in an unsupported way");
+                return damaged("is damaged or compressed by an unsupported method");
             }
             auto delivered = deliver({piece.data(), n});
             if (!delivered) {
@@ -207,7 +207,7 @@ private:
         while (true) {
             const la_ssize_t got = archive_read_data(rar.get(), piece.data(), piece.size());
             if (got < 0) {
-                return damaged("is damaged or packed in an unsupported way");
+                return damaged("is damaged or compressed by an unsupported method");
             }
             if (got == 0) {
                 return {};
@@ -234,7 +234,7 @@ Result<std::unique_ptr<RarArchive>, RarError> openRarArchive(const QString &path
     }
     // Checked here because libunarr writes messages about truncated data to standard error.
     if (entry->packedSize > file.size() - entry->dataAt) {
-        return Fault<RarError>{RarError::Refused, entryMessage(*entry, "is cut off")};
+        return Fault<RarError>{RarError::Refused, entryMessage(*entry, "is truncated")};
     }
     if (entry->isStored) {
         return std::unique_ptr<RarArchive>(std::make_unique<StoredRar>(path, *entry));

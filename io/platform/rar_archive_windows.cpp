@@ -144,7 +144,7 @@ public:
         if (result != Success || m_done != m_size) {
             return Fault<RarError>{
                 RarError::Damaged,
-                QStringLiteral("the RAR entry is damaged or packed in an unsupported way")};
+                QStringLiteral("the RAR entry is damaged or compressed by an unsupported method")};
         }
         return {};
     }
@@ -191,7 +191,7 @@ Result<std::unique_ptr<RarArchive>, RarError> openRarArchive(const QString &path
     auto archive = std::make_unique<UnrarArchive>(library, handle);
     if (library.readHeader(handle, header.get()) != Success) {
         return Fault<RarError>{RarError::Refused,
-                               QStringLiteral("a header of the archive is damaged or cut off")};
+                               QStringLiteral("a header of the archive is damaged or truncated")};
     }
     if ((header->flags & HeaderEncrypted) != 0) {
         return Fault<RarError>{RarError::Refused, QStringLiteral("it is encrypted")};

@@ -48,7 +48,7 @@ class Case(unittest.TestCase):
 
 
 class Head(Case):
-    def test_numbers_stand_right_and_texts_left(self):
+    def test_numbers_are_aligned_right_and_texts_left(self):
         self.put("in.csv", 'k,long name,t\n7,0.25,a\n,-1e300,\n4294967293,nan,""\n')
         self.assertEqual(self.corvanta("head", "in.csv", "--reader", "types=K,F,U").stdout,
                          "         k  long name  t\n"
@@ -74,7 +74,7 @@ class Head(Case):
             shown = self.corvanta("head", "in.csv", *words).stdout.splitlines()
             self.assertTrue([line.strip() for line in shown[2:]] == [str(i) for i in range(rows)], words)
 
-    def test_rows_behind_those_that_are_measured_are_whole(self):
+    def test_rows_after_the_measured_ones_are_whole(self):
         self.put("in.csv", "n,m\n" + "x,x\n" * 1000 + "yyy,x\n")
         self.assertEqual(self.corvanta("head", "in.csv", "-n", "2000").stdout.splitlines()[-2:], ["x  x", "yyy  x"])
 
@@ -95,7 +95,7 @@ class Head(Case):
         self.assertEqual(shown, ["a", "-" * 40, "x" * 39 + "…", "and 2 more columns: b, c"])
         self.assertEqual(self.on_terminal(200, "head", "in.csv").splitlines()[2], "x" * 39 + "…  " + "y" * 39 + "…  z")
 
-    def test_damage_behind_the_rows_that_are_shown_is_not_looked_at(self):
+    def test_damage_after_the_shown_rows_is_not_read(self):
         self.put("in.json", "[" + '{"a":1},' * 20 + "]]]")
         self.assertEqual(self.corvanta("head", "in.json", "-n", "20").stderr, "")
         self.assertEqual(self.corvanta("head", "in.json", "-n", "21", status=1).stdout, "")

@@ -133,7 +133,7 @@ class Writers(unittest.TestCase):
     def test_nested_xml_comes_back_through_the_reader(self):
         self.table += [[1000, 1, 0.5, "two\r\nlines\tand &#65; ]]>"]]
         self.write_table("in.csv", self.table)
-        # What stands between tags loses the blanks in front; nothing between them is a missing value.
+        # Text between tags loses the spaces before it; nothing between them is a missing value.
         self.nested_xml_comes_back(["key"], ["number", "text"], [row[:3] + [(row[3] or "").lstrip() or None] for row in self.table])
 
     def test_nested_xml_comes_back_from_attributes(self):

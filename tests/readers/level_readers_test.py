@@ -42,7 +42,7 @@ class Runs(unittest.TestCase):
         _, lines = process.communicate(timeout=30)
         return process.returncode, [json.loads(line)["message"] for line in lines.splitlines()]
 
-    def test_rows_that_fail_tell_nothing_about_paths(self):
+    def test_rows_that_fail_say_nothing_about_paths(self):
         os.mkfifo(self.folder / "rows.csv")
         for name, document in DOCUMENTS.items():
             process = self.start(
@@ -59,7 +59,7 @@ class Runs(unittest.TestCase):
             self.assertEqual((status, len(messages)), (1, 1), messages)
             self.assertIn("line 50002", messages[0])
 
-    def test_a_stopped_run_tells_nothing_about_paths(self):
+    def test_a_stopped_run_says_nothing_about_paths(self):
         for name, document in DOCUMENTS.items():
             (self.folder / "in").write_text(document * 4_000_000)
             results = []

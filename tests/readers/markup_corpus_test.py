@@ -113,7 +113,7 @@ HTML_GOLDENS = {
 # The program that wrote the goldens took scripts for text, and the UTF-8 of a page that does not declare it for Latin-1.
 SCRIPT = re.compile(r"//<!\[CDATA\[.*?//\]\]>")
 TAKEN_FOR_LATIN1 = {"small/unicode_1.html.table1.csv"}
-# Pages that are cut off in the middle of a section or a tag, or hold no element.
+# Pages that are truncated in the middle of a section or a tag, or hold no element.
 UNREADABLE = {
     "libxml2/758518-tag.html": "Error: Invalid char in tag name", "libxml2/758606_2.html": "Error: Unmatched clear tag end",
     "libxml2/758518-entity.html": "Warning: No XML/JSON tag found", "libxml2/758605.html": "Warning: No XML/JSON tag found",
@@ -137,7 +137,7 @@ NOT_WELL_FORMED = {
     "<, ]]> and control characters": {"sa": {14, 25, 26, 29, 30, 31, 32, 33, 166, 167, 171, 172, 173, 174, 177}},
     "the characters of references": {"sa": {93, 142, 143, 144, 145}},
     "attributes that repeat or touch each other": {"sa": {38, 186}},
-    "what stands beside the document element": {"sa": {36, 37, 40, 41, 43, 44, 48, 51, 52, 105, 106, 163}},
+    "text outside the document element": {"sa": {36, 37, 40, 41, 43, 44, 48, 51, 52, 105, 106, 163}},
     "the encoding of short documents": {"sa": {168, 169, 170}},
 }
 

@@ -8,7 +8,7 @@
 
 namespace corvanta::test {
 
-/// The corpus' folder: $CORVANTA_CORPUS, else ../shared/corpus beside the project; empty without
+/// The corpus' folder: $CORVANTA_CORPUS, else ../shared/corpus next to the project; empty without
 /// one.
 inline QString corpusDir()
 {

@@ -1,4 +1,4 @@
-// A sink in memory that fails when it is told to.
+// A sink in memory that fails on request.
 #pragma once
 #include "base/byte_sink.h"
 

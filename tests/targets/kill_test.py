@@ -3,7 +3,7 @@
 
 Each writer replaces, updates or adds to a file that is there. Its run is killed and interrupted at random moments and, under strace,
 killed before each system call that changes files; each of those calls is made to fail in turn. Afterwards the file is the old one,
-byte for byte, or the whole new one, a failed run says so, and only a killed run leaves files beside it.
+byte for byte, or the whole new one, a failed run says so, and only a killed run leaves other files in its folder.
 """
 import contextlib
 import dataclasses
@@ -35,7 +35,7 @@ class Writer:
     element: str
     targets: list
     appends: bool = False  # in place: a killed run may leave more than the old file, never less
-    leaves: str = None     # what a failed run leaves beside the target
+    leaves: str = None     # what a failed run leaves in the target's folder
 
 
 WRITERS = [
@@ -93,7 +93,7 @@ class Kill(unittest.TestCase):
         for name in self.targets():
             (self.folder / name).write_bytes(self.old(name))
 
-    def beside(self):
+    def other_files(self):
         return {path.name for path in self.folder.iterdir()} - self.given - set(self.targets())
 
     def command(self, *inject):
@@ -129,8 +129,8 @@ class Kill(unittest.TestCase):
     def running(self, wait):
         """A run that has been writing for `wait` seconds, or has ended."""
         with subprocess.Popen(self.command(), stderr=subprocess.DEVNULL) as process:
-            before = self.beside()
-            while process.poll() is None and self.beside() == before:
+            before = self.other_files()
+            while process.poll() is None and self.other_files() == before:
                 time.sleep(0.001)
             time.sleep(wait)
             yield process
@@ -165,7 +165,7 @@ class Kill(unittest.TestCase):
                 self.assertTrue(time.monotonic() - sent < STOP_SECONDS or status == 0, "the run did not end within a second")
             interrupted += status == 130
             self.check_whole(killed=False)
-            self.assertEqual(self.beside(), set())
+            self.assertEqual(self.other_files(), set())
         self.assertGreater(interrupted, 0, "every run had ended: the table is too small")
 
     def each_call(self, calls, effect, check):
@@ -184,7 +184,7 @@ class Kill(unittest.TestCase):
         for writer in writers:
             self.prepare([writer], SMALL)
             yield writer
-            for name in [*self.beside(), *self.targets()]:
+            for name in [*self.other_files(), *self.targets()]:
                 (self.folder / name).unlink(missing_ok=True)
 
     def test_killed_before_each_call(self):
@@ -202,7 +202,7 @@ class Kill(unittest.TestCase):
                 self.assertIn("old", states)
                 self.assertIn(str(self.folder), done.stderr)
             left = {path.name for path in self.folder.glob(writer.leaves)} if writer.leaves and done.returncode else set()
-            self.assertEqual(self.beside() - left, set())
+            self.assertEqual(self.other_files() - left, set())
 
         for writer in self.each_writer():
             for calls, error in FAILURES:

@@ -1,4 +1,4 @@
-// Blocks of 16 bytes are compared at once. Columns only matter after the last line break, so that
+// Blocks of 16 bytes are compared in one step. Columns only matter after the last line break, so that
 // the bytes before it are only searched for breaks.
 #include "codecs/markup/text/line_counter.h"
 

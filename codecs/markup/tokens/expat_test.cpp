@@ -2,10 +2,10 @@
 // elements, attributes and text are the same.
 //
 // On purpose otherwise, and made equal here before the comparison:
-//  - blanks in front of a text and texts of blanks alone are no text (what joins the pieces of an
+//  - spaces before a text and texts of spaces alone are no text (what joins the pieces of an
 //  element's
 //    text puts them back between two of them),
-//  - line ends and blanks in attributes stay as they are written, whatever a DTD says of them,
+//  - line ends and spaces in attributes stay as they are written, whatever a DTD says of them,
 //  - default attributes of a DTD are not added, "&nbsp;" and its like in any case are known.
 // Documents with entities of their own (DTD) are left out: what they name is an unknown entity
 // here.

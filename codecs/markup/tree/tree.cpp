@@ -196,7 +196,7 @@ bool MarkupTreeBuilder::addLeaves()
     return true;
 }
 
-/// Add an element with at most one text; it is complete at once.
+/// Add an element with at most one text; it is complete immediately.
 inline bool MarkupTreeBuilder::addLeaf(const MarkupTokenizer::Leaf &leaf)
 {
     const size_t pinned = m_tokenizer->pinnedOffset();

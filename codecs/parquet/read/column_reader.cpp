@@ -133,7 +133,7 @@ ColumnReader::Done ColumnReader::readDictionary(const Page &page)
         m_column.valueBytes != 0 ? static_cast<size_t>(m_column.valueBytes) : kLengthBytes;
     // Check the number before it becomes the size of an allocation.
     if (static_cast<size_t>(page.numValues) > m_data.size() / smallest) {
-        return bad(u"its dictionary is cut off"_s);
+        return bad(u"its dictionary is truncated"_s);
     }
     reserveRows(m_column, page.numValues, *dictionary);
     if (auto done = decodePlain(page.numValues, *dictionary); !done) {
@@ -216,7 +216,7 @@ ColumnReader::Done ColumnReader::startBooleanRuns(std::span<const uchar> data)
     m_values = Values::BooleanRuns;
     // Some writers omit the runs in a page that has only nulls.
     if (!data.empty() && !takeCounted(data, runs)) {
-        return bad(u"the values of a page are cut off"_s);
+        return bad(u"the values of a page are truncated"_s);
     }
     m_runs = HybridDecoder(runs, 1);
     return {};
@@ -285,7 +285,7 @@ ColumnReader::Done ColumnReader::decodeLevels(qsizetype rows, qsizetype &values)
         unpackBits(m_levelBits.data() + m_levelAt / 8, rows, m_levels.data());
         m_levelAt += rows;
     } else if (!m_levelRuns.read(m_levels.data(), rows)) {
-        return bad(u"the levels of a page are cut off or damaged"_s);
+        return bad(u"the levels of a page are truncated or damaged"_s);
     }
     values = std::count(m_levels.begin(), m_levels.end(), uchar(1));
     return {};
@@ -322,14 +322,14 @@ ColumnReader::Done ColumnReader::decodePlain(qsizetype n, CellBlock &block)
 {
     if (m_column.valueBytes == 0) {
         if (!takeTexts(n)) {
-            return bad(u"the values of a page are cut off"_s);
+            return bad(u"the values of a page are truncated"_s);
         }
         convertBytes(m_column, m_texts, block);
         return {};
     }
     const auto width = static_cast<size_t>(m_column.valueBytes);
     if (static_cast<size_t>(n) > m_data.size() / width) {
-        return bad(u"the values of a page are cut off"_s);
+        return bad(u"the values of a page are truncated"_s);
     }
     convertFixed(m_column, m_data.data(), n, block);
     m_data = m_data.subspan(static_cast<size_t>(n) * width);
@@ -343,7 +343,7 @@ ColumnReader::Done ColumnReader::decodeIndexes(qsizetype n, CellBlock &block)
     }
     m_indexes.resize(static_cast<size_t>(n));
     if (!m_runs.read(m_indexes.data(), n)) {
-        return bad(u"the values of a page are cut off"_s);
+        return bad(u"the values of a page are truncated"_s);
     }
     // One check of the largest index replaces a check per value in gather().
     const quint32 largest = *std::max_element(m_indexes.begin(), m_indexes.end());
@@ -377,7 +377,7 @@ ColumnReader::Done ColumnReader::decodeBooleans(qsizetype n, CellBlock &block)
 {
     std::vector<uchar> values(static_cast<size_t>(n));
     if (!takeBooleans(values)) {
-        return bad(u"the values of a page are cut off"_s);
+        return bad(u"the values of a page are truncated"_s);
     }
     convertFixed(m_column, values.data(), n, block);
     return {};

@@ -326,7 +326,7 @@ void ParamLines::saveChild(const void *params, const void *defaults, std::wostre
         out << L"/>\n";
         return;
     }
-    // Content must not get line feeds or blanks around it: they would be part of the value.
+    // Content must not get line feeds or spaces around it: they would be part of the value.
     out << (end == End::Content ? L">" : L">\n");
     saveChildren(params, defaults, out, indent.deeper());
     if (end == End::Children) {
