@@ -9,7 +9,6 @@
 #include "input_graph.h"
 #include "session.h"
 
-#include <cmath>
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -17,8 +16,9 @@ using namespace corvanta;
 
 namespace {
 
-/// Columns and, for texts, the length of the longest one in bytes of UTF-8.
-struct Widths
+/// Columns and, for texts, the length of the longest one in bytes of UTF-8, the encoding in which
+/// the formats with fixed widths store texts.
+struct Lengths
 {
     TableSchema columns;
     QVector<qsizetype> longest;
@@ -28,49 +28,31 @@ struct Widths
         longest.resize(columns.names.size());
         for (int i = 0; i < row.numberOfColumns(); ++i) {
             const bool isText = columns.types[i].type() == MetaInfo::Unknown;
-            // Bytes of UTF-8, the encoding in which the formats with fixed widths store texts.
-            const qsizetype bytes = isText ? row.text(i).toUtf8().size() : 0;
-            longest[i] = std::max(longest[i], bytes);
+            longest[i] = std::max(longest[i], isText ? row.text(i).toUtf8().size() : 0);
         }
+    }
+    QVector<TextLength> ofTexts() const
+    {
+        QVector<TextLength> texts;
+        for (qsizetype i = 0; i < columns.names.size(); ++i) {
+            if (columns.types[i].type() == MetaInfo::Unknown) {
+                texts.push_back({columns.names[i], longest.value(i)});
+            }
+        }
+        return texts;
     }
 };
 
-/// The column declarations for a format that stores texts in fixed widths. The width is that of the
-/// longest text, times f1, plus f2 bytes.
-QString declarations(const Widths &widths, const ActionParameters &writer)
-{
-    const auto valueOf = [&](const QString &name, double without) {
-        const int index = writer.indexOfParameter(name);
-        return index < 0 ? without : writer.parameterValue(index).toDouble();
-    };
-    const double factor = valueOf(u"f1"_s, 1);
-    const double extra = valueOf(u"f2"_s, 0);
-    ToXMLStringTool tool;
-    QString xml = u"<StringColDef>"_s;
-    for (qsizetype i = 0; i < widths.columns.names.size(); ++i) {
-        if (widths.columns.types[i].type() == MetaInfo::Unknown) {
-            const qsizetype longest = widths.longest.value(i);
-            const auto width =
-                static_cast<qint64>(std::ceil(static_cast<double>(longest) * factor + extra));
-            // A width of 0 is invalid, also for a column that is always missing.
-            xml += u"<CD n='%1' l='%2' ol='%3'/>"_s.arg(
-                QString::fromWCharArray(tool.toXML(widths.columns.names[i])),
-                QString::number(std::max<qint64>(width, 1)), QString::number(longest));
-        }
-    }
-    return xml + "</StringColDef>"_L1;
-}
-
 /// Reads the input once and measures its texts.
-CommandResult<Widths> measure(Session &session, const CorvantaGraph &input,
-                              const ActionRegistry &registry)
+CommandResult<Lengths> measure(Session &session, const CorvantaGraph &input,
+                               const ActionRegistry &registry)
 {
-    Widths widths;
+    Lengths lengths;
     // Called on the listener's thread, which has ended when session.run() returns.
     const auto addRow = [&](const TableSchema &columns, const OneRow *row) {
-        widths.columns = columns;
+        lengths.columns = columns;
         if (row != nullptr) {
-            widths.add(*row);
+            lengths.add(*row);
         }
         return true;
     };
@@ -80,7 +62,7 @@ CommandResult<Widths> measure(Session &session, const CorvantaGraph &input,
     if (const auto done = session.run(input, registry, std::move(options)); !done) {
         return done.fault();
     }
-    return widths;
+    return lengths;
 }
 
 /// Reads the input once and declares the widths of its texts, if the writer needs declarations and
@@ -88,16 +70,15 @@ CommandResult<Widths> measure(Session &session, const CorvantaGraph &input,
 CommandResult<void> declareWidths(Session &session, const CorvantaGraph &input,
                                   const ActionRegistry &registry, ActionParameters *writer)
 {
-    const int index = writer->indexOfParameter(u"StringColDef"_s);
     // Declarations that the user gave are used unchanged.
-    if (index < 0 || !writer->parameterValue(index).isEmpty()) {
+    if (!writer->needsTextLengths()) {
         return {};
     }
-    const auto widths = measure(session, input, registry);
-    if (!widths) {
-        return widths.fault();
+    const auto lengths = measure(session, input, registry);
+    if (!lengths) {
+        return lengths.fault();
     }
-    writer->setParameterValue(index, declarations(*widths, *writer));
+    writer->setTextLengths(lengths->ofTexts());
     return {};
 }
 

@@ -114,6 +114,14 @@ int fileParameter(const ActionParameters &parameters, FileFormat::Use use)
     return static_cast<int>(found - infos.begin());
 }
 
+/// The name of that parameter of a type of action.
+QString fileAttribute(const ActionRegistry &registry, const QString &type, FileFormat::Use use)
+{
+    const auto action = registry.create(parsed(u"<%1/>"_s.arg(type)), nullptr);
+    const auto &parameters = dynamic_cast<const ActionParameters &>(*action);
+    return parameters.parameters()[fileParameter(parameters, use)].name;
+}
+
 } // namespace
 
 CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const ActionRegistry &registry,
@@ -130,7 +138,8 @@ CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const ActionRegistry &
     }
     const QString type = QString::fromLatin1(found->type);
     // A new action chooses defaults by the extension of its file, which a compressed file hides.
-    const XMLNode element = parsed(u"<%1 fileName='file.%2'/>"_s.arg(type, extension));
+    const QString attribute = fileAttribute(registry, type, use);
+    const XMLNode element = parsed(u"<%1 %2='file.%3'/>"_s.arg(type, attribute, extension));
     std::unique_ptr<ActionItem> action = registry.create(element, nullptr);
     auto *const parameters = dynamic_cast<ActionParameters *>(action.get());
     // Absolute, because the graph has no file whose folder a relative name could start from.

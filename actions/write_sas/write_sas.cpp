@@ -7,4 +7,9 @@ ActionWriteSAS::ActionWriteSAS(const XMLNode &saved, GlobalParameters *parameter
 {
 }
 
+void ActionWriteSAS::setTextLengths(const QVector<TextLength> &longest)
+{
+    m_params.stringColumns = measuredColumns(longest, m_params.f1, m_params.f2);
+}
+
 } // namespace corvanta

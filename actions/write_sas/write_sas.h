@@ -14,6 +14,8 @@ class ActionWriteSAS final : public PendingAction<ActionWriteSAS, WriteSasParams
 {
 public:
     ActionWriteSAS(const XMLNode &saved, GlobalParameters *parameters);
+    bool needsTextLengths() const override { return m_params.stringColumns.empty(); }
+    void setTextLengths(const QVector<TextLength> &longest) override;
     static const ParamTable<WriteSasParams> &paramTable() { return writeSasParamTable(); }
 };
 

@@ -7,4 +7,9 @@ ActionWriteSASXPT::ActionWriteSASXPT(const XMLNode &saved, GlobalParameters *par
 {
 }
 
+void ActionWriteSASXPT::setTextLengths(const QVector<TextLength> &longest)
+{
+    m_params.stringColumns = measuredColumns(longest);
+}
+
 } // namespace corvanta

@@ -14,6 +14,8 @@ class ActionWriteSASXPT final : public PendingAction<ActionWriteSASXPT, WriteSas
 {
 public:
     ActionWriteSASXPT(const XMLNode &saved, GlobalParameters *parameters);
+    bool needsTextLengths() const override { return m_params.stringColumns.empty(); }
+    void setTextLengths(const QVector<TextLength> &longest) override;
     static const ParamTable<WriteSasXptParams> &paramTable() { return writeSasXptParamTable(); }
 };
 

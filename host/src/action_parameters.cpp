@@ -48,6 +48,13 @@ bool ActionParameters::fillFromInput(int)
     return true;
 }
 
+bool ActionParameters::needsTextLengths() const
+{
+    return false;
+}
+
+void ActionParameters::setTextLengths(const QVector<TextLength> & /*longest*/) {}
+
 std::span<const FileFormat> ActionParameters::fileFormats() const
 {
     return {};

@@ -63,6 +63,13 @@ struct InputTable
     bool isChosen = false; ///< the parameters read this table; true for at most one
 };
 
+/// The longest text of a column.
+struct TextLength
+{
+    QString column;
+    qsizetype bytes = 0; ///< of UTF-8
+};
+
 /// Implemented by actions whose parameters are declared in a table. Threads: the owner's.
 class CORVANTA_EXPORT ActionParameters
 {
@@ -89,6 +96,12 @@ public:
     virtual QVector<InputTable> inputTables();
     /// The files that the action reads or writes; none by default.
     virtual std::span<const FileFormat> fileFormats() const;
+
+    /// Whether the action stores texts in fixed widths and no width is declared yet. A host that
+    /// can read the input twice then measures its texts and calls setTextLengths() before the run.
+    virtual bool needsTextLengths() const;
+    /// Declare the width of every text column. Without effect for an action that needs none.
+    virtual void setTextLengths(const QVector<TextLength> &longest);
 
     /// "text", "integer", ... as `describe` prints it.
     static QString typeName(ParameterInfo::Type type);
