@@ -1,5 +1,5 @@
-// Blocks of 16 bytes are compared in one step. Columns only matter after the last line break, so that
-// the bytes before it are only searched for breaks.
+// Blocks of 16 bytes are compared in one step. Columns only matter after the last line break, so
+// that the bytes before it are only searched for breaks.
 #include "codecs/markup/text/line_counter.h"
 
 #include "codecs/markup/text/scan.h"
