@@ -20,6 +20,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <numeric>
 
 using namespace Qt::StringLiterals;
 
@@ -93,10 +94,8 @@ ParameterForm::ParameterForm(QWidget *parent, ActionItem *action)
     form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     form->setLabelAlignment(Qt::AlignLeft);
     // Fields keep the number of their parameter, whatever their position in the form.
-    std::vector<int> order;
-    for (int i = 0; i < infos.size(); ++i) {
-        order.push_back(i);
-    }
+    std::vector<int> order(static_cast<size_t>(infos.size()));
+    std::iota(order.begin(), order.end(), 0);
     std::stable_sort(order.begin(), order.end(),
                      [&](int a, int b) { return rank(infos[a]) < rank(infos[b]); });
     for (const int index : order) {

@@ -36,7 +36,7 @@ static_assert(std::size(kCodePage437) == 128 + 1);
 QString decodeName(QByteArrayView raw, uLong flags)
 {
     QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString name = utf8(raw);
+    QString name = utf8(raw);
     if ((flags & kUtf8Flag) != 0 || !utf8.hasError()) {
         return name;
     }
