@@ -9,6 +9,7 @@ ActionItem *CorvantaWriteReport::createAction(int index, unsigned int)
 }
 
 /// What a host of the earlier generation asks before it loads the module.
+// NOLINTNEXTLINE(readability-identifier-naming): hosts look the function up by this name
 extern "C" Q_DECL_EXPORT const char *qt_plugin_query_verification_data()
 {
     return "pattern=QT_PLUGIN_VERIFICATION_DATA\n"

@@ -21,7 +21,7 @@ public:
     /// `types` are the enumerators of the writer's item types in order, from 0, with their texts.
     /// Any other number is kept as it is.
     template <class Type>
-    explicit WriteLevelTables(std::initializer_list<Choice<Type>> types)
+    WriteLevelTables(std::initializer_list<Choice<Type>> types)
         : WriteLevelTables(textsOf(types))
     {
     }
