@@ -8,7 +8,7 @@ ActionItem *CorvantaWriteReport::createAction(int index, unsigned int)
     return corvanta::createCatalogueAction(static_cast<unsigned int>(index));
 }
 
-/// What a host of the earlier generation asks before it loads the module.
+/// Hosts of the earlier generation check this text before they load the module.
 // NOLINTNEXTLINE(readability-identifier-naming): hosts look the function up by this name
 extern "C" Q_DECL_EXPORT const char *qt_plugin_query_verification_data()
 {

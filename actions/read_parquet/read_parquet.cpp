@@ -131,7 +131,7 @@ FileSeries::Opened ActionReadParquet::unreadable(const QString &name,
                                                  const Fault<parquet::Error> &fault)
 {
     const Fault result{FileSeries::OpenError::Unreadable};
-    // Reads fail also because the run has ended, which is no fault of the file.
+    // Reads also fail after the run has ended. The file is then not damaged.
     if (!runIsGood()) {
         return result;
     }

@@ -206,7 +206,7 @@ inline qsizetype unitsBefore(unsigned bits)
     return __builtin_ctz(bits) / 2;
 }
 
-// The parts of copyClean(), which have its contract. Inlined by force: they run for every cell.
+// The parts of copyClean(), which have its contract. Always inlined: they run for every cell.
 
 /// Copy the end of a text of at least eight units, all of which but the last seven are known to be
 /// clean: the last eight units, which overlap these.

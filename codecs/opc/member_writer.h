@@ -1,6 +1,6 @@
 // Writes members into a new package, with faults that name the member.
 //
-// A refused write is final here: the sink of the package repeats it if anybody wants that.
+// A refused write is final here. Only the sink of the package (TargetFile) may retry it.
 #pragma once
 #include "base/result.h"
 #include "codecs/opc/error.h"

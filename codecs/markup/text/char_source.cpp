@@ -216,7 +216,7 @@ Result<qsizetype, MarkupError> CharSource::read(char *out, qsizetype room)
 qsizetype CharSource::readUtf8(char *out, qsizetype room)
 {
     // First the bytes that peek() read or the last call put back, then bytes of the source. It is
-    // not asked for more before the bytes at hand were delivered: asking may advance it to another
+    // not read again before the buffered bytes are delivered: a read may advance it to another
     // row.
     for (bool asks = rawLeft() == 0;; asks = true) {
         qsizetype n = std::min(rawLeft(), room);
@@ -330,7 +330,7 @@ qsizetype CharSource::readUtf32(char *out, qsizetype room)
     return at - out;
 }
 
-/// Run iconv on the bytes at hand; returns its errno, or 0.
+/// Run iconv on the buffered bytes; returns its errno, or 0.
 int CharSource::runIconv(char **out, size_t *room)
 {
     char *in = rawAt();

@@ -36,7 +36,7 @@ char lower(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
 }
 
-/// The value of a digit, or -1. (Not a Result: this runs for every digit.)
+/// The value of a digit, or -1. Not a Result, because it runs for every digit.
 int digitValue(char c, int base)
 {
     const char l = lower(c);

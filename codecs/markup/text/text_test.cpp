@@ -93,9 +93,9 @@ TEST(Scan, StopsAtTheSameBytesAsTheCharacterClasses)
             const auto byte = static_cast<char>(c);
             const QByteArray name = QByteArray(before, 'n') + byte + QByteArray(kReadAhead, 0);
             const QByteArray space = QByteArray(before, ' ') + byte + QByteArray(kReadAhead, 0);
-            const qsizetype behind = before + 1;
-            EXPECT_EQ(skipNameChars(name) - name, isNameChar(byte) ? behind : before) << c;
-            EXPECT_EQ(skipSpaces(space) - space, isSpace(byte) ? behind : before) << c;
+            const qsizetype after = before + 1;
+            EXPECT_EQ(skipNameChars(name) - name, isNameChar(byte) ? after : before) << c;
+            EXPECT_EQ(skipSpaces(space) - space, isSpace(byte) ? after : before) << c;
         }
     }
 }

@@ -228,7 +228,7 @@ TEST(XmlTokenizer, UsesTheGivenEncoding)
 
 namespace {
 
-/// Breaks off with a failure behind its bytes.
+/// Fails after its last byte.
 class FailingSource final : public ByteSource
 {
 public:
