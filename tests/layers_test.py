@@ -140,6 +140,9 @@ def wrong_links(root):
         for name in sorted(set(re.findall(r"\w+", text)) & set(home)):
             if home[name] not in allowed_layers(layer_of(path)):
                 yield f"{path}: {layer_of(path)} does not see {name} of {home[name]}"
+    for source in [root / "CMakeLists.txt", *sorted((root / "cmake").glob("*.cmake"))]:
+        for name in sorted(set(re.findall(r"\w+", source.read_text(encoding="utf-8"))) & set(home)):
+            yield f"{source.relative_to(root)}: {name} belongs into the CMakeLists.txt of {home[name]}"
 
 
 def wrong_order(root):
@@ -204,6 +207,7 @@ FAULTS = [
     ({"cli/more.cpp": '#include "codecs/zip/zip.h"\n'}, "cli/more.cpp: codecs/"),
     ({"base/CMakeLists.txt": "corvanta_module(base SOURCES cell.cpp PRIVATE corvanta_zip)\n"}, "base/CMakeLists.txt: base does"),
     ({"CMakeLists.txt": "add_subdirectory(codecs)\nadd_subdirectory(base)\n"}, "CMakeLists.txt: the layers"),
+    ({"cmake/Links.cmake": "target_link_libraries(corvanta_base PUBLIC corvanta_zip)\n"}, "cmake/Links.cmake: corvanta_base belongs"),
 ]
 
 
