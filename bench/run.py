@@ -3,7 +3,7 @@
 
 Each job (jobs.py) runs in turn with its peer, where that is installed; the figures are medians. Inputs are generated from
 a fixed seed and are in the page cache. --save stores the medians in baseline.json. --compare runs no peers, prints the
-ratio of each median to that of the baseline and exits with 1 if one is more than 3 % larger. With another bin folder,
+ratio of each median to that of the baseline and exits with 1 if one is more than 3 % larger or not stored. With another bin folder,
 --compare runs both programs in turn instead: that is the comparison to trust, because the machine is in the same state.
 """
 import argparse
@@ -127,8 +127,7 @@ def compare_with_other(bench, job, name, other_bin):
 
 def compare_with_baseline(bench, job, name, baseline):
     if name not in baseline["jobs"]:
-        print("  (not in the baseline)")
-        return []
+        return [f"{name}: not in the baseline; store it with --save"]
     return compare(name, bench.with_peer(job, None)[0], baseline["jobs"][name])
 
 
@@ -185,7 +184,7 @@ def main():
     with tempfile.TemporaryDirectory(prefix="corvanta_bench_") as name:
         grown = run_jobs(args, rows, Bench(pathlib.Path(name), args.bin, rows, runs))
     if grown:
-        sys.exit(f"more than {MAX_RATIO - 1:.0%} larger: " + "; ".join(grown))
+        sys.exit(f"More than {MAX_RATIO - 1:.0%} larger, or unknown:\n  " + "\n  ".join(grown))
 
 
 if __name__ == "__main__":
