@@ -248,12 +248,11 @@ bool ActionReadCsv::describeColumns()
     return declareSortOrder(row);
 }
 
-bool ActionReadCsv::putCell(int column, const csv::Field &field, OneRow *row)
+bool ActionReadCsv::putCell(int column, const csv::Field &field, OneRow *row, RowBuffer *buffer)
 {
     if (field.size == 0 && !field.isQuoted) {
         return true; // cells are missing until they are set
     }
-    RowBuffer *const buffer = bufferForOutputPin(0);
     bool ok = true;
     switch (m_types[column]) {
     case MetaInfo::Unknown:
@@ -303,8 +302,9 @@ bool ActionReadCsv::emitRow()
                    QString::number(columns)));
     }
     OneRow *const row = getOutputRowForOutputPin(0);
+    RowBuffer *const buffer = bufferForOutputPin(0); // not for each cell: this is a hot loop
     for (size_t i = 0; i < columns; ++i) {
-        if (!putCell(static_cast<int>(i), fields[i], row)) {
+        if (!putCell(static_cast<int>(i), fields[i], row, buffer)) {
             return false;
         }
     }

@@ -57,7 +57,7 @@ private:
     bool nextRecord();
     bool emitRow();
     /// Convert one field; an empty one without quotes is a missing cell.
-    bool putCell(int column, const csv::Field &field, OneRow *row);
+    bool putCell(int column, const csv::Field &field, OneRow *row, RowBuffer *buffer);
     // Log the error with its place in the file. Return false.
     bool failRecord(csv::Error code);
     bool failCell(const csv::Field &field, const QString &column, MetaInfo::MetaTypeColumn type);
