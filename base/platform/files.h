@@ -13,7 +13,8 @@
 namespace corvanta::platform {
 
 /// Owns an open file. Offsets and sizes are in bytes. Failures are reported like those of the
-/// system calls, by false or -1; the caller knows the file's name and words the message.
+/// system calls, by false or -1, and SystemError::ofLastCall() has the reason. The caller knows the
+/// file's name and words the message.
 class FileHandle
 {
 public:
@@ -35,8 +36,8 @@ public:
         Append,    ///< Create the file, or move to the end of an existing one.
         Exclusive, ///< Create the file, or fail if it exists.
     };
-    /// Open a file. Check isOpen(). Folders do not open. `sequential` announces that the file is
-    /// read from start to end.
+    /// Open a file. Check isOpen(). Folders do not open (EISDIR). `sequential` announces that the
+    /// file is read from start to end.
     static FileHandle openForRead(const QString &name, bool sequential);
     static FileHandle openForWrite(const QString &name, Create create);
 

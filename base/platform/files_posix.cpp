@@ -57,9 +57,10 @@ FileHandle FileHandle::openForRead(const QString &name, bool sequential)
         repeated([&] { return ::open(native(name).constData(), O_RDONLY | O_CLOEXEC); });
     // open() accepts a folder, and only reading from it fails.
     struct stat facts = {};
-    if (file.isOpen() &&
-        (::fstat(static_cast<int>(file.m_handle), &facts) != 0 || S_ISDIR(facts.st_mode))) {
+    if (file.isOpen() && ::fstat(static_cast<int>(file.m_handle), &facts) == 0 &&
+        S_ISDIR(facts.st_mode)) {
         file.close();
+        errno = EISDIR;
     }
     if (file.isOpen() && sequential) {
         ::posix_fadvise(static_cast<int>(file.m_handle), 0, 0, POSIX_FADV_SEQUENTIAL);

@@ -170,9 +170,17 @@ char ActionBase::close()
     return m_errorFlag;
 }
 
-bool ActionBase::fail(const QString &text)
+void ActionBase::explain(const QString &reason)
+{
+    if (!reason.isEmpty()) {
+        MainUI::addLog(MainUI::Info, u"Reason: %1.\n"_s.arg(reason));
+    }
+}
+
+bool ActionBase::fail(const QString &text, const QString &reason)
 {
     MainUI::addLog(MainUI::Error, text);
+    explain(reason);
     // Outside a run, for example in fillFromInput(), there is nothing to fail but the call.
     if (m_control != nullptr) {
         m_control->runStatus = RunControl::Failed;
@@ -181,9 +189,10 @@ bool ActionBase::fail(const QString &text)
     return false;
 }
 
-void ActionBase::warn(const QString &text)
+void ActionBase::warn(const QString &text, const QString &reason)
 {
     MainUI::addLog(MainUI::Warning, text);
+    explain(reason);
     m_warningFlag = 1;
 }
 

@@ -16,6 +16,9 @@
 #include <cstring>
 
 using namespace Qt::StringLiterals;
+using corvanta::Fault;
+using corvanta::Result;
+using corvanta::SystemError;
 using corvanta::UnsyncedNames;
 using corvanta::platform::FileHandle;
 
@@ -34,6 +37,8 @@ public:
         const qint64 got = m_file.read(buffer, n);
         if (got > 0) {
             m_position.fetch_add(got, std::memory_order_relaxed);
+        } else if (got < 0) {
+            m_error = SystemError::ofLastCall();
         }
         return got;
     }
@@ -48,10 +53,12 @@ public:
         return done;
     }
     qint64 position() const override { return m_position.load(std::memory_order_relaxed); }
+    SystemError error() const override { return m_error; }
 
 private:
     FileHandle m_file;
     std::atomic<qint64> m_position = 0;
+    SystemError m_error;
 };
 
 /// A plain file. A failed write returns to the position before it, so that it can be repeated.
@@ -71,6 +78,7 @@ public:
         while (done < n) {
             const qint64 written = m_file.write(static_cast<const char *>(bytes) + done, n - done);
             if (written <= 0) {
+                kept(false);
                 m_file.seek(begin);
                 return false;
             }
@@ -82,18 +90,25 @@ public:
     }
     bool seek(qint64 offset) override
     {
-        const bool done = m_file.seek(offset);
+        const bool done = kept(m_file.seek(offset));
         m_position = done ? offset : m_position;
         return done;
     }
     qint64 position() const override { return m_position; }
     // Nothing is buffered here.
     bool flush() override { return m_file.isOpen(); }
-    bool sync() override { return m_file.sync(); }
-    bool close() override { return m_file.close(); }
-    bool truncate(qint64 size) override { return m_file.truncate(size) && seek(size); }
+    bool sync() override { return kept(m_file.sync()); }
+    bool close() override { return kept(m_file.close()); }
+    bool truncate(qint64 size) override { return kept(m_file.truncate(size)) && seek(size); }
+    SystemError error() const override { return m_error; }
 
 private:
+    /// Returns `done`, the result of the last call, and keeps the reason when it is false.
+    bool kept(bool done)
+    {
+        m_error = done ? m_error : SystemError::ofLastCall();
+        return done;
+    }
     /// Starts the write-back early, so that little is left to wait for at the end.
     void keepDeviceBusy()
     {
@@ -107,6 +122,7 @@ private:
     FileHandle m_file;
     qint64 m_position;
     qint64 m_startedAt = m_position; // write-back has started for the bytes before
+    SystemError m_error;
 };
 
 } // namespace
@@ -116,6 +132,15 @@ MyReadFile *MyReadFile::newMyReadFile(GlobalParameters *, const QString &name, b
 {
     FileHandle file = FileHandle::openForRead(name, sequential);
     return file.isOpen() ? new DiskReadFile(std::move(file)) : nullptr;
+}
+
+Result<std::unique_ptr<MyReadFile>, SystemError> MyReadFile::open(const QString &name)
+{
+    std::unique_ptr<MyReadFile> file(newMyReadFile(nullptr, name, true, true));
+    if (!file) {
+        return Fault{SystemError::ofLastCall()};
+    }
+    return file;
 }
 
 MyReadFileCached::MyReadFileCached(MyReadFile *file, int cacheBytes)
@@ -165,10 +190,12 @@ qint64 MyReadFileCached::read(void *buffer, qint64 n)
 
 MyWriteFile *MyWriteFile::newMyWriteFile(GlobalParameters *, const QString &name, bool append)
 {
-    return open(name, append ? Existing::Append : Existing::Truncate).release();
+    auto opened = open(name, append ? Existing::Append : Existing::Truncate);
+    return opened ? opened->release() : nullptr;
 }
 
-std::unique_ptr<MyWriteFile> MyWriteFile::open(const QString &name, Existing existing)
+Result<std::unique_ptr<MyWriteFile>, SystemError> MyWriteFile::open(const QString &name,
+                                                                    Existing existing)
 {
     using Create = FileHandle::Create;
     const Create create = existing == Existing::Truncate ? Create::Truncate
@@ -176,11 +203,11 @@ std::unique_ptr<MyWriteFile> MyWriteFile::open(const QString &name, Existing exi
                                                          : Create::Exclusive;
     FileHandle file = FileHandle::openForWrite(name, create);
     if (!file.isOpen()) {
-        return nullptr;
+        return Fault{SystemError::ofLastCall()};
     }
     // A pipe has no size (-1); appending to it begins at 0.
     const qint64 position = existing == Existing::Append ? qMax<qint64>(file.size(), 0) : 0;
-    return std::make_unique<DiskWriteFile>(std::move(file), position);
+    return std::unique_ptr<MyWriteFile>(std::make_unique<DiskWriteFile>(std::move(file), position));
 }
 
 KobiFileInfo::KobiFileInfo(GlobalParameters *, const QString &name)

@@ -14,12 +14,14 @@
 
 #include <QFileInfo>
 
+#include <cerrno>
 #include <optional>
 
 using namespace Qt::StringLiterals;
 
 namespace platform = corvanta::platform;
 using corvanta::Fault;
+using corvanta::SystemError;
 
 namespace {
 
@@ -57,6 +59,7 @@ TargetFile::Done TargetFile::open(const QString &name, Options options)
     discard();
     m_temporary.clear(); // an open() that failed leaves its name
     m_appends = m_existed = false;
+    m_error = {};
     m_options = std::move(options);
     m_target = name;
     // Checked before links are followed: what /dev/stdout leads to may have no name of its own.
@@ -66,7 +69,7 @@ TargetFile::Done TargetFile::open(const QString &name, Options options)
     }
     const std::optional<QString> end = followLinks(name);
     if (name.isEmpty() || !end) {
-        return Fault{TargetError::CannotOpen, name};
+        return failed(TargetError::CannotOpen, name, end ? ENOENT : ELOOP);
     }
     m_target = *end;
     return openRegular();
@@ -87,11 +90,19 @@ TargetFile::Done TargetFile::openRegular()
 
 TargetFile::Done TargetFile::openFile(const QString &name, MyWriteFile::Existing existing)
 {
-    m_file = MyWriteFile::open(name, existing);
-    if (!m_file) {
-        return Fault{TargetError::CannotOpen, m_target};
+    auto opened = MyWriteFile::open(name, existing);
+    if (!opened) {
+        return failed(TargetError::CannotOpen, m_target, opened.fault().code.number);
     }
+    m_file = *std::move(opened);
     return {};
+}
+
+/// The fault for a call that failed with the system's `error`.
+Fault<TargetError> TargetFile::failed(TargetError code, const QString &name, int error)
+{
+    m_error = {error};
+    return {code, name};
 }
 
 TargetFile::Done TargetFile::openReplaced()
@@ -99,7 +110,7 @@ TargetFile::Done TargetFile::openReplaced()
     // A rename needs only the permission of the folder, so a read-only target is checked here.
     const QFileInfo info(m_target);
     if (info.isDir() || (info.exists() && !info.isWritable())) {
-        return Fault{TargetError::CannotOpen, m_target};
+        return failed(TargetError::CannotOpen, m_target, info.isDir() ? EISDIR : EACCES);
     }
     m_temporary = m_target + u"_tmp_%1_%2"_s.arg(QString::number(m_options.action),
                                                  QString::number(MainUI::getNearUniqueRandomID()));
@@ -111,7 +122,7 @@ TargetFile::Done TargetFile::openTmp()
     // The rename at the end needs only the folder's permission, so it is checked now.
     const QFileInfo info(m_target);
     if (info.exists() && (info.isDir() || !QFileInfo(info.absolutePath()).isWritable())) {
-        return Fault{TargetError::CannotReplace, m_target};
+        return failed(TargetError::CannotReplace, m_target, info.isDir() ? EISDIR : EACCES);
     }
     if (KobiFileInfo::isNetDrive(m_target)) {
         return openFile(m_target, MyWriteFile::Existing::Truncate);
@@ -121,7 +132,7 @@ TargetFile::Done TargetFile::openTmp()
     const QFileInfo earlier(m_temporary);
     const bool isThere = earlier.exists() || earlier.isSymLink();
     if (isThere && (earlier.isDir() || !platform::removeFile(m_temporary))) {
-        return Fault{TargetError::CannotReplace, m_temporary};
+        return failed(TargetError::CannotReplace, m_temporary, earlier.isDir() ? EISDIR : errno);
     }
     return openFile(m_temporary, MyWriteFile::Existing::Refuse);
 }
@@ -143,6 +154,7 @@ template <class F> bool TargetFile::retried(F operation)
 {
     // A failed write has returned to its first byte (MyWriteFile), so all of it is repeated.
     while (!operation()) {
+        m_error = m_file->error();
         if (!m_options.retryWrite || !m_options.retryWrite()) {
             return false;
         }
@@ -182,7 +194,7 @@ TargetFile::Done TargetFile::commit(Sync sync, const Rename &rename)
     const QString temporary = m_temporary; // complete() clears the member
     Done done = complete(m_isRegular && sync == Sync::Now);
     if (done && !temporary.isEmpty() && !rename(temporary, m_target)) {
-        done = Fault{TargetError::CannotRename, m_target};
+        done = failed(TargetError::CannotRename, m_target, SystemError::ofLastCall().number);
     }
     if (!done && !temporary.isEmpty() && m_options.mode == TargetMode::Replace) {
         platform::removeFile(temporary);
@@ -196,12 +208,14 @@ TargetFile::Done TargetFile::complete(bool syncs)
     // A failed sync() is not repeated: the system may have dropped the bytes and would then report
     // success for the second call.
     const bool isWritten = flush() && (!syncs || m_file->sync());
+    m_error = isWritten ? m_error : m_file->error();
     // Before the file is closed, because discard() cuts the open file.
     if (!isWritten && m_appends) {
         discard();
         return Fault{TargetError::CannotWrite, m_target};
     }
     const bool isClosed = m_file->close();
+    m_error = isClosed ? m_error : m_file->error();
     // A created file was synced; its entry in the folder must be, too.
     if (m_appends && !m_existed) {
         platform::syncFolder(QFileInfo(m_target).absolutePath());

@@ -6,6 +6,8 @@
 #pragma once
 #include "base/byte_sink.h"
 #include "base/byte_source.h"
+#include "base/result.h"
+#include "base/system_error.h"
 #include "corvanta/export.h"
 
 #include <QString>
@@ -26,8 +28,13 @@ public:
     /// programs to continue writing to it (always so on POSIX).
     static MyReadFile *newMyReadFile(GlobalParameters *parameters, const QString &name,
                                      bool sequential, bool shared);
+    /// The same for a file that is read from beginning to end, with the reason of a failure.
+    static corvanta::Result<std::unique_ptr<MyReadFile>, corvanta::SystemError>
+    open(const QString &name);
     /// Offset of the next byte that read() returns.
     virtual qint64 position() const = 0;
+    /// Why the last read that failed did so.
+    virtual corvanta::SystemError error() const { return {}; }
 };
 
 /// Adds a cache to a reader, for drives where each read is slow: one block, refilled from the
@@ -41,6 +48,7 @@ public:
     qint64 size() override;
     bool seek(qint64 offset) override;
     qint64 position() const override { return m_position; }
+    corvanta::SystemError error() const override { return m_file->error(); }
 
 private:
     std::unique_ptr<MyReadFile> m_file;
@@ -62,8 +70,9 @@ public:
     /// `append` keeps the content of an existing file.
     static MyWriteFile *newMyWriteFile(GlobalParameters *parameters, const QString &name,
                                        bool append);
-    /// The same with all choices. Returns null on failure.
-    static std::unique_ptr<MyWriteFile> open(const QString &name, Existing existing);
+    /// The same with all choices, and with the reason of a failure.
+    static corvanta::Result<std::unique_ptr<MyWriteFile>, corvanta::SystemError>
+    open(const QString &name, Existing existing);
 
     /// Flush to disk, so that the file is complete if it is renamed afterwards. Returns false on
     /// failure.
@@ -72,6 +81,8 @@ public:
     virtual bool close() = 0;
     /// Cut the file at `size` bytes and continue there. Returns false on failure.
     virtual bool truncate(qint64 size) = 0;
+    /// Why the last of these calls that failed did so.
+    virtual corvanta::SystemError error() const = 0;
 };
 
 /// Facts about a file or folder.
@@ -100,7 +111,7 @@ CORVANTA_EXPORT void addExtentionIfRequired(QString *name, const QString &extens
 
 /// Rename a complete, closed temporary file to its final name in one step. The caller has synced it
 /// if it replaces a file; otherwise the host syncs it before the run ends. Returns false on
-/// failure; both files are then unchanged.
+/// failure (see SystemError::ofLastCall()); both files are then unchanged.
 CORVANTA_EXPORT bool renameTMPFile(const QString &temporary, const QString &finalName);
 /// The same for the temporary name `name` + "_TMP". The other arguments are not used.
 CORVANTA_EXPORT bool renameTMPFile(const QString &name, GlobalParameters *parameters, int action);

@@ -42,7 +42,8 @@ class CORVANTA_EXPORT TargetFile final : public corvanta::ByteSink
 {
 public:
     using Done = corvanta::Result<void, TargetError>;
-    /// Renames `temporary` to `target`; returns false when that failed.
+    /// Renames `temporary` to `target`; returns false when that failed, and leaves the reason in
+    /// SystemError::ofLastCall().
     using Rename = std::function<bool(const QString &temporary, const QString &target)>;
 
     struct Options
@@ -65,6 +66,9 @@ public:
     /// The file that commit() replaces or extends: the name, or where its links lead to. Valid
     /// after open(), also after a failed one.
     const QString &target() const { return m_target; }
+    /// Why the last call that failed did so. No error when the system gave no reason. Valid until
+    /// the next open().
+    const corvanta::SystemError &error() const { return m_error; }
     /// Where the bytes are until commit(); empty when they are written to the target itself.
     const QString &temporaryName() const { return m_temporary; }
 
@@ -98,6 +102,7 @@ private:
     Done commit(Sync sync, const Rename &rename);
     Done complete(bool syncs);
     template <class F> bool retried(F operation);
+    corvanta::Fault<TargetError> failed(TargetError code, const QString &name, int error);
 
     Options m_options;
     QString m_target;
@@ -107,4 +112,5 @@ private:
     bool m_existed = false; // the appended file, before open()
     qint64 m_oldSize = 0;   // of the appended file
     std::unique_ptr<MyWriteFile> m_file;
+    corvanta::SystemError m_error;
 };

@@ -1,0 +1,28 @@
+// Words for why a file could not be opened, created, read, written or renamed.
+//
+// An action logs the fixed message of a failure and passes one of these texts to fail() or warn(),
+// which log it in a line of its own. The functions look at the folders of the file: call them soon
+// after the failure.
+#pragma once
+#include "base/system_error.h"
+#include "corvanta/export.h"
+
+#include <QString>
+
+class TargetFile;
+
+namespace corvanta {
+
+/// What the failed call was to do.
+enum class FileUse { Read, Write };
+
+/// The reason without a final full stop, for example "the disk is full (No space left on device)".
+/// Empty without an error. `folderRemedy` is added when a folder of the file is missing and could
+/// be created.
+CORVANTA_EXPORT QString failureReason(const QString &file, FileUse use, SystemError error,
+                                      const QString &folderRemedy = {});
+
+/// The same for the last failure of `target`.
+CORVANTA_EXPORT QString failureReason(const TargetFile &target, const QString &folderRemedy = {});
+
+} // namespace corvanta

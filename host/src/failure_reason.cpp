@@ -1,0 +1,130 @@
+// Words the errors of the system. Its own text follows in parentheses, for users who know it.
+#include "corvanta/failure_reason.h"
+
+#include "corvanta/target_file.h"
+
+#include <QFileInfo>
+
+#include <array>
+#include <cerrno>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// The nearest folder above `file` that exists, or what is in its place.
+QFileInfo existingAbove(const QString &file)
+{
+    QFileInfo above(QFileInfo(file).absolutePath());
+    while (!above.exists() && !above.isRoot()) {
+        above.setFile(above.absolutePath());
+    }
+    return above;
+}
+
+/// For a file whose folder does not exist.
+QString noFolderText(const QString &file, FileUse use, const QString &folderRemedy)
+{
+    const QString missing = u"the folder '%1' does not exist"_s.arg(QFileInfo(file).absolutePath());
+    const QFileInfo above = existingAbove(file);
+    if (use == FileUse::Write && !above.isDir()) {
+        return u"%1, and '%2' is not a folder"_s.arg(missing, above.filePath());
+    }
+    if (use == FileUse::Write && !above.isWritable()) {
+        return u"%1, and there is no permission to create it in '%2'"_s.arg(missing,
+                                                                            above.filePath());
+    }
+    return folderRemedy.isEmpty() ? missing : u"%1: %2"_s.arg(missing, folderRemedy);
+}
+
+QString notThereText(const QString &file, FileUse use, const QString &folderRemedy)
+{
+    const QFileInfo info(file);
+    if (file.isEmpty()) {
+        return u"the name of the file is empty"_s;
+    }
+    if (!QFileInfo::exists(info.absolutePath())) {
+        return noFolderText(file, use, folderRemedy);
+    }
+    return info.isSymLink()
+               ? u"the link leads to '%1', which is not there"_s.arg(info.symLinkTarget())
+               : u"there is no file of this name"_s;
+}
+
+QString noPermissionText(const QString &file, FileUse use)
+{
+    const QFileInfo info(file);
+    if (use == FileUse::Read) {
+        return u"no permission to read the file"_s;
+    }
+    const QString folder = info.absolutePath();
+    return info.exists() && !info.isWritable()
+               ? u"no permission to write the file"_s
+               : u"no permission to create files in the folder '%1'"_s.arg(folder);
+}
+
+struct FixedText
+{
+    int number;
+    const char *text;
+};
+
+/// Errors whose text does not depend on the file.
+constexpr std::array kFixedTexts{
+    FixedText{EROFS, "the file system is read-only"},
+    FixedText{ENOSPC, "the disk is full"},
+    FixedText{EDQUOT, "the disk quota is used up"},
+    FixedText{EFBIG, "the file exceeds the largest size that the system allows"},
+    FixedText{EMFILE, "the program has too many open files: raise its limit (ulimit -n)"},
+    FixedText{ENFILE, "the system has too many open files"},
+    FixedText{ENAMETOOLONG, "the name is too long"},
+    FixedText{ELOOP, "the links of the name lead in a circle"},
+    FixedText{ENOMEM, "there is not enough memory"},
+    FixedText{EIO, "the device reports an error"},
+    FixedText{EXDEV, "the temporary file is on another file system"},
+    FixedText{ESPIPE, "it is a pipe or a device, which is only read from start to end"},
+    FixedText{EPIPE, "the program that reads the pipe has ended"},
+    FixedText{EBUSY, "another program uses the file"},
+    FixedText{ETXTBSY, "another program uses the file"},
+};
+
+QString wordsFor(const QString &file, FileUse use, int number, const QString &folderRemedy)
+{
+    switch (number) {
+    case ENOENT:
+        return notThereText(file, use, folderRemedy);
+    case ENOTDIR:
+        return u"'%1' is not a folder"_s.arg(existingAbove(file).filePath());
+    case EISDIR:
+        return u"'%1' is a folder, not a file"_s.arg(file);
+    case EACCES:
+    case EPERM:
+        return noPermissionText(file, use);
+    default:
+        break;
+    }
+    for (const FixedText &fixed : kFixedTexts) {
+        if (fixed.number == number) {
+            return QString::fromLatin1(fixed.text);
+        }
+    }
+    return u"the system refuses it"_s;
+}
+
+} // namespace
+
+QString failureReason(const QString &file, FileUse use, SystemError error,
+                      const QString &folderRemedy)
+{
+    return error ? u"%1 (%2)"_s.arg(wordsFor(file, use, error.number, folderRemedy), error.text())
+                 : QString();
+}
+
+QString failureReason(const TargetFile &target, const QString &folderRemedy)
+{
+    return failureReason(target.target(), FileUse::Write, target.error(), folderRemedy);
+}
+
+} // namespace corvanta
