@@ -155,7 +155,7 @@ bool LevelWriter::openFile()
     const bool replaces = rowParams().fileMode == FileMode::Replace;
     const TargetMode mode = replaces ? TargetMode::Replace : TargetMode::Append;
     if (!m_run->target.open(name, targetOptions(fileName(), mode))) {
-        return failWith(WriteProblem::CannotOpen);
+        return failWith(WriteProblem::CannotOpen, {}, reasonOf(m_run->target));
     }
     // The head of a file that is appended to is already in it.
     const std::string &head = m_run->frame.head;
@@ -169,7 +169,7 @@ bool LevelWriter::write(const void *bytes, qint64 n)
         return true;
     }
     // A run that was stopped has nothing to complete, and no message.
-    return runIsGood() && failWith(WriteProblem::CannotWrite);
+    return runIsGood() && failWith(WriteProblem::CannotWrite, {}, reasonOf(m_run->target));
 }
 
 bool LevelWriter::writeText(const QString &text)
@@ -203,7 +203,8 @@ bool LevelWriter::endFile()
     if (!writeText(lastLine + expandString(m_run->frame.suffix))) {
         return false;
     }
-    return m_run->target.commit() || failWith(WriteProblem::CannotWrite);
+    return m_run->target.commit() ||
+           failWith(WriteProblem::CannotWrite, {}, reasonOf(m_run->target));
 }
 
 void LevelWriter::release(bool)

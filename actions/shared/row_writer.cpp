@@ -1,9 +1,12 @@
 #include "actions/shared/row_writer.h"
 
+#include "corvanta/failure_reason.h"
 #include "corvanta/name_collision.h"
 
 #include <QDir>
 #include <QFileInfo>
+
+using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
@@ -12,6 +15,7 @@ void RowWriter::start()
     m_fileName = expandOutputFile(fileParameter(), QString());
     m_testColumn = kNoColumn;
     m_isBeforeFirstRow = true;
+    m_folderRemedy.clear();
     m_isComplete = false;
 }
 
@@ -122,12 +126,22 @@ bool RowWriter::checkNames(const OneRow &columns, const QVector<int> &inputs)
                                 m_fileName) == 0;
 }
 
-void RowWriter::createFolder(const QString &file) const
+void RowWriter::createFolder(const QString &file)
 {
-    if (rowParams().createDir) {
-        // The result is not checked: the message is the one for a file that cannot be opened.
-        QDir().mkpath(QFileInfo(file).absolutePath());
+    if (!rowParams().createDir) {
+        m_folderRemedy = u"createDir='1' creates it"_s;
+        return;
     }
+    // The result is not checked: the message is the one for a file that cannot be opened.
+    QDir().mkpath(QFileInfo(file).absolutePath());
+}
+
+QString RowWriter::reasonOf(const TargetFile &target) const
+{
+    const QString reason = failureReason(target, m_folderRemedy);
+    // The message names another file when the rows are split, or when links lead to the target.
+    const bool isNamed = reason.isEmpty() || target.target() == fileName();
+    return isNamed ? reason : u"file '%1': %2"_s.arg(target.target(), reason);
 }
 
 TargetFile::Options RowWriter::targetOptions(const QString &file, TargetMode mode) const

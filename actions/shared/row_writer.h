@@ -68,11 +68,13 @@ protected:
     const QString &fileName() const { return m_fileName; }
     /// Whether begin() or beginWithoutRows() has not been called in this run.
     bool isBeforeFirstRow() const { return m_isBeforeFirstRow; }
-    /// Fail the run with the message for `problem`; false.
-    bool failWith(WriteProblem problem, const QString &name = {})
+    /// Fail the run with the message for `problem`, and the reason if there is one; false.
+    bool failWith(WriteProblem problem, const QString &name = {}, const QString &reason = {})
     {
-        return fail(message(problem, name));
+        return fail(message(problem, name), reason);
     }
+    /// Why the last call of `target` failed, in words and with the remedy.
+    QString reasonOf(const TargetFile &target) const;
     /// Find the column that selects rows; call it from begin(). Problems: NoTestColumn.
     bool findTestColumn(const OneRow &columns);
     /// Find the columns to write: their indexes in the input, in the order of the output. Every
@@ -82,8 +84,8 @@ protected:
     /// then.
     bool checkNames(const OneRow &columns, const QVector<int> &inputs);
     /// Create the missing folders of `file` when createDir is on. A failure shows when the file is
-    /// opened.
-    void createFolder(const QString &file) const;
+    /// opened, and createDir is then the remedy.
+    void createFolder(const QString &file);
     /// The options for a file of this run. A failed write of it is retried as long as the run is
     /// good and the user, asked about `file`, wants to.
     TargetFile::Options targetOptions(const QString &file,
@@ -100,6 +102,7 @@ private:
     QString m_fileName;
     int m_testColumn = kNoColumn; // kNoColumn: every row is selected
     bool m_isBeforeFirstRow = true;
+    QString m_folderRemedy;    // for reasonOf()
     bool m_isComplete = false; // all rows are taken
 };
 

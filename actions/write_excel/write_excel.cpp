@@ -229,7 +229,7 @@ bool ActionWriteExcel::checkSheet(const Result<void, sheet::Error> &result)
     case sheet::Error::WriteFailed:
         break;
     }
-    return failWith(WriteProblem::CannotWrite);
+    return failWith(WriteProblem::CannotWrite, {}, reasonOf(m_run->output.target()));
 }
 
 xlsx::WorkbookEnd ActionWriteExcel::workbookEnd() const
@@ -252,11 +252,13 @@ xlsx::WorkbookEnd ActionWriteExcel::workbookEnd() const
 bool ActionWriteExcel::completeWorkbook()
 {
     // Rows that are still in the package's block are written with the end of the sheet.
-    if (!m_run->workbook->finishSheet(*m_run->sheet)) {
-        return failWith(WriteProblem::CannotWrite);
+    const auto ended = m_run->workbook->finishSheet(*m_run->sheet);
+    if (!ended) {
+        return failWith(WriteProblem::CannotWrite, {}, reasonFor(ended.fault()));
     }
-    return m_run->workbook->finish(*m_run->sheet, workbookEnd()) ||
-           fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(fileName()));
+    const auto finished = m_run->workbook->finish(*m_run->sheet, workbookEnd());
+    return finished || fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(fileName()),
+                            reasonFor(finished.fault()));
 }
 
 void ActionWriteExcel::complete()

@@ -116,6 +116,8 @@ private:
     void addCellFormats(xlsx::UpdatedWorkbook &workbook);
     /// Fail the run with the message for a fault of a package. A run that was stopped has none.
     bool failWorkbook(const Fault<opc::Error> &fault);
+    /// Why the workbook cannot be read or written, in words.
+    QString reasonFor(const Fault<opc::Error> &fault) const;
 
     // The replacement of the destination, in write_excel_target.cpp.
     /// Whether an existing workbook is read. Numbers outside the enumeration create one.

@@ -3,6 +3,7 @@
 #include "actions/write_excel/spreadsheet_program.h"
 #include "actions/write_excel/write_excel.h"
 #include "codecs/xlsx/new_workbook.h"
+#include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
 #include "io/replace/file_swap.h"
 
@@ -25,6 +26,32 @@ quint64 startRowOf(const QString &text)
                        : xlsx::SheetSplitter::kAppend;
 }
 
+/// Why a member of the workbook cannot be read; empty for faults that are not of a member.
+QString memberReason(const Fault<opc::Error> &fault, const QString &systemReason)
+{
+    const auto about = [&](const char *what) {
+        return u"the member '%1' of the workbook %2"_s.arg(fault.detail, QLatin1StringView(what));
+    };
+    switch (fault.code) {
+    case opc::Error::Unreadable:
+        return systemReason.isEmpty() ? about("is truncated") : systemReason;
+    case opc::Error::Damaged:
+        return about("is damaged: its content does not match its size or checksum");
+    case opc::Error::MemberTooLarge:
+        return about("is too large");
+    case opc::Error::NoMember:
+        return about("is not there");
+    case opc::Error::Encrypted:
+        return about("is encrypted");
+    case opc::Error::UnknownMethod:
+        return about("is packed by an unsupported method");
+    case opc::Error::BadHeader:
+        return about("is damaged: its header does not match the directory of the package");
+    default:
+        return {};
+    }
+}
+
 } // namespace
 
 bool ActionWriteExcel::openWorkbook()
@@ -38,7 +65,11 @@ bool ActionWriteExcel::openWorkbook()
         return openUpdate();
     }
     if (!m_params.createIfNotExists) {
-        return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source));
+        const QString reason = info.exists()
+                                   ? u"the file is empty"_s
+                                   : failureReason(m_run->source, FileUse::Read, {ENOENT});
+        return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source),
+                    reason + u": createIfNotExists='1' begins a new workbook"_s);
     }
     // Without its workbook an update becomes a new workbook, with the same destination.
     warn(u"\nWarning Cannot read Excel file '%1'\n"_s.arg(m_run->source));
@@ -48,7 +79,7 @@ bool ActionWriteExcel::openWorkbook()
 bool ActionWriteExcel::openOutput()
 {
     return m_run->output.open(fileName(), targetOptions(fileName()), m_run->compression) ||
-           failWith(WriteProblem::CannotOpen);
+           failWith(WriteProblem::CannotOpen, {}, reasonOf(m_run->output.target()));
 }
 
 bool ActionWriteExcel::openNewWorkbook()
@@ -85,7 +116,8 @@ bool ActionWriteExcel::openUpdate()
 {
     auto input = PackageInput::open(globalParameters(), m_run->source);
     if (!input) {
-        return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source));
+        return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source),
+                    input.fault().detail);
     }
     // The input stays open during the run: unchanged members are copied from it.
     m_run->input = std::move(*input);
@@ -105,17 +137,23 @@ bool ActionWriteExcel::openUpdate()
 
 bool ActionWriteExcel::failWorkbook(const Fault<opc::Error> &fault)
 {
+    const QString reason = reasonFor(fault);
     switch (fault.code) {
     case opc::Error::WriteFailed:
-        return failWith(WriteProblem::CannotWrite);
+        return failWith(WriteProblem::CannotWrite, {}, reason);
     case opc::Error::NotAdded:
         return fail(u"\nERROR: cannot open file '%1' in the zipfile for write"_s.arg(fault.detail));
+    // A damaged or missing member is followed by the message about the workbook.
+    case opc::Error::Unreadable:
     case opc::Error::Damaged:
-        // A damaged or missing member is followed by the message about the workbook.
-        fail(u"\nERROR: cannot decompress file '%1'.\n"_s.arg(fault.detail));
+    case opc::Error::MemberTooLarge:
+        fail(u"\nERROR: cannot decompress file '%1'.\n"_s.arg(fault.detail), reason);
         break;
     case opc::Error::NoMember:
-        fail(u"\nERROR: cannot open file '%1' in the zipfile for read"_s.arg(fault.detail));
+    case opc::Error::Encrypted:
+    case opc::Error::UnknownMethod:
+    case opc::Error::BadHeader:
+        fail(u"\nERROR: cannot open file '%1' in the zipfile for read"_s.arg(fault.detail), reason);
         break;
     case opc::Error::Stopped: // not a failure, so without a message
         return false;
@@ -126,6 +164,15 @@ bool ActionWriteExcel::failWorkbook(const Fault<opc::Error> &fault)
         break;
     }
     return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source));
+}
+
+QString ActionWriteExcel::reasonFor(const Fault<opc::Error> &fault) const
+{
+    if (fault.code == opc::Error::WriteFailed) {
+        return reasonOf(m_run->output.target());
+    }
+    const SystemError error = m_run->input ? m_run->input->error() : SystemError();
+    return memberReason(fault, failureReason(m_run->source, FileUse::Read, error));
 }
 
 bool ActionWriteExcel::chooseSheet(xlsx::UpdatedWorkbook &workbook)
@@ -218,7 +265,8 @@ bool ActionWriteExcel::commit()
     };
     const bool done = updatesInPlace() ? m_run->output.commit(move) : m_run->output.commit();
     if (!done && !hasSwapped) {
-        fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(fileName()));
+        fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(fileName()),
+             reasonOf(m_run->output.target()));
     }
     return done;
 }
@@ -235,7 +283,8 @@ bool ActionWriteExcel::swap(const QString &temporary, const QString &target)
         [this](int pauseMs) { return pause(pauseMs); }};
     const auto failed = swapFile({temporary, target, backup}, observer);
     if (failed) {
-        return fail(u"ERROR: impossible to rename '%1' to '%2'"_s.arg(failed->from, failed->to));
+        return fail(u"ERROR: impossible to rename '%1' to '%2'"_s.arg(failed->from, failed->to),
+                    failureReason(failed->from, FileUse::Write, failed->error));
     }
     return true;
 }

@@ -62,20 +62,21 @@ QString ActionWriteParquet::missingColumn(const QString &name, const char *purpo
         fileName(), name, QString::fromLatin1(purpose));
 }
 
-bool ActionWriteParquet::failTarget(const Fault<TargetError> &fault)
+bool ActionWriteParquet::failTarget(const Output &output, const Fault<TargetError> &fault)
 {
+    const QString reason = reasonOf(output.target);
     // The texts are fixed; they name the file that is in the way, which may be the "_TMP" file.
     switch (fault.code) {
     case TargetError::CannotReplace:
-        return fail(u"Cannot delete previous file '%1'."_s.arg(fault.detail));
+        return fail(u"Cannot delete previous file '%1'."_s.arg(fault.detail), reason);
     case TargetError::CannotOpen:
-        return failWith(WriteProblem::CannotOpen, fault.detail);
+        return failWith(WriteProblem::CannotOpen, fault.detail, reason);
     case TargetError::CannotWrite:
-        return failWith(WriteProblem::CannotWrite, fault.detail);
+        return failWith(WriteProblem::CannotWrite, fault.detail, reason);
     case TargetError::CannotRename:
         break;
     }
-    return fail(u"\nERROR cannot rename Parquet file '%1_TMP' to '%1'"_s.arg(fault.detail));
+    return fail(u"\nERROR cannot rename Parquet file '%1_TMP' to '%1'"_s.arg(fault.detail), reason);
 }
 
 bool ActionWriteParquet::failWriter(const Output &output, const Fault<parquet::Error> &fault)
@@ -97,7 +98,7 @@ bool ActionWriteParquet::failWriter(const Output &output, const Fault<parquet::E
     case parquet::Error::Unreadable:
         break;
     }
-    return failWith(WriteProblem::CannotWrite, target);
+    return failWith(WriteProblem::CannotWrite, target, reasonOf(output.target));
 }
 
 void ActionWriteParquet::start()
@@ -200,7 +201,7 @@ bool ActionWriteParquet::openOutput(const QString &value)
     // Questions about a full disk name this file, not the parameter's.
     const auto opened = output->target.open(name, targetOptions(name, TargetMode::ReplaceByTmp));
     if (!opened) {
-        return failTarget(opened.fault());
+        return failTarget(*output, opened.fault());
     }
     output->writer = std::make_unique<parquet::FileWriter>(output->target, m_run->columns,
                                                            m_run->options, *m_run->compressor);
@@ -220,7 +221,7 @@ bool ActionWriteParquet::closeOutput(const QString &value)
         return failWriter(*output, finished.fault());
     }
     const auto committed = output->target.commit();
-    return committed || failTarget(committed.fault());
+    return committed || failTarget(*output, committed.fault());
 }
 
 bool ActionWriteParquet::chooseOutput(const OneRow &row)

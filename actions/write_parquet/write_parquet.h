@@ -85,7 +85,7 @@ private:
     bool closeOutput(const QString &value);
     bool isSegmentFull() const;
     // Fail the run with the message for a fault.
-    bool failTarget(const Fault<TargetError> &fault);
+    bool failTarget(const Output &output, const Fault<TargetError> &fault);
     bool failWriter(const Output &output, const Fault<parquet::Error> &fault);
 
     std::unique_ptr<RunState> m_run;

@@ -10,17 +10,21 @@ Error errorFor(zip::Error error)
 {
     switch (error) {
     case zip::Error::ReadFailed:
+        return Error::Unreadable;
     case zip::Error::BadData:
     case zip::Error::BadSize:
     case zip::Error::BadChecksum:
-    case zip::Error::TooLarge:
         return Error::Damaged;
-    // For the user a member that cannot be opened is one that is missing.
+    case zip::Error::TooLarge:
+        return Error::MemberTooLarge;
     case zip::Error::NoMember:
-    case zip::Error::Encrypted:
-    case zip::Error::UnknownMethod:
-    case zip::Error::BadLocalHeader:
         return Error::NoMember;
+    case zip::Error::Encrypted:
+        return Error::Encrypted;
+    case zip::Error::UnknownMethod:
+        return Error::UnknownMethod;
+    case zip::Error::BadLocalHeader:
+        return Error::BadHeader;
     case zip::Error::BadName:
     case zip::Error::NameTaken:
         return Error::NotAdded;

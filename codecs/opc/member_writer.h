@@ -31,7 +31,7 @@ public:
     /// Write a whole member. Errors: NotAdded, WriteFailed.
     Result<void, Error> write(const QByteArray &name, const QByteArray &content);
     /// Copy a member as it is stored; its content is verified.
-    /// Errors: Damaged, NoMember, NotAdded, WriteFailed.
+    /// Errors: those from Unreadable to WriteFailed.
     Result<void, Error> copy(zip::PackageReader &source, const zip::Member &member);
     /// Write the directory; nothing can be added afterwards. Errors: WriteFailed.
     Result<void, Error> finish();

@@ -36,22 +36,22 @@ public:
     /// the part's own name.
     QByteArray memberOf(const QByteArray &part) const { return m_names.find(part).value_or(part); }
 
-    /// The whole content of a part. Errors: NoMember, Damaged.
+    /// The whole content of a part. Errors: those of a member, from Unreadable to BadHeader.
     Result<QByteArray, Error> read(const QByteArray &part);
     /// Pass the content of a part to `take` in pieces of up to 256 KiB. Ends at the first fault of
-    /// `take`, which is returned. Errors: also NoMember, Damaged, Stopped.
+    /// `take`, which is returned. Errors: also Stopped, those of a member.
     Result<void, Error>
     readInPieces(const QByteArray &part,
                  const std::function<Result<void, Error>(QByteArrayView)> &take);
     /// The relationships of a part, or of the package for an empty name. A part without them gets a
-    /// fault; write a new Relationships for it. Errors: NoMember, Damaged, those of
+    /// fault; write a new Relationships for it. Errors: those of a member and of
     /// Relationships::read.
     Result<Relationships, Error> readRelationships(const QByteArray &part);
     /// The part of the document itself, from the relationships of the package; `fallback` if they
     /// cannot be read or do not name it. If they name several parts, the last one.
     QByteArray mainPart(const QByteArray &fallback);
     /// The types that the new package declares, for reading and changing. Valid as long as the
-    /// copy. Errors: NoMember, Damaged, those of ContentTypes::read.
+    /// copy. Errors: those of a member and of ContentTypes::read.
     Result<ContentTypes *, Error> contentTypes();
 
     /// Replace the content of a part, or add the part; the last call for a part counts. The caller

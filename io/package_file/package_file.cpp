@@ -1,22 +1,39 @@
 #include "io/package_file/package_file.h"
 
 #include "base/block_buffered_sink.h"
+#include "corvanta/failure_reason.h"
+
+using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
 namespace {
 /// The steps of a zip reader near the end of the file stay inside one cached piece.
 constexpr int kNetworkCacheBytes = 65536;
+
+/// Why `name` is not a package that can be read.
+QString reasonFor(const QString &name, SystemError error, const Fault<zip::Error> &fault)
+{
+    if (error) {
+        return failureReason(name, FileUse::Read, error);
+    }
+    if (fault.code == zip::Error::NotAPackage) {
+        return u"it is not a package (zip file), or it is truncated"_s;
+    }
+    return fault.detail.isEmpty() ? u"the package is damaged"_s
+                                  : u"the package is damaged: %1"_s.arg(fault.detail);
+}
 } // namespace
 
-Result<std::unique_ptr<PackageInput>, zip::Error> PackageInput::open(GlobalParameters *parameters,
+Result<std::unique_ptr<PackageInput>, zip::Error> PackageInput::open(GlobalParameters *,
                                                                      const QString &name)
 {
     std::unique_ptr<PackageInput> input(new PackageInput);
-    input->m_file.reset(MyReadFile::newMyReadFile(parameters, name, true, true));
-    if (!input->m_file) {
-        return Fault<zip::Error>{zip::Error::ReadFailed};
+    auto file = MyReadFile::open(name);
+    if (!file) {
+        return Fault{zip::Error::ReadFailed, failureReason(name, FileUse::Read, file.fault().code)};
     }
+    input->m_file = *std::move(file);
     // Each small read on a network drive costs a round trip.
     if (KobiFileInfo::isNetDrive(name)) {
         input->m_file =
@@ -24,7 +41,7 @@ Result<std::unique_ptr<PackageInput>, zip::Error> PackageInput::open(GlobalParam
     }
     auto reader = zip::PackageReader::open(*input->m_file);
     if (!reader) {
-        return reader.fault();
+        return Fault{reader.fault().code, reasonFor(name, input->error(), reader.fault())};
     }
     input->m_reader = std::move(*reader);
     return input;

@@ -18,11 +18,14 @@ class PackageInput
 {
 public:
     /// Open `name`, which is expanded already, and read its directory. `parameters` may be null.
-    /// Errors: ReadFailed (also when there is no such file), NotAPackage, BadDirectory.
+    /// Errors: ReadFailed (also when there is no such file), NotAPackage, BadDirectory. The detail
+    /// of the fault is the reason in words.
     static Result<std::unique_ptr<PackageInput>, zip::Error> open(GlobalParameters *parameters,
                                                                   const QString &name);
     /// Valid as long as this object.
     zip::PackageReader &reader() { return *m_reader; }
+    /// Why the last read that failed did so; no error when the file only ended too early.
+    SystemError error() const { return m_file->error(); }
 
 private:
     PackageInput() = default;
@@ -43,6 +46,8 @@ public:
     bool isOpen() const { return m_writer != nullptr; }
     /// Only while open.
     zip::PackageWriter &writer() { return *m_writer; }
+    /// The file below, for why a call failed.
+    const TargetFile &target() const { return m_target; }
 
     /// Replace the target; call it after writer().close(). Returns false when that failed; the
     /// target is then unchanged.

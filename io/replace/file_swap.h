@@ -4,6 +4,8 @@
 // the finished file is renamed to the target in one step. A file system without hard links has no
 // backup; a rename that fails has changed nothing there.
 #pragma once
+#include "base/system_error.h"
+
 #include <QString>
 
 #include <functional>
@@ -36,6 +38,7 @@ struct FailedRename
 {
     QString from;
     QString to;
+    SystemError error;
 };
 
 /// Replace the target and wait until the device has the new names. After a failure the target is

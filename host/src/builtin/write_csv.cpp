@@ -3,6 +3,7 @@
 #include "builtin/write_csv.h"
 
 #include "builtin/csv_separator.h"
+#include "corvanta/failure_reason.h"
 
 using namespace Qt::StringLiterals;
 
@@ -67,7 +68,8 @@ void ActionWriteCsv::finish()
 
 bool ActionWriteCsv::failWriting()
 {
-    return fail(u"Error: writeCSV: cannot write file '%1'\n"_s.arg(m_name));
+    return fail(u"Error: writeCSV: cannot write file '%1'\n"_s.arg(m_name),
+                failureReason(m_target));
 }
 
 /// Opens the target and writes the header. `columns` are those of the input.
@@ -82,7 +84,8 @@ bool ActionWriteCsv::begin(const OneRow *columns)
     const auto opened = m_target.open(
         m_name, {getIdx(), TargetMode::Replace, [this] { return askRetryWrite(m_name); }});
     if (!opened) {
-        return fail(u"Error: writeCSV: cannot create file '%1'\n"_s.arg(m_name));
+        return fail(u"Error: writeCSV: cannot create file '%1'\n"_s.arg(m_name),
+                    failureReason(m_target));
     }
     m_writer.emplace(*separator);
     getOutputRowForOutputPin(0)->copySchemaFrom(columns);
