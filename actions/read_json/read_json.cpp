@@ -71,6 +71,7 @@ std::optional<markup::SampledDocument> ActionReadJSON::sampleInput()
     InputSample sample(*this, m_params.fileName);
     if (!sample.isOpen()) {
         fileIsMissing(sample.name());
+        explain(sample.reason());
         return std::nullopt;
     }
     JSONTokenizer tokenizer(sample, kTokenizerChars, u"");

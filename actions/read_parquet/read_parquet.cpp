@@ -101,12 +101,12 @@ FileSeries::Opened ActionReadParquet::openFile(const QString &name)
     // A file that has a size exists, but cannot be opened: retries would not help.
     auto input = std::make_unique<RunInput>(globalParameters(), control(), name, false);
     if (!input->file.isOpen()) {
-        return Fault{input->file.getSize() < 0 ? Missing : Unreadable};
+        return Fault{input->file.getSize() < 0 ? Missing : Unreadable, input->file.reason()};
     }
     // The footer is at the end of the file, and columns are read in parallel.
     auto source = randomAccess(std::move(input));
     if (!source) {
-        return Fault{Unreadable};
+        return Fault{Unreadable, source.fault().detail};
     }
     auto reader = parquet::TableReader::open(**source, m_options, workerCount());
     if (!reader) {
@@ -130,7 +130,7 @@ FileSeries::Opened ActionReadParquet::openFile(const QString &name)
 FileSeries::Opened ActionReadParquet::unreadable(const QString &name,
                                                  const Fault<parquet::Error> &fault)
 {
-    const Fault result{FileSeries::OpenError::Unreadable};
+    Fault result{FileSeries::OpenError::Unreadable, fault.detail};
     // Reads also fail after the run has ended. The file is then not damaged.
     if (!runIsGood()) {
         return result;
@@ -145,6 +145,8 @@ FileSeries::Opened ActionReadParquet::unreadable(const QString &name,
         warn(u"Warning: The Parquet file '%1' cannot be read: %2\n"_s.arg(name, fault.detail));
         break;
     case parquet::Error::BadFooter:
+        result.detail = u"it is not a Parquet file, or it is truncated"_s;
+        break;
     case parquet::Error::ShortRead:
     case parquet::Error::Unreadable:
     case parquet::Error::TextTooLong:

@@ -39,7 +39,7 @@ FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
 {
     std::unique_ptr<XbfFile> file(new XbfFile(action, name)); // the constructor is private
     if (!file->m_input->file.isOpen()) {
-        return Fault{FileSeries::OpenError::Missing};
+        return Fault{FileSeries::OpenError::Missing, file->m_input->file.reason()};
     }
     auto reader =
         dbf::TableReader::open(*file->m_input, decoder, params.level7, bufferBytes(params));
@@ -58,10 +58,13 @@ FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
 /// Open the table's memo file, if there is one.
 void XbfFile::openMemo(const ReadXbfParams &params)
 {
+    QString reason;
     // The first name that opens: a table has one memo file.
     for (const QString &name : memoFileNames(m_name, m_input->file)) {
         auto input = openInput(name);
         if (!input->file.isOpen()) {
+            reason +=
+                u"%1'%2': %3"_s.arg(reason.isEmpty() ? u""_s : u"; "_s, name, input->file.reason());
             continue;
         }
         useMemo(name, std::move(input), params);
@@ -69,7 +72,7 @@ void XbfFile::openMemo(const ReadXbfParams &params)
     }
     // A table may have memo fields that were never filled, and then no memo file.
     if (m_reader->header().announcesMemoFile()) {
-        m_action.warn(u"Warning: cannot open memo file\n"_s);
+        m_action.warn(u"Warning: cannot open memo file\n"_s, reason);
     }
 }
 
@@ -177,7 +180,7 @@ void XbfFile::warnFindings()
 bool XbfFile::failOnInput(const RunInput &input, const QString &name, const QString &otherwise)
 {
     const QString failure = input.file.failure();
-    return m_action.fail(failure.isEmpty() ? otherwise.arg(name) : failure);
+    return m_action.fail(failure.isEmpty() ? otherwise.arg(name) : failure, input.file.reason());
 }
 
 /// Report why the table cannot be read, unless the reason is that the run has ended. Returns false.

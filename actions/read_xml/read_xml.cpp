@@ -122,6 +122,7 @@ bool ActionReadXML::sampleWith(const std::function<void(XMLTokenizer &)> &look)
     InputSample sample(*this, m_params.fileName);
     if (!sample.isOpen()) {
         fileIsMissing(sample.name());
+        explain(sample.reason());
         return false;
     }
     const auto tokenizer = makeTokenizer(sample);

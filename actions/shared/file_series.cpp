@@ -85,7 +85,7 @@ bool FileSeries::openNext()
             use(*std::move(opened), name);
             return checkColumns(name);
         }
-        if (!m_action.runIsGood() || !handle(opened.fault().code, name)) {
+        if (!m_action.runIsGood() || !handle(opened.fault(), name)) {
             return false;
         }
     }
@@ -106,8 +106,15 @@ FileSeries::Opened FileSeries::openWithRetries(const QString &name)
     return opened;
 }
 
-/// Report a file that cannot be opened. Returns true to continue with the next one.
-bool FileSeries::handle(OpenError error, const QString &name)
+/// Report a file that cannot be opened, and why. Returns true to continue with the next one.
+bool FileSeries::handle(const Fault<OpenError> &fault, const QString &name)
+{
+    const bool goesOn = report(fault.code, name);
+    ActionBase::explain(fault.detail);
+    return goesOn;
+}
+
+bool FileSeries::report(OpenError error, const QString &name)
 {
     switch (error) {
     case OpenError::Missing:

@@ -80,6 +80,7 @@ public:
         Unreadable, ///< the file exists
         Failed,     ///< the run has failed; the format has reported why
     };
+    /// The detail of a fault is the reason in words. The series logs it after the message.
     using Opened = Result<std::unique_ptr<SeriesFile>, OpenError>;
 
     /// What a reader defines: how a file is opened, and the messages. The functions that report
@@ -151,7 +152,8 @@ public:
 
 private:
     Opened openWithRetries(const QString &name);
-    bool handle(OpenError error, const QString &name);
+    bool handle(const Fault<OpenError> &fault, const QString &name);
+    bool report(OpenError error, const QString &name);
     void use(std::unique_ptr<SeriesFile> file, const QString &name);
     void setCurrent(std::unique_ptr<SeriesFile> file);
     void describeColumns(const TableSchema &columns);

@@ -18,6 +18,8 @@ public:
 
     /// False when there is no such file or it cannot be read; the caller reports it.
     bool isOpen() { return m_file.isOpen(); }
+    /// Why it is not open, in words.
+    QString reason() const { return m_file.reason(); }
     /// The file's name, expanded.
     const QString &name() const { return m_name; }
 

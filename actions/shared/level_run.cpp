@@ -182,9 +182,13 @@ bool LevelRun::documentEnds()
 
 bool LevelRun::documentFails(const markup::MarkupResult &failure)
 {
-    return m_action.runIsGood() &&
-           m_format.documentFails(failure, documentName(),
-                                  m_file == nullptr ? QString() : m_file->failure());
+    if (!m_action.runIsGood()) {
+        return false;
+    }
+    const bool goesOn = m_format.documentFails(failure, documentName(),
+                                               m_file == nullptr ? QString() : m_file->failure());
+    ActionBase::explain(m_file == nullptr ? QString() : m_file->reason());
+    return goesOn;
 }
 
 /// In a stream of texts, the row is the one that was read last.
@@ -209,7 +213,7 @@ FileSeries::Opened LevelRun::openFile(const QString &name)
 {
     auto file = std::make_unique<File>(*this, name);
     if (!file->input().file.isOpen()) {
-        return Fault{FileSeries::OpenError::Missing};
+        return Fault{FileSeries::OpenError::Missing, file->input().file.reason()};
     }
     m_fileName = name;
     m_file = &file->input().file;

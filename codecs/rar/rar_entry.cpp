@@ -64,7 +64,7 @@ Fault<Error> damaged(qint64 offset)
 Result<QByteArray, Error> readBytes(ByteSource &source, qint64 offset, qint64 n)
 {
     QByteArray bytes(n, '\0');
-    if (!source.seek(offset)) {
+    if (offset > source.size() || !source.seek(offset)) {
         return damaged(offset);
     }
     const qint64 got = readFully(source, bytes.data(), n);
@@ -236,7 +236,7 @@ Result<Entry, Error> readEntry(const Block &block, qint64 offset)
         return unsupported(entry, unpacker, offset);
     }
     entry.format = Format::Rar4;
-    entry.isDirectory = (block.flags & Directory) == Directory;
+    entry.headerAt = offset;
     entry.isStored = method == kStored;
     entry.dataAt = offset + block.header.size();
     entry.crc = loadLE<quint32>(bytes + 16);
@@ -254,7 +254,7 @@ Result<Entry, Error> firstEntry(ByteSource &source)
         if (block->type == ArchiveBlock && (block->flags & HeadersEncrypted) != 0) {
             return encryptedArchive(offset);
         }
-        if (block->type == FileBlock) {
+        if (block->type == FileBlock && (block->flags & Directory) != Directory) {
             return readEntry(*block, offset);
         }
         if (block->type == EndBlock) {
@@ -407,6 +407,12 @@ bool hasEncryptionRecord(const Block &block)
     return false;
 }
 
+bool isFolder(const Block &block)
+{
+    Cursor cursor(QByteArrayView(block.header).sliced(block.fieldsAt));
+    return (cursor.number() & Directory) != 0;
+}
+
 /// Read the fields of a file header. Returns its flags, or nothing if it is damaged.
 std::optional<quint64> readFields(const Block &block, Entry *entry)
 {
@@ -421,7 +427,6 @@ std::optional<quint64> readFields(const Block &block, Entry *entry)
     entry->isStored = (cursor.number() & kMethodBits) == 0;
     cursor.number(); // operating system
     entry->name = shownName(cursor.bytes(cursor.number()));
-    entry->isDirectory = (flags & Directory) != 0;
     entry->size = static_cast<qint64>(size);
     return cursor.isBroken() || entry->size < 0 ? std::nullopt : std::optional(flags);
 }
@@ -430,6 +435,7 @@ Result<Entry, Error> readEntry(const Block &block, qint64 offset)
 {
     Entry entry;
     entry.format = Format::Rar5;
+    entry.headerAt = offset;
     entry.dataAt = block.dataAt;
     entry.packedSize = block.end - block.dataAt;
     const auto flags = readFields(block, &entry);
@@ -460,7 +466,11 @@ Result<Entry, Error> firstEntry(ByteSource &source)
         }
         switch (block->type) {
         case FileBlock:
-            return readEntry(*block, offset);
+            if (!isFolder(*block)) {
+                return readEntry(*block, offset);
+            }
+            offset = block->end;
+            break;
         case EncryptionBlock:
             return encryptedArchive(offset);
         case EndBlock:

@@ -18,7 +18,7 @@ enum class Error : quint8 {
     NotRar = 1,
     /// A header is damaged or truncated.
     BadHeader,
-    /// The archive has no entry.
+    /// The archive has no file in it.
     NoEntry,
     /// The headers or the first entry need a password.
     Encrypted,
@@ -33,13 +33,15 @@ enum class Error : quint8 {
 /// The two generations of the format. Their headers have different layouts.
 enum class Format : quint8 { Rar4, Rar5 };
 
-/// The first entry. Sizes and offsets are in bytes and not negative; the data may be truncated.
+/// The first entry that is not a folder. Sizes and offsets are in bytes and not negative; the data
+/// may be truncated.
 struct Entry
 {
     Format format = Format::Rar4;
     /// For messages; not a file name.
     QString name;
-    bool isDirectory = false;
+    /// Offset of the header in the archive. Folders may come before it.
+    qint64 headerAt = 0;
     /// Whether the data is not compressed.
     bool isStored = false;
     /// Offset of the packed data in the archive.

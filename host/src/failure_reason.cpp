@@ -25,7 +25,7 @@ QFileInfo existingAbove(const QString &file)
 }
 
 /// For a file whose folder does not exist.
-QString noFolderText(const QString &file, FileUse use, const QString &folderRemedy)
+QString noFolderText(const QString &file, FileUse use)
 {
     const QString missing = u"the folder '%1' does not exist"_s.arg(QFileInfo(file).absolutePath());
     const QFileInfo above = existingAbove(file);
@@ -36,21 +36,24 @@ QString noFolderText(const QString &file, FileUse use, const QString &folderReme
         return u"%1, and there is no permission to create it in '%2'"_s.arg(missing,
                                                                             above.filePath());
     }
-    return folderRemedy.isEmpty() ? missing : u"%1: %2"_s.arg(missing, folderRemedy);
+    return missing;
 }
 
-QString notThereText(const QString &file, FileUse use, const QString &folderRemedy)
+QString notThereText(const QString &file, FileUse use)
 {
     const QFileInfo info(file);
     if (file.isEmpty()) {
         return u"the name of the file is empty"_s;
     }
     if (!QFileInfo::exists(info.absolutePath())) {
-        return noFolderText(file, use, folderRemedy);
+        return noFolderText(file, use);
     }
-    return info.isSymLink()
-               ? u"the link leads to '%1', which is not there"_s.arg(info.symLinkTarget())
-               : u"there is no file of this name"_s;
+    if (info.isSymLink()) {
+        return u"the link leads to '%1', which is not there"_s.arg(info.symLinkTarget());
+    }
+    return use == FileUse::Read
+               ? u"there is no file of this name"_s
+               : u"the folder '%1' accepts no such file"_s.arg(info.absolutePath());
 }
 
 QString noPermissionText(const QString &file, FileUse use)
@@ -90,11 +93,11 @@ constexpr std::array kFixedTexts{
     FixedText{ETXTBSY, "another program uses the file"},
 };
 
-QString wordsFor(const QString &file, FileUse use, int number, const QString &folderRemedy)
+QString wordsFor(const QString &file, FileUse use, int number)
 {
     switch (number) {
     case ENOENT:
-        return notThereText(file, use, folderRemedy);
+        return notThereText(file, use);
     case ENOTDIR:
         return u"'%1' is not a folder"_s.arg(existingAbove(file).filePath());
     case EISDIR:
@@ -118,8 +121,13 @@ QString wordsFor(const QString &file, FileUse use, int number, const QString &fo
 QString failureReason(const QString &file, FileUse use, SystemError error,
                       const QString &folderRemedy)
 {
-    return error ? u"%1 (%2)"_s.arg(wordsFor(file, use, error.number, folderRemedy), error.text())
-                 : QString();
+    if (!error) {
+        return {};
+    }
+    const bool hasRemedy = error.number == ENOENT && !folderRemedy.isEmpty() && !file.isEmpty() &&
+                           !QFileInfo::exists(QFileInfo(file).absolutePath());
+    return u"%1 (%2)%3"_s.arg(wordsFor(file, use, error.number), error.text(),
+                              hasRemedy ? ": "_L1 + folderRemedy : QString());
 }
 
 QString failureReason(const TargetFile &target, const QString &folderRemedy)

@@ -1,6 +1,7 @@
 #include "io/input/input_file.h"
 
 #include "corvanta/action_item.h"
+#include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
 #include "corvanta/main_ui.h"
 #include "io/input/archive_sources.h"
@@ -21,14 +22,15 @@ namespace {
 class PlainSource final : public InputSource
 {
 public:
-    explicit PlainSource(std::unique_ptr<MyReadFile> file)
-        : m_file(std::move(file))
+    PlainSource(QString name, std::unique_ptr<MyReadFile> file)
+        : m_name(std::move(name))
+        , m_file(std::move(file))
     {
     }
     qint64 read(void *buffer, qint64 n) override
     {
         const qint64 got = m_file->read(buffer, n);
-        return got < 0 ? fail(QStringLiteral("the system reports a read error")) : got;
+        return got < 0 ? fail(failureReason(m_name, FileUse::Read, m_file->error())) : got;
     }
     qint64 size() override { return m_file->size(); }
     bool seek(qint64 offset) override
@@ -39,21 +41,21 @@ public:
     qint64 progressPosition() const override { return m_file->position(); }
 
 private:
+    const QString m_name;
     std::unique_ptr<MyReadFile> m_file;
 };
 
-/// `shared`: other programs may write the file while it is open.
-input::Opened openPlain(GlobalParameters *parameters, const QString &name, bool shared)
+input::Opened openPlain(const QString &name)
 {
-    std::unique_ptr<MyReadFile> file(MyReadFile::newMyReadFile(parameters, name, true, shared));
+    auto file = MyReadFile::open(name);
     if (!file) {
-        return Fault<OpenError>{OpenError::CannotOpen};
+        return Fault{OpenError::CannotOpen, failureReason(name, FileUse::Read, file.fault().code)};
     }
-    return std::unique_ptr<InputSource>(std::make_unique<PlainSource>(std::move(file)));
+    return std::unique_ptr<InputSource>(std::make_unique<PlainSource>(name, *std::move(file)));
 }
 
 /// Gzip and .Z files are opened by the host, whose own readers need them too.
-input::Opened openSource(GlobalParameters *parameters, const InputName &parts, bool shared)
+input::Opened openSource(GlobalParameters *parameters, const InputName &parts)
 {
     switch (parts.kind) {
     case Kind::Rar:
@@ -67,7 +69,7 @@ input::Opened openSource(GlobalParameters *parameters, const InputName &parts, b
     case Kind::Plain:
         break;
     }
-    return openPlain(parameters, parts.path, shared);
+    return openPlain(parts.path);
 }
 
 /// Log the failures that only this class knows. Readers report files of the other kinds, with their
@@ -97,14 +99,15 @@ void logOpenFailure(const InputName &parts, const Fault<OpenError> &fault)
 
 } // namespace
 
-InputFile::InputFile(GlobalParameters *parameters, const QString &name, bool shared)
+InputFile::InputFile(GlobalParameters *parameters, const QString &name, bool)
     : m_parameters(parameters)
 {
     const InputName parts = input::parseInputName(name);
     m_kind = parts.kind;
-    auto opened = openSource(parameters, parts, shared);
+    auto opened = openSource(parameters, parts);
     if (!opened) {
         logOpenFailure(parts, opened.fault());
+        m_openFailure = opened.fault().detail;
         return;
     }
     m_source = *std::move(opened);
@@ -117,11 +120,6 @@ InputFile::InputFile(GlobalParameters *parameters, const QString &name, bool sha
 }
 
 InputFile::~InputFile() = default;
-
-bool InputFile::isOpen()
-{
-    return m_source && getSize() >= 0;
-}
 
 qint64 InputFile::read(void *buffer, qint64 n)
 {
@@ -181,6 +179,16 @@ void InputFile::close()
 QString InputFile::memberName() const
 {
     return m_source ? m_source->memberName() : QString();
+}
+
+bool InputFile::isRandomAccess() const
+{
+    return m_kind == input::Kind::Plain && m_source && m_source->size() >= 0;
+}
+
+QString InputFile::reason() const
+{
+    return m_source ? m_source->failure() : m_openFailure;
 }
 
 QString InputFile::failure() const

@@ -23,14 +23,15 @@ class InputSource;
 class InputFile final : public ByteSource
 {
 public:
-    /// Open `name`, which is expanded already; check isOpen(). `shared` is passed to the host's
-    /// reader of plain files. Logs why a .gz, .Z or RAR file cannot be opened, but nothing for
-    /// other kinds: the reader reports those.
+    /// Open `name`, which is expanded already; check isOpen(). `shared` has no effect: other
+    /// programs may always continue to write the file. Logs why a .gz, .Z or RAR file cannot be
+    /// opened, but nothing for other kinds: the reader reports those.
     InputFile(GlobalParameters *parameters, const QString &name, bool shared);
     ~InputFile() override;
 
-    /// Whether the file was opened and has a size; see getSize().
-    bool isOpen();
+    /// Whether the file was opened. Pipes and devices open, too; they are read once, in order, and
+    /// their size is not known.
+    bool isOpen() const { return m_source != nullptr; }
 
     /// Read up to `n` bytes. Returns the number of bytes, 0 at the end, and a negative number after
     /// a failure; see failure(). Packed data fails if it is truncated, damaged, or does not match
@@ -38,7 +39,7 @@ public:
     qint64 read(void *buffer, qint64 n) override;
 
     /// Size in bytes of the unpacked data if the archive has it, otherwise of the file. Negative if
-    /// there is no such file.
+    /// there is no such file, and for pipes and devices.
     double getSize();
 
     /// Total number of bytes that read() returns, or -1 if unknown.
@@ -61,8 +62,11 @@ public:
     QString memberName() const;
     /// Offset in the unpacked data of the next byte that read() returns.
     qint64 position() const { return m_position; }
-    /// Whether seek() has no cost.
-    bool isRandomAccess() const { return m_kind == input::Kind::Plain; }
+    /// Whether seek() has no cost: a plain file, not a pipe or a device.
+    bool isRandomAccess() const;
+    /// Why the file could not be opened, or why the last read or seek failed, in words; empty
+    /// otherwise.
+    QString reason() const;
     /// The log message for a failed read. Empty if the last read succeeded.
     QString failure() const;
 
@@ -72,6 +76,7 @@ private:
     GlobalParameters *m_parameters;
     input::Kind m_kind;
     QString m_name;
+    QString m_openFailure; // see reason()
     std::unique_ptr<input::InputSource> m_source;
     std::atomic<double> m_size = kSizeNotKnown; // set once, by the constructor or getSize()
     std::atomic<qint64> m_progressPosition = 0; // of the packed bytes for .gz and .Z

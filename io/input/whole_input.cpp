@@ -30,7 +30,7 @@ private:
 };
 
 /// Grows with the data: the sizes that packed files state are not trusted.
-Result<QByteArray, WholeInputError> readAll(ByteSource &source)
+Result<QByteArray, WholeInputError> readAll(RunInput &source)
 {
     constexpr qsizetype kPieceBytes = 1 << 20;
     QByteArray bytes;
@@ -39,7 +39,7 @@ Result<QByteArray, WholeInputError> readAll(ByteSource &source)
         bytes.resize(before + kPieceBytes);
         const qint64 got = source.read(bytes.data() + before, kPieceBytes);
         if (got < 0) {
-            return Fault{WholeInputError::ReadFailed};
+            return Fault{WholeInputError::ReadFailed, source.file.reason()};
         }
         bytes.resize(before + got);
         // Packed inputs have verified their checksum when they report the end.
@@ -47,7 +47,9 @@ Result<QByteArray, WholeInputError> readAll(ByteSource &source)
             return bytes;
         }
     }
-    return Fault{WholeInputError::TooLarge};
+    return Fault{WholeInputError::TooLarge,
+                 QStringLiteral("its content is larger than %1 MiB, and it can only be read whole")
+                     .arg(limits::kMemberBytes >> 20)};
 }
 
 } // namespace

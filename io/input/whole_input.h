@@ -10,7 +10,8 @@ namespace corvanta {
 enum class WholeInputError : quint8 { ReadFailed, TooLarge };
 
 /// A source of the same bytes that seeks at no cost: `input` itself if it is a plain file, else its
-/// unpacked content in memory. Errors: ReadFailed; TooLarge above limits::kMemberBytes.
+/// unpacked content in memory. Pipes and devices are also read into memory. The detail of a fault
+/// is the reason in words. Errors: ReadFailed; TooLarge above limits::kMemberBytes.
 Result<std::unique_ptr<ByteSource>, WholeInputError> randomAccess(std::unique_ptr<RunInput> input);
 
 /// Read and discard the rest of `source`. Packed inputs verify their checksum at the end; false

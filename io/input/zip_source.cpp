@@ -2,17 +2,21 @@
 // and checksum with the directory, so that a damaged member fails however it is read.
 //
 // Stored bytes are the content (method 0) or a raw deflate stream (method 8, RFC 1951).
+#include "base/bytes.h"
 #include "codecs/deflate/crc32.h"
 #include "codecs/deflate/inflater.h"
+#include "corvanta/failure_reason.h"
+#include "corvanta/files.h"
 #include "io/input/archive_sources.h"
 
-#include <QFile>
 #include <QStringDecoder>
 
 #include <minizip/unzip.h>
 
-#include <array>
+#include <cerrno>
 #include <vector>
+
+using namespace Qt::StringLiterals;
 
 namespace corvanta::input {
 
@@ -48,17 +52,56 @@ QString decodeName(QByteArrayView raw, uLong flags)
     return inCodePage;
 }
 
-// minizip's file functions, implemented with QFile, which accepts any file name on any system. The
-// stream is a QFile, owned by minizip between openFile() and closeFile().
-voidpf openFile(voidpf, const void *name, int)
+/// The name of an entry in the Unicode path field of `extra`: u16 id 7075, u16 size, then a version
+/// (1), the CRC-32 of the stored name and the name in UTF-8. Empty without a valid field: packers
+/// that do not know it may have changed the stored name.
+QString unicodeName(QByteArrayView extra, QByteArrayView stored)
 {
-    auto file = std::make_unique<QFile>(*static_cast<const QString *>(name));
-    return file->open(QIODevice::ReadOnly) ? file.release() : nullptr;
+    constexpr quint16 kUnicodePath = 0x7075;
+    constexpr qsizetype kHeadBytes = 4;
+    constexpr qsizetype kBytesBeforeName = 5;
+    while (extra.size() >= kHeadBytes) {
+        const auto id = loadLE<quint16>(extra.data());
+        const qsizetype size = loadLE<quint16>(extra.data() + 2);
+        extra = extra.sliced(kHeadBytes);
+        if (size > extra.size()) {
+            break;
+        }
+        const QByteArrayView field = extra.first(size);
+        extra = extra.sliced(size);
+        if (id == kUnicodePath && size > kBytesBeforeName && field[0] == 1 &&
+            loadLE<quint32>(field.data() + 1) ==
+                deflate::crc32(0, {stored.data(), static_cast<size_t>(stored.size())})) {
+            return QString::fromUtf8(field.sliced(kBytesBeforeName));
+        }
+    }
+    return {};
+}
+
+/// The archive, for minizip and for the reason of a failure. Cached, because minizip reads a
+/// directory in pieces of a few bytes.
+struct ArchiveFile
+{
+    explicit ArchiveFile(std::unique_ptr<MyReadFile> opened)
+        : file(opened.release(), kInputBytes)
+        , size(file.size())
+    {
+    }
+    MyReadFileCached file;
+    const qint64 size; // -1: a pipe or a device
+    bool hasFailed = false;
+};
+
+// minizip's file functions. The stream is an ArchiveFile, which the caller owns.
+voidpf openFile(voidpf, const void *archive, int)
+{
+    return const_cast<void *>(archive); // NOLINT(cppcoreguidelines-pro-type-const-cast)
 }
 uLong readFile(voidpf, voidpf stream, void *buffer, uLong n)
 {
-    const qint64 got =
-        static_cast<QFile *>(stream)->read(static_cast<char *>(buffer), static_cast<qint64>(n));
+    auto *const archive = static_cast<ArchiveFile *>(stream);
+    const qint64 got = readFully(archive->file, buffer, static_cast<qint64>(n));
+    archive->hasFailed = archive->hasFailed || got < 0;
     return got < 0 ? 0 : static_cast<uLong>(got);
 }
 // Archives are only read.
@@ -68,29 +111,28 @@ uLong writeFile(voidpf, voidpf, const void *, uLong)
 }
 ZPOS64_T tellFile(voidpf, voidpf stream)
 {
-    return static_cast<ZPOS64_T>(static_cast<QFile *>(stream)->pos());
+    return static_cast<ZPOS64_T>(static_cast<ArchiveFile *>(stream)->file.position());
 }
 long seekFile(voidpf, voidpf stream, ZPOS64_T offset, int origin)
 {
-    auto *const file = static_cast<QFile *>(stream);
+    auto *const archive = static_cast<ArchiveFile *>(stream);
     qint64 base = 0;
     if (origin == ZLIB_FILEFUNC_SEEK_CUR) {
-        base = file->pos();
+        base = archive->file.position();
     } else if (origin == ZLIB_FILEFUNC_SEEK_END) {
-        base = file->size();
+        base = archive->size;
     }
     // Offsets are unsigned, but may be negative numbers in a damaged archive.
     const auto target = static_cast<qint64>(static_cast<quint64>(base) + offset);
-    return target >= 0 && target <= file->size() && file->seek(target) ? 0 : -1;
+    return target >= 0 && target <= archive->size && archive->file.seek(target) ? 0 : -1;
 }
-int closeFile(voidpf, voidpf stream)
+int closeFile(voidpf, voidpf)
 {
-    delete static_cast<QFile *>(stream);
     return 0;
 }
 int fileError(voidpf, voidpf stream)
 {
-    return static_cast<QFile *>(stream)->error() == QFileDevice::NoError ? 0 : -1;
+    return static_cast<ArchiveFile *>(stream)->hasFailed ? -1 : 0;
 }
 
 struct CloseUnzip
@@ -104,14 +146,32 @@ struct CloseUnzip
 };
 using UnzipHandle = std::unique_ptr<unzFile, CloseUnzip>;
 
+/// An entry of the directory.
+struct Entry
+{
+    unz_file_info64 info{};
+    QString name;   ///< in Unicode, if the archive has it
+    QString stored; ///< as stored; graphs that were saved before may name it
+
+    bool isFolder() const { return name.endsWith(u'/'); }
+    bool isNamed(const QString &wanted) const
+    {
+        return name.compare(wanted, Qt::CaseInsensitive) == 0 ||
+               stored.compare(wanted, Qt::CaseInsensitive) == 0;
+    }
+};
+
 /// One member. Its directory entry is trusted for size and checksum only.
 class ZipSource final : public InputSource
 {
 public:
-    ZipSource(UnzipHandle archive, const unz_file_info64 &info, const QString &name)
-        : m_archive(std::move(archive))
-        , m_info(info)
-        , m_name(name)
+    ZipSource(const QString &path, std::unique_ptr<ArchiveFile> file, UnzipHandle archive,
+              const Entry &entry)
+        : m_path(path)
+        , m_file(std::move(file))
+        , m_archive(std::move(archive))
+        , m_info(entry.info)
+        , m_name(entry.name)
         , m_input(kInputBytes)
     {
         if (m_info.compression_method == Z_DEFLATED) {
@@ -134,7 +194,9 @@ private:
     qint64 inflate(char *out, qint64 n);
     qint64 atEnd();
 
-    UnzipHandle m_archive;
+    const QString m_path;
+    std::unique_ptr<ArchiveFile> m_file;
+    UnzipHandle m_archive; // reads m_file
     unz_file_info64 m_info;
     QString m_name;
     std::unique_ptr<deflate::Inflater> m_inflater; // null for a stored member
@@ -215,7 +277,9 @@ qint64 ZipSource::read(void *buffer, qint64 n)
     char *const out = static_cast<char *>(buffer);
     const qint64 got = m_inflater ? inflate(out, n) : readStored(out, n);
     if (got < 0) {
-        return fail(QStringLiteral("the zip member '%1' is damaged or truncated").arg(m_name));
+        const QString reason = failureReason(m_path, FileUse::Read, m_file->file.error());
+        return fail(reason.isEmpty() ? u"the zip member '%1' is damaged or truncated"_s.arg(m_name)
+                                     : reason);
     }
     // A small archive must not unpack to any size.
     if (got > size() - m_done) {
@@ -234,47 +298,110 @@ bool ZipSource::seek(qint64 offset)
     return start() && skipBytes(*this, offset);
 }
 
-/// Move to the wanted entry and get its facts. Returns false if it does not exist or cannot be
-/// read.
-bool findMember(unzFile archive, const QString &member, unz_file_info64 *info, QString *name)
+/// The facts of the entry that minizip is at. Returns false if its directory is damaged.
+bool readEntry(unzFile archive, Entry *entry)
 {
-    // Names have at most 65535 bytes; the rest of the buffer stays zero.
-    std::array<char, 65536> raw{};
-    int found = unzGoToFirstFile(archive);
-    while (found == UNZ_OK) {
-        found = unzGetCurrentFileInfo64(archive, info, raw.data(), raw.size() - 1, nullptr, 0,
-                                        nullptr, 0);
-        *name = decodeName(QByteArrayView(raw.data()), info->flag);
-        if (found != UNZ_OK || member.isEmpty() ||
-            name->compare(member, Qt::CaseInsensitive) == 0) {
-            break;
-        }
-        found = unzGoToNextFile(archive);
-    }
-    if (found != UNZ_OK) {
+    // Names and extra fields have at most 65535 bytes.
+    QByteArray stored(0xFFFF, '\0');
+    QByteArray extra(0xFFFF, '\0');
+    if (unzGetCurrentFileInfo64(archive, &entry->info, stored.data(),
+                                static_cast<uLong>(stored.size()), extra.data(),
+                                static_cast<uLong>(extra.size()), nullptr, 0) != UNZ_OK) {
         return false;
     }
-    const bool isKnownMethod =
-        info->compression_method == 0 || info->compression_method == Z_DEFLATED;
-    return isKnownMethod && (info->flag & kEncryptedFlag) == 0 &&
-           info->uncompressed_size <= static_cast<ZPOS64_T>(std::numeric_limits<qint64>::max());
+    stored.truncate(static_cast<qsizetype>(entry->info.size_filename));
+    extra.truncate(static_cast<qsizetype>(entry->info.size_file_extra));
+    entry->stored = decodeName(stored, entry->info.flag);
+    const QString inUnicode = unicodeName(extra, stored);
+    entry->name = inUnicode.isEmpty() ? entry->stored : inUnicode;
+    return true;
+}
+
+Fault<OpenError> refused(const QString &member, const QString &why)
+{
+    return {OpenError::Refused, u"the zip member '%1' %2"_s.arg(member, why)};
+}
+
+/// Move to the wanted entry; an empty name is the first one that is not a folder.
+Result<Entry, OpenError> findEntry(unzFile archive, const QString &member)
+{
+    Entry entry;
+    int found = unzGoToFirstFile(archive);
+    while (found == UNZ_OK) {
+        if (!readEntry(archive, &entry)) {
+            found = UNZ_BADZIPFILE;
+        } else if (member.isEmpty() ? !entry.isFolder() : entry.isNamed(member)) {
+            return entry;
+        } else {
+            found = unzGoToNextFile(archive);
+        }
+    }
+    if (found != UNZ_END_OF_LIST_OF_FILE) {
+        return Fault{OpenError::Refused, u"the directory of the zip archive is damaged"_s};
+    }
+    return Fault{OpenError::CannotOpen, member.isEmpty()
+                                            ? u"the zip archive has no file in it"_s
+                                            : u"the zip archive has no member '%1'"_s.arg(member)};
+}
+
+/// Whether this reader can unpack the member.
+Result<void, OpenError> checkEntry(const Entry &entry)
+{
+    if ((entry.info.flag & kEncryptedFlag) != 0) {
+        return refused(entry.name, u"is encrypted"_s);
+    }
+    const uLong method = entry.info.compression_method;
+    if (method != 0 && method != Z_DEFLATED) {
+        return refused(
+            entry.name,
+            u"is packed by method %1, which is not supported: pack it with deflate"_s.arg(method));
+    }
+    if (entry.info.uncompressed_size > static_cast<ZPOS64_T>(std::numeric_limits<qint64>::max())) {
+        return refused(entry.name, u"is damaged: its size is not possible"_s);
+    }
+    return {};
+}
+
+Result<std::unique_ptr<ArchiveFile>, OpenError> openArchive(const QString &path)
+{
+    auto file = MyReadFile::open(path);
+    if (!file) {
+        return Fault{OpenError::CannotOpen, failureReason(path, FileUse::Read, file.fault().code)};
+    }
+    auto archive = std::make_unique<ArchiveFile>(*std::move(file));
+    if (archive->size < 0) {
+        return Fault{OpenError::Refused, failureReason(path, FileUse::Read, {ESPIPE})};
+    }
+    return archive;
 }
 
 } // namespace
 
 Opened openZipMember(const QString &path, const QString &member)
 {
+    auto file = openArchive(path);
+    if (!file) {
+        return file.fault();
+    }
     zlib_filefunc64_def functions{openFile, readFile,  writeFile, tellFile,
                                   seekFile, closeFile, fileError, nullptr};
-    UnzipHandle archive(unzOpen2_64(&path, &functions));
-    unz_file_info64 info{};
-    QString name;
-    if (!archive || !findMember(archive.get(), member, &info, &name)) {
-        return Fault<OpenError>{OpenError::CannotOpen};
+    UnzipHandle archive(unzOpen2_64(file->get(), &functions));
+    if (!archive) {
+        const QString reason = failureReason(path, FileUse::Read, (*file)->file.error());
+        return Fault{OpenError::Refused,
+                     reason.isEmpty() ? u"it is not a zip archive, or it is truncated"_s : reason};
     }
-    auto source = std::make_unique<ZipSource>(std::move(archive), info, name);
+    const auto entry = findEntry(archive.get(), member);
+    if (!entry) {
+        return entry.fault();
+    }
+    if (const auto checked = checkEntry(*entry); !checked) {
+        return checked.fault();
+    }
+    auto source = std::make_unique<ZipSource>(path, *std::move(file), std::move(archive), *entry);
     if (!source->start()) {
-        return Fault<OpenError>{OpenError::CannotOpen};
+        return refused(entry->name,
+                       u"is damaged: its header does not match the directory of the archive"_s);
     }
     return std::unique_ptr<InputSource>(std::move(source));
 }

@@ -1,4 +1,4 @@
-// Unpacks the first entry of a RAR archive with the libraries of the platform.
+// Unpacks the first file of a RAR archive with the libraries of the platform.
 //
 // POSIX: libunarr for RAR 4 and libarchive for RAR 5, because each of them reads the other format
 // wrongly or not at all. Windows: unrar64.dll, loaded when the first archive is opened.
@@ -34,16 +34,16 @@ public:
     RarArchive &operator=(const RarArchive &) = delete;
     virtual ~RarArchive() = default;
 
-    /// Unpacked size of the first entry in bytes, from its header.
+    /// Unpacked size of the first file in bytes, from its header.
     virtual qint64 size() const = 0;
 
-    /// Unpack the first entry. Call it only once. Success means that size and checksum are correct.
+    /// Unpack the first file. Call it only once. Success means that size and checksum are correct.
     /// Errors: Damaged, Stopped.
     virtual Result<void, RarError> unpack(const Receiver &receiver) = 0;
 };
 
-/// Open the archive `path` and read its headers up to the first entry. Errors: CannotOpen,
-/// NoUnpacker, Refused.
+/// Open the archive `path` and read its headers up to the first entry that is not a folder. The
+/// detail of a fault is the reason in words. Errors: CannotOpen, NoUnpacker, Refused.
 Result<std::unique_ptr<RarArchive>, RarError> openRarArchive(const QString &path);
 
 } // namespace corvanta::platform

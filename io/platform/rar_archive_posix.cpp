@@ -3,6 +3,8 @@
 // are compared with the header in each case. Layout of the headers: codecs/rar/rar_entry.cpp.
 #include "codecs/deflate/crc32.h"
 #include "codecs/rar/rar_entry.h"
+#include "corvanta/failure_reason.h"
+#include "corvanta/files.h"
 #include "io/platform/rar_archive.h"
 
 #include <QFile>
@@ -11,6 +13,7 @@
 #include <archive_entry.h>
 #include <unarr.h>
 
+#include <cerrno>
 #include <vector>
 
 namespace corvanta::platform {
@@ -34,26 +37,6 @@ struct CloseArchive
     void operator()(archive *a) const noexcept { archive_read_free(a); }
 };
 
-/// The archive for codecs/rar and for stored entries. The libraries open it again by its name.
-class RarFile final : public ByteSource
-{
-public:
-    explicit RarFile(const QString &path)
-        : m_file(path)
-    {
-    }
-    bool open() { return m_file.open(QIODevice::ReadOnly); }
-    qint64 read(void *buffer, qint64 n) override
-    {
-        return m_file.read(static_cast<char *>(buffer), n);
-    }
-    qint64 size() override { return m_file.size(); }
-    bool seek(qint64 offset) override { return offset <= m_file.size() && m_file.seek(offset); }
-
-private:
-    QFile m_file;
-};
-
 /// A message about an entry.
 QString entryMessage(const rar::Entry &entry, const char *what)
 {
@@ -74,7 +57,7 @@ public:
     Result<void, RarError> unpack(const Receiver &receiver) override
     {
         m_receiver = &receiver;
-        if (!m_entry.isDirectory && m_entry.size > 0) {
+        if (m_entry.size > 0) {
             auto unpacked = unpackEntry();
             if (!unpacked) {
                 return unpacked;
@@ -83,7 +66,7 @@ public:
         if (m_done != m_entry.size) {
             return damaged("is shorter than its header says");
         }
-        if (!m_entry.isDirectory && m_entry.crc && *m_entry.crc != m_crc) {
+        if (m_entry.crc && *m_entry.crc != m_crc) {
             return damaged("does not agree with its checksum");
         }
         return {};
@@ -131,17 +114,22 @@ public:
     using PosixRar::PosixRar;
 
 private:
+    Fault<RarError> unreadable(const MyReadFile &file) const
+    {
+        const QString reason = failureReason(path(), FileUse::Read, file.error());
+        return reason.isEmpty() ? damaged("is truncated") : Fault{RarError::Damaged, reason};
+    }
     Result<void, RarError> unpackEntry() override
     {
-        RarFile file(path());
+        const auto file = MyReadFile::open(path());
         std::vector<char> piece(kPieceBytes);
-        if (!file.open() || !file.seek(entry().dataAt)) {
+        if (!file || !(*file)->seek(entry().dataAt)) {
             return damaged("cannot be read");
         }
         while (left() > 0) {
-            const qint64 got = file.read(piece.data(), std::min<qint64>(left(), kPieceBytes));
+            const qint64 got = (*file)->read(piece.data(), std::min<qint64>(left(), kPieceBytes));
             if (got <= 0) {
-                return damaged("cannot be read");
+                return unreadable(**file);
             }
             auto delivered = deliver({piece.data(), static_cast<size_t>(got)});
             if (!delivered) {
@@ -165,9 +153,12 @@ private:
             ar_open_file(QFile::encodeName(path()).constData()));
         const std::unique_ptr<ar_archive, CloseUnarr> rar(stream ? ar_open_rar_archive(stream.get())
                                                                  : nullptr);
-        // The library must agree with our header reader about the entry.
-        if (!rar || !ar_parse_entry(rar.get()) ||
-            static_cast<qint64>(ar_entry_get_size(rar.get())) != size()) {
+        // The library must agree with our header reader about the entry. It reports folders, too.
+        bool isFound = rar && ar_parse_entry(rar.get());
+        while (isFound && ar_entry_get_offset(rar.get()) < entry().headerAt) {
+            isFound = ar_parse_entry(rar.get());
+        }
+        if (!isFound || static_cast<qint64>(ar_entry_get_size(rar.get())) != size()) {
             return damaged("cannot be unpacked");
         }
         std::vector<char> piece(kPieceBytes);
@@ -198,10 +189,14 @@ private:
         archive_entry *entry = nullptr;
         if (!rar || archive_read_support_format_rar5(rar.get()) != ARCHIVE_OK ||
             archive_read_open_filename(rar.get(), QFile::encodeName(path()).constData(),
-                                       kPieceBytes) != ARCHIVE_OK ||
-            archive_read_next_header(rar.get(), &entry) != ARCHIVE_OK) {
+                                       kPieceBytes) != ARCHIVE_OK) {
             return damaged("cannot be unpacked");
         }
+        do {
+            if (archive_read_next_header(rar.get(), &entry) != ARCHIVE_OK) {
+                return damaged("cannot be unpacked");
+            }
+        } while (archive_entry_filetype(entry) == AE_IFDIR);
         std::vector<char> piece(kPieceBytes);
         // Read until the end is reported: the library verifies the checksum only then.
         while (true) {
@@ -224,16 +219,20 @@ private:
 
 Result<std::unique_ptr<RarArchive>, RarError> openRarArchive(const QString &path)
 {
-    RarFile file(path);
-    if (!file.open()) {
-        return Fault<RarError>{RarError::CannotOpen};
+    const auto file = MyReadFile::open(path);
+    if (!file) {
+        return Fault{RarError::CannotOpen, failureReason(path, FileUse::Read, file.fault().code)};
     }
-    auto entry = rar::readFirstEntry(file);
+    if ((*file)->size() < 0) {
+        return Fault{RarError::Refused, failureReason(path, FileUse::Read, {ESPIPE})};
+    }
+    auto entry = rar::readFirstEntry(**file);
     if (!entry) {
-        return Fault<RarError>{RarError::Refused, entry.fault().detail};
+        const QString reason = failureReason(path, FileUse::Read, (*file)->error());
+        return Fault{RarError::Refused, reason.isEmpty() ? entry.fault().detail : reason};
     }
     // Checked here because libunarr writes messages about truncated data to standard error.
-    if (entry->packedSize > file.size() - entry->dataAt) {
+    if (entry->packedSize > (*file)->size() - entry->dataAt) {
         return Fault<RarError>{RarError::Refused, entryMessage(*entry, "is truncated")};
     }
     if (entry->isStored) {

@@ -56,9 +56,10 @@ enum : unsigned {
     ModeExtract = 1,
     HeaderSplitBefore = 1,
     HeaderSplitAfter = 2,
-    HeaderEncrypted = 4
+    HeaderEncrypted = 4,
+    HeaderDirectory = 0x20
 };
-enum : int { ProcessTest = 1, Success = 0 };
+enum : int { ProcessSkip = 0, ProcessTest = 1, Success = 0 };
 enum : unsigned { MessageProcessData = 1 };
 // What the callback returns.
 constexpr int kContinue = 1;
@@ -183,13 +184,19 @@ Result<std::unique_ptr<RarArchive>, RarError> openRarArchive(const QString &path
     OpenData data{name.data(), ModeExtract, 0, nullptr, 0, 0, 0};
     const HANDLE handle = library.open(&data);
     if (handle == nullptr || data.result != Success) {
-        return Fault<RarError>{RarError::CannotOpen};
+        return Fault<RarError>{RarError::CannotOpen,
+                               QStringLiteral("it cannot be opened as a RAR archive")};
     }
     // On the heap: it has about 10 KiB.
     const auto header = std::make_unique<HeaderData>();
     // Closes the handle, whatever the header says.
     auto archive = std::make_unique<UnrarArchive>(library, handle);
-    if (library.readHeader(handle, header.get()) != Success) {
+    int result = library.readHeader(handle, header.get());
+    while (result == Success && (header->flags & HeaderDirectory) != 0) {
+        library.process(handle, ProcessSkip, nullptr, nullptr);
+        result = library.readHeader(handle, header.get());
+    }
+    if (result != Success) {
         return Fault<RarError>{RarError::Refused,
                                QStringLiteral("a header of the archive is damaged or truncated")};
     }

@@ -45,11 +45,12 @@ private:
 };
 
 enum class OpenError : quint8 {
-    CannotOpen = 1, ///< The system cannot open the file.
+    CannotOpen = 1, ///< The system cannot open the file, or the archive has no such member.
     NoUnpacker,     ///< The unpacking library is missing. The detail is the message to log.
-    Refused, ///< The content does not match the file's name or is not supported. See the detail.
+    Refused,        ///< The content does not match the file's name or is not supported.
 };
 
+/// The detail of every fault is the reason in words, except for NoUnpacker.
 using Opened = Result<std::unique_ptr<InputSource>, OpenError>;
 
 /// Open a gzip file. `name` is expanded already. Reads nothing yet, so that damage is reported by

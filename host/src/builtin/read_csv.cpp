@@ -4,6 +4,7 @@
 
 #include "base/number.h"
 #include "builtin/csv_separator.h"
+#include "corvanta/failure_reason.h"
 
 using namespace Qt::StringLiterals;
 
@@ -114,6 +115,7 @@ void ActionReadCsv::finish()
     m_reader.reset();
     m_file.reset();
     m_compressed = nullptr;
+    m_plain = nullptr;
 }
 
 bool ActionReadCsv::open()
@@ -124,33 +126,38 @@ bool ActionReadCsv::open()
         return fail(u"Error: readCSV: the separator '%1' is not one ASCII character\n"_s.arg(
             m_params.separator));
     }
-    std::unique_ptr<ByteSource> file = openFile();
+    auto file = openFile();
     if (!file) {
-        return fail(u"Error: readCSV: cannot open file '%1' for read\n"_s.arg(m_name));
+        return fail(u"Error: readCSV: cannot open file '%1' for read\n"_s.arg(m_name),
+                    file.fault().detail);
     }
-    m_file = std::make_unique<ProgressSource>(std::move(file), m_compressed, &m_done);
+    m_file = std::make_unique<ProgressSource>(*std::move(file), m_compressed, &m_done);
     m_reader = std::make_unique<csv::RecordReader>(*m_file, *separator);
     return true;
 }
 
-/// The opened input, null on failure; sets m_compressed and m_size.
-std::unique_ptr<ByteSource> ActionReadCsv::openFile()
+/// The opened input; sets m_size and, by its kind, m_compressed or m_plain.
+Result<std::unique_ptr<ByteSource>, input::OpenError> ActionReadCsv::openFile()
 {
     const bool isGzip = m_name.endsWith(".gz"_L1);
     if (!isGzip && !m_name.endsWith(".Z"_L1)) {
-        std::unique_ptr<MyReadFile> file(
-            MyReadFile::newMyReadFile(globalParameters(), m_name, true, true));
-        m_size = file ? file->size() : -1;
-        return file;
+        auto file = MyReadFile::open(m_name);
+        if (!file) {
+            return Fault{input::OpenError::CannotOpen,
+                         failureReason(m_name, FileUse::Read, file.fault().code)};
+        }
+        m_plain = file->get(); // owned by the returned source
+        m_size = (*file)->size();
+        return std::unique_ptr<ByteSource>(*std::move(file));
     }
     input::Opened opened = isGzip ? input::openGzipFile(globalParameters(), m_name)
                                   : input::openCompressFile(globalParameters(), m_name);
     if (!opened) {
-        return nullptr;
+        return opened.fault();
     }
     m_compressed = opened->get(); // owned by the returned source
     m_size = KobiFileInfo(globalParameters(), m_name).size();
-    return *std::move(opened);
+    return std::unique_ptr<ByteSource>(*std::move(opened));
 }
 
 /// Reads the next record. Returns false at the end of the file and after a failure.
@@ -167,7 +174,10 @@ bool ActionReadCsv::failRecord(csv::Error code)
     case csv::Error::Unreadable: {
         // Only a compressed file can say more than the system: it may be damaged or truncated.
         const QString why = m_compressed != nullptr ? u": "_s + m_compressed->failure() : QString();
-        return fail(u"Error: readCSV: cannot read file '%1'%2\n"_s.arg(m_name, why));
+        return fail(u"Error: readCSV: cannot read file '%1'%2\n"_s.arg(m_name, why),
+                    m_compressed != nullptr
+                        ? m_compressed->failure()
+                        : failureReason(m_name, FileUse::Read, m_plain->error()));
     }
     case csv::Error::RecordTooLong:
         return fail(u"Error: readCSV: file '%1', line %2: the record is longer than 1 GiB\n"_s.arg(

@@ -44,7 +44,7 @@ private:
     // failure, which they have logged.
     // Order of calls: open(), describeColumns(), then nextRecord() and emitRow() for each row.
     bool open();
-    std::unique_ptr<ByteSource> openFile();
+    Result<std::unique_ptr<ByteSource>, input::OpenError> openFile();
     /// Also sets m_types, on which all cells depend.
     bool describeColumns();
     /// Of the current record: its fields, or C1, C2, ... without a header.
@@ -66,6 +66,7 @@ private:
     QString m_name;                                   // of the file, expanded
     std::unique_ptr<ByteSource> m_file;               // must outlive m_reader
     const input::InputSource *m_compressed = nullptr; // the compressed file in m_file, or null
+    const MyReadFile *m_plain = nullptr;              // the file in m_file otherwise
     std::unique_ptr<csv::RecordReader> m_reader;
     bool m_described = false;   // the columns are declared
     bool m_firstIsData = false; // the current record is a row and not yet sent
