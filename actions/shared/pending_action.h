@@ -10,6 +10,9 @@ namespace corvanta {
 /// `Self` and `P`: see ParamAction. Threads: the one that runs the action.
 template <class Self, class P> class PendingAction : public ParamAction<Self, P>
 {
+public:
+    bool canRun() const override { return false; }
+
 protected:
     using ParamAction<Self, P>::ParamAction;
 

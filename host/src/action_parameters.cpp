@@ -60,6 +60,16 @@ std::span<const FileFormat> ActionParameters::fileFormats() const
     return {};
 }
 
+QVector<ParameterProblem> ActionParameters::problems() const
+{
+    return {};
+}
+
+bool ActionParameters::canRun() const
+{
+    return true;
+}
+
 QString ActionParameters::typeName(ParameterInfo::Type type)
 {
     switch (type) {

@@ -35,6 +35,24 @@ struct ParameterInfo
     bool isMultiLine = false; ///< a Text that may hold line feeds
     qint64 low = 0;           ///< smallest value of an Integer
     qint64 high = 0;          ///< greatest value of an Integer
+    /// A Text that is a whole number from `low` to `high` once its variables are replaced.
+    bool isNumberText = false;
+    /// Whether `${NAME}` in the value is replaced. File names are always expanded.
+    bool isExpanded = false;
+    /// What the action does with another value than those allowed. Empty: it uses the value that
+    /// reading gives, such as the nearest bound.
+    QString otherwise;
+    /// Numbers that are no choice are allowed too, and have the meaning `otherwise`.
+    bool takesOtherNumbers = false;
+
+    /// When the value must not be empty.
+    struct Requirement
+    {
+        bool isSet = false;
+        QString parameter; ///< required only when this parameter has one of `values`; empty: always
+        QStringList values; ///< as saved
+    };
+    Requirement required;
 
     // Of a Structure, which is a list of child elements:
     QString itemElement; ///< name of each element; if it is not `name`, then inside `name`
@@ -61,6 +79,17 @@ struct InputTable
     qint64 columns = 0;
     QString beginning;     ///< of its first row, for people
     bool isChosen = false; ///< the parameters read this table; true for at most one
+};
+
+/// Something about the values of an action's parameters that the user should know before a run.
+struct ParameterProblem
+{
+    /// With an error a run fails or writes something wrong; a warning is only a hint.
+    enum class Severity { Error, Warning };
+
+    QString parameter; ///< its name, for the line in the graph file; empty: the whole action
+    QString text;      ///< begins in lower case, without a full stop, for example "'%x' is no ..."
+    Severity severity = Severity::Error;
 };
 
 /// The longest text of a column.
@@ -102,6 +131,14 @@ public:
     virtual bool needsTextLengths() const;
     /// Declare the width of every text column. Without effect for an action that needs none.
     virtual void setTextLengths(const QVector<TextLength> &longest);
+
+    /// What is wrong with the values together, or with a value in a way that the table cannot say,
+    /// for example a date column without a date format. Mistakes that the table shows (types,
+    /// ranges, required values) are found without this. The action has the graph's variables; no
+    /// file may be opened. Logs nothing. Not during a run.
+    virtual QVector<ParameterProblem> problems() const;
+    /// False for an action that can be edited and saved, but not run by this version.
+    virtual bool canRun() const;
 
     /// "text", "integer", ... as `describe` prints it.
     static QString typeName(ParameterInfo::Type type);

@@ -61,6 +61,45 @@ public:
         m_info.high = high;
         return std::move(*this);
     }
+    /// A text that holds a whole number within these bounds, usually because it may contain
+    /// variables. Only checks use the bounds; the action reads the text. Implies expanded().
+    Param &&wholeNumber(qint64 low, qint64 high) &&
+    {
+        m_info.isNumberText = true;
+        return std::move(*this).range(low, high).expanded();
+    }
+    /// The action replaces `${NAME}` in the value (ActionItem::expandString).
+    Param &&expanded() &&
+    {
+        m_info.isExpanded = true;
+        return std::move(*this);
+    }
+    /// What the action does with a value that is not allowed, for messages: "appends". Without it
+    /// the message names the value that reading gives.
+    Param &&otherwise(const char *effect) &&
+    {
+        m_info.otherwise = QString::fromUtf8(effect);
+        return std::move(*this);
+    }
+    /// The same for a choice of which all other numbers are allowed.
+    Param &&orAnyNumber(const char *effect) &&
+    {
+        m_info.takesOtherNumbers = true;
+        return std::move(*this).otherwise(effect);
+    }
+    /// The value must not be empty.
+    Param &&required() &&
+    {
+        m_info.required.isSet = true;
+        return std::move(*this);
+    }
+    /// The value must not be empty when `parameter` has one of `values`, written as they are saved;
+    /// otherwise it is not used.
+    Param &&requiredWhen(const char *parameter, const QStringList &values) &&
+    {
+        m_info.required = {true, QString::fromLatin1(parameter), values};
+        return std::move(*this);
+    }
     /// Texts of the numbers 0, 1, 2, ... of an integer; see choice().
     Param &&choices(const QStringList &texts) &&
     {
