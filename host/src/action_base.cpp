@@ -105,6 +105,38 @@ QStringList ActionBase::getKeywords() const
     return wordsOf(m_entry.keywords);
 }
 
+/// The values of the parameters that name files of this kind, without empty ones; not expanded.
+QStringList ActionBase::filesOf(ParameterInfo::File kind) const
+{
+    QStringList names;
+    const QVector<ParameterInfo> infos = parameters();
+    for (int i = 0; i < infos.size(); ++i) {
+        if (infos[i].file == kind) {
+            names << parameterValue(i);
+        }
+    }
+    names.removeAll(QString());
+    return names;
+}
+
+QVector<TargetUse> ActionBase::targets() const
+{
+    QVector<TargetUse> uses;
+    for (const QString &name : filesOf(ParameterInfo::File::Output)) {
+        uses.append({expandOutputFile(name, QString())});
+    }
+    return uses;
+}
+
+QStringList ActionBase::inputs() const
+{
+    QStringList names = filesOf(ParameterInfo::File::Input);
+    for (QString &name : names) {
+        name = expandFile(name);
+    }
+    return names;
+}
+
 /// Calls `work`. A message is the only thing that can be done with an exception: the caller is a
 /// virtual function of the contract, which has no result for it.
 template <class F> void ActionBase::guarded(F &&work) noexcept

@@ -48,6 +48,16 @@ bool ActionParameters::fillFromInput(int)
     return true;
 }
 
+QVector<TargetUse> ActionParameters::targets() const
+{
+    return {};
+}
+
+QStringList ActionParameters::inputs() const
+{
+    return {};
+}
+
 bool ActionParameters::needsTextLengths() const
 {
     return false;

@@ -60,6 +60,10 @@ public:
     QVector<InputTable> inputTables() final;
     bool fillFromInput(int table) final;
     std::span<const FileFormat> fileFormats() const final { return m_entry.formats; }
+    /// The parameters that name files to write, each as a file that is created.
+    QVector<TargetUse> targets() const override;
+    /// The parameters that name files to read.
+    QStringList inputs() const override;
 
     /// The registration of this action. Valid as long as the action.
     const ActionEntry &entry() const { return m_entry; }
@@ -119,6 +123,7 @@ protected:
     virtual bool fill(int) { return true; }
 
 private:
+    QStringList filesOf(ParameterInfo::File kind) const;
     bool runGuarded();
     template <class F> void guarded(F &&work) noexcept;
 

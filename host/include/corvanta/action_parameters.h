@@ -4,6 +4,7 @@
 #pragma once
 #include "corvanta/export.h"
 #include "corvanta/file_format.h"
+#include "corvanta/target_use.h"
 
 #include <QString>
 #include <QStringList>
@@ -125,6 +126,13 @@ public:
     virtual QVector<InputTable> inputTables();
     /// The files that the action reads or writes; none by default.
     virtual std::span<const FileFormat> fileFormats() const;
+
+    /// The files that a run with these parameters writes; none by default. A file whose name
+    /// depends on the rows is a pattern, or missing if not even its folder is known.
+    virtual QVector<TargetUse> targets() const;
+    /// The expanded names and patterns of the files that a run reads, without those that come from
+    /// input pins and those that targets() updates; none by default.
+    virtual QStringList inputs() const;
 
     /// Whether the action stores texts in fixed widths and no width is declared yet. A host that
     /// can read the input twice then measures its texts and calls setTextLengths() before the run.
