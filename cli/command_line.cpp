@@ -1,31 +1,16 @@
-// Parses command lines and reports usage errors.
+// Parses command lines.
 //
 // Options and arguments may be mixed. An option that takes a value takes the next word, whatever it
 // looks like, so that values may begin with "-".
 #include "command_line.h"
 
-#include <cstdio>
+#include "base/nearest_name.h"
 
 using namespace Qt::StringLiterals;
 
 corvanta::Fault<ExitStatus> badUsage(const QString &text)
 {
     return {kUsage, text};
-}
-
-ExitStatus reportResult(const QString &command, const CommandResult<void> &result)
-{
-    if (result) {
-        return kDone;
-    }
-    // A failed run has logged its errors already; only usage errors have a text.
-    const QString &text = result.fault().detail;
-    if (!text.isEmpty()) {
-        const QString suffix = command.isEmpty() ? QString() : u' ' + command;
-        std::fprintf(stderr, "corvanta%s: %s\nSee \"corvanta help%s\".\n", qPrintable(suffix),
-                     qPrintable(text), qPrintable(suffix));
-    }
-    return result.fault().code;
 }
 
 QString CommandLine::value(const QString &name, const QString &defaultValue) const
@@ -47,7 +32,8 @@ CommandResult<qsizetype> CommandLine::addOption(const QStringList &words, qsizet
         return i;
     }
     if (!options.withValue.contains(name)) {
-        return badUsage(u"unknown option '%1'"_s.arg(word));
+        return badUsage(u"unknown option '%1'%2"_s.arg(
+            word, corvanta::nearestNameHint(name, options.withValue + options.flags)));
     }
     if (equals >= 0) {
         values[name] << word.mid(equals + 1);

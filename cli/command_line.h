@@ -15,10 +15,6 @@ template <class T> using CommandResult = corvanta::Result<T, ExitStatus>;
 /// The fault of a command line that cannot be carried out; `text` says why.
 corvanta::Fault<ExitStatus> badUsage(const QString &text);
 
-/// Report the usage error of `result`, if there is one, for `command` (empty: none was given).
-/// Returns the exit status.
-ExitStatus reportResult(const QString &command, const CommandResult<void> &result);
-
 /// What a command accepts. Names of options include their dashes.
 struct CommandOptions
 {

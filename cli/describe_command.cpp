@@ -1,4 +1,5 @@
 // actions and describe: print what the prototypes of the actions say about themselves.
+#include "base/nearest_name.h"
 #include "commands.h"
 #include "corvanta/action_base.h"
 #include "corvanta/action_registry.h"
@@ -73,16 +74,23 @@ QString pinText(const ActionItem &action)
     return u"%1, %2 output pin(s)"_s.arg(inputs, QString::number(action.pinOutCount()));
 }
 
-/// Name, type and default, then the meaning and the choices, indented.
-void printParameter(const ParameterInfo &info)
+/// Name, type and default, then the meaning, the choices and the members of a structure, indented.
+void printParameter(const ParameterInfo &info, const QString &indent)
 {
+    const QString inner = indent + "    "_L1;
     // An empty default would leave nothing to read after the word.
     const QString defaultText = info.defaultValue.isEmpty() ? u"\"\""_s : info.defaultValue;
-    print(u"  %1 (%2, default %3)\n"_s.arg(info.name, ActionParameters::typeName(info.type),
+    print(u"%1%2 (%3, default %4)\n"_s.arg(indent, info.name, ActionParameters::typeName(info.type),
                                            defaultText));
-    print(u"      %1\n"_s.arg(info.meaning));
+    print(u"%1%2\n"_s.arg(inner, info.meaning));
     for (qsizetype i = 0; i < info.choices.size(); ++i) {
-        print(u"      %1 = %2\n"_s.arg(QString::number(i), info.choices[i]));
+        print(u"%1%2 = %3\n"_s.arg(inner, QString::number(i), info.choices[i]));
+    }
+    if (!info.members.isEmpty()) {
+        print(u"%1Each element '%2' holds\n"_s.arg(inner, info.itemElement));
+    }
+    for (const ParameterInfo &member : info.members) {
+        printParameter(member, inner + "  "_L1);
     }
 }
 
@@ -133,8 +141,8 @@ CommandResult<void> describeCommand(const CommandLine &line)
     const QString type = line.arguments[0];
     ActionItem *const action = registry.prototype(type);
     if (action == nullptr) {
-        return badUsage(
-            u"unknown action '%1' (\"corvanta actions\" lists all actions)"_s.arg(type));
+        return badUsage(u"unknown action '%1'%2 (\"corvanta actions\" lists all actions)"_s.arg(
+            type, nearestNameHint(type, registry.typeNames())));
     }
     const auto *const declared = dynamic_cast<const ActionParameters *>(action);
     const QVector<ParameterInfo> infos =
@@ -144,6 +152,8 @@ CommandResult<void> describeCommand(const CommandLine &line)
         return {};
     }
     print(u"%1: %2\n%3\n\nParameters\n"_s.arg(type, action->getDescription(), pinText(*action)));
-    std::for_each(infos.begin(), infos.end(), printParameter);
+    for (const ParameterInfo &info : infos) {
+        printParameter(info, u"  "_s);
+    }
     return {};
 }

@@ -1,8 +1,10 @@
 // Chooses actions by file extension, from the file formats that the actions declare.
 #include "file_types.h"
 
+#include "base/nearest_name.h"
 #include "corvanta/action_parameters.h"
 #include "corvanta/lists.h"
+#include "corvanta/params/saved_form.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -22,6 +24,7 @@ struct FileAction
 {
     const char *type = nullptr;
     const FileFormat *format = nullptr;
+    bool canRun = true;
 };
 
 /// The formats of all actions, in the order of their families.
@@ -33,7 +36,7 @@ std::vector<FileAction> fileActions(const ActionRegistry &registry, FileFormat::
         for (const FileFormat &format :
              parameters != nullptr ? parameters->fileFormats() : std::span<const FileFormat>()) {
             if (format.use == use) {
-                all.push_back({action->getTypeName(), &format});
+                all.push_back({action->getTypeName(), &format, parameters->canRun()});
             }
         }
     }
@@ -74,8 +77,35 @@ XMLNode parsed(const QString &element)
     return node ? *node : XMLNode::emptyNode();
 }
 
+/// Why the text is no value of the parameter, or an empty text. Unlike reading, which accepts any
+/// text, the command takes only values that are allowed.
+QString problemOf(const ParameterInfo &info, const QString &text)
+{
+    if (info.type != ParameterInfo::Type::Structure) {
+        return isAllowedValue(info, text) ? QString() : u"allowed: "_s + allowedValues(info);
+    }
+    // The text holds the elements without their parent, so give them one.
+    const XMLNode parent = parsed(u"<%1>%2</%1>"_s.arg(u"value"_s, text));
+    if (parent.isEmpty()) {
+        return u"expected "_s + allowedValues(info);
+    }
+    const QVector<SavedFormProblem> problems = savedFormProblems(parent, {info}, nullptr);
+    return problems.isEmpty() ? QString()
+                              : u"%1; expected %2"_s.arg(problems[0].text, allowedValues(info));
+}
+
+QStringList namesOf(const QVector<ParameterInfo> &infos)
+{
+    QStringList names;
+    for (const ParameterInfo &info : infos) {
+        names << info.name;
+    }
+    return names;
+}
+
 /// Sets the parameters of NAME=VALUE settings; several values of a list parameter are its strings.
-CommandResult<void> apply(const QStringList &settings, ActionParameters *parameters)
+CommandResult<void> apply(const QStringList &settings, const QString &type,
+                          ActionParameters *parameters)
 {
     const QVector<ParameterInfo> infos = parameters->parameters();
     QStringList seen;
@@ -87,16 +117,18 @@ CommandResult<void> apply(const QStringList &settings, ActionParameters *paramet
         const auto &[name, value] = *assignment;
         const int index = parameters->indexOfParameter(name);
         if (index < 0) {
-            return badUsage(u"unknown parameter '%1'"_s.arg(name));
+            return badUsage(u"unknown parameter '%1' of %2%3"_s.arg(
+                name, type, nearestNameHint(name, namesOf(infos))));
         }
         // The second and later settings of a list append to it; the first one replaces it.
         const bool isNextString =
             infos[index].type == ParameterInfo::Type::Strings && seen.contains(name);
         const QString before = isNextString ? parameters->parameterValue(index) + u'\n' : QString();
         seen << name;
-        if (!parameters->setParameterValue(index, before + value)) {
-            return badUsage(u"invalid value '%1' for parameter '%2' (expected %3)"_s.arg(
-                value, name, ActionParameters::typeName(infos[index].type)));
+        const QString problem = problemOf(infos[index], value);
+        if (!problem.isEmpty() || !parameters->setParameterValue(index, before + value)) {
+            return badUsage(u"invalid value '%1' for parameter '%2' of %3 (%4)"_s.arg(
+                value, name, type, problem));
         }
     }
     return {};
@@ -147,10 +179,19 @@ CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const ActionRegistry &
                                   QDir::current().absoluteFilePath(fileName));
     // The settings of the user come last and win.
     for (const QStringList &some : {wordsOf(found->format->settings), settings}) {
-        if (const auto applied = apply(some, parameters); !applied) {
+        if (const auto applied = apply(some, type, parameters); !applied) {
             return applied.fault();
         }
     }
+    return action;
+}
+
+std::unique_ptr<ActionItem> makeWriter(const ActionRegistry &registry, const QString &type,
+                                       const QString &fileName)
+{
+    std::unique_ptr<ActionItem> action = registry.create(parsed(u"<%1/>"_s.arg(type)), nullptr);
+    auto *const parameters = dynamic_cast<ActionParameters *>(action.get());
+    parameters->setParameterValue(fileParameter(*parameters, FileFormat::Write), fileName);
     return action;
 }
 
@@ -178,7 +219,7 @@ QString knownExtensions(const ActionRegistry &registry, FileFormat::Use use)
 {
     QStringList all;
     for (const FileAction &action : fileActions(registry, use)) {
-        all << wordsOf(action.format->extensions);
+        all << (action.canRun ? wordsOf(action.format->extensions) : QStringList());
     }
     return all.join(u' ');
 }

@@ -17,9 +17,14 @@ CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const corvanta::Action
                                                           const QString &fileName,
                                                           const QStringList &settings);
 
+/// A new action of the type `type`, which has a parameter for the file that it writes, for the file
+/// `fileName`.
+std::unique_ptr<ActionItem> makeWriter(const corvanta::ActionRegistry &registry,
+                                       const QString &type, const QString &fileName);
+
 /// Add a copy of the action to a graph. Text in its parameters that looks like a variable is kept
 /// literally. The fault is a usage error: a graph cannot contain a name or value.
 CommandResult<void> addAction(CorvantaGraph *graph, const QString &id, ActionItem &action);
 
-/// The extensions that some action reads or writes, separated by blanks.
+/// The extensions that some action of this version reads or writes, separated by blanks.
 QString knownExtensions(const corvanta::ActionRegistry &registry, FileFormat::Use use);

@@ -4,6 +4,7 @@
 #include "input_graph.h"
 #include "session.h"
 #include "table_printer.h"
+#include "visible_text.h"
 
 #include <optional>
 

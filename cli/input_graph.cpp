@@ -4,7 +4,9 @@
 #include "corvanta/action_parameters.h"
 #include "corvanta/main_ui.h"
 #include "file_types.h"
-#include "table_printer.h"
+#include "visible_text.h"
+
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -14,17 +16,17 @@ namespace {
 constexpr qsizetype kListedTables = 50;
 constexpr qsizetype kBeginningChars = 60;
 
-/// The table of --table, from 0; -1 without that option.
-CommandResult<int> tableOf(const CommandLine &line)
+/// The table of --table, from 0; nothing without that option.
+CommandResult<std::optional<int>> tableOf(const CommandLine &line)
 {
     if (!line.values.contains(u"--table"_s)) {
-        return -1;
+        return std::optional<int>();
     }
     const int number = line.value(u"--table"_s, QString()).toInt();
     if (number < 1) {
         return badUsage(u"--table needs a table number, from 1"_s);
     }
-    return number - 1;
+    return std::optional(number - 1);
 }
 
 /// One line of the list of tables; `number` is the one that --table takes.
@@ -79,11 +81,12 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
     auto *const parameters = dynamic_cast<ActionParameters *>(action->get());
     // Messages about the file look as if the running action had logged them.
     const LogScope scope({nullptr, QString::fromLatin1(kInputId)});
-    if (!parameters->fillFromInput(*table)) {
+    constexpr int kMostLikely = -1;
+    if (!parameters->fillFromInput(table->value_or(kMostLikely))) {
         return Fault{kFailed};
     }
     const QVector<InputTable> tables = parameters->inputTables();
-    if (*table >= 0 && tables.isEmpty()) {
+    if (table->has_value() && tables.isEmpty()) {
         return badUsage(u"--table: '%1' does not contain several tables"_s.arg(fileName));
     }
     logTables(tables);

@@ -4,7 +4,9 @@
 #include "log_sinks.h"
 
 #include "base/platform/terminal.h"
+#include "visible_text.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -13,6 +15,14 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// Standard error for JSON only: messages that libraries write to it would not be JSON. Taken once,
+/// because the stream stays taken until the program ends.
+std::FILE *jsonStream()
+{
+    static std::FILE *const stream = corvanta::platform::takeErrorStream();
+    return stream;
+}
 
 class TextLog final : public CommandLog
 {
@@ -27,8 +37,13 @@ private:
         const bool saysSeverity = text.startsWith("error"_L1, Qt::CaseInsensitive) ||
                                   text.startsWith("warning"_L1, Qt::CaseInsensitive);
         const QString severity = saysSeverity ? QString() : severityOf(message.level) + ": "_L1;
-        const QString place = message.action.isEmpty() ? QString() : u"[%1] "_s.arg(message.action);
-        return (place + severity + text + u'\n').toUtf8();
+        const QString place =
+            message.action.isEmpty() ? QString() : u"[%1] "_s.arg(visibleText(message.action));
+        return (place + severity + visibleLines(text) + u'\n').toUtf8();
+    }
+    QByteArray format(const LogMessage &message, const RunSummary &) const override
+    {
+        return visibleText(message.text).toUtf8() + '\n';
     }
 };
 
@@ -39,20 +54,50 @@ public:
     using CommandLog::CommandLog;
 
 private:
-    static QByteArray quoted(const QString &text)
+    static QByteArray jsonOf(const QJsonValue &value)
     {
         const QByteArray array =
-            QJsonDocument(QJsonObject{{u"v"_s, text}}).toJson(QJsonDocument::Compact);
+            QJsonDocument(QJsonObject{{u"v"_s, value}}).toJson(QJsonDocument::Compact);
         return array.mid(5, array.size() - 6); // after {"v": and before }
+    }
+    /// The members of a message, without the end of the object.
+    static QByteArray membersOf(const LogMessage &message)
+    {
+        return "{\"level\":" + QByteArray::number(message.level) +
+               ",\"severity\":" + jsonOf(severityOf(message.level)) +
+               ",\"action\":" + jsonOf(message.action) + ",\"message\":" + jsonOf(message.text);
     }
     QByteArray format(const LogMessage &message) const override
     {
-        return "{\"level\":" + QByteArray::number(message.level) +
-               ",\"severity\":" + quoted(severityOf(message.level)) +
-               ",\"action\":" + quoted(message.action) + ",\"message\":" + quoted(message.text) +
-               "}\n";
+        return membersOf(message) + "}\n";
+    }
+    QByteArray format(const LogMessage &message, const RunSummary &summary) const override
+    {
+        const QJsonObject object{{u"rows"_s, summary.rows},
+                                 {u"seconds"_s, summary.seconds},
+                                 {u"megabytesPerSecond"_s, summary.megabytesPerSecond},
+                                 {u"files"_s, QJsonArray::fromStringList(summary.files)}};
+        return membersOf(message) + ",\"summary\":" + jsonOf(object) + "}\n";
     }
 };
+
+/// One line for people.
+QString textOf(const RunSummary &summary)
+{
+    const QString files =
+        summary.files.isEmpty() ? u"no file written"_s : "wrote "_L1 + summary.files.join(", "_L1);
+    return u"%1 rows read in %2 s (%3 MB/s), %4"_s.arg(
+        QString::number(summary.rows), QString::number(summary.seconds, 'f', 2),
+        QString::number(summary.megabytesPerSecond, 'f', 1), files);
+}
+
+/// Whether the words ask for messages in JSON, also if they are otherwise wrong.
+bool asksForJson(const QStringList &words)
+{
+    const qsizetype option = words.lastIndexOf(u"--log-format"_s);
+    return words.contains(u"--log-format=json"_s) ||
+           (option >= 0 && words.value(option + 1) == "json"_L1);
+}
 
 } // namespace
 
@@ -73,8 +118,7 @@ QString severityOf(int level)
 std::unique_ptr<CommandLog> CommandLog::create(const QString &format, bool quiet)
 {
     if (format == "json"_L1) {
-        // Messages that libraries write to standard error would not be JSON.
-        return std::make_unique<JsonLog>(quiet, corvanta::platform::takeErrorStream());
+        return std::make_unique<JsonLog>(quiet, jsonStream());
     }
     return format == "text"_L1 ? std::make_unique<TextLog>(quiet, stderr)
                                : std::unique_ptr<CommandLog>();
@@ -85,12 +129,35 @@ void CommandLog::add(const LogMessage &message)
     if (m_quiet && message.level > MainUI::Warning) {
         return;
     }
-    const QByteArray line = format(message);
+    write(format(message));
+}
+
+void CommandLog::write(const QByteArray &line)
+{
     const std::lock_guard lock(m_mutex);
     // Return to the first column and erase to the end of the line, then write the progress again.
     const char *const clear = m_progress.isEmpty() ? "" : "\r\033[K";
     std::fprintf(m_out, "%s%s%s", clear, line.constData(), m_progress.constData());
     std::fflush(m_out);
+}
+
+void CommandLog::addSummary(const RunSummary &summary)
+{
+    write(format({MainUI::Info, {}, textOf(summary)}, summary));
+}
+
+void CommandLog::addWrittenFile(const QString &name)
+{
+    const std::lock_guard lock(m_mutex);
+    // A file that is written twice, for example by an update, is one file.
+    m_written.removeAll(name);
+    m_written << name;
+}
+
+QStringList CommandLog::writtenFiles() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_written;
 }
 
 void CommandLog::setProgressLine(const QByteArray &line)
@@ -103,4 +170,29 @@ void CommandLog::setProgressLine(const QByteArray &line)
     m_progress = line;
     std::fprintf(m_out, "\r\033[K%s", line.constData());
     std::fflush(m_out);
+}
+
+ExitStatus reportResult(const QString &command, const QStringList &words,
+                        const CommandResult<void> &result)
+{
+    if (result) {
+        return kDone;
+    }
+    // A failed run has logged its errors already; only usage errors have a text.
+    const QString &text = result.fault().detail;
+    if (text.isEmpty()) {
+        return result.fault().code;
+    }
+    const QString suffix = command.isEmpty() ? QString() : u' ' + command;
+    const QString message = u"corvanta%1: %2"_s.arg(suffix, text);
+    const bool isJson = asksForJson(words);
+    if (isJson) {
+        CommandLog::create(u"json"_s, false)->add({MainUI::Error, {}, message});
+    } else {
+        std::fprintf(stderr, "%s\n", visibleLines(message).toUtf8().constData());
+    }
+    if (!isJson && result.fault().code == kUsage) {
+        std::fprintf(stderr, "See \"corvanta help%s\".\n", qPrintable(suffix));
+    }
+    return result.fault().code;
 }

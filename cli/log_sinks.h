@@ -1,12 +1,22 @@
 // Writes messages to standard error, as text or as one JSON object per line. Standard output is for
 // the results of commands only.
 #pragma once
+#include "command_line.h"
 #include "corvanta/main_ui.h"
 
 #include <atomic>
 #include <cstdio>
 #include <memory>
 #include <mutex>
+
+/// What a run did.
+struct RunSummary
+{
+    qint64 rows = 0; ///< that the readers sent
+    double seconds = 0;
+    double megabytesPerSecond = 0; ///< of input files, in units of 1,000,000 bytes
+    QStringList files;             ///< that were written
+};
 
 /// Writes messages, and keeps a progress line below them on a terminal. Threads: any.
 class CommandLog : public LogSink
@@ -17,8 +27,17 @@ public:
     static std::unique_ptr<CommandLog> create(const QString &format, bool quiet);
 
     void add(const LogMessage &message) final;
+    void addBytesRead(qint64 n) final { m_bytesRead.fetch_add(n, std::memory_order_relaxed); }
+    void addWrittenFile(const QString &name) final;
     /// Show `line` as the progress line until the next call; an empty line removes it.
     void setProgressLine(const QByteArray &line);
+    /// Write what a run did, as the last line, also if the log is quiet.
+    void addSummary(const RunSummary &summary);
+
+    /// Bytes that were read from input files since the log was created.
+    qint64 bytesRead() const { return m_bytesRead; }
+    /// The targets that were completed since then, each once, in their order.
+    QStringList writtenFiles() const;
 
     /// For create(). `out` is not closed.
     CommandLog(bool quiet, std::FILE *out)
@@ -30,13 +49,24 @@ public:
 protected:
     /// The bytes to write for a message, line feed included.
     virtual QByteArray format(const LogMessage &message) const = 0;
+    /// The same for a summary; `message` holds it as text.
+    virtual QByteArray format(const LogMessage &message, const RunSummary &summary) const = 0;
 
 private:
+    void write(const QByteArray &line);
+
     bool m_quiet;
     std::FILE *m_out;
-    std::mutex m_mutex;    // held while a line is written, so that lines are never mixed
-    QByteArray m_progress; // guarded by m_mutex
+    std::atomic<qint64> m_bytesRead = 0;
+    mutable std::mutex m_mutex; // held while a line is written, so that lines are never mixed
+    QByteArray m_progress;      // guarded by m_mutex
+    QStringList m_written;      // guarded by m_mutex
 };
 
 /// "error", "warning", "info" or "diagnostic".
 QString severityOf(int level);
+
+/// Report the text of the fault of `result`, if it has one, for `command` (empty: none was given),
+/// in the form that the words of the command line ask for. Returns the exit status.
+ExitStatus reportResult(const QString &command, const QStringList &words,
+                        const CommandResult<void> &result);

@@ -1,14 +1,19 @@
 // The corvanta program: chooses the command and prints help.
+#include "base/nearest_name.h"
 #include "command_line.h"
 #include "commands.h"
 #include "file_types.h"
+#include "log_sinks.h"
 
 #include <QCoreApplication>
 
+#include <cerrno>
 #include <clocale>
 #include <cstdio>
+#include <cstring>
 
 using namespace Qt::StringLiterals;
+using namespace corvanta;
 
 namespace {
 
@@ -32,18 +37,27 @@ constexpr Command kCommands[] = {
      "  --tap ID:PIN=FILE.csv   also write the rows of an output pin as CSV (repeatable)\n"
      "  --log-format text|json  write messages as text, or as one JSON object per line\n"
      "  --progress auto|always|never\n"
-     "                          show a progress line; auto: on a terminal only\n"
+     "                          show a progress line, and a summary at the end; auto: on a "
+     "terminal only\n"
      "  --system-encoding NAME  8-bit encoding of files in the \"system\" encoding\n"
      "  --compression LEVEL     compression of packages: isal-2 (fast, the default), isal-3, "
      "zlib-1 "
      "to zlib-9 (smallest)\n"
-     "  --quiet                 show only errors and warnings\n\n"
+     "  --quiet                 show only errors and warnings\n"
+     "  --strict                unknown names and wrong values in GRAPH are errors, not "
+     "warnings\n\n"
      "Exit status: 0 done (warnings allowed), 1 failed, 2 bad usage or an invalid graph, 130 "
      "interrupted.\n"
      "Ctrl-C stops the run cleanly; a second Ctrl-C ends the program immediately.\n"},
     {"check", checkOptions, checkCommand, "validate a graph without running it",
-     "corvanta check GRAPH [--set NAME=VALUE]... [--log-format text|json]\n\n"
-     "Reports everything that makes GRAPH invalid. Exit status: 0 if it is valid, else 2.\n"},
+     "corvanta check GRAPH [options]\n\n"
+     "Reports everything that makes GRAPH invalid; unknown names and wrong values of parameters, "
+     "which a run ignores; and\n"
+     "missing files, folders and values. Warnings are what is probably not intended.\n\n"
+     "  --set NAME=VALUE, --out-dir DIR, --log-format text|json\n"
+     "                          as for \"corvanta run\"\n"
+     "  --list-outputs          print the files that a run would write, one per line\n\n"
+     "Exit status: 0 if there are at most warnings, else 2.\n"},
     {"convert", convertOptions, convertCommand, "convert a file into another format",
      "corvanta convert INPUT OUTPUT [options]\n\n"
      "Reads INPUT and writes OUTPUT. The file extensions choose the formats. Compressed inputs "
@@ -84,6 +98,16 @@ constexpr Command kCommands[] = {
      "with type, default and meaning.\n"},
 };
 
+/// The fault of a word that is no command.
+Fault<ExitStatus> unknownCommand(const QString &name)
+{
+    QStringList known{u"help"_s};
+    for (const Command &command : kCommands) {
+        known << QString::fromLatin1(command.name);
+    }
+    return badUsage(u"unknown command '%1'%2"_s.arg(name, nearestNameHint(name, known)));
+}
+
 const Command *find(const QString &name)
 {
     for (const Command &command : kCommands) {
@@ -100,7 +124,7 @@ QString helpText(const Command &command)
     QString text = QString::fromUtf8(command.help);
     // Loading the plug-ins takes time, which other help texts do not need.
     if (text.contains("{reads}"_L1)) {
-        corvanta::ActionRegistry registry;
+        ActionRegistry registry;
         registry.loadAll();
         text.replace("{reads}"_L1, knownExtensions(registry, FileFormat::Read));
         text.replace("{writes}"_L1, knownExtensions(registry, FileFormat::Write));
@@ -127,7 +151,7 @@ CommandResult<void> help(const QStringList &words)
     }
     const Command *const command = find(words[0]);
     if (command == nullptr) {
-        return badUsage(u"unknown command '%1'"_s.arg(words[0]));
+        return unknownCommand(words[0]);
     }
     std::fputs(helpText(*command).toUtf8().constData(), stdout);
     return {};
@@ -140,6 +164,44 @@ CommandResult<void> run(const Command &command, const QStringList &words)
     return line ? command.run(*line) : line.fault();
 }
 
+/// Carries out the words of the command line. Sets `name` to the command, for messages.
+CommandResult<void> execute(const QStringList &words, QString *name)
+{
+    const QString first = words.value(0);
+    if (first == "--version"_L1) {
+        std::puts("corvanta " CORVANTA_VERSION);
+        return {};
+    }
+    if (first == "help"_L1 || first == "--help"_L1 || first == "-h"_L1) {
+        return help(words.mid(1));
+    }
+    if (words.isEmpty()) {
+        return badUsage(u"a command is required"_s);
+    }
+    const Command *const command = find(first);
+    if (command == nullptr) {
+        return unknownCommand(first);
+    }
+    *name = first;
+    // Also after other words, and even if those are wrong.
+    const bool asksForHelp = words.contains(u"--help"_s) || words.contains(u"-h"_s);
+    return asksForHelp ? help({first}) : run(*command, words.mid(1));
+}
+
+/// Writes what is left in the buffer of standard output. The fault is kFailed: a program that reads
+/// the output must not take a part of it for the whole.
+CommandResult<void> flushOutput()
+{
+    errno = 0;
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) {
+        return {};
+    }
+    // An earlier failure has left no reason.
+    const QString reason =
+        errno == 0 ? QString() : ": "_L1 + QString::fromLocal8Bit(std::strerror(errno));
+    return Fault{kFailed, u"cannot write to standard output%1"_s.arg(reason)};
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -149,22 +211,9 @@ int main(int argc, char **argv)
     // follow it.
     std::setlocale(LC_NUMERIC, "C");
     const QStringList words = QCoreApplication::arguments().mid(1);
-    const QString first = words.value(0);
-    if (first == "--version"_L1) {
-        std::puts("corvanta " CORVANTA_VERSION);
-        return kDone;
-    }
-    if (first == "help"_L1 || first == "--help"_L1 || first == "-h"_L1) {
-        return reportResult(QString(), help(words.mid(1)));
-    }
-    if (words.isEmpty()) {
-        return reportResult(QString(), badUsage(u"a command is required"_s));
-    }
-    const Command *const command = find(first);
-    if (command == nullptr) {
-        return reportResult(QString(), badUsage(u"unknown command '%1'"_s.arg(first)));
-    }
-    // Also after other words, and even if those are wrong.
-    const bool asksForHelp = words.contains(u"--help"_s) || words.contains(u"-h"_s);
-    return reportResult(first, asksForHelp ? help({first}) : run(*command, words.mid(1)));
+    QString command;
+    const CommandResult<void> done = execute(words, &command);
+    const ExitStatus status = reportResult(command, words, done);
+    const auto flushed = flushOutput();
+    return status == kDone && !flushed ? reportResult(command, words, flushed) : status;
 }

@@ -1,7 +1,10 @@
 // run and check: load and validate a graph; run also adds the taps and runs it.
+#include "base/nearest_name.h"
 #include "commands.h"
 #include "corvanta/action_registry.h"
+#include "file_types.h"
 #include "session.h"
+#include "visible_text.h"
 
 #include <QDir>
 
@@ -12,12 +15,16 @@ using namespace corvanta;
 
 namespace {
 
-/// A valid graph with the actions and variables that it was checked with.
+/// A graph with the actions, variables and output folder that it was checked with.
 struct LoadedGraph
 {
     CorvantaGraph graph;
     ActionRegistry registry;
     QMap<QString, QString> variables;
+    QString outDir;
+    bool isValid = false;
+
+    CorvantaGraph::Problems problems() const { return graph.check(registry, variables, outDir); }
 };
 
 /// The variables of `--set NAME=VALUE`; of equal names the last one counts.
@@ -34,7 +41,33 @@ CommandResult<QMap<QString, QString>> variablesOf(const QStringList &assignments
     return variables;
 }
 
-/// Loads and validates the graph file of `line`; logs its problems.
+/// A variable that the graph does not use is a misspelled one. Returns a usage error then.
+CommandResult<void> checkUse(const QMap<QString, QString> &given, const CorvantaGraph &graph)
+{
+    const QStringList used = graph.usedVariables();
+    for (auto it = given.begin(); it != given.end(); ++it) {
+        if (!used.contains(it.key())) {
+            return badUsage(u"--set %1: the graph does not use the variable '%1'%2"_s.arg(
+                it.key(), nearestNameHint(it.key(), used)));
+        }
+    }
+    return {};
+}
+
+/// Logs the problems, each as an error or as a warning. Returns whether one was an error.
+template <class IsError> bool logProblems(const CorvantaGraph::Problems &problems, IsError isError)
+{
+    bool hasErrors = false;
+    for (const CorvantaGraph::Problem &problem : problems) {
+        const bool fails = isError(problem);
+        hasErrors = hasErrors || fails;
+        MainUI::addLog(fails ? MainUI::Error : MainUI::Warning,
+                       (fails ? u"Error: "_s : u"Warning: "_s) + problem.text);
+    }
+    return hasErrors;
+}
+
+/// Loads and validates the graph file of `line`; logs what makes it invalid.
 CommandResult<std::unique_ptr<LoadedGraph>> load(const CommandLine &line)
 {
     auto variables = variablesOf(line.values.value(u"--set"_s));
@@ -48,25 +81,40 @@ CommandResult<std::unique_ptr<LoadedGraph>> load(const CommandLine &line)
     // A file that cannot be parsed has no graph to validate; its problems are logged alike.
     const CorvantaGraph::Problems problems =
         graph ? graph->validate(loaded->registry, loaded->variables) : graph.fault().code;
-    for (const CorvantaGraph::Problem &problem : problems) {
-        MainUI::addLog(MainUI::Error, u"Error: "_s + problem.text);
-    }
-    if (!problems.isEmpty()) {
+    loaded->isValid = !logProblems(problems, [](const auto &) { return true; });
+    if (!graph) {
         return Fault{kUsage};
     }
     loaded->graph = *std::move(graph);
+    loaded->outDir = line.value(u"--out-dir"_s, QString());
+    if (const auto used = checkUse(loaded->variables, loaded->graph); !used) {
+        return used.fault();
+    }
     return loaded;
 }
 
-/// A writeCSV for the file `name`; null if XML cannot contain a character of the name.
+/// The same for a run, which also logs the names and values that it ignores.
+CommandResult<std::unique_ptr<LoadedGraph>> loadForRun(const CommandLine &line)
+{
+    auto loaded = load(line);
+    if (!loaded || !(*loaded)->isValid) {
+        return loaded ? Fault{kUsage} : loaded.fault();
+    }
+    using Kind = CorvantaGraph::Problem::Kind;
+    CorvantaGraph::Problems problems = (*loaded)->problems();
+    problems.removeIf([](const auto &problem) { return problem.kind != Kind::Mistake; });
+    const bool isStrict = line.has(u"--strict"_s);
+    if (logProblems(problems, [&](const auto &) { return isStrict; })) {
+        return Fault{kUsage};
+    }
+    return loaded;
+}
+
+/// A writeCSV for the file `name`.
 std::unique_ptr<ActionItem> makeTapWriter(const QString &name, const ActionRegistry &registry)
 {
-    ToXMLStringTool tool;
-    const QString element = u"<writeCSV fileName='%1'/>"_s.arg(
-        QString::fromWCharArray(tool.toXML(QDir::current().absoluteFilePath(name))));
-    const auto saved = XMLNode::parse(element.toUtf8());
     // Without GlobalParameters: the name is absolute, and a "${" in it is no variable.
-    return saved ? registry.create(*saved, nullptr) : nullptr;
+    return makeWriter(registry, u"writeCSV"_s, QDir::current().absoluteFilePath(name));
 }
 
 /// The listener for `--tap ID:PIN=FILE.csv`: a writeCSV that reads the pin.
@@ -80,11 +128,7 @@ CommandResult<Listener> makeTap(const QString &text, const LoadedGraph &loaded)
     if (!loaded.graph.hasOutputPin(loaded.registry, *pin)) {
         return badUsage(u"the graph has no output pin '%1' to tap"_s.arg(tap->name));
     }
-    std::unique_ptr<ActionItem> writer = makeTapWriter(tap->value, loaded.registry);
-    if (!writer) {
-        return badUsage(u"the name '%1' contains invalid characters"_s.arg(tap->value));
-    }
-    return Listener{"tap "_L1 + tap->name, *pin, std::move(writer)};
+    return Listener{"tap "_L1 + tap->name, *pin, makeTapWriter(tap->value, loaded.registry)};
 }
 
 /// The options of the run, with its taps. All taps are checked before the run starts.
@@ -92,7 +136,7 @@ CommandResult<RunOptions> optionsOfRun(const CommandLine &line, const LoadedGrap
 {
     RunOptions options;
     options.variables = loaded.variables;
-    options.outDir = line.value(u"--out-dir"_s, QString());
+    options.outDir = loaded.outDir;
     options.compression = line.value(u"--compression"_s, QString());
     for (const QString &text : line.values.value(u"--tap"_s)) {
         auto tap = makeTap(text, loaded);
@@ -104,12 +148,21 @@ CommandResult<RunOptions> optionsOfRun(const CommandLine &line, const LoadedGrap
     return options;
 }
 
+/// Prints the files that a run would write, for scripts: as they are, one per line.
+void printOutputs(const LoadedGraph &loaded)
+{
+    for (const QString &name :
+         loaded.graph.outputs(loaded.registry, loaded.variables, loaded.outDir)) {
+        std::printf("%s\n", name.toUtf8().constData());
+    }
+}
+
 } // namespace
 
 CommandOptions runOptions()
 {
     return Session::options({{u"--set"_s, u"--out-dir"_s, u"--tap"_s, u"--compression"_s},
-                             {},
+                             {u"--strict"_s},
                              1,
                              u"one graph file is required"_s});
 }
@@ -120,7 +173,7 @@ CommandResult<void> runCommand(const CommandLine &line)
     if (!session) {
         return session.fault();
     }
-    const auto loaded = load(line);
+    const auto loaded = loadForRun(line);
     if (!loaded) {
         return loaded.fault();
     }
@@ -133,7 +186,10 @@ CommandResult<void> runCommand(const CommandLine &line)
 
 CommandOptions checkOptions()
 {
-    return {{u"--set"_s, u"--log-format"_s}, {}, 1, u"one graph file is required"_s};
+    return {{u"--set"_s, u"--out-dir"_s, u"--log-format"_s},
+            {u"--list-outputs"_s},
+            1,
+            u"one graph file is required"_s};
 }
 
 CommandResult<void> checkCommand(const CommandLine &line)
@@ -146,8 +202,19 @@ CommandResult<void> checkCommand(const CommandLine &line)
     if (!loaded) {
         return loaded.fault();
     }
-    const CorvantaGraph &graph = (*loaded)->graph;
-    std::printf("%s: %d actions, %d links: valid\n", qPrintable(line.arguments[0]),
-                static_cast<int>(graph.actions.size()), static_cast<int>(graph.links.size()));
+    const LoadedGraph &checked = **loaded;
+    const bool hasErrors = logProblems(checked.problems(), [](const auto &problem) {
+        return problem.kind != CorvantaGraph::Problem::Kind::Hint;
+    });
+    if (hasErrors || !checked.isValid) {
+        return Fault{kUsage};
+    }
+    if (line.has(u"--list-outputs"_s)) {
+        printOutputs(checked);
+    } else {
+        std::printf("%s: %d actions, %d links: valid\n", qPrintable(visibleText(line.arguments[0])),
+                    static_cast<int>(checked.graph.actions.size()),
+                    static_cast<int>(checked.graph.links.size()));
+    }
     return {};
 }

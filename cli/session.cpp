@@ -6,9 +6,11 @@
 
 #include "base/platform/terminal.h"
 #include "corvanta/system.h"
+#include "visible_text.h"
 
 #include <QElapsedTimer>
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 
@@ -49,6 +51,20 @@ QByteArray fractionBar(float fraction)
            QByteArray::number(static_cast<int>(inside * 100)) + '%';
 }
 
+/// Sum of the rows that the readers of the graph have sent.
+qint64 rowsRead(const CorvantaGraph &graph, const QVector<ActionProgress> &all)
+{
+    qint64 rows = 0;
+    for (const ActionProgress &action : all) {
+        const bool hasInput =
+            std::any_of(graph.links.begin(), graph.links.end(),
+                        [&](const auto &link) { return link.to.action == action.id; });
+        // Listeners read, and are no part of the graph.
+        rows += hasInput || graph.indexOf(action.id) < 0 ? 0 : action.rowsOut;
+    }
+    return rows;
+}
+
 /// One line with the rows, rows per second and fraction done of each action.
 QByteArray progressLine(const QVector<ActionProgress> &all, double seconds)
 {
@@ -57,7 +73,7 @@ QByteArray progressLine(const QVector<ActionProgress> &all, double seconds)
     for (const ActionProgress &action : all) {
         const double rows = static_cast<double>(qMax(action.rowsIn, action.rowsOut));
         line += line.isEmpty() ? "" : "  ";
-        line += action.id.toUtf8() + ' ' + shortCount(rows);
+        line += visibleText(action.id).toUtf8() + ' ' + shortCount(rows);
         line += seconds > 0 ? " (" + shortCount(rows / seconds) + "/s)" : "";
         if (action.finished) {
             line += " done";
@@ -90,7 +106,9 @@ CommandResult<std::unique_ptr<Session>> Session::open(const CommandLine &line)
     std::unique_ptr<Session> session(new Session(std::move(log)));
     const bool wantsProgress =
         progress == "always"_L1 || (progress == "auto"_L1 && platform::isTerminal(stderr));
-    // Programs that parse JSON messages must get nothing else.
+    session->m_showsSummary = wantsProgress;
+    session->m_timer.start();
+    // Programs that parse JSON messages must get nothing else; the summary is a message.
     session->m_showsProgress = wantsProgress && logFormat == "text"_L1;
     setSystemEncoding(line.value(u"--system-encoding"_s, QString()));
     return session;
@@ -107,6 +125,12 @@ Session::Session(std::unique_ptr<CommandLog> log)
 
 Session::~Session()
 {
+    // Here and not in run(), because the summary is the last line.
+    if (m_showsSummary && m_rows) {
+        const double seconds = static_cast<double>(m_timer.nsecsElapsed()) / 1e9;
+        const double megabytes = static_cast<double>(m_log->bytesRead()) / 1e6;
+        m_log->addSummary({*m_rows, seconds, megabytes / seconds, m_log->writtenFiles()});
+    }
     MainUI::setLogSink(nullptr);
 }
 
@@ -137,6 +161,8 @@ CommandResult<void> Session::run(const CorvantaGraph &graph, const ActionRegistr
     Run run(graph, registry, std::move(options));
     run.start();
     waitForEnd(&run);
+    // A command may run several graphs, for example to measure texts; the last one does its work.
+    m_rows = rowsRead(graph, run.progress());
     // A failure during a stop counts as a failure.
     if (run.succeeded()) {
         return {};

@@ -4,6 +4,10 @@
 #include "corvanta/run.h"
 #include "log_sinks.h"
 
+#include <QElapsedTimer>
+
+#include <optional>
+
 /// As long as it exists, messages go to its log, and Ctrl-C stops its run cleanly. At most one
 /// exists at a time.
 class Session
@@ -28,4 +32,7 @@ private:
 
     std::unique_ptr<CommandLog> m_log; // the program's sink
     bool m_showsProgress = false;
+    bool m_showsSummary = false;
+    QElapsedTimer m_timer;
+    std::optional<qint64> m_rows = {}; // read by the last run; none before a run
 };

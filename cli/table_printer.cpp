@@ -5,6 +5,7 @@
 #include "table_printer.h"
 
 #include "base/platform/terminal.h"
+#include "visible_text.h"
 
 #include <algorithm>
 
@@ -57,23 +58,6 @@ QString fitting(const QString &text, int width)
     return text.left(end);
 }
 
-/// The escape for a character that cannot be shown.
-QString escape(char32_t c)
-{
-    switch (c) {
-    case '\n':
-        return u"\\n"_s;
-    case '\r':
-        return u"\\r"_s;
-    case '\t':
-        return u"\\t"_s;
-    default:
-        const QString digits = QString::number(c, 16);
-        return c < 0x100 ? u"\\x"_s + digits.rightJustified(2, u'0')
-                         : u"\\u"_s + digits.rightJustified(4, u'0');
-    }
-}
-
 /// Numbers are aligned right.
 bool isNumber(MetaInfo type)
 {
@@ -81,19 +65,6 @@ bool isNumber(MetaInfo type)
 }
 
 } // namespace
-
-QString visibleText(const QString &text)
-{
-    QString visible;
-    for (const char32_t c : text.toUcs4()) {
-        const QChar::Category category = QChar::category(c);
-        const bool isInvisible =
-            category == QChar::Other_Control || category == QChar::Other_Format ||
-            category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
-        visible += isInvisible ? escape(c) : QString::fromUcs4(&c, 1);
-    }
-    return visible;
-}
 
 int displayWidth(const QString &text)
 {

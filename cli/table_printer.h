@@ -7,10 +7,6 @@
 
 #include <cstdio>
 
-/// `text` for one line of a terminal: control characters, line ends and marks that change the
-/// writing direction are replaced by escapes such as \n and \x1b.
-QString visibleText(const QString &text);
-
 /// Number of terminal columns that `text` takes: two for a wide character, none for a combining
 /// one.
 int displayWidth(const QString &text);

@@ -21,6 +21,7 @@ const ParamTable<ReadExcelParams> &readExcelParamTable()
         text("fileName", &P::fileName)
             .inputFile()
             .always()
+            .requiredWhen("fileNameFromPin", {QStringLiteral("0")})
             .label("File")
             .meaning("Workbook to read, or a pattern such as *.xlsx."),
     };

@@ -13,6 +13,7 @@ const ParamTable<ReadExcelSheetsParams> &readExcelSheetsParamTable()
         text("fileName", &P::fileName)
             .inputFile()
             .always()
+            .requiredWhen("fileNameFromPin", {QStringLiteral("0")})
             .label("File")
             .meaning("Workbook whose sheets are listed, or a pattern such as *.xlsx."),
     };

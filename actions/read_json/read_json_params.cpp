@@ -11,6 +11,8 @@ ParamGroup<P> sourceOfDocuments()
 {
     return {
         text("colJSON", &P::colJSON)
+            .expanded()
+            .requiredWhen("fromInputPin", {QStringLiteral("1")})
             .label("JSON column")
             .meaning("Input column that holds the JSON texts."),
         shared::fromInputPin<P>("Read the JSON", "Reads the file fileName, or (any value but 0) "
@@ -20,6 +22,7 @@ ParamGroup<P> sourceOfDocuments()
         text<P>("fileName", &P::fileName)
             .inputFile()
             .always()
+            .requiredWhen("fromInputPin", {QStringLiteral("0")})
             .label("File")
             .meaning("JSON or JSON Lines file to read, a pattern, or a member of an archive "
                      "(archive.zip@member)."),

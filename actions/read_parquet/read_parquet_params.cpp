@@ -21,6 +21,7 @@ ParamGroup<P> filesAndColumns()
                {{ColumnSelection::All, "all columns"},
                 {ColumnSelection::Listed, "the columns of ColumnsToRead"},
                 {ColumnSelection::FromPin, "the columns named on input pin 1"}})
+            .otherwise("reads all columns")
             .label("Columns")
             .meaning("Which columns are read."),
         shared::outputFilenames<P>(),
@@ -72,9 +73,11 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
         text("fileName", &P::fileName)
             .inputFile()
             .always()
+            .requiredWhen("fileNameFromPin", {QStringLiteral("0")})
             .label("File")
             .meaning("Parquet file to read, or a pattern such as *.parquet."),
         strings("ColumnsToRead", &P::columnsToRead)
+            .requiredWhen("columnSelection", {QStringLiteral("1")})
             .label("Columns to read")
             .meaning("Columns that are read when columnSelection is 1."),
     };

@@ -36,6 +36,7 @@ ParamGroup<P> decoding()
                 {StatFormat::SpssSav, "SPSS File (.sav)"},
                 {StatFormat::SpssPor, "SPSS File (.por)"},
                 {StatFormat::Stata, "Stata File (.dta)"}})
+            .otherwise("goes by the ending of the file name")
             .label("Format")
             .meaning(
                 "Format of the data set. By default the ending of the file name determines it."),
@@ -60,6 +61,7 @@ const ParamTable<ReadStatParams> &readStatParamTable()
         text("fileName", &P::fileName)
             .inputFile()
             .always()
+            .requiredWhen("fileNameFromPin", {QStringLiteral("0")})
             .label("File")
             .meaning("Data set to read."),
     };

@@ -11,6 +11,7 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
     static const ParamTable<P> table{
         text("fileName", &P::fileName)
             .inputFile()
+            .required()
             .label("File")
             .meaning("Table to read, or a pattern such as *.dbf; all tables must have the columns "
                      "of the first."),
@@ -19,6 +20,7 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
                {{XbfEncoding::Windows1252, "Latin 1 (Windows 1252)"},
                 {XbfEncoding::System, "encoding of the system"},
                 {XbfEncoding::Utf8, "UTF-8"}})
+            .orAnyNumber("keeps the bytes as they are")
             .label("Encoding")
             .meaning("Encoding of character and memo fields. Any other value keeps the bytes as "
                      "they are."),

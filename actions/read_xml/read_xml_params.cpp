@@ -11,10 +11,13 @@ ParamGroup<P> sourceOfDocuments()
 {
     return {
         text("encoding", &P::encoding)
+            .expanded()
             .label("Encoding")
             .meaning("Auto detects the encoding, System is the system's code page; otherwise the "
                      "name of an encoding."),
         text("colXML", &P::colXML)
+            .expanded()
+            .requiredWhen("fromInputPin", {QStringLiteral("1")})
             .label("XML column")
             .meaning("Input column that holds the XML texts."),
         shared::fromInputPin<P>("Read the XML",
@@ -36,6 +39,7 @@ ParamGroup<P> file()
         text<P>("fileName", &P::fileName)
             .inputFile()
             .always()
+            .requiredWhen("fromInputPin", {QStringLiteral("0")})
             .label("File")
             .meaning("XML or HTML file to read, a pattern, or a member of an archive "
                      "(archive.zip@member)."),

@@ -12,10 +12,12 @@ ParamGroup<P> documents()
 {
     return {
         text("output", &P::output)
+            .required()
             .always()
             .label("Column of the output documents")
             .meaning("Input column with the names of the documents to write."),
         text("template", &P::templateColumn)
+            .required()
             .always()
             .label("Column of the templates")
             .meaning("Input column with the names of the templates (.docx or .pptx)."),

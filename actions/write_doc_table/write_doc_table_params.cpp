@@ -49,10 +49,12 @@ const ParamTable<WriteDocTableParams> &writeDocTableParamTable()
     static const ParamTable<P> table{
         text("template", &P::templateName)
             .inputFile()
+            .required()
             .label("Template")
             .meaning("Word document with the markers."),
         text("output", &P::output)
             .outputFile()
+            .required()
             .label("Document")
             .meaning("Word document to write."),
         flag("processCR", &P::processCR)

@@ -22,15 +22,18 @@ ParamGroup<P> workbooks()
              {WorkbookMode::CopyAndAddSheet, "Copy and update the duplicate by adding a new Sheet"},
              {WorkbookMode::CopyAndChangeSheet,
               "Copy and update the duplicate by changing an existing Sheet"}})
+            .otherwise("creates a new workbook")
             .label("What to do")
             .meaning("Whether a new workbook is written, or an existing one is updated in place or "
                      "as a copy."),
         text("fileNameSource", &P::fileNameSource)
             .inputFile()
+            .requiredWhen("mode", {QStringLiteral("3"), QStringLiteral("4")})
             .label("Workbook to copy")
             .meaning("Workbook that modes 3 and 4 read; it is not changed."),
         text("fileNameDestination", &P::fileNameDestination)
             .outputFile()
+            .required()
             .label("Workbook to write")
             .meaning("Workbook that is written; modes 1 and 2 read it first."),
     };
@@ -41,6 +44,8 @@ ParamGroup<P> cellRange()
 {
     return {
         text("startRow", &P::startRow)
+            .wholeNumber(0, std::numeric_limits<int>::max())
+            .otherwise("appends after the last row")
             .label("Overwrite sheet content starting at row:\n(use \"0\" to append rows at the end "
                    "of the sheet)")
             .meaning("First row that modes 2 and 4 overwrite; 0 appends after the last row."),
@@ -117,9 +122,11 @@ ParamGroup<P> dateInput()
                 {DateInput::SystemLongTime, "system long time"},
                 {DateInput::SystemShortDateTime, "system short date and time"},
                 {DateInput::SystemLongDateTime, "system long date and time"}})
+            .otherwise("reads no dates")
             .label("Format of the dates in the table")
             .meaning("How the texts of the ToDate columns are read."),
         text("dateFormat", &P::dateFormat)
+            .expanded()
             .label("Own date format")
             .meaning("Format of the dates, for example yyyy-MM-dd or dd/MM/yyyy hh:mm:ss."),
     };
@@ -141,6 +148,7 @@ Param<P> dateDisplay()
                    {DateDisplay::Seconds12, "h:mm:ss AM/PM"},
                    {DateDisplay::Minutes24, "h:mm"},
                    {DateDisplay::Seconds24, "h:mm:ss"}})
+        .range(0, static_cast<int>(DateDisplay::Seconds24))
         .label("Display of date cells")
         .meaning("Number format of the date cells in the sheet.");
 }
@@ -182,7 +190,7 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         shared::testValue<P>(),
         shared::writeAllRows<P>(),
         // Child elements come after all attributes.
-        shared::columnsToWrite<P>("ToWrite"),
+        shared::columnsToWrite<P>("ToWrite").requiredWhen("writeAllColumns", {QStringLiteral("0")}),
         strings("ToDate", &P::toDate)
             .label("Date columns")
             .meaning("Text columns that are written as dates."),

@@ -74,6 +74,7 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
     static const ParamTable<P> table{
         text<P>("fileName", &P::fileName)
             .outputFile()
+            .required()
             .label("File")
             .meaning("JSON file to write, UTF-8."),
         shared::fileMode<P>(),
@@ -85,6 +86,7 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
         splitting(),
         shared::alwaysWrite<P>(),
         text("splitCol", &P::splitCol)
+            .requiredWhen("splitFile", {QStringLiteral("1")})
             .label("Split column")
             .meaning("Column whose values split the table, which should be sorted on it."),
         // Child elements come after all attributes.

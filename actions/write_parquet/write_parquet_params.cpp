@@ -51,6 +51,7 @@ ParamGroup<P> splitting()
             .label("Segment size")
             .meaning("Size in MiB after which a split table continues in a new file."),
         text("splitVar", &P::splitVar)
+            .requiredWhen("split", {QStringLiteral("1")})
             .always()
             .label("Split column")
             .meaning("Column whose value selects the file. Best when the table is sorted on it."),
@@ -99,10 +100,11 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
         encoding(),
         text("file", &P::file)
             .outputFile()
+            .required()
             .always()
             .label("File")
             .meaning("Parquet file to write."),
-        shared::columnsToWrite<P>("ToWrite"),
+        shared::columnsToWrite<P>("ToWrite").requiredWhen("writeAllColumns", {QStringLiteral("0")}),
     };
     return table;
 }

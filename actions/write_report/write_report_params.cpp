@@ -101,11 +101,13 @@ const ParamTable<WriteReportParams> &writeReportParamTable()
             .meaning("Number of tables that supply data for the charts."),
         text("output", &P::output)
             .outputFile()
+            .required()
             .always()
             .label("Document")
             .meaning("Document to write (.xlsx, .docx or .pptx)."),
         text("template", &P::templateName)
             .inputFile()
+            .required()
             .always()
             .label("Template")
             .meaning("Document with the charts; a name that starts with > is one of the included "

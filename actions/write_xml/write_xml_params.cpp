@@ -43,6 +43,8 @@ ParamGroup<P> elementForms()
                      "that are not allowed in XML, and makes names of elements and attributes "
                      "valid and distinct."),
         text("indentStart", &P::indentStart)
+            .wholeNumber(0, 1000)
+            .otherwise("uses the nearest allowed number, 0 for a text")
             .label("Indent of the outermost level")
             .meaning("Number of spaces before an element of the first level; each level below has "
                      "two more."),
@@ -54,13 +56,18 @@ ParamGroup<P> elementForms()
 const ParamTable<WriteXmlParams> &writeXmlParamTable()
 {
     static const ParamTable<P> table{
-        text<P>("fileName", &P::fileName).outputFile().label("File").meaning("XML file to write."),
+        text<P>("fileName", &P::fileName)
+            .outputFile()
+            .required()
+            .label("File")
+            .meaning("XML file to write."),
         shared::fileMode<P>(),
         choice("charMode", &P::charMode,
                {{CharMode::Utf8WithMark, "UTF-8 with byte-order mark"},
                 {CharMode::Utf8, "UTF-8"},
                 {CharMode::Utf16WithMark, "UTF-16LE with byte-order mark"},
                 {CharMode::Utf16, "UTF-16LE"}})
+            .otherwise("writes UTF-8 without a byte-order mark")
             .label("Encoding")
             .meaning("Encoding of the file."),
         shared::checkNameCollision<P>(),

@@ -16,6 +16,16 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
+namespace {
+
+/// The names of the modules in a folder, sorted.
+QStringList modulesIn(const QString &folder)
+{
+    return QDir(folder).entryList({u"*.so"_s, u"*.dll"_s}, QDir::Files, QDir::Name);
+}
+
+} // namespace
+
 ActionRegistry::ActionRegistry() = default;
 ActionRegistry::~ActionRegistry() = default;
 
@@ -29,7 +39,14 @@ QString ActionRegistry::defaultFolder()
 void ActionRegistry::loadAll()
 {
     // The modules first: their actions take precedence.
-    loadFolder(defaultFolder());
+    const QString folder = defaultFolder();
+    loadFolder(folder);
+    if (modulesIn(folder).isEmpty()) {
+        MainUI::addLog(
+            MainUI::Warning,
+            u"Warning: no module with actions found in the folder '%1' (the environment variable CORVANTA_PLUGIN_PATH names another folder)\n"_s
+                .arg(QDir::cleanPath(QDir::current().absoluteFilePath(folder))));
+    }
     BuiltinPlugin builtin;
     add(&builtin);
 }
@@ -37,7 +54,7 @@ void ActionRegistry::loadAll()
 void ActionRegistry::loadFolder(const QString &folder)
 {
     const QDir dir(folder);
-    for (const QString &name : dir.entryList({u"*.so"_s, u"*.dll"_s}, QDir::Files, QDir::Name)) {
+    for (const QString &name : modulesIn(folder)) {
         // Never unload a module: actions and their icons may exist until the program ends.
         QPluginLoader loader(dir.absoluteFilePath(name));
         loader.setLoadHints(QLibrary::PreventUnloadHint);
@@ -72,6 +89,15 @@ ActionItem *ActionRegistry::prototype(const QString &typeName) const
         }
     }
     return nullptr;
+}
+
+QStringList ActionRegistry::typeNames() const
+{
+    QStringList names;
+    for (const auto &action : m_prototypes) {
+        names << QString::fromLatin1(action->getTypeName());
+    }
+    return names;
 }
 
 std::unique_ptr<ActionItem> ActionRegistry::create(const XMLNode &parameters,

@@ -5,6 +5,7 @@
 #include "corvanta/files.h"
 
 #include "base/platform/files.h"
+#include "corvanta/main_ui.h"
 #include "unsynced_names.h"
 
 #include <QDir>
@@ -37,6 +38,7 @@ public:
         const qint64 got = m_file.read(buffer, n);
         if (got > 0) {
             m_position.fetch_add(got, std::memory_order_relaxed);
+            m_sink->addBytesRead(got);
         } else if (got < 0) {
             m_error = SystemError::ofLastCall();
         }
@@ -59,6 +61,8 @@ private:
     FileHandle m_file;
     std::atomic<qint64> m_position = 0;
     SystemError m_error;
+    // Found now: a thread of a decoder that reads later may have no LogScope.
+    LogSink *const m_sink = MainUI::logSink();
 };
 
 /// A plain file. A failed write returns to the position before it, so that it can be repeated.

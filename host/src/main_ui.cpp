@@ -50,13 +50,15 @@ Host &host()
 
 void MainUI::addLog(LogLevel level, const QString &text)
 {
+    logSink()->add({level, LogScope::current().action, text});
+}
+
+LogSink *MainUI::logSink()
+{
     // The sink of the run first: several runs of a process can have different logs.
-    const LogScope::Context context = LogScope::current();
-    LogSink *sink = context.sink != nullptr ? context.sink : host().sink.load();
-    if (sink == nullptr) {
-        sink = &host().plainSink;
-    }
-    sink->add({level, context.action, text});
+    LogSink *const ofRun = LogScope::current().sink;
+    LogSink *const sink = ofRun != nullptr ? ofRun : host().sink.load();
+    return sink != nullptr ? sink : &host().plainSink;
 }
 
 void MainUI::setLogSink(LogSink *sink)

@@ -199,6 +199,9 @@ TargetFile::Done TargetFile::commit(Sync sync, const Rename &rename)
     if (!done && !temporary.isEmpty() && m_options.mode == TargetMode::Replace) {
         platform::removeFile(temporary);
     }
+    if (done) {
+        MainUI::logSink()->addWrittenFile(m_target);
+    }
     return done;
 }
 

@@ -46,6 +46,9 @@ public:
     corvanta::Result<XMLNode, XMLNode::Place> build()
     {
         while (!m_reader.atEnd()) {
+            // Before the token is read: the reader counts to the end of a tag, which may be lines
+            // below its start.
+            m_line = m_reader.lineNumber();
             take(m_reader.readNext());
         }
         if (!m_reader.hasError()) {
@@ -81,7 +84,7 @@ private:
         }
         auto node = std::make_shared<XMLNode::Data>();
         node->name = m_reader.qualifiedName().toString();
-        node->line = static_cast<int>(m_reader.lineNumber());
+        node->line = static_cast<int>(m_line);
         for (const QXmlStreamAttribute &attribute : m_reader.attributes()) {
             node->attributes.append(
                 {attribute.qualifiedName().toString(), attribute.value().toString()});
@@ -123,6 +126,7 @@ private:
     QXmlStreamReader m_reader;
     std::vector<std::shared_ptr<XMLNode::Data>> m_open;
     XMLNode m_root;
+    qint64 m_line = 1;           // where the current token starts
     bool m_continueText = false; // the last token was text of the open element
 };
 

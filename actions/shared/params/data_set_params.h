@@ -23,7 +23,7 @@ namespace shared {
 /// The file, at the start of the table. `meaning` names the format.
 template <class P> Param<P> dataSetFile(const char *meaning)
 {
-    return text<P>("fileName", &P::fileName).outputFile().label("File").meaning(meaning);
+    return text<P>("fileName", &P::fileName).outputFile().required().label("File").meaning(meaning);
 }
 
 /// The rows and columns that are written, at the end of the table. The child elements come last.

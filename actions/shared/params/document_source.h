@@ -17,6 +17,7 @@ template <class P> Param<P> fromInputPin(const char *label, const char *meaning)
     return choice<P>("fromInputPin", &P::fromInputPin,
                      {{DocumentSource::File, "from the file"},
                       {DocumentSource::InputPin, "from input pin 0"}})
+        .orAnyNumber("reads input pin 0")
         .label(label)
         .meaning(meaning);
 }

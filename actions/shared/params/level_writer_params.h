@@ -48,6 +48,7 @@ template <class P> Param<P> fileMode()
 {
     return choice<P>("fileMode", &P::fileMode,
                      {{FileMode::Replace, "create or overwrite"}, {FileMode::Append, "append"}})
+        .otherwise("appends to the file")
         .label("Open the file")
         .meaning("Whether an existing file is replaced or extended.");
 }
@@ -61,16 +62,19 @@ template <class P> ParamGroup<P> valueForms(const char *nullForm, const char *em
                   {{MissingText::Null, nullForm},
                    {MissingText::Empty, emptyForm},
                    {MissingText::LeaveOut, "leave it out"}})
+            .otherwise("leaves the value out")
             .label("Missing text")
             .meaning("What is written for a missing text cell."),
         choice<P>("nullNumber", &P::nullNumber,
                   {{MissingNumber::Null, nullForm}, {MissingNumber::LeaveOut, "leave it out"}})
+            .otherwise("writes the form of a missing value")
             .label("Missing number")
             .meaning("What is written for a missing whole or decimal number."),
         choice<P>("nan", &P::nan,
                   {{NotFinite::Name, "write nan, inf or -inf"},
                    {NotFinite::Null, nullForm},
                    {NotFinite::LeaveOut, "leave it out"}})
+            .otherwise("leaves the value out")
             .label("NaN and infinite numbers")
             .meaning("What is written for NaN and infinite numbers."),
         floatToString<P>(),
@@ -93,10 +97,12 @@ template <class P> ParamGroup<P> fileContent(const WriteLevelTables &levelTables
         writeAllColumns<P>("Writes every column. Off: only the columns of ToWrite. Ignored when "
                            "there are Levels."),
         elementText<P>("Prefix", &P::prefix)
+            .expanded()
             .always()
             .label("Start of the file")
             .meaning("Text at the start of every file."),
         elementText<P>("Suffix", &P::suffix)
+            .expanded()
             .always()
             .label("End of the file")
             .meaning("Text at the end of every file."),

@@ -9,9 +9,11 @@ const ParamTable<ReadItem> &itemTable()
     // An item without a name is saved without one: expandedLevels() adds the path as its name.
     static const ParamTable<ReadItem> table{
         text("name", &ReadItem::name)
+            .expanded()
             .label("Column")
             .meaning("Name of the output column. Empty: the path."),
         text("path", &ReadItem::path)
+            .expanded()
             .always()
             .label("Path")
             .meaning("Path of the value, from the occurrence. Empty: the occurrence itself."),
@@ -28,11 +30,13 @@ const ParamTable<ReadLevel> &readLevelTable()
 {
     static const ParamTable<ReadLevel> table{
         text("initialPath", &ReadLevel::initialPath)
+            .expanded()
             .always()
             .label("Container")
             .meaning("Path of the element that contains the occurrences, from the document or from "
                      "the occurrence of the level before."),
         text("subtagName", &ReadLevel::subtagName)
+            .expanded()
             .always()
             .label("Repeated element")
             .meaning("Name of the repeated element. Empty: every sub-element."),

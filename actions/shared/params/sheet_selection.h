@@ -17,12 +17,15 @@ template <class P> ParamGroup<P> sheetSelection(const char *modeMeaning, const c
     return {
         choice("sheetMode", &P::sheetMode,
                {{SheetSelection::ByNumber, "by number"}, {SheetSelection::ByName, "by name"}})
+            .orAnyNumber("adds a sheet")
             .label("Select the sheet")
             .meaning(modeMeaning),
         text("sheetIdx", &P::sheetIdx)
+            .wholeNumber(1, std::numeric_limits<int>::max())
+            .otherwise("finds no sheet")
             .label("Sheet number")
             .meaning("Number of the sheet, from 1."),
-        text("sheetName", &P::sheetName).label("Sheet name").meaning(nameMeaning),
+        text("sheetName", &P::sheetName).expanded().label("Sheet name").meaning(nameMeaning),
     };
 }
 

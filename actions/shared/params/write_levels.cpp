@@ -7,6 +7,7 @@ WriteLevelTables::WriteLevelTables(const QStringList &itemTypes)
           number("type", &WriteItem::type)
               .always()
               .choices(itemTypes)
+              .otherwise("writes nothing")
               .label("Type")
               .meaning("What is written, by its number. An item with another number writes "
                        "nothing."),

@@ -37,6 +37,7 @@ template <class P> Param<P> writeAllRows()
 template <class P> Param<P> testCol()
 {
     return text<P>("testCol", &P::testCol)
+        .requiredWhen("writeAllRows", {QStringLiteral("0")})
         .label("Column to test")
         .meaning("Column that is tested when writeAllRows is off.");
 }

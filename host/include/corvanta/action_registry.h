@@ -20,7 +20,7 @@ public:
     ~ActionRegistry();
 
     /// Load every module of the default folder, then add the host's own actions. A module that
-    /// cannot be loaded is reported as a warning.
+    /// cannot be loaded, and a folder without any, are reported as warnings.
     void loadAll();
     /// Load the modules of one folder, in name order.
     void loadFolder(const QString &folder);
@@ -35,6 +35,8 @@ public:
     ActionItem *prototype(const QString &typeName) const;
     /// All prototypes in the order in which they were added.
     const std::vector<std::unique_ptr<ActionItem>> &prototypes() const { return m_prototypes; }
+    /// The names of all types, in that order.
+    QStringList typeNames() const;
     /// A new action with the parameters of a saved element; null for an unknown type. `global` may
     /// be null and must outlive the action.
     std::unique_ptr<ActionItem> create(const XMLNode &parameters, GlobalParameters *global) const;

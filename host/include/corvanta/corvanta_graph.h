@@ -17,6 +17,8 @@
 
 #include <optional>
 
+class GlobalParameters;
+
 namespace corvanta {
 class ActionRegistry;
 }
@@ -50,10 +52,17 @@ public:
         Pin to;
         int line = 0; ///< as in Action
     };
-    /// Something that makes a graph invalid: "orders.graph:12: ...".
+    /// Something that the user should correct: "orders.graph:12: ...".
     struct Problem
     {
+        enum class Kind {
+            Invalid, ///< the graph cannot be run
+            Mistake, ///< an unknown name, or a value that is not allowed; a run ignores it
+            Missing, ///< a run would fail: a file, a folder or a required value is missing
+            Hint,    ///< probably not intended
+        };
         QString text;
+        Kind kind = Kind::Invalid;
     };
     using Problems = QVector<Problem>;
     /// A graph, or everything that is wrong with its file.
@@ -63,7 +72,8 @@ public:
     QMap<QString, QString> variables; ///< by name, without "${" and "}"
     QVector<Action> actions;
     QVector<Link> links;
-    QString fileName; ///< for messages; relative names are relative to its folder
+    QString fileName;  ///< for messages; relative names are relative to its folder
+    Problems mistakes; ///< unknown parts of the file, which load() has ignored; see check()
 
     /// Read a graph file. Checks its elements only; see validate().
     static Loaded load(const QString &fileName);
@@ -76,6 +86,22 @@ public:
     /// variables. `given` are variables set on the command line. Empty for a valid graph.
     Problems validate(const corvanta::ActionRegistry &registry,
                       const QMap<QString, QString> &given) const;
+
+    /// Find everything else that the user should know before a run, none of it Invalid: mistakes
+    /// that a run would ignore, missing files. The graph has passed validate() with the same
+    /// variables; names are relative to `outDir` as in RunOptions. Looks up files, opens none.
+    Problems check(const corvanta::ActionRegistry &registry, const QMap<QString, QString> &given,
+                   const QString &outDir) const;
+    /// The names of the files that a run would write, in the order of the actions, each once; with
+    /// "*" in place of what depends on the rows. The graph has passed validate().
+    QStringList outputs(const corvanta::ActionRegistry &registry,
+                        const QMap<QString, QString> &given, const QString &outDir) const;
+    /// The names of the variables that parameters of actions refer to, known or not.
+    QStringList usedVariables() const;
+    /// Set the folders, the version and the variables that the actions of this graph see; `given`
+    /// override the variables of the graph.
+    void applyTo(GlobalParameters *global, const QMap<QString, QString> &given,
+                 const QString &outDir) const;
 
     /// True if an action of the graph has the output pin, which a listener can then read. False
     /// also for an unknown action or type.

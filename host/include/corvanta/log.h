@@ -1,4 +1,5 @@
-// Messages, the sinks that receive them, and the action that each message belongs to.
+// Messages, the sinks that receive them, and the action that each message belongs to. A sink is
+// also told how much was read and which files were written, for a summary of the run.
 //
 // MainUI::addLog() sends a message to the sink of the calling thread's LogScope, or to the
 // program's sink if the thread has none.
@@ -26,6 +27,10 @@ public:
     /// Take a message. Must not block for long, because the action waits, and must not call an
     /// action or log itself.
     virtual void add(const LogMessage &message) = 0;
+    /// `n` bytes were read from an input file. Called for every block; the same rules as add().
+    virtual void addBytesRead(qint64 n) { static_cast<void>(n); }
+    /// The target `name` is complete.
+    virtual void addWrittenFile(const QString &name) { static_cast<void>(name); }
 };
 
 /// Determines for which action the current thread logs, as long as the object exists. The engine

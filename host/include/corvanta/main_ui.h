@@ -28,6 +28,8 @@ public:
     {
         addLog(static_cast<LogLevel>(level), text);
     }
+    /// The sink of the current LogScope, else the program's. Never null.
+    static LogSink *logSink();
     /// Set the program's sink, which must outlive its use; null: standard error.
     static void setLogSink(LogSink *sink);
 

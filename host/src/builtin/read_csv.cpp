@@ -70,6 +70,7 @@ const ParamTable<ReadCsvParams> &ActionReadCsv::paramTable()
     static const ParamTable<ReadCsvParams> table{
         text("fileName", &ReadCsvParams::fileName)
             .inputFile()
+            .required()
             .always()
             .label("File")
             .meaning("Text file to read, UTF-8; also compressed as .gz or .Z."),

@@ -37,6 +37,7 @@ const ParamTable<WriteCsvParams> &ActionWriteCsv::paramTable()
     static const ParamTable<WriteCsvParams> table{
         text("fileName", &WriteCsvParams::fileName)
             .outputFile()
+            .required()
             .always()
             .label("File")
             .meaning("Text file to write, UTF-8 with LF line ends."),

@@ -89,19 +89,8 @@ struct Run::Private
 /// Sets what the actions read from GlobalParameters while they are created and during the run.
 void Run::Private::setGlobals(const CorvantaGraph &graph, const RunOptions &options)
 {
-    global.setGraphDir(QFileInfo(graph.fileName).absolutePath());
-    global.setOutDir(options.outDir);
+    graph.applyTo(&global, options.variables, options.outDir);
     global.setCompression(options.compression);
-    // A graph without a version is new; GlobalParameters then keeps its infinite version.
-    if (graph.version >= 0) {
-        global.setGraphVersion(graph.version);
-    }
-    // The variables of the run come last, so that they replace those of the graph.
-    for (const QMap<QString, QString> *variables : {&graph.variables, &options.variables}) {
-        for (auto it = variables->begin(); it != variables->end(); ++it) {
-            global.setVariable(it.key(), it.value());
-        }
-    }
 }
 
 /// Adds an action that reads an output pin of the graph.

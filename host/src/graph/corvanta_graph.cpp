@@ -2,6 +2,9 @@
 #include "corvanta/corvanta_graph.h"
 
 #include "base/number.h"
+#include "corvanta/global_parameters.h"
+
+#include <QFileInfo>
 
 int CorvantaGraph::indexOf(const QString &id) const
 {
@@ -26,4 +29,21 @@ std::optional<CorvantaGraph::Pin> CorvantaGraph::parsePin(const QString &text)
         return std::nullopt;
     }
     return Pin{text.left(colon), static_cast<int>(number)};
+}
+
+void CorvantaGraph::applyTo(GlobalParameters *global, const QMap<QString, QString> &given,
+                            const QString &outDir) const
+{
+    global->setGraphDir(QFileInfo(fileName).absolutePath());
+    global->setOutDir(outDir);
+    // A graph without a version is new; GlobalParameters then keeps its infinite version.
+    if (version >= 0) {
+        global->setGraphVersion(version);
+    }
+    // The given variables come last, so that they replace those of the graph.
+    for (const QMap<QString, QString> *set : {&variables, &given}) {
+        for (auto it = set->begin(); it != set->end(); ++it) {
+            global->setVariable(it.key(), it.value());
+        }
+    }
 }

@@ -1,5 +1,6 @@
 // Reads graph files. All problems of a file are collected, so that the user sees them together;
 // only text that is not XML ends the reading immediately.
+#include "base/nearest_name.h"
 #include "corvanta/corvanta_graph.h"
 #include "graph/problem_list.h"
 
@@ -9,11 +10,55 @@
 using namespace Qt::StringLiterals;
 using corvanta::Fault;
 using corvanta::ProblemList;
+using Kind = CorvantaGraph::Problem::Kind;
 
 namespace {
 
+constexpr qsizetype kShownChars = 100; // of a text in a message
+
 /// Larger files are certainly not graphs; reading one would exhaust the memory.
 constexpr qint64 kMaxGraphBytes = qint64(256) << 20;
+
+/// Notes everything in an element but the attributes `known`, and its children unless
+/// `hasElements`. Reading ignores them.
+void noteUnknown(const XMLNode &node, const QStringList &known, bool hasElements,
+                 ProblemList &mistakes)
+{
+    for (const QString &name : node.attributeNames()) {
+        if (!known.contains(name)) {
+            mistakes.add(node.line(),
+                         u"unknown attribute '%1' of '%2'%3"_s.arg(
+                             name, node.getName(), corvanta::nearestNameHint(name, known)),
+                         Kind::Mistake);
+        }
+    }
+    for (int i = 0; i < node.nChildNode() && !hasElements; ++i) {
+        const XMLNode child = node.getChildNode(i);
+        mistakes.add(child.line(),
+                     u"unknown element '%1' of '%2'"_s.arg(child.getName(), node.getName()),
+                     Kind::Mistake);
+    }
+    const QString text = node.text().simplified();
+    if (!text.isEmpty()) {
+        mistakes.add(
+            node.line(),
+            u"the text '%1' in '%2' is not used"_s.arg(text.left(kShownChars), node.getName()),
+            Kind::Mistake);
+    }
+}
+
+/// Notes what is unknown in an element of the graph.
+void noteUnknown(const XMLNode &node, ProblemList &mistakes)
+{
+    const QString name = node.getName();
+    if (name == "action"_L1) {
+        noteUnknown(node, {u"id"_s, u"x"_s, u"y"_s, u"comment"_s}, true, mistakes);
+    } else if (name == "link"_L1) {
+        noteUnknown(node, {u"from"_s, u"to"_s}, false, mistakes);
+    } else if (name == "variable"_L1) {
+        noteUnknown(node, {u"name"_s, u"value"_s}, false, mistakes);
+    }
+}
 
 /// Reads an action element. An action with problems is kept out of the graph only if it has no
 /// parameters, so that its links are still checked.
@@ -84,7 +129,9 @@ void readElement(const XMLNode &node, CorvantaGraph *graph, ProblemList &problem
     } else if (name == "variable"_L1) {
         readVariable(node, graph, problems);
     } else {
-        problems.add(node.line(), u"unknown element '%1'"_s.arg(name));
+        const QStringList known{u"action"_s, u"link"_s, u"variable"_s};
+        problems.add(node.line(),
+                     u"unknown element '%1'%2"_s.arg(name, corvanta::nearestNameHint(name, known)));
     }
 }
 
@@ -127,9 +174,13 @@ CorvantaGraph::Loaded CorvantaGraph::parse(const QByteArray &document, const QSt
     CorvantaGraph graph;
     graph.fileName = fileName;
     graph.version = xmltof(root->getAttribute("version"), -1); // -1: a new graph
+    ProblemList mistakes(fileName);
+    noteUnknown(*root, {u"version"_s}, true, mistakes);
     for (int i = 0; i < root->nChildNode(); ++i) {
         readElement(root->getChildNode(i), &graph, problems);
+        noteUnknown(root->getChildNode(i), mistakes);
     }
+    graph.mistakes = mistakes.problems();
     if (!problems.problems().isEmpty()) {
         return Fault{problems.problems()};
     }

@@ -1,12 +1,15 @@
 // Checks what a graph file cannot show by itself: types, pins, loops and variables.
+#include "base/nearest_name.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/corvanta_graph.h"
 #include "graph/problem_list.h"
 
+#include <QRegularExpression>
 #include <QSet>
 
 using namespace Qt::StringLiterals;
 using corvanta::ActionRegistry;
+using corvanta::nearestNameHint;
 using corvanta::ProblemList;
 
 namespace {
@@ -32,9 +35,10 @@ void checkTypes(const CorvantaGraph &graph, const ActionRegistry &registry, Prob
 {
     for (const CorvantaGraph::Action &action : graph.actions) {
         if (registry.prototype(action.parameters.getName()) == nullptr) {
+            const QString type = action.parameters.getName();
             problems.add(action.parameters.line(),
-                         u"the action '%1' has the unknown type '%2'"_s.arg(
-                             action.id, action.parameters.getName()));
+                         u"the action '%1' has the unknown type '%2'%3"_s.arg(
+                             action.id, type, nearestNameHint(type, registry.typeNames())));
         }
     }
 }
@@ -134,11 +138,7 @@ void checkVariables(const CorvantaGraph &graph, const QMap<QString, QString> &gi
 {
     // The built-in variables have values in every GlobalParameters, so they are never unknown.
     GlobalParameters global;
-    for (const auto *set : {&graph.variables, &given}) {
-        for (auto it = set->begin(); it != set->end(); ++it) {
-            global.setVariable(it.key(), it.value());
-        }
-    }
+    graph.applyTo(&global, given, QString());
     for (const CorvantaGraph::Action &action : graph.actions) {
         forEachText(action.parameters, [&](const QString &text, int line) {
             QStringList unknown;
@@ -152,6 +152,21 @@ void checkVariables(const CorvantaGraph &graph, const QMap<QString, QString> &gi
 }
 
 } // namespace
+
+QStringList CorvantaGraph::usedVariables() const
+{
+    static const QRegularExpression variable(u"\\$\\{([^}]*)\\}"_s);
+    QStringList used;
+    for (const Action &action : actions) {
+        forEachText(action.parameters, [&](const QString &text, int) {
+            for (const QRegularExpressionMatch &match : variable.globalMatch(text)) {
+                used << match.captured(1);
+            }
+        });
+    }
+    used.removeDuplicates();
+    return used;
+}
 
 bool CorvantaGraph::hasOutputPin(const ActionRegistry &registry, const Pin &pin) const
 {

@@ -12,6 +12,8 @@ namespace corvanta {
 class ProblemList
 {
 public:
+    using Kind = CorvantaGraph::Problem::Kind;
+
     /// `file` is the name to show.
     explicit ProblemList(QString file)
         : m_file(std::move(file))
@@ -19,10 +21,10 @@ public:
     }
     /// Add a problem of line `line` (1-based; 0: of the whole file). `text` begins in lower case
     /// and has no full stop, because it follows the place.
-    void add(qint64 line, const QString &text)
+    void add(qint64 line, const QString &text, Kind kind = Kind::Invalid)
     {
         const QString place = line > 0 ? m_file + u':' + QString::number(line) : m_file;
-        m_problems.append({place + QStringLiteral(": ") + text});
+        m_problems.append({place + QStringLiteral(": ") + text, kind});
     }
     /// In the order in which they were added; empty if nothing is wrong.
     const QVector<CorvantaGraph::Problem> &problems() const { return m_problems; }

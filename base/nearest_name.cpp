@@ -1,0 +1,74 @@
+// Edit distances of names. Names are short and few, so nothing here is made to be fast.
+#include "base/nearest_name.h"
+
+#include <algorithm>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// Longer texts are no misspelled names; comparing them would take long.
+constexpr qsizetype kMaxChars = 100;
+
+/// Number of single changes that make `b` of `a`; two neighbours that are swapped count as one.
+int distance(const QString &a, const QString &b)
+{
+    const auto columns = static_cast<size_t>(b.size()) + 1;
+    // Three rows of the table: a swap needs the one before the last.
+    std::vector<int> beforeLast(columns);
+    std::vector<int> last(columns);
+    std::vector<int> row(columns);
+    for (size_t j = 0; j < columns; ++j) {
+        row[j] = static_cast<int>(j);
+    }
+    for (qsizetype i = 1; i <= a.size(); ++i) {
+        beforeLast.swap(last);
+        last.swap(row);
+        row[0] = static_cast<int>(i);
+        for (qsizetype j = 1; j <= b.size(); ++j) {
+            const auto at = static_cast<size_t>(j);
+            const int replaced = last[at - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
+            row[at] = std::min({replaced, last[at] + 1, row[at - 1] + 1});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
+                row[at] = std::min(row[at], beforeLast[at - 2] + 1);
+            }
+        }
+    }
+    return row.back();
+}
+
+qsizetype commonBeginning(const QString &a, const QString &b)
+{
+    return std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin();
+}
+
+} // namespace
+
+QString nearestName(const QString &name, const QStringList &known)
+{
+    const QString wanted = name.left(kMaxChars).toLower();
+    QString nearest;
+    std::pair<int, qsizetype> best;
+    for (const QString &candidate : known) {
+        const QString lower = candidate.left(kMaxChars).toLower();
+        // The longer beginning is better, so it counts negatively.
+        const std::pair<int, qsizetype> rank{distance(wanted, lower),
+                                             -commonBeginning(wanted, lower)};
+        if (nearest.isEmpty() || rank < best) {
+            nearest = candidate;
+            best = rank;
+        }
+    }
+    return nearest;
+}
+
+QString nearestNameHint(const QString &name, const QStringList &known)
+{
+    const QString nearest = nearestName(name, known);
+    return nearest.isEmpty() ? QString() : u"; the nearest known name is '%1'"_s.arg(nearest);
+}
+
+} // namespace corvanta

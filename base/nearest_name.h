@@ -1,0 +1,16 @@
+// Finds the known name that a user most likely meant, for messages about unknown names.
+#pragma once
+#include <QString>
+#include <QStringList>
+
+namespace corvanta {
+
+/// The name of `known` with the fewest inserted, deleted, replaced or swapped characters, letter
+/// case ignored; of several, the one with the longest equal beginning. Empty if there is none.
+/// Threads: any.
+QString nearestName(const QString &name, const QStringList &known);
+
+/// "; the nearest known name is 'NAME'" for the end of a message; empty if there is none.
+QString nearestNameHint(const QString &name, const QStringList &known);
+
+} // namespace corvanta

@@ -1,0 +1,50 @@
+// Escapes of characters that have no visible form.
+#include "visible_text.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The escape for a character that cannot be shown.
+QString escape(char32_t c)
+{
+    switch (c) {
+    case '\n':
+        return u"\\n"_s;
+    case '\r':
+        return u"\\r"_s;
+    case '\t':
+        return u"\\t"_s;
+    default:
+        const QString digits = QString::number(c, 16);
+        return c < 0x100 ? u"\\x"_s + digits.rightJustified(2, u'0')
+                         : u"\\u"_s + digits.rightJustified(4, u'0');
+    }
+}
+
+/// Replaces what is invisible, except the characters `kept`.
+QString visible(const QString &text, const QString &kept)
+{
+    QString shown;
+    for (const char32_t c : text.toUcs4()) {
+        const QChar::Category category = QChar::category(c);
+        const bool isInvisible =
+            category == QChar::Other_Control || category == QChar::Other_Format ||
+            category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
+        const QString one = QString::fromUcs4(&c, 1);
+        shown += isInvisible && !kept.contains(one) ? escape(c) : one;
+    }
+    return shown;
+}
+
+} // namespace
+
+QString visibleText(const QString &text)
+{
+    return visible(text, QString());
+}
+
+QString visibleLines(const QString &text)
+{
+    return visible(text, u"\n\t"_s);
+}

@@ -1,0 +1,237 @@
+// Finds what a valid graph does not do as its author probably meant: names and values that the
+// actions ignore, required values and files that are missing, writers without input.
+#include "corvanta/action_parameters.h"
+#include "corvanta/action_registry.h"
+#include "corvanta/corvanta_graph.h"
+#include "corvanta/files.h"
+#include "corvanta/params/saved_form.h"
+#include "graph/problem_list.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using corvanta::ActionRegistry;
+using corvanta::ProblemList;
+using corvanta::SavedFormProblem;
+using Kind = CorvantaGraph::Problem::Kind;
+
+namespace {
+
+/// Whether a run uses the value of a parameter that may be required.
+bool isNeeded(const ActionParameters &parameters, const ParameterInfo &info)
+{
+    const QString &other = info.required.parameter;
+    return other.isEmpty() || info.required.values.contains(
+                                  parameters.parameterValue(parameters.indexOfParameter(other)));
+}
+
+/// The part of an input name that is a file: that of "archive.zip@member" is the archive.
+QString fileOf(const QString &name)
+{
+    for (const auto marker : {".zip@"_L1, ".xlsx@"_L1}) {
+        const qsizetype at = name.indexOf(marker, 0, Qt::CaseInsensitive);
+        if (at >= 0) {
+            return name.left(at + marker.size() - 1);
+        }
+    }
+    return name;
+}
+
+/// The checks of one action.
+class ActionCheck
+{
+public:
+    ActionCheck(const CorvantaGraph &graph, const CorvantaGraph::Action &action, ActionItem &item,
+                const ActionParameters &parameters, ProblemList &problems)
+        : m_graph(graph)
+        , m_action(action)
+        , m_item(item)
+        , m_parameters(parameters)
+        , m_infos(parameters.parameters())
+        , m_problems(problems)
+    {
+    }
+
+    void run()
+    {
+        checkSavedForm();
+        checkValues();
+        checkTargets();
+        checkLinks();
+        for (const ParameterProblem &problem : m_parameters.problems()) {
+            const bool isError = problem.severity == ParameterProblem::Severity::Error;
+            add(lineOf(problem.parameter), problem.text, isError ? Kind::Missing : Kind::Hint);
+        }
+        if (!m_parameters.canRun()) {
+            add(m_action.parameters.line(), u"this version of the module cannot run it"_s,
+                Kind::Hint);
+        }
+    }
+
+private:
+    void add(int line, const QString &text, Kind kind)
+    {
+        m_problems.add(
+            line,
+            u"the action '%1' (%2): %3"_s.arg(m_action.id, m_action.parameters.getName(), text),
+            kind);
+    }
+    /// Of the child element that holds a parameter, or of the action's own element.
+    int lineOf(const QString &parameter) const
+    {
+        const XMLNode child = m_action.parameters.getChildNode(parameter.toLatin1().constData());
+        return child.isEmpty() ? m_action.parameters.line() : child.line();
+    }
+    QString valueOf(const QString &name) const
+    {
+        const int index = m_parameters.indexOfParameter(name);
+        return index < 0 ? QString() : m_parameters.parameterValue(index);
+    }
+
+    void checkSavedForm();
+    void checkValues();
+    void checkInput(const ParameterInfo &info, const QString &value);
+    void checkTargets();
+    void checkLinks();
+
+    const CorvantaGraph &m_graph;
+    const CorvantaGraph::Action &m_action;
+    ActionItem &m_item;
+    const ActionParameters &m_parameters;
+    const QVector<ParameterInfo> m_infos;
+    ProblemList &m_problems;
+};
+
+void ActionCheck::checkSavedForm()
+{
+    for (const SavedFormProblem &problem :
+         corvanta::savedFormProblems(m_action.parameters, m_infos, m_item.globalParameters())) {
+        const bool isMistake = problem.kind == SavedFormProblem::Kind::Mistake;
+        add(problem.line, problem.text, isMistake ? Kind::Mistake : Kind::Hint);
+    }
+}
+
+void ActionCheck::checkValues()
+{
+    for (const ParameterInfo &info : m_infos) {
+        if (!isNeeded(m_parameters, info)) {
+            continue;
+        }
+        // A variable may be empty.
+        const QString value = m_item.expandString(valueOf(info.name)).trimmed();
+        if (value.isEmpty() && info.required.isSet) {
+            add(lineOf(info.name), u"'%1' is required and empty"_s.arg(info.name), Kind::Missing);
+        } else if (!value.isEmpty() && info.file == ParameterInfo::File::Input) {
+            checkInput(info, valueOf(info.name));
+        }
+    }
+}
+
+void ActionCheck::checkInput(const ParameterInfo &info, const QString &value)
+{
+    // A template that the program includes; its folder is known to the action only.
+    if (value.startsWith(u'>')) {
+        return;
+    }
+    QStringList names;
+    listFiles(m_item.expandFile(value), &names);
+    const QFileInfo file(fileOf(names.value(0)));
+    if (file.exists() && !file.isDir()) {
+        return;
+    }
+    // The action then waits for the file, or continues without it.
+    const bool isTolerated =
+        valueOf(u"abortIfMissing"_s) == "0"_L1 || valueOf(u"timeOut"_s).toLongLong() != 0;
+    const QString state = file.isDir() ? u"is a folder"_s : u"does not exist"_s;
+    add(m_action.parameters.line(),
+        u"the file '%1' of '%2' %3"_s.arg(file.filePath(), info.name, state),
+        isTolerated ? Kind::Hint : Kind::Missing);
+}
+
+void ActionCheck::checkTargets()
+{
+    for (const TargetUse &target : m_parameters.targets()) {
+        const QFileInfo file(target.name);
+        const bool isOld = target.access == TargetUse::Access::Update;
+        if (isOld && !file.exists() && valueOf(u"createIfNotExists"_s) == "0"_L1) {
+            add(m_action.parameters.line(), u"the file '%1' does not exist"_s.arg(target.name),
+                Kind::Missing);
+            continue;
+        }
+        const QFileInfo folder(file.absolutePath());
+        const QString create = valueOf(u"createDir"_s);
+        if (file.isDir()) {
+            add(m_action.parameters.line(), u"the target '%1' is a folder"_s.arg(target.name),
+                Kind::Missing);
+        } else if (!folder.isDir() && create != "1"_L1) {
+            // Without a value the action has no such parameter.
+            const QString remedy = create.isEmpty() ? QString() : u" (createDir='1' creates it)"_s;
+            add(m_action.parameters.line(),
+                u"the folder '%1' of the target does not exist%2"_s.arg(folder.filePath(), remedy),
+                Kind::Missing);
+        }
+    }
+}
+
+/// A writer without a link writes nothing, or an empty file.
+void ActionCheck::checkLinks()
+{
+    const bool isWriter =
+        std::any_of(m_infos.begin(), m_infos.end(), [](const ParameterInfo &info) {
+            return info.file == ParameterInfo::File::Output;
+        });
+    const bool isLinked =
+        std::any_of(m_graph.links.begin(), m_graph.links.end(),
+                    [&](const CorvantaGraph::Link &link) { return link.to.action == m_action.id; });
+    if ((isWriter || m_item.pinOutCount() == 0) && !isLinked) {
+        add(m_action.parameters.line(), u"no link leads to this writer"_s, Kind::Hint);
+    }
+}
+
+/// Calls `visit(action, item, parameters)` for the actions whose parameters are declared.
+template <class F>
+void forEachAction(const CorvantaGraph &graph, const ActionRegistry &registry,
+                   GlobalParameters *global, F visit)
+{
+    for (const CorvantaGraph::Action &action : graph.actions) {
+        // Null for an unknown type; plug-ins of others may implement only the contract.
+        const std::unique_ptr<ActionItem> item = registry.create(action.parameters, global);
+        if (const auto *const parameters = dynamic_cast<const ActionParameters *>(item.get())) {
+            visit(action, *item, *parameters);
+        }
+    }
+}
+
+} // namespace
+
+CorvantaGraph::Problems CorvantaGraph::check(const ActionRegistry &registry,
+                                             const QMap<QString, QString> &given,
+                                             const QString &outDir) const
+{
+    GlobalParameters global;
+    applyTo(&global, given, outDir);
+    ProblemList problems(fileName);
+    forEachAction(*this, registry, &global,
+                  [&](const Action &action, ActionItem &item, const ActionParameters &parameters) {
+                      ActionCheck(*this, action, item, parameters, problems).run();
+                  });
+    return mistakes + problems.problems();
+}
+
+QStringList CorvantaGraph::outputs(const ActionRegistry &registry,
+                                   const QMap<QString, QString> &given, const QString &outDir) const
+{
+    GlobalParameters global;
+    applyTo(&global, given, outDir);
+    QStringList names;
+    forEachAction(*this, registry, &global,
+                  [&](const Action &, ActionItem &, const ActionParameters &parameters) {
+                      for (const TargetUse &target : parameters.targets()) {
+                          names << target.name;
+                      }
+                  });
+    names.removeDuplicates();
+    return names;
+}

@@ -1,0 +1,400 @@
+// Walks a saved form next to the declarations of its parameters.
+//
+// The rules follow the reader (param_line.cpp): what it takes from an element is known, everything
+// else in the element is a mistake.
+#include "corvanta/params/saved_form.h"
+
+#include "base/nearest_name.h"
+
+#include <QSet>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+using Type = ParameterInfo::Type;
+using Place = ParameterInfo::Place;
+
+namespace {
+
+constexpr auto kString = "s"_L1; // an element of a string list
+
+bool isChoice(const ParameterInfo &info, qint64 number)
+{
+    // A default that is no choice means "not chosen", and may be written out.
+    return (number >= 0 && number < info.choices.size()) ||
+           QString::number(number) == info.defaultValue;
+}
+
+bool isAllowedInteger(const ParameterInfo &info, const QString &text)
+{
+    bool isNumber = false;
+    const qint64 number = text.trimmed().toLongLong(&isNumber);
+    const bool fitsChoices =
+        info.choices.isEmpty() || info.takesOtherNumbers || isChoice(info, number);
+    return isNumber && number >= info.low && number <= info.high && fitsChoices;
+}
+
+QString rangeOf(const ParameterInfo &info)
+{
+    const bool hasLow = info.low > std::numeric_limits<int>::min();
+    const bool hasHigh = info.high < std::numeric_limits<int>::max();
+    if (hasLow && hasHigh) {
+        return u"a whole number from %1 to %2"_s.arg(QString::number(info.low),
+                                                     QString::number(info.high));
+    }
+    return hasLow ? u"a whole number from %1"_s.arg(info.low) : u"a whole number"_s;
+}
+
+QString listOf(const QStringList &choices)
+{
+    QStringList numbered;
+    for (qsizetype i = 0; i < choices.size(); ++i) {
+        numbered << u"%1 (%2)"_s.arg(QString::number(i), choices[i]);
+    }
+    return numbered.join(", "_L1);
+}
+
+/// What the action does with the wrong value `text`.
+QString effectOf(const ParameterInfo &info, const QString &text)
+{
+    const auto *const units = reinterpret_cast<const char16_t *>(text.utf16());
+    switch (info.type) {
+    case Type::Flag:
+        return u"uses %1"_s.arg(static_cast<int>(xmltob(units, 0)));
+    case Type::Real:
+        return u"uses %1"_s.arg(xmltof(units, 0));
+    case Type::Integer: {
+        const qint64 used = qBound(info.low, static_cast<qint64>(xmltol(units, 0)), info.high);
+        if (info.choices.isEmpty() || isChoice(info, used)) {
+            return u"uses %1"_s.arg(used);
+        }
+        break;
+    }
+    default:
+        break;
+    }
+    return info.otherwise.isEmpty() ? u"uses it as it is"_s : info.otherwise;
+}
+
+/// The walk; one object per saved form.
+class Walk
+{
+public:
+    explicit Walk(const GlobalParameters *global)
+        : m_global(global)
+    {
+    }
+
+    /// `infos` are all parameters that are read from `element`.
+    void visit(const XMLNode &element, const QVector<ParameterInfo> &infos);
+    QVector<SavedFormProblem> take() { return std::move(m_problems); }
+
+private:
+    /// What an element may hold: its own parameters, and those of an inline form.
+    struct Known
+    {
+        QVector<ParameterInfo> infos;
+        QVector<ParameterInfo> unused; ///< of the form that the element does not have
+        QString whyUnused;
+
+        KnownNames names() const;
+    };
+
+    static Known knownIn(const XMLNode &element, const QVector<ParameterInfo> &infos);
+    void visitAttributes(const XMLNode &element, const Known &known);
+    void visitChildren(const XMLNode &element, const Known &known);
+    void visitChild(const XMLNode &child, const ParameterInfo &info);
+    void visitWrapper(const XMLNode &wrapper, const ParameterInfo &info);
+    void visitText(const XMLNode &element, const QVector<ParameterInfo> &infos);
+    void visitStrings(const XMLNode &list, const ParameterInfo &info);
+    void visitString(const XMLNode &string, const ParameterInfo &info);
+    void expectNothingIn(const XMLNode &element);
+    void expectNoText(const XMLNode &element, const QString &remedy);
+    void checkValue(const XMLNode &element, const ParameterInfo &info, const QString &text);
+    void checkExpansion(const XMLNode &element, const ParameterInfo &info, const QString &text);
+    void add(const XMLNode &element, const QString &text)
+    {
+        m_problems.append({element.line(), text, SavedFormProblem::Kind::Mistake});
+    }
+    void addUnknown(const XMLNode &element, const QString &what, const QString &name,
+                    const QString &parent, const QStringList &known)
+    {
+        add(element,
+            u"unknown %1 '%2' of '%3'%4"_s.arg(what, name, parent, nearestNameHint(name, known)));
+    }
+
+    const GlobalParameters *m_global;
+    QVector<SavedFormProblem> m_problems;
+};
+
+const ParameterInfo *find(const QVector<ParameterInfo> &infos, Place place, const QString &name)
+{
+    const auto found =
+        std::find_if(infos.begin(), infos.end(), [&](const ParameterInfo &candidate) {
+            return candidate.place == place && candidate.name == name;
+        });
+    return found == infos.end() ? nullptr : &*found;
+}
+
+KnownNames Walk::Known::names() const
+{
+    // A misspelled name may be meant for either form.
+    KnownNames names = knownNames(infos + unused);
+    names.attributes << u"version"_s;
+    return names;
+}
+
+/// The parameters of the form that the element has: with or without the elements of a structure
+/// that may be inline.
+Walk::Known Walk::knownIn(const XMLNode &element, const QVector<ParameterInfo> &infos)
+{
+    Known known;
+    for (const ParameterInfo &info : infos) {
+        if (!info.hasInlineForm) {
+            known.infos << info;
+        } else if (element.getChildNode(0).getName() == info.itemElement) {
+            known.infos << info;
+            known.unused = info.members;
+            known.whyUnused = u"there are '%1' elements"_s.arg(info.itemElement);
+        } else {
+            known.infos << info.members;
+            known.unused << info;
+            known.whyUnused = u"the first element is not a '%1'"_s.arg(info.itemElement);
+        }
+    }
+    return known;
+}
+
+void Walk::visit(const XMLNode &element, const QVector<ParameterInfo> &infos)
+{
+    const Known known = knownIn(element, infos);
+    visitAttributes(element, known);
+    visitText(element, known.infos);
+    visitChildren(element, known);
+}
+
+void Walk::visitAttributes(const XMLNode &element, const Known &known)
+{
+    ParameterInfo version;
+    version.name = u"version"_s;
+    version.type = Type::Real;
+    for (const QString &name : element.attributeNames()) {
+        const QString text = QString::fromUtf16(element.getAttribute(name.toLatin1().constData()));
+        if (const auto *const info = find(known.infos, Place::Attribute, name)) {
+            checkValue(element, *info, text);
+        } else if (name == version.name) {
+            checkValue(element, version, text);
+        } else if (find(known.unused, Place::Attribute, name) != nullptr) {
+            add(element, u"the attribute '%1' of '%2' is not used, because %3"_s.arg(
+                             name, element.getName(), known.whyUnused));
+        } else {
+            addUnknown(element, u"attribute"_s, name, element.getName(), known.names().attributes);
+        }
+    }
+}
+
+void Walk::visitChildren(const XMLNode &element, const Known &known)
+{
+    QSet<QString> seen;
+    for (int i = 0; i < element.nChildNode(); ++i) {
+        const XMLNode child = element.getChildNode(i);
+        const QString name = child.getName();
+        const ParameterInfo *const info = find(known.infos, Place::Element, name);
+        if (info == nullptr) {
+            const bool isContent = name == kString && known.names().elements.contains(kString);
+            const bool isUnused = find(known.unused, Place::Element, name) != nullptr;
+            if (isUnused) {
+                add(child, u"the element '%1' of '%2' is not used, because %3"_s.arg(
+                               name, element.getName(), known.whyUnused));
+            } else if (!isContent) { // visitText() has visited the strings of the content
+                addUnknown(child, u"element"_s, name, element.getName(), known.names().elements);
+            }
+            continue;
+        }
+        // Only a structure without a wrapper has several elements of one name.
+        if (seen.contains(name) && info->itemElement != name) {
+            add(child,
+                u"the element '%1' of '%2' occurs more than once; only the first is used"_s.arg(
+                    name, element.getName()));
+        }
+        seen << name;
+        visitChild(child, *info);
+    }
+}
+
+void Walk::visitChild(const XMLNode &child, const ParameterInfo &info)
+{
+    if (info.type == Type::Structure) {
+        info.itemElement == info.name ? visit(child, info.members) : visitWrapper(child, info);
+    } else if (info.type == Type::Strings) {
+        for (const QString &name : child.attributeNames()) {
+            addUnknown(child, u"attribute"_s, name, child.getName(), {});
+        }
+        expectNoText(child, u"each text needs an element of its own, <s>TEXT</s>"_s);
+        visitStrings(child, info);
+    } else {
+        visitString(child, info);
+    }
+}
+
+void Walk::visitWrapper(const XMLNode &wrapper, const ParameterInfo &info)
+{
+    for (const QString &name : wrapper.attributeNames()) {
+        addUnknown(wrapper, u"attribute"_s, name, wrapper.getName(), {});
+    }
+    expectNoText(wrapper, u"it holds '%1' elements"_s.arg(info.itemElement));
+    for (int i = 0; i < wrapper.nChildNode(); ++i) {
+        const XMLNode child = wrapper.getChildNode(i);
+        if (child.getName() == info.itemElement) {
+            visit(child, info.members);
+        } else {
+            addUnknown(child, u"element"_s, child.getName(), wrapper.getName(), {info.itemElement});
+        }
+    }
+}
+
+/// The text directly in an element: the value of its content, or a mistake.
+void Walk::visitText(const XMLNode &element, const QVector<ParameterInfo> &infos)
+{
+    const auto content = std::find_if(infos.begin(), infos.end(), [](const ParameterInfo &info) {
+        return info.place == Place::Content;
+    });
+    if (content == infos.end()) {
+        expectNoText(element, QString());
+    } else if (content->type == Type::Strings) {
+        expectNoText(element, u"each text needs an element of its own, <s>TEXT</s>"_s);
+        visitStrings(element, *content);
+    } else {
+        checkValue(element, *content, element.text());
+    }
+}
+
+/// The strings in `list`; its other children are reported unless `list` holds more than the list.
+void Walk::visitStrings(const XMLNode &list, const ParameterInfo &info)
+{
+    for (int i = 0; i < list.nChildNode(); ++i) {
+        const XMLNode child = list.getChildNode(i);
+        if (child.getName() == kString) {
+            visitString(child, info);
+        } else if (info.place == Place::Element) {
+            addUnknown(child, u"element"_s, child.getName(), list.getName(), {kString});
+        }
+    }
+}
+
+/// An element that holds one text.
+void Walk::visitString(const XMLNode &string, const ParameterInfo &info)
+{
+    expectNothingIn(string);
+    checkExpansion(string, info, string.text());
+}
+
+void Walk::expectNothingIn(const XMLNode &element)
+{
+    for (const QString &name : element.attributeNames()) {
+        addUnknown(element, u"attribute"_s, name, element.getName(), {});
+    }
+    for (int i = 0; i < element.nChildNode(); ++i) {
+        const XMLNode child = element.getChildNode(i);
+        addUnknown(child, u"element"_s, child.getName(), element.getName(), {});
+    }
+}
+
+void Walk::expectNoText(const XMLNode &element, const QString &remedy)
+{
+    const QString text = element.text().simplified();
+    if (!text.isEmpty()) {
+        const QString reason = remedy.isEmpty() ? QString() : ": "_L1 + remedy;
+        add(element, u"the text '%1' in '%2' is not used%3"_s.arg(text.left(100), element.getName(),
+                                                                  reason));
+    }
+}
+
+void Walk::checkValue(const XMLNode &element, const ParameterInfo &info, const QString &text)
+{
+    const bool isExpanded = info.isExpanded && m_global != nullptr;
+    const QString value = isExpanded ? m_global->expandString(text) : text;
+    if (!isAllowedValue(info, value)) {
+        add(element, u"the value '%1' of '%2' is not allowed; allowed: %3; the action %4"_s.arg(
+                         value.left(100), info.name, allowedValues(info), effectOf(info, value)));
+    } else {
+        checkExpansion(element, info, text);
+    }
+}
+
+void Walk::checkExpansion(const XMLNode &element, const ParameterInfo &info, const QString &text)
+{
+    if (info.isExpanded || info.file != ParameterInfo::File::None || m_global == nullptr) {
+        return;
+    }
+    // An unknown name makes the graph invalid and is reported for every text alike. A variable
+    // that stands for itself is how a literal "${" is written.
+    if (m_global->expandString(text) != text) {
+        m_problems.append(
+            {element.line(),
+             u"the variable in '%1' of '%2' is not replaced: '%3' is used literally"_s.arg(
+                 info.name, element.getName(), text.left(100)),
+             SavedFormProblem::Kind::NotExpanded});
+    }
+}
+
+} // namespace
+
+bool isAllowedValue(const ParameterInfo &info, const QString &text)
+{
+    switch (info.type) {
+    case Type::Flag: {
+        const QString lower = text.trimmed().toLower();
+        return QStringList{u"0"_s, u"1"_s, u"false"_s, u"true"_s, u"no"_s, u"yes"_s}.contains(
+            lower);
+    }
+    case Type::Integer:
+        return isAllowedInteger(info, text);
+    case Type::Real: {
+        bool isNumber = false;
+        const double number = text.trimmed().toDouble(&isNumber);
+        return isNumber && std::isfinite(number);
+    }
+    case Type::Text:
+        return !info.isNumberText || isAllowedInteger(info, text);
+    case Type::Strings:
+    case Type::Structure:
+        break;
+    }
+    return true;
+}
+
+QString allowedValues(const ParameterInfo &info)
+{
+    switch (info.type) {
+    case Type::Flag:
+        return u"0, 1"_s;
+    case Type::Real:
+        return u"a decimal number"_s;
+    case Type::Integer:
+        return info.choices.isEmpty() ? rangeOf(info) : listOf(info.choices);
+    case Type::Text:
+        return info.isNumberText ? rangeOf(info) : u"any text"_s;
+    case Type::Strings:
+        return u"texts"_s;
+    case Type::Structure:
+        break;
+    }
+    return u"XML elements '%1'"_s.arg(info.itemElement);
+}
+
+QVector<SavedFormProblem> savedFormProblems(const XMLNode &element,
+                                            const QVector<ParameterInfo> &infos,
+                                            const GlobalParameters *global)
+{
+    Walk walk(global);
+    walk.visit(element, infos);
+    return walk.take();
+}
+
+} // namespace corvanta
