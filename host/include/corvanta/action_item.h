@@ -25,10 +25,6 @@ class Ports;
 class Run;
 } // namespace corvanta
 
-class ActionItem;
-CORVANTA_EXPORT char doCheckNameCollision(const OneRow *row, bool check, ActionItem *action,
-                                          const QVector<int> &columns, const QString &what);
-
 /// State that a run shares with its actions. Threads: any.
 struct RunControl
 {
@@ -165,8 +161,6 @@ protected:
 
 private:
     friend class corvanta::Run;
-    friend char doCheckNameCollision(const OneRow *, bool, ActionItem *, const QVector<int> &,
-                                     const QString &);
     corvanta::Ports *m_ports = nullptr; // the pins; null outside a run
     int m_idx = 0;
     double m_savedVersion;
