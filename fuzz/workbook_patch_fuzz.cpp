@@ -87,9 +87,9 @@ Split split(QByteArrayView text, quint64 startRow, qsizetype pieceBytes)
     if (out.isGood) {
         out.text += splitter.takeHead();
         const auto tail = withHyperlinks(splitter.tail(), splitter.rootTag(), splitter.family(),
-                                         {{1, 1, 0}}, *highestUsedId(splitter.tail()));
+                                         {{1, 1, 0}}, splitter.tailFacts().highestUsedId);
         require(bool(tail));
-        out.text += "<row r=\"" + QByteArray::number(splitter.firstRow1()) + "\"/>" + *tail;
+        out.text += "<row r=\"" + QByteArray::number(splitter.firstRow1()) + "\"/>" + tail->text;
     }
     return out;
 }

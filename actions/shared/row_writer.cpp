@@ -14,6 +14,7 @@ void RowWriter::start()
 {
     m_fileName = expandOutputFile(fileParameter(), QString());
     m_testColumn = kNoColumn;
+    m_rowNumber = 0;
     m_isBeforeFirstRow = true;
     m_folderRemedy.clear();
     m_isComplete = false;
@@ -33,6 +34,7 @@ inline bool RowWriter::takeRow(const OneRow &row)
         getOutputRowForOutputPin(0)->copyFrom(&row);
         setRowReadyForOutput(0);
     }
+    ++m_rowNumber;
     if (m_isBeforeFirstRow) {
         // Columns are found even if this row is not selected, so that mistakes are always reported.
         m_isBeforeFirstRow = false;

@@ -66,6 +66,9 @@ protected:
 
     /// The expanded file name; the one in messages.
     const QString &fileName() const { return m_fileName; }
+    /// The number of the input row that begin() or writeRow() got, from 1; rows that are not
+    /// selected count too.
+    qint64 rowNumber() const { return m_rowNumber; }
     /// Whether begin() or beginWithoutRows() has not been called in this run.
     bool isBeforeFirstRow() const { return m_isBeforeFirstRow; }
     /// Fail the run with the message for `problem`, and the reason if there is one; false.
@@ -101,6 +104,7 @@ private:
     static constexpr int kNoColumn = -1; // as OneRow::getIndexOfColumn()
     QString m_fileName;
     int m_testColumn = kNoColumn; // kNoColumn: every row is selected
+    qint64 m_rowNumber = 0;
     bool m_isBeforeFirstRow = true;
     QString m_folderRemedy;    // for reasonOf()
     bool m_isComplete = false; // all rows are taken

@@ -6,18 +6,8 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
-namespace {
-
-/// After so many warnings of one run, a closing line is logged once.
-constexpr int kLongCellWarnings = 50;
-
-} // namespace
-
 ActionWriteExcel::ActionWriteExcel(const XMLNode &saved, GlobalParameters *parameters)
     : ParamAction(kWriteExcelEntry, saved, parameters)
-    , m_longCells(
-          MainUI::Warning, kLongCellWarnings,
-          u"One Cell is larger than 32768 chars: Excel will complain. Some more warnings won't be reported."_s)
 {
 }
 
@@ -49,23 +39,22 @@ void ActionWriteExcel::start()
 {
     RowWriter::start();
     m_run = std::make_unique<RunState>();
-    // The warnings are counted per run.
-    m_longCells.reset();
     if (!setFloatFormat() || !setCompression()) {
         return;
     }
     // Names of months and days are those of the format's owner.
     const QLocale locale =
         m_params.dateFormatType == DateInput::Own ? QLocale::c() : QLocale::system();
-    m_run->dates = std::make_unique<sheet::DateParser>(qtDateFormat(), locale, m_params.excelHack);
+    m_run->dates = std::make_unique<sheet::DateParser>(
+        readsIsoDates() ? sheet::DateParser::iso(m_params.excelHack)
+                        : sheet::DateParser(qtDateFormat(), locale, m_params.excelHack));
 }
 
 bool ActionWriteExcel::setFloatFormat()
 {
-    // A format with markup characters would end the cell's element.
+    // Spreadsheet programs report a cell of numbers with any other text as damage.
     const QString &format = m_params.floatToString;
-    const bool hasMarkup = format.contains(u'<') || format.contains(u'&');
-    return (!hasMarkup && m_floatFormat.set(format)) ||
+    return (m_floatFormat.set(format) && sheet::printsNumbers(m_floatFormat)) ||
            failWith(WriteProblem::BadFloatFormat, format);
 }
 
@@ -109,6 +98,11 @@ QString ActionWriteExcel::qtDateFormat() const
     default:
         return {};
     }
+}
+
+QString ActionWriteExcel::dateFormatName() const
+{
+    return readsIsoDates() ? u"ISO 8601"_s : qtDateFormat();
 }
 
 bool ActionWriteExcel::decideKind(const OneRow &row, sheet::Column *column)
@@ -158,16 +152,14 @@ bool ActionWriteExcel::openSheet(std::vector<sheet::Column> columns)
     // An updated workbook has its own numbers of the cell formats.
     sheet::SheetOptions options = sheetOptions();
     m_run->workbook->setCellFormats(&options);
+    m_run->losses.resize(columns.size());
     m_run->sheet = std::make_unique<sheet::SheetWriter>(
-        package, options, std::move(columns), m_run->dates.get(), [this] { warnLongCell(); });
+        package, options, std::move(columns), m_run->dates.get(),
+        [this](sheet::CellProblem problem, int column, std::u16string_view text) {
+            takeCellProblem(problem, column, text);
+        });
     const auto opened = m_run->workbook->openSheet(*m_run->sheet);
     return opened || failWorkbook(opened.fault());
-}
-
-void ActionWriteExcel::warnLongCell()
-{
-    m_longCells.add(u"One Cell is larger than 32768 chars: Excel will complain"_s);
-    m_warningFlag = 1;
 }
 
 bool ActionWriteExcel::begin(const OneRow &row)
@@ -178,6 +170,7 @@ bool ActionWriteExcel::begin(const OneRow &row)
     if (!findTestColumn(row) || !findColumns(row, &inputs) || !checkNames(row, inputs)) {
         return false;
     }
+    reportMissingNames(row);
     std::vector<sheet::Column> columns;
     for (const int input : inputs) {
         columns.push_back({input, sheet::Column::Kind::Text, row.colName(input)});
@@ -232,19 +225,26 @@ bool ActionWriteExcel::checkSheet(const Result<void, sheet::Error> &result)
     return failWith(WriteProblem::CannotWrite, {}, reasonOf(m_run->output.target()));
 }
 
-xlsx::WorkbookEnd ActionWriteExcel::workbookEnd() const
+xlsx::WorkbookEnd ActionWriteExcel::workbookEnd()
 {
     xlsx::WorkbookEnd end;
     // The program of runExcel calculates only what is marked for it.
     end.recalculate = m_params.forceRecompute || m_params.runExcel;
-    if (!m_params.namedRange.isEmpty()) {
-        // From the first row written to the last, over all columns; a table without rows has only
-        // its header.
-        const sheet::SheetWriter &sheet = *m_run->sheet;
-        const bool skipHeader =
-            m_params.firstLineContainsColumnNames && !m_params.nrIncludeTitleRow;
-        end.range = xlsx::NamedRange{m_params.namedRange, m_run->firstRow + (skipHeader ? 1 : 0),
-                                     sheet.row() - 1, sheet.columnCount() - 1};
+    if (m_params.namedRange.isEmpty()) {
+        return end;
+    }
+    // From the first row written to the last, over all columns; a table without rows has only its
+    // header.
+    const sheet::SheetWriter &sheet = *m_run->sheet;
+    const bool skipHeader = m_params.firstLineContainsColumnNames && !m_params.nrIncludeTitleRow;
+    const xlsx::NamedRange range{m_params.namedRange, m_run->firstRow + (skipHeader ? 1 : 0),
+                                 sheet.row() - 1, sheet.columnCount() - 1};
+    if (range.firstRow <= range.lastRow) {
+        end.range = range;
+    } else {
+        warn(
+            u"Warning: the name '%1' is not added to the Excel file '%2': no row was written that it could name\n"_s
+                .arg(m_params.namedRange, fileName()));
     }
     return end;
 }
@@ -256,6 +256,8 @@ bool ActionWriteExcel::completeWorkbook()
     if (!ended) {
         return failWith(WriteProblem::CannotWrite, {}, reasonFor(ended.fault()));
     }
+    reportCells();
+    reportSheet();
     const auto finished = m_run->workbook->finish(*m_run->sheet, workbookEnd());
     return finished || fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(fileName()),
                             reasonFor(finished.fault()));
@@ -264,6 +266,9 @@ bool ActionWriteExcel::completeWorkbook()
 void ActionWriteExcel::complete()
 {
     // Without a sheet there was no row; release() decides what that means for an update.
+    if (!m_run->sheet && !updatesInPlace()) {
+        reportNoFile();
+    }
     if (!m_run->sheet || !completeWorkbook()) {
         return;
     }

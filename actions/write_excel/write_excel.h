@@ -4,7 +4,7 @@
 //
 //     start              -> check floatToString and the compression
 //     first row          -> find columns, open the workbook, write all that precedes the rows
-//     rows               -> format them into the sheet; worker threads compress it
+//     rows               -> format them into the sheet; worker threads compress it; count losses
 //     end                -> end the sheet, write the other parts, replace the destination
 //     runExcel           -> have a spreadsheet program calculate the destination
 //
@@ -13,12 +13,15 @@
 #pragma once
 #include "actions/shared/row_writer.h"
 #include "actions/write_excel/write_excel_params.h"
+#include "base/occurrences.h"
 #include "codecs/sheet/sheet_writer.h"
 #include "codecs/xlsx/updated_workbook.h"
 #include "io/package_file/package_file.h"
 
 #include <memory>
 #include <optional>
+#include <string_view>
+#include <vector>
 
 namespace corvanta {
 
@@ -38,8 +41,16 @@ public:
     {
         adjustWriteExcelDefaults(params, savedVersion);
     }
+    QVector<ParameterProblem> problems() const override;
 
 private:
+    /// Cells of one column that are left out or cut.
+    struct ColumnLosses
+    {
+        Occurrences notDates;
+        Occurrences earlyDates;
+        Occurrences cutTexts;
+    };
     /// State of one run; recreated by start().
     struct RunState
     {
@@ -49,6 +60,10 @@ private:
         bool hasBegun = false;
         // The warning about the number of rows is logged.
         bool isTooLongKnown = false;
+        // Texts of this run that are too long for a cell.
+        int longCells = 0;
+        // By column of the sheet.
+        std::vector<ColumnLosses> losses;
         // First sheet row written, from 1: the header, or the first row without one.
         qint64 firstRow = 1;
         deflate::StreamOptions compression;
@@ -79,6 +94,9 @@ private:
     bool setCompression();
     /// The format of date texts for the parameter dateFormatType.
     QString qtDateFormat() const;
+    /// The same for messages; empty if no text is a date.
+    QString dateFormatName() const;
+    bool readsIsoDates() const { return m_params.isoDates && qtDateFormat().isEmpty(); }
     /// Determine how a column is written from the parameters and the type of its input.
     bool decideKind(const OneRow &row, sheet::Column *column);
     /// Write everything of the workbook that precedes the rows.
@@ -89,9 +107,29 @@ private:
     /// Write everything after the rows.
     bool completeWorkbook();
     /// The defined name and the recalculation that the parameters request.
-    xlsx::WorkbookEnd workbookEnd() const;
+    xlsx::WorkbookEnd workbookEnd();
+
+    // Warnings, in write_excel_report.cpp.
+    /// Called for each cell that cannot be written as it is.
+    void takeCellProblem(sheet::CellProblem problem, int column, std::u16string_view text);
     /// Called for each text beyond the limit of a cell. Logs a limited number of warnings.
     void warnLongCell();
+    /// Names of the lists ToDate and ToFormula that the input does not have.
+    void reportMissingNames(const OneRow &columns);
+    void reportMissingNames(const OneRow &columns, const QString &list, const QStringList &names);
+    /// Names that spreadsheet programs reject; `others` are those that the workbook has.
+    void reportSheetName(const QString &name, const QStringList &others);
+    void reportRangeName(const QStringList &others);
+    /// What takeCellProblem() has counted.
+    void reportCells();
+    void reportCells(const Occurrences &cells, const QString &noun, const QString &column,
+                     const QString &problem);
+    /// What does not fit the sheet: hyperlinks, tables, merged ranges. After its last row.
+    void reportSheet();
+    /// A run without rows that wrote no file.
+    void reportNoFile();
+    /// The rows of the sheet that this run wrote.
+    xlsx::WrittenCells writtenCells() const;
 
     // The workbook and the sheet to write to, in write_excel_target.cpp.
     /// Set m_run->workbook and open the output file.
@@ -106,6 +144,8 @@ private:
     // A number outside the workbook is an error; a missing name may add a sheet.
     bool chooseByNumber(xlsx::UpdatedWorkbook &workbook);
     bool chooseByName(xlsx::UpdatedWorkbook &workbook);
+    /// Whether the parameters ask for a new sheet; a missing one may be added as well.
+    bool addsSheet() const;
     /// Write to the sheet with this index, from 0.
     bool changeSheet(xlsx::UpdatedWorkbook &workbook, qsizetype index);
     /// Add a sheet; its name gets a number if it is taken.
@@ -146,7 +186,6 @@ private:
     void recalculate();
 
     FloatFormat m_floatFormat;
-    CappedLog m_longCells;
     std::unique_ptr<RunState> m_run;
 };
 

@@ -6,9 +6,10 @@ namespace corvanta {
 namespace {
 
 // An empty floatToString gives the fewest digits that read back as the same number; alwaysWrite
-// gives a table without rows a workbook with its header row.
+// gives a table without rows a workbook with its header row; isoDates reads the dates of ToDate
+// without a format.
 constexpr FileFormat kFormats[] = {
-    {FileFormat::Write, FileFormat::Workbook, "xlsx", "floatToString= alwaysWrite=1"},
+    {FileFormat::Write, FileFormat::Workbook, "xlsx", "floatToString= alwaysWrite=1 isoDates=1"},
 };
 
 } // namespace

@@ -129,6 +129,10 @@ ParamGroup<P> dateInput()
             .expanded()
             .label("Own date format")
             .meaning("Format of the dates, for example yyyy-MM-dd or dd/MM/yyyy hh:mm:ss."),
+        flag("isoDates", &P::isoDates)
+            .label("Without a format, read ISO 8601 dates")
+            .meaning("With an empty dateFormat, reads dates such as 2024-02-29 and "
+                     "2024-02-29T12:30:00. Off: no text is a date then."),
     };
 }
 

@@ -84,8 +84,11 @@ struct WriteExcelParams : RowWriterParams
     DateInput dateFormatType = DateInput::Own;
     /// Used with DateInput::Own; expanded.
     QString dateFormat;
+    /// With an empty format, dates in the form of ISO 8601 are read.
+    bool isoDates = false;
     DateDisplay dateFormatExcel = DateDisplay::Date;
-    // Names of columns; names that the input lacks are ignored. A column in both lists is a date.
+    // Names of columns; names that the input lacks give a warning. A column in both lists is a
+    // date.
     QStringList toDate;
     QStringList toFormula; ///< must be text columns
 };

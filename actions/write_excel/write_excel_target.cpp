@@ -2,6 +2,7 @@
 // replaces the destination.
 #include "actions/write_excel/spreadsheet_program.h"
 #include "actions/write_excel/write_excel.h"
+#include "codecs/opc/compound_file.h"
 #include "codecs/xlsx/new_workbook.h"
 #include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
@@ -52,6 +53,28 @@ QString memberReason(const Fault<opc::Error> &fault, const QString &systemReason
     }
 }
 
+/// Why a file that is no package is none; empty if it is not a compound file either.
+QString compoundFileReason(GlobalParameters *parameters, const QString &name)
+{
+    const std::unique_ptr<MyReadFile> file(MyReadFile::newMyReadFile(parameters, name, true, true));
+    switch (file ? opc::compoundFileKind(*file) : opc::CompoundFile::No) {
+    case opc::CompoundFile::Encrypted:
+        return u"the workbook is encrypted with a password; save it without one first"_s;
+    case opc::CompoundFile::Other:
+        return u"the file is not an .xlsx workbook, but an old one (.xls) or an encrypted one"_s;
+    case opc::CompoundFile::No:
+        break;
+    }
+    return {};
+}
+
+/// Words for a sheet that has no cells. `kind` as in UpdatedWorkbook::sheetKind().
+QString kindReason(const QString &sheet, const QString &kind)
+{
+    return u"the sheet '%1' is a %2 sheet, which has no cells to write"_s.arg(
+        sheet, kind.chopped(kind.endsWith(u"sheet") ? 5 : 0));
+}
+
 } // namespace
 
 bool ActionWriteExcel::openWorkbook()
@@ -96,6 +119,8 @@ bool ActionWriteExcel::openNewWorkbook()
             u"Warning: the sheet name '%1' of the Excel file '%2' contains '<': the workbook may not open.\n"_s
                 .arg(name, fileName()));
     }
+    reportSheetName(name, {});
+    reportRangeName({});
     m_run->workbook = std::make_unique<xlsx::NewWorkbook>(name, dateFormat());
     return true;
 }
@@ -116,8 +141,9 @@ bool ActionWriteExcel::openUpdate()
 {
     auto input = PackageInput::open(globalParameters(), m_run->source);
     if (!input) {
+        const QString reason = compoundFileReason(globalParameters(), m_run->source);
         return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source),
-                    input.fault().detail);
+                    reason.isEmpty() ? input.fault().detail : reason);
     }
     // The input stays open during the run: unchanged members are copied from it.
     m_run->input = std::move(*input);
@@ -129,6 +155,7 @@ bool ActionWriteExcel::openUpdate()
     if (!chooseSheet(**workbook)) {
         return false;
     }
+    reportRangeName((*workbook)->workbook().definedNames);
     // The output is opened last: a failure before it leaves no temporary file.
     addCellFormats(**workbook);
     m_run->workbook = std::move(*workbook);
@@ -175,30 +202,41 @@ QString ActionWriteExcel::reasonFor(const Fault<opc::Error> &fault) const
     return memberReason(fault, failureReason(m_run->source, FileUse::Read, error));
 }
 
-bool ActionWriteExcel::chooseSheet(xlsx::UpdatedWorkbook &workbook)
+bool ActionWriteExcel::addsSheet() const
 {
     // The other modes, and any other way to find a sheet, add one.
     const bool changes = m_params.mode == WorkbookMode::ChangeSheet ||
                          m_params.mode == WorkbookMode::CopyAndChangeSheet;
-    if (changes && m_params.sheetMode == SheetSelection::ByNumber) {
-        return chooseByNumber(workbook);
+    return !changes || (m_params.sheetMode != SheetSelection::ByNumber &&
+                        m_params.sheetMode != SheetSelection::ByName);
+}
+
+bool ActionWriteExcel::chooseSheet(xlsx::UpdatedWorkbook &workbook)
+{
+    if (addsSheet()) {
+        addSheet(workbook);
+        return true;
     }
-    if (changes && m_params.sheetMode == SheetSelection::ByName) {
-        return chooseByName(workbook);
-    }
-    addSheet(workbook);
-    return true;
+    return m_params.sheetMode == SheetSelection::ByNumber ? chooseByNumber(workbook)
+                                                          : chooseByName(workbook);
 }
 
 void ActionWriteExcel::addSheet(xlsx::UpdatedWorkbook &workbook)
 {
     // Names that differ in case only count as different.
     const QStringList taken = workbook.workbook().sheetNames();
-    workbook.addSheet(xlsx::freeSheetName(makeSheetName(), taken));
+    const QString name = xlsx::freeSheetName(makeSheetName(), taken);
+    reportSheetName(name, taken);
+    workbook.addSheet(name);
 }
 
 bool ActionWriteExcel::changeSheet(xlsx::UpdatedWorkbook &workbook, qsizetype index)
 {
+    const QString kind = workbook.sheetKind(static_cast<size_t>(index));
+    if (!kind.isEmpty() && kind != u"worksheet") {
+        return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source),
+                    kindReason(workbook.workbook().sheetNames().at(index), kind));
+    }
     const quint64 startRow1 = startRowOf(expandString(m_params.startRow));
     const auto chosen = workbook.changeSheet(static_cast<size_t>(index), startRow1);
     return chosen || failWorkbook(chosen.fault());

@@ -144,10 +144,10 @@ qsizetype escapeLongText(const char16_t *text, qsizetype n, AtLimit atLimit, qsi
         char *const end = escapeOne(text + i, n - i, piece.data(), &taken);
         const int pieceChars = charsOf(piece.data(), end, taken);
         if (chars + pieceChars >= kCellCharLimit) {
+            tooLong();
             if (atLimit == AtLimit::Crop) {
                 return chars;
             }
-            tooLong();
         }
         out->insert(out->end(), piece.data(), end);
         chars += pieceChars;
@@ -162,6 +162,21 @@ QByteArray columnLetters(int column0)
         letters.prepend(static_cast<char>('A' + (rest - 1) % 26));
     }
     return letters;
+}
+
+bool printsNumbers(const FloatFormat &format)
+{
+    // Exact in every precision, so that a difference comes from other characters.
+    constexpr std::array<double, 4> kSamples{0, 1, -1, 1e300};
+    return std::all_of(kSamples.begin(), kSamples.end(), [&](double sample) {
+        QByteArray text;
+        format.append(sample, &text);
+        const QByteArray number = text.trimmed();
+        double read = -2;
+        return parseDouble(std::string_view(number.data(), static_cast<size_t>(number.size())),
+                           &read) &&
+               read == sample;
+    });
 }
 
 std::optional<LinkText> parseLink(std::u16string_view text)

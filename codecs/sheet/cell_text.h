@@ -3,6 +3,8 @@
 // Format: ECMA-376 part 1, 18.3.1.4 (c), 18.18.37 (ST_CellRef), 22.9.2.19 (ST_Xstring, the _xHHHH_
 // form). Lengths of texts are in UTF-16 units.
 #pragma once
+#include "base/number.h"
+
 #include <QByteArray>
 #include <QtGlobal>
 
@@ -37,15 +39,19 @@ enum class AtLimit {
 };
 
 /// escapeText() for any length. At the piece with which the text reaches kCellCharLimit characters,
-/// Crop ends the text; Warn calls `tooLong` for this piece and each later one. Stops when the text
-/// grows beyond `maxChars` characters. Returns the characters (UTF-16 units of the escaped text);
-/// more than `maxChars` if it stopped there.
+/// Crop calls `tooLong` and ends the text; Warn calls `tooLong` for this piece and each later one.
+/// Stops when the text grows beyond `maxChars` characters. Returns the characters (UTF-16 units of
+/// the escaped text); more than `maxChars` if it stopped there.
 qsizetype escapeLongText(const char16_t *text, qsizetype n, AtLimit atLimit, qsizetype maxChars,
                          const std::function<void()> &tooLong, std::vector<char> *out);
 
 /// Column letters of a 0-based position: 0 -> A, 25 -> Z, 26 -> AA. There is no upper limit;
 /// spreadsheet programs read columns up to XFD (16383).
 QByteArray columnLetters(int column0);
+
+/// Whether a format gives numbers that the value of a cell can be (XML Schema part 2, 3.2.5): the
+/// printed text reads back as the number, apart from spaces around it.
+bool printsNumbers(const FloatFormat &format);
 
 /// A text of the form URL("label","url") or URL("url"), as views into that text.
 struct LinkText

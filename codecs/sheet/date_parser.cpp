@@ -5,6 +5,8 @@
 //   1970-01-01    25569      2,209,161,600,000 ms
 #include "codecs/sheet/date_parser.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <array>
 
@@ -36,7 +38,35 @@ int digitsAt(const char16_t *at, int digits)
     return value;
 }
 
+qint64 toMs(QDate date, QTime time)
+{
+    return QDateTime(date, time, Qt::UTC).toMSecsSinceEpoch();
+}
+
+/// Milliseconds since 1970-01-01 of a date, or a date and time, in the form of ISO 8601.
+std::optional<qint64> isoMs(QStringView text)
+{
+    constexpr qsizetype kDateUnits = 10;
+    const QDate date = QDate::fromString(text.left(kDateUnits), Qt::ISODate);
+    if (!date.isValid() || text.size() <= kDateUnits) {
+        return date.isValid() ? std::optional(toMs(date, QTime(0, 0))) : std::nullopt;
+    }
+    static const QRegularExpression kTime(
+        QStringLiteral("^[Tt ](\\d\\d:\\d\\d(?::\\d\\d(?:[.,]\\d+)?)?)"
+                       "(?:[Zz]|[+-]\\d\\d(?::?\\d\\d)?)?$"));
+    const auto match = kTime.match(text.sliced(kDateUnits).toString());
+    const QTime time = QTime::fromString(match.captured(1), Qt::ISODateWithMs);
+    return time.isValid() ? std::optional(toMs(date, time)) : std::nullopt;
+}
+
 } // namespace
+
+DateParser DateParser::iso(bool monthFix)
+{
+    DateParser parser(QStringLiteral("yyyy-MM-dd"), QLocale::c(), monthFix);
+    parser.m_isIso = true;
+    return parser;
+}
 
 DateParser::DateParser(const QString &format, const QLocale &locale, bool monthFix)
     : m_format(format)
@@ -134,17 +164,19 @@ std::optional<qint64> DateParser::slowMs(std::u16string_view text)
     if (found != m_known.constEnd()) {
         return *found;
     }
-    const QDateTime parsed = m_locale.toDateTime(m_zoneText + key, m_format);
-    std::optional<qint64> ms;
-    if (parsed.isValid()) {
-        ms = QDateTime(parsed.date(), parsed.time(), Qt::UTC).toMSecsSinceEpoch();
-    }
+    const std::optional<qint64> ms = m_isIso ? isoMs(key) : parsedMs(key);
     // Clearing is enough to bound the memory: a table with so many dates repeats few of them.
     if (m_known.size() >= kMaxKnown) {
         m_known.clear();
     }
     m_known.insert(key, ms);
     return ms;
+}
+
+std::optional<qint64> DateParser::parsedMs(const QString &text) const
+{
+    const QDateTime parsed = m_locale.toDateTime(m_zoneText + text, m_format);
+    return parsed.isValid() ? std::optional(toMs(parsed.date(), parsed.time())) : std::nullopt;
 }
 
 std::optional<double> DateParser::serial(std::u16string_view text)
@@ -166,7 +198,7 @@ std::optional<double> DateParser::serial(std::u16string_view text)
     if (m_monthFix && serial < 61) {
         serial -= 1;
     }
-    return serial < 1 ? std::nullopt : std::optional(serial);
+    return serial;
 }
 
 } // namespace corvanta::sheet

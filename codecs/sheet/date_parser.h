@@ -12,6 +12,9 @@
 
 namespace corvanta::sheet {
 
+/// The serial of the first day that worksheets can show as a date.
+inline constexpr double kFirstSerial = 1;
+
 /// Formats of fixed-width numbers are parsed here; all others by Qt, whose results are cached,
 /// because tables repeat their dates. A text that does not have the fixed width, or is not a date,
 /// is given to Qt as well, which accepts more. Dates without a time zone count as UTC, so that no
@@ -23,9 +26,13 @@ public:
     /// months and days. `monthFix`: serials below 61 are decreased by one, as the spreadsheet
     /// application has a 29 February 1900.
     DateParser(const QString &format, const QLocale &locale, bool monthFix);
+    /// For dates in the form of ISO 8601: yyyy-MM-dd, after a "T" or a space also a time hh:mm with
+    /// optional seconds, fraction and zone. The zone is ignored: the serial is that of the date and
+    /// time in the text.
+    static DateParser iso(bool monthFix);
 
-    /// Days since 1899-12-30, with fraction; std::nullopt when the text does not have the format or
-    /// is before the first serial (1).
+    /// Days since 1899-12-30, with fraction; std::nullopt when the text does not have the format.
+    /// Below kFirstSerial for dates that worksheets cannot hold.
     std::optional<double> serial(std::u16string_view text);
 
 private:
@@ -43,14 +50,16 @@ private:
     // Milliseconds since 1970-01-01; std::nullopt when the text does not have the format.
     std::optional<qint64> fixedWidthMs(std::u16string_view text) const;
     std::optional<qint64> slowMs(std::u16string_view text);
+    std::optional<qint64> parsedMs(const QString &text) const;
 
     QString m_format;
     QString m_zoneText; // prefix of each text that Qt parses
     QLocale m_locale;
     bool m_monthFix;
+    bool m_isIso = false;                          // m_format is the form without a time
     std::vector<Token> m_tokens;                   // empty: Qt parses
     size_t m_width = 0;                            // units of a text that m_tokens match
-    QHash<QString, std::optional<qint64>> m_known; // cached results of Qt
+    QHash<QString, std::optional<qint64>> m_known; // cached results of parsedMs()
 };
 
 } // namespace corvanta::sheet

@@ -34,5 +34,25 @@ TEST(DateParser, IgnoresTheHoursThatDaylightSavingSkips)
     }
 }
 
+TEST(DateParser, ReadsDatesInTheFormOfIso8601)
+{
+    DateParser parser = DateParser::iso(true);
+    const auto serial = [&](const char16_t *text) { return parser.serial(text); };
+    EXPECT_EQ(serial(u"2024-02-29"), 45351);
+    for (const char16_t *text :
+         {u"2024-02-29T06:00", u"2024-02-29 06:00:00", u"2024-02-29t06:00:00.000Z",
+          u"2024-02-29T06:00:00,0+02:00", u"2024-02-29T06:00-0500", u"2024-02-29 06:00+01"}) {
+        EXPECT_EQ(serial(text), 45351.25) << QString::fromUtf16(text).toStdString();
+    }
+    EXPECT_EQ(serial(u"2024-02-29T06:00:00.5"), 45351.25 + 0.5 / 86400);
+    for (const char16_t *text : {u"2023-02-29", u"20240229", u"2024-2-9", u"29.02.2024", u"2024",
+                                 u"2024-02-29T", u"2024-02-29X06:00", u"2024-02-29T25:00",
+                                 u"2024-02-29T06", u"2024-02-29T06:00 o'clock"}) {
+        EXPECT_FALSE(serial(text)) << QString::fromUtf16(text).toStdString();
+    }
+    // Dates that a worksheet cannot hold are dates all the same.
+    EXPECT_LT(serial(u"1850-01-01").value(), kFirstSerial);
+}
+
 } // namespace
 } // namespace corvanta::sheet

@@ -42,13 +42,12 @@ Markup withStyle(quint64 style, const Markup &opening)
 } // namespace
 
 SheetWriter::SheetWriter(zip::PackageWriter &package, SheetOptions options,
-                         std::vector<Column> columns, DateParser *dates,
-                         std::function<void()> reportLongText)
+                         std::vector<Column> columns, DateParser *dates, CellReport report)
     : m_package(package)
     , m_options(std::move(options))
     , m_columns(std::move(columns))
     , m_dates(dates)
-    , m_reportLongText(std::move(reportLongText))
+    , m_report(std::move(report))
     , m_rowStart("\" spans=\"1:" + QByteArray::number(static_cast<int>(m_columns.size())) + "\">")
     , m_dateOpening(withStyle(m_options.dateStyle, kValueOpening))
     , m_linkOpening(withStyle(m_options.linkStyle, kTextOpening))
@@ -244,7 +243,8 @@ bool SheetWriter::putDate(int column, std::u16string_view text)
         return true;
     }
     const auto serial = m_dates->serial(text);
-    if (!serial || *serial < m_options.firstDay) {
+    if (!serial || *serial < std::max<double>(kFirstSerial, m_options.firstDay)) {
+        m_report(serial ? CellProblem::EarlyDate : CellProblem::NotADate, column, text);
         return true;
     }
     if (!room(kCellBytes)) {
@@ -319,8 +319,10 @@ bool SheetWriter::putLongEscaped(int column, const Markup &opening, std::u16stri
 {
     // The text is escaped into a buffer first: its length decides whether it is written at all.
     const auto atLimit = m_options.crop ? AtLimit::Crop : AtLimit::Warn;
-    const qsizetype chars = escapeLongText(text.data(), static_cast<qsizetype>(text.size()),
-                                           atLimit, kMaxCellChars, m_reportLongText, &m_longText);
+    const auto problem = m_options.crop ? CellProblem::CutText : CellProblem::LongText;
+    const qsizetype chars = escapeLongText(
+        text.data(), static_cast<qsizetype>(text.size()), atLimit, kMaxCellChars,
+        [&] { m_report(problem, column, text); }, &m_longText);
     if (chars > kMaxCellChars) {
         m_error = Error::TextTooLong;
         return false;

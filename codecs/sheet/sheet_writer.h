@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <string_view>
 #include <vector>
 
 namespace corvanta::sheet {
@@ -40,6 +41,16 @@ struct SheetOptions
     quint64 linkStyle = 2;       ///< cell format of hyperlinks
     int firstDay = 0;            ///< serial that the workbook counts as day 0
 };
+
+/// What becomes of the text of a cell that cannot be written as it is.
+enum class CellProblem : quint8 {
+    LongText,  ///< written whole, though longer than kCellCharLimit; reported for each piece
+    CutText,   ///< cut to kCellCharLimit
+    NotADate,  ///< does not have the date format; the cell is left out
+    EarlyDate, ///< before the first day of the workbook; the cell is left out
+};
+/// `column` is the position in the sheet, from 0; `text` is valid during the call.
+using CellReport = std::function<void(CellProblem problem, int column, std::u16string_view text)>;
 
 /// A column to write. The columns of the sheet are in the order of the list, from A.
 struct Column
@@ -83,9 +94,9 @@ class SheetWriter
 {
 public:
     /// The sheet's member must be open in `package`. `package` and `dates` must outlive the writer.
-    /// `reportLongText` is called for pieces of text beyond kCellCharLimit.
+    /// `report` is called during putHeader() and putRow().
     SheetWriter(zip::PackageWriter &package, SheetOptions options, std::vector<Column> columns,
-                DateParser *dates, std::function<void()> reportLongText);
+                DateParser *dates, CellReport report);
 
     /// Number of the sheet row that is written next, from 1.
     qint64 row() const { return m_row; }
@@ -109,6 +120,8 @@ public:
     /// The number of written columns.
     /// Valid also after a fault, like the functions below.
     int columnCount() const { return static_cast<int>(m_columns.size()); }
+    /// The written columns, in the order of the sheet.
+    const std::vector<Column> &columns() const { return m_columns; }
     /// All cells with hyperlinks, in the order in which they were written.
     const std::vector<LinkUse> &linkUses() const { return m_linkUses; }
     /// URLs in the order of their numbers, which count from 1; each is different.
@@ -154,7 +167,7 @@ private:
     std::vector<Column> m_columns;
     std::vector<Markup> m_references; // <c r="XFD, followed by the row number
     DateParser *m_dates;
-    std::function<void()> m_reportLongText;
+    CellReport m_report;
     Markup m_rowStart; // " spans="1:N">
     Markup m_dateOpening;
     Markup m_linkOpening;

@@ -12,7 +12,6 @@
 
 #include "base/limits.h"
 #include "codecs/opc/part_names.h"
-#include "codecs/xlsx/sheet_tail.h"
 
 #include <algorithm>
 #include <cstring>
@@ -74,9 +73,11 @@ Result<void, Error> SheetSplitter::finish()
     if (m_place != Place::Tail) {
         return fault(m_rootTag.isEmpty() || m_depth > 0 ? Error::Malformed : Error::Unexpected);
     }
-    if (const auto used = highestUsedId(m_tail); !used) {
-        return used.fault();
+    auto facts = readTail(m_tail);
+    if (!facts) {
+        return facts.fault();
     }
+    m_tailFacts = std::move(*facts);
     return {};
 }
 

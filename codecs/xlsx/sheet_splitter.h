@@ -10,6 +10,7 @@
 #include "codecs/opc/error.h"
 #include "codecs/opc/markup_scan.h"
 #include "codecs/xlsx/namespaces.h"
+#include "codecs/xlsx/sheet_tail.h"
 
 #include <utility>
 
@@ -45,6 +46,10 @@ public:
     quint64 firstRow1() const { return m_startRow == kAppend ? m_lastRow + 1 : m_startRow; }
     /// From the closing tag of sheetData to the end, unchanged.
     const QByteArray &tail() const { return m_tail; }
+    /// What the tail contains.
+    const TailFacts &tailFacts() const { return m_tailFacts; }
+    /// Whether rows starting at the first new one are dropped; otherwise none is.
+    bool dropsRows() const { return m_startRow != kAppend; }
     /// Whether a dropped row contained a formula; the workbook's calculation chain is then wrong.
     bool hasDroppedFormula() const { return m_hasDroppedFormula; }
     /// The worksheet's root tag, for the names of its namespaces.
@@ -85,6 +90,7 @@ private:
     QByteArray m_formulaName;
     QByteArray m_head;
     QByteArray m_tail;
+    TailFacts m_tailFacts;
     QByteArray m_rootTag;
     Family m_family;
     bool m_isEncodingKnown = false;

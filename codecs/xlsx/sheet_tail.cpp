@@ -124,6 +124,7 @@ public:
     std::optional<Element> list;
     qsizetype newList = -1;                                ///< offset for a new one
     std::vector<std::pair<qsizetype, qsizetype>> replaced; ///< elements of cells with new links
+    qint64 known = 0;                                      ///< links in the list
 
 private:
     void takeList(const Tag &tag);
@@ -178,6 +179,7 @@ void HyperlinkFinder::takeLink(const Tag &tag)
         }
         return;
     }
+    ++known;
     m_isInReplaced = isUsed(tag.attribute("ref").value_or(QByteArrayView()));
     if (m_isInReplaced) {
         replaced.emplace_back(tag.begin, tag.end);
@@ -230,7 +232,7 @@ struct LinkNames
 
 } // namespace
 
-Result<QByteArray, Error> withHyperlinks(const QByteArray &tail, const QByteArray &rootTag,
+Result<LinkedTail, Error> withHyperlinks(const QByteArray &tail, const QByteArray &rootTag,
                                          const Family &family,
                                          const std::vector<sheet::LinkUse> &uses, quint64 takenIds)
 {
@@ -254,12 +256,13 @@ Result<QByteArray, Error> withHyperlinks(const QByteArray &tail, const QByteArra
                                           names.links(uses, takenIds, {}) + "</" + names.list +
                                           '>');
     }
-    return splices.apply();
+    const auto replaced = static_cast<qint64>(found.replaced.size());
+    return LinkedTail{splices.apply(), found.known - replaced + static_cast<qint64>(uses.size())};
 }
 
-Result<quint64, Error> highestUsedId(QByteArrayView tail)
+Result<TailFacts, Error> readTail(QByteArrayView tail)
 {
-    quint64 highest = 0;
+    TailFacts facts;
     TailCursor cursor(tail);
     while (cursor.next()) {
         const auto attributes = cursor.tag().attributes();
@@ -267,13 +270,20 @@ Result<quint64, Error> highestUsedId(QByteArrayView tail)
             return Fault<Error>{Error::Malformed};
         }
         for (const Attribute &one : *attributes) {
-            highest = std::max(highest, opc::idNumber(one.value).value_or(0));
+            facts.highestUsedId =
+                std::max(facts.highestUsedId, opc::idNumber(one.value).value_or(0));
+        }
+        if (cursor.tag().local() == QByteArrayView("mergeCell")) {
+            const auto ref = cursor.tag().attribute("ref");
+            if (const auto range = parseRange(ref.value_or(QByteArrayView()))) {
+                facts.mergedRanges.push_back(*range);
+            }
         }
     }
     if (!cursor.isComplete()) {
         return Fault<Error>{Error::Malformed};
     }
-    return highest;
+    return facts;
 }
 
 } // namespace corvanta::xlsx

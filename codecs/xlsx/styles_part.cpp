@@ -52,6 +52,8 @@ private:
     void append(int table, quint64 count, const QByteArray &entry);
     void addNumberFormat(std::optional<int> table, quint64 count, quint64 id,
                          const QByteArray &code);
+    std::optional<quint64> findFormats(const std::vector<int> &formats, const QByteArray &first,
+                                       const QByteArray &second) const;
     /// Insert a table with `count` entries after the tables `earlier`.
     void addTable(QByteArrayView name, quint64 count, const QByteArray &entries,
                   std::initializer_list<QByteArrayView> earlier);
@@ -151,6 +153,23 @@ quint64 StylesEditor::addHyperlinkFont()
     return count - 1;
 }
 
+/// The index of two formats with this text that follow each other.
+std::optional<quint64> StylesEditor::findFormats(const std::vector<int> &formats,
+                                                 const QByteArray &first,
+                                                 const QByteArray &second) const
+{
+    const auto is = [&](size_t at, const QByteArray &text) {
+        const Element &one = m_outline.element(formats[at]);
+        return m_text.sliced(one.tag.begin, one.end - one.tag.begin) == text;
+    };
+    for (size_t i = 0; i + 1 < formats.size(); ++i) {
+        if (is(i, first) && is(i + 1, second)) {
+            return i;
+        }
+    }
+    return std::nullopt;
+}
+
 StylesChange StylesEditor::addCellFormats(quint64 dateFormatId, quint64 fontId)
 {
     const auto format = [&](quint64 numberFormat, quint64 font, const char *rest) {
@@ -159,12 +178,15 @@ StylesChange StylesEditor::addCellFormats(quint64 dateFormatId, quint64 fontId)
                                  "\" fillId=\"0\" borderId=\"0\" xfId=\"0\"" + rest);
     };
     const auto table = m_outline.child(0, "cellXfs");
-    const size_t known = table ? m_outline.children(*table, "xf").size() : 0;
+    const std::vector<int> known = table ? m_outline.children(*table, "xf") : std::vector<int>();
+    const QByteArray date = format(dateFormatId, 0, " applyNumberFormat=\"1\"/>");
+    const QByteArray link = format(0, fontId, "/>");
+    if (const auto found = findFormats(known, date, link)) {
+        return {m_splices.apply(), *found, *found + 1, false};
+    }
     // Cells without a format use format 0.
-    const QByteArray first = known == 0 ? format(0, 0, "/>") : QByteArray();
-    const QByteArray entries =
-        first + format(dateFormatId, 0, " applyNumberFormat=\"1\"/>") + format(0, fontId, "/>");
-    const quint64 count = std::max<quint64>(known, 1) + 2;
+    const QByteArray entries = (known.empty() ? format(0, 0, "/>") : QByteArray()) + date + link;
+    const quint64 count = std::max<quint64>(known.size(), 1) + 2;
     if (table) {
         append(*table, count, entries);
     } else {

@@ -33,10 +33,9 @@ struct StylesChange
     bool hadNoCellFormats = false;
 };
 
-/// The text with two more cell formats, a font for hyperlinks and, if needed, a number format; the
-/// font and the number format are used again if a former update added them. Existing formats keep
-/// their indexes. Errors: Encoding, Malformed, Unexpected (no styleSheet),
-/// TooLarge.
+/// The text with two more cell formats, a font for hyperlinks and, if needed, a number format. All
+/// of them are used again if an earlier update added them. Existing formats keep their indexes.
+/// Errors: Encoding, Malformed, Unexpected (no styleSheet), TooLarge.
 Result<StylesChange, opc::Error> changedStyles(QByteArrayView text, const DateFormat &dateFormat);
 
 } // namespace corvanta::xlsx

@@ -92,14 +92,27 @@ void UpdatedWorkbook::addSheet(const QString &name)
     m_types->declarePart(m_sheetPart, kContentTypeBase + QByteArray("worksheet+xml"));
 }
 
-Result<void, Error> UpdatedWorkbook::changeSheet(size_t index, quint64 startRow1)
+/// The relationship to the part of a sheet; null if there is none.
+const opc::Relationship *UpdatedWorkbook::relationshipOf(const SheetEntry &sheet) const
 {
-    const SheetEntry &sheet = m_workbook.sheets[index];
     const auto &all = m_relationships.entries();
     const auto found = std::find_if(all.begin(), all.end(), [&](const opc::Relationship &one) {
         return one.id == sheet.relationshipId && !one.isExternal;
     });
-    if (found == all.end()) {
+    return found == all.end() ? nullptr : &*found;
+}
+
+QString UpdatedWorkbook::sheetKind(size_t index) const
+{
+    const opc::Relationship *const found = relationshipOf(m_workbook.sheets[index]);
+    return found == nullptr ? QString() : found->type.section(u'/', -1);
+}
+
+Result<void, Error> UpdatedWorkbook::changeSheet(size_t index, quint64 startRow1)
+{
+    const SheetEntry &sheet = m_workbook.sheets[index];
+    const opc::Relationship *const found = relationshipOf(sheet);
+    if (found == nullptr) {
         return Fault<Error>{Error::Unexpected};
     }
     const QByteArray part = opc::resolvedTarget(m_workbookPart, found->target);
@@ -132,7 +145,24 @@ Result<void, Error> UpdatedWorkbook::readSheetRelationships()
     m_sheetRelationships = std::move(*relationships);
     m_takenLinkIds = std::max<quint64>(m_sheetRelationships.entries().size(),
                                        m_sheetRelationships.highestIdNumber());
+    readTables();
     return {};
+}
+
+/// A table that cannot be read is skipped: its part is copied unchanged, as it is.
+void UpdatedWorkbook::readTables()
+{
+    for (const opc::Relationship &one : m_sheetRelationships.entries()) {
+        if (!opc::isToPart(one, "table")) {
+            continue;
+        }
+        const auto text = m_copy.read(
+            opc::resolvedTarget(QByteArray(m_sheetPart).replace('\\', '/'), one.target));
+        auto table = text ? readTable(*text) : Result<Table, Error>(text.fault());
+        if (table) {
+            m_tables.push_back(std::move(*table));
+        }
+    }
 }
 
 UpdatedWorkbook::CellFormats UpdatedWorkbook::addCellFormats(int dateFormat)
@@ -206,6 +236,25 @@ Result<void, Error> UpdatedWorkbook::openSheet(sheet::SheetWriter &sheet)
     return put(sheet, m_splitter->takeHead());
 }
 
+SheetConflicts UpdatedWorkbook::conflicts(const WrittenCells &written) const
+{
+    SheetConflicts found;
+    if (!m_splitter) {
+        return found;
+    }
+    for (const Table &table : m_tables) {
+        if (losesHeader(table, written)) {
+            found.tables << table.name;
+        }
+    }
+    for (const CellRange &merged : m_splitter->tailFacts().mergedRanges) {
+        if (hidesCells(merged, written)) {
+            found.mergedRanges.push_back(merged);
+        }
+    }
+    return found;
+}
+
 Result<void, Error> UpdatedWorkbook::finishSheet(sheet::SheetWriter &sheet)
 {
     const Family &family = m_workbook.family;
@@ -214,7 +263,7 @@ Result<void, Error> UpdatedWorkbook::finishSheet(sheet::SheetWriter &sheet)
         return putTail(sheet, newSheetTail(), newSheetRoot(kTransitional), family, m_takenLinkIds);
     }
     const QByteArray &tail = m_splitter->tail();
-    m_takenLinkIds = std::max(m_takenLinkIds, *highestUsedId(tail)); // checked by finish()
+    m_takenLinkIds = std::max(m_takenLinkIds, m_splitter->tailFacts().highestUsedId);
     return putTail(sheet, tail, m_splitter->rootTag(), family, m_takenLinkIds);
 }
 

@@ -25,6 +25,10 @@ public:
     /// The workbook as read.
     const Workbook &workbook() const { return m_workbook; }
 
+    /// The kind of sheet `index` (from 0), the last word of its relationship's type: "worksheet",
+    /// "chartsheet" and so on; empty if it has no relationship.
+    QString sheetKind(size_t index) const;
+
     /// Rows go into a new sheet after the others. `name` must be free in the workbook and short
     /// enough; see freeSheetName().
     void addSheet(const QString &name);
@@ -47,6 +51,8 @@ public:
     void setCellFormats(sheet::SheetOptions *options) const override;
     Result<void, opc::Error> begin(opc::MemberWriter &output) override;
     Result<void, opc::Error> openSheet(sheet::SheetWriter &sheet) override;
+    SheetConflicts conflicts(const WrittenCells &written) const override;
+    bool removesOlderRows() const override { return m_splitter && m_splitter->dropsRows(); }
     Result<void, opc::Error> finishSheet(sheet::SheetWriter &sheet) override;
     Result<void, opc::Error> finish(const sheet::SheetWriter &sheet,
                                     const WorkbookEnd &end) override;
@@ -62,7 +68,9 @@ private:
     QByteArray freeSheetPart() const;
     QByteArray addRelationship(const char *kind, const QByteArray &part);
     QByteArray sheetRelationshipPart() const;
+    const opc::Relationship *relationshipOf(const SheetEntry &sheet) const;
     Result<void, opc::Error> readSheetRelationships();
+    void readTables();
     CellFormats changeStyles(const QByteArray &part, int dateFormat);
     void removeCalculationChain();
     Result<void, opc::Error> writeSheetRelationships(const sheet::SheetWriter &sheet);
@@ -78,7 +86,8 @@ private:
     std::optional<SheetEntry> m_addedSheet;  // of a new sheet
     std::optional<SheetSplitter> m_splitter; // of a changed sheet
     opc::Relationships m_sheetRelationships;
-    quint64 m_takenLinkIds = 0; // ids up to "rId" + this are not used for links
+    std::vector<Table> m_tables; // of a changed sheet
+    quint64 m_takenLinkIds = 0;  // ids up to "rId" + this are not used for links
     quint64 m_dateStyle = 1;
     quint64 m_linkStyle = 2;
 };

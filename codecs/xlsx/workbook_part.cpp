@@ -167,6 +167,19 @@ void setRecalculation(const Parts &parts, Splices *splices)
     splices->replace(begin, begin + tag.inside.size(), kept + kAttributes);
 }
 
+QStringList definedNamesOf(const Outline &outline)
+{
+    QStringList names;
+    const auto list = outline.child(0, "definedNames");
+    for (const int index : list ? outline.children(*list, "definedName") : std::vector<int>()) {
+        const Tag &tag = outline.element(index).tag;
+        if (!tag.attribute("localSheetId")) {
+            names << decoded(tag.attribute("name").value_or(QByteArrayView()));
+        }
+    }
+    return names;
+}
+
 QString cut(const QString &name, qsizetype units)
 {
     const QString shortened = name.left(units);
@@ -215,6 +228,7 @@ Result<Workbook, Error> readWorkbook(QByteArrayView text)
     const Outline &outline = parts->outline;
     Workbook workbook;
     workbook.family = parts->family;
+    workbook.definedNames = definedNamesOf(outline);
     for (const int index : outline.children(parts->sheets, "sheet")) {
         workbook.sheets.push_back(sheetOf(*parts, outline.element(index).tag));
     }

@@ -22,6 +22,7 @@ struct SheetEntry
 struct Workbook
 {
     std::vector<SheetEntry> sheets; ///< in the order of their tabs
+    QStringList definedNames;       ///< of the whole workbook, not of one sheet
     Family family;
     bool has1904Dates = false; ///< dates count from 1904-01-01
 

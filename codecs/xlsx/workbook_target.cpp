@@ -24,7 +24,8 @@ Result<void, Error> WorkbookTarget::putTail(sheet::SheetWriter &sheet, const QBy
         if (!linked) {
             return linked.fault();
         }
-        text = std::move(*linked);
+        text = std::move(linked->text);
+        m_linkCount = linked->linkCount;
     }
     if (auto done = put(sheet, text); !done) {
         return done;

@@ -3,8 +3,13 @@
 #include "codecs/opc/member_writer.h"
 #include "codecs/opc/relationships.h"
 #include "codecs/sheet/sheet_writer.h"
+#include "codecs/xlsx/cell_range.h"
 #include "codecs/xlsx/fixed_parts.h"
 #include "codecs/xlsx/namespaces.h"
+
+#include <QStringList>
+
+#include <vector>
 
 namespace corvanta::xlsx {
 
@@ -13,6 +18,13 @@ struct WorkbookEnd
 {
     std::optional<NamedRange> range = {}; ///< a name for cells of the sheet
     bool recalculate = false;             ///< programs calculate all formulas when they open it
+};
+
+/// What of a changed sheet no longer agrees with the written cells.
+struct SheetConflicts
+{
+    QStringList tables;                  ///< names of tables that lost their header row
+    std::vector<CellRange> mergedRanges; ///< hide written cells
 };
 
 /// Rows are written with the SheetWriter that the caller creates after begin() in the open member.
@@ -34,11 +46,18 @@ public:
     virtual Result<void, opc::Error> begin(opc::MemberWriter &output) = 0;
     /// Write the sheet up to its new rows, and set the number of the first one.
     virtual Result<void, opc::Error> openSheet(sheet::SheetWriter &sheet) = 0;
+    /// Valid after openSheet(). A new sheet has none.
+    virtual SheetConflicts conflicts(const WrittenCells &) const { return {}; }
+    /// Whether older rows starting at the first new one are removed. Valid after openSheet().
+    virtual bool removesOlderRows() const { return false; }
     /// Write the rest of the sheet.
     virtual Result<void, opc::Error> finishSheet(sheet::SheetWriter &sheet) = 0;
     /// Write the other members and the directory of the package, which is then complete.
     virtual Result<void, opc::Error> finish(const sheet::SheetWriter &sheet,
                                             const WorkbookEnd &end) = 0;
+
+    /// Hyperlinks of the sheet, older ones included; 0 if none is new. Valid after finishSheet().
+    qint64 linkCount() const { return m_linkCount; }
 
 protected:
     WorkbookTarget() = default;
@@ -57,6 +76,9 @@ protected:
     // Set by the derived class before begin().
     QString m_sheetName;
     opc::MemberWriter *m_output = nullptr; // set by begin()
+
+private:
+    qint64 m_linkCount = 0;
 };
 
 } // namespace corvanta::xlsx

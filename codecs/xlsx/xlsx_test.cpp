@@ -1,4 +1,6 @@
 #include "codecs/opc/outline.h"
+#include "codecs/xlsx/cell_range.h"
+#include "codecs/xlsx/name_rules.h"
 #include "codecs/xlsx/sheet_splitter.h"
 #include "codecs/xlsx/sheet_tail.h"
 #include "codecs/xlsx/styles_part.h"
@@ -183,6 +185,12 @@ TEST(StylesPart, AddsFormatsAndCorrectsCounts)
                   !one.before.contains("<cellXfs ") && !one.before.contains("<cellXfs/>"));
         EXPECT_TRUE(Outline::read(changed->text));
     }
+    // A second update with the same date format adds nothing.
+    const auto once = changedStyles(xml("<styleSheet xmlns='MAIN'/>"), {.code = "yyyy"});
+    const auto twice = changedStyles(once->text, {.code = "yyyy"});
+    EXPECT_EQ(twice->text, once->text);
+    EXPECT_EQ(twice->dateStyle, once->dateStyle);
+    EXPECT_EQ(changedStyles(once->text, {.builtinId = 14})->dateStyle, once->dateStyle + 2);
     const auto prefixed = changedStyles(xml("<x:styleSheet xmlns:x='MAIN'/>"), {.builtinId = 14});
     ASSERT_TRUE(prefixed);
     EXPECT_TRUE(prefixed->text.contains("</x:fonts><x:cellXfs count=\"3\">"));
@@ -304,14 +312,84 @@ TEST(SheetTail, HyperlinksAreInsertedInSchemaOrder)
         const Split out = split(sheetAround("<sheetData/>", before), 0);
         const auto changed = withHyperlinks(out.tail, out.rootTag, out.family, {{1, 2, 1}}, 3);
         ASSERT_TRUE(changed);
-        EXPECT_EQ(*changed, "</sheetData>" + after + "</worksheet>");
-        EXPECT_EQ(*highestUsedId(out.tail), before.contains("rId3") ? 3U : 0U);
+        EXPECT_EQ(changed->text, "</sheetData>" + after + "</worksheet>");
+        EXPECT_EQ(changed->linkCount, after.count("<hyperlink "));
+        EXPECT_EQ(readTail(out.tail)->highestUsedId, before.contains("rId3") ? 3U : 0U);
     }
     const Split bare = split(xml("<x:worksheet xmlns:x='MAIN'><x:sheetData/></x:worksheet>"), 0);
     const auto changed = withHyperlinks(bare.tail, bare.rootTag, bare.family, {{1, 2, 1}}, 3);
     ASSERT_TRUE(changed);
-    EXPECT_EQ(*changed, xml("</x:sheetData><x:hyperlinks xmlns:r=\"REL\"><x:hyperlink ref=\"B2\" "
-                            "r:id=\"rId4\"/></x:hyperlinks></x:worksheet>"));
+    EXPECT_EQ(changed->text,
+              xml("</x:sheetData><x:hyperlinks xmlns:r=\"REL\"><x:hyperlink ref=\"B2\" "
+                  "r:id=\"rId4\"/></x:hyperlinks></x:worksheet>"));
+}
+
+TEST(CellRange, KnowsWhatAnUpdateDamages)
+{
+    const auto written = [](qint64 first, qint64 last, QStringList header, bool removes) {
+        return WrittenCells{{first, last, 0, 2}, std::move(header), removes};
+    };
+    for (const auto &[reference, hidden] :
+         std::vector<std::pair<QByteArray, bool>>{{"A1:B4", false},
+                                                  {"A4:A5", true},
+                                                  {"C5:F5", false},
+                                                  {"B5:C5", true},
+                                                  {"$B$6:$B$7", false},
+                                                  {"B6:D6", true},
+                                                  {"D5:E9", false},
+                                                  {"A7:C9", false}}) {
+        const auto range = parseRange(reference);
+        ASSERT_TRUE(range);
+        EXPECT_EQ(hidesCells(*range, written(5, 6, {}, false)), hidden) << reference.constData();
+    }
+    EXPECT_EQ(rangeText(*parseRange("$AA$3:AB07")), u"AA3:AB7");
+    for (const char *reference : {"", "A", "7", "A0", "ABCD1", "A1:", "A1:B", "a1"}) {
+        EXPECT_FALSE(parseRange(reference)) << reference;
+    }
+    const auto table = readTable(
+        xml("<table xmlns='MAIN' name='n' displayName='T' ref='B5:C9'><autoFilter ref='B5:C9'/>"
+            "<tableColumns count='2'><tableColumn id='1' name='x'/>"
+            "<tableColumn id='2' name='y &amp; z'></tableColumn></tableColumns></table>"));
+    ASSERT_TRUE(table);
+    EXPECT_EQ(table->name, u"T");
+    const QStringList same{u"a"_qs, u"x"_qs, u"y & z"_qs};
+    const QStringList other{u"a"_qs, u"x"_qs, u"z"_qs};
+    EXPECT_FALSE(losesHeader(*table, written(5, 9, same, true)));
+    EXPECT_TRUE(losesHeader(*table, written(5, 9, other, true)));
+    EXPECT_TRUE(losesHeader(*table, written(5, 9, {}, true)));
+    EXPECT_TRUE(losesHeader(*table, written(2, 3, same, true)));
+    EXPECT_FALSE(losesHeader(*table, written(2, 3, same, false)));
+    EXPECT_FALSE(losesHeader(*table, written(6, 9, other, true)));
+    EXPECT_FALSE(readTable("<table ref='x'/>"));
+}
+
+TEST(NameRules, FindsWhatProgramsReject)
+{
+    using Faults = QVector<NameFault>;
+    const QStringList others{u"Data"_qs, u"Sum"_qs};
+    EXPECT_EQ(sheetNameFaults(u"Data"_qs, others), Faults());
+    EXPECT_EQ(sheetNameFaults(u"O'Neil (2)"_qs, others), Faults());
+    EXPECT_EQ(sheetNameFaults(u"dAta"_qs, others), Faults{NameFault::OnlyCase});
+    EXPECT_EQ(sheetNameFaults(u" "_qs, others), Faults{NameFault::Empty});
+    EXPECT_EQ(sheetNameFaults(u"history"_qs, others), Faults{NameFault::Reserved});
+    EXPECT_EQ(sheetNameFaults(u"[a]'"_qs, others),
+              (Faults{NameFault::Character, NameFault::Quote}));
+    for (const QChar c : QStringView(u"/\\?*[]:\t")) {
+        EXPECT_EQ(sheetNameFaults(u'a' + QString(c) + u'b', others), Faults{NameFault::Character});
+    }
+    for (const char16_t *name : {u"N", u"_n.1", u"Größe", u"A1B", u"XFE1", u"A1048577", u"Rx"}) {
+        EXPECT_EQ(rangeNameFaults(QString::fromUtf16(name)), Faults())
+            << QString::fromUtf16(name).toStdString();
+    }
+    for (const char16_t *name : {u"a b", u"1a", u"a-b", u".a", u"a!b"}) {
+        EXPECT_EQ(rangeNameFaults(QString::fromUtf16(name)), Faults{NameFault::NotAName})
+            << QString::fromUtf16(name).toStdString();
+    }
+    for (const char16_t *name : {u"A1", u"xfd1048576", u"R", u"c", u"R1C1", u"rc2", u"C12"}) {
+        EXPECT_EQ(rangeNameFaults(QString::fromUtf16(name)), Faults{NameFault::Reference})
+            << QString::fromUtf16(name).toStdString();
+    }
+    EXPECT_EQ(rangeNameFaults(QString(256, u'n')), Faults{NameFault::NotAName});
 }
 
 } // namespace corvanta::xlsx

@@ -13,7 +13,7 @@ import tempfile
 import unittest
 import xml.etree.ElementTree as ElementTree
 
-from workbooks import IN_CSV, MAIN, OFFICE, files, members, odd_parts, plain_parts, run_update, write_workbook
+from workbooks import IN_CSV, MAIN, OFFICE, PACKAGE, files, members, odd_parts, plain_parts, run_update, write_workbook
 
 CORVANTA = sys.argv.pop(1)
 SHEET = f"{{{MAIN}}}"
@@ -247,8 +247,103 @@ class Messages(UpdateCase):
         self.assertEqual(len(messages), 6)
         self.assertRegex(messages[-1], f"^ERROR: impossible to rename {pair}$")
         self.assertEqual((self.book.read_bytes(), files(self.folder)), (before, ["book.xlsx", "soffice", "started"]))
-        self.assertEqual(self.update("mode='4' fileNameSource='book.xlsx'", csv=header), (0, []))
+        self.assertEqual(self.update("mode='4' fileNameSource='book.xlsx'", csv=header),
+                         (0, ["Warning: the Excel file 'book.xlsx' is not written: the input has no rows (alwaysWrite='1' writes its header).\n"]))
         self.assertEqual(self.book.read_bytes(), before)
+
+
+def with_table(header_row, names):
+    """plain_parts() with a table of two columns, A and B, in the first sheet."""
+    parts = plain_parts()
+    parts["xl/worksheets/_rels/sheet1.xml.rels"] = (
+        f'<Relationships xmlns="{PACKAGE}/relationships"><Relationship Id="rId1" Type="{OFFICE}/table" Target="../tables/table1.xml"/></Relationships>')
+    columns = "".join(f'<tableColumn id="{n}" name="{name}"/>' for n, name in enumerate(names, 1))
+    parts["xl/tables/table1.xml"] = (f'<table xmlns="{MAIN}" id="1" name="t" displayName="Sales" ref="A{header_row}:B5">'
+                                     f'<tableColumns count="2">{columns}</tableColumns></table>')
+    return parts
+
+
+class Losses(UpdateCase):
+    """What an update damages or leaves out is reported once."""
+
+    def test_a_table_that_loses_its_header_is_named(self):
+        warning = ("Warning: the header row of the table 'Sales' in the sheet 'Data' of the Excel file 'book.xlsx' is overwritten, "
+                   "and no longer has the names of the table's columns: the workbook may not open.\n")
+        for header_row, names, more, warnings in ((1, ("id", "name"), "", 0), (1, ("id", "Name"), "", 1),
+                                                  (1, ("id", "name"), "firstLineContainsColumnNames='0'", 1),
+                                                  (4, ("id", "name"), "startRow='2'", 1), (2, ("x", "y"), "startRow='3'", 0),
+                                                  (1, ("x", "y"), "startRow='0'", 0)):
+            with self.subTest(header_row=header_row, names=names, more=more):
+                done = self.update(f"mode='2' sheetName='Data' {more}", with_table(header_row, names))
+                self.assertEqual(done, (0, [warning] * warnings))
+
+    def test_merged_ranges_that_hide_cells_are_counted(self):
+        tail = "<mergeCells count='3'><mergeCell ref='A1:D2'/><mergeCell ref='B3:C3'/><mergeCell ref='D4:E9'/><mergeCell ref='A5:A6'/></mergeCells>"
+        warning = "Warning: %s in the sheet 'Data' of the Excel file 'book.xlsx' may hide written cells; the first is %s.\n"
+        for start, expected in ((3, [warning % ("2 merged ranges", "B3:C3")]), (4, [warning % ("2 merged ranges", "D4:E9")]),
+                                (6, [warning % ("2 merged ranges", "D4:E9")]), (10, [])):
+            with self.subTest(start):
+                self.assertEqual(self.update(f"mode='2' sheetName='Data' startRow='{start}'", plain_parts(tail)), (0, expected))
+
+    def test_an_update_uses_the_styles_of_an_earlier_one(self):
+        self.update("mode='1' sheetName='One'", plain_parts())
+        styles = members(self.book)["xl/styles.xml"]
+        self.assertEqual(self.update("mode='1' sheetName='Two'"), (0, []))
+        new = members(self.book)
+        self.assertEqual(new["xl/styles.xml"], styles)
+        self.assertIn(b' s="1"><v>45351', new["xl/worksheets/sheet4.xml"])
+        self.assertEqual(self.update("mode='1' sheetName='Three' dateFormatExcel='1'"), (0, []))
+        new = members(self.book)
+        self.assertEqual(new["xl/styles.xml"].count(b"<xf "), styles.count(b"<xf ") + 2)
+        self.assertIn(b' s="3"><v>45351', new["xl/worksheets/sheet5.xml"])
+
+    def test_names_that_programs_reject_are_written_with_a_warning(self):
+        parts = plain_parts()
+        parts["xl/workbook.xml"] = parts["xl/workbook.xml"].replace("</sheets>", "</sheets><definedNames><definedName name='sum'>1</definedName></definedNames>")
+        sheet = "Warning: the sheet name '%s' of the Excel file 'book.xlsx' %s: the workbook may not open.\n"
+        for attributes, expected in (
+                ("sheetName='data'", [sheet % ("data", "differs only in letter case from 'Data'")]),
+                ("sheetName=''", [sheet % ("", "is empty")]),
+                ("sheetName='HISTORY'", [sheet % ("HISTORY", "is reserved")]),
+                ("sheetName='" + "n" * 30 + "&apos;tail'",
+                 ["WARNING: in the Excelfile 'book.xlsx' the SheetName '" + "n" * 30 + "'tail' is too long: truncating at 31 chars.",
+                  sheet % ("n" * 30 + "'", "begins or ends with an apostrophe")]),
+                ("sheetName='N' namedRange='SUM'",
+                 ["Warning: the range name 'SUM' of the Excel file 'book.xlsx' differs only in letter case from 'sum', which it replaces.\n"])):
+            with self.subTest(attributes):
+                self.assertEqual(self.update("mode='1' " + attributes, parts), (0, expected))
+
+    def test_dates_before_the_first_day_of_the_workbook_are_counted(self):
+        csv = "id,name,day,link\n1,,1903-12-31,\n2,,1904-01-01,\n3,,1800-01-01,\n4,,no,\n"
+        parts = plain_parts()
+        parts["xl/workbook.xml"] = parts["xl/workbook.xml"].replace("<sheets>", '<workbookPr date1904="1"/><sheets>')
+        status, messages = self.update("mode='1' sheetName='New'", parts, csv=csv)
+        start = "Warning: writing to Excel file 'book.xlsx': "
+        self.assertEqual((status, messages), (0, [
+            start + "1 text of column 'day' does not match the date format 'yyyy-MM-dd'; the first is 'no' in row 4\n",
+            start + "2 dates of column 'day' are before the first day of the workbook, in 1900 or 1904; the first is '1903-12-31' in row 1\n"]))
+        self.assertEqual(rows_of(members(self.book)["xl/worksheets/sheet3.xml"])[3], ["2", "0"])
+
+    def test_more_links_than_programs_read(self):
+        """Older links count, unless new ones of the same cells replace them."""
+        lines = "".join(f"{n},,,\"URL(\"\"u\"\")\"\n" for n in range(65529))
+        warning = "Warning: the sheet 'Data' of the Excel file 'book.xlsx' has 65531 hyperlinks, but MS-Excel reads only 65530: the workbook may not open.\n"
+        for start, expected in ((1, []), (3, [warning])):
+            tail = "<hyperlinks><hyperlink ref='D2' r:id='rId7'/><hyperlink ref='A1' r:id='rId7'/></hyperlinks>"
+            done = self.update(f"mode='2' sheetName='Data' startRow='{start}'", plain_parts(tail), csv="id,name,day,link\n" + lines)
+            self.assertEqual(done, (0, expected))
+
+    def test_the_reason_why_a_workbook_cannot_be_updated(self):
+        reading = "\nERROR Reading Excel file 'book.xlsx'\n"
+        chart = plain_parts()
+        chart["xl/_rels/workbook.xml.rels"] = chart["xl/_rels/workbook.xml.rels"].replace(f'{OFFICE}/worksheet" Target="worksheets/sheet2', f'{OFFICE}/chartsheet" Target="worksheets/sheet2')
+        self.assertEqual(self.update("mode='2' sheetMode='0' sheetIdx='2'", chart),
+                         (1, [reading, "Reason: the sheet 'It's & more' is a chart sheet, which has no cells to write.\n"]))
+        for content, reason in (("EncryptedPackage", "the workbook is encrypted with a password; save it without one first"),
+                                ("Workbook", "the file is not an .xlsx workbook, but an old one (.xls) or an encrypted one")):
+            # The name of the stream spans two of the pieces that are read.
+            self.book.write_bytes(bytes.fromhex("D0CF11E0A1B11AE1") + bytes(65536 - 18) + content.encode("utf-16-le") + bytes(700))
+            self.assertEqual(self.update("mode='1'"), (1, [reading, f"Reason: {reason}.\n"]))
 
 
 class Surroundings(UpdateCase):

@@ -1,0 +1,253 @@
+// The warnings of writeExcel: one per cause, with the number of cases and the first place.
+//
+// Cells are counted while the rows are written and reported after them. Names are written as they
+// are, because other programs accept what some spreadsheet programs reject.
+#include "actions/write_excel/write_excel.h"
+#include "codecs/xlsx/name_rules.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// Hyperlinks of one sheet that MS-Excel reads.
+constexpr qint64 kMaxLinks = 65530;
+/// A long text is cut in messages.
+constexpr qsizetype kMaxShownUnits = 60;
+
+/// What is wrong with a name, to follow it in a sentence. `similar` as in sameButCase().
+QString faultText(xlsx::NameFault fault, const QString &similar)
+{
+    switch (fault) {
+    case xlsx::NameFault::Empty:
+        return u"is empty"_s;
+    case xlsx::NameFault::Character:
+        return u"contains one of / \\ ? * [ ] : or a control character"_s;
+    case xlsx::NameFault::Quote:
+        return u"begins or ends with an apostrophe"_s;
+    case xlsx::NameFault::Reserved:
+        return u"is reserved"_s;
+    case xlsx::NameFault::OnlyCase:
+        return u"differs only in letter case from '%1'"_s.arg(similar);
+    case xlsx::NameFault::NotAName:
+        return u"is not a letter or _ followed by letters, digits, _ and ."_s;
+    case xlsx::NameFault::Reference:
+        break;
+    }
+    return u"is also a reference to cells"_s;
+}
+
+QString shown(std::u16string_view text)
+{
+    const QString whole(reinterpret_cast<const QChar *>(text.data()),
+                        static_cast<qsizetype>(text.size()));
+    return whole.size() > kMaxShownUnits ? whole.left(kMaxShownUnits) + u"..."_s : whole;
+}
+
+/// "1 text", "2 texts".
+QString counted(qint64 count, const QString &noun)
+{
+    return QString::number(count) + u' ' + noun + (count == 1 ? QString() : u"s"_s);
+}
+
+} // namespace
+
+void ActionWriteExcel::takeCellProblem(sheet::CellProblem problem, int column,
+                                       std::u16string_view text)
+{
+    const auto place = [&] {
+        return u"'%1' in row %2"_s.arg(shown(text), QString::number(rowNumber()));
+    };
+    ColumnLosses &losses = m_run->losses[static_cast<size_t>(column)];
+    switch (problem) {
+    case sheet::CellProblem::LongText:
+        warnLongCell();
+        break;
+    case sheet::CellProblem::CutText:
+        losses.cutTexts.add([&] { return u"in row %1"_s.arg(rowNumber()); });
+        break;
+    case sheet::CellProblem::NotADate:
+        losses.notDates.add(place);
+        break;
+    case sheet::CellProblem::EarlyDate:
+        losses.earlyDates.add(place);
+        break;
+    }
+}
+
+void ActionWriteExcel::warnLongCell()
+{
+    constexpr int kMaxWarnings = 50;
+    if (m_run->longCells < kMaxWarnings) {
+        warn(u"One Cell is larger than 32768 chars: Excel will complain"_s);
+    } else if (m_run->longCells == kMaxWarnings) {
+        warn(
+            u"One Cell is larger than 32768 chars: Excel will complain. Some more warnings won't be reported."_s);
+    } else {
+        return;
+    }
+    ++m_run->longCells;
+}
+
+void ActionWriteExcel::reportMissingNames(const OneRow &columns)
+{
+    reportMissingNames(columns, u"ToDate"_s, m_params.toDate);
+    reportMissingNames(columns, u"ToFormula"_s, m_params.toFormula);
+}
+
+void ActionWriteExcel::reportMissingNames(const OneRow &columns, const QString &list,
+                                          const QStringList &names)
+{
+    QStringList missing;
+    for (const QString &name : names) {
+        if (columns.getIndexOfColumn(name) < 0) {
+            missing << name;
+        }
+    }
+    if (!missing.isEmpty()) {
+        warn(u"Warning: writing to Excel file '%1': cannot find %2 of %3: '%4'\n"_s.arg(
+            fileName(), counted(missing.size(), u"column"_s), list, missing.join(u"', '")));
+    }
+}
+
+void ActionWriteExcel::reportSheetName(const QString &name, const QStringList &others)
+{
+    for (const xlsx::NameFault fault : xlsx::sheetNameFaults(name, others)) {
+        warn(
+            u"Warning: the sheet name '%1' of the Excel file '%2' %3: the workbook may not open.\n"_s
+                .arg(name, fileName(), faultText(fault, xlsx::sameButCase(name, others))));
+    }
+}
+
+void ActionWriteExcel::reportRangeName(const QStringList &others)
+{
+    const QString &name = m_params.namedRange;
+    if (name.isEmpty()) {
+        return;
+    }
+    for (const xlsx::NameFault fault : xlsx::rangeNameFaults(name)) {
+        warn(
+            u"Warning: the range name '%1' of the Excel file '%2' %3: the workbook may not open.\n"_s
+                .arg(name, fileName(), faultText(fault, {})));
+    }
+    const QString similar = xlsx::sameButCase(name, others);
+    if (!similar.isEmpty()) {
+        warn(
+            u"Warning: the range name '%1' of the Excel file '%2' differs only in letter case from '%3', which it replaces.\n"_s
+                .arg(name, fileName(), similar));
+    }
+}
+
+void ActionWriteExcel::reportCells()
+{
+    const auto &columns = m_run->sheet->columns();
+    for (size_t i = 0; i < columns.size(); ++i) {
+        const ColumnLosses &losses = m_run->losses[i];
+        const QString &name = columns[i].name;
+        reportCells(losses.notDates, u"text"_s, name,
+                    (losses.notDates.count() == 1 ? u"does"_s : u"do"_s) +
+                        u" not match the date format '%1'"_s.arg(dateFormatName()));
+        reportCells(losses.earlyDates, u"date"_s, name,
+                    (losses.earlyDates.count() == 1 ? u"is"_s : u"are"_s) +
+                        u" before the first day of the workbook, in 1900 or 1904"_s);
+        reportCells(losses.cutTexts, u"text"_s, name,
+                    (losses.cutTexts.count() == 1 ? u"is"_s : u"are"_s) +
+                        u" cut to fewer than 32768 characters"_s);
+    }
+}
+
+void ActionWriteExcel::reportCells(const Occurrences &cells, const QString &noun,
+                                   const QString &column, const QString &problem)
+{
+    if (cells.any()) {
+        warn(u"Warning: writing to Excel file '%1': %2 of column '%3' %4; the first is %5\n"_s.arg(
+            fileName(), counted(cells.count(), noun), column, problem, cells.first()));
+    }
+}
+
+xlsx::WrittenCells ActionWriteExcel::writtenCells() const
+{
+    const sheet::SheetWriter &sheet = *m_run->sheet;
+    xlsx::WrittenCells written;
+    written.range = {m_run->firstRow, sheet.row() - 1, 0, sheet.columnCount() - 1};
+    written.removesOlderRows = m_run->workbook->removesOlderRows();
+    if (m_params.firstLineContainsColumnNames) {
+        for (const sheet::Column &column : sheet.columns()) {
+            written.header << column.name;
+        }
+    }
+    return written;
+}
+
+void ActionWriteExcel::reportSheet()
+{
+    const QString &sheet = m_run->workbook->sheetName();
+    const xlsx::WrittenCells written = writtenCells();
+    if (written.range.lastRow < written.range.firstRow) {
+        warn(
+            u"Warning: no row is written to the sheet '%1' of the Excel file '%2': there are neither rows nor column names.\n"_s
+                .arg(sheet, fileName()));
+    }
+    if (const qint64 links = m_run->workbook->linkCount(); links > kMaxLinks) {
+        warn(
+            u"Warning: the sheet '%1' of the Excel file '%2' has %3 hyperlinks, but MS-Excel reads only 65530: the workbook may not open.\n"_s
+                .arg(sheet, fileName(), QString::number(links)));
+    }
+    const xlsx::SheetConflicts conflicts = m_run->workbook->conflicts(written);
+    for (const QString &table : conflicts.tables) {
+        warn(
+            u"Warning: the header row of the table '%1' in the sheet '%2' of the Excel file '%3' is overwritten, and no longer has the names of the table's columns: the workbook may not open.\n"_s
+                .arg(table, sheet, fileName()));
+    }
+    if (!conflicts.mergedRanges.empty()) {
+        warn(
+            u"Warning: %1 in the sheet '%2' of the Excel file '%3' may hide written cells; the first is %4.\n"_s
+                .arg(counted(static_cast<qint64>(conflicts.mergedRanges.size()), u"merged range"_s),
+                     sheet, fileName(), xlsx::rangeText(conflicts.mergedRanges.front())));
+    }
+}
+
+void ActionWriteExcel::reportNoFile()
+{
+    const QString reason = m_params.alwaysWrite
+                               ? u"the input has neither columns nor rows"_s
+                               : u"the input has no rows (alwaysWrite='1' writes its header)"_s;
+    warn(u"Warning: the Excel file '%1' is not written: %2.\n"_s.arg(fileName(), reason));
+}
+
+QVector<ParameterProblem> ActionWriteExcel::problems() const
+{
+    using Severity = ParameterProblem::Severity;
+    QVector<ParameterProblem> problems;
+    FloatFormat format;
+    if (!format.set(m_params.floatToString) || !sheet::printsNumbers(format)) {
+        problems << ParameterProblem{
+            u"floatToString"_s,
+            u"'%1' is not a format of a floating-point number"_s.arg(m_params.floatToString)};
+    }
+    if (!m_params.toDate.isEmpty() && dateFormatName().isEmpty()) {
+        problems << ParameterProblem{
+            u"dateFormat"_s, u"ToDate lists columns, but without a date format no text is a date"_s,
+            Severity::Warning};
+    }
+    const auto addNameFaults = [&](const QString &parameter, const QString &name,
+                                   const QVector<xlsx::NameFault> &faults) {
+        for (const xlsx::NameFault fault : faults) {
+            problems << ParameterProblem{
+                parameter, u"'%1' %2: the workbook may not open"_s.arg(name, faultText(fault, {})),
+                Severity::Warning};
+        }
+    };
+    if (addsSheet()) {
+        const QString name = expandString(m_params.sheetName);
+        addNameFaults(u"sheetName"_s, name, xlsx::sheetNameFaults(name, {}));
+    }
+    if (!m_params.namedRange.isEmpty()) {
+        addNameFaults(u"namedRange"_s, m_params.namedRange,
+                      xlsx::rangeNameFaults(m_params.namedRange));
+    }
+    return problems;
+}
+
+} // namespace corvanta

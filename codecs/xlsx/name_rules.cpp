@@ -1,0 +1,93 @@
+// Names of sheets are checked as spreadsheet programs do when they rename a sheet; names of ranges
+// as ECMA-376 part 1, 18.2.5, and the grammar of formulas (18.17.2.5) require.
+#include "codecs/xlsx/name_rules.h"
+
+#include "codecs/sheet/sheet_writer.h"
+#include "codecs/xlsx/cell_range.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace corvanta::xlsx {
+
+namespace {
+
+constexpr qsizetype kMaxRangeNameUnits = 255;
+
+bool isForbidden(QChar c)
+{
+    return c < u' ' || QStringView(u"/\\?*[]:").contains(c);
+}
+
+QVector<NameFault> commonFaults(const QString &name)
+{
+    QVector<NameFault> faults;
+    if (name.trimmed().isEmpty()) {
+        return {NameFault::Empty};
+    }
+    if (std::any_of(name.begin(), name.end(), isForbidden)) {
+        faults << NameFault::Character;
+    }
+    if (name.startsWith(u'\'') || name.endsWith(u'\'')) {
+        faults << NameFault::Quote;
+    }
+    if (name.compare(QStringLiteral("History"), Qt::CaseInsensitive) == 0) {
+        faults << NameFault::Reserved;
+    }
+    return faults;
+}
+
+/// Whether a defined name reads as a cell of the sheet (A1, XFD1048576) or as R1C1, R or C.
+bool isReference(const QString &name)
+{
+    static const QRegularExpression kRowColumn(QStringLiteral("^(?:R\\d*(?:C\\d*)?|C\\d*)$"),
+                                               QRegularExpression::CaseInsensitiveOption);
+    const auto cell = parseRange(name.toUpper().toUtf8());
+    return kRowColumn.match(name).hasMatch() ||
+           (cell && cell->firstRow <= sheet::kMaxRows &&
+            cell->firstColumn < static_cast<int>(sheet::kMaxColumns));
+}
+
+bool isNameUnit(QChar c)
+{
+    return c.isLetterOrNumber() || c.isMark() || c.isSurrogate() || c == u'_' || c == u'.';
+}
+
+} // namespace
+
+QVector<NameFault> sheetNameFaults(const QString &name, const QStringList &others)
+{
+    QVector<NameFault> faults = commonFaults(name);
+    if (!sameButCase(name, others).isEmpty()) {
+        faults << NameFault::OnlyCase;
+    }
+    return faults;
+}
+
+QVector<NameFault> rangeNameFaults(const QString &name)
+{
+    QVector<NameFault> faults = commonFaults(name);
+    if (!faults.isEmpty()) {
+        return faults;
+    }
+    const bool isName = (name[0].isLetter() || name[0].isSurrogate() || name[0] == u'_') &&
+                        name.size() <= kMaxRangeNameUnits &&
+                        std::all_of(name.begin(), name.end(), isNameUnit);
+    if (!isName) {
+        faults << NameFault::NotAName;
+    } else if (isReference(name)) {
+        faults << NameFault::Reference;
+    }
+    return faults;
+}
+
+QString sameButCase(const QString &name, const QStringList &names)
+{
+    const auto found = std::find_if(names.begin(), names.end(), [&](const QString &other) {
+        return other != name && other.compare(name, Qt::CaseInsensitive) == 0;
+    });
+    return found == names.end() ? QString() : *found;
+}
+
+} // namespace corvanta::xlsx
