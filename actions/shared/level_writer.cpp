@@ -1,8 +1,44 @@
 #include "actions/shared/level_writer.h"
 
+#include "base/occurrences.h"
+
+#include <map>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
+
+namespace {
+
+/// Count the columns of an item whose key an earlier column has too.
+void addEqualKeys(const compose::ComposeOperation &item, const OneRow &columns, Occurrences *equal)
+{
+    std::map<std::u16string_view, int> inputs;
+    for (const compose::ComposeOperation::Column &column : item.columns) {
+        if (column.before.size() == 0) {
+            continue; // an array
+        }
+        const auto [first, isNew] = inputs.emplace(column.before.view(), column.input);
+        if (!isNew) {
+            equal->add([&, &earlier = first->second] {
+                return u"'%1' and '%2'"_s.arg(columns.colName(earlier),
+                                              columns.colName(column.input));
+            });
+        }
+    }
+}
+
+} // namespace
+
+QVector<ParameterProblem> LevelWriter::problems() const
+{
+    FloatFormat format;
+    const QString &text = rowParams().floatToString;
+    if (format.set(text)) {
+        return {};
+    }
+    return {{u"floatToString"_s, u"'%1' is not a format of a floating-point number"_s.arg(text)}};
+}
 
 /// The message for a problem with the table or the parameters, which is not one of the file.
 QString LevelWriter::messageAbout(const QString &problem) const
@@ -120,9 +156,27 @@ bool LevelWriter::makeComposer(const OneRow &columns)
     if (!checkNames(columns, {written.begin(), written.end()})) {
         return false;
     }
+    reportEqualKeys(*levels, columns);
     m_run->composer =
         std::make_unique<compose::LevelComposer>(*std::move(levels), valueRules(), *m_run->block);
     return true;
+}
+
+void LevelWriter::reportEqualKeys(const std::vector<compose::ComposeLevel> &levels,
+                                  const OneRow &columns)
+{
+    Occurrences equal;
+    for (const compose::ComposeLevel &level : levels) {
+        for (const compose::ComposeOperation &item : level.operations) {
+            addEqualKeys(item, columns, &equal);
+        }
+    }
+    if (equal.any()) {
+        warn(
+            u"Warning: writing to %1 file '%2': %3 %4 the key of another column of the same item, so that readers may keep only one value; the first pair is %5\n"_s
+                .arg(texts().format, fileName(), QString::number(equal.count()),
+                     equal.count() == 1 ? u"column has"_s : u"columns have"_s, equal.first()));
+    }
 }
 
 bool LevelWriter::writeRow(const OneRow &row)

@@ -34,6 +34,10 @@ struct LevelWriterTexts
 /// the first text for it is complete, or at the end when `alwaysWrite` is on.
 class LevelWriter : public RowWriter
 {
+public:
+    /// A floatToString that is not a format of a number.
+    QVector<ParameterProblem> problems() const override;
+
 protected:
     using RowWriter::RowWriter;
 
@@ -86,6 +90,8 @@ private:
                          const QString &level) const;
     /// Compile the levels for the columns of the table and check the names of those written.
     bool makeComposer(const OneRow &columns);
+    /// Warn about columns that one item writes with the same key.
+    void reportEqualKeys(const std::vector<compose::ComposeLevel> &levels, const OneRow &columns);
     // Functions that return bool return true for success; otherwise the run has failed or ended.
     /// Open targetName() and write what comes before the elements.
     bool openFile();
