@@ -1,6 +1,7 @@
 // Compares number and UTF conversion with the C library and Qt, and checks the length codes of
 // cells. Other tests would not notice a wrong last digit.
 #include "base/cell.h"
+#include "base/nearest_name.h"
 #include "base/number.h"
 #include "base/utf.h"
 
@@ -16,6 +17,7 @@
 #include <vector>
 
 using namespace corvanta;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -35,6 +37,29 @@ QByteArray viaUtf16(const QByteArray &utf8)
 }
 
 } // namespace
+
+TEST(NearestName, HasTheFewestChanges)
+{
+    const QStringList known = u"run check convert sheetName sheetIdx ToDate"_s.split(u' ');
+    const std::pair<QString, QString> cases[] = {
+        {u"rnu"_s, u"run"_s},
+        {u"chek"_s, u"check"_s},
+        {u"conv"_s, u"convert"_s},
+        {u"ToDat"_s, u"ToDate"_s},
+        {u"SHEETNAME"_s, u"sheetName"_s},
+        {u"sheetNam"_s, u"sheetName"_s},
+        {u"sheetidx"_s, u"sheetIdx"_s},
+        {u""_s, u"run"_s},
+    };
+    for (const auto &[name, nearest] : cases) {
+        EXPECT_EQ(nearestName(name, known), nearest) << name.toStdString();
+    }
+    EXPECT_TRUE(nearestNameHint(u"x"_s, {}).isEmpty());
+    // A swap of neighbours is one change, and long texts end.
+    EXPECT_EQ(nearestName(u"ab"_s, {u"acc"_s, u"ba"_s}), u"ba"_s);
+    const QString longName(1'000'000, u'x');
+    EXPECT_EQ(nearestName(longName, {longName + u'y', u"z"_s}), longName + u'y');
+}
 
 TEST(Number, GeneralEqualsPrintf)
 {

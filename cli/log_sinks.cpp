@@ -36,7 +36,9 @@ private:
         const QString text = message.text.trimmed();
         const bool saysSeverity = text.startsWith("error"_L1, Qt::CaseInsensitive) ||
                                   text.startsWith("warning"_L1, Qt::CaseInsensitive);
-        const QString severity = saysSeverity ? QString() : severityOf(message.level) + ": "_L1;
+        QString severity = saysSeverity ? QString() : severityOf(message.level) + ": "_L1;
+        // As in the texts that have one.
+        severity.replace(0, 1, severity.left(1).toUpper());
         const QString place =
             message.action.isEmpty() ? QString() : u"[%1] "_s.arg(visibleText(message.action));
         return (place + severity + visibleLines(text) + u'\n').toUtf8();

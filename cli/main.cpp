@@ -1,5 +1,6 @@
 // The corvanta program: chooses the command and prints help.
 #include "base/nearest_name.h"
+#include "base/platform/terminal.h"
 #include "command_line.h"
 #include "commands.h"
 #include "file_types.h"
@@ -206,6 +207,7 @@ CommandResult<void> flushOutput()
 
 int main(int argc, char **argv)
 {
+    platform::occupyStandardStreams();
     const QCoreApplication application(argc, argv);
     // The application object takes the locale from the environment; numbers in files must not
     // follow it.

@@ -72,6 +72,7 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
         tolerance(),
         text("fileName", &P::fileName)
             .inputFile()
+            .orOwnText()
             .always()
             .requiredWhen("fileNameFromPin", {QStringLiteral("0")})
             .label("File")

@@ -184,6 +184,7 @@ bool LevelWriter::writeRow(const OneRow &row)
     if (!prepareRow(row)) {
         return false;
     }
+    m_run->hasRow = true;
     // Composing reports no failures itself; the block keeps the first one.
     m_run->composer->putRow(row.view());
     return m_run->block->failure() == compose::TextBlock::Failure::None || checkBlock();
@@ -211,6 +212,7 @@ bool LevelWriter::openFile()
     if (!m_run->target.open(name, targetOptions(fileName(), mode))) {
         return failWith(WriteProblem::CannotOpen, {}, reasonOf(m_run->target));
     }
+    m_run->hasFile = true;
     // The head of a file that is appended to is already in it.
     const std::string &head = m_run->frame.head;
     return (!replaces || write(head.data(), static_cast<qint64>(head.size()))) &&
@@ -259,6 +261,23 @@ bool LevelWriter::endFile()
     }
     return m_run->target.commit() ||
            failWith(WriteProblem::CannotWrite, {}, reasonOf(m_run->target));
+}
+
+void LevelWriter::complete()
+{
+    if (endFile() && !m_run->hasFile) {
+        warnNoFile();
+    }
+}
+
+void LevelWriter::warnNoFile()
+{
+    const QString reason = isBeforeFirstRow() ? u"the input has no rows"_s
+                           : m_run->hasRow    ? u"nothing of the rows is written"_s
+                                              : u"no row passes the test"_s;
+    warn(
+        u"Warning: the %1 file '%2' is not written: %3 (alwaysWrite='1' writes a file without rows).\n"_s
+            .arg(texts().format, fileName(), reason));
 }
 
 void LevelWriter::release(bool)

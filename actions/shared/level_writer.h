@@ -60,7 +60,7 @@ protected:
     void start() override;
     bool begin(const OneRow &columns) override;
     bool writeRow(const OneRow &row) override;
-    void complete() override { endFile(); }
+    void complete() override;
     void release(bool wasComplete) override;
 
     /// The rules for values that both actions have parameters for. Null values are written as
@@ -81,6 +81,8 @@ private:
         TargetFile target;
         // Drains into the target.
         std::unique_ptr<compose::TextBlock> block;
+        bool hasFile = false; // some file was opened
+        bool hasRow = false;  // some row was selected
         // Null until the columns are known.
         std::unique_ptr<compose::LevelComposer> composer;
     };
@@ -99,6 +101,8 @@ private:
     bool writeText(const QString &text);
     /// Write all composed text; opens the file for alwaysWrite.
     bool flush();
+    /// A run that writes no file leaves an existing one as it is, which is easily overlooked.
+    void warnNoFile();
     /// Whether the block took all that was composed so far.
     bool checkBlock();
 

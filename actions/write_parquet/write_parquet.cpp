@@ -274,6 +274,11 @@ bool ActionWriteParquet::writeRow(const OneRow &row)
 
 void ActionWriteParquet::complete()
 {
+    if (m_run->targets.isEmpty()) {
+        // Only a table that is split by value: the names of its files come from rows.
+        warn(u"Warning: the Parquet file '%1' is not written: no row is selected.\n"_s.arg(
+            fileName()));
+    }
     QStringList values = m_run->outputs.keys();
     values.sort(); // so that the first failure does not depend on the order of a hash table
     for (const QString &value : values) {

@@ -20,6 +20,18 @@ int terminalWidth(std::FILE *stream)
                                                                                 : kUsual;
 }
 
+void occupyStandardStreams()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(descriptor, F_GETFD) == -1) {
+            // The lowest free number is this one. The wrong direction, so that nothing gets lost
+            // silently.
+            static_cast<void>(
+                ::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+        }
+    }
+}
+
 std::FILE *takeErrorStream()
 {
     // Libraries write to the descriptor of standard error. Move it and put /dev/null in its place.

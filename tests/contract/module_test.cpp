@@ -3,6 +3,7 @@
 #include "corvanta/action_parameters.h"
 #include "corvanta/help.h"
 #include "corvanta/main_ui.h"
+#include "corvanta/params/saved_form.h"
 #include "corvanta/plugin_interface.h"
 #include "corvanta/update_class_widget.h"
 #include "tests/contract/fixed_actions.h"
@@ -22,6 +23,7 @@
 #include <sstream>
 
 using namespace Qt::StringLiterals;
+using corvanta::isAllowedValue;
 
 namespace {
 
@@ -290,6 +292,17 @@ void expectDescribed(const QVector<ParameterInfo> &infos, const char *type)
         EXPECT_FALSE(info.meaning.isEmpty() || info.label.isEmpty())
             << type << ' ' << info.name.toStdString();
         EXPECT_EQ(info.members.isEmpty(), info.type != ParameterInfo::Type::Structure);
+        // What messages about wrong values say, and the values that a run cannot do without.
+        EXPECT_TRUE(isAllowedValue(info, info.defaultValue)) << type << info.name.toStdString();
+        const bool isOpen = info.low < 0 || info.high >= info.choices.size();
+        EXPECT_FALSE((info.isNumberText || (!info.choices.isEmpty() && isOpen)) &&
+                     info.otherwise.isEmpty())
+            << type << ' ' << info.name.toStdString();
+        EXPECT_TRUE(info.required.isSet || info.file == ParameterInfo::File::None)
+            << type << ' ' << info.name.toStdString();
+        const QString &other = info.required.parameter;
+        EXPECT_TRUE(other.isEmpty() || knownNames(infos).attributes.contains(other))
+            << other.toStdString();
         expectDescribed(info.members, type);
     }
 }

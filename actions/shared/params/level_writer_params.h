@@ -67,7 +67,7 @@ template <class P> ParamGroup<P> valueForms(const char *nullForm, const char *em
             .meaning("What is written for a missing text cell."),
         choice<P>("nullNumber", &P::nullNumber,
                   {{MissingNumber::Null, nullForm}, {MissingNumber::LeaveOut, "leave it out"}})
-            .otherwise("writes the form of a missing value")
+            .orAnyNumber("writes the form of a missing value")
             .label("Missing number")
             .meaning("What is written for a missing whole or decimal number."),
         choice<P>("nan", &P::nan,

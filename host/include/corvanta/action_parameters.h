@@ -40,6 +40,8 @@ struct ParameterInfo
     bool isNumberText = false;
     /// Whether `${NAME}` in the value is replaced. File names are always expanded.
     bool isExpanded = false;
+    /// The text of the action's own element, if there is one, is the value.
+    bool isAlsoOwnText = false;
     /// What the action does with another value than those allowed. Empty: it uses the value that
     /// reading gives, such as the nearest bound.
     QString otherwise;

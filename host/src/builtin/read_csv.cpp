@@ -58,6 +58,21 @@ private:
     std::atomic<qint64> *m_done;
 };
 
+/// The letters of the parameter `types`, in the order of the columns.
+QStringList typeLetters(const QString &types)
+{
+    QStringList letters = types.isEmpty() ? QStringList() : types.split(u',');
+    for (QString &letter : letters) {
+        letter = letter.trimmed();
+    }
+    return letters;
+}
+
+bool isTypeLetter(const QString &letter)
+{
+    return letter == "K"_L1 || letter == "F"_L1 || letter == "U"_L1;
+}
+
 } // namespace
 
 ActionReadCsv::ActionReadCsv(const XMLNode &saved, GlobalParameters *parameters)
@@ -92,6 +107,17 @@ const ParamTable<ReadCsvParams> &ActionReadCsv::paramTable()
                 "Names of the columns that the table is declared sorted on, separated by commas."),
     };
     return table;
+}
+
+QVector<ParameterProblem> ActionReadCsv::problems() const
+{
+    QVector<ParameterProblem> problems = separatorProblems(m_params.separator);
+    for (const QString &letter : typeLetters(m_params.types)) {
+        if (!isTypeLetter(letter)) {
+            problems.append({u"types"_s, u"'%1' is not a column type (K, F, U)"_s.arg(letter)});
+        }
+    }
+    return problems;
 }
 
 float ActionReadCsv::computeCompletion()
@@ -204,12 +230,11 @@ QVector<QString> ActionReadCsv::columnNames() const
 /// Sets m_types for `columns` columns.
 bool ActionReadCsv::chooseTypes(qsizetype columns)
 {
-    const QStringList letters =
-        m_params.types.isEmpty() ? QStringList() : m_params.types.split(u',');
+    const QStringList letters = typeLetters(m_params.types);
     for (qsizetype i = 0; i < columns; ++i) {
         // Columns without a letter are texts, so a short list of types is accepted.
-        const QString letter = letters.value(i, u"U"_s).trimmed();
-        if (letter != "K"_L1 && letter != "F"_L1 && letter != "U"_L1) {
+        const QString letter = letters.value(i, u"U"_s);
+        if (!isTypeLetter(letter)) {
             return fail(u"Error: readCSV: '%1' is not a column type (K, F, U)\n"_s.arg(letter));
         }
         m_types << static_cast<MetaInfo::MetaTypeColumn>(letter[0].toLatin1());

@@ -32,6 +32,7 @@ class ActionReadCsv final : public ParamAction<ActionReadCsv, ReadCsvParams>
 public:
     ActionReadCsv(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<ReadCsvParams> &paramTable();
+    QVector<ParameterProblem> problems() const override;
     /// Threads: any. Unknown for pipes.
     float computeCompletion() override;
 

@@ -51,6 +51,11 @@ const ParamTable<WriteCsvParams> &ActionWriteCsv::paramTable()
     return table;
 }
 
+QVector<ParameterProblem> ActionWriteCsv::problems() const
+{
+    return separatorProblems(m_params.separator);
+}
+
 void ActionWriteCsv::start()
 {
     finish();

@@ -26,6 +26,7 @@ class ActionWriteCsv final : public ParamAction<ActionWriteCsv, WriteCsvParams>
 public:
     ActionWriteCsv(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<WriteCsvParams> &paramTable();
+    QVector<ParameterProblem> problems() const override;
 
 private:
     void start() override;

@@ -153,6 +153,9 @@ void ActionCheck::checkInput(const ParameterInfo &info, const QString &value)
 void ActionCheck::checkTargets()
 {
     for (const TargetUse &target : m_parameters.targets()) {
+        if (target.name.isEmpty()) {
+            continue; // reported as a required value
+        }
         const QFileInfo file(target.name);
         const bool isOld = target.access == TargetUse::Access::Update;
         if (isOld && !file.exists() && valueOf(u"createIfNotExists"_s) == "0"_L1) {
@@ -232,6 +235,7 @@ QStringList CorvantaGraph::outputs(const ActionRegistry &registry,
                           names << target.name;
                       }
                   });
+    names.removeAll(QString());
     names.removeDuplicates();
     return names;
 }

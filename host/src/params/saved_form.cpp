@@ -264,8 +264,12 @@ void Walk::visitText(const XMLNode &element, const QVector<ParameterInfo> &infos
     const auto content = std::find_if(infos.begin(), infos.end(), [](const ParameterInfo &info) {
         return info.place == Place::Content;
     });
+    const bool isValue = std::any_of(infos.begin(), infos.end(),
+                                     [](const ParameterInfo &info) { return info.isAlsoOwnText; });
     if (content == infos.end()) {
-        expectNoText(element, QString());
+        if (!isValue) {
+            expectNoText(element, QString());
+        }
     } else if (content->type == Type::Strings) {
         expectNoText(element, u"each text needs an element of its own, <s>TEXT</s>"_s);
         visitStrings(element, *content);

@@ -74,6 +74,12 @@ public:
         m_info.isExpanded = true;
         return std::move(*this);
     }
+    /// The text of the action's element, which the action reads itself, wins over the attribute.
+    Param &&orOwnText() &&
+    {
+        m_info.isAlsoOwnText = true;
+        return std::move(*this);
+    }
     /// What the action does with a value that is not allowed, for messages: "appends". Without it
     /// the message names the value that reading gives.
     Param &&otherwise(const char *effect) &&

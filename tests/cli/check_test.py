@@ -1,0 +1,316 @@
+#!/usr/bin/python3
+"""Mistakes in graphs and on the command line: check_test.py CORVANTA"""
+import json
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+CORVANTA = str(pathlib.Path(sys.argv.pop(1)).resolve())
+MODES = "allowed: 0 (Create a new Excel File (or overwrite an existing file)), 1 ("
+
+
+class Case(unittest.TestCase):
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory(prefix="corvanta_check_")
+        self.addCleanup(holder.cleanup)
+        self.folder = pathlib.Path(holder.name).resolve()
+        (self.folder / "in.csv").write_text("a,day\n1,2020-01-01\n")
+
+    def corvanta(self, *words, status=0, **more):
+        done = subprocess.run([CORVANTA, *words], cwd=self.folder, capture_output="stdout" not in more, text=True, timeout=60,
+                              check=False, **more)
+        self.assertEqual(done.returncode, status, f"{words}: {done.stderr}")
+        return done
+
+    def graph(self, *lines, reader="<readCSV fileName='in.csv'/>"):
+        """A graph of a reader `in` on line 2 and of `lines`, from line 3 on."""
+        text = "\n".join(["<graph version='4.11'>", f"<action id='in'>{reader}</action>", *lines, "</graph>"])
+        (self.folder / "g.graph").write_text(text)
+
+    def writer(self, parameters, name="w"):
+        """A linked action."""
+        return f"<action id='{name}'>{parameters}</action><link from='in:0' to='{name}:0'/>"
+
+    def problems(self, command, *words, status):
+        """Level and text after "Error: " or "Warning: " of each message."""
+        done = self.corvanta(command, "g.graph", "--log-format", "json", *words, status=status)
+        messages = [json.loads(line) for line in done.stderr.splitlines()]
+        return [(m["level"], m["message"].split(": ", 1)[1]) for m in messages]
+
+    def check(self, *expected):
+        """`expected`: parts of the only problem; check fails."""
+        found = self.problems("check", status=2)
+        self.assertEqual(len(found), 1, found)
+        for part in expected:
+            self.assertIn(part, found[0][1])
+        self.assertEqual(found[0][0], 1)
+
+
+class Mistakes(Case):
+    def test_each_is_an_error_of_check_and_a_warning_of_run(self):
+        cases = [
+            ("<writeExcel fileNameDestination='o.xlsx' sheetname='x'/>", ["unknown attribute 'sheetname'", "'sheetName'"]),
+            ("<writeExcel fileNameDestination='o.xlsx'><ToDat><s>day</s></ToDat></writeExcel>", ["'ToDat'", "name is 'ToDate'"]),
+            ("<writeExcel fileNameDestination='o.xlsx'><ToWrite>a</ToWrite></writeExcel>", ["text 'a' in 'ToWrite'", "<s>TEXT</s>"]),
+            ("<writeExcel fileNameDestination='o.xlsx'><ToWrite><x>a</x></ToWrite></writeExcel>", ["'x' of 'ToWrite'", "is 's'"]),
+            ("<writeExcel fileNameDestination='o.xlsx'><ToWrite><s>a</s></ToWrite><ToWrite><s>b</s></ToWrite></writeExcel>",
+             ["'ToWrite'", "more than once"]),
+            ("<writeExcel fileNameDestination='o.xlsx' mode='9'/>", ["'9' of 'mode'", MODES, "creates a new workbook"]),
+            ("<writeExcel fileNameDestination='o.xlsx' startRow='abc'/>", ["'abc' of 'startRow'", "a whole number from 0", "appends"]),
+            ("<writeExcel fileNameDestination='o.xlsx' crop='maybe'/>", ["'maybe' of 'crop'", "allowed: 0, 1", "uses 1"]),
+            ("<writeExcel fileNameDestination='o.xlsx' dateFormatExcel='99'/>", ["'99' of 'dateFormatExcel'", "uses 11"]),
+            ("<writeExcel fileNameDestination='o.xlsx' version='x'/>", ["'x' of 'version'", "a decimal number"]),
+            ("<writeExcel fileNameDestination='o.xlsx'>text</writeExcel>", ["the text 'text' in 'writeExcel' is not used"]),
+            ("<writeParquet file='o.parquet' pageSize='many'/>", ["'many' of 'pageSize'", "from 1 to 1048576", "uses 1"]),
+            ("<writeParquet file='o.parquet' segmentSize='1 MB'/>", ["'1 MB' of 'segmentSize'", "uses 1"]),
+            ("<writeJSON fileName='o.json'><Levels><Level><Item type='text' text='x'/></Level></Levels></writeJSON>",
+             ["'text' of 'type'", "0 (text), 1 (all columns as members)", "uses 0"]),
+            ("<writeJSON fileName='o.json'><Levels><Level><Item type='8'/><Item text='x'/></Level></Levels></writeJSON>",
+             ["'8' of 'type'", "writes nothing"]),
+            ("<writeJSON fileName='o.json'><Levels><Level nam='x'><Item text='x'/></Level></Levels></writeJSON>", ["'nam' of 'Level'"]),
+            ("<writeJSON fileName='o.json'><Levels><Lvl/><Level><Item text='x'/></Level></Levels></writeJSON>", ["'Lvl' of 'Levels'"]),
+            ("<writeJSON fileName='o.json'><Levels><Level><Itm/><Item text='x'/></Level></Levels></writeJSON>", ["'Itm' of 'Level'"]),
+            ("<writeJSON fileName='o.json'><Prefix a='1'>[</Prefix></writeJSON>", ["unknown attribute 'a' of 'Prefix'"]),
+            ("<writeCSV fileName='o.csv'><x/></writeCSV>", ["unknown element 'x' of 'writeCSV'"]),
+        ]
+        for parameters, parts in cases:
+            self.graph("", self.writer(parameters))
+            self.check("g.graph:4: the action 'w'", *parts)
+            ran = self.problems("run", status=0)
+            self.assertEqual(ran[0], (2, self.problems("check", status=2)[0][1]), parameters)
+            self.assertTrue(any(self.folder.glob("o.*")), parameters)
+            for path in self.folder.glob("o.*"):
+                path.unlink()
+            self.assertEqual(self.problems("run", "--strict", status=2), self.problems("check", status=2))
+            self.assertFalse(any(self.folder.glob("o.*")), parameters)
+
+    def test_actions_that_cannot_run_are_checked_too(self):
+        (self.folder / "t.xlsx").write_text("")
+        for parameters, parts in [
+                ("<writeReport output='o.xlsx' template='t.xlsx'><Chart type='99' name='c'/></writeReport>", ["'99' of 'type'", "uses 14"]),
+                ("<writeReport output='o.xlsx' template='t.xlsx'><Chart name='c'><axis pinIdx='x'>a</axis></Chart></writeReport>",
+                 ["'x' of 'pinIdx'", "a whole number"]),
+                ("<writeDocTable output='o.docx' template='t.xlsx'><v includeHeader='1'/></writeDocTable>", ["'includeHeaders'"]),
+                ("<writeSAS fileName='o.sas7bdat'><StringColDef><CD n='a' l='w'/></StringColDef></writeSAS>", ["'w' of 'l'"])]:
+            self.graph(self.writer(parameters))
+            found = self.problems("check", status=2)
+            for part in parts:
+                self.assertIn(part, found[0][1])
+            self.assertIn("cannot run", found[1][1])
+
+    def test_parts_of_the_graph(self):
+        self.graph(self.writer("<writeCSV fileName='o.csv'/>").replace("id=", "idx='1' id=").replace("<link", "<link too=''"))
+        found = self.problems("check", status=2)
+        self.assertIn("g.graph:3: unknown attribute 'idx' of 'action'; the nearest known name is 'id'", found[0][1])
+        self.assertIn("unknown attribute 'too' of 'link'; the nearest known name is 'to'", found[1][1])
+        self.graph("<variable name='v' value='1'><x/></variable>", "stray", self.writer("<writeCSV fileName='o.csv'/>"))
+        self.assertEqual([text for _, text in self.problems("check", status=2)],
+                         ["g.graph:1: the text 'stray' in 'graph' is not used", "g.graph:3: unknown element 'x' of 'variable'"])
+
+    def test_levels_of_readers(self):
+        (self.folder / "x.json").write_text('[{"a":1}]')
+        inline = "initialPath='' subtagName=''"
+        for content, parts in [
+                ("<readJSON fileName='x.json'><Level %s><e pth='a'/></Level></readJSON>", ["unknown attribute 'pth'", "'path'"]),
+                ("<readJSON fileName='x.json' %s><e path='a'/><Level/></readJSON>", ["'Level' of 'readJSON' is not used"]),
+                ("<readJSON fileName='x.json' subtagName='b'><Level %s><e path='a'/></Level></readJSON>", ["'subtagName'", "not used"]),
+                ("<readJSON fileName='x.json'><Levl %s/></readJSON>", ["unknown element 'Levl'", "'Level'"])]:
+            self.graph(reader=content % inline)
+            self.check("g.graph:2:", *parts)
+        for content in ("<readJSON fileName='x.json' %s><e path='a'/></readJSON>",
+                        "<readJSON fileName='x.json'><Level %s><e path='a'/></Level></readJSON>"):
+            self.graph(reader=content % inline)
+            self.assertEqual(self.problems("check", status=0), [])
+
+    def test_the_line_is_where_the_element_begins(self):
+        self.graph("", "<action id='w'><writeExcel\n\n  fileNameDestination='o.xlsx'\n  mode='9'>", "\n<ToDat\n/></writeExcel></action>",
+                   "<link from='in:0' to='w:0'/>")
+        self.assertEqual([text.split(": ")[0] for _, text in self.problems("check", status=2)], ["g.graph:4", "g.graph:9"])
+
+    def test_values_that_are_not_mistakes(self):
+        self.graph("<variable name='n' value='3'/>",
+                   self.writer("<writeExcel fileNameDestination='o.xlsx' startRow='${n}' sheetMode='7' crop='true' runExcel='no'/>"))
+        self.assertEqual(self.problems("check", status=0), [])
+
+
+class Missing(Case):
+    def test_inputs(self):
+        link = "<action id='n'><writeCSV fileName='n.csv'/></action><link from='in:0' to='n:0'/>"
+        for name in ("nope.csv", "nope*.csv", "nope.zip@a.csv", "."):
+            self.graph(link, reader=f"<ReadXBF fileName='{name}'/>")
+            self.check("g.graph:2: the action 'in' (ReadXBF): the file", name.split("@")[0])
+        self.graph(link, reader="<readParquet fileName='nope.parquet' abortIfMissing='0'/>")
+        self.assertEqual([level for level, _ in self.problems("check", status=0)], [2])
+        self.graph(reader="<readJSON fileName='in.c*'/>")
+        self.assertEqual(self.problems("check", status=0), [])
+        self.graph(self.writer("<writeExcel fileNameDestination='o.xlsx' fileNameSource='nope.xlsx' mode='3'/>"))
+        self.check("'fileNameSource'")
+        self.graph(self.writer("<writeExcel fileNameDestination='o.xlsx' fileNameSource='nope.xlsx'/>"))
+        self.assertEqual(self.problems("check", status=0), [], "a file that is not used")
+
+    def test_folders(self):
+        self.graph(self.writer("<writeJSON fileName='no/o.json'/>"))
+        self.check(f"folder '{self.folder}/no' of the target does not exist", "createDir='1'")
+        self.graph(self.writer("<writeJSON fileName='no/o.json' createDir='1'/>"))
+        self.problems("check", status=0)
+        (self.folder / "dir").mkdir()
+        self.graph(self.writer("<writeCSV fileName='dir'/>"))
+        self.check(f"target '{self.folder}/dir' is a folder")
+        self.assertIn("out' of the target", self.problems("check", "--out-dir", "out", status=2)[0][1])
+
+    def test_required_values(self):
+        empty = [("<writeCSV/>", "fileName"), ("<writeJSON fileName=''/>", "fileName"), ("<writeXML/>", "fileName"),
+                 ("<writeParquet/>", "file"), ("<writeExcel/>", "fileNameDestination"), ("<writeCSV fileName='${v}'/>", "fileName"),
+                 ("<writeExcel fileNameDestination='o.xlsx' mode='4'/>", "fileNameSource"),
+                 ("<writeJSON fileName='o.json' splitFile='1'/>", "splitCol"),
+                 ("<writeParquet file='o.parquet' split='1'/>", "splitVar"),
+                 ("<writeJSON fileName='o.json' writeAllRows='0'/>", "testCol"),
+                 ("<writeParquet file='o.parquet' writeAllColumns='0'/>", "ToWrite")]
+        for parameters, name in empty:
+            self.graph("<variable name='v' value=''/>", self.writer(parameters))
+            self.check(f"g.graph:4: the action 'w' ({parameters[1:].split()[0].split('/')[0]}): '{name}' is required and empty")
+        for reader in ("readCSV", "readJSON", "readXML", "readParquet", "ReadXBF"):
+            self.graph(reader=f"<{reader}/>")
+            self.check(f"({reader}): 'fileName' is required and empty")
+
+    def test_values_that_fail_a_run(self):
+        self.graph(reader="<readCSV fileName='in.csv' separator=',,' types='K,X'/>")
+        self.assertEqual([text.split(": ")[2] for _, text in self.problems("check", status=2)],
+                         ["the separator ',,' is not one ASCII character", "'X' is not a column type (K, F, U)"])
+
+
+class Hints(Case):
+    def test_writer_without_a_link(self):
+        self.graph("<action id='w'><writeCSV fileName='o.csv'/></action>")
+        self.assertEqual(self.problems("check", status=0), [(2, "g.graph:3: the action 'w' (writeCSV): no link leads to this writer")])
+
+    def test_variable_that_is_not_replaced(self):
+        for parameters in ("<writeExcel fileNameDestination='o.xlsx' namedRange='${y}'/>",
+                           "<writeExcel fileNameDestination='o.xlsx'><ToDate><s>${y}</s></ToDate></writeExcel>",
+                           "<writeJSON fileName='o.json'><Levels><Level><Item text='${y}'/></Level></Levels></writeJSON>"):
+            self.graph("<variable name='y' value='1'/>", self.writer(parameters))
+            found = [text for level, text in self.problems("check", status=0) if level == 2]
+            self.assertTrue(any("'${y}' is used literally" in text for text in found), found)
+        self.graph("<variable name='y' value='1'/>",
+                   self.writer("<writeJSON fileName='o${y}.json'><Prefix>${y}[</Prefix></writeJSON>"),
+                   self.writer("<writeExcel fileNameDestination='o.xlsx' sheetName='${y}' sheetIdx='${y}' dateFormat='${y}'/>", "x"))
+        self.assertEqual(self.problems("check", status=0), [])
+
+
+class Outputs(Case):
+    def test_are_listed(self):
+        self.graph("<variable name='y' value='7'/>", self.writer("<writeCSV fileName='o${y}.csv'/>", "a"),
+                   self.writer("<writeExcel fileNameDestination='b.xlsx'/>", "b"), self.writer("<writeParquet file='/tmp/c.parquet'/>", "c"))
+        (self.folder / "sub").mkdir()
+        done = self.corvanta("check", "g.graph", "--list-outputs", "--out-dir", "sub")
+        self.assertEqual(done.stdout.splitlines(), [f"{self.folder}/sub/o7.csv", f"{self.folder}/sub/b.xlsx", "/tmp/c.parquet"])
+        self.graph(self.writer("<writeCSV/>"))
+        self.assertEqual(self.corvanta("check", "g.graph", "--list-outputs", status=2).stdout, "")
+
+
+class CommandLine(Case):
+    def test_nearest_names(self):
+        for words, name in [("ruun g.graph", "run"), ("help chek", "check"), ("describe writeexcel", "writeExcel"),
+                            ("convert in.csv o.xlsx --wrter mode=1", "--writer"), ("run g.graph --sett a=1", "--set"),
+                            ("convert in.csv o.xlsx --writer sheetnam=x", "sheetName"), ("head in.csv --reader typs=K", "types")]:
+            self.assertIn(f"; the nearest known name is '{name}'", self.corvanta(*words.split(), status=2).stderr, words)
+        self.graph("<action id='w'><writeExel/></action>")
+        self.assertIn("'writeExel'; the nearest known name is 'writeExcel'", self.corvanta("run", "g.graph", status=2).stderr)
+
+    def test_values_of_parameters(self):
+        (self.folder / "x.json").write_text('[{"a":1}]')
+        for words, part in [("in.csv o.xlsx --writer mode=7", MODES), ("in.csv o.xlsx --writer crop=2", "allowed: 0, 1"),
+                            ("in.csv o.xlsx --writer startRow=x", "a whole number from 0"),
+                            ("in.csv o.parquet --writer pageSize=0", "a whole number from 1 to 1048576"),
+                            ("in.csv o.parquet --writer segmentSize=x", "a decimal number"),
+                            ("x.json o.csv --reader Level=x", "XML elements 'Level'"),
+                            ("x.json o.csv --reader Level=<Lvl/>", "XML elements 'Level'"),
+                            ("x.json o.csv --reader Level=<Level><e", "XML elements 'Level'"),
+                            ("in.csv o.json --writer Levels=<Levels><Level><Item/></Level></Levels><x/>", "unknown element 'x'")]:
+            self.assertIn(part, self.corvanta("convert", *words.split(" ", 3), status=2).stderr, words)
+            self.assertFalse(any(self.folder.glob("o.*")), words)
+
+    def test_variables_that_are_not_used(self):
+        self.graph("<variable name='year' value='1'/>", self.writer("<writeCSV fileName='${year}.csv'/>"))
+        for command in ("run", "check"):
+            found = self.problems(command, "--set", "yaer=2", status=2)
+            self.assertEqual(found, [(1, "--set yaer: the graph does not use the variable 'yaer'; the nearest known name is 'year'")])
+            self.problems(command, "--set", "year=2", status=0)
+        self.graph(self.writer("<writeCSV fileName='${outDir}/x.csv'/>"))
+        self.problems("run", "--set", f"outDir={self.folder}", status=0)
+
+    def test_usage_errors_for_programs(self):
+        for words in ("run", "run g.graph --nope", "nope", "convert a b", "convert in.csv o.xlsx --writer x=1", "check --set=a g.graph"):
+            for option in (["--log-format", "json"], ["--log-format=json"]):
+                done = self.corvanta(*words.split(), *option, status=2)
+                message = json.loads(done.stderr)
+                self.assertEqual((message["level"], message["severity"], done.stdout), (1, "error", ""), words)
+
+    def test_output_that_cannot_be_written(self):
+        for words in ("actions", "describe readCSV", "head in.csv", "schema in.csv", "--version", "help"):
+            for target in ("/dev/full", None):
+                with open(target or os.devnull, "wb") as out:
+                    close = None if target else lambda: os.close(1)
+                    done = self.corvanta(*words.split(), status=1, stdout=out, stderr=subprocess.PIPE, preexec_fn=close)
+                    self.assertIn("cannot write to standard output: ", done.stderr)
+
+    def test_module_that_is_not_found(self):
+        done = self.corvanta("actions", env={**os.environ, "CORVANTA_PLUGIN_PATH": "/no/where"})
+        self.assertIn("Warning: no module with actions found in the folder '/no/where'", done.stderr)
+
+    def test_control_characters(self):
+        (self.folder / "nul.csv").write_bytes(b"a\nb\0c\x1b[2Jd\r\xc2\x9be\n")
+        error = self.corvanta("convert", "nul.csv", "o.csv", "--reader", "types=K", status=1).stderr
+        self.assertIn(r"'b\x00c\x1b[2Jd\r\x9be' is not of type K", error)
+        error = self.corvanta("convert", "nul.csv", "o.csv", "--reader", "types=K", "--log-format", "json", status=1).stderr
+        self.assertIn("'b\0c\x1b[2Jd\r\x9be' is not of type K", json.loads(error)["message"])
+        self.assertIn(r"unknown command '\x1b[2J'", self.corvanta("\x1b[2J", status=2).stderr)
+
+    def test_summary(self):
+        (self.folder / "in.csv").write_text("a\n" + "1\n" * 1000)
+        self.graph(self.writer("<writeCSV fileName='o.csv'/>"), self.writer("<writeXML fileName='o.xml'/>", "x"))
+        summary = json.loads(self.corvanta("run", "g.graph", "--progress=always", "--log-format=json", "--tap",
+                                           "in:0=t.csv").stderr.splitlines()[-1])
+        self.assertEqual((summary["level"], summary["severity"], summary["action"]), (3, "info", ""))
+        self.assertEqual(summary["summary"]["rows"], 1000)
+        self.assertEqual(sorted(summary["summary"]["files"]), [f"{self.folder}/{name}" for name in ("o.csv", "o.xml", "t.csv")])
+        rate = summary["summary"]["megabytesPerSecond"] * summary["summary"]["seconds"]
+        self.assertAlmostEqual(rate, 0.002002)
+        last = self.corvanta("convert", "in.csv", "o.sas7bdat", "--progress", "always", "--quiet", status=1).stderr.splitlines()[-1]
+        self.assertRegex(last, r"[0-9]+ rows read in [0-9.]+ s \([0-9.]+ MB/s\), no file written")
+        for words in (["--progress", "auto"], ["--progress", "never"], []):
+            self.assertEqual(self.corvanta("convert", "in.csv", "o.csv", *words).stderr, "")
+
+    def test_help(self):
+        writes = next(line for line in self.corvanta("help", "convert").stdout.splitlines() if line.startswith("  writes"))
+        self.assertEqual(writes.split()[1:], "csv txt tsv tab json xml parquet xlsx".split())
+        self.assertRegex(self.corvanta("describe", "writeJSON").stdout,
+                         r"(?s)  Levels \(structure.*\n +Item \(structure.*\n +type \(integer, default 0\)\n.*\n +5 = elements of a level")
+
+
+class WritersWithoutRows(Case):
+    def test_say_so(self):
+        (self.folder / "in.csv").write_text("a\nx\n")
+        for rows, filter_, reason in [("a\n", "", "the input has no rows"),
+                                      ("a\nx\n", " writeAllRows='0' testCol='a' testValue='y'", "no row passes the test")]:
+            (self.folder / "in.csv").write_text(rows)
+            for action, name in (("writeJSON", "JSON"), ("writeXML", "XML")):
+                self.graph(self.writer(f"<{action} fileName='o'{filter_}/>"))
+                self.assertEqual(self.problems("run", status=0), [
+                    (2, f"the {name} file '{self.folder}/o' is not written: {reason} (alwaysWrite='1' writes a file without rows).\n")])
+                self.graph(self.writer(f"<{action} fileName='o2' alwaysWrite='1'{filter_}/>"))
+                self.assertEqual(self.problems("run", status=0), [])
+                (self.folder / "o2").unlink()
+        self.graph(self.writer("<writeJSON fileName='o'><Levels><Level><Item type='8'/></Level></Levels></writeJSON>"))
+        self.assertIn("nothing of the rows is written", self.problems("run", status=0)[1][1])
+        (self.folder / "in.csv").write_text("a\n")
+        self.graph(self.writer("<writeParquet file='o' split='1' splitVar='a'/>"))
+        self.assertIn("the Parquet file", self.problems("run", status=0)[-1][1])
+        self.assertFalse((self.folder / "o").exists())
+
+
+if __name__ == "__main__":
+    unittest.main()
