@@ -50,6 +50,7 @@ private:
         Occurrences notDates;
         Occurrences earlyDates;
         Occurrences cutTexts;
+        Occurrences oddTexts;
     };
     /// State of one run; recreated by start().
     struct RunState

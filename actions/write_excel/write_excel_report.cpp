@@ -59,13 +59,17 @@ void ActionWriteExcel::takeCellProblem(sheet::CellProblem problem, int column,
     const auto place = [&] {
         return u"'%1' in row %2"_s.arg(shown(text), QString::number(rowNumber()));
     };
+    const auto row = [&] { return u"in row %1"_s.arg(rowNumber()); };
     ColumnLosses &losses = m_run->losses[static_cast<size_t>(column)];
     switch (problem) {
     case sheet::CellProblem::LongText:
         warnLongCell();
         break;
     case sheet::CellProblem::CutText:
-        losses.cutTexts.add([&] { return u"in row %1"_s.arg(rowNumber()); });
+        losses.cutTexts.add(row);
+        break;
+    case sheet::CellProblem::OddText:
+        losses.oddTexts.add(row);
         break;
     case sheet::CellProblem::NotADate:
         losses.notDates.add(place);
@@ -154,6 +158,10 @@ void ActionWriteExcel::reportCells()
         reportCells(losses.cutTexts, u"text"_s, name,
                     (losses.cutTexts.count() == 1 ? u"is"_s : u"are"_s) +
                         u" cut to fewer than 32768 characters"_s);
+        reportCells(
+            losses.oddTexts, u"text"_s, name,
+            (losses.oddTexts.count() == 1 ? u"has"_s : u"have"_s) +
+                u" characters that XML cannot contain (U+FFFE and half surrogate pairs are replaced, U+FFFF is kept and the workbook may not open)"_s);
     }
 }
 

@@ -51,21 +51,23 @@ char *putControl(char *out, char16_t unit)
 }
 
 /// A unit from U+0080 on; a surrogate without its partner becomes U+FFFD.
-char *putWide(const char16_t *text, qsizetype n, char *out, int *taken)
+char *putWide(const char16_t *text, qsizetype n, char *out, int *taken, bool *isOdd)
 {
     const char16_t unit = text[0];
     if (!QChar::isSurrogate(unit)) {
+        *isOdd |= unit == 0xFFFF;
         return putUtf8(unit, out);
     }
     if (QChar::isHighSurrogate(unit) && n > 1 && QChar::isLowSurrogate(text[1])) {
         *taken = 2;
         return putUtf8(QChar::surrogateToUcs4(unit, text[1]), out);
     }
+    *isOdd = true;
     return putUtf8(kReplacementCharacter, out);
 }
 
 /// Escape the unit or surrogate pair at text[0]; `*taken` is the number of its units.
-char *escapeOne(const char16_t *text, qsizetype n, char *out, int *taken)
+char *escapeOne(const char16_t *text, qsizetype n, char *out, int *taken, bool *isOdd)
 {
     const char16_t unit = text[0];
     *taken = 1;
@@ -82,10 +84,11 @@ char *escapeOne(const char16_t *text, qsizetype n, char *out, int *taken)
         return put(out, "_x005F_", 7);
     }
     if (unit == 0xFFFE) {
+        *isOdd = true;
         *out++ = '_';
         return out;
     }
-    return putWide(text, n, out, taken);
+    return putWide(text, n, out, taken, isOdd);
 }
 
 /// Characters, in UTF-16 units, of an escaped piece that `taken` units became.
@@ -97,7 +100,7 @@ int charsOf(const char *begin, const char *end, int taken)
 
 } // namespace
 
-char *escapeText(const char16_t *text, qsizetype n, char *out)
+char *escapeText(const char16_t *text, qsizetype n, char *out, bool *isOdd)
 {
     const __m128i controls =
         _mm_set1_epi16(32); // compared as signed: units from 0x8000 on count as low
@@ -124,24 +127,24 @@ char *escapeText(const char16_t *text, qsizetype n, char *out)
         }
         const int plain = __builtin_ctz(static_cast<unsigned>(mask)) / 2;
         i += plain;
-        out = escapeOne(text + i, n - i, out + plain, &taken);
+        out = escapeOne(text + i, n - i, out + plain, &taken, isOdd);
         i += taken;
     }
     for (; i < n; i += taken) {
-        out = escapeOne(text + i, n - i, out, &taken);
+        out = escapeOne(text + i, n - i, out, &taken, isOdd);
     }
     return out;
 }
 
 qsizetype escapeLongText(const char16_t *text, qsizetype n, AtLimit atLimit, qsizetype maxChars,
-                         const std::function<void()> &tooLong, std::vector<char> *out)
+                         const std::function<void()> &tooLong, std::vector<char> *out, bool *isOdd)
 {
     out->clear();
     qsizetype chars = 0;
     int taken = 0;
     std::array<char, 16> piece{};
     for (qsizetype i = 0; i < n && chars <= maxChars; i += taken) {
-        char *const end = escapeOne(text + i, n - i, piece.data(), &taken);
+        char *const end = escapeOne(text + i, n - i, piece.data(), &taken, isOdd);
         const int pieceChars = charsOf(piece.data(), end, taken);
         if (chars + pieceChars >= kCellCharLimit) {
             tooLong();

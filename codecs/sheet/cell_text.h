@@ -29,8 +29,10 @@ inline constexpr qsizetype kShortTextUnits = (kCellCharLimit - 1) / kMaxBytesPer
 
 /// Escape cell text into UTF-8: "<", "&", control characters as _x00HH_, an underscore that starts
 /// such a form as _x005F_, U+FFFE as "_"; ">" and quotes are unchanged. `out` has room for n *
-/// kMaxBytesPerUnit + kEscapeSlackBytes. Returns the end of the result.
-char *escapeText(const char16_t *text, qsizetype n, char *out);
+/// kMaxBytesPerUnit + kEscapeSlackBytes. Returns the end of the result. `*isOdd` is set to true for
+/// a text with units that no sheet can hold: U+FFFE and lone surrogates, which are replaced, and
+/// U+FFFF, which is copied.
+char *escapeText(const char16_t *text, qsizetype n, char *out, bool *isOdd);
 
 /// What escapeLongText() does at kCellCharLimit.
 enum class AtLimit {
@@ -43,7 +45,7 @@ enum class AtLimit {
 /// Stops when the text grows beyond `maxChars` characters. Returns the characters (UTF-16 units of
 /// the escaped text); more than `maxChars` if it stopped there.
 qsizetype escapeLongText(const char16_t *text, qsizetype n, AtLimit atLimit, qsizetype maxChars,
-                         const std::function<void()> &tooLong, std::vector<char> *out);
+                         const std::function<void()> &tooLong, std::vector<char> *out, bool *isOdd);
 
 /// Column letters of a 0-based position: 0 -> A, 25 -> Z, 26 -> AA. There is no upper limit;
 /// spreadsheet programs read columns up to XFD (16383).

@@ -309,9 +309,18 @@ bool SheetWriter::putEscaped(int column, const Markup &opening, std::u16string_v
     }
     appendReference(column);
     append(opening);
-    m_out = escapeText(text.data(), n, m_out);
+    m_out = escapeText(text.data(), n, m_out, &m_isOdd);
     append(closing);
+    if (m_isOdd) {
+        reportOddText(column, text);
+    }
     return true;
+}
+
+void SheetWriter::reportOddText(int column, std::u16string_view text)
+{
+    m_isOdd = false;
+    m_report(CellProblem::OddText, column, text);
 }
 
 bool SheetWriter::putLongEscaped(int column, const Markup &opening, std::u16string_view text,
@@ -322,7 +331,10 @@ bool SheetWriter::putLongEscaped(int column, const Markup &opening, std::u16stri
     const auto problem = m_options.crop ? CellProblem::CutText : CellProblem::LongText;
     const qsizetype chars = escapeLongText(
         text.data(), static_cast<qsizetype>(text.size()), atLimit, kMaxCellChars,
-        [&] { m_report(problem, column, text); }, &m_longText);
+        [&] { m_report(problem, column, text); }, &m_longText, &m_isOdd);
+    if (m_isOdd) {
+        reportOddText(column, text);
+    }
     if (chars > kMaxCellChars) {
         m_error = Error::TextTooLong;
         return false;

@@ -46,6 +46,7 @@ struct SheetOptions
 enum class CellProblem : quint8 {
     LongText,  ///< written whole, though longer than kCellCharLimit; reported for each piece
     CutText,   ///< cut to kCellCharLimit
+    OddText,   ///< has characters that a sheet cannot hold; see escapeText()
     NotADate,  ///< does not have the date format; the cell is left out
     EarlyDate, ///< before the first day of the workbook; the cell is left out
 };
@@ -158,6 +159,7 @@ private:
     bool putLink(int column, const LinkText &link);
     bool putEscaped(int column, const Markup &opening, std::u16string_view text,
                     const Markup &closing);
+    void reportOddText(int column, std::u16string_view text);
     /// putEscaped() for a text that may reach kCellCharLimit.
     bool putLongEscaped(int column, const Markup &opening, std::u16string_view text,
                         const Markup &closing);
@@ -181,6 +183,7 @@ private:
     char *m_out = nullptr;
     char *m_end = nullptr;
 
+    bool m_isOdd = false; // of the last text
     std::vector<char> m_longText;
     QHash<QString, qint64> m_urlNumbers; // of m_urls, from 1
     QStringList m_urls;
