@@ -35,7 +35,7 @@ void FileSeries::start(Format &format, const QStringList &files, Options options
 
 void FileSeries::finish()
 {
-    setCurrent(nullptr);
+    closeCurrent();
 }
 
 float FileSeries::fractionDone(std::optional<float> withoutFile)
@@ -71,12 +71,20 @@ void FileSeries::setCurrent(std::unique_ptr<SeriesFile> file)
     }
 }
 
+void FileSeries::closeCurrent()
+{
+    if (m_current) {
+        m_current->beforeClose();
+    }
+    setCurrent(nullptr);
+}
+
 // ---- Opening.
 
 /// The file before is closed first: two open files would need twice the memory.
 bool FileSeries::openNext()
 {
-    setCurrent(nullptr);
+    closeCurrent();
     while (m_nextFile < m_files.size() && m_action.runIsGood()) {
         const QString name = m_files[m_nextFile++];
         auto opened = openWithRetries(name);
@@ -98,10 +106,12 @@ FileSeries::Opened FileSeries::openWithRetries(const QString &name)
     Opened opened = m_format->openFile(name);
     const auto isMissing = [&] { return !opened && opened.fault().code == OpenError::Missing; };
     if (isMissing()) {
+        m_isRetrying = true;
         retryOpening(name, m_options.retries, m_action.control(), [&] {
             opened = m_format->openFile(name);
             return !isMissing();
         });
+        m_isRetrying = false;
     }
     return opened;
 }

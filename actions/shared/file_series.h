@@ -52,6 +52,10 @@ public:
     /// Called after End: last warnings and checks. Returns false when the run has failed.
     virtual bool finish() { return true; }
 
+    /// Called before the file is closed, also when the run ends early or has failed: what has been
+    /// counted so far is reported here.
+    virtual void beforeClose() {}
+
     /// Fraction delivered, 0 to 1.
     virtual float fractionDone() const = 0;
 
@@ -137,6 +141,9 @@ public:
     /// Close the open file. May be called without start(), and twice.
     void finish();
 
+    /// True while the format opens a missing file again: what it has reported then, it need not
+    /// repeat.
+    bool isRetrying() const { return m_isRetrying; }
     /// True after the first openNext().
     bool hasBegun() const { return m_nextFile > 0; }
     /// True once the columns are known: with or without a file.
@@ -156,6 +163,7 @@ private:
     bool report(OpenError error, const QString &name);
     void use(std::unique_ptr<SeriesFile> file, const QString &name);
     void setCurrent(std::unique_ptr<SeriesFile> file);
+    void closeCurrent();
     void describeColumns(const TableSchema &columns);
     bool checkColumns(const QString &name);
     std::optional<ColumnMismatch> findMismatch(const TableSchema &columns) const;
@@ -168,6 +176,7 @@ private:
     Options m_options;
     QStringList m_files;
     qsizetype m_nextFile = 0;
+    bool m_isRetrying = false;
     bool m_hasColumns = false;
     TableSchema m_columns; // of the first file
     int m_columnCount = 0;

@@ -40,7 +40,9 @@ class LevelRun::File final : public SeriesFile
 public:
     File(LevelRun &run, const QString &name)
         : m_run(run)
-        , m_input(run.m_action.globalParameters(), run.m_action.control(), name, true)
+        , m_input(run.m_action.globalParameters(), run.m_action.control(), name, true,
+                  run.m_series.isRetrying() ? InputFile::Report::Nothing
+                                            : InputFile::Report::Failure)
     {
     }
     RunInput &input() { return m_input; }

@@ -99,14 +99,16 @@ void logOpenFailure(const InputName &parts, const Fault<OpenError> &fault)
 
 } // namespace
 
-InputFile::InputFile(GlobalParameters *parameters, const QString &name, bool)
+InputFile::InputFile(GlobalParameters *parameters, const QString &name, bool, Report report)
     : m_parameters(parameters)
 {
     const InputName parts = input::parseInputName(name);
     m_kind = parts.kind;
     auto opened = openSource(parameters, parts);
     if (!opened) {
-        logOpenFailure(parts, opened.fault());
+        if (report == Report::Failure) {
+            logOpenFailure(parts, opened.fault());
+        }
         m_openFailure = opened.fault().detail;
         return;
     }

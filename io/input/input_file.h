@@ -23,10 +23,14 @@ class InputSource;
 class InputFile final : public ByteSource
 {
 public:
+    /// Whether a failure to open is logged. Nothing: it was, or another attempt will do it.
+    enum class Report : bool { Nothing, Failure };
+
     /// Open `name`, which is expanded already; check isOpen(). `shared` has no effect: other
     /// programs may always continue to write the file. Logs why a .gz, .Z or RAR file cannot be
     /// opened, but nothing for other kinds: the reader reports those.
-    InputFile(GlobalParameters *parameters, const QString &name, bool shared);
+    InputFile(GlobalParameters *parameters, const QString &name, bool shared,
+              Report report = Report::Failure);
     ~InputFile() override;
 
     /// Whether the file was opened. Pipes and devices open, too; they are read once, in order, and

@@ -15,8 +15,8 @@ public:
     /// Open `name` (already expanded); see InputFile and check file.isOpen(). `control` must
     /// outlive this object.
     RunInput(GlobalParameters *parameters, const RunControl &control, const QString &name,
-             bool shared)
-        : file(parameters, name, shared)
+             bool shared, InputFile::Report report = InputFile::Report::Failure)
+        : file(parameters, name, shared, report)
         , m_control(control)
     {
     }
