@@ -33,32 +33,34 @@ QStringList existing(const QString &path)
     return {};
 }
 
-} // namespace
-
-QStringList memoFileNames(const QString &file, const InputFile &table)
+/// The names with one extension, which begins with its dot.
+QStringList namesWith(const QString &extension, const QString &file, const InputFile &table)
 {
-    // dBase before FoxPro: a folder may hold both after a conversion.
-    const QStringList extensions{u".dbt"_s, u".fpt"_s};
-    QStringList names;
     if (table.kind() == input::Kind::Rar) {
-        return names; // of a RAR archive only the first entry can be read
+        return {}; // of a RAR archive only the first entry can be read
     }
     if (table.kind() == input::Kind::Zip) {
         // Members are found in any letter case. Listing them here would read the directory again.
-        const QString stem = table.name() + u'@' + withoutExtension(table.memberName());
-        for (const QString &extension : extensions) {
-            names << stem + extension;
-        }
-        return names;
+        return {table.name() + u'@' + withoutExtension(table.memberName()) + extension};
+    }
+    if (table.kind() == input::Kind::Plain) {
+        return existing(withoutExtension(file) + extension);
     }
     // A packed table may have a plain or a packed memo file.
-    const bool isPacked = table.kind() != input::Kind::Plain;
-    const QString packing = isPacked ? file.mid(file.lastIndexOf(u'.')) : QString();
-    const QString stem = withoutExtension(isPacked ? withoutExtension(file) : file);
-    for (const QString &extension : extensions) {
-        names << existing(stem + extension);
-        if (isPacked) {
-            names << existing(stem + extension + packing);
+    const QString packing = file.mid(file.lastIndexOf(u'.'));
+    const QString name = withoutExtension(withoutExtension(file)) + extension;
+    return existing(name) + existing(name + packing);
+}
+
+} // namespace
+
+std::vector<MemoName> memoFileNames(const QString &file, const InputFile &table, bool isFoxPro)
+{
+    // A folder may hold both after a conversion: the table's own kind comes first.
+    std::vector<MemoName> names;
+    for (const bool isFpt : {isFoxPro, !isFoxPro}) {
+        for (const QString &name : namesWith(isFpt ? u".fpt"_s : u".dbt"_s, file, table)) {
+            names.push_back({name, isFpt});
         }
     }
     return names;

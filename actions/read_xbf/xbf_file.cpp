@@ -1,6 +1,5 @@
 #include "actions/read_xbf/xbf_file.h"
 
-#include "actions/read_xbf/memo_name.h"
 #include "base/checked.h"
 #include "io/input/whole_input.h"
 
@@ -48,6 +47,7 @@ FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
         return Fault{FileSeries::OpenError::Failed};
     }
     file->m_reader = *std::move(reader);
+    file->warnColumns();
     // Without its memo file a table is read all the same.
     if (params.useDBT && file->m_reader->header().hasMemoFields()) {
         file->openMemo(params);
@@ -60,33 +60,34 @@ void XbfFile::openMemo(const ReadXbfParams &params)
 {
     QString reason;
     // The first name that opens: a table has one memo file.
-    for (const QString &name : memoFileNames(m_name, m_input->file)) {
-        auto input = openInput(name);
+    const dbf::TableHeader &header = m_reader->header();
+    for (const MemoName &name : memoFileNames(m_name, m_input->file, header.isFoxPro)) {
+        auto input = openInput(name.name);
         if (!input->file.isOpen()) {
-            reason +=
-                u"%1'%2': %3"_s.arg(reason.isEmpty() ? u""_s : u"; "_s, name, input->file.reason());
+            reason += u"%1'%2': %3"_s.arg(reason.isEmpty() ? u""_s : u"; "_s, name.name,
+                                          input->file.reason());
             continue;
         }
         useMemo(name, std::move(input), params);
         return;
     }
     // A table may have memo fields that were never filled, and then no memo file.
-    if (m_reader->header().announcesMemoFile()) {
+    m_reportsMissingMemos = !header.announcesMemoFile();
+    if (header.announcesMemoFile()) {
         m_action.warn(u"Warning: cannot open memo file\n"_s, reason);
     }
 }
 
-void XbfFile::useMemo(const QString &name, std::unique_ptr<RunInput> input,
+void XbfFile::useMemo(const MemoName &name, std::unique_ptr<RunInput> input,
                       const ReadXbfParams &params)
 {
-    // A .fpt file has the FoxPro layout, whatever the version of the table.
-    const bool isFoxPro = name.section(u'/', -1).contains(u".fpt"_s, Qt::CaseInsensitive);
     // Memo texts are read in any order: a packed file would start again for each.
     const bool inMemory = params.dbtInRam || !input->file.isRandomAccess();
-    m_memoName = name;
+    m_memoName = name.name;
     m_memoInput = std::move(input);
+    // A .fpt file has the FoxPro layout, whatever the version of the table.
     m_memo = std::make_unique<dbf::MemoFile>(
-        *m_memoInput, isFoxPro ? dbf::MemoFormat::FoxPro : dbf::memoFormatOf(m_reader->header()),
+        *m_memoInput, name.isFpt ? dbf::MemoFormat::FoxPro : dbf::memoFormatOf(m_reader->header()),
         inMemory ? dbf::MemoFile::Access::InMemory : dbf::MemoFile::Access::Buffered,
         bufferBytes(params));
     m_reader->setMemoFile(m_memo.get());
@@ -148,12 +149,29 @@ bool XbfFile::putCells(OneRow &row)
 /// The checksum of a packed file is at its end, after bytes that no record needs.
 bool XbfFile::finish()
 {
-    warnFindings();
+    warnCounts();
     return m_input->file.isRandomAccess() || readToEnd(*m_input) || fail({dbf::Error::Unreadable});
 }
 
+/// The parts of records that no column has.
+void XbfFile::warnColumns()
+{
+    const dbf::TableHeader &header = m_reader->header();
+    if (const Occurrences &fields = header.skippedFields; fields.any()) {
+        m_action.warn(
+            u"Warning: %2 columns of the DBF file '%1' are left out, because their types are not known; the first is %3\n"_s
+                .arg(m_name, QString::number(fields.count()), fields.first()));
+    }
+    if (header.fieldBytes < header.recordBytes) {
+        m_action.warn(
+            u"Warning: the columns that the header of the DBF file '%1' describes take %2 of the %3 bytes of a record: the others are not read\n"_s
+                .arg(m_name, QString::number(header.fieldBytes),
+                     QString::number(header.recordBytes)));
+    }
+}
+
 /// The header's count is an upper limit: a table may end before it, and later records are not read.
-void XbfFile::warnFindings()
+void XbfFile::warnCounts()
 {
     const dbf::Findings &findings = m_reader->findings();
     const quint32 count = m_reader->header().recordCount;
@@ -167,11 +185,30 @@ void XbfFile::warnFindings()
             u"Warning: the DBF file '%1' has more than the %2 records that its header says: they are not read\n"_s
                 .arg(m_name, QString::number(count)));
     }
-    if (findings.unreadableMemos > 0) {
-        m_action.warn(
-            u"Warning: %2 memo texts of the DBF file '%1' cannot be found in its memo file\n"_s.arg(
-                m_name, QString::number(findings.unreadableMemos)));
+}
+
+void XbfFile::warnValues()
+{
+    const auto warnOf = [this](const Occurrences &values, const QString &text) {
+        if (values.any()) {
+            m_action.warn(text.arg(m_name, QString::number(values.count()), values.first()));
+        }
+    };
+    const dbf::Findings &findings = m_reader->findings();
+    warnOf(
+        findings.unreadableMemos,
+        u"Warning: %2 memo texts of the DBF file '%1' cannot be found in its memo file; the first is in %3\n"_s);
+    if (m_reportsMissingMemos) {
+        warnOf(
+            findings.memosWithoutFile,
+            u"Warning: %2 memo texts of the DBF file '%1' are missing, because it has no memo file; the first is in %3\n"_s);
     }
+    warnOf(
+        findings.badValues,
+        u"Warning: %2 values of the DBF file '%1' are not valid for the type of their column and become missing; the first is in %3\n"_s);
+    warnOf(
+        findings.badTexts,
+        u"Warning: %2 texts of the DBF file '%1' are not valid in the encoding, and the bytes concerned are replaced; the first is in %3\n"_s);
 }
 
 // ---- Failures.

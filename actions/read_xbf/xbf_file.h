@@ -1,5 +1,6 @@
 // One open table of ReadXBF, with its memo file: its columns and rows.
 #pragma once
+#include "actions/read_xbf/memo_name.h"
 #include "actions/read_xbf/read_xbf_params.h"
 #include "actions/shared/file_series.h"
 #include "codecs/dbf/table_reader.h"
@@ -24,6 +25,8 @@ public:
     /// Warns about records that the header does not count, and verifies the checksum of a packed
     /// file.
     bool finish() override;
+    /// Warns about values that could not be read.
+    void beforeClose() override { warnValues(); }
     /// Of the bytes of the (packed) file.
     float fractionDone() const override;
 
@@ -32,12 +35,15 @@ private:
     // Opening.
     std::unique_ptr<RunInput> openInput(const QString &name) const;
     void openMemo(const ReadXbfParams &params);
-    void useMemo(const QString &name, std::unique_ptr<RunInput> input, const ReadXbfParams &params);
+    void useMemo(const MemoName &name, std::unique_ptr<RunInput> input,
+                 const ReadXbfParams &params);
 
     // Rows and messages. Functions that return a bool return false when the run has failed or
     // ended.
     bool putCells(OneRow &row);
-    void warnFindings();
+    void warnColumns();
+    void warnCounts();
+    void warnValues();
     bool fail(const Fault<dbf::Error> &fault);
     bool failOnInput(const RunInput &input, const QString &name, const QString &otherwise);
 
@@ -45,6 +51,8 @@ private:
     const QString m_name;
     /// Empty while no memo file is open.
     QString m_memoName;
+    /// Texts are wanted, and nothing has been said about a missing memo file.
+    bool m_reportsMissingMemos = false;
     // Members are destroyed in reverse order: each uses those above it.
     std::unique_ptr<RunInput> m_input;
     std::unique_ptr<RunInput> m_memoInput;

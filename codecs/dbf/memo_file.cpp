@@ -39,6 +39,9 @@ MemoFormat memoFormatOf(const TableHeader &header)
     if (header.version == 0x83 || header.version == 0x87) {
         return MemoFormat::Dbase3;
     }
+    if (header.version == 0x03) { // says that there is no memo file
+        return MemoFormat::Dbase3Or4;
+    }
     return header.isFoxPro ? MemoFormat::FoxPro : MemoFormat::Dbase4;
 }
 
@@ -92,7 +95,7 @@ void MemoFile::readBlockSize(QByteArrayView head)
 {
     if (m_format == MemoFormat::FoxPro && head.size() >= 8) {
         m_blockBytes = loadBE<quint16>(head.data() + 6);
-    } else if (m_format == MemoFormat::Dbase4 && head.size() >= 22) {
+    } else if (m_format != MemoFormat::Dbase3 && head.size() >= 22) {
         m_blockBytes = loadLE<quint16>(head.data() + 20);
     }
     if (m_blockBytes == 0) {
@@ -176,12 +179,38 @@ Result<std::optional<QByteArrayView>, Error> MemoFile::countedText(qint64 offset
     return std::optional(whole->sliced(kTextHeaderBytes));
 }
 
+/// Replace Dbase3Or4 by the format of the text in `block`, if that block is in the file.
+Result<void, Error> MemoFile::chooseFormat(quint32 block)
+{
+    const qint64 offset = block * m_blockBytes;
+    if (offset <= m_size - kTextHeaderBytes) {
+        const auto header = bytesAt(offset, kTextHeaderBytes);
+        if (!header) {
+            return header.fault();
+        }
+        if (loadLE<quint32>(header->data()) == kDbase4Mark) {
+            m_format = MemoFormat::Dbase4;
+            return {};
+        }
+    }
+    if (block * kDefaultBlockBytes < m_size) {
+        m_format = MemoFormat::Dbase3;
+        m_blockBytes = kDefaultBlockBytes;
+    }
+    return {};
+}
+
 Result<std::optional<QByteArrayView>, Error> MemoFile::text(quint32 block)
 {
     if (!m_isPrepared) {
         auto prepared = prepare();
         if (!prepared) {
             return prepared.fault();
+        }
+    }
+    if (m_format == MemoFormat::Dbase3Or4 && block != 0) {
+        if (auto chosen = chooseFormat(block); !chosen) {
+            return chosen.fault();
         }
     }
     const qint64 offset = block * m_blockBytes; // below 2^48

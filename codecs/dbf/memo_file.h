@@ -20,6 +20,8 @@ enum class MemoFormat : quint8 {
     Dbase4,
     /// FoxPro (.fpt): like Dbase4 with other headers, big-endian.
     FoxPro,
+    /// Dbase4 if the first text has its header, else Dbase3: the version of the table says neither.
+    Dbase3Or4,
 };
 
 /// The format of the table's memo file if its name ends with .dbt. An .fpt file is always FoxPro.
@@ -51,13 +53,14 @@ private:
     Result<void, Error> prepare();
     Result<void, Error> load();
     void readBlockSize(QByteArrayView head);
+    Result<void, Error> chooseFormat(quint32 block);
     View bytesAt(qint64 offset, qint64 n);
     Result<std::optional<QByteArrayView>, Error> endedText(qint64 offset);
     Result<std::optional<QByteArrayView>, Error> countedText(qint64 offset);
     std::optional<qint64> textLength(QByteArrayView header, qint64 offset) const;
 
     ByteSource &m_source;
-    const MemoFormat m_format;
+    MemoFormat m_format; // Dbase3Or4 until the first text
     const Access m_access;
     const qint64 m_bufferBytes;
     bool m_isPrepared = false;

@@ -187,11 +187,16 @@ Result<void, Error> chooseColumns(const std::vector<Field> &fields, TableHeader 
             return Fault<Error>{Error::UnsupportedField,
                                 QLatin1Char(field.type) + QString::fromLatin1(field.name)};
         }
-        if (!rule.isSkipped) {
-            field.cell = rule.cell;
-            field.conversion = rule.conversion;
-            header->fields.push_back(field);
+        if (rule.isSkipped) {
+            header->skippedFields.add([&] {
+                return QStringLiteral("'%1' of type '%2'")
+                    .arg(QString::fromLatin1(field.name), QString(QLatin1Char(field.type)));
+            });
+            continue;
         }
+        field.cell = rule.cell;
+        field.conversion = rule.conversion;
+        header->fields.push_back(field);
     }
     return {};
 }
@@ -211,6 +216,7 @@ std::optional<TableHeader> parseDbase2(QByteArrayView bytes)
     header.recordBytes = loadLE<quint16>(bytes.data() + 6);
     const DescriptorList descriptors =
         readDescriptors(bytes.first(kDbase2HeaderBytes), kDbase2Layout);
+    header.fieldBytes = descriptors.recordBytes;
     if (descriptors.fields.empty() || descriptors.recordBytes != header.recordBytes ||
         !chooseColumns(descriptors.fields, &header)) {
         return std::nullopt;
@@ -254,6 +260,7 @@ Result<TableHeader, Error> parse(QByteArrayView bytes, TableHeader header)
     if (descriptors.recordBytes > header.recordBytes) {
         return badHeader(QStringLiteral("its fields do not fit its record length"), 10);
     }
+    header.fieldBytes = descriptors.recordBytes;
     auto chosen = chooseColumns(descriptors.fields, &header);
     if (!chosen) {
         return chosen.fault();

@@ -5,6 +5,7 @@
 #pragma once
 #include "base/byte_source.h"
 #include "base/cell.h"
+#include "base/occurrences.h"
 #include "base/result.h"
 
 #include <QByteArray>
@@ -88,6 +89,10 @@ struct TableHeader
     int recordBytes = 0;
     /// The fields that become columns, in file order.
     std::vector<Field> fields;
+    /// The fields of unknown types, which have no column. The place is name and type.
+    Occurrences skippedFields;
+    /// The part of a record that all descriptors cover, with the deletion flag.
+    int fieldBytes = 0;
 
     bool hasMemoFields() const;
     /// Whether the header announces a memo file.

@@ -209,7 +209,8 @@ void TableReader::chooseNumberForm()
             votes.plain += one.plain;
         }
     }
-    m_hasSortingNumbers = votes.sorting > votes.plain;
+    // dBase 7 itself wrote most tables of this layout: 0 is 80 00 00 00, which votes for both.
+    m_hasSortingNumbers = votes.sorting >= votes.plain;
 }
 
 Fault<Error> TableReader::shortTable() const
@@ -273,9 +274,16 @@ QByteArrayView TableReader::trimmedDigits(const char *bytes, int n)
     return {bytes, n};
 }
 
-quint32 TableReader::logicalKey(const char *bytes, int n)
+/// Record and column, for people.
+QString TableReader::placeOf(const Field &field) const
 {
-    switch (n > 0 ? *bytes : ' ') {
+    return QStringLiteral("record %1, column '%2'")
+        .arg(QString::number(m_findings.records), m_decoder.decode(field.name));
+}
+
+quint32 TableReader::logicalKey(const Field &field)
+{
+    switch (field.length > 0 ? *bytesOf(field) : ' ') {
     case 'T':
     case 't':
     case 'Y':
@@ -286,7 +294,12 @@ quint32 TableReader::logicalKey(const char *bytes, int n)
     case 'N':
     case 'n':
         return 0;
+    case '?': // not yet entered
+    case ' ':
+    case '\0':
+        return cell::kMissingKey;
     default:
+        m_findings.badValues.add([&] { return placeOf(field); });
         return cell::kMissingKey;
     }
 }
@@ -328,13 +341,16 @@ TableReader::Moment TableReader::momentOf(const char *bytes) const
 }
 
 /// Print "yyyyMMdd hh:mm:ss" to `out`. Returns an empty view if the field holds no valid time.
-QByteArrayView TableReader::putTimestamp(const Field &field, std::array<char, 17> *out) const
+QByteArrayView TableReader::putTimestamp(const Field &field, std::array<char, 17> *out)
 {
     if (field.length < 8) {
         return {};
     }
     auto [julianDay, ms] = momentOf(bytesOf(field));
     if (julianDay < kFirstDay || julianDay > kLastDay || ms >= kDayMs) {
+        if (!std::all_of(bytesOf(field), bytesOf(field) + 8, isPadding)) {
+            m_findings.badValues.add([&] { return placeOf(field); });
+        }
         return {};
     }
     // FoxPro computes with fractions of a day and often stores a full second one millisecond short.
@@ -365,7 +381,7 @@ quint32 TableReader::memoBlock(const Field &field)
     const std::string_view text(digits.data(), static_cast<size_t>(digits.size()));
     quint64 block = 0;
     if (!text.empty() && !parseUInt(text, 0xFFFFFFFFU, &block)) {
-        ++m_findings.unreadableMemos;
+        m_findings.unreadableMemos.add([&] { return placeOf(field); });
     }
     return static_cast<quint32>(block);
 }
@@ -374,6 +390,9 @@ quint32 TableReader::memoBlock(const Field &field)
 QByteArrayView TableReader::memoText(const Field &field)
 {
     const quint32 block = memoBlock(field);
+    if (block != 0 && m_memo == nullptr) {
+        m_findings.memosWithoutFile.add([&] { return placeOf(field); });
+    }
     if (block == 0 || m_memo == nullptr) {
         return {};
     }
@@ -382,7 +401,9 @@ QByteArrayView TableReader::memoText(const Field &field)
         m_fault = text.fault();
         return {};
     }
-    m_findings.unreadableMemos += text->has_value() ? 0 : 1;
+    if (!text->has_value()) {
+        m_findings.unreadableMemos.add([&] { return placeOf(field); });
+    }
     return text->value_or(QByteArrayView());
 }
 

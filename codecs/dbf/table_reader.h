@@ -4,10 +4,12 @@
 // Threads: one thread at a time per object; separate objects are independent.
 #pragma once
 #include "base/cell.h"
+#include "base/occurrences.h"
 #include "codecs/dbf/memo_file.h"
 #include "codecs/dbf/table_header.h"
 #include "codecs/dbf/text_decoder.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <vector>
@@ -19,8 +21,14 @@ struct Findings
 {
     /// Records read, with deleted ones.
     quint64 records = 0;
-    /// Memo fields that refer to no valid text.
-    quint64 unreadableMemos = 0;
+    /// Memo fields that refer to no valid text, or to a text although there is no memo file. Places
+    /// name record and column.
+    Occurrences unreadableMemos;
+    Occurrences memosWithoutFile;
+    /// Logical values and times that are missing because their bytes mean nothing.
+    Occurrences badValues;
+    /// Texts with bytes that are not valid in the encoding.
+    Occurrences badTexts;
     /// The end mark comes before the number of records in the header is reached.
     bool endsBeforeCount = false;
     /// More records follow than the number of records in the header.
@@ -79,7 +87,7 @@ private:
 
     static QByteArrayView trimmedText(const char *bytes, int n);
     static QByteArrayView trimmedDigits(const char *bytes, int n);
-    static quint32 logicalKey(const char *bytes, int n);
+    quint32 logicalKey(const Field &field);
     std::optional<quint32> integerOf(const Field &field) const;
     double doubleOf(const Field &field) const;
     // A date and time as the file stores it. The Julian day is a count of days.
@@ -89,12 +97,14 @@ private:
         quint32 ms; // since midnight
     };
     Moment momentOf(const char *bytes) const;
-    QByteArrayView putTimestamp(const Field &field, std::array<char, 17> *out) const;
+    QByteArrayView putTimestamp(const Field &field, std::array<char, 17> *out);
+    QString placeOf(const Field &field) const;
     quint32 memoBlock(const Field &field);
     QByteArrayView memoText(const Field &field);
 
     // Cells in memory of the arena.
-    template <class Arena> const uchar *textCell(QByteArrayView bytes, Arena &arena);
+    template <class Arena>
+    const uchar *textCell(const Field &field, QByteArrayView bytes, Arena &arena);
     template <class T, class Arena> static const uchar *numberCell(T value, Arena &arena)
     {
         uchar *const room = arena.alloc(sizeof value);
@@ -117,7 +127,8 @@ private:
     std::vector<char16_t> m_units;  // scratch for multi-byte encodings
 };
 
-template <class Arena> const uchar *TableReader::textCell(QByteArrayView bytes, Arena &arena)
+template <class Arena>
+const uchar *TableReader::textCell(const Field &field, QByteArrayView bytes, Arena &arena)
 {
     if (bytes.isEmpty()) {
         return cell::missingTextCell();
@@ -127,6 +138,10 @@ template <class Arena> const uchar *TableReader::textCell(QByteArrayView bytes, 
     if (!m_decoder.isByteForUnit()) {
         m_units.resize(static_cast<size_t>(bytes.size()) * 2);
         units = m_decoder.decode(bytes.data(), bytes.size(), m_units.data());
+        const auto end = m_units.cbegin() + units;
+        if (std::find(m_units.cbegin(), end, QChar::ReplacementCharacter) != end) {
+            m_findings.badTexts.add([&] { return placeOf(field); });
+        }
     }
     const quint32 code = cell::codeOfText(units);
     const int lengthBytes = cell::lengthBytes(code);
@@ -145,15 +160,15 @@ template <class Arena> const uchar *TableReader::cell(size_t column, Arena &aren
     const Field &field = m_header.fields[column];
     switch (field.conversion) {
     case Conversion::Text:
-        return textCell(trimmedText(bytesOf(field), field.length), arena);
+        return textCell(field, trimmedText(bytesOf(field), field.length), arena);
     case Conversion::Digits:
-        return textCell(trimmedDigits(bytesOf(field), field.length), arena);
+        return textCell(field, trimmedDigits(bytesOf(field), field.length), arena);
     case Conversion::Memo: {
         const QByteArrayView text = memoText(field);
-        return m_fault ? nullptr : textCell(text, arena);
+        return m_fault ? nullptr : textCell(field, text, arena);
     }
     case Conversion::Logical:
-        return numberCell(logicalKey(bytesOf(field), field.length), arena);
+        return numberCell(logicalKey(field), arena);
     case Conversion::Integer: {
         const auto value = integerOf(field);
         return value ? numberCell(static_cast<double>(static_cast<qint32>(*value)), arena)
@@ -165,7 +180,7 @@ template <class Arena> const uchar *TableReader::cell(size_t column, Arena &aren
         return numberCell(doubleOf(field), arena);
     case Conversion::Timestamp: {
         std::array<char, 17> text{};
-        return textCell(putTimestamp(field, &text), arena);
+        return textCell(field, putTimestamp(field, &text), arena);
     }
     }
     return nullptr;

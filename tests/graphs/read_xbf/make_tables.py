@@ -99,6 +99,33 @@ def main():
     put("level7/a.dbf", table(0x03, numbered, [ADA[:9] + struct.pack("<i", 7)]))
     put("level7/b.dbf", level7_table(numbered, [BOB[:9] + struct.pack(">I", 0x80000000 - 7), BOB[:9] + bytes(4)]))
 
+    kinds = [(b"I", b"I", 4), (b"O", b"O", 8)]
+    put("level7_zeros/zeros.dbf", level7_table(kinds, [b" \x80\0\0\0" + b"\x80" + bytes(7)]))
+
+    dbase3 = bytes(512) + b"in block 1\x1a".ljust(512) + b"in block 2\x1a".ljust(512)
+    put("memo_kinds/a.fpt.dbf", table(0x83, PEOPLE, [ADA]))
+    put("memo_kinds/a.fpt.dbt", dbase3)
+    put("memo_kinds/b.dbf", table(0x03, PEOPLE, [BOB, ADA]))
+    put("memo_kinds/b.dbt", dbase3)
+    put("memo_kinds/c.dbf", table(0xF5, PEOPLE, [ADA]))
+    put("memo_kinds/c.dbt", dbase3)
+    put("memo_kinds/c.fpt", MEMOS)
+    put("memo_kinds/d.dbf", table(0x83, PEOPLE, [ADA]))
+    put("memo_kinds/d.dbt", dbase3)
+    put("memo_kinds/d.fpt", MEMOS)
+
+    odd = [(b"NAME", b"C", 8), (b"GEO", b"W", 3), (b"AGE", b"N", 3), (b"MORE", b"V", 1)]
+    record = b" Ada     xyz 36-"
+    put("columns_hidden/a_unknown.dbf", table(0x03, odd, [record]))
+    hidden = bytearray(table(0x03, odd, [record]))
+    hidden[32 + 3 * 32] = 0x0D
+    put("columns_hidden/b_early_end.dbf", bytes(hidden))
+
+    odd = [(b"OK", b"L", 1), (b"AT", b"T", 8), (b"T", b"C", 6), (b"NOTE", b"M", 4)]
+    put("values_bad/t.dbf", table(0x03, odd, [
+        b" T" + struct.pack("<II", 2461366, 0) + b"\xc3\xa9    " + bytes(4), b" ?" + bytes(8) + b" " * 6 + bytes(4),
+        b" x" + struct.pack("<II", 5, 5) + b"Gr\xfc\xdfe " + struct.pack("<I", 7)]))
+
     for case, second in (("columns_count", [(b"A", b"C", 1)]), ("columns_name", [(b"A", b"C", 1), (b"%1", b"C", 1)]),
                          ("columns_type", [(b"A", b"C", 1), (b"B", b"L", 1)])):
         put(f"{case}/1.dbf", table(0x03, [(b"A", b"C", 1), (b"B", b"C", 1)], [b" xy"]))
