@@ -1,6 +1,6 @@
 #include "actions/read_parquet/parquet_file.h"
 
-#include <utility>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -8,13 +8,50 @@ namespace corvanta {
 
 ParquetFile::ParquetFile(ActionBase &action, const QString &name,
                          std::unique_ptr<ByteSource> source,
-                         std::unique_ptr<parquet::TableReader> reader)
+                         std::unique_ptr<parquet::TableReader> reader,
+                         std::vector<LostColumn> &lost)
     : m_action(action)
     , m_name(name)
     , m_source(std::move(source))
     , m_reader(std::move(reader))
     , m_cells(m_reader->columns().size()) // one address per column, set by each next()
+    , m_lost(lost)
 {
+}
+
+void ParquetFile::beforeClose()
+{
+    if (const Occurrences &chunks = m_reader->longChunks(); chunks.any()) {
+        m_action.warn(
+            u"Warning: The Parquet file '%1' has %2 column chunks with more values than rows; the first is that of %3. The other values are not read\n"_s
+                .arg(m_name, QString::number(chunks.count()), chunks.first()));
+    }
+    addLost();
+}
+
+/// Add the values that the rows have lost to those of the run.
+void ParquetFile::addLost()
+{
+    // A file with other columns than those of the run delivers no rows.
+    const size_t columns = m_reader->rowsRead() > 0 ? m_reader->columns().size() : 0;
+    m_lost.resize(std::max(m_lost.size(), columns));
+    for (size_t i = 0; i < columns; ++i) {
+        const parquet::LostValues &lost = m_reader->lostValues(i);
+        if (lost.count > 0 && m_lost[i].count == 0) {
+            const parquet::Column &column = m_reader->columns()[i];
+            m_lost[i] = {
+                0, column.name, column.loss,
+                u"in row %1 of the file '%2'"_s.arg(QString::number(lost.firstRow), m_name)};
+        }
+        m_lost[i].count += lost.count;
+    }
+}
+
+QString ParquetFile::describe(const Fault<parquet::Error> &fault)
+{
+    return fault.code == parquet::Error::NeedsExtended
+               ? u"%1 is read only with extendedEncodings"_s.arg(fault.detail)
+               : fault.detail;
 }
 
 TableSchema ParquetFile::columns() const
@@ -27,30 +64,17 @@ TableSchema ParquetFile::columns() const
     return columns;
 }
 
-Result<void, parquet::Error> ParquetFile::fetchFirst()
-{
-    const auto more = m_reader->next(m_cells.data());
-    if (!more) {
-        return more.fault();
-    }
-    m_hasFirst = *more;
-    return {};
-}
-
 /// One call of the decoder per row, one pointer per cell: the cells stay in the decoder's blocks
 /// until the pin copies them.
 bool ParquetFile::next(OneRow &row, Found *found)
 {
-    // fetchFirst() has already decoded the first row.
-    if (!std::exchange(m_hasFirst, false)) {
-        const auto more = m_reader->next(m_cells.data());
-        if (!more) {
-            return fail(more.fault());
-        }
-        if (!*more) {
-            *found = Found::End;
-            return true;
-        }
+    const auto more = m_reader->next(m_cells.data());
+    if (!more) {
+        return fail(more.fault());
+    }
+    if (!*more) {
+        *found = Found::End;
+        return true;
     }
     // Cells of skipped columns do not exist: columns() leaves them out too.
     for (size_t i = 0; i < m_cells.size(); ++i) {
@@ -64,7 +88,7 @@ bool ParquetFile::next(OneRow &row, Found *found)
 bool ParquetFile::fail(const Fault<parquet::Error> &fault)
 {
     return finish() && m_action.fail(u"Error: The Parquet file '%1' cannot be read: %2\n"_s.arg(
-                           m_name, fault.detail));
+                           m_name, describe(fault)));
 }
 
 /// Compare the number of rows with what the file declares. Returns false when the run has ended.

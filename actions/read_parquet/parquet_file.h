@@ -8,32 +8,39 @@
 
 namespace corvanta {
 
+/// The values of one column of a run that its cells cannot hold.
+struct LostColumn
+{
+    qint64 count = 0;
+    QString column = {};
+    parquet::Loss loss = parquet::Loss::None; ///< in the file of the first one
+    QString first = {};                       ///< row and file
+};
+
 /// Delivers the decoder's cells without copying them. Threads: see SeriesFile.
 class ParquetFile final : public SeriesFile
 {
 public:
-    /// `reader` reads from `source`.
+    /// `reader` reads from `source`; its prepare() has succeeded. `lost` has an entry per column of
+    /// the run, or is empty while there are no rows; it outlives the file.
     ParquetFile(ActionBase &action, const QString &name, std::unique_ptr<ByteSource> source,
-                std::unique_ptr<parquet::TableReader> reader);
-
-    /// Decode the first row, before the first next(): many faults of a file are in its pages, and
-    /// an unreadable file is reported differently from one that is damaged later. Errors: those of
-    /// TableReader::next().
-    Result<void, parquet::Error> fetchFirst();
-
-    /// Columns that were left out, and why.
-    const QStringList &skippedColumns() const { return m_reader->skippedColumns(); }
-
+                std::unique_ptr<parquet::TableReader> reader, std::vector<LostColumn> &lost);
     /// The selected columns, in the order of the file.
     TableSchema columns() const override;
     bool next(OneRow &row, Found *found) override;
     /// Warns when the file has fewer or more rows than it declares.
     bool finish() override;
+    /// Reports values that are not read, and adds those that are changed to `lost`.
+    void beforeClose() override;
     float fractionDone() const override { return m_reader->fractionDone(); }
     void stop() override { m_reader->stop(); }
 
+    /// Why a file cannot be read, in the words of the action's parameters.
+    static QString describe(const Fault<parquet::Error> &fault);
+
 private:
     bool fail(const Fault<parquet::Error> &fault);
+    void addLost();
 
     ActionBase &m_action;
     const QString m_name;
@@ -41,7 +48,7 @@ private:
     std::unique_ptr<ByteSource> m_source;
     std::unique_ptr<parquet::TableReader> m_reader;
     std::vector<const uchar *> m_cells; // of the current row
-    bool m_hasFirst = false;            // m_cells hold the first row, which next() will deliver
+    std::vector<LostColumn> &m_lost;
 };
 
 } // namespace corvanta

@@ -1,7 +1,9 @@
 #include "actions/read_parquet/read_parquet.h"
 
-#include "actions/read_parquet/parquet_file.h"
+#include "codecs/parquet/metadata/footer.h"
 #include "io/input/whole_input.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
 #include <thread>
@@ -34,12 +36,20 @@ void ActionReadParquet::start()
 {
     // The pins are read by the first step(): input rows do not exist before.
     m_series.reset();
+    m_columnNames.clear();
+    m_lost.clear();
     m_options = {};
     m_options.int64ToKey = m_params.int64ToKey;
     m_options.extendedEncodings = m_params.extendedEncodings;
     m_options.logicalTypes = m_params.logicalTypes;
     m_options.skipsUnreadable = m_params.skipUnreadable;
     m_options.pageChecksums = m_params.pageChecksums;
+}
+
+void ActionReadParquet::finish()
+{
+    m_series.finish();
+    warnLost();
 }
 
 bool ActionReadParquet::step()
@@ -89,17 +99,49 @@ bool ActionReadParquet::startSeries()
     if (m_params.outputFilenames) {
         options.fileNameColumn = u"_FileNames"_s;
     }
+    chooseTypes(files);
     m_series.start(*this, files, options);
     return true;
 }
 
+/// With logicalTypes, 64-bit integers are numbers in one file and texts in another, depending on
+/// their statistics. One file with texts makes them texts in all.
+void ActionReadParquet::chooseTypes(const QStringList &files)
+{
+    if (!m_params.logicalTypes || files.size() < 2) {
+        return;
+    }
+    for (const QString &name : files) {
+        // A pipe can be read only once. Other failures are reported when the file is read.
+        auto input = runIsGood() && (!QFileInfo::exists(name) || QFileInfo(name).isFile())
+                         ? openInput(name, InputFile::Report::Nothing)
+                         : nullptr;
+        if (!input || !input->file.isOpen()) {
+            continue;
+        }
+        if (const auto source = randomAccess(std::move(input))) {
+            if (const auto footer = parquet::readFooter(**source)) {
+                for (const QString &column : parquet::textIntegersOf(*footer)) {
+                    m_options.textIntegers.insert(column);
+                }
+            }
+        }
+    }
+}
+
 // ---- Files.
+
+std::unique_ptr<RunInput> ActionReadParquet::openInput(const QString &name,
+                                                       InputFile::Report report)
+{
+    return std::make_unique<RunInput>(globalParameters(), control(), name, false, report);
+}
 
 FileSeries::Opened ActionReadParquet::openFile(const QString &name)
 {
     using enum FileSeries::OpenError;
     // A file that has a size exists, but cannot be opened: retries would not help.
-    auto input = std::make_unique<RunInput>(globalParameters(), control(), name, false);
+    auto input = openInput(name, InputFile::Report::Failure);
     if (!input->file.isOpen()) {
         return Fault{input->file.getSize() < 0 ? Missing : Unreadable, input->file.reason()};
     }
@@ -115,15 +157,40 @@ FileSeries::Opened ActionReadParquet::openFile(const QString &name)
     if (!checkContent(name, **reader)) {
         return Fault{Failed};
     }
-    auto file = std::make_unique<ParquetFile>(*this, name, *std::move(source), *std::move(reader));
-    if (const auto fetched = file->fetchFirst(); !fetched) {
-        return unreadable(name, fetched.fault());
+    auto prepared = (*reader)->prepare();
+    if (prepared) {
+        prepared = useSkipped(name, **reader);
     }
-    // Later files have the same columns, and leave out the same ones.
-    if (!m_series.hasColumns()) {
-        warnSkipped(name, file->skippedColumns());
+    if (!prepared) {
+        return unreadable(name, prepared.fault());
     }
-    return FileSeries::Opened(std::move(file));
+    return FileSeries::Opened(
+        std::make_unique<ParquetFile>(*this, name, *std::move(source), *std::move(reader), m_lost));
+}
+
+/// Report the columns that `skipUnreadable` leaves out. Those of the first file are left out of
+/// all. Errors: that of a column of a later file that the first one has.
+Result<void, parquet::Error> ActionReadParquet::useSkipped(const QString &name,
+                                                           const parquet::TableReader &table)
+{
+    const bool isFirst = !m_series.hasColumns();
+    QStringList texts;
+    for (const parquet::SkippedColumn &column : table.skippedColumns()) {
+        if (!isFirst && m_columnNames.contains(column.name)) {
+            return column.fault;
+        }
+        texts << ParquetFile::describe(column.fault);
+        if (isFirst) {
+            m_options.excluded.insert(column.name);
+        }
+    }
+    if (isFirst) {
+        for (const parquet::Column &column : table.columns()) {
+            m_columnNames << column.name;
+        }
+    }
+    warnSkipped(name, texts);
+    return {};
 }
 
 /// Report why a file cannot be read, where reportUnreadable() does not say it.
@@ -141,8 +208,10 @@ FileSeries::Opened ActionReadParquet::unreadable(const QString &name,
         MainUI::addLog(MainUI::Error, u"Error (1) deserializing thrift meta-data"_s);
         break;
     case parquet::Error::BadData:
+    case parquet::Error::NeedsExtended:
     case parquet::Error::NoMemory:
-        warn(u"Warning: The Parquet file '%1' cannot be read: %2\n"_s.arg(name, fault.detail));
+        warn(u"Warning: The Parquet file '%1' cannot be read: %2\n"_s.arg(
+            name, ParquetFile::describe(fault)));
         break;
     case parquet::Error::BadFooter:
         result.detail = u"it is not a Parquet file, or it is truncated"_s;
@@ -175,11 +244,29 @@ bool ActionReadParquet::checkContent(const QString &name, const parquet::TableRe
 /// Report the columns that `skipUnreadable` leaves out. Wide files may have thousands.
 void ActionReadParquet::warnSkipped(const QString &name, const QStringList &columns)
 {
-    constexpr int kMaxReportedColumns = 10;
-    CappedLog log(MainUI::Warning, kMaxReportedColumns, u"Warning: more columns are left out\n"_s);
-    for (const QString &column : columns) {
-        log.add(u"Warning: The Parquet file '%1' is read without %2\n"_s.arg(name, column));
-        m_warningFlag = 1;
+    constexpr qsizetype kMaxReportedColumns = 10;
+    for (const QString &column : columns.first(std::min(columns.size(), kMaxReportedColumns))) {
+        warn(u"Warning: The Parquet file '%1' is read without %2\n"_s.arg(name, column));
+    }
+    if (columns.size() > kMaxReportedColumns) {
+        warn(u"Warning: more columns are left out\n"_s);
+    }
+}
+
+/// Report the values that were read as others. Called when no file is open.
+void ActionReadParquet::warnLost()
+{
+    for (const LostColumn &lost : m_lost) {
+        if (lost.count == 0) {
+            continue;
+        }
+        const bool isRounded =
+            lost.loss == parquet::Loss::Rounded || lost.loss == parquet::Loss::RoundedUnsigned;
+        const QString text =
+            isRounded
+                ? u"Warning: %1 values of the column '%2' of Parquet files are rounded to 53 bits; the first is %3. Use logicalTypes='1' to read them exactly\n"_s
+                : u"Warning: %1 values of the column '%2' of Parquet files are negative or too large for a key, and become other keys or missing; the first is %3. Use logicalTypes='1' to read them exactly\n"_s;
+        warn(text.arg(QString::number(lost.count), lost.column, lost.first));
     }
 }
 
@@ -203,7 +290,7 @@ bool ActionReadParquet::reportUnreadable(const QString &name)
     return true;
 }
 
-/// Column indexes in the message count from 0. The texts are fixed.
+/// Column indexes in the message count from 1. The texts are fixed.
 bool ActionReadParquet::reportMismatch(const ColumnMismatch &mismatch)
 {
     switch (mismatch.kind) {
@@ -214,7 +301,7 @@ bool ActionReadParquet::reportMismatch(const ColumnMismatch &mismatch)
     case ColumnMismatch::Kind::Name:
         return fail(
             u"An error occurred while initializing the 'ReadParquet' Action \nThe name of the column %1 do not match in first file and file '%2' ('%3'!='%4'"_s
-                .arg(QString::number(mismatch.column), mismatch.file, mismatch.first,
+                .arg(QString::number(mismatch.column + 1), mismatch.file, mismatch.first,
                      mismatch.found));
     case ColumnMismatch::Kind::Type:
         break;

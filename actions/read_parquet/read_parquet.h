@@ -3,10 +3,12 @@
 // The action reads the column selection and the file names, and words the messages. FileSeries
 // joins the files to one table; ParquetFile delivers the rows of one.
 #pragma once
+#include "actions/read_parquet/parquet_file.h"
 #include "actions/read_parquet/read_parquet_params.h"
 #include "actions/shared/file_series.h"
 #include "codecs/parquet/read/table_reader.h"
 #include "corvanta/action_base.h"
+#include "io/input/run_input.h"
 
 namespace corvanta {
 
@@ -34,21 +36,26 @@ public:
 private:
     void start() override;
     bool step() override;
-    void finish() override { m_series.finish(); }
+    void finish() override;
 
     // Before the first row. All pins that bring names are read to their end.
     // Functions that return a bool return false when the run has failed or ended.
     bool prepare();
     bool readSelection();
     bool startSeries();
+    // Types of columns depend on the values. They must be the same in all files.
+    void chooseTypes(const QStringList &files);
 
     // Files.
     // A file that exists but cannot be decoded is unreadable; the series skips it. One that can be
     // decoded but has no columns or rows fails the run.
     FileSeries::Opened openFile(const QString &name) override;
+    std::unique_ptr<RunInput> openInput(const QString &name, InputFile::Report report);
     FileSeries::Opened unreadable(const QString &name, const Fault<parquet::Error> &fault);
     bool checkContent(const QString &name, const parquet::TableReader &table);
+    Result<void, parquet::Error> useSkipped(const QString &name, const parquet::TableReader &table);
     void warnSkipped(const QString &name, const QStringList &columns);
+    void warnLost();
 
     // Messages of FileSeries. They return true to continue with the next file.
     bool reportMissing(const QString &name) override;
@@ -57,6 +64,10 @@ private:
 
     /// Of the run; the selection is known after prepare().
     parquet::ReadOptions m_options;
+    /// Names in the first file.
+    QStringList m_columnNames;
+    /// By column.
+    std::vector<LostColumn> m_lost;
     FileSeries m_series{*this};
 };
 

@@ -22,6 +22,9 @@ enum class Error : quint8 {
     TextTooLong = 13,
     /// The sink failed, for example on a full disk.
     WriteFailed = 14,
+    /// A column needs ReadOptions::extendedEncodings. The detail names the column and the encoding
+    /// or codec.
+    NeedsExtended = 15,
 };
 
 } // namespace corvanta::parquet

@@ -15,6 +15,7 @@
 #include "base/utf.h"
 #include "codecs/parquet/read/logical_text.h"
 
+#include <bit>
 #include <cstring>
 
 namespace corvanta::parquet {
@@ -171,6 +172,53 @@ void convertNumbers(Form form, const uchar *values, qsizetype n, uchar *out)
     }
 }
 
+/// Whether a double holds the number: its bits from the first to the last that is set fit 53 bits.
+bool isExact(quint64 number)
+{
+    constexpr int kSignificantBits = 53;
+    return number == 0 || std::bit_width(number) - std::countr_zero(number) <= kSignificantBits;
+}
+
+/// Set block.changed to the values for which `isLost` is true. Most blocks have none, and their
+/// loop only reads.
+template <class From, class IsLost>
+void markLost(const uchar *values, qsizetype n, CellBlock &block, IsLost &&isLost)
+{
+    const auto at = [values](qsizetype i) {
+        return loadLE<From>(values + i * qsizetype(sizeof(From)));
+    };
+    bool isAny = false;
+    for (qsizetype i = 0; i < n; ++i) {
+        isAny |= isLost(at(i));
+    }
+    if (isAny) {
+        block.changed.resize(static_cast<size_t>(n));
+        for (qsizetype i = 0; i < n; ++i) {
+            block.changed[static_cast<size_t>(i)] = isLost(at(i)) ? 1 : 0;
+        }
+    }
+}
+
+void markLost(Loss loss, const uchar *values, qsizetype n, CellBlock &block)
+{
+    switch (loss) {
+    case Loss::None:
+        return;
+    case Loss::NegativeKey:
+        return markLost<qint32>(values, n, block, [](qint32 v) { return v < 0; });
+    case Loss::MissingKey:
+        return markLost<quint32>(values, n, block, cell::isMissingKey);
+    case Loss::WideKey: // negative numbers are large ones here
+        return markLost<quint64>(values, n, block,
+                                 [](quint64 v) { return v >= cell::kMissingKeyOther; });
+    case Loss::Rounded:
+        return markLost<quint64>(values, n, block,
+                                 [](quint64 v) { return !isExact(v >> 63 != 0 ? ~v + 1 : v); });
+    case Loss::RoundedUnsigned:
+        return markLost<quint64>(values, n, block, [](quint64 v) { return !isExact(v); });
+    }
+}
+
 int cellBytesOf(Form form)
 {
     switch (cellTypeOf(form)) {
@@ -189,6 +237,7 @@ int cellBytesOf(Form form)
 void reserveRows(const Column &column, qsizetype rows, CellBlock &block)
 {
     block.rows = 0;
+    block.changed.clear();
     block.fixed.room(static_cast<size_t>(rows * cellBytesOf(column.form)));
 }
 
@@ -200,6 +249,7 @@ void convertFixed(const Column &column, const uchar *values, qsizetype n, CellBl
     if (block.cellBytes != 0) {
         const auto bytes = static_cast<size_t>(n * block.cellBytes);
         convertNumbers(column.form, values, n, block.fixed.room(bytes));
+        markLost(column.loss, values, n, block);
         return;
     }
     std::vector<std::string_view> texts;
@@ -243,6 +293,10 @@ void gather(const std::shared_ptr<const CellBlock> &dictionary, std::span<const 
     block.rows = static_cast<qsizetype>(n);
     block.cellBytes = dictionary->cellBytes;
     block.dictionary = dictionary;
+    if (!dictionary->changed.empty()) {
+        block.changed.resize(n);
+        gatherFixed<1>(dictionary->changed.data(), indexes, block.changed.data());
+    }
     if (block.cellBytes == 0) {
         block.texts.resize(n);
         // Only addresses are copied; block.dictionary keeps the cells alive.
@@ -256,6 +310,23 @@ void gather(const std::shared_ptr<const CellBlock> &dictionary, std::span<const 
     block.cellBytes == cell::kKeyBytes ? gatherFixed<cell::kKeyBytes>(from, indexes, to)
                                        : gatherFixed<cell::kDoubleBytes>(from, indexes, to);
 }
+
+namespace {
+
+/// Distribute the marks over the rows as spreadOverNulls() does with the cells.
+void spreadChanged(std::span<const uchar> levels, std::vector<uchar> &changed)
+{
+    if (changed.empty()) {
+        return;
+    }
+    size_t value = changed.size();
+    changed.resize(levels.size());
+    for (size_t i = levels.size(); i-- > 0;) {
+        changed[i] = levels[i] != 0 ? changed[--value] : uchar(0);
+    }
+}
+
+} // namespace
 
 void spreadOverNulls(const Column &column, std::span<const uchar> levels, CellBlock &block)
 {
@@ -280,6 +351,7 @@ void spreadOverNulls(const Column &column, std::span<const uchar> levels, CellBl
     for (size_t i = rows; i-- > 0;) {
         std::memmove(cells + i * width, levels[i] != 0 ? cells + --value * width : missing, width);
     }
+    spreadChanged(levels, block.changed);
 }
 
 } // namespace corvanta::parquet

@@ -49,6 +49,10 @@ struct CellBlock
     std::vector<const uchar *> texts;
     Scratch arena;                               ///< The text cells.
     std::shared_ptr<const CellBlock> dictionary; ///< Keeps the cells alive that `texts` points to.
+    /// A byte per cell, 1 if its value is among those of Column::loss. Empty if there is none.
+    std::vector<uchar> changed;
+    /// The row group ends with this block, and its chunk has values for more rows.
+    bool hasSurplus = false;
 
     /// The cell of a row (0-based). Valid until the block is filled again.
     const uchar *cell(qsizetype row) const
@@ -58,7 +62,8 @@ struct CellBlock
     /// Number of bytes of memory that the block holds, without the dictionary.
     size_t capacity() const
     {
-        return fixed.capacity() + arena.capacity() + texts.capacity() * sizeof(const uchar *);
+        return fixed.capacity() + arena.capacity() + texts.capacity() * sizeof(const uchar *) +
+               changed.capacity();
     }
 };
 

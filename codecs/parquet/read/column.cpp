@@ -144,13 +144,55 @@ bool fitsDouble(const FileMetaData &file, size_t chunk, bool isUnsigned)
     });
 }
 
+/// Whether the annotation says that the integers have `bits` bits without a sign. `converted` is
+/// the older annotation with that meaning.
+bool isUnsigned(const SchemaElement &element, int bits, qint32 converted)
+{
+    if (element.logicalType && element.logicalType->integer) {
+        const auto &integer = *element.logicalType->integer;
+        return !integer.isSigned && integer.bitWidth == bits;
+    }
+    return element.convertedType.value_or(-1) == converted;
+}
+
+/// Whether FileWriter wrote the file. It stores only keys as integers.
+bool isOurs(const FileMetaData &file)
+{
+    return file.createdBy == kCreatedBy;
+}
+
+/// The values that a conversion does not keep.
+Loss lossOf(const FileMetaData &file, const SchemaElement &element, Form form)
+{
+    if (isOurs(file)) {
+        return Loss::None; // the keys are as they were in the table
+    }
+    switch (form) {
+    case Form::Key32:
+        return isUnsigned(element, 8, kUint8) || isUnsigned(element, 16, kUint16) ||
+                       isUnsigned(element, 32, kUint32)
+                   ? Loss::MissingKey
+                   : Loss::NegativeKey;
+    case Form::KeyLow32:
+        return Loss::WideKey;
+    case Form::DoubleFromInt64:
+        return isUnsigned(element, 64, kUint64) ? Loss::RoundedUnsigned : Loss::Rounded;
+    case Form::DoubleFromUint64:
+        return Loss::RoundedUnsigned;
+    default:
+        return Loss::None;
+    }
+}
+
 /// Sets the conversion of a column from its annotation: the newer one if present, else the older
 /// one.
 class LogicalForm
 {
 public:
-    LogicalForm(const FileMetaData &file, const SchemaElement &element, Column &column)
+    LogicalForm(const FileMetaData &file, const SchemaElement &element, const ReadOptions &options,
+                Column &column)
         : m_file(file)
+        , m_options(options)
         , m_element(element)
         , m_logical(element.logicalType.value_or(LogicalType{}))
         , m_converted(element.convertedType.value_or(-1))
@@ -161,8 +203,8 @@ public:
     void set()
     {
         const bool isInteger = m_column.physical == kInt32 || m_column.physical == kInt64;
-        if (isInteger && m_file.createdBy == kCreatedBy) {
-            return; // FileWriter stores only keys as integers
+        if (isInteger && isOurs(m_file)) {
+            return;
         }
         switch (m_column.physical) {
         case kInt32:
@@ -227,19 +269,13 @@ private:
         }
         return true;
     }
-    bool isUnsigned(int bits, qint32 converted) const
-    {
-        return m_logical.integer
-                   ? !m_logical.integer->isSigned && m_logical.integer->bitWidth == bits
-                   : m_converted == converted;
-    }
     void setInteger32()
     {
         if (m_logical.date || m_converted == kDate) {
             m_column.form = Form::TextDate;
-        } else if (isUnsigned(8, kUint8) || isUnsigned(16, kUint16)) {
+        } else if (isUnsigned(m_element, 8, kUint8) || isUnsigned(m_element, 16, kUint16)) {
             m_column.form = Form::Key32; // too small to be a missing key
-        } else if (isUnsigned(32, kUint32)) {
+        } else if (isUnsigned(m_element, 32, kUint32)) {
             m_column.form = Form::DoubleFromUint32; // a key cannot hold the two missing values
         } else if (!setDecimal() && !setTimes()) {
             m_column.form = Form::DoubleFromInt32;
@@ -250,8 +286,9 @@ private:
         if (setDecimal() || setTimes()) {
             return;
         }
-        const bool isUint = isUnsigned(64, kUint64);
-        if (fitsDouble(m_file, m_column.chunk, isUint)) {
+        const bool isUint = isUnsigned(m_element, 64, kUint64);
+        if (!m_options.textIntegers.contains(m_column.name) &&
+            fitsDouble(m_file, m_column.chunk, isUint)) {
             m_column.form = isUint ? Form::DoubleFromUint64 : Form::DoubleFromInt64;
         } else {
             m_column.form = isUint ? Form::TextUint64 : Form::TextInt64;
@@ -270,6 +307,7 @@ private:
     }
 
     const FileMetaData &m_file;
+    const ReadOptions &m_options;
     const SchemaElement &m_element;
     const LogicalType m_logical;
     qint32 m_converted;
@@ -289,9 +327,10 @@ Result<void, Error> checkCodec(qint32 codec, const ReadOptions &options)
     if (isAlways || (isExtended && options.extendedEncodings)) {
         return {};
     }
-    const QString why = isExtended ? u"the codec %1 is read only with extendedEncodings"_s
-                                   : u"the codec %1 is not supported"_s;
-    return unreadable(why.arg(codecName(codec)));
+    if (isExtended) {
+        return Fault{Error::NeedsExtended, u"the codec %1"_s.arg(codecName(codec))};
+    }
+    return unreadable(u"the codec %1 is not supported"_s.arg(codecName(codec)));
 }
 
 /// Whether the chunks of a column can be read. Checked before the first row, so that a graph does
@@ -387,8 +426,9 @@ Column columnOf(const FileMetaData &file, const Leaf &leaf, size_t chunk,
     column.isOptional = leaf.element->repetitionType.value_or(kRequired) == kOptional;
     column.form = strictForm(column.physical, options);
     if (options.logicalTypes) {
-        LogicalForm(file, *leaf.element, column).set();
+        LogicalForm(file, *leaf.element, options, column).set();
     }
+    column.loss = lossOf(file, *leaf.element, column.form);
     return column;
 }
 
@@ -406,6 +446,12 @@ Result<Column, Error> readableColumn(const FileMetaData &file, const Leaf &leaf,
     return column;
 }
 
+bool isSelected(const QString &name, const ReadOptions &options)
+{
+    return (!options.selectsColumns || options.selection.contains(name)) &&
+           !options.excluded.contains(name);
+}
+
 } // namespace
 
 Result<Columns, Error> selectColumns(const FileMetaData &file, const ReadOptions &options)
@@ -415,25 +461,44 @@ Result<Columns, Error> selectColumns(const FileMetaData &file, const ReadOptions
     const std::vector<Leaf> leaves = leavesOf(file);
     for (size_t i = 0; i < leaves.size(); ++i) {
         const Leaf &leaf = leaves[i];
-        if (options.selectsColumns && !options.selection.contains(leaf.name)) {
+        missing.removeAll(leaf.name);
+        if (!isSelected(leaf.name, options)) {
             continue;
         }
-        missing.removeAll(leaf.name);
         if (auto column = readableColumn(file, leaf, i, options)) {
             result.columns.push_back(*std::move(column));
         } else {
-            result.skipped << columnDetail(leaf.name, column.fault().detail);
+            const Fault<Error> &fault = column.fault();
+            result.skipped.push_back(
+                {leaf.name, {fault.code, columnDetail(leaf.name, fault.detail)}});
         }
     }
     // The first fault names the column that the user has to leave out.
     const bool isRefused = result.columns.empty() || !options.skipsUnreadable;
-    if (isRefused && !result.skipped.isEmpty()) {
-        return Fault{Error::BadData, result.skipped.first()};
+    if (isRefused && !result.skipped.empty()) {
+        return result.skipped.front().fault;
     }
     if (options.selectsColumns) {
         result.missing = missing;
     }
     return result;
+}
+
+QStringList textIntegersOf(const FileMetaData &file)
+{
+    ReadOptions options;
+    options.logicalTypes = true;
+    options.extendedEncodings = true;
+    options.skipsUnreadable = true;
+    QStringList names;
+    if (const auto columns = selectColumns(file, options)) {
+        for (const Column &column : columns->columns) {
+            if (column.form == Form::TextInt64 || column.form == Form::TextUint64) {
+                names << column.name;
+            }
+        }
+    }
+    return names;
 }
 
 } // namespace corvanta::parquet

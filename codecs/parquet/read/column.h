@@ -6,6 +6,7 @@
 #include "codecs/parquet/metadata/error.h"
 #include "codecs/parquet/metadata/records.h"
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -32,6 +33,11 @@ struct ReadOptions
     QStringList selection;
     /// Skip unreadable columns, as long as one is readable.
     bool skipsUnreadable = false;
+    /// Names of columns that are skipped without a reason: another file of the same table did.
+    QSet<QString> excluded;
+    /// Names of 64-bit integer columns that become texts even if doubles hold their values: another
+    /// file of the same table needs texts. Used only with logicalTypes.
+    QSet<QString> textIntegers;
 };
 
 using CellType = cell::Type;
@@ -82,6 +88,20 @@ struct FormDetail
     bool isUtc = false;
 };
 
+/// The values that differ from their cells, because the cell type cannot hold them.
+enum class Loss : quint8 {
+    None,
+    /// Signed 32 bits in a key: negative numbers.
+    NegativeKey,
+    /// Unsigned 32 bits in a key: the two numbers that mean a missing key.
+    MissingKey,
+    /// 64 bits in a key: the same two, and all that need more than 32 bits.
+    WideKey,
+    /// Signed or unsigned 64 bits in a double: those that are rounded.
+    Rounded,
+    RoundedUnsigned,
+};
+
 /// A column that can be read.
 struct Column
 {
@@ -98,6 +118,15 @@ struct Column
     /// Chosen from the physical type, the annotation and the options.
     Form form = Form::Text;
     FormDetail detail;
+    /// None also if the file's writer stores such cells in this form.
+    Loss loss = Loss::None;
+};
+
+/// A column that is left out, and why.
+struct SkippedColumn
+{
+    QString name;
+    Fault<Error> fault; ///< The detail names the column; see columnDetail().
 };
 
 /// The selected columns of a file.
@@ -107,14 +136,17 @@ struct Columns
     std::vector<Column> columns;
     /// Selected names that the file does not have.
     QStringList missing;
-    /// columnDetail() of each skipped column.
-    QStringList skipped;
+    std::vector<SkippedColumn> skipped;
 };
 
 /// Determine the columns that the options select. Errors: BadData if a selected column is nested,
-/// repeated, of an unknown type, or has chunks that cannot be read. With skipsUnreadable it is an
-/// error only if no readable column is left.
+/// repeated, of an unknown type, or has chunks that cannot be read; NeedsExtended. With
+/// skipsUnreadable it is an error only if no readable column is left.
 Result<Columns, Error> selectColumns(const FileMetaData &file, const ReadOptions &options);
+
+/// Names of the columns that become texts with ReadOptions::logicalTypes because doubles may not
+/// hold all values of this file. For ReadOptions::textIntegers.
+QStringList textIntegersOf(const FileMetaData &file);
 
 /// The text "column 'x': why", the detail of faults that concern one column.
 QString columnDetail(const QString &column, const QString &why);

@@ -61,9 +61,9 @@ ColumnReader::ColumnReader(SharedFile &file, const FileMetaData &metaData, Colum
 {
 }
 
-Fault<Error> ColumnReader::bad(const QString &why) const
+Fault<Error> ColumnReader::bad(const QString &why, Error code) const
 {
-    return {Error::BadData, columnDetail(m_column.name, why)};
+    return {code, columnDetail(m_column.name, why)};
 }
 
 bool ColumnReader::startGroup()
@@ -78,7 +78,9 @@ bool ColumnReader::startGroup()
         const RowGroup &group = m_metaData.rowGroups[m_group++];
         const ColumnMetaData &chunk = *group.columns[m_column.chunk].metaData;
         m_groupRows = group.numRows;
-        m_pages.start(firstPageOf(chunk), chunk.codec);
+        m_chunkValues = chunk.numValues;
+        m_hasDataPage = false;
+        m_pages.start(firstPageOf(chunk), chunk.totalCompressedSize, chunk.codec);
     }
     return true;
 }
@@ -93,7 +95,6 @@ Result<bool, Error> ColumnReader::next(CellBlock &block)
             return done.fault();
         }
     }
-    // A page may have more values than its row group has rows. The excess values are ignored.
     const auto rows = static_cast<qsizetype>(
         std::min({m_pageRows, m_groupRows, static_cast<qint64>(kBlockRows)}));
     if (auto done = decodeBlock(rows, block); !done) {
@@ -101,11 +102,17 @@ Result<bool, Error> ColumnReader::next(CellBlock &block)
     }
     m_pageRows -= rows;
     m_groupRows -= rows;
+    block.hasSurplus =
+        m_groupRows == 0 && (m_pageRows > 0 || (m_chunkValues > 0 && !m_pages.isAtEnd()));
     return true;
 }
 
 ColumnReader::Done ColumnReader::nextPage()
 {
+    // The pages that follow belong to another chunk.
+    if (m_hasDataPage && m_chunkValues <= 0) {
+        return bad(u"a column chunk has fewer values than its row group has rows"_s);
+    }
     const auto page = m_pages.next();
     if (!page) {
         return bad(page.fault().detail);
@@ -147,6 +154,8 @@ ColumnReader::Done ColumnReader::startDataPage(const Page &page)
 {
     std::span<const uchar> data = page.data;
     m_pageRows = page.numValues;
+    m_chunkValues -= page.numValues;
+    m_hasDataPage = true;
     if (auto done = startLevels(page, data); !done) {
         return done;
     }
@@ -241,10 +250,11 @@ ColumnReader::Done ColumnReader::startExtended(qint32 encoding, std::span<const 
     const bool isBoolean = m_column.physical == kBoolean;
     const bool isExtended = hasPlainForm(encoding, m_column.physical) ||
                             (encoding == kRleDictionary && !isBoolean && !m_extended);
-    if (!isExtended || !m_extended) {
-        const QString why = isExtended ? u"the encoding %1 is read only with extendedEncodings"_s
-                                       : u"the encoding %1 is not supported"_s;
-        return bad(why.arg(encodingName(encoding)));
+    if (isExtended && !m_extended) {
+        return bad(u"the encoding %1"_s.arg(encodingName(encoding)), Error::NeedsExtended);
+    }
+    if (!isExtended) {
+        return bad(u"the encoding %1 is not supported"_s.arg(encodingName(encoding)));
     }
     // Some writers omit the values in a page that has only nulls.
     if (!data.empty() &&

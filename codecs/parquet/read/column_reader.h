@@ -21,7 +21,7 @@ public:
                  const ReadOptions &options);
 
     /// Decode the next block. Returns false at the end of the column. A block has at least one row
-    /// and never spans two pages. Errors: BadData; the detail names the column.
+    /// and never spans two pages. Errors: BadData, NeedsExtended; the detail names the column.
     Result<bool, Error> next(CellBlock &block);
 
     /// The column that was given to the constructor.
@@ -56,7 +56,7 @@ private:
     // These return false if the page has fewer values; the caller words the fault.
     bool takeBooleans(std::span<uchar> values);
     bool takeTexts(qsizetype n);
-    Fault<Error> bad(const QString &why) const;
+    Fault<Error> bad(const QString &why, Error code = Error::BadData) const;
 
     const FileMetaData &m_metaData;
     const Column m_column;
@@ -64,6 +64,10 @@ private:
     PageReader m_pages;
     size_t m_group = 0;     // index of the next row group
     qint64 m_groupRows = 0; // undecoded rows of the current row group
+    // Values of the current chunk in pages not read, as its metadata says. Writers exist that store
+    // too small a number there.
+    qint64 m_chunkValues = 0;
+    bool m_hasDataPage = false; // one of the chunk has been read
     // Of the current row group. Blocks share it, because their text cells point into it.
     std::shared_ptr<const CellBlock> m_dictionary;
 

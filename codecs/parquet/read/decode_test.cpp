@@ -217,6 +217,13 @@ TEST(LogicalText, DatesTimesAndDecimalsArePrinted)
     Column time = columnOf(Form::TextTime, kInt32, 4);
     time.detail = {0, 1000, 3, false};
     EXPECT_EQ(logical(time, stored<qint32>(86399999)), "23:59:59.999");
+    // Damaged, but recognizable.
+    EXPECT_EQ(logical(time, stored<qint32>(-1)), "-00:00:00.001");
+    EXPECT_EQ(logical(time, stored<qint32>(-5400000)), "-01:30:00");
+    EXPECT_EQ(logical(time, stored<qint32>(90000000)), "25:00:00");
+    time.physical = kInt64, time.valueBytes = 8;
+    EXPECT_EQ(logical(time, stored(std::numeric_limits<qint64>::min())),
+              "-2562047788015:12:55.808");
     Column int96 = columnOf(Form::TextInt96, kInt96, 12);
     int96.detail = {0, 1'000'000'000, 9, false};
     EXPECT_EQ(logical(int96, stored<qint64>(1) + stored<qint32>(2440588)),

@@ -83,11 +83,12 @@ char *putDate(qint64 day, char *out)
     return putDigits(static_cast<quint64>(dayOfYear - (153 * shiftedMonth + 2) / 5 + 1), 2, out);
 }
 
-/// Print seconds of a day, and the fraction without trailing zeros. `digits` is the number of
-/// digits of the fraction.
+/// Print seconds and the fraction without trailing zeros. `digits` is the number of digits of the
+/// fraction. Seconds outside the day give more than 24 hours.
 char *putTimeOfDay(qint64 seconds, qint64 fraction, int digits, char *out)
 {
-    out = putDigits(static_cast<quint64>(seconds / 3600), 2, out);
+    const auto hours = static_cast<quint64>(seconds / 3600);
+    out = hours < 100 ? putDigits(hours, 2, out) : out + putUInt(hours, out);
     *out++ = ':';
     out = putDigits(static_cast<quint64>(seconds / 60 % 60), 2, out);
     *out++ = ':';
@@ -113,13 +114,21 @@ char *putTimestamp(qint64 day, qint64 seconds, qint64 fraction, const FormDetail
     return out;
 }
 
-char *putTicks(Form form, qint64 ticks, const FormDetail &detail, char *out)
+/// Print a time of day. A damaged one may be negative or after the day's end, and shows that.
+char *putTime(qint64 ticks, const FormDetail &detail, char *out)
+{
+    // Rounded toward 0, so that the digits of a negative time are those of the positive one. The
+    // smallest qint64 has no positive counterpart, but its quotient and its rest have.
+    if (ticks < 0) {
+        *out++ = '-';
+    }
+    return putTimeOfDay(std::abs(ticks / detail.ticksPerSecond),
+                        std::abs(ticks % detail.ticksPerSecond), detail.fractionDigits, out);
+}
+
+char *putTicks(qint64 ticks, const FormDetail &detail, char *out)
 {
     const auto [allSeconds, fraction] = floorDivide(ticks, detail.ticksPerSecond);
-    if (form == Form::TextTime && allSeconds >= 0 && allSeconds <= kSecondsPerDay) {
-        return putTimeOfDay(allSeconds, fraction, detail.fractionDigits, out);
-    }
-    // Also for a time outside the day, which is damaged: its date shows that.
     const auto [day, seconds] = floorDivide(allSeconds, kSecondsPerDay);
     return putTimestamp(day, seconds, fraction, detail, out);
 }
@@ -239,8 +248,10 @@ qsizetype putLogical(const Column &column, std::string_view stored, char *out)
         end = putDate(integerOf(stored), out);
         break;
     case Form::TextTime:
+        end = putTime(integerOf(stored), column.detail, out);
+        break;
     case Form::TextTimestamp:
-        end = putTicks(column.form, integerOf(stored), column.detail, out);
+        end = putTicks(integerOf(stored), column.detail, out);
         break;
     case Form::TextInt96:
         end = putInt96(stored.data(), column.detail, out);

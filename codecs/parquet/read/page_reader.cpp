@@ -10,6 +10,7 @@
 //   index           skipped
 #include "codecs/parquet/read/page_reader.h"
 
+#include "base/checked.h"
 #include "base/limits.h"
 #include "codecs/deflate/crc32.h"
 #include "codecs/parquet/encoding/rle_hybrid.h"
@@ -29,6 +30,10 @@ namespace {
 /// statistics.
 constexpr size_t kBufferBytes = 16384;
 
+/// Bytes by which the last page may exceed its chunk: old writers did not count the header of the
+/// dictionary page.
+constexpr qint64 kUncountedBytes = 100;
+
 /// Compares the CRC-32 of the stored bytes, with the levels of version 2.
 bool hasChecksum(std::span<const uchar> body, qint32 crc)
 {
@@ -38,9 +43,10 @@ bool hasChecksum(std::span<const uchar> body, qint32 crc)
 
 } // namespace
 
-void PageReader::start(qint64 offset, qint32 codec)
+void PageReader::start(qint64 offset, qint64 bytes, qint32 codec)
 {
     m_fileAt = offset;
+    m_chunkEnd = std::min(checkedAdd(offset, bytes).value_or(m_file.size()), m_file.size());
     m_codec = codec;
     m_begin = m_end = 0;
     m_isFileEnd = false;
@@ -95,9 +101,12 @@ Result<PageHeader, Error> PageReader::nextHeader()
 /// Read the `bytes` bytes after the header, and add zeros.
 Result<std::span<const uchar>, Error> PageReader::readBody(qint64 bytes)
 {
-    if (bytes < 0 || bytes > limits::kParquetPageBytes ||
-        bytes > m_file.size() - m_fileAt + static_cast<qint64>(m_end - m_begin)) {
+    if (bytes < 0 || bytes > limits::kParquetPageBytes || bytes > m_file.size() - pageOffset()) {
         return bad(u"a page of %1 bytes does not fit the file"_s.arg(QString::number(bytes)));
+    }
+    if (bytes > m_chunkEnd + kUncountedBytes - pageOffset()) {
+        return bad(
+            u"a page of %1 bytes does not fit its column chunk"_s.arg(QString::number(bytes)));
     }
     const auto size = static_cast<size_t>(bytes);
     uchar *const body = m_body.room(size + kPageTailBytes);
@@ -197,6 +206,9 @@ Result<Page, Error> PageReader::dictionaryPage(const PageHeader &header,
 Result<std::span<const uchar>, Error> PageReader::nextBody(PageHeader &header)
 {
     const qint64 begin = pageOffset();
+    if (isAtEnd()) { // what follows are pages of another column
+        return bad(u"a column chunk has fewer values than its row group has rows"_s);
+    }
     auto next = nextHeader();
     if (!next) {
         return next.fault();

@@ -40,12 +40,14 @@ public:
     {
     }
 
-    /// Move to the first page of a chunk. `offset` and `codec` come from its metadata; the codec
-    /// must be one that makeDecompressor() supports, or kUncompressed.
-    void start(qint64 offset, qint32 codec);
+    /// Move to the first page of a chunk of `bytes` bytes. The arguments come from its metadata;
+    /// the codec must be one that makeDecompressor() supports, or kUncompressed.
+    void start(qint64 offset, qint64 bytes, qint32 codec);
 
+    /// Whether all pages of the chunk are read.
+    bool isAtEnd() const { return pageOffset() >= m_chunkEnd; }
     /// Read the next dictionary or data page. It is valid until the next call. Index pages are
-    /// skipped. Errors: BadData; the detail does not name the column.
+    /// skipped. Errors: BadData, also at the end of the chunk; the detail does not name the column.
     Result<Page, Error> next();
 
 private:
@@ -67,6 +69,7 @@ private:
     const Checksums m_checksums;
     qint64 m_fileAt = 0; // offset of the next byte to read into the buffer
     // Of the current chunk.
+    qint64 m_chunkEnd = 0;
     qint32 m_codec = kUncompressed;
     std::array<std::unique_ptr<Decompressor>, kLz4Raw + 1>
         m_decompressors;         // by codec, created when first used

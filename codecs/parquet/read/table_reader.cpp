@@ -5,6 +5,8 @@
 
 #include <QLatin1StringView>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta::parquet {
@@ -43,11 +45,15 @@ TableReader::TableReader(ByteSource &source, FileMetaData metaData, Columns colu
                          const ReadOptions &options, int workers)
     : m_file(source)
     , m_metaData(std::move(metaData))
+    , m_skipsUnreadable(options.skipsUnreadable)
     , m_columns(std::move(columns))
     , m_cursors(m_columns.columns.size())
     , m_decoder(readersOf(m_file, m_metaData, m_columns, options),
                 m_columns.columns.empty() ? 0 : workers)
 {
+    for (size_t i = 0; i < m_cursors.size(); ++i) {
+        m_cursors[i].lane = i;
+    }
 }
 
 float TableReader::fractionDone() const
@@ -62,12 +68,61 @@ void TableReader::stop()
     m_decoder.stop();
 }
 
+/// Skip a column whose first block cannot be decoded. Returns false if the fault is not the
+/// column's own, or no other column is left.
+bool TableReader::skip(size_t column, const Fault<Error> &fault)
+{
+    if (!m_skipsUnreadable || fault.code == Error::NoMemory || m_cursors.size() == 1) {
+        return false;
+    }
+    const auto at = static_cast<std::ptrdiff_t>(column);
+    m_columns.skipped.push_back({m_columns.columns[column].name, fault});
+    m_columns.columns.erase(m_columns.columns.begin() + at);
+    m_cursors.erase(m_cursors.begin() + at);
+    return true;
+}
+
+Result<void, Error> TableReader::prepare()
+{
+    for (size_t i = 0; i < m_cursors.size();) {
+        const auto answer = refill(i);
+        if (answer) {
+            ++i;
+        } else if (!skip(i, answer.fault())) {
+            return answer.fault();
+        }
+    }
+    return {};
+}
+
+/// Count what is lost with the values of the cursor's block.
+void TableReader::inspect(Cursor &cursor, const QString &column)
+{
+    if (cursor.block->hasSurplus) {
+        m_longChunks.add([&] {
+            return u"column '%1' after row %2"_s.arg(
+                column, QString::number(cursor.rowsBefore + cursor.rows));
+        });
+    }
+    const std::vector<uchar> &changed = cursor.block->changed;
+    const auto first = std::find(changed.begin(), changed.end(), uchar(1));
+    if (first != changed.end() && cursor.lost.count == 0) {
+        cursor.lost.firstRow = cursor.rowsBefore + (first - changed.begin()) + 1;
+    }
+    cursor.lost.count += std::count(first, changed.end(), uchar(1));
+}
+
 Result<bool, Error> TableReader::refill(size_t column)
 {
     Cursor &cursor = m_cursors[column];
-    auto answer = m_decoder.take(column, cursor.block);
+    cursor.rowsBefore += cursor.rows;
+    auto answer = m_decoder.take(cursor.lane, cursor.block);
     cursor.row = 0;
-    cursor.rows = answer && *answer ? cursor.block->rows : 0;
+    cursor.rows = 0;
+    if (answer && *answer) {
+        cursor.rows = cursor.block->rows;
+        inspect(cursor, m_columns.columns[column].name);
+    }
     return answer;
 }
 

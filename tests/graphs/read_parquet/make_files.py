@@ -2,6 +2,7 @@
 """Make the Parquet files of the cases in this folder anew: make_files.py CORVANTA"""
 import gzip
 import pathlib
+import struct
 import subprocess
 import sys
 import tempfile
@@ -73,6 +74,34 @@ put("checksum_ignored", a=WRONG_CHECKSUM)
 put("codec_refused", a=parquet("k\n1\n", "K", "codec='3'"))
 put("codec_allowed", a=parquet("k\n1\n", "K", "codec='3' statistics='1'"))
 put("fewer_rows_than_declared", a=FIRST.replace(b"\x16\x06\x19\x1c\x19\x3c", b"\x16\x08\x19\x1c\x19\x3c"))
+
+def foreign(csv, types, attributes, replaced=()):
+    """A file of another writer: its integers need not be keys."""
+    file = parquet(csv, types, f"codec='1' {attributes}").replace(b"Corvanta", b"Corvamta")
+    for old, new in replaced:
+        assert file.count(old) == 1, old
+        file = file.replace(old, new)
+    return file
+
+
+def with_fewer_values(file, count):
+    """The first page claims `count` values: field 1 of the struct in its header."""
+    at = after_varints(file, 4, 3) + 2
+    return file[:at] + bytes([count * 2]) + file[at + 1:]
+
+
+TABLE = "n,t\n4,a\n,b\n6,c\n7,d\n8,e\n"
+WIDE = [(struct.pack("<q", n), struct.pack("<q", other)) for n, other in ((6, -5), (8, 1 << 53 | 1))]
+put("chunk_too_short", a=with_fewer_values(FIRST, 2))
+put("chunk_of_more_values", a=FIRST.replace(b"\x16\x06\x19\x1c\x19\x3c", b"\x16\x04\x19\x1c\x19\x3c")
+    .replace(b"\x16\x06\0(", b"\x16\x04\0("))
+put("integers_of_a_set", a=foreign(TABLE, "K,U", "statistics='1'"), b=foreign(TABLE, "K,U", ""))
+for case in ("integers_cut", "integers_rounded"):
+    put(case, a=foreign(TABLE, "K,U", ""), b=foreign(TABLE, "K,U", "", WIDE))
+put("integers_negative", a=foreign(TABLE, "K,U", "keyStorage='1'", [(struct.pack("<i", 6), struct.pack("<i", -1))]))
+DAMAGED_COLUMN = with_fewer_values(FIRST, 0)
+put("column_damaged", a=DAMAGED_COLUMN, b=FIRST, c=FIRST.replace(b"one", b"tne"))
+put("column_damaged_later", a=FIRST, b=DAMAGED_COLUMN, c=SECOND)
 PACKED = gzip.compress(FIRST, mtime=0)
 for name, content in {"a": PACKED, "b": PACKED[:-20], "c": gzip.compress(SECOND, mtime=0)}.items():
     (HERE / "packed").mkdir(exist_ok=True)
