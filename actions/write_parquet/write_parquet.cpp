@@ -4,8 +4,11 @@
 
 #include "actions/shared/split_name.h"
 
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+
 #include <algorithm>
-#include <array>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -24,9 +27,37 @@ int workerCount()
     return std::clamp(static_cast<int>(std::thread::hardware_concurrency()) - 1, 1, kMaxWorkers);
 }
 
-/// By the value of the parameter `codec`, which PageCodec names.
-constexpr std::array kCodecs{parquet::kSnappy, parquet::kUncompressed, parquet::kGzip,
-                             parquet::kZstd,   parquet::kLz4Raw,       parquet::kBrotli};
+qint32 codecOf(PageCodec codec)
+{
+    switch (codec) {
+    case PageCodec::None:
+        return parquet::kUncompressed;
+    case PageCodec::Gzip:
+        return parquet::kGzip;
+    case PageCodec::Zstandard:
+        return parquet::kZstd;
+    case PageCodec::Lz4:
+        return parquet::kLz4Raw;
+    case PageCodec::Brotli:
+        return parquet::kBrotli;
+    case PageCodec::Snappy:
+        break;
+    }
+    return parquet::kSnappy;
+}
+
+parquet::Storage storageOf(KeyStorage storage)
+{
+    switch (storage) {
+    case KeyStorage::Unsigned32:
+        return parquet::Storage::KeyAsUint32;
+    case KeyStorage::Signed32:
+        return parquet::Storage::KeyAsInt32;
+    case KeyStorage::Signed64:
+        break;
+    }
+    return parquet::Storage::KeyAsInt64;
+}
 
 } // namespace
 
@@ -96,6 +127,7 @@ bool ActionWriteParquet::failWriter(const Output &output, const Fault<parquet::E
     case parquet::Error::ShortRead:
     case parquet::Error::BadThrift:
     case parquet::Error::Unreadable:
+    case parquet::Error::NeedsExtended:
         break;
     }
     return failWith(WriteProblem::CannotWrite, target, reasonOf(output.target));
@@ -114,8 +146,8 @@ void ActionWriteParquet::start()
         fail(u"No filename?"_s);
         return;
     }
-    m_run->compressor = std::make_unique<parquet::PageCompressor>(
-        kCodecs[static_cast<size_t>(m_params.codec)], workerCount());
+    m_run->compressor =
+        std::make_unique<parquet::PageCompressor>(codecOf(m_params.codec), workerCount());
 }
 
 parquet::Storage ActionWriteParquet::storageOf(const OneRow &columns, int column) const
@@ -129,10 +161,7 @@ parquet::Storage ActionWriteParquet::storageOf(const OneRow &columns, int column
     case MetaInfo::Key:
         break;
     }
-    // By the value of the parameter `keyStorage`.
-    constexpr std::array kKeys{parquet::Storage::KeyAsUint32, parquet::Storage::KeyAsInt32,
-                               parquet::Storage::KeyAsInt64};
-    return kKeys[static_cast<size_t>(m_params.keyStorage)];
+    return corvanta::storageOf(m_params.keyStorage);
 }
 
 bool ActionWriteParquet::findInputs(const OneRow &columns)
@@ -156,22 +185,30 @@ bool ActionWriteParquet::findSplitColumn(const OneRow &columns)
     const QVector<SortInfos> &order = columns.sortInfos();
     // Only the first column of the sort order groups the rows by value.
     m_run->isSorted = !order.isEmpty() && order.first().column == m_params.splitVar;
-    return m_run->splitColumn >= 0 || fail(missingColumn(m_params.splitVar, "for split"));
+    // Kept for saved graphs: the other texts of a missing column have "File".
+    return m_run->splitColumn >= 0 ||
+           fail(u"\nERROR writing to Parquet file '%1': cannot find column '%2' for split\n"_s.arg(
+               fileName(), m_params.splitVar));
 }
 
-bool ActionWriteParquet::begin(const OneRow &columns)
+bool ActionWriteParquet::open(const OneRow &columns)
 {
     const bool splitsByValue = m_params.split == SplitMode::ByValue;
     if (!findInputs(columns) || (splitsByValue && !findSplitColumn(columns))) {
         return false;
     }
     createFolder(fileName()); // files of split values are in the same folder
-    if (!splitsByValue) {
-        // Opened before the first row, so that a table without rows is a file, too.
-        return openOutput(QString());
+    // Opened before the first row, so that a table without rows is a file, too.
+    return splitsByValue || openOutput(QString());
+}
+
+bool ActionWriteParquet::begin(const OneRow &columns)
+{
+    if (!open(columns)) {
+        return false;
     }
     // Every value then has an open file with a row group in memory.
-    if (!m_run->isSorted) {
+    if (m_run->splitColumn >= 0 && !m_run->isSorted) {
         warn(
             u"\nWARNING writing to Parquet file: The table to split is not sorted on the split variable: The number of splits (i.e. the number of files) is limited to the maximum number of simultaneous opened file allowed by the OS and by the available RAM memory.\n"_s);
     }
@@ -188,6 +225,41 @@ QString ActionWriteParquet::nextTarget(const QString &value)
     }
     m_run->targets.insert(target);
     return target;
+}
+
+QStringList ActionWriteParquet::oldSegments() const
+{
+    QSet<QString> written;
+    for (const QString &target : std::as_const(m_run->targets)) {
+        written.insert(QFileInfo(target).fileName());
+    }
+    static const QRegularExpression numbered(u"^(.*)__(?:[2-9]|[1-9][0-9]+)(\\.[^.]*)?$"_s,
+                                             QRegularExpression::DotMatchesEverythingOption);
+    QStringList old;
+    const QDir folder = QFileInfo(fileName()).dir();
+    for (const QString &name : folder.entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
+        const auto match = numbered.match(name);
+        if (match.hasMatch() && !written.contains(name) &&
+            written.contains(match.captured(1) + match.captured(2))) {
+            old << folder.filePath(name);
+        }
+    }
+    return old;
+}
+
+/// An earlier run may have written more segments. A pattern of file names would read them, too.
+void ActionWriteParquet::warnOldSegments()
+{
+    constexpr qsizetype kMaxNames = 10;
+    const QStringList old = m_params.split == SplitMode::None ? QStringList() : oldSegments();
+    if (old.isEmpty()) {
+        return;
+    }
+    const QString names = old.first(std::min(old.size(), kMaxNames)).join("', '"_L1);
+    const QString others = old.size() > kMaxNames ? u" and others"_s : QString();
+    warn(
+        u"Warning: %1 Parquet files of an earlier run stay next to the new ones: '%2'%3. Delete them if they are not needed\n"_s
+            .arg(QString::number(old.size()), names, others));
 }
 
 bool ActionWriteParquet::openOutput(const QString &value)
@@ -253,7 +325,8 @@ bool ActionWriteParquet::chooseOutput(const OneRow &row)
 bool ActionWriteParquet::isSegmentFull() const
 {
     // Checked after each row, so a segment exceeds its size by up to a row group.
-    return m_params.split != SplitMode::None &&
+    // Without a positive size there is one segment.
+    return m_params.split != SplitMode::None && m_params.segmentSize > 0 &&
            static_cast<double>(m_run->output->writer->bytesWritten()) >
                m_params.segmentSize * kBytesPerMiB;
 }
@@ -287,6 +360,7 @@ void ActionWriteParquet::complete()
             return;
         }
     }
+    warnOldSegments();
 }
 
 void ActionWriteParquet::release(bool)

@@ -64,12 +64,14 @@ private:
     QString message(WriteProblem problem, const QString &name) const override;
     void start() override;
     bool begin(const OneRow &columns) override;
-    bool beginWithoutRows(const OneRow &columns) override { return begin(columns); }
+    bool beginWithoutRows(const OneRow &columns) override { return open(columns); }
     bool writeRow(const OneRow &row) override;
     void complete() override;
     void release(bool wasComplete) override;
 
     // Functions that return bool return true for success; otherwise they have failed the run.
+    /// Find the columns and open the file of a table that is not split by value.
+    bool open(const OneRow &columns);
     /// Find the columns to write and choose how each is stored.
     bool findInputs(const OneRow &columns);
     bool findSplitColumn(const OneRow &columns);
@@ -84,6 +86,9 @@ private:
     /// Write the footer of the file of a split value, rename it to its target, and forget it.
     bool closeOutput(const QString &value);
     bool isSegmentFull() const;
+    /// The existing files that have the names of further segments of those that were written.
+    QStringList oldSegments() const;
+    void warnOldSegments();
     // Fail the run with the message for a fault.
     bool failTarget(const Output &output, const Fault<TargetError> &fault);
     bool failWriter(const Output &output, const Fault<parquet::Error> &fault);
