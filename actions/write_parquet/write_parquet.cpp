@@ -286,6 +286,7 @@ bool ActionWriteParquet::closeOutput(const QString &value)
     const std::shared_ptr<Output> output = m_run->outputs.take(value);
     m_run->output.reset();
     const auto finished = output->writer->finish();
+    addNegativeKeys(*output);
     output->writer.reset(); // before its target is closed
     if (!finished) {
         // No longer in `outputs`, so release() would not keep it.
@@ -361,6 +362,35 @@ void ActionWriteParquet::complete()
         }
     }
     warnOldSegments();
+    warnNegativeKeys();
+}
+
+void ActionWriteParquet::addNegativeKeys(const Output &output)
+{
+    m_run->negativeKeys.resize(m_run->columns.size());
+    for (size_t i = 0; i < m_run->columns.size(); ++i) {
+        const parquet::NegativeKeys &found = output.writer->negativeKeys(i);
+        NegativeColumn &column = m_run->negativeKeys[i];
+        if (found.count > 0 && column.count == 0) {
+            column.first = u"in row %1 of the file '%2'"_s.arg(QString::number(found.firstRow),
+                                                               output.target.target());
+        }
+        column.count += found.count;
+    }
+}
+
+/// Kept for saved graphs: our reader returns the keys as they were, but other programs do not.
+void ActionWriteParquet::warnNegativeKeys()
+{
+    for (size_t i = 0; i < m_run->negativeKeys.size(); ++i) {
+        const NegativeColumn &keys = m_run->negativeKeys[i];
+        if (keys.count > 0) {
+            warn(
+                u"Warning: %1 keys of the column '%2' are above 2147483647 and stored as negative numbers; the first is %3. Use keyStorage='2' to store them as they are\n"_s
+                    .arg(QString::number(keys.count), QString::fromUtf8(m_run->columns[i].name),
+                         keys.first));
+        }
+    }
 }
 
 void ActionWriteParquet::release(bool)

@@ -38,6 +38,12 @@ private:
         TargetFile target;
         std::unique_ptr<parquet::FileWriter> writer;
     };
+    /// The keys of a column that became negative numbers, in all files of the run.
+    struct NegativeColumn
+    {
+        qint64 count = 0;
+        QString first = {};
+    };
     /// State of one run, recreated by start(). Outputs use the compressor, so they are destroyed
     /// first.
     struct RunState
@@ -50,6 +56,8 @@ private:
         std::vector<parquet::WriterColumn> columns;
         // Names given so far: a later file of the run must not replace an earlier one.
         QSet<QString> targets;
+        // By column; the place is row and file.
+        std::vector<NegativeColumn> negativeKeys;
         // Its threads are shared by all open files.
         std::unique_ptr<parquet::PageCompressor> compressor;
         // Open files by split value; one with an empty value when the table is not split by value.
@@ -89,6 +97,8 @@ private:
     /// The existing files that have the names of further segments of those that were written.
     QStringList oldSegments() const;
     void warnOldSegments();
+    void addNegativeKeys(const Output &output);
+    void warnNegativeKeys();
     // Fail the run with the message for a fault.
     bool failTarget(const Output &output, const Fault<TargetError> &fault);
     bool failWriter(const Output &output, const Fault<parquet::Error> &fault);

@@ -101,6 +101,12 @@ class Head(Case):
         self.assertEqual(self.corvanta("head", "in.json", "-n", "21", status=1).stdout, "")
         self.assertEqual(self.corvanta("schema", "in.json").stdout, "a\tU\n")
 
+    def test_what_the_shown_rows_lost_is_reported(self):
+        record = b" x"  # no logical value
+        (self.folder / "t.dbf").write_bytes(struct.pack("<BxxxIHH20x11sc4xB15x", 3, 5000, 65, 2, b"L", b"L", 1) + b"\r" +
+                                            record * 5000)
+        self.assertIn("Warning: 3 values of the DBF file", self.corvanta("head", "t.dbf", "-n", "3").stderr)
+
     def test_statuses(self):
         self.put("in.csv", "a\n1\n")
         for command in ("head", "schema"):

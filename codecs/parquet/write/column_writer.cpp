@@ -77,6 +77,7 @@ ColumnWriter::ColumnWriter(const WriterColumn &column, const WriteOptions &optio
     , m_options(options)
     , m_capacity(static_cast<size_t>(options.pageSizeKiB) * 1024)
     , m_maxRows(m_capacity / std::max<size_t>(valueBytes(column.storage), 1))
+    , m_firstNegativeKey(column.storage == Storage::KeyAsInt32 ? 0x80000000 : cell::kMissingKey)
     , m_compressor(compressor)
     , m_usesDictionary(options.dictionaryPages)
 {
@@ -97,7 +98,12 @@ bool ColumnWriter::add(const uchar *cell)
     const auto key = loadNative<quint32>(cell);
     if (key == cell::kMissingKey) {
         addNull();
-    } else if (m_column.storage == Storage::KeyAsInt64) {
+        return true;
+    }
+    if (key >= m_firstNegativeKey) {
+        countNegativeKey();
+    }
+    if (m_column.storage == Storage::KeyAsInt64) {
         addNumber(static_cast<quint64>(key));
     } else {
         addNumber(key);
@@ -178,6 +184,13 @@ void ColumnWriter::addNull()
     addRow(0);
 }
 
+void ColumnWriter::countNegativeKey()
+{
+    if (m_negativeKeys.count++ == 0) {
+        m_negativeKeys.firstRow = m_finishedRows + static_cast<qint64>(m_levels.size()) + 1;
+    }
+}
+
 void ColumnWriter::addRow(uchar level)
 {
     m_levels.push_back(level);
@@ -232,6 +245,7 @@ void ColumnWriter::finishPage()
     m_pages.push_back({m_compressor.submit(std::move(page)), static_cast<qint32>(m_levels.size()),
                        rawBytes, m_usesDictionary});
     m_hasDictionaryPages |= m_usesDictionary;
+    m_finishedRows += static_cast<qint64>(m_levels.size());
     m_levels.clear();
     m_indexes.clear();
     m_used = 0;

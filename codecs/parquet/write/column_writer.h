@@ -72,6 +72,14 @@ struct ValueRange
     bool isKnown = true;
 };
 
+/// The keys that are stored as negative numbers: with KeyAsInt32 those from 2^31 on.
+struct NegativeKeys
+{
+    qint64 count = 0;
+    /// Row of the first one in the file, from 1; 0 without one.
+    qint64 firstRow = 0;
+};
+
 /// Collects the cells of one row group at a time. Finished pages go to the compressor at once.
 /// Threads: one thread at a time per object.
 class ColumnWriter
@@ -101,6 +109,8 @@ public:
     /// The range of the row group's values. Maintained only with statistics.
     const ValueRange &range() const { return m_range; }
     const WriterColumn &column() const { return m_column; }
+    /// Of all row groups so far.
+    const NegativeKeys &negativeKeys() const { return m_negativeKeys; }
 
 private:
     // addNumber() and addText() store the PLAIN value after the used bytes of m_values. addValue()
@@ -109,6 +119,7 @@ private:
     template <class T> void addNumber(T value);
     void addValue(size_t bytes);
     void addNull();
+    void countNegativeKey();
     void addRow(uchar level);
     void updateRange(const char *value, size_t n);
     char *room(size_t bytes);
@@ -118,8 +129,11 @@ private:
 
     const WriterColumn m_column;
     const WriteOptions m_options;
-    const size_t m_capacity; // maximum size in bytes of a page's values
-    const size_t m_maxRows;  // of a page
+    const size_t m_capacity;          // maximum size in bytes of a page's values
+    const size_t m_maxRows;           // of a page
+    const quint32 m_firstNegativeKey; // see NegativeKeys
+    NegativeKeys m_negativeKeys;
+    qint64 m_finishedRows = 0; // in finished pages, of all row groups
     PageCompressor &m_compressor;
     std::vector<uchar> m_levels; // one per row of the open page: 1 for a value, 0 for a null
     std::vector<char> m_values;  // PLAIN values of the open page; m_used bytes are in use

@@ -33,6 +33,12 @@ public:
     /// Number of bytes written so far. Grows by whole row groups.
     qint64 bytesWritten() const { return m_position; }
 
+    /// The keys of a column (0-based) that became negative numbers so far.
+    const NegativeKeys &negativeKeys(size_t column) const
+    {
+        return m_columns[column].negativeKeys();
+    }
+
 private:
     // The size of the row group, which decides where it ends.
     void addFinishedPages();
