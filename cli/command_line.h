@@ -6,7 +6,12 @@
 #include <QStringList>
 
 /// Exit statuses, fixed for scripts.
-enum ExitStatus { kDone = 0, kFailed = 1, kUsage = 2, kInterrupted = 130 };
+enum ExitStatus : int {
+    kDone = 0,
+    kFailed = 1,
+    kUsage = 2,
+    kEndedBySignal = 128 ///< plus the number of the signal, 130 for Ctrl-C for example
+};
 
 /// A value, or the exit status with which the command ends. The detail of the fault is the text of
 /// a usage error; it is empty if the reason has already been reported.

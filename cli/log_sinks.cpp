@@ -131,6 +131,7 @@ void CommandLog::add(const LogMessage &message)
     if (m_quiet && message.level > MainUI::Warning) {
         return;
     }
+    m_hasErrors = m_hasErrors || message.level == MainUI::Error;
     write(format(message));
 }
 

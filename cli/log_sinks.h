@@ -38,6 +38,10 @@ public:
     qint64 bytesRead() const { return m_bytesRead; }
     /// The targets that were completed since then, each once, in their order.
     QStringList writtenFiles() const;
+    /// Whether a message of level 1 was written. Threads: any.
+    bool hasErrors() const { return m_hasErrors; }
+    /// Where messages are written.
+    std::FILE *stream() const { return m_out; }
 
     /// For create(). `out` is not closed.
     CommandLog(bool quiet, std::FILE *out)
@@ -58,6 +62,7 @@ private:
     bool m_quiet;
     std::FILE *m_out;
     std::atomic<qint64> m_bytesRead = 0;
+    std::atomic<bool> m_hasErrors = false;
     mutable std::mutex m_mutex; // held while a line is written, so that lines are never mixed
     QByteArray m_progress;      // guarded by m_mutex
     QStringList m_written;      // guarded by m_mutex

@@ -3,8 +3,10 @@
 #include "base/platform/terminal.h"
 #include "command_line.h"
 #include "commands.h"
+#include "failure.h"
 #include "file_types.h"
 #include "log_sinks.h"
+#include "stop_signals.h"
 
 #include <QCoreApplication>
 
@@ -47,9 +49,10 @@ constexpr Command kCommands[] = {
      "  --quiet                 show only errors and warnings\n"
      "  --strict                unknown names and wrong values in GRAPH are errors, not "
      "warnings\n\n"
-     "Exit status: 0 done (warnings allowed), 1 failed, 2 bad usage or an invalid graph, 130 "
-     "interrupted.\n"
-     "Ctrl-C stops the run cleanly; a second Ctrl-C ends the program immediately.\n"},
+     "Exit status: 0 done (warnings allowed), 1 failed, 2 bad usage or an invalid graph; 129, 130, "
+     "131 or 143 ended by\n"
+     "SIGHUP, SIGINT (Ctrl-C), SIGQUIT or SIGTERM. These signals stop the run cleanly; a second "
+     "Ctrl-C ends the program immediately.\n"},
     {"check", checkOptions, checkCommand, "validate a graph without running it",
      "corvanta check GRAPH [options]\n\n"
      "Reports everything that makes GRAPH invalid; unknown names and wrong values of parameters, "
@@ -78,8 +81,8 @@ constexpr Command kCommands[] = {
      "  --log-format, --progress, --system-encoding, --quiet\n"
      "                          as for \"corvanta run\"\n\n"
      "Exit status: 0 done (warnings allowed), 1 failed, 2 bad usage or an unsupported "
-     "extension,\n"
-     "130 interrupted.\n"},
+     "extension;\n"
+     "129, 130, 131 or 143 as for \"corvanta run\".\n"},
     {"head", headOptions, headCommand, "print the first rows of a file as a table",
      "corvanta head INPUT [-n ROWS] [options]\n\n"
      "Prints the first ROWS rows (default 10) as a table. A missing cell is blank, an empty text "
@@ -203,11 +206,13 @@ CommandResult<void> flushOutput()
     return Fault{kFailed, u"cannot write to standard output%1"_s.arg(reason)};
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+/// Runs the program; what it throws is reported by main().
+ExitStatus runProgram(int argc, char **argv)
 {
     platform::occupyStandardStreams();
+    catchStopSignals();
+    // Without this Qt uses a library that ends the program when there is no memory.
+    qputenv("QT_NO_GLIB", "1");
     const QCoreApplication application(argc, argv);
     // The application object takes the locale from the environment; numbers in files must not
     // follow it.
@@ -218,4 +223,17 @@ int main(int argc, char **argv)
     const ExitStatus status = reportResult(command, words, done);
     const auto flushed = flushOutput();
     return status == kDone && !flushed ? reportResult(command, words, flushed) : status;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    reportUncaughtExceptions();
+    try {
+        return runProgram(argc, argv);
+    } catch (...) {
+        reportException();
+        return kFailed;
+    }
 }

@@ -1,33 +1,20 @@
-// The log, the progress line and the signals of a command.
-//
-// A signal handler only counts. The main thread, which waits for the run, looks at the count and
-// stops the run.
+// The log and the progress line of a command, and the end of its runs.
 #include "session.h"
 
 #include "base/platform/terminal.h"
 #include "corvanta/system.h"
+#include "failure.h"
+#include "stop_signals.h"
 #include "visible_text.h"
 
 #include <QElapsedTimer>
 
 #include <algorithm>
-#include <atomic>
-#include <csignal>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
 
 namespace {
-
-std::atomic<int> g_interrupts = 0; // signals received
-
-/// Requests a clean stop; the second Ctrl-C ends the program immediately.
-void onInterrupt(int)
-{
-    if (g_interrupts.fetch_add(1) > 0) {
-        std::_Exit(kInterrupted);
-    }
-}
 
 /// 1234567 as "1.2M": at most four characters and a unit.
 QByteArray shortCount(double count)
@@ -103,6 +90,7 @@ CommandResult<std::unique_ptr<Session>> Session::open(const CommandLine &line)
         return badUsage(
             u"--log-format must be text or json, --progress must be auto, always or never"_s);
     }
+    setFailureStream(log->stream(), logFormat == "json"_L1);
     std::unique_ptr<Session> session(new Session(std::move(log)));
     const bool wantsProgress =
         progress == "always"_L1 || (progress == "auto"_L1 && platform::isTerminal(stderr));
@@ -118,9 +106,6 @@ Session::Session(std::unique_ptr<CommandLog> log)
     : m_log(std::move(log))
 {
     MainUI::setLogSink(m_log.get());
-    // Batch systems end a job with SIGTERM; it gets the same clean stop.
-    std::signal(SIGINT, onInterrupt);
-    std::signal(SIGTERM, onInterrupt);
 }
 
 Session::~Session()
@@ -136,16 +121,11 @@ Session::~Session()
 
 void Session::waitForEnd(Run *run)
 {
-    // Short enough for a prompt reaction to Ctrl-C, long enough to cost nothing.
-    constexpr auto kTick = std::chrono::milliseconds(50);
-    constexpr int kTicksPerLine = 4;
+    constexpr auto kTick = std::chrono::milliseconds(200); // between two progress lines
     QElapsedTimer timer;
     timer.start();
-    for (int tick = 1; !run->waitFor(kTick); ++tick) {
-        if (g_interrupts > 0) {
-            run->stop();
-        }
-        if (m_showsProgress && tick % kTicksPerLine == 0) {
+    while (!run->waitFor(kTick)) {
+        if (m_showsProgress) {
             m_log->setProgressLine(
                 progressLine(run->progress(), static_cast<double>(timer.elapsed()) / 1000));
         }
@@ -157,15 +137,25 @@ void Session::waitForEnd(Run *run)
 CommandResult<void> Session::run(const CorvantaGraph &graph, const ActionRegistry &registry,
                                  RunOptions options)
 {
+    const CleanEnd cleanEnd;
+    // A command may run several graphs; a signal ends all of them.
+    if (const auto status = interruption()) {
+        return Fault{*status};
+    }
     options.log = m_log.get();
     Run run(graph, registry, std::move(options));
+    const SignalWatch watch(run);
     run.start();
     waitForEnd(&run);
     // A command may run several graphs, for example to measure texts; the last one does its work.
     m_rows = rowsRead(graph, run.progress());
-    // A failure during a stop counts as a failure.
     if (run.succeeded()) {
         return {};
     }
-    return Fault{run.failed() ? kFailed : kInterrupted};
+    // Without memory an action cannot say why it failed.
+    if (run.failed() && !m_log->hasErrors()) {
+        reportFailure("not enough memory");
+    }
+    // Without a failure or a signal the run does not stop.
+    return Fault{run.failed() ? kFailed : interruption().value_or(kFailed)};
 }

@@ -1,4 +1,4 @@
-// Messages, progress and Ctrl-C of the commands that run graphs.
+// Messages, progress and the end of the commands that run graphs.
 #pragma once
 #include "command_line.h"
 #include "corvanta/run.h"
@@ -8,7 +8,7 @@
 
 #include <optional>
 
-/// As long as it exists, messages go to its log, and Ctrl-C stops its run cleanly. At most one
+/// As long as it exists, messages go to its log, and a signal stops its run cleanly. At most one
 /// exists at a time.
 class Session
 {
@@ -21,13 +21,13 @@ public:
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 
-    /// Run a valid graph to its end. The fault is kFailed or kInterrupted, and reported.
+    /// Run a valid graph to its end. The fault is kFailed or that of a signal, and reported.
     CommandResult<void> run(const CorvantaGraph &graph, const corvanta::ActionRegistry &registry,
                             corvanta::RunOptions options);
 
 private:
     explicit Session(std::unique_ptr<CommandLog> log);
-    /// Wait, show the progress and pass Ctrl-C on to the run.
+    /// Wait and show the progress.
     void waitForEnd(corvanta::Run *run);
 
     std::unique_ptr<CommandLog> m_log; // the program's sink

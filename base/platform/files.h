@@ -12,8 +12,10 @@
 
 namespace corvanta::platform {
 
-/// Owns an open file. Offsets and sizes are in bytes. Failures are reported like those of the
-/// system calls, by false or -1, and SystemError::ofLastCall() has the reason. The caller knows the
+/// Owns an open file. Pipes and terminals wait for data, or for the other end to take it, until the
+/// StopScope of the thread is stopped; the wait then fails. Offsets and sizes are in bytes.
+/// Failures are reported like those of the system calls, by false or -1, and
+/// SystemError::ofLastCall() has the reason. The caller knows the
 /// file's name and words the message.
 class FileHandle
 {
@@ -21,11 +23,13 @@ public:
     FileHandle() = default;
     FileHandle(FileHandle &&other) noexcept
         : m_handle(std::exchange(other.m_handle, -1))
+        , m_waits(other.m_waits)
     {
     }
     FileHandle &operator=(FileHandle &&other) noexcept
     {
         std::swap(m_handle, other.m_handle);
+        std::swap(m_waits, other.m_waits);
         return *this;
     }
     ~FileHandle();
@@ -40,6 +44,9 @@ public:
     /// file is read from start to end.
     static FileHandle openForRead(const QString &name, bool sequential);
     static FileHandle openForWrite(const QString &name, Create create);
+    /// Open a new file for reading and writing. It has no name and is gone when it is closed, also
+    /// when the program is killed.
+    static FileHandle openTemporary(const QString &folder);
 
     bool isOpen() const { return m_handle >= 0; }
     /// Returns the number of bytes read, 0 at the end, and -1 after a failure.
@@ -63,6 +70,7 @@ public:
 
 private:
     qintptr m_handle = -1;
+    bool m_waits = false; // a pipe or a device, opened so that calls return at once
 };
 
 /// Rename `from` to `to`, replacing an existing file in one step. Both must be on one file system.

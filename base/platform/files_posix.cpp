@@ -1,17 +1,23 @@
 // The POSIX implementation: thin wrappers of system calls. Those that a signal can interrupt are
 // repeated after EINTR.
+//
+// Files are opened with O_NONBLOCK, which has an effect on pipes and devices only. Their calls
+// return at once, and poll(2) waits in slices between which a stop is noticed.
 #include "base/platform/files.h"
+#include "base/platform/stop_scope.h"
+#include "base/utf.h"
 
-#include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
 
 #include <fcntl.h>
 #include <langinfo.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <clocale>
@@ -21,10 +27,27 @@ namespace corvanta::platform {
 
 namespace {
 
-/// The name in the encoding of the file system.
-QByteArray native(const QString &name)
+/// A name in the encoding of the file system, UTF-8. It takes no memory from the heap, so that
+/// files can be renamed and removed when there is none.
+class NativeName
 {
-    return QFile::encodeName(name);
+public:
+    explicit NativeName(const QString &name)
+    {
+        // The system refuses the beginning of a longer name, which has PATH_MAX bytes at least.
+        const qsizetype units = qMin<qsizetype>(name.size(), PATH_MAX);
+        m_bytes[static_cast<size_t>(utf16ToUtf8(reinterpret_cast<const char16_t *>(name.utf16()),
+                                                units, m_bytes.data()))] = '\0';
+    }
+    const char *constData() const { return m_bytes.data(); }
+
+private:
+    std::array<char, static_cast<size_t>(kUtf8BytesPerUnit *PATH_MAX + 1)> m_bytes;
+};
+
+NativeName native(const QString &name)
+{
+    return NativeName(name);
 }
 
 /// Calls `call` until a signal no longer interrupts it.
@@ -43,6 +66,60 @@ size_t oneCall(qint64 n)
     return static_cast<size_t>(qMin<qint64>(n, SSIZE_MAX));
 }
 
+/// Whether calls for a file of this kind may wait without limit: pipes, sockets, terminals.
+bool mayWait(const struct stat &facts)
+{
+    return !S_ISREG(facts.st_mode) && !S_ISBLK(facts.st_mode);
+}
+
+constexpr int kSliceMs = 50; // how long a wait does not look for a stop
+
+/// Waits until the pipe or device is ready for `events`. Returns false after a stop (EINTR).
+bool waitFor(qintptr handle, short events)
+{
+    pollfd file = {static_cast<int>(handle), events, 0};
+    // A failed poll() counts as ready: the call that follows reports the reason.
+    while (!StopScope::isStopped()) {
+        if (::poll(&file, 1, kSliceMs) != 0 && errno != EINTR) {
+            return true;
+        }
+    }
+    errno = EINTR;
+    return false;
+}
+
+/// Calls `call`, which reads or writes a pipe or device, when that is ready.
+template <class F> ssize_t whenReady(qintptr handle, short events, F call)
+{
+    ssize_t result = -1;
+    do {
+        // Always waited for first: without a writer, a read would report the end of the data.
+        if (!waitFor(handle, events)) {
+            return -1;
+        }
+        result = call();
+        // Another process may have been faster.
+    } while (result < 0 && (errno == EAGAIN || errno == EINTR));
+    return result;
+}
+
+/// Opens a file for writing. A pipe is opened when it has a reader.
+qintptr openWhenRead(const NativeName &name, int flags)
+{
+    const auto open = [&] {
+        return repeated([&] { return ::open(name.constData(), flags, 0666); });
+    };
+    int handle = open();
+    struct stat facts = {};
+    // Devices without a driver report ENXIO too.
+    while (handle < 0 && errno == ENXIO && ::stat(name.constData(), &facts) == 0 &&
+           S_ISFIFO(facts.st_mode) && !StopScope::isStopped()) {
+        ::poll(nullptr, 0, kSliceMs);
+        handle = open();
+    }
+    return handle;
+}
+
 } // namespace
 
 FileHandle::~FileHandle()
@@ -53,8 +130,8 @@ FileHandle::~FileHandle()
 FileHandle FileHandle::openForRead(const QString &name, bool sequential)
 {
     FileHandle file;
-    file.m_handle =
-        repeated([&] { return ::open(native(name).constData(), O_RDONLY | O_CLOEXEC); });
+    file.m_handle = repeated(
+        [&] { return ::open(native(name).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); });
     // open() accepts a folder, and only reading from it fails.
     struct stat facts = {};
     if (file.isOpen() && ::fstat(static_cast<int>(file.m_handle), &facts) == 0 &&
@@ -62,6 +139,7 @@ FileHandle FileHandle::openForRead(const QString &name, bool sequential)
         file.close();
         errno = EISDIR;
     }
+    file.m_waits = file.isOpen() && mayWait(facts);
     if (file.isOpen() && sequential) {
         ::posix_fadvise(static_cast<int>(file.m_handle), 0, 0, POSIX_FADV_SEQUENTIAL);
     }
@@ -71,11 +149,14 @@ FileHandle FileHandle::openForRead(const QString &name, bool sequential)
 FileHandle FileHandle::openForWrite(const QString &name, Create create)
 {
     // O_CLOEXEC: a program that an action starts must not keep the file open.
-    int flags = O_WRONLY | O_CREAT | O_CLOEXEC;
+    int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK;
     flags |= create == Create::Truncate ? O_TRUNC : 0;
     flags |= create == Create::Exclusive ? O_EXCL : 0;
     FileHandle file;
-    file.m_handle = repeated([&] { return ::open(native(name).constData(), flags, 0666); });
+    file.m_handle = openWhenRead(native(name), flags);
+    struct stat facts = {};
+    file.m_waits =
+        file.isOpen() && ::fstat(static_cast<int>(file.m_handle), &facts) == 0 && mayWait(facts);
     // Not O_APPEND, which would ignore every later seek().
     if (file.isOpen() && create == Create::Append &&
         ::lseek(static_cast<int>(file.m_handle), 0, SEEK_END) < 0) {
@@ -84,14 +165,34 @@ FileHandle FileHandle::openForWrite(const QString &name, Create create)
     return file;
 }
 
+FileHandle FileHandle::openTemporary(const QString &folder)
+{
+    FileHandle file;
+#ifdef O_TMPFILE
+    constexpr int kFlags = O_TMPFILE | O_RDWR | O_CLOEXEC;
+    file.m_handle = repeated([&] { return ::open(native(folder).constData(), kFlags, 0600); });
+#endif
+    // Not all file systems can create a file without a name.
+    if (!file.isOpen()) {
+        QByteArray name = QFile::encodeName(folder + QStringLiteral("/corvanta_XXXXXX"));
+        file.m_handle = ::mkostemp(name.data(), O_CLOEXEC);
+        if (file.isOpen()) {
+            ::unlink(name.constData());
+        }
+    }
+    return file;
+}
+
 qint64 FileHandle::read(void *buffer, qint64 n)
 {
-    return repeated([&] { return ::read(static_cast<int>(m_handle), buffer, oneCall(n)); });
+    const auto call = [&] { return ::read(static_cast<int>(m_handle), buffer, oneCall(n)); };
+    return m_waits ? whenReady(m_handle, POLLIN, call) : repeated(call);
 }
 
 qint64 FileHandle::write(const void *bytes, qint64 n)
 {
-    return repeated([&] { return ::write(static_cast<int>(m_handle), bytes, oneCall(n)); });
+    const auto call = [&] { return ::write(static_cast<int>(m_handle), bytes, oneCall(n)); };
+    return m_waits ? whenReady(m_handle, POLLOUT, call) : repeated(call);
 }
 
 bool FileHandle::seek(qint64 offset)

@@ -40,6 +40,8 @@ std::FILE *takeErrorStream()
     std::FILE *const stream = copy >= 0 && nothing >= 0 ? ::fdopen(copy, "w") : nullptr;
     if (stream != nullptr) {
         ::dup2(nothing, STDERR_FILENO);
+    } else {
+        ::close(copy);
     }
     ::close(nothing);
     return stream != nullptr ? stream : stderr;

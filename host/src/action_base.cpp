@@ -143,13 +143,30 @@ template <class F> void ActionBase::guarded(F &&work) noexcept
 {
     try {
         work();
-    } catch (const std::bad_alloc &) {
-        fail(u"Error: '%1': not enough memory\n"_s.arg(QLatin1StringView(m_entry.typeName)));
-    } catch (const std::exception &error) {
-        fail(u"Error: '%1': %2\n"_s.arg(QLatin1StringView(m_entry.typeName),
-                                        QString::fromUtf8(error.what())));
     } catch (...) {
-        fail(u"Error: '%1': unknown failure\n"_s.arg(QLatin1StringView(m_entry.typeName)));
+        failForException();
+    }
+}
+
+/// Fails the run for the exception that is being handled. Without the memory for the message there
+/// is none; the program then says why the run failed.
+void ActionBase::failForException() noexcept
+{
+    try {
+        const auto failFor = [this](const QString &why) {
+            fail(u"Error: '%1': %2\n"_s.arg(QLatin1StringView(m_entry.typeName), why));
+        };
+        try {
+            throw;
+        } catch (const std::bad_alloc &) {
+            failFor(u"not enough memory"_s);
+        } catch (const std::exception &error) {
+            failFor(QString::fromUtf8(error.what()));
+        } catch (...) {
+            failFor(u"unknown failure"_s);
+        }
+    } catch (const std::exception &) {
+        setFailed();
     }
 }
 
@@ -211,13 +228,28 @@ void ActionBase::explain(const QString &reason)
 
 bool ActionBase::fail(const QString &text, const QString &reason)
 {
-    MainUI::addLog(MainUI::Error, text);
-    explain(reason);
-    // Outside a run, for example in fillFromInput(), there is nothing to fail but the call.
-    if (m_control != nullptr) {
-        m_control->runStatus = RunControl::Failed;
+    if (setFailed()) {
+        MainUI::addLog(MainUI::Error, text);
+        explain(reason);
     }
+    return false;
+}
+
+/// Sets the flag of the action and the status of the run. Returns false when the run was stopped:
+/// what fails then is a consequence of the stop and no error.
+bool ActionBase::setFailed() noexcept
+{
     m_errorFlag = 1;
+    // Outside a run, for example in fillFromInput(), there is nothing to fail but the call.
+    if (m_control == nullptr) {
+        return true;
+    }
+    int status = m_control->runStatus;
+    while (status != RunControl::Stopped) {
+        if (m_control->runStatus.compare_exchange_weak(status, RunControl::Failed)) {
+            return true;
+        }
+    }
     return false;
 }
 

@@ -12,6 +12,9 @@
 #include <QDir>
 #include <QPluginLoader>
 
+#include <cerrno>
+#include <new>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
@@ -61,6 +64,8 @@ void ActionRegistry::loadFolder(const QString &folder)
         auto *const plugin = qobject_cast<CorvantaPluginInterface *>(loader.instance());
         if (plugin != nullptr) {
             add(plugin);
+        } else if (loader.errorString().contains(qt_error_string(ENOMEM))) {
+            throw std::bad_alloc(); // its actions would seem to be unknown
         } else {
             MainUI::addLog(MainUI::Warning, u"Warning: cannot load the plug-in '%1': %2\n"_s.arg(
                                                 dir.absoluteFilePath(name), loader.errorString()));
@@ -75,6 +80,10 @@ void ActionRegistry::add(CorvantaPluginInterface *plugin)
         // The interface has no count: the catalogue ends at the first null.
         std::unique_ptr<ActionItem> action(plugin->createAction(i, 0));
         if (!action) {
+            // An action that there is the second time was missing for lack of memory.
+            if (std::unique_ptr<ActionItem>(plugin->createAction(i, 0))) {
+                throw std::bad_alloc();
+            }
             return;
         }
         m_prototypes.push_back(std::move(action));
@@ -104,8 +113,14 @@ std::unique_ptr<ActionItem> ActionRegistry::create(const XMLNode &parameters,
                                                    GlobalParameters *global) const
 {
     ActionItem *const type = prototype(parameters.getName());
-    return std::unique_ptr<ActionItem>(
-        type == nullptr ? nullptr : type->newInstance(new XMLNode(parameters), global));
+    if (type == nullptr) {
+        return nullptr;
+    }
+    std::unique_ptr<ActionItem> action(type->newInstance(new XMLNode(parameters), global));
+    if (!action) {
+        throw std::bad_alloc();
+    }
+    return action;
 }
 
 } // namespace corvanta

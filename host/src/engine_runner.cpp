@@ -54,14 +54,15 @@ CorvantaGraph upTo(const CorvantaGraph &graph, const QString &id)
 bool EngineRunner::run(int pin, ActionItem *action, PinType type, bool wholeTable)
 {
     const CorvantaGraph *const graph = MainUI::editedGraph();
-    if (graph == nullptr || action->getIdx() >= graph->actions.size()) {
+    const int index = action->getIdx();
+    if (graph == nullptr || index < 0 || index >= graph->actions.size()) {
         return false;
     }
     // The editor's registry is not known here; loading the modules again costs little, because they
     // are never unloaded.
     ActionRegistry registry;
     registry.loadAll();
-    return run(*graph, registry, graph->actions[action->getIdx()].id, pin, type, wholeTable);
+    return run(*graph, registry, graph->actions[index].id, pin, type, wholeTable);
 }
 
 bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registry,

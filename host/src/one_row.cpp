@@ -192,7 +192,7 @@ void OneRow::copyFrom(const OneRow *row)
 {
     // Views of the same batch share its schema, so only the position changes.
     if (row->m_view) {
-        if (m_batch != row->m_batch) {
+        if (m_batch != row->m_batch || m_schema != row->m_schema) {
             copySchemaFrom(row);
             m_batch = row->m_batch;
         }

@@ -1,11 +1,16 @@
 // The engine: no row lost, no thread left, close always called, whatever the actions do.
 #include "corvanta/action_registry.h"
 #include "corvanta/engine_runner.h"
+#include "corvanta/main_ui.h"
 #include "corvanta/row_listener.h"
 #include "corvanta/run.h"
 #include "test_actions.h"
 
+#include <QFile>
+#include <QTemporaryDir>
+
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <chrono>
 #include <random>
@@ -120,6 +125,94 @@ TEST_F(EngineTest, WaitingRowsBeyondTheMemoryLimitGoThroughAFile)
     EXPECT_EQ(g_seen.disordered, 0);
 }
 
+// Otherwise the file of a slow reader grows until its producer has ended.
+TEST_F(EngineTest, AProducerWaitsWhileItsRowsComeBackFromAFile)
+{
+    const auto run = make("<action id='a'><source rows='40000' text='" + QByteArray(2000, 'x') +
+                          "'/></action><action id='b'><source how='wait' failAt='12000'/></action>"
+                          "<action id='c'><late/></action>"
+                          "<link from='a:0' to='c:0'/><link from='b:0' to='c:1'/>");
+    runToEnd(*run);
+    EXPECT_TRUE(run->succeeded());
+    EXPECT_EQ(g_seen.rows, 40000);
+    EXPECT_GE(g_seen.firstLead, 12000);
+    EXPECT_LE(g_seen.largestLead, g_seen.firstLead + 1000);
+}
+
+// Whether the first rows for the file are those of a full batch or of the last one.
+TEST_F(EngineTest, AFolderForTemporaryFilesThatIsMissingFailsTheRun)
+{
+    const QByteArray before = qgetenv("TMPDIR");
+    qputenv("TMPDIR", "/nonexistent");
+    int failures = 0;
+    for (int rows = 8300; rows < 8700; rows += 20) {
+        g_seen.reset();
+        m_log.messages.clear();
+        const auto run = make(meeting(rows, QByteArray(2000, 'x')));
+        runToEnd(*run);
+        if (run->failed()) {
+            ++failures;
+            ASSERT_FALSE(m_log.messages.isEmpty());
+            EXPECT_EQ(m_log.messages[0].section(u':', 1),
+                      QStringLiteral(" Error: cannot create a temporary file for waiting rows in "
+                                     "the folder '/nonexistent': No such file or directory"));
+        }
+    }
+    EXPECT_GT(failures, 0);
+    before.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", before);
+}
+
+TEST_F(EngineTest, RowsThatNobodyReadsTakeLittleMemory)
+{
+    const auto peakKiB = [] {
+        rusage usage = {};
+        getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss;
+    };
+    const long before = peakKiB();
+    const auto run = make("<action id='a'><source rows='300' text='" + QByteArray(500'000, 'x') +
+                          "'/></action>");
+    runToEnd(*run);
+    EXPECT_TRUE(run->succeeded());
+    EXPECT_EQ(run->progress()[0].rowsOut, 300);
+    EXPECT_LT(peakKiB() - before, 100'000);
+}
+
+TEST_F(EngineTest, RowsThatAreRenamedArriveRenamed)
+{
+    QStringList names;
+    const auto see = [&](const TableSchema &columns, const OneRow *row) {
+        names << (row != nullptr ? columns.names[0] : QString());
+        return true;
+    };
+    RunOptions options;
+    options.listeners.push_back(
+        {QStringLiteral("x"), {QStringLiteral("b"), 0}, std::make_unique<RowListener>(see)});
+    const auto run = make("<action id='a'><source rows='3'/></action><action id='b'><renamer/>"
+                          "</action><link from='a:0' to='b:0'/>",
+                          std::move(options));
+    runToEnd(*run);
+    EXPECT_EQ(names.mid(0, 3), QStringList(3, QStringLiteral("renamed")));
+    EXPECT_EQ(g_seen.disordered, 0); // copyFrom() takes over the name of the input every time
+}
+
+TEST_F(EngineTest, WhatAnotherActionThrowsFailsTheRun)
+{
+    for (const char *const where : {"init", "run", "close"}) {
+        g_seen.reset();
+        m_log.messages.clear();
+        RunOptions options;
+        options.listeners.push_back({QStringLiteral("x"),
+                                     {QStringLiteral("c"), 0},
+                                     std::make_unique<Thrower>(QString::fromLatin1(where))});
+        const auto run = make(kChain, std::move(options));
+        runToEnd(*run);
+        EXPECT_TRUE(run->failed());
+        EXPECT_EQ(m_log.messages,
+                  QStringList{QStringLiteral("x: Error: ") + QString::fromLatin1(where)});
+    }
+}
+
 TEST_F(EngineTest, AFailureEndsEveryActionAndClosesIt)
 {
     const std::pair<const char *, const char *> cases[] = {
@@ -162,7 +255,11 @@ TEST_F(EngineTest, StopAtAnyMomentEndsWithinASecond)
     std::mt19937 random(7);
     for (int i = 0; i < 200; ++i) {
         g_seen.reset();
-        const auto run = make(meeting(100000000, "text") + "<action id='d'><blocker/></action>");
+        RunOptions options;
+        // A request to yield that ends must not hide the stop, which is one too.
+        options.yieldAtBatches = i % 2 == 1;
+        const auto run = make(meeting(100000000, "text") + "<action id='d'><blocker/></action>",
+                              std::move(options));
         run->start();
         // The moment is chosen by what the run has done, not by a clock.
         const qint64 rows = random() % 20000;
@@ -221,6 +318,31 @@ TEST_F(EngineTest, APreviewOfAPinThatDoesNotExistFails)
     EXPECT_FALSE(preview("a", 1));
     EXPECT_FALSE(preview("a", -1));
     EXPECT_FALSE(preview("nobody", 0));
+}
+
+// A panel knows its action, not the place of the action in the graph.
+TEST_F(EngineTest, APreviewForAnActionNeedsItsNumber)
+{
+    qputenv("CORVANTA_PLUGIN_PATH", "/nonexistent"); // the actions of the host are enough
+    QTemporaryDir dir;
+    QByteArray inside;
+    for (const QByteArray name : {"first", "second"}) {
+        const QString file = dir.filePath(QString::fromLatin1(name));
+        QFile content(file);
+        ASSERT_TRUE(content.open(QIODevice::WriteOnly) && content.write(name + "\n1\n") > 0);
+        inside += "<action id='" + name + "'><readCSV fileName='" + file.toUtf8() + "'/></action>";
+    }
+    auto graph =
+        CorvantaGraph::parse("<graph>" + inside + "</graph>", QStringLiteral("test.graph"));
+    ASSERT_TRUE(graph);
+    MainUI::setEditorHooks({{}, {}, [&] { return &*graph; }, {}});
+    RowListener action([](const TableSchema &, const OneRow *) { return true; });
+    EngineRunner runner;
+    EXPECT_FALSE(runner.run(0, &action, EngineRunner::PinOut, false));
+    action.setIdx(1);
+    ASSERT_TRUE(runner.run(0, &action, EngineRunner::PinOut, false));
+    EXPECT_EQ(runner.columns().names, QVector<QString>{QStringLiteral("second")});
+    MainUI::setEditorHooks({});
 }
 
 TEST_F(EngineTest, AListenerOfTheFirstRowsEndsItsSourceWithoutAnError)

@@ -3,10 +3,13 @@
 #include "corvanta/action_base.h"
 #include "corvanta/plugin_interface.h"
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <stdexcept>
+#include <thread>
 
 namespace test {
 
@@ -17,10 +20,16 @@ struct Seen
 {
     std::atomic<int> opened = 0;
     std::atomic<int> closed = 0;
-    std::atomic<qint64> rows = 0;
+    std::atomic<qint64> made = 0; ///< rows by sources
+    std::atomic<qint64> rows = 0; ///< rows taken
     std::atomic<quint64> sum = 0; ///< of the keys, to notice lost and doubled rows
     std::atomic<int> disordered = 0;
-    void reset() { opened = closed = disordered = 0, rows = 0, sum = 0; }
+    std::atomic<qint64> firstLead = 0;   ///< rows made but not taken, when the first one is taken
+    std::atomic<qint64> largestLead = 0; ///< the same at any later time
+    void reset()
+    {
+        opened = closed = disordered = 0, made = rows = 0, sum = 0, firstLead = largestLead = 0;
+    }
 };
 inline Seen g_seen;
 
@@ -65,7 +74,8 @@ protected:
     void finish() override { ++g_seen.closed; }
 };
 
-/// Rows 0, 1, 2, ... with a text.
+/// Rows 0, 1, 2, ... with a text. With how='wait' no rows, but an end that comes when other sources
+/// have made `failAt` rows.
 class Source final : public TestAction<Source>
 {
 public:
@@ -89,6 +99,13 @@ private:
         }
         const std::u16string text = m_params.text.toStdU16String();
         while (!yieldRequested()) {
+            if (m_params.how == QLatin1String("wait")) {
+                if (g_seen.made >= m_params.failAt) {
+                    return false;
+                }
+                std::this_thread::yield();
+                continue;
+            }
             if (m_next == m_params.failAt) {
                 return fail(QStringLiteral("source fails"));
             }
@@ -100,6 +117,7 @@ private:
                                     static_cast<qsizetype>(text.size())));
             setRowReadyForOutput(0);
             ++m_next;
+            ++g_seen.made;
         }
         return true;
     }
@@ -159,6 +177,55 @@ private:
     qint64 m_expected = 0;
 };
 
+/// Renames the first column of each row that it passes on.
+class Renamer final : public TestAction<Renamer>
+{
+public:
+    Renamer(const XMLNode &saved, GlobalParameters *parameters)
+        : TestAction(describe("renamer", 1, 1), saved, parameters)
+    {
+    }
+
+private:
+    bool step() override
+    {
+        while (const OneRow *const row = getNextRowFromInPin(0)) {
+            OneRow *const out = getOutputRowForOutputPin(0);
+            out->copyFrom(row);
+            g_seen.disordered += out->colName(0) == QLatin1String("n") ? 0 : 1;
+            out->setColName(0, QStringLiteral("renamed"));
+            setRowReadyForOutput(0);
+        }
+        return false;
+    }
+};
+
+/// Reads pin 1 to its end, and then pin 0 slowly.
+class Late final : public TestAction<Late>
+{
+public:
+    Late(const XMLNode &saved, GlobalParameters *parameters)
+        : TestAction(describe("late", 2, 0), saved, parameters)
+    {
+    }
+
+private:
+    bool step() override
+    {
+        while (getNextRowFromInPin(1) != nullptr) {
+        }
+        while (getNextRowFromInPin(0) != nullptr) {
+            const qint64 lead = g_seen.made - g_seen.rows;
+            g_seen.firstLead = g_seen.rows++ == 0 ? lead : g_seen.firstLead.load();
+            g_seen.largestLead = std::max<qint64>(g_seen.largestLead, lead);
+            if (g_seen.rows % 64 == 0) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        }
+        return false;
+    }
+};
+
 /// Blocks in a wait of its own until the host wakes it.
 class Blocker final : public TestAction<Blocker>
 {
@@ -186,6 +253,41 @@ private:
     bool m_woken = false;
 };
 
+/// An action that does not catch what it throws: in "init", "run" or "close".
+class Thrower final : public ActionItem
+{
+public:
+    explicit Thrower(QString where)
+        : ActionItem(XMLNode::emptyNode(), nullptr)
+        , m_where(std::move(where))
+    {
+        m_nPinOut = 0;
+    }
+    const char *getTypeName() const override { return "thrower"; }
+    UpdateClassWidget *createPanel(QWidget *) override { return nullptr; }
+    QPixmap *getIcon(double) override { return nullptr; }
+    QString getDescription() const override { return {}; }
+    void showHelp() override {}
+    QStringList getKeywords() const override { return {}; }
+    void save(std::wostream &, const QString &) override {}
+    ActionItem *newInstance(XMLNode *, GlobalParameters *) override { return nullptr; }
+    char init() override { return throwAt("init"); }
+    char close() override { return throwAt("close"); }
+    void prepareRun() override { m_runFunction = static_cast<RunFunction>(&Thrower::step); }
+
+private:
+    bool step()
+    {
+        throwAt("run");
+        return true;
+    }
+    char throwAt(const char *where) const
+    {
+        return m_where == QLatin1String(where) ? throw std::runtime_error(where) : 0;
+    }
+    QString m_where;
+};
+
 class Plugin final : public CorvantaPluginInterface
 {
 public:
@@ -198,6 +300,10 @@ public:
             return new Sink(XMLNode::emptyNode(), nullptr);
         case 2:
             return new Blocker(XMLNode::emptyNode(), nullptr);
+        case 3:
+            return new Renamer(XMLNode::emptyNode(), nullptr);
+        case 4:
+            return new Late(XMLNode::emptyNode(), nullptr);
         default:
             return nullptr;
         }

@@ -74,7 +74,8 @@ public:
     /// Log an error and fail the run, if there is one. Returns false, so that a function that
     /// returns true for success ends with `return fail(...)`. `reason` is logged in a line of its
     /// own at level 3, so that the text stays the one that programs may wait for; see
-    /// failureReason(). Nothing is logged for an empty reason.
+    /// failureReason(). Nothing is logged for an empty reason, and nothing at all once the run was
+    /// stopped: files and pipes then fail because of the stop.
     bool fail(const QString &text, const QString &reason = {});
     /// Log a warning and set the warning flag; the run continues. `reason` is as for fail().
     void warn(const QString &text, const QString &reason = {});
@@ -125,6 +126,8 @@ protected:
 private:
     QStringList filesOf(ParameterInfo::File kind) const;
     bool runGuarded();
+    bool setFailed() noexcept;
+    void failForException() noexcept;
     template <class F> void guarded(F &&work) noexcept;
 
     ActionEntry m_entry; // a copy; its texts are constants
@@ -151,7 +154,11 @@ public:
     ActionItem *newInstance(XMLNode *saved, GlobalParameters *parameters) override
     {
         const std::unique_ptr<XMLNode> owned(saved);
-        return new (std::nothrow) Self(*owned, parameters);
+        try {
+            return new Self(*owned, parameters);
+        } catch (const std::bad_alloc &) {
+            return nullptr;
+        }
     }
     QVector<ParameterInfo> parameters() const override { return Self::paramTable().infos(); }
     QString parameterValue(int index) const override

@@ -116,8 +116,11 @@ public:
     /// False when no action reads the pin, so that its rows need not be made.
     bool isOutputPinRead(int pin) const;
 
-    /// Number of this action in its graph, from 0.
+    /// Number of this action in its graph, from 0; -1 for an action of no graph.
     int getIdx() const { return m_idx; }
+    /// For an editor, which makes the actions of the graph that it edits (MainUI::editedGraph). In
+    /// a run the engine sets the number.
+    void setIdx(int idx) { m_idx = idx; }
     // Number of pins; during a run, of pins up to the highest linked one.
     int pinInCount() const { return m_nPinIn; }
     int pinOutCount() const { return m_nPinOut; }
@@ -162,6 +165,6 @@ protected:
 private:
     friend class corvanta::Run;
     corvanta::Ports *m_ports = nullptr; // the pins; null outside a run
-    int m_idx = 0;
+    int m_idx = -1;
     double m_savedVersion;
 };

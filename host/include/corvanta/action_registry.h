@@ -38,7 +38,7 @@ public:
     /// The names of all types, in that order.
     QStringList typeNames() const;
     /// A new action with the parameters of a saved element; null for an unknown type. `global` may
-    /// be null and must outlive the action.
+    /// be null and must outlive the action. Throws std::bad_alloc if there is no memory.
     std::unique_ptr<ActionItem> create(const XMLNode &parameters, GlobalParameters *global) const;
 
 private:

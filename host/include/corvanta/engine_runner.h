@@ -26,8 +26,8 @@ public:
     static constexpr int kPreviewRows = 200;
 
     /// Run the edited graph (MainUI::editedGraph) up to a pin of `action` and keep the first
-    /// kPreviewRows rows of the pin, or all. Returns false if there is no such pin or the run
-    /// failed.
+    /// kPreviewRows rows of the pin, or all. The editor has set the number of the action
+    /// (ActionItem::setIdx). Returns false if there is no such action or pin, or the run failed.
     bool run(int pin, ActionItem *action, PinType type, bool wholeTable);
     /// The same for any graph. Only the actions that the pin depends on are checked and run; their
     /// messages go to the program's log. Returns false for a pin that does not exist or, of an

@@ -98,8 +98,8 @@ public:
     void setMetaData(const QVector<MetaInfo> &types);
     /// Declare that the rows are sorted; the row does not check it.
     void setSortInfos(const QVector<SortInfos> &sortedOn);
-    /// Take over the columns and cells of `row`. Rows of an input pin are not copied: the cells are
-    /// shared until one is changed.
+    /// Take over the columns and cells of `row`; a change of the columns is lost. Rows of an input
+    /// pin are not copied: the cells are shared until one is changed.
     void copyFrom(const OneRow *row);
     /// Take over the columns of `row`; all cells become missing.
     void copySchemaFrom(const OneRow *row);

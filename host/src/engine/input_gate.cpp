@@ -16,11 +16,13 @@ InputGate::InputGate(int pins)
 }
 
 /// Whether a producer may append to `queue`. At least two slices are always allowed, so that a
-/// large batch does not stop the flow.
+/// large batch does not stop the flow. While rows come back from the file, only the exception above
+/// lets the file grow.
 bool InputGate::mayPush(const Queue &queue, int pin) const
 {
-    return m_closed || queue.bytes < kQueueBytes || queue.slices.size() < 2 ||
-           (m_waitingPin >= 0 && m_waitingPin != pin);
+    const bool hasRoom =
+        !queue.spill.hasRows() && (queue.bytes < kQueueBytes || queue.slices.size() < 2);
+    return m_closed || hasRoom || (m_waitingPin >= 0 && m_waitingPin != pin);
 }
 
 void InputGate::push(int pin, BatchSlice slice)
@@ -73,7 +75,11 @@ std::optional<BatchSlice> InputGate::pop(int pin)
     // The file holds the rows after those in memory. At the end of the data it is empty, and take()
     // returns nothing.
     if (queue.slices.empty()) {
-        return queue.spill.take();
+        std::optional<BatchSlice> slice = queue.spill.take();
+        if (!queue.spill.hasRows()) {
+            m_emptied.notify_all();
+        }
+        return slice;
     }
     BatchSlice slice = std::move(queue.slices.front());
     queue.slices.pop_front();

@@ -49,7 +49,10 @@ void OutputPin::rowReady()
 /// batch and not for every row.
 void OutputPin::dropRow()
 {
-    if (++m_dropped == m_options.batchRows) {
+    // The bound of bytes is that of a batch: a few large rows take as much memory as many small
+    // ones.
+    if (++m_dropped == m_options.batchRows ||
+        (m_open && m_open->arena.bytesUsed() >= kBatchArenaBytes)) {
         flush();
     }
     if (!m_row.m_view) {
@@ -114,7 +117,7 @@ void OutputPin::flush()
         m_dropped = 0;
         // Cells may have been made in the arena of a row that nobody reads.
         if (m_open) {
-            m_open->arena.reset();
+            m_open->arena.deepReset(kKeptArenaBytes);
         }
     }
     if (m_slice.count != 0) {
@@ -208,10 +211,22 @@ const OneRow *Ports::nextRow(int pin)
         return row;
     }
     // Send partial batches before waiting, so that a slow source does not delay finished rows.
+    flush();
+    return in(pin).fetch() ? in(pin).nextInBatch() : nullptr;
+}
+
+void Ports::flush()
+{
     for (OutputPin &output : m_out) {
         output.flush();
     }
-    return in(pin).fetch() ? in(pin).nextInBatch() : nullptr;
+}
+
+void Ports::end()
+{
+    for (OutputPin &output : m_out) {
+        output.end();
+    }
 }
 
 } // namespace corvanta

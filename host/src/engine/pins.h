@@ -146,6 +146,9 @@ public:
     /// The next row of an input pin, or null at the end. Flushes the output pins before it takes
     /// the next batch, because it may wait for that.
     const OneRow *nextRow(int pin);
+    // Send the open batches of all output pins; end() also sends the end of the data.
+    void flush();
+    void end();
     // The parts, for connecting the pins before a run and for progress displays during it.
     InputPin &in(int pin) { return m_in[static_cast<size_t>(pin)]; }
     OutputPin &out(int pin) { return m_out[static_cast<size_t>(pin)]; }

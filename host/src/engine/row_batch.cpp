@@ -24,12 +24,12 @@ std::shared_ptr<RowBatch> BatchPool::take()
 void BatchPool::giveBack(RowBatch *batch)
 {
     std::unique_ptr<RowBatch> owned(batch);
-    // Free what a few large cells have added, keep the usual size.
-    owned->arena.deepReset(4LL * kBatchArenaBytes);
+    owned->arena.deepReset(kKeptArenaBytes);
     owned->cells.clear();
     owned->schema.reset();
     owned->rows = 0;
     // A reader that is far behind makes many batches; keep only as many as a full queue needs.
+    // Within the reserved capacity, because a deleter must not throw.
     const std::lock_guard lock(m_mutex);
     if (m_free.size() < kKept) {
         m_free.push_back(std::move(owned));

@@ -15,6 +15,8 @@ namespace corvanta {
 /// Bytes of cells after which a batch is sent. Also the size of an arena's block, so that a
 /// usual batch has one block.
 inline constexpr int kBatchArenaBytes = 256 * 1024;
+/// Bytes that an arena keeps for the next rows. More were added by a few large cells.
+inline constexpr qint64 kKeptArenaBytes = 4LL * kBatchArenaBytes;
 
 /// Filled by the thread of one output pin; constant and shared between threads once it is sent.
 struct RowBatch
@@ -54,6 +56,7 @@ struct BatchSlice
 class BatchPool : public std::enable_shared_from_this<BatchPool>
 {
 public:
+    BatchPool() { m_free.reserve(kKept); }
     /// An empty batch, which returns to the pool when its last reference is released. Throws
     /// std::bad_alloc if there is no memory.
     std::shared_ptr<RowBatch> take();

@@ -10,6 +10,7 @@
 // (CorvantaGraph::validate), so the waits of consumers cannot form one either.
 #include "corvanta/run.h"
 
+#include "base/platform/stop_scope.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/main_ui.h"
 #include "engine/pins.h"
@@ -21,6 +22,8 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <stdexcept>
+#include <system_error>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -39,6 +42,18 @@ struct Node
     std::atomic<bool> finished = false;    // atomic: progress() reads it on any thread
     std::jthread thread; // the last member: joined before the others are destroyed
 };
+
+/// Logs what was thrown. Without the memory for the message there is none; the program then says
+/// why the run failed.
+void logException(const std::exception &error) noexcept
+{
+    try {
+        const bool noMemory = dynamic_cast<const std::bad_alloc *>(&error) != nullptr;
+        const QString text = noMemory ? u"not enough memory"_s : QString::fromUtf8(error.what());
+        MainUI::addLog(MainUI::Error, u"Error: %1\n"_s.arg(text));
+    } catch (const std::exception &) {
+    }
+}
 
 /// The highest linked input pin of an action; -1 if there is none.
 int highestLinkedPin(const CorvantaGraph &graph, const QString &id)
@@ -75,10 +90,13 @@ struct Run::Private
     void connect(const CorvantaGraph &graph, const CorvantaGraph::Pin &from, size_t to, int pin);
     void initActions();
     void startThreads();
+    void startThread(Node &node);
     void closeInitialised();
-    void execute(Node &node);
-    void runAndClose(Node &node);
+    void execute(Node &node) noexcept;
+    template <class F> void attempt(F &&work) noexcept;
+    void runAndClose(Node &node) noexcept;
     void callRun(Node &node);
+    void endYield();
     void closeAction(Node &node);
     void syncNewFiles();
     void endRun(RunControl::Status status);
@@ -149,9 +167,6 @@ void Run::Private::endUnlinkedPins(const CorvantaGraph &graph)
 void Run::Private::add(const QString &id, std::unique_ptr<ActionItem> action, int pinsIn,
                        const PinOptions &options)
 {
-    if (!action) {
-        throw std::bad_alloc(); // memory ran out: validate() has checked that the type exists
-    }
     auto node = std::make_unique<Node>();
     node->id = id;
     node->ports = std::make_unique<Ports>(pinsIn, action->m_nPinOut, options);
@@ -207,11 +222,19 @@ void Run::Private::callRun(Node &node)
         if ((node.action.get()->*node.action->m_runFunction)()) {
             return;
         }
-        // This action has yielded; the others yield at a later request. After the end of the run
-        // the request stays set, because releaseAll() sets it once and every thread must see it.
-        if (control.isRunning()) {
-            control.yieldRequest = 0;
-        }
+        endYield();
+    }
+}
+
+/// Ends a request to yield: this action has yielded; the others yield at a later request. After the
+/// end of the run the request stays set, because every thread must see it.
+void Run::Private::endYield()
+{
+    control.yieldRequest = 0;
+    // The run may end at the same time. Its status changes before releaseAll() sets the request, so
+    // either this load sees the new status, or the request is set after the line above.
+    if (control.runStatus != RunControl::Running) {
+        control.yieldRequest = 1;
     }
 }
 
@@ -234,35 +257,43 @@ void Run::Private::syncNewFiles()
     }
 }
 
-/// Runs one action to its end, closes it and ends the data of its output pins.
-void Run::Private::runAndClose(Node &node)
+/// Calls a part of the work of an action. What throws is the engine itself (a full spill file, no
+/// memory) or an action that does not catch what it throws; both fail the run.
+template <class F> void Run::Private::attempt(F &&work) noexcept
 {
     try {
-        callRun(node);
-    } catch (const std::exception &error) { // of the engine itself: a full spill file, no memory
-        MainUI::addLog(MainUI::Error, u"Error: %1\n"_s.arg(QString::fromUtf8(error.what())));
-        control.runStatus = RunControl::Failed;
+        work();
+    } catch (const std::exception &error) {
+        endRun(RunControl::Failed);
+        logException(error);
+    } catch (...) {
+        endRun(RunControl::Failed);
     }
-    // Send the last rows before close(), which may take long: the next actions work meanwhile.
+}
+
+/// Runs one action to its end, closes it and ends the data of its output pins.
+void Run::Private::runAndClose(Node &node) noexcept
+{
+    attempt([&] {
+        callRun(node);
+        // Send the last rows before close(), which may take long: the next actions work meanwhile.
+        if (control.isRunning()) {
+            node.ports->flush();
+        }
+    });
     // After a failure release the other threads now, because the action may wait in close() for one
     // of its own, which wakeAll() wakes.
-    if (control.isRunning()) {
-        for (int i = 0; i < node.ports->pinsOut(); ++i) {
-            node.ports->out(i).flush();
-        }
-    } else {
+    if (!control.isRunning()) {
         releaseAll();
     }
-    closeAction(node);
+    attempt([&] { closeAction(node); });
     // Send the end of the data last: an action's files are complete when the next action sees the
     // end.
-    for (int i = 0; i < node.ports->pinsOut(); ++i) {
-        node.ports->out(i).end();
-    }
+    attempt([&] { node.ports->end(); });
     // Producers must not wait for an action that reads no more, for example after the rows that it
     // needs.
     node.ports->gate().close();
-    syncNewFiles();
+    attempt([&] { syncNewFiles(); });
     // close() of this action, or the flush, may have failed the run.
     if (!control.isRunning()) {
         releaseAll();
@@ -272,6 +303,7 @@ void Run::Private::runAndClose(Node &node)
 /// Initialises the actions on the caller's thread, in the order of the graph, until one fails.
 void Run::Private::initActions()
 {
+    const platform::StopScope stop([this] { return !control.isRunning(); });
     for (const auto &node : nodes) {
         const LogScope scope(logContext(*node));
         if (!control.isRunning()) {
@@ -279,19 +311,35 @@ void Run::Private::initActions()
         }
         // Set before init(), so that an action that fails halfway is closed and woken too.
         node->initialised = true;
-        if (node->action->init() != 0) {
-            endRun(RunControl::Failed);
-        }
-        node->action->prepareRun();
+        attempt([&] {
+            if (node->action->init() != 0) {
+                endRun(RunControl::Failed);
+            }
+            node->action->prepareRun();
+        });
     }
 }
 
-/// Starts one thread per action. The threads use this object; Run::~Run() joins them.
+/// Starts one thread per action. The threads use this object; Run::~Run() joins them. An action
+/// whose thread cannot be started is closed here, and the run fails.
 void Run::Private::startThreads()
 {
     running = nodes.size(); // without the mutex: no thread exists yet
     for (const auto &node : nodes) {
-        node->thread = std::jthread([this, n = node.get()] { execute(*n); });
+        const LogScope scope(logContext(*node));
+        attempt([&] { startThread(*node); });
+        if (!node->thread.joinable()) {
+            execute(*node); // the run has failed: only closes the action
+        }
+    }
+}
+
+void Run::Private::startThread(Node &node)
+{
+    try {
+        node.thread = std::jthread([this, &node] { execute(node); });
+    } catch (const std::system_error &error) { // its text is only the system's reason
+        throw std::runtime_error("cannot start a thread: " + error.code().message());
     }
 }
 
@@ -301,16 +349,17 @@ void Run::Private::closeInitialised()
     for (const auto &node : nodes) {
         const LogScope scope(logContext(*node));
         if (node->initialised) {
-            node->action->close();
+            attempt([&] { node->action->close(); });
         }
         node->finished = true;
     }
 }
 
 /// The function of an action's thread.
-void Run::Private::execute(Node &node)
+void Run::Private::execute(Node &node) noexcept
 {
     const LogScope scope(logContext(node));
+    const platform::StopScope stop([this] { return !control.isRunning(); });
     runAndClose(node);
     node.finished = true;
     // Notify with the mutex held: the owner may destroy this object as soon as it sees 0.

@@ -6,16 +6,61 @@
 
 #include "base/cell.h"
 
+#include <QDir>
+
+#include <cerrno>
 #include <stdexcept>
+#include <system_error>
 
 namespace corvanta {
 
+namespace {
+
+/// The failure of the last system call; `action` is "create", "write" or "read".
+[[noreturn]] void throwFailure(const char *action)
+{
+    const std::string reason = std::generic_category().message(errno);
+    throw std::runtime_error(std::string("cannot ") + action +
+                             " a temporary file for waiting rows in the folder '" +
+                             QDir::tempPath().toStdString() + "': " + reason);
+}
+
+/// Writes all bytes at an offset.
+bool writeAt(platform::FileHandle &file, qint64 offset, const QByteArray &bytes)
+{
+    qint64 done = 0;
+    while (file.seek(offset + done) && done < bytes.size()) {
+        const qint64 n = file.write(bytes.constData() + done, bytes.size() - done);
+        if (n <= 0) {
+            return false;
+        }
+        done += n;
+    }
+    return done == bytes.size();
+}
+
+/// Fills `bytes` with those at an offset.
+bool readAt(platform::FileHandle &file, qint64 offset, QByteArray *bytes)
+{
+    qint64 done = 0;
+    while (file.seek(offset + done) && done < bytes->size()) {
+        const qint64 n = file.read(bytes->data() + done, bytes->size() - done);
+        if (n <= 0) {
+            return false;
+        }
+        done += n;
+    }
+    return done == bytes->size();
+}
+
+} // namespace
+
 void SpillFile::put(const BatchSlice &slice)
 {
-    if (!m_file) {
-        m_file = std::make_unique<QTemporaryFile>();
-        if (!m_file->open()) {
-            throw std::runtime_error("cannot create a temporary file for waiting rows");
+    if (!m_file.isOpen()) {
+        m_file = platform::FileHandle::openTemporary(QDir::tempPath());
+        if (!m_file.isOpen()) {
+            throwFailure("create");
         }
     }
     // Collect the cells first, so that the file needs one write.
@@ -28,8 +73,8 @@ void SpillFile::put(const BatchSlice &slice)
                          cell::bytesOf(schema.types[c].cellType(), cells[c]));
         }
     }
-    if (!m_file->seek(m_writeAt) || m_file->write(bytes) != bytes.size()) {
-        throw std::runtime_error("cannot write the temporary file for waiting rows");
+    if (!writeAt(m_file, m_writeAt, bytes)) {
+        throwFailure("write");
     }
     m_writeAt += bytes.size();
     m_entries.push_back({slice.batch->schema, slice.count, bytes.size()});
@@ -42,12 +87,9 @@ std::optional<BatchSlice> SpillFile::take()
     }
     const Entry entry = std::move(m_entries.front());
     m_entries.pop_front();
-    if (!m_file->seek(m_readAt)) {
-        throw std::runtime_error("cannot read the temporary file for waiting rows");
-    }
-    const QByteArray bytes = m_file->read(entry.bytes);
-    if (bytes.size() != entry.bytes) {
-        throw std::runtime_error("cannot read the temporary file for waiting rows");
+    QByteArray bytes(entry.bytes, Qt::Uninitialized);
+    if (!readAt(m_file, m_readAt, &bytes)) {
+        throwFailure("read");
     }
     m_readAt += entry.bytes;
 
@@ -75,7 +117,7 @@ std::optional<BatchSlice> SpillFile::take()
 void SpillFile::clear()
 {
     m_entries.clear();
-    m_file.reset();
+    m_file = {};
     m_readAt = 0;
     m_writeAt = 0;
 }

@@ -3,12 +3,10 @@
 // The file is created by the first put() and removed when the queue is empty, so that a run takes
 // disk space only while it needs it.
 #pragma once
+#include "base/platform/files.h"
 #include "engine/row_batch.h"
 
-#include <QTemporaryFile>
-
 #include <deque>
-#include <memory>
 #include <optional>
 
 namespace corvanta {
@@ -34,7 +32,7 @@ private:
         int rows = 0;
         qint64 bytes = 0; // in the file
     };
-    std::unique_ptr<QTemporaryFile> m_file;
+    platform::FileHandle m_file; // has no name: no run leaves it behind
     std::deque<Entry> m_entries; // not taken yet, the oldest first
     qint64 m_readAt = 0;         // offset of the first entry's cells
     qint64 m_writeAt = 0;        // end of the file

@@ -1,0 +1,102 @@
+"""Small commands that together run every action that works, for the tests that disturb them."""
+import dataclasses
+import pathlib
+import subprocess
+
+ROWS = 40
+
+
+@dataclasses.dataclass
+class Case:
+    name: str
+    words: list    # of the command; {} in graphs and names is the folder
+    targets: list = dataclasses.field(default_factory=list)
+    graph: str = ""
+
+
+def graph(*elements, version="4.11"):
+    """A chain of actions with the ids a0, a1, ..."""
+    actions = "".join(f"<action id='a{i}'>{element}</action>" for i, element in enumerate(elements))
+    links = "".join(f"<link from='a{i}:0' to='a{i + 1}:0'/>" for i in range(len(elements) - 1))
+    return f"<graph version='{version}'>{actions}{links}</graph>"
+
+
+def run(name, *elements, targets):
+    return Case(name, ["run", f"{name}.graph"], targets, graph(*elements))
+
+
+CSV = "<readCSV fileName='in.csv' types='K,F,U'/>"
+CASES = [
+    run("csv", CSV, "<writeCSV fileName='out.csv'/>", targets=["out.csv"]),
+    run("excel", CSV, "<writeExcel fileNameDestination='out.xlsx'/>", targets=["out.xlsx"]),
+    run("excel_add", CSV, "<writeExcel mode='1' fileNameDestination='added.xlsx' sheetName='New'/>", targets=["added.xlsx"]),
+    run("excel_append", CSV, "<writeExcel mode='2' fileNameDestination='appended.xlsx' startRow='0'/>", targets=["appended.xlsx"]),
+    run("excel_copy", CSV, "<writeExcel mode='3' fileNameSource='book.xlsx' fileNameDestination='copied.xlsx' sheetName='New'/>",
+        targets=["copied.xlsx"]),
+    run("parquet", CSV, "<writeParquet file='out.parquet'/>", targets=["out.parquet"]),
+    run("json", CSV, "<writeJSON fileName='out.json'/>", targets=["out.json"]),
+    run("json_longer", CSV, "<writeJSON fileName='longer.json' fileMode='1'/>", targets=["longer.json"]),
+    run("xml", CSV, "<writeXML fileName='out.xml'/>", targets=["out.xml"]),
+    Case("from_parquet", ["convert", "in.parquet", "out.csv"], ["out.csv"]),
+    Case("from_json", ["convert", "in.json", "out.parquet"], ["out.parquet"]),
+    Case("from_xml", ["convert", "in.xml", "out.json"], ["out.json"]),
+    Case("from_dbf", ["convert", "in.dbf", "out.xml"], ["out.xml"]),
+    Case("head", ["head", "in.csv"]),
+    Case("check", ["check", "csv.graph"]),
+]
+
+
+def dbf(rows):
+    """A dBase III table with one number and one text."""
+    fields = [(b"N", b"N", 8), (b"T", b"C", 12)]
+    length = 1 + sum(field[2] for field in fields)
+    header = bytes([3, 124, 1, 1]) + rows.to_bytes(4, "little") + (32 + 32 * len(fields) + 1).to_bytes(2, "little") \
+        + length.to_bytes(2, "little") + bytes(20)
+    for name, kind, size in fields:
+        header += name.ljust(11, b"\0") + kind + bytes(4) + bytes([size, 0]) + bytes(14)
+    return header + b"\r" + b"".join(b" %8d%-12b" % (i, b"text %d" % i) for i in range(rows)) + b"\x1a"
+
+
+class Folder:
+    """A folder with the inputs and the graphs of all cases. restore() removes what a run has left."""
+
+    def __init__(self, corvanta, folder, rows=ROWS):
+        self.corvanta, self.path = corvanta, pathlib.Path(folder)
+        (self.path / "in.csv").write_text("k,f,t\n" + "".join(f"{i},{i / 8},text {i}\n" for i in range(rows)))
+        (self.path / "in.dbf").write_bytes(dbf(rows))
+        for name in ("in.parquet", "in.json", "in.xml", "book.xlsx"):
+            subprocess.run(self.command(["convert", "in.csv", name]), check=True, cwd=self.path, stderr=subprocess.DEVNULL)
+        for case in CASES:
+            if case.graph:
+                (self.path / f"{case.name}.graph").write_text(case.graph)
+        self.book = (self.path / "book.xlsx").read_bytes()
+        self.given = {path.name for path in self.path.iterdir()}
+
+    def command(self, words):
+        return [self.corvanta, *words]
+
+    def old(self, name):
+        """What a target holds before the run; None: there is none."""
+        return self.book if name in ("added.xlsx", "appended.xlsx") else b"[]\n" if name == "longer.json" else None
+
+    def restore(self, case):
+        for path in self.path.iterdir():
+            if path.name not in self.given:
+                path.unlink()
+        for name in case.targets:
+            if self.old(name) is not None:
+                (self.path / name).write_bytes(self.old(name))
+
+    def content(self, name):
+        path = self.path / name
+        return path.read_bytes() if path.exists() else None
+
+    def others(self, case):
+        """Files that a run has left besides its targets."""
+        return {path.name for path in self.path.iterdir()} - self.given - set(case.targets)
+
+    def reference(self, case):
+        """What an undisturbed run makes of the targets, and what it prints."""
+        self.restore(case)
+        done = subprocess.run(self.command(case.words), check=True, cwd=self.path, capture_output=True)
+        return {name: self.content(name) for name in case.targets}, done.stdout
