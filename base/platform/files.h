@@ -4,10 +4,13 @@
 // files_posix.cpp and, for the Windows build, files_win.cpp.
 // Threads: one thread at a time per FileHandle; the functions may be called from any thread.
 #pragma once
+#include "base/platform/file_lock.h"
+
 #include <QString>
 #include <QtGlobal>
 
 #include <cstddef>
+#include <optional>
 #include <utility>
 
 namespace corvanta::platform {
@@ -65,6 +68,11 @@ public:
     bool sync();
     /// Returns false if the system reports a late failure of a write.
     bool close();
+    /// Lock the file as FileLock does, until it is closed. Returns false if another owner has
+    /// locked it, or if `name` is no longer its name; true also where there are no locks.
+    bool tryLock(const QString &name);
+    /// A second owner of that lock, which keeps it beyond close().
+    FileLock shareLock() const;
     /// Whether this is an ordinary file, not a pipe or a device.
     bool isRegular() const;
 
@@ -86,6 +94,10 @@ bool syncFile(const QString &name);
 bool syncFolder(const QString &folder);
 /// Copy owner, group and permissions of `from` to `to`, as far as the process is allowed to.
 void copyPermissions(const QString &from, const QString &to);
+/// The absolute name of the file that `name` leads to, without links, "." and "..". The file and
+/// its last folders need not exist: a link without a file leads to the file that writing would
+/// create. Returns nothing for links in a circle.
+std::optional<QString> finalName(const QString &name);
 /// Whether both names refer to the same existing file.
 bool isSameFile(const QString &a, const QString &b);
 /// Whether the file, or the folder of a file that does not exist yet, is on NFS or SMB.

@@ -7,6 +7,8 @@
 #include "base/platform/stop_scope.h"
 #include "base/utf.h"
 
+#include <QByteArray>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -22,6 +24,8 @@
 #include <climits>
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
 
 namespace corvanta::platform {
 
@@ -58,6 +62,37 @@ template <class F> auto repeated(F call)
         result = call();
     }
     return result;
+}
+
+/// The text of a link; nothing if there is no link of that name.
+std::optional<QString> linkText(const QString &name)
+{
+    QByteArray text(PATH_MAX, Qt::Uninitialized);
+    const ssize_t n = ::readlink(native(name).constData(), text.data(), PATH_MAX);
+    return n < 0 ? std::nullopt : std::optional(QFile::decodeName(text.first(n)));
+}
+
+/// finalName(), for an absolute name. Recursive: each call removes a part of the name or a link.
+std::optional<QString> followed(const QString &name, int linksLeft)
+{
+    const std::unique_ptr<char, decltype(&std::free)> real(
+        ::realpath(native(name).constData(), nullptr), &std::free);
+    if (real) {
+        return QFile::decodeName(real.get());
+    }
+    const QString parent = QFileInfo(name).path();
+    if (errno == ELOOP || linksLeft == 0 || parent == name) {
+        return std::nullopt;
+    }
+    // Something is missing: the folder is followed alone, then the last part.
+    const std::optional<QString> folder = followed(parent, linksLeft);
+    if (!folder) {
+        return std::nullopt;
+    }
+    const QString file = *folder + u'/' + QFileInfo(name).fileName();
+    const std::optional<QString> target = linkText(file);
+    return target ? followed(QDir(*folder).absoluteFilePath(*target), linksLeft - 1)
+                  : std::optional(QDir::cleanPath(file));
 }
 
 /// The part of `n` bytes that one system call can transfer.
@@ -291,6 +326,12 @@ void copyPermissions(const QString &from, const QString &to)
         // After chown(), which removes the set-user-ID and set-group-ID bits.
         ::chmod(native(to).constData(), facts.st_mode & 07777);
     }
+}
+
+std::optional<QString> finalName(const QString &name)
+{
+    constexpr int kMaxLinks = 40; // as the system's own limit
+    return followed(QDir::current().absoluteFilePath(name), kMaxLinks);
 }
 
 bool isSameFile(const QString &a, const QString &b)
