@@ -319,10 +319,11 @@ bool ActionWriteExcel::swap(const QString &temporary, const QString &target)
             warn(u"WARNING: failed attempt to rename '%1' to '%2'"_s.arg(from, to));
         },
         [this](int pauseMs) { return pause(pauseMs); }};
-    const auto failed = swapFile({temporary, target, backup}, observer);
-    if (failed) {
-        return fail(u"ERROR: impossible to rename '%1' to '%2'"_s.arg(failed->from, failed->to),
-                    failureReason(failed->from, FileUse::Write, failed->error));
+    const auto swapped = swapFile({temporary, target, backup}, observer);
+    if (!swapped) {
+        const FailedRename &failed = swapped.fault().code;
+        return fail(u"ERROR: impossible to rename '%1' to '%2'"_s.arg(failed.from, failed.to),
+                    failureReason(failed.from, FileUse::Write, failed.error));
     }
     return true;
 }

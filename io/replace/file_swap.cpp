@@ -9,12 +9,11 @@ namespace corvanta {
 namespace {
 
 /// Rename with retries: virus scanners and indexers hold a new file open for a moment.
-/// Nothing when the rename has succeeded.
-std::optional<FailedRename> rename(const QString &from, const QString &to,
-                                   const SwapObserver &observer)
+Result<void, FailedRename> rename(const QString &from, const QString &to,
+                                  const SwapObserver &observer)
 {
     for (int retry = 0; !platform::renameOver(from, to); ++retry) {
-        const FailedRename failed{from, to, SystemError::ofLastCall()};
+        const Fault failed{FailedRename{from, to, SystemError::ofLastCall()}};
         if (retry == kSwapRetries) {
             return failed;
         }
@@ -23,12 +22,12 @@ std::optional<FailedRename> rename(const QString &from, const QString &to,
             return failed;
         }
     }
-    return std::nullopt;
+    return {};
 }
 
 } // namespace
 
-std::optional<FailedRename> swapFile(const SwapNames &names, const SwapObserver &observer)
+Result<void, FailedRename> swapFile(const SwapNames &names, const SwapObserver &observer)
 {
     const bool isThere = QFileInfo::exists(names.target);
     if (!isThere && !QFileInfo::exists(names.temporary)) {
@@ -39,13 +38,13 @@ std::optional<FailedRename> swapFile(const SwapNames &names, const SwapObserver 
     if (isThere) {
         platform::copyPermissions(names.target, names.temporary);
     }
-    const auto failed = rename(names.temporary, names.target, observer);
+    const auto renamed = rename(names.temporary, names.target, observer);
     if (hasBackup) {
         platform::removeFile(names.backup);
     }
     // Without this, a power failure could bring the old name back.
     platform::syncFolder(QFileInfo(names.target).absolutePath());
-    return failed;
+    return renamed;
 }
 
 } // namespace corvanta

@@ -4,12 +4,12 @@
 // the finished file is renamed to the target in one step. A file system without hard links has no
 // backup; a rename that fails has changed nothing there.
 #pragma once
+#include "base/result.h"
 #include "base/system_error.h"
 
 #include <QString>
 
 #include <functional>
-#include <optional>
 
 namespace corvanta {
 
@@ -45,6 +45,6 @@ struct FailedRename
 /// unchanged, the backup name is removed and the temporary file remains. A target that does not
 /// exist is created; when the temporary file does not exist either, the backup is the rename that
 /// failed.
-std::optional<FailedRename> swapFile(const SwapNames &names, const SwapObserver &observer);
+Result<void, FailedRename> swapFile(const SwapNames &names, const SwapObserver &observer);
 
 } // namespace corvanta
