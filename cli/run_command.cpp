@@ -25,6 +25,14 @@ struct LoadedGraph
     bool isValid = false;
 
     CorvantaGraph::Problems problems() const { return graph.check(registry, variables, outDir); }
+    /// The actions whose files exclude each other. Only for a valid graph.
+    CorvantaGraph::Problems conflicts() const
+    {
+        RunOptions options;
+        options.variables = variables;
+        options.outDir = outDir;
+        return Run(graph, registry, std::move(options)).problems(); // never started
+    }
 };
 
 /// The variables of `--set NAME=VALUE`; of equal names the last one counts.
@@ -54,19 +62,6 @@ CommandResult<void> checkUse(const QMap<QString, QString> &given, const Corvanta
     return {};
 }
 
-/// Logs the problems, each as an error or as a warning. Returns whether one was an error.
-template <class IsError> bool logProblems(const CorvantaGraph::Problems &problems, IsError isError)
-{
-    bool hasErrors = false;
-    for (const CorvantaGraph::Problem &problem : problems) {
-        const bool fails = isError(problem);
-        hasErrors = hasErrors || fails;
-        MainUI::addLog(fails ? MainUI::Error : MainUI::Warning,
-                       (fails ? u"Error: "_s : u"Warning: "_s) + problem.text);
-    }
-    return hasErrors;
-}
-
 /// Loads and validates the graph file of `line`; logs what makes it invalid.
 CommandResult<std::unique_ptr<LoadedGraph>> load(const CommandLine &line)
 {
@@ -81,7 +76,7 @@ CommandResult<std::unique_ptr<LoadedGraph>> load(const CommandLine &line)
     // A file that cannot be parsed has no graph to validate; its problems are logged alike.
     const CorvantaGraph::Problems problems =
         graph ? graph->validate(loaded->registry, loaded->variables) : graph.fault().code;
-    loaded->isValid = !logProblems(problems, [](const auto &) { return true; });
+    loaded->isValid = !Session::logProblems(problems);
     if (!graph) {
         return Fault{kUsage};
     }
@@ -104,7 +99,7 @@ CommandResult<std::unique_ptr<LoadedGraph>> loadForRun(const CommandLine &line)
     CorvantaGraph::Problems problems = (*loaded)->problems();
     problems.removeIf([](const auto &problem) { return problem.kind != Kind::Mistake; });
     const bool isStrict = line.has(u"--strict"_s);
-    if (logProblems(problems, [&](const auto &) { return isStrict; })) {
+    if (Session::logProblems(problems, [&](const auto &) { return isStrict; })) {
         return Fault{kUsage};
     }
     return loaded;
@@ -203,10 +198,10 @@ CommandResult<void> checkCommand(const CommandLine &line)
         return loaded.fault();
     }
     const LoadedGraph &checked = **loaded;
-    const bool hasErrors = logProblems(checked.problems(), [](const auto &problem) {
+    const bool hasErrors = Session::logProblems(checked.problems(), [](const auto &problem) {
         return problem.kind != CorvantaGraph::Problem::Kind::Hint;
     });
-    if (hasErrors || !checked.isValid) {
+    if (hasErrors || !checked.isValid || Session::logProblems(checked.conflicts())) {
         return Fault{kUsage};
     }
     if (line.has(u"--list-outputs"_s)) {

@@ -119,6 +119,18 @@ Session::~Session()
     MainUI::setLogSink(nullptr);
 }
 
+bool Session::logProblems(const CorvantaGraph::Problems &problems, const IsError &isError)
+{
+    bool hasErrors = false;
+    for (const CorvantaGraph::Problem &problem : problems) {
+        const bool fails = !isError || isError(problem);
+        hasErrors = hasErrors || fails;
+        MainUI::addLog(fails ? MainUI::Error : MainUI::Warning,
+                       (fails ? u"Error: "_s : u"Warning: "_s) + problem.text);
+    }
+    return hasErrors;
+}
+
 void Session::waitForEnd(Run *run)
 {
     constexpr auto kTick = std::chrono::milliseconds(200); // between two progress lines
@@ -145,6 +157,9 @@ CommandResult<void> Session::run(const CorvantaGraph &graph, const ActionRegistr
     options.log = m_log.get();
     Run run(graph, registry, std::move(options));
     const SignalWatch watch(run);
+    if (logProblems(run.problems())) {
+        return Fault{kUsage};
+    }
     run.start();
     waitForEnd(&run);
     // A command may run several graphs, for example to measure texts; the last one does its work.

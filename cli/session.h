@@ -6,6 +6,7 @@
 
 #include <QElapsedTimer>
 
+#include <functional>
 #include <optional>
 
 /// As long as it exists, messages go to its log, and a signal stops its run cleanly. At most one
@@ -21,7 +22,12 @@ public:
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 
-    /// Run a valid graph to its end. The fault is kFailed or that of a signal, and reported.
+    using IsError = std::function<bool(const CorvantaGraph::Problem &)>;
+    /// Log what is wrong with a graph: errors where `isError` is true, else warnings; without it
+    /// all are errors. Returns whether there was an error.
+    static bool logProblems(const CorvantaGraph::Problems &problems, const IsError &isError = {});
+    /// Run a valid graph to its end. The fault is kFailed, that of a signal, or kUsage for actions
+    /// whose files exclude each other; it is reported.
     CommandResult<void> run(const CorvantaGraph &graph, const corvanta::ActionRegistry &registry,
                             corvanta::RunOptions options);
 

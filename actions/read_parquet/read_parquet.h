@@ -30,6 +30,10 @@ public:
     }
     /// Rows delivered of all files, each file weighing the same; 1 while no file is open.
     float computeCompletion() override { return m_series.fractionDone(1.0F); }
+    QStringList inputs() const override
+    {
+        return m_params.fileNameFromPin ? QStringList() : ParamAction::inputs();
+    }
     /// Ends the waits for the decoders of the open file.
     void wakeAll() override { m_series.stop(); }
 

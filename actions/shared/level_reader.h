@@ -28,6 +28,10 @@ class LevelReader : public ActionBase, protected LevelRun::Format
 public:
     /// Fraction of all files that is read, 0 to 1; 0 with texts of the input pin.
     float computeCompletion() override { return m_series.fractionDone(); }
+    QStringList inputs() const override
+    {
+        return isFromPin() ? QStringList() : ActionBase::inputs();
+    }
 
 protected:
     using ActionBase::ActionBase;

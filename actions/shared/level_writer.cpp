@@ -209,14 +209,40 @@ bool LevelWriter::openFile()
     createFolder(name);
     const bool replaces = rowParams().fileMode == FileMode::Replace;
     const TargetMode mode = replaces ? TargetMode::Replace : TargetMode::Append;
-    if (!m_run->target.open(name, targetOptions(fileName(), mode))) {
-        return failWith(WriteProblem::CannotOpen, {}, reasonOf(m_run->target));
+    if (const auto opened = m_run->target.open(name, targetOptions(fileName(), mode)); !opened) {
+        return failOpen(opened.fault());
     }
     m_run->hasFile = true;
     // The head of a file that is appended to is already in it.
     const std::string &head = m_run->frame.head;
     return (!replaces || write(head.data(), static_cast<qint64>(head.size()))) &&
            writeText(expandString(m_run->frame.prefix));
+}
+
+bool LevelWriter::failOpen(const Fault<TargetError> &fault)
+{
+    switch (fault.code) {
+    case TargetError::Stopped: // not a failure, so without a message
+        return false;
+    case TargetError::Locked:
+        return failLocked(fault.detail);
+    case TargetError::CannotReplace:
+    case TargetError::CannotOpen:
+    case TargetError::CannotWrite:
+    case TargetError::CannotRename:
+        break;
+    }
+    return failWith(WriteProblem::CannotOpen, {}, reasonOf(m_run->target));
+}
+
+QVector<TargetUse> LevelWriter::targets() const
+{
+    QVector<TargetUse> uses = RowWriter::targets();
+    const bool replaces = rowParams().fileMode == FileMode::Replace;
+    for (TargetUse &use : uses) {
+        use.access = replaces ? TargetUse::Access::Create : TargetUse::Access::Append;
+    }
+    return uses;
 }
 
 bool LevelWriter::write(const void *bytes, qint64 n)

@@ -37,6 +37,7 @@ class LevelWriter : public RowWriter
 public:
     /// A floatToString that is not a format of a number.
     QVector<ParameterProblem> problems() const override;
+    QVector<TargetUse> targets() const override;
 
 protected:
     using RowWriter::RowWriter;
@@ -97,6 +98,7 @@ private:
     // Functions that return bool return true for success; otherwise the run has failed or ended.
     /// Open targetName() and write what comes before the elements.
     bool openFile();
+    bool failOpen(const Fault<TargetError> &fault);
     bool write(const void *bytes, qint64 n);
     bool writeText(const QString &text);
     /// Write all composed text; opens the file for alwaysWrite.

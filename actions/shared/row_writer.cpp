@@ -148,7 +148,24 @@ QString RowWriter::reasonOf(const TargetFile &target) const
 
 TargetFile::Options RowWriter::targetOptions(const QString &file, TargetMode mode) const
 {
-    return {getIdx(), mode, [this, file] { return askRetryWrite(file); }};
+    return {getIdx(), mode, [this, file] { return askRetryWrite(file); }, lockOptions(file)};
+}
+
+LockOptions RowWriter::lockOptions(const QString &file) const
+{
+    return {rowParams().timeOut, [this] { return runIsGood(); },
+            [file] {
+                MainUI::addLog(
+                    MainUI::Info,
+                    u"Waiting: another program is writing to the file '%1'\n"_s.arg(file));
+            }};
+}
+
+bool RowWriter::failLocked(const QString &file)
+{
+    return fail(
+        u"ERROR: cannot write to the file '%1': another program has been writing to it for %2 seconds (see timeOut)\n"_s
+            .arg(file, QString::number(rowParams().timeOut)));
 }
 
 } // namespace corvanta

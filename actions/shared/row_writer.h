@@ -15,6 +15,7 @@
 // XParams is derived from RowWriterParams. Threads: as ActionBase.
 #pragma once
 #include "actions/shared/write_problem.h"
+#include "base/target_lock.h"
 #include "corvanta/action_base.h"
 #include "corvanta/target_file.h"
 
@@ -30,6 +31,9 @@ struct RowWriterParams
     QStringList toWrite; ///< names of the columns to write when writeAllColumns is off, in order
     bool checkNameCollision = true; ///< two written columns of one name are an error
     bool createDir = false;         ///< create the missing folders of the target
+    /// How long an update or an append waits for other programs that write to the target, in
+    /// seconds; negative: no limit. A parameter only of the writers that have these modes.
+    int timeOut = LockOptions::kTimeOut;
 };
 
 class RowWriter : public ActionBase
@@ -93,6 +97,10 @@ protected:
     /// good and the user, asked about `file`, wants to.
     TargetFile::Options targetOptions(const QString &file,
                                       TargetMode mode = TargetMode::Replace) const;
+    /// How this run waits for the lock of `file`. A wait is logged.
+    LockOptions lockOptions(const QString &file) const;
+    /// Fail the run because another program did not release the lock of `file` in time; false.
+    bool failLocked(const QString &file);
 
 private:
     bool step() final;

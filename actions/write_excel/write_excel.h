@@ -37,6 +37,9 @@ class ActionWriteExcel final : public ParamAction<ActionWriteExcel, WriteExcelPa
 public:
     ActionWriteExcel(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<WriteExcelParams> &paramTable() { return writeExcelParamTable(); }
+    QVector<TargetUse> targets() const override;
+    /// The workbook to copy, unless it is the one that is written.
+    QStringList inputs() const override;
     static void adjustDefaults(WriteExcelParams &params, double savedVersion)
     {
         adjustWriteExcelDefaults(params, savedVersion);
@@ -68,6 +71,8 @@ private:
         // First sheet row written, from 1: the header, or the first row without one.
         qint64 firstRow = 1;
         deflate::StreamOptions compression;
+        // Of a workbook that is updated. Before the others: released when all are closed.
+        TargetLock lock;
         // Each object uses those before it, so that they are destroyed in the reverse order. The
         // input exists only for an update, the others from openSheet() to complete().
         std::unique_ptr<PackageInput> input;
@@ -135,6 +140,8 @@ private:
     // The workbook and the sheet to write to, in write_excel_target.cpp.
     /// Set m_run->workbook and open the output file.
     bool openWorkbook();
+    /// Take the lock of the destination, after releasing it if it is held.
+    bool lockDestination();
     /// Open the temporary file. Problems: CannotOpen.
     bool openOutput();
     bool openNewWorkbook();
@@ -173,6 +180,8 @@ private:
         return m_params.mode == WorkbookMode::AddSheet ||
                m_params.mode == WorkbookMode::ChangeSheet;
     }
+    /// The same for a copy onto itself too.
+    bool replacesItsSource() const;
     /// The number by which the codec knows the format of date cells.
     int dateFormat() const { return static_cast<int>(m_params.dateFormatExcel); }
     /// Replace the destination by the finished package.

@@ -193,6 +193,7 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         shared::testCol<P>(),
         shared::testValue<P>(),
         shared::writeAllRows<P>(),
+        shared::lockTimeOut<P>(),
         // Child elements come after all attributes.
         shared::columnsToWrite<P>("ToWrite").requiredWhen("writeAllColumns", {QStringLiteral("0")}),
         strings("ToDate", &P::toDate)

@@ -2,6 +2,7 @@
 // replaces the destination.
 #include "actions/write_excel/spreadsheet_program.h"
 #include "actions/write_excel/write_excel.h"
+#include "base/platform/files.h"
 #include "codecs/opc/compound_file.h"
 #include "codecs/xlsx/new_workbook.h"
 #include "corvanta/failure_reason.h"
@@ -77,8 +78,43 @@ QString kindReason(const QString &sheet, const QString &kind)
 
 } // namespace
 
+bool ActionWriteExcel::replacesItsSource() const
+{
+    return updatesInPlace() ||
+           (isUpdate() &&
+            platform::finalName(expandFile(m_params.fileNameSource)) ==
+                platform::finalName(expandOutputFile(m_params.fileNameDestination, {})));
+}
+
+QVector<TargetUse> ActionWriteExcel::targets() const
+{
+    QVector<TargetUse> uses = RowWriter::targets();
+    for (TargetUse &use : uses) {
+        use.access = replacesItsSource() ? TargetUse::Access::Update : TargetUse::Access::Create;
+    }
+    return uses;
+}
+
+QStringList ActionWriteExcel::inputs() const
+{
+    return isUpdate() && !replacesItsSource() ? RowWriter::inputs() : QStringList();
+}
+
+bool ActionWriteExcel::lockDestination()
+{
+    const QString file = platform::finalName(fileName()).value_or(fileName());
+    m_run->lock.release();
+    const auto locked = m_run->lock.lock(file, lockOptions(fileName()));
+    // A run that was stopped has no message.
+    return locked || (locked.fault().code == LockError::TimedOut && failLocked(fileName()));
+}
+
 bool ActionWriteExcel::openWorkbook()
 {
+    // Before the workbook is read: what another run writes must not be lost.
+    if (replacesItsSource() && !lockDestination()) {
+        return false;
+    }
     if (!isUpdate()) {
         return openNewWorkbook();
     }
@@ -312,8 +348,9 @@ bool ActionWriteExcel::commit()
 bool ActionWriteExcel::swap(const QString &temporary, const QString &target)
 {
     // In the target's folder, because a rename to another file system is a copy.
-    const QString backup = u"%1_tmp2_%2_%3.xlsx"_s.arg(
-        target, QString::number(getIdx()), QString::number(MainUI::getNearUniqueRandomID()));
+    const QString backup = withSuffix(
+        target, u"_tmp2_%1_%2.xlsx"_s.arg(QString::number(getIdx()),
+                                          QString::number(MainUI::getNearUniqueRandomID())));
     const SwapObserver observer{
         [this](const QString &from, const QString &to) {
             warn(u"WARNING: failed attempt to rename '%1' to '%2'"_s.arg(from, to));
@@ -342,8 +379,9 @@ bool ActionWriteExcel::pause(int pauseMs) const
 /// (updates.behaviour).
 void ActionWriteExcel::swapNothing()
 {
-    const QString temporary = u"%1_tmp_%2_%3"_s.arg(
-        fileName(), QString::number(getIdx()), QString::number(MainUI::getNearUniqueRandomID()));
+    const QString temporary = withSuffix(
+        fileName(), u"_tmp_%1_%2"_s.arg(QString::number(getIdx()),
+                                        QString::number(MainUI::getNearUniqueRandomID())));
     swap(temporary, fileName());
     if (m_params.runExcel) {
         recalculate();
@@ -356,6 +394,10 @@ void ActionWriteExcel::recalculate()
     // swapNothing() has failed this run, and the workbook is recalculated nevertheless. A run that
     // was stopped, or that another action failed, also requests a yield.
     const auto isRunning = [this] { return runIsGood() || !yieldRequested(); };
+    // The workbook that has this name now: another run may have updated it meanwhile.
+    if (!lockDestination()) {
+        return;
+    }
     if (!recalculateWorkbook(fileName(), folder, getIdx(), isRunning)) {
         warn(u"Warning: cannot run MS-Excel to finalize XLSX file '%1'\n"_s.arg(fileName()));
     }

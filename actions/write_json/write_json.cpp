@@ -110,9 +110,24 @@ QString ActionWriteJSON::targetName() const
         return fileName();
     }
     // The part is safe in file names: a value cannot lead to another folder.
-    const QString part = fileNamePart(m_splitValue);
-    return m_params.advancedNaming ? expandOutputFile(m_params.fileName, part)
-                                   : withPartBeforeExtension(fileName(), part);
+    return splitName(fileNamePart(m_splitValue));
+}
+
+QString ActionWriteJSON::splitName(const QString &part) const
+{
+    return m_params.advancedNaming
+               ? expandOutputFile(m_params.fileName, part)
+               : withPartBeforeExtension(expandOutputFile(m_params.fileName, QString()), part);
+}
+
+QVector<TargetUse> ActionWriteJSON::targets() const
+{
+    QVector<TargetUse> uses = LevelWriter::targets();
+    for (TargetUse &use : uses) {
+        use.isPattern = m_params.splitFile;
+        use.name = m_params.splitFile ? splitName(u"*"_s) : use.name;
+    }
+    return uses;
 }
 
 } // namespace corvanta

@@ -23,6 +23,8 @@ public:
         adjustWriteJsonDefaults(params, savedVersion);
     }
 
+    QVector<TargetUse> targets() const override;
+
 private:
     const LevelWriterParams &rowParams() const override { return m_params; }
     LevelWriterTexts texts() const override;
@@ -38,6 +40,8 @@ private:
     bool prepareRow(const OneRow &row) override;
     /// The expanded file name, with the value of the current file when the table is split.
     QString targetName() const override;
+    /// The name of the file for rows with this part.
+    QString splitName(const QString &part) const;
     void warnUnsorted();
 
     // Index in the input; -1: the table is not split.

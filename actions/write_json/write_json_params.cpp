@@ -89,6 +89,7 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
             .requiredWhen("splitFile", {QStringLiteral("1")})
             .label("Split column")
             .meaning("Column whose values split the table, which should be sorted on it."),
+        shared::lockTimeOut<P>(),
         // Child elements come after all attributes.
         shared::fileContent<P>(levelTables()),
     };

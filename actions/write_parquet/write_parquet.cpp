@@ -101,6 +101,8 @@ bool ActionWriteParquet::failTarget(const Output &output, const Fault<TargetErro
     case TargetError::CannotReplace:
         return fail(u"Cannot delete previous file '%1'."_s.arg(fault.detail), reason);
     case TargetError::CannotOpen:
+    case TargetError::Locked: // these two are of files that are extended
+    case TargetError::Stopped:
         return failWith(WriteProblem::CannotOpen, fault.detail, reason);
     case TargetError::CannotWrite:
         return failWith(WriteProblem::CannotWrite, fault.detail, reason);
@@ -213,6 +215,21 @@ bool ActionWriteParquet::begin(const OneRow &columns)
             u"\nWARNING writing to Parquet file: The table to split is not sorted on the split variable: The number of splits (i.e. the number of files) is limited to the maximum number of simultaneous opened file allowed by the OS and by the available RAM memory.\n"_s);
     }
     return true;
+}
+
+QVector<TargetUse> ActionWriteParquet::targets() const
+{
+    QVector<TargetUse> uses = RowWriter::targets();
+    if (uses.isEmpty() || m_params.split == SplitMode::None) {
+        return uses;
+    }
+    // As nextTarget() names them: a table without a split column begins with the file itself.
+    const QString parts = withPartBeforeExtension(uses.front().name, u"__*"_s);
+    if (m_params.split == SplitMode::ByValue) {
+        uses.clear();
+    }
+    uses.append({parts, TargetUse::Access::Create, true});
+    return uses;
 }
 
 QString ActionWriteParquet::nextTarget(const QString &value)

@@ -30,6 +30,7 @@ class ActionWriteParquet final
 public:
     ActionWriteParquet(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<WriteParquetParams> &paramTable() { return writeParquetParamTable(); }
+    QVector<TargetUse> targets() const override;
 
 private:
     /// A file that is being written. The writer is destroyed before its target.

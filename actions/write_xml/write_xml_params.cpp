@@ -76,6 +76,7 @@ const ParamTable<WriteXmlParams> &writeXmlParamTable()
         elementForms(),
         shared::valueForms<P>("write the null form", "write an empty value"),
         shared::alwaysWrite<P>(),
+        shared::lockTimeOut<P>(),
         // Child elements come after all attributes.
         shared::fileContent<P>(levelTables()),
     };

@@ -1,14 +1,15 @@
 // Files on disk, on top of base/platform, which makes the system calls.
 //
 // Reads and writes are not buffered here: callers pass blocks. New files are registered with
-// UnsyncedNames when they get their final name, so that a run can flush them together.
+// the run (UnsyncedNames) when they get their final name, so that it can flush them together.
 #include "corvanta/files.h"
 
 #include "base/platform/files.h"
 #include "corvanta/main_ui.h"
-#include "unsynced_names.h"
+#include "run_files.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 
@@ -19,8 +20,8 @@
 using namespace Qt::StringLiterals;
 using corvanta::Fault;
 using corvanta::Result;
+using corvanta::RunFiles;
 using corvanta::SystemError;
-using corvanta::UnsyncedNames;
 using corvanta::platform::FileHandle;
 
 namespace {
@@ -105,6 +106,8 @@ public:
     bool close() override { return kept(m_file.close()); }
     bool truncate(qint64 size) override { return kept(m_file.truncate(size)) && seek(size); }
     SystemError error() const override { return m_error; }
+    bool tryLock(const QString &name) override { return m_file.tryLock(name); }
+    corvanta::platform::FileLock shareLock() const override { return m_file.shareLock(); }
 
 private:
     /// Returns `done`, the result of the last call, and keeps the reason when it is false.
@@ -278,6 +281,18 @@ void addExtentionIfRequired(QString *name, const QString &extension)
     }
 }
 
+QString withSuffix(const QString &name, const QString &suffix)
+{
+    constexpr qsizetype kMaxBytes = 255;
+    const qsizetype start = name.lastIndexOf(u'/') + 1;
+    QString stem = name.mid(start);
+    while (!stem.isEmpty() && QFile::encodeName(stem + suffix).size() > kMaxBytes) {
+        // Half a surrogate pair has no encoding.
+        stem.chop(stem.back().isLowSurrogate() ? 2 : 1);
+    }
+    return name.left(start) + stem + suffix;
+}
+
 bool renameTMPFile(const QString &temporary, const QString &finalName)
 {
     // The replacement keeps the permissions of the file that it replaces.
@@ -289,8 +304,12 @@ bool renameTMPFile(const QString &temporary, const QString &finalName)
         return false;
     }
     // A replaced file was synced by the caller; only the rename itself must still reach the disk.
-    UnsyncedNames &names = UnsyncedNames::ofProcess();
-    isNew ? names.addFile(finalName) : names.addFolderOf(finalName);
+    if (RunFiles *const files = RunFiles::ofThread()) {
+        isNew ? files->unsynced().addFile(finalName) : files->unsynced().addFolderOf(finalName);
+    } else {
+        corvanta::platform::syncFile(finalName);
+        corvanta::platform::syncFolder(QFileInfo(finalName).absolutePath());
+    }
     return true;
 }
 

@@ -2,8 +2,8 @@
 //
 //     mode          written to                    commit()          discard()
 //     Replace       NAME_tmp_<action>_<random>    sync, rename      remove the temporary file
-//     ReplaceByTmp  NAME_TMP                      sync, rename      remove the temporary file
-//     Append        NAME                          sync              cut to the old length
+//     ReplaceByTmp  NAME_TMP, locked              sync, rename      remove the temporary file
+//     Append        NAME, locked                  sync              cut to the old length
 //     (pipe)        NAME                          close             close
 //
 // A new file is not synced by commit() but before the run ends, together with others.
@@ -11,6 +11,7 @@
 
 #include "base/platform/files.h"
 #include "corvanta/main_ui.h"
+#include "run_files.h"
 
 #include <QFileInfo>
 
@@ -21,7 +22,10 @@ using namespace Qt::StringLiterals;
 
 namespace platform = corvanta::platform;
 using corvanta::Fault;
+using corvanta::LockError;
+using corvanta::RunFiles;
 using corvanta::SystemError;
+using corvanta::TargetLock;
 
 namespace {
 
@@ -29,20 +33,7 @@ namespace {
 /// when it is no link. Nothing when the chain does not end.
 std::optional<QString> followLinks(const QString &name)
 {
-    constexpr int kMaxLinks = 40; // as the system's own limit
-    QFileInfo info(name);
-    if (!info.isSymLink()) {
-        return name;
-    }
-    // All links at once, those in folders included.
-    if (info.exists()) {
-        return info.canonicalFilePath();
-    }
-    // Writing to a dangling link creates the file that its chain names.
-    for (int i = 0; i < kMaxLinks && info.isSymLink(); ++i) {
-        info.setFile(info.symLinkTarget());
-    }
-    return info.isSymLink() ? std::nullopt : std::optional(info.filePath());
+    return QFileInfo(name).isSymLink() ? platform::finalName(name) : std::optional(name);
 }
 
 /// Such a target has readers that are connected to it: replacing it would separate them.
@@ -72,6 +63,10 @@ TargetFile::Done TargetFile::open(const QString &name, Options options)
         return failed(TargetError::CannotOpen, name, end ? ENOENT : ELOOP);
     }
     m_target = *end;
+    RunFiles *const files = RunFiles::ofThread();
+    if (files != nullptr && !files->claim(m_target, m_options.action)) {
+        return failed(TargetError::CannotOpen, name, EBUSY);
+    }
     return openRegular();
 }
 
@@ -112,9 +107,24 @@ TargetFile::Done TargetFile::openReplaced()
     if (info.isDir() || (info.exists() && !info.isWritable())) {
         return failed(TargetError::CannotOpen, m_target, info.isDir() ? EISDIR : EACCES);
     }
-    m_temporary = m_target + u"_tmp_%1_%2"_s.arg(QString::number(m_options.action),
-                                                 QString::number(MainUI::getNearUniqueRandomID()));
-    return openFile(m_temporary, MyWriteFile::Existing::Refuse);
+    return openUnique();
+}
+
+/// Open a temporary file that no other run has.
+TargetFile::Done TargetFile::openUnique()
+{
+    constexpr int kMaxTries = 100;
+    for (int i = 0; i < kMaxTries; ++i) {
+        m_temporary = withSuffix(
+            m_target, u"_tmp_%1_%2"_s.arg(QString::number(m_options.action),
+                                          QString::number(MainUI::getNearUniqueRandomID())));
+        const Done opened = openFile(m_temporary, MyWriteFile::Existing::Refuse);
+        // Only a name that is taken is worth another one.
+        if (opened || !QFileInfo::exists(m_temporary)) {
+            return opened;
+        }
+    }
+    return failed(TargetError::CannotOpen, m_target, EEXIST);
 }
 
 TargetFile::Done TargetFile::openTmp()
@@ -128,24 +138,61 @@ TargetFile::Done TargetFile::openTmp()
         return openFile(m_target, MyWriteFile::Existing::Truncate);
     }
     m_temporary = m_target + "_TMP"_L1;
-    // A killed run may have left its temporary file; a link of that name is not followed.
-    const QFileInfo earlier(m_temporary);
-    const bool isThere = earlier.exists() || earlier.isSymLink();
-    if (isThere && (earlier.isDir() || !platform::removeFile(m_temporary))) {
-        return failed(TargetError::CannotReplace, m_temporary, earlier.isDir() ? EISDIR : errno);
+    // Cut names would be equal for several targets.
+    if (withSuffix(m_target, u"_TMP"_s) != m_temporary) {
+        return openUnique();
     }
-    return openFile(m_temporary, MyWriteFile::Existing::Refuse);
+    if (!removeLeftOver()) {
+        return failed(TargetError::CannotReplace, m_temporary,
+                      QFileInfo(m_temporary).isDir() ? EISDIR : errno);
+    }
+    Done opened = openFile(m_temporary, MyWriteFile::Existing::Refuse);
+    if (opened && m_file->tryLock(m_temporary)) {
+        return {};
+    }
+    // Another run is writing a file of this name, or took this one for a file that was left.
+    const bool isTaken = opened || QFileInfo::exists(m_temporary);
+    m_file.reset();
+    return isTaken ? openUnique() : opened;
+}
+
+/// Remove what a killed run has left under the temporary name. Returns false when that fails; the
+/// file of a run that is writing stays.
+bool TargetFile::removeLeftOver()
+{
+    const QFileInfo earlier(m_temporary);
+    if (!earlier.exists() && !earlier.isSymLink()) {
+        return true;
+    }
+    // A link is removed, not followed. While the lock is held no run can begin to use the file.
+    if (!earlier.isSymLink() &&
+        (earlier.isDir() || m_tmpLock.tryFile(m_temporary) == platform::FileLock::Outcome::Held)) {
+        return !earlier.isDir();
+    }
+    return platform::removeFile(m_temporary);
 }
 
 TargetFile::Done TargetFile::openAppended()
 {
-    // Remembered for discard(), which must leave no file that was not there before.
-    m_existed = QFileInfo::exists(m_target);
+    const bool wasThere = QFileInfo::exists(m_target);
+    const auto locked = m_lock.lock(m_target, m_options.lock, TargetLock::IfMissing::Create);
+    if (!locked) {
+        const bool isStopped = locked.fault().code == LockError::Stopped;
+        return Fault{isStopped ? TargetError::Stopped : TargetError::Locked, m_target};
+    }
+    // Remembered for discard(), which must leave no file that was not there before. While this
+    // waited for the lock, another run may have created the file.
+    m_existed = !m_lock.hasCreated() && (wasThere || QFileInfo::exists(m_target));
     Done opened = openFile(m_target, MyWriteFile::Existing::Append);
     if (opened) {
         m_appends = true;
         m_oldSize = m_file->position();
+        return opened;
     }
+    if (m_lock.hasCreated()) {
+        platform::removeFile(m_target);
+    }
+    m_lock.release();
     return opened;
 }
 
@@ -191,17 +238,17 @@ TargetFile::Done TargetFile::commit(Sync sync, const Rename &rename)
     if (!isOpen()) {
         return Fault{TargetError::CannotWrite, m_target};
     }
-    const QString temporary = m_temporary; // complete() clears the member
     Done done = complete(m_isRegular && sync == Sync::Now);
     if (done && !temporary.isEmpty() && !rename(temporary, m_target)) {
         done = failed(TargetError::CannotRename, m_target, SystemError::ofLastCall().number);
     }
-    if (!done && !temporary.isEmpty() && m_options.mode == TargetMode::Replace) {
-        platform::removeFile(temporary);
+    if (!done && !m_temporary.isEmpty() && m_options.mode == TargetMode::Replace) {
+        platform::removeFile(m_temporary);
     }
     if (done) {
         MainUI::logSink()->addWrittenFile(m_target);
     }
+    keepTemporary(); // a file that was renamed is no longer there
     return done;
 }
 
@@ -217,13 +264,16 @@ TargetFile::Done TargetFile::complete(bool syncs)
         discard();
         return Fault{TargetError::CannotWrite, m_target};
     }
+    if (m_options.mode == TargetMode::ReplaceByTmp) {
+        m_tmpLock = m_file->shareLock();
+    }
     const bool isClosed = m_file->close();
     m_error = isClosed ? m_error : m_file->error();
     // A created file was synced; its entry in the folder must be, too.
     if (m_appends && !m_existed) {
         platform::syncFolder(QFileInfo(m_target).absolutePath());
     }
-    keepTemporary();
+    m_file.reset();
     if (!isWritten || !isClosed) {
         return Fault{TargetError::CannotWrite, m_target};
     }
@@ -240,11 +290,12 @@ void TargetFile::discard()
     }
     const bool isCreated = m_appends && !m_existed;
     // Close before removing: an open file cannot be removed on Windows.
-    const QString unfinished = isCreated ? m_target : m_temporary;
-    keepTemporary();
+    m_file.reset();
+    const QString &unfinished = isCreated ? m_target : m_temporary;
     if (!unfinished.isEmpty()) {
         platform::removeFile(unfinished);
     }
+    keepTemporary(); // releases the locks last: the next owner sees no unfinished file
 }
 
 void TargetFile::keepTemporary()
@@ -252,4 +303,6 @@ void TargetFile::keepTemporary()
     m_file.reset();
     m_temporary.clear();
     m_appends = false;
+    m_tmpLock.release();
+    m_lock.release();
 }

@@ -12,12 +12,6 @@
 
 namespace corvanta {
 
-UnsyncedNames &UnsyncedNames::ofProcess()
-{
-    static UnsyncedNames names;
-    return names;
-}
-
 void UnsyncedNames::addFile(const QString &name)
 {
     constexpr qsizetype kMaxFiles = 256;

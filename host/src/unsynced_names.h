@@ -11,13 +11,10 @@
 
 namespace corvanta {
 
-/// Threads: any. All actions of the process share one object.
+/// Threads: any. All actions of a run share one object.
 class UnsyncedNames
 {
 public:
-    /// One object for all runs of the process; a run may flush the files of another one.
-    static UnsyncedNames &ofProcess();
-
     /// Add a new file, complete and closed. Flushes all if there are 256 files.
     void addFile(const QString &name);
     /// Add the folder of `name`, in which that file has replaced another one. The rename may

@@ -6,6 +6,7 @@
 #pragma once
 #include "base/byte_sink.h"
 #include "base/byte_source.h"
+#include "base/platform/file_lock.h"
 #include "base/result.h"
 #include "base/system_error.h"
 #include "corvanta/export.h"
@@ -83,6 +84,9 @@ public:
     virtual bool truncate(qint64 size) = 0;
     /// Why the last of these calls that failed did so.
     virtual corvanta::SystemError error() const = 0;
+    // The lock of a temporary file, see platform::FileHandle.
+    virtual bool tryLock(const QString &name) = 0;
+    virtual corvanta::platform::FileLock shareLock() const = 0;
 };
 
 /// Facts about a file or folder.
@@ -109,9 +113,14 @@ CORVANTA_EXPORT void listFiles(const QString &pattern, QStringList *names);
 /// Append ".extension" if the last part of the name has no extension.
 CORVANTA_EXPORT void addExtentionIfRequired(QString *name, const QString &extension);
 
+/// `name` + `suffix`, for temporary files in the folder of a file. The last part of `name` is cut
+/// where the result would be longer than file systems allow, so the suffix must make it unique.
+CORVANTA_EXPORT QString withSuffix(const QString &name, const QString &suffix);
+
 /// Rename a complete, closed temporary file to its final name in one step. The caller has synced it
-/// if it replaces a file; otherwise the host syncs it before the run ends. Returns false on
-/// failure (see SystemError::ofLastCall()); both files are then unchanged.
+/// if it replaces a file; otherwise the host syncs it before the run ends, or now when no run is on
+/// this thread. Returns false on failure (see SystemError::ofLastCall()); both files are then
+/// unchanged.
 CORVANTA_EXPORT bool renameTMPFile(const QString &temporary, const QString &finalName);
 /// The same for the temporary name `name` + "_TMP". The other arguments are not used.
 CORVANTA_EXPORT bool renameTMPFile(const QString &name, GlobalParameters *parameters, int action);

@@ -72,6 +72,9 @@ public:
     Run(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions options);
     ~Run(); ///< stops and waits
 
+    /// What makes the run impossible: actions whose files exclude each other, for example two that
+    /// create the same file. Such a run should not be started.
+    const CorvantaGraph::Problems &problems() const;
     /// Initialise all actions on the calling thread and start their threads. Call once. If an
     /// action fails to initialise, the run has ended when start() returns.
     void start();

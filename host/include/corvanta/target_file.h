@@ -6,6 +6,7 @@
 #pragma once
 #include "base/byte_sink.h"
 #include "base/result.h"
+#include "base/target_lock.h"
 #include "corvanta/export.h"
 #include "corvanta/files.h"
 
@@ -20,11 +21,12 @@ enum class TargetMode {
     /// the target. A failure removes the temporary file. A target without write permission is
     /// refused, although its folder would permit the rename.
     Replace,
-    /// Writes "TARGET_TMP", after removing an earlier file of that name; commit() renames it. After
-    /// a failed commit() the temporary file stays. On a network drive the target itself is written.
+    /// Writes "TARGET_TMP", after removing what a killed run left; commit() renames it. While
+    /// another run writes that file, a temporary file of its own is used, as with Replace. After a
+    /// failed commit() the temporary file stays. On a network drive the target itself is written.
     ReplaceByTmp,
-    /// Appends to the target, or creates it. A failure restores the old length, or removes a target
-    /// that was created.
+    /// Appends to the target, or creates it, and locks it until the end. A failure restores the old
+    /// length, or removes a target that was created.
     Append,
 };
 
@@ -32,6 +34,8 @@ enum class TargetMode {
 enum class TargetError {
     CannotReplace, ///< ReplaceByTmp: the target or an earlier "TARGET_TMP" cannot be removed
     CannotOpen,
+    Locked,  ///< Append: another program has locked the target for too long
+    Stopped, ///< Append: the run ended while the target was locked
     CannotWrite,
     CannotRename, ///< the temporary file is complete but could not be renamed
 };
@@ -54,13 +58,15 @@ public:
         /// retry. Called on the thread that writes, which may be a worker thread of a codec.
         /// Without it nothing is retried.
         std::function<bool()> retryWrite = {};
+        /// How Append waits for other programs that write to the target.
+        corvanta::LockOptions lock = {};
     };
 
     TargetFile() = default;
     ~TargetFile() override { discard(); }
 
     /// Open `name`, which is expanded already; an open target is discarded first. Errors:
-    /// CannotReplace, CannotOpen.
+    /// CannotReplace, CannotOpen, Locked, Stopped.
     Done open(const QString &name, Options options);
     bool isOpen() const { return m_file != nullptr; }
     /// The file that commit() replaces or extends: the name, or where its links lead to. Valid
@@ -97,6 +103,8 @@ private:
     Done openRegular();
     Done openReplaced();
     Done openTmp();
+    Done openUnique();
+    bool removeLeftOver();
     Done openAppended();
     Done openFile(const QString &name, MyWriteFile::Existing existing);
     Done commit(Sync sync, const Rename &rename);
@@ -113,4 +121,7 @@ private:
     qint64 m_oldSize = 0;   // of the appended file
     std::unique_ptr<MyWriteFile> m_file;
     corvanta::SystemError m_error;
+    corvanta::TargetLock m_lock; // of the appended target
+    // Of "TARGET_TMP" between its end and its final name; before, the file itself is locked.
+    corvanta::platform::FileLock m_tmpLock;
 };

@@ -22,7 +22,19 @@ bool InputGate::mayPush(const Queue &queue, int pin) const
 {
     const bool hasRoom =
         !queue.spill.hasRows() && (queue.bytes < kQueueBytes || queue.slices.size() < 2);
-    return m_closed || hasRoom || (m_waitingPin >= 0 && m_waitingPin != pin);
+    return m_closed || hasRoom || m_held || (m_waitingPin >= 0 && m_waitingPin != pin);
+}
+
+void InputGate::hold()
+{
+    const std::lock_guard lock(m_mutex);
+    m_held = true;
+}
+
+void InputGate::release()
+{
+    const std::lock_guard lock(m_mutex);
+    m_held = false; // producers that find a full queue wait from now on
 }
 
 void InputGate::push(int pin, BatchSlice slice)

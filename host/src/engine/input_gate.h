@@ -24,6 +24,10 @@ public:
     /// A gate with `pins` input pins, numbered from 0.
     explicit InputGate(int pins);
 
+    /// Until release() the action does not read: producers never wait, and excess rows are kept as
+    /// below. Call before the first push().
+    void hold();
+    void release();
     /// Append rows; waits while the queue is full. A closed gate discards them. Throws
     /// std::runtime_error if rows must go to a temporary file that cannot be written.
     void push(int pin, BatchSlice slice);
@@ -62,6 +66,7 @@ private:
     std::condition_variable m_emptied; // for producers: room, a waiting action or close()
     std::vector<Queue> m_queues;       // guarded by m_mutex, as all below
     int m_waitingPin = -1;             // the pin that pop() waits on; -1: it does not wait
+    bool m_held = false;               // between hold() and release()
     bool m_closed = false;             // never reset
 };
 

@@ -5,16 +5,21 @@
 // status, closes all gates and wakes all actions, so that no thread stays blocked.
 //
 // Who waits for whom: a consumer waits in InputGate::pop() for its producers, a producer in
-// InputGate::push() for room in a consumer's queue, and the owner in wait() for all threads. No
-// thread holds a lock while it waits for another one or calls an action. Links form no loop
-// (CorvantaGraph::validate), so the waits of consumers cannot form one either.
+// InputGate::push() for room in a consumer's queue, an action in RunSequence for others that use
+// its files, and the owner in wait() for all threads. No thread holds a lock while it waits for
+// another one or calls an action. Links form no loop (CorvantaGraph::validate), orderByTargets()
+// adds none, and an action that waits for others never blocks its producers, so the waits cannot
+// form one.
 #include "corvanta/run.h"
 
 #include "base/platform/stop_scope.h"
+#include "corvanta/action_parameters.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/main_ui.h"
 #include "engine/pins.h"
-#include "unsynced_names.h"
+#include "engine/run_sequence.h"
+#include "graph/problem_list.h"
+#include "run_files.h"
 
 #include <QFileInfo>
 
@@ -67,6 +72,21 @@ int highestLinkedPin(const CorvantaGraph &graph, const QString &id)
     return highest;
 }
 
+/// The links as indexes of nodes: first those of the graph, then those to the listeners.
+QVector<std::pair<int, int>> linkedNodes(const CorvantaGraph &graph,
+                                         const std::vector<Listener> &listeners)
+{
+    QVector<std::pair<int, int>> links;
+    for (const CorvantaGraph::Link &link : graph.links) {
+        links.append({graph.indexOf(link.from.action), graph.indexOf(link.to.action)});
+    }
+    auto node = static_cast<int>(graph.actions.size());
+    for (const Listener &listener : listeners) {
+        links.append({graph.indexOf(listener.from.action), node++});
+    }
+    return links;
+}
+
 } // namespace
 
 struct Run::Private
@@ -75,6 +95,9 @@ struct Run::Private
     RunControl control;
     LogSink *log = nullptr;
     std::vector<std::unique_ptr<Node>> nodes; // in the order of the graph, then the listeners
+    RunSequence sequence;                     // of the actions that use one file
+    CorvantaGraph::Problems problems;
+    RunFiles files; // that the actions write
 
     std::mutex mutex;
     std::condition_variable ended;
@@ -87,6 +110,8 @@ struct Run::Private
     void setGlobals(const CorvantaGraph &graph, const RunOptions &options);
     void addListener(const CorvantaGraph &graph, Listener &listener, const PinOptions &options);
     void endUnlinkedPins(const CorvantaGraph &graph);
+    void orderActions(const CorvantaGraph &graph, const std::vector<Listener> &listeners);
+    FileUser filesOf(const CorvantaGraph &graph, size_t index) const;
     void connect(const CorvantaGraph &graph, const CorvantaGraph::Pin &from, size_t to, int pin);
     void initActions();
     void startThreads();
@@ -97,6 +122,7 @@ struct Run::Private
     void runAndClose(Node &node) noexcept;
     void callRun(Node &node);
     void endYield();
+    void waitForReaders(const Node &node);
     void closeAction(Node &node);
     void syncNewFiles();
     void endRun(RunControl::Status status);
@@ -144,6 +170,42 @@ void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &regis
     // them.
     for (Listener &listener : options.listeners) {
         addListener(graph, listener, pinOptions);
+    }
+    orderActions(graph, options.listeners);
+}
+
+/// The files of an action, as far as it declares them.
+FileUser Run::Private::filesOf(const CorvantaGraph &graph, size_t index) const
+{
+    const Node &node = *nodes[index];
+    const auto position = static_cast<qsizetype>(index);
+    FileUser user{node.id, position < graph.actions.size() ? graph.actions[position].line : 0};
+    if (const auto *const files = dynamic_cast<const ActionParameters *>(node.action.get())) {
+        user.targets = files->targets();
+        user.inputs = files->inputs();
+    }
+    return user;
+}
+
+/// Makes actions that use one file wait for each other, or finds that they exclude each other.
+void Run::Private::orderActions(const CorvantaGraph &graph, const std::vector<Listener> &listeners)
+{
+    QVector<FileUser> users;
+    for (size_t i = 0; i < nodes.size(); ++i) {
+        users.append(filesOf(graph, i));
+    }
+    const TargetOrder order = orderByTargets(users, linkedNodes(graph, listeners));
+    ProblemList list(graph.fileName);
+    for (const TargetConflict &conflict : order.conflicts) {
+        list.add(conflict.line, conflict.text);
+    }
+    problems = list.problems();
+    sequence.set(order);
+    files.setOrder(order);
+    for (const auto &node : nodes) {
+        if (sequence.startsLater(node->action->m_idx)) {
+            node->ports->gate().hold();
+        }
     }
 }
 
@@ -198,6 +260,7 @@ void Run::Private::releaseAll()
     for (const auto &node : nodes) {
         node->ports->gate().close();
     }
+    sequence.wakeAll();
     for (const auto &node : nodes) {
         // An action that was not initialised has no threads, and perhaps no state to wake.
         if (node->initialised) {
@@ -249,8 +312,7 @@ void Run::Private::closeAction(Node &node)
 /// Flushes new files to disk, so that the output of a successful run survives a power cut.
 void Run::Private::syncNewFiles()
 {
-    const QStringList failed =
-        control.isRunning() ? UnsyncedNames::ofProcess().sync() : QStringList();
+    const QStringList failed = control.isRunning() ? files.unsynced().sync() : QStringList();
     for (const QString &name : failed) {
         MainUI::addLog(MainUI::Error, u"Error: cannot write file '%1'\n"_s.arg(name));
         endRun(RunControl::Failed);
@@ -271,6 +333,19 @@ template <class F> void Run::Private::attempt(F &&work) noexcept
     }
 }
 
+/// Waits until the actions that read a target of this one have read all of it, or the run has
+/// ended.
+void Run::Private::waitForReaders(const Node &node)
+{
+    const int index = node.action->m_idx;
+    sequence.setRead(index);
+    if (sequence.closesLater(index)) {
+        // Its producers may be what a reader waits for; this action takes no more rows.
+        node.ports->gate().close();
+        sequence.waitToClose(index, control);
+    }
+}
+
 /// Runs one action to its end, closes it and ends the data of its output pins.
 void Run::Private::runAndClose(Node &node) noexcept
 {
@@ -286,7 +361,11 @@ void Run::Private::runAndClose(Node &node) noexcept
     if (!control.isRunning()) {
         releaseAll();
     }
-    attempt([&] { closeAction(node); });
+    attempt([&] {
+        waitForReaders(node);
+        closeAction(node);
+    });
+    sequence.setClosed(node.action->m_idx);
     // Send the end of the data last: an action's files are complete when the next action sees the
     // end.
     attempt([&] { node.ports->end(); });
@@ -360,6 +439,9 @@ void Run::Private::execute(Node &node) noexcept
 {
     const LogScope scope(logContext(node));
     const platform::StopScope stop([this] { return !control.isRunning(); });
+    const RunFiles::Scope filesScope(files);
+    sequence.waitToStart(node.action->m_idx, control);
+    node.ports->gate().release();
     runAndClose(node);
     node.finished = true;
     // Notify with the mutex held: the owner may destroy this object as soon as it sees 0.
@@ -430,6 +512,11 @@ bool Run::succeeded() const
 bool Run::failed() const
 {
     return d->control.runStatus == RunControl::Failed;
+}
+
+const CorvantaGraph::Problems &Run::problems() const
+{
+    return d->problems;
 }
 
 QVector<ActionProgress> Run::progress() const

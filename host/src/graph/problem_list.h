@@ -15,6 +15,7 @@ public:
     using Kind = CorvantaGraph::Problem::Kind;
 
     /// `file` is the name to show.
+    /// `file` is the name to show; empty for a graph that has no file.
     explicit ProblemList(QString file)
         : m_file(std::move(file))
     {
@@ -23,6 +24,10 @@ public:
     /// and has no full stop, because it follows the place.
     void add(qint64 line, const QString &text, Kind kind = Kind::Invalid)
     {
+        if (m_file.isEmpty()) {
+            m_problems.append({text});
+            return;
+        }
         const QString place = line > 0 ? m_file + u':' + QString::number(line) : m_file;
         m_problems.append({place + QStringLiteral(": ") + text, kind});
     }
