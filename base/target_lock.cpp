@@ -2,10 +2,10 @@
 #include "base/target_lock.h"
 
 #include <QElapsedTimer>
-#include <QFileInfo>
 
 #include <chrono>
 #include <thread>
+#include <utility>
 
 namespace corvanta {
 
@@ -13,14 +13,22 @@ using platform::FileLock;
 
 FileLock::Outcome TargetLock::tryOnce(const QString &name, IfMissing ifMissing)
 {
-    FileLock::Outcome outcome = m_lock.tryFile(name, ifMissing);
+    const FileLock::Outcome outcome = m_lock.tryFile(name, ifMissing);
     if (outcome != FileLock::Outcome::Missing) {
         return outcome;
     }
-    outcome = m_lock.tryName(name);
+    const FileLock::Outcome named = m_lock.tryName(name);
+    if (named != FileLock::Outcome::Locked) {
+        return named;
+    }
     // The last owner of the name may have created the file after the first look.
-    return outcome == FileLock::Outcome::Locked && QFileInfo::exists(name) ? m_lock.tryFile(name)
-                                                                           : outcome;
+    FileLock file;
+    const FileLock::Outcome again = file.tryFile(name);
+    if (again == FileLock::Outcome::Missing) {
+        return named;
+    }
+    m_lock = std::move(file);
+    return again;
 }
 
 TargetLock::Done TargetLock::lock(const QString &name, const LockOptions &options,

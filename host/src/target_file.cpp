@@ -146,14 +146,14 @@ TargetFile::Done TargetFile::openTmp()
         return failed(TargetError::CannotReplace, m_temporary,
                       QFileInfo(m_temporary).isDir() ? EISDIR : errno);
     }
-    Done opened = openFile(m_temporary, MyWriteFile::Existing::Refuse);
-    if (opened && m_file->tryLock(m_temporary)) {
-        return {};
+    const Done opened = openFile(m_temporary, MyWriteFile::Existing::Refuse);
+    const bool isOwn = opened && m_file->tryLock(m_temporary);
+    if (isOwn || (!opened && !QFileInfo::exists(m_temporary))) {
+        return opened;
     }
     // Another run is writing a file of this name, or took this one for a file that was left.
-    const bool isTaken = opened || QFileInfo::exists(m_temporary);
     m_file.reset();
-    return isTaken ? openUnique() : opened;
+    return openUnique();
 }
 
 /// Remove what a killed run has left under the temporary name. Returns false when that fails; the
@@ -164,12 +164,19 @@ bool TargetFile::removeLeftOver()
     if (!earlier.exists() && !earlier.isSymLink()) {
         return true;
     }
-    // A link is removed, not followed. While the lock is held no run can begin to use the file.
-    if (!earlier.isSymLink() &&
-        (earlier.isDir() || m_tmpLock.tryFile(m_temporary) == platform::FileLock::Outcome::Held)) {
-        return !earlier.isDir();
+    if (earlier.isSymLink()) {
+        return platform::removeFile(m_temporary); // not followed
     }
-    return platform::removeFile(m_temporary);
+    if (earlier.isDir()) {
+        return false;
+    }
+    // While the lock is held no run can begin to use the file. A file that is gone may be followed
+    // by one of another run.
+    using Outcome = platform::FileLock::Outcome;
+    platform::FileLock lock;
+    const Outcome outcome = lock.tryFile(m_temporary);
+    return outcome == Outcome::Held || outcome == Outcome::Missing ||
+           platform::removeFile(m_temporary);
 }
 
 TargetFile::Done TargetFile::openAppended()
