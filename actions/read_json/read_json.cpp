@@ -153,6 +153,14 @@ markup::MarkupTokenizer *ActionReadJSON::beginDocument(ByteSource &source, const
     return m_tokenizer.get();
 }
 
+/// The text of a structure error is fixed and has no column, which a file of one line needs.
+void ActionReadJSON::logPlace(const markup::MarkupResult &result, const QString &name)
+{
+    MainUI::addLog(MainUI::Info,
+                   u"The JSON structure error in file '%1' is at line %2, column %3.\n"_s.arg(
+                       name, QString::number(result.line), QString::number(result.column + 1)));
+}
+
 /// Structure errors beyond the 50th are not reported, however many files have one.
 bool ActionReadJSON::documentFails(const markup::MarkupResult &result, const QString &name,
                                    const QString &why)
@@ -166,12 +174,17 @@ bool ActionReadJSON::documentFails(const markup::MarkupResult &result, const QSt
     }
     const auto text = QString::fromUtf16(markup::errorText(result.error));
     if (!m_params.ignoreErrors) {
-        return fail(u"ERROR: JSON structure error '%1' in file '%3' at line %2\n"_s.arg(
+        fail(u"ERROR: JSON structure error '%1' in file '%3' at line %2\n"_s.arg(
             text, QString::number(result.line), name));
+        logPlace(result, name);
+        return false;
     }
     if (m_reportedErrors < kMaxReportedErrors) {
         warn(u"Warning: JSON structure error '%1' in file '%3' at line %2\n"_s.arg(
             text, QString::number(result.line), name));
+        if (m_reportedErrors == 0) {
+            logPlace(result, name);
+        }
         if (++m_reportedErrors == kMaxReportedErrors) {
             warn(u"More JSON Errors won't be reported"_s);
         }

@@ -57,6 +57,9 @@ private:
     /// Structure errors fail the run or, with ignoreErrors, are warnings.
     bool documentFails(const markup::MarkupResult &result, const QString &name,
                        const QString &why) override;
+    /// Log where a structure error is: the column of the first character that is not expected, from
+    /// 1, in UTF-16 units.
+    static void logPlace(const markup::MarkupResult &result, const QString &name);
     bool isInsideValue() const override { return m_tokenizer->isInsideValue(); }
 
     std::unique_ptr<markup::JSONTokenizer> m_tokenizer; // restarted for each document

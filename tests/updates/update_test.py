@@ -170,7 +170,9 @@ class Messages(UpdateCase):
             (self.ONE_SHEET, "mode='2' sheetMode='0' sheetIdx='3'",
              ["ExcelWriter: Could not find sheet number '3' inside the file 'book.xlsx' (The only sheet has the index '1')."]),
             (plain_parts(), "mode='2' sheetMode='0' sheetIdx='x'",
-             ["ExcelWriter: Could not find sheet number '0' inside the file 'book.xlsx' (The valid range of sheet indexes is from 1 to 2)."]),
+             ["Warning: case.graph:1: the action 'book' (writeExcel): the value 'x' of 'sheetIdx' is not allowed; "
+              "allowed: a whole number from 1; the action finds no sheet",
+              "ExcelWriter: Could not find sheet number '0' inside the file 'book.xlsx' (The valid range of sheet indexes is from 1 to 2)."]),
             (self.ONE_SHEET, "mode='2' sheetName='data' createIfNotExists='0'",
              ["ExcelWriter: Could not find sheet named 'data' inside the file 'book.xlsx'. The only sheet is named 'Data'."]),
             (plain_parts(), "mode='2' sheetName='%1' createIfNotExists='0'",

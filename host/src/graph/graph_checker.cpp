@@ -31,7 +31,7 @@ bool isNeeded(const ActionParameters &parameters, const ParameterInfo &info)
 QString fileOf(const QString &name)
 {
     for (const auto marker : {".zip@"_L1, ".xlsx@"_L1}) {
-        const qsizetype at = name.indexOf(marker, 0, Qt::CaseInsensitive);
+        const qsizetype at = name.indexOf(marker);
         if (at >= 0) {
             return name.left(at + marker.size() - 1);
         }
