@@ -178,6 +178,7 @@ bool ActionWriteExcel::begin(const OneRow &row)
             return false;
         }
     }
+    reportShortYears(columns);
     // A warning only: other programs read larger sheets.
     if (columns.size() > sheet::kMaxColumns) {
         warn(

@@ -93,6 +93,10 @@ private:
     void complete() override;
     void release(bool wasComplete) override;
 
+    // Parts of problems(), in write_excel_report.cpp.
+    QVector<ParameterProblem> dateProblems() const;
+    QVector<ParameterProblem> nameProblems() const;
+
     // Functions that return bool return true for success; otherwise they have failed the run.
     /// Problems: BadFloatFormat.
     bool setFloatFormat();
@@ -123,6 +127,8 @@ private:
     /// Names of the lists ToDate and ToFormula that the input does not have.
     void reportMissingNames(const OneRow &columns);
     void reportMissingNames(const OneRow &columns, const QString &list, const QStringList &names);
+    /// A date format that loses the century.
+    void reportShortYears(const std::vector<sheet::Column> &columns);
     /// Names that spreadsheet programs reject; `others` are those that the workbook has.
     void reportSheetName(const QString &name, const QStringList &others);
     void reportRangeName(const QStringList &others);

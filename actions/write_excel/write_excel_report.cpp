@@ -5,6 +5,8 @@
 #include "actions/write_excel/write_excel.h"
 #include "codecs/xlsx/name_rules.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
@@ -112,6 +114,18 @@ void ActionWriteExcel::reportMissingNames(const OneRow &columns, const QString &
     if (!missing.isEmpty()) {
         warn(u"Warning: writing to Excel file '%1': cannot find %2 of %3: '%4'\n"_s.arg(
             fileName(), counted(missing.size(), u"column"_s), list, missing.join(u"', '")));
+    }
+}
+
+void ActionWriteExcel::reportShortYears(const std::vector<sheet::Column> &columns)
+{
+    const bool hasDates = std::any_of(columns.begin(), columns.end(), [](const auto &column) {
+        return column.kind == sheet::Column::Kind::Date;
+    });
+    if (hasDates && sheet::hasShortYears(dateFormatName())) {
+        warn(
+            u"Warning: writing to Excel file '%1': the date format '%2' has years of two digits, which are read as 1900 to 1999\n"_s
+                .arg(fileName(), dateFormatName()));
     }
 }
 
@@ -226,34 +240,46 @@ void ActionWriteExcel::reportNoFile()
 
 QVector<ParameterProblem> ActionWriteExcel::problems() const
 {
-    using Severity = ParameterProblem::Severity;
-    QVector<ParameterProblem> problems;
     FloatFormat format;
+    QVector<ParameterProblem> problems;
     if (!format.set(m_params.floatToString) || !sheet::printsNumbers(format)) {
         problems << ParameterProblem{
             u"floatToString"_s,
             u"'%1' is not a format of a floating-point number"_s.arg(m_params.floatToString)};
     }
-    if (!m_params.toDate.isEmpty() && dateFormatName().isEmpty()) {
-        problems << ParameterProblem{
-            u"dateFormat"_s, u"ToDate lists columns, but without a date format no text is a date"_s,
-            Severity::Warning};
+    return problems + dateProblems() + nameProblems();
+}
+
+QVector<ParameterProblem> ActionWriteExcel::dateProblems() const
+{
+    const QString format = dateFormatName();
+    if (m_params.toDate.isEmpty() || (!format.isEmpty() && !sheet::hasShortYears(format))) {
+        return {};
     }
-    const auto addNameFaults = [&](const QString &parameter, const QString &name,
-                                   const QVector<xlsx::NameFault> &faults) {
+    const QString text =
+        format.isEmpty()
+            ? u"ToDate lists columns, but without a date format no text is a date"_s
+            : u"'%1' has years of two digits, which are read as 1900 to 1999"_s.arg(format);
+    return {{u"dateFormat"_s, text, ParameterProblem::Severity::Warning}};
+}
+
+QVector<ParameterProblem> ActionWriteExcel::nameProblems() const
+{
+    QVector<ParameterProblem> problems;
+    const auto add = [&](const QString &parameter, const QString &name,
+                         const QVector<xlsx::NameFault> &faults) {
         for (const xlsx::NameFault fault : faults) {
             problems << ParameterProblem{
                 parameter, u"'%1' %2: the workbook may not open"_s.arg(name, faultText(fault, {})),
-                Severity::Warning};
+                ParameterProblem::Severity::Warning};
         }
     };
     if (addsSheet()) {
         const QString name = expandString(m_params.sheetName);
-        addNameFaults(u"sheetName"_s, name, xlsx::sheetNameFaults(name, {}));
+        add(u"sheetName"_s, name, xlsx::sheetNameFaults(name, {}));
     }
     if (!m_params.namedRange.isEmpty()) {
-        addNameFaults(u"namedRange"_s, m_params.namedRange,
-                      xlsx::rangeNameFaults(m_params.namedRange));
+        add(u"namedRange"_s, m_params.namedRange, xlsx::rangeNameFaults(m_params.namedRange));
     }
     return problems;
 }

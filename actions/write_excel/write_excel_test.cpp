@@ -49,6 +49,9 @@ TEST(WriteExcel, ReportsParametersThatARunWouldRejectOrMiss)
     EXPECT_EQ(problems("<writeExcel dateFormatType='9' dateFormat='d'><ToDate><s>d</s></ToDate>"
                        "</writeExcel>"),
               QStringList{noFormat});
+    EXPECT_EQ(problems("<writeExcel dateFormat='d/M/yy'><ToDate><s>d</s></ToDate></writeExcel>"),
+              QStringList{u"(dateFormat: 'd/M/yy' has years of two digits, which are read as 1900 "
+                          "to 1999"_s});
     const QString name = u"(sheetName: 'a/b' contains one of / \\ ? * [ ] : or a control "
                          "character: the workbook may not open"_s;
     EXPECT_EQ(problems("<writeExcel mode='1' sheetName='a/b'/>"), QStringList{name});

@@ -61,6 +61,24 @@ std::optional<qint64> isoMs(QStringView text)
 
 } // namespace
 
+bool hasShortYears(const QString &format)
+{
+    constexpr int kLongYear = 4;
+    bool isQuoted = false;
+    int run = 0; // letters "y" in a row, of which Qt takes four or two
+    bool isShort = false;
+    for (const QChar c : format + u' ') {
+        isQuoted = isQuoted != (c == u'\'');
+        if (c == u'y' && !isQuoted) {
+            ++run;
+        } else {
+            isShort = isShort || run % kLongYear >= 2;
+            run = 0;
+        }
+    }
+    return isShort;
+}
+
 DateParser DateParser::iso(bool monthFix)
 {
     DateParser parser(QStringLiteral("yyyy-MM-dd"), QLocale::c(), monthFix);

@@ -15,6 +15,9 @@ namespace corvanta::sheet {
 /// The serial of the first day that worksheets can show as a date.
 inline constexpr double kFirstSerial = 1;
 
+/// Whether a format has years of two digits only, which are read as years of the 20th century.
+bool hasShortYears(const QString &format);
+
 /// Formats of fixed-width numbers are parsed here; all others by Qt, whose results are cached,
 /// because tables repeat their dates. A text that does not have the fixed width, or is not a date,
 /// is given to Qt as well, which accepts more. Dates without a time zone count as UTC, so that no

@@ -54,5 +54,17 @@ TEST(DateParser, ReadsDatesInTheFormOfIso8601)
     EXPECT_LT(serial(u"1850-01-01").value(), kFirstSerial);
 }
 
+TEST(DateParser, FindsYearsOfTwoDigits)
+{
+    for (const char16_t *format : {u"d/M/yy", u"yyMMdd", u"'y' yy", u"yyyyyy"}) {
+        EXPECT_TRUE(hasShortYears(QString::fromUtf16(format)));
+    }
+    for (const char16_t *format : {u"", u"dd/MM/yyyy", u"d 'of yy' yyyy", u"hh:mm", u"y"}) {
+        EXPECT_FALSE(hasShortYears(QString::fromUtf16(format)));
+    }
+    EXPECT_EQ(serialOf(QStringLiteral("yyyyMMdd"), QStringLiteral("20240229")), 45351);
+    EXPECT_EQ(serialOf(QStringLiteral("yy-MM-dd"), QStringLiteral("24-02-29")), 8826);
+}
+
 } // namespace
 } // namespace corvanta::sheet
