@@ -73,7 +73,7 @@ QString TableLister::pathToHere() const
 {
     QStringList steps;
     for (size_t i = 1; i < m_open.size(); ++i) {
-        QString step = QString::fromStdU16String(escapedStep(m_open[i].name));
+        QString step = QStringView(escapedStep(m_open[i].name)).toString();
         if (m_open[i].number > 1) {
             step += u"[%1]"_s.arg(m_open[i].number - (m_zeroBased ? 1 : 0));
         }

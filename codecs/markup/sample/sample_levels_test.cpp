@@ -55,6 +55,8 @@ TEST(SampleLevels, AreDerivedFromTheShapeOfAJsonDocument)
         const auto &[json, levels] : {
             SampleCase{R"([{"id":1,"n":{"x":1,"id":2}},{"new":3}])",
                        "||id=id,x=n/x,n.id=n/id,new=new"},
+            // A key that begins with a byte-order mark keeps it.
+            SampleCase{"[{\"\uFEFFid\":1},{\"\uFEFFid\":2}]", "||\uFEFFid=\uFEFFid"},
             // The records of the largest array, the most frequent array in them, short lists as
             // columns.
             SampleCase{

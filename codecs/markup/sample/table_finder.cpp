@@ -23,6 +23,13 @@ namespace {
 /// more values it becomes a level.
 constexpr qint64 kIndexedValues = 8;
 
+/// Not QString::fromStdU16String(), which takes U+FEFF and U+FFFE at the start as byte-order marks:
+/// the name would then not be found in the document.
+QString unchanged(std::u16string_view name)
+{
+    return QStringView(name).toString();
+}
+
 /// Threads: objects are constant.
 class TableFinder
 {
@@ -160,7 +167,7 @@ QString TableFinder::index(qint64 number) const
 /// distinguishes names that differ only in it.
 QString TableFinder::stepTo(size_t shape) const
 {
-    const QString step = QString::fromStdU16String(escapedStep(m_shapes[shape].name));
+    const QString step = unchanged(escapedStep(m_shapes[shape].name));
     const bool isFirst = m_sameNameIndex[shape] == 0 || m_shapes[shape].isAttribute;
     return isFirst ? step : step + index(m_sameNameIndex[shape]);
 }
@@ -179,7 +186,7 @@ QStringList TableFinder::namesTo(const Draft &draft, size_t shape) const
 {
     QStringList names;
     const auto add = [&](size_t at) {
-        const QString name = QString::fromStdU16String(m_shapes[at].name);
+        const QString name = unchanged(m_shapes[at].name);
         if (!name.isEmpty()) {
             names << (m_shapes[at].isAttribute ? name.sliced(1) : name);
         }
@@ -221,7 +228,7 @@ void TableFinder::addLevel(Draft *draft, size_t container, size_t top, size_t in
 {
     Level level;
     level.initialPath = top == 0 ? QString() : pathTo(container, m_shapes[top].parent);
-    level.subtagName = QString::fromStdU16String(m_shapes[top].name);
+    level.subtagName = unchanged(m_shapes[top].name);
     draft->table.levels.push_back(std::move(level));
     draft->table.namesAreData = draft->table.namesAreData || m_shapes[top].isNamed;
     for (const size_t shape : descendants(top)) {
