@@ -1,6 +1,7 @@
 // Any bytes as a table and its memo file: both ways to read them give the same rows.
 //
-// Byte 0: options. Bytes 1 and 2: length of the memo file, which comes first; the table follows.
+// Byte 0: options (1: UTF-8, 2: level 7, 4 to 16: another encoding, 32: a FoxPro memo file). Bytes
+// 1 and 2: length of the memo file, which comes first; the table follows.
 #include "base/bytes.h"
 #include "codecs/dbf/table_reader.h"
 
@@ -22,12 +23,37 @@ struct Arena
     std::deque<std::vector<uchar>> blocks;
 };
 
+/// Bit 0: UTF-8; otherwise bits 2 to 4 choose an encoding.
+TextDecoder decoderOf(uint8_t options)
+{
+    if ((options & 1) != 0) {
+        return TextDecoder::utf8();
+    }
+    switch (options / 4 % 8) {
+    case 0:
+        return TextDecoder::windows1252();
+    case 1:
+        return TextDecoder::unconverted();
+    case 2:
+        return TextDecoder::named(QStringLiteral("CP866"));
+    case 3:
+        return TextDecoder::named(QStringLiteral("GBK"));
+    case 4:
+        return TextDecoder::named(QStringLiteral("CP850"));
+    case 5:
+        return TextDecoder::named(QStringLiteral("SHIFT_JIS"));
+    case 6:
+        return TextDecoder::named(QStringLiteral("EBCDIC-US"));
+    default:
+        return TextDecoder::named(QStringLiteral("no encoding"));
+    }
+}
+
 QByteArray read(QByteArrayView table, QByteArrayView memoBytes, uint8_t options,
                 MemoFile::Access access, qint64 piece)
 {
     constexpr int kMaxRows = 2000;
-    const TextDecoder decoder =
-        (options & 1) != 0 ? TextDecoder::utf8() : TextDecoder::windows1252();
+    const TextDecoder decoder = decoderOf(options);
     MemorySource source(table, piece);
     MemorySource memoSource(memoBytes);
     QByteArray all;
@@ -35,9 +61,14 @@ QByteArray read(QByteArrayView table, QByteArrayView memoBytes, uint8_t options,
     if (!reader) {
         return all;
     }
-    MemoFile memo(memoSource, memoFormatOf((*reader)->header()), access, 1);
+    const MemoFormat format =
+        (options & 32) != 0 ? MemoFormat::FoxPro : memoFormatOf((*reader)->header());
+    MemoFile memo(memoSource, format, access, 1);
     (*reader)->setMemoFile(&memo);
     const auto &columns = (*reader)->columns();
+    for (size_t i = 0; i < columns.size(); ++i) {
+        all += (*reader)->columnName(i).toUtf8();
+    }
     for (int row = 0; row < kMaxRows; ++row) {
         const auto found = (*reader)->next();
         if (!found || *found == TableReader::Item::End) {

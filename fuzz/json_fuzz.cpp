@@ -18,7 +18,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     ExtractOptions options;
     options.keepRoot = (flags & 2) == 0;
     options.outputSubTags = (flags & 4) != 0;
-    checkMarkup(make, QByteArrayView(data + 2, static_cast<qsizetype>(size - 2)), 1 + data[1] % 70,
-                (flags & 8) != 0, options);
+    const QByteArrayView text(data + 2, static_cast<qsizetype>(size - 2));
+    const MarkupProperty property(make, text, MarkupVariant(data[1]), options);
+    property.check((flags & 8) != 0);
+    property.checkRestart();
     return 0;
 }

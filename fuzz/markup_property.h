@@ -5,45 +5,102 @@
 #include "codecs/markup/levels/level_extractor.h"
 #include "codecs/markup/sample/sample_levels.h"
 #include "codecs/markup/tokens/trace.h"
-
-#include <cstdlib>
+#include "fuzz/require.h"
 
 namespace corvanta::markup {
 
-/// Abort when a result depends on a size. make(source, bufferChars) creates the tokenizer;
-/// `pieceBytes` limits each read.
-template <class Make>
-void checkMarkup(const Make &make, QByteArrayView bytes, qint64 pieceBytes, bool balanced,
-                 const ExtractOptions &options)
+/// What decides how checkMarkup() reads; all from one byte of the input.
+struct MarkupVariant
 {
-    const auto traceWith = [&](qint64 buffer, qint64 piece, bool leaves) {
-        MemorySource source(bytes, piece);
-        const auto tokenizer = make(source, buffer);
-        tokenizer->setBalanced(balanced);
-        std::u16string tokens = trace(*tokenizer, leaves);
-        const std::string place =
-            std::to_string(tokenizer->line()) + ':' + std::to_string(tokenizer->column());
-        return tokens.append(place.begin(), place.end());
-    };
-    const std::u16string whole = traceWith(1 << 16, -1, false);
-    if (traceWith(1024, pieceBytes, false) != whole || traceWith(1024, pieceBytes, true) != whole) {
-        std::abort();
+    explicit MarkupVariant(uint8_t byte)
+        : pieceBytes(1 + byte % 70)
+        , presence(byte / 70 == 1)
+        , tagNames(byte / 70 == 2)
+        , records(byte / 70 == 3 ? 100 : 3)
+    {
     }
-    const auto levelsWith = [&](qint64 buffer, qint64 piece) {
-        MemorySource sample(bytes, piece);
-        const auto tokenizer = make(sample, buffer);
-        return sampleDocument(*tokenizer, {3, options.text, options.zeroBased})
+    qint64 pieceBytes; ///< of each read
+    bool presence;     ///< see ExtractOptions
+    bool tagNames; ///< the first item of each level reads names, and the first record is skipped
+    int records;   ///< of the sample
+};
+
+/// A property for each result; make(source, bufferChars) creates the tokenizer.
+template <class Make> class MarkupProperty
+{
+public:
+    MarkupProperty(const Make &make, QByteArrayView bytes, const MarkupVariant &variant,
+                   const ExtractOptions &options)
+        : m_make(make)
+        , m_bytes(bytes)
+        , m_variant(variant)
+        , m_options(options)
+    {
+        m_options.presence = variant.presence;
+        m_options.skip = variant.tagNames ? 1 : 0;
+    }
+
+    void check(bool balanced) const
+    {
+        const std::u16string whole = tokens(1 << 16, -1, balanced, false);
+        require(tokens(1024, m_variant.pieceBytes, balanced, false) == whole);
+        require(tokens(1024, m_variant.pieceBytes, balanced, true) == whole);
+        std::vector<Level> found = levels(1024, m_variant.pieceBytes);
+        require(found == levels(1 << 16, -1));
+        for (Level &level : found) {
+            if (!level.items.empty()) {
+                level.items.front().tagName = m_variant.tagNames;
+            }
+        }
+        require(rows(found, 1024, m_variant.pieceBytes) == rows(found, 1 << 16, -1));
+    }
+
+    /// A tokenizer that starts again reads what a new one reads. Not for one with an encoding,
+    /// which it loses.
+    void checkRestart() const
+    {
+        MemorySource first(m_bytes.first(m_bytes.size() / 2));
+        const auto tokenizer = m_make(first, 1024);
+        trace(*tokenizer);
+        MemorySource second(m_bytes, m_variant.pieceBytes);
+        tokenizer->restart(second);
+        std::u16string again = trace(*tokenizer);
+        again += placeOf(*tokenizer);
+        require(again == tokens(1024, -1, false, false));
+    }
+
+private:
+    static std::u16string placeOf(const MarkupTokenizer &tokenizer)
+    {
+        const std::string place =
+            std::to_string(tokenizer.line()) + ':' + std::to_string(tokenizer.column());
+        return {place.begin(), place.end()};
+    }
+
+    std::u16string tokens(qint64 buffer, qint64 piece, bool balanced, bool leaves) const
+    {
+        MemorySource source(m_bytes, piece);
+        const auto tokenizer = m_make(source, buffer);
+        tokenizer->setBalanced(balanced);
+        const std::u16string tokens = trace(*tokenizer, leaves);
+        return tokens + placeOf(*tokenizer);
+    }
+
+    std::vector<Level> levels(qint64 buffer, qint64 piece) const
+    {
+        MemorySource sample(m_bytes, piece);
+        const auto tokenizer = m_make(sample, buffer);
+        return sampleDocument(*tokenizer, {m_variant.records, m_options.text, m_options.zeroBased})
             .tables.front()
             .levels;
-    };
-    const std::vector<Level> levels = levelsWith(1024, pieceBytes);
-    if (levels != levelsWith(1 << 16, -1)) {
-        std::abort();
     }
-    const auto rowsWith = [&](qint64 buffer, qint64 piece) {
-        MemorySource source(bytes, piece);
-        const auto tokenizer = make(source, buffer);
-        LevelExtractor extractor(levels, options);
+
+    /// All rows, the columns without values, and the error.
+    std::u16string rows(const std::vector<Level> &levels, qint64 buffer, qint64 piece) const
+    {
+        MemorySource source(m_bytes, piece);
+        const auto tokenizer = m_make(source, buffer);
+        LevelExtractor extractor(levels, m_options);
         extractor.setBlockSize(1024);
         extractor.beginDocument(*tokenizer);
         BlockArena arena;
@@ -54,14 +111,20 @@ void checkMarkup(const Make &make, QByteArrayView bytes, qint64 pieceBytes, bool
                 const cell::Text text = cell::readText(cell);
                 rows += text.isMissing() ? u"-" : std::u16string(text.view()) + u',';
             }
+            require(extractor.cells().size() ==
+                    static_cast<size_t>(extractor.columnNames().size()));
             arena.reset();
         }
+        rows += extractor.missingPaths().join(u'\n').toStdU16String();
         const MarkupError error = row ? MarkupError::None : row.fault().code.error;
+        require(errorText(error) != nullptr);
         return rows + static_cast<char16_t>(error);
-    };
-    if (rowsWith(1024, pieceBytes) != rowsWith(1 << 16, -1)) {
-        std::abort();
     }
-}
+
+    const Make &m_make;
+    QByteArrayView m_bytes;
+    MarkupVariant m_variant;
+    ExtractOptions m_options;
+};
 
 } // namespace corvanta::markup

@@ -1,5 +1,5 @@
 // Any bytes as a Parquet file; the first byte chooses the options. The rows do not
-// depend on how the bytes arrive.
+// depend on how the bytes arrive, and on threads that decode ahead.
 #include "codecs/parquet/read/table_reader.h"
 
 #include <cstdlib>
@@ -7,11 +7,12 @@
 using namespace corvanta;
 using namespace corvanta::parquet;
 
-static quint64 rowsOf(QByteArrayView bytes, const ReadOptions &options, qint64 pieceBytes)
+static quint64 rowsOf(QByteArrayView bytes, const ReadOptions &options, qint64 pieceBytes,
+                      int workers)
 {
     constexpr qint64 kMaxRows = 20000;
     MemorySource source(bytes, pieceBytes);
-    const auto reader = TableReader::open(source, options, 0);
+    const auto reader = TableReader::open(source, options, workers);
     if (!reader) {
         return 0;
     }
@@ -43,8 +44,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     options.extendedEncodings = (data[0] & 2) != 0;
     options.logicalTypes = (data[0] & 4) != 0;
     options.pageChecksums = (data[0] & 8) != 0;
+    options.skipsUnreadable = (data[0] & 16) != 0;
+    options.selectsColumns = (data[0] & 32) != 0;
+    options.selection =
+        QStringList{QStringLiteral("id"), QStringLiteral("a"), QStringLiteral("a.b")};
+    const int workers = (data[0] & 64) != 0 ? 1 : 0;
     const QByteArrayView bytes(data + 1, static_cast<qsizetype>(size) - 1);
-    if (rowsOf(bytes, options, -1) != rowsOf(bytes, options, 1 + data[0])) {
+    if (rowsOf(bytes, options, -1, 0) != rowsOf(bytes, options, 1 + data[0], workers)) {
         std::abort();
     }
     return 0;

@@ -1,17 +1,10 @@
 // The input is a schedule: the sizes of blocks and reads, and where the consumer stops.
+#include "fuzz/require.h"
 #include "io/input/rar_ring.h"
 
-#include <cstdlib>
 #include <thread>
 
 using namespace corvanta::input;
-
-static void require(bool isTrue)
-{
-    if (!isTrue) {
-        std::abort();
-    }
-}
 
 /// Put blocks of the sizes in `schedule`, each byte the low byte of its position.
 static void produce(RarRing &ring, std::span<const uint8_t> schedule)

@@ -8,8 +8,7 @@
 #include "codecs/xlsx/sheet_tail.h"
 #include "codecs/xlsx/styles_part.h"
 #include "codecs/xlsx/workbook_part.h"
-
-#include <cstdlib>
+#include "fuzz/require.h"
 
 using namespace corvanta::xlsx;
 using corvanta::opc::ContentTypes;
@@ -17,13 +16,6 @@ using corvanta::opc::Outline;
 using corvanta::opc::Relationships;
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 template <class Changed> void requireWellFormed(const Changed &changed)
 {

@@ -18,7 +18,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         tokenizer->setOptions(
             {(flags & 1) != 0, (flags & 2) != 0, (flags & 4) != 0, (flags & 8) != 0});
         if ((data[1] & 0x80) != 0) {
-            std::ignore = tokenizer->setEncoding(CharMode::Utf8, {}, InvalidBytes::Discard);
+            constexpr CharMode kModes[] = {CharMode::Utf8, CharMode::CodePage, CharMode::Utf16,
+                                           CharMode::ShiftJis};
+            const auto invalid = (data[1] & 4) != 0 ? InvalidBytes::Fail : InvalidBytes::Discard;
+            std::ignore = tokenizer->setEncoding(kModes[data[1] % 4], "CP1252", invalid);
         }
         return tokenizer;
     };
@@ -28,11 +31,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     options.allText = (flags & 128) != 0;
     options.namesForText = options.ignoreEmpty = (flags & 32) != 0;
     options.tagNames = (flags & 32) != 0 ? TagNames::Summary : TagNames::Runs;
-    checkMarkup(make, QByteArrayView(data + 2, static_cast<qsizetype>(size - 2)), 1 + data[1] % 70,
-                (flags & 64) != 0, options);
+    const QByteArrayView text(data + 2, static_cast<qsizetype>(size - 2));
+    const MarkupProperty property(make, text, MarkupVariant(data[1]), options);
+    property.check((flags & 64) != 0);
+    if ((data[1] & 0x80) == 0) {
+        property.checkRestart();
+    }
     if ((flags & 1) != 0) {
-        MemorySource page(QByteArrayView(data + 2, static_cast<qsizetype>(size - 2)));
-        sampleTables(*make(page, 1024), false);
+        MemorySource page(text);
+        sampleTables(*make(page, 1024), (data[1] & 1) != 0);
     }
     return 0;
 }

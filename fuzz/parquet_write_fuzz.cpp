@@ -1,0 +1,102 @@
+// Rows of any content as a Parquet file: reading the file gives the same cells.
+//
+// Bytes 0 to 3: options of the writer, and how often the rows are repeated. The table follows.
+#include "codecs/parquet/read/table_reader.h"
+#include "codecs/parquet/write/file_writer.h"
+#include "fuzz/require.h"
+#include "fuzz/table.h"
+
+using namespace corvanta;
+using namespace corvanta::parquet;
+
+namespace {
+
+std::vector<WriterColumn> columnsOf(const FuzzTable &table, int options)
+{
+    constexpr Storage kKeys[] = {Storage::KeyAsUint32, Storage::KeyAsInt32, Storage::KeyAsInt64};
+    const RowView row = table.row(0);
+    std::vector<WriterColumn> columns;
+    for (int i = 0; i < row.columns; ++i) {
+        const cell::Type type = row.type(i);
+        const Storage storage = type == cell::Type::Text     ? Storage::Text
+                                : type == cell::Type::Double ? Storage::Double
+                                                             : kKeys[(options + i) % 3];
+        // Readers find columns by name, so each needs its own.
+        columns.push_back({QByteArray::number(i) + row.names[i].toUtf8(), storage, i});
+    }
+    return columns;
+}
+
+bool isSame(cell::Type type, const uchar *written, const uchar *read)
+{
+    if (type == cell::Type::Double) {
+        return loadNative<quint64>(written) == loadNative<quint64>(read);
+    }
+    if (type == cell::Type::Key) {
+        const auto key = loadNative<quint32>(written);
+        const auto back = loadNative<quint32>(read);
+        return key == back || (cell::isMissingKey(key) && cell::isMissingKey(back));
+    }
+    const cell::Text text = cell::readText(written);
+    const cell::Text back = cell::readText(read);
+    // The reader removes zeros at the end of a text.
+    std::u16string expected = withoutLoneSurrogates(text.view());
+    expected.resize(expected.find_last_not_of(u'\0') + 1);
+    return text.isMissing() == back.isMissing() && expected == back.view();
+}
+
+/// Whether the file could be written: a text may be too long for a page.
+bool write(const FuzzTable &table, int times, int codec, Feed &options, MemorySink &sink)
+{
+    WriteOptions how;
+    how.pageSizeKiB = 1 + options.below(64);
+    const int flags = options.byte();
+    how.rowGroupMiB = (flags & 1) != 0 ? 0 : 50;
+    how.dictionaryPages = (flags & 2) != 0;
+    how.statistics = (flags & 4) != 0;
+    PageCompressor compressor(codec, (flags & 8) != 0 ? 1 : 0);
+    FileWriter writer(sink, columnsOf(table, flags), how, compressor);
+    require(bool(writer.begin()));
+    for (int i = 0; i < times * table.rowCount(); ++i) {
+        if (const auto added = writer.addRow(table.row(i % table.rowCount()).cells); !added) {
+            require(added.fault().code == Error::TextTooLong);
+            return false;
+        }
+    }
+    return bool(writer.finish());
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    constexpr int kCodecs[] = {kUncompressed, kSnappy, kGzip, kBrotli, kZstd, kLz4Raw};
+    Feed feed(data, size);
+    Feed options(data, qMin<size_t>(size, 4));
+    feed.bytes(4);
+    const FuzzTable table(feed);
+    const int codec = kCodecs[options.below(6)];
+    const int times = 1 + options.below(40);
+    MemorySink sink;
+    if (!write(table, times, codec, options, sink)) {
+        return 0;
+    }
+    MemorySource source(sink.bytes());
+    ReadOptions how;
+    how.extendedEncodings = true;
+    const auto reader = TableReader::open(source, how, 0);
+    require(bool(reader));
+    const RowView names = table.row(0);
+    std::vector<const uchar *> cells(static_cast<size_t>(names.columns));
+    for (int row = 0; row < times * table.rowCount(); ++row) {
+        const auto more = (*reader)->next(cells.data());
+        require(more && *more);
+        for (int i = 0; i < names.columns; ++i) {
+            require(isSame(names.type(i), table.row(row % table.rowCount()).cells[i],
+                           cells[static_cast<size_t>(i)]));
+        }
+    }
+    const auto end = (*reader)->next(cells.data());
+    require(end && !*end);
+    return 0;
+}
