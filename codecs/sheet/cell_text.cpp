@@ -4,6 +4,7 @@
 //   &      &amp;       _xHHHH_            _x005F_xHHHH_  (H: a hexadecimal digit)
 //   U+FFFE _           a lone surrogate   U+FFFD
 //
+// The last underscore of _xHHHH_ may be the first one of an escape or of U+FFFE.
 // Everything else is UTF-8.
 #include "codecs/sheet/cell_text.h"
 
@@ -27,11 +28,18 @@ bool isHex(char16_t unit)
            (unit >= u'A' && unit <= u'F');
 }
 
-/// Whether the underscore at text[0] starts something that reads as an escape: _xHHHH_.
+/// Whether a unit is written as something that starts with an underscore.
+bool becomesUnderscore(char16_t unit)
+{
+    return unit == u'_' || unit < 32 || unit == 0xFFFE;
+}
+
+/// Whether an underscore in place of text[0] starts something that reads as an escape: _xHHHH_. The
+/// last underscore may be that of the escape of text[6].
 bool startsEscape(const char16_t *text, qsizetype n)
 {
     return n >= 7 && text[1] == u'x' && isHex(text[2]) && isHex(text[3]) && isHex(text[4]) &&
-           isHex(text[5]) && text[6] == u'_';
+           isHex(text[5]) && becomesUnderscore(text[6]);
 }
 
 char *put(char *out, const char *text, size_t n)
@@ -80,7 +88,7 @@ char *escapeOne(const char16_t *text, qsizetype n, char *out, int *taken, bool *
     if (unit < 32) {
         return putControl(out, unit);
     }
-    if (unit == u'_' && startsEscape(text, n)) {
+    if ((unit == u'_' || unit == 0xFFFE) && startsEscape(text, n)) {
         return put(out, "_x005F_", 7);
     }
     if (unit == 0xFFFE) {
