@@ -133,7 +133,10 @@ public:
     }
     size_t maxBytes(size_t n) const override
     {
-        return deflateBound(const_cast<z_stream *>(&m_stream), n);
+        // Not deflateBound(), whose result is smaller once a stream has ended: the room is made
+        // before the stream begins again. Header and trailer of gzip are larger than those of zlib.
+        constexpr size_t kGzipExcess = 18 - 6;
+        return compressBound(n) + kGzipExcess;
     }
     Result<size_t, Error> compress(std::span<const char> in, char *out) override
     {
