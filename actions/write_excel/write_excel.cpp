@@ -42,6 +42,7 @@ void ActionWriteExcel::start()
     if (!setFloatFormat() || !setCompression()) {
         return;
     }
+    openCopySource();
     // Names of months and days are those of the format's owner.
     const QLocale locale =
         m_params.dateFormatType == DateInput::Own ? QLocale::c() : QLocale::system();

@@ -146,6 +146,10 @@ private:
     // The workbook and the sheet to write to, in write_excel_target.cpp.
     /// Set m_run->workbook and open the output file.
     bool openWorkbook();
+    /// Open the workbook to copy already at the start, so that it is copied as it was then: other
+    /// actions may replace it during the run. What cannot be opened is tried again with the first
+    /// row, which reports it.
+    void openCopySource();
     /// Take the lock of the destination, after releasing it if it is held.
     bool lockDestination();
     /// Open the temporary file. Problems: CannotOpen.

@@ -9,6 +9,8 @@
 #include "corvanta/files.h"
 #include "io/replace/file_swap.h"
 
+#include <QFileInfo>
+
 #include <chrono>
 #include <thread>
 
@@ -109,6 +111,18 @@ bool ActionWriteExcel::lockDestination()
     return locked || (locked.fault().code == LockError::TimedOut && failLocked(fileName()));
 }
 
+void ActionWriteExcel::openCopySource()
+{
+    const QString source = expandFile(m_params.fileNameSource);
+    // Opening a pipe would wait for its writer.
+    if (!isUpdate() || replacesItsSource() || !QFileInfo(source).isFile()) {
+        return;
+    }
+    if (auto input = PackageInput::open(globalParameters(), source)) {
+        m_run->input = std::move(*input);
+    }
+}
+
 bool ActionWriteExcel::openWorkbook()
 {
     // Before the workbook is read: what another run writes must not be lost.
@@ -120,7 +134,7 @@ bool ActionWriteExcel::openWorkbook()
     }
     m_run->source = updatesInPlace() ? fileName() : expandFile(m_params.fileNameSource);
     const KobiFileInfo info(globalParameters(), m_run->source);
-    if (info.exists() && info.size() != 0) {
+    if (m_run->input || (info.exists() && info.size() != 0)) {
         return openUpdate();
     }
     if (!m_params.createIfNotExists) {
@@ -175,14 +189,16 @@ QString ActionWriteExcel::makeSheetName()
 
 bool ActionWriteExcel::openUpdate()
 {
-    auto input = PackageInput::open(globalParameters(), m_run->source);
-    if (!input) {
-        const QString reason = compoundFileReason(globalParameters(), m_run->source);
-        return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source),
-                    reason.isEmpty() ? input.fault().detail : reason);
+    if (!m_run->input) {
+        auto input = PackageInput::open(globalParameters(), m_run->source);
+        if (!input) {
+            const QString reason = compoundFileReason(globalParameters(), m_run->source);
+            return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source),
+                        reason.isEmpty() ? input.fault().detail : reason);
+        }
+        m_run->input = std::move(*input);
     }
     // The input stays open during the run: unchanged members are copied from it.
-    m_run->input = std::move(*input);
     auto workbook =
         xlsx::UpdatedWorkbook::open(m_run->input->reader(), [this] { return runIsGood(); });
     if (!workbook) {

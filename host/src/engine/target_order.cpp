@@ -4,7 +4,8 @@
 //
 // Waits are edges between the two stages of each action, run and close, and form no circle: writers
 // take turns in an order that respects all earlier waits, and a wait for a reader that depends on
-// the writer is left out.
+// the writer is left out. Such a reader opens its file before the run (writeExcel), or starts after
+// the writer when there is no file yet.
 #include "engine/target_order.h"
 
 #include "base/platform/files.h"
@@ -235,6 +236,9 @@ private:
             } else if (!needs(run(reader), close(writer))) {
                 m_order.closeAfter[writer] << reader;
                 m_needs[close(writer)] << run(reader);
+            } else if (!QFileInfo::exists(target.name)) {
+                // There is no old content to see: the reader gets what it depends on.
+                m_order.startAfter[reader] << writer;
             }
         }
     }
