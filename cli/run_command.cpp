@@ -24,7 +24,6 @@ struct LoadedGraph
     QString outDir;
     bool isValid = false;
 
-    CorvantaGraph::Problems problems() const { return graph.check(registry, variables, outDir); }
     /// The actions whose files exclude each other. Only for a valid graph.
     CorvantaGraph::Problems conflicts() const
     {
@@ -95,9 +94,8 @@ CommandResult<std::unique_ptr<LoadedGraph>> loadForRun(const CommandLine &line)
     if (!loaded || !(*loaded)->isValid) {
         return loaded ? Fault{kUsage} : loaded.fault();
     }
-    using Kind = CorvantaGraph::Problem::Kind;
-    CorvantaGraph::Problems problems = (*loaded)->problems();
-    problems.removeIf([](const auto &problem) { return problem.kind != Kind::Mistake; });
+    const CorvantaGraph::Problems problems =
+        (*loaded)->graph.findMistakes((*loaded)->registry, (*loaded)->variables);
     const bool isStrict = line.has(u"--strict"_s);
     if (Session::logProblems(problems, [&](const auto &) { return isStrict; })) {
         return Fault{kUsage};
@@ -198,9 +196,9 @@ CommandResult<void> checkCommand(const CommandLine &line)
         return loaded.fault();
     }
     const LoadedGraph &checked = **loaded;
-    const bool hasErrors = Session::logProblems(checked.problems(), [](const auto &problem) {
-        return problem.kind != CorvantaGraph::Problem::Kind::Hint;
-    });
+    const bool hasErrors = Session::logProblems(
+        checked.graph.check(checked.registry, checked.variables, checked.outDir),
+        [](const auto &problem) { return problem.kind != CorvantaGraph::Problem::Kind::Hint; });
     if (hasErrors || !checked.isValid || Session::logProblems(checked.conflicts())) {
         return Fault{kUsage};
     }

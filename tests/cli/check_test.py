@@ -136,6 +136,16 @@ class Mistakes(Case):
         self.assertEqual(self.problems("check", status=0), [])
 
 
+    def test_numbers_of_the_graph(self):
+        (self.folder / "g.graph").write_text("<graph version='four'>\n<variable name='v' value='1'/><variable name='v' value='2'/>\n"
+                                             "<action id='in' x='left'><readCSV fileName='in.csv'/></action></graph>")
+        self.assertEqual(self.problems("check", status=2), [
+            (1, "g.graph:1: the value 'four' of 'version' is not allowed; allowed: a decimal number; the graph uses 0"),
+            (2, "g.graph:2: the variable 'v' is defined twice; the last value is used"),
+            (1, "g.graph:3: the value 'left' of 'x' is not allowed; allowed: a decimal number; the graph uses 0")])
+        self.assertEqual([level for level, _ in self.problems("run", status=0)], [2, 2])
+
+
 class Missing(Case):
     def test_inputs(self):
         link = "<action id='n'><writeCSV fileName='n.csv'/></action><link from='in:0' to='n:0'/>"
@@ -186,6 +196,9 @@ class Hints(Case):
     def test_writer_without_a_link(self):
         self.graph("<action id='w'><writeCSV fileName='o.csv'/></action>")
         self.assertEqual(self.problems("check", status=0), [(2, "g.graph:3: the action 'w' (writeCSV): no link leads to this writer")])
+        self.graph(reader="<readParquet fileNameFromPin='1'/>")
+        self.assertEqual(self.problems("check", status=0),
+                         [(2, "g.graph:2: the action 'in' (readParquet): no link leads to its input pins")])
 
     def test_variable_that_is_not_replaced(self):
         for parameters in ("<writeExcel fileNameDestination='o.xlsx' namedRange='${y}'/>",

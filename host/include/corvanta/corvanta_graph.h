@@ -73,7 +73,7 @@ public:
     QVector<Action> actions;
     QVector<Link> links;
     QString fileName;  ///< for messages; relative names are relative to its folder
-    Problems mistakes; ///< unknown parts of the file, which load() has ignored; see check()
+    Problems mistakes; ///< parts of the file that load() has ignored; findMistakes() returns them
 
     /// Read a graph file. Checks its elements only; see validate().
     static Loaded load(const QString &fileName);
@@ -87,9 +87,13 @@ public:
     Problems validate(const corvanta::ActionRegistry &registry,
                       const QMap<QString, QString> &given) const;
 
-    /// Find everything else that the user should know before a run, none of it Invalid: mistakes
-    /// that a run would ignore, missing files. The graph has passed validate() with the same
-    /// variables; names are relative to `outDir` as in RunOptions. Looks up files, opens none.
+    /// Find the mistakes that a run ignores; looks up no file. The graph has passed validate() with
+    /// the same variables.
+    Problems findMistakes(const corvanta::ActionRegistry &registry,
+                          const QMap<QString, QString> &given) const;
+    /// Find everything that the user should know before a run, none of it Invalid: mistakes, what
+    /// is missing, hints. Names are relative to `outDir` as in RunOptions. Looks up files, opens
+    /// none.
     Problems check(const corvanta::ActionRegistry &registry, const QMap<QString, QString> &given,
                    const QString &outDir) const;
     /// The names of the files that a run would write, in the order of the actions, each once; with

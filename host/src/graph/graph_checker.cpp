@@ -54,21 +54,10 @@ public:
     {
     }
 
-    void run()
-    {
-        checkSavedForm();
-        checkValues();
-        checkTargets();
-        checkLinks();
-        for (const ParameterProblem &problem : m_parameters.problems()) {
-            const bool isError = problem.severity == ParameterProblem::Severity::Error;
-            add(lineOf(problem.parameter), problem.text, isError ? Kind::Missing : Kind::Hint);
-        }
-        if (!m_parameters.canRun()) {
-            add(m_action.parameters.line(), u"this version of the module cannot run it"_s,
-                Kind::Hint);
-        }
-    }
+    /// What a run ignores.
+    void findMistakes();
+    /// Everything else. `earlier` are the targets of the actions before this one.
+    void findMissing(const QStringList &earlier);
 
 private:
     void add(int line, const QString &text, Kind kind)
@@ -90,11 +79,11 @@ private:
         return index < 0 ? QString() : m_parameters.parameterValue(index);
     }
 
-    void checkSavedForm();
     void checkValues();
     void checkInput(const ParameterInfo &info, const QString &value);
-    void checkTargets();
+    void checkTarget(const TargetUse &target, const QStringList &earlier);
     void checkLinks();
+    void checkOwnProblems();
 
     const CorvantaGraph &m_graph;
     const CorvantaGraph::Action &m_action;
@@ -104,13 +93,26 @@ private:
     ProblemList &m_problems;
 };
 
-void ActionCheck::checkSavedForm()
+void ActionCheck::findMistakes()
 {
     for (const SavedFormProblem &problem :
          corvanta::savedFormProblems(m_action.parameters, m_infos, m_item.globalParameters())) {
         const bool isMistake = problem.kind == SavedFormProblem::Kind::Mistake;
         add(problem.line, problem.text, isMistake ? Kind::Mistake : Kind::Hint);
     }
+}
+
+void ActionCheck::findMissing(const QStringList &earlier)
+{
+    checkValues();
+    for (const TargetUse &target : m_parameters.targets()) {
+        // An empty name is reported as a required value.
+        if (!target.name.isEmpty()) {
+            checkTarget(target, earlier);
+        }
+    }
+    checkLinks();
+    checkOwnProblems();
 }
 
 void ActionCheck::checkValues()
@@ -141,56 +143,75 @@ void ActionCheck::checkInput(const ParameterInfo &info, const QString &value)
     if (file.exists() && !file.isDir()) {
         return;
     }
-    // The action then waits for the file, or continues without it.
+    // A reader can be told to continue without the file, or to wait for it.
+    const QString aborts = valueOf(u"abortIfMissing"_s);
     const bool isTolerated =
-        valueOf(u"abortIfMissing"_s) == "0"_L1 || valueOf(u"timeOut"_s).toLongLong() != 0;
+        aborts == "0"_L1 || (aborts == "1"_L1 && valueOf(u"timeOut"_s).toLongLong() != 0);
     const QString state = file.isDir() ? u"is a folder"_s : u"does not exist"_s;
     add(m_action.parameters.line(),
         u"the file '%1' of '%2' %3"_s.arg(file.filePath(), info.name, state),
         isTolerated ? Kind::Hint : Kind::Missing);
 }
 
-void ActionCheck::checkTargets()
+void ActionCheck::checkTarget(const TargetUse &target, const QStringList &earlier)
 {
-    for (const TargetUse &target : m_parameters.targets()) {
-        if (target.name.isEmpty()) {
-            continue; // reported as a required value
-        }
-        const QFileInfo file(target.name);
-        const bool isOld = target.access == TargetUse::Access::Update;
-        if (isOld && !file.exists() && valueOf(u"createIfNotExists"_s) == "0"_L1) {
-            add(m_action.parameters.line(), u"the file '%1' does not exist"_s.arg(target.name),
-                Kind::Missing);
-            continue;
-        }
-        const QFileInfo folder(file.absolutePath());
-        const QString create = valueOf(u"createDir"_s);
-        if (file.isDir()) {
-            add(m_action.parameters.line(), u"the target '%1' is a folder"_s.arg(target.name),
-                Kind::Missing);
-        } else if (!folder.isDir() && create != "1"_L1) {
-            // Without a value the action has no such parameter.
-            const QString remedy = create.isEmpty() ? QString() : u" (createDir='1' creates it)"_s;
-            add(m_action.parameters.line(),
-                u"the folder '%1' of the target does not exist%2"_s.arg(folder.filePath(), remedy),
-                Kind::Missing);
-        }
+    const QFileInfo file(target.name);
+    const QFileInfo folder(file.absolutePath());
+    const QString create = valueOf(u"createDir"_s);
+    const bool isUpdated =
+        target.access == TargetUse::Access::Update && !earlier.contains(target.name);
+    QString problem;
+    if (isUpdated && !file.exists() && valueOf(u"createIfNotExists"_s) == "0"_L1) {
+        problem = u"the file '%1' does not exist"_s.arg(target.name);
+    } else if (file.isDir()) {
+        problem = u"the target '%1' is a folder"_s.arg(target.name);
+    } else if (!folder.isDir() && create != "1"_L1) {
+        // Without a value the action has no such parameter.
+        problem = u"the folder '%1' of the target does not exist%2"_s.arg(
+            folder.filePath(), create.isEmpty() ? QString() : u" (createDir='1' creates it)"_s);
+    }
+    if (!problem.isEmpty()) {
+        add(m_action.parameters.line(), problem, Kind::Missing);
     }
 }
 
-/// A writer without a link writes nothing, or an empty file.
+/// An action whose rows come from pins does nothing, or writes an empty file, without a link.
 void ActionCheck::checkLinks()
 {
-    const bool isWriter =
-        std::any_of(m_infos.begin(), m_infos.end(), [](const ParameterInfo &info) {
-            return info.file == ParameterInfo::File::Output;
-        });
     const bool isLinked =
         std::any_of(m_graph.links.begin(), m_graph.links.end(),
                     [&](const CorvantaGraph::Link &link) { return link.to.action == m_action.id; });
-    if ((isWriter || m_item.pinOutCount() == 0) && !isLinked) {
-        add(m_action.parameters.line(), u"no link leads to this writer"_s, Kind::Hint);
+    if (m_item.pinInCount() == 0 || isLinked) {
+        return;
     }
+    const bool isWriter =
+        m_item.pinOutCount() == 0 ||
+        std::any_of(m_infos.begin(), m_infos.end(), [](const ParameterInfo &info) {
+            return info.file == ParameterInfo::File::Output;
+        });
+    add(m_action.parameters.line(),
+        isWriter ? u"no link leads to this writer"_s : u"no link leads to its input pins"_s,
+        Kind::Hint);
+}
+
+void ActionCheck::checkOwnProblems()
+{
+    for (const ParameterProblem &problem : m_parameters.problems()) {
+        const bool isError = problem.severity == ParameterProblem::Severity::Error;
+        add(lineOf(problem.parameter), problem.text, isError ? Kind::Missing : Kind::Hint);
+    }
+    if (!m_parameters.canRun()) {
+        add(m_action.parameters.line(), u"this version of the module cannot run it"_s, Kind::Hint);
+    }
+}
+
+QStringList namesOf(const QVector<TargetUse> &targets)
+{
+    QStringList names;
+    for (const TargetUse &target : targets) {
+        names << target.name;
+    }
+    return names;
 }
 
 /// Calls `visit(action, item, parameters)` for the actions whose parameters are declared.
@@ -209,6 +230,21 @@ void forEachAction(const CorvantaGraph &graph, const ActionRegistry &registry,
 
 } // namespace
 
+CorvantaGraph::Problems CorvantaGraph::findMistakes(const ActionRegistry &registry,
+                                                    const QMap<QString, QString> &given) const
+{
+    GlobalParameters global;
+    applyTo(&global, given, QString());
+    ProblemList problems(fileName);
+    forEachAction(*this, registry, &global,
+                  [&](const Action &action, ActionItem &item, const ActionParameters &parameters) {
+                      ActionCheck(*this, action, item, parameters, problems).findMistakes();
+                  });
+    Problems all = mistakes + problems.problems();
+    all.removeIf([](const Problem &problem) { return problem.kind != Kind::Mistake; });
+    return all;
+}
+
 CorvantaGraph::Problems CorvantaGraph::check(const ActionRegistry &registry,
                                              const QMap<QString, QString> &given,
                                              const QString &outDir) const
@@ -216,9 +252,13 @@ CorvantaGraph::Problems CorvantaGraph::check(const ActionRegistry &registry,
     GlobalParameters global;
     applyTo(&global, given, outDir);
     ProblemList problems(fileName);
+    QStringList earlier;
     forEachAction(*this, registry, &global,
                   [&](const Action &action, ActionItem &item, const ActionParameters &parameters) {
-                      ActionCheck(*this, action, item, parameters, problems).run();
+                      ActionCheck check(*this, action, item, parameters, problems);
+                      check.findMistakes();
+                      check.findMissing(earlier);
+                      earlier << namesOf(parameters.targets());
                   });
     return mistakes + problems.problems();
 }
@@ -231,9 +271,7 @@ QStringList CorvantaGraph::outputs(const ActionRegistry &registry,
     QStringList names;
     forEachAction(*this, registry, &global,
                   [&](const Action &, ActionItem &, const ActionParameters &parameters) {
-                      for (const TargetUse &target : parameters.targets()) {
-                          names << target.name;
-                      }
+                      names << namesOf(parameters.targets());
                   });
     names.removeAll(QString());
     names.removeDuplicates();

@@ -47,11 +47,31 @@ void noteUnknown(const XMLNode &node, const QStringList &known, bool hasElements
     }
 }
 
+/// Notes a number of the graph's own attributes that is none. It is read as far as it is one.
+void noteNumber(const XMLNode &node, const char *attribute, ProblemList &mistakes)
+{
+    const char16_t *const text = node.getAttribute(attribute);
+    bool isNumber = true;
+    if (text != nullptr) {
+        QString::fromUtf16(text).trimmed().toDouble(&isNumber);
+    }
+    if (!isNumber) {
+        mistakes.add(
+            node.line(),
+            u"the value '%1' of '%2' is not allowed; allowed: a decimal number; the graph uses %3"_s
+                .arg(QString::fromUtf16(text), QLatin1StringView(attribute),
+                     QString::number(xmltof(text, 0))),
+            Kind::Mistake);
+    }
+}
+
 /// Notes what is unknown in an element of the graph.
 void noteUnknown(const XMLNode &node, ProblemList &mistakes)
 {
     const QString name = node.getName();
     if (name == "action"_L1) {
+        noteNumber(node, "x", mistakes);
+        noteNumber(node, "y", mistakes);
         noteUnknown(node, {u"id"_s, u"x"_s, u"y"_s, u"comment"_s}, true, mistakes);
     } else if (name == "link"_L1) {
         noteUnknown(node, {u"from"_s, u"to"_s}, false, mistakes);
@@ -108,18 +128,25 @@ void readLink(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems)
     }
 }
 
-void readVariable(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems)
+void readVariable(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems,
+                  ProblemList &mistakes)
 {
     const QString name = xmltoa(node.getAttribute("name"), QString());
     if (name.isEmpty()) {
         problems.add(node.line(), u"a variable has no 'name'"_s);
     } else {
+        if (graph->variables.contains(name)) {
+            mistakes.add(node.line(),
+                         u"the variable '%1' is defined twice; the last value is used"_s.arg(name),
+                         Kind::Hint);
+        }
         // Not null, which would mean an unknown variable. Of equal names the last one counts.
         graph->variables.insert(name, xmltoa(node.getAttribute("value"), u""_s));
     }
 }
 
-void readElement(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems)
+void readElement(const XMLNode &node, CorvantaGraph *graph, ProblemList &problems,
+                 ProblemList &mistakes)
 {
     const QString name = node.getName();
     if (name == "action"_L1) {
@@ -127,7 +154,7 @@ void readElement(const XMLNode &node, CorvantaGraph *graph, ProblemList &problem
     } else if (name == "link"_L1) {
         readLink(node, graph, problems);
     } else if (name == "variable"_L1) {
-        readVariable(node, graph, problems);
+        readVariable(node, graph, problems, mistakes);
     } else {
         const QStringList known{u"action"_s, u"link"_s, u"variable"_s};
         problems.add(node.line(),
@@ -176,8 +203,9 @@ CorvantaGraph::Loaded CorvantaGraph::parse(const QByteArray &document, const QSt
     graph.version = xmltof(root->getAttribute("version"), -1); // -1: a new graph
     ProblemList mistakes(fileName);
     noteUnknown(*root, {u"version"_s}, true, mistakes);
+    noteNumber(*root, "version", mistakes);
     for (int i = 0; i < root->nChildNode(); ++i) {
-        readElement(root->getChildNode(i), &graph, problems);
+        readElement(root->getChildNode(i), &graph, problems, mistakes);
         noteUnknown(root->getChildNode(i), mistakes);
     }
     graph.mistakes = mistakes.problems();
