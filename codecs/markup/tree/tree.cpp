@@ -12,8 +12,18 @@
 #include "codecs/markup/tokens/xml_tokenizer.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <new>
+#include <tuple>
+#include <type_traits>
 
 namespace corvanta::markup {
+
+namespace {
+
+constexpr size_t kMostItems = static_cast<size_t>(limits::kTreeArenaBytes) / sizeof(TreeItem);
+
+} // namespace
 
 qsizetype MarkupNode::count(ItemKind kind) const
 {
@@ -82,8 +92,9 @@ void MarkupTreeBuilder::begin(MarkupTokenizer &tokenizer)
     m_xml = tokenizer.asXml();
     m_tooLarge = false;
     m_tree.m_size = 0;
-    if (m_tree.m_capacity == 0) {
-        reserve(static_cast<size_t>(m_blockBytes) / sizeof(TreeItem) + 1);
+    if (m_tree.m_capacity == 0 &&
+        !reserve(static_cast<size_t>(m_blockBytes) / sizeof(TreeItem) + 1)) {
+        throw std::bad_alloc();
     }
     m_tree.m_items[m_tree.m_size++] = {};
     m_tree.m_hint = {};
@@ -92,23 +103,28 @@ void MarkupTreeBuilder::begin(MarkupTokenizer &tokenizer)
     tokenizer.pin();
 }
 
-/// Grow by copying: the items are trivial, and new memory need not be initialized.
-void MarkupTreeBuilder::reserve(size_t capacity)
+/// Make room for `capacity` items, at most kMostItems; false without memory. The items are trivial:
+/// realloc() can move their pages instead of copying them, and touches no page that is not used.
+bool MarkupTreeBuilder::reserve(size_t capacity)
 {
-    std::unique_ptr<TreeItem[]> larger(new TreeItem[capacity]);
-    std::copy_n(m_tree.m_items.get(), m_tree.m_size, larger.get());
-    m_tree.m_items = std::move(larger);
-    m_tree.m_capacity = capacity;
+    static_assert(std::is_trivially_copyable_v<TreeItem>);
+    capacity = std::min(capacity, kMostItems);
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): there is no other way to grow without a copy
+    void *const larger = std::realloc(m_tree.m_items.get(), capacity * sizeof(TreeItem));
+    if (larger != nullptr) {
+        std::ignore = m_tree.m_items.release();
+        m_tree.m_items.reset(static_cast<TreeItem *>(larger));
+        m_tree.m_capacity = capacity;
+    }
+    return larger != nullptr;
 }
 
 /// Make room for one more item; false when the tree would become too large.
 bool MarkupTreeBuilder::grow()
 {
     m_tooLarge =
-        (m_tree.m_size + 1) * sizeof(TreeItem) > static_cast<size_t>(limits::kTreeArenaBytes);
-    if (!m_tooLarge) {
-        reserve(m_tree.m_size * 2 + static_cast<size_t>(m_growthBytes) / sizeof(TreeItem));
-    }
+        m_tree.m_size >= kMostItems ||
+        !reserve(m_tree.m_size * 2 + static_cast<size_t>(m_growthBytes) / sizeof(TreeItem) + 1);
     return !m_tooLarge;
 }
 

@@ -7,6 +7,7 @@
 #include "codecs/markup/tokens/tokenizer.h"
 
 #include <array>
+#include <cstdlib>
 #include <memory>
 #include <span>
 #include <string>
@@ -147,8 +148,15 @@ private:
         quint32 index = 0;
     };
 
+    /// Frees what realloc() returned.
+    struct Free
+    {
+        // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): see MarkupTreeBuilder::reserve()
+        void operator()(TreeItem *items) const { std::free(items); }
+    };
+
     /// M_capacity items, of which m_size are used.
-    std::unique_ptr<TreeItem[]> m_items;
+    std::unique_ptr<TreeItem[], Free> m_items;
     size_t m_size = 0;
     size_t m_capacity = 0;
     const MarkupTokenizer *m_tokenizer = nullptr;
@@ -207,7 +215,7 @@ public:
     static constexpr qint64 kDefaultBlockBytes = 1'048'576;
 
 private:
-    void reserve(size_t capacity);
+    bool reserve(size_t capacity);
     bool grow();
     // The functions that add items return false, or null, when the tree becomes too large.
     TreeItem *push(ItemKind kind, TextSpan text);
