@@ -102,6 +102,8 @@ bool ActionReadJSON::prepare()
     options.outputSubTags = m_params.outputSubTags;
     // Kept for saved graphs: without newMode, paths begin at the document's only element.
     options.keepRoot = m_params.newMode;
+    // Reading ahead would take the next row of the pin, while rows of this one are still made.
+    options.canReadAhead = !isFromPin();
     LevelRun::Input texts = source();
     texts.column = expandString(m_params.colJSON).trimmed();
     texts.mode = m_params.oneJSONPerRow ? PinText::Mode::RowByRow : PinText::Mode::Stream;
@@ -144,8 +146,8 @@ markup::MarkupTokenizer *ActionReadJSON::beginDocument(ByteSource &source, const
     } else {
         m_tokenizer = std::make_unique<JSONTokenizer>(source, kTokenizerChars, u"");
         m_tokenizer->setPermissiveNumbers(m_params.permissiveNumbers);
-        m_tokenizer->setBufferSize(kCharsPerByte * bufferBytes());
-        run().setBlockSize(std::min(bufferBytes(), limits::kTreeArenaBytes));
+        m_tokenizer->setBufferSize(bufferFor(source, kCharsPerByte * bufferBytes()));
+        run().setBlockSize(bufferFor(source, std::min(bufferBytes(), limits::kTreeArenaBytes)));
     }
     if (isFromPin()) {
         expectUtf8(*m_tokenizer);

@@ -7,6 +7,7 @@
 #include "corvanta/system.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -35,8 +36,6 @@ bool usesIndexZero(const ReadLevel &level)
 
 ActionReadXML::ActionReadXML(const XMLNode &saved, GlobalParameters *parameters)
     : ParamAction(kReadXmlEntry, saved, parameters)
-    , m_corrupted(MainUI::Warning, kMaxReportedErrors,
-                  u"WARNING: XML structure error: some more warnings are not reported\n"_s)
 {
     // Only a new action: saved graphs keep the defaults that they were saved with.
     const bool isHtml =
@@ -51,7 +50,8 @@ ActionReadXML::ActionReadXML(const XMLNode &saved, GlobalParameters *parameters)
 void ActionReadXML::start()
 {
     LevelReader::start();
-    m_corrupted.reset();
+    m_reportedErrors = 0;
+    m_warnedAssumption = m_warnedContradiction = false;
 }
 
 void ActionReadXML::finish()
@@ -168,10 +168,12 @@ bool ActionReadXML::chooseEncoding(XMLTokenizer &tokenizer, const QString &name)
     }
     // The first token reports a source that cannot be read.
     const auto first = tokenizer.peek();
-    QByteArray encoding = markup::chooseEncoding(
+    const markup::EncodingChoice choice = markup::chooseEncoding(
         first ? *first : QByteArrayView(), expandString(m_params.encoding).trimmed().toUtf8());
-    if (encoding.compare("system", Qt::CaseInsensitive) == 0) {
-        encoding = currentACPName().toUtf8();
+    const bool isSystem = choice.name.compare("system", Qt::CaseInsensitive) == 0;
+    const QByteArray encoding = isSystem ? currentACPName().toUtf8() : choice.name;
+    if (runIsGood()) { // not for a sample before the run
+        warnAssumedEncoding(choice, encoding, name);
     }
     const auto set = tokenizer.setEncoding(
         markup::encodingCode(encoding), encoding,
@@ -183,12 +185,28 @@ bool ActionReadXML::chooseEncoding(XMLTokenizer &tokenizer, const QString &name)
     return true;
 }
 
+/// Once per run: further files are likely to be like the first.
+void ActionReadXML::warnAssumedEncoding(const markup::EncodingChoice &choice,
+                                        const QByteArray &encoding, const QString &name)
+{
+    const QString used = QString::fromUtf8(encoding);
+    if (!choice.contradicted.isEmpty() && !std::exchange(m_warnedContradiction, true)) {
+        warn(u"Warning: file '%1' declares the encoding '%2', but its characters are single bytes: "
+             "it is read as %3, and so are other files of this kind\n"_s.arg(
+                 name, QString::fromUtf8(choice.contradicted), used));
+    } else if (choice.isAssumed && !std::exchange(m_warnedAssumption, true)) {
+        warn(u"Warning: file '%1' declares no encoding and is not UTF-8: it is read as %2, and so "
+             "are other files of this kind. Set 'encoding' if this is wrong\n"_s.arg(name, used));
+    }
+}
+
 std::unique_ptr<XMLTokenizer> ActionReadXML::makeTokenizer(ByteSource &source) const
 {
     // bufferSize counts bytes, the tokenizer characters: the buffer is at least as large as asked
     // for.
     auto tokenizer = std::make_unique<XMLTokenizer>(
-        source, std::max(kTokenizerChars, clampedMiBToBytes(m_params.bufferSize)));
+        source,
+        std::max(kTokenizerChars, bufferFor(source, clampedMiBToBytes(m_params.bufferSize))));
     tokenizer->setOptions({m_params.readHTML, m_params.ignoreUnknownEntities,
                            m_params.discardNameSpaces, m_params.ignoreInvalidCharInTagName});
     return tokenizer;
@@ -246,9 +264,13 @@ bool ActionReadXML::reportStructureError(const markup::MarkupResult &result, con
         return fail(u"ERROR: XML structure error '%1' in file '%4' at line %2, column %3\n"_s.arg(
             text, line, column, name));
     }
-    m_warningFlag = 1;
-    m_corrupted.add(u"WARNING: XML structure error '%1' in file '%4' at line %2, column %3\n"_s.arg(
-        text, line, column, name));
+    if (m_reportedErrors < kMaxReportedErrors) {
+        warn(u"WARNING: XML structure error '%1' in file '%4' at line %2, column %3\n"_s.arg(
+            text, line, column, name));
+    } else if (m_reportedErrors == kMaxReportedErrors) {
+        warn(u"WARNING: XML structure error: some more warnings are not reported\n"_s);
+    }
+    ++m_reportedErrors;
     return true;
 }
 

@@ -47,6 +47,9 @@ private:
     /// Set the encoding of the document's bytes: from the parameter, the document, or the system.
     /// Call it before the first token. Returns false, after a message, when it is unknown.
     bool chooseEncoding(markup::XMLTokenizer &tokenizer, const QString &name);
+    /// Say which encoding is used where the file does not tell.
+    void warnAssumedEncoding(const markup::EncodingChoice &choice, const QByteArray &encoding,
+                             const QString &name);
 
     // Levels found in the file.
     std::optional<markup::SampledDocument> sampleInput() override;
@@ -68,7 +71,9 @@ private:
                               bool isSkipped);
 
     std::unique_ptr<markup::XMLTokenizer> m_tokenizer; // restarted for each document
-    CappedLog m_corrupted;                             // structure errors that are skipped
+    qint64 m_reportedErrors = 0;                       // structure errors that were skipped
+    bool m_warnedAssumption = false;                   // in this run
+    bool m_warnedContradiction = false;                // in this run
 };
 
 } // namespace corvanta

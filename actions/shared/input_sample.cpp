@@ -16,6 +16,47 @@ constexpr qint64 kSampleBytes = qint64(64) << 20;
 /// A document of many formats in one may repeat hundreds of parts.
 constexpr qsizetype kMaxReportedPaths = 20;
 
+/// The first of `paths`, and how many more there are.
+QString listOf(const QStringList &paths)
+{
+    const qsizetype left = paths.size();
+    const QString more =
+        left > kMaxReportedPaths ? u", and %1 more"_s.arg(left - kMaxReportedPaths) : QString();
+    return paths.mid(0, kMaxReportedPaths).join(u", "_s) + more;
+}
+
+/// Log why values of the document appear in no column.
+void reportLeftOut(const markup::SampledDocument &document, const markup::SampledTable &chosen)
+{
+    if (!chosen.leftOut.isEmpty()) {
+        MainUI::addLog(MainUI::Info, u"Repeated parts of the records that are not read: %1\n"_s.arg(
+                                         listOf(chosen.leftOut)));
+    }
+    if (!document.outside.isEmpty()) {
+        MainUI::addLog(MainUI::Info, u"Values outside of the records that are not read: %1\n"_s.arg(
+                                         listOf(document.outside)));
+    }
+    if (!document.sameNames.isEmpty()) {
+        MainUI::addLog(MainUI::Warning,
+                       u"Warning: names that differ only in letter case are told apart by their "
+                       "order in each record: %1\n"_s.arg(listOf(document.sameNames)));
+    }
+    if (document.unnameable.any()) {
+        MainUI::addLog(
+            MainUI::Warning,
+            u"Warning: elements whose names no path can express are not read (count in "
+            "the sample: %1, first '%2')\n"_s.arg(QString::number(document.unnameable.count()),
+                                                  document.unnameable.first()));
+    }
+    if (document.beyondLimits.any()) {
+        MainUI::addLog(
+            MainUI::Warning,
+            u"Warning: elements beyond the limits of the sample are not read (count in "
+            "the sample: %1, first '%2')\n"_s.arg(QString::number(document.beyondLimits.count()),
+                                                  document.beyondLimits.first()));
+    }
+}
+
 } // namespace
 
 InputSample::InputSample(const ActionItem &action, const QString &pattern)
@@ -45,15 +86,7 @@ const markup::SampledTable *chooseTable(const markup::SampledDocument &document,
         return nullptr;
     }
     const markup::SampledTable &chosen = document.tables[index];
-    // The user sees why values of the document appear in no column.
-    const qsizetype left = chosen.leftOut.size();
-    if (left > 0) {
-        const QString more =
-            left > kMaxReportedPaths ? u", and %1 more"_s.arg(left - kMaxReportedPaths) : QString();
-        MainUI::addLog(MainUI::Info,
-                       u"Repeated parts of the records that are not read: %1%2\n"_s.arg(
-                           chosen.leftOut.mid(0, kMaxReportedPaths).join(u", "_s), more));
-    }
+    reportLeftOut(document, chosen);
     return &chosen;
 }
 

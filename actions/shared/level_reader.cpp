@@ -2,6 +2,7 @@
 
 #include "actions/shared/input_sample.h"
 
+#include <algorithm>
 #include <tuple>
 
 using namespace Qt::StringLiterals;
@@ -47,6 +48,14 @@ void LevelReader::expectUtf8(markup::MarkupTokenizer &tokenizer)
         tokenizer.setEncoding(markup::CharMode::Utf8, QByteArray(), markup::InvalidBytes::Fail);
 }
 
+qint64 LevelReader::bufferFor(ByteSource &source, qint64 wanted)
+{
+    constexpr qint64 kSmallest = qint64(1) << 20;
+    constexpr qint64 kOfUnknownSize = qint64(64) << 20;
+    const qint64 size = source.size();
+    return std::min(wanted, size < 0 ? kOfUnknownSize : std::max(size, kSmallest));
+}
+
 // ---- Levels found in the file.
 
 /// Levels that the graph has are never replaced, and texts of a pin do not exist before a run.
@@ -89,6 +98,33 @@ bool LevelReader::columnIsMissing(const QString &name)
 void LevelReader::pathIsMissing(const QString &path, const QString &name)
 {
     warn(u"Warning: can't find path '"_s + path + u"' inside file '"_s + name + u"'\n"_s);
+}
+
+/// One message per cause.
+void LevelReader::reportUnread(const markup::UnreadParts &unread, const QString &name)
+{
+    const auto countOf = [](const Occurrences &of) { return QString::number(of.count()); };
+    if (unread.bytesAfterNul > 0) {
+        warn(u"Warning: the data of file '%1' ends at a NUL character (%2); what follows is not "
+             "read (count: %3 bytes)\n"_s.arg(name, unread.nulPlace,
+                                              QString::number(unread.bytesAfterNul)));
+    }
+    if (unread.strayTexts.any()) {
+        warn(u"Warning: text outside of the values of file '%1' is not read (count: %2, first at "
+             "%3)\n"_s.arg(name, countOf(unread.strayTexts), unread.strayTexts.first()));
+    }
+    if (unread.bareValues.any()) {
+        warn(u"Warning: single values among the records of file '%1' give rows without a value "
+             "(count: %2, first at %3)\n"_s.arg(name, countOf(unread.bareValues),
+                                                unread.bareValues.first()));
+    }
+    for (const markup::RepeatedPath &repeated : unread.repeatedPaths) {
+        MainUI::addLog(
+            MainUI::Info,
+            u"Only the first match of path '%1' is read in file '%2'; further matches are "
+            "not read (count: %3, first at %4)\n"_s.arg(
+                repeated.path, name, QString::number(repeated.count), repeated.first));
+    }
 }
 
 } // namespace corvanta

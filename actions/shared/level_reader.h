@@ -69,6 +69,9 @@ protected:
     /// Set the encoding of texts of the input pin, which PinText delivers as UTF-8 whatever a text
     /// declares. The first token reports a failure.
     static void expectUtf8(markup::MarkupTokenizer &tokenizer);
+    /// At most `wanted` bytes for a buffer for `source`, which need not be larger than the source.
+    /// Buffers grow when they must.
+    static qint64 bufferFor(ByteSource &source, qint64 wanted);
 
     bool fileIsMissing(const QString &name) override;
 
@@ -79,6 +82,7 @@ private:
 
     bool columnIsMissing(const QString &name) final;
     void pathIsMissing(const QString &path, const QString &name) final;
+    void reportUnread(const markup::UnreadParts &unread, const QString &name) final;
 
     std::unique_ptr<LevelRun> m_run; // null before the first step()
     FileSeries m_series{*this};      // its file refers to m_run

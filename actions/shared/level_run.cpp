@@ -45,6 +45,12 @@ public:
                                             : InputFile::Report::Failure)
     {
     }
+    ~File() override
+    {
+        if (m_run.m_file == &m_input.file) {
+            m_run.m_file = nullptr;
+        }
+    }
     RunInput &input() { return m_input; }
     bool next(OneRow &row, Found *found) override { return m_run.next(row, found); }
     float fractionDone() const override { return std::max(m_input.file.getProgress(), 0.0F); }
@@ -68,6 +74,8 @@ LevelRun::LevelRun(ActionBase &action, FileSeries &series, Format &format, Input
     , m_input(std::move(input))
     , m_extractor(levels, options)
 {
+    m_extractor.setPlaceText(
+        [this](qint64 line, qint64 column) { return placeText(line, column); });
 }
 
 bool LevelRun::step()
@@ -149,7 +157,7 @@ bool LevelRun::next(OneRow &row, Found *found)
     const auto hasRow = m_extractor.next(arena);
     *found = hasRow && *hasRow ? Found::Row : Found::End;
     if (!hasRow) {
-        return documentFails(hasRow.fault().code);
+        return documentFails(hasRow.fault().code, found);
     }
     if (!*hasRow) {
         return documentEnds();
@@ -174,23 +182,63 @@ bool LevelRun::documentEnds()
         return false;
     }
     m_format.documentEnds(documentName());
+    endDocument();
     // Texts are often parts of what the paths describe: their missing paths are reported once, at
     // the end of the pin.
     if (!m_input.isFromPin) {
-        warnMissingPaths(documentName());
+        reportMissingPaths(documentName());
     }
     return true;
 }
 
-bool LevelRun::documentFails(const markup::MarkupResult &failure)
+/// A failure that the action forgives ends the document, or only a line of it.
+bool LevelRun::documentFails(markup::MarkupResult failure, Found *found)
 {
+    if (m_texts) {
+        failure.column = PinText::columnInRow(failure.line, failure.column);
+    }
     if (!m_action.runIsGood()) {
         return false;
     }
     const bool goesOn = m_format.documentFails(failure, documentName(),
                                                m_file == nullptr ? QString() : m_file->failure());
     ActionBase::explain(m_file == nullptr ? QString() : m_file->reason());
-    return goesOn;
+    if (!goesOn) {
+        return false;
+    }
+    if (resumeDocument()) {
+        *found = Found::Nothing;
+    } else {
+        endDocument();
+    }
+    return true;
+}
+
+/// Continue at the next line of JSON Lines; of a stream of texts, in the current one.
+bool LevelRun::resumeDocument()
+{
+    if (m_texts) {
+        m_texts->stayInRow(true);
+    }
+    const bool isResumed = m_extractor.resume();
+    if (m_texts) {
+        m_texts->stayInRow(false);
+    }
+    return isResumed;
+}
+
+/// Look for what the document has after its data. Of a stream of texts, only in the current one.
+void LevelRun::endDocument()
+{
+    if (m_texts) {
+        m_texts->stayInRow(true);
+    }
+    m_extractor.endDocument();
+    if (m_texts) {
+        m_texts->stayInRow(false);
+    } else {
+        m_format.reportUnread(m_extractor.unread(), m_fileName);
+    }
 }
 
 /// In a stream of texts, the row is the one that was read last.
@@ -201,7 +249,19 @@ QString LevelRun::documentName() const
                : m_fileName;
 }
 
-void LevelRun::warnMissingPaths(const QString &name)
+/// With texts of the input pin, positions are those in the row; a stream has no lines of its own.
+QString LevelRun::placeText(qint64 line, qint64 column) const
+{
+    if (!m_texts) {
+        return markup::placeText(line, column);
+    }
+    const QString row = u"row %1"_s.arg(m_texts->rowNumber());
+    return m_input.mode == PinText::Mode::Stream
+               ? row
+               : row + u", "_s + markup::placeText(line, PinText::columnInRow(line, column));
+}
+
+void LevelRun::reportMissingPaths(const QString &name)
 {
     for (const QString &path : m_extractor.missingPaths()) {
         m_format.pathIsMissing(path, name);
@@ -237,8 +297,8 @@ bool LevelRun::stepTexts()
         if ((!m_isOpen && !nextText()) || !next(row, &found)) {
             return false;
         }
-        m_isOpen = found == Found::Row;
-        if (m_isOpen) {
+        m_isOpen = found != Found::End;
+        if (found == Found::Row) {
             // Of a stream: the row whose text was read last.
             for (int i = 0; i < m_firstColumn; ++i) {
                 row.setCol(i, m_texts->row()->getAllColForWrite()[i]);
@@ -255,7 +315,8 @@ bool LevelRun::nextText()
     if (!m_texts->nextRow()) {
         // Not when the run has ended, and not when no row had a text.
         if (m_action.runIsGood() && m_anyText) {
-            warnMissingPaths(m_input.column);
+            reportMissingPaths(m_input.column);
+            m_format.reportUnread(m_extractor.unread(), m_input.column);
         }
         return false;
     }

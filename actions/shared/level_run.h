@@ -58,6 +58,8 @@ public:
         /// A path of the levels matched nothing in the document. Called once per path and file;
         /// with texts of the input pin, at the end of the pin.
         virtual void pathIsMissing(const QString &path, const QString &name) = 0;
+        /// What a file has and the levels did not read; called as pathIsMissing(), once.
+        virtual void reportUnread(const markup::UnreadParts &unread, const QString &name) = 0;
         /// With PinText::Mode::Stream: a value is not complete where the text of a row ends.
         virtual bool isInsideValue() const = 0;
 
@@ -93,8 +95,12 @@ private:
     bool next(OneRow &row, Found *found);
     void putCells(OneRow &row);
     bool documentEnds();
-    bool documentFails(const markup::MarkupResult &failure);
-    void warnMissingPaths(const QString &name);
+    bool documentFails(markup::MarkupResult failure, Found *found);
+    bool resumeDocument();
+    void endDocument();
+    void reportMissingPaths(const QString &name);
+    /// For messages: a position of the document, with the row of the pin.
+    QString placeText(qint64 line, qint64 column) const;
     /// For messages: the file, or the column of the pin with the number of its row.
     QString documentName() const;
 

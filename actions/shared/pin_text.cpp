@@ -8,14 +8,6 @@
 
 namespace corvanta {
 
-namespace {
-
-/// Added before and after a document. As many bytes as a decoder reads to find a byte-order mark,
-/// so that the decoder does not wait for the next row.
-constexpr size_t kSpaces = 4;
-
-} // namespace
-
 PinText::PinText(ActionItem &action, int column, Mode mode, const OneRow *first,
                  std::function<bool()> isInsideValue)
     : m_action(action)
@@ -50,9 +42,10 @@ bool PinText::nextRow()
         n -= isMarked ? 1 : 0;
         if (n > 0) {
             // One UTF-16 unit needs at most three bytes of UTF-8.
-            m_bytes.assign(kSpaces + static_cast<size_t>(n) * 3, ' ');
-            m_bytes.resize(kSpaces +
-                           static_cast<size_t>(utf16ToUtf8(text, n, m_bytes.data() + kSpaces)));
+            constexpr auto kBefore = static_cast<size_t>(kSpaces);
+            m_bytes.assign(kBefore + static_cast<size_t>(n) * 3, ' ');
+            m_bytes.resize(kBefore +
+                           static_cast<size_t>(utf16ToUtf8(text, n, m_bytes.data() + kBefore)));
             m_isSeparated = false;
             return true;
         }
@@ -64,7 +57,7 @@ bool PinText::nextRow()
 /// and a tokenizer finds the end of a number only in the next byte.
 qint64 PinText::read(void *buffer, qint64 n)
 {
-    if (m_at == m_bytes.size() && m_mode == Mode::Stream) {
+    if (m_at == m_bytes.size() && m_mode == Mode::Stream && !m_staysInRow) {
         if (!m_isSeparated && !m_isInsideValue()) {
             // A number at the top level ends here, while its row is still the current one.
             m_bytes.assign(kSpaces, ' ');

@@ -6,6 +6,7 @@
 #include "base/byte_source.h"
 #include "corvanta/action_item.h"
 
+#include <algorithm>
 #include <functional>
 #include <vector>
 
@@ -30,6 +31,16 @@ public:
     /// end.
     bool nextRow();
 
+    /// The column, from 0, in the text of a row of a position in what read() delivered, which
+    /// begins with spaces.
+    static qint64 columnInRow(qint64 line, qint64 column)
+    {
+        return line == 1 ? std::max<qint64>(column - kSpaces, 0) : column;
+    }
+
+    /// While on, the text ends at the end of the current row, also with Mode::Stream.
+    void stayInRow(bool on) { m_staysInRow = on; }
+
     /// The current row; valid after nextRow() returned true.
     const OneRow *row() const { return m_row; }
     /// Its number, counted from 1.
@@ -42,6 +53,10 @@ public:
     bool seek(qint64) override { return false; }
 
 private:
+    /// Added before and after a document. As many bytes as a decoder reads to find a byte-order
+    /// mark, so that the decoder does not wait for the next row.
+    static constexpr qint64 kSpaces = 4;
+
     /// The row that the caller has already taken, then those of the pin; null at the end.
     const OneRow *takeRow();
 
@@ -52,8 +67,9 @@ private:
     const OneRow *m_first;         ///< not yet delivered
     const OneRow *m_row = nullptr; ///< owned by the pin; valid until the next one is taken
     qint64 m_rowNumber = 0;
-    std::vector<char> m_bytes;  ///< UTF-8 text of the current row, with spaces
-    size_t m_at = 0;            ///< next byte to deliver
+    std::vector<char> m_bytes; ///< UTF-8 text of the current row, with spaces
+    size_t m_at = 0;           ///< next byte to deliver
+    bool m_staysInRow = false;
     bool m_isSeparated = false; ///< spaces were added after the row's text
 };
 

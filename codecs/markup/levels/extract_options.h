@@ -31,6 +31,9 @@ struct ExtractOptions
     bool presence = false;
     /// Elements without text, sub-elements and attributes do not exist, but count in indexes.
     bool ignoreEmpty = false;
+    /// More documents may follow in the same source, and can be read to decide how the first one is
+    /// read. Off for texts that arrive one by one.
+    bool canReadAhead = true;
     /// Occurrences of the first level to skip at the start of each document.
     int skip = 0;
 };

@@ -19,6 +19,7 @@ LevelExtractor::LevelExtractor(const std::vector<Level> &levels, const ExtractOp
     : m_options(options)
     , m_filter(options)
     , m_items(options)
+    , m_countsUnread(!options.text.html && !options.presence)
 {
     const PathSyntax syntax{options.zeroBased, u'/'};
     int column = 0;
@@ -26,12 +27,13 @@ LevelExtractor::LevelExtractor(const std::vector<Level> &levels, const ExtractOp
         auto state = std::make_unique<LevelState>(level, syntax);
         state->firstColumn = column;
         column += static_cast<int>(level.items.size()) + (options.outputSubTags ? 1 : 0);
+        state->paths.countRepeats(m_countsUnread);
         if (!m_levels.empty()) {
             m_levels.back()->paths.add(state->initialPath);
         }
         m_levels.push_back(std::move(state));
     }
-    m_reader = std::make_unique<OccurrenceReader>(*m_levels.front(), options);
+    m_reader = std::make_unique<OccurrenceReader>(*m_levels.front(), options, m_unread);
     m_cells.resize(static_cast<size_t>(column), cell::missingTextCell());
     beginFile();
 }
@@ -56,6 +58,7 @@ void LevelExtractor::beginFile()
         state->beginFile();
     }
     m_reader->beginFile();
+    m_unread = {};
 }
 
 void LevelExtractor::beginDocument(MarkupTokenizer &tokenizer)
@@ -102,6 +105,55 @@ Result<bool, MarkupResult> LevelExtractor::next(CellArena &arena)
     return m_hasRow;
 }
 
+bool LevelExtractor::resume()
+{
+    if (!m_failure || !m_reader->resume()) {
+        return false;
+    }
+    m_failure.reset();
+    return true;
+}
+
+/// True when the file has the item of a column.
+bool LevelExtractor::hasFoundItems() const
+{
+    return std::any_of(m_levels.begin(), m_levels.end(), [](const auto &state) {
+        return std::find(state->wasFound.begin(), state->wasFound.end(), true) !=
+               state->wasFound.end();
+    });
+}
+
+void LevelExtractor::addRepeats(const QString &path, const PathSet::Repeats &repeats,
+                                UnreadParts *unread)
+{
+    const auto isSame = [&](const RepeatedPath &other) { return other.path == path; };
+    if (repeats.count > 0 &&
+        std::none_of(unread->repeatedPaths.begin(), unread->repeatedPaths.end(), isSame)) {
+        unread->repeatedPaths.push_back({path, repeats.count, repeats.first});
+    }
+}
+
+UnreadParts LevelExtractor::unread() const
+{
+    UnreadParts unread = m_unread;
+    if (!hasFoundItems()) {
+        unread.bareValues.reset(); // missingPaths() says more
+    }
+    if (m_countsUnread) {
+        addRepeats(m_levels.front()->level.initialPath, m_reader->repeats(), &unread);
+    }
+    for (size_t i = 0; i < m_levels.size(); ++i) {
+        const LevelState &state = *m_levels[i];
+        const std::vector<LevelItem> &items = state.level.items;
+        for (size_t path = 0; path < state.paths.size(); ++path) {
+            const bool isItem = path < items.size();
+            addRepeats(isItem ? items[path].path : m_levels[i + 1]->level.initialPath,
+                       state.paths.repeatsOf(path), &unread);
+        }
+    }
+    return unread;
+}
+
 /// Begin the rows of the next occurrence of the first level; false at the end and after a failure.
 bool LevelExtractor::readFirstLevel(CellArena &arena)
 {
@@ -133,6 +185,11 @@ void LevelExtractor::enterLevels(size_t level, quint32 occurrence, CellArena &la
         state.arena.reset();
         const std::span<const quint32> found = state.paths.resolve(tree(), occurrence);
         fillCells(state, found, isLast(level) ? lastArena : state.arena);
+        const TreeItem &node = tree().item(occurrence);
+        const bool isText = node.count(ItemKind::Text) > 0 && node.count(ItemKind::Child) == 0;
+        if (m_countsUnread && (isText || state.paths.hasNewRepeats())) {
+            countUnread(state, found, isText);
+        }
         if (isLast(level)) {
             return;
         }
@@ -142,6 +199,18 @@ void LevelExtractor::enterLevels(size_t level, quint32 occurrence, CellArena &la
             std::fill(m_cells.begin() + inner.firstColumn, m_cells.end(), cell::missingTextCell());
             return;
         }
+    }
+}
+
+/// Count what the occurrence has and the row does not show. Rarely called.
+void LevelExtractor::countUnread(LevelState &state, std::span<const quint32> found, bool isText)
+{
+    state.paths.placeRepeats([this](quint32 item) { return m_reader->placeOf(item); });
+    const bool hasItem = std::any_of(found.begin(), found.end(),
+                                     [](quint32 item) { return item != MarkupTree::kNone; });
+    if (isText && !hasItem) {
+        m_unread.bareValues.add(
+            [&] { return m_reader->placeOf(tree().first(state.occurrence, ItemKind::Text)); });
     }
 }
 

@@ -26,6 +26,8 @@ public:
     QStringList columnNames() const;
     int columnCount() const { return static_cast<int>(m_cells.size()); }
 
+    /// How the places in unread() are written; placeText() by default.
+    void setPlaceText(const PlaceText &placeText) { m_reader->setPlaceText(placeText); }
     /// Set the initial size of the memory of a record's tree, in bytes.
     void setBlockSize(qint64 bytes) { m_reader->setBlockSize(bytes); }
 
@@ -37,8 +39,17 @@ public:
 
     /// Read the next row: true for a row, false at the end of the document. Cells of the last level
     /// are in `arena`. Errors: those of the tokenizer, NoTagFound, TreeTooLarge, NoMemory; every
-    /// later call returns the same error.
+    /// later call returns the same error, until resume() returns true.
     Result<bool, MarkupResult> next(CellArena &arena);
+
+    /// After an error: continue at the next line, if the data is JSON Lines. Returns false when the
+    /// document cannot be read further.
+    bool resume();
+    /// Call at the end of a document, also after an error: completes unread(). Reads to the end of
+    /// the source when a NUL ended the data.
+    void endDocument() { m_reader->endDocument(); }
+    /// What was not read since beginFile().
+    UnreadParts unread() const;
 
     /// The cells of the row, valid until the next call; the shared missing cell where there is no
     /// value.
@@ -53,6 +64,10 @@ private:
     bool readFirstLevel(CellArena &arena);
     void enterLevels(size_t level, quint32 occurrence, CellArena &lastArena);
     void fillCells(LevelState &state, std::span<const quint32> found, CellArena &arena);
+    void countUnread(LevelState &state, std::span<const quint32> found, bool isText);
+    static void addRepeats(const QString &path, const PathSet::Repeats &repeats,
+                           UnreadParts *unread);
+    bool hasFoundItems() const;
     quint32 firstInside(LevelState &inner, quint32 container) const;
     bool advanceInner(CellArena &arena);
     const MarkupTree &tree() const { return m_reader->tree(); }
@@ -63,6 +78,9 @@ private:
     std::vector<std::unique_ptr<LevelState>> m_levels;
     std::unique_ptr<OccurrenceReader> m_reader;
     std::vector<const uchar *> m_cells;
+    UnreadParts m_unread;
+    /// Off where no row or cell depends on it: HTML, and cells that say whether an element exists.
+    bool m_countsUnread;
     std::optional<MarkupResult> m_failure;
     /// Level of the innermost occurrence in the current row.
     size_t m_deepest = 0;

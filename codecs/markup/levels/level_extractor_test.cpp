@@ -99,6 +99,15 @@ const std::vector<Case> kCases = {
     {"[{\"v\":1}][{\"v\":2}]", {u"||v"_s}, "1;2;"},
     {"{\"r\":[{\"v\":1}]}{\"r\":[{\"v\":2}]}", {u"r||v"_s}, "1;2;"},
     {"1 \"x\"", {u"||"_s}, "1;x;"},
+    // a record or a container: decided by all of the first object, then by what follows
+    {R"({"u":{"id":7},"id":1}{"u":{"id":8}})", {u"||id"_s}, "1;-;"},
+    {R"({"u":{"id":7},"v":{"id":8}})", {u"||id"_s}, "7;8;"},
+    {R"({"u":{"id":7},"v":{"x":8}} {"id":1})", {u"||id"_s}, "-;1;"},
+    {R"({"x":1,"y":2})", {u"||id"_s}, "-;[id]"},
+    {R"({"x":1} [{"id":2}] {"y":[]})", {u"||id"_s}, "-;2;-;"},
+    {R"({"x":{}} [{"id":2}] {"y":{"id":3}})", {u"||id"_s}, "-;2;3;"},
+    {R"({} {"id":1})", {u"||id"_s}, "-;1;"},
+    {R"({"x":1} {"x":2})", {u"||"_s}, "1;2;"},
     // paths that the file never had
     {R"({"a":[{"b":1}]})", {u"q||b,c"_s}, "[q]"},
     {R"({"a":[{"b":1}]})", {u"a||b,c"_s, u"d||e"_s}, "1,-,-;[c d]"},
@@ -150,6 +159,96 @@ TEST(LevelExtractor, AcceptsRecordsOfDifferentShapes)
     JSONTokenizer tokenizer(source, 0, u"");
     LevelExtractor extractor(levelsOf({u"||a,b[1],c"_s}), {});
     EXPECT_EQ(extract(extractor, tokenizer), expected);
+}
+
+// A record may have any number of members before the one that is asked for; only an object larger
+// than any record is a container without reading all of it.
+TEST(LevelExtractor, DecidesFromTheWholeFirstObject)
+{
+    for (const auto &[members, rows] : {std::pair{100'000, "9;"}, {1'500'000, "-;9;"}}) {
+        QByteArray json = "{";
+        for (int i = 0; i < members; ++i) {
+            json += "\"m" + QByteArray::number(i) + "\":{},";
+        }
+        json += "\"id\":9,\"u\":{\"id\":9}}";
+        MemorySource source(json);
+        JSONTokenizer tokenizer(source, 0, u"");
+        LevelExtractor extractor(levelsOf({u"||id"_s}), {});
+        const QString found = extract(extractor, tokenizer);
+        EXPECT_TRUE(found.endsWith(QLatin1StringView(rows))) << members;
+        EXPECT_EQ(found.count(u';'), members < 1'000'000 ? 1 : members + 2);
+    }
+}
+
+// Everything that is not read has a count and a place, however the bytes arrive.
+TEST(LevelExtractor, CountsWhatItDoesNotRead)
+{
+    constexpr char kJson[] = "[{\"v\":1,\"V\":2,\"x\":0,\"v\":3},4,\"x\",{\"l\":[{\"s\":5},6]}]\n"
+                             "{\"l\":[],\"l\":[]}\n  Internal Server\tError 500\n[] Gone {}\0 \0{}";
+    const QByteArrayView json(kJson, sizeof(kJson) - 1);
+    for (const qint64 piece : {-1, 1, 5}) {
+        MemorySource source(json, piece);
+        JSONTokenizer tokenizer(source, 0, u"");
+        tokenizer.setPermissiveNumbers(true);
+        LevelExtractor extractor(levelsOf({u"||v"_s, u"l||s"_s}), {});
+        EXPECT_EQ(extract(extractor, tokenizer).toStdString(), "1,-;-,-;-,-;-,5;-,-;-,-;-,-;");
+        extractor.endDocument();
+        const UnreadParts unread = extractor.unread();
+        EXPECT_EQ(unread.strayTexts.count(), 2);
+        EXPECT_EQ(unread.strayTexts.first(), u"line 3, column 3"_s);
+        EXPECT_EQ(unread.bareValues.count(), 3);
+        EXPECT_EQ(unread.bareValues.first(), u"line 1, column 28"_s);
+        EXPECT_EQ(unread.bytesAfterNul, 4);
+        EXPECT_EQ(unread.nulPlace, u"line 4, column 11"_s);
+        ASSERT_EQ(unread.repeatedPaths.size(), 2U);
+        EXPECT_EQ(unread.repeatedPaths[0].path, u"v"_s);
+        EXPECT_EQ(unread.repeatedPaths[0].count, 2);
+        EXPECT_EQ(unread.repeatedPaths[0].first, u"line 1, column 10"_s);
+        EXPECT_EQ(unread.repeatedPaths[1].path, u"l"_s);
+        EXPECT_EQ(unread.repeatedPaths[1].first, u"line 2, column 10"_s);
+        extractor.beginFile();
+        EXPECT_TRUE(extractor.unread().repeatedPaths.empty());
+    }
+}
+
+// An error costs its line, whatever it is; a document of several lines is not JSON Lines.
+TEST(LevelExtractor, ResumesAtTheNextLine)
+{
+    struct Resumed
+    {
+        const char *json;
+        const char *level;
+        const char *rows;
+    };
+    for (const auto &[json, level, rows] : {
+             Resumed{"{\"v\":1}\n{\"v\":tru,\"w\":{}}\n{\"v\":3}\n", "||v", "1;!3;"},
+             {"{\"v\":1\n{\"v\":2}\r\n\n}}\n{\"v\":[\n{\"v\":4}", "||v", "!2;!!4;"},
+             {"{\"v\":\"1}\n{\"v\":\"2\"}\n{\"v\":3}", "||v", "!2;3;"},
+             {"{\"v\":\"\xff\xfe\"}\n{\"v\":2}\n\xe9\n{\"v\":3}\n{\"v\":4", "||v", "!2;!3;!"},
+             {"{\"x\":{\"v\":tru}}\n{\"v\":2}", "||v", "!2;"},
+             {"{\"l\":[{\"v\":1},]\n{\"l\":[{\"v\":2},{]}\n{\"l\":[{\"v\":3}]}", "l||v",
+              "1;!2;!3;"},
+             {"[{\"v\":1},\n{\"v\":tru},\n{\"v\":3}]", "||v", "1;!"},
+             {"{\n \"v\":tru\n}\n{\n \"v\":2\n}", "||v", "!2;"},
+         }) {
+        for (const qint64 piece : {-1, 1, 3}) {
+            MemorySource source(json, piece);
+            JSONTokenizer tokenizer(source, 0, u"");
+            LevelExtractor extractor(levelsOf({QString::fromUtf8(level)}), {});
+            QString found = extract(extractor, tokenizer);
+            // After a failure, extract() appends the code and the missing paths.
+            found.truncate(found.indexOf(u'!') + 1);
+            BlockArena arena;
+            while (extractor.resume()) {
+                auto row = extractor.next(arena);
+                for (; row && *row; row = extractor.next(arena)) {
+                    found += rowText(extractor.cells()) + u';';
+                }
+                found += row ? u""_s : u"!"_s;
+            }
+            EXPECT_EQ(found.toStdString(), rows) << json << " in pieces of " << piece;
+        }
+    }
 }
 
 TEST(LevelExtractor, WritesNamesOfOccurrences)

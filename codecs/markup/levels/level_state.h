@@ -7,6 +7,7 @@
 #include "codecs/markup/levels/level.h"
 #include "codecs/markup/tree/path_set.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,14 @@ struct LevelState
         }
     }
 
+    /// True when an item is the text of the occurrence itself: single values then are data.
+    bool readsOwnText() const
+    {
+        return std::any_of(level.items.begin(), level.items.end(), [](const LevelItem &item) {
+            return !item.tagName && (item.path.isEmpty() || item.path == u"/");
+        });
+    }
+
     /// True for the name of an element that is an occurrence.
     bool isOccurrence(const RawText &name) const
     {
@@ -37,6 +46,7 @@ struct LevelState
     {
         wasFound.assign(paths.size(), false);
         occurred = false;
+        paths.resetRepeats();
         containerFound = initialPath.empty();
     }
 

@@ -14,21 +14,33 @@ namespace corvanta::markup {
 
 namespace {
 
-/// Members of a top-level object that are classified before the object is treated as a container.
-constexpr int kMembersToClassify = 64;
+/// Bytes of a top-level object that are read before it is treated as a container: much more than a
+/// record has, and few enough to hold in memory.
+constexpr size_t kBytesToClassify = size_t(16) << 20;
 
 const std::optional<quint32> kNoOccurrence;
 
 } // namespace
 
-OccurrenceReader::OccurrenceReader(LevelState &first, const ExtractOptions &options)
+OccurrenceReader::OccurrenceReader(LevelState &first, const ExtractOptions &options,
+                                   UnreadParts &unread)
     : m_first(first)
     , m_filter(options)
     , m_keepRoot(options.keepRoot)
     , m_isHtml(options.text.html)
+    , m_canReadAhead(options.canReadAhead)
+    , m_unread(unread)
     , m_path(first.initialPath)
 {
     m_rootPath.add(first.initialPath);
+    m_rootPath.countRepeats(true);
+}
+
+void OccurrenceReader::beginFile()
+{
+    m_documents = Documents::Undecided;
+    m_path.resetRepeats();
+    m_rootPath.resetRepeats();
 }
 
 void OccurrenceReader::beginDocument(MarkupTokenizer &tokenizer)
@@ -37,9 +49,14 @@ void OccurrenceReader::beginDocument(MarkupTokenizer &tokenizer)
     m_json = dynamic_cast<JSONTokenizer *>(&tokenizer);
     m_tokenizer->setBalanced(true);
     m_tokenizer->setDocumentMarks(true);
+    if (m_json != nullptr && !m_first.readsOwnText()) {
+        m_json->setStrayTextHandler([this] {
+            m_unread.strayTexts.add([this] { return placeText(m_tokenizer->tokenStart()); });
+        });
+    }
     m_record.beginDocument(tokenizer);
     m_record.builder().setReturnSingleChild(!m_keepRoot);
-    m_ended = m_sawContent = false;
+    m_ended = m_sawContent = m_isBuildingValue = false;
     m_nextInTree = MarkupTree::kNone;
     m_path.restart();
 }
@@ -59,6 +76,47 @@ OccurrenceReader::Found OccurrenceReader::next()
     return kNoOccurrence;
 }
 
+bool OccurrenceReader::resume()
+{
+    const auto rewind = m_isBuildingValue || !m_keepRoot ? JSONTokenizer::Rewind::ToNextLine
+                                                         : JSONTokenizer::Rewind::Never;
+    if (m_json == nullptr || !m_json->resume(rewind)) {
+        return false;
+    }
+    m_isBuildingValue = false;
+    m_nextInTree = MarkupTree::kNone;
+    m_path.restart();
+    return true;
+}
+
+void OccurrenceReader::endDocument()
+{
+    if (!m_tokenizer->isEndedByNul()) {
+        return;
+    }
+    const LineCounter position = m_tokenizer->position();
+    const qint64 bytes = m_tokenizer->discardRest();
+    if (bytes > 0 && m_unread.bytesAfterNul == 0) {
+        m_unread.nulPlace = placeText(position);
+    }
+    m_unread.bytesAfterNul += bytes;
+}
+
+PathSet::Repeats OccurrenceReader::repeats() const
+{
+    const PathSet::Repeats inTrees = m_rootPath.repeatsOf(0);
+    const Occurrences &inStream = m_path.repeats();
+    return {inTrees.count + inStream.count(), inStream.any() ? inStream.first() : inTrees.first};
+}
+
+QString OccurrenceReader::placeOf(quint32 item) const
+{
+    const TextSpan text = m_tree->item(item).text;
+    const bool isInBuffer = m_tokenizer->isPinned() && !text.isExternal();
+    return placeText(isInBuffer ? m_tokenizer->positionInPinned(text.offset())
+                                : m_tokenizer->position());
+}
+
 /// The next occurrence in a tree that may hold more than one.
 std::optional<quint32> OccurrenceReader::nextInTree()
 {
@@ -76,6 +134,7 @@ OccurrenceReader::Found OccurrenceReader::readToken()
     switch (m_tokenizer->nextToken()) {
     case Token::DocumentStart:
         m_sawContent = true;
+        m_isBuildingValue = false;
         m_path.restartCounts();
         return startValue();
     case Token::Start:
@@ -88,6 +147,11 @@ OccurrenceReader::Found OccurrenceReader::readToken()
         return endOfData();
     case Token::Error:
         return faultHere(m_tokenizer->errorCode());
+    case Token::Text:
+        if (m_json == nullptr && !m_isHtml && m_tokenizer->depth() == 0) {
+            m_unread.strayTexts.add([this] { return placeText(m_tokenizer->tokenStart()); });
+        }
+        return kNoOccurrence;
     default:
         return kNoOccurrence;
     }
@@ -96,7 +160,8 @@ OccurrenceReader::Found OccurrenceReader::readToken()
 OccurrenceReader::Found OccurrenceReader::endOfData()
 {
     m_ended = true;
-    if (!m_sawContent) {
+    const bool hasStrayText = m_json != nullptr && m_unread.strayTexts.any();
+    if (!m_sawContent && !hasStrayText) {
         return faultHere(MarkupError::NoTagFound);
     }
     return kNoOccurrence;
@@ -113,7 +178,8 @@ OccurrenceReader::Found OccurrenceReader::startElement()
     if (!isInContainer && m_json == nullptr && !m_isHtml) {
         m_path.beginRoot(); // an XML file may hold several documents; an HTML file is one page
     }
-    if (!isInContainer && m_path.enter(name)) {
+    const auto place = [this] { return placeText(m_tokenizer->tokenStart()); };
+    if (!isInContainer && m_path.enter(name, place)) {
         m_first.containerFound = m_first.containerFound || m_path.isAtEnd();
         return kNoOccurrence;
     }
@@ -147,6 +213,7 @@ OccurrenceReader::Found OccurrenceReader::startValue()
         return kNoOccurrence;
     }
     m_record.begin();
+    m_isBuildingValue = true;
     const bool isRecord =
         m_documents == Documents::Records || kind == JSONTokenizer::DocumentKind::Scalar;
     return isRecord ? buildValue() : classifyObject();
@@ -162,51 +229,76 @@ OccurrenceReader::Found OccurrenceReader::buildValue()
     return std::optional<quint32>(0);
 }
 
-/// Find out what a top-level object is that no path leads into. It is a record (JSON Lines) when
-/// one of its first members is what an item selects; otherwise its members are the occurrences.
+/// Find out what a top-level object is that no path leads into, from all of it. It is a record
+/// (JSON Lines) when an item asks for one of its direct members, wherever that is. If none does,
+/// see classifyValue().
 OccurrenceReader::Found OccurrenceReader::classifyObject()
 {
-    for (int members = 0; members < kMembersToClassify; ++members) {
+    while (m_isBuildingValue) {
         const Token token = m_tokenizer->nextToken();
         if (token == Token::Error) {
             return faultHere(m_tokenizer->errorCode());
         }
+        const auto member = static_cast<quint32>(m_record.tree().items().size());
         if (token == Token::DocumentEnd) {
-            break;
+            return useValue(classifyValue());
         }
         if (const auto added = m_record.addElement(); !added) {
             return added.fault();
         }
-        m_documents = classifyMember();
-        if (m_documents == Documents::Records) {
+        if (m_first.paths.isFirstStep(m_record.tree().raw(member))) {
+            m_documents = Documents::Records;
             return buildValue();
         }
-        if (m_documents == Documents::Containers) {
-            break;
-        }
+        m_isBuildingValue = m_tokenizer->pinnedOffset() <= kBytesToClassify;
     }
+    m_documents = Documents::Containers;
+    return useValue(m_documents);
+}
+
+/// A whole object was read, and no item asks for a direct member. It is a record when all its
+/// members are scalars, or when a second object follows. In a text that arrives alone, where the
+/// next one is not known yet, it is a container when an item is found inside a member; without
+/// that, later texts are classified again.
+OccurrenceReader::Documents OccurrenceReader::classifyValue()
+{
     m_tree = &m_record.tree();
+    const quint32 first = m_tree->first(0, ItemKind::Child);
+    bool hasOnlyScalars = first != MarkupTree::kNone;
+    bool isContainer = m_first.readsOwnText() || first == MarkupTree::kNone;
+    for (quint32 member = first; member != MarkupTree::kNone; member = m_tree->sibling(member)) {
+        hasOnlyScalars = hasOnlyScalars && m_tree->item(member).count(ItemKind::Text) > 0;
+        isContainer = isContainer || (!m_canReadAhead && hasItemInside(member));
+    }
+    if (m_canReadAhead) {
+        isContainer = m_first.readsOwnText() || (!hasOnlyScalars && !m_json->isObjectNext());
+    }
+    const Documents documents = isContainer ? Documents::Containers : Documents::Records;
+    m_documents = m_canReadAhead ? documents : m_documents;
+    return documents;
+}
+
+/// True when an item is found in the member `member` of the tree.
+bool OccurrenceReader::hasItemInside(quint32 member)
+{
+    m_first.paths.countRepeats(false); // it is only a question
+    const std::span<const quint32> found = m_first.paths.resolve(*m_tree, member);
+    m_first.paths.countRepeats(true);
+    return std::any_of(found.begin(), found.end(),
+                       [&](quint32 item) { return item != MarkupTree::kNone && item != member; });
+}
+
+/// Take the occurrences of the tree of a top-level value: its root, or the members of the root.
+OccurrenceReader::Found OccurrenceReader::useValue(Documents documents)
+{
+    m_tree = &m_record.tree();
+    if (documents == Documents::Records) {
+        return std::optional<quint32>(0);
+    }
+    m_isBuildingValue = false;
     m_treeContainer = 0;
     m_nextInTree = 1;
     return nextInTree();
-}
-
-/// Decide by the member that was added last.
-OccurrenceReader::Documents OccurrenceReader::classifyMember()
-{
-    m_tree = &m_record.tree();
-    auto member = static_cast<quint32>(m_tree->items().size() - 1);
-    while (m_tree->item(member).parent != 0) {
-        member = m_tree->item(member).parent;
-    }
-    if (m_first.paths.isFirstStep(m_tree->raw(member))) {
-        return Documents::Records;
-    }
-    const std::span<const quint32> found = m_first.paths.resolve(*m_tree, member);
-    const bool hasItem = std::any_of(found.begin(), found.end(), [&](quint32 item) {
-        return item != MarkupTree::kNone && item != member;
-    });
-    return hasItem ? Documents::Containers : Documents::Undecided;
 }
 
 // Kept for saved graphs: with keepRoot off, the path begins at the only element of the value, which
@@ -227,6 +319,7 @@ OccurrenceReader::Found OccurrenceReader::readWholeValue()
     }
     m_tree = root.tree();
     m_treeContainer = m_rootPath.resolve(*m_tree, root.index()).front();
+    m_rootPath.placeRepeats([this](quint32 item) { return placeOf(item); });
     if (m_treeContainer == MarkupTree::kNone) {
         return kNoOccurrence;
     }

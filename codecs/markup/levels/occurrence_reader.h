@@ -6,6 +6,7 @@
 #include "codecs/markup/levels/element_filter.h"
 #include "codecs/markup/levels/path_follower.h"
 #include "codecs/markup/levels/record_builder.h"
+#include "codecs/markup/levels/unread_parts.h"
 #include "codecs/markup/tokens/json_tokenizer.h"
 
 #include <optional>
@@ -19,14 +20,17 @@ public:
     /// The index of an occurrence in tree(); std::nullopt if there is none.
     using Found = Result<std::optional<quint32>, MarkupResult>;
 
-    /// `first` must outlive the reader, which sets its containerFound.
-    OccurrenceReader(LevelState &first, const ExtractOptions &options);
+    /// `first` and `unread` must outlive the reader, which sets the containerFound of `first` and
+    /// counts stray texts in `unread`.
+    OccurrenceReader(LevelState &first, const ExtractOptions &options, UnreadParts &unread);
 
     /// Set the initial size of the memory of a tree, in bytes.
     void setBlockSize(qint64 bytes) { m_record.builder().setBlockSize(bytes); }
     /// Begin another file: its documents may have another form. Call before the beginDocument() of
     /// its first document.
-    void beginFile() { m_documents = Documents::Undecided; }
+    void beginFile();
+    /// How places of `unread` are written; placeText() by default.
+    void setPlaceText(PlaceText placeText) { m_placeText = std::move(placeText); }
     /// Begin a document of the file. `tokenizer` must be new or restarted, and outlive the
     /// document.
     void beginDocument(MarkupTokenizer &tokenizer);
@@ -34,6 +38,17 @@ public:
     /// Find the next occurrence; std::nullopt at the end of the document, and after it. Errors:
     /// those of the tokenizer, NoTagFound, TreeTooLarge.
     Found next();
+
+    /// After an error of next(): continue at the next line, if the data is JSON Lines. Returns
+    /// false when it cannot.
+    bool resume();
+    /// The end of the document: look for data after a NUL.
+    void endDocument();
+
+    /// Further matches of the initial path, which are not read.
+    PathSet::Repeats repeats() const;
+    /// The place of an item of tree().
+    QString placeOf(quint32 item) const;
 
     /// The tree of the last occurrence. Valid until the next call; only after an occurrence was
     /// found.
@@ -43,7 +58,7 @@ public:
     Fault<MarkupResult> faultHere(MarkupError error) const { return m_record.faultHere(error); }
 
 private:
-    /// What a top-level object is, when no path leads into it.
+    /// What a top-level object is, when no path leads into it. Decided once per file.
     enum class Documents : quint8 {
         Undecided,
         /// It is an occurrence, one line of JSON Lines.
@@ -55,19 +70,28 @@ private:
     // Each of these returns an occurrence, or std::nullopt when more tokens are needed.
     std::optional<quint32> nextInTree();
     Found readToken();
+    QString placeText(const LineCounter &position) const
+    {
+        return m_placeText(position.line(), position.column());
+    }
     Found startElement();
     Found startValue();
     Found endOfData();
     Found buildElement();
     Found buildValue();
     Found classifyObject();
-    Documents classifyMember();
+    Documents classifyValue();
+    bool hasItemInside(quint32 member);
+    Found useValue(Documents documents);
     Found readWholeValue();
 
     LevelState &m_first;
     ElementFilter m_filter;
     bool m_keepRoot;
     bool m_isHtml;
+    bool m_canReadAhead;
+    UnreadParts &m_unread;
+    PlaceText m_placeText = markup::placeText;
     PathFollower m_path;
     /// The initial path, for trees of whole values.
     PathSet m_rootPath;
@@ -77,6 +101,8 @@ private:
     const MarkupTree *m_tree = nullptr;
     bool m_ended = false;
     bool m_sawContent = false;
+    /// The current top-level value is built as a whole, and no row of it was returned.
+    bool m_isBuildingValue = false;
     Documents m_documents = Documents::Undecided;
     /// Where the search in a tree continues.
     quint32 m_nextInTree = MarkupTree::kNone;

@@ -3,9 +3,11 @@
 // The caller reports the elements that begin inside the open part of the path, and the ends of
 // those that were entered. It skips the content of all other elements.
 #pragma once
+#include "base/occurrences.h"
 #include "codecs/markup/tree/path.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace corvanta::markup {
@@ -42,12 +44,19 @@ public:
     bool isAtEnd() const { return m_open == m_path.size(); }
 
     /// An element begins inside the last open step; not at the end of the path. Returns true, with
-    /// the next step open, when the step selects it.
-    bool enter(const RawText &name)
+    /// the next step open, when the step selects it. `place` returns the place of the element as
+    /// text; it is called for the first element that repeats() counts.
+    template <class Place> bool enter(const RawText &name, Place &&place)
     {
         const PathStep &step = m_path[m_open];
-        const bool isStep = step.anyName || nameMatches(name, step.name);
-        if (!isStep || m_passed[m_open]++ != step.index) {
+        if (!step.anyName && !nameMatches(name, step.name)) {
+            return false;
+        }
+        const quint32 passed = m_passed[m_open]++;
+        if (passed != step.index) {
+            if (passed > step.index && !step.isIndexed) {
+                m_repeats.add(std::forward<Place>(place));
+            }
             return false;
         }
         if (++m_open < m_path.size()) {
@@ -59,6 +68,11 @@ public:
     /// later one is not selected again.
     void leave() { --m_open; }
 
+    /// Further elements that steps without an index match and do not select.
+    const Occurrences &repeats() const { return m_repeats; }
+    /// Count them from 0 again, for the next file.
+    void resetRepeats() { m_repeats.reset(); }
+
 private:
     /// The path to follow; may be empty, and is then always at its end.
     std::vector<PathStep> m_path;
@@ -66,6 +80,7 @@ private:
     std::vector<quint32> m_passed;
     /// Steps whose elements are open.
     size_t m_open = 0;
+    Occurrences m_repeats;
 };
 
 } // namespace corvanta::markup

@@ -17,12 +17,15 @@ void SampledDocument::add(SampledTable table)
 
 SampledDocument sampleDocument(MarkupTokenizer &tokenizer, const SampleOptions &options)
 {
-    Shapes shapes = sampleShapes(tokenizer, options.records, options.text);
+    ShapeSample sample = sampleShapes(tokenizer, options.records, options.text);
     const bool isXml = tokenizer.asXml() != nullptr;
     if (!isXml) {
-        mergeMapMembers(&shapes);
+        mergeMapMembers(&sample.shapes);
     }
-    return findTables(shapes, isXml, options.zeroBased);
+    SampledDocument document = findTables(sample.shapes, isXml, options.zeroBased);
+    document.unnameable = sample.unnameable;
+    document.beyondLimits = sample.beyondLimits;
+    return document;
 }
 
 } // namespace corvanta::markup

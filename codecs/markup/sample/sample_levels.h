@@ -1,5 +1,6 @@
 // Derives levels and items from the first records of a document.
 #pragma once
+#include "base/occurrences.h"
 #include "codecs/markup/levels/level.h"
 #include "codecs/markup/tokens/tokenizer.h"
 #include "codecs/markup/tree/element_text.h"
@@ -37,6 +38,18 @@ struct SampledDocument
     std::vector<SampledTable> tables;
     /// Index of the first table with the most values.
     size_t largest = 0;
+
+    // What no table reads, or reads with a doubt.
+
+    /// Paths of values that are not in the records of any table.
+    QStringList outside;
+    /// Names for which there is another one that differs only in letter case. Paths tell them apart
+    /// by their order in a record.
+    QStringList sameNames;
+    /// Elements whose names a path cannot express; the place is the first name.
+    Occurrences unnameable;
+    /// Elements beyond the limits of a sample; the place is the first name.
+    Occurrences beyondLimits;
 
     /// Append a table and update `largest`.
     void add(SampledTable table);

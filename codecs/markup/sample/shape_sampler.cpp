@@ -39,7 +39,7 @@ bool isNameSpace(QStringView attribute)
     return attribute == u"xmlns" || attribute.startsWith(u"xmlns:");
 }
 
-/// Reads the sample. Threads: one at a time.
+/// Reads the sample. Threads: one at a time. Not copied: m_shapes refers to a member.
 class ShapeSampler
 {
 public:
@@ -49,11 +49,11 @@ public:
         , m_xml(tokenizer.asXml())
         , m_records(std::max(records, 1))
         , m_clearIsText(rule.clearIsText)
-        , m_shapes(1)
     {
+        m_shapes.resize(1);
     }
 
-    Shapes read();
+    ShapeSample read();
 
 private:
     bool add(Token token);
@@ -70,7 +70,8 @@ private:
     const XMLTokenizer *m_xml;
     qint64 m_records;
     bool m_clearIsText;
-    Shapes m_shapes;
+    ShapeSample m_sample;
+    Shapes &m_shapes = m_sample.shapes;
     size_t m_current = 0;
     qint64 m_unseen = 0; ///< open elements inside m_current that have no shape
 };
@@ -83,7 +84,11 @@ size_t ShapeSampler::childOf(size_t parent, const std::u16string &name)
     if (known != m_shapes[parent].byName.end()) {
         return known->second;
     }
-    if (m_shapes.size() == kMaxShapes || !fitsPath(name)) {
+    const bool isNameable = fitsPath(name);
+    if (m_shapes.size() == kMaxShapes || !isNameable) {
+        (isNameable ? m_sample.beyondLimits : m_sample.unnameable).add([&] {
+            return QString::fromStdU16String(name);
+        });
         return kNoShape;
     }
     const size_t child = m_shapes.size();
@@ -99,6 +104,9 @@ size_t ShapeSampler::childOf(size_t parent, const std::u16string &name)
 void ShapeSampler::begin(const std::u16string &name, bool isItem)
 {
     const bool tooDeep = m_tokenizer.depth() > kMaxDepth;
+    if (tooDeep && m_unseen == 0) {
+        m_sample.beyondLimits.add([&] { return QString::fromStdU16String(name); });
+    }
     const size_t child = m_unseen > 0 || tooDeep ? kNoShape : childOf(m_current, name);
     if (child == kNoShape) {
         ++m_unseen;
@@ -188,18 +196,18 @@ bool ShapeSampler::add(Token token)
     }
 }
 
-Shapes ShapeSampler::read()
+ShapeSample ShapeSampler::read()
 {
     m_tokenizer.setDocumentMarks(true);
     m_tokenizer.setBalanced(true);
     for (qint64 tokens = 0; tokens < kMaxTokens && add(m_tokenizer.nextToken()); ++tokens) {
     }
-    return std::move(m_shapes);
+    return std::move(m_sample);
 }
 
 } // namespace
 
-Shapes sampleShapes(MarkupTokenizer &tokenizer, int records, const TextRule &rule)
+ShapeSample sampleShapes(MarkupTokenizer &tokenizer, int records, const TextRule &rule)
 {
     return ShapeSampler(tokenizer, records, rule).read();
 }

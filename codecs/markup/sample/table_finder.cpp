@@ -43,7 +43,10 @@ public:
         for (const Shape &shape : shapes) {
             std::map<std::u16string, qint64> names;
             for (const size_t child : shape.children) {
-                m_sameNameIndex[child] = names[toLowerCase(shapes[child].name)]++;
+                const Shape &at = shapes[child];
+                qint64 &number = names[toLowerCase(at.name)];
+                m_sameNameIndex[child] = number;
+                number += std::max<qint64>(at.maxInParent, 1);
             }
         }
     }
@@ -69,6 +72,7 @@ private:
     std::vector<size_t> descendants(size_t top) const;
     std::vector<size_t> findRecords() const;
     bool hasScalars() const;
+    QStringList valuesOutside(const std::vector<size_t> &records) const;
     size_t findInner(size_t record) const;
     SampledTable tableOf(size_t record) const;
     void addLevel(Draft *draft, size_t container, size_t top, size_t inner) const;
@@ -80,12 +84,14 @@ private:
     static void nameItems(Draft *draft);
     QString index(qint64 number) const;
     QString stepTo(size_t shape) const;
+    QString numberedStepTo(size_t shape, qint64 number) const;
     QString pathTo(size_t top, size_t shape) const;
 
     const Shapes &m_shapes;
     bool m_isXml;
     bool m_zeroBased;
-    /// By shape: the number of siblings before it whose names differ only in letter case.
+    /// By shape: the number of elements before it whose names differ only in letter case, in a
+    /// parent that has all of them.
     std::vector<qint64> m_sameNameIndex;
 };
 
@@ -167,9 +173,14 @@ QString TableFinder::index(qint64 number) const
 /// distinguishes names that differ only in it.
 QString TableFinder::stepTo(size_t shape) const
 {
-    const QString step = unchanged(escapedStep(m_shapes[shape].name));
     const bool isFirst = m_sameNameIndex[shape] == 0 || m_shapes[shape].isAttribute;
-    return isFirst ? step : step + index(m_sameNameIndex[shape]);
+    return isFirst ? unchanged(escapedStep(m_shapes[shape].name)) : numberedStepTo(shape, 0);
+}
+
+/// The step from the parent of a shape to its occurrence `number`, from 0.
+QString TableFinder::numberedStepTo(size_t shape, qint64 number) const
+{
+    return unchanged(escapedName(m_shapes[shape].name)) + index(m_sameNameIndex[shape] + number);
 }
 
 QString TableFinder::pathTo(size_t top, size_t shape) const
@@ -214,10 +225,10 @@ void TableFinder::addIndexed(Draft *draft, size_t top, size_t shape) const
 {
     const Shape &at = m_shapes[shape];
     const qint64 values = std::min(at.maxInParent, kIndexedValues);
+    const QString container = pathTo(top, at.parent);
+    const QString between = container.isEmpty() ? QString() : u"/"_s;
     for (qint64 i = 0; i < values; ++i) {
-        const QString container = pathTo(top, at.isItem ? at.parent : shape);
-        const QString between = at.isItem && !container.isEmpty() ? u"/"_s : QString();
-        addItem(draft, top, shape, container + between + index(i),
+        addItem(draft, top, shape, container + between + numberedStepTo(shape, i),
                 u'[' + QString::number(i) + u']');
     }
 }
@@ -292,12 +303,40 @@ SampledTable TableFinder::tableOf(size_t record) const
     return std::move(draft.table);
 }
 
+/// The paths of the values that are in none of the records.
+QStringList TableFinder::valuesOutside(const std::vector<size_t> &records) const
+{
+    QStringList outside;
+    std::vector<size_t> open{0};
+    while (!open.empty()) {
+        const size_t shape = open.back();
+        open.pop_back();
+        if (std::find(records.begin(), records.end(), shape) != records.end()) {
+            continue;
+        }
+        if (m_shapes[shape].hasText) {
+            outside << pathTo(0, shape);
+        }
+        const std::vector<size_t> &children = m_shapes[shape].children;
+        open.insert(open.end(), children.rbegin(), children.rend());
+    }
+    return outside;
+}
+
 SampledDocument TableFinder::find() const
 {
     SampledDocument document;
-    for (const size_t record : findRecords()) {
+    const std::vector<size_t> records = findRecords();
+    for (const size_t record : records) {
         document.add(tableOf(record));
     }
+    document.outside = valuesOutside(records);
+    for (size_t shape = 0; shape < m_shapes.size(); ++shape) {
+        if (m_sameNameIndex[shape] > 0 && !m_shapes[shape].isAttribute) {
+            document.sameNames << QString::fromStdU16String(m_shapes[shape].name);
+        }
+    }
+    document.sameNames.removeDuplicates();
     return document;
 }
 

@@ -27,7 +27,8 @@ const char *iconvName(CharMode mode, const QByteArray &name)
     case CharMode::ShiftJis:
         return "CP932";
     case CharMode::Gb2312:
-        return "GB2312";
+        // Documents that declare GB2312 also have the characters that its successors added.
+        return "GB18030";
     case CharMode::Big5:
         return "BIG5";
     case CharMode::Gbk:
@@ -52,6 +53,7 @@ CharSource::~CharSource() = default;
 void CharSource::restart(ByteSource &source)
 {
     m_source = &source;
+    m_raw.resize(static_cast<size_t>(kGuessBytes)); // putBack() may have enlarged it
     m_rawAt = m_rawEnd = 0;
     m_sourceEnded = m_bigEndian = m_orderIsKnown = m_discard = m_discarded = false;
     m_mode = CharMode::Utf8;
@@ -253,6 +255,7 @@ qsizetype CharSource::keepWellFormed(char *out, qsizetype n)
         if (stop != Utf8Stop::End) {
             const bool endsHere = !m_discard && m_error; // the source failed inside the sequence
             if (endsHere || !dropInvalid()) {
+                putBack(out + at, n - at);
                 return good;
             }
             ++at;
@@ -261,10 +264,22 @@ qsizetype CharSource::keepWellFormed(char *out, qsizetype n)
     return good;
 }
 
+bool CharSource::skipInvalid()
+{
+    const bool isSkipped =
+        m_mode == CharMode::Utf8 && m_error == MarkupError::CannotConvert && rawLeft() > 0;
+    if (isSkipped) {
+        m_error.reset();
+        ++m_rawAt;
+    }
+    return isSkipped;
+}
+
 /// Put `n` bytes before the unread ones. They came out of m_raw, or it is empty.
 void CharSource::putBack(const char *bytes, qsizetype n)
 {
     if (rawLeft() == 0) {
+        m_raw.resize(std::max(m_raw.size(), static_cast<size_t>(n)));
         m_rawAt = m_rawEnd = static_cast<size_t>(n);
     }
     m_rawAt -= static_cast<size_t>(n);

@@ -52,6 +52,10 @@ public:
     /// the end. A failure is returned after all bytes before it. Errors: CannotRead, CannotConvert.
     Result<qsizetype, MarkupError> read(char *out, qsizetype room);
 
+    /// After read() failed with CannotConvert in UTF-8: drop the invalid byte, so that read() can
+    /// continue. Returns false after any other failure.
+    bool skipInvalid();
+
     /// True when invalid bytes were dropped (InvalidBytes::Discard).
     bool hasDiscarded() const { return m_discarded; }
 

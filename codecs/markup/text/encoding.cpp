@@ -107,6 +107,14 @@ bool looksLikeUtf16(QByteArrayView bytes)
     return littleMark || bigMark || (notAllZero && most * 10 >= n / 2 * 7);
 }
 
+static bool isWideEncoding(QByteArrayView name)
+{
+    const QByteArray lower = name.toByteArray().toLower();
+    return lower.startsWith("utf-16") || lower.startsWith("utf16") || lower.startsWith("utf-32") ||
+           lower.startsWith("utf32") || lower.startsWith("ucs-2") || lower.startsWith("ucs-4") ||
+           lower.startsWith("iso-10646-ucs-");
+}
+
 QByteArray guessEncoding(QByteArrayView first)
 {
     if (first.size() < kMinGuessBytes) {
@@ -126,7 +134,8 @@ QByteArray guessEncoding(QByteArrayView first)
     if (lower.startsWith("utf-8") || lower.startsWith("utf8")) {
         return utf8 ? QByteArrayLiteral("UTF-8") : QByteArrayLiteral("ERROR");
     }
-    if (!declared.isEmpty()) {
+    // A declaration that is read byte by byte is not in an encoding of wider units.
+    if (!declared.isEmpty() && !isWideEncoding(declared)) {
         return declared;
     }
     return utf8 ? QByteArrayLiteral("UTF-8") : QByteArrayLiteral("System");
@@ -148,14 +157,23 @@ static QByteArray markedEncoding(QByteArrayView first)
     return first.startsWith("\xFF\xFE") ? "UTF-16LE" : "";
 }
 
-QByteArray chooseEncoding(QByteArrayView first, const QByteArray &name)
+EncodingChoice chooseEncoding(QByteArrayView first, const QByteArray &name)
 {
     QByteArray marked = markedEncoding(first);
     if (!marked.isEmpty()) {
-        return marked;
+        return {marked};
     }
-    const bool isAuto = name.isEmpty() || name.compare("auto", Qt::CaseInsensitive) == 0;
-    return isAuto ? guessEncoding(first) : name;
+    if (!name.isEmpty() && name.compare("auto", Qt::CaseInsensitive) != 0) {
+        return {name};
+    }
+    EncodingChoice choice{guessEncoding(first)};
+    const QByteArray declared = declaredEncoding(first);
+    const bool isWide = isWideEncoding(declared) && !looksLikeUtf16(first);
+    choice.contradicted = isWide ? declared : QByteArray();
+    choice.isAssumed = choice.name == "System" &&
+                       std::any_of(first.begin(), first.end(),
+                                   [](char c) { return static_cast<uchar>(c) >= 0x80; });
+    return choice;
 }
 
 CharMode guessJSONEncoding(QByteArrayView first)

@@ -24,12 +24,26 @@ enum class CharMode : quint8 {
 inline constexpr qsizetype kGuessBytes = 64 * 1024;
 
 /// The name of the encoding of an XML or HTML document: "UTF-8", "UTF-16", "UTF-32", "System" (the
-/// system's code page), "ERROR" (declared as UTF-8 but invalid), or the declared name unchanged.
+/// system's code page), "ERROR" (declared as UTF-8 but invalid), or the declared name unchanged. A
+/// declared UTF-16, UTF-32 or UCS of a document of single bytes is ignored.
 QByteArray guessEncoding(QByteArrayView first);
+
+/// The encoding in which a document is read, and what speaks against it.
+struct EncodingChoice
+{
+    /// As guessEncoding() returns it.
+    QByteArray name;
+    /// The declared encoding, of 16 or 32 bits per unit, of a document of single bytes. It is
+    /// ignored. Otherwise empty.
+    QByteArray contradicted = {};
+    /// The document declares no encoding and has characters beyond ASCII: only the system's code
+    /// page is left.
+    bool isAssumed = false;
+};
 
 /// The encoding of an XML or HTML document that starts with `first`: that of its byte-order mark,
 /// else `name`. An empty name or "auto" (in any letter case) means guessEncoding().
-QByteArray chooseEncoding(QByteArrayView first, const QByteArray &name);
+EncodingChoice chooseEncoding(QByteArrayView first, const QByteArray &name);
 
 /// The mode of a JSON document: Utf16 or Utf8.
 CharMode guessJSONEncoding(QByteArrayView first);

@@ -78,6 +78,14 @@ TEST(Encoding, IsGuessedFromTheFirstBytes)
     EXPECT_EQ(guessEncoding("<?xml encoding?>" + filler), "UTF-8");
     EXPECT_EQ(guessEncoding(QByteArray("\xff\xfe<\0a\0", 6) + filler), "UTF-16");
     EXPECT_EQ(guessEncoding(QByteArray("\xff\xfe\0\0<\0\0\0", 8) + filler), "UTF-32");
+    // An encoding of wider units contradicts a declaration that is read byte by byte.
+    EXPECT_EQ(guessEncoding("<?xml encoding='utf-16'?>" + filler), "UTF-8");
+    EXPECT_EQ(guessEncoding("<?xml encoding='UCS-2'?>" + filler + "\xe9."), "System");
+    EXPECT_EQ(chooseEncoding("<?xml encoding='UTF-16LE'?>" + filler, "auto").contradicted,
+              "UTF-16LE");
+    EXPECT_TRUE(chooseEncoding("<a>\xc3\xa9</a>", "").isAssumed);
+    EXPECT_FALSE(chooseEncoding("<a/>", "").isAssumed);
+    EXPECT_FALSE(chooseEncoding("<a>\xe9</a>", "System").isAssumed);
     EXPECT_EQ(guessJSONEncoding("[1]"), CharMode::Utf8);
     EXPECT_EQ(guessJSONEncoding(QByteArrayView("[\0001\0]\0", 6)), CharMode::Utf16);
     EXPECT_EQ(encodingCode("Utf-8"), CharMode::Utf8);

@@ -32,6 +32,19 @@ constexpr size_t kFirstContainers = 512;
 enum External : quint32 { kClosedName, kUnderscore, kNan, kInf, kMinusInf, kFirstItemName };
 constexpr std::array<std::string_view, 5> kExternal{"", "_", "nan", "inf", "-inf"};
 
+/// Bytes that resume() reads again at most, so that its time stays linear.
+constexpr size_t kMostRewound = size_t(64) << 20;
+
+bool isLineBreak(char c)
+{
+    return c == '\n' || c == '\r';
+}
+
+bool beginsValue(char c)
+{
+    return c == '{' || c == '[';
+}
+
 bool mayFollowBareValue(char c)
 {
     return isSpace(c) || c == ',' || c == '}' || c == ']' || c == 0;
@@ -53,6 +66,7 @@ void JSONTokenizer::restart(ByteSource &source)
     m_state = State::Top;
     m_open.clear();
     m_names.clear();
+    m_rewound = 0;
 }
 
 void JSONTokenizer::setArrayItemName(std::optional<std::u16string_view> name)
@@ -170,9 +184,99 @@ inline Token JSONTokenizer::step()
     }
 }
 
+/// True for a word at the position that is not a value: it begins with a letter and is neither a
+/// literal nor a number without digits.
+bool JSONTokenizer::isStrayWord()
+{
+    const char *at = here();
+    do {
+        while (isIn(*at, charset::kPermissive)) {
+            ++at;
+        }
+    } while (at == end() && refillAt(&at));
+    m_pos = m_keep;
+    const QByteArray word = QByteArray(here(), static_cast<qsizetype>(at - here())).toLower();
+    return mayFollowBareValue(*at) && word != "nan" && word != "inf" && word != "infinity";
+}
+
+/// Skip words that are not values, at the start of a document; false when there are none.
+bool JSONTokenizer::skipStrayText()
+{
+    if (!isStrayWord()) {
+        return false;
+    }
+    m_onStrayText();
+    const auto isInText = [](char c) {
+        return c == ' ' || c == '\t' || isIn(c, charset::kPermissive);
+    };
+    do {
+        const char *at = here();
+        while (isInText(*at)) {
+            ++at;
+        }
+        moveTo(at);
+        m_keep = m_pos;
+    } while (here() == end() && refill());
+    return true;
+}
+
+/// Pass the next line break; false when there is none.
+bool JSONTokenizer::skipLine()
+{
+    do {
+        m_keep = m_pos;
+        const char *const stop = std::find_if(here(), end(), isLineBreak);
+        const bool found = stop != end();
+        moveTo(found ? stop + 1 : stop);
+        if (found) {
+            return true;
+        }
+    } while (refillSkipped());
+    return false;
+}
+
+/// Go to the first line after the marked one that begins like a value.
+bool JSONTokenizer::rewindToNextLine()
+{
+    m_rewound += m_pos - mark();
+    m_pos = m_keep = mark();
+    while (m_rewound <= kMostRewound && skipLine()) {
+        const char *at = here();
+        ensure(&at, 1);
+        if (beginsValue(*at)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool JSONTokenizer::resume(Rewind rewind)
+{
+    // Between the values, the line of the error is the current one.
+    const bool hasSeveralLines = m_state != State::Top && hasBreakSinceMark();
+    if (!recover()) {
+        return false;
+    }
+    m_state = State::Top;
+    m_open.clear();
+    m_names.clear();
+    if (!hasSeveralLines) {
+        return skipLine();
+    }
+    // A line that was not complete ends where the next one begins.
+    const bool isAtLine = here() > data() && isLineBreak(here()[-1]) && beginsValue(*here());
+    return rewind == Rewind::ToNextLine ? isMarkKept() && rewindToNextLine() : isAtLine;
+}
+
 Token JSONTokenizer::startDocument(char c)
 {
     m_keep = m_pos;
+    markDocument();
+    const bool isWord = m_onStrayText && m_permissive && charClass(c) == CharClass::Letter &&
+                        c != 't' && c != 'f' && c != 'n';
+    if (isWord && skipStrayText()) {
+        return Token::None;
+    }
     m_state = State::Value;
     m_documentKind =
         c == '{' ? DocumentKind::Object : (c == '[' ? DocumentKind::Array : DocumentKind::Scalar);

@@ -5,6 +5,7 @@
 #pragma once
 #include "codecs/markup/tokens/tokenizer.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,6 +40,27 @@ public:
 
     /// The type of the value that the last DocumentStart began; unchanged until the next one.
     DocumentKind documentKind() const { return m_documentKind; }
+
+    /// Skip text between the values at the top that is not a value, such as "Internal Server
+    /// Error", which permissiveNumbers would read as values: words that begin with a letter, and
+    /// what follows them in their line. `handler` is called at the first character of each such
+    /// text; tokenStart() is its position. Without a handler, the words are values.
+    void setStrayTextHandler(std::function<void()> handler) { m_onStrayText = std::move(handler); }
+
+    /// At the end of a value at the top: true when an object follows. Reads ahead to find out.
+    bool isObjectNext() { return skipSpace(Hold::Token) == '{'; }
+
+    /// What resume() does when the value with the error has several lines.
+    enum class Rewind : quint8 {
+        /// Nothing of the value was used yet: continue at its next line that begins like a value.
+        ToNextLine,
+        /// Parts of the value were used: it is not a line of JSON Lines.
+        Never,
+    };
+    /// After an error: continue after the line of JSON Lines that contains it, at the top. Returns
+    /// false when there is no further line, when the source failed, and when the data does not look
+    /// like JSON Lines; the tokenizer cannot be used further then.
+    bool resume(Rewind rewind);
 
     /// True while a container is open: the value at the top is not complete.
     bool isInsideValue() const { return !m_open.empty(); }
@@ -77,6 +99,10 @@ private:
 
     Token step();
     Token startDocument(char c);
+    bool skipStrayText();
+    bool isStrayWord();
+    bool skipLine();
+    bool rewindToNextLine();
     Token endDocument();
     Token readKey(char quote);
     Token readValue(char c);
@@ -111,6 +137,9 @@ private:
     State m_state = State::Top;
     DocumentKind m_documentKind = DocumentKind::Scalar;
     bool m_permissive = false;
+    std::function<void()> m_onStrayText;
+    /// Bytes that resume() read again in this document of the source.
+    size_t m_rewound = 0;
     /// The last value was a scalar, so its name is still in the buffer.
     bool m_scalar = false;
     /// Name of the open element.

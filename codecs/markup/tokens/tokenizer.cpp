@@ -10,10 +10,12 @@
 #include "codecs/markup/tokens/tokenizer.h"
 
 #include "base/limits.h"
+#include "codecs/markup/text/char_class.h"
 
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace corvanta::markup {
 
@@ -55,7 +57,7 @@ Result<void, MarkupError> MarkupTokenizer::setEncoding(CharMode mode, const QByt
 void MarkupTokenizer::restart(ByteSource &source)
 {
     m_source.restart(source);
-    m_pos = m_keep = m_end = 0;
+    m_pos = m_keep = m_end = m_mark = 0;
     m_text = {};
     m_depth = 0;
     m_begun = m_ended = m_encodingGiven = false;
@@ -66,9 +68,12 @@ void MarkupTokenizer::restart(ByteSource &source)
     m_discarded = {};
 }
 
-/// Move the data to a new buffer; false, with NoMemory pending, when there is no memory.
+/// Move the data to a new buffer; false, with NoMemory pending, when there is no memory. The
+/// capacity stops a little beyond the largest limit of what a buffer may hold.
 bool MarkupTokenizer::allocate(size_t capacity)
 {
+    constexpr size_t kMostBytes = static_cast<size_t>(limits::kTreeArenaBytes) + 2 * kFillBytes;
+    capacity = std::min(capacity, kMostBytes);
     std::unique_ptr<char[]> larger(new (std::nothrow) char[capacity + kPadding]);
     if (!larger) {
         m_pendingError = MarkupError::NoMemory;
@@ -133,12 +138,19 @@ void MarkupTokenizer::discardRead()
     if (from == 0) {
         return;
     }
-    m_discarded.advance(m_data.get(), static_cast<qsizetype>(from));
+    size_t counted = 0;
+    if (m_mark < from) {
+        counted = std::exchange(m_mark, kNoPin);
+        m_discarded.advance(m_data.get(), static_cast<qsizetype>(counted));
+        m_markLine = m_discarded.line();
+    }
+    m_discarded.advance(m_data.get() + counted, static_cast<qsizetype>(from - counted));
     std::memmove(m_data.get(), m_data.get() + from, m_end - from);
     m_end -= from;
     m_pos -= from;
     m_keep -= from;
     m_pin -= m_pin == kNoPin ? 0 : from;
+    m_mark -= m_mark == kNoPin ? 0 : from;
 }
 
 bool MarkupTokenizer::refill()
@@ -228,11 +240,58 @@ std::u16string_view MarkupTokenizer::text()
 }
 
 /// Counts from the start of the buffer, because positions are rarely needed.
-LineCounter MarkupTokenizer::position() const
+LineCounter MarkupTokenizer::positionAt(size_t index) const
 {
     LineCounter counter = m_discarded;
-    counter.advance(m_data.get(), static_cast<qsizetype>(m_pos));
+    counter.advance(m_data.get(), static_cast<qsizetype>(index));
     return counter;
+}
+
+qint64 MarkupTokenizer::discardRest()
+{
+    ++m_pos; // the NUL
+    bool hasData = false;
+    qint64 bytes = 0;
+    do {
+        const char *const from = here();
+        bytes += end() - from;
+        hasData = hasData || std::any_of(from, end(), [](char c) { return c != 0 && !isSpace(c); });
+        m_pos = m_keep = m_end;
+    } while (refill());
+    return hasData ? bytes : 0;
+}
+
+bool MarkupTokenizer::hasBreakSinceMark() const
+{
+    const auto isBreak = [](char c) { return c == '\n' || c == '\r'; };
+    return isMarkKept() ? std::any_of(data() + m_mark, here(), isBreak) : line() > m_markLine;
+}
+
+bool MarkupTokenizer::recover()
+{
+    if (m_token != Token::Error || (m_pendingError && !m_source.skipInvalid())) {
+        return false;
+    }
+    m_ended = m_ended && !m_pendingError;
+    m_pendingError.reset();
+    m_error = MarkupError::None;
+    m_token = Token::None;
+    m_text = {};
+    m_depth = 0;
+    unpin();
+    return true;
+}
+
+bool MarkupTokenizer::refillSkipped()
+{
+    while (!refill()) {
+        if (!m_pendingError || !m_source.skipInvalid()) {
+            return false;
+        }
+        m_pendingError.reset();
+        m_ended = false;
+    }
+    return true;
 }
 
 // Callers test for the numbers 8 and 1; the end of the data is not a token here.

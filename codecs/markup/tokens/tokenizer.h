@@ -144,9 +144,20 @@ public:
     /// The position after the current token: lines count from 1, columns from 0 in UTF-16 units.
     qint64 line() const { return position().line(); }
     qint64 column() const { return position().column(); }
+    LineCounter position() const { return positionAt(m_pos); }
+    /// The position where the current token begins.
+    LineCounter tokenStart() const { return positionAt(m_keep); }
+    /// The position of the byte `offset` after the pinned place.
+    LineCounter positionInPinned(size_t offset) const { return positionAt(m_pin + offset); }
 
     /// Why the last token is Error; None before that.
     MarkupError errorCode() const { return m_error; }
+
+    /// After EndOfData: true when a NUL in the data ended it.
+    bool isEndedByNul() const { return m_token == Token::EndOfData && here() != end(); }
+    /// After isEndedByNul(): read and discard everything after the NUL, up to the end of the source
+    /// or its failure. Returns the number of bytes, as UTF-8; 0 if all are NULs and spaces.
+    qint64 discardRest();
 
     /// Number of open elements.
     qint64 depth() const { return m_depth; }
@@ -161,6 +172,7 @@ public:
     /// Keep the data in memory, contiguous, starting at the current token, until unpin().
     void pin() { m_pin = m_keep; }
     void unpin() { m_pin = kNoPin; }
+    bool isPinned() const { return m_pin != kNoPin; }
     /// Bytes from the pinned place to the start of the current token.
     size_t pinnedOffset() const { return m_keep - m_pin; }
     /// The address of the pinned bytes; every nextToken() may change it.
@@ -233,6 +245,19 @@ protected:
         m_token = Token::End;
         return true;
     }
+    /// Remember the position as the place where a document begins.
+    void markDocument() { m_mark = m_pos; }
+    /// After an error: true when there is a line break between the mark and the position.
+    bool hasBreakSinceMark() const;
+    /// True when the marked byte is still in the buffer.
+    bool isMarkKept() const { return m_mark != kNoPin; }
+    size_t mark() const { return m_mark; }
+    /// After an error of the data, but not of the source: become able to read further tokens. The
+    /// position stays; bytes that are not a character of the encoding are dropped. Returns false
+    /// when reading cannot continue.
+    bool recover();
+    /// refill() for data that is skipped: drops bytes that are not a character of the encoding.
+    bool refillSkipped();
     bool isFinished() const { return m_token == Token::Error || m_token == Token::EndOfData; }
     bool documentMarks() const { return m_documentMarks; }
     bool isBalanced() const { return m_balanced; }
@@ -255,13 +280,17 @@ private:
     void discardRead();
     bool isWithinLimits();
     bool allocate(size_t capacity);
-    LineCounter position() const;
+    LineCounter positionAt(size_t index) const;
 
     CharSource m_source;
     std::unique_ptr<char[]> m_data;
     size_t m_capacity;
     size_t m_end = 0;
     size_t m_pin = kNoPin;
+    /// Where the document begins; kNoPin when that byte was discarded.
+    size_t m_mark = 0;
+    /// Line of the mark, once its byte was discarded.
+    qint64 m_markLine = 0;
     bool m_ended = false;
     bool m_encodingGiven = false;
     bool m_balanced = false;

@@ -96,8 +96,8 @@ bool XMLTokenizer::takeLeaf(Leaf *leaf)
     const char *const nameEnd = skipNameChars(name);
     const auto size = static_cast<size_t>(nameEnd - name);
     const bool isEmpty = *nameEnd == '/' && nameEnd[1] == '>';
-    if (size == 0 || (*nameEnd != '>' && !isEmpty) || openedSection(here()) != kNoSection ||
-        lacksName(name) ||
+    if (size == 0 || (*nameEnd != '>' && !isEmpty) ||
+        openedSection(here(), m_options.html) != kNoSection || lacksName(name) ||
         (m_options.html && (isDroppedElement({name, size}) || isVoidElement({name, size})))) {
         return false;
     }
@@ -149,7 +149,7 @@ inline Token XMLTokenizer::readTag()
     if (at[1] == '?') {
         return readInstruction();
     }
-    const size_t section = openedSection(at);
+    const size_t section = openedSection(at, m_options.html);
     if (section != kNoSection) {
         return readClear(section);
     }
@@ -400,11 +400,10 @@ const char *XMLTokenizer::findCloser(const char *at, size_t opener, TextSpan *te
             continue;
         }
         bracketed = bracketed || *at == '[';
-        const std::string_view closer = bracketed ? section.closer : ">";
-        const quint32 size = fromToken(++at) - start;
-        if (size >= closer.size() &&
-            std::memcmp(at - closer.size(), closer.data(), closer.size()) == 0) {
-            *text = {start, size - static_cast<quint32>(closer.size()), TextForm::Plain};
+        const std::string_view content(data() + m_keep + start, fromToken(++at) - start);
+        const size_t closer = bracketed ? closerSize(content, section) : 1;
+        if (closer != 0) {
+            *text = {start, static_cast<quint32>(content.size() - closer), TextForm::Plain};
             return at;
         }
     }

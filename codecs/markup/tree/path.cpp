@@ -32,6 +32,7 @@ PathStep parseStep(QStringView text, bool zeroBased)
         step.index = static_cast<quint32>(zeroBased || number == 0 ? number : number - 1);
         text = text.first(open);
         step.anyName = text.isEmpty();
+        step.isIndexed = true;
     }
     step.name = nameInStep(text);
     return step;
@@ -125,7 +126,7 @@ std::vector<PathStep> parsePath(QStringView path, const PathSyntax &syntax)
     return steps;
 }
 
-std::u16string escapedStep(std::u16string_view name)
+std::u16string escapedName(std::u16string_view name)
 {
     std::u16string step;
     for (const char16_t c : name) {
@@ -134,11 +135,13 @@ std::u16string escapedStep(std::u16string_view name)
         }
         step.push_back(c);
     }
-    // A name that ends like an index needs an index after it.
-    if (!step.empty() && step.back() == u']') {
-        step += u"[0]";
-    }
     return step;
+}
+
+std::u16string escapedStep(std::u16string_view name)
+{
+    // A name that ends like an index needs an index after it.
+    return escapedName(name) + (name.ends_with(u']') ? u"[]" : u"");
 }
 
 MarkupNode getChildNodeByPath(const MarkupNode &node, QStringView path, bool zeroBased,

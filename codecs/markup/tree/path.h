@@ -18,6 +18,8 @@ struct PathStep
     quint32 index = 0;
     /// The step is "[i]": any name.
     bool anyName = false;
+    /// The step ends with an index, which may be "[]".
+    bool isIndexed = false;
     bool operator==(const PathStep &) const = default;
     /// True for "@name", which selects an attribute, or a child of that name if there is none.
     bool isAttribute() const { return !anyName && !name.empty() && name[0] == u'@'; }
@@ -33,7 +35,10 @@ struct PathSyntax
 /// Split a path into steps. Skips a leading separator; an empty path has no steps.
 std::vector<PathStep> parsePath(QStringView path, const PathSyntax &syntax);
 
-/// Write `name` as one step of a path, with the backslashes that it needs.
+/// Write `name` with the backslashes that it needs in a path. An index must follow a name that ends
+/// with "]".
+std::u16string escapedName(std::u16string_view name);
+/// Write `name` as one step of a path, which selects the first element of that name.
 std::u16string escapedStep(std::u16string_view name);
 
 /// True when a step called `lowerCase` selects an element called `name`: the names are equal,

@@ -26,10 +26,12 @@ PathSet::PathSet()
 size_t PathSet::add(const std::vector<PathStep> &steps)
 {
     quint32 at = 0;
+    m_steps.emplace_back();
     for (size_t i = 0; i < steps.size(); ++i) {
         Node &node = *m_nodes[at];
         const auto same = std::find_if(node.edges.begin(), node.edges.end(),
                                        [&](const Edge &edge) { return edge.step == steps[i]; });
+        m_steps.back().emplace_back(at, static_cast<quint32>(same - node.edges.begin()));
         if (same != node.edges.end()) {
             same->onlyPath = kNotOnly; // a second path uses the edge
             at = same->node;
@@ -43,11 +45,55 @@ size_t PathSet::add(const std::vector<PathStep> &steps)
         const bool isLast = i + 1 == steps.size();
         node.edges.push_back({steps[i], at, isLast ? static_cast<quint32>(m_pathCount) : kNotOnly});
         node.indexes.push_back(steps[i].index);
+        setLastRead(node);
         m_nodes.push_back(std::make_unique<Node>());
     }
     m_nodes[at]->paths.push_back(m_pathCount);
     m_found.resize(++m_pathCount, MarkupTree::kNone);
     return m_pathCount - 1;
+}
+
+/// For each edge without an index: the highest index of the edges with its name.
+void PathSet::setLastRead(Node &node)
+{
+    for (Edge &edge : node.edges) {
+        if (edge.step.isIndexed || edge.step.isAttribute()) {
+            continue;
+        }
+        edge.lastRead = 0;
+        for (const Edge &other : node.edges) {
+            if (!other.step.anyName && other.step.name == edge.step.name) {
+                edge.lastRead = std::max(edge.lastRead, other.step.index);
+            }
+        }
+    }
+}
+
+PathSet::Repeats PathSet::repeatsOf(size_t path) const
+{
+    Repeats all;
+    for (const auto &[node, number] : m_steps[path]) {
+        const Edge &edge = m_nodes[node]->edges[number];
+        all.first = all.count == 0 ? edge.firstRepeat : all.first;
+        all.count += edge.repeats;
+    }
+    return all;
+}
+
+void PathSet::resetRepeats()
+{
+    for (const std::unique_ptr<Node> &node : m_nodes) {
+        for (Edge &edge : node->edges) {
+            edge.repeats = 0;
+        }
+    }
+}
+
+void PathSet::addRepeat(quint32 node, quint32 edge, quint32 item)
+{
+    if (m_nodes[node]->edges[edge].repeats++ == 0) {
+        m_newRepeats.push_back({node, edge, item});
+    }
 }
 
 bool PathSet::isFirstStep(const RawText &name) const
@@ -98,6 +144,16 @@ void PathSet::reach(quint32 node, quint32 item)
     }
 }
 
+/// The edges of `node` that select a child called `name`.
+void PathSet::collectMatches(const Node &node, const RawText &name, NameMemory::Matches *matches)
+{
+    for (quint32 i = 0; i < node.edges.size(); ++i) {
+        if (selects(node.edges[i].step, name)) {
+            matches->push_back(i);
+        }
+    }
+}
+
 /// Compare the children of an element with the edges of a node, until every edge has its child.
 // NOLINTNEXTLINE(readability-function-size): the lambda counts as depth; it belongs to its loop
 void PathSet::walkChildren(const MarkupTree &tree, Visit at)
@@ -109,25 +165,41 @@ void PathSet::walkChildren(const MarkupTree &tree, Visit at)
     quint32 child = tree.first(at.element, ItemKind::Child);
     for (; child != MarkupTree::kNone && left > 0; child = tree.sibling(child)) {
         const RawText name = tree.raw(child);
-        const auto collectMatches = [&](NameMemory::Matches *matches) {
-            for (quint32 i = 0; i < node.edges.size(); ++i) {
-                if (selects(node.edges[i].step, name)) {
-                    matches->push_back(i);
-                }
-            }
-        };
-        for (const quint32 number : node.children.matchesOf(name, collectMatches)) {
+        const auto collect = [&](auto *matches) { collectMatches(node, name, matches); };
+        for (const quint32 number : node.children.matchesOf(name, collect)) {
             // The index of the step has not been reached yet. Below zero the count wraps around, so
             // a step selects one child only.
-            if (m_left[number]-- > 0) {
+            const Edge &edge = node.edges[number];
+            const quint32 before = m_left[number]--;
+            if (before > 0) {
+                if (m_countsRepeats && 0U - before > edge.lastRead) {
+                    addRepeat(at.node, number, child);
+                }
                 continue;
             }
             --left;
-            const Edge &edge = node.edges[number];
             if (edge.onlyPath != kNotOnly) {
                 m_found[edge.onlyPath] = child;
             } else {
                 reach(edge.node, child);
+            }
+        }
+    }
+    if (m_countsRepeats && child != MarkupTree::kNone) {
+        walkRest(tree, at.node, child);
+    }
+}
+
+/// Every edge has its child: look for repeats among the children from `child`.
+void PathSet::walkRest(const MarkupTree &tree, quint32 node, quint32 child)
+{
+    Node &at = *m_nodes[node];
+    for (; child != MarkupTree::kNone; child = tree.sibling(child)) {
+        const RawText name = tree.raw(child);
+        const auto collect = [&](auto *matches) { collectMatches(at, name, matches); };
+        for (const quint32 number : at.children.matchesOf(name, collect)) {
+            if (0U - m_left[number]-- > at.edges[number].lastRead) {
+                addRepeat(node, number, child);
             }
         }
     }

@@ -6,8 +6,11 @@
 #include "codecs/markup/tree/name_memory.h"
 #include "codecs/markup/tree/path.h"
 
+#include <QString>
+
 #include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace corvanta::markup {
@@ -30,6 +33,30 @@ public:
     /// element or attribute) or MarkupTree::kNone. The result is valid until the next call.
     std::span<const quint32> resolve(const MarkupTree &tree, quint32 element);
 
+    // Further matches of steps without an index, which no path of the set reads.
+
+    /// Count them in later lookups. Off by default: it costs a comparison of each child.
+    void countRepeats(bool on) { m_countsRepeats = on; }
+    /// True when the last lookup found the first one of a step: call placeRepeats() then.
+    bool hasNewRepeats() const { return !m_newRepeats.empty(); }
+    /// Store where they are. `placeOf(item)` returns the place of an item of the tree as text.
+    template <class PlaceOf> void placeRepeats(PlaceOf placeOf)
+    {
+        for (const NewRepeat &repeat : std::exchange(m_newRepeats, {})) {
+            m_nodes[repeat.node]->edges[repeat.edge].firstRepeat = placeOf(repeat.item);
+        }
+    }
+    /// How many there are, and the place of the first.
+    struct Repeats
+    {
+        qint64 count = 0;
+        QString first = {};
+    };
+    /// Of all steps of the path with this number.
+    Repeats repeatsOf(size_t path) const;
+    /// Count from 0 again, for the next file.
+    void resetRepeats();
+
 private:
     static constexpr quint32 kNotOnly = ~quint32(0);
 
@@ -40,6 +67,17 @@ private:
         quint32 node = 0;
         /// The only path through `node`, which ends there.
         quint32 onlyPath = kNotOnly;
+        /// Matches of the name that a step reads, counted from 0, end with this one.
+        quint32 lastRead = kNotOnly;
+        qint64 repeats = 0;
+        QString firstRepeat = {};
+    };
+    /// The first repeat of an edge, whose place is not known yet.
+    struct NewRepeat
+    {
+        quint32 node;
+        quint32 edge;
+        quint32 item;
     };
     /// A node of the trie. The root, number 0, is the element where all paths start.
     struct Node
@@ -64,10 +102,18 @@ private:
     // Each of these continues the lookup from a node that an element reached.
     void visit(const MarkupTree &tree, Visit at);
     void walkChildren(const MarkupTree &tree, Visit at);
+    void walkRest(const MarkupTree &tree, quint32 node, quint32 child);
+    void addRepeat(quint32 node, quint32 edge, quint32 item);
+    static void setLastRead(Node &node);
+    static void collectMatches(const Node &node, const RawText &name, NameMemory::Matches *matches);
     void reach(quint32 node, quint32 item);
     void findAttributes(const MarkupTree &tree, Visit at);
 
     std::vector<std::unique_ptr<Node>> m_nodes;
+    /// By path: the node and the edge of each step.
+    std::vector<std::vector<std::pair<quint32, quint32>>> m_steps;
+    bool m_countsRepeats = false;
+    std::vector<NewRepeat> m_newRepeats;
     size_t m_pathCount = 0;
     std::vector<quint32> m_found;
     /// Nodes that were reached and not yet visited.
