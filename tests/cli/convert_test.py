@@ -148,7 +148,7 @@ class Levels(Case):
     def test_nested_json_gives_a_row_per_inner_record(self):
         expected = [["order", "city", "product", "price"]]
         expected += [[str(o["order"]), o["buyer"]["city"], line["product"], str(line["price"])] for o in NESTED for line in o["lines"]]
-        documents = {"a.json": json.dumps(NESTED), "b.json": json.dumps({"total": 3, "orders": NESTED}),
+        documents = {"a.json": json.dumps(NESTED), "b.json": json.dumps({"orders": NESTED}),
                      "c.jsonl": "\n".join(json.dumps(order) for order in NESTED),
                      "d.xml": "<shop>" + "".join(
                          f"<order><order>{o['order']}</order><buyer><city>{o['buyer']['city']}</city></buyer>"
@@ -158,6 +158,19 @@ class Levels(Case):
             self.put(name, document)
             self.convert_cleanly(name, "out.csv")
             self.assertEqual(self.rows_of("out.csv"), expected, name)
+
+    def test_what_the_levels_leave_out_is_said(self):
+        self.put("in.json", json.dumps({"total": 3, "orders": [{"A": 1, "a": {"B": [2, 3]}, " c ": 4, "k": [{"x": 1}, {"x": 2}],
+                                                                "l": [{"y": 5}]}]}))
+        said = self.convert("in.json", "out.csv")
+        for part in ("Repeated parts of the records that are not read: l", "Values outside of the records that are not read: total",
+                     "differ only in letter case are told apart by their order in each record: a",
+                     "no path can express are not read (count in the sample: 1, first ' c ')"):
+            self.assertIn(part, said)
+        # Repeated names that differ only in letter case: every one has its column.
+        self.put("case.json", '[{"A":1,"A":2,"a":3,"b":{"c":4,"C":5,"C":6}}]')
+        self.convert("case.json", "out.csv")
+        self.assertEqual(self.rows_of("out.csv"), [["A[0]", "A[1]", "a", "c", "C[0]", "C[1]"], ["1", "2", "3", "4", "5", "6"]])
 
     def test_members_of_a_map_are_records_with_their_names(self):
         self.put("map.json", json.dumps({"packages": {f"p{i}": {"version": i} for i in range(5)}}))

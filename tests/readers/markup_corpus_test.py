@@ -29,7 +29,6 @@ REFUSED = {
     "docs/bigentname.xml": STRUCTURE.format("Unknown character entity", 5, 5),
     "docs/ebcdic_566012.xml": "XML structure error 'Warning: No XML/JSON tag found' in file '%' at line 1, column 62",
     "docs/ent_738805.xml": STRUCTURE.format("Unknown character entity", 9, 27),
-    "docs/intsubset2.xml": STRUCTURE.format("Unmatched clear tag end", 292, 0),
     "docs/undeclared-entity.xml": STRUCTURE.format("Unknown character entity", 4, 16),
     "docs/xhtml1.xhtml": STRUCTURE.format("Unknown character entity", 102, 14),
     "encodings/x-user-defined.xml": ENCODING.format("x-user-defined"),
@@ -71,6 +70,7 @@ DECODED_AS = {
     "encodings/utftest_utf32_le_bom.xml": "utf-32", "feeds/utf-32le-bom.xml": "utf-32", "feeds/big5.xml": "cp1252",
     "feeds/koi8r.xml": "cp1252", "feeds/shiftjis.xml": "cp1252", "feeds/windows1255.xml": "cp1252",
 }
+ABOUT_THE_FILE = ("Warning: file '%' declares no encoding", "Warning: text outside of the values of file '%'")
 LOOSE = ("ISO-8859-15", "ISO-8859-8", "KOI8-R", "Shift_JIS", "gb18030", "windows-1251", "windows-1252")
 
 # golden: attributes, levels before the one with the items, path and name of the records
@@ -205,6 +205,8 @@ class Corpus(unittest.TestCase):
         results = []
         for i, (file, _, _) in enumerate(documents):
             said = [m["message"].strip().replace(str(file), "%") for m in messages if m["action"] == f"a{i}"]
+            # What the action says about good and bad documents alike; graph cases check these messages.
+            said = [text for text in said if not text.startswith(ABOUT_THE_FILE)]
             rows = []
             if status == 0:
                 with open(self.folder / f"{i}.csv", encoding="utf-8", newline="") as table:
