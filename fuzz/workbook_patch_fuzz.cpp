@@ -4,6 +4,7 @@
 #include "codecs/opc/content_types.h"
 #include "codecs/opc/outline.h"
 #include "codecs/opc/relationships.h"
+#include "codecs/xlsx/cell_range.h"
 #include "codecs/xlsx/sheet_splitter.h"
 #include "codecs/xlsx/sheet_tail.h"
 #include "codecs/xlsx/styles_part.h"
@@ -61,6 +62,13 @@ void changeStyles(QByteArrayView text)
     require(!changed || Outline::read(changed->text));
 }
 
+void readTablePart(QByteArrayView text)
+{
+    const auto table = readTable(text);
+    // The range of a table is printed in a form that can be read again.
+    require(!table || parseRange(rangeText(table->range).toUtf8()));
+}
+
 struct Split
 {
     bool isGood = true;
@@ -114,6 +122,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
         break;
     case 1:
         changeStyles(text);
+        readTablePart(text);
         break;
     case 2:
         changeRelationships(text.toByteArray());
