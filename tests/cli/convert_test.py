@@ -4,6 +4,7 @@
 What is written is compared with what openpyxl, Python's json, csv and expat, and our own readers see.
 """
 import csv
+import datetime
 import gzip
 import io
 import json
@@ -116,6 +117,22 @@ class Pairs(Case):
         self.assertEqual(self.content("back.csv"), b"a,b\n")
         self.convert_cleanly("empty.csv", "out.xlsx")
         self.assertEqual(list(openpyxl.load_workbook(self.folder / "out.xlsx").active.values), [("a", "b")])
+
+    def test_dates_of_workbooks(self):
+        self.put("dates.csv", "day,id\n2024-02-29,1\n2024-02-29T06:30,2\n29.2.2024,3\n")
+        day, morning = datetime.datetime(2024, 2, 29), datetime.datetime(2024, 2, 29, 6, 30)
+        for more, read in (((), (day, morning, None)), (("--writer", "dateFormat="), (day, morning, None)),
+                           (("--writer", "dateFormat=d.M.yyyy"), (None, None, day))):
+            done = self.convert("dates.csv", "book.xlsx", "--writer", "ToDate=day", *more)
+            self.assertIn("of column 'day' do", done)
+            cells = openpyxl.load_workbook(self.folder / "book.xlsx").active["A"]
+            self.assertEqual(tuple(cell.value for cell in cells[1:]), read)
+
+    def test_a_workbook_without_columns_is_not_written(self):
+        self.put("empty.csv", "")
+        done = self.convert("empty.csv", "book.xlsx")
+        self.assertIn("book.xlsx' is not written: the input has neither columns nor rows.", done)
+        self.assertFalse((self.folder / "book.xlsx").exists())
 
     def test_packed_inputs(self):
         for extension in ("csv", "json", "xml", "parquet"):
