@@ -53,7 +53,7 @@ inline bool writeWorkbook(xlsx::WorkbookTarget &workbook, const FuzzTable &table
     workbook.setCellFormats(&options);
     sheet::DateParser dates(setup.dateFormat, QLocale::c(), true);
     sheet::SheetWriter writer(package.writer, options, sheetColumns(table, setup.kinds), &dates,
-                              [] {});
+                              [](sheet::CellProblem, int, std::u16string_view) {});
     bool isGood = workbook.openSheet(writer) && writer.putHeader();
     for (int row = 0; isGood && row < table.rowCount(); ++row) {
         isGood = bool(writer.putRow(table.row(row)));

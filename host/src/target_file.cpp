@@ -246,7 +246,7 @@ TargetFile::Done TargetFile::commit(Sync sync, const Rename &rename)
         return Fault{TargetError::CannotWrite, m_target};
     }
     Done done = complete(m_isRegular && sync == Sync::Now);
-    if (done && !temporary.isEmpty() && !rename(temporary, m_target)) {
+    if (done && !m_temporary.isEmpty() && !rename(m_temporary, m_target)) {
         done = failed(TargetError::CannotRename, m_target, SystemError::ofLastCall().number);
     }
     if (!done && !m_temporary.isEmpty() && m_options.mode == TargetMode::Replace) {
