@@ -65,7 +65,7 @@ TargetFile::Done TargetFile::open(const QString &name, Options options)
     m_target = *end;
     RunFiles *const files = RunFiles::ofThread();
     if (files != nullptr && !files->claim(m_target, m_options.action)) {
-        return failed(TargetError::CannotOpen, name, EBUSY);
+        return failed(TargetError::CannotOpen, name, 0); // claim() has logged why
     }
     return openRegular();
 }
