@@ -13,7 +13,7 @@ static quint64 rowsOf(QByteArrayView bytes, const ReadOptions &options, qint64 p
     constexpr qint64 kMaxRows = 20000;
     MemorySource source(bytes, pieceBytes);
     const auto reader = TableReader::open(source, options, workers);
-    if (!reader) {
+    if (!reader || !(*reader)->prepare()) {
         return 0;
     }
     const std::vector<Column> &columns = (*reader)->columns();

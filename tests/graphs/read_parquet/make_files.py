@@ -97,7 +97,8 @@ put("chunk_of_more_values", a=FIRST.replace(b"\x16\x06\x19\x1c\x19\x3c", b"\x16\
     .replace(b"\x16\x06\0(", b"\x16\x04\0("))
 put("integers_of_a_set", a=foreign(TABLE, "K,U", "statistics='1'"), b=foreign(TABLE, "K,U", ""))
 for case in ("integers_cut", "integers_rounded"):
-    put(case, a=foreign(TABLE, "K,U", ""), b=foreign(TABLE, "K,U", "", WIDE))
+    put(case, a=foreign(TABLE, "K,U", ""), b=foreign(TABLE, "K,U", "", WIDE),
+        c=foreign(TABLE, "K,U", "dictionaryPages='1'", WIDE))
 put("integers_negative", a=foreign(TABLE, "K,U", "keyStorage='1'", [(struct.pack("<i", 6), struct.pack("<i", -1))]))
 DAMAGED_COLUMN = with_fewer_values(FIRST, 0)
 put("column_damaged", a=DAMAGED_COLUMN, b=FIRST, c=FIRST.replace(b"one", b"tne"))
