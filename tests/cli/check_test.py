@@ -87,6 +87,28 @@ class Mistakes(Case):
             self.assertEqual(self.problems("run", "--strict", status=2), self.problems("check", status=2))
             self.assertFalse(any(self.folder.glob("o.*")), parameters)
 
+    def test_every_parameter_of_every_action(self):
+        """Misspelled names and wrong values; the wrong values are allowed by none of the types."""
+        wrong = {"integer": "x", "real": "x", "flag": "x"}
+        for action in json.loads(self.corvanta("actions", "--json").stdout):
+            infos = json.loads(self.corvanta("describe", action["type"], "--json").stdout)["parameters"]
+            lines, expected = [], []
+            for number, info in enumerate(infos):
+                attribute = info["type"] != "strings" and info["type"] != "structure" and not info["name"][0].isupper()
+                name = info["name"]
+                kind = "attribute" if attribute else "element"
+                content = f" {name}_='1'/>" if attribute else f"><{name}_/></{action['type']}>"
+                lines.append(f"<action id='n{number}'><{action['type']}{content}</action>")
+                expected.append(f"unknown {kind} '{name}_' of '{action['type']}'; the nearest known name is '{name}'")
+                if info["type"] in wrong:
+                    lines.append(f"<action id='v{number}'><{action['type']} {name}='x'/></action>")
+                    expected.append(f"the value 'x' of '{name}' is not allowed")
+            self.graph(*lines)
+            found = [text.split(": ", 2)[2] for level, text in self.problems("check", status=2) if level == 1]
+            found = [text for text in found if text.startswith(("unknown", "the value"))]
+            self.assertEqual([text[:len(e)] for text, e in zip(found, expected)], expected)
+            self.assertEqual(len(found), len(expected))
+
     def test_actions_that_cannot_run_are_checked_too(self):
         (self.folder / "t.xlsx").write_text("")
         for parameters, parts in [
