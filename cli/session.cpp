@@ -94,7 +94,9 @@ CommandResult<std::unique_ptr<Session>> Session::open(const CommandLine &line)
     std::unique_ptr<Session> session(new Session(std::move(log)));
     const bool wantsProgress =
         progress == "always"_L1 || (progress == "auto"_L1 && platform::isTerminal(stderr));
-    session->m_showsSummary = wantsProgress;
+    session->m_summary = progress == "always"_L1 ? Summary::Always
+                         : wantsProgress         ? Summary::OfFiles
+                                                 : Summary::Never;
     session->m_timer.start();
     // Programs that parse JSON messages must get nothing else; the summary is a message.
     session->m_showsProgress = wantsProgress && logFormat == "text"_L1;
@@ -111,10 +113,13 @@ Session::Session(std::unique_ptr<CommandLog> log)
 Session::~Session()
 {
     // Here and not in run(), because the summary is the last line.
-    if (m_showsSummary && m_rows) {
+    const QStringList files = m_log->writtenFiles();
+    // Unless it is asked for, a summary below the rows of head would only disturb.
+    if (m_rows &&
+        (m_summary == Summary::Always || (m_summary == Summary::OfFiles && !files.isEmpty()))) {
         const double seconds = static_cast<double>(m_timer.nsecsElapsed()) / 1e9;
         const double megabytes = static_cast<double>(m_log->bytesRead()) / 1e6;
-        m_log->addSummary({*m_rows, seconds, megabytes / seconds, m_log->writtenFiles()});
+        m_log->addSummary({*m_rows, seconds, megabytes / seconds, files});
     }
     MainUI::setLogSink(nullptr);
 }

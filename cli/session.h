@@ -38,7 +38,7 @@ private:
 
     std::unique_ptr<CommandLog> m_log; // the program's sink
     bool m_showsProgress = false;
-    bool m_showsSummary = false;
+    enum class Summary { Never, OfFiles, Always } m_summary = Summary::Never;
     QElapsedTimer m_timer;
     std::optional<qint64> m_rows = {}; // read by the last run; none before a run
 };

@@ -316,6 +316,7 @@ class CommandLine(Case):
         self.assertAlmostEqual(rate, 0.002002)
         last = self.corvanta("convert", "in.csv", "o.sas7bdat", "--progress", "always", "--quiet", status=1).stderr.splitlines()[-1]
         self.assertRegex(last, r"[0-9]+ rows read in [0-9.]+ s \([0-9.]+ MB/s\), no file written")
+        self.assertRegex(self.corvanta("head", "in.csv", "--progress=always").stderr, r"^[0-9]+ rows read .*, no file written\n$")
         for words in (["--progress", "auto"], ["--progress", "never"], []):
             self.assertEqual(self.corvanta("convert", "in.csv", "o.csv", *words).stderr, "")
 
