@@ -276,6 +276,36 @@ TEST_F(EngineTest, StopAtAnyMomentEndsWithinASecond)
     }
 }
 
+TEST_F(EngineTest, ActionsThatWriteOneFileTakeTurns)
+{
+    // A fan-out and a chain behind it: each sink but the first would block the source.
+    const QByteArray sinks = "<action id='a'><source rows='30000'/></action>"
+                             "<action id='b'><sink file='/f' access='0'/></action>"
+                             "<action id='c'><sink file='/./f' access='1'/></action>"
+                             "<action id='d'><sink file='/f' access='2'/></action>"
+                             "<link from='a:0' to='b:0'/><link from='a:0' to='d:0'/>"
+                             "<link from='b:0' to='c:0'/>";
+    auto run = make(sinks);
+    EXPECT_TRUE(run->problems().isEmpty());
+    runToEnd(*run);
+    EXPECT_TRUE(run->succeeded());
+    EXPECT_EQ(g_seen.rows, 90000);
+    EXPECT_EQ(g_seen.overlapping, 0);
+    for (int i = 0; i < 20; ++i) { // stops while they wait
+        run = make(sinks);
+        run->start();
+        std::this_thread::sleep_for(std::chrono::microseconds(500 * i));
+        run->stop();
+        ASSERT_TRUE(run->waitFor(10s)) << "a thread is left";
+        run->wait();
+    }
+    EXPECT_EQ(g_seen.opened, g_seen.closed);
+    EXPECT_EQ(g_seen.overlapping, 0);
+    run = make(QByteArray(sinks).replace("access='2'", "access='0'"));
+    ASSERT_EQ(run->problems().size(), 1);
+    EXPECT_TRUE(run->problems()[0].text.contains(QStringLiteral("'d' creates the file '/f'")));
+}
+
 TEST_F(EngineTest, ProgressCanBeAskedForAtAnyTime)
 {
     const auto run = make(kChain);

@@ -26,9 +26,12 @@ struct Seen
     std::atomic<int> disordered = 0;
     std::atomic<qint64> firstLead = 0;   ///< rows made but not taken, when the first one is taken
     std::atomic<qint64> largestLead = 0; ///< the same at any later time
+    std::atomic<int> writing = 0;        ///< sinks with a file that run
+    std::atomic<int> overlapping = 0;    ///< of these, those that started while another one ran
     void reset()
     {
-        opened = closed = disordered = 0, made = rows = 0, sum = 0, firstLead = largestLead = 0;
+        opened = closed = disordered = writing = overlapping = 0;
+        made = rows = firstLead = largestLead = 0, sum = 0;
     }
 };
 inline Seen g_seen;
@@ -49,6 +52,8 @@ struct Params
     QString text = QStringLiteral("x");
     qint64 failAt = -1;
     QString how;
+    QString file;      ///< that a sink pretends to write
+    qint64 access = 0; ///< to the file, a number of TargetUse::Access
 };
 
 template <class Self> class TestAction : public ParamAction<Self, Params>
@@ -57,8 +62,9 @@ public:
     static const ParamTable<Params> &paramTable()
     {
         static const ParamTable<Params> table{
-            number("rows", &Params::rows), text("text", &Params::text),
-            number("failAt", &Params::failAt), text("how", &Params::how)};
+            number("rows", &Params::rows),     text("text", &Params::text),
+            number("failAt", &Params::failAt), text("how", &Params::how),
+            text("file", &Params::file),       number("access", &Params::access)};
         return table;
     }
 
@@ -132,6 +138,13 @@ public:
         : TestAction(describe("sink", 3, 1), saved, parameters)
     {
     }
+    QVector<TargetUse> targets() const override
+    {
+        if (m_params.file.isEmpty()) {
+            return {};
+        }
+        return {{m_params.file, static_cast<TargetUse::Access>(m_params.access)}};
+    }
 
 private:
     void start() override
@@ -139,9 +152,19 @@ private:
         TestAction::start();
         m_pin = pinInCount() - 1;
         m_expected = 0;
+        m_isWriting = false;
+    }
+    void finish() override
+    {
+        g_seen.writing -= m_isWriting ? 1 : 0;
+        TestAction::finish();
     }
     bool step() override
     {
+        if (!m_isWriting && !m_params.file.isEmpty()) {
+            m_isWriting = true;
+            g_seen.overlapping += g_seen.writing.fetch_add(1);
+        }
         while (m_pin >= 0) {
             const OneRow *const row = getNextRowFromInPin(m_pin);
             if (row == nullptr) {
@@ -175,6 +198,7 @@ private:
     }
     int m_pin = 0;
     qint64 m_expected = 0;
+    bool m_isWriting = false;
 };
 
 /// Renames the first column of each row that it passes on.
