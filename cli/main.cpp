@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 using namespace Qt::StringLiterals;
@@ -234,6 +235,8 @@ int main(int argc, char **argv)
         return runProgram(argc, argv);
     } catch (...) {
         reportException();
-        return kFailed;
+        // Without the destructors of libraries, which may hang after an allocation has failed.
+        std::fflush(stdout);
+        std::_Exit(kFailed);
     }
 }

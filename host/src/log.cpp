@@ -3,27 +3,30 @@
 
 namespace {
 
-/// Per thread, so that addLog() needs no argument for the action and no lock.
-LogScope::Context &threadContext()
+/// Per thread, so that addLog() needs no argument for the action and no lock. A pointer, because a
+/// thread could not register a destructor without memory. Null outside all scopes.
+const LogScope *&threadScope()
 {
-    thread_local LogScope::Context context;
-    return context;
+    thread_local const LogScope *scope = nullptr;
+    return scope;
 }
 
 } // namespace
 
 LogScope::LogScope(const Context &context)
-    : m_previous(threadContext())
+    : m_context(context)
+    , m_previous(threadScope())
 {
-    threadContext() = context;
+    threadScope() = this;
 }
 
 LogScope::~LogScope()
 {
-    threadContext() = m_previous;
+    threadScope() = m_previous;
 }
 
 LogScope::Context LogScope::current()
 {
-    return threadContext();
+    const LogScope *const scope = threadScope();
+    return scope != nullptr ? scope->m_context : Context();
 }

@@ -43,6 +43,17 @@ bool isPipeOrDevice(const QString &name)
     return info.exists() && !info.isFile() && !info.isDir();
 }
 
+/// Calls `rename`. What it throws for lack of memory leaves no temporary file.
+bool renamed(const TargetFile::Rename &rename, const QString &temporary, const QString &target)
+{
+    try {
+        return rename(temporary, target);
+    } catch (...) {
+        platform::removeFile(temporary);
+        throw;
+    }
+}
+
 } // namespace
 
 TargetFile::Done TargetFile::open(const QString &name, Options options)
@@ -246,7 +257,7 @@ TargetFile::Done TargetFile::commit(Sync sync, const Rename &rename)
         return Fault{TargetError::CannotWrite, m_target};
     }
     Done done = complete(m_isRegular && sync == Sync::Now);
-    if (done && !m_temporary.isEmpty() && !rename(m_temporary, m_target)) {
+    if (done && !m_temporary.isEmpty() && !renamed(rename, m_temporary, m_target)) {
         done = failed(TargetError::CannotRename, m_target, SystemError::ofLastCall().number);
     }
     if (!done && !m_temporary.isEmpty() && m_options.mode == TargetMode::Replace) {

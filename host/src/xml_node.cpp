@@ -85,7 +85,9 @@ private:
         auto node = std::make_shared<XMLNode::Data>();
         node->name = m_reader.qualifiedName().toString();
         node->line = static_cast<int>(m_line);
-        for (const QXmlStreamAttribute &attribute : m_reader.attributes()) {
+        // Constant: a list that is not would be copied.
+        const QXmlStreamAttributes attributes = m_reader.attributes();
+        for (const QXmlStreamAttribute &attribute : attributes) {
             node->attributes.append(
                 {attribute.qualifiedName().toString(), attribute.value().toString()});
         }

@@ -19,14 +19,15 @@ SIGNALS = [signal.SIGHUP, signal.SIGINT, signal.SIGQUIT, signal.SIGTERM]
 STOP_SECONDS = 1
 WAITS = 10  # seconds for a run to get where it is interrupted
 
+# The first one waits for a pipe. Another one may refuse it, and then ends by itself.
 READERS = [
     "<readCSV fileName='pipe.csv'/>", "<ReadXBF fileName='pipe.dbf'/>", "<readParquet fileName='pipe.parquet'/>",
     "<readJSON fileName='pipe.json'><Levels><Level name='a'><Item path='x'/></Level></Levels></readJSON>",
     "<readXML fileName='pipe.xml'><Levels><Level name='a'><Item path='x'/></Level></Levels></readXML>",
 ]
 WRITERS = [
-    "<writeCSV fileName='pipe.csv'/>", "<writeExcel fileNameDestination='pipe.xlsx'/>", "<writeParquet file='pipe.parquet'/>",
-    "<writeJSON fileName='pipe.json'/>", "<writeXML fileName='pipe.xml'/>",
+    "<writeCSV fileName='pipe.csv'/>", "<writeParquet file='pipe.parquet'/>", "<writeJSON fileName='pipe.json'/>",
+    "<writeXML fileName='pipe.xml'/>",
 ]
 
 
@@ -69,7 +70,12 @@ class Signals(unittest.TestCase):
     def files(self):
         return {path.name for path in self.folder.iterdir()} - {"case.graph", "in.csv"}
 
-    def threads_of(self, process):
+    @staticmethod
+    def has_ended(process):
+        return process.poll() is not None
+
+    @staticmethod
+    def threads_of(process):
         return len(os.listdir(f"/proc/{process.pid}/task"))
 
     def test_a_run_that_opens_or_reads_a_pipe(self):
@@ -81,8 +87,13 @@ class Signals(unittest.TestCase):
                     process = self.start("run", "case.graph")
                     pipe = os.open(self.folder / pipe_of(reader), os.O_RDWR) if has_writer else None
                     # the threads of the actions and the one that waits for signals
-                    self.wait_until(lambda: process.poll() is not None or self.threads_of(process) == 4)
-                    self.end_by(process, number, f"{reader}, writer: {has_writer}")
+                    self.wait_until(lambda: self.has_ended(process) or self.threads_of(process) >= 4)
+                    time.sleep(0.05)
+                    if self.has_ended(process):
+                        self.assertEqual((process.wait(), reader == READERS[0]), (1, False), reader)
+                        process.communicate()
+                    else:
+                        self.end_by(process, number, f"{reader}, writer: {has_writer}")
                     if has_writer:
                         os.close(pipe)
                     self.assertEqual(self.files(), {pipe_of(reader)})
@@ -96,7 +107,7 @@ class Signals(unittest.TestCase):
             for has_reader in (False, True):
                 process = self.start("run", "case.graph")
                 pipe = os.open(self.folder / pipe_of(writer), os.O_RDWR) if has_reader else None
-                self.wait_until(lambda: process.poll() is not None or self.threads_of(process) >= 2)
+                self.wait_until(lambda: self.has_ended(process) or self.threads_of(process) >= 2)
                 time.sleep(0.1)
                 self.end_by(process, signal.SIGHUP, f"{writer}, reader: {has_reader}")
                 if has_reader:
@@ -139,21 +150,18 @@ class Signals(unittest.TestCase):
         for name in ("out.parquet", "out.xlsx", "out.json", "out.xml", "out.csv"):
             for number in SIGNALS:
                 process = self.start("convert", "in.csv", name)
-                self.wait_until(lambda: self.files() or process.poll() is not None)
+                self.wait_until(lambda: self.files() or self.has_ended(process))
                 self.end_by(process, number, name)
                 self.assertEqual(self.files(), set())
 
     def test_convert_that_looks_at_its_input(self):
-        for name in ("pipe.csv", "pipe.json", "pipe.xml", "pipe.dbf", "pipe.parquet"):
-            os.mkfifo(self.folder / name)
+        os.mkfifo(self.folder / "pipe.csv")
+        for command in (["convert", "pipe.csv", "out.parquet"], ["head", "pipe.csv"], ["schema", "pipe.csv"]):
             for number in SIGNALS:
-                process = self.start("convert", name, "out.parquet")
-                with open(f"/proc/{process.pid}/status", encoding="ascii") as status:
-                    self.assertIn("SigCgt", status.read())
-                time.sleep(0.3)
-                self.end_by(process, number, name)
-                self.assertEqual(self.files(), {name})
-            (self.folder / name).unlink()
+                process = self.start(*command)
+                time.sleep(0.2)
+                self.end_by(process, number, command)
+                self.assertEqual(self.files(), {"pipe.csv"})
 
     def test_an_ignored_signal_stays_ignored(self):
         os.mkfifo(self.folder / "pipe.csv")
@@ -161,7 +169,7 @@ class Signals(unittest.TestCase):
         for number in (signal.SIGHUP, signal.SIGINT, signal.SIGQUIT):
             with self.start("run", "case.graph", preexec_fn=lambda: signal.signal(number, signal.SIG_IGN)) as process:
                 with open(self.folder / "pipe.csv", "w", encoding="utf-8") as pipe:
-                    self.wait_until(lambda: self.threads_of(process) == 4)
+                    self.wait_until(lambda: self.threads_of(process) >= 4)
                     process.send_signal(number)
                     time.sleep(0.2)
                     pipe.write("a\n1\n")
@@ -173,7 +181,7 @@ class Signals(unittest.TestCase):
         self.make_graph("<readCSV fileName='in.csv'/>", "<writeExcel fileNameDestination='out.xlsx'/>")
         for number in SIGNALS:
             process = self.start("run", "case.graph")
-            self.wait_until(lambda: self.files() or process.poll() is not None)
+            self.wait_until(lambda: self.files() or self.has_ended(process))
             process.send_signal(number)
             time.sleep(0.001)
             self.end_by(process, number, "twice")

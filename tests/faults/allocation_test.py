@@ -47,7 +47,7 @@ class Allocations(unittest.TestCase):
             self.assertEqual((found, done.stdout), (new, printed), what)
         else:
             self.assertEqual(done.returncode, 1, what)
-            self.assertIn("rror", done.stderr.decode(), what)
+            self.assertIn("error", done.stderr.decode().lower(), what)
             for name, content in found.items():
                 self.assertIn(content, (self.files.old(name), new[name]), what)
         self.assertEqual(self.files.others(case), set(), what)

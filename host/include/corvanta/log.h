@@ -55,5 +55,6 @@ public:
     static Context current();
 
 private:
-    Context m_previous;
+    Context m_context;
+    const LogScope *m_previous; // of this thread; null: none
 };

@@ -16,13 +16,21 @@ namespace corvanta {
 
 namespace {
 
+/// Where the file is. QDir names no folder that does not exist, so that a message could not name
+/// it.
+QString folderOfFile()
+{
+    const QString given = qEnvironmentVariable("TMPDIR");
+    return given.isEmpty() ? QDir::tempPath() : given;
+}
+
 /// The failure of the last system call; `action` is "create", "write" or "read".
 [[noreturn]] void throwFailure(const char *action)
 {
     const std::string reason = std::generic_category().message(errno);
     throw std::runtime_error(std::string("cannot ") + action +
                              " a temporary file for waiting rows in the folder '" +
-                             QDir::tempPath().toStdString() + "': " + reason);
+                             folderOfFile().toStdString() + "': " + reason);
 }
 
 /// Writes all bytes at an offset.
@@ -58,7 +66,7 @@ bool readAt(platform::FileHandle &file, qint64 offset, QByteArray *bytes)
 void SpillFile::put(const BatchSlice &slice)
 {
     if (!m_file.isOpen()) {
-        m_file = platform::FileHandle::openTemporary(QDir::tempPath());
+        m_file = platform::FileHandle::openTemporary(folderOfFile());
         if (!m_file.isOpen()) {
             throwFailure("create");
         }

@@ -84,7 +84,8 @@ void checkLinks(const CorvantaGraph &graph, const ActionRegistry &registry, Prob
 /// end are not counted: they are reported elsewhere and cannot be part of a loop.
 QVector<int> countInputs(const CorvantaGraph &graph)
 {
-    QVector<int> inputs(graph.actions.size(), 0);
+    QVector<int> inputs;
+    inputs.resize(graph.actions.size());
     for (const CorvantaGraph::Link &link : graph.links) {
         const int to = graph.indexOf(link.to.action);
         if (to >= 0 && graph.indexOf(link.from.action) >= 0) {
