@@ -63,8 +63,8 @@ QString OneRow::text(int i) const
 {
     const unsigned short *units = nullptr;
     const int n = col(i, &units);
-    return units == nullptr ? QString()
-                            : QString::fromUtf16(reinterpret_cast<const char16_t *>(units), n);
+    // Not fromUtf16(), which takes a byte-order mark off the start of the text.
+    return units == nullptr ? QString() : QString(reinterpret_cast<const QChar *>(units), n);
 }
 
 double OneRow::colAsDouble(int i, bool *ok) const

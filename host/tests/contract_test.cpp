@@ -45,10 +45,10 @@ TEST(OneRow, CellsOfEveryTypeAsTextAndNumber)
     row.setMetaType(1, MetaInfo(MetaInfo::Float, -1));
     row.setCol(0, keyCell(&buffer, 7));
     row.setCol(1, doubleCell(&buffer, 7.0));
-    row.setCol(2, bytesFromQString(&buffer, u"x y"_s));
+    row.setCol(2, bytesFromQString(&buffer, u"\uFEFFx y"_s));
     row.setCol(3, bytesFromQString(&buffer, u"7"_s));
     row.setCol(4, cell::missingTextCell());
-    const QStringList texts{u"7"_s, u"7"_s, u"x y"_s, u"7"_s, QString()};
+    const QStringList texts{u"7"_s, u"7"_s, u"\uFEFFx y"_s, u"7"_s, QString()};
     for (int i = 0; i < 5; ++i) {
         EXPECT_EQ(row.col(i, static_cast<unsigned short *>(nullptr)), texts[i]) << i;
         bool isNumber = true;
