@@ -3,6 +3,7 @@
 #include "actions/shared/input_sample.h"
 #include "base/checked.h"
 #include "base/limits.h"
+#include "corvanta/failure_reason.h"
 
 #include <algorithm>
 
@@ -71,12 +72,18 @@ std::optional<markup::SampledDocument> ActionReadJSON::sampleInput()
     InputSample sample(*this, m_params.fileName);
     if (!sample.isOpen()) {
         fileIsMissing(sample.name());
-        explain(sample.reason());
+        logReason(sample.reason());
         return std::nullopt;
     }
     JSONTokenizer tokenizer(sample, kTokenizerChars, u"");
     tokenizer.setPermissiveNumbers(m_params.permissiveNumbers);
-    return markup::sampleDocument(tokenizer, {m_params.autoFillNRows, {}, true});
+    auto document = markup::sampleDocument(tokenizer, {m_params.autoFillNRows, {}, true});
+    // What was not read may have levels of its own.
+    if (!sample.failure().isEmpty() && !m_params.ignoreErrors) {
+        fail(sample.failure(), sample.reason());
+        return std::nullopt;
+    }
+    return document;
 }
 
 void ActionReadJSON::useTable(const markup::SampledTable &table)

@@ -88,7 +88,8 @@ bool ParquetFile::next(OneRow &row, Found *found)
 bool ParquetFile::fail(const Fault<parquet::Error> &fault)
 {
     return finish() && m_action.fail(u"Error: The Parquet file '%1' cannot be read: %2\n"_s.arg(
-                           m_name, describe(fault)));
+                                         m_name, describe(fault)),
+                                     systemReason());
 }
 
 /// Compare the number of rows with what the file declares. Returns false when the run has ended.

@@ -2,6 +2,7 @@
 #pragma once
 #include "actions/shared/file_series.h"
 #include "codecs/parquet/read/table_reader.h"
+#include "io/input/whole_input.h"
 
 #include <memory>
 #include <vector>
@@ -25,6 +26,9 @@ public:
     /// the run, or is empty while there are no rows; it outlives the file.
     ParquetFile(ActionBase &action, const QString &name, std::unique_ptr<ByteSource> source,
                 std::unique_ptr<parquet::TableReader> reader, std::vector<LostColumn> &lost);
+    /// Why the system refused a read, in words; empty if it refused none.
+    QString systemReason() const { return readFailure(*m_source); }
+
     /// The selected columns, in the order of the file.
     TableSchema columns() const override;
     bool next(OneRow &row, Found *found) override;

@@ -152,7 +152,7 @@ FileSeries::Opened ActionReadParquet::openFile(const QString &name)
     }
     auto reader = parquet::TableReader::open(**source, m_options, workerCount());
     if (!reader) {
-        return unreadable(name, reader.fault());
+        return unreadable(name, reader.fault(), readFailure(**source));
     }
     if (!checkContent(name, **reader)) {
         return Fault{Failed};
@@ -162,7 +162,7 @@ FileSeries::Opened ActionReadParquet::openFile(const QString &name)
         prepared = useSkipped(name, **reader);
     }
     if (!prepared) {
-        return unreadable(name, prepared.fault());
+        return unreadable(name, prepared.fault(), readFailure(**source));
     }
     return FileSeries::Opened(
         std::make_unique<ParquetFile>(*this, name, *std::move(source), *std::move(reader), m_lost));
@@ -195,9 +195,11 @@ Result<void, parquet::Error> ActionReadParquet::useSkipped(const QString &name,
 
 /// Report why a file cannot be read, where reportUnreadable() does not say it.
 FileSeries::Opened ActionReadParquet::unreadable(const QString &name,
-                                                 const Fault<parquet::Error> &fault)
+                                                 const Fault<parquet::Error> &fault,
+                                                 const QString &systemReason)
 {
-    Fault result{FileSeries::OpenError::Unreadable, fault.detail};
+    Fault result{FileSeries::OpenError::Unreadable,
+                 systemReason.isEmpty() ? fault.detail : systemReason};
     // Reads also fail after the run has ended. The file is then not damaged.
     if (!runIsGood()) {
         return result;
@@ -214,7 +216,8 @@ FileSeries::Opened ActionReadParquet::unreadable(const QString &name,
             name, ParquetFile::describe(fault)));
         break;
     case parquet::Error::BadFooter:
-        result.detail = u"it is not a Parquet file, or it is truncated"_s;
+        result.detail = systemReason.isEmpty() ? u"it is not a Parquet file, or it is truncated"_s
+                                               : systemReason;
         break;
     case parquet::Error::ShortRead:
     case parquet::Error::Unreadable:

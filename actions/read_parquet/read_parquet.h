@@ -55,7 +55,8 @@ private:
     // decoded but has no columns or rows fails the run.
     FileSeries::Opened openFile(const QString &name) override;
     std::unique_ptr<RunInput> openInput(const QString &name, InputFile::Report report);
-    FileSeries::Opened unreadable(const QString &name, const Fault<parquet::Error> &fault);
+    FileSeries::Opened unreadable(const QString &name, const Fault<parquet::Error> &fault,
+                                  const QString &systemReason);
     bool checkContent(const QString &name, const parquet::TableReader &table);
     Result<void, parquet::Error> useSkipped(const QString &name, const parquet::TableReader &table);
     void warnSkipped(const QString &name, const QStringList &columns);

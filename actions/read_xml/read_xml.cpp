@@ -3,6 +3,7 @@
 #include "actions/shared/input_sample.h"
 #include "base/checked.h"
 #include "codecs/markup/sample/html_tables.h"
+#include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
 #include "corvanta/system.h"
 
@@ -122,7 +123,7 @@ bool ActionReadXML::sampleWith(const std::function<void(XMLTokenizer &)> &look)
     InputSample sample(*this, m_params.fileName);
     if (!sample.isOpen()) {
         fileIsMissing(sample.name());
-        explain(sample.reason());
+        logReason(sample.reason());
         return false;
     }
     const auto tokenizer = makeTokenizer(sample);
@@ -130,7 +131,9 @@ bool ActionReadXML::sampleWith(const std::function<void(XMLTokenizer &)> &look)
         return false;
     }
     look(*tokenizer);
-    return true;
+    // What was not read may have levels of its own.
+    const bool isRead = sample.failure().isEmpty() || m_params.skipCorruptedFiles;
+    return isRead || fail(sample.failure(), sample.reason());
 }
 
 void ActionReadXML::useTable(const markup::SampledTable &table)

@@ -1,5 +1,6 @@
 #include "actions/shared/file_series.h"
 
+#include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
 #include "io/input/input_file.h"
 
@@ -120,7 +121,7 @@ FileSeries::Opened FileSeries::openWithRetries(const QString &name)
 bool FileSeries::handle(const Fault<OpenError> &fault, const QString &name)
 {
     const bool goesOn = report(fault.code, name);
-    ActionBase::explain(fault.detail);
+    logReason(fault.detail);
     return goesOn;
 }
 

@@ -63,6 +63,7 @@ InputSample::InputSample(const ActionItem &action, const QString &pattern)
     : m_name(namesOfPattern(action, pattern).value(0))
     , m_file(action.globalParameters(), m_name, true) // shared: a writer may have the file open
 {
+    m_file.keepPipe();
 }
 
 qint64 InputSample::read(void *buffer, qint64 n)

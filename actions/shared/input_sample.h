@@ -18,8 +18,10 @@ public:
 
     /// False when there is no such file or it cannot be read; the caller reports it.
     bool isOpen() { return m_file.isOpen(); }
-    /// Why it is not open, in words.
+    /// Why it is not open, or why a read failed, in words.
     QString reason() const { return m_file.reason(); }
+    /// The message for a failed read; empty if none failed.
+    QString failure() const { return m_file.failure(); }
     /// The file's name, expanded.
     const QString &name() const { return m_name; }
 

@@ -1,5 +1,6 @@
 #include "actions/shared/level_run.h"
 
+#include "corvanta/failure_reason.h"
 #include "io/input/run_input.h"
 
 #include <algorithm>
@@ -202,7 +203,7 @@ bool LevelRun::documentFails(markup::MarkupResult failure, Found *found)
     }
     const bool goesOn = m_format.documentFails(failure, documentName(),
                                                m_file == nullptr ? QString() : m_file->failure());
-    ActionBase::explain(m_file == nullptr ? QString() : m_file->reason());
+    logReason(m_file == nullptr ? QString() : m_file->reason());
     if (!goesOn) {
         return false;
     }

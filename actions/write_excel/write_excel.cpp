@@ -1,5 +1,7 @@
 #include "actions/write_excel/write_excel.h"
 
+#include "corvanta/failure_reason.h"
+
 #include <QLocale>
 
 using namespace Qt::StringLiterals;
@@ -265,13 +267,21 @@ bool ActionWriteExcel::completeWorkbook()
                             reasonFor(finished.fault()));
 }
 
+/// Some parts of a workbook may be missing, but none may be lost because the system refused a read.
+bool ActionWriteExcel::checkSource()
+{
+    const SystemError error = m_run->input ? m_run->input->error() : SystemError();
+    return !error || fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source),
+                          failureReason(m_run->source, FileUse::Read, error));
+}
+
 void ActionWriteExcel::complete()
 {
     // Without a sheet there was no row; release() decides what that means for an update.
     if (!m_run->sheet && !updatesInPlace()) {
         reportNoFile();
     }
-    if (!m_run->sheet || !completeWorkbook()) {
+    if (!m_run->sheet || !completeWorkbook() || !checkSource()) {
         return;
     }
     // In this order: each object uses the next ones.

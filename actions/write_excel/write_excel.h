@@ -116,6 +116,7 @@ private:
     bool checkSheet(const Result<void, sheet::Error> &result);
     /// Write everything after the rows.
     bool completeWorkbook();
+    bool checkSource();
     /// The defined name and the recalculation that the parameters request.
     xlsx::WorkbookEnd workbookEnd();
 

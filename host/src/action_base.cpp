@@ -5,6 +5,7 @@
 // input functions go through it.
 #include "corvanta/action_base.h"
 
+#include "corvanta/failure_reason.h"
 #include "corvanta/help.h"
 #include "corvanta/icons.h"
 #include "corvanta/lists.h"
@@ -219,18 +220,11 @@ char ActionBase::close()
     return m_errorFlag;
 }
 
-void ActionBase::explain(const QString &reason)
-{
-    if (!reason.isEmpty()) {
-        MainUI::addLog(MainUI::Info, u"Reason: %1.\n"_s.arg(reason));
-    }
-}
-
 bool ActionBase::fail(const QString &text, const QString &reason)
 {
     if (setFailed()) {
         MainUI::addLog(MainUI::Error, text);
-        explain(reason);
+        logReason(reason);
     }
     return false;
 }
@@ -256,7 +250,7 @@ bool ActionBase::setFailed() noexcept
 void ActionBase::warn(const QString &text, const QString &reason)
 {
     MainUI::addLog(MainUI::Warning, text);
-    explain(reason);
+    logReason(reason);
     m_warningFlag = 1;
 }
 

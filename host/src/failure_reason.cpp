@@ -1,6 +1,7 @@
 // Words the errors of the system. Its own text follows in parentheses, for users who know it.
 #include "corvanta/failure_reason.h"
 
+#include "corvanta/main_ui.h"
 #include "corvanta/target_file.h"
 
 #include <QFileInfo>
@@ -133,6 +134,13 @@ QString failureReason(const QString &file, FileUse use, SystemError error,
 QString failureReason(const TargetFile &target, const QString &folderRemedy)
 {
     return failureReason(target.target(), FileUse::Write, target.error(), folderRemedy);
+}
+
+void logReason(const QString &reason)
+{
+    if (!reason.isEmpty()) {
+        MainUI::addLog(MainUI::Info, u"Reason: %1.\n"_s.arg(reason));
+    }
 }
 
 } // namespace corvanta

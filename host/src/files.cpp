@@ -41,7 +41,7 @@ public:
             m_position.fetch_add(got, std::memory_order_relaxed);
             m_sink->addBytesRead(got);
         } else if (got < 0) {
-            m_error = SystemError::ofLastCall();
+            m_error = SystemError::ofLastCall().number;
         }
         return got;
     }
@@ -56,14 +56,14 @@ public:
         return done;
     }
     qint64 position() const override { return m_position.load(std::memory_order_relaxed); }
-    SystemError error() const override { return m_error; }
+    SystemError error() const override { return {m_error}; }
 
 private:
     FileHandle m_file;
     std::atomic<qint64> m_position = 0;
-    SystemError m_error;
     // Found now: a thread of a decoder that reads later may have no LogScope.
     LogSink *const m_sink = MainUI::logSink();
+    std::atomic<int> m_error = 0;
 };
 
 /// A plain file. A failed write returns to the position before it, so that it can be repeated.

@@ -24,7 +24,7 @@ void UnsyncedNames::addFile(const QString &name)
     // Too many to wait for at the end: flush them now.
     const Names names = std::exchange(m_names, {});
     lock.unlock();
-    const QStringList failed = sync(names);
+    const QVector<Failed> failed = sync(names);
     lock.lock();
     m_failed += failed;
 }
@@ -36,24 +36,24 @@ void UnsyncedNames::addFolderOf(const QString &name)
     m_names.folders.insert(folder);
 }
 
-QStringList UnsyncedNames::sync()
+QVector<UnsyncedNames::Failed> UnsyncedNames::sync()
 {
     std::unique_lock lock(m_mutex);
     const Names names = std::exchange(m_names, {});
-    const QStringList failed = std::exchange(m_failed, {});
+    const QVector<Failed> failed = std::exchange(m_failed, {});
     lock.unlock();
     return failed + sync(names);
 }
 
-QStringList UnsyncedNames::sync(const Names &names)
+QVector<UnsyncedNames::Failed> UnsyncedNames::sync(const Names &names)
 {
     for (const QString &name : names.files) {
         platform::startSync(name);
     }
-    QStringList failed;
+    QVector<Failed> failed;
     for (const QString &name : names.files) {
         if (!platform::syncFile(name)) {
-            failed << name;
+            failed << Failed{name, SystemError::ofLastCall()};
         }
     }
     // Folders last, so that no entry is flushed before the content of its file.

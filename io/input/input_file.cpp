@@ -5,6 +5,7 @@
 #include "corvanta/files.h"
 #include "corvanta/main_ui.h"
 #include "io/input/archive_sources.h"
+#include "io/input/kept_pipe.h"
 
 #include <algorithm>
 #include <thread>
@@ -39,6 +40,7 @@ public:
         return m_file->seek(offset);
     }
     qint64 progressPosition() const override { return m_file->position(); }
+    SystemError error() const override { return m_file->error(); }
 
 private:
     const QString m_name;
@@ -104,7 +106,10 @@ InputFile::InputFile(GlobalParameters *parameters, const QString &name, bool, Re
 {
     const InputName parts = input::parseInputName(name);
     m_kind = parts.kind;
-    auto opened = openSource(parameters, parts);
+    // Opening a pipe again would wait for another writer.
+    auto kept = input::takePipe(parts.path);
+    m_replayed = kept.get();
+    auto opened = kept ? input::Opened(std::move(kept)) : openSource(parameters, parts);
     if (!opened) {
         if (report == Report::Failure) {
             logOpenFailure(parts, opened.fault());
@@ -121,7 +126,24 @@ InputFile::InputFile(GlobalParameters *parameters, const QString &name, bool, Re
     }
 }
 
-InputFile::~InputFile() = default;
+InputFile::~InputFile()
+{
+    close();
+}
+
+void InputFile::keepPipe()
+{
+    if (!m_source || !input::isPipe(m_name)) {
+        return;
+    }
+    if (m_replayed == nullptr) {
+        auto replayed = std::make_unique<input::ReplayedSource>(std::move(m_source));
+        m_replayed = replayed.get();
+        m_source = std::move(replayed);
+    }
+    m_replayed->rewind(true);
+    m_keepsPipe = true;
+}
 
 qint64 InputFile::read(void *buffer, qint64 n)
 {
@@ -175,6 +197,11 @@ bool InputFile::seek(qint64 offset)
 
 void InputFile::close()
 {
+    if (m_keepsPipe && m_source) {
+        m_source.release(); // NOLINT(bugprone-unused-return-value): it is m_replayed
+        m_replayed->rewind(false);
+        input::keepPipe(m_name, std::unique_ptr<input::ReplayedSource>(m_replayed));
+    }
     m_source.reset();
 }
 
@@ -186,6 +213,11 @@ QString InputFile::memberName() const
 bool InputFile::isRandomAccess() const
 {
     return m_kind == input::Kind::Plain && m_source && m_source->size() >= 0;
+}
+
+SystemError InputFile::error() const
+{
+    return m_source ? m_source->error() : SystemError();
 }
 
 QString InputFile::reason() const

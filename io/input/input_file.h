@@ -18,7 +18,8 @@ namespace corvanta {
 
 namespace input {
 class InputSource;
-}
+class ReplayedSource;
+} // namespace input
 
 class InputFile final : public ByteSource
 {
@@ -32,6 +33,10 @@ public:
     InputFile(GlobalParameters *parameters, const QString &name, bool shared,
               Report report = Report::Failure);
     ~InputFile() override;
+
+    /// For a sample, before the first read. What is read from a pipe is kept in memory, as much as
+    /// the caller reads, and the next InputFile of this name begins with it.
+    void keepPipe();
 
     /// Whether the file was opened. Pipes and devices open, too; they are read once, in order, and
     /// their size is not known.
@@ -68,6 +73,8 @@ public:
     qint64 position() const { return m_position; }
     /// Whether seek() has no cost: a plain file, not a pipe or a device.
     bool isRandomAccess() const;
+    /// Why the system refused a read of a plain file; see InputSource::error(). Threads: any.
+    SystemError error() const;
     /// Why the file could not be opened, or why the last read or seek failed, in words; empty
     /// otherwise.
     QString reason() const;
@@ -82,6 +89,8 @@ private:
     QString m_name;
     QString m_openFailure; // see reason()
     std::unique_ptr<input::InputSource> m_source;
+    input::ReplayedSource *m_replayed = nullptr; // m_source if it is one
+    bool m_keepsPipe = false;
     std::atomic<double> m_size = kSizeNotKnown; // set once, by the constructor or getSize()
     std::atomic<qint64> m_progressPosition = 0; // of the packed bytes for .gz and .Z
     qint64 m_position = 0;

@@ -1,6 +1,7 @@
 #include "io/input/whole_input.h"
 
 #include "base/limits.h"
+#include "corvanta/failure_reason.h"
 
 #include <QByteArray>
 
@@ -65,6 +66,14 @@ Result<std::unique_ptr<ByteSource>, WholeInputError> randomAccess(std::unique_pt
         return bytes.fault();
     }
     return std::unique_ptr<ByteSource>(std::make_unique<OwnedBytes>(*std::move(bytes)));
+}
+
+QString readFailure(const ByteSource &source)
+{
+    // Bytes in memory cannot fail.
+    const auto *const input = dynamic_cast<const RunInput *>(&source);
+    return input != nullptr ? failureReason(input->file.name(), FileUse::Read, input->file.error())
+                            : QString();
 }
 
 bool readToEnd(ByteSource &source)

@@ -14,6 +14,10 @@ enum class WholeInputError : quint8 { ReadFailed, TooLarge };
 /// is the reason in words. Errors: ReadFailed; TooLarge above limits::kMemberBytes.
 Result<std::unique_ptr<ByteSource>, WholeInputError> randomAccess(std::unique_ptr<RunInput> input);
 
+/// Why the system refused a read of a source from randomAccess(), in words; empty if it refused
+/// none. Threads: any.
+QString readFailure(const ByteSource &source);
+
 /// Read and discard the rest of `source`. Packed inputs verify their checksum at the end; false
 /// when that or a read fails.
 bool readToEnd(ByteSource &source);

@@ -260,8 +260,9 @@ qint64 ZipSource::inflate(char *out, qint64 n)
 qint64 ZipSource::atEnd()
 {
     if (m_done != size() || m_crc != m_info.crc) {
-        return fail(QStringLiteral("the zip member '%1' does not agree with its size and checksum")
-                        .arg(m_name));
+        return fail(
+            u"the zip member '%1' is damaged: it does not match its size and checksum"_s.arg(
+                m_name));
     }
     return 0;
 }
@@ -284,7 +285,7 @@ qint64 ZipSource::read(void *buffer, qint64 n)
     // A small archive must not unpack to any size.
     if (got > size() - m_done) {
         return fail(
-            QStringLiteral("the zip member '%1' is longer than its header says").arg(m_name));
+            u"the zip member '%1' is damaged: it is longer than its header says"_s.arg(m_name));
     }
     m_crc = deflate::crc32(m_crc, {static_cast<const char *>(buffer), static_cast<size_t>(got)});
     m_done += got;

@@ -72,15 +72,12 @@ public:
     // their action.
 
     /// Log an error and fail the run, if there is one. Returns false, so that a function that
-    /// returns true for success ends with `return fail(...)`. `reason` is logged in a line of its
-    /// own at level 3, so that the text stays the one that programs may wait for; see
-    /// failureReason(). Nothing is logged for an empty reason, and nothing at all once the run was
-    /// stopped: files and pipes then fail because of the stop.
+    /// returns true for success ends with `return fail(...)`. `reason` is logged after the text;
+    /// see logReason(). Nothing is logged once the run was stopped: files and pipes then fail
+    /// because of the stop.
     bool fail(const QString &text, const QString &reason = {});
     /// Log a warning and set the warning flag; the run continues. `reason` is as for fail().
     void warn(const QString &text, const QString &reason = {});
-    /// Log the reason of a failure that has its message already. Does not set a flag.
-    static void explain(const QString &reason);
     /// True when step() must return soon, so that the engine can end the run or start another
     /// action. Cheap enough for every row.
     bool yieldRequested() const

@@ -1,7 +1,7 @@
 // Words for why a file could not be opened, created, read, written or renamed.
 //
 // An action logs the fixed message of a failure and passes one of these texts to fail() or warn(),
-// which log it in a line of its own. The functions look at the folders of the file: call them soon
+// which log it with logReason(). The functions look at the folders of the file: call them soon
 // after the failure.
 #pragma once
 #include "base/system_error.h"
@@ -24,5 +24,10 @@ CORVANTA_EXPORT QString failureReason(const QString &file, FileUse use, SystemEr
 
 /// The same for the last failure of `target`.
 CORVANTA_EXPORT QString failureReason(const TargetFile &target, const QString &folderRemedy = {});
+
+/// Log the reason of a failure whose message was logged just before, in a line of its own at level
+/// 3: the text of the message stays the one that programs may wait for. Logs nothing for an empty
+/// reason.
+CORVANTA_EXPORT void logReason(const QString &reason);
 
 } // namespace corvanta

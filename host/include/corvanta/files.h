@@ -34,7 +34,7 @@ public:
     open(const QString &name);
     /// Offset of the next byte that read() returns.
     virtual qint64 position() const = 0;
-    /// Why the last read that failed did so.
+    /// Why the last read that failed did so. Threads: any.
     virtual corvanta::SystemError error() const { return {}; }
 };
 

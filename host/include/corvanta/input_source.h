@@ -6,6 +6,7 @@
 #pragma once
 #include "base/byte_source.h"
 #include "base/result.h"
+#include "base/system_error.h"
 #include "corvanta/export.h"
 
 #include <QString>
@@ -27,6 +28,10 @@ public:
 
     /// Why the last read or seek failed, as text for the user. Empty if it succeeded.
     const QString &failure() const { return m_failure; }
+
+    /// Why the system refused a read; no error if it refused none, or the source does not know it.
+    /// Threads: any.
+    virtual SystemError error() const { return {}; }
 
     /// Name of the archive member that is read. Empty if the input is not a zip archive.
     virtual QString memberName() const { return {}; }

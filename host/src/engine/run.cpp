@@ -15,6 +15,7 @@
 #include "base/platform/stop_scope.h"
 #include "corvanta/action_parameters.h"
 #include "corvanta/action_registry.h"
+#include "corvanta/failure_reason.h"
 #include "corvanta/main_ui.h"
 #include "engine/pins.h"
 #include "engine/run_sequence.h"
@@ -312,9 +313,11 @@ void Run::Private::closeAction(Node &node)
 /// Flushes new files to disk, so that the output of a successful run survives a power cut.
 void Run::Private::syncNewFiles()
 {
-    const QStringList failed = control.isRunning() ? files.unsynced().sync() : QStringList();
-    for (const QString &name : failed) {
+    const QVector<UnsyncedNames::Failed> failed =
+        control.isRunning() ? files.unsynced().sync() : QVector<UnsyncedNames::Failed>();
+    for (const auto &[name, error] : failed) {
         MainUI::addLog(MainUI::Error, u"Error: cannot write file '%1'\n"_s.arg(name));
+        logReason(failureReason(name, FileUse::Write, error));
         endRun(RunControl::Failed);
     }
 }

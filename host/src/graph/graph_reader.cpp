@@ -175,13 +175,20 @@ CorvantaGraph::Loaded CorvantaGraph::load(const QString &fileName)
     const ProblemList problems(fileName);
     QFile file(fileName);
     // A folder can be opened on some systems, but not read.
-    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) {
+    if (!QFileInfo(fileName).isFile()) {
         return faultWith(problems, 0, u"cannot read the graph file"_s);
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        return faultWith(problems, 0, u"cannot read the graph file: %1"_s.arg(file.errorString()));
     }
     if (file.size() > kMaxGraphBytes) {
         return faultWith(problems, 0, u"the file is too large for a graph"_s);
     }
-    return parse(file.readAll(), fileName);
+    const QByteArray document = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        return faultWith(problems, 0, u"cannot read the graph file: %1"_s.arg(file.errorString()));
+    }
+    return parse(document, fileName);
 }
 
 CorvantaGraph::Loaded CorvantaGraph::parse(const QByteArray &document, const QString &fileName)

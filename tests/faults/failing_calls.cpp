@@ -1,0 +1,129 @@
+// Preloaded into a program, makes one call for a file fail: number $FAIL_AT of those that concern
+// files below the folder $FAIL_FOLDER, with the error number $FAIL_ERROR. $FAIL_COUNT names a file
+// that gets the number of such calls when the program ends.
+//
+// Removing files never fails, because a program cannot undo what it is not allowed to remove.
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr int kMostFiles = 1024;
+std::array<std::atomic<bool>, kMostFiles> g_isOurs; // by descriptor: a file below the folder
+std::atomic<long> g_count = 0;
+
+const char *variable(const char *name)
+{
+    const char *const value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+/// The next function of this name: the one of the C library.
+template <class F> F next(F, const char *name)
+{
+    return reinterpret_cast<F>(::dlsym(RTLD_NEXT, name));
+}
+
+/// Whether this call is the one that fails.
+bool fails()
+{
+    static const long failAt = std::atol(variable("FAIL_AT"));
+    static const int error = std::atoi(variable("FAIL_ERROR"));
+    const bool isIt = ++g_count == failAt;
+    errno = isIt ? error : errno;
+    return isIt;
+}
+
+bool isOurs(const char *path)
+{
+    static const char *const folder = variable("FAIL_FOLDER");
+    // Names that are relative are too: the program runs in the folder.
+    return path[0] != '/' || std::strncmp(path, folder, std::strlen(folder)) == 0;
+}
+
+bool isOurs(int file)
+{
+    return file >= 0 && file < kMostFiles && g_isOurs[static_cast<size_t>(file)];
+}
+
+/// Remember the new descriptor `file`.
+int opened(int file, bool ours)
+{
+    if (file >= 0 && file < kMostFiles) {
+        g_isOurs[static_cast<size_t>(file)] = ours;
+    }
+    return file;
+}
+
+struct WritesCount
+{
+    ~WritesCount()
+    {
+        if (std::FILE *const file = std::fopen(variable("FAIL_COUNT"), "w")) {
+            std::fprintf(file, "%ld", g_count.load());
+            std::fclose(file);
+        }
+    }
+} g_writesCount;
+
+} // namespace
+
+// NOLINTBEGIN: the names and arguments are those of the C library
+#define OPEN(name)                                                                                 \
+    int name(const char *path, int flags, ...)                                                     \
+    {                                                                                              \
+        std::va_list rest;                                                                         \
+        va_start(rest, flags);                                                                     \
+        const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;                     \
+        va_end(rest);                                                                              \
+        static const auto real = next(&name, #name);                                               \
+        const bool ours = isOurs(path);                                                            \
+        return ours && fails() ? -1 : opened(real(path, flags, mode), ours);                       \
+    }
+
+// A call with a descriptor.
+#define CALL(type, name, parameters, arguments)                                                    \
+    type name parameters                                                                           \
+    {                                                                                              \
+        static const auto real = next(&name, #name);                                               \
+        return isOurs(file) && fails() ? -1 : real arguments;                                      \
+    }
+
+extern "C" {
+
+OPEN(open)
+OPEN(open64)
+CALL(ssize_t, read, (int file, void *buffer, size_t n), (file, buffer, n))
+CALL(ssize_t, write, (int file, const void *bytes, size_t n), (file, bytes, n))
+CALL(int, ftruncate, (int file, off_t size), (file, size))
+CALL(int, ftruncate64, (int file, off64_t size), (file, size))
+CALL(int, fsync, (int file), (file))
+
+int close(int file)
+{
+    static const auto real = next(&close, "close");
+    const bool ours = isOurs(file);
+    opened(file, false);
+    // The descriptor is closed in any case, as by the system.
+    const int result = real(file);
+    return ours && fails() ? -1 : result;
+}
+
+int rename(const char *from, const char *to) noexcept
+{
+    static const auto real = next(&rename, "rename");
+    return isOurs(from) && fails() ? -1 : real(from, to);
+}
+
+} // extern "C"
+// NOLINTEND
