@@ -110,10 +110,11 @@ std::optional<markup::SampledDocument> ActionReadXML::sampleInput()
     if (!document || document->tables.empty()) {
         const markup::SampleOptions options{m_params.autoFillNRows, extractOptions().text,
                                             m_params.zeroBased};
-        document.reset();
-        sampleWith([&](XMLTokenizer &tokenizer) {
-            document = markup::sampleDocument(tokenizer, options);
-        });
+        if (!sampleWith([&](XMLTokenizer &tokenizer) {
+                document = markup::sampleDocument(tokenizer, options);
+            })) {
+            return std::nullopt;
+        }
     }
     return document;
 }

@@ -4,6 +4,7 @@
 // getProgress(), which may be called from any.
 #pragma once
 #include "base/byte_source.h"
+#include "base/system_error.h"
 #include "io/input/input_name.h"
 
 #include <atomic>

@@ -1,0 +1,207 @@
+#!/usr/bin/python3
+"""Does the line after a failure say why? And which inputs open at all? reason_test.py CORVANTA
+
+Archives with every kind of bad member, folders in the place of files, folders that are missing, and pipes.
+"""
+import gzip
+import json
+import os
+import pathlib
+import struct
+import subprocess
+import sys
+import tempfile
+import threading
+import unittest
+import zipfile
+import zlib
+
+CORVANTA = sys.argv.pop(1)
+DOCUMENT = b'[{"a":1}]'
+SOURCE = pathlib.Path(__file__).parents[2]
+READERS = {
+    "json": "<readJSON newMode='1' fileName='{}'><Level><e path='a' name='a'/></Level></readJSON>",
+    "xml": "<readXML fileName='{}'><Level><e path='r/a' name='a'/></Level></readXML>",
+    "dbf": "<ReadXBF fileName='{}'/>",
+    "parquet": "<readParquet fileName='{}'/>",
+    "csv": "<readCSV fileName='{}'/>",
+}
+WRITERS = {
+    "xlsx": "<writeExcel fileNameDestination='{}'/>",
+    "json": "<writeJSON fileName='{}'/>",
+    "xml": "<writeXML fileName='{}'/>",
+    "parquet": "<writeParquet file='{}'/>",
+    "csv": "<writeCSV fileName='{}'/>",
+}
+
+
+def archive(*members):
+    """A zip file: its bytes, as zipfile writes them."""
+    with tempfile.TemporaryFile() as file:
+        with zipfile.ZipFile(file, "w") as out:
+            for name, content, method in members:
+                out.writestr(zipfile.ZipInfo(name), content, method)
+        file.seek(0)
+        return bytearray(file.read())
+
+
+def changed(data, signature, offset, value):
+    """The bytes with `value` at `offset` of the first record of that signature."""
+    data = bytearray(data)
+    data[data.find(signature) + offset] = value
+    return data
+
+
+def with_unicode_path(stored, name, checked=None):
+    """An archive whose member has the name `stored` and, in its Unicode path field, `name`."""
+    facts = struct.pack("<IIIHH", zlib.crc32(DOCUMENT), len(DOCUMENT), len(DOCUMENT), len(stored), 0)
+    extra = struct.pack("<HHBI", 0x7075, 5 + len(name), 1, zlib.crc32(checked or stored)) + name
+    local = struct.pack("<IHHHHH", 0x04034B50, 20, 0, 0, 0, 0) + facts + stored + DOCUMENT
+    entry = struct.pack("<IHHHHHH", 0x02014B50, 20, 20, 0, 0, 0, 0) + facts[:-2] + struct.pack("<HHHHII", len(extra), 0, 0, 0, 0, 0) \
+        + stored + extra
+    return local + entry + struct.pack("<IHHHHIIH", 0x06054B50, 0, 0, 1, 1, len(entry), len(local), 0)
+
+
+def rar_block(kind, flags, fields, data=b""):
+    body = struct.pack("<BHH", kind, flags, 7 + len(fields)) + fields
+    return struct.pack("<H", zlib.crc32(body) & 0xFFFF) + body + data
+
+
+def rar_file(name, flags, content):
+    fields = struct.pack("<IIBIIBBHI", len(content), len(content), 3, zlib.crc32(content), 0, 20, 0x30, len(name), 0) + name
+    return rar_block(0x74, 0x8000 | flags, fields, content)
+
+
+class Reasons(unittest.TestCase):
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory(prefix="corvanta_reason_")
+        self.addCleanup(holder.cleanup)
+        self.folder = pathlib.Path(holder.name)
+        (self.folder / "in.csv").write_text("a,b\n1,2\n")
+        (self.folder / "folder").mkdir()
+
+    def run_graph(self, first, second):
+        (self.folder / "case.graph").write_text(
+            f"<graph version='4.11'><action id='a'>{first}</action><action id='b'>{second}</action><link from='a:0' to='b:0'/></graph>")
+        done = subprocess.run([CORVANTA, "run", "case.graph", "--log-format", "json"], cwd=self.folder, capture_output=True, text=True,
+                              timeout=60, check=False, env={**os.environ, "LC_ALL": "C.UTF-8"})
+        log = [json.loads(line) for line in done.stderr.splitlines()]
+        return done, [message["message"] for message in log if message["level"] == 3]
+
+    def check_refused(self, first, second, reason):
+        done, reasons = self.run_graph(first, second)
+        self.assertEqual(done.returncode, 1, done.stderr)
+        self.assertIn(reason, "".join(reasons), done.stderr)
+
+    def check_read(self, name, kind="json", table="a\n1\n"):
+        done, _ = self.run_graph(READERS[kind].format(name), "<writeCSV fileName='/dev/stdout'/>")
+        self.assertEqual((done.returncode, done.stdout), (0, table), done.stderr)
+
+    def test_members_of_zip_archives(self):
+        good = archive(("x.json", DOCUMENT, 8))
+        bad = {
+            "encrypted.zip": (changed(good, b"PK\1\2", 8, 1), "is encrypted"),
+            "method.zip": (archive(("x.json", DOCUMENT, zipfile.ZIP_BZIP2)), "method 12, which is not supported"),
+            "header.zip": (changed(good, b"PK\3\4", 0, 0), "is damaged: its header does not match"),
+            "content.zip": (changed(changed(good, b"PK\1\2", 16, 7), b"PK\3\4", 14, 7), "is damaged: it does not match its size and checksum"),
+            "cut.zip": (good[:60], "not a zip archive, or it is truncated"),
+            "folders.zip": (archive(("d/", b"", 0)), "has no file in it"),
+            "good.zip@y.json": (good, "has no member 'y.json'"),
+        }
+        for name, (content, reason) in bad.items():
+            with self.subTest(name=name):
+                (self.folder / name.partition("@")[0]).write_bytes(content)
+                self.check_refused(READERS["json"].format(name), WRITERS["csv"].format("out.csv"), reason)
+
+    def test_the_first_file_is_after_the_folders(self):
+        (self.folder / "a.zip").write_bytes(archive(("d/", b"", 0), ("d/x.json", DOCUMENT, 8)))
+        (self.folder / "a.rar").write_bytes(b"Rar!\x1a\x07\0" + rar_block(0x73, 0, bytes(6)) + rar_file(b"d", 0xE0, b"")
+                                            + rar_file(b"d/x.json", 0, DOCUMENT) + rar_block(0x7B, 0x4000, b""))
+        self.check_read("a.zip")
+        self.check_read("a.rar")
+
+    def test_members_by_their_name_in_unicode(self):
+        (self.folder / "a.zip").write_bytes(with_unicode_path(b"__.json", "日本.json".encode()))
+        self.check_read("a.zip@日本.json")
+        self.check_read("a.zip@__.json")
+        # Written by a program that renamed the member and does not know the field.
+        (self.folder / "a.zip").write_bytes(with_unicode_path(b"__.json", "日本.json".encode(), b"other"))
+        self.check_refused(READERS["json"].format("a.zip@日本.json"), WRITERS["csv"].format("out.csv"), "has no member")
+
+    def test_inputs_that_are_no_files(self):
+        for kind, element in READERS.items():
+            for name, reason in (("folder", "is a folder, not a file (Is a directory)"),
+                                 ("none", "there is no file of this name (No such file or directory)"),
+                                 ("none/x", f"the folder '{self.folder}/none' does not exist"),
+                                 ("in.csv/x", f"'{self.folder}/in.csv' is not a folder")):
+                with self.subTest(kind=kind, name=name):
+                    self.check_refused(element.format(name), WRITERS["csv"].format("out.csv"), reason)
+
+    def test_targets_that_cannot_be_written(self):
+        for kind, element in WRITERS.items():
+            remedy = "" if kind == "csv" else ": createDir='1' creates it"
+            for name, reason in (("folder", "is a folder, not a file"), ("/dev/full", "the disk is full (No space left on device)"),
+                                 ("none/x", f"the folder '{self.folder}/none' does not exist (No such file or directory){remedy}"),
+                                 ("in.csv/x", f"'{self.folder}/in.csv' is not a folder"),
+                                 ("n" * 256, "the name is too long")):
+                with self.subTest(kind=kind, name=name):
+                    self.check_refused(READERS["csv"].format("in.csv"), element.format(name), reason)
+
+    def test_workbooks_that_cannot_be_updated(self):
+        update = "<writeExcel mode='1' createIfNotExists='0' fileNameDestination='{}' sheetName='New'/>"
+        subprocess.run([CORVANTA, "convert", "in.csv", "good.xlsx"], cwd=self.folder, check=True)
+        good = (self.folder / "good.xlsx").read_bytes()
+        for name, content, reason in (
+                ("a.xlsx", b"no package", "not a package (zip file)"),
+                ("b.xlsx", changed(good, b"PK\1\2", 8, 1), "is encrypted"),
+                ("c.xlsx", changed(good, b"PK\1\2", 16, good[good.find(b"PK\1\2") + 16] ^ 1), "is damaged"),
+                ("d.xlsx", archive(("x", b"", 0)), "is not there"),
+                ("e.xlsx", b"", "the file is empty: createIfNotExists='1'")):
+            with self.subTest(name=name):
+                (self.folder / name).write_bytes(content)
+                self.check_refused(READERS["csv"].format("in.csv"), update.format(name), reason)
+
+    def pipe(self, name, content):
+        """A pipe that another thread fills once; it ends when it is read."""
+        os.mkfifo(self.folder / name)
+
+        def fill():
+            with open(self.folder / name, "wb") as out:
+                out.write(content)
+        thread = threading.Thread(target=fill, daemon=True)
+        thread.start()
+        self.addCleanup(thread.join, 10)
+
+    def inputs(self):
+        (self.folder / "in.xml").write_text("<r><a>1</a></r>")
+        for kind in ("json", "parquet"):
+            subprocess.run([CORVANTA, "convert", "in.csv", f"in.{kind}"], cwd=self.folder, check=True)
+        for kind in ("json", "xml", "parquet", "csv"):
+            yield kind, (self.folder / f"in.{kind}").read_bytes(), "a,b\n1,2\n" if kind in ("csv", "parquet") else "a\n1\n"
+
+    def test_pipes(self):
+        for kind, content, table in self.inputs():
+            with self.subTest(kind=kind):
+                self.pipe(f"p.{kind}", content)
+                self.check_read(f"p.{kind}", kind, table)
+                self.pipe(f"p.{kind}.gz", gzip.compress(content))
+                self.check_read(f"p.{kind}.gz", kind, table)
+        table = SOURCE / "tests/graphs/read_xbf/types/all.dbf"
+        self.pipe("p.dbf", table.read_bytes())
+        self.pipe("p.zip", b"")
+        subprocess.run([CORVANTA, "convert", "p.dbf", "p.csv.txt"], cwd=self.folder, check=True)
+        subprocess.run([CORVANTA, "convert", table, "q.csv.txt"], cwd=self.folder, check=True)
+        self.assertEqual((self.folder / "p.csv.txt").read_bytes(), (self.folder / "q.csv.txt").read_bytes())
+        self.check_refused(READERS["json"].format("p.zip"), WRITERS["csv"].format("out.csv"), "only read from start to end")
+
+    def test_a_sample_takes_nothing_from_a_pipe(self):
+        rows = [{"a": i, "b": "x" * 50} for i in range(20_000)]
+        for name, content in (("p.json", json.dumps(rows).encode()), ("p.json.gz", gzip.compress(json.dumps(rows).encode()))):
+            with self.subTest(name=name):
+                self.pipe(name, content)
+                subprocess.run([CORVANTA, "convert", name, "all.csv"], cwd=self.folder, check=True, timeout=60)
+                self.assertEqual((self.folder / "all.csv").read_text().count("\n"), len(rows) + 1)
+
+
+if __name__ == "__main__":
+    unittest.main()
