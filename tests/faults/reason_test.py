@@ -21,7 +21,7 @@ DOCUMENT = b'[{"a":1}]'
 SOURCE = pathlib.Path(__file__).parents[2]
 READERS = {
     "json": "<readJSON newMode='1' fileName='{}'><Level><e path='a' name='a'/></Level></readJSON>",
-    "xml": "<readXML fileName='{}'><Level><e path='r/a' name='a'/></Level></readXML>",
+    "xml": "<readXML fileName='{}'><Level><e path='a' name='a'/></Level></readXML>",
     "dbf": "<ReadXBF fileName='{}'/>",
     "parquet": "<readParquet fileName='{}'/>",
     "csv": "<readCSV fileName='{}'/>",
