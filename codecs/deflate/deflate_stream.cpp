@@ -90,7 +90,6 @@ void DeflateStream::begin()
     m_free.pop_back();
     m_current->dictionaryBytes = 0;
     m_current->used = 0;
-    m_writeDone = 0;
     m_totals = {};
 }
 
@@ -116,20 +115,17 @@ void DeflateStream::commit(size_t n)
 Result<void, Error> DeflateStream::write(std::span<const char> bytes)
 {
     assert(m_current);
-    while (m_writeDone < bytes.size()) {
+    while (!bytes.empty()) {
         if (m_current->used >= kBlockBytes) { // more bytes follow, so this is not the last block
             if (auto done = cut(); !done) {
                 return done.fault();
             }
         }
-        // m_writeDone and not a local variable: it survives a fault, so that the repeated call does
-        // not add bytes twice.
-        const size_t piece = std::min(bytes.size() - m_writeDone, kBlockBytes - m_current->used);
-        std::memcpy(m_current->data() + m_current->used, bytes.data() + m_writeDone, piece);
+        const size_t piece = std::min(bytes.size(), kBlockBytes - m_current->used);
+        std::memcpy(m_current->data() + m_current->used, bytes.data(), piece);
         m_current->used += piece;
-        m_writeDone += piece;
+        bytes = bytes.subspan(piece);
     }
-    m_writeDone = 0;
     return {};
 }
 
@@ -163,7 +159,7 @@ Result<DeflateStream::Block *, Error> DeflateStream::acquire(Lock &lock)
     // that is being written.
     const size_t maxBlocks = 2 * m_workerLimit + 2;
     for (;;) {
-        if (auto good = checkFailure(lock); !good) {
+        if (auto good = checkFailure(); !good) {
             return good.fault();
         }
         if (m_free.empty() && m_blocks.size() < maxBlocks) {
@@ -178,14 +174,8 @@ Result<DeflateStream::Block *, Error> DeflateStream::acquire(Lock &lock)
     }
 }
 
-// Reports a failed write once. The next call of the caller means "try again".
-Result<void, Error> DeflateStream::checkFailure(Lock &lock)
+Result<void, Error> DeflateStream::checkFailure() const
 {
-    if (m_hasWriteFailed && m_failureReported) {
-        m_hasWriteFailed = false;
-        m_failureReported = false;
-        drain(lock);
-    }
     if (m_isStopped) {
         return Fault{Error::Stopped};
     }
@@ -193,7 +183,6 @@ Result<void, Error> DeflateStream::checkFailure(Lock &lock)
         return Fault{Error::NoMemory};
     }
     if (m_hasWriteFailed) {
-        m_failureReported = true;
         return Fault{Error::WriteFailed};
     }
     return {};
@@ -332,7 +321,7 @@ Result<Totals, Error> DeflateStream::finish()
         compress(last, m_deflater, lock);
     }
     for (;;) {
-        if (auto good = checkFailure(lock); !good) {
+        if (auto good = checkFailure(); !good) {
             return good.fault();
         }
         if (m_order.empty()) {

@@ -21,7 +21,9 @@ namespace corvanta::deflate {
 
 /// Why a call of DeflateStream failed. A fault has neither a detail nor an offset.
 enum class Error : quint8 {
-    /// The sink failed, for example on a full disk. Nothing is lost; repeat the call.
+    /// The sink failed, for example on a full disk. All later calls fail, too: a sink that can
+    /// retry
+    /// does so itself.
     WriteFailed,
     /// stop() was called.
     Stopped,
@@ -66,17 +68,15 @@ public:
     void begin();
 
     /// A buffer for at least `n` bytes (at most kMaxRoomBytes) of content, valid until the next
-    /// call. Errors: WriteFailed, Stopped, NoMemory; the call may then be repeated.
+    /// call. Errors: WriteFailed, Stopped, NoMemory.
     Result<std::span<char>, Error> room(size_t n);
     /// Add the first `n` bytes of the buffer from room() to the stream.
     void commit(size_t n);
 
-    /// Add a copy of `bytes` to the stream. After a fault, repeat the call with the same bytes: it
-    /// continues where it stopped. Errors: WriteFailed, Stopped, NoMemory.
+    /// Add a copy of `bytes` to the stream. Errors: WriteFailed, Stopped, NoMemory.
     Result<void, Error> write(std::span<const char> bytes);
 
-    /// End the stream and wait until all of it is written. The call may be repeated after a fault.
-    /// Errors: WriteFailed, Stopped, NoMemory.
+    /// End the stream and wait until all of it is written. Errors: WriteFailed, Stopped, NoMemory.
     Result<Totals, Error> finish();
 
     /// Make calls that wait, and all later ones, return Stopped. May be called from any thread.
@@ -89,7 +89,8 @@ private:
 
     Result<void, Error> cut();
     Result<Block *, Error> acquire(Lock &lock);
-    Result<void, Error> checkFailure(Lock &lock);
+    /// The mutex is held.
+    Result<void, Error> checkFailure() const;
     void submit(Block *block, Lock &lock);
     void startWorker();
     void work();
@@ -103,7 +104,6 @@ private:
     const size_t m_workerLimit;
     std::unique_ptr<Deflater> m_deflater; // used by the caller
     Block *m_current = nullptr;           // the block that the caller fills
-    size_t m_writeDone = 0;               // bytes done by a write() that returned a fault
 
     mutable std::mutex m_mutex;
     std::condition_variable m_workAvailable;      // for the workers
@@ -114,8 +114,7 @@ private:
     std::deque<Block *> m_order;   // blocks to write, in order
     Totals m_totals;
     bool m_isWriting = false;
-    bool m_hasWriteFailed = false; // nothing is written until the next call of the caller
-    bool m_failureReported = false;
+    bool m_hasWriteFailed = false; // nothing is written any more
     bool m_isOutOfMemory = false;
     bool m_isStopped = false;
     std::vector<std::thread>

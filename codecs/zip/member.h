@@ -7,7 +7,7 @@ namespace corvanta::zip {
 
 enum class Error : quint8 {
     // Reported by PackageWriter:
-    /// The sink failed, for example on a full disk. Nothing is lost; repeat the call.
+    /// The sink failed, for example on a full disk.
     WriteFailed,
     /// stop() was called.
     Stopped,

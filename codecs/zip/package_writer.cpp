@@ -133,10 +133,9 @@ Result<void, Error> PackageWriter::closeMember()
     m_open->member.crc = totals->crc;
     m_open->member.size = totals->size;
     m_open->member.compressedSize = totals->compressedSize;
-    if (auto done = m_open->isComplete ? Result<void, Error>() : completeHeader(); !done) {
+    if (auto done = completeHeader(); !done) {
         return done;
     }
-    m_open->isComplete = true;
     return enterDirectory();
 }
 
@@ -166,7 +165,7 @@ bool PackageWriter::writeAt(qint64 offset, const QByteArray &bytes)
     return m_sink.seek(offset) && m_sink.write(bytes.data(), bytes.size());
 }
 
-// Add the open member to the directory. May be repeated after a failed flush.
+// Add the open member to the directory.
 Result<void, Error> PackageWriter::enterDirectory()
 {
     if (m_sink.position() - m_flushedBytes >= kFlushBytes) {
@@ -180,100 +179,64 @@ Result<void, Error> PackageWriter::enterDirectory()
     return {};
 }
 
-Result<void, Error> PackageWriter::startCopy(PackageReader &source, const Member &member)
+Result<void, Error> PackageWriter::copyRaw(PackageReader &source, const Member &member)
 {
-    auto raw = source.openRaw(member);
+    const auto raw = source.openRaw(member);
     if (!raw) {
         return raw.fault();
     }
     if (auto started = startMember(copiedMember(member)); !started) {
         return started;
     }
-    m_rawSource = std::move(*raw);
-    m_rawChunk = {};
-    return {};
-}
-
-// Forget a copy that cannot be continued. Its bytes stay in the file, but not in the directory.
-void PackageWriter::abandonCopy()
-{
-    m_rawSource.reset();
-    m_names.remove(m_open->member.name);
-    m_open.reset();
-}
-
-Result<void, Error> PackageWriter::copyRaw(PackageReader &source, const Member &member)
-{
-    if (!m_rawSource) {
-        if (auto started = startCopy(source, member); !started) {
-            return started;
-        }
-    }
-    if (auto copied = copyChunks(); !copied) {
-        if (copied.fault().code != Error::WriteFailed) {
-            abandonCopy();
-        }
+    if (auto copied = copyChunks(**raw); !copied) {
+        // The bytes stay in the file, but not in the directory.
+        m_names.remove(m_open->member.name);
+        m_open.reset();
         return copied;
     }
-    if (auto entered = enterDirectory(); !entered) {
-        return entered;
-    }
-    m_rawSource.reset();
-    return {};
+    return enterDirectory();
 }
 
-Result<void, Error> PackageWriter::copyChunks()
+Result<void, Error> PackageWriter::copyChunks(RawMemberStream &source)
 {
-    while (!m_open->isComplete) {
-        if (!m_rawChunk.isEmpty() && !m_sink.write(m_rawChunk.data(), m_rawChunk.size())) {
-            return Fault{Error::WriteFailed};
-        }
-        m_rawChunk = {};
-        if (m_stream.isStopped()) {
-            return Fault{Error::Stopped};
-        }
-        const auto chunk = m_rawSource->next();
+    while (!m_stream.isStopped()) {
+        const auto chunk = source.next();
         if (!chunk) {
             return chunk.fault();
         }
-        m_rawChunk = *chunk;
-        m_open->isComplete = chunk->isEmpty();
+        if (chunk->isEmpty()) {
+            return {};
+        }
+        if (!m_sink.write(chunk->data(), chunk->size())) {
+            return Fault{Error::WriteFailed};
+        }
     }
-    return {};
+    return Fault{Error::Stopped};
 }
 
 Result<void, Error> PackageWriter::addRaw(const RawMember &raw)
 {
-    assert(!m_open || m_open->member.name == raw.member.name);
-    if (!m_open) {
-        if (auto started = startMember(copiedMember(raw.member)); !started) {
-            return started.fault();
-        }
+    if (auto started = startMember(copiedMember(raw.member)); !started) {
+        return started.fault();
     }
-    if (!m_open->isComplete && !m_sink.write(raw.bytes.data(), raw.bytes.size())) {
+    if (!m_sink.write(raw.bytes.data(), raw.bytes.size())) {
         return Fault{Error::WriteFailed};
     }
-    m_open->isComplete = true;
     return enterDirectory();
 }
 
 Result<void, Error> PackageWriter::close()
 {
-    assert(!m_open);
-    if (!m_hasDirectory) {
-        const qint64 offset = m_sink.position();
-        QByteArray directory;
-        for (const Member &member : m_members) {
-            appendCentralEntry(member, directory);
-        }
-        const auto count = static_cast<qint64>(m_members.size());
-        directory += endRecords(count, offset, directory.size());
-        if (!m_sink.write(directory.data(), directory.size())) {
-            return Fault{Error::WriteFailed};
-        }
-        m_hasDirectory = true;
+    assert(!m_open && !m_hasDirectory);
+    const qint64 offset = m_sink.position();
+    QByteArray directory;
+    for (const Member &member : m_members) {
+        appendCentralEntry(member, directory);
     }
-    if (!m_sink.flush()) {
+    const auto count = static_cast<qint64>(m_members.size());
+    directory += endRecords(count, offset, directory.size());
+    m_hasDirectory = true;
+    if (!m_sink.write(directory.data(), directory.size()) || !m_sink.flush()) {
         return Fault{Error::WriteFailed};
     }
     return {};

@@ -18,8 +18,8 @@
 
 namespace corvanta::zip {
 
-/// A call that returns WriteFailed may be repeated with the same arguments, for example after the
-/// user has made room on the disk. It continues where it stopped. All other faults are final.
+/// After WriteFailed, Stopped and NoMemory the package cannot be completed: a sink that can retry a
+/// write does so itself.
 class PackageWriter
 {
 public:
@@ -67,14 +67,11 @@ private:
     {
         Member member;
         qint64 dataOffset = 0;
-        bool isComplete = false; // header and data are in the sink
     };
 
     Result<void, Error> checkName(QByteArrayView name) const;
     Result<void, Error> startMember(const Member &member);
-    Result<void, Error> startCopy(PackageReader &source, const Member &member);
-    void abandonCopy();
-    Result<void, Error> copyChunks();
+    Result<void, Error> copyChunks(RawMemberStream &source);
     Result<void, Error> completeHeader();
     bool writeAt(qint64 offset, const QByteArray &bytes);
     Result<void, Error> enterDirectory();
@@ -82,8 +79,6 @@ private:
     ByteSink &m_sink;
     deflate::DeflateStream m_stream;
     std::optional<OpenMember> m_open;
-    std::unique_ptr<RawMemberStream> m_rawSource; // of a copy in progress
-    QByteArrayView m_rawChunk;                    // of the copy, not yet written
     std::vector<Member> m_members;
     QSet<QByteArray> m_names;
     qint64 m_flushedBytes = 0;
