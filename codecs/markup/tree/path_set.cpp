@@ -33,7 +33,7 @@ size_t PathSet::add(const std::vector<PathStep> &steps)
                                        [&](const Edge &edge) { return edge.step == steps[i]; });
         m_steps.back().emplace_back(at, static_cast<quint32>(same - node.edges.begin()));
         if (same != node.edges.end()) {
-            same->onlyPath = kNotOnly; // a second path uses the edge
+            same->onlyPath = kNone; // a second path uses the edge
             at = same->node;
             continue;
         }
@@ -43,9 +43,9 @@ size_t PathSet::add(const std::vector<PathStep> &steps)
         }
         at = static_cast<quint32>(m_nodes.size());
         const bool isLast = i + 1 == steps.size();
-        node.edges.push_back({steps[i], at, isLast ? static_cast<quint32>(m_pathCount) : kNotOnly});
+        node.edges.push_back({steps[i], at, isLast ? static_cast<quint32>(m_pathCount) : kNone});
         node.indexes.push_back(steps[i].index);
-        setLastRead(node);
+        setMostRead(node);
         m_nodes.push_back(std::make_unique<Node>());
     }
     m_nodes[at]->paths.push_back(m_pathCount);
@@ -53,17 +53,19 @@ size_t PathSet::add(const std::vector<PathStep> &steps)
     return m_pathCount - 1;
 }
 
-/// For each edge without an index: the highest index of the edges with its name.
-void PathSet::setLastRead(Node &node)
+/// For each edge without an index: the highest index of the edges with its name, plus one.
+void PathSet::setMostRead(Node &node)
 {
-    for (Edge &edge : node.edges) {
-        if (edge.step.isIndexed || edge.step.isAttribute()) {
+    node.mostRead.assign(node.edges.size(), kNone);
+    for (size_t i = 0; i < node.edges.size(); ++i) {
+        const PathStep &step = node.edges[i].step;
+        if (step.isIndexed || step.isAttribute()) {
             continue;
         }
-        edge.lastRead = 0;
+        node.mostRead[i] = 1;
         for (const Edge &other : node.edges) {
-            if (!other.step.anyName && other.step.name == edge.step.name) {
-                edge.lastRead = std::max(edge.lastRead, other.step.index);
+            if (!other.step.anyName && other.step.name == step.name) {
+                node.mostRead[i] = std::max(node.mostRead[i], other.step.index + 1);
             }
         }
     }
@@ -86,13 +88,6 @@ void PathSet::resetRepeats()
         for (Edge &edge : node->edges) {
             edge.repeats = 0;
         }
-    }
-}
-
-void PathSet::addRepeat(quint32 node, quint32 edge, quint32 item)
-{
-    if (m_nodes[node]->edges[edge].repeats++ == 0) {
-        m_newRepeats.push_back({node, edge, item});
     }
 }
 
@@ -144,64 +139,79 @@ void PathSet::reach(quint32 node, quint32 item)
     }
 }
 
-/// The edges of `node` that select a child called `name`.
-void PathSet::collectMatches(const Node &node, const RawText &name, NameMemory::Matches *matches)
-{
-    for (quint32 i = 0; i < node.edges.size(); ++i) {
-        if (selects(node.edges[i].step, name)) {
-            matches->push_back(i);
-        }
-    }
-}
-
-/// Compare the children of an element with the edges of a node, until every edge has its child.
+/// Compare the children of an element with the edges of a node, until every edge has its child or,
+/// to find repeats, to the end.
 // NOLINTNEXTLINE(readability-function-size): the lambda counts as depth; it belongs to its loop
 void PathSet::walkChildren(const MarkupTree &tree, Visit at)
 {
     Node &node = *m_nodes[at.node];
     m_left = node.indexes;
-    size_t left = node.edges.size();
+    size_t left = node.edges.size() + (m_countsRepeats ? 1 : 0);
     node.children.begin();
     quint32 child = tree.first(at.element, ItemKind::Child);
     for (; child != MarkupTree::kNone && left > 0; child = tree.sibling(child)) {
         const RawText name = tree.raw(child);
-        const auto collect = [&](auto *matches) { collectMatches(node, name, matches); };
-        for (const quint32 number : node.children.matchesOf(name, collect)) {
+        const auto collectMatches = [&](NameMemory::Matches *matches) {
+            for (quint32 i = 0; i < node.edges.size(); ++i) {
+                if (selects(node.edges[i].step, name)) {
+                    matches->push_back(i);
+                }
+            }
+        };
+        for (const quint32 number : node.children.matchesOf(name, collectMatches)) {
             // The index of the step has not been reached yet. Below zero the count wraps around, so
             // a step selects one child only.
-            const Edge &edge = node.edges[number];
-            const quint32 before = m_left[number]--;
-            if (before > 0) {
-                if (m_countsRepeats && 0U - before > edge.lastRead) {
-                    addRepeat(at.node, number, child);
-                }
+            if (m_left[number]-- > 0) {
                 continue;
             }
             --left;
-            if (edge.onlyPath != kNotOnly) {
+            const Edge &edge = node.edges[number];
+            if (edge.onlyPath != kNone) {
                 m_found[edge.onlyPath] = child;
             } else {
                 reach(edge.node, child);
             }
         }
     }
-    if (m_countsRepeats && child != MarkupTree::kNone) {
-        walkRest(tree, at.node, child);
+    if (m_countsRepeats && hasRepeats(node)) {
+        addRepeats(tree, at);
     }
 }
 
-/// Every edge has its child: look for repeats among the children from `child`.
-void PathSet::walkRest(const MarkupTree &tree, quint32 node, quint32 child)
+/// True when the children that walkChildren() compared have matches that no step reads. Runs for
+/// every record, so it is a loop without branches.
+inline bool PathSet::hasRepeats(const Node &node) const
 {
-    Node &at = *m_nodes[node];
-    for (; child != MarkupTree::kNone; child = tree.sibling(child)) {
-        const RawText name = tree.raw(child);
-        const auto collect = [&](auto *matches) { collectMatches(at, name, matches); };
-        for (const quint32 number : at.children.matchesOf(name, collect)) {
-            if (0U - m_left[number]-- > at.edges[number].lastRead) {
-                addRepeat(node, number, child);
-            }
+    const quint32 *const left = m_left.data();
+    const quint32 *const most = node.mostRead.data();
+    const size_t edges = node.edges.size();
+    bool found = false;
+    for (size_t i = 0; i < edges; ++i) {
+        found |= 0U - left[i] > most[i];
+    }
+    return found;
+}
+
+/// Count the matches that no step reads. For a step without an index, what walkChildren() left
+/// below zero is the number of its matches.
+void PathSet::addRepeats(const MarkupTree &tree, Visit at)
+{
+    Node &node = *m_nodes[at.node];
+    for (quint32 i = 0; i < node.edges.size(); ++i) {
+        const quint32 matches = 0U - m_left[i];
+        if (matches <= node.mostRead[i]) {
+            continue;
         }
+        Edge &edge = node.edges[i];
+        if (edge.repeats == 0) {
+            quint32 before = node.mostRead[i];
+            quint32 child = tree.first(at.element, ItemKind::Child);
+            while (!selects(edge.step, tree.raw(child)) || before-- > 0) {
+                child = tree.sibling(child);
+            }
+            m_newRepeats.push_back({at.node, i, child});
+        }
+        edge.repeats += matches - node.mostRead[i];
     }
 }
 

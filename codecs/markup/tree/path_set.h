@@ -58,7 +58,7 @@ public:
     void resetRepeats();
 
 private:
-    static constexpr quint32 kNotOnly = ~quint32(0);
+    static constexpr quint32 kNone = ~quint32(0);
 
     /// A step from one node of the trie to the next.
     struct Edge
@@ -66,9 +66,7 @@ private:
         PathStep step;
         quint32 node = 0;
         /// The only path through `node`, which ends there.
-        quint32 onlyPath = kNotOnly;
-        /// Matches of the name that a step reads, counted from 0, end with this one.
-        quint32 lastRead = kNotOnly;
+        quint32 onlyPath = kNone;
         qint64 repeats = 0;
         QString firstRepeat = {};
     };
@@ -87,6 +85,9 @@ private:
         std::vector<Edge> edges;
         /// Step.index by edge.
         std::vector<quint32> indexes;
+        /// By edge: the number of matches of its name that steps read; kNone for steps with an
+        /// index, whose further matches do not count.
+        std::vector<quint32> mostRead;
         /// Numbers of the edges whose step is "@name".
         std::vector<quint32> attributeEdges;
         NameMemory children;
@@ -102,10 +103,9 @@ private:
     // Each of these continues the lookup from a node that an element reached.
     void visit(const MarkupTree &tree, Visit at);
     void walkChildren(const MarkupTree &tree, Visit at);
-    void walkRest(const MarkupTree &tree, quint32 node, quint32 child);
-    void addRepeat(quint32 node, quint32 edge, quint32 item);
-    static void setLastRead(Node &node);
-    static void collectMatches(const Node &node, const RawText &name, NameMemory::Matches *matches);
+    bool hasRepeats(const Node &node) const;
+    void addRepeats(const MarkupTree &tree, Visit at);
+    static void setMostRead(Node &node);
     void reach(quint32 node, quint32 item);
     void findAttributes(const MarkupTree &tree, Visit at);
 
