@@ -121,9 +121,8 @@ void LevelReader::reportUnread(const markup::UnreadParts &unread, const QString 
     for (const markup::RepeatedPath &repeated : unread.repeatedPaths) {
         MainUI::addLog(
             MainUI::Info,
-            u"Only the first match of path '%1' is read in file '%2'; further matches are "
-            "not read (count: %3, first at %4)\n"_s.arg(
-                repeated.path, name, QString::number(repeated.count), repeated.first));
+            u"Further matches of path '%1' in file '%2' are not read (count: %3, first at %4)\n"_s
+                .arg(repeated.path, name, QString::number(repeated.count), repeated.first));
     }
 }
 

@@ -8,15 +8,15 @@ import datetime
 import gzip
 import io
 import json
+import openpyxl
 import os
 import pathlib
 import subprocess
 import sys
 import tempfile
 import unittest
-import xml.etree.ElementTree
 
-import openpyxl
+import xml.etree.ElementTree
 
 CORVANTA = str(pathlib.Path(sys.argv.pop(1)).resolve())
 CORPUS = pathlib.Path(sys.argv.pop(1))
@@ -188,6 +188,19 @@ class Levels(Case):
         self.put("case.json", '[{"A":1,"A":2,"a":3,"b":{"c":4,"C":5,"C":6}}]')
         self.convert("case.json", "out.csv")
         self.assertEqual(self.rows_of("out.csv"), [["A[0]", "A[1]", "a", "c", "C[0]", "C[1]"], ["1", "2", "3", "4", "5", "6"]])
+
+    def test_values_that_repeat_only_after_the_sample_are_counted(self):
+        self.put("late.jsonl", '{"id":1}\n{"id":2,"id":3}\n')
+        said = self.convert("late.jsonl", "out.csv", "--reader", "autoFillNRows=1")
+        self.assertRegex(said, r"path 'id' in file '.*late.jsonl' are not read \(count: 1, first at line 2, column 10\)")
+
+    def test_a_large_buffer_is_not_larger_than_the_file(self):
+        self.put("small.json", '[{"a":1}]')
+        program = subprocess.Popen([CORVANTA, "convert", "small.json", "out.csv", "--reader", "bufferSize=2047"], cwd=self.folder)
+        _, status, usage = os.wait4(program.pid, 0)
+        program.returncode = os.waitstatus_to_exitcode(status)
+        self.assertEqual(program.returncode, 0)
+        self.assertLess(usage.ru_maxrss, 500_000, "KiB")
 
     def test_members_of_a_map_are_records_with_their_names(self):
         self.put("map.json", json.dumps({"packages": {f"p{i}": {"version": i} for i in range(5)}}))
