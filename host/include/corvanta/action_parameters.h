@@ -4,7 +4,6 @@
 #pragma once
 #include "corvanta/export.h"
 #include "corvanta/file_format.h"
-#include "corvanta/target_use.h"
 
 #include <QString>
 #include <QStringList>
@@ -100,6 +99,24 @@ struct TextLength
 {
     QString column;
     qsizetype bytes = 0; ///< of UTF-8
+};
+
+/// What an action does to a file that it writes. Known before a run from the parameters alone, so
+/// that a graph whose actions would damage each other's files is rejected, and `corvanta check
+/// --list-outputs` can print the files.
+struct TargetUse
+{
+    enum class Access {
+        Create, ///< The file gets a new content, whether or not it exists.
+        Update, ///< The file is read, and replaced when its new content is complete.
+        Append, ///< The file is extended in place.
+    };
+
+    QString name; ///< expanded: absolute, with the values of variables
+    Access access = Access::Create;
+    /// The files of a table that is split: each "*" in the last part of `name` stands for any text.
+    /// Otherwise a "*" is a character of the name.
+    bool isPattern = false;
 };
 
 /// Implemented by actions whose parameters are declared in a table. Threads: the owner's.

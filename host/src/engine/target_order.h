@@ -3,7 +3,7 @@
 // Actions that write one file run one after another. "Earlier" follows the links, else the order of
 // the actions. What no order can make right is a conflict, which makes the graph invalid.
 #pragma once
-#include "corvanta/target_use.h"
+#include "corvanta/action_parameters.h"
 
 #include <QSet>
 #include <QString>
