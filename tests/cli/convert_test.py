@@ -8,15 +8,15 @@ import datetime
 import gzip
 import io
 import json
-import openpyxl
 import os
 import pathlib
 import subprocess
 import sys
 import tempfile
 import unittest
-
 import xml.etree.ElementTree
+
+import openpyxl
 
 CORVANTA = str(pathlib.Path(sys.argv.pop(1)).resolve())
 CORPUS = pathlib.Path(sys.argv.pop(1))
