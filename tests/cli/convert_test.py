@@ -290,7 +290,7 @@ class CommandLine(Case):
         messages = [json.loads(line) for line in self.convert("two.json", "o.csv", "--log-format", "json").splitlines()]
         self.assertEqual([(m["level"], m["action"]) for m in messages], [(3, "input")])
         messages = [json.loads(line) for line in self.convert("nope.json", "o.csv", "--log-format=json", status=1).splitlines()]
-        self.assertEqual([(m["level"], m["action"]) for m in messages], [(1, "input")])
+        self.assertEqual([(m["level"], m["action"]) for m in messages], [(1, "input"), (3, "input")])
 
     def test_failed_conversion_leaves_the_old_target(self):
         self.put("broken.json", '[{"a":1},{"a":2},{"a":')
