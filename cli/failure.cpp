@@ -50,9 +50,7 @@ void reportException() noexcept
 void reportUncaughtExceptions()
 {
     std::set_terminate([] {
-        if (std::current_exception()) {
-            reportException();
-        }
+        std::current_exception() ? reportException() : reportFailure("unknown failure");
         std::_Exit(kFailed);
     });
 }

@@ -198,6 +198,7 @@ std::unique_ptr<ActionItem> makeWriter(const ActionRegistry &registry, const QSt
 CommandResult<void> addAction(CorvantaGraph *graph, const QString &id, ActionItem &action)
 {
     std::wostringstream out;
+    out.exceptions(std::ios::badbit); // otherwise text is lost when there is no memory
     action.save(out, QString::fromLatin1(action.getTypeName()));
     const QString element = QString::fromStdWString(out.str());
     CorvantaGraph::Action added;

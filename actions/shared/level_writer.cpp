@@ -152,8 +152,11 @@ bool LevelWriter::makeComposer(const OneRow &columns)
         return fail(levelMessage(fault.code, fault.detail, level.name));
     }
     // Of the columns that some item writes, no matter on which level.
-    const std::vector<int> written = compose::writtenColumns(*levels);
-    if (!checkNames(columns, {written.begin(), written.end()})) {
+    QVector<int> written;
+    for (const int column : compose::writtenColumns(*levels)) {
+        written.append(column);
+    }
+    if (!checkNames(columns, written)) {
         return false;
     }
     reportEqualKeys(*levels, columns);

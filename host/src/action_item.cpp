@@ -72,6 +72,7 @@ QStringList ActionItem::getAlternativeNames() const
 ActionItem *ActionItem::clone(GlobalParameters *parameters)
 {
     std::wostringstream out;
+    out.exceptions(std::ios::badbit); // otherwise text is lost when there is no memory
     save(out, QString::fromLatin1(getTypeName()));
     // A parameter with a character that XML cannot contain makes the copy lose its parameters.
     const auto saved = XMLNode::parse(QString::fromStdWString(out.str()).toUtf8());

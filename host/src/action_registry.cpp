@@ -12,7 +12,6 @@
 #include <QDir>
 #include <QPluginLoader>
 
-#include <cerrno>
 #include <new>
 
 using namespace Qt::StringLiterals;

@@ -70,10 +70,11 @@ private:
 class DiskWriteFile final : public MyWriteFile
 {
 public:
-    DiskWriteFile(FileHandle file, qint64 position)
-        : m_file(std::move(file))
-        , m_position(position)
+    /// Call once, before anything else.
+    void begin(FileHandle file, qint64 position)
     {
+        m_file = std::move(file);
+        m_position = m_startedAt = position;
     }
     bool write(const void *bytes, qint64 n) override
     {
@@ -127,8 +128,8 @@ private:
     }
 
     FileHandle m_file;
-    qint64 m_position;
-    qint64 m_startedAt = m_position; // write-back has started for the bytes before
+    qint64 m_position = 0;
+    qint64 m_startedAt = 0; // write-back has started for the bytes before
     SystemError m_error;
 };
 
@@ -208,13 +209,16 @@ Result<std::unique_ptr<MyWriteFile>, SystemError> MyWriteFile::open(const QStrin
     const Create create = existing == Existing::Truncate ? Create::Truncate
                           : existing == Existing::Append ? Create::Append
                                                          : Create::Exclusive;
+    // Before the file is created: without memory it would stay, and no one would know its name.
+    auto opened = std::make_unique<DiskWriteFile>();
     FileHandle file = FileHandle::openForWrite(name, create);
     if (!file.isOpen()) {
         return Fault{SystemError::ofLastCall()};
     }
     // A pipe has no size (-1); appending to it begins at 0.
     const qint64 position = existing == Existing::Append ? qMax<qint64>(file.size(), 0) : 0;
-    return std::unique_ptr<MyWriteFile>(std::make_unique<DiskWriteFile>(std::move(file), position));
+    opened->begin(std::move(file), position);
+    return std::unique_ptr<MyWriteFile>(std::move(opened));
 }
 
 KobiFileInfo::KobiFileInfo(GlobalParameters *, const QString &name)

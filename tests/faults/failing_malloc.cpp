@@ -1,6 +1,7 @@
 // Preloaded into a program, makes one allocation fail: the one of number $FAIL_AT, counted from the
-// call of main(). With FAIL_LASTING all later ones fail too. $FAIL_COUNT names a file that gets the
-// number of allocations when the program ends. Thread number $FAIL_THREAD cannot be started.
+// start of the first thread, because before it libraries fail whose containers do not check what
+// they allocate. $FAIL_COUNT names a file that gets the number of allocations when the program
+// ends. Thread number $FAIL_THREAD cannot be started.
 //
 // glibc's own names of the allocator are called, because dlsym() allocates.
 #include <dlfcn.h>
@@ -24,12 +25,11 @@ void *__libc_memalign(size_t alignment, size_t n);
 
 namespace {
 
-std::atomic<bool> g_counts = false; // main() has been called
+std::atomic<bool> g_counts = false; // the first thread is started
 std::atomic<long> g_count = 0;
 long g_failAt = 0; // 0: none fails
 std::atomic<long> g_threads = 0;
 long g_failThread = 0; // 0: none fails
-bool g_isLasting = false;
 
 bool fails()
 {
@@ -37,9 +37,8 @@ bool fails()
         return false;
     }
     const long number = ++g_count;
-    const bool isIt = number == g_failAt || (g_isLasting && g_failAt > 0 && number > g_failAt);
-    errno = isIt ? ENOMEM : errno;
-    return isIt;
+    errno = number == g_failAt ? ENOMEM : errno;
+    return number == g_failAt;
 }
 
 void writeCount()
@@ -54,26 +53,25 @@ void writeCount()
     ::close(file);
 }
 
-using Main = int (*)(int, char **, char **);
-Main g_main = nullptr;
-
-int countingMain(int argc, char **argv, char **environment)
+long numberOf(const char *variable)
 {
-    if (const char *const number = std::getenv("FAIL_AT")) {
-        g_failAt = std::atol(number);
-    }
-    if (const char *const number = std::getenv("FAIL_THREAD")) {
-        g_failThread = std::atol(number);
-    }
-    g_isLasting = std::getenv("FAIL_LASTING") != nullptr;
+    const char *const text = std::getenv(variable);
+    return text != nullptr ? std::atol(text) : 0;
+}
+
+void startCounting()
+{
+    g_failAt = numberOf("FAIL_AT");
+    g_failThread = numberOf("FAIL_THREAD");
     if (std::getenv("FAIL_COUNT") != nullptr) {
         std::atexit(writeCount);
     }
     g_counts = true;
-    return g_main(argc, argv, environment);
 }
 
 } // namespace
+
+#pragma GCC visibility push(default)
 
 extern "C" {
 
@@ -106,6 +104,9 @@ int posix_memalign(void **at, size_t alignment, size_t n)
 int pthread_create(pthread_t *thread, const pthread_attr_t *attributes, void *(*function)(void *),
                    void *argument)
 {
+    if (!g_counts) {
+        startCounting();
+    }
     if (++g_threads == g_failThread) {
         return EAGAIN;
     }
@@ -114,13 +115,6 @@ int pthread_create(pthread_t *thread, const pthread_attr_t *attributes, void *(*
     return create(thread, attributes, function, argument);
 }
 
-int __libc_start_main(Main program, int argc, char **argv, void (*init)(), void (*fini)(),
-                      void (*atEnd)(), void *stackEnd)
-{
-    using Start = int (*)(Main, int, char **, void (*)(), void (*)(), void (*)(), void *);
-    g_main = program;
-    const auto start = reinterpret_cast<Start>(::dlsym(RTLD_NEXT, "__libc_start_main"));
-    return start(countingMain, argc, argv, init, fini, atEnd, stackEnd);
-}
-
 } // extern "C"
+
+#pragma GCC visibility pop

@@ -12,6 +12,7 @@ class Case:
     words: list    # of the command; {} in graphs and names is the folder
     targets: list = dataclasses.field(default_factory=list)
     graph: str = ""
+    leaves: str = "-"  # pattern of what a failed run leaves for inspection
 
 
 def graph(*elements, version="4.11"):
@@ -21,8 +22,8 @@ def graph(*elements, version="4.11"):
     return f"<graph version='{version}'>{actions}{links}</graph>"
 
 
-def run(name, *elements, targets):
-    return Case(name, ["run", f"{name}.graph"], targets, graph(*elements))
+def run(name, *elements, targets, **more):
+    return Case(name, ["run", f"{name}.graph"], targets, graph(*elements), **more)
 
 
 CSV = "<readCSV fileName='in.csv' types='K,F,U'/>"
@@ -33,12 +34,12 @@ CASES = [
     run("excel_append", CSV, "<writeExcel mode='2' fileNameDestination='appended.xlsx' startRow='0'/>", targets=["appended.xlsx"]),
     run("excel_copy", CSV, "<writeExcel mode='3' fileNameSource='book.xlsx' fileNameDestination='copied.xlsx' sheetName='New'/>",
         targets=["copied.xlsx"]),
-    run("parquet", CSV, "<writeParquet file='out.parquet'/>", targets=["out.parquet"]),
+    run("parquet", CSV, "<writeParquet file='out.parquet'/>", targets=["out.parquet"], leaves="*_TMP"),
     run("json", CSV, "<writeJSON fileName='out.json'/>", targets=["out.json"]),
     run("json_longer", CSV, "<writeJSON fileName='longer.json' fileMode='1'/>", targets=["longer.json"]),
     run("xml", CSV, "<writeXML fileName='out.xml'/>", targets=["out.xml"]),
     Case("from_parquet", ["convert", "in.parquet", "out.csv"], ["out.csv"]),
-    Case("from_json", ["convert", "in.json", "out.parquet"], ["out.parquet"]),
+    Case("from_json", ["convert", "in.json", "out.parquet"], ["out.parquet"], leaves="*_TMP"),
     Case("from_xml", ["convert", "in.xml", "out.json"], ["out.json"]),
     Case("from_dbf", ["convert", "in.dbf", "out.xml"], ["out.xml"]),
     Case("head", ["head", "in.csv"]),

@@ -11,9 +11,12 @@ namespace {
 
 QString nameOf(const ColumnNameParts &column)
 {
-    QStringList names = column.names.first(column.used);
-    std::reverse(names.begin(), names.end());
-    return names.join(u'.') + column.suffix;
+    QString name;
+    for (qsizetype i = column.used; i > 0; --i) {
+        name += column.names[i - 1];
+        name += i > 1 ? QStringLiteral(".") : QString();
+    }
+    return name + column.suffix;
 }
 
 /// Use one more part in each name that is not distinct; false when nothing changed.

@@ -6,6 +6,7 @@
 
 #include <QLatin1StringView>
 
+#include <exception>
 #include <new>
 
 using namespace Qt::StringLiterals;
@@ -24,8 +25,12 @@ DecodeAhead::DecodeAhead(std::vector<std::unique_ptr<ColumnReader>> columns, int
     for (size_t i = 0; i < columns.size(); ++i) {
         m_lanes[i].reader = std::move(columns[i]);
     }
-    for (int i = 0; i < workers; ++i) {
-        m_workers.emplace_back([this] { work(); });
+    try {
+        for (int i = 0; i < workers; ++i) {
+            m_workers.emplace_back([this] { work(); });
+        }
+    } catch (const std::exception &) {
+        // Fewer threads give the same result, and those that have started must be joined.
     }
 }
 

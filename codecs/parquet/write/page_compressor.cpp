@@ -2,6 +2,7 @@
 // buffer of the maximum size, so that a finished page keeps only the memory that it needs.
 #include "codecs/parquet/write/page_compressor.h"
 
+#include <exception>
 #include <new>
 
 namespace corvanta::parquet {
@@ -17,8 +18,12 @@ PageCompressor::PageCompressor(qint32 codec, int workers)
     : m_codec(codec)
     , m_ownCompressor(makeCompressor(codec))
 {
-    for (int i = 0; i < workers; ++i) {
-        m_workers.emplace_back([this] { work(); });
+    try {
+        for (int i = 0; i < workers; ++i) {
+            m_workers.emplace_back([this] { work(); });
+        }
+    } catch (const std::exception &) {
+        // Fewer threads give the same result, and those that have started must be joined.
     }
 }
 

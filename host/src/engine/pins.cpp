@@ -156,6 +156,8 @@ void OutputPin::send(const BatchSlice &slice)
 
 void OutputPin::end()
 {
+    // A row that was not finished is not sent; its cells may be gone with the action's memory.
+    m_row.clearCells();
     flush();
     for (const Reader &reader : m_readers) {
         reader.gate->end(reader.pin, m_row.m_schema);

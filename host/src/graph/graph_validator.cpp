@@ -18,7 +18,8 @@ namespace {
 template <class F> void forEachText(const XMLNode &root, F visit)
 {
     // Not recursive: parameters may be nested deeply.
-    QVector<XMLNode> open{root};
+    QVector<XMLNode> open;
+    open.append(root);
     while (!open.isEmpty()) {
         const XMLNode node = open.takeLast();
         for (const QString &name : node.attributeNames()) {

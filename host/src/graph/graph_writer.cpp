@@ -76,6 +76,7 @@ QByteArray CorvantaGraph::toXml() const
 {
     ToXMLStringTool tool;
     std::wostringstream out;
+    out.exceptions(std::ios::badbit); // otherwise text is lost when there is no memory
     out << L"<graph";
     if (version >= 0) {
         out << L" version='"

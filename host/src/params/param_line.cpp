@@ -119,6 +119,7 @@ QString ParamLine::valueText(const void *params) const
         return std::visit([](const auto &value) { return textOf(value); }, m_value.get(params));
     }
     std::wostringstream out;
+    out.exceptions(std::ios::badbit); // otherwise text is lost when there is no memory
     // The default is the empty text, as it is saved.
     if (!m_children.isDefault(params)) {
         saveStructure(params, out, Indent());
@@ -296,6 +297,7 @@ void ParamLines::saveAction(const void *params, const void *defaults, std::wostr
     saveAttributes(params, defaults, out, global);
     // Whether there are children decides how the start tag ends, so write them aside first.
     std::wostringstream children;
+    children.exceptions(std::ios::badbit); // otherwise text is lost when there is no memory
     saveChildren(params, defaults, children, Indent());
     if (children.str().empty()) {
         out << L"/>\n";
