@@ -199,7 +199,8 @@ CommandResult<void> checkCommand(const CommandLine &line)
     const bool hasErrors = Session::logProblems(
         checked.graph.check(checked.registry, checked.variables, checked.outDir),
         [](const auto &problem) { return problem.kind != CorvantaGraph::Problem::Kind::Hint; });
-    if (hasErrors || !checked.isValid || Session::logProblems(checked.conflicts())) {
+    const bool hasConflicts = checked.isValid && Session::logProblems(checked.conflicts());
+    if (hasErrors || !checked.isValid || hasConflicts) {
         return Fault{kUsage};
     }
     if (line.has(u"--list-outputs"_s)) {

@@ -15,7 +15,7 @@ namespace {
 
 bool replaceFile(const QString &temporary, const QString &target)
 {
-    return !swapFile({temporary, target, target + QStringLiteral(".bak")}, {});
+    return bool(swapFile({temporary, target, target + QStringLiteral(".bak")}, {}));
 }
 
 /// Copy all members that can be copied; returns their content by name.

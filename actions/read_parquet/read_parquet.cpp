@@ -199,7 +199,7 @@ FileSeries::Opened ActionReadParquet::unreadable(const QString &name,
                                                  const QString &systemReason)
 {
     Fault result{FileSeries::OpenError::Unreadable,
-                 systemReason.isEmpty() ? fault.detail : systemReason};
+                 systemReason.isEmpty() ? ParquetFile::describe(fault) : systemReason};
     // Reads also fail after the run has ended. The file is then not damaged.
     if (!runIsGood()) {
         return result;

@@ -123,6 +123,8 @@ protected:
         const auto outcome = m_folder.runChain({"<table/>", writer}, settings);
         EXPECT_TRUE(outcome.ended);
         m_messages = outcome.messages;
+        // tests/faults checks the reasons of failures.
+        m_messages.removeIf([](const QString &text) { return text.startsWith(u"3Reason:"_s); });
         return outcome.succeeded;
     }
     /// Of the last run.

@@ -19,11 +19,10 @@ SIGNALS = [signal.SIGHUP, signal.SIGINT, signal.SIGQUIT, signal.SIGTERM]
 STOP_SECONDS = 1
 WAITS = 10  # seconds for a run to get where it is interrupted
 
-# The first one waits for a pipe. Another one may refuse it, and then ends by itself.
 READERS = [
     "<readCSV fileName='pipe.csv'/>", "<ReadXBF fileName='pipe.dbf'/>", "<readParquet fileName='pipe.parquet'/>",
-    "<readJSON fileName='pipe.json'><Levels><Level name='a'><Item path='x'/></Level></Levels></readJSON>",
-    "<readXML fileName='pipe.xml'><Levels><Level name='a'><Item path='x'/></Level></Levels></readXML>",
+    "<readJSON fileName='pipe.json'><Level initialPath=''><e name='a' path='x'/></Level></readJSON>",
+    "<readXML fileName='pipe.xml'><Level initialPath='x'><e name='a' path='x'/></Level></readXML>",
 ]
 WRITERS = [
     "<writeCSV fileName='pipe.csv'/>", "<writeParquet file='pipe.parquet'/>", "<writeJSON fileName='pipe.json'/>",
@@ -54,8 +53,9 @@ class Signals(unittest.TestCase):
             self.assertLess(time.monotonic(), end, "the run did not get there")
             time.sleep(0.002)
 
-    def end_by(self, process, number, what):
-        """Send the signal; the process ends within a second with the status of the signal."""
+    def end_by(self, process, number, what, target=None):
+        """Send the signal; the process ends within a second with the status of the signal. A run that has just completed `target` may have
+        ended before; the target is then removed."""
         with process:
             process.send_signal(number)
             sent = time.monotonic()
@@ -64,7 +64,10 @@ class Signals(unittest.TestCase):
             except subprocess.TimeoutExpired:
                 process.kill()
                 self.fail(f"{what}: not ended by signal {number}")
-        self.assertEqual((process.returncode, messages), (128 + number, ""), what)
+        is_complete = target is not None and target in self.files()
+        self.assertIn((process.returncode, messages), [(128 + number, ""), (0, "")][:1 + is_complete], what)
+        if is_complete:
+            (self.folder / target).unlink()
         self.assertLess(time.monotonic() - sent, STOP_SECONDS, what)
 
     def files(self):
@@ -86,14 +89,10 @@ class Signals(unittest.TestCase):
                 for has_writer in (False, True):
                     process = self.start("run", "case.graph")
                     pipe = os.open(self.folder / pipe_of(reader), os.O_RDWR) if has_writer else None
-                    # the threads of the actions and the one that waits for signals
-                    self.wait_until(lambda: self.has_ended(process) or self.threads_of(process) >= 4)
-                    time.sleep(0.05)
-                    if self.has_ended(process):
-                        self.assertEqual((process.wait(), reader == READERS[0]), (1, False), reader)
-                        process.communicate()
-                    else:
-                        self.end_by(process, number, f"{reader}, writer: {has_writer}")
+                    # the thread that waits for signals; ReadXBF opens its file before other threads start
+                    self.wait_until(lambda: self.threads_of(process) >= 2)
+                    time.sleep(0.1)
+                    self.end_by(process, number, f"{reader}, writer: {has_writer}")
                     if has_writer:
                         os.close(pipe)
                     self.assertEqual(self.files(), {pipe_of(reader)})
@@ -151,7 +150,7 @@ class Signals(unittest.TestCase):
             for number in SIGNALS:
                 process = self.start("convert", "in.csv", name)
                 self.wait_until(lambda: self.files() or self.has_ended(process))
-                self.end_by(process, number, name)
+                self.end_by(process, number, name, name)
                 self.assertEqual(self.files(), set())
 
     def test_convert_that_looks_at_its_input(self):
@@ -184,7 +183,7 @@ class Signals(unittest.TestCase):
             self.wait_until(lambda: self.files() or self.has_ended(process))
             process.send_signal(number)
             time.sleep(0.001)
-            self.end_by(process, number, "twice")
+            self.end_by(process, number, "twice", "out.xlsx")
             self.assertEqual(self.files(), set())
 
 

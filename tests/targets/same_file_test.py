@@ -196,7 +196,8 @@ class SameFile(unittest.TestCase):
         (self.folder / "hard.csv").hardlink_to(self.folder / "a.csv")
         for name in ("a.csv", "hard.csv"):
             self.check_invalid(CSV.format("a"), append.format(name), links="a0 a1", names=["a0", "a1"], line=":3")
-        read = "<readJSON fileName='*.json'><initialPath/><Item path='k' name='k'/></readJSON>"
+        (self.folder / "z.json").write_text("[]")
+        read = "<readJSON fileName='*.json'><Level initialPath=''><e name='k' path='k'/></Level></readJSON>"
         self.check_invalid(read, append.format("new.json"), links="a0 a1", names=["a0", "a1"], line=":3")
         (self.folder / "a.json").write_text('[{"k":1}]')
         done = self.command("a.json", "./a.json", "--writer", "fileMode=1", verb="convert")

@@ -339,13 +339,13 @@ class Losses(UpdateCase):
         reading = "\nERROR Reading Excel file 'book.xlsx'\n"
         chart = plain_parts()
         chart["xl/_rels/workbook.xml.rels"] = chart["xl/_rels/workbook.xml.rels"].replace(f'{OFFICE}/worksheet" Target="worksheets/sheet2', f'{OFFICE}/chartsheet" Target="worksheets/sheet2')
-        self.assertEqual(self.update("mode='2' sheetMode='0' sheetIdx='2'", chart),
+        self.assertEqual(self.update("mode='2' sheetMode='0' sheetIdx='2'", chart, reasons=True),
                          (1, [reading, "Reason: the sheet 'It's & more' is a chart sheet, which has no cells to write.\n"]))
         for content, reason in (("EncryptedPackage", "the workbook is encrypted with a password; save it without one first"),
                                 ("Workbook", "the file is not an .xlsx workbook, but an old one (.xls) or an encrypted one")):
             # The name of the stream spans two of the pieces that are read.
             self.book.write_bytes(bytes.fromhex("D0CF11E0A1B11AE1") + bytes(65536 - 18) + content.encode("utf-16-le") + bytes(700))
-            self.assertEqual(self.update("mode='1'"), (1, [reading, f"Reason: {reason}.\n"]))
+            self.assertEqual(self.update("mode='1'", reasons=True), (1, [reading, f"Reason: {reason}.\n"]))
 
 
 class Surroundings(UpdateCase):

@@ -74,8 +74,8 @@ def write_workbook(path, parts):
             package.writestr(name, text.encode("latin-1" if name.endswith(".png") else "utf-8"))
 
 
-def run_update(corvanta, folder, attributes, csv=IN_CSV, environment=None, limit=None):
-    """Run writeExcel on folder/book.xlsx. Returns exit status and messages without the reasons, the folder's name taken out."""
+def run_update(corvanta, folder, attributes, csv=IN_CSV, environment=None, limit=None, reasons=False):
+    """Run writeExcel on folder/book.xlsx. Returns exit status and messages, the folder's name taken out; those of level 3 only with `reasons`."""
     (folder / "in.csv").write_text(csv, encoding="utf-8")
     graph = ("<graph version='4.11'><action id='in'><readCSV fileName='in.csv' types='K,U,U,U'/></action>"
              "<action id='book'><writeExcel fileNameDestination='book.xlsx' dateFormat='yyyy-MM-dd' urlTag='1' "
@@ -86,7 +86,7 @@ def run_update(corvanta, folder, attributes, csv=IN_CSV, environment=None, limit
                           timeout=120, env={**os.environ, **(environment or {})}, preexec_fn=limit)
     path.unlink()
     (folder / "in.csv").unlink()
-    messages = [json.loads(line)["message"] for line in done.stderr.splitlines() if '"level":3' not in line]
+    messages = [json.loads(line)["message"] for line in done.stderr.splitlines() if reasons or '"level":3' not in line]
     return done.returncode, [message.replace(str(folder) + "/", "") for message in messages]
 
 
