@@ -97,7 +97,9 @@ CommandResult<std::unique_ptr<LoadedGraph>> loadForRun(const CommandLine &line)
     const CorvantaGraph::Problems problems =
         (*loaded)->graph.findMistakes((*loaded)->registry, (*loaded)->variables);
     const bool isStrict = line.has(u"--strict"_s);
-    if (Session::logProblems(problems, [&](const auto &) { return isStrict; })) {
+    if (Session::logProblems(problems, [&](const auto &problem) {
+            return isStrict && problem.kind == CorvantaGraph::Problem::Kind::Mistake;
+        })) {
         return Fault{kUsage};
     }
     return loaded;
@@ -198,7 +200,10 @@ CommandResult<void> checkCommand(const CommandLine &line)
     const LoadedGraph &checked = **loaded;
     const bool hasErrors = Session::logProblems(
         checked.graph.check(checked.registry, checked.variables, checked.outDir),
-        [](const auto &problem) { return problem.kind != CorvantaGraph::Problem::Kind::Hint; });
+        [](const auto &problem) {
+            using Kind = CorvantaGraph::Problem::Kind;
+            return problem.kind != Kind::Hint && problem.kind != Kind::Idle;
+        });
     const bool hasConflicts = checked.isValid && Session::logProblems(checked.conflicts());
     if (hasErrors || !checked.isValid || hasConflicts) {
         return Fault{kUsage};

@@ -161,6 +161,11 @@ Result<void, Error> Reader::startMember()
     if (!hasTwo) {
         return hasTwo.fault();
     }
+    // A file that was cut after its first byte, and no plain text.
+    if (m_stage == Stage::FirstMember && unreadBytes() == 1 &&
+        static_cast<uchar>(*unread()) == kMagic[0]) {
+        return faultOf(Error::EndsTooEarly);
+    }
     if (!*hasTwo || !std::equal(std::begin(kMagic), std::end(kMagic),
                                 reinterpret_cast<const uchar *>(unread()))) {
         m_stage = m_stage == Stage::FirstMember ? Stage::Plain : Stage::End;

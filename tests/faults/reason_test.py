@@ -113,6 +113,12 @@ class Reasons(unittest.TestCase):
                 (self.folder / name.partition("@")[0]).write_bytes(content)
                 self.check_refused(READERS["json"].format(name), WRITERS["csv"].format("out.csv"), reason)
 
+    def test_gzip_files_that_are_cut_anywhere(self):
+        whole = gzip.compress(b"a\n1\n")
+        for size in range(1, len(whole)):
+            (self.folder / "cut.csv.gz").write_bytes(whole[:size])
+            self.check_refused(READERS["csv"].format("cut.csv.gz"), WRITERS["csv"].format("out.csv"), "ends too early")
+
     def test_the_first_file_is_after_the_folders(self):
         (self.folder / "a.zip").write_bytes(archive(("d/", b"", 0), ("d/x.json", DOCUMENT, 8)))
         (self.folder / "a.rar").write_bytes(b"Rar!\x1a\x07\0" + rar_block(0x73, 0, bytes(6)) + rar_file(b"d", 0xE0, b"")

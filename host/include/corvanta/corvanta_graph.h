@@ -59,6 +59,7 @@ public:
             Invalid, ///< the graph cannot be run
             Mistake, ///< an unknown name, or a value that is not allowed; a run ignores it
             Missing, ///< a run would fail: a file, a folder or a required value is missing
+            Idle,    ///< nothing is linked to the action, so it gets no rows
             Hint,    ///< probably not intended
         };
         QString text;
@@ -87,8 +88,8 @@ public:
     Problems validate(const corvanta::ActionRegistry &registry,
                       const QMap<QString, QString> &given) const;
 
-    /// Find the mistakes that a run ignores; looks up no file. The graph has passed validate() with
-    /// the same variables.
+    /// Find the mistakes that a run ignores, and actions that get no rows; looks up no file. The
+    /// graph has passed validate() with the same variables.
     Problems findMistakes(const corvanta::ActionRegistry &registry,
                           const QMap<QString, QString> &given) const;
     /// Find everything that the user should know before a run, none of it Invalid: mistakes, what

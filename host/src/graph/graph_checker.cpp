@@ -100,6 +100,7 @@ void ActionCheck::findMistakes()
         const bool isMistake = problem.kind == SavedFormProblem::Kind::Mistake;
         add(problem.line, problem.text, isMistake ? Kind::Mistake : Kind::Hint);
     }
+    checkLinks();
 }
 
 void ActionCheck::findMissing(const QStringList &earlier)
@@ -111,7 +112,6 @@ void ActionCheck::findMissing(const QStringList &earlier)
             checkTarget(target, earlier);
         }
     }
-    checkLinks();
     checkOwnProblems();
 }
 
@@ -191,7 +191,7 @@ void ActionCheck::checkLinks()
         });
     add(m_action.parameters.line(),
         isWriter ? u"no link leads to this writer"_s : u"no link leads to its input pins"_s,
-        Kind::Hint);
+        Kind::Idle);
 }
 
 void ActionCheck::checkOwnProblems()
@@ -241,7 +241,9 @@ CorvantaGraph::Problems CorvantaGraph::findMistakes(const ActionRegistry &regist
                       ActionCheck(*this, action, item, parameters, problems).findMistakes();
                   });
     Problems all = mistakes + problems.problems();
-    all.removeIf([](const Problem &problem) { return problem.kind != Kind::Mistake; });
+    all.removeIf([](const Problem &problem) {
+        return problem.kind != Kind::Mistake && problem.kind != Kind::Idle;
+    });
     return all;
 }
 
