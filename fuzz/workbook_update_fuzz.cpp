@@ -58,6 +58,17 @@ bool chooseSheet(xlsx::UpdatedWorkbook &workbook, int choice, int row)
     return bool(workbook.changeSheet(index, static_cast<quint64>(row)));
 }
 
+SheetSetup setupOf(int flags)
+{
+    SheetSetup setup;
+    setup.options.urlTag = setup.options.equalIsFormula = true;
+    setup.end.recalculate = (flags & 16) != 0;
+    if ((flags & 32) != 0) {
+        setup.end.range = xlsx::NamedRange{QStringLiteral("N"), 1, 2, 3};
+    }
+    return setup;
+}
+
 /// The package with the rows; nothing if the workbook cannot be changed.
 std::optional<QByteArray> updated(zip::PackageReader &reader, Feed options)
 {
@@ -72,15 +83,9 @@ std::optional<QByteArray> updated(zip::PackageReader &reader, Feed options)
     }
     const int flags = options.byte();
     (*workbook)->addCellFormats(flags % 16);
-    SheetSetup setup;
-    setup.options.urlTag = setup.options.equalIsFormula = true;
-    setup.end.recalculate = (flags & 16) != 0;
-    if ((flags & 32) != 0) {
-        setup.end.range = xlsx::NamedRange{QStringLiteral("N"), 1, 2, 3};
-    }
     Feed feed(kTable, sizeof kTable);
     MemoryPackage package;
-    return writeWorkbook(**workbook, FuzzTable(feed), setup, package)
+    return writeWorkbook(**workbook, FuzzTable(feed), setupOf(flags), package)
                ? std::optional(package.sink.bytes())
                : std::nullopt;
 }
