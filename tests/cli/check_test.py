@@ -294,7 +294,12 @@ class CommandLine(Case):
 
     def test_module_that_is_not_found(self):
         done = self.corvanta("actions", env={**os.environ, "CORVANTA_PLUGIN_PATH": "/no/where"})
-        self.assertIn("Warning: no module with actions found in the folder '/no/where'", done.stderr)
+        self.assertIn("Warning: no module with actions found in the folder '/no/where' (the environment variable "
+                      "CORVANTA_PLUGIN_PATH names another folder)", done.stderr)
+        module = self.folder / "libCorvantaPluginX.so"
+        module.write_bytes(b"no library")
+        done = self.corvanta("actions", env={**os.environ, "CORVANTA_PLUGIN_PATH": str(self.folder)})
+        self.assertIn(f"Warning: cannot load the plug-in '{module}': ", done.stderr)
 
     def test_control_characters(self):
         (self.folder / "nul.csv").write_bytes(b"a\nb\0c\x1b[2Jd\r\xc2\x9be\n")

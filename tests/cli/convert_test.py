@@ -181,9 +181,12 @@ class Levels(Case):
                                                                 "l": [{"y": 5}]}]}))
         said = self.convert("in.json", "out.csv")
         for part in ("Repeated parts of the records that are not read: l", "Values outside of the records that are not read: total",
-                     "differ only in letter case are told apart by their order in each record: a",
-                     "no path can express are not read (count in the sample: 1, first ' c ')"):
+                     "Warning: names that differ only in letter case are told apart by their order in each record: a",
+                     "Warning: elements whose names no path can express are not read (count in the sample: 1, first ' c ')"):
             self.assertIn(part, said)
+        self.put("deep.json", '{"a":' * 70 + "1" + "}" * 70)
+        self.assertRegex(self.convert("deep.json", "out.csv"),
+                         r"Warning: elements beyond the limits of the sample are not read \(count in the sample: [1-9], first 'a'\)")
         # Repeated names that differ only in letter case: every one has its column.
         self.put("case.json", '[{"A":1,"A":2,"a":3,"b":{"c":4,"C":5,"C":6}}]')
         self.convert("case.json", "out.csv")
@@ -220,7 +223,7 @@ class Levels(Case):
         self.convert("two.json", "out.csv", "--table", "2")
         self.assertEqual(self.content("out.csv"), b"y,z\n1,2\n")
         self.assertEqual(self.convert("two.json", "out.csv", "--quiet"), "")
-        self.assertIn("no table number 3 among the 2", self.convert("two.json", "out.csv", "--table", "3", status=1))
+        self.assertIn("Error: there is no table number 3 among the 2 of the file", self.convert("two.json", "out.csv", "--table", "3", status=1))
 
     def test_pages(self):
         self.put("page.html", "<html><body><table><tr><td>menu</td></tr></table><p>x<table class=data><thead><tr><th>Name<th>Price"

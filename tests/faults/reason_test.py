@@ -162,7 +162,7 @@ class Reasons(unittest.TestCase):
                 ("b.xlsx", changed(good, b"PK\1\2", 8, 1), "is encrypted"),
                 ("c.xlsx", changed(good, b"PK\1\2", 16, good[good.find(b"PK\1\2") + 16] ^ 1), "is damaged"),
                 ("d.xlsx", archive(("x", b"", 0)), "is not there"),
-                ("e.xlsx", b"", "the file is empty: createIfNotExists='1'")):
+                ("e.xlsx", b"", "the file is empty: createIfNotExists='1' begins a new workbook")):
             with self.subTest(name=name):
                 (self.folder / name).write_bytes(content)
                 self.check_refused(READERS["csv"].format("in.csv"), update.format(name), reason)
