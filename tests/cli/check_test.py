@@ -167,6 +167,10 @@ class Mistakes(Case):
             (1, "g.graph:3: the value 'left' of 'x' is not allowed; allowed: a decimal number; the graph uses 0")])
         self.assertEqual([level for level, _ in self.problems("run", status=0)], [2, 2])
 
+    def test_a_valid_graph_is_counted(self):
+        self.graph(self.writer("<writeCSV fileName='o.csv'/>"))
+        self.assertEqual(self.corvanta("check", "g.graph").stdout, "g.graph: 2 actions, 1 links: valid\n")
+
 
 class Missing(Case):
     def test_inputs(self):

@@ -185,8 +185,8 @@ class Levels(Case):
                      "Warning: elements whose names no path can express are not read (count in the sample: 1, first ' c ')"):
             self.assertIn(part, said)
         self.put("deep.json", '{"a":' * 70 + "1" + "}" * 70)
-        self.assertRegex(self.convert("deep.json", "out.csv"),
-                         r"Warning: elements beyond the limits of the sample are not read \(count in the sample: [1-9], first 'a'\)")
+        self.assertIn("Warning: elements beyond the limits of the sample are not read (count in the sample: 1, first 'a')",
+                      self.convert("deep.json", "out.csv"))
         # Repeated names that differ only in letter case: every one has its column.
         self.put("case.json", '[{"A":1,"A":2,"a":3,"b":{"c":4,"C":5,"C":6}}]')
         self.convert("case.json", "out.csv")

@@ -1,12 +1,14 @@
 #!/usr/bin/python3
 """Inputs of gigabytes: large_input_test.py CORVANTA
 
-head and schema are fast and need little memory; an interrupted conversion leaves no target.
+head and schema are fast and need little memory; an interrupted conversion leaves no target. What must fit in memory is refused when it
+is larger than 1 GiB.
 """
 import json
 import os
 import pathlib
 import random
+import shutil
 import signal
 import struct
 import subprocess
@@ -16,6 +18,8 @@ import time
 
 CORVANTA = str(pathlib.Path(sys.argv[1]).resolve())
 HUGE = 4 << 30
+LIMIT = 1 << 30
+SOURCE = pathlib.Path(__file__).parents[2]
 SECONDS = 2
 MEBIBYTES = 150
 
@@ -83,11 +87,28 @@ def check_interrupts(folder):
     assert interrupted > 0, "no conversion was interrupted: the table is too small"
 
 
+def check_refusals(folder):
+    """A record, and a memo file that is read whole."""
+    (folder / "in.csv").write_text("a")
+    for source, name in (("people.dbf", "people.dbf"), ("PEOPLE.Fpt", "people.fpt")):
+        shutil.copy(SOURCE / "tests/graphs/read_xbf/memo_in_ram" / source, folder / name)
+    for name, element, message in (
+            ("in.csv", "<readCSV fileName='in.csv'/>", f"Error: readCSV: file '{folder}/in.csv', line 1: the record is longer than 1 GiB\n"),
+            ("people.fpt", "<ReadXBF fileName='people.dbf' dbtInRam='1'/>",
+             f"ERROR: the memo file '{folder}/people.fpt' is too large to be kept in memory\n")):
+        os.truncate(folder / name, LIMIT + (2 << 20))
+        (folder / "case.graph").write_text(f"<graph version='4.11'><action id='in'>{element}</action></graph>")
+        done = subprocess.run([CORVANTA, "run", "case.graph"], cwd=folder, stderr=subprocess.PIPE, text=True, check=False)
+        assert (done.returncode, done.stderr) == (1, f"[in] {message}"), done
+        (folder / name).unlink()
+
+
 def main():
     with tempfile.TemporaryDirectory(prefix="corvanta_large_") as name:
         folder = pathlib.Path(name)
         check_answers(folder)
         check_interrupts(folder)
+        check_refusals(folder.resolve())
 
 
 main()

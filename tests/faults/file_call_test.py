@@ -19,6 +19,9 @@ import small_runs
 CORVANTA, FAILING_CALLS, SECONDS = sys.argv[1:4]
 ERRORS = [errno.EIO, errno.EACCES, errno.EMFILE, errno.ENOSPC]
 HANGS = 60  # seconds
+# Messages of calls that fail rarely; every run of the test provokes each.
+PROVOKED = ["Error: cannot write file '", "ERROR: cannot finalize XLSX file '", "WARNING: failed attempt to rename '",
+            "ERROR cannot rename Parquet file '"]
 
 
 class FileCalls(unittest.TestCase):
@@ -27,6 +30,7 @@ class FileCalls(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.folder)
         self.count = self.folder.with_suffix(".count")
         self.addCleanup(self.count.unlink, missing_ok=True)
+        self.messages = ""
         self.files = small_runs.Folder(CORVANTA, self.folder)
 
     def run_with(self, case, **environment):
@@ -41,6 +45,7 @@ class FileCalls(unittest.TestCase):
 
     def check(self, case, new, printed, call, error):
         done = self.run_with(case, FAIL_AT=str(call), FAIL_ERROR=str(error))
+        self.messages += done.stderr
         what = f"{case.name}, call {call}, {errno.errorcode[error]}: {done.stderr}"
         found = {name: self.files.content(name) for name in case.targets}
         others = self.files.others(case)
@@ -71,6 +76,7 @@ class FileCalls(unittest.TestCase):
                     with self.subTest(case=case.name, call=call):
                         statuses.add(self.check(case, new, printed, call, ERRORS[(call + turn) % len(ERRORS)]))
         self.assertEqual(statuses, {0, 1, 2})
+        self.assertEqual([text for text in PROVOKED if text not in self.messages], [])
 
 
 if __name__ == "__main__":

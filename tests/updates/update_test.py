@@ -12,6 +12,7 @@ import sys
 import tempfile
 import unittest
 import xml.etree.ElementTree as ElementTree
+import zipfile
 
 from workbooks import IN_CSV, MAIN, OFFICE, PACKAGE, files, members, odd_parts, plain_parts, run_update, write_workbook
 
@@ -221,15 +222,36 @@ class Messages(UpdateCase):
         self.assertEqual(names, ["n" * 31, "n" * 29 + "_2"])
 
     def test_styles_that_cannot_take_ours(self):
-        for styles, warning in ((None, 1), (f"<styleSheet xmlns='{MAIN}'/>", 2)):
+        for styles, warning in ((None, "Warning: Cannot add new Cell Styles (1) inside Excel file"),
+                                (f"<styleSheet xmlns='{MAIN}'/>", "Warning: Cannot add new Cell Styles (2) inside Excel file")):
             parts = {**plain_parts(), "xl/styles.xml": styles}
             if styles is None:
                 del parts["xl/styles.xml"]
-            expected = (0, [f"Warning: Cannot add new Cell Styles ({warning}) inside Excel file"])
-            self.assertEqual(self.update("mode='1' sheetName='New'", parts), expected)
+            self.assertEqual(self.update("mode='1' sheetName='New'", parts), (0, [warning]))
             new = members(self.book)
             self.assertEqual(len(ElementTree.fromstring(new["xl/styles.xml"]).find(SHEET + "cellXfs")), 3)
             self.assertIn(b' s="1"><v>45351', new["xl/worksheets/sheet3.xml"])
+
+    def test_a_sheet_beyond_the_limits_is_written_with_a_warning(self):
+        self.assertEqual(self.update("mode='2' sheetName='Data' startRow='1048577'", plain_parts()), (0, [
+            "Warning: You won't be able to open the Excel file 'book.xlsx' inside MS-Excel because it's too large (nRows>1048576). "
+            "However, you can still use the file with Corvanta.\n"]))
+        self.assertIn(b'<row r="1048578"', members(self.book)["xl/worksheets/sheet1.xml"])
+        columns = 16_385 - 4
+        csv = "id,name,day,link" + "".join(f",c{n}" for n in range(columns)) + "\n1,,," + "," * columns + "\n"
+        self.assertEqual(self.update("mode='1' sheetName='New'", plain_parts(), csv=csv), (0, [
+            "Warning: You won't be able to open the Excel file 'book.xlsx' inside MS-Excel because it's too large (nColumns>16384). "
+            "However, you can still use the file with Corvanta.\n"]))
+
+    def test_a_member_without_a_name_is_refused(self):
+        write_workbook(self.book, plain_parts())
+        with zipfile.ZipFile(self.book, "a") as package:
+            member = zipfile.ZipInfo("x")
+            member.filename = ""
+            package.writestr(member, b"text")
+        before = self.book.read_bytes()
+        self.assertEqual(self.update("mode='1'"), (1, ["\nERROR: cannot open file '' in the zipfile for write"]))
+        self.assertEqual((self.book.read_bytes(), files(self.folder)), (before, ["book.xlsx"]))
 
     def test_an_empty_input_swaps_nothing(self):
         header = "id,name,day,link\n"
@@ -243,11 +265,11 @@ class Messages(UpdateCase):
         # The recalculation runs nevertheless.
         self.assertEqual(messages.pop(), "Warning: cannot run MS-Excel to finalize XLSX file 'book.xlsx'\n")
         self.assertEqual((self.folder / "started").read_text(), "\n")
-        pair = r"'book\.xlsx_tmp_1_\d+' to 'book\.xlsx'"
+        pair = r"book\.xlsx_tmp_1_\d+' to 'book\.xlsx'"
         for message in messages[:-1]:
-            self.assertRegex(message, f"^WARNING: failed attempt to rename {pair}$")
+            self.assertRegex(message, f"^WARNING: failed attempt to rename '{pair}$")
         self.assertEqual(len(messages), 6)
-        self.assertRegex(messages[-1], f"^ERROR: impossible to rename {pair}$")
+        self.assertRegex(messages[-1], f"^ERROR: impossible to rename '{pair}$")
         self.assertEqual((self.book.read_bytes(), files(self.folder)), (before, ["book.xlsx", "soffice", "started"]))
         self.assertEqual(self.update("mode='4' fileNameSource='book.xlsx'", csv=header),
                          (0, ["Warning: the Excel file 'book.xlsx' is not written: the input has no rows (alwaysWrite='1' writes its header).\n"]))

@@ -103,6 +103,10 @@ put("integers_negative", a=foreign(TABLE, "K,U", "keyStorage='1'", [(struct.pack
 DAMAGED_COLUMN = with_fewer_values(FIRST, 0)
 put("column_damaged", a=DAMAGED_COLUMN, b=FIRST, c=FIRST.replace(b"one", b"tne"))
 put("column_damaged_later", a=FIRST, b=DAMAGED_COLUMN, c=SECOND)
+ONE_VALUE, NO_VALUE = b"\x2c\x15\x02", b"\x2c\x15\0"  # in the header of a page
+MANY = parquet(",".join(f"c{i}" for i in range(13)) + "\n" + ",".join("1" * 13) + "\n", ",".join("K" * 13))
+FIRST_PAGE = MANY.find(ONE_VALUE) + len(ONE_VALUE)
+put("columns_damaged", a=MANY[:FIRST_PAGE] + MANY[FIRST_PAGE:].replace(ONE_VALUE, NO_VALUE, 12))
 PACKED = gzip.compress(FIRST, mtime=0)
 for name, content in {"a": PACKED, "b": PACKED[:-20], "c": gzip.compress(SECOND, mtime=0)}.items():
     (HERE / "packed").mkdir(exist_ok=True)
