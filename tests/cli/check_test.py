@@ -288,6 +288,28 @@ class CommandLine(Case):
                 message = json.loads(done.stderr)
                 self.assertEqual((message["level"], message["severity"], done.stdout), (1, "error", ""), words)
 
+    def test_each_usage_error_says_what_is_wrong(self):
+        self.graph(self.writer("<writeCSV fileName='o.csv'/>"))
+        for words, text in {
+                "": "a command is required", "run": "one graph file is required", "head": "one file is required",
+                "convert in.csv": "an input and an output file are required", "describe": "one action type is required",
+                "actions x": "no argument is expected",
+                "head --colour in.csv": "unknown option '--colour'; the nearest known name is '--reader'",
+                "head in.csv -n x": "-n needs a number of rows",
+                "head in.csv --log-format xml": "--log-format must be text or json, --progress must be auto, always or never",
+                "head in.csv --table 0": "--table needs a table number, from 1",
+                "head in.csv --table 2": "--table: 'in.csv' does not contain several tables",
+                "run g.graph --set": "the option '--set' needs a value",
+                "run g.graph --set x": "'x' is not of the form NAME=VALUE",
+                "run g.graph --tap x": "'x' is not of the form ID:PIN=FILE.csv",
+                "run g.graph --tap x:0=t.csv": "the graph has no output pin 'x:0' to tap",
+                "convert in.csv o.csv --reader nme=1": "unknown parameter 'nme' of readCSV; the nearest known name is 'types'",
+                "convert in.csv o.csv --reader header=maybe": "invalid value 'maybe' for parameter 'header' of readCSV (allowed: 0, 1)",
+                "convert in.csv o.csv --reader separator=\1": "a name or value contains characters that a graph cannot contain",
+                "convert in.pdf o.csv": "no action reads files with the extension of 'in.pdf' (supported: csv ",
+                "describe readXSV": "unknown action 'readXSV'; the nearest known name is 'readCSV' (\"corvanta actions\" lists all actions)"}.items():
+            self.assertIn(f": {text}", self.corvanta(*words.split(" ") if words else (), status=2).stderr)
+
     def test_output_that_cannot_be_written(self):
         for words in ("actions", "describe readCSV", "head in.csv", "schema in.csv", "--version", "help"):
             for target in ("/dev/full", None):
