@@ -98,6 +98,9 @@ void copyPermissions(const QString &from, const QString &to);
 /// its last folders need not exist: a link without a file leads to the file that writing would
 /// create. Returns nothing for links in a circle.
 std::optional<QString> finalName(const QString &name);
+/// A text that is the same for all names (hard links) of an existing file; empty for a file that
+/// has one name.
+QString identityOfLinkedFile(const QString &name);
 /// Whether both names refer to the same existing file.
 bool isSameFile(const QString &a, const QString &b);
 /// Whether the file, or the folder of a file that does not exist yet, is on NFS or SMB.

@@ -334,6 +334,15 @@ std::optional<QString> finalName(const QString &name)
     return followed(QDir::current().absoluteFilePath(name), kMaxLinks);
 }
 
+QString identityOfLinkedFile(const QString &name)
+{
+    struct stat facts = {};
+    const bool isLinked = ::stat(native(name).constData(), &facts) == 0 && S_ISREG(facts.st_mode) &&
+                          facts.st_nlink > 1;
+    return isLinked ? QStringLiteral("%1:%2").arg(quint64(facts.st_dev)).arg(quint64(facts.st_ino))
+                    : QString();
+}
+
 bool isSameFile(const QString &a, const QString &b)
 {
     struct stat first = {};

@@ -111,6 +111,13 @@ class SameFile(unittest.TestCase):
         self.assertEqual(self.sheets(), {"A": 4, "B": 4})
         self.assertTrue((self.folder / "l.xlsx").is_symlink())
 
+    def test_hard_links_to_one_file_take_turns(self):
+        self.table("b", 40_000)  # more than the queues hold
+        (self.folder / "z.json").touch()
+        (self.folder / "h.json").hardlink_to(self.folder / "z.json")
+        self.run_graph(CSV.format("b"), JSON.format(1), JSON.format(1).replace("z.json", "h.json"), links="a0 a1,a0 a2")
+        self.assertEqual(len(json.loads("[" + (self.folder / "h.json").read_text().replace("][", "],[") + "]")), 2)
+
     def test_a_copy_onto_itself_is_an_update(self):
         copy = "<writeExcel mode='3' fileNameSource='z.xlsx' fileNameDestination='z.xlsx' sheetName='B'/>"
         self.run_graph(CSV.format("a"), CREATE.format("A"), copy, links="a0 a1,a1 a2")

@@ -12,7 +12,7 @@ enum class Error : quint8 {
     BadFooter = 3,
     /// There is not enough memory, or a compression library failed.
     NoMemory = 4,
-    /// The metadata cannot be read completely.
+    /// The metadata cannot be read completely, or the system refuses to read a page.
     ShortRead = 5,
     /// The bytes of a record are not a valid Thrift record.
     BadThrift = 11,

@@ -115,7 +115,7 @@ ColumnReader::Done ColumnReader::nextPage()
     }
     const auto page = m_pages.next();
     if (!page) {
-        return bad(page.fault().detail);
+        return bad(page.fault().detail, page.fault().code);
     }
     if (page->numValues < 0) {
         return bad(u"a page has a negative number of values"_s);

@@ -65,7 +65,10 @@ Result<void, Error> PageReader::fill(size_t maxBytes, const QString &failure)
     }
     const auto wanted = static_cast<qint64>(maxBytes - m_end);
     const qint64 got = m_file.readAt(m_fileAt, m_buffer.data() + m_end, wanted);
-    if (got < 1) {
+    if (got < 0) {
+        return Fault{Error::ShortRead, u"a page cannot be read"_s};
+    }
+    if (got == 0) {
         return bad(failure);
     }
     m_isFileEnd = got < wanted;
@@ -115,8 +118,12 @@ Result<std::span<const uchar>, Error> PageReader::readBody(qint64 bytes)
     m_begin += buffered;
     const auto missing = static_cast<qint64>(size - buffered);
     if (missing > 0) {
-        if (m_file.readAt(m_fileAt, body + buffered, missing) != missing) {
-            return bad(u"a page cannot be read"_s);
+        const qint64 got = m_file.readAt(m_fileAt, body + buffered, missing);
+        if (got < 0) {
+            return Fault{Error::ShortRead, u"a page cannot be read"_s};
+        }
+        if (got != missing) {
+            return bad(u"the file ends in a page"_s);
         }
         m_fileAt += missing;
     }

@@ -72,7 +72,9 @@ void TableReader::stop()
 /// column's own, or no other column is left.
 bool TableReader::skip(size_t column, const Fault<Error> &fault)
 {
-    if (!m_skipsUnreadable || fault.code == Error::NoMemory || m_cursors.size() == 1) {
+    // Neither of the two codes means that the column is damaged.
+    if (!m_skipsUnreadable || fault.code == Error::NoMemory || fault.code == Error::ShortRead ||
+        m_cursors.size() == 1) {
         return false;
     }
     const auto at = static_cast<std::ptrdiff_t>(column);

@@ -64,7 +64,14 @@ public:
             return place.folder + "/\\*/"_L1 + place.entry; // no file name contains a slash
         }
         const QFileInfo info(of(use.name));
-        return info.exists() && !info.isFile() && !info.isDir() ? QString() : of(use.name);
+        if (info.exists() && !info.isFile() && !info.isDir()) {
+            return {};
+        }
+        // A file that is created replaces one of the names only.
+        const QString identity = use.access == Access::Create
+                                     ? QString()
+                                     : platform::identityOfLinkedFile(info.filePath());
+        return identity.isEmpty() ? of(use.name) : identity;
     }
     /// Whether a reader of `input`, a name or a pattern, reads the target.
     bool isRead(const TargetUse &target, const QString &input);
