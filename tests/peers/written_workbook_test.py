@@ -47,7 +47,7 @@ def write_csv(path, table):
 def run(folder, attributes="", types="K,F,U,U", dates="day", environment=None):
     graph = (f"<graph version='4.11'><action id='in'><readCSV fileName='in.csv' types='{types}'/></action>"
              f"<action id='book'><writeExcel fileNameDestination='book.xlsx' dateFormat='yyyy-MM-dd' {attributes}>"
-             f"<ToDate><s>{dates}</s></ToDate></writeExcel></action><link from='in:0' to='book:0'/></graph>")
+             f"{'<ToDate><s>' + dates + '</s></ToDate>' if dates else ''}</writeExcel></action><link from='in:0' to='book:0'/></graph>")
     (folder / "case.graph").write_text(graph)
     done = subprocess.run([CORVANTA, "run", str(folder / "case.graph"), "--log-format", "json"],
                           capture_output=True, text=True, env={**os.environ, **(environment or {})}, check=False)
@@ -125,7 +125,9 @@ class WrittenWorkbook(unittest.TestCase):
         self.assertEqual([m["message"] for m in messages],
                          [first] * 50 + ["One Cell is larger than 32768 chars: Excel will complain. Some more warnings won't be reported."])
         self.assertEqual(self.third_cell(), text)
-        self.assertEqual(run(self.folder, "crop='1'"), (0, []))
+        status, messages = run(self.folder, "crop='1'")
+        self.assertEqual((status, len(messages)), (0, 1))
+        self.assertIn("is cut to fewer than 32768 characters", messages[0]["message"])
         self.assertEqual(self.third_cell(), text[:32766])
 
     def third_cell(self):
