@@ -192,6 +192,29 @@ class Levels(Case):
         self.convert("case.json", "out.csv")
         self.assertEqual(self.rows_of("out.csv"), [["A[0]", "A[1]", "a", "c", "C[0]", "C[1]"], ["1", "2", "3", "4", "5", "6"]])
 
+    def test_text_and_values_next_to_the_records_are_no_records(self):
+        error = "\nInternal Server Error 500\n"
+        stray = "text outside of the values of file '.*in.json' is not read \\(count: %s, first at line 2, column 1\\)"
+        single = "single values among the records of file '.*in.json' give rows without a value \\(count: %s, first at line 2, column 1\\)"
+        for document, ids, message in (
+                ('[{"id":1},{"id":2}]' + error, ["1", "2"], stray % 1), ('[{"id":1},{"id":2}]\n5\n6', ["1", "2", "", ""], single % 2),
+                ('{"id":1}' + error + '{"id":2}', ["1", "2"], stray % 1), ('{"id":1}\n5\n{"id":2}', ["1", "", "2"], single % 1),
+                ('{"d":[{"id":1},{"id":2}]}' + error, ["1", "2"], stray % 1), ('{"d":[{"id":1},{"id":2}]}\n5', ["1", "2"], stray % 1),
+                ('[{"id":1}]\noops\n{"id":2}\n{"id":3}', ["1", "2", "3"], stray % 1)):
+            self.put("in.json", document)
+            said = self.convert("in.json", "out.csv")
+            self.assertEqual(self.content("out.csv").decode().splitlines(), ["id", *ids], document)
+            self.assertRegex(said, message, document)
+            self.assertNotRegex(said, "Values outside of the records that are not read: *$", document)
+        for document, text in (("5\noops\n6", ["5", "6"]), ("[1,2]\noops", ["1", "2"])):
+            self.put("in.json", document)
+            self.assertRegex(self.convert("in.json", "out.csv"), stray % 1, document)
+            self.assertEqual(self.content("out.csv").decode().splitlines(), ["value", *text], document)
+        self.put("in.xml", "<a><i>1</i><i>2</i></a>stray")
+        self.assertRegex(said := self.convert("in.xml", "out.csv"), "text outside of the values")
+        self.assertNotIn("Values outside", said)
+        self.assertEqual(self.rows_of("out.csv"), [["i"], ["1"], ["2"]])
+
     def test_values_that_repeat_only_after_the_sample_are_counted(self):
         self.put("late.jsonl", '{"id":1}\n{"id":2,"id":3}\n')
         said = self.convert("late.jsonl", "out.csv", "--reader", "autoFillNRows=1")

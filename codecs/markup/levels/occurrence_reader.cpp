@@ -49,7 +49,7 @@ void OccurrenceReader::beginDocument(MarkupTokenizer &tokenizer)
     m_json = dynamic_cast<JSONTokenizer *>(&tokenizer);
     m_tokenizer->setBalanced(true);
     m_tokenizer->setDocumentMarks(true);
-    if (m_json != nullptr && !m_first.readsOwnText()) {
+    if (m_json != nullptr) {
         m_json->setStrayTextHandler([this] {
             m_unread.strayTexts.add([this] { return placeText(m_tokenizer->tokenStart()); });
         });
@@ -95,6 +95,7 @@ void OccurrenceReader::endDocument()
         return;
     }
     const LineCounter position = m_tokenizer->position();
+    m_tokenizer->unpin(); // after an error, a record is still held
     const qint64 bytes = m_tokenizer->discardRest();
     if (bytes > 0 && m_unread.bytesAfterNul == 0) {
         m_unread.nulPlace = placeText(position);
@@ -148,7 +149,8 @@ OccurrenceReader::Found OccurrenceReader::readToken()
     case Token::Error:
         return faultHere(m_tokenizer->errorCode());
     case Token::Text:
-        if (m_json == nullptr && !m_isHtml && m_tokenizer->depth() == 0) {
+        // XML outside of the document element, or a JSON value that no path leads into.
+        if (!m_isHtml && m_tokenizer->depth() == 0) {
             m_unread.strayTexts.add([this] { return placeText(m_tokenizer->tokenStart()); });
         }
         return kNoOccurrence;

@@ -73,6 +73,12 @@ TEST(SampleLevels, AreDerivedFromTheShapeOfAJsonDocument)
             SampleCase{R"({"r":[]})", "||value="},
             SampleCase{"[]", "||value="},
             SampleCase{"", "||value="},
+            // Single values are records only among themselves.
+            SampleCase{"5\n[{\"a\":1},{\"a\":2}]\n6", "||a=a"},
+            SampleCase{"[{\"a\":1}]\n{\"b\":1}\n{\"b\":2}", "||a=a"},
+            SampleCase{"5\n[1,2]", "||value="},
+            SampleCase{"{\"r\":[{\"a\":1}]}\n5", "r||a=a"},
+            SampleCase{"5\n6", "||value="},
             SampleCase{"[{\"a\":1},{\"b\":", "||a=a"},
         }) {
         EXPECT_EQ(levelsOf(json), levels) << json;

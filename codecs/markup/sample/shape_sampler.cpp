@@ -56,6 +56,7 @@ public:
     ShapeSample read();
 
 private:
+    void dropStrayText();
     bool add(Token token);
     void beginValue();
     bool isTextSection() const;
@@ -66,14 +67,15 @@ private:
     size_t childOf(size_t parent, const std::u16string &name);
 
     MarkupTokenizer &m_tokenizer;
-    const JSONTokenizer *m_json;
+    JSONTokenizer *m_json;
     const XMLTokenizer *m_xml;
     qint64 m_records;
     bool m_clearIsText;
     ShapeSample m_sample;
     Shapes &m_shapes = m_sample.shapes;
     size_t m_current = 0;
-    qint64 m_unseen = 0; ///< open elements inside m_current that have no shape
+    qint64 m_topScalars = 0; ///< of the count of shape 0
+    qint64 m_unseen = 0;     ///< open elements inside m_current that have no shape
 };
 
 /// The shape of a child, new or known; kNoShape for a name that paths cannot express and when there
@@ -159,7 +161,9 @@ void ShapeSampler::beginValue()
     for (const size_t child : m_shapes[0].children) {
         m_shapes[child].inParent = 0;
     }
-    m_shapes[0].count += m_json->documentKind() == JSONTokenizer::DocumentKind::Array ? 0 : 1;
+    const auto kind = m_json->documentKind();
+    m_shapes[0].count += kind == JSONTokenizer::DocumentKind::Array ? 0 : 1;
+    m_topScalars += kind == JSONTokenizer::DocumentKind::Scalar ? 1 : 0;
 }
 
 bool ShapeSampler::isTextSection() const
@@ -196,12 +200,26 @@ bool ShapeSampler::add(Token token)
     }
 }
 
+/// Text at the top is a record only when there is nothing else: next to elements, arrays or objects
+/// the extractor counts it.
+void ShapeSampler::dropStrayText()
+{
+    if (m_shapes[0].holdsOthers()) {
+        m_shapes[0].hasText = false;
+        m_shapes[0].count -= m_topScalars;
+    }
+}
+
 ShapeSample ShapeSampler::read()
 {
+    if (m_json != nullptr) {
+        m_json->setStrayTextHandler([] {}); // the extractor does not read it, and reports it
+    }
     m_tokenizer.setDocumentMarks(true);
     m_tokenizer.setBalanced(true);
     for (qint64 tokens = 0; tokens < kMaxTokens && add(m_tokenizer.nextToken()); ++tokens) {
     }
+    dropStrayText();
     return std::move(m_sample);
 }
 

@@ -72,6 +72,7 @@ private:
     std::vector<size_t> descendants(size_t top) const;
     std::vector<size_t> findRecords() const;
     bool hasScalars() const;
+    bool isTopArray(size_t shape) const;
     QStringList valuesOutside(const std::vector<size_t> &records) const;
     size_t findInner(size_t record) const;
     SampledTable tableOf(size_t record) const;
@@ -123,10 +124,21 @@ bool TableFinder::hasScalars() const
     });
 }
 
+/// True for the items of arrays at the top that hold others. The extractor reads such items as
+/// records, also next to objects.
+bool TableFinder::isTopArray(size_t shape) const
+{
+    const Shape &at = m_shapes[shape];
+    return at.isItem && !at.isNamed && at.name.empty() && at.holdsOthers();
+}
+
 /// The shapes whose occurrences can be rows.
 std::vector<size_t> TableFinder::findRecords() const
 {
-    if (m_shapes[0].count > 1) {
+    const std::vector<size_t> &top = m_shapes[0].children;
+    const bool hasArray =
+        std::any_of(top.begin(), top.end(), [&](size_t child) { return isTopArray(child); });
+    if (m_shapes[0].count > 1 && !hasArray) {
         return {0}; // a stream of documents: each is a record
     }
     std::vector<size_t> containers;
