@@ -55,6 +55,7 @@ private:
     markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) override;
     void documentEnds(const QString &) override {}
     /// Structure errors fail the run or, with ignoreErrors, are warnings.
+    bool skipsFaults() const override { return m_params.ignoreErrors; }
     bool documentFails(const markup::MarkupResult &result, const QString &name,
                        const QString &why) override;
     /// Log where a structure error is: the column of the first character that is not expected, from

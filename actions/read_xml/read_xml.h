@@ -61,6 +61,7 @@ private:
     // Documents of LevelRun.
     markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) override;
     void documentEnds(const QString &name) override { warnDroppedBytes(name); }
+    bool skipsFaults() const override { return m_params.skipCorruptedFiles; }
     bool documentFails(const markup::MarkupResult &result, const QString &name,
                        const QString &why) override;
     bool isInsideValue() const override { return false; }

@@ -201,10 +201,15 @@ bool LevelRun::documentFails(markup::MarkupResult failure, Found *found)
     if (!m_action.runIsGood()) {
         return false;
     }
-    const bool goesOn = m_format.documentFails(failure, documentName(),
-                                               m_file == nullptr ? QString() : m_file->failure());
-    logReason(m_file == nullptr ? QString() : m_file->reason());
+    const QString why = m_file == nullptr ? QString() : m_file->failure();
+    const QString reason = m_file == nullptr ? QString() : m_file->reason();
+    if (!m_format.skipsFaults()) {
+        readToEnd(); // a run that has failed cannot read
+    }
+    const bool goesOn = m_format.documentFails(failure, documentName(), why);
+    logReason(reason);
     if (!goesOn) {
+        m_format.reportUnread(m_extractor.unread(), m_texts ? m_input.column : m_fileName);
         return false;
     }
     if (resumeDocument()) {
@@ -229,7 +234,7 @@ bool LevelRun::resumeDocument()
 }
 
 /// Look for what the document has after its data. Of a stream of texts, only in the current one.
-void LevelRun::endDocument()
+void LevelRun::readToEnd()
 {
     if (m_texts) {
         m_texts->stayInRow(true);
@@ -237,7 +242,13 @@ void LevelRun::endDocument()
     m_extractor.endDocument();
     if (m_texts) {
         m_texts->stayInRow(false);
-    } else {
+    }
+}
+
+void LevelRun::endDocument()
+{
+    readToEnd();
+    if (!m_texts) {
         m_format.reportUnread(m_extractor.unread(), m_fileName);
     }
 }

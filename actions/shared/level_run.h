@@ -47,6 +47,8 @@ public:
         virtual markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) = 0;
         /// The document was read to its end.
         virtual void documentEnds(const QString &name) = 0;
+        /// True when the format goes on after a structure error.
+        virtual bool skipsFaults() const = 0;
         /// The document is invalid. `why` is the message of the input file if that failed, else
         /// empty.
         virtual bool documentFails(const markup::MarkupResult &result, const QString &name,
@@ -98,6 +100,7 @@ private:
     bool documentFails(markup::MarkupResult failure, Found *found);
     bool resumeDocument();
     void endDocument();
+    void readToEnd();
     void reportMissingPaths(const QString &name);
     /// For messages: a position of the document, with the row of the pin.
     QString placeText(qint64 line, qint64 column) const;

@@ -215,6 +215,18 @@ class Levels(Case):
         self.assertNotIn("Values outside", said)
         self.assertEqual(self.rows_of("out.csv"), [["i"], ["1"], ["2"]])
 
+    def test_a_nul_inside_a_document_is_named(self):
+        for name, document, line, options in (
+                ("in.json", '[{"a":1},\0{"a":2}]', 10, ()), ("in.json", '[{"a":1},\n {"a"\0:2}]', 6, ()),
+                ("in.json", '[{"a":1},\n {"a"\0:2}]', 6, ("--reader", "ignoreErrors=1")),
+                ("in.json", '[{"a":1},{"a":"\0"}' + ' ' * 9_000_000 + ']', 16, ()),
+                ("in.xml", "<r><a>1</a>\0<a>2</a></r>", 12, ())):
+            self.put(name, document)
+            run = self.convert(name, "out.csv", *options, status=0 if options else 1)
+            self.assertIn("structure error", run)
+            left = len(document.partition("\0")[2])
+            self.assertRegex(run, rf"ends at a NUL character \(line \d, column {line}\); what follows is not read \(count: {left} bytes\)")
+
     def test_values_that_repeat_only_after_the_sample_are_counted(self):
         self.put("late.jsonl", '{"id":1}\n{"id":2,"id":3}\n')
         said = self.convert("late.jsonl", "out.csv", "--reader", "autoFillNRows=1")

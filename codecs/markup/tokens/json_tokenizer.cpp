@@ -254,7 +254,9 @@ bool JSONTokenizer::resume(Rewind rewind)
 {
     // Between the values, the line of the error is the current one.
     const bool hasSeveralLines = m_state != State::Top && hasBreakSinceMark();
-    if (!recover()) {
+    // Where a NUL cut a document off, no line begins: discardRest() then counts what follows.
+    const bool isCut = hasSeveralLines && rewind == Rewind::Never && isEndedByNul();
+    if (isCut || !recover()) {
         return false;
     }
     m_state = State::Top;

@@ -153,8 +153,12 @@ public:
     /// Why the last token is Error; None before that.
     MarkupError errorCode() const { return m_error; }
 
-    /// After EndOfData: true when a NUL in the data ended it.
-    bool isEndedByNul() const { return m_token == Token::EndOfData && here() != end(); }
+    /// After EndOfData or Error: true when a NUL in the data ended it.
+    bool isEndedByNul() const
+    {
+        const bool isAtNul = here() != end() && *here() == 0;
+        return isAtNul && (m_token == Token::EndOfData || m_token == Token::Error);
+    }
     /// After isEndedByNul(): read and discard everything after the NUL, up to the end of the source
     /// or its failure. Returns the number of bytes, as UTF-8; 0 if all are NULs and spaces.
     qint64 discardRest();
