@@ -15,16 +15,6 @@ namespace corvanta {
 
 namespace {
 
-/// The nearest folder above `file` that exists, or what is in its place.
-QFileInfo existingAbove(const QString &file)
-{
-    QFileInfo above(QFileInfo(file).absolutePath());
-    while (!above.exists() && !above.isRoot()) {
-        above.setFile(above.absolutePath());
-    }
-    return above;
-}
-
 /// For a file whose folder does not exist.
 QString noFolderText(const QString &file, FileUse use)
 {
@@ -88,7 +78,6 @@ constexpr std::array kFixedTexts{
     FixedText{ENOMEM, "there is not enough memory"},
     FixedText{EIO, "the device reports an error"},
     FixedText{EXDEV, "the temporary file is on another file system"},
-    FixedText{ESPIPE, "it is a pipe or a device, which is only read from start to end"},
     FixedText{EPIPE, "the program that reads the pipe has ended"},
     FixedText{EBUSY, "another program uses the file"},
     FixedText{ETXTBSY, "another program uses the file"},
@@ -106,6 +95,11 @@ QString wordsFor(const QString &file, FileUse use, int number)
     case EACCES:
     case EPERM:
         return noPermissionText(file, use);
+    case ESPIPE:
+        return use == FileUse::Read
+                   ? u"it is a pipe or a device, which is only read from start to end"_s
+                   : u"it is a pipe or a device, but the format needs a file that can be changed "
+                     "before its end: write to a file and copy it"_s;
     default:
         break;
     }
@@ -118,6 +112,15 @@ QString wordsFor(const QString &file, FileUse use, int number)
 }
 
 } // namespace
+
+QFileInfo existingAbove(const QString &file)
+{
+    QFileInfo above(QFileInfo(file).absolutePath());
+    while (!above.exists() && !above.isRoot()) {
+        above.setFile(above.absolutePath());
+    }
+    return above;
+}
 
 QString failureReason(const QString &file, FileUse use, SystemError error,
                       const QString &folderRemedy)

@@ -232,6 +232,13 @@ bool TargetFile::write(const void *bytes, qint64 n)
     return retried([&] { return m_file->write(bytes, n); });
 }
 
+bool TargetFile::seek(qint64 offset)
+{
+    const bool done = m_file->seek(offset);
+    m_error = done ? m_error : m_file->error();
+    return done;
+}
+
 bool TargetFile::flush()
 {
     return retried([&] { return m_file->flush(); });

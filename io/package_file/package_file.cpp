@@ -53,6 +53,11 @@ bool PackageOutput::open(const QString &name, TargetFile::Options target,
     if (!m_target.open(name, std::move(target))) {
         return false;
     }
+    // The writer goes back to the header of each member; a pipe would get a part of the package.
+    if (!m_target.seek(0)) {
+        m_target.discard();
+        return false;
+    }
     // Each stage refers to the one before it: release() ends them in reverse order.
     ByteSink *sink = &m_target;
     if (KobiFileInfo::isNetDrive(name)) {

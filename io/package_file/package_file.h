@@ -39,8 +39,8 @@ private:
 class PackageOutput
 {
 public:
-    /// Returns false when the file cannot be created. `target.retryWrite` is called on the thread
-    /// that calls writer() or on one of the writer's worker threads, one at a time.
+    /// Returns false when the file cannot be created, and for a pipe. `target.retryWrite` is called
+    /// on the thread that calls writer() or on one of the writer's worker threads, one at a time.
     bool open(const QString &name, TargetFile::Options target,
               const deflate::StreamOptions &options = {});
     bool isOpen() const { return m_writer != nullptr; }

@@ -204,6 +204,28 @@ class Reasons(unittest.TestCase):
         self.assertEqual((self.folder / "p.csv.txt").read_bytes(), (self.folder / "q.csv.txt").read_bytes())
         self.check_refused(READERS["json"].format("p.zip"), WRITERS["csv"].format("out.csv"), "only read from start to end")
 
+    def test_a_workbook_is_not_written_to_a_pipe(self):
+        os.mkfifo(self.folder / "p.xlsx")
+        got = []
+        thread = threading.Thread(target=lambda: got.append((self.folder / "p.xlsx").read_bytes()), daemon=True)
+        thread.start()
+        self.check_refused(READERS["csv"].format("in.csv"), WRITERS["xlsx"].format("p.xlsx"), "it is a pipe or a device")
+        thread.join(10)
+        self.assertEqual(got, [b""])
+
+    def test_the_reason_while_a_packed_file_is_awaited(self):
+        reader = READERS["json"].format("no.json.gz").replace("<readJSON", "<readJSON timeOut='-1'")
+        (self.folder / "case.graph").write_text(
+            f"<graph version='4.11'><action id='a'>{reader}</action><action id='b'><writeCSV fileName='o.csv'/></action>"
+            "<link from='a:0' to='b:0'/></graph>")
+        with subprocess.Popen([CORVANTA, "run", "case.graph"], cwd=self.folder, stderr=subprocess.PIPE, text=True) as run:
+            stop = threading.Timer(20, run.terminate)
+            stop.start()
+            found = [run.stderr.readline() for _ in range(2)]
+            run.terminate()
+            stop.cancel()
+        self.assertIn("there is no file of this name", "".join(found))
+
     def test_a_sample_takes_nothing_from_a_pipe(self):
         rows = [{"a": i, "b": "x" * 50} for i in range(20_000)]
         for name, content in (("p.json", json.dumps(rows).encode()), ("p.json.gz", gzip.compress(json.dumps(rows).encode()))):

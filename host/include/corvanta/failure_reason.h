@@ -7,6 +7,7 @@
 #include "base/system_error.h"
 #include "corvanta/export.h"
 
+#include <QFileInfo>
 #include <QString>
 
 class TargetFile;
@@ -15,6 +16,9 @@ namespace corvanta {
 
 /// What the failed call was to do.
 enum class FileUse { Read, Write };
+
+/// The nearest folder above `file` that exists, or what is in its place.
+CORVANTA_EXPORT QFileInfo existingAbove(const QString &file);
 
 /// The reason without a final full stop, for example "the disk is full (No space left on device)".
 /// Empty without an error. `folderRemedy` is added when a folder of the file is missing and could

@@ -82,7 +82,8 @@ public:
     // true, so that no caller needs a loop of its own. A write that is given up has written
     // nothing.
     bool write(const void *bytes, qint64 n) override;
-    bool seek(qint64 offset) override { return m_file->seek(offset); }
+    /// Returns false in a pipe, and in a device without positions.
+    bool seek(qint64 offset) override;
     qint64 position() const override { return m_file->position(); }
     bool flush() override;
 
