@@ -71,4 +71,12 @@ QString nearestNameHint(const QString &name, const QStringList &known)
     return nearest.isEmpty() ? QString() : u"; the nearest known name is '%1'"_s.arg(nearest);
 }
 
+QString closeNameHint(const QString &name, const QStringList &known)
+{
+    const QString nearest = nearestName(name, known);
+    const int changes = distance(name.left(kMaxChars).toLower(), nearest.left(kMaxChars).toLower());
+    return 2 * changes <= std::max(name.size(), nearest.size()) ? nearestNameHint(name, known)
+                                                                : QString();
+}
+
 } // namespace corvanta

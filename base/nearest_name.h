@@ -13,4 +13,8 @@ QString nearestName(const QString &name, const QStringList &known);
 /// "; the nearest known name is 'NAME'" for the end of a message; empty if there is none.
 QString nearestNameHint(const QString &name, const QStringList &known);
 
+/// The same, but empty when more than half of the longer name would have to change: the user then
+/// means something else.
+QString closeNameHint(const QString &name, const QStringList &known);
+
 } // namespace corvanta
