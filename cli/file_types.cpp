@@ -118,7 +118,7 @@ CommandResult<void> apply(const QStringList &settings, const QString &type,
         const int index = parameters->indexOfParameter(name);
         if (index < 0) {
             return badUsage(u"unknown parameter '%1' of %2%3"_s.arg(
-                name, type, nearestNameHint(name, namesOf(infos))));
+                name, type, closeNameHint(name, namesOf(infos))));
         }
         // The second and later settings of a list append to it; the first one replaces it.
         const bool isNextString =
@@ -177,6 +177,14 @@ CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const ActionRegistry &
     // Absolute, because the graph has no file whose folder a relative name could start from.
     parameters->setParameterValue(fileParameter(*parameters, use),
                                   QDir::current().absoluteFilePath(fileName));
+    for (const QString &setting : settings) {
+        if (setting.startsWith(attribute + u'=')) {
+            return badUsage(
+                u"'%1': the file to %2 is the argument '%3'; %4 cannot replace it"_s.arg(
+                    setting, use == FileFormat::Read ? u"read"_s : u"write"_s, fileName,
+                    use == FileFormat::Read ? u"--reader"_s : u"--writer"_s));
+        }
+    }
     // The settings of the user come last and win.
     for (const QStringList &some : {wordsOf(found->format->settings), settings}) {
         if (const auto applied = apply(some, type, parameters); !applied) {

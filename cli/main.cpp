@@ -110,7 +110,7 @@ Fault<ExitStatus> unknownCommand(const QString &name)
     for (const Command &command : kCommands) {
         known << QString::fromLatin1(command.name);
     }
-    return badUsage(u"unknown command '%1'%2"_s.arg(name, nearestNameHint(name, known)));
+    return badUsage(u"unknown command '%1'%2"_s.arg(name, closeNameHint(name, known)));
 }
 
 const Command *find(const QString &name)

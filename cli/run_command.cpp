@@ -55,7 +55,7 @@ CommandResult<void> checkUse(const QMap<QString, QString> &given, const Corvanta
     for (auto it = given.begin(); it != given.end(); ++it) {
         if (!used.contains(it.key())) {
             return badUsage(u"--set %1: the graph does not use the variable '%1'%2"_s.arg(
-                it.key(), nearestNameHint(it.key(), used)));
+                it.key(), closeNameHint(it.key(), used)));
         }
     }
     return {};

@@ -90,6 +90,12 @@ CommandResult<std::unique_ptr<Session>> Session::open(const CommandLine &line)
         return badUsage(
             u"--log-format must be text or json, --progress must be auto, always or never"_s);
     }
+    const QString encoding = line.value(u"--system-encoding"_s, QString());
+    if (!encoding.isEmpty() && !isKnownEncoding(encoding)) {
+        return badUsage(
+            u"--system-encoding: the encoding '%1' is unknown (windows-1252 is an example)"_s.arg(
+                encoding));
+    }
     setFailureStream(log->stream(), logFormat == "json"_L1);
     std::unique_ptr<Session> session(new Session(std::move(log)));
     const bool wantsProgress =
@@ -100,7 +106,7 @@ CommandResult<std::unique_ptr<Session>> Session::open(const CommandLine &line)
     session->m_timer.start();
     // Programs that parse JSON messages must get nothing else; the summary is a message.
     session->m_showsProgress = wantsProgress && logFormat == "text"_L1;
-    setSystemEncoding(line.value(u"--system-encoding"_s, QString()));
+    setSystemEncoding(encoding);
     return session;
 }
 

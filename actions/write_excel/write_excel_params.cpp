@@ -45,7 +45,9 @@ ParamGroup<P> cellRange()
     return {
         text("startRow", &P::startRow)
             .wholeNumber(0, std::numeric_limits<int>::max())
-            .otherwise("appends after the last row")
+            .otherwise(
+                "uses the whole part of a number from 1, at most 2147483647; else it appends "
+                "after the last row")
             .label("Overwrite sheet content starting at row:\n(use \"0\" to append rows at the end "
                    "of the sheet)")
             .meaning("First row that modes 2 and 4 overwrite; 0 appends after the last row."),

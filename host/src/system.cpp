@@ -3,6 +3,8 @@
 
 #include "base/platform/files.h"
 
+#include <iconv.h>
+
 #include <limits>
 #include <mutex>
 
@@ -43,6 +45,17 @@ void setSystemEncoding(const QString &name)
     SystemEncoding &encoding = systemEncoding();
     const std::lock_guard lock(encoding.mutex);
     encoding.name = name;
+}
+
+bool isKnownEncoding(const QString &name)
+{
+    const iconv_t handle = iconv_open("UTF-8", name.toUtf8().constData());
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): POSIX defines the result of a failure in this way
+    const bool isKnown = handle != reinterpret_cast<iconv_t>(-1);
+    if (isKnown) {
+        iconv_close(handle);
+    }
+    return isKnown;
 }
 
 int memConsumptionInByte(int percent)

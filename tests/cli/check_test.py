@@ -60,6 +60,7 @@ class Mistakes(Case):
              ["'ToWrite'", "more than once"]),
             ("<writeExcel fileNameDestination='o.xlsx' mode='9'/>", ["'9' of 'mode'", MODES, "creates a new workbook"]),
             ("<writeExcel fileNameDestination='o.xlsx' startRow='abc'/>", ["'abc' of 'startRow'", "a whole number from 0", "appends"]),
+            ("<writeExcel fileNameDestination='o.xlsx' startRow='2147483648'/>", ["'2147483648' of 'startRow'", "at most 2147483647"]),
             ("<writeExcel fileNameDestination='o.xlsx' crop='maybe'/>", ["'maybe' of 'crop'", "allowed: 0, 1", "uses 1"]),
             ("<writeExcel fileNameDestination='o.xlsx' dateFormatExcel='99'/>", ["'99' of 'dateFormatExcel'", "uses 11"]),
             ("<writeExcel fileNameDestination='o.xlsx' version='x'/>", ["'x' of 'version'", "a decimal number"]),
@@ -212,6 +213,20 @@ class Missing(Case):
             self.graph(reader=f"<{reader}/>")
             self.check(f"({reader}): 'fileName' is required and empty")
 
+    def test_folder_below_a_file(self):
+        self.graph(self.writer("<writeJSON createDir='1' fileName='in.csv/sub/o.json'/>"))
+        self.check("in.csv/sub' of the target does not exist, and '", "in.csv' is not a folder")
+
+    def test_unknown_variables_are_the_only_problem(self):
+        for reader, name in [("<readCSV fileName='in.csv' types='${y}'/>", "types"), ("<readCSV fileName='${y}.csv'/>", "fileName"),
+                             ("<readCSV fileName='in.csv' separator='${y}'/>", "separator")]:
+            self.graph(reader=reader)
+            self.check(f"uses the unknown variable '${{y}}' in '{name}'")
+        for parameters, name in [("sheetIdx='${y}'", "sheetIdx"), ("floatToString='${y}'", "floatToString"),
+                                 ("namedRange='${y}${y}'", "namedRange")]:
+            self.graph(self.writer(f"<writeExcel fileNameDestination='o.xlsx' {parameters}/>"))
+            self.check(f"uses the unknown variable '${{y}}' in '{name}'")
+
     def test_values_that_fail_a_run(self):
         self.graph(reader="<readCSV fileName='in.csv' separator=',,' types='K,X'/>")
         self.assertEqual([text.split(": ")[2] for _, text in self.problems("check", status=2)],
@@ -256,8 +271,27 @@ class CommandLine(Case):
                             ("convert in.csv o.xlsx --wrter mode=1", "--writer"), ("run g.graph --sett a=1", "--set"),
                             ("convert in.csv o.xlsx --writer sheetnam=x", "sheetName"), ("head in.csv --reader typs=K", "types")]:
             self.assertIn(f"; the nearest known name is '{name}'", self.corvanta(*words.split(), status=2).stderr, words)
+        for words in ("frobnicate", "run g.graph --foo", "convert in.csv o.xlsx --writer colomn=x", "describe nothing"):
+            self.assertNotIn("nearest", self.corvanta(*words.split(), status=2).stderr, words)
         self.graph("<action id='w'><writeExel/></action>")
         self.assertIn("'writeExel'; the nearest known name is 'writeExcel'", self.corvanta("run", "g.graph", status=2).stderr)
+
+    def test_graph_files_that_cannot_be_read(self):
+        for name, reason in [("no.graph", "there is no file of this name"), (".", "is a folder"), ("/dev/null", "not a regular file"),
+                             ("in.csv/x", "is not a folder"), ("no/x", "no' does not exist")]:
+            for command in ("run", "check"):
+                self.assertRegex(self.corvanta(command, name, status=2).stderr, f"cannot read the graph file: .*{reason}")
+
+    def test_names_that_are_arguments(self):
+        for words, option in [("--writer fileName=z.csv", "--writer"), ("--reader fileName=z.csv", "--reader")]:
+            error = self.corvanta("convert", "in.csv", "o.csv", *words.split(), status=2).stderr
+            self.assertRegex(error, f"'fileName=z.csv': the file to .* is the argument .*{option} cannot replace it")
+        self.assertFalse(any(self.folder.glob("[oz].csv")))
+
+    def test_system_encodings(self):
+        for words in ("head in.csv", "convert in.csv o.csv"):
+            self.assertIn("'nope' is unknown", self.corvanta(*words.split(), "--system-encoding", "nope", status=2).stderr)
+            self.corvanta(*words.split(), "--system-encoding", "ISO-8859-2")
 
     def test_values_of_parameters(self):
         (self.folder / "x.json").write_text('[{"a":1}]')

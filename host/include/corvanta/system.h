@@ -13,6 +13,9 @@ CORVANTA_EXPORT QString currentACPName();
 /// Make currentACPName() return `name`; an empty name ends the override.
 CORVANTA_EXPORT void setSystemEncoding(const QString &name);
 
+/// Whether texts in the encoding `name` can be converted.
+CORVANTA_EXPORT bool isKnownEncoding(const QString &name);
+
 /// `percent` of the cache budget of the process, 1 GiB, in bytes. Negative values count as 0; the
 /// result is at most the largest int.
 CORVANTA_EXPORT int memConsumptionInByte(int percent);

@@ -3,6 +3,7 @@
 #include "corvanta/action_parameters.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/corvanta_graph.h"
+#include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
 #include "corvanta/params/saved_form.h"
 #include "graph/problem_list.h"
@@ -73,6 +74,13 @@ private:
         const XMLNode child = m_action.parameters.getChildNode(parameter.toLatin1().constData());
         return child.isEmpty() ? m_action.parameters.line() : child.line();
     }
+    /// Such a text makes the graph invalid; without its value nothing else is known about it.
+    bool hasUnknownVariable(const QString &text) const
+    {
+        QStringList unknown;
+        m_item.globalParameters()->expandString(text, &unknown);
+        return !unknown.isEmpty();
+    }
     QString valueOf(const QString &name) const
     {
         const int index = m_parameters.indexOfParameter(name);
@@ -108,7 +116,7 @@ void ActionCheck::findMissing(const QStringList &earlier)
     checkValues();
     for (const TargetUse &target : m_parameters.targets()) {
         // An empty name is reported as a required value.
-        if (!target.name.isEmpty()) {
+        if (!target.name.isEmpty() && !hasUnknownVariable(target.name)) {
             checkTarget(target, earlier);
         }
     }
@@ -118,7 +126,7 @@ void ActionCheck::findMissing(const QStringList &earlier)
 void ActionCheck::checkValues()
 {
     for (const ParameterInfo &info : m_infos) {
-        if (!isNeeded(m_parameters, info)) {
+        if (!isNeeded(m_parameters, info) || hasUnknownVariable(valueOf(info.name))) {
             continue;
         }
         // A variable may be empty.
@@ -165,6 +173,9 @@ void ActionCheck::checkTarget(const TargetUse &target, const QStringList &earlie
         problem = u"the file '%1' does not exist"_s.arg(target.name);
     } else if (file.isDir()) {
         problem = u"the target '%1' is a folder"_s.arg(target.name);
+    } else if (const QFileInfo above = corvanta::existingAbove(target.name); !above.isDir()) {
+        problem = u"the folder '%1' of the target does not exist, and '%2' is not a folder"_s.arg(
+            folder.filePath(), above.filePath());
     } else if (!folder.isDir() && create != "1"_L1) {
         // Without a value the action has no such parameter.
         problem = u"the folder '%1' of the target does not exist%2"_s.arg(
@@ -197,6 +208,9 @@ void ActionCheck::checkLinks()
 void ActionCheck::checkOwnProblems()
 {
     for (const ParameterProblem &problem : m_parameters.problems()) {
+        if (hasUnknownVariable(valueOf(problem.parameter))) {
+            continue;
+        }
         const bool isError = problem.severity == ParameterProblem::Severity::Error;
         add(lineOf(problem.parameter), problem.text, isError ? Kind::Missing : Kind::Hint);
     }

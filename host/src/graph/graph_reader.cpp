@@ -2,10 +2,14 @@
 // only text that is not XML ends the reading immediately.
 #include "base/nearest_name.h"
 #include "corvanta/corvanta_graph.h"
+#include "corvanta/failure_reason.h"
+#include "corvanta/files.h"
 #include "graph/problem_list.h"
 
 #include <QFile>
 #include <QFileInfo>
+
+#include <cerrno>
 
 using namespace Qt::StringLiterals;
 using corvanta::Fault;
@@ -168,15 +172,32 @@ Fault<CorvantaGraph::Problems> faultWith(ProblemList problems, qint64 line, cons
     return {problems.problems()};
 }
 
+/// Why the file cannot be read; empty when it can.
+QString whyUnreadable(const QString &fileName)
+{
+    using corvanta::failureReason;
+    using corvanta::FileUse;
+    // A folder can be opened on some systems, but not read; a pipe would wait for its writer.
+    const QFileInfo info(fileName);
+    if (info.isDir()) {
+        return failureReason(fileName, FileUse::Read, {EISDIR});
+    }
+    if (info.exists() && !info.isFile()) {
+        return u"it is not a regular file"_s;
+    }
+    const auto opened = MyReadFile::open(fileName);
+    return opened ? QString() : failureReason(fileName, FileUse::Read, opened.fault().code);
+}
+
 } // namespace
 
 CorvantaGraph::Loaded CorvantaGraph::load(const QString &fileName)
 {
     const ProblemList problems(fileName);
     QFile file(fileName);
-    // A folder can be opened on some systems, but not read.
-    if (!QFileInfo(fileName).isFile()) {
-        return faultWith(problems, 0, u"cannot read the graph file"_s);
+    const QString reason = whyUnreadable(fileName);
+    if (!reason.isEmpty()) {
+        return faultWith(problems, 0, u"cannot read the graph file: %1"_s.arg(reason));
     }
     if (!file.open(QIODevice::ReadOnly)) {
         return faultWith(problems, 0, u"cannot read the graph file: %1"_s.arg(file.errorString()));

@@ -9,12 +9,13 @@
 
 using namespace Qt::StringLiterals;
 using corvanta::ActionRegistry;
-using corvanta::nearestNameHint;
+using corvanta::closeNameHint;
 using corvanta::ProblemList;
 
 namespace {
 
-/// Calls `visit(text, line)` for every attribute and text of an element and its descendants.
+/// Calls `visit(text, name, line)` for every attribute and text of an element and its descendants;
+/// the name of a text is that of its element.
 template <class F> void forEachText(const XMLNode &root, F visit)
 {
     // Not recursive: parameters may be nested deeply.
@@ -23,9 +24,10 @@ template <class F> void forEachText(const XMLNode &root, F visit)
     while (!open.isEmpty()) {
         const XMLNode node = open.takeLast();
         for (const QString &name : node.attributeNames()) {
-            visit(QString::fromUtf16(node.getAttribute(name.toLatin1().constData())), node.line());
+            visit(QString::fromUtf16(node.getAttribute(name.toLatin1().constData())), name,
+                  node.line());
         }
-        visit(node.text(), node.line());
+        visit(node.text(), node.getName(), node.line());
         for (int i = 0; i < node.nChildNode(); ++i) {
             open.append(node.getChildNode(i));
         }
@@ -39,7 +41,7 @@ void checkTypes(const CorvantaGraph &graph, const ActionRegistry &registry, Prob
             const QString type = action.parameters.getName();
             problems.add(action.parameters.line(),
                          u"the action '%1' has the unknown type '%2'%3"_s.arg(
-                             action.id, type, nearestNameHint(type, registry.typeNames())));
+                             action.id, type, closeNameHint(type, registry.typeNames())));
         }
     }
 }
@@ -142,12 +144,14 @@ void checkVariables(const CorvantaGraph &graph, const QMap<QString, QString> &gi
     GlobalParameters global;
     graph.applyTo(&global, given, QString());
     for (const CorvantaGraph::Action &action : graph.actions) {
-        forEachText(action.parameters, [&](const QString &text, int line) {
+        forEachText(action.parameters, [&](const QString &text, const QString &where, int line) {
             QStringList unknown;
             global.expandString(text, &unknown);
+            unknown.removeDuplicates();
             for (const QString &name : unknown) {
-                problems.add(line, u"the action '%1' uses the unknown variable '${%2}'"_s.arg(
-                                       action.id, name));
+                problems.add(line,
+                             u"the action '%1' uses the unknown variable '${%2}' in '%3'"_s.arg(
+                                 action.id, name, where));
             }
         });
     }
@@ -160,7 +164,7 @@ QStringList CorvantaGraph::usedVariables() const
     static const QRegularExpression variable(u"\\$\\{([^}]*)\\}"_s);
     QStringList used;
     for (const Action &action : actions) {
-        forEachText(action.parameters, [&](const QString &text, int) {
+        forEachText(action.parameters, [&](const QString &text, const QString &, int) {
             for (const QRegularExpressionMatch &match : variable.globalMatch(text)) {
                 used << match.captured(1);
             }

@@ -322,7 +322,11 @@ void Walk::expectNoText(const XMLNode &element, const QString &remedy)
 void Walk::checkValue(const XMLNode &element, const ParameterInfo &info, const QString &text)
 {
     const bool isExpanded = info.isExpanded && m_global != nullptr;
-    const QString value = isExpanded ? m_global->expandString(text) : text;
+    QStringList unknown; // reported for the graph; the value is then not known
+    const QString value = isExpanded ? m_global->expandString(text, &unknown) : text;
+    if (!unknown.isEmpty()) {
+        return;
+    }
     if (!isAllowedValue(info, value)) {
         add(element, u"the value '%1' of '%2' is not allowed; allowed: %3; the action %4"_s.arg(
                          value.left(100), info.name, allowedValues(info), effectOf(info, value)));
