@@ -364,10 +364,8 @@ void Run::Private::runAndClose(Node &node) noexcept
     if (!control.isRunning()) {
         releaseAll();
     }
-    attempt([&] {
-        waitForReaders(node);
-        closeAction(node);
-    });
+    attempt([&] { waitForReaders(node); });
+    attempt([&] { closeAction(node); }); // also after a failed wait: it removes what is unfinished
     sequence.setClosed(node.action->m_idx);
     // Send the end of the data last: an action's files are complete when the next action sees the
     // end.
