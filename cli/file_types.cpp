@@ -77,8 +77,8 @@ XMLNode parsed(const QString &element)
     return node ? *node : XMLNode::emptyNode();
 }
 
-/// Why the text is no value of the parameter, or an empty text. Unlike reading, which accepts any
-/// text, the command takes only values that are allowed.
+/// Why the text is not a value of the parameter, or an empty text. Unlike reading, which accepts
+/// any text, the command takes only values that are allowed.
 QString problemOf(const ParameterInfo &info, const QString &text)
 {
     if (info.type != ParameterInfo::Type::Structure) {

@@ -25,7 +25,7 @@ QByteArray packageOf(QByteArrayView parts)
     return package.sink.bytes();
 }
 
-/// Whether the text is well-formed XML. The limit of an outline is no property of a text.
+/// Whether the text is well-formed XML. The limit of the outline does not concern it.
 bool isXml(const QByteArray &text)
 {
     const auto outline = opc::Outline::read(text);

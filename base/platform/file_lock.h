@@ -11,7 +11,7 @@
 namespace corvanta::platform {
 
 /// Owns a lock. The destructor releases it, and so does the system when the process ends: no lock
-/// is left behind, and no file is needed for it.
+/// remains, and no file is needed for it.
 class FileLock
 {
 public:

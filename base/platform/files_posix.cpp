@@ -64,7 +64,7 @@ template <class F> auto repeated(F call)
     return result;
 }
 
-/// The text of a link; nothing if there is no link of that name.
+/// The text of a link; nothing if the name is not a link.
 std::optional<QString> linkText(const QString &name)
 {
     QByteArray text(PATH_MAX, Qt::Uninitialized);
