@@ -34,6 +34,8 @@ WRITERS = {"writeCSV": ("fileName", ".csv"), "writeJSON": ("fileName", ".json"),
 # These start programs, ask the system, or need texts of a grammar of their own.
 LEFT_ALONE = {"runExcel", "fileNameSource", "Prefix", "Suffix", "dateFormat", "floatToString", "Levels", "separator", "level", "compression"}
 COLUMN_PARAMETERS = {"testCol", "splitCol", "splitVar"}
+# Any number is a valid value of these.
+TAKES_ANY_NUMBER = {"nullNumber"}
 
 
 @dataclass
@@ -235,7 +237,7 @@ def wrong_value(case, graph):
     if not name:
         return None
     out.attributes[name] = case.chance.choice(["abc", "99", "-7", "1.5", "maybe", "0x1", "1e99"])
-    if typed[name]["type"] == "real" or ("choices" not in typed[name] and typed[name]["type"] == "integer"):
+    if typed[name]["type"] == "real" or name in TAKES_ANY_NUMBER or ("choices" not in typed[name] and typed[name]["type"] == "integer"):
         out.attributes[name] = case.chance.choice(["abc", "maybe", "0x1"])
     return graph
 
