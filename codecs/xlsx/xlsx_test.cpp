@@ -245,6 +245,16 @@ TEST(SheetSplitter, SplitsAtTheFirstNewRow)
     }
 }
 
+// Elements of extensions may have the names of the worksheet's own.
+TEST(SheetSplitter, KeepsInnerElements)
+{
+    const QByteArray inner = "<cols><ext><dimension ref=\"A1\"/><sheetData/></ext></cols>";
+    const Split out = split(sheetAround(inner + "<sheetData><row r=\"7\"/></sheetData>"), 0, 64);
+    ASSERT_FALSE(out.error);
+    EXPECT_TRUE(out.head.endsWith(inner + "<sheetData><row r=\"7\"/>"));
+    EXPECT_EQ(out.firstRow, 8U);
+}
+
 TEST(SheetSplitter, GivesPrefixedSheetsADefaultNamespace)
 {
     const QByteArray sheet = xml(

@@ -376,6 +376,9 @@ TEST_F(EngineTest, APreviewForAnActionNeedsItsNumber)
     action.setIdx(1);
     ASSERT_TRUE(runner.run(0, &action, EngineRunner::PinOut, false));
     EXPECT_EQ(runner.columns().names, QVector<QString>{QStringLiteral("second")});
+    action.setIdx(0);
+    ASSERT_TRUE(runner.run(0, &action, EngineRunner::PinOut, false));
+    EXPECT_EQ(runner.columns().names, QVector<QString>{QStringLiteral("first")});
     MainUI::setEditorHooks({});
 }
 

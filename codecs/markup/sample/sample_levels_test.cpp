@@ -78,6 +78,8 @@ TEST(SampleLevels, AreDerivedFromTheShapeOfAJsonDocument)
             SampleCase{"[{\"a\":1}]\n{\"b\":1}\n{\"b\":2}", "||a=a"},
             SampleCase{"5\n[1,2]", "||value="},
             SampleCase{"{\"r\":[{\"a\":1}]}\n5", "r||a=a"},
+            // Of equal tables the first one.
+            SampleCase{R"({"r":[{"a":1}],"s":[{"b":1}]})", "r||a=a"},
             SampleCase{"5\n6", "||value="},
             SampleCase{"[{\"a\":1},{\"b\":", "||a=a"},
         }) {
