@@ -9,6 +9,8 @@
 
 #include <emmintrin.h>
 
+#include <cstring>
+
 namespace corvanta::markup {
 
 namespace scan {
@@ -56,6 +58,16 @@ template <typename Hits> const char *find(const char *at, Hits hits)
 
 } // namespace scan
 
+/// True when the `n` bytes at `a` and at `b` are equal. Loads 16 bytes at both, whatever `n` is.
+inline bool equalBytes(const char *a, const char *b, size_t n)
+{
+    if (n > sizeof(__m128i)) {
+        return std::memcmp(a, b, n) == 0;
+    }
+    const quint32 same = scan::mask(_mm_cmpeq_epi8(scan::load(a), scan::load(b)));
+    return ((same ^ scan::kAll) & ((1U << n) - 1)) == 0;
+}
+
 /// The first `a`, `b` or NUL at or after `at`. Texts and attribute values of XML end in this way.
 inline const char *findEither(const char *at, char a, char b)
 {
@@ -69,6 +81,9 @@ inline const char *findEither(const char *at, char a, char b)
 // Two pairs of comparisons are faster here than one table lookup per byte. A NUL is not a space.
 inline const char *skipSpaces(const char *at)
 {
+    if (static_cast<uchar>(*at) > ' ') {
+        return at; // as most often: no space at all
+    }
     return scan::find(at, [](__m128i block) {
         const __m128i breaks = _mm_or_si128(scan::is(block, '\n'), scan::is(block, '\r'));
         const __m128i blanks = _mm_or_si128(scan::is(block, ' '), scan::is(block, '\t'));

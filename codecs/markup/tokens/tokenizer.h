@@ -211,11 +211,8 @@ protected:
     /// Skip spaces; returns the next character, 0 at the end of the data.
     char skipSpace(Hold hold)
     {
-        const char *at = here();
-        if (static_cast<uchar>(*at) <= ' ') {
-            at = skipSpaces(at);
-            m_pos = static_cast<size_t>(at - m_data.get());
-        }
+        const char *const at = skipSpaces(here());
+        m_pos = static_cast<size_t>(at - m_data.get());
         return *at != 0 ? *at : skipSpaceSlow(hold);
     }
 

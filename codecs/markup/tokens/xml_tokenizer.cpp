@@ -105,7 +105,7 @@ bool XMLTokenizer::takeLeaf(Leaf *leaf)
     const char *const textEnd = isEmpty ? nameEnd : findEither(text, '<', '&');
     const char *const stop = isEmpty ? nameEnd + 2 : textEnd + size + 3;
     if (!isEmpty && (*textEnd != '<' || textEnd[1] != '/' || stop > end() || stop[-1] != '>' ||
-                     std::memcmp(textEnd + 2, name, size) != 0)) {
+                     !equalBytes(textEnd + 2, name, size))) {
         return false;
     }
     m_keep = m_pos;

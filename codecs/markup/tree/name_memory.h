@@ -4,7 +4,10 @@
 // followed it last, so that most lookups cost one comparison of bytes.
 #pragma once
 #include "codecs/markup/text/raw_text.h"
+#include "codecs/markup/text/scan.h"
 
+#include <algorithm>
+#include <array>
 #include <deque>
 #include <string>
 #include <unordered_map>
@@ -32,7 +35,7 @@ public:
     template <typename CollectMatches>
     const Matches &matchesOf(const RawText &name, CollectMatches collectMatches)
     {
-        if (m_last->next == nullptr || m_last->next->name != name.view()) {
+        if (m_last->next == nullptr || !m_last->next->isCalled(name)) {
             bool isNew = false;
             m_last->next = find(name, &isNew);
             if (isNew) {
@@ -48,8 +51,24 @@ private:
     /// A name that occurred, and the numbers that match it.
     struct Name
     {
+        explicit Name(std::string_view nameToRemember)
+            : name(nameToRemember)
+        {
+            std::copy_n(name.data(), std::min(name.size(), begin.size()), begin.data());
+        }
+        /// Names in the buffer of a tokenizer may be read beyond their end.
+        bool isCalled(const RawText &other) const
+        {
+            if (other.form != TextForm::Plain || other.size > begin.size()) {
+                return name == other.view();
+            }
+            return name.size() == other.size && equalBytes(begin.data(), other.data, other.size);
+        }
+
         std::string name;
-        Matches matches;
+        /// The first bytes of `name`, then NULs, for a comparison without a loop.
+        std::array<char, 16> begin{};
+        Matches matches = {};
         /// The name that followed it last.
         Name *next = nullptr;
     };
@@ -72,8 +91,7 @@ private:
         if (!isPlain || name.size > kMaxNameBytes || m_names.size() >= kMaxNames) {
             return &m_notRemembered;
         }
-        Name *const added = &m_names.emplace_back();
-        added->name = name.view();
+        Name *const added = &m_names.emplace_back(name.view());
         m_byName.emplace(added->name, added);
         return added;
     }
@@ -83,9 +101,9 @@ private:
     /// The keys refer to the names in m_names.
     std::unordered_map<std::string_view, Name *> m_byName;
     /// Its link leads to the name that came first in the last element.
-    Name m_beforeFirst;
+    Name m_beforeFirst{""};
     /// The last name that is not in m_names. Its name is not valid UTF-8, so it never matches.
-    Name m_notRemembered{.name = "\xFF", .matches = {}, .next = nullptr};
+    Name m_notRemembered{"\xFF"};
     /// The entry of the name that was looked up last.
     Name *m_last = &m_beforeFirst;
 };

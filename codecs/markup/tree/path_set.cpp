@@ -147,9 +147,14 @@ void PathSet::walkChildren(const MarkupTree &tree, Visit at)
     Node &node = *m_nodes[at.node];
     m_left = node.indexes;
     size_t left = node.edges.size() + (m_countsRepeats ? 1 : 0);
+    bool skipped = false;
     node.children.begin();
-    quint32 child = tree.first(at.element, ItemKind::Child);
-    for (; child != MarkupTree::kNone && left > 0; child = tree.sibling(child)) {
+    const quint32 end = tree.item(at.element).next;
+    quint32 child = tree.attributesEnd(at.element);
+    for (; child != end && left > 0; child = tree.item(child).next) {
+        if (tree.item(child).kind != ItemKind::Child) {
+            continue;
+        }
         const RawText name = tree.raw(child);
         const auto collectMatches = [&](NameMemory::Matches *matches) {
             for (quint32 i = 0; i < node.edges.size(); ++i) {
@@ -162,6 +167,7 @@ void PathSet::walkChildren(const MarkupTree &tree, Visit at)
             // The index of the step has not been reached yet. Below zero the count wraps around, so
             // a step selects one child only.
             if (m_left[number]-- > 0) {
+                skipped = true;
                 continue;
             }
             --left;
@@ -173,23 +179,9 @@ void PathSet::walkChildren(const MarkupTree &tree, Visit at)
             }
         }
     }
-    if (m_countsRepeats && hasRepeats(node)) {
+    if (m_countsRepeats && skipped) {
         addRepeats(tree, at);
     }
-}
-
-/// True when the children that walkChildren() compared have matches that no step reads. Runs for
-/// every record, so it is a loop without branches.
-inline bool PathSet::hasRepeats(const Node &node) const
-{
-    const quint32 *const left = m_left.data();
-    const quint32 *const most = node.mostRead.data();
-    const size_t edges = node.edges.size();
-    bool found = false;
-    for (size_t i = 0; i < edges; ++i) {
-        found |= 0U - left[i] > most[i];
-    }
-    return found;
 }
 
 /// Count the matches that no step reads. For a step without an index, what walkChildren() left
@@ -221,8 +213,8 @@ void PathSet::findAttributes(const MarkupTree &tree, Visit at)
 {
     Node &node = *m_nodes[at.node];
     node.attributes.begin();
-    quint32 attribute = tree.first(at.element, ItemKind::Attribute);
-    for (; attribute != MarkupTree::kNone; attribute = tree.sibling(attribute)) {
+    const quint32 end = tree.attributesEnd(at.element);
+    for (quint32 attribute = at.element + 1; attribute != end; ++attribute) {
         const RawText name = tree.raw(attribute);
         const auto collectMatches = [&](NameMemory::Matches *matches) {
             for (const quint32 i : node.attributeEdges) {

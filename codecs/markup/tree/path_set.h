@@ -103,7 +103,6 @@ private:
     // Each of these continues the lookup from a node that an element reached.
     void visit(const MarkupTree &tree, Visit at);
     void walkChildren(const MarkupTree &tree, Visit at);
-    bool hasRepeats(const Node &node) const;
     void addRepeats(const MarkupTree &tree, Visit at);
     static void setMostRead(Node &node);
     void reach(quint32 node, quint32 item);

@@ -119,31 +119,43 @@ bool MarkupTreeBuilder::reserve(size_t capacity)
     return larger != nullptr;
 }
 
-/// Make room for one more item; false when the tree would become too large.
-bool MarkupTreeBuilder::grow()
+/// Make room for one or two more items; false when the tree would become too large.
+inline bool MarkupTreeBuilder::makeRoom(size_t items)
 {
+    if (m_tree.m_capacity - m_tree.m_size >= items) {
+        return true;
+    }
     m_tooLarge =
-        m_tree.m_size >= kMostItems ||
+        kMostItems - m_tree.m_size < items ||
         !reserve(m_tree.m_size * 2 + static_cast<size_t>(m_growthBytes) / sizeof(TreeItem) + 1);
     return !m_tooLarge;
+}
+
+/// Write the next item, for which there is room. Field by field: an assignment of a whole item
+/// builds it in another place and copies it, and each copy waits for the narrow stores before it.
+inline TreeItem &MarkupTreeBuilder::put(quint32 parent, ItemKind kind, TextSpan text)
+{
+    TreeItem &item = m_tree.m_items[m_tree.m_size++];
+    item.text = text;
+    item.next = static_cast<quint32>(m_tree.m_size);
+    item.parent = parent;
+    item.value = {};
+    item.counts = {};
+    item.kind = kind;
+    item.clearKind = ClearKind::Other;
+    return item;
 }
 
 /// Append an item with the text at `text`; null when the tree would become too large.
 inline TreeItem *MarkupTreeBuilder::push(ItemKind kind, TextSpan text)
 {
-    if (m_tree.m_size == m_tree.m_capacity && !grow()) {
+    if (!makeRoom(1)) {
         return nullptr;
     }
-    TreeItem &item = m_tree.m_items[m_tree.m_size++];
-    item = {};
-    item.text = text;
-    item.next = static_cast<quint32>(m_tree.m_size);
-    item.parent = m_current;
-    item.kind = kind;
     if (kind != ItemKind::Instruction) {
         ++m_tree.m_items[m_current].counts[static_cast<size_t>(kind)];
     }
-    return &item;
+    return &put(m_current, kind, text);
 }
 
 inline bool MarkupTreeBuilder::addAttributes(size_t pinned)
@@ -215,19 +227,19 @@ bool MarkupTreeBuilder::addLeaves()
 /// Add an element with at most one text; it is complete immediately.
 inline bool MarkupTreeBuilder::addLeaf(const MarkupTokenizer::Leaf &leaf)
 {
-    const size_t pinned = m_tokenizer->pinnedOffset();
-    if (push(ItemKind::Child, leaf.name.movedBy(pinned)) == nullptr) {
+    if (!makeRoom(2)) {
         return false;
     }
-    if (!leaf.hasText) {
-        return true;
+    const size_t pinned = m_tokenizer->pinnedOffset();
+    const auto index = static_cast<quint32>(m_tree.m_size);
+    TreeItem &element = put(m_current, ItemKind::Child, leaf.name.movedBy(pinned));
+    ++m_tree.m_items[m_current].counts[static_cast<size_t>(ItemKind::Child)];
+    if (leaf.hasText) {
+        put(index, ItemKind::Text, leaf.text.movedBy(pinned));
+        element.counts[static_cast<size_t>(ItemKind::Text)] = 1;
+        element.next = index + 2;
     }
-    const quint32 around = m_current;
-    m_current = static_cast<quint32>(m_tree.m_size - 1);
-    const bool isAdded = push(ItemKind::Text, leaf.text.movedBy(pinned)) != nullptr;
-    m_tree.m_items[m_current].next = static_cast<quint32>(m_tree.m_size);
-    m_current = around;
-    return isAdded;
+    return true;
 }
 
 const MarkupTree &MarkupTreeBuilder::tree()

@@ -116,6 +116,12 @@ public:
     /// The artificial root, which holds the elements of the tree.
     MarkupNode root() const { return {this, 0}; }
 
+    /// The attributes of an element follow it, one by one; this is the index after the last of
+    /// them.
+    quint32 attributesEnd(quint32 element) const
+    {
+        return element + 1 + m_items[element].count(ItemKind::Attribute);
+    }
     /// The first item of `kind` at or after `index` directly inside `parent`, or kNone.
     quint32 next(quint32 index, quint32 parent, ItemKind kind) const
     {
@@ -216,8 +222,9 @@ public:
 
 private:
     bool reserve(size_t capacity);
-    bool grow();
+    bool makeRoom(size_t items);
     // The functions that add items return false, or null, when the tree becomes too large.
+    TreeItem &put(quint32 parent, ItemKind kind, TextSpan text);
     TreeItem *push(ItemKind kind, TextSpan text);
     bool addStart(TextSpan name, size_t pinned);
     bool addAttributes(size_t pinned);
