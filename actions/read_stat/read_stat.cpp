@@ -1,10 +1,105 @@
 #include "actions/read_stat/read_stat.h"
 
+#include "actions/read_stat/stat_file.h"
+
+using namespace Qt::StringLiterals;
+
 namespace corvanta {
 
 ActionReadStat::ActionReadStat(const XMLNode &saved, GlobalParameters *parameters)
-    : PendingAction(kReadStatEntry, saved, parameters)
+    : ParamAction(kReadStatEntry, saved, parameters)
 {
+}
+
+QStringList ActionReadStat::inputs() const
+{
+    QStringList files = ParamAction::inputs();
+    if (m_params.fileNameFromPin) {
+        files.removeAll(expandFile(m_params.fileName));
+    }
+    return files;
+}
+
+// ---- Before the first row.
+
+void ActionReadStat::start()
+{
+    m_series.reset();
+    // Names from the pin are read by the first step(): input rows do not exist before.
+    if (!m_params.fileNameFromPin) {
+        // A failure is logged and fails the run. step() then finds no open file and ends it.
+        prepare();
+    }
+}
+
+bool ActionReadStat::step()
+{
+    return (m_series.hasBegun() || prepare()) && m_series.step();
+}
+
+/// List the files and open the first one.
+bool ActionReadStat::prepare()
+{
+    QStringList files;
+    if (!m_params.fileNameFromPin) {
+        files = namesOfPattern(*this, m_params.fileName);
+    } else if (!readNamesFromPin(&files)) {
+        return false;
+    }
+    FileSeries::Options options;
+    if (m_params.outputFilenames) {
+        options.fileNameColumn = u"_Filename"_s;
+    }
+    m_series.start(*this, files, options);
+    return m_series.openNext();
+}
+
+bool ActionReadStat::readNamesFromPin(QStringList *names)
+{
+    bool isComplete = true;
+    while (const OneRow *const row = getNextRowFromInPin(0)) {
+        const QString name = row->numberOfColumns() > 0 ? row->text(0) : QString();
+        isComplete = isComplete && !name.isEmpty();
+        *names << expandFile(name);
+    }
+    if (!isComplete || names->isEmpty()) {
+        return runIsGood() &&
+               fail(u"ERROR: Cannot read the name of the stat file on input pin??"_s);
+    }
+    return true;
+}
+
+// ---- Files and messages.
+
+FileSeries::Opened ActionReadStat::openFile(const QString &name)
+{
+    return StatFile::open(*this, name, m_params);
+}
+
+bool ActionReadStat::reportMissing(const QString &name)
+{
+    return fail(u"ERROR: cannot open statistical file '%1'\n"_s.arg(name));
+}
+
+/// Column indexes in the message count from 1.
+bool ActionReadStat::reportMismatch(const ColumnMismatch &mismatch)
+{
+    switch (mismatch.kind) {
+    case ColumnMismatch::Kind::Count:
+        return fail(
+            u"ERROR: the statistical file '%1' has %2 columns, but the first file has %3\n"_s.arg(
+                mismatch.file, mismatch.found, mismatch.first));
+    case ColumnMismatch::Kind::Name:
+        return fail(
+            u"ERROR: the column %2 of the statistical file '%1' is named '%3', but '%4' in the first file\n"_s
+                .arg(mismatch.file, QString::number(mismatch.column + 1), mismatch.found,
+                     mismatch.first));
+    case ColumnMismatch::Kind::Type:
+        break;
+    }
+    return fail(
+        u"ERROR: the column '%2' of the statistical file '%1' is of type %3, but of type %4 in the first file\n"_s
+            .arg(mismatch.file, mismatch.name, mismatch.found, mismatch.first));
 }
 
 } // namespace corvanta

@@ -1,23 +1,47 @@
 // readStat: reads the rows of SAS, SPSS and Stata data sets.
 //
-// The parameters, the panel and the pins are complete; a run ends with an error (see
-// PendingAction).
+// The action lists the files and words the messages about them. FileSeries joins the files to one
+// table; StatFile delivers the rows of one, which a thread of its own parses.
 #pragma once
 #include "actions/read_stat/read_stat_params.h"
-#include "actions/shared/pending_action.h"
+#include "actions/shared/file_series.h"
+#include "corvanta/action_base.h"
 
 namespace corvanta {
 
 extern const ActionEntry kReadStatEntry;
 
-/// Threads: see PendingAction.
-class ActionReadStat final : public PendingAction<ActionReadStat, ReadStatParams>
+/// Threads: the one that runs the action; computeCompletion() and wakeAll() from any.
+class ActionReadStat final : public ParamAction<ActionReadStat, ReadStatParams>,
+                             private FileSeries::Format
 {
 public:
     ActionReadStat(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<ReadStatParams> &paramTable() { return readStatParamTable(); }
     /// Pin 0 brings the file names.
     static int pinsInFor(const ReadStatParams &params) { return params.fileNameFromPin ? 1 : 0; }
+    /// Rows of all files, each file weighing the same.
+    float computeCompletion() override { return m_series.fractionDone(); }
+    QStringList inputs() const override;
+    /// Ends the waits of both threads.
+    void wakeAll() override { m_series.stop(); }
+
+private:
+    void start() override;
+    bool step() override;
+    void finish() override { m_series.finish(); }
+
+    // Functions that return a bool return false when the run has failed or ended.
+    bool prepare();
+    bool readNamesFromPin(QStringList *names);
+
+    // For FileSeries. Every file that cannot be read fails the run.
+    FileSeries::Opened openFile(const QString &name) override;
+    bool reportMissing(const QString &name) override;
+    bool reportUnreadable(const QString &name) override { return reportMissing(name); }
+    bool reportMismatch(const ColumnMismatch &mismatch) override;
+
+    FileSeries m_series{*this};
 };
 
 } // namespace corvanta

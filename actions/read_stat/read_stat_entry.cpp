@@ -5,8 +5,9 @@ namespace corvanta {
 
 namespace {
 
+// Without saved graphs, dates are what users expect them to be.
 constexpr FileFormat kFormats[] = {
-    {FileFormat::Read, FileFormat::Statistics, "sas7bdat sav por dta"},
+    {FileFormat::Read, FileFormat::Statistics, "sas7bdat sav zsav por dta xpt", "formatDates=1"},
 };
 
 } // namespace

@@ -36,7 +36,9 @@ ParamGroup<P> decoding()
                 {StatFormat::SpssSav, "SPSS File (.sav)"},
                 {StatFormat::SpssPor, "SPSS File (.por)"},
                 {StatFormat::Stata, "Stata File (.dta)"}})
-            .otherwise("goes by the ending of the file name")
+            // The panel offers these four; a transport file is usually recognised by its ending.
+            .orAnyNumber("4 is a SAS transport file (.xpt), another number goes by the ending of "
+                         "the file name")
             .label("Format")
             .meaning(
                 "Format of the data set. By default the ending of the file name determines it."),
@@ -46,7 +48,23 @@ ParamGroup<P> decoding()
             .meaning("Size of the buffer between parser and rows, in MB."),
         text("encoding", &P::encoding)
             .label("Encoding")
-            .meaning("Encoding of the texts in the file, for example UTF-8."),
+            .meaning("Encoding of the texts in the file, for example WINDOWS-1252. UTF-8 uses the "
+                     "encoding that the file declares."),
+    };
+}
+
+/// What a saved graph gets only when it asks for it.
+ParamGroup<P> additions()
+{
+    return {
+        flag("formatDates", &P::formatDates)
+            .label("Dates as text")
+            .meaning("Reads dates, times and date-times as ISO 8601 text, for example 2026-01-31. "
+                     "Off: as the numbers that are stored."),
+        number("maxRows", &P::maxRows)
+            .range(0, 2147483647)
+            .label("Rows")
+            .meaning("Reads only this number of rows of each file; 0: all."),
     };
 }
 
@@ -58,12 +76,22 @@ const ParamTable<ReadStatParams> &readStatParamTable()
     static const ParamTable<P> table{
         filesAndLabels(),
         decoding(),
+        additions(),
         text("fileName", &P::fileName)
             .inputFile()
             .always()
             .requiredWhen("fileNameFromPin", {QStringLiteral("0")})
             .label("File")
             .meaning("Data set to read."),
+        // Programs that read one file use the first parameter that names one.
+        text("catalogFile", &P::catalogFile)
+            .inputFile()
+            .label("Catalogue")
+            .meaning("SAS catalogue (.sas7bcat) with the value labels of a SAS data set, for "
+                     "extractLabels."),
+        strings("ColumnsToRead", &P::columnsToRead)
+            .label("Columns to read")
+            .meaning("Names of the variables that are read. Empty: all."),
     };
     return table;
 }

@@ -8,9 +8,10 @@ namespace corvanta {
 enum class StatFormat {
     OfEnding = -1, ///< the ending of the file name determines the format
     Sas = 0,       ///< .sas7bdat
-    SpssSav,       ///< .sav
+    SpssSav,       ///< .sav and .zsav
     SpssPor,       ///< .por, the portable form
-    Stata          ///< .dta
+    Stata,         ///< .dta
+    SasTransport   ///< .xpt; not offered by the panel
 };
 
 struct ReadStatParams
@@ -27,10 +28,18 @@ struct ReadStatParams
     StatFormat fileFormat = StatFormat::OfEnding;
     /// Buffer between parser and rows, in MiB, 1 to 2047.
     int bufferSize = 2;
-    /// Name of the encoding of texts in the file.
+    /// Name of the encoding of texts in the file. "UTF-8" is that which the file declares.
     QString encoding = QStringLiteral("UTF-8");
+    /// A SAS catalogue with the value labels of a SAS data set. Not expanded yet; empty: none.
+    QString catalogFile;
+    /// Cells of dates and times are ISO 8601 text. Off: numbers.
+    bool formatDates = false;
+    /// Rows of each file that are read; 0: all.
+    int maxRows = 0;
     /// A file or a pattern. Not expanded yet.
     QString fileName;
+    /// Names of the variables that are read; empty: all.
+    QStringList columnsToRead;
 };
 
 /// Constant; made by the first call.

@@ -1,0 +1,393 @@
+#include "actions/read_stat/stat_file.h"
+
+#include "codecs/stat/header_check.h"
+#include "codecs/stat/label_reader.h"
+#include "io/input/whole_input.h"
+
+#include <QSet>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+using OpenError = FileSeries::OpenError;
+
+stat::Format formatOfEnding(const QString &name)
+{
+    struct Ending
+    {
+        QLatin1StringView text;
+        stat::Format format;
+    };
+    static constexpr std::array kEndings{
+        Ending{".sas7bdat"_L1, stat::Format::Sas},
+        Ending{".sav"_L1, stat::Format::SpssSav},
+        Ending{".zsav"_L1, stat::Format::SpssSav},
+        Ending{".por"_L1, stat::Format::SpssPor},
+        Ending{".dta"_L1, stat::Format::Stata},
+        Ending{".xpt"_L1, stat::Format::SasTransport},
+        Ending{".xport"_L1, stat::Format::SasTransport},
+    };
+    for (const Ending &ending : kEndings) {
+        if (name.endsWith(ending.text, Qt::CaseInsensitive)) {
+            return ending.format;
+        }
+    }
+    return stat::Format::Sas;
+}
+
+/// The name of the data set: of the member of an archive, and without the ending of a compressed
+/// file.
+QString dataSetName(const InputFile &input)
+{
+    switch (input.kind()) {
+    case input::Kind::Zip:
+        return input.memberName();
+    case input::Kind::Gzip:
+        return input.name().chopped(3);
+    case input::Kind::Compress:
+        return input.name().chopped(2);
+    case input::Kind::Rar:
+    case input::Kind::Plain:
+        break;
+    }
+    return input.name();
+}
+
+stat::Format formatOf(const ReadStatParams &params, const InputFile &input)
+{
+    switch (params.fileFormat) {
+    case StatFormat::Sas:
+        return stat::Format::Sas;
+    case StatFormat::SpssSav:
+        return stat::Format::SpssSav;
+    case StatFormat::SpssPor:
+        return stat::Format::SpssPor;
+    case StatFormat::Stata:
+        return stat::Format::Stata;
+    case StatFormat::SasTransport:
+        return stat::Format::SasTransport;
+    case StatFormat::OfEnding:
+        break;
+    }
+    return formatOfEnding(dataSetName(input));
+}
+
+stat::ReadOptions optionsOf(const ReadStatParams &params, stat::Format format)
+{
+    return {
+        .format = format,
+        .encoding = params.encoding,
+        .namesFromLabels = params.columnNamefromLabel,
+        .extractLabels = params.extractLabels,
+        .formatDates = params.formatDates,
+        .columns = params.columnsToRead,
+        .maxRows = params.maxRows,
+    };
+}
+
+std::unique_ptr<RunInput> openInput(const ActionBase &action, const QString &name)
+{
+    return std::make_unique<RunInput>(action.globalParameters(), action.control(), name, false);
+}
+
+/// Why the file or the catalogue `name` cannot be read.
+QString describe(const Fault<stat::Error> &fault, const ByteSource &source)
+{
+    switch (fault.code) {
+    case stat::Error::Unreadable: {
+        const QString reason = readFailure(source);
+        return reason.isEmpty() ? u"a read failed"_s : reason;
+    }
+    case stat::Error::NoMemory:
+        return u"there is not enough memory"_s;
+    case stat::Error::RowTooLarge:
+    case stat::Error::CannotOpen:
+    case stat::Error::Damaged:
+    case stat::Error::Library:
+    case stat::Error::UnknownEncoding:
+    case stat::Error::Stopped:
+        break;
+    }
+    return fault.detail;
+}
+
+} // namespace
+
+StatFile::StatFile(ActionBase &action, const QString &name, std::unique_ptr<ByteSource> source,
+                   stat::ReadOptions options, int bufferMiB)
+    : m_action(action)
+    , m_name(name)
+    , m_options(std::move(options))
+    , m_bufferMiB(bufferMiB)
+    , m_source(std::move(source))
+    , m_ring(bufferMiB * 1024LL * 1024)
+{
+}
+
+StatFile::~StatFile()
+{
+    endParser();
+}
+
+// ---- Opening.
+
+FileSeries::Opened StatFile::open(ActionBase &action, const QString &name,
+                                  const ReadStatParams &params)
+{
+    auto input = openInput(action, name);
+    if (!input->file.isOpen()) {
+        return Fault{OpenError::Missing, input->file.reason()};
+    }
+    const stat::Format format = formatOf(params, input->file);
+    // The library moves back and forth in the file.
+    auto source = randomAccess(std::move(input));
+    if (!source) {
+        return Fault{OpenError::Unreadable, source.fault().detail};
+    }
+    std::unique_ptr<StatFile> file(new StatFile(action, name, *std::move(source),
+                                                optionsOf(params, format), params.bufferSize));
+    if (const auto checked = stat::checkHeader(*file->m_source, format); !checked) {
+        file->fail(checked.fault());
+        return Fault{OpenError::Failed};
+    }
+    const QString catalogue =
+        params.catalogFile.isEmpty() ? QString() : action.expandFile(params.catalogFile);
+    if (!file->readLabels(catalogue) || !file->startParser()) {
+        return Fault{OpenError::Failed};
+    }
+    return FileSeries::Opened(std::move(file));
+}
+
+/// Read the value labels if they are wanted. Those of SAS are in a file of their own.
+bool StatFile::readLabels(const QString &catalogue)
+{
+    if (!m_options.extractLabels) {
+        return true;
+    }
+    if (!catalogue.isEmpty()) {
+        return readCatalogue(catalogue);
+    }
+    if (m_options.format == stat::Format::Sas || m_options.format == stat::Format::SasTransport) {
+        return true;
+    }
+    auto labels = stat::readLabelSets(*m_source, m_options.format, m_options.encoding);
+    if (!labels) {
+        return fail(labels.fault());
+    }
+    m_labels = *std::move(labels);
+    return true;
+}
+
+bool StatFile::readCatalogue(const QString &name)
+{
+    auto input = openInput(m_action, name);
+    if (!input->file.isOpen()) {
+        return m_action.fail(u"ERROR: cannot open the catalogue '%1'\n"_s.arg(name),
+                             input->file.reason());
+    }
+    const auto source = randomAccess(std::move(input));
+    if (!source) {
+        return m_action.fail(u"ERROR: cannot open the catalogue '%1'\n"_s.arg(name),
+                             source.fault().detail);
+    }
+    auto labels = stat::readCatalogue(**source, m_options.encoding);
+    if (!labels) {
+        return m_action.fail(u"ERROR: cannot read the catalogue '%1': %2\n"_s.arg(
+            name, describe(labels.fault(), **source)));
+    }
+    m_labels = *std::move(labels);
+    return true;
+}
+
+/// Start the thread and wait for its first signal.
+bool StatFile::startParser()
+{
+    m_reader = std::make_unique<stat::DataSetReader>(*m_source, m_options, std::move(m_labels));
+    const auto columnsKnown = m_columnsPromise.get_future();
+    m_thread = std::thread([this] { parse(); });
+    columnsKnown.wait();
+    if (!m_areColumnsKnown) {
+        m_thread.join();
+        return fail(m_outcome.fault());
+    }
+    if (const QStringList &missing = m_reader->missingColumns(); !missing.isEmpty()) {
+        return m_action.fail(u"ERROR: the statistical file '%1' has no column '%2'\n"_s.arg(
+            m_name, missing.first()));
+    }
+    if (const qint64 rows = m_reader->dictionary().rows; rows >= 0) {
+        logRowCount(rows);
+    }
+    warnSameNames();
+    return true;
+}
+
+/// The thread.
+void StatFile::parse() noexcept
+{
+    m_outcome = m_reader->read(m_ring, [this](const stat::Dictionary &) {
+        m_areColumnsKnown = true;
+        m_columnsPromise.set_value();
+    });
+    if (!m_areColumnsKnown) {
+        m_columnsPromise.set_value();
+    }
+    m_ring.finish();
+}
+
+/// Stop the thread if it still parses.
+void StatFile::endParser()
+{
+    m_ring.stop();
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
+}
+
+TableSchema StatFile::columns() const
+{
+    TableSchema columns;
+    for (const stat::ColumnPlan &column : m_reader->columns()) {
+        columns.names << column.name;
+        columns.types << MetaInfo(column.type);
+    }
+    return columns;
+}
+
+void StatFile::logRowCount(qint64 rows) const
+{
+    MainUI::addLog(MainUI::Info,
+                   u"Number of Rows in file '%2' is %1."_s.arg(QString::number(rows), m_name));
+}
+
+/// Two variables may have the same label.
+void StatFile::warnSameNames() const
+{
+    QSet<QString> names;
+    Occurrences same;
+    for (const stat::ColumnPlan &column : m_reader->columns()) {
+        if (names.contains(column.name)) {
+            same.add([&] { return column.name; });
+        }
+        names.insert(column.name);
+    }
+    if (same.any()) {
+        m_action.warn(
+            u"Warning: %2 columns of the statistical file '%1' have the name of an earlier column; the first is '%3'\n"_s
+                .arg(m_name, QString::number(same.count()), same.first()));
+    }
+}
+
+// ---- Rows.
+
+float StatFile::fractionDone() const
+{
+    return m_reader->fractionDone();
+}
+
+bool StatFile::next(OneRow &row, Found *found)
+{
+    const uchar *const *const cells = m_ring.next();
+    if (cells == nullptr) {
+        return finishRows(found);
+    }
+    const auto columns = static_cast<int>(m_reader->columns().size());
+    for (int i = 0; i < columns; ++i) {
+        row.setCol(i, cells[i]);
+    }
+    *found = Found::Row;
+    return true;
+}
+
+/// The ring is at its end: the rows are complete, the parser has failed, or the run has ended.
+bool StatFile::finishRows(Found *found)
+{
+    if (!m_action.runIsGood()) {
+        return false;
+    }
+    m_thread.join();
+    if (!m_outcome) {
+        return fail(m_outcome.fault());
+    }
+    if (m_reader->dictionary().rows < 0) {
+        logRowCount(m_reader->rowsRead());
+    }
+    *found = Found::End;
+    return true;
+}
+
+// ---- Messages.
+
+void StatFile::beforeClose()
+{
+    endParser();
+    logLibraryMessages();
+    const stat::Findings &findings = m_reader->findings();
+    if (const Occurrences &texts = findings.replacedTexts; texts.any()) {
+        m_action.warn(
+            u"ReadStat Warning: Invalid character found in file '%1'"_s.arg(m_name),
+            u"%1 texts are not valid in the encoding %2, and U+FFFD replaces the invalid bytes; the first is in %3. The parameter 'encoding' can name another encoding"_s
+                .arg(QString::number(texts.count()), m_reader->dictionary().encoding,
+                     texts.first()));
+    }
+    if (const Occurrences &texts = findings.cutTexts; texts.any()) {
+        m_action.warn(
+            u"Warning: %2 texts of the statistical file '%1' end in an incomplete character, which is left out; the first is in %3\n"_s
+                .arg(m_name, QString::number(texts.count()), texts.first()));
+    }
+    if (const Occurrences &values = findings.userMissing; values.any()) {
+        MainUI::addLog(
+            MainUI::Info,
+            u"%2 values of the file '%1' are missing because the file declares them to be; the first is in %3."_s
+                .arg(m_name, QString::number(values.count()), values.first()));
+    }
+}
+
+/// Once per file.
+void StatFile::logLibraryMessages()
+{
+    if (!m_reader || std::exchange(m_isReported, true)) {
+        return;
+    }
+    for (const QString &message : m_reader->messages()) {
+        MainUI::addLog(MainUI::Diagnostic, u"ReadStat ERROR: %1"_s.arg(message));
+    }
+}
+
+/// Report why the file cannot be read, unless the reason is that the run has ended. Returns false.
+bool StatFile::fail(const Fault<stat::Error> &fault)
+{
+    if (!m_action.runIsGood()) {
+        return false;
+    }
+    logLibraryMessages();
+    switch (fault.code) {
+    case stat::Error::UnknownEncoding:
+        return m_action.fail(u"Invalid character encoding (%1)."_s.arg(fault.detail));
+    case stat::Error::RowTooLarge:
+        return m_action.fail(
+            u"ERROR: a row of the statistical file '%1' needs more than %2 bytes, and the buffer has %3 MB; use a larger bufferSize\n"_s
+                .arg(m_name, fault.detail, QString::number(m_bufferMiB)));
+    case stat::Error::Library:
+        MainUI::addLog(MainUI::Diagnostic, u"ReadStat ERROR: %1"_s.arg(fault.detail));
+        break;
+    case stat::Error::CannotOpen:
+        return m_action.fail(u"ERROR: cannot open statistical file '%1'\n"_s.arg(m_name),
+                             fault.detail);
+    case stat::Error::Unreadable:
+        return m_action.fail(u"ERROR: cannot read the statistical file '%1'\n"_s.arg(m_name),
+                             readFailure(*m_source));
+    case stat::Error::Damaged:
+    case stat::Error::NoMemory:
+    case stat::Error::Stopped:
+        break;
+    }
+    return m_action.fail(u"ERROR: cannot read the statistical file '%1': %2\n"_s.arg(
+        m_name, describe(fault, *m_source)));
+}
+
+} // namespace corvanta

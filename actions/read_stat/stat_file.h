@@ -1,0 +1,69 @@
+// One open data set of readStat: its columns, and its rows from the parser's thread.
+#pragma once
+#include "actions/read_stat/read_stat_params.h"
+#include "actions/shared/file_series.h"
+#include "codecs/stat/data_set_reader.h"
+#include "codecs/stat/row_ring.h"
+
+#include <future>
+#include <memory>
+#include <optional>
+#include <thread>
+
+namespace corvanta {
+
+/// The thread parses the file and puts rows into the ring; next() takes them. The thread does not
+/// log: what it finds is reported when the rows are read.
+/// Threads: see SeriesFile; stop() ends the waits of both threads.
+class StatFile final : public SeriesFile
+{
+public:
+    /// Open `name`, start the parser, and wait until it knows the columns. `action` must outlive
+    /// the file.
+    static FileSeries::Opened open(ActionBase &action, const QString &name,
+                                   const ReadStatParams &params);
+    ~StatFile() override;
+
+    /// One per selected variable.
+    TableSchema columns() const override;
+    bool next(OneRow &row, Found *found) override;
+    /// Warns about values that were replaced.
+    void beforeClose() override;
+    float fractionDone() const override;
+    void stop() override { m_ring.stop(); }
+
+private:
+    StatFile(ActionBase &action, const QString &name, std::unique_ptr<ByteSource> source,
+             stat::ReadOptions options, int bufferMiB);
+
+    // Functions that return a bool return false when the run has failed or ended.
+    bool readLabels(const QString &catalogue);
+    bool readCatalogue(const QString &name);
+    bool startParser();
+    void parse() noexcept;
+    void endParser();
+    bool finishRows(Found *found);
+    void logRowCount(qint64 rows) const;
+    void logLibraryMessages();
+    void warnSameNames() const;
+    bool fail(const Fault<stat::Error> &fault);
+
+    ActionBase &m_action;
+    const QString m_name;
+    const stat::ReadOptions m_options;
+    const int m_bufferMiB;
+    stat::LabelSets m_labels;  // until the reader has them
+    bool m_isReported = false; // the messages of the library
+    // Members are destroyed in reverse order: each uses those above it.
+    const std::unique_ptr<ByteSource> m_source;
+    stat::RowRing m_ring;
+    std::unique_ptr<stat::DataSetReader> m_reader; // null before startParser()
+    // Written by the thread: m_areColumnsKnown until it keeps the promise, m_outcome until it has
+    // finished the ring.
+    bool m_areColumnsKnown = false;
+    std::promise<void> m_columnsPromise;
+    Result<void, stat::Error> m_outcome;
+    std::thread m_thread;
+};
+
+} // namespace corvanta

@@ -1,0 +1,247 @@
+#include "codecs/stat/data_set_reader.h"
+
+#include "codecs/stat/date_text.h"
+#include "codecs/stat/library_parser.h"
+
+#include <algorithm>
+
+namespace corvanta::stat {
+
+/// The functions that the library calls.
+struct DataSetReader::Handlers
+{
+    static DataSetReader &reader(void *context) { return *static_cast<DataSetReader *>(context); }
+
+    static int onMetadata(readstat_metadata_t *metadata, void *context)
+    {
+        DataSetReader &self = reader(context);
+        return noexceptCallback(self, [&] {
+            self.m_variableCount = readstat_get_var_count(metadata);
+            return self.useMetadata(
+                metadata->row_count,
+                encodingOf(self.m_options.format, self.m_options.encoding, metadata));
+        });
+    }
+    static int onVariable(int index, readstat_variable_t *variable, const char *labels,
+                          void *context)
+    {
+        DataSetReader &self = reader(context);
+        int result = READSTAT_HANDLER_ABORT;
+        noexceptCallback(self, [&] {
+            result = self.useVariable(index, variable, labels);
+            return true;
+        });
+        return result;
+    }
+    static int onValue(int row, readstat_variable_t *variable, readstat_value_t value,
+                       void *context)
+    {
+        DataSetReader &self = reader(context);
+        return noexceptCallback(self, [&] { return self.putValue(row, variable, value); });
+    }
+    static void onError(const char *text, void *context)
+    {
+        DataSetReader &self = reader(context);
+        noexceptCallback(self, [&] {
+            self.addMessage(text);
+            return true;
+        });
+    }
+};
+
+DataSetReader::DataSetReader(ByteSource &source, ReadOptions options, LabelSets labels)
+    : m_options(std::move(options))
+    , m_labelSets(std::move(labels))
+    , m_input(source)
+{
+}
+
+DataSetReader::~DataSetReader() = default;
+
+Result<void, Error> DataSetReader::read(RowRing &ring, const OnColumns &onColumns)
+{
+    int error = READSTAT_OK;
+    noexceptCallback(*this, [&] {
+        error = parse(ring, onColumns);
+        return true;
+    });
+    return outcome(error);
+}
+
+int DataSetReader::parse(RowRing &ring, const OnColumns &onColumns)
+{
+    m_ring = &ring;
+    m_onColumns = &onColumns;
+    LibraryParser parser(m_input);
+    readstat_set_metadata_handler(parser.handle(), Handlers::onMetadata);
+    readstat_set_variable_handler(parser.handle(), Handlers::onVariable);
+    readstat_set_value_handler(parser.handle(), Handlers::onValue);
+    readstat_set_error_handler(parser.handle(), Handlers::onError);
+    return parser.parse(m_options.format, this);
+}
+
+/// What a call of the library has led to. The last row is complete unless the call failed.
+Result<void, Error> DataSetReader::outcome(int error)
+{
+    if (failure) {
+        return *failure;
+    }
+    if (m_ring->tooLargeBytes() > 0) {
+        return Fault{Error::RowTooLarge, QString::number(m_ring->tooLargeBytes())};
+    }
+    if (m_input.hasFailed()) {
+        return Fault{Error::Unreadable};
+    }
+    if (error == READSTAT_ERROR_USER_ABORT && !m_isAtLimit) {
+        return Fault{Error::Stopped};
+    }
+    if (error != READSTAT_OK && !m_isAtLimit) {
+        return Fault{Error::Library, messageOf(static_cast<readstat_error_t>(error))};
+    }
+    if (!m_maker) { // neither rows nor variables
+        announceColumns();
+    }
+    endRow();
+    return {};
+}
+
+// ---- Before the rows.
+
+bool DataSetReader::useMetadata(qint64 rows, const QString &encoding)
+{
+    m_dictionary.rows = rows;
+    m_rowsExpected = m_options.maxRows > 0 && rows >= 0 ? std::min(rows, m_options.maxRows) : rows;
+    m_dictionary.encoding = encoding;
+    auto decoder = TextDecoder::open(encoding);
+    if (!decoder) {
+        failure = decoder.fault();
+        return false;
+    }
+    m_decoder.emplace(*std::move(decoder));
+    m_missing = m_options.columns;
+    return true;
+}
+
+int DataSetReader::useVariable(int index, readstat_variable_t *handle, const char *labelSet)
+{
+    Variable variable;
+    variable.name = m_decoder->decode(readstat_variable_get_name(handle));
+    variable.label = m_decoder->decode(readstat_variable_get_label(handle));
+    variable.format = m_decoder->decode(readstat_variable_get_format(handle));
+    variable.labelSet = m_decoder->decode(labelSet);
+    variable.isText = readstat_variable_get_type_class(handle) == READSTAT_TYPE_CLASS_STRING;
+    if (!variable.isText) {
+        variable.date = dateKindOf(m_options.format, variable.format);
+    }
+    const bool isSelected =
+        m_options.columns.isEmpty() || m_options.columns.contains(variable.name);
+    m_columnOf.resize(static_cast<size_t>(index) + 1, -1);
+    if (isSelected) {
+        m_missing.removeAll(variable.name);
+        m_columnOf.back() = static_cast<int>(m_columns.size());
+        addColumn(variable, handle);
+    }
+    if (index + 1 == m_variableCount) {
+        announceColumns();
+    }
+    return isSelected ? READSTAT_HANDLER_OK : READSTAT_HANDLER_SKIP_VARIABLE;
+}
+
+void DataSetReader::addColumn(const Variable &variable, readstat_variable_t *handle)
+{
+    ColumnPlan plan;
+    plan.name =
+        m_options.namesFromLabels && !variable.label.isEmpty() ? variable.label : variable.name;
+    plan.labels = m_options.extractLabels ? labelsOf(variable) : nullptr;
+    plan.date = m_options.formatDates ? variable.date : DateKind::None;
+    plan.hasMissingRanges = readstat_variable_get_missing_ranges_count(handle) > 0;
+    const bool isText = variable.isText || plan.labels != nullptr || plan.date != DateKind::None;
+    plan.type = isText ? cell::Type::Text : cell::Type::Double;
+    m_columns.push_back(std::move(plan));
+    m_dictionary.variables.push_back(variable);
+}
+
+/// The labels of a variable; null: it has none.
+const ValueLabels *DataSetReader::labelsOf(const Variable &variable)
+{
+    const auto set = m_labelSets.find(variable.labelSet);
+    if (set == m_labelSets.end()) {
+        return nullptr;
+    }
+    auto &labels = m_labels[variable.labelSet];
+    if (!labels) {
+        labels = std::make_unique<ValueLabels>(set->second);
+    }
+    return labels.get();
+}
+
+void DataSetReader::announceColumns()
+{
+    if (!m_decoder) { // an empty file of a format without metadata
+        m_decoder.emplace(*TextDecoder::open(QStringLiteral("UTF-8")));
+    }
+    m_maker.emplace(*m_ring, *m_decoder, m_columns);
+    (*m_onColumns)(m_dictionary);
+}
+
+void DataSetReader::addMessage(const char *text)
+{
+    constexpr qsizetype kMaxMessages = 100;
+    if (m_messages.size() < kMaxMessages) {
+        m_messages << QString::fromUtf8(text).trimmed();
+    }
+}
+
+// ---- Rows.
+
+inline bool DataSetReader::putValue(qint64 row, readstat_variable_t *variable,
+                                    const readstat_value_t &value)
+{
+    if (row != m_row && !beginRow(row)) {
+        return false;
+    }
+    const auto index = static_cast<size_t>(readstat_variable_get_index(variable));
+    const int column = index < m_columnOf.size() ? m_columnOf[index] : -1;
+    return column < 0 || m_maker->put(column, value, variable);
+}
+
+/// Complete the row before and begin the next one. Returns false when no more rows are wanted.
+bool DataSetReader::beginRow(qint64 row)
+{
+    if (!m_maker) {
+        announceColumns();
+    }
+    endRow();
+    m_isAtLimit = m_options.maxRows > 0 && rowsRead() >= m_options.maxRows;
+    if (m_isAtLimit || !m_maker->begin(row)) {
+        return false;
+    }
+    m_row = row;
+    return true;
+}
+
+void DataSetReader::endRow()
+{
+    if (m_row >= 0) {
+        m_ring->endRow();
+        m_row = -1;
+        m_rowsRead.fetch_add(1, std::memory_order_relaxed);
+    }
+}
+
+const Findings &DataSetReader::findings() const
+{
+    static const Findings kNone;
+    return m_maker ? m_maker->findings() : kNone;
+}
+
+float DataSetReader::fractionDone() const
+{
+    const qint64 rows = m_rowsExpected;
+    if (rows <= 0) {
+        return m_input.fractionRead();
+    }
+    return std::min(1.0F, static_cast<float>(rowsRead()) / static_cast<float>(rows));
+}
+
+} // namespace corvanta::stat

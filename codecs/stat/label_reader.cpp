@@ -1,0 +1,121 @@
+#include "codecs/stat/label_reader.h"
+
+#include "codecs/stat/library_parser.h"
+#include "codecs/stat/text_decoder.h"
+
+#include <optional>
+
+namespace corvanta::stat {
+
+namespace {
+
+/// A label as the file has it: its encoding is known only at the end of the pass.
+struct RawLabel
+{
+    QByteArray set;
+    QByteArray label;
+    LabelSet::Entry entry;
+};
+
+struct LabelPass
+{
+    Format format;
+    QString wantedEncoding;
+    QString encoding;
+    std::vector<RawLabel> labels = {};
+    std::optional<Fault<Error>> failure = {};
+
+    void add(const char *set, const readstat_value_t &value, const char *label);
+};
+
+/// Only tagged missing values have a tag.
+void LabelPass::add(const char *set, const readstat_value_t &value, const char *label)
+{
+    RawLabel raw{set, label, {}};
+    raw.entry.isText = readstat_value_type_class(value) == READSTAT_TYPE_CLASS_STRING;
+    if (raw.entry.isText) {
+        raw.entry.text = readstat_string_value(value);
+    } else {
+        raw.entry.number = readstat_double_value(value);
+        raw.entry.tag = readstat_value_tag(value);
+    }
+    labels.push_back(std::move(raw));
+}
+
+int onMetadata(readstat_metadata_t *metadata, void *context)
+{
+    auto &pass = *static_cast<LabelPass *>(context);
+    return noexceptCallback(pass, [&] {
+        pass.encoding = encodingOf(pass.format, pass.wantedEncoding, metadata);
+        return true;
+    });
+}
+
+int onLabel(const char *set, readstat_value_t value, const char *label, void *context)
+{
+    auto &pass = *static_cast<LabelPass *>(context);
+    return noexceptCallback(pass, [&] {
+        pass.add(set, value, label);
+        return true;
+    });
+}
+
+/// Stops the pass before the rows of a format that has its labels before them.
+int onVariable(int, readstat_variable_t *, const char *, void *)
+{
+    return READSTAT_HANDLER_SKIP_VARIABLE;
+}
+
+Result<LabelSets, Error> decode(const LabelPass &pass)
+{
+    const auto decoder = TextDecoder::open(pass.encoding);
+    if (!decoder) {
+        return decoder.fault();
+    }
+    LabelSets sets;
+    for (const RawLabel &raw : pass.labels) {
+        LabelSet &set = sets[decoder->decode(raw.set)];
+        set.entries.push_back(raw.entry);
+        set.entries.back().label = decoder->decode(raw.label);
+    }
+    for (auto &[name, set] : sets) {
+        set.name = name;
+    }
+    return sets;
+}
+
+template <class Parse>
+Result<LabelSets, Error> runPass(ByteSource &source, LabelPass pass, Parse &&parse)
+{
+    LibrarySource input(source);
+    LibraryParser parser(input);
+    readstat_set_metadata_handler(parser.handle(), onMetadata);
+    readstat_set_variable_handler(parser.handle(), onVariable);
+    readstat_set_value_label_handler(parser.handle(), onLabel);
+    const readstat_error_t error = parse(parser, pass);
+    if (pass.failure) {
+        return *pass.failure;
+    }
+    if (error != READSTAT_OK) {
+        return Fault{input.hasFailed() ? Error::Unreadable : Error::Library, messageOf(error)};
+    }
+    return decode(pass);
+}
+
+} // namespace
+
+Result<LabelSets, Error> readLabelSets(ByteSource &source, Format format, const QString &encoding)
+{
+    return runPass(
+        source, {format, encoding, encoding},
+        [format](LibraryParser &parser, LabelPass &pass) { return parser.parse(format, &pass); });
+}
+
+Result<LabelSets, Error> readCatalogue(ByteSource &source, const QString &encoding)
+{
+    return runPass(
+        source, {Format::Sas, encoding, encoding},
+        [](LibraryParser &parser, LabelPass &pass) { return parser.parseCatalogue(&pass); });
+}
+
+} // namespace corvanta::stat

@@ -1,0 +1,50 @@
+// Gives the library the bytes of a ByteSource through its input handlers.
+//
+// The library reads many small pieces and jumps between them. The buffer here is filled with few
+// bytes after a jump, and with more and more while the reads are in order.
+#pragma once
+#include "base/byte_source.h"
+
+#include <array>
+#include <atomic>
+#include <memory>
+
+struct readstat_parser_s;
+
+namespace corvanta::stat {
+
+/// Threads: one at a time; fractionRead() from any.
+class LibrarySource
+{
+public:
+    /// `source` must be able to seek at no cost and know its size, and outlive this object.
+    explicit LibrarySource(ByteSource &source);
+
+    /// Make `parser` read this source, which must outlive it.
+    void attachTo(readstat_parser_s *parser);
+    /// Whether a read of the source has failed.
+    bool hasFailed() const { return m_hasFailed; }
+    /// The position in the file, from 0 to 1.
+    float fractionRead() const;
+
+private:
+    qint64 seek(qint64 offset, int whence);
+    qint64 read(char *out, qint64 n);
+    qint64 fill();
+
+    static constexpr qint64 kSmallestFill = 4 * 1024;
+    static constexpr qint64 kLargestFill = 256 * 1024;
+
+    ByteSource &m_source;
+    const qint64 m_size;
+    std::atomic<qint64> m_position = 0;
+    std::unique_ptr<char[]> m_buffer;
+    // The buffer holds m_filled bytes, the first of which is at m_bufferAt in the file.
+    qint64 m_bufferAt = 0;
+    qint64 m_filled = 0;
+    qint64 m_sourceAt = 0;             // position of m_source
+    qint64 m_nextFill = kSmallestFill; // bytes
+    bool m_hasFailed = false;
+};
+
+} // namespace corvanta::stat

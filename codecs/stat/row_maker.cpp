@@ -1,0 +1,162 @@
+#include "codecs/stat/row_maker.h"
+
+#include "base/number.h"
+#include "codecs/stat/date_text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace corvanta::stat {
+
+namespace {
+
+/// The value of any numeric type. Other types do not occur in numeric variables.
+double numberOf(const readstat_value_t &value)
+{
+    switch (value.type) {
+    case READSTAT_TYPE_DOUBLE:
+        return value.v.double_value;
+    case READSTAT_TYPE_FLOAT:
+        return static_cast<double>(value.v.float_value);
+    case READSTAT_TYPE_INT32:
+        return value.v.i32_value;
+    case READSTAT_TYPE_INT16:
+        return value.v.i16_value;
+    case READSTAT_TYPE_INT8:
+        return value.v.i8_value;
+    case READSTAT_TYPE_STRING:
+    case READSTAT_TYPE_STRING_REF:
+        break;
+    }
+    return cell::missingDouble();
+}
+
+const uchar *missingCell(cell::Type type)
+{
+    return type == cell::Type::Text ? cell::missingTextCell() : cell::missingDoubleCell();
+}
+
+/// A length code has at most 4 bytes; it is put directly before the units.
+constexpr qsizetype kLengthRoom = 4;
+
+} // namespace
+
+bool RowMaker::begin(qint64 row)
+{
+    m_row = row;
+    return m_ring.beginRow(static_cast<int>(m_columns.size()));
+}
+
+inline bool RowMaker::isMissing(const ColumnPlan &plan, const readstat_value_t &value,
+                                readstat_variable_t *variable)
+{
+    if (value.is_system_missing || value.is_tagged_missing) {
+        return true;
+    }
+    if (plan.hasMissingRanges && readstat_value_is_defined_missing(value, variable) != 0) {
+        m_findings.userMissing.add([&] { return place(plan); });
+        return true;
+    }
+    return false;
+}
+
+bool RowMaker::put(int column, const readstat_value_t &value, readstat_variable_t *variable)
+{
+    const ColumnPlan &plan = m_columns[static_cast<size_t>(column)];
+    const bool isText = value.type == READSTAT_TYPE_STRING;
+    if (isMissing(plan, value, variable) || (isText && value.v.string_value == nullptr)) {
+        m_ring.setCell(column, missingCell(plan.type));
+        return true;
+    }
+    if (plan.labels != nullptr) {
+        const uchar *const label =
+            isText ? plan.labels->find(value.v.string_value) : plan.labels->find(numberOf(value));
+        if (label != nullptr) {
+            m_ring.setCell(column, label);
+            return true;
+        }
+    }
+    if (isText) {
+        return putText(column, value.v.string_value);
+    }
+    return plan.type == cell::Type::Double ? putNumber(column, numberOf(value))
+                                           : putOwn(column, numberOf(value));
+}
+
+inline bool RowMaker::putNumber(int column, double number)
+{
+    uchar *const bytes = m_ring.room(cell::kDoubleBytes);
+    if (bytes == nullptr) {
+        return false;
+    }
+    storeNative(number, bytes);
+    m_ring.setCell(column, bytes);
+    m_ring.use(bytes + cell::kDoubleBytes);
+    return true;
+}
+
+inline bool RowMaker::putText(int column, const char *text)
+{
+    const auto n = static_cast<qsizetype>(std::strlen(text));
+    uchar *const bytes =
+        m_ring.room(kLengthRoom + n * 2 * static_cast<qsizetype>(sizeof(char16_t)));
+    if (bytes == nullptr) {
+        return false;
+    }
+    auto *const units = reinterpret_cast<char16_t *>(bytes + kLengthRoom);
+    qsizetype count = 0;
+    const Decoded result = m_decoder.decode(text, n, units, &count);
+    if (result != Decoded::Complete) {
+        countLoss(result, m_columns[static_cast<size_t>(column)]);
+    }
+    const quint32 code = cell::codeOfText(count);
+    const int lengthBytes = cell::lengthBytes(code);
+    uchar *const cell = bytes + kLengthRoom - lengthBytes;
+    cell::putLength(cell, code, lengthBytes);
+    m_ring.setCell(column, cell);
+    m_ring.use(reinterpret_cast<uchar *>(units + count));
+    return true;
+}
+
+/// A number in a column of texts: a date, or a value without a label.
+bool RowMaker::putOwn(int column, double number)
+{
+    std::array<char, kDateChars> text{};
+    const DateKind date = m_columns[static_cast<size_t>(column)].date;
+    int n = date == DateKind::None ? 0 : putDateText(date, number, text.data());
+    if (n == 0) { // not a date, or none that the calendar has
+        n = putShortest(number, text.data());
+    }
+    return putAscii(column, text.data(), n);
+}
+
+bool RowMaker::putAscii(int column, const char *text, int n)
+{
+    uchar *const bytes = m_ring.room(cell::textCellBytes(n) + 1);
+    if (bytes == nullptr) {
+        return false;
+    }
+    // One byte of length, after which the units are at an even address.
+    uchar *const cell = bytes + 1;
+    auto *const units = reinterpret_cast<char16_t *>(cell::putLength(cell, cell::codeOfText(n), 1));
+    std::copy_n(text, n, units);
+    m_ring.setCell(column, cell);
+    m_ring.use(reinterpret_cast<uchar *>(units + n));
+    return true;
+}
+
+// ---- Findings.
+
+void RowMaker::countLoss(Decoded result, const ColumnPlan &plan)
+{
+    Occurrences &losses = result == Decoded::Cut ? m_findings.cutTexts : m_findings.replacedTexts;
+    losses.add([&] { return place(plan); });
+}
+
+QString RowMaker::place(const ColumnPlan &plan) const
+{
+    return QStringLiteral("row %1 of the column '%2'").arg(QString::number(m_row + 1), plan.name);
+}
+
+} // namespace corvanta::stat

@@ -1,0 +1,68 @@
+// Makes rows of cells from the values that the library delivers.
+#pragma once
+#include "base/cell.h"
+#include "base/occurrences.h"
+#include "codecs/stat/dictionary.h"
+#include "codecs/stat/row_ring.h"
+#include "codecs/stat/text_decoder.h"
+#include "codecs/stat/value_labels.h"
+
+#include <readstat.h>
+
+namespace corvanta::stat {
+
+/// What was replaced or left out. Places are rows and columns.
+struct Findings
+{
+    Occurrences replacedTexts; ///< with bytes that are invalid in the encoding
+    Occurrences cutTexts;      ///< that end in an incomplete character
+    Occurrences userMissing;   ///< values that the file declares to be missing
+};
+
+/// How the values of a column become cells.
+struct ColumnPlan
+{
+    cell::Type type = cell::Type::Double;
+    DateKind date = DateKind::None;
+    bool hasMissingRanges = false;
+    const ValueLabels *labels = nullptr; ///< null: values are not replaced by labels
+    QString name;
+};
+
+/// Threads: that of the parser.
+class RowMaker
+{
+public:
+    /// The objects must outlive the maker.
+    RowMaker(RowRing &ring, const TextDecoder &decoder, const std::vector<ColumnPlan> &columns)
+        : m_ring(ring)
+        , m_decoder(decoder)
+        , m_columns(columns)
+    {
+    }
+
+    /// Start row number `row`, from 0. Returns false as RowRing::beginRow() does.
+    bool begin(qint64 row);
+    /// Set the cell of a column. Returns false as RowRing::room() does returns null.
+    bool put(int column, const readstat_value_t &value, readstat_variable_t *variable);
+
+    const Findings &findings() const { return m_findings; }
+
+private:
+    bool putNumber(int column, double number);
+    bool putText(int column, const char *text);
+    bool putAscii(int column, const char *text, int n);
+    bool putOwn(int column, double number);
+    bool isMissing(const ColumnPlan &plan, const readstat_value_t &value,
+                   readstat_variable_t *variable);
+    void countLoss(Decoded result, const ColumnPlan &plan);
+    QString place(const ColumnPlan &plan) const;
+
+    RowRing &m_ring;
+    const TextDecoder &m_decoder;
+    const std::vector<ColumnPlan> &m_columns;
+    qint64 m_row = 0;
+    Findings m_findings;
+};
+
+} // namespace corvanta::stat

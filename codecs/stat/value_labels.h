@@ -1,0 +1,32 @@
+// The labels of one set as cells, found by value.
+//
+// The cells are made once per file, so that a labelled value costs one search and no copy.
+#pragma once
+#include "codecs/stat/dictionary.h"
+
+#include <QHash>
+
+#include <string_view>
+
+namespace corvanta::stat {
+
+/// Threads: constant after the construction; the cells are valid as long as the object.
+class ValueLabels
+{
+public:
+    /// Of several labels of one value the first one counts.
+    explicit ValueLabels(const LabelSet &set);
+    ValueLabels(const ValueLabels &) = delete;
+    ValueLabels &operator=(const ValueLabels &) = delete;
+
+    /// The text cell with the label of a value; null: it has none.
+    const uchar *find(double number) const;
+    const uchar *find(std::string_view text) const;
+
+private:
+    // The bytes of a hash's values stay where they are, because nothing is inserted later.
+    QHash<quint64, QByteArray> m_byNumber; // the key is the bits of the number
+    QHash<QByteArray, QByteArray> m_byText;
+};
+
+} // namespace corvanta::stat
