@@ -124,8 +124,9 @@ enum class SheetProblem : quint8 {
     RowOrder,     ///< a row that does not follow the one before it
     OutOfSheet,   ///< a cell beyond the last column or row that the format has; left out
     BadText,      ///< bytes that are no text in the file's encoding; replaced
+    NoResult,     ///< a formula whose result the file does not store; left out
 };
-inline constexpr size_t kSheetProblems = 7;
+inline constexpr size_t kSheetProblems = 8;
 using SheetProblems = std::array<Occurrences, kSheetProblems>;
 
 /// The rows of one sheet, in the order of the file: usually ascending, but rows out of order are
@@ -167,7 +168,7 @@ public:
     /// 1900-02-29 that never was.
     virtual bool uses1904() const = 0;
     virtual const std::vector<DefinedName> &definedNames() const = 0;
-    /// All tables of all sheets.
+    /// All tables of all sheets. Like layout(), not while a sheet is open.
     virtual WorkbookResult<std::vector<TableInfo>> tables() = 0;
     /// What sheet `index` has beside its cells. May read the whole sheet.
     virtual WorkbookResult<SheetLayout> layout(size_t index) = 0;

@@ -104,6 +104,7 @@ Result<Table, Error> readTable(QByteArrayView text)
     if (table.name.isEmpty()) {
         table.name = textOf(root, "name");
     }
+    table.totalsRows = std::max(QString(textOf(root, "totalsRowCount")).toInt(), 0);
     if (const auto list = outline->child(0, "tableColumns")) {
         for (const int index : outline->children(*list, "tableColumn")) {
             table.columns << textOf(outline->element(index).tag, "name");

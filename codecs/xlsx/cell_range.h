@@ -46,6 +46,7 @@ struct Table
     CellRange range; ///< with its header row
     bool hasHeader = true;
     QStringList columns; ///< the names that the cells of the header row must have
+    int totalsRows = 0;  ///< at the end of the range
 };
 
 /// Read a table part. Errors: Encoding, Malformed, TooLarge, Unexpected (no table, or no valid

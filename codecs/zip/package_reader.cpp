@@ -222,11 +222,17 @@ Result<std::unique_ptr<RawMemberStream>, Error> PackageReader::openRaw(const Mem
 
 Result<std::unique_ptr<MemberStream>, Error> PackageReader::openStream(const Member &member)
 {
+    return openStream(member, m_source);
+}
+
+Result<std::unique_ptr<MemberStream>, Error> PackageReader::openStream(const Member &member,
+                                                                       ByteSource &source)
+{
     const auto offset = findData(member);
     if (!offset) {
         return offset.fault();
     }
-    return std::unique_ptr<MemberStream>(new MemberStream(m_source, member, *offset));
+    return std::unique_ptr<MemberStream>(new MemberStream(source, member, *offset));
 }
 
 Result<std::unique_ptr<MemberStream>, Error> PackageReader::openStream(QByteArrayView name)

@@ -95,6 +95,9 @@ public:
     /// Errors: NoMember, ReadFailed, Encrypted, UnknownMethod, BadLocalHeader, BadSize.
     Result<std::unique_ptr<MemberStream>, Error> openStream(QByteArrayView name);
     Result<std::unique_ptr<MemberStream>, Error> openStream(const Member &member);
+    /// The same through another source of the same bytes, so that several threads can read members.
+    Result<std::unique_ptr<MemberStream>, Error> openStream(const Member &member,
+                                                            ByteSource &source);
 
     /// Open the stored bytes of a member for copying. Errors: those of openStream().
     Result<std::unique_ptr<RawMemberStream>, Error> openRaw(const Member &member);

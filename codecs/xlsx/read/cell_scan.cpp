@@ -1,0 +1,198 @@
+// The usual cells (ECMA-376 part 1, 18.3.1.4):
+//
+//   <c r="B7" s="1" t="s"><v>12</v></c>
+//   <c r="C7"><f>A7+B7</f><v>3.5</v></c>
+//   <c r="D7" s="3"/>
+#include "codecs/xlsx/read/cell_scan.h"
+
+#include "base/number.h"
+
+#include <emmintrin.h>
+
+#include <cstring>
+
+namespace corvanta::xlsx {
+
+namespace {
+
+bool isSpace(char c)
+{
+    return c == ' ' || c == '\n' || c == '\t' || c == '\r';
+}
+
+/// The first "<" or NUL at or after `at`.
+const char *findMarkup(const char *at)
+{
+    for (;; at += 16) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
+        const __m128i hits = _mm_or_si128(_mm_cmpeq_epi8(block, _mm_set1_epi8('<')),
+                                          _mm_cmpeq_epi8(block, _mm_setzero_si128()));
+        if (const int mask = _mm_movemask_epi8(hits); mask != 0) {
+            return at + __builtin_ctz(static_cast<unsigned>(mask));
+        }
+    }
+}
+
+bool startsWith(const char *at, const char *end, QByteArrayView text)
+{
+    return end - at >= text.size() &&
+           std::memcmp(at, text.data(), static_cast<size_t>(text.size())) == 0;
+}
+
+/// The attributes of the tag, whose name ends at `at`. Returns the address of its "/" or ">", null
+/// for anything unusual or incomplete.
+const char *scanAttributes(const char *at, const char *end, RawCell *cell)
+{
+    while (at < end && isSpace(*at)) {
+        const char name = at[1];
+        if (at + 4 >= end || at[2] != '=' || at[3] != '"') {
+            return nullptr;
+        }
+        const char *const value = at + 4;
+        const auto *const stop =
+            static_cast<const char *>(std::memchr(value, '"', static_cast<size_t>(end - value)));
+        if (stop == nullptr) {
+            return nullptr;
+        }
+        const QByteArrayView text(value, stop - value);
+        if (name == 'r') {
+            cell->hasReference = true;
+            cell->column = columnOfReference(text);
+        } else if (name == 't') {
+            cell->type = text;
+        } else if (name == 's') {
+            quint64 style = 0;
+            parseUInt({text.data(), static_cast<size_t>(text.size())}, 0xFFFFFFFF, &style);
+            cell->style = static_cast<quint32>(style);
+        } else {
+            return nullptr;
+        }
+        at = stop + 1;
+    }
+    return at < end && (*at == '>' || *at == '/') ? at : nullptr;
+}
+
+/// Skip the formula at `at`, if there is one. Null when it is incomplete.
+const char *skipFormula(const char *at, const char *end, RawCell *cell)
+{
+    if (!startsWith(at, end, "<f>") && !startsWith(at, end, "<f ")) {
+        return at;
+    }
+    cell->hasFormula = true;
+    const auto *const close =
+        static_cast<const char *>(std::memchr(at, '>', static_cast<size_t>(end - at)));
+    if (close == nullptr || close[-1] == '/') {
+        return close == nullptr ? nullptr : close + 1;
+    }
+    const char *const next = findMarkup(close + 1);
+    // A NUL is the end of the bytes, or no text of XML.
+    return startsWith(next, end, "</f>") ? next + 4 : nullptr;
+}
+
+/// The powers of ten that a double holds exactly.
+constexpr double kPowers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                              1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+constexpr int kExactDigits = 15;
+
+/// A decimal of up to kExactDigits digits without exponent: exact, because both the digits and the
+/// power of ten are exact and a division rounds once. nullopt for any other text.
+std::optional<double> parseShortDecimal(QByteArrayView text)
+{
+    const bool isNegative = text.startsWith('-');
+    qint64 digits = 0;
+    int count = 0;
+    int fraction = -1;
+    for (const char c : text.sliced(isNegative ? 1 : 0)) {
+        if (c == '.' && fraction < 0 && count > 0) {
+            fraction = 0;
+            continue;
+        }
+        if (c < '0' || c > '9' || ++count > kExactDigits) {
+            return std::nullopt;
+        }
+        digits = digits * 10 + (c - '0');
+        fraction += fraction >= 0 ? 1 : 0;
+    }
+    if (count == 0 || fraction == 0) {
+        return std::nullopt;
+    }
+    const double value = static_cast<double>(digits) / kPowers[fraction > 0 ? fraction : 0];
+    return isNegative ? -value : value;
+}
+
+} // namespace
+
+int columnOfReference(QByteArrayView reference)
+{
+    constexpr int kMaxLetters = 6; // 26^6 is below 2^31
+    qint64 column = 0;
+    int letters = 0;
+    for (const char c : reference) {
+        const char upper = static_cast<char>(c & ~0x20);
+        if (upper < 'A' || upper > 'Z') {
+            if (c == '$' && letters == 0) {
+                continue;
+            }
+            break;
+        }
+        if (++letters > kMaxLetters) {
+            return -1;
+        }
+        column = column * 26 + (upper - 'A' + 1);
+    }
+    return static_cast<int>(column) - 1;
+}
+
+std::optional<double> parseValue(QByteArrayView text)
+{
+    if (const auto value = parseShortDecimal(text)) {
+        return value;
+    }
+    double value = 0;
+    const bool isNumber =
+        parseDouble(std::string_view(text.data(), static_cast<size_t>(text.size())), &value);
+    return isNumber ? std::optional(value) : std::nullopt;
+}
+
+CellScan scanCell(const char *at, const char *end, RawCell *cell, const char **after)
+{
+    if (end - at < 4) {
+        return CellScan::Incomplete;
+    }
+    if (at[1] != 'c' || (at[2] != ' ' && at[2] != '>')) {
+        return CellScan::Unusual;
+    }
+    // A cell of the usual form in the last bytes is tried again with more of them.
+    constexpr std::ptrdiff_t kUsualBytes = 256;
+    const CellScan otherwise = end - at < kUsualBytes ? CellScan::Incomplete : CellScan::Unusual;
+    const char *stop = scanAttributes(at + 2, end, cell);
+    if (stop == nullptr) {
+        return otherwise;
+    }
+    if (startsWith(stop, end, "/>")) {
+        *after = stop + 2;
+        return CellScan::Cell;
+    }
+    stop = skipFormula(stop + 1, end, cell);
+    if (stop == nullptr) {
+        return otherwise;
+    }
+    if (startsWith(stop, end, "</c>")) {
+        *after = stop + 4;
+        return CellScan::Cell;
+    }
+    if (!startsWith(stop, end, "<v>")) {
+        return otherwise;
+    }
+    const char *const value = stop + 3;
+    stop = findMarkup(value);
+    if (!startsWith(stop, end, "</v></c>")) {
+        return otherwise;
+    }
+    cell->hasValue = true;
+    cell->value = {value, stop - value};
+    *after = stop + 8;
+    return CellScan::Cell;
+}
+
+} // namespace corvanta::xlsx

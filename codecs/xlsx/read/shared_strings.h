@@ -1,0 +1,90 @@
+// The shared strings of a workbook (ECMA-376 part 1, 18.4.9), read as far as they are needed.
+//
+// A workbook with millions of strings answers for its first rows at once, because writers number
+// the strings in the order of their first use.
+#pragma once
+#include "codecs/xlsx/read/part_text.h"
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace corvanta::xlsx {
+
+/// The texts are in blocks that never move. Threads: one at a time, except stop().
+class SharedStrings
+{
+public:
+    /// No strings.
+    SharedStrings() = default;
+    /// The strings of the part; the texts take at most `maxBytes`.
+    SharedStrings(std::unique_ptr<PartText> part, qint64 maxBytes);
+
+    /// The text of string `index`, from 0; valid as long as this object. Nothing for a number
+    /// beyond the last string. Errors: those of the part; TooLarge.
+    sheet::WorkbookResult<std::optional<std::u16string_view>> at(quint64 index)
+    {
+        if (index >= m_count) {
+            if (const auto loaded = load(index); !loaded) {
+                return loaded.fault();
+            }
+            if (index >= m_count) {
+                return std::optional<std::u16string_view>();
+            }
+        }
+        return std::optional(text(index));
+    }
+    /// The text of a string that is loaded, or nothing: as at(), for the inner loop.
+    const std::u16string_view *loaded(quint64 index)
+    {
+        if (index >= m_count) {
+            return nullptr;
+        }
+        m_last = text(index);
+        return &m_last;
+    }
+
+    /// Strings with bytes that are no UTF-8.
+    qint64 badCount() const { return m_badCount; }
+    void stop();
+
+private:
+    /// Units of a block of texts; a longer text has a block of its own size.
+    static constexpr size_t kBlockUnits = size_t(1) << 20;
+    /// Strings per block of the index.
+    static constexpr size_t kIndexStrings = size_t(1) << 16;
+
+    /// Where a text is: its block, and its first unit in it. The two units before it are its
+    /// length.
+    struct Place
+    {
+        quint32 block;
+        quint32 unit;
+    };
+
+    std::u16string_view text(quint64 index) const
+    {
+        const Place place = m_index[index / kIndexStrings][index % kIndexStrings];
+        const char16_t *const units = m_blocks[place.block].get() + place.unit;
+        return {units, static_cast<size_t>(units[-1]) << 16 | units[-2]};
+    }
+    sheet::WorkbookResult<void> load(quint64 index);
+    sheet::WorkbookResult<bool> takeNext();
+    bool takePlain();
+    sheet::WorkbookResult<void> add(std::u16string_view text);
+    char16_t *room(size_t units);
+
+    std::unique_ptr<PartText> m_part; // null without strings
+    bool m_isEnd = false;             // all strings are loaded
+    qint64 m_maxBytes = 0;
+    qint64 m_bytes = 0;
+    std::vector<std::unique_ptr<char16_t[]>> m_blocks;
+    size_t m_used = kBlockUnits; // units of the last block
+    std::vector<std::vector<Place>> m_index;
+    quint64 m_count = 0;
+    qint64 m_badCount = 0;
+    std::vector<char16_t> m_text; // of the string that is read
+    std::u16string_view m_last;
+};
+
+} // namespace corvanta::xlsx

@@ -1,0 +1,81 @@
+// Reads the rows of a worksheet part (ECMA-376 part 1, 18.3.1).
+#pragma once
+#include "codecs/sheet/workbook_reader.h"
+#include "codecs/xlsx/read/cell_scan.h"
+#include "codecs/xlsx/read/part_text.h"
+#include "codecs/xlsx/read/shared_strings.h"
+
+#include <memory>
+#include <vector>
+
+namespace corvanta::xlsx {
+
+/// Threads: see sheet::SheetRows.
+class SheetScanner final : public sheet::SheetRows
+{
+public:
+    /// `strings` and `forms`, the forms of the cell formats by their index, outlive the scanner.
+    SheetScanner(std::unique_ptr<PartText> part, SharedStrings &strings,
+                 const std::vector<sheet::NumberForm> &forms);
+
+    sheet::WorkbookResult<bool> next(sheet::SheetRow *row) override;
+    double fractionDone() const override { return m_part->fractionDone(); }
+    const sheet::SheetProblems &problems() const override { return m_problems; }
+
+    /// Read everything of the sheet but its cells. Instead of next().
+    sheet::WorkbookResult<sheet::SheetLayout> readLayout();
+
+    void stop() { m_part->stop(); }
+
+private:
+    /// Where the scan is.
+    enum class Place : quint8 { Front, Rows, Tail };
+    /// A text of the row that is read: its units are in m_texts.
+    struct PendingText
+    {
+        size_t cell;
+        size_t begin;
+        size_t size;
+    };
+    using Done = sheet::WorkbookResult<void>;
+
+    Done enterRows();
+    sheet::WorkbookResult<bool> findRow();
+    void startRow(const opc::Tag &tag);
+    void setRowNumber(QByteArrayView text);
+    Done readCells();
+    /// Take the cells of the usual form. Returns when another item follows.
+    Done readUsualCells();
+    sheet::WorkbookResult<bool> readItem();
+    Done readUnusualCell(const opc::Tag &tag);
+    Done readInside(RawCell *cell);
+    Done addCell(const RawCell &cell);
+    bool placeCell(const RawCell &cell, sheet::SheetCell *placed);
+    Done setValue(const RawCell &cell, sheet::SheetCell *placed);
+    void setNumber(const RawCell &cell, sheet::SheetCell *placed);
+    Done setShared(const RawCell &cell, sheet::SheetCell *placed);
+    void setText(QByteArrayView raw, sheet::SheetCell *placed);
+    void finishCells();
+    void orderCells();
+    void count(sheet::SheetProblem problem, int column);
+    QString placeOf(int column) const;
+
+    std::unique_ptr<PartText> m_part;
+    SharedStrings &m_strings;
+    const std::vector<sheet::NumberForm> &m_forms;
+    sheet::SheetProblems m_problems;
+    Place m_place = Place::Front;
+    qint64 m_row = -1;        // number of the row that is read
+    qint64 m_highestRow = -1; // of those before it
+    bool m_isRowHidden = false;
+    bool m_isRowEmpty = false; // <row/>
+    int m_column = -1;         // of the last cell
+    bool m_isInOrder = true;   // the cells of the row
+    bool m_isBadText = false;
+    std::vector<sheet::SheetCell> m_cells;
+    std::vector<char16_t> m_texts; // of the row
+    std::vector<PendingText> m_pending;
+    QByteArray m_value; // raw, of an unusual cell
+};
+
+} // namespace corvanta::xlsx

@@ -1,0 +1,28 @@
+// What a workbook part says about its sheets and names (ECMA-376 part 1, 18.2).
+#pragma once
+#include "codecs/opc/error.h"
+#include "codecs/sheet/workbook_reader.h"
+
+#include <QByteArray>
+#include <QByteArrayView>
+
+#include <vector>
+
+namespace corvanta::xlsx {
+
+struct WorkbookSheets
+{
+    struct Entry
+    {
+        sheet::SheetInfo info; ///< its kind is not known here
+        QByteArray relationshipId;
+    };
+    std::vector<Entry> sheets; ///< in the order of their tabs
+    std::vector<sheet::DefinedName> names;
+    bool uses1904 = false;
+};
+
+/// Errors: Encoding, Malformed, Unexpected (no workbook), TooLarge. Threads: pure function.
+Result<WorkbookSheets, opc::Error> readWorkbookSheets(QByteArrayView text);
+
+} // namespace corvanta::xlsx

@@ -1,0 +1,83 @@
+// Reads workbooks of the Office Open XML format: .xlsx and .xlsm (ECMA-376 part 1, 18).
+#pragma once
+#include "base/byte_source.h"
+#include "codecs/opc/part_names.h"
+#include "codecs/sheet/workbook_reader.h"
+#include "codecs/xlsx/read/shared_strings.h"
+#include "codecs/xlsx/read/source_view.h"
+#include "codecs/zip/package_reader.h"
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+
+namespace corvanta::opc {
+class Relationships;
+}
+
+namespace corvanta::xlsx {
+
+class SheetScanner;
+
+/// Finds the parts through relationships, so that their names do not matter; falls back to the
+/// usual names where relationships are missing. Memory: the shared strings that have been used,
+/// and about 3 MiB. Threads: see sheet::WorkbookReader.
+class XlsxReader final : public sheet::WorkbookReader
+{
+public:
+    /// Read the parts that describe the workbook. `source` must be able to seek and outlive the
+    /// reader. Errors: all but Stopped.
+    static sheet::WorkbookResult<std::unique_ptr<XlsxReader>> open(ByteSource &source);
+    ~XlsxReader() override;
+
+    const std::vector<sheet::SheetInfo> &sheets() const override { return m_infos; }
+    bool uses1904() const override { return m_uses1904; }
+    const std::vector<sheet::DefinedName> &definedNames() const override { return m_names; }
+    sheet::WorkbookResult<std::vector<sheet::TableInfo>> tables() override;
+    sheet::WorkbookResult<sheet::SheetLayout> layout(size_t index) override;
+    sheet::WorkbookResult<std::unique_ptr<sheet::SheetRows>> openSheet(size_t index) override;
+    void stop() override;
+
+private:
+    using Done = sheet::WorkbookResult<void>;
+    class OpenSheet;
+
+    explicit XlsxReader(ByteSource &source);
+    Done openPackage();
+    Done checkKind();
+    Done readWorkbook();
+    Done readStyles();
+    Done openStrings();
+    QByteArray workbookPart();
+    opc::Relationships relationshipsOf(const QByteArray &part);
+    QByteArray relatedPart(const char *kind, const QByteArray &fallback) const;
+    const zip::Member *memberOf(const QByteArray &part) const;
+    sheet::WorkbookResult<QByteArray> readPart(const QByteArray &part);
+    sheet::WorkbookResult<std::unique_ptr<PartText>> openText(const zip::Member &member,
+                                                              SourceView &view);
+    sheet::WorkbookResult<std::unique_ptr<SheetScanner>> openScanner(size_t index);
+    Done addTables(size_t index, std::vector<sheet::TableInfo> *tables);
+    void setScanner(SheetScanner *scanner);
+
+    std::mutex m_sourceMutex;
+    SourceView m_view; // of the directory and the small parts
+    SourceView m_stringsView;
+    SourceView m_sheetView;
+    std::unique_ptr<zip::PackageReader> m_package;
+    opc::MemberNames m_memberNames;
+    QByteArray m_workbookPart;
+    std::unique_ptr<opc::Relationships> m_relationships; // of the workbook
+    std::vector<sheet::SheetInfo> m_infos;
+    std::vector<QByteArray> m_parts; // of the sheets; empty without one
+    std::vector<sheet::DefinedName> m_names;
+    bool m_uses1904 = false;
+    std::vector<sheet::NumberForm> m_forms;
+    bool m_hasStrings = false; // m_strings is open
+
+    std::mutex m_stopMutex;
+    bool m_isStopped = false;          // guarded by m_stopMutex
+    SheetScanner *m_scanner = nullptr; // guarded by m_stopMutex
+    SharedStrings m_strings;
+};
+
+} // namespace corvanta::xlsx
