@@ -14,17 +14,17 @@ ActionReadXBF::ActionReadXBF(const XMLNode &saved, GlobalParameters *parameters)
 
 // ---- Before the first row.
 
-dbf::TextDecoder ActionReadXBF::makeDecoder() const
+encoding::TextDecoder ActionReadXBF::makeDecoder() const
 {
     switch (m_params.encoding) {
     case XbfEncoding::Windows1252:
-        return dbf::TextDecoder::windows1252();
+        return encoding::TextDecoder::windows1252();
     case XbfEncoding::System:
-        return dbf::TextDecoder::named(currentACPName());
+        return encoding::TextDecoder::named(currentACPName());
     case XbfEncoding::Utf8:
-        return dbf::TextDecoder::utf8();
+        return encoding::TextDecoder::utf8();
     default: // Kept for saved graphs: any other number leaves the bytes unconverted.
-        return dbf::TextDecoder::unconverted();
+        return encoding::TextDecoder::unconverted();
     }
 }
 

@@ -5,7 +5,7 @@
 #pragma once
 #include "actions/read_xbf/read_xbf_params.h"
 #include "actions/shared/file_series.h"
-#include "codecs/dbf/text_decoder.h"
+#include "codecs/encoding/text_decoder.h"
 #include "corvanta/action_base.h"
 
 #include <optional>
@@ -31,7 +31,7 @@ private:
     void finish() override { m_series.finish(); }
 
     /// For character and memo fields, and for the names of columns.
-    dbf::TextDecoder makeDecoder() const;
+    encoding::TextDecoder makeDecoder() const;
 
     // Messages of FileSeries. They return true to continue with the next file.
     FileSeries::Opened openFile(const QString &name) override;
@@ -41,7 +41,7 @@ private:
     bool reportMismatch(const ColumnMismatch &mismatch) override;
 
     /// Of the run; files refer to it.
-    std::optional<dbf::TextDecoder> m_decoder;
+    std::optional<encoding::TextDecoder> m_decoder;
     FileSeries m_series{*this};
 };
 

@@ -34,7 +34,7 @@ std::unique_ptr<RunInput> XbfFile::openInput(const QString &name) const
 }
 
 FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
-                                 const dbf::TextDecoder &decoder, const ReadXbfParams &params)
+                                 const encoding::TextDecoder &decoder, const ReadXbfParams &params)
 {
     std::unique_ptr<XbfFile> file(new XbfFile(action, name)); // the constructor is private
     if (!file->m_input->file.isOpen()) {

@@ -16,7 +16,8 @@ class XbfFile final : public SeriesFile
 public:
     /// Open the table `name` and its memo file. `action` and `decoder` must outlive the file.
     static FileSeries::Opened open(ActionBase &action, const QString &name,
-                                   const dbf::TextDecoder &decoder, const ReadXbfParams &params);
+                                   const encoding::TextDecoder &decoder,
+                                   const ReadXbfParams &params);
 
     /// The fields of supported types, named as in the table.
     TableSchema columns() const override;

@@ -7,7 +7,7 @@
 #include "base/occurrences.h"
 #include "codecs/dbf/memo_file.h"
 #include "codecs/dbf/table_header.h"
-#include "codecs/dbf/text_decoder.h"
+#include "codecs/encoding/text_decoder.h"
 
 #include <algorithm>
 #include <array>
@@ -15,6 +15,8 @@
 #include <vector>
 
 namespace corvanta::dbf {
+
+using encoding::TextDecoder;
 
 /// Facts about a table for warnings. Complete after next() has returned Item::End.
 struct Findings

@@ -1,6 +1,6 @@
 // Encodings of three kinds: single-byte encodings become a table of 256 units, UTF-8 is converted
 // by base/utf.h, and multi-byte encodings go through iconv.
-#include "codecs/dbf/text_decoder.h"
+#include "codecs/encoding/text_decoder.h"
 
 #include "base/utf.h"
 
@@ -8,7 +8,7 @@
 
 #include <cerrno>
 
-namespace corvanta::dbf {
+namespace corvanta::encoding {
 
 namespace {
 
@@ -165,4 +165,4 @@ QString TextDecoder::decode(const QByteArray &bytes) const
     return text;
 }
 
-} // namespace corvanta::dbf
+} // namespace corvanta::encoding

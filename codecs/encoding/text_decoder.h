@@ -1,14 +1,14 @@
-// Decodes the texts of a table to UTF-16, without creating a QString for each.
+// Decodes the texts of tables and legacy workbooks to UTF-16, without creating a QString for each.
 //
-// A table has one encoding for all texts and names. Its header names the encoding only roughly, so
-// the caller chooses it.
+// Such a file has one encoding for all texts and names, which its header may name only roughly: the
+// caller chooses it.
 #pragma once
 #include <QString>
 
 #include <array>
 #include <memory>
 
-namespace corvanta::dbf {
+namespace corvanta::encoding {
 
 /// Threads: one thread at a time per object; separate objects are independent.
 class TextDecoder
@@ -53,4 +53,4 @@ private:
     std::unique_ptr<Converter> m_converter; // MultiByte only
 };
 
-} // namespace corvanta::dbf
+} // namespace corvanta::encoding
