@@ -1,0 +1,167 @@
+// A workbook is a stream of records: the globals, and the sheets at the offsets that they give. Up
+// to BIFF 4 it is a single sheet, or a workspace of several. The stream is the whole file, or a
+// stream of a compound file: "Workbook", of BIFF 5 "Book".
+#include "codecs/xls/legacy_workbook.h"
+
+#include "codecs/xls/sheet_rows.h"
+
+#include <array>
+
+namespace corvanta::xls {
+
+using sheet::WorkbookError;
+
+namespace {
+
+Fault<WorkbookError> faultOf(const Fault<CompoundError> &fault)
+{
+    switch (fault.code) {
+    case CompoundError::ReadFailed:
+        return {WorkbookError::ReadFailed, {}, fault.offset};
+    case CompoundError::NotCompound:
+        return {WorkbookError::NotAWorkbook, {}, fault.offset};
+    case CompoundError::Damaged:
+        break;
+    }
+    return {WorkbookError::Damaged, QStringLiteral("the compound file has no usable directory"),
+            fault.offset};
+}
+
+/// The stream of the workbook in a compound file.
+sheet::WorkbookResult<std::unique_ptr<CompoundStream>> streamOf(CompoundFile &file)
+{
+    for (const QStringView name : {u"Workbook", u"Book"}) {
+        if (auto stream = file.stream(name)) {
+            return stream;
+        }
+    }
+    if (file.stream(u"EncryptedPackage")) {
+        return Fault{WorkbookError::Encrypted, QStringLiteral("an encrypted .xlsx workbook")};
+    }
+    return Fault{WorkbookError::NotAWorkbook,
+                 QStringLiteral("an Office or compound file without a workbook")};
+}
+
+} // namespace
+
+sheet::WorkbookResult<std::unique_ptr<LegacyWorkbook>> LegacyWorkbook::open(ByteSource &source)
+{
+    auto workbook = std::unique_ptr<LegacyWorkbook>(new LegacyWorkbook);
+    if (auto isRead = workbook->read(source); !isRead) {
+        return isRead.fault();
+    }
+    return workbook;
+}
+
+sheet::WorkbookResult<void> LegacyWorkbook::read(ByteSource &source)
+{
+    std::array<char, 8> first{};
+    if (!source.seek(0)) {
+        return Fault{WorkbookError::ReadFailed};
+    }
+    const qint64 got = readFully(source, first.data(), first.size());
+    if (got < 0) {
+        return Fault{WorkbookError::ReadFailed, {}, 0};
+    }
+    if (CompoundFile::hasSignature({first.data(), got})) {
+        auto file = CompoundFile::open(source);
+        if (!file) {
+            return faultOf(file.fault());
+        }
+        auto stream = streamOf(*file);
+        if (!stream) {
+            return stream.fault();
+        }
+        m_stream = *std::move(stream);
+        m_missingBytes = m_stream->missingBytes();
+    }
+    m_reader = std::make_unique<RecordReader>(m_stream ? *m_stream : source);
+    return readWorkbook();
+}
+
+sheet::WorkbookResult<void> LegacyWorkbook::readWorkbook()
+{
+    auto globals = readGlobals(*m_reader, 0);
+    if (!globals) {
+        const auto &fault = globals.fault();
+        if (m_stream && fault.code == WorkbookError::NotAWorkbook) {
+            return Fault{
+                WorkbookError::Damaged,
+                QStringLiteral("the stream of the workbook does not begin with a BOF record"),
+                fault.offset};
+        }
+        return fault;
+    }
+    m_globals = *std::move(globals);
+    m_rules.emplace(m_globals.biff, m_globals.codePage);
+    for (const SheetPlace &place : m_globals.sheets) {
+        m_sheets.push_back(place.info);
+    }
+    return {};
+}
+
+sheet::WorkbookResult<const SheetScan *> LegacyWorkbook::scan(size_t index)
+{
+    if (!m_scan || m_scanned != index) {
+        m_scan.reset();
+        auto scan = scanSheet(*m_reader, m_globals.sheets[index].offset, m_stop);
+        if (!scan) {
+            return scan.fault();
+        }
+        m_scan = *std::move(scan);
+        m_scan->isTruncated = m_scan->isTruncated || (!m_scan->hasEnd && m_missingBytes > 0);
+        m_scanned = index;
+    }
+    return &*m_scan;
+}
+
+sheet::WorkbookResult<sheet::SheetLayout> LegacyWorkbook::layout(size_t index)
+{
+    auto scanned = scan(index);
+    if (!scanned) {
+        return scanned.fault();
+    }
+    return (*scanned)->layout;
+}
+
+void LegacyWorkbook::readSharedTexts()
+{
+    Record record;
+    if (m_hasSharedTexts || m_globals.sharedTexts < 0) {
+        return;
+    }
+    m_hasSharedTexts = true;
+    m_reader->seek(m_globals.sharedTexts);
+    if (m_reader->next(&record)) {
+        m_shared.read(*m_reader, record, *m_rules);
+    }
+}
+
+/// In a workspace each sheet begins with formats of its own.
+CellForms LegacyWorkbook::formsOf(size_t index)
+{
+    if (m_globals.isWorkspace) {
+        auto globals = readGlobals(*m_reader, m_globals.sheets[index].offset);
+        if (globals) {
+            return std::move(globals->forms);
+        }
+    }
+    return m_globals.forms;
+}
+
+sheet::WorkbookResult<std::unique_ptr<sheet::SheetRows>> LegacyWorkbook::openSheet(size_t index)
+{
+    auto scanned = scan(index);
+    if (!scanned) {
+        return scanned.fault();
+    }
+    readSharedTexts();
+    auto rows = std::make_unique<BiffRows>(SheetSource{*m_reader, *m_rules, m_shared, m_stop},
+                                           formsOf(index), **scanned);
+    if (auto isOpen = rows->open(); !isOpen) {
+        return isOpen.fault();
+    }
+    return std::unique_ptr<sheet::SheetRows>(std::move(rows));
+}
+
+} // namespace corvanta::xls

@@ -1,0 +1,151 @@
+// The records of a sheet that are read here (MS-XLS, 2.4; little-endian):
+//
+//   ROW          row 2, columns 2 2, height 2, 4 unused, flags 2: bit 5 hidden (not in BIFF 2)
+//   COLINFO      first column 2, last column 2, width 2, XF 2, flags 2: bit 0 hidden
+//   MERGEDCELLS  count 2, then first row 2, last row 2, first column 2, last column 2
+//
+// Charts inside a sheet have BOF and EOF records of their own.
+#include "codecs/xls/sheet_scan.h"
+
+#include "base/bytes.h"
+#include "codecs/xls/cell_records.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace corvanta::xls {
+
+using sheet::CellArea;
+using sheet::WorkbookError;
+
+namespace {
+
+constexpr int kStopInterval = 1024; // records between two looks at the stop flag
+
+void takeRow(const Record &record, std::vector<bool> *hidden)
+{
+    constexpr qint64 kFlagsOffset = 12;
+    constexpr quint16 kHidden = 0x0020;
+    if (record.bytes < kFlagsOffset + 2 ||
+        (loadLE<quint16>(record.data + kFlagsOffset) & kHidden) == 0) {
+        return;
+    }
+    const size_t row = loadLE<quint16>(record.data);
+    if (hidden->size() <= row) {
+        hidden->resize(row + 1);
+    }
+    (*hidden)[row] = true;
+}
+
+void takeColumns(const Record &record, std::vector<CellArea> *hidden)
+{
+    constexpr qint64 kFlagsOffset = 8;
+    constexpr quint16 kHidden = 0x0001;
+    if (record.bytes >= kFlagsOffset + 2 &&
+        (loadLE<quint16>(record.data + kFlagsOffset) & kHidden) != 0) {
+        CellArea area;
+        area.firstColumn = loadLE<quint16>(record.data);
+        area.lastColumn = loadLE<quint16>(record.data + 2);
+        hidden->push_back(area);
+    }
+}
+
+void takeMerged(const Record &record, std::vector<CellArea> *merged)
+{
+    constexpr qint64 kAreaBytes = 8;
+    const auto at = [&](qint64 offset) { return loadLE<quint16>(record.data + offset); };
+    for (qint64 offset = 2; offset + kAreaBytes <= record.bytes; offset += kAreaBytes) {
+        const CellArea area{at(offset), at(offset + 2), at(offset + 4), at(offset + 6)};
+        if (area.firstRow <= area.lastRow && area.firstColumn <= area.lastColumn) {
+            merged->push_back(area);
+        }
+    }
+}
+
+/// Call `take` for each record between the BOF at `offset` and its EOF, those of inner streams
+/// excepted. The result is whether there is an EOF. Errors: as scanSheet().
+template <class Take>
+sheet::WorkbookResult<bool> forEachRecord(RecordReader &reader, qint64 offset,
+                                          const std::atomic<bool> &stop, const Take &take)
+{
+    Record record;
+    int depth = 0;
+    int untilLook = 0;
+    for (reader.seek(offset); reader.next(&record);) {
+        if (untilLook-- == 0) {
+            untilLook = kStopInterval;
+            if (stop.load(std::memory_order_relaxed)) {
+                return Fault{WorkbookError::Stopped};
+            }
+        }
+        depth += isBof(record.id) ? 1 : (record.id == kEof ? -1 : 0);
+        if (depth == 0) {
+            return true;
+        }
+        if (depth == 1) {
+            take(record);
+        }
+    }
+    if (reader.stop() == RecordReader::Stop::ReadFailed) {
+        return Fault{WorkbookError::ReadFailed, {}, reader.position()};
+    }
+    return false;
+}
+
+} // namespace
+
+sheet::WorkbookResult<SheetScan> scanSheet(RecordReader &reader, qint64 offset,
+                                           const std::atomic<bool> &stop)
+{
+    Record bof;
+    reader.seek(offset);
+    if (!reader.next(&bof) || !isBof(bof.id)) {
+        const bool isFailure = reader.stop() == RecordReader::Stop::ReadFailed;
+        return Fault{isFailure ? WorkbookError::ReadFailed : WorkbookError::Damaged,
+                     QStringLiteral("the sheet has no beginning"), offset};
+    }
+    SheetScan scan;
+    scan.begin = offset;
+    const quint16 type = streamType(bof);
+    const bool hasCells = type != kChartStream && type != kGlobals;
+    int lastRow = -1;
+    const auto hasEnd = forEachRecord(reader, offset, stop, [&](const Record &record) {
+        if (record.id == kRow) {
+            takeRow(record, &scan.hiddenRows);
+        } else if (record.id == kColInfo) {
+            takeColumns(record, &scan.layout.hiddenColumns);
+        } else if (record.id == kMergedCells) {
+            takeMerged(record, &scan.layout.merged);
+        } else if (const int row = rowOfCell(record); row >= 0 && hasCells) {
+            scan.hasCells = true;
+            scan.isOrdered = scan.isOrdered && row >= lastRow;
+            lastRow = row;
+        }
+    });
+    if (!hasEnd) {
+        return hasEnd.fault();
+    }
+    scan.hasEnd = *hasEnd;
+    scan.isTruncated = reader.stop() == RecordReader::Stop::Truncated;
+    scan.end = reader.position();
+    return scan;
+}
+
+sheet::WorkbookResult<std::vector<CellPlace>>
+sortedCells(RecordReader &reader, const SheetScan &scan, const std::atomic<bool> &stop)
+{
+    std::vector<CellPlace> cells;
+    const auto hasEnd = forEachRecord(reader, scan.begin, stop, [&](const Record &record) {
+        if (const int row = rowOfCell(record); row >= 0) {
+            cells.push_back({static_cast<quint16>(row), record.offset});
+        }
+    });
+    if (!hasEnd) {
+        return hasEnd.fault();
+    }
+    std::stable_sort(cells.begin(), cells.end(),
+                     [](const CellPlace &a, const CellPlace &b) { return a.row < b.row; });
+    return cells;
+}
+
+} // namespace corvanta::xls
