@@ -80,8 +80,7 @@ QString encryptionOf(const Record &record, Biff biff)
     if (biff != Biff::V8 || u16At(record, 0) == 0) {
         return QStringLiteral("XOR obfuscation");
     }
-    return u16At(record, 2) == 1 ? QStringLiteral("RC4 encryption")
-                                 : QStringLiteral("RC4 CryptoAPI encryption");
+    return u16At(record, 2) == 1 ? QStringLiteral("RC4") : QStringLiteral("RC4 CryptoAPI");
 }
 
 /// Collects the globals, record by record.
