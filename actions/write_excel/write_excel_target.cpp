@@ -1,9 +1,9 @@
 // The workbook that writeExcel writes to: which one, which sheet of it, and how the finished file
 // replaces the destination.
+#include "actions/shared/package_reasons.h"
 #include "actions/write_excel/spreadsheet_program.h"
 #include "actions/write_excel/write_excel.h"
 #include "base/platform/files.h"
-#include "codecs/opc/compound_file.h"
 #include "codecs/xlsx/new_workbook.h"
 #include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
@@ -28,47 +28,6 @@ quint64 startRowOf(const QString &text)
     const double number = text.toDouble();
     return number >= 1 ? static_cast<quint64>(qMin(number, double(kMaxStartRow)))
                        : xlsx::SheetSplitter::kAppend;
-}
-
-/// Why a member of the workbook cannot be read; empty for faults that are not of a member.
-QString memberReason(const Fault<opc::Error> &fault, const QString &systemReason)
-{
-    const auto about = [&](const char *what) {
-        return u"the member '%1' of the workbook %2"_s.arg(fault.detail, QLatin1StringView(what));
-    };
-    switch (fault.code) {
-    case opc::Error::Unreadable:
-        return systemReason.isEmpty() ? about("is truncated") : systemReason;
-    case opc::Error::Damaged:
-        return about("is damaged: its content does not match its size or checksum");
-    case opc::Error::MemberTooLarge:
-        return about("is too large");
-    case opc::Error::NoMember:
-        return about("is not there");
-    case opc::Error::Encrypted:
-        return about("is encrypted");
-    case opc::Error::UnknownMethod:
-        return about("is packed by an unsupported method");
-    case opc::Error::BadHeader:
-        return about("is damaged: its header does not match the directory of the package");
-    default:
-        return {};
-    }
-}
-
-/// Why a file that is no package is none; empty if it is not a compound file either.
-QString compoundFileReason(GlobalParameters *parameters, const QString &name)
-{
-    const std::unique_ptr<MyReadFile> file(MyReadFile::newMyReadFile(parameters, name, true, true));
-    switch (file ? opc::compoundFileKind(*file) : opc::CompoundFile::No) {
-    case opc::CompoundFile::Encrypted:
-        return u"the workbook is encrypted with a password; save it without one first"_s;
-    case opc::CompoundFile::Other:
-        return u"the file is not an .xlsx workbook, but an old one (.xls) or an encrypted one"_s;
-    case opc::CompoundFile::No:
-        break;
-    }
-    return {};
 }
 
 /// Words for a sheet that has no cells. `kind` as in UpdatedWorkbook::sheetKind().
@@ -192,7 +151,8 @@ bool ActionWriteExcel::openUpdate()
     if (!m_run->input) {
         auto input = PackageInput::open(globalParameters(), m_run->source);
         if (!input) {
-            const QString reason = compoundFileReason(globalParameters(), m_run->source);
+            const QString reason = compoundFileReason(globalParameters(), m_run->source,
+                                                      u"workbook"_s, u".xlsx"_s, u".xls"_s);
             return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source),
                         reason.isEmpty() ? input.fault().detail : reason);
         }
@@ -251,7 +211,7 @@ QString ActionWriteExcel::reasonFor(const Fault<opc::Error> &fault) const
         return reasonOf(m_run->output.target());
     }
     const SystemError error = m_run->input ? m_run->input->error() : SystemError();
-    return memberReason(fault, failureReason(m_run->source, FileUse::Read, error));
+    return memberReason(fault, u"workbook"_s, failureReason(m_run->source, FileUse::Read, error));
 }
 
 bool ActionWriteExcel::addsSheet() const

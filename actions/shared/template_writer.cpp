@@ -1,0 +1,119 @@
+#include "actions/shared/template_writer.h"
+
+#include "actions/shared/package_reasons.h"
+#include "base/platform/files.h"
+#include "corvanta/failure_reason.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+bool TemplateWriter::openTemplate(const QString &name)
+{
+    m_templateName = name;
+    m_template.reset();
+    auto input = PackageInput::open(globalParameters(), name);
+    if (!input) {
+        return failTemplate(input.fault());
+    }
+    m_template = std::move(*input);
+    return !m_template->reader().members().empty() ||
+           failWith(TemplateProblem::EmptyTemplate, name);
+}
+
+bool TemplateWriter::failTemplate(const Fault<zip::Error> &fault)
+{
+    const QFileInfo info(m_templateName);
+    const bool isEmpty = info.isFile() && info.size() == 0;
+    QString reason = isEmpty ? u"the file is empty"_s
+                             : compoundFileReason(globalParameters(), m_templateName, u"template"_s,
+                                                  u"Office"_s, u".doc, .ppt, .xls"_s);
+    failWith(TemplateProblem::CannotReadTemplate, m_templateName,
+             reason.isEmpty() ? fault.detail : reason);
+    return isEmpty ? failWith(TemplateProblem::EmptyTemplate, m_templateName) : false;
+}
+
+bool TemplateWriter::openDocument(const QString &name)
+{
+    closeDocument();
+    m_documentName = name;
+    // Names of links are compared as what they lead to.
+    if (platform::finalName(name) == platform::finalName(m_templateName)) {
+        return fail(
+            u"ERROR: the document '%1' would replace its own template: choose another output name.\n"_s
+                .arg(name));
+    }
+    m_document = std::make_unique<PackageOutput>();
+    const TargetFile::Options target{.action = getIdx(),
+                                     .retryWrite = [this, name] { return askRetryWrite(name); }};
+    if (!m_document->open(name, target)) {
+        return failWith(TemplateProblem::CannotCreate, name, failureReason(m_document->target()));
+    }
+    m_members = std::make_unique<opc::MemberWriter>(m_document->writer());
+    return true;
+}
+
+bool TemplateWriter::commitDocument()
+{
+    const bool isFinished = static_cast<bool>(m_members->finish());
+    m_members.reset();
+    // Another action may have failed meanwhile; the document must then not appear.
+    const bool done = isFinished && runIsGood() && m_document->commit();
+    const QString reason = failureReason(m_document->target());
+    m_document.reset();
+    if (!done && runIsGood()) {
+        warn(message(TemplateProblem::CannotClose, m_documentName));
+        fail(u"ERROR: the document '%1' could not be completed and is not written.\n"_s.arg(
+                 m_documentName),
+             reason);
+    }
+    return done;
+}
+
+void TemplateWriter::closeDocument()
+{
+    // The members refer to the package.
+    m_members.reset();
+    m_document.reset();
+}
+
+void TemplateWriter::closeFiles()
+{
+    closeDocument();
+    m_template.reset();
+}
+
+QString TemplateWriter::memberReasonOf(const Fault<opc::Error> &fault) const
+{
+    const SystemError error = m_template ? m_template->error() : SystemError();
+    const QString reason =
+        memberReason(fault, u"template"_s, failureReason(m_templateName, FileUse::Read, error));
+    return reason.isEmpty()
+               ? u"the part '%1' of the template is not the XML text that it should be"_s.arg(
+                     fault.detail)
+               : reason;
+}
+
+bool TemplateWriter::failPackage(const Fault<opc::Error> &fault, TemplateProblem reading)
+{
+    switch (fault.code) {
+    case opc::Error::Stopped: // not a failure, so without a message
+        return false;
+    case opc::Error::WriteFailed:
+        return failWith(TemplateProblem::CannotWrite, m_documentName,
+                        failureReason(m_document->target()));
+    case opc::Error::NotAdded:
+        return failWith(TemplateProblem::CannotAddMember, fault.detail);
+    case opc::Error::NoMember:
+    case opc::Error::Encrypted:
+    case opc::Error::UnknownMethod:
+    case opc::Error::BadHeader:
+        return failWith(TemplateProblem::CannotOpenMember, fault.detail, memberReasonOf(fault));
+    default:
+        return failWith(reading, fault.detail, memberReasonOf(fault));
+    }
+}
+
+} // namespace corvanta

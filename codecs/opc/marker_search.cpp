@@ -1,0 +1,197 @@
+// Where a marker can be in a part (ECMA-376 part 1, 17.3.2 and 21.1.2.3: runs):
+//
+//   <w:p><w:r><w:t>Dear %NAME%,</w:t></w:r></w:p>                                    found
+//   <w:p><w:r><w:t>Dear %NA</w:t></w:r><w:r><w:rPr/><w:t>ME%,</w:t></w:r></w:p>      split
+//
+// The text elements of a paragraph are read as one text. In presentations they are <a:t> in <a:p>.
+#include "codecs/opc/marker_search.h"
+
+#include "codecs/opc/markup_scan.h"
+#include "codecs/opc/splices.h"
+
+#include <queue>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <tuple>
+
+namespace corvanta::opc {
+
+namespace {
+
+/// Orders hits by their place, then by the list of markers.
+struct IsLater
+{
+    bool operator()(const MarkerHit &a, const MarkerHit &b) const
+    {
+        return std::tie(a.begin, a.marker) > std::tie(b.begin, b.marker);
+    }
+};
+
+/// The next occurrence of every marker, the first one on top.
+class MarkerQueue
+{
+public:
+    MarkerQueue(QByteArrayView text, const std::vector<QByteArray> &markers)
+        : m_text(text)
+        , m_markers(markers)
+    {
+        for (size_t i = 0; i < markers.size(); ++i) {
+            addNext(static_cast<int>(i), 0);
+        }
+    }
+    bool isEmpty() const { return m_next.empty(); }
+    MarkerHit take()
+    {
+        const MarkerHit hit = m_next.top();
+        m_next.pop();
+        return hit;
+    }
+    /// Enter the first occurrence at or after `from`.
+    void addNext(int marker, qsizetype from)
+    {
+        const QByteArray &bytes = m_markers[static_cast<size_t>(marker)];
+        const qsizetype at = bytes.isEmpty() ? -1 : m_text.indexOf(bytes, from);
+        if (at >= 0) {
+            m_next.push({at, at + bytes.size(), marker});
+        }
+    }
+
+private:
+    QByteArrayView m_text;
+    const std::vector<QByteArray> &m_markers;
+    std::priority_queue<MarkerHit, std::vector<MarkerHit>, IsLater> m_next;
+};
+
+/// Collects the pieces while the tags of a part go by.
+class PieceCollector
+{
+public:
+    void take(const Tag &tag)
+    {
+        const bool closes = tag.kind == Tag::Kind::Close;
+        if (tag.local() == "p" && tag.kind != Tag::Kind::Empty) {
+            takeParagraph(closes);
+        } else if (tag.local() == "t" && closes && m_textBegin >= 0) {
+            m_pieces.push_back(
+                {m_textBegin, tag.begin, m_open.empty() ? m_paragraphs : m_open.back()});
+        }
+        // A text element holds no other element.
+        const bool opensText = tag.local() == "t" && tag.kind == Tag::Kind::Open;
+        m_textBegin = opensText ? tag.end : -1;
+    }
+    std::vector<TextPiece> pieces() { return std::move(m_pieces); }
+
+private:
+    void takeParagraph(bool closes)
+    {
+        if (!closes) {
+            m_open.push_back(++m_paragraphs);
+        } else if (!m_open.empty()) {
+            m_open.pop_back();
+        }
+    }
+
+    std::vector<TextPiece> m_pieces;
+    std::vector<int> m_open; // numbers of the open paragraphs, the innermost last
+    int m_paragraphs = 0;
+    qsizetype m_textBegin = -1; // of the open text element; -1 if none is open
+};
+
+/// The text of one paragraph and where it comes from.
+struct ParagraphText
+{
+    QByteArray text;
+    std::vector<TextPiece> pieces;
+};
+
+/// The pieces of `hit`, an occurrence in the text of a paragraph.
+std::vector<TextPiece> piecesOf(const ParagraphText &paragraph, const MarkerHit &hit)
+{
+    std::vector<TextPiece> pieces;
+    qsizetype at = 0; // of the piece, in the text of the paragraph
+    for (const TextPiece &piece : paragraph.pieces) {
+        const qsizetype size = piece.end - piece.begin;
+        const qsizetype begin = std::max(hit.begin, at);
+        const qsizetype end = std::min(hit.end, at + size);
+        if (begin < end) {
+            pieces.push_back({piece.begin + begin - at, piece.begin + end - at, piece.paragraph});
+        }
+        at += size;
+    }
+    return pieces;
+}
+
+void addSplit(const ParagraphText &paragraph, const std::vector<QByteArray> &markers,
+              std::vector<SplitMarker> &found)
+{
+    // Only a text in several pieces can split a marker.
+    if (paragraph.pieces.size() < 2) {
+        return;
+    }
+    for (const MarkerHit &hit : findMarkers(paragraph.text, markers)) {
+        auto pieces = piecesOf(paragraph, hit);
+        if (pieces.size() > 1) {
+            found.push_back({hit.marker, std::move(pieces)});
+        }
+    }
+}
+
+} // namespace
+
+std::vector<MarkerHit> findMarkers(QByteArrayView text, const std::vector<QByteArray> &markers)
+{
+    std::vector<MarkerHit> hits;
+    qsizetype from = 0; // after the last hit
+    for (MarkerQueue next(text, markers); !next.isEmpty();) {
+        const MarkerHit hit = next.take();
+        if (hit.begin >= from) {
+            hits.push_back(hit);
+            from = hit.end;
+        }
+        next.addNext(hit.marker, from);
+    }
+    return hits;
+}
+
+std::vector<TextPiece> textPieces(QByteArrayView part)
+{
+    PieceCollector collector;
+    for (TagCursor cursor(part); cursor.next();) {
+        collector.take(cursor.tag());
+    }
+    return collector.pieces();
+}
+
+std::vector<SplitMarker> findSplitMarkers(QByteArrayView part,
+                                          const std::vector<QByteArray> &markers)
+{
+    // The text of a paragraph may go on after that of a text box inside it.
+    std::map<int, ParagraphText> paragraphs;
+    for (const TextPiece &piece : textPieces(part)) {
+        ParagraphText &paragraph = paragraphs[piece.paragraph];
+        paragraph.text += part.sliced(piece.begin, piece.end - piece.begin);
+        paragraph.pieces.push_back(piece);
+    }
+    std::vector<SplitMarker> found;
+    for (const auto &[number, paragraph] : paragraphs) {
+        addSplit(paragraph, markers, found);
+    }
+    return found;
+}
+
+QByteArray joinMarkers(QByteArrayView part, const std::vector<QByteArray> &markers)
+{
+    Splices splices(part);
+    for (const SplitMarker &split : findSplitMarkers(part, markers)) {
+        const QByteArray &marker = markers[static_cast<size_t>(split.marker)];
+        QByteArray moved = marker;
+        for (const TextPiece &piece : split.pieces) {
+            splices.replace(piece.begin, piece.end, std::exchange(moved, QByteArray()));
+        }
+    }
+    return splices.apply();
+}
+
+} // namespace corvanta::opc

@@ -1,0 +1,55 @@
+// Finds markers, such as "%NAME%", in the XML text of a package part.
+//
+// A marker is a string of bytes that is compared with the text as it is stored. Word processors may
+// divide a text into runs with formatting between them, also inside a marker; such a marker is
+// split. It is not found by findMarkers(), but by findSplitMarkers() and joinMarkers().
+// Threads: pure functions. Time: linear in the text for each marker.
+#pragma once
+#include <QByteArray>
+#include <QByteArrayView>
+
+#include <vector>
+
+namespace corvanta::opc {
+
+/// One occurrence of a marker; offsets in the text.
+struct MarkerHit
+{
+    qsizetype begin = 0; ///< of its first byte
+    qsizetype end = 0;   ///< after its last byte
+    int marker = 0;      ///< index in the list of markers
+    bool operator==(const MarkerHit &) const = default;
+};
+
+/// All occurrences in the order of the text. Occurrences do not overlap: the one that begins first
+/// wins, of several that begin together the first of the list. An empty marker is never found.
+std::vector<MarkerHit> findMarkers(QByteArrayView text, const std::vector<QByteArray> &markers);
+
+/// The text between the tags of one text element, <w:t> or <a:t>; offsets in the part.
+struct TextPiece
+{
+    qsizetype begin = 0;
+    qsizetype end = 0;
+    int paragraph = 0; ///< number of the paragraph around it, in the order of their beginnings
+};
+
+/// The pieces of text that a reader sees, in the order of the part. Ends at broken markup. The
+/// paragraphs of a text box are paragraphs of their own.
+std::vector<TextPiece> textPieces(QByteArrayView part);
+
+/// A marker whose text is in more than one piece.
+struct SplitMarker
+{
+    int marker = 0;                ///< index in the list of markers
+    std::vector<TextPiece> pieces; ///< at least two; only what belongs to the marker
+};
+
+/// The markers that are split, in the order of their paragraphs.
+std::vector<SplitMarker> findSplitMarkers(QByteArrayView part,
+                                          const std::vector<QByteArray> &markers);
+
+/// The part with each split marker moved as a whole to where it begins; it gets the formatting of
+/// that run. All other bytes are unchanged.
+QByteArray joinMarkers(QByteArrayView part, const std::vector<QByteArray> &markers);
+
+} // namespace corvanta::opc
