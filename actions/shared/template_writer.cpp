@@ -102,7 +102,7 @@ bool TemplateWriter::failPackage(const Fault<opc::Error> &fault, TemplateProblem
     case opc::Error::Stopped: // not a failure, so without a message
         return false;
     case opc::Error::WriteFailed:
-        return failWith(TemplateProblem::CannotWrite, m_documentName,
+        return failWith(TemplateProblem::CannotWrite, fault.detail,
                         failureReason(m_document->target()));
     case opc::Error::NotAdded:
         return failWith(TemplateProblem::CannotAddMember, fault.detail);
@@ -110,7 +110,11 @@ bool TemplateWriter::failPackage(const Fault<opc::Error> &fault, TemplateProblem
     case opc::Error::Encrypted:
     case opc::Error::UnknownMethod:
     case opc::Error::BadHeader:
-        return failWith(TemplateProblem::CannotOpenMember, fault.detail, memberReasonOf(fault));
+        // A part that is to be changed has one message for all faults.
+        return failWith(reading == TemplateProblem::CannotCopyMember
+                            ? TemplateProblem::CannotOpenMember
+                            : reading,
+                        fault.detail, memberReasonOf(fault));
     default:
         return failWith(reading, fault.detail, memberReasonOf(fault));
     }

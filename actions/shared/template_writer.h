@@ -28,7 +28,7 @@ enum class TemplateProblem {
     CannotCopyMember,   ///< a member that stays unchanged is damaged (the member)
     CannotCreate,       ///< the document or its temporary file (the document)
     CannotAddMember,    ///< the document has such a member already (the member)
-    CannotWrite,        ///< a write that the user gave up (the document)
+    CannotWrite,        ///< a write that the user gave up (the member)
     CannotClose,        ///< only a warning: an error follows it (the document)
 };
 

@@ -1,21 +1,77 @@
 // writeDoc: writes texts and images to the markers of Word and PowerPoint templates, one document
 // per row.
 //
-// The action can be placed, edited, saved and linked; writing is not part of this version, and a
-// run ends with an error (PendingAction).
+// A template is searched once and used for the rows that name it, until a row names another one. An
+// image file is read once, as long as the files together stay below a limit.
 #pragma once
-#include "actions/shared/pending_action.h"
+#include "actions/shared/template_writer.h"
+#include "actions/write_doc/image_store.h"
 #include "actions/write_doc/write_doc_params.h"
+#include "base/occurrences.h"
+#include "codecs/document/document_template.h"
+#include "codecs/document/document_text.h"
+
+#include <QHash>
 
 namespace corvanta {
 
 extern const ActionEntry kWriteDocEntry;
 
-class ActionWriteDoc final : public PendingAction<ActionWriteDoc, WriteDocParams>
+class ActionWriteDoc final : public ParamAction<ActionWriteDoc, WriteDocParams, TemplateWriter>
 {
 public:
     ActionWriteDoc(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<WriteDocParams> &paramTable() { return writeDocParamTable(); }
+
+protected:
+    void start() override;
+    bool step() override;
+    void finish() override;
+    QString message(TemplateProblem problem, const QString &name) const override;
+
+private:
+    /// A column of texts or images.
+    struct Column
+    {
+        QString name;
+        int input = -1;
+        bool isFound = false; ///< a template of this run has its marker
+        bool isSplit = false; ///< a template has a marker that runs divide
+    };
+    /// Everything of one run.
+    struct Run
+    {
+        int output = -1;
+        int templateColumn = -1;
+        std::vector<Column> texts;
+        std::vector<Column> images;
+        std::unique_ptr<document::DocumentTemplate> source; ///< of templateName()
+        document::TextRules rules;                          ///< of texts in elements
+        ImageStore store;
+        QHash<QByteArray, qint64> written; ///< digest of each document's name, and its row
+        Occurrences replaced;              ///< characters that XML does not have
+        Occurrences split;                 ///< markers that runs divide
+        qint64 row = 0;                    ///< number of the current row, from 1
+    };
+
+    bool findColumns(const OneRow &columns);
+    bool findColumn(const OneRow &columns, const QString &name, int *input);
+    bool writeRow(const OneRow &row);
+    bool useTemplate(const QString &name);
+    void noteMarkers(const QString &name);
+    bool checkName(const QString &name);
+    document::RowValues textValues(const OneRow &row);
+    bool addImages(const OneRow &row, document::RowValues &values, document::RowImages &images);
+    bool addImage(const QString &file, size_t column, document::RowValues &values,
+                  document::RowImages &images);
+    bool writeDocument(const document::RowValues &values, const document::RowImages &images);
+    document::TemplateOptions templateOptions() const;
+    bool failDocument(const Fault<opc::Error> &fault);
+    QString rowReason(const QString &column) const;
+    void reportTexts();
+    void reportMarkers();
+
+    std::unique_ptr<Run> m_run; // from start() to finish()
 };
 
 } // namespace corvanta

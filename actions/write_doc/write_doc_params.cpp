@@ -40,6 +40,25 @@ ParamGroup<P> conversions()
     };
 }
 
+/// What goes beyond the parts and markers that saved graphs expect.
+ParamGroup<P> extensions()
+{
+    return {
+        flag("joinRuns", &P::joinRuns)
+            .label("Join divided markers")
+            .meaning("Finds markers that a word processor has divided into several runs, and "
+                     "markers with '&' or '<'."),
+        flag("allParts", &P::allParts)
+            .label("Markers in all parts")
+            .meaning("Also replaces markers in headers, footers, footnotes, endnotes, comments and "
+                     "notes of slides."),
+        flag("fitImages", &P::fitImages)
+            .label("Keep the ratio of images")
+            .meaning("Fits each image into the box of its placeholder and keeps the image's "
+                     "ratio of width to height."),
+    };
+}
+
 /// The input columns that have markers in the templates. These are child elements, which come after
 /// all attributes.
 ParamGroup<P> markedColumns()
@@ -61,7 +80,7 @@ ParamGroup<P> markedColumns()
 
 const ParamTable<WriteDocParams> &writeDocParamTable()
 {
-    static const ParamTable<P> table{documents(), conversions(), markedColumns()};
+    static const ParamTable<P> table{documents(), conversions(), extensions(), markedColumns()};
     return table;
 }
 

@@ -15,6 +15,12 @@ struct WriteDocParams
     bool processLF = false;
     /// Images are stored in the document; off: the document links to the image files.
     bool inlineImg = true;
+    /// Markers are found although runs divide them, or although they hold escaped characters.
+    bool joinRuns = false;
+    /// Markers are also found in headers, footers, notes and comments, and in notes of slides.
+    bool allParts = false;
+    /// Pictures keep their ratio inside the box of the placeholder.
+    bool fitImages = false;
     /// Columns whose texts replace the markers %NAME%.
     QStringList textColumns;
     /// Columns with names of image files, for pictures whose targets contain %NAME%.

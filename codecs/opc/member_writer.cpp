@@ -77,6 +77,11 @@ Result<void, Error> MemberWriter::copy(zip::PackageReader &source, const zip::Me
     return named(m_output.copyRaw(source, member), member.name);
 }
 
+Result<void, Error> MemberWriter::add(const zip::RawMember &raw)
+{
+    return named(m_output.addRaw(raw), raw.member.name);
+}
+
 Result<void, Error> MemberWriter::finish()
 {
     return named(m_output.close(), {});

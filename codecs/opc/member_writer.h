@@ -33,6 +33,8 @@ public:
     /// Copy a member as it is stored; its content is verified.
     /// Errors: those from Unreadable to WriteFailed.
     Result<void, Error> copy(zip::PackageReader &source, const zip::Member &member);
+    /// Add a member from its stored bytes, which have been verified. Errors: NotAdded, WriteFailed.
+    Result<void, Error> add(const zip::RawMember &raw);
     /// Write the directory; nothing can be added afterwards. Errors: WriteFailed.
     Result<void, Error> finish();
 

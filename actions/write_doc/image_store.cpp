@@ -1,0 +1,99 @@
+#include "actions/write_doc/image_store.h"
+
+#include "base/limits.h"
+#include "codecs/zip/package_writer.h"
+#include "corvanta/files.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// A file as it is now: a changed one has another key.
+QString keyOf(const QString &file)
+{
+    const QFileInfo info(file);
+    return u"%1|%2|%3"_s.arg(file, QString::number(info.size()),
+                             QString::number(info.lastModified().toMSecsSinceEpoch()));
+}
+
+/// The first `most` bytes of a file, in pieces: its size may change while it is read.
+Result<QByteArray, ImageFault> readBytes(const QString &name, qint64 most)
+{
+    constexpr qint64 kPiece = qint64(1) << 20;
+    auto file = MyReadFile::open(name);
+    if (!file) {
+        return Fault{ImageFault{ImageError::CannotRead, file.fault().code}};
+    }
+    QByteArray bytes;
+    while (bytes.size() < most) {
+        const qint64 wanted = std::min(kPiece, most - bytes.size());
+        const qsizetype at = bytes.size();
+        bytes.resize(at + wanted);
+        const qint64 n = readFully(**file, bytes.data() + at, wanted);
+        bytes.truncate(at + std::max<qint64>(n, 0));
+        if (n < 0) {
+            return Fault{ImageFault{ImageError::CannotRead, (*file)->error()}};
+        }
+        if (n < wanted) {
+            break;
+        }
+    }
+    return bytes;
+}
+
+/// The extension of the file, where it can be part of a member's name; else that of the kind.
+QByteArray mediaExtension(const QString &file, document::ImageKind kind)
+{
+    constexpr qsizetype kLongest = 8;
+    const QByteArray extension = QFileInfo(file).suffix().toLatin1();
+    const bool isPlain =
+        !extension.isEmpty() && extension.size() <= kLongest &&
+        std::all_of(extension.begin(), extension.end(), [](char c) {
+            return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+        });
+    return isPlain ? extension : QByteArray(document::extensionOf(kind));
+}
+
+} // namespace
+
+Result<ImageStore::Image, ImageFault> ImageStore::image(const QString &file)
+{
+    const QString key = keyOf(file);
+    if (const Image *const kept = m_kept.object(key)) {
+        return *kept;
+    }
+    // One byte more than a member may have tells a file that is too large.
+    const auto bytes = readBytes(file, limits::kMemberBytes + 1);
+    if (!bytes) {
+        return bytes.fault();
+    }
+    if (bytes->size() > limits::kMemberBytes) {
+        return Fault{ImageFault{ImageError::TooLarge}};
+    }
+    const auto info = document::imageInfo(*bytes);
+    if (!info) {
+        return Fault{ImageFault{ImageError::NotAnImage}};
+    }
+    // The member gets its name in each document.
+    const auto image = std::make_shared<const document::StoredImage>(document::StoredImage{
+        zip::deflateMember("image", *bytes), mediaExtension(file, info->kind), *info});
+    m_kept.insert(key, new Image(image), image->content.bytes.size() + 1);
+    return image;
+}
+
+document::ImageInfo ImageStore::infoOf(const QString &file)
+{
+    constexpr qint64 kBeginning = qint64(1) << 20; // the size of a JPEG file follows its metadata
+    const auto bytes = readBytes(file, kBeginning);
+    const auto info = bytes ? document::imageInfo(*bytes) : std::nullopt;
+    return info.value_or(document::ImageInfo());
+}
+
+} // namespace corvanta

@@ -1,0 +1,45 @@
+// Image files that documents store, read and compressed once.
+#pragma once
+#include "base/result.h"
+#include "base/system_error.h"
+#include "codecs/document/document_template.h"
+
+#include <QCache>
+#include <QString>
+
+#include <memory>
+
+namespace corvanta {
+
+enum class ImageError {
+    CannotRead, ///< not there or not readable
+    NotAnImage, ///< no image of a known kind
+    TooLarge,   ///< more bytes than a member of a package may have
+};
+
+/// Why an image cannot be used.
+struct ImageFault
+{
+    ImageError error = ImageError::CannotRead;
+    SystemError reason = {}; ///< of CannotRead
+};
+
+/// Threads: one at a time.
+class ImageStore
+{
+public:
+    using Image = std::shared_ptr<const document::StoredImage>;
+
+    /// The image in a file, whose name is expanded. A file that has changed since is read again.
+    Result<Image, ImageFault> image(const QString &file);
+    /// What the beginning of a file says, for pictures that are only linked; size 0 when it cannot
+    /// be read or is no known image.
+    static document::ImageInfo infoOf(const QString &file);
+
+private:
+    /// Bytes of the images that are kept; the ones that were used last stay.
+    static constexpr qsizetype kMostBytes = qsizetype(64) << 20;
+    QCache<QString, Image> m_kept{kMostBytes}; // by name, size and time of the last change
+};
+
+} // namespace corvanta

@@ -1,0 +1,175 @@
+// A part is copied with a value in place of each slot:
+//
+//   <w:t>Dear %NAME%,</w:t> ... <wp:extent cx="914400" cy="457200"/>
+//   text of m_text [slot] text [slot] ... text
+#include "codecs/document/document_part.h"
+
+#include "codecs/opc/marker_search.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace corvanta::document {
+
+namespace {
+
+/// Whether a place is inside a tag, and thus in an attribute.
+bool isInTag(QByteArrayView text, qsizetype at)
+{
+    const qsizetype open = text.first(at).lastIndexOf('<');
+    opc::Tag tag;
+    qsizetype end = 0;
+    // Markup that is broken or skipped holds no text that a reader sees.
+    return open >= 0 && (opc::scanMarkup(text, open, &tag, &end) != opc::Scan::Tag || end > at);
+}
+
+} // namespace
+
+std::vector<QByteArray> escapedMarkers(const std::vector<QByteArray> &markers)
+{
+    std::vector<QByteArray> escaped;
+    for (const QByteArray &marker : markers) {
+        escaped.push_back(QByteArray(marker).replace("&", "&amp;").replace("<", "&lt;"));
+    }
+    return escaped;
+}
+
+DocumentPart DocumentPart::ofRelationships(const QByteArray &text, const MarkerLists &markers,
+                                           const QByteArray &folder)
+{
+    DocumentPart part(text);
+    part.m_folder = folder;
+    for (const Placeholder &one : findPlaceholders(text, markers.images)) {
+        part.m_slots.push_back({one.targetBegin, one.targetEnd, Slot::Kind::Target, one.column});
+    }
+    return part;
+}
+
+DocumentPart DocumentPart::ofText(const QByteArray &text, const MarkerLists &markers,
+                                  bool joinsRuns, const std::vector<Placeholder> &fitted)
+{
+    DocumentPart part(text);
+    part.addTexts(markers, joinsRuns);
+    part.addBoxes(fitted);
+    std::stable_sort(part.m_slots.begin(), part.m_slots.end(),
+                     [](const Slot &a, const Slot &b) { return a.begin < b.begin; });
+    return part;
+}
+
+void DocumentPart::addTexts(const MarkerLists &markers, bool joinsRuns)
+{
+    std::vector<QByteArray> forms = markers.texts;
+    if (joinsRuns) {
+        const auto escaped = escapedMarkers(markers.texts);
+        forms.insert(forms.end(), escaped.begin(), escaped.end());
+    }
+    for (const opc::MarkerHit &hit : opc::findMarkers(m_text, forms)) {
+        const int column = hit.marker % static_cast<int>(markers.texts.size());
+        m_slots.push_back({hit.begin, hit.end,
+                           isInTag(m_text, hit.begin) ? Slot::Kind::Attribute : Slot::Kind::Text,
+                           column});
+    }
+}
+
+void DocumentPart::addBoxes(const std::vector<Placeholder> &fitted)
+{
+    for (const PictureBox &box : findPictureBoxes(m_text, fitted)) {
+        const int index = static_cast<int>(m_boxes.size());
+        m_boxes.push_back({fitted[static_cast<size_t>(box.placeholder)].column,
+                           box.widths.front().value, box.heights.front().value});
+        addNumbers(box.widths, Slot::Kind::Width, index);
+        addNumbers(box.heights, Slot::Kind::Height, index);
+        addNumbers(box.lefts, Slot::Kind::Left, index);
+        addNumbers(box.tops, Slot::Kind::Top, index);
+    }
+}
+
+void DocumentPart::addNumbers(const std::vector<NumberRange> &numbers, Slot::Kind kind, int box)
+{
+    for (const NumberRange &number : numbers) {
+        m_slots.push_back({number.begin, number.end, kind, box});
+    }
+}
+
+void DocumentPart::noteTexts(std::vector<bool> *inText, std::vector<bool> *inAttribute) const
+{
+    for (const Slot &slot : m_slots) {
+        const auto column = static_cast<size_t>(slot.index);
+        if (slot.kind == Slot::Kind::Text) {
+            (*inText)[column] = true;
+        } else if (slot.kind == Slot::Kind::Attribute) {
+            (*inAttribute)[column] = true;
+        }
+    }
+}
+
+void DocumentPart::noteImages(std::vector<bool> *used) const
+{
+    for (const Slot &slot : m_slots) {
+        if (slot.kind == Slot::Kind::Target) {
+            (*used)[static_cast<size_t>(slot.index)] = true;
+        }
+    }
+}
+
+DocumentPart::Fit DocumentPart::fitted(const Box &box, const ImageInfo &image)
+{
+    Fit fit{box.width, box.height};
+    const double scale =
+        std::min(double(box.width) / image.width, double(box.height) / image.height);
+    // A picture of unknown size fills the box, as does one in a box without an area.
+    if (image.width > 0 && image.height > 0 && std::isfinite(scale) && scale > 0) {
+        fit.width = std::clamp<qint64>(std::llround(image.width * scale), 1, box.width);
+        fit.height = std::clamp<qint64>(std::llround(image.height * scale), 1, box.height);
+    }
+    fit.left = (box.width - fit.width) / 2;
+    fit.top = (box.height - fit.height) / 2;
+    return fit;
+}
+
+QByteArray DocumentPart::number(const Slot &slot, const RowValues &values) const
+{
+    const Box &box = m_boxes[static_cast<size_t>(slot.index)];
+    const Fit fit = fitted(box, values.sizes[static_cast<size_t>(box.column)]);
+    const qint64 old = m_text.mid(slot.begin, slot.end - slot.begin).toLongLong();
+    switch (slot.kind) {
+    case Slot::Kind::Width:
+        return QByteArray::number(fit.width);
+    case Slot::Kind::Height:
+        return QByteArray::number(fit.height);
+    case Slot::Kind::Left:
+        return QByteArray::number(old + fit.left);
+    default:
+        return QByteArray::number(old + fit.top);
+    }
+}
+
+QByteArray DocumentPart::value(const Slot &slot, const RowValues &values) const
+{
+    const auto column = static_cast<size_t>(slot.index);
+    switch (slot.kind) {
+    case Slot::Kind::Text:
+        return values.texts[column];
+    case Slot::Kind::Attribute:
+        return values.attributes[column];
+    case Slot::Kind::Target:
+        return m_folder + values.targets[column];
+    default:
+        return number(slot, values);
+    }
+}
+
+QByteArray DocumentPart::filled(const RowValues &values) const
+{
+    QByteArray out;
+    out.reserve(m_text.size() + m_text.size() / 8);
+    qsizetype at = 0;
+    for (const Slot &slot : m_slots) {
+        out += QByteArrayView(m_text).sliced(at, slot.begin - at);
+        out += value(slot, values);
+        at = slot.end;
+    }
+    return out += QByteArrayView(m_text).sliced(at);
+}
+
+} // namespace corvanta::document

@@ -1,0 +1,94 @@
+// One part of a template with the places where values of a row are put in.
+#pragma once
+#include "codecs/document/image_file.h"
+#include "codecs/document/placeholders.h"
+
+#include <QByteArray>
+
+#include <vector>
+
+namespace corvanta::document {
+
+/// What is searched for in the parts. A marker is "%NAME%" in UTF-8, one for each column.
+struct MarkerLists
+{
+    std::vector<QByteArray> texts;
+    std::vector<QByteArray> images;
+};
+
+/// What a row puts into a document; per column of MarkerLists.
+struct RowValues
+{
+    std::vector<QByteArray> texts;      ///< as text of an element
+    std::vector<QByteArray> attributes; ///< as value of an attribute; only where it is needed
+    /// Targets of the pictures, escaped: the name of a media member without its folder, or the
+    /// address of a linked file.
+    std::vector<QByteArray> targets;
+    std::vector<ImageInfo> sizes; ///< of the pictures; read by fitted boxes only
+};
+
+/// The text of a part and its slots. Constant once made.
+class DocumentPart
+{
+public:
+    /// A relationships part. `folder` is put before the targets, for example "../media/".
+    static DocumentPart ofRelationships(const QByteArray &text, const MarkerLists &markers,
+                                        const QByteArray &folder);
+    /// A part with text. With `joinsRuns` markers are also found in their escaped form. The boxes
+    /// of `fitted` placeholders get the ratio of the picture.
+    static DocumentPart ofText(const QByteArray &text, const MarkerLists &markers, bool joinsRuns,
+                               const std::vector<Placeholder> &fitted);
+
+    /// The part with the values in their places.
+    QByteArray filled(const RowValues &values) const;
+
+    // For those who make the values: by column, whether the part uses the value.
+
+    void noteTexts(std::vector<bool> *inText, std::vector<bool> *inAttribute) const;
+    void noteImages(std::vector<bool> *used) const;
+
+private:
+    struct Slot
+    {
+        enum class Kind : quint8 { Text, Attribute, Target, Width, Height, Left, Top };
+        qsizetype begin = 0;
+        qsizetype end = 0;
+        Kind kind = Kind::Text;
+        int index = 0; // of the column; of the box for its numbers
+    };
+    struct Box
+    {
+        int column = 0; // of the picture
+        qint64 width = 0;
+        qint64 height = 0;
+    };
+    /// A rectangle inside a box, relative to its corner.
+    struct Fit
+    {
+        qint64 width = 0;
+        qint64 height = 0;
+        qint64 left = 0;
+        qint64 top = 0;
+    };
+
+    explicit DocumentPart(const QByteArray &text)
+        : m_text(text)
+    {
+    }
+    void addTexts(const MarkerLists &markers, bool joinsRuns);
+    void addBoxes(const std::vector<Placeholder> &fitted);
+    void addNumbers(const std::vector<NumberRange> &numbers, Slot::Kind kind, int box);
+    static Fit fitted(const Box &box, const ImageInfo &image);
+    QByteArray value(const Slot &slot, const RowValues &values) const;
+    QByteArray number(const Slot &slot, const RowValues &values) const;
+
+    QByteArray m_text;
+    QByteArray m_folder;
+    std::vector<Slot> m_slots; // in the order of the text
+    std::vector<Box> m_boxes;
+};
+
+/// The markers as the text of an element holds them: "&" and "<" escaped.
+std::vector<QByteArray> escapedMarkers(const std::vector<QByteArray> &markers);
+
+} // namespace corvanta::document

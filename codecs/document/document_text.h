@@ -1,0 +1,38 @@
+// Texts of table cells as XML text of a document.
+//
+// "&" and "<" are escaped; ">" only where it would end a CDATA section, "]]>". Line ends become
+// line breaks as the rules say. Characters that XML 1.0 does not have (2.2) become U+FFFD and are
+// counted. Texts are UTF-16, the result is UTF-8. Threads: pure functions.
+#pragma once
+#include <QByteArray>
+#include <QStringView>
+
+namespace corvanta::document {
+
+/// What a text becomes a part of.
+enum class TextPlace : quint8 {
+    Word,     ///< a text element of a Word document: a line break is <w:br/>
+    Slide,    ///< a text element of a slide: a line break is a carriage return
+    Attribute ///< the value of an attribute: quotes are escaped, a line break is &#10;
+};
+
+struct TextRules
+{
+    TextPlace place = TextPlace::Word;
+    bool breaksAtLineEnds = true;    ///< in Word documents: CR LF, CR and LF become line breaks
+    bool breaksAtBackslashN = false; ///< "\" and "n" become a line break
+};
+
+/// The most bytes that one unit becomes: <w:br/>.
+inline constexpr qsizetype kMaxBytesPerUnit = 7;
+/// Bytes that putText() may write after its result.
+inline constexpr qsizetype kTextSlackBytes = 8;
+
+/// Write `text` to `out`, which has room for kMaxBytesPerUnit times its size and kTextSlackBytes
+/// bytes. Returns the end. Adds the number of replaced characters to `*replaced`.
+char *putText(QStringView text, const TextRules &rules, char *out, qint64 *replaced);
+
+/// The same in an array of its own.
+QByteArray documentText(QStringView text, const TextRules &rules, qint64 *replaced);
+
+} // namespace corvanta::document
