@@ -2,7 +2,6 @@
 
 #include "actions/shared/package_reasons.h"
 #include "base/platform/files.h"
-#include "corvanta/failure_reason.h"
 
 #include <QFileInfo>
 
@@ -55,21 +54,29 @@ bool TemplateWriter::openDocument(const QString &name)
     return true;
 }
 
+bool TemplateWriter::failWith(TemplateProblem problem, const QString &name, const QString &reason)
+{
+    const QString text = message(problem, name);
+    if (!text.contains(u"WARNING")) {
+        return fail(text, reason);
+    }
+    if (runIsGood()) {
+        warn(text);
+    }
+    return fail(u"ERROR: the document '%1' could not be completed and is not written.\n"_s.arg(
+                    m_documentName),
+                reason);
+}
+
 bool TemplateWriter::commitDocument()
 {
     const bool isFinished = static_cast<bool>(m_members->finish());
     m_members.reset();
     // Another action may have failed meanwhile; the document must then not appear.
     const bool done = isFinished && runIsGood() && m_document->commit();
-    const QString reason = failureReason(m_document->target());
+    const QString reason = documentReason();
     m_document.reset();
-    if (!done && runIsGood()) {
-        warn(message(TemplateProblem::CannotClose, m_documentName));
-        fail(u"ERROR: the document '%1' could not be completed and is not written.\n"_s.arg(
-                 m_documentName),
-             reason);
-    }
-    return done;
+    return done || failWith(TemplateProblem::CannotClose, m_documentName, reason);
 }
 
 void TemplateWriter::closeDocument()
@@ -102,8 +109,7 @@ bool TemplateWriter::failPackage(const Fault<opc::Error> &fault, TemplateProblem
     case opc::Error::Stopped: // not a failure, so without a message
         return false;
     case opc::Error::WriteFailed:
-        return failWith(TemplateProblem::CannotWrite, fault.detail,
-                        failureReason(m_document->target()));
+        return failWith(TemplateProblem::CannotWrite, fault.detail, documentReason());
     case opc::Error::NotAdded:
         return failWith(TemplateProblem::CannotAddMember, fault.detail);
     case opc::Error::NoMember:

@@ -13,6 +13,7 @@
 #pragma once
 #include "codecs/opc/member_writer.h"
 #include "corvanta/action_base.h"
+#include "corvanta/failure_reason.h"
 #include "io/package_file/package_file.h"
 
 #include <memory>
@@ -29,7 +30,7 @@ enum class TemplateProblem {
     CannotCreate,       ///< the document or its temporary file (the document)
     CannotAddMember,    ///< the document has such a member already (the member)
     CannotWrite,        ///< a write that the user gave up (the member)
-    CannotClose,        ///< only a warning: an error follows it (the document)
+    CannotClose,        ///< the end of the document, or its renaming (the document)
 };
 
 class TemplateWriter : public ActionBase
@@ -52,17 +53,17 @@ protected:
     bool openDocument(const QString &name);
     /// Valid as long as the document is open.
     opc::MemberWriter &document() { return *m_members; }
+    /// Why the last write to the document failed, in words and with the remedy.
+    QString documentReason() const { return failureReason(m_document->target()); }
     /// Write the directory of the package and give the document its name, if the run is good.
     /// Closes the document in any case.
     bool commitDocument();
     /// Close both; a document that is not committed is removed. May be called twice.
     void closeFiles();
 
-    /// Fail the run with the message for `problem`, and the reason if there is one.
-    bool failWith(TemplateProblem problem, const QString &name, const QString &reason = {})
-    {
-        return fail(message(problem, name), reason);
-    }
+    /// Fail the run with the message for `problem`, and the reason if there is one. A message that
+    /// is only a warning is followed by an error, because the document is incomplete.
+    bool failWith(TemplateProblem problem, const QString &name, const QString &reason = {});
     /// Fail the run because of a fault of the template or the document. `reading` is the problem
     /// of a member that is damaged or not valid: CannotReadPart or CannotCopyMember. A run that was
     /// stopped gets no message.

@@ -300,7 +300,7 @@ bool ActionWriteDoc::writeDocument(const document::RowValues &values,
 bool ActionWriteDoc::failDocument(const Fault<opc::Error> &fault)
 {
     const bool isOfTypes = fault.detail.startsWith(u'[');
-    if (fault.code == opc::Error::WriteFailed && isTextPart(fault.detail)) {
+    if (fault.code == opc::Error::WriteFailed && isTextPart(fault.detail) && runIsGood()) {
         warn(u"\nWARNING: problem writing the output file (3)\n"_s);
     }
     return failPackage(fault, isOfTypes ? TemplateProblem::CannotReadPart

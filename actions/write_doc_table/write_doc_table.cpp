@@ -1,10 +1,27 @@
 #include "actions/write_doc_table/write_doc_table.h"
 
+#include "codecs/opc/marker_search.h"
+#include "codecs/opc/markup_scan.h"
+#include "corvanta/failure_reason.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
 namespace corvanta {
+
+namespace {
+
+constexpr char kDocumentPart[] = "word/document.xml";
+constexpr char kStylesPart[] = "word/styles.xml";
+
+} // namespace
 
 ActionWriteDocTable::ActionWriteDocTable(const XMLNode &saved, GlobalParameters *parameters)
     // The pins follow from the tables that were saved.
-    : PendingAction(kWriteDocTableEntry, saved, parameters)
+    : ParamAction(kWriteDocTableEntry, saved, parameters)
 {
 }
 
@@ -24,6 +41,298 @@ void ActionWriteDocTable::removePinIn()
     if (m_params.tables.size() > 1) {
         m_params.tables.pop_back();
         ActionItem::removePinIn();
+    }
+}
+
+QString ActionWriteDocTable::message(TemplateProblem problem, const QString &name) const
+{
+    switch (problem) {
+    case TemplateProblem::CannotReadTemplate:
+        return u"ERROR: cannot read Report Template file %1\n"_s.arg(name);
+    case TemplateProblem::EmptyTemplate:
+        return u"ERROR: template file is empty.\n"_s;
+    case TemplateProblem::CannotReadPart:
+        return name == QLatin1StringView(kStylesPart)
+                   ? u"ERROR: problem reading the template file(1)\n"_s
+                   : u"ERROR: problem reading the template file(2)\n"_s;
+    case TemplateProblem::CannotOpenMember:
+    case TemplateProblem::CannotCopyMember:
+        return u"ERROR: cannot open file '%1' in the zipfile for read"_s.arg(name);
+    case TemplateProblem::CannotCreate:
+        return u"ERROR: Cannot write Report file '%1'.\n"_s.arg(name);
+    case TemplateProblem::CannotAddMember:
+        return u"ERROR: cannot open file '%1' in the zipfile for write"_s.arg(name);
+    case TemplateProblem::CannotWrite:
+        return u"\nWARNING: problem writing the output file\n"_s;
+    case TemplateProblem::CannotClose:
+        break;
+    }
+    return u"\nWARNING: problem closing the output file\n"_s;
+}
+
+void ActionWriteDocTable::start()
+{
+    m_run = std::make_unique<Run>();
+    m_run->output = expandOutputFile(m_params.output, QString());
+    if (m_params.output.isEmpty()) {
+        fail(u"No Output File?"_s);
+    }
+    if (m_params.templateName.isEmpty()) {
+        fail(u"No Template File?"_s);
+    }
+}
+
+bool ActionWriteDocTable::step()
+{
+    while (m_run->pin < pinInCount()) {
+        const Pin state = readPin();
+        if (state != Pin::Ended) {
+            return state == Pin::Interrupted;
+        }
+        ++m_run->pin;
+    }
+    m_run->isRead = true;
+    return false;
+}
+
+void ActionWriteDocTable::finish()
+{
+    // The document is written when no action can fail any more, like every other target.
+    if (m_run && m_run->isRead && runIsGood()) {
+        m_run->isRead = false;
+        writeDocument();
+    }
+    m_run.reset();
+    closeFiles();
+}
+
+ActionWriteDocTable::Pin ActionWriteDocTable::readPin()
+{
+    while (!yieldRequested()) {
+        const OneRow *const row = getNextRowFromInPin(m_run->pin);
+        if (row == nullptr) {
+            return runIsGood() && endTable() ? Pin::Ended : Pin::Failed;
+        }
+        if ((!m_run->text && !beginTable(*row)) || !putRow(*row)) {
+            return Pin::Failed;
+        }
+    }
+    return Pin::Interrupted;
+}
+
+bool ActionWriteDocTable::checkMarker()
+{
+    const QString name = m_params.tables[static_cast<size_t>(m_run->pin)].markerName;
+    const QByteArray marker = '%' + name.toUtf8() + '%';
+    const auto &earlier = m_run->markers;
+    if (std::find(earlier.begin(), earlier.end(), marker) != earlier.end()) {
+        return fail(
+            u"ERROR : Marker '%1' on pin %2 already exists. All markers must be different.\n"_s.arg(
+                QString::fromUtf8(marker), QString::number(m_run->pin + 1)));
+    }
+    m_run->markers.push_back(marker);
+    return true;
+}
+
+std::vector<int> ActionWriteDocTable::widthsFor(const OneRow &columns)
+{
+    const QString pin = QString::number(m_run->pin + 1);
+    const QString &list = m_params.tables[static_cast<size_t>(m_run->pin)].colWidths;
+    const qsizetype given = list.isEmpty() ? 0 : list.count(u',') + 1;
+    if (given != columns.numberOfColumns()) {
+        // Not a failure: the run goes on.
+        MainUI::addLog(
+            MainUI::Error,
+            u"Warning reading table on input pin %1: Number of columns of input table does not match number of widths given?"_s
+                .arg(pin));
+    }
+    QStringList invalid;
+    auto widths = document::columnWidths(list, columns.numberOfColumns(), &invalid);
+    if (!invalid.isEmpty()) {
+        warn(
+            u"Warning: %1 widths of the table on input pin %2 are not used, first '%3': a width is a whole number from 1 to 31680.\n"_s
+                .arg(QString::number(invalid.size()), pin, invalid.front()));
+    }
+    return widths;
+}
+
+bool ActionWriteDocTable::beginTable(const OneRow &columns)
+{
+    if (!checkMarker()) {
+        return false;
+    }
+    const DocTable &table = m_params.tables[static_cast<size_t>(m_run->pin)];
+    document::TextRules rules;
+    rules.breaksAtLineEnds = m_params.processCR;
+    rules.breaksAtBackslashN = m_params.processLF;
+    m_run->rows = 0;
+    m_run->replaced.reset();
+    m_run->tables.emplace_back();
+    m_run->text.emplace(table.styleID, widthsFor(columns), rules);
+    m_run->text->begin();
+    if (table.includeHeaders) {
+        m_run->text->putHeader(columns.getColNamesDeep());
+    }
+    return true;
+}
+
+bool ActionWriteDocTable::putRow(const OneRow &row)
+{
+    constexpr qsizetype kPiece = 65536;
+    document::TableText &text = *m_run->text;
+    m_run->rows += 1;
+    text.beginRow();
+    for (int i = 0; i < row.numberOfColumns(); ++i) {
+        text.putCell(row.textView(i));
+    }
+    text.endRow();
+    const document::ReplacedText replaced = text.takeReplaced();
+    for (qint64 i = 0; i < replaced.count; ++i) {
+        m_run->replaced.add([&] {
+            return u"row %1, column '%2'"_s.arg(QString::number(m_run->rows),
+                                                row.colName(replaced.column));
+        });
+    }
+    return text.text().size() < kPiece || spool();
+}
+
+bool ActionWriteDocTable::spool()
+{
+    TableSpool &table = m_run->tables.back();
+    const bool done = table.append(m_run->text->text());
+    m_run->text->clear();
+    return done ||
+           fail(u"ERROR: cannot write the temporary file of the table on input pin %1.\n"_s.arg(
+                    QString::number(m_run->pin + 1)),
+                failureReason(QDir::tempPath(), FileUse::Write, table.error()));
+}
+
+bool ActionWriteDocTable::endTable()
+{
+    const QString pin = QString::number(m_run->pin + 1);
+    if (!m_run->text && !beginTable(*getInputColumns(m_run->pin))) {
+        return false;
+    }
+    if (m_run->rows == 0) {
+        warn(u"WARNING reading table on input pin %1: Input table is empty?"_s.arg(pin));
+    }
+    if (m_run->replaced.any()) {
+        warn(
+            u"Warning: %1 characters of the table on input pin %2 that XML does not allow were replaced by U+FFFD, first in %3.\n"_s
+                .arg(QString::number(m_run->replaced.count()), pin, m_run->replaced.first()));
+    }
+    m_run->text->end();
+    const bool done = spool();
+    m_run->text.reset();
+    return done;
+}
+
+bool ActionWriteDocTable::writeDocument()
+{
+    QByteArray body;
+    if (!openTemplate(expandFile(m_params.templateName))) {
+        return false;
+    }
+    opc::PackageCopy copy(templateReader(), [this] { return runIsGood(); });
+    if (!editStyles(copy) || !readBody(copy, &body) || !openDocument(m_run->output)) {
+        return false;
+    }
+    copy.reserve(kDocumentPart);
+    if (const auto copied = copy.copyMembers(document()); !copied) {
+        return failPackage(copied.fault(), TemplateProblem::CannotCopyMember);
+    }
+    const auto places = document::findTablePlaces(body, m_run->markers);
+    reportMarkers(body, places);
+    const auto opened = document().open(copy.memberOf(kDocumentPart));
+    return (opened || failPackage(opened.fault(), TemplateProblem::CannotCopyMember)) &&
+           writeBody(body, places) && commitDocument();
+}
+
+bool ActionWriteDocTable::editStyles(opc::PackageCopy &copy)
+{
+    auto styles = copy.read(kStylesPart);
+    if (!styles) {
+        return failPackage(styles.fault(), TemplateProblem::CannotReadPart);
+    }
+    const auto defines = [&](const QByteArray &style) {
+        return styles->contains("w:styleId=\"" + style + '"');
+    };
+    for (const DocTable &table : m_params.tables) {
+        if (table.styleID != QLatin1StringView(document::kTableGridStyle) &&
+            !defines(opc::quotable(table.styleID))) {
+            warn(u"Warning: the template has no style '%1': the table at '%%2%' has no format.\n"_s
+                     .arg(table.styleID, table.markerName));
+        }
+    }
+    const qsizetype end = styles->lastIndexOf("</w:styles>");
+    if (end >= 0 && !defines(document::kTableGridStyle)) {
+        copy.put(kStylesPart, styles->insert(end, document::kTableGridDefinition));
+    }
+    return true;
+}
+
+bool ActionWriteDocTable::readBody(opc::PackageCopy &copy, QByteArray *body)
+{
+    const auto read = copy.read(kDocumentPart);
+    if (!read) {
+        return failPackage(read.fault(), TemplateProblem::CannotReadPart);
+    }
+    if (!opc::isUtf8Text(*read)) {
+        return failPackage({opc::Error::Encoding, QLatin1StringView(kDocumentPart)},
+                           TemplateProblem::CannotReadPart);
+    }
+    *body = m_params.joinRuns ? opc::joinMarkers(*read, m_run->markers) : *read;
+    return true;
+}
+
+bool ActionWriteDocTable::writeBody(const QByteArray &body,
+                                    const std::vector<document::TablePlace> &places)
+{
+    zip::PackageWriter &out = document().output();
+    const auto put = [&](QByteArrayView bytes) { return static_cast<bool>(out.write(bytes)); };
+    const QByteArrayView text(body);
+    qsizetype at = 0;
+    for (const document::TablePlace &place : places) {
+        const bool done = runIsGood() && put(text.sliced(at, place.copyEnd - at)) &&
+                          writeTable(place.table) && put(place.after);
+        if (!done) {
+            return runIsGood() && failWith(TemplateProblem::CannotWrite, {}, documentReason());
+        }
+        at = place.resume;
+    }
+    return (put(text.sliced(at)) && document().close()) ||
+           failWith(TemplateProblem::CannotWrite, {}, documentReason());
+}
+
+bool ActionWriteDocTable::writeTable(int table)
+{
+    TableSpool &spool = m_run->tables[static_cast<size_t>(table)];
+    zip::PackageWriter &out = document().output();
+    const bool done =
+        spool.read([&](QByteArrayView piece) { return runIsGood() && out.write(piece); });
+    return done || !spool.error() ||
+           fail(u"ERROR: cannot read the temporary file of the table on input pin %1.\n"_s.arg(
+                    QString::number(table + 1)),
+                failureReason(QDir::tempPath(), FileUse::Read, spool.error()));
+}
+
+void ActionWriteDocTable::reportMarkers(const QByteArray &body,
+                                        const std::vector<document::TablePlace> &places)
+{
+    const auto split = opc::findSplitMarkers(body, m_run->markers);
+    for (size_t i = 0; i < m_run->markers.size(); ++i) {
+        const auto isOfTable = [&](const document::TablePlace &p) { return p.table == int(i); };
+        const auto isMarker = [&](const opc::SplitMarker &s) { return s.marker == int(i); };
+        const QString marker = QString::fromUtf8(m_run->markers[i]);
+        if (std::any_of(split.begin(), split.end(), isMarker)) {
+            warn(
+                u"Warning: the marker '%1' is divided into several runs and stays in the document: type it again in one go, or set joinRuns='1'.\n"_s
+                    .arg(marker));
+        } else if (std::none_of(places.begin(), places.end(), isOfTable)) {
+            warn(
+                u"Warning: the template has no marker '%1': the table on input pin %2 is not written.\n"_s
+                    .arg(marker, QString::number(i + 1)));
+        }
     }
 }
 

@@ -1,17 +1,25 @@
 // writeDocTable: writes formatted tables to the markers of a Word template, one per input pin.
 //
-// The action can be placed, edited, saved and linked; writing is not part of this version, and a
-// run ends with an error (PendingAction). The pins follow the tables: there is one pin per table,
-// and a user adds and removes both together.
+// The rows of each pin become the text of its table (TableSpool). When all pins have ended, the
+// template is copied with the tables in place of their markers. The pins follow the tables: there
+// is one pin per table, and a user adds and removes both together.
 #pragma once
-#include "actions/shared/pending_action.h"
+#include "actions/shared/template_writer.h"
+#include "actions/write_doc_table/table_spool.h"
 #include "actions/write_doc_table/write_doc_table_params.h"
+#include "base/occurrences.h"
+#include "codecs/document/table_places.h"
+#include "codecs/document/table_text.h"
+#include "codecs/opc/package_copy.h"
+
+#include <optional>
 
 namespace corvanta {
 
 extern const ActionEntry kWriteDocTableEntry;
 
-class ActionWriteDocTable final : public PendingAction<ActionWriteDocTable, WriteDocTableParams>
+class ActionWriteDocTable final
+    : public ParamAction<ActionWriteDocTable, WriteDocTableParams, TemplateWriter>
 {
 public:
     ActionWriteDocTable(const XMLNode &saved, GlobalParameters *parameters);
@@ -20,11 +28,48 @@ public:
     {
         return static_cast<int>(params.tables.size());
     }
-
     /// Add a pin and its table, if the action may have another one.
     void addPinIn() override;
     /// Remove the last pin and its table. The first pin stays.
     void removePinIn() override;
+
+protected:
+    void start() override;
+    bool step() override;
+    void finish() override;
+    QString message(TemplateProblem problem, const QString &name) const override;
+
+private:
+    /// Everything of one run.
+    struct Run
+    {
+        QString output; ///< expanded
+        std::vector<QByteArray> markers;
+        std::vector<TableSpool> tables;          ///< those of the pins that have ended
+        std::optional<document::TableText> text; ///< of the pin that is read
+        int pin = 0;                             ///< that is read, from 0
+        qint64 rows = 0;                         ///< of that pin
+        Occurrences replaced;                    ///< characters that XML does not have
+        bool isRead = false;                     ///< all pins have ended
+    };
+
+    enum class Pin { Ended, Interrupted, Failed };
+    Pin readPin();
+    bool beginTable(const OneRow &columns);
+    std::vector<int> widthsFor(const OneRow &columns);
+    bool putRow(const OneRow &row);
+    bool endTable();
+    bool spool();
+    bool checkMarker();
+
+    bool writeDocument();
+    bool editStyles(opc::PackageCopy &copy);
+    bool readBody(opc::PackageCopy &copy, QByteArray *body);
+    bool writeBody(const QByteArray &body, const std::vector<document::TablePlace> &places);
+    bool writeTable(int table);
+    void reportMarkers(const QByteArray &body, const std::vector<document::TablePlace> &places);
+
+    std::unique_ptr<Run> m_run; // from start() to finish()
 };
 
 } // namespace corvanta

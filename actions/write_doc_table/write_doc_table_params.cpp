@@ -63,6 +63,9 @@ const ParamTable<WriteDocTableParams> &writeDocTableParamTable()
         flag("processLF", &P::processLF)
             .label("\\n becomes a line break")
             .meaning("The two characters backslash and n in a cell become a line break."),
+        flag("joinRuns", &P::joinRuns)
+            .label("Join divided markers")
+            .meaning("Finds markers that a word processor has divided into several runs."),
         // Child elements come after all attributes.
         children("v", &P::tables, docTableTable(), {defaultDocTable, completeTables})
             .label("Tables")

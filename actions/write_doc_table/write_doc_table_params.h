@@ -32,6 +32,8 @@ struct WriteDocTableParams
     bool processCR = true;
     /// The two characters backslash and n become a line break.
     bool processLF = false;
+    /// Markers are found although runs divide them.
+    bool joinRuns = false;
     /// One per input pin, at least one.
     std::vector<DocTable> tables = {defaultDocTable(0)};
 };

@@ -1,0 +1,58 @@
+#include "actions/write_doc_table/table_spool.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+namespace corvanta {
+
+bool TableSpool::append(QByteArrayView bytes)
+{
+    m_bytes += bytes;
+    return m_bytes.size() < kMostBytes || spill();
+}
+
+/// Move the text in memory to the end of the file.
+bool TableSpool::spill()
+{
+    if (!m_file.isOpen()) {
+        m_file = platform::FileHandle::openTemporary(QDir::tempPath());
+    }
+    bool done = m_file.isOpen() && m_file.seek(m_inFile);
+    for (qsizetype at = 0; done && at < m_bytes.size();) {
+        const qint64 n = m_file.write(m_bytes.constData() + at, m_bytes.size() - at);
+        done = n > 0;
+        at += std::max<qint64>(n, 0);
+    }
+    if (!done) {
+        m_error = SystemError::ofLastCall();
+        return false;
+    }
+    m_inFile += m_bytes.size();
+    m_bytes.truncate(0); // keeps its memory
+    return true;
+}
+
+bool TableSpool::read(const std::function<bool(QByteArrayView)> &take)
+{
+    constexpr qint64 kPiece = qint64(1) << 20;
+    QByteArray piece(m_inFile > 0 ? kPiece : 0, '\0');
+    if (m_inFile > 0 && !m_file.seek(0)) {
+        m_error = SystemError::ofLastCall();
+        return false;
+    }
+    for (qint64 left = m_inFile; left > 0;) {
+        const qint64 n = m_file.read(piece.data(), std::min(left, kPiece));
+        if (n <= 0) {
+            m_error = SystemError::ofLastCall();
+            return false;
+        }
+        if (!take({piece.constData(), n})) {
+            return false;
+        }
+        left -= n;
+    }
+    return m_bytes.isEmpty() || take(m_bytes);
+}
+
+} // namespace corvanta

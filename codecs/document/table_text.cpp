@@ -1,0 +1,135 @@
+// A table (ECMA-376 part 1, 17.4):
+//
+//   <w:tbl><w:tblPr><w:tblStyle w:val="STYLE"/></w:tblPr>
+//   <w:tblGrid><w:gridCol w:w="WIDTH"/>...</w:tblGrid>
+//   <w:tr><w:tc><w:tcPr><w:tcW w:w="WIDTH" w:type="dxa"/></w:tcPr>
+//     <w:p><w:r><w:t>TEXT</w:t></w:r></w:p></w:tc>...</w:tr>...
+//   </w:tbl>
+#include "codecs/document/table_text.h"
+
+#include "codecs/opc/markup_scan.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace corvanta::document {
+
+const char kTableGridDefinition[] =
+    "<w:style w:type=\"table\" w:styleId=\"TableGrid\"><w:name w:val=\"Table Grid\"/>"
+    "<w:basedOn w:val=\"TableNormal\"/><w:uiPriority w:val=\"59\"/>"
+    "<w:pPr><w:spacing w:after=\"0\" w:line=\"240\" w:lineRule=\"auto\"/></w:pPr>"
+    "<w:tblPr><w:tblBorders>"
+    "<w:top w:val=\"single\" w:sz=\"4\" w:space=\"0\" w:color=\"auto\"/>"
+    "<w:left w:val=\"single\" w:sz=\"4\" w:space=\"0\" w:color=\"auto\"/>"
+    "<w:bottom w:val=\"single\" w:sz=\"4\" w:space=\"0\" w:color=\"auto\"/>"
+    "<w:right w:val=\"single\" w:sz=\"4\" w:space=\"0\" w:color=\"auto\"/>"
+    "<w:insideH w:val=\"single\" w:sz=\"4\" w:space=\"0\" w:color=\"auto\"/>"
+    "<w:insideV w:val=\"single\" w:sz=\"4\" w:space=\"0\" w:color=\"auto\"/>"
+    "</w:tblBorders></w:tblPr></w:style>";
+
+namespace {
+
+constexpr int kMaxWidth = 31680; // 22 inches, the widest page
+constexpr int kMinShare = 720;
+constexpr QByteArrayView kCellEnd("</w:t></w:r></w:p></w:tc>");
+
+} // namespace
+
+std::vector<int> columnWidths(const QString &list, qsizetype columns, QStringList *invalid)
+{
+    std::vector<int> widths;
+    for (const QString &entry :
+         list.split(u',', list.isEmpty() ? Qt::SkipEmptyParts : Qt::KeepEmptyParts)) {
+        bool isNumber = false;
+        const int width = entry.trimmed().toInt(&isNumber);
+        const bool isWidth = isNumber && width >= 1 && width <= kMaxWidth;
+        if (!isWidth) {
+            *invalid << entry;
+        }
+        widths.push_back(isWidth ? width : 0);
+    }
+    widths.resize(static_cast<size_t>(columns));
+    qint64 used = 0;
+    for (const int width : widths) {
+        used += width;
+    }
+    const auto open = std::count(widths.begin(), widths.end(), 0);
+    const qint64 share = open > 0 ? std::max<qint64>((kPageWidth - used) / open, kMinShare) : 0;
+    std::replace(widths.begin(), widths.end(), 0, static_cast<int>(share));
+    return widths;
+}
+
+TableText::TableText(const QString &styleId, const std::vector<int> &widths, const TextRules &rules)
+    : m_rules(rules)
+{
+    m_head = "<w:tbl><w:tblPr><w:tblStyle w:val=\"" + opc::quotable(styleId) +
+             "\"/></w:tblPr><w:tblGrid>";
+    for (const int width : widths) {
+        const QByteArray digits = QByteArray::number(width);
+        m_head += "<w:gridCol w:w=\"" + digits + "\"/>";
+        m_beginnings.push_back("<w:tc><w:tcPr><w:tcW w:w=\"" + digits +
+                               "\" w:type=\"dxa\"/></w:tcPr><w:p><w:r><w:t>");
+    }
+    m_head += "</w:tblGrid>";
+}
+
+/// Room for `bytes` bytes at the end of the text.
+inline char *TableText::room(qsizetype bytes)
+{
+    const auto needed = static_cast<size_t>(m_size + bytes);
+    if (needed > m_text.size()) {
+        m_text.resize(std::max(needed, 2 * m_text.size()));
+    }
+    return m_text.data() + m_size;
+}
+
+inline void TableText::put(QByteArrayView bytes)
+{
+    std::memcpy(room(bytes.size()), bytes.data(), static_cast<size_t>(bytes.size()));
+    m_size += bytes.size();
+}
+
+void TableText::begin()
+{
+    put(m_head);
+}
+
+void TableText::putHeader(const QStringList &names)
+{
+    beginRow();
+    for (const QString &name : names) {
+        putCell(name);
+    }
+    endRow();
+}
+
+void TableText::beginRow()
+{
+    m_column = 0;
+    put("<w:tr>");
+}
+
+void TableText::putCell(QStringView text)
+{
+    put(m_beginnings[m_column]);
+    char *const out = room(text.size() * kMaxBytesPerUnit + kTextSlackBytes);
+    const qint64 before = m_replaced.count;
+    m_size += putText(text, m_rules, out, &m_replaced.count) - out;
+    if (before == 0 && m_replaced.count > 0) {
+        m_replaced.column = static_cast<int>(m_column);
+    }
+    put(kCellEnd);
+    ++m_column;
+}
+
+void TableText::endRow()
+{
+    put("</w:tr>");
+}
+
+void TableText::end()
+{
+    put("</w:tbl>");
+}
+
+} // namespace corvanta::document

@@ -1,0 +1,71 @@
+// The XML text of a table in a Word document, written row by row.
+//
+// Layout: docs/formats/office-documents.md. Sizes are in bytes unless they say twentieths of a
+// point. Threads: one at a time.
+#pragma once
+#include "base/row_view.h"
+#include "codecs/document/document_text.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+namespace corvanta::document {
+
+/// The style that every template gets, and its definition.
+inline constexpr char kTableGridStyle[] = "TableGrid";
+extern const char kTableGridDefinition[];
+
+/// The text width of a page of A4 paper with the usual margins, in twentieths of a point.
+inline constexpr int kPageWidth = 9072;
+
+/// Widths of `columns` columns, in twentieths of a point, from a comma-separated list. Columns
+/// without a valid width (1 to 31680) share what the others leave of kPageWidth, but get at least
+/// 720. `*invalid` is set to the entries that are no width, in their order.
+std::vector<int> columnWidths(const QString &list, qsizetype columns, QStringList *invalid);
+
+/// Characters that were replaced in a row: their number, and the first column that has one.
+struct ReplacedText
+{
+    qint64 count = 0;
+    int column = -1;
+};
+
+class TableText
+{
+public:
+    /// `styleId` is any text. `rules` are those of Word documents.
+    TableText(const QString &styleId, const std::vector<int> &widths, const TextRules &rules);
+
+    // Each appends to text(). Rows have as many cells as there are widths.
+
+    void begin();
+    /// Header rows repeat nothing and have no format of their own.
+    void putHeader(const QStringList &names);
+    void beginRow();
+    void putCell(QStringView text);
+    void endRow();
+    void end();
+
+    /// What was written since the last clear().
+    QByteArrayView text() const { return {m_text.data(), m_size}; }
+    void clear() { m_size = 0; }
+    /// Replaced characters since the last call.
+    ReplacedText takeReplaced() { return std::exchange(m_replaced, ReplacedText()); }
+
+private:
+    char *room(qsizetype bytes);
+    void put(QByteArrayView bytes);
+
+    TextRules m_rules;
+    QByteArray m_head;                    // before the first row
+    std::vector<QByteArray> m_beginnings; // of the cells, up to their text
+    size_t m_column = 0;                  // of the next cell
+    std::vector<char> m_text;             // room; m_size of it is used
+    qsizetype m_size = 0;
+    ReplacedText m_replaced;
+};
+
+} // namespace corvanta::document
