@@ -1,9 +1,49 @@
 #include "actions/write_report/write_report.h"
 
+#include "actions/write_report/shipped_template.h"
+
+using namespace Qt::StringLiterals;
+
 namespace corvanta {
 
+namespace {
+
+/// The folder of the chart parts in templates of this extension; empty for other files.
+QByteArray chartFolder(const QString &name)
+{
+    struct Folder
+    {
+        QLatin1StringView extension;
+        const char *folder;
+    };
+    constexpr std::array<Folder, 3> kFolders{
+        {{".xlsx"_L1, "xl/charts/"}, {".docx"_L1, "word/charts/"}, {".pptx"_L1, "ppt/charts/"}}};
+    for (const Folder &folder : kFolders) {
+        if (name.endsWith(folder.extension, Qt::CaseInsensitive)) {
+            return folder.folder;
+        }
+    }
+    return {};
+}
+
+QString unknownExtension(const QString &name)
+{
+    return u"\nERROR: template file %1 has unknown extention type (not .xlsx, .pptx, .docx).\n"_s
+        .arg(name);
+}
+
+/// Whether the member is directly or deeper in the folder. Some packers write "\" for "/".
+bool isInFolder(QByteArray member, const QByteArray &folder)
+{
+    member.replace('\\', '/');
+    return member.size() > folder.size() &&
+           member.first(folder.size()).compare(folder, Qt::CaseInsensitive) == 0;
+}
+
+} // namespace
+
 ActionWriteReport::ActionWriteReport(const XMLNode &saved, GlobalParameters *parameters)
-    : PendingAction(kWriteReportEntry, saved, parameters)
+    : ParamAction(kWriteReportEntry, saved, parameters)
 {
 }
 
@@ -30,6 +70,351 @@ void ActionWriteReport::removePinIn()
             }
         }
     }
+}
+
+QStringList ActionWriteReport::inputs() const
+{
+    return m_params.templateName.isEmpty() ? QStringList() : QStringList(templateFile());
+}
+
+QVector<ParameterProblem> ActionWriteReport::problems() const
+{
+    QVector<ParameterProblem> found;
+    if (!m_params.templateName.isEmpty() && chartFolder(templateFile()).isEmpty()) {
+        found.push_back({u"template"_s, u"the extension is not .xlsx, .docx or .pptx"_s});
+    }
+    std::set<QString> names;
+    for (const ReportChart &chart : m_params.charts) {
+        if (!names.insert(chart.name).second) {
+            found.push_back(
+                {u"Chart"_s,
+                 u"the tag '%1' has several Charts; only the first is used"_s.arg(chart.name),
+                 ParameterProblem::Severity::Warning});
+        }
+    }
+    return found;
+}
+
+QString ActionWriteReport::message(TemplateProblem problem, const QString &name) const
+{
+    switch (problem) {
+    case TemplateProblem::CannotReadTemplate:
+        return u"\nERROR: cannot read Report Template file %1\n"_s.arg(name);
+    case TemplateProblem::EmptyTemplate:
+        return u"\nERROR: template file %1 is empty.\n"_s.arg(name);
+    case TemplateProblem::CannotCreate:
+    case TemplateProblem::CannotWrite:
+        return u"\nERROR: Cannot write Report file '%1'.\n"_s.arg(name);
+    case TemplateProblem::CannotAddMember:
+        return u"\nERROR: cannot open file '%1' in the zipfile for write"_s.arg(name);
+    case TemplateProblem::CannotClose:
+        return u"\nWARNING: problem closing the output file %1\n"_s.arg(name);
+    case TemplateProblem::CannotOpenMember:
+    case TemplateProblem::CannotReadPart:
+    case TemplateProblem::CannotCopyMember:
+        break;
+    }
+    return u"\nERROR: cannot open file '%1' in the zipfile for read"_s.arg(name);
+}
+
+void ActionWriteReport::start()
+{
+    m_run = {};
+    m_run.data = ReportData(m_params.charts);
+}
+
+bool ActionWriteReport::step()
+{
+    const Pins pins = readPins();
+    if (pins == Pins::Read) {
+        m_run.isWritten = writeDocument();
+    }
+    return pins == Pins::Interrupted;
+}
+
+void ActionWriteReport::finish()
+{
+    if (m_run.isWritten && runIsGood()) {
+        commitDocument();
+    }
+    closeFiles();
+    m_run = {};
+}
+
+ActionWriteReport::Pins ActionWriteReport::readPins()
+{
+    for (; m_run.pin < pinInCount(); ++m_run.pin) {
+        const Pins pin = readPin();
+        if (pin != Pins::Read) {
+            return pin;
+        }
+        m_run.isPinStarted = false;
+    }
+    // Pins without a link have no columns.
+    for (const ReportChart &chart : m_params.charts) {
+        for (const ChartAxis &axis : chart.axes) {
+            const bool isThere = axis.pinIdx >= 0 && axis.pinIdx < pinInCount();
+            if (!axis.column.isEmpty() && !isThere && !failColumn(axis.column, axis.pinIdx)) {
+                return Pins::Failed;
+            }
+        }
+    }
+    return Pins::Read;
+}
+
+ActionWriteReport::Pins ActionWriteReport::readPin()
+{
+    while (const OneRow *row = getNextRowFromInPin(m_run.pin)) {
+        if (!m_run.isPinStarted && !startPin(*row)) {
+            return Pins::Failed;
+        }
+        m_run.data.addRow(*row);
+        if (yieldRequested()) {
+            return Pins::Interrupted;
+        }
+    }
+    if (!runIsGood()) {
+        return Pins::Failed;
+    }
+    // A pin without rows has columns all the same.
+    const bool isGood = m_run.isPinStarted || startPin(*getInputColumns(m_run.pin));
+    return isGood ? Pins::Read : Pins::Failed;
+}
+
+bool ActionWriteReport::startPin(const OneRow &columns)
+{
+    m_run.isPinStarted = true;
+    const QString *missing = m_run.data.startPin(m_run.pin, columns);
+    return missing == nullptr || failColumn(*missing, m_run.pin);
+}
+
+bool ActionWriteReport::failColumn(const QString &column, int pin)
+{
+    return fail(
+        u"\nERROR: cannot find column '%1' on input pin %2.\n"_s.arg(column, QString::number(pin)));
+}
+
+QString ActionWriteReport::templateFile() const
+{
+    return m_params.templateName.startsWith(u'>')
+               ? expandFile(shippedTemplate(m_params.templateName.sliced(1)))
+               : expandFile(m_params.templateName);
+}
+
+bool ActionWriteReport::writeDocument()
+{
+    const QString name = templateFile();
+    const QByteArray folder = chartFolder(name);
+    if (folder.isEmpty()) {
+        return fail(unknownExtension(name));
+    }
+    if (!openTemplate(name)) {
+        return false;
+    }
+    opc::PackageCopy copy(templateReader(), [this] { return runIsGood(); });
+    return findParts(copy, folder) && checkTags() &&
+           openDocument(expandOutputFile(m_params.output, {})) && writeMembers(copy);
+}
+
+bool ActionWriteReport::findParts(opc::PackageCopy &copy, const QByteArray &folder)
+{
+    bool hasFolder = false;
+    const QByteArray top = folder.first(folder.indexOf('/') + 1);
+    for (const zip::Member &member : templateReader().members()) {
+        hasFolder = hasFolder || isInFolder(member.name, top);
+        // Of several members of one name the first counts.
+        const bool isFirst = templateReader().find(member.name) == &member;
+        const bool isChart = isInFolder(member.name, folder) && member.name.endsWith(".xml");
+        if (isFirst && isChart && !addPart(copy, member.name)) {
+            return false;
+        }
+    }
+    return hasFolder ||
+           failWith(TemplateProblem::CannotReadTemplate, templateName(),
+                    u"the package has no folder %1: its extension does not fit its content"_s.arg(
+                        QLatin1StringView(top)));
+}
+
+bool ActionWriteReport::addPart(opc::PackageCopy &copy, const QByteArray &member)
+{
+    auto text = copy.read(member);
+    if (!text) {
+        return failPackage(text.fault(), TemplateProblem::CannotReadPart);
+    }
+    ChartPart part{member, *std::move(text)};
+    auto tags = charts::findTags(part.text);
+    if (!tags) {
+        return failPackage({tags.fault().code, QString::fromUtf8(member)},
+                           TemplateProblem::CannotReadPart);
+    }
+    part.tags = *std::move(tags);
+    if (!part.tags.empty()) {
+        // Copies of the text share its bytes, so the tags' views of it stay valid.
+        m_run.parts.push_back(std::move(part));
+    }
+    return true;
+}
+
+const ReportChart *ActionWriteReport::chartOf(const QString &reference) const
+{
+    const auto found =
+        std::find_if(m_params.charts.begin(), m_params.charts.end(),
+                     [&](const ReportChart &chart) { return chart.name == reference; });
+    return found == m_params.charts.end() ? nullptr : &*found;
+}
+
+bool ActionWriteReport::checkTags()
+{
+    for (const ChartPart &part : m_run.parts) {
+        for (const charts::ChartTag &tag : part.tags) {
+            if (!checkTag(tag)) {
+                return false;
+            }
+        }
+    }
+    if (m_run.parts.empty()) {
+        warn(u"\nwarning: couldn't find any tag to replace ([[KOBData <reference>]]) in file %1"_s
+                 .arg(templateName()));
+    }
+    warnUnusedCharts();
+    return true;
+}
+
+bool ActionWriteReport::checkTag(const charts::ChartTag &tag)
+{
+    switch (tag.use) {
+    case charts::TagUse::NoChart:
+        warn(u"\nwarning: couldn't find chart type for tag %1"_s.arg(tag.reference));
+        return true;
+    case charts::TagUse::NoValues:
+        warn(u"\nwarning: couldn't find y-Axis for tag %1"_s.arg(tag.reference));
+        return true;
+    case charts::TagUse::Split:
+        warn(
+            u"Warning: the tag '%1' is divided by formatting and is ignored: type it again in one piece\n"_s
+                .arg(tag.reference));
+        return true;
+    case charts::TagUse::Repeated:
+        // Series names are often stored twice.
+        return true;
+    case charts::TagUse::Series:
+        break;
+    }
+    const ReportChart *chart = chartOf(tag.reference);
+    if (chart == nullptr) {
+        return fail(
+            u"\nERROR: The template file '%1' contains a new un-initialized tag named '%2'\n"_s.arg(
+                templateName(), tag.reference));
+    }
+    m_run.found.insert(tag.reference);
+    return checkTexts(tag, *chart);
+}
+
+bool ActionWriteReport::checkTexts(const charts::ChartTag &tag, const ReportChart &chart)
+{
+    const charts::SeriesValues values = m_run.data.valuesOf(chart);
+    for (const charts::AxisPlace &place : tag.axes) {
+        const auto axis = static_cast<size_t>(place.axis);
+        const auto row = values[axis] == nullptr ? std::nullopt : values[axis]->firstForbidden();
+        if (row && place.kind == charts::AxisKind::Text) {
+            return fail(
+                u"Error: the column '%1' of input pin %2 has in row %3 a character that XML does not allow: the chart of the tag '%4' cannot be written\n"_s
+                    .arg(chart.axes[axis].column, QString::number(chart.axes[axis].pinIdx),
+                         QString::number(*row + 1), tag.reference));
+        }
+    }
+    return true;
+}
+
+void ActionWriteReport::warnUnusedCharts()
+{
+    for (const ReportChart &chart : m_params.charts) {
+        // Without any tag there is a message already.
+        if (!m_run.parts.empty() && !m_run.found.contains(chart.name)) {
+            warn(
+                u"Warning: the template file '%1' has no tag for the Chart '%2': its data is not written\n"_s
+                    .arg(templateName(), chart.name));
+        }
+    }
+}
+
+bool ActionWriteReport::writeMembers(opc::PackageCopy &copy)
+{
+    for (const ChartPart &part : m_run.parts) {
+        copy.reserve(part.member);
+    }
+    const auto copied = copy.copyMembers(document());
+    if (!copied) {
+        return failPackage(copied.fault(), TemplateProblem::CannotCopyMember);
+    }
+    for (const ChartPart &part : m_run.parts) {
+        if (!writePart(part)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool ActionWriteReport::writePart(const ChartPart &part)
+{
+    const auto put = [&](QByteArrayView block) -> Result<void, opc::Error> {
+        if (!runIsGood()) {
+            return Fault{opc::Error::Stopped};
+        }
+        const auto written = document().output().write(block);
+        if (!written) {
+            return opc::memberFault(written.fault().code, part.member);
+        }
+        return {};
+    };
+    auto done = document().open(part.member);
+    charts::SeriesWriter writer(part.text, put);
+    for (size_t i = 0; i < part.tags.size() && done; ++i) {
+        if (part.tags[i].use == charts::TagUse::Series) {
+            done = writeSeries(writer, part, i);
+        }
+    }
+    if (done) {
+        done = writer.finish();
+    }
+    if (done) {
+        done = document().close();
+    }
+    return done || failPackage(done.fault(), TemplateProblem::CannotReadPart);
+}
+
+Result<void, opc::Error> ActionWriteReport::writeSeries(charts::SeriesWriter &writer,
+                                                        const ChartPart &part, size_t index)
+{
+    if (m_params.cleanTags) {
+        const auto done = cleanTags(writer, part, index);
+        if (!done) {
+            return done;
+        }
+    }
+    const charts::ChartTag &tag = part.tags[index];
+    const ReportChart &chart = *chartOf(tag.reference);
+    const auto found = writer.series(tag, m_run.data.valuesOf(chart));
+    if (!found) {
+        return found.fault();
+    }
+    reportAxes(tag, chart);
+    reportValues(tag, chart, *found);
+    return {};
+}
+
+Result<void, opc::Error> ActionWriteReport::cleanTags(charts::SeriesWriter &writer,
+                                                      const ChartPart &part, size_t index)
+{
+    // The name of a series can be there twice: as a formula and as its result.
+    const qsizetype end = part.tags[index].axes.front().begin;
+    auto done = writer.replaceTag(part.tags[index]);
+    for (size_t i = index + 1; done && i < part.tags.size() && part.tags[i].begin < end; ++i) {
+        if (part.tags[i].use == charts::TagUse::Repeated) {
+            done = writer.replaceTag(part.tags[i]);
+        }
+    }
+    return done;
 }
 
 } // namespace corvanta

@@ -1,16 +1,24 @@
 // writeReport: writes data of the input pins to the charts of an Office template.
 //
-// The action can be placed, edited, saved and linked; writing is not part of this version, and a
-// run ends with an error (PendingAction). The number of pins is a parameter.
+// All pins are read first, one after the other; only then the template is opened, because an action
+// in front of this one may write it. Each tag of the template names a Chart of the parameters,
+// whose columns become the data of the tag's series. The number of pins is a parameter.
 #pragma once
-#include "actions/shared/pending_action.h"
+#include "actions/shared/template_writer.h"
+#include "actions/write_report/report_data.h"
 #include "actions/write_report/write_report_params.h"
+#include "codecs/charts/series_writer.h"
+#include "codecs/opc/package_copy.h"
+
+#include <set>
+#include <vector>
 
 namespace corvanta {
 
 extern const ActionEntry kWriteReportEntry;
 
-class ActionWriteReport final : public PendingAction<ActionWriteReport, WriteReportParams>
+class ActionWriteReport final
+    : public ParamAction<ActionWriteReport, WriteReportParams, TemplateWriter>
 {
 public:
     ActionWriteReport(const XMLNode &saved, GlobalParameters *parameters);
@@ -21,6 +29,75 @@ public:
     void addPinIn() override;
     /// Remove the last pin and reset the axes that use its data. One pin always stays.
     void removePinIn() override;
+    /// The template, under the name that is opened.
+    QStringList inputs() const override;
+    QVector<ParameterProblem> problems() const override;
+
+protected:
+    QString message(TemplateProblem problem, const QString &name) const override;
+
+private:
+    /// A member of the template with tags, and its content.
+    struct ChartPart
+    {
+        QByteArray member;
+        QByteArray text;
+        std::vector<charts::ChartTag> tags; // of `text`
+    };
+    /// What is reset at the start of a run.
+    struct RunState
+    {
+        ReportData data;
+        int pin = 0; // that is read
+        bool isPinStarted = false;
+        std::vector<ChartPart> parts;
+        std::set<QString> found; // references of the tags
+        bool isWritten = false;  // the document waits for its name
+    };
+
+    void start() override;
+    bool step() override;
+    void finish() override;
+
+    // The data. Functions of type bool return false after a failure.
+
+    enum class Pins { Failed, Interrupted, Read };
+    Pins readPins();
+    Pins readPin();
+    bool startPin(const OneRow &columns);
+    bool failColumn(const QString &column, int pin);
+
+    // The template.
+
+    /// The expanded name. A name that starts with ">" is searched in the application's folders.
+    QString templateFile() const;
+    /// Read the parts with tags. `folder` is that of the chart parts.
+    bool findParts(opc::PackageCopy &copy, const QByteArray &folder);
+    bool addPart(opc::PackageCopy &copy, const QByteArray &member);
+    /// Warn of tags without a use, and fail for one that no Chart names.
+    bool checkTags();
+    bool checkTag(const charts::ChartTag &tag);
+    /// Fail for texts that XML cannot hold.
+    bool checkTexts(const charts::ChartTag &tag, const ReportChart &chart);
+    void warnUnusedCharts();
+    /// The Chart with this name; null if there is none. The first of several counts.
+    const ReportChart *chartOf(const QString &reference) const;
+
+    // The document.
+
+    bool writeDocument();
+    bool writeMembers(opc::PackageCopy &copy);
+    bool writePart(const ChartPart &part);
+    Result<void, opc::Error> writeSeries(charts::SeriesWriter &writer, const ChartPart &part,
+                                         size_t index);
+    Result<void, opc::Error> cleanTags(charts::SeriesWriter &writer, const ChartPart &part,
+                                       size_t index);
+    /// Warn of data that is not in the chart.
+    void reportAxes(const charts::ChartTag &tag, const ReportChart &chart);
+    void reportValues(const charts::ChartTag &tag, const ReportChart &chart,
+                      const charts::SeriesReport &found);
+
+    RunState m_run;
 };
 
 } // namespace corvanta

@@ -69,26 +69,12 @@ const ParamTable<ReportChart> &chartTable()
 void completeCharts(std::vector<ReportChart> &charts, const XMLNode &)
 {
     for (ReportChart &chart : charts) {
-        const auto axes = static_cast<size_t>(chartAxisCount(chart.type));
+        const size_t axes = charts::axisElements(chart.type).size();
         chart.axes.resize(std::min(chart.axes.size(), axes));
     }
 }
 
 } // namespace
-
-int chartAxisCount(ChartType type)
-{
-    // Categories and values at least.
-    switch (type) {
-    case ChartType::Bar:
-    case ChartType::Line:
-        return 4; // with plus and minus error bars
-    case ChartType::Bubble:
-        return 3; // with sizes
-    default:
-        return 2;
-    }
-}
 
 const ParamTable<WriteReportParams> &writeReportParamTable()
 {
@@ -112,6 +98,10 @@ const ParamTable<WriteReportParams> &writeReportParamTable()
             .label("Template")
             .meaning("Document with the charts; a name that starts with > is one of the included "
                      "templates."),
+        flag("cleanTags", &P::cleanTags)
+            .label("Clean tags")
+            .meaning("Writes the reference of each tag in its place, so that a series named "
+                     "[[KOBData Sales]] appears as Sales. Otherwise the tags stay visible."),
         // Child elements come after all attributes.
         children("Chart", &P::charts, chartTable(), {nullptr, completeCharts})
             .label("Charts")

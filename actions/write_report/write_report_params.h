@@ -3,11 +3,14 @@
 // A template marks each of its charts with a tag. A `Chart` element names a tag and the data of one
 // series; its axes name the pins and columns that the data comes from.
 #pragma once
+#include "codecs/charts/chart_kinds.h"
 #include "corvanta/params/param_children.h"
 
 #include <vector>
 
 namespace corvanta {
+
+using charts::ChartType;
 
 /// Where the data of one axis comes from, an `axis` element.
 struct ChartAxis
@@ -19,33 +22,11 @@ struct ChartAxis
     bool operator==(const ChartAxis &) const = default;
 };
 
-/// The element of a chart that encloses its series. The numbers are those of saved graphs.
-enum class ChartType {
-    Bar,
-    Bar3D,
-    Line,
-    Line3D,
-    Pie,
-    OfPie,
-    Pie3D,
-    Area,
-    Area3D,
-    Scatter,
-    Stock,
-    Surface3D,
-    Doughnut,
-    Bubble,
-    Radar
-};
-
-/// How many axes charts of a type use data for: 2 to 4.
-int chartAxisCount(ChartType type);
-
 /// The data of one series, a `Chart` element. It may have fewer axes than its type uses data for,
 /// but not more.
 struct ReportChart
 {
-    /// Decides how many axes have data.
+    /// Decides how many axes are kept; a run takes the type from the template.
     ChartType type = ChartType::Bar;
     /// The NAME of the tag [[KOBData NAME]] in the template.
     QString name;
@@ -63,6 +44,8 @@ struct WriteReportParams
     QString output;
     /// A name that starts with > is one of the included templates.
     QString templateName;
+    /// Series named by their tags get the references as names.
+    bool cleanTags = false;
     /// One per series.
     std::vector<ReportChart> charts;
 };

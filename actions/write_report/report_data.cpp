@@ -1,0 +1,58 @@
+#include "actions/write_report/report_data.h"
+
+#include <algorithm>
+
+namespace corvanta {
+
+ReportData::ReportData(const std::vector<ReportChart> &reports)
+{
+    for (const ReportChart &chart : reports) {
+        for (const ChartAxis &axis : chart.axes) {
+            if (!axis.column.isEmpty() && find(axis) == nullptr) {
+                m_columns.push_back(std::make_unique<Column>(Column{axis}));
+            }
+        }
+    }
+}
+
+ReportData::Column *ReportData::find(const ChartAxis &source) const
+{
+    const auto found = std::find_if(m_columns.begin(), m_columns.end(),
+                                    [&](const auto &column) { return column->source == source; });
+    return found == m_columns.end() ? nullptr : found->get();
+}
+
+const QString *ReportData::startPin(int pin, const OneRow &row)
+{
+    m_ofPin.clear();
+    for (const auto &column : m_columns) {
+        if (column->source.pinIdx != pin) {
+            continue;
+        }
+        column->index = row.getIndexOfColumn(column->source.column);
+        if (column->index < 0) {
+            return &column->source.column;
+        }
+        m_ofPin.push_back(column.get());
+    }
+    return nullptr;
+}
+
+void ReportData::addRow(const OneRow &row)
+{
+    for (Column *column : m_ofPin) {
+        column->values.append(row.textView(column->index));
+    }
+}
+
+charts::SeriesValues ReportData::valuesOf(const ReportChart &chart) const
+{
+    charts::SeriesValues values{};
+    for (size_t i = 0; i < std::min(chart.axes.size(), values.size()); ++i) {
+        const Column *column = find(chart.axes[i]);
+        values[i] = column == nullptr ? nullptr : &column->values;
+    }
+    return values;
+}
+
+} // namespace corvanta

@@ -1,0 +1,59 @@
+// Finds the tags [[KOBData reference]] of a chart part, and the data of the series that they mark.
+//
+// A chart part is a member such as xl/charts/chart1.xml (ECMA-376 part 1, 21.2). A tag marks the
+// series that it stands in; it is usually the name of that series. Threads: pure functions.
+#pragma once
+#include "base/result.h"
+#include "codecs/charts/chart_kinds.h"
+#include "codecs/opc/error.h"
+
+#include <QByteArrayView>
+#include <QString>
+
+#include <vector>
+
+namespace corvanta::charts {
+
+/// More tags than this in one part are refused: programs show at most 255 series per chart.
+inline constexpr size_t kMaxTags = 65'536;
+
+enum class AxisKind : quint8 { Number, Text };
+
+/// An axis element of a series. Offsets count the bytes of the part.
+struct AxisPlace
+{
+    int axis = 0; ///< index in axisElements()
+    AxisKind kind = AxisKind::Number;
+    QByteArrayView name = {}; ///< of the element with its prefix; a view of the part
+    qsizetype begin = 0;      ///< of the opening tag
+    qsizetype openEnd = 0;    ///< after the opening tag
+    qsizetype end = 0;        ///< after the element
+    bool isEmptyTag = false;  ///< `<c:val/>`
+};
+
+/// What a tag can be used for.
+enum class TagUse : quint8 {
+    Series,   ///< its series can be filled
+    NoChart,  ///< stands in no chart element of a known type
+    NoValues, ///< its series has no values after the tag
+    Repeated, ///< its series has an earlier tag
+    Split,    ///< markup divides its reference
+};
+
+struct ChartTag
+{
+    QString reference; ///< trimmed, entities decoded; of a divided one without the markup
+    // In the part, with the brackets.
+    qsizetype begin = 0;
+    qsizetype end = 0;
+    TagUse use = TagUse::NoChart;
+    ChartType type = ChartType::Bar; ///< valid for all uses but NoChart and Split
+    std::vector<AxisPlace> axes;     ///< of Series: in document order, with the values
+};
+
+/// The tags of a part, in document order, with views of it; empty for a part without any, which is
+/// then not examined further. Needs time in proportion to the part's size. Errors: Malformed
+/// (broken markup), TooLarge (more than kMaxTags).
+Result<std::vector<ChartTag>, opc::Error> findTags(QByteArrayView part);
+
+} // namespace corvanta::charts

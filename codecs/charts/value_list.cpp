@@ -1,0 +1,58 @@
+#include "codecs/charts/value_list.h"
+
+#include "base/utf.h"
+
+namespace corvanta::charts {
+
+namespace {
+
+/// A surrogate at `i` that has no partner.
+bool isLoneSurrogate(QStringView text, qsizetype i)
+{
+    const QChar unit = text[i];
+    if (unit.isHighSurrogate()) {
+        return i + 1 == text.size() || !text[i + 1].isLowSurrogate();
+    }
+    return unit.isLowSurrogate() && (i == 0 || !text[i - 1].isHighSurrogate());
+}
+
+bool isForbidden(QStringView text, qsizetype i)
+{
+    const char16_t unit = text[i].unicode();
+    if (unit < u' ') {
+        return unit != u'\t' && unit != u'\n' && unit != u'\r';
+    }
+    return unit >= 0xD800 && (unit >= 0xFFFE || isLoneSurrogate(text, i));
+}
+
+bool hasForbidden(QStringView text)
+{
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (isForbidden(text, i)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+void ValueList::append(QStringView text)
+{
+    const QStringView trimmed = text.trimmed();
+    if (!m_firstForbidden && hasForbidden(trimmed)) {
+        m_firstForbidden = size();
+    }
+    const size_t old = m_bytes.size();
+    const auto room = static_cast<size_t>(trimmed.size() * kUtf8BytesPerUnit);
+    // Growing by the exact size would copy all texts each time.
+    if (m_bytes.capacity() - old < room) {
+        m_bytes.reserve(std::max(old + room, old + old / 2));
+    }
+    m_bytes.resize(old + room);
+    const qsizetype used = utf16ToUtf8(trimmed.utf16(), trimmed.size(), m_bytes.data() + old);
+    m_bytes.resize(old + static_cast<size_t>(used));
+    m_lengths.push_back(static_cast<quint32>(used));
+}
+
+} // namespace corvanta::charts
