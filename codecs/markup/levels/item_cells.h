@@ -1,5 +1,6 @@
 // Builds the text cells of items: texts, attributes, names of children, or whether an item exists.
 #pragma once
+#include "base/result.h"
 #include "codecs/markup/levels/cell_arena.h"
 #include "codecs/markup/levels/element_filter.h"
 
@@ -28,9 +29,15 @@ public:
     const uchar *absentCell(const LevelItem &item, CellArena &arena) const;
 
     /// The first error since the last call of clearError(): NoMemory or TreeTooLarge for a text
-    /// longer than limits::kTextCellUnits, whose cell is missing. (Not a Result: a status per row
-    /// is enough, and cells are built by the ten million.)
-    std::optional<MarkupError> error() const { return m_error; }
+    /// longer than limits::kTextCellUnits, whose cell is missing. For a check per row: cells are
+    /// built by the ten million.
+    Result<void, MarkupError> status() const
+    {
+        if (m_error) {
+            return Fault{*m_error};
+        }
+        return {};
+    }
     /// Call at the start of each document.
     void clearError() { m_error.reset(); }
 

@@ -95,8 +95,8 @@ QStringList LevelExtractor::missingPaths() const
 Result<bool, MarkupResult> LevelExtractor::next(CellArena &arena)
 {
     m_hasRow = !m_failure && ((m_hasRow && advanceInner(arena)) || readFirstLevel(arena));
-    if (const auto error = m_items.error(); error && !m_failure) {
-        m_failure = m_reader->faultHere(*error).code;
+    if (const auto cells = m_items.status(); !cells && !m_failure) {
+        m_failure = m_reader->faultHere(cells.fault().code).code;
     }
     if (m_failure) {
         m_hasRow = false;

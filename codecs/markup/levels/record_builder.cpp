@@ -4,18 +4,18 @@
 
 namespace corvanta::markup {
 
-/// Add the next leaves and one more token; returns the error, if any. (Not a Result: this runs for
-/// every token.)
-inline std::optional<MarkupError> RecordBuilder::addNext(Token *token)
+/// Add the next leaves and one more token, which it returns.
+inline Result<Token, MarkupError> RecordBuilder::addNext()
 {
-    if (!m_builder.addLeaves()) {
-        return MarkupError::TreeTooLarge;
+    const bool hasRoom = m_builder.addLeaves();
+    const Token token = hasRoom ? m_tokenizer->nextToken() : Token::None;
+    if (token == Token::Error) {
+        return Fault{m_tokenizer->errorCode()};
     }
-    *token = m_tokenizer->nextToken();
-    if (*token == Token::Error) {
-        return m_tokenizer->errorCode();
+    if (!hasRoom || !m_builder.add(token)) {
+        return Fault{MarkupError::TreeTooLarge};
     }
-    return m_builder.add(*token) ? std::nullopt : std::optional(MarkupError::TreeTooLarge);
+    return token;
 }
 
 RecordBuilder::Status RecordBuilder::buildElement()
@@ -27,28 +27,28 @@ RecordBuilder::Status RecordBuilder::buildElement()
 RecordBuilder::Status RecordBuilder::addElement()
 {
     const qint64 outside = m_builder.depth();
-    bool isGood = m_builder.add(Token::Start);
-    Token token = Token::Start;
-    std::optional<MarkupError> error;
-    while (isGood && m_builder.depth() > outside) {
-        error = addNext(&token);
-        isGood = !error;
+    if (!m_builder.add(Token::Start)) {
+        return faultHere(MarkupError::TreeTooLarge);
     }
-    if (!isGood) {
-        return faultHere(error.value_or(MarkupError::TreeTooLarge));
+    while (m_builder.depth() > outside) {
+        if (const auto added = addNext(); !added) {
+            return faultHere(added.fault().code);
+        }
     }
     return {};
 }
 
 RecordBuilder::Status RecordBuilder::addRestOfValue()
 {
-    Token token = Token::None;
-    while (token != Token::DocumentEnd) {
-        if (const auto error = addNext(&token)) {
-            return faultHere(*error);
+    for (;;) {
+        const auto added = addNext();
+        if (!added) {
+            return faultHere(added.fault().code);
+        }
+        if (*added == Token::DocumentEnd) {
+            return {};
         }
     }
-    return {};
 }
 
 RecordBuilder::Status RecordBuilder::skipElement()

@@ -3,8 +3,6 @@
 #include "base/result.h"
 #include "codecs/markup/tree/tree.h"
 
-#include <optional>
-
 namespace corvanta::markup {
 
 /// Threads: one at a time.
@@ -40,7 +38,7 @@ public:
     MarkupTreeBuilder &builder() { return m_builder; }
 
 private:
-    std::optional<MarkupError> addNext(Token *token);
+    Result<Token, MarkupError> addNext();
 
     MarkupTreeBuilder m_builder;
     MarkupTokenizer *m_tokenizer = nullptr;

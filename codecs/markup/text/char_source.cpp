@@ -63,15 +63,11 @@ void CharSource::restart(ByteSource &source)
 
 /// The failure to report now. A source fails after the bytes that it delivered, so its failure
 /// waits until they are read.
-std::optional<MarkupError> CharSource::errorAtHand() const
-{
-    return m_error == MarkupError::CannotRead && rawLeft() > 0 ? std::nullopt : m_error;
-}
-
 Result<void, MarkupError> CharSource::status() const
 {
-    if (const auto error = errorAtHand()) {
-        return Fault{*error};
+    const bool isLater = m_error == MarkupError::CannotRead && rawLeft() > 0;
+    if (m_error && !isLater) {
+        return Fault{*m_error};
     }
     return {};
 }
@@ -131,8 +127,8 @@ Result<QByteArrayView, MarkupError> CharSource::peek()
 {
     while (fillRaw()) {
     }
-    if (const auto error = errorAtHand()) {
-        return Fault{*error};
+    if (const auto good = status(); !good) {
+        return good.fault();
     }
     return QByteArrayView(rawAt(), rawLeft());
 }
@@ -201,8 +197,8 @@ void CharSource::findByteOrder(QByteArrayView bytes)
 
 Result<qsizetype, MarkupError> CharSource::read(char *out, qsizetype room)
 {
-    if (const auto error = errorAtHand()) {
-        return Fault{*error};
+    if (const auto good = status(); !good) {
+        return good.fault();
     }
     const auto readMode = m_mode == CharMode::Utf8    ? &CharSource::readUtf8
                           : m_mode == CharMode::Utf16 ? &CharSource::readUtf16

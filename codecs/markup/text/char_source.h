@@ -73,7 +73,6 @@ private:
     // Functions that return a size return 0 when they deliver nothing: at the end, or with m_error
     // set.
 
-    std::optional<MarkupError> errorAtHand() const;
     Result<void, MarkupError> status() const;
     qint64 readSource(char *out, qsizetype n);
     bool fillRaw();
