@@ -32,15 +32,6 @@ public:
 
 private:
     explicit WriteLevelTables(const QStringList &itemTypes);
-    template <class Type> static QStringList textsOf(std::initializer_list<Choice<Type>> types)
-    {
-        QStringList texts;
-        for (const Choice<Type> &type : types) {
-            Q_ASSERT(static_cast<qsizetype>(type.value) == texts.size());
-            texts << QString::fromUtf8(type.text);
-        }
-        return texts;
-    }
 
     ParamTable<WriteItem> m_items;
     ParamTable<WriteLevel> m_levels; // refers to m_items

@@ -194,6 +194,17 @@ template <class E> struct Choice
     const char *text;
 };
 
+/// The texts of choices with the values 0, 1, 2, ... in order.
+template <class E> QStringList textsOf(std::initializer_list<Choice<E>> choices)
+{
+    QStringList texts;
+    for (const Choice<E> &choice : choices) {
+        Q_ASSERT(static_cast<qsizetype>(choice.value) == texts.size());
+        texts << QString::fromUtf8(choice.text);
+    }
+    return texts;
+}
+
 /// One of several values. The choices are the numbers 0, 1, 2, ... in order. Any other number is
 /// kept as it is, so that the action decides what it means; limit it with range().
 template <class P, class E>
@@ -201,12 +212,8 @@ Param<P> choice(const char *name, E P::*member,
                 std::initializer_list<Choice<std::type_identity_t<E>>> choices)
 {
     static_assert(std::is_same_v<std::underlying_type_t<E>, int>);
-    QStringList texts;
-    for (const Choice<E> &choice : choices) {
-        Q_ASSERT(static_cast<qsizetype>(choice.value) == texts.size());
-        texts << QString::fromUtf8(choice.text);
-    }
-    return Param<P>(name, ParameterInfo::Type::Integer, accessTo<qint64>(member)).choices(texts);
+    return Param<P>(name, ParameterInfo::Type::Integer, accessTo<qint64>(member))
+        .choices(textsOf(choices));
 }
 /// The same for a member of a base of `P`.
 template <class P, class Base, class E>
