@@ -201,17 +201,4 @@ bool ActionReadJSON::documentFails(const markup::MarkupResult &result, const QSt
     return true;
 }
 
-QString ActionReadJSON::message(ReadProblem problem, const QString &name) const
-{
-    switch (problem) {
-    case ReadProblem::NoFile:
-        return u"Error: The json file '%1' does not exists"_s.arg(name);
-    case ReadProblem::SkippedFile:
-        return u"Warning: The json file '%1' does not exists"_s.arg(name);
-    case ReadProblem::NoColumn:
-        break;
-    }
-    return u"ERROR: JSON parsing Error: Cannot find column '"_s + name + u"'\n"_s;
-}
-
 } // namespace corvanta

@@ -33,7 +33,7 @@ public:
 
 private:
     const LevelReaderParams &readerParams() const override { return m_params; }
-    QString message(ReadProblem problem, const QString &name) const override;
+    QString formatName() const override { return QStringLiteral("JSON"); }
 
     // The run.
     void start() override;

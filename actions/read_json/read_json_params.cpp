@@ -10,22 +10,14 @@ using P = ReadJsonParams;
 ParamGroup<P> sourceOfDocuments()
 {
     return {
-        text("colJSON", &P::colJSON)
-            .expanded()
-            .requiredWhen("fromInputPin", {QStringLiteral("1")})
+        shared::documentColumn("colJSON", &P::colJSON)
             .label("JSON column")
             .meaning("Input column that holds the JSON texts."),
         shared::fromInputPin<P>("Read the JSON", "Reads the file fileName, or (any value but 0) "
                                                  "the texts of colJSON."),
         shared::bufferSize<P>(),
         shared::autoFillNRows<P>(),
-        text<P>("fileName", &P::fileName)
-            .inputFile()
-            .always()
-            .requiredWhen("fromInputPin", {QStringLiteral("0")})
-            .label("File")
-            .meaning("JSON or JSON Lines file to read, a pattern, or a member of an archive "
-                     "(archive.zip@member)."),
+        shared::documentFile<P>("JSON or JSON Lines file"),
     };
 }
 

@@ -293,25 +293,9 @@ bool ActionReadParquet::reportUnreadable(const QString &name)
     return true;
 }
 
-/// Column indexes in the message count from 1. The texts are fixed.
 bool ActionReadParquet::reportMismatch(const ColumnMismatch &mismatch)
 {
-    switch (mismatch.kind) {
-    case ColumnMismatch::Kind::Count:
-        return fail(
-            u"Error: The Parquet file '%3' does have the right number of columns (%1!=%2)"_s.arg(
-                mismatch.found, mismatch.first, mismatch.file));
-    case ColumnMismatch::Kind::Name:
-        return fail(
-            u"An error occurred while initializing the 'ReadParquet' Action \nThe name of the column %1 do not match in first file and file '%2' ('%3'!='%4'"_s
-                .arg(QString::number(mismatch.column + 1), mismatch.file, mismatch.first,
-                     mismatch.found));
-    case ColumnMismatch::Kind::Type:
-        break;
-    }
-    return fail(
-        u"An error occurred while initializing the 'ReadParquet' Action \nThe Meta-type of the column '%3' do not match in first file and file '%4' (type: %1!=%2)"_s
-            .arg(mismatch.found, mismatch.first, mismatch.name, mismatch.file));
+    return fail(textOf(mismatch, u"Parquet"_s, u"ReadParquet"_s));
 }
 
 } // namespace corvanta

@@ -54,26 +54,14 @@ bool ActionReadXBF::reportMissing(const QString &name)
     return true;
 }
 
-/// Column indexes in the message count from 1. The texts are fixed; note that the type message
-/// names the type in the first file first.
+/// The type message of this reader names the type in the first file first.
 bool ActionReadXBF::reportMismatch(const ColumnMismatch &mismatch)
 {
-    switch (mismatch.kind) {
-    case ColumnMismatch::Kind::Count:
-        return fail(
-            u"Error: The DBF file '%3' does have the right number of columns (%1!=%2)"_s.arg(
-                mismatch.found, mismatch.first, mismatch.file));
-    case ColumnMismatch::Kind::Name:
-        return fail(
-            u"An error occurred while initializing the 'ReadXBF' Action \nThe name of the column %1 do not match in first file and file '%2' ('%3'!='%4'"_s
-                .arg(QString::number(mismatch.column + 1), mismatch.file, mismatch.first,
-                     mismatch.found));
-    case ColumnMismatch::Kind::Type:
-        break;
+    ColumnMismatch shown = mismatch;
+    if (shown.kind == ColumnMismatch::Kind::Type) {
+        shown.first.swap(shown.found);
     }
-    return fail(
-        u"An error occurred while initializing the 'ReadXBF' Action \nThe Meta-type of the column '%3' do not match in first file and file '%4' (type: %1!=%2)"_s
-            .arg(mismatch.first, mismatch.found, mismatch.name, mismatch.file));
+    return fail(textOf(shown, u"DBF"_s, u"ReadXBF"_s));
 }
 
 } // namespace corvanta

@@ -278,17 +278,4 @@ bool ActionReadXML::reportStructureError(const markup::MarkupResult &result, con
     return true;
 }
 
-QString ActionReadXML::message(ReadProblem problem, const QString &name) const
-{
-    switch (problem) {
-    case ReadProblem::NoFile:
-        return u"Error: The xml file '%1' does not exists"_s.arg(name);
-    case ReadProblem::SkippedFile:
-        return u"Warning: The xml file '%1' does not exists"_s.arg(name);
-    case ReadProblem::NoColumn:
-        break;
-    }
-    return u"ERROR: XML parsing Error: Cannot find column '"_s + name + u"'\n"_s;
-}
-
 } // namespace corvanta

@@ -29,7 +29,7 @@ public:
 
 private:
     const LevelReaderParams &readerParams() const override { return m_params; }
-    QString message(ReadProblem problem, const QString &name) const override;
+    QString formatName() const override { return QStringLiteral("XML"); }
 
     // The run. Functions that return a bool return false when the run has failed.
     void start() override;

@@ -15,9 +15,7 @@ ParamGroup<P> sourceOfDocuments()
             .label("Encoding")
             .meaning("Auto detects the encoding, System is the system's code page; otherwise the "
                      "name of an encoding."),
-        text("colXML", &P::colXML)
-            .expanded()
-            .requiredWhen("fromInputPin", {QStringLiteral("1")})
+        shared::documentColumn("colXML", &P::colXML)
             .label("XML column")
             .meaning("Input column that holds the XML texts."),
         shared::fromInputPin<P>("Read the XML",
@@ -36,13 +34,7 @@ ParamGroup<P> file()
     return {
         shared::bufferSize<P>(),
         shared::autoFillNRows<P>(),
-        text<P>("fileName", &P::fileName)
-            .inputFile()
-            .always()
-            .requiredWhen("fromInputPin", {QStringLiteral("0")})
-            .label("File")
-            .meaning("XML or HTML file to read, a pattern, or a member of an archive "
-                     "(archive.zip@member)."),
+        shared::documentFile<P>("XML or HTML file"),
         flag("readClearTags", &P::readClearTags)
             .label("Read CDATA sections")
             .meaning("Reads CDATA sections and <PRE> blocks as text of their element."),

@@ -8,7 +8,26 @@
 #include <algorithm>
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace corvanta {
+
+QString textOf(const ColumnMismatch &mismatch, const QString &format, const QString &action)
+{
+    switch (mismatch.kind) {
+    case ColumnMismatch::Kind::Count:
+        return u"Error: The %4 file '%3' does have the right number of columns (%1!=%2)"_s.arg(
+            mismatch.found, mismatch.first, mismatch.file, format);
+    case ColumnMismatch::Kind::Name:
+        return u"An error occurred while initializing the '%5' Action \nThe name of the column %1 do not match in first file and file '%2' ('%3'!='%4'"_s
+            .arg(QString::number(mismatch.column + 1), mismatch.file, mismatch.first,
+                 mismatch.found, action);
+    case ColumnMismatch::Kind::Type:
+        break;
+    }
+    return u"An error occurred while initializing the '%5' Action \nThe Meta-type of the column '%3' do not match in first file and file '%4' (type: %1!=%2)"_s
+        .arg(mismatch.found, mismatch.first, mismatch.name, mismatch.file, action);
+}
 
 void FileSeries::reset()
 {

@@ -75,6 +75,10 @@ struct ColumnMismatch
     QString found = {};   ///< the same in `file`
 };
 
+/// The message of readers whose columns must be equal in all files; columns count from 1 in it. The
+/// texts are fixed. `format` as in "The DBF file", `action` as in "the 'ReadXBF' Action".
+QString textOf(const ColumnMismatch &mismatch, const QString &format, const QString &action);
+
 /// Threads: the one that runs the action; fractionDone() and stop() from any, at any time.
 class FileSeries
 {

@@ -83,16 +83,17 @@ QVector<InputTable> LevelReader::listTables()
 /// Returns true to continue with the next file.
 bool LevelReader::fileIsMissing(const QString &name)
 {
+    const QString format = formatName().toLower();
     if (readerParams().abortIfMissing) {
-        return fail(message(ReadProblem::NoFile, name));
+        return fail(u"Error: The %1 file '%2' does not exists"_s.arg(format, name));
     }
-    warn(message(ReadProblem::SkippedFile, name));
+    warn(u"Warning: The %1 file '%2' does not exists"_s.arg(format, name));
     return true;
 }
 
 bool LevelReader::columnIsMissing(const QString &name)
 {
-    return fail(message(ReadProblem::NoColumn, name));
+    return fail(u"ERROR: %1 parsing Error: Cannot find column '%2'\n"_s.arg(formatName(), name));
 }
 
 void LevelReader::pathIsMissing(const QString &path, const QString &name)

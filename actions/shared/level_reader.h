@@ -14,14 +14,6 @@
 
 namespace corvanta {
 
-/// What can go wrong in every reader of documents; each reader has its own message for it. The name
-/// that goes with a problem is given in parentheses.
-enum class ReadProblem : quint8 {
-    NoFile,      ///< fails the run (the file)
-    SkippedFile, ///< NoFile as a warning, when abortIfMissing is off (the file)
-    NoColumn,    ///< the input pin lacks the column with the documents (the column)
-};
-
 /// Threads: the one that runs the action; computeCompletion() from any.
 class LevelReader : public ActionBase, protected LevelRun::Format
 {
@@ -40,7 +32,8 @@ protected:
     // or ended.
 
     virtual const LevelReaderParams &readerParams() const = 0;
-    virtual QString message(ReadProblem problem, const QString &name) const = 0;
+    /// Name of the format in messages, for example "JSON".
+    virtual QString formatName() const = 0;
     /// Check the parameters and call beginRun(). Called by the first step() of a run.
     virtual bool prepare() = 0;
     /// Read the beginning of the file. Returns nothing, after a message, when it cannot be read.

@@ -4,6 +4,8 @@
 #include "actions/shared/params/read_levels.h"
 #include "actions/shared/params/reader_params.h"
 
+#include <string>
+
 namespace corvanta {
 
 struct LevelReaderParams
@@ -29,6 +31,25 @@ struct LevelReaderParams
 };
 
 namespace shared {
+
+/// The column of input pin 0 with the documents.
+template <class P> Param<P> documentColumn(const char *name, QString P::*column)
+{
+    return text(name, column).expanded().requiredWhen("fromInputPin", {QStringLiteral("1")});
+}
+
+/// The file to read. `kinds` says which files the reader reads.
+template <class P> Param<P> documentFile(const std::string &kinds)
+{
+    const std::string meaning =
+        kinds + " to read, a pattern, or a member of an archive (archive.zip@member).";
+    return text<P>("fileName", &P::fileName)
+        .inputFile()
+        .always()
+        .requiredWhen("fromInputPin", {QStringLiteral("0")})
+        .label("File")
+        .meaning(meaning.c_str());
+}
 
 /// What happens to a file that is missing.
 template <class P> ParamGroup<P> missingFiles()
