@@ -2,6 +2,7 @@
 // type and every kind of damage.
 #include "codecs/dbf/table_reader.h"
 #include "tests/support/corpus.h"
+#include "tests/support/sweeps.h"
 
 #include <QDir>
 
@@ -506,9 +507,9 @@ TEST(Dbf, WrongCountsAndTruncatedFilesAreReported)
 TEST(Dbf, ImpossibleHeadersAreRejected)
 {
     const QByteArray good = makeTable(3, {{"a", 'C', 2}}, {"r1"});
-    for (qsizetype n = 0; n < 65; ++n) {
-        EXPECT_EQ(read({.table = good.first(n)}).fault->code, Error::ShortHeader) << n;
-    }
+    test::forEveryTruncation(good.first(65), [](const QByteArray &cut) {
+        EXPECT_EQ(read({.table = cut}).fault->code, Error::ShortHeader);
+    });
     struct Case
     {
         qsizetype at;
@@ -569,12 +570,12 @@ TEST(Memo, TextsOfEveryFormatReadAndBrokenOnesAreMissing)
             makeTable(c.version, {{"m", 'M', 4}}, {le32(2), le32(1), le32(-1)});
         const Table table = read({.table = binary, .memo = c.memo});
         EXPECT_EQ(table.rows, (std::vector<Row>{{longText}, {"first"}, {"-"}})) << int(c.version);
-        for (qsizetype n = 0; n < c.memo.size() - 1;
-             n += 7) { // truncated anywhere: the first text or nothing
-            const Table cut = read({.table = binary, .memo = c.memo.first(n)});
-            EXPECT_FALSE(cut.fault) << n;
-            EXPECT_EQ(cut.rows.at(0).at(0), "-") << n;
-        }
+        const auto expectNoText = [&](const QByteArray &memo) {
+            const Table cut = read({.table = binary, .memo = memo});
+            EXPECT_FALSE(cut.fault);
+            EXPECT_EQ(cut.rows.at(0).at(0), "-");
+        };
+        test::forEveryTruncation(c.memo.first(c.memo.size() - 1), expectNoText, 100);
         EXPECT_EQ(read({.table = binary}).rows,
                   (std::vector<Row>{{"-"}, {"-"}, {"-"}})); // no memo file
     }

@@ -5,6 +5,7 @@
 #include "codecs/xlsx/sheet_tail.h"
 #include "codecs/xlsx/styles_part.h"
 #include "codecs/xlsx/workbook_part.h"
+#include "tests/support/sweeps.h"
 
 #include <gtest/gtest.h>
 
@@ -231,7 +232,7 @@ TEST(SheetSplitter, SplitsAtTheFirstNewRow)
     for (const Case &one : cases) {
         const QByteArray front = "<dimension ref=\"A1:B2\"/><cols><!--<sheetData>--><col/></cols>";
         const QByteArray sheet = sheetAround(front + one.data, "<mergeCells/>");
-        for (const qsizetype pieceBytes : {1, 2, 3, 7, 64, 1 << 20}) {
+        test::forEverySplit([&](int pieceBytes) {
             const Split out = split(sheet, one.startRow, pieceBytes);
             ASSERT_FALSE(out.error) << one.data.constData() << static_cast<int>(*out.error);
             EXPECT_EQ(out.head.sliced(out.head.indexOf("<cols>")),
@@ -241,7 +242,7 @@ TEST(SheetSplitter, SplitsAtTheFirstNewRow)
             EXPECT_EQ(out.droppedFormula,
                       one.data.contains("<f>") && one.startRow > 0 && one.startRow < 6);
             EXPECT_FALSE(out.head.contains("dimension"));
-        }
+        });
     }
 }
 
@@ -260,14 +261,14 @@ TEST(SheetSplitter, GivesPrefixedSheetsADefaultNamespace)
     const QByteArray sheet = xml(
         "\xEF\xBB\xBF<x:worksheet xmlns:x='MAIN'><x:dimension ref='A1'></x:dimension><x:sheetData>"
         "<x:row r='4'><x:c/></x:row></x:sheetData></x:worksheet>");
-    for (const qsizetype pieceBytes : {1, 1 << 20}) {
+    test::forEverySplit([&](int pieceBytes) {
         const Split out = split(sheet, 0, pieceBytes);
         ASSERT_FALSE(out.error);
         EXPECT_EQ(out.head, xml("\xEF\xBB\xBF<x:worksheet xmlns:x='MAIN'><x:sheetData "
                                 "xmlns=\"MAIN\"><x:row r='4'><x:c/></x:row>"));
         EXPECT_EQ(out.tail, "</x:sheetData></x:worksheet>");
         EXPECT_EQ(out.firstRow, 5U);
-    }
+    });
 }
 
 TEST(SheetSplitter, RejectsTextThatIsNotAWorksheet)

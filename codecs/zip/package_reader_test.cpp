@@ -79,7 +79,7 @@ struct Opened
 TEST(PackageReader, ReadsWhatWasWritten)
 {
     const QByteArray package = packageOf(kParts);
-    for (const qint64 piece : {1, 2, 3, 7, 64, -1}) {
+    test::forEverySplit([&](int piece) {
         Opened package1(package, piece);
         ASSERT_TRUE(package1.reader);
         ASSERT_EQ(package1.reader->members().size(), kParts.size());
@@ -91,7 +91,7 @@ TEST(PackageReader, ReadsWhatWasWritten)
             EXPECT_EQ(*bytes, kParts[i].bytes);
             EXPECT_EQ(bytes->data()[bytes->size()], '\0');
         }
-    }
+    });
 }
 
 TEST(PackageReader, WholeReadsMatchNamesExactlyAndStreamsTryBackslashes)

@@ -282,7 +282,7 @@ TEST_F(EngineTest, StopAtAnyMomentEndsWithinASecond)
 
 TEST_F(EngineTest, ActionsThatWriteOneFileTakeTurns)
 {
-    // A fan-out and a chain behind it: each sink but the first would block the source.
+    // A fan-out and a chain after it: each sink but the first would block the source.
     const QByteArray sinks = "<action id='a'><source rows='30000'/></action>"
                              "<action id='b'><sink file='/f' access='0'/></action>"
                              "<action id='c'><sink file='/./f' access='1'/></action>"
