@@ -1,11 +1,15 @@
 #!/usr/bin/python3
-"""Run clang-tidy over the sources of a build folder: tidy.py BUILD [--quick] [FOLDER...]
+"""Run clang-tidy over the sources of a build folder: tidy.py BUILD [--quick] [--minutes N] [FOLDER...]
 
 BUILD holds compile_commands.json and the precompiled headers (preset tidy). FOLDER limits the run to sources below it.
-Test programs are left out: the macros of their framework are most of what would be found. A source that passed is not
-checked again until it, a header that it includes, its command or the checks change: BUILD/tidy holds one file per
-passed source, which contains the digest of all of these. --quick leaves out the checks that take two thirds of the time.
+Test programs are left out: the macros of their framework are most of what would be found. --quick leaves out the checks that take
+two thirds of the time. After N minutes no further check begins; the sources of the latest commits come first.
+
+A source that passed is not checked again until it, a header that it includes, its command, the checks or clang-tidy change. The cache
+that remembers this is in ~/.cache/corvanta-tidy, for all clones: an empty file for each digest of all these. System headers do not
+count: after an update of Qt, delete it.
 """
+import argparse
 import concurrent.futures
 import functools
 import hashlib
@@ -15,10 +19,13 @@ import pathlib
 import re
 import subprocess
 import sys
+import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 INCLUDE = re.compile(rb'^[ \t]*#[ \t]*include[ \t]*"([^"\n]+)"', re.MULTILINE)
 FOLDERS = [ROOT / name for name in ("base", "codecs", "host", "io", "panels", "actions", "plugin", "cli", "studio")]
+CACHE = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache") / "corvanta-tidy"
+CACHE_DAYS = 60  # after which a digest that no run needed is removed
 QUICK_CHECKS = "-clang-analyzer-*,-bugprone-*,bugprone-dangling-handle,bugprone-unused-return-value,bugprone-use-after-move"
 INCLUDE_ROOTS = [ROOT, ROOT / "host/include", ROOT / "host/src"]
 
@@ -48,41 +55,61 @@ def is_test(source):
     return source.stem.endswith("_test") or "tests" in source.parts
 
 
+def latest_sources():
+    """The files of the latest commits, the last one first, then those of no such commit."""
+    log = subprocess.run(["git", "-C", ROOT, "log", "-100", "--format=", "--name-only"], capture_output=True, text=True, check=False)
+    names = dict.fromkeys(log.stdout.split("\n"))
+    return {ROOT / name: i for i, name in enumerate(names)}
+
+
 class Lint:
-    def __init__(self, build, checks):
+    def __init__(self, build, quick, minutes):
         self.build = build
-        self.checks = checks  # added to those of .clang-tidy; may be empty
-        self.passed = build / ("tidy-quick" if checks else "tidy")
-        self.passed.mkdir(exist_ok=True)
+        self.quick = quick
+        self.end = time.monotonic() + 60 * minutes
+        self.state = (ROOT / ".clang-tidy").read_bytes() + subprocess.run(["clang-tidy", "--version"], capture_output=True, check=True).stdout
+        self.unchecked = 0
+        CACHE.mkdir(parents=True, exist_ok=True)
 
-    def stamp(self, source):
-        return self.passed / str(source.relative_to(ROOT)).replace("/", "__")
-
-    def digest(self, source, command):
-        state = hashlib.sha256((ROOT / ".clang-tidy").read_bytes() + self.checks.encode() + command.encode())
+    def stamp(self, source, command, quick):
+        """The file that exists when the source passed as it is now. Clones share it: their own folder is no part of the digest."""
+        state = hashlib.sha256(self.state + str(quick).encode() + command.replace(str(ROOT), "").encode())
         for path in read_files(source):
-            state.update(path.read_bytes())
-        return state.hexdigest()
+            state.update(str(path.relative_to(ROOT)).encode() + path.read_bytes())
+        return CACHE / state.hexdigest()
 
     def sources(self, folders):
-        """(source, digest) of each source below the folders that has not passed as it is now."""
+        """(source, command) of each source below the folders that has not passed as it is now."""
         for entry in json.loads((self.build / "compile_commands.json").read_text()):
             source = pathlib.Path(entry["file"])
             if is_test(source) or not any(source.is_relative_to(folder) for folder in folders):
                 continue
-            digest = self.digest(source, entry["command"])
-            stamp = self.stamp(source)
-            if not stamp.exists() or stamp.read_text() != digest:
-                yield source, digest
+            stamp = self.stamp(source, entry["command"], self.quick)
+            if stamp.exists():
+                stamp.touch()
+            else:
+                yield source, entry["command"]
 
-    def check(self, source, digest):
-        """The findings in one source; empty when there are none, and then its stamp is written."""
-        done = subprocess.run(["clang-tidy", "-p", self.build, "--quiet", f"--checks={self.checks}", source],
+    def check(self, source, command):
+        """The findings in one source; empty when there are none or no time is left."""
+        if time.monotonic() > self.end:
+            self.unchecked += 1
+            return ""
+        checks = QUICK_CHECKS if self.quick else ""
+        stamps = [self.stamp(source, command, quick) for quick in {True, self.quick}]  # who passes all, passes the quick ones
+        done = subprocess.run(["clang-tidy", "-p", self.build, "--quiet", f"--checks={checks}", source],
                               capture_output=True, text=True, check=False)
         if done.returncode != 0:
             return done.stdout or done.stderr
-        self.stamp(source).write_text(digest)
+        for stamp in stamps:
+            stamp.touch()
         return ""
+
+
+def remove_old_stamps():
+    for stamp in CACHE.iterdir():
+        if stamp.stat().st_mtime < time.time() - CACHE_DAYS * 86400:
+            stamp.unlink(missing_ok=True)
 
 
 def print_new(text, known):
@@ -95,14 +122,23 @@ def print_new(text, known):
 
 
 def main():
-    words = [word for word in sys.argv[2:] if word != "--quick"]
-    lint = Lint(pathlib.Path(sys.argv[1]).resolve(), QUICK_CHECKS if "--quick" in sys.argv else "")
-    waiting = dict(lint.sources([pathlib.Path(word).resolve() for word in words] or FOLDERS))
+    parser = argparse.ArgumentParser()
+    parser.add_argument("build", type=pathlib.Path)
+    parser.add_argument("folders", type=pathlib.Path, nargs="*", default=FOLDERS)
+    parser.add_argument("--quick", action="store_true")
+    parser.add_argument("--minutes", type=float, default=600)
+    arguments = parser.parse_args()
+    lint = Lint(arguments.build.resolve(), arguments.quick, arguments.minutes)
+    latest = latest_sources()
+    waiting = sorted(lint.sources([folder.resolve() for folder in arguments.folders]), key=lambda item: latest.get(item[0], len(latest)))
     print(f"clang-tidy: {len(waiting)} sources to check", flush=True)
     known = set()
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        for text in pool.map(lambda item: lint.check(*item), waiting.items()):
+        for text in pool.map(lambda item: lint.check(*item), waiting):
             print_new(text, known)
+    if lint.unchecked > 0:
+        print(f"clang-tidy: no time for {lint.unchecked} sources", flush=True)
+    remove_old_stamps()
     return 1 if known else 0
 
 
