@@ -1,6 +1,7 @@
 // The corvanta program: chooses the command and prints help.
 #include "base/nearest_name.h"
 #include "base/platform/terminal.h"
+#include "base/system_error.h"
 #include "command_line.h"
 #include "commands.h"
 #include "failure.h"
@@ -14,7 +15,6 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -202,8 +202,8 @@ CommandResult<void> flushOutput()
         return {};
     }
     // An earlier failure has left no reason.
-    const QString reason =
-        errno == 0 ? QString() : ": "_L1 + QString::fromLocal8Bit(std::strerror(errno));
+    const SystemError error = SystemError::ofLastCall();
+    const QString reason = error ? ": "_L1 + error.text() : QString();
     return Fault{kFailed, u"cannot write to standard output%1"_s.arg(reason)};
 }
 
@@ -217,7 +217,7 @@ ExitStatus runProgram(int argc, char **argv)
     const QCoreApplication application(argc, argv);
     // The application object takes the locale from the environment; numbers in files must not
     // follow it.
-    std::setlocale(LC_NUMERIC, "C");
+    std::setlocale(LC_NUMERIC, "C"); // NOLINT(concurrency-mt-unsafe): no other thread runs yet
     const QStringList words = QCoreApplication::arguments().mid(1);
     QString command;
     const CommandResult<void> done = execute(words, &command);

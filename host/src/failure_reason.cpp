@@ -18,7 +18,7 @@ namespace {
 /// For a file whose folder does not exist.
 QString noFolderText(const QString &file, FileUse use)
 {
-    const QString missing = u"the folder '%1' does not exist"_s.arg(QFileInfo(file).absolutePath());
+    QString missing = u"the folder '%1' does not exist"_s.arg(QFileInfo(file).absolutePath());
     const QFileInfo above = existingAbove(file);
     if (use == FileUse::Write && !above.isDir()) {
         return u"%1, and '%2' is not a folder"_s.arg(missing, above.filePath());

@@ -129,7 +129,7 @@ TargetFile::Done TargetFile::openUnique()
         m_temporary = withSuffix(
             m_target, u"_tmp_%1_%2"_s.arg(QString::number(m_options.action),
                                           QString::number(MainUI::getNearUniqueRandomID())));
-        const Done opened = openFile(m_temporary, MyWriteFile::Existing::Refuse);
+        Done opened = openFile(m_temporary, MyWriteFile::Existing::Refuse);
         // Only a name that is taken is worth another one.
         if (opened || !QFileInfo::exists(m_temporary)) {
             return opened;
@@ -157,7 +157,7 @@ TargetFile::Done TargetFile::openTmp()
         return failed(TargetError::CannotReplace, m_temporary,
                       QFileInfo(m_temporary).isDir() ? EISDIR : errno);
     }
-    const Done opened = openFile(m_temporary, MyWriteFile::Existing::Refuse);
+    Done opened = openFile(m_temporary, MyWriteFile::Existing::Refuse);
     const bool isOwn = opened && m_file->tryLock(m_temporary);
     if (isOwn || (!opened && !QFileInfo::exists(m_temporary))) {
         return opened;

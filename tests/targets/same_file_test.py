@@ -159,7 +159,7 @@ class SameFile(unittest.TestCase):
             pipe.close()
             self.assertEqual(process.wait(timeout=30), 0)
         self.assertEqual((self.sheets(), self.sheets("copy.xlsx")), ({"new": 4}, {"old": 4, "B": 2}))
-        # a reader behind the writer: the old content, or what was written if there is none
+        # a reader after the writer: the old content, or what was written if there is none
         self.run_graph(CSV.format("a"), old, copy.replace("copy", "c2"), links="a0 a1,a1 a2")
         self.assertEqual((self.sheets(), self.sheets("c2.xlsx")), ({"old": 4}, {"new": 4, "B": 4}))
         (self.folder / "z.xlsx").unlink()

@@ -51,7 +51,8 @@ void noteUnknown(const XMLNode &node, const QStringList &known, bool hasElements
     }
 }
 
-/// Notes a number of the graph's own attributes that is none. It is read as far as it is one.
+/// Notes an attribute of the graph itself that should be a number and is not. What it has of a
+/// number at its start is used.
 void noteNumber(const XMLNode &node, const char *attribute, ProblemList &mistakes)
 {
     const char16_t *const text = node.getAttribute(attribute);
