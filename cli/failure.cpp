@@ -9,29 +9,29 @@
 
 namespace {
 
-std::FILE *g_stream = stderr;
-bool g_isJson = false;
+std::FILE *logStream = stderr;
+bool isLogJson = false;
 
 } // namespace
 
 void setFailureStream(std::FILE *stream, bool isJson)
 {
-    g_stream = stream;
-    g_isJson = isJson;
+    logStream = stream;
+    isLogJson = isJson;
 }
 
 void reportFailure(const char *why) noexcept
 {
-    std::fputs(g_isJson
+    std::fputs(isLogJson
                    ? "{\"level\":1,\"severity\":\"error\",\"action\":\"\",\"message\":\"Error: "
                    : "Error: ",
-               g_stream);
+               logStream);
     for (; *why != '\0'; ++why) {
         // Also right for text: a message has one line.
-        std::fputc(*why == '"' || *why == '\\' || *why < ' ' ? '\'' : *why, g_stream);
+        std::fputc(*why == '"' || *why == '\\' || *why < ' ' ? '\'' : *why, logStream);
     }
-    std::fputs(g_isJson ? "\"}\n" : "\n", g_stream);
-    std::fflush(g_stream);
+    std::fputs(isLogJson ? "\"}\n" : "\n", logStream);
+    std::fflush(logStream);
 }
 
 void reportException() noexcept

@@ -16,9 +16,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-std::atomic<int> g_signal = 0;            // the first one; 0: none yet
-std::atomic<Clock::rep> g_signalTime = 0; // of the first one; 0: none yet
-std::atomic<bool> g_endsCleanly = false;  // a CleanEnd exists
+std::atomic<int> caughtSignal = 0;      // the first one; 0: none yet
+std::atomic<Clock::rep> signalTime = 0; // of the first one; 0: none yet
+std::atomic<bool> endsCleanly = false;  // a CleanEnd exists
 
 /// The program ends without destructors: they are not safe in a signal handler.
 [[noreturn]] void endNow(int signal)
@@ -32,12 +32,12 @@ void onSignal(int signal)
     constexpr auto kSameRequest = std::chrono::duration_cast<Clock::duration>(500ms).count();
     const Clock::rep now = Clock::now().time_since_epoch().count();
     int first = 0;
-    if (g_signal.compare_exchange_strong(first, signal)) {
-        g_signalTime = now;
-        if (!g_endsCleanly) {
+    if (caughtSignal.compare_exchange_strong(first, signal)) {
+        signalTime = now;
+        if (!endsCleanly) {
             endNow(signal);
         }
-    } else if (const Clock::rep time = g_signalTime;
+    } else if (const Clock::rep time = signalTime;
                signal == SIGINT && time != 0 && now - time > kSameRequest) {
         endNow(first);
     }
@@ -48,7 +48,7 @@ void watch(const std::stop_token &end, corvanta::Run &run)
 {
     // Short enough for a prompt reaction, long enough to cost nothing.
     constexpr auto kTick = 50ms;
-    const auto isSignalled = [] { return g_signal != 0; };
+    const auto isSignalled = [] { return caughtSignal != 0; };
     std::mutex mutex; // nothing is shared: only `end` wakes this thread before the tick
     std::condition_variable_any wake;
     std::unique_lock lock(mutex);
@@ -69,19 +69,19 @@ void catchStopSignals()
 
 std::optional<ExitStatus> interruption()
 {
-    const int signal = g_signal;
+    const int signal = caughtSignal;
     return signal == 0 ? std::nullopt
                        : std::optional(static_cast<ExitStatus>(kEndedBySignal + signal));
 }
 
 CleanEnd::CleanEnd()
 {
-    g_endsCleanly = true;
+    endsCleanly = true;
 }
 
 CleanEnd::~CleanEnd()
 {
-    g_endsCleanly = false;
+    endsCleanly = false;
 }
 
 SignalWatch::SignalWatch(corvanta::Run &run)

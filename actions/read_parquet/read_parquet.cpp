@@ -1,9 +1,8 @@
 #include "actions/read_parquet/read_parquet.h"
 
 #include "codecs/parquet/metadata/footer.h"
+#include "io/input/kept_pipe.h"
 #include "io/input/whole_input.h"
-
-#include <QFileInfo>
 
 #include <algorithm>
 #include <thread>
@@ -112,19 +111,26 @@ void ActionReadParquet::chooseTypes(const QStringList &files)
         return;
     }
     for (const QString &name : files) {
-        // A pipe can be read only once. Other failures are reported when the file is read.
-        auto input = runIsGood() && (!QFileInfo::exists(name) || QFileInfo(name).isFile())
-                         ? openInput(name, InputFile::Report::Nothing)
-                         : nullptr;
-        if (!input || !input->file.isOpen()) {
-            continue;
-        }
-        if (const auto source = randomAccess(std::move(input))) {
-            if (const auto footer = parquet::readFooter(**source)) {
-                for (const QString &column : parquet::textIntegersOf(*footer)) {
-                    m_options.textIntegers.insert(column);
-                }
-            }
+        addTextIntegers(name);
+    }
+}
+
+/// Failures are reported later, when the file is read.
+void ActionReadParquet::addTextIntegers(const QString &name)
+{
+    // A pipe can be read only once.
+    const bool isReadNow = runIsGood() && !input::isPipe(name);
+    auto input = isReadNow ? openInput(name, InputFile::Report::Nothing) : nullptr;
+    if (!input || !input->file.isOpen()) {
+        return;
+    }
+    const auto source = randomAccess(std::move(input));
+    if (!source) {
+        return;
+    }
+    if (const auto footer = parquet::readFooter(**source)) {
+        for (const QString &column : parquet::textIntegersOf(*footer)) {
+            m_options.textIntegers.insert(column);
         }
     }
 }

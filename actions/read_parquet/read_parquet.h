@@ -47,13 +47,16 @@ private:
     bool prepare();
     bool readSelection();
     bool startSeries();
-    // Types of columns depend on the values. They must be the same in all files.
+    /// Types of columns depend on the values. They must be the same in all files.
     void chooseTypes(const QStringList &files);
+    /// Remember the integers of one file that its values make texts.
+    void addTextIntegers(const QString &name);
 
     // Files.
     // A file that exists but cannot be decoded is unreadable; the series skips it. One that can be
     // decoded but has no columns or rows fails the run.
     FileSeries::Opened openFile(const QString &name) override;
+    /// Without a message if `report` says so; whether it is open is to be checked.
     std::unique_ptr<RunInput> openInput(const QString &name, InputFile::Report report);
     FileSeries::Opened unreadable(const QString &name, const Fault<parquet::Error> &fault,
                                   const QString &systemReason);

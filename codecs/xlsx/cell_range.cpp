@@ -35,6 +35,7 @@ std::optional<Cell> parseCell(QByteArrayView text)
         if (letters == kMaxLetters) {
             return std::nullopt;
         }
+        // A is 1 and not 0, so that AA follows Z.
         column = column * 26 + (text[letters] - 'A') + 1;
     }
     const auto row = opc::partNumber(text.sliced(letters));

@@ -32,6 +32,7 @@ QVector<NameFault> commonFaults(const QString &name)
     if (name.startsWith(u'\'') || name.endsWith(u'\'')) {
         faults << NameFault::Quote;
     }
+    // Sheets with the history of shared workbooks have this name.
     if (name.compare(QStringLiteral("History"), Qt::CaseInsensitive) == 0) {
         faults << NameFault::Reserved;
     }
@@ -49,6 +50,7 @@ bool isReference(const QString &name)
             cell->firstColumn < static_cast<int>(sheet::kMaxColumns));
 }
 
+/// Surrogates stand for letters beyond U+FFFF, which have no test of their own here.
 bool isNameUnit(QChar c)
 {
     return c.isLetterOrNumber() || c.isMark() || c.isSurrogate() || c == u'_' || c == u'.';

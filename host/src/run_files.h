@@ -36,9 +36,11 @@ public:
     /// write one file, because its name depends on the rows, would damage it: false for the second
     /// one, after logging an error.
     bool claim(const QString &file, int action);
+    /// Files that are to be flushed before the run ends.
     UnsyncedNames &unsynced() { return m_unsynced; }
 
 private:
+    /// The action that opened a target first.
     struct Owner
     {
         int action = 0;

@@ -136,6 +136,7 @@ void InputFile::keepPipe()
     if (!m_source || !input::isPipe(m_name)) {
         return;
     }
+    // A pipe that was kept before is recorded already.
     if (m_replayed == nullptr) {
         auto replayed = std::make_unique<input::ReplayedSource>(std::move(m_source));
         m_replayed = replayed.get();
@@ -190,6 +191,7 @@ bool InputFile::seek(qint64 offset)
     if (!m_source || offset < 0 || !m_source->seek(offset)) {
         return false;
     }
+    // In packed files the progress is that of the packed bytes.
     m_position = offset;
     m_progressPosition.store(m_source->progressPosition(), std::memory_order_relaxed);
     return true;
@@ -210,6 +212,7 @@ QString InputFile::memberName() const
     return m_source ? m_source->memberName() : QString();
 }
 
+/// Other kinds unpack from the start for each seek, and a pipe has no size.
 bool InputFile::isRandomAccess() const
 {
     return m_kind == input::Kind::Plain && m_source && m_source->size() >= 0;

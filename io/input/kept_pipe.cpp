@@ -32,6 +32,7 @@ bool isPipe(const QString &path)
 
 qint64 ReplayedSource::read(void *buffer, qint64 n)
 {
+    // First the bytes that an earlier reader took from the pipe.
     const qint64 kept = std::min<qint64>(n, m_bytes.size() - m_at);
     if (kept > 0) {
         std::memcpy(buffer, m_bytes.constData() + m_at, static_cast<size_t>(kept));
@@ -74,6 +75,7 @@ std::unique_ptr<ReplayedSource> takePipe(const QString &path)
 {
     KeptPipes &pipes = keptPipes();
     const std::lock_guard lock(pipes.mutex);
+    // Two readers must not share a pipe: the second one opens it anew.
     auto node = pipes.sources.extract(path);
     return node.empty() ? nullptr : std::move(node.mapped());
 }

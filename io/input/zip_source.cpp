@@ -135,6 +135,7 @@ int fileError(voidpf, voidpf stream)
     return static_cast<ArchiveFile *>(stream)->hasFailed ? -1 : 0;
 }
 
+/// Closes the archive and a member that is open in it.
 struct CloseUnzip
 {
     using pointer = unzFile;
@@ -292,6 +293,7 @@ qint64 ZipSource::read(void *buffer, qint64 n)
     return got > 0 ? got : atEnd();
 }
 
+/// Packed data has no places to start from: unpack again from the first byte.
 bool ZipSource::seek(qint64 offset)
 {
     unzCloseCurrentFile(m_archive.get());
@@ -370,6 +372,7 @@ Result<std::unique_ptr<ArchiveFile>, OpenError> openArchive(const QString &path)
         return Fault{OpenError::CannotOpen, failureReason(path, FileUse::Read, file.fault().code)};
     }
     auto archive = std::make_unique<ArchiveFile>(*std::move(file));
+    // The directory is at the end, so a pipe cannot be read as an archive.
     if (archive->size < 0) {
         return Fault{OpenError::Refused, failureReason(path, FileUse::Read, {ESPIPE})};
     }

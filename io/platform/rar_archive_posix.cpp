@@ -128,6 +128,7 @@ private:
         }
         while (left() > 0) {
             const qint64 got = (*file)->read(piece.data(), std::min<qint64>(left(), kPieceBytes));
+            // 0: the file has become shorter since the archive was opened.
             if (got <= 0) {
                 return unreadable(**file);
             }
@@ -192,6 +193,7 @@ private:
                                        kPieceBytes) != ARCHIVE_OK) {
             return damaged("cannot be unpacked");
         }
+        // Like our header reader, which passes the folders before the first file.
         do {
             if (archive_read_next_header(rar.get(), &entry) != ARCHIVE_OK) {
                 return damaged("cannot be unpacked");

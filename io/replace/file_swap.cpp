@@ -30,6 +30,7 @@ Result<void, FailedRename> rename(const QString &from, const QString &to,
 Result<void, FailedRename> swapFile(const SwapNames &names, const SwapObserver &observer)
 {
     const bool isThere = QFileInfo::exists(names.target);
+    // Nothing to swap: the rename that fails gives the system's reason.
     if (!isThere && !QFileInfo::exists(names.temporary)) {
         return rename(names.target, names.backup, observer);
     }
@@ -38,7 +39,7 @@ Result<void, FailedRename> swapFile(const SwapNames &names, const SwapObserver &
     if (isThere) {
         platform::copyPermissions(names.target, names.temporary);
     }
-    const auto renamed = rename(names.temporary, names.target, observer);
+    auto renamed = rename(names.temporary, names.target, observer);
     if (hasBackup) {
         platform::removeFile(names.backup);
     }

@@ -14,9 +14,11 @@ namespace corvanta {
 class RunSequence
 {
 public:
+    /// Begin a run. No thread waits yet.
     void set(const TargetOrder &order);
     /// Whether the action must wait before it starts. Its input then waits too.
     bool startsLater(int action) const { return !m_startAfter[action].isEmpty(); }
+    /// Whether the action must wait before it replaces its targets.
     bool closesLater(int action) const { return !m_closeAfter[action].isEmpty(); }
 
     /// Wait until the action may start, or the run has ended.
@@ -27,6 +29,7 @@ public:
     void setRead(int action) { set(action, &State::isRead); }
     /// The action is closed: its targets are complete.
     void setClosed(int action) { set(action, &State::isClosed); }
+    /// End all waits whose condition holds now, for example because the run has ended.
     void wakeAll();
 
 private:
