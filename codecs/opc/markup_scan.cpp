@@ -8,6 +8,8 @@
 // Offsets count bytes of the UTF-8 text.
 #include "codecs/opc/markup_scan.h"
 
+#include <QStringDecoder>
+
 #include <array>
 
 namespace corvanta::opc {
@@ -303,6 +305,10 @@ QByteArray qualified(QByteArrayView prefix, QByteArrayView local)
 
 QString decoded(QByteArrayView raw)
 {
+    // Not QString::fromUtf8(), which takes a byte-order mark off the start.
+    const auto utf8 = [](QByteArrayView bytes) -> QString {
+        return QStringDecoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom)(bytes);
+    };
     QString out;
     qsizetype at = 0;
     while (at < raw.size()) {
@@ -311,13 +317,13 @@ QString decoded(QByteArrayView raw)
         if (semicolon < 0) {
             break;
         }
-        out += QString::fromUtf8(raw.sliced(at, ampersand - at));
+        out += utf8(raw.sliced(at, ampersand - at));
         // An unknown reference stays as it is written, beginning with its "&".
         const QString character = entity(raw.sliced(ampersand + 1, semicolon - ampersand - 1));
         out += character.isEmpty() ? QString(QLatin1Char('&')) : character;
         at = character.isEmpty() ? ampersand + 1 : semicolon + 1;
     }
-    return out + QString::fromUtf8(raw.sliced(at));
+    return out + utf8(raw.sliced(at));
 }
 
 QByteArray quotable(QStringView text)

@@ -9,9 +9,11 @@
 
 using namespace Qt::StringLiterals;
 
+// Texts become QString by way of QStringView: fromUtf16() takes a byte-order mark off the start.
+
 QString xmltoa(const char16_t *text, const QString &defaultValue)
 {
-    return text != nullptr ? QString::fromUtf16(text) : defaultValue;
+    return text != nullptr ? QStringView(text).toString() : defaultValue;
 }
 
 long long xmltol(const char16_t *text, long long defaultValue)
@@ -53,7 +55,7 @@ double xmltof(const char16_t *text, double defaultValue)
     }
     // Find the longest beginning that is a number. Try ever shorter beginnings; parameters are
     // short.
-    const QString trimmed = QString::fromUtf16(text).trimmed();
+    const QString trimmed = QStringView(text).trimmed().toString();
     for (qsizetype n = trimmed.size(); n > 0; --n) {
         bool ok = false;
         const double value = QStringView(trimmed).first(n).toDouble(&ok);
@@ -69,7 +71,7 @@ char xmltob(const char16_t *text, char defaultValue)
     if (text == nullptr) {
         return defaultValue;
     }
-    const QString value = QString::fromUtf16(text).trimmed().toLower();
+    const QString value = QStringView(text).trimmed().toString().toLower();
     return value.isEmpty() || value == "0"_L1 || value == "false"_L1 || value == "no"_L1 ? 0 : 1;
 }
 

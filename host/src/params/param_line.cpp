@@ -175,7 +175,7 @@ void ParamLine::readText(void *params, const char16_t *text) const
 {
     switch (m_info.type) {
     case Type::Text:
-        m_value.set(params, QString::fromUtf16(text));
+        m_value.set(params, QStringView(text).toString());
         break;
     case Type::Integer:
         m_value.set(params, qBound(m_info.low, static_cast<qint64>(xmltol(text, 0)), m_info.high));

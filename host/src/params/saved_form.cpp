@@ -184,7 +184,8 @@ void Walk::visitAttributes(const XMLNode &element, const Known &known)
     version.name = u"version"_s;
     version.type = Type::Real;
     for (const QString &name : element.attributeNames()) {
-        const QString text = QString::fromUtf16(element.getAttribute(name.toLatin1().constData()));
+        const QString text =
+            QStringView(element.getAttribute(name.toLatin1().constData())).toString();
         if (const auto *const info = find(known.infos, Place::Attribute, name)) {
             checkValue(element, *info, text);
         } else if (name == version.name) {
