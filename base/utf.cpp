@@ -99,7 +99,8 @@ bool isTruncated(const uchar *in, qsizetype n)
 
 enum class IllFormed { Replace, ReadAsLatin1 };
 
-template <IllFormed kIllFormed> qsizetype convertUtf8(const char *in, qsizetype n, char16_t *out)
+template <IllFormed kIllFormed>
+qsizetype convertUtf8(const char *in, qsizetype n, char16_t *out, qsizetype *illFormed)
 {
     const auto *const bytes = reinterpret_cast<const uchar *>(in);
     char16_t *const begin = out;
@@ -118,6 +119,9 @@ template <IllFormed kIllFormed> qsizetype convertUtf8(const char *in, qsizetype 
                 constexpr bool kReplaces = kIllFormed == IllFormed::Replace;
                 const char16_t instead = kReplaces ? kReplacementCharacter : bytes[i];
                 *out++ = taken != 0 ? static_cast<char16_t>(codePoint) : instead;
+            }
+            if (taken == 0 && illFormed != nullptr) {
+                ++*illFormed;
             }
             i += taken != 0 ? taken : 1;
         }
@@ -144,15 +148,15 @@ qsizetype asciiToUtf16(const char *in, qsizetype n, char16_t *out)
 
 qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out)
 {
-    return convertUtf8<IllFormed::Replace>(in, n, out);
+    return convertUtf8<IllFormed::Replace>(in, n, out, nullptr);
 }
 
-qsizetype utf8OrLatin1ToUtf16(const char *in, qsizetype n, char16_t *out)
+qsizetype utf8OrLatin1ToUtf16(const char *in, qsizetype n, char16_t *out, qsizetype *illFormed)
 {
-    return convertUtf8<IllFormed::ReadAsLatin1>(in, n, out);
+    return convertUtf8<IllFormed::ReadAsLatin1>(in, n, out, illFormed);
 }
 
-qsizetype utf16ToUtf8(const char16_t *in, qsizetype n, char *out)
+qsizetype utf16ToUtf8(const char16_t *in, qsizetype n, char *out, qsizetype *replaced)
 {
     char *const begin = out;
     for (qsizetype i = 0; i < n;) {
@@ -167,11 +171,29 @@ qsizetype utf16ToUtf8(const char16_t *in, qsizetype n, char *out)
                 c = isPair ? QChar::surrogateToUcs4(static_cast<char16_t>(c), in[i])
                            : kReplacementCharacter;
                 i += isPair ? 1 : 0;
+                if (!isPair && replaced != nullptr) {
+                    ++*replaced;
+                }
             }
             out = putUtf8(c, out);
         }
     }
     return out - begin;
+}
+
+qsizetype findLoneSurrogate(const char16_t *in, qsizetype n)
+{
+    qsizetype i = 0;
+    for (; i < n; ++i) {
+        if (!QChar::isSurrogate(in[i])) {
+            continue;
+        }
+        if (!QChar::isHighSurrogate(in[i]) || i + 1 == n || !QChar::isLowSurrogate(in[i + 1])) {
+            break;
+        }
+        ++i;
+    }
+    return i;
 }
 
 qsizetype wellFormedUtf8(const char *in, qsizetype n, Utf8Stop *stop)

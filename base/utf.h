@@ -22,8 +22,9 @@ inline constexpr qsizetype kUtf8BytesPerUnit = 3;
 qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out);
 
 /// Like utf8ToUtf16(), but each byte of an ill-formed sequence becomes the Latin-1 character of its
-/// value.
-qsizetype utf8OrLatin1ToUtf16(const char *in, qsizetype n, char16_t *out);
+/// value and adds 1 to `*illFormed`.
+qsizetype utf8OrLatin1ToUtf16(const char *in, qsizetype n, char16_t *out,
+                              qsizetype *illFormed = nullptr);
 
 /// Widen the ASCII bytes at the start of `in` into `out`; returns how many there are. `out` has
 /// room for `n` units; units after the returned count may be overwritten.
@@ -44,8 +45,12 @@ inline quint32 widenBlock(const char *in, char16_t *out)
 }
 
 /// Convert `n` units of UTF-16 into `out`, which has room for kUtf8BytesPerUnit bytes per unit;
-/// returns the bytes written. Surrogate pairs are combined; a lone surrogate becomes U+FFFD.
-qsizetype utf16ToUtf8(const char16_t *in, qsizetype n, char *out);
+/// returns the bytes written. Surrogate pairs are combined; a lone surrogate becomes U+FFFD and
+/// adds 1 to `*replaced`.
+qsizetype utf16ToUtf8(const char16_t *in, qsizetype n, char *out, qsizetype *replaced = nullptr);
+
+/// The index of the first lone surrogate; `n` without one.
+qsizetype findLoneSurrogate(const char16_t *in, qsizetype n);
 
 /// Write one code point (at most 0x10FFFF) as one to four bytes; returns the end of them.
 inline char *putUtf8(char32_t c, char *out)

@@ -91,6 +91,7 @@ void ActionReadJSON::useTable(const markup::SampledTable &table)
     m_params.levels = table.levels;
     m_params.outputSubTags = m_params.outputSubTags || table.namesAreData;
     m_params.newMode = true; // the paths begin at the document
+    m_params.warnUnread = true;
 }
 
 // ---- Before the first document.
@@ -111,6 +112,7 @@ bool ActionReadJSON::prepare()
     options.keepRoot = m_params.newMode;
     // Reading ahead would take the next row of the pin, while rows of this one are still made.
     options.canReadAhead = !isFromPin();
+    options.countsUnread = m_params.warnUnread;
     LevelRun::Input texts = source();
     texts.column = expandString(m_params.colJSON).trimmed();
     texts.mode = m_params.oneJSONPerRow ? PinText::Mode::RowByRow : PinText::Mode::Stream;

@@ -78,7 +78,8 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
     // The order is that of saved graphs.
     static const ParamTable<P> table{
         sourceOfDocuments(),       addedColumns(),  inputPins(),
-        shared::missingFiles<P>(), errorsAndRoot(), readLevels<P>(&P::levels),
+        shared::missingFiles<P>(), errorsAndRoot(), shared::warnUnread<P>(),
+        readLevels<P>(&P::levels),
     };
     return table;
 }

@@ -258,8 +258,28 @@ void ActionReadParquet::warnSkipped(const QString &name, const QStringList &colu
         warn(u"Warning: The Parquet file '%1' is read without %2\n"_s.arg(name, column));
     }
     if (columns.size() > kMaxReportedColumns) {
-        warn(u"Warning: more columns are left out\n"_s);
+        warn(u"Warning: more columns are left out (%1 more columns of the Parquet file '%2')\n"_s
+                 .arg(QString::number(columns.size() - kMaxReportedColumns), name));
     }
+}
+
+QString ActionReadParquet::lossText(parquet::Loss loss)
+{
+    switch (loss) {
+    case parquet::Loss::Rounded:
+    case parquet::Loss::RoundedUnsigned:
+        return u"Warning: %1 values of the column '%2' of Parquet files are rounded to 53 bits; the first is %3. Use logicalTypes='1' to read them exactly\n"_s;
+    case parquet::Loss::OtherNumber:
+        return u"Warning: %1 INT96 values of the column '%2' of Parquet files are read as other numbers; the first is %3. Use logicalTypes='1' to read them as timestamps\n"_s;
+    case parquet::Loss::ChangedText:
+        return u"Warning: %1 texts of the column '%2' of Parquet files are not UTF-8 and read as Latin-1, or end with zero bytes that are cut; the first is %3\n"_s;
+    case parquet::Loss::None:
+    case parquet::Loss::NegativeKey:
+    case parquet::Loss::MissingKey:
+    case parquet::Loss::WideKey:
+        break;
+    }
+    return u"Warning: %1 values of the column '%2' of Parquet files are negative or too large for a key, and become other keys or missing; the first is %3. Use logicalTypes='1' to read them exactly\n"_s;
 }
 
 /// Report the values that were read as others. Called when no file is open.
@@ -269,12 +289,7 @@ void ActionReadParquet::warnLost()
         if (lost.count == 0) {
             continue;
         }
-        const bool isRounded =
-            lost.loss == parquet::Loss::Rounded || lost.loss == parquet::Loss::RoundedUnsigned;
-        const QString text =
-            isRounded
-                ? u"Warning: %1 values of the column '%2' of Parquet files are rounded to 53 bits; the first is %3. Use logicalTypes='1' to read them exactly\n"_s
-                : u"Warning: %1 values of the column '%2' of Parquet files are negative or too large for a key, and become other keys or missing; the first is %3. Use logicalTypes='1' to read them exactly\n"_s;
+        const QString text = lossText(lost.loss);
         warn(text.arg(QString::number(lost.count), lost.column, lost.first));
     }
 }

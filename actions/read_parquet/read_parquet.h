@@ -63,6 +63,8 @@ private:
     bool checkContent(const QString &name, const parquet::TableReader &table);
     Result<void, parquet::Error> useSkipped(const QString &name, const parquet::TableReader &table);
     void warnSkipped(const QString &name, const QStringList &columns);
+    /// The warning for values that were changed, with places for their count, column and place.
+    static QString lossText(parquet::Loss loss);
     void warnLost();
 
     // Messages of FileSeries. They return true to continue with the next file.

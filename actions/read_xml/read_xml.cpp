@@ -91,6 +91,8 @@ markup::ExtractOptions ActionReadXML::extractOptions() const
     options.presence = m_params.getTagPresenceFlag;
     options.ignoreEmpty = m_params.ignoreEmptyTag;
     options.skip = m_params.skipRows;
+    options.countsUnread = m_params.warnUnread && !m_params.readHTML && !m_params.addOnlyText &&
+                           !m_params.getTagPresenceFlag;
     return options;
 }
 
@@ -142,6 +144,7 @@ void ActionReadXML::useTable(const markup::SampledTable &table)
     m_params.levels = table.levels;
     m_params.addOnlyText = m_params.addOnlyText || table.isPageTable;
     m_params.skipRows = std::max(m_params.skipRows, table.headRows);
+    m_params.warnUnread = !m_params.readHTML;
 }
 
 // ---- Documents.

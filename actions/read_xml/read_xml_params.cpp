@@ -141,7 +141,8 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
     static const ParamTable<P> table{
         sourceOfDocuments(),       file(),          columnsAndText(),
         namesAndDamage(),          tolerance(),     presenceAndPrefixes(),
-        shared::missingFiles<P>(), beforeTheRows(), readLevels<P>(&P::levels),
+        shared::missingFiles<P>(), beforeTheRows(), shared::warnUnread<P>(),
+        readLevels<P>(&P::levels),
     };
     return table;
 }

@@ -119,6 +119,12 @@ void LevelReader::reportUnread(const markup::UnreadParts &unread, const QString 
              "(count: %2, first at %3)\n"_s.arg(name, countOf(unread.bareValues),
                                                 unread.bareValues.first()));
     }
+    if (unread.unreadItems > 0) {
+        warn(u"Warning: values of the records of file '%1' are not read because no item names them "
+             "(count: %2, first '%3' at %4). With a larger autoFillNRows more records are examined "
+             "to find the columns\n"_s.arg(name, QString::number(unread.unreadItems),
+                                           unread.firstUnreadPath, unread.firstUnreadPlace));
+    }
     for (const markup::RepeatedPath &repeated : unread.repeatedPaths) {
         MainUI::addLog(
             MainUI::Info,

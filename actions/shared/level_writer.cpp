@@ -132,6 +132,9 @@ void LevelWriter::start()
         m_run->frame.encoding, [this](const void *bytes, qint64 n) {
             return (m_run->target.isOpen() || openFile()) && write(bytes, n);
         });
+    if (m_run->frame.replacesUnknown) {
+        m_run->block->replaceUnknown();
+    }
 }
 
 bool LevelWriter::begin(const OneRow &columns)
@@ -160,6 +163,15 @@ bool LevelWriter::makeComposer(const OneRow &columns)
         return false;
     }
     reportEqualKeys(*levels, columns);
+    for (const compose::ComposeLevel &level : *levels) {
+        for (const compose::ComposeOperation &item : level.operations) {
+            for (const compose::ComposeOperation::Column &column : item.columns) {
+                if (column.before.size() > 0) {
+                    m_run->keys.emplace_back(column.before.view(), columns.colName(column.input));
+                }
+            }
+        }
+    }
     m_run->composer =
         std::make_unique<compose::LevelComposer>(*std::move(levels), valueRules(), *m_run->block);
     return true;
@@ -188,6 +200,7 @@ bool LevelWriter::writeRow(const OneRow &row)
         return false;
     }
     m_run->hasRow = true;
+    m_run->block->beginRow(rowNumber());
     // Composing reports no failures itself; the block keeps the first one.
     m_run->composer->putRow(row.view());
     return m_run->block->failure() == compose::TextBlock::Failure::None || checkBlock();
@@ -288,8 +301,30 @@ bool LevelWriter::endFile()
     if (!writeText(lastLine + expandString(m_run->frame.suffix))) {
         return false;
     }
+    reportReplaced();
     return m_run->target.commit() ||
            failWith(WriteProblem::CannotWrite, {}, reasonOf(m_run->target));
+}
+
+/// The column is the one whose key or tag is the last before the character. Values without either
+/// have no name in the text.
+void LevelWriter::reportReplaced()
+{
+    const std::u16string_view before = m_run->block->textBeforeReplaced();
+    if (m_run->block->replaced().count == 0) {
+        return;
+    }
+    QString name;
+    size_t last = 0;
+    for (const auto &[key, column] : m_run->keys) {
+        const size_t at = before.rfind(key);
+        if (at != std::u16string_view::npos && at + key.size() > last) {
+            last = at + key.size();
+            name = column;
+        }
+    }
+    warn(replacedMessage(m_run->block->replaced(), m_run->target.target(), name));
+    m_run->block->resetReplaced();
 }
 
 void LevelWriter::complete()

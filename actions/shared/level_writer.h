@@ -13,6 +13,8 @@ namespace corvanta {
 struct FileFrame
 {
     compose::Encoding encoding = compose::Encoding::Utf8;
+    /// See TextBlock::replaceUnknown().
+    bool replacesUnknown = false;
     /// Before the prefix, encoded. Not written to a file that is appended to.
     std::string head;
     /// At the start of the file. Expanded before it is written, like the suffix.
@@ -84,6 +86,8 @@ private:
         std::unique_ptr<compose::TextBlock> block;
         bool hasFile = false; // some file was opened
         bool hasRow = false;  // some row was selected
+        // What is written before the values of columns, and the names of these, for messages.
+        std::vector<std::pair<std::u16string, QString>> keys;
         // Null until the columns are known.
         std::unique_ptr<compose::LevelComposer> composer;
     };
@@ -95,6 +99,8 @@ private:
     bool makeComposer(const OneRow &columns);
     /// Warn about columns that one item writes with the same key.
     void reportEqualKeys(const std::vector<compose::ComposeLevel> &levels, const OneRow &columns);
+    /// Warn about characters that the file cannot hold.
+    void reportReplaced();
     // Functions that return bool return true for success; otherwise the run has failed or ended.
     /// Open targetName() and write what comes before the elements.
     bool openFile();

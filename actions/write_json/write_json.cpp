@@ -60,8 +60,37 @@ void ActionWriteJSON::start()
     LevelWriter::start();
 }
 
+QVector<ParameterProblem> ActionWriteJSON::problems() const
+{
+    QVector<ParameterProblem> problems = LevelWriter::problems();
+    if (problems.isEmpty() && !compose::printsJsonNumber(m_params.floatToString)) {
+        problems.append(
+            {u"floatToString"_s,
+             u"'%1' prints numbers that JSON does not have"_s.arg(m_params.floatToString),
+             ParameterProblem::Severity::Warning});
+    }
+    return problems;
+}
+
+/// Kept for saved graphs: such numbers are written, unlike in workbooks.
+void ActionWriteJSON::warnNumbers(const OneRow &columns)
+{
+    if (compose::printsJsonNumber(m_params.floatToString)) {
+        return;
+    }
+    for (int i = 0; i < columns.numberOfColumns(); ++i) {
+        if (columns.getMetaType(i).type() == MetaInfo::Float) {
+            warn(
+                u"Warning: writing to JSON file '%1': the format '%2' prints numbers that JSON does not have, for example in column '%3'\n"_s
+                    .arg(fileName(), m_params.floatToString, columns.colName(i)));
+            return;
+        }
+    }
+}
+
 bool ActionWriteJSON::prepareColumns(const OneRow &columns)
 {
+    warnNumbers(columns);
     if (!m_params.splitFile) {
         return true;
     }
@@ -84,11 +113,10 @@ bool ActionWriteJSON::prepareColumns(const OneRow &columns)
 /// Kept for saved graphs: a warning at the level of errors, after which the run continues.
 void ActionWriteJSON::warnUnsorted()
 {
-    MainUI::addLog(
-        MainUI::Error,
+    warn(
         u"Warning writing to multiple JSON files: the input table is not sorted on the column '%1'. This may have unexpected consequences."_s
-            .arg(m_params.splitCol));
-    m_warningFlag = 1;
+            .arg(m_params.splitCol),
+        {}, MainUI::Error);
 }
 
 bool ActionWriteJSON::prepareRow(const OneRow &row)

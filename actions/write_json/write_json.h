@@ -17,6 +17,7 @@ class ActionWriteJSON final : public ParamAction<ActionWriteJSON, WriteJsonParam
 {
 public:
     ActionWriteJSON(const XMLNode &saved, GlobalParameters *parameters);
+    QVector<ParameterProblem> problems() const override;
     static const ParamTable<WriteJsonParams> &paramTable() { return writeJsonParamTable(); }
     static void adjustDefaults(WriteJsonParams &params, double savedVersion)
     {
@@ -43,6 +44,8 @@ private:
     /// The name of the file for rows with this part.
     QString splitName(const QString &part) const;
     void warnUnsorted();
+    /// About a floatToString whose numbers are not JSON.
+    void warnNumbers(const OneRow &columns);
 
     // Index in the input; -1: the table is not split.
     int m_splitColumn = -1;

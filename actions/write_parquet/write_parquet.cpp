@@ -100,9 +100,10 @@ bool ActionWriteParquet::failTarget(const Output &output, const Fault<TargetErro
     switch (fault.code) {
     case TargetError::CannotReplace:
         return fail(u"Cannot delete previous file '%1'."_s.arg(fault.detail), reason);
+    case TargetError::Locked:
+        return failLocked(fault.detail);
     case TargetError::CannotOpen:
-    case TargetError::Locked: // these two are of files that are extended
-    case TargetError::Stopped:
+    case TargetError::Stopped: // logs nothing
         return failWith(WriteProblem::CannotOpen, fault.detail, reason);
     case TargetError::CannotWrite:
         return failWith(WriteProblem::CannotWrite, fault.detail, reason);
@@ -303,7 +304,7 @@ bool ActionWriteParquet::closeOutput(const QString &value)
     const std::shared_ptr<Output> output = m_run->outputs.take(value);
     m_run->output.reset();
     const auto finished = output->writer->finish();
-    addNegativeKeys(*output);
+    addChanged(*output);
     output->writer.reset(); // before its target is closed
     if (!finished) {
         // No longer in `outputs`, so release() would not keep it.
@@ -370,8 +371,11 @@ void ActionWriteParquet::complete()
         warn(u"Warning: the Parquet file '%1' is not written: no row is selected.\n"_s.arg(
             fileName()));
     }
-    QStringList values = m_run->outputs.keys();
-    values.sort(); // so that the first failure does not depend on the order of a hash table
+    // Not outputs.keys(), whose allocation Qt does not check.
+    std::vector<QString> values(m_run->outputs.keyBegin(), m_run->outputs.keyEnd());
+    std::sort(
+        values.begin(),
+        values.end()); // so that the first failure does not depend on the order of a hash table
     for (const QString &value : values) {
         if (!closeOutput(value)) {
             m_run->outputs.clear(); // discards the others
@@ -379,33 +383,46 @@ void ActionWriteParquet::complete()
         }
     }
     warnOldSegments();
-    warnNegativeKeys();
+    warnChanged();
 }
 
-void ActionWriteParquet::addNegativeKeys(const Output &output)
+void ActionWriteParquet::ChangedColumn::add(const parquet::ChangedValues &found,
+                                            const QString &file)
+{
+    if (found.count > 0 && count == 0) {
+        first = u"in row %1 of the file '%2'"_s.arg(QString::number(found.firstRow), file);
+    }
+    count += found.count;
+}
+
+void ActionWriteParquet::addChanged(const Output &output)
 {
     m_run->negativeKeys.resize(m_run->columns.size());
+    m_run->replacedTexts.resize(m_run->columns.size());
     for (size_t i = 0; i < m_run->columns.size(); ++i) {
-        const parquet::NegativeKeys &found = output.writer->negativeKeys(i);
-        NegativeColumn &column = m_run->negativeKeys[i];
-        if (found.count > 0 && column.count == 0) {
-            column.first = u"in row %1 of the file '%2'"_s.arg(QString::number(found.firstRow),
-                                                               output.target.target());
-        }
-        column.count += found.count;
+        const parquet::ColumnWriter &column = output.writer->column(i);
+        m_run->negativeKeys[i].add(column.negativeKeys(), output.target.target());
+        m_run->replacedTexts[i].add(column.replacedTexts(), output.target.target());
     }
 }
 
-/// Kept for saved graphs: our reader returns the keys as they were, but other programs do not.
-void ActionWriteParquet::warnNegativeKeys()
+/// Negative keys are kept for saved graphs: our reader returns them as they were, but other
+/// programs do not.
+void ActionWriteParquet::warnChanged()
 {
     for (size_t i = 0; i < m_run->negativeKeys.size(); ++i) {
-        const NegativeColumn &keys = m_run->negativeKeys[i];
+        const QString name = QString::fromUtf8(m_run->columns[i].name);
+        const ChangedColumn &keys = m_run->negativeKeys[i];
         if (keys.count > 0) {
             warn(
                 u"Warning: %1 keys of the column '%2' are above 2147483647 and stored as negative numbers; the first is %3. Use keyStorage='2' to store them as they are\n"_s
-                    .arg(QString::number(keys.count), QString::fromUtf8(m_run->columns[i].name),
-                         keys.first));
+                    .arg(QString::number(keys.count), name, keys.first));
+        }
+        const ChangedColumn &texts = m_run->replacedTexts[i];
+        if (texts.count > 0) {
+            warn(
+                u"Warning: %1 texts of the column '%2' have characters that a Parquet file cannot hold, which are replaced by U+FFFD; the first is %3\n"_s
+                    .arg(QString::number(texts.count), name, texts.first));
         }
     }
 }

@@ -39,11 +39,12 @@ private:
         TargetFile target;
         std::unique_ptr<parquet::FileWriter> writer;
     };
-    /// The keys of a column that became negative numbers, in all files of the run.
-    struct NegativeColumn
+    /// Values of a column that are not stored as they are, in all files of the run.
+    struct ChangedColumn
     {
         qint64 count = 0;
         QString first = {};
+        void add(const parquet::ChangedValues &found, const QString &file);
     };
     /// State of one run, recreated by start(). Outputs use the compressor, so they are destroyed
     /// first.
@@ -58,7 +59,8 @@ private:
         // Names given so far: a later file of the run must not replace an earlier one.
         QSet<QString> targets;
         // By column; the place is row and file.
-        std::vector<NegativeColumn> negativeKeys;
+        std::vector<ChangedColumn> negativeKeys;
+        std::vector<ChangedColumn> replacedTexts;
         // Its threads are shared by all open files.
         std::unique_ptr<parquet::PageCompressor> compressor;
         // Open files by split value; one with an empty value when the table is not split by value.
@@ -98,8 +100,8 @@ private:
     /// The existing files that have the names of further segments of those that were written.
     QStringList oldSegments() const;
     void warnOldSegments();
-    void addNegativeKeys(const Output &output);
-    void warnNegativeKeys();
+    void addChanged(const Output &output);
+    void warnChanged();
     // Fail the run with the message for a fault.
     bool failTarget(const Output &output, const Fault<TargetError> &fault);
     bool failWriter(const Output &output, const Fault<parquet::Error> &fault);

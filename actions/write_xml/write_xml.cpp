@@ -62,8 +62,12 @@ FileFrame ActionWriteXML::frame() const
                    : u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     const compose::Encoding encoding =
         isWide ? compose::Encoding::Utf16Le : compose::Encoding::Utf8;
-    return {encoding, compose::encode(head, encoding), m_params.prefix,
-            m_params.humanReadable ? u"\n"_s : QString(), m_params.suffix};
+    return {encoding,
+            m_params.wellFormed,
+            compose::encode(head, encoding),
+            m_params.prefix,
+            m_params.humanReadable ? u"\n"_s : QString(),
+            m_params.suffix};
 }
 
 } // namespace corvanta

@@ -87,7 +87,7 @@ TEST(Escapes, AreThoseOfTheSyntax)
     EXPECT_EQ(escapedByVectors<JsonStrictEscapes>(text + u"\r\t\x7F"),
               u"a\\\"b\\\\c\\nd<e>f&g'h\\u0001\\r\\t\x7F");
     EXPECT_EQ(escapedByVectors<XmlStrictEscapes>(text + u"\r\t\xFFFF"),
-              u"a&quot;b\\c&#10;d&lt;e&gt;f&amp;g'h\uFFFD&#13;&#9;\uFFFD");
+              u"a&quot;b\\c&#10;d&lt;e&gt;f&amp;g'h\xFFFF&#13;&#9;\xFFFF");
 }
 
 TEST(TextBlock, DrainsPieceByPieceWithoutLosingAnything)

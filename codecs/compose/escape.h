@@ -125,8 +125,9 @@ struct XmlAttributeEscapes
 
 /// Text of elements and attributes that an XML 1.0 parser returns unchanged: line ends and tabs are
 /// written as character references, which the normalisation of line ends (2.11) and attribute
-/// values (3.3.3) leaves alone. Characters that XML 1.0 does not have (2.2) become U+FFFD. ">" is
-/// escaped because of "]]>". Lone surrogates are left to the encoder.
+/// values (3.3.3) leaves alone. ">" is escaped because of "]]>". Characters that XML 1.0 does not
+/// have (2.2) become U+FFFF, another one of them, which TextBlock::replaceUnknown() counts and
+/// replaces, as lone surrogates.
 struct XmlStrictEscapes
 {
     static __m128i specials(__m128i units)
@@ -134,9 +135,7 @@ struct XmlStrictEscapes
         const __m128i markup =
             _mm_or_si128(XmlTextEscapes::specials(units),
                          _mm_or_si128(sameUnit(units, u'>'), sameUnit(units, u'"')));
-        const __m128i unknown =
-            _mm_or_si128(sameUnit(units, u'\xFFFE'), sameUnit(units, u'\xFFFF'));
-        return _mm_or_si128(_mm_or_si128(markup, controlUnits(units)), unknown);
+        return _mm_or_si128(_mm_or_si128(markup, controlUnits(units)), sameUnit(units, u'\xFFFE'));
     }
     static std::u16string_view replacement(char16_t unit)
     {
@@ -151,12 +150,11 @@ struct XmlStrictEscapes
             return u"&#10;";
         case u'\r':
             return u"&#13;";
-        // Not characters of XML, unlike the others of Unicode's non-characters.
+        // Not a character of XML, unlike the other non-characters of Unicode.
         case u'\xFFFE':
-        case u'\xFFFF':
-            return u"\uFFFD";
+            return u"\xFFFF";
         default:
-            return unit < u' ' ? u"\uFFFD" : XmlTextEscapes::replacement(unit);
+            return unit < u' ' ? u"\xFFFF" : XmlTextEscapes::replacement(unit);
         }
     }
     static constexpr qsizetype kWorst = 6;

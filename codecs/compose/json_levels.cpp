@@ -9,7 +9,13 @@
 // Brackets and braces come from text items. Syntax: RFC 8259.
 #include "codecs/compose/json_levels.h"
 
+#include "base/number.h"
 #include "codecs/compose/escape.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -142,6 +148,19 @@ std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringLis
         makeItem(JsonItem::Text, u"}"_s),
     };
     return {level};
+}
+
+bool printsJsonNumber(const QString &format)
+{
+    static const QRegularExpression number(
+        u"^\\s*-?(0|[1-9][0-9]*)(\\.[0-9]+)?([eE][+-]?[0-9]+)?\\s*$"_s);
+    FloatFormat numbers;
+    return numbers.set(format) &&
+           std::ranges::all_of(std::array{0.0, 1.0, -2.5, 1e300}, [&](double v) {
+               QByteArray text;
+               numbers.append(v, &text);
+               return number.match(QString::fromUtf8(text)).hasMatch();
+           });
 }
 
 } // namespace corvanta::compose

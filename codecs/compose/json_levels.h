@@ -32,4 +32,8 @@ LevelCompiler::Levels compileJsonLevels(const std::vector<WriteLevel> &levels,
 /// `toWrite`, which the other choice ignores.
 std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringList &toWrite);
 
+/// Whether a format of FloatFormat::set() prints numbers as JSON has them (RFC 8259, section 6),
+/// apart from spaces around them.
+bool printsJsonNumber(const QString &format);
+
 } // namespace corvanta::compose

@@ -10,6 +10,8 @@
 
 #include <QChar>
 
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <bit>
 
@@ -23,6 +25,26 @@ namespace {
 /// cache; only a longer piece uses more of the block.
 constexpr qsizetype kUsualUnits = 96 * 1024;
 constexpr qsizetype kHalfBytes = TextBlock::kBlockBytes / 2;
+
+/// Units at the start that are below the surrogates.
+qsizetype countKnown(const char16_t *units, qsizetype n)
+{
+    constexpr qsizetype kStep = 8;
+    const __m128i highest = _mm_set1_epi16(static_cast<short>(0xD7FF));
+    qsizetype i = 0;
+    // The difference saturates at 0.
+    for (; i + kStep <= n; i += kStep) {
+        const __m128i above =
+            _mm_subs_epu16(_mm_loadu_si128(reinterpret_cast<const __m128i *>(units + i)), highest);
+        if (_mm_movemask_epi8(_mm_cmpeq_epi16(above, _mm_setzero_si128())) != 0xFFFF) {
+            break;
+        }
+    }
+    while (i < n && units[i] < 0xD800) {
+        ++i;
+    }
+    return i;
+}
 
 } // namespace
 
@@ -82,13 +104,48 @@ void TextBlock::append(const FixedText &text)
     }
 }
 
+void TextBlock::countReplaced(qsizetype n, qsizetype first)
+{
+    if (m_replaced.count == 0) {
+        const auto next = std::find_if(m_rows.begin(), m_rows.end(),
+                                       [&](const Row &row) { return row.start > first; });
+        const Row row = next == m_rows.begin() ? Row{0, 0} : *(next - 1);
+        m_replaced.firstRow = row.number;
+        m_textBefore.assign(m_units + row.start, m_units + first);
+    }
+    m_replaced.count += n;
+}
+
+void TextBlock::replaceUnknown(qsizetype units)
+{
+    constexpr char16_t kUnknown = 0xFFFF;
+    for (qsizetype at = 0; at < units; ++at) {
+        at += countKnown(m_units + at, units - at);
+        if (at == units) {
+            return;
+        }
+        const bool isSurrogate = QChar::isSurrogate(m_units[at]);
+        if (isSurrogate &&
+            findLoneSurrogate(m_units + at, std::min<qsizetype>(2, units - at)) > 1) {
+            ++at; // the second half of a pair
+        } else if (isSurrogate || m_units[at] == kUnknown) {
+            countReplaced(1, at);
+            m_units[at] = kReplacementCharacter;
+        }
+    }
+}
+
 bool TextBlock::drainUtf8(qsizetype units)
 {
     constexpr qsizetype kPiece = kHalfBytes / kUtf8BytesPerUnit;
     for (qsizetype at = 0; at < units;) {
         qsizetype n = std::min(kPiece, units - at);
         n -= n == kPiece && QChar::isHighSurrogate(m_units[at + n - 1]) ? 1 : 0;
-        const qsizetype bytes = utf16ToUtf8(m_units + at, n, m_block.get());
+        qsizetype replaced = 0;
+        const qsizetype bytes = utf16ToUtf8(m_units + at, n, m_block.get(), &replaced);
+        if (replaced != 0) {
+            countReplaced(replaced, at + findLoneSurrogate(m_units + at, n));
+        }
         if (!m_drain(m_block.get(), bytes)) {
             return false;
         }
@@ -103,6 +160,9 @@ void TextBlock::drain(Rest rest)
     const bool keepsOne =
         rest == Rest::Follows && m_fill != 0 && QChar::isHighSurrogate(m_units[m_fill - 1]);
     const qsizetype units = keepsOne ? m_fill - 1 : m_fill;
+    if (m_replacesUnknown) {
+        replaceUnknown(units);
+    }
     const bool done =
         units == 0 || (m_encoding == Encoding::Utf8
                            ? drainUtf8(units)
@@ -114,6 +174,10 @@ void TextBlock::drain(Rest rest)
     }
     m_units[0] = keepsOne ? m_units[units] : m_units[0];
     m_fill = keepsOne ? 1 : 0;
+    // The last row goes on.
+    if (!m_rows.empty()) {
+        m_rows.assign(1, {0, m_rows.back().number});
+    }
 }
 
 void TextBlock::drainAll()

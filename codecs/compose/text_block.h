@@ -3,6 +3,8 @@
 // Cells are UTF-16, so escaping and comparing them needs no conversion; a whole block is encoded in
 // one pass, which is faster than cell by cell. Sizes are in units unless they say bytes.
 #pragma once
+#include "base/replaced_characters.h"
+
 #include <QtGlobal>
 
 #include <cstring>
@@ -10,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace corvanta::compose {
 
@@ -94,6 +97,25 @@ public:
     /// The same for a text whose copy needs no loop.
     void append(const FixedText &text);
 
+    /// What follows belongs to the row `number`. For the place of replaced characters only.
+    void beginRow(qint64 number)
+    {
+        if (!m_rows.empty() && m_rows.back().start == m_fill) {
+            m_rows.back().number = number;
+        } else {
+            m_rows.push_back({m_fill, number});
+        }
+    }
+    /// Characters of drained text that the file cannot hold, since resetReplaced(): lone surrogates
+    /// in UTF-8 and, with replaceUnknown(), in UTF-16, and U+FFFF.
+    const ReplacedCharacters &replaced() const { return m_replaced; }
+    /// The text from the beginning of its row to the first of them, as far as it was in the block.
+    const std::u16string &textBeforeReplaced() const { return m_textBefore; }
+    void resetReplaced() { m_replaced = {}; }
+    /// Replace U+FFFF, which escapes write in place of what XML does not have, and lone surrogates
+    /// also in UTF-16.
+    void replaceUnknown() { m_replacesUnknown = true; }
+
     /// Whether all appended text has been drained.
     bool isEmpty() const { return m_fill == 0; }
     Failure failure() const { return m_failure; }
@@ -110,6 +132,8 @@ private:
     /// Drain all text but a first half of a surrogate pair that more text may complete.
     void drain(Rest rest);
     bool drainUtf8(qsizetype units);
+    void replaceUnknown(qsizetype units);
+    void countReplaced(qsizetype n, qsizetype first);
 
     Encoding m_encoding;
     Drain m_drain; // not called after it failed
@@ -118,6 +142,16 @@ private:
     qsizetype m_fill = 0; // units of text that are not drained yet
     qsizetype m_drainAt;  // fill at which reserve() drains; -1 after a failure
     Failure m_failure = Failure::None;
+
+    struct Row
+    {
+        qsizetype start;
+        qint64 number;
+    };
+    std::vector<Row> m_rows; // of the text in the block
+    ReplacedCharacters m_replaced;
+    std::u16string m_textBefore;
+    bool m_replacesUnknown = false;
 };
 
 } // namespace corvanta::compose

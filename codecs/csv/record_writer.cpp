@@ -25,17 +25,30 @@ inline void RecordWriter::reserve(size_t bytes)
 }
 
 /// Appends a text that is not missing, with quotes if it needs them.
-void RecordWriter::addText(const char16_t *units, qsizetype n)
+void RecordWriter::addText(const char16_t *units, qsizetype n, int column)
 {
     reserve(static_cast<size_t>(n) * 3 + 1);
     char *const out = m_buffer.data() + m_used;
-    const qsizetype size = utf16ToUtf8(units, n, out);
+    qsizetype replaced = 0;
+    const qsizetype size = utf16ToUtf8(units, n, out, &replaced);
+    if (replaced != 0) [[unlikely]] {
+        countReplaced(replaced, column);
+    }
     const char *const end = out + size;
     const size_t begin = m_used;
     m_used += static_cast<size_t>(size);
     if (n == 0 || findFirstOf(out, end, m_separator, '"', '\n', '\r') != end) {
         addQuoted(begin);
     }
+}
+
+void RecordWriter::countReplaced(qsizetype n, int column)
+{
+    if (m_replaced.count == 0) {
+        m_replaced.firstRow = m_row;
+        m_replacedColumn = column;
+    }
+    m_replaced.count += n;
 }
 
 /// Puts the text from `begin` to the end of the buffer in quotes and doubles its quotes.
@@ -62,13 +75,13 @@ void RecordWriter::addNames(const RowView &row)
 {
     for (int i = 0; i < row.columns; ++i) {
         const QString &name = row.names[i];
-        addText(reinterpret_cast<const char16_t *>(name.utf16()), name.size());
+        addText(reinterpret_cast<const char16_t *>(name.utf16()), name.size(), i);
         m_buffer[m_used++] = i + 1 < row.columns ? m_separator : '\n';
     }
 }
 
 /// Appends a cell, and reserves the byte for its separator.
-inline void RecordWriter::addCell(cell::Type type, const uchar *bytes)
+inline void RecordWriter::addCell(cell::Type type, const uchar *bytes, int column)
 {
     reserve(kNumberChars + 1);
     char *const out = m_buffer.data() + m_used;
@@ -86,7 +99,7 @@ inline void RecordWriter::addCell(cell::Type type, const uchar *bytes)
     case cell::Type::Text: {
         const cell::Text text = cell::readText(bytes);
         if (!text.isMissing()) {
-            addText(text.data(), text.size());
+            addText(text.data(), text.size(), column);
         }
         break;
     }
@@ -95,8 +108,9 @@ inline void RecordWriter::addCell(cell::Type type, const uchar *bytes)
 
 void RecordWriter::addRow(const RowView &row)
 {
+    ++m_row;
     for (int i = 0; i < row.columns; ++i) {
-        addCell(row.type(i), row.cells[i]);
+        addCell(row.type(i), row.cells[i], i);
         m_buffer[m_used++] = i + 1 < row.columns ? m_separator : '\n';
     }
 }

@@ -5,6 +5,7 @@
 // if it contains the separator, a quote, CR or LF.
 // Threads: one at a time per object.
 #pragma once
+#include "base/replaced_characters.h"
 #include "base/row_view.h"
 
 #include <QByteArrayView>
@@ -32,17 +33,26 @@ public:
     bool isFull() const { return m_used >= kBlockBytes; }
     void clear() { m_used = 0; }
 
+    /// The lone surrogates of all names and texts so far.
+    const ReplacedCharacters &replaced() const { return m_replaced; }
+    /// Index of the column with the first one.
+    int firstReplacedColumn() const { return m_replacedColumn; }
+
 private:
     static constexpr size_t kBlockBytes = size_t(1) << 20;
 
     void reserve(size_t bytes);
-    void addCell(cell::Type type, const uchar *bytes);
-    void addText(const char16_t *units, qsizetype n);
+    void addCell(cell::Type type, const uchar *bytes, int column);
+    void addText(const char16_t *units, qsizetype n, int column);
+    void countReplaced(qsizetype n, int column);
     void addQuoted(size_t begin);
 
     char m_separator;
     std::vector<char> m_buffer;
     size_t m_used = 0;
+    qint64 m_row = 0; // from 1; 0: the names
+    ReplacedCharacters m_replaced;
+    int m_replacedColumn = 0;
 };
 
 } // namespace corvanta::csv

@@ -247,9 +247,9 @@ bool ActionBase::setFailed() noexcept
     return false;
 }
 
-void ActionBase::warn(const QString &text, const QString &reason)
+void ActionBase::warn(const QString &text, const QString &reason, MainUI::LogLevel level)
 {
-    MainUI::addLog(MainUI::Warning, text);
+    MainUI::addLog(level, text);
     logReason(reason);
     m_warningFlag = 1;
 }

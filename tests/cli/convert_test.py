@@ -232,6 +232,60 @@ class Levels(Case):
         said = self.convert("late.jsonl", "out.csv", "--reader", "autoFillNRows=1")
         self.assertRegex(said, r"path 'id' in file '.*late.jsonl' are not read \(count: 1, first at line 2, column 10\)")
 
+    def test_values_that_first_appear_after_the_sample_are_counted(self):
+        warning = ("Warning: values of the records of file '%s' are not read because no item names them (count: %s, first '%s' at line %s). "
+                   "With a larger autoFillNRows more records are examined to find the columns")
+        nested = {"total": 3, "orders": [{"id": 1, "lines": [{"p": 1}, {"p": 2}], "notes": [{"n": 1}, {"n": 2}]}]}
+        more = {"id": 2, "new": 1, "lines": [{"p": 1, "q": 2}], "notes": [{"n": 1, "m": 2}]}
+        for name, known, late, expected in (
+                # a name, list items, a value in place of an object, an object in place of a value, an inner name; null is no value
+                ("late.jsonl", '{"a":1,"t":[1],"o":{"x":1}}\n' * 2,
+                 '{"b":5,"t":[1,2,3],"o":7}\n{"a":{"z":1},"c":null,"t":null,"o":{"x":1,"y":{"q":2}}}\n', (6, "b", "3, column 3")),
+                # attributes, elements and text; an empty element and a name space have no value
+                ("late.xml", "<s>\n<r i='1'><a>1</a></r>\n<r i='2'><a>1</a></r>\n",
+                 "<r i='2' j='3' xmlns='u'>text<a k='1'>1</a><b/><c>3</c></r></s>", (4, ".", "4, column 2")),
+                # of two levels; what the sample has left out is not counted again
+                ("nest.json", json.dumps(nested)[:-2], ",\n" + json.dumps(more) + "]}", (2, "new", "2, column 12"))):
+            records = ("--reader", "autoFillNRows=2" if name != "nest.json" else "autoFillNRows=1")
+            self.put(name, known + late)
+            self.assertIn(warning % (self.folder / name, *expected), said := self.convert(name, "out.csv", *records))
+            self.assertNotIn("are not read", self.convert(name, "out.csv").replace("Repeated parts of the records that are not read", "")
+                             .replace("Values outside of the records that are not read", "").replace(" single values", ""), said)
+
+    def test_characters_that_the_target_cannot_hold_are_counted(self):
+        self.put("lone.json", r'[{"a":"x","b":"ok"},{"a":"y\ud800z","b":"\udc00\ud83d\ude00"},{"a":"\u0001","b":"q"}]')
+        replaced = "characters that the file '%s' cannot hold are replaced by U+FFFD (count: %d, first in row 2 of column 'a')"
+        for name, options, count in (("out.csv", (), 2), ("out.json", (), 2), ("out.xml", (), 3),
+                                     ("out.xml", ("--writer", "charMode=2"), 3), ("out.xml", ("--writer", "wellFormed=0"), 2)):
+            self.assertIn(replaced % (self.folder / name, count), self.convert("lone.json", name, *options))
+        self.assertEqual(self.content("out.csv").decode(), "a,b\nx,ok\ny\ufffdz,\ufffd\U0001f600\n\x01,q\n")
+        self.assertIn('<R  a="\ufffd" b="q"/>', (self.convert("lone.json", "out.xml"), self.content("out.xml").decode())[1])
+        wide = ("--writer", "charMode=2", "--writer", "wellFormed=0")  # UTF-16 has lone halves
+        self.assertEqual(self.convert("lone.json", "out.xml", *wide), "")
+        self.assertIn("1 texts of the column 'a' have characters that a Parquet file cannot hold, which are replaced by U+FFFD; the first is "
+                      f"in row 2 of the file '{self.folder}/out.parquet'", self.convert("lone.json", "out.parquet"))
+
+    def test_texts_of_parquet_files_that_are_changed_are_counted(self):
+        self.put("in.csv", "a,b\nplain,x\nodd~,y\n\u00e9,zero~\n")
+        self.convert("in.csv", "in.parquet", "--writer", "codec=1", "--writer", "dictionaryPages=0", "--writer", "statistics=0")
+        for name, byte, row, text in (("a", b"\xff", 2, "odd\u00ff"), ("b", b"\0", 3, "zero")):
+            word = text.encode("latin-1").strip(b"\xff") + b"~"
+            self.put("changed.parquet", self.content("in.parquet").replace(word, word[:-1] + byte))
+            self.assertRegex(self.convert("changed.parquet", "out.csv"),
+                             f"1 texts of the column '{name}' of Parquet files are not UTF-8 and read as Latin-1, or end with zero bytes "
+                             f"that are cut; the first is in row {row} of the file")
+            self.assertIn(text, self.content("out.csv").decode())
+
+    def test_int96_values_that_become_other_numbers_are_counted(self):
+        # two days, whose times are 0; the first byte of the second one decides about the sign of the first
+        times = b"".join(bytes(8) + day.to_bytes(4, "little") for day in (2457755, 2457786))
+        self.put("in.parquet", (CORPUS / "parquet/dates.parquet").read_bytes().replace(times, times[:12] + b"\x80" + times[13:]))
+        strict = ("--reader", "logicalTypes=0")
+        said = self.convert("in.parquet", "out.csv", *strict)
+        self.assertRegex(said, "[12] INT96 values of the column 'TimestampTypeChecker' of Parquet files are read as other numbers; the first is")
+        self.assertIn("Use logicalTypes='1' to read them as timestamps", said)
+        self.assertEqual(self.convert("in.parquet", "out.csv"), "")
+
     def test_a_large_buffer_is_not_larger_than_the_file(self):
         self.put("small.json", '[{"a":1}]')
         program = subprocess.Popen([CORVANTA, "convert", "small.json", "out.csv", "--reader", "bufferSize=2047"], cwd=self.folder)

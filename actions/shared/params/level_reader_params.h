@@ -26,6 +26,8 @@ struct LevelReaderParams
     bool abortIfMissing = true;
     /// Retries of a missing file, one second apart; negative: no limit.
     int timeOut = 0;
+    /// Warn about parts of the occurrences that no item reads.
+    bool warnUnread = false;
     /// Outermost first. Empty: nothing to read; `fillFromInput` can then derive them.
     std::vector<ReadLevel> levels;
 };
@@ -55,6 +57,14 @@ template <class P> Param<P> documentFile(const std::string &kinds)
 template <class P> ParamGroup<P> missingFiles()
 {
     return {abortIfMissing<P>(), timeOut<P>()};
+}
+
+template <class P> Param<P> warnUnread()
+{
+    return flag<P>("warnUnread", &P::warnUnread)
+        .label("Warn about values that are not read")
+        .meaning("Logs a warning with the number of elements, attributes and list values of the "
+                 "occurrences that no item reads. Not for HTML.");
 }
 
 } // namespace shared

@@ -43,6 +43,10 @@ const ParamTable<ReadLevel> &readLevelTable()
         children("e", &ReadLevel::items, itemTable())
             .label("Columns")
             .meaning("The output columns, one element each."),
+        strings("LeftOut", &ReadLevel::leftOut)
+            .label("Parts left out")
+            .meaning(
+                "Paths of parts that are left out on purpose: warnUnread does not count them."),
     };
     return table;
 }

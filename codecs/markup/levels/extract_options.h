@@ -34,6 +34,8 @@ struct ExtractOptions
     /// More documents may follow in the same source, and can be read to decide how the first one is
     /// read. Off for texts that arrive one by one.
     bool canReadAhead = true;
+    /// Count what the occurrences have and no item reads. Not for HTML, presence or allText.
+    bool countsUnread = false;
     /// Occurrences of the first level to skip at the start of each document.
     int skip = 0;
 };

@@ -1,6 +1,7 @@
 // Describes which repeated elements of a document become rows, and which values become columns.
 #pragma once
 #include <QString>
+#include <QStringList>
 
 #include <vector>
 
@@ -27,6 +28,8 @@ struct Level
     /// Name of the occurrences; empty: every sub-element.
     QString subtagName;
     std::vector<LevelItem> items;
+    /// Paths, from the occurrence, of what is left out on purpose.
+    QStringList leftOut = {};
     bool operator==(const Level &) const = default;
 };
 

@@ -28,14 +28,28 @@ LevelExtractor::LevelExtractor(const std::vector<Level> &levels, const ExtractOp
         state->firstColumn = column;
         column += static_cast<int>(level.items.size()) + (options.outputSubTags ? 1 : 0);
         state->paths.countRepeats(m_countsUnread);
+        state->paths.countUnread(options.countsUnread);
+        for (const QString &path : level.leftOut) {
+            state->paths.ignore(parsePath(path, syntax));
+        }
         if (!m_levels.empty()) {
-            m_levels.back()->paths.add(state->initialPath);
+            addInner(&m_levels.back()->paths, *state);
         }
         m_levels.push_back(std::move(state));
     }
     m_reader = std::make_unique<OccurrenceReader>(*m_levels.front(), options, m_unread);
     m_cells.resize(static_cast<size_t>(column), cell::missingTextCell());
     beginFile();
+}
+
+/// Add the container of the level `inner` to the paths of the level before. Its occurrences have
+/// paths of their own.
+void LevelExtractor::addInner(PathSet *paths, const LevelState &inner)
+{
+    paths->add(inner.initialPath);
+    std::vector<PathStep> occurrence = inner.initialPath;
+    occurrence.push_back({.name = inner.subtag, .anyName = inner.subtag.empty()});
+    paths->ignore(occurrence);
 }
 
 QStringList LevelExtractor::columnNames() const
@@ -145,6 +159,7 @@ UnreadParts LevelExtractor::unread() const
     for (size_t i = 0; i < m_levels.size(); ++i) {
         const LevelState &state = *m_levels[i];
         const std::vector<LevelItem> &items = state.level.items;
+        unread.unreadItems += state.paths.unread();
         for (size_t path = 0; path < state.paths.size(); ++path) {
             const bool isItem = path < items.size();
             addRepeats(isItem ? items[path].path : m_levels[i + 1]->level.initialPath,
@@ -190,6 +205,9 @@ void LevelExtractor::enterLevels(size_t level, quint32 occurrence, CellArena &la
         if (m_countsUnread && (isText || state.paths.hasNewRepeats())) {
             countUnread(state, found, isText);
         }
+        if (m_options.countsUnread) {
+            placeUnread(state);
+        }
         if (isLast(level)) {
             return;
         }
@@ -212,6 +230,24 @@ void LevelExtractor::countUnread(LevelState &state, std::span<const quint32> fou
         m_unread.bareValues.add(
             [&] { return m_reader->placeOf(tree().first(state.occurrence, ItemKind::Text)); });
     }
+}
+
+/// Store where the first part is that no item reads.
+inline void LevelExtractor::placeUnread(LevelState &state)
+{
+    const std::optional<quint32> first = state.paths.takeFirstUnread();
+    if (!first || !m_unread.firstUnreadPlace.isEmpty()) {
+        return;
+    }
+    QStringList names;
+    for (quint32 at = *first; at != state.occurrence; at = tree().item(at).parent) {
+        const bool isAttribute = tree().item(at).kind == ItemKind::Attribute;
+        const std::u16string name = decoded(tree().raw(at));
+        names.prepend((isAttribute ? u"@"_s : QString()) + QStringView(name).toString());
+    }
+    // "." is the text of the occurrence itself.
+    m_unread.firstUnreadPath = names.isEmpty() ? u"."_s : names.join(u'/');
+    m_unread.firstUnreadPlace = m_reader->placeOf(*first);
 }
 
 inline void LevelExtractor::fillCells(LevelState &state, std::span<const quint32> found,

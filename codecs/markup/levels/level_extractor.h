@@ -65,6 +65,8 @@ private:
     void enterLevels(size_t level, quint32 occurrence, CellArena &lastArena);
     void fillCells(LevelState &state, std::span<const quint32> found, CellArena &arena);
     void countUnread(LevelState &state, std::span<const quint32> found, bool isText);
+    void placeUnread(LevelState &state);
+    static void addInner(PathSet *paths, const LevelState &inner);
     static void addRepeats(const QString &path, const PathSet::Repeats &repeats,
                            UnreadParts *unread);
     bool hasFoundItems() const;

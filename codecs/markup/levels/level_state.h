@@ -46,7 +46,7 @@ struct LevelState
     {
         wasFound.assign(paths.size(), false);
         occurred = false;
-        paths.resetRepeats();
+        paths.resetCounts();
         containerFound = initialPath.empty();
     }
 

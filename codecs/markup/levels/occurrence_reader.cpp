@@ -29,6 +29,7 @@ OccurrenceReader::OccurrenceReader(LevelState &first, const ExtractOptions &opti
     , m_keepRoot(options.keepRoot)
     , m_isHtml(options.text.html)
     , m_canReadAhead(options.canReadAhead)
+    , m_countsUnread(options.countsUnread)
     , m_unread(unread)
     , m_path(first.initialPath)
 {
@@ -40,7 +41,7 @@ void OccurrenceReader::beginFile()
 {
     m_documents = Documents::Undecided;
     m_path.resetRepeats();
-    m_rootPath.resetRepeats();
+    m_rootPath.resetCounts();
 }
 
 void OccurrenceReader::beginDocument(MarkupTokenizer &tokenizer)
@@ -284,8 +285,10 @@ OccurrenceReader::Documents OccurrenceReader::classifyValue()
 bool OccurrenceReader::hasItemInside(quint32 member)
 {
     m_first.paths.countRepeats(false); // it is only a question
+    m_first.paths.countUnread(false);
     const std::span<const quint32> found = m_first.paths.resolve(*m_tree, member);
     m_first.paths.countRepeats(true);
+    m_first.paths.countUnread(m_countsUnread);
     return std::any_of(found.begin(), found.end(),
                        [&](quint32 item) { return item != MarkupTree::kNone && item != member; });
 }

@@ -90,6 +90,7 @@ private:
     bool m_keepRoot;
     bool m_isHtml;
     bool m_canReadAhead;
+    bool m_countsUnread;
     UnreadParts &m_unread;
     PlaceText m_placeText = markup::placeText;
     PathFollower m_path;

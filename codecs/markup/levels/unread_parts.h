@@ -27,6 +27,11 @@ struct UnreadParts
     /// Occurrences that are a single text, in which no item of their level was found: rows without
     /// a cell.
     Occurrences bareValues;
+    /// Elements and attributes of occurrences that no item reads; the place of the first, with its
+    /// path from the occurrence. Only with ExtractOptions::countsUnread.
+    qint64 unreadItems = 0;
+    QString firstUnreadPath;
+    QString firstUnreadPlace;
     /// Bytes after a NUL that ended the data; its place is `nulPlace`.
     qint64 bytesAfterNul = 0;
     QString nulPlace;

@@ -272,7 +272,9 @@ void TableFinder::addColumns(Draft *draft, size_t top, size_t shape) const
     } else if (at.hasText && !at.holdsOthers() && at.maxInParent <= kIndexedValues) {
         addIndexed(draft, top, shape);
     } else if (at.hasText || at.holdsOthers()) {
-        draft->table.leftOut << pathTo(draft->record, at.isItem ? at.parent : shape);
+        const size_t leftOut = at.isItem ? at.parent : shape;
+        draft->table.leftOut << pathTo(draft->record, leftOut);
+        draft->table.levels.back().leftOut << pathTo(top, leftOut);
     }
 }
 

@@ -25,13 +25,23 @@ PathSet::PathSet()
 
 size_t PathSet::add(const std::vector<PathStep> &steps)
 {
-    quint32 at = 0;
     m_steps.emplace_back();
+    const quint32 at = addSteps(steps, static_cast<quint32>(m_pathCount), &m_steps.back());
+    m_nodes[at]->paths.push_back(m_pathCount);
+    m_found.resize(++m_pathCount, MarkupTree::kNone);
+    return m_pathCount - 1;
+}
+
+/// Returns the node at the end of the steps. `path` is the number of the path that ends there, or
+/// kNone.
+quint32 PathSet::addSteps(const std::vector<PathStep> &steps, quint32 path, Trail *trail)
+{
+    quint32 at = 0;
     for (size_t i = 0; i < steps.size(); ++i) {
         Node &node = *m_nodes[at];
         const auto same = std::find_if(node.edges.begin(), node.edges.end(),
                                        [&](const Edge &edge) { return edge.step == steps[i]; });
-        m_steps.back().emplace_back(at, static_cast<quint32>(same - node.edges.begin()));
+        trail->emplace_back(at, static_cast<quint32>(same - node.edges.begin()));
         if (same != node.edges.end()) {
             same->onlyPath = kNone; // a second path uses the edge
             at = same->node;
@@ -42,15 +52,23 @@ size_t PathSet::add(const std::vector<PathStep> &steps)
             node.attributeEdges.push_back(static_cast<quint32>(node.edges.size()));
         }
         at = static_cast<quint32>(m_nodes.size());
-        const bool isLast = i + 1 == steps.size();
-        node.edges.push_back({steps[i], at, isLast ? static_cast<quint32>(m_pathCount) : kNone});
+        node.edges.push_back({steps[i], at, i + 1 == steps.size() ? path : kNone});
         node.indexes.push_back(steps[i].index);
         setMostRead(node);
         m_nodes.push_back(std::make_unique<Node>());
     }
-    m_nodes[at]->paths.push_back(m_pathCount);
-    m_found.resize(++m_pathCount, MarkupTree::kNone);
-    return m_pathCount - 1;
+    return at;
+}
+
+void PathSet::ignore(const std::vector<PathStep> &steps)
+{
+    Trail trail;
+    m_nodes[addSteps(steps, kNone, &trail)]->isIgnored = true;
+    if (!trail.empty()) {
+        Node &last = *m_nodes[trail.back().first];
+        last.edges[trail.back().second].isIgnored = true;
+        setMostRead(last);
+    }
 }
 
 /// For each edge without an index: the highest index of the edges with its name, plus one.
@@ -59,7 +77,7 @@ void PathSet::setMostRead(Node &node)
     node.mostRead.assign(node.edges.size(), kNone);
     for (size_t i = 0; i < node.edges.size(); ++i) {
         const PathStep &step = node.edges[i].step;
-        if (step.isIndexed || step.isAttribute()) {
+        if (step.isIndexed || step.isAttribute() || node.edges[i].isIgnored) {
             continue;
         }
         node.mostRead[i] = 1;
@@ -82,8 +100,10 @@ PathSet::Repeats PathSet::repeatsOf(size_t path) const
     return all;
 }
 
-void PathSet::resetRepeats()
+void PathSet::resetCounts()
 {
+    m_unread = 0;
+    m_firstUnread.reset();
     for (const std::unique_ptr<Node> &node : m_nodes) {
         for (Edge &edge : node->edges) {
             edge.repeats = 0;
@@ -118,17 +138,82 @@ void PathSet::visit(const MarkupTree &tree, Visit at)
         // An attribute has priority over a child.
         m_found[path] = m_found[path] == MarkupTree::kNone ? at.element : m_found[path];
     }
+    const bool counts = m_countsUnread && !node.isIgnored;
     if (node.edges.empty() || tree.item(at.element).kind != ItemKind::Child) {
         return;
     }
-    walkChildren(tree, at);
-    if (!node.attributeEdges.empty()) {
+    const TreeItem &element = tree.item(at.element);
+    if (counts) {
+        if (element.count(ItemKind::Text) > 0) {
+            addUnreadText(tree, at);
+        }
+        walkChildren<true>(tree, at);
+    } else {
+        walkChildren<false>(tree, at);
+    }
+    if (!node.attributeEdges.empty() || (counts && element.count(ItemKind::Attribute) > 0)) {
         findAttributes(tree, at);
     }
 }
 
+/// Whether a child that the edge selects is read or counted elsewhere, as a repeat. Only items of
+/// lists have an index: further ones are in no column.
+inline bool PathSet::isRead(const Node &node, quint32 edge) const
+{
+    const Edge &of = node.edges[edge];
+    return m_left[edge] == 0 || !of.step.isIndexed || of.isIgnored;
+}
+
+/// Count an element or an attribute, if it has a value.
+void PathSet::addUnread(const MarkupTree &tree, quint32 item)
+{
+    const TreeItem &node = tree.item(item);
+    if (node.kind == ItemKind::Attribute) {
+        if (tree.raw(item).view().starts_with("xmlns")) {
+            return; // declares a name space
+        }
+    } else if (node.count(ItemKind::Child) == 0 && node.count(ItemKind::Attribute) == 0 &&
+               node.count(ItemKind::Clear) == 0) {
+        const quint32 text = tree.first(item, ItemKind::Text);
+        if (text == MarkupTree::kNone || tree.raw(text).view() == "null") {
+            return;
+        }
+    }
+    if (m_unread++ == 0) {
+        m_firstUnread = item;
+    }
+}
+
+/// The text of an element that is only a container for the paths. That of the element where they
+/// begin counts only next to others: alone it is a value among records, see UnreadParts.
+void PathSet::addUnreadText(const MarkupTree &tree, Visit at)
+{
+    const quint32 text = tree.first(at.element, ItemKind::Text);
+    const bool isValue = text != MarkupTree::kNone && tree.raw(text).view() != "null";
+    const bool isAlone = tree.item(at.element).count(ItemKind::Child) == 0;
+    if (m_nodes[at.node]->paths.empty() && isValue && (at.node != 0 || !isAlone) &&
+        m_unread++ == 0) {
+        m_firstUnread = at.element;
+    }
+}
+
+/// All that an element has besides its text, which a path reads.
+inline void PathSet::addUnreadInside(const MarkupTree &tree, quint32 element)
+{
+    const TreeItem &node = tree.item(element);
+    if (node.kind != ItemKind::Child) {
+        return;
+    }
+    for (const ItemKind kind : {ItemKind::Child, ItemKind::Attribute}) {
+        quint32 item = node.count(kind) == 0 ? MarkupTree::kNone : tree.first(element, kind);
+        for (; item != MarkupTree::kNone; item = tree.sibling(item)) {
+            addUnread(tree, item);
+        }
+    }
+}
+
 /// The path or paths through `node` found `item`.
-void PathSet::reach(quint32 node, quint32 item)
+void PathSet::reach(const MarkupTree &tree, quint32 node, quint32 item)
 {
     if (!m_nodes[node]->edges.empty()) {
         m_open.push_back({node, item});
@@ -137,12 +222,15 @@ void PathSet::reach(quint32 node, quint32 item)
     for (const size_t path : m_nodes[node]->paths) {
         m_found[path] = item;
     }
+    if (m_countsUnread && !m_nodes[node]->isIgnored) {
+        addUnreadInside(tree, item);
+    }
 }
 
 /// Compare the children of an element with the edges of a node, until every edge has its child or,
 /// to find repeats, to the end.
 // NOLINTNEXTLINE(readability-function-size): the lambda counts as depth; it belongs to its loop
-void PathSet::walkChildren(const MarkupTree &tree, Visit at)
+template <bool countsUnread> void PathSet::walkChildren(const MarkupTree &tree, Visit at)
 {
     Node &node = *m_nodes[at.node];
     m_left = node.indexes;
@@ -163,7 +251,11 @@ void PathSet::walkChildren(const MarkupTree &tree, Visit at)
                 }
             }
         };
+        bool isReadBySome = false;
         for (const quint32 number : node.children.matchesOf(name, collectMatches)) {
+            if constexpr (countsUnread) {
+                isReadBySome = isReadBySome || isRead(node, number);
+            }
             // The index of the step has not been reached yet. Below zero the count wraps around, so
             // a step selects one child only.
             if (m_left[number]-- > 0) {
@@ -174,9 +266,15 @@ void PathSet::walkChildren(const MarkupTree &tree, Visit at)
             const Edge &edge = node.edges[number];
             if (edge.onlyPath != kNone) {
                 m_found[edge.onlyPath] = child;
+                if constexpr (countsUnread) {
+                    addUnreadInside(tree, child);
+                }
             } else {
-                reach(edge.node, child);
+                reach(tree, edge.node, child);
             }
+        }
+        if (countsUnread && !isReadBySome) {
+            addUnread(tree, child);
         }
     }
     if (m_countsRepeats && skipped) {
@@ -224,7 +322,11 @@ void PathSet::findAttributes(const MarkupTree &tree, Visit at)
                 }
             }
         };
-        for (const quint32 number : node.attributes.matchesOf(name, collectMatches)) {
+        const NameMemory::Matches &matches = node.attributes.matchesOf(name, collectMatches);
+        if (m_countsUnread && !node.isIgnored && matches.empty()) {
+            addUnread(tree, attribute);
+        }
+        for (const quint32 number : matches) {
             for (const size_t path : m_nodes[node.edges[number].node]->paths) {
                 const quint32 found = m_found[path];
                 const bool isFirst =

@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 #include <span>
 #include <utility>
 #include <vector>
@@ -55,7 +56,18 @@ public:
     /// Of all steps of the path with this number.
     Repeats repeatsOf(size_t path) const;
     /// Count from 0 again, for the next file.
-    void resetRepeats();
+    void resetCounts();
+
+    // Elements, attributes and texts that lookups pass by. A part inside another one that is passed
+    // by does not count.
+
+    /// Count them in later lookups. Off by default.
+    void countUnread(bool on) { m_countsUnread = on; }
+    /// What is at this path, and all inside it, does not count.
+    void ignore(const std::vector<PathStep> &steps);
+    qint64 unread() const { return m_unread; }
+    /// The first item that counted, if it was found since the last call.
+    std::optional<quint32> takeFirstUnread() { return std::exchange(m_firstUnread, std::nullopt); }
 
 private:
     static constexpr quint32 kNone = ~quint32(0);
@@ -67,6 +79,8 @@ private:
         quint32 node = 0;
         /// The only path through `node`, which ends there.
         quint32 onlyPath = kNone;
+        /// The node is an ignored one.
+        bool isIgnored = false;
         qint64 repeats = 0;
         QString firstRepeat = {};
     };
@@ -90,6 +104,8 @@ private:
         std::vector<quint32> mostRead;
         /// Numbers of the edges whose step is "@name".
         std::vector<quint32> attributeEdges;
+        /// What is here and inside does not count as unread.
+        bool isIgnored = false;
         NameMemory children;
         NameMemory attributes;
     };
@@ -102,15 +118,25 @@ private:
 
     // Each of these continues the lookup from a node that an element reached.
     void visit(const MarkupTree &tree, Visit at);
-    void walkChildren(const MarkupTree &tree, Visit at);
+    template <bool countsUnread> void walkChildren(const MarkupTree &tree, Visit at);
     void addRepeats(const MarkupTree &tree, Visit at);
     static void setMostRead(Node &node);
-    void reach(quint32 node, quint32 item);
+    void reach(const MarkupTree &tree, quint32 node, quint32 item);
     void findAttributes(const MarkupTree &tree, Visit at);
+
+    using Trail = std::vector<std::pair<quint32, quint32>>;
+    quint32 addSteps(const std::vector<PathStep> &steps, quint32 path, Trail *trail);
+    bool isRead(const Node &node, quint32 edge) const;
+    void addUnread(const MarkupTree &tree, quint32 item);
+    void addUnreadText(const MarkupTree &tree, Visit at);
+    void addUnreadInside(const MarkupTree &tree, quint32 element);
 
     std::vector<std::unique_ptr<Node>> m_nodes;
     /// By path: the node and the edge of each step.
-    std::vector<std::vector<std::pair<quint32, quint32>>> m_steps;
+    std::vector<Trail> m_steps;
+    bool m_countsUnread = false;
+    qint64 m_unread = 0;
+    std::optional<quint32> m_firstUnread;
     bool m_countsRepeats = false;
     std::vector<NewRepeat> m_newRepeats;
     size_t m_pathCount = 0;

@@ -16,6 +16,7 @@
 #include "codecs/parquet/read/logical_text.h"
 
 #include <bit>
+#include <cmath>
 #include <cstring>
 
 namespace corvanta::parquet {
@@ -75,8 +76,14 @@ void convertTexts(std::span<const std::string_view> values, CellBlock &block)
     TextCells cells(block, values.size(), bytes);
     for (size_t i = 0; i < values.size(); ++i) {
         const qsizetype n = withoutZeros(values[i]);
-        block.texts[i] = cells.add(
-            n, [&](char16_t *out) { return utf8OrLatin1ToUtf16(values[i].data(), n, out); });
+        qsizetype changed = static_cast<qsizetype>(values[i].size()) - n;
+        block.texts[i] = cells.add(n, [&](char16_t *out) {
+            return utf8OrLatin1ToUtf16(values[i].data(), n, out, &changed);
+        });
+        if (changed != 0) [[unlikely]] {
+            block.changed.resize(values.size());
+            block.changed[i] = 1;
+        }
     }
 }
 
@@ -199,11 +206,29 @@ void markLost(const uchar *values, qsizetype n, CellBlock &block, IsLost &&isLos
     }
 }
 
+/// The rounding that every 96-bit number may suffer does not count.
+void markInt96(const uchar *values, qsizetype n, CellBlock &block)
+{
+    constexpr double kRounding = 1e-15;
+    for (qsizetype i = 0; i < n; ++i) {
+        const uchar *const value = values + i * 12;
+        const double stored = static_cast<double>(loadLE<qint64>(value + 4)) * 4294967296.0 +
+                              static_cast<double>(loadLE<quint32>(value));
+        if (std::abs(fromInt96(value) - stored) > std::abs(stored) * kRounding) {
+            block.changed.resize(static_cast<size_t>(n));
+            block.changed[static_cast<size_t>(i)] = 1;
+        }
+    }
+}
+
 void markLost(Loss loss, const uchar *values, qsizetype n, CellBlock &block)
 {
     switch (loss) {
     case Loss::None:
+    case Loss::ChangedText: // convertTexts() marks them
         return;
+    case Loss::OtherNumber:
+        return markInt96(values, n, block);
     case Loss::NegativeKey:
         return markLost<qint32>(values, n, block, [](qint32 v) { return v < 0; });
     case Loss::MissingKey:

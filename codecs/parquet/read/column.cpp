@@ -164,6 +164,9 @@ bool isOurs(const FileMetaData &file)
 /// The values that a conversion does not keep.
 Loss lossOf(const FileMetaData &file, const SchemaElement &element, Form form)
 {
+    if (form == Form::Text) {
+        return Loss::ChangedText;
+    }
     if (isOurs(file)) {
         return Loss::None; // the keys are as they were in the table
     }
@@ -179,6 +182,8 @@ Loss lossOf(const FileMetaData &file, const SchemaElement &element, Form form)
         return isUnsigned(element, 64, kUint64) ? Loss::RoundedUnsigned : Loss::Rounded;
     case Form::DoubleFromUint64:
         return Loss::RoundedUnsigned;
+    case Form::DoubleFromInt96:
+        return Loss::OtherNumber;
     default:
         return Loss::None;
     }

@@ -100,6 +100,10 @@ enum class Loss : quint8 {
     /// Signed or unsigned 64 bits in a double: those that are rounded.
     Rounded,
     RoundedUnsigned,
+    /// 96 bits in a double: those that become another number, not only a rounded one.
+    OtherNumber,
+    /// Bytes in a text: those that are not UTF-8, and those with zero bytes at the end.
+    ChangedText,
 };
 
 /// A column that can be read.

@@ -172,6 +172,18 @@ TEST(CellBlock, Int96TakesItsSignFromTheNextByte)
     values[12] = 0x7F;
     convertFixed(columnOf(Form::DoubleFromInt96, kInt96, 12), values.data(), 1, block);
     EXPECT_EQ(loadNative<double>(block.cell(0)), 5 * 4294967296.0 - 2);
+    // Values that become other numbers are marked.
+    Column column = columnOf(Form::DoubleFromInt96, kInt96, 12);
+    column.loss = Loss::OtherNumber;
+    convertFixed(column, values.data(), 1, block);
+    EXPECT_EQ(block.changed, std::vector<uchar>{1}); // the low part is not negative
+    storeLE(qint32(2), values.data());
+    reserveRows(column, 2, block);
+    convertFixed(column, values.data(), 1, block);
+    EXPECT_TRUE(block.changed.empty());
+    values[12] = 0x80;
+    convertFixed(column, values.data(), 2, block);
+    EXPECT_EQ(block.changed, (std::vector<uchar>{1, 0}));
 }
 
 TEST(CellBlock, NumbersOfEveryFormAreConverted)

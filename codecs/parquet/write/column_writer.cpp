@@ -101,7 +101,7 @@ bool ColumnWriter::add(const uchar *cell)
         return true;
     }
     if (key >= m_firstNegativeKey) {
-        countNegativeKey();
+        count(&m_negativeKeys);
     }
     if (m_column.storage == Storage::KeyAsInt64) {
         addNumber(static_cast<quint64>(key));
@@ -139,7 +139,12 @@ bool ColumnWriter::addText(const uchar *cell)
     }
     constexpr size_t kMaxBytesPerUnit = 3;
     char *plain = room(kLengthBytes + static_cast<size_t>(text.size()) * kMaxBytesPerUnit);
-    const auto n = static_cast<size_t>(utf16ToUtf8(text.data(), text.size(), plain + kLengthBytes));
+    qsizetype replaced = 0;
+    const auto n =
+        static_cast<size_t>(utf16ToUtf8(text.data(), text.size(), plain + kLengthBytes, &replaced));
+    if (replaced != 0) [[unlikely]] {
+        count(&m_replacedTexts);
+    }
     storeLE(static_cast<quint32>(n), plain);
     if (n + kLengthBytes + 1 > m_capacity) {
         return false;
@@ -184,10 +189,11 @@ void ColumnWriter::addNull()
     addRow(0);
 }
 
-void ColumnWriter::countNegativeKey()
+/// Count the value of the current row.
+void ColumnWriter::count(ChangedValues *changed) const
 {
-    if (m_negativeKeys.count++ == 0) {
-        m_negativeKeys.firstRow = m_finishedRows + static_cast<qint64>(m_levels.size()) + 1;
+    if (changed->count++ == 0) {
+        changed->firstRow = m_finishedRows + static_cast<qint64>(m_levels.size()) + 1;
     }
 }
 

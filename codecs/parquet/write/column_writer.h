@@ -72,8 +72,8 @@ struct ValueRange
     bool isKnown = true;
 };
 
-/// The keys that are stored as negative numbers: with KeyAsInt32 those from 2^31 on.
-struct NegativeKeys
+/// Values that are not stored as they are.
+struct ChangedValues
 {
     qint64 count = 0;
     /// Row of the first one in the file, from 1; 0 without one.
@@ -109,8 +109,12 @@ public:
     /// The range of the row group's values. Maintained only with statistics.
     const ValueRange &range() const { return m_range; }
     const WriterColumn &column() const { return m_column; }
-    /// Of all row groups so far.
-    const NegativeKeys &negativeKeys() const { return m_negativeKeys; }
+    // Of all row groups so far.
+
+    /// Keys that are stored as negative numbers: with KeyAsInt32 those from 2^31 on.
+    const ChangedValues &negativeKeys() const { return m_negativeKeys; }
+    /// Texts with lone surrogates, which UTF-8 does not have: U+FFFD is stored for each.
+    const ChangedValues &replacedTexts() const { return m_replacedTexts; }
 
 private:
     // addNumber() and addText() store the PLAIN value after the used bytes of m_values. addValue()
@@ -119,7 +123,7 @@ private:
     template <class T> void addNumber(T value);
     void addValue(size_t bytes);
     void addNull();
-    void countNegativeKey();
+    void count(ChangedValues *changed) const;
     void addRow(uchar level);
     void updateRange(const char *value, size_t n);
     char *room(size_t bytes);
@@ -131,8 +135,9 @@ private:
     const WriteOptions m_options;
     const size_t m_capacity;          // maximum size in bytes of a page's values
     const size_t m_maxRows;           // of a page
-    const quint32 m_firstNegativeKey; // see NegativeKeys
-    NegativeKeys m_negativeKeys;
+    const quint32 m_firstNegativeKey; // see negativeKeys()
+    ChangedValues m_negativeKeys;
+    ChangedValues m_replacedTexts;
     qint64 m_finishedRows = 0; // in finished pages, of all row groups
     PageCompressor &m_compressor;
     std::vector<uchar> m_levels; // one per row of the open page: 1 for a value, 0 for a null

@@ -33,11 +33,8 @@ public:
     /// Number of bytes written so far. Grows by whole row groups.
     qint64 bytesWritten() const { return m_position; }
 
-    /// The keys of a column (0-based) that became negative numbers so far.
-    const NegativeKeys &negativeKeys(size_t column) const
-    {
-        return m_columns[column].negativeKeys();
-    }
+    /// A column (0-based), which counts what it does not store as it is.
+    const ColumnWriter &column(size_t index) const { return m_columns[index]; }
 
 private:
     // The size of the row group, which decides where it ends.

@@ -76,8 +76,10 @@ public:
     /// see logReason(). Nothing is logged once the run was stopped: files and pipes then fail
     /// because of the stop.
     bool fail(const QString &text, const QString &reason = {});
-    /// Log a warning and set the warning flag; the run continues. `reason` is as for fail().
-    void warn(const QString &text, const QString &reason = {});
+    /// Log a warning and set the warning flag; the run continues. `reason` is as for fail(). The
+    /// level is another one only where saved graphs rely on it.
+    void warn(const QString &text, const QString &reason = {},
+              MainUI::LogLevel level = MainUI::Warning);
     /// True when step() must return soon, so that the engine can end the run or start another
     /// action. Cheap enough for every row.
     bool yieldRequested() const

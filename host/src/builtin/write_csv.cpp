@@ -64,12 +64,24 @@ void ActionWriteCsv::start()
 void ActionWriteCsv::finish()
 {
     // Only a good run replaces the target; a failed or stopped one leaves it unchanged.
-    if (m_complete && runIsGood() && !(flush() && m_target.commit())) {
-        failWriting();
+    if (m_complete && runIsGood()) {
+        complete();
     }
     m_complete = false;
     m_target.discard();
     m_writer.reset();
+}
+
+void ActionWriteCsv::complete()
+{
+    if (!flush() || !m_target.commit()) {
+        failWriting();
+        return;
+    }
+    if (m_writer->replaced().count > 0) {
+        warn(replacedMessage(m_writer->replaced(), m_name,
+                             getInputColumns(0)->colName(m_writer->firstReplacedColumn())));
+    }
 }
 
 bool ActionWriteCsv::failWriting()

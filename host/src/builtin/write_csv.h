@@ -37,6 +37,7 @@ private:
     // more in finish(). All return false after a failure.
     bool begin(const OneRow *columns);
     bool flush();
+    void complete();
     /// Log that the file cannot be written. Returns false.
     bool failWriting();
 
