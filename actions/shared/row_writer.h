@@ -31,8 +31,8 @@ struct RowWriterParams
     QStringList toWrite; ///< names of the columns to write when writeAllColumns is off, in order
     bool checkNameCollision = true; ///< two written columns of one name are an error
     bool createDir = false;         ///< create the missing folders of the target
-    /// How long an update or an append waits for other programs that write to the target, in
-    /// seconds; negative: no limit. A parameter only of the writers that have these modes.
+    /// How long a writer that locks its target waits for other programs that write to it, in
+    /// seconds; negative: no limit.
     int timeOut = LockOptions::kTimeOut;
 };
 

@@ -84,8 +84,9 @@ void ActionWriteExcel::openCopySource()
 
 bool ActionWriteExcel::openWorkbook()
 {
-    // Before the workbook is read: what another run writes must not be lost.
-    if (replacesItsSource() && !lockDestination()) {
+    // Before the workbook is read: what another run writes must not be lost. New workbooks too, so
+    // that a run that adds to the workbook waits for its first sheet.
+    if (!lockDestination()) {
         return false;
     }
     if (!isUpdate()) {

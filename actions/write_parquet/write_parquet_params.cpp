@@ -98,6 +98,7 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
         shared::testCol<P>().always(),
         shared::testValue<P>().always(),
         encoding(),
+        shared::lockTimeOut<P>(),
         text("file", &P::file)
             .outputFile()
             .required()

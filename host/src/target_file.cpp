@@ -3,6 +3,7 @@
 //     mode          written to                    commit()          discard()
 //     Replace       NAME_tmp_<action>_<random>    sync, rename      remove the temporary file
 //     ReplaceByTmp  NAME_TMP, locked              sync, rename      remove the temporary file
+//     (its network) NAME, locked                  sync              close
 //     Append        NAME, locked                  sync              cut to the old length
 //     (pipe)        NAME                          close             close
 //
@@ -146,7 +147,7 @@ TargetFile::Done TargetFile::openTmp()
         return failed(TargetError::CannotReplace, m_target, info.isDir() ? EISDIR : EACCES);
     }
     if (KobiFileInfo::isNetDrive(m_target)) {
-        return openFile(m_target, MyWriteFile::Existing::Truncate);
+        return openLocked(MyWriteFile::Existing::Truncate);
     }
     m_temporary = m_target + "_TMP"_L1;
     // Cut names would be equal for several targets.
@@ -193,18 +194,28 @@ bool TargetFile::removeLeftOver()
 TargetFile::Done TargetFile::openAppended()
 {
     const bool wasThere = QFileInfo::exists(m_target);
+    Done opened = openLocked(MyWriteFile::Existing::Append);
+    if (opened) {
+        // Remembered for discard(), which must leave no file that was not there before. While this
+        // waited for the lock, another run may have created the file.
+        m_existed = !m_lock.hasCreated() && (wasThere || QFileInfo::exists(m_target));
+        m_appends = true;
+        m_oldSize = m_file->position();
+    }
+    return opened;
+}
+
+/// Open the target itself when no other run writes to it.
+TargetFile::Done TargetFile::openLocked(MyWriteFile::Existing existing)
+{
     const auto locked = m_lock.lock(m_target, m_options.lock, TargetLock::IfMissing::Create);
     if (!locked) {
         const bool isStopped = locked.fault().code == LockError::Stopped;
         return Fault{isStopped ? TargetError::Stopped : TargetError::Locked, m_target};
     }
-    // Remembered for discard(), which must leave no file that was not there before. While this
-    // waited for the lock, another run may have created the file.
-    m_existed = !m_lock.hasCreated() && (wasThere || QFileInfo::exists(m_target));
-    Done opened = openFile(m_target, MyWriteFile::Existing::Append);
+    // Only now: what another run wrote must be complete before the file is emptied.
+    const Done opened = openFile(m_target, existing);
     if (opened) {
-        m_appends = true;
-        m_oldSize = m_file->position();
         return opened;
     }
     if (m_lock.hasCreated()) {

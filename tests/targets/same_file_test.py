@@ -261,19 +261,43 @@ class SameFile(unittest.TestCase):
 
     def test_processes_that_write_one_parquet_file(self):
         self.table("b", 100_000)
-        for _ in range(3):
+        self.addCleanup(os.environ.pop, "CORVANTA_NET_DRIVE", None)
+        for drive in ("", "", str(self.folder)):
+            os.environ["CORVANTA_NET_DRIVE"] = drive
             (self.folder / "z.parquet_TMP").write_text("left by a killed run")
             self.processes(*["<writeParquet file='z.parquet'/>"] * 4)
             done = self.command("z.parquet", "copy.csv", verb="convert")
             self.assertEqual(done.returncode, 0, done.stderr)
             self.assertEqual((self.folder / "copy.csv").read_bytes(), (self.folder / "b.csv").read_bytes())
             (self.folder / "copy.csv").unlink()
+            if drive:
+                (self.folder / "z.parquet_TMP").unlink()  # not used there
             self.check_files("z.parquet")
 
+    def test_an_update_waits_for_the_process_that_creates_the_workbook(self):
+        os.mkfifo(self.folder / "pipe.csv")
+        for first in (True, False):  # a new workbook, and one that is replaced
+            creating = self.graph(CSV.format("pipe"), CREATE.format("A"), links="a0 a1", name="p0")
+            with subprocess.Popen([CORVANTA, "run", str(creating)]) as one, open(self.folder / "pipe.csv", "w", encoding="ascii") as pipe:
+                pipe.write("k,t\n" + "1,x\n" * 50_000)  # more than the pin holds: the workbook is begun
+                pipe.flush()
+                adding = self.graph(CSV.format("a"), ADD.format("B", "z.xlsx"), links="a0 a1", name="p1")
+                with subprocess.Popen([CORVANTA, "run", str(adding)], stderr=subprocess.PIPE, text=True) as other:
+                    self.assertIn("Waiting: another program is writing to the file", other.stderr.readline(), first)
+                    pipe.close()
+                    self.assertEqual((one.wait(timeout=30), other.wait(timeout=30)), (0, 0))
+            self.assertEqual(self.sheets(), {"A": 50_001, "B": 4})
+        self.check_files("z.xlsx", "pipe.csv", "p0.graph", "p1.graph")
+
     def test_a_lock_of_another_program(self):
-        elements = {"z.xlsx": ADD.format("B", "z.xlsx"), "z.json": JSON.format(1)}
+        os.environ["CORVANTA_NET_DRIVE"] = str(self.folder)  # Parquet files there are written without a temporary file
+        self.addCleanup(os.environ.pop, "CORVANTA_NET_DRIVE")
+        elements = {"z.xlsx": ADD.format("B", "z.xlsx"), "n.xlsx": CREATE.format("B").replace("z.", "n."), "z.json": JSON.format(1),
+                    "z.parquet": "<writeParquet file='z.parquet'/>"}
+        created = {"z.xlsx": CREATE.format("A"), "n.xlsx": CREATE.format("A").replace("z.", "n."), "z.json": JSON.format(0),
+                   "z.parquet": "<writeParquet file='z.parquet' codec='1'/>"}
         for name, element in elements.items():
-            self.run_graph(CSV.format("a"), (CREATE.format("A") if name == "z.xlsx" else JSON.format(0)), links="a0 a1")
+            self.run_graph(CSV.format("a"), created[name], links="a0 a1")
             before = (self.folder / name).read_bytes()
             path = self.graph(CSV.format("a"), element.replace(" ", " timeOut='1' ", 1), links="a0 a1")
             with open(self.folder / name, "rb") as other:

@@ -24,13 +24,13 @@ template <class P> Param<P> createDir()
         .meaning("Creates missing folders of the file.");
 }
 
-/// For writers that update or extend files, which they lock.
+/// For writers that lock their file.
 template <class P> Param<P> lockTimeOut()
 {
     return number<P>("timeOut", &P::timeOut)
         .label("Wait for other programs (seconds)")
-        .meaning("How long an update or an append waits while another program writes to the file, "
-                 "in seconds. Negative: without a limit.");
+        .meaning("How long the action waits while another program writes to the file, in seconds. "
+                 "Negative: without a limit.");
 }
 
 // The selection of rows. Some graphs save the three lines in another order, so that each has its

@@ -23,7 +23,8 @@ enum class TargetMode {
     Replace,
     /// Writes "TARGET_TMP", after removing what a killed run left; commit() renames it. While
     /// another run writes that file, a temporary file of its own is used, as with Replace. After a
-    /// failed commit() the temporary file stays. On a network drive the target itself is written.
+    /// failed commit() the temporary file stays. On a network drive the target itself is written,
+    /// and locked until the end.
     ReplaceByTmp,
     /// Appends to the target, or creates it, and locks it until the end. A failure restores the old
     /// length, or removes a target that was created.
@@ -34,8 +35,8 @@ enum class TargetMode {
 enum class TargetError {
     CannotReplace, ///< ReplaceByTmp: the target or an earlier "TARGET_TMP" cannot be removed
     CannotOpen,
-    Locked,  ///< Append: another program has locked the target for too long
-    Stopped, ///< Append: the run ended while the target was locked
+    Locked,  ///< another program has locked the target, which is written itself, for too long
+    Stopped, ///< the run ended while the target was locked
     CannotWrite,
     CannotRename, ///< the temporary file is complete but could not be renamed
 };
@@ -58,7 +59,7 @@ public:
         /// retry. Called on the thread that writes, which may be a worker thread of a codec.
         /// Without it nothing is retried.
         std::function<bool()> retryWrite = {};
-        /// How Append waits for other programs that write to the target.
+        /// How a target that is written itself waits for other programs that write to it.
         corvanta::LockOptions lock = {};
     };
 
@@ -107,6 +108,7 @@ private:
     Done openUnique();
     bool removeLeftOver();
     Done openAppended();
+    Done openLocked(MyWriteFile::Existing existing);
     Done openFile(const QString &name, MyWriteFile::Existing existing);
     Done commit(Sync sync, const Rename &rename);
     Done complete(bool syncs);
@@ -122,7 +124,7 @@ private:
     qint64 m_oldSize = 0;   // of the appended file
     std::unique_ptr<MyWriteFile> m_file;
     corvanta::SystemError m_error;
-    corvanta::TargetLock m_lock; // of the appended target
+    corvanta::TargetLock m_lock; // of a target that is written itself
     // Of "TARGET_TMP" between its end and its final name; before, the file itself is locked.
     corvanta::platform::FileLock m_tmpLock;
 };
