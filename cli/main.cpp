@@ -61,7 +61,8 @@ constexpr Command kCommands[] = {
      "missing files, folders and values. Warnings are what is probably not intended.\n\n"
      "  --set NAME=VALUE, --out-dir DIR, --log-format text|json\n"
      "                          as for \"corvanta run\"\n"
-     "  --list-outputs          print the files that a run would write, one per line\n\n"
+     "  --list-outputs          print the files that a run would write, one per line\n"
+     "  --json                  print the problems, or the files, as a JSON array\n\n"
      "Exit status: 0 if there are at most warnings, else 2.\n"},
     {"convert", convertOptions, convertCommand, "convert a file into another format",
      "corvanta convert INPUT OUTPUT [options]\n\n"

@@ -3,10 +3,13 @@
 #include "commands.h"
 #include "corvanta/action_registry.h"
 #include "file_types.h"
+#include "problem_list.h"
 #include "session.h"
 #include "visible_text.h"
 
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
 
 #include <cstdio>
 
@@ -143,13 +146,52 @@ CommandResult<RunOptions> optionsOfRun(const CommandLine &line, const LoadedGrap
     return options;
 }
 
-/// Prints the files that a run would write, for scripts: as they are, one per line.
-void printOutputs(const LoadedGraph &loaded)
+void printJson(const QJsonArray &array)
 {
-    for (const QString &name :
-         loaded.graph.outputs(loaded.registry, loaded.variables, loaded.outDir)) {
+    std::fputs(QJsonDocument(array).toJson().constData(), stdout);
+}
+
+/// Prints the files that a run would write, for scripts: as they are, one per line.
+void printOutputs(const LoadedGraph &loaded, bool isJson)
+{
+    const QStringList names =
+        loaded.graph.outputs(loaded.registry, loaded.variables, loaded.outDir);
+    if (isJson) {
+        printJson(QJsonArray::fromStringList(names));
+        return;
+    }
+    for (const QString &name : names) {
         std::printf("%s\n", name.toUtf8().constData());
     }
+}
+
+/// Logs all problems of the graph file and prints what was asked for, except the problems as JSON.
+CommandResult<void> checkGraph(const CommandLine &line)
+{
+    const auto loaded = load(line);
+    if (!loaded) {
+        return loaded.fault();
+    }
+    const LoadedGraph &checked = **loaded;
+    const bool hasErrors = Session::logProblems(
+        checked.graph.check(checked.registry, checked.variables, checked.outDir),
+        [](const auto &problem) {
+            using Kind = CorvantaGraph::Problem::Kind;
+            return problem.kind != Kind::Hint && problem.kind != Kind::Idle;
+        });
+    const bool hasConflicts = checked.isValid && Session::logProblems(checked.conflicts());
+    if (hasErrors || !checked.isValid || hasConflicts) {
+        return Fault{kUsage};
+    }
+    const bool isJson = line.has(u"--json"_s);
+    if (line.has(u"--list-outputs"_s)) {
+        printOutputs(checked, isJson);
+    } else if (!isJson) {
+        std::printf("%s: %d actions, %d links: valid\n", qPrintable(visibleText(line.arguments[0])),
+                    static_cast<int>(checked.graph.actions.size()),
+                    static_cast<int>(checked.graph.links.size()));
+    }
+    return {};
 }
 
 } // namespace
@@ -182,7 +224,7 @@ CommandResult<void> runCommand(const CommandLine &line)
 CommandOptions checkOptions()
 {
     return {{u"--set"_s, u"--out-dir"_s, u"--log-format"_s},
-            {u"--list-outputs"_s},
+            {u"--list-outputs"_s, u"--json"_s},
             1,
             u"one graph file is required"_s};
 }
@@ -193,27 +235,16 @@ CommandResult<void> checkCommand(const CommandLine &line)
     if (!session) {
         return session.fault();
     }
-    const auto loaded = load(line);
-    if (!loaded) {
-        return loaded.fault();
+    // With --list-outputs the array holds the names of files instead.
+    if (!line.has(u"--json"_s) || line.has(u"--list-outputs"_s)) {
+        return checkGraph(line);
     }
-    const LoadedGraph &checked = **loaded;
-    const bool hasErrors = Session::logProblems(
-        checked.graph.check(checked.registry, checked.variables, checked.outDir),
-        [](const auto &problem) {
-            using Kind = CorvantaGraph::Problem::Kind;
-            return problem.kind != Kind::Hint && problem.kind != Kind::Idle;
-        });
-    const bool hasConflicts = checked.isValid && Session::logProblems(checked.conflicts());
-    if (hasErrors || !checked.isValid || hasConflicts) {
-        return Fault{kUsage};
+    ProblemList list(line.arguments[0]);
+    const LogScope scope({&list, {}});
+    auto checked = checkGraph(line);
+    // A usage error is about the command line.
+    if (checked || checked.fault().detail.isEmpty()) {
+        printJson(list.problems());
     }
-    if (line.has(u"--list-outputs"_s)) {
-        printOutputs(checked);
-    } else {
-        std::printf("%s: %d actions, %d links: valid\n", qPrintable(visibleText(line.arguments[0])),
-                    static_cast<int>(checked.graph.actions.size()),
-                    static_cast<int>(checked.graph.links.size()));
-    }
-    return {};
+    return checked;
 }

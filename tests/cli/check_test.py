@@ -88,6 +88,22 @@ class Mistakes(Case):
             self.assertEqual(self.problems("run", "--strict", status=2), self.problems("check", status=2))
             self.assertFalse(any(self.folder.glob("o.*")), parameters)
 
+    def test_problems_as_json(self):
+        self.graph(self.writer("<writeCSV fileName='o.csv' x='1'/>"), "<action id='q'><writeJSON fileName='o.json' floatToString='%a'/></action>")
+        done = self.corvanta("check", "g.graph", "--json", status=2)
+        problems = json.loads(done.stdout)
+        self.assertEqual([(p["level"], p["severity"], p["file"], p["line"]) for p in problems],
+                         [(1, "error", "g.graph", 3), (2, "warning", "g.graph", 4), (2, "warning", "g.graph", 4)], problems)
+        self.assertRegex(problems[0]["message"], "^the action 'w' .*: unknown attribute 'x'")
+        self.assertIn("'%a' prints numbers that JSON does not have", str(problems))
+        self.graph(self.writer("<writeCSV fileName='o.csv'/>"))
+        self.assertEqual(json.loads(self.corvanta("check", "g.graph", "--json").stdout), [])
+        listed = json.loads(self.corvanta("check", "g.graph", "--json", "--list-outputs").stdout)
+        self.assertEqual(listed, [str(self.folder / "o.csv")])
+        problems = json.loads(self.corvanta("check", "none.graph", "--json", status=2).stdout)
+        self.assertEqual(([p["file"] for p in problems], "line" in problems[0]), (["none.graph"], False))
+        self.assertEqual(self.corvanta("check", "g.graph", "--json", "--set", "a=b", status=2).stdout, "")
+
     def test_every_parameter_of_every_action(self):
         """Misspelled names and wrong values; the wrong values are allowed by none of the types."""
         wrong = {"integer": "x", "real": "x", "flag": "x"}
