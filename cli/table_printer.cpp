@@ -69,9 +69,7 @@ bool isNumber(MetaInfo type)
 int displayWidth(const QString &text)
 {
     int width = 0;
-    for (const char32_t c : text.toUcs4()) {
-        width += widthOf(c);
-    }
+    forEachCodePoint(text, [&](char32_t c) { width += widthOf(c); });
     return width;
 }
 

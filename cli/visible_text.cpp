@@ -26,14 +26,14 @@ QString escape(char32_t c)
 QString visible(const QString &text, const QString &kept)
 {
     QString shown;
-    for (const char32_t c : text.toUcs4()) {
+    forEachCodePoint(text, [&](char32_t c) {
         const QChar::Category category = QChar::category(c);
         const bool isInvisible =
             category == QChar::Other_Control || category == QChar::Other_Format ||
             category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
         const QString one = QString::fromUcs4(&c, 1);
         shown += isInvisible && !kept.contains(one) ? escape(c) : one;
-    }
+    });
     return shown;
 }
 

@@ -94,12 +94,12 @@ QByteArray newStyles(int dateFormat)
            QByteArray::number(numberFormatId(dateFormat, kFirstOwnFormat)) + kStylesTail;
 }
 
-QList<FixedMember> leadingMembers(int dateFormat)
+std::array<FixedMember, 4> leadingMembers(int dateFormat)
 {
-    return {{opc::kContentTypesPart, kContentTypes},
-            {"_rels/.rels", kPackageRels},
-            {"xl/_rels/workbook.xml.rels", kWorkbookRels},
-            {"xl/styles.xml", newStyles(dateFormat)}};
+    return {FixedMember{opc::kContentTypesPart, kContentTypes},
+            FixedMember{"_rels/.rels", kPackageRels},
+            FixedMember{"xl/_rels/workbook.xml.rels", kWorkbookRels},
+            FixedMember{"xl/styles.xml", newStyles(dateFormat)}};
 }
 
 QByteArray newSheetRoot(const Family &family)

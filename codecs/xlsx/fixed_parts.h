@@ -4,10 +4,10 @@
 #include "codecs/xlsx/namespaces.h"
 
 #include <QByteArray>
-#include <QList>
 #include <QString>
 #include <QtGlobal>
 
+#include <array>
 #include <optional>
 
 namespace corvanta::xlsx {
@@ -21,7 +21,7 @@ struct FixedMember
 
 /// The members before the sheet, in writing order, which begins with the content types. They name
 /// the sheet and the workbook that are written later. `dateFormat` as for numberFormatId().
-QList<FixedMember> leadingMembers(int dateFormat);
+std::array<FixedMember, 4> leadingMembers(int dateFormat);
 /// The styles part, one of them. Its cell format 1 is that of dates, 2 that of hyperlinks.
 QByteArray newStyles(int dateFormat);
 
