@@ -1,23 +1,25 @@
-// readExcel: reads the rows of one worksheet of a workbook.
+// readExcel: reads sheets of .xlsx and .xlsm workbooks.
 //
-// The parameters, the panel and the pins are complete; a run ends with an error (see
-// PendingAction).
+// ReadWorkbook does the work; this action supplies the parameters and the format.
 #pragma once
-#include "actions/read_excel/read_excel_params.h"
-#include "actions/shared/pending_action.h"
+#include "actions/workbook/read_workbook.h"
 
 namespace corvanta {
 
 extern const ActionEntry kReadExcelEntry;
 
-/// Threads: see PendingAction.
-class ActionReadExcel final : public PendingAction<ActionReadExcel, ReadExcelParams>
+/// Threads: see ReadWorkbook.
+class ActionReadExcel final : public ParamAction<ActionReadExcel, ReadExcelParams, ReadWorkbook>
 {
 public:
     ActionReadExcel(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<ReadExcelParams> &paramTable() { return readExcelParamTable(); }
     /// Pin 0 brings the file name.
     static int pinsInFor(const ReadExcelParams &params) { return params.fileNameFromPin ? 1 : 0; }
+
+private:
+    const ReadExcelParams &readerParams() const override { return m_params; }
+    const WorkbookFormat &workbookFormat() const override;
 };
 
 } // namespace corvanta

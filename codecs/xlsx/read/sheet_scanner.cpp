@@ -189,10 +189,10 @@ sheet::WorkbookResult<bool> SheetScanner::next(sheet::SheetRow *row)
         if (!found || !*found) {
             return found;
         }
-        if (m_isRowEmpty) {
+        if (m_isRowEmpty && !m_isRowHidden) {
             continue;
         }
-        if (const auto read = readCells(); !read) {
+        if (const auto read = m_isRowEmpty ? Done() : readCells(); !read) {
             return read.fault();
         }
         if (m_row >= sheet::kMaxRows) {

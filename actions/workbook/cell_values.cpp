@@ -1,0 +1,105 @@
+#include "actions/workbook/cell_values.h"
+
+#include "base/number_cell.h"
+
+#include <cmath>
+
+namespace corvanta {
+
+using sheet::CellKind;
+using sheet::NumberForm;
+
+namespace {
+
+bool isKey(double value)
+{
+    return value >= 0 && value < static_cast<double>(cell::kMissingKeyOther) &&
+           value == std::floor(value) && !std::signbit(value);
+}
+
+} // namespace
+
+cell::Type typeOf(quint8 content)
+{
+    if ((content & (kHasTexts | kHasDates)) != 0 || content == 0) {
+        return cell::Type::Text;
+    }
+    return (content & kHasNumbers) != 0 ? cell::Type::Double : cell::Type::Key;
+}
+
+quint8 ValueRules::contentOf(const sheet::SheetCell &cell) const
+{
+    const auto ofNumber = [](double value) { return isKey(value) ? kHasKeys : kHasNumbers; };
+    switch (cell.kind) {
+    case CellKind::Number:
+        return cell.form != NumberForm::General && datesAreTexts ? kHasDates
+                                                                 : ofNumber(cell.number);
+    case CellKind::Text:
+        // An empty text is nothing that a program shows: formulas use it for "no value".
+        return cell.text.empty() ? 0 : kHasTexts;
+    case CellKind::Boolean:
+        return kHasTexts;
+    case CellKind::Error:
+        return errorsAreTexts ? kHasTexts : 0;
+    case CellKind::IsoDate:
+        break;
+    }
+    if (datesAreTexts) {
+        return kHasDates;
+    }
+    const auto serial = sheet::serialOfIsoText(cell.text, uses1904);
+    return serial ? ofNumber(*serial) : kHasTexts;
+}
+
+double ValueRules::numberOf(const sheet::SheetCell &cell) const
+{
+    return cell.kind == CellKind::IsoDate
+               ? sheet::serialOfIsoText(cell.text, uses1904).value_or(cell::missingDouble())
+               : cell.number;
+}
+
+/// The text of a number, date or boolean.
+int ValueRules::putText(const sheet::SheetCell &cell, char16_t *out) const
+{
+    if (cell.kind == CellKind::Boolean) {
+        const std::u16string_view text = cell.number != 0 ? u"TRUE" : u"FALSE";
+        return static_cast<int>(text.copy(out, text.size()));
+    }
+    const int units = datesAreTexts ? sheet::putDateText(cell.form, cell.number, uses1904, out) : 0;
+    return units > 0 ? units
+                     : cell::putNumberText(cell::Type::Double,
+                                           reinterpret_cast<const uchar *>(&cell.number), out);
+}
+
+const uchar *ValueRules::cellFor(const sheet::SheetCell &cell, cell::Type type,
+                                 RowBuffer *buffer) const
+{
+    if (cell.kind == CellKind::Error && !errorsAreTexts) {
+        return nullptr;
+    }
+    if (type != cell::Type::Text) {
+        if (cell.kind == CellKind::Text) {
+            return nullptr; // an empty one
+        }
+        const double value = numberOf(cell);
+        return type == cell::Type::Key ? keyCell(buffer, static_cast<quint32>(value))
+                                       : doubleCell(buffer, value);
+    }
+    if (cell.kind == CellKind::Number || cell.kind == CellKind::Boolean) {
+        char16_t text[sheet::kDateTextUnits];
+        return textCell(buffer, text, putText(cell, text));
+    }
+    return textCell(buffer, cell.text.data(), static_cast<qsizetype>(cell.text.size()));
+}
+
+QString ValueRules::textOf(const sheet::SheetCell &cell) const
+{
+    if (cell.kind == CellKind::Number || cell.kind == CellKind::Boolean) {
+        char16_t text[sheet::kDateTextUnits];
+        const int units = putText(cell, text);
+        return QString::fromUtf16(text, units);
+    }
+    return QString::fromUtf16(cell.text.data(), static_cast<qsizetype>(cell.text.size()));
+}
+
+} // namespace corvanta

@@ -1,0 +1,41 @@
+// How cells of sheets become cells of rows.
+#pragma once
+#include "actions/read_excel/read_excel_params.h"
+#include "base/cell.h"
+#include "codecs/sheet/date_text.h"
+#include "corvanta/row_buffer.h"
+
+namespace corvanta {
+
+/// What the cells of a column are; a set of bits.
+enum ColumnContent : quint8 {
+    kHasKeys = 1,    ///< whole numbers that a key can hold
+    kHasNumbers = 2, ///< other numbers
+    kHasTexts = 4,   ///< texts other than dates
+    kHasDates = 8,   ///< dates that are read as texts
+};
+
+/// The type that holds all these cells. Without any it is a text.
+cell::Type typeOf(quint8 content);
+
+/// The rules for one workbook. Threads: pure.
+struct ValueRules
+{
+    bool datesAreTexts = true;
+    bool errorsAreTexts = true;
+    bool uses1904 = false;
+
+    /// The bit of ColumnContent for the cell; 0 for one that is missing in every column.
+    quint8 contentOf(const sheet::SheetCell &cell) const;
+    /// The cell as a row cell of the type. Null is a missing cell. `type` holds the cell's content.
+    const uchar *cellFor(const sheet::SheetCell &cell, cell::Type type, RowBuffer *buffer) const;
+    /// The cell as text, as in a text column; empty for a missing one.
+    QString textOf(const sheet::SheetCell &cell) const;
+
+private:
+    /// The number of a cell that is read as a number.
+    double numberOf(const sheet::SheetCell &cell) const;
+    int putText(const sheet::SheetCell &cell, char16_t *out) const;
+};
+
+} // namespace corvanta

@@ -1,0 +1,78 @@
+#include "actions/workbook/open_workbook.h"
+
+#include "codecs/opc/file_kind.h"
+#include "io/input/whole_input.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// Whether the content is a workbook that the other action reads.
+bool isOtherFormat(const WorkbookFormat &format, opc::FileKind kind)
+{
+    const bool isLegacy = kind == opc::FileKind::Compound || kind == opc::FileKind::Records;
+    return QLatin1StringView(format.kind) == ".xlsx workbook"_L1 ? isLegacy
+                                                                 : kind == opc::FileKind::Package;
+}
+
+/// Why the file is no workbook, from its content, which may differ from its name.
+QString refusal(const WorkbookFormat &format, const Fault<sheet::WorkbookError> &fault,
+                ByteSource &source)
+{
+    if (fault.code != sheet::WorkbookError::NotAWorkbook) {
+        return describe(fault, source);
+    }
+    const opc::FileKind kind = opc::fileKind(source);
+    if (kind == opc::FileKind::Encrypted) {
+        return u"it is %1; save it without a password"_s.arg(opc::describe(kind));
+    }
+    if (isOtherFormat(format, kind)) {
+        return u"its content is that of an %1, whatever its name says; read it with %2 or give it "
+               "the right extension"_s.arg(QLatin1StringView(format.otherKind),
+                                           QLatin1StringView(format.otherAction));
+    }
+    if (kind == opc::FileKind::Html || kind == opc::FileKind::Text || kind == opc::FileKind::Xml ||
+        kind == opc::FileKind::XmlSpreadsheet) {
+        return u"its content is %1, whatever its name says; give it the right extension, or open "
+               "it in a spreadsheet program and save it as a workbook"_s.arg(opc::describe(kind));
+    }
+    return kind == opc::FileKind::Package ? fault.detail
+                                          : u"its content is %1"_s.arg(opc::describe(kind));
+}
+
+} // namespace
+
+QString describe(const Fault<sheet::WorkbookError> &fault, const ByteSource &source)
+{
+    const QString reason = readFailure(source);
+    if (!reason.isEmpty()) {
+        return reason;
+    }
+    return fault.offset < 0 ? fault.detail
+                            : u"%1 (at byte %2)"_s.arg(fault.detail, QString::number(fault.offset));
+}
+
+Result<OpenWorkbook, WorkbookOpenError> openWorkbook(const ActionBase &action,
+                                                     const WorkbookFormat &format,
+                                                     const QString &name, InputFile::Report report)
+{
+    auto input = std::make_unique<RunInput>(action.globalParameters(), action.control(), name,
+                                            false, report);
+    if (!input->file.isOpen()) {
+        return Fault{WorkbookOpenError::Missing, input->file.reason()};
+    }
+    // The directory of a package is at its end.
+    auto source = randomAccess(std::move(input));
+    if (!source) {
+        return Fault{WorkbookOpenError::Refused, source.fault().detail};
+    }
+    auto reader = format.makeReader(**source);
+    if (!reader) {
+        return Fault{WorkbookOpenError::Refused, refusal(format, reader.fault(), **source)};
+    }
+    return OpenWorkbook{*std::move(source), *std::move(reader)};
+}
+
+} // namespace corvanta

@@ -1,0 +1,316 @@
+#include "actions/workbook/read_workbook.h"
+
+#include "actions/workbook/workbook_file.h"
+#include "corvanta/failure_reason.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// Cells that all rows together may have when nearly all of them are missing: beyond it, nothing
+/// but empty cells would be delivered for hours.
+constexpr qint64 kMaxSparseCells = qint64(1) << 30;
+constexpr qint64 kSparseRatio = 1000;
+
+} // namespace
+
+void ReadWorkbook::start()
+{
+    m_series.reset();
+    m_files.clear();
+    m_planned.clear();
+    m_columns = {};
+    m_sheetNameColumn = -1;
+    m_run = readerParams();
+    m_run.sheetIdx = expandString(m_run.sheetIdx);
+    m_run.sheetName = expandString(m_run.sheetName);
+    m_run.range = expandString(m_run.range);
+}
+
+void ReadWorkbook::finish()
+{
+    m_series.finish();
+    m_planned.clear();
+}
+
+void ReadWorkbook::wakeAll()
+{
+    m_series.stop();
+    const std::lock_guard lock(m_mutex);
+    if (m_scanned != nullptr) {
+        m_scanned->stop();
+    }
+}
+
+/// Where wakeAll() finds the workbook that is scanned.
+void ReadWorkbook::setScanned(sheet::WorkbookReader *reader)
+{
+    const std::lock_guard lock(m_mutex);
+    m_scanned = reader;
+    if (reader != nullptr && !control().isRunning()) {
+        reader->stop();
+    }
+}
+
+// ---- Before the first row.
+
+bool ReadWorkbook::prepare()
+{
+    QStringList files;
+    if (!listFiles(&files) || !planFiles(files)) {
+        return false;
+    }
+    m_columns.decideTypes(m_run.allText);
+    warnLateTexts();
+    startSeries();
+    return m_series.openNext();
+}
+
+bool ReadWorkbook::listFiles(QStringList *files)
+{
+    if (!m_run.fileNameFromPin) {
+        *files = namesOfPattern(*this, m_run.fileName);
+        return true;
+    }
+    // Only the first row counts.
+    const OneRow *const row = getNextRowFromInPin(0);
+    if (row == nullptr) {
+        return runIsGood() &&
+               fail(u"ERROR: Cannot read the name of the workbook on input pin??\n"_s);
+    }
+    *files = namesOfPattern(*this, row->text(0));
+    return true;
+}
+
+bool ReadWorkbook::planFiles(const QStringList &files)
+{
+    for (const QString &name : files) {
+        if (!runIsGood() || !planFile(name, files.size() == 1)) {
+            return false;
+        }
+    }
+    return runIsGood();
+}
+
+std::optional<OpenWorkbook> ReadWorkbook::openWithRetries(const QString &name)
+{
+    auto opened = openWorkbook(*this, workbookFormat(), name, InputFile::Report::Failure);
+    const auto isMissing = [&] {
+        return !opened && opened.fault().code == WorkbookOpenError::Missing;
+    };
+    if (isMissing()) {
+        retryOpening(name, m_run.timeOut, control(), [&] {
+            opened = openWorkbook(*this, workbookFormat(), name, InputFile::Report::Nothing);
+            return !isMissing();
+        });
+    }
+    if (!opened) {
+        reportOpenFault(name, opened.fault());
+        return std::nullopt;
+    }
+    return *std::move(opened);
+}
+
+/// Report a file that cannot be opened. Returns true to continue with the next file.
+bool ReadWorkbook::reportOpenFault(const QString &name, const Fault<WorkbookOpenError> &fault)
+{
+    if (!runIsGood()) {
+        return false;
+    }
+    if (fault.code == WorkbookOpenError::Refused) {
+        return fail(u"Error: The workbook '%1' cannot be read: %2\n"_s.arg(name, fault.detail));
+    }
+    const bool goesOn = reportMissing(name);
+    logReason(fault.detail);
+    return goesOn;
+}
+
+bool ReadWorkbook::planFile(const QString &name, bool keepsOpen)
+{
+    auto workbook = openWithRetries(name);
+    if (!workbook) {
+        return runIsGood();
+    }
+    auto file = std::make_shared<PlannedFile>();
+    setScanned(workbook->reader.get());
+    TaskMaker maker(m_run, *workbook->reader);
+    auto tasks = maker.make();
+    setScanned(nullptr);
+    if (!runIsGood()) {
+        return false;
+    }
+    if (!tasks && tasks.fault().code == TaskError::NotFound) {
+        return fail(u"Error: The workbook '%1' has %2\n"_s.arg(name, tasks.fault().detail));
+    }
+    if (!tasks) {
+        return fail(u"Error: The workbook '%1' cannot be read: %2\n"_s.arg(
+            name, describe(maker.fault(), *workbook->source)));
+    }
+    if (!maker.skippedChart().isEmpty()) {
+        warn(u"Warning: The first sheet '%2' of the workbook '%1' is a chart; the first sheet with "
+             "cells is read\n"_s.arg(name, maker.skippedChart()));
+    }
+    file->tasks = *std::move(tasks);
+    for (const SheetTask &task : file->tasks) {
+        file->columns.push_back(columnsOf(task));
+    }
+    if (keepsOpen) {
+        file->workbook = std::move(workbook);
+    }
+    m_files << name;
+    m_planned.insert(name, file);
+    return addColumns(name, *file);
+}
+
+bool ReadWorkbook::addColumns(const QString &name, const PlannedFile &file)
+{
+    for (size_t i = 0; i < file.tasks.size(); ++i) {
+        const SheetTask &task = file.tasks[i];
+        const auto mismatch = m_columns.add(task, file.columns[i], !m_run.unionByName);
+        if (mismatch && mismatch->kind == SheetMismatch::Kind::Count) {
+            return fail(u"Error: The sheet '%2' of the workbook '%1' has %3 columns instead of "
+                        "%4; use unionByName='1' to join columns by name\n"_s.arg(
+                            name, task.name, mismatch->found, mismatch->first));
+        }
+        if (mismatch) {
+            return fail(
+                u"Error: Column %3 of the sheet '%2' of the workbook '%1' is '%4' instead of '%5'; "
+                "use unionByName='1' to join columns by name\n"_s.arg(
+                    name, task.name, QString::number(mismatch->column + 1), mismatch->found,
+                    mismatch->first));
+        }
+        warnColumns(name, task, file.columns[i]);
+        if (!checkSize(name, task, file.columns[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Refuse sheets that are nearly empty and enormous.
+bool ReadWorkbook::checkSize(const QString &name, const SheetTask &task, const TaskColumns &columns)
+{
+    const qint64 rows = task.scan.lastRow - task.scan.firstRow + 1;
+    const qint64 cells = rows * columns.names.size();
+    if (cells < kMaxSparseCells || task.scan.cells > cells / kSparseRatio) {
+        return true;
+    }
+    return fail(u"Error: The sheet '%2' of the workbook '%1' has only %3 cells in %4 rows and %5 "
+                "columns; select a part of it with range, or use emptyRows='1'\n"_s.arg(
+                    name, task.name, QString::number(task.scan.cells), QString::number(rows),
+                    QString::number(columns.names.size())));
+}
+
+void ReadWorkbook::warnColumns(const QString &name, const SheetTask &task,
+                               const TaskColumns &columns)
+{
+    if (columns.leftOut > 0) {
+        warn(u"Warning: %3 empty columns of the sheet '%2' of the workbook '%1' are left out; the "
+             "first is %4\n"_s.arg(name, task.name, QString::number(columns.leftOut),
+                                   columns.firstLeftOut));
+    }
+    if (task.scan.errors.any()) {
+        warn(u"Warning: %3 error cells of the sheet '%2' of the workbook '%1' are missing; the "
+             "first is %4\n"_s.arg(name, task.name, QString::number(task.scan.errors.count()),
+                                   task.scan.errors.first()));
+    }
+    if (!task.scan.isComplete) {
+        MainUI::addLog(MainUI::Info,
+                       u"The types of the columns of the sheet '%1' are those of its first %2 "
+                       "rows\n"_s.arg(task.name, QString::number(task.options.sampleRows)));
+    }
+}
+
+/// Report the columns that are texts because of a cell after the sample.
+void ReadWorkbook::warnLateTexts()
+{
+    const std::vector<LateText> &late = m_columns.lateTexts();
+    if (!late.empty() && !m_run.allText) {
+        warn(u"Warning: %1 columns have only numbers in the first %2 rows and other values later; "
+             "they are read as texts; the first is '%3', in %4\n"_s.arg(
+                 QString::number(late.size()), QString::number(m_run.scanRows), late.front().column,
+                 late.front().place));
+    }
+}
+
+void ReadWorkbook::startSeries()
+{
+    FileSeries::Options options;
+    TableSchema columns = m_columns.schema();
+    const bool hasSheetNames = m_run.outputSheetNames || m_run.sheets == SheetChoice::All ||
+                               m_run.sheets == SheetChoice::Matching;
+    if (hasSheetNames) {
+        m_sheetNameColumn = static_cast<int>(columns.names.size());
+        columns.names << u"_SheetName"_s;
+        columns.types << MetaInfo(cell::Type::Text);
+    }
+    options.columns = columns;
+    if (m_run.outputFilenames) {
+        options.fileNameColumn = u"_FileNames"_s;
+    }
+    m_series.start(*this, m_files, options);
+}
+
+// ---- Files and messages.
+
+FileSeries::Opened ReadWorkbook::openFile(const QString &name)
+{
+    const auto planned = m_planned.value(name);
+    std::optional<OpenWorkbook> workbook = std::exchange(planned->workbook, std::nullopt);
+    if (!workbook) {
+        auto opened = openWorkbook(*this, workbookFormat(), name, InputFile::Report::Failure);
+        if (!opened) {
+            reportOpenFault(name, opened.fault());
+            return Fault{FileSeries::OpenError::Failed};
+        }
+        workbook = *std::move(opened);
+    }
+    std::vector<cell::Type> types;
+    for (const TableColumns::Column &column : m_columns.columns()) {
+        types.push_back(column.type);
+    }
+    std::vector<SheetDelivery> sheets;
+    for (size_t i = 0; i < planned->tasks.size(); ++i) {
+        std::vector<int> targets =
+            m_columns.targetsOf(planned->tasks[i], planned->columns[i], !m_run.unionByName);
+        sheets.push_back({std::move(planned->tasks[i]), std::move(targets)});
+    }
+    return FileSeries::Opened(std::make_unique<WorkbookFile>(
+        *this, name, *std::move(workbook), std::move(sheets), std::move(types), m_sheetNameColumn));
+}
+
+bool ReadWorkbook::reportMissing(const QString &name)
+{
+    if (m_run.abortIfMissing) {
+        return fail(u"Error: cannot open the workbook '%1'\n"_s.arg(name));
+    }
+    warn(u"Warning: cannot open the workbook '%1'\n"_s.arg(name));
+    return true;
+}
+
+bool ReadWorkbook::reportUnreadable(const QString &name)
+{
+    return reportMissing(name);
+}
+
+// ---- The sheets as tables, for convert, head and schema.
+
+bool ReadWorkbook::fill(int sheet)
+{
+    if (sheet >= 0) {
+        const int mode = indexOfParameter(u"sheetMode"_s);
+        const int number = indexOfParameter(u"sheetIdx"_s);
+        return setParameterValue(mode, u"0"_s) &&
+               setParameterValue(number, QString::number(sheet + 1));
+    }
+    return true;
+}
+
+QVector<InputTable> ReadWorkbook::listTables()
+{
+    return {};
+}
+
+} // namespace corvanta

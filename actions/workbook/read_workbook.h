@@ -1,0 +1,88 @@
+// Base of readExcel and readExcelOld: reads sheets of workbooks as one table.
+//
+// The run begins with a scan of all files, which decides the columns: their names must be known
+// before the first row, and their types must hold every cell. Then FileSeries delivers the rows.
+#pragma once
+#include "actions/read_excel/read_excel_params.h"
+#include "actions/shared/file_series.h"
+#include "actions/workbook/open_workbook.h"
+#include "actions/workbook/sheet_task.h"
+#include "actions/workbook/table_columns.h"
+#include "corvanta/action_base.h"
+
+#include <QHash>
+
+#include <mutex>
+#include <optional>
+
+namespace corvanta {
+
+/// Threads: the one that runs the action; computeCompletion() and wakeAll() from any.
+class ReadWorkbook : public ActionBase, private FileSeries::Format
+{
+public:
+    /// Fraction of all files, each weighing the same.
+    float computeCompletion() override { return m_series.fractionDone(); }
+    QStringList inputs() const override
+    {
+        return readerParams().fileNameFromPin ? QStringList() : ActionBase::inputs();
+    }
+    void wakeAll() override;
+
+protected:
+    using ActionBase::ActionBase;
+
+    // What the action supplies.
+    virtual const ReadExcelParams &readerParams() const = 0;
+    virtual const WorkbookFormat &workbookFormat() const = 0;
+
+private:
+    /// A file that is scanned.
+    struct PlannedFile
+    {
+        std::vector<SheetTask> tasks;
+        std::vector<TaskColumns> columns;     ///< of each task
+        std::optional<OpenWorkbook> workbook; ///< kept open if it is the only file
+    };
+
+    void start() override;
+    bool step() override { return (m_series.hasBegun() || prepare()) && m_series.step(); }
+    void finish() override;
+    bool fill(int sheet) override;
+    QVector<InputTable> listTables() override;
+
+    // Before the first row. Functions that return a bool return false when the run has failed or
+    // ended.
+    bool prepare();
+    bool listFiles(QStringList *files);
+    bool planFiles(const QStringList &files);
+    bool planFile(const QString &name, bool keepsOpen);
+    std::optional<OpenWorkbook> openWithRetries(const QString &name);
+    bool reportOpenFault(const QString &name, const Fault<WorkbookOpenError> &fault);
+    bool addColumns(const QString &name, const PlannedFile &file);
+    bool checkSize(const QString &name, const SheetTask &task, const TaskColumns &columns);
+    void warnColumns(const QString &name, const SheetTask &task, const TaskColumns &columns);
+    void warnLateTexts();
+    void setScanned(sheet::WorkbookReader *reader);
+    void startSeries();
+
+    // Messages of FileSeries. They return true to continue with the next file.
+    FileSeries::Opened openFile(const QString &name) override;
+    bool reportMissing(const QString &name) override;
+    bool reportUnreadable(const QString &name) override;
+    /// Not called: the columns are known before the files are opened.
+    bool reportMismatch(const ColumnMismatch &) override { return false; }
+
+    /// With expanded texts.
+    ReadExcelParams m_run;
+    QStringList m_files; ///< planned ones
+    QHash<QString, std::shared_ptr<PlannedFile>> m_planned;
+    TableColumns m_columns;
+    int m_sheetNameColumn = -1;
+    FileSeries m_series{*this};
+
+    std::mutex m_mutex;
+    sheet::WorkbookReader *m_scanned = nullptr; // guarded by m_mutex
+};
+
+} // namespace corvanta

@@ -1,0 +1,116 @@
+#include "actions/workbook/sheet_scan.h"
+
+#include "codecs/sheet/cell_area.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// The state of one scan.
+class Scan
+{
+public:
+    explicit Scan(const ScanOptions &options)
+        : m_options(options)
+    {
+        m_result.firstRow = options.walk.area.firstRow;
+    }
+
+    /// Take a step of the walk. Returns false when no more are needed.
+    bool take(const WalkStep &step)
+    {
+        if (m_needsHeader && step.kind == WalkStep::Kind::Row) {
+            takeHeader(step);
+            return true;
+        }
+        if (m_needsHeader && m_options.headerIsFirstRow) {
+            // An empty header: all names are generated.
+            m_needsHeader = false;
+            m_result.headerRow = step.row;
+            m_result.firstRow = step.row + 1;
+        }
+        if (step.kind == WalkStep::Kind::Row) {
+            takeRow(step);
+        }
+        m_rows += step.count;
+        return m_options.sampleRows == 0 || !m_options.sampleOnly || m_rows < m_options.sampleRows;
+    }
+    SheetScan &result() { return m_result; }
+    bool isSampled() const { return m_options.sampleRows == 0 || m_rows < m_options.sampleRows; }
+
+private:
+    ScannedColumn &column(int number)
+    {
+        const auto index = static_cast<size_t>(number - m_options.walk.area.firstColumn);
+        if (index >= m_result.columns.size()) {
+            m_result.columns.resize(index + 1);
+        }
+        return m_result.columns[index];
+    }
+    void takeHeader(const WalkStep &step)
+    {
+        m_needsHeader = false;
+        m_result.headerRow = step.row;
+        m_result.firstRow = step.row + 1;
+        for (const sheet::SheetCell &cell : step.cells) {
+            column(cell.column).name = m_options.rules.textOf(cell).trimmed();
+        }
+    }
+    void takeRow(const WalkStep &step)
+    {
+        m_result.lastRow = step.row;
+        m_result.cells += static_cast<qint64>(step.cells.size());
+        column(step.cells.back().column); // makes room for the others
+        const bool isSampled = this->isSampled();
+        ScannedColumn *const columns = m_result.columns.data();
+        for (const sheet::SheetCell &cell : step.cells) {
+            ScannedColumn &one = columns[cell.column - m_options.walk.area.firstColumn];
+            const quint8 content = m_options.rules.contentOf(cell);
+            if ((content & ~one.content) != 0) {
+                addContent(content, isSampled, step.row, &one);
+            } else if (content == 0 && cell.kind == sheet::CellKind::Error) {
+                m_result.errors.add(
+                    [&] { return u"cell %1"_s.arg(sheet::cellName(cell.column, step.row)); });
+            }
+        }
+    }
+    static void addContent(quint8 content, bool isSampled, qint64 row, ScannedColumn *column)
+    {
+        const bool changesType = typeOf(column->content | content) != typeOf(column->content);
+        column->content |= content;
+        if (isSampled) {
+            column->sampled |= content;
+        } else if (changesType && column->sampled != 0 && column->firstNew < 0) {
+            column->firstNew = row;
+        }
+    }
+
+    const ScanOptions &m_options;
+    bool m_needsHeader = m_options.hasHeader;
+    qint64 m_rows = 0; // of data
+    SheetScan m_result;
+};
+
+} // namespace
+
+sheet::WorkbookResult<SheetScan> scanSheet(std::unique_ptr<sheet::SheetRows> rows,
+                                           const ScanOptions &options)
+{
+    SheetWalker walker(std::move(rows), options.walk);
+    Scan scan(options);
+    for (;;) {
+        const auto step = walker.next();
+        if (!step) {
+            return step.fault();
+        }
+        if (step->kind == WalkStep::Kind::End || !scan.take(*step)) {
+            scan.result().isComplete = step->kind == WalkStep::Kind::End;
+            scan.result().problems = walker.rows().problems();
+            return std::move(scan.result());
+        }
+    }
+}
+
+} // namespace corvanta

@@ -1,0 +1,50 @@
+// Reads a sheet once to find its columns: their names, their content and where the rows are.
+#pragma once
+#include "actions/workbook/cell_values.h"
+#include "actions/workbook/sheet_walker.h"
+#include "base/occurrences.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace corvanta {
+
+/// A column of a sheet.
+struct ScannedColumn
+{
+    QString name;         ///< in the header; empty without one
+    quint8 content = 0;   ///< a set of ColumnContent, of all rows that were read
+    quint8 sampled = 0;   ///< the same, of the first rows
+    qint64 firstNew = -1; ///< row of the first content that the sample does not have; -1: none
+};
+
+/// What the scan found.
+struct SheetScan
+{
+    qint64 headerRow = -1; ///< -1 without a header
+    qint64 firstRow = 0;   ///< of the data
+    qint64 lastRow = -1;   ///< with a cell; -1 for a sheet without data
+    qint64 cells = 0;
+    bool isComplete = true;             ///< false if the scan ended after the sample
+    std::vector<ScannedColumn> columns; ///< from the first column of the area
+    Occurrences errors;                 ///< error cells that are missing
+    sheet::SheetProblems problems;
+};
+
+struct ScanOptions
+{
+    WalkOptions walk;
+    ValueRules rules;
+    bool hasHeader = true;
+    /// The header is the first row of the area, also an empty one. Else it is the first with cells.
+    bool headerIsFirstRow = false;
+    qint64 sampleRows = 0; ///< 0: all
+    bool sampleOnly = false;
+};
+
+/// Scan the rows. Errors: those of the rows.
+sheet::WorkbookResult<SheetScan> scanSheet(std::unique_ptr<sheet::SheetRows> rows,
+                                           const ScanOptions &options);
+
+} // namespace corvanta

@@ -1,0 +1,75 @@
+// Chooses the sheets and cells of a workbook that the parameters select, and scans them.
+#pragma once
+#include "actions/workbook/sheet_scan.h"
+#include "codecs/sheet/workbook_reader.h"
+
+#include <memory>
+#include <vector>
+
+namespace corvanta {
+
+/// One sheet to read.
+struct SheetTask
+{
+    size_t sheet = 0; ///< index in the workbook
+    QString name;
+    ScanOptions options;
+    bool needsSort = false;                     ///< its rows are not in order
+    std::vector<sheet::CellArea> merged;        ///< to fill
+    std::vector<sheet::CellArea> hiddenColumns; ///< to leave out
+    SheetScan scan;
+
+    /// Column of the sheet for a column of the scan.
+    int columnOf(size_t scanned) const
+    {
+        return options.walk.area.firstColumn + static_cast<int>(scanned);
+    }
+    /// The rows as the task reads them. Errors: those of openSheet().
+    sheet::WorkbookResult<std::unique_ptr<sheet::SheetRows>>
+    openRows(sheet::WorkbookReader &reader) const;
+};
+
+enum class TaskError : quint8 {
+    NotFound, ///< no such sheet, table, name or range; the detail says which
+    Unreadable,
+};
+
+/// Makes the tasks of one workbook. `params` has expanded texts. Threads: one at a time.
+class TaskMaker
+{
+public:
+    TaskMaker(const ReadExcelParams &params, sheet::WorkbookReader &reader);
+
+    /// The sheets, scanned. Errors: NotFound, Unreadable (see fault()).
+    Result<std::vector<SheetTask>, TaskError> make();
+    /// Why the workbook is Unreadable.
+    const Fault<sheet::WorkbookError> &fault() const { return m_fault; }
+    /// The chart before the first worksheet that is read instead of it; empty: none.
+    const QString &skippedChart() const { return m_skippedChart; }
+
+private:
+    using Sheets = Result<std::vector<size_t>, TaskError>;
+
+    Fault<TaskError> unreadable(const Fault<sheet::WorkbookError> &fault);
+    Sheets chooseSheets();
+    Sheets selectedSheet();
+    Sheets sheetOfNumber();
+    Sheets sheetOfName();
+    Sheets firstWithData();
+    std::vector<size_t> sheetsOf(const QString &pattern) const;
+    QString listOfSheets() const;
+    Result<bool, TaskError> hasData(size_t sheet);
+    Result<bool, TaskError> applyRange(SheetTask *task);
+    Result<bool, TaskError> findTable(const QString &name, SheetTask *task);
+    bool findName(const QString &name, SheetTask *task) const;
+    Result<SheetTask, TaskError> makeTask(size_t sheet);
+    sheet::WorkbookResult<void> scan(SheetTask *task);
+    bool hasCells(size_t sheet) const;
+
+    const ReadExcelParams &m_params;
+    sheet::WorkbookReader &m_reader;
+    Fault<sheet::WorkbookError> m_fault{sheet::WorkbookError::Damaged};
+    QString m_skippedChart;
+};
+
+} // namespace corvanta

@@ -1,0 +1,65 @@
+// Walks over the rows of one sheet as the parameters select them.
+//
+// The scan that decides the columns and the delivery of rows use the same walk, so that they see
+// the same rows.
+#pragma once
+#include "actions/read_excel/read_excel_params.h"
+#include "codecs/sheet/workbook_reader.h"
+
+#include <memory>
+#include <span>
+
+namespace corvanta {
+
+/// What is read of a sheet.
+struct WalkOptions
+{
+    sheet::CellArea area;
+    EmptyRows emptyRows = EmptyRows::Keep;
+    bool skipHiddenRows = false;
+};
+
+/// One step of a walk.
+struct WalkStep
+{
+    enum class Kind : quint8 {
+        Row,   ///< with at least one cell
+        Empty, ///< `count` empty rows
+        End,
+    };
+    Kind kind = Kind::End;
+    qint64 count = 0;
+    qint64 row = 0;                          ///< number of the row, or of the first empty one
+    std::span<const sheet::SheetCell> cells; ///< inside the area; valid until the next step
+};
+
+/// Threads: one at a time, except the functions of rows() that say otherwise.
+class SheetWalker
+{
+public:
+    SheetWalker(std::unique_ptr<sheet::SheetRows> rows, const WalkOptions &options);
+
+    /// The next step. Empty rows after the last row with cells are not delivered.
+    sheet::WorkbookResult<WalkStep> next();
+
+    const sheet::SheetRows &rows() const { return *m_rows; }
+    /// Rows with cells that came after a later one; they are not delivered.
+    qint64 lateRows() const { return m_lateRows; }
+
+private:
+    sheet::WorkbookResult<bool> readRow();
+    WalkStep emptyRows(qint64 upTo);
+    WalkStep takeRow();
+
+    std::unique_ptr<sheet::SheetRows> m_rows;
+    const WalkOptions m_options;
+    qint64 m_expected;   // number of the next row
+    qint64 m_hidden = 0; // hidden rows since then
+    sheet::SheetRow m_row;
+    std::span<const sheet::SheetCell> m_cells; // of m_row, inside the area
+    bool m_hasRow = false;                     // m_row is not delivered yet
+    bool m_isEnd = false;
+    qint64 m_lateRows = 0;
+};
+
+} // namespace corvanta

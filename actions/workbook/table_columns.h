@@ -1,0 +1,77 @@
+// The columns of the table that the sheets of all files make together.
+#pragma once
+#include "actions/workbook/sheet_task.h"
+#include "corvanta/meta_info.h"
+
+#include <QHash>
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+namespace corvanta {
+
+/// The columns of a task that are delivered.
+struct TaskColumns
+{
+    std::vector<size_t> scanned; ///< indexes in the scan
+    QStringList names;           ///< unique
+    int leftOut = 0;             ///< empty columns of wide gaps
+    QString firstLeftOut;        ///< letters of the first one
+};
+
+/// Columns with a name or a cell, and the empty ones between them unless they are many.
+TaskColumns columnsOf(const SheetTask &task);
+
+/// How the columns of a sheet differ from those of the first one.
+struct SheetMismatch
+{
+    enum class Kind : quint8 { Count, Name };
+    Kind kind = Kind::Count;
+    qsizetype column = 0; ///< from 0; of Name
+    QString first;        ///< count or name in the first sheet
+    QString found;
+};
+
+/// A column whose type the cells after the sample have changed to text.
+struct LateText
+{
+    QString column;
+    QString place; ///< "row 12 of the sheet 'Data'"
+};
+
+/// Threads: one at a time.
+class TableColumns
+{
+public:
+    struct Column
+    {
+        QString name;
+        quint8 content = 0;
+        cell::Type type = cell::Type::Text;
+    };
+
+    /// Add the columns of a sheet. Strict: they must be those of the first one; otherwise columns
+    /// are joined by name. Sheets without any columns match all others.
+    std::optional<SheetMismatch> add(const SheetTask &task, const TaskColumns &columns,
+                                     bool isStrict);
+    /// Decide the types. `allText`: all are texts.
+    void decideTypes(bool allText);
+
+    const std::vector<Column> &columns() const { return m_columns; }
+    /// Where the cells of the task go: by their index in the scan, the column, or -1.
+    std::vector<int> targetsOf(const SheetTask &task, const TaskColumns &columns,
+                               bool isStrict) const;
+    TableSchema schema() const;
+    const std::vector<LateText> &lateTexts() const { return m_lateTexts; }
+
+private:
+    int indexOf(const QString &name) const { return m_byName.value(name, -1); }
+
+    std::vector<Column> m_columns;
+    QHash<QString, int> m_byName;
+    bool m_isComplete = true; // all scans are
+    std::vector<LateText> m_lateTexts;
+};
+
+} // namespace corvanta

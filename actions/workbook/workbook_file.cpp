@@ -1,0 +1,188 @@
+#include "actions/workbook/workbook_file.h"
+
+#include "codecs/sheet/cell_area.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+WorkbookFile::WorkbookFile(ActionBase &action, QString name, OpenWorkbook workbook,
+                           std::vector<SheetDelivery> sheets, std::vector<cell::Type> types,
+                           int sheetNameColumn)
+    : m_action(action)
+    , m_name(std::move(name))
+    , m_workbook(std::move(workbook))
+    , m_sheets(std::move(sheets))
+    , m_types(std::move(types))
+    , m_sheetNameColumn(sheetNameColumn)
+{
+}
+
+WorkbookFile::~WorkbookFile() = default;
+
+float WorkbookFile::fractionDone() const
+{
+    return m_fraction.load(std::memory_order_relaxed);
+}
+
+/// Report why the sheet cannot be read. The rows before were right. Returns false.
+bool WorkbookFile::fail(const Fault<sheet::WorkbookError> &fault)
+{
+    return m_action.runIsGood() &&
+           m_action.fail(u"Error: The workbook '%1' cannot be read: %2\n"_s.arg(
+               m_name, describe(fault, *m_workbook.source)));
+}
+
+bool WorkbookFile::openSheet()
+{
+    auto rows = sheet().task.openRows(*m_workbook.reader);
+    if (!rows) {
+        return fail(rows.fault());
+    }
+    m_walker = std::make_unique<SheetWalker>(*std::move(rows), sheet().task.options.walk);
+    m_sheetNameBuffer.reset();
+    m_sheetNameCell = bytesFromQString(&m_sheetNameBuffer, sheet().task.name);
+    return true;
+}
+
+bool WorkbookFile::closeSheet()
+{
+    warnProblems(m_walker->rows().problems());
+    // The scan has seen all rows, unless it ended after its sample.
+    const bool isInOrder = m_walker->lateRows() == 0;
+    const QString name = sheet().task.name;
+    m_walker.reset();
+    ++m_sheet;
+    return isInOrder ||
+           m_action.fail(u"Error: The rows of the sheet '%2' of the workbook '%1' are "
+                         "not in order; use sampleOnly='0' to sort them\n"_s.arg(m_name, name));
+}
+
+/// Make the cells that the last row had missing.
+void WorkbookFile::clearRow(OneRow &row)
+{
+    for (const int column : m_filled) {
+        row.setCol(column, nullptr);
+    }
+    m_filled.clear();
+    if (m_sheetNameColumn >= 0) {
+        row.setCol(m_sheetNameColumn, m_sheetNameCell);
+    }
+}
+
+/// A cell after the sample is of another type. Returns false, as it fails the run.
+bool WorkbookFile::doesNotFit(const WalkStep &step, const sheet::SheetCell &cell)
+{
+    return m_action.fail(
+        u"Error: The cell %3 of the sheet '%2' of the workbook '%1' does not have the type that "
+        "the first %4 rows give its column; use sampleOnly='0' or allText='1'\n"_s.arg(
+            m_name, sheet().task.name, sheet::cellName(cell.column, step.row),
+            QString::number(sheet().task.options.sampleRows)));
+}
+
+bool WorkbookFile::putRow(const WalkStep &step, OneRow &row)
+{
+    clearRow(row);
+    const SheetTask &task = sheet().task;
+    const std::vector<int> &targets = sheet().targets;
+    RowBuffer *const buffer = m_action.bufferForOutputPin(0);
+    for (const sheet::SheetCell &cell : step.cells) {
+        const auto index = static_cast<size_t>(cell.column - task.options.walk.area.firstColumn);
+        const int column = index < targets.size() ? targets[index] : -1;
+        if (column < 0) {
+            if (index >= targets.size()) {
+                return doesNotFit(step, cell);
+            }
+            continue;
+        }
+        const cell::Type type = m_types[static_cast<size_t>(column)];
+        if (!task.scan.isComplete && type != cell::Type::Text &&
+            (task.options.rules.contentOf(cell) & (kHasTexts | kHasDates)) != 0) {
+            return doesNotFit(step, cell);
+        }
+        row.setCol(column, task.options.rules.cellFor(cell, type, buffer));
+        m_filled.push_back(column);
+    }
+    return true;
+}
+
+bool WorkbookFile::next(OneRow &row, Found *found)
+{
+    *found = Found::Row;
+    if (m_emptyRows > 0) {
+        --m_emptyRows;
+        clearRow(row);
+        return true;
+    }
+    if (!m_walker) {
+        if (m_sheet == m_sheets.size()) {
+            *found = Found::End;
+            return true;
+        }
+        if (!openSheet()) {
+            return false;
+        }
+    }
+    const auto step = m_walker->next();
+    if (!step) {
+        return fail(step.fault());
+    }
+    constexpr qint64 kRowsPerFraction = 1024;
+    if (++m_rows % kRowsPerFraction == 0) {
+        m_fraction.store(
+            static_cast<float>((static_cast<double>(m_sheet) + m_walker->rows().fractionDone()) /
+                               static_cast<double>(m_sheets.size())),
+            std::memory_order_relaxed);
+    }
+    *found = Found::Nothing;
+    switch (step->kind) {
+    case WalkStep::Kind::End:
+        return closeSheet();
+    case WalkStep::Kind::Empty:
+        // Those before the header are no rows of the table.
+        m_emptyRows = std::max<qint64>(0, step->row + step->count -
+                                              std::max(step->row, sheet().task.scan.firstRow));
+        return true;
+    case WalkStep::Kind::Row:
+        break;
+    }
+    if (step->row < sheet().task.scan.firstRow) {
+        return true;
+    }
+    *found = Found::Row;
+    return putRow(*step, row);
+}
+
+void WorkbookFile::beforeClose()
+{
+    if (m_walker) {
+        warnProblems(m_walker->rows().problems());
+    }
+}
+
+/// One warning per kind of problem.
+void WorkbookFile::warnProblems(const sheet::SheetProblems &problems)
+{
+    static const std::array<const char16_t *, sheet::kSheetProblems> kTexts{
+        u"cells without a valid reference; they follow the cells before them",
+        u"cells with a value that is no number; they are read as texts",
+        u"cells with the number of a text that does not exist; they are left out",
+        u"cells that are there twice; the last one counts",
+        u"rows that are not in order; the rows are sorted",
+        u"cells beyond the last column or row of a sheet; they are left out",
+        u"texts with bytes that are no characters; they are replaced by U+FFFD",
+        u"formulas without a stored result; they are missing",
+    };
+    for (size_t i = 0; i < problems.size(); ++i) {
+        if (problems[i].any()) {
+            m_action.warn(
+                u"Warning: The sheet '%2' of the workbook '%1' has %3 %4; the first is %5\n"_s.arg(
+                    m_name, sheet().task.name, QString::number(problems[i].count()),
+                    QString::fromUtf16(kTexts[i]), problems[i].first()));
+        }
+    }
+}
+
+} // namespace corvanta

@@ -1,0 +1,64 @@
+// One workbook of a run: delivers the rows of its sheets.
+#pragma once
+#include "actions/shared/file_series.h"
+#include "actions/workbook/open_workbook.h"
+#include "actions/workbook/sheet_task.h"
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace corvanta {
+
+/// A sheet of the workbook and where its cells go.
+struct SheetDelivery
+{
+    SheetTask task;
+    std::vector<int> targets; ///< column of the table by column of the scan; -1: left out
+};
+
+/// Threads: see SeriesFile.
+class WorkbookFile final : public SeriesFile
+{
+public:
+    /// `types` are those of the table's columns. `sheetNameColumn`: column for the name of the
+    /// sheet, after them; -1: none.
+    WorkbookFile(ActionBase &action, QString name, OpenWorkbook workbook,
+                 std::vector<SheetDelivery> sheets, std::vector<cell::Type> types,
+                 int sheetNameColumn);
+    ~WorkbookFile() override;
+
+    bool next(OneRow &row, Found *found) override;
+    void beforeClose() override;
+    float fractionDone() const override;
+    void stop() override { m_workbook.reader->stop(); }
+
+private:
+    const SheetDelivery &sheet() const { return m_sheets[m_sheet]; }
+    bool openSheet();
+    bool closeSheet();
+    bool putRow(const WalkStep &step, OneRow &row);
+    void clearRow(OneRow &row);
+    bool doesNotFit(const WalkStep &step, const sheet::SheetCell &cell);
+    bool fail(const Fault<sheet::WorkbookError> &fault);
+    void warnProblems(const sheet::SheetProblems &problems);
+
+    ActionBase &m_action;
+    const QString m_name;
+    OpenWorkbook m_workbook;
+    const std::vector<SheetDelivery> m_sheets;
+    const std::vector<cell::Type> m_types;
+    const int m_sheetNameColumn;
+    RowBuffer m_sheetNameBuffer{0};
+    const uchar *m_sheetNameCell = nullptr;
+
+    size_t m_sheet = 0;                    // the one that is open or opened next
+    std::unique_ptr<SheetWalker> m_walker; // of the open sheet
+    qint64 m_emptyRows = 0;                // still to be delivered
+    std::vector<int> m_filled;             // columns of the row that have a cell
+    std::atomic<float> m_fraction = 0;
+    qint64 m_rows = 0;
+};
+
+} // namespace corvanta
