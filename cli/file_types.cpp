@@ -156,10 +156,9 @@ QString fileAttribute(const ActionRegistry &registry, const QString &type, FileF
 
 } // namespace
 
-CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const ActionRegistry &registry,
-                                                          FileFormat::Use use,
-                                                          const QString &fileName,
-                                                          const QStringList &settings)
+CommandResult<std::unique_ptr<ActionItem>>
+makeFileAction(const ActionRegistry &registry, FileFormat::Use use, const QString &fileName,
+               const QStringList &settings, ReadExtent extent)
 {
     const QString extension = extensionOf(use, fileName);
     const std::optional<FileAction> found = find(registry, use, extension);
@@ -186,7 +185,9 @@ CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const ActionRegistry &
         }
     }
     // The settings of the user come last and win.
-    for (const QStringList &some : {wordsOf(found->format->settings), settings}) {
+    const QStringList early =
+        extent == ReadExtent::FirstRows ? wordsOf(found->format->firstRowsSettings) : QStringList();
+    for (const QStringList &some : {wordsOf(found->format->settings), early, settings}) {
         if (const auto applied = apply(some, type, parameters); !applied) {
             return applied.fault();
         }

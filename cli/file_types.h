@@ -9,13 +9,17 @@
 
 #include <memory>
 
+/// How much of a file is read.
+enum class ReadExtent { Whole, FirstRows };
+
 /// A new action for the file `fileName`, with the settings of its format and then `settings`
 /// (NAME=VALUE each; each string of a list may be a setting of its own). The fault is a usage
 /// error: no action handles the file's extension, or a setting is invalid.
 CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const corvanta::ActionRegistry &registry,
                                                           FileFormat::Use use,
                                                           const QString &fileName,
-                                                          const QStringList &settings);
+                                                          const QStringList &settings,
+                                                          ReadExtent extent = ReadExtent::Whole);
 
 /// A new action of the type `type`, which has a parameter for the file that it writes, for the file
 /// `fileName`.

@@ -24,7 +24,7 @@ CommandOptions inputFileOptions()
 
 /// Runs the reader of the file and passes its first `rows` rows, at least one, to `onRow`.
 CommandResult<void> readFirstRows(const QString &command, const CommandLine &line, qint64 rows,
-                                  const RowListener::Callback &onRow)
+                                  ReadExtent extent, const RowListener::Callback &onRow)
 {
     const auto session = Session::open(line);
     if (!session) {
@@ -33,7 +33,7 @@ CommandResult<void> readFirstRows(const QString &command, const CommandLine &lin
     ActionRegistry registry;
     registry.loadAll();
     CorvantaGraph graph;
-    if (const auto added = addInput(line, line.arguments[0], registry, &graph); !added) {
+    if (const auto added = addInput(line, line.arguments[0], registry, &graph, extent); !added) {
         return added;
     }
     RunOptions options;
@@ -98,11 +98,15 @@ CommandResult<void> headCommand(const CommandLine &line)
     if (!rows) {
         return rows.fault();
     }
+    // Readers that must look at all rows for the types of columns then look at this many.
+    constexpr qint64 kFewRows = 1000;
+    const ReadExtent extent = *rows <= kFewRows ? ReadExtent::FirstRows : ReadExtent::Whole;
     FirstRows printer(*rows);
-    return readFirstRows(u"head"_s, line, *rows, [&](const auto &columns, const OneRow *row) {
+    const auto add = [&](const TableSchema &columns, const OneRow *row) {
         printer.add(columns, row);
         return true;
-    });
+    };
+    return readFirstRows(u"head"_s, line, *rows, extent, add);
 }
 
 CommandOptions schemaOptions()
@@ -120,5 +124,5 @@ CommandResult<void> schemaCommand(const CommandLine &line)
         }
         return true;
     };
-    return readFirstRows(u"schema"_s, line, 1, show);
+    return readFirstRows(u"schema"_s, line, 1, ReadExtent::Whole, show);
 }

@@ -29,9 +29,53 @@ CommandResult<std::optional<int>> tableOf(const CommandLine &line)
     return std::optional(number - 1);
 }
 
+/// Index of the sheet of --sheet, a name or a number from 1; nothing without that option.
+CommandResult<std::optional<int>> sheetOf(const CommandLine &line, const QString &fileName,
+                                          ActionParameters *parameters)
+{
+    if (!line.values.contains(u"--sheet"_s)) {
+        return std::optional<int>();
+    }
+    const QString wanted = line.value(u"--sheet"_s, QString());
+    const QVector<InputTable> tables = parameters->inputTables();
+    if (tables.isEmpty() || tables[0].rows != InputTable::kRowsNotKnown) {
+        return badUsage(u"--sheet: '%1' is not a workbook that can be read"_s.arg(fileName));
+    }
+    // A name comes first: sheets may be named "2024".
+    for (const Qt::CaseSensitivity sensitivity : {Qt::CaseSensitive, Qt::CaseInsensitive}) {
+        for (int i = 0; i < tables.size(); ++i) {
+            if (tables[i].path.compare(wanted, sensitivity) == 0) {
+                return std::optional(i);
+            }
+        }
+    }
+    const int number = wanted.toInt();
+    if (number < 1 || number > tables.size()) {
+        QStringList names;
+        for (const InputTable &table : tables.first(std::min(tables.size(), kListedTables))) {
+            names << u"'%1'"_s.arg(visibleText(table.path));
+        }
+        return badUsage(u"--sheet: '%1' has no sheet '%2'; its sheets are %3"_s.arg(
+            fileName, wanted, names.join(u", "_s)));
+    }
+    return std::optional(number - 1);
+}
+
+/// One line of the list of sheets.
+QString describeSheet(const InputTable &sheet, qsizetype number)
+{
+    const QString notes = sheet.beginning.isEmpty() ? QString() : u" (%1)"_s.arg(sheet.beginning);
+    return u"\n%1 %2: %3%4"_s.arg(sheet.isChosen ? u"*"_s : u" "_s,
+                                  QString::number(number).rightJustified(3),
+                                  visibleText(sheet.path), notes);
+}
+
 /// One line of the list of tables; `number` is the one that --table takes.
 QString describe(const InputTable &table, qsizetype number)
 {
+    if (table.rows == InputTable::kRowsNotKnown) {
+        return describeSheet(table, number);
+    }
     const QString cut = table.beginning.size() > kBeginningChars ? u"..."_s : QString();
     return u"\n%1 %2: %3 rows x %4 columns: %5 (%6)"_s.arg(
         table.isChosen ? u"*"_s : u" "_s, QString::number(number).rightJustified(3),
@@ -45,9 +89,12 @@ void logTables(const QVector<InputTable> &tables)
     if (tables.size() < 2) {
         return;
     }
+    const bool areSheets = tables[0].rows == InputTable::kRowsNotKnown;
     QString text =
-        u"The file contains %1 tables; the marked one is read (--table NUMBER reads another):"_s
-            .arg(tables.size());
+        areSheets
+            ? u"The file contains %1 sheets; the marked one is read (--sheet NAME or NUMBER reads another):"_s
+            : u"The file contains %1 tables; the marked one is read (--table NUMBER reads another):"_s;
+    text = text.arg(tables.size());
     for (qsizetype i = 0; i < tables.size(); ++i) {
         // The marked table is always listed, so that the user can see which one is read.
         if (i < kListedTables || tables[i].isChosen) {
@@ -62,18 +109,19 @@ void logTables(const QVector<InputTable> &tables)
 
 CommandOptions inputOptions()
 {
-    return {{u"--reader"_s, u"--table"_s}, {}};
+    return {{u"--reader"_s, u"--table"_s, u"--sheet"_s}, {}};
 }
 
 CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
-                             const ActionRegistry &registry, CorvantaGraph *graph)
+                             const ActionRegistry &registry, CorvantaGraph *graph,
+                             ReadExtent extent)
 {
     const auto table = tableOf(line);
     if (!table) {
         return table.fault();
     }
-    const auto action =
-        makeFileAction(registry, FileFormat::Read, fileName, line.values.value(u"--reader"_s));
+    const auto action = makeFileAction(registry, FileFormat::Read, fileName,
+                                       line.values.value(u"--reader"_s), extent);
     if (!action) {
         return action.fault();
     }
@@ -81,8 +129,12 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
     auto *const parameters = dynamic_cast<ActionParameters *>(action->get());
     // Messages about the file look as if the running action had logged them.
     const LogScope scope({nullptr, QString::fromLatin1(kInputId)});
+    const auto sheet = sheetOf(line, fileName, parameters);
+    if (!sheet) {
+        return sheet.fault();
+    }
     constexpr int kMostLikely = -1;
-    if (!parameters->fillFromInput(table->value_or(kMostLikely))) {
+    if (!parameters->fillFromInput(sheet->value_or(table->value_or(kMostLikely)))) {
         return Fault{kFailed};
     }
     const QVector<InputTable> tables = parameters->inputTables();

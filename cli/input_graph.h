@@ -3,14 +3,16 @@
 #include "command_line.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/corvanta_graph.h"
+#include "file_types.h"
 
 /// Id of that action.
 inline constexpr char kInputId[] = "input";
 
-/// The options that addInput() uses: --reader and --table.
+/// The options that addInput() uses: --reader, --table and --sheet.
 CommandOptions inputOptions();
 
 /// Add the action that reads `fileName`; parameters that depend on the content of the file are set
 /// from its beginning.
 CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
-                             const corvanta::ActionRegistry &registry, CorvantaGraph *graph);
+                             const corvanta::ActionRegistry &registry, CorvantaGraph *graph,
+                             ReadExtent extent = ReadExtent::Whole);

@@ -6,7 +6,7 @@ namespace corvanta {
 namespace {
 
 constexpr FileFormat kFormats[] = {
-    {FileFormat::Read, FileFormat::Workbook, "xlsx xlsm"},
+    {FileFormat::Read, FileFormat::Workbook, "xlsx xlsm", "", "scanRows=1000 sampleOnly=1"},
 };
 
 } // namespace

@@ -14,6 +14,29 @@ namespace {
 constexpr qint64 kMaxSparseCells = qint64(1) << 30;
 constexpr qint64 kSparseRatio = 1000;
 
+/// What is special about a sheet, for lists.
+QString notesOf(const sheet::SheetInfo &info)
+{
+    QStringList notes;
+    switch (info.kind) {
+    case sheet::SheetKind::Worksheet:
+        break;
+    case sheet::SheetKind::Chart:
+        notes << u"chart"_s;
+        break;
+    case sheet::SheetKind::Macro:
+        notes << u"macros"_s;
+        break;
+    case sheet::SheetKind::Dialog:
+        notes << u"dialog"_s;
+        break;
+    }
+    if (info.visibility != sheet::SheetVisibility::Visible) {
+        notes << u"hidden"_s;
+    }
+    return notes.join(u", "_s);
+}
+
 } // namespace
 
 void ReadWorkbook::start()
@@ -308,9 +331,37 @@ bool ReadWorkbook::fill(int sheet)
     return true;
 }
 
+/// The sheets of the first file. Outside runs: nothing here fails one.
 QVector<InputTable> ReadWorkbook::listTables()
 {
-    return {};
+    QVector<InputTable> sheets;
+    const ReadExcelParams &params = readerParams();
+    const QStringList files =
+        params.fileNameFromPin ? QStringList() : namesOfPattern(*this, params.fileName);
+    if (files.isEmpty()) {
+        return sheets;
+    }
+    InputFile file(globalParameters(), files.first(), false, InputFile::Report::Nothing);
+    // A pipe could not be read again by the run.
+    if (!file.isOpen() || file.size() < 0) {
+        return sheets;
+    }
+    const auto reader = workbookFormat().makeReader(file);
+    if (!reader) {
+        return sheets;
+    }
+    for (const sheet::SheetInfo &info : (*reader)->sheets()) {
+        InputTable table;
+        table.path = info.name;
+        table.rows = InputTable::kRowsNotKnown;
+        table.beginning = notesOf(info);
+        table.isChosen = params.sheets == SheetChoice::Selected &&
+                         (params.sheetMode == SheetSelection::ByName
+                              ? info.name == params.sheetName
+                              : params.sheetIdx.toLongLong() == sheets.size() + 1);
+        sheets << table;
+    }
+    return sheets;
 }
 
 } // namespace corvanta

@@ -3,6 +3,7 @@
 //   <c r="B7" s="1" t="s"><v>12</v></c>
 //   <c r="C7"><f>A7+B7</f><v>3.5</v></c>
 //   <c r="D7" s="3"/>
+//   <c r="E7" t="inlineStr"><is><t>text</t></is></c>
 #include "codecs/xlsx/read/cell_scan.h"
 
 #include "base/number.h"
@@ -87,6 +88,36 @@ const char *skipFormula(const char *at, const char *end, RawCell *cell)
     const char *const next = findMarkup(close + 1);
     // A NUL is the end of the bytes, or no text of XML.
     return startsWith(next, end, "</f>") ? next + 4 : nullptr;
+}
+
+/// The elements around the text of a cell.
+struct Content
+{
+    QByteArrayView opening;
+    QByteArrayView closing;
+};
+constexpr Content kValue{"<v>", "</v></c>"};
+constexpr Content kInline{"<is><t>", "</t></is></c>"};
+constexpr Content kInlineWithSpace{"<is><t xml:space=\"preserve\">", "</t></is></c>"};
+
+/// Scan the text at `at` and the end of the cell. Returns the address after it, null for anything
+/// unusual or incomplete.
+const char *scanContent(const char *at, const char *end, RawCell *cell)
+{
+    const Content &content = startsWith(at, end, kValue.opening)    ? kValue
+                             : startsWith(at, end, kInline.opening) ? kInline
+                                                                    : kInlineWithSpace;
+    if (!startsWith(at, end, content.opening)) {
+        return nullptr;
+    }
+    const char *const text = at + content.opening.size();
+    const char *const stop = findMarkup(text);
+    if (!startsWith(stop, end, content.closing)) {
+        return nullptr;
+    }
+    cell->hasValue = true;
+    cell->value = {text, stop - text};
+    return stop + content.closing.size();
 }
 
 /// The powers of ten that a double holds exactly.
@@ -181,18 +212,8 @@ CellScan scanCell(const char *at, const char *end, RawCell *cell, const char **a
         *after = stop + 4;
         return CellScan::Cell;
     }
-    if (!startsWith(stop, end, "<v>")) {
-        return otherwise;
-    }
-    const char *const value = stop + 3;
-    stop = findMarkup(value);
-    if (!startsWith(stop, end, "</v></c>")) {
-        return otherwise;
-    }
-    cell->hasValue = true;
-    cell->value = {value, stop - value};
-    *after = stop + 8;
-    return CellScan::Cell;
+    *after = scanContent(stop, end, cell);
+    return *after != nullptr ? CellScan::Cell : otherwise;
 }
 
 } // namespace corvanta::xlsx

@@ -1,6 +1,6 @@
 // Scans one cell of the usual form, in a single pass over its bytes.
 //
-// Cells of another form (a prefix, an inline string, references in the value) are left to the
+// Cells of another form (a prefix, a rich text, other elements) are left to the
 // general way, which reads the same cells and more. Threads: pure functions.
 #pragma once
 #include <QByteArrayView>

@@ -73,6 +73,8 @@ sheet::WorkbookResult<void> readRawText(PartText &part, const opc::Tag &opening,
             break;
         }
     }
+    // appendText() loads blocks beyond the end.
+    value->reserve(value->size() + static_cast<qsizetype>(Piece::kPadding));
     return {};
 }
 

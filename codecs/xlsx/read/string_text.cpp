@@ -95,6 +95,26 @@ bool has(QByteArrayView text, char c)
     return std::memchr(text.data(), c, static_cast<size_t>(text.size())) != nullptr;
 }
 
+/// Widen a text that is all ASCII and needs no decoding, as most are. Returns false for any other;
+/// `to` is then partly written. May load a block beyond the text, where there is padding.
+bool widenSimple(QByteArrayView raw, char16_t *to)
+{
+    const auto is = [](__m128i block, char c) { return _mm_cmpeq_epi8(block, _mm_set1_epi8(c)); };
+    for (qsizetype at = 0; at < raw.size(); at += kWidenBlock) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(raw.data() + at));
+        const __m128i special =
+            _mm_or_si128(_mm_or_si128(is(block, '&'), is(block, '\r')), is(block, '_'));
+        quint32 mask = widenBlock(raw.data() + at, to + at);
+        mask |= static_cast<quint32>(_mm_movemask_epi8(special));
+        const qsizetype left = raw.size() - at;
+        mask &= left >= kWidenBlock ? 0xFFFFU : (1U << left) - 1;
+        if (mask != 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
 bool isWellFormed(QByteArrayView raw)
 {
     Utf8Stop stop = Utf8Stop::End;
@@ -113,6 +133,10 @@ bool appendText(QByteArrayView raw, bool isLiteral, std::vector<char16_t> *out)
     // The conversion may write a whole block beyond its result.
     out->resize(from + static_cast<size_t>(raw.size()) + kWidenBlock);
     char16_t *to = out->data() + from;
+    if (widenSimple(raw, to)) {
+        out->resize(from + static_cast<size_t>(raw.size()));
+        return true;
+    }
     const bool isPlain = !has(raw, '\r') && (isLiteral || !has(raw, '&'));
     const char *const end = raw.data() + raw.size();
     for (const char *at = raw.data(); at != end;) {

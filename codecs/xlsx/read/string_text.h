@@ -9,8 +9,9 @@ namespace corvanta::xlsx {
 
 /// Append raw text as UTF-16: references are decoded, line ends become LF (XML 1.0, section 2.11),
 /// and then the forms _xHHHH_ are decoded, which stand for characters that XML cannot hold.
-/// `isLiteral`: the text of a CDATA section, without references. Appends at most one unit per byte.
-/// Returns false when bytes were no UTF-8; each of them became U+FFFD.
+/// At least kWidenBlock readable bytes follow `raw`. `isLiteral`: the text of a CDATA section,
+/// without references. Appends at most one unit per byte. Returns false when bytes were no UTF-8;
+/// each of them became U+FFFD.
 bool appendText(QByteArrayView raw, bool isLiteral, std::vector<char16_t> *out);
 
 /// Append the text of the string item `si` or `is` whose opening tag was the last item: the texts

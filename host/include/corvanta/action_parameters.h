@@ -76,10 +76,13 @@ CORVANTA_EXPORT KnownNames knownNames(const QVector<ParameterInfo> &infos);
 /// One of the tables that an input file offers.
 struct InputTable
 {
-    QString path; ///< of the table in the file
+    /// For sheets of workbooks, which are listed without reading them.
+    static constexpr qint64 kRowsNotKnown = -1;
+
+    QString path; ///< of the table in the file; the name of a sheet
     qint64 rows = 0;
     qint64 columns = 0;
-    QString beginning;     ///< of its first row, for people
+    QString beginning;     ///< of its first row, for people; of a sheet what is special about it
     bool isChosen = false; ///< the parameters read this table; true for at most one
 };
 

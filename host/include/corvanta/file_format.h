@@ -18,4 +18,6 @@ struct FileFormat
     /// Parameters that a new action on such a file starts with, NAME=VALUE, separated by blanks.
     /// They request what is off by default only because saved graphs depend on it.
     const char *settings = "";
+    /// The same, in addition, for reading only the first rows: what makes them arrive early.
+    const char *firstRowsSettings = "";
 };
