@@ -17,7 +17,7 @@
 #include "codecs/xls/cell_records.h"
 
 #include "base/bytes.h"
-#include "codecs/sheet/cell_text.h"
+#include "codecs/sheet/cell_area.h"
 
 #include <algorithm>
 #include <bit>
@@ -42,8 +42,7 @@ constexpr int kMostColumns = 16384;
 
 QString placeOfCell(qint64 row, int column)
 {
-    return QStringLiteral("cell %1%2")
-        .arg(QString::fromLatin1(sheet::columnLetters(column)), QString::number(row + 1));
+    return QStringLiteral("cell ") + sheet::cellName(column, row);
 }
 
 double numberOfRk(quint32 rk)
@@ -358,15 +357,15 @@ bool CellDecoder::seekResultText(Record *record)
 
 void CellDecoder::addResultText(int row0, int column, RowCells *row)
 {
-    const size_t begin = row->ownText().size();
     Record record;
-    bool isGood = seekResultText(&record);
-    if (isGood) {
-        ContinuedBytes in(m_reader, record);
-        const qint64 length = record.id == kString2 ? in.u8() : in.u16();
-        isGood = m_rules.append(in, length, &row->ownText());
+    if (!seekResultText(&record)) {
+        count(SheetProblem::NoResult, row0, column);
+        return;
     }
-    if (!isGood) {
+    const size_t begin = row->ownText().size();
+    ContinuedBytes in(m_reader, record);
+    const qint64 length = record.id == kString2 ? in.u8() : in.u16();
+    if (!m_rules.append(in, length, &row->ownText())) {
         count(SheetProblem::BadText, row0, column);
     }
     row->addOwnText(column, begin);

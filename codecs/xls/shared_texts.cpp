@@ -9,7 +9,8 @@ void SharedTexts::read(RecordReader &reader, const Record &record, const TextRea
     constexpr qint64 kCountBytes = 8;
     m_units.clear();
     m_ends.clear();
-    ContinuedBytes in(reader, record, kCountBytes);
+    ContinuedBytes in(reader, record);
+    in.skip(kCountBytes);
     while (!in.atEnd()) {
         rules.append(in, in.u16(), &m_units);
         m_ends.push_back(m_units.size());
