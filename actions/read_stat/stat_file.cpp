@@ -173,6 +173,9 @@ bool StatFile::readLabels(const QString &catalogue)
         return readCatalogue(catalogue);
     }
     if (m_options.format == stat::Format::Sas || m_options.format == stat::Format::SasTransport) {
+        m_action.warn(
+            u"Warning: the statistical file '%1' has no value labels, because those of SAS are in a catalogue: the values are read. The parameter 'catalogFile' names the catalogue\n"_s
+                .arg(m_name));
         return true;
     }
     auto labels = stat::readLabelSets(*m_source, m_options.format, m_options.encoding);
@@ -199,6 +202,9 @@ bool StatFile::readCatalogue(const QString &name)
     if (!labels) {
         return m_action.fail(u"ERROR: cannot read the catalogue '%1': %2\n"_s.arg(
             name, describe(labels.fault(), **source)));
+    }
+    if (labels->empty()) {
+        m_action.warn(u"Warning: the catalogue '%1' has no value labels\n"_s.arg(name));
     }
     m_labels = *std::move(labels);
     return true;
@@ -338,6 +344,11 @@ void StatFile::beforeClose()
         m_action.warn(
             u"Warning: %2 texts of the statistical file '%1' end in an incomplete character, which is left out; the first is in %3\n"_s
                 .arg(m_name, QString::number(texts.count()), texts.first()));
+    }
+    if (const Occurrences &values = findings.badDates; values.any()) {
+        m_action.warn(
+            u"Warning: %2 values of the statistical file '%1' are no dates of the years 1 to 9999 and are read as numbers; the first is in %3\n"_s
+                .arg(m_name, QString::number(values.count()), values.first()));
     }
     if (const Occurrences &values = findings.userMissing; values.any()) {
         MainUI::addLog(

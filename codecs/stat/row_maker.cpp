@@ -99,8 +99,8 @@ inline bool RowMaker::putNumber(int column, double number)
 inline bool RowMaker::putText(int column, const char *text)
 {
     const auto n = static_cast<qsizetype>(std::strlen(text));
-    uchar *const bytes =
-        m_ring.room(kLengthRoom + n * 2 * static_cast<qsizetype>(sizeof(char16_t)));
+    const qsizetype unitBytes = m_decoder.maxUnits(n) * static_cast<qsizetype>(sizeof(char16_t));
+    uchar *const bytes = m_ring.room(kLengthRoom + unitBytes);
     if (bytes == nullptr) {
         return false;
     }
@@ -123,10 +123,13 @@ inline bool RowMaker::putText(int column, const char *text)
 bool RowMaker::putOwn(int column, double number)
 {
     std::array<char, kDateChars> text{};
-    const DateKind date = m_columns[static_cast<size_t>(column)].date;
-    int n = date == DateKind::None ? 0 : putDateText(date, number, text.data());
-    if (n == 0) { // not a date, or none that the calendar has
+    const ColumnPlan &plan = m_columns[static_cast<size_t>(column)];
+    int n = plan.date == DateKind::None ? 0 : putDateText(plan.date, number, text.data());
+    if (n == 0) {
         n = putShortest(number, text.data());
+        if (plan.date != DateKind::None) {
+            m_findings.badDates.add([&] { return place(plan); });
+        }
     }
     return putAscii(column, text.data(), n);
 }

@@ -17,6 +17,7 @@ struct Findings
     Occurrences replacedTexts; ///< with bytes that are invalid in the encoding
     Occurrences cutTexts;      ///< that end in an incomplete character
     Occurrences userMissing;   ///< values that the file declares to be missing
+    Occurrences badDates;      ///< that the calendar does not have; they are read as numbers
 };
 
 /// How the values of a column become cells.

@@ -73,8 +73,8 @@ bool RowRing::extend(qint64 bytes)
     if (!waitForFree(lock, needed)) {
         return false;
     }
-    const qint64 step = std::min({std::max(needed, kStepBytes), m_freeBytes,
-                                  static_cast<qint64>(blockEnd() - m_end)});
+    const qint64 step = std::min(
+        {std::max(needed, kStepBytes), m_freeBytes, static_cast<qint64>(blockEnd() - m_end)});
     m_freeBytes -= step;
     m_end += step;
     return true;

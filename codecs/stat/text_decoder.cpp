@@ -116,7 +116,7 @@ Decoded TextDecoder::decode(const char *in, qsizetype n, char16_t *out, qsizetyp
 
 QString TextDecoder::decode(QByteArrayView bytes) const
 {
-    QString text(bytes.size() * 2, Qt::Uninitialized);
+    QString text(maxUnits(bytes.size()), Qt::Uninitialized);
     qsizetype units = 0;
     decode(bytes.data(), bytes.size(), reinterpret_cast<char16_t *>(text.data()), &units);
     text.truncate(units);

@@ -29,7 +29,10 @@ public:
     TextDecoder &operator=(TextDecoder &&) noexcept;
     ~TextDecoder();
 
-    /// Convert `n` bytes to `out`, which has room for 2 * n units; sets `*units` to their number.
+    /// The most units that a text of `n` bytes gives.
+    qsizetype maxUnits(qsizetype n) const { return m_kind == Kind::MultiByte ? 2 * n : n; }
+    /// Convert `n` bytes to `out`, which has room for maxUnits(n) units; sets `*units` to their
+    /// number.
     Decoded decode(const char *in, qsizetype n, char16_t *out, qsizetype *units) const;
     /// The same as a QString, for names and labels.
     QString decode(QByteArrayView bytes) const;

@@ -287,18 +287,17 @@ struct Reader
     const char *name;
     QList<QByteArray> chain;
     QString input;                                    ///< is damaged
-    QByteArray writer;                                ///< writes it; empty: a copy of kTable
+    QByteArray writer;                                ///< writes it; empty: a copy of `sample`
     QByteArray (*pack)(const QByteArray &) = nullptr; ///< is applied to it
     QString sibling = {};                             ///< a copy of it, which is read before
     QString part = {};                                ///< also names the input in messages
+    QByteArray sample = "read_xbf/types/all.dbf";     ///< a file of the graph cases
 };
 
 void PrintTo(const Reader &reader, std::ostream *out)
 {
     *out << reader.name;
 }
-
-constexpr char kTable[] = CORVANTA_SOURCE_DIR "/tests/graphs/read_xbf/types/all.dbf";
 
 const std::vector<Reader> &readers()
 {
@@ -327,6 +326,10 @@ const std::vector<Reader> &readers()
         "<writeJSON fileName='input.csv'><Prefix></Prefix><Suffix></Suffix><Levels>"
         "<Level commaSeparated='0'><Item text='{'/><Item type='1'/><Item text='}&#10;'/></Level>"
         "</Levels></writeJSON>";
+    const auto stat = [&](const char *name, const QByteArray &file, const char *sample) -> Reader {
+        return {name,  {table("readStat", file)}, QString::fromLatin1(file), {}, nullptr, {}, {},
+                sample};
+    };
     static const std::vector<Reader> all = {
         {"readCSV",
          {"<readCSV fileName='input.csv' types='K,F,U,U,U'/>"},
@@ -369,6 +372,10 @@ const std::vector<Reader> &readers()
          writeParquet,
          nullptr,
          u"input-.parquet"_s},
+        stat("readSpss", "input.sav", "read_stat/values/v.sav"),
+        stat("readStata", "input.dta", "read_stat/values/v.dta"),
+        stat("readSas", "input.sas7bdat", "read_stat/sas/s.sas7bdat"),
+        stat("readTransport", "input.xpt", "read_stat/values/v.xpt"),
     };
     return all;
 }
@@ -379,7 +386,8 @@ protected:
     void SetUp() override
     {
         if (GetParam().writer.isEmpty()) {
-            QFile table(QString::fromLatin1(kTable));
+            QFile table(
+                QString::fromLatin1(CORVANTA_SOURCE_DIR "/tests/graphs/" + GetParam().sample));
             ASSERT_TRUE(table.open(QIODevice::ReadOnly));
             m_folder.write(input(), table.readAll());
         } else {
