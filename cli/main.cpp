@@ -55,14 +55,17 @@ constexpr Command kCommands[] = {
      "SIGHUP, SIGINT (Ctrl-C), SIGQUIT or SIGTERM. These signals stop the run cleanly; a second "
      "Ctrl-C ends the program immediately.\n"},
     {"check", checkOptions, checkCommand, "validate a graph without running it",
-     "corvanta check GRAPH [options]\n\n"
+     "corvanta check GRAPH [options]\n"
+     "corvanta check --template FILE [--json]\n\n"
      "Reports everything that makes GRAPH invalid; unknown names and wrong values of parameters, "
      "which a run ignores; and\n"
      "missing files, folders and values. Warnings are what is probably not intended.\n\n"
      "  --set NAME=VALUE, --out-dir DIR, --log-format text|json\n"
      "                          as for \"corvanta run\"\n"
      "  --list-outputs          print the files that a run would write, one per line\n"
-     "  --json                  print the problems, or the files, as a JSON array\n\n"
+     "  --template              list the markers and chart tags of the Office template FILE, and "
+     "those that a run does not find\n"
+     "  --json                  print the problems, the files or the markers as a JSON array\n\n"
      "Exit status: 0 if there are at most warnings, else 2.\n"},
     {"convert", convertOptions, convertCommand, "convert a file into another format",
      "corvanta convert INPUT OUTPUT [options]\n\n"

@@ -5,6 +5,7 @@
 #include "file_types.h"
 #include "problem_list.h"
 #include "session.h"
+#include "template_list.h"
 #include "visible_text.h"
 
 #include <QDir>
@@ -224,9 +225,9 @@ CommandResult<void> runCommand(const CommandLine &line)
 CommandOptions checkOptions()
 {
     return {{u"--set"_s, u"--out-dir"_s, u"--log-format"_s},
-            {u"--list-outputs"_s, u"--json"_s},
+            {u"--list-outputs"_s, u"--template"_s, u"--json"_s},
             1,
-            u"one graph file is required"_s};
+            u"one graph file, or one template with --template, is required"_s};
 }
 
 CommandResult<void> checkCommand(const CommandLine &line)
@@ -234,6 +235,9 @@ CommandResult<void> checkCommand(const CommandLine &line)
     const auto session = Session::open(line);
     if (!session) {
         return session.fault();
+    }
+    if (line.has(u"--template"_s)) {
+        return checkTemplate(line.arguments[0], line.has(u"--json"_s));
     }
     // With --list-outputs the array holds the names of files instead.
     if (!line.has(u"--json"_s) || line.has(u"--list-outputs"_s)) {

@@ -1,6 +1,7 @@
 #include "actions/write_doc/write_doc.h"
 
 #include "base/platform/files.h"
+#include "codecs/document/template_list.h"
 #include "codecs/opc/markup_scan.h"
 #include "corvanta/failure_reason.h"
 
@@ -74,11 +75,36 @@ QString ActionWriteDoc::message(TemplateProblem problem, const QString &name) co
     return u"\nWARNING: problem closing the output file\n"_s;
 }
 
+bool ActionWriteDoc::templateMarks(const QString &file, QVector<TemplateMark> *marks)
+{
+    if (!openTemplate(file)) {
+        return false;
+    }
+    const auto listed = document::listTemplate(templateReader());
+    if (!listed) {
+        return failPackage(listed.fault(), TemplateProblem::CannotReadPart);
+    }
+    for (const document::TemplateMarker &one : *listed) {
+        QStringList remedies;
+        if (one.runs > 1) {
+            remedies << u"type it again in one go, or set joinRuns='1'"_s;
+        }
+        if (!one.isInBody) {
+            remedies << u"set allParts='1'"_s;
+        }
+        marks->push_back({one.text, one.location, QString::fromUtf8(one.part), one.count, one.runs,
+                          remedies.join(u"; "_s)});
+    }
+    closeFiles();
+    return true;
+}
+
 void ActionWriteDoc::start()
 {
     m_run = std::make_unique<Run>();
     m_run->rules.breaksAtLineEnds = m_params.processCR;
     m_run->rules.breaksAtBackslashN = m_params.processLF;
+    m_run->rules.closesText = m_params.strictMarkup;
 }
 
 bool ActionWriteDoc::step()
@@ -131,7 +157,7 @@ bool ActionWriteDoc::findColumns(const OneRow &columns)
 
 bool ActionWriteDoc::writeRow(const OneRow &row)
 {
-    const QString name = expandFile(row.text(m_run->output));
+    const QString name = expandOutputFile(row.text(m_run->output), QString());
     if (!useTemplate(expandFile(row.text(m_run->templateColumn))) || !checkName(name)) {
         return false;
     }

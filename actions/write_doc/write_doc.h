@@ -22,6 +22,7 @@ class ActionWriteDoc final : public ParamAction<ActionWriteDoc, WriteDocParams, 
 public:
     ActionWriteDoc(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<WriteDocParams> &paramTable() { return writeDocParamTable(); }
+    bool templateMarks(const QString &file, QVector<TemplateMark> *marks) override;
 
 protected:
     void start() override;

@@ -56,6 +56,10 @@ ParamGroup<P> extensions()
             .label("Keep the ratio of images")
             .meaning("Fits each image into the box of its placeholder and keeps the image's "
                      "ratio of width to height."),
+        flag("strictMarkup", &P::strictMarkup)
+            .label("Markup as in the standard")
+            .meaning("Ends the text element at line breaks in Word documents. Off: the break "
+                     "is inside it, where some programs do not show it."),
     };
 }
 

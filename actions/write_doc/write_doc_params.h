@@ -21,6 +21,8 @@ struct WriteDocParams
     bool allParts = false;
     /// Pictures keep their ratio inside the box of the placeholder.
     bool fitImages = false;
+    /// Line breaks in Word documents are outside of text elements.
+    bool strictMarkup = false;
     /// Columns whose texts replace the markers %NAME%.
     QStringList textColumns;
     /// Columns with names of image files, for pictures whose targets contain %NAME%.

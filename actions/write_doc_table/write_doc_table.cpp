@@ -1,5 +1,6 @@
 #include "actions/write_doc_table/write_doc_table.h"
 
+#include "codecs/document/document_parts.h"
 #include "codecs/opc/marker_search.h"
 #include "codecs/opc/markup_scan.h"
 #include "corvanta/failure_reason.h"
@@ -12,12 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
-namespace {
-
-constexpr char kDocumentPart[] = "word/document.xml";
-constexpr char kStylesPart[] = "word/styles.xml";
-
-} // namespace
+using document::kDocumentPart;
+using document::kStylesPart;
 
 ActionWriteDocTable::ActionWriteDocTable(const XMLNode &saved, GlobalParameters *parameters)
     // The pins follow from the tables that were saved.
@@ -165,6 +162,7 @@ bool ActionWriteDocTable::beginTable(const OneRow &columns)
     document::TextRules rules;
     rules.breaksAtLineEnds = m_params.processCR;
     rules.breaksAtBackslashN = m_params.processLF;
+    rules.closesText = m_params.strictMarkup;
     m_run->rows = 0;
     m_run->replaced.reset();
     m_run->tables.emplace_back();
@@ -241,8 +239,10 @@ bool ActionWriteDocTable::writeDocument()
     if (const auto copied = copy.copyMembers(document()); !copied) {
         return failPackage(copied.fault(), TemplateProblem::CannotCopyMember);
     }
-    const auto places = document::findTablePlaces(body, m_run->markers);
+    const auto places = m_params.strictMarkup ? document::findParagraphPlaces(body, m_run->markers)
+                                              : document::findTablePlaces(body, m_run->markers);
     reportMarkers(body, places);
+    reportPlaces(places);
     const auto opened = document().open(copy.memberOf(kDocumentPart));
     return (opened || failPackage(opened.fault(), TemplateProblem::CannotCopyMember)) &&
            writeBody(body, places) && commitDocument();
@@ -294,7 +294,7 @@ bool ActionWriteDocTable::writeBody(const QByteArray &body,
     qsizetype at = 0;
     for (const document::TablePlace &place : places) {
         const bool done = runIsGood() && put(text.sliced(at, place.copyEnd - at)) &&
-                          writeTable(place.table) && put(place.after);
+                          put(place.before) && writeTable(place.table) && put(place.after);
         if (!done) {
             return runIsGood() && failWith(TemplateProblem::CannotWrite, {}, documentReason());
         }
@@ -333,6 +333,33 @@ void ActionWriteDocTable::reportMarkers(const QByteArray &body,
                 u"Warning: the template has no marker '%1': the table on input pin %2 is not written.\n"_s
                     .arg(marker, QString::number(i + 1)));
         }
+    }
+}
+
+void ActionWriteDocTable::reportPlaces(const std::vector<document::TablePlace> &places)
+{
+    Occurrences dropped;
+    Occurrences inText;
+    for (const document::TablePlace &place : places) {
+        const auto marker = [&] {
+            return QString::fromUtf8(m_run->markers[static_cast<size_t>(place.table)]);
+        };
+        if (place.dropped > 0) {
+            dropped.add(marker);
+        }
+        if (place.isInText) {
+            inText.add(marker);
+        }
+    }
+    if (dropped.any()) {
+        warn(
+            u"Warning: the texts before %1 markers in their paragraphs are dropped, first that before '%2': put markers into paragraphs of their own, or set strictMarkup='1'.\n"_s
+                .arg(QString::number(dropped.count()), dropped.first()));
+    }
+    if (inText.any()) {
+        warn(
+            u"Warning: %1 tables are inside the text of a formatted paragraph, where some programs do not show them, first that at '%2': set strictMarkup='1'.\n"_s
+                .arg(QString::number(inText.count()), inText.first()));
     }
 }
 

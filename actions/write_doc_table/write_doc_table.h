@@ -68,6 +68,7 @@ private:
     bool writeBody(const QByteArray &body, const std::vector<document::TablePlace> &places);
     bool writeTable(int table);
     void reportMarkers(const QByteArray &body, const std::vector<document::TablePlace> &places);
+    void reportPlaces(const std::vector<document::TablePlace> &places);
 
     std::unique_ptr<Run> m_run; // from start() to finish()
 };

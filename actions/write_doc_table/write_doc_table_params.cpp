@@ -66,6 +66,11 @@ const ParamTable<WriteDocTableParams> &writeDocTableParamTable()
         flag("joinRuns", &P::joinRuns)
             .label("Join divided markers")
             .meaning("Finds markers that a word processor has divided into several runs."),
+        flag("strictMarkup", &P::strictMarkup)
+            .label("Markup as in the standard")
+            .meaning(
+                "Puts tables between paragraphs and line breaks between texts. Off: a table in "
+                "a formatted paragraph is inside its text, where some programs do not show it."),
         // Child elements come after all attributes.
         children("v", &P::tables, docTableTable(), {defaultDocTable, completeTables})
             .label("Tables")

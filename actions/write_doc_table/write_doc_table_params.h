@@ -34,6 +34,8 @@ struct WriteDocTableParams
     bool processLF = false;
     /// Markers are found although runs divide them.
     bool joinRuns = false;
+    /// Tables are between paragraphs, and line breaks outside of text elements.
+    bool strictMarkup = false;
     /// One per input pin, at least one.
     std::vector<DocTable> tables = {defaultDocTable(0)};
 };

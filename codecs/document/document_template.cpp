@@ -8,10 +8,10 @@
 //   word/media/__Kobi_img1.png, ppt/media/__Kobi_img1.png                          added
 #include "codecs/document/document_template.h"
 
+#include "codecs/document/document_parts.h"
 #include "codecs/opc/marker_search.h"
 
 #include <algorithm>
-#include <array>
 #include <set>
 
 namespace corvanta::document {
@@ -20,20 +20,8 @@ using opc::Error;
 
 namespace {
 
-constexpr char kDocumentPart[] = "word/document.xml";
-constexpr char kPresentationPart[] = "ppt/presentation.xml";
-constexpr char kSlidePrefix[] = "ppt/slides/slide";
-constexpr std::array<const char *, 5> kWordParts{"word/header", "word/footer", "word/footnotes",
-                                                 "word/endnotes", "word/comments"};
-constexpr char kNotesPrefix[] = "ppt/notesSlides/notesSlide";
 /// The stored members that are kept in memory; larger templates are read again for each document.
 constexpr qint64 kMaxKeptBytes = qint64(64) << 20;
-
-/// The name as in the standard: some packers write "\".
-QByteArray standardName(const QByteArray &member)
-{
-    return QByteArray(member).replace('\\', '/');
-}
 
 bool hasMedia(const std::vector<std::pair<QByteArray, const StoredImage *>> &media,
               const StoredImage *image)
@@ -85,7 +73,7 @@ bool DocumentTemplate::isEdited(const QByteArray &member) const
         return name.startsWith(kSlidePrefix) ||
                (m_options.allParts && name.startsWith(kNotesPrefix));
     }
-    const bool isOther = std::any_of(kWordParts.begin(), kWordParts.end(),
+    const bool isOther = std::any_of(kOtherWordParts.begin(), kOtherWordParts.end(),
                                      [&](const char *prefix) { return name.startsWith(prefix); });
     return name == kDocumentPart || (m_options.allParts && isOther && name.endsWith(".xml"));
 }

@@ -24,11 +24,13 @@ char *put(char *out, const char *text)
     return out + n;
 }
 
-const char *lineBreak(TextPlace place)
+constexpr char kClosingBreak[] = "</w:t><w:br/><w:t xml:space=\"preserve\">";
+
+const char *lineBreak(const TextRules &rules)
 {
-    switch (place) {
+    switch (rules.place) {
     case TextPlace::Word:
-        return "<w:br/>";
+        return rules.closesText ? kClosingBreak : "<w:br/>";
     case TextPlace::Slide:
         return "\r";
     case TextPlace::Attribute:
@@ -110,7 +112,7 @@ private:
     {
         if (m_rules.breaksAtBackslashN && has(*at, u'n')) {
             ++*at;
-            return put(out, lineBreak(m_rules.place));
+            return put(out, lineBreak(m_rules));
         }
         *out++ = '\\';
         return out;
@@ -123,7 +125,7 @@ private:
             return out;
         }
         *at += unit == u'\r' && has(*at, u'\n') ? 1 : 0;
-        return put(out, lineBreak(m_rules.place));
+        return put(out, lineBreak(m_rules));
     }
     char *putCharacter(char16_t unit, qsizetype *at, char *out)
     {
@@ -145,6 +147,15 @@ private:
 
 } // namespace
 
+qsizetype roomForText(QStringView text, const TextRules &rules)
+{
+    constexpr qsizetype kMaxBytesPerUnit = 7; // <w:br/>
+    constexpr qsizetype kSlackBytes = 8;      // copyPlain() writes that many at a time
+    const qsizetype breaks =
+        rules.closesText ? text.count(u'\r') + text.count(u'\n') + text.count(u'\\') : 0;
+    return text.size() * kMaxBytesPerUnit + breaks * qsizetype(sizeof kClosingBreak) + kSlackBytes;
+}
+
 char *putText(QStringView text, const TextRules &rules, char *out, qint64 *replaced)
 {
     Escaper escaper(text, rules, replaced);
@@ -162,7 +173,7 @@ char *putText(QStringView text, const TextRules &rules, char *out, qint64 *repla
 
 QByteArray documentText(QStringView text, const TextRules &rules, qint64 *replaced)
 {
-    QByteArray out(text.size() * kMaxBytesPerUnit + kTextSlackBytes, Qt::Uninitialized);
+    QByteArray out(roomForText(text, rules), Qt::Uninitialized);
     const char *const end = putText(text, rules, out.data(), replaced);
     out.truncate(end - out.constData());
     return out;

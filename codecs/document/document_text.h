@@ -21,15 +21,16 @@ struct TextRules
     TextPlace place = TextPlace::Word;
     bool breaksAtLineEnds = true;    ///< in Word documents: CR LF, CR and LF become line breaks
     bool breaksAtBackslashN = false; ///< "\" and "n" become a line break
+    /// In Word documents a line break ends the text element and begins another one, because the
+    /// standard allows no elements in it.
+    bool closesText = false;
 };
 
-/// The most bytes that one unit becomes: <w:br/>.
-inline constexpr qsizetype kMaxBytesPerUnit = 7;
-/// Bytes that putText() may write after its result.
-inline constexpr qsizetype kTextSlackBytes = 8;
+/// Bytes that putText() may need for a text. An upper bound.
+qsizetype roomForText(QStringView text, const TextRules &rules);
 
-/// Write `text` to `out`, which has room for kMaxBytesPerUnit times its size and kTextSlackBytes
-/// bytes. Returns the end. Adds the number of replaced characters to `*replaced`.
+/// Write `text` to `out`, which has roomForText() bytes. Returns the end. Adds the number of
+/// replaced characters to `*replaced`.
 char *putText(QStringView text, const TextRules &rules, char *out, qint64 *replaced);
 
 /// The same in an array of its own.

@@ -2,9 +2,14 @@
 //
 //   <w:p><w:r><w:t>text %T1% more</w:t></w:r></w:p>       the simple opener
 //   <w:tbl>...</w:tbl><w:p><w:r><w:t> more</w:t></w:r></w:p>
+//
+//   <w:p><w:pPr/><w:r><w:rPr/><w:t>text %T1% more</w:t></w:r></w:p>      any other paragraph
+//   <w:p><w:pPr/><w:r><w:rPr/><w:t>text </w:t></w:r></w:p>
+//   <w:tbl>...</w:tbl><w:p><w:pPr/><w:r><w:rPr/><w:t> more</w:t></w:r></w:p>
 #include "codecs/document/table_places.h"
 
 #include "codecs/opc/marker_search.h"
+#include "codecs/opc/markup_scan.h"
 
 namespace corvanta::document {
 
@@ -23,7 +28,121 @@ qsizetype openerBefore(QByteArrayView part, qsizetype from, qsizetype at)
                : -1;
 }
 
+/// Follows the elements around the text, from the paragraph inward.
+class ParagraphWalk
+{
+public:
+    explicit ParagraphWalk(QByteArrayView part)
+        : m_part(part)
+    {
+    }
+    void take(const opc::Tag &tag)
+    {
+        if (tag.kind == opc::Tag::Kind::Open) {
+            m_open.push_back({tag});
+        } else if (tag.kind == opc::Tag::Kind::Close && !m_open.empty()) {
+            close(tag);
+        }
+    }
+    /// The open text element is the innermost one and is inside a paragraph.
+    bool isInText() const
+    {
+        return !m_open.empty() && m_open.back().tag.name == "w:t" && paragraph() >= 0;
+    }
+    /// The place of a marker in the open text element.
+    TablePlace placeOf(const opc::MarkerHit &hit)
+    {
+        const auto outer = static_cast<size_t>(paragraph());
+        TablePlace place{hit.marker, hit.begin};
+        for (size_t i = m_open.size(); i-- > outer;) {
+            place.before += "</" + m_open[i].tag.name.toByteArray() + '>';
+        }
+        for (size_t i = outer; i < m_open.size(); ++i) {
+            place.after += reopened(m_open[i]);
+        }
+        place.resume = hit.end;
+        const Open &around = m_open[outer];
+        // A paragraph without text so far is not left behind as an empty line.
+        if (!around.hasText && hit.begin == m_open.back().tag.end && around.tag.begin >= m_resume) {
+            place.copyEnd = around.tag.begin;
+            place.before.clear();
+        }
+        m_resume = hit.end;
+        return place;
+    }
+
+private:
+    struct Open
+    {
+        opc::Tag tag;
+        QByteArrayView properties = {}; // pPr or rPr
+        bool hasText = false;           // of a paragraph
+    };
+    /// Index of the innermost open paragraph; -1 if there is none.
+    int paragraph() const
+    {
+        for (size_t i = m_open.size(); i-- > 0;) {
+            if (m_open[i].tag.name == "w:p") {
+                return static_cast<int>(i);
+            }
+        }
+        return -1;
+    }
+    void close(const opc::Tag &tag)
+    {
+        const opc::Tag opened = m_open.back().tag;
+        m_open.pop_back();
+        const int around = paragraph();
+        if (m_open.empty() || around < 0) {
+            return;
+        }
+        if (tag.name == "w:pPr" || tag.name == "w:rPr") {
+            m_open.back().properties = m_part.sliced(opened.begin, tag.end - opened.begin);
+        }
+        const bool isContent = tag.name == "w:drawing" || tag.name == "w:pict" ||
+                               (tag.name == "w:t" && tag.begin > opened.end);
+        m_open[static_cast<size_t>(around)].hasText |= isContent;
+    }
+    /// The beginning of an element like an open one. Paragraphs and runs have ids as attributes,
+    /// which must not occur twice.
+    QByteArray reopened(const Open &open) const
+    {
+        const QByteArrayView name = open.tag.name;
+        if (name == "w:p" || name == "w:r") {
+            return '<' + name.toByteArray() + '>' + open.properties.toByteArray();
+        }
+        return name == "w:t"
+                   ? QByteArray("<w:t xml:space=\"preserve\">")
+                   : m_part.sliced(open.tag.begin, open.tag.end - open.tag.begin).toByteArray();
+    }
+
+    QByteArrayView m_part;
+    std::vector<Open> m_open; // the innermost last
+    qsizetype m_resume = 0;   // after the last marker
+};
+
 } // namespace
+
+std::vector<TablePlace> findParagraphPlaces(QByteArrayView part,
+                                            const std::vector<QByteArray> &markers)
+{
+    std::vector<TablePlace> places;
+    const auto hits = opc::findMarkers(part, markers);
+    auto hit = hits.begin();
+    ParagraphWalk walk(part);
+    for (opc::TagCursor cursor(part); hit != hits.end() && cursor.next();) {
+        for (; hit != hits.end() && hit->begin < cursor.tag().begin; ++hit) {
+            if (walk.isInText()) {
+                places.push_back(walk.placeOf(*hit));
+            }
+        }
+        // Markers inside the tag itself have no place.
+        for (; hit != hits.end() && hit->begin < cursor.tag().end; ++hit) {
+        }
+        walk.take(cursor.tag());
+    }
+    return places;
+}
 
 std::vector<TablePlace> findTablePlaces(QByteArrayView part, const std::vector<QByteArray> &markers)
 {
@@ -34,6 +153,8 @@ std::vector<TablePlace> findTablePlaces(QByteArrayView part, const std::vector<Q
         TablePlace place{hit.marker, opener >= 0 ? opener : hit.begin};
         place.after = opener >= 0 ? kOpener.toByteArray() : QByteArray();
         place.resume = copied = hit.end;
+        place.dropped = opener >= 0 ? hit.begin - opener - kOpener.size() : 0;
+        place.isInText = opener < 0;
         places.push_back(place);
     }
     return places;

@@ -112,7 +112,7 @@ void TableText::beginRow()
 void TableText::putCell(QStringView text)
 {
     put(m_beginnings[m_column]);
-    char *const out = room(text.size() * kMaxBytesPerUnit + kTextSlackBytes);
+    char *const out = room(roomForText(text, m_rules));
     const qint64 before = m_replaced.count;
     m_size += putText(text, m_rules, out, &m_replaced.count) - out;
     if (before == 0 && m_replaced.count > 0) {

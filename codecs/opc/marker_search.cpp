@@ -15,6 +15,7 @@
 #include <functional>
 #include <map>
 #include <tuple>
+#include <utility>
 
 namespace corvanta::opc {
 
@@ -123,6 +124,46 @@ std::vector<TextPiece> piecesOf(const ParagraphText &paragraph, const MarkerHit 
     return pieces;
 }
 
+/// The texts of the paragraphs by their numbers.
+std::map<int, ParagraphText> paragraphsOf(QByteArrayView part)
+{
+    // The text of a paragraph may go on after that of a text box inside it.
+    std::map<int, ParagraphText> paragraphs;
+    for (const TextPiece &piece : textPieces(part)) {
+        ParagraphText &paragraph = paragraphs[piece.paragraph];
+        paragraph.text += part.sliced(piece.begin, piece.end - piece.begin);
+        paragraph.pieces.push_back(piece);
+    }
+    return paragraphs;
+}
+
+/// Whether the text between two percent signs can be a name.
+bool isName(QByteArrayView text)
+{
+    constexpr qsizetype kLongest = 100;
+    return !text.isEmpty() && text.size() <= kLongest && text.front() != ' ' && text.back() != ' ';
+}
+
+void addListed(const ParagraphText &paragraph, std::vector<ListedMarker> &found)
+{
+    const QByteArrayView text(paragraph.text);
+    qsizetype begin = text.indexOf('%');
+    while (begin >= 0) {
+        const qsizetype end = text.indexOf('%', begin + 1);
+        if (end < 0) {
+            return;
+        }
+        const bool isMarker = isName(text.sliced(begin + 1, end - begin - 1));
+        if (isMarker) {
+            const MarkerHit hit{begin, end + 1, 0};
+            found.push_back({text.sliced(begin, end + 1 - begin).toByteArray(),
+                             static_cast<int>(piecesOf(paragraph, hit).size())});
+        }
+        // The sign that ends no marker may begin one.
+        begin = isMarker ? text.indexOf('%', end + 1) : end;
+    }
+}
+
 void addSplit(const ParagraphText &paragraph, const std::vector<QByteArray> &markers,
               std::vector<SplitMarker> &found)
 {
@@ -167,16 +208,18 @@ std::vector<TextPiece> textPieces(QByteArrayView part)
 std::vector<SplitMarker> findSplitMarkers(QByteArrayView part,
                                           const std::vector<QByteArray> &markers)
 {
-    // The text of a paragraph may go on after that of a text box inside it.
-    std::map<int, ParagraphText> paragraphs;
-    for (const TextPiece &piece : textPieces(part)) {
-        ParagraphText &paragraph = paragraphs[piece.paragraph];
-        paragraph.text += part.sliced(piece.begin, piece.end - piece.begin);
-        paragraph.pieces.push_back(piece);
-    }
     std::vector<SplitMarker> found;
-    for (const auto &[number, paragraph] : paragraphs) {
+    for (const auto &[number, paragraph] : paragraphsOf(part)) {
         addSplit(paragraph, markers, found);
+    }
+    return found;
+}
+
+std::vector<ListedMarker> listMarkers(QByteArrayView part)
+{
+    std::vector<ListedMarker> found;
+    for (const auto &[number, paragraph] : paragraphsOf(part)) {
+        addListed(paragraph, found);
     }
     return found;
 }

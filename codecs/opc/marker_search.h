@@ -52,4 +52,15 @@ std::vector<SplitMarker> findSplitMarkers(QByteArrayView part,
 /// that run. All other bytes are unchanged.
 QByteArray joinMarkers(QByteArrayView part, const std::vector<QByteArray> &markers);
 
+/// A text that looks like a marker, and the number of pieces that it is in.
+struct ListedMarker
+{
+    QByteArray text; ///< raw, with its percent signs
+    int pieces = 1;
+};
+
+/// All texts of the form "%NAME%" in the text elements of a part, by paragraph. NAME has up to 100
+/// bytes, no percent sign, and neither begins nor ends with a space.
+std::vector<ListedMarker> listMarkers(QByteArrayView part);
+
 } // namespace corvanta::opc

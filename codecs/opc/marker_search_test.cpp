@@ -52,4 +52,15 @@ TEST(MarkerSearch, ParagraphsSeparateTexts)
     EXPECT_TRUE(findSplitMarkers("<w:p><w:t>%A</w:t><broken", kMarkers).empty());
 }
 
+TEST(MarkerSearch, ListsWhatLooksLikeAMarker)
+{
+    const auto found = listMarkers("<w:p><w:t>50 % of %A%B%% %</w:t><w:t>C% x%</w:t></w:p>"
+                                   "<w:p><w:t>%D</w:t></w:p>");
+    ASSERT_EQ(found.size(), 2U);
+    EXPECT_EQ(found[0].text, "%A%");
+    EXPECT_EQ(found[0].pieces, 1);
+    EXPECT_EQ(found[1].text, "%C%");
+    EXPECT_EQ(found[1].pieces, 2);
+}
+
 } // namespace corvanta::opc

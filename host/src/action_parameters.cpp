@@ -75,6 +75,11 @@ QVector<ParameterProblem> ActionParameters::problems() const
     return {};
 }
 
+bool ActionParameters::templateMarks(const QString &, QVector<TemplateMark> *)
+{
+    return true;
+}
+
 bool ActionParameters::canRun() const
 {
     return true;

@@ -122,6 +122,17 @@ struct TargetUse
     bool isPattern = false;
 };
 
+/// A place of an Office template that an action fills: a marker or a chart tag.
+struct TemplateMark
+{
+    QString text;     ///< as a reader sees it, for example "%NAME%"
+    QString location; ///< for people: "body", "header 1", "slide 3"
+    QString part;     ///< the member of the package
+    int count = 1;    ///< how often it is there
+    int runs = 1;     ///< pieces that a word processor has made of it; only 1 is found in a run
+    QString remedy;   ///< what to do so that a run finds it; empty if it does
+};
+
 /// Implemented by actions whose parameters are declared in a table. Threads: the owner's.
 class CORVANTA_EXPORT ActionParameters
 {
@@ -155,6 +166,11 @@ public:
     /// The expanded names and patterns of the files that a run reads, without those that come from
     /// input pins and those that targets() updates; none by default.
     virtual QStringList inputs() const;
+
+    /// The marks of an Office template, in its order, that actions of this type can fill; none by
+    /// default. Returns false after logging why the file cannot be read. `file` is expanded. Not
+    /// during a run.
+    virtual bool templateMarks(const QString &file, QVector<TemplateMark> *marks);
 
     /// Whether the action stores texts in fixed widths and no width is declared yet. A host that
     /// can read the input twice then measures its texts and calls setTextLengths() before the run.

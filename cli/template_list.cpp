@@ -1,0 +1,84 @@
+#include "template_list.h"
+
+#include "corvanta/action_parameters.h"
+#include "corvanta/action_registry.h"
+#include "visible_text.h"
+
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+
+namespace {
+
+QString lineOf(const QString &file, const TemplateMark &mark)
+{
+    QString line = u"%1: %2 in %3 (%4)"_s.arg(file, visibleText(mark.text),
+                                              visibleText(mark.location), visibleText(mark.part));
+    if (mark.count > 1) {
+        line += u", %1 times"_s.arg(mark.count);
+    }
+    if (mark.runs > 1) {
+        line += u", divided into %1 runs"_s.arg(mark.runs);
+    }
+    return mark.remedy.isEmpty() ? line : u"%1: not found in a run: %2"_s.arg(line, mark.remedy);
+}
+
+QJsonObject entryOf(const TemplateMark &mark)
+{
+    QJsonObject entry{{u"text"_s, mark.text},
+                      {u"location"_s, mark.location},
+                      {u"part"_s, mark.part},
+                      {u"count"_s, mark.count},
+                      {u"runs"_s, mark.runs}};
+    if (!mark.remedy.isEmpty()) {
+        entry[u"remedy"_s] = mark.remedy;
+    }
+    return entry;
+}
+
+void print(const QString &file, const QVector<TemplateMark> &marks)
+{
+    for (const TemplateMark &mark : marks) {
+        std::printf("%s\n", lineOf(visibleText(file), mark).toUtf8().constData());
+    }
+    if (marks.isEmpty()) {
+        std::printf("%s: no markers and no chart tags\n", visibleText(file).toUtf8().constData());
+    }
+}
+
+void printJson(const QVector<TemplateMark> &marks)
+{
+    QJsonArray entries;
+    for (const TemplateMark &mark : marks) {
+        entries.push_back(entryOf(mark));
+    }
+    std::fputs(QJsonDocument(entries).toJson().constData(), stdout);
+}
+
+} // namespace
+
+CommandResult<void> checkTemplate(const QString &file, bool asJson)
+{
+    ActionRegistry registry;
+    registry.loadAll();
+    QVector<TemplateMark> marks;
+    for (const auto &prototype : registry.prototypes()) {
+        // Plug-ins of others may implement only the contract.
+        auto *const action = dynamic_cast<ActionParameters *>(prototype.get());
+        if (action != nullptr && !action->templateMarks(QDir().absoluteFilePath(file), &marks)) {
+            return corvanta::Fault{kUsage};
+        }
+    }
+    if (asJson) {
+        printJson(marks);
+    } else {
+        print(file, marks);
+    }
+    return {};
+}

@@ -1,0 +1,25 @@
+// Names of the parts that can have markers (ECMA-376 part 1, 11.3 and 13.3).
+#pragma once
+#include <QByteArray>
+
+#include <array>
+
+namespace corvanta::document {
+
+inline constexpr char kDocumentPart[] = "word/document.xml";
+inline constexpr char kStylesPart[] = "word/styles.xml";
+inline constexpr char kPresentationPart[] = "ppt/presentation.xml";
+// Beginnings of names; the parts are numbered.
+inline constexpr char kSlidePrefix[] = "ppt/slides/slide";
+inline constexpr char kNotesPrefix[] = "ppt/notesSlides/notesSlide";
+/// Parts of a Word document besides its body.
+inline constexpr std::array<const char *, 5> kOtherWordParts{
+    "word/header", "word/footer", "word/footnotes", "word/endnotes", "word/comments"};
+
+/// A member's name as in the standard: some packers write "\".
+inline QByteArray standardName(const QByteArray &member)
+{
+    return QByteArray(member).replace('\\', '/');
+}
+
+} // namespace corvanta::document

@@ -1,0 +1,460 @@
+#!/usr/bin/python3
+"""Documents that writeDoc and writeDocTable make of templates: documents_test.py CORVANTA CORPUS [TEST...]"""
+import csv
+import json
+import pathlib
+import re
+import resource
+import subprocess
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree
+import zipfile
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+EXAMPLES = ROOT / "examples" / "documents"
+sys.path.insert(0, str(EXAMPLES))
+import make_templates as office  # noqa: E402
+
+CORVANTA, CORPUS = sys.argv[1], pathlib.Path(sys.argv[2])
+LINK = "file:///%25photo%25"
+DOCUMENT, RELATIONSHIPS, TYPES = "word/document.xml", "word/_rels/document.xml.rels", "[Content_Types].xml"
+WARNED = "divided into several runs"
+
+
+def members(path):
+    with zipfile.ZipFile(path) as package:
+        assert package.testzip() is None
+        return {info.filename: package.read(info) for info in package.infolist()}
+
+
+def rewrite(source, target, change):
+    """Copy a package; `change` maps name and content to a new content, or to None to leave the member out."""
+    with zipfile.ZipFile(source) as old, zipfile.ZipFile(target, "w", zipfile.ZIP_DEFLATED) as new:
+        for info in old.infolist():
+            content = change(info.filename, old.read(info))
+            if content is not None:
+                new.writestr(info, content)
+
+
+class DocumentTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        office.png(self.folder / "wide.png", 40, 10, lambda x, y: (200, 0, 0))
+        # The beginning of a JPEG file that is 10 x 30 pixels large.
+        (self.folder / "tall.jpg").write_bytes(bytes.fromhex("ffd8ffe000104a46494600010100000100010000ffc0000b08001e000a01011100ffd9"))
+
+    def word(self, body, *pictures, name="t.docx", **more):
+        office.document(self.folder / name, body, *pictures, **more)
+
+    def run_graph(self, elements, limit=None):
+        """The exit status and the messages by level; `limit`: bytes that a file may have."""
+        actions = "".join(f"<action id='a{i}'>{element}</action>" for i, element in enumerate(elements))
+        links = "".join(f"<link from='a{i}:0' to='a{len(elements) - 1}:{i}'/>" for i in range(len(elements) - 1))
+        (self.folder / "g.graph").write_text(f"<graph version='4.11'>{actions}{links}</graph>", encoding="utf-8")
+        done = subprocess.run(
+            [CORVANTA, "run", "g.graph", "--log-format", "json"], cwd=self.folder, capture_output=True, text=True, timeout=120,
+            check=False, preexec_fn=limit and (lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit))))
+        log = [json.loads(line) for line in done.stderr.splitlines()]
+        self.assertEqual([path.name for path in self.folder.glob("*_tmp_*")], [])
+        return done.returncode, {level: [m["message"] for m in log if m["level"] == level] for level in (1, 2, 3)}
+
+    def table(self, rows, name="in.csv"):
+        with open(self.folder / name, "w", encoding="utf-8", newline="") as out:
+            csv.writer(out).writerows(rows)
+        return f"<readCSV fileName='{name}'/>"
+
+    def write_doc(self, rows, attributes="", texts=("text",), images=("photo",), **more):
+        """Write a document per row of (output, template, text, photo)."""
+        lists = "".join(f"<{kind}>" + "".join(f"<s>{name}</s>" for name in names) + f"</{kind}>"
+                        for kind, names in (("text", texts), ("image", images)))
+        reader = self.table([("wordFile", "templateFile", "text", "photo"), *rows])
+        return self.run_graph([reader, f"<writeDoc {attributes}>{lists}</writeDoc>"], **more)
+
+    def letter(self, text="x", photo="wide.png", attributes="", template="t.docx", **more):
+        """The members of the only document."""
+        output = "out" + pathlib.Path(template).suffix
+        status, log = self.write_doc([(output, template, text, photo)], attributes, **more)
+        self.assertEqual((status, log[1]), (0, []))
+        self.log = log
+        return members(self.folder / output)
+
+    def fails(self, message, done, reason=None, level=1):
+        status, log = done
+        self.assertEqual(status, 1)
+        self.assertIn(message, log[level])
+        if reason:
+            self.assertRegex("\n".join(log[3]), reason)
+        self.assertEqual(list(self.folder.glob("out*")), [])
+
+
+class WriteDoc(DocumentTest):
+    def test_texts_replace_every_marker(self):
+        self.word(office.paragraph("1 %text% 2 %text%%text% %text %Text%") + office.paragraph('<w:x a="%text%"/>'))
+        body = self.letter("a & <b> ]]> é\r\nc\nd\\ne\"")[DOCUMENT].decode()
+        value = "a &amp; &lt;b> ]]&gt; é<w:br/>c<w:br/>d\\ne\""
+        self.assertIn(f"<w:t>1 {value} 2 {value}{value} %text %Text%</w:t>", body)
+        self.assertIn('a="a &amp; &lt;b> ]]&gt; é&#10;c&#10;d\\ne&quot;"', body)
+        for attributes, value in (("processCR='0'", "x\ny\\nz"), ("processLF='1'", "x<w:br/>y<w:br/>z"),
+                                  ("strictMarkup='1'", 'x</w:t><w:br/><w:t xml:space="preserve">y\\nz')):
+            self.assertIn(f"<w:t>1 {value} 2", self.letter("x\ny\\nz", attributes=attributes)[DOCUMENT].decode())
+
+    def test_characters_that_xml_does_not_have_are_replaced(self):
+        self.word(office.paragraph("[%text%]"))
+        self.assertIn("[a\ufffdb\ufffd\tc]", self.letter("a\x01b\uffff\tc")[DOCUMENT].decode())
+        self.assertIn("Warning: 2 characters that XML does not allow were replaced by U+FFFD, first in row 1, column 'text'.\n",
+                      self.log[2])
+
+    def test_images_are_stored(self):
+        self.word(office.paragraph("%text%") + f"<w:p>{office.picture('rId2', 40, 40)}{office.picture('rId3', 40, 40)}</w:p>",
+                  LINK, "media/%photo%.png")
+        for photo, kind, more in (("wide.png", "png", ""), ("tall.jpg", "jpeg", "jpg")):
+            written = self.letter(photo=photo)
+            name = "word/media/__Kobi_img1" + pathlib.Path(photo).suffix
+            self.assertEqual(written[name], (self.folder / photo).read_bytes())
+            # One member for the same file; the mode of the target goes.
+            self.assertEqual(written[RELATIONSHIPS].count(b'Target="media/__Kobi_img1.%s"/>' % photo[-3:].encode()), 2)
+            self.assertNotIn(b"TargetMode", written[RELATIONSHIPS])
+            self.assertEqual(written[DOCUMENT].count(b"r:embed="), 2)
+            for extension in filter(None, (kind, more)):
+                self.assertIn(f'<Default Extension="{extension}" ContentType="image/{kind}"/>', written[TYPES].decode())
+        self.assertEqual(sorted(set(written) - set(members(self.folder / "t.docx"))), ["word/media/__Kobi_img1.jpg"])
+
+    def test_images_are_linked(self):
+        self.word(office.paragraph("%text%") + f"<w:p>{office.picture('rId2', 40, 40)}</w:p>".replace("r:link", "r:embed"), "%photo%")
+        written = self.letter(photo="/a b/c%d.png", attributes="inlineImg='0'")
+        self.assertIn(b'Target="file:////a%20b/c%25d.png" TargetMode="External"/>', written[RELATIONSHIPS])
+        self.assertIn(b'<a:blip r:link="rId2"/>', written[DOCUMENT])
+        self.assertEqual(written[TYPES], members(self.folder / "t.docx")[TYPES])
+
+    def test_slides(self):
+        place = (10, 10, 40, 40)
+        shapes = office.text_box(2, "%text%", place, 20, "000000") + office.slide_picture(3, "rId2", place)
+        office.presentation(self.folder / "t.pptx", (shapes, [LINK]), (shapes, [LINK]))
+        written = self.letter("a<\nb\\nc", template="t.pptx", attributes="processLF='1'")
+        for number in (1, 2):
+            self.assertIn(b"<a:t>a&lt;\nb\rc</a:t>", written[f"ppt/slides/slide{number}.xml"])
+            self.assertIn(b'Target="../media/__Kobi_img1.png"/>', written[f"ppt/slides/_rels/slide{number}.xml.rels"])
+        self.assertIn("ppt/media/__Kobi_img1.png", written)
+        # 40 x 10 pixels in a square of 40 mm: 40 x 10 mm, in the middle.
+        fitted = self.letter(template="t.pptx", attributes="fitImages='1'")["ppt/slides/slide1.xml"]
+        self.assertIn(b'<a:off x="360000" y="900000"/><a:ext cx="1440000" cy="360000"/>', fitted)
+
+    def test_pictures_keep_their_ratio(self):
+        self.word(f"<w:p>{office.picture('rId2', 40, 40)}</w:p>" + office.paragraph("%text%"), LINK)
+        for photo, size in (("wide.png", 'cx="1440000" cy="360000"'), ("tall.jpg", 'cx="480000" cy="1440000"')):
+            for mode in ("", "inlineImg='0'"):
+                body = self.letter(photo=str(self.folder / photo), attributes=f"fitImages='1' {mode}")[DOCUMENT].decode()
+                self.assertEqual(body.count(size), 2)
+
+    def test_markers_that_runs_divide(self):
+        self.word("<w:p><w:r><w:t>[%te</w:t></w:r><w:r><w:rPr><w:b/></w:rPr><w:t>xt%]</w:t></w:r></w:p>")
+        self.assertEqual(self.letter()[DOCUMENT], members(self.folder / "t.docx")[DOCUMENT])
+        self.assertRegex(self.log[2][0], "^Warning: 1 markers are divided into several runs and stay in the documents, first '%text%' in "
+                         "the part 'word/document.xml' of '.*t.docx': type each marker again in one go, or set joinRuns='1'.\n$")
+        self.assertIn(b"<w:t>[x</w:t></w:r><w:r><w:rPr><w:b/></w:rPr><w:t>]</w:t>", self.letter(attributes="joinRuns='1'")[DOCUMENT])
+
+    def test_all_parts(self):
+        self.word(office.paragraph("%text%"), footer=office.paragraph("%text%"))
+        self.assertIn(b"%text%", self.letter()["word/footer1.xml"])
+        self.assertIn(b"<w:t>x</w:t>", self.letter(attributes="allParts='1'")["word/footer1.xml"])
+
+    def test_markers_that_no_template_has(self):
+        self.word(office.paragraph("nothing"))
+        self.assertEqual(self.letter(), members(self.folder / "t.docx"))
+        self.assertEqual(self.log[2], ["Warning: no template has a marker for 2 of the columns: '%text%', '%photo%'.\n"])
+
+    def test_columns_that_are_missing(self):
+        self.word(office.paragraph("%text%"))
+        self.fails("\nERROR: cannot find column 'gone' on input pin\n", self.write_doc([("out.docx", "t.docx", "", "")], texts=["gone"]))
+
+    def test_templates_that_are_none(self):
+        self.word(office.paragraph("%text%"))
+        whole = (self.folder / "t.docx").read_bytes()
+        (self.folder / "none.docx").write_bytes(b"")
+        (self.folder / "cut.docx").write_bytes(whole[:-40])
+        office.package(self.folder / "empty.docx", {})
+        (self.folder / "t.pptx").write_bytes(whole)
+        bad = re.sub(rb"(?<=w:t>)%te", b"%tE", whole)  # nothing to find: the bytes are deflated
+        self.assertEqual(bad, whole)
+        cannot = "\nERROR: cannot read Report Template file {}\n"
+        for name, message, reason in (
+                ("gone.docx", cannot, "no file of this name"), ("none.docx", cannot, "the file is empty"),
+                ("none.docx", "\nERROR: template file is empty.\n", None), ("cut.docx", cannot, "not a package|truncated"),
+                ("empty.docx", "\nERROR: template file is empty.\n", None),
+                ("t.pptx", "\nERROR: problem reading 'ppt/presentation.xml' in the template file(1)\n", "is not there")):
+            with self.subTest(name):
+                self.fails(message.format(self.folder / name), self.write_doc([("out.docx", name, "", "")]), reason)
+
+    def test_damaged_members(self):
+        self.word(office.paragraph("%text%") + f"<w:p>{office.picture('rId2', 40, 40)}</w:p>", LINK)
+        whole = (self.folder / "t.docx").read_bytes()
+        with zipfile.ZipFile(self.folder / "t.docx") as package:
+            offsets = {info.filename: info.header_offset + 30 + len(info.filename) for info in package.infolist()}
+        for name, message in ((DOCUMENT, "\nERROR: problem reading 'word/document.xml' in the template file(1)\n"),
+                              (RELATIONSHIPS, "\nERROR: problem reading 'word/_rels/document.xml.rels' in the template file(2)\n"),
+                              ("word/styles.xml", "\nERROR: cannot open file 'word/styles.xml' in the zipfile for read")):
+            with self.subTest(name):
+                at = offsets[name] + 20
+                (self.folder / "bad.docx").write_bytes(whole[:at] + bytes(b ^ 255 for b in whole[at:at + 9]) + whole[at + 9:])
+                self.fails(message, self.write_doc([("out.docx", "bad.docx", "", "wide.png")]), "is damaged")
+        rewrite(self.folder / "t.docx", self.folder / "wide.docx",
+                lambda name, content: content.decode().encode("utf-16") if name == DOCUMENT else content)
+        self.fails("\nERROR: problem reading 'word/document.xml' in the template file(1)\n",
+                   self.write_doc([("out.docx", "wide.docx", "", "wide.png")]), "the part 'word/document.xml' of the template is not the XML")
+
+    def test_images_that_are_none(self):
+        self.word(f"<w:p>{office.picture('rId2', 40, 40)}</w:p>", LINK)
+        (self.folder / "note.png").write_text("no image")
+        self.fails(f"\nERROR: cannot open the file '{self.folder}/gone.png'\n", self.write_doc([("out.docx", "t.docx", "", "gone.png")]),
+                   "the name is in row 1, column 'photo'")
+        self.fails(f"ERROR: the file '{self.folder}/note.png' is not a PNG, JPEG, GIF, BMP, TIFF, EMF, WMF or SVG image.\n",
+                   self.write_doc([("out.docx", "t.docx", "", "note.png")]), "row 1")
+
+    def test_documents_that_cannot_be_written(self):
+        self.word(office.paragraph("%text%") * 3)
+        self.fails(f"\nERROR: Cannot write Ouput file '{self.folder}/no/out.docx'.\n", self.write_doc([("no/out.docx", "t.docx", "", "")]),
+                   "folder")
+        status, log = self.write_doc([("t.docx", "t.docx", "", "")])
+        self.assertEqual((status, log[1]), (1, [f"ERROR: the document '{self.folder}/t.docx' would replace its own template: choose "
+                                                "another output name.\n"]))
+        status, log = self.write_doc([("a.docx", "t.docx", "1", ""), ("b.docx", "t.docx", "2", ""), ("./a.docx", "t.docx", "3", "")])
+        self.assertEqual((status, log[1]), (1, [f"ERROR: the rows 1 and 3 have the same output document '{self.folder}/./a.docx'.\n"]))
+        self.assertIn(b"<w:t>1<", members(self.folder / "a.docx")[DOCUMENT])
+
+    def test_full_disk(self):
+        office.png(self.folder / "noise.png", 200, 100, lambda x, y: ((x * y * 7919) % 251, (x * 31 + y * 17) % 253, (x ^ y * 3) % 256))
+        self.word(office.paragraph("%text%") + f"<w:p>{office.picture('rId2', 40, 40)}</w:p>", LINK)
+        big = (self.folder / "noise.png").stat().st_size
+        found = set()
+        for limit in range(1000, big + 4000, 487):
+            status, log = self.write_doc([("out.docx", "t.docx", "a", "noise.png")], limit=limit)
+            if status == 0:
+                break
+            found.update(log[1] + log[2])
+            self.assertEqual(list(self.folder.glob("out*")), [])
+        self.assertIn("\nERROR: problem writing the output file(6)\n", found)
+
+    def test_corpus(self):
+        accepted = 0
+        for path in sorted([*CORPUS.glob("docx/*.doc[xm]"), *CORPUS.glob("pptx/*.ppt[xm]")]):
+            with self.subTest(path.name):
+                accepted += self.process(path)
+        self.assertGreater(accepted, 35)
+
+    def process(self, path):
+        template = "t" + path.suffix
+        texts = (DOCUMENT,) if path.suffix.startswith(".d") else ("ppt/slides/slide1.xml",)
+
+        def mark(name, content):
+            return re.sub(rb"(<[wa]:p\b[^>/]*>)", rb"\1<w:r><w:t>[%text%]</w:t></w:r>", content, count=1) if name in texts else content
+        try:
+            rewrite(path, self.folder / template, mark)
+        except (zipfile.BadZipFile, KeyError):
+            (self.folder / template).write_bytes(path.read_bytes())
+            self.fails(f"\nERROR: cannot read Report Template file {self.folder}/{template}\n",
+                       self.write_doc([("out" + path.suffix, template, "", "")], images=()))
+            return 0
+        before, after = members(self.folder / template), self.letter("a & b", template=template, images=())
+        for name, content in before.items():
+            expected = content.replace(b"%text%", b"a &amp; b") if name in texts else content
+            self.assertEqual(after.pop(name), expected, name)
+        self.assertEqual(after, {})
+        return 1
+
+
+class WriteDocTable(DocumentTest):
+    def write_tables(self, *tables, attributes="template='t.docx' output='out.docx'", **more):
+        """Tables are (attributes of v, rows)."""
+        readers = [self.table(rows, f"in{i}.csv") for i, (_, rows) in enumerate(tables)]
+        elements = "".join(f"<v {attributes}/>" for attributes, _ in tables)
+        return self.run_graph([*readers, f"<writeDocTable {attributes}>{elements}</writeDocTable>"], **more)
+
+    def report(self, *tables, **more):
+        status, self.log = self.write_tables(*tables, **more)
+        self.assertEqual(status, 0, self.log)
+        return members(self.folder / "out.docx")
+
+    ROWS = [("a", "b"), ("1<", "x\ny\\nz"), ("&", "")]
+
+    @staticmethod
+    def expected(rows, widths, style="TableGrid"):
+        cells = "".join("<w:tr>" + "".join(
+            f'<w:tc><w:tcPr><w:tcW w:w="{width}" w:type="dxa"/></w:tcPr><w:p><w:r><w:t>{text}</w:t></w:r></w:p></w:tc>'
+            for text, width in zip(row, widths)) + "</w:tr>" for row in rows)
+        grid = "".join(f'<w:gridCol w:w="{width}"/>' for width in widths)
+        return (f'<w:tbl><w:tblPr><w:tblStyle w:val="{style}"/></w:tblPr><w:tblGrid>{grid}</w:tblGrid>{cells}</w:tbl>')
+
+    def test_tables(self):
+        self.word(office.paragraph("%T1%, ") + office.paragraph("2", run="<w:b/>") + office.paragraph("two %T2% %T1%", run="<w:b/>"))
+        old = members(self.folder / "t.docx")
+        written = self.report(("markerName='T1' colWidths='100,200' styleID='TableGrid' includeHeaders='1'", self.ROWS),
+                              ("colWidths=' 300 '", [("c",), ("3",)]))
+        one = self.expected([("a", "b"), ("1&lt;", "x<w:br/>y\\nz"), ("&amp;", "")], (100, 200))
+        two = self.expected([("3",)], (300,))
+        body = old[DOCUMENT].decode().replace("<w:p><w:r><w:t>%T1%", one + "<w:p><w:r><w:t>")
+        self.assertEqual(written.pop(DOCUMENT).decode(), body.replace("%T2%", two).replace("%T1%", one))
+        styles = written.pop("word/styles.xml").decode()
+        self.assertRegex(styles, '<w:style w:type="table" w:styleId="TableGrid"><w:name w:val="Table Grid"/><w:basedOn w:val="TableNormal"/>'
+                         '.*</w:style></w:styles>$')
+        self.assertEqual({name: old[name] for name in written}, written)
+        self.assertEqual(self.log[2], ["Warning: 2 tables are inside the text of a formatted paragraph, where some programs do not show "
+                                       "them, first that at '%T2%': set strictMarkup='1'.\n"])
+
+    def test_line_breaks_and_styles(self):
+        self.word(office.paragraph("%T1%"))
+        for attributes, text in (("processCR='0'", "x\ny\\nz"), ("processLF='1'", "x<w:br/>y<w:br/>z"),
+                                 ("strictMarkup='1'", 'x</w:t><w:br/><w:t xml:space="preserve">y\\nz')):
+            written = self.report(("colWidths='1,2' styleID='Report'", self.ROWS),
+                                  attributes="template='t.docx' output='out.docx' " + attributes)
+            self.assertIn(self.expected([("1&lt;", text), ("&amp;", "")], (1, 2), "Report").encode(), written[DOCUMENT])
+        self.report(("colWidths='1,2' styleID='No&lt;ne'", [("a", "b"), ("\x02\x03", "")]))
+        self.assertEqual(self.log[2], [
+            "Warning: 2 characters of the table on input pin 1 that XML does not allow were replaced by U+FFFD, first in row 1, column "
+            "'a'.\n", "Warning: the template has no style 'No<ne': the table at '%T1%' has no format.\n"])
+
+    def test_widths(self):
+        self.word(office.paragraph("%T1%"))
+        written = self.report(("colWidths='100,x,0'", [("a", "b", "c", "d"), "1234"]))
+        self.assertIn(self.expected(["1234"], (100, 2990, 2990, 2990)).encode(), written[DOCUMENT])
+        self.assertEqual((self.log[1], self.log[2]), (
+            ["Warning reading table on input pin 1: Number of columns of input table does not match number of widths given?"],
+            ["Warning: 2 widths of the table on input pin 1 are not used, first 'x': a width is a whole number from 1 to 31680.\n"]))
+
+    def test_markers(self):
+        divided = "<w:p><w:r><w:t>%T</w:t></w:r><w:r><w:t>1%</w:t></w:r></w:p>"
+        self.word(divided + office.paragraph("text %T2% more"))
+        tables = [("colWidths='9'", [("a",), ("1",)]), ("colWidths='9'", [("a",)]), ("colWidths='9'", [("a",), ("3",)])]
+        body = self.report(*tables)[DOCUMENT].decode()
+        self.assertIn(divided + self.expected([], (9,)) + "<w:p><w:r><w:t> more", body)
+        self.assertEqual(self.log[2], [
+            "WARNING reading table on input pin 2: Input table is empty?",
+            "Warning: the marker '%T1%' is divided into several runs and stays in the document: type it again in one go, or set "
+            "joinRuns='1'.\n", "Warning: the template has no marker '%T3%': the table on input pin 3 is not written.\n",
+            "Warning: the texts before 1 markers in their paragraphs are dropped, first that before '%T2%': put markers into paragraphs of "
+            "their own, or set strictMarkup='1'.\n"])
+        body = self.report(*tables, attributes="template='t.docx' output='out.docx' joinRuns='1' strictMarkup='1'")[DOCUMENT].decode()
+        self.assertIn(self.expected([("1",)], (9,)) + '<w:p><w:r><w:t xml:space="preserve"></w:t></w:r><w:r><w:t></w:t></w:r></w:p>'
+                      '<w:p><w:r><w:t>text </w:t></w:r></w:p>' + self.expected([], (9,))
+                      + '<w:p><w:r><w:t xml:space="preserve"> more</w:t></w:r></w:p>', body)
+
+    def test_tables_between_paragraphs(self):
+        self.word('<w:p w:id="1"><w:pPr><w:jc w:val="left"/></w:pPr><w:hyperlink r:id="rId1"><w:r w:id="2"><w:rPr><w:b/></w:rPr>'
+                  '<w:t>%T1%%T1%z</w:t></w:r></w:hyperlink></w:p>')
+        table = self.expected([("1",)], (9,))
+        again = ('<w:p><w:pPr><w:jc w:val="left"/></w:pPr><w:hyperlink r:id="rId1"><w:r><w:rPr><w:b/></w:rPr>'
+                 '<w:t xml:space="preserve">')
+        body = self.report(("colWidths='9'", [("a",), ("1",)]), attributes="template='t.docx' output='out.docx' strictMarkup='1'")
+        self.assertIn("<w:body>" + table + again + "</w:t></w:r></w:hyperlink></w:p>" + table + again + "z</w:t>",
+                      body[DOCUMENT].decode())
+
+    def test_failures(self):
+        self.word(office.paragraph("%T1%"))
+        table = ("colWidths='9'", [("a",), ("1",)])
+        office.package(self.folder / "empty.docx", {})
+        office.presentation(self.folder / "slides.docx")
+        rewrite(self.folder / "t.docx", self.folder / "bare.docx", lambda name, content: None if name == DOCUMENT else content)
+        for attributes, message in (
+                ("template='t.docx'", "No Output File?"), ("output='out.docx'", "No Template File?"),
+                ("template='gone.docx' output='out.docx'", f"ERROR: cannot read Report Template file {self.folder}/gone.docx\n"),
+                ("template='empty.docx' output='out.docx'", "ERROR: template file is empty.\n"),
+                ("template='slides.docx' output='out.docx'", "ERROR: problem reading the template file(1)\n"),
+                ("template='bare.docx' output='out.docx'", "ERROR: problem reading the template file(2)\n"),
+                ("template='t.docx' output='no/out.docx'", f"ERROR: Cannot write Report file '{self.folder}/no/out.docx'.\n"),
+                ("template='t.docx' output='./t.docx'", "ERROR: the document '{}' would replace its own template: choose another output "
+                 "name.\n".format(f"{self.folder}/./t.docx"))):
+            with self.subTest(attributes):
+                self.fails(message, self.write_tables(table, attributes=attributes))
+        self.fails("ERROR : Marker '%T1%' on pin 2 already exists. All markers must be different.\n",
+                   self.write_tables(table, ("markerName='T1'", [("a",)])))
+
+    def test_full_disk(self):
+        self.word(office.paragraph("%T1%"))
+        noise = [("a",)] + [(str(i * i * 7919 % 10_000_019),) for i in range(3000)]
+        done = self.write_tables(("colWidths='9'", noise), limit=12_000 + (self.folder / "t.docx").stat().st_size)
+        self.fails(f"ERROR: the document '{self.folder}/out.docx' could not be completed and is not written.\n", done)
+        self.assertIn("\nWARNING: problem writing the output file\n", done[1][2])
+
+    def test_corpus(self):
+        accepted = 0
+        for path in sorted(CORPUS.glob("docx/*.docx")):
+            with self.subTest(path.name):
+                accepted += self.process(path)
+        self.assertGreater(accepted, 22)
+
+    def process(self, path):
+        marker = b"<w:p><w:r><w:t>%T1%</w:t></w:r></w:p>"
+        try:
+            rewrite(path, self.folder / "t.docx", lambda name, content: content.replace(b"<w:sectPr", marker + b"<w:sectPr", 1)
+                    if name == DOCUMENT else content)
+        except zipfile.BadZipFile:
+            return 0
+        before = members(self.folder / "t.docx")
+        table = ("colWidths='9'", [("a",), ("1",)])
+        if "word/styles.xml" not in before or DOCUMENT not in before:
+            self.assertEqual(self.write_tables(table)[0], 1)
+            return 0
+        after = self.report(table)
+        expected = before[DOCUMENT].replace(marker, self.expected([("1",)], (9,)).encode() + marker.replace(b"%T1%", b""))
+        self.assertEqual(after.pop(DOCUMENT), expected)
+        self.assertEqual(after.pop("word/styles.xml").count(b'w:styleId="TableGrid"'), 1)
+        self.assertEqual({name: before[name] for name in after}, after)
+        return 1
+
+
+class Check(DocumentTest):
+    def check(self, name, *options):
+        return subprocess.run([CORVANTA, "check", "--template", name, *options], cwd=self.folder, capture_output=True, text=True,
+                              timeout=60, check=False)
+
+    def test_markers_of_a_template(self):
+        self.word(office.paragraph("%a% %a% %R&amp;D%") + f"<w:p>{office.picture('rId2', 4, 4)}</w:p>"
+                  "<w:p><w:r><w:t>%di</w:t></w:r><w:r><w:t>vided%</w:t></w:r></w:p>", LINK, footer=office.paragraph("%f%"))
+        self.assertEqual(self.check("t.docx").stdout.splitlines(), [
+            "t.docx: %a% in body (word/document.xml), 2 times", "t.docx: %R&D% in body (word/document.xml)",
+            "t.docx: %divided% in body (word/document.xml), divided into 2 runs: not found in a run: type it again in one go, or set "
+            "joinRuns='1'", "t.docx: %photo% in picture in the body (word/document.xml)",
+            "t.docx: %f% in footer 1 (word/footer1.xml): not found in a run: set allParts='1'"])
+        listed = json.loads(self.check("t.docx", "--json").stdout)
+        self.assertEqual(listed[0], {"text": "%a%", "location": "body", "part": DOCUMENT, "count": 2, "runs": 1})
+        self.assertEqual((listed[2]["runs"], listed[2]["remedy"]), (2, "type it again in one go, or set joinRuns='1'"))
+
+    def test_slides_and_what_is_no_template(self):
+        box = office.text_box(2, "%a%", (1, 1, 9, 9), 9, "000000")
+        office.presentation(self.folder / "t.pptx", ("", []), (box, []))
+        self.assertEqual(self.check("t.pptx").stdout, "t.pptx: %a% in slide 2 (ppt/slides/slide2.xml)\n")
+        self.word(office.paragraph("50 % of 3 %"))
+        self.assertEqual(self.check("t.docx").stdout, "t.docx: no markers and no chart tags\n")
+        self.assertEqual(json.loads(self.check("t.docx", "--json").stdout), [])
+        done = self.check("gone.docx")
+        self.assertEqual(done.returncode, 2)
+        self.assertIn("cannot read Report Template file", done.stderr)
+
+
+class Examples(DocumentTest):
+    def test_graphs(self):
+        for graph, count in (("letters", 3), ("slides", 3), ("report", 1)):
+            done = subprocess.run([CORVANTA, "run", EXAMPLES / f"{graph}.graph", "--out-dir", self.folder], capture_output=True, text=True,
+                                  timeout=60, check=False)
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            written = [path for path in self.folder.iterdir() if path.suffix in (".docx", ".pptx")]
+            self.assertEqual(len(written), count)
+            for path in written:
+                for name, content in members(path).items():
+                    if name.endswith((".xml", ".rels")):
+                        xml.etree.ElementTree.fromstring(content)
+                        self.assertNotRegex(content.decode(), "%[A-Za-z][A-Za-z0-9]*%")
+                path.unlink()
+
+    def test_templates_are_those_of_the_script(self):
+        office.main(self.folder)
+        for path in EXAMPLES.iterdir():
+            if path.suffix in (".docx", ".pptx"):
+                self.assertEqual(members(path), members(self.folder / path.name))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *sys.argv[3:]])
