@@ -215,6 +215,21 @@ class Report(unittest.TestCase):
         self.fails("Error: the column 'n' of input pin 0 has in row 2 a character that XML does not allow: the chart of the tag 's' "
                    "cannot be written\n", types="U,F")
 
+    def test_an_included_template_is_opened_by_its_name(self):
+        for suffix in FOLDERS:
+            for kind in ("bar", "line", "pie"):
+                _, out = self.fill([("data", TYPES.index(kind), ["n", "a"])], f"&gt;{kind}{suffix}", "out" + suffix)
+                self.assertTrue(any(b"<c:ptCount val=\"2\"/>" in content for content in out.values()), kind + suffix)
+        self.fails(f"\nERROR: cannot read Report Template file {pathlib.Path(CORVANTA).parent.resolve()}/officeTemplates/no.xlsx\n",
+                   template="&gt;no.xlsx")
+
+    def test_the_included_templates_are_what_their_script_makes(self):
+        source = pathlib.Path(__file__).resolve().parents[2] / "templates/office"
+        subprocess.run([sys.executable, source / "make_templates.py", self.folder], check=True)
+        for path in sorted(source.glob("*.???x")):
+            # Compressors differ.
+            self.assertEqual(members(path), members(self.folder / path.name), path.name)
+
     def test_a_full_disk_leaves_no_document(self):
         self.fill()
         size = (self.folder / "out.xlsx").stat().st_size
