@@ -153,7 +153,7 @@ void TablePrinter::print(const QStringList &cells)
         // A cell that is wider than the measured rows moves the cells after it.
         const QString blanks(std::max(m_widths[i] - displayWidth(cells[i]), 0), u' ');
         line += (i > 0 ? kGap : ""_L1) +
-                (isNumber(m_columns.types[i]) ? blanks + cells[i] : cells[i] + blanks);
+                (isNumber(m_columns.types.at(i)) ? blanks + cells[i] : cells[i] + blanks);
     }
     // Trailing blanks would make a terminal wrap lines.
     while (line.endsWith(u' ')) {

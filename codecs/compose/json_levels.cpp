@@ -12,8 +12,6 @@
 #include "base/number.h"
 #include "codecs/compose/escape.h"
 
-#include <QRegularExpression>
-
 #include <algorithm>
 #include <array>
 
@@ -150,16 +148,51 @@ std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringLis
     return {level};
 }
 
+namespace {
+
+/// Digits at the start of `text`.
+qsizetype countDigits(QByteArrayView text)
+{
+    const auto *const end =
+        std::find_if(text.begin(), text.end(), [](char c) { return c < '0' || c > '9'; });
+    return end - text.begin();
+}
+
+/// Remove the digits at the start, of which there must be one.
+bool takeDigits(QByteArrayView *text)
+{
+    const qsizetype digits = countDigits(*text);
+    *text = text->sliced(digits);
+    return digits > 0;
+}
+
+bool isJsonNumber(QByteArrayView text)
+{
+    text = text.sliced(text.startsWith('-') ? 1 : 0);
+    const bool hasLeadingZero = text.startsWith('0') && countDigits(text) > 1;
+    bool isNumber = !hasLeadingZero && takeDigits(&text);
+    if (text.startsWith('.')) {
+        text = text.sliced(1);
+        isNumber = takeDigits(&text) && isNumber;
+    }
+    if (text.startsWith('e') || text.startsWith('E')) {
+        text = text.sliced(1);
+        text = text.sliced(text.startsWith('-') || text.startsWith('+') ? 1 : 0);
+        isNumber = takeDigits(&text) && isNumber;
+    }
+    return isNumber && text.isEmpty();
+}
+
+} // namespace
+
 bool printsJsonNumber(const QString &format)
 {
-    static const QRegularExpression number(
-        u"^\\s*-?(0|[1-9][0-9]*)(\\.[0-9]+)?([eE][+-]?[0-9]+)?\\s*$"_s);
+    constexpr std::array kSamples{0.0, 1.0, -2.5, 1e300};
     FloatFormat numbers;
-    return numbers.set(format) &&
-           std::ranges::all_of(std::array{0.0, 1.0, -2.5, 1e300}, [&](double v) {
+    return numbers.set(format) && std::all_of(kSamples.begin(), kSamples.end(), [&](double sample) {
                QByteArray text;
-               numbers.append(v, &text);
-               return number.match(QString::fromUtf8(text)).hasMatch();
+               numbers.append(sample, &text);
+               return isJsonNumber(text.trimmed());
            });
 }
 

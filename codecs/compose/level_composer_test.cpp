@@ -103,3 +103,13 @@ TEST(LevelComposer, TheRestOfACallerIsWrittenFromItsOwnRow)
     EXPECT_EQ(written, "<1[1.5,2.5]\"first\",1.5{\"" + longBytes + "\",1.51}>," + "<2[3.5]\"" +
                            longBytes + "\",3.5{\"\",3.52}>," + "<[4.5]\"t\",4.5{\"u\",4.5}>");
 }
+
+TEST(JsonNumbers, FormatsThatPrintOtherTextsAreFound)
+{
+    for (const char *const format : {"", "%g", "%.17g", "%.2f", "%10.3e", "%-9g", "%.0f", "%G"}) {
+        EXPECT_TRUE(printsJsonNumber(QString::fromLatin1(format))) << format;
+    }
+    for (const char *const format : {"%a", "%+g", "%05g", "%#.0f", "x%g", "%g%%", "%g 1", "%d"}) {
+        EXPECT_FALSE(printsJsonNumber(QString::fromLatin1(format))) << format;
+    }
+}
