@@ -219,6 +219,7 @@ class Levels(Case):
         for name, document, line, options in (
                 ("in.json", '[{"a":1},\0{"a":2}]', 10, ()), ("in.json", '[{"a":1},\n {"a"\0:2}]', 6, ()),
                 ("in.json", '[{"a":1},\n {"a"\0:2}]', 6, ("--reader", "ignoreErrors=1")),
+                ("in.json", '[{"a":1},\0{"a":2}]', 10, ("--reader", "ignoreErrors=1")),
                 ("in.json", '[{"a":1},{"a":"\0"}' + ' ' * 9_000_000 + ']', 16, ()),
                 ("in.xml", "<r><a>1</a>\0<a>2</a></r>", 12, ())):
             self.put(name, document)

@@ -81,7 +81,12 @@ bool OccurrenceReader::resume()
 {
     const auto rewind = m_isBuildingValue || !m_keepRoot ? JSONTokenizer::Rewind::ToNextLine
                                                          : JSONTokenizer::Rewind::Never;
-    if (m_json == nullptr || !m_json->resume(rewind)) {
+    if (m_json == nullptr) {
+        return false;
+    }
+    const LineCounter position = m_tokenizer->position();
+    if (!m_json->resume(rewind)) {
+        addAfterNul(m_json->lostAfterNul(), position);
         return false;
     }
     m_isBuildingValue = false;
@@ -97,7 +102,11 @@ void OccurrenceReader::endDocument()
     }
     const LineCounter position = m_tokenizer->position();
     m_tokenizer->unpin(); // after an error, a record is still held
-    const qint64 bytes = m_tokenizer->discardRest();
+    addAfterNul(m_tokenizer->discardRest(), position);
+}
+
+void OccurrenceReader::addAfterNul(qint64 bytes, const LineCounter &position)
+{
     if (bytes > 0 && m_unread.bytesAfterNul == 0) {
         m_unread.nulPlace = placeText(position);
     }

@@ -74,6 +74,7 @@ private:
     {
         return m_placeText(position.line(), position.column());
     }
+    void addAfterNul(qint64 bytes, const LineCounter &position);
     Found startElement();
     Found startValue();
     Found endOfData();

@@ -227,6 +227,7 @@ bool JSONTokenizer::skipLine()
         m_keep = m_pos;
         const char *const stop = std::find_if(here(), end(), isLineBreak);
         const bool found = stop != end();
+        m_skipped += stop - here();
         moveTo(found ? stop + 1 : stop);
         if (found) {
             return true;
@@ -255,7 +256,9 @@ bool JSONTokenizer::resume(Rewind rewind)
     // Between the values, the line of the error is the current one.
     const bool hasSeveralLines = m_state != State::Top && hasBreakSinceMark();
     // Where a NUL cut a document off, no line begins: discardRest() then counts what follows.
-    const bool isCut = hasSeveralLines && rewind == Rewind::Never && isEndedByNul();
+    const bool isAtNul = isEndedByNul();
+    m_lostAfterNul = 0;
+    const bool isCut = hasSeveralLines && rewind == Rewind::Never && isAtNul;
     if (isCut || !recover()) {
         return false;
     }
@@ -263,7 +266,10 @@ bool JSONTokenizer::resume(Rewind rewind)
     m_open.clear();
     m_names.clear();
     if (!hasSeveralLines) {
-        return skipLine();
+        m_skipped = 0;
+        const bool hasLine = skipLine();
+        m_lostAfterNul = isAtNul && !hasLine ? m_skipped - 1 : 0;
+        return hasLine;
     }
     // A line that was not complete ends where the next one begins.
     const bool isAtLine = here() > data() && isLineBreak(here()[-1]) && beginsValue(*here());

@@ -61,6 +61,8 @@ public:
     /// false when there is no further line, when the source failed, and when the data does not look
     /// like JSON Lines; the tokenizer cannot be used further then.
     bool resume(Rewind rewind);
+    /// After resume() found no further line because a NUL cut the last one off: the bytes after it.
+    qint64 lostAfterNul() const { return m_lostAfterNul; }
 
     /// True while a container is open: the value at the top is not complete.
     bool isInsideValue() const { return !m_open.empty(); }
@@ -140,6 +142,9 @@ private:
     std::function<void()> m_onStrayText;
     /// Bytes that resume() read again in this document of the source.
     size_t m_rewound = 0;
+    /// Bytes that skipLine() skipped.
+    qint64 m_skipped = 0;
+    qint64 m_lostAfterNul = 0;
     /// The last value was a scalar, so its name is still in the buffer.
     bool m_scalar = false;
     /// Name of the open element.
