@@ -41,6 +41,9 @@ DUCKDB_ORDERS = ("COPY (WITH o AS (SELECT unnest(orders) AS o FROM read_json('or
 
 PAGE_ITEMS = "".join(f"<e name='{name}' path='[{i}]'/>" for i, name in enumerate(LINE_MEMBERS, 1))
 
+XLRD = ("import csv, xlrd; sheet = xlrd.open_workbook('sales.xls').sheet_by_index(0); "
+        "csv.writer(open('peer.csv', 'w')).writerows(sheet.row_values(i) for i in range(sheet.nrows))")
+
 JOBS = {
     "csv_csv": Job("CSV through a pass-through action to CSV",
                    graph(READ_SALES, "<writeCSV fileName='first.csv'/>", "<writeCSV fileName='second.csv'/>"),
@@ -49,6 +52,10 @@ JOBS = {
                       graph(READ_SALES, "<writeExcel fileNameDestination='ours.xlsx' dateFormat='yyyy-MM-dd'>"
                                         "<ToDate><s>day</s></ToDate></writeExcel>"),
                       "ours.xlsx", ["xlsxwriter_peer", "sales.csv", "peer.xlsx"], "peer.xlsx"),
+    "xls_read": Job("a legacy workbook of at most 60,000 rows to CSV; peer: xlrd",
+                    graph("<readExcelOld fileName='sales.xls'/>", "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                    ["/usr/bin/python3", "-c", XLRD], "peer.csv",
+                    input="sales.xls", make_input=("make_xls.py", "sales.csv")),
     "dbf_read": Job("dBase table to CSV; peer: ogr2ogr",
                     graph("<ReadXBF fileName='sales.dbf'/>", "<writeCSV fileName='ours.csv'/>"), "ours.csv",
                     ["ogr2ogr", "-f", "CSV", "peer.csv", "sales.dbf", "-oo", "ENCODING=CP1252"], "peer.csv",

@@ -1,10 +1,17 @@
 #include "actions/read_excel_old/read_excel_old.h"
 
+#include "actions/workbook/legacy_format.h"
+
 namespace corvanta {
 
 ActionReadExcelOld::ActionReadExcelOld(const XMLNode &saved, GlobalParameters *parameters)
-    : PendingAction(kReadExcelOldEntry, saved, parameters)
+    : ParamAction(kReadExcelOldEntry, saved, parameters)
 {
+}
+
+const WorkbookFormat &ActionReadExcelOld::workbookFormat() const
+{
+    return kLegacyWorkbookFormat;
 }
 
 } // namespace corvanta

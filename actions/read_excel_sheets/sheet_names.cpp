@@ -1,8 +1,7 @@
 #include "actions/read_excel_sheets/sheet_names.h"
 
-#include "codecs/xls/legacy_workbook.h"
+#include "actions/workbook/legacy_format.h"
 #include "codecs/xlsx/sheet_list.h"
-#include "io/input/whole_input.h"
 #include "io/package_file/package_file.h"
 
 using namespace Qt::StringLiterals;
@@ -46,48 +45,18 @@ std::optional<QStringList> namesOfPackage(ActionBase &action, const QString &pat
     return *std::move(names);
 }
 
-/// Why a legacy workbook cannot be read, with the remedy.
-QString reasonOf(const Fault<sheet::WorkbookError> &fault, const ByteSource &source)
-{
-    switch (fault.code) {
-    case sheet::WorkbookError::Encrypted:
-        return u"it is encrypted (%1): save it without a password"_s.arg(fault.detail);
-    case sheet::WorkbookError::NotAWorkbook:
-        return fault.detail.isEmpty()
-                   ? u"it is not a legacy workbook (.xls)"_s
-                   : u"it is not a legacy workbook (.xls), but %1"_s.arg(fault.detail);
-    case sheet::WorkbookError::ReadFailed:
-        return readFailure(source);
-    default:
-        return u"the workbook is damaged: %1"_s.arg(fault.detail);
-    }
-}
-
-QStringList noNames(ActionBase &action, const QString &path, const QString &reason)
-{
-    if (action.runIsGood()) {
-        action.warn(u"Warning: no sheet names are read from '%1'.\n"_s.arg(path), reason);
-    }
-    return {};
-}
-
 QStringList namesOfLegacy(ActionBase &action, const QString &path)
 {
-    auto input =
-        std::make_unique<RunInput>(action.globalParameters(), action.control(), path, false);
-    if (!input->file.isOpen()) {
-        return noNames(action, path, input->file.reason());
-    }
-    auto source = randomAccess(std::move(input));
-    if (!source) {
-        return noNames(action, path, source.fault().detail);
-    }
-    auto workbook = xls::LegacyWorkbook::open(**source);
-    if (!workbook) {
-        return noNames(action, path, reasonOf(workbook.fault(), **source));
-    }
     QStringList names;
-    for (const sheet::SheetInfo &info : (*workbook)->sheets()) {
+    auto workbook = openWorkbook(action, kLegacyWorkbookFormat, path, InputFile::Report::Failure);
+    if (!workbook) {
+        if (action.runIsGood()) {
+            action.warn(u"Warning: no sheet names are read from '%1'.\n"_s.arg(path),
+                        workbook.fault().detail);
+        }
+        return names;
+    }
+    for (const sheet::SheetInfo &info : workbook->reader->sheets()) {
         names << info.name;
     }
     return names;

@@ -38,8 +38,8 @@ QString refusal(const WorkbookFormat &format, const Fault<sheet::WorkbookError> 
         return u"its content is %1, whatever its name says; give it the right extension, or open "
                "it in a spreadsheet program and save it as a workbook"_s.arg(opc::describe(kind));
     }
-    return kind == opc::FileKind::Package ? fault.detail
-                                          : u"its content is %1"_s.arg(opc::describe(kind));
+    const bool isExamined = kind == opc::FileKind::Package || kind == opc::FileKind::Compound;
+    return isExamined ? fault.detail : u"its content is %1"_s.arg(opc::describe(kind));
 }
 
 } // namespace

@@ -83,6 +83,13 @@ QString encryptionOf(const Record &record, Biff biff)
     return u16At(record, 2) == 1 ? QStringLiteral("RC4") : QStringLiteral("RC4 CryptoAPI");
 }
 
+Fault<WorkbookError> encrypted(const Record &record, Biff biff)
+{
+    return {WorkbookError::Encrypted,
+            QStringLiteral("it is encrypted (%1); save it without a password")
+                .arg(encryptionOf(record, biff))};
+}
+
 /// Collects the globals, record by record.
 class Collector
 {
@@ -236,6 +243,11 @@ Biff versionOf(const Record &record)
     }
 }
 
+Fault<WorkbookError> readFailed(qint64 offset)
+{
+    return {WorkbookError::ReadFailed, QStringLiteral("a read failed"), offset};
+}
+
 quint16 streamType(const Record &record)
 {
     return u16At(record, 2);
@@ -245,17 +257,20 @@ sheet::WorkbookResult<Globals> readGlobals(RecordReader &reader, qint64 offset)
 {
     Record record;
     reader.seek(offset);
-    if (!reader.next(&record) || !isBof(record.id)) {
-        const bool isFailure = reader.stop() == RecordReader::Stop::ReadFailed;
-        return Fault{
-            isFailure ? WorkbookError::ReadFailed : WorkbookError::NotAWorkbook, {}, offset};
+    const bool isBegun = reader.next(&record) && isBof(record.id);
+    if (reader.stop() == RecordReader::Stop::ReadFailed) {
+        return readFailed(offset);
+    }
+    if (!isBegun) {
+        return Fault{WorkbookError::NotAWorkbook, QStringLiteral("it is no legacy workbook")};
     }
     const Biff biff = versionOf(record);
     const quint16 type = streamType(record);
     Collector collector(reader, biff);
-    for (int depth = 1; depth > 0 && reader.next(&record);) {
+    int depth = 1;
+    while (depth > 0 && reader.next(&record)) {
         if (record.id == kFilePass) {
-            return Fault{WorkbookError::Encrypted, encryptionOf(record, biff), record.offset};
+            return encrypted(record, biff);
         }
         depth += isBof(record.id) ? 1 : (record.id == kEof ? -1 : 0);
         if (depth == 1) {
@@ -263,9 +278,14 @@ sheet::WorkbookResult<Globals> readGlobals(RecordReader &reader, qint64 offset)
         }
     }
     if (reader.stop() == RecordReader::Stop::ReadFailed) {
-        return Fault{WorkbookError::ReadFailed, {}, reader.position()};
+        return readFailed(reader.position());
     }
     if (type == kGlobals || type == kWorkspace) {
+        if (depth > 0) {
+            return Fault{WorkbookError::Damaged,
+                         QStringLiteral("it is damaged: the list of sheets has no end"),
+                         reader.position()};
+        }
         return collector.finish({});
     }
     return collector.finish(SheetPlace{{QStringLiteral("Sheet 1"), kindOfStream(type)}, offset});

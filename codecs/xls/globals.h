@@ -38,9 +38,12 @@ Biff versionOf(const Record &record);
 /// The type of the stream that a BOF record begins; see StreamType.
 quint16 streamType(const Record &record);
 
+/// The fault of a read that the source refused.
+Fault<sheet::WorkbookError> readFailed(qint64 offset);
+
 /// Read the stream that begins at `offset`, up to its end: the globals of BIFF 5 and 8, or the only
 /// sheet of an older file, whose cells are passed over. Errors: NotAWorkbook without a BOF record,
-/// Encrypted, ReadFailed. A truncated stream gives what it has.
+/// Encrypted, ReadFailed, Damaged if globals have no end.
 sheet::WorkbookResult<Globals> readGlobals(RecordReader &reader, qint64 offset);
 
 } // namespace corvanta::xls

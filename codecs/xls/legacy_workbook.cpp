@@ -17,13 +17,14 @@ Fault<WorkbookError> faultOf(const Fault<CompoundError> &fault)
 {
     switch (fault.code) {
     case CompoundError::ReadFailed:
-        return {WorkbookError::ReadFailed, {}, fault.offset};
+        return readFailed(fault.offset);
     case CompoundError::NotCompound:
-        return {WorkbookError::NotAWorkbook, {}, fault.offset};
+        return {WorkbookError::NotAWorkbook, QStringLiteral("it is no legacy workbook")};
     case CompoundError::Damaged:
         break;
     }
-    return {WorkbookError::Damaged, QStringLiteral("the compound file has no usable directory"),
+    return {WorkbookError::Damaged,
+            QStringLiteral("it is damaged: its compound file has no usable directory"),
             fault.offset};
 }
 
@@ -36,10 +37,13 @@ sheet::WorkbookResult<std::unique_ptr<CompoundStream>> streamOf(CompoundFile &fi
         }
     }
     if (file.stream(u"EncryptedPackage")) {
-        return Fault{WorkbookError::Encrypted, QStringLiteral("an encrypted .xlsx workbook")};
+        return Fault{
+            WorkbookError::Encrypted,
+            QStringLiteral("it is an encrypted .xlsx workbook; save it without a password")};
     }
     return Fault{WorkbookError::NotAWorkbook,
-                 QStringLiteral("an Office or compound file without a workbook")};
+                 QStringLiteral(
+                     "it is a compound file, such as an old Office document, without a workbook")};
 }
 
 } // namespace
@@ -57,11 +61,11 @@ sheet::WorkbookResult<void> LegacyWorkbook::read(ByteSource &source)
 {
     std::array<char, 8> first{};
     if (!source.seek(0)) {
-        return Fault{WorkbookError::ReadFailed};
+        return readFailed(0);
     }
     const qint64 got = readFully(source, first.data(), first.size());
     if (got < 0) {
-        return Fault{WorkbookError::ReadFailed, {}, 0};
+        return readFailed(0);
     }
     if (CompoundFile::hasSignature({first.data(), got})) {
         auto file = CompoundFile::open(source);
@@ -87,7 +91,7 @@ sheet::WorkbookResult<void> LegacyWorkbook::readWorkbook()
         if (m_stream && fault.code == WorkbookError::NotAWorkbook) {
             return Fault{
                 WorkbookError::Damaged,
-                QStringLiteral("the stream of the workbook does not begin with a BOF record"),
+                QStringLiteral("it is damaged: its stream does not begin with a BOF record"),
                 fault.offset};
         }
         return fault;

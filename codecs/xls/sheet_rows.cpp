@@ -27,7 +27,7 @@ sheet::WorkbookResult<void> BiffRows::open()
                          QStringLiteral("the cells are not stored row by row"), m_scan.begin};
         }
         if (!m_source.reader.load(m_scan.begin, m_scan.end)) {
-            return Fault{WorkbookError::ReadFailed, {}, m_scan.begin};
+            return readFailed(m_scan.begin);
         }
         auto sorted = sortedCells(m_source.reader, m_scan, m_source.stop);
         if (!sorted) {
@@ -80,7 +80,12 @@ void BiffRows::readSorted()
     Record record;
     while (m_nextSorted < m_sorted.size() && m_sorted[m_nextSorted].row == m_row) {
         m_source.reader.seek(m_sorted[m_nextSorted++].offset);
-        if (m_source.reader.next(&record)) {
+        bool isRead = m_source.reader.next(&record);
+        if (isRead && record.id == kIxfe) {
+            m_decoder.takeIxfe(record);
+            isRead = m_source.reader.next(&record);
+        }
+        if (isRead) {
             m_decoder.decode(record, &m_cells);
         }
     }
@@ -112,10 +117,10 @@ sheet::WorkbookResult<bool> BiffRows::next(sheet::SheetRow *row)
 sheet::WorkbookResult<bool> BiffRows::finish() const
 {
     if (m_source.reader.stop() == RecordReader::Stop::ReadFailed) {
-        return Fault{WorkbookError::ReadFailed, {}, m_source.reader.position()};
+        return readFailed(m_source.reader.position());
     }
     if (m_scan.isTruncated) {
-        return Fault{WorkbookError::Damaged, QStringLiteral("the workbook ends inside the sheet"),
+        return Fault{WorkbookError::Damaged, QStringLiteral("it ends inside the sheet"),
                      m_scan.end};
     }
     return false;

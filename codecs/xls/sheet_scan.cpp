@@ -87,7 +87,7 @@ sheet::WorkbookResult<bool> forEachRecord(RecordReader &reader, qint64 offset,
         }
     }
     if (reader.stop() == RecordReader::Stop::ReadFailed) {
-        return Fault{WorkbookError::ReadFailed, {}, reader.position()};
+        return readFailed(reader.position());
     }
     return false;
 }
@@ -99,10 +99,13 @@ sheet::WorkbookResult<SheetScan> scanSheet(RecordReader &reader, qint64 offset,
 {
     Record bof;
     reader.seek(offset);
-    if (!reader.next(&bof) || !isBof(bof.id)) {
-        const bool isFailure = reader.stop() == RecordReader::Stop::ReadFailed;
-        return Fault{isFailure ? WorkbookError::ReadFailed : WorkbookError::Damaged,
-                     QStringLiteral("the sheet has no beginning"), offset};
+    const bool isBegun = reader.next(&bof) && isBof(bof.id);
+    if (reader.stop() == RecordReader::Stop::ReadFailed) {
+        return readFailed(offset);
+    }
+    if (!isBegun) {
+        return Fault{WorkbookError::Damaged,
+                     QStringLiteral("it is damaged: the sheet has no beginning"), offset};
     }
     SheetScan scan;
     scan.begin = offset;
@@ -135,10 +138,12 @@ sheet::WorkbookResult<std::vector<CellPlace>>
 sortedCells(RecordReader &reader, const SheetScan &scan, const std::atomic<bool> &stop)
 {
     std::vector<CellPlace> cells;
+    qint64 ixfe = -1; // offset of the record before, if it belongs to the next cell
     const auto hasEnd = forEachRecord(reader, scan.begin, stop, [&](const Record &record) {
         if (const int row = rowOfCell(record); row >= 0) {
-            cells.push_back({static_cast<quint16>(row), record.offset});
+            cells.push_back({static_cast<quint16>(row), ixfe >= 0 ? ixfe : record.offset});
         }
+        ixfe = record.id == kIxfe ? record.offset : -1;
     });
     if (!hasEnd) {
         return hasEnd.fault();

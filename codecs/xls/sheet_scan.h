@@ -8,7 +8,7 @@
 
 namespace corvanta::xls {
 
-/// A cell record in the stream.
+/// A cell record in the stream, or the IXFE record directly before it.
 struct CellPlace
 {
     quint16 row = 0;

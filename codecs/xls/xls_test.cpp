@@ -300,6 +300,12 @@ TEST(LegacyWorkbook, ReadsOlderVersions)
                    record(kInteger2, head2(0, 1, 63, 0) + u16(8)) + record(kEof))
                   .cells,
               (QStringList{u"0,0 N1 7"_s, u"0,1 N1 8"_s}));
+    // The same if the cells must be sorted.
+    EXPECT_EQ(read(bof(kBof2, 2, kWorksheetStream) + xf2 +
+                   record(kInteger2, head2(1, 0, 0, 0) + u16(7)) + record(kIxfe, u16(1)) +
+                   record(kInteger2, head2(0, 1, 63, 0) + u16(8)) + record(kEof))
+                  .cells,
+              (QStringList{u"0,1 N1 8"_s, u"1,0 N 7"_s}));
     // BIFF 3 and 4: formats are numbered in their order.
     for (const int version : {3, 4}) {
         const QByteArray code =
@@ -393,25 +399,31 @@ TEST(LegacyWorkbook, KnowsLayoutNamesAndSheets)
 TEST(LegacyWorkbook, NamesWhatItCannotRead)
 {
     const auto code = [](WorkbookError error) { return QString::number(static_cast<int>(error)); };
-    EXPECT_EQ(read("text").fault, code(WorkbookError::NotAWorkbook));
-    EXPECT_EQ(read({}).fault, code(WorkbookError::NotAWorkbook));
-    const QString encrypted = code(WorkbookError::Encrypted);
+    const QString none = code(WorkbookError::NotAWorkbook) + u"it is no legacy workbook"_s;
+    EXPECT_EQ(read("text").fault, none);
+    EXPECT_EQ(read({}).fault, none);
+    const auto encrypted = [&](const QString &method) {
+        return code(WorkbookError::Encrypted) +
+               u"it is encrypted (%1); save it without a password"_s.arg(method);
+    };
     EXPECT_EQ(read(book({}, record(kFilePass, u16(0) + u16(1) + u16(2)))).fault,
-              encrypted + u"XOR obfuscation"_s);
+              encrypted(u"XOR obfuscation"_s));
     EXPECT_EQ(read(book({}, record(kFilePass, u16(1) + u16(1) + u16(1)))).fault,
-              encrypted + u"RC4"_s);
+              encrypted(u"RC4"_s));
     EXPECT_EQ(read(book({}, record(kFilePass, u16(1) + u16(2) + u16(2)))).fault,
-              encrypted + u"RC4 CryptoAPI"_s);
+              encrypted(u"RC4 CryptoAPI"_s));
     EXPECT_EQ(read(book({}, record(kFilePass, u16(1) + u16(2)), 0x0500)).fault,
-              encrypted + u"XOR obfuscation"_s);
+              encrypted(u"XOR obfuscation"_s));
     // The rows before the damage are delivered.
     const QByteArray whole = book(number(0, 0, 1) + number(1, 0, 2));
     const Content cut = read(whole.chopped(6));
     EXPECT_EQ(cut.cells, QStringList{u"0,0 N 1"_s});
-    EXPECT_EQ(cut.fault, u"the workbook ends inside the sheet"_s);
+    EXPECT_EQ(cut.fault, u"it ends inside the sheet"_s);
     EXPECT_EQ(read(whole.chopped(4)).cells.size(), 2);
     EXPECT_EQ(read(whole.chopped(4)).fault, QString());
-    EXPECT_EQ(read(whole.first(27)).fault, u"the sheet has no beginning"_s);
+    EXPECT_EQ(read(whole.first(27)).fault, u"it is damaged: the sheet has no beginning"_s);
+    EXPECT_EQ(read(whole.first(22)).fault,
+              code(WorkbookError::Damaged) + u"it is damaged: the list of sheets has no end"_s);
 }
 
 TEST(CompoundFile, SurvivesEveryDamage)

@@ -2,6 +2,10 @@
 import dataclasses
 import pathlib
 import subprocess
+import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+import legacy_workbook  # pylint: disable=wrong-import-position
 
 ROWS = 40
 
@@ -42,6 +46,8 @@ CASES = [
     Case("from_json", ["convert", "in.json", "out.parquet"], ["out.parquet"], leaves="*_TMP"),
     Case("from_xml", ["convert", "in.xml", "out.json"], ["out.json"]),
     Case("from_dbf", ["convert", "in.dbf", "out.xml"], ["out.xml"]),
+    run("sheets", "<readExcelSheets fileName='*.xls*'/>", "<writeCSV fileName='sheets.csv'/>", targets=["sheets.csv"]),
+    Case("from_xls", ["convert", "in.xls", "from_xls.csv"], ["from_xls.csv"]),
     Case("head", ["head", "in.csv"]),
     Case("check", ["check", "csv.graph"]),
 ]
@@ -58,6 +64,12 @@ def dbf(rows):
     return header + b"\r" + b"".join(b" %8d%-12b" % (i, b"text %d" % i) for i in range(rows)) + b"\x1a"
 
 
+def xls(rows):
+    """A legacy workbook with one column of numbers and one of texts."""
+    cells = b"".join(legacy_workbook.number(8, i, 0, i) + legacy_workbook.label(8, i, 1, f"text {i}") for i in range(rows))
+    return legacy_workbook.compound(legacy_workbook.workbook(8, [("Sheet", cells)]))
+
+
 class Folder:
     """A folder with the inputs and the graphs of all cases. restore() removes what a run has left."""
 
@@ -65,6 +77,7 @@ class Folder:
         self.corvanta, self.path = corvanta, pathlib.Path(folder)
         (self.path / "in.csv").write_text("k,f,t\n" + "".join(f"{i},{i / 8},text {i}\n" for i in range(rows)))
         (self.path / "in.dbf").write_bytes(dbf(rows))
+        (self.path / "in.xls").write_bytes(xls(rows))
         for name in ("in.parquet", "in.json", "in.xml", "book.xlsx"):
             subprocess.run(self.command(["convert", "in.csv", name]), check=True, cwd=self.path, stderr=subprocess.DEVNULL)
         for case in CASES:
