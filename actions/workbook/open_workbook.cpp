@@ -21,10 +21,14 @@ bool isOtherFormat(const WorkbookFormat &format, opc::FileKind kind)
 QString refusal(const WorkbookFormat &format, const Fault<sheet::WorkbookError> &fault,
                 ByteSource &source)
 {
-    if (fault.code != sheet::WorkbookError::NotAWorkbook) {
+    if (fault.code == sheet::WorkbookError::ReadFailed) {
         return describe(fault, source);
     }
+    // A file of the other kind can look like a damaged workbook: some have packages inside.
     const opc::FileKind kind = opc::fileKind(source);
+    if (fault.code != sheet::WorkbookError::NotAWorkbook && !isOtherFormat(format, kind)) {
+        return describe(fault, source);
+    }
     if (kind == opc::FileKind::Encrypted) {
         return u"it is %1; save it without a password"_s.arg(opc::describe(kind));
     }

@@ -1,5 +1,6 @@
 #include "codecs/sheet/date_text.h"
 
+#include "base/number.h"
 #include "codecs/sheet/date_parser.h"
 
 #include <QDate>
@@ -7,7 +8,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstdio>
 
 namespace corvanta::sheet {
 
@@ -28,8 +28,13 @@ class Text
 public:
     void number(qint64 value, int digits)
     {
-        m_size += std::snprintf(m_text.data() + m_size, m_text.size() - size_t(m_size), "%0*lld",
-                                digits, static_cast<long long>(value));
+        std::array<char, kNumberChars> text{};
+        const int n = putUInt(static_cast<quint64>(value), text.data());
+        for (int i = n; i < digits; ++i) {
+            put('0');
+        }
+        std::copy_n(text.data(), n, m_text.data() + m_size);
+        m_size += n;
     }
     void put(char c) { m_text[static_cast<size_t>(m_size++)] = c; }
     int copyTo(char16_t *out) const

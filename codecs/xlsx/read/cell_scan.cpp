@@ -10,6 +10,7 @@
 
 #include <emmintrin.h>
 
+#include <cmath>
 #include <cstring>
 
 namespace corvanta::xlsx {
@@ -126,29 +127,36 @@ constexpr double kPowers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
 constexpr int kExactDigits = 15;
 
 /// A decimal of up to kExactDigits digits without exponent: exact, because both the digits and the
-/// power of ten are exact and a division rounds once. nullopt for any other text.
-std::optional<double> parseShortDecimal(QByteArrayView text)
+/// power of ten are exact and a division rounds once. Returns false for any other text.
+bool parseShortDecimal(const char *at, const char *end, double *value)
 {
-    const bool isNegative = text.startsWith('-');
+    const bool isNegative = at != end && *at == '-';
+    at += isNegative ? 1 : 0;
     qint64 digits = 0;
-    int count = 0;
-    int fraction = -1;
-    for (const char c : text.sliced(isNegative ? 1 : 0)) {
-        if (c == '.' && fraction < 0 && count > 0) {
-            fraction = 0;
-            continue;
+    const char *const first = at;
+    const char *point = end;
+    for (; at != end; ++at) {
+        const auto digit = static_cast<unsigned>(*at - '0');
+        if (digit <= 9) {
+            digits = digits * 10 + digit;
+        } else if (*at == '.' && point == end && at != first) {
+            point = at;
+        } else {
+            return false;
         }
-        if (c < '0' || c > '9' || ++count > kExactDigits) {
-            return std::nullopt;
+        // Longer texts may overflow, and are no exact doubles.
+        if (at - first > kExactDigits) {
+            return false;
         }
-        digits = digits * 10 + (c - '0');
-        fraction += fraction >= 0 ? 1 : 0;
     }
-    if (count == 0 || fraction == 0) {
-        return std::nullopt;
+    const std::ptrdiff_t fraction = point == end ? 0 : end - point - 1;
+    const std::ptrdiff_t count = end - first - (point == end ? 0 : 1);
+    if (count == 0 || count > kExactDigits || (point != end && fraction == 0)) {
+        return false;
     }
-    const double value = static_cast<double>(digits) / kPowers[fraction > 0 ? fraction : 0];
-    return isNegative ? -value : value;
+    const double number = static_cast<double>(digits) / kPowers[fraction];
+    *value = isNegative ? -number : number;
+    return true;
 }
 
 } // namespace
@@ -174,15 +182,11 @@ int columnOfReference(QByteArrayView reference)
     return static_cast<int>(column) - 1;
 }
 
-std::optional<double> parseValue(QByteArrayView text)
+bool parseValue(QByteArrayView text, double *value)
 {
-    if (const auto value = parseShortDecimal(text)) {
-        return value;
-    }
-    double value = 0;
-    const bool isNumber =
-        parseDouble(std::string_view(text.data(), static_cast<size_t>(text.size())), &value);
-    return isNumber ? std::optional(value) : std::nullopt;
+    return parseShortDecimal(text.begin(), text.end(), value) ||
+           (parseDouble(std::string_view(text.data(), static_cast<size_t>(text.size())), value) &&
+            std::isfinite(*value));
 }
 
 CellScan scanCell(const char *at, const char *end, RawCell *cell, const char **after)

@@ -6,8 +6,6 @@
 #include <QByteArrayView>
 #include <QtGlobal>
 
-#include <optional>
-
 namespace corvanta::xlsx {
 
 /// A cell as it is written.
@@ -36,8 +34,9 @@ CellScan scanCell(const char *at, const char *end, RawCell *cell, const char **a
 /// is no upper limit below 2^31.
 int columnOfReference(QByteArrayView reference);
 
-/// The number that all of `text` is, in the form of XML Schema without spaces; std::nullopt for
-/// anything else.
-std::optional<double> parseValue(QByteArrayView text);
+/// The finite number that all of `text` is, in the form of XML Schema without spaces. Returns false
+/// for any other text; `*value` is then undefined. A bool and not an optional, as it is called for
+/// every cell.
+bool parseValue(QByteArrayView text, double *value);
 
 } // namespace corvanta::xlsx

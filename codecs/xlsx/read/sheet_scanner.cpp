@@ -16,7 +16,6 @@
 #include "codecs/xlsx/read/string_text.h"
 
 #include <algorithm>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -41,13 +40,6 @@ bool isTrue(std::optional<QByteArrayView> value)
 QByteArrayView trimmed(QByteArrayView text)
 {
     return text.trimmed();
-}
-
-/// The number that `text` is; nothing for other text and for numbers that no sheet has.
-std::optional<double> numberOf(QByteArrayView text)
-{
-    const auto value = parseValue(text);
-    return value && std::isfinite(*value) ? value : std::nullopt;
 }
 
 /// Read the raw text of the element whose opening tag was the last item.
@@ -124,10 +116,33 @@ SheetScanner::Done SheetScanner::enterRows()
     return {};
 }
 
+/// Take a row tag of the usual form: <row r="7" spans="1:3">. The views of other tags are general,
+/// and slower.
+bool SheetScanner::takeUsualRow()
+{
+    constexpr QByteArrayView kBeginning("<row r=\"");
+    const QByteArrayView text(m_part->begin(), m_part->end() - m_part->begin());
+    if (!text.startsWith(kBeginning)) {
+        return false;
+    }
+    const qsizetype end = text.indexOf('>');
+    const QByteArrayView tag = text.first(std::max<qsizetype>(end, 0));
+    const qsizetype quote = tag.indexOf('"', kBeginning.size());
+    if (quote < 0 || tag.endsWith('/') || tag.indexOf("hidden", quote) >= 0) {
+        return false;
+    }
+    m_part->consumeTo(text.data() + end + 1);
+    startRow(tag.sliced(kBeginning.size(), quote - kBeginning.size()));
+    return true;
+}
+
 /// Read up to the next row, and its tag. Returns false after the last row.
 sheet::WorkbookResult<bool> SheetScanner::findRow()
 {
     while (m_place == Place::Rows) {
+        if (takeUsualRow()) {
+            return true;
+        }
         const auto item = m_part->nextItem();
         if (!item) {
             return item.fault();
@@ -136,7 +151,9 @@ sheet::WorkbookResult<bool> SheetScanner::findRow()
             return m_part->truncated();
         }
         if (item->isOpening("row")) {
-            startRow(item->tag);
+            startRow(item->tag.attribute("r"));
+            m_isRowEmpty = item->tag.kind == Kind::Empty;
+            m_isRowHidden = isTrue(item->tag.attribute("hidden"));
             return true;
         }
         if (item->isClosing("sheetData")) {
@@ -160,16 +177,17 @@ void SheetScanner::setRowNumber(QByteArrayView text)
     }
 }
 
-void SheetScanner::startRow(const opc::Tag &tag)
+/// `number`: the r attribute.
+void SheetScanner::startRow(std::optional<QByteArrayView> number)
 {
     m_cells.clear();
     m_texts.clear();
     m_pending.clear();
     m_column = -1;
     m_isInOrder = true;
-    m_isRowEmpty = tag.kind == Kind::Empty;
-    m_isRowHidden = isTrue(tag.attribute("hidden"));
-    if (const auto number = tag.attribute("r")) {
+    m_isRowEmpty = false;
+    m_isRowHidden = false;
+    if (number) {
         setRowNumber(*number);
     } else {
         ++m_row;
@@ -213,9 +231,14 @@ sheet::WorkbookResult<bool> SheetScanner::next(sheet::SheetRow *row)
 
 SheetScanner::Done SheetScanner::readCells()
 {
+    constexpr QByteArrayView kClosing("</row>");
     for (;;) {
         if (auto done = readUsualCells(); !done) {
             return done;
+        }
+        if (QByteArrayView(m_part->begin(), m_part->end()).startsWith(kClosing)) {
+            m_part->consumeTo(m_part->begin() + kClosing.size());
+            return {};
         }
         const auto more = readItem();
         if (!more) {
@@ -412,24 +435,29 @@ SheetScanner::Done SheetScanner::setValue(const RawCell &cell, sheet::SheetCell 
 
 void SheetScanner::setNumber(const RawCell &cell, sheet::SheetCell *placed)
 {
-    auto value = numberOf(cell.value);
-    if (!value) {
-        const QByteArrayView text = trimmed(cell.value);
-        value = numberOf(text);
-        if (!value && text.isEmpty()) {
-            return;
-        }
-    }
-    if (!value) {
-        count(SheetProblem::BadValue, placed->column);
-        placed->kind = CellKind::Text;
-        setText(cell.value, placed);
+    placed->kind = CellKind::Number;
+    placed->form = cell.style < m_forms.size() ? m_forms[cell.style] : sheet::NumberForm::General;
+    if (parseValue(cell.value, &placed->number)) {
+        m_cells.push_back(*placed);
         return;
     }
-    placed->kind = CellKind::Number;
-    placed->number = *value;
-    placed->form = cell.style < m_forms.size() ? m_forms[cell.style] : sheet::NumberForm::General;
-    m_cells.push_back(*placed);
+    setOddNumber(cell, placed);
+}
+
+/// The value is no plain number: it may have spaces around it, or be none.
+void SheetScanner::setOddNumber(const RawCell &cell, sheet::SheetCell *placed)
+{
+    const QByteArrayView text = trimmed(cell.value);
+    if (text.isEmpty()) {
+        return;
+    }
+    if (parseValue(text, &placed->number)) {
+        m_cells.push_back(*placed);
+        return;
+    }
+    count(SheetProblem::BadValue, placed->column);
+    placed->kind = CellKind::Text;
+    setText(cell.value, placed);
 }
 
 SheetScanner::Done SheetScanner::setShared(const RawCell &cell, sheet::SheetCell *placed)

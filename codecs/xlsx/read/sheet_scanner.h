@@ -41,7 +41,8 @@ private:
 
     Done enterRows();
     sheet::WorkbookResult<bool> findRow();
-    void startRow(const opc::Tag &tag);
+    bool takeUsualRow();
+    void startRow(std::optional<QByteArrayView> number);
     void setRowNumber(QByteArrayView text);
     Done readCells();
     /// Take the cells of the usual form. Returns when another item follows.
@@ -53,6 +54,7 @@ private:
     bool placeCell(const RawCell &cell, sheet::SheetCell *placed);
     Done setValue(const RawCell &cell, sheet::SheetCell *placed);
     void setNumber(const RawCell &cell, sheet::SheetCell *placed);
+    void setOddNumber(const RawCell &cell, sheet::SheetCell *placed);
     Done setShared(const RawCell &cell, sheet::SheetCell *placed);
     void setText(QByteArrayView raw, sheet::SheetCell *placed);
     void finishCells();
