@@ -33,7 +33,7 @@ CommandResult<void> readFirstRows(const QString &command, const CommandLine &lin
     ActionRegistry registry;
     registry.loadAll();
     CorvantaGraph graph;
-    if (const auto added = addInput(line, line.arguments[0], registry, &graph, extent); !added) {
+    if (auto added = addInput(line, line.arguments[0], registry, &graph, extent); !added) {
         return added;
     }
     RunOptions options;

@@ -1,6 +1,7 @@
 // Records and fields of CSV texts, however their bytes arrive, and the text of rows.
 #include "codecs/csv/record_reader.h"
 #include "codecs/csv/record_writer.h"
+#include "tests/support/failing_source.h"
 #include "tests/support/sweeps.h"
 
 #include <QStringList>
@@ -66,26 +67,6 @@ constexpr Case kCases[] = {
      "1: sixteen bytes or more|of plain text|then the end\n"},
 };
 
-/// A source that fails after its bytes.
-class FailingSource final : public ByteSource
-{
-public:
-    explicit FailingSource(QByteArrayView bytes)
-        : m_memory(bytes)
-    {
-    }
-    qint64 read(void *buffer, qint64 n) override
-    {
-        const qint64 got = m_memory.read(buffer, n);
-        return got > 0 ? got : -1;
-    }
-    qint64 size() override { return -1; }
-    bool seek(qint64) override { return false; }
-
-private:
-    MemorySource m_memory;
-};
-
 } // namespace
 
 TEST(RecordReader, FindsTheSameRecordsWhereverTheTextIsSplit)
@@ -118,7 +99,7 @@ TEST(RecordReader, RejectsARecordThatIsTooLong)
 
 TEST(RecordReader, ReportsAFailedReadAndNotAnEarlyEnd)
 {
-    FailingSource source("a,b\nc");
+    test::FailingSource source("a,b\nc");
     EXPECT_EQ(describe(source), "1: a|b\nfault 1 line 2 offset 4\n");
 }
 

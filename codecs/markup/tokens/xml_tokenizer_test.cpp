@@ -2,6 +2,7 @@
 // arrive.
 #include "codecs/markup/tokens/trace.h"
 #include "codecs/markup/tokens/xml_tokenizer.h"
+#include "tests/support/failing_source.h"
 #include "tests/support/sweeps.h"
 
 #include <QString>
@@ -233,34 +234,10 @@ TEST(XmlTokenizer, UsesTheGivenEncoding)
     EXPECT_EQ(tokenizer.nextToken(), Token::Error);
 }
 
-namespace {
-
-/// Fails after its last byte.
-class FailingSource final : public ByteSource
-{
-public:
-    explicit FailingSource(QByteArrayView bytes)
-        : m_bytes(bytes)
-    {
-    }
-    qint64 read(void *buffer, qint64 n) override
-    {
-        const qint64 got = m_bytes.read(buffer, n);
-        return got > 0 ? got : -1;
-    }
-    qint64 size() override { return -1; }
-    bool seek(qint64) override { return false; }
-
-private:
-    MemorySource m_bytes;
-};
-
-} // namespace
-
 TEST(XmlTokenizer, ReturnsTokensBeforeAFailure)
 {
     for (const char *encoding : {"", "UTF-8", "koi8-r"}) {
-        FailingSource source("<list><item>one</item><item>tw");
+        test::FailingSource source("<list><item>one</item><item>tw");
         XMLTokenizer tokenizer(source, 0);
         if (*encoding != 0) {
             EXPECT_TRUE(
