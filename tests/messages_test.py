@@ -16,6 +16,8 @@ LAYERS = ["base", "host", "io", "actions", "cli"]
 NOT_PROVOKED = {
     "the archive cannot be opened again": "a RAR archive that vanishes between two reads of it",
     "ERROR: cannot read the DBF file": "an input that fails without a word of its own; each kind of input has one",
+    "ERROR: the image file '%1' is too large": "a file of more than 1 GiB",
+    "ERROR: cannot read the temporary file of the table": "a file that only this process can open",
     "ERROR: cannot read the memo file": "as for the DBF file",
 }
 HELP = {"cli/main.cpp", "cli/describe_command.cpp"}  # most lines are printed, not logged

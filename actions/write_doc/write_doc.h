@@ -55,19 +55,26 @@ private:
         qint64 row = 0;                    ///< number of the current row, from 1
     };
 
+    // Each returns false after it has failed the run.
+
     bool findColumns(const OneRow &columns);
     bool findColumn(const OneRow &columns, const QString &name, int *input);
     bool writeRow(const OneRow &row);
+    /// Open the template and search it, unless it is the one of the row before.
     bool useTemplate(const QString &name);
+    /// Remember for the end of the run which markers the template has.
     void noteMarkers(const QString &name);
+    /// Refuse a document that an earlier row has written.
     bool checkName(const QString &name);
     document::RowValues textValues(const OneRow &row);
+    /// Read the images that the template needs, or their sizes.
     bool addImages(const OneRow &row, document::RowValues &values, document::RowImages &images);
     bool addImage(const QString &file, size_t column, document::RowValues &values,
                   document::RowImages &images);
     bool writeDocument(const document::RowValues &values, const document::RowImages &images);
     document::TemplateOptions templateOptions() const;
     bool failDocument(const Fault<opc::Error> &fault);
+    /// Which cell has the name of a file that failed.
     QString rowReason(const QString &column) const;
     void reportTexts();
     void reportMarkers();

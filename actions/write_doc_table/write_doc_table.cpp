@@ -13,7 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
-using document::kDocumentPart;
 using document::kStylesPart;
 
 ActionWriteDocTable::ActionWriteDocTable(const XMLNode &saved, GlobalParameters *parameters)
@@ -235,7 +234,7 @@ bool ActionWriteDocTable::writeDocument()
     if (!editStyles(copy) || !readBody(copy, &body) || !openDocument(m_run->output)) {
         return false;
     }
-    copy.reserve(kDocumentPart);
+    const QByteArray member = copy.reserve(document::bodyPart(copy));
     if (const auto copied = copy.copyMembers(document()); !copied) {
         return failPackage(copied.fault(), TemplateProblem::CannotCopyMember);
     }
@@ -243,7 +242,7 @@ bool ActionWriteDocTable::writeDocument()
                                               : document::findTablePlaces(body, m_run->markers);
     reportMarkers(body, places);
     reportPlaces(places);
-    const auto opened = document().open(copy.memberOf(kDocumentPart));
+    const auto opened = document().open(member);
     return (opened || failPackage(opened.fault(), TemplateProblem::CannotCopyMember)) &&
            writeBody(body, places) && commitDocument();
 }
@@ -273,12 +272,13 @@ bool ActionWriteDocTable::editStyles(opc::PackageCopy &copy)
 
 bool ActionWriteDocTable::readBody(opc::PackageCopy &copy, QByteArray *body)
 {
-    const auto read = copy.read(kDocumentPart);
+    const QByteArray part = document::bodyPart(copy);
+    const auto read = copy.read(part);
     if (!read) {
         return failPackage(read.fault(), TemplateProblem::CannotReadPart);
     }
     if (!opc::isUtf8Text(*read)) {
-        return failPackage({opc::Error::Encoding, QLatin1StringView(kDocumentPart)},
+        return failPackage({opc::Error::Encoding, QString::fromUtf8(part)},
                            TemplateProblem::CannotReadPart);
     }
     *body = m_params.joinRuns ? opc::joinMarkers(*read, m_run->markers) : *read;

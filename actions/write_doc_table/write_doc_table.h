@@ -54,19 +54,28 @@ private:
     };
 
     enum class Pin { Ended, Interrupted, Failed };
+    /// Read the rows of the current pin, until they end or the engine wants to go on.
     Pin readPin();
+
+    // Each returns false after it has failed the run.
+
     bool beginTable(const OneRow &columns);
     std::vector<int> widthsFor(const OneRow &columns);
     bool putRow(const OneRow &row);
     bool endTable();
+    /// Move what was written to the table of the pin.
     bool spool();
+    /// Add the marker of the pin, unless an earlier pin has it.
     bool checkMarker();
 
+    /// Copy the template with all tables, after the last row.
     bool writeDocument();
+    /// Define the style that every document has.
     bool editStyles(opc::PackageCopy &copy);
     bool readBody(opc::PackageCopy &copy, QByteArray *body);
     bool writeBody(const QByteArray &body, const std::vector<document::TablePlace> &places);
     bool writeTable(int table);
+    // Warn of markers without a place, and of places that lose something.
     void reportMarkers(const QByteArray &body, const std::vector<document::TablePlace> &places);
     void reportPlaces(const std::vector<document::TablePlace> &places);
 

@@ -25,13 +25,12 @@ bool isInTag(QByteArrayView text, qsizetype at)
 
 } // namespace
 
-std::vector<QByteArray> escapedMarkers(const std::vector<QByteArray> &markers)
+std::vector<QByteArray> escapedMarkers(std::vector<QByteArray> markers)
 {
-    std::vector<QByteArray> escaped;
-    for (const QByteArray &marker : markers) {
-        escaped.push_back(QByteArray(marker).replace("&", "&amp;").replace("<", "&lt;"));
+    for (QByteArray &marker : markers) {
+        marker.replace("&", "&amp;").replace("<", "&lt;");
     }
-    return escaped;
+    return markers;
 }
 
 DocumentPart DocumentPart::ofRelationships(const QByteArray &text, const MarkerLists &markers,
@@ -91,25 +90,24 @@ void DocumentPart::addNumbers(const std::vector<NumberRange> &numbers, Slot::Kin
     }
 }
 
-void DocumentPart::noteTexts(std::vector<bool> *inText, std::vector<bool> *inAttribute) const
+void DocumentPart::note(Slot::Kind kind, std::vector<bool> *used) const
 {
     for (const Slot &slot : m_slots) {
-        const auto column = static_cast<size_t>(slot.index);
-        if (slot.kind == Slot::Kind::Text) {
-            (*inText)[column] = true;
-        } else if (slot.kind == Slot::Kind::Attribute) {
-            (*inAttribute)[column] = true;
+        if (slot.kind == kind) {
+            (*used)[static_cast<size_t>(slot.index)] = true;
         }
     }
 }
 
+void DocumentPart::noteTexts(std::vector<bool> *inText, std::vector<bool> *inAttribute) const
+{
+    note(Slot::Kind::Text, inText);
+    note(Slot::Kind::Attribute, inAttribute);
+}
+
 void DocumentPart::noteImages(std::vector<bool> *used) const
 {
-    for (const Slot &slot : m_slots) {
-        if (slot.kind == Slot::Kind::Target) {
-            (*used)[static_cast<size_t>(slot.index)] = true;
-        }
-    }
+    note(Slot::Kind::Target, used);
 }
 
 DocumentPart::Fit DocumentPart::fitted(const Box &box, const ImageInfo &image)

@@ -75,20 +75,25 @@ private:
         : m_text(text)
     {
     }
+    // Add the slots of texts, and those of the numbers of all boxes and of one side of a box.
     void addTexts(const MarkerLists &markers, bool joinsRuns);
     void addBoxes(const std::vector<Placeholder> &fitted);
     void addNumbers(const std::vector<NumberRange> &numbers, Slot::Kind kind, int box);
+    /// Set the columns of the slots of one kind.
+    void note(Slot::Kind kind, std::vector<bool> *used) const;
+    /// The largest rectangle in the box that has the ratio of the image, in its middle.
     static Fit fitted(const Box &box, const ImageInfo &image);
+    // What replaces a slot; number() is for the slots of boxes.
     QByteArray value(const Slot &slot, const RowValues &values) const;
     QByteArray number(const Slot &slot, const RowValues &values) const;
 
     QByteArray m_text;
-    QByteArray m_folder;
+    QByteArray m_folder;       // of the targets in a relationships part
     std::vector<Slot> m_slots; // in the order of the text
     std::vector<Box> m_boxes;
 };
 
 /// The markers as the text of an element holds them: "&" and "<" escaped.
-std::vector<QByteArray> escapedMarkers(const std::vector<QByteArray> &markers);
+std::vector<QByteArray> escapedMarkers(std::vector<QByteArray> markers);
 
 } // namespace corvanta::document

@@ -1,5 +1,10 @@
 // Names of the parts that can have markers (ECMA-376 part 1, 11.3 and 13.3).
+//
+// Names are fixed by convention only: the relationships of the package name the main part, and some
+// programs write "word/document2.xml".
 #pragma once
+#include "codecs/opc/package_copy.h"
+
 #include <QByteArray>
 
 #include <array>
@@ -21,5 +26,9 @@ inline QByteArray standardName(const QByteArray &member)
 {
     return QByteArray(member).replace('\\', '/');
 }
+
+/// The part of a Word document with its body: kDocumentPart or, without such a member, the main
+/// part of the package if it is in the same folder, and else kDocumentPart.
+QByteArray bodyPart(opc::PackageCopy &package);
 
 } // namespace corvanta::document

@@ -55,9 +55,11 @@ DocumentTemplate::read(zip::PackageReader &source, const TemplateOptions &option
                        const std::function<bool()> &isRunning)
 {
     std::unique_ptr<DocumentTemplate> made(new DocumentTemplate(source, options));
-    const char *const main = options.kind == DocumentKind::Word ? kDocumentPart : kPresentationPart;
-    if (!made->m_names.find(main)) {
-        return Fault{Error::NoMember, QString::fromLatin1(main)};
+    opc::PackageCopy package(source, isRunning);
+    made->m_main =
+        options.kind == DocumentKind::Word ? bodyPart(package) : QByteArray(kPresentationPart);
+    if (!made->m_names.find(made->m_main)) {
+        return Fault{Error::NoMember, QString::fromUtf8(made->m_main)};
     }
     const auto done = made->readParts(isRunning);
     if (!done) {
@@ -75,7 +77,7 @@ bool DocumentTemplate::isEdited(const QByteArray &member) const
     }
     const bool isOther = std::any_of(kOtherWordParts.begin(), kOtherWordParts.end(),
                                      [&](const char *prefix) { return name.startsWith(prefix); });
-    return name == kDocumentPart || (m_options.allParts && isOther && name.endsWith(".xml"));
+    return name == m_main || (m_options.allParts && isOther && name.endsWith(".xml"));
 }
 
 Result<void, Error> DocumentTemplate::readParts(const std::function<bool()> &isRunning)

@@ -84,24 +84,30 @@ private:
 
     DocumentTemplate(zip::PackageReader &source, const TemplateOptions &options);
 
+    // Read and search the parts, each after its relationships. The entries of both get a part.
     Result<void, opc::Error> readParts(const std::function<bool()> &isRunning);
     bool isEdited(const QByteArray &member) const;
     Result<void, opc::Error> readPart(Entry &entry);
     Result<void, opc::Error> readRelationships(const QByteArray &part,
                                                std::vector<Placeholder> *placeholders);
     Result<QByteArray, opc::Error> textOf(const zip::Member &member);
+    /// The text of a part with what does not depend on the rows: joined markers, and pictures that
+    /// refer to stored or linked images.
     QByteArray prepared(const QByteArray &text, const QByteArray &name,
                         const std::vector<Placeholder> &placeholders);
     QByteArray mediaFolder() const;
     Media nameMedia(const RowImages &images, RowValues &values) const;
+    /// [Content_Types].xml with the types of these images.
     Result<QByteArray, opc::Error> typesWith(const Media &media);
     Result<void, opc::Error> writeEntry(opc::MemberWriter &output, Entry &entry,
                                         const RowValues &values);
+    /// Write an unchanged member; keeps its stored bytes, up to a limit for all of them.
     Result<void, opc::Error> copy(opc::MemberWriter &output, Entry &entry);
 
     zip::PackageReader &m_source;
     TemplateOptions m_options;
     opc::MemberNames m_names;
+    QByteArray m_main; // the part that makes it a template of its kind
     std::vector<Entry> m_entries;
     qint64 m_keptBytes = 0;
     std::optional<opc::ContentTypes> m_types; // once read

@@ -24,6 +24,8 @@ char *put(char *out, const char *text)
     return out + n;
 }
 
+constexpr qsizetype kMaxBytesPerUnit = 7; // <w:br/>
+constexpr qsizetype kSlackBytes = 8;      // copyPlain() writes that many at a time
 constexpr char kClosingBreak[] = "</w:t><w:br/><w:t xml:space=\"preserve\">";
 
 const char *lineBreak(const TextRules &rules)
@@ -149,8 +151,6 @@ private:
 
 qsizetype roomForText(QStringView text, const TextRules &rules)
 {
-    constexpr qsizetype kMaxBytesPerUnit = 7; // <w:br/>
-    constexpr qsizetype kSlackBytes = 8;      // copyPlain() writes that many at a time
     const qsizetype breaks =
         rules.closesText ? text.count(u'\r') + text.count(u'\n') + text.count(u'\\') : 0;
     return text.size() * kMaxBytesPerUnit + breaks * qsizetype(sizeof kClosingBreak) + kSlackBytes;

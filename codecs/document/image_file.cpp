@@ -115,12 +115,11 @@ ImageInfo jpeg(const Header &file)
 
 ImageInfo bmp(const Header &file)
 {
-    if (file.little<quint32>(14) == 12) {
-        return {ImageKind::Bmp, double(file.little<quint16>(18)), double(file.little<quint16>(20))};
-    }
+    const bool isShort = file.little<quint32>(14) == 12;
+    const double width = isShort ? file.little<quint16>(18) : file.little<qint32>(18);
+    const double height = isShort ? file.little<quint16>(20) : file.little<qint32>(22);
     // A negative height means that the first line is the upper one.
-    return {ImageKind::Bmp, double(file.little<qint32>(18)),
-            std::abs(double(file.little<qint32>(22)))};
+    return {ImageKind::Bmp, width, std::abs(height)};
 }
 
 ImageInfo tiff(const Header &file)

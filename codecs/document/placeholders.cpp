@@ -72,9 +72,10 @@ void eachPlaceholder(QByteArrayView text, const std::vector<QByteArray> &markers
 /// Remove an attribute with the space before it.
 void removeAttribute(QByteArrayView text, const opc::Attribute &attribute, opc::Splices &splices)
 {
-    qsizetype begin = offsetIn(text, attribute.name);
-    begin -= begin > 0 && text[begin - 1] == ' ' ? 1 : 0;
-    splices.replace(begin, offsetIn(text, attribute.value) + attribute.value.size() + 1, {});
+    const qsizetype value = offsetIn(text, attribute.value);
+    qsizetype begin = text.first(value).lastIndexOf(attribute.name);
+    begin -= text[begin - 1] == ' ' ? 1 : 0;
+    splices.replace(begin, value + attribute.value.size() + 1, {});
 }
 
 /// The names of the attributes that refer to a picture.
@@ -107,12 +108,12 @@ struct Reference
     int placeholder = -1;
 };
 
-/// The reference of a tag to one of the placeholders, and its other reference to a picture.
+/// The reference of a tag to one of the placeholders, and its other references to pictures.
 struct References
 {
     const ReferenceNames *names = nullptr;
     std::optional<Reference> toPlaceholder;
-    std::optional<opc::Attribute> other;
+    std::vector<opc::Attribute> others;
 };
 
 References referencesOf(const opc::Tag &tag, const std::vector<Placeholder> &placeholders)
@@ -131,10 +132,10 @@ References referencesOf(const opc::Tag &tag, const std::vector<Placeholder> &pla
         const bool isReference = (local == found.names->stored || local == found.names->linked) &&
                                  local.size() != attribute.name.size();
         const int placeholder = isReference ? placeholderWith(attribute.value, placeholders) : -1;
-        if (placeholder >= 0) {
+        if (placeholder >= 0 && !found.toPlaceholder) {
             found.toPlaceholder = Reference{attribute, placeholder};
         } else if (isReference) {
-            found.other = attribute;
+            found.others.push_back(attribute);
         }
     }
     return found;
@@ -278,14 +279,13 @@ QByteArray withTargetMode(QByteArrayView relationships, const std::vector<QByteA
 {
     opc::Splices splices(relationships);
     const auto change = [&](const Placeholder &placeholder, const opc::Tag &tag) {
-        if (const auto attributes = tag.attributes()) {
-            for (const opc::Attribute &attribute : *attributes) {
-                if (attribute.name == "TargetMode") {
-                    removeAttribute(relationships, attribute, splices);
-                }
-            }
-        }
-        if (isLinked) {
+        const auto mode = tag.attribute("TargetMode");
+        if (mode && isLinked) {
+            const qsizetype begin = offsetIn(relationships, *mode);
+            splices.replace(begin, begin + mode->size(), "External");
+        } else if (mode) {
+            removeAttribute(relationships, {"TargetMode", *mode}, splices);
+        } else if (isLinked) {
             // After the quote that ends the target.
             splices.insert(placeholder.targetEnd + 1, " TargetMode=\"External\"");
         }
@@ -309,8 +309,8 @@ QByteArray withPictureMode(QByteArrayView part, const std::vector<Placeholder> &
         const qsizetype begin = offsetIn(part, local);
         splices.replace(begin, begin + local.size(), wanted.toByteArray());
         // The picture that was stored with the link would be shown in place of the new one.
-        if (found.other) {
-            removeAttribute(part, *found.other, splices);
+        for (const opc::Attribute &other : found.others) {
+            removeAttribute(part, other, splices);
         }
     }
     return splices.apply();

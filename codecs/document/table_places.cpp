@@ -23,9 +23,8 @@ qsizetype openerBefore(QByteArrayView part, qsizetype from, qsizetype at)
     const QByteArrayView searched = part.sliced(from, at - from);
     const qsizetype found = searched.lastIndexOf(kOpener);
     // The opener must be the last markup before the marker.
-    return found >= 0 && searched.lastIndexOf('<') == found + kOpener.lastIndexOf('<')
-               ? from + found
-               : -1;
+    const bool opens = found >= 0 && searched.lastIndexOf('<') == found + kOpener.lastIndexOf('<');
+    return opens ? from + found : -1;
 }
 
 /// Follows the elements around the text, from the paragraph inward.

@@ -77,9 +77,7 @@ TableText::TableText(const QString &styleId, const std::vector<int> &widths, con
 inline char *TableText::room(qsizetype bytes)
 {
     const auto needed = static_cast<size_t>(m_size + bytes);
-    if (needed > m_text.size()) {
-        m_text.resize(std::max(needed, 2 * m_text.size()));
-    }
+    m_text.resize(std::max(needed, m_text.size())); // reserves twice as much when it grows
     return m_text.data() + m_size;
 }
 

@@ -39,7 +39,8 @@ public:
     /// `styleId` is any text. `rules` are those of Word documents.
     TableText(const QString &styleId, const std::vector<int> &widths, const TextRules &rules);
 
-    // Each appends to text(). Rows have as many cells as there are widths.
+    // Each appends to text(). Rows have as many cells as there are widths: beginRow(), putCell()
+    // for every column, endRow().
 
     void begin();
     /// Header rows repeat nothing and have no format of their own.
@@ -56,6 +57,7 @@ public:
     ReplacedText takeReplaced() { return std::exchange(m_replaced, ReplacedText()); }
 
 private:
+    /// The end of the text, with room for `bytes` bytes.
     char *room(qsizetype bytes);
     void put(QByteArrayView bytes);
 

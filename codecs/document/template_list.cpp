@@ -55,12 +55,13 @@ QString numberIn(const QByteArray &part, const QByteArray &prefix)
 }
 
 /// What readers call a part; empty for one that has no markers.
-QString locationOf(const QByteArray &part, const QMap<QByteArray, int> &slides)
+QString locationOf(const QByteArray &part, const QByteArray &body,
+                   const QMap<QByteArray, int> &slides)
 {
     if (!part.endsWith(".xml")) {
         return {};
     }
-    if (part == kDocumentPart) {
+    if (part == body) {
         return u"body"_s;
     }
     if (part.startsWith(kSlidePrefix)) {
@@ -144,12 +145,13 @@ Result<std::vector<TemplateMarker>, Error> listTemplate(zip::PackageReader &sour
 {
     opc::PackageCopy package(source, [] { return true; });
     const QMap<QByteArray, int> slides = slideOrder(package);
+    const QByteArray body = bodyPart(package);
     std::vector<TemplateMarker> all;
     for (const zip::Member &member : source.members()) {
         TemplateMarker place;
         place.part = standardName(member.name);
-        place.location = locationOf(place.part, slides);
-        place.isInBody = place.part == kDocumentPart || place.part.startsWith(kSlidePrefix);
+        place.location = locationOf(place.part, body, slides);
+        place.isInBody = place.part == body || place.part.startsWith(kSlidePrefix);
         if (place.location.isEmpty()) {
             continue;
         }

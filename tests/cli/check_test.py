@@ -132,7 +132,6 @@ class Mistakes(Case):
                 ("<writeReport output='o.xlsx' template='t.xlsx'><Chart type='99' name='c'/></writeReport>", ["'99' of 'type'", "uses 14"]),
                 ("<writeReport output='o.xlsx' template='t.xlsx'><Chart name='c'><axis pinIdx='x'>a</axis></Chart></writeReport>",
                  ["'x' of 'pinIdx'", "a whole number"]),
-                ("<writeDocTable output='o.docx' template='t.xlsx'><v includeHeader='1'/></writeDocTable>", ["'includeHeaders'"]),
                 ("<writeSAS fileName='o.sas7bdat'><StringColDef><CD n='a' l='w'/></StringColDef></writeSAS>", ["'w' of 'l'"])]:
             self.graph(self.writer(parameters))
             found = self.problems("check", status=2)

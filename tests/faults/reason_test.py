@@ -32,6 +32,7 @@ WRITERS = {
     "xml": "<writeXML fileName='{}'/>",
     "parquet": "<writeParquet file='{}'/>",
     "csv": "<writeCSV fileName='{}'/>",
+    "docx": f"<writeDocTable template='{SOURCE}/examples/documents/report.docx' output='{{}}'/>",
 }
 
 

@@ -30,6 +30,7 @@ def run(name, *elements, targets, **more):
     return Case(name, ["run", f"{name}.graph"], targets, graph(*elements), **more)
 
 
+DOCUMENTS = pathlib.Path(__file__).parents[2] / "examples" / "documents"
 CSV = "<readCSV fileName='in.csv' types='K,F,U'/>"
 CASES = [
     run("csv", CSV, "<writeCSV fileName='out.csv'/>", targets=["out.csv"]),
@@ -42,6 +43,10 @@ CASES = [
     run("json", CSV, "<writeJSON fileName='out.json'/>", targets=["out.json"]),
     run("json_longer", CSV, "<writeJSON fileName='longer.json' fileMode='1'/>", targets=["longer.json"]),
     run("xml", CSV, "<writeXML fileName='out.xml'/>", targets=["out.xml"]),
+    run("report", CSV, f"<writeDocTable template='{DOCUMENTS}/report.docx' output='out.docx'><v colWidths='1,1,1'/></writeDocTable>",
+        targets=["out.docx"]),
+    run("letters", "<readCSV fileName='letters.csv'/>", "<writeDoc output='output' template='template' fitImages='1'><text><s>name</s>"
+        "</text><image><s>picture</s></image></writeDoc>", targets=["one.docx", "two.docx"]),
     Case("from_parquet", ["convert", "in.parquet", "out.csv"], ["out.csv"]),
     Case("from_json", ["convert", "in.json", "out.parquet"], ["out.parquet"], leaves="*_TMP"),
     Case("from_xml", ["convert", "in.xml", "out.json"], ["out.json"]),
@@ -76,6 +81,8 @@ class Folder:
     def __init__(self, corvanta, folder, rows=ROWS):
         self.corvanta, self.path = corvanta, pathlib.Path(folder)
         (self.path / "in.csv").write_text("k,f,t\n" + "".join(f"{i},{i / 8},text {i}\n" for i in range(rows)))
+        (self.path / "letters.csv").write_text("output,template,name,picture\n" + "".join(
+            f"{name}.docx,{DOCUMENTS}/letter.docx,{name},{DOCUMENTS}/mars.png\n" for name in ("one", "two")))
         (self.path / "in.dbf").write_bytes(dbf(rows))
         (self.path / "in.xls").write_bytes(xls(rows))
         for name in ("in.parquet", "in.json", "in.xml", "book.xlsx"):

@@ -96,6 +96,11 @@ const std::vector<Writer> &writers()
          {u"out.parquet"_s},
          {},
          {u"out.parquet_TMP"_s}},
+        {"writeDocTable",
+         "<writeDocTable template='" CORVANTA_SOURCE_DIR
+         "/examples/documents/report.docx' output='out.docx'><v colWidths='1,1,1,1,1'/>"
+         "</writeDocTable>",
+         {u"out.docx"_s}},
         {"splitParquet",
          "<writeParquet file='out.parquet' split='1' splitVar='part'/>",
          {u"out__0.parquet"_s, u"out__1.parquet"_s, u"out__2.parquet"_s},

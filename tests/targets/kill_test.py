@@ -28,6 +28,7 @@ CALLS = ["rename,renameat,renameat2", "link,linkat", "unlink,unlinkat", "fsync,f
 FAILURES = [("write,pwrite64", "ENOSPC"), ("write,pwrite64", "EIO"), ("rename,renameat,renameat2", "EACCES"),
             ("fsync,fdatasync", "EIO")]
 MOST_CALLS = 40
+DOCUMENTS = pathlib.Path(__file__).parents[2] / "examples" / "documents"
 
 
 @dataclasses.dataclass
@@ -52,6 +53,8 @@ WRITERS = [
     Writer("<writeXML fileName='one.xml'/>", ["one.xml"]),
     Writer("<writeXML fileName='longer.xml' fileMode='1'/>", ["longer.xml"], appends=True),
     Writer("<writeCSV fileName='one.csv'/>", ["one.csv"]),
+    Writer(f"<writeDocTable template='{DOCUMENTS}/report.docx' output='report.docx'><v colWidths='1,1,1,1,1'/></writeDocTable>",
+           ["report.docx"]),
 ]
 
 

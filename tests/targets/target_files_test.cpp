@@ -34,6 +34,9 @@ constexpr WriterCase kWriters[] = {
     {"<writeXML charMode='1' fileName='link'/>", "<?xml"},
     {"<writeXML fileMode='1' fileName='link'/>", "<data", true, true},
     {"<writeParquet file='link'/>", "PAR1"},
+    {"<writeDocTable template='" CORVANTA_SOURCE_DIR
+     "/examples/documents/report.docx' output='link'><v colWidths='1,1'/></writeDocTable>",
+     "PK", false},
     {"<writeCSV fileName='link'/>", "k,t\n"},
 };
 
