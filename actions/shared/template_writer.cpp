@@ -109,7 +109,9 @@ bool TemplateWriter::failPackage(const Fault<opc::Error> &fault, TemplateProblem
     case opc::Error::Stopped: // not a failure, so without a message
         return false;
     case opc::Error::WriteFailed:
-        return failWith(TemplateProblem::CannotWrite, fault.detail, documentReason());
+        // The message of an action may not name the document.
+        return failWith(TemplateProblem::CannotWrite, fault.detail,
+                        u"the document '%1': %2"_s.arg(m_documentName, documentReason()));
     case opc::Error::NotAdded:
         return failWith(TemplateProblem::CannotAddMember, fault.detail);
     case opc::Error::NoMember:
