@@ -11,6 +11,8 @@
 
 namespace corvanta {
 
+/// The texts of all rows stay in memory, because a chart is written as a whole.
+///
 /// For each pin: startPin() with any row of it, then addRow() for all of its rows.
 class ReportData
 {

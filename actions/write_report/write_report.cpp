@@ -1,5 +1,6 @@
 #include "actions/write_report/write_report.h"
 
+#include "actions/write_report/chart_folder.h"
 #include "actions/write_report/shipped_template.h"
 
 using namespace Qt::StringLiterals;
@@ -8,36 +9,10 @@ namespace corvanta {
 
 namespace {
 
-/// The folder of the chart parts in templates of this extension; empty for other files.
-QByteArray chartFolder(const QString &name)
-{
-    struct Folder
-    {
-        QLatin1StringView extension;
-        const char *folder;
-    };
-    constexpr std::array<Folder, 3> kFolders{
-        {{".xlsx"_L1, "xl/charts/"}, {".docx"_L1, "word/charts/"}, {".pptx"_L1, "ppt/charts/"}}};
-    for (const Folder &folder : kFolders) {
-        if (name.endsWith(folder.extension, Qt::CaseInsensitive)) {
-            return folder.folder;
-        }
-    }
-    return {};
-}
-
 QString unknownExtension(const QString &name)
 {
     return u"\nERROR: template file %1 has unknown extention type (not .xlsx, .pptx, .docx).\n"_s
         .arg(name);
-}
-
-/// Whether the member is directly or deeper in the folder. Some packers write "\" for "/".
-bool isInFolder(QByteArray member, const QByteArray &folder)
-{
-    member.replace('\\', '/');
-    return member.size() > folder.size() &&
-           member.first(folder.size()).compare(folder, Qt::CaseInsensitive) == 0;
 }
 
 } // namespace
@@ -80,7 +55,7 @@ QStringList ActionWriteReport::inputs() const
 QVector<ParameterProblem> ActionWriteReport::problems() const
 {
     QVector<ParameterProblem> found;
-    if (!m_params.templateName.isEmpty() && chartFolder(templateFile()).isEmpty()) {
+    if (!m_params.templateName.isEmpty() && chartFolderOf(templateFile()).isEmpty()) {
         found.push_back({u"template"_s, u"the extension is not .xlsx, .docx or .pptx"_s});
     }
     std::set<QString> names;
@@ -103,8 +78,10 @@ QString ActionWriteReport::message(TemplateProblem problem, const QString &name)
     case TemplateProblem::EmptyTemplate:
         return u"\nERROR: template file %1 is empty.\n"_s.arg(name);
     case TemplateProblem::CannotCreate:
-    case TemplateProblem::CannotWrite:
         return u"\nERROR: Cannot write Report file '%1'.\n"_s.arg(name);
+    case TemplateProblem::CannotWrite:
+        // Of the document and not of the member: the cause is the disk.
+        return message(TemplateProblem::CannotCreate, documentFile());
     case TemplateProblem::CannotAddMember:
         return u"\nERROR: cannot open file '%1' in the zipfile for write"_s.arg(name);
     case TemplateProblem::CannotClose:
@@ -201,58 +178,23 @@ QString ActionWriteReport::templateFile() const
                : expandFile(m_params.templateName);
 }
 
+QString ActionWriteReport::documentFile() const
+{
+    return expandOutputFile(m_params.output, {});
+}
+
 bool ActionWriteReport::writeDocument()
 {
     const QString name = templateFile();
-    const QByteArray folder = chartFolder(name);
+    const QByteArray folder = chartFolderOf(name);
     if (folder.isEmpty()) {
         return fail(unknownExtension(name));
     }
     if (!openTemplate(name)) {
         return false;
     }
-    opc::PackageCopy copy(templateReader(), [this] { return runIsGood(); });
-    return findParts(copy, folder) && checkTags() &&
-           openDocument(expandOutputFile(m_params.output, {})) && writeMembers(copy);
-}
-
-bool ActionWriteReport::findParts(opc::PackageCopy &copy, const QByteArray &folder)
-{
-    bool hasFolder = false;
-    const QByteArray top = folder.first(folder.indexOf('/') + 1);
-    for (const zip::Member &member : templateReader().members()) {
-        hasFolder = hasFolder || isInFolder(member.name, top);
-        // Of several members of one name the first counts.
-        const bool isFirst = templateReader().find(member.name) == &member;
-        const bool isChart = isInFolder(member.name, folder) && member.name.endsWith(".xml");
-        if (isFirst && isChart && !addPart(copy, member.name)) {
-            return false;
-        }
-    }
-    return hasFolder ||
-           failWith(TemplateProblem::CannotReadTemplate, templateName(),
-                    u"the package has no folder %1: its extension does not fit its content"_s.arg(
-                        QLatin1StringView(top)));
-}
-
-bool ActionWriteReport::addPart(opc::PackageCopy &copy, const QByteArray &member)
-{
-    auto text = copy.read(member);
-    if (!text) {
-        return failPackage(text.fault(), TemplateProblem::CannotReadPart);
-    }
-    ChartPart part{member, *std::move(text)};
-    auto tags = charts::findTags(part.text);
-    if (!tags) {
-        return failPackage({tags.fault().code, QString::fromUtf8(member)},
-                           TemplateProblem::CannotReadPart);
-    }
-    part.tags = *std::move(tags);
-    if (!part.tags.empty()) {
-        // Copies of the text share its bytes, so the tags' views of it stay valid.
-        m_run.parts.push_back(std::move(part));
-    }
-    return true;
+    return findParts(folder) && checkTags() &&
+           openDocument(documentFile()) && writeMembers();
 }
 
 const ReportChart *ActionWriteReport::chartOf(const QString &reference) const
@@ -338,8 +280,9 @@ void ActionWriteReport::warnUnusedCharts()
     }
 }
 
-bool ActionWriteReport::writeMembers(opc::PackageCopy &copy)
+bool ActionWriteReport::writeMembers()
 {
+    opc::PackageCopy copy(templateReader(), [this] { return runIsGood(); });
     for (const ChartPart &part : m_run.parts) {
         copy.reserve(part.member);
     }

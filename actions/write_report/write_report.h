@@ -31,6 +31,8 @@ public:
     void removePinIn() override;
     /// The template, under the name that is opened.
     QStringList inputs() const override;
+    /// The tags in the charts.
+    bool templateMarks(const QString &file, QVector<TemplateMark> *marks) override;
     QVector<ParameterProblem> problems() const override;
 
 protected:
@@ -61,10 +63,13 @@ private:
 
     // The data. Functions of type bool return false after a failure.
 
+    /// Interrupted: the run function will be called again.
     enum class Pins { Failed, Interrupted, Read };
     Pins readPins();
     Pins readPin();
+    /// Find the columns that charts use of the current pin.
     bool startPin(const OneRow &columns);
+    /// Always false.
     bool failColumn(const QString &column, int pin);
 
     // The template.
@@ -72,8 +77,10 @@ private:
     /// The expanded name. A name that starts with ">" is searched in the application's folders.
     QString templateFile() const;
     /// Read the parts with tags. `folder` is that of the chart parts.
-    bool findParts(opc::PackageCopy &copy, const QByteArray &folder);
-    bool addPart(opc::PackageCopy &copy, const QByteArray &member);
+    bool findParts(const QByteArray &folder);
+    bool addPart(const zip::Member &member);
+    /// Add the tags of a part for templateMarks().
+    void listPart(const ChartPart &part, QVector<TemplateMark> *marks);
     /// Warn of tags without a use, and fail for one that no Chart names.
     bool checkTags();
     bool checkTag(const charts::ChartTag &tag);
@@ -85,8 +92,11 @@ private:
 
     // The document.
 
+    /// The expanded name.
+    QString documentFile() const;
     bool writeDocument();
-    bool writeMembers(opc::PackageCopy &copy);
+    /// Write all members; those with tags come last.
+    bool writeMembers();
     bool writePart(const ChartPart &part);
     Result<void, opc::Error> writeSeries(charts::SeriesWriter &writer, const ChartPart &part,
                                          size_t index);

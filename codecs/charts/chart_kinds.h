@@ -9,7 +9,8 @@
 
 namespace corvanta::charts {
 
-/// The element of a chart that encloses its series. The numbers are those of saved graphs.
+/// The element of a chart that encloses its series, such as "c:barChart". The numbers are those of
+/// saved graphs and must not change.
 enum class ChartType {
     Bar,
     Bar3D,

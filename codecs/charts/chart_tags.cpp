@@ -61,7 +61,7 @@ ChartTag makeTag(QByteArrayView text, qsizetype begin, qsizetype close)
 {
     const qsizetype nameBegin = begin + kTagBegin.size();
     const QByteArrayView name = text.sliced(nameBegin, close - nameBegin);
-    ChartTag tag{.begin = begin, .end = close + kTagEnd.size()};
+    ChartTag tag{.written = name.trimmed(), .begin = begin, .end = close + kTagEnd.size()};
     tag.use = name.contains('<') ? TagUse::Split : TagUse::NoChart;
     tag.reference =
         opc::decoded(tag.use == TagUse::Split ? withoutMarkup(name) : name.toByteArray()).trimmed();

@@ -17,6 +17,7 @@ namespace corvanta::charts {
 /// More tags than this in one part are refused: programs show at most 255 series per chart.
 inline constexpr size_t kMaxTags = 65'536;
 
+/// What the template holds in an axis, and so what it gets.
 enum class AxisKind : quint8 { Number, Text };
 
 /// An axis element of a series. Offsets count the bytes of the part.
@@ -40,10 +41,12 @@ enum class TagUse : quint8 {
     Split,    ///< markup divides its reference
 };
 
+/// Views refer to the part, which must outlive the tag.
 struct ChartTag
 {
-    QString reference; ///< trimmed, entities decoded; of a divided one without the markup
-    // In the part, with the brackets.
+    QString reference;           ///< trimmed, entities decoded; of a divided one without the markup
+    QByteArrayView written = {}; ///< the reference as it is in the part, trimmed
+    // Offsets in the part, of "[[" and after "]]".
     qsizetype begin = 0;
     qsizetype end = 0;
     TagUse use = TagUse::NoChart;

@@ -190,8 +190,7 @@ Result<SeriesReport, opc::Error> SeriesWriter::series(const ChartTag &tag,
 Result<void, opc::Error> SeriesWriter::replaceTag(const ChartTag &tag)
 {
     copyTo(tag.begin);
-    const QByteArray reference = tag.reference.toUtf8();
-    escaped(view(reference));
+    text(tag.written);
     m_copied = tag.end;
     return done();
 }

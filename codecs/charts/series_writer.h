@@ -63,15 +63,19 @@ public:
     Result<void, opc::Error> finish();
 
 private:
+    /// Copy the part from what is written to an offset.
     void copyTo(qsizetype offset);
     void axis(const AxisPlace &place, const SeriesValues &values, ValueCount *notNumbers);
+    /// Write up to the beginning of the first point.
     void openAxis(const AxisPlace &place, qint64 count);
     void point(qint64 index, std::string_view value);
+    /// The same for a value, or markup, that may not fit into a block.
     void longPoint(qint64 index, std::string_view value);
     void text(QByteArrayView bytes);
     void escaped(std::string_view value);
     /// Room for at most 32 KiB in the block; null after a fault.
     char *room(size_t bytes);
+    /// Pass the block on, if there is something in it.
     void flush();
     Result<void, opc::Error> done() const;
 

@@ -20,6 +20,8 @@ DOCUMENT = "application/vnd.openxmlformats-officedocument"
 HEAD = '<?xml version="1.0" encoding="UTF-8" standalone="yes"?>\n'
 NAMESPACES = f'xmlns:a="{DRAWING}/main" xmlns:r="{RELATIONS}"'
 
+NUMBERS = escape('[>=10000]#,##0;[<=-10000]-#,##0;General')  # with separators where they help
+
 # Kind: title, titles of the axes, sample data.
 CHARTS = {
     "bar": ("Values by category", ("Category", "Value"),
@@ -89,7 +91,7 @@ def axes(names, scale):
             '<c:auto val="1"/><c:lblAlgn val="ctr"/><c:lblOffset val="100"/><c:noMultiLvlLbl val="0"/></c:catAx>'
             f'<c:valAx><c:axId val="1002"/>{common}<c:axPos val="l"/><c:majorGridlines><c:spPr>{outline(LINE)}</c:spPr></c:majorGridlines>'
             + title(value, scale, GREY, rotation=' rot="-5400000" vert="horz"') +
-            '<c:numFmt formatCode="General" sourceLinked="0"/><c:majorTickMark val="none"/><c:minorTickMark val="none"/>'
+            f'<c:numFmt formatCode="{NUMBERS}" sourceLinked="0"/><c:majorTickMark val="none"/><c:minorTickMark val="none"/>'
             f'<c:tickLblPos val="nextTo"/>{no_line}{text_style(scale, GREY)}<c:crossAx val="1001"/><c:crosses val="autoZero"/>'
             '<c:crossBetween val="between"/></c:valAx>')
 

@@ -15,6 +15,8 @@ import xml.etree.ElementTree as ElementTree
 from templates import CHART, FOLDERS, TYPES, axes_of, data_of, graph, members, write_package
 
 CORVANTA = sys.argv.pop(1)
+PROJECT = pathlib.Path(__file__).resolve().parents[2]
+TEMPLATES = PROJECT / "templates/office"
 DATA = "n,a,b,c,d\nNorth,1.5,2,3,4\n\"A<&>\"\"B\",-2e3,5,6,7\n"
 PART = "xl/charts/chart1.xml"
 OTHERS = {"[Content_Types].xml": b"<Types xmlns='http://schemas.openxmlformats.org/package/2006/content-types'/>", "docProps/app.xml": b"<a>\n</a>"}
@@ -164,6 +166,25 @@ class Report(unittest.TestCase):
         self.assertEqual(self.warnings(log), [NO_TAG])
         self.assertEqual(out, members(self.folder / "t.xlsx"))
 
+    def test_check_lists_the_tags_of_a_template(self):
+        def tags(name):
+            done = subprocess.run([CORVANTA, "check", "--template", self.folder / name, "--json"], capture_output=True, text=True, check=True)
+            return [(mark["text"], mark["location"], mark["part"], mark.get("remedy", "")) for mark in json.loads(done.stdout)]
+
+        self.write(chart("<c:v>[[KOBData t]]</c:v><c:barChart>" + series("[[kobdata y ]]", "cat:strRef") + series("[[KOBData <b/>z]]") +
+                         series("[[KOBData s]][[KOBData s]]", "minus:numLit cat:strRef val:numRef") + "</c:barChart>"))
+        self.assertEqual(tags("t.xlsx"), [
+            ("[[KOBData t]]", "sheet chart", PART, "make it the name of a series in a chart"),
+            ("[[KOBData y]]", "sheet chart", PART, "make it the name of a series with values"),
+            ("[[KOBData z]]", "sheet chart", PART, "type it again in one piece"),
+            ("[[KOBData s]]", "sheet chart (barChart: cat, val, minus)", PART, "")])
+        shutil.copy(TEMPLATES / "slides.pptx", self.folder)
+        self.assertEqual([mark[:2] for mark in tags("slides.pptx")], [
+            ("[[KOBData categories]]", "slide 1 chart (barChart: cat, val)"), ("[[KOBData shares]]", "slide 2 chart (pieChart: cat, val)"),
+            ("[[KOBData periods]]", "slide 3 chart (lineChart: cat, val)")])
+        shutil.copy(TEMPLATES / "bar.docx", self.folder)
+        self.assertEqual([mark[:2] for mark in tags("bar.docx")], [("[[KOBData data]]", "body chart (barChart: cat, val)")])
+
     def test_clean_tags_become_names(self):
         self.write(bars(series("<c:f>[[KOBData s&amp;t]]</c:f>[[KOBData s&amp;t]]")))
         _, out = self.fill([("s&amp;t", 0, ["n", "a"])], options=" cleanTags='1'")
@@ -224,19 +245,25 @@ class Report(unittest.TestCase):
                    template="&gt;no.xlsx")
 
     def test_the_included_templates_are_what_their_script_makes(self):
-        source = pathlib.Path(__file__).resolve().parents[2] / "templates/office"
-        subprocess.run([sys.executable, source / "make_templates.py", self.folder], check=True)
-        for path in sorted(source.glob("*.???x")):
+        subprocess.run([sys.executable, TEMPLATES / "make_templates.py", self.folder], check=True)
+        for path in sorted(TEMPLATES.glob("*.???x")):
             # Compressors differ.
             self.assertEqual(members(path), members(self.folder / path.name), path.name)
+
+    def test_the_examples(self):
+        for name, document in (("workbook", "sales.xlsx"), ("slides", "sales.pptx")):
+            done = subprocess.run([CORVANTA, "run", PROJECT / f"examples/charts/{name}.graph", "--out-dir", self.folder],
+                                  capture_output=True, text=True, check=False)
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            text = b"".join(content for part, content in members(self.folder / document).items() if "/charts/" in part)
+            self.assertEqual([text.count(part) for part in (b"Overseas", b"Repairs", b"Dec", b"[[KOBData", b"<c:v>periods")], [1, 1, 1, 0, 1])
 
     def test_a_full_disk_leaves_no_document(self):
         self.fill()
         size = (self.folder / "out.xlsx").stat().st_size
         (self.folder / "out.xlsx").unlink()
-        cannot = "\nERROR: Cannot write Report file '{folder}/out.xlsx'.\n"
         self.limit = 100
-        self.fails(cannot)
+        self.fails("\nERROR: Cannot write Report file '{folder}/out.xlsx'.\n")
         # The last bytes are the end of the directory.
         self.limit = size - 1
         log = self.fails("ERROR: the document '{folder}/out.xlsx' could not be completed and is not written.\n")

@@ -40,6 +40,8 @@ CASES = [
     run("excel_copy", CSV, "<writeExcel mode='3' fileNameSource='book.xlsx' fileNameDestination='copied.xlsx' sheetName='New'/>",
         targets=["copied.xlsx"]),
     run("parquet", CSV, "<writeParquet file='out.parquet'/>", targets=["out.parquet"], leaves="*_TMP"),
+    run("report", CSV, "<writeReport output='report.docx' template='&gt;line.docx'><Chart type='2' name='data'><axis pinIdx='0'>t</axis>"
+        "<axis pinIdx='0'>f</axis></Chart></writeReport>", targets=["report.docx"]),
     run("json", CSV, "<writeJSON fileName='out.json'/>", targets=["out.json"]),
     run("json_longer", CSV, "<writeJSON fileName='longer.json' fileMode='1'/>", targets=["longer.json"]),
     run("xml", CSV, "<writeXML fileName='out.xml'/>", targets=["out.xml"]),

@@ -101,6 +101,10 @@ const std::vector<Writer> &writers()
          "/examples/documents/report.docx' output='out.docx'><v colWidths='1,1,1,1,1'/>"
          "</writeDocTable>",
          {u"out.docx"_s}},
+        {"writeReport",
+         "<writeReport output='out.xlsx' template='>bar.xlsx'><Chart type='0' name='data'>"
+         "<axis pinIdx='0'>name</axis><axis pinIdx='0'>value</axis></Chart></writeReport>",
+         {u"out.xlsx"_s}},
         {"splitParquet",
          "<writeParquet file='out.parquet' split='1' splitVar='part'/>",
          {u"out__0.parquet"_s, u"out__1.parquet"_s, u"out__2.parquet"_s},

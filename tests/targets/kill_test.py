@@ -47,6 +47,8 @@ WRITERS = [
     Writer("<writeExcel mode='4' fileNameSource='source.xlsx' fileNameDestination='changed.xlsx'/>", ["changed.xlsx"]),
     Writer("<writeParquet file='one.parquet'/>", ["one.parquet"], leaves="*_TMP"),
     Writer("<writeParquet file='many.parquet' split='1' splitVar='mixed'/>", ["many__0.parquet", "many__1.parquet"], leaves="*_TMP"),
+    Writer("<writeReport output='report.xlsx' template='&gt;bar.xlsx'><Chart type='0' name='data'><axis pinIdx='0'>t</axis>"
+           "<axis pinIdx='0'>f</axis></Chart></writeReport>", ["report.xlsx"]),
     Writer("<writeJSON fileName='one.json'/>", ["one.json"]),
     Writer("<writeJSON fileName='many.json' splitFile='1' splitCol='sorted'/>", ["many0.json", "many1.json"]),
     Writer("<writeJSON fileName='longer.json' fileMode='1'/>", ["longer.json"], appends=True),

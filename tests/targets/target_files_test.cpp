@@ -37,6 +37,9 @@ constexpr WriterCase kWriters[] = {
     {"<writeDocTable template='" CORVANTA_SOURCE_DIR
      "/examples/documents/report.docx' output='link'><v colWidths='1,1'/></writeDocTable>",
      "PK", false},
+    {"<writeReport output='link' template='>bar.xlsx'><Chart type='0' name='data'>"
+     "<axis pinIdx='0'>k</axis><axis pinIdx='0'>t</axis></Chart></writeReport>",
+     "PK", false},
     {"<writeCSV fileName='link'/>", "k,t\n"},
 };
 

@@ -1,0 +1,159 @@
+// What writeReport finds in a template: the parts with tags, and for "check --template" the tags
+// themselves.
+#include "actions/write_report/chart_folder.h"
+#include "actions/write_report/write_report.h"
+#include "codecs/opc/relationships.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// Whether the member is directly or deeper in the folder. Some packers write "\" for "/".
+bool isInFolder(QByteArray member, const QByteArray &folder)
+{
+    member.replace('\\', '/');
+    return member.size() > folder.size() &&
+           member.first(folder.size()).compare(folder, Qt::CaseInsensitive) == 0;
+}
+
+/// What to do with a tag that a run does not use; empty for one that it does.
+QString remedyFor(charts::TagUse use)
+{
+    switch (use) {
+    case charts::TagUse::NoChart:
+        return u"make it the name of a series in a chart"_s;
+    case charts::TagUse::NoValues:
+        return u"make it the name of a series with values"_s;
+    case charts::TagUse::Split:
+        return u"type it again in one piece"_s;
+    case charts::TagUse::Series:
+    case charts::TagUse::Repeated:
+        break;
+    }
+    return {};
+}
+
+/// " (barChart: cat, val)" for a tag whose series can be filled.
+QString axesText(const charts::ChartTag &tag)
+{
+    if (tag.use != charts::TagUse::Series) {
+        return {};
+    }
+    QStringList names;
+    const auto elements = charts::axisElements(tag.type);
+    for (size_t i = 0; i < elements.size(); ++i) {
+        if (std::any_of(tag.axes.begin(), tag.axes.end(), [&](const charts::AxisPlace &place) {
+                return static_cast<size_t>(place.axis) == i;
+            })) {
+            names << QString::fromLatin1(elements[i]);
+        }
+    }
+    return u" (%1: %2)"_s.arg(QString::fromLatin1(charts::chartElement(tag.type)),
+                              names.join(u", "_s));
+}
+
+/// The slide that shows a chart, as "slide 3"; "presentation" if there is none.
+QString slideOf(zip::PackageReader &reader, const QByteArray &chart)
+{
+    constexpr QByteArrayView kSlide = "ppt/slides/slide";
+    for (const zip::Member &member : reader.members()) {
+        const auto number =
+            member.name.startsWith(kSlide) && member.name.endsWith(".xml")
+                ? opc::partNumber(QByteArrayView(member.name).sliced(kSlide.size()).chopped(4))
+                : std::nullopt;
+        const auto text = number ? reader.readWhole(opc::relationshipPartOf(member.name))
+                                 : Result<QByteArray, zip::Error>(Fault{zip::Error::NoMember});
+        const auto relationships =
+            text ? opc::Relationships::read(*text)
+                 : Result<opc::Relationships, opc::Error>(Fault{opc::Error::NoMember});
+        if (!relationships) {
+            continue;
+        }
+        for (const opc::Relationship &one : relationships->entries()) {
+            if (opc::resolvedTarget(member.name, one.target) == chart) {
+                return u"slide %1"_s.arg(*number);
+            }
+        }
+    }
+    return u"presentation"_s;
+}
+
+} // namespace
+
+bool ActionWriteReport::templateMarks(const QString &file, QVector<TemplateMark> *marks)
+{
+    const QByteArray folder = chartFolderOf(file);
+    if (folder.isEmpty()) {
+        return true;
+    }
+    m_run = {};
+    if (!openTemplate(file) || !findParts(folder)) {
+        return false;
+    }
+    for (const ChartPart &part : m_run.parts) {
+        listPart(part, marks);
+    }
+    closeFiles();
+    m_run = {};
+    return true;
+}
+
+void ActionWriteReport::listPart(const ChartPart &part, QVector<TemplateMark> *marks)
+{
+    const QString place = part.member.startsWith("ppt/")    ? slideOf(templateReader(), part.member)
+                          : part.member.startsWith("word/") ? u"body"_s
+                                                            : u"sheet"_s;
+    for (const charts::ChartTag &tag : part.tags) {
+        // The name of a series can be there twice.
+        if (tag.use != charts::TagUse::Repeated) {
+            const int pieces = tag.use == charts::TagUse::Split ? 2 : 1;
+            marks->push_back({u"[[KOBData %1]]"_s.arg(tag.reference),
+                              place + u" chart"_s + axesText(tag), QString::fromUtf8(part.member),
+                              1, pieces, remedyFor(tag.use)});
+        }
+    }
+}
+
+bool ActionWriteReport::findParts(const QByteArray &folder)
+{
+    bool hasFolder = false;
+    const QByteArray top = folder.first(folder.indexOf('/') + 1);
+    for (const zip::Member &member : templateReader().members()) {
+        hasFolder = hasFolder || isInFolder(member.name, top);
+        // Of several members of one name the first counts.
+        const bool isFirst = templateReader().find(member.name) == &member;
+        const bool isChart = isInFolder(member.name, folder) && member.name.endsWith(".xml");
+        if (isFirst && isChart && !addPart(member)) {
+            return false;
+        }
+    }
+    return hasFolder ||
+           failWith(TemplateProblem::CannotReadTemplate, templateName(),
+                    u"the package has no folder %1: its extension does not fit its content"_s.arg(
+                        QLatin1StringView(top)));
+}
+
+bool ActionWriteReport::addPart(const zip::Member &member)
+{
+    auto text = templateReader().readWhole(member);
+    if (!text) {
+        return failPackage(opc::memberFault(text.fault().code, member.name),
+                           TemplateProblem::CannotReadPart);
+    }
+    ChartPart part{member.name, *std::move(text)};
+    auto tags = charts::findTags(part.text);
+    if (!tags) {
+        return failPackage({tags.fault().code, QString::fromUtf8(member.name)},
+                           TemplateProblem::CannotReadPart);
+    }
+    part.tags = *std::move(tags);
+    if (!part.tags.empty()) {
+        // Copies of the text share its bytes, so the tags' views of it stay valid.
+        m_run.parts.push_back(std::move(part));
+    }
+    return true;
+}
+
+} // namespace corvanta
