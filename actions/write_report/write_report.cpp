@@ -103,9 +103,7 @@ void ActionWriteReport::start()
 bool ActionWriteReport::step()
 {
     const Pins pins = readPins();
-    if (pins == Pins::Read) {
-        m_run.isWritten = writeDocument();
-    }
+    m_run.isWritten = pins == Pins::Read && writeDocument();
     return pins == Pins::Interrupted;
 }
 
@@ -127,16 +125,20 @@ ActionWriteReport::Pins ActionWriteReport::readPins()
         }
         m_run.isPinStarted = false;
     }
-    // Pins without a link have no columns.
+    return checkPins() ? Pins::Read : Pins::Failed;
+}
+
+bool ActionWriteReport::checkPins()
+{
     for (const ReportChart &chart : m_params.charts) {
         for (const ChartAxis &axis : chart.axes) {
             const bool isThere = axis.pinIdx >= 0 && axis.pinIdx < pinInCount();
-            if (!axis.column.isEmpty() && !isThere && !failColumn(axis.column, axis.pinIdx)) {
-                return Pins::Failed;
+            if (!axis.column.isEmpty() && !isThere) {
+                return failColumn(axis.column, axis.pinIdx);
             }
         }
     }
-    return Pins::Read;
+    return true;
 }
 
 ActionWriteReport::Pins ActionWriteReport::readPin()
@@ -193,8 +195,7 @@ bool ActionWriteReport::writeDocument()
     if (!openTemplate(name)) {
         return false;
     }
-    return findParts(folder) && checkTags() &&
-           openDocument(documentFile()) && writeMembers();
+    return findParts(folder) && checkTags() && openDocument(documentFile()) && writeMembers();
 }
 
 const ReportChart *ActionWriteReport::chartOf(const QString &reference) const
@@ -298,20 +299,20 @@ bool ActionWriteReport::writeMembers()
     return true;
 }
 
+Result<void, opc::Error> ActionWriteReport::putBlock(QByteArrayView block, const QByteArray &member)
+{
+    if (!runIsGood()) {
+        return Fault{opc::Error::Stopped};
+    }
+    const auto written = document().output().write(block);
+    return written ? Result<void, opc::Error>() : opc::memberFault(written.fault().code, member);
+}
+
 bool ActionWriteReport::writePart(const ChartPart &part)
 {
-    const auto put = [&](QByteArrayView block) -> Result<void, opc::Error> {
-        if (!runIsGood()) {
-            return Fault{opc::Error::Stopped};
-        }
-        const auto written = document().output().write(block);
-        if (!written) {
-            return opc::memberFault(written.fault().code, part.member);
-        }
-        return {};
-    };
+    charts::SeriesWriter writer(part.text,
+                                [&](QByteArrayView block) { return putBlock(block, part.member); });
     auto done = document().open(part.member);
-    charts::SeriesWriter writer(part.text, put);
     for (size_t i = 0; i < part.tags.size() && done; ++i) {
         if (part.tags[i].use == charts::TagUse::Series) {
             done = writeSeries(writer, part, i);

@@ -67,6 +67,8 @@ private:
     enum class Pins { Failed, Interrupted, Read };
     Pins readPins();
     Pins readPin();
+    /// Fail for an axis that uses a pin without a link.
+    bool checkPins();
     /// Find the columns that charts use of the current pin.
     bool startPin(const OneRow &columns);
     /// Always false.
@@ -98,6 +100,7 @@ private:
     /// Write all members; those with tags come last.
     bool writeMembers();
     bool writePart(const ChartPart &part);
+    Result<void, opc::Error> putBlock(QByteArrayView block, const QByteArray &member);
     Result<void, opc::Error> writeSeries(charts::SeriesWriter &writer, const ChartPart &part,
                                          size_t index);
     Result<void, opc::Error> cleanTags(charts::SeriesWriter &writer, const ChartPart &part,

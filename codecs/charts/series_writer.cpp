@@ -103,22 +103,16 @@ char *putText(std::string_view text, char *out)
 /// lacks.
 bool isComplete(const SeriesValues &values, qint64 index)
 {
-    for (const ValueList *list : values) {
-        if (list != nullptr && list->isEmptyAt(index)) {
-            return false;
-        }
-    }
-    return true;
+    return std::none_of(values.begin(), values.end(), [&](const ValueList *list) {
+        return list != nullptr && list->isEmptyAt(index);
+    });
 }
 
 bool isBlank(const SeriesValues &values, qint64 index)
 {
-    for (const ValueList *list : values) {
-        if (list != nullptr && !list->isEmptyAt(index)) {
-            return false;
-        }
-    }
-    return true;
+    return std::all_of(values.begin(), values.end(), [&](const ValueList *list) {
+        return list == nullptr || list->isEmptyAt(index);
+    });
 }
 
 ValueCount countGaps(const SeriesValues &values)
@@ -233,6 +227,11 @@ void SeriesWriter::axis(const AxisPlace &place, const SeriesValues &values, Valu
         }
         point(i, value);
     }
+    closeAxis(place);
+}
+
+void SeriesWriter::closeAxis(const AxisPlace &place)
+{
     text("</" + m_literal + "></");
     text(place.name);
     text(">");

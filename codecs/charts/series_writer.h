@@ -68,6 +68,7 @@ private:
     void axis(const AxisPlace &place, const SeriesValues &values, ValueCount *notNumbers);
     /// Write up to the beginning of the first point.
     void openAxis(const AxisPlace &place, qint64 count);
+    void closeAxis(const AxisPlace &place);
     void point(qint64 index, std::string_view value);
     /// The same for a value, or markup, that may not fit into a block.
     void longPoint(qint64 index, std::string_view value);

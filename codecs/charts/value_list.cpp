@@ -9,20 +9,16 @@ namespace {
 /// A surrogate at `i` that has no partner.
 bool isLoneSurrogate(QStringView text, qsizetype i)
 {
-    const QChar unit = text[i];
-    if (unit.isHighSurrogate()) {
-        return i + 1 == text.size() || !text[i + 1].isLowSurrogate();
-    }
-    return unit.isLowSurrogate() && (i == 0 || !text[i - 1].isHighSurrogate());
+    const bool hasLow = i + 1 < text.size() && text[i + 1].isLowSurrogate();
+    const bool hasHigh = i > 0 && text[i - 1].isHighSurrogate();
+    return (text[i].isHighSurrogate() && !hasLow) || (text[i].isLowSurrogate() && !hasHigh);
 }
 
 bool isForbidden(QStringView text, qsizetype i)
 {
     const char16_t unit = text[i].unicode();
-    if (unit < u' ') {
-        return unit != u'\t' && unit != u'\n' && unit != u'\r';
-    }
-    return unit >= 0xD800 && (unit >= 0xFFFE || isLoneSurrogate(text, i));
+    const bool isControl = unit < u' ' && unit != u'\t' && unit != u'\n' && unit != u'\r';
+    return isControl || unit >= 0xFFFE || (unit >= 0xD800 && isLoneSurrogate(text, i));
 }
 
 bool hasForbidden(QStringView text)
