@@ -1,0 +1,77 @@
+// The packed form of a row: see table_writer.h.
+#include "codecs/sas/row_packer.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace corvanta::sas {
+
+RowPacker::RowPacker(const TextEncoder &encoder, std::vector<PackedColumn> columns)
+    : m_encoder(encoder)
+    , m_columns(std::move(columns))
+    , m_reports(m_columns.size())
+    , m_block(kBlockBytes + kBlockBytes / 8) // so that ordinary rows never make it grow
+{
+}
+
+void RowPacker::grow(size_t bytes)
+{
+    m_block.resize(std::max(m_block.size() * 2, m_used + bytes));
+}
+
+inline void RowPacker::addNumber(double value)
+{
+    storeNative(value, room(sizeof value));
+    m_used += sizeof value;
+}
+
+inline void RowPacker::addText(size_t column, const uchar *cell, qint64 row)
+{
+    const cell::Text text = cell::readText(cell);
+    char *const out = room(sizeof(quint32) + TextEncoder::maxBytes(text.size()) + 1);
+    char *const bytes = out + sizeof(quint32);
+    qint64 replaced = 0;
+    const qsizetype whole = m_encoder.encode(text.data(), text.size(), bytes, &replaced);
+    ColumnReport &report = m_reports[column];
+    report.longest = std::max(report.longest, whole);
+    const qsizetype size = m_encoder.fit(bytes, whole, m_columns[column].maxBytes);
+    if (size != whole) [[unlikely]] {
+        report.cut.add(row);
+        m_cut.push_back({column, whole});
+    }
+    if (replaced != 0) [[unlikely]] {
+        report.replaced.add(row, replaced);
+    }
+    bytes[size] = '\0';
+    storeNative(static_cast<quint32>(size), out);
+    m_used += sizeof(quint32) + static_cast<size_t>(size) + 1;
+}
+
+void RowPacker::add(const uchar *const *cells, qint64 row)
+{
+    m_cut.clear();
+    for (size_t i = 0; i < m_columns.size(); ++i) {
+        const uchar *const cell = cells[m_columns[i].input];
+        switch (m_columns[i].type) {
+        case cell::Type::Key: {
+            const auto key = loadNative<quint32>(cell);
+            addNumber(cell::isMissingKey(key) ? cell::missingDouble() : key);
+            break;
+        }
+        case cell::Type::Double: {
+            const auto value = loadNative<double>(cell);
+            const bool isNumber = !std::isnan(value);
+            if (!isNumber && !cell::isMissingDouble(value)) [[unlikely]] {
+                m_reports[i].notNumbers.add(row);
+            }
+            addNumber(isNumber ? value : cell::missingDouble());
+            break;
+        }
+        case cell::Type::Text:
+            addText(i, cell, row);
+            break;
+        }
+    }
+}
+
+} // namespace corvanta::sas

@@ -1,0 +1,98 @@
+// The temporary file holds the blocks one after the other; their sizes are in memory.
+#include "io/spool/block_spool.h"
+
+#include <QDir>
+
+namespace corvanta {
+
+BlockSpool::BlockSpool(Options options)
+    : m_options(std::move(options))
+{
+    // Before QDir::tempPath(), which replaces a folder that does not exist by the current one.
+    if (m_options.folder.isEmpty()) {
+        m_options.folder = qEnvironmentVariable("TMPDIR");
+    }
+    if (m_options.folder.isEmpty()) {
+        m_options.folder = QDir::tempPath();
+    }
+}
+
+/// Writes the block at the end of the file. After a failure the file ends where it did.
+bool BlockSpool::write(std::string_view block)
+{
+    size_t done = 0;
+    while (done < block.size()) {
+        const qint64 n =
+            m_file.write(block.data() + done, static_cast<qint64>(block.size() - done));
+        if (n <= 0) {
+            m_error = SystemError::ofLastCall();
+            m_file.seek(m_fileEnd);
+            return false;
+        }
+        done += static_cast<size_t>(n);
+    }
+    m_fileEnd += static_cast<qint64>(block.size());
+    m_fileBlocks.push_back(static_cast<qint64>(block.size()));
+    return true;
+}
+
+Result<void, SpoolError> BlockSpool::put(std::string_view block)
+{
+    const auto bytes = static_cast<qint64>(block.size());
+    if (!m_file.isOpen() && m_memoryUsed + bytes <= m_options.memoryBytes) {
+        m_inMemory.emplace_back(block.begin(), block.end());
+        m_memoryUsed += bytes;
+        return {};
+    }
+    if (!m_file.isOpen()) {
+        m_file = platform::FileHandle::openTemporary(m_options.folder);
+        m_error = SystemError::ofLastCall();
+    }
+    bool isStored = m_file.isOpen() && write(block);
+    while (m_file.isOpen() && !isStored && m_options.retryWrite && m_options.retryWrite()) {
+        isStored = write(block);
+    }
+    return isStored ? Result<void, SpoolError>() : Fault{SpoolError::CannotWrite};
+}
+
+Result<void, SpoolError> BlockSpool::rewind()
+{
+    if (m_file.isOpen() && !m_file.seek(0)) {
+        m_error = SystemError::ofLastCall();
+        return Fault{SpoolError::CannotRead};
+    }
+    return {};
+}
+
+bool BlockSpool::read(qint64 bytes)
+{
+    m_block.resize(static_cast<size_t>(bytes));
+    for (qint64 done = 0; done < bytes;) {
+        const qint64 n = m_file.read(m_block.data() + done, bytes - done);
+        if (n <= 0) {
+            m_error = SystemError::ofLastCall();
+            return false;
+        }
+        done += n;
+    }
+    return true;
+}
+
+Result<std::optional<std::string_view>, SpoolError> BlockSpool::next()
+{
+    if (!m_inMemory.empty()) {
+        m_block = std::move(m_inMemory.front());
+        m_inMemory.pop_front();
+    } else if (!m_fileBlocks.empty()) {
+        const qint64 bytes = m_fileBlocks.front();
+        m_fileBlocks.pop_front();
+        if (!read(bytes)) {
+            return Fault{SpoolError::CannotRead};
+        }
+    } else {
+        return std::optional<std::string_view>();
+    }
+    return std::optional(std::string_view(m_block.data(), m_block.size()));
+}
+
+} // namespace corvanta
