@@ -1,15 +1,199 @@
+// The texts of most messages are fixed. They have no common form: some end with a line feed.
 #include "actions/write_sas/write_sas.h"
+
+#include "codecs/sas/data_set_writer.h"
+#include "codecs/sas/variable_names.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
+namespace {
+
+/// Whether SAS accepts the name without VALIDVARNAME=ANY.
+bool isOrdinaryName(const QByteArray &name)
+{
+    return sas::validName(QString::fromUtf8(name), sas::kMaxNameBytes) == name;
+}
+
+} // namespace
+
 ActionWriteSAS::ActionWriteSAS(const XMLNode &saved, GlobalParameters *parameters)
-    : PendingAction(kWriteSasEntry, saved, parameters)
+    : ParamAction(kWriteSasEntry, saved, parameters)
 {
 }
 
-void ActionWriteSAS::setTextLengths(const QVector<TextLength> &longest)
+QString ActionWriteSAS::fileKind() const
 {
-    m_params.stringColumns = measuredColumns(longest, m_params.f1, m_params.f2);
+    return u"SAS file"_s;
+}
+
+QString ActionWriteSAS::message(WriteProblem problem, const QString &name) const
+{
+    switch (problem) {
+    case WriteProblem::NoTestColumn:
+        return u"ERROR writing to SAS File '%1': cannot find column '%2' to test\n"_s.arg(
+            fileName(), name);
+    case WriteProblem::NoColumn:
+        return u"ERROR writing to SAS File '%1': cannot find column '%2' to write\n"_s.arg(
+            fileName(), name);
+    case WriteProblem::NoColumns:
+        return u"ERROR: writing SAS file '%1': no columns to write?\n"_s.arg(fileName());
+    case WriteProblem::CannotOpen:
+    case WriteProblem::CannotWrite: // these three do not occur: see failWrite()
+    case WriteProblem::BadFloatFormat:
+    case WriteProblem::TooLarge:
+        break;
+    }
+    return u"ERROR while opening SAS file '%1' for write?"_s.arg(fileName());
+}
+
+bool ActionWriteSAS::failUnknownWidth(const QString &column)
+{
+    return fail(u"ERROR: writing SAS file '%1': width of String column '%2' is unknown?"_s.arg(
+        fileName(), column));
+}
+
+bool ActionWriteSAS::failWrite(const QString &text, const QString &reason)
+{
+    return fail(u"ERROR while writing SAS file '%1':%2"_s.arg(fileName(), text), reason);
+}
+
+void ActionWriteSAS::start()
+{
+    DataSetOutput::start();
+    m_cutWarnings = 0;
+}
+
+int ActionWriteSAS::measuredWidth(qsizetype longest) const
+{
+    const double width =
+        std::ceil(static_cast<double>(longest) * m_params.f1 + static_cast<double>(m_params.f2));
+    return static_cast<int>(std::clamp(width, 1.0, double(sas::kMaxTextBytes)));
+}
+
+bool ActionWriteSAS::reportCutText(const QString &column, qsizetype bytes, int width,
+                                   const QString &text)
+{
+    if (m_params.stringStorage == WideText::Abort) {
+        return fail(
+            u"ERROR: writing SAS file: the SAS column '%3' is too wide (%1>%2; Content is '%4')"_s
+                .arg(QString::number(bytes), QString::number(width), column, text));
+    }
+    constexpr int kMaxWarnings = 50;
+    if (++m_cutWarnings < kMaxWarnings) {
+        warn(
+            u"WARNING: writing SAS file: the SAS column '%3' is too wide (%1>%2) and has been truncated."_s
+                .arg(QString::number(bytes), QString::number(width), column));
+    } else if (m_cutWarnings == kMaxWarnings) {
+        warn(
+            u"WARNING: writing SAS file: the SAS column '%3' is too wide (%1>%2) and has been truncated. Some more warning(s) are not reported."_s
+                .arg(QString::number(bytes), QString::number(width), column));
+    }
+    return true;
+}
+
+bool ActionWriteSAS::checkLengths(const QStringList &columns)
+{
+    const auto isTooLong = [](const QString &name) {
+        return name.toUtf8().size() > sas::kMaxNameBytes;
+    };
+    const auto found = std::find_if(columns.begin(), columns.end(), isTooLong);
+    return m_params.columnNameMode != VariableNames::Whole || found == columns.end() ||
+           fail(u"ERROR: writing SAS file '%1': column's name '%2' is too long (>32 chars)?"_s.arg(
+               fileName(), *found));
+}
+
+std::vector<QByteArray> ActionWriteSAS::chooseNames(const QStringList &columns) const
+{
+    std::vector<QByteArray> names;
+    for (const QString &column : columns) {
+        switch (m_params.columnNameMode) {
+        case VariableNames::Numbered:
+            names.push_back('C' + QByteArray::number(names.size() + 1));
+            break;
+        case VariableNames::Valid:
+            names.push_back(sas::validName(column, sas::kMaxNameBytes));
+            break;
+        case VariableNames::Truncated:
+        case VariableNames::Whole:
+            names.push_back(sas::cutUtf8(encoder().encode(column), sas::kMaxNameBytes));
+            break;
+        }
+    }
+    return names;
+}
+
+/// Changes empty names, and those that are equal, most of them by having been cut.
+void ActionWriteSAS::makeDifferent(const QStringList &columns, std::vector<QByteArray> *names)
+{
+    // In names of our own, SAS's rules apply; names of the user are kept as far as possible.
+    const bool isValidMode = m_params.columnNameMode == VariableNames::Valid;
+    const std::vector<size_t> changed = sas::makeUnique(
+        *names, columns, isValidMode ? Qt::CaseInsensitive : Qt::CaseSensitive, sas::kMaxNameBytes);
+    if (!changed.empty()) {
+        warn(
+            u"Warning: writing SAS file '%1': %2 names of columns are empty or equal another one in the file, and were changed; the first is column %3, '%4', which is now '%5'\n"_s
+                .arg(fileName(), QString::number(changed.size()),
+                     QString::number(changed.front() + 1), columnName(changed.front()),
+                     QString::fromUtf8((*names)[changed.front()])));
+    }
+}
+
+/// SAS itself reads such names only with an option.
+void ActionWriteSAS::warnOddNames(const std::vector<QByteArray> &names)
+{
+    const auto isOdd = [](const QByteArray &name) { return !isOrdinaryName(name); };
+    const auto first = std::find_if(names.begin(), names.end(), isOdd);
+    if (first != names.end()) {
+        const auto count = std::count_if(first, names.end(), isOdd);
+        warn(
+            u"Warning: writing SAS file '%1': %2 names of variables have other characters than letters of ASCII, digits and '_', begin with a digit or are reserved; the first is '%3'. SAS needs the option VALIDVARNAME=ANY for them. Use columnNameMode='3' for names without them\n"_s
+                .arg(fileName(), QString::number(count), QString::fromUtf8(*first)));
+    }
+}
+
+bool ActionWriteSAS::describe(const QStringList &names, std::vector<sas::Variable> &variables)
+{
+    if (!checkLengths(names)) {
+        return false;
+    }
+    std::vector<QByteArray> chosen = chooseNames(names);
+    makeDifferent(names, &chosen);
+    warnOddNames(chosen);
+    for (size_t i = 0; i < variables.size(); ++i) {
+        variables[i].name = chosen[i];
+        const QString label = labelOf(names[static_cast<qsizetype>(i)]);
+        variables[i].label = sas::cutUtf8(encoder().encode(label), sas::kMaxLabelBytes);
+        variables[i].format = formatOf(names[static_cast<qsizetype>(i)]);
+    }
+    return true;
+}
+
+QString ActionWriteSAS::labelOf(const QString &column) const
+{
+    const VariableDefinition *const defined = definitionOf(column);
+    if (defined != nullptr && !defined->label.isEmpty()) {
+        return defined->label;
+    }
+    const bool hasLabels = m_params.columnNameMode == VariableNames::Numbered ||
+                           m_params.columnNameMode == VariableNames::Valid;
+    return hasLabels ? column : QString();
+}
+
+QByteArray ActionWriteSAS::formatOf(const QString &column) const
+{
+    const VariableDefinition *const defined = definitionOf(column);
+    return defined != nullptr ? defined->format.toUtf8() : QByteArray();
+}
+
+std::unique_ptr<sas::TableWriter> ActionWriteSAS::makeWriter(ByteSink &sink,
+                                                             std::vector<sas::Variable> variables)
+{
+    return std::make_unique<sas::DataSetWriter>(sink, std::move(variables));
 }
 
 } // namespace corvanta

@@ -1,22 +1,45 @@
 // writeSAS: writes rows to a SAS data set (.sas7bdat).
 //
-// The action can be placed, edited, saved and linked; writing is not part of this version, and a
-// run ends with an error (PendingAction).
+// The ReadStat library writes the format (codecs/sas/data_set_writer.h). This action chooses the
+// names of the variables and words the messages; DataSetOutput does the rest.
 #pragma once
-#include "actions/shared/pending_action.h"
+#include "actions/shared/data_set_output.h"
 #include "actions/write_sas/write_sas_params.h"
 
 namespace corvanta {
 
 extern const ActionEntry kWriteSasEntry;
 
-class ActionWriteSAS final : public PendingAction<ActionWriteSAS, WriteSasParams>
+class ActionWriteSAS final : public ParamAction<ActionWriteSAS, WriteSasParams, DataSetOutput>
 {
 public:
     ActionWriteSAS(const XMLNode &saved, GlobalParameters *parameters);
-    bool needsTextLengths() const override { return m_params.stringColumns.empty(); }
-    void setTextLengths(const QVector<TextLength> &longest) override;
     static const ParamTable<WriteSasParams> &paramTable() { return writeSasParamTable(); }
+
+private:
+    const DataSetParams &dataSetParams() const override { return m_params; }
+    QString message(WriteProblem problem, const QString &name) const override;
+    QString fileKind() const override;
+    int maxTextBytes() const override { return sas::kMaxTextBytes; }
+    int measuredWidth(qsizetype longest) const override;
+    bool describe(const QStringList &names, std::vector<sas::Variable> &variables) override;
+    bool failUnknownWidth(const QString &column) override;
+    bool reportCutText(const QString &column, qsizetype bytes, int width,
+                       const QString &text) override;
+    std::unique_ptr<sas::TableWriter> makeWriter(ByteSink &sink,
+                                                 std::vector<sas::Variable> variables) override;
+    bool failWrite(const QString &text, const QString &reason) override;
+    void start() override;
+
+    // Names of the variables; the functions that return bool have failed the run on false.
+    std::vector<QByteArray> chooseNames(const QStringList &columns) const;
+    bool checkLengths(const QStringList &columns);
+    void makeDifferent(const QStringList &columns, std::vector<QByteArray> *names);
+    void warnOddNames(const std::vector<QByteArray> &names);
+    QString labelOf(const QString &column) const;
+    QByteArray formatOf(const QString &column) const;
+
+    int m_cutWarnings = 0; // of this run
 };
 
 } // namespace corvanta

@@ -5,9 +5,10 @@ namespace corvanta {
 
 namespace {
 
-// Without settings: no parameter is off only because of saved graphs.
+// A table from any source has text columns without declared widths, and names that SAS does not
+// accept.
 constexpr FileFormat kFormats[] = {
-    {FileFormat::Write, FileFormat::Statistics, "sas7bdat"},
+    {FileFormat::Write, FileFormat::Statistics, "sas7bdat", "columnNameMode=3 autoWidth=1"},
 };
 
 } // namespace
@@ -21,7 +22,6 @@ const ActionEntry kWriteSasEntry = {
     .tags = "Common",
     .keywords = "file export output save sas sas7bdat write out",
     .pinsIn = 1,
-    // A run passes no rows on: it ends with an error before the first one.
     .pinsOut = 1,
     .makeAction = makeAction<ActionWriteSAS>,
     .makePanel = makePanel<Interface_ActionWriteSAS>,

@@ -17,15 +17,14 @@ ParamGroup<P> formatLimits()
                 {VariableNames::Whole,
                  "Use the same Column Names as in Corvanta (abort if truncation)"},
                 {VariableNames::Numbered,
-                 "Column Names are C1,C2,.. and Column Labels are Corvanta Column Names"}})
+                 "Column Names are C1,C2,.. and Column Labels are Corvanta Column Names"},
+                {VariableNames::Valid,
+                 "Column Names are valid SAS names and Column Labels are Corvanta Column Names"}})
             .otherwise("is not defined")
             .label("Names of the variables")
-            .meaning("A name in the data set has at most 32 bytes of UTF-8."),
-        choice("stringStorage", &P::stringStorage,
-               {{WideText::Truncate, "truncate it, with a warning"}, {WideText::Abort, "abort"}})
-            .otherwise("is not defined")
-            .label("A text wider than its column")
-            .meaning("What happens to a text that does not fit."),
+            .meaning("A name in the data set has at most 32 bytes of UTF-8. Without the option "
+                     "VALIDVARNAME=ANY, SAS accepts only letters of ASCII, digits and '_' in it."),
+        shared::wideTexts<P>(),
     };
 }
 

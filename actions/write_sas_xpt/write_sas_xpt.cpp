@@ -1,15 +1,208 @@
 #include "actions/write_sas_xpt/write_sas_xpt.h"
 
+#include "codecs/sas/variable_names.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
 namespace corvanta {
 
 ActionWriteSASXPT::ActionWriteSASXPT(const XMLNode &saved, GlobalParameters *parameters)
-    : PendingAction(kWriteSasXptEntry, saved, parameters)
+    : ParamAction(kWriteSasXptEntry, saved, parameters)
 {
 }
 
-void ActionWriteSASXPT::setTextLengths(const QVector<TextLength> &longest)
+QString ActionWriteSASXPT::fileKind() const
 {
-    m_params.stringColumns = measuredColumns(longest);
+    return u"SAS transport file"_s;
+}
+
+sas::TransportVersion ActionWriteSASXPT::version() const
+{
+    return m_params.version8 ? sas::TransportVersion::V8 : sas::TransportVersion::V5;
+}
+
+QString ActionWriteSASXPT::message(WriteProblem problem, const QString &name) const
+{
+    switch (problem) {
+    case WriteProblem::NoTestColumn:
+        return u"ERROR writing to SAS transport file '%1': cannot find column '%2' to test\n"_s.arg(
+            fileName(), name);
+    case WriteProblem::NoColumn:
+        return u"ERROR writing to SAS transport file '%1': cannot find column '%2' to write\n"_s
+            .arg(fileName(), name);
+    case WriteProblem::NoColumns:
+        return u"ERROR: writing SAS transport file '%1': no columns to write?\n"_s.arg(fileName());
+    case WriteProblem::CannotOpen:
+    case WriteProblem::CannotWrite: // these three do not occur: see failWrite()
+    case WriteProblem::BadFloatFormat:
+    case WriteProblem::TooLarge:
+        break;
+    }
+    return u"ERROR while opening SAS transport file '%1' for write?\n"_s.arg(fileName());
+}
+
+bool ActionWriteSASXPT::failUnknownWidth(const QString &column)
+{
+    return fail(
+        u"ERROR: writing SAS transport file '%1': width of String column '%2' is unknown? Declare it (StringColDef) or use autoWidth='1'\n"_s
+            .arg(fileName(), column));
+}
+
+bool ActionWriteSASXPT::failWrite(const QString &text, const QString &reason)
+{
+    return fail(u"ERROR while writing SAS transport file '%1': %2\n"_s.arg(fileName(), text),
+                reason);
+}
+
+bool ActionWriteSASXPT::chooseEncoding()
+{
+    const auto named = sas::TextEncoder::named(m_params.encoding.toUtf8());
+    if (!named) {
+        return fail(
+            u"ERROR: writing SAS transport file '%1': the encoding '%2' is unknown, or its characters have several bytes. Use UTF-8 or an encoding such as WINDOWS-1252\n"_s
+                .arg(fileName(), m_params.encoding));
+    }
+    encoder() = *named;
+    return true;
+}
+
+bool ActionWriteSASXPT::reportCutText(const QString &column, qsizetype bytes, int width,
+                                      const QString &text)
+{
+    // Cut texts are counted, and reported at the end.
+    return m_params.stringStorage != WideText::Abort ||
+           fail(
+               u"ERROR: writing SAS transport file '%1': a text of the column '%2' is too wide (%3>%4; content is '%5')\n"_s
+                   .arg(fileName(), column, QString::number(bytes), QString::number(width), text));
+}
+
+/// The table has the name of the file, as SAS accepts it.
+QByteArray ActionWriteSASXPT::tableName() const
+{
+    const QByteArray name =
+        sas::validName(QFileInfo(fileName()).completeBaseName(), limits().name).toUpper();
+    return name.isEmpty() ? "DATASET" : name;
+}
+
+void ActionWriteSASXPT::setNames(const QStringList &columns, std::vector<sas::Variable> &variables)
+{
+    std::vector<QByteArray> names;
+    for (const QString &column : columns) {
+        names.push_back(sas::validName(column, limits().name));
+    }
+    // Equal names are always changed: a reader would show one of them only.
+    sas::makeUnique(names, columns, Qt::CaseInsensitive, limits().name);
+    constexpr int kMaxListed = 20;
+    QStringList changes;
+    qsizetype count = 0;
+    for (size_t i = 0; i < names.size(); ++i) {
+        const QString &column = columns[static_cast<qsizetype>(i)];
+        if (names[i] != column.toUtf8() && ++count <= kMaxListed) {
+            changes << u"'%1' to '%2'"_s.arg(column, QString::fromUtf8(names[i]));
+        }
+        variables[i].name = names[i];
+    }
+    if (count > 0) {
+        warn(
+            u"Warning: writing SAS transport file '%1': %2 names of columns do not fit the format and were changed: %3%4. The labels have the whole names\n"_s
+                .arg(fileName(), QString::number(count), changes.join(u", "_s),
+                     count > kMaxListed ? u" and others"_s : QString()));
+    }
+}
+
+void ActionWriteSASXPT::setLabels(const QStringList &columns, std::vector<sas::Variable> &variables)
+{
+    qsizetype cut = 0;
+    QString first;
+    for (size_t i = 0; i < variables.size(); ++i) {
+        const QString &column = columns[static_cast<qsizetype>(i)];
+        const VariableDefinition *const defined = definitionOf(column);
+        // A name that was changed is kept as the label.
+        QString label = variables[i].name != column.toUtf8() ? column : QString();
+        label = defined != nullptr && !defined->label.isEmpty() ? defined->label : label;
+        const QByteArray bytes = encoder().encode(label);
+        const qsizetype fitting = encoder().fit(bytes.constData(), bytes.size(), limits().label);
+        variables[i].label = bytes.first(fitting);
+        if (fitting < bytes.size() && cut++ == 0) {
+            first = column;
+        }
+    }
+    if (cut > 0) {
+        warn(
+            u"Warning: writing SAS transport file '%1': %2 labels are longer than %3 bytes and were cut; the first is that of the column '%4'\n"_s
+                .arg(fileName(), QString::number(cut), QString::number(limits().label), first));
+    }
+}
+
+/// Sets the width and the format of a variable.
+bool ActionWriteSASXPT::define(const QString &column, sas::Variable &variable)
+{
+    variable.width = m_params.numberWidth;
+    const VariableDefinition *const defined = definitionOf(column);
+    if (defined == nullptr) {
+        return true;
+    }
+    if (defined->width != 0) {
+        variable.width = std::max(defined->width, sas::kMinNumberBytes);
+    }
+    variable.format = defined->format.toUtf8();
+    return variable.format.isEmpty() || sas::DisplayFormat::parse(variable.format) ||
+           fail(
+               u"ERROR: writing SAS transport file '%1': the format '%2' of the column '%3' is not one of SAS, such as DATE9. or 8.2, with a name of at most 8 characters\n"_s
+                   .arg(fileName(), defined->format, column));
+}
+
+bool ActionWriteSASXPT::describe(const QStringList &names, std::vector<sas::Variable> &variables)
+{
+    setNames(names, variables);
+    setLabels(names, variables);
+    for (size_t i = 0; i < variables.size(); ++i) {
+        if (!define(names[static_cast<qsizetype>(i)], variables[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::unique_ptr<sas::TableWriter>
+ActionWriteSASXPT::makeWriter(ByteSink &sink, std::vector<sas::Variable> variables)
+{
+    return std::make_unique<sas::TransportWriter>(sink, version(), tableName(),
+                                                  std::move(variables));
+}
+
+void ActionWriteSASXPT::warnLostRows(qint64 lost)
+{
+    if (lost > 0) {
+        warn(
+            u"Warning: writing SAS transport file '%1': the last %2 rows have only missing texts. Readers take them for padding at the end of the file and ignore them. Use version8='1' or write a column of numbers, too\n"_s
+                .arg(fileName(), QString::number(lost)));
+    }
+}
+
+void ActionWriteSASXPT::reportRows(const sas::TableWriter &writer)
+{
+    const auto &transport = static_cast<const sas::TransportWriter &>(writer); // of makeWriter()
+    for (size_t i = 0; i < transport.reports().size(); ++i) {
+        const auto &[rounded, tooLarge] = transport.reports()[i];
+        if (rounded.count > 0) {
+            warn(
+                u"Warning: writing SAS transport file '%1': %2 numbers of the column '%3' lost digits, because they need more bytes or are below 5.4e-79; the first is in row %4 of the file\n"_s
+                    .arg(fileName(), QString::number(rounded.count), columnName(i),
+                         QString::number(rounded.firstRow)));
+        }
+        if (tooLarge.count > 0) {
+            warn(
+                u"Warning: writing SAS transport file '%1': %2 numbers of the column '%3' are infinite or above 7.2e75 and became missing; the first is in row %4 of the file\n"_s
+                    .arg(fileName(), QString::number(tooLarge.count), columnName(i),
+                         QString::number(tooLarge.firstRow)));
+        }
+    }
+    warnLostRows(transport.lostRows());
 }
 
 } // namespace corvanta

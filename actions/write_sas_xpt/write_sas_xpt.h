@@ -1,22 +1,46 @@
 // writeSASXPT: writes rows to a SAS transport file (.xpt).
 //
-// The action can be placed, edited, saved and linked; writing is not part of this version, and a
-// run ends with an error (PendingAction).
+// codecs/sas/transport_writer.h writes the format. This action chooses the names of the variables
+// and words the messages; DataSetOutput does the rest.
 #pragma once
-#include "actions/shared/pending_action.h"
+#include "actions/shared/data_set_output.h"
 #include "actions/write_sas_xpt/write_sas_xpt_params.h"
+#include "codecs/sas/transport_writer.h"
 
 namespace corvanta {
 
 extern const ActionEntry kWriteSasXptEntry;
 
-class ActionWriteSASXPT final : public PendingAction<ActionWriteSASXPT, WriteSasXptParams>
+class ActionWriteSASXPT final
+    : public ParamAction<ActionWriteSASXPT, WriteSasXptParams, DataSetOutput>
 {
 public:
     ActionWriteSASXPT(const XMLNode &saved, GlobalParameters *parameters);
-    bool needsTextLengths() const override { return m_params.stringColumns.empty(); }
-    void setTextLengths(const QVector<TextLength> &longest) override;
     static const ParamTable<WriteSasXptParams> &paramTable() { return writeSasXptParamTable(); }
+
+private:
+    const DataSetParams &dataSetParams() const override { return m_params; }
+    QString message(WriteProblem problem, const QString &name) const override;
+    QString fileKind() const override;
+    int maxTextBytes() const override { return limits().text; }
+    int measuredWidth(qsizetype longest) const override { return static_cast<int>(longest); }
+    bool chooseEncoding() override;
+    bool describe(const QStringList &names, std::vector<sas::Variable> &variables) override;
+    bool failUnknownWidth(const QString &column) override;
+    bool reportCutText(const QString &column, qsizetype bytes, int width,
+                       const QString &text) override;
+    std::unique_ptr<sas::TableWriter> makeWriter(ByteSink &sink,
+                                                 std::vector<sas::Variable> variables) override;
+    bool failWrite(const QString &text, const QString &reason) override;
+    void reportRows(const sas::TableWriter &writer) override;
+
+    sas::TransportVersion version() const;
+    sas::TransportLimits limits() const { return sas::limitsOf(version()); }
+    QByteArray tableName() const;
+    void setNames(const QStringList &columns, std::vector<sas::Variable> &variables);
+    void setLabels(const QStringList &columns, std::vector<sas::Variable> &variables);
+    bool define(const QString &column, sas::Variable &variable);
+    void warnLostRows(qint64 lost);
 };
 
 } // namespace corvanta

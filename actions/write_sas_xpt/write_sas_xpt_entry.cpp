@@ -5,9 +5,9 @@ namespace corvanta {
 
 namespace {
 
-// Without settings: no parameter is off only because of saved graphs.
+// A table from any source has text columns without declared widths.
 constexpr FileFormat kFormats[] = {
-    {FileFormat::Write, FileFormat::Statistics, "xpt"},
+    {FileFormat::Write, FileFormat::Statistics, "xpt", "autoWidth=1"},
 };
 
 } // namespace
@@ -22,7 +22,6 @@ const ActionEntry kWriteSasXptEntry = {
     .tags = "Common",
     .keywords = "file export output save xpt sas xport write out",
     .pinsIn = 1,
-    // A run passes no rows on: it ends with an error before the first one.
     .pinsOut = 1,
     .makeAction = makeAction<ActionWriteSASXPT>,
     .makePanel = makePanel<Interface_ActionWriteSASXPT>,

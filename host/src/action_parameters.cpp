@@ -58,13 +58,6 @@ QStringList ActionParameters::inputs() const
     return {};
 }
 
-bool ActionParameters::needsTextLengths() const
-{
-    return false;
-}
-
-void ActionParameters::setTextLengths(const QVector<TextLength> & /*longest*/) {}
-
 std::span<const FileFormat> ActionParameters::fileFormats() const
 {
     return {};

@@ -26,7 +26,7 @@ READERS = [
 ]
 WRITERS = [
     "<writeCSV fileName='pipe.csv'/>", "<writeParquet file='pipe.parquet'/>", "<writeJSON fileName='pipe.json'/>",
-    "<writeXML fileName='pipe.xml'/>",
+    "<writeXML fileName='pipe.xml'/>", "<writeSAS fileName='pipe.sas7bdat' autoWidth='1'/>", "<writeSASXPT fileName='pipe.xpt' autoWidth='1'/>",
 ]
 
 

@@ -30,7 +30,8 @@ NUMBERS = ["0", "-1.5", "1e300", "0.1", "12345678.9", ""]
 VALUES = {"K": KEYS, "F": NUMBERS, "U": TEXTS}
 # The parameter that names the file, and the ending of that file.
 WRITERS = {"writeCSV": ("fileName", ".csv"), "writeJSON": ("fileName", ".json"), "writeXML": ("fileName", ".xml"),
-           "writeParquet": ("file", ".parquet"), "writeExcel": ("fileNameDestination", ".xlsx")}
+           "writeParquet": ("file", ".parquet"), "writeExcel": ("fileNameDestination", ".xlsx"),
+           "writeSAS": ("fileName", ".sas7bdat"), "writeSASXPT": ("fileName", ".xpt")}
 # These start programs, ask the system, or need texts of a grammar of their own.
 LEFT_ALONE = {"runExcel", "fileNameSource", "Prefix", "Suffix", "dateFormat", "floatToString", "Levels", "separator", "level", "compression"}
 COLUMN_PARAMETERS = {"testCol", "splitCol", "splitVar"}
@@ -177,7 +178,7 @@ class Case:
         """The graph with a reader of the written file, which is copied to the inputs; None where there is none."""
         names = [name for name in reference.files if name.startswith("result.")]
         ending = WRITERS[graph.action("out").type][1]
-        if reference.status or len(names) != 1 or ending == ".xlsx":
+        if reference.status or len(names) != 1 or ending in (".xlsx", ".sas7bdat", ".xpt"):
             return None
         source = "back" + ending
         written = self.folder / f"out{self.runs}" / names[0]

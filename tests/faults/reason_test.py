@@ -33,6 +33,8 @@ WRITERS = {
     "parquet": "<writeParquet file='{}'/>",
     "csv": "<writeCSV fileName='{}'/>",
     "docx": f"<writeDocTable template='{SOURCE}/examples/documents/report.docx' output='{{}}'/>",
+    "sas7bdat": "<writeSAS autoWidth='1' fileName='{}'/>",
+    "xpt": "<writeSASXPT autoWidth='1' fileName='{}'/>",
 }
 
 

@@ -49,6 +49,8 @@ CASES = [
         targets=["out.docx"]),
     run("letters", "<readCSV fileName='letters.csv'/>", "<writeDoc output='output' template='template' fitImages='1'><text><s>name</s>"
         "</text><image><s>picture</s></image></writeDoc>", targets=["one.docx", "two.docx"]),
+    run("sas", CSV, "<writeSAS fileName='out.sas7bdat' autoWidth='1'/>", targets=["out.sas7bdat"]),
+    run("xpt", CSV, "<writeSASXPT fileName='out.xpt' autoWidth='1'/>", targets=["out.xpt"]),
     Case("from_parquet", ["convert", "in.parquet", "out.csv"], ["out.csv"]),
     Case("from_json", ["convert", "in.json", "out.parquet"], ["out.parquet"], leaves="*_TMP"),
     Case("from_xml", ["convert", "in.xml", "out.json"], ["out.json"]),

@@ -110,6 +110,8 @@ const std::vector<Writer> &writers()
          {u"out__0.parquet"_s, u"out__1.parquet"_s, u"out__2.parquet"_s},
          {},
          {u"out__0.parquet_TMP"_s, u"out__1.parquet_TMP"_s, u"out__2.parquet_TMP"_s}},
+        {"writeSAS", "<writeSAS fileName='out.sas7bdat' autoWidth='1'/>", {u"out.sas7bdat"_s}},
+        {"writeSASXPT", "<writeSASXPT fileName='out.xpt' autoWidth='1'/>", {u"out.xpt"_s}},
     };
     return all;
 }

@@ -57,6 +57,8 @@ WRITERS = [
     Writer("<writeCSV fileName='one.csv'/>", ["one.csv"]),
     Writer(f"<writeDocTable template='{DOCUMENTS}/report.docx' output='report.docx'><v colWidths='1,1,1,1,1'/></writeDocTable>",
            ["report.docx"]),
+    Writer("<writeSAS fileName='one.sas7bdat' autoWidth='1'/>", ["one.sas7bdat"]),
+    Writer("<writeSASXPT fileName='one.xpt' autoWidth='1'/>", ["one.xpt"]),
 ]
 
 

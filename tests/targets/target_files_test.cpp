@@ -41,6 +41,8 @@ constexpr WriterCase kWriters[] = {
      "<axis pinIdx='0'>k</axis><axis pinIdx='0'>t</axis></Chart></writeReport>",
      "PK", false},
     {"<writeCSV fileName='link'/>", "k,t\n"},
+    {"<writeSAS autoWidth='1' fileName='link'/>", ""}, // the start is zero bytes
+    {"<writeSASXPT autoWidth='1' fileName='link'/>", "HEADER RECORD*******LIBRARY HEADER"},
 };
 
 QByteArray table(int rows)

@@ -22,11 +22,6 @@ struct StringColumn
 /// The attributes of a `CD` element. Constant; made by the first call.
 const ParamTable<StringColumn> &stringColumnTable();
 
-/// Declarations for measured texts. A width is the bytes of the longest text times `factor`, plus
-/// `extraBytes`, rounded up, and at least 1.
-std::vector<StringColumn> measuredColumns(const QVector<TextLength> &longest, double factor = 1,
-                                          int extraBytes = 0);
-
 /// The line of a parameter table for `columns`. They are saved inside a `StringColDef` element.
 template <class P> Param<P> stringColumns(std::vector<StringColumn> P::*columns)
 {

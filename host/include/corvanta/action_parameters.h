@@ -97,13 +97,6 @@ struct ParameterProblem
     Severity severity = Severity::Error;
 };
 
-/// The longest text of a column.
-struct TextLength
-{
-    QString column;
-    qsizetype bytes = 0; ///< of UTF-8
-};
-
 /// What an action does to a file that it writes. Known before a run from the parameters alone, so
 /// that a graph whose actions would damage each other's files is rejected, and `corvanta check
 /// --list-outputs` can print the files.
@@ -171,12 +164,6 @@ public:
     /// default. Returns false after logging why the file cannot be read. `file` is expanded. Not
     /// during a run.
     virtual bool templateMarks(const QString &file, QVector<TemplateMark> *marks);
-
-    /// Whether the action stores texts in fixed widths and no width is declared yet. A host that
-    /// can read the input twice then measures its texts and calls setTextLengths() before the run.
-    virtual bool needsTextLengths() const;
-    /// Declare the width of every text column. Without effect for an action that needs none.
-    virtual void setTextLengths(const QVector<TextLength> &longest);
 
     /// What is wrong with the values together, or with a value in a way that the table cannot say,
     /// for example a date column without a date format. Mistakes that the table shows (types,

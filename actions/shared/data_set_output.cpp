@@ -1,0 +1,279 @@
+// The columns of the input that are written have one index, from 0, in all lists of this file.
+#include "actions/shared/data_set_output.h"
+
+#include "corvanta/failure_reason.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+void DataSetOutput::start()
+{
+    RowWriter::start();
+    m_run = std::make_unique<RunState>();
+}
+
+QString DataSetOutput::placeOf(qint64 row, size_t column) const
+{
+    return u"row %1, column '%2'"_s.arg(QString::number(row), columnName(column));
+}
+
+const VariableDefinition *DataSetOutput::definitionOf(const QString &column) const
+{
+    const std::vector<VariableDefinition> &all = dataSetParams().variables;
+    const auto found = std::find_if(all.begin(), all.end(), [&](const VariableDefinition &defined) {
+        return defined.name == column;
+    });
+    return found != all.end() ? &*found : nullptr;
+}
+
+/// The width in StringColDef; 0 without one.
+int DataSetOutput::declaredWidth(const QString &name) const
+{
+    const std::vector<StringColumn> &declared = dataSetParams().stringColumns;
+    const auto found = std::find_if(declared.begin(), declared.end(),
+                                    [&](const StringColumn &text) { return text.name == name; });
+    return found != declared.end() ? std::max(found->width, 0) : 0;
+}
+
+/// Sets the bytes to which texts of a text column are cut while rows arrive.
+bool DataSetOutput::chooseWidth(size_t column, sas::PackedColumn *packed)
+{
+    const int declared = declaredWidth(columnName(column));
+    m_run->isMeasured[column] = declared == 0;
+    packed->maxBytes = declared == 0 ? maxTextBytes() : std::min(declared, maxTextBytes());
+    if (declared > maxTextBytes()) {
+        warn(
+            u"Warning: writing %1 '%2': the width %3 of the column '%4' is reduced to %5 bytes, the longest text of the format\n"_s
+                .arg(fileKind(), fileName(), QString::number(declared), columnName(column),
+                     QString::number(maxTextBytes())));
+    }
+    return declared > 0 || dataSetParams().autoWidth || failUnknownWidth(columnName(column));
+}
+
+bool DataSetOutput::findWidths(const OneRow &columns, const QVector<int> &inputs)
+{
+    std::vector<sas::PackedColumn> packed;
+    m_run->isMeasured.resize(m_run->variables.size());
+    for (size_t i = 0; i < m_run->variables.size(); ++i) {
+        const int input = inputs[static_cast<qsizetype>(i)];
+        sas::PackedColumn column{input, columns.getMetaType(input).cellType(), 0};
+        sas::Variable &variable = m_run->variables[i];
+        variable.isText = column.type == cell::Type::Text;
+        if (variable.isText) {
+            if (!chooseWidth(i, &column)) {
+                return false;
+            }
+            variable.width = column.maxBytes;
+        }
+        packed.push_back(column);
+    }
+    m_run->packer = std::make_unique<sas::RowPacker>(m_run->encoder, std::move(packed));
+    return true;
+}
+
+bool DataSetOutput::begin(const OneRow &columns)
+{
+    // The order of the checks decides which of several mistakes is reported.
+    QVector<int> inputs;
+    if (!findTestColumn(columns) || !findColumns(columns, &inputs)) {
+        return false;
+    }
+    if (inputs.isEmpty()) {
+        return failWith(WriteProblem::NoColumns);
+    }
+    for (const int input : std::as_const(inputs)) {
+        m_run->names << columns.colName(input);
+    }
+    m_run->variables.resize(static_cast<size_t>(inputs.size()));
+    if (!checkNames(columns, inputs) || !chooseEncoding() ||
+        !describe(m_run->names, m_run->variables) || !findWidths(columns, inputs)) {
+        return false;
+    }
+    m_run->spool = std::make_unique<BlockSpool>(BlockSpool::Options{
+        .retryWrite = [this] { return askRetryWrite(m_run->spool->folder()); }});
+    // Opened now, so that a target that cannot be written fails before the rows are read.
+    createFolder(fileName());
+    return m_run->target.open(fileName(), targetOptions(fileName())) ||
+           failWith(WriteProblem::CannotOpen, {}, reasonOf(m_run->target));
+}
+
+bool DataSetOutput::failSpool()
+{
+    const QString &folder = m_run->spool->folder();
+    return failWrite(
+        u"the rows cannot be kept in a temporary file in the folder '%1'"_s.arg(folder),
+        failureReason(folder, FileUse::Write, m_run->spool->error()));
+}
+
+bool DataSetOutput::spoolBlock()
+{
+    const auto stored = m_run->spool->put(m_run->packer->block());
+    m_run->packer->clear();
+    return stored || failSpool();
+}
+
+bool DataSetOutput::reportCuts(const OneRow &row)
+{
+    for (const sas::CutText &cut : m_run->packer->cutTexts()) {
+        const sas::PackedColumn &column = m_run->packer->columns()[cut.column];
+        if (!reportCutText(columnName(cut.column), cut.bytes, column.maxBytes,
+                           row.text(column.input))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool DataSetOutput::writeRow(const OneRow &row)
+{
+    sas::RowPacker &packer = *m_run->packer;
+    packer.add(row.getAllColForWrite(), rowNumber());
+    ++m_run->rows;
+    if (!packer.cutTexts().empty() && !reportCuts(row)) {
+        return false;
+    }
+    return !packer.isFull() || spoolBlock();
+}
+
+/// Sets the widths that follow from the texts.
+void DataSetOutput::measureWidths()
+{
+    for (size_t i = 0; i < m_run->variables.size(); ++i) {
+        if (m_run->isMeasured[i]) { // never a column of numbers
+            const int longest = static_cast<int>(
+                std::min<qsizetype>(m_run->packer->reports()[i].longest, maxTextBytes()));
+            // Not below the longest text, which is packed already: a factor may be below 1.
+            const int width = std::max(measuredWidth(longest), longest);
+            m_run->variables[i].width = std::clamp(width, 1, maxTextBytes());
+        }
+    }
+}
+
+bool DataSetOutput::failWriter(const Fault<sas::Error> &fault)
+{
+    switch (fault.code) {
+    case sas::Error::TooManyVariables:
+        return failWrite(u"the format cannot hold the %1 columns of the table; choose columns "
+                         u"(writeAllColumns='0')"_s.arg(fault.detail));
+    case sas::Error::TooManyRows:
+        return failWrite(u"the format cannot hold the %1 rows of the table"_s.arg(fault.detail));
+    case sas::Error::NamesTooLong:
+        return failWrite(
+            u"the names and labels of the columns have %1 bytes together, and other programs could not read the file; use shorter or fewer columns"_s
+                .arg(fault.detail));
+    case sas::Error::CannotWrite:
+    case sas::Error::Library:
+        break;
+    }
+    return failWrite(fault.detail, reasonOf(m_run->target));
+}
+
+bool DataSetOutput::writeRows()
+{
+    if (!m_run->spool->rewind()) {
+        return failSpool();
+    }
+    // A stop, or an error of another action, ends the loop; the target is then discarded.
+    while (runIsGood()) {
+        const auto block = m_run->spool->next();
+        if (!block) {
+            return failSpool();
+        }
+        if (!*block) {
+            return true;
+        }
+        if (const auto added = m_run->writer->addRows(**block); !added) {
+            return failWriter(added.fault());
+        }
+    }
+    return false;
+}
+
+bool DataSetOutput::writeFile()
+{
+    if (!m_run->packer->block().empty() && !spoolBlock()) {
+        return false;
+    }
+    measureWidths();
+    m_run->writer = makeWriter(m_run->target, m_run->variables);
+    if (const auto begun = m_run->writer->begin(m_run->rows); !begun) {
+        return failWriter(begun.fault());
+    }
+    if (!writeRows()) {
+        return false;
+    }
+    if (const auto finished = m_run->writer->finish(); !finished) {
+        return failWriter(finished.fault());
+    }
+    return m_run->target.commit() ||
+           failWrite(u"the file cannot be completed"_s, reasonOf(m_run->target));
+}
+
+void DataSetOutput::complete()
+{
+    if (writeFile()) {
+        warnCutTexts();
+        warnReplaced();
+        warnNotNumbers();
+        reportRows(*m_run->writer);
+    }
+}
+
+void DataSetOutput::warnCutTexts()
+{
+    for (size_t i = 0; i < m_run->variables.size(); ++i) {
+        const sas::RowCount &cut = m_run->packer->reports()[i].cut;
+        if (cut.count > 0) {
+            warn(
+                u"Warning: writing %1 '%2': %3 texts of the column '%4' are longer than %5 bytes and were cut; the first is in row %6\n"_s
+                    .arg(fileKind(), fileName(), QString::number(cut.count), columnName(i),
+                         QString::number(m_run->packer->columns()[i].maxBytes),
+                         QString::number(cut.firstRow)));
+        }
+    }
+}
+
+/// One warning for all columns.
+void DataSetOutput::warnReplaced()
+{
+    const std::vector<sas::ColumnReport> &reports = m_run->packer->reports();
+    qint64 count = 0;
+    size_t first = reports.size();
+    for (size_t i = 0; i < reports.size(); ++i) {
+        const sas::RowCount &replaced = reports[i].replaced;
+        const bool isFirst =
+            first == reports.size() || replaced.firstRow < reports[first].replaced.firstRow;
+        first = replaced.count > 0 && isFirst ? i : first;
+        count += replaced.count;
+    }
+    if (count > 0) {
+        warn(
+            u"Warning: writing %1 '%2': %3 characters cannot be stored and were replaced; the first is in %4\n"_s
+                .arg(fileKind(), fileName(), QString::number(count),
+                     placeOf(reports[first].replaced.firstRow, first)));
+    }
+}
+
+void DataSetOutput::warnNotNumbers()
+{
+    const std::vector<sas::ColumnReport> &reports = m_run->packer->reports();
+    for (size_t i = 0; i < reports.size(); ++i) {
+        const sas::RowCount &found = reports[i].notNumbers;
+        if (found.count > 0) {
+            warn(
+                u"Warning: writing %1 '%2': %3 values of the column '%4' are not numbers (nan) and became missing; the first is in row %5\n"_s
+                    .arg(fileKind(), fileName(), QString::number(found.count), columnName(i),
+                         QString::number(found.firstRow)));
+        }
+    }
+}
+
+void DataSetOutput::release(bool)
+{
+    m_run.reset();
+}
+
+} // namespace corvanta

@@ -1,0 +1,111 @@
+// Base of the writers of SAS data sets and transport files: all that does not depend on the format.
+//
+// Both formats state the number of rows and the widths of the texts before the rows. The rows are
+// therefore packed and spooled while they arrive, and the file is written at the end:
+//
+//     first row   -> find columns, name the variables, find widths, open the target
+//     each row    -> pack, spool
+//     end         -> measure widths (autoWidth), write the header and the spooled rows, commit
+//
+// A derived action has the names of its variables, its messages and the writer of its format.
+#pragma once
+#include "actions/shared/params/data_set_params.h"
+#include "actions/shared/row_writer.h"
+#include "codecs/sas/row_packer.h"
+#include "codecs/sas/table_writer.h"
+#include "io/spool/block_spool.h"
+
+#include <memory>
+#include <vector>
+
+namespace corvanta {
+
+/// Threads: as ActionBase.
+class DataSetOutput : public RowWriter
+{
+protected:
+    using RowWriter::RowWriter;
+
+    // What the action supplies.
+
+    virtual const DataSetParams &dataSetParams() const = 0;
+    const RowWriterParams &rowParams() const override { return dataSetParams(); }
+    const QString &fileParameter() const override { return dataSetParams().fileName; }
+    /// What the file is called in messages: "SAS file".
+    virtual QString fileKind() const = 0;
+    /// The longest text of the format, in bytes.
+    virtual int maxTextBytes() const = 0;
+    /// The width of a text column whose longest text has so many bytes.
+    virtual int measuredWidth(qsizetype longest) const = 0;
+    /// Choose the encoding of texts and names. Returns false after a failure.
+    virtual bool chooseEncoding() { return true; }
+    /// Set name, label and format of the variables, one for each column of `names`. Returns false
+    /// after a failure.
+    virtual bool describe(const QStringList &names, std::vector<sas::Variable> &variables) = 0;
+    /// The error for a text column without a declared width.
+    virtual bool failUnknownWidth(const QString &column) = 0;
+    /// Report a text that exceeds its width. Returns false after a failure.
+    virtual bool reportCutText(const QString & /*column*/, qsizetype /*bytes*/, int /*width*/,
+                               const QString & /*text*/)
+    {
+        return true;
+    }
+    /// The writer of the format.
+    virtual std::unique_ptr<sas::TableWriter> makeWriter(ByteSink &sink,
+                                                         std::vector<sas::Variable> variables) = 0;
+    /// The error for a failed write: `text` says why, in the words of the library or our own.
+    virtual bool failWrite(const QString &text, const QString &reason = {}) = 0;
+    /// Further warnings about the rows, when the file is written by `writer`.
+    virtual void reportRows(const sas::TableWriter & /*writer*/) {}
+
+    void start() override;
+    bool begin(const OneRow &columns) override;
+    bool beginWithoutRows(const OneRow &columns) override { return begin(columns); }
+    bool writeRow(const OneRow &row) override;
+    void complete() override;
+    void release(bool wasComplete) override;
+
+    // What the action uses. Only between begin() and release().
+
+    /// Encodes texts and names; UTF-8 by default.
+    sas::TextEncoder &encoder() { return m_run->encoder; }
+    const sas::TextEncoder &encoder() const { return m_run->encoder; }
+    /// The definition of a column in the parameters; null without one.
+    const VariableDefinition *definitionOf(const QString &column) const;
+    /// Name of a written column in the input.
+    const QString &columnName(size_t column) const { return m_run->names[int(column)]; }
+    /// "row 7, column 'x'": a place in the input.
+    QString placeOf(qint64 row, size_t column) const;
+
+private:
+    struct RunState
+    {
+        sas::TextEncoder encoder = sas::TextEncoder::utf8();
+        QStringList names; // of the written columns
+        std::vector<sas::Variable> variables;
+        std::vector<bool> isMeasured; // text columns whose width follows from their texts
+        std::unique_ptr<sas::RowPacker> packer;
+        std::unique_ptr<BlockSpool> spool;
+        TargetFile target;
+        std::unique_ptr<sas::TableWriter> writer; // of the target
+        qint64 rows = 0;                          // spooled
+    };
+
+    bool findWidths(const OneRow &columns, const QVector<int> &inputs);
+    bool chooseWidth(size_t column, sas::PackedColumn *packed);
+    int declaredWidth(const QString &name) const;
+    bool spoolBlock();
+    bool failSpool();
+    void measureWidths();
+    bool writeRows();
+    bool writeFile();
+    bool failWriter(const Fault<sas::Error> &fault);
+    bool reportCuts(const OneRow &row);
+    void warnCutTexts();
+    void warnReplaced();
+    void warnNotNumbers();
+
+    std::unique_ptr<RunState> m_run;
+};
+
+} // namespace corvanta
