@@ -64,6 +64,12 @@ JOBS = {
                          graph(READ_SALES, "<writeParquet file='ours.parquet'/>"), "ours.parquet",
                          ["duckdb", "-c", "COPY (SELECT * FROM 'sales.csv') TO 'peer.parquet' "
                                           "(COMPRESSION snappy, DICTIONARY_SIZE_LIMIT 1)"], "peer.parquet"),
+    "sas_write": Job("CSV to a SAS data set; peer: a plain loop that calls ReadStat",
+                     graph(READ_SALES, "<writeSAS fileName='ours.sas7bdat' autoWidth='1'/>"),
+                     "ours.sas7bdat", ["readstat_write_peer", "sales.csv", "peer.sas7bdat"], "peer.sas7bdat"),
+    "xpt_write": Job("CSV to a SAS transport file; peer: as for the data set, which is the other format",
+                     graph(READ_SALES, "<writeSASXPT fileName='ours.xpt' autoWidth='1'/>"),
+                     "ours.xpt", ["readstat_write_peer", "sales.csv", "peer.sas7bdat"], "peer.sas7bdat"),
     "json_write": Job("CSV to JSON; peer: a plain loop that formats the same rows",
                       graph(READ_SALES, "<writeJSON fileName='ours.json'/>"),
                       "ours.json", ["text_peer", "json", "sales.csv", "peer.json"], "peer.json"),

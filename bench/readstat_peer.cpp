@@ -1,8 +1,8 @@
 // Writes a data set of SAS, SPSS or Stata as CSV with the library alone: the peer of "corvanta
 // convert".
 //
-// Usage: readstat_peer INPUT OUTPUT. Numbers have the fewest digits that read back, texts are quoted
-// where needed. One buffer, one write per megabyte.
+// Usage: readstat_peer INPUT OUTPUT. Numbers have the fewest digits that read back, texts are
+// quoted where needed. One buffer, one write per megabyte.
 #include <readstat.h>
 
 #include <charconv>

@@ -12,6 +12,7 @@
 
 #include <readstat.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace corvanta::sas {
@@ -29,6 +30,8 @@ constexpr qsizetype kMaxTexts = 65'000;
 constexpr qint64 kLongRow = 65'000;
 constexpr size_t kManyVariables = 4'090;
 
+constexpr size_t kBufferBytes = size_t(256) << 10;
+
 /// 1 January 1960, from which SAS counts its days, in seconds of the system's time.
 constexpr time_t kFixedDate = -315'619'200;
 
@@ -42,6 +45,7 @@ void DataSetWriter::Free::operator()(readstat_writer_s *writer) const noexcept
 DataSetWriter::DataSetWriter(ByteSink &sink, std::vector<Variable> variables)
     : m_sink(sink)
     , m_variables(std::move(variables))
+    , m_buffer(kBufferBytes)
 {
 }
 
@@ -50,9 +54,29 @@ DataSetWriter::~DataSetWriter() = default;
 long long DataSetWriter::write(const void *bytes, size_t n, void *self) noexcept
 {
     auto *const writer = static_cast<DataSetWriter *>(self);
-    writer->m_sinkFailed =
-        writer->m_sinkFailed || !writer->m_sink.write(bytes, static_cast<qint64>(n));
-    return writer->m_sinkFailed ? -1 : static_cast<long long>(n);
+    return writer->collect(static_cast<const char *>(bytes), n) ? static_cast<long long>(n) : -1;
+}
+
+/// The library writes row by row, and page ends in small pieces.
+bool DataSetWriter::collect(const char *bytes, size_t n)
+{
+    if (m_used + n > m_buffer.size() && !flush()) {
+        return false;
+    }
+    if (n > m_buffer.size()) {
+        m_sinkFailed = !m_sink.write(bytes, static_cast<qint64>(n));
+        return !m_sinkFailed;
+    }
+    std::copy_n(bytes, n, m_buffer.data() + m_used);
+    m_used += n;
+    return true;
+}
+
+bool DataSetWriter::flush()
+{
+    m_sinkFailed = m_sinkFailed || !m_sink.write(m_buffer.data(), static_cast<qint64>(m_used));
+    m_used = 0;
+    return !m_sinkFailed;
 }
 
 Result<void, Error> DataSetWriter::resultOf(int code) const
@@ -163,7 +187,9 @@ Result<void, Error> DataSetWriter::addRows(std::string_view block)
 
 Result<void, Error> DataSetWriter::finish()
 {
-    return resultOf(readstat_end_writing(m_writer.get()));
+    const int code = readstat_end_writing(m_writer.get());
+    flush();
+    return resultOf(code);
 }
 
 } // namespace corvanta::sas

@@ -44,10 +44,14 @@ private:
     int addRow(const char **at);
     Result<void, Error> resultOf(int code) const;
     static long long write(const void *bytes, size_t n, void *self) noexcept;
+    bool collect(const char *bytes, size_t n);
+    bool flush();
 
     ByteSink &m_sink;
     std::vector<Variable> m_variables;
     std::unique_ptr<readstat_writer_s, Free> m_writer;
+    std::vector<char> m_buffer; // bytes for the sink
+    size_t m_used = 0;
     bool m_sinkFailed = false;
 };
 

@@ -19,6 +19,8 @@ import small_runs
 
 CORVANTA, FAILING_MALLOC, SECONDS = sys.argv[1:4]
 HANGS = 60  # seconds
+# The library that writes data sets of SAS does not check its allocations.
+CASES = [case for case in small_runs.CASES if case.name != "sas"]
 
 
 class Allocations(unittest.TestCase):
@@ -56,7 +58,7 @@ class Allocations(unittest.TestCase):
 
     def test_an_allocation_fails(self):
         choice = random.Random(3)
-        cases = [(case, *self.files.reference(case), self.allocations(case)) for case in small_runs.CASES]
+        cases = [(case, *self.files.reference(case), self.allocations(case)) for case in CASES]
         end = time.monotonic() + float(SECONDS)
         statuses = set()
         while time.monotonic() < end:
@@ -66,7 +68,7 @@ class Allocations(unittest.TestCase):
         self.assertIn(1, statuses)
 
     def test_a_thread_cannot_be_started(self):
-        for case in (case for case in small_runs.CASES if case.targets):  # the others start fewer threads
+        for case in (case for case in CASES if case.targets):  # the others start fewer threads
             new, printed = self.files.reference(case)
             statuses = [self.check(case, new, printed, FAIL_THREAD=str(number)) for number in range(1, 6)]
             # the first one waits for signals, the next ones are those of actions and codecs, which can do without
