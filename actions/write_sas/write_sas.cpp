@@ -143,15 +143,17 @@ void ActionWriteSAS::makeDifferent(const QStringList &columns, std::vector<QByte
     }
 }
 
-/// SAS itself reads such names only with an option.
-void ActionWriteSAS::warnOddNames(const std::vector<QByteArray> &names)
+/// SAS itself reads such names only with an option; other programs read them. Not a warning,
+/// because the names are those that the parameters ask for.
+void ActionWriteSAS::reportOddNames(const std::vector<QByteArray> &names)
 {
     const auto isOdd = [](const QByteArray &name) { return !isOrdinaryName(name); };
     const auto first = std::find_if(names.begin(), names.end(), isOdd);
     if (first != names.end()) {
         const auto count = std::count_if(first, names.end(), isOdd);
-        warn(
-            u"Warning: writing SAS file '%1': %2 names of variables have other characters than letters of ASCII, digits and '_', begin with a digit or are reserved; the first is '%3'. SAS needs the option VALIDVARNAME=ANY for them. Use columnNameMode='3' for names without them\n"_s
+        MainUI::addLog(
+            MainUI::Info,
+            u"Note: writing SAS file '%1': %2 names of variables have other characters than letters of ASCII, digits and '_', begin with a digit or are reserved; the first is '%3'. SAS needs the option VALIDVARNAME=ANY for them. Use columnNameMode='3' for names without them\n"_s
                 .arg(fileName(), QString::number(count), QString::fromUtf8(*first)));
     }
 }
@@ -163,7 +165,7 @@ bool ActionWriteSAS::describe(const QStringList &names, std::vector<sas::Variabl
     }
     std::vector<QByteArray> chosen = chooseNames(names);
     makeDifferent(names, &chosen);
-    warnOddNames(chosen);
+    reportOddNames(chosen);
     for (size_t i = 0; i < variables.size(); ++i) {
         variables[i].name = chosen[i];
         const QString label = labelOf(names[static_cast<qsizetype>(i)]);

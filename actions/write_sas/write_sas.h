@@ -35,7 +35,7 @@ private:
     std::vector<QByteArray> chooseNames(const QStringList &columns) const;
     bool checkLengths(const QStringList &columns);
     void makeDifferent(const QStringList &columns, std::vector<QByteArray> *names);
-    void warnOddNames(const std::vector<QByteArray> &names);
+    void reportOddNames(const std::vector<QByteArray> &names);
     QString labelOf(const QString &column) const;
     QByteArray formatOf(const QString &column) const;
 
