@@ -15,6 +15,23 @@ ActionWriteSASXPT::ActionWriteSASXPT(const XMLNode &saved, GlobalParameters *par
 {
 }
 
+QVector<ParameterProblem> ActionWriteSASXPT::problems() const
+{
+    QVector<ParameterProblem> found;
+    if (!sas::TextEncoder::named(m_params.encoding.toUtf8())) {
+        found.append({u"encoding"_s,
+                      u"the encoding '%1' is unknown, or its characters have several bytes"_s.arg(
+                          m_params.encoding)});
+    }
+    for (const VariableDefinition &defined : m_params.variables) {
+        if (!defined.format.isEmpty() && !sas::DisplayFormat::parse(defined.format.toUtf8())) {
+            found.append({u"VariableDef"_s,
+                          u"'%1' is not a format of SAS, such as DATE9."_s.arg(defined.format)});
+        }
+    }
+    return found;
+}
+
 QString ActionWriteSASXPT::fileKind() const
 {
     return u"SAS transport file"_s;

@@ -17,6 +17,7 @@ class ActionWriteSASXPT final
 public:
     ActionWriteSASXPT(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<WriteSasXptParams> &paramTable() { return writeSasXptParamTable(); }
+    QVector<ParameterProblem> problems() const override;
 
 private:
     const DataSetParams &dataSetParams() const override { return m_params; }

@@ -137,6 +137,10 @@ class Mistakes(Case):
             found = self.problems("check", status=2)
             for part in parts:
                 self.assertIn(part, found[0][1])
+        self.graph(self.writer("<writeSASXPT fileName='o.xpt' encoding='utf-16'><VariableDef><V n='a' format='day'/></VariableDef></writeSASXPT>"))
+        found = self.problems("check", status=2)
+        self.assertIn("the encoding 'utf-16' is unknown, or its characters have several bytes", found[0][1])
+        self.assertIn("'day' is not a format of SAS", found[1][1])
 
     def test_parts_of_the_graph(self):
         self.graph(self.writer("<writeCSV fileName='o.csv'/>").replace("id=", "idx='1' id=").replace("<link", "<link too=''"))
