@@ -196,7 +196,7 @@ void ActionWriteSASXPT::warnLostRows(qint64 lost)
 {
     if (lost > 0) {
         warn(
-            u"Warning: writing SAS transport file '%1': the last %2 rows have only missing texts. Readers take them for padding at the end of the file and ignore them. Use version8='1' or write a column of numbers, too\n"_s
+            u"Warning: writing SAS transport file '%1': the last %2 rows have only missing texts. Programs that do not know the number of rows take them for padding and ignore them. Write a column of numbers, too; SAS reads them with version8='1'\n"_s
                 .arg(fileName(), QString::number(lost)));
     }
 }

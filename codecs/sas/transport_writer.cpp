@@ -285,9 +285,6 @@ Result<void, Error> TransportWriter::finish()
 
 qint64 TransportWriter::lostRows() const
 {
-    if (m_version == TransportVersion::V8 || m_rowBytes == 0) {
-        return 0;
-    }
     // Readers take a row of blanks for padding if the file would have the same size without it.
     const auto records = [&](qint64 rows) {
         const qint64 bytes = rows * static_cast<qint64>(m_rowBytes);

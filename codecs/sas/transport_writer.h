@@ -69,8 +69,8 @@ public:
 
     /// One for each variable. Rows count from 1, in the order of addRows().
     const std::vector<ValueReport> &reports() const { return m_reports; }
-    /// The rows of blanks at the end that readers of version 5 cannot distinguish from padding; 0
-    /// in version 8, which states the number of rows. After finish().
+    /// The rows of blanks at the end that readers cannot distinguish from padding, unless they use
+    /// the number of rows in the header of version 8. After finish().
     qint64 lostRows() const;
 
 private:
