@@ -134,7 +134,16 @@ bool RowRing::waitForFree(std::unique_lock<std::mutex> &lock, qint64 bytes)
     if (m_freeBytes < bytes) {
         publish();
     }
-    m_roomAvailable.wait(lock, [&] { return m_freeBytes >= bytes || m_isStopped; });
+    // Bytes that were skipped before the row come back when nothing else is in the block.
+    const qint64 skipped = m_last == nullptr ? m_open.bytes : 0;
+    const qint64 others = m_bytes - (m_end - m_row) - skipped;
+    m_roomAvailable.wait(lock, [&] {
+        return m_freeBytes >= bytes || (skipped > 0 && m_freeBytes == others) || m_isStopped;
+    });
+    if (m_freeBytes < bytes) {
+        m_freeBytes += skipped;
+        m_open.bytes -= skipped;
+    }
     return !m_isStopped;
 }
 

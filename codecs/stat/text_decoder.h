@@ -49,7 +49,7 @@ private:
 
     Kind m_kind;
     bool m_isAsciiBased = true;             // ASCII bytes are themselves
-    std::array<char16_t, 256> m_table{};     // Table only; U+FFFD for bytes without a character
+    std::array<char16_t, 256> m_table{};    // Table only; U+FFFD for bytes without a character
     std::unique_ptr<Converter> m_converter; // MultiByte only
 };
 

@@ -1,6 +1,7 @@
 """Small commands that together run every action that works, for the tests that disturb them."""
 import dataclasses
 import pathlib
+import shutil
 import subprocess
 import sys
 
@@ -8,6 +9,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
 import legacy_workbook  # pylint: disable=wrong-import-position
 
 ROWS = 40
+SPSS = pathlib.Path(__file__).parents[1] / "graphs/read_stat/dates/d.sav"
 
 
 @dataclasses.dataclass
@@ -57,6 +59,7 @@ CASES = [
     Case("from_dbf", ["convert", "in.dbf", "out.xml"], ["out.xml"]),
     run("sheets", "<readExcelSheets fileName='*.xls*'/>", "<writeCSV fileName='sheets.csv'/>", targets=["sheets.csv"]),
     Case("from_xls", ["convert", "in.xls", "from_xls.csv"], ["from_xls.csv"]),
+    Case("from_spss", ["convert", "in.sav", "from_spss.csv"], ["from_spss.csv"]),
     Case("head", ["head", "in.csv"]),
     Case("check", ["check", "csv.graph"]),
 ]
@@ -89,6 +92,7 @@ class Folder:
             f"{name}.docx,{DOCUMENTS}/letter.docx,{name},{DOCUMENTS}/mars.png\n" for name in ("one", "two")))
         (self.path / "in.dbf").write_bytes(dbf(rows))
         (self.path / "in.xls").write_bytes(xls(rows))
+        shutil.copy(SPSS, self.path / "in.sav")
         for name in ("in.parquet", "in.json", "in.xml", "book.xlsx"):
             subprocess.run(self.command(["convert", "in.csv", name]), check=True, cwd=self.path, stderr=subprocess.DEVNULL)
         for case in CASES:

@@ -65,7 +65,7 @@ write_dta(data.frame(text = c("short", strrep("long text ", 60000))), file.path(
 system2("gzip", c("-9nf", file.path(d, "long.dta")))
 file.copy("values/v.sav", folder("encoding_unknown"), overwrite = TRUE)
 
-# SAS. The catalogue labels.sas7bcat has the sets SEX (1 male, 2 female) and $CODE (A alpha, C gamma); the library wrote it.
+# SAS. The catalogue labels.sas7bcat has the set SEX (1 male, 2 female); the library wrote it.
 d <- folder("sas")
 s <- data.frame(id = c(1, NA, 3), sex = formatted(c(1, 2, 3), "format.sas", "SEX"), code = formatted(c("A", "B", "C"), "format.sas", "$CODE"),
   day = as.Date(c("2026-11-22", NA, "1959-12-31")))

@@ -1,0 +1,81 @@
+// The whole reader of statistical data sets, the library included, in a child process with limits:
+// the library is not ours, and a fault of it must not end the search.
+//
+// Byte 0: the format (0 to 4) plus 8: with value labels, plus 16: dates as text. The data set
+// follows. The child must end by itself, within its time and memory.
+#include "codecs/stat/data_set_reader.h"
+#include "codecs/stat/header_check.h"
+#include "codecs/stat/label_reader.h"
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <thread>
+
+using namespace corvanta;
+using namespace corvanta::stat;
+
+namespace {
+
+constexpr rlim_t kSeconds = 5;
+constexpr rlim_t kMemoryBytes = rlim_t(1) << 30;
+
+/// Read all rows, as the action does.
+void readAll(QByteArrayView file, uint8_t flags)
+{
+    constexpr uint8_t kFormats = 5;
+    constexpr qint64 kRingBytes = 64 * 1024;
+    ReadOptions options;
+    options.format = static_cast<Format>((flags & 7) % kFormats);
+    options.extractLabels = (flags & 8) != 0;
+    options.formatDates = (flags & 16) != 0;
+    MemorySource source(file);
+    if (!checkHeader(source, options.format)) {
+        return;
+    }
+    LabelSets labels;
+    if (options.extractLabels) {
+        if (auto read = readLabelSets(source, options.format, options.encoding)) {
+            labels = *std::move(read);
+        }
+    }
+    RowRing ring(kRingBytes);
+    DataSetReader reader(source, options, std::move(labels));
+    std::thread parser([&] {
+        static_cast<void>(!reader.read(ring, [](const Dictionary &) {}));
+        ring.finish();
+    });
+    while (ring.next() != nullptr) {
+    }
+    parser.join();
+}
+
+void limit(int resource, rlim_t most)
+{
+    const rlimit limits{most, most};
+    setrlimit(static_cast<__rlimit_resource>(resource), &limits);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    if (size < 2) {
+        return 0;
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        limit(RLIMIT_CPU, kSeconds);
+        limit(RLIMIT_DATA, kMemoryBytes);
+        limit(RLIMIT_CORE, 0);
+        readAll(QByteArrayView(data + 1, static_cast<qsizetype>(size - 1)), data[0]);
+        _exit(0);
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child || status != 0) {
+        std::abort();
+    }
+    return 0;
+}
