@@ -21,8 +21,12 @@ CommandResult<CorvantaGraph> makeGraph(const CommandLine &line, const ActionRegi
     if (!writer) {
         return writer.fault();
     }
+    // Not null: makeFileAction() chooses among actions that have parameters.
+    auto *const parameters = dynamic_cast<ActionParameters *>(writer->get());
     CorvantaGraph graph;
-    if (const auto added = addInput(line, line.arguments[0], registry, &graph); !added) {
+    if (const auto added =
+            addInput(line, line.arguments[0], registry, &graph, ReadExtent::Whole, parameters);
+        !added) {
         return added.fault();
     }
     if (const auto added = addAction(&graph, outputId, **writer); !added) {

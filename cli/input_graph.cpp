@@ -114,7 +114,7 @@ CommandOptions inputOptions()
 
 CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
                              const ActionRegistry &registry, CorvantaGraph *graph,
-                             ReadExtent extent)
+                             ReadExtent extent, ActionParameters *writer)
 {
     const auto table = tableOf(line);
     if (!table) {
@@ -142,5 +142,8 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
         return badUsage(u"--table: '%1' does not contain several tables"_s.arg(fileName));
     }
     logTables(tables);
+    if (writer != nullptr && writer->needsDateColumns()) {
+        writer->setDateColumns(parameters->dateColumns());
+    }
     return addAction(graph, QString::fromLatin1(kInputId), **action);
 }

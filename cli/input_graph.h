@@ -1,6 +1,7 @@
 // Adds the action that reads the input file of convert, head and schema to a graph.
 #pragma once
 #include "command_line.h"
+#include "corvanta/action_parameters.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/corvanta_graph.h"
 #include "file_types.h"
@@ -12,7 +13,8 @@ inline constexpr char kInputId[] = "input";
 CommandOptions inputOptions();
 
 /// Add the action that reads `fileName`; parameters that depend on the content of the file are set
-/// from its beginning.
+/// from its beginning. `writer`, if given, is told which columns are dates.
 CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
                              const corvanta::ActionRegistry &registry, CorvantaGraph *graph,
-                             ReadExtent extent = ReadExtent::Whole);
+                             ReadExtent extent = ReadExtent::Whole,
+                             ActionParameters *writer = nullptr);

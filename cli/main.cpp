@@ -77,6 +77,7 @@ constexpr Command kCommands[] = {
      "several tables, the\n"
      "largest is read and all are listed.\n\n"
      "  --table NUMBER          read another of the listed tables\n"
+     "  --sheet NAME|NUMBER     read another sheet of a workbook\n"
      "  --reader NAME=VALUE     set a parameter of the reader (repeatable; \"corvanta describe\" "
      "lists them). The columns of\n"
      "                          a text file are texts unless their types are given: --reader "

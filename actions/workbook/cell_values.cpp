@@ -17,11 +17,32 @@ bool isKey(double value)
            value == std::floor(value) && !std::signbit(value);
 }
 
+/// The bit of a date that is read as text.
+quint8 contentOfDate(NumberForm form, double serial, bool uses1904)
+{
+    constexpr double kFictitiousDay = 60;
+    const double day = std::floor(serial);
+    const bool isDate = form == NumberForm::Date || form == NumberForm::DateTime;
+    if (!isDate || (!uses1904 && (day < 1 || day == kFictitiousDay))) {
+        return kHasTimes;
+    }
+    return form == NumberForm::DateTime || day != serial ? kHasDateTimes : kHasDates;
+}
+
+quint8 contentOfIsoText(std::u16string_view text)
+{
+    constexpr size_t kDateUnits = 10; // 2024-02-29
+    if (text.size() < kDateUnits || text[4] != u'-') {
+        return kHasTimes;
+    }
+    return text.size() == kDateUnits ? kHasDates : kHasDateTimes;
+}
+
 } // namespace
 
 cell::Type typeOf(quint8 content)
 {
-    if ((content & (kHasTexts | kHasDates)) != 0 || content == 0) {
+    if ((content & kAllTexts) != 0 || content == 0) {
         return cell::Type::Text;
     }
     return (content & kHasNumbers) != 0 ? cell::Type::Double : cell::Type::Key;
@@ -29,11 +50,14 @@ cell::Type typeOf(quint8 content)
 
 quint8 ValueRules::contentOf(const sheet::SheetCell &cell) const
 {
-    const auto ofNumber = [](double value) { return isKey(value) ? kHasKeys : kHasNumbers; };
+    const auto ofNumber = [](double value) -> quint8 {
+        return isKey(value) ? kHasKeys : kHasNumbers;
+    };
     switch (cell.kind) {
     case CellKind::Number:
-        return cell.form != NumberForm::General && datesAreTexts ? kHasDates
-                                                                 : ofNumber(cell.number);
+        return cell.form != NumberForm::General && datesAreTexts
+                   ? contentOfDate(cell.form, cell.number, uses1904)
+                   : ofNumber(cell.number);
     case CellKind::Text:
         // An empty text is nothing that a program shows: formulas use it for "no value".
         return cell.text.empty() ? 0 : kHasTexts;
@@ -45,10 +69,10 @@ quint8 ValueRules::contentOf(const sheet::SheetCell &cell) const
         break;
     }
     if (datesAreTexts) {
-        return kHasDates;
+        return contentOfIsoText(cell.text);
     }
     const auto serial = sheet::serialOfIsoText(cell.text, uses1904);
-    return serial ? ofNumber(*serial) : kHasTexts;
+    return serial ? ofNumber(*serial) : quint8(kHasTexts);
 }
 
 double ValueRules::numberOf(const sheet::SheetCell &cell) const

@@ -9,11 +9,17 @@ namespace corvanta {
 
 /// What the cells of a column are; a set of bits.
 enum ColumnContent : quint8 {
-    kHasKeys = 1,    ///< whole numbers that a key can hold
-    kHasNumbers = 2, ///< other numbers
-    kHasTexts = 4,   ///< texts other than dates
-    kHasDates = 8,   ///< dates that are read as texts
+    kHasKeys = 1,       ///< whole numbers that a key can hold
+    kHasNumbers = 2,    ///< other numbers
+    kHasTexts = 4,      ///< texts other than dates
+    kHasDates = 8,      ///< dates that are read as texts
+    kHasDateTimes = 16, ///< dates with times that are read as texts
+    kHasTimes = 32,     ///< times, durations, and dates that only worksheets have
 };
+/// The bits of what is read as text.
+inline constexpr quint8 kAllTexts = kHasTexts | kHasDates | kHasDateTimes | kHasTimes;
+/// The bits of dates, with and without times.
+inline constexpr quint8 kAllDates = kHasDates | kHasDateTimes;
 
 /// The type that holds all these cells. Without any it is a text.
 cell::Type typeOf(quint8 content);

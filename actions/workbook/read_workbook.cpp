@@ -46,10 +46,16 @@ void ReadWorkbook::start()
     m_planned.clear();
     m_columns = {};
     m_sheetNameColumn = -1;
-    m_run = readerParams();
-    m_run.sheetIdx = expandString(m_run.sheetIdx);
-    m_run.sheetName = expandString(m_run.sheetName);
-    m_run.range = expandString(m_run.range);
+    m_run = expandedParams();
+}
+
+ReadExcelParams ReadWorkbook::expandedParams() const
+{
+    ReadExcelParams params = readerParams();
+    params.sheetIdx = expandString(params.sheetIdx);
+    params.sheetName = expandString(params.sheetName);
+    params.range = expandString(params.range);
+    return params;
 }
 
 void ReadWorkbook::finish()
@@ -331,22 +337,58 @@ bool ReadWorkbook::fill(int sheet)
     return true;
 }
 
+/// The first file, for looking at it outside a run; null if there is none. A pipe could not be read
+/// again by the run.
+std::unique_ptr<InputFile> ReadWorkbook::openFirst() const
+{
+    const ReadExcelParams &params = readerParams();
+    const QStringList files =
+        params.fileNameFromPin ? QStringList() : namesOfPattern(*this, params.fileName);
+    if (files.isEmpty()) {
+        return nullptr;
+    }
+    auto file = std::make_unique<InputFile>(globalParameters(), files.first(), false,
+                                            InputFile::Report::Nothing);
+    return file->isOpen() && file->size() >= 0 ? std::move(file) : nullptr;
+}
+
+/// Nothing is reported: the run reads the same file again.
+DateColumns ReadWorkbook::dateColumns()
+{
+    DateColumns dates;
+    const ReadExcelParams params = expandedParams();
+    const auto file = params.allText ? nullptr : openFirst();
+    if (!file) {
+        return dates;
+    }
+    const auto reader = workbookFormat().makeReader(*file);
+    if (!reader) {
+        return dates;
+    }
+    const auto tasks = TaskMaker(params, **reader).make();
+    TableColumns columns;
+    for (const SheetTask &task : tasks ? *tasks : std::vector<SheetTask>()) {
+        columns.add(task, columnsOf(task), !params.unionByName);
+    }
+    for (const TableColumns::Column &column : columns.columns()) {
+        if (column.content != 0 && (column.content & ~kAllDates) == 0) {
+            dates.names << column.name;
+            dates.haveTimes = dates.haveTimes || (column.content & kHasDateTimes) != 0;
+        }
+    }
+    return dates;
+}
+
 /// The sheets of the first file. Outside runs: nothing here fails one.
 QVector<InputTable> ReadWorkbook::listTables()
 {
     QVector<InputTable> sheets;
     const ReadExcelParams &params = readerParams();
-    const QStringList files =
-        params.fileNameFromPin ? QStringList() : namesOfPattern(*this, params.fileName);
-    if (files.isEmpty()) {
+    const auto file = openFirst();
+    if (!file) {
         return sheets;
     }
-    InputFile file(globalParameters(), files.first(), false, InputFile::Report::Nothing);
-    // A pipe could not be read again by the run.
-    if (!file.isOpen() || file.size() < 0) {
-        return sheets;
-    }
-    const auto reader = workbookFormat().makeReader(file);
+    const auto reader = workbookFormat().makeReader(*file);
     if (!reader) {
         return sheets;
     }

@@ -28,6 +28,8 @@ public:
         return readerParams().fileNameFromPin ? QStringList() : ActionBase::inputs();
     }
     void wakeAll() override;
+    /// Scans the first file.
+    DateColumns dateColumns() override;
 
 protected:
     using ActionBase::ActionBase;
@@ -45,9 +47,11 @@ private:
         std::optional<OpenWorkbook> workbook; ///< kept open if it is the only file
     };
 
+    ReadExcelParams expandedParams() const;
     void start() override;
     bool step() override { return (m_series.hasBegun() || prepare()) && m_series.step(); }
     void finish() override;
+    std::unique_ptr<InputFile> openFirst() const;
     bool fill(int sheet) override;
     QVector<InputTable> listTables() override;
 

@@ -99,7 +99,7 @@ bool WorkbookFile::putRow(const WalkStep &step, OneRow &row)
         }
         const cell::Type type = m_types[static_cast<size_t>(column)];
         if (!task.scan.isComplete && type != cell::Type::Text &&
-            (task.options.rules.contentOf(cell) & (kHasTexts | kHasDates)) != 0) {
+            (task.options.rules.contentOf(cell) & kAllTexts) != 0) {
             return doesNotFit(step, cell);
         }
         row.setCol(column, task.options.rules.cellFor(cell, type, buffer));

@@ -37,6 +37,15 @@ QString ActionWriteExcel::message(WriteProblem problem, const QString &name) con
     return u"\nERROR: cannot write to XLSX file '%1'\n"_s.arg(fileName());
 }
 
+void ActionWriteExcel::setDateColumns(const DateColumns &columns)
+{
+    m_params.toDate = columns.names;
+    // A display that the user has chosen stays.
+    if (columns.haveTimes && m_params.dateFormatExcel == DateDisplay::Date) {
+        m_params.dateFormatExcel = DateDisplay::DateSeconds;
+    }
+}
+
 void ActionWriteExcel::start()
 {
     RowWriter::start();

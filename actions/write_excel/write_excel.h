@@ -45,6 +45,11 @@ public:
         adjustWriteExcelDefaults(params, savedVersion);
     }
     QVector<ParameterProblem> problems() const override;
+    bool needsDateColumns() const override
+    {
+        return m_params.toDate.isEmpty() && m_params.isoDates && m_params.dateFormat.isEmpty();
+    }
+    void setDateColumns(const DateColumns &columns) override;
 
 private:
     /// Cells of one column that are left out or cut.

@@ -58,6 +58,18 @@ QStringList ActionParameters::inputs() const
     return {};
 }
 
+DateColumns ActionParameters::dateColumns()
+{
+    return {};
+}
+
+bool ActionParameters::needsDateColumns() const
+{
+    return false;
+}
+
+void ActionParameters::setDateColumns(const DateColumns & /*columns*/) {}
+
 std::span<const FileFormat> ActionParameters::fileFormats() const
 {
     return {};

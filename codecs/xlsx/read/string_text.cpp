@@ -155,7 +155,7 @@ bool appendText(QByteArrayView raw, bool isLiteral, std::vector<char16_t> *out)
     if (has(raw, '_')) {
         decodeEscapes(out, from);
     }
-    return units == static_cast<size_t>(raw.size()) || isWellFormed(raw);
+    return isWellFormed(raw);
 }
 
 sheet::WorkbookResult<void> appendElementText(PartText &part, const opc::Tag &opening,

@@ -97,6 +97,13 @@ struct ParameterProblem
     Severity severity = Severity::Error;
 };
 
+/// The text columns of an input whose values are all dates in the form of ISO 8601.
+struct DateColumns
+{
+    QStringList names;
+    bool haveTimes = false; ///< some of the dates have a time
+};
+
 /// What an action does to a file that it writes. Known before a run from the parameters alone, so
 /// that a graph whose actions would damage each other's files is rejected, and `corvanta check
 /// --list-outputs` can print the files.
@@ -164,6 +171,15 @@ public:
     /// default. Returns false after logging why the file cannot be read. `file` is expanded. Not
     /// during a run.
     virtual bool templateMarks(const QString &file, QVector<TemplateMark> *marks);
+
+    /// The columns of the input file that hold dates; none by default. May read the whole file.
+    /// Not during a run.
+    virtual DateColumns dateColumns();
+    /// Whether the action writes dates as such and has no date columns yet. A host that knows those
+    /// of the input then calls setDateColumns() before the run.
+    virtual bool needsDateColumns() const;
+    /// Write these columns as dates. Without effect for an action that needs none.
+    virtual void setDateColumns(const DateColumns &columns);
 
     /// What is wrong with the values together, or with a value in a way that the table cannot say,
     /// for example a date column without a date format. Mistakes that the table shows (types,

@@ -1,0 +1,88 @@
+// A worksheet, shared strings and styles made of any bytes: the columns of a row ascend, and the
+// cells do not depend on how the bytes arrive. Whole packages of any bytes are opened too.
+//
+// The first byte chooses: 0 a whole package, otherwise the sheet, with a "\0" before the strings
+// and another before the styles.
+#include "codecs/xlsx/read/xlsx_reader.h"
+#include "codecs/zip/package_writer.h"
+#include "fuzz/require.h"
+
+using namespace corvanta;
+
+namespace {
+
+constexpr size_t kMaxSheets = 4;
+
+void put(zip::PackageWriter &package, const QByteArray &name, const QByteArray &content)
+{
+    require(bool(package.openMember(name)));
+    require(bool(package.write(content)));
+    require(bool(package.closeMember()));
+}
+
+QByteArray packageOf(const QByteArray &parts)
+{
+    const QList<QByteArray> texts = parts.split('\0');
+    MemorySink sink;
+    zip::PackageWriter package(sink, {{}, 0});
+    put(package, "xl/workbook.xml",
+        "<workbook><sheets><sheet name='a'/><sheet name='b'/></sheets></workbook>");
+    put(package, "xl/worksheets/sheet1.xml", texts.value(0));
+    put(package, "xl/sharedStrings.xml", texts.value(1));
+    put(package, "xl/styles.xml", texts.value(2));
+    require(bool(package.close()));
+    return sink.bytes();
+}
+
+QByteArray contentOf(xlsx::XlsxReader &workbook, size_t index)
+{
+    QByteArray content;
+    auto rows = workbook.openSheet(index);
+    if (!rows) {
+        return rows.fault().detail.toUtf8();
+    }
+    sheet::SheetRow row;
+    for (;;) {
+        const auto found = (*rows)->next(&row);
+        if (!found || !*found) {
+            return content + (found ? QByteArray() : found.fault().detail.toUtf8());
+        }
+        int before = -1;
+        for (const sheet::SheetCell &cell : row.cells) {
+            require(cell.column > before);
+            before = cell.column;
+            content += QByteArray::number(row.number) + ',' + QByteArray::number(cell.column) +
+                       QByteArray::number(static_cast<int>(cell.kind)) +
+                       QByteArray::number(cell.number, 'g', 17);
+            for (const char16_t unit : cell.text) {
+                content += QByteArray::number(unit, 16);
+            }
+        }
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    if (size == 0) {
+        return 0;
+    }
+    const QByteArray rest(reinterpret_cast<const char *>(data) + 1,
+                          static_cast<qsizetype>(size) - 1);
+    const QByteArray bytes = data[0] == 0 ? rest : packageOf(rest);
+    MemorySource whole(bytes);
+    MemorySource pieces(bytes, 7);
+    auto workbook = xlsx::XlsxReader::open(whole);
+    auto again = xlsx::XlsxReader::open(pieces);
+    require(bool(workbook) == bool(again));
+    if (!workbook) {
+        return 0;
+    }
+    for (size_t i = 0; i < std::min(kMaxSheets, (*workbook)->sheets().size()); ++i) {
+        (void)(*workbook)->layout(i);
+        require(contentOf(**workbook, i) == contentOf(**again, i));
+    }
+    (void)(*workbook)->tables();
+    return 0;
+}

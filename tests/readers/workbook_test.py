@@ -1,0 +1,300 @@
+#!/usr/bin/python3
+"""readExcel on real and made workbooks: workbook_test.py CORVANTA CORPUS
+
+The golden files hold the first worksheet of each workbook as another program reads it; docs/formats/xlsx-read.md lists the differences.
+"""
+import csv
+import io
+import json
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+import zipfile
+
+CORVANTA = sys.argv.pop(1)
+CORPUS = pathlib.Path(sys.argv.pop(1)) / "xlsx"
+# By file: row and column from 0, and the value.
+DIFFERENT = {
+    "date_1904.xlsx": (2, 0, "255:10:10"),
+    "dates-leap-year-1900-xlsx.xlsx": (4, 0, "1900-02-29T08:00:00"),
+    "exceljs_1904.xlsx": (3, 1, "1904-01-01"),
+}
+REFUSED = {
+    "invalid.xlsx": "it is a zip file without the workbook part 'xl/workbook.xml'",
+    "missing-bits.xlsx": "without the workbook part",
+    "null_archive.xlsx": "without the workbook part",
+    "null_file.xlsx": "its content is an empty file",
+    "pass_protected.xlsx": "it is an Office file with a password; save it without a password",
+    "poc-xmlbomb.xlsx": "'xl/sharedStrings.xml': the markup is broken",
+}
+STYLES = ('<styleSheet><numFmts><numFmt numFmtId="164" formatCode="[h]:mm"/><numFmt numFmtId="165" formatCode="0.0&quot;day&quot;"/>'
+          '</numFmts><cellXfs><xf numFmtId="0"/><xf numFmtId="14"/><xf numFmtId="22"/><xf numFmtId="164"/><xf numFmtId="165"/>'
+          '<xf numFmtId="21"/></cellXfs></styleSheet>')
+
+
+def normal(value):
+    value = re.sub(r"T00:00:00$", "", value).replace("\r\n", "\n")
+    try:
+        return float(value)
+    except ValueError:
+        return value
+
+
+def trimmed(rows):
+    """Without empty cells and rows at the ends."""
+    rows = [[normal(value) for value in row] for row in rows]
+    for row in rows:
+        while row and row[-1] == "":
+            row.pop()
+    while rows and not rows[-1]:
+        rows.pop()
+    return rows
+
+
+def text(reference, value):
+    return f'<c r="{reference}" t="str"><v>{value}</v></c>'
+
+
+def sheet(*rows, before="", after="", attributes=""):
+    """A sheet of numbers and texts; a text that begins with "<" is a cell."""
+    markup = ""
+    for number, row in enumerate(rows, 1):
+        cells = "".join(value if str(value).startswith("<") else
+                        text(f"{chr(65 + i)}{number}", value) if isinstance(value, str) else
+                        f'<c r="{chr(65 + i)}{number}"><v>{value}</v></c>'
+                        for i, value in enumerate(row) if value is not None)
+        markup += f'<row r="{number}" {attributes if number == 3 else ""}>{cells}</row>' if cells else ""
+    return f"<worksheet>{before}<sheetData>{markup}</sheetData>{after}</worksheet>"
+
+
+class Workbooks(unittest.TestCase):
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory(prefix="corvanta_xlsx_")
+        self.addCleanup(holder.cleanup)
+        self.folder = pathlib.Path(holder.name)
+
+    def make(self, *sheets, name="book.xlsx", names="abcdef", states=(), more="", parts=()):
+        """A package without relationships and content types, which is readable by its names."""
+        with zipfile.ZipFile(self.folder / name, "w", zipfile.ZIP_DEFLATED) as package:
+            entries = "".join(f"<sheet name='{names[i]}' {states[i] if i < len(states) else ''}/>" for i in range(len(sheets)))
+            package.writestr("xl/workbook.xml", f"<workbook>{more}<sheets>{entries}</sheets><definedNames>"
+                             "<definedName name='part'>a!$B$1:$B$2</definedName></definedNames></workbook>")
+            package.writestr("xl/styles.xml", STYLES)
+            for number, markup in enumerate(sheets, 1):
+                package.writestr(f"xl/worksheets/sheet{number}.xml", markup)
+            for part, content in parts:
+                package.writestr(part, content)
+        return self.folder / name
+
+    def read(self, settings="", name="book.xlsx", status=0):
+        """The rows with the header, and the messages."""
+        graph = self.folder / "case.graph"
+        graph.write_text(f"<graph version='4.12'><action id='r'><readExcel fileName='{name}' {settings}/></action><action id='w'>"
+                         "<writeCSV fileName='out.csv'/></action><link from='r:0' to='w:0'/></graph>")
+        done = subprocess.run([CORVANTA, "run", str(graph), "--log-format", "json"], capture_output=True, text=True, timeout=120,
+                              check=False)
+        messages = "".join(json.loads(line)["message"] for line in done.stderr.splitlines())
+        self.assertEqual(done.returncode, status, messages)
+        out = (self.folder / "out.csv").read_bytes().decode() if status == 0 else ""
+        rows = list(csv.reader(io.StringIO(out, newline="")))
+        return rows, messages.replace(str(self.folder) + "/", "")
+
+    def command(self, *words, status=0):
+        done = subprocess.run([CORVANTA, *map(str, words)], capture_output=True, text=True, timeout=120, check=False, cwd=self.folder)
+        self.assertEqual(done.returncode, status, done.stderr)
+        return done.stdout, done.stderr
+
+    def test_corpus(self):
+        if not CORPUS.is_dir():
+            self.skipTest(f"no corpus at {CORPUS}")
+        for path in sorted(path for path in CORPUS.iterdir() if path.is_file()):
+            with self.subTest(path.name):
+                if path.name in REFUSED:
+                    _, messages = self.read(name=path, status=1)
+                    self.assertIn(REFUSED[path.name], messages)
+                    continue
+                rows, _ = self.read("firstLineContainsColumnNames='0'", path)
+                golden = CORPUS / "golden" / (path.name + ".csv")
+                if golden.exists():
+                    wanted = trimmed(csv.reader(io.StringIO(golden.read_bytes().decode(), newline="")))
+                    if path.name in DIFFERENT:
+                        row, column, value = DIFFERENT[path.name]
+                        wanted[row][column] = value
+                    self.assertEqual(trimmed(rows[1:]), wanted)
+
+    def test_types_and_values(self):
+        self.make(sheet(["k", "f", "u", "none", "date", "empty"],
+                        [4294967293, 0.5, 1, None, '<c r="E2" s="1"><v>60</v></c>', '<c r="F2" t="str"><v></v></c>'],
+                        [0, -1, "x&amp;y_x000D_", None, '<c r="E3" s="2"><v>45000.5</v></c>', 2],
+                        [None, 1e300, '<c r="C4" t="b"><v>1</v></c>', None, '<c r="E4" s="3"><v>10.5</v></c>', 3],
+                        [1, 2, '<c r="C5" t="e"><v>#N/A</v></c>', None, '<c r="E5" s="5"><v>0.5</v></c>', '<c r="F5"><v> 4 </v></c>']))
+        rows, _ = self.read()
+        self.assertEqual(rows[1:], [["4294967293", "0.5", "1", "", "1900-02-29", ""],
+                                    ["0", "-1", "x&y\r", "", "2023-03-15T12:00:00", "2"],
+                                    ["", "1e+300", "TRUE", "", "252:00:00", "3"], ["1", "2", "#N/A", "", "12:00:00", "4"]])
+        self.assertEqual(self.command("schema", "book.xlsx")[0], "k\tK\nf\tF\nu\tU\nnone\tU\ndate\tU\nempty\tK\n")
+        rows, messages = self.read("dates='1' errorCells='1'")
+        self.assertEqual([row[4] for row in rows[1:]], ["60", "45000.5", "10.5", "0.5"])
+        self.assertEqual(rows[4][2], "")
+        self.assertIn("Warning: 1 error cells of the sheet 'a' of the workbook 'book.xlsx' are missing; the first is cell C5", messages)
+
+    def test_forms_of_markup(self):
+        self.make('<x:worksheet xmlns:x="m"><x:sheetData><x:row><x:c t="inlineStr"><x:is><x:r><x:t>a</x:t></x:r><x:rPh><x:t>p</x:t>'
+                  '</x:rPh><x:r><x:t xml:space="preserve"> b</x:t></x:r></x:is></x:c><x:c/><x:c t="s"><x:v>0</x:v></x:c></x:row>'
+                  '<x:row><x:c><x:v>1</x:v></x:c><x:c r="D2"><x:v>2</x:v></x:c></x:row></x:sheetData></x:worksheet>',
+                  parts=[("xl/sharedStrings.xml", "<sst><si><t>s&#x41;<![CDATA[&]]></t></si></sst>")])
+        self.assertEqual(self.read()[0], [["a b", "B", "sA&", "D"], ["1", "", "", "2"]])
+
+    def test_problems_are_counted(self):
+        self.make('<worksheet><sheetData><row r="2"><c r="A2"><v>1</v></c><c r="A2"><v>2</v></c></row>'
+                  '<row r="1"><c r="A1" t="str"><v>n</v></c><c r="B1" t="s"><v>7</v></c></row>'
+                  '<row r="3"><c r="?"><v>x</v></c><c r="XFE3"><v>1</v></c><c r="C3"><f>A1</f></c>'
+                  '<c r="D3" t="str"><v>\xff</v></c></row></sheetData></worksheet>'.encode("latin-1"))
+        rows, messages = self.read()
+        self.assertEqual(rows, [["n", "B", "C", "D"], ["2", "", "", ""], ["x", "", "", "\ufffd"]])
+        for problem in ("cells without a valid reference; they follow the cells before them",
+                        "cells with a value that is no number; they are read as texts",
+                        "cells with the number of a text that does not exist; they are left out",
+                        "cells that are there twice; the last one counts", "rows that are not in order; the rows are sorted",
+                        "cells beyond the last column or row of a sheet; they are left out",
+                        "texts with bytes that are no characters; they are replaced by U+FFFD",
+                        "formulas without a stored result; they are missing"):
+            self.assertIn(f"Warning: The sheet 'a' of the workbook 'book.xlsx' has 1 {problem}; the first is ", messages)
+        row = '<row r="{0}"><c r="A{0}"><v>{0}</v></c></row>'
+        self.make(f"<worksheet><sheetData>{''.join(map(row.format, (1, 2, 4, 3)))}</sheetData></worksheet>")
+        _, messages = self.read("scanRows='1' sampleOnly='1'", status=1)
+        self.assertIn("Error: The rows of the sheet 'a' of the workbook 'book.xlsx' are not in order; use sampleOnly='0' to sort them",
+                      messages)
+
+    def test_sheets(self):
+        states = ["", "state='hidden'"]
+        self.make(sheet(), sheet(["n"], [1]), sheet(["n"], [2.5]), names=["x", "y 1", "Y 2"], states=states)
+        self.assertEqual(self.read("sheetIdx='2'")[0], [["n"], ["1"]])
+        self.assertEqual(self.read("sheetMode='1' sheetName='y 2'")[0], [["n"], ["2.5"]])
+        self.assertEqual(self.read("sheets='1'")[0], [["n"], ["1"]])
+        self.assertEqual(self.read("sheets='1' skipHiddenSheets='1' outputSheetNames='1'")[0], [["n", "_SheetName"], ["2.5", "Y 2"]])
+        both = [["n", "_SheetName"], ["1", "y 1"], ["2.5", "Y 2"]]
+        self.assertEqual(self.read("sheets='2' sheetName='y*'")[0], both)
+        rows, _ = self.read("sheets='3' outputFilenames='1'")
+        self.assertEqual([row[:2] for row in rows], both)
+        self.assertEqual(rows[0][2], "_FileNames")
+        for settings, problem in (("sheetIdx='9'", "no sheet number '9', its 3 sheets are 'x', 'y 1', 'Y 2'"),
+                                  ("sheetMode='1' sheetName='z'", "no sheet 'z' with cells, its sheets are"),
+                                  ("sheets='2' sheetName='z*'", "no sheet that matches 'z*', its sheets are")):
+            self.assertIn("Error: The workbook 'book.xlsx' has " + problem, self.read(settings, status=1)[1])
+        out, messages = self.command("head", "book.xlsx", "--sheet", "Y 2")
+        self.assertIn("2.5", out)
+        self.assertIn("The file contains 3 sheets; the marked one is read (--sheet NAME or NUMBER reads another):\n    1: x\n"
+                      "    2: y 1 (hidden)\n*   3: Y 2", messages)
+        self.assertIn("--sheet: 'book.xlsx' has no sheet 'z'; its sheets are 'x'",
+                      self.command("schema", "book.xlsx", "--sheet", "z", status=2)[1])
+        (self.folder / "in.csv").write_text("a\n1\n")
+        self.assertIn("--sheet: 'in.csv' is not a workbook that can be read",
+                      self.command("head", "in.csv", "--sheet", "1", status=2)[1])
+
+    def test_ranges(self):
+        self.make(sheet([1, 2, 3], [4, 5, 6], [], [7, 8, 9]))
+        off = "firstLineContainsColumnNames='0'"
+        for area, wanted in (("B2:C4", [["B", "C"], ["5", "6"], ["", ""], ["8", "9"]]), ("b4:", [["B", "C"], ["8", "9"]]),
+                             ("A:A", [["A"], ["1"], ["4"], [], ["7"]]), ("2:2", [["A", "B", "C"], ["4", "5", "6"]]),
+                             ("$C$1", [["C"], ["3"]]), ("a!:A1", [["A"], ["1"]]), ("PART", [["B"], ["2"], ["5"]])):
+            self.assertEqual(self.read(f"{off} range='{area}'")[0], wanted, area)
+        self.assertEqual(self.read("skipRows='1'")[0], [["4", "5", "6"], ["", "", ""], ["7", "8", "9"]])
+        self.assertEqual(self.read(f"{off} emptyRows='1'")[0][3:], [["7", "8", "9"]])
+        self.assertEqual(self.read(f"{off} emptyRows='2'")[0][1:], [["1", "2", "3"], ["4", "5", "6"]])
+        self.assertIn("no table or defined name 'nothing', which is no range of cells such as B2:D9 either",
+                      self.read("range='nothing'", status=1)[1])
+        if CORPUS.is_dir():
+            rows, _ = self.read("range='sales_bob'", CORPUS / "table-multiple.xlsx")
+            self.assertEqual(rows[:2], [["Item", "Units"], ["1", "750"]])
+
+    def test_hidden_and_merged(self):
+        self.make(sheet([1, 2, 3], [4, None, 6], [7, 8, 9], before="<cols><col min='2' max='2' hidden='1'/></cols>",
+                        after="<mergeCells><mergeCell ref='A1:A2'/><mergeCell ref='C2:D3'/></mergeCells>", attributes="hidden='1'"))
+        off = "firstLineContainsColumnNames='0'"
+        self.assertEqual(self.read(f"{off} skipHiddenRows='1' skipHiddenColumns='1'")[0], [["A", "C"], ["1", "3"], ["4", "6"]])
+        self.assertEqual(self.read(f"{off} fillMerged='1'")[0][1:], [["1", "2", "3", ""], ["1", "", "6", "6"], ["7", "8", "6", "6"]])
+
+    def test_a_stray_cell_costs_nothing(self):
+        self.make(sheet(["a", "a"], [1, 2, '<c r="XFD2"><v>3</v></c>']))
+        rows, messages = self.read()
+        self.assertEqual(rows, [["a", "a_2", "XFD"], ["1", "2", "3"]])
+        self.assertIn("Warning: 16381 empty columns of the sheet 'a' of the workbook 'book.xlsx' are left out; the first is C", messages)
+        rows = "".join(f'<row r="{i}"><c r="AA{i}"><v>1</v></c></row>' for i in (2, 1048576))
+        self.make("<worksheet><sheetData><row>" + "<c t='str'><v>n</v></c>" * 1100 + "</row>" + rows + "</sheetData></worksheet>")
+        self.assertIn("Error: The sheet 'a' of the workbook 'book.xlsx' has only 2 cells in 1048575 rows and 1100 columns; select a part "
+                      "of it with range, or use emptyRows='1'", self.read(status=1)[1])
+
+    def test_scan_of_some_rows(self):
+        self.make(sheet(["n"], [1], [2], ["text"]))
+        rows, messages = self.read("scanRows='2'")
+        self.assertEqual(rows, [["n"], ["1"], ["2"], ["text"]])
+        self.assertIn("Warning: 1 columns have only numbers in the first 2 rows and other values later; they are read as texts; the "
+                      "first is 'n', in row 4 of the sheet 'a'", messages)
+        _, messages = self.read("scanRows='2' sampleOnly='1'", status=1)
+        self.assertIn("The types of the columns of the sheet 'a' are those of its first 2 rows", messages)
+        self.assertIn("Error: The cell A4 of the sheet 'a' of the workbook 'book.xlsx' does not have the type that the first 2 rows give "
+                      "its column; use sampleOnly='0' or allText='1'", messages)
+        self.assertEqual(self.read("scanRows='2' sampleOnly='1' allText='1'")[0][3], ["text"])
+
+    def test_several_files(self):
+        self.make(sheet(["a", "b"], [1, 2]), name="1.xlsx")
+        self.make(sheet(["b", "a"], ["x", 4.5]), name="2.xlsx")
+        self.assertIn("Error: Column 1 of the sheet 'a' of the workbook '2.xlsx' is 'b' instead of 'a'; use unionByName='1' to join "
+                      "columns by name", self.read(name="?.xlsx", status=1)[1])
+        self.assertEqual(self.read("unionByName='1'", "?.xlsx")[0], [["a", "b"], ["1", "2"], ["4.5", "x"]])
+        self.make(sheet(["a"], [1]), name="2.xlsx")
+        self.assertIn("Error: The sheet 'a' of the workbook '2.xlsx' has 1 columns instead of 2; use unionByName='1' to join columns by "
+                      "name", self.read(name="?.xlsx", status=1)[1])
+        self.assertIn("Error: cannot open the workbook 'none.xlsx'", self.read(name="none.xlsx", status=1)[1])
+        self.assertIn("Warning: cannot open the workbook 'none.xlsx'", self.read("abortIfMissing='0'", "none.xlsx")[1])
+
+    def test_names_from_a_pin(self):
+        self.make(sheet(["n"], [1]))
+        for names, status in (("book.xlsx", 0), ("", 1)):
+            (self.folder / "names.csv").write_text("name\n" + names)
+            (self.folder / "pin.graph").write_text(
+                "<graph version='4.12'><action id='n'><readCSV fileName='names.csv'/></action><action id='r'>"
+                "<readExcel fileNameFromPin='1' fileName=''/></action><action id='w'><writeCSV fileName='out.csv'/></action>"
+                "<link from='n:0' to='r:0'/><link from='r:0' to='w:0'/></graph>")
+            _, messages = self.command("run", "pin.graph", status=status)
+            self.assertEqual("ERROR: Cannot read the name of the workbook on input pin??" in messages, status == 1)
+
+    def test_other_contents(self):
+        page = "its content is an HTML page, whatever its name says; give it the right extension, or open it in a spreadsheet program"
+        legacy = ("its content is that of an .xls workbook, whatever its name says; read it with readExcelOld or give it the right "
+                  "extension")
+        for content, problem in ((b"<html><table>", page), (b"a,b\n1,2\n", "its content is a text file, perhaps CSV"),
+                                 (b"\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1" + bytes(600), legacy), (b"%PDF-1.4", "its content is a PDF document")):
+            (self.folder / "book.xlsx").write_bytes(content)
+            self.assertIn("Error: The workbook 'book.xlsx' cannot be read: " + problem, self.read(status=1)[1])
+        self.make("<worksheet><sheetData><row><c><v>1</v></c>")
+        self.assertIn("'xl/worksheets/sheet1.xml': the text ends too early", self.read(status=1)[1])
+
+    def test_a_chart_comes_first(self):
+        kind = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/"
+        self.make("<chartsheet/>", sheet(["n"], [1]), states=("r:id='1'", "r:id='2'"), parts=[("xl/_rels/workbook.xml.rels", (
+            f"<Relationships><Relationship Id='1' Type='{kind}chartsheet' Target='worksheets/sheet1.xml'/>"
+            f"<Relationship Id='2' Type='{kind}worksheet' Target='worksheets/sheet2.xml'/></Relationships>"))])
+        rows, messages = self.read()
+        self.assertEqual(rows, [["n"], ["1"]])
+        self.assertIn("Warning: The first sheet 'a' of the workbook 'book.xlsx' is a chart; the first sheet with cells is read", messages)
+
+    def test_convert_keeps_kinds_of_cells(self):
+        self.make(sheet(["day", "time", "text", "n"], ['<c r="A2" s="1"><v>45000</v></c>', '<c r="B2" s="2"><v>45000.5</v></c>',
+                                                       "2023-03-15", 7]))
+        self.command("convert", "book.xlsx", "other.xlsx")
+        markup = zipfile.ZipFile(self.folder / "other.xlsx").read("xl/worksheets/sheet1.xml").decode()
+        self.assertRegex(markup, r'<c r="A2" s="\d+"><v>45000</v></c><c r="B2" s="\d+"><v>45000.5</v></c>'
+                         r'<c r="C2" t="inlineStr"><is><t>2023-03-15</t></is></c><c r="D2"><v>7</v></c>')
+        self.command("convert", "book.xlsx", "1.csv")
+        self.command("convert", "other.xlsx", "2.csv")
+        self.assertEqual([(self.folder / name).read_text().replace("T00:00:00", "") for name in ("1.csv", "2.csv")],
+                         ["day,time,text,n\n2023-03-15,2023-03-15T12:00:00,2023-03-15,7\n"] * 2)
+
+
+if __name__ == "__main__":
+    unittest.main()
