@@ -1,6 +1,6 @@
 // How cells of sheets become cells of rows.
 #pragma once
-#include "actions/read_excel/read_excel_params.h"
+#include "actions/workbook/read_excel_params.h"
 #include "base/cell.h"
 #include "codecs/sheet/date_text.h"
 #include "corvanta/row_buffer.h"

@@ -3,9 +3,9 @@
 // The run begins with a scan of all files, which decides the columns: their names must be known
 // before the first row, and their types must hold every cell. Then FileSeries delivers the rows.
 #pragma once
-#include "actions/read_excel/read_excel_params.h"
 #include "actions/shared/file_series.h"
 #include "actions/workbook/open_workbook.h"
+#include "actions/workbook/read_excel_params.h"
 #include "actions/workbook/sheet_task.h"
 #include "actions/workbook/table_columns.h"
 #include "corvanta/action_base.h"

@@ -3,7 +3,7 @@
 // The scan that decides the columns and the delivery of rows use the same walk, so that they see
 // the same rows.
 #pragma once
-#include "actions/read_excel/read_excel_params.h"
+#include "actions/workbook/read_excel_params.h"
 #include "codecs/sheet/workbook_reader.h"
 
 #include <memory>

@@ -30,6 +30,9 @@ namespace {
 
 /// Units of all texts of one row. A row of a real sheet is far below it.
 constexpr size_t kMaxRowUnits = size_t(32) << 20;
+/// Cells of one row, and rows of one sheet, also those beyond the limits of sheets.
+constexpr size_t kMaxRowCells = 4 * sheet::kMaxColumns;
+constexpr qint64 kMaxRowNumber = 4 * sheet::kMaxRows;
 
 /// An xsd:boolean; false for anything else.
 bool isTrue(std::optional<QByteArrayView> value)
@@ -184,6 +187,7 @@ void SheetScanner::startRow(std::optional<QByteArrayView> number)
     m_texts.clear();
     m_pending.clear();
     m_column = -1;
+    m_rowCells = 0;
     m_isInOrder = true;
     m_isRowEmpty = false;
     m_isRowHidden = false;
@@ -214,6 +218,9 @@ sheet::WorkbookResult<bool> SheetScanner::next(sheet::SheetRow *row)
         }
         if (const auto read = m_isRowEmpty ? Done() : readCells(); !read) {
             return read.fault();
+        }
+        if (m_row >= kMaxRowNumber) {
+            return m_part->fault(WorkbookError::TooLarge, u"the sheet has too many rows"_s);
         }
         if (m_row >= sheet::kMaxRows) {
             if (!m_cells.empty()) {
@@ -387,6 +394,11 @@ bool SheetScanner::placeCell(const RawCell &cell, sheet::SheetCell *placed)
 
 SheetScanner::Done SheetScanner::addCell(const RawCell &cell)
 {
+    // Also cells without a value: their number alone can cost hours.
+    if (m_texts.size() > kMaxRowUnits || ++m_rowCells > kMaxRowCells) {
+        return m_part->fault(WorkbookError::TooLarge,
+                             u"row %1 has too much content"_s.arg(m_row + 1));
+    }
     const bool isInline = !m_pending.empty() && m_pending.back().cell == m_cells.size();
     sheet::SheetCell placed;
     if (!placeCell(cell, &placed)) {
@@ -403,10 +415,6 @@ SheetScanner::Done SheetScanner::addCell(const RawCell &cell)
             count(SheetProblem::NoResult, placed.column);
         }
         return {};
-    }
-    if (m_texts.size() > kMaxRowUnits || m_cells.size() > 4 * sheet::kMaxColumns) {
-        return m_part->fault(WorkbookError::TooLarge,
-                             u"row %1 has too much content"_s.arg(m_row + 1));
     }
     return setValue(cell, &placed);
 }

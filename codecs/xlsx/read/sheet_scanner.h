@@ -72,6 +72,7 @@ private:
     bool m_isRowHidden = false;
     bool m_isRowEmpty = false; // <row/>
     int m_column = -1;         // of the last cell
+    size_t m_rowCells = 0;     // read of the row, also those that are left out
     bool m_isInOrder = true;   // the cells of the row
     bool m_isBadText = false;
     std::vector<sheet::SheetCell> m_cells;

@@ -1,4 +1,4 @@
-#include "actions/read_excel/read_excel_params.h"
+#include "actions/workbook/read_excel_params.h"
 
 #include "actions/shared/params/reader_params.h"
 
@@ -87,7 +87,7 @@ ParamGroup<P> values()
         choice("errorCells", &P::errorCells,
                {{ErrorCells::Text, "texts"}, {ErrorCells::Missing, "missing"}})
             .otherwise("reads texts")
-            .label("Error cells")
+            .label("Cells with errors")
             .meaning("How cells such as #N/A are read: as texts, or as missing values with a "
                      "warning."),
     };
