@@ -6,7 +6,7 @@ namespace corvanta {
 namespace {
 
 constexpr FileFormat kFormats[] = {
-    {FileFormat::Read, FileFormat::Workbook, "xls xlt"},
+    {FileFormat::Read, FileFormat::Workbook, "xls xlt", "", "scanRows=1000 sampleOnly=1"},
 };
 
 } // namespace
