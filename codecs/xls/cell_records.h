@@ -30,12 +30,14 @@ public:
     std::span<const sheet::SheetCell> cells() const { return m_cells; }
 
 private:
+    /// A part of m_ownText. Positions, because the string moves while it grows.
     struct OwnText
     {
-        size_t cell = 0;
-        size_t begin = 0;
-        size_t units = 0;
+        size_t cell = 0;  ///< index in m_cells
+        size_t begin = 0; ///< first unit
+        size_t units = 0; ///< length
     };
+    /// After sorting: keep the last cell of each column.
     void removeRepeated(Occurrences *repeated, qint64 row);
 
     std::vector<sheet::SheetCell> m_cells;
@@ -64,17 +66,26 @@ public:
     void decode(const Record &record, RowCells *row);
 
 private:
+    // Each adds the cells of one kind of record. `header` is the number of bytes before the
+    // content: one more in BIFF 2. What is repaired is counted in m_problems.
+
     void decodeOld(const Record &record, RowCells *row);
     void decodeMulRk(const Record &record, RowCells *row);
     void decodeFormula(const Record &record, qint64 header, sheet::NumberForm form, RowCells *row);
+    /// `lengthBytes`: width of the length before the characters, 1 or 2.
     void decodeText(const Record &record, qint64 header, qint64 lengthBytes, RowCells *row);
     void decodeShared(const Record &record, RowCells *row);
     void decodeBoolErr(const Record &record, qint64 header, RowCells *row);
+    /// Add the text of an error code; #ERROR! for a code that has none.
     void addError(int row0, int column, quint8 code, RowCells *row);
     void addResultText(int row0, int column, RowCells *row);
+    /// Read the STRING record of a formula. Returns false, and stays before the next cell, without
+    /// one.
     bool seekResultText(Record *record);
     void addNumber(int column, double value, sheet::NumberForm form, RowCells *row);
+    /// General for a number without XF record.
     sheet::NumberForm formOfXf(size_t xf) const;
+    /// The form that the three bytes of a BIFF 2 cell give.
     sheet::NumberForm formOfOld(const Record &record);
     void count(sheet::SheetProblem problem, int row, int column);
 
@@ -83,7 +94,7 @@ private:
     const CellForms &m_forms;
     const SharedTexts &m_shared;
     sheet::SheetProblems &m_problems;
-    int m_ixfe = 0;
+    int m_ixfe = 0; // number of the XF record of cells that give none, BIFF 2
 };
 
 } // namespace corvanta::xls

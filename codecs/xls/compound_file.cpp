@@ -128,6 +128,7 @@ Result<CompoundFile, CompoundError> CompoundFile::open(ByteSource &source)
     if (got < kHeaderBytes || !file.readHeader(bytes.data())) {
         return Fault{CompoundError::Damaged, {}, 0};
     }
+    // From here on a damaged table only shortens the streams.
     file.readFatSectors();
     file.readFat();
     file.readDirectory();

@@ -71,31 +71,35 @@ public:
     std::unique_ptr<CompoundStream> stream(QStringView name);
 
 private:
+    /// The fields of the header that are used.
     struct Header
     {
-        int sectorShift = 9;
-        int miniShift = 6;
+        int sectorShift = 9; ///< logarithm of the bytes of a sector
+        int miniShift = 6;   ///< the same for mini sectors
         quint32 firstDirectorySector = 0;
         quint32 firstMiniFatSector = 0;
         quint32 firstDifatSector = 0;
-        qint64 miniLimitBytes = 4096;
+        qint64 miniLimitBytes = 4096;    ///< shorter streams are in mini sectors
         std::vector<quint32> fatSectors; // the first 109
     };
+    /// An entry of the directory: a stream, a folder, or an unused one. Nothing in it is checked.
     struct Entry
     {
         QString name;
         quint8 type = 0;
-        quint32 left = 0;
-        quint32 right = 0;
-        quint32 child = 0;
+        quint32 left = 0;  ///< index of an entry of the same folder; none if out of range
+        quint32 right = 0; ///< the same
+        quint32 child = 0; ///< index of an entry inside this folder
         quint32 firstSector = 0;
-        qint64 bytes = 0;
+        qint64 bytes = 0; ///< as claimed
     };
 
     explicit CompoundFile(ByteSource &source)
         : m_source(&source)
     {
     }
+    // The steps of open(). Only a bad header is a failure; the others take what the file has.
+
     bool readHeader(const uchar *bytes);
     void readFatSectors();
     void readFat();
@@ -103,8 +107,12 @@ private:
     void readDirectory();
     Entry parseEntry(const uchar *bytes) const;
     std::vector<quint32> readTable(const std::vector<Extent> &extents) const;
+    // Where the chain of a stream is in the file: at most `bytes`, fewer if the chain is broken.
+
     std::vector<Extent> sectorExtents(quint32 first, qint64 bytes) const;
     std::vector<Extent> miniExtents(quint32 first, qint64 bytes);
+    // The index of the stream with this name, in any folder or in the root folder only.
+
     std::optional<size_t> find(QStringView name) const;
     std::optional<size_t> findInRoot(QStringView name) const;
     qint64 sectorBytes() const { return qint64(1) << m_header.sectorShift; }

@@ -25,21 +25,26 @@ private:
     struct Stored
     {
         QString name;
-        int scope = -1;
+        int scope = -1;    // as DefinedName::scope
         QByteArray tokens; // at most as many as one area has
     };
+    // take() for each kind of record. Records that are too short are ignored.
+
     void takeName(RecordReader &reader, const Record &record, const TextReader &rules);
     void takeExternSheet(RecordReader &reader, const Record &record);
     void takeSupBook(const Record &record);
+    // Set sheet and area of a name from its tokens, which differ in BIFF 8 and 5. False, and no
+    // change, for anything but one area of one sheet of this workbook.
+
     bool setArea8(const QByteArray &tokens, sheet::DefinedName *name) const;
     static bool setArea5(const QByteArray &tokens, sheet::DefinedName *name);
 
     /// A reference to sheets, as BIFF 8 names use it.
     struct SheetRange
     {
-        quint16 book = 0;
-        quint16 first = 0;
-        quint16 last = 0;
+        quint16 book = 0;  ///< number of the SUPBOOK record
+        quint16 first = 0; ///< index of the first sheet
+        quint16 last = 0;  ///< and of the last one
     };
     std::vector<Stored> m_names;
     std::vector<SheetRange> m_ranges;

@@ -264,6 +264,7 @@ sheet::WorkbookResult<Globals> readGlobals(RecordReader &reader, qint64 offset)
     if (!isBegun) {
         return Fault{WorkbookError::NotAWorkbook, QStringLiteral("it is no legacy workbook")};
     }
+    // The record is no longer valid once the next one is read.
     const Biff biff = versionOf(record);
     const quint16 type = streamType(record);
     Collector collector(reader, biff);
@@ -272,6 +273,7 @@ sheet::WorkbookResult<Globals> readGlobals(RecordReader &reader, qint64 offset)
         if (record.id == kFilePass) {
             return encrypted(record, biff);
         }
+        // The only sheet of an older file may hold charts, which have streams of their own.
         depth += isBof(record.id) ? 1 : (record.id == kEof ? -1 : 0);
         if (depth == 1) {
             collector.take(record);

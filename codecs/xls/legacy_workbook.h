@@ -37,14 +37,17 @@ public:
 
 private:
     LegacyWorkbook() = default;
+    // The two halves of open(): the stream, and the globals in it.
+
     sheet::WorkbookResult<void> read(ByteSource &source);
     sheet::WorkbookResult<void> readWorkbook();
+    /// Scan a sheet, unless it is the one that was scanned last. Valid until the next call.
     sheet::WorkbookResult<const SheetScan *> scan(size_t index);
     void readSharedTexts();
     CellForms formsOf(size_t index);
 
     std::unique_ptr<CompoundStream> m_stream; // null for a file that is only the stream
-    qint64 m_missingBytes = 0;
+    qint64 m_missingBytes = 0;                // of the stream; see CompoundStream
     std::unique_ptr<RecordReader> m_reader;
     Globals m_globals;
     std::vector<sheet::SheetInfo> m_sheets;

@@ -142,6 +142,7 @@ void ContinuedBytes::units(qint64 n, bool isWide, std::u16string *out)
             if (!nextPiece()) {
                 return;
             }
+            // The width may change where the text continues.
             isWide = (u8() & kWide) != 0;
             continue;
         }

@@ -43,6 +43,7 @@ sheet::WorkbookResult<void> BiffRows::open()
 bool BiffRows::nextCell(Record *record)
 {
     RecordReader &reader = m_source.reader;
+    // A call ends between two records of the sheet itself, never inside an embedded chart.
     int depth = reader.position() > m_scan.begin ? 1 : 0;
     while (reader.position() < m_scan.end && reader.next(record)) {
         depth += isBof(record->id) ? 1 : (record->id == kEof ? -1 : 0);
@@ -107,6 +108,7 @@ sheet::WorkbookResult<bool> BiffRows::next(sheet::SheetRow *row)
     if (m_row < 0) {
         return finish();
     }
+    // Most rows are in order: this then costs one comparison per cell.
     m_cells.complete(&m_problems[static_cast<size_t>(SheetProblem::RepeatedCell)], m_row);
     updateFraction();
     const auto at = static_cast<size_t>(m_row);

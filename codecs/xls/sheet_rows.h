@@ -32,9 +32,12 @@ public:
     const sheet::SheetProblems &problems() const override { return m_problems; }
 
 private:
+    // Decode the cells of the next row into m_cells, and set m_row.
+
     void readOrdered();
     void readSorted();
     bool nextCell(Record *record);
+    /// The end of the rows, or the fault that ended them.
     sheet::WorkbookResult<bool> finish() const;
     void updateFraction();
 
@@ -45,8 +48,8 @@ private:
     CellDecoder m_decoder;
     RowCells m_cells;
     std::vector<CellPlace> m_sorted; // empty for a sheet in order
-    size_t m_nextSorted = 0;
-    int m_row = -1; // of m_cells; -1: there are no more
+    size_t m_nextSorted = 0;         // index in m_sorted
+    int m_row = -1;                  // of m_cells; -1: there are no more
     std::atomic<double> m_fraction = 0;
 };
 
