@@ -3,8 +3,8 @@
 //
 // Byte 0: how much room is missing.
 #include "codecs/markup/text/base64.h"
-#include "fuzz/feed.h"
-#include "fuzz/require.h"
+#include "fuzz/support/feed.h"
+#include "fuzz/support/require.h"
 
 using namespace corvanta::markup;
 

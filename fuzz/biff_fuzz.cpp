@@ -1,7 +1,7 @@
 // Any bytes as a legacy workbook: rows and columns ascend, and the content does not depend on how
 // the bytes arrive or on what is read before.
 #include "codecs/xls/legacy_workbook.h"
-#include "fuzz/require.h"
+#include "fuzz/support/require.h"
 
 using namespace corvanta;
 using namespace corvanta::xls;

@@ -2,7 +2,7 @@
 // data that is written again gives the same part, and without data nothing changes.
 #include "codecs/charts/series_writer.h"
 #include "codecs/opc/outline.h"
-#include "fuzz/require.h"
+#include "fuzz/support/require.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -8,8 +8,8 @@
 #include "codecs/compose/xml_levels.h"
 #include "codecs/markup/tokens/json_tokenizer.h"
 #include "codecs/markup/tokens/xml_tokenizer.h"
-#include "fuzz/require.h"
-#include "fuzz/table.h"
+#include "fuzz/support/require.h"
+#include "fuzz/support/table.h"
 
 #include <cmath>
 
@@ -19,15 +19,20 @@ using TextForm = ComposeOperation::TextForm;
 
 namespace {
 
-/// A compiled table as text; nothing if a text is too large for a block.
+/// A compiled table as text; nothing if a text is too large for a block. `isWellFormed`: XML whose
+/// escapes leave the characters that it does not have to the block.
 std::optional<QByteArray> composed(std::vector<ComposeLevel> levels, const ValueRules &rules,
-                                   Encoding encoding, const FuzzTable &table)
+                                   Encoding encoding, const FuzzTable &table,
+                                   bool isWellFormed = false)
 {
     QByteArray text;
     TextBlock block(encoding, [&text](const void *bytes, qint64 n) {
         text.append(static_cast<const char *>(bytes), n);
         return true;
     });
+    if (isWellFormed) {
+        block.replaceUnknown();
+    }
     LevelComposer composer(std::move(levels), rules, block);
     for (int row = 0; row < table.rowCount(); ++row) {
         composer.putRow(table.row(row));
@@ -145,7 +150,7 @@ void checkDefaultLevels(const FuzzTable &table)
     require(json && namesAndTexts("[" + *json + "]") == fromJson(textsOf(table)));
     const auto xml =
         composed(*compileXmlLevels(defaultXmlLevels(true, {}), table.row(0), {std::nullopt, true}),
-                 rules, Encoding::Utf8, table);
+                 rules, Encoding::Utf8, table, true);
     require(xml && attributeValues("<a>" + *xml + "</a>") == fromXml(textsOf(table)));
 }
 

@@ -1,7 +1,7 @@
 // Any bytes as a compound file: its streams are no longer than the file, and do not depend on how
 // the bytes arrive or are sought.
 #include "codecs/xls/compound_file.h"
-#include "fuzz/require.h"
+#include "fuzz/support/require.h"
 
 using namespace corvanta;
 using namespace corvanta::xls;

@@ -4,8 +4,8 @@
 #include "base/number.h"
 #include "codecs/csv/record_reader.h"
 #include "codecs/csv/record_writer.h"
-#include "fuzz/require.h"
-#include "fuzz/table.h"
+#include "fuzz/support/require.h"
+#include "fuzz/support/table.h"
 
 using namespace corvanta;
 using namespace corvanta::csv;

@@ -5,8 +5,8 @@
 #include "codecs/deflate/crc32.h"
 #include "codecs/deflate/deflate_stream.h"
 #include "codecs/deflate/inflater.h"
-#include "fuzz/feed.h"
-#include "fuzz/require.h"
+#include "fuzz/support/feed.h"
+#include "fuzz/support/require.h"
 
 using namespace corvanta;
 using namespace corvanta::deflate;

@@ -3,8 +3,8 @@
 //
 // Byte 0: the name, which decides the kind. The file follows.
 #include "corvanta/main_ui.h"
-#include "fuzz/feed.h"
-#include "fuzz/require.h"
+#include "fuzz/support/feed.h"
+#include "fuzz/support/require.h"
 #include "io/input/whole_input.h"
 
 #include <QFile>

@@ -1,5 +1,5 @@
 // Reads any bytes as JSON: tokens and rows must not depend on the sizes of buffer and reads.
-#include "fuzz/markup_property.h"
+#include "fuzz/support/markup_property.h"
 
 using namespace corvanta;
 using namespace corvanta::markup;

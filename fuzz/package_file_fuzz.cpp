@@ -1,8 +1,8 @@
 // Any bytes as a package on the disk: a copy that replaces it has the same members.
 //
 // The first byte chooses the drive and how the file is replaced; the package includes it.
-#include "fuzz/feed.h"
-#include "fuzz/require.h"
+#include "fuzz/support/feed.h"
+#include "fuzz/support/require.h"
 #include "io/package_file/package_file.h"
 #include "io/replace/file_swap.h"
 

@@ -3,8 +3,8 @@
 // Bytes 0 to 3: options of the writer, and how often the rows are repeated. The table follows.
 #include "codecs/parquet/read/table_reader.h"
 #include "codecs/parquet/write/file_writer.h"
-#include "fuzz/require.h"
-#include "fuzz/table.h"
+#include "fuzz/support/require.h"
+#include "fuzz/support/table.h"
 
 using namespace corvanta;
 using namespace corvanta::parquet;

@@ -1,5 +1,5 @@
 // The input is a schedule: the sizes of blocks and reads, and where the consumer stops.
-#include "fuzz/require.h"
+#include "fuzz/support/require.h"
 #include "io/input/rar_ring.h"
 
 #include <thread>

@@ -4,8 +4,8 @@
 // Bytes 0 to 4: options. The formats of numbers and dates and the table follow.
 #include "codecs/opc/outline.h"
 #include "codecs/xlsx/new_workbook.h"
-#include "fuzz/require.h"
-#include "fuzz/sheet_property.h"
+#include "fuzz/support/require.h"
+#include "fuzz/support/sheet_property.h"
 
 using namespace corvanta;
 

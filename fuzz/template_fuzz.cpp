@@ -5,7 +5,7 @@
 #include "codecs/document/table_places.h"
 #include "codecs/opc/marker_search.h"
 #include "codecs/opc/outline.h"
-#include "fuzz/require.h"
+#include "fuzz/support/require.h"
 
 using namespace corvanta::document;
 using corvanta::opc::Outline;

@@ -3,8 +3,8 @@
 // Bytes 0 to 2: version, encoding and widths. The table follows.
 #include "codecs/sas/transport_writer.h"
 #include "codecs/sas/variable_names.h"
-#include "fuzz/require.h"
-#include "fuzz/table.h"
+#include "fuzz/support/require.h"
+#include "fuzz/support/table.h"
 
 #include <cmath>
 

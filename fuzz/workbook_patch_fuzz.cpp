@@ -9,7 +9,7 @@
 #include "codecs/xlsx/sheet_tail.h"
 #include "codecs/xlsx/styles_part.h"
 #include "codecs/xlsx/workbook_part.h"
-#include "fuzz/require.h"
+#include "fuzz/support/require.h"
 
 using namespace corvanta::xlsx;
 using corvanta::opc::ContentTypes;

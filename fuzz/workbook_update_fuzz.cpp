@@ -4,8 +4,8 @@
 // Bytes 0 to 3: options. The parts follow, each "NAME\nCONTENT" and a NUL byte.
 #include "codecs/opc/outline.h"
 #include "codecs/xlsx/updated_workbook.h"
-#include "fuzz/require.h"
-#include "fuzz/sheet_property.h"
+#include "fuzz/support/require.h"
+#include "fuzz/support/sheet_property.h"
 
 using namespace corvanta;
 

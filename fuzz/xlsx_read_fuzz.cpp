@@ -5,7 +5,7 @@
 // and another before the styles.
 #include "codecs/xlsx/read/xlsx_reader.h"
 #include "codecs/zip/package_writer.h"
-#include "fuzz/require.h"
+#include "fuzz/support/require.h"
 
 using namespace corvanta;
 

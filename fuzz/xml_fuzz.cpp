@@ -1,6 +1,6 @@
 // Reads any bytes as XML or HTML: tokens and rows must not depend on the sizes of buffer and reads.
 #include "codecs/markup/sample/html_tables.h"
-#include "fuzz/markup_property.h"
+#include "fuzz/support/markup_property.h"
 
 #include <tuple>
 

@@ -1,6 +1,6 @@
 // Any bytes as a package: whole reads and streams give the same content, and copies do too.
 #include "codecs/zip/package_writer.h"
-#include "fuzz/require.h"
+#include "fuzz/support/require.h"
 
 using namespace corvanta;
 using namespace corvanta::zip;

@@ -2,7 +2,7 @@
 // not depend on the sizes of the reads.
 #pragma once
 #include "base/byte_source.h"
-#include "fuzz/require.h"
+#include "fuzz/support/require.h"
 
 #include <QByteArray>
 

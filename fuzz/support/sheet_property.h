@@ -2,7 +2,7 @@
 #pragma once
 #include "codecs/sheet/sheet_writer.h"
 #include "codecs/xlsx/workbook_target.h"
-#include "fuzz/table.h"
+#include "fuzz/support/table.h"
 
 namespace corvanta {
 

@@ -5,7 +5,7 @@
 #include "codecs/markup/levels/level_extractor.h"
 #include "codecs/markup/sample/sample_levels.h"
 #include "codecs/markup/tokens/trace.h"
-#include "fuzz/require.h"
+#include "fuzz/support/require.h"
 
 namespace corvanta::markup {
 

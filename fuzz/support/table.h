@@ -4,7 +4,7 @@
 #pragma once
 #include "base/row_view.h"
 #include "base/utf.h"
-#include "fuzz/feed.h"
+#include "fuzz/support/feed.h"
 
 #include <deque>
 #include <limits>
