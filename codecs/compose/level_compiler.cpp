@@ -7,9 +7,8 @@
 // Names of columns become indexes in the row, and names of levels indexes in the list.
 #include "codecs/compose/level_compiler.h"
 
-#include <QSet>
-
 #include <algorithm>
+#include <set>
 
 namespace corvanta::compose {
 
@@ -156,12 +155,11 @@ int LevelCompiler::findCyclicLevel(const std::vector<ComposeLevel> &levels)
     return static_cast<int>(at);
 }
 
-static void addNewColumns(const ComposeOperation &operation, QSet<int> *seen,
+static void addNewColumns(const ComposeOperation &operation, std::set<int> *seen,
                           std::vector<int> *columns)
 {
     for (const Column &column : operation.columns) {
-        if (!seen->contains(column.input)) {
-            seen->insert(column.input);
+        if (seen->insert(column.input).second) {
             columns->push_back(column.input);
         }
     }
@@ -169,7 +167,7 @@ static void addNewColumns(const ComposeOperation &operation, QSet<int> *seen,
 
 std::vector<int> writtenColumns(const std::vector<ComposeLevel> &levels)
 {
-    QSet<int> seen;
+    std::set<int> seen;
     std::vector<int> columns;
     for (const ComposeLevel &level : levels) {
         for (const ComposeOperation &operation : level.operations) {

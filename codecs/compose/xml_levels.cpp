@@ -10,7 +10,7 @@
 // Tags of elements come from text items. Syntax: XML 1.0 (Fifth Edition).
 #include "codecs/compose/xml_levels.h"
 
-#include <QSet>
+#include <set>
 
 using namespace Qt::StringLiterals;
 
@@ -74,7 +74,7 @@ public:
 
 private:
     bool m_wellFormed;
-    QSet<QString> m_given;
+    std::set<QString> m_given;
 };
 
 class XmlItems

@@ -30,13 +30,8 @@ QByteArray folded(QByteArray name)
 MemberNames::MemberNames(const std::vector<QByteArray> &names)
 {
     for (const QByteArray &name : names) {
-        if (!m_exact.contains(name)) {
-            m_exact.insert(name, name);
-        }
-        const QByteArray key = folded(name);
-        if (!m_folded.contains(key)) {
-            m_folded.insert(key, name);
-        }
+        m_exact.emplace(name, name);
+        m_folded.emplace(folded(name), name);
     }
 }
 
@@ -44,11 +39,11 @@ std::optional<QByteArray> MemberNames::find(const QByteArray &partName) const
 {
     // A target is a URI and may be percent-encoded, while members often have the plain name.
     for (const QByteArray &name : {partName, QByteArray::fromPercentEncoding(partName)}) {
-        if (const auto exact = m_exact.constFind(name); exact != m_exact.constEnd()) {
-            return *exact;
+        if (const auto exact = m_exact.find(name); exact != m_exact.end()) {
+            return exact->second;
         }
-        if (const auto similar = m_folded.constFind(folded(name)); similar != m_folded.constEnd()) {
-            return *similar;
+        if (const auto similar = m_folded.find(folded(name)); similar != m_folded.end()) {
+            return similar->second;
         }
     }
     return std::nullopt;
@@ -59,8 +54,8 @@ quint64 MemberNames::highestNumber(const QByteArray &prefix) const
     static const QByteArray kExtension = ".xml";
     const QByteArray begin = folded(prefix);
     quint64 highest = 0;
-    for (auto it = m_folded.constBegin(); it != m_folded.constEnd(); ++it) {
-        const QByteArrayView name = it.key();
+    for (const auto &[key, stored] : m_folded) {
+        const QByteArrayView name = key;
         if (name.startsWith(begin) && name.endsWith(kExtension) &&
             name.size() > begin.size() + kExtension.size()) {
             const auto digits = name.sliced(begin.size()).chopped(kExtension.size());

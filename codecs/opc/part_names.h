@@ -1,9 +1,9 @@
 // Names in a package: which member holds a part, and what a relationship's target refers to.
 #pragma once
 #include <QByteArray>
-#include <QHash>
 #include <QString>
 
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -23,8 +23,8 @@ public:
     quint64 highestNumber(const QByteArray &prefix) const;
 
 private:
-    QHash<QByteArray, QByteArray> m_exact;
-    QHash<QByteArray, QByteArray> m_folded;
+    std::map<QByteArray, QByteArray> m_exact;
+    std::map<QByteArray, QByteArray> m_folded;
 };
 
 /// The folder of a part with a "/" at its end; empty for a part at the top of the package.

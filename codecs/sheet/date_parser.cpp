@@ -178,16 +178,16 @@ std::optional<qint64> DateParser::slowMs(std::u16string_view text)
     constexpr qsizetype kMaxKnown = 10000;
     const QString key(reinterpret_cast<const QChar *>(text.data()),
                       static_cast<qsizetype>(text.size()));
-    const auto found = m_known.constFind(key);
-    if (found != m_known.constEnd()) {
-        return *found;
+    const auto found = m_known.find(key);
+    if (found != m_known.end()) {
+        return found->second;
     }
     const std::optional<qint64> ms = m_isIso ? isoMs(key) : parsedMs(key);
     // Clearing is enough to bound the memory: a table with so many dates repeats few of them.
     if (m_known.size() >= kMaxKnown) {
         m_known.clear();
     }
-    m_known.insert(key, ms);
+    m_known.emplace(key, ms);
     return ms;
 }
 

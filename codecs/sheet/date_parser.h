@@ -1,13 +1,13 @@
 // Turns date texts into the serial numbers of worksheets (ECMA-376 part 1, 18.17.4.1).
 #pragma once
 #include <QDateTime>
-#include <QHash>
 #include <QLocale>
 #include <QString>
 #include <QtGlobal>
 
 #include <optional>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace corvanta::sheet {
@@ -59,10 +59,10 @@ private:
     QString m_zoneText; // prefix of each text that Qt parses
     QLocale m_locale;
     bool m_monthFix;
-    bool m_isIso = false;                          // m_format is the form without a time
-    std::vector<Token> m_tokens;                   // empty: Qt parses
-    size_t m_width = 0;                            // units of a text that m_tokens match
-    QHash<QString, std::optional<qint64>> m_known; // cached results of parsedMs()
+    bool m_isIso = false;        // m_format is the form without a time
+    std::vector<Token> m_tokens; // empty: Qt parses
+    size_t m_width = 0;          // units of a text that m_tokens match
+    std::unordered_map<QString, std::optional<qint64>> m_known; // cached results of parsedMs()
 };
 
 } // namespace corvanta::sheet

@@ -8,12 +8,12 @@
 #include "codecs/sheet/date_parser.h"
 #include "codecs/zip/package_writer.h"
 
-#include <QHash>
 #include <QStringList>
 
 #include <algorithm>
 #include <functional>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace corvanta::sheet {
@@ -185,7 +185,7 @@ private:
 
     bool m_isOdd = false; // of the last text
     std::vector<char> m_longText;
-    QHash<QString, qint64> m_urlNumbers; // of m_urls, from 1
+    std::unordered_map<QString, qint64> m_urlNumbers; // of m_urls, from 1
     QStringList m_urls;
     std::vector<LinkUse> m_linkUses;
 };

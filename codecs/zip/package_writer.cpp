@@ -190,7 +190,7 @@ Result<void, Error> PackageWriter::copyRaw(PackageReader &source, const Member &
     }
     if (auto copied = copyChunks(**raw); !copied) {
         // The bytes stay in the file, but not in the directory.
-        m_names.remove(m_open->member.name);
+        m_names.erase(m_open->member.name);
         m_open.reset();
         return copied;
     }

@@ -10,9 +10,8 @@
 #include "codecs/deflate/deflate_stream.h"
 #include "codecs/zip/package_reader.h"
 
-#include <QSet>
-
 #include <optional>
+#include <set>
 #include <span>
 #include <vector>
 
@@ -80,7 +79,7 @@ private:
     deflate::DeflateStream m_stream;
     std::optional<OpenMember> m_open;
     std::vector<Member> m_members;
-    QSet<QByteArray> m_names;
+    std::set<QByteArray> m_names;
     qint64 m_flushedBytes = 0;
     bool m_hasDirectory = false;
 };

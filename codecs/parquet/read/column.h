@@ -6,11 +6,11 @@
 #include "codecs/parquet/metadata/error.h"
 #include "codecs/parquet/metadata/records.h"
 
-#include <QSet>
 #include <QString>
 #include <QStringList>
 
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace corvanta::parquet {
@@ -34,10 +34,10 @@ struct ReadOptions
     /// Skip unreadable columns, as long as one is readable.
     bool skipsUnreadable = false;
     /// Names of columns that are skipped without a reason: another file of the same table did.
-    QSet<QString> excluded;
+    std::set<QString> excluded;
     /// Names of 64-bit integer columns that become texts even if doubles hold their values: another
     /// file of the same table needs texts. Used only with logicalTypes.
-    QSet<QString> textIntegers;
+    std::set<QString> textIntegers;
 };
 
 using CellType = cell::Type;
