@@ -42,12 +42,12 @@ CASES = [
     run("excel_copy", CSV, "<writeExcel mode='3' fileNameSource='book.xlsx' fileNameDestination='copied.xlsx' sheetName='New'/>",
         targets=["copied.xlsx"]),
     run("parquet", CSV, "<writeParquet file='out.parquet'/>", targets=["out.parquet"], leaves="*_TMP"),
-    run("report", CSV, "<writeReport output='report.docx' template='&gt;line.docx'><Chart type='2' name='data'><axis pinIdx='0'>t</axis>"
+    run("chart", CSV, "<writeReport output='report.docx' template='&gt;line.docx'><Chart type='2' name='data'><axis pinIdx='0'>t</axis>"
         "<axis pinIdx='0'>f</axis></Chart></writeReport>", targets=["report.docx"]),
     run("json", CSV, "<writeJSON fileName='out.json'/>", targets=["out.json"]),
     run("json_longer", CSV, "<writeJSON fileName='longer.json' fileMode='1'/>", targets=["longer.json"]),
     run("xml", CSV, "<writeXML fileName='out.xml'/>", targets=["out.xml"]),
-    run("report", CSV, f"<writeDocTable template='{DOCUMENTS}/report.docx' output='out.docx'><v colWidths='1,1,1'/></writeDocTable>",
+    run("table", CSV, f"<writeDocTable template='{DOCUMENTS}/report.docx' output='out.docx'><v colWidths='1,1,1'/></writeDocTable>",
         targets=["out.docx"]),
     run("letters", "<readCSV fileName='letters.csv'/>", "<writeDoc output='output' template='template' fitImages='1'><text><s>name</s>"
         "</text><image><s>picture</s></image></writeDoc>", targets=["one.docx", "two.docx"]),

@@ -18,7 +18,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
 import legacy_workbook as xls  # pylint: disable=wrong-import-position
 
 CORVANTA = sys.argv.pop(1)
-CORPUS = pathlib.Path(sys.argv.pop(1)) / "xls"
+CORPUS = pathlib.Path(sys.argv.pop(1)).resolve() / "xls"
 GOLDEN = CORPUS / "golden"
 
 REFUSED = {
