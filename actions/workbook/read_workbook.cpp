@@ -3,6 +3,8 @@
 #include "actions/workbook/workbook_file.h"
 #include "corvanta/failure_reason.h"
 
+#include <QScopeGuard>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
@@ -162,26 +164,10 @@ bool ReadWorkbook::planFile(const QString &name, bool keepsOpen)
     if (!workbook) {
         return runIsGood();
     }
-    auto file = std::make_shared<PlannedFile>();
-    setScanned(workbook->reader.get());
-    TaskMaker maker(m_run, *workbook->reader);
-    auto tasks = maker.make();
-    setScanned(nullptr);
-    if (!runIsGood()) {
+    const auto file = std::make_shared<PlannedFile>();
+    if (!makeTasks(name, *workbook, file.get())) {
         return false;
     }
-    if (!tasks && tasks.fault().code == TaskError::NotFound) {
-        return fail(u"Error: The workbook '%1' has %2\n"_s.arg(name, tasks.fault().detail));
-    }
-    if (!tasks) {
-        return fail(u"Error: The workbook '%1' cannot be read: %2\n"_s.arg(
-            name, describe(maker.fault(), *workbook->source)));
-    }
-    if (!maker.skippedChart().isEmpty()) {
-        warn(u"Warning: The first sheet '%2' of the workbook '%1' is a chart; the first sheet with "
-             "cells is read\n"_s.arg(name, maker.skippedChart()));
-    }
-    file->tasks = *std::move(tasks);
     for (const SheetTask &task : file->tasks) {
         file->columns.push_back(columnsOf(task));
     }
@@ -189,8 +175,40 @@ bool ReadWorkbook::planFile(const QString &name, bool keepsOpen)
         file->workbook = std::move(workbook);
     }
     m_files << name;
-    m_planned.insert(name, file);
+    m_planned.emplace(name, file);
     return addColumns(name, *file);
+}
+
+/// Choose the sheets of a workbook and scan them.
+bool ReadWorkbook::makeTasks(const QString &name, const OpenWorkbook &workbook, PlannedFile *file)
+{
+    TaskMaker maker(m_run, *workbook.reader);
+    auto tasks = [&] {
+        setScanned(workbook.reader.get());
+        const auto isScanned = qScopeGuard([this] { setScanned(nullptr); });
+        return maker.make();
+    }();
+    if (!runIsGood()) {
+        return false;
+    }
+    if (!tasks) {
+        return reportTaskFault(name, tasks.fault(), describe(maker.fault(), *workbook.source));
+    }
+    if (!maker.skippedChart().isEmpty()) {
+        warn(u"Warning: The first sheet '%2' of the workbook '%1' is a chart; the first sheet with "
+             "cells is read\n"_s.arg(name, maker.skippedChart()));
+    }
+    file->tasks = *std::move(tasks);
+    return true;
+}
+
+/// `why` is the reason of an unreadable workbook. Returns false.
+bool ReadWorkbook::reportTaskFault(const QString &name, const Fault<TaskError> &fault,
+                                   const QString &why)
+{
+    return fault.code == TaskError::NotFound
+               ? fail(u"Error: The workbook '%1' has %2\n"_s.arg(name, fault.detail))
+               : fail(u"Error: The workbook '%1' cannot be read: %2\n"_s.arg(name, why));
 }
 
 bool ReadWorkbook::addColumns(const QString &name, const PlannedFile &file)
@@ -286,7 +304,7 @@ void ReadWorkbook::startSeries()
 
 FileSeries::Opened ReadWorkbook::openFile(const QString &name)
 {
-    const auto planned = m_planned.value(name);
+    const auto planned = m_planned.at(name);
     std::optional<OpenWorkbook> workbook = std::exchange(planned->workbook, std::nullopt);
     if (!workbook) {
         auto opened = openWorkbook(*this, workbookFormat(), name, InputFile::Report::Failure);

@@ -10,8 +10,7 @@
 #include "actions/workbook/table_columns.h"
 #include "corvanta/action_base.h"
 
-#include <QHash>
-
+#include <map>
 #include <mutex>
 #include <optional>
 
@@ -63,6 +62,8 @@ private:
     bool planFile(const QString &name, bool keepsOpen);
     std::optional<OpenWorkbook> openWithRetries(const QString &name);
     bool reportOpenFault(const QString &name, const Fault<WorkbookOpenError> &fault);
+    bool makeTasks(const QString &name, const OpenWorkbook &workbook, PlannedFile *file);
+    bool reportTaskFault(const QString &name, const Fault<TaskError> &fault, const QString &why);
     bool addColumns(const QString &name, const PlannedFile &file);
     bool checkSize(const QString &name, const SheetTask &task, const TaskColumns &columns);
     void warnColumns(const QString &name, const SheetTask &task, const TaskColumns &columns);
@@ -80,7 +81,7 @@ private:
     /// With expanded texts.
     ReadExcelParams m_run;
     QStringList m_files; ///< planned ones
-    QHash<QString, std::shared_ptr<PlannedFile>> m_planned;
+    std::map<QString, std::shared_ptr<PlannedFile>> m_planned;
     TableColumns m_columns;
     int m_sheetNameColumn = -1;
     FileSeries m_series{*this};

@@ -3,7 +3,7 @@
 #include "codecs/sheet/cell_text.h"
 #include "codecs/sheet/sheet_writer.h"
 
-#include <QSet>
+#include <set>
 
 using namespace Qt::StringLiterals;
 
@@ -31,7 +31,8 @@ QString lettersOf(int column)
 }
 
 /// `name`, or with "_2", "_3", ... if it is taken.
-QString uniqueName(const QString &name, QSet<QString> *taken, QHash<QString, int> *counts)
+QString uniqueName(const QString &name, std::set<QString> *taken,
+                   std::unordered_map<QString, int> *counts)
 {
     QString unique = name;
     int &count = (*counts)[name];
@@ -81,8 +82,8 @@ TaskColumns columnsOf(const SheetTask &task)
     const size_t count = isBounded ? static_cast<size_t>(area.lastColumn - area.firstColumn) + 1
                                    : task.scan.columns.size();
     chooseColumns(task, count, &columns);
-    QSet<QString> taken;
-    QHash<QString, int> counts;
+    std::set<QString> taken;
+    std::unordered_map<QString, int> counts;
     for (const size_t i : columns.scanned) {
         const QString name = i < task.scan.columns.size() ? task.scan.columns[i].name : QString();
         columns.names << uniqueName(name.isEmpty() ? lettersOf(task.columnOf(i)) : name, &taken,
@@ -111,7 +112,7 @@ std::optional<SheetMismatch> TableColumns::add(const SheetTask &task, const Task
         if (index < 0) {
             index = static_cast<int>(m_columns.size());
             m_columns.push_back({name});
-            m_byName.insert(name, index);
+            m_byName.emplace(name, index);
         }
         const size_t scannedIndex = columns.scanned[static_cast<size_t>(i)];
         if (scannedIndex >= task.scan.columns.size()) {

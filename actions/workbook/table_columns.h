@@ -3,10 +3,10 @@
 #include "actions/workbook/sheet_task.h"
 #include "corvanta/meta_info.h"
 
-#include <QHash>
 #include <QString>
 
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 namespace corvanta {
@@ -66,10 +66,14 @@ public:
     const std::vector<LateText> &lateTexts() const { return m_lateTexts; }
 
 private:
-    int indexOf(const QString &name) const { return m_byName.value(name, -1); }
+    int indexOf(const QString &name) const
+    {
+        const auto found = m_byName.find(name);
+        return found == m_byName.end() ? -1 : found->second;
+    }
 
     std::vector<Column> m_columns;
-    QHash<QString, int> m_byName;
+    std::unordered_map<QString, int> m_byName;
     bool m_isComplete = true; // all scans are
     std::vector<LateText> m_lateTexts;
 };
