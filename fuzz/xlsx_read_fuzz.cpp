@@ -1,5 +1,6 @@
 // A worksheet, shared strings and styles made of any bytes: the columns of a row ascend, and the
-// cells do not depend on how the bytes arrive. Whole packages of any bytes are opened too.
+// cells do not depend on how the bytes arrive, nor on whether they are parsed or kept from the
+// first reading. Whole packages of any bytes are opened too.
 //
 // The first byte chooses: 0 a whole package, otherwise the sheet, with a "\0" before the strings
 // and another before the styles.
@@ -52,8 +53,11 @@ QByteArray contentOf(xlsx::XlsxReader &workbook, size_t index)
             require(cell.column > before);
             before = cell.column;
             content += QByteArray::number(row.number) + ',' + QByteArray::number(cell.column) +
-                       QByteArray::number(static_cast<int>(cell.kind)) +
-                       QByteArray::number(cell.number, 'g', 17);
+                       QByteArray::number(static_cast<int>(cell.kind));
+            if (cell.kind == sheet::CellKind::Number || cell.kind == sheet::CellKind::Boolean) {
+                content += QByteArray::number(static_cast<int>(cell.form)) +
+                           QByteArray::number(cell.number, 'g', 17);
+            }
             for (const char16_t unit : cell.text) {
                 content += QByteArray::number(unit, 16);
             }
@@ -81,7 +85,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     }
     for (size_t i = 0; i < std::min(kMaxSheets, (*workbook)->sheets().size()); ++i) {
         (void)(*workbook)->layout(i);
-        require(contentOf(**workbook, i) == contentOf(**again, i));
+        const QByteArray content = contentOf(**workbook, i);
+        require(content == contentOf(**again, i));
+        require(content == contentOf(**workbook, i));
     }
     (void)(*workbook)->tables();
     return 0;

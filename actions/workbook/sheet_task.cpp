@@ -16,6 +16,8 @@ namespace {
 
 /// Memory for the rows of a sheet that must be sorted.
 constexpr qint64 kMaxSortBytes = qint64(256) << 20;
+/// Columns of all sheets of a workbook: 256 sheets with cells in their last column.
+constexpr size_t kMaxTaskColumns = size_t(4) << 20;
 
 /// Whether all cells of the sheet are in the area.
 bool isWholeSheet(const sheet::CellArea &area)
@@ -328,10 +330,16 @@ Result<std::vector<SheetTask>, TaskError> TaskMaker::make()
         return sheets.fault();
     }
     std::vector<SheetTask> tasks;
+    size_t columns = 0;
     for (const size_t sheet : *sheets) {
         auto task = makeTask(sheet);
         if (!task) {
             return task.fault();
+        }
+        columns += task->scan.columns.size();
+        if (columns > kMaxTaskColumns) {
+            return unreadable({sheet::WorkbookError::TooLarge,
+                               u"its sheets have more than %1 columns"_s.arg(kMaxTaskColumns)});
         }
         tasks.push_back(*std::move(task));
     }

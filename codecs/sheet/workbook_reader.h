@@ -56,8 +56,9 @@ struct SheetCell
     int column = 0;
     CellKind kind = CellKind::Number;
     NumberForm form = NumberForm::General; ///< of Number
-    double number = 0;                     ///< of Number and Boolean
-    std::u16string_view text;              ///< of the others; valid as long as the row
+    /// Of Number and Boolean. For other kinds it means something only to the reader.
+    double number = 0;
+    std::u16string_view text; ///< of the others; valid as long as the row
 };
 
 /// One row, valid until the next one is read.

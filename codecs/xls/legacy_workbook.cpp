@@ -13,6 +13,12 @@ using sheet::WorkbookError;
 
 namespace {
 
+/// Sheets are scanned a few times, but those of a hostile file overlap: then a small file could
+/// take hours. Bytes that all scans together may read beyond the first ones, and what a scan costs.
+constexpr qint64 kMaxScans = 8;
+constexpr qint64 kMaxRepeatedBytes = qint64(256) << 20;
+constexpr qint64 kScanBytes = 4096;
+
 Fault<WorkbookError> faultOf(const Fault<CompoundError> &fault)
 {
     switch (fault.code) {
@@ -108,11 +114,17 @@ sheet::WorkbookResult<const SheetScan *> LegacyWorkbook::scan(size_t index)
 {
     if (!m_scan || m_scanned != index) {
         m_scan.reset();
-        auto scan = scanSheet(*m_reader, m_globals.sheets[index].offset, m_stop);
+        const qint64 offset = m_globals.sheets[index].offset;
+        auto scan = scanSheet(*m_reader, offset, m_stop);
         if (!scan) {
             return scan.fault();
         }
         m_scan = *std::move(scan);
+        m_scannedBytes += m_scan->end - m_scan->begin + kScanBytes;
+        if (m_scannedBytes > kMaxScans * m_reader->size() + kMaxRepeatedBytes) {
+            return Fault{WorkbookError::TooLarge,
+                         QStringLiteral("too many of its sheets are in the same place"), offset};
+        }
         m_scan->isTruncated = m_scan->isTruncated || (!m_scan->hasEnd && m_missingBytes > 0);
         m_scanned = index;
     }

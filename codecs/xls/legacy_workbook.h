@@ -56,6 +56,7 @@ private:
     bool m_hasSharedTexts = false; // m_shared is read
     size_t m_scanned = 0;          // the sheet of m_scan
     std::optional<SheetScan> m_scan;
+    qint64 m_scannedBytes = 0; // by all scans
     std::atomic<bool> m_stop = false;
 };
 

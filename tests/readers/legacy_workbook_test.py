@@ -118,15 +118,17 @@ class Corpus(unittest.TestCase):
 class Hostile(unittest.TestCase):
     """Files below 1 MB that promise much: at most 512 MiB and 10 seconds."""
 
-    def check(self, name, content):
+    def check(self, name, content, *settings, reason=""):
         with tempfile.TemporaryDirectory(prefix="corvanta_xls_") as folder:
             path = pathlib.Path(folder) / f"{name}.xls"
             path.write_bytes(content)
             self.assertLess(len(content), 1_000_000, name)
-            with subprocess.Popen([CORVANTA, "convert", str(path), str(path.with_suffix(".csv"))],
-                                  stderr=subprocess.DEVNULL, stdout=subprocess.DEVNULL) as process:
+            with open(path.with_suffix(".log"), "w", encoding="utf-8") as log, \
+                    subprocess.Popen([CORVANTA, "convert", str(path), str(path.with_suffix(".csv")), *settings],
+                                     stderr=log, stdout=subprocess.DEVNULL) as process:
                 _, status, usage = os.wait4(process.pid, 0)
                 process.returncode = os.waitstatus_to_exitcode(status)
+            self.assertIn(reason, path.with_suffix(".log").read_text(encoding="utf-8"))
             self.assertIn(process.returncode, (0, 1), name)
             self.assertLess(usage.ru_maxrss / 1024, 512, name)
             self.assertLess(usage.ru_utime + usage.ru_stime, 10, name)
@@ -138,6 +140,12 @@ class Hostile(unittest.TestCase):
         self.check("no_results", xls.workbook(8, [("S", xls.record(0x0006, struct.pack("<HHH8s2x", 1, 0, 0, b"\0\0\0\0\0\0\xff\xff")) * 40_000)]))
         self.check("many_sheets", xls.workbook(8, [("S", b"")], xls.record(0x85, struct.pack("<IBBBBB", 20, 0, 0, 1, 0, 65)) * 70_000))
         self.check("corners", xls.workbook(8, [("S", xls.number(8, 0, 0, 1) + xls.number(8, 65535, 16383, 1))]))
+        # All sheets are in one place, which has many records.
+        sheets = [struct.pack("<HHIBBBB", 0x85, 9, 220_000, 0, 0, 1, 0) + b"A" for _ in range(15_000)]
+        globals_part = xls.workbook(8, [("S", b"")], b"".join(sheets))
+        body = xls.record(0x809, struct.pack("<HHHHII", 0x600, 0x10, 0, 0, 0, 0)) + xls.record(0x99, b"") * 150_000 + xls.record(10, b"")
+        self.check("one_place", globals_part.ljust(220_000, b"\0") + body, "--reader", "sheets=3",
+                   reason="too many of its sheets are in the same place")
         # A mini stream and a FAT whose chains are as long as the file, and a directory that refers to itself.
         loops = bytearray(xls.compound(bytes(900_000)))
         for at in range(len(loops) - 7 * 512 * 2, len(loops) - 4, 4):

@@ -228,6 +228,51 @@ class Workbooks(unittest.TestCase):
         self.assertIn("Error: The sheet 'a' of the workbook 'book.xlsx' has only 2 cells in 1048575 rows and 1100 columns; select a part "
                       "of it with range, or use emptyRows='1'", self.read(status=1)[1])
 
+    def test_all_kinds_of_cells_survive_the_second_reading(self):
+        """The rows of the scan are kept in memory; several files are parsed again, and must give the same."""
+        numbers = [0, 255, 256, 65535, 65536, 2147483647, 2147483648, -1, 0.5, 1e300]
+        rows = [[*numbers, f"text {i} é", '<c r="M{0}" t="b"><v>1</v></c>', None, '<c r="O{0}" t="e"><v>#REF!</v></c>',
+                 '<c r="P{0}" t="d"><v>2024-02-29</v></c>', '<c r="ZZ{0}" t="s"><v>1</v></c>', '<c r="AAA{0}" s="2"><v>45000.5</v></c>']
+                for i in range(800)]
+        rows[700][10] = "long" * 25_000
+        rows = [[str(cell).replace("{0}", str(i)) if str(cell).startswith("<") else cell for cell in row] for i, row in enumerate(rows, 1)]
+        markup = sheet(*rows, attributes='hidden="1"')
+        for name in ("one.xlsx", "two.xlsx"):
+            self.make(markup, name=name, parts=[("xl/sharedStrings.xml", "<sst><si><t>x</t></si><si><t>shared</t></si></sst>")])
+        settings = "firstLineContainsColumnNames='0' emptyRows='1' skipHiddenRows='1'"
+        kept, _ = self.read(settings, "one.xlsx")
+        parsed, _ = self.read(settings, "*.xlsx")
+        self.assertEqual(kept[1:] * 2, parsed[1:])
+        self.assertEqual(len(kept), 800)
+        self.assertEqual(len(kept[700][10]), 100_000)
+        values = ["text 0 é", "", "TRUE", "", "#REF!", "2024-02-29", "shared", "2023-03-15T12:00:00"]
+        self.assertEqual(kept[1][:10], ["0", "255", "256", "65535", "65536", "2147483647", "2147483648", "-1", "0.5", "1e+300"])
+        self.assertEqual(kept[1][10:16] + kept[1][-2:], values)
+
+    def test_small_files_with_much_content(self):
+        """Files below 1 MB that promise much: at most 512 MiB and 10 seconds."""
+        def refused(reason):
+            done = subprocess.run(["/usr/bin/env", "bash", "-c", 'ulimit -t 10 -v 4000000; exec "$0" convert book.xlsx out.csv --reader sheets=3',
+                                   CORVANTA], capture_output=True, text=True, timeout=120, check=False, cwd=self.folder)
+            self.assertEqual(done.returncode, 1, done.stderr[:1000])
+            self.assertIn(reason, done.stderr)
+            self.assertLess((self.folder / "book.xlsx").stat().st_size, 1_000_000)
+
+        self.make("<worksheet><sheetData>" + "<row/>" * 50_000_000 + "</sheetData></worksheet>")
+        refused("the content up to 'xl/worksheets/sheet1.xml' is too large for the size of the file")
+        for cell, reason in (("A1", "is too large for the size of the file"), ("XFD1", "its sheets have more than 4194304 columns")):
+            self.make(f'<worksheet><sheetData><row><c r="{cell}"><v>1</v></c></row></sheetData></worksheet>')
+            with zipfile.ZipFile(self.folder / "book.xlsx", "a", zipfile.ZIP_DEFLATED) as package:
+                package.writestr("xl/_rels/workbook.xml.rels", "<Relationships><Relationship Id='r' Type='http://x/relationships/worksheet' "
+                                 "Target='worksheets/sheet1.xml'/></Relationships>")
+                package.writestr("[Content_Types].xml", "<Types/>")
+                package.writestr("_rels/.rels", "<Relationships><Relationship Id='r' Type='http://x/relationships/officeDocument' "
+                                 "Target='xl/many.xml'/></Relationships>")
+                package.writestr("xl/_rels/many.xml.rels", package.read("xl/_rels/workbook.xml.rels"))
+                package.writestr("xl/many.xml", "<workbook xmlns:r='r'><sheets>" +
+                                 "".join(f"<sheet name='s{i}' r:id='r'/>" for i in range(30_000)) + "</sheets></workbook>")
+            refused(reason)
+
     def test_scan_of_some_rows(self):
         self.make(sheet(["n"], [1], [2], ["text"]))
         rows, messages = self.read("scanRows='2'")

@@ -44,6 +44,8 @@ public:
         return &m_last;
     }
 
+    /// Memory that the strings take.
+    qint64 bytes() const { return m_bytes; }
     /// Strings with bytes that are no UTF-8.
     qint64 badCount() const { return m_badCount; }
     void stop();

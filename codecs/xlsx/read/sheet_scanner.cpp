@@ -477,6 +477,7 @@ SheetScanner::Done SheetScanner::setShared(const RawCell &cell, sheet::SheetCell
         count(SheetProblem::NoSuchText, placed->column);
         return {};
     }
+    placed->number = static_cast<double>(index) + 1; // see RowRecording
     if (const std::u16string_view *const text = m_strings.loaded(index)) {
         placed->text = *text;
         m_cells.push_back(*placed);

@@ -11,6 +11,8 @@
 #include "codecs/opc/outline.h"
 #include "codecs/sheet/cell_area.h"
 
+#include <QHash>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta::xlsx {
@@ -63,19 +65,21 @@ void readSheets(const opc::Outline &outline, WorkbookSheets *workbook)
     }
 }
 
-int sheetOfName(const WorkbookSheets &workbook, const QString &name)
+/// The first sheet of each name, without letter case. A search per defined name would take hours
+/// for a hostile workbook.
+QHash<QString, int> sheetsByName(const WorkbookSheets &workbook)
 {
-    for (size_t i = 0; i < workbook.sheets.size(); ++i) {
-        if (workbook.sheets[i].info.name.compare(name, Qt::CaseInsensitive) == 0) {
-            return static_cast<int>(i);
-        }
+    QHash<QString, int> byName;
+    for (size_t i = workbook.sheets.size(); i > 0; --i) {
+        byName.insert(workbook.sheets[i - 1].info.name.toCaseFolded(), static_cast<int>(i - 1));
     }
-    return -1;
+    return byName;
 }
 
 void readNames(QByteArrayView text, const opc::Outline &outline, WorkbookSheets *workbook)
 {
     const auto parent = outline.child(0, "definedNames");
+    const QHash<QString, int> byName = sheetsByName(*workbook);
     for (const int index : parent ? outline.children(*parent, "definedName") : std::vector<int>()) {
         const opc::Element &element = outline.element(index);
         sheet::DefinedName name;
@@ -87,7 +91,7 @@ void readNames(QByteArrayView text, const opc::Outline &outline, WorkbookSheets 
         const QString refersTo =
             opc::decoded(text.sliced(begin, std::max<qsizetype>(element.closeBegin - begin, 0)));
         if (const auto area = sheet::parseSheetArea(refersTo)) {
-            name.sheet = sheetOfName(*workbook, area->sheet);
+            name.sheet = byName.value(area->sheet.toCaseFolded(), -1);
             name.area = name.sheet >= 0 ? std::optional(area->area) : std::nullopt;
         }
         if (!isTrue(element.tag, "function") && !isTrue(element.tag, "vbProcedure")) {

@@ -26,6 +26,15 @@ constexpr qint64 kMaxPartBytes = qint64(64) << 20;
 /// Memory of the shared strings: what any workbook may take, and what each packed byte may add.
 constexpr qint64 kStringBytes = qint64(192) << 20;
 constexpr qint64 kStringBytesPerPackedByte = 64;
+/// Memory for shared strings together with the rows that are kept for a second reading.
+constexpr qint64 kRecordedBytes = qint64(96) << 20;
+/// Content of all sheets and shared strings that are read: what any workbook may have, and what
+/// each byte of the file may add. Real sheets are packed to a tenth; small files that expand a
+/// thousand times, or name one part for thousands of sheets, would take hours.
+constexpr qint64 kContentBytes = qint64(256) << 20;
+constexpr qint64 kContentBytesPerByte = 64;
+/// What opening a sheet costs at least.
+constexpr qint64 kOpeningBytes = qint64(16) << 10;
 
 Fault<WorkbookError> partFault(const Fault<opc::Error> &fault, const QByteArray &part)
 {
@@ -62,7 +71,8 @@ std::optional<sheet::SheetKind> kindOf(const opc::Relationship &relationship)
 } // namespace
 
 XlsxReader::XlsxReader(ByteSource &source)
-    : m_view(source, m_sourceMutex)
+    : m_fileBytes(source.size())
+    , m_view(source, m_sourceMutex)
     , m_stringsView(source, m_sourceMutex)
     , m_sheetView(source, m_sourceMutex)
 {
@@ -212,6 +222,7 @@ XlsxReader::Done XlsxReader::readWorkbook()
                                     QByteArray::number(qlonglong(m_infos.size()) + 1) + ".xml");
         m_infos.push_back(info);
     }
+    m_states.resize(m_infos.size());
     return {};
 }
 
@@ -253,6 +264,9 @@ XlsxReader::Done XlsxReader::openStrings()
     if (member == nullptr) {
         return {};
     }
+    if (const auto counted = countContent(*member); !counted) {
+        return counted;
+    }
     auto text = openText(*member, m_stringsView);
     if (!text) {
         return text.fault();
@@ -287,9 +301,13 @@ void XlsxReader::stop()
 class XlsxReader::OpenSheet final : public sheet::SheetRows
 {
 public:
-    OpenSheet(XlsxReader &reader, std::unique_ptr<SheetScanner> scanner)
+    /// `recording` is null for a sheet that is not recorded.
+    OpenSheet(XlsxReader &reader, size_t index, std::unique_ptr<SheetScanner> scanner,
+              std::unique_ptr<RowRecording> recording)
         : m_reader(reader)
+        , m_index(index)
         , m_scanner(std::move(scanner))
+        , m_recording(std::move(recording))
     {
         m_reader.setScanner(m_scanner.get());
     }
@@ -297,16 +315,64 @@ public:
     OpenSheet &operator=(const OpenSheet &) = delete;
     ~OpenSheet() override { m_reader.setScanner(nullptr); }
 
-    sheet::WorkbookResult<bool> next(sheet::SheetRow *row) override { return m_scanner->next(row); }
+    sheet::WorkbookResult<bool> next(sheet::SheetRow *row) override
+    {
+        auto more = m_scanner->next(row);
+        if (m_recording && more) {
+            record(*more ? row : nullptr);
+        }
+        return more;
+    }
     double fractionDone() const override { return m_scanner->fractionDone(); }
     const sheet::SheetProblems &problems() const override { return m_scanner->problems(); }
 
     sheet::WorkbookResult<sheet::SheetLayout> readLayout() { return m_scanner->readLayout(); }
 
 private:
+    /// Null after the last row.
+    void record(const sheet::SheetRow *row)
+    {
+        if (row == nullptr) {
+            m_recording->finish(m_scanner->problems());
+            m_reader.keep(m_index, std::move(m_recording));
+            return;
+        }
+        if (!row->cells.empty() || row->isHidden) {
+            m_recording->add(*row);
+        }
+        if (!m_reader.hasRoomFor(*m_recording)) {
+            m_recording.reset();
+        }
+    }
+
     XlsxReader &m_reader;
+    const size_t m_index;
     std::unique_ptr<SheetScanner> m_scanner;
+    std::unique_ptr<RowRecording> m_recording;
 };
+
+bool XlsxReader::hasRoomFor(const RowRecording &recording) const
+{
+    return recording.bytes() + m_recordedBytes + m_strings.bytes() <= kRecordedBytes;
+}
+
+void XlsxReader::keep(size_t index, std::unique_ptr<RowRecording> recording)
+{
+    m_recordedBytes += recording->bytes();
+    m_states[index].recording = std::move(recording);
+}
+
+/// Count the content of a part that is read for the first time. Errors: TooLarge.
+XlsxReader::Done XlsxReader::countContent(const zip::Member &member)
+{
+    m_contentBytes += member.size + kOpeningBytes;
+    if (m_contentBytes > kContentBytes + kContentBytesPerByte * m_fileBytes) {
+        return Fault{WorkbookError::TooLarge,
+                     u"the content up to '%1' is too large for the size of the file"_s.arg(
+                         QString::fromUtf8(member.name))};
+    }
+    return {};
+}
 
 sheet::WorkbookResult<std::unique_ptr<SheetScanner>> XlsxReader::openScanner(size_t index)
 {
@@ -317,6 +383,11 @@ sheet::WorkbookResult<std::unique_ptr<SheetScanner>> XlsxReader::openScanner(siz
     if (member == nullptr) {
         return memberFault(Fault{zip::Error::NoMember}, QString::fromUtf8(m_parts[index]));
     }
+    if (!std::exchange(m_states[index].isCounted, true)) {
+        if (const auto counted = countContent(*member); !counted) {
+            return counted.fault();
+        }
+    }
     auto text = openText(*member, m_sheetView);
     if (!text) {
         return text.fault();
@@ -326,12 +397,20 @@ sheet::WorkbookResult<std::unique_ptr<SheetScanner>> XlsxReader::openScanner(siz
 
 sheet::WorkbookResult<std::unique_ptr<sheet::SheetRows>> XlsxReader::openSheet(size_t index)
 {
+    SheetState &state = m_states[index];
+    if (state.recording) {
+        return std::unique_ptr<sheet::SheetRows>(
+            std::make_unique<RecordedRows>(std::move(state.recording), m_strings));
+    }
+    // What had no room the first time has none later.
+    auto recording =
+        std::exchange(state.wasRead, true) ? nullptr : std::make_unique<RowRecording>();
     auto scanner = openScanner(index);
     if (!scanner) {
         return scanner.fault();
     }
     return std::unique_ptr<sheet::SheetRows>(
-        std::make_unique<OpenSheet>(*this, *std::move(scanner)));
+        std::make_unique<OpenSheet>(*this, index, *std::move(scanner), std::move(recording)));
 }
 
 sheet::WorkbookResult<sheet::SheetLayout> XlsxReader::layout(size_t index)
@@ -340,7 +419,7 @@ sheet::WorkbookResult<sheet::SheetLayout> XlsxReader::layout(size_t index)
     if (!scanner) {
         return scanner.fault();
     }
-    return OpenSheet(*this, *std::move(scanner)).readLayout();
+    return OpenSheet(*this, index, *std::move(scanner), nullptr).readLayout();
 }
 
 // ---- Tables.

@@ -3,6 +3,7 @@
 #include "base/byte_source.h"
 #include "codecs/opc/part_names.h"
 #include "codecs/sheet/workbook_reader.h"
+#include "codecs/xlsx/read/recorded_rows.h"
 #include "codecs/xlsx/read/shared_strings.h"
 #include "codecs/xlsx/read/source_view.h"
 #include "codecs/zip/package_reader.h"
@@ -21,7 +22,8 @@ class SheetScanner;
 
 /// Finds the parts through relationships, so that their names do not matter; falls back to the
 /// usual names where relationships are missing. Memory: the shared strings that have been used,
-/// and about 3 MiB. Threads: see sheet::WorkbookReader.
+/// about 3 MiB, and the rows of sheets that are read again: with the strings less than 96 MiB, or
+/// they are parsed again. Threads: see sheet::WorkbookReader.
 class XlsxReader final : public sheet::WorkbookReader
 {
 public:
@@ -56,9 +58,13 @@ private:
     sheet::WorkbookResult<std::unique_ptr<PartText>> openText(const zip::Member &member,
                                                               SourceView &view);
     sheet::WorkbookResult<std::unique_ptr<SheetScanner>> openScanner(size_t index);
+    Done countContent(const zip::Member &member);
     Done addTables(size_t index, std::vector<sheet::TableInfo> *tables);
+    bool hasRoomFor(const RowRecording &recording) const;
+    void keep(size_t index, std::unique_ptr<RowRecording> recording);
     void setScanner(SheetScanner *scanner);
 
+    const qint64 m_fileBytes;
     std::mutex m_sourceMutex;
     SourceView m_view; // of the directory and the small parts
     SourceView m_stringsView;
@@ -73,6 +79,16 @@ private:
     bool m_uses1904 = false;
     std::vector<sheet::NumberForm> m_forms;
     bool m_hasStrings = false; // m_strings is open
+    /// What has been done with a sheet.
+    struct SheetState
+    {
+        bool isCounted = false; ///< in m_contentBytes
+        bool wasRead = false;
+        std::unique_ptr<RowRecording> recording; ///< of all its rows, for the next reading
+    };
+    std::vector<SheetState> m_states;
+    qint64 m_recordedBytes = 0; // of all recordings
+    qint64 m_contentBytes = 0;  // of all parts that have been read, each once per sheet
 
     std::mutex m_stopMutex;
     bool m_isStopped = false;          // guarded by m_stopMutex
