@@ -15,6 +15,11 @@ namespace {
 /// A row with memory of its own.
 struct KeptRow
 {
+    KeptRow() = default;
+    // Only moved: a copy would refer to the texts of its original.
+    KeptRow(KeptRow &&) = default;
+    KeptRow &operator=(KeptRow &&) = default;
+
     qint64 number = 0;
     bool isHidden = false;
     std::vector<SheetCell> cells;

@@ -163,6 +163,9 @@ class Workbooks(unittest.TestCase):
                         "texts with bytes that are no characters; they are replaced by U+FFFD",
                         "formulas without a stored result; they are missing"):
             self.assertIn(f"Warning: The sheet 'a' of the workbook 'book.xlsx' has 1 {problem}; the first is ", messages)
+        self.make('<worksheet><sheetData><row r="1"><c r="A1" t="str"><f>1</f><v></v></c><c r="B1"><f>2</f><v></v></c></row></sheetData></worksheet>')
+        self.assertIn("Warning: The sheet 'a' of the workbook 'book.xlsx' has 1 formulas without a stored result; they are missing; the first is cell B1\n",
+                      self.read()[1])
         row = '<row r="{0}"><c r="A{0}"><v>{0}</v></c></row>'
         self.make(f"<worksheet><sheetData>{''.join(map(row.format, (1, 2, 4, 3)))}</sheetData></worksheet>")
         _, messages = self.read("scanRows='1' sampleOnly='1'", status=1)

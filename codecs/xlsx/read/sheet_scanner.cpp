@@ -457,6 +457,9 @@ void SheetScanner::setOddNumber(const RawCell &cell, sheet::SheetCell *placed)
 {
     const QByteArrayView text = trimmed(cell.value);
     if (text.isEmpty()) {
+        if (cell.hasFormula) {
+            count(SheetProblem::NoResult, placed->column);
+        }
         return;
     }
     if (parseValue(text, &placed->number)) {
