@@ -6,6 +6,7 @@
 #include "file_types.h"
 #include "visible_text.h"
 
+#include <algorithm>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -90,8 +91,12 @@ void logTables(const QVector<InputTable> &tables)
         return;
     }
     const bool areSheets = tables[0].rows == InputTable::kRowsNotKnown;
+    const bool isOneChosen = std::any_of(tables.begin(), tables.end(),
+                                         [](const InputTable &table) { return table.isChosen; });
     QString text =
-        areSheets
+        areSheets && !isOneChosen
+            ? u"The file contains %1 sheets (--sheet NAME or NUMBER reads one):"_s
+        : areSheets
             ? u"The file contains %1 sheets; the marked one is read (--sheet NAME or NUMBER reads another):"_s
             : u"The file contains %1 tables; the marked one is read (--table NUMBER reads another):"_s;
     text = text.arg(tables.size());

@@ -1,6 +1,6 @@
 #include "actions/read_excel_old/read_excel_old.h"
 
-#include "actions/workbook/legacy_format.h"
+#include "actions/workbook/workbook_formats.h"
 
 namespace corvanta {
 

@@ -1,6 +1,6 @@
 #include "actions/read_excel_sheets/sheet_names.h"
 
-#include "actions/workbook/legacy_format.h"
+#include "actions/workbook/workbook_formats.h"
 #include "codecs/xlsx/sheet_list.h"
 #include "io/package_file/package_file.h"
 

@@ -33,6 +33,11 @@ QString refusal(const WorkbookFormat &format, const Fault<sheet::WorkbookError> 
         return u"it is %1; save it without a password"_s.arg(opc::describe(kind));
     }
     if (isOtherFormat(format, kind)) {
+        // Documents of other programs are packages and compound files too.
+        const auto other = format.makeOther(source);
+        if (!other && other.fault().code == sheet::WorkbookError::NotAWorkbook) {
+            return u"its content is no workbook: %1"_s.arg(other.fault().detail);
+        }
         return u"its content is that of an %1, whatever its name says; read it with %2 or give it "
                "the right extension"_s.arg(QLatin1StringView(format.otherKind),
                                            QLatin1StringView(format.otherAction));

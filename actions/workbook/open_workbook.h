@@ -23,9 +23,10 @@ using MakeReader = sheet::WorkbookResult<std::unique_ptr<sheet::WorkbookReader>>
 struct WorkbookFormat
 {
     MakeReader makeReader = nullptr;
-    const char *kind = "";        ///< ".xlsx workbook"
-    const char *otherKind = "";   ///< ".xls workbook", the one that the other action reads
-    const char *otherAction = ""; ///< its name
+    MakeReader makeOther = nullptr; ///< of the other format, to see what a file is
+    const char *kind = "";          ///< ".xlsx workbook"
+    const char *otherKind = "";     ///< ".xls workbook", the one that the other action reads
+    const char *otherAction = "";   ///< its name
 };
 
 enum class WorkbookOpenError : quint8 {

@@ -1,6 +1,7 @@
 #include "actions/workbook/read_workbook.h"
 
 #include "actions/workbook/workbook_file.h"
+#include "codecs/sheet/cell_area.h"
 #include "corvanta/failure_reason.h"
 
 #include <QScopeGuard>
@@ -37,6 +38,13 @@ QString notesOf(const sheet::SheetInfo &info)
         notes << u"hidden"_s;
     }
     return notes.join(u", "_s);
+}
+
+/// Whether the range is one of the selected sheet; tables and names have sheets of their own.
+bool staysOnSheet(const QString &range)
+{
+    const auto area = sheet::parseSheetArea(range);
+    return range.trimmed().isEmpty() || (area && area->sheet.isEmpty());
 }
 
 } // namespace
@@ -415,7 +423,7 @@ QVector<InputTable> ReadWorkbook::listTables()
         table.path = info.name;
         table.rows = InputTable::kRowsNotKnown;
         table.beginning = notesOf(info);
-        table.isChosen = params.sheets == SheetChoice::Selected &&
+        table.isChosen = params.sheets == SheetChoice::Selected && staysOnSheet(params.range) &&
                          (params.sheetMode == SheetSelection::ByName
                               ? info.name == params.sheetName
                               : params.sheetIdx.toLongLong() == sheets.size() + 1);

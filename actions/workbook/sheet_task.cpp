@@ -234,30 +234,39 @@ bool TaskMaker::findName(const QString &name, SheetTask *task) const
     return found != nullptr;
 }
 
-/// Set the area of the task, and its sheet if the range names one.
+/// Set the task to an area, and to its sheet if it names one.
+Result<bool, TaskError> TaskMaker::setArea(const sheet::SheetArea &area, SheetTask *task) const
+{
+    task->options.walk.area = area.area;
+    if (area.sheet.isEmpty()) {
+        return true;
+    }
+    for (size_t i = 0; i < m_reader.sheets().size(); ++i) {
+        if (m_reader.sheets()[i].name.compare(area.sheet, Qt::CaseInsensitive) == 0 &&
+            hasCells(i)) {
+            task->sheet = i;
+            return true;
+        }
+    }
+    return Fault{TaskError::NotFound,
+                 u"no sheet '%1' with cells, its sheets are %2"_s.arg(area.sheet, listOfSheets())};
+}
+
+/// Set the cells that the parameter selects.
 Result<bool, TaskError> TaskMaker::applyRange(SheetTask *task)
 {
     const QString range = m_params.range.trimmed();
-    if (range.isEmpty()) {
-        return true;
+    const auto area = sheet::parseSheetArea(range);
+    if (range.isEmpty() || (area && range.contains(u':'))) {
+        return range.isEmpty() ? Result<bool, TaskError>(true) : setArea(*area, task);
     }
-    if (const auto area = sheet::parseSheetArea(range)) {
-        task->options.walk.area = area->area;
-        if (area->sheet.isEmpty()) {
-            return true;
-        }
-        for (size_t i = 0; i < m_reader.sheets().size(); ++i) {
-            if (m_reader.sheets()[i].name.compare(area->sheet, Qt::CaseInsensitive) == 0) {
-                task->sheet = i;
-                return true;
-            }
-        }
-        return Fault{TaskError::NotFound, u"no sheet '%1' with cells, its sheets are %2"_s.arg(
-                                              area->sheet, listOfSheets())};
-    }
+    // Some programs write tables with names that look like cells: T1.
     const auto table = findTable(range, task);
     if (!table || *table || findName(range, task)) {
         return table;
+    }
+    if (area) {
+        return setArea(*area, task);
     }
     return Fault{
         TaskError::NotFound,

@@ -1,6 +1,7 @@
 // Chooses the sheets and cells of a workbook that the parameters select, and scans them.
 #pragma once
 #include "actions/workbook/sheet_scan.h"
+#include "codecs/sheet/cell_area.h"
 #include "codecs/sheet/workbook_reader.h"
 
 #include <memory>
@@ -59,6 +60,7 @@ private:
     std::vector<size_t> sheetsOf(const QString &pattern) const;
     QString listOfSheets() const;
     Result<bool, TaskError> hasData(size_t sheet);
+    Result<bool, TaskError> setArea(const sheet::SheetArea &area, SheetTask *task) const;
     Result<bool, TaskError> applyRange(SheetTask *task);
     Result<bool, TaskError> findTable(const QString &name, SheetTask *task);
     bool findName(const QString &name, SheetTask *task) const;

@@ -210,6 +210,14 @@ class Workbooks(unittest.TestCase):
         self.assertEqual(self.read(f"{off} emptyRows='2'")[0][1:], [["1", "2", "3"], ["4", "5", "6"]])
         self.assertIn("no table or defined name 'nothing', which is no range of cells such as B2:D9 either",
                       self.read("range='nothing'", status=1)[1])
+        self.make(sheet(["n", "m"], [1, 2], [3, 4]), parts=[
+            ("xl/worksheets/_rels/sheet1.xml.rels", "<Relationships><Relationship Id='r' Type='http://x/relationships/table' "
+             "Target='../tables/table1.xml'/></Relationships>"),
+            ("xl/tables/table1.xml", "<table name='T1' displayName='T1' ref='B1:B2'/>")])
+        self.assertEqual(self.read("range='T1'")[0], [["m"], ["2"]])
+        self.make(sheet(["n"], [1]), sheet(["n"], [2]))
+        self.assertIn("The file contains 2 sheets (--sheet NAME or NUMBER reads one):\n    1: a\n    2: b",
+                      self.command("head", "book.xlsx", "--reader", "sheets=3")[1])
         if CORPUS.is_dir():
             rows, _ = self.read("range='sales_bob'", CORPUS / "table-multiple.xlsx")
             self.assertEqual(rows[:2], [["Item", "Units"], ["1", "750"]])
@@ -319,6 +327,10 @@ class Workbooks(unittest.TestCase):
                                  (b"\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1" + bytes(600), legacy), (b"%PDF-1.4", "its content is a PDF document")):
             (self.folder / "book.xlsx").write_bytes(content)
             self.assertIn("Error: The workbook 'book.xlsx' cannot be read: " + problem, self.read(status=1)[1])
+        with zipfile.ZipFile(self.folder / "letter.xls", "w") as package:
+            package.writestr("content.xml", "<x/>")
+        self.assertIn("its content is no workbook: it is an OpenDocument file (.ods); save it as .xlsx",
+                      self.command("head", "letter.xls", status=1)[1])
         self.make("<worksheet><sheetData><row><c><v>1</v></c>")
         self.assertIn("'xl/worksheets/sheet1.xml': the text ends too early", self.read(status=1)[1])
 
