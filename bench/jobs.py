@@ -44,6 +44,15 @@ PAGE_ITEMS = "".join(f"<e name='{name}' path='[{i}]'/>" for i, name in enumerate
 XLRD = ("import csv, xlrd; sheet = xlrd.open_workbook('sales.xls').sheet_by_index(0); "
         "csv.writer(open('peer.csv', 'w')).writerows(sheet.row_values(i) for i in range(sheet.nrows))")
 
+
+def stat_read(ending):
+    """Reads a data set that the library has written."""
+    return Job(f"a .{ending} data set to CSV; peer: a plain loop that calls ReadStat",
+               graph(f"<readStat fileName='sales.{ending}'/>", "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+               ["readstat_peer", f"sales.{ending}", "peer.csv"], "peer.csv",
+               input=f"sales.{ending}", make_input=("readstat_write_peer", "sales.csv", "/dev/stdout", ending))
+
+
 JOBS = {
     "csv_csv": Job("CSV through a pass-through action to CSV",
                    graph(READ_SALES, "<writeCSV fileName='first.csv'/>", "<writeCSV fileName='second.csv'/>"),
@@ -74,6 +83,9 @@ JOBS = {
     "xpt_write": Job("CSV to a SAS transport file; peer: as for the data set, which is the other format",
                      graph(READ_SALES, "<writeSASXPT fileName='ours.xpt' autoWidth='1'/>"),
                      "ours.xpt", ["readstat_write_peer", "sales.csv", "peer.sas7bdat"], "peer.sas7bdat"),
+    "stat_read_sas7bdat": stat_read("sas7bdat"),
+    "stat_read_sav": stat_read("sav"),
+    "stat_read_dta": stat_read("dta"),
     "json_write": Job("CSV to JSON; peer: a plain loop that formats the same rows",
                       graph(READ_SALES, "<writeJSON fileName='ours.json'/>"),
                       "ours.json", ["text_peer", "json", "sales.csv", "peer.json"], "peer.json"),

@@ -1,5 +1,6 @@
 // The peer of writeSAS: a simple loop that reads the benchmark table and writes the same data set
-// with the ReadStat library: readstat_write_peer SALES.csv OUT.sas7bdat
+// with the ReadStat library: readstat_write_peer SALES.csv OUT [sav|dta]. The default is a SAS data
+// set. It also makes the inputs of the reading benchmarks.
 //
 // One thread, the table in memory, from_chars for numbers, output in pieces of 1 MiB. A first pass
 // over the table counts its rows and measures its texts, which the library must know early.
@@ -12,6 +13,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -59,11 +61,20 @@ readstat_error_t insert(readstat_writer_t *writer, const readstat_variable_t *va
                             readstat_insert_double_value(writer, variable, value));
 }
 
+readstat_error_t begin(readstat_writer_t *writer, FILE *out, long rows, std::string_view format)
+{
+    if (format == "sav") {
+        return readstat_begin_writing_sav(writer, out, rows);
+    }
+    return format == "dta" ? readstat_begin_writing_dta(writer, out, rows)
+                           : readstat_begin_writing_sas7bdat(writer, out, rows);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    if (argc != 3) {
+    if (argc < 3) {
         return 2;
     }
     std::ifstream in(argv[1], std::ios::binary);
@@ -94,7 +105,7 @@ int main(int argc, char **argv)
                                              isNumber ? READSTAT_TYPE_DOUBLE : READSTAT_TYPE_STRING,
                                              isNumber ? 0 : widths[i]);
     }
-    readstat_error_t error = readstat_begin_writing_sas7bdat(writer, out, count);
+    readstat_error_t error = begin(writer, out, count, argc > 3 ? argv[3] : "");
     for (const char *at = rows; at < end && error == READSTAT_OK;) {
         at = parse(at, record);
         error = readstat_begin_row(writer);

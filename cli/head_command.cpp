@@ -6,6 +6,10 @@
 #include "table_printer.h"
 #include "visible_text.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -24,7 +28,8 @@ CommandOptions inputFileOptions()
 
 /// Runs the reader of the file and passes its first `rows` rows, at least one, to `onRow`.
 CommandResult<void> readFirstRows(const QString &command, const CommandLine &line, qint64 rows,
-                                  ReadExtent extent, const RowListener::Callback &onRow)
+                                  ReadExtent extent, const RowListener::Callback &onRow,
+                                  QVector<ColumnNotes> *notes = nullptr)
 {
     const auto session = Session::open(line);
     if (!session) {
@@ -33,7 +38,8 @@ CommandResult<void> readFirstRows(const QString &command, const CommandLine &lin
     ActionRegistry registry;
     registry.loadAll();
     CorvantaGraph graph;
-    if (auto added = addInput(line, line.arguments[0], registry, &graph, extent); !added) {
+    if (auto added = addInput(line, line.arguments[0], registry, &graph, extent, nullptr, notes);
+        !added) {
         return added;
     }
     RunOptions options;
@@ -83,6 +89,79 @@ private:
     std::optional<TablePrinter> m_printer;
 };
 
+// ---- The columns of a file.
+
+/// At most so many value labels are printed in a line, unless -v asks for all.
+constexpr qsizetype kFewLabels = 10;
+
+QString labelsText(const QVector<ColumnNotes::ValueLabel> &labels, bool isVerbose)
+{
+    QStringList texts;
+    for (const ColumnNotes::ValueLabel &entry : labels) {
+        if (texts.size() == kFewLabels && !isVerbose) {
+            texts << u"... (%1 labels)"_s.arg(labels.size());
+            break;
+        }
+        texts << entry.value + u'=' + entry.label;
+    }
+    return texts.join(u", "_s);
+}
+
+/// "NAME TYPE LABEL FORMAT VALUE=LABEL, ..." with tabs, without empty fields at the end.
+QString columnLine(const QString &name, char letter, const ColumnNotes &notes, bool isVerbose)
+{
+    QStringList fields{name, QString(QLatin1Char(letter)), notes.label, notes.format,
+                       labelsText(notes.valueLabels, isVerbose)};
+    while (fields.last().isEmpty()) {
+        fields.removeLast();
+    }
+    for (QString &field : fields) {
+        field = visibleText(field);
+    }
+    return fields.join(u'\t');
+}
+
+/// The members that the file does not have are left out.
+QJsonObject columnJson(const QString &name, char letter, const ColumnNotes &notes)
+{
+    const QString type = letter == 'K' ? u"integer"_s : letter == 'F' ? u"decimal"_s : u"text"_s;
+    QJsonObject column{
+        {u"name"_s, name}, {u"type"_s, type}, {u"letter"_s, QString(QLatin1Char(letter))}};
+    if (!notes.label.isEmpty()) {
+        column[u"label"_s] = notes.label;
+    }
+    if (!notes.format.isEmpty()) {
+        column[u"format"_s] = notes.format;
+    }
+    QJsonArray labels;
+    for (const ColumnNotes::ValueLabel &entry : notes.valueLabels) {
+        labels << QJsonObject{{u"value"_s, entry.value}, {u"label"_s, entry.label}};
+    }
+    if (!labels.isEmpty()) {
+        column[u"valueLabels"_s] = labels;
+    }
+    return column;
+}
+
+void printSchema(const CommandLine &line, const TableSchema &columns,
+                 const QVector<ColumnNotes> &notes)
+{
+    QJsonArray all;
+    for (qsizetype i = 0; i < columns.names.size(); ++i) {
+        const char letter = columns.types[i].type();
+        if (line.has(u"--json"_s)) {
+            all << columnJson(columns.names[i], letter, notes.value(i));
+        } else {
+            const QString text =
+                columnLine(columns.names[i], letter, notes.value(i), line.has(u"-v"_s));
+            std::printf("%s\n", text.toUtf8().constData());
+        }
+    }
+    if (line.has(u"--json"_s)) {
+        std::fputs(QJsonDocument(all).toJson().constData(), stdout);
+    }
+}
+
 } // namespace
 
 CommandOptions headOptions()
@@ -111,18 +190,20 @@ CommandResult<void> headCommand(const CommandLine &line)
 
 CommandOptions schemaOptions()
 {
-    return inputFileOptions();
+    CommandOptions options = inputFileOptions();
+    options.flags << u"--json"_s << u"-v"_s;
+    return options;
 }
 
 CommandResult<void> schemaCommand(const CommandLine &line)
 {
-    const auto show = [](const TableSchema &columns, const OneRow *row) {
+    QVector<ColumnNotes> notes;
+    const auto show = [&](const TableSchema &columns, const OneRow *row) {
         // Print at the end, so that nothing is printed of a file that cannot be read.
-        for (qsizetype i = 0; row == nullptr && i < columns.names.size(); ++i) {
-            std::printf("%s\t%c\n", visibleText(columns.names[i]).toUtf8().constData(),
-                        columns.types[i].type());
+        if (row == nullptr) {
+            printSchema(line, columns, notes);
         }
         return true;
     };
-    return readFirstRows(u"schema"_s, line, 1, ReadExtent::Whole, show);
+    return readFirstRows(u"schema"_s, line, 1, ReadExtent::Whole, show, &notes);
 }

@@ -119,7 +119,8 @@ CommandOptions inputOptions()
 
 CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
                              const ActionRegistry &registry, CorvantaGraph *graph,
-                             ReadExtent extent, ActionParameters *writer)
+                             ReadExtent extent, ActionParameters *writer,
+                             QVector<ColumnNotes> *notes)
 {
     const auto table = tableOf(line);
     if (!table) {
@@ -149,6 +150,9 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
     logTables(tables);
     if (writer != nullptr && writer->needsDateColumns()) {
         writer->setDateColumns(parameters->dateColumns());
+    }
+    if (notes != nullptr) {
+        *notes = parameters->columnNotes();
     }
     return addAction(graph, QString::fromLatin1(kInputId), **action);
 }

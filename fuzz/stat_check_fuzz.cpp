@@ -7,8 +7,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (size == 0) {
         return 0;
     }
-    constexpr uint8_t kFormats = 5;
+    constexpr uint8_t kFormats = 5; // and a catalogue
     MemorySource source(QByteArrayView(data + 1, static_cast<qsizetype>(size - 1)));
-    const auto checked = stat::checkHeader(source, static_cast<stat::Format>(data[0] % kFormats));
+    const uint8_t kind = data[0] % (kFormats + 1);
+    const auto checked = kind == kFormats
+                             ? stat::checkCatalogue(source)
+                             : stat::checkHeader(source, static_cast<stat::Format>(kind));
+    if (checked) {
+        stat::deletedSasRows(source);
+        stat::hasLongUtf8Texts(source);
+    }
     return checked || checked.fault().code != stat::Error::Unreadable ? 0 : -1;
 }

@@ -1,6 +1,7 @@
 #include "actions/read_stat/read_stat.h"
 
 #include "actions/read_stat/stat_file.h"
+#include "actions/read_stat/stat_notes.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,6 +19,13 @@ QStringList ActionReadStat::inputs() const
         files.removeAll(expandFile(m_params.fileName));
     }
     return files;
+}
+
+QVector<ColumnNotes> ActionReadStat::columnNotes()
+{
+    const QStringList files =
+        m_params.fileNameFromPin ? QStringList() : namesOfPattern(*this, m_params.fileName);
+    return files.isEmpty() ? QVector<ColumnNotes>() : statNotes(*this, files.first(), m_params);
 }
 
 // ---- Before the first row.

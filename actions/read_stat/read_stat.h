@@ -23,6 +23,8 @@ public:
     /// Rows of all files, each file weighing the same.
     float computeCompletion() override { return m_series.fractionDone(); }
     QStringList inputs() const override;
+    /// Those of the first file.
+    QVector<ColumnNotes> columnNotes() override;
     /// Ends the waits of both threads.
     void wakeAll() override { m_series.stop(); }
 

@@ -1,12 +1,11 @@
 #include "actions/read_stat/stat_file.h"
 
+#include "actions/read_stat/stat_options.h"
 #include "codecs/stat/header_check.h"
 #include "codecs/stat/label_reader.h"
 #include "io/input/whole_input.h"
 
 #include <QSet>
-
-#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -15,80 +14,6 @@ namespace corvanta {
 namespace {
 
 using OpenError = FileSeries::OpenError;
-
-stat::Format formatOfEnding(const QString &name)
-{
-    struct Ending
-    {
-        QLatin1StringView text;
-        stat::Format format;
-    };
-    static constexpr std::array kEndings{
-        Ending{".sas7bdat"_L1, stat::Format::Sas},
-        Ending{".sav"_L1, stat::Format::SpssSav},
-        Ending{".zsav"_L1, stat::Format::SpssSav},
-        Ending{".por"_L1, stat::Format::SpssPor},
-        Ending{".dta"_L1, stat::Format::Stata},
-        Ending{".xpt"_L1, stat::Format::SasTransport},
-        Ending{".xport"_L1, stat::Format::SasTransport},
-    };
-    for (const Ending &ending : kEndings) {
-        if (name.endsWith(ending.text, Qt::CaseInsensitive)) {
-            return ending.format;
-        }
-    }
-    return stat::Format::Sas;
-}
-
-/// The name of the data set: of the member of an archive, and without the ending of a compressed
-/// file.
-QString dataSetName(const InputFile &input)
-{
-    switch (input.kind()) {
-    case input::Kind::Zip:
-        return input.memberName();
-    case input::Kind::Gzip:
-        return input.name().chopped(3);
-    case input::Kind::Compress:
-        return input.name().chopped(2);
-    case input::Kind::Rar:
-    case input::Kind::Plain:
-        break;
-    }
-    return input.name();
-}
-
-stat::Format formatOf(const ReadStatParams &params, const InputFile &input)
-{
-    switch (params.fileFormat) {
-    case StatFormat::Sas:
-        return stat::Format::Sas;
-    case StatFormat::SpssSav:
-        return stat::Format::SpssSav;
-    case StatFormat::SpssPor:
-        return stat::Format::SpssPor;
-    case StatFormat::Stata:
-        return stat::Format::Stata;
-    case StatFormat::SasTransport:
-        return stat::Format::SasTransport;
-    case StatFormat::OfEnding:
-        break;
-    }
-    return formatOfEnding(dataSetName(input));
-}
-
-stat::ReadOptions optionsOf(const ReadStatParams &params, stat::Format format)
-{
-    return {
-        .format = format,
-        .encoding = params.encoding,
-        .namesFromLabels = params.columnNamefromLabel,
-        .extractLabels = params.extractLabels,
-        .formatDates = params.formatDates,
-        .columns = params.columnsToRead,
-        .maxRows = params.maxRows,
-    };
-}
 
 std::unique_ptr<RunInput> openInput(const ActionBase &action, const QString &name)
 {
@@ -143,17 +68,20 @@ FileSeries::Opened StatFile::open(ActionBase &action, const QString &name,
     if (!input->file.isOpen()) {
         return Fault{OpenError::Missing, input->file.reason()};
     }
-    const stat::Format format = formatOf(params, input->file);
+    const stat::Format format = statFormatOf(params, input->file);
     // The library moves back and forth in the file.
     auto source = randomAccess(std::move(input));
     if (!source) {
         return Fault{OpenError::Unreadable, source.fault().detail};
     }
     std::unique_ptr<StatFile> file(new StatFile(action, name, *std::move(source),
-                                                optionsOf(params, format), params.bufferSize));
+                                                statOptionsOf(params, format), params.bufferSize));
     if (const auto checked = stat::checkHeader(*file->m_source, format); !checked) {
         file->fail(checked.fault());
         return Fault{OpenError::Failed};
+    }
+    if (format == stat::Format::Sas) {
+        file->warnDeletedRows();
     }
     const QString catalogue =
         params.catalogFile.isEmpty() ? QString() : action.expandFile(params.catalogFile);
@@ -198,7 +126,9 @@ bool StatFile::readCatalogue(const QString &name)
         return m_action.fail(u"ERROR: cannot open the catalogue '%1'\n"_s.arg(name),
                              source.fault().detail);
     }
-    auto labels = stat::readCatalogue(**source, m_options.encoding);
+    const auto checked = stat::checkCatalogue(**source);
+    auto labels = checked ? stat::readCatalogue(**source, m_options.encoding)
+                          : Result<stat::LabelSets, stat::Error>(checked.fault());
     if (!labels) {
         return m_action.fail(u"ERROR: cannot read the catalogue '%1': %2\n"_s.arg(
             name, describe(labels.fault(), **source)));
@@ -268,6 +198,16 @@ void StatFile::logRowCount(qint64 rows) const
 {
     MainUI::addLog(MainUI::Info,
                    u"Number of Rows in file '%2' is %1."_s.arg(QString::number(rows), m_name));
+}
+
+/// The library delivers them like the others.
+void StatFile::warnDeletedRows() const
+{
+    if (const qint64 rows = stat::deletedSasRows(*m_source); rows > 0) {
+        m_action.warn(
+            u"Warning: %2 rows of the statistical file '%1' are marked as deleted; they are read too\n"_s
+                .arg(m_name, QString::number(rows)));
+    }
 }
 
 /// Two variables may have the same label.

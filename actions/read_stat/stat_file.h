@@ -45,6 +45,7 @@ private:
     bool finishRows(Found *found);
     void logRowCount(qint64 rows) const;
     void logLibraryMessages();
+    void warnDeletedRows() const;
     void warnSameNames() const;
     bool fail(const Fault<stat::Error> &fault);
 

@@ -1,6 +1,7 @@
 #include "codecs/stat/data_set_reader.h"
 
 #include "codecs/stat/date_text.h"
+#include "codecs/stat/header_check.h"
 #include "codecs/stat/library_parser.h"
 
 #include <algorithm>
@@ -52,6 +53,7 @@ struct DataSetReader::Handlers
 DataSetReader::DataSetReader(ByteSource &source, ReadOptions options, LabelSets labels)
     : m_options(std::move(options))
     , m_labelSets(std::move(labels))
+    , m_isNulKept(m_options.format == Format::SpssSav && hasLongUtf8Texts(source))
     , m_input(source)
 {
 }
@@ -77,6 +79,10 @@ int DataSetReader::parse(RowRing &ring, const OnColumns &onColumns)
     readstat_set_variable_handler(parser.handle(), Handlers::onVariable);
     readstat_set_value_handler(parser.handle(), Handlers::onValue);
     readstat_set_error_handler(parser.handle(), Handlers::onError);
+    if (m_isNulKept) {
+        // The name is that of the same encoding, but the library knows it only in capitals.
+        readstat_set_file_character_encoding(parser.handle(), "utf-8");
+    }
     return parser.parse(m_options.format, this);
 }
 
@@ -242,6 +248,18 @@ float DataSetReader::fractionDone() const
         return m_input.fractionRead();
     }
     return std::min(1.0F, static_cast<float>(rowsRead()) / static_cast<float>(rows));
+}
+
+Result<Dictionary, Error> readDictionary(ByteSource &source, const ReadOptions &options)
+{
+    RowRing ring(1); // too small for a row: reading ends at the first one
+    DataSetReader reader(source, options, {});
+    bool isKnown = false;
+    const auto done = reader.read(ring, [&](const Dictionary &) { isKnown = true; });
+    if (!isKnown) {
+        return done.fault();
+    }
+    return reader.dictionary();
 }
 
 } // namespace corvanta::stat

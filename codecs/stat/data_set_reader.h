@@ -84,6 +84,7 @@ private:
 
     const ReadOptions m_options;
     const LabelSets m_labelSets;
+    const bool m_isNulKept; // see hasLongUtf8Texts()
     LibrarySource m_input;
     std::optional<TextDecoder> m_decoder;
     Dictionary m_dictionary;
@@ -102,5 +103,9 @@ private:
     std::atomic<qint64> m_rowsRead = 0;
     std::atomic<qint64> m_rowsExpected = -1;
 };
+
+/// The dictionary of a data set that has passed checkHeader(), without its rows. `source` seeks at
+/// no cost; its position changes. Errors: those of DataSetReader::read() before the first row.
+Result<Dictionary, Error> readDictionary(ByteSource &source, const ReadOptions &options);
 
 } // namespace corvanta::stat

@@ -44,7 +44,8 @@ Result<void, Error> checkHeader(ByteSource &source, Format format)
         return checkSav(source);
     case Format::Stata:
         return checkStata(source);
-    case Format::SpssPor: // read as characters, without sizes of its own
+    case Format::SpssPor:
+        return checkPor(source);
     case Format::SasTransport:
         break;
     }

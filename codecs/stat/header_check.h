@@ -16,10 +16,23 @@ namespace corvanta::stat {
 /// file, Damaged, Unreadable.
 Result<void, Error> checkHeader(ByteSource &source, Format format);
 
+/// Check a SAS catalogue (.sas7bcat), all of its value labels included. Errors: the same.
+Result<void, Error> checkCatalogue(ByteSource &source);
+
+/// The number of rows of a SAS data set that are marked as deleted, as its header says; 0 if there
+/// are none or the header is not found. For a file that has passed checkHeader().
+qint64 deletedSasRows(ByteSource &source);
+
+/// Whether an SPSS file has texts of several segments and the encoding UTF-8. The library then
+/// leaves out bytes 0, and writes before its buffer when a segment has no other bytes. For a file
+/// that has passed checkHeader().
+bool hasLongUtf8Texts(ByteSource &source);
+
 // The checks of the formats; checkHeader() chooses one.
 
 Result<void, Error> checkSav(ByteSource &source);
 Result<void, Error> checkStata(ByteSource &source);
 Result<void, Error> checkSas(ByteSource &source);
+Result<void, Error> checkPor(ByteSource &source);
 
 } // namespace corvanta::stat

@@ -34,6 +34,7 @@ public:
     {
     }
     Result<void, Error> run();
+    bool hasLongUtf8Texts() const { return m_hasLongTexts && m_isUtf8; }
 
 private:
     bool readByteOrder();
@@ -43,11 +44,14 @@ private:
     bool checkExtension();
     bool checkSubtype(qint32 subtype, const QByteArray &data);
     bool checkLongLabels(const QByteArray &data) const;
+    bool declaresUtf8(const QByteArray &data) const;
     bool fail(const QString &reason);
 
     CheckedReader m_in;
     qint64 m_elements = 0; // records of type 2: 8 bytes of a row each
     bool m_isBigEndian = false;
+    bool m_hasLongTexts = false; // of more than one segment
+    bool m_isUtf8 = false;       // as the record of the machine says
     QString m_reason;
 };
 
@@ -191,15 +195,31 @@ bool isListOfNames(const QByteArray &text)
 /// The records whose content the library takes apart.
 bool SavCheck::checkSubtype(qint32 subtype, const QByteArray &data)
 {
-    enum : qint32 { LongNames = 13, LongTexts = 14, LongLabels = 21 };
+    enum : qint32 { Machine = 3, LongNames = 13, LongTexts = 14, LongLabels = 21 };
     if (!m_in.isGood()) {
         return false;
     }
+    m_hasLongTexts = m_hasLongTexts || subtype == LongTexts;
+    m_isUtf8 = m_isUtf8 || (subtype == Machine && declaresUtf8(data));
     if ((subtype == LongNames || subtype == LongTexts) && !isListOfNames(data)) {
         return fail(QStringLiteral("the record of long names is not a list of names"));
     }
     return subtype != LongLabels || checkLongLabels(data) ||
            fail(QStringLiteral("the record of labels of long texts has wrong lengths"));
+}
+
+/// Eight numbers, of which the last is the code page.
+bool SavCheck::declaresUtf8(const QByteArray &data) const
+{
+    constexpr qint64 kCodePageAt = 28;
+    constexpr qint32 kUtf8 = 65001;
+    constexpr qint32 kUtf8OfIbm = 1208;
+    MemorySource source(data);
+    CheckedReader in(source);
+    in.setBigEndian(m_isBigEndian);
+    in.seek(kCodePageAt);
+    const auto page = in.number<qint32>();
+    return in.isGood() && (page == kUtf8 || page == kUtf8OfIbm);
 }
 
 /// Per variable: n, name (n), width, count, then count times: n, value (n), n, label (n).
@@ -225,6 +245,12 @@ bool SavCheck::checkLongLabels(const QByteArray &data) const
 Result<void, Error> checkSav(ByteSource &source)
 {
     return SavCheck(source).run();
+}
+
+bool hasLongUtf8Texts(ByteSource &source)
+{
+    SavCheck check(source);
+    return check.run() && check.hasLongUtf8Texts();
 }
 
 } // namespace corvanta::stat

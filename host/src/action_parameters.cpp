@@ -63,6 +63,11 @@ DateColumns ActionParameters::dateColumns()
     return {};
 }
 
+QVector<ColumnNotes> ActionParameters::columnNotes()
+{
+    return {};
+}
+
 bool ActionParameters::needsDateColumns() const
 {
     return false;

@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """corvanta head and schema: head_test.py CORVANTA CORPUS [TEST]..."""
 import fcntl
+import json
 import os
 import pathlib
 import pty
@@ -106,6 +107,18 @@ class Head(Case):
         (self.folder / "t.dbf").write_bytes(struct.pack("<BxxxIHH20x11sc4xB15x", 3, 5000, 65, 2, b"L", b"L", 1) + b"\r" +
                                             record * 5000)
         self.assertIn("Warning: 3 values of the DBF file", self.corvanta("head", "t.dbf", "-n", "3").stderr)
+
+    @unittest.skipUnless(CORPUS.is_dir(), "no corpus of real files")
+    def test_schema_shows_labels_formats_and_value_labels(self):
+        data = str(CORPUS / "stat/sample.por")
+        lines = self.corvanta("schema", data).stdout.splitlines()
+        self.assertEqual([lines[0], lines[1], lines[4]],
+                         ["MYCHAR\tU\tcharacter\tA1", "MYNUM\tF\tnumeric\tF8.2", "MYLABL\tF\tlabeled\tF8.2\t1=Male, 2=Female"])
+        columns = json.loads(self.corvanta("schema", data, "--json").stdout)
+        self.assertEqual(columns[4], {"name": "MYLABL", "type": "decimal", "letter": "F", "label": "labeled", "format": "F8.2",
+                                      "valueLabels": [{"value": "1", "label": "Male"}, {"value": "2", "label": "Female"}]})
+        self.put("in.csv", "k\n1\n")
+        self.assertEqual(json.loads(self.corvanta("schema", "in.csv", "--json").stdout), [{"name": "k", "type": "text", "letter": "U"}])
 
     def test_statuses(self):
         self.put("in.csv", "a\n1\n")

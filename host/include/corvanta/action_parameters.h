@@ -104,6 +104,20 @@ struct DateColumns
     bool haveTimes = false; ///< some of the dates have a time
 };
 
+/// What an input file says about one of its columns, besides the name and the type.
+struct ColumnNotes
+{
+    struct ValueLabel
+    {
+        QString value; ///< a number has its fewest digits
+        QString label;
+    };
+
+    QString label;                   ///< a longer name; empty: none
+    QString format;                  ///< how values are shown, as the file names it; empty: none
+    QVector<ValueLabel> valueLabels; ///< in the order of the file
+};
+
 /// What an action does to a file that it writes. Known before a run from the parameters alone, so
 /// that a graph whose actions would damage each other's files is rejected, and `corvanta check
 /// --list-outputs` can print the files.
@@ -188,6 +202,10 @@ public:
     virtual QVector<ParameterProblem> problems() const;
     /// False for an action that can be edited and saved, but not run by this version.
     virtual bool canRun() const;
+    /// What the input file says about each column of the first output; empty, or shorter than the
+    /// columns are, where it says nothing. Logs nothing: the run reports what it cannot read. Not
+    /// during a run.
+    virtual QVector<ColumnNotes> columnNotes();
 
     /// "text", "integer", ... as `describe` prints it.
     static QString typeName(ParameterInfo::Type type);

@@ -71,3 +71,13 @@ s <- data.frame(id = c(1, NA, 3), sex = formatted(c(1, 2, 3), "format.sas", "SEX
   day = as.Date(c("2026-11-22", NA, "1959-12-31")))
 suppressWarnings(write_sas(s, file.path(d, "s.sas7bdat")))
 for (case in c("catalogue_none", "catalogue_missing", "catalogue_damaged")) file.copy(file.path(d, "s.sas7bdat"), folder(case), overwrite = TRUE)
+
+# A header with deleted rows: word 7 of the subheader of the rows. A very long text with a segment of bytes 0.
+d <- folder("rows_deleted")
+bytes <- readBin("sas/s.sas7bdat", "raw", file.size("sas/s.sas7bdat"))
+bytes[11480 + 7 * 8 + 1] <- as.raw(2)
+writeBin(bytes, file.path(d, "s.sas7bdat"))
+d <- folder("segment_of_zeros")
+write_sav(data.frame(a = c(strrep("Q", 300), strrep("R", 300)), b = c(1, 2)), file.path(d, "long.sav"), compress = "none")
+patch(file.path(d, "long.sav"), charToRaw(paste0(strrep("Q", 255), " ")), raw(256)); patch(file.path(d, "long.sav"), charToRaw("Q"), raw(1))
+# por_damaged/four.por is a file of IBM SPSS with "81/82/83/84/" before the label of MYNUM, in lines of 80.

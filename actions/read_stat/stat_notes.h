@@ -1,0 +1,13 @@
+// What a data set says about its variables, for a user who looks at the file.
+#pragma once
+#include "actions/read_stat/read_stat_params.h"
+#include "corvanta/action_base.h"
+
+namespace corvanta {
+
+/// The notes for the columns of `name`, with value labels also of the catalogue of the parameters.
+/// Logs nothing; what cannot be read has no notes. Outside runs. `action` expands file names.
+QVector<ColumnNotes> statNotes(const ActionBase &action, const QString &name,
+                               const ReadStatParams &params);
+
+} // namespace corvanta

@@ -1,0 +1,87 @@
+#include "actions/read_stat/stat_options.h"
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+stat::Format formatOfEnding(const QString &name)
+{
+    struct Ending
+    {
+        QLatin1StringView text;
+        stat::Format format;
+    };
+    static constexpr std::array kEndings{
+        Ending{".sas7bdat"_L1, stat::Format::Sas},
+        Ending{".sav"_L1, stat::Format::SpssSav},
+        Ending{".zsav"_L1, stat::Format::SpssSav},
+        Ending{".por"_L1, stat::Format::SpssPor},
+        Ending{".dta"_L1, stat::Format::Stata},
+        Ending{".xpt"_L1, stat::Format::SasTransport},
+        Ending{".xport"_L1, stat::Format::SasTransport},
+    };
+    for (const Ending &ending : kEndings) {
+        if (name.endsWith(ending.text, Qt::CaseInsensitive)) {
+            return ending.format;
+        }
+    }
+    return stat::Format::Sas;
+}
+
+/// The name of the data set: of the member of an archive, and without the ending of a compressed
+/// file.
+QString dataSetName(const InputFile &input)
+{
+    switch (input.kind()) {
+    case input::Kind::Zip:
+        return input.memberName();
+    case input::Kind::Gzip:
+        return input.name().chopped(3);
+    case input::Kind::Compress:
+        return input.name().chopped(2);
+    case input::Kind::Rar:
+    case input::Kind::Plain:
+        break;
+    }
+    return input.name();
+}
+
+} // namespace
+
+stat::Format statFormatOf(const ReadStatParams &params, const InputFile &input)
+{
+    switch (params.fileFormat) {
+    case StatFormat::Sas:
+        return stat::Format::Sas;
+    case StatFormat::SpssSav:
+        return stat::Format::SpssSav;
+    case StatFormat::SpssPor:
+        return stat::Format::SpssPor;
+    case StatFormat::Stata:
+        return stat::Format::Stata;
+    case StatFormat::SasTransport:
+        return stat::Format::SasTransport;
+    case StatFormat::OfEnding:
+        break;
+    }
+    return formatOfEnding(dataSetName(input));
+}
+
+stat::ReadOptions statOptionsOf(const ReadStatParams &params, stat::Format format)
+{
+    return {
+        .format = format,
+        .encoding = params.encoding,
+        .namesFromLabels = params.columnNamefromLabel,
+        .extractLabels = params.extractLabels,
+        .formatDates = params.formatDates,
+        .columns = params.columnsToRead,
+        .maxRows = params.maxRows,
+    };
+}
+
+} // namespace corvanta

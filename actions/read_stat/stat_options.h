@@ -1,0 +1,14 @@
+// What the parameters of readStat mean for one file.
+#pragma once
+#include "actions/read_stat/read_stat_params.h"
+#include "codecs/stat/data_set_reader.h"
+#include "io/input/input_file.h"
+
+namespace corvanta {
+
+/// The format of `input`: that of the parameters, or that of its ending.
+stat::Format statFormatOf(const ReadStatParams &params, const InputFile &input);
+
+stat::ReadOptions statOptionsOf(const ReadStatParams &params, stat::Format format);
+
+} // namespace corvanta
