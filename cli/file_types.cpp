@@ -24,7 +24,6 @@ struct FileAction
 {
     const char *type = nullptr;
     const FileFormat *format = nullptr;
-    bool canRun = true;
 };
 
 /// The formats of all actions, in the order of their families.
@@ -36,7 +35,7 @@ std::vector<FileAction> fileActions(const ActionRegistry &registry, FileFormat::
         for (const FileFormat &format :
              parameters != nullptr ? parameters->fileFormats() : std::span<const FileFormat>()) {
             if (format.use == use) {
-                all.push_back({action->getTypeName(), &format, parameters->canRun()});
+                all.push_back({action->getTypeName(), &format});
             }
         }
     }
@@ -229,7 +228,7 @@ QString knownExtensions(const ActionRegistry &registry, FileFormat::Use use)
 {
     QStringList all;
     for (const FileAction &action : fileActions(registry, use)) {
-        all << (action.canRun ? wordsOf(action.format->extensions) : QStringList());
+        all << wordsOf(action.format->extensions);
     }
     return all.join(u' ');
 }

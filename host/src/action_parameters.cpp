@@ -90,11 +90,6 @@ bool ActionParameters::templateMarks(const QString &, QVector<TemplateMark> *)
     return true;
 }
 
-bool ActionParameters::canRun() const
-{
-    return true;
-}
-
 QString ActionParameters::typeName(ParameterInfo::Type type)
 {
     switch (type) {

@@ -200,8 +200,6 @@ public:
     /// ranges, required values) are found without this. The action has the graph's variables; no
     /// file may be opened. Logs nothing. Not during a run.
     virtual QVector<ParameterProblem> problems() const;
-    /// False for an action that can be edited and saved, but not run by this version.
-    virtual bool canRun() const;
     /// What the input file says about each column of the first output; empty, or shorter than the
     /// columns are, where it says nothing. Logs nothing: the run reports what it cannot read. Not
     /// during a run.

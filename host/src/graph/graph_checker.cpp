@@ -214,9 +214,6 @@ void ActionCheck::checkOwnProblems()
         const bool isError = problem.severity == ParameterProblem::Severity::Error;
         add(lineOf(problem.parameter), problem.text, isError ? Kind::Missing : Kind::Hint);
     }
-    if (!m_parameters.canRun()) {
-        add(m_action.parameters.line(), u"this version of the module cannot run it"_s, Kind::Hint);
-    }
 }
 
 QStringList namesOf(const QVector<TargetUse> &targets)
