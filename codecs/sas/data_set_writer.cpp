@@ -13,6 +13,7 @@
 #include <readstat.h>
 
 #include <algorithm>
+#include <bit>
 #include <limits>
 
 namespace corvanta::sas {
@@ -113,6 +114,21 @@ Result<void, Error> DataSetWriter::check(qint64 rows) const
                : Result<void, Error>();
 }
 
+/// The library does not check its allocations: a failed one ends the process. Those that can be
+/// large are tried here, together, which throws std::bad_alloc if they would fail.
+void DataSetWriter::tryMemory() const
+{
+    qint64 rowBytes = 0;
+    for (const Variable &variable : m_variables) {
+        rowBytes += variable.width;
+    }
+    // A row, two pages that hold at least one row, and the zeros that fill the last page.
+    constexpr quint64 kSmallestPage = 65'536;
+    const auto page = std::bit_ceil(static_cast<quint64>(rowBytes) + kSmallestPage);
+    const size_t variables = m_variables.size() * sizeof(readstat_variable_t);
+    const QByteArray memory(static_cast<qsizetype>(3 * page + variables), Qt::Uninitialized);
+}
+
 void DataSetWriter::addVariables()
 {
     for (size_t i = 0; i < m_variables.size(); ++i) {
@@ -139,6 +155,7 @@ Result<void, Error> DataSetWriter::begin(qint64 rows)
     if (auto checked = check(rows); !checked) {
         return checked;
     }
+    tryMemory();
     m_writer.reset(readstat_writer_init());
     readstat_set_data_writer(m_writer.get(), [](const void *bytes, size_t n, void *self) {
         return static_cast<ssize_t>(write(bytes, n, self));

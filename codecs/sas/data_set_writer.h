@@ -40,6 +40,7 @@ private:
     };
 
     Result<void, Error> check(qint64 rows) const;
+    void tryMemory() const;
     void addVariables();
     int addRow(const char **at);
     Result<void, Error> resultOf(int code) const;

@@ -5,6 +5,7 @@ Rows, names and messages of small tables are graph cases (graphs/write_sas, grap
 """
 import pathlib
 import random
+import resource
 import struct
 import subprocess
 import sys
@@ -97,6 +98,20 @@ class Sas(unittest.TestCase):
             found = self.convert("k,t\n1,ab\n2,a\0b\n3,\0\0\n", target, "--reader", "types=K,U")
             self.assertIn("3 characters cannot be stored and were replaced; the first is in row 2, column 't'", found)
         self.assertIn(b"a b", self.content("o.xpt"))
+
+    def test_rows_larger_than_the_memory(self):
+        if any(b"__" + name + b"_init" in pathlib.Path(CORVANTA).read_bytes() for name in (b"asan", b"tsan")):
+            self.skipTest("sanitizers reserve more than the limit")
+        names = [f"c{i}" for i in range(3000)]
+        (self.folder / "in.csv").write_text(",".join(names) + "\n" + ",".join("x" * 3000) + "\n")
+        widths = "".join(f"<CD n='{name}' l='32767'/>" for name in names)
+        (self.folder / "a.graph").write_text(
+            f"<graph version='4.11'><action id='a'><readCSV fileName='in.csv'/></action><action id='b'><writeSAS fileName='o.sas7bdat'>"
+            f"<StringColDef>{widths}</StringColDef></writeSAS></action><link from='a:0' to='b:0'/></graph>")
+        done = subprocess.run([CORVANTA, "run", "a.graph"], cwd=self.folder, capture_output=True, text=True, timeout=120,
+                              preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (420_000_000, 420_000_000)))
+        self.assertEqual((done.returncode, done.stderr), (1, "[b] Error: 'writeSAS': not enough memory\n"))
+        self.assertFalse((self.folder / "o.sas7bdat").exists())
 
     def test_a_full_folder_for_temporary_files(self):
         table = "t\n" + ("x" * 100 + "\n") * 200_000
