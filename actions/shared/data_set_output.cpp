@@ -29,6 +29,59 @@ const VariableDefinition *DataSetOutput::definitionOf(const QString &column) con
     return found != all.end() ? &*found : nullptr;
 }
 
+QByteArray DataSetOutput::encoded(const QString &text, const QString &column)
+{
+    qint64 replaced = 0;
+    const QByteArray bytes = m_run->encoder.encode(text, &replaced);
+    if (replaced > 0) {
+        m_run->replacedInNames.add([&] { return column; });
+    }
+    return bytes;
+}
+
+QByteArray DataSetOutput::encodedLabel(const QString &label, const QString &column)
+{
+    const QByteArray bytes = encoded(label, column);
+    const qsizetype fitting = m_run->encoder.fit(bytes.constData(), bytes.size(), maxLabelBytes());
+    if (fitting < bytes.size()) {
+        m_run->cutLabels.add([&] { return column; });
+    }
+    return bytes.first(fitting);
+}
+
+void DataSetOutput::warnNames()
+{
+    const Occurrences &cut = m_run->cutLabels;
+    if (cut.any()) {
+        warn(
+            u"Warning: writing %1 '%2': %3 labels are longer than %4 bytes and were cut; the first is that of the column '%5'\n"_s
+                .arg(fileKind(), fileName(), QString::number(cut.count()),
+                     QString::number(maxLabelBytes()), cut.first()));
+    }
+    const Occurrences &replaced = m_run->replacedInNames;
+    if (replaced.any()) {
+        warn(
+            u"Warning: writing %1 '%2': %3 names and labels have characters that cannot be stored and were replaced; the first is that of the column '%4'\n"_s
+                .arg(fileKind(), fileName(), QString::number(replaced.count()), replaced.first()));
+    }
+}
+
+/// A misspelled name would lose its label and format in silence.
+void DataSetOutput::warnDefinitions(const OneRow &columns)
+{
+    Occurrences unknown;
+    for (const VariableDefinition &defined : dataSetParams().variables) {
+        if (columns.getIndexOfColumn(defined.name) < 0) {
+            unknown.add([&] { return defined.name; });
+        }
+    }
+    if (unknown.any()) {
+        warn(
+            u"Warning: writing %1 '%2': %3 columns of VariableDef are not in the input; the first is '%4'\n"_s
+                .arg(fileKind(), fileName(), QString::number(unknown.count()), unknown.first()));
+    }
+}
+
 /// The width in StringColDef; 0 without one.
 int DataSetOutput::declaredWidth(const QString &name) const
 {
@@ -92,6 +145,13 @@ bool DataSetOutput::begin(const OneRow &columns)
         !describe(m_run->names, m_run->variables) || !findWidths(columns, inputs)) {
         return false;
     }
+    warnDefinitions(columns);
+    warnNames();
+    return openTarget();
+}
+
+bool DataSetOutput::openTarget()
+{
     m_run->spool = std::make_unique<BlockSpool>(BlockSpool::Options{
         .retryWrite = [this] { return askRetryWrite(m_run->spool->folder()); }});
     // Opened now, so that a target that cannot be written fails before the rows are read.

@@ -11,6 +11,7 @@
 #pragma once
 #include "actions/shared/params/data_set_params.h"
 #include "actions/shared/row_writer.h"
+#include "base/occurrences.h"
 #include "codecs/sas/row_packer.h"
 #include "codecs/sas/table_writer.h"
 #include "io/spool/block_spool.h"
@@ -33,8 +34,9 @@ protected:
     const QString &fileParameter() const override { return dataSetParams().fileName; }
     /// What the file is called in messages: "SAS file".
     virtual QString fileKind() const = 0;
-    /// The longest text of the format, in bytes.
+    /// The longest text and label of the format, in bytes.
     virtual int maxTextBytes() const = 0;
+    virtual int maxLabelBytes() const = 0;
     /// The width of a text column whose longest text has so many bytes.
     virtual int measuredWidth(qsizetype longest) const = 0;
     /// Choose the encoding of texts and names. Returns false after a failure.
@@ -72,6 +74,11 @@ protected:
     const sas::TextEncoder &encoder() const { return m_run->encoder; }
     /// The definition of a column in the parameters; null without one.
     const VariableDefinition *definitionOf(const QString &column) const;
+    /// A name or label of a column in the encoding of the file. What is lost is counted, and
+    /// reported after describe().
+    QByteArray encoded(const QString &text, const QString &column);
+    /// The same, cut to maxLabelBytes().
+    QByteArray encodedLabel(const QString &label, const QString &column);
     /// Name of a written column in the input.
     const QString &columnName(size_t column) const { return m_run->names[int(column)]; }
     /// "row 7, column 'x'": a place in the input.
@@ -83,6 +90,8 @@ private:
         sas::TextEncoder encoder = sas::TextEncoder::utf8();
         QStringList names; // of the written columns
         std::vector<sas::Variable> variables;
+        Occurrences cutLabels;
+        Occurrences replacedInNames;  // and in labels
         std::vector<bool> isMeasured; // text columns whose width follows from their texts
         std::unique_ptr<sas::RowPacker> packer;
         std::unique_ptr<BlockSpool> spool;
@@ -91,9 +100,12 @@ private:
         qint64 rows = 0;                          // spooled
     };
 
+    void warnNames();
+    void warnDefinitions(const OneRow &columns);
     bool findWidths(const OneRow &columns, const QVector<int> &inputs);
     bool chooseWidth(size_t column, sas::PackedColumn *packed);
     int declaredWidth(const QString &name) const;
+    bool openTarget();
     bool spoolBlock();
     bool failSpool();
     void measureWidths();

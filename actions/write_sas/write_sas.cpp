@@ -72,7 +72,8 @@ int ActionWriteSAS::measuredWidth(qsizetype longest) const
 {
     const double width =
         std::ceil(static_cast<double>(longest) * m_params.f1 + static_cast<double>(m_params.f2));
-    return static_cast<int>(std::clamp(width, 1.0, double(sas::kMaxTextBytes)));
+    // Not std::clamp(), which keeps a NaN: a factor may be any double.
+    return static_cast<int>(std::fmin(std::fmax(width, 1.0), double(sas::kMaxTextBytes)));
 }
 
 bool ActionWriteSAS::reportCutText(const QString &column, qsizetype bytes, int width,
@@ -107,7 +108,7 @@ bool ActionWriteSAS::checkLengths(const QStringList &columns)
                fileName(), *found));
 }
 
-std::vector<QByteArray> ActionWriteSAS::chooseNames(const QStringList &columns) const
+std::vector<QByteArray> ActionWriteSAS::chooseNames(const QStringList &columns)
 {
     std::vector<QByteArray> names;
     for (const QString &column : columns) {
@@ -120,7 +121,7 @@ std::vector<QByteArray> ActionWriteSAS::chooseNames(const QStringList &columns) 
             break;
         case VariableNames::Truncated:
         case VariableNames::Whole:
-            names.push_back(sas::cutUtf8(encoder().encode(column), sas::kMaxNameBytes));
+            names.push_back(sas::cutUtf8(encoded(column, column), sas::kMaxNameBytes));
             break;
         }
     }
@@ -168,9 +169,9 @@ bool ActionWriteSAS::describe(const QStringList &names, std::vector<sas::Variabl
     reportOddNames(chosen);
     for (size_t i = 0; i < variables.size(); ++i) {
         variables[i].name = chosen[i];
-        const QString label = labelOf(names[static_cast<qsizetype>(i)]);
-        variables[i].label = sas::cutUtf8(encoder().encode(label), sas::kMaxLabelBytes);
-        variables[i].format = formatOf(names[static_cast<qsizetype>(i)]);
+        const QString &column = names[static_cast<qsizetype>(i)];
+        variables[i].label = encodedLabel(labelOf(column), column);
+        variables[i].format = formatOf(column);
     }
     return true;
 }

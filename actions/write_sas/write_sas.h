@@ -21,6 +21,7 @@ private:
     QString message(WriteProblem problem, const QString &name) const override;
     QString fileKind() const override;
     int maxTextBytes() const override { return sas::kMaxTextBytes; }
+    int maxLabelBytes() const override { return sas::kMaxLabelBytes; }
     int measuredWidth(qsizetype longest) const override;
     bool describe(const QStringList &names, std::vector<sas::Variable> &variables) override;
     bool failUnknownWidth(const QString &column) override;
@@ -32,7 +33,7 @@ private:
     void start() override;
 
     // Names of the variables; the functions that return bool have failed the run on false.
-    std::vector<QByteArray> chooseNames(const QStringList &columns) const;
+    std::vector<QByteArray> chooseNames(const QStringList &columns);
     bool checkLengths(const QStringList &columns);
     void makeDifferent(const QStringList &columns, std::vector<QByteArray> *names);
     void reportOddNames(const std::vector<QByteArray> &names);

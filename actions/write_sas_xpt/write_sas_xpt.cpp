@@ -133,25 +133,13 @@ void ActionWriteSASXPT::setNames(const QStringList &columns, std::vector<sas::Va
 
 void ActionWriteSASXPT::setLabels(const QStringList &columns, std::vector<sas::Variable> &variables)
 {
-    qsizetype cut = 0;
-    QString first;
     for (size_t i = 0; i < variables.size(); ++i) {
         const QString &column = columns[static_cast<qsizetype>(i)];
         const VariableDefinition *const defined = definitionOf(column);
         // A name that was changed is kept as the label.
         QString label = variables[i].name != column.toUtf8() ? column : QString();
         label = defined != nullptr && !defined->label.isEmpty() ? defined->label : label;
-        const QByteArray bytes = encoder().encode(label);
-        const qsizetype fitting = encoder().fit(bytes.constData(), bytes.size(), limits().label);
-        variables[i].label = bytes.first(fitting);
-        if (fitting < bytes.size() && cut++ == 0) {
-            first = column;
-        }
-    }
-    if (cut > 0) {
-        warn(
-            u"Warning: writing SAS transport file '%1': %2 labels are longer than %3 bytes and were cut; the first is that of the column '%4'\n"_s
-                .arg(fileName(), QString::number(cut), QString::number(limits().label), first));
+        variables[i].label = encodedLabel(label, column);
     }
 }
 
@@ -192,12 +180,12 @@ ActionWriteSASXPT::makeWriter(ByteSink &sink, std::vector<sas::Variable> variabl
                                                   std::move(variables));
 }
 
-void ActionWriteSASXPT::warnLostRows(qint64 lost)
+void ActionWriteSASXPT::warnBlankRows(qint64 count)
 {
-    if (lost > 0) {
+    if (count > 0) {
         warn(
             u"Warning: writing SAS transport file '%1': the last %2 rows have only missing texts. Programs that do not know the number of rows take them for padding and ignore them. Write a column of numbers, too; SAS reads them with version8='1'\n"_s
-                .arg(fileName(), QString::number(lost)));
+                .arg(fileName(), QString::number(count)));
     }
 }
 
@@ -219,7 +207,7 @@ void ActionWriteSASXPT::reportRows(const sas::TableWriter &writer)
                          QString::number(tooLarge.firstRow)));
         }
     }
-    warnLostRows(transport.lostRows());
+    warnBlankRows(transport.blankRowsAtEnd());
 }
 
 } // namespace corvanta

@@ -24,6 +24,7 @@ private:
     QString message(WriteProblem problem, const QString &name) const override;
     QString fileKind() const override;
     int maxTextBytes() const override { return limits().text; }
+    int maxLabelBytes() const override { return limits().label; }
     int measuredWidth(qsizetype longest) const override { return static_cast<int>(longest); }
     bool chooseEncoding() override;
     bool describe(const QStringList &names, std::vector<sas::Variable> &variables) override;
@@ -41,7 +42,7 @@ private:
     void setNames(const QStringList &columns, std::vector<sas::Variable> &variables);
     void setLabels(const QStringList &columns, std::vector<sas::Variable> &variables);
     bool define(const QString &column, sas::Variable &variable);
-    void warnLostRows(qint64 lost);
+    void warnBlankRows(qint64 count);
 };
 
 } // namespace corvanta

@@ -67,6 +67,9 @@ std::optional<TextEncoder> TextEncoder::named(const QByteArray &name)
     if (isNameOfUtf8(name)) {
         return utf8();
     }
+    if (name.isEmpty()) { // for iconv, the encoding of the user's locale
+        return std::nullopt;
+    }
     const char *const units = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? "UTF-16LE" : "UTF-16BE";
     const iconv_t converter = iconv_open(units, name.constData());
     // NOLINTNEXTLINE(performance-no-int-to-ptr): the value that iconv_open() returns on failure

@@ -283,18 +283,4 @@ Result<void, Error> TransportWriter::finish()
     return flush();
 }
 
-qint64 TransportWriter::lostRows() const
-{
-    // Readers take a row of blanks for padding if the file would have the same size without it.
-    const auto records = [&](qint64 rows) {
-        const qint64 bytes = rows * static_cast<qint64>(m_rowBytes);
-        return (bytes + qint64(kRecordBytes) - 1) / qint64(kRecordBytes);
-    };
-    qint64 lost = 0;
-    while (lost < m_blankRows && records(m_rows - lost - 1) == records(m_rows)) {
-        ++lost;
-    }
-    return lost;
-}
-
 } // namespace corvanta::sas

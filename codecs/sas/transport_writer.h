@@ -69,9 +69,9 @@ public:
 
     /// One for each variable. Rows count from 1, in the order of addRows().
     const std::vector<ValueReport> &reports() const { return m_reports; }
-    /// The rows of blanks at the end that readers cannot distinguish from padding, unless they use
-    /// the number of rows in the header of version 8. After finish().
-    qint64 lostRows() const;
+    /// The rows of blanks at the end. Many readers take all of them for padding, not only those in
+    /// the last record, and few use the number of rows in the header of version 8.
+    qint64 blankRowsAtEnd() const { return m_blankRows; }
 
 private:
     void addHeader(const char *name, const QByteArray &numbers);
