@@ -112,17 +112,13 @@ std::vector<QByteArray> ActionWriteSAS::chooseNames(const QStringList &columns)
 {
     std::vector<QByteArray> names;
     for (const QString &column : columns) {
-        switch (m_params.columnNameMode) {
-        case VariableNames::Numbered:
+        // A saved graph may have any number here; unknown ones are the default.
+        if (m_params.columnNameMode == VariableNames::Numbered) {
             names.push_back('C' + QByteArray::number(names.size() + 1));
-            break;
-        case VariableNames::Valid:
+        } else if (m_params.columnNameMode == VariableNames::Valid) {
             names.push_back(sas::validName(column, sas::kMaxNameBytes));
-            break;
-        case VariableNames::Truncated:
-        case VariableNames::Whole:
+        } else {
             names.push_back(sas::cutUtf8(encoded(column, column), sas::kMaxNameBytes));
-            break;
         }
     }
     return names;

@@ -20,7 +20,7 @@ ParamGroup<P> formatLimits()
                  "Column Names are C1,C2,.. and Column Labels are Corvanta Column Names"},
                 {VariableNames::Valid,
                  "Column Names are valid SAS names and Column Labels are Corvanta Column Names"}})
-            .otherwise("is not defined")
+            .otherwise("cuts the names of the columns")
             .label("Names of the variables")
             .meaning("A name in the data set has at most 32 bytes of UTF-8. Without the option "
                      "VALIDVARNAME=ANY, SAS accepts only letters of ASCII, digits and '_' in it."),

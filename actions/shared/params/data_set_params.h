@@ -43,7 +43,7 @@ template <class P> Param<P> wideTexts()
     return choice<P>(
                "stringStorage", &P::stringStorage,
                {{WideText::Truncate, "truncate it, with a warning"}, {WideText::Abort, "abort"}})
-        .otherwise("is not defined")
+        .otherwise("truncates it")
         .label("A text wider than its column")
         .meaning("What happens to a text that does not fit.");
 }
