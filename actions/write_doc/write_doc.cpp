@@ -88,6 +88,8 @@ bool ActionWriteDoc::templateMarks(const QString &file, QVector<TemplateMark> *m
         QStringList remedies;
         if (one.runs > 1) {
             remedies << u"type it again in one go, or set joinRuns='1'"_s;
+        } else if (one.isEscaped) {
+            remedies << u"set joinRuns='1'"_s;
         }
         if (!one.isInBody) {
             remedies << u"set allParts='1'"_s;

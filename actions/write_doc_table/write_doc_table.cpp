@@ -1,5 +1,6 @@
 #include "actions/write_doc_table/write_doc_table.h"
 
+#include "codecs/document/document_part.h"
 #include "codecs/document/document_parts.h"
 #include "codecs/opc/marker_search.h"
 #include "codecs/opc/markup_scan.h"
@@ -238,8 +239,7 @@ bool ActionWriteDocTable::writeDocument()
     if (const auto copied = copy.copyMembers(document()); !copied) {
         return failPackage(copied.fault(), TemplateProblem::CannotCopyMember);
     }
-    const auto places = m_params.strictMarkup ? document::findParagraphPlaces(body, m_run->markers)
-                                              : document::findTablePlaces(body, m_run->markers);
+    const auto places = findPlaces(body);
     reportMarkers(body, places);
     reportPlaces(places);
     const auto opened = document().open(member);
@@ -249,40 +249,55 @@ bool ActionWriteDocTable::writeDocument()
 
 bool ActionWriteDocTable::editStyles(opc::PackageCopy &copy)
 {
-    auto styles = copy.read(kStylesPart);
-    if (!styles) {
-        return failPackage(styles.fault(), TemplateProblem::CannotReadPart);
+    QByteArray styles;
+    if (!readPart(copy, kStylesPart, &styles)) {
+        return false;
     }
-    const auto defines = [&](const QByteArray &style) {
-        return styles->contains("w:styleId=\"" + style + '"');
-    };
+    const qsizetype end = styles.lastIndexOf("</w:styles>");
+    if (end >= 0 &&
+        !document::definesStyle(styles, QString::fromLatin1(document::kTableGridStyle))) {
+        copy.put(kStylesPart, styles.insert(end, document::kTableGridDefinition));
+    }
     for (const DocTable &table : m_params.tables) {
-        if (table.styleID != QLatin1StringView(document::kTableGridStyle) &&
-            !defines(opc::quotable(table.styleID))) {
+        if (!document::definesStyle(styles, table.styleID)) {
             warn(u"Warning: the template has no style '%1': the table at '%%2%' has no format.\n"_s
                      .arg(table.styleID, table.markerName));
         }
     }
-    const qsizetype end = styles->lastIndexOf("</w:styles>");
-    if (end >= 0 && !defines(document::kTableGridStyle)) {
-        copy.put(kStylesPart, styles->insert(end, document::kTableGridDefinition));
-    }
     return true;
+}
+
+bool ActionWriteDocTable::readPart(opc::PackageCopy &copy, const QByteArray &part, QByteArray *text)
+{
+    auto read = copy.read(part);
+    if (!read) {
+        return failPackage(read.fault(), TemplateProblem::CannotReadPart);
+    }
+    *text = std::move(*read);
+    return opc::isUtf8Text(*text) || failPackage({opc::Error::Encoding, QString::fromUtf8(part)},
+                                                 TemplateProblem::CannotReadPart);
 }
 
 bool ActionWriteDocTable::readBody(opc::PackageCopy &copy, QByteArray *body)
 {
-    const QByteArray part = document::bodyPart(copy);
-    const auto read = copy.read(part);
-    if (!read) {
-        return failPackage(read.fault(), TemplateProblem::CannotReadPart);
+    if (!readPart(copy, document::bodyPart(copy), body)) {
+        return false;
     }
-    if (!opc::isUtf8Text(*read)) {
-        return failPackage({opc::Error::Encoding, QString::fromUtf8(part)},
-                           TemplateProblem::CannotReadPart);
+    if (m_params.joinRuns) {
+        *body = opc::joinMarkers(*body, document::escapedMarkers(m_run->markers));
     }
-    *body = m_params.joinRuns ? opc::joinMarkers(*read, m_run->markers) : *read;
     return true;
+}
+
+std::vector<document::TablePlace> ActionWriteDocTable::findPlaces(const QByteArray &body) const
+{
+    const auto forms = document::markerForms(m_run->markers, m_params.joinRuns);
+    auto places = m_params.strictMarkup ? document::findParagraphPlaces(body, forms)
+                                        : document::findTablePlaces(body, forms);
+    for (document::TablePlace &place : places) {
+        place.table %= static_cast<int>(m_run->markers.size());
+    }
+    return places;
 }
 
 bool ActionWriteDocTable::writeBody(const QByteArray &body,
@@ -319,7 +334,7 @@ bool ActionWriteDocTable::writeTable(int table)
 void ActionWriteDocTable::reportMarkers(const QByteArray &body,
                                         const std::vector<document::TablePlace> &places)
 {
-    const auto split = opc::findSplitMarkers(body, m_run->markers);
+    const auto split = opc::findSplitMarkers(body, document::escapedMarkers(m_run->markers));
     for (size_t i = 0; i < m_run->markers.size(); ++i) {
         const auto isOfTable = [&](const document::TablePlace &p) { return p.table == int(i); };
         const auto isMarker = [&](const opc::SplitMarker &s) { return s.marker == int(i); };
@@ -333,6 +348,27 @@ void ActionWriteDocTable::reportMarkers(const QByteArray &body,
                 u"Warning: the template has no marker '%1': the table on input pin %2 is not written.\n"_s
                     .arg(marker, QString::number(i + 1)));
         }
+    }
+    reportLeft(body, places);
+}
+
+void ActionWriteDocTable::reportLeft(const QByteArray &body,
+                                     const std::vector<document::TablePlace> &places)
+{
+    Occurrences left;
+    auto place = places.begin(); // both lists are in the order of the text
+    for (const opc::MarkerHit &hit : opc::findMarkers(body, m_run->markers)) {
+        place =
+            std::find_if(place, places.end(), [&](const auto &p) { return p.resume >= hit.end; });
+        if (place == places.end() || place->resume != hit.end) {
+            left.add(
+                [&] { return QString::fromUtf8(m_run->markers[static_cast<size_t>(hit.marker)]); });
+        }
+    }
+    if (left.any()) {
+        warn(
+            u"Warning: %1 markers are not in a text, where a table can be, and stay in the document, first '%2'.\n"_s
+                .arg(QString::number(left.count()), left.first()));
     }
 }
 

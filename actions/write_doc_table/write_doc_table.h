@@ -73,10 +73,14 @@ private:
     /// Define the style that every document has.
     bool editStyles(opc::PackageCopy &copy);
     bool readBody(opc::PackageCopy &copy, QByteArray *body);
+    /// Read a part whose text is changed.
+    bool readPart(opc::PackageCopy &copy, const QByteArray &part, QByteArray *text);
+    std::vector<document::TablePlace> findPlaces(const QByteArray &body) const;
     bool writeBody(const QByteArray &body, const std::vector<document::TablePlace> &places);
     bool writeTable(int table);
-    // Warn of markers without a place, and of places that lose something.
+    // Warn of markers without a place, of those besides places, and of places that lose something.
     void reportMarkers(const QByteArray &body, const std::vector<document::TablePlace> &places);
+    void reportLeft(const QByteArray &body, const std::vector<document::TablePlace> &places);
     void reportPlaces(const std::vector<document::TablePlace> &places);
 
     std::unique_ptr<Run> m_run; // from start() to finish()

@@ -11,26 +11,22 @@
 
 namespace corvanta::document {
 
-namespace {
-
-/// Whether a place is inside a tag, and thus in an attribute.
-bool isInTag(QByteArrayView text, qsizetype at)
-{
-    const qsizetype open = text.first(at).lastIndexOf('<');
-    opc::Tag tag;
-    qsizetype end = 0;
-    // Markup that is broken or skipped holds no text that a reader sees.
-    return open >= 0 && (opc::scanMarkup(text, open, &tag, &end) != opc::Scan::Tag || end > at);
-}
-
-} // namespace
-
 std::vector<QByteArray> escapedMarkers(std::vector<QByteArray> markers)
 {
     for (QByteArray &marker : markers) {
-        marker.replace("&", "&amp;").replace("<", "&lt;");
+        marker.replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;");
     }
     return markers;
+}
+
+std::vector<QByteArray> markerForms(const std::vector<QByteArray> &markers, bool joinsRuns)
+{
+    std::vector<QByteArray> forms = markers;
+    if (joinsRuns) {
+        const auto escaped = escapedMarkers(markers);
+        forms.insert(forms.end(), escaped.begin(), escaped.end());
+    }
+    return forms;
 }
 
 DocumentPart DocumentPart::ofRelationships(const QByteArray &text, const MarkerLists &markers,
@@ -57,16 +53,12 @@ DocumentPart DocumentPart::ofText(const QByteArray &text, const MarkerLists &mar
 
 void DocumentPart::addTexts(const MarkerLists &markers, bool joinsRuns)
 {
-    std::vector<QByteArray> forms = markers.texts;
-    if (joinsRuns) {
-        const auto escaped = escapedMarkers(markers.texts);
-        forms.insert(forms.end(), escaped.begin(), escaped.end());
-    }
-    for (const opc::MarkerHit &hit : opc::findMarkers(m_text, forms)) {
+    for (const opc::MarkerHit &hit :
+         opc::findMarkers(m_text, markerForms(markers.texts, joinsRuns))) {
         const int column = hit.marker % static_cast<int>(markers.texts.size());
-        m_slots.push_back({hit.begin, hit.end,
-                           isInTag(m_text, hit.begin) ? Slot::Kind::Attribute : Slot::Kind::Text,
-                           column});
+        m_slots.push_back(
+            {hit.begin, hit.end,
+             opc::isInTag(m_text, hit.begin) ? Slot::Kind::Attribute : Slot::Kind::Text, column});
     }
 }
 

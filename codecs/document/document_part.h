@@ -93,7 +93,9 @@ private:
     std::vector<Box> m_boxes;
 };
 
-/// The markers as the text of an element holds them: "&" and "<" escaped.
+/// The markers as word processors write them: "&", "<" and ">" escaped.
 std::vector<QByteArray> escapedMarkers(std::vector<QByteArray> markers);
+/// What to search for: the markers, and with `joinsRuns` then the escaped ones in the same order.
+std::vector<QByteArray> markerForms(const std::vector<QByteArray> &markers, bool joinsRuns);
 
 } // namespace corvanta::document

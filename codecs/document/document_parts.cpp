@@ -6,7 +6,7 @@ QByteArray bodyPart(opc::PackageCopy &package)
 {
     const QByteArray usual(kDocumentPart);
     const QByteArray main = package.names().find(usual) ? usual : package.mainPart(usual);
-    return main.startsWith("word/") ? main : usual;
+    return beginsLike(main, "word/") ? main : usual;
 }
 
 } // namespace corvanta::document

@@ -6,6 +6,7 @@
 #include "codecs/opc/package_copy.h"
 
 #include <QByteArray>
+#include <QString>
 
 #include <array>
 
@@ -25,6 +26,17 @@ inline constexpr std::array<const char *, 5> kOtherWordParts{
 inline QByteArray standardName(const QByteArray &member)
 {
     return QByteArray(member).replace('\\', '/');
+}
+
+/// Whether a part has one of the names above, or begins with it; in any letter case, as part names
+/// are compared (ECMA-376 part 2, 6.2.2).
+inline bool isNamed(const QByteArray &part, QByteArrayView name)
+{
+    return part.compare(name, Qt::CaseInsensitive) == 0;
+}
+inline bool beginsLike(const QByteArray &part, QByteArrayView prefix)
+{
+    return QLatin1StringView(part).startsWith(QLatin1StringView(prefix), Qt::CaseInsensitive);
 }
 
 /// The part of a Word document with its body: kDocumentPart or, without such a member, the main

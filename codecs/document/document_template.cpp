@@ -72,12 +72,13 @@ bool DocumentTemplate::isEdited(const QByteArray &member) const
 {
     const QByteArray name = standardName(member);
     if (m_options.kind == DocumentKind::Presentation) {
-        return name.startsWith(kSlidePrefix) ||
-               (m_options.allParts && name.startsWith(kNotesPrefix));
+        return beginsLike(name, kSlidePrefix) ||
+               (m_options.allParts && beginsLike(name, kNotesPrefix));
     }
     const bool isOther = std::any_of(kOtherWordParts.begin(), kOtherWordParts.end(),
-                                     [&](const char *prefix) { return name.startsWith(prefix); });
-    return name == m_main || (m_options.allParts && isOther && name.endsWith(".xml"));
+                                     [&](const char *prefix) { return beginsLike(name, prefix); });
+    return isNamed(name, m_main) ||
+           (m_options.allParts && isOther && name.toLower().endsWith(".xml"));
 }
 
 Result<void, Error> DocumentTemplate::readParts(const std::function<bool()> &isRunning)
@@ -252,7 +253,7 @@ Result<void, Error> DocumentTemplate::write(opc::MemberWriter &output, RowValues
     const Media media = nameMedia(images, values);
     for (Entry &entry : m_entries) {
         const bool isTypes =
-            !media.empty() && standardName(entry.member.name) == opc::kContentTypesPart;
+            !media.empty() && isNamed(standardName(entry.member.name), opc::kContentTypesPart);
         const auto types = isTypes ? typesWith(media) : QByteArray();
         if (!types) {
             return types.fault();

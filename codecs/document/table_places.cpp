@@ -148,6 +148,10 @@ std::vector<TablePlace> findTablePlaces(QByteArrayView part, const std::vector<Q
     std::vector<TablePlace> places;
     qsizetype copied = 0;
     for (const opc::MarkerHit &hit : opc::findMarkers(part, markers)) {
+        // A table in an attribute would leave a document that no program opens.
+        if (opc::isInTag(part, hit.begin)) {
+            continue;
+        }
         const qsizetype opener = openerBefore(part, copied, hit.begin);
         TablePlace place{hit.marker, opener >= 0 ? opener : hit.begin};
         place.after = opener >= 0 ? kOpener.toByteArray() : QByteArray();

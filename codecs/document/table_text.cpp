@@ -35,6 +35,20 @@ constexpr QByteArrayView kCellEnd("</w:t></w:r></w:p></w:tc>");
 
 } // namespace
 
+bool definesStyle(QByteArrayView styles, const QString &id)
+{
+    for (opc::TagCursor cursor(styles); cursor.next();) {
+        const opc::Tag &tag = cursor.tag();
+        const bool opens = tag.kind != opc::Tag::Kind::Close && tag.local() == "style";
+        const auto found =
+            opens ? tag.attribute(opc::qualified(tag.prefix(), "styleId")) : std::nullopt;
+        if (found && opc::decoded(*found) == id) {
+            return true;
+        }
+    }
+    return false;
+}
+
 std::vector<int> columnWidths(const QString &list, qsizetype columns, QStringList *invalid)
 {
     std::vector<int> widths;

@@ -18,6 +18,9 @@ namespace corvanta::document {
 inline constexpr char kTableGridStyle[] = "TableGrid";
 extern const char kTableGridDefinition[];
 
+/// Whether a styles part defines a style with this id.
+bool definesStyle(QByteArrayView styles, const QString &id);
+
 /// The text width of a page of A4 paper with the usual margins, in twentieths of a point.
 inline constexpr int kPageWidth = 9072;
 

@@ -58,21 +58,21 @@ QString numberIn(const QByteArray &part, const QByteArray &prefix)
 QString locationOf(const QByteArray &part, const QByteArray &body,
                    const QMap<QByteArray, int> &slides)
 {
-    if (!part.endsWith(".xml")) {
+    if (!part.toLower().endsWith(".xml")) {
         return {};
     }
-    if (part == body) {
+    if (isNamed(part, body)) {
         return u"body"_s;
     }
-    if (part.startsWith(kSlidePrefix)) {
+    if (beginsLike(part, kSlidePrefix)) {
         const int place = slides.value(part);
         return place > 0 ? u"slide %1"_s.arg(place) : u"slide"_s + numberIn(part, kSlidePrefix);
     }
-    if (part.startsWith(kNotesPrefix)) {
+    if (beginsLike(part, kNotesPrefix)) {
         return u"notes"_s + numberIn(part, kNotesPrefix);
     }
     for (const char *const prefix : kOtherWordParts) {
-        if (part.startsWith(prefix)) {
+        if (beginsLike(part, prefix)) {
             return QString::fromLatin1(prefix).section(u'/', 1) + numberIn(part, prefix);
         }
     }
@@ -84,7 +84,7 @@ void addMarker(std::vector<TemplateMarker> &all, const TemplateMarker &marker)
 {
     const auto same = std::find_if(all.begin(), all.end(), [&](const TemplateMarker &one) {
         return one.text == marker.text && one.location == marker.location &&
-               one.runs == marker.runs;
+               one.runs == marker.runs && one.isEscaped == marker.isEscaped;
     });
     if (same == all.end()) {
         all.push_back(marker);
@@ -126,6 +126,7 @@ Result<void, Error> addPart(opc::PackageCopy &package, const TemplateMarker &pla
         TemplateMarker marker = place;
         marker.text = opc::decoded(listed.text);
         marker.runs = listed.pieces;
+        marker.isEscaped = listed.text.contains('&');
         addMarker(all, marker);
     }
     const QByteArray relationships = opc::relationshipPartOf(place.part);
@@ -151,7 +152,7 @@ Result<std::vector<TemplateMarker>, Error> listTemplate(zip::PackageReader &sour
         TemplateMarker place;
         place.part = standardName(member.name);
         place.location = locationOf(place.part, body, slides);
-        place.isInBody = place.part == body || place.part.startsWith(kSlidePrefix);
+        place.isInBody = isNamed(place.part, body) || beginsLike(place.part, kSlidePrefix);
         if (place.location.isEmpty()) {
             continue;
         }

@@ -16,8 +16,9 @@ struct TemplateMarker
     QString location; ///< "body", "header 1", "slide 3", "notes 3", "picture in the body"
     QByteArray part;  ///< the member that holds it
     int count = 1;
-    int runs = 1;         ///< that divide it
-    bool isInBody = true; ///< a part that is searched without allParts
+    int runs = 1;           ///< that divide it
+    bool isInBody = true;   ///< a part that is searched without allParts
+    bool isEscaped = false; ///< the part holds it in another form, with references for characters
 };
 
 /// The markers of a Word document or presentation in the order of its members; none for another

@@ -74,6 +74,8 @@ public:
         const bool closes = tag.kind == Tag::Kind::Close;
         if (tag.local() == "p" && tag.kind != Tag::Kind::Empty) {
             takeParagraph(closes);
+        } else if (endsLine(tag.local()) && !m_open.empty()) {
+            m_open.back() = ++m_paragraphs;
         } else if (tag.local() == "t" && closes && m_textBegin >= 0) {
             m_pieces.push_back(
                 {m_textBegin, tag.begin, m_open.empty() ? m_paragraphs : m_open.back()});
@@ -85,6 +87,11 @@ public:
     std::vector<TextPiece> pieces() { return std::move(m_pieces); }
 
 private:
+    /// Breaks and tabs: a reader sees two texts, and no marker goes across.
+    static bool endsLine(QByteArrayView local)
+    {
+        return local == "br" || local == "cr" || local == "tab";
+    }
     void takeParagraph(bool closes)
     {
         if (!closes) {
@@ -179,7 +186,25 @@ void addSplit(const ParagraphText &paragraph, const std::vector<QByteArray> &mar
     }
 }
 
+/// What is left of an element after its beginning has moved to another one may begin with a space,
+/// which Word drops unless the element says otherwise (ECMA-376 part 1, 17.3.3.31).
+void keepSpace(QByteArrayView part, const TextPiece &moved, Splices &splices)
+{
+    if (part.first(moved.begin).endsWith("<w:t>") && part.sliced(moved.end).startsWith(' ')) {
+        splices.insert(moved.begin - 1, " xml:space=\"preserve\"");
+    }
+}
+
 } // namespace
+
+bool isInTag(QByteArrayView text, qsizetype at)
+{
+    const qsizetype open = text.first(at).lastIndexOf('<');
+    Tag tag;
+    qsizetype end = 0;
+    // Markup that is broken or skipped holds no text that a reader sees.
+    return open >= 0 && (scanMarkup(text, open, &tag, &end) != Scan::Tag || end > at);
+}
 
 std::vector<MarkerHit> findMarkers(QByteArrayView text, const std::vector<QByteArray> &markers)
 {
@@ -231,6 +256,9 @@ QByteArray joinMarkers(QByteArrayView part, const std::vector<QByteArray> &marke
         const QByteArray &marker = markers[static_cast<size_t>(split.marker)];
         QByteArray moved = marker;
         for (const TextPiece &piece : split.pieces) {
+            if (moved.isEmpty()) {
+                keepSpace(part, piece, splices);
+            }
             splices.replace(piece.begin, piece.end, std::exchange(moved, QByteArray()));
         }
     }

@@ -25,12 +25,15 @@ struct MarkerHit
 /// wins, of several that begin together the first of the list. An empty marker is never found.
 std::vector<MarkerHit> findMarkers(QByteArrayView text, const std::vector<QByteArray> &markers);
 
+/// Whether the byte at `at` is inside a tag, and thus in an attribute, or in skipped markup.
+bool isInTag(QByteArrayView text, qsizetype at);
+
 /// The text between the tags of one text element, <w:t> or <a:t>; offsets in the part.
 struct TextPiece
 {
     qsizetype begin = 0;
     qsizetype end = 0;
-    int paragraph = 0; ///< number of the paragraph around it, in the order of their beginnings
+    int paragraph = 0; ///< number of the line around it: of the paragraph, up to a break or tab
 };
 
 /// The pieces of text that a reader sees, in the order of the part. Ends at broken markup. The
@@ -49,7 +52,8 @@ std::vector<SplitMarker> findSplitMarkers(QByteArrayView part,
                                           const std::vector<QByteArray> &markers);
 
 /// The part with each split marker moved as a whole to where it begins; it gets the formatting of
-/// that run. All other bytes are unchanged.
+/// that run. An element whose text then begins with a space keeps it; all other bytes are
+/// unchanged.
 QByteArray joinMarkers(QByteArrayView part, const std::vector<QByteArray> &markers);
 
 /// A text that looks like a marker, and the number of pieces that it is in.

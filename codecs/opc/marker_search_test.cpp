@@ -31,7 +31,7 @@ TEST(MarkerSearch, JoinsWhatRunsDivide)
                             "</w:r><w:r><w:t>C% 2 %A%</w:t></w:r></w:p>";
     EXPECT_EQ(joinMarkers(part, kMarkers),
               "<w:p><w:r><w:t>1 %BC%</w:t></w:r><w:r><w:t xml:space=\"preserve\"></w:t></w:r>"
-              "<w:r><w:t> 2 %A%</w:t></w:r></w:p>");
+              "<w:r><w:t xml:space=\"preserve\"> 2 %A%</w:t></w:r></w:p>");
     const auto split = findSplitMarkers(part, kMarkers);
     ASSERT_EQ(split.size(), 1U);
     EXPECT_EQ(split.front().marker, 1);
@@ -61,6 +61,8 @@ TEST(MarkerSearch, ListsWhatLooksLikeAMarker)
     EXPECT_EQ(found[0].pieces, 1);
     EXPECT_EQ(found[1].text, "%C%");
     EXPECT_EQ(found[1].pieces, 2);
+    // Columns beside a tab or a break are texts of their own.
+    EXPECT_TRUE(listMarkers("<w:p><w:t>10%</w:t><w:tab/><w:t>20% x</w:t></w:p>").empty());
 }
 
 } // namespace corvanta::opc

@@ -157,6 +157,23 @@ class WriteDoc(DocumentTest):
                          "the part 'word/document.xml' of '.*t.docx': type each marker again in one go, or set joinRuns='1'.\n$")
         self.assertIn(b"<w:t>[x</w:t></w:r><w:r><w:rPr><w:b/></w:rPr><w:t>]</w:t>", self.letter(attributes="joinRuns='1'")[DOCUMENT])
 
+    def test_markers_with_escaped_characters(self):
+        self.word(office.paragraph("%a&lt;b&amp;c&gt;d%"))
+        reader = self.table([("wordFile", "templateFile", "a<b&c>d"), ("out.docx", "t.docx", "x")])
+        element = "<writeDoc joinRuns='1'><text><s>a&lt;b&amp;c>d</s></text></writeDoc>"
+        self.assertEqual(self.run_graph([reader, element])[0], 0)
+        self.assertIn(b"<w:t>x</w:t>", members(self.folder / "out.docx")[DOCUMENT])
+
+    def test_names_of_parts_in_capitals(self):
+        self.word(office.paragraph("%text%") + f"<w:p>{office.picture('rId2', 40, 40)}</w:p>", LINK)
+        old = members(self.folder / "t.docx")
+        capital = {name.upper() if "document" in name else name: content.replace(DOCUMENT.encode(), DOCUMENT.upper().encode())
+                   for name, content in old.items()}
+        office.package(self.folder / "t.docx", capital)
+        written = self.letter()
+        self.assertIn(b"<w:t>x</w:t>", written[DOCUMENT.upper()])
+        self.assertIn(b"__Kobi_img1.png", written[RELATIONSHIPS.upper()])
+
     def test_all_parts(self):
         self.word(office.paragraph("%text%"), footer=office.paragraph("%text%"))
         self.assertIn(b"%text%", self.letter()["word/footer1.xml"])
@@ -348,6 +365,30 @@ class WriteDocTable(DocumentTest):
                       '<w:p><w:r><w:t>text </w:t></w:r></w:p>' + self.expected([], (9,))
                       + '<w:p><w:r><w:t xml:space="preserve"> more</w:t></w:r></w:p>', body)
 
+    def test_markers_that_are_not_in_a_text(self):
+        body = '<w:p><w:r><w:x a="%T1%"/><w:t>%T1%</w:t></w:r></w:p>'
+        self.word(body)
+        written = self.report(("colWidths='9'", [("a",), ("1",)]))[DOCUMENT].decode()
+        self.assertIn(body.replace(">%T1%", ">" + self.expected([("1",)], (9,))), written)
+        self.assertIn("Warning: 1 markers are not in a text, where a table can be, and stay in the document, first '%T1%'.\n",
+                      self.log[2])
+
+    def test_styles_without_an_end_or_in_another_form(self):
+        self.word(office.paragraph("%T1%"))
+        table = ("colWidths='9'", [("a",), ("1",)])
+        rewrite(self.folder / "t.docx", self.folder / "single.docx", lambda name, content: content if "styles" not in name else
+                b"<w:styles xmlns:w='u'><w:style w:type='table' w:styleId='TableGrid'/></w:styles>")
+        single = self.report(table, attributes="template='single.docx' output='out.docx'")
+        self.assertEqual((single["word/styles.xml"].count(b"TableGrid"), self.log[2]), (1, []))
+        rewrite(self.folder / "t.docx", self.folder / "none.docx", lambda name, content: content if "styles" not in name else b"<w:styles/>")
+        self.report(table, attributes="template='none.docx' output='out.docx'")
+        self.assertEqual(self.log[2], ["Warning: the template has no style 'TableGrid': the table at '%T1%' has no format.\n"])
+        rewrite(self.folder / "t.docx", self.folder / "wide.docx",
+                lambda name, content: content if "styles" not in name else content.decode().encode("utf-16"))
+        (self.folder / "out.docx").unlink()
+        self.fails("ERROR: problem reading the template file(1)\n", self.write_tables(table, attributes="template='wide.docx' "
+                   "output='out.docx'"), "the part 'word/styles.xml' of the template is not the XML")
+
     def test_tables_between_paragraphs(self):
         self.word('<w:p w:id="1"><w:pPr><w:jc w:val="left"/></w:pPr><w:hyperlink r:id="rId1"><w:r w:id="2"><w:rPr><w:b/></w:rPr>'
                   '<w:t>%T1%%T1%z</w:t></w:r></w:hyperlink></w:p>')
@@ -432,7 +473,8 @@ class Check(DocumentTest):
         self.word(office.paragraph("%a% %a% %R&amp;D%") + f"<w:p>{office.picture('rId2', 4, 4)}</w:p>"
                   "<w:p><w:r><w:t>%di</w:t></w:r><w:r><w:t>vided%</w:t></w:r></w:p>", LINK, footer=office.paragraph("%f%"))
         self.assertEqual(self.check("t.docx").stdout.splitlines(), [
-            "t.docx: %a% in body (word/document.xml), 2 times", "t.docx: %R&D% in body (word/document.xml)",
+            "t.docx: %a% in body (word/document.xml), 2 times", "t.docx: %R&D% in body (word/document.xml): not found in a run: set "
+            "joinRuns='1'",
             "t.docx: %divided% in body (word/document.xml), divided into 2 runs: not found in a run: type it again in one go, or set "
             "joinRuns='1'", "t.docx: %photo% in picture in the body (word/document.xml)",
             "t.docx: %f% in footer 1 (word/footer1.xml): not found in a run: set allParts='1'"])
