@@ -37,6 +37,7 @@ class Writer:
     targets: list
     appends: bool = False  # in place: a killed run may leave more than the old file, never less
     leaves: str = None     # what a failed run leaves in the target's folder
+    rows: str = ""         # the table, if it is not that of the others
 
 
 WRITERS = [
@@ -57,6 +58,9 @@ WRITERS = [
     Writer("<writeCSV fileName='one.csv'/>", ["one.csv"]),
     Writer(f"<writeDocTable template='{DOCUMENTS}/report.docx' output='report.docx'><v colWidths='1,1,1,1,1'/></writeDocTable>",
            ["report.docx"]),
+    Writer("<writeDoc output='output' template='template'><text><s>name</s></text><image><s>picture</s></image></writeDoc>",
+           ["one.docx", "two.docx"], rows="output,template,name,picture\n" + "".join(
+               f"{name}.docx,{DOCUMENTS}/letter.docx,{name},{DOCUMENTS}/mars.png\n" for name in ("one", "two"))),
     Writer("<writeSAS fileName='one.sas7bdat' autoWidth='1'/>", ["one.sas7bdat"]),
     Writer("<writeSASXPT fileName='one.xpt' autoWidth='1'/>", ["one.xpt"]),
 ]
@@ -80,15 +84,23 @@ class Kill(unittest.TestCase):
             f"{i},{i / 8},text {i},{i * 2 // rows},{i % 2}\n" for i in range(rows)))
         (self.folder / "case.graph").write_text(
             "<graph version='4.11'><action id='in'><readCSV fileName='in.csv' types='K,F,U,U,U' sortedOn='sorted'/></action>"
-            + "".join(f"<action id='a{i}'>{w.element}</action><link from='in:0' to='a{i}:0'/>" for i, w in enumerate(writers))
-            + "</graph>")
-        self.given = {"in.csv", "case.graph", "source.xlsx"}
+            + "".join(self.actions(i, writer) for i, writer in enumerate(writers)) + "</graph>")
+        self.given = {"in.csv", "case.graph", "source.xlsx", *(f"in{i}.csv" for i, w in enumerate(writers) if w.rows)}
         self.restore()
         begin = time.monotonic()
         subprocess.run(self.command(), check=True, stderr=subprocess.DEVNULL)
         self.length = time.monotonic() - begin
         self.new = {name: (self.folder / name).read_bytes() for name in self.targets()}
         self.assertEqual([name for name in self.new if self.new[name] == self.old(name)], [])
+
+    def actions(self, number, writer):
+        """A writer and what it reads."""
+        reader, source = "", "in"
+        if writer.rows:
+            source = f"in{number}"
+            (self.folder / f"{source}.csv").write_text(writer.rows)
+            reader = f"<action id='{source}'><readCSV fileName='{source}.csv'/></action>"
+        return f"{reader}<action id='a{number}'>{writer.element}</action><link from='{source}:0' to='a{number}:0'/>"
 
     def targets(self):
         return [name for writer in self.writers for name in writer.targets]

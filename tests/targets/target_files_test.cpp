@@ -25,6 +25,7 @@ struct WriterCase
     const char *start;   // of the bytes of its files
     bool isSequential = true;
     bool appends = false;
+    const char *row = nullptr; // the beginning of the only row; its last cell is a text
 };
 
 constexpr WriterCase kWriters[] = {
@@ -37,6 +38,8 @@ constexpr WriterCase kWriters[] = {
     {"<writeDocTable template='" CORVANTA_SOURCE_DIR
      "/examples/documents/report.docx' output='link'><v colWidths='1,1'/></writeDocTable>",
      "PK", false},
+    {"<writeDoc output='k' template='t'><text><s>name</s></text></writeDoc>", "PK", false, false,
+     "link," CORVANTA_SOURCE_DIR "/examples/documents/letter.docx,"},
     {"<writeReport output='link' template='>bar.xlsx'><Chart type='0' name='data'>"
      "<axis pinIdx='0'>k</axis><axis pinIdx='0'>t</axis></Chart></writeReport>",
      "PK", false},
@@ -63,12 +66,21 @@ protected:
     /// Run the writer on a table of so many rows.
     GraphOutcome run(int rows = 3) const
     {
-        m_folder.write(u"in.csv"_s, table(rows));
+        writeTable(rows);
         return runAgain();
+    }
+    void writeTable(int rows) const
+    {
+        QByteArray csv = table(rows);
+        if (GetParam().row != nullptr) {
+            csv = "k,t,name\n" + QByteArray(GetParam().row) + csv.replace(',', ' ').simplified();
+        }
+        m_folder.write(u"in.csv"_s, csv);
     }
     GraphOutcome runAgain() const
     {
-        return m_folder.runChain({"<readCSV fileName='in.csv' types='K,U'/>", GetParam().element});
+        const QByteArray types = GetParam().row != nullptr ? "" : " types='K,U'";
+        return m_folder.runChain({"<readCSV fileName='in.csv'" + types + "/>", GetParam().element});
     }
     QByteArray nativePath(const char *name) const
     {
@@ -168,7 +180,7 @@ TEST_P(TargetFiles, ADiskThatStaysFullFailsTheRunWithOneErrorAfterTheLastQuestio
 {
     int questions = 0;
     MainUI::setDiskSpaceQuestion([&](const QString &) { return ++questions < 3; });
-    m_folder.write(u"in.csv"_s, table(20'000));
+    writeTable(20'000);
     const FileSizeLimit full(30'000);
     const GraphOutcome outcome = runAgain();
     EXPECT_EQ(questions, 3);
