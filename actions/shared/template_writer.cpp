@@ -9,6 +9,26 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
+namespace {
+
+/// The ending of a name that stands for a kind of Word or PowerPoint file; else empty.
+QString kindOf(const QString &name)
+{
+    static const QStringList kKinds{u"docx"_s, u"docm"_s, u"dotx"_s, u"dotm"_s, u"pptx"_s,
+                                    u"pptm"_s, u"potx"_s, u"potm"_s, u"ppsx"_s, u"ppsm"_s};
+    const QString suffix = QFileInfo(name).suffix().toLower();
+    return kKinds.contains(suffix) ? suffix : QString();
+}
+
+} // namespace
+
+bool TemplateWriter::hasOtherKind(const QString &document) const
+{
+    const QString kind = kindOf(m_templateName);
+    const QString other = kindOf(document);
+    return !kind.isEmpty() && !other.isEmpty() && kind != other;
+}
+
 bool TemplateWriter::openTemplate(const QString &name)
 {
     m_templateName = name;

@@ -51,6 +51,10 @@ protected:
 
     /// Begin the document `name`, which is expanded already. The open template itself is refused.
     bool openDocument(const QString &name);
+    /// Whether the names of the template and of a document end like different kinds of Office
+    /// files, .dotx and .docx. A document has the kind of its template, and Office programs refuse
+    /// a file whose name says another one.
+    bool hasOtherKind(const QString &document) const;
     /// Valid as long as the document is open.
     opc::MemberWriter &document() { return *m_members; }
     /// Why the last write to the document failed, in words and with the remedy.

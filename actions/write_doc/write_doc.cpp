@@ -143,7 +143,7 @@ bool ActionWriteDoc::findColumn(const OneRow &columns, const QString &name, int 
 
 bool ActionWriteDoc::findColumns(const OneRow &columns)
 {
-    // Every missing column is reported, not only the first one.
+    // A user corrects all columns at once: every missing one is reported, not only the first one.
     bool done = findColumn(columns, m_params.output, &m_run->output);
     done = findColumn(columns, m_params.templateColumn, &m_run->templateColumn) && done;
     for (const QString &name : m_params.textColumns) {
@@ -162,6 +162,9 @@ bool ActionWriteDoc::writeRow(const OneRow &row)
     const QString name = expandOutputFile(row.text(m_run->output), QString());
     if (!useTemplate(expandFile(row.text(m_run->templateColumn))) || !checkName(name)) {
         return false;
+    }
+    if (hasOtherKind(name)) {
+        m_run->otherKinds.add([&] { return name; });
     }
     document::RowValues values = textValues(row);
     document::RowImages images;
@@ -301,8 +304,11 @@ bool ActionWriteDoc::addImage(const QString &file, size_t column, document::RowV
         values.sizes[column] = (*image)->info;
         return true;
     }
-    const QString row = rowReason(m_run->images[column].name);
-    const ImageFault &fault = image.fault().code;
+    return failImage(file, image.fault().code, rowReason(m_run->images[column].name));
+}
+
+bool ActionWriteDoc::failImage(const QString &file, const ImageFault &fault, const QString &row)
+{
     switch (fault.error) {
     case ImageError::NotAnImage:
         return fail(
@@ -327,7 +333,9 @@ bool ActionWriteDoc::writeDocument(const document::RowValues &values,
 
 bool ActionWriteDoc::failDocument(const Fault<opc::Error> &fault)
 {
+    // The content types are read for the first document only, when its members are written already.
     const bool isOfTypes = fault.detail.startsWith(u'[');
+    // A text is first refused as a write, then as a member that is not complete.
     if (fault.code == opc::Error::WriteFailed && isTextPart(fault.detail) && runIsGood()) {
         warn(u"\nWARNING: problem writing the output file (3)\n"_s);
     }
@@ -337,6 +345,11 @@ bool ActionWriteDoc::failDocument(const Fault<opc::Error> &fault)
 
 void ActionWriteDoc::reportTexts()
 {
+    if (m_run->otherKinds.any()) {
+        warn(
+            u"Warning: the names of %1 documents do not end like those of their templates, first '%2': Office programs may refuse to open them.\n"_s
+                .arg(QString::number(m_run->otherKinds.count()), m_run->otherKinds.first()));
+    }
     if (m_run->replaced.any()) {
         warn(
             u"Warning: %1 characters that XML does not allow were replaced by U+FFFD, first in %2.\n"_s

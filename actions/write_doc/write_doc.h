@@ -51,8 +51,9 @@ private:
         ImageStore store;
         QHash<QByteArray, qint64> written; ///< digest of each document's name, and its row
         Occurrences replaced;              ///< characters that XML does not have
-        Occurrences split;                 ///< markers that runs divide
-        qint64 row = 0;                    ///< number of the current row, from 1
+        Occurrences otherKinds; ///< documents with names of another kind than their templates
+        Occurrences split;      ///< markers that runs divide
+        qint64 row = 0;         ///< number of the current row, from 1
     };
 
     // Each returns false after it has failed the run.
@@ -71,6 +72,8 @@ private:
     bool addImages(const OneRow &row, document::RowValues &values, document::RowImages &images);
     bool addImage(const QString &file, size_t column, document::RowValues &values,
                   document::RowImages &images);
+    /// `row` says which cell names the file.
+    bool failImage(const QString &file, const ImageFault &fault, const QString &row);
     bool writeDocument(const document::RowValues &values, const document::RowImages &images);
     document::TemplateOptions templateOptions() const;
     bool failDocument(const Fault<opc::Error> &fault);

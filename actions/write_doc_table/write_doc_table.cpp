@@ -163,6 +163,7 @@ bool ActionWriteDocTable::beginTable(const OneRow &columns)
     rules.breaksAtLineEnds = m_params.processCR;
     rules.breaksAtBackslashN = m_params.processLF;
     rules.closesText = m_params.strictMarkup;
+    // The memory of one table at a time: those of earlier pins are in their spools.
     m_run->rows = 0;
     m_run->replaced.reset();
     m_run->tables.emplace_back();
@@ -208,6 +209,7 @@ bool ActionWriteDocTable::spool()
 bool ActionWriteDocTable::endTable()
 {
     const QString pin = QString::number(m_run->pin + 1);
+    // A pin without rows has columns all the same, and its table a header.
     if (!m_run->text && !beginTable(*getInputColumns(m_run->pin))) {
         return false;
     }
@@ -235,6 +237,12 @@ bool ActionWriteDocTable::writeDocument()
     if (!editStyles(copy) || !readBody(copy, &body) || !openDocument(m_run->output)) {
         return false;
     }
+    if (hasOtherKind(m_run->output)) {
+        warn(
+            u"Warning: the name of the document '%1' does not end like that of its template: Office programs may refuse to open it.\n"_s
+                .arg(m_run->output));
+    }
+    // The body is written last, piece by piece: its tables may be larger than memory.
     const QByteArray member = copy.reserve(document::bodyPart(copy));
     if (const auto copied = copy.copyMembers(document()); !copied) {
         return failPackage(copied.fault(), TemplateProblem::CannotCopyMember);
@@ -304,6 +312,7 @@ bool ActionWriteDocTable::writeBody(const QByteArray &body,
                                     const std::vector<document::TablePlace> &places)
 {
     zip::PackageWriter &out = document().output();
+    // A write that the user gave up is reported once, one that a stop ended not at all.
     const auto put = [&](QByteArrayView bytes) { return static_cast<bool>(out.write(bytes)); };
     const QByteArrayView text(body);
     qsizetype at = 0;

@@ -179,6 +179,16 @@ class WriteDoc(DocumentTest):
         self.assertIn(b"%text%", self.letter()["word/footer1.xml"])
         self.assertIn(b"<w:t>x</w:t>", self.letter(attributes="allParts='1'")["word/footer1.xml"])
 
+    def test_names_of_another_kind_than_the_template(self):
+        self.word(office.paragraph("%text%%T1%"), name="t.dotx")
+        _, log = self.write_doc([("out.docx", "t.dotx", "", ""), ("out", "t.dotx", "", "")], images=())
+        self.assertEqual(log[2], [f"Warning: the names of 1 documents do not end like those of their templates, first '{self.folder}/out.docx'"
+                                  ": Office programs may refuse to open them.\n"])
+        reader = self.table([("a",), ("1",)])
+        _, log = self.run_graph([reader, "<writeDocTable template='t.dotx' output='out.docx'><v colWidths='9'/></writeDocTable>"])
+        self.assertIn(f"Warning: the name of the document '{self.folder}/out.docx' does not end like that of its template: Office programs "
+                      "may refuse to open it.\n", log[2])
+
     def test_markers_that_no_template_has(self):
         self.word(office.paragraph("nothing"))
         self.assertEqual(self.letter(), members(self.folder / "t.docx"))
