@@ -68,6 +68,27 @@ ReadExcelParams ReadWorkbook::expandedParams() const
     return params;
 }
 
+/// What is said about a sheet name that nothing uses; empty: it is used, or there is none.
+QString ReadWorkbook::unusedName() const
+{
+    const ReadExcelParams &params = readerParams();
+    const bool isUsed =
+        params.sheets == SheetChoice::Matching ||
+        (params.sheets == SheetChoice::Selected && params.sheetMode == SheetSelection::ByName);
+    return isUsed || params.sheetName.isEmpty()
+               ? QString()
+               : u"'%1' is not used: sheetMode='1' reads the sheet of this name"_s.arg(
+                     params.sheetName);
+}
+
+QVector<ParameterProblem> ReadWorkbook::problems() const
+{
+    const QString unused = unusedName();
+    return unused.isEmpty() ? QVector<ParameterProblem>()
+                            : QVector<ParameterProblem>{
+                                  {u"sheetName"_s, unused, ParameterProblem::Severity::Warning}};
+}
+
 void ReadWorkbook::finish()
 {
     m_series.finish();
@@ -97,6 +118,9 @@ void ReadWorkbook::setScanned(sheet::WorkbookReader *reader)
 
 bool ReadWorkbook::prepare()
 {
+    if (const QString unused = unusedName(); !unused.isEmpty()) {
+        warn(u"Warning: The sheet name %1\n"_s.arg(unused));
+    }
     QStringList files;
     if (!listFiles(&files) || !planFiles(files)) {
         return false;

@@ -27,6 +27,7 @@ public:
         return readerParams().fileNameFromPin ? QStringList() : ActionBase::inputs();
     }
     void wakeAll() override;
+    QVector<ParameterProblem> problems() const override;
     /// Scans the first file.
     DateColumns dateColumns() override;
 
@@ -68,6 +69,7 @@ private:
     bool checkSize(const QString &name, const SheetTask &task, const TaskColumns &columns);
     void warnColumns(const QString &name, const SheetTask &task, const TaskColumns &columns);
     void warnLateTexts();
+    QString unusedName() const;
     void setScanned(sheet::WorkbookReader *reader);
     void startSeries();
 

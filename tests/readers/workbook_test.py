@@ -181,6 +181,7 @@ class Workbooks(unittest.TestCase):
         self.assertEqual(self.read("sheets='1' skipHiddenSheets='1' outputSheetNames='1'")[0], [["n", "_SheetName"], ["2.5", "Y 2"]])
         both = [["n", "_SheetName"], ["1", "y 1"], ["2.5", "Y 2"]]
         self.assertEqual(self.read("sheets='2' sheetName='y*'")[0], both)
+        self.assertIn("Warning: The sheet name 'y 2' is not used: sheetMode='1' reads the sheet of this name\n", self.read("sheetName='y 2'")[1])
         rows, _ = self.read("sheets='3' outputFilenames='1'")
         self.assertEqual([row[:2] for row in rows], both)
         self.assertEqual(rows[0][2], "_FileNames")
