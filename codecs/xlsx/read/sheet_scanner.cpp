@@ -422,21 +422,30 @@ SheetScanner::Done SheetScanner::addCell(const RawCell &cell)
 /// Set what the cell holds, and add it to the row.
 SheetScanner::Done SheetScanner::setValue(const RawCell &cell, sheet::SheetCell *placed)
 {
-    const QByteArrayView type = cell.type;
-    if (type.isEmpty() || type == "n") {
+    // Types of one letter are by far the most frequent; all others are texts.
+    switch (cell.type.isEmpty() ? 'n' : cell.type.size() == 1 ? cell.type.front() : ' ') {
+    case 'n':
         setNumber(cell, placed);
-    } else if (type == "s") {
+        break;
+    case 's':
         return setShared(cell, placed);
-    } else if (type == "b") {
-        const QByteArrayView value = trimmed(cell.value);
+    case 'b':
         placed->kind = CellKind::Boolean;
-        placed->number = isTrue(value) ? 1 : 0;
+        placed->number = isTrue(trimmed(cell.value)) ? 1 : 0;
         m_cells.push_back(*placed);
-    } else {
-        placed->kind = type == "e"   ? CellKind::Error
-                       : type == "d" ? CellKind::IsoDate
-                                     : CellKind::Text;
+        break;
+    case 'e':
+        placed->kind = CellKind::Error;
         setText(cell.value, placed);
+        break;
+    case 'd':
+        placed->kind = CellKind::IsoDate;
+        setText(cell.value, placed);
+        break;
+    default:
+        placed->kind = CellKind::Text;
+        setText(cell.value, placed);
+        break;
     }
     return {};
 }

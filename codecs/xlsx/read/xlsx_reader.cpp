@@ -11,6 +11,7 @@
 #include "codecs/xlsx/read/sheet_scanner.h"
 #include "codecs/xlsx/read/workbook_sheets.h"
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -340,7 +341,7 @@ private:
         if (!row->cells.empty() || row->isHidden) {
             m_recording->add(*row);
         }
-        if (!m_reader.hasRoomFor(*m_recording)) {
+        if (!m_reader.hasRoomFor(*m_recording, m_scanner->fractionDone())) {
             m_recording.reset();
         }
     }
@@ -351,9 +352,15 @@ private:
     std::unique_ptr<RowRecording> m_recording;
 };
 
-bool XlsxReader::hasRoomFor(const RowRecording &recording) const
+/// Whether a recording can go on when this fraction of its sheet is read. One that would not fit in
+/// the end is given up early.
+bool XlsxReader::hasRoomFor(const RowRecording &recording, double fraction) const
 {
-    return recording.bytes() + m_recordedBytes + m_strings.bytes() <= kRecordedBytes;
+    constexpr double kTolerance = 1.25;
+    constexpr double kStart = 0.1;
+    const qint64 room = kRecordedBytes - m_recordedBytes - m_strings.bytes();
+    const double expected = std::min(1.0, fraction * kTolerance + kStart);
+    return static_cast<double>(recording.bytes()) <= expected * static_cast<double>(room);
 }
 
 void XlsxReader::keep(size_t index, std::unique_ptr<RowRecording> recording)

@@ -60,7 +60,7 @@ private:
     sheet::WorkbookResult<std::unique_ptr<SheetScanner>> openScanner(size_t index);
     Done countContent(const zip::Member &member);
     Done addTables(size_t index, std::vector<sheet::TableInfo> *tables);
-    bool hasRoomFor(const RowRecording &recording) const;
+    bool hasRoomFor(const RowRecording &recording, double fraction) const;
     void keep(size_t index, std::unique_ptr<RowRecording> recording);
     void setScanner(SheetScanner *scanner);
 
