@@ -108,51 +108,59 @@ bool WorkbookFile::putRow(const WalkStep &step, OneRow &row)
     return true;
 }
 
+/// Sheets are as good as equally long: counting their rows would need another pass.
+void WorkbookFile::updateFraction()
+{
+    constexpr qint64 kRowsPerFraction = 1024;
+    if (++m_rows % kRowsPerFraction == 0) {
+        const double sheets = static_cast<double>(m_sheet) + m_walker->rows().fractionDone();
+        m_fraction.store(static_cast<float>(sheets / static_cast<double>(m_sheets.size())),
+                         std::memory_order_relaxed);
+    }
+}
+
+/// Take a step of the walk; only a row of data is a row of the table at once.
+bool WorkbookFile::take(const WalkStep &step, OneRow &row, Found *found)
+{
+    const qint64 firstRow = sheet().task.scan.firstRow;
+    switch (step.kind) {
+    case WalkStep::Kind::End:
+        return closeSheet();
+    case WalkStep::Kind::Empty:
+        // Those before the header are no rows of the table.
+        m_emptyRows = std::max<qint64>(0, step.row + step.count - std::max(step.row, firstRow));
+        return true;
+    case WalkStep::Kind::Row:
+        break;
+    }
+    if (step.row < firstRow) {
+        return true;
+    }
+    *found = Found::Row;
+    return putRow(step, row);
+}
+
 bool WorkbookFile::next(OneRow &row, Found *found)
 {
-    *found = Found::Row;
     if (m_emptyRows > 0) {
         --m_emptyRows;
         clearRow(row);
+        *found = Found::Row;
         return true;
     }
-    if (!m_walker) {
-        if (m_sheet == m_sheets.size()) {
-            *found = Found::End;
-            return true;
-        }
-        if (!openSheet()) {
-            return false;
-        }
+    *found = m_walker || m_sheet < m_sheets.size() ? Found::Nothing : Found::End;
+    if (*found == Found::End) {
+        return true;
+    }
+    if (!m_walker && !openSheet()) {
+        return false;
     }
     const auto step = m_walker->next();
     if (!step) {
         return fail(step.fault());
     }
-    constexpr qint64 kRowsPerFraction = 1024;
-    if (++m_rows % kRowsPerFraction == 0) {
-        m_fraction.store(
-            static_cast<float>((static_cast<double>(m_sheet) + m_walker->rows().fractionDone()) /
-                               static_cast<double>(m_sheets.size())),
-            std::memory_order_relaxed);
-    }
-    *found = Found::Nothing;
-    switch (step->kind) {
-    case WalkStep::Kind::End:
-        return closeSheet();
-    case WalkStep::Kind::Empty:
-        // Those before the header are no rows of the table.
-        m_emptyRows = std::max<qint64>(0, step->row + step->count -
-                                              std::max(step->row, sheet().task.scan.firstRow));
-        return true;
-    case WalkStep::Kind::Row:
-        break;
-    }
-    if (step->row < sheet().task.scan.firstRow) {
-        return true;
-    }
-    *found = Found::Row;
-    return putRow(*step, row);
+    updateFraction();
+    return take(*step, row, found);
 }
 
 void WorkbookFile::beforeClose()

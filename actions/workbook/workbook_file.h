@@ -38,6 +38,8 @@ private:
     const SheetDelivery &sheet() const { return m_sheets[m_sheet]; }
     bool openSheet();
     bool closeSheet();
+    void updateFraction();
+    bool take(const WalkStep &step, OneRow &row, Found *found);
     bool putRow(const WalkStep &step, OneRow &row);
     void clearRow(OneRow &row);
     bool doesNotFit(const WalkStep &step, const sheet::SheetCell &cell);
