@@ -27,9 +27,9 @@ cell::Type typeOf(quint8 content);
 /// The rules for one workbook. Threads: pure.
 struct ValueRules
 {
-    bool datesAreTexts = true;
-    bool errorsAreTexts = true;
-    bool uses1904 = false;
+    bool datesAreTexts = true;  ///< ISO 8601; otherwise serials, which are numbers
+    bool errorsAreTexts = true; ///< otherwise missing
+    bool uses1904 = false;      ///< see WorkbookReader
 
     /// The bit of ColumnContent for the cell; 0 for one that is missing in every column.
     quint8 contentOf(const sheet::SheetCell &cell) const;

@@ -52,20 +52,27 @@ private:
     using Sheets = Result<std::vector<size_t>, TaskError>;
 
     Fault<TaskError> unreadable(const Fault<sheet::WorkbookError> &fault);
+    // The sheets that the parameters name, by index, in the order of the workbook.
     Sheets chooseSheets();
     Sheets selectedSheet();
     Sheets sheetOfNumber();
     Sheets sheetOfName();
     Sheets firstWithData();
+    /// Those with cells whose names match; no others are read by a pattern.
     std::vector<size_t> sheetsOf(const QString &pattern) const;
+    /// For messages: the first names, quoted.
     QString listOfSheets() const;
+    /// Reads the sheet up to its first cell.
     Result<bool, TaskError> hasData(size_t sheet);
     Result<bool, TaskError> setArea(const sheet::SheetArea &area, SheetTask *task) const;
     Result<bool, TaskError> applyRange(SheetTask *task);
     Result<bool, TaskError> findTable(const QString &name, SheetTask *task);
     bool findName(const QString &name, SheetTask *task) const;
+    /// One sheet with its scan: the whole work for a file.
     Result<SheetTask, TaskError> makeTask(size_t sheet);
+    /// Scan again with sorted rows if they turn out not to be in order.
     sheet::WorkbookResult<void> scan(SheetTask *task);
+    /// Charts and dialogs have none.
     bool hasCells(size_t sheet) const;
 
     const ReadExcelParams &m_params;

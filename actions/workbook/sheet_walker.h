@@ -48,6 +48,7 @@ public:
 
 private:
     sheet::WorkbookResult<bool> readRow();
+    /// The gap before a row, as one step: it may be a million rows.
     WalkStep emptyRows(qint64 upTo);
     WalkStep takeRow();
 

@@ -36,6 +36,8 @@ public:
 
 private:
     const SheetDelivery &sheet() const { return m_sheets[m_sheet]; }
+    // Functions that return a bool return false when the run has failed.
+
     bool openSheet();
     bool closeSheet();
     void updateFraction();

@@ -144,7 +144,7 @@ void RowRecording::putText(const sheet::SheetCell &cell)
                                                          : kIsoDate);
     at = store(at, static_cast<quint32>(cell.text.size()));
     at += isOdd(at) ? 1 : 0;
-    std::memcpy(at, cell.text.data(), bytes);
+    cell.text.copy(reinterpret_cast<char16_t *>(at), cell.text.size());
     m_at = at + bytes;
 }
 

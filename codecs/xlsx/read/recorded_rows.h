@@ -31,6 +31,7 @@ public:
 private:
     friend class RecordedRows;
 
+    /// The place for an item of at most `bytes`, on a new page if it does not fit.
     uchar *room(size_t bytes);
     void put(const sheet::SheetCell &cell);
     void putNumber(const sheet::SheetCell &cell);
@@ -57,6 +58,7 @@ public:
     const sheet::SheetProblems &problems() const override { return m_recording->problems(); }
 
 private:
+    // Each takes an item at m_at and goes to the one after it.
     uchar takeTag();
     void takeCell(sheet::SheetCell *cell);
     void takeText(sheet::SheetCell *cell);
