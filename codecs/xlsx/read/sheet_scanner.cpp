@@ -423,7 +423,8 @@ SheetScanner::Done SheetScanner::addCell(const RawCell &cell)
 SheetScanner::Done SheetScanner::setValue(const RawCell &cell, sheet::SheetCell *placed)
 {
     // Types of one letter are by far the most frequent; all others are texts.
-    switch (cell.type.isEmpty() ? 'n' : cell.type.size() == 1 ? cell.type.front() : ' ') {
+    const char type = cell.type.isEmpty() ? 'n' : cell.type.size() == 1 ? cell.type.front() : ' ';
+    switch (type) {
     case 'n':
         setNumber(cell, placed);
         break;
@@ -434,18 +435,11 @@ SheetScanner::Done SheetScanner::setValue(const RawCell &cell, sheet::SheetCell 
         placed->number = isTrue(trimmed(cell.value)) ? 1 : 0;
         m_cells.push_back(*placed);
         break;
-    case 'e':
-        placed->kind = CellKind::Error;
-        setText(cell.value, placed);
-        break;
-    case 'd':
-        placed->kind = CellKind::IsoDate;
-        setText(cell.value, placed);
-        break;
     default:
-        placed->kind = CellKind::Text;
+        placed->kind = type == 'e'   ? CellKind::Error
+                       : type == 'd' ? CellKind::IsoDate
+                                     : CellKind::Text;
         setText(cell.value, placed);
-        break;
     }
     return {};
 }
