@@ -69,7 +69,7 @@ protected:
 
     // What the action uses. Only between begin() and release().
 
-    /// Encodes texts and names; UTF-8 by default.
+    /// Encodes texts and names; UTF-8 by default. chooseEncoding() replaces it.
     sas::TextEncoder &encoder() { return m_run->encoder; }
     const sas::TextEncoder &encoder() const { return m_run->encoder; }
     /// The definition of a column in the parameters; null without one.

@@ -17,6 +17,7 @@ public:
     static const ParamTable<WriteSasParams> &paramTable() { return writeSasParamTable(); }
 
 private:
+    // For DataSetOutput.
     const DataSetParams &dataSetParams() const override { return m_params; }
     QString message(WriteProblem problem, const QString &name) const override;
     QString fileKind() const override;
@@ -37,7 +38,9 @@ private:
     bool checkLengths(const QStringList &columns);
     void makeDifferent(const QStringList &columns, std::vector<QByteArray> *names);
     void reportOddNames(const std::vector<QByteArray> &names);
+    /// Empty for no label.
     QString labelOf(const QString &column) const;
+    /// Empty for no format.
     QByteArray formatOf(const QString &column) const;
 
     int m_cutWarnings = 0; // of this run

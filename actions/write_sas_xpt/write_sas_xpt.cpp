@@ -1,3 +1,5 @@
+// Names are chosen before labels, because a label keeps the name that had to change; both before
+// the widths, which DataSetOutput finds. What happens to values is known only after the last row.
 #include "actions/write_sas_xpt/write_sas_xpt.h"
 
 #include "codecs/sas/variable_names.h"
@@ -15,6 +17,7 @@ ActionWriteSASXPT::ActionWriteSASXPT(const XMLNode &saved, GlobalParameters *par
 {
 }
 
+/// Mistakes that a run would report, too, but only after its readers have started.
 QVector<ParameterProblem> ActionWriteSASXPT::problems() const
 {
     QVector<ParameterProblem> found;
@@ -113,6 +116,7 @@ void ActionWriteSASXPT::setNames(const QStringList &columns, std::vector<sas::Va
     }
     // Equal names are always changed: a reader would show one of them only.
     sas::makeUnique(names, columns, Qt::CaseInsensitive, limits().name);
+    // With thousands of columns, more would hide the other messages.
     constexpr int kMaxListed = 20;
     QStringList changes;
     qsizetype count = 0;
@@ -151,6 +155,7 @@ bool ActionWriteSASXPT::define(const QString &column, sas::Variable &variable)
     if (defined == nullptr) {
         return true;
     }
+    // For a column of texts, DataSetOutput replaces the width.
     if (defined->width != 0) {
         variable.width = std::max(defined->width, sas::kMinNumberBytes);
     }
@@ -191,6 +196,7 @@ void ActionWriteSASXPT::warnBlankRows(qint64 count)
 
 void ActionWriteSASXPT::reportRows(const sas::TableWriter &writer)
 {
+    // Values are lost in the file, not in the input: rows that were filtered out are not counted.
     const auto &transport = static_cast<const sas::TransportWriter &>(writer); // of makeWriter()
     for (size_t i = 0; i < transport.reports().size(); ++i) {
         const auto &[rounded, tooLarge] = transport.reports()[i];

@@ -20,6 +20,7 @@ public:
     QVector<ParameterProblem> problems() const override;
 
 private:
+    // For DataSetOutput.
     const DataSetParams &dataSetParams() const override { return m_params; }
     QString message(WriteProblem problem, const QString &name) const override;
     QString fileKind() const override;
@@ -39,9 +40,11 @@ private:
     sas::TransportVersion version() const;
     sas::TransportLimits limits() const { return sas::limitsOf(version()); }
     QByteArray tableName() const;
+    // Steps of describe(). define() has failed the run on false.
     void setNames(const QStringList &columns, std::vector<sas::Variable> &variables);
     void setLabels(const QStringList &columns, std::vector<sas::Variable> &variables);
     bool define(const QString &column, sas::Variable &variable);
+    /// `count` rows at the end of the file have only missing texts.
     void warnBlankRows(qint64 count);
 };
 

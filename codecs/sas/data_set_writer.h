@@ -50,10 +50,11 @@ private:
 
     ByteSink &m_sink;
     std::vector<Variable> m_variables;
+    /// Made by begin(); freed also when the end was not written, after a stop for example.
     std::unique_ptr<readstat_writer_s, Free> m_writer;
     std::vector<char> m_buffer; // bytes for the sink
     size_t m_used = 0;
-    bool m_sinkFailed = false;
+    bool m_sinkFailed = false; // the library does not report all failed writes
 };
 
 } // namespace corvanta::sas

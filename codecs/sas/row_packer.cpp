@@ -28,6 +28,7 @@ inline void RowPacker::addNumber(double value)
 inline void RowPacker::addText(size_t column, const uchar *cell, qint64 row)
 {
     const cell::Text text = cell::readText(cell);
+    // Encoded in place and cut afterwards: its size is not known before.
     char *const out = room(sizeof(quint32) + TextEncoder::maxBytes(text.size()) + 1);
     char *const bytes = out + sizeof(quint32);
     qint64 replaced = 0;
@@ -60,6 +61,7 @@ void RowPacker::add(const uchar *const *cells, qint64 row)
         }
         case cell::Type::Double: {
             const auto value = loadNative<double>(cell);
+            // Any other NaN would be a special missing value, such as .A, for some readers.
             const bool isNumber = !std::isnan(value);
             if (!isNumber && !cell::isMissingDouble(value)) [[unlikely]] {
                 m_reports[i].notNumbers.add(row);

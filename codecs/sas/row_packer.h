@@ -1,7 +1,9 @@
 // Packs rows of cells into blocks: texts become bytes of the file's encoding and are cut to the
 // widths of their columns. The layout of a packed row is in table_writer.h.
 //
-// What is lost is counted per column; the caller words the warnings.
+// What is lost is counted per column; the caller words the warnings. Rows are packed as soon as
+// they arrive, because the cells of a row live only until the next one, and widths may still be
+// unknown: a packed text therefore has its own size, and is padded when the file is written.
 #pragma once
 #include "base/cell.h"
 #include "codecs/sas/text_encoder.h"
@@ -55,7 +57,8 @@ class RowPacker
 public:
     RowPacker(const TextEncoder &encoder, std::vector<PackedColumn> columns);
 
-    /// Append a row; `row` is its number for the reports.
+    /// Append a row; `row` is its number for the reports. `cells` has all cells of the input row,
+    /// also those that are not written.
     void add(const uchar *const *cells, qint64 row);
     /// The texts of the last row that were cut, in the order of the columns.
     std::span<const CutText> cutTexts() const { return m_cut; }

@@ -121,6 +121,7 @@ void TransportWriter::addLibrary()
 void TransportWriter::addMember()
 {
     const bool isV5 = m_version == TransportVersion::V5;
+    // 140 at the end is the size of a descriptor.
     addHeader(isV5 ? "MEMBER" : "MEMBV8", "000000000000000001600000000140");
     addHeader(isV5 ? "DSCRPTR" : "DSCPTV8", kNoNumbers);
     addText("SAS     " + padded(m_tableName, limitsOf(m_version).name) + "SASDATA " + kProgram, 64);
@@ -135,6 +136,7 @@ void TransportWriter::addVariable(const Variable &variable, int number, qint64 p
     for (const int value : {variable.isText ? 2 : 1, 0, variable.width, number}) {
         append(&bytes, value);
     }
+    // In version 8 these two are the starts of the long ones, for readers of version 5.
     bytes += padded(variable.name, kShortName);
     bytes += padded(cutUtf8(variable.label, kShortLabel), kShortLabel);
     bytes += padded(format.name, kShortName);
@@ -176,6 +178,7 @@ void TransportWriter::addLongLabels()
             continue;
         }
         ++count;
+        // Number of the variable, sizes of its name and label, name, label; without padding.
         append(&labels, static_cast<int>(i) + 1);
         append(&labels, static_cast<int>(variable.name.size()));
         append(&labels, static_cast<int>(variable.label.size()));
@@ -190,6 +193,7 @@ void TransportWriter::addLongLabels()
 
 void TransportWriter::addObservations(qint64 rows)
 {
+    // Rows of version 5 end with the file.
     if (m_version == TransportVersion::V5) {
         addHeader("OBS", kNoNumbers);
     } else {

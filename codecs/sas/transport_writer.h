@@ -15,12 +15,12 @@ namespace corvanta::sas {
 
 enum class TransportVersion : quint8 { V5 = 5, V8 = 8 };
 
-/// Limits of a version, in bytes.
+/// Limits of a version, in bytes of the file's encoding.
 struct TransportLimits
 {
-    int name;
-    int label;
-    int text;
+    int name;  ///< of a variable, and of the table
+    int label; ///< longer ones than 40 are in a section of their own, in version 8 only
+    int text;  ///< of one value
 };
 
 constexpr TransportLimits limitsOf(TransportVersion version)

@@ -26,6 +26,7 @@ bool BlockSpool::write(std::string_view block)
             m_file.write(block.data() + done, static_cast<qint64>(block.size() - done));
         if (n <= 0) {
             m_error = SystemError::ofLastCall();
+            // A retry writes the whole block again.
             m_file.seek(m_fileEnd);
             return false;
         }
@@ -44,6 +45,7 @@ Result<void, SpoolError> BlockSpool::put(std::string_view block)
         m_memoryUsed += bytes;
         return {};
     }
+    // Blocks keep their order: after the first one in the file none goes to memory.
     if (!m_file.isOpen()) {
         m_file = platform::FileHandle::openTemporary(m_options.folder);
         m_error = SystemError::ofLastCall();
