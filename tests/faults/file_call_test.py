@@ -55,7 +55,7 @@ class FileCalls(unittest.TestCase):
             # A graph file that cannot be read is like an invalid one.
             self.assertEqual(done.returncode, 2 if "graph file" in done.stderr else 1, what)
             self.assertRegex(done.stderr, "(?i)error|warning", what)
-            self.assertRegex(done.stderr, r"\.(csv|xlsx|docx|json|xml|parquet|dbf|graph)", what)
+            self.assertRegex(done.stderr, r"\.(csv|xlsx?|docx|json|xml|parquet|dbf|sav|sas7bdat|xpt|graph)", what)
             self.assertIn(os.strerror(error), done.stderr, what)
             for name, content in found.items():
                 self.assertIn(content, (self.files.old(name), new[name]), what)
