@@ -2,6 +2,7 @@
 
 #include "actions/read_stat/stat_options.h"
 #include "base/number.h"
+#include "codecs/encoding/text_decoder.h"
 #include "codecs/stat/data_set_reader.h"
 #include "codecs/stat/header_check.h"
 #include "codecs/stat/label_reader.h"
@@ -37,10 +38,10 @@ struct LookedAt
 };
 
 /// Missing values have a letter: "." and the tag.
-QString valueText(const stat::LabelSet::Entry &entry, const stat::TextDecoder &decoder)
+QString valueText(const stat::LabelSet::Entry &entry, const encoding::TextDecoder &decoder)
 {
     if (entry.isText) {
-        return decoder.decode(entry.text);
+        return decoder.decodeCut(entry.text);
     }
     if (entry.tag != 0) {
         return u'.' + QString(QLatin1Char(entry.tag));
@@ -49,7 +50,7 @@ QString valueText(const stat::LabelSet::Entry &entry, const stat::TextDecoder &d
 }
 
 QVector<ValueLabel> labelsOf(const stat::LabelSets &sets, const QString &name,
-                             const stat::TextDecoder &decoder)
+                             const encoding::TextDecoder &decoder)
 {
     QVector<ValueLabel> labels;
     const auto set = sets.find(name);
@@ -90,7 +91,7 @@ QVector<ColumnNotes> statNotes(const ActionBase &action, const QString &name,
         return {};
     }
     const auto dictionary = stat::readDictionary(*source, statOptionsOf(params, format));
-    const auto decoder = stat::TextDecoder::open(dictionary ? dictionary->encoding : QString());
+    const auto decoder = encoding::TextDecoder::open(dictionary ? dictionary->encoding : QString());
     if (!dictionary || !decoder) {
         return {};
     }

@@ -6,6 +6,7 @@
 
 #include <iconv.h>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace corvanta::encoding {
@@ -89,9 +90,24 @@ TextDecoder TextDecoder::utf8()
 
 TextDecoder TextDecoder::named(const QString &encoding)
 {
+    auto decoder = ofIconv(encoding);
+    return decoder ? *std::move(decoder) : windows1252();
+}
+
+std::optional<TextDecoder> TextDecoder::open(const QString &encoding)
+{
+    const QString upper = encoding.toUpper();
+    if (upper == QLatin1String("UTF-8") || upper == QLatin1String("UTF8")) {
+        return utf8();
+    }
+    return encoding.isEmpty() ? std::nullopt : ofIconv(encoding);
+}
+
+std::optional<TextDecoder> TextDecoder::ofIconv(const QString &encoding)
+{
     auto converter = std::make_unique<Converter>(encoding.toLatin1());
     if (!converter->isOpen()) {
-        return windows1252();
+        return std::nullopt;
     }
     TextDecoder decoder(Kind::Table);
     if (!decoder.fillTable(*converter)) {
@@ -102,9 +118,10 @@ TextDecoder TextDecoder::named(const QString &encoding)
 }
 
 /// Convert every byte separately. Returns false if some bytes need another one, that is, if the
-/// encoding is a multi-byte encoding.
+/// encoding is a multi-byte encoding. A byte without a unit switches the state of the encoding.
 bool TextDecoder::fillTable(const Converter &converter)
 {
+    bool isSingleByte = true;
     for (size_t i = 0; i < m_table.size(); ++i) {
         const char byte = static_cast<char>(i);
         const char *in = &byte;
@@ -113,14 +130,14 @@ bool TextDecoder::fillTable(const Converter &converter)
         char16_t *out = units.data();
         const int error = converter.run(&in, &inLeft, &out, sizeof units);
         converter.reset();
-        if (error == EINVAL || (error == 0 && out - units.data() != 1)) {
-            return false;
-        }
+        isSingleByte = isSingleByte && error != EINVAL && (error != 0 || out == units.data() + 1);
         m_table[i] = error == 0 ? units[0] : kReplacementCharacter;
         m_isAsciiBased = m_isAsciiBased && (i >= 0x80 || m_table[i] == i);
     }
-    return true;
+    return isSingleByte;
 }
+
+// ---- Texts of which no byte may vanish.
 
 qsizetype TextDecoder::decode(const char *in, qsizetype n, char16_t *out) const
 {
@@ -128,7 +145,9 @@ qsizetype TextDecoder::decode(const char *in, qsizetype n, char16_t *out) const
         return utf8ToUtf16(in, n, out);
     }
     if (m_kind == Kind::MultiByte) {
-        return decodeMultiByte(in, n, out);
+        qsizetype units = 0;
+        decodeMultiByte(in, n, out, Incomplete::Replaced, &units);
+        return units;
     }
     // The conversion of ASCII is vectorized. Look up only the rest in the table.
     for (qsizetype i = m_isAsciiBased ? asciiToUtf16(in, n, out) : 0; i < n; ++i) {
@@ -137,32 +156,94 @@ qsizetype TextDecoder::decode(const char *in, qsizetype n, char16_t *out) const
     return n;
 }
 
-qsizetype TextDecoder::decodeMultiByte(const char *in, qsizetype n, char16_t *out) const
-{
-    char16_t *at = out;
-    auto left = static_cast<size_t>(n);
-    while (left > 0) {
-        const size_t room = static_cast<size_t>(out + 2 * n - at) * sizeof(char16_t);
-        const int error = m_converter->run(&in, &left, &at, room);
-        if (error == E2BIG || at == out + 2 * n) {
-            break;
-        }
-        if (error != 0) { // an invalid byte, or the text ends inside a character
-            *at++ = kReplacementCharacter;
-            ++in;
-            --left;
-        }
-    }
-    m_converter->reset();
-    return at - out;
-}
-
 QString TextDecoder::decode(const QByteArray &bytes) const
 {
     QString text(bytes.size() * 2, Qt::Uninitialized);
     text.truncate(
         decode(bytes.constData(), bytes.size(), reinterpret_cast<char16_t *>(text.data())));
     return text;
+}
+
+// ---- Texts that may be cut, with what happened.
+
+Decoded TextDecoder::decode(const char *in, qsizetype n, char16_t *out, qsizetype *units) const
+{
+    const qsizetype ascii = m_isAsciiBased ? asciiToUtf16(in, n, out) : 0;
+    *units = n;
+    if (ascii == n) {
+        return Decoded::Complete;
+    }
+    if (m_kind == Kind::Table) {
+        return decodeTable(in + ascii, n - ascii, out + ascii);
+    }
+    qsizetype rest = 0;
+    const Decoded result =
+        m_kind == Kind::Utf8
+            ? decodeUtf8(in + ascii, n - ascii, out + ascii, &rest)
+            : decodeMultiByte(in + ascii, n - ascii, out + ascii, Incomplete::LeftOut, &rest);
+    *units = ascii + rest;
+    return result;
+}
+
+QString TextDecoder::decodeCut(QByteArrayView bytes) const
+{
+    QString text(maxUnits(bytes.size()), Qt::Uninitialized);
+    qsizetype units = 0;
+    decode(bytes.data(), bytes.size(), reinterpret_cast<char16_t *>(text.data()), &units);
+    text.truncate(units);
+    return text;
+}
+
+Decoded TextDecoder::decodeUtf8(const char *in, qsizetype n, char16_t *out, qsizetype *units)
+{
+    Utf8Stop stop = Utf8Stop::End;
+    const qsizetype valid = wellFormedUtf8(in, n, &stop);
+    *units = utf8ToUtf16(in, stop == Utf8Stop::Truncated ? valid : n, out);
+    switch (stop) {
+    case Utf8Stop::End:
+        return Decoded::Complete;
+    case Utf8Stop::Truncated:
+        return Decoded::Cut;
+    case Utf8Stop::Invalid:
+        break;
+    }
+    return Decoded::Replaced;
+}
+
+Decoded TextDecoder::decodeTable(const char *in, qsizetype n, char16_t *out) const
+{
+    bool isValid = true;
+    for (qsizetype i = 0; i < n; ++i) {
+        out[i] = m_table[static_cast<uchar>(in[i])];
+        isValid = isValid && out[i] != kReplacementCharacter;
+    }
+    return isValid ? Decoded::Complete : Decoded::Replaced;
+}
+
+Decoded TextDecoder::decodeMultiByte(const char *in, qsizetype n, char16_t *out,
+                                     Incomplete incomplete, qsizetype *units) const
+{
+    Decoded result = Decoded::Complete;
+    char16_t *at = out;
+    char16_t *const end = out + 2 * n;
+    auto left = static_cast<size_t>(n);
+    m_converter->reset();
+    while (left > 0 && at < end) {
+        const size_t room = static_cast<size_t>(end - at) * sizeof(char16_t);
+        const int error = m_converter->run(&in, &left, &at, room);
+        if (error == EINVAL && incomplete == Incomplete::LeftOut) {
+            result = std::max(result, Decoded::Cut);
+            break;
+        }
+        if (error != 0 && at < end) { // an invalid byte, or the text ends inside a character
+            *at++ = kReplacementCharacter;
+            ++in;
+            --left;
+            result = Decoded::Replaced;
+        }
+    }
+    *units = at - out;
+    return result;
 }
 
 } // namespace corvanta::encoding

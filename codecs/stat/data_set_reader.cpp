@@ -120,7 +120,7 @@ bool DataSetReader::useMetadata(qint64 rows, const QString &encoding)
     m_dictionary.encoding = encoding;
     auto decoder = TextDecoder::open(encoding);
     if (!decoder) {
-        failure = decoder.fault();
+        failure = {Error::UnknownEncoding, encoding};
         return false;
     }
     m_decoder.emplace(*std::move(decoder));
@@ -131,10 +131,10 @@ bool DataSetReader::useMetadata(qint64 rows, const QString &encoding)
 int DataSetReader::useVariable(int index, readstat_variable_t *handle, const char *labelSet)
 {
     Variable variable;
-    variable.name = m_decoder->decode(readstat_variable_get_name(handle));
-    variable.label = m_decoder->decode(readstat_variable_get_label(handle));
-    variable.format = m_decoder->decode(readstat_variable_get_format(handle));
-    variable.labelSet = m_decoder->decode(labelSet);
+    variable.name = m_decoder->decodeCut(readstat_variable_get_name(handle));
+    variable.label = m_decoder->decodeCut(readstat_variable_get_label(handle));
+    variable.format = m_decoder->decodeCut(readstat_variable_get_format(handle));
+    variable.labelSet = m_decoder->decodeCut(labelSet);
     variable.isText = readstat_variable_get_type_class(handle) == READSTAT_TYPE_CLASS_STRING;
     if (!variable.isText) {
         variable.date = dateKindOf(m_options.format, variable.format);

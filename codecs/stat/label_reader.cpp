@@ -1,7 +1,7 @@
 #include "codecs/stat/label_reader.h"
 
+#include "codecs/encoding/text_decoder.h"
 #include "codecs/stat/library_parser.h"
-#include "codecs/stat/text_decoder.h"
 
 #include <optional>
 
@@ -68,15 +68,15 @@ int onVariable(int, readstat_variable_t *, const char *, void *)
 
 Result<LabelSets, Error> decode(const LabelPass &pass)
 {
-    const auto decoder = TextDecoder::open(pass.encoding);
+    const auto decoder = encoding::TextDecoder::open(pass.encoding);
     if (!decoder) {
-        return decoder.fault();
+        return Fault{Error::UnknownEncoding, pass.encoding};
     }
     LabelSets sets;
     for (const RawLabel &raw : pass.labels) {
-        LabelSet &set = sets[decoder->decode(raw.set)];
+        LabelSet &set = sets[decoder->decodeCut(raw.set)];
         set.entries.push_back(raw.entry);
-        set.entries.back().label = decoder->decode(raw.label);
+        set.entries.back().label = decoder->decodeCut(raw.label);
     }
     for (auto &[name, set] : sets) {
         set.name = name;

@@ -2,14 +2,17 @@
 #pragma once
 #include "base/cell.h"
 #include "base/occurrences.h"
+#include "codecs/encoding/text_decoder.h"
 #include "codecs/stat/dictionary.h"
 #include "codecs/stat/row_ring.h"
-#include "codecs/stat/text_decoder.h"
 #include "codecs/stat/value_labels.h"
 
 #include <readstat.h>
 
 namespace corvanta::stat {
+
+using encoding::Decoded;
+using encoding::TextDecoder;
 
 /// What was replaced or left out. Places are rows and columns.
 struct Findings
