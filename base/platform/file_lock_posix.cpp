@@ -42,7 +42,13 @@ bool isRegular(int handle)
 /// that for the lock.
 int openExisting(const QByteArray &name)
 {
-    constexpr int kFlags = O_CLOEXEC | O_NONBLOCK; // a pipe must not block
+    struct stat facts = {};
+    if (::stat(name.constData(), &facts) == 0 && !S_ISREG(facts.st_mode)) {
+        // Opening a pipe would release the program that waits at its other end.
+        errno = EINVAL;
+        return -1;
+    }
+    constexpr int kFlags = O_CLOEXEC | O_NONBLOCK; // what has replaced the file must not block
     const int handle = ::open(name.constData(), O_RDWR | kFlags);
     return handle >= 0 || errno == ENOENT ? handle : ::open(name.constData(), O_RDONLY | kFlags);
 }
