@@ -29,6 +29,14 @@ quint8 contentOfDate(NumberForm form, double serial, bool uses1904)
     return form == NumberForm::DateTime || day != serial ? kHasDateTimes : kHasDates;
 }
 
+/// The words do not depend on the language of the workbook. Returns the number of units.
+int putBoolean(bool value, char16_t *out)
+{
+    const std::u16string_view text = value ? u"TRUE" : u"FALSE";
+    return static_cast<int>(text.copy(out, text.size()));
+}
+
+/// The bit of an ISO 8601 text: a date, a date with a time, or a time without a date.
 quint8 contentOfIsoText(std::u16string_view text)
 {
     constexpr size_t kDateUnits = 10; // 2024-02-29
@@ -85,10 +93,13 @@ double ValueRules::numberOf(const sheet::SheetCell &cell) const
 /// The text of a number, date or boolean.
 int ValueRules::putText(const sheet::SheetCell &cell, char16_t *out) const
 {
-    if (cell.kind == CellKind::Boolean) {
-        const std::u16string_view text = cell.number != 0 ? u"TRUE" : u"FALSE";
-        return static_cast<int>(text.copy(out, text.size()));
-    }
+    return cell.kind == CellKind::Boolean ? putBoolean(cell.number != 0, out)
+                                          : putNumber(cell, out);
+}
+
+int ValueRules::putNumber(const sheet::SheetCell &cell, char16_t *out) const
+{
+    // A number that is no date of the calendar has no date text; it keeps its digits.
     const int units = datesAreTexts ? sheet::putDateText(cell.form, cell.number, uses1904, out) : 0;
     return units > 0 ? units
                      : cell::putNumberText(cell::Type::Double,

@@ -41,7 +41,10 @@ struct ValueRules
 private:
     /// The number of a cell that is read as a number.
     double numberOf(const sheet::SheetCell &cell) const;
+    // Put a text at `out`, which has room for sheet::kDateTextUnits. The result is its length.
+
     int putText(const sheet::SheetCell &cell, char16_t *out) const;
+    int putNumber(const sheet::SheetCell &cell, char16_t *out) const;
 };
 
 } // namespace corvanta

@@ -40,6 +40,13 @@ QString notesOf(const sheet::SheetInfo &info)
     return notes.join(u", "_s);
 }
 
+/// Whether the parameter sheetName has an effect: as a name, or as a pattern.
+bool usesSheetName(const ReadExcelParams &params)
+{
+    return params.sheets == SheetChoice::Matching ||
+           (params.sheets == SheetChoice::Selected && params.sheetMode == SheetSelection::ByName);
+}
+
 /// Whether the range is one of the selected sheet; tables and names have sheets of their own.
 bool staysOnSheet(const QString &range)
 {
@@ -71,14 +78,10 @@ ReadExcelParams ReadWorkbook::expandedParams() const
 /// What is said about a sheet name that nothing uses; empty: it is used, or there is none.
 QString ReadWorkbook::unusedName() const
 {
-    const ReadExcelParams &params = readerParams();
-    const bool isUsed =
-        params.sheets == SheetChoice::Matching ||
-        (params.sheets == SheetChoice::Selected && params.sheetMode == SheetSelection::ByName);
-    return isUsed || params.sheetName.isEmpty()
+    const QString &name = readerParams().sheetName;
+    return name.isEmpty() || usesSheetName(readerParams())
                ? QString()
-               : u"'%1' is not used: sheetMode='1' reads the sheet of this name"_s.arg(
-                     params.sheetName);
+               : u"'%1' is not used: sheetMode='1' reads the sheet of this name"_s.arg(name);
 }
 
 QVector<ParameterProblem> ReadWorkbook::problems() const

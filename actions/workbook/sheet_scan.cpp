@@ -27,9 +27,7 @@ public:
         }
         if (m_needsHeader && m_options.headerIsFirstRow) {
             // An empty header: all names are generated.
-            m_needsHeader = false;
-            m_result.headerRow = step.row;
-            m_result.firstRow = step.row + 1;
+            setHeaderRow(step.row);
         }
         if (step.kind == WalkStep::Kind::Row) {
             takeRow(step);
@@ -49,11 +47,16 @@ private:
         }
         return m_result.columns[index];
     }
-    void takeHeader(const WalkStep &step)
+    /// The data begins below the header.
+    void setHeaderRow(qint64 row)
     {
         m_needsHeader = false;
-        m_result.headerRow = step.row;
-        m_result.firstRow = step.row + 1;
+        m_result.headerRow = row;
+        m_result.firstRow = row + 1;
+    }
+    void takeHeader(const WalkStep &step)
+    {
+        setHeaderRow(step.row);
         for (const sheet::SheetCell &cell : step.cells) {
             column(cell.column).name = m_options.rules.textOf(cell).trimmed();
         }

@@ -3,6 +3,7 @@
 #include "codecs/sheet/cell_text.h"
 #include "codecs/sheet/sheet_writer.h"
 
+#include <algorithm>
 #include <set>
 
 using namespace Qt::StringLiterals;
@@ -17,12 +18,9 @@ constexpr size_t kMaxEmptyColumns = 256;
 
 bool isHidden(const SheetTask &task, int column)
 {
-    for (const sheet::CellArea &area : task.hiddenColumns) {
-        if (column >= area.firstColumn && column <= area.lastColumn) {
-            return true;
-        }
-    }
-    return false;
+    return std::ranges::any_of(task.hiddenColumns, [column](const sheet::CellArea &area) {
+        return column >= area.firstColumn && column <= area.lastColumn;
+    });
 }
 
 QString lettersOf(int column)
@@ -42,6 +40,13 @@ QString uniqueName(const QString &name, std::set<QString> *taken,
     }
     taken->insert(unique);
     return unique;
+}
+
+/// The type of a column. After a sample, a fraction can still follow: it is then no key.
+cell::Type safeType(quint8 content, bool isComplete)
+{
+    const cell::Type type = typeOf(content);
+    return !isComplete && type == cell::Type::Key ? cell::Type::Double : type;
 }
 
 /// The indexes of the columns, without wide gaps of empty ones.
@@ -131,11 +136,7 @@ std::optional<SheetMismatch> TableColumns::add(const SheetTask &task, const Task
 void TableColumns::decideTypes(bool allText)
 {
     for (Column &column : m_columns) {
-        column.type = allText ? cell::Type::Text : typeOf(column.content);
-        // After a sample, a fraction can still follow.
-        if (!m_isComplete && column.type == cell::Type::Key) {
-            column.type = cell::Type::Double;
-        }
+        column.type = allText ? cell::Type::Text : safeType(column.content, m_isComplete);
     }
 }
 

@@ -60,13 +60,19 @@ bool WorkbookFile::closeSheet()
                          "not in order; use sampleOnly='0' to sort them\n"_s.arg(m_name, name));
 }
 
-/// Make the cells that the last row had missing.
-void WorkbookFile::clearRow(OneRow &row)
+/// Make the cells that the last row had missing: fewer than all cells of a sparse row.
+void WorkbookFile::clearCells(OneRow &row)
 {
     for (const int column : m_filled) {
         row.setCol(column, nullptr);
     }
     m_filled.clear();
+}
+
+/// Begin a row: without cells, except for the name of the sheet.
+void WorkbookFile::clearRow(OneRow &row)
+{
+    clearCells(row);
     if (m_sheetNameColumn >= 0) {
         row.setCol(m_sheetNameColumn, m_sheetNameCell);
     }

@@ -44,6 +44,7 @@ private:
     bool take(const WalkStep &step, OneRow &row, Found *found);
     bool putRow(const WalkStep &step, OneRow &row);
     void clearRow(OneRow &row);
+    void clearCells(OneRow &row);
     bool doesNotFit(const WalkStep &step, const sheet::SheetCell &cell);
     bool fail(const Fault<sheet::WorkbookError> &fault);
     void warnProblems(const sheet::SheetProblems &problems);

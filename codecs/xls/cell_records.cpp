@@ -45,13 +45,18 @@ QString placeOfCell(qint64 row, int column)
     return QStringLiteral("cell ") + sheet::cellName(column, row);
 }
 
+/// The 30 bits after the two flags: a signed integer, or the upper bits of a double.
+double valueOfRk(quint32 rk)
+{
+    constexpr quint32 kInteger = 2;
+    return (rk & kInteger) != 0 ? static_cast<double>(static_cast<qint32>(rk) >> 2)
+                                : std::bit_cast<double>(static_cast<quint64>(rk & ~3U) << 32);
+}
+
 double numberOfRk(quint32 rk)
 {
     constexpr quint32 kHundredths = 1;
-    constexpr quint32 kInteger = 2;
-    const double value = (rk & kInteger) != 0
-                             ? static_cast<double>(static_cast<qint32>(rk) >> 2)
-                             : std::bit_cast<double>(static_cast<quint64>(rk & ~3U) << 32);
+    const double value = valueOfRk(rk);
     return (rk & kHundredths) != 0 ? value / 100 : value;
 }
 
@@ -139,12 +144,16 @@ void RowCells::addOwnText(int column, size_t begin)
     m_cells.push_back({column, CellKind::Text, NumberForm::General, 0, {}});
 }
 
-void RowCells::complete(Occurrences *repeated, qint64 row)
+void RowCells::setOwnTexts()
 {
-    // Only now: m_ownText does not move any more.
     for (const OwnText &text : m_ownTexts) {
         m_cells[text.cell].text = std::u16string_view(m_ownText).substr(text.begin, text.units);
     }
+}
+
+void RowCells::complete(Occurrences *repeated, qint64 row)
+{
+    setOwnTexts();
     const auto isNotBefore = [](const SheetCell &a, const SheetCell &b) {
         return a.column >= b.column;
     };
@@ -257,6 +266,11 @@ void CellDecoder::addNumber(int column, double value, NumberForm form, RowCells 
     row->add({column, CellKind::Number, form, value, {}});
 }
 
+void CellDecoder::addBoolean(int column, bool value, RowCells *row)
+{
+    row->add({column, CellKind::Boolean, NumberForm::General, value ? 1.0 : 0.0, {}});
+}
+
 void CellDecoder::decodeMulRk(const Record &record, RowCells *row)
 {
     int column = columnOf(record);
@@ -295,13 +309,10 @@ void CellDecoder::decodeText(const Record &record, qint64 header, qint64 lengthB
 
 void CellDecoder::decodeBoolErr(const Record &record, qint64 header, RowCells *row)
 {
-    const quint8 value = record.data[header];
     if (record.data[header + 1] == 0) {
-        row->add(
-            {columnOf(record), CellKind::Boolean, NumberForm::General, value != 0 ? 1.0 : 0.0, {}});
-        return;
+        return addBoolean(columnOf(record), record.data[header] != 0, row);
     }
-    addError(rowOfCell(record), columnOf(record), value, row);
+    addError(rowOfCell(record), columnOf(record), record.data[header], row);
 }
 
 void CellDecoder::addError(int row0, int column, quint8 code, RowCells *row)
@@ -325,8 +336,7 @@ void CellDecoder::decodeFormula(const Record &record, qint64 header, NumberForm 
     case 0:
         return addResultText(rowOfCell(record), column, row);
     case 1:
-        row->add({column, CellKind::Boolean, NumberForm::General, result[2] != 0 ? 1.0 : 0.0, {}});
-        return;
+        return addBoolean(column, result[2] != 0, row);
     case 2:
         return addError(rowOfCell(record), column, result[2], row);
     default:

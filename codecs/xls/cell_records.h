@@ -37,6 +37,9 @@ private:
         size_t begin = 0; ///< first unit
         size_t units = 0; ///< length
     };
+    /// Point the cells at their own texts. Only when the row is complete: m_ownText does not move
+    /// any more then, but the cells are still in the order in which they were added.
+    void setOwnTexts();
     /// After sorting: keep the last cell of each column.
     void removeRepeated(Occurrences *repeated, qint64 row);
 
@@ -83,6 +86,8 @@ private:
     /// one.
     bool seekResultText(Record *record);
     void addNumber(int column, double value, sheet::NumberForm form, RowCells *row);
+    /// A boolean is a number too: 1 for true, 0 for false.
+    void addBoolean(int column, bool value, RowCells *row);
     /// General for a number without XF record.
     sheet::NumberForm formOfXf(size_t xf) const;
     /// The form that the three bytes of a BIFF 2 cell give.

@@ -36,24 +36,25 @@ constexpr int kMinShift = 7;
 constexpr int kMaxShift = 16;
 constexpr int kMaxMiniShift = 12;
 
-/// Append a piece to the extents of a stream, as one extent with the last piece where they touch.
-void append(std::vector<Extent> &extents, qint64 fileOffset, qint64 bytes)
-{
-    if (!extents.empty()) {
-        Extent &last = extents.back();
-        if (last.fileOffset + last.bytes == fileOffset) {
-            last.bytes += bytes;
-            return;
-        }
-        extents.push_back({last.streamOffset + last.bytes, fileOffset, bytes});
-        return;
-    }
-    extents.push_back({0, fileOffset, bytes});
-}
-
+/// The length of a stream.
 qint64 bytesOf(const std::vector<Extent> &extents)
 {
     return extents.empty() ? 0 : extents.back().streamOffset + extents.back().bytes;
+}
+
+/// Where the next piece of a stream must be in the file to extend this one.
+qint64 endInFile(const Extent &extent)
+{
+    return extent.fileOffset + extent.bytes;
+}
+
+/// Append a piece to the extents of a stream, as one extent with the last piece where they touch.
+void append(std::vector<Extent> &extents, qint64 fileOffset, qint64 bytes)
+{
+    if (extents.empty() || endInFile(extents.back()) != fileOffset) {
+        extents.push_back({bytesOf(extents), fileOffset, 0});
+    }
+    extents.back().bytes += bytes;
 }
 
 /// The extent that holds a byte of the stream, which must be inside it.
@@ -299,6 +300,11 @@ void CompoundFile::readDirectory()
     }
 }
 
+bool CompoundFile::isStream(const Entry &entry, QStringView name)
+{
+    return entry.type == kStreamType && entry.name.compare(name, Qt::CaseInsensitive) == 0;
+}
+
 /// Walk the tree of the root folder, whose nodes are in no useful order in damaged files.
 std::optional<size_t> CompoundFile::findInRoot(QStringView name) const
 {
@@ -312,7 +318,7 @@ std::optional<size_t> CompoundFile::findInRoot(QStringView name) const
         }
         isSeen[at] = true;
         const Entry &entry = m_entries[at];
-        if (entry.type == kStreamType && entry.name.compare(name, Qt::CaseInsensitive) == 0) {
+        if (isStream(entry, name)) {
             return at;
         }
         open.insert(open.end(), {entry.left, entry.right});
@@ -322,16 +328,17 @@ std::optional<size_t> CompoundFile::findInRoot(QStringView name) const
 
 std::optional<size_t> CompoundFile::find(QStringView name) const
 {
-    if (const auto found = findInRoot(name)) {
-        return found;
-    }
-    for (size_t i = 0; i < m_entries.size(); ++i) {
-        if (m_entries[i].type == kStreamType &&
-            m_entries[i].name.compare(name, Qt::CaseInsensitive) == 0) {
-            return i;
-        }
-    }
-    return std::nullopt;
+    const auto found = findInRoot(name);
+    return found ? found : findAnywhere(name);
+}
+
+/// The first one in the order of the directory: its tree may be broken.
+std::optional<size_t> CompoundFile::findAnywhere(QStringView name) const
+{
+    const auto isIt = [name](const Entry &entry) { return isStream(entry, name); };
+    const auto at = std::find_if(m_entries.begin(), m_entries.end(), isIt);
+    return at == m_entries.end() ? std::nullopt
+                                 : std::optional(static_cast<size_t>(at - m_entries.begin()));
 }
 
 std::unique_ptr<CompoundStream> CompoundFile::stream(QStringView name)

@@ -111,10 +111,14 @@ private:
 
     std::vector<Extent> sectorExtents(quint32 first, qint64 bytes) const;
     std::vector<Extent> miniExtents(quint32 first, qint64 bytes);
-    // The index of the stream with this name, in any folder or in the root folder only.
+    // The index of the stream with this name: in the root folder before any other, in the root
+    // folder only, or in any folder.
 
     std::optional<size_t> find(QStringView name) const;
     std::optional<size_t> findInRoot(QStringView name) const;
+    std::optional<size_t> findAnywhere(QStringView name) const;
+    /// Letter case does not count.
+    static bool isStream(const Entry &entry, QStringView name);
     qint64 sectorBytes() const { return qint64(1) << m_header.sectorShift; }
     /// Sectors that begin before the end of the file.
     qint64 sectorCount() const { return (m_fileBytes - 1) / sectorBytes(); }

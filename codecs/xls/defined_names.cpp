@@ -118,11 +118,8 @@ void DefinedNames::takeExternSheet(RecordReader &reader, const Record &record)
 {
     ContinuedBytes in(reader, record);
     for (int left = in.u16(); left > 0 && !in.atEnd(); --left) {
-        SheetRange range;
-        range.book = in.u16();
-        range.first = in.u16();
-        range.last = in.u16();
-        m_ranges.push_back(range);
+        // The fields are read in the order of the list: the language guarantees it for braces.
+        m_ranges.push_back(SheetRange{in.u16(), in.u16(), in.u16()});
     }
 }
 

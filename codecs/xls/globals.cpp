@@ -75,6 +75,15 @@ sheet::SheetVisibility visibilityOf(quint8 state)
     return kStates[state & 3U];
 }
 
+/// What a BOUNDSHEET record says before the name of its sheet.
+SheetPlace placeIn(const Record &record)
+{
+    SheetPlace place{{}, loadLE<quint32>(record.data)};
+    place.info.visibility = visibilityOf(record.data[4]);
+    place.info.kind = kindOf(record.data[5]);
+    return place;
+}
+
 QString encryptionOf(const Record &record, Biff biff)
 {
     if (biff != Biff::V8 || u16At(record, 0) == 0) {
@@ -107,6 +116,7 @@ public:
 private:
     void takeBoundSheet(const Record &record);
     void takeSheetHeader(const Record &record);
+    void addSheet(const Record &record, qint64 nameOffset, SheetPlace place);
     void takeFormat(const Record &record);
     void addFormat(int id, ContinuedBytes &in, qint64 length);
     NumberForm formOf(int format) const;
@@ -161,14 +171,15 @@ void Collector::take(const Record &record)
 void Collector::takeBoundSheet(const Record &record)
 {
     constexpr qint64 kNameOffset = 6;
-    if (m_globals.biff < Biff::V5 || record.bytes <= kNameOffset) {
-        return;
+    if (m_globals.biff >= Biff::V5 && record.bytes > kNameOffset) {
+        addSheet(record, kNameOffset, placeIn(record));
     }
-    SheetPlace place;
-    place.offset = loadLE<quint32>(record.data);
-    place.info.visibility = visibilityOf(record.data[4]);
-    place.info.kind = kindOf(record.data[5]);
-    ContinuedBytes in(m_reader, record, kNameOffset);
+}
+
+/// The length of the name is at `nameOffset`. The record is no longer valid afterwards.
+void Collector::addSheet(const Record &record, qint64 nameOffset, SheetPlace place)
+{
+    ContinuedBytes in(m_reader, record, nameOffset);
     place.info.name = m_rules.shortName(in);
     m_globals.sheets.push_back(std::move(place));
 }
@@ -181,21 +192,24 @@ void Collector::takeSheetHeader(const Record &record)
         return;
     }
     const qint64 bytes = loadLE<quint32>(record.data);
-    SheetPlace place;
-    place.offset = m_reader.position();
-    ContinuedBytes in(m_reader, record, kNameOffset);
-    place.info.name = m_rules.shortName(in);
-    m_globals.sheets.push_back(std::move(place));
+    const qint64 begin = m_reader.position();
+    addSheet(record, kNameOffset, {{}, begin});
     m_globals.isWorkspace = true;
-    m_reader.seek(std::min(m_globals.sheets.back().offset + bytes, m_reader.size()));
+    m_reader.seek(std::min(begin + bytes, m_reader.size()));
 }
 
 void Collector::takeFormat(const Record &record)
 {
     const bool hasNumber = m_globals.biff >= Biff::V5;
     const int id = hasNumber ? u16At(record, 0) : static_cast<int>(m_formats.size());
+    // The number, or in BIFF 4 two unused bytes, precede the length.
     ContinuedBytes in(m_reader, record, record.id == kFormat ? 2 : 0);
-    const qint64 length = m_globals.biff == Biff::V8 ? in.u16() : in.u8();
+    addFormat(id, in, m_globals.biff == Biff::V8 ? in.u16() : in.u8());
+}
+
+/// `in` is at the first of the `length` characters of the code.
+void Collector::addFormat(int id, ContinuedBytes &in, qint64 length)
+{
     std::u16string code;
     m_rules.append(in, length, &code);
     m_formats.insert(id, sheet::formOfCode(code));

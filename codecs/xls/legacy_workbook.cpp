@@ -142,13 +142,17 @@ sheet::WorkbookResult<sheet::SheetLayout> LegacyWorkbook::layout(size_t index)
 
 void LegacyWorkbook::readSharedTexts()
 {
-    Record record;
-    if (m_hasSharedTexts || m_globals.sharedTexts < 0) {
-        return;
+    if (!m_hasSharedTexts && m_globals.sharedTexts >= 0) {
+        // Also after a failure: a second attempt would find the same.
+        m_hasSharedTexts = true;
+        loadSharedTexts();
     }
-    m_hasSharedTexts = true;
+}
+
+void LegacyWorkbook::loadSharedTexts()
+{
     m_reader->seek(m_globals.sharedTexts);
-    if (m_reader->next(&record)) {
+    if (Record record; m_reader->next(&record)) {
         m_shared.read(*m_reader, record, *m_rules);
     }
 }

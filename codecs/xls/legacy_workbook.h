@@ -43,7 +43,10 @@ private:
     sheet::WorkbookResult<void> readWorkbook();
     /// Scan a sheet, unless it is the one that was scanned last. Valid until the next call.
     sheet::WorkbookResult<const SheetScan *> scan(size_t index);
+    /// Read them when the first sheet is opened; lists of sheets do without.
     void readSharedTexts();
+    void loadSharedTexts();
+    /// The forms that the cells of a sheet refer to.
     CellForms formsOf(size_t index);
 
     std::unique_ptr<CompoundStream> m_stream; // null for a file that is only the stream

@@ -31,19 +31,29 @@ void RecordReader::seek(qint64 offset)
         m_at = static_cast<size_t>(offset - m_bufferOffset);
         return;
     }
-    m_bufferOffset = std::clamp<qint64>(offset, 0, m_size);
+    emptyAt(std::clamp<qint64>(offset, 0, m_size));
+}
+
+void RecordReader::emptyAt(qint64 offset)
+{
+    m_bufferOffset = offset;
     m_at = 0;
     m_filled = 0;
+}
+
+void RecordReader::dropRead()
+{
+    std::memmove(m_buffer.data(), m_buffer.data() + m_at, m_filled - m_at);
+    m_bufferOffset += static_cast<qint64>(m_at);
+    m_filled -= m_at;
+    m_at = 0;
 }
 
 /// Read as much as the buffer takes, after the bytes that are still needed. False at the end and
 /// after a failure.
 bool RecordReader::refill()
 {
-    std::memmove(m_buffer.data(), m_buffer.data() + m_at, m_filled - m_at);
-    m_bufferOffset += static_cast<qint64>(m_at);
-    m_filled -= m_at;
-    m_at = 0;
+    dropRead();
     const qint64 from = m_bufferOffset + static_cast<qint64>(m_filled);
     if (!m_source.seek(from)) {
         m_stop = Stop::ReadFailed;
@@ -95,9 +105,7 @@ std::optional<quint16> RecordReader::nextId()
 bool RecordReader::load(qint64 begin, qint64 end)
 {
     m_buffer.resize(std::max(kBufferBytes, static_cast<size_t>(end - begin)));
-    m_bufferOffset = begin;
-    m_at = 0;
-    m_filled = 0;
+    emptyAt(begin);
     return ensure(static_cast<size_t>(end - begin));
 }
 

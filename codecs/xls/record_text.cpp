@@ -179,11 +179,18 @@ bool TextReader::appendDecoded(QByteArrayView bytes, std::u16string *out) const
 
 bool TextReader::append(ContinuedBytes &in, qint64 n, std::u16string *out) const
 {
-    if (m_biff != Biff::V8) {
-        QByteArray kept;
-        const QByteArrayView bytes = in.bytes(n, &kept);
-        return appendDecoded(bytes, out) && !in.isShort();
-    }
+    return m_biff == Biff::V8 ? appendUnits(in, n, out) : appendBytes(in, n, out);
+}
+
+bool TextReader::appendBytes(ContinuedBytes &in, qint64 n, std::u16string *out) const
+{
+    QByteArray kept;
+    const QByteArrayView bytes = in.bytes(n, &kept);
+    return appendDecoded(bytes, out) && !in.isShort();
+}
+
+bool TextReader::appendUnits(ContinuedBytes &in, qint64 n, std::u16string *out)
+{
     const quint8 flags = in.u8();
     const qint64 runs = (flags & kRich) != 0 ? in.u16() : 0;
     const qint64 phoneticBytes = (flags & kPhonetic) != 0 ? in.u32() : 0;

@@ -66,6 +66,13 @@ public:
     QString shortName(ContinuedBytes &in) const;
 
 private:
+    // append() up to BIFF 5 and in BIFF 8. Same result.
+
+    /// `n` bytes in the code page of the workbook.
+    bool appendBytes(ContinuedBytes &in, qint64 n, std::u16string *out) const;
+    /// The flags, and `n` units in the width that they give.
+    static bool appendUnits(ContinuedBytes &in, qint64 n, std::u16string *out);
+    /// Returns false when bytes are no text in the code page; U+FFFD takes their place.
     bool appendDecoded(QByteArrayView bytes, std::u16string *out) const;
 
     Biff m_biff;

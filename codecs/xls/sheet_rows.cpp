@@ -11,6 +11,16 @@ namespace corvanta::xls {
 using sheet::SheetProblem;
 using sheet::WorkbookError;
 
+namespace {
+
+/// `all` may be 0, for a sheet without records.
+double shareOf(qint64 done, qint64 all)
+{
+    return static_cast<double>(done) / static_cast<double>(std::max<qint64>(1, all));
+}
+
+} // namespace
+
 BiffRows::BiffRows(const SheetSource &source, CellForms forms, SheetScan scan)
     : m_source(source)
     , m_forms(std::move(forms))
@@ -128,12 +138,13 @@ sheet::WorkbookResult<bool> BiffRows::finish() const
     return false;
 }
 
+/// By bytes for cells in order, otherwise by cells: the bytes are then read back and forth.
 void BiffRows::updateFraction()
 {
-    const double done =
-        m_sorted.empty() ? static_cast<double>(m_source.reader.position() - m_scan.begin) /
-                               static_cast<double>(std::max<qint64>(1, m_scan.end - m_scan.begin))
-                         : static_cast<double>(m_nextSorted) / static_cast<double>(m_sorted.size());
+    const qint64 bytes = m_source.reader.position() - m_scan.begin;
+    const double done = m_sorted.empty()
+                            ? shareOf(bytes, m_scan.end - m_scan.begin)
+                            : shareOf(static_cast<qint64>(m_nextSorted), std::ssize(m_sorted));
     m_fraction.store(done, std::memory_order_relaxed);
 }
 

@@ -22,31 +22,51 @@ namespace {
 
 constexpr int kStopInterval = 1024; // records between two looks at the stop flag
 
-void takeRow(const Record &record, std::vector<bool> *hidden)
+/// A bit in the flags of a record, and where they are.
+struct FlagPlace
 {
-    constexpr qint64 kFlagsOffset = 12;
-    constexpr quint16 kHidden = 0x0020;
-    if (record.bytes < kFlagsOffset + 2 ||
-        (loadLE<quint16>(record.data + kFlagsOffset) & kHidden) == 0) {
-        return;
-    }
-    const size_t row = loadLE<quint16>(record.data);
+    qint64 offset = 0;
+    quint16 bit = 0;
+};
+constexpr FlagPlace kHiddenRow{12, 0x0020};
+constexpr FlagPlace kHiddenColumns{8, 0x0001};
+
+/// A record that ends before its flags has none set.
+bool hasFlag(const Record &record, FlagPlace flag)
+{
+    return record.bytes >= flag.offset + 2 &&
+           (loadLE<quint16>(record.data + flag.offset) & flag.bit) != 0;
+}
+
+/// Most sheets hide no rows: the list grows only to the last one that is hidden.
+void mark(size_t row, std::vector<bool> *hidden)
+{
     if (hidden->size() <= row) {
         hidden->resize(row + 1);
     }
     (*hidden)[row] = true;
 }
 
+void takeRow(const Record &record, std::vector<bool> *hidden)
+{
+    if (hasFlag(record, kHiddenRow)) {
+        mark(loadLE<quint16>(record.data), hidden);
+    }
+}
+
+/// The columns of a COLINFO record, in all rows.
+CellArea columnsIn(const Record &record)
+{
+    CellArea area;
+    area.firstColumn = loadLE<quint16>(record.data);
+    area.lastColumn = loadLE<quint16>(record.data + 2);
+    return area;
+}
+
 void takeColumns(const Record &record, std::vector<CellArea> *hidden)
 {
-    constexpr qint64 kFlagsOffset = 8;
-    constexpr quint16 kHidden = 0x0001;
-    if (record.bytes >= kFlagsOffset + 2 &&
-        (loadLE<quint16>(record.data + kFlagsOffset) & kHidden) != 0) {
-        CellArea area;
-        area.firstColumn = loadLE<quint16>(record.data);
-        area.lastColumn = loadLE<quint16>(record.data + 2);
-        hidden->push_back(area);
+    if (hasFlag(record, kHiddenColumns)) {
+        hidden->push_back(columnsIn(record));
     }
 }
 
