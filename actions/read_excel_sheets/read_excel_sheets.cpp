@@ -1,3 +1,5 @@
+// The sheets of one file are listed at a time: the rows of a file are complete before the next file
+// is opened.
 #include "actions/read_excel_sheets/read_excel_sheets.h"
 
 #include "actions/read_excel_sheets/sheet_names.h"
@@ -54,6 +56,7 @@ bool ActionReadExcelSheets::openNext()
     return true;
 }
 
+/// One row: the file and the next of its sheets.
 void ActionReadExcelSheets::putRow()
 {
     RowBuffer *const buffer = bufferForOutputPin(0);

@@ -31,6 +31,7 @@ std::optional<QStringList> failed(ActionBase &action, const QString &path,
     return std::nullopt;
 }
 
+/// The names in a package. Only its list of sheets is read, never a sheet.
 std::optional<QStringList> namesOfPackage(ActionBase &action, const QString &path)
 {
     auto package = PackageInput::open(action.globalParameters(), path);
@@ -45,6 +46,7 @@ std::optional<QStringList> namesOfPackage(ActionBase &action, const QString &pat
     return *std::move(names);
 }
 
+/// The names in a legacy workbook. Charts and modules are in its list too.
 QStringList namesOfLegacy(ActionBase &action, const QString &path)
 {
     QStringList names;

@@ -1,3 +1,5 @@
+// A column is a key column if all its cells are keys, a number column if all are numbers, and a
+// text column otherwise. Dates are texts unless the parameters ask for serials.
 #include "actions/workbook/cell_values.h"
 
 #include "base/number_cell.h"
@@ -11,6 +13,7 @@ using sheet::NumberForm;
 
 namespace {
 
+/// Whether the number can be a key. -0 is none: a key would lose its sign.
 bool isKey(double value)
 {
     return value >= 0 && value < static_cast<double>(cell::kMissingKeyOther) &&
@@ -20,6 +23,7 @@ bool isKey(double value)
 /// The bit of a date that is read as text.
 quint8 contentOfDate(NumberForm form, double serial, bool uses1904)
 {
+    // The date system of 1900 has a 29 February 1900, which the calendar does not have.
     constexpr double kFictitiousDay = 60;
     const double day = std::floor(serial);
     const bool isDate = form == NumberForm::Date || form == NumberForm::DateTime;
@@ -83,6 +87,7 @@ quint8 ValueRules::contentOf(const sheet::SheetCell &cell) const
     return serial ? ofNumber(*serial) : quint8(kHasTexts);
 }
 
+/// A text that is no date is missing; contentOf() makes its column a text column anyway.
 double ValueRules::numberOf(const sheet::SheetCell &cell) const
 {
     return cell.kind == CellKind::IsoDate

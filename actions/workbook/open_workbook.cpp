@@ -1,3 +1,5 @@
+// A file with the wrong name is common: the reason for a refusal is found from the content, so that
+// the message can say what the file is and which action reads it.
 #include "actions/workbook/open_workbook.h"
 
 #include "codecs/opc/file_kind.h"

@@ -1,3 +1,4 @@
+// The table of parameters: names as saved graphs have them, texts as panels and help show them.
 #include "actions/workbook/read_excel_params.h"
 
 #include "actions/shared/params/reader_params.h"

@@ -14,10 +14,14 @@ enum class SheetChoice {
     Matching,      ///< those whose name matches the pattern sheetName
     All,
 };
+/// How dates are delivered: ISO 8601 texts, or days since the epoch of the workbook.
 enum class DateCells { IsoText, Serials };
+/// How cells such as #N/A are delivered.
 enum class ErrorCells { Text, Missing };
+/// What happens to rows without a cell between others; Stop ends the sheet at the first one.
 enum class EmptyRows { Keep, Skip, Stop };
 
+/// The values of one action, with the defaults that saved graphs rely on.
 struct ReadExcelParams
 {
     /// Input pin 0 brings the name, in its first row. `fileName` is then ignored.

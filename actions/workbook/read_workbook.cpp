@@ -1,3 +1,5 @@
+// The run in order: list the files, scan their sheets for columns, decide the types, and deliver
+// the rows file by file. A single file stays open between scan and delivery.
 #include "actions/workbook/read_workbook.h"
 
 #include "actions/workbook/workbook_file.h"

@@ -1,3 +1,5 @@
+// The scan looks at every cell once and keeps only a set of bits per column. A sheet of any length
+// needs the same memory.
 #include "actions/workbook/sheet_scan.h"
 
 #include "codecs/sheet/cell_area.h"
@@ -54,6 +56,7 @@ private:
         m_result.headerRow = row;
         m_result.firstRow = row + 1;
     }
+    /// Names are trimmed: blanks around them cannot be seen in a sheet.
     void takeHeader(const WalkStep &step)
     {
         setHeaderRow(step.row);
@@ -79,6 +82,7 @@ private:
             }
         }
     }
+    /// Add what the column did not have yet, and note the first row that changes its type.
     static void addContent(quint8 content, bool isSampled, qint64 row, ScannedColumn *column)
     {
         const bool changesType = typeOf(column->content | content) != typeOf(column->content);

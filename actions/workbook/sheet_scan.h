@@ -32,6 +32,7 @@ struct SheetScan
     sheet::SheetProblems problems;
 };
 
+/// What the scan reads and how it decides.
 struct ScanOptions
 {
     WalkOptions walk;

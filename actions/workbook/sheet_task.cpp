@@ -1,3 +1,5 @@
+// Sheets are chosen first, then the range: a table or a defined name can move the task to another
+// sheet. The scan comes last and reads the sheet once, or twice if its rows are not in order.
 #include "actions/workbook/sheet_task.h"
 
 #include "codecs/sheet/cell_area.h"
@@ -81,6 +83,7 @@ std::vector<size_t> TaskMaker::sheetsOf(const QString &pattern) const
     return sheets;
 }
 
+/// A message stays readable for workbooks with hundreds of sheets.
 QString TaskMaker::listOfSheets() const
 {
     constexpr size_t kMaxListed = 20;
@@ -119,6 +122,7 @@ TaskMaker::Sheets TaskMaker::sheetOfNumber()
                                           m_reader.sheets()[index].name)};
 }
 
+/// The exact name comes before one in other letter case: other programs may write both.
 TaskMaker::Sheets TaskMaker::sheetOfName()
 {
     const auto &sheets = m_reader.sheets();
@@ -156,6 +160,7 @@ Result<bool, TaskError> TaskMaker::hasData(size_t sheet)
     }
 }
 
+/// Reads only up to the first cell of each sheet.
 TaskMaker::Sheets TaskMaker::firstWithData()
 {
     for (const size_t sheet : sheetsOf(u"*"_s)) {

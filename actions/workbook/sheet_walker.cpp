@@ -1,3 +1,5 @@
+// Rows without cells are not stored in workbooks. The walk finds them as gaps between row numbers
+// and gives a gap as one step, whatever its length.
 #include "actions/workbook/sheet_walker.h"
 
 #include <algorithm>
@@ -66,6 +68,7 @@ WalkStep SheetWalker::emptyRows(qint64 upTo)
     return {WalkStep::Kind::Empty, count, first, {}};
 }
 
+/// Give the row that was read, after the gap before it.
 WalkStep SheetWalker::takeRow()
 {
     m_hasRow = false;

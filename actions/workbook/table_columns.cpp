@@ -1,3 +1,5 @@
+// Columns have the name in the header, or the letters of their column in the sheet. Names that are
+// there twice get numbers, so that columns of several sheets can be joined by name.
 #include "actions/workbook/table_columns.h"
 
 #include "codecs/sheet/cell_text.h"
@@ -16,6 +18,7 @@ namespace {
 /// otherwise make thousands of columns.
 constexpr size_t kMaxEmptyColumns = 256;
 
+/// Whether the task leaves the column out; its list is empty unless hidden columns are skipped.
 bool isHidden(const SheetTask &task, int column)
 {
     return std::ranges::any_of(task.hiddenColumns, [column](const sheet::CellArea &area) {
@@ -23,6 +26,7 @@ bool isHidden(const SheetTask &task, int column)
     });
 }
 
+/// The name of a column without one in the header: A, B, ... AA.
 QString lettersOf(int column)
 {
     return QString::fromLatin1(sheet::columnLetters(column));

@@ -44,6 +44,7 @@ struct LateText
 class TableColumns
 {
 public:
+    /// A column of the table; the type is valid after decideTypes().
     struct Column
     {
         QString name;
@@ -62,6 +63,7 @@ public:
     /// Where the cells of the task go: by their index in the scan, the column, or -1.
     std::vector<int> targetsOf(const SheetTask &task, const TaskColumns &columns,
                                bool isStrict) const;
+    /// Names and types, in the order of the table. Call decideTypes() first.
     TableSchema schema() const;
     const std::vector<LateText> &lateTexts() const { return m_lateTexts; }
 

@@ -1,3 +1,5 @@
+// Delivers rows sheet by sheet. A call of next() takes one step of the walk, so that a run can be
+// stopped between any two rows; a gap of empty rows is one step and is delivered row by row.
 #include "actions/workbook/workbook_file.h"
 
 #include "codecs/sheet/cell_area.h"
@@ -35,6 +37,7 @@ bool WorkbookFile::fail(const Fault<sheet::WorkbookError> &fault)
                m_name, describe(fault, *m_workbook.source)));
 }
 
+/// Begin the walk over the next sheet. The cell with its name is made once for all rows.
 bool WorkbookFile::openSheet()
 {
     auto rows = sheet().task.openRows(*m_workbook.reader);
@@ -47,6 +50,7 @@ bool WorkbookFile::openSheet()
     return true;
 }
 
+/// Warn about what was repaired, and go to the next sheet.
 bool WorkbookFile::closeSheet()
 {
     warnProblems(m_walker->rows().problems());
@@ -88,6 +92,7 @@ bool WorkbookFile::doesNotFit(const WalkStep &step, const sheet::SheetCell &cell
             QString::number(sheet().task.options.sampleRows)));
 }
 
+/// Put the cells of a row into their columns. Without a type check after a complete scan.
 bool WorkbookFile::putRow(const WalkStep &step, OneRow &row)
 {
     clearRow(row);
@@ -169,6 +174,7 @@ bool WorkbookFile::next(OneRow &row, Found *found)
     return take(*step, row, found);
 }
 
+/// A sheet that is not read to its end has had problems too.
 void WorkbookFile::beforeClose()
 {
     if (m_walker) {

@@ -42,11 +42,13 @@ private:
     bool closeSheet();
     void updateFraction();
     bool take(const WalkStep &step, OneRow &row, Found *found);
+    /// Fails for a cell after the sample whose type does not fit its column.
     bool putRow(const WalkStep &step, OneRow &row);
     void clearRow(OneRow &row);
     void clearCells(OneRow &row);
     bool doesNotFit(const WalkStep &step, const sheet::SheetCell &cell);
     bool fail(const Fault<sheet::WorkbookError> &fault);
+    /// What the reader repaired: one warning for each kind, with count and first place.
     void warnProblems(const sheet::SheetProblems &problems);
 
     ActionBase &m_action;

@@ -1,3 +1,4 @@
+// The two formats of workbooks, each with the other one as the place to send a user to.
 #include "actions/workbook/workbook_formats.h"
 
 #include "codecs/xls/legacy_workbook.h"
@@ -7,6 +8,7 @@ namespace corvanta {
 
 namespace {
 
+/// Open a workbook of one format behind the interface of all.
 template <class Reader>
 sheet::WorkbookResult<std::unique_ptr<sheet::WorkbookReader>> makeReader(ByteSource &source)
 {

@@ -40,6 +40,7 @@ constexpr qint64 kMulRkBytes = 6; // of each cell
 // The format has 256 columns; this is what spreadsheet programs read at most.
 constexpr int kMostColumns = 16384;
 
+/// For messages. Made only for the first cell of each problem.
 QString placeOfCell(qint64 row, int column)
 {
     return QStringLiteral("cell ") + sheet::cellName(column, row);
@@ -60,6 +61,7 @@ double numberOfRk(quint32 rk)
     return (rk & kHundredths) != 0 ? value / 100 : value;
 }
 
+/// The text that spreadsheet programs show for an error code; empty for an unknown one.
 std::u16string_view errorText(quint8 code)
 {
     switch (code) {
@@ -116,6 +118,7 @@ qint64 leastBytes(quint16 id)
     }
 }
 
+/// All cell records have their first column here.
 int columnOf(const Record &record)
 {
     return loadLE<quint16>(record.data + 2);

@@ -234,6 +234,7 @@ std::vector<Extent> CompoundFile::sectorExtents(quint32 first, qint64 bytes) con
     return extents;
 }
 
+/// As sectorExtents() for a short stream, through the stream that holds its mini sectors.
 std::vector<Extent> CompoundFile::miniExtents(quint32 first, qint64 bytes)
 {
     readMiniFat();
@@ -284,6 +285,7 @@ CompoundFile::Entry CompoundFile::parseEntry(const uchar *bytes) const
     return entry;
 }
 
+/// Entries up to the first part that cannot be read.
 void CompoundFile::readDirectory()
 {
     const auto extents = sectorExtents(m_header.firstDirectorySector, m_fileBytes);

@@ -35,6 +35,7 @@ constexpr std::array<const char *, 14> kBuiltInNames = {
     "Criteria",         "Print_Area",      "Print_Titles", "Recorder",       "Data_Form",
     "Auto_Activate",    "Auto_Deactivate", "Sheet_Title",  "_FilterDatabase"};
 
+/// The token without its class, which does not matter for an area.
 quint8 tokenOf(const QByteArray &tokens)
 {
     return static_cast<quint8>(static_cast<quint8>(tokens.front()) & ~kClassBits & 0x7F);
@@ -50,12 +51,14 @@ quint16 u16At(const QByteArray &tokens, qsizetype offset)
     return loadLE<quint16>(tokens.constData() + offset);
 }
 
+/// Writers may give the corners of an area in any order.
 sheet::CellArea ordered(int row1, int row2, int column1, int column2)
 {
     return {std::min(row1, row2), std::max(row1, row2), std::min(column1, column2),
             std::max(column1, column2)};
 }
 
+/// A built-in name is stored as one character, its number.
 QString builtInName(const QString &stored)
 {
     const size_t number = stored.isEmpty() ? kBuiltInNames.size() : stored.front().unicode();

@@ -28,6 +28,7 @@ namespace {
 
 constexpr quint8 kFormatBits = 0x3F;
 
+/// A number in a record; 0 beyond its end.
 quint16 u16At(const Record &record, qint64 offset)
 {
     return record.bytes >= offset + 2 ? loadLE<quint16>(record.data + offset) : quint16{0};
@@ -47,6 +48,7 @@ NumberForm formOfBuiltIn2(int id)
     return id < 16 ? NumberForm::Date : (id < 20 ? NumberForm::Time : NumberForm::DateTime);
 }
 
+/// The kind in a BOUNDSHEET record.
 sheet::SheetKind kindOf(quint8 type)
 {
     switch (type) {
@@ -59,6 +61,7 @@ sheet::SheetKind kindOf(quint8 type)
     }
 }
 
+/// The kind of the only sheet of an older file, from its BOF record.
 sheet::SheetKind kindOfStream(quint16 type)
 {
     if (type == kChartStream) {
@@ -67,6 +70,7 @@ sheet::SheetKind kindOfStream(quint16 type)
     return type == kMacroStream ? sheet::SheetKind::Macro : sheet::SheetKind::Worksheet;
 }
 
+/// The upper bits are not used; 3 is not defined and hides the sheet as 2 does.
 sheet::SheetVisibility visibilityOf(quint8 state)
 {
     constexpr std::array kStates = {sheet::SheetVisibility::Visible, sheet::SheetVisibility::Hidden,

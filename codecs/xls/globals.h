@@ -21,6 +21,7 @@ struct CellForms
     std::vector<sheet::NumberForm> ofFormat; ///< by the number of a format; BIFF 2 without XF only
 };
 
+/// What is known about a workbook before any sheet is read.
 struct Globals
 {
     Biff biff = Biff::V8;

@@ -19,6 +19,7 @@ constexpr qint64 kMaxScans = 8;
 constexpr qint64 kMaxRepeatedBytes = qint64(256) << 20;
 constexpr qint64 kScanBytes = 4096;
 
+/// What a fault of the container means for the workbook.
 Fault<WorkbookError> faultOf(const Fault<CompoundError> &fault)
 {
     switch (fault.code) {

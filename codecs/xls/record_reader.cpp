@@ -102,6 +102,7 @@ std::optional<quint16> RecordReader::nextId()
     return loadLE<quint16>(m_buffer.data() + m_at);
 }
 
+/// The buffer grows to the range and stays so large: sheets that need it are rare.
 bool RecordReader::load(qint64 begin, qint64 end)
 {
     m_buffer.resize(std::max(kBufferBytes, static_cast<size_t>(end - begin)));

@@ -50,6 +50,7 @@ encoding::TextDecoder decoderOf(Biff biff, int codePage)
                   : encoding::TextDecoder::windows1252();
 }
 
+/// Compressed units are the low bytes of UTF-16; no code page is involved.
 void widen(const uchar *bytes, qint64 n, std::u16string *out)
 {
     const size_t old = out->size();
@@ -57,6 +58,7 @@ void widen(const uchar *bytes, qint64 n, std::u16string *out)
     std::copy(bytes, bytes + n, out->begin() + static_cast<std::ptrdiff_t>(old));
 }
 
+/// The units may be at odd addresses.
 void copyWide(const uchar *bytes, qint64 n, std::u16string *out)
 {
     const size_t old = out->size();

@@ -70,6 +70,7 @@ void takeColumns(const Record &record, std::vector<CellArea> *hidden)
     }
 }
 
+/// Areas whose corners are exchanged are damaged and left out.
 void takeMerged(const Record &record, std::vector<CellArea> *merged)
 {
     constexpr qint64 kAreaBytes = 8;
