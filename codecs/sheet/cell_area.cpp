@@ -1,3 +1,10 @@
+// Areas as users and defined names write them (ECMA-376 part 1, 18.2.5):
+//
+//   B2          one cell                 B2:D9        a rectangle
+//   B:D         whole columns            2:9          whole rows
+//   B2:         from B2 to the end       $B$2:$D$9    the signs mean nothing here
+//
+//   'It''s me'!B2:D9     with a sheet: in apostrophes, which are doubled inside
 #include "codecs/sheet/cell_area.h"
 
 #include "codecs/sheet/cell_text.h"
@@ -16,17 +23,25 @@ struct Corner
     bool isEmpty() const { return !column && !row; }
 };
 
+/// The number of a letter of either case, from 1; 0 for any other character.
+int letterNumber(QChar c)
+{
+    const char16_t upper = c.toUpper().unicode();
+    return upper >= u'A' && upper <= u'Z' ? upper - u'A' + 1 : 0;
+}
+
 /// The letters at `*at` as a column.
 std::optional<int> takeColumn(QStringView text, qsizetype *at)
 {
     int column = 0;
     const qsizetype from = *at;
     for (; *at < text.size(); ++*at) {
-        const char16_t c = text[*at].toUpper().unicode();
-        if (c < u'A' || c > u'Z') {
+        const int letter = letterNumber(text[*at]);
+        if (letter == 0) {
             break;
         }
-        column = std::min(column * 26 + (c - u'A' + 1), static_cast<int>(kMaxColumns) + 1);
+        // One more than there are: a longer name neither overflows nor becomes a column.
+        column = std::min(column * 26 + letter, static_cast<int>(kMaxColumns) + 1);
     }
     return *at == from ? std::nullopt : std::optional(column - 1);
 }
@@ -47,6 +62,15 @@ void skipDollar(QStringView text, qsizetype *at)
     *at += *at < text.size() && text[*at] == u'$' ? 1 : 0;
 }
 
+/// Whether the column and the row, as far as they are present, are those of a sheet.
+bool isInSheet(const Corner &corner)
+{
+    const int column = corner.column.value_or(0);
+    const qint64 row = corner.row.value_or(0);
+    return column >= 0 && column < static_cast<int>(kMaxColumns) && row >= 0 && row < kMaxRows;
+}
+
+/// One side of an area; a text without characters is an open end.
 std::optional<Corner> parseCorner(QStringView text)
 {
     Corner corner;
@@ -57,10 +81,16 @@ std::optional<Corner> parseCorner(QStringView text)
         skipDollar(text, &at);
     }
     corner.row = takeRow(text, &at);
-    const bool isValid = at == text.size() && corner.column.value_or(0) >= 0 &&
-                         corner.column.value_or(0) < static_cast<int>(kMaxColumns) &&
-                         corner.row.value_or(0) >= 0 && corner.row.value_or(0) < kMaxRows;
+    const bool isValid = at == text.size() && isInSheet(corner);
     return isValid && (!corner.isEmpty() || text.isEmpty()) ? std::optional(corner) : std::nullopt;
+}
+
+/// The name of a sheet without the apostrophes around it; those inside it are doubled.
+QString unquoted(const QString &name)
+{
+    const bool isQuoted = name.size() >= 2 && name.startsWith(u'\'') && name.endsWith(u'\'');
+    QString inside = isQuoted ? name.mid(1, name.size() - 2) : name;
+    return isQuoted ? inside.replace(QLatin1String("''"), QLatin1String("'")) : inside;
 }
 
 } // namespace
@@ -81,6 +111,7 @@ std::optional<CellArea> parseArea(QStringView text)
     area.firstRow = first->row.value_or(0);
     area.lastColumn = last->column.value_or(area.lastColumn);
     area.lastRow = last->row.value_or(area.lastRow);
+    // The corners may be any two opposite ones.
     if (area.firstColumn > area.lastColumn) {
         std::swap(area.firstColumn, area.lastColumn);
     }
@@ -96,12 +127,7 @@ std::optional<SheetArea> parseSheetArea(QStringView text)
     const qsizetype mark = text.lastIndexOf(u'!');
     SheetArea result;
     if (mark >= 0) {
-        result.sheet = text.first(mark).toString();
-        if (result.sheet.size() >= 2 && result.sheet.startsWith(u'\'') &&
-            result.sheet.endsWith(u'\'')) {
-            result.sheet = result.sheet.mid(1, result.sheet.size() - 2);
-            result.sheet.replace(QLatin1String("''"), QLatin1String("'"));
-        }
+        result.sheet = unquoted(text.first(mark).toString());
     }
     const auto area = parseArea(text.sliced(mark + 1));
     if (!area) {

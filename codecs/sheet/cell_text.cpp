@@ -106,6 +106,23 @@ int charsOf(const char *begin, const char *end, int taken)
     return static_cast<uchar>(*begin) < 0x80 ? static_cast<int>(end - begin) : taken;
 }
 
+/// A number as the format writes it, without the spaces around it.
+QByteArray printed(const FloatFormat &format, double number)
+{
+    QByteArray text;
+    format.append(number, &text);
+    return text.trimmed();
+}
+
+/// Whether a number that the format writes reads back as the same number.
+bool readsBack(const FloatFormat &format, double sample)
+{
+    const QByteArray number = printed(format, sample);
+    double read = -2; // none of the samples
+    return parseDouble({number.data(), static_cast<size_t>(number.size())}, &read) &&
+           read == sample;
+}
+
 } // namespace
 
 char *escapeText(const char16_t *text, qsizetype n, char *out, bool *isOdd)
@@ -179,15 +196,8 @@ bool printsNumbers(const FloatFormat &format)
 {
     // Exact in every precision, so that a difference comes from other characters.
     constexpr std::array<double, 4> kSamples{0, 1, -1, 1e300};
-    return std::all_of(kSamples.begin(), kSamples.end(), [&](double sample) {
-        QByteArray text;
-        format.append(sample, &text);
-        const QByteArray number = text.trimmed();
-        double read = -2;
-        return parseDouble(std::string_view(number.data(), static_cast<size_t>(number.size())),
-                           &read) &&
-               read == sample;
-    });
+    return std::all_of(kSamples.begin(), kSamples.end(),
+                       [&](double sample) { return readsBack(format, sample); });
 }
 
 std::optional<LinkText> parseLink(std::u16string_view text)

@@ -43,6 +43,16 @@ qint64 toMs(QDate date, QTime time)
     return QDateTime(date, time, Qt::UTC).toMSecsSinceEpoch();
 }
 
+/// The time in what follows the date in a text of ISO 8601; invalid when it is no time. A zone is
+/// read and left out: cells have no zone.
+QTime isoTime(QStringView text)
+{
+    static const QRegularExpression kTime(
+        QStringLiteral("^[Tt ](\\d\\d:\\d\\d(?::\\d\\d(?:[.,]\\d+)?)?)"
+                       "(?:[Zz]|[+-]\\d\\d(?::?\\d\\d)?)?$"));
+    return QTime::fromString(kTime.match(text.toString()).captured(1), Qt::ISODateWithMs);
+}
+
 /// Milliseconds since 1970-01-01 of a date, or a date and time, in the form of ISO 8601.
 std::optional<qint64> isoMs(QStringView text)
 {
@@ -51,11 +61,7 @@ std::optional<qint64> isoMs(QStringView text)
     if (!date.isValid() || text.size() <= kDateUnits) {
         return date.isValid() ? std::optional(toMs(date, QTime(0, 0))) : std::nullopt;
     }
-    static const QRegularExpression kTime(
-        QStringLiteral("^[Tt ](\\d\\d:\\d\\d(?::\\d\\d(?:[.,]\\d+)?)?)"
-                       "(?:[Zz]|[+-]\\d\\d(?::?\\d\\d)?)?$"));
-    const auto match = kTime.match(text.sliced(kDateUnits).toString());
-    const QTime time = QTime::fromString(match.captured(1), Qt::ISODateWithMs);
+    const QTime time = isoTime(text.sliced(kDateUnits));
     return time.isValid() ? std::optional(toMs(date, time)) : std::nullopt;
 }
 

@@ -1,3 +1,12 @@
+// Dates and times as ISO 8601 text, from the serials of cells (ECMA-376 part 1, 18.17.4.1).
+//
+//   serial      form        calendar from 1900      calendar from 1904
+//   0.25        Time        06:00:00                06:00:00
+//   45000       Date        2023-03-15              2027-03-16
+//   45000.5     DateTime    2023-03-15T12:00:00     2027-03-16T12:00:00
+//   1.5         Duration    36:00:00                36:00:00
+//
+// The calendar from 1900 counts a day 1900-02-29, serial 60, which never was.
 #include "codecs/sheet/date_text.h"
 
 #include "base/number.h"
@@ -26,6 +35,7 @@ constexpr qint64 kFictitiousDay = 60;
 class Text
 {
 public:
+    /// `value`, with zeros in front of it up to `digits` digits.
     void number(qint64 value, int digits)
     {
         std::array<char, kNumberChars> text{};
@@ -35,6 +45,12 @@ public:
         }
         std::copy_n(text.data(), n, m_text.data() + m_size);
         m_size += n;
+    }
+    /// `separator`, and the value after it.
+    void field(char separator, qint64 value, int digits)
+    {
+        put(separator);
+        number(value, digits);
     }
     void put(char c) { m_text[static_cast<size_t>(m_size++)] = c; }
     int copyTo(char16_t *out) const
@@ -48,6 +64,7 @@ private:
     int m_size = 0;
 };
 
+/// The date of a serial of the calendar from 1900.
 void putDay(qint64 day, Text *text)
 {
     int year = 1900;
@@ -58,26 +75,28 @@ void putDay(qint64 day, Text *text)
         date.getDate(&year, &month, &dayOfMonth);
     }
     text->number(year, 4);
-    text->put('-');
-    text->number(month, 2);
-    text->put('-');
-    text->number(dayOfMonth, 2);
+    text->field('-', month, 2);
+    text->field('-', dayOfMonth, 2);
+}
+
+/// The seconds of a time, with milliseconds only where there are some.
+void putSeconds(qint64 ms, Text *text)
+{
+    text->field(':', ms / 1000 % 60, 2);
+    if (ms % 1000 != 0) {
+        text->field('.', ms % 1000, 3);
+    }
 }
 
 /// `hourDigits`: 2, or 1 for a duration.
 void putTime(qint64 ms, int hourDigits, Text *text)
 {
     text->number(ms / 3'600'000, hourDigits);
-    text->put(':');
-    text->number(ms / 60'000 % 60, 2);
-    text->put(':');
-    text->number(ms / 1000 % 60, 2);
-    if (ms % 1000 != 0) {
-        text->put('.');
-        text->number(ms % 1000, 3);
-    }
+    text->field(':', ms / 60'000 % 60, 2);
+    putSeconds(ms, text);
 }
 
+/// A duration has a sign, and as many hours as it needs instead of days.
 int putDuration(qint64 ms, char16_t *out)
 {
     Text text;

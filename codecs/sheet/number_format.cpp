@@ -100,16 +100,21 @@ size_t takeSymbol(std::u16string_view code, size_t at, Parts *parts)
     return at + 1;
 }
 
+/// Skip the text in quotes that begins at `at`; returns the position after it.
+size_t takeQuoted(std::u16string_view code, size_t at)
+{
+    const size_t end = code.find(u'"', at + 1);
+    return end == std::u16string_view::npos ? code.size() : end + 1;
+}
+
 /// Take what is at `at`; returns the position after it.
 size_t takeItem(std::u16string_view code, size_t at, Parts *parts)
 {
     switch (code[at]) {
     case u'[':
         return takeBracket(code, at, parts);
-    case u'"': {
-        const size_t end = code.find(u'"', at + 1);
-        return end == std::u16string_view::npos ? code.size() : end + 1;
-    }
+    case u'"':
+        return takeQuoted(code, at);
     case u'\\':
     case u'_': // a space as wide as the next character
     case u'*': // the next character, repeated
@@ -136,16 +141,28 @@ NumberForm formOf(const Parts &parts)
     return parts.month && !parts.digits ? NumberForm::Date : NumberForm::General;
 }
 
+/// The ids 27 to 36 and 50 to 58 are those of East Asian languages (ECMA-376 part 1, 18.8.30).
+bool isBuiltInDate(int id)
+{
+    return (id >= 14 && id <= 17) || (id >= 27 && id <= 31) || id == 36 || (id >= 50 && id <= 54) ||
+           id == 57 || id == 58;
+}
+
+/// As isBuiltInDate(), for the formats that show a time alone.
+bool isBuiltInTime(int id)
+{
+    return (id >= 18 && id <= 21) || (id >= 32 && id <= 35) || id == 45 || id == 47 || id == 55 ||
+           id == 56;
+}
+
 } // namespace
 
 NumberForm formOfBuiltIn(int id)
 {
-    if ((id >= 14 && id <= 17) || (id >= 27 && id <= 31) || id == 36 || (id >= 50 && id <= 54) ||
-        id == 57 || id == 58) {
+    if (isBuiltInDate(id)) {
         return NumberForm::Date;
     }
-    if ((id >= 18 && id <= 21) || (id >= 32 && id <= 35) || id == 45 || id == 47 || id == 55 ||
-        id == 56) {
+    if (isBuiltInTime(id)) {
         return NumberForm::Time;
     }
     if (id == 22) {

@@ -1,9 +1,15 @@
+// Rows in order, and merged areas filled. Both pass rows on as they come and keep only what later
+// rows need: sorting keeps all rows, filling the first cell of each area that has begun.
+//
+//   rows 3 1 2 1    sorted: 1 2 3; the cells of both rows 1 are joined
+//   A1:B2 merged    filled: A1, B1, A2 and B2 have the value of A1
 #include "codecs/sheet/row_filters.h"
 
 #include <QString>
 
 #include <algorithm>
 #include <deque>
+#include <span>
 #include <string>
 
 using namespace Qt::StringLiterals;
@@ -36,6 +42,15 @@ void addCopy(const SheetCell &cell, KeptRow *row)
     }
 }
 
+/// Add copies of all cells; those of `row` itself must not be among them.
+void addCopies(std::span<const SheetCell> cells, KeptRow *row)
+{
+    for (const SheetCell &cell : cells) {
+        addCopy(cell, row);
+    }
+}
+
+/// The memory that a kept copy of the row takes, or a little more.
 qint64 bytesOf(const SheetRow &row)
 {
     constexpr size_t kTextBytes = sizeof(std::u16string);
@@ -59,6 +74,7 @@ void orderCells(std::vector<SheetCell> *cells)
     cells->resize(kept);
 }
 
+/// Reads all rows of its source before it delivers the first one.
 class SortedRows final : public SheetRows
 {
 public:
@@ -85,6 +101,7 @@ public:
     const SheetProblems &problems() const override { return m_source->problems(); }
 
 private:
+    /// Errors: those of the source; TooLarge, when a sheet out of order does not fit the memory.
     WorkbookResult<void> readAll()
     {
         SheetRow row;
@@ -102,17 +119,19 @@ private:
                 return Fault{WorkbookError::TooLarge,
                              u"its rows are not in order and too many to be sorted"_s};
             }
-            KeptRow &kept = m_rows.emplace_back();
-            kept.number = row.number;
-            kept.isHidden = row.isHidden;
-            for (const SheetCell &cell : row.cells) {
-                addCopy(cell, &kept);
-            }
+            keep(row);
         }
         m_isRead = true;
         std::ranges::stable_sort(m_rows, {}, [](const KeptRow &one) { return one.number; });
         joinEqual();
         return {};
+    }
+    void keep(const SheetRow &row)
+    {
+        KeptRow &kept = m_rows.emplace_back();
+        kept.number = row.number;
+        kept.isHidden = row.isHidden;
+        addCopies(row.cells, &kept);
     }
     /// Join the rows that have one number.
     void joinEqual()
@@ -120,9 +139,7 @@ private:
         size_t kept = 0;
         for (size_t i = 0; i < m_rows.size(); ++i) {
             if (kept > 0 && m_rows[kept - 1].number == m_rows[i].number) {
-                for (const SheetCell &cell : m_rows[i].cells) {
-                    addCopy(cell, &m_rows[kept - 1]);
-                }
+                addCopies(m_rows[i].cells, &m_rows[kept - 1]);
                 orderCells(&m_rows[kept - 1].cells);
             } else if (kept++ != i) {
                 m_rows[kept - 1] = std::move(m_rows[i]);
@@ -138,6 +155,7 @@ private:
     size_t m_at = 0;
 };
 
+/// Adds rows where the source has none inside a merged area.
 class FilledRows final : public SheetRows
 {
 public:
@@ -179,6 +197,7 @@ private:
         KeptRow first; ///< its first cell, or none
     };
 
+    /// Forget the areas that end above the next row.
     void endAreas()
     {
         std::erase_if(m_active, [&](const ActiveArea &one) { return one.area.lastRow < m_number; });
@@ -188,6 +207,7 @@ private:
     {
         endAreas();
         for (; m_next < m_merged.size() && m_merged[m_next].firstRow <= m_number; ++m_next) {
+            // The source left out its first row, and with it the value.
             if (m_merged[m_next].firstRow < m_number) {
                 continue;
             }

@@ -51,9 +51,17 @@ bool overlap(const CellRange &a, const CellRange &b)
            b.firstColumn <= a.lastColumn;
 }
 
+/// The value of an attribute; empty without it.
 QString textOf(const Tag &tag, QByteArrayView name)
 {
     return opc::decoded(tag.attribute(name).value_or(QByteArrayView()));
+}
+
+/// The name that formulas use, which is the displayed one; some writers leave it out.
+QString nameOf(const Tag &table)
+{
+    const QString displayed = textOf(table, "displayName");
+    return displayed.isEmpty() ? textOf(table, "name") : displayed;
 }
 
 } // namespace
@@ -80,14 +88,10 @@ QString rangeText(const CellRange &range)
 
 bool hidesCells(const CellRange &merged, const WrittenCells &written)
 {
-    if (!overlap(merged, written.range)) {
-        return false;
-    }
     // Only the first cell of a merged range is shown.
-    const bool hasOther =
-        std::min(merged.lastRow, written.range.lastRow) > merged.firstRow ||
-        std::min(merged.lastColumn, written.range.lastColumn) > merged.firstColumn;
-    return hasOther;
+    return overlap(merged, written.range) &&
+           (std::min(merged.lastRow, written.range.lastRow) > merged.firstRow ||
+            std::min(merged.lastColumn, written.range.lastColumn) > merged.firstColumn);
 }
 
 Result<Table, Error> readTable(QByteArrayView text)
@@ -101,10 +105,7 @@ Result<Table, Error> readTable(QByteArrayView text)
     if (!range) {
         return Fault<Error>{Error::Unexpected};
     }
-    Table table{textOf(root, "displayName"), *range, textOf(root, "headerRowCount") != u"0", {}};
-    if (table.name.isEmpty()) {
-        table.name = textOf(root, "name");
-    }
+    Table table{nameOf(root), *range, textOf(root, "headerRowCount") != u"0", {}};
     table.totalsRows = std::max(QString(textOf(root, "totalsRowCount")).toInt(), 0);
     if (const auto list = outline->child(0, "tableColumns")) {
         for (const int index : outline->children(*list, "tableColumn")) {
@@ -124,6 +125,7 @@ bool losesHeader(const Table &table, const WrittenCells &written)
     if (!table.hasHeader || (!isRemoved && !overlap(headerRow, cells))) {
         return false;
     }
+    // The header survives when the written row has the same names in its place.
     const bool isHeader = row == cells.firstRow && row <= cells.lastRow;
     return !isHeader ||
            written.header.mid(table.range.firstColumn, table.columns.size()) != table.columns;

@@ -15,11 +15,13 @@ namespace {
 
 constexpr qsizetype kMaxRangeNameUnits = 255;
 
+/// Control characters, and those that references and paths use.
 bool isForbidden(QChar c)
 {
     return c < u' ' || QStringView(u"/\\?*[]:").contains(c);
 }
 
+/// What neither the name of a sheet nor that of a range may have.
 QVector<NameFault> commonFaults(const QString &name)
 {
     QVector<NameFault> faults;
@@ -56,6 +58,13 @@ bool isNameUnit(QChar c)
     return c.isLetterOrNumber() || c.isMark() || c.isSurrogate() || c == u'_' || c == u'.';
 }
 
+/// Whether `name`, which is not empty, has the length and the characters of a defined name.
+bool hasNameForm(const QString &name)
+{
+    return (name[0].isLetter() || name[0].isSurrogate() || name[0] == u'_') &&
+           name.size() <= kMaxRangeNameUnits && std::all_of(name.begin(), name.end(), isNameUnit);
+}
+
 } // namespace
 
 QVector<NameFault> sheetNameFaults(const QString &name, const QStringList &others)
@@ -73,10 +82,7 @@ QVector<NameFault> rangeNameFaults(const QString &name)
     if (!faults.isEmpty()) {
         return faults;
     }
-    const bool isName = (name[0].isLetter() || name[0].isSurrogate() || name[0] == u'_') &&
-                        name.size() <= kMaxRangeNameUnits &&
-                        std::all_of(name.begin(), name.end(), isNameUnit);
-    if (!isName) {
+    if (!hasNameForm(name)) {
         faults << NameFault::NotAName;
     } else if (isReference(name)) {
         faults << NameFault::Reference;

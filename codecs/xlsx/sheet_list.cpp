@@ -15,12 +15,18 @@ namespace {
 /// More than a hundred thousand sheets need. Keeps a hostile member from filling the memory.
 constexpr qint64 kMaxMemberBytes = qint64(32) << 20;
 
+/// Whether the document ends here, well or badly.
+bool isLast(Token token)
+{
+    return token == Token::Error || token == Token::EndOfData;
+}
+
 /// Pass over the rest of the element whose Start was read last.
 bool skipElement(XMLTokenizer &tokens)
 {
     for (int depth = 1; depth > 0;) {
         const Token token = tokens.nextToken();
-        if (token == Token::Error || token == Token::EndOfData) {
+        if (isLast(token)) {
             return false;
         }
         depth += token == Token::Start ? 1 : (token == Token::End ? -1 : 0);
@@ -33,7 +39,7 @@ bool enter(XMLTokenizer &tokens, std::u16string_view name)
 {
     for (;;) {
         const Token token = tokens.nextToken();
-        if (token == Token::Error || token == Token::EndOfData || token == Token::End) {
+        if (isLast(token) || token == Token::End) {
             return false;
         }
         if (token == Token::Start) {
@@ -47,6 +53,7 @@ bool enter(XMLTokenizer &tokens, std::u16string_view name)
     }
 }
 
+/// The name in the start of a sheet; empty without one.
 QString nameOf(const XMLTokenizer &tokens)
 {
     for (size_t i = 0; i < tokens.attributes().size(); ++i) {
@@ -57,6 +64,7 @@ QString nameOf(const XMLTokenizer &tokens)
     return {};
 }
 
+/// The names in the element whose Start was read last.
 Result<QStringList, SheetListError> namesIn(XMLTokenizer &tokens)
 {
     QStringList names;
@@ -100,17 +108,22 @@ Fault<SheetListError> withCause(const Fault<SheetListError> &fault, const XMLTok
     return {fault.code, QStringLiteral("xl/workbook.xml has no complete element 'sheets'")};
 }
 
+/// The fault of a package in which the workbook part cannot be opened.
+Fault<SheetListError> withoutWorkbook(const Fault<zip::Error> &fault)
+{
+    return {SheetListError::NoWorkbook,
+            fault.code == zip::Error::NoMember
+                ? QStringLiteral("the package has no member xl/workbook.xml")
+                : QStringLiteral("xl/workbook.xml cannot be read: %1").arg(fault.detail)};
+}
+
 } // namespace
 
 Result<QStringList, SheetListError> readSheetList(zip::PackageReader &package)
 {
     auto member = package.openStream("xl/workbook.xml");
     if (!member) {
-        return Fault{
-            SheetListError::NoWorkbook,
-            member.fault().code == zip::Error::NoMember
-                ? QStringLiteral("the package has no member xl/workbook.xml")
-                : QStringLiteral("xl/workbook.xml cannot be read: %1").arg(member.fault().detail)};
+        return withoutWorkbook(member.fault());
     }
     if ((*member)->size() > kMaxMemberBytes) {
         return Fault{SheetListError::NoSheets,

@@ -62,6 +62,18 @@ private:
         return '<' + m_outline.qualified(local) + rest;
     }
     QByteArray hyperlinkFont() const;
+    QByteArray cellFormat(quint64 numberFormat, quint64 font, const char *rest) const;
+    /// The entries of a table; none without the table.
+    std::vector<int> entriesOf(std::optional<int> table, QByteArrayView local) const
+    {
+        return table ? m_outline.children(*table, local) : std::vector<int>();
+    }
+    /// The whole element as it is in the part.
+    QByteArrayView textOf(int index) const
+    {
+        const Element &one = m_outline.element(index);
+        return m_text.sliced(one.tag.begin, one.end - one.tag.begin);
+    }
 
     QByteArrayView m_text;
     const Outline &m_outline;
@@ -93,8 +105,7 @@ void StylesEditor::addTable(QByteArrayView name, quint64 count, const QByteArray
 quint64 StylesEditor::addNumberFormat(const QByteArray &code)
 {
     const auto table = m_outline.child(0, "numFmts");
-    const std::vector<int> entries =
-        table ? m_outline.children(*table, "numFmt") : std::vector<int>();
+    const std::vector<int> entries = entriesOf(table, "numFmt");
     quint64 id = kFirstFormatId;
     for (const int index : entries) {
         const Tag &tag = m_outline.element(index).tag;
@@ -123,6 +134,7 @@ void StylesEditor::addNumberFormat(std::optional<int> table, quint64 count, quin
     }
 }
 
+/// Underlined, in the theme's color of links.
 QByteArray StylesEditor::hyperlinkFont() const
 {
     QByteArray font = element("font", ">") + element("u", "/>") + element("sz", " val=\"11\"/>") +
@@ -135,10 +147,9 @@ quint64 StylesEditor::addHyperlinkFont()
 {
     const QByteArray font = hyperlinkFont();
     const auto table = m_outline.child(0, "fonts");
-    const std::vector<int> fonts = table ? m_outline.children(*table, "font") : std::vector<int>();
+    const std::vector<int> fonts = entriesOf(table, "font");
     for (size_t i = 0; i < fonts.size(); ++i) {
-        const Element &one = m_outline.element(fonts[i]);
-        if (m_text.sliced(one.tag.begin, one.end - one.tag.begin) == font) {
+        if (textOf(fonts[i]) == font) {
             return i;
         }
     }
@@ -158,34 +169,36 @@ std::optional<quint64> StylesEditor::findFormats(const std::vector<int> &formats
                                                  const QByteArray &first,
                                                  const QByteArray &second) const
 {
-    const auto is = [&](size_t at, const QByteArray &text) {
-        const Element &one = m_outline.element(formats[at]);
-        return m_text.sliced(one.tag.begin, one.end - one.tag.begin) == text;
-    };
     for (size_t i = 0; i + 1 < formats.size(); ++i) {
-        if (is(i, first) && is(i + 1, second)) {
+        if (textOf(formats[i]) == first && textOf(formats[i + 1]) == second) {
             return i;
         }
     }
     return std::nullopt;
 }
 
+/// `rest` ends the tag.
+QByteArray StylesEditor::cellFormat(quint64 numberFormat, quint64 font, const char *rest) const
+{
+    return element("xf", " numFmtId=\"" + QByteArray::number(numberFormat) + "\" fontId=\"" +
+                             QByteArray::number(font) +
+                             "\" fillId=\"0\" borderId=\"0\" xfId=\"0\"" + rest);
+}
+
+/// The formats of dates and of hyperlinks follow each other; those of an earlier update are used
+/// again, so that updates do not let the table grow.
 StylesChange StylesEditor::addCellFormats(quint64 dateFormatId, quint64 fontId)
 {
-    const auto format = [&](quint64 numberFormat, quint64 font, const char *rest) {
-        return element("xf", " numFmtId=\"" + QByteArray::number(numberFormat) + "\" fontId=\"" +
-                                 QByteArray::number(font) +
-                                 "\" fillId=\"0\" borderId=\"0\" xfId=\"0\"" + rest);
-    };
     const auto table = m_outline.child(0, "cellXfs");
-    const std::vector<int> known = table ? m_outline.children(*table, "xf") : std::vector<int>();
-    const QByteArray date = format(dateFormatId, 0, " applyNumberFormat=\"1\"/>");
-    const QByteArray link = format(0, fontId, "/>");
+    const std::vector<int> known = entriesOf(table, "xf");
+    const QByteArray date = cellFormat(dateFormatId, 0, " applyNumberFormat=\"1\"/>");
+    const QByteArray link = cellFormat(0, fontId, "/>");
     if (const auto found = findFormats(known, date, link)) {
         return {m_splices.apply(), *found, *found + 1, false};
     }
     // Cells without a format use format 0.
-    const QByteArray entries = (known.empty() ? format(0, 0, "/>") : QByteArray()) + date + link;
+    const QByteArray entries =
+        (known.empty() ? cellFormat(0, 0, "/>") : QByteArray()) + date + link;
     const quint64 count = std::max<quint64>(known.size(), 1) + 2;
     if (table) {
         append(*table, count, entries);
@@ -225,6 +238,7 @@ Result<StylesChange, Error> changedStyles(QByteArrayView text, const DateFormat 
         return Fault<Error>{Error::Unexpected};
     }
     if (outline->root().isEmptyTag()) {
+        // <styleSheet/> has no place for tables: give it an end tag first.
         Splices opened(text);
         opened.append(outline->root(), {});
         return changedStyles(opened.apply(), dateFormat);

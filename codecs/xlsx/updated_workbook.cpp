@@ -149,6 +149,14 @@ Result<void, Error> UpdatedWorkbook::readSheetRelationships()
     return {};
 }
 
+/// The table that a relationship of the sheet leads to.
+Result<Table, Error> UpdatedWorkbook::readTableOf(const opc::Relationship &one)
+{
+    const QByteArray sheetPart = QByteArray(m_sheetPart).replace('\\', '/');
+    const auto text = m_copy.read(opc::resolvedTarget(sheetPart, one.target));
+    return text ? readTable(*text) : Result<Table, Error>(text.fault());
+}
+
 /// A table that cannot be read is skipped: its part is copied unchanged, as it is.
 void UpdatedWorkbook::readTables()
 {
@@ -156,10 +164,7 @@ void UpdatedWorkbook::readTables()
         if (!opc::isToPart(one, "table")) {
             continue;
         }
-        const auto text = m_copy.read(
-            opc::resolvedTarget(QByteArray(m_sheetPart).replace('\\', '/'), one.target));
-        auto table = text ? readTable(*text) : Result<Table, Error>(text.fault());
-        if (table) {
+        if (auto table = readTableOf(one)) {
             m_tables.push_back(std::move(*table));
         }
     }

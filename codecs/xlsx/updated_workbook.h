@@ -63,6 +63,7 @@ private:
     {
     }
 
+    /// Read what the workbook part, its relationships and the content types say.
     Result<void, opc::Error> readParts();
     // Names of parts: of a new sheet, and of the relationships of the written sheet.
     QByteArray freeSheetPart() const;
@@ -70,6 +71,9 @@ private:
     QByteArray sheetRelationshipPart() const;
     const opc::Relationship *relationshipOf(const SheetEntry &sheet) const;
     Result<void, opc::Error> readSheetRelationships();
+    /// Errors: NoMember, Damaged, Unexpected, and those of the text.
+    Result<Table, opc::Error> readTableOf(const opc::Relationship &one);
+    /// Read the tables of the changed sheet, which new rows may cut or hide.
     void readTables();
     CellFormats changeStyles(const QByteArray &part, int dateFormat);
     void removeCalculationChain();

@@ -77,11 +77,16 @@ QByteArray relationshipIdOf(const Parts &parts, const Tag &sheet)
     return id.value_or(QByteArrayView()).toByteArray();
 }
 
+/// The name of a sheet or a defined name.
+QString nameOf(const Tag &tag)
+{
+    return decoded(tag.attribute("name").value_or(QByteArrayView()));
+}
+
 SheetEntry sheetOf(const Parts &parts, const Tag &tag)
 {
     const auto id = opc::partNumber(tag.attribute("sheetId").value_or(QByteArrayView()));
-    return {decoded(tag.attribute("name").value_or(QByteArrayView())),
-            static_cast<quint32>(id.value_or(0)), relationshipIdOf(parts, tag)};
+    return {nameOf(tag), static_cast<quint32>(id.value_or(0)), relationshipIdOf(parts, tag)};
 }
 
 void addSheet(const Parts &parts, const SheetEntry &sheet, Splices *splices)
@@ -110,12 +115,24 @@ qsizetype endOfLast(const Parts &parts, std::initializer_list<QByteArrayView> na
     return at;
 }
 
+/// The element of a defined name of the whole workbook. Quotes need no escape in its text.
+QByteArray definedNameText(const Outline &outline, const DefinedName &name)
+{
+    const QByteArray element = outline.qualified("definedName");
+    return '<' + element + " name=\"" + quotable(name.name) + "\">" +
+           quotable(name.refersTo).replace("&quot;", "\"") + "</" + element + '>';
+}
+
+/// Whether the element defines `name` for the whole workbook. Letter case does not count.
+bool defines(const Tag &tag, const QString &name)
+{
+    return !tag.attribute("localSheetId") && nameOf(tag).compare(name, Qt::CaseInsensitive) == 0;
+}
+
 void setDefinedName(const Parts &parts, const DefinedName &name, Splices *splices)
 {
     const Outline &outline = parts.outline;
-    const QByteArray element = outline.qualified("definedName");
-    const QByteArray text = '<' + element + " name=\"" + quotable(name.name) + "\">" +
-                            quotable(name.refersTo).replace("&quot;", "\"") + "</" + element + '>';
+    const QByteArray text = definedNameText(outline, name);
     const auto list = outline.child(0, "definedNames");
     if (!list) {
         const QByteArray listName = outline.qualified("definedNames");
@@ -125,9 +142,7 @@ void setDefinedName(const Parts &parts, const DefinedName &name, Splices *splice
     }
     for (const int index : outline.children(*list, "definedName")) {
         const Element &old = outline.element(index);
-        const QString oldName = decoded(old.tag.attribute("name").value_or(QByteArrayView()));
-        const bool isOfOneSheet = old.tag.attribute("localSheetId").has_value();
-        if (!isOfOneSheet && oldName.compare(name.name, Qt::CaseInsensitive) == 0) {
+        if (defines(old.tag, name.name)) {
             splices->replace(old.tag.begin, old.end, text);
             return;
         }
@@ -144,6 +159,14 @@ bool isCalculationRule(QByteArrayView name)
     return kRules.contains(name);
 }
 
+/// An attribute as it was: its value, which is not decoded, has no more than one kind of quotes.
+QByteArray attributeText(const Attribute &one)
+{
+    const char quote = one.value.contains('"') ? '\'' : '"';
+    return ' ' + one.name.toByteArray() + '=' + quote + one.value.toByteArray() + quote;
+}
+
+/// Let programs calculate all formulas when they open the workbook: rows under them changed.
 void setRecalculation(const Parts &parts, Splices *splices)
 {
     static const QByteArray kAttributes = " calcId=\"0\" fullCalcOnLoad=\"1\"";
@@ -159,14 +182,14 @@ void setRecalculation(const Parts &parts, Splices *splices)
     const auto attributes = tag.attributes();
     for (const Attribute &one : *attributes) {
         if (isCalculationRule(one.name)) {
-            const char quote = one.value.contains('"') ? '\'' : '"';
-            kept += ' ' + one.name.toByteArray() + '=' + quote + one.value.toByteArray() + quote;
+            kept += attributeText(one);
         }
     }
     const qsizetype begin = tag.begin + 1 + tag.name.size();
     splices->replace(begin, begin + tag.inside.size(), kept + kAttributes);
 }
 
+/// The names of the whole workbook; those of one sheet do not collide with a new one.
 QStringList definedNamesOf(const Outline &outline)
 {
     QStringList names;
@@ -174,18 +197,28 @@ QStringList definedNamesOf(const Outline &outline)
     for (const int index : list ? outline.children(*list, "definedName") : std::vector<int>()) {
         const Tag &tag = outline.element(index).tag;
         if (!tag.attribute("localSheetId")) {
-            names << decoded(tag.attribute("name").value_or(QByteArrayView()));
+            names << nameOf(tag);
         }
     }
     return names;
 }
 
+/// The first units of a name, without half of a surrogate pair.
 QString cut(const QString &name, qsizetype units)
 {
     const QString shortened = name.left(units);
     const bool splitsPair = shortened.size() < name.size() && !shortened.isEmpty() &&
                             shortened.back().isHighSurrogate();
     return splitsPair ? shortened.chopped(1) : shortened;
+}
+
+/// Whether the workbook counts its days from 1904.
+bool has1904Dates(const Outline &outline)
+{
+    const auto properties = outline.child(0, "workbookPr");
+    const auto flag =
+        properties ? outline.element(*properties).tag.attribute("date1904") : std::nullopt;
+    return flag && (*flag == QByteArrayView("1") || *flag == QByteArrayView("true"));
 }
 
 } // namespace
@@ -232,11 +265,7 @@ Result<Workbook, Error> readWorkbook(QByteArrayView text)
     for (const int index : outline.children(parts->sheets, "sheet")) {
         workbook.sheets.push_back(sheetOf(*parts, outline.element(index).tag));
     }
-    if (const auto properties = outline.child(0, "workbookPr")) {
-        const auto flag = outline.element(*properties).tag.attribute("date1904");
-        workbook.has1904Dates =
-            flag && (*flag == QByteArrayView("1") || *flag == QByteArrayView("true"));
-    }
+    workbook.has1904Dates = has1904Dates(outline);
     if (workbook.sheets.empty()) {
         return Fault<Error>{Error::Unexpected};
     }

@@ -21,6 +21,14 @@ int idOf(const opc::Tag &tag)
     return tag.attribute("numFmtId").value_or(QByteArrayView()).toInt();
 }
 
+/// What the code of an own number format shows.
+sheet::NumberForm formOf(const opc::Tag &tag)
+{
+    const QString code = opc::decoded(tag.attribute("formatCode").value_or(QByteArrayView()));
+    return sheet::formOfCode(
+        {reinterpret_cast<const char16_t *>(code.utf16()), static_cast<size_t>(code.size())});
+}
+
 } // namespace
 
 std::vector<sheet::NumberForm> readNumberForms(QByteArrayView text)
@@ -37,12 +45,9 @@ std::vector<sheet::NumberForm> readNumberForms(QByteArrayView text)
         } else if (isClosing) {
             continue;
         } else if (tag.local() == "numFmt") {
-            const QString code =
-                opc::decoded(tag.attribute("formatCode").value_or(QByteArrayView()));
-            custom.insert(idOf(tag),
-                          sheet::formOfCode({reinterpret_cast<const char16_t *>(code.utf16()),
-                                             static_cast<size_t>(code.size())}));
+            custom.insert(idOf(tag), formOf(tag));
         } else if (isInCellFormats && tag.local() == "xf") {
+            // An own format may have the id of a built-in one: then it counts.
             const int id = idOf(tag);
             forms.push_back(custom.value(id, sheet::formOfBuiltIn(id)));
         }

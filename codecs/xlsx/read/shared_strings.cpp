@@ -11,6 +11,20 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta::xlsx {
 
+namespace {
+
+/// Where the text begins in an item of the usual form; -1 for one of another form.
+qsizetype plainTextBegin(QByteArrayView window)
+{
+    constexpr QByteArrayView kOpening("<si><t>");
+    constexpr QByteArrayView kPreserve("<si><t xml:space=\"preserve\">");
+    return window.startsWith(kOpening)    ? kOpening.size()
+           : window.startsWith(kPreserve) ? kPreserve.size()
+                                          : -1;
+}
+
+} // namespace
+
 SharedStrings::SharedStrings(std::unique_ptr<PartText> part, qint64 maxBytes)
     : m_part(std::move(part))
     , m_maxBytes(maxBytes)
@@ -61,6 +75,7 @@ sheet::WorkbookResult<bool> SharedStrings::takeNext()
     if (const auto read = appendStringItem(*m_part, item->tag, &m_text, &isBad); !read) {
         return read.fault();
     }
+    // A string with bad bytes keeps its place: cells count on the numbers of those after it.
     m_badCount += isBad ? 1 : 0;
     if (const auto added = add({m_text.data(), m_text.size()}); !added) {
         return added.fault();
@@ -71,13 +86,9 @@ sheet::WorkbookResult<bool> SharedStrings::takeNext()
 /// Read an item of the usual form into m_text, if it is completely in the window.
 bool SharedStrings::takePlain()
 {
-    constexpr QByteArrayView kOpening("<si><t>");
-    constexpr QByteArrayView kPreserve("<si><t xml:space=\"preserve\">");
     constexpr QByteArrayView kClosing("</t></si>");
     const QByteArrayView window(m_part->begin(), m_part->end() - m_part->begin());
-    const qsizetype from = window.startsWith(kOpening)    ? kOpening.size()
-                           : window.startsWith(kPreserve) ? kPreserve.size()
-                                                          : -1;
+    const qsizetype from = plainTextBegin(window);
     if (from < 0) {
         return false;
     }
@@ -90,20 +101,27 @@ bool SharedStrings::takePlain()
     return true;
 }
 
+/// Begin a block that has room for `units`.
+void SharedStrings::addBlock(size_t units)
+{
+    const size_t blockUnits = std::max(units, kBlockUnits);
+    m_blocks.push_back(std::make_unique_for_overwrite<char16_t[]>(blockUnits));
+    m_bytes += static_cast<qint64>(blockUnits * sizeof(char16_t));
+    m_used = 0;
+}
+
 /// Memory for `units` in the last block or a new one.
 char16_t *SharedStrings::room(size_t units)
 {
     if (kBlockUnits - m_used < units || m_blocks.empty()) {
-        const size_t blockUnits = std::max(units, kBlockUnits);
-        m_blocks.push_back(std::make_unique_for_overwrite<char16_t[]>(blockUnits));
-        m_bytes += static_cast<qint64>(blockUnits * sizeof(char16_t));
-        m_used = 0;
+        addBlock(units);
     }
     char16_t *const at = m_blocks.back().get() + m_used;
     m_used = std::min(m_used + units, kBlockUnits);
     return at;
 }
 
+/// Errors: TooLarge. The length is in front of the text, as two units with the low one first.
 sheet::WorkbookResult<void> SharedStrings::add(std::u16string_view text)
 {
     constexpr size_t kLengthUnits = 2;

@@ -48,6 +48,7 @@ public:
     qint64 bytes() const { return m_bytes; }
     /// Strings with bytes that are no UTF-8.
     qint64 badCount() const { return m_badCount; }
+    /// Any thread: ends a running at() with Stopped.
     void stop();
 
 private:
@@ -73,7 +74,10 @@ private:
     sheet::WorkbookResult<void> load(quint64 index);
     sheet::WorkbookResult<bool> takeNext();
     bool takePlain();
+    /// Copy a text to the blocks as the next string.
     sheet::WorkbookResult<void> add(std::u16string_view text);
+    /// Later texts go to this block; the rest of the one before stays unused.
+    void addBlock(size_t units);
     char16_t *room(size_t units);
 
     std::unique_ptr<PartText> m_part; // null without strings

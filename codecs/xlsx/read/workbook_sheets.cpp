@@ -52,16 +52,20 @@ sheet::SheetVisibility visibilityOf(const opc::Tag &tag)
                                       : sheet::SheetVisibility::Visible;
 }
 
+/// A sheet as the list has it. Its part, and with it its kind, is found by the relationship.
+WorkbookSheets::Entry entryOf(const opc::Tag &tag)
+{
+    sheet::SheetInfo info;
+    info.name = textOf(tag, "name");
+    info.visibility = visibilityOf(tag);
+    return {info, prefixedAttribute(tag, "id")};
+}
+
 void readSheets(const opc::Outline &outline, WorkbookSheets *workbook)
 {
     const auto parent = outline.child(0, "sheets");
     for (const int index : parent ? outline.children(*parent, "sheet") : std::vector<int>()) {
-        const opc::Tag &tag = outline.element(index).tag;
-        WorkbookSheets::Entry entry;
-        entry.info.name = textOf(tag, "name");
-        entry.info.visibility = visibilityOf(tag);
-        entry.relationshipId = prefixedAttribute(tag, "id");
-        workbook->sheets.push_back(entry);
+        workbook->sheets.push_back(entryOf(outline.element(index).tag));
     }
 }
 
@@ -76,6 +80,27 @@ QHash<QString, int> sheetsByName(const WorkbookSheets &workbook)
     return byName;
 }
 
+/// The sheet, from 0, in which a defined name is valid; -1 for the whole workbook.
+int scopeOf(const opc::Tag &tag)
+{
+    bool isLocal = false;
+    const int scope = textOf(tag, "localSheetId").toInt(&isLocal);
+    return isLocal ? scope : -1;
+}
+
+/// The formula of a defined name, which is the text of its element.
+QString refersTo(QByteArrayView text, const opc::Element &element)
+{
+    const qsizetype begin = element.tag.end;
+    return opc::decoded(text.sliced(begin, std::max<qsizetype>(element.closeBegin - begin, 0)));
+}
+
+/// Whether a name is that of a macro or a function, which has no cells.
+bool isProcedure(const opc::Tag &tag)
+{
+    return isTrue(tag, "function") || isTrue(tag, "vbProcedure");
+}
+
 void readNames(QByteArrayView text, const opc::Outline &outline, WorkbookSheets *workbook)
 {
     const auto parent = outline.child(0, "definedNames");
@@ -84,20 +109,22 @@ void readNames(QByteArrayView text, const opc::Outline &outline, WorkbookSheets 
         const opc::Element &element = outline.element(index);
         sheet::DefinedName name;
         name.name = textOf(element.tag, "name");
-        bool isLocal = false;
-        const int scope = textOf(element.tag, "localSheetId").toInt(&isLocal);
-        name.scope = isLocal ? scope : -1;
-        const qsizetype begin = element.tag.end;
-        const QString refersTo =
-            opc::decoded(text.sliced(begin, std::max<qsizetype>(element.closeBegin - begin, 0)));
-        if (const auto area = sheet::parseSheetArea(refersTo)) {
+        name.scope = scopeOf(element.tag);
+        if (const auto area = sheet::parseSheetArea(refersTo(text, element))) {
             name.sheet = byName.value(area->sheet.toCaseFolded(), -1);
             name.area = name.sheet >= 0 ? std::optional(area->area) : std::nullopt;
         }
-        if (!isTrue(element.tag, "function") && !isTrue(element.tag, "vbProcedure")) {
+        if (!isProcedure(element.tag)) {
             workbook->names.push_back(name);
         }
     }
+}
+
+/// Whether the workbook counts its days from 1904.
+bool uses1904(const opc::Outline &outline)
+{
+    const auto properties = outline.child(0, "workbookPr");
+    return properties && isTrue(outline.element(*properties).tag, "date1904");
 }
 
 } // namespace
@@ -109,9 +136,7 @@ Result<WorkbookSheets, opc::Error> readWorkbookSheets(QByteArrayView text)
         return outline.fault();
     }
     WorkbookSheets workbook;
-    if (const auto properties = outline->child(0, "workbookPr")) {
-        workbook.uses1904 = isTrue(outline->element(*properties).tag, "date1904");
-    }
+    workbook.uses1904 = uses1904(*outline);
     readSheets(*outline, &workbook);
     readNames(text, *outline, &workbook);
     return workbook;

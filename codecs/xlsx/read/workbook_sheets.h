@@ -10,8 +10,10 @@
 
 namespace corvanta::xlsx {
 
+/// The parts of the sheets and the kinds of sheets are in the relationships.
 struct WorkbookSheets
 {
+    /// One sheet, as the workbook lists it.
     struct Entry
     {
         sheet::SheetInfo info; ///< its kind is not known here
