@@ -7,6 +7,7 @@ namespace corvanta::xlsx {
 
 using opc::Error;
 
+/// Writes the members before the sheet, and begins the member of the sheet: its rows are streamed.
 Result<void, Error> NewWorkbook::begin(opc::MemberWriter &output)
 {
     m_output = &output;
@@ -28,6 +29,7 @@ Result<void, Error> NewWorkbook::finishSheet(sheet::SheetWriter &sheet)
     return putTail(sheet, newSheetTail(), newSheetRoot(kTransitional), kTransitional, 0);
 }
 
+/// The defined name and the addresses of links are known only after the last row.
 Result<void, Error> NewWorkbook::finish(const sheet::SheetWriter &sheet, const WorkbookEnd &end)
 {
     auto done = m_output->write(kWorkbookPart, newWorkbook(m_sheetName, end.range));

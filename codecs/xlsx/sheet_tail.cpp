@@ -82,6 +82,7 @@ bool TailCursor::skipSheetDataEnd()
     return m_hasSheetDataEnd;
 }
 
+/// Returns false for an end tag that does not match. The end of the root has no opened element.
 bool TailCursor::close()
 {
     m_depth = static_cast<int>(m_open.size());
@@ -161,6 +162,7 @@ bool HyperlinkFinder::find(QByteArrayView tail)
     return cursor.isComplete();
 }
 
+/// Take a tag of the list itself. A list of one empty tag has its end inside that tag.
 void HyperlinkFinder::takeList(const Tag &tag)
 {
     if (tag.kind == Tag::Kind::Close) {
@@ -171,6 +173,7 @@ void HyperlinkFinder::takeList(const Tag &tag)
     }
 }
 
+/// Take a tag of a link: one for a cell that gets a new link is replaced, up to its end tag.
 void HyperlinkFinder::takeLink(const Tag &tag)
 {
     if (tag.kind == Tag::Kind::Close) {
@@ -186,6 +189,7 @@ void HyperlinkFinder::takeLink(const Tag &tag)
     }
 }
 
+/// Most sheets have no older links: the set of names is built when the first one is met.
 bool HyperlinkFinder::isUsed(QByteArrayView cell)
 {
     if (m_cells.empty()) {

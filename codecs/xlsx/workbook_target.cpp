@@ -14,6 +14,7 @@ Result<void, Error> WorkbookTarget::put(sheet::SheetWriter &sheet, QByteArrayVie
     return sheet.put(xml) ? Result<void, Error>() : Fault<Error>{Error::WriteFailed};
 }
 
+/// The sheet must hand over all that it has formatted before its member is closed.
 Result<void, Error> WorkbookTarget::putTail(sheet::SheetWriter &sheet, const QByteArray &tail,
                                             const QByteArray &rootTag, const Family &family,
                                             quint64 takenIds)

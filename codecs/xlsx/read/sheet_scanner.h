@@ -39,9 +39,12 @@ private:
     };
     using Done = sheet::WorkbookResult<void>;
 
+    /// Pass over what precedes the rows.
     Done enterRows();
+    /// Go to the next row; false after the last one.
     sheet::WorkbookResult<bool> findRow();
     bool takeUsualRow();
+    /// Rows without a number follow the one before.
     void startRow(std::optional<QByteArrayView> number);
     void setRowNumber(QByteArrayView text);
     Done readCells();
@@ -49,6 +52,7 @@ private:
     Done readUsualCells();
     sheet::WorkbookResult<bool> readItem();
     Done readUnusualCell(const opc::Tag &tag);
+    /// Read the value of a cell and its end tag.
     Done readInside(RawCell *cell);
     Done addCell(const RawCell &cell);
     bool placeCell(const RawCell &cell, sheet::SheetCell *placed);
@@ -58,8 +62,10 @@ private:
     Done setShared(const RawCell &cell, sheet::SheetCell *placed);
     void setText(QByteArrayView raw, sheet::SheetCell *placed);
     void finishCells();
+    /// Sort cells that are out of order; of several in one column the last one remains.
     void orderCells();
     void count(sheet::SheetProblem problem, int column);
+    /// The name of a cell of the row that is read, such as B7.
     QString placeOf(int column) const;
 
     std::unique_ptr<PartText> m_part;

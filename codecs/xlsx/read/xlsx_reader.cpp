@@ -148,6 +148,7 @@ opc::Relationships XlsxReader::relationshipsOf(const QByteArray &part)
     return relationships ? *std::move(relationships) : opc::Relationships();
 }
 
+/// A package has one such relationship; of several the last one counts, without one the usual name.
 QByteArray XlsxReader::workbookPart()
 {
     QByteArray part = "xl/workbook.xml";
@@ -195,6 +196,13 @@ XlsxReader::Done XlsxReader::checkKind()
     return {};
 }
 
+/// The usual part of the sheet with this number, from 1, for workbooks without relationships.
+QByteArray XlsxReader::usualSheetPart(qsizetype number) const
+{
+    return opc::folderOf(m_workbookPart) + "worksheets/sheet" + QByteArray::number(number) + ".xml";
+}
+
+/// Describes the sheets in the order of their tabs; their parts are opened only when they are read.
 XlsxReader::Done XlsxReader::readWorkbook()
 {
     const auto text = readPart(m_workbookPart);
@@ -216,17 +224,15 @@ XlsxReader::Done XlsxReader::readWorkbook()
         const opc::Relationship *const one = byId.value(entry.relationshipId);
         sheet::SheetInfo info = entry.info;
         info.kind = (one != nullptr ? kindOf(*one) : std::nullopt).value_or(info.kind);
-        // Without relationships, sheets usually have numbered parts.
-        m_parts.push_back(one != nullptr
-                              ? opc::resolvedTarget(m_workbookPart, one->target)
-                              : opc::folderOf(m_workbookPart) + "worksheets/sheet" +
-                                    QByteArray::number(qlonglong(m_infos.size()) + 1) + ".xml");
+        m_parts.push_back(one != nullptr ? opc::resolvedTarget(m_workbookPart, one->target)
+                                         : usualSheetPart(std::ssize(m_infos) + 1));
         m_infos.push_back(info);
     }
     m_states.resize(m_infos.size());
     return {};
 }
 
+/// A workbook without styles has no dates: all numbers are shown as they are.
 XlsxReader::Done XlsxReader::readStyles()
 {
     const QByteArray part = relatedPart("styles", opc::folderOf(m_workbookPart) + "styles.xml");
@@ -254,6 +260,7 @@ sheet::WorkbookResult<std::unique_ptr<PartText>> XlsxReader::openText(const zip:
     return std::make_unique<PartText>(name, *std::move(stream), member.size);
 }
 
+/// Open the strings for the first sheet that is read: a list of the sheets does not need them.
 XlsxReader::Done XlsxReader::openStrings()
 {
     if (std::exchange(m_hasStrings, true)) {
@@ -272,6 +279,7 @@ XlsxReader::Done XlsxReader::openStrings()
     if (!text) {
         return text.fault();
     }
+    // stop() may use the strings that are replaced here.
     const std::lock_guard lock(m_stopMutex);
     m_strings = SharedStrings(*std::move(text),
                               kStringBytes + member->compressedSize * kStringBytesPerPackedByte);
@@ -338,6 +346,7 @@ private:
             m_reader.keep(m_index, std::move(m_recording));
             return;
         }
+        // A row without cells says nothing but that it is hidden.
         if (!row->cells.empty() || row->isHidden) {
             m_recording->add(*row);
         }
@@ -363,6 +372,7 @@ bool XlsxReader::hasRoomFor(const RowRecording &recording, double fraction) cons
     return static_cast<double>(recording.bytes()) <= expected * static_cast<double>(room);
 }
 
+/// The next reading of the sheet takes the rows from the recording.
 void XlsxReader::keep(size_t index, std::unique_ptr<RowRecording> recording)
 {
     m_recordedBytes += recording->bytes();
@@ -390,6 +400,7 @@ sheet::WorkbookResult<std::unique_ptr<SheetScanner>> XlsxReader::openScanner(siz
     if (member == nullptr) {
         return memberFault(Fault{zip::Error::NoMember}, QString::fromUtf8(m_parts[index]));
     }
+    // A sheet that is read again is no more content than before.
     if (!std::exchange(m_states[index].isCounted, true)) {
         if (const auto counted = countContent(*member); !counted) {
             return counted.fault();

@@ -47,16 +47,23 @@ private:
     explicit XlsxReader(ByteSource &source);
     Done openPackage();
     Done checkKind();
+    /// Read names, kinds and parts of the sheets, and the defined names.
     Done readWorkbook();
     Done readStyles();
     Done openStrings();
+    /// The part that the package names as its document.
     QByteArray workbookPart();
+    QByteArray usualSheetPart(qsizetype number) const;
     opc::Relationships relationshipsOf(const QByteArray &part);
     QByteArray relatedPart(const char *kind, const QByteArray &fallback) const;
+    /// Null without it; letter case and slashes count as opc::MemberNames has it.
     const zip::Member *memberOf(const QByteArray &part) const;
+    /// The content of a small part. Errors: TooLarge, and those of the package.
     sheet::WorkbookResult<QByteArray> readPart(const QByteArray &part);
+    /// A part as a stream, which reads through `view`: views have positions of their own.
     sheet::WorkbookResult<std::unique_ptr<PartText>> openText(const zip::Member &member,
                                                               SourceView &view);
+    /// The rows of sheet `index`, from 0, from its part.
     sheet::WorkbookResult<std::unique_ptr<SheetScanner>> openScanner(size_t index);
     Done countContent(const zip::Member &member);
     Done addTables(size_t index, std::vector<sheet::TableInfo> *tables);
