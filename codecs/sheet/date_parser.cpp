@@ -203,17 +203,18 @@ std::optional<qint64> DateParser::parsedMs(const QString &text) const
     return parsed.isValid() ? std::optional(toMs(parsed.date(), parsed.time())) : std::nullopt;
 }
 
+/// The fast way first; Qt also reads texts that are shorter or longer than the format.
+std::optional<qint64> DateParser::msOf(std::u16string_view text)
+{
+    const std::optional<qint64> ms = m_tokens.empty() ? std::nullopt : fixedWidthMs(text);
+    return ms ? ms : slowMs(text);
+}
+
 std::optional<double> DateParser::serial(std::u16string_view text)
 {
     constexpr qint64 kMsTo1970 = 2209161600000;
     constexpr double kMsPerDay = 86400000;
-    std::optional<qint64> ms;
-    if (!m_tokens.empty()) {
-        ms = fixedWidthMs(text);
-    }
-    if (!ms) {
-        ms = slowMs(text);
-    }
+    const std::optional<qint64> ms = msOf(text);
     if (!ms) {
         return std::nullopt;
     }

@@ -74,6 +74,13 @@ void orderCells(std::vector<SheetCell> *cells)
     cells->resize(kept);
 }
 
+/// The last column of an area that is filled: a merged area of whole rows has no last one.
+int lastFilled(const CellArea &area)
+{
+    constexpr int kMaxFilled = 16384;
+    return std::min(area.lastColumn, area.firstColumn + kMaxFilled - 1);
+}
+
 /// Reads all rows of its source before it delivers the first one.
 class SortedRows final : public SheetRows
 {
@@ -227,9 +234,7 @@ private:
         m_cells.assign(from.cells.begin(), from.cells.end());
         for (const ActiveArea &one : m_active) {
             SheetCell cell = one.first.cells.front();
-            // A merged area of whole rows has no last column.
-            constexpr int kMaxFilled = 16384;
-            const int last = std::min(one.area.lastColumn, one.area.firstColumn + kMaxFilled - 1);
+            const int last = lastFilled(one.area);
             for (cell.column = one.area.firstColumn; cell.column <= last; ++cell.column) {
                 m_cells.push_back(cell);
             }

@@ -128,6 +128,10 @@ public:
     qint64 known = 0;                                      ///< links in the list
 
 private:
+    bool isList(const Tag &tag) const
+    {
+        return tag.prefix() == m_prefix && tag.local() == QByteArrayView("hyperlinks");
+    }
     void takeList(const Tag &tag);
     void takeLink(const Tag &tag);
     bool isUsed(QByteArrayView cell);
@@ -145,10 +149,9 @@ bool HyperlinkFinder::find(QByteArrayView tail)
     while (cursor.next()) {
         const Tag &tag = cursor.tag();
         const bool isChild = cursor.depth() == 1;
-        const bool isList =
-            isChild && tag.prefix() == m_prefix && tag.local() == QByteArrayView("hyperlinks");
-        m_isInList = isChild ? isList && tag.kind == Tag::Kind::Open : m_isInList;
-        if (isList) {
+        const bool isOwnList = isChild && isList(tag);
+        m_isInList = isChild ? isOwnList && tag.kind == Tag::Kind::Open : m_isInList;
+        if (isOwnList) {
             takeList(tag);
         } else if (m_isInList && cursor.depth() == 2) {
             takeLink(tag);

@@ -442,6 +442,16 @@ sheet::WorkbookResult<sheet::SheetLayout> XlsxReader::layout(size_t index)
 
 // ---- Tables.
 
+namespace {
+
+/// The area of a table. Its rows count from 1 in the part, and from 0 here.
+sheet::CellArea areaOf(const CellRange &range)
+{
+    return {range.firstRow - 1, range.lastRow - 1, range.firstColumn, range.lastColumn};
+}
+
+} // namespace
+
 /// Add the tables of one sheet. A broken one is as if it were missing: no cell needs it.
 XlsxReader::Done XlsxReader::addTables(size_t index, std::vector<sheet::TableInfo> *tables)
 {
@@ -461,8 +471,7 @@ XlsxReader::Done XlsxReader::addTables(size_t index, std::vector<sheet::TableInf
         sheet::TableInfo info;
         info.name = table->name;
         info.sheet = static_cast<int>(index);
-        info.area = {table->range.firstRow - 1, table->range.lastRow - 1, table->range.firstColumn,
-                     table->range.lastColumn};
+        info.area = areaOf(table->range);
         info.hasHeader = table->hasHeader;
         info.totalsRows = table->totalsRows;
         tables->push_back(info);
