@@ -48,16 +48,19 @@ Result<QByteArray, ImageFault> readBytes(const QString &name, qint64 most)
     return bytes;
 }
 
+constexpr qsizetype kLongestExtension = 8;
+
+bool isLetterOrDigit(char c)
+{
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
 /// The extension of the file, where it can be part of a member's name; else that of the kind.
 QByteArray mediaExtension(const QString &file, document::ImageKind kind)
 {
-    constexpr qsizetype kLongest = 8;
     const QByteArray extension = QFileInfo(file).suffix().toLatin1();
-    const bool isPlain =
-        !extension.isEmpty() && extension.size() <= kLongest &&
-        std::all_of(extension.begin(), extension.end(), [](char c) {
-            return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-        });
+    const bool isPlain = !extension.isEmpty() && extension.size() <= kLongestExtension &&
+                         std::all_of(extension.begin(), extension.end(), isLetterOrDigit);
     return isPlain ? extension : QByteArray(document::extensionOf(kind));
 }
 

@@ -160,12 +160,20 @@ bool ActionWriteDoc::findColumns(const OneRow &columns)
 bool ActionWriteDoc::writeRow(const OneRow &row)
 {
     const QString name = expandOutputFile(row.text(m_run->output), QString());
-    if (!useTemplate(expandFile(row.text(m_run->templateColumn))) || !checkName(name)) {
-        return false;
-    }
+    const QString source = expandFile(row.text(m_run->templateColumn));
+    return useTemplate(source) && checkName(name) && fillDocument(row, name);
+}
+
+void ActionWriteDoc::noteKind(const QString &name)
+{
     if (hasOtherKind(name)) {
         m_run->otherKinds.add([&] { return name; });
     }
+}
+
+bool ActionWriteDoc::fillDocument(const OneRow &row, const QString &name)
+{
+    noteKind(name);
     document::RowValues values = textValues(row);
     document::RowImages images;
     return addImages(row, values, images) && openDocument(name) && writeDocument(values, images);

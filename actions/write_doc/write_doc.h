@@ -61,6 +61,10 @@ private:
     bool findColumns(const OneRow &columns);
     bool findColumn(const OneRow &columns, const QString &name, int *input);
     bool writeRow(const OneRow &row);
+    /// Count a document whose extension is not that of its template.
+    void noteKind(const QString &name);
+    /// Write the document of a row from the current template.
+    bool fillDocument(const OneRow &row, const QString &name);
     /// Open the template and search it, unless it is the one of the row before.
     bool useTemplate(const QString &name);
     /// Remember for the end of the run which markers the template has.

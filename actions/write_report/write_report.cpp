@@ -189,13 +189,13 @@ bool ActionWriteReport::writeDocument()
 {
     const QString name = templateFile();
     const QByteArray folder = chartFolderOf(name);
-    if (folder.isEmpty()) {
-        return fail(unknownExtension(name));
-    }
-    if (!openTemplate(name)) {
-        return false;
-    }
-    return findParts(folder) && checkTags() && openDocument(documentFile()) && writeMembers();
+    return folder.isEmpty() ? fail(unknownExtension(name)) : writeCopyOf(name, folder);
+}
+
+bool ActionWriteReport::writeCopyOf(const QString &name, const QByteArray &folder)
+{
+    return openTemplate(name) && findParts(folder) && checkTags() && openDocument(documentFile()) &&
+           writeMembers();
 }
 
 const ReportChart *ActionWriteReport::chartOf(const QString &reference) const

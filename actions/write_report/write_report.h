@@ -97,6 +97,8 @@ private:
     /// The expanded name.
     QString documentFile() const;
     bool writeDocument();
+    /// Write the document from the template with this name. `folder` is that of the chart parts.
+    bool writeCopyOf(const QString &name, const QByteArray &folder);
     /// Write all members; those with tags come last.
     bool writeMembers();
     bool writePart(const ChartPart &part);

@@ -1,5 +1,6 @@
 #include "codecs/charts/chart_kinds.h"
 
+#include <algorithm>
 #include <array>
 
 namespace corvanta::charts {
@@ -50,12 +51,10 @@ QByteArrayView chartElement(ChartType type)
 
 std::optional<ChartType> chartTypeOf(QByteArrayView local)
 {
-    for (size_t i = 0; i < kKinds.size(); ++i) {
-        if (kKinds[i].element == local) {
-            return static_cast<ChartType>(i);
-        }
-    }
-    return std::nullopt;
+    const auto kind = std::find_if(kKinds.begin(), kKinds.end(),
+                                   [&](const Kind &one) { return one.element == local; });
+    return kind != kKinds.end() ? std::optional(static_cast<ChartType>(kind - kKinds.begin()))
+                                : std::nullopt;
 }
 
 std::span<const QByteArrayView> axisElements(ChartType type)

@@ -26,18 +26,19 @@ namespace {
 constexpr QByteArrayView kTagBegin = "[[kobdata ";
 constexpr QByteArrayView kTagEnd = "]]";
 
+bool startsWithTag(QByteArrayView text)
+{
+    return text.size() >= kTagBegin.size() &&
+           text.first(kTagBegin.size()).compare(kTagBegin, Qt::CaseInsensitive) == 0;
+}
+
 /// The offset of the next tag at or after `at`; -1 if there is none.
 qsizetype nextTagBegin(QByteArrayView text, qsizetype at)
 {
-    while ((at = text.indexOf("[[", at)) >= 0) {
-        const QByteArrayView rest = text.sliced(at);
-        if (rest.size() >= kTagBegin.size() &&
-            rest.first(kTagBegin.size()).compare(kTagBegin, Qt::CaseInsensitive) == 0) {
-            return at;
-        }
+    while ((at = text.indexOf("[[", at)) >= 0 && !startsWithTag(text.sliced(at))) {
         ++at;
     }
-    return -1;
+    return at;
 }
 
 /// What is left of a text without the markup in it.
@@ -94,15 +95,20 @@ Result<std::vector<ChartTag>, opc::Error> findTexts(QByteArrayView text)
     return tags;
 }
 
+/// The elements with texts: literals, and references to the cells that hold them.
+bool isTextData(QByteArrayView local)
+{
+    return local == QByteArrayView("strLit") || local == QByteArrayView("strRef") ||
+           local == QByteArrayView("multiLvlStrRef");
+}
+
 /// What the elements with data say about their content.
 std::optional<AxisKind> kindOf(QByteArrayView local)
 {
     if (local == QByteArrayView("numLit") || local == QByteArrayView("numRef")) {
         return AxisKind::Number;
     }
-    const bool isText = local == QByteArrayView("strLit") || local == QByteArrayView("strRef") ||
-                        local == QByteArrayView("multiLvlStrRef");
-    return isText ? std::optional(AxisKind::Text) : std::nullopt;
+    return isTextData(local) ? std::optional(AxisKind::Text) : std::nullopt;
 }
 
 /// Without such an element: categories may be texts, all other data is numbers.

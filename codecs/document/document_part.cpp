@@ -4,8 +4,6 @@
 //   text of m_text [slot] text [slot] ... text
 #include "codecs/document/document_part.h"
 
-#include "codecs/opc/marker_search.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -53,13 +51,17 @@ DocumentPart DocumentPart::ofText(const QByteArray &text, const MarkerLists &mar
 
 void DocumentPart::addTexts(const MarkerLists &markers, bool joinsRuns)
 {
-    for (const opc::MarkerHit &hit :
-         opc::findMarkers(m_text, markerForms(markers.texts, joinsRuns))) {
-        const int column = hit.marker % static_cast<int>(markers.texts.size());
-        m_slots.push_back(
-            {hit.begin, hit.end,
-             opc::isInTag(m_text, hit.begin) ? Slot::Kind::Attribute : Slot::Kind::Text, column});
+    const auto forms = markerForms(markers.texts, joinsRuns);
+    for (const opc::MarkerHit &hit : opc::findMarkers(m_text, forms)) {
+        addText(hit, hit.marker % static_cast<int>(markers.texts.size()));
     }
+}
+
+void DocumentPart::addText(const opc::MarkerHit &hit, int column)
+{
+    const bool isInTag = opc::isInTag(m_text, hit.begin);
+    m_slots.push_back(
+        {hit.begin, hit.end, isInTag ? Slot::Kind::Attribute : Slot::Kind::Text, column});
 }
 
 void DocumentPart::addBoxes(const std::vector<Placeholder> &fitted)

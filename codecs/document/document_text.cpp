@@ -134,12 +134,15 @@ private:
         if (QChar::isHighSurrogate(unit) && *at < m_text.size() && m_text[*at].isLowSurrogate()) {
             return putUtf8(QChar::surrogateToUcs4(unit, m_text[(*at)++].unicode()), out);
         }
-        const bool isUnknown = (unit < 32 && unit != u'\t') || unit >= 0xFFFE;
-        if (isUnknown || QChar::isSurrogate(unit)) {
-            ++*m_replaced;
-            return putUtf8(kReplacementCharacter, out);
-        }
-        return putUtf8(unit, out);
+        return putUnit(unit, out);
+    }
+    /// A unit that is a character of its own, or one that XML does not allow.
+    char *putUnit(char16_t unit, char *out)
+    {
+        const bool isUnknown =
+            (unit < 32 && unit != u'\t') || unit >= 0xFFFE || QChar::isSurrogate(unit);
+        *m_replaced += isUnknown ? 1 : 0;
+        return putUtf8(isUnknown ? kReplacementCharacter : unit, out);
     }
 
     QStringView m_text;

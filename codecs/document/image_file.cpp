@@ -14,6 +14,7 @@
 
 #include <QtEndian>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -41,12 +42,9 @@ constexpr std::array<Names, 10> kNames{{{ImageKind::Png, "png", "image/png"},
 
 const Names &namesOf(ImageKind kind)
 {
-    for (const Names &names : kNames) {
-        if (names.kind == kind) {
-            return names;
-        }
-    }
-    return kNames.front();
+    const auto found = std::find_if(kNames.begin(), kNames.end(),
+                                    [&](const Names &names) { return names.kind == kind; });
+    return found != kNames.end() ? *found : kNames.front();
 }
 
 /// Numbers at offsets of a file; 0 behind its end.
@@ -150,29 +148,38 @@ template <class T> ImageInfo metafile(ImageKind kind, const Header &file, qsizet
             std::abs(double(file.little<T>(at + 3 * kStep)) - file.little<T>(at + kStep))};
 }
 
+/// How many bytes at the beginning of a text belong to a number without a sign.
+qsizetype numberSize(const QByteArray &text)
+{
+    const auto end = std::find_if(text.begin(), text.end(), [](char c) {
+        return std::isdigit(static_cast<uchar>(c)) == 0 && c != '.';
+    });
+    return end - text.begin();
+}
+
 /// The number at the beginning of a length such as "12.5mm"; 0 for a percentage, which is relative.
 double lengthOf(std::optional<QByteArrayView> value)
 {
     const QByteArray text = value.value_or(QByteArrayView()).trimmed().toByteArray();
-    qsizetype digits = 0;
-    while (digits < text.size() &&
-           (std::isdigit(static_cast<uchar>(text[digits])) != 0 || text[digits] == '.')) {
-        ++digits;
-    }
-    return text.endsWith('%') ? 0 : text.first(digits).toDouble();
+    return text.endsWith('%') ? 0 : text.first(numberSize(text)).toDouble();
+}
+
+/// The size of the view box, "x y width height"; `otherwise` if the tag has none.
+ImageInfo viewBoxOf(const opc::Tag &tag, const ImageInfo &otherwise)
+{
+    QByteArray box = tag.attribute("viewBox").value_or(QByteArrayView()).toByteArray();
+    const QList<QByteArray> numbers = box.replace(',', ' ').simplified().split(' ');
+    return numbers.size() != 4
+               ? otherwise
+               : ImageInfo{ImageKind::Svg, numbers[2].toDouble(), numbers[3].toDouble()};
 }
 
 ImageInfo svg(const opc::Tag &tag)
 {
-    ImageInfo info{ImageKind::Svg, lengthOf(tag.attribute("width")),
-                   lengthOf(tag.attribute("height"))};
-    const QByteArray box = tag.attribute("viewBox").value_or(QByteArrayView()).toByteArray();
-    const QList<QByteArray> numbers = QByteArray(box).replace(',', ' ').simplified().split(' ');
-    if ((info.width <= 0 || info.height <= 0) && numbers.size() == 4) {
-        info.width = numbers[2].toDouble();
-        info.height = numbers[3].toDouble();
-    }
-    return info;
+    const ImageInfo info{ImageKind::Svg, lengthOf(tag.attribute("width")),
+                         lengthOf(tag.attribute("height"))};
+    const bool hasSize = info.width > 0 && info.height > 0;
+    return hasSize ? info : viewBoxOf(tag, info);
 }
 
 std::optional<ImageInfo> svgInfo(QByteArrayView file)
@@ -247,12 +254,10 @@ const char *mediaTypeOf(ImageKind kind)
 
 std::optional<ImageKind> kindOfExtension(QByteArrayView extension)
 {
-    for (const Names &names : kNames) {
-        if (extension == names.extension) {
-            return names.kind;
-        }
-    }
-    return std::nullopt;
+    const auto found = std::find_if(kNames.begin(), kNames.end(), [&](const Names &names) {
+        return extension == names.extension;
+    });
+    return found != kNames.end() ? std::optional(found->kind) : std::nullopt;
 }
 
 } // namespace corvanta::document

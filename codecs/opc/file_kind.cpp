@@ -12,16 +12,18 @@ namespace corvanta::opc {
 
 namespace {
 
+/// The second byte of the record's number tells the version of the workbook.
+bool isBofVersion(char version)
+{
+    return version == 0 || version == 2 || version == 4 || version == 8;
+}
+
 /// Whether the records of a legacy workbook begin here: BOF of version 2, 3, 4 or 5 and later
 /// (MS-XLS, 2.4.21).
 bool startsWithBof(const QByteArray &beginning)
 {
-    if (beginning.size() < 4 || beginning[0] != '\x09') {
-        return false;
-    }
-    const char version = beginning[1];
-    const bool isVersion = version == 0 || version == 2 || version == 4 || version == 8;
-    return isVersion && beginning[2] >= 4 && beginning[2] <= 16 && beginning[3] == 0;
+    return beginning.size() >= 4 && beginning[0] == '\x09' && isBofVersion(beginning[1]) &&
+           beginning[2] >= 4 && beginning[2] <= 16 && beginning[3] == 0;
 }
 
 /// The kind of a text, by its first letters.

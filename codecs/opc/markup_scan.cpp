@@ -10,6 +10,7 @@
 
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <array>
 
 namespace corvanta::opc {
@@ -166,6 +167,14 @@ QString entity(QByteArrayView name)
     return code == 0 ? QString() : QString::fromUcs4(&code, 1);
 }
 
+/// The value of the first attribute with the name.
+std::optional<QByteArrayView> valueIn(const std::vector<Attribute> &all, QByteArrayView name)
+{
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [&](const Attribute &one) { return one.name == name; });
+    return found != all.end() ? std::optional(found->value) : std::nullopt;
+}
+
 } // namespace
 
 QByteArrayView Tag::prefix() const
@@ -208,14 +217,7 @@ std::optional<std::vector<Attribute>> Tag::attributes() const
 std::optional<QByteArrayView> Tag::attribute(QByteArrayView qualifiedName) const
 {
     const auto all = attributes();
-    if (all) {
-        for (const Attribute &one : *all) {
-            if (one.name == qualifiedName) {
-                return one.value;
-            }
-        }
-    }
-    return std::nullopt;
+    return all ? valueIn(*all, qualifiedName) : std::nullopt;
 }
 
 std::optional<QByteArrayView> Tag::prefixBoundTo(QByteArrayView uri) const

@@ -6,6 +6,7 @@
 #include "codecs/opc/package_copy.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace corvanta::opc {
 
@@ -19,17 +20,20 @@ Fault<Error> partFault(const Fault<Error> &fault, const QByteArray &part)
     return {fault.code, QString::fromUtf8(part), fault.offset};
 }
 
+std::vector<QByteArray> namesOf(const zip::PackageReader &source)
+{
+    std::vector<QByteArray> names;
+    std::ranges::transform(source.members(), std::back_inserter(names), &zip::Member::name);
+    return names;
+}
+
 } // namespace
 
 PackageCopy::PackageCopy(zip::PackageReader &source, std::function<bool()> isRunning)
     : m_source(source)
     , m_isRunning(std::move(isRunning))
 {
-    std::vector<QByteArray> names;
-    for (const zip::Member &member : source.members()) {
-        names.push_back(member.name);
-    }
-    m_names = MemberNames(names);
+    m_names = MemberNames(namesOf(source));
 }
 
 Result<QByteArray, Error> PackageCopy::read(const QByteArray &part)

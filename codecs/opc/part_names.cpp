@@ -25,6 +25,13 @@ QByteArray folded(QByteArray name)
     return name.replace('\\', '/').toLower();
 }
 
+std::optional<QByteArray> valueIn(const std::map<QByteArray, QByteArray> &map,
+                                  const QByteArray &key)
+{
+    const auto found = map.find(key);
+    return found != map.end() ? std::optional(found->second) : std::nullopt;
+}
+
 } // namespace
 
 MemberNames::MemberNames(const std::vector<QByteArray> &names)
@@ -38,15 +45,14 @@ MemberNames::MemberNames(const std::vector<QByteArray> &names)
 std::optional<QByteArray> MemberNames::find(const QByteArray &partName) const
 {
     // A target is a URI and may be percent-encoded, while members often have the plain name.
-    for (const QByteArray &name : {partName, QByteArray::fromPercentEncoding(partName)}) {
-        if (const auto exact = m_exact.find(name); exact != m_exact.end()) {
-            return exact->second;
-        }
-        if (const auto similar = m_folded.find(folded(name)); similar != m_folded.end()) {
-            return similar->second;
-        }
-    }
-    return std::nullopt;
+    const auto plain = findAsWritten(partName);
+    return plain ? plain : findAsWritten(QByteArray::fromPercentEncoding(partName));
+}
+
+std::optional<QByteArray> MemberNames::findAsWritten(const QByteArray &name) const
+{
+    const auto exact = valueIn(m_exact, name);
+    return exact ? exact : valueIn(m_folded, folded(name));
 }
 
 quint64 MemberNames::highestNumber(const QByteArray &prefix) const

@@ -23,6 +23,9 @@ public:
     quint64 highestNumber(const QByteArray &prefix) const;
 
 private:
+    /// The member with this name, or else the first one that differs in letter case only.
+    std::optional<QByteArray> findAsWritten(const QByteArray &name) const;
+
     std::map<QByteArray, QByteArray> m_exact;
     std::map<QByteArray, QByteArray> m_folded;
 };
