@@ -48,6 +48,7 @@ Result<QByteArray, ImageFault> readBytes(const QString &name, qint64 most)
     return bytes;
 }
 
+/// No usual extension is longer; others may be a part of the name after some dot.
 constexpr qsizetype kLongestExtension = 8;
 
 bool isLetterOrDigit(char c)

@@ -11,6 +11,7 @@
 
 namespace corvanta {
 
+/// The cases that need messages of their own.
 enum class ImageError {
     CannotRead, ///< not there or not readable
     NotAnImage, ///< no image of a known kind

@@ -14,6 +14,7 @@ namespace corvanta {
 
 namespace {
 
+/// The marker of a column as templates hold it: its name between percent signs, in UTF-8.
 QByteArray markerOf(const QString &column)
 {
     return '%' + column.toUtf8() + '%';
@@ -103,6 +104,7 @@ bool ActionWriteDoc::templateMarks(const QString &file, QVector<TemplateMark> *m
 
 void ActionWriteDoc::start()
 {
+    // The place of the texts follows from each template, see useTemplate().
     m_run = std::make_unique<Run>();
     m_run->rules.breaksAtLineEnds = m_params.processCR;
     m_run->rules.breaksAtBackslashN = m_params.processLF;
@@ -131,6 +133,7 @@ void ActionWriteDoc::finish()
         reportTexts();
         reportMarkers();
     }
+    // The run refers to the open template, so it ends first.
     m_run.reset();
     closeFiles();
 }
@@ -228,6 +231,7 @@ void ActionWriteDoc::noteMarkers(const QString &name)
     for (size_t i = 0; i < m_run->images.size(); ++i) {
         m_run->images[i].isFound |= source.hasImage(i);
     }
+    // Markers that runs divide stay as they are; only their first place is named.
     for (const document::LeftMarker &left : source.splitMarkers()) {
         Column &column = m_run->texts[static_cast<size_t>(left.column)];
         column.isSplit = true;
@@ -255,6 +259,7 @@ bool ActionWriteDoc::checkName(const QString &name)
 document::RowValues ActionWriteDoc::textValues(const OneRow &row)
 {
     document::RowValues values;
+    // A text can stand in an element and in an attribute, where quotes and line ends need escapes.
     document::TextRules attribute = m_run->rules;
     attribute.place = document::TextPlace::Attribute;
     for (size_t i = 0; i < m_run->texts.size(); ++i) {

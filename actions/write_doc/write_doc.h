@@ -71,6 +71,7 @@ private:
     void noteMarkers(const QString &name);
     /// Refuse a document that an earlier row has written.
     bool checkName(const QString &name);
+    /// The texts of a row as markup; characters that XML does not have are counted.
     document::RowValues textValues(const OneRow &row);
     /// Read the images that the template needs, or their sizes.
     bool addImages(const OneRow &row, document::RowValues &values, document::RowImages &images);
@@ -80,9 +81,11 @@ private:
     bool failImage(const QString &file, const ImageFault &fault, const QString &row);
     bool writeDocument(const document::RowValues &values, const document::RowImages &images);
     document::TemplateOptions templateOptions() const;
+    /// Always false, like every failure: the member decides which message it gets.
     bool failDocument(const Fault<opc::Error> &fault);
     /// Which cell has the name of a file that failed.
     QString rowReason(const QString &column) const;
+    // Warnings at the end of a run: each names a count and the first case.
     void reportTexts();
     void reportMarkers();
 

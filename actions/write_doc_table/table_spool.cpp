@@ -1,3 +1,8 @@
+// A table is appended once and then read once or several times:
+//
+//   text    [ temporary file: m_inFile bytes ][ memory: m_bytes, less than kMostBytes ]
+//
+// Small tables never touch the disk. The file has no name and goes away with its handle.
 #include "actions/write_doc_table/table_spool.h"
 
 #include <QDir>
@@ -36,6 +41,7 @@ bool TableSpool::spill()
 bool TableSpool::read(const std::function<bool(QByteArrayView)> &take)
 {
     constexpr qint64 kPiece = qint64(1) << 20;
+    // A table without a file needs no buffer: its text is passed on where it is.
     QByteArray piece(m_inFile > 0 ? kPiece : 0, '\0');
     if (m_inFile > 0 && !m_file.seek(0)) {
         m_error = SystemError::ofLastCall();

@@ -81,6 +81,7 @@ void ActionWriteDocTable::start()
 
 bool ActionWriteDocTable::step()
 {
+    // Pin after pin: the rows of a later one wait until those of the earlier ones are read.
     while (m_run->pin < pinInCount()) {
         const Pin state = readPin();
         if (state != Pin::Ended) {
@@ -179,6 +180,7 @@ bool ActionWriteDocTable::putRow(const OneRow &row)
 {
     constexpr qsizetype kPiece = 65536;
     document::TableText &text = *m_run->text;
+    // The text is moved in pieces, so that the memory does not grow with the table.
     m_run->rows += 1;
     text.beginRow();
     for (int i = 0; i < row.numberOfColumns(); ++i) {
@@ -303,6 +305,7 @@ std::vector<document::TablePlace> ActionWriteDocTable::findPlaces(const QByteArr
     auto places = m_params.strictMarkup ? document::findParagraphPlaces(body, forms)
                                         : document::findTablePlaces(body, forms);
     for (document::TablePlace &place : places) {
+        // The escaped forms follow the plain ones in the same order, so both mean one table.
         place.table %= static_cast<int>(m_run->markers.size());
     }
     return places;

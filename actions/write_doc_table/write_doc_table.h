@@ -59,7 +59,9 @@ private:
 
     // Each returns false after it has failed the run.
 
+    /// Needs the pin's columns, so that it waits for the first row or the end of the pin.
     bool beginTable(const OneRow &columns);
+    /// The widths that the pin's table gives; warns of those that cannot be used.
     std::vector<int> widthsFor(const OneRow &columns);
     bool putRow(const OneRow &row);
     bool endTable();
@@ -77,6 +79,7 @@ private:
     bool readPart(opc::PackageCopy &copy, const QByteArray &part, QByteArray *text);
     std::vector<document::TablePlace> findPlaces(const QByteArray &body) const;
     bool writeBody(const QByteArray &body, const std::vector<document::TablePlace> &places);
+    /// Copy the spool of a table, by its index, into the open member.
     bool writeTable(int table);
     // Warn of markers without a place, of those besides places, and of places that lose something.
     void reportMarkers(const QByteArray &body, const std::vector<document::TablePlace> &places);

@@ -1,3 +1,5 @@
+// The folder of the charts follows from the kind of the document (ECMA-376 part 1, 14.2.1);
+// programs choose it by convention, and it is the same in all known ones.
 #include "actions/write_report/chart_folder.h"
 
 #include <array>

@@ -1,3 +1,5 @@
+// Axes name a pin and a column. Equal sources share one list of texts, so that a column with the
+// categories of many series is in memory once.
 #include "actions/write_report/report_data.h"
 
 #include <algorithm>
@@ -24,6 +26,7 @@ ReportData::Column *ReportData::find(const ChartAxis &source) const
 
 const QString *ReportData::startPin(int pin, const OneRow &row)
 {
+    // The columns of this pin only: addRow() runs for every row and should not search them.
     m_ofPin.clear();
     for (const auto &column : m_columns) {
         if (column->source.pinIdx != pin) {
@@ -50,6 +53,7 @@ charts::SeriesValues ReportData::valuesOf(const ReportChart &chart) const
     charts::SeriesValues values{};
     for (size_t i = 0; i < std::min(chart.axes.size(), values.size()); ++i) {
         const Column *column = find(chart.axes[i]);
+        // An axis without a column keeps what the template has.
         values[i] = column == nullptr ? nullptr : &column->values;
     }
     return values;

@@ -1,3 +1,4 @@
+// Templates lie beside the program in a build folder, and below share/ in an installation.
 #include "actions/write_report/shipped_template.h"
 
 #include <QCoreApplication>

@@ -283,6 +283,7 @@ void ActionWriteReport::warnUnusedCharts()
 
 bool ActionWriteReport::writeMembers()
 {
+    // Reserved members are left out of the copy: the parts with tags are written after it.
     opc::PackageCopy copy(templateReader(), [this] { return runIsGood(); });
     for (const ChartPart &part : m_run.parts) {
         copy.reserve(part.member);
@@ -312,6 +313,8 @@ bool ActionWriteReport::writePart(const ChartPart &part)
 {
     charts::SeriesWriter writer(part.text,
                                 [&](QByteArrayView block) { return putBlock(block, part.member); });
+    // The tags are in the order of the part, so that it is copied once from its beginning to its
+    // end.
     auto done = document().open(part.member);
     for (size_t i = 0; i < part.tags.size() && done; ++i) {
         if (part.tags[i].use == charts::TagUse::Series) {

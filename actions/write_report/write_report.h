@@ -80,6 +80,7 @@ private:
     QString templateFile() const;
     /// Read the parts with tags. `folder` is that of the chart parts.
     bool findParts(const QByteArray &folder);
+    /// Keep a part of the charts folder if it has tags.
     bool addPart(const zip::Member &member);
     /// Add the tags of a part for templateMarks().
     void listPart(const ChartPart &part, QVector<TemplateMark> *marks);
@@ -102,9 +103,11 @@ private:
     /// Write all members; those with tags come last.
     bool writeMembers();
     bool writePart(const ChartPart &part);
+    /// Write a piece of a part, unless the run is stopped.
     Result<void, opc::Error> putBlock(QByteArrayView block, const QByteArray &member);
     Result<void, opc::Error> writeSeries(charts::SeriesWriter &writer, const ChartPart &part,
                                          size_t index);
+    /// Replace a series' tag, and its repetitions in front of the data, by their references.
     Result<void, opc::Error> cleanTags(charts::SeriesWriter &writer, const ChartPart &part,
                                        size_t index);
     /// Warn of data that is not in the chart.

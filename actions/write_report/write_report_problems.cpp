@@ -13,6 +13,7 @@ QString axisName(ChartType type, size_t axis)
     return u"c:"_s + QString::fromLatin1(charts::axisElements(type)[axis]);
 }
 
+/// Whether the series of the tag has the element of this axis.
 bool hasAxis(const charts::ChartTag &tag, size_t axis)
 {
     return std::any_of(tag.axes.begin(), tag.axes.end(), [&](const charts::AxisPlace &place) {

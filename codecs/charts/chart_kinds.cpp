@@ -1,3 +1,10 @@
+// The elements of a chart type (ECMA-376 part 1, 21.2.2) and, in the series below it, those with
+// data:
+//
+//   barChart, lineChart            cat  val  plus  minus     error bars have data of their own
+//   pieChart, areaChart, ...       cat  val
+//   scatterChart                   xVal yVal
+//   bubbleChart                    xVal yVal bubbleSize
 #include "codecs/charts/chart_kinds.h"
 
 #include <algorithm>
@@ -12,6 +19,7 @@ constexpr QByteArrayView kCategoriesAndErrors[] = {"cat", "val", "plus", "minus"
 constexpr QByteArrayView kPoints[] = {"xVal", "yVal"};
 constexpr QByteArrayView kBubbles[] = {"xVal", "yVal", "bubbleSize"};
 
+/// A chart's element and the elements with data in its series; the values are always second.
 struct Kind
 {
     QByteArrayView element;

@@ -26,6 +26,7 @@ namespace {
 constexpr QByteArrayView kTagBegin = "[[kobdata ";
 constexpr QByteArrayView kTagEnd = "]]";
 
+/// Users type tags by hand, so the letter case of the name does not matter.
 bool startsWithTag(QByteArrayView text)
 {
     return text.size() >= kTagBegin.size() &&

@@ -93,6 +93,7 @@ char *putEscaped(std::string_view value, char *out)
     return out;
 }
 
+/// Copy to `out`, which has room for the text; returns the end.
 char *putText(std::string_view text, char *out)
 {
     std::memcpy(out, text.data(), text.size());
@@ -108,6 +109,7 @@ bool isComplete(const SeriesValues &values, qint64 index)
     });
 }
 
+/// No axis has a text there: the row is empty, which is no gap that a user has to know of.
 bool isBlank(const SeriesValues &values, qint64 index)
 {
     return std::all_of(values.begin(), values.end(), [&](const ValueList *list) {
@@ -115,6 +117,7 @@ bool isBlank(const SeriesValues &values, qint64 index)
     });
 }
 
+/// The rows in which some axes have a text and others do not, up to the end of the longest axis.
 ValueCount countGaps(const SeriesValues &values)
 {
     qint64 size = 0;

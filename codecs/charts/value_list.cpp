@@ -1,3 +1,7 @@
+// The texts lie one after the other without separators; their lengths are kept beside them:
+//
+//   bytes     "Jan" "" "March"        UTF-8
+//   lengths    3     0  5             in bytes, 32 bits each
 #include "codecs/charts/value_list.h"
 
 #include "base/utf.h"
@@ -14,6 +18,7 @@ bool isLoneSurrogate(QStringView text, qsizetype i)
     return (text[i].isHighSurrogate() && !hasLow) || (text[i].isLowSurrogate() && !hasHigh);
 }
 
+/// A unit that XML 1.0 does not have: most control characters, U+FFFE, U+FFFF, half a pair.
 bool isForbidden(QStringView text, qsizetype i)
 {
     const char16_t unit = text[i].unicode();

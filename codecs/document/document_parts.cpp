@@ -1,3 +1,5 @@
+// The body of a document is usually in word/document.xml. Some programs give it another name, which
+// only the relationships of the package say (ECMA-376 part 2, 6.5).
 #include "codecs/document/document_parts.h"
 
 namespace corvanta::document {

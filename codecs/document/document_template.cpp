@@ -23,6 +23,7 @@ namespace {
 /// The stored members that are kept in memory; larger templates are read again for each document.
 constexpr qint64 kMaxKeptBytes = qint64(64) << 20;
 
+/// Whether the image is among the new members already: rows can use one image several times.
 bool hasMedia(const std::vector<std::pair<QByteArray, const StoredImage *>> &media,
               const StoredImage *image)
 {

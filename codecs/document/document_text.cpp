@@ -17,6 +17,7 @@ namespace corvanta::document {
 
 namespace {
 
+/// Copy a text that ends with NUL; returns the end in `out`.
 char *put(char *out, const char *text)
 {
     const size_t n = std::strlen(text);
@@ -28,6 +29,8 @@ constexpr qsizetype kMaxBytesPerUnit = 7; // <w:br/>
 constexpr qsizetype kSlackBytes = 8;      // copyPlain() writes that many at a time
 constexpr char kClosingBreak[] = "</w:t><w:br/><w:t xml:space=\"preserve\">";
 
+/// The markup of a line break. A slide takes the character itself; an attribute needs a reference,
+/// because readers turn its line ends into spaces (XML 1.0, 3.3.3).
 const char *lineBreak(const TextRules &rules)
 {
     switch (rules.place) {

@@ -16,6 +16,7 @@ enum class TextPlace : quint8 {
     Attribute ///< the value of an attribute: quotes are escaped, a line break is &#10;
 };
 
+/// How a text is written; the same for all rows of a run.
 struct TextRules
 {
     TextPlace place = TextPlace::Word;

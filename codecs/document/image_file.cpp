@@ -22,6 +22,7 @@ namespace corvanta::document {
 
 namespace {
 
+/// The extension of a kind and the type that [Content_Types].xml declares for it.
 struct Names
 {
     ImageKind kind;
@@ -40,6 +41,7 @@ constexpr std::array<Names, 10> kNames{{{ImageKind::Png, "png", "image/png"},
                                         {ImageKind::Wmf, "wmf", "image/x-wmf"},
                                         {ImageKind::Svg, "svg", "image/svg+xml"}}};
 
+/// The first line of a kind.
 const Names &namesOf(ImageKind kind)
 {
     const auto found = std::find_if(kNames.begin(), kNames.end(),
@@ -84,6 +86,7 @@ private:
     QByteArrayView m_file;
 };
 
+/// The header chunk comes first in every PNG file, so its fields have fixed offsets.
 ImageInfo png(const Header &file)
 {
     return {ImageKind::Png, double(file.big<quint32>(16)), double(file.big<quint32>(20))};
@@ -95,6 +98,7 @@ bool isFrame(quint8 marker)
     return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
 }
 
+/// The size is in the frame header, after any number of segments with metadata.
 ImageInfo jpeg(const Header &file)
 {
     ImageInfo info{ImageKind::Jpeg};
@@ -174,6 +178,7 @@ ImageInfo viewBoxOf(const opc::Tag &tag, const ImageInfo &otherwise)
                : ImageInfo{ImageKind::Svg, numbers[2].toDouble(), numbers[3].toDouble()};
 }
 
+/// A drawing without both lengths has the size of its view box.
 ImageInfo svg(const opc::Tag &tag)
 {
     const ImageInfo info{ImageKind::Svg, lengthOf(tag.attribute("width")),

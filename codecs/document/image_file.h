@@ -13,6 +13,7 @@ namespace corvanta::document {
 
 enum class ImageKind : quint8 { Png, Jpeg, Gif, Bmp, Tiff, Emf, Wmf, Svg };
 
+/// What the beginning of an image file says about it.
 struct ImageInfo
 {
     ImageKind kind = ImageKind::Png;

@@ -16,6 +16,7 @@ namespace corvanta::opc {
 
 namespace {
 
+/// The lists are short: a search through them costs less than a set.
 bool contains(const std::vector<QByteArray> &list, const QByteArray &value)
 {
     return std::find(list.begin(), list.end(), value) != list.end();

@@ -1,3 +1,9 @@
+// The first bytes of the kinds:
+//
+//   50 4B 03 04                      "PK", a ZIP file: a package
+//   D0 CF 11 E0 A1 B1 1A E1          a compound file (MS-CFB, 2.2)
+//   09 version 04..10 00             a BOF record without a compound file (MS-XLS, 2.4.21)
+//   [EF BB BF] "<"                   a text with markup
 #include "codecs/opc/file_kind.h"
 
 #include "codecs/opc/compound_file.h"

@@ -20,6 +20,7 @@ Fault<Error> partFault(const Fault<Error> &fault, const QByteArray &part)
     return {fault.code, QString::fromUtf8(part), fault.offset};
 }
 
+/// The names of all members, as stored and in their order.
 std::vector<QByteArray> namesOf(const zip::PackageReader &source)
 {
     std::vector<QByteArray> names;

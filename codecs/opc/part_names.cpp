@@ -25,6 +25,7 @@ QByteArray folded(QByteArray name)
     return name.replace('\\', '/').toLower();
 }
 
+/// The value of a key; nothing if the map does not have it.
 std::optional<QByteArray> valueIn(const std::map<QByteArray, QByteArray> &map,
                                   const QByteArray &key)
 {
