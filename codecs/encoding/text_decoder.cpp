@@ -21,6 +21,13 @@ constexpr std::array<char16_t, 32> kWindows1252 = {
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
+/// Both names are common; UTF-8 does not need iconv.
+bool isUtf8(const QString &encoding)
+{
+    const QString upper = encoding.toUpper();
+    return upper == QLatin1String("UTF-8") || upper == QLatin1String("UTF8");
+}
+
 } // namespace
 
 /// Owns an iconv handle that converts to UTF-16.
@@ -96,13 +103,13 @@ TextDecoder TextDecoder::named(const QString &encoding)
 
 std::optional<TextDecoder> TextDecoder::open(const QString &encoding)
 {
-    const QString upper = encoding.toUpper();
-    if (upper == QLatin1String("UTF-8") || upper == QLatin1String("UTF8")) {
+    if (isUtf8(encoding)) {
         return utf8();
     }
     return encoding.isEmpty() ? std::nullopt : ofIconv(encoding);
 }
 
+/// What kind an encoding is shows only when every byte has been converted: iconv does not tell.
 std::optional<TextDecoder> TextDecoder::ofIconv(const QString &encoding)
 {
     auto converter = std::make_unique<Converter>(encoding.toLatin1());
@@ -156,6 +163,7 @@ qsizetype TextDecoder::decode(const char *in, qsizetype n, char16_t *out) const
     return n;
 }
 
+// No encoding gives more than two units per byte.
 QString TextDecoder::decode(const QByteArray &bytes) const
 {
     QString text(bytes.size() * 2, Qt::Uninitialized);
@@ -194,6 +202,8 @@ QString TextDecoder::decodeCut(QByteArrayView bytes) const
     return text;
 }
 
+/// The whole text is examined before it is converted: the conversion replaces a character that is
+/// cut at the end like invalid bytes, but such a character is to be left out.
 Decoded TextDecoder::decodeUtf8(const char *in, qsizetype n, char16_t *out, qsizetype *units)
 {
     Utf8Stop stop = Utf8Stop::End;
@@ -210,6 +220,7 @@ Decoded TextDecoder::decodeUtf8(const char *in, qsizetype n, char16_t *out, qsiz
     return Decoded::Replaced;
 }
 
+/// The table has U+FFFD for the bytes that the encoding does not use.
 Decoded TextDecoder::decodeTable(const char *in, qsizetype n, char16_t *out) const
 {
     bool isValid = true;
@@ -220,6 +231,8 @@ Decoded TextDecoder::decodeTable(const char *in, qsizetype n, char16_t *out) con
     return isValid ? Decoded::Complete : Decoded::Replaced;
 }
 
+/// One invalid byte at a time becomes U+FFFD, so that decoding continues with the next character.
+/// The state is reset first, because the text before may have ended after a shift sequence.
 Decoded TextDecoder::decodeMultiByte(const char *in, qsizetype n, char16_t *out,
                                      Incomplete incomplete, qsizetype *units) const
 {

@@ -13,15 +13,17 @@ struct DataSetReader::Handlers
 {
     static DataSetReader &reader(void *context) { return *static_cast<DataSetReader *>(context); }
 
+    static void attachTo(readstat_parser_t *parser)
+    {
+        readstat_set_metadata_handler(parser, onMetadata);
+        readstat_set_variable_handler(parser, onVariable);
+        readstat_set_value_handler(parser, onValue);
+        readstat_set_error_handler(parser, onError);
+    }
     static int onMetadata(readstat_metadata_t *metadata, void *context)
     {
         DataSetReader &self = reader(context);
-        return noexceptCallback(self, [&] {
-            self.m_variableCount = readstat_get_var_count(metadata);
-            return self.useMetadata(
-                metadata->row_count,
-                encodingOf(self.m_options.format, self.m_options.encoding, metadata));
-        });
+        return noexceptCallback(self, [&] { return self.useMetadata(metadata); });
     }
     static int onVariable(int index, readstat_variable_t *variable, const char *labels,
                           void *context)
@@ -75,10 +77,7 @@ int DataSetReader::parse(RowRing &ring, const OnColumns &onColumns)
     m_ring = &ring;
     m_onColumns = &onColumns;
     LibraryParser parser(m_input);
-    readstat_set_metadata_handler(parser.handle(), Handlers::onMetadata);
-    readstat_set_variable_handler(parser.handle(), Handlers::onVariable);
-    readstat_set_value_handler(parser.handle(), Handlers::onValue);
-    readstat_set_error_handler(parser.handle(), Handlers::onError);
+    Handlers::attachTo(parser.handle());
     if (m_isNulKept) {
         // The name is that of the same encoding, but the library knows it only in capitals.
         readstat_set_file_character_encoding(parser.handle(), "utf-8");
@@ -113,21 +112,37 @@ Result<void, Error> DataSetReader::outcome(int error)
 
 // ---- Before the rows.
 
-bool DataSetReader::useMetadata(qint64 rows, const QString &encoding)
+bool DataSetReader::useMetadata(readstat_metadata_t *metadata)
+{
+    m_variableCount = readstat_get_var_count(metadata);
+    m_missing = m_options.columns;
+    useRowCount(metadata->row_count);
+    return openDecoder(encodingOf(m_options.format, m_options.encoding, metadata));
+}
+
+/// The dictionary has the rows of the file, the progress counts only those that are wanted.
+void DataSetReader::useRowCount(qint64 rows)
 {
     m_dictionary.rows = rows;
     m_rowsExpected = m_options.maxRows > 0 && rows >= 0 ? std::min(rows, m_options.maxRows) : rows;
-    m_dictionary.encoding = encoding;
-    auto decoder = TextDecoder::open(encoding);
-    if (!decoder) {
-        failure = {Error::UnknownEncoding, encoding};
-        return false;
-    }
-    m_decoder.emplace(*std::move(decoder));
-    m_missing = m_options.columns;
-    return true;
 }
 
+bool DataSetReader::openDecoder(const QString &encoding)
+{
+    m_dictionary.encoding = encoding;
+    m_decoder = TextDecoder::open(encoding);
+    return m_decoder || refuse({Error::UnknownEncoding, encoding});
+}
+
+/// End the parsing with a fault of our own. Returns false.
+bool DataSetReader::refuse(Fault<Error> fault)
+{
+    failure = std::move(fault);
+    return false;
+}
+
+/// Variables that are not selected are skipped by the library, which saves the conversion of their
+/// values. m_columnOf has an entry for each, because values come with the index in the file.
 int DataSetReader::useVariable(int index, readstat_variable_t *handle, const char *labelSet)
 {
     Variable variable;
@@ -153,6 +168,7 @@ int DataSetReader::useVariable(int index, readstat_variable_t *handle, const cha
     return isSelected ? READSTAT_HANDLER_OK : READSTAT_HANDLER_SKIP_VARIABLE;
 }
 
+/// Labels and dates make a column of texts: its values without a label are printed.
 void DataSetReader::addColumn(const Variable &variable, readstat_variable_t *handle)
 {
     ColumnPlan plan;
@@ -181,6 +197,7 @@ const ValueLabels *DataSetReader::labelsOf(const Variable &variable)
     return labels.get();
 }
 
+/// The consumer waits for the columns before it takes rows, so this comes before the first row.
 void DataSetReader::announceColumns()
 {
     if (!m_decoder) { // an empty file of a format without metadata
@@ -190,6 +207,7 @@ void DataSetReader::announceColumns()
     (*m_onColumns)(m_dictionary);
 }
 
+/// A damaged file can give a message per row: the first hundred tell enough.
 void DataSetReader::addMessage(const char *text)
 {
     constexpr qsizetype kMaxMessages = 100;
@@ -226,6 +244,8 @@ bool DataSetReader::beginRow(qint64 row)
     return true;
 }
 
+/// The library does not tell when a row ends: the value of the next row, or the end of the file
+/// does.
 void DataSetReader::endRow()
 {
     if (m_row >= 0) {
@@ -244,10 +264,8 @@ const Findings &DataSetReader::findings() const
 float DataSetReader::fractionDone() const
 {
     const qint64 rows = m_rowsExpected;
-    if (rows <= 0) {
-        return m_input.fractionRead();
-    }
-    return std::min(1.0F, static_cast<float>(rowsRead()) / static_cast<float>(rows));
+    return rows > 0 ? std::min(1.0F, static_cast<float>(rowsRead()) / static_cast<float>(rows))
+                    : m_input.fractionRead();
 }
 
 Result<Dictionary, Error> readDictionary(ByteSource &source, const ReadOptions &options)

@@ -71,15 +71,22 @@ private:
     struct Handlers;
 
     int parse(RowRing &ring, const OnColumns &onColumns);
-    bool useMetadata(qint64 rows, const QString &encoding);
+    // For the handlers. Functions that return a bool return true to continue.
+    bool useMetadata(readstat_metadata_t *metadata);
+    void useRowCount(qint64 rows);
+    bool openDecoder(const QString &encoding);
+    bool refuse(Fault<Error> fault);
+    /// Returns what tells the library to read or to skip the values of the variable.
     int useVariable(int index, readstat_variable_t *variable, const char *labelSet);
     bool putValue(qint64 row, readstat_variable_t *variable, const readstat_value_t &value);
     bool beginRow(qint64 row);
     void endRow();
+    // `variable` is as decoded, the handle is that of the library.
     void addColumn(const Variable &variable, readstat_variable_t *variableHandle);
     const ValueLabels *labelsOf(const Variable &variable);
     void announceColumns();
     void addMessage(const char *text);
+    /// `error` is what the library has returned.
     Result<void, Error> outcome(int error);
 
     const ReadOptions m_options;

@@ -1,3 +1,9 @@
+// A number is first made microseconds since the epoch of its format, and then split into day and
+// time of day. Integers keep the fraction exact: 6 digits of any second of the years 1 to 9999 fit
+// into 64 bits.
+//
+//   SAS, Stata  1960-01-01    days, seconds, milliseconds, or periods of a calendar year
+//   SPSS        1582-10-14    seconds, for dates too
 #include "codecs/stat/date_text.h"
 
 #include "base/number.h"
@@ -140,26 +146,37 @@ constexpr std::array kSpssFormats{
 static_assert(std::ranges::is_sorted(kSasFormats, {}, &NamedKind::name));
 static_assert(std::ranges::is_sorted(kSpssFormats, {}, &NamedKind::name));
 
+/// The kind of the format with exactly this name.
 DateKind find(std::span<const NamedKind> formats, std::string_view name)
 {
     const auto at = std::ranges::lower_bound(formats, name, {}, &NamedKind::name);
     return at != formats.end() && at->name == name ? at->kind : DateKind::None;
 }
 
+/// Formats to whose name the letter of a separator may be appended.
+constexpr std::array kWithSeparator{"DDMMYY", "MMDDYY", "MMYY", "YYMM", "YYMMDD", "YYQ", "YYQR"};
+
+/// Whether the last letter may be that of a separator: blank, colon, dash, none, period or slash.
+bool endsInSeparator(std::string_view name)
+{
+    constexpr std::string_view kSeparators = "BCDNPS";
+    return name.size() > 3 && kSeparators.find(name.back()) != std::string_view::npos;
+}
+
 /// A name such as DDMMYYP is DDMMYY with a separator.
+DateKind sasKindWithSeparator(std::string_view name)
+{
+    const std::string_view base = name.substr(0, name.size() - 1);
+    const bool isKnown = std::ranges::find(kWithSeparator, base) != kWithSeparator.end();
+    return isKnown ? DateKind::SasDate : DateKind::None;
+}
+
+/// The whole name comes first: B8601DN and others end in such a letter without a separator.
 DateKind sasKind(std::string_view name)
 {
     const DateKind kind = find(kSasFormats, name);
-    const bool hasSeparator =
-        name.size() > 3 && std::string_view("BCDNPS").find(name.back()) != std::string_view::npos;
-    if (kind != DateKind::None || !hasSeparator) {
-        return kind;
-    }
-    const std::string_view base = name.substr(0, name.size() - 1);
-    constexpr std::array kWithSeparator{"DDMMYY", "MMDDYY", "MMYY", "YYMM",
-                                        "YYMMDD", "YYQ",    "YYQR"};
-    return std::ranges::find(kWithSeparator, base) != kWithSeparator.end() ? DateKind::SasDate
-                                                                           : DateKind::None;
+    const bool isWhole = kind != DateKind::None || !endsInSeparator(name);
+    return isWhole ? kind : sasKindWithSeparator(name);
 }
 
 /// %[-][t]UNIT...; a letter other than the units below is a number or a business calendar.
@@ -231,11 +248,13 @@ std::optional<qint64> toMicros(double number, qint64 unitMicros)
     return std::llround(micros);
 }
 
+/// Rounds down, so that moments before the epoch are in the right day.
 qint64 floorDiv(qint64 value, qint64 by)
 {
     return value / by - (value % by < 0 ? 1 : 0);
 }
 
+/// Exactly `digits` digits, with zeros before the number. Returns the end, like all functions here.
 char *putDigits(qint64 value, int digits, char *out)
 {
     for (int i = digits; i-- > 0; value /= 10) {
@@ -286,49 +305,69 @@ char *putClock(qint64 micros, char *out)
     return out;
 }
 
-char *putDateTime(qint64 epochDay, std::optional<qint64> micros, char *out)
+/// The time of day after the date.
+char *putTimeOfDay(qint64 micros, char *out)
 {
-    if (!micros) {
-        return nullptr;
-    }
-    const qint64 day = floorDiv(*micros, kMicrosPerDay);
-    out = putDay(epochDay + day, out);
-    if (out == nullptr) {
-        return nullptr;
-    }
     *out++ = 'T';
-    return putClock(*micros - day * kMicrosPerDay, out);
+    return putClock(micros, out);
 }
 
+/// `micros` since the epoch. A moment before it belongs to the day that it is in, so the time of
+/// day is never negative.
+char *putMoment(qint64 epochDay, qint64 micros, char *out)
+{
+    const qint64 day = floorDiv(micros, kMicrosPerDay);
+    out = putDay(epochDay + day, out);
+    return out == nullptr ? nullptr : putTimeOfDay(micros - day * kMicrosPerDay, out);
+}
+
+char *putDateTime(qint64 epochDay, std::optional<qint64> micros, char *out)
+{
+    return micros ? putMoment(epochDay, *micros, out) : nullptr;
+}
+
+/// Only the day of the moment.
 char *putDateOf(qint64 epochDay, std::optional<qint64> micros, char *out)
 {
     return micros ? putDay(epochDay + floorDiv(*micros, kMicrosPerDay), out) : nullptr;
 }
 
-char *putTime(std::optional<qint64> micros, char *out)
+/// Durations may be negative, and longer than a day.
+char *putDuration(qint64 micros, char *out)
 {
-    if (!micros) {
-        return nullptr;
-    }
-    if (*micros < 0) {
+    if (micros < 0) {
         *out++ = '-';
     }
-    return putClock(std::abs(*micros), out);
+    return putClock(std::abs(micros), out);
+}
+
+char *putTime(std::optional<qint64> micros, char *out)
+{
+    return micros ? putDuration(*micros, out) : nullptr;
+}
+
+/// The end of the month, in microseconds of UTC since 1960.
+qint64 endOf(const LeapMonth &leap)
+{
+    const QDate next = QDate(leap.year, leap.month, 1).addMonths(1);
+    return (next.toJulianDay() - kJulianDay1960) * kMicrosPerDay;
+}
+
+/// The leap seconds that a clock with leap seconds has counted until `micros`. The clock runs ahead
+/// of UTC by those before, and shows the first second after a month one second later.
+qint64 leapMicrosUntil(qint64 micros)
+{
+    qint64 inserted = 0;
+    for (const LeapMonth &leap : kLeapMonths) {
+        inserted += micros >= endOf(leap) + inserted + kMicros ? kMicros : 0;
+    }
+    return inserted;
 }
 
 /// UTC of a clock that counts leap seconds; both since 1960.
 std::optional<qint64> withoutLeapSeconds(std::optional<qint64> micros)
 {
-    if (!micros) {
-        return micros;
-    }
-    qint64 inserted = 0;
-    for (const LeapMonth &leap : kLeapMonths) {
-        const QDate next = QDate(leap.year, leap.month, 1).addMonths(1);
-        const qint64 at = (next.toJulianDay() - kJulianDay1960) * kMicrosPerDay;
-        inserted += *micros >= at + inserted + kMicros ? kMicros : 0;
-    }
-    return *micros - inserted;
+    return micros ? std::optional(*micros - leapMicrosUntil(*micros)) : std::nullopt;
 }
 
 /// Periods since 1960, `perYear` in a year; the month, or the week of 7 days, begins a period.

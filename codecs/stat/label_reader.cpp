@@ -17,6 +17,7 @@ struct RawLabel
     LabelSet::Entry entry;
 };
 
+/// The context of the handlers below: what is known before the pass, and what it finds.
 struct LabelPass
 {
     Format format;
@@ -25,39 +26,52 @@ struct LabelPass
     std::vector<RawLabel> labels = {};
     std::optional<Fault<Error>> failure = {};
 
-    void add(const char *set, const readstat_value_t &value, const char *label);
+    // Both return true: the pass continues.
+    bool useMetadata(readstat_metadata_t *metadata);
+    bool add(const char *set, const readstat_value_t &value, const char *label);
 };
 
-/// Only tagged missing values have a tag.
-void LabelPass::add(const char *set, const readstat_value_t &value, const char *label)
+/// The label's value is a text: bytes in the encoding of the file, as the cells have them.
+LabelSet::Entry entryOfText(const readstat_value_t &value)
 {
-    RawLabel raw{set, label, {}};
-    raw.entry.isText = readstat_value_type_class(value) == READSTAT_TYPE_CLASS_STRING;
-    if (raw.entry.isText) {
-        raw.entry.text = readstat_string_value(value);
-    } else {
-        raw.entry.number = readstat_double_value(value);
-        raw.entry.tag = readstat_value_tag(value);
-    }
-    labels.push_back(std::move(raw));
+    LabelSet::Entry entry;
+    entry.isText = true;
+    entry.text = readstat_string_value(value);
+    return entry;
+}
+
+/// Only tagged missing values have a tag.
+LabelSet::Entry entryOfNumber(const readstat_value_t &value)
+{
+    LabelSet::Entry entry;
+    entry.number = readstat_double_value(value);
+    entry.tag = readstat_value_tag(value);
+    return entry;
+}
+
+bool LabelPass::useMetadata(readstat_metadata_t *metadata)
+{
+    encoding = encodingOf(format, wantedEncoding, metadata);
+    return true;
+}
+
+bool LabelPass::add(const char *set, const readstat_value_t &value, const char *label)
+{
+    const bool isText = readstat_value_type_class(value) == READSTAT_TYPE_CLASS_STRING;
+    labels.push_back({set, label, isText ? entryOfText(value) : entryOfNumber(value)});
+    return true;
 }
 
 int onMetadata(readstat_metadata_t *metadata, void *context)
 {
     auto &pass = *static_cast<LabelPass *>(context);
-    return noexceptCallback(pass, [&] {
-        pass.encoding = encodingOf(pass.format, pass.wantedEncoding, metadata);
-        return true;
-    });
+    return noexceptCallback(pass, [&] { return pass.useMetadata(metadata); });
 }
 
 int onLabel(const char *set, readstat_value_t value, const char *label, void *context)
 {
     auto &pass = *static_cast<LabelPass *>(context);
-    return noexceptCallback(pass, [&] {
-        pass.add(set, value, label);
-        return true;
-    });
+    return noexceptCallback(pass, [&] { return pass.add(set, value, label); });
 }
 
 /// Stops the pass before the rows of a format that has its labels before them.
@@ -66,6 +80,8 @@ int onVariable(int, readstat_variable_t *, const char *, void *)
     return READSTAT_HANDLER_SKIP_VARIABLE;
 }
 
+/// Group the labels by the name of their set. Their order within a set is that of the file, because
+/// of several labels of one value the first one counts.
 Result<LabelSets, Error> decode(const LabelPass &pass)
 {
     const auto decoder = encoding::TextDecoder::open(pass.encoding);
@@ -84,6 +100,8 @@ Result<LabelSets, Error> decode(const LabelPass &pass)
     return sets;
 }
 
+/// `parse` calls the function of the library for the kind of file. A fault of a handler explains
+/// the failure better than the library, which knows only that the handler has ended the pass.
 template <class Parse>
 Result<LabelSets, Error> runPass(ByteSource &source, LabelPass pass, Parse &&parse)
 {

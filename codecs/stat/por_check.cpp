@@ -45,7 +45,7 @@ private:
     bool checkVariable();
     bool checkMissing(char tag);
     bool checkValueLabels();
-    bool skipTexts();
+    bool checkMissingCount();
     bool fail(const QString &reason);
 
     uchar nextByte();
@@ -54,6 +54,8 @@ private:
     qint64 count();
     QByteArray text();
     void skipValue(bool isText);
+    void skipMissing(char tag);
+    void skipTexts(qint64 n);
 
     CheckedReader m_in;
     std::array<char, 256> m_characters{}; // those of numbers and tags, by the file's byte; 0: other
@@ -194,13 +196,10 @@ QByteArray PorCheck::text()
     return text;
 }
 
+/// A value of a variable: texts and numbers end in different ways.
 void PorCheck::skipValue(bool isText)
 {
-    if (isText) {
-        text();
-    } else {
-        number();
-    }
+    static_cast<void>(isText ? text() : number());
 }
 
 bool PorCheck::checkRecord(char tag)
@@ -230,7 +229,8 @@ bool PorCheck::checkRecord(char tag)
     case 'D':
         return checkValueLabels();
     case 'E':
-        return skipTexts();
+        skipTexts(count());
+        return true;
     default:
         return fail(QStringLiteral("the dictionary has an unknown record"));
     }
@@ -263,21 +263,32 @@ bool PorCheck::checkVariable()
     return width <= kMaxWidth || fail(QStringLiteral("a variable has the width %1").arg(width));
 }
 
-/// Each range is two values, of which one may be the lowest or highest number.
-bool PorCheck::checkMissing(char tag)
+/// Only a range with both ends, tag B, has two values in the file.
+void PorCheck::skipMissing(char tag)
 {
     skipValue(m_isText);
     if (tag == 'B') {
         skipValue(m_isText);
     }
-    m_missing = tag == '8' ? m_missing + 1 : 2;
-    if (m_variables == 0) {
-        return fail(QStringLiteral("a missing value precedes the variables"));
-    }
-    return m_missing <= kMaxMissing ||
-           fail(QStringLiteral("a variable has more than %1 missing values").arg(kMaxMissing));
 }
 
+/// Tag 8 is a single value. The other tags are ranges, whose ends are two values.
+bool PorCheck::checkMissing(char tag)
+{
+    skipMissing(tag);
+    m_missing = tag == '8' ? m_missing + 1 : 2;
+    return checkMissingCount();
+}
+
+/// The library has room for three values per variable, and writes a fourth beyond its array.
+bool PorCheck::checkMissingCount()
+{
+    return (m_variables > 0 || fail(QStringLiteral("a missing value precedes the variables"))) &&
+           (m_missing <= kMaxMissing ||
+            fail(QStringLiteral("a variable has more than %1 missing values").arg(kMaxMissing)));
+}
+
+/// The values are texts if the variables of the record are; the variables precede the values.
 bool PorCheck::checkValueLabels()
 {
     bool isText = false;
@@ -294,13 +305,12 @@ bool PorCheck::checkValueLabels()
     return true;
 }
 
-bool PorCheck::skipTexts()
+/// The lines of a document, which the library does not take apart.
+void PorCheck::skipTexts(qint64 n)
 {
-    const qint64 lines = count();
-    for (qint64 i = 0; i < lines && m_in.isGood(); ++i) {
+    for (qint64 i = 0; i < n && m_in.isGood(); ++i) {
         text();
     }
-    return true;
 }
 
 } // namespace

@@ -13,6 +13,7 @@
 #include "codecs/stat/checked_reader.h"
 #include "codecs/stat/header_check.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 
@@ -25,6 +26,9 @@ constexpr qint64 kLayoutAt = 64;
 // Longer ones do not occur; the limits keep products and sums in 32 bits.
 constexpr qint64 kMaxLabelBytes = 64 * 1024;
 constexpr qint64 kMaxRecordBytes = 16 * 1024 * 1024;
+
+/// Subtypes of extension records, type 7.
+enum : qint32 { Machine = 3, LongNames = 13, LongTexts = 14, LongLabels = 21 };
 
 class SavCheck
 {
@@ -43,6 +47,8 @@ private:
     bool checkValueLabels();
     bool checkExtension();
     bool checkSubtype(qint32 subtype, const QByteArray &data);
+    void noteTexts(qint32 subtype, const QByteArray &data);
+    bool checkNames(qint32 subtype, const QByteArray &data);
     bool checkLongLabels(const QByteArray &data) const;
     bool declaresUtf8(const QByteArray &data) const;
     bool fail(const QString &reason);
@@ -172,40 +178,56 @@ bool SavCheck::checkExtension()
     if (bytes > static_cast<quint64>(kMaxRecordBytes)) {
         return fail(QStringLiteral("an extension record has %1 bytes").arg(bytes));
     }
-    return checkSubtype(subtype, m_in.bytes(static_cast<qint64>(bytes)));
+    const QByteArray data = m_in.bytes(static_cast<qint64>(bytes));
+    return m_in.isGood() && checkSubtype(subtype, data);
+}
+
+/// The texts between the TABs. Writers pad the record with blanks or bytes 0.
+QByteArrayList entriesOf(const QByteArray &text)
+{
+    QByteArrayList entries = text.split('\t');
+    while (!entries.isEmpty() && entries.last().trimmed().replace('\0', "").isEmpty()) {
+        entries.removeLast();
+    }
+    return entries;
+}
+
+/// NAME=VALUE, neither of them empty.
+bool isNameWithValue(const QByteArray &entry)
+{
+    const qsizetype at = entry.indexOf('=');
+    return at >= 1 && at + 1 != entry.size();
 }
 
 /// Whether `text` consists of entries NAME=VALUE with a TAB between them; the library reads on
 /// after an entry that has no value.
 bool isListOfNames(const QByteArray &text)
 {
-    QByteArrayList entries = text.split('\t');
-    while (!entries.isEmpty() && entries.last().trimmed().replace('\0', "").isEmpty()) {
-        entries.removeLast();
-    }
-    for (const QByteArray &entry : entries) {
-        const qsizetype at = entry.indexOf('=');
-        if (at < 1 || at + 1 == entry.size()) {
-            return false;
-        }
-    }
-    return !entries.isEmpty();
+    const QByteArrayList entries = entriesOf(text);
+    return !entries.isEmpty() && std::ranges::all_of(entries, isNameWithValue);
 }
 
-/// The records whose content the library takes apart.
-bool SavCheck::checkSubtype(qint32 subtype, const QByteArray &data)
+/// What hasLongUtf8Texts() depends on.
+void SavCheck::noteTexts(qint32 subtype, const QByteArray &data)
 {
-    enum : qint32 { Machine = 3, LongNames = 13, LongTexts = 14, LongLabels = 21 };
-    if (!m_in.isGood()) {
-        return false;
-    }
     m_hasLongTexts = m_hasLongTexts || subtype == LongTexts;
     m_isUtf8 = m_isUtf8 || (subtype == Machine && declaresUtf8(data));
-    if ((subtype == LongNames || subtype == LongTexts) && !isListOfNames(data)) {
-        return fail(QStringLiteral("the record of long names is not a list of names"));
-    }
-    return subtype != LongLabels || checkLongLabels(data) ||
-           fail(QStringLiteral("the record of labels of long texts has wrong lengths"));
+}
+
+bool SavCheck::checkNames(qint32 subtype, const QByteArray &data)
+{
+    const bool hasNames = subtype == LongNames || subtype == LongTexts;
+    return !hasNames || isListOfNames(data) ||
+           fail(QStringLiteral("the record of long names is not a list of names"));
+}
+
+/// The records whose content the library takes apart. All others are skipped by their size.
+bool SavCheck::checkSubtype(qint32 subtype, const QByteArray &data)
+{
+    noteTexts(subtype, data);
+    return checkNames(subtype, data) &&
+           (subtype != LongLabels || checkLongLabels(data) ||
+            fail(QStringLiteral("the record of labels of long texts has wrong lengths")));
 }
 
 /// Eight numbers, of which the last is the code page.
