@@ -23,12 +23,16 @@ QStringList ActionReadStat::inputs() const
 
 QVector<ColumnNotes> ActionReadStat::columnNotes()
 {
-    const QStringList files =
-        m_params.fileNameFromPin ? QStringList() : namesOfPattern(*this, m_params.fileName);
+    const QStringList files = namedFiles();
     return files.isEmpty() ? QVector<ColumnNotes>() : statNotes(*this, files.first(), m_params);
 }
 
 // ---- Before the first row.
+
+QStringList ActionReadStat::namedFiles() const
+{
+    return m_params.fileNameFromPin ? QStringList() : namesOfPattern(*this, m_params.fileName);
+}
 
 void ActionReadStat::start()
 {
@@ -48,20 +52,20 @@ bool ActionReadStat::step()
 /// List the files and open the first one.
 bool ActionReadStat::prepare()
 {
-    QStringList files;
-    if (!m_params.fileNameFromPin) {
-        files = namesOfPattern(*this, m_params.fileName);
-    } else if (!readNamesFromPin(&files)) {
-        return false;
-    }
+    QStringList files = namedFiles();
+    const bool isListed = !m_params.fileNameFromPin || readNamesFromPin(&files);
+    return isListed && startSeries(files);
+}
+
+bool ActionReadStat::startSeries(const QStringList &files)
+{
     FileSeries::Options options;
-    if (m_params.outputFilenames) {
-        options.fileNameColumn = u"_Filename"_s;
-    }
+    options.fileNameColumn = m_params.outputFilenames ? u"_Filename"_s : QString();
     m_series.start(*this, files, options);
     return m_series.openNext();
 }
 
+/// Reads all rows, also those after a row without a name.
 bool ActionReadStat::readNamesFromPin(QStringList *names)
 {
     bool isComplete = true;

@@ -35,7 +35,13 @@ private:
 
     // Functions that return a bool return false when the run has failed or ended.
     bool prepare();
+    /// Open the first file.
+    bool startSeries(const QStringList &files);
+    /// The names of all rows of pin 0, expanded.
     bool readNamesFromPin(QStringList *names);
+
+    /// The files of the parameter `fileName`; none when the pin brings the names.
+    QStringList namedFiles() const;
 
     // For FileSeries. Every file that cannot be read fails the run.
     FileSeries::Opened openFile(const QString &name) override;

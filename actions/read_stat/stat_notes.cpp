@@ -49,6 +49,8 @@ QString valueText(const stat::LabelSet::Entry &entry, const encoding::TextDecode
     return shortestText(entry.number);
 }
 
+/// The labels of the set `name`, in the order of the file. SAS names sets of which no catalogue is
+/// given, and its own formats.
 QVector<ValueLabel> labelsOf(const stat::LabelSets &sets, const QString &name,
                              const encoding::TextDecoder &decoder)
 {
@@ -62,21 +64,28 @@ QVector<ValueLabel> labelsOf(const stat::LabelSets &sets, const QString &name,
     return labels;
 }
 
+/// A look at a file reports nothing: labels that cannot be read are none.
+stat::LabelSets orNone(Result<stat::LabelSets, stat::Error> labels)
+{
+    return labels ? *std::move(labels) : stat::LabelSets();
+}
+
+/// The value labels of the catalogue.
+stat::LabelSets setsOfCatalogue(const ActionBase &action, const ReadStatParams &params)
+{
+    LookedAt file(action, action.expandFile(params.catalogFile));
+    const auto catalogue = file.open();
+    const bool isGood = catalogue && stat::checkCatalogue(*catalogue);
+    return isGood ? orNone(stat::readCatalogue(*catalogue, params.encoding)) : stat::LabelSets();
+}
+
 /// The value labels of the data set, or of the catalogue.
 stat::LabelSets readSets(const ActionBase &action, ByteSource &source, stat::Format format,
                          const ReadStatParams &params)
 {
-    if (params.catalogFile.isEmpty()) {
-        auto labels = stat::readLabelSets(source, format, params.encoding);
-        return labels ? *std::move(labels) : stat::LabelSets();
-    }
-    LookedAt file(action, action.expandFile(params.catalogFile));
-    const auto catalogue = file.open();
-    if (!catalogue || !stat::checkCatalogue(*catalogue)) {
-        return {};
-    }
-    auto labels = stat::readCatalogue(*catalogue, params.encoding);
-    return labels ? *std::move(labels) : stat::LabelSets();
+    return params.catalogFile.isEmpty()
+               ? orNone(stat::readLabelSets(source, format, params.encoding))
+               : setsOfCatalogue(action, params);
 }
 
 } // namespace

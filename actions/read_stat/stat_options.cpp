@@ -1,5 +1,6 @@
 #include "actions/read_stat/stat_options.h"
 
+#include <algorithm>
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -8,28 +9,27 @@ namespace corvanta {
 
 namespace {
 
+struct Ending
+{
+    QLatin1StringView text;
+    stat::Format format;
+};
+
+constexpr std::array kEndings{
+    Ending{".sas7bdat"_L1, stat::Format::Sas},       Ending{".sav"_L1, stat::Format::SpssSav},
+    Ending{".zsav"_L1, stat::Format::SpssSav},       Ending{".por"_L1, stat::Format::SpssPor},
+    Ending{".dta"_L1, stat::Format::Stata},          Ending{".xpt"_L1, stat::Format::SasTransport},
+    Ending{".xport"_L1, stat::Format::SasTransport},
+};
+
+/// Any other ending is taken for a SAS data set, whose reader then says what the file is not.
 stat::Format formatOfEnding(const QString &name)
 {
-    struct Ending
-    {
-        QLatin1StringView text;
-        stat::Format format;
+    const auto isItsEnding = [&](QLatin1StringView text) {
+        return name.endsWith(text, Qt::CaseInsensitive);
     };
-    static constexpr std::array kEndings{
-        Ending{".sas7bdat"_L1, stat::Format::Sas},
-        Ending{".sav"_L1, stat::Format::SpssSav},
-        Ending{".zsav"_L1, stat::Format::SpssSav},
-        Ending{".por"_L1, stat::Format::SpssPor},
-        Ending{".dta"_L1, stat::Format::Stata},
-        Ending{".xpt"_L1, stat::Format::SasTransport},
-        Ending{".xport"_L1, stat::Format::SasTransport},
-    };
-    for (const Ending &ending : kEndings) {
-        if (name.endsWith(ending.text, Qt::CaseInsensitive)) {
-            return ending.format;
-        }
-    }
-    return stat::Format::Sas;
+    const auto found = std::ranges::find_if(kEndings, isItsEnding, &Ending::text);
+    return found == kEndings.end() ? stat::Format::Sas : found->format;
 }
 
 /// The name of the data set: of the member of an archive, and without the ending of a compressed
