@@ -9,6 +9,7 @@ namespace corvanta {
 /// The format of `input`: that of the parameters, or that of its ending.
 stat::Format statFormatOf(const ReadStatParams &params, const InputFile &input);
 
+/// What the reader of the data set is asked for; the format is not that of the parameters.
 stat::ReadOptions statOptionsOf(const ReadStatParams &params, stat::Format format);
 
 } // namespace corvanta

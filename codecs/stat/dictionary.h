@@ -27,10 +27,10 @@ struct LabelSet
     /// A label of one value, in the order of the file.
     struct Entry
     {
-        double number = 0; ///< of a number that is not missing
-        QByteArray text;   ///< of a text
-        char tag = 0;      ///< of a tagged missing number; then `number` is not used
-        bool isText = false;
+        double number = 0;   ///< of a number that is not missing
+        QByteArray text;     ///< of a text
+        char tag = 0;        ///< of a tagged missing number; then `number` is not used
+        bool isText = false; ///< whether `text` is used, or else `number` and `tag`
         QString label;
     };
 

@@ -1,3 +1,5 @@
+// What the checks of all formats share: a reader that stops at the first fault, and the choice of
+// the check.
 #include "codecs/stat/header_check.h"
 
 #include "codecs/stat/checked_reader.h"
@@ -15,6 +17,7 @@ void CheckedReader::read(void *out, qint64 n)
     m_position += n;
 }
 
+/// The number is compared with the file before the memory is allocated.
 QByteArray CheckedReader::bytes(qint64 n)
 {
     if (n < 0 || n > remaining()) {

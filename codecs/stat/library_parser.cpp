@@ -35,6 +35,7 @@ readstat_error_t LibraryParser::parseCatalogue(void *context)
     return readstat_parse_sas7bcat(handle(), "", context);
 }
 
+// Old Stata files do not name their encoding: that of Windows was usual.
 QString encodingOf(Format format, const QString &wanted, readstat_metadata_t *metadata)
 {
     const QString utf8 = QStringLiteral("UTF-8");

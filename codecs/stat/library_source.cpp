@@ -1,3 +1,9 @@
+// The buffer, and how it follows the reads of the library:
+//
+//   file     ... | m_bufferAt ... m_position ... m_bufferAt + m_filled = m_sourceAt | ...
+//
+// A read inside the buffer is a copy. One directly after it fills the buffer with twice as many
+// bytes as before; any other one is a jump, and begins again with few.
 #include "codecs/stat/library_source.h"
 
 #include <readstat.h>

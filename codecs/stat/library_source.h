@@ -28,6 +28,7 @@ public:
     float fractionRead() const;
 
 private:
+    // The handlers of the library: as lseek() and read() of POSIX.
     qint64 seek(qint64 offset, int whence);
     qint64 read(char *out, qint64 n);
     qint64 fill();

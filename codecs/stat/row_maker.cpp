@@ -32,6 +32,7 @@ double numberOf(const readstat_value_t &value)
     return cell::missingDouble();
 }
 
+/// One cell for all missing values of a type, outside the ring.
 const uchar *missingCell(cell::Type type)
 {
     return type == cell::Type::Text ? cell::missingTextCell() : cell::missingDoubleCell();
@@ -84,6 +85,7 @@ bool RowMaker::put(int column, const readstat_value_t &value, readstat_variable_
                                            : putOwn(column, numberOf(value));
 }
 
+/// The cell is the number itself, in the byte order of the machine.
 inline bool RowMaker::putNumber(int column, double number)
 {
     uchar *const bytes = m_ring.room(cell::kDoubleBytes);
@@ -96,6 +98,8 @@ inline bool RowMaker::putNumber(int column, double number)
     return true;
 }
 
+/// The text is decoded directly into the ring. The length code precedes the units, but its size
+/// depends on their number: it is put into the last bytes of the room that is kept for it.
 inline bool RowMaker::putText(int column, const char *text)
 {
     const auto n = static_cast<qsizetype>(std::strlen(text));

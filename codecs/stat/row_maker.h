@@ -53,12 +53,16 @@ public:
     const Findings &findings() const { return m_findings; }
 
 private:
+    // Functions that return a bool return false as RowRing::room() does return null.
     bool putNumber(int column, double number);
     bool putText(int column, const char *text);
+    // `n` characters, which need no decoder.
     bool putAscii(int column, const char *text, int n);
+    // A number in a column of texts.
     bool putOwn(int column, double number);
     bool isMissing(const ColumnPlan &plan, const readstat_value_t &value,
                    readstat_variable_t *variable);
+    // Findings keep the place of the first one; it is put into words only then.
     void countLoss(Decoded result, const ColumnPlan &plan);
     QString place(const ColumnPlan &plan) const;
 

@@ -74,6 +74,7 @@ private:
     Cell *header() { return reinterpret_cast<Cell *>(m_row); }
     uchar *blockEnd() const { return m_block.get() + m_bytes; }
     uchar *moreRoom(qint64 bytes);
+    // Take more of the block after the row, or after the row has moved to the start of the block.
     bool extend(qint64 bytes);
     bool moveToStart(qint64 rowBytes, qint64 bytes);
     void moveRow(qint64 rowBytes);

@@ -43,6 +43,7 @@ Result<void, Error> checkTagged(CheckedReader &in, int release)
 
 } // namespace
 
+/// Newer files begin with a tag, and older ones with the number of their version.
 Result<void, Error> checkStata(ByteSource &source)
 {
     constexpr char kStart[] = "<stata_dta><header><release>";

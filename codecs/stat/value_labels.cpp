@@ -1,3 +1,9 @@
+// Each label is made a cell once; see base/cell.h for the layout:
+//
+//   code of the length (1 to 4 bytes), UTF-16 units
+//
+// Numbers are found by their bits, texts by their bytes in the encoding of the file, so that a
+// search neither decodes nor rounds.
 #include "codecs/stat/value_labels.h"
 
 #include "base/cell.h"
@@ -9,6 +15,7 @@ namespace corvanta::stat {
 
 namespace {
 
+/// The bytes of a text cell.
 QByteArray textCell(const QString &text)
 {
     const quint32 code = cell::codeOfText(text.size());
@@ -30,6 +37,7 @@ const uchar *bytesOf(const QByteArray *cell)
     return cell == nullptr ? nullptr : reinterpret_cast<const uchar *>(cell->constData());
 }
 
+/// Null if the hash does not have the key. Returns the address of the value, which is not copied.
 template <class Hash, class Key> const QByteArray *findIn(const Hash &hash, const Key &key)
 {
     const auto found = hash.constFind(key);

@@ -21,6 +21,7 @@ public:
 
     /// The text cell with the label of a value; null: it has none.
     const uchar *find(double number) const;
+    /// `text` is as the file has it, without the blanks at its end.
     const uchar *find(std::string_view text) const;
 
 private:
