@@ -9,6 +9,19 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
+namespace {
+
+/// The element with this name; null without one.
+template <typename Named>
+const Named *findByName(const std::vector<Named> &all, const QString &name)
+{
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [&](const Named &element) { return element.name == name; });
+    return found != all.end() ? &*found : nullptr;
+}
+
+} // namespace
+
 void DataSetOutput::start()
 {
     RowWriter::start();
@@ -22,11 +35,7 @@ QString DataSetOutput::placeOf(qint64 row, size_t column) const
 
 const VariableDefinition *DataSetOutput::definitionOf(const QString &column) const
 {
-    const std::vector<VariableDefinition> &all = dataSetParams().variables;
-    const auto found = std::find_if(all.begin(), all.end(), [&](const VariableDefinition &defined) {
-        return defined.name == column;
-    });
-    return found != all.end() ? &*found : nullptr;
+    return findByName(dataSetParams().variables, column);
 }
 
 QByteArray DataSetOutput::encoded(const QString &text, const QString &column)
@@ -85,10 +94,8 @@ void DataSetOutput::warnDefinitions(const OneRow &columns)
 /// The width in StringColDef; 0 without one.
 int DataSetOutput::declaredWidth(const QString &name) const
 {
-    const std::vector<StringColumn> &declared = dataSetParams().stringColumns;
-    const auto found = std::find_if(declared.begin(), declared.end(),
-                                    [&](const StringColumn &text) { return text.name == name; });
-    return found != declared.end() ? std::max(found->width, 0) : 0;
+    const StringColumn *const declared = findByName(dataSetParams().stringColumns, name);
+    return declared != nullptr ? std::max(declared->width, 0) : 0;
 }
 
 /// Sets the bytes to which texts of a text column are cut while rows arrive.
@@ -254,20 +261,28 @@ bool DataSetOutput::writeRows()
 
 bool DataSetOutput::writeFile()
 {
-    if (!m_run->packer->block().empty() && !spoolBlock()) {
-        return false;
-    }
+    // The last block is rarely full.
+    const bool isSpooled = m_run->packer->block().empty() || spoolBlock();
+    return isSpooled && beginFile() && writeRows() && finishFile();
+}
+
+bool DataSetOutput::beginFile()
+{
+    // All rows are known here: the header needs their number and the widths of the texts.
     measureWidths();
     m_run->writer = makeWriter(m_run->target, m_run->variables);
-    if (const auto begun = m_run->writer->begin(m_run->rows); !begun) {
-        return failWriter(begun.fault());
-    }
-    if (!writeRows()) {
-        return false;
-    }
-    if (const auto finished = m_run->writer->finish(); !finished) {
-        return failWriter(finished.fault());
-    }
+    const auto begun = m_run->writer->begin(m_run->rows);
+    return begun || failWriter(begun.fault());
+}
+
+bool DataSetOutput::finishFile()
+{
+    const auto finished = m_run->writer->finish();
+    return (finished || failWriter(finished.fault())) && commitTarget();
+}
+
+bool DataSetOutput::commitTarget()
+{
     return m_run->target.commit() ||
            failWrite(u"the file cannot be completed"_s, reasonOf(m_run->target));
 }

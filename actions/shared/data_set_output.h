@@ -100,8 +100,11 @@ private:
         qint64 rows = 0;                          // spooled
     };
 
+    // Functions that return bool return true for success; otherwise they have failed the run.
+    /// Report the names and labels that are not stored as they are.
     void warnNames();
     void warnDefinitions(const OneRow &columns);
+    /// Choose the widths of all columns and make the packer of the rows.
     bool findWidths(const OneRow &columns, const QVector<int> &inputs);
     bool chooseWidth(size_t column, sas::PackedColumn *packed);
     int declaredWidth(const QString &name) const;
@@ -109,8 +112,15 @@ private:
     bool spoolBlock();
     bool failSpool();
     void measureWidths();
+    /// Write the rows from the spool.
     bool writeRows();
+    /// Write the whole file after the last row, and rename it to its target.
     bool writeFile();
+    /// Make the writer and write what comes before the rows.
+    bool beginFile();
+    /// Write what comes after the rows, and commit the target.
+    bool finishFile();
+    bool commitTarget();
     bool failWriter(const Fault<sas::Error> &fault);
     bool reportCuts(const OneRow &row);
     void warnCutTexts();

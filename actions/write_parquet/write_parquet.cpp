@@ -136,14 +136,19 @@ bool ActionWriteParquet::failWriter(const Output &output, const Fault<parquet::E
     return failWith(WriteProblem::CannotWrite, target, reasonOf(output.target));
 }
 
-void ActionWriteParquet::start()
+void ActionWriteParquet::setOptions()
 {
-    RowWriter::start();
-    m_run = std::make_unique<RunState>();
     m_run->options.pageSizeKiB = m_params.pageSize;
     m_run->options.rowGroupMiB = m_params.rowGroupSize;
     m_run->options.dictionaryPages = m_params.dictionaryPages;
     m_run->options.statistics = m_params.statistics;
+}
+
+void ActionWriteParquet::start()
+{
+    RowWriter::start();
+    m_run = std::make_unique<RunState>();
+    setOptions();
     // Checked before any row is read, unlike a name that cannot be opened.
     if (m_params.file.isEmpty()) {
         fail(u"No filename?"_s);
@@ -210,12 +215,17 @@ bool ActionWriteParquet::begin(const OneRow &columns)
     if (!open(columns)) {
         return false;
     }
-    // Every value then has an open file with a row group in memory.
     if (m_run->splitColumn >= 0 && !m_run->isSorted) {
-        warn(
-            u"\nWARNING writing to Parquet file: The table to split is not sorted on the split variable: The number of splits (i.e. the number of files) is limited to the maximum number of simultaneous opened file allowed by the OS and by the available RAM memory.\n"_s);
+        warnUnsorted();
     }
     return true;
+}
+
+void ActionWriteParquet::warnUnsorted()
+{
+    // Every value then has an open file with a row group in memory.
+    warn(
+        u"\nWARNING writing to Parquet file: The table to split is not sorted on the split variable: The number of splits (i.e. the number of files) is limited to the maximum number of simultaneous opened file allowed by the OS and by the available RAM memory.\n"_s);
 }
 
 QVector<TargetUse> ActionWriteParquet::targets() const
@@ -408,22 +418,40 @@ void ActionWriteParquet::addChanged(const Output &output)
 
 /// Negative keys are kept for saved graphs: our reader returns them as they were, but other
 /// programs do not.
+void ActionWriteParquet::warnNegativeKeys(const QString &name, const ChangedColumn &keys)
+{
+    warn(
+        u"Warning: %1 keys of the column '%2' are above 2147483647 and stored as negative numbers; the first is %3. Use keyStorage='2' to store them as they are\n"_s
+            .arg(QString::number(keys.count), name, keys.first));
+}
+
+void ActionWriteParquet::warnReplacedTexts(const QString &name, const ChangedColumn &texts)
+{
+    warn(
+        u"Warning: %1 texts of the column '%2' have characters that a Parquet file cannot hold, which are replaced by U+FFFD; the first is %3\n"_s
+            .arg(QString::number(texts.count), name, texts.first));
+}
+
 void ActionWriteParquet::warnChanged()
 {
     for (size_t i = 0; i < m_run->negativeKeys.size(); ++i) {
         const QString name = QString::fromUtf8(m_run->columns[i].name);
         const ChangedColumn &keys = m_run->negativeKeys[i];
         if (keys.count > 0) {
-            warn(
-                u"Warning: %1 keys of the column '%2' are above 2147483647 and stored as negative numbers; the first is %3. Use keyStorage='2' to store them as they are\n"_s
-                    .arg(QString::number(keys.count), name, keys.first));
+            warnNegativeKeys(name, keys);
         }
         const ChangedColumn &texts = m_run->replacedTexts[i];
         if (texts.count > 0) {
-            warn(
-                u"Warning: %1 texts of the column '%2' have characters that a Parquet file cannot hold, which are replaced by U+FFFD; the first is %3\n"_s
-                    .arg(QString::number(texts.count), name, texts.first));
+            warnReplacedTexts(name, texts);
         }
+    }
+}
+
+void ActionWriteParquet::keepUnfinished()
+{
+    for (const std::shared_ptr<Output> &output : std::as_const(m_run->outputs)) {
+        output->writer.reset(); // before its target is closed
+        output->target.keepTemporary();
     }
 }
 
@@ -431,10 +459,7 @@ void ActionWriteParquet::release(bool)
 {
     if (m_run && m_errorFlag != 0) {
         // An error of this action leaves its unfinished files for inspection.
-        for (const std::shared_ptr<Output> &output : std::as_const(m_run->outputs)) {
-            output->writer.reset();
-            output->target.keepTemporary();
-        }
+        keepUnfinished();
     }
     m_run.reset();
 }

@@ -86,6 +86,10 @@ private:
     /// Find the columns to write and choose how each is stored.
     bool findInputs(const OneRow &columns);
     bool findSplitColumn(const OneRow &columns);
+    /// Tell that a table to split needs memory for all of its files.
+    void warnUnsorted();
+    /// Take what the writers of all files need from the parameters.
+    void setOptions();
     parquet::Storage storageOf(const OneRow &columns, int column) const;
     QString missingColumn(const QString &name, const char *purpose) const;
     /// The name of the next file for a split value, different from all names before.
@@ -100,8 +104,14 @@ private:
     /// The existing files that have the names of further segments of those that were written.
     QStringList oldSegments() const;
     void warnOldSegments();
+    /// Count the values that the file has lost, by column.
     void addChanged(const Output &output);
+    /// Report the counts, once per column and cause.
     void warnChanged();
+    void warnNegativeKeys(const QString &name, const ChangedColumn &keys);
+    void warnReplacedTexts(const QString &name, const ChangedColumn &texts);
+    /// Leave the "_TMP" files of the files that are open.
+    void keepUnfinished();
     // Fail the run with the message for a fault.
     bool failTarget(const Output &output, const Fault<TargetError> &fault);
     bool failWriter(const Output &output, const Fault<parquet::Error> &fault);

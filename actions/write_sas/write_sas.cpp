@@ -19,6 +19,12 @@ bool isOrdinaryName(const QByteArray &name)
     return sas::validName(QString::fromUtf8(name), sas::kMaxNameBytes) == name;
 }
 
+/// Names are stored in UTF-8, in a field of fixed size.
+bool isTooLong(const QString &name)
+{
+    return name.toUtf8().size() > sas::kMaxNameBytes;
+}
+
 } // namespace
 
 ActionWriteSAS::ActionWriteSAS(const XMLNode &saved, GlobalParameters *parameters)
@@ -99,9 +105,6 @@ bool ActionWriteSAS::reportCutText(const QString &column, qsizetype bytes, int w
 
 bool ActionWriteSAS::checkLengths(const QStringList &columns)
 {
-    const auto isTooLong = [](const QString &name) {
-        return name.toUtf8().size() > sas::kMaxNameBytes;
-    };
     const auto found = std::find_if(columns.begin(), columns.end(), isTooLong);
     return m_params.columnNameMode != VariableNames::Whole || found == columns.end() ||
            fail(u"ERROR: writing SAS file '%1': column's name '%2' is too long (>32 chars)?"_s.arg(

@@ -34,7 +34,9 @@ private:
     void start() override;
 
     // Names of the variables; the functions that return bool have failed the run on false.
+    /// Names as columnNameMode makes them; they may be empty or equal.
     std::vector<QByteArray> chooseNames(const QStringList &columns);
+    /// Refuse names that are too long where they must stay whole.
     bool checkLengths(const QStringList &columns);
     void makeDifferent(const QStringList &columns, std::vector<QByteArray> *names);
     void reportOddNames(const std::vector<QByteArray> &names);

@@ -135,15 +135,19 @@ void ActionWriteSASXPT::setNames(const QStringList &columns, std::vector<sas::Va
     }
 }
 
+QString ActionWriteSASXPT::labelOf(const QString &column, const QByteArray &name) const
+{
+    const VariableDefinition *const defined = definitionOf(column);
+    // A name that was changed is kept as the label.
+    const QString whole = name != column.toUtf8() ? column : QString();
+    return defined != nullptr && !defined->label.isEmpty() ? defined->label : whole;
+}
+
 void ActionWriteSASXPT::setLabels(const QStringList &columns, std::vector<sas::Variable> &variables)
 {
     for (size_t i = 0; i < variables.size(); ++i) {
         const QString &column = columns[static_cast<qsizetype>(i)];
-        const VariableDefinition *const defined = definitionOf(column);
-        // A name that was changed is kept as the label.
-        QString label = variables[i].name != column.toUtf8() ? column : QString();
-        label = defined != nullptr && !defined->label.isEmpty() ? defined->label : label;
-        variables[i].label = encodedLabel(label, column);
+        variables[i].label = encodedLabel(labelOf(column, variables[i].name), column);
     }
 }
 
@@ -194,6 +198,22 @@ void ActionWriteSASXPT::warnBlankRows(qint64 count)
     }
 }
 
+void ActionWriteSASXPT::warnRounded(const QString &column, const sas::RowCount &rounded)
+{
+    warn(
+        u"Warning: writing SAS transport file '%1': %2 numbers of the column '%3' lost digits, because they need more bytes or are below 5.4e-79; the first is in row %4 of the file\n"_s
+            .arg(fileName(), QString::number(rounded.count), column,
+                 QString::number(rounded.firstRow)));
+}
+
+void ActionWriteSASXPT::warnTooLarge(const QString &column, const sas::RowCount &tooLarge)
+{
+    warn(
+        u"Warning: writing SAS transport file '%1': %2 numbers of the column '%3' are infinite or above 7.2e75 and became missing; the first is in row %4 of the file\n"_s
+            .arg(fileName(), QString::number(tooLarge.count), column,
+                 QString::number(tooLarge.firstRow)));
+}
+
 void ActionWriteSASXPT::reportRows(const sas::TableWriter &writer)
 {
     // Values are lost in the file, not in the input: rows that were filtered out are not counted.
@@ -201,16 +221,10 @@ void ActionWriteSASXPT::reportRows(const sas::TableWriter &writer)
     for (size_t i = 0; i < transport.reports().size(); ++i) {
         const auto &[rounded, tooLarge] = transport.reports()[i];
         if (rounded.count > 0) {
-            warn(
-                u"Warning: writing SAS transport file '%1': %2 numbers of the column '%3' lost digits, because they need more bytes or are below 5.4e-79; the first is in row %4 of the file\n"_s
-                    .arg(fileName(), QString::number(rounded.count), columnName(i),
-                         QString::number(rounded.firstRow)));
+            warnRounded(columnName(i), rounded);
         }
         if (tooLarge.count > 0) {
-            warn(
-                u"Warning: writing SAS transport file '%1': %2 numbers of the column '%3' are infinite or above 7.2e75 and became missing; the first is in row %4 of the file\n"_s
-                    .arg(fileName(), QString::number(tooLarge.count), columnName(i),
-                         QString::number(tooLarge.firstRow)));
+            warnTooLarge(columnName(i), tooLarge);
         }
     }
     warnBlankRows(transport.blankRowsAtEnd());

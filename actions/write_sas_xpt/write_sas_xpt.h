@@ -39,11 +39,18 @@ private:
 
     sas::TransportVersion version() const;
     sas::TransportLimits limits() const { return sas::limitsOf(version()); }
+    /// At most as long as a name of a variable, and never empty.
     QByteArray tableName() const;
     // Steps of describe(). define() has failed the run on false.
     void setNames(const QStringList &columns, std::vector<sas::Variable> &variables);
+    /// The label of a column in the parameters, else its name where `name` differs from it.
+    QString labelOf(const QString &column, const QByteArray &name) const;
     void setLabels(const QStringList &columns, std::vector<sas::Variable> &variables);
     bool define(const QString &column, sas::Variable &variable);
+    /// Numbers of the column were stored with fewer digits.
+    void warnRounded(const QString &column, const sas::RowCount &rounded);
+    /// Numbers of the column became missing.
+    void warnTooLarge(const QString &column, const sas::RowCount &tooLarge);
     /// `count` rows at the end of the file have only missing texts.
     void warnBlankRows(qint64 count);
 };

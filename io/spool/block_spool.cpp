@@ -5,15 +5,23 @@
 
 namespace corvanta {
 
+namespace {
+
+/// The folder for temporary files of the system.
+QString temporaryFolder()
+{
+    // Before QDir::tempPath(), which replaces a folder that does not exist by the current one.
+    const QString folder = qEnvironmentVariable("TMPDIR");
+    return folder.isEmpty() ? QDir::tempPath() : folder;
+}
+
+} // namespace
+
 BlockSpool::BlockSpool(Options options)
     : m_options(std::move(options))
 {
-    // Before QDir::tempPath(), which replaces a folder that does not exist by the current one.
     if (m_options.folder.isEmpty()) {
-        m_options.folder = qEnvironmentVariable("TMPDIR");
-    }
-    if (m_options.folder.isEmpty()) {
-        m_options.folder = QDir::tempPath();
+        m_options.folder = temporaryFolder();
     }
 }
 
@@ -80,15 +88,20 @@ bool BlockSpool::read(qint64 bytes)
     return true;
 }
 
+bool BlockSpool::readNext()
+{
+    const qint64 bytes = m_fileBlocks.front();
+    m_fileBlocks.pop_front();
+    return read(bytes);
+}
+
 Result<std::optional<std::string_view>, SpoolError> BlockSpool::next()
 {
     if (!m_inMemory.empty()) {
         m_block = std::move(m_inMemory.front());
         m_inMemory.pop_front();
     } else if (!m_fileBlocks.empty()) {
-        const qint64 bytes = m_fileBlocks.front();
-        m_fileBlocks.pop_front();
-        if (!read(bytes)) {
+        if (!readNext()) {
             return Fault{SpoolError::CannotRead};
         }
     } else {

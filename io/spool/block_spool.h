@@ -52,8 +52,12 @@ public:
     const QString &folder() const { return m_options.folder; }
 
 private:
+    // After a failure of these, m_error has the reason.
     bool write(std::string_view block);
+    /// Fill m_block with the next bytes of the file.
     bool read(qint64 bytes);
+    /// Fill m_block with the next block of the file and forget its size.
+    bool readNext();
 
     Options m_options;
     std::deque<std::vector<char>> m_inMemory; // the first blocks
