@@ -94,11 +94,18 @@ void printParameter(const ParameterInfo &info, const QString &indent)
     }
 }
 
+/// Adds the numbers of pins; a reader of the JSON needs no text such as pinText().
+void addPins(const ActionItem &action, QJsonObject *entry)
+{
+    entry->insert(u"pinsIn"_s, action.maxPinIn());
+    entry->insert(u"pinsOut"_s, action.pinOutCount());
+}
+
+/// What `actions --json` prints of the action, its pins and its parameters.
 QString descriptionJson(ActionItem &action, const QVector<ParameterInfo> &infos)
 {
     QJsonObject entry = catalogueEntry(action);
-    entry[u"pinsIn"_s] = action.maxPinIn();
-    entry[u"pinsOut"_s] = action.pinOutCount();
+    addPins(action, &entry);
     entry[u"parameters"_s] = parameterEntries(infos);
     return QString::fromUtf8(QJsonDocument(entry).toJson());
 }

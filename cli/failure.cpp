@@ -12,6 +12,19 @@ namespace {
 std::FILE *logStream = stderr;
 bool isLogJson = false;
 
+// The members before the text, as the log writes them for a message without an action.
+constexpr const char *kJsonHead =
+    "{\"level\":1,\"severity\":\"error\",\"action\":\"\",\"message\":\"Error: ";
+
+/// Writes a text that needs no escapes: what JSON cannot hold becomes an apostrophe.
+void putText(const char *text) noexcept
+{
+    for (; *text != '\0'; ++text) {
+        // Also right for text: a message has one line.
+        std::fputc(*text == '"' || *text == '\\' || *text < ' ' ? '\'' : *text, logStream);
+    }
+}
+
 } // namespace
 
 void setFailureStream(std::FILE *stream, bool isJson)
@@ -22,14 +35,8 @@ void setFailureStream(std::FILE *stream, bool isJson)
 
 void reportFailure(const char *why) noexcept
 {
-    std::fputs(isLogJson
-                   ? "{\"level\":1,\"severity\":\"error\",\"action\":\"\",\"message\":\"Error: "
-                   : "Error: ",
-               logStream);
-    for (; *why != '\0'; ++why) {
-        // Also right for text: a message has one line.
-        std::fputc(*why == '"' || *why == '\\' || *why < ' ' ? '\'' : *why, logStream);
-    }
+    std::fputs(isLogJson ? kJsonHead : "Error: ", logStream);
+    putText(why);
     std::fputs(isLogJson ? "\"}\n" : "\n", logStream);
     std::fflush(logStream);
 }

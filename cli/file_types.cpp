@@ -58,14 +58,20 @@ QString extensionOf(FileFormat::Use use, QString name)
     return name.mid(name.lastIndexOf(u'.') + 1).toLower();
 }
 
+/// Whether the format of the action has this extension, which is in lower case.
+bool handles(const FileAction &action, const QString &extension)
+{
+    return wordsOf(action.format->extensions).contains(extension);
+}
+
+/// The action for an extension; nothing when there is none.
 std::optional<FileAction> find(const ActionRegistry &registry, FileFormat::Use use,
                                const QString &extension)
 {
     const std::vector<FileAction> all = fileActions(registry, use);
     // The first one counts, see FileFormat::Family.
-    const auto found = std::find_if(all.begin(), all.end(), [&](const FileAction &action) {
-        return wordsOf(action.format->extensions).contains(extension);
-    });
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [&](const FileAction &one) { return handles(one, extension); });
     return found == all.end() ? std::nullopt : std::optional(*found);
 }
 
@@ -96,9 +102,8 @@ QString problemOf(const ParameterInfo &info, const QString &text)
 QStringList namesOf(const QVector<ParameterInfo> &infos)
 {
     QStringList names;
-    for (const ParameterInfo &info : infos) {
-        names << info.name;
-    }
+    std::transform(infos.begin(), infos.end(), std::back_inserter(names),
+                   [](const ParameterInfo &info) { return info.name; });
     return names;
 }
 
@@ -133,12 +138,17 @@ CommandResult<void> apply(const QStringList &settings, const QString &type,
     return {};
 }
 
+/// The mark of the parameter that names the file to read or write.
+ParameterInfo::File fileMark(FileFormat::Use use)
+{
+    return use == FileFormat::Read ? ParameterInfo::File::Input : ParameterInfo::File::Output;
+}
+
 /// Index of the parameter that names the file to read or write.
 int fileParameter(const ActionParameters &parameters, FileFormat::Use use)
 {
     // Every action with file formats has such a parameter.
-    const ParameterInfo::File wanted =
-        use == FileFormat::Read ? ParameterInfo::File::Input : ParameterInfo::File::Output;
+    const ParameterInfo::File wanted = fileMark(use);
     const QVector<ParameterInfo> infos = parameters.parameters();
     const auto found = std::find_if(infos.begin(), infos.end(),
                                     [&](const ParameterInfo &info) { return info.file == wanted; });

@@ -24,6 +24,17 @@ std::FILE *jsonStream()
     return stream;
 }
 
+/// "Error: " and the like, or nothing for a text that begins with its severity, as most texts do.
+QString severityPrefix(const QString &text, int level)
+{
+    const bool saysSeverity = text.startsWith("error"_L1, Qt::CaseInsensitive) ||
+                              text.startsWith("warning"_L1, Qt::CaseInsensitive);
+    const QString severity = saysSeverity ? QString() : severityOf(level) + ": "_L1;
+    // As in the texts that have one.
+    return severity.left(1).toUpper() + severity.mid(1);
+}
+
+/// "[ACTION] Severity: text", for people.
 class TextLog final : public CommandLog
 {
 public:
@@ -32,13 +43,8 @@ public:
 private:
     QByteArray format(const LogMessage &message) const override
     {
-        // Most texts begin with their severity.
         const QString text = message.text.trimmed();
-        const bool saysSeverity = text.startsWith("error"_L1, Qt::CaseInsensitive) ||
-                                  text.startsWith("warning"_L1, Qt::CaseInsensitive);
-        QString severity = saysSeverity ? QString() : severityOf(message.level) + ": "_L1;
-        // As in the texts that have one.
-        severity.replace(0, 1, severity.left(1).toUpper());
+        const QString severity = severityPrefix(text, message.level);
         const QString place =
             message.action.isEmpty() ? QString() : u"[%1] "_s.arg(visibleText(message.action));
         return (place + severity + visibleLines(text) + u'\n').toUtf8();

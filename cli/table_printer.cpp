@@ -19,23 +19,29 @@ constexpr int kWidestCell = 1000; // and in a file, where a reader can scroll
 constexpr qsizetype kRowsToMeasure = 1000;
 constexpr auto kGap = "  "_L1;
 
-/// Characters that take two columns (Unicode's East Asian Width W and F, roughly).
+/// First and last characters that take two columns (Unicode's East Asian Width W and F, roughly).
+constexpr std::pair<char32_t, char32_t> kWideRanges[] = {
+    {0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041, 0xA4CF},  {0xA960, 0xA97F}, {0xAC00, 0xD7A3},
+    {0xF900, 0xFAFF},   {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},  {0xFFE0, 0xFFE6}, {0x1F300, 0x1F64F},
+    {0x1F680, 0x1F6FF}, {0x1F900, 0x1FAFF}, {0x20000, 0x3FFFD}};
+
 bool isWide(char32_t c)
 {
-    constexpr std::pair<char32_t, char32_t> ranges[] = {
-        {0x1100, 0x115F},  {0x2E80, 0x303E},   {0x3041, 0xA4CF},   {0xA960, 0xA97F},
-        {0xAC00, 0xD7A3},  {0xF900, 0xFAFF},   {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},
-        {0xFFE0, 0xFFE6},  {0x1F300, 0x1F64F}, {0x1F680, 0x1F6FF}, {0x1F900, 0x1FAFF},
-        {0x20000, 0x3FFFD}};
-    return std::any_of(std::begin(ranges), std::end(ranges),
+    return std::any_of(std::begin(kWideRanges), std::end(kWideRanges),
                        [c](const auto &range) { return c >= range.first && c <= range.second; });
+}
+
+/// Characters that are drawn on the one before them.
+bool isCombining(char32_t c)
+{
+    const QChar::Category category = QChar::category(c);
+    return category == QChar::Mark_NonSpacing || category == QChar::Mark_Enclosing;
 }
 
 /// Terminal columns of one character.
 int widthOf(char32_t c)
 {
-    const QChar::Category category = QChar::category(c);
-    if (category == QChar::Mark_NonSpacing || category == QChar::Mark_Enclosing) {
+    if (isCombining(c)) {
         return 0;
     }
     return isWide(c) ? 2 : 1;
@@ -64,6 +70,15 @@ bool isNumber(MetaInfo type)
     return type.type() != MetaInfo::Unknown;
 }
 
+/// Trailing blanks would make a terminal wrap lines.
+QString withoutTrailingBlanks(QString line)
+{
+    while (line.endsWith(u' ')) {
+        line.chop(1);
+    }
+    return line;
+}
+
 } // namespace
 
 int displayWidth(const QString &text)
@@ -79,11 +94,8 @@ TablePrinter::TablePrinter(const TableSchema &columns, std::FILE *out)
     , m_lineWidth(platform::isTerminal(out) ? platform::terminalWidth(out) : 0)
     , m_cellWidth(m_lineWidth > 0 ? kTerminalCell : kWidestCell)
 {
-    QStringList names;
-    for (const QString &name : columns.names) {
-        names << shown(name);
-    }
-    m_held << names;
+    // The names are measured like a row.
+    m_held << shownCells(columns.names);
 }
 
 QString TablePrinter::shown(const QString &cell) const
@@ -96,16 +108,22 @@ QString TablePrinter::shown(const QString &cell) const
     return displayWidth(text) <= m_cellWidth ? text : fitting(text, m_cellWidth - 1) + u'…';
 }
 
-void TablePrinter::add(const QStringList &cells)
+QStringList TablePrinter::shownCells(const QStringList &cells) const
 {
     QStringList texts;
-    for (const QString &cell : cells) {
-        texts << shown(cell);
-    }
-    if (m_hasBegun) {
-        print(texts);
-        return;
-    }
+    std::transform(cells.begin(), cells.end(), std::back_inserter(texts),
+                   [this](const QString &cell) { return shown(cell); });
+    return texts;
+}
+
+void TablePrinter::add(const QStringList &cells)
+{
+    const QStringList texts = shownCells(cells);
+    m_hasBegun ? print(texts) : hold(texts);
+}
+
+void TablePrinter::hold(const QStringList &texts)
+{
     m_held << texts;
     if (m_held.size() > kRowsToMeasure) {
         begin();
@@ -146,20 +164,20 @@ void TablePrinter::begin()
     m_held.clear();
 }
 
+QString TablePrinter::aligned(qsizetype column, const QString &cell) const
+{
+    // A cell that is wider than the measured rows moves the cells after it.
+    const QString blanks(std::max(m_widths[column] - displayWidth(cell), 0), u' ');
+    return isNumber(m_columns.types.at(column)) ? blanks + cell : cell + blanks;
+}
+
 void TablePrinter::print(const QStringList &cells)
 {
     QString line;
     for (qsizetype i = 0; i < m_widths.size(); ++i) {
-        // A cell that is wider than the measured rows moves the cells after it.
-        const QString blanks(std::max(m_widths[i] - displayWidth(cells[i]), 0), u' ');
-        line += (i > 0 ? kGap : ""_L1) +
-                (isNumber(m_columns.types.at(i)) ? blanks + cells[i] : cells[i] + blanks);
+        line += (i > 0 ? kGap : ""_L1) + aligned(i, cells[i]);
     }
-    // Trailing blanks would make a terminal wrap lines.
-    while (line.endsWith(u' ')) {
-        line.chop(1);
-    }
-    std::fprintf(m_out, "%s\n", line.toUtf8().constData());
+    std::fprintf(m_out, "%s\n", withoutTrailingBlanks(line).toUtf8().constData());
 }
 
 void TablePrinter::finish()

@@ -29,9 +29,15 @@ public:
 private:
     /// The text to print for a cell: escaped, cut, and quoted if it is empty.
     QString shown(const QString &cell) const;
+    QStringList shownCells(const QStringList &cells) const;
+    /// Keep a row for the widths. The first row that is too many begins the output.
+    void hold(const QStringList &texts);
     /// Set m_widths to the widths of the columns that fit on a line, from the rows that are kept.
     void measure();
+    /// Choose the widths and print what is kept.
     void begin();
+    /// The text with the blanks that fill its column.
+    QString aligned(qsizetype column, const QString &cell) const;
     void print(const QStringList &cells);
 
     TableSchema m_columns;

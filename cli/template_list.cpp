@@ -9,26 +9,33 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
 
 namespace {
 
+/// How often the mark occurs and in how many runs, where that is more than one.
+QString countText(const TemplateMark &mark)
+{
+    const QString times = mark.count > 1 ? u", %1 times"_s.arg(mark.count) : QString();
+    const QString runs = mark.runs > 1 ? u", divided into %1 runs"_s.arg(mark.runs) : QString();
+    return times + runs;
+}
+
+/// One line for people; the texts of the template are escaped.
 QString lineOf(const QString &file, const TemplateMark &mark)
 {
-    QString line = u"%1: %2 in %3 (%4)"_s.arg(file, visibleText(mark.text),
-                                              visibleText(mark.location), visibleText(mark.part));
-    if (mark.count > 1) {
-        line += u", %1 times"_s.arg(mark.count);
-    }
-    if (mark.runs > 1) {
-        line += u", divided into %1 runs"_s.arg(mark.runs);
-    }
+    const QString place = u"%1: %2 in %3 (%4)"_s.arg(
+        file, visibleText(mark.text), visibleText(mark.location), visibleText(mark.part));
+    const QString line = place + countText(mark);
     return mark.remedy.isEmpty() ? line : u"%1: not found in a run: %2"_s.arg(line, mark.remedy);
 }
 
+/// The properties of a mark, unchanged; "remedy" only where a run would not find the mark.
 QJsonObject entryOf(const TemplateMark &mark)
 {
     QJsonObject entry{{u"text"_s, mark.text},
@@ -52,13 +59,17 @@ void print(const QString &file, const QVector<TemplateMark> &marks)
     }
 }
 
-void printJson(const QVector<TemplateMark> &marks)
+QJsonArray entriesOf(const QVector<TemplateMark> &marks)
 {
     QJsonArray entries;
-    for (const TemplateMark &mark : marks) {
-        entries.push_back(entryOf(mark));
-    }
-    std::fputs(QJsonDocument(entries).toJson().constData(), stdout);
+    std::transform(marks.begin(), marks.end(), std::back_inserter(entries), entryOf);
+    return entries;
+}
+
+/// An array, which is empty for a template without marks.
+void printJson(const QVector<TemplateMark> &marks)
+{
+    std::fputs(QJsonDocument(entriesOf(marks)).toJson().constData(), stdout);
 }
 
 } // namespace

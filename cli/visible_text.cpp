@@ -5,6 +5,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// The code point as \xHH, or as \uHHHH with as many digits as it needs.
+QString numericEscape(char32_t c)
+{
+    const QString digits = QString::number(c, 16);
+    return c < 0x100 ? u"\\x"_s + digits.rightJustified(2, u'0')
+                     : u"\\u"_s + digits.rightJustified(4, u'0');
+}
+
 /// The escape for a character that cannot be shown.
 QString escape(char32_t c)
 {
@@ -16,10 +24,16 @@ QString escape(char32_t c)
     case '\t':
         return u"\\t"_s;
     default:
-        const QString digits = QString::number(c, 16);
-        return c < 0x100 ? u"\\x"_s + digits.rightJustified(2, u'0')
-                         : u"\\u"_s + digits.rightJustified(4, u'0');
+        return numericEscape(c);
     }
+}
+
+/// Characters that a terminal obeys or hides instead of showing them.
+bool isInvisible(char32_t c)
+{
+    const QChar::Category category = QChar::category(c);
+    return category == QChar::Other_Control || category == QChar::Other_Format ||
+           category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
 }
 
 /// Replaces what is invisible, except the characters `kept`.
@@ -27,12 +41,8 @@ QString visible(const QString &text, const QString &kept)
 {
     QString shown;
     forEachCodePoint(text, [&](char32_t c) {
-        const QChar::Category category = QChar::category(c);
-        const bool isInvisible =
-            category == QChar::Other_Control || category == QChar::Other_Format ||
-            category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
         const QString one = QString::fromUcs4(&c, 1);
-        shown += isInvisible && !kept.contains(one) ? escape(c) : one;
+        shown += isInvisible(c) && !kept.contains(one) ? escape(c) : one;
     });
     return shown;
 }
