@@ -1,3 +1,4 @@
+// One file of a series: its decoder, and the counts of what its rows have lost.
 #include "actions/read_parquet/parquet_file.h"
 
 #include <algorithm>
@@ -19,6 +20,7 @@ ParquetFile::ParquetFile(ActionBase &action, const QString &name,
 {
 }
 
+/// Also called after a failure: what was lost until then is reported, too.
 void ParquetFile::beforeClose()
 {
     if (const Occurrences &chunks = m_reader->longChunks(); chunks.any()) {
@@ -54,6 +56,7 @@ QString ParquetFile::describe(const Fault<parquet::Error> &fault)
                : fault.detail;
 }
 
+/// The columns that are read, in the order of the file.
 TableSchema ParquetFile::columns() const
 {
     TableSchema columns;

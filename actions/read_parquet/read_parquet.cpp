@@ -143,6 +143,7 @@ std::unique_ptr<RunInput> ActionReadParquet::openInput(const QString &name,
     return std::make_unique<RunInput>(globalParameters(), control(), name, false, report);
 }
 
+/// The footer decides which columns exist, so that it is checked before any page is decoded.
 FileSeries::Opened ActionReadParquet::openFile(const QString &name)
 {
     using enum FileSeries::OpenError;
@@ -263,6 +264,7 @@ void ActionReadParquet::warnSkipped(const QString &name, const QStringList &colu
     }
 }
 
+/// The texts have the count, the column and the first place as %1 to %3.
 QString ActionReadParquet::lossText(parquet::Loss loss)
 {
     switch (loss) {

@@ -121,6 +121,7 @@ std::optional<markup::SampledDocument> ActionReadXML::sampleInput()
     return document;
 }
 
+/// Opens the first file of the pattern and passes its tokens to `look`, which may stop anywhere.
 bool ActionReadXML::sampleWith(const std::function<void(XMLTokenizer &)> &look)
 {
     InputSample sample(*this, m_params.fileName);
@@ -166,6 +167,7 @@ bool ActionReadXML::prepare()
     return true;
 }
 
+/// Each document has its own choice, from the parameter and from its first bytes.
 bool ActionReadXML::chooseEncoding(XMLTokenizer &tokenizer, const QString &name)
 {
     using markup::InvalidBytes;
@@ -230,6 +232,7 @@ markup::MarkupTokenizer *ActionReadXML::beginDocument(ByteSource &source, const 
     return chooseEncoding(*m_tokenizer, name) ? m_tokenizer.get() : nullptr;
 }
 
+/// Once per document, however many bytes were dropped.
 void ActionReadXML::warnDroppedBytes(const QString &name)
 {
     if (m_tokenizer->hasDiscarded()) {

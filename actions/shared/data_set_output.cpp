@@ -33,6 +33,7 @@ QString DataSetOutput::placeOf(qint64 row, size_t column) const
     return u"row %1, column '%2'"_s.arg(QString::number(row), columnName(column));
 }
 
+/// Of equal names in the parameters the first one counts.
 const VariableDefinition *DataSetOutput::definitionOf(const QString &column) const
 {
     return findByName(dataSetParams().variables, column);
@@ -48,6 +49,7 @@ QByteArray DataSetOutput::encoded(const QString &text, const QString &column)
     return bytes;
 }
 
+/// The encoder chooses the cut, so that no character of several bytes is divided.
 QByteArray DataSetOutput::encodedLabel(const QString &label, const QString &column)
 {
     const QByteArray bytes = encoded(label, column);
@@ -58,6 +60,7 @@ QByteArray DataSetOutput::encodedLabel(const QString &label, const QString &colu
     return bytes.first(fitting);
 }
 
+/// One warning for all columns: a table may have thousands of long labels.
 void DataSetOutput::warnNames()
 {
     const Occurrences &cut = m_run->cutLabels;
@@ -113,6 +116,8 @@ bool DataSetOutput::chooseWidth(size_t column, sas::PackedColumn *packed)
     return declared > 0 || dataSetParams().autoWidth || failUnknownWidth(columnName(column));
 }
 
+/// Until the last row, the width of a text column is the limit at which its texts are cut.
+/// measureWidths() replaces it where the parameters do not fix it.
 bool DataSetOutput::findWidths(const OneRow &columns, const QVector<int> &inputs)
 {
     std::vector<sas::PackedColumn> packed;
@@ -157,6 +162,8 @@ bool DataSetOutput::begin(const OneRow &columns)
     return openTarget();
 }
 
+/// The rows go to the spool first, because the header of the file precedes them and needs their
+/// number and the longest texts.
 bool DataSetOutput::openTarget()
 {
     m_run->spool = std::make_unique<BlockSpool>(BlockSpool::Options{
@@ -175,6 +182,7 @@ bool DataSetOutput::failSpool()
         failureReason(folder, FileUse::Write, m_run->spool->error()));
 }
 
+/// Moves the packed rows to the spool, which copies them.
 bool DataSetOutput::spoolBlock()
 {
     const auto stored = m_run->spool->put(m_run->packer->block());
@@ -182,6 +190,8 @@ bool DataSetOutput::spoolBlock()
     return stored || failSpool();
 }
 
+/// Reports the texts of the last row that did not fit. False when the action takes that as an
+/// error.
 bool DataSetOutput::reportCuts(const OneRow &row)
 {
     for (const sas::CutText &cut : m_run->packer->cutTexts()) {
@@ -219,6 +229,7 @@ void DataSetOutput::measureWidths()
     }
 }
 
+/// Where the format sets a limit, the message says what the user can change.
 bool DataSetOutput::failWriter(const Fault<sas::Error> &fault)
 {
     switch (fault.code) {
@@ -238,6 +249,7 @@ bool DataSetOutput::failWriter(const Fault<sas::Error> &fault)
     return failWrite(fault.detail, reasonOf(m_run->target));
 }
 
+/// The blocks come back in the order of the rows. Each one holds whole rows.
 bool DataSetOutput::writeRows()
 {
     if (!m_run->spool->rewind()) {
@@ -281,12 +293,14 @@ bool DataSetOutput::finishFile()
     return (finished || failWriter(finished.fault())) && commitTarget();
 }
 
+/// A failure before this point discards the target.
 bool DataSetOutput::commitTarget()
 {
     return m_run->target.commit() ||
            failWrite(u"the file cannot be completed"_s, reasonOf(m_run->target));
 }
 
+/// The counts are complete only now, and worth a warning only if there is a file.
 void DataSetOutput::complete()
 {
     if (writeFile()) {
@@ -332,6 +346,7 @@ void DataSetOutput::warnReplaced()
     }
 }
 
+/// One warning per column: a missing value has no sign of what it was.
 void DataSetOutput::warnNotNumbers()
 {
     const std::vector<sas::ColumnReport> &reports = m_run->packer->reports();

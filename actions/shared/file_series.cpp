@@ -1,3 +1,5 @@
+// Files one after the other as one table. They must have the columns of the first one,
+// or those that the reader sets before.
 #include "actions/shared/file_series.h"
 
 #include "corvanta/failure_reason.h"
@@ -29,6 +31,7 @@ QString textOf(const ColumnMismatch &mismatch, const QString &format, const QStr
         .arg(mismatch.found, mismatch.first, mismatch.name, mismatch.file, action);
 }
 
+/// The lock is for the numbers that fractionDone() reads in another thread.
 void FileSeries::reset()
 {
     m_nextFile = 0; // before finish(), which counts the files that are done
@@ -150,6 +153,7 @@ bool FileSeries::handle(const Fault<OpenError> &fault, const QString &name)
     return goesOn;
 }
 
+/// A failed file has had its message already.
 bool FileSeries::report(OpenError error, const QString &name)
 {
     switch (error) {
@@ -173,6 +177,7 @@ void FileSeries::use(std::unique_ptr<SeriesFile> file, const QString &name)
 
 // ---- Columns.
 
+/// The pin has one schema for all files: the first file sets it.
 void FileSeries::describeColumns(const TableSchema &columns)
 {
     m_hasColumns = true;
@@ -229,6 +234,7 @@ std::optional<ColumnMismatch> FileSeries::findMismatch(const TableSchema &column
     return std::nullopt;
 }
 
+/// A column with another name is not compared further: its type would say nothing.
 std::optional<ColumnMismatch> FileSeries::compareColumn(const TableSchema &columns,
                                                         qsizetype column) const
 {
@@ -297,6 +303,7 @@ QStringList namesOfPattern(const ActionItem &action, const QString &pattern)
     return names;
 }
 
+/// One name per row, in the first column.
 QStringList namesFromPin(ActionItem &action, int pin)
 {
     QStringList names;

@@ -79,6 +79,7 @@ void logNoSuchTable(int table, size_t count)
                        QString::number(table + 1), QString::number(count)));
 }
 
+/// A negative number asks for the largest table.
 const markup::SampledTable *chooseTable(const markup::SampledDocument &document, int table)
 {
     const size_t index = table < 0 ? document.largest : static_cast<size_t>(table);
@@ -91,6 +92,7 @@ const markup::SampledTable *chooseTable(const markup::SampledDocument &document,
     return &chosen;
 }
 
+/// A table is the chosen one if it has the levels of the parameters.
 QVector<InputTable> listedTables(const markup::SampledDocument &document,
                                  const std::vector<markup::Level> &levels)
 {

@@ -30,6 +30,7 @@ void addEqualKeys(const compose::ComposeOperation &item, const OneRow &columns, 
 
 } // namespace
 
+/// Found before a run, which would otherwise fail after its readers have started.
 QVector<ParameterProblem> LevelWriter::problems() const
 {
     FloatFormat format;
@@ -118,6 +119,7 @@ compose::ValueRules LevelWriter::commonRules(std::u16string_view nullForm,
     return rules;
 }
 
+/// Options are fixed for the run; the columns are known only with the first row.
 void LevelWriter::start()
 {
     RowWriter::start();

@@ -1,3 +1,4 @@
+// Reasons of failures with packages (DOCX, PPTX, XLSX), as parts of a sentence.
 #include "actions/shared/package_reasons.h"
 
 #include "codecs/opc/compound_file.h"
@@ -7,6 +8,7 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
+/// Empty for faults that are not those of a member.
 QString memberReason(const Fault<opc::Error> &fault, const QString &kind,
                      const QString &systemReason)
 {
@@ -33,6 +35,8 @@ QString memberReason(const Fault<opc::Error> &fault, const QString &kind,
     }
 }
 
+/// Packages are ZIP files. The files of older versions, and encrypted packages, are compound files
+/// instead, which begin with another signature.
 QString compoundFileReason(GlobalParameters *parameters, const QString &name, const QString &kind,
                            const QString &extension, const QString &oldExtension)
 {

@@ -1,3 +1,4 @@
+// The loop over the rows of all writers. A row passes in this order: output pin, check, file.
 #include "actions/shared/row_writer.h"
 
 #include "corvanta/failure_reason.h"
@@ -61,6 +62,7 @@ bool RowWriter::step()
     return true;
 }
 
+/// A table without rows still has columns, and is checked and begun like any other.
 void RowWriter::endRows()
 {
     if (m_isBeforeFirstRow) {

@@ -12,6 +12,7 @@ namespace {
 constexpr qsizetype kMaxBytes = 200;
 constexpr qsizetype kDigestDigits = 16;
 
+/// ASCII only, as in percentForm(), but in either case.
 bool isHexDigit(QChar c)
 {
     return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
@@ -24,11 +25,13 @@ bool isEscapeLike(const QString &value, qsizetype at)
            isHexDigit(value[at + 2]);
 }
 
+/// Characters that some file system refuses in a name.
 bool isReserved(QChar c)
 {
     return c < u' ' || c == u'\x7F' || u"<>:\"/\\|?*"_s.contains(c);
 }
 
+/// "%2F": percent sign and two hexadecimal digits. Reserved characters are all below U+0080.
 QString percentForm(QChar c)
 {
     return u'%' + QString::number(c.unicode(), 16).toUpper().rightJustified(2, u'0');
@@ -47,6 +50,7 @@ QString cutToBytes(QString text, qsizetype bytes)
 
 } // namespace
 
+/// Different values have different names: escapes can be undone, and a cut name ends in a digest.
 QString fileNamePart(const QString &value)
 {
     QString part = u""_s; // never null

@@ -1,3 +1,4 @@
+// Copies a template to a document, part by part. At most one document is open at a time.
 #include "actions/shared/template_writer.h"
 
 #include "actions/shared/package_reasons.h"
@@ -29,6 +30,7 @@ bool TemplateWriter::hasOtherKind(const QString &document) const
     return !kind.isEmpty() && !other.isEmpty() && kind != other;
 }
 
+/// The template stays open for all documents that are made from it.
 bool TemplateWriter::openTemplate(const QString &name)
 {
     m_templateName = name;
@@ -42,6 +44,7 @@ bool TemplateWriter::openTemplate(const QString &name)
            failWith(TemplateProblem::EmptyTemplate, name);
 }
 
+/// An old or encrypted file is the most likely mistake, and its own reason helps most.
 bool TemplateWriter::failTemplate(const Fault<zip::Error> &fault)
 {
     const QFileInfo info(m_templateName);
@@ -88,6 +91,7 @@ bool TemplateWriter::failWith(TemplateProblem problem, const QString &name, cons
                 reason);
 }
 
+/// The reason is taken before the document is closed, which forgets it.
 bool TemplateWriter::commitDocument()
 {
     const bool isFinished = static_cast<bool>(m_members->finish());

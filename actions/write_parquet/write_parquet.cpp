@@ -27,6 +27,7 @@ int workerCount()
     return std::clamp(static_cast<int>(std::thread::hardware_concurrency()) - 1, 1, kMaxWorkers);
 }
 
+/// The number of the codec in the metadata of a column chunk. An unknown choice is the default.
 qint32 codecOf(PageCodec codec)
 {
     switch (codec) {
@@ -46,6 +47,7 @@ qint32 codecOf(PageCodec codec)
     return parquet::kSnappy;
 }
 
+/// How keys, which have 32 bits without a sign, are stored. An unknown choice is the default.
 parquet::Storage storageOf(KeyStorage storage)
 {
     switch (storage) {
@@ -93,6 +95,7 @@ QString ActionWriteParquet::missingColumn(const QString &name, const char *purpo
         fileName(), name, QString::fromLatin1(purpose));
 }
 
+/// A fault of the file system: its message names the file, its reason is that of the system.
 bool ActionWriteParquet::failTarget(const Output &output, const Fault<TargetError> &fault)
 {
     const QString reason = reasonOf(output.target);
@@ -113,6 +116,7 @@ bool ActionWriteParquet::failTarget(const Output &output, const Fault<TargetErro
     return fail(u"\nERROR cannot rename Parquet file '%1_TMP' to '%1'"_s.arg(fault.detail), reason);
 }
 
+/// A fault of the format or of memory; the others are failed writes of the target.
 bool ActionWriteParquet::failWriter(const Output &output, const Fault<parquet::Error> &fault)
 {
     // The file where links lead to, without "_TMP".
@@ -199,6 +203,7 @@ bool ActionWriteParquet::findSplitColumn(const OneRow &columns)
                fileName(), m_params.splitVar));
 }
 
+/// A table that is split by value opens its files with the rows that need them.
 bool ActionWriteParquet::open(const OneRow &columns)
 {
     const bool splitsByValue = m_params.split == SplitMode::ByValue;
@@ -360,6 +365,7 @@ bool ActionWriteParquet::isSegmentFull() const
                m_params.segmentSize * kBytesPerMiB;
 }
 
+/// A row group is kept in memory by columns, so that each column is one piece of the file.
 bool ActionWriteParquet::writeRow(const OneRow &row)
 {
     if (!chooseOutput(row)) {
@@ -405,6 +411,7 @@ void ActionWriteParquet::ChangedColumn::add(const parquet::ChangedValues &found,
     count += found.count;
 }
 
+/// Called for each file before its writer is gone. Files of a split table add up.
 void ActionWriteParquet::addChanged(const Output &output)
 {
     m_run->negativeKeys.resize(m_run->columns.size());

@@ -74,6 +74,7 @@ void ActionWriteSAS::start()
     m_cutWarnings = 0;
 }
 
+/// longest * f1 + f2 bytes, within the limits of the format.
 int ActionWriteSAS::measuredWidth(qsizetype longest) const
 {
     const double width =
@@ -82,6 +83,7 @@ int ActionWriteSAS::measuredWidth(qsizetype longest) const
     return static_cast<int>(std::fmin(std::fmax(width, 1.0), double(sas::kMaxTextBytes)));
 }
 
+/// Warns of each text, up to a limit; the action may treat the first one as an error instead.
 bool ActionWriteSAS::reportCutText(const QString &column, qsizetype bytes, int width,
                                    const QString &text)
 {
@@ -158,6 +160,7 @@ void ActionWriteSAS::reportOddNames(const std::vector<QByteArray> &names)
     }
 }
 
+/// In this order: names are made, then made different, then judged.
 bool ActionWriteSAS::describe(const QStringList &names, std::vector<sas::Variable> &variables)
 {
     if (!checkLengths(names)) {
@@ -175,6 +178,7 @@ bool ActionWriteSAS::describe(const QStringList &names, std::vector<sas::Variabl
     return true;
 }
 
+/// Where the name of the variable is made up, the label keeps that of the column.
 QString ActionWriteSAS::labelOf(const QString &column) const
 {
     const VariableDefinition *const defined = definitionOf(column);

@@ -40,6 +40,7 @@ QString ActionWriteSASXPT::fileKind() const
     return u"SAS transport file"_s;
 }
 
+/// Version 8 has longer names and labels, but fewer programs read it.
 sas::TransportVersion ActionWriteSASXPT::version() const
 {
     return m_params.version8 ? sas::TransportVersion::V8 : sas::TransportVersion::V5;
@@ -78,6 +79,7 @@ bool ActionWriteSASXPT::failWrite(const QString &text, const QString &reason)
                 reason);
 }
 
+/// The file does not name its encoding, so that a reader must know it.
 bool ActionWriteSASXPT::chooseEncoding()
 {
     const auto named = sas::TextEncoder::named(m_params.encoding.toUtf8());
@@ -108,6 +110,7 @@ QByteArray ActionWriteSASXPT::tableName() const
     return name.isEmpty() ? "DATASET" : name;
 }
 
+/// Changed names are listed in one warning, with the names that they had.
 void ActionWriteSASXPT::setNames(const QStringList &columns, std::vector<sas::Variable> &variables)
 {
     std::vector<QByteArray> names;
@@ -189,6 +192,7 @@ ActionWriteSASXPT::makeWriter(ByteSink &sink, std::vector<sas::Variable> variabl
                                                   std::move(variables));
 }
 
+/// Version 5 stores no number of rows, and fills the last record up with blanks.
 void ActionWriteSASXPT::warnBlankRows(qint64 count)
 {
     if (count > 0) {

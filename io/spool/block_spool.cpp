@@ -45,6 +45,8 @@ bool BlockSpool::write(std::string_view block)
     return true;
 }
 
+/// Few blocks stay in memory and never make a file. After a failed write the owner is asked again
+/// and again, as long as it wants to retry.
 Result<void, SpoolError> BlockSpool::put(std::string_view block)
 {
     const auto bytes = static_cast<qint64>(block.size());
@@ -65,6 +67,7 @@ Result<void, SpoolError> BlockSpool::put(std::string_view block)
     return isStored ? Result<void, SpoolError>() : Fault{SpoolError::CannotWrite};
 }
 
+/// Blocks in memory need no position: next() takes them from the front.
 Result<void, SpoolError> BlockSpool::rewind()
 {
     if (m_file.isOpen() && !m_file.seek(0)) {
@@ -74,6 +77,8 @@ Result<void, SpoolError> BlockSpool::rewind()
     return {};
 }
 
+/// A short read continues: the system may return less than is asked for. The end of the file before
+/// the last byte is a failure, because the size of each block is known.
 bool BlockSpool::read(qint64 bytes)
 {
     m_block.resize(static_cast<size_t>(bytes));
@@ -95,6 +100,8 @@ bool BlockSpool::readNext()
     return read(bytes);
 }
 
+/// The blocks in memory are the earlier ones. Each one is given up when the next is asked for, so
+/// that memory shrinks while the file is written.
 Result<std::optional<std::string_view>, SpoolError> BlockSpool::next()
 {
     if (!m_inMemory.empty()) {
