@@ -8,11 +8,13 @@
 
 using namespace Qt::StringLiterals;
 
+/// The text goes to the user as it is, after the name of the command.
 corvanta::Fault<ExitStatus> badUsage(const QString &text)
 {
     return {kUsage, text};
 }
 
+/// The last one counts, so that a script can append options that replace earlier ones.
 QString CommandLine::value(const QString &name, const QString &defaultValue) const
 {
     const QStringList given = values.value(name);
@@ -69,6 +71,7 @@ CommandResult<CommandLine> CommandLine::parse(const QStringList &words,
     return line;
 }
 
+/// The value may contain "=" and may be empty; the name may not.
 CommandResult<Assignment> Assignment::parse(const QString &text)
 {
     const qsizetype equals = text.indexOf(u'=');

@@ -141,6 +141,7 @@ CommandOptions describeOptions()
     return {{}, {u"--json"_s}, 1, u"one action type is required"_s};
 }
 
+/// An action of a plug-in that declares no parameters is described without them.
 CommandResult<void> describeCommand(const CommandLine &line)
 {
     ActionRegistry registry;

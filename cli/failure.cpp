@@ -41,6 +41,7 @@ void reportFailure(const char *why) noexcept
     std::fflush(logStream);
 }
 
+/// Call in a handler: the exception is the one that is being handled.
 void reportException() noexcept
 {
     try {
@@ -54,6 +55,7 @@ void reportException() noexcept
     }
 }
 
+/// For exceptions of other threads, which no handler of main() can catch.
 void reportUncaughtExceptions()
 {
     std::set_terminate([] {

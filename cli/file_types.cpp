@@ -99,6 +99,7 @@ QString problemOf(const ParameterInfo &info, const QString &text)
                               : u"%1; expected %2"_s.arg(problems[0].text, allowedValues(info));
 }
 
+/// The names that a misspelled one is compared with.
 QStringList namesOf(const QVector<ParameterInfo> &infos)
 {
     QStringList names;

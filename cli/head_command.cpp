@@ -94,6 +94,7 @@ private:
 /// At most so many value labels are printed in a line, unless -v asks for all.
 constexpr qsizetype kFewLabels = 10;
 
+/// "VALUE=LABEL, ..." in the order of the file.
 QString labelsText(const QVector<ColumnNotes::ValueLabel> &labels, bool isVerbose)
 {
     QStringList texts;

@@ -109,6 +109,7 @@ bool asksForJson(const QStringList &words)
 
 } // namespace
 
+/// Every level above Info is for diagnosis, whatever its number.
 QString severityOf(int level)
 {
     switch (level) {
@@ -141,6 +142,7 @@ void CommandLog::add(const LogMessage &message)
     write(format(message));
 }
 
+/// Locked, so that the lines of several threads do not mix.
 void CommandLog::write(const QByteArray &line)
 {
     const std::lock_guard lock(m_mutex);
@@ -181,6 +183,8 @@ void CommandLog::setProgressLine(const QByteArray &line)
     std::fflush(m_out);
 }
 
+/// Usage errors may occur before a log exists: they are written here, or by a JSON log made for
+/// them.
 ExitStatus reportResult(const QString &command, const QStringList &words,
                         const CommandResult<void> &result)
 {

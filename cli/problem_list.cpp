@@ -1,3 +1,4 @@
+// Collects the messages about a graph file as JSON, and passes them on to the log.
 #include "problem_list.h"
 
 #include "corvanta/main_ui.h"
@@ -14,6 +15,7 @@ ProblemList::ProblemList(const QString &graphFile)
 {
 }
 
+/// The text of a problem loses the place that the JSON has in members of its own.
 void ProblemList::add(const LogMessage &message)
 {
     m_next->add(message);

@@ -147,6 +147,7 @@ CommandResult<RunOptions> optionsOfRun(const CommandLine &line, const LoadedGrap
     return options;
 }
 
+/// Always an array, also for one element or none: scripts need no special case.
 void printJson(const QJsonArray &array)
 {
     std::fputs(QJsonDocument(array).toJson().constData(), stdout);

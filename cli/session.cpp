@@ -142,6 +142,7 @@ bool Session::logProblems(const CorvantaGraph::Problems &problems, const IsError
     return hasErrors;
 }
 
+/// A run that ends within the first tick prints no progress.
 void Session::waitForEnd(Run *run)
 {
     constexpr auto kTick = std::chrono::milliseconds(200); // between two progress lines

@@ -98,6 +98,7 @@ TablePrinter::TablePrinter(const TableSchema &columns, std::FILE *out)
     m_held << shownCells(columns.names);
 }
 
+/// An empty text looks different from a missing cell, which prints nothing.
 QString TablePrinter::shown(const QString &cell) const
 {
     if (cell.isEmpty()) {
@@ -180,6 +181,7 @@ void TablePrinter::print(const QStringList &cells)
     std::fprintf(m_out, "%s\n", withoutTrailingBlanks(line).toUtf8().constData());
 }
 
+/// A short table is printed as a whole only now, when all its widths are known.
 void TablePrinter::finish()
 {
     if (m_columns.names.isEmpty()) {

@@ -1,3 +1,4 @@
+// Lists the markers and chart tags of a template, which a run would replace.
 #include "template_list.h"
 
 #include "corvanta/action_parameters.h"
@@ -49,6 +50,7 @@ QJsonObject entryOf(const TemplateMark &mark)
     return entry;
 }
 
+/// A template without marks has a line too: silence would look like a failure.
 void print(const QString &file, const QVector<TemplateMark> &marks)
 {
     for (const TemplateMark &mark : marks) {
@@ -74,6 +76,8 @@ void printJson(const QVector<TemplateMark> &marks)
 
 } // namespace
 
+/// Each action adds the marks of the kinds of files that it fills. An action that cannot read the
+/// template has logged why.
 CommandResult<void> checkTemplate(const QString &file, bool asJson)
 {
     ActionRegistry registry;
