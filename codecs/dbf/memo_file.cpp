@@ -32,17 +32,40 @@ constexpr qint64 kRandomReadBytes = qint64(16) * 1024;
 
 constexpr std::optional<QByteArrayView> kNoText;
 
-} // namespace
-
-MemoFormat memoFormatOf(const TableHeader &header)
+int foxProBlockBytes(QByteArrayView head)
 {
-    if (header.version == 0x83 || header.version == 0x87) {
-        return MemoFormat::Dbase3;
+    return head.size() >= 8 ? loadBE<quint16>(head.data() + 6) : 0;
+}
+
+int dbase4BlockBytes(QByteArrayView head)
+{
+    return head.size() >= 22 ? loadLE<quint16>(head.data() + 20) : 0;
+}
+
+/// The block size in the header of a memo file; 0 if the format or the file has none.
+int storedBlockBytes(MemoFormat format, QByteArrayView head)
+{
+    if (format == MemoFormat::FoxPro) {
+        return foxProBlockBytes(head);
     }
+    return format == MemoFormat::Dbase3 ? 0 : dbase4BlockBytes(head);
+}
+
+/// The format of a table whose first byte is not one of dBase III.
+MemoFormat laterMemoFormat(const TableHeader &header)
+{
     if (header.version == 0x03) { // says that there is no memo file
         return MemoFormat::Dbase3Or4;
     }
     return header.isFoxPro ? MemoFormat::FoxPro : MemoFormat::Dbase4;
+}
+
+} // namespace
+
+MemoFormat memoFormatOf(const TableHeader &header)
+{
+    const bool isDbase3 = header.version == 0x83 || header.version == 0x87;
+    return isDbase3 ? MemoFormat::Dbase3 : laterMemoFormat(header);
 }
 
 MemoFile::MemoFile(ByteSource &source, MemoFormat format, Access access, qint64 bufferBytes)
@@ -91,16 +114,11 @@ Result<void, Error> MemoFile::load()
     return {};
 }
 
+// A size of 0 stands for the usual one: some programs leave the field empty.
 void MemoFile::readBlockSize(QByteArrayView head)
 {
-    if (m_format == MemoFormat::FoxPro && head.size() >= 8) {
-        m_blockBytes = loadBE<quint16>(head.data() + 6);
-    } else if (m_format != MemoFormat::Dbase3 && head.size() >= 22) {
-        m_blockBytes = loadLE<quint16>(head.data() + 20);
-    }
-    if (m_blockBytes == 0) {
-        m_blockBytes = kDefaultBlockBytes;
-    }
+    const int stored = storedBlockBytes(m_format, head);
+    m_blockBytes = stored != 0 ? stored : kDefaultBlockBytes;
 }
 
 /// `n` bytes at `offset`. The range must be inside the file. Valid until the next call.

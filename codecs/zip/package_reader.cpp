@@ -27,6 +27,13 @@ std::span<const char> spanOf(QByteArrayView bytes)
     return {bytes.data(), static_cast<size_t>(bytes.size())};
 }
 
+/// A member by its name. Some writers separate folders by backslashes, against the format.
+const Member *findWithAnySlash(const PackageReader &package, QByteArrayView name)
+{
+    const Member *const member = package.find(name);
+    return member ? member : package.find(name.toByteArray().replace('/', '\\'));
+}
+
 /// Whether the declared sizes are possible. Rejects archives that claim to expand without limit.
 bool canHaveSize(const Member &member)
 {
@@ -237,14 +244,10 @@ Result<std::unique_ptr<MemberStream>, Error> PackageReader::openStream(const Mem
 
 Result<std::unique_ptr<MemberStream>, Error> PackageReader::openStream(QByteArrayView name)
 {
-    const Member *member = find(name);
-    if (!member) {
-        member = find(name.toByteArray().replace('/', '\\'));
+    if (const Member *const member = findWithAnySlash(*this, name)) {
+        return openStream(*member);
     }
-    if (!member) {
-        return Fault{Error::NoMember, QString::fromUtf8(name)};
-    }
-    return openStream(*member);
+    return Fault{Error::NoMember, QString::fromUtf8(name)};
 }
 
 Result<QByteArray, Error> PackageReader::readWhole(QByteArrayView name)

@@ -71,9 +71,13 @@ Result<void, Error> PackageWriter::checkName(QByteArrayView name) const
     if (name.isEmpty() || name.size() > kMaxNameBytes) {
         return Fault{Error::BadName};
     }
-    const QByteArray key = name.toByteArray();
-    if (m_names.contains(key)) {
-        return Fault{Error::NameTaken, QString::fromUtf8(key)};
+    return checkIsNew(name.toByteArray());
+}
+
+Result<void, Error> PackageWriter::checkIsNew(const QByteArray &name) const
+{
+    if (m_names.contains(name)) {
+        return Fault{Error::NameTaken, QString::fromUtf8(name)};
     }
     return {};
 }

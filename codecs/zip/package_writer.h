@@ -68,7 +68,10 @@ private:
         qint64 dataOffset = 0;
     };
 
+    /// Errors: BadName (empty, or longer than its 16-bit length can say) and those of checkIsNew().
     Result<void, Error> checkName(QByteArrayView name) const;
+    /// Errors: NameTaken. Readers disagree on which of two members of one name they open.
+    Result<void, Error> checkIsNew(const QByteArray &name) const;
     Result<void, Error> startMember(const Member &member);
     Result<void, Error> copyChunks(RawMemberStream &source);
     Result<void, Error> completeHeader();

@@ -60,6 +60,7 @@ private:
     void end();
     void addText();
     QString pathToHere() const;
+    QString stepTo(const Element &element) const;
 
     XMLTokenizer &m_tokenizer;
     bool m_zeroBased;
@@ -73,13 +74,17 @@ QString TableLister::pathToHere() const
 {
     QStringList steps;
     for (size_t i = 1; i < m_open.size(); ++i) {
-        QString step = QStringView(escapedStep(m_open[i].name)).toString();
-        if (m_open[i].number > 1) {
-            step += u"[%1]"_s.arg(m_open[i].number - (m_zeroBased ? 1 : 0));
-        }
-        steps << step;
+        steps << stepTo(m_open[i]);
     }
     return steps.join(u'/');
+}
+
+/// The first element of a name has no index, so that most paths stay short.
+QString TableLister::stepTo(const Element &element) const
+{
+    const QString step = QStringView(escapedStep(element.name)).toString();
+    const quint32 index = element.number - (m_zeroBased ? 1 : 0);
+    return element.number > 1 ? step + u"[%1]"_s.arg(index) : step;
 }
 
 void TableLister::begin()
@@ -217,14 +222,21 @@ bool beginsWithNames(const HtmlTable &table)
     return (table.hasHeadCell && !table.hasDataCell) || looksLikeNames;
 }
 
+/// The text, or the text with the first number from 2 that makes it one that is not in `names`.
+QString distinctName(const QString &text, const QSet<QString> &names)
+{
+    QString name = text;
+    for (int n = 2; names.contains(name); ++n) {
+        name = text + u'_' + QString::number(n);
+    }
+    return name;
+}
+
 /// A name that is not in `names`, made of the text or of the number of the column; adds it.
 QString newName(const QString &text, qint64 number, QSet<QString> *names)
 {
     const QString base = text.isEmpty() ? u"column %1"_s.arg(number) : text;
-    QString name = base;
-    for (int n = 2; names->contains(name); ++n) {
-        name = base + u'_' + QString::number(n);
-    }
+    QString name = distinctName(base, *names);
     names->insert(name);
     return name;
 }

@@ -40,6 +40,13 @@ const char *iconvName(CharMode mode, const QByteArray &name)
     }
 }
 
+/// Whether two bytes of UTF-16 are the first half of a pair.
+bool isHighSurrogate(const char *bytes, bool bigEndian)
+{
+    const auto unit = bigEndian ? loadBE<quint16>(bytes) : loadLE<quint16>(bytes);
+    return QChar::isHighSurrogate(unit);
+}
+
 } // namespace
 
 CharSource::CharSource(ByteSource &source)
@@ -288,12 +295,8 @@ qsizetype CharSource::completeUnits(qsizetype most) const
 {
     const qsizetype all = rawLeft() / 2;
     const qsizetype n = std::min(all, most);
-    if (n == 0 || (m_sourceEnded && n == all)) {
-        return n;
-    }
-    const char *const last = rawAt() + 2 * (n - 1);
-    const auto unit = m_bigEndian ? loadBE<quint16>(last) : loadLE<quint16>(last);
-    return QChar::isHighSurrogate(unit) ? n - 1 : n;
+    const bool isWhole = n == 0 || (m_sourceEnded && n == all);
+    return isWhole || !isHighSurrogate(rawAt() + 2 * (n - 1), m_bigEndian) ? n : n - 1;
 }
 
 qsizetype CharSource::readUtf16(char *out, qsizetype room)

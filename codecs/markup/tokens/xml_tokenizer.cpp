@@ -34,6 +34,13 @@ bool endsName(char c)
     return c == '>' || c == '/' || c == '=' || c == '?' || isSpace(c);
 }
 
+/// Characters after "<" that browsers take as text, not as a tag.
+bool cannotBeginName(char c)
+{
+    const CharClass kind = charClass(c);
+    return kind == CharClass::Space || kind == CharClass::Digit || c == '=' || c == '>' || c == '-';
+}
+
 } // namespace
 
 XMLTokenizer::XMLTokenizer(ByteSource &source, qint64 bufferChars)
@@ -159,12 +166,7 @@ inline Token XMLTokenizer::readTag()
 /// True in HTML mode where a name cannot begin: a single "<", "<=", "<2", "</>", "<? a".
 bool XMLTokenizer::lacksName(const char *at) const
 {
-    if (!m_options.html) {
-        return false;
-    }
-    const CharClass kind = charClass(*at);
-    return kind == CharClass::Space || kind == CharClass::Digit || *at == '=' || *at == '>' ||
-           *at == '-' || at == end();
+    return m_options.html && (cannotBeginName(*at) || at == end());
 }
 
 /// In HTML, the elements that are still open end here.

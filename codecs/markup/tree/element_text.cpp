@@ -4,25 +4,27 @@
 #include "codecs/markup/text/char_class.h"
 #include "codecs/markup/tokens/html_elements.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace corvanta::markup {
 
 namespace {
 
+/// The name in the start or end tag at text[open]; empty for "<!" and what is not a tag.
+std::string_view tagName(std::string_view text, size_t open)
+{
+    const std::string_view tag = text.substr(open + (text[open + 1] == '/' ? 2 : 1));
+    const auto end = std::find_if_not(tag.begin(), tag.end(), isNameChar);
+    return tag.substr(0, static_cast<size_t>(end - tag.begin()));
+}
+
 /// Whether a tag at text[open] (a "<") belongs to an HTML element that is not inline.
 bool isBlockTag(std::string_view text, size_t open)
 {
     // The tag may be cut: the caller passes only what is between two pieces of text.
-    if (open + 1 == text.size()) {
-        return false;
-    }
-    const size_t name = open + (text[open + 1] == '/' ? 2 : 1);
-    size_t end = name;
-    while (end < text.size() && isNameChar(text[end])) {
-        ++end;
-    }
-    return end > name && !isInlineElement(text.substr(name, end - name));
+    const std::string_view name = open + 1 < text.size() ? tagName(text, open) : std::string_view();
+    return !name.empty() && !isInlineElement(name);
 }
 
 /// Whether the markup between two pieces of text separates words: it has a space between two tags,

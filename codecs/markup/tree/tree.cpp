@@ -122,9 +122,12 @@ bool MarkupTreeBuilder::reserve(size_t capacity)
 /// Make room for one or two more items; false when the tree would become too large.
 inline bool MarkupTreeBuilder::makeRoom(size_t items)
 {
-    if (m_tree.m_capacity - m_tree.m_size >= items) {
-        return true;
-    }
+    return m_tree.m_capacity - m_tree.m_size >= items || grow(items);
+}
+
+// At least doubles the room, so that the copies of a growing tree stay proportional to its size.
+bool MarkupTreeBuilder::grow(size_t items)
+{
     m_tooLarge =
         kMostItems - m_tree.m_size < items ||
         !reserve(m_tree.m_size * 2 + static_cast<size_t>(m_growthBytes) / sizeof(TreeItem) + 1);

@@ -222,7 +222,10 @@ public:
 
 private:
     bool reserve(size_t capacity);
+    /// False when the tree would become too large.
     bool makeRoom(size_t items);
+    /// The rare part of makeRoom(): room for the items is missing.
+    bool grow(size_t items);
     // The functions that add items return false, or null, when the tree becomes too large.
     TreeItem &put(quint32 parent, ItemKind kind, TextSpan text);
     TreeItem *push(ItemKind kind, TextSpan text);

@@ -238,14 +238,20 @@ public:
     size_t maxBytes(size_t n) const override { return BrotliEncoderMaxCompressedSize(n); }
     Result<size_t, Error> compress(std::span<const char> in, char *out) override
     {
+        size_t size = maxBytes(in.size());
+        const bool isGood = encode(in, reinterpret_cast<uchar *>(out), &size);
+        return compressed(isGood ? size : 0);
+    }
+
+private:
+    /// `size`: in, the room at `out`; out, the bytes that are used.
+    static bool encode(std::span<const char> in, uchar *out, size_t *size)
+    {
         // 0 to 11. The default of 11 is too slow for files that are written once.
         constexpr int kQuality = 4;
-        size_t size = maxBytes(in.size());
-        const bool isGood =
-            BrotliEncoderCompress(kQuality, BROTLI_DEFAULT_WINDOW, BROTLI_DEFAULT_MODE, in.size(),
-                                  reinterpret_cast<const uchar *>(in.data()), &size,
-                                  reinterpret_cast<uchar *>(out)) == BROTLI_TRUE;
-        return compressed(isGood ? size : 0);
+        const auto *const bytes = reinterpret_cast<const uchar *>(in.data());
+        return BrotliEncoderCompress(kQuality, BROTLI_DEFAULT_WINDOW, BROTLI_DEFAULT_MODE,
+                                     in.size(), bytes, size, out) == BROTLI_TRUE;
     }
 };
 

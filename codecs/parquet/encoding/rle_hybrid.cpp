@@ -83,14 +83,18 @@ private:
     }
     void endRepeated()
     {
-        if (m_repeats == 0) {
-            return;
+        if (m_repeats != 0) {
+            writeRepeated();
+            m_repeats = 0;
         }
+    }
+    /// An even header and one value, in as few bytes as the bit width needs.
+    void writeRepeated()
+    {
         appendVarint(m_repeats << 1, m_out);
         for (int bits = 0; bits < m_bitWidth; bits += 8) {
             m_out.push_back(static_cast<char>(m_repeated >> bits));
         }
-        m_repeats = 0;
     }
 
     int m_bitWidth;

@@ -32,6 +32,10 @@ constexpr quint8 kVersion = 1;
 constexpr quint8 kVersionMask = 0x1F;
 constexpr quint8 kWireTrue = 1;
 constexpr quint8 kWireFalse = 2;
+/// Largest difference of two field ids that fits the high nibble of a header.
+constexpr int kMaxDelta = 15;
+/// In the high nibble of a list header: the size does not fit the nibble.
+constexpr qint32 kSizeFollows = 15;
 
 /// Interface types by wire type. For wire types above 0, Stop means "no such type".
 constexpr std::array<ThriftType, 13> kFromWire{
@@ -161,11 +165,18 @@ int CompactReader::readListBegin(ThriftType *element, qint32 *size)
 
 int CompactReader::readBool(bool *value)
 {
-    if (m_pendingBool != PendingBool::None) {
-        *value = m_pendingBool == PendingBool::True;
-        m_pendingBool = PendingBool::None;
-        return 0;
-    }
+    return m_pendingBool != PendingBool::None ? takePendingBool(value) : readBoolByte(value);
+}
+
+int CompactReader::takePendingBool(bool *value)
+{
+    *value = m_pendingBool == PendingBool::True;
+    m_pendingBool = PendingBool::None;
+    return 0;
+}
+
+int CompactReader::readBoolByte(bool *value)
+{
     qint8 byte = 0;
     const int consumed = readByte(&byte);
     *value = byte == kWireTrue; // every other byte is false, as 0 is in files of some writers
@@ -387,14 +398,21 @@ int CompactWriter::writeStructEnd()
 
 int CompactWriter::writeFieldHeader(quint8 wireType, qint16 id)
 {
-    constexpr int kMaxDelta = 15;
-    // 0 in the high nibble means that the id follows, and so do negative differences.
     const int delta = id - m_lastId;
     m_lastId = id;
-    if (delta > 0 && delta <= kMaxDelta) {
-        m_bytes.append(static_cast<char>(delta << 4 | wireType));
-        return 1;
-    }
+    const bool isShort = delta > 0 && delta <= kMaxDelta;
+    return isShort ? writeShortHeader(wireType, delta) : writeLongHeader(wireType, id);
+}
+
+int CompactWriter::writeShortHeader(quint8 wireType, int delta)
+{
+    m_bytes.append(static_cast<char>(delta << 4 | wireType));
+    return 1;
+}
+
+// 0 in the high nibble means that the id follows, and so do negative differences.
+int CompactWriter::writeLongHeader(quint8 wireType, qint16 id)
+{
     m_bytes.append(static_cast<char>(wireType));
     return 1 + writeI16(id);
 }
@@ -417,10 +435,11 @@ int CompactWriter::writeFieldStop()
 
 int CompactWriter::writeListBegin(ThriftType element, qint32 size)
 {
-    constexpr qint32 kSizeFollows = 15;
-    if (size < 0) {
-        return kFailed;
-    }
+    return size < 0 ? kFailed : writeListHeader(element, size);
+}
+
+int CompactWriter::writeListHeader(ThriftType element, qint32 size)
+{
     const qint32 nibble = qMin(size, kSizeFollows);
     m_bytes.append(static_cast<char>(nibble << 4 | toWire(element)));
     return nibble < kSizeFollows ? 1 : 1 + writeVarint(static_cast<quint64>(size));

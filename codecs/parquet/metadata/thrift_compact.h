@@ -90,6 +90,10 @@ private:
     int readVarint(quint64 *value);
     // Steps of skip(). They return false after a failure.
     bool skipScalar(ThriftType type);
+    /// The value that the header of a bool field contained; it takes no bytes of its own.
+    int takePendingBool(bool *value);
+    /// An element of a list, which has no header of its own.
+    int readBoolByte(bool *value);
     bool openList(Open *added);
     bool openMap(Open *added);
     bool openForSkip(ThriftType type, std::vector<Open> *open);
@@ -140,6 +144,12 @@ public:
 private:
     int writeVarint(quint64 value);
     int writeFieldHeader(quint8 wireType, qint16 id);
+    /// `delta`: the id minus that of the field before, 1 to 15.
+    int writeShortHeader(quint8 wireType, int delta);
+    /// For every other difference: the id itself follows.
+    int writeLongHeader(quint8 wireType, qint16 id);
+    /// `size`: not negative.
+    int writeListHeader(ThriftType element, qint32 size);
 
     QByteArray m_bytes;
     std::vector<qint16> m_outerIds;

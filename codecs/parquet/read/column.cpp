@@ -245,13 +245,16 @@ private:
         m_column.detail.scale = qBound(0, scale, kMaxScale);
         return true;
     }
+    /// Decimal places that show one tick: 3, 6 or 9.
+    static int fractionDigitsOf(qint64 ticksPerSecond)
+    {
+        return ticksPerSecond == 1000 ? 3 : (ticksPerSecond == 1'000'000 ? 6 : 9);
+    }
     void setTime(Form form, qint64 ticksPerSecond, bool isUtc)
     {
         m_column.form = form;
         m_column.detail.ticksPerSecond = ticksPerSecond;
-        m_column.detail.fractionDigits = ticksPerSecond == 1000        ? 3
-                                         : ticksPerSecond == 1'000'000 ? 6
-                                                                       : 9;
+        m_column.detail.fractionDigits = fractionDigitsOf(ticksPerSecond);
         m_column.detail.isUtc = isUtc;
     }
     bool setTimes()
@@ -324,18 +327,34 @@ Fault<Error> unreadable(const QString &why)
     return {Error::BadData, why};
 }
 
+/// A codec that every saved graph reads.
+bool isBasicCodec(qint32 codec)
+{
+    return codec == kUncompressed || codec == kSnappy || codec == kGzip;
+}
+
+/// A codec that is read only on request: without it, a saved graph stops at such a file.
+bool isExtendedCodec(qint32 codec)
+{
+    return codec == kBrotli || codec == kZstd || codec == kLz4Raw;
+}
+
+/// Why a codec is not read: on request it would be, or it never is.
+Fault<Error> codecFault(qint32 codec)
+{
+    if (isExtendedCodec(codec)) {
+        return {Error::NeedsExtended, u"the codec %1"_s.arg(codecName(codec))};
+    }
+    return unreadable(u"the codec %1 is not supported"_s.arg(codecName(codec)));
+}
+
 /// Whether chunks of a codec can be read.
 Result<void, Error> checkCodec(qint32 codec, const ReadOptions &options)
 {
-    const bool isAlways = codec == kUncompressed || codec == kSnappy || codec == kGzip;
-    const bool isExtended = codec == kBrotli || codec == kZstd || codec == kLz4Raw;
-    if (isAlways || (isExtended && options.extendedEncodings)) {
+    if (isBasicCodec(codec) || (isExtendedCodec(codec) && options.extendedEncodings)) {
         return {};
     }
-    if (isExtended) {
-        return Fault{Error::NeedsExtended, u"the codec %1"_s.arg(codecName(codec))};
-    }
-    return unreadable(u"the codec %1 is not supported"_s.arg(codecName(codec)));
+    return codecFault(codec);
 }
 
 /// Whether the chunks of a column can be read. Checked before the first row, so that a graph does
