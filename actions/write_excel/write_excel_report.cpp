@@ -22,6 +22,7 @@ constexpr qsizetype kMaxShownUnits = 60;
 QString faultText(xlsx::NameFault fault, const QString &similar)
 {
     switch (fault) {
+        // Each part completes the sentence "the name ... ".
     case xlsx::NameFault::Empty:
         return u"is empty"_s;
     case xlsx::NameFault::Character:
@@ -202,6 +203,7 @@ xlsx::WrittenCells ActionWriteExcel::writtenCells() const
     return written;
 }
 
+// Only after the last row is it known whether the sheet passes a limit.
 void ActionWriteExcel::reportSheet()
 {
     const QString &sheet = m_run->workbook->sheetName();
@@ -238,6 +240,7 @@ void ActionWriteExcel::reportNoFile()
     warn(u"Warning: the Excel file '%1' is not written: %2.\n"_s.arg(fileName(), reason));
 }
 
+// What is wrong for every input. The rest is found while the rows are written.
 QVector<ParameterProblem> ActionWriteExcel::problems() const
 {
     FloatFormat format;
@@ -250,6 +253,7 @@ QVector<ParameterProblem> ActionWriteExcel::problems() const
     return problems + dateProblems() + nameProblems();
 }
 
+// Warnings: such a graph still writes its workbook, only not the dates that its user expects.
 QVector<ParameterProblem> ActionWriteExcel::dateProblems() const
 {
     const QString format = dateFormatName();

@@ -36,6 +36,7 @@ constexpr quint32 kFirstDay = 1721426; // 0001-01-01
 constexpr quint32 kLastDay = 5373484;  // 9999-12-31
 constexpr quint32 kDayMs = 24 * 60 * 60 * 1000;
 
+/// Most programs fill fields with spaces, some with zeros.
 bool isPadding(char c)
 {
     return c == ' ' || c == '\0';
@@ -63,6 +64,7 @@ int lengthWithoutPadding(const char *bytes, int n)
     return n;
 }
 
+/// Write the last `digits` decimal digits of a number; returns the place after them.
 char *putDigits(char *out, int value, int digits)
 {
     for (int i = digits - 1; i >= 0; --i) {
@@ -72,6 +74,7 @@ char *putDigits(char *out, int value, int digits)
     return out + digits;
 }
 
+/// In the fields with sorting numbers, a value of zero bytes was never entered.
 bool isZero(const char *bytes, int n)
 {
     return std::all_of(bytes, bytes + n, [](char c) { return c == '\0'; });
@@ -254,6 +257,7 @@ void TableReader::endOfCount()
         isRecord && (m_buffer[m_at] == kDeleted || m_buffer[m_at] == kNotDeleted);
 }
 
+// Leading spaces belong to a text; only zeros in front of it are padding.
 QByteArrayView TableReader::trimmedText(const char *bytes, int n)
 {
     n = lengthWithoutPadding(bytes, n);
@@ -264,6 +268,7 @@ QByteArrayView TableReader::trimmedText(const char *bytes, int n)
     return {bytes, n};
 }
 
+// Numbers are aligned to the right, so padding is on both sides.
 QByteArrayView TableReader::trimmedDigits(const char *bytes, int n)
 {
     n = lengthWithoutPadding(bytes, n);
@@ -304,6 +309,7 @@ quint32 TableReader::logicalKey(const Field &field)
     }
 }
 
+// Sorting numbers: big-endian with an inverted sign bit, so that bytes compare as numbers do.
 std::optional<quint32> TableReader::integerOf(const Field &field) const
 {
     const char *const bytes = bytesOf(field);
@@ -313,6 +319,8 @@ std::optional<quint32> TableReader::integerOf(const Field &field) const
     return m_hasSortingNumbers ? loadBE<quint32>(bytes) ^ kSignBit : loadLE<quint32>(bytes);
 }
 
+// Sorting numbers: big-endian; the sign bit is inverted in positive numbers, and every bit in
+// negative ones.
 double TableReader::doubleOf(const Field &field) const
 {
     const char *const bytes = bytesOf(field);

@@ -26,6 +26,7 @@ Result<MemberDecoder::Step, Error> MemberDecoder::decode(std::span<const char> i
     const auto left = static_cast<size_t>(m_size - m_produced);
     std::span<char> target = output.first(std::min(output.size(), left));
     char excess = 0; // receives content beyond the declared size
+    // Without room, neither a copy nor the inflater would notice that content follows.
     if (left == 0) {
         target = {&excess, 1};
     }
@@ -59,6 +60,7 @@ Result<void, Error> MemberDecoder::finish()
     return {};
 }
 
+/// Method 0. The declared size alone says where the content ends.
 MemberDecoder::Step MemberDecoder::copy(std::span<const char> input, std::span<char> output)
 {
     const size_t bytes = std::min(input.size(), output.size());
@@ -69,6 +71,7 @@ MemberDecoder::Step MemberDecoder::copy(std::span<const char> input, std::span<c
     return {bytes, bytes};
 }
 
+/// Method 8. A call that neither reads nor writes although it could would repeat for ever.
 Result<MemberDecoder::Step, Error> MemberDecoder::inflate(std::span<const char> input,
                                                           std::span<char> output)
 {

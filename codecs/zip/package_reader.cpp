@@ -19,9 +19,12 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr qint64 kChunkBytes = qint64(256) * 1024;
+// General purpose flags (section 4.4.4). Bit 13: the local header is masked, because the directory
+// is encrypted.
 constexpr quint16 kFlagMasked = 1U << 13;
 constexpr quint16 kEncryptionFlags = kFlagEncrypted | kFlagStrongEncryption | kFlagMasked;
 
+/// The same bytes in the type of the decoders.
 std::span<const char> spanOf(QByteArrayView bytes)
 {
     return {bytes.data(), static_cast<size_t>(bytes.size())};
@@ -56,7 +59,8 @@ RawMemberStream::RawMemberStream(ByteSource &source, const Member &member, qint6
 {
 }
 
-// The next chunk of the file; empty after the last one.
+// The next chunk of the file; empty after the last one. The checksum is known to be right only
+// after all chunks.
 Result<QByteArrayView, Error> RawMemberStream::nextUnverified()
 {
     const qint64 bytes = std::min(m_left, kChunkBytes);
@@ -198,6 +202,8 @@ Result<void, Error> checkMember(const Member &member)
 } // namespace
 
 // Offset of the member's data in the file.
+// The name and the extra field of the local header may be longer or shorter than those of the
+// directory, so that the place of the data is known only from the local header.
 Result<qint64, Error> PackageReader::findData(const Member &member)
 {
     if (auto checked = checkMember(member); !checked) {

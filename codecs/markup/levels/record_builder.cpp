@@ -18,6 +18,7 @@ inline Result<Token, MarkupError> RecordBuilder::addNext()
     return token;
 }
 
+// The start tag of the element is the current token.
 RecordBuilder::Status RecordBuilder::buildElement()
 {
     begin();

@@ -1,3 +1,4 @@
+// Lines are counted from 1 by the reader, columns from 0: people count both from 1.
 #include "codecs/markup/levels/unread_parts.h"
 
 using namespace Qt::StringLiterals;

@@ -14,6 +14,7 @@ struct RepeatedPath
 {
     /// As given.
     QString path;
+    /// Matches after the first one, in all occurrences together.
     qint64 count = 0;
     /// Place of the first of them.
     QString first;

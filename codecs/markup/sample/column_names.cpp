@@ -9,6 +9,7 @@ namespace corvanta::markup {
 
 namespace {
 
+/// The parts in use, outermost first, and the suffix.
 QString nameOf(const ColumnNameParts &column)
 {
     QString name;
@@ -40,6 +41,7 @@ bool lengthenNames(std::vector<ColumnNameParts> *columns)
 
 QStringList distinctNames(std::vector<ColumnNameParts> columns)
 {
+    // Ends: each turn uses up at least one part of a name.
     while (lengthenNames(&columns)) {
     }
     QHash<QString, int> uses;

@@ -19,6 +19,7 @@ SampledDocument sampleDocument(MarkupTokenizer &tokenizer, const SampleOptions &
 {
     ShapeSample sample = sampleShapes(tokenizer, options.records, options.text);
     const bool isXml = tokenizer.asXml() != nullptr;
+    // Members of an object may be keys of a map. Elements of XML are never named by data.
     if (!isXml) {
         mergeMapMembers(&sample.shapes);
     }

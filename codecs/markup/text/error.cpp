@@ -7,6 +7,7 @@ namespace corvanta::markup {
 
 namespace {
 
+/// In the order of MarkupError. Codes that this reader never returns keep their place.
 constexpr std::array kTexts{
     u"No error",
     u"Warning: Unmatched end tag",

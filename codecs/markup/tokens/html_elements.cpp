@@ -9,11 +9,14 @@ namespace corvanta::markup {
 
 namespace {
 
+/// Their end tags are ignored wherever they stand.
 constexpr std::array<std::string_view, 7> kDroppedEnds{"tbody", "img",   "br",  "link",
                                                        "meta",  "input", "area"};
+/// They have no content and no end tag.
 constexpr std::array<std::string_view, 17> kVoidElements{
     "img",   "br",    "link",     "meta",    "hr",     "input",  "col",   "base", "area",
     "param", "embed", "menuitem", "command", "keygen", "source", "track", "wbr"};
+/// They do not separate words: "a<b>b</b>" is one word.
 constexpr std::array<std::string_view, 24> kInline{
     "a",    "abbr", "b", "bdi",   "big",  "cite", "code", "em",     "font", "i", "kbd", "mark",
     "nobr", "q",    "s", "small", "span", "sub",  "sup",  "strong", "tt",   "u", "var", "wbr"};

@@ -40,11 +40,13 @@ bool isLineBreak(char c)
     return c == '\n' || c == '\r';
 }
 
+/// Records of a file with one value per line are objects or arrays.
 bool beginsValue(char c)
 {
     return c == '{' || c == '[';
 }
 
+/// The end of a number or word. Anything else makes the whole word invalid.
 bool mayFollowBareValue(char c)
 {
     return isSpace(c) || c == ',' || c == '}' || c == ']' || c == 0;
@@ -330,6 +332,7 @@ inline Token JSONTokenizer::readKey(char quote)
     return finish(Token::Start);
 }
 
+// Items of an array have no name in JSON: each gets the one of its array.
 Token JSONTokenizer::startItem()
 {
     m_keep = m_pos;
@@ -499,6 +502,7 @@ qsizetype JSONTokenizer::matchingChars(const char **at, std::string_view word)
     return n;
 }
 
+// Errors are reported at the next character, so move there first.
 Token JSONTokenizer::failAt(const char *at, MarkupError error)
 {
     moveTo(at);

@@ -36,6 +36,7 @@ MarkupTokenizer::MarkupTokenizer(ByteSource &source, qint64 bufferChars)
 
 MarkupTokenizer::~MarkupTokenizer() = default;
 
+// Only before the first read: the buffer is allocated then.
 bool MarkupTokenizer::setBufferSize(qint64 characters)
 {
     if (m_begun) {
@@ -54,6 +55,7 @@ Result<void, MarkupError> MarkupTokenizer::setEncoding(CharMode mode, const QByt
     return set;
 }
 
+// The buffer and its capacity are kept: the next document is probably as large.
 void MarkupTokenizer::restart(ByteSource &source)
 {
     m_source.restart(source);
@@ -100,6 +102,7 @@ Result<void, MarkupError> MarkupTokenizer::findEncoding()
     return detectEncoding(m_source, *first);
 }
 
+// A source that fails at once has no data, but the scans still need the zeros at its end.
 bool MarkupTokenizer::begin()
 {
     m_begun = true;

@@ -89,6 +89,7 @@ bool nameMatches(const RawText &name, std::u16string_view lowerCase)
                       });
 }
 
+/// Unit by unit, as names in documents are compared; QString would also change lengths.
 std::u16string toLowerCase(QStringView name)
 {
     std::u16string lower;

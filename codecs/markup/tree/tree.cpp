@@ -35,6 +35,7 @@ qsizetype MarkupNode::elementCount() const
     return childCount() + textCount() + clearCount() + attributeCount();
 }
 
+// Decoded on request: most names of a tree are only compared, in their stored form.
 std::u16string MarkupNode::name() const
 {
     return isEmpty() ? std::u16string() : decoded(m_tree->raw(m_index));
@@ -56,6 +57,7 @@ quint32 MarkupNode::find(ItemKind kind, qsizetype i) const
     return index;
 }
 
+// A node that does not exist is an empty node, so that calls can be chained without checks.
 MarkupNode MarkupNode::child(qsizetype i) const
 {
     const quint32 index = find(ItemKind::Child, i);

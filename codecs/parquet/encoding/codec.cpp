@@ -40,6 +40,7 @@ Result<size_t, Error> compressed(size_t bytes)
     return bytes;
 }
 
+/// The length at the start of the block is checked first: the library trusts it.
 class SnappyDecompressor final : public Decompressor
 {
 public:
@@ -69,6 +70,7 @@ public:
 constexpr int kEitherHeader = 32; // zlib or gzip, detected from the header
 constexpr int kGzipHeader = 16;
 
+/// Keeps its state between pages, because its allocation costs more than a small page.
 class GzipDecompressor final : public Decompressor
 {
 public:
@@ -155,6 +157,7 @@ private:
     bool m_isOpen;
 };
 
+/// Keeps its context between pages, as the one of GZIP does.
 class ZstdDecompressor final : public Decompressor
 {
 public:
@@ -220,6 +223,7 @@ public:
     }
 };
 
+/// The library has no call that keeps a state between streams.
 class BrotliDecompressor final : public Decompressor
 {
 public:

@@ -141,6 +141,7 @@ void convertEach(const uchar *values, int stride, qsizetype n, uchar *out, Conve
     }
 }
 
+/// 12 bytes per value, the type of old time stamps, become 8.
 void convertInt96(const uchar *values, qsizetype n, uchar *out)
 {
     for (qsizetype i = 0; i < n; ++i) {
@@ -221,6 +222,7 @@ void markInt96(const uchar *values, qsizetype n, CellBlock &block)
     }
 }
 
+/// Mark the values that their cells cannot hold, so that the caller can count them.
 void markLost(Loss loss, const uchar *values, qsizetype n, CellBlock &block)
 {
     switch (loss) {
@@ -244,6 +246,7 @@ void markLost(Loss loss, const uchar *values, qsizetype n, CellBlock &block)
     }
 }
 
+/// 0 for texts: their cells have a length of their own.
 int cellBytesOf(Form form)
 {
     switch (cellTypeOf(form)) {
@@ -353,6 +356,7 @@ void spreadChanged(std::span<const uchar> levels, std::vector<uchar> &changed)
 
 } // namespace
 
+// Pages store no bytes for nulls, but a block has a cell in every row.
 void spreadOverNulls(const Column &column, std::span<const uchar> levels, CellBlock &block)
 {
     // The width is that of the column and not of the block: a block without values still has the

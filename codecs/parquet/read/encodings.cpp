@@ -156,6 +156,7 @@ private:
     const uchar *m_end;
 };
 
+/// Deltas as plain numbers of `width` bytes (4 or 8); false if they are damaged or too many.
 bool plainNumbers(std::span<const uchar> in, int width, qint32 maxValues, std::vector<uchar> &out)
 {
     std::vector<qint64> values;
@@ -313,6 +314,7 @@ bool plainFromStreams(std::span<const uchar> in, size_t width, qint32 maxValues,
 
 } // namespace
 
+/// Whether an encoding is allowed for a physical type (parquet-format, Encodings.md).
 bool hasPlainForm(qint32 encoding, qint32 physical)
 {
     switch (encoding) {

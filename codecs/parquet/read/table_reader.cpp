@@ -13,6 +13,7 @@ namespace corvanta::parquet {
 
 namespace {
 
+/// One reader per column. They share the file, and each keeps its own place in it.
 std::vector<std::unique_ptr<ColumnReader>> readersOf(SharedFile &file, const FileMetaData &metaData,
                                                      const Columns &columns,
                                                      const ReadOptions &options)
@@ -56,6 +57,7 @@ TableReader::TableReader(ByteSource &source, FileMetaData metaData, Columns colu
     }
 }
 
+// Rows are enough for a progress bar: the columns of a group advance together.
 float TableReader::fractionDone() const
 {
     const qint64 rows = m_metaData.numRows;
@@ -84,6 +86,8 @@ bool TableReader::skip(size_t column, const Fault<Error> &fault)
     return true;
 }
 
+// The first block of each column is decoded before the first row, so that a column that cannot be
+// read is known while the columns of the output can still change.
 Result<void, Error> TableReader::prepare()
 {
     for (size_t i = 0; i < m_cursors.size();) {

@@ -40,6 +40,7 @@ qint32 physicalOf(Storage storage)
     return kByteArray;
 }
 
+/// A flat schema: the root, then one optional leaf per column, in the order of the columns.
 std::vector<SchemaElement> schemaOf(const std::vector<WriterColumn> &columns)
 {
     std::vector<SchemaElement> schema(1);
@@ -70,6 +71,7 @@ QByteArray widened(QByteArray value, Storage storage, double zero)
     return value;
 }
 
+/// A zero may be stored with either sign: as a minimum it is -0, as a maximum +0.
 std::unique_ptr<Statistics> statisticsOf(const ValueRange &range, Storage storage)
 {
     auto statistics = std::make_unique<Statistics>();
@@ -108,6 +110,7 @@ FileWriter::FileWriter(ByteSink &sink, const std::vector<WriterColumn> &columns,
     }
 }
 
+// Readers find pages by their offsets, so every byte that is written is counted.
 Result<void, Error> FileWriter::put(const void *bytes, qint64 n)
 {
     if (!m_sink.write(bytes, n)) {
@@ -117,6 +120,7 @@ Result<void, Error> FileWriter::put(const void *bytes, qint64 n)
     return {};
 }
 
+// The same four bytes end the file, after the metadata.
 Result<void, Error> FileWriter::begin()
 {
     return put("PAR1", 4);
@@ -156,6 +160,7 @@ void FileWriter::addFirstSize()
     m_open.pop_front();
 }
 
+// Never waits: stops at the first page that a worker still compresses.
 void FileWriter::addSizesOfDonePages()
 {
     while (!m_open.empty() && m_open.front()->isDone.load(std::memory_order_acquire)) {
@@ -163,6 +168,7 @@ void FileWriter::addSizesOfDonePages()
     }
 }
 
+// Waits for each page in turn.
 void FileWriter::addSizesOfAllPages()
 {
     while (!m_open.empty()) {

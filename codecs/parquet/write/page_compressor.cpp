@@ -27,6 +27,7 @@ PageCompressor::PageCompressor(qint32 codec, int workers)
     }
 }
 
+// Workers may wait for a page: wake them before they are joined.
 PageCompressor::~PageCompressor()
 {
     {
@@ -47,6 +48,7 @@ void PageCompressor::compress(PendingPage &page, Compressor *compressor,
             page.compressed = page.raw;
             return;
         }
+        // Grows only: pages of one file have similar sizes.
         scratch.resize(std::max(scratch.size(), page.maxBytes));
         const auto size = compressor->compress(page.raw, scratch.data());
         page.hasFailed = !size;
