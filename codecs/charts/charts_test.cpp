@@ -186,7 +186,7 @@ TEST(SeriesWriter, RowsWithAnEmptyCellAreGaps)
     EXPECT_TRUE(out.contains("<c:strLit><c:ptCount val=\"5\"/><c:pt idx=\"0\"><c:v>A</c:v></c:pt>"
                              "</c:strLit>"));
     EXPECT_TRUE(out.contains("<c:numLit><c:ptCount val=\"4\"/><c:pt idx=\"0\"><c:v>1</c:v></c:pt>"
-                             "</c:numLit>"));
+                             "<c:pt idx=\"2\"><c:v>0</c:v></c:pt></c:numLit>"));
     // A row without any text has no point to lose.
     EXPECT_EQ(report.gaps.count, 3);
     EXPECT_EQ(report.gaps.firstIndex, 1);

