@@ -66,7 +66,8 @@ class FileCalls(unittest.TestCase):
     def test_a_call_fails(self):
         end = time.monotonic() + float(SECONDS)
         statuses = set()
-        cases = [(case, *self.files.reference(case), self.calls(case)) for case in small_runs.CASES]
+        # A workbook whose sheets cannot be listed is only a warning (sheets).
+        cases = [(case, *self.files.reference(case), self.calls(case)) for case in small_runs.CASES if case.name != "sheets"]
         # Round after round with another error: a slow machine tries fewer errors, but every call.
         for turn in range(len(ERRORS)):
             for case, new, printed, most in cases:

@@ -57,7 +57,7 @@ CASES = [
     Case("from_json", ["convert", "in.json", "out.parquet"], ["out.parquet"], leaves="*_TMP"),
     Case("from_xml", ["convert", "in.xml", "out.json"], ["out.json"]),
     Case("from_dbf", ["convert", "in.dbf", "out.xml"], ["out.xml"]),
-    run("sheets", "<readExcelSheets fileName='*.xls*'/>", "<writeCSV fileName='sheets.csv'/>", targets=["sheets.csv"]),
+    run("sheets", "<readExcelSheets fileName='book.xlsx'/>", "<writeCSV fileName='sheets.csv'/>", targets=["sheets.csv"]),
     Case("from_xls", ["convert", "in.xls", "from_xls.csv"], ["from_xls.csv"]),
     Case("from_spss", ["convert", "--quiet", "in.sav", "from_spss.csv"], ["from_spss.csv"]),
     Case("from_xlsx", ["convert", "book.xlsx", "from_xlsx.csv"], ["from_xlsx.csv"]),
