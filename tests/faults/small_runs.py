@@ -59,7 +59,7 @@ CASES = [
     Case("from_dbf", ["convert", "in.dbf", "out.xml"], ["out.xml"]),
     run("sheets", "<readExcelSheets fileName='book.xlsx'/>", "<writeCSV fileName='sheets.csv'/>", targets=["sheets.csv"]),
     Case("from_xls", ["convert", "in.xls", "from_xls.csv"], ["from_xls.csv"]),
-    Case("from_spss", ["convert", "--quiet", "in.sav", "from_spss.csv"], ["from_spss.csv"]),
+    Case("from_spss", ["convert", "in.sav", "from_spss.csv"], ["from_spss.csv"]),
     Case("from_xlsx", ["convert", "book.xlsx", "from_xlsx.csv"], ["from_xlsx.csv"]),
     Case("head", ["head", "in.csv"]),
     Case("check", ["check", "csv.graph"]),
