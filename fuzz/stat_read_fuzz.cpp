@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <thread>
 
@@ -52,6 +53,18 @@ void readAll(QByteArrayView file, uint8_t flags)
     parser.join();
 }
 
+/// The private memory of this process, which the limit counts as well: a sanitizer reserves much.
+rlim_t dataBytes()
+{
+    constexpr rlim_t kPageBytes = 4096;
+    unsigned long long pages = 0; // the sixth number: data and stack
+    if (FILE *file = std::fopen("/proc/self/statm", "r")) {
+        static_cast<void>(std::fscanf(file, "%*u %*u %*u %*u %*u %llu", &pages));
+        std::fclose(file);
+    }
+    return pages * kPageBytes;
+}
+
 void limit(int resource, rlim_t most)
 {
     const rlimit limits{most, most};
@@ -68,7 +81,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const pid_t child = fork();
     if (child == 0) {
         limit(RLIMIT_CPU, kSeconds);
-        limit(RLIMIT_DATA, kMemoryBytes);
+        limit(RLIMIT_DATA, dataBytes() + kMemoryBytes);
         limit(RLIMIT_CORE, 0);
         readAll(QByteArrayView(data + 1, static_cast<qsizetype>(size - 1)), data[0]);
         _exit(0);
