@@ -7,6 +7,7 @@
 // A rest that is longer than the headroom moves to a buffer of its own until it is consumed.
 #include "codecs/xlsx/read/part_text.h"
 
+#include <algorithm>
 #include <cstring>
 
 using namespace Qt::StringLiterals;
@@ -73,7 +74,7 @@ void PartText::take(const Piece &piece)
     if (rest <= Piece::kHeadroom) {
         char *const begin = piece.begin() - rest;
         // The rest may be in m_long; never in this piece.
-        std::memcpy(begin, m_begin, rest);
+        std::copy_n(m_begin, rest, begin);
         m_begin = begin;
         m_end = piece.end();
         return;
