@@ -59,12 +59,13 @@ constexpr Command kCommands[] = {
      "corvanta check --template FILE [--json]\n\n"
      "Reports everything that makes GRAPH invalid; unknown names and wrong values of parameters, "
      "which a run ignores; and\n"
-     "missing files, folders and values. Warnings are what is probably not intended.\n\n"
+     "missing files, folders and values. Warnings name what is probably not intended.\n\n"
      "  --set NAME=VALUE, --out-dir DIR, --log-format text|json\n"
      "                          as for \"corvanta run\"\n"
      "  --list-outputs          print the files that a run would write, one per line\n"
-     "  --template              list the markers and chart tags of the Office template FILE, and "
-     "those that a run does not find\n"
+     "  --template              list the markers and chart tags of the Office template FILE, with "
+     "a "
+     "remedy for those\n                          that a run would not find\n"
      "  --json                  print the problems, the files or the markers as a JSON array\n\n"
      "Exit status: 0 if there are at most warnings, else 2.\n"},
     {"convert", convertOptions, convertCommand, "convert a file into another format",
@@ -107,10 +108,10 @@ constexpr Command kCommands[] = {
      "properties.\n"},
     {"describe", describeOptions, describeCommand, "print an action's pins and parameters",
      "corvanta describe TYPE [--json]\n\nPrints the pins of the action TYPE and its parameters "
-     "with type, default and meaning.\n"},
+     "with type, default and meaning.\n\"corvanta actions\" lists the types.\n"},
 };
 
-/// The fault of a word that is no command.
+/// The fault of an unknown command.
 Fault<ExitStatus> unknownCommand(const QString &name)
 {
     QStringList known{u"help"_s};
@@ -154,10 +155,15 @@ void printCommands()
               "prints the version.");
 }
 
+bool isHelp(const QString &word)
+{
+    return word == "help"_L1 || word == "--help"_L1 || word == "-h"_L1;
+}
+
 /// Prints the list of commands, or the help of the command that is named.
 CommandResult<void> help(const QStringList &words)
 {
-    if (words.isEmpty()) {
+    if (words.isEmpty() || isHelp(words[0])) {
         printCommands();
         return {};
     }
@@ -184,7 +190,7 @@ CommandResult<void> execute(const QStringList &words, QString *name)
         std::puts("corvanta " CORVANTA_VERSION);
         return {};
     }
-    if (first == "help"_L1 || first == "--help"_L1 || first == "-h"_L1) {
+    if (isHelp(first)) {
         return help(words.mid(1));
     }
     if (words.isEmpty()) {

@@ -404,6 +404,8 @@ class CommandLine(Case):
             self.assertEqual(self.corvanta("convert", "in.csv", "o.csv", *words).stderr, "")
 
     def test_help(self):
+        for words in ("help help", "help --help", "--help", "-h"):
+            self.assertEqual(self.corvanta(*words.split()).stdout, self.corvanta("help").stdout)
         writes = next(line for line in self.corvanta("help", "convert").stdout.splitlines() if line.startswith("  writes"))
         self.assertEqual(writes.split()[1:], "csv txt tsv tab json xml parquet xlsx sas7bdat xpt".split())
         self.assertRegex(self.corvanta("describe", "writeJSON").stdout,
