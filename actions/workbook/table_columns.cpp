@@ -40,7 +40,7 @@ QString uniqueName(const QString &name, std::set<QString> *taken,
     int &count = (*counts)[name];
     while (taken->contains(unique)) {
         count = std::max(count, 1) + 1;
-        unique = u"%1_%2"_s.arg(name).arg(count);
+        unique = u"%1_%2"_s.arg(name, QString::number(count));
     }
     taken->insert(unique);
     return unique;
