@@ -2,8 +2,7 @@
 #include "corvanta/system.h"
 
 #include "base/platform/files.h"
-
-#include <iconv.h>
+#include "codecs/encoding/text_decoder.h"
 
 #include <limits>
 #include <mutex>
@@ -49,13 +48,7 @@ void setSystemEncoding(const QString &name)
 
 bool isKnownEncoding(const QString &name)
 {
-    const iconv_t handle = iconv_open("UTF-8", name.toUtf8().constData());
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): POSIX defines the result of a failure in this way
-    const bool isKnown = handle != reinterpret_cast<iconv_t>(-1);
-    if (isKnown) {
-        iconv_close(handle);
-    }
-    return isKnown;
+    return corvanta::encoding::TextDecoder::open(name).has_value();
 }
 
 int memConsumptionInByte(int percent)
