@@ -42,7 +42,7 @@ const VariableDefinition *DataSetOutput::definitionOf(const QString &column) con
 QByteArray DataSetOutput::encoded(const QString &text, const QString &column)
 {
     qint64 replaced = 0;
-    const QByteArray bytes = m_run->encoder.encode(text, &replaced);
+    QByteArray bytes = m_run->encoder.encode(text, &replaced);
     if (replaced > 0) {
         m_run->replacedInNames.add([&] { return column; });
     }

@@ -336,7 +336,7 @@ Result<void, opc::Error> ActionWriteReport::writeSeries(charts::SeriesWriter &wr
     if (m_params.cleanTags) {
         const auto done = cleanTags(writer, part, index);
         if (!done) {
-            return done;
+            return done.fault();
         }
     }
     const charts::ChartTag &tag = part.tags[index];

@@ -90,7 +90,7 @@ Result<void, Error> DocumentTemplate::readParts(const std::function<bool()> &isR
         }
         if (isEdited(entry.member.name)) {
             if (const auto done = readPart(entry); !done) {
-                return done;
+                return done.fault();
             }
         }
     }
@@ -118,7 +118,7 @@ Result<void, Error> DocumentTemplate::readPart(Entry &entry)
     std::vector<Placeholder> placeholders;
     if (const auto done = readRelationships(standardName(entry.member.name), &placeholders);
         !done) {
-        return done;
+        return done.fault();
     }
     entry.part = DocumentPart::ofText(
         prepared(*text, entry.member.name, placeholders), m_options.markers, m_options.joinsRuns,
@@ -262,14 +262,14 @@ Result<void, Error> DocumentTemplate::write(opc::MemberWriter &output, RowValues
         const auto done =
             isTypes ? output.write(entry.member.name, *types) : writeEntry(output, entry, values);
         if (!done) {
-            return done;
+            return done.fault();
         }
     }
     for (const auto &[name, image] : media) {
         zip::RawMember member = image->content; // shares the bytes
         member.member.name = name;
         if (const auto done = output.add(member); !done) {
-            return done;
+            return done.fault();
         }
     }
     return {};

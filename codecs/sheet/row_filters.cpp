@@ -175,7 +175,7 @@ public:
     WorkbookResult<bool> next(SheetRow *row) override
     {
         if (!m_hasRow) {
-            const auto more = m_source->next(&m_row);
+            auto more = m_source->next(&m_row);
             if (!more || !*more) {
                 return more;
             }

@@ -38,7 +38,7 @@ readstat_error_t LibraryParser::parseCatalogue(void *context)
 // Old Stata files do not name their encoding: that of Windows was usual.
 QString encodingOf(Format format, const QString &wanted, readstat_metadata_t *metadata)
 {
-    const QString utf8 = QStringLiteral("UTF-8");
+    QString utf8 = QStringLiteral("UTF-8");
     // The library itself converts the characters of portable files.
     if (format == Format::SpssPor) {
         return utf8;

@@ -273,7 +273,7 @@ XlsxReader::Done XlsxReader::openStrings()
         return {};
     }
     if (const auto counted = countContent(*member); !counted) {
-        return counted;
+        return counted.fault();
     }
     auto text = openText(*member, m_stringsView);
     if (!text) {
