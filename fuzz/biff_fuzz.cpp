@@ -2,6 +2,7 @@
 // the bytes arrive or on what is read before.
 #include "codecs/xls/legacy_workbook.h"
 #include "fuzz/support/require.h"
+#include "fuzz/support/sheet_content.h"
 
 using namespace corvanta;
 using namespace corvanta::xls;
@@ -10,40 +11,6 @@ namespace {
 
 // An input may name one sheet tens of thousands of times.
 constexpr size_t kMaxSheets = 20;
-
-void addRow(const sheet::SheetRow &row, QByteArray *content)
-{
-    int before = -1;
-    for (const sheet::SheetCell &cell : row.cells) {
-        require(cell.column > before);
-        before = cell.column;
-        *content += QByteArray::number(row.number) + ',' + QByteArray::number(cell.column) + ' ';
-        *content +=
-            QByteArray::number(static_cast<int>(cell.kind) * 16 + static_cast<int>(cell.form));
-        *content += QByteArray::number(cell.number, 'g', 17);
-        for (const char16_t unit : cell.text) {
-            *content += QByteArray::number(unit, 16);
-        }
-    }
-}
-
-QByteArray contentOf(LegacyWorkbook &workbook, size_t index)
-{
-    QByteArray content;
-    auto rows = workbook.openSheet(index);
-    if (!rows) {
-        return rows.fault().detail.toUtf8();
-    }
-    sheet::SheetRow row;
-    for (qint64 before = -1;; before = row.number) {
-        const auto found = (*rows)->next(&row);
-        if (!found || !*found) {
-            return content + (found ? QByteArray() : found.fault().detail.toUtf8());
-        }
-        require(row.number > before);
-        addRow(row, &content);
-    }
-}
 
 } // namespace
 
@@ -58,6 +25,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (!workbook) {
         return 0;
     }
+    const auto contentOf = [](LegacyWorkbook &from, size_t index) {
+        return sheet::contentOf(from, index, sheet::RowOrder::Ascending);
+    };
     const size_t sheets = (*workbook)->sheets().size();
     require(sheets == (*again)->sheets().size());
     require((*workbook)->definedNames().size() == (*again)->definedNames().size());

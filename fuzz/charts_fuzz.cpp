@@ -12,37 +12,40 @@ using namespace corvanta::charts;
 
 namespace {
 
-QByteArray filled(const QByteArray &part, const std::vector<ChartTag> &tags,
-                  const SeriesValues &values)
+/// Carries out `write` with a writer for the part. Returns the new part.
+template <class Write> QByteArray written(const QByteArray &part, Write write)
 {
     QByteArray out;
     SeriesWriter writer(part, [&](QByteArrayView block) -> Result<void, opc::Error> {
         out += block;
         return {};
     });
-    for (const ChartTag &tag : tags) {
-        require(tag.begin >= 0 && tag.begin < tag.end && tag.end <= part.size());
-        if (tag.use == TagUse::Series) {
-            require(!tag.axes.empty() && writer.series(tag, values));
-        }
-    }
+    write(writer);
     require(bool(writer.finish()));
     return out;
+}
+
+QByteArray filled(const QByteArray &part, const std::vector<ChartTag> &tags,
+                  const SeriesValues &values)
+{
+    return written(part, [&](SeriesWriter &writer) {
+        for (const ChartTag &tag : tags) {
+            require(tag.begin >= 0 && tag.begin < tag.end && tag.end <= part.size());
+            if (tag.use == TagUse::Series) {
+                require(!tag.axes.empty() && writer.series(tag, values));
+            }
+        }
+    });
 }
 
 /// Gives each tag that is used its reference as text.
 QByteArray cleaned(const QByteArray &part, const std::vector<ChartTag> &tags)
 {
-    QByteArray out;
-    SeriesWriter writer(part, [&](QByteArrayView block) -> Result<void, opc::Error> {
-        out += block;
-        return {};
+    return written(part, [&](SeriesWriter &writer) {
+        for (const ChartTag &tag : tags) {
+            require(tag.use == TagUse::Split || writer.replaceTag(tag));
+        }
     });
-    for (const ChartTag &tag : tags) {
-        require(tag.use == TagUse::Split || writer.replaceTag(tag));
-    }
-    require(bool(writer.finish()));
-    return out;
 }
 
 bool isWellFormed(const QByteArray &part)
