@@ -23,13 +23,12 @@ PathSet::PathSet()
     m_nodes.push_back(std::make_unique<Node>());
 }
 
-size_t PathSet::add(const std::vector<PathStep> &steps)
+void PathSet::add(const std::vector<PathStep> &steps)
 {
     m_steps.emplace_back();
     const quint32 at = addSteps(steps, static_cast<quint32>(m_pathCount), &m_steps.back());
     m_nodes[at]->paths.push_back(m_pathCount);
     m_found.resize(++m_pathCount, MarkupTree::kNone);
-    return m_pathCount - 1;
 }
 
 /// Returns the node at the end of the steps. `path` is the number of the path that ends there, or

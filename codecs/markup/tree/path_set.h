@@ -22,8 +22,8 @@ class PathSet
 public:
     PathSet();
 
-    /// Add a path; returns its number, from 0.
-    size_t add(const std::vector<PathStep> &steps);
+    /// Add a path. Paths are numbered from 0 in the order of these calls.
+    void add(const std::vector<PathStep> &steps);
     /// Number of paths.
     size_t size() const { return m_pathCount; }
 
