@@ -12,7 +12,7 @@ namespace corvanta {
 
 namespace {
 
-/// The ending of a name that stands for a kind of Word or PowerPoint file; else empty.
+/// The extension of a Word or PowerPoint file, in lower case; empty for other names.
 QString kindOf(const QString &name)
 {
     static const QStringList kKinds{u"docx"_s, u"docm"_s, u"dotx"_s, u"dotm"_s, u"pptx"_s,
@@ -80,7 +80,7 @@ bool TemplateWriter::openDocument(const QString &name)
 bool TemplateWriter::failWith(TemplateProblem problem, const QString &name, const QString &reason)
 {
     const QString text = message(problem, name);
-    if (!text.contains(u"WARNING")) {
+    if (!text.trimmed().startsWith(u"WARNING")) {
         return fail(text, reason);
     }
     if (runIsGood()) {
@@ -96,7 +96,7 @@ bool TemplateWriter::commitDocument()
 {
     const bool isFinished = static_cast<bool>(m_members->finish());
     m_members.reset();
-    // Another action may have failed meanwhile; the document must then not appear.
+    // Another action may have failed since; the document must then not appear.
     const bool done = isFinished && runIsGood() && m_document->commit();
     const QString reason = documentReason();
     m_document.reset();
