@@ -10,6 +10,18 @@ namespace corvanta {
 
 namespace {
 
+/// A key or tag, and the name of the column whose values follow it.
+using ColumnKeys = std::vector<std::pair<std::u16string, QString>>;
+
+void addKeys(const compose::ComposeOperation &item, const OneRow &columns, ColumnKeys *keys)
+{
+    for (const compose::ComposeOperation::Column &column : item.columns) {
+        if (column.before.size() > 0) {
+            keys->emplace_back(column.before.view(), columns.colName(column.input));
+        }
+    }
+}
+
 /// Count the columns of an item whose key an earlier column has too.
 void addEqualKeys(const compose::ComposeOperation &item, const OneRow &columns, Occurrences *equal)
 {
@@ -164,27 +176,18 @@ bool LevelWriter::makeComposer(const OneRow &columns)
     if (!checkNames(columns, written)) {
         return false;
     }
-    reportEqualKeys(*levels, columns);
-    for (const compose::ComposeLevel &level : *levels) {
-        for (const compose::ComposeOperation &item : level.operations) {
-            for (const compose::ComposeOperation::Column &column : item.columns) {
-                if (column.before.size() > 0) {
-                    m_run->keys.emplace_back(column.before.view(), columns.colName(column.input));
-                }
-            }
-        }
-    }
+    keepKeys(*levels, columns);
     m_run->composer =
         std::make_unique<compose::LevelComposer>(*std::move(levels), valueRules(), *m_run->block);
     return true;
 }
 
-void LevelWriter::reportEqualKeys(const std::vector<compose::ComposeLevel> &levels,
-                                  const OneRow &columns)
+void LevelWriter::keepKeys(const std::vector<compose::ComposeLevel> &levels, const OneRow &columns)
 {
     Occurrences equal;
     for (const compose::ComposeLevel &level : levels) {
         for (const compose::ComposeOperation &item : level.operations) {
+            addKeys(item, columns, &m_run->keys);
             addEqualKeys(item, columns, &equal);
         }
     }

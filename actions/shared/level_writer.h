@@ -97,8 +97,8 @@ private:
                          const QString &level) const;
     /// Compile the levels for the columns of the table and check the names of those written.
     bool makeComposer(const OneRow &columns);
-    /// Warn about columns that one item writes with the same key.
-    void reportEqualKeys(const std::vector<compose::ComposeLevel> &levels, const OneRow &columns);
+    /// Keep the keys of columns, and warn about columns that one item writes with the same key.
+    void keepKeys(const std::vector<compose::ComposeLevel> &levels, const OneRow &columns);
     /// Warn about characters that the file cannot hold.
     void reportReplaced();
     // Functions that return bool return true for success; otherwise the run has failed or ended.
