@@ -10,7 +10,7 @@ namespace corvanta {
 
 namespace {
 
-/// Longer texts are no misspelled names; comparing them would take long.
+/// A longer text is not a misspelled name, and comparing it would take long.
 constexpr qsizetype kMaxChars = 100;
 
 /// Number of single changes that make `b` of `a`; two neighbours that are swapped count as one.

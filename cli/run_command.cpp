@@ -112,7 +112,7 @@ CommandResult<std::unique_ptr<LoadedGraph>> loadForRun(const CommandLine &line)
 /// A writeCSV for the file `name`.
 std::unique_ptr<ActionItem> makeTapWriter(const QString &name, const ActionRegistry &registry)
 {
-    // Without GlobalParameters: the name is absolute, and a "${" in it is no variable.
+    // Without GlobalParameters: the name is absolute, and a "${" in it is not a variable.
     return makeWriter(registry, u"writeCSV"_s, QDir::current().absoluteFilePath(name));
 }
 

@@ -46,7 +46,7 @@ qint64 rowsRead(const CorvantaGraph &graph, const QVector<ActionProgress> &all)
         const bool hasInput =
             std::any_of(graph.links.begin(), graph.links.end(),
                         [&](const auto &link) { return link.to.action == action.id; });
-        // Listeners read, and are no part of the graph.
+        // Listeners read, and are not part of the graph.
         rows += hasInput || graph.indexOf(action.id) < 0 ? 0 : action.rowsOut;
     }
     return rows;

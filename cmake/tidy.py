@@ -56,7 +56,7 @@ def is_test(source):
 
 
 def latest_sources():
-    """The files of the latest commits, the last one first, then those of no such commit."""
+    """The files of the latest commits with their rank, the last commit first."""
     log = subprocess.run(["git", "-C", ROOT, "log", "-100", "--format=", "--name-only"], capture_output=True, text=True, check=False)
     names = dict.fromkeys(log.stdout.split("\n"))
     return {ROOT / name: i for i, name in enumerate(names)}
@@ -72,7 +72,7 @@ class Lint:
         CACHE.mkdir(parents=True, exist_ok=True)
 
     def stamp(self, source, command, quick):
-        """The file that exists when the source passed as it is now. Clones share it: their own folder is no part of the digest."""
+        """The file that exists when the source passed as it is now. Clones share it: the digest does not depend on their folder."""
         state = hashlib.sha256(self.state + str(quick).encode() + command.replace(str(ROOT), "").encode())
         for path in read_files(source):
             state.update(str(path.relative_to(ROOT)).encode() + path.read_bytes())

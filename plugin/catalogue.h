@@ -5,8 +5,8 @@ class ActionItem;
 
 namespace corvanta {
 
-/// A new prototype of the action number `index`, from 0; null beyond the last one, and when there
-/// is no memory. The caller owns it.
+/// A new prototype of the action number `index`, from 0; null after the last one, and when memory
+/// is short. The caller owns it.
 ActionItem *createCatalogueAction(unsigned int index);
 
 } // namespace corvanta

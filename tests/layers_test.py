@@ -65,7 +65,7 @@ def wrong_include(path, target):
     """Why `path` must not include `target`; None if it may."""
     layer, other = layer_of(path), layer_of(target)
     if other not in [*LAYERS, *PROGRAMS]:
-        return None if is_test(path) else f"{other} is no layer"
+        return None if is_test(path) else f"{other} is not a layer"
     if other not in allowed_layers(layer):
         return f"{layer} does not see {other}"
     if target.parts[:2] == ("host", "src") and layer != "host":

@@ -3,7 +3,7 @@
 
 A message is a text of a source of base, host, io, actions or cli that begins with "Error" or "Warning" (in any case of letters), ends
 with a line feed, or is an argument of a call that logs. It is found in the tests by its longest part between placeholders. Labels, help
-texts and markup are no messages, and sources of another system are not looked at.
+texts and markup are not messages, and sources for another system are not checked.
 """
 import pathlib
 import re
@@ -15,7 +15,7 @@ LAYERS = ["base", "host", "io", "actions", "cli"]
 # Messages by how they begin: why no test provokes them.
 NOT_PROVOKED = {
     "the archive cannot be opened again": "a RAR archive that vanishes between two reads of it",
-    "ERROR: cannot read the DBF file": "an input that fails without a word of its own; each kind of input has one",
+    "ERROR: cannot read the DBF file": "an input that fails without its own message; each kind of input has one",
     "ERROR: the image file '%1' is too large": "a file of more than 1 GiB",
     "ERROR: cannot read the temporary file of the table": "a file that only this process can open",
     "ERROR: cannot read the memo file": "as for the DBF file",
@@ -35,14 +35,14 @@ def is_test(path):
     return path.stem.endswith("_test") or "tests" in path.parts
 
 
-def is_looked_at(path):
+def is_checked(path):
     return not is_test(path) and not path.stem.endswith("_windows")
 
 
 def sources():
     for layer in LAYERS:
         for pattern in ("*.cpp", "*.h"):
-            yield from (path for path in sorted((ROOT / layer).rglob(pattern)) if is_looked_at(path.relative_to(ROOT)))
+            yield from (path for path in sorted((ROOT / layer).rglob(pattern)) if is_checked(path.relative_to(ROOT)))
 
 
 def logged(code):
@@ -85,11 +85,11 @@ class Messages(unittest.TestCase):
         missing = [(path, text) for path, text in found if longest_part(text) not in known]
         others = [f"{path}: {text}" for path, text in missing if not text.startswith(tuple(NOT_PROVOKED))]
         self.assertFalse(others, f"\n{len(others)} of {len(found)} messages occur in no test:\n" + "\n".join(others))
-        # The list holds no message that a test provokes, or that is gone.
+        # The list does not hold a message that a test provokes, or that was removed.
         listed = {begin for begin in NOT_PROVOKED for _, text in missing if text.startswith(begin)}
         self.assertEqual(listed, set(NOT_PROVOKED))
 
-    def test_messages_are_told_from_other_texts(self):
+    def test_messages_are_distinguished_from_other_texts(self):
         code = """
             // fail(u"not in a comment"_s)
             return cond ? fail(u"Cannot do (this) to '%1'"_s.arg(name), why("because of that")) : u"a label only"_s;

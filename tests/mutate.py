@@ -2,7 +2,7 @@
 """Check whether the tests notice faults: mutate.py [N [SEED]] [--slow] [--only FOLDER]
 
 Changes one operator in a source of codecs, io, actions or host/src, builds, and runs the tests that the change reaches:
-first the test programs that were linked anew, then the graph cases and scripts, and with --slow the slow tests. N faults
+first the test programs that were linked again, then the graph cases and scripts, and with --slow the slow tests. N faults
 (default 20) are tried. The same SEED (default 1) chooses the same faults in the same sources. It works on a clone of the
 last commit in build/mutate, so the work tree is not touched. Prints one line for each fault, those that no test noticed
 with the word SURVIVED. Exit status: 1 if fewer than 85 % were noticed.

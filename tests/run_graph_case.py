@@ -9,7 +9,7 @@ A case is a folder with case.graph, its inputs, and:
   expected/out/        the files in the output folder after the run: all of them. A package (.xlsx, .docx,
                        .pptx) is a folder with its members.
 
-"{case}" and "{out}" stand for the two folders in messages, arguments and .csv files. CORVANTA_UPDATE_GOLDEN=1 rewrites expected/ from
+"{case}" and "{out}" are the two folders in messages, arguments and .csv files. CORVANTA_UPDATE_GOLDEN=1 rewrites expected/ from
 what the run did: read the difference before committing it.
 """
 import json

@@ -38,7 +38,7 @@ void reportLeftOut(const markup::SampledDocument &document, const markup::Sample
     }
     if (!document.sameNames.isEmpty()) {
         MainUI::addLog(MainUI::Warning,
-                       u"Warning: names that differ only in letter case are told apart by their "
+                       u"Warning: names that differ only in letter case are distinguished by their "
                        "order in each record: %1\n"_s.arg(listOf(document.sameNames)));
     }
     if (document.unnameable.any()) {

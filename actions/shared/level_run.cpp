@@ -206,9 +206,9 @@ bool LevelRun::documentFails(markup::MarkupResult failure, Found *found)
     if (!m_format.skipsFaults()) {
         readToEnd(); // a run that has failed cannot read
     }
-    const bool goesOn = m_format.documentFails(failure, documentName(), why);
+    const bool continues = m_format.documentFails(failure, documentName(), why);
     logReason(reason);
-    if (!goesOn) {
+    if (!continues) {
         m_format.reportUnread(m_extractor.unread(), m_texts ? m_input.column : m_fileName);
         return false;
     }

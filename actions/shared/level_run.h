@@ -47,7 +47,7 @@ public:
         virtual markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) = 0;
         /// The document was read to its end.
         virtual void documentEnds(const QString &name) = 0;
-        /// True when the format goes on after a structure error.
+        /// True when the format continues after a structure error.
         virtual bool skipsFaults() const = 0;
         /// The document is invalid. `why` is the message of the input file if that failed, else
         /// empty.

@@ -75,7 +75,7 @@ void RowWriter::endRows()
             return;
         }
     }
-    // Another action may have failed meanwhile; the target must then not be replaced.
+    // Another action may have failed since; the target must then not be replaced.
     m_isComplete = runIsGood();
 }
 

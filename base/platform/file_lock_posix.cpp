@@ -77,7 +77,7 @@ FileLock::Outcome FileLock::tryFile(const QString &name, IfMissing ifMissing)
             }
             handle = ::open(path.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
             m_hasCreated = handle >= 0;
-            // Another program has created it meanwhile.
+            // Another program has created it since.
             if (handle < 0 && errno == EEXIST) {
                 continue;
             }

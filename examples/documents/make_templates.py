@@ -34,7 +34,7 @@ def content_types(overrides):
 
 
 def relationships(*targets):
-    """(kind, target) pairs with the ids rId1, rId2, ...; a target that is no part is external."""
+    """(kind, target) pairs with the ids rId1, rId2, ...; a target that is not a part is external."""
     def mode(target):
         return ' TargetMode="External"' if target.startswith("file:") else ""
     return f'<Relationships xmlns="{PACKAGE}/relationships">' + "".join(
@@ -50,7 +50,7 @@ def paragraph(text="", style="", run="", properties=""):
 
 
 def picture(relationship, width, height, align="right"):
-    """A linked picture beside the text; sizes in millimetres."""
+    """A linked picture next to the text; sizes in millimetres."""
     cx, cy = width * 36000, height * 36000
     return (f'<w:r><w:drawing><wp:anchor distT="0" distB="0" distL="114300" distR="0" simplePos="0" relativeHeight="1" behindDoc="0" '
             f'locked="0" layoutInCell="1" allowOverlap="1"><wp:simplePos x="0" y="0"/><wp:positionH relativeFrom="margin"><wp:align>'

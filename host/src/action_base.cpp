@@ -149,8 +149,8 @@ template <class F> void ActionBase::guarded(F &&work) noexcept
     }
 }
 
-/// Fails the run for the exception that is being handled. Without the memory for the message there
-/// is none; the program then says why the run failed.
+/// Fails the run for the exception that is being handled. If there is no memory for the message,
+/// the program says why the run failed.
 void ActionBase::failForException() noexcept
 {
     try {

@@ -31,7 +31,7 @@ bool RowListener::listen()
             return true; // not the end of the table
         }
         if (!m_onRow(getInputColumns(0)->schema(), row)) {
-            // Do not hide a failure that happened meanwhile.
+            // Do not hide a failure that happened since.
             int expected = RunControl::Running;
             m_control->runStatus.compare_exchange_strong(expected, RunControl::Stopped);
             return true;

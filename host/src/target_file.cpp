@@ -31,7 +31,7 @@ using corvanta::TargetLock;
 namespace {
 
 /// The name that a chain of links ends at, whether or not a file of that name exists; `name` itself
-/// when it is no link. Nothing when the chain does not end.
+/// when it is not a link. Nothing when the chain does not end.
 std::optional<QString> followLinks(const QString &name)
 {
     return QFileInfo(name).isSymLink() ? platform::finalName(name) : std::optional(name);

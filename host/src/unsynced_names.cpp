@@ -1,7 +1,7 @@
 // Flushes new files and changed folders in groups.
 //
 // The write-back of all files is started before the first wait, so that the disk works on them in
-// parallel. The mutex is not held during the wait: other actions can add files meanwhile.
+// parallel. The mutex is not held during the wait, so that other actions can add files.
 #include "unsynced_names.h"
 
 #include "base/platform/files.h"

@@ -302,7 +302,7 @@ TEST(Gzip, AcceptsWhatZlibsReaderAccepts)
     };
     const Case cases[] = {
         {"empty file", {}, true, 0},
-        {"not gzip: as it stands", "plain text", true, 10},
+        {"not gzip: unchanged", "plain text", true, 10},
         {"one byte", "a", true, 1},
         {"optional fields", decorated, true, 100'003},
         {"two members", member + member, true, 200'006},
@@ -311,7 +311,7 @@ TEST(Gzip, AcceptsWhatZlibsReaderAccepts)
         {"second member cut", member + member.first(member.size() / 2), false, -1},
         {"second member's header cut", member + member.first(7), false, -1},
         {"no trailer", member.chopped(8), false, -1},
-        {"half of the magic number, which that reader takes for text", "\x1F", false, -1},
+        {"half of the magic number, which that reader reads as text", "\x1F", false, -1},
         {"size wrong", wrongSize, false, -1},
     };
     for (const Case &c : cases) {

@@ -9,7 +9,8 @@ namespace corvanta::input {
 
 namespace {
 
-/// One per process, like the pipes: the reader that samples and the one that runs share no object.
+/// One per process, like the pipes: the reader that samples and the one that runs are not
+/// connected.
 struct KeptPipes
 {
     std::mutex mutex; // guards the map
@@ -75,7 +76,7 @@ std::unique_ptr<ReplayedSource> takePipe(const QString &path)
 {
     KeptPipes &pipes = keptPipes();
     const std::lock_guard lock(pipes.mutex);
-    // Two readers must not share a pipe: the second one opens it anew.
+    // Two readers must not share a pipe: the second one opens it again.
     auto node = pipes.sources.extract(path);
     return node.empty() ? nullptr : std::move(node.mapped());
 }

@@ -32,7 +32,7 @@ public:
     void rewind(bool records);
 
 private:
-    std::unique_ptr<InputSource> m_source; // stands after m_bytes
+    std::unique_ptr<InputSource> m_source; // continues after m_bytes
     QByteArray m_bytes;
     qsizetype m_at = 0; // in m_bytes
     bool m_records = false;

@@ -1,6 +1,6 @@
 // An input file whose reads fail once the run has ended, so that a long read ends with the run.
 //
-// The failure is no fault of the file: check ActionBase::runIsGood() before reporting it.
+// The file is not at fault then: check ActionBase::runIsGood() before reporting the failure.
 // Threads: one at a time, but getProgress() of `file` from any.
 #pragma once
 #include "corvanta/action_item.h"

@@ -2,7 +2,7 @@
 """Makes the templates that writeReport offers under names such as ">bar.xlsx": make_templates.py [FOLDER]
 
 Each template has charts with sample data; the name of the series is the tag. The data is in the chart itself, as in the documents that
-writeReport makes, so there is no workbook behind it. The same script always gives the same bytes.
+writeReport makes, so there is no embedded workbook. The same script always gives the same bytes.
 """
 import pathlib
 import sys

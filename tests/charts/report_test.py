@@ -124,7 +124,7 @@ class Report(unittest.TestCase):
         out = members(self.folder / "out.xlsx")[PART]
         self.assertIn(b'<c:ptCount val="3"/><c:pt idx="0"><c:v>7</c:v></c:pt><c:pt idx="1"><c:v>8</c:v></c:pt></c:numLit>', out)
 
-    def test_gaps_and_values_that_are_no_numbers(self):
+    def test_gaps_and_values_that_are_not_numbers(self):
         (self.folder / "data.csv").write_text("n,a\nA,1\n,2\nC, + \nD,x\nE,\n")
         log, out = self.fill(types="U,U")
         self.assertEqual(self.warnings(log), [

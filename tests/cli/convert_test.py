@@ -181,7 +181,7 @@ class Levels(Case):
                                                                 "l": [{"y": 5}]}]}))
         said = self.convert("in.json", "out.csv")
         for part in ("Repeated parts of the records that are not read: l", "Values outside of the records that are not read: total",
-                     "Warning: names that differ only in letter case are told apart by their order in each record: a",
+                     "Warning: names that differ only in letter case are distinguished by their order in each record: a",
                      "Warning: elements whose names no path can express are not read (count in the sample: 1, first ' c ')"):
             self.assertIn(part, said)
         self.put("deep.json", '{"a":' * 70 + "1" + "}" * 70)
@@ -192,7 +192,7 @@ class Levels(Case):
         self.convert("case.json", "out.csv")
         self.assertEqual(self.rows_of("out.csv"), [["A[0]", "A[1]", "a", "c", "C[0]", "C[1]"], ["1", "2", "3", "4", "5", "6"]])
 
-    def test_text_and_values_next_to_the_records_are_no_records(self):
+    def test_text_and_values_next_to_the_records_are_not_records(self):
         error = "\nInternal Server Error 500\n"
         stray = "text outside of the values of file '.*in.json' is not read \\(count: %s, first at line 2, column 1\\)"
         single = "single values among the records of file '.*in.json' give rows without a value \\(count: %s, first at line 2, column 1\\)"
@@ -239,7 +239,7 @@ class Levels(Case):
         nested = {"total": 3, "orders": [{"id": 1, "lines": [{"p": 1}, {"p": 2}], "notes": [{"n": 1}, {"n": 2}]}]}
         more = {"id": 2, "new": 1, "lines": [{"p": 1, "q": 2}], "notes": [{"n": 1, "m": 2}]}
         for name, known, late, expected in (
-                # a name, list items, a value in place of an object, an object in place of a value, an inner name; null is no value
+                # a name, list items, a value in place of an object, an object in place of a value, an inner name; null does not count
                 ("late.jsonl", '{"a":1,"t":[1],"o":{"x":1}}\n' * 2,
                  '{"b":5,"t":[1,2,3],"o":7}\n{"a":{"z":1},"c":null,"t":null,"o":{"x":1,"y":{"q":2}}}\n', (6, "b", "3, column 3")),
                 # attributes, elements and text; an empty element and a name space have no value

@@ -5,7 +5,7 @@ Each case makes a table, writes it with a writer whose parameters are drawn from
 where a reader exists. The files of this run are the reference. Then
 - the same graph runs again in another form (actions in another order, the table compressed, a pass-through action added),
   which must give the same files; and
-- the graph runs with one mistake (a misspelled name, a value of the wrong type, an input that is cut off, a second action
+- the graph runs with one mistake (a misspelled name, a value of the wrong type, a truncated input, a second action
   on one file, ...). Other files, or files missing, then need a message or an exit status that is not 0.
 Every run must end with 0, 1 and an error message, or 2. A case depends only on SEED (default 1) and its number; ONLY runs one
 case again and prints its graphs.
@@ -278,7 +278,7 @@ def lost_link(_, graph):
 
 
 def cut_input(case, graph):
-    """Cut off the end of a compressed input."""
+    """Truncate a compressed input."""
     compressed(case, graph)
     path = case.folder / "table.csv.gz"
     data = path.read_bytes()
@@ -287,7 +287,7 @@ def cut_input(case, graph):
 
 
 def cut_written(case, graph):
-    """Cut off the end of a file that is read back."""
+    """Truncate a file that is read back."""
     back = graph.action("back")
     path = case.folder / back.attributes["fileName"]
     data = path.read_bytes().rstrip()

@@ -122,7 +122,7 @@ class Folder:
         return path.read_bytes() if path.exists() else None
 
     def others(self, case):
-        """Files that a run has left besides its targets."""
+        """Files other than its targets that a run has left."""
         return {path.name for path in self.path.iterdir()} - self.given - set(case.targets)
 
     def reference(self, case):

@@ -34,7 +34,7 @@ class Runs(unittest.TestCase):
     def has_open(self, process, path):
         try:
             return any(os.path.samefile(link, path) for link in pathlib.Path(f"/proc/{process.pid}/fd").iterdir())
-        except OSError:  # a file was closed, or the process ended, meanwhile
+        except OSError:  # a file was closed, or the process ended
             return False
 
     def end(self, process):

@@ -20,7 +20,7 @@ CORVANTA, CORPUS = sys.argv[1], pathlib.Path(sys.argv.pop()).resolve()
 sys.argv.pop()
 BATCH = 50
 
-# Documents that are refused, with the message; "%" stands for the document's name. Entities of a DTD are not known; a DOCTYPE
+# Documents that are refused, with the message; "%" is the document's name. Entities of a DTD are not known; a DOCTYPE
 # with a subset ends at "]>"; loose documents are read with readHTML.
 STRUCTURE = "XML structure error 'Error: {}' in file '%' at line {}, column {}"
 ENCODING = "Invalid character encoding ({}) for file '%'."
@@ -54,7 +54,7 @@ REFUSED = {
     **{f"feeds/entities_{name}.xml": STRUCTURE.format("Unknown character entity", 7, 15) for name in
        ("mdash", "times", "upper_Auml", "upper_Egrave", "upper_Omicron", "upper_Otilde")},
 }
-# Bytes that are no character of the document's encoding are dropped, with a warning.
+# Bytes that are not a character in the document's encoding are dropped, with a warning.
 DROPPED = {"docs/ebcdic_566012.xml", "errors/truncated-utf16.xml", "feeds/bozo_invalid-bytes-with-bom.xml", "feeds/shiftjis.xml"}
 # What is accepted though it is not well-formed: several roots, prefixes without a name space, control characters, repeated
 # attributes, contents of a DTD, names that begin otherwise. The text that is read.
@@ -64,7 +64,7 @@ ACCEPTED = {
     "errors/extra-content.xml": "", "errors/name3.xml": "", "errors/trailing-null-1.xml": "", "errors/truncated-utf16.xml": "",
     "feeds/undeclared_namespace.xml": "Foo",
 }
-# The encoding that Python calls by another name than the document, or that nothing in the document tells.
+# The encoding that has another name in Python than in the document, or that nothing in the document shows.
 DECODED_AS = {
     "encodings/Shift_JIS.xml": "cp932", "encodings/weekly-shift_jis.xml": "cp932", "feeds/euc-kr.xml": "euc_kr",
     "encodings/utftest_utf32_le_bom.xml": "utf-32", "feeds/utf-32le-bom.xml": "utf-32", "feeds/big5.xml": "cp1252",
@@ -124,7 +124,7 @@ PAGE_LEVELS = [
     "<Level initialPath='html/body//table/tbody' subtagName='tr'><e name='a' path='[1]'/><e name='b' path='td[2]/b'/></Level>",
 ]
 
-# xmltest.zip, documents that are not well-formed and are read all the same: what is not looked at.
+# xmltest.zip, documents that are not well-formed and are read all the same: what is not checked.
 NOT_WELL_FORMED = {
     "a DTD": {"sa": {54, 56, 57, 58, 59, 60, 61, 62, 63, 64, 65, 66, 67, 68, 69, 78, 79, 80, 82, 84, 86, 87, 89, 91, 107, 113, 114, 121,
                      122, 123, 124, 125, 126, 127, 128, 129, 130, 131, 132, 133, 134, 135, 136, 137, 138, 139, 149, 158, 160, 161,
@@ -225,7 +225,7 @@ class Corpus(unittest.TestCase):
         return results
 
     def read_whole(self, files):
-        """What as_expat_reads() tells of a document, for each of its roots."""
+        """What as_expat_reads() returns for a document, for each of its roots."""
         options = "skipCorruptedFiles='1'"
         all_text = self.read_in_batches([(file, ALL_TEXT + options, WHOLE) for file in files])
         own_text = self.read_in_batches([(file, OWN_TEXT + options, WHOLE) for file in files])

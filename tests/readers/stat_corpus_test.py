@@ -50,7 +50,7 @@ def read(corvanta, path, *settings):
 
 
 def table(file):
-    """A missing value of an only column is an empty line, and that is no row for the csv module."""
+    """The missing value of a single column is an empty line, which the csv module does not return as a row."""
     return [row or [""] for row in csv.reader(file)]
 
 

@@ -47,7 +47,7 @@ class Tables(unittest.TestCase):
         try:
             links = pathlib.Path(f"/proc/{process.pid}/fd").iterdir()
             return any(os.path.samefile(link, self.folder / name) for link in links)
-        except OSError:  # a file was closed, or the process ended, meanwhile
+        except OSError:  # a file was closed, or the process ended
             return False
 
     def check_that_it_stops(self, attributes, name):

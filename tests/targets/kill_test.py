@@ -165,7 +165,7 @@ class Kill(unittest.TestCase):
             killed += process.returncode != 0
             self.check_whole(killed=True)
         self.assertGreater(killed, 0, "every run had ended: the table is too small")
-        # what they left behind must not disturb the next one
+        # the files that they left must not disturb the next one
         self.restore()
         subprocess.run(self.command(), check=True, stderr=subprocess.DEVNULL)
         self.assertEqual(self.check_whole(killed=False), {"new"})

@@ -44,7 +44,7 @@ struct ParameterInfo
     /// What the action does with another value than those allowed. Empty: it uses the value that
     /// reading gives, such as the nearest bound.
     QString otherwise;
-    /// Numbers that are no choice are allowed too, and have the meaning `otherwise`.
+    /// Numbers without a choice are allowed too, and have the meaning `otherwise`.
     bool takesOtherNumbers = false;
 
     /// When the value must not be empty.
@@ -104,7 +104,7 @@ struct DateColumns
     bool haveTimes = false; ///< some of the dates have a time
 };
 
-/// What an input file says about one of its columns, besides the name and the type.
+/// What an input file says about one of its columns, apart from the name and the type.
 struct ColumnNotes
 {
     struct ValueLabel
@@ -131,7 +131,7 @@ struct TargetUse
 
     QString name; ///< expanded: absolute, with the values of variables
     Access access = Access::Create;
-    /// The files of a table that is split: each "*" in the last part of `name` stands for any text.
+    /// The files of a table that is split: each "*" in the last part of `name` matches any text.
     /// Otherwise a "*" is a character of the name.
     bool isPattern = false;
 };

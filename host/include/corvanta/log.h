@@ -1,5 +1,5 @@
-// Messages, the sinks that receive them, and the action that each message belongs to. A sink is
-// also told how much was read and which files were written, for a summary of the run.
+// Messages, the sinks that receive them, and the action that each message belongs to. A sink also
+// receives how much was read and which files were written, for a summary of the run.
 //
 // MainUI::addLog() sends a message to the sink of the calling thread's LogScope, or to the
 // program's sink if the thread has none.

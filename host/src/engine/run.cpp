@@ -354,7 +354,8 @@ void Run::Private::runAndClose(Node &node) noexcept
 {
     attempt([&] {
         callRun(node);
-        // Send the last rows before close(), which may take long: the next actions work meanwhile.
+        // Send the last rows before close(), which may take long: the next actions work in
+        // parallel.
         if (control.isRunning()) {
             node.ports->flush();
         }

@@ -1,5 +1,5 @@
 // Two actions use one file when their names lead to it: through links, "." and "..", or relative
-// parts. A pattern is compared as a text, because the names that it stands for are not known: two
+// parts. A pattern is compared as a text, because the names that match it are not known: two
 // equal patterns are one file. Pipes and devices may have any number of writers.
 //
 // Waits are edges between the two stages of each action, run and close, and form no circle: writers
@@ -97,8 +97,8 @@ bool FinalNames::isRead(const TargetUse &target, const QString &input)
         const Place to = placeOf(target.isPattern ? target.name : of(target.name));
         return from.folder == to.folder && isMatch(from.entry, to.entry);
     }
-    // What a pattern of targets stands for is known only during the run. Other names of the file
-    // (hard links) keep the old content when it is replaced, not when it is extended.
+    // The names that match a pattern of targets are known only during the run. Other names of the
+    // file (hard links) keep the old content when it is replaced, not when it is extended.
     return !target.isPattern &&
            (of(target.name) == of(input) ||
             (target.access == Access::Append && platform::isSameFile(target.name, input)));

@@ -151,7 +151,7 @@ void ActionCheck::checkInput(const ParameterInfo &info, const QString &value)
     if (file.exists() && !file.isDir()) {
         return;
     }
-    // A reader can be told to continue without the file, or to wait for it.
+    // Parameters can make a reader continue without the file, or wait for it.
     const QString aborts = valueOf(u"abortIfMissing"_s);
     const bool isTolerated =
         aborts == "0"_L1 || (aborts == "1"_L1 && valueOf(u"timeOut"_s).toLongLong() != 0);

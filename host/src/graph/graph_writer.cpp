@@ -31,7 +31,7 @@ void writeNode(const XMLNode &node, int depth, std::wostream &out)
     writeAttributes(node, out);
     const int children = node.nChildNode();
     const QString text = node.text();
-    // Blanks between elements only indent them and are written anew; in an element without children
+    // Spaces between elements only indent them and are not kept; in an element without children
     // they are a value.
     const bool hasText = children == 0 ? !text.isEmpty() : !text.trimmed().isEmpty();
     if (children == 0 && !hasText) {

@@ -306,8 +306,8 @@ void ParamLines::saveAction(const void *params, const void *defaults, std::wostr
     }
 }
 
-/// The first line that is no attribute determines the form of the element, also when its value is
-/// not saved: the form of an element never depends on values.
+/// The first line that is not an attribute determines the form of the element, also when its value
+/// is not saved: the form of an element never depends on values.
 ParamLines::End ParamLines::end() const
 {
     const auto child = std::find_if(m_lines.begin(), m_lines.end(),

@@ -25,7 +25,7 @@ constexpr auto kString = "s"_L1; // an element of a string list
 
 bool isChoice(const ParameterInfo &info, qint64 number)
 {
-    // A default that is no choice means "not chosen", and may be written out.
+    // A default that is not a choice means "not chosen", and may be written out.
     return (number >= 0 && number < info.choices.size()) ||
            QString::number(number) == info.defaultValue;
 }
@@ -342,7 +342,7 @@ void Walk::checkExpansion(const XMLNode &element, const ParameterInfo &info, con
         return;
     }
     // An unknown name makes the graph invalid and is reported for every text alike. A variable
-    // that stands for itself is how a literal "${" is written.
+    // whose value is its own text is how a literal "${" is written.
     if (m_global->expandString(text) != text) {
         m_problems.append(
             {element.line(),

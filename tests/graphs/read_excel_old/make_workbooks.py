@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Make the workbooks of the cases in this folder anew: make_workbooks.py"""
+"""Make the workbooks of the cases in this folder: make_workbooks.py"""
 import pathlib
 import struct
 import sys

@@ -55,7 +55,7 @@ public:
     }
 
     /// Read all parameters from the element that holds them. Absent attributes keep their value in
-    /// `params`; texts that are no numbers are read as 0, and numbers are limited to their range.
+    /// `params`; texts that are not numbers are read as 0, and numbers are limited to their range.
     void read(P &params, const XMLNode &node) const { m_lines.read(&params, node); }
     /// Write what follows the name and version of the action's element, to its end.
     void save(const P &params, std::wostream &out, const QString &element,
