@@ -57,7 +57,7 @@ QString refusal(const WorkbookFormat &format, const Fault<sheet::WorkbookError> 
 
 QString describe(const Fault<sheet::WorkbookError> &fault, const ByteSource &source)
 {
-    const QString reason = readFailure(source);
+    QString reason = readFailure(source);
     if (!reason.isEmpty()) {
         return reason;
     }

@@ -266,7 +266,7 @@ Result<bool, TaskError> TaskMaker::applyRange(SheetTask *task)
         return range.isEmpty() ? Result<bool, TaskError>(true) : setArea(*area, task);
     }
     // Some programs write tables with names that look like cells: T1.
-    const auto table = findTable(range, task);
+    auto table = findTable(range, task);
     if (!table || *table || findName(range, task)) {
         return table;
     }

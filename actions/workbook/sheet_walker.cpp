@@ -36,7 +36,7 @@ SheetWalker::SheetWalker(std::unique_ptr<sheet::SheetRows> rows, const WalkOptio
 sheet::WorkbookResult<bool> SheetWalker::readRow()
 {
     for (;;) {
-        const auto more = m_rows->next(&m_row);
+        auto more = m_rows->next(&m_row);
         if (!more || !*more) {
             return more;
         }

@@ -25,6 +25,16 @@ inline void RowPacker::addNumber(double value)
     m_used += sizeof value;
 }
 
+/// Any other NaN would be a special missing value, such as .A, for some readers.
+inline void RowPacker::addDouble(size_t column, double value, qint64 row)
+{
+    const bool isNumber = !std::isnan(value);
+    if (!isNumber && !cell::isMissingDouble(value)) [[unlikely]] {
+        m_reports[column].notNumbers.add(row);
+    }
+    addNumber(isNumber ? value : cell::missingDouble());
+}
+
 inline void RowPacker::addText(size_t column, const uchar *cell, qint64 row)
 {
     const cell::Text text = cell::readText(cell);
@@ -59,16 +69,9 @@ void RowPacker::add(const uchar *const *cells, qint64 row)
             addNumber(cell::isMissingKey(key) ? cell::missingDouble() : key);
             break;
         }
-        case cell::Type::Double: {
-            const auto value = loadNative<double>(cell);
-            // Any other NaN would be a special missing value, such as .A, for some readers.
-            const bool isNumber = !std::isnan(value);
-            if (!isNumber && !cell::isMissingDouble(value)) [[unlikely]] {
-                m_reports[i].notNumbers.add(row);
-            }
-            addNumber(isNumber ? value : cell::missingDouble());
+        case cell::Type::Double:
+            addDouble(i, loadNative<double>(cell), row);
             break;
-        }
         case cell::Type::Text:
             addText(i, cell, row);
             break;

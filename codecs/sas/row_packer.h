@@ -66,8 +66,11 @@ public:
     std::string_view block() const { return {m_block.data(), m_used}; }
     /// True when block() is so long (1 MiB) that it should be stored now.
     bool isFull() const { return m_used >= kBlockBytes; }
+    /// Forget the rows of block(), which the caller has stored. The reports stay.
     void clear() { m_used = 0; }
+    /// As given to the constructor.
     const std::vector<PackedColumn> &columns() const { return m_columns; }
+    /// One for each column, about all rows so far.
     const std::vector<ColumnReport> &reports() const { return m_reports; }
 
 private:
@@ -81,6 +84,8 @@ private:
         }
         return m_block.data() + m_used;
     }
+    void addDouble(size_t column, double value, qint64 row);
+    /// The slow part of room(): the block becomes at least twice as large.
     void grow(size_t bytes);
     void addNumber(double value);
     void addText(size_t column, const uchar *cell, qint64 row);

@@ -34,7 +34,6 @@ namespace {
 constexpr qint64 kCellHeader = 6;
 constexpr qint64 kCellHeader2 = 7;
 constexpr quint8 kXfBits = 0x3F;
-constexpr qint64 kRkBytes = 4;
 constexpr qint64 kMulRkBytes = 6; // of each cell
 
 // The format has 256 columns; this is what spreadsheet programs read at most.

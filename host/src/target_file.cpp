@@ -214,7 +214,7 @@ TargetFile::Done TargetFile::openLocked(MyWriteFile::Existing existing)
         return Fault{isStopped ? TargetError::Stopped : TargetError::Locked, m_target};
     }
     // Only now: what another run wrote must be complete before the file is emptied.
-    const Done opened = openFile(m_target, existing);
+    Done opened = openFile(m_target, existing);
     if (opened) {
         return opened;
     }

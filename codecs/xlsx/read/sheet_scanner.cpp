@@ -209,7 +209,7 @@ sheet::WorkbookResult<bool> SheetScanner::next(sheet::SheetRow *row)
         return entered.fault();
     }
     for (;;) {
-        const auto found = findRow();
+        auto found = findRow();
         if (!found || !*found) {
             return found;
         }
@@ -265,21 +265,16 @@ SheetScanner::Done SheetScanner::readUsualCells()
         if (m_part->begin() == m_part->end() || *m_part->begin() != '<') {
             return {};
         }
-        switch (scanCell(m_part->begin(), m_part->end(), &cell, &after)) {
-        case CellScan::Unusual:
+        const CellScan found = scanCell(m_part->begin(), m_part->end(), &cell, &after);
+        if (found == CellScan::Unusual) {
             return {};
-        case CellScan::Incomplete: {
+        }
+        if (found == CellScan::Incomplete) {
             const auto more = m_part->extend();
-            if (!more) {
-                return more.fault();
-            }
-            if (!*more) {
-                return {};
+            if (!more || !*more) {
+                return more ? Done() : more.fault();
             }
             continue;
-        }
-        case CellScan::Cell:
-            break;
         }
         if (auto added = addCell(cell); !added) {
             return added;
