@@ -74,17 +74,24 @@ public:
     qint64 blankRowsAtEnd() const { return m_blankRows; }
 
 private:
+    // The pieces of the file in their order; see the drawing in transport_writer.cpp.
     void addHeader(const char *name, const QByteArray &numbers);
+    /// A text with spaces up to its width.
     void addText(const QByteArray &text, qsizetype width);
     void addLibrary();
     void addMember();
     void addVariables();
+    /// A descriptor of 140 bytes. `number` counts from 1; `position` is the offset in a row.
     void addVariable(const Variable &variable, int number, qint64 position);
+    /// The section for labels that the descriptors cannot hold; version 8 only.
     void addLongLabels();
     void addObservations(qint64 rows);
+    /// Fill the last record with spaces, to a multiple of 80 bytes.
     void padRecord();
+    // Take a packed row or number at `at`, and return the place after it.
     const char *addRow(const char *at, char *out);
     const char *addNumber(const char *at, size_t variable, char *out);
+    /// Pass the buffer to the sink.
     Result<void, Error> flush();
 
     ByteSink &m_sink;

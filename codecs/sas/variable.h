@@ -19,6 +19,7 @@ struct Variable
     QByteArray label = {};  ///< empty: none
     QByteArray format = {}; ///< for example "DATE9."; empty: none
     bool isText = false;
+    /// Texts are padded with spaces to it; a narrow number loses its last bytes.
     int width = kNumberBytes; ///< bytes of each value
 };
 

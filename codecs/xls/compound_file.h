@@ -40,8 +40,11 @@ public:
     /// `source` must outlive the stream. `extents` are in the order of the stream, without gaps.
     CompoundStream(ByteSource &source, std::vector<Extent> extents, qint64 claimedBytes);
 
+    /// Reads at most up to the end of an extent. Returns 0 at the end of the stream.
     qint64 read(void *buffer, qint64 n) override;
+    /// The bytes that can be found.
     qint64 size() override { return m_bytes; }
+    /// Any offset from 0 to size().
     bool seek(qint64 offset) override;
     /// Bytes that the directory promises beyond those that can be found; 0 for an intact file.
     qint64 missingBytes() const { return m_missingBytes; }
@@ -100,9 +103,13 @@ private:
     }
     // The steps of open(). Only a bad header is a failure; the others take what the file has.
 
+    /// Returns false for a header that cannot be used.
     bool readHeader(const uchar *bytes);
+    /// Find the sectors of the allocation table: 109 are in the header, others in a list (DIFAT).
     void readFatSectors();
+    /// Read the allocation table, which has the next sector for each sector.
     void readFat();
+    /// Read the same table for the mini sectors of short streams.
     void readMiniFat();
     void readDirectory();
     Entry parseEntry(const uchar *bytes) const;
@@ -122,6 +129,7 @@ private:
     qint64 sectorBytes() const { return qint64(1) << m_header.sectorShift; }
     /// Sectors that begin before the end of the file.
     qint64 sectorCount() const { return (m_fileBytes - 1) / sectorBytes(); }
+    /// The header takes the place of one sector, also if sectors are larger than it.
     qint64 offsetOf(quint32 sector) const { return (qint64(sector) + 1) * sectorBytes(); }
 
     ByteSource *m_source;

@@ -46,6 +46,7 @@ private:
         quint16 first = 0; ///< index of the first sheet
         quint16 last = 0;  ///< and of the last one
     };
+    // In the order of the records.
     std::vector<Stored> m_names;
     std::vector<SheetRange> m_ranges;
     std::vector<bool> m_isThisBook; // by the order of SUPBOOK records

@@ -24,14 +24,18 @@ public:
     /// NotAWorkbook, Encrypted, Damaged.
     static sheet::WorkbookResult<std::unique_ptr<LegacyWorkbook>> open(ByteSource &source);
 
+    /// All sheets, also charts and modules, which have no rows.
     const std::vector<sheet::SheetInfo> &sheets() const override { return m_sheets; }
     bool uses1904() const override { return m_globals.uses1904; }
     const std::vector<sheet::DefinedName> &definedNames() const override { return m_globals.names; }
+    /// Always empty: the format does not have tables.
     sheet::WorkbookResult<std::vector<sheet::TableInfo>> tables() override
     {
         return std::vector<sheet::TableInfo>{};
     }
+    /// Scans the sheet. Errors: Damaged, TooLarge, ReadFailed, Stopped.
     sheet::WorkbookResult<sheet::SheetLayout> layout(size_t index) override;
+    /// Errors: as layout().
     sheet::WorkbookResult<std::unique_ptr<sheet::SheetRows>> openSheet(size_t index) override;
     void stop() override { m_stop.store(true, std::memory_order_relaxed); }
 
@@ -45,6 +49,7 @@ private:
     sheet::WorkbookResult<const SheetScan *> scan(size_t index);
     /// Read them when the first sheet is opened; lists of sheets do without.
     void readSharedTexts();
+    /// The part of readSharedTexts() that reads: the SST record and those that continue it.
     void loadSharedTexts();
     /// The forms that the cells of a sheet refer to.
     CellForms formsOf(size_t index);

@@ -23,9 +23,11 @@ public:
     {
         return number < m_ends.size() ? view(number) : std::u16string_view{};
     }
+    /// The texts that were found, which may be fewer than the record claims.
     size_t size() const { return m_ends.size(); }
 
 private:
+    /// The text of a number that exists.
     std::u16string_view view(size_t number) const
     {
         const size_t begin = number == 0 ? 0 : m_ends[number - 1];

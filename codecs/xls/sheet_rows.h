@@ -34,11 +34,15 @@ public:
 private:
     // Decode the cells of the next row into m_cells, and set m_row.
 
+    /// From the records as they are stored, until the row changes.
     void readOrdered();
+    /// From the places in m_sorted.
     void readSorted();
+    /// Go to the next cell record of the sheet. Returns false at its end.
     bool nextCell(Record *record);
     /// The end of the rows, or the fault that ended them.
     sheet::WorkbookResult<bool> finish() const;
+    /// Publish how much of the sheet has been read.
     void updateFraction();
 
     SheetSource m_source;

@@ -19,7 +19,7 @@ enum class NameFault : quint8 {
 
 /// The faults of the name of a sheet; `others` are the names of the other sheets.
 QVector<NameFault> sheetNameFaults(const QString &name, const QStringList &others);
-/// The faults of a defined name.
+/// The faults of a defined name. Writers use the name all the same: other programs may accept it.
 QVector<NameFault> rangeNameFaults(const QString &name);
 /// The one of `names` that differs from `name` only in letter case; empty if there is none.
 QString sameButCase(const QString &name, const QStringList &names);

@@ -57,9 +57,13 @@ public:
     bool isStopped() const { return m_isStopped.load(); }
 
 private:
+    /// A piece with its memory; pieces are reused.
     static Piece makePiece();
+    /// Read until the piece is full or the source ends. Returns false if it is empty then.
     bool fill(Piece *piece);
+    /// The thread: fills pieces while there is room for more.
     void work();
+    /// next() without a thread.
     const Piece *nextHere();
 
     std::unique_ptr<ByteSource> m_source; // used by m_thread, if it runs

@@ -7,6 +7,8 @@
 namespace corvanta::xlsx {
 
 /// Threads: one at a time per view; views of one source and one mutex are independent.
+/// Several members of a package are read at the same time: each view remembers where its reader is,
+/// and seeks before every read.
 class SourceView final : public ByteSource
 {
 public:
@@ -18,6 +20,7 @@ public:
     {
     }
 
+    /// Waits while another view reads.
     qint64 read(void *buffer, qint64 n) override
     {
         const std::lock_guard lock(m_mutex);
@@ -30,6 +33,7 @@ public:
         const std::lock_guard lock(m_mutex);
         return m_source.size();
     }
+    /// Sets the position of the next read; the source itself does not move.
     bool seek(qint64 offset) override
     {
         m_position = offset;

@@ -21,6 +21,7 @@ struct WorkbookSheets
     };
     std::vector<Entry> sheets; ///< in the order of their tabs
     std::vector<sheet::DefinedName> names;
+    /// Whether serial 0 of a date is 1904-01-01.
     bool uses1904 = false;
 };
 
