@@ -60,9 +60,11 @@ private:
     bool putAscii(int column, const char *text, int n);
     // A number in a column of texts.
     bool putOwn(int column, double number);
+    /// Whether the cell is empty: a system-missing value, or one that the user declared as missing.
     bool isMissing(const ColumnPlan &plan, const readstat_value_t &value,
                    readstat_variable_t *variable);
     // Findings keep the place of the first one; it is put into words only then.
+    /// Count a text that was not decoded completely.
     void countLoss(Decoded result, const ColumnPlan &plan);
     QString place(const ColumnPlan &plan) const;
 

@@ -33,6 +33,7 @@ private:
 
     /// The place for an item of at most `bytes`, on a new page if it does not fit.
     uchar *room(size_t bytes);
+    // The parts of a row in the form that takeCell() reads.
     void put(const sheet::SheetCell &cell);
     void putNumber(const sheet::SheetCell &cell);
     void putText(const sheet::SheetCell &cell);
@@ -54,13 +55,16 @@ public:
     RecordedRows(std::unique_ptr<RowRecording> recording, SharedStrings &strings);
 
     sheet::WorkbookResult<bool> next(sheet::SheetRow *row) override;
+    /// Of the rows, not of the bytes.
     double fractionDone() const override;
     const sheet::SheetProblems &problems() const override { return m_recording->problems(); }
 
 private:
     // Each takes an item at m_at and goes to the one after it.
     uchar takeTag();
+    /// The column and the value after a tag.
     void takeCell(sheet::SheetCell *cell);
+    /// A text of the sheet, or the number of a shared string.
     void takeText(sheet::SheetCell *cell);
 
     const std::unique_ptr<RowRecording> m_recording;

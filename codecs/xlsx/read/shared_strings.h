@@ -65,19 +65,24 @@ private:
         quint32 unit;
     };
 
+    /// The text of a string that is loaded.
     std::u16string_view text(quint64 index) const
     {
         const Place place = m_index[index / kIndexStrings][index % kIndexStrings];
         const char16_t *const units = m_blocks[place.block].get() + place.unit;
         return {units, static_cast<size_t>(units[-1]) << 16 | units[-2]};
     }
+    /// Read strings until `index` is loaded or the part ends.
     sheet::WorkbookResult<void> load(quint64 index);
+    /// Read one string. Returns false at the end of the part.
     sheet::WorkbookResult<bool> takeNext();
+    /// Take a string without formats and references, which most are. False for any other one.
     bool takePlain();
     /// Copy a text to the blocks as the next string.
     sheet::WorkbookResult<void> add(std::u16string_view text);
     /// Later texts go to this block; the rest of the one before stays unused.
     void addBlock(size_t units);
+    /// The place for the units of the next text, in the last block or in a new one.
     char16_t *room(size_t units);
 
     std::unique_ptr<PartText> m_part; // null without strings

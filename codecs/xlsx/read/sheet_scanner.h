@@ -11,6 +11,9 @@
 namespace corvanta::xlsx {
 
 /// Threads: see sheet::SheetRows.
+/// Reads the elements of a part one after the other, and keeps one row. Cells of the usual form are
+/// recognised by a fast scan (cell_scan.h); others, and damaged ones, are parsed as markup. What is
+/// repaired on the way is counted in problems().
 class SheetScanner final : public sheet::SheetRows
 {
 public:
@@ -18,6 +21,7 @@ public:
     SheetScanner(std::unique_ptr<PartText> part, SharedStrings &strings,
                  const std::vector<sheet::NumberForm> &forms);
 
+    /// Errors: those of the part, TooLarge.
     sheet::WorkbookResult<bool> next(sheet::SheetRow *row) override;
     double fractionDone() const override { return m_part->fractionDone(); }
     const sheet::SheetProblems &problems() const override { return m_problems; }
@@ -25,6 +29,7 @@ public:
     /// Read everything of the sheet but its cells. Instead of next().
     sheet::WorkbookResult<sheet::SheetLayout> readLayout();
 
+    /// End a running call soon, with Stopped. Any thread.
     void stop() { m_part->stop(); }
 
 private:
@@ -43,27 +48,34 @@ private:
     Done enterRows();
     /// Go to the next row; false after the last one.
     sheet::WorkbookResult<bool> findRow();
+    /// Take a start tag of the most usual form. False for any other one.
     bool takeUsualRow();
     /// Rows without a number follow the one before.
     void startRow(std::optional<QByteArrayView> number);
+    /// An invalid number is counted, and the row follows the one before.
     void setRowNumber(QByteArrayView text);
     Done readCells();
     /// Take the cells of the usual form. Returns when another item follows.
     Done readUsualCells();
+    /// Read an element of a row in the general way. False at the end of the row.
     sheet::WorkbookResult<bool> readItem();
     Done readUnusualCell(const opc::Tag &tag);
     /// Read the value of a cell and its end tag.
     Done readInside(RawCell *cell);
     Done addCell(const RawCell &cell);
+    /// Set column and form. False if the cell has no place in the sheet and is left out.
     bool placeCell(const RawCell &cell, sheet::SheetCell *placed);
     Done setValue(const RawCell &cell, sheet::SheetCell *placed);
+    // The values by type: number, number with an unusual text, shared string, and own text.
     void setNumber(const RawCell &cell, sheet::SheetCell *placed);
     void setOddNumber(const RawCell &cell, sheet::SheetCell *placed);
     Done setShared(const RawCell &cell, sheet::SheetCell *placed);
     void setText(QByteArrayView raw, sheet::SheetCell *placed);
+    /// Point the cells to their texts in m_texts, which no longer moves.
     void finishCells();
     /// Sort cells that are out of order; of several in one column the last one remains.
     void orderCells();
+    /// Count a repair; the first one keeps its place.
     void count(sheet::SheetProblem problem, int column);
     /// The name of a cell of the row that is read, such as B7.
     QString placeOf(int column) const;

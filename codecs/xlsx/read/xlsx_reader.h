@@ -32,6 +32,7 @@ public:
     static sheet::WorkbookResult<std::unique_ptr<XlsxReader>> open(ByteSource &source);
     ~XlsxReader() override;
 
+    // See sheet::WorkbookReader. Sheets count from 0.
     const std::vector<sheet::SheetInfo> &sheets() const override { return m_infos; }
     bool uses1904() const override { return m_uses1904; }
     const std::vector<sheet::DefinedName> &definedNames() const override { return m_names; }
@@ -45,16 +46,22 @@ private:
     class OpenSheet;
 
     explicit XlsxReader(ByteSource &source);
+    /// Read the directory of the package.
     Done openPackage();
+    /// Refuse packages of another kind, such as a text document, and say what they are.
     Done checkKind();
     /// Read names, kinds and parts of the sheets, and the defined names.
     Done readWorkbook();
+    /// Read which cell formats show dates.
     Done readStyles();
+    /// Prepare the shared strings before the first sheet that needs them.
     Done openStrings();
     /// The part that the package names as its document.
     QByteArray workbookPart();
+    /// The name that most writers give the sheet; `number` counts from 1.
     QByteArray usualSheetPart(qsizetype number) const;
     opc::Relationships relationshipsOf(const QByteArray &part);
+    /// The part with a relationship of this kind to the workbook; `fallback` without one.
     QByteArray relatedPart(const char *kind, const QByteArray &fallback) const;
     /// Null without it; letter case and slashes count as opc::MemberNames has it.
     const zip::Member *memberOf(const QByteArray &part) const;
@@ -65,10 +72,14 @@ private:
                                                               SourceView &view);
     /// The rows of sheet `index`, from 0, from its part.
     sheet::WorkbookResult<std::unique_ptr<SheetScanner>> openScanner(size_t index);
+    /// Add the size of a part to m_contentBytes. Errors: TooLarge, which ends hostile workbooks.
     Done countContent(const zip::Member &member);
     Done addTables(size_t index, std::vector<sheet::TableInfo> *tables);
+    /// Whether all rows will fit in memory, if `fraction` of them need what `recording` has.
     bool hasRoomFor(const RowRecording &recording, double fraction) const;
+    /// Keep the rows of a sheet for its second reading.
     void keep(size_t index, std::unique_ptr<RowRecording> recording);
+    /// Say which scanner stop() ends; null for none.
     void setScanner(SheetScanner *scanner);
 
     const qint64 m_fileBytes;
