@@ -159,6 +159,7 @@ qsizetype utf8OrLatin1ToUtf16(const char *in, qsizetype n, char16_t *out, qsizet
 qsizetype utf16ToUtf8(const char16_t *in, qsizetype n, char *out, qsizetype *replaced)
 {
     char *const begin = out;
+    qsizetype lone = 0;
     for (qsizetype i = 0; i < n;) {
         const qsizetype ascii = narrowAscii(in + i, n - i, out);
         i += ascii;
@@ -171,12 +172,13 @@ qsizetype utf16ToUtf8(const char16_t *in, qsizetype n, char *out, qsizetype *rep
                 c = isPair ? QChar::surrogateToUcs4(static_cast<char16_t>(c), in[i])
                            : kReplacementCharacter;
                 i += isPair ? 1 : 0;
-                if (!isPair && replaced != nullptr) {
-                    ++*replaced;
-                }
+                lone += isPair ? 0 : 1;
             }
             out = putUtf8(c, out);
         }
+    }
+    if (replaced != nullptr) {
+        *replaced += lone;
     }
     return out - begin;
 }
