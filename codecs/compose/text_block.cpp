@@ -174,7 +174,7 @@ void TextBlock::drain(Rest rest)
     }
     m_units[0] = keepsOne ? m_units[units] : m_units[0];
     m_fill = keepsOne ? 1 : 0;
-    // The last row goes on.
+    // The last row continues.
     if (!m_rows.empty()) {
         m_rows.assign(1, {0, m_rows.back().number});
     }

@@ -114,7 +114,7 @@ Result<void, Error> MemoFile::load()
     return {};
 }
 
-// A size of 0 stands for the usual one: some programs leave the field empty.
+// A size of 0 means the usual one: some programs leave the field empty.
 void MemoFile::readBlockSize(QByteArrayView head)
 {
     const int stored = storedBlockBytes(m_format, head);

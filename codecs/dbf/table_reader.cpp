@@ -257,7 +257,7 @@ void TableReader::endOfCount()
         isRecord && (m_buffer[m_at] == kDeleted || m_buffer[m_at] == kNotDeleted);
 }
 
-// Leading spaces belong to a text; only zeros in front of it are padding.
+// Leading spaces belong to a text; only zeros before it are padding.
 QByteArrayView TableReader::trimmedText(const char *bytes, int n)
 {
     n = lengthWithoutPadding(bytes, n);

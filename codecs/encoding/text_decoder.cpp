@@ -109,7 +109,7 @@ std::optional<TextDecoder> TextDecoder::open(const QString &encoding)
     return encoding.isEmpty() ? std::nullopt : ofIconv(encoding);
 }
 
-/// What kind an encoding is shows only when every byte has been converted: iconv does not tell.
+/// The kind of an encoding is known only after every byte has been converted: iconv does not say.
 std::optional<TextDecoder> TextDecoder::ofIconv(const QString &encoding)
 {
     auto converter = std::make_unique<Converter>(encoding.toLatin1());

@@ -18,7 +18,7 @@ namespace corvanta::opc {
 
 namespace {
 
-/// The second byte of the record's number tells the version of the workbook.
+/// The second byte of the record's number is the version of the workbook.
 bool isBofVersion(char version)
 {
     return version == 0 || version == 2 || version == 4 || version == 8;

@@ -71,7 +71,7 @@ MemberDecoder::Step MemberDecoder::copy(std::span<const char> input, std::span<c
     return {bytes, bytes};
 }
 
-/// Method 8. A call that neither reads nor writes although it could would repeat for ever.
+/// Method 8. A call that neither reads nor writes although it could would repeat forever.
 Result<MemberDecoder::Step, Error> MemberDecoder::inflate(std::span<const char> input,
                                                           std::span<char> output)
 {

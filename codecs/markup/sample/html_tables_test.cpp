@@ -38,7 +38,7 @@ QString describe(const std::vector<HtmlTable> &tables)
     return texts.join(u'\n');
 }
 
-/// Goldens that are no measure: their program counts the rows of inner tables with those of the
+/// Goldens that do not apply: their program counts the rows of inner tables with those of the
 /// outer one, or took UTF-8 for Latin-1.
 const QStringList kOtherwise{u"hukumusume.html.table1.csv"_s, u"wikipedia.html.table3.csv"_s,
                              u"unicode_1.html.table1.csv"_s};

@@ -72,8 +72,8 @@ inline size_t openedSection(const char *at, bool html)
 }
 
 /// Bytes of the "]", blanks and ">" that end the subset of a DOCTYPE at the end of `content`; 0
-/// without them. What comes before tells it from a "]" inside a declaration: a ">" that ends one,
-/// a ";" of a reference, or the "[".
+/// without them. What comes before distinguishes it from a "]" inside a declaration: a ">" that
+/// ends one, a ";" of a reference, or the "[".
 inline size_t spacedCloserSize(std::string_view content)
 {
     constexpr std::string_view kBlanks = " \t\r\n";

@@ -2,7 +2,7 @@
 // elements, attributes and text are the same.
 //
 // On purpose otherwise, and made equal here before the comparison:
-//  - spaces before a text and texts of spaces alone are no text (what joins the pieces of an
+//  - spaces before a text and texts of spaces alone are not a text (what joins the pieces of an
 //  element's
 //    text puts them back between two of them),
 //  - line ends and spaces in attributes stay as they are written, whatever a DTD says of them,

@@ -9,7 +9,7 @@ namespace corvanta::markup {
 
 namespace {
 
-/// Their end tags are ignored wherever they stand.
+/// Their end tags are ignored everywhere.
 constexpr std::array<std::string_view, 7> kDroppedEnds{"tbody", "img",   "br",  "link",
                                                        "meta",  "input", "area"};
 /// They have no content and no end tag.

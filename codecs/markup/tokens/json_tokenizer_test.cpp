@@ -118,7 +118,7 @@ const Case kCases[] = {
     {R"({"a")", "!23", kBalanced},
     {R"({"a":)", "<a !4", kBalanced},
     {"[[1]", "<a <a '1' >a !4", kBalanced},
-    // bytes that are no text
+    // bytes that are not text
     {"[1,\"\xff\"]", "<a '1' >a <a !17"},
     {"[12\xe5", "<a !17"},
     {"[\"\xed\xa0\x80\"]", "<a !17"},
@@ -298,7 +298,7 @@ const std::vector<Liberty> kLiberties = {
      {"n_number_-NaN", "n_number_Inf", "n_number_NaN", "n_number_infinity",
       "n_number_minus_infinity"}},
     {"single quotes", {"n_object_single_quote", "n_string_single_quote"}},
-    {"an unknown escape stands for its character",
+    {"an unknown escape is its character",
      {"n_string_1_surrogate_then_escape_u", "n_string_escape_x", "n_string_escaped_emoji",
       "n_string_incomplete_surrogate", "n_string_invalid_backslash_esc"}},
     {"raw control characters in strings", {"n_string_unescaped_newline"}},

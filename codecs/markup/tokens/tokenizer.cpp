@@ -102,7 +102,7 @@ Result<void, MarkupError> MarkupTokenizer::findEncoding()
     return detectEncoding(m_source, *first);
 }
 
-// A source that fails at once has no data, but the scans still need the zeros at its end.
+// A source whose first read fails has no data, but the scans still need the zeros at its end.
 bool MarkupTokenizer::begin()
 {
     m_begun = true;

@@ -196,7 +196,7 @@ void PathSet::addUnreadText(const MarkupTree &tree, Visit at)
     }
 }
 
-/// All that an element has besides its text, which a path reads.
+/// All that an element has except its text, which a path reads.
 inline void PathSet::addUnreadInside(const MarkupTree &tree, quint32 element)
 {
     const TreeItem &node = tree.item(element);

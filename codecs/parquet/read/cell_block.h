@@ -1,6 +1,6 @@
 // A block of cells of one column, and the functions that fill it from stored values.
 //
-// Threads: one thread at a time per block, but a dictionary may be read by several at once.
+// Threads: one thread at a time per block, but a dictionary may be read by several threads.
 #pragma once
 #include "base/cell.h"
 #include "codecs/parquet/read/column.h"

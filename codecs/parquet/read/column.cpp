@@ -372,7 +372,7 @@ Result<void, Error> checkChunks(const FileMetaData &file, const Column &column,
         }
         if (chunk.filePath && !chunk.filePath->isEmpty()) {
             return unreadable(
-                u"its data lies in another file, '%1'"_s.arg(QString::fromUtf8(*chunk.filePath)));
+                u"its data is in another file, '%1'"_s.arg(QString::fromUtf8(*chunk.filePath)));
         }
         if (chunk.metaData->type != column.physical) {
             return unreadable(u"a row group stores it as another type"_s);

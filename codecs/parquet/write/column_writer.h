@@ -80,7 +80,7 @@ struct ChangedValues
     qint64 firstRow = 0;
 };
 
-/// Collects the cells of one row group at a time. Finished pages go to the compressor at once.
+/// Collects the cells of one row group at a time. Finished pages go to the compressor immediately.
 /// Threads: one thread at a time per object.
 class ColumnWriter
 {

@@ -43,7 +43,7 @@ public:
 
     /// Queue a page. Compresses pages itself while too many of them wait.
     std::shared_ptr<PendingPage> submit(std::vector<char> raw);
-    /// Wait until the page is done. Compresses waiting pages meanwhile.
+    /// Wait until the page is done. Compresses other pages while it waits.
     void wait(const PendingPage &page);
     /// An empty buffer, with the memory of an earlier page if possible.
     std::vector<char> takeBuffer();
