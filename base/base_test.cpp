@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <random>
@@ -109,6 +110,20 @@ TEST(Number, ShortestReadsBackAsTheSameNumber)
         EXPECT_EQ(shortestText(value).toStdString(), text);
     }
     std::mt19937_64 random(2);
+    // Few decimals, and the numbers next to them, around the limit of 15 digits.
+    for (int i = 0; i < 20000; ++i) {
+        const auto digits = static_cast<double>(random() >> (14 + i % 40));
+        const double value = (i % 2 == 0 ? digits : -digits) / std::pow(10, i % 7);
+        for (const double near : {value, std::nextafter(value, 0), std::nextafter(value, 1e300)}) {
+            std::array<char, kNumberChars> text{};
+            const auto end = std::to_chars(text.data(), text.data() + text.size(), near,
+                                           std::chars_format::fixed);
+            const double size = std::fabs(near);
+            if (size == 0 || (size >= 1e-5 && size < 1e17)) {
+                ASSERT_EQ(shortestText(near).toStdString(), std::string(text.data(), end.ptr));
+            }
+        }
+    }
     for (int i = 0; i < 20000; ++i) {
         const double value = std::bit_cast<double>(random());
         double back = 0;
@@ -162,6 +177,20 @@ TEST(FloatFormat, AcceptsExactlyOneDoubleConversion)
     QByteArray out;
     format.append(1e300, &out);
     EXPECT_EQ(out.size(), 301 + 1 + 999);
+}
+
+TEST(Utf, FindsTheEndOfAsciiAtEveryPlace)
+{
+    for (qsizetype n = 0; n < 40; ++n) {
+        for (qsizetype at = 0; at <= n; ++at) {
+            QString text(n, u'x');
+            text.replace(at, at < n ? 1 : 0, at < n ? u"\u00E9"_s : QString());
+            const QByteArray utf8 = text.toUtf8();
+            ASSERT_EQ(viaUtf16(utf8), utf8) << n << ' ' << at;
+            std::vector<char16_t> wide(static_cast<size_t>(utf8.size()));
+            ASSERT_EQ(asciiToUtf16(utf8.constData(), utf8.size(), wide.data()), at);
+        }
+    }
 }
 
 TEST(Utf, ConvertsEveryPlaneAndReplacesBrokenSequences)

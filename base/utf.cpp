@@ -23,24 +23,59 @@ bool isContinuation(uchar byte)
     return (byte & 0xC0) == 0x80;
 }
 
-/// Narrow ASCII from `in`, 16 units at a time; returns how many units were taken.
+/// Whether no unit is larger than 0x7F.
+bool isAscii(__m128i units)
+{
+    const __m128i high = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xFF80)));
+    return _mm_movemask_epi8(_mm_cmpeq_epi16(high, _mm_setzero_si128())) == 0xFFFF;
+}
+
+/// Narrow 8 units if they are ASCII.
+inline bool narrow8(const char16_t *in, char *out)
+{
+    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i *>(in));
+    if (!isAscii(units)) {
+        return false;
+    }
+    _mm_storel_epi64(reinterpret_cast<__m128i *>(out), _mm_packus_epi16(units, units));
+    return true;
+}
+
+/// Narrow ASCII from `in`, 16 units at a time; returns how many units were taken. The last 8 units
+/// may overlap those before, which is faster than a loop for the rest.
 qsizetype narrowAscii(const char16_t *in, qsizetype n, char *out)
 {
-    const __m128i high = _mm_set1_epi16(static_cast<short>(0xFF80));
     qsizetype i = 0;
     for (; i + 16 <= n; i += 16) {
         const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i *>(in + i));
         const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i *>(in + i + 8));
-        const __m128i wide = _mm_and_si128(_mm_or_si128(a, b), high);
-        if (_mm_movemask_epi8(_mm_cmpeq_epi16(wide, _mm_setzero_si128())) != 0xFFFF) {
+        if (!isAscii(_mm_or_si128(a, b))) {
             break;
         }
         _mm_storeu_si128(reinterpret_cast<__m128i *>(out + i), _mm_packus_epi16(a, b));
+    }
+    if (n - i >= 8 && narrow8(in + i, out + i)) {
+        i += 8;
+    }
+    if (n >= 8 && n - i < 8 && narrow8(in + n - 8, out + n - 8)) {
+        return n;
     }
     for (; i < n && in[i] < 0x80; ++i) {
         out[i] = static_cast<char>(in[i]);
     }
     return i;
+}
+
+/// Widen 8 bytes if they are ASCII.
+inline bool widen8(const char *in, char16_t *out)
+{
+    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(in));
+    if (_mm_movemask_epi8(bytes) != 0) {
+        return false;
+    }
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(out),
+                     _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
+    return true;
 }
 
 /// Bytes of ASCII at the start of `in`.
@@ -140,15 +175,22 @@ qsizetype asciiToUtf16(const char *in, qsizetype n, char16_t *out)
             return i + __builtin_ctz(mask);
         }
     }
+    if (n - i >= 8 && widen8(in + i, out + i)) {
+        i += 8;
+    }
+    // The last 8 bytes overlap those before, which is faster than a loop for the rest.
+    if (n >= 8 && n - i < 8 && widen8(in + n - 8, out + n - 8)) {
+        return n;
+    }
     for (; i < n && static_cast<uchar>(in[i]) < 0x80; ++i) {
         out[i] = static_cast<uchar>(in[i]);
     }
     return i;
 }
 
-qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out)
+qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out, qsizetype *illFormed)
 {
-    return convertUtf8<IllFormed::Replace>(in, n, out, nullptr);
+    return convertUtf8<IllFormed::Replace>(in, n, out, illFormed);
 }
 
 qsizetype utf8OrLatin1ToUtf16(const char *in, qsizetype n, char16_t *out, qsizetype *illFormed)

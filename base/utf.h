@@ -18,8 +18,9 @@ inline constexpr qsizetype kUtf8BytesPerUnit = 3;
 
 /// Convert `n` bytes of UTF-8 into `out`, which has room for `n` units; returns the units written.
 /// Each byte of an ill-formed sequence becomes one U+FFFD: overlong forms, encoded surrogates and
-/// code points above 0x10FFFF are ill-formed, as are sequences that the end of `in` truncates.
-qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out);
+/// code points above 0x10FFFF are ill-formed, as are sequences that the end of `in` truncates. Each
+/// adds 1 to `*illFormed`.
+qsizetype utf8ToUtf16(const char *in, qsizetype n, char16_t *out, qsizetype *illFormed = nullptr);
 
 /// Like utf8ToUtf16(), but each byte of an ill-formed sequence becomes the Latin-1 character of its
 /// value and adds 1 to `*illFormed`.
