@@ -142,13 +142,14 @@ private:
 TEST(RecordWriter, QuotesOnlyWhereNeededAndDistinguishesMissingFromEmpty)
 {
     const TextRow row({u"plain, long enough for a block"_s, u""_s, QString(), u"a\"b"_s, u"\r"_s,
-                       u"semi;colon"_s, u" é😀 "_s});
+                       u"semi;colon"_s, u" é😀 "_s, u"\"\"twice, \"and\" again\""_s});
     RecordWriter writer(',');
     writer.addNames(TextRow({u"n"_s, u"a,b"_s}).view());
     writer.addRow(row.view());
     EXPECT_EQ(
         writer.bytes().toByteArray(),
-        "n,\"a,b\"\n\"plain, long enough for a block\",\"\",,\"a\"\"b\",\"\r\",semi;colon, é😀 \n");
+        "n,\"a,b\"\n\"plain, long enough for a block\",\"\",,\"a\"\"b\",\"\r\",semi;colon, é😀 "
+        ",\"\"\"\"\"twice, \"\"and\"\" again\"\"\"\n");
     writer.clear();
     EXPECT_TRUE(writer.bytes().isEmpty());
 }

@@ -6,8 +6,23 @@
 #include "codecs/csv/find_first_of.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace corvanta::csv {
+
+namespace {
+
+size_t countQuotes(const char *text, size_t n)
+{
+    size_t count = 0;
+    const char *const end = text + n;
+    for (text = findFirstOf(text, end, '"'); text != end; text = findFirstOf(text + 1, end, '"')) {
+        ++count;
+    }
+    return count;
+}
+
+} // namespace
 
 RecordWriter::RecordWriter(char separator)
     : m_separator(separator)
@@ -27,17 +42,16 @@ inline void RecordWriter::reserve(size_t bytes)
 /// Appends a text that is not missing, with quotes if it needs them.
 void RecordWriter::addText(const char16_t *units, qsizetype n, int column)
 {
-    reserve(static_cast<size_t>(n) * 3 + 1);
+    reserve(static_cast<size_t>(n) * kUtf8BytesPerUnit + kReadAhead);
     char *const out = m_buffer.data() + m_used;
     qsizetype replaced = 0;
     const qsizetype size = utf16ToUtf8(units, n, out, &replaced);
     if (replaced != 0) [[unlikely]] {
         countReplaced(replaced, column);
     }
-    const char *const end = out + size;
     const size_t begin = m_used;
     m_used += static_cast<size_t>(size);
-    if (n == 0 || findFirstOf(out, end, m_separator, '"', '\n', '\r') != end) {
+    if (n == 0 || hasOneOf(out, size, m_separator, '"', '\n', '\r')) {
         addQuoted(begin);
     }
 }
@@ -54,21 +68,23 @@ void RecordWriter::countReplaced(qsizetype n, int column)
 /// Puts the text from `begin` to the end of the buffer in quotes and doubles its quotes.
 void RecordWriter::addQuoted(size_t begin)
 {
-    // A copy, because each doubled quote moves the rest of the text. Few texts need quotes.
-    const std::vector<char> text(m_buffer.data() + begin, m_buffer.data() + m_used);
-    m_used = begin;
+    const size_t n = m_used - begin;
+    const size_t quotes = countQuotes(m_buffer.data() + begin, n);
     // Two quotes around the text, and the separator.
-    reserve(text.size() * 2 + 3);
-    char *at = m_buffer.data() + m_used;
+    reserve(quotes + 3);
+    char *at = m_buffer.data() + begin;
+    const char *from = at + 1 + quotes;
+    std::memmove(at + 1 + quotes, at, n);
     *at++ = '"';
-    for (const char c : text) {
-        *at++ = c;
-        if (c == '"') {
+    // The text is ahead by the number of quotes that are not doubled yet.
+    while (at < from) {
+        *at++ = *from;
+        if (*from++ == '"') {
             *at++ = '"';
         }
     }
-    *at++ = '"';
-    m_used = static_cast<size_t>(at - m_buffer.data());
+    m_used += quotes + 2;
+    m_buffer[m_used - 1] = '"';
 }
 
 void RecordWriter::addNames(const RowView &row)
