@@ -202,22 +202,22 @@ QString TextDecoder::decodeCut(QByteArrayView bytes) const
     return text;
 }
 
-/// The whole text is examined before it is converted: the conversion replaces a character that is
-/// cut at the end like invalid bytes, but such a character is to be left out.
+/// The conversion replaces a character that is cut at the end like invalid bytes, but such a
+/// character is to be left out.
 Decoded TextDecoder::decodeUtf8(const char *in, qsizetype n, char16_t *out, qsizetype *units)
 {
+    qsizetype illFormed = 0;
+    *units = utf8ToUtf16(in, n, out, &illFormed);
+    if (illFormed == 0) {
+        return Decoded::Complete;
+    }
     Utf8Stop stop = Utf8Stop::End;
     const qsizetype valid = wellFormedUtf8(in, n, &stop);
-    *units = utf8ToUtf16(in, stop == Utf8Stop::Truncated ? valid : n, out);
-    switch (stop) {
-    case Utf8Stop::End:
-        return Decoded::Complete;
-    case Utf8Stop::Truncated:
-        return Decoded::Cut;
-    case Utf8Stop::Invalid:
-        break;
+    if (stop != Utf8Stop::Truncated) {
+        return Decoded::Replaced;
     }
-    return Decoded::Replaced;
+    *units -= n - valid; // a unit for each byte of the character
+    return Decoded::Cut;
 }
 
 /// The table has U+FFFD for the bytes that the encoding does not use.

@@ -92,9 +92,12 @@ void OutputPin::appendOwn()
         batch.schema = m_row.m_schema;
         batch.columns = m_row.numberOfColumns();
     }
-    const QVector<MetaInfo> &types = batch.schema->types;
+    const MetaInfo *const types = batch.schema->types.constData();
+    const size_t first = batch.cells.size();
+    batch.cells.resize(first + static_cast<size_t>(batch.columns));
+    const uchar **const cells = batch.cells.data() + first;
     for (int i = 0; i < batch.columns; ++i) {
-        const uchar *cell = m_row.m_own[static_cast<size_t>(i)];
+        const uchar *cell = std::exchange(m_row.m_own[static_cast<size_t>(i)], nullptr);
         // A cell in the current block of the arena is already in the batch. isRecent() misses cells
         // in older blocks, which are copied once more; that is correct and rare.
         if (cell == nullptr) {
@@ -102,8 +105,7 @@ void OutputPin::appendOwn()
         } else if (!batch.arena.isRecent(cell)) {
             cell = copyCell(batch.arena, types[i].cellType(), cell);
         }
-        batch.cells.push_back(cell);
-        m_row.m_own[static_cast<size_t>(i)] = nullptr;
+        cells[i] = cell;
     }
     if (++batch.rows == m_options.batchRows || batch.arena.bytesUsed() >= kBatchArenaBytes) {
         flush();
