@@ -7,6 +7,8 @@
 
 #include <QSet>
 
+#include <cstring>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
@@ -241,12 +243,25 @@ bool StatFile::next(OneRow &row, Found *found)
     if (cells == nullptr) {
         return finishRows(found);
     }
-    const auto columns = static_cast<int>(m_reader->columns().size());
-    for (int i = 0; i < columns; ++i) {
-        row.setCol(i, cells[i]);
-    }
+    copyRow(cells, row);
     *found = Found::Row;
     return true;
+}
+
+/// The cells in the ring are copied in one piece, which keeps their alignment. The others, missing
+/// cells and labels, outlive the row.
+void StatFile::copyRow(const uchar *const *cells, OneRow &row)
+{
+    const size_t columns = m_reader->columns().size();
+    const auto *const begin = reinterpret_cast<const uchar *>(cells + columns);
+    const uchar *const end = m_ring.rowEnd();
+    const auto bytes = static_cast<size_t>(end - begin);
+    uchar *const copy = m_action.bufferForOutputPin(0)->alloc(static_cast<int>(bytes));
+    std::memcpy(copy, begin, bytes);
+    for (size_t i = 0; i < columns; ++i) {
+        const bool isInRing = cells[i] >= begin && cells[i] < end;
+        row.setCol(static_cast<int>(i), isInRing ? copy + (cells[i] - begin) : cells[i]);
+    }
 }
 
 /// The ring is at its end: the rows are complete, the parser has failed, or the run has ended.

@@ -42,6 +42,7 @@ private:
     bool startParser();
     void parse() noexcept;
     void endParser();
+    void copyRow(const uchar *const *cells, OneRow &row);
     // After the last row: report the outcome of the parser.
     bool finishRows(Found *found);
     void logRowCount(qint64 rows) const;

@@ -251,7 +251,7 @@ void DataSetReader::endRow()
     if (m_row >= 0) {
         m_ring->endRow();
         m_row = -1;
-        m_rowsRead.fetch_add(1, std::memory_order_relaxed);
+        m_rowsRead.store(rowsRead() + 1, std::memory_order_relaxed);
     }
 }
 

@@ -39,7 +39,8 @@ private:
 
 /// The body of a handler: calls `work`, which returns true to continue. `context` has a member
 /// `failure`, an optional fault, for an exception.
-template <class Context, class Work> int noexceptCallback(Context &context, Work &&work) noexcept
+template <class Context, class Work>
+inline int noexceptCallback(Context &context, Work &&work) noexcept
 {
     try {
         return work() ? READSTAT_HANDLER_OK : READSTAT_HANDLER_ABORT;

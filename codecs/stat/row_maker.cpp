@@ -12,7 +12,7 @@ namespace corvanta::stat {
 namespace {
 
 /// The value of any numeric type. Other types do not occur in numeric variables.
-double numberOf(const readstat_value_t &value)
+inline double numberOf(const readstat_value_t &value)
 {
     switch (value.type) {
     case READSTAT_TYPE_DOUBLE:
@@ -70,6 +70,9 @@ bool RowMaker::put(int column, const readstat_value_t &value, readstat_variable_
         m_ring.setCell(column, missingCell(plan.type));
         return true;
     }
+    if (plan.type == cell::Type::Double) {
+        return putNumber(column, numberOf(value));
+    }
     if (plan.labels != nullptr) {
         const uchar *const label =
             isText ? plan.labels->find(value.v.string_value) : plan.labels->find(numberOf(value));
@@ -78,11 +81,7 @@ bool RowMaker::put(int column, const readstat_value_t &value, readstat_variable_
             return true;
         }
     }
-    if (isText) {
-        return putText(column, value.v.string_value);
-    }
-    return plan.type == cell::Type::Double ? putNumber(column, numberOf(value))
-                                           : putOwn(column, numberOf(value));
+    return isText ? putText(column, value.v.string_value) : putOwn(column, numberOf(value));
 }
 
 /// The cell is the number itself, in the byte order of the machine.

@@ -158,6 +158,7 @@ void RowRing::endRow()
     m_last = header();
     m_open.bytes += m_at - m_row;
     m_row = m_at;
+    m_open.end = m_at;
     if (m_open.bytes >= std::min(kStepBytes, m_bytes / kStepsPerBlock)) {
         const std::lock_guard lock(m_mutex);
         publish();
@@ -212,6 +213,7 @@ void RowRing::nextBatch()
         return;
     }
     m_next = m_batches.front().first;
+    m_batchEnd = m_batches.front().end;
     m_batchBytes = m_batches.front().bytes;
     m_batches.pop_front();
 }

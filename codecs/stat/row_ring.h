@@ -57,6 +57,12 @@ public:
     /// The cells of the next row, or null at the end and after stop(). They are valid until the
     /// next call. Waits for the producer.
     const uchar *const *next();
+    /// The end of the row that next() has returned. Its cells are between the pointers and here,
+    /// except those that outlive the ring.
+    const uchar *rowEnd() const
+    {
+        return m_next != nullptr ? reinterpret_cast<const uchar *>(m_next) : m_batchEnd;
+    }
 
     /// End all waits, now and later.
     void stop();
@@ -68,6 +74,7 @@ private:
     struct Batch
     {
         Cell *first = nullptr;
+        uchar *end = nullptr;
         qint64 bytes = 0; // with those that were skipped before it
     };
 
@@ -93,8 +100,9 @@ private:
     Batch m_open;           // complete rows, not handed over yet
     qint64 m_tooLargeBytes = 0;
     // Of the consumer.
-    Cell *m_next = nullptr;  // row of the current batch; null: none is left
-    qint64 m_batchBytes = 0; // of the current batch
+    Cell *m_next = nullptr;            // row of the current batch; null: none is left
+    const uchar *m_batchEnd = nullptr; // of the current batch
+    qint64 m_batchBytes = 0;           // of the current batch
 
     std::mutex m_mutex;
     std::condition_variable m_roomAvailable;
