@@ -12,11 +12,12 @@ namespace corvanta {
 
 namespace {
 
-/// The extension of a Word or PowerPoint file, in lower case; empty for other names.
+/// The extension of a name if it is that of an Office file; else empty.
 QString kindOf(const QString &name)
 {
     static const QStringList kKinds{u"docx"_s, u"docm"_s, u"dotx"_s, u"dotm"_s, u"pptx"_s,
-                                    u"pptm"_s, u"potx"_s, u"potm"_s, u"ppsx"_s, u"ppsm"_s};
+                                    u"pptm"_s, u"potx"_s, u"potm"_s, u"ppsx"_s, u"ppsm"_s,
+                                    u"xlsx"_s, u"xlsm"_s, u"xltx"_s, u"xltm"_s};
     const QString suffix = QFileInfo(name).suffix().toLower();
     return kKinds.contains(suffix) ? suffix : QString();
 }

@@ -48,10 +48,12 @@ void ReportData::addRow(const OneRow &row)
     }
 }
 
-charts::SeriesValues ReportData::valuesOf(const ReportChart &chart) const
+charts::SeriesValues ReportData::valuesOf(const ReportChart &chart, ChartType type) const
 {
     charts::SeriesValues values{};
-    for (size_t i = 0; i < std::min(chart.axes.size(), values.size()); ++i) {
+    // Other columns of the Chart would leave gaps in a series that does not show them.
+    const size_t axes = std::min(chart.axes.size(), charts::axisElements(type).size());
+    for (size_t i = 0; i < axes; ++i) {
         const Column *column = find(chart.axes[i]);
         // An axis without a column keeps what the template has.
         values[i] = column == nullptr ? nullptr : &column->values;

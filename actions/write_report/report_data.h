@@ -27,8 +27,9 @@ public:
     /// Add the cells of a row of the pin that was started last. Throws std::bad_alloc.
     void addRow(const OneRow &row);
 
-    /// The values of a Chart by axis; null for an axis without a column. Valid as long as the data.
-    charts::SeriesValues valuesOf(const ReportChart &chart) const;
+    /// The values of a Chart by axis, for the axes that `type` has; null for an axis without a
+    /// column. Valid as long as the data.
+    charts::SeriesValues valuesOf(const ReportChart &chart, ChartType type) const;
 
 private:
     struct Column

@@ -1,6 +1,5 @@
 // What writeReport finds in a template: the parts with tags, and for "check --template" the tags
 // themselves.
-#include "actions/write_report/chart_folder.h"
 #include "actions/write_report/write_report.h"
 #include "codecs/opc/relationships.h"
 
@@ -9,14 +8,6 @@ using namespace Qt::StringLiterals;
 namespace corvanta {
 
 namespace {
-
-/// Whether the member is directly or deeper in the folder. Some packers write "\" for "/".
-bool isInFolder(QByteArray member, const QByteArray &folder)
-{
-    member.replace('\\', '/');
-    return member.size() > folder.size() &&
-           member.first(folder.size()).compare(folder, Qt::CaseInsensitive) == 0;
-}
 
 /// What to do with a tag that a run does not use; empty for one that it does.
 QString remedyFor(charts::TagUse use)
@@ -92,7 +83,7 @@ bool ActionWriteReport::templateMarks(const QString &file, QVector<TemplateMark>
     if (!openTemplate(file) || !findParts(folder)) {
         return false;
     }
-    for (const ChartPart &part : m_run.parts) {
+    for (const ChartPart &part : m_run.charts.parts) {
         listPart(part, marks);
     }
     closeFiles();
@@ -118,42 +109,16 @@ void ActionWriteReport::listPart(const ChartPart &part, QVector<TemplateMark> *m
 
 bool ActionWriteReport::findParts(const QByteArray &folder)
 {
-    bool hasFolder = false;
-    const QByteArray top = folder.first(folder.indexOf('/') + 1);
-    for (const zip::Member &member : templateReader().members()) {
-        hasFolder = hasFolder || isInFolder(member.name, top);
-        // Of several members of one name the first counts.
-        const bool isFirst = templateReader().find(member.name) == &member;
-        const bool isChart = isInFolder(member.name, folder) && member.name.endsWith(".xml");
-        if (isFirst && isChart && !addPart(member)) {
-            return false;
-        }
+    auto found = readCharts(templateReader(), folder);
+    if (!found) {
+        return failPackage(found.fault(), TemplateProblem::CannotReadPart);
     }
-    return hasFolder ||
+    m_run.charts = *std::move(found);
+    const QByteArray top = folder.first(folder.indexOf('/') + 1);
+    return m_run.charts.isOfKind ||
            failWith(TemplateProblem::CannotReadTemplate, templateName(),
                     u"the package has no folder %1: its extension does not fit its content"_s.arg(
                         QLatin1StringView(top)));
-}
-
-bool ActionWriteReport::addPart(const zip::Member &member)
-{
-    auto text = templateReader().readWhole(member);
-    if (!text) {
-        return failPackage(opc::memberFault(text.fault().code, member.name),
-                           TemplateProblem::CannotReadPart);
-    }
-    ChartPart part{member.name, *std::move(text)};
-    auto tags = charts::findTags(part.text);
-    if (!tags) {
-        return failPackage({tags.fault().code, QString::fromUtf8(member.name)},
-                           TemplateProblem::CannotReadPart);
-    }
-    part.tags = *std::move(tags);
-    if (!part.tags.empty()) {
-        // Copies of the text share its bytes, so the tags' views of it stay valid.
-        m_run.parts.push_back(std::move(part));
-    }
-    return true;
 }
 
 } // namespace corvanta

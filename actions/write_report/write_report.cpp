@@ -1,7 +1,10 @@
 #include "actions/write_report/write_report.h"
 
-#include "actions/write_report/chart_folder.h"
+#include "actions/write_report/report_problems.h"
 #include "actions/write_report/shipped_template.h"
+#include "corvanta/main_ui.h"
+
+#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -13,6 +16,16 @@ QString unknownExtension(const QString &name)
 {
     return u"\nERROR: template file %1 has unknown extention type (not .xlsx, .pptx, .docx).\n"_s
         .arg(name);
+}
+
+/// A problem of a run in the form of "check": without the severity, and in lower case.
+ParameterProblem problemOf(const ReportProblem &problem, const QString &parameter)
+{
+    QString text = problem.text.trimmed().section(u": "_s, 1);
+    text[0] = text[0].toLower();
+    return {parameter, text,
+            problem.isError ? ParameterProblem::Severity::Error
+                            : ParameterProblem::Severity::Warning};
 }
 
 } // namespace
@@ -55,19 +68,42 @@ QStringList ActionWriteReport::inputs() const
 QVector<ParameterProblem> ActionWriteReport::problems() const
 {
     QVector<ParameterProblem> found;
-    if (!m_params.templateName.isEmpty() && chartFolderOf(templateFile()).isEmpty()) {
-        found.push_back({u"template"_s, u"the extension is not .xlsx, .docx or .pptx"_s});
+    if (!m_params.templateName.isEmpty()) {
+        findTemplateProblems(&found);
     }
-    std::set<QString> names;
-    for (const ReportChart &chart : m_params.charts) {
-        if (!names.insert(chart.name).second) {
-            found.push_back(
-                {u"Chart"_s,
-                 u"the tag '%1' has several Charts; only the first is used"_s.arg(chart.name),
-                 ParameterProblem::Severity::Warning});
-        }
+    for (const ReportProblem &problem : repeatedCharts(m_params.charts)) {
+        found.push_back(problemOf(problem, u"Chart"_s));
     }
     return found;
+}
+
+void ActionWriteReport::findTemplateProblems(QVector<ParameterProblem> *found) const
+{
+    const QString parameter = u"template"_s;
+    const QString name = templateFile();
+    const QByteArray folder = chartFolderOf(name);
+    if (folder.isEmpty()) {
+        found->push_back({parameter, u"the extension is not .xlsx, .docx or .pptx"_s});
+        return;
+    }
+    if (!QFileInfo(name).isFile()) {
+        // Other names are looked up by the check itself.
+        if (m_params.templateName.startsWith(u'>')) {
+            found->push_back(
+                {parameter, u"the file '%1' of 'template' does not exist"_s.arg(name)});
+        }
+        return;
+    }
+    const auto input = PackageInput::open(globalParameters(), name);
+    const auto charts = input ? readCharts((*input)->reader(), folder)
+                              : Result<TemplateCharts, opc::Error>(Fault{opc::Error::Unreadable});
+    if (!charts || !charts->isOfKind) {
+        found->push_back({parameter, u"cannot read Report Template file %1"_s.arg(name)});
+        return;
+    }
+    for (const ReportProblem &problem : tagProblems(*charts, m_params.charts, name)) {
+        found->push_back(problemOf(problem, parameter));
+    }
 }
 
 QString ActionWriteReport::message(TemplateProblem problem, const QString &name) const
@@ -194,68 +230,43 @@ bool ActionWriteReport::writeDocument()
 
 bool ActionWriteReport::writeCopyOf(const QString &name, const QByteArray &folder)
 {
-    return openTemplate(name) && findParts(folder) && checkTags() && openDocument(documentFile()) &&
-           writeMembers();
-}
-
-const ReportChart *ActionWriteReport::chartOf(const QString &reference) const
-{
-    const auto found =
-        std::find_if(m_params.charts.begin(), m_params.charts.end(),
-                     [&](const ReportChart &chart) { return chart.name == reference; });
-    return found == m_params.charts.end() ? nullptr : &*found;
+    if (!openTemplate(name) || !findParts(folder) || !checkTags() ||
+        !openDocument(documentFile())) {
+        return false;
+    }
+    if (hasOtherKind(documentFile())) {
+        warn(
+            u"Warning: the name of the document '%1' does not end like that of its template: Office programs may refuse to open it.\n"_s
+                .arg(documentFile()));
+    }
+    return writeMembers();
 }
 
 bool ActionWriteReport::checkTags()
 {
-    for (const ChartPart &part : m_run.parts) {
+    std::vector<ReportProblem> problems = repeatedCharts(m_params.charts);
+    const auto ofTags = tagProblems(m_run.charts, m_params.charts, templateName());
+    problems.insert(problems.end(), ofTags.begin(), ofTags.end());
+    for (const ReportProblem &problem : problems) {
+        if (problem.isError) {
+            return fail(problem.text);
+        }
+        warn(problem.text);
+    }
+    for (const ChartPart &part : m_run.charts.parts) {
         for (const charts::ChartTag &tag : part.tags) {
-            if (!checkTag(tag)) {
+            if (tag.use == charts::TagUse::Series && !checkTexts(tag)) {
                 return false;
             }
         }
     }
-    if (m_run.parts.empty()) {
-        warn(u"\nwarning: couldn't find any tag to replace ([[KOBData <reference>]]) in file %1"_s
-                 .arg(templateName()));
-    }
-    warnUnusedCharts();
     return true;
 }
 
-bool ActionWriteReport::checkTag(const charts::ChartTag &tag)
+bool ActionWriteReport::checkTexts(const charts::ChartTag &tag)
 {
-    switch (tag.use) {
-    case charts::TagUse::NoChart:
-        warn(u"\nwarning: couldn't find chart type for tag %1"_s.arg(tag.reference));
-        return true;
-    case charts::TagUse::NoValues:
-        warn(u"\nwarning: couldn't find y-Axis for tag %1"_s.arg(tag.reference));
-        return true;
-    case charts::TagUse::Split:
-        warn(
-            u"Warning: the tag '%1' is divided by formatting and is ignored: type it again in one piece\n"_s
-                .arg(tag.reference));
-        return true;
-    case charts::TagUse::Repeated:
-        // Series names are often stored twice.
-        return true;
-    case charts::TagUse::Series:
-        break;
-    }
-    const ReportChart *chart = chartOf(tag.reference);
-    if (chart == nullptr) {
-        return fail(
-            u"\nERROR: The template file '%1' contains a new un-initialized tag named '%2'\n"_s.arg(
-                templateName(), tag.reference));
-    }
-    m_run.found.insert(tag.reference);
-    return checkTexts(tag, *chart);
-}
-
-bool ActionWriteReport::checkTexts(const charts::ChartTag &tag, const ReportChart &chart)
-{
-    const charts::SeriesValues values = m_run.data.valuesOf(chart);
+    const ReportChart &chart = *chartOf(m_params.charts, tag.reference);
+    const charts::SeriesValues values = m_run.data.valuesOf(chart, tag.type);
     for (const charts::AxisPlace &place : tag.axes) {
         const auto axis = static_cast<size_t>(place.axis);
         const auto row = values[axis] == nullptr ? std::nullopt : values[axis]->firstForbidden();
@@ -269,34 +280,23 @@ bool ActionWriteReport::checkTexts(const charts::ChartTag &tag, const ReportChar
     return true;
 }
 
-void ActionWriteReport::warnUnusedCharts()
-{
-    for (const ReportChart &chart : m_params.charts) {
-        // Without any tag there is a message already.
-        if (!m_run.parts.empty() && !m_run.found.contains(chart.name)) {
-            warn(
-                u"Warning: the template file '%1' has no tag for the Chart '%2': its data is not written\n"_s
-                    .arg(templateName(), chart.name));
-        }
-    }
-}
-
 bool ActionWriteReport::writeMembers()
 {
     // Reserved members are left out of the copy: the parts with tags are written after it.
     opc::PackageCopy copy(templateReader(), [this] { return runIsGood(); });
-    for (const ChartPart &part : m_run.parts) {
+    for (const ChartPart &part : m_run.charts.parts) {
         copy.reserve(part.member);
     }
     const auto copied = copy.copyMembers(document());
     if (!copied) {
         return failPackage(copied.fault(), TemplateProblem::CannotCopyMember);
     }
-    for (const ChartPart &part : m_run.parts) {
+    for (const ChartPart &part : m_run.charts.parts) {
         if (!writePart(part)) {
             return false;
         }
     }
+    reportWorkbooks();
     return true;
 }
 
@@ -340,12 +340,11 @@ Result<void, opc::Error> ActionWriteReport::writeSeries(charts::SeriesWriter &wr
         }
     }
     const charts::ChartTag &tag = part.tags[index];
-    const ReportChart &chart = *chartOf(tag.reference);
-    const auto found = writer.series(tag, m_run.data.valuesOf(chart));
+    const ReportChart &chart = *chartOf(m_params.charts, tag.reference);
+    const auto found = writer.series(tag, m_run.data.valuesOf(chart, tag.type));
     if (!found) {
         return found.fault();
     }
-    reportAxes(tag, chart);
     reportValues(tag, chart, *found);
     return {};
 }
@@ -353,7 +352,7 @@ Result<void, opc::Error> ActionWriteReport::writeSeries(charts::SeriesWriter &wr
 Result<void, opc::Error> ActionWriteReport::cleanTags(charts::SeriesWriter &writer,
                                                       const ChartPart &part, size_t index)
 {
-    // The name of a series can be there twice: as a formula and as its result.
+    // The tag can be there several times before the data.
     const qsizetype end = part.tags[index].axes.front().begin;
     auto done = writer.replaceTag(part.tags[index]);
     for (size_t i = index + 1; done && i < part.tags.size() && part.tags[i].begin < end; ++i) {
@@ -362,6 +361,42 @@ Result<void, opc::Error> ActionWriteReport::cleanTags(charts::SeriesWriter &writ
         }
     }
     return done;
+}
+
+void ActionWriteReport::reportValues(const charts::ChartTag &tag, const ReportChart &chart,
+                                     const charts::SeriesReport &found)
+{
+    if (found.gaps.count > 0) {
+        warn(
+            u"Warning: %1 points of the tag '%2' are left out, because another cell of their row is empty; the first is in row %3\n"_s
+                .arg(QString::number(found.gaps.count), tag.reference,
+                     QString::number(found.gaps.firstIndex + 1)));
+    }
+    for (size_t axis = 0; axis < found.notNumbers.size(); ++axis) {
+        const charts::ValueCount &bad = found.notNumbers[axis];
+        if (bad.count > 0) {
+            warn(
+                u"Warning: %1 values of the column '%2' are not numbers and are 0 in the chart of the tag '%3'; the first is in row %4. Give the series texts in the template to keep them\n"_s
+                    .arg(QString::number(bad.count), chart.axes[axis].column, tag.reference,
+                         QString::number(bad.firstIndex + 1)));
+        }
+    }
+}
+
+void ActionWriteReport::reportWorkbooks() const
+{
+    const auto hasWorkbook = [](const ChartPart &part) {
+        return part.text.contains("externalData ");
+    };
+    const auto &parts = m_run.charts.parts;
+    const auto first = std::find_if(parts.begin(), parts.end(), hasWorkbook);
+    if (first != parts.end()) {
+        MainUI::addLog(
+            MainUI::Info,
+            u"Note: %1 charts of the document '%2' have the workbook of the template, first '%3': \"Edit data\" in an office program shows the data of the template, and not that of the chart\n"_s
+                .arg(QString::number(std::count_if(first, parts.end(), hasWorkbook)),
+                     documentFile(), QString::fromUtf8(first->member)));
+    }
 }
 
 } // namespace corvanta

@@ -1,17 +1,15 @@
 // writeReport: writes data of the input pins to the charts of an Office template.
 //
-// All pins are read first, one after the other; only then the template is opened, because an action
-// in front of this one may write it. Each tag of the template names a Chart of the parameters,
-// whose columns become the data of the tag's series. The number of pins is a parameter.
+// All pins are read first, one after the other; only then the template is opened, because an
+// earlier action of the graph may write it. Each tag of the template names a Chart of the
+// parameters, whose columns become the data of the tag's series. The number of pins is a parameter.
 #pragma once
 #include "actions/shared/template_writer.h"
+#include "actions/write_report/chart_parts.h"
 #include "actions/write_report/report_data.h"
 #include "actions/write_report/write_report_params.h"
 #include "codecs/charts/series_writer.h"
 #include "codecs/opc/package_copy.h"
-
-#include <set>
-#include <vector>
 
 namespace corvanta {
 
@@ -39,22 +37,14 @@ protected:
     QString message(TemplateProblem problem, const QString &name) const override;
 
 private:
-    /// A member of the template with tags, and its content.
-    struct ChartPart
-    {
-        QByteArray member;
-        QByteArray text;
-        std::vector<charts::ChartTag> tags; // of `text`
-    };
     /// What is reset at the start of a run.
     struct RunState
     {
         ReportData data;
         int pin = 0; // that is read
         bool isPinStarted = false;
-        std::vector<ChartPart> parts;
-        std::set<QString> found; // references of the tags
-        bool isWritten = false;  // the document waits for its name
+        TemplateCharts charts;
+        bool isWritten = false; // the document waits for its name
     };
 
     void start() override;
@@ -80,18 +70,14 @@ private:
     QString templateFile() const;
     /// Read the parts with tags. `folder` is that of the chart parts.
     bool findParts(const QByteArray &folder);
-    /// Keep a part of the charts folder if it has tags.
-    bool addPart(const zip::Member &member);
     /// Add the tags of a part for templateMarks().
     void listPart(const ChartPart &part, QVector<TemplateMark> *marks);
-    /// Warn of tags without a use, and fail for one that no Chart names.
+    /// Warn of, or fail for, what does not fit between tags and Charts.
     bool checkTags();
-    bool checkTag(const charts::ChartTag &tag);
     /// Fail for texts that XML cannot hold.
-    bool checkTexts(const charts::ChartTag &tag, const ReportChart &chart);
-    void warnUnusedCharts();
-    /// The Chart with this name; null if there is none. The first of several counts.
-    const ReportChart *chartOf(const QString &reference) const;
+    bool checkTexts(const charts::ChartTag &tag);
+    /// Add what a run would say about the template as it is now.
+    void findTemplateProblems(QVector<ParameterProblem> *found) const;
 
     // The document.
 
@@ -107,13 +93,14 @@ private:
     Result<void, opc::Error> putBlock(QByteArrayView block, const QByteArray &member);
     Result<void, opc::Error> writeSeries(charts::SeriesWriter &writer, const ChartPart &part,
                                          size_t index);
-    /// Replace a series' tag, and its repetitions in front of the data, by their references.
+    /// Write the reference as the name of a tag's series.
     Result<void, opc::Error> cleanTags(charts::SeriesWriter &writer, const ChartPart &part,
                                        size_t index);
-    /// Warn of data that is not in the chart.
-    void reportAxes(const charts::ChartTag &tag, const ReportChart &chart);
+    /// Warn of data that is not, or not unchanged, in the chart.
     void reportValues(const charts::ChartTag &tag, const ReportChart &chart,
                       const charts::SeriesReport &found);
+    /// Log how many charts have a workbook with other data.
+    void reportWorkbooks() const;
 
     RunState m_run;
 };

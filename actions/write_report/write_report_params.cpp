@@ -1,7 +1,5 @@
 #include "actions/write_report/write_report_params.h"
 
-#include <algorithm>
-
 // The lines are in the order of saved graphs: those of the action, of a chart, and of an axis.
 namespace corvanta {
 
@@ -44,7 +42,7 @@ Param<ReportChart> chartType()
         .range(0, static_cast<int>(ChartType::Radar))
         .always()
         .label("Type")
-        .meaning("Type of the chart.");
+        .meaning("Type of the chart. A run uses that of the template.");
 }
 
 /// One series: a `Chart` element with its axes.
@@ -62,16 +60,6 @@ const ParamTable<ReportChart> &chartTable()
                      "error bars, as far as the type has them."),
     };
     return table;
-}
-
-/// A saved chart may have more axes than its type uses, after a change of the type. They are
-/// dropped when the graph is read; missing ones stay missing.
-void completeCharts(std::vector<ReportChart> &charts, const XMLNode &)
-{
-    for (ReportChart &chart : charts) {
-        const size_t axes = charts::axisElements(chart.type).size();
-        chart.axes.resize(std::min(chart.axes.size(), axes));
-    }
 }
 
 } // namespace
@@ -101,9 +89,10 @@ const ParamTable<WriteReportParams> &writeReportParamTable()
         flag("cleanTags", &P::cleanTags)
             .label("Clean tags")
             .meaning("Writes the reference of each tag in its place, so that a series named "
-                     "[[KOBData Sales]] appears as Sales. Otherwise the tags stay visible."),
+                     "[[KOBData Sales]] appears as Sales. A series whose name is a cell gets the "
+                     "reference as its own name. Otherwise the tags stay visible."),
         // Child elements come after all attributes.
-        children("Chart", &P::charts, chartTable(), {nullptr, completeCharts})
+        children("Chart", &P::charts, chartTable())
             .label("Charts")
             .meaning("One Chart (type, and name of its [[KOBData name]] tag) per series, with one "
                      "axis (pinIdx and a column name) each for the categories, the values and the "

@@ -22,15 +22,16 @@ struct ChartAxis
     bool operator==(const ChartAxis &) const = default;
 };
 
-/// The data of one series, a `Chart` element. It may have fewer axes than its type uses data for,
-/// but not more.
+/// The data of one series, a `Chart` element.
 struct ReportChart
 {
-    /// Decides how many axes are kept; a run takes the type from the template.
+    /// For people: a run takes the type from the template.
     ChartType type = ChartType::Bar;
     /// The NAME of the tag [[KOBData NAME]] in the template.
     QString name;
     /// Categories, values, bubble sizes, plus and minus error bars, as far as the type has them.
+    /// There may be fewer. More are kept, but not written, because the template may be another one
+    /// in the next run.
     std::vector<ChartAxis> axes;
     bool operator==(const ReportChart &) const = default;
 };

@@ -3,7 +3,8 @@
 //   <c:chartSpace><c:chart><c:plotArea>
 //     <c:barChart>                                   one of 15 elements
 //       <c:ser>
-//         <c:tx><c:v>[[KOBData sales]]</c:v></c:tx>  the tag; its series is what follows it, up to:
+//         <c:tx><c:v>[[KOBData sales]]</c:v></c:tx>  the tag, here or in a strRef with f and v; its
+//                                                    series is what follows it, up to:
 //         <c:errBars> <c:plus>..</c:plus> <c:minus>..</c:minus> </c:errBars>
 //         <c:cat> <c:strRef>..</c:strRef> </c:cat>   axes, each with numLit, numRef, strLit, strRef
 //         <c:val> <c:numRef>..</c:numRef> </c:val>
@@ -70,8 +71,8 @@ ChartTag makeTag(QByteArrayView text, qsizetype begin, qsizetype close)
     return tag;
 }
 
-/// All tags of the text. A beginning without an end is none; if another one follows in front of the
-/// end, the end belongs to that.
+/// All tags of the text. A beginning needs an end; if another beginning follows before the end, the
+/// end belongs to that.
 Result<std::vector<ChartTag>, opc::Error> findTexts(QByteArrayView text)
 {
     std::vector<ChartTag> tags;
@@ -166,7 +167,12 @@ private:
         }
         if (tag.kind == opc::Tag::Kind::Close) {
             visitClose(tag);
-        } else if (m_axis != nullptr) {
+            return;
+        }
+        if (tag.kind == opc::Tag::Kind::Open) {
+            visitName(tag);
+        }
+        if (m_axis != nullptr) {
             noteKind(tag.local());
         } else if (m_series != nullptr) {
             visitAxis(tag);
@@ -175,12 +181,43 @@ private:
         }
     }
 
+    /// Note the reference in the name of a series: ser, tx, strRef directly in each other. Other
+    /// elements of a series can have a tx, too.
+    void visitName(const opc::Tag &tag)
+    {
+        const QByteArrayView local = tag.local();
+        if (local == QByteArrayView("ser")) {
+            m_place = NamePlace::Series;
+            m_name.reset();
+        } else if (m_place == NamePlace::Series && local == QByteArrayView("tx")) {
+            m_place = NamePlace::Name;
+        } else {
+            if (m_place == NamePlace::Name && local == QByteArrayView("strRef")) {
+                m_name = {tag.name, tag.begin, tag.end};
+                m_firstInName = m_next;
+            }
+            m_place = NamePlace::Other;
+        }
+    }
+
+    /// The reference ends: assign it to the tags in it.
+    void endName(qsizetype end)
+    {
+        m_name->end = end;
+        for (auto tag = m_firstInName; tag != m_next; ++tag) {
+            tag->name = m_name;
+        }
+        m_name.reset();
+    }
+
     void visitClose(const opc::Tag &tag)
     {
         const QByteArrayView local = tag.local();
         if (m_axis != nullptr && local == axisElements(*m_chart)[indexOf(*m_axis)]) {
             m_axis->end = tag.end;
             endAxis();
+        } else if (m_name && local == QByteArrayView("strRef")) {
+            endName(tag.end);
         } else if (local == QByteArrayView("ser")) {
             endSeries();
         } else if (m_chart && local == chartElement(*m_chart)) {
@@ -210,6 +247,7 @@ private:
                               .end = tag.end,
                               .isEmptyTag = tag.kind == opc::Tag::Kind::Empty};
                 m_axis = &*m_found[i];
+                m_name.reset(); // not nested correctly
                 if (m_axis->isEmptyTag) {
                     endAxis();
                 }
@@ -263,6 +301,9 @@ private:
         return places;
     }
 
+    /// Where the cursor is, as far as it matters for the name of a series.
+    enum class NamePlace : quint8 { Other, Series, Name };
+
     opc::TagCursor m_cursor;
     std::vector<ChartTag> &m_tags;
     std::vector<ChartTag>::iterator m_next; // the first one that is not passed
@@ -272,6 +313,9 @@ private:
     std::array<std::optional<AxisPlace>, kMaxAxes> m_found; // of m_series
     AxisPlace *m_axis = nullptr;                            // around the cursor, one of m_found
     std::optional<AxisKind> m_kind;                         // of m_axis
+    NamePlace m_place = NamePlace::Other;
+    std::optional<NameReference> m_name;                // around the cursor
+    std::vector<ChartTag>::iterator m_firstInName = {}; // the first tag after its beginning
 };
 
 } // namespace

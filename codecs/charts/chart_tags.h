@@ -1,7 +1,7 @@
 // Finds the tags [[KOBData reference]] of a chart part, and the data of the series that they mark.
 //
 // A chart part is a member such as xl/charts/chart1.xml (ECMA-376 part 1, 21.2). A tag marks the
-// series that it stands in; it is usually the name of that series. Threads: pure functions.
+// series that it is in; it is usually the name of that series. Threads: pure functions.
 #pragma once
 #include "base/result.h"
 #include "codecs/charts/chart_kinds.h"
@@ -10,6 +10,7 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 namespace corvanta::charts {
@@ -35,10 +36,18 @@ struct AxisPlace
 /// What a tag can be used for.
 enum class TagUse : quint8 {
     Series,   ///< its series can be filled
-    NoChart,  ///< stands in no chart element of a known type
+    NoChart,  ///< is outside of all chart elements of a known type
     NoValues, ///< its series has no values after the tag
     Repeated, ///< its series has an earlier tag
     Split,    ///< markup divides its reference
+};
+
+/// The name of a series as a reference to a cell, with its last result: an element strRef.
+struct NameReference
+{
+    QByteArrayView element = {}; ///< its name with its prefix; a view of the part
+    qsizetype begin = 0;         ///< of the opening tag
+    qsizetype end = 0;           ///< after the element
 };
 
 /// Views refer to the part, which must outlive the tag.
@@ -49,6 +58,7 @@ struct ChartTag
     // Offsets in the part, of "[[" and after "]]".
     qsizetype begin = 0;
     qsizetype end = 0;
+    std::optional<NameReference> name = {}; ///< around the tag
     TagUse use = TagUse::NoChart;
     ChartType type = ChartType::Bar; ///< valid for all uses but NoChart and Split
     std::vector<AxisPlace> axes;     ///< of Series: in document order, with the values

@@ -93,7 +93,7 @@ TEST(ChartTags, TheElementAroundATagDecidesTheType)
     }
 }
 
-TEST(ChartTags, EachUseIsTold)
+TEST(ChartTags, EachTagHasItsUse)
 {
     struct Case
     {
@@ -116,7 +116,7 @@ TEST(ChartTags, EachUseIsTold)
         {bar(named("[[KOBData <b/>a]]") + kData), {TagUse::Split}},
         // The second beginning has the end.
         {bar(named("[[KOBData </c:v><c:v>[[kobdata a]]") + kData), {TagUse::Series}},
-        // Elements in comments are none.
+        // Elements in comments do not count.
         {bar(named(tag) + "<!-- <c:val></c:val> -->"), {TagUse::NoValues}},
         // Markup that is not nested correctly.
         {bar(named(tag) + "<c:val><c:numRef>"), {TagUse::NoValues}},
@@ -238,15 +238,30 @@ TEST(SeriesWriter, LongDataIsWrittenInBlocks)
 
 TEST(SeriesWriter, ATagCanBecomeItsReference)
 {
-    const QByteArray part = bar(named("[[KOBData a&lt;b]]") + kData);
-    QByteArray out;
-    SeriesWriter writer(part, [&](QByteArrayView block) -> Result<void, opc::Error> {
-        out += block;
-        return {};
-    });
-    EXPECT_TRUE(writer.replaceTag(tagsOf(part)[0]));
-    EXPECT_TRUE(writer.finish());
-    EXPECT_EQ(out, bar(named("a&lt;b") + kData));
+    const auto cleaned = [](const QByteArray &part) {
+        QByteArray out;
+        SeriesWriter writer(part, [&](QByteArrayView block) -> Result<void, opc::Error> {
+            out += block;
+            return {};
+        });
+        for (const ChartTag &tag : tagsOf(part)) {
+            EXPECT_TRUE(writer.replaceTag(tag));
+        }
+        EXPECT_TRUE(writer.finish());
+        return out;
+    };
+    const auto cell = [](const QByteArray &inner) {
+        return "<c:tx><c:strRef><c:f>A!$B$1</c:f><c:strCache>" + inner +
+               "</c:strCache></c:strRef></c:tx>";
+    };
+    const QByteArray tag = "[[KOBData a&lt;b]]";
+    EXPECT_EQ(cleaned(bar(named(tag) + kData)), bar(named("a&lt;b") + kData));
+    // A cell would be read again, with the tag in it.
+    EXPECT_EQ(cleaned(bar("<c:idx/>" + cell(tag + tag) + kData)),
+              bar("<c:idx/>" + named("a&lt;b") + kData));
+    // The text of a label is not a name.
+    const QByteArray label = "<c:dLbls>" + cell(tag) + "</c:dLbls>";
+    EXPECT_EQ(cleaned(bar(label + kData)), bar(QByteArray(label).replace(tag, "a&lt;b") + kData));
 }
 
 TEST(ValueList, FindsCharactersThatXmlCannotHold)

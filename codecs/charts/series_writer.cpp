@@ -60,6 +60,12 @@ std::string_view view(const QByteArray &bytes)
     return {bytes.constData(), static_cast<size_t>(bytes.size())};
 }
 
+/// The prefix of an element's name with its colon; empty if there is none.
+QByteArray prefixOf(QByteArrayView name)
+{
+    return name.first(name.indexOf(':') + 1).toByteArray();
+}
+
 /// The replacement of a reserved character; empty for others. A carriage return would be read as a
 /// line feed (XML 1.0, section 2.11).
 std::string_view replacement(char c)
@@ -121,7 +127,7 @@ bool hasPoint(const SeriesValues &values, size_t axis, qint64 index)
     return true;
 }
 
-/// No axis has a text there: the row is empty, which is no gap that a user has to know of.
+/// Whether no axis has a text there: an empty row is not reported as a gap.
 bool isBlank(const SeriesValues &values, qint64 index)
 {
     return std::all_of(values.begin(), values.end(), [&](const ValueList *list) {
@@ -198,9 +204,19 @@ Result<SeriesReport, opc::Error> SeriesWriter::series(const ChartTag &tag,
 
 Result<void, opc::Error> SeriesWriter::replaceTag(const ChartTag &tag)
 {
-    copyTo(tag.begin);
-    text(tag.written);
-    m_copied = tag.end;
+    if (!tag.name) {
+        copyTo(tag.begin);
+        text(tag.written);
+        m_copied = tag.end;
+    } else if (tag.name->begin >= m_copied) {
+        // The programs read a cell again, with the tag in it.
+        copyTo(tag.name->begin);
+        const QByteArray value = prefixOf(tag.name->element) + 'v';
+        text('<' + value + '>');
+        escaped(view(tag.reference.toUtf8()));
+        text("</" + value + '>');
+        m_copied = tag.name->end;
+    }
     return done();
 }
 
@@ -255,8 +271,7 @@ void SeriesWriter::closeAxis(const AxisPlace &place)
 
 void SeriesWriter::openAxis(const AxisPlace &place, qint64 count)
 {
-    // The literal has the prefix of its axis.
-    const QByteArray prefix = place.name.first(place.name.indexOf(':') + 1).toByteArray();
+    const QByteArray prefix = prefixOf(place.name);
     m_literal = prefix + (place.kind == AxisKind::Number ? "numLit" : "strLit");
     m_pointOpen = '<' + prefix + "pt idx=\"";
     m_pointMiddle = "\"><" + prefix + "v>";

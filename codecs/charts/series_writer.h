@@ -56,8 +56,9 @@ public:
     /// Write the part up to the end of a tag's axes. The tag's use is Series; its texts must have
     /// no forbidden character in axes of texts. Errors: those of `put`.
     Result<SeriesReport, opc::Error> series(const ChartTag &tag, const SeriesValues &values);
-    /// Write the part up to a tag of any use, and the tag's reference in place of the tag. Call it
-    /// before series() for the same tag. Errors: those of `put`.
+    /// Write the part up to a tag that is not Split, and the tag's reference in its place. A name
+    /// that refers to a cell becomes a text as a whole, with all tags in it. Call it before
+    /// series() for the same tag. Errors: those of `put`.
     Result<void, opc::Error> replaceTag(const ChartTag &tag);
     /// Write the rest. Errors: those of `put`.
     Result<void, opc::Error> finish();

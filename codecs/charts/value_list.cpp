@@ -1,4 +1,4 @@
-// The texts lie one after the other without separators; their lengths are kept beside them:
+// The texts follow each other without separators; their lengths are in a list of their own:
 //
 //   bytes     "Jan" "" "March"        UTF-8
 //   lengths    3     0  5             in bytes, 32 bits each
@@ -18,7 +18,7 @@ bool isLoneSurrogate(QStringView text, qsizetype i)
     return (text[i].isHighSurrogate() && !hasLow) || (text[i].isLowSurrogate() && !hasHigh);
 }
 
-/// A unit that XML 1.0 does not have: most control characters, U+FFFE, U+FFFF, half a pair.
+/// Whether XML 1.0 forbids a unit: most control characters, U+FFFE, U+FFFF, half a pair.
 bool isForbidden(QStringView text, qsizetype i)
 {
     const char16_t unit = text[i].unicode();

@@ -27,7 +27,7 @@ public:
     /// The index of the first text with a character that XML cannot hold (XML 1.0, section 2.2).
     std::optional<qint64> firstForbidden() const { return m_firstForbidden; }
 
-    /// Goes over the texts from the first one to the last. The list must not change meanwhile.
+    /// Reads the texts from the first one to the last. The list must not change while it is used.
     class Cursor
     {
     public:

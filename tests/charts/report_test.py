@@ -21,6 +21,7 @@ DATA = "n,a,b,c,d\nNorth,1.5,2,3,4\n\"A<&>\"\"B\",-2e3,5,6,7\n"
 PART = "xl/charts/chart1.xml"
 OTHERS = {"[Content_Types].xml": b"<Types xmlns='http://schemas.openxmlformats.org/package/2006/content-types'/>", "docProps/app.xml": b"<a>\n</a>"}
 NO_TAG = "\nwarning: couldn't find any tag to replace ([[KOBData <reference>]]) in file {folder}/t.xlsx"
+NO_ELEMENT = "Warning: the series of the tag 's' has no element for the column '%s', which is not written\n"
 
 
 def series(tag, axes="cat:strRef val:numRef"):
@@ -144,7 +145,17 @@ class Report(unittest.TestCase):
         self.assertEqual(out[PART].count(b"S!$A$1"), 2)
         self.write(bars(series("[[KOBData s]]", "val:numRef")))
         log, _ = self.fill([("s", 0, ["n", "a"])])
-        self.assertEqual(self.warnings(log), ["Warning: the series of the tag 's' has no element for the column 'n', which is not written\n"])
+        self.assertEqual(self.warnings(log), [NO_ELEMENT % "n"])
+        # The template decides about the type: the empty cells of a column that it does not show leave no gap.
+        (self.folder / "data.csv").write_text("n,a,b\nA,1,\nB,2,\n")
+        for kind in (0, 4):
+            self.write(chart("<c:pieChart>" + series("[[KOBData s]]") + "</c:pieChart>"))
+            log, out = self.fill([("s", kind, ["n", "a", "b"])], types="U,F,F")
+            self.assertEqual(self.warnings(log), [NO_ELEMENT % "b"])
+            self.assertEqual(out[PART].count(b"<c:pt "), 4)
+            self.write(bars(series("[[KOBData s]]", "cat:strRef val:numRef plus:numLit")))
+            log, out = self.fill([("s", kind, ["n", "a", "a"])], types="U,F,F")
+            self.assertEqual((log, out[PART].count(b"<c:pt ")), ([], 6))
 
     def test_a_table_without_rows_gives_empty_charts(self):
         (self.folder / "data.csv").write_text("n,a\n")
@@ -161,6 +172,13 @@ class Report(unittest.TestCase):
             "Warning: the tag 'z' is divided by formatting and is ignored: type it again in one piece\n",
             "Warning: the template file '{folder}/t.xlsx' has no tag for the Chart 'unused': its data is not written\n"])
         self.assertIn(b"[[KOBData t]]", out[PART])
+        utf16 = "\ufeff<?xml version='1.0' encoding='UTF-16'?><a>[[KOBData s]]</a>".encode("utf-16-le")
+        self.write(utf16, bars(series("[[KOBData s]]")))
+        log, out = self.fill([("s", 0, ["n", "a"]), ("s", 0, ["n", "b"])])
+        self.assertEqual(self.warnings(log), [
+            "Warning: the tag 's' has several Charts; only the first is used\n",
+            f"Warning: the part '{PART}' of the template is not UTF-8 text: its tags are ignored. Save the template again with an office program\n"])
+        self.assertEqual(out[PART], utf16)
         self.write(bars(series("none")))
         log, out = self.fill()
         self.assertEqual(self.warnings(log), [NO_TAG])
@@ -201,14 +219,37 @@ class Report(unittest.TestCase):
         self.fails("ERROR: the document '{folder}/t.xlsx' would replace its own template: choose another output name.\n", output="t.xlsx")
         self.fails("\nERROR: Cannot write Report file '{folder}/no/out.xlsx'.\n", output="no/out.xlsx")
 
+    def check(self, template, charts):
+        """Status and problems of a check of a graph, each as its severity and text."""
+        (self.folder / "case.graph").write_text(graph(template, "out.xlsx", charts))
+        done = subprocess.run([CORVANTA, "check", self.folder / "case.graph", "--json"], capture_output=True, text=True, check=False)
+        return done.returncode, [(problem["severity"], problem["message"].removeprefix("the action 'report' (writeReport): ")
+                                  .replace(str(self.folder), "{folder}")) for problem in json.loads(done.stdout)]
+
     def test_problems_that_check_finds(self):
         charts = [("s", 0, ["n", "a"]), ("s", 0, ["n", "b"])]
-        (self.folder / "case.graph").write_text(graph("t.xls", "out.xlsx", charts))
         (self.folder / "t.xls").write_text("")
-        done = subprocess.run([CORVANTA, "check", self.folder / "case.graph"], capture_output=True, text=True, check=False)
-        text = done.stdout + done.stderr
-        self.assertIn("the extension is not .xlsx, .docx or .pptx", text)
-        self.assertIn("the tag 's' has several Charts; only the first is used", text)
+        self.assertEqual(self.check("t.xls", charts), (2, [
+            ("error", "the extension is not .xlsx, .docx or .pptx"), ("warning", "the tag 's' has several Charts; only the first is used")]))
+        self.assertEqual(self.check("t.xlsx", charts[:1]), (0, []))
+        self.assertEqual(self.check("t.xlsx", [("S", 0, ["n"])]), (2, [
+            ("error", "the template file '{folder}/t.xlsx' contains a new un-initialized tag named 's'"),
+            ("warning", "the template file '{folder}/t.xlsx' has no tag for the Chart 'S': its data is not written")]))
+        self.write(bars(series("none")))
+        self.assertEqual(self.check("t.xlsx", []), (0, [("warning", NO_TAG.strip().split(": ", 1)[1])]))
+        (self.folder / "t.xlsx").write_text("no package")
+        self.assertEqual(self.check("t.xlsx", []), (2, [("error", "cannot read Report Template file {folder}/t.xlsx")]))
+        self.assertEqual(self.check("&gt;bar.xlsx", [("data", 0, ["n", "a"])]), (0, []))
+        included = f"{pathlib.Path(CORVANTA).parent.resolve()}/officeTemplates/no.xlsx"
+        self.assertEqual(self.check("&gt;no.xlsx", []), (2, [("error", f"the file '{included}' of 'template' does not exist")]))
+
+    def test_what_office_programs_do_with_the_document(self):
+        self.write(bars(series("[[KOBData s]]")).replace(b"</c:chartSpace>", b"<c:externalData r:id='rId1'/></c:chartSpace>"))
+        log, _ = self.fill(output="out.docx")
+        self.assertEqual(log, [
+            (2, "Warning: the name of the document '{folder}/out.docx' does not end like that of its template: Office programs may refuse to open it.\n"),
+            (3, f"Note: 1 charts of the document '{{folder}}/out.docx' have the workbook of the template, first '{PART}': \"Edit data\" in an office "
+             "program shows the data of the template, and not that of the chart\n")])
 
     def test_templates_that_cannot_be_used(self):
         unknown = "\nERROR: template file {folder}/%s has unknown extention type (not .xlsx, .pptx, .docx).\n"

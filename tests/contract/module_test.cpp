@@ -408,13 +408,13 @@ TEST(Parameters, SavedForms)
          "<writeDocTable version='2.2'>\n  <v markerName='T1' colWidths='' styleID='TableGrid'/>\n"
          "  <v markerName='X' colWidths='' styleID='TableGrid' "
          "includeHeaders='1'/>\n</writeDocTable>\n"},
-        // A pie has two axes.
+        // A pie has two axes, but the template may have another type.
         {"<writeReport nPinIn='3'><Chart type='4' name='r'><axis "
          "pinIdx='2'>a</axis><axis>b</axis><axis>c</axis></Chart></writeReport>",
          "<writeReport version='2.08' nPinIn='3' output='' template=''>\n  <Chart type='4' "
          "name='r'>\n"
-         "    <axis pinIdx='2'>a</axis>\n    <axis pinIdx='0'>b</axis>\n  "
-         "</Chart>\n</writeReport>\n"},
+         "    <axis pinIdx='2'>a</axis>\n    <axis pinIdx='0'>b</axis>\n"
+         "    <axis pinIdx='0'>c</axis>\n  </Chart>\n</writeReport>\n"},
         {"<writeSAS f1='1.5' fileName='x'><StringColDef><CD n='c' "
          "l='8'/></StringColDef></writeSAS>",
          "<writeSAS version='2.08' fileName='x' f1='1.5'>\n  <StringColDef>\n    <CD n='c' l='8' "

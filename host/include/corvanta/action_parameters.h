@@ -197,8 +197,8 @@ public:
 
     /// What is wrong with the values together, or with a value in a way that the table cannot say,
     /// for example a date column without a date format. Mistakes that the table shows (types,
-    /// ranges, required values) are found without this. The action has the graph's variables; no
-    /// file may be opened. Logs nothing. Not during a run.
+    /// ranges, required values) are found without this. The action has the graph's variables. May
+    /// read the structure of a template, not rows. Logs nothing. Not during a run.
     virtual QVector<ParameterProblem> problems() const;
     /// What the input file says about each column of the first output; empty, or shorter than the
     /// columns are, where it says nothing. Logs nothing: the run reports what it cannot read. Not
