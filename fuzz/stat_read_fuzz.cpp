@@ -11,8 +11,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <thread>
 
 using namespace corvanta;
@@ -57,10 +57,10 @@ void readAll(QByteArrayView file, uint8_t flags)
 rlim_t dataBytes()
 {
     constexpr rlim_t kPageBytes = 4096;
-    unsigned long long pages = 0; // the sixth number: data and stack
-    if (FILE *file = std::fopen("/proc/self/statm", "r")) {
-        static_cast<void>(std::fscanf(file, "%*u %*u %*u %*u %*u %llu", &pages));
-        std::fclose(file);
+    std::ifstream facts("/proc/self/statm");
+    rlim_t pages = 0;
+    for (int i = 0; i < 6; ++i) { // the sixth number: data and stack
+        facts >> pages;
     }
     return pages * kPageBytes;
 }
