@@ -158,7 +158,8 @@ class Signals(unittest.TestCase):
         for command in (["convert", "pipe.csv", "out.parquet"], ["head", "pipe.csv"], ["schema", "pipe.csv"]):
             for number in SIGNALS:
                 process = self.start(*command)
-                time.sleep(0.2)
+                self.wait_until(lambda: self.threads_of(process) >= 2)
+                time.sleep(0.1)
                 self.end_by(process, number, command)
                 self.assertEqual(self.files(), {"pipe.csv"})
 
