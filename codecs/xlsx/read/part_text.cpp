@@ -121,7 +121,7 @@ sheet::WorkbookResult<bool> PartText::ensureText()
     if (m_begin != m_end) {
         return true;
     }
-    const auto more = extend();
+    auto more = extend();
     if (!more || !*more || !m_isStart) {
         return more;
     }
