@@ -26,7 +26,8 @@ size_t countQuotes(const char *text, size_t n)
 
 RecordWriter::RecordWriter(char separator)
     : m_separator(separator)
-    , m_buffer(kBlockBytes + kBlockBytes / 16) // so that ordinary rows never make it grow
+    , m_size(kBlockBytes + kBlockBytes / 16) // so that ordinary rows never make it grow
+    , m_buffer(new char[m_size])
 {
 }
 
@@ -34,16 +35,25 @@ RecordWriter::RecordWriter(char separator)
 /// separator.
 inline void RecordWriter::reserve(size_t bytes)
 {
-    if (m_buffer.size() - m_used < bytes) [[unlikely]] {
-        m_buffer.resize(std::max(m_buffer.size() * 2, m_used + bytes));
+    if (m_size - m_used < bytes) [[unlikely]] {
+        grow(bytes);
     }
+}
+
+void RecordWriter::grow(size_t bytes)
+{
+    const size_t size = std::max(m_size * 2, m_used + bytes);
+    std::unique_ptr<char[]> larger(new char[size]);
+    std::memcpy(larger.get(), m_buffer.get(), m_used);
+    m_buffer = std::move(larger);
+    m_size = size;
 }
 
 /// Appends a text that is not missing, with quotes if it needs them.
 void RecordWriter::addText(const char16_t *units, qsizetype n, int column)
 {
     reserve(static_cast<size_t>(n) * kUtf8BytesPerUnit + kReadAhead);
-    char *const out = m_buffer.data() + m_used;
+    char *const out = m_buffer.get() + m_used;
     qsizetype replaced = 0;
     const qsizetype size = utf16ToUtf8(units, n, out, &replaced);
     if (replaced != 0) [[unlikely]] {
@@ -69,10 +79,10 @@ void RecordWriter::countReplaced(qsizetype n, int column)
 void RecordWriter::addQuoted(size_t begin)
 {
     const size_t n = m_used - begin;
-    const size_t quotes = countQuotes(m_buffer.data() + begin, n);
+    const size_t quotes = countQuotes(m_buffer.get() + begin, n);
     // Two quotes around the text, and the separator.
     reserve(quotes + 3);
-    char *at = m_buffer.data() + begin;
+    char *at = m_buffer.get() + begin;
     const char *from = at + 1 + quotes;
     std::memmove(at + 1 + quotes, at, n);
     *at++ = '"';
@@ -100,7 +110,7 @@ void RecordWriter::addNames(const RowView &row)
 inline void RecordWriter::addCell(cell::Type type, const uchar *bytes, int column)
 {
     reserve(kNumberChars + 1);
-    char *const out = m_buffer.data() + m_used;
+    char *const out = m_buffer.get() + m_used;
     switch (type) {
     case cell::Type::Key: {
         const auto key = loadNative<quint32>(bytes);

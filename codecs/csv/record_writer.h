@@ -10,7 +10,7 @@
 
 #include <QByteArrayView>
 
-#include <vector>
+#include <memory>
 
 namespace corvanta::csv {
 
@@ -28,7 +28,7 @@ public:
 
     /// What has been appended since clear(); valid until the next call of a function that is not
     /// const.
-    QByteArrayView bytes() const { return {m_buffer.data(), static_cast<qsizetype>(m_used)}; }
+    QByteArrayView bytes() const { return {m_buffer.get(), static_cast<qsizetype>(m_used)}; }
     /// True when bytes() is so long (1 MiB) that it should be written now.
     bool isFull() const { return m_used >= kBlockBytes; }
     void clear() { m_used = 0; }
@@ -42,13 +42,16 @@ private:
     static constexpr size_t kBlockBytes = size_t(1) << 20;
 
     void reserve(size_t bytes);
+    void grow(size_t bytes);
     void addCell(cell::Type type, const uchar *bytes, int column);
     void addText(const char16_t *units, qsizetype n, int column);
     void countReplaced(qsizetype n, int column);
     void addQuoted(size_t begin);
 
     char m_separator;
-    std::vector<char> m_buffer;
+    size_t m_size; // of the buffer
+    // Not initialised: a small file uses few of its pages.
+    std::unique_ptr<char[]> m_buffer;
     size_t m_used = 0;
     qint64 m_row = 0; // from 1; 0: the names
     ReplacedCharacters m_replaced;
