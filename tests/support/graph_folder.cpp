@@ -12,6 +12,7 @@
 #include <sys/resource.h>
 
 #include <csignal>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -132,6 +133,10 @@ GraphOutcome GraphFolder::runChain(const QList<QByteArray> &elements,
         settings.beforeStart(run);
     }
     run.start();
+    if (settings.stopAfter) {
+        std::this_thread::sleep_for(*settings.stopAfter);
+        run.stop();
+    }
     outcome.ended = run.waitFor(std::chrono::seconds(kMaxSeconds));
     run.wait();
     outcome.succeeded = run.succeeded();

@@ -9,8 +9,10 @@
 #include <QTemporaryDir>
 #include <QVector>
 
+#include <chrono>
 #include <functional>
 #include <mutex>
+#include <optional>
 
 namespace corvanta::test {
 
@@ -22,6 +24,8 @@ struct GraphSettings
     int batchRows = 1024;
     bool yields = false;       ///< ask the actions for a yield at every batch
     qint64 stopAfterRows = -1; ///< stop the run once so many rows were seen; negative: never
+    /// Stop the run so long after its start.
+    std::optional<std::chrono::microseconds> stopAfter = {};
     const ActionRegistry *registry = nullptr;    ///< null: allActions()
     std::function<void(Run &)> beforeStart = {}; ///< for tests that stop the run themselves
 };
