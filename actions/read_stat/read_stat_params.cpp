@@ -30,7 +30,7 @@ ParamGroup<P> filesAndLabels()
 ParamGroup<P> decoding()
 {
     return {
-        // The default, OfEnding, is no choice: panels show it as "automatic".
+        // The default, OfEnding, is not in the list: panels show it as "automatic".
         choice("fileFormat", &P::fileFormat,
                {{StatFormat::Sas, "SAS File (.sas7bdat)"},
                 {StatFormat::SpssSav, "SPSS File (.sav)"},

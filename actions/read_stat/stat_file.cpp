@@ -302,7 +302,7 @@ void StatFile::beforeClose()
     }
     if (const Occurrences &values = findings.badDates; values.any()) {
         m_action.warn(
-            u"Warning: %2 values of the statistical file '%1' are no dates of the years 1 to 9999 and are read as numbers; the first is in %3\n"_s
+            u"Warning: %2 values of the statistical file '%1' are not dates of the years 1 to 9999 and are read as numbers; the first is in %3\n"_s
                 .arg(m_name, QString::number(values.count()), values.first()));
     }
     if (const Occurrences &values = findings.userMissing; values.any()) {

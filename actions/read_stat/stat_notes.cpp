@@ -14,7 +14,7 @@ namespace {
 
 using ValueLabel = ColumnNotes::ValueLabel;
 
-/// An open file, which is no part of a run.
+/// An open file that is not part of a run.
 struct LookedAt
 {
     LookedAt(const ActionBase &action, const QString &name)

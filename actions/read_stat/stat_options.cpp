@@ -22,7 +22,7 @@ constexpr std::array kEndings{
     Ending{".xport"_L1, stat::Format::SasTransport},
 };
 
-/// Any other ending is taken for a SAS data set, whose reader then says what the file is not.
+/// A file with any other ending is read as a SAS data set; the reader then reports what it is not.
 stat::Format formatOfEnding(const QString &name)
 {
     const auto isItsEnding = [&](QLatin1StringView text) {

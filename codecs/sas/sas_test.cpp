@@ -138,7 +138,7 @@ TEST(Names, BecomeUnique)
     EXPECT_EQ(unique(u"a,A,a"_s, whole, 8), "a,A,a2*");
     EXPECT_EQ(unique(u"a,A,a"_s, ignored, 8), "a,A2*,a3*");
     EXPECT_EQ(unique(u",C1,"_s, whole, 8), "C12*,C1,C3*");
-    // A name that fits is kept, also behind one that was cut to it.
+    // A name that fits is kept, also after one that was cut to it.
     EXPECT_EQ(unique(u"abcdefghi,abcdefgh,abcdefgh2"_s, whole, 8), "abcdefg2*,abcdefgh,abcdefg3*");
     // Not half a character before the number.
     EXPECT_EQ(unique(u"ab€€,ab€,ab€x"_s, whole, 5), "ab2*,ab€,ab3*");

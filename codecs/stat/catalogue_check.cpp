@@ -234,7 +234,7 @@ Result<void, Error> checkCatalogue(ByteSource &source)
     }
     CheckedReader in(source);
     const auto header = readSasHeader(in);
-    if (!header) { // the library says that it is no catalogue
+    if (!header) { // the library reports that it is not a catalogue
         return {};
     }
     return CatalogueCheck(source, *header).run();

@@ -207,7 +207,7 @@ void DataSetReader::announceColumns()
     (*m_onColumns)(m_dictionary);
 }
 
-/// A damaged file can give a message per row: the first hundred tell enough.
+/// A damaged file can give a message per row: the first hundred suffice.
 void DataSetReader::addMessage(const char *text)
 {
     constexpr qsizetype kMaxMessages = 100;
@@ -244,7 +244,7 @@ bool DataSetReader::beginRow(qint64 row)
     return true;
 }
 
-/// The library does not tell when a row ends: the value of the next row, or the end of the file
+/// The library does not report the end of a row: the value of the next row, or the end of the file
 /// does.
 void DataSetReader::endRow()
 {

@@ -76,7 +76,7 @@ private:
     void useRowCount(qint64 rows);
     bool openDecoder(const QString &encoding);
     bool refuse(Fault<Error> fault);
-    /// Returns what tells the library to read or to skip the values of the variable.
+    /// Returns whether the library is to read or to skip the values of the variable.
     int useVariable(int index, readstat_variable_t *variable, const char *labelSet);
     bool putValue(qint64 row, readstat_variable_t *variable, const readstat_value_t &value);
     bool beginRow(qint64 row);

@@ -17,7 +17,7 @@ DateKind dateKindOf(Format format, const QString &variableFormat);
 
 /// Print a number as "2026-11-22", "2026-11-22T04:30:00" or "04:30:00", with as many digits of a
 /// fraction of a second as it has, at most 6. Weeks, months, quarters, half-years and years are
-/// the date of their first day. Returns the number of characters, and 0 if the number is no date
+/// the date of their first day. Returns the number of characters, and 0 if the number is not a date
 /// from the year 1 to 9999, or not finite.
 int putDateText(DateKind kind, double number, char *out);
 

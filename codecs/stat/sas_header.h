@@ -17,8 +17,8 @@ struct SasHeader
     quint64 pages = 0;
 };
 
-/// Reads the header and sets the byte order of `in`. Nothing if it is no file of SAS; the library
-/// then says so.
+/// Reads the header and sets the byte order of `in`. Nothing if it is not a file of SAS; the
+/// library then says so.
 std::optional<SasHeader> readSasHeader(CheckedReader &in);
 
 /// A word of the file: 4 bytes, or 8 in a file of 64 bits.

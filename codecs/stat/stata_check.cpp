@@ -56,7 +56,7 @@ Result<void, Error> checkStata(ByteSource &source)
     }
     CheckedReader old(source);
     const QByteArray start = old.bytes(4);
-    if (!old.isGood()) { // the library says that it is no data set
+    if (!old.isGood()) { // the library reports that it is not a data set
         return {};
     }
     old.setBigEndian(start[1] == 1);
