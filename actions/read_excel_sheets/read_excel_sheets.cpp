@@ -29,8 +29,11 @@ void ActionReadExcelSheets::start()
 bool ActionReadExcelSheets::begin()
 {
     OneRow *const out = getOutputRowForOutputPin(0);
-    out->setColName({u"FileNames"_s, u"SheetNames"_s});
-    out->setMetaData({MetaInfo(MetaInfo::Unknown, -1), MetaInfo(MetaInfo::Unknown, -1)});
+    out->setNumberOfColumns(2);
+    out->setColName(0, u"FileNames"_s);
+    out->setColName(1, u"SheetNames"_s);
+    out->setMetaType(0, MetaInfo(MetaInfo::Unknown, -1));
+    out->setMetaType(1, MetaInfo(MetaInfo::Unknown, -1));
     if (!m_params.fileNameFromPin) {
         m_run.files = namesOfPattern(*this, m_params.fileName);
     } else if (const OneRow *const row = getNextRowFromInPin(0)) {

@@ -5,7 +5,7 @@
 #include "codecs/stat/label_reader.h"
 #include "io/input/whole_input.h"
 
-#include <QSet>
+#include <unordered_set>
 
 #include <cstring>
 
@@ -215,13 +215,12 @@ void StatFile::warnDeletedRows() const
 /// Two variables may have the same label.
 void StatFile::warnSameNames() const
 {
-    QSet<QString> names;
+    std::unordered_set<QString> names;
     Occurrences same;
     for (const stat::ColumnPlan &column : m_reader->columns()) {
-        if (names.contains(column.name)) {
+        if (!names.insert(column.name).second) {
             same.add([&] { return column.name; });
         }
-        names.insert(column.name);
     }
     if (same.any()) {
         m_action.warn(

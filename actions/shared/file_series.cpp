@@ -110,7 +110,7 @@ bool FileSeries::openNext()
 {
     closeCurrent();
     while (m_nextFile < m_files.size() && m_action.runIsGood()) {
-        const QString name = m_files[m_nextFile++];
+        const QString name = m_files.at(m_nextFile++);
         auto opened = openWithRetries(name);
         if (opened) {
             // Published before the check, so that the file is closed with the series if that fails.

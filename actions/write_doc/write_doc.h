@@ -11,7 +11,7 @@
 #include "codecs/document/document_template.h"
 #include "codecs/document/document_text.h"
 
-#include <QHash>
+#include <unordered_map>
 
 namespace corvanta {
 
@@ -49,8 +49,9 @@ private:
         std::unique_ptr<document::DocumentTemplate> source; ///< of templateName()
         document::TextRules rules;                          ///< of texts in elements
         ImageStore store;
-        QHash<QByteArray, qint64> written; ///< digest of each document's name, and its row
-        Occurrences replaced;              ///< characters that XML does not have
+        /// The row of each document, by the digest of its name.
+        std::unordered_map<QByteArray, qint64> written;
+        Occurrences replaced;   ///< characters that XML does not have
         Occurrences otherKinds; ///< documents with names of another kind than their templates
         Occurrences split;      ///< markers that runs divide
         qint64 row = 0;         ///< number of the current row, from 1

@@ -262,8 +262,8 @@ QString ActionWriteParquet::nextTarget(const QString &value)
 
 QStringList ActionWriteParquet::oldSegments() const
 {
-    QSet<QString> written;
-    for (const QString &target : std::as_const(m_run->targets)) {
+    std::unordered_set<QString> written;
+    for (const QString &target : m_run->targets) {
         written.insert(QFileInfo(target).fileName());
     }
     static const QRegularExpression numbered(u"^(.*)__(?:[2-9]|[1-9][0-9]+)(\\.[^.]*)?$"_s,
@@ -316,7 +316,7 @@ bool ActionWriteParquet::openOutput(const QString &value)
 
 bool ActionWriteParquet::closeOutput(const QString &value)
 {
-    const std::shared_ptr<Output> output = m_run->outputs.take(value);
+    const std::shared_ptr<Output> output = m_run->outputs.extract(value).mapped();
     m_run->output.reset();
     const auto finished = output->writer->finish();
     addChanged(*output);
@@ -347,11 +347,11 @@ bool ActionWriteParquet::chooseOutput(const OneRow &row)
         return false;
     }
     // An unsorted table returns to the file of an earlier value.
-    const auto open = m_run->outputs.constFind(value);
-    if (open == m_run->outputs.constEnd()) {
+    const auto open = m_run->outputs.find(value);
+    if (open == m_run->outputs.end()) {
         return openOutput(value);
     }
-    m_run->output = *open;
+    m_run->output = open->second;
     m_run->value = value;
     return true;
 }
@@ -382,16 +382,17 @@ bool ActionWriteParquet::writeRow(const OneRow &row)
 
 void ActionWriteParquet::complete()
 {
-    if (m_run->targets.isEmpty()) {
+    if (m_run->targets.empty()) {
         // Only a table that is split by value: the names of its files come from rows.
         warn(u"Warning: the Parquet file '%1' is not written: no row is selected.\n"_s.arg(
             fileName()));
     }
-    // Not outputs.keys(), whose allocation Qt does not check.
-    std::vector<QString> values(m_run->outputs.keyBegin(), m_run->outputs.keyEnd());
-    std::sort(
-        values.begin(),
-        values.end()); // so that the first failure does not depend on the order of a hash table
+    std::vector<QString> values;
+    for (const auto &[value, output] : m_run->outputs) {
+        values.push_back(value);
+    }
+    // The first failure does not depend on the order of a hash table.
+    std::sort(values.begin(), values.end());
     for (const QString &value : values) {
         if (!closeOutput(value)) {
             m_run->outputs.clear(); // discards the others
@@ -456,7 +457,7 @@ void ActionWriteParquet::warnChanged()
 
 void ActionWriteParquet::keepUnfinished()
 {
-    for (const std::shared_ptr<Output> &output : std::as_const(m_run->outputs)) {
+    for (const auto &[value, output] : m_run->outputs) {
         output->writer.reset(); // before its target is closed
         output->target.keepTemporary();
     }

@@ -14,10 +14,9 @@
 #include "actions/write_parquet/write_parquet_params.h"
 #include "codecs/parquet/write/file_writer.h"
 
-#include <QHash>
-#include <QSet>
-
 #include <memory>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace corvanta {
 
@@ -57,14 +56,14 @@ private:
         parquet::WriteOptions options;
         std::vector<parquet::WriterColumn> columns;
         // Names given so far: a later file of the run must not replace an earlier one.
-        QSet<QString> targets;
+        std::unordered_set<QString> targets;
         // By column; the place is row and file.
         std::vector<ChangedColumn> negativeKeys;
         std::vector<ChangedColumn> replacedTexts;
         // Its threads are shared by all open files.
         std::unique_ptr<parquet::PageCompressor> compressor;
         // Open files by split value; one with an empty value when the table is not split by value.
-        QHash<QString, std::shared_ptr<Output>> outputs;
+        std::unordered_map<QString, std::shared_ptr<Output>> outputs;
         // The file of the current row, and its key in `outputs`; null after it is closed.
         QString value;
         std::shared_ptr<Output> output;

@@ -2,10 +2,9 @@
 // Names"); VALIDVARNAME=ANY in SAS relaxes them.
 #include "codecs/sas/variable_names.h"
 
-#include <QHash>
-#include <QSet>
-
 #include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace corvanta::sas {
 
@@ -37,12 +36,7 @@ public:
         : m_sensitivity(sensitivity)
     {
     }
-    bool add(const QByteArray &name)
-    {
-        const qsizetype before = m_used.size();
-        m_used.insert(key(name));
-        return m_used.size() != before;
-    }
+    bool add(const QByteArray &name) { return m_used.insert(key(name)).second; }
     QByteArray next(const QByteArray &name, qsizetype maxBytes)
     {
         // Continues after the last number of the same name, so that many equal ones stay cheap.
@@ -63,8 +57,8 @@ private:
     }
 
     Qt::CaseSensitivity m_sensitivity;
-    QSet<QByteArray> m_used;
-    QHash<QByteArray, int> m_numbers;
+    std::unordered_set<QByteArray> m_used;
+    std::unordered_map<QByteArray, int> m_numbers;
 };
 
 } // namespace

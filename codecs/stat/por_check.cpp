@@ -15,10 +15,9 @@
 #include "codecs/stat/checked_reader.h"
 #include "codecs/stat/header_check.h"
 
-#include <QHash>
-
 #include <algorithm>
 #include <array>
+#include <unordered_map>
 
 namespace corvanta::stat {
 
@@ -66,7 +65,7 @@ private:
     qint64 m_variables = 0;
     int m_missing = 0;     // values of the last variable
     bool m_isText = false; // the last variable
-    QHash<QByteArray, bool> m_isTextOf;
+    std::unordered_map<QByteArray, bool> m_isTextOf;
     QString m_reason;
 };
 
@@ -295,7 +294,8 @@ bool PorCheck::checkValueLabels()
     const qint64 variables = count();
     for (qint64 i = 0; i < variables && m_in.isGood(); ++i) {
         const QByteArray name = text();
-        isText = m_isTextOf.value(name, isText);
+        const auto found = m_isTextOf.find(name);
+        isText = found != m_isTextOf.end() ? found->second : isText;
     }
     const qint64 labels = count();
     for (qint64 i = 0; i < labels && m_in.isGood(); ++i) {

@@ -32,16 +32,12 @@ quint64 keyOf(double number)
     return std::bit_cast<quint64>(number + 0.0); // -0 and 0 are one value
 }
 
-const uchar *bytesOf(const QByteArray *cell)
+/// The bytes of the cell of a key; null if the map does not have it.
+template <class Map> const uchar *cellOf(const Map &map, const typename Map::key_type &key)
 {
-    return cell == nullptr ? nullptr : reinterpret_cast<const uchar *>(cell->constData());
-}
-
-/// Null if the hash does not have the key. Returns the address of the value, which is not copied.
-template <class Hash, class Key> const QByteArray *findIn(const Hash &hash, const Key &key)
-{
-    const auto found = hash.constFind(key);
-    return found == hash.constEnd() ? nullptr : &*found;
+    const auto found = map.find(key);
+    return found == map.end() ? nullptr
+                              : reinterpret_cast<const uchar *>(found->second.constData());
 }
 
 } // namespace
@@ -49,23 +45,23 @@ template <class Hash, class Key> const QByteArray *findIn(const Hash &hash, cons
 ValueLabels::ValueLabels(const LabelSet &set)
 {
     for (const LabelSet::Entry &entry : set.entries) {
-        if (entry.isText && !m_byText.contains(entry.text)) {
-            m_byText.insert(entry.text, textCell(entry.label));
-        } else if (!entry.isText && entry.tag == 0 && !m_byNumber.contains(keyOf(entry.number))) {
-            m_byNumber.insert(keyOf(entry.number), textCell(entry.label));
+        if (entry.isText) {
+            m_byText.emplace(entry.text, textCell(entry.label));
+        } else if (entry.tag == 0) {
+            m_byNumber.emplace(keyOf(entry.number), textCell(entry.label));
         }
     }
 }
 
 const uchar *ValueLabels::find(double number) const
 {
-    return bytesOf(findIn(m_byNumber, keyOf(number)));
+    return cellOf(m_byNumber, keyOf(number));
 }
 
 const uchar *ValueLabels::find(std::string_view text) const
 {
-    return bytesOf(findIn(
-        m_byText, QByteArray::fromRawData(text.data(), static_cast<qsizetype>(text.size()))));
+    return cellOf(m_byText,
+                  QByteArray::fromRawData(text.data(), static_cast<qsizetype>(text.size())));
 }
 
 } // namespace corvanta::stat

@@ -4,9 +4,10 @@
 #pragma once
 #include "codecs/stat/dictionary.h"
 
-#include <QHash>
+#include <QByteArray>
 
 #include <string_view>
+#include <unordered_map>
 
 namespace corvanta::stat {
 
@@ -25,9 +26,8 @@ public:
     const uchar *find(std::string_view text) const;
 
 private:
-    // The bytes of a hash's values stay where they are, because nothing is inserted later.
-    QHash<quint64, QByteArray> m_byNumber; // the key is the bits of the number
-    QHash<QByteArray, QByteArray> m_byText;
+    std::unordered_map<quint64, QByteArray> m_byNumber; // the key is the bits of the number
+    std::unordered_map<QByteArray, QByteArray> m_byText;
 };
 
 } // namespace corvanta::stat

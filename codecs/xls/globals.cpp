@@ -15,9 +15,8 @@
 #include "codecs/sheet/number_format.h"
 #include "codecs/xls/defined_names.h"
 
-#include <QHash>
-
 #include <array>
+#include <unordered_map>
 
 namespace corvanta::xls {
 
@@ -129,8 +128,8 @@ private:
     TextReader m_rules;
     Globals m_globals;
     DefinedNames m_names;
-    QHash<int, NumberForm> m_formats; // those with a FORMAT record
-    std::vector<int> m_xfs;           // format of each
+    std::unordered_map<int, NumberForm> m_formats; // those with a FORMAT record
+    std::vector<int> m_xfs;                        // format of each
 };
 
 void Collector::take(const Record &record)
@@ -216,14 +215,14 @@ void Collector::addFormat(int id, ContinuedBytes &in, qint64 length)
 {
     std::u16string code;
     m_rules.append(in, length, &code);
-    m_formats.insert(id, sheet::formOfCode(code));
+    m_formats[id] = sheet::formOfCode(code);
 }
 
 NumberForm Collector::formOf(int format) const
 {
-    const auto found = m_formats.constFind(format);
-    if (found != m_formats.cend()) {
-        return *found;
+    const auto found = m_formats.find(format);
+    if (found != m_formats.end()) {
+        return found->second;
     }
     return m_globals.biff == Biff::V2 ? formOfBuiltIn2(format) : sheet::formOfBuiltIn(format);
 }

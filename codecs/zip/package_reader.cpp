@@ -169,17 +169,16 @@ Result<std::unique_ptr<PackageReader>, Error> PackageReader::open(ByteSource &so
     }
     std::unique_ptr<PackageReader> reader(new PackageReader(source));
     reader->m_members = std::move(*members);
-    for (size_t i = reader->m_members.size();
-         i-- > 0;) { // backward, so that the first of several equal names remains
-        reader->m_byName[reader->m_members[i].name] = i;
+    for (size_t i = 0; i < reader->m_members.size(); ++i) {
+        reader->m_byName.emplace(reader->m_members[i].name, i); // the first of equal names remains
     }
     return reader;
 }
 
 const Member *PackageReader::find(QByteArrayView name) const
 {
-    const auto found = m_byName.constFind(name.toByteArray());
-    return found == m_byName.cend() ? nullptr : &m_members[*found];
+    const auto found = m_byName.find(name.toByteArray());
+    return found == m_byName.end() ? nullptr : &m_members[found->second];
 }
 
 namespace {

@@ -8,10 +8,9 @@
 #include "base/result.h"
 #include "codecs/zip/member_decoder.h"
 
-#include <QHash>
-
 #include <memory>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 namespace corvanta::zip {
@@ -114,7 +113,7 @@ private:
 
     ByteSource &m_source;
     std::vector<Member> m_members;
-    QHash<QByteArray, size_t> m_byName; // index in m_members
+    std::unordered_map<QByteArray, size_t> m_byName; // index in m_members
 };
 
 } // namespace corvanta::zip

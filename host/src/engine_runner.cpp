@@ -6,10 +6,9 @@
 #include "corvanta/row_listener.h"
 #include "corvanta/run.h"
 
-#include <QSet>
-
 #include <algorithm>
 #include <optional>
+#include <unordered_set>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -29,7 +28,7 @@ std::optional<CorvantaGraph::Pin> sourceOf(const CorvantaGraph &graph, const QSt
 /// The part of a graph that the action `id` depends on, with the action itself.
 CorvantaGraph upTo(const CorvantaGraph &graph, const QString &id)
 {
-    QSet<QString> needed{id};
+    std::unordered_set<QString> needed{id};
     // Add the sources of all needed actions until nothing changes. Simple, and fast enough for
     // graphs that a user edits.
     for (bool grew = true; grew;) {

@@ -3,14 +3,14 @@
 
 #include "corvanta/action_base.h"
 
-#include <QSet>
+#include <unordered_set>
 
 using namespace Qt::StringLiterals;
 
 char doCheckNameCollision(const OneRow *row, bool check, corvanta::ActionBase *action,
                           const QVector<int> &columns, const QString &what)
 {
-    QSet<QString> seen;
+    std::unordered_set<QString> seen;
     for (const int column : columns) {
         const QString name = row->colName(column);
         if (check && seen.contains(name)) {

@@ -40,7 +40,7 @@ bool RunFiles::claim(const QString &file, int action)
     const QString name = platform::finalName(file).value_or(file);
     const QString id = LogScope::current().action;
     std::unique_lock lock(m_mutex);
-    Owner &owner = m_owners.insert(name, m_owners.value(name, {action, id})).value();
+    Owner &owner = m_owners.try_emplace(name, Owner{action, id}).first->second;
     if (owner.action == action || m_shared.contains(std::minmax(owner.action, action))) {
         owner = {action, id};
         return true;

@@ -3,10 +3,11 @@
 #include "engine/target_order.h"
 #include "unsynced_names.h"
 
-#include <QHash>
 #include <QString>
 
 #include <mutex>
+#include <set>
+#include <unordered_map>
 
 namespace corvanta {
 
@@ -47,9 +48,9 @@ private:
         QString id;
     };
     UnsyncedNames m_unsynced;
-    QSet<std::pair<int, int>> m_shared; // see TargetOrder
-    std::mutex m_mutex;                 // guards m_owners
-    QHash<QString, Owner> m_owners;     // by the final name of the file
+    std::set<std::pair<int, int>> m_shared;      // see TargetOrder
+    std::mutex m_mutex;                          // guards m_owners
+    std::unordered_map<QString, Owner> m_owners; // by the final name of the file
 };
 
 } // namespace corvanta

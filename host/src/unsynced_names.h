@@ -5,11 +5,11 @@
 #pragma once
 #include "base/system_error.h"
 
-#include <QSet>
 #include <QString>
 #include <QStringList>
 
 #include <mutex>
+#include <unordered_set>
 
 namespace corvanta {
 
@@ -36,8 +36,8 @@ public:
 private:
     struct Names
     {
-        QStringList files;     // in the order in which they were added
-        QSet<QString> folders; // absolute; each is flushed once
+        QStringList files;                   // in the order in which they were added
+        std::unordered_set<QString> folders; // absolute; each is flushed once
     };
     /// Without the mutex: flushing takes long.
     static QVector<Failed> sync(const Names &names);

@@ -1,9 +1,8 @@
 // For the values a/x, b/x and c: x is not distinct, so the names are "a.x", "b.x" and "c".
 #include "codecs/markup/sample/column_names.h"
 
-#include <QHash>
-
 #include <algorithm>
+#include <unordered_map>
 
 namespace corvanta::markup {
 
@@ -23,7 +22,7 @@ QString nameOf(const ColumnNameParts &column)
 /// Use one more part in each name that is not distinct; false when nothing changed.
 bool lengthenNames(std::vector<ColumnNameParts> *columns)
 {
-    QHash<QString, int> uses;
+    std::unordered_map<QString, int> uses;
     for (const ColumnNameParts &column : *columns) {
         ++uses[nameOf(column)];
     }
@@ -44,7 +43,7 @@ QStringList distinctNames(std::vector<ColumnNameParts> columns)
     // Ends: each turn uses up at least one part of a name.
     while (lengthenNames(&columns)) {
     }
-    QHash<QString, int> uses;
+    std::unordered_map<QString, int> uses;
     QStringList names;
     for (const ColumnNameParts &column : columns) {
         QString name = nameOf(column);

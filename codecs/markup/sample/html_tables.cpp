@@ -9,9 +9,8 @@
 
 #include "codecs/markup/tree/path.h"
 
-#include <QSet>
-
 #include <map>
+#include <unordered_set>
 
 using namespace Qt::StringLiterals;
 
@@ -223,7 +222,7 @@ bool beginsWithNames(const HtmlTable &table)
 }
 
 /// The text, or the text with the first number from 2 that makes it one that is not in `names`.
-QString distinctName(const QString &text, const QSet<QString> &names)
+QString distinctName(const QString &text, const std::unordered_set<QString> &names)
 {
     QString name = text;
     for (int n = 2; names.contains(name); ++n) {
@@ -233,7 +232,7 @@ QString distinctName(const QString &text, const QSet<QString> &names)
 }
 
 /// A name that is not in `names`, made of the text or of the number of the column; adds it.
-QString newName(const QString &text, qint64 number, QSet<QString> *names)
+QString newName(const QString &text, qint64 number, std::unordered_set<QString> *names)
 {
     const QString base = text.isEmpty() ? u"column %1"_s.arg(number) : text;
     QString name = distinctName(base, *names);
@@ -255,7 +254,7 @@ SampledTable sampledTable(const HtmlTable &table, bool zeroBased)
     sampled.rows = (hasBody ? table.rows : table.headRows) - sampled.headRows;
     sampled.values = sampled.rows * table.columns;
     Level level{hasBody ? table.path : table.path + "/thead"_L1, u"tr"_s, {}};
-    QSet<QString> names;
+    std::unordered_set<QString> names;
     for (qint64 i = 1; i <= table.columns; ++i) {
         const QString text = table.firstRow.value(i - 1);
         level.items.push_back({u"[%1]"_s.arg(zeroBased ? i - 1 : i),

@@ -7,7 +7,7 @@
 #include "codecs/opc/markup_scan.h"
 #include "codecs/sheet/number_format.h"
 
-#include <QHash>
+#include <unordered_map>
 
 namespace corvanta::xlsx {
 
@@ -34,7 +34,7 @@ sheet::NumberForm formOf(const opc::Tag &tag)
 std::vector<sheet::NumberForm> readNumberForms(QByteArrayView text)
 {
     std::vector<sheet::NumberForm> forms;
-    QHash<int, sheet::NumberForm> custom;
+    std::unordered_map<int, sheet::NumberForm> custom;
     bool isInCellFormats = false;
     opc::TagCursor cursor(text);
     while (cursor.next() && forms.size() < kMaxForms) {
@@ -45,11 +45,12 @@ std::vector<sheet::NumberForm> readNumberForms(QByteArrayView text)
         } else if (isClosing) {
             continue;
         } else if (tag.local() == "numFmt") {
-            custom.insert(idOf(tag), formOf(tag));
+            custom[idOf(tag)] = formOf(tag);
         } else if (isInCellFormats && tag.local() == "xf") {
             // An own format may have the id of a built-in one: then it counts.
             const int id = idOf(tag);
-            forms.push_back(custom.value(id, sheet::formOfBuiltIn(id)));
+            const auto own = custom.find(id);
+            forms.push_back(own != custom.end() ? own->second : sheet::formOfBuiltIn(id));
         }
     }
     return forms;

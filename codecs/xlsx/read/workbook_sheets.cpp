@@ -11,7 +11,7 @@
 #include "codecs/opc/outline.h"
 #include "codecs/sheet/cell_area.h"
 
-#include <QHash>
+#include <unordered_map>
 
 using namespace Qt::StringLiterals;
 
@@ -71,11 +71,11 @@ void readSheets(const opc::Outline &outline, WorkbookSheets *workbook)
 
 /// The first sheet of each name, without letter case. A search per defined name would take hours
 /// for a hostile workbook.
-QHash<QString, int> sheetsByName(const WorkbookSheets &workbook)
+std::unordered_map<QString, int> sheetsByName(const WorkbookSheets &workbook)
 {
-    QHash<QString, int> byName;
-    for (size_t i = workbook.sheets.size(); i > 0; --i) {
-        byName.insert(workbook.sheets[i - 1].info.name.toCaseFolded(), static_cast<int>(i - 1));
+    std::unordered_map<QString, int> byName;
+    for (size_t i = 0; i < workbook.sheets.size(); ++i) {
+        byName.emplace(workbook.sheets[i].info.name.toCaseFolded(), static_cast<int>(i));
     }
     return byName;
 }
@@ -104,14 +104,15 @@ bool isProcedure(const opc::Tag &tag)
 void readNames(QByteArrayView text, const opc::Outline &outline, WorkbookSheets *workbook)
 {
     const auto parent = outline.child(0, "definedNames");
-    const QHash<QString, int> byName = sheetsByName(*workbook);
+    const std::unordered_map<QString, int> byName = sheetsByName(*workbook);
     for (const int index : parent ? outline.children(*parent, "definedName") : std::vector<int>()) {
         const opc::Element &element = outline.element(index);
         sheet::DefinedName name;
         name.name = textOf(element.tag, "name");
         name.scope = scopeOf(element.tag);
         if (const auto area = sheet::parseSheetArea(refersTo(text, element))) {
-            name.sheet = byName.value(area->sheet.toCaseFolded(), -1);
+            const auto found = byName.find(area->sheet.toCaseFolded());
+            name.sheet = found != byName.end() ? found->second : -1;
             name.area = name.sheet >= 0 ? std::optional(area->area) : std::nullopt;
         }
         if (!isProcedure(element.tag)) {

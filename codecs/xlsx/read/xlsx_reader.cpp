@@ -12,6 +12,7 @@
 #include "codecs/xlsx/read/workbook_sheets.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -216,12 +217,13 @@ XlsxReader::Done XlsxReader::readWorkbook()
     m_uses1904 = workbook->uses1904;
     m_names = std::move(workbook->names);
     m_relationships = std::make_unique<opc::Relationships>(relationshipsOf(m_workbookPart));
-    QHash<QByteArray, const opc::Relationship *> byId;
+    std::unordered_map<QByteArray, const opc::Relationship *> byId;
     for (const opc::Relationship &one : m_relationships->entries()) {
-        byId.insert(one.id, &one);
+        byId[one.id] = &one;
     }
     for (const WorkbookSheets::Entry &entry : workbook->sheets) {
-        const opc::Relationship *const one = byId.value(entry.relationshipId);
+        const auto found = byId.find(entry.relationshipId);
+        const opc::Relationship *const one = found != byId.end() ? found->second : nullptr;
         sheet::SheetInfo info = entry.info;
         info.kind = (one != nullptr ? kindOf(*one) : std::nullopt).value_or(info.kind);
         m_parts.push_back(one != nullptr ? opc::resolvedTarget(m_workbookPart, one->target)

@@ -11,11 +11,11 @@
 #include "base/platform/files.h"
 
 #include <QFileInfo>
-#include <QHash>
 #include <QMap>
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <unordered_map>
 
 using namespace Qt::StringLiterals;
 
@@ -45,11 +45,11 @@ class FinalNames
 public:
     QString of(const QString &name)
     {
-        auto known = m_known.constFind(name);
-        if (known == m_known.cend()) {
-            known = m_known.insert(name, platform::finalName(name).value_or(name));
+        auto known = m_known.find(name);
+        if (known == m_known.end()) {
+            known = m_known.emplace(name, platform::finalName(name).value_or(name)).first;
         }
-        return *known;
+        return known->second;
     }
     Place placeOf(const QString &name)
     {
@@ -77,7 +77,7 @@ public:
     bool isRead(const TargetUse &target, const QString &input);
 
 private:
-    QHash<QString, QString> m_known;
+    std::unordered_map<QString, QString> m_known;
 };
 
 bool isMatch(const QString &pattern, const QString &entry)

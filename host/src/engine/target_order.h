@@ -5,11 +5,11 @@
 #pragma once
 #include "corvanta/action_parameters.h"
 
-#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVector>
 
+#include <set>
 #include <utility>
 
 namespace corvanta {
@@ -39,7 +39,7 @@ struct TargetOrder
     /// that it replaces, and see the old content to its end.
     QVector<QVector<int>> closeAfter;
     /// The pairs of actions that write one file, the smaller index first.
-    QSet<std::pair<int, int>> shared;
+    std::set<std::pair<int, int>> shared;
     QVector<TargetConflict> conflicts;
 };
 

@@ -5,7 +5,8 @@
 #include "graph/problem_list.h"
 
 #include <QRegularExpression>
-#include <QSet>
+
+#include <unordered_set>
 
 using namespace Qt::StringLiterals;
 using corvanta::ActionRegistry;
@@ -70,16 +71,15 @@ void checkLinkEnd(const CorvantaGraph &graph, const ActionRegistry &registry,
 
 void checkLinks(const CorvantaGraph &graph, const ActionRegistry &registry, ProblemList &problems)
 {
-    QSet<QString> taken;
+    std::unordered_set<QString> taken;
     for (const CorvantaGraph::Link &link : graph.links) {
         checkLinkEnd(graph, registry, link, false, problems);
         checkLinkEnd(graph, registry, link, true, problems);
         // Rows of two links would be mixed in the order of their threads.
         const QString input = link.to.action + u':' + QString::number(link.to.pin);
-        if (taken.contains(input)) {
+        if (!taken.insert(input).second) {
             problems.add(link.line, u"two links lead to the input pin '%1'"_s.arg(input));
         }
-        taken.insert(input);
     }
 }
 

@@ -6,11 +6,10 @@
 
 #include "base/nearest_name.h"
 
-#include <QSet>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <unordered_set>
 
 using namespace Qt::StringLiterals;
 
@@ -201,7 +200,7 @@ void Walk::visitAttributes(const XMLNode &element, const Known &known)
 
 void Walk::visitChildren(const XMLNode &element, const Known &known)
 {
-    QSet<QString> seen;
+    std::unordered_set<QString> seen;
     for (int i = 0; i < element.nChildNode(); ++i) {
         const XMLNode child = element.getChildNode(i);
         const QString name = child.getName();
@@ -223,7 +222,7 @@ void Walk::visitChildren(const XMLNode &element, const Known &known)
                 u"the element '%1' of '%2' occurs more than once; only the first is used"_s.arg(
                     name, element.getName()));
         }
-        seen << name;
+        seen.insert(name);
         visitChild(child, *info);
     }
 }
