@@ -133,9 +133,12 @@ std::unique_ptr<CommandLog> CommandLog::create(const QString &format, bool quiet
                                : std::unique_ptr<CommandLog>();
 }
 
+/// A reason follows its message in the same thread, and is shown if the message is.
 void CommandLog::add(const LogMessage &message)
 {
-    if (m_quiet && message.level > MainUI::Warning) {
+    thread_local int previous = MainUI::Info;
+    previous = message.text.startsWith("Reason: "_L1) ? previous : message.level;
+    if (m_quiet && previous > MainUI::Warning) {
         return;
     }
     m_hasErrors = m_hasErrors || message.level == MainUI::Error;

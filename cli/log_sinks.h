@@ -23,7 +23,7 @@ class CommandLog : public LogSink
 {
 public:
     /// Create the log for the format "text" or "json"; null for any other. `quiet` suppresses all
-    /// messages but errors and warnings.
+    /// messages but errors and warnings, and the reasons of these.
     static std::unique_ptr<CommandLog> create(const QString &format, bool quiet);
 
     void add(const LogMessage &message) final;

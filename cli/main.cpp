@@ -47,7 +47,7 @@ constexpr Command kCommands[] = {
      "  --compression LEVEL     compression of packages: isal-2 (fast, the default), isal-3, "
      "zlib-1 "
      "to zlib-9 (smallest)\n"
-     "  --quiet                 show only errors and warnings\n"
+     "  --quiet                 show only errors and warnings, with their reasons\n"
      "  --strict                unknown names and wrong values in GRAPH are errors, not "
      "warnings\n\n"
      "Exit status: 0 done (warnings allowed), 1 failed, 2 bad usage or an invalid graph; 129, 130, "

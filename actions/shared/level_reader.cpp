@@ -125,6 +125,12 @@ void LevelReader::reportUnread(const markup::UnreadParts &unread, const QString 
              "to find the columns\n"_s.arg(name, QString::number(unread.unreadItems),
                                            unread.firstUnreadPath, unread.firstUnreadPlace));
     }
+    if (unread.outside.any()) {
+        MainUI::addLog(
+            MainUI::Info,
+            u"Parts outside of the records of file '%1' are not read (count: %2, first %3)\n"_s.arg(
+                name, countOf(unread.outside), unread.outside.first()));
+    }
     for (const markup::RepeatedPath &repeated : unread.repeatedPaths) {
         MainUI::addLog(
             MainUI::Info,

@@ -230,10 +230,8 @@ QString InputFile::reason() const
 
 QString InputFile::failure() const
 {
-    const QString why = m_source ? m_source->failure() : QString();
-    return why.isEmpty()
-               ? why
-               : QStringLiteral("ERROR: cannot read the file '%1': %2\n").arg(m_name, why);
+    const bool hasFailed = m_source && !m_source->failure().isEmpty();
+    return hasFailed ? QStringLiteral("ERROR: cannot read the file '%1'\n").arg(m_name) : QString();
 }
 
 namespace {

@@ -10,6 +10,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace corvanta::markup {
 
 namespace {
@@ -162,6 +164,8 @@ OccurrenceReader::Found OccurrenceReader::readToken()
         // XML outside of the document element, or a JSON value that no path leads into.
         if (!m_isHtml && m_tokenizer->depth() == 0) {
             m_unread.strayTexts.add([this] { return placeText(m_tokenizer->tokenStart()); });
+        } else if (m_countsUnread) {
+            addOutside(u"text"_s);
         }
         return kNoOccurrence;
     default:
@@ -191,14 +195,25 @@ OccurrenceReader::Found OccurrenceReader::startElement()
         m_path.beginRoot(); // an XML file may hold several documents; an HTML file is one page
     }
     const auto place = [this] { return placeText(m_tokenizer->tokenStart()); };
+    const qint64 repeats = m_path.repeats().count();
     if (!isInContainer && m_path.enter(name, place)) {
         m_first.containerFound = m_first.containerFound || m_path.isAtEnd();
         return kNoOccurrence;
+    }
+    if (m_countsUnread && m_path.repeats().count() == repeats) {
+        addOutside(u"'%1'"_s.arg(QStringView(decoded(name)).toString()));
     }
     if (const auto skipped = m_record.skipElement(); !skipped) {
         return skipped.fault();
     }
     return kNoOccurrence;
+}
+
+/// Count a part between the records; the current token is its begin.
+void OccurrenceReader::addOutside(const QString &what)
+{
+    m_unread.outside.add(
+        [&] { return u"%1 at %2"_s.arg(what, placeText(m_tokenizer->tokenStart())); });
 }
 
 OccurrenceReader::Found OccurrenceReader::buildElement()

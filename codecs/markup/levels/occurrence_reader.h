@@ -75,6 +75,7 @@ private:
         return m_placeText(position.line(), position.column());
     }
     void addAfterNul(qint64 bytes, const LineCounter &position);
+    void addOutside(const QString &what);
     Found startElement();
     Found startValue();
     Found endOfData();

@@ -33,6 +33,9 @@ struct UnreadParts
     qint64 unreadItems = 0;
     QString firstUnreadPath;
     QString firstUnreadPlace;
+    /// Elements, values and texts that no path leads to; the place of the first, with its name.
+    /// Only with ExtractOptions::countsUnread.
+    Occurrences outside;
     /// Bytes after a NUL that ended the data; its place is `nulPlace`.
     qint64 bytesAfterNul = 0;
     QString nulPlace;

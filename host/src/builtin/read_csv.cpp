@@ -198,14 +198,12 @@ bool ActionReadCsv::failRecord(csv::Error code)
 {
     const QString line = QString::number(m_reader->line());
     switch (code) {
-    case csv::Error::Unreadable: {
+    case csv::Error::Unreadable:
         // Only a compressed file can say more than the system: it may be damaged or truncated.
-        const QString why = m_compressed != nullptr ? u": "_s + m_compressed->failure() : QString();
-        return fail(u"Error: readCSV: cannot read file '%1'%2\n"_s.arg(m_name, why),
+        return fail(u"Error: readCSV: cannot read file '%1'\n"_s.arg(m_name),
                     m_compressed != nullptr
                         ? m_compressed->failure()
                         : failureReason(m_name, FileUse::Read, m_plain->error()));
-    }
     case csv::Error::RecordTooLong:
         return fail(u"Error: readCSV: file '%1', line %2: the record is longer than 1 GiB\n"_s.arg(
             m_name, line));
