@@ -2,6 +2,7 @@
 
 #include "actions/workbook/workbook_formats.h"
 #include "codecs/xlsx/sheet_list.h"
+#include "corvanta/failure_reason.h"
 #include "io/package_file/package_file.h"
 
 using namespace Qt::StringLiterals;
@@ -12,20 +13,17 @@ namespace {
 
 /// Log the error for a package without a usable list; always std::nullopt.
 std::optional<QStringList> failed(ActionBase &action, const QString &path,
-                                  const Fault<xlsx::SheetListError> &fault)
+                                  xlsx::SheetListError error, const QString &reason)
 {
-    switch (fault.code) {
+    switch (error) {
     case xlsx::SheetListError::NoWorkbook:
-        action.fail(u"Excel File '%1':Structure Error (3). File is corrupted?"_s.arg(path),
-                    fault.detail);
+        action.fail(u"Excel File '%1':Structure Error (3). File is corrupted?"_s.arg(path), reason);
         break;
     case xlsx::SheetListError::NoSheets:
-        action.fail(u"Excel File '%1':Structure Error (4). File is corrupted?"_s.arg(path),
-                    fault.detail);
+        action.fail(u"Excel File '%1':Structure Error (4). File is corrupted?"_s.arg(path), reason);
         break;
     case xlsx::SheetListError::NotAnElement:
-        action.fail(u"Excel File '%1':Structure Error (6). File is corrupted?"_s.arg(path),
-                    fault.detail);
+        action.fail(u"Excel File '%1':Structure Error (6). File is corrupted?"_s.arg(path), reason);
         break;
     }
     return std::nullopt;
@@ -41,7 +39,9 @@ std::optional<QStringList> namesOfPackage(ActionBase &action, const QString &pat
     }
     auto names = xlsx::readSheetList((*package)->reader());
     if (!names) {
-        return failed(action, path, names.fault());
+        const QString refused = failureReason(path, FileUse::Read, (*package)->error());
+        return failed(action, path, names.fault().code,
+                      refused.isEmpty() ? names.fault().detail : refused);
     }
     return *std::move(names);
 }

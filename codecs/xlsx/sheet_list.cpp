@@ -4,6 +4,7 @@
 
 #include "codecs/markup/tokens/xml_tokenizer.h"
 #include "codecs/markup/tree/path.h"
+#include "codecs/xlsx/read/part_text.h"
 
 namespace corvanta::xlsx {
 
@@ -92,8 +93,7 @@ Fault<SheetListError> withCause(const Fault<SheetListError> &fault, const XMLTok
                                 const zip::MemberStream &member)
 {
     if (member.fault()) {
-        return {fault.code,
-                QStringLiteral("xl/workbook.xml cannot be read: %1").arg(member.fault()->detail)};
+        return {fault.code, memberFault(*member.fault(), QStringLiteral("xl/workbook.xml")).detail};
     }
     if (fault.code == SheetListError::NotAnElement) {
         return {fault.code,
@@ -114,7 +114,7 @@ Fault<SheetListError> withoutWorkbook(const Fault<zip::Error> &fault)
     return {SheetListError::NoWorkbook,
             fault.code == zip::Error::NoMember
                 ? QStringLiteral("the package has no member xl/workbook.xml")
-                : QStringLiteral("xl/workbook.xml cannot be read: %1").arg(fault.detail)};
+                : memberFault(fault, QStringLiteral("xl/workbook.xml")).detail};
 }
 
 } // namespace

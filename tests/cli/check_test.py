@@ -405,6 +405,12 @@ class CommandLine(Case):
         for words in (["--progress", "auto"], ["--progress", "never"], []):
             self.assertEqual(self.corvanta("convert", "in.csv", "o.csv", *words).stderr, "")
 
+    def test_files_that_are_too_large_for_a_graph(self):
+        for size, problem in ((256 << 20, "not well-formed XML"), ((256 << 20) + 1, "the file is too large for a graph")):
+            with open(self.folder / "large.graph", "wb") as file:
+                file.truncate(size)
+            self.assertIn(problem, self.corvanta("check", "large.graph", status=2).stderr)
+
     def test_help(self):
         for words in ("help help", "help --help", "--help", "-h"):
             self.assertEqual(self.corvanta(*words.split()).stdout, self.corvanta("help").stdout)

@@ -120,6 +120,20 @@ class Reasons(unittest.TestCase):
                 (self.folder / name.partition("@")[0]).write_bytes(content)
                 self.check_refused(READERS["json"].format(name), WRITERS["csv"].format("out.csv"), reason)
 
+    def test_members_of_workbooks(self):
+        good = archive(("xl/workbook.xml", b"<workbook/>", 8))
+        for content, reason in ((changed(good, b"PK\1\2", 8, 1), "'xl/workbook.xml' needs a password"),
+                                (changed(changed(good, b"PK\1\2", 10, 12), b"PK\3\4", 8, 12), "'xl/workbook.xml' is packed by method 12"),
+                                (changed(good, b"PK\3\4", 0, 0), "'xl/workbook.xml' is damaged")):
+            (self.folder / "book.xlsx").write_bytes(content)
+            self.check_refused("<readExcelSheets fileName='book.xlsx'/>", WRITERS["csv"].format("out.csv"), reason)
+        # Without its relationships, a tab could show the cells of another sheet.
+        for name in ("_rels/.rels", "xl/_rels/workbook.xml.rels"):
+            (self.folder / "book.xlsx").write_bytes(archive(("xl/workbook.xml", b"<workbook><sheets><sheet name='s'/></sheets></workbook>", 8),
+                                                            (name, b"<Relationships/>", zipfile.ZIP_BZIP2)))
+            done, _ = self.run_graph("<readExcel fileName='book.xlsx'/>", WRITERS["csv"].format("out.csv"))
+            self.assertIn(f"'{name}' is packed by method 12", done.stderr)
+
     def test_gzip_files_that_are_cut_anywhere(self):
         whole = gzip.compress(b"a\n1\n")
         for size in range(1, len(whole)):
@@ -228,6 +242,11 @@ class Reasons(unittest.TestCase):
             run.terminate()
             stop.cancel()
         self.assertIn("there is no file of this name", "".join(found))
+
+    def test_workbooks_are_awaited(self):
+        for reader, kind in (("readExcel", "xlsx"), ("readExcelOld", "xls")):
+            done, _ = self.run_graph(f"<{reader} fileName='no.{kind}' timeOut='1'/>", WRITERS["csv"].format("out.csv"))
+            self.assertEqual((done.returncode, done.stderr.count(f"/no.{kind}': Attempting again...")), (1, 1), done.stderr)
 
     def test_a_sample_takes_nothing_from_a_pipe(self):
         rows = [{"a": i, "b": "x" * 50} for i in range(20_000)]

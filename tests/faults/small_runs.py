@@ -9,7 +9,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
 import legacy_workbook  # pylint: disable=wrong-import-position
 
 ROWS = 40
-NO_SHEETS = b"no sheet names are read"  # for readExcelSheets, an unreadable workbook is only a warning
+NO_SHEETS = b"Warning: Could not open file"  # for readExcelSheets, an unreadable workbook is only a warning
 SPSS = pathlib.Path(__file__).parents[1] / "graphs/read_stat/dates/d.sav"
 
 

@@ -141,20 +141,31 @@ sheet::WorkbookResult<QByteArray> XlsxReader::readPart(const QByteArray &part)
     return *std::move(content);
 }
 
-/// The relationships of a part; none if they are missing or broken.
-opc::Relationships XlsxReader::relationshipsOf(const QByteArray &part)
+/// The relationships of a part; none if they are missing or broken. Without those that cannot be
+/// read, the sheets could be confused.
+sheet::WorkbookResult<opc::Relationships> XlsxReader::relationshipsOf(const QByteArray &part)
 {
-    const auto text = readPart(opc::relationshipPartOf(part));
-    auto relationships = text ? opc::Relationships::read(*text) : opc::Relationships();
+    const QByteArray name = opc::relationshipPartOf(part);
+    if (memberOf(name) == nullptr) {
+        return opc::Relationships();
+    }
+    const auto text = readPart(name);
+    if (!text) {
+        return text.fault();
+    }
+    auto relationships = opc::Relationships::read(*text);
     return relationships ? *std::move(relationships) : opc::Relationships();
 }
 
 /// A package has one such relationship; of several the last one counts, without one the usual name.
-QByteArray XlsxReader::workbookPart()
+sheet::WorkbookResult<QByteArray> XlsxReader::workbookPart()
 {
     QByteArray part = "xl/workbook.xml";
-    const opc::Relationships relationships = relationshipsOf({});
-    for (const opc::Relationship &one : relationships.entries()) {
+    const auto relationships = relationshipsOf({});
+    if (!relationships) {
+        return relationships.fault();
+    }
+    for (const opc::Relationship &one : relationships->entries()) {
         part = opc::isToPart(one, "officeDocument") ? opc::resolvedTarget({}, one.target) : part;
     }
     return part;
@@ -172,7 +183,11 @@ QByteArray XlsxReader::relatedPart(const char *kind, const QByteArray &fallback)
 /// Refuse packages of other kinds by their name, as the markup of their parts would say nothing.
 XlsxReader::Done XlsxReader::checkKind()
 {
-    m_workbookPart = workbookPart();
+    auto part = workbookPart();
+    if (!part) {
+        return part.fault();
+    }
+    m_workbookPart = *std::move(part);
     const auto refuse = [](WorkbookError code, const QString &kind) {
         return Fault{code, u"it is %1"_s.arg(kind)};
     };
@@ -216,7 +231,11 @@ XlsxReader::Done XlsxReader::readWorkbook()
     }
     m_uses1904 = workbook->uses1904;
     m_names = std::move(workbook->names);
-    m_relationships = std::make_unique<opc::Relationships>(relationshipsOf(m_workbookPart));
+    auto relationships = relationshipsOf(m_workbookPart);
+    if (!relationships) {
+        return relationships.fault();
+    }
+    m_relationships = std::make_unique<opc::Relationships>(*std::move(relationships));
     std::unordered_map<QByteArray, const opc::Relationship *> byId;
     for (const opc::Relationship &one : m_relationships->entries()) {
         byId[one.id] = &one;
@@ -457,8 +476,11 @@ sheet::CellArea areaOf(const CellRange &range)
 /// Add the tables of one sheet. A broken one is as if it were missing: no cell needs it.
 XlsxReader::Done XlsxReader::addTables(size_t index, std::vector<sheet::TableInfo> *tables)
 {
-    const opc::Relationships relationships = relationshipsOf(m_parts[index]);
-    for (const opc::Relationship &one : relationships.entries()) {
+    const auto relationships = relationshipsOf(m_parts[index]);
+    if (!relationships) {
+        return relationships.fault();
+    }
+    for (const opc::Relationship &one : relationships->entries()) {
         if (!opc::isToPart(one, "table")) {
             continue;
         }

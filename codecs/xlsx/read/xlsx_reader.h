@@ -57,10 +57,10 @@ private:
     /// Prepare the shared strings before the first sheet that needs them.
     Done openStrings();
     /// The part that the package names as its document.
-    QByteArray workbookPart();
+    sheet::WorkbookResult<QByteArray> workbookPart();
     /// The name that most writers give the sheet; `number` counts from 1.
     QByteArray usualSheetPart(qsizetype number) const;
-    opc::Relationships relationshipsOf(const QByteArray &part);
+    sheet::WorkbookResult<opc::Relationships> relationshipsOf(const QByteArray &part);
     /// The part with a relationship of this kind to the workbook; `fallback` without one.
     QByteArray relatedPart(const char *kind, const QByteArray &fallback) const;
     /// Null without it; letter case and slashes count as opc::MemberNames has it.
