@@ -371,7 +371,7 @@ void ActionWriteExcel::recalculate()
     // swapNothing() has failed this run, and the workbook is recalculated nevertheless. A run that
     // was stopped, or that another action failed, also requests a yield.
     const auto isRunning = [this] { return runIsGood() || !yieldRequested(); };
-    // The workbook that has this name now: another run may have updated it meanwhile.
+    // The workbook that has this name now: another run may have updated it since then.
     if (!lockDestination()) {
         return;
     }

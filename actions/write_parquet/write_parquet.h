@@ -85,7 +85,7 @@ private:
     /// Find the columns to write and choose how each is stored.
     bool findInputs(const OneRow &columns);
     bool findSplitColumn(const OneRow &columns);
-    /// Tell that a table to split needs memory for all of its files.
+    /// Warn that a table to split needs memory for all of its files.
     void warnUnsorted();
     /// Take what the writers of all files need from the parameters.
     void setOptions();
