@@ -94,6 +94,18 @@ void printParameter(const ParameterInfo &info, const QString &indent)
     }
 }
 
+/// What follows the first lines of a description.
+void printDetails(const QVector<ParameterInfo> &infos, const QStringList &templates)
+{
+    print(u"Parameters\n"_s);
+    for (const ParameterInfo &info : infos) {
+        printParameter(info, u"  "_s);
+    }
+    if (!templates.isEmpty()) {
+        print(u"\nIncluded templates\n  %1\n"_s.arg(templates.join(u"\n  "_s)));
+    }
+}
+
 /// Adds the numbers of pins; a reader of the JSON needs no text such as pinText().
 void addPins(const ActionItem &action, QJsonObject *entry)
 {
@@ -101,12 +113,17 @@ void addPins(const ActionItem &action, QJsonObject *entry)
     entry->insert(u"pinsOut"_s, action.pinOutCount());
 }
 
-/// What `actions --json` prints of the action, its pins and its parameters.
-QString descriptionJson(ActionItem &action, const QVector<ParameterInfo> &infos)
+/// What `actions --json` prints of the action, its pins, its parameters, and included templates if
+/// there are any.
+QString descriptionJson(ActionItem &action, const QVector<ParameterInfo> &infos,
+                        const QStringList &templates)
 {
     QJsonObject entry = catalogueEntry(action);
     addPins(action, &entry);
     entry[u"parameters"_s] = parameterEntries(infos);
+    if (!templates.isEmpty()) {
+        entry[u"includedTemplates"_s] = QJsonArray::fromStringList(templates);
+    }
     return QString::fromUtf8(QJsonDocument(entry).toJson());
 }
 
@@ -155,13 +172,13 @@ CommandResult<void> describeCommand(const CommandLine &line)
     const auto *const declared = dynamic_cast<const ActionParameters *>(action);
     const QVector<ParameterInfo> infos =
         declared != nullptr ? declared->parameters() : QVector<ParameterInfo>();
+    const QStringList templates =
+        declared != nullptr ? declared->includedTemplates() : QStringList();
     if (line.has(u"--json"_s)) {
-        print(descriptionJson(*action, infos));
+        print(descriptionJson(*action, infos, templates));
         return {};
     }
-    print(u"%1: %2\n%3\n\nParameters\n"_s.arg(type, action->getDescription(), pinText(*action)));
-    for (const ParameterInfo &info : infos) {
-        printParameter(info, u"  "_s);
-    }
+    print(u"%1: %2\n%3\n\n"_s.arg(type, action->getDescription(), pinText(*action)));
+    printDetails(infos, templates);
     return {};
 }

@@ -63,9 +63,10 @@ constexpr Command kCommands[] = {
      "  --set NAME=VALUE, --out-dir DIR, --log-format text|json\n"
      "                          as for \"corvanta run\"\n"
      "  --list-outputs          print the files that a run would write, one per line\n"
-     "  --template              list the markers and chart tags of the Office template FILE, with "
-     "a "
-     "remedy for those\n                          that a run would not find\n"
+     "  --template              list the markers and chart tags of the Office template FILE, and "
+     "those that a run does not find;\n"
+     "                          '>NAME' is a template that the program includes "
+     "(\"corvanta describe writeReport\" lists them)\n"
      "  --json                  print the problems, the files or the markers as a JSON array\n\n"
      "Exit status: 0 if there are at most warnings, else 2.\n"},
     {"convert", convertOptions, convertCommand, "convert a file into another format",

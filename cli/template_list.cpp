@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -74,19 +75,60 @@ void printJson(const QVector<TemplateMark> &marks)
     std::fputs(QJsonDocument(entriesOf(marks)).toJson().constData(), stdout);
 }
 
+using Actions = std::vector<ActionParameters *>;
+
+/// The actions whose parameters are declared: plug-ins of others may implement only the contract.
+Actions declaredActions(const ActionRegistry &registry)
+{
+    Actions actions;
+    for (const auto &prototype : registry.prototypes()) {
+        if (auto *const action = dynamic_cast<ActionParameters *>(prototype.get())) {
+            actions.push_back(action);
+        }
+    }
+    return actions;
+}
+
+/// Those that have the included template `name`; a usage error that lists all templates if there is
+/// none.
+CommandResult<Actions> ownersOf(const QString &name, const Actions &actions)
+{
+    Actions owners;
+    QStringList known;
+    for (ActionParameters *const action : actions) {
+        const QStringList names = action->includedTemplates();
+        known += names;
+        if (names.contains(name)) {
+            owners.push_back(action);
+        }
+    }
+    if (owners.empty()) {
+        return badUsage(
+            u"there is no included template '%1' (included: %2)"_s.arg(name, known.join(u", "_s)));
+    }
+    return owners;
+}
+
 } // namespace
 
-/// Each action adds the marks of the kinds of files that it fills. An action that cannot read the
-/// template has logged why.
+/// An included template is for one type of action; any other file is for all of them. An action
+/// that cannot read the template has logged why.
 CommandResult<void> checkTemplate(const QString &file, bool asJson)
 {
     ActionRegistry registry;
     registry.loadAll();
+    const bool isIncluded = file.startsWith(u'>');
+    Actions actions = declaredActions(registry);
+    if (isIncluded) {
+        auto owners = ownersOf(file, actions);
+        if (!owners) {
+            return owners.fault();
+        }
+        actions = *std::move(owners);
+    }
     QVector<TemplateMark> marks;
-    for (const auto &prototype : registry.prototypes()) {
-        // Plug-ins of others may implement only the contract.
-        auto *const action = dynamic_cast<ActionParameters *>(prototype.get());
-        if (action != nullptr && !action->templateMarks(QDir().absoluteFilePath(file), &marks)) {
+    for (ActionParameters *const action : actions) {
+        if (!action->templateMarks(isIncluded ? file : QDir().absoluteFilePath(file), &marks)) {
             return corvanta::Fault{kUsage};
         }
     }

@@ -1,7 +1,8 @@
 // What writeReport finds in a template: the parts with tags, and for "check --template" the tags
 // themselves.
+#include "actions/write_report/shipped_template.h"
 #include "actions/write_report/write_report.h"
-#include "codecs/opc/relationships.h"
+#include "codecs/document/part_locations.h"
 
 using namespace Qt::StringLiterals;
 
@@ -45,33 +46,25 @@ QString axesText(const charts::ChartTag &tag)
                               names.join(u", "_s));
 }
 
-/// The slide that shows a chart, as "slide 3"; "presentation" if there is none.
-QString slideOf(zip::PackageReader &reader, const QByteArray &chart)
+/// Where a chart is whose part nothing refers to, and in a workbook any chart: a sheet shows it
+/// through a drawing. `folder` is that of the chart parts.
+QString kindOfFile(const QByteArray &folder)
 {
-    constexpr QByteArrayView kSlide = "ppt/slides/slide";
-    for (const zip::Member &member : reader.members()) {
-        const auto number =
-            member.name.startsWith(kSlide) && member.name.endsWith(".xml")
-                ? opc::partNumber(QByteArrayView(member.name).sliced(kSlide.size()).chopped(4))
-                : std::nullopt;
-        const auto text = number ? reader.readWhole(opc::relationshipPartOf(member.name))
-                                 : Result<QByteArray, zip::Error>(Fault{zip::Error::NoMember});
-        const auto relationships =
-            text ? opc::Relationships::read(*text)
-                 : Result<opc::Relationships, opc::Error>(Fault{opc::Error::NoMember});
-        if (!relationships) {
-            continue;
-        }
-        for (const opc::Relationship &one : relationships->entries()) {
-            if (opc::resolvedTarget(member.name, one.target) == chart) {
-                return u"slide %1"_s.arg(*number);
-            }
-        }
-    }
-    return u"presentation"_s;
+    return folder.startsWith("ppt/")    ? u"presentation"_s
+           : folder.startsWith("word/") ? u"document"_s
+                                        : u"sheet"_s;
 }
 
 } // namespace
+
+QStringList ActionWriteReport::includedTemplates() const
+{
+    QStringList names = shippedTemplates();
+    for (QString &name : names) {
+        name.prepend(u'>');
+    }
+    return names;
+}
 
 bool ActionWriteReport::templateMarks(const QString &file, QVector<TemplateMark> *marks)
 {
@@ -80,22 +73,23 @@ bool ActionWriteReport::templateMarks(const QString &file, QVector<TemplateMark>
         return true;
     }
     m_run = {};
-    if (!openTemplate(file) || !findParts(folder)) {
+    if (!openTemplate(file.startsWith(u'>') ? shippedTemplate(file.sliced(1)) : file) ||
+        !findParts(folder)) {
         return false;
     }
+    const document::PartLocations locations(templateReader());
     for (const ChartPart &part : m_run.charts.parts) {
-        listPart(part, marks);
+        const QString place = locations.ofReference(part.member);
+        listPart(part, place.isEmpty() ? kindOfFile(folder) : place, marks);
     }
     closeFiles();
     m_run = {};
     return true;
 }
 
-void ActionWriteReport::listPart(const ChartPart &part, QVector<TemplateMark> *marks)
+void ActionWriteReport::listPart(const ChartPart &part, const QString &place,
+                                 QVector<TemplateMark> *marks)
 {
-    const QString place = part.member.startsWith("ppt/")    ? slideOf(templateReader(), part.member)
-                          : part.member.startsWith("word/") ? u"body"_s
-                                                            : u"sheet"_s;
     for (const charts::ChartTag &tag : part.tags) {
         // The name of a series can be there twice.
         if (tag.use != charts::TagUse::Repeated) {

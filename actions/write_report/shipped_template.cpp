@@ -1,19 +1,42 @@
-// Templates lie beside the program in a build folder, and below share/ in an installation.
+// Templates are in the folder of the program in a build, and below share/ in an installation.
 #include "actions/write_report/shipped_template.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
+namespace {
+
+QString ownFolder()
+{
+    return QCoreApplication::applicationDirPath() + u"/officeTemplates/"_s;
+}
+
+QString installedFolder()
+{
+    return QCoreApplication::applicationDirPath() + u"/../share/corvanta/officeTemplates/"_s;
+}
+
+} // namespace
+
 QString shippedTemplate(const QString &name)
 {
-    const QString folder = QCoreApplication::applicationDirPath();
-    const QString own = folder + u"/officeTemplates/"_s + name;
-    const QString installed = folder + u"/../share/corvanta/officeTemplates/"_s + name;
+    const QString own = ownFolder() + name;
+    const QString installed = installedFolder() + name;
     return !QFileInfo::exists(own) && QFileInfo::exists(installed) ? installed : own;
+}
+
+QStringList shippedTemplates()
+{
+    QStringList names =
+        QDir(ownFolder()).entryList(QDir::Files) + QDir(installedFolder()).entryList(QDir::Files);
+    names.removeDuplicates();
+    names.sort();
+    return names;
 }
 
 } // namespace corvanta

@@ -1,6 +1,7 @@
 // Where the templates are that belong to the application.
 #pragma once
 #include <QString>
+#include <QStringList>
 
 namespace corvanta {
 
@@ -8,5 +9,7 @@ namespace corvanta {
 /// data: ../share/corvanta/officeTemplates, where an installation has them. If neither has the
 /// file, its name in the application's folder. Opens no file.
 QString shippedTemplate(const QString &name);
+/// The names of all files in these folders, sorted.
+QStringList shippedTemplates();
 
 } // namespace corvanta

@@ -31,6 +31,7 @@ public:
     QStringList inputs() const override;
     /// The tags in the charts.
     bool templateMarks(const QString &file, QVector<TemplateMark> *marks) override;
+    QStringList includedTemplates() const override;
     QVector<ParameterProblem> problems() const override;
 
 protected:
@@ -70,8 +71,8 @@ private:
     QString templateFile() const;
     /// Read the parts with tags. `folder` is that of the chart parts.
     bool findParts(const QByteArray &folder);
-    /// Add the tags of a part for templateMarks().
-    void listPart(const ChartPart &part, QVector<TemplateMark> *marks);
+    /// Add the tags of a part for templateMarks(). `place` is where the document has the chart.
+    static void listPart(const ChartPart &part, const QString &place, QVector<TemplateMark> *marks);
     /// Warn of, or fail for, what does not fit between tags and Charts.
     bool checkTags();
     /// Fail for texts that XML cannot hold.

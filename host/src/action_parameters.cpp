@@ -85,6 +85,11 @@ QVector<ParameterProblem> ActionParameters::problems() const
     return {};
 }
 
+QStringList ActionParameters::includedTemplates() const
+{
+    return {};
+}
+
 bool ActionParameters::templateMarks(const QString &, QVector<TemplateMark> *)
 {
     return true;

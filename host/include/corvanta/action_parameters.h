@@ -182,9 +182,12 @@ public:
     virtual QStringList inputs() const;
 
     /// The marks of an Office template, in its order, that actions of this type can fill; none by
-    /// default. Returns false after logging why the file cannot be read. `file` is expanded. Not
-    /// during a run.
+    /// default. Returns false after logging why the file cannot be read. `file` is expanded, or one
+    /// of includedTemplates(). Not during a run.
     virtual bool templateMarks(const QString &file, QVector<TemplateMark> *marks);
+    /// The Office templates that the program includes for actions of this type, sorted, as names
+    /// for a parameter: ">bar.docx". None by default.
+    virtual QStringList includedTemplates() const;
 
     /// The columns of the input file that hold dates; none by default. May read the whole file.
     /// Not during a run.

@@ -1,0 +1,106 @@
+// Parts with texts and what readers call them (ECMA-376 part 1, 11.3 and 13.3):
+//
+//   word/document.xml          body             ppt/slides/slideN.xml             slide P
+//   word/headerN.xml           header N         ppt/notesSlides/notesSlideN.xml   notes N
+//   word/footerN.xml           footer N
+//   word/footnotes.xml, endnotes.xml, comments.xml                 their names
+//
+// P is the place of the slide in the list of ppt/presentation.xml: <p:sldId r:id="rId3"/>.
+#include "codecs/document/part_locations.h"
+
+#include "codecs/document/document_parts.h"
+#include "codecs/opc/markup_scan.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::document {
+
+namespace {
+
+/// The places of the slides, from 1; empty if the presentation does not say them.
+std::map<QByteArray, int> slideOrder(opc::PackageCopy &package)
+{
+    std::map<QByteArray, int> order;
+    const auto relationships = package.readRelationships(kPresentationPart);
+    const auto text = package.read(kPresentationPart);
+    if (!relationships || !text) {
+        return order;
+    }
+    int place = 0;
+    for (opc::TagCursor cursor(*text); cursor.next();) {
+        const auto id =
+            cursor.tag().local() == "sldId" ? cursor.tag().attribute("r:id") : std::nullopt;
+        place += id ? 1 : 0;
+        for (const opc::Relationship &one : relationships->entries()) {
+            if (id && one.id == *id) {
+                order[opc::resolvedTarget(kPresentationPart, one.target)] = place;
+            }
+        }
+    }
+    return order;
+}
+
+/// The digits between `prefix` and ".xml", after a space; empty if there are none.
+QString numberIn(const QByteArray &part, const QByteArray &prefix)
+{
+    const QByteArray digits = part.sliced(prefix.size()).chopped(4);
+    return opc::partNumber(digits) ? u' ' + QString::fromLatin1(digits) : QString();
+}
+
+} // namespace
+
+PartLocations::PartLocations(zip::PackageReader &source)
+{
+    opc::PackageCopy package(source, [] { return true; });
+    m_body = bodyPart(package);
+    m_slides = slideOrder(package);
+    for (const zip::Member &member : source.members()) {
+        const QByteArray part = standardName(member.name);
+        if (const QString location = of(part); !location.isEmpty()) {
+            addReferences(package, part, location);
+        }
+    }
+}
+
+void PartLocations::addReferences(opc::PackageCopy &package, const QByteArray &part,
+                                  const QString &location)
+{
+    if (const auto relationships = package.readRelationships(part)) {
+        for (const opc::Relationship &one : relationships->entries()) {
+            // The first part wins.
+            m_references.emplace(opc::resolvedTarget(part, one.target), location);
+        }
+    }
+}
+
+QString PartLocations::of(const QByteArray &part) const
+{
+    if (!part.toLower().endsWith(".xml")) {
+        return {};
+    }
+    if (isNamed(part, m_body)) {
+        return u"body"_s;
+    }
+    if (beginsLike(part, kSlidePrefix)) {
+        const auto place = m_slides.find(part);
+        return place != m_slides.end() ? u"slide %1"_s.arg(place->second)
+                                       : u"slide"_s + numberIn(part, kSlidePrefix);
+    }
+    if (beginsLike(part, kNotesPrefix)) {
+        return u"notes"_s + numberIn(part, kNotesPrefix);
+    }
+    for (const char *const prefix : kOtherWordParts) {
+        if (beginsLike(part, prefix)) {
+            return QString::fromLatin1(prefix).section(u'/', 1) + numberIn(part, prefix);
+        }
+    }
+    return {};
+}
+
+QString PartLocations::ofReference(const QByteArray &target) const
+{
+    const auto found = m_references.find(target);
+    return found != m_references.end() ? found->second : QString();
+}
+
+} // namespace corvanta::document

@@ -1,0 +1,38 @@
+// What readers call the parts of a template: "body", "header 1", "slide 3".
+//
+// For lists of markers and chart tags. Workbooks have no such parts. Threads: pure functions once
+// constructed.
+#pragma once
+#include "codecs/opc/package_copy.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <map>
+
+namespace corvanta::document {
+
+class PartLocations
+{
+public:
+    /// Reads the relationships of the package. Parts that cannot be read are left out.
+    explicit PartLocations(zip::PackageReader &source);
+
+    /// The location of a part with texts; empty for any other part. Slides have the number of their
+    /// place in the presentation.
+    QString of(const QByteArray &part) const;
+    /// The location of the first part that refers to `target`, for example to a chart; empty if
+    /// there is none.
+    QString ofReference(const QByteArray &target) const;
+    /// See bodyPart().
+    const QByteArray &body() const { return m_body; }
+
+private:
+    void addReferences(opc::PackageCopy &package, const QByteArray &part, const QString &location);
+
+    QByteArray m_body;
+    std::map<QByteArray, int> m_slides;         // places of the slides, from 1
+    std::map<QByteArray, QString> m_references; // locations by target
+};
+
+} // namespace corvanta::document
