@@ -1,5 +1,6 @@
 // run and check: load and validate a graph; run also adds the taps and runs it.
 #include "base/nearest_name.h"
+#include "base/system_error.h"
 #include "commands.h"
 #include "corvanta/action_registry.h"
 #include "file_types.h"
@@ -196,6 +197,16 @@ CommandResult<void> checkGraph(const CommandLine &line)
     return {};
 }
 
+/// Creates the folder of --out-dir, which a user expects after naming it.
+CommandResult<void> createOutDir(const QString &name)
+{
+    if (name.isEmpty() || QDir().mkpath(name)) {
+        return {};
+    }
+    return Fault{kFailed, u"cannot create the folder '%1' of --out-dir: %2"_s.arg(
+                              name, SystemError::ofLastCall().text())};
+}
+
 } // namespace
 
 CommandOptions runOptions()
@@ -219,6 +230,9 @@ CommandResult<void> runCommand(const CommandLine &line)
     auto options = optionsOfRun(line, **loaded);
     if (!options) {
         return options.fault();
+    }
+    if (const auto created = createOutDir((*loaded)->outDir); !created) {
+        return created.fault();
     }
     return (*session)->run((*loaded)->graph, (*loaded)->registry, *std::move(options));
 }

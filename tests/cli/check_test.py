@@ -214,7 +214,14 @@ class Missing(Case):
         (self.folder / "dir").mkdir()
         self.graph(self.writer("<writeCSV fileName='dir'/>"))
         self.check(f"target '{self.folder}/dir' is a folder")
-        self.assertIn("out' of the target", self.problems("check", "--out-dir", "out", status=2)[0][1])
+        self.graph(self.writer("<writeCSV fileName='no/o.csv'/>"))
+        self.assertIn("out/no' of the target", self.problems("check", "--out-dir", "out", status=2)[0][1])
+        self.graph(self.writer("<writeCSV fileName='o.csv'/>"))
+        self.problems("check", "--out-dir", "out/below", status=0)
+        self.corvanta("run", "g.graph", "--out-dir", "out/below")
+        self.assertTrue((self.folder / "out/below/o.csv").exists())
+        done = self.corvanta("run", "g.graph", "--out-dir", "g.graph/below", status=1)
+        self.assertIn("cannot create the folder 'g.graph/below' of --out-dir: ", done.stderr)
 
     def test_required_values(self):
         empty = [("<writeCSV/>", "fileName"), ("<writeJSON fileName=''/>", "fileName"), ("<writeXML/>", "fileName"),

@@ -168,6 +168,8 @@ void ActionCheck::checkTarget(const TargetUse &target, const QStringList &earlie
     const QString create = valueOf(u"createDir"_s);
     const bool isUpdated =
         target.access == TargetUse::Access::Update && !earlier.contains(target.name);
+    // "run" creates the folder of --out-dir.
+    const bool isOutDir = folder.filePath() == m_item.globalParameters()->outDir();
     QString problem;
     if (isUpdated && !file.exists() && valueOf(u"createIfNotExists"_s) == "0"_L1) {
         problem = u"the file '%1' does not exist"_s.arg(target.name);
@@ -176,7 +178,7 @@ void ActionCheck::checkTarget(const TargetUse &target, const QStringList &earlie
     } else if (const QFileInfo above = corvanta::existingAbove(target.name); !above.isDir()) {
         problem = u"the folder '%1' of the target does not exist, and '%2' is not a folder"_s.arg(
             folder.filePath(), above.filePath());
-    } else if (!folder.isDir() && create != "1"_L1) {
+    } else if (!folder.isDir() && create != "1"_L1 && !isOutDir) {
         // Without a value the action has no such parameter.
         problem = u"the folder '%1' of the target does not exist%2"_s.arg(
             folder.filePath(), create.isEmpty() ? QString() : u" (createDir='1' creates it)"_s);
