@@ -19,6 +19,14 @@ public:
             m_first = std::forward<Place>(place)();
         }
     }
+    /// Count `n` events of one place.
+    template <class Place> void add(qint64 n, Place &&place)
+    {
+        if (n > 0) {
+            add(std::forward<Place>(place));
+            m_count += n - 1;
+        }
+    }
     /// Events since the construction or reset().
     qint64 count() const { return m_count; }
     bool any() const { return m_count > 0; }

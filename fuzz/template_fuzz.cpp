@@ -80,12 +80,12 @@ void writeText(const QByteArray &bytes)
     const QStringView units(reinterpret_cast<const char16_t *>(bytes.constData()),
                             bytes.size() / 2);
     for (const bool closesText : {false, true}) {
-        qint64 replaced = 0;
+        TextCounts counts;
         const TextRules rules{TextPlace::Word, true, true, closesText};
-        const QByteArray text = documentText(units, rules, &replaced);
+        const QByteArray text = documentText(units, rules, &counts);
         require(text.size() <= roomForText(units, rules));
         require(isWellFormed("<w:r><w:t>" + text + "</w:t></w:r>"));
-        require(isWellFormed("<a b=\"" + documentText(units, {TextPlace::Attribute}, &replaced) +
+        require(isWellFormed("<a b=\"" + documentText(units, {TextPlace::Attribute}, &counts) +
                              "\"/>"));
     }
 }

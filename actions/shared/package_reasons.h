@@ -17,7 +17,7 @@ namespace corvanta {
 QString memberReason(const Fault<opc::Error> &fault, const QString &kind,
                      const QString &systemReason);
 
-/// What a file is that is not a package: encrypted with a password, or an older binary file. `name`
+/// What a file that is not a package is: encrypted with a password, or an older binary file. `name`
 /// is expanded; `extension` is that of the package, ".xlsx", and `oldExtension` that of the older
 /// format, ".xls". Reads up to 64 MiB. Empty for any other file.
 QString compoundFileReason(GlobalParameters *parameters, const QString &name, const QString &kind,

@@ -10,25 +10,10 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
-namespace {
-
-/// The extension of a name if it is that of an Office file; else empty.
-QString kindOf(const QString &name)
-{
-    static const QStringList kKinds{u"docx"_s, u"docm"_s, u"dotx"_s, u"dotm"_s, u"pptx"_s,
-                                    u"pptm"_s, u"potx"_s, u"potm"_s, u"ppsx"_s, u"ppsm"_s,
-                                    u"xlsx"_s, u"xlsm"_s, u"xltx"_s, u"xltm"_s};
-    const QString suffix = QFileInfo(name).suffix().toLower();
-    return kKinds.contains(suffix) ? suffix : QString();
-}
-
-} // namespace
-
 bool TemplateWriter::hasOtherKind(const QString &document) const
 {
-    const QString kind = kindOf(m_templateName);
-    const QString other = kindOf(document);
-    return !kind.isEmpty() && !other.isEmpty() && kind != other;
+    const QString extension = QFileInfo(m_templateName).suffix();
+    return QFileInfo(document).suffix().compare(extension, Qt::CaseInsensitive) != 0;
 }
 
 /// The template stays open for all documents that are made from it.
@@ -62,8 +47,8 @@ bool TemplateWriter::openDocument(const QString &name)
 {
     closeDocument();
     m_documentName = name;
-    // Names of links are compared as what they lead to.
-    if (platform::finalName(name) == platform::finalName(m_templateName)) {
+    // Whatever links and spellings lead to it.
+    if (platform::isSameFile(name, m_templateName)) {
         return fail(
             u"ERROR: the document '%1' would replace its own template: choose another output name.\n"_s
                 .arg(name));

@@ -51,9 +51,8 @@ protected:
 
     /// Begin the document `name`, which is expanded already. The open template itself is refused.
     bool openDocument(const QString &name);
-    /// Whether the names of the template and of a document end like different kinds of Office
-    /// files, .dotx and .docx. A document has the kind of its template, and Office programs refuse
-    /// a file whose name says another one.
+    /// Whether a document has another extension than its template, in any letter case. A document
+    /// has the kind of its template, and Office programs refuse a file whose name says another one.
     bool hasOtherKind(const QString &document) const;
     /// Valid as long as the document is open.
     opc::MemberWriter &document() { return *m_members; }

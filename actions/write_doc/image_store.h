@@ -13,8 +13,8 @@ namespace corvanta {
 
 /// The cases that need messages of their own.
 enum class ImageError {
-    CannotRead, ///< not there or not readable
-    NotAnImage, ///< no image of a known kind
+    CannotRead, ///< missing or not readable
+    NotAnImage, ///< not an image of a known kind
     TooLarge,   ///< more bytes than a member of a package may have
 };
 
@@ -34,7 +34,7 @@ public:
     /// The image in a file, whose name is expanded. A file that has changed since is read again.
     Result<Image, ImageFault> image(const QString &file);
     /// What the beginning of a file says, for pictures that are only linked; size 0 when it cannot
-    /// be read or is no known image.
+    /// be read or is not a known image.
     static document::ImageInfo infoOf(const QString &file);
 
 private:

@@ -27,6 +27,14 @@ bool isWordName(const QString &name)
     return suffix == u"docx" || suffix == u"docm" || suffix == u"dotx" || suffix == u"dotm";
 }
 
+/// Stands for the name of a file, so that the memory of a long run stays small. Equal names differ
+/// in spelling, or are links to one file.
+QByteArray digestOf(const QString &name)
+{
+    return QCryptographicHash::hash(platform::finalName(name).value_or(name).toUtf8(),
+                                    QCryptographicHash::Md5);
+}
+
 /// The address of a linked file as the value of an attribute.
 QByteArray linkTo(const QString &file)
 {
@@ -177,9 +185,10 @@ void ActionWriteDoc::noteKind(const QString &name)
 bool ActionWriteDoc::fillDocument(const OneRow &row, const QString &name)
 {
     noteKind(name);
-    document::RowValues values = textValues(row);
+    document::RowValues values;
     document::RowImages images;
-    return addImages(row, values, images) && openDocument(name) && writeDocument(values, images);
+    return addTexts(row, values) && addImages(row, values, images) && openDocument(name) &&
+           writeDocument(values, images);
 }
 
 document::TemplateOptions ActionWriteDoc::templateOptions() const
@@ -216,6 +225,7 @@ bool ActionWriteDoc::useTemplate(const QString &name)
         return failPackage(read.fault(), TemplateProblem::CannotReadPart);
     }
     m_run->source = std::move(*read);
+    m_run->templateRow = m_run->templates.emplace(digestOf(name), m_run->row).first->second;
     m_run->rules.place = options.kind == document::DocumentKind::Word ? document::TextPlace::Word
                                                                       : document::TextPlace::Slide;
     noteMarkers(name);
@@ -244,40 +254,57 @@ void ActionWriteDoc::noteMarkers(const QString &name)
 
 bool ActionWriteDoc::checkName(const QString &name)
 {
-    // Digests keep the memory of a long run small.
-    const QByteArray digest = QCryptographicHash::hash(
-        platform::finalName(name).value_or(name).toUtf8(), QCryptographicHash::Md5);
-    qint64 &row = m_run->written[digest];
-    if (row != 0) {
+    const QByteArray digest = digestOf(name);
+    const auto [earlier, isNew] = m_run->written.emplace(digest, m_run->row);
+    if (!isNew) {
         return fail(u"ERROR: the rows %1 and %2 have the same output document '%3'.\n"_s.arg(
-            QString::number(row), QString::number(m_run->row), name));
+            QString::number(earlier->second), QString::number(m_run->row), name));
     }
-    row = m_run->row;
+    // openDocument() refuses the current template.
+    const auto used = m_run->templates.find(digest);
+    if (used != m_run->templates.end() && used->second != m_run->templateRow) {
+        return fail(
+            u"ERROR: the document '%1' of row %2 would replace the template of row %3: choose another output name.\n"_s
+                .arg(name, QString::number(m_run->row), QString::number(used->second)));
+    }
     return true;
 }
 
-document::RowValues ActionWriteDoc::textValues(const OneRow &row)
+bool ActionWriteDoc::addTexts(const OneRow &row, document::RowValues &values)
 {
-    document::RowValues values;
-    // A text can stand in an element and in an attribute, where quotes and line ends need escapes.
+    const size_t count = m_run->texts.size();
+    values.texts.resize(count);
+    values.attributes.resize(count);
+    // A text can be in an element and in an attribute, where quotes and line ends need escapes.
     document::TextRules attribute = m_run->rules;
     attribute.place = document::TextPlace::Attribute;
-    for (size_t i = 0; i < m_run->texts.size(); ++i) {
+    for (size_t i = 0; i < count; ++i) {
         const QStringView text = row.textView(m_run->texts[i].input);
-        qint64 replaced = 0;
-        qint64 again = 0; // the same characters
-        values.texts.push_back(document::documentText(text, m_run->rules, &replaced));
-        values.attributes.push_back(m_run->source->hasAttribute(i)
-                                        ? document::documentText(text, attribute, &again)
-                                        : QByteArray());
-        for (; replaced > 0; --replaced) {
-            m_run->replaced.add([&] {
-                return u"row %1, column '%2'"_s.arg(QString::number(m_run->row),
-                                                    m_run->texts[i].name);
-            });
+        document::TextCounts counts;
+        if (m_run->source->hasAttribute(i)) {
+            values.attributes[i] = document::documentText(text, attribute, &counts);
+        }
+        if (m_run->source->hasText(i)) {
+            counts = {}; // the same characters are not counted twice
+            values.texts[i] = document::documentText(text, m_run->rules, &counts);
+        }
+        if (counts.any() && !checkCounts(counts, m_run->texts[i])) {
+            return false;
         }
     }
-    return values;
+    return true;
+}
+
+bool ActionWriteDoc::checkCounts(const document::TextCounts &counts, const Column &column)
+{
+    const auto place = [&] {
+        return u"row %1, column '%2'"_s.arg(QString::number(m_run->row), column.name);
+    };
+    m_run->innerBreaks.add(counts.innerBreaks, place);
+    return counts.replaced == 0 ||
+           fail(
+               u"ERROR: %1 has %2 characters that XML does not allow: remove them from the data.\n"_s
+                   .arg(place(), QString::number(counts.replaced)));
 }
 
 QString ActionWriteDoc::rowReason(const QString &column) const
@@ -294,12 +321,24 @@ bool ActionWriteDoc::addImages(const OneRow &row, document::RowValues &values,
     images.resize(m_params.inlineImg ? count : 0);
     for (size_t i = 0; i < count; ++i) {
         // Files without a placeholder are not needed.
-        const QString file = expandFile(row.text(m_run->images[i].input));
-        if (m_run->source->hasImage(i) && !addImage(file, i, values, images)) {
+        if (!m_run->source->hasImage(i)) {
+            continue;
+        }
+        const QString name = row.text(m_run->images[i].input);
+        const bool done = name.isEmpty() ? failNoImage(m_run->images[i].name)
+                                         : addImage(expandFile(name), i, values, images);
+        if (!done) {
             return false;
         }
     }
     return true;
+}
+
+bool ActionWriteDoc::failNoImage(const QString &column)
+{
+    return fail(u"\nERROR: cannot open the file '%1'\n"_s.arg(QString()),
+                u"the name of the image for the marker '%%1%' is empty: row %2, column '%1'"_s.arg(
+                    column, QString::number(m_run->row)));
 }
 
 bool ActionWriteDoc::addImage(const QString &file, size_t column, document::RowValues &values,
@@ -363,10 +402,10 @@ void ActionWriteDoc::reportTexts()
             u"Warning: the names of %1 documents do not end like those of their templates, first '%2': Office programs may refuse to open them.\n"_s
                 .arg(QString::number(m_run->otherKinds.count()), m_run->otherKinds.first()));
     }
-    if (m_run->replaced.any()) {
+    if (m_run->innerBreaks.any()) {
         warn(
-            u"Warning: %1 characters that XML does not allow were replaced by U+FFFD, first in %2.\n"_s
-                .arg(QString::number(m_run->replaced.count()), m_run->replaced.first()));
+            u"Warning: %1 line breaks are inside text elements, where some programs do not show them, first in %2: set strictMarkup='1'.\n"_s
+                .arg(QString::number(m_run->innerBreaks.count()), m_run->innerBreaks.first()));
     }
 }
 

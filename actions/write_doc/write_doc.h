@@ -11,7 +11,7 @@
 #include "codecs/document/document_template.h"
 #include "codecs/document/document_text.h"
 
-#include <unordered_map>
+#include <map>
 
 namespace corvanta {
 
@@ -49,10 +49,11 @@ private:
         std::unique_ptr<document::DocumentTemplate> source; ///< of templateName()
         document::TextRules rules;                          ///< of texts in elements
         ImageStore store;
-        /// The row of each document, by the digest of its name.
-        std::unordered_map<QByteArray, qint64> written;
-        Occurrences replaced;   ///< characters that XML does not have
-        Occurrences otherKinds; ///< documents with names of another kind than their templates
+        std::map<QByteArray, qint64> written;   ///< digest of each document's name, and its row
+        std::map<QByteArray, qint64> templates; ///< the same of templates, and the first row
+        qint64 templateRow = 0;                 ///< first row with the current template
+        Occurrences innerBreaks;                ///< line breaks inside text elements
+        Occurrences otherKinds; ///< documents with another extension than their templates
         Occurrences split;      ///< markers that runs divide
         qint64 row = 0;         ///< number of the current row, from 1
     };
@@ -70,12 +71,16 @@ private:
     bool useTemplate(const QString &name);
     /// Remember for the end of the run which markers the template has.
     void noteMarkers(const QString &name);
-    /// Refuse a document that an earlier row has written.
+    /// Refuse a document that an earlier row has written, or has used as its template.
     bool checkName(const QString &name);
-    /// The texts of a row as markup; characters that XML does not have are counted.
-    document::RowValues textValues(const OneRow &row);
+    /// Add the texts of a row as markup, as far as the template needs them.
+    bool addTexts(const OneRow &row, document::RowValues &values);
+    /// Fail for a text with characters that XML does not have, and count line breaks.
+    bool checkCounts(const document::TextCounts &counts, const Column &column);
     /// Read the images that the template needs, or their sizes.
     bool addImages(const OneRow &row, document::RowValues &values, document::RowImages &images);
+    /// Fail for a cell that names no file.
+    bool failNoImage(const QString &column);
     bool addImage(const QString &file, size_t column, document::RowValues &values,
                   document::RowImages &images);
     /// `row` says which cell names the file.

@@ -67,6 +67,17 @@ QString ActionWriteDocTable::message(TemplateProblem problem, const QString &nam
     return u"\nWARNING: problem closing the output file\n"_s;
 }
 
+int ActionWriteDocTable::tableCount() const
+{
+    return std::max(pinInCount(), static_cast<int>(m_params.tables.size()));
+}
+
+DocTable ActionWriteDocTable::tableOf(int pin) const
+{
+    const auto index = static_cast<size_t>(pin);
+    return index < m_params.tables.size() ? m_params.tables[index] : defaultDocTable(pin);
+}
+
 void ActionWriteDocTable::start()
 {
     m_run = std::make_unique<Run>();
@@ -82,7 +93,7 @@ void ActionWriteDocTable::start()
 bool ActionWriteDocTable::step()
 {
     // Pin after pin: the rows of a later one wait until those of the earlier ones are read.
-    while (m_run->pin < pinInCount()) {
+    while (m_run->pin < tableCount()) {
         const Pin state = readPin();
         if (state != Pin::Ended) {
             return state == Pin::Interrupted;
@@ -98,6 +109,7 @@ void ActionWriteDocTable::finish()
     // The document is written when no action can fail any more, like every other target.
     if (m_run && m_run->isRead && runIsGood()) {
         m_run->isRead = false;
+        reportTexts();
         writeDocument();
     }
     m_run.reset();
@@ -120,8 +132,7 @@ ActionWriteDocTable::Pin ActionWriteDocTable::readPin()
 
 bool ActionWriteDocTable::checkMarker()
 {
-    const QString name = m_params.tables[static_cast<size_t>(m_run->pin)].markerName;
-    const QByteArray marker = '%' + name.toUtf8() + '%';
+    const QByteArray marker = markerOf(tableOf(m_run->pin));
     const auto &earlier = m_run->markers;
     if (std::find(earlier.begin(), earlier.end(), marker) != earlier.end()) {
         return fail(
@@ -135,10 +146,10 @@ bool ActionWriteDocTable::checkMarker()
 std::vector<int> ActionWriteDocTable::widthsFor(const OneRow &columns)
 {
     const QString pin = QString::number(m_run->pin + 1);
-    const QString &list = m_params.tables[static_cast<size_t>(m_run->pin)].colWidths;
+    const QString list = tableOf(m_run->pin).colWidths;
     const qsizetype given = list.isEmpty() ? 0 : list.count(u',') + 1;
     if (given != columns.numberOfColumns()) {
-        // Not a failure: the run goes on.
+        // Not a failure: the run continues.
         MainUI::addLog(
             MainUI::Error,
             u"Warning reading table on input pin %1: Number of columns of input table does not match number of widths given?"_s
@@ -159,21 +170,44 @@ bool ActionWriteDocTable::beginTable(const OneRow &columns)
     if (!checkMarker()) {
         return false;
     }
-    const DocTable &table = m_params.tables[static_cast<size_t>(m_run->pin)];
+    const DocTable table = tableOf(m_run->pin);
     document::TextRules rules;
     rules.breaksAtLineEnds = m_params.processCR;
     rules.breaksAtBackslashN = m_params.processLF;
     rules.closesText = m_params.strictMarkup;
     // The memory of one table at a time: those of earlier pins are in their spools.
     m_run->rows = 0;
-    m_run->replaced.reset();
     m_run->tables.emplace_back();
     m_run->text.emplace(table.styleID, widthsFor(columns), rules);
     m_run->text->begin();
-    if (table.includeHeaders) {
-        m_run->text->putHeader(columns.getColNamesDeep());
+    return !table.includeHeaders || putHeader(columns);
+}
+
+bool ActionWriteDocTable::putHeader(const OneRow &columns)
+{
+    m_run->text->beginRow();
+    for (int i = 0; i < columns.numberOfColumns(); ++i) {
+        if (!checkCounts(m_run->text->putCell(columns.colName(i)), columns.colName(i))) {
+            return false;
+        }
     }
+    m_run->text->endRow();
     return true;
+}
+
+bool ActionWriteDocTable::checkCounts(const document::TextCounts &counts, const QString &column)
+{
+    const auto place = [&] {
+        const QString pin = QString::number(m_run->pin + 1);
+        return m_run->rows > 0 ? u"row %1, column '%2' of input pin %3"_s.arg(
+                                     QString::number(m_run->rows), column, pin)
+                               : u"the name of the column '%1' of input pin %2"_s.arg(column, pin);
+    };
+    m_run->innerBreaks.add(counts.innerBreaks, place);
+    return counts.replaced == 0 ||
+           fail(
+               u"ERROR: %1 has %2 characters that XML does not allow: remove them from the data.\n"_s
+                   .arg(place(), QString::number(counts.replaced)));
 }
 
 bool ActionWriteDocTable::putRow(const OneRow &row)
@@ -184,16 +218,12 @@ bool ActionWriteDocTable::putRow(const OneRow &row)
     m_run->rows += 1;
     text.beginRow();
     for (int i = 0; i < row.numberOfColumns(); ++i) {
-        text.putCell(row.textView(i));
+        const document::TextCounts counts = text.putCell(row.textView(i));
+        if (counts.any() && !checkCounts(counts, row.colName(i))) {
+            return false;
+        }
     }
     text.endRow();
-    const document::ReplacedText replaced = text.takeReplaced();
-    for (qint64 i = 0; i < replaced.count; ++i) {
-        m_run->replaced.add([&] {
-            return u"row %1, column '%2'"_s.arg(QString::number(m_run->rows),
-                                                row.colName(replaced.column));
-        });
-    }
     return text.text().size() < kPiece || spool();
 }
 
@@ -217,11 +247,6 @@ bool ActionWriteDocTable::endTable()
     }
     if (m_run->rows == 0) {
         warn(u"WARNING reading table on input pin %1: Input table is empty?"_s.arg(pin));
-    }
-    if (m_run->replaced.any()) {
-        warn(
-            u"Warning: %1 characters of the table on input pin %2 that XML does not allow were replaced by U+FFFD, first in %3.\n"_s
-                .arg(QString::number(m_run->replaced.count()), pin, m_run->replaced.first()));
     }
     m_run->text->end();
     const bool done = spool();
@@ -249,8 +274,9 @@ bool ActionWriteDocTable::writeDocument()
     if (const auto copied = copy.copyMembers(document()); !copied) {
         return failPackage(copied.fault(), TemplateProblem::CannotCopyMember);
     }
-    const auto places = findPlaces(body);
-    reportMarkers(body, places);
+    const auto places = findPlaces(body, m_run->markers);
+    warnEach(missingMarkers(body, m_run->markers, places));
+    reportLeft(body, places);
     reportPlaces(places);
     const auto opened = document().open(member);
     return (opened || failPackage(opened.fault(), TemplateProblem::CannotCopyMember)) &&
@@ -268,12 +294,7 @@ bool ActionWriteDocTable::editStyles(opc::PackageCopy &copy)
         !document::definesStyle(styles, QString::fromLatin1(document::kTableGridStyle))) {
         copy.put(kStylesPart, styles.insert(end, document::kTableGridDefinition));
     }
-    for (const DocTable &table : m_params.tables) {
-        if (!document::definesStyle(styles, table.styleID)) {
-            warn(u"Warning: the template has no style '%1': the table at '%%2%' has no format.\n"_s
-                     .arg(table.styleID, table.markerName));
-        }
-    }
+    warnEach(missingStyles(styles));
     return true;
 }
 
@@ -293,22 +314,8 @@ bool ActionWriteDocTable::readBody(opc::PackageCopy &copy, QByteArray *body)
     if (!readPart(copy, document::bodyPart(copy), body)) {
         return false;
     }
-    if (m_params.joinRuns) {
-        *body = opc::joinMarkers(*body, document::escapedMarkers(m_run->markers));
-    }
+    *body = searchedBody(*body, m_run->markers);
     return true;
-}
-
-std::vector<document::TablePlace> ActionWriteDocTable::findPlaces(const QByteArray &body) const
-{
-    const auto forms = document::markerForms(m_run->markers, m_params.joinRuns);
-    auto places = m_params.strictMarkup ? document::findParagraphPlaces(body, forms)
-                                        : document::findTablePlaces(body, forms);
-    for (document::TablePlace &place : places) {
-        // The escaped forms follow the plain ones in the same order, so both mean one table.
-        place.table %= static_cast<int>(m_run->markers.size());
-    }
-    return places;
 }
 
 bool ActionWriteDocTable::writeBody(const QByteArray &body,
@@ -341,74 +348,6 @@ bool ActionWriteDocTable::writeTable(int table)
            fail(u"ERROR: cannot read the temporary file of the table on input pin %1.\n"_s.arg(
                     QString::number(table + 1)),
                 failureReason(QDir::tempPath(), FileUse::Read, spool.error()));
-}
-
-void ActionWriteDocTable::reportMarkers(const QByteArray &body,
-                                        const std::vector<document::TablePlace> &places)
-{
-    const auto split = opc::findSplitMarkers(body, document::escapedMarkers(m_run->markers));
-    for (size_t i = 0; i < m_run->markers.size(); ++i) {
-        const auto isOfTable = [&](const document::TablePlace &p) { return p.table == int(i); };
-        const auto isMarker = [&](const opc::SplitMarker &s) { return s.marker == int(i); };
-        const QString marker = QString::fromUtf8(m_run->markers[i]);
-        if (std::any_of(split.begin(), split.end(), isMarker)) {
-            warn(
-                u"Warning: the marker '%1' is divided into several runs and stays in the document: type it again in one go, or set joinRuns='1'.\n"_s
-                    .arg(marker));
-        } else if (std::none_of(places.begin(), places.end(), isOfTable)) {
-            warn(
-                u"Warning: the template has no marker '%1': the table on input pin %2 is not written.\n"_s
-                    .arg(marker, QString::number(i + 1)));
-        }
-    }
-    reportLeft(body, places);
-}
-
-void ActionWriteDocTable::reportLeft(const QByteArray &body,
-                                     const std::vector<document::TablePlace> &places)
-{
-    Occurrences left;
-    auto place = places.begin(); // both lists are in the order of the text
-    for (const opc::MarkerHit &hit : opc::findMarkers(body, m_run->markers)) {
-        place =
-            std::find_if(place, places.end(), [&](const auto &p) { return p.resume >= hit.end; });
-        if (place == places.end() || place->resume != hit.end) {
-            left.add(
-                [&] { return QString::fromUtf8(m_run->markers[static_cast<size_t>(hit.marker)]); });
-        }
-    }
-    if (left.any()) {
-        warn(
-            u"Warning: %1 markers are not in a text, where a table can be, and stay in the document, first '%2'.\n"_s
-                .arg(QString::number(left.count()), left.first()));
-    }
-}
-
-void ActionWriteDocTable::reportPlaces(const std::vector<document::TablePlace> &places)
-{
-    Occurrences dropped;
-    Occurrences inText;
-    for (const document::TablePlace &place : places) {
-        const auto marker = [&] {
-            return QString::fromUtf8(m_run->markers[static_cast<size_t>(place.table)]);
-        };
-        if (place.dropped > 0) {
-            dropped.add(marker);
-        }
-        if (place.isInText) {
-            inText.add(marker);
-        }
-    }
-    if (dropped.any()) {
-        warn(
-            u"Warning: the texts before %1 markers in their paragraphs are dropped, first that before '%2': put markers into paragraphs of their own, or set strictMarkup='1'.\n"_s
-                .arg(QString::number(dropped.count()), dropped.first()));
-    }
-    if (inText.any()) {
-        warn(
-            u"Warning: %1 tables are inside the text of a formatted paragraph, where some programs do not show them, first that at '%2': set strictMarkup='1'.\n"_s
-                .arg(QString::number(inText.count()), inText.first()));
-    }
 }
 
 } // namespace corvanta

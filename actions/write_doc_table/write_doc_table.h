@@ -32,6 +32,8 @@ public:
     void addPinIn() override;
     /// Remove the last pin and its table. The first pin stays.
     void removePinIn() override;
+    /// Equal markers, and what the template does not have: markers and styles.
+    QVector<ParameterProblem> problems() const override;
 
 protected:
     void start() override;
@@ -49,12 +51,17 @@ private:
         std::optional<document::TableText> text; ///< of the pin that is read
         int pin = 0;                             ///< that is read, from 0
         qint64 rows = 0;                         ///< of that pin
-        Occurrences replaced;                    ///< characters that XML does not have
+        Occurrences innerBreaks;                 ///< line breaks inside text elements, of all pins
         bool isRead = false;                     ///< all pins have ended
     };
 
+    /// A graph may have more tables than linked pins: a pin without a link has no rows. It may also
+    /// link more pins than it has tables: those get the default one.
+    int tableCount() const;
+    DocTable tableOf(int pin) const;
+
     enum class Pin { Ended, Interrupted, Failed };
-    /// Read the rows of the current pin, until they end or the engine wants to go on.
+    /// Read the rows of the current pin, until they end or the engine interrupts the step.
     Pin readPin();
 
     // Each returns false after it has failed the run.
@@ -63,12 +70,18 @@ private:
     bool beginTable(const OneRow &columns);
     /// The widths that the pin's table gives; warns of those that cannot be used.
     std::vector<int> widthsFor(const OneRow &columns);
+    /// Write the names of the columns.
+    bool putHeader(const OneRow &columns);
     bool putRow(const OneRow &row);
+    /// Fail for a cell of the current row with characters that XML does not have, and count line
+    /// breaks.
+    bool checkCounts(const document::TextCounts &counts, const QString &column);
     bool endTable();
     /// Move what was written to the table of the pin.
     bool spool();
     /// Add the marker of the pin, unless an earlier pin has it.
     bool checkMarker();
+    void reportTexts();
 
     /// Copy the template with all tables, after the last row.
     bool writeDocument();
@@ -77,12 +90,22 @@ private:
     bool readBody(opc::PackageCopy &copy, QByteArray *body);
     /// Read a part whose text is changed.
     bool readPart(opc::PackageCopy &copy, const QByteArray &part, QByteArray *text);
-    std::vector<document::TablePlace> findPlaces(const QByteArray &body) const;
     bool writeBody(const QByteArray &body, const std::vector<document::TablePlace> &places);
     /// Copy the spool of a table, by its index, into the open member.
     bool writeTable(int table);
-    // Warn of markers without a place, of those besides places, and of places that lose something.
-    void reportMarkers(const QByteArray &body, const std::vector<document::TablePlace> &places);
+    /// The body in which the markers are searched, and their places in it.
+    QByteArray searchedBody(const QByteArray &body, const std::vector<QByteArray> &markers) const;
+    std::vector<document::TablePlace> findPlaces(const QByteArray &body,
+                                                 const std::vector<QByteArray> &markers) const;
+    // What the template does not have; each text is for a warning, or for problems().
+    QStringList missingStyles(const QByteArray &styles) const;
+    static QStringList missingMarkers(const QByteArray &body,
+                                      const std::vector<QByteArray> &markers,
+                                      const std::vector<document::TablePlace> &places);
+    void addTemplateProblems(const std::vector<QByteArray> &markers,
+                             QVector<ParameterProblem> *found) const;
+    void warnEach(const QStringList &texts);
+    // Warn of markers without a place, and of places that lose something.
     void reportLeft(const QByteArray &body, const std::vector<document::TablePlace> &places);
     void reportPlaces(const std::vector<document::TablePlace> &places);
 

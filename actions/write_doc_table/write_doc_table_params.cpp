@@ -38,6 +38,11 @@ void completeTables(std::vector<DocTable> &tables, const XMLNode &)
 
 } // namespace
 
+QByteArray markerOf(const DocTable &table)
+{
+    return '%' + table.markerName.toUtf8() + '%';
+}
+
 DocTable defaultDocTable(int pin)
 {
     return {QStringLiteral("T%1").arg(pin + 1), {}, QStringLiteral("TableGrid"), false};

@@ -20,6 +20,9 @@ struct DocTable
     bool operator==(const DocTable &) const = default;
 };
 
+/// The marker as templates hold it: the name between percent signs, in UTF-8.
+QByteArray markerOf(const DocTable &table);
+
 /// What pin `pin` (from 0) starts with: the markers T1, T2, ...
 DocTable defaultDocTable(int pin);
 

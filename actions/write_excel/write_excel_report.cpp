@@ -240,7 +240,7 @@ void ActionWriteExcel::reportNoFile()
     warn(u"Warning: the Excel file '%1' is not written: %2.\n"_s.arg(fileName(), reason));
 }
 
-// What is wrong for every input. The rest is found while the rows are written.
+// Problems that do not depend on the input. The others are found while the rows are written.
 QVector<ParameterProblem> ActionWriteExcel::problems() const
 {
     FloatFormat format;

@@ -16,12 +16,12 @@ QByteArray hex(const char *digits)
 
 constexpr char16_t kUnits[] = u"<&\"\\n]]>\r\n\n\U0001F600\xD800\u00E9\uFFFE";
 
-QByteArray text(QStringView units, TextPlace place, qint64 *replaced)
+QByteArray text(QStringView units, TextPlace place, TextCounts *counts)
 {
     TextRules rules;
     rules.place = place;
     rules.breaksAtBackslashN = true;
-    return documentText(units, rules, replaced);
+    return documentText(units, rules, counts);
 }
 
 } // namespace
@@ -77,15 +77,16 @@ TEST(DocumentText, EscapesAtEveryPlace)
     for (qsizetype at = 0; at < 20; ++at) {
         const QString filler(at, u'x');
         const QByteArray before(at, 'x');
-        qint64 replaced = 0;
+        TextCounts counts;
         const QString units = filler + QString::fromUtf16(kUnits);
-        EXPECT_EQ(text(units, TextPlace::Word, &replaced),
+        EXPECT_EQ(text(units, TextPlace::Word, &counts),
                   before + "&lt;&amp;\"<w:br/>]]&gt;<w:br/><w:br/>\xF0\x9F\x98\x80"
                            "\xEF\xBF\xBD\xC3\xA9\xEF\xBF\xBD");
-        EXPECT_EQ(replaced, 2);
-        EXPECT_EQ(text(filler + u"\"\\n\n"_s, TextPlace::Attribute, &replaced),
+        EXPECT_EQ(counts.replaced, 2);
+        EXPECT_EQ(counts.innerBreaks, 3);
+        EXPECT_EQ(text(filler + u"\"\\n\n"_s, TextPlace::Attribute, &counts),
                   before + "&quot;&#10;&#10;");
-        EXPECT_EQ(text(filler + u"\\n\r\n>"_s, TextPlace::Slide, &replaced), before + "\r\r\n>");
+        EXPECT_EQ(text(filler + u"\\n\r\n>"_s, TextPlace::Slide, &counts), before + "\r\r\n>");
     }
 }
 

@@ -29,12 +29,14 @@ constexpr qsizetype kMaxBytesPerUnit = 7; // <w:br/>
 constexpr qsizetype kSlackBytes = 8;      // copyPlain() writes that many at a time
 constexpr char kClosingBreak[] = "</w:t><w:br/><w:t xml:space=\"preserve\">";
 
-/// The markup of a line break. A slide takes the character itself; an attribute needs a reference,
-/// because readers turn its line ends into spaces (XML 1.0, 3.3.3).
-const char *lineBreak(const TextRules &rules)
+/// The markup of a line break; counts the one that is inside a text element. A slide takes the
+/// character itself; an attribute needs a reference, because readers turn its line ends into spaces
+/// (XML 1.0, 3.3.3).
+const char *lineBreak(const TextRules &rules, TextCounts *counts)
 {
     switch (rules.place) {
     case TextPlace::Word:
+        counts->innerBreaks += rules.closesText ? 0 : 1;
         return rules.closesText ? kClosingBreak : "<w:br/>";
     case TextPlace::Slide:
         return "\r";
@@ -73,14 +75,14 @@ qsizetype copyPlain(const char16_t *in, qsizetype n, char *out)
 class Escaper
 {
 public:
-    Escaper(QStringView text, const TextRules &rules, qint64 *replaced)
+    Escaper(QStringView text, const TextRules &rules, TextCounts *counts)
         : m_text(text)
         , m_rules(rules)
-        , m_replaced(replaced)
+        , m_counts(counts)
     {
     }
 
-    /// Write the character at `at`, and what belongs to it; moves `*at` behind it.
+    /// Write the character at `*at`, with the units that belong to it, and move `*at` past them.
     char *putOne(qsizetype *at, char *out)
     {
         const char16_t unit = m_text[(*at)++].unicode();
@@ -117,7 +119,7 @@ private:
     {
         if (m_rules.breaksAtBackslashN && has(*at, u'n')) {
             ++*at;
-            return put(out, lineBreak(m_rules));
+            return put(out, lineBreak(m_rules, m_counts));
         }
         *out++ = '\\';
         return out;
@@ -130,7 +132,7 @@ private:
             return out;
         }
         *at += unit == u'\r' && has(*at, u'\n') ? 1 : 0;
-        return put(out, lineBreak(m_rules));
+        return put(out, lineBreak(m_rules, m_counts));
     }
     char *putCharacter(char16_t unit, qsizetype *at, char *out)
     {
@@ -144,13 +146,13 @@ private:
     {
         const bool isUnknown =
             (unit < 32 && unit != u'\t') || unit >= 0xFFFE || QChar::isSurrogate(unit);
-        *m_replaced += isUnknown ? 1 : 0;
+        m_counts->replaced += isUnknown ? 1 : 0;
         return putUtf8(isUnknown ? kReplacementCharacter : unit, out);
     }
 
     QStringView m_text;
     const TextRules &m_rules;
-    qint64 *m_replaced;
+    TextCounts *m_counts;
 };
 
 } // namespace
@@ -162,9 +164,9 @@ qsizetype roomForText(QStringView text, const TextRules &rules)
     return text.size() * kMaxBytesPerUnit + breaks * qsizetype(sizeof kClosingBreak) + kSlackBytes;
 }
 
-char *putText(QStringView text, const TextRules &rules, char *out, qint64 *replaced)
+char *putText(QStringView text, const TextRules &rules, char *out, TextCounts *counts)
 {
-    Escaper escaper(text, rules, replaced);
+    Escaper escaper(text, rules, counts);
     const char16_t *const units = text.utf16();
     for (qsizetype at = 0; at < text.size();) {
         const qsizetype plain = copyPlain(units + at, text.size() - at, out);
@@ -177,10 +179,10 @@ char *putText(QStringView text, const TextRules &rules, char *out, qint64 *repla
     return out;
 }
 
-QByteArray documentText(QStringView text, const TextRules &rules, qint64 *replaced)
+QByteArray documentText(QStringView text, const TextRules &rules, TextCounts *counts)
 {
     QByteArray out(roomForText(text, rules), Qt::Uninitialized);
-    const char *const end = putText(text, rules, out.data(), replaced);
+    const char *const end = putText(text, rules, out.data(), counts);
     out.truncate(end - out.constData());
     return out;
 }

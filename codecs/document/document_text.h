@@ -27,14 +27,21 @@ struct TextRules
     bool closesText = false;
 };
 
+/// What was done to texts that a user may have to know; calls add to it.
+struct TextCounts
+{
+    qint64 replaced = 0;    ///< characters that XML does not have
+    qint64 innerBreaks = 0; ///< line breaks inside a text element of a Word document
+    bool any() const { return (replaced | innerBreaks) != 0; }
+};
+
 /// Bytes that putText() may need for a text. An upper bound.
 qsizetype roomForText(QStringView text, const TextRules &rules);
 
-/// Write `text` to `out`, which has roomForText() bytes. Returns the end. Adds the number of
-/// replaced characters to `*replaced`.
-char *putText(QStringView text, const TextRules &rules, char *out, qint64 *replaced);
+/// Write `text` to `out`, which has roomForText() bytes. Returns the end.
+char *putText(QStringView text, const TextRules &rules, char *out, TextCounts *counts);
 
 /// The same in an array of its own.
-QByteArray documentText(QStringView text, const TextRules &rules, qint64 *replaced);
+QByteArray documentText(QStringView text, const TextRules &rules, TextCounts *counts);
 
 } // namespace corvanta::document

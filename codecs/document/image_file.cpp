@@ -49,7 +49,7 @@ const Names &namesOf(ImageKind kind)
     return found != kNames.end() ? *found : kNames.front();
 }
 
-/// Numbers at offsets of a file; 0 behind its end.
+/// Numbers at offsets of a file; 0 after its end.
 class Header
 {
 public:

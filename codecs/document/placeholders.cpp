@@ -26,7 +26,7 @@ qsizetype offsetIn(QByteArrayView text, QByteArrayView view)
     return view.data() - text.data();
 }
 
-/// Which of the markers stands first in the target; nothing if there is none.
+/// Which of the markers is the first in the target; nothing if there is none.
 std::optional<int> markerIn(QByteArrayView target, const std::vector<QByteArray> &markers)
 {
     const QByteArray plain = opc::decoded(target).toUtf8();
@@ -141,7 +141,7 @@ References referencesOf(const opc::Tag &tag, const std::vector<Placeholder> &pla
     return found;
 }
 
-/// Finds the boxes while the tags of a part go by.
+/// Finds the boxes, given the tags of a part in their order.
 class BoxFinder
 {
 public:

@@ -61,7 +61,7 @@ public:
         }
         place.resume = hit.end;
         const Open &around = m_open[outer];
-        // A paragraph without text so far is not left behind as an empty line.
+        // A paragraph without text so far would stay as an empty line before the table.
         if (!around.hasText && hit.begin == m_open.back().tag.end && around.tag.begin >= m_resume) {
             place.copyEnd = around.tag.begin;
             place.before.clear();

@@ -22,7 +22,7 @@ struct TablePlace
 
 /// The places of all markers in the order of the text; a marker may have several. A marker directly
 /// after "<w:p><w:r><w:t>" and text without markup gets its table before that paragraph, and the
-/// text before the marker is dropped. Any other marker gets the table where it stands: inside a
+/// text before the marker is dropped. Any other marker gets the table at its own place: inside a
 /// text element, which programs may reject. A marker in a tag has no place.
 std::vector<TablePlace> findTablePlaces(QByteArrayView part,
                                         const std::vector<QByteArray> &markers);

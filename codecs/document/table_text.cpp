@@ -106,32 +106,21 @@ void TableText::begin()
     put(m_head);
 }
 
-void TableText::putHeader(const QStringList &names)
-{
-    beginRow();
-    for (const QString &name : names) {
-        putCell(name);
-    }
-    endRow();
-}
-
 void TableText::beginRow()
 {
     m_column = 0;
     put("<w:tr>");
 }
 
-void TableText::putCell(QStringView text)
+TextCounts TableText::putCell(QStringView text)
 {
+    TextCounts counts;
     put(m_beginnings[m_column]);
     char *const out = room(roomForText(text, m_rules));
-    const qint64 before = m_replaced.count;
-    m_size += putText(text, m_rules, out, &m_replaced.count) - out;
-    if (before == 0 && m_replaced.count > 0) {
-        m_replaced.column = static_cast<int>(m_column);
-    }
+    m_size += putText(text, m_rules, out, &counts) - out;
     put(kCellEnd);
     ++m_column;
+    return counts;
 }
 
 void TableText::endRow()

@@ -29,13 +29,6 @@ inline constexpr int kPageWidth = 9072;
 /// 720. `*invalid` is set to the entries that are no width, in their order.
 std::vector<int> columnWidths(const QString &list, qsizetype columns, QStringList *invalid);
 
-/// Characters that were replaced in a row: their number, and the first column that has one.
-struct ReplacedText
-{
-    qint64 count = 0;
-    int column = -1;
-};
-
 class TableText
 {
 public:
@@ -43,21 +36,18 @@ public:
     TableText(const QString &styleId, const std::vector<int> &widths, const TextRules &rules);
 
     // Each appends to text(). Rows have as many cells as there are widths: beginRow(), putCell()
-    // for every column, endRow().
+    // for every column, endRow(). A header is a row like the others.
 
     void begin();
-    /// Header rows repeat nothing and have no format of their own.
-    void putHeader(const QStringList &names);
     void beginRow();
-    void putCell(QStringView text);
+    /// Returns the counts of this cell.
+    TextCounts putCell(QStringView text);
     void endRow();
     void end();
 
     /// What was written since the last clear().
     QByteArrayView text() const { return {m_text.data(), m_size}; }
     void clear() { m_size = 0; }
-    /// Replaced characters since the last call.
-    ReplacedText takeReplaced() { return std::exchange(m_replaced, ReplacedText()); }
 
 private:
     /// The end of the text, with room for `bytes` bytes.
@@ -70,7 +60,6 @@ private:
     size_t m_column = 0;                  // of the next cell
     std::vector<char> m_text;             // room; m_size of it is used
     qsizetype m_size = 0;
-    ReplacedText m_replaced;
 };
 
 } // namespace corvanta::document

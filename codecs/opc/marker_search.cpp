@@ -65,7 +65,7 @@ private:
     std::priority_queue<MarkerHit, std::vector<MarkerHit>, IsLater> m_next;
 };
 
-/// Collects the pieces while the tags of a part go by.
+/// Collects the pieces, given the tags of a part in their order.
 class PieceCollector
 {
 public:
@@ -134,7 +134,7 @@ std::vector<TextPiece> piecesOf(const ParagraphText &paragraph, const MarkerHit 
 /// The texts of the paragraphs by their numbers.
 std::map<int, ParagraphText> paragraphsOf(QByteArrayView part)
 {
-    // The text of a paragraph may go on after that of a text box inside it.
+    // The text of a paragraph may continue after that of a text box inside it.
     std::map<int, ParagraphText> paragraphs;
     for (const TextPiece &piece : textPieces(part)) {
         ParagraphText &paragraph = paragraphs[piece.paragraph];

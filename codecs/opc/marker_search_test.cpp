@@ -40,7 +40,7 @@ TEST(MarkerSearch, JoinsWhatRunsDivide)
 
 TEST(MarkerSearch, ParagraphsSeparateTexts)
 {
-    // A text box has paragraphs of its own, inside one whose text goes on after it.
+    // A text box has paragraphs of its own, inside one whose text continues after it.
     const QByteArray part = "<w:p><w:r><w:t>%B</w:t></w:r><w:r><w:txbxContent><w:p><w:r><w:t>C%"
                             "</w:t></w:r></w:p></w:txbxContent></w:r><w:r><w:t>C%</w:t></w:r></w:p>"
                             "<w:p><w:t>%</w:t></w:p><w:p><w:t>A%</w:t><w:t/></w:p>";
@@ -61,7 +61,7 @@ TEST(MarkerSearch, ListsWhatLooksLikeAMarker)
     EXPECT_EQ(found[0].pieces, 1);
     EXPECT_EQ(found[1].text, "%C%");
     EXPECT_EQ(found[1].pieces, 2);
-    // Columns beside a tab or a break are texts of their own.
+    // Tabs and breaks separate texts.
     EXPECT_TRUE(listMarkers("<w:p><w:t>10%</w:t><w:tab/><w:t>20% x</w:t></w:p>").empty());
 }
 

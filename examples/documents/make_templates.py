@@ -50,7 +50,7 @@ def paragraph(text="", style="", run="", properties=""):
 
 
 def picture(relationship, width, height, align="right"):
-    """A linked picture next to the text; sizes in millimetres."""
+    """A linked picture at an edge of the text; sizes in millimetres."""
     cx, cy = width * 36000, height * 36000
     return (f'<w:r><w:drawing><wp:anchor distT="0" distB="0" distL="114300" distR="0" simplePos="0" relativeHeight="1" behindDoc="0" '
             f'locked="0" layoutInCell="1" allowOverlap="1"><wp:simplePos x="0" y="0"/><wp:positionH relativeFrom="margin"><wp:align>'

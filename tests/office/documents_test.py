@@ -20,7 +20,8 @@ import make_templates as office  # noqa: E402
 CORVANTA, CORPUS = str(pathlib.Path(sys.argv[1]).resolve()), pathlib.Path(sys.argv[2])
 LINK = "file:///%25photo%25"
 DOCUMENT, RELATIONSHIPS, TYPES = "word/document.xml", "word/_rels/document.xml.rels", "[Content_Types].xml"
-WARNED = "divided into several runs"
+FORBIDDEN = "ERROR: {} has {} characters that XML does not allow: remove them from the data.\n"
+BREAKS = "Warning: {} line breaks are inside text elements, where some programs do not show them, first in {}: set strictMarkup='1'.\n"
 
 
 def members(path):
@@ -95,6 +96,7 @@ class WriteDoc(DocumentTest):
     def test_texts_replace_every_marker(self):
         self.word(office.paragraph("1 %text% 2 %text%%text% %text %Text%") + office.paragraph('<w:x a="%text%"/>'))
         body = self.letter("a & <b> ]]> é\r\nc\nd\\ne\"")[DOCUMENT].decode()
+        self.assertEqual(self.log[2][0], BREAKS.format(2, "row 1, column 'text'"))
         value = "a &amp; &lt;b> ]]&gt; é<w:br/>c<w:br/>d\\ne\""
         self.assertIn(f"<w:t>1 {value} 2 {value}{value} %text %Text%</w:t>", body)
         self.assertIn('a="a &amp; &lt;b> ]]&gt; é&#10;c&#10;d\\ne&quot;"', body)
@@ -102,11 +104,13 @@ class WriteDoc(DocumentTest):
                                   ("strictMarkup='1'", 'x</w:t><w:br/><w:t xml:space="preserve">y\\nz')):
             self.assertIn(f"<w:t>1 {value} 2", self.letter("x\ny\\nz", attributes=attributes)[DOCUMENT].decode())
 
-    def test_characters_that_xml_does_not_have_are_replaced(self):
+    def test_characters_that_xml_does_not_have(self):
         self.word(office.paragraph("[%text%]"))
-        self.assertIn("[a\ufffdb\ufffd\tc]", self.letter("a\x01b\uffff\tc")[DOCUMENT].decode())
-        self.assertIn("Warning: 2 characters that XML does not allow were replaced by U+FFFD, first in row 1, column 'text'.\n",
-                      self.log[2])
+        self.assertIn("[\ufffd\t\U0001F600\x7f]", self.letter("\ufffd\t\U0001F600\x7f")[DOCUMENT].decode())
+        (self.folder / "out.docx").unlink()
+        self.fails(FORBIDDEN.format("row 1, column 'text'", 2), self.write_doc([("out.docx", "t.docx", "a\x01b\uffff\tc", "")]))
+        self.word(office.paragraph("no marker"))
+        self.letter("a\x01b")
 
     def test_images_are_stored(self):
         self.word(office.paragraph("%text%") + f"<w:p>{office.picture('rId2', 40, 40)}{office.picture('rId3', 40, 40)}</w:p>",
@@ -182,7 +186,7 @@ class WriteDoc(DocumentTest):
     def test_names_of_another_kind_than_the_template(self):
         self.word(office.paragraph("%text%%T1%"), name="t.dotx")
         _, log = self.write_doc([("out.docx", "t.dotx", "", ""), ("out", "t.dotx", "", "")], images=())
-        self.assertEqual(log[2], [f"Warning: the names of 1 documents do not end like those of their templates, first '{self.folder}/out.docx'"
+        self.assertEqual(log[2], [f"Warning: the names of 2 documents do not end like those of their templates, first '{self.folder}/out.docx'"
                                   ": Office programs may refuse to open them.\n"])
         reader = self.table([("a",), ("1",)])
         _, log = self.run_graph([reader, "<writeDocTable template='t.dotx' output='out.docx'><v colWidths='9'/></writeDocTable>"])
@@ -240,6 +244,9 @@ class WriteDoc(DocumentTest):
                    "the name is in row 1, column 'photo'")
         self.fails(f"ERROR: the file '{self.folder}/note.png' is not a PNG, JPEG, GIF, BMP, TIFF, EMF, WMF or SVG image.\n",
                    self.write_doc([("out.docx", "t.docx", "", "note.png")]), "row 1")
+        for attributes in ("", "inlineImg='0'"):
+            self.fails("\nERROR: cannot open the file ''\n", self.write_doc([("out.docx", "t.docx", "", "")], attributes),
+                       "the name of the image for the marker '%photo%' is empty: row 1, column 'photo'")
 
     def test_documents_that_cannot_be_written(self):
         self.word(office.paragraph("%text%") * 3)
@@ -251,6 +258,18 @@ class WriteDoc(DocumentTest):
         status, log = self.write_doc([("a.docx", "t.docx", "1", ""), ("b.docx", "t.docx", "2", ""), ("./a.docx", "t.docx", "3", "")])
         self.assertEqual((status, log[1]), (1, [f"ERROR: the rows 1 and 3 have the same output document '{self.folder}/a.docx'.\n"]))
         self.assertIn(b"<w:t>1<", members(self.folder / "a.docx")[DOCUMENT])
+        # The template under other names, and that of an earlier row.
+        (self.folder / "soft.docx").symlink_to("t.docx")
+        (self.folder / "hard.docx").hardlink_to(self.folder / "t.docx")
+        (self.folder / "u.docx").write_bytes((self.folder / "t.docx").read_bytes())
+        for name in ("soft.docx", "hard.docx", f"../{self.folder.name}/t.docx"):
+            status, log = self.write_doc([(name, "t.docx", "", "")])
+            self.assertEqual((status, len(log[1])), (1, 1))
+            self.assertIn("would replace its own template", log[1][0])
+        status, log = self.write_doc([("c.docx", "t.docx", "", ""), ("soft.docx", "u.docx", "", "")])
+        self.assertEqual(log[1], [f"ERROR: the document '{self.folder}/soft.docx' of row 2 would replace the template of row 1: choose "
+                                  "another output name.\n"])
+        self.assertIn(b"%text%", members(self.folder / "t.docx")[DOCUMENT])
 
     def test_full_disk(self):
         office.png(self.folder / "noise.png", 200, 100, lambda x, y: ((x * y * 7919) % 251, (x * 31 + y * 17) % 253, (x ^ y * 3) % 256))
@@ -335,8 +354,9 @@ class WriteDocTable(DocumentTest):
         self.assertRegex(styles, '<w:style w:type="table" w:styleId="TableGrid"><w:name w:val="Table Grid"/><w:basedOn w:val="TableNormal"/>'
                          '.*</w:style></w:styles>$')
         self.assertEqual({name: old[name] for name in written}, written)
-        self.assertEqual(self.log[2], ["Warning: 2 tables are inside the text of a formatted paragraph, where some programs do not show "
-                                       "them, first that at '%T2%': set strictMarkup='1'.\n"])
+        self.assertEqual(self.log[2], [BREAKS.format(1, "row 1, column 'b' of input pin 1"), "Warning: 2 tables are inside the text of a "
+                                       "formatted paragraph, where some programs do not show them, first that at '%T2%': set "
+                                       "strictMarkup='1'.\n"])
 
     def test_line_breaks_and_styles(self):
         self.word(office.paragraph("%T1%"))
@@ -345,10 +365,16 @@ class WriteDocTable(DocumentTest):
             written = self.report(("colWidths='1,2' styleID='Report'", self.ROWS),
                                   attributes="template='t.docx' output='out.docx' " + attributes)
             self.assertIn(self.expected([("1&lt;", text), ("&amp;", "")], (1, 2), "Report").encode(), written[DOCUMENT])
-        self.report(("colWidths='1,2' styleID='No&lt;ne'", [("a", "b"), ("\x02\x03", "")]))
-        self.assertEqual(self.log[2], [
-            "Warning: 2 characters of the table on input pin 1 that XML does not allow were replaced by U+FFFD, first in row 1, column "
-            "'a'.\n", "Warning: the template has no style 'No<ne': the table at '%T1%' has no format.\n"])
+            self.assertEqual([w for w in self.log[2] if "line breaks" in w],
+                             [BREAKS.format(2, "row 1, column 'b' of input pin 1")] if "LF" in attributes else [])
+        self.report(("colWidths='1,2' styleID='No&lt;ne'", [("a", "b"), ("1", "")]))
+        self.assertEqual(self.log[2], ["Warning: the template has no style 'No<ne': the table at '%T1%' has no format.\n"])
+
+    def test_characters_that_xml_does_not_have(self):
+        self.word(office.paragraph("%T1%"))
+        for rows, place, count in (([("a", "b"), ("1", "2"), ("\x02\x03", "")], "row 2, column 'a' of input pin 1", 2),
+                                   ([("a", "b\x04"), ("1", "2")], "the name of the column 'b\x04' of input pin 1", 1)):
+            self.fails(FORBIDDEN.format(place, count), self.write_tables(("includeHeaders='1' colWidths='1,2'", rows)))
 
     def test_widths(self):
         self.word(office.paragraph("%T1%"))
@@ -408,6 +434,16 @@ class WriteDocTable(DocumentTest):
         body = self.report(("colWidths='9'", [("a",), ("1",)]), attributes="template='t.docx' output='out.docx' strictMarkup='1'")
         self.assertIn("<w:body>" + table + again + "</w:t></w:r></w:hyperlink></w:p>" + table + again + "z</w:t>",
                       body[DOCUMENT].decode())
+
+    def test_more_pins_than_tables_and_fewer(self):
+        self.word(office.paragraph("%T1% %T2% %T3%"))
+        reader, start = self.table([("a",), ("1",)]), "<writeDocTable template='t.docx' output='out.docx'>"
+        for readers, tables, cells in ((2, "", (["1"], ["1"])), (1, "<v/><v markerName='T3'/>", (["1"], []))):
+            status, log = self.run_graph([reader] * readers + [start + tables + "</writeDocTable>"])
+            self.assertEqual(status, 0)
+            found = re.findall("<w:tbl>.*?</w:tbl>", members(self.folder / "out.docx")[DOCUMENT].decode())
+            self.assertEqual([re.findall("<w:t>([^<]*)", one) for one in found], list(cells))
+            self.assertEqual("WARNING reading table on input pin 2: Input table is empty?" in log[2], readers == 1)
 
     def test_failures(self):
         self.word(office.paragraph("%T1%"))
@@ -492,6 +528,53 @@ class Check(DocumentTest):
         self.assertEqual(listed[0], {"text": "%a%", "location": "body", "part": DOCUMENT, "count": 2, "runs": 1})
         self.assertEqual((listed[2]["runs"], listed[2]["remedy"]), (2, "type it again in one go, or set joinRuns='1'"))
 
+    def test_charts_of_all_parts(self):
+        header = "word/header1.xml"
+        rewrite(ROOT / "templates/office/bar.docx", self.folder / "t.docx", lambda name, content: content)
+        old = members(self.folder / "t.docx")
+        self.assertRegex(self.check("t.docx").stdout, r"^t.docx: \[\[KOBData [^]]*]] in body chart \(barChart: cat, val\) \(word/charts/")
+        old[header], old["word/_rels/header1.xml.rels"] = b"<w:hdr/>", old.pop(RELATIONSHIPS)
+        office.package(self.folder / "t.docx", old)
+        self.assertIn("in header 1 chart (", self.check("t.docx").stdout)
+
+    def test_included_templates(self):
+        described = subprocess.run([CORVANTA, "describe", "writeReport"], capture_output=True, text=True, timeout=60, check=False).stdout
+        names = re.findall(r"^  (>\S+)$", described.partition("Included templates")[2], re.MULTILINE)
+        self.assertEqual(names, sorted(">" + path.name for path in (ROOT / "templates/office").glob("*.*x")))
+        described = subprocess.run([CORVANTA, "describe", "writeReport", "--json"], capture_output=True, text=True, timeout=60, check=False)
+        self.assertEqual(json.loads(described.stdout)["includedTemplates"], names)
+        for name in names:
+            done = self.check(name)
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            self.assertIn("[[KOBData ", done.stdout)
+        done = self.check(">none.docx")
+        self.assertEqual(done.returncode, 2)
+        self.assertIn("there is no included template '>none.docx' (included: >bar.docx, ", done.stderr)
+
+    def test_graphs_with_tables(self):
+        self.word(office.paragraph("%T1%") + "<w:p><w:r><w:t>%T</w:t></w:r><w:r><w:t>2%</w:t></w:r></w:p>")
+        self.table([("a",)])
+        readers = "".join(f"<action id='r{i}'><readCSV fileName='in.csv'/></action><link from='r{i}:0' to='w:{i}'/>" for i in range(3))
+
+        def check(template, *tables):
+            (self.folder / "g.graph").write_text(
+                f"<graph>{readers}<action id='w'><writeDocTable template='{template}' output='o.docx'>"
+                + "".join(f"<v markerName='{name}' styleID='{style}'/>" for name, style in tables) + "</writeDocTable></action></graph>")
+            done = subprocess.run([CORVANTA, "check", "g.graph"], cwd=self.folder, capture_output=True, text=True, timeout=60, check=False)
+            return done.returncode, re.findall(r"\(writeDocTable\): (.*)", done.stderr)
+
+        grid = "TableGrid"
+        self.assertEqual(check("t.docx", ("T1", grid), ("T2", grid), ("T3", "none")), (0, [
+            "the template has no style 'none': the table at '%T3%' has no format",
+            "the marker '%T2%' is divided into several runs and stays in the document: type it again in one go, or set joinRuns='1'",
+            "the template has no marker '%T3%': the table on input pin 3 is not written"]))
+        self.assertEqual(check("in.csv", ("T1", grid), ("T2", grid), ("T1", grid))[1][0],
+                         "the marker '%T1%' of input pin 3 already exists: all markers must be different")
+        self.assertRegex(check("in.csv", ("T1", grid), ("T2", grid), ("T3", grid))[1][0], "^cannot read the template '.*in.csv': .*package")
+        office.presentation(self.folder / "t.pptx")
+        status, problems = check("t.pptx", ("T1", grid), ("T2", grid), ("T3", grid))
+        self.assertEqual((status, problems), (2, [f"'{self.folder}/t.pptx' is not a Word document with styles"]))
+
     def test_slides_and_what_is_no_template(self):
         box = office.text_box(2, "%a%", (1, 1, 9, 9), 9, "000000")
         office.presentation(self.folder / "t.pptx", ("", []), (box, []))
@@ -499,6 +582,9 @@ class Check(DocumentTest):
         self.word(office.paragraph("50 % of 3 %"))
         self.assertEqual(self.check("t.docx").stdout, "t.docx: no markers and no chart tags\n")
         self.assertEqual(json.loads(self.check("t.docx", "--json").stdout), [])
+        rewrite(self.folder / "t.docx", self.folder / "wide.docx",
+                lambda name, content: content.decode().encode("utf-16") if name == RELATIONSHIPS else content)
+        self.assertIn("the part 'word/_rels/document.xml.rels' of the template is not the XML", self.check("wide.docx").stderr)
         done = self.check("gone.docx")
         self.assertEqual(done.returncode, 2)
         self.assertIn("cannot read Report Template file", done.stderr)
@@ -507,17 +593,17 @@ class Check(DocumentTest):
 class Examples(DocumentTest):
     def test_graphs(self):
         for graph, count in (("letters", 3), ("slides", 3), ("report", 1)):
-            done = subprocess.run([CORVANTA, "run", EXAMPLES / f"{graph}.graph", "--out-dir", self.folder], capture_output=True, text=True,
+            out = self.folder / "made" / graph
+            done = subprocess.run([CORVANTA, "run", EXAMPLES / f"{graph}.graph", "--out-dir", out], capture_output=True, text=True,
                                   timeout=60, check=False)
             self.assertEqual((done.returncode, done.stderr), (0, ""))
-            written = [path for path in self.folder.iterdir() if path.suffix in (".docx", ".pptx")]
+            written = list(out.iterdir())
             self.assertEqual(len(written), count)
             for path in written:
                 for name, content in members(path).items():
                     if name.endswith((".xml", ".rels")):
                         xml.etree.ElementTree.fromstring(content)
                         self.assertNotRegex(content.decode(), "%[A-Za-z][A-Za-z0-9]*%")
-                path.unlink()
 
     def test_templates_are_those_of_the_script(self):
         office.main(self.folder)

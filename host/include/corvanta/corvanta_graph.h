@@ -93,8 +93,8 @@ public:
     Problems findMistakes(const corvanta::ActionRegistry &registry,
                           const QMap<QString, QString> &given) const;
     /// Find everything that the user should know before a run, none of it Invalid: mistakes, what
-    /// is missing, hints. Names are relative to `outDir` as in RunOptions. Looks up files, opens
-    /// none.
+    /// is missing, hints. Names are relative to `outDir` as in RunOptions. Looks up files; opens
+    /// only those that ActionParameters::problems() may open.
     Problems check(const corvanta::ActionRegistry &registry, const QMap<QString, QString> &given,
                    const QString &outDir) const;
     /// The names of the files that a run would write, in the order of the actions, each once; with

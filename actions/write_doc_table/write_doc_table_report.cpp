@@ -1,0 +1,187 @@
+// What writeDocTable says about a template and the places of the tables in it.
+#include "actions/write_doc_table/write_doc_table.h"
+#include "codecs/document/document_part.h"
+#include "codecs/document/document_parts.h"
+#include "codecs/opc/marker_search.h"
+#include "codecs/opc/markup_scan.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+QVector<ParameterProblem> ActionWriteDocTable::problems() const
+{
+    QVector<ParameterProblem> found;
+    std::vector<QByteArray> markers;
+    for (int pin = 0; pin < tableCount(); ++pin) {
+        const QByteArray marker = markerOf(tableOf(pin));
+        if (std::find(markers.begin(), markers.end(), marker) != markers.end()) {
+            found.push_back(
+                {u"v"_s,
+                 u"the marker '%1' of input pin %2 already exists: all markers must be different"_s
+                     .arg(QString::fromUtf8(marker), QString::number(pin + 1))});
+        }
+        markers.push_back(marker);
+    }
+    addTemplateProblems(markers, &found);
+    return found;
+}
+
+void ActionWriteDocTable::addTemplateProblems(const std::vector<QByteArray> &markers,
+                                              QVector<ParameterProblem> *found) const
+{
+    const QString name = expandFile(m_params.templateName);
+    // A missing file is found without this.
+    if (m_params.templateName.isEmpty() || !QFileInfo(name).isFile()) {
+        return;
+    }
+    const auto source = PackageInput::open(globalParameters(), name);
+    if (!source) {
+        found->push_back({u"template"_s,
+                          u"cannot read the template '%1': %2"_s.arg(name, source.fault().detail)});
+        return;
+    }
+    opc::PackageCopy package((*source)->reader(), [] { return true; });
+    const auto body = package.read(document::bodyPart(package));
+    const auto styles = package.read(document::kStylesPart);
+    for (const auto *const part : {&body, &styles}) {
+        if (!*part || !opc::isUtf8Text(**part)) {
+            found->push_back(
+                {u"template"_s, u"'%1' is not a Word document with styles"_s.arg(name)});
+            return;
+        }
+    }
+    const QByteArray searched = searchedBody(*body, markers);
+    for (const QString &text :
+         missingStyles(*styles) +
+             missingMarkers(searched, markers, findPlaces(searched, markers))) {
+        found->push_back({u"v"_s, text, ParameterProblem::Severity::Warning});
+    }
+}
+
+QByteArray ActionWriteDocTable::searchedBody(const QByteArray &body,
+                                             const std::vector<QByteArray> &markers) const
+{
+    return m_params.joinRuns ? opc::joinMarkers(body, document::escapedMarkers(markers)) : body;
+}
+
+std::vector<document::TablePlace>
+ActionWriteDocTable::findPlaces(const QByteArray &body,
+                                const std::vector<QByteArray> &markers) const
+{
+    const auto forms = document::markerForms(markers, m_params.joinRuns);
+    auto places = m_params.strictMarkup ? document::findParagraphPlaces(body, forms)
+                                        : document::findTablePlaces(body, forms);
+    for (document::TablePlace &place : places) {
+        // The escaped forms follow the plain ones in the same order, so both mean one table.
+        place.table %= static_cast<int>(markers.size());
+    }
+    return places;
+}
+
+QStringList ActionWriteDocTable::missingStyles(const QByteArray &styles) const
+{
+    QStringList texts;
+    for (int pin = 0; pin < tableCount(); ++pin) {
+        const DocTable table = tableOf(pin);
+        // The writer adds this one.
+        const bool isAdded = table.styleID == QLatin1StringView(document::kTableGridStyle) &&
+                             styles.contains("</w:styles>");
+        if (!isAdded && !document::definesStyle(styles, table.styleID)) {
+            texts << u"the template has no style '%1': the table at '%%2%' has no format"_s.arg(
+                table.styleID, table.markerName);
+        }
+    }
+    return texts;
+}
+
+QStringList ActionWriteDocTable::missingMarkers(const QByteArray &body,
+                                                const std::vector<QByteArray> &markers,
+                                                const std::vector<document::TablePlace> &places)
+{
+    QStringList texts;
+    const auto split = opc::findSplitMarkers(body, document::escapedMarkers(markers));
+    for (size_t i = 0; i < markers.size(); ++i) {
+        const auto isOfTable = [&](const document::TablePlace &p) { return p.table == int(i); };
+        const auto isMarker = [&](const opc::SplitMarker &s) { return s.marker == int(i); };
+        const QString marker = QString::fromUtf8(markers[i]);
+        if (std::any_of(split.begin(), split.end(), isMarker)) {
+            texts
+                << u"the marker '%1' is divided into several runs and stays in the document: type it again in one go, or set joinRuns='1'"_s
+                       .arg(marker);
+        } else if (std::none_of(places.begin(), places.end(), isOfTable)) {
+            texts << u"the template has no marker '%1': the table on input pin %2 is not written"_s
+                         .arg(marker, QString::number(i + 1));
+        }
+    }
+    return texts;
+}
+
+void ActionWriteDocTable::warnEach(const QStringList &texts)
+{
+    for (const QString &text : texts) {
+        warn(u"Warning: %1.\n"_s.arg(text));
+    }
+}
+
+void ActionWriteDocTable::reportTexts()
+{
+    if (m_run->innerBreaks.any()) {
+        warn(
+            u"Warning: %1 line breaks are inside text elements, where some programs do not show them, first in %2: set strictMarkup='1'.\n"_s
+                .arg(QString::number(m_run->innerBreaks.count()), m_run->innerBreaks.first()));
+    }
+}
+
+void ActionWriteDocTable::reportLeft(const QByteArray &body,
+                                     const std::vector<document::TablePlace> &places)
+{
+    Occurrences left;
+    auto place = places.begin(); // both lists are in the order of the text
+    for (const opc::MarkerHit &hit : opc::findMarkers(body, m_run->markers)) {
+        place =
+            std::find_if(place, places.end(), [&](const auto &p) { return p.resume >= hit.end; });
+        if (place == places.end() || place->resume != hit.end) {
+            left.add(
+                [&] { return QString::fromUtf8(m_run->markers[static_cast<size_t>(hit.marker)]); });
+        }
+    }
+    if (left.any()) {
+        warn(
+            u"Warning: %1 markers are not in a text, where a table can be, and stay in the document, first '%2'.\n"_s
+                .arg(QString::number(left.count()), left.first()));
+    }
+}
+
+void ActionWriteDocTable::reportPlaces(const std::vector<document::TablePlace> &places)
+{
+    Occurrences dropped;
+    Occurrences inText;
+    for (const document::TablePlace &place : places) {
+        const auto marker = [&] {
+            return QString::fromUtf8(m_run->markers[static_cast<size_t>(place.table)]);
+        };
+        if (place.dropped > 0) {
+            dropped.add(marker);
+        }
+        if (place.isInText) {
+            inText.add(marker);
+        }
+    }
+    if (dropped.any()) {
+        warn(
+            u"Warning: the texts before %1 markers in their paragraphs are dropped, first that before '%2': put markers into paragraphs of their own, or set strictMarkup='1'.\n"_s
+                .arg(QString::number(dropped.count()), dropped.first()));
+    }
+    if (inText.any()) {
+        warn(
+            u"Warning: %1 tables are inside the text of a formatted paragraph, where some programs do not show them, first that at '%2': set strictMarkup='1'.\n"_s
+                .arg(QString::number(inText.count()), inText.first()));
+    }
+}
+
+} // namespace corvanta
