@@ -140,6 +140,8 @@ void ActionWriteDoc::finish()
     if (m_run && m_run->row > 0) {
         reportTexts();
         reportMarkers();
+    } else if (m_run && runIsGood()) {
+        warn(u"Warning: no document is written: the input has no rows.\n"_s);
     }
     // The run refers to the open template, so it ends first.
     m_run.reset();

@@ -138,6 +138,17 @@ TEST(PackageReader, AcceptsStoredMembersAndBytesAroundThePackage)
     }
 }
 
+TEST(PackageReader, ReadsMembersThatBeginWithBlocksWithoutContent)
+{
+    RawMember raw = deflateMember("a", "some bytes");
+    raw.bytes.prepend(QByteArray("\0\0\0\xFF\xFF", 5).repeated(60'000)); // more than a chunk
+    raw.member.compressedSize = raw.bytes.size();
+    const QByteArray package = packageOf(raw);
+    Opened opened(package);
+    ASSERT_TRUE(opened.reader);
+    EXPECT_EQ(*opened.reader->readWhole("a"), "some bytes");
+}
+
 // The result of reading a whole package: its content, or the fault.
 QByteArray readAll(QByteArrayView bytes)
 {

@@ -10,6 +10,7 @@ import io
 import json
 import os
 import pathlib
+import random
 import subprocess
 import sys
 import tempfile
@@ -272,6 +273,12 @@ class Levels(Case):
         self.assertEqual(self.convert("lone.json", "out.xml", *wide), "")
         self.assertIn("1 texts of the column 'a' have characters that a Parquet file cannot hold, which are replaced by U+FFFD; the first is "
                       f"in row 2 of the file '{self.folder}/out.parquet'", self.convert("lone.json", "out.parquet"))
+
+    def test_two_values_take_a_bit_per_row_of_a_parquet_file(self):
+        rows = random.Random(1).choices("xy", k=16000)
+        self.put("in.csv", "\n".join(["a", *rows]))
+        self.convert_cleanly("in.csv", "out.parquet", "--writer", "codec=1", "--writer", "dictionaryPages=1")
+        self.assertLess(len(self.content("out.parquet")), 2500)
 
     def test_texts_of_parquet_files_that_are_changed_are_counted(self):
         self.put("in.csv", "a,b\nplain,x\nodd~,y\n\u00e9,zero~\n")

@@ -58,6 +58,10 @@ class Head(Case):
                          "              -1e+300\n"
                          "4294967293        nan  \"\"\n")
 
+    def test_nothing_is_printed_after_an_error(self):
+        self.put("in.csv", 'a,b\n' + '1,2\n' * 5 + '"x\n')
+        self.assertEqual(self.corvanta("head", "in.csv", status=1).stdout, "")
+
     def test_widths_are_those_of_a_terminal(self):
         self.put("in.csv", "a,b\n東京,x\né\u0301,x\n😀,x\nabc,x\n")
         self.assertEqual(self.corvanta("head", "in.csv").stdout,

@@ -198,6 +198,9 @@ class WriteDoc(DocumentTest):
         self.assertEqual(self.letter(), members(self.folder / "t.docx"))
         self.assertEqual(self.log[2], ["Warning: no template has a marker for 2 of the columns: '%text%', '%photo%'.\n"])
 
+    def test_no_rows(self):
+        self.assertEqual(self.write_doc([]), (0, {1: [], 2: ["Warning: no document is written: the input has no rows.\n"], 3: []}))
+
     def test_columns_that_are_missing(self):
         self.word(office.paragraph("%text%"))
         self.fails("\nERROR: cannot find column 'gone' on input pin\n", self.write_doc([("out.docx", "t.docx", "", "")], texts=["gone"]))
@@ -575,7 +578,7 @@ class Check(DocumentTest):
         status, problems = check("t.pptx", ("T1", grid), ("T2", grid), ("T3", grid))
         self.assertEqual((status, problems), (2, [f"'{self.folder}/t.pptx' is not a Word document with styles"]))
 
-    def test_slides_and_what_is_no_template(self):
+    def test_slides_and_what_is_not_a_template(self):
         box = office.text_box(2, "%a%", (1, 1, 9, 9), 9, "000000")
         office.presentation(self.folder / "t.pptx", ("", []), (box, []))
         self.assertEqual(self.check("t.pptx").stdout, "t.pptx: %a% in slide 2 (ppt/slides/slide2.xml)\n")
@@ -588,6 +591,9 @@ class Check(DocumentTest):
         done = self.check("gone.docx")
         self.assertEqual(done.returncode, 2)
         self.assertIn("cannot read Report Template file", done.stderr)
+        with zipfile.ZipFile(self.folder / "t.xlsx", "w") as package:
+            package.writestr("xl/charts/chart1.xml", "<c", zipfile.ZIP_BZIP2)
+        self.assertEqual(self.check("t.xlsx").returncode, 2)
 
 
 class Examples(DocumentTest):
