@@ -25,10 +25,11 @@ public:
     /// Room for `n` bytes. Throws std::bad_alloc if there is no memory.
     unsigned char *alloc(int n)
     {
-        uchar *const at = m_next + ((n ^ static_cast<int>(reinterpret_cast<quintptr>(m_next))) & 1);
-        if (m_next == nullptr || n > m_end - at) {
+        const int gap = (n ^ static_cast<int>(reinterpret_cast<quintptr>(m_next))) & 1;
+        if (m_next == nullptr || n > m_end - m_next - gap) {
             return allocSlow(n);
         }
+        uchar *const at = m_next + gap;
         m_next = at + n;
         return at;
     }
