@@ -173,7 +173,7 @@ private:
             visitName(tag);
         }
         if (m_axis != nullptr) {
-            noteKind(tag.local());
+            noteData(tag);
         } else if (m_series != nullptr) {
             visitAxis(tag);
         } else if (!m_chart && tag.kind == opc::Tag::Kind::Open) {
@@ -214,8 +214,10 @@ private:
     {
         const QByteArrayView local = tag.local();
         if (m_axis != nullptr && local == axisElements(*m_chart)[indexOf(*m_axis)]) {
-            m_axis->end = tag.end;
-            endAxis();
+            if (--m_axisDepth == 0) {
+                m_axis->end = tag.end;
+                endAxis();
+            }
         } else if (m_name && local == QByteArrayView("strRef")) {
             endName(tag.end);
         } else if (local == QByteArrayView("ser")) {
@@ -247,6 +249,7 @@ private:
                               .end = tag.end,
                               .isEmptyTag = tag.kind == opc::Tag::Kind::Empty};
                 m_axis = &*m_found[i];
+                m_axisDepth = 1;
                 m_name.reset(); // not nested correctly
                 if (m_axis->isEmptyTag) {
                     endAxis();
@@ -258,10 +261,14 @@ private:
 
     static size_t indexOf(const AxisPlace &place) { return static_cast<size_t>(place.axis); }
 
-    void noteKind(QByteArrayView local)
+    /// An element inside the axis.
+    void noteData(const opc::Tag &tag)
     {
         if (!m_kind) {
-            m_kind = kindOf(local);
+            m_kind = kindOf(tag.local());
+        }
+        if (tag.kind == opc::Tag::Kind::Open && tag.name == m_axis->name) {
+            ++m_axisDepth;
         }
     }
 
@@ -313,6 +320,7 @@ private:
     std::array<std::optional<AxisPlace>, kMaxAxes> m_found; // of m_series
     AxisPlace *m_axis = nullptr;                            // around the cursor, one of m_found
     std::optional<AxisKind> m_kind;                         // of m_axis
+    int m_axisDepth = 0;                                    // of elements of its name
     NamePlace m_place = NamePlace::Other;
     std::optional<NameReference> m_name;                // around the cursor
     std::vector<ChartTag>::iterator m_firstInName = {}; // the first tag after its beginning

@@ -15,7 +15,7 @@
 
 namespace corvanta::charts {
 
-/// More tags than this in one part are refused: programs show at most 255 series per chart.
+/// More tags than this in one part are rejected: programs show at most 255 series per chart.
 inline constexpr size_t kMaxTags = 65'536;
 
 /// What the template holds in an axis, and so what it gets.

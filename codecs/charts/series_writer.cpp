@@ -50,7 +50,7 @@ void skipSign(std::string_view text, size_t *at)
 bool isInRange(std::string_view text)
 {
     double value = 0;
-    // The parser takes no "+".
+    // The parser does not accept "+".
     return parseDouble(text.starts_with('+') ? text.substr(1) : text, &value) &&
            std::isfinite(value);
 }
