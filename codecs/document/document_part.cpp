@@ -52,16 +52,13 @@ DocumentPart DocumentPart::ofText(const QByteArray &text, const MarkerLists &mar
 void DocumentPart::addTexts(const MarkerLists &markers, bool joinsRuns)
 {
     const auto forms = markerForms(markers.texts, joinsRuns);
+    opc::TagTracker tags(m_text);
     for (const opc::MarkerHit &hit : opc::findMarkers(m_text, forms)) {
-        addText(hit, hit.marker % static_cast<int>(markers.texts.size()));
+        // The value of an attribute is escaped differently.
+        const auto kind = tags.isInTag(hit.begin) ? Slot::Kind::Attribute : Slot::Kind::Text;
+        const int column = hit.marker % static_cast<int>(markers.texts.size());
+        m_slots.push_back({hit.begin, hit.end, kind, column});
     }
-}
-
-void DocumentPart::addText(const opc::MarkerHit &hit, int column)
-{
-    const bool isInTag = opc::isInTag(m_text, hit.begin);
-    m_slots.push_back(
-        {hit.begin, hit.end, isInTag ? Slot::Kind::Attribute : Slot::Kind::Text, column});
 }
 
 void DocumentPart::addBoxes(const std::vector<Placeholder> &fitted)

@@ -79,9 +79,6 @@ private:
     // Add the slots of texts, and those of the numbers of all boxes and of one side of a box.
     void addTexts(const MarkerLists &markers, bool joinsRuns);
     void addBoxes(const std::vector<Placeholder> &fitted);
-    /// Add the slot of one marker. In a tag it is part of an attribute, whose value is escaped
-    /// differently.
-    void addText(const opc::MarkerHit &hit, int column);
     void addNumbers(const std::vector<NumberRange> &numbers, Slot::Kind kind, int box);
     /// Set the columns of the slots of one kind.
     void note(Slot::Kind kind, std::vector<bool> *used) const;

@@ -147,9 +147,10 @@ std::vector<TablePlace> findTablePlaces(QByteArrayView part, const std::vector<Q
 {
     std::vector<TablePlace> places;
     qsizetype copied = 0;
+    opc::TagTracker tags(part);
     for (const opc::MarkerHit &hit : opc::findMarkers(part, markers)) {
         // A table in an attribute would leave a document that no program opens.
-        if (opc::isInTag(part, hit.begin)) {
+        if (tags.isInTag(hit.begin)) {
             continue;
         }
         const qsizetype opener = openerBefore(part, copied, hit.begin);

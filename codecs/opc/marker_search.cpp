@@ -197,13 +197,18 @@ void keepSpace(QByteArrayView part, const TextPiece &moved, Splices &splices)
 
 } // namespace
 
-bool isInTag(QByteArrayView text, qsizetype at)
+bool TagTracker::isInTag(qsizetype at)
 {
-    const qsizetype open = text.first(at).lastIndexOf('<');
-    Tag tag;
-    qsizetype end = 0;
-    // Markup that is broken or skipped holds no text that a reader sees.
-    return open >= 0 && (scanMarkup(text, open, &tag, &end) != Scan::Tag || end > at);
+    const qsizetype open = m_text.sliced(m_at, at - m_at).lastIndexOf('<');
+    if (open >= 0) {
+        m_open = m_at + open;
+        Tag tag;
+        // Markup that is broken or skipped holds no text that a reader sees.
+        const bool isTag = scanMarkup(m_text, m_open, &tag, &m_end) == Scan::Tag;
+        m_end = isTag ? m_end : m_text.size();
+    }
+    m_at = at;
+    return m_open >= 0 && m_end > at;
 }
 
 std::vector<MarkerHit> findMarkers(QByteArrayView text, const std::vector<QByteArray> &markers)

@@ -25,8 +25,24 @@ struct MarkerHit
 /// wins, of several that begin together the first of the list. An empty marker is never found.
 std::vector<MarkerHit> findMarkers(QByteArrayView text, const std::vector<QByteArray> &markers);
 
-/// Whether the byte at `at` is inside a tag, and thus in an attribute, or in skipped markup.
-bool isInTag(QByteArrayView text, qsizetype at);
+/// Tells which offsets of a text are inside a tag, and thus in an attribute, or in skipped markup.
+/// The text must outlive it. Time: linear in the text for all offsets together.
+class TagTracker
+{
+public:
+    explicit TagTracker(QByteArrayView text)
+        : m_text(text)
+    {
+    }
+    /// `at` must not be less than in the call before.
+    bool isInTag(qsizetype at);
+
+private:
+    QByteArrayView m_text;
+    qsizetype m_at = 0;    // of the call before
+    qsizetype m_open = -1; // the last "<" before it
+    qsizetype m_end = 0;   // after the tag that begins there; the end of the text for other markup
+};
 
 /// The text between the tags of one text element, <w:t> or <a:t>; offsets in the part.
 struct TextPiece
