@@ -9,6 +9,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     }
     constexpr uint8_t kFormats = 5; // and a catalogue
     MemorySource source(QByteArrayView(data + 1, static_cast<qsizetype>(size - 1)));
+    stat::formatOfContent(source);
+    stat::isCatalogue(source);
     const uint8_t kind = data[0] % (kFormats + 1);
     const auto checked = kind == kFormats
                              ? stat::checkCatalogue(source)

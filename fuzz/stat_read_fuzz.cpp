@@ -6,6 +6,7 @@
 #include "codecs/stat/data_set_reader.h"
 #include "codecs/stat/header_check.h"
 #include "codecs/stat/label_reader.h"
+#include "codecs/stat/transport_member.h"
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -43,7 +44,12 @@ void readAll(QByteArrayView file, uint8_t flags)
         }
     }
     RowRing ring(kRingBytes);
-    DataSetReader reader(source, options, std::move(labels));
+    std::optional<TransportMember> member;
+    if (options.format == Format::SasTransport) {
+        member.emplace(source, readTransportLayout(source)->rowsAt); // the check has read it, too
+    }
+    ByteSource &rows = member ? static_cast<ByteSource &>(*member) : source;
+    DataSetReader reader(rows, options, std::move(labels));
     std::thread parser([&] {
         static_cast<void>(!reader.read(ring, [](const Dictionary &) {}));
         ring.finish();

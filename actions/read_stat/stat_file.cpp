@@ -1,13 +1,13 @@
 #include "actions/read_stat/stat_file.h"
 
 #include "actions/read_stat/stat_options.h"
+#include "base/nearest_name.h"
 #include "codecs/stat/header_check.h"
 #include "codecs/stat/label_reader.h"
 #include "io/input/whole_input.h"
 
-#include <unordered_set>
-
 #include <cstring>
+#include <unordered_set>
 
 using namespace Qt::StringLiterals;
 
@@ -70,20 +70,17 @@ FileSeries::Opened StatFile::open(ActionBase &action, const QString &name,
     if (!input->file.isOpen()) {
         return Fault{OpenError::Missing, input->file.reason()};
     }
-    const stat::Format format = statFormatOf(params, input->file);
+    const stat::Format named = statFormatOf(params, input->file);
     // The library moves back and forth in the file.
     auto source = randomAccess(std::move(input));
     if (!source) {
         return Fault{OpenError::Unreadable, source.fault().detail};
     }
+    const stat::Format format = statFormatOf(params, **source, named);
     std::unique_ptr<StatFile> file(new StatFile(action, name, *std::move(source),
                                                 statOptionsOf(params, format), params.bufferSize));
-    if (const auto checked = stat::checkHeader(*file->m_source, format); !checked) {
-        file->fail(checked.fault());
+    if (!file->checkContent(named) || !file->checkHeader()) {
         return Fault{OpenError::Failed};
-    }
-    if (format == stat::Format::Sas) {
-        file->warnDeletedRows();
     }
     const QString catalogue =
         params.catalogFile.isEmpty() ? QString() : action.expandFile(params.catalogFile);
@@ -93,21 +90,65 @@ FileSeries::Opened StatFile::open(ActionBase &action, const QString &name,
     return FileSeries::Opened(std::move(file));
 }
 
+/// A wrong name is not the user's fault in most cases, a wrong parameter is.
+bool StatFile::checkContent(stat::Format named)
+{
+    if (m_options.format != named) {
+        m_action.warn(
+            u"Warning: the content of the statistical file '%1' is that of %2, not of %3: it is read as such\n"_s
+                .arg(m_name, stat::nameOf(m_options.format), stat::nameOf(named)));
+    }
+    if (const auto content = stat::formatOfContent(*m_source);
+        content && *content != m_options.format) {
+        return m_action.fail(
+            u"ERROR: cannot read the statistical file '%1': its content is that of %2, but the parameter 'fileFormat' says %3\n"_s
+                .arg(m_name, stat::nameOf(*content), stat::nameOf(m_options.format)));
+    }
+    return !stat::isCatalogue(*m_source) ||
+           m_action.fail(
+               u"ERROR: cannot read the statistical file '%1': it is a SAS catalogue (.sas7bcat), which has value labels but no rows. The parameter 'catalogFile' can name it\n"_s
+                   .arg(m_name));
+}
+
+bool StatFile::checkHeader()
+{
+    if (const auto checked = stat::checkHeader(*m_source, m_options.format); !checked) {
+        return fail(checked.fault());
+    }
+    if (m_options.format == stat::Format::Sas) {
+        warnDeletedRows();
+    }
+    if (m_options.format == stat::Format::SasTransport) {
+        const auto layout = stat::readTransportLayout(*m_source);
+        if (!layout) {
+            return fail(layout.fault());
+        }
+        m_transport = *layout;
+        m_member = std::make_unique<stat::TransportMember>(*m_source, m_transport.rowsAt);
+    }
+    return true;
+}
+
 /// Read the value labels if they are wanted. Those of SAS are in a file of their own.
 bool StatFile::readLabels(const QString &catalogue)
 {
     if (!m_options.extractLabels) {
         return true;
     }
-    if (!catalogue.isEmpty()) {
-        return readCatalogue(catalogue);
+    if (!stat::isOfSas(m_options.format)) {
+        return readOwnLabels();
     }
-    if (m_options.format == stat::Format::Sas || m_options.format == stat::Format::SasTransport) {
+    if (catalogue.isEmpty()) {
         m_action.warn(
             u"Warning: the statistical file '%1' has no value labels, because those of SAS are in a catalogue: the values are read. The parameter 'catalogFile' names the catalogue\n"_s
                 .arg(m_name));
         return true;
     }
+    return readCatalogue(catalogue);
+}
+
+bool StatFile::readOwnLabels()
+{
     auto labels = stat::readLabelSets(*m_source, m_options.format, m_options.encoding);
     if (!labels) {
         return fail(labels.fault());
@@ -128,6 +169,11 @@ bool StatFile::readCatalogue(const QString &name)
         return m_action.fail(u"ERROR: cannot open the catalogue '%1'\n"_s.arg(name),
                              source.fault().detail);
     }
+    if (const auto content = stat::formatOfContent(**source)) {
+        return m_action.fail(
+            u"ERROR: cannot read the catalogue '%1': it is %2, not a SAS catalogue (.sas7bcat)\n"_s
+                .arg(name, stat::nameOf(*content)));
+    }
     const auto checked = stat::checkCatalogue(**source);
     auto labels = checked ? stat::readCatalogue(**source, m_options.encoding)
                           : Result<stat::LabelSets, stat::Error>(checked.fault());
@@ -145,7 +191,8 @@ bool StatFile::readCatalogue(const QString &name)
 /// Start the thread and wait for its first signal.
 bool StatFile::startParser()
 {
-    m_reader = std::make_unique<stat::DataSetReader>(*m_source, m_options, std::move(m_labels));
+    ByteSource &source = m_member ? static_cast<ByteSource &>(*m_member) : *m_source;
+    m_reader = std::make_unique<stat::DataSetReader>(source, m_options, std::move(m_labels));
     const auto columnsKnown = m_columnsPromise.get_future();
     m_thread = std::thread([this] { parse(); });
     columnsKnown.wait();
@@ -153,9 +200,12 @@ bool StatFile::startParser()
         m_thread.join();
         return fail(m_outcome.fault());
     }
-    if (const QStringList &missing = m_reader->missingColumns(); !missing.isEmpty()) {
-        return m_action.fail(u"ERROR: the statistical file '%1' has no column '%2'\n"_s.arg(
-            m_name, missing.first()));
+    for (const QString &missing : m_reader->missingColumns()) {
+        m_action.fail(u"ERROR: the statistical file '%1' has no column '%2'%3\n"_s.arg(
+            m_name, missing, closeNameHint(missing, m_reader->skippedColumns())));
+    }
+    if (!m_action.runIsGood()) {
+        return false;
     }
     if (const qint64 rows = m_reader->dictionary().rows; rows >= 0) {
         logRowCount(rows);
@@ -210,6 +260,26 @@ void StatFile::warnDeletedRows() const
             u"Warning: %2 rows of the statistical file '%1' are marked as deleted; they are read too\n"_s
                 .arg(m_name, QString::number(rows)));
     }
+}
+
+/// The other data sets have columns of their own. The library would read their headers as rows.
+bool StatFile::checkEndOfTransport()
+{
+    const qint64 rows = m_reader->rowsRead();
+    const bool isAtLimit = m_options.maxRows > 0 && rows >= m_options.maxRows;
+    if (!isAtLimit && m_member && m_member->hasMore()) {
+        return m_action.fail(
+            u"ERROR: the statistical file '%1' has further data sets after %2 rows, which cannot be read; maxRows='%2' reads the first one\n"_s
+                .arg(m_name, QString::number(rows)));
+    }
+    // The library treats rows of blanks at the end as padding.
+    const qint64 missing = m_transport.rows - rows;
+    if (!isAtLimit && missing > 0) {
+        m_action.warn(
+            u"Warning: the last %2 rows of the statistical file '%1' have only missing texts and are not read\n"_s
+                .arg(m_name, QString::number(missing)));
+    }
+    return true;
 }
 
 /// Two variables may have the same label.
@@ -276,6 +346,9 @@ bool StatFile::finishRows(Found *found)
     if (m_reader->dictionary().rows < 0) {
         logRowCount(m_reader->rowsRead());
     }
+    if (!checkEndOfTransport()) {
+        return false;
+    }
     *found = Found::End;
     return true;
 }
@@ -302,6 +375,11 @@ void StatFile::beforeClose()
     if (const Occurrences &values = findings.badDates; values.any()) {
         m_action.warn(
             u"Warning: %2 values of the statistical file '%1' are not dates of the years 1 to 9999 and are read as numbers; the first is in %3\n"_s
+                .arg(m_name, QString::number(values.count()), values.first()));
+    }
+    if (const Occurrences &values = findings.lostLabels; values.any()) {
+        m_action.warn(
+            u"Warning: %2 missing values of the statistical file '%1' have a label, which is not read because the cells are missing; the first is in %3. Without extractLabels, schema shows these labels\n"_s
                 .arg(m_name, QString::number(values.count()), values.first()));
     }
     if (const Occurrences &values = findings.userMissing; values.any()) {

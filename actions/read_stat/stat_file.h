@@ -4,6 +4,7 @@
 #include "actions/shared/file_series.h"
 #include "codecs/stat/data_set_reader.h"
 #include "codecs/stat/row_ring.h"
+#include "codecs/stat/transport_member.h"
 
 #include <future>
 #include <memory>
@@ -37,7 +38,12 @@ private:
              stat::ReadOptions options, int bufferMiB);
 
     // Functions that return a bool return false when the run has failed or ended.
+    /// Compare the content with the format that the name or the parameters say, `named`.
+    bool checkContent(stat::Format named);
+    /// Check the parts before the rows.
+    bool checkHeader();
     bool readLabels(const QString &catalogue);
+    bool readOwnLabels();
     bool readCatalogue(const QString &name);
     bool startParser();
     void parse() noexcept;
@@ -45,6 +51,7 @@ private:
     void copyRow(const uchar *const *cells, OneRow &row);
     // After the last row: report the outcome of the parser.
     bool finishRows(Found *found);
+    bool checkEndOfTransport();
     void logRowCount(qint64 rows) const;
     void logLibraryMessages();
     void warnDeletedRows() const;
@@ -59,6 +66,8 @@ private:
     bool m_isReported = false; // the messages of the library
     // Members are destroyed in reverse order: each uses those above it.
     const std::unique_ptr<ByteSource> m_source;
+    stat::TransportLayout m_transport;               // of a transport file
+    std::unique_ptr<stat::TransportMember> m_member; // reads m_source; null for other files
     stat::RowRing m_ring;
     std::unique_ptr<stat::DataSetReader> m_reader; // null before startParser()
     // Written by the thread: m_areColumnsKnown until it keeps the promise, m_outcome until it has

@@ -1,5 +1,7 @@
 #include "actions/read_stat/stat_options.h"
 
+#include "codecs/stat/header_check.h"
+
 #include <algorithm>
 #include <array>
 
@@ -50,7 +52,18 @@ QString dataSetName(const InputFile &input)
     return input.name();
 }
 
+/// A saved graph may have any number; those of no format are as OfEnding.
+bool namesFormat(const ReadStatParams &params)
+{
+    return params.fileFormat >= StatFormat::Sas && params.fileFormat <= StatFormat::SasTransport;
+}
+
 } // namespace
+
+stat::Format statFormatOf(const ReadStatParams &params, ByteSource &source, stat::Format named)
+{
+    return namesFormat(params) ? named : stat::formatOfContent(source).value_or(named);
+}
 
 stat::Format statFormatOf(const ReadStatParams &params, const InputFile &input)
 {

@@ -161,6 +161,8 @@ int DataSetReader::useVariable(int index, readstat_variable_t *handle, const cha
         m_missing.removeAll(variable.name);
         m_columnOf.back() = static_cast<int>(m_columns.size());
         addColumn(variable, handle);
+    } else {
+        m_skipped << variable.name;
     }
     if (index + 1 == m_variableCount) {
         announceColumns();
@@ -172,8 +174,7 @@ int DataSetReader::useVariable(int index, readstat_variable_t *handle, const cha
 void DataSetReader::addColumn(const Variable &variable, readstat_variable_t *handle)
 {
     ColumnPlan plan;
-    plan.name =
-        m_options.namesFromLabels && !variable.label.isEmpty() ? variable.label : variable.name;
+    plan.name = m_options.columnName(variable);
     plan.labels = m_options.extractLabels ? labelsOf(variable) : nullptr;
     plan.date = m_options.formatDates ? variable.date : DateKind::None;
     plan.hasMissingRanges = readstat_variable_get_missing_ranges_count(handle) > 0;

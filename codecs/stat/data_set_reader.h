@@ -31,6 +31,12 @@ struct ReadOptions
     bool formatDates = false;                   ///< cells of dates and times are ISO 8601 text
     QStringList columns;                        ///< names of the variables to read; empty: all
     qint64 maxRows = 0;                         ///< rows after which reading ends; 0: no limit
+
+    /// The name of the column of a variable.
+    QString columnName(const Variable &variable) const
+    {
+        return namesFromLabels && !variable.label.isEmpty() ? variable.label : variable.name;
+    }
 };
 
 /// For one file. Threads: read() on one thread; the functions marked "any" from any, at any time;
@@ -56,6 +62,8 @@ public:
     const std::vector<ColumnPlan> &columns() const { return m_columns; }
     /// Names of ReadOptions::columns that the file does not have.
     const QStringList &missingColumns() const { return m_missing; }
+    /// Names of the variables that are not selected.
+    const QStringList &skippedColumns() const { return m_skipped; }
     /// Messages of the library, in order. At most a hundred.
     const QStringList &messages() const { return m_messages; }
     const Findings &findings() const;
@@ -76,7 +84,7 @@ private:
     void useRowCount(qint64 rows);
     bool openDecoder(const QString &encoding);
     bool refuse(Fault<Error> fault);
-    /// Returns whether the library is to read or to skip the values of the variable.
+    /// Returns the code by which the library reads or skips the values of the variable.
     int useVariable(int index, readstat_variable_t *variable, const char *labelSet);
     bool putValue(qint64 row, readstat_variable_t *variable, const readstat_value_t &value);
     bool beginRow(qint64 row);
@@ -96,6 +104,7 @@ private:
     std::optional<TextDecoder> m_decoder;
     Dictionary m_dictionary;
     QStringList m_missing;
+    QStringList m_skipped;
     QStringList m_messages;
     std::vector<int> m_columnOf; // by index of the variable in the file; -1: not selected
     std::vector<ColumnPlan> m_columns;

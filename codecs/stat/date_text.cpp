@@ -444,8 +444,7 @@ DateKind dateKindOf(Format format, const QString &variableFormat)
     }
     const QByteArray upper = variableFormat.toUpper().toUtf8();
     const std::string_view name = nameOf({upper.constData(), static_cast<size_t>(upper.size())});
-    return format == Format::Sas || format == Format::SasTransport ? sasKind(name)
-                                                                   : find(kSpssFormats, name);
+    return isOfSas(format) ? sasKind(name) : find(kSpssFormats, name);
 }
 
 int putDateText(DateKind kind, double number, char *out)

@@ -20,6 +20,12 @@ enum class Format : quint8 {
     SasTransport ///< .xpt, versions 5 to 9
 };
 
+/// Whether the formats of its variables are those of SAS, and its value labels in a catalogue.
+inline bool isOfSas(Format format)
+{
+    return format == Format::Sas || format == Format::SasTransport;
+}
+
 /// Labels of values that variables share. Keys are numbers, or bytes of texts without the blanks at
 /// their end.
 struct LabelSet

@@ -9,6 +9,8 @@
 #include "codecs/stat/dictionary.h"
 #include "codecs/stat/error.h"
 
+#include <optional>
+
 namespace corvanta::stat {
 
 /// Check the parts of a data set before its rows. `source` seeks at no cost and knows its size; its
@@ -28,11 +30,24 @@ qint64 deletedSasRows(ByteSource &source);
 /// that has passed checkHeader().
 bool hasLongUtf8Texts(ByteSource &source);
 
+// File names can be wrong. Each format but the portable one begins with bytes that no other has.
+
+/// The format of the content; nothing if it is none of the known ones, or cannot be read. `source`
+/// seeks at no cost; its position changes.
+std::optional<Format> formatOfContent(ByteSource &source);
+
+/// Whether the content is a SAS catalogue (.sas7bcat). `source` is used as above.
+bool isCatalogue(ByteSource &source);
+
+/// What a file of the format is called in messages: "a Stata file (.dta)".
+QString nameOf(Format format);
+
 // The checks of the formats; checkHeader() chooses one.
 
 Result<void, Error> checkSav(ByteSource &source);
 Result<void, Error> checkStata(ByteSource &source);
 Result<void, Error> checkSas(ByteSource &source);
 Result<void, Error> checkPor(ByteSource &source);
+Result<void, Error> checkTransport(ByteSource &source);
 
 } // namespace corvanta::stat

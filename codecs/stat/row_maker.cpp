@@ -32,6 +32,12 @@ inline double numberOf(const readstat_value_t &value)
     return cell::missingDouble();
 }
 
+/// The text of a string; null is how the library delivers the empty strL of a Stata file.
+const char *textOf(const readstat_value_t &value)
+{
+    return value.v.string_value == nullptr ? "" : value.v.string_value;
+}
+
 /// One cell for all missing values of a type, outside the ring.
 const uchar *missingCell(cell::Type type)
 {
@@ -66,7 +72,10 @@ bool RowMaker::put(int column, const readstat_value_t &value, readstat_variable_
 {
     const ColumnPlan &plan = m_columns[static_cast<size_t>(column)];
     const bool isText = value.type == READSTAT_TYPE_STRING;
-    if (isMissing(plan, value, variable) || (isText && value.v.string_value == nullptr)) {
+    if (isMissing(plan, value, variable)) {
+        if (plan.labels != nullptr) {
+            noteLabel(plan, value);
+        }
         m_ring.setCell(column, missingCell(plan.type));
         return true;
     }
@@ -75,13 +84,13 @@ bool RowMaker::put(int column, const readstat_value_t &value, readstat_variable_
     }
     if (plan.labels != nullptr) {
         const uchar *const label =
-            isText ? plan.labels->find(value.v.string_value) : plan.labels->find(numberOf(value));
+            isText ? plan.labels->find(textOf(value)) : plan.labels->find(numberOf(value));
         if (label != nullptr) {
             m_ring.setCell(column, label);
             return true;
         }
     }
-    return isText ? putText(column, value.v.string_value) : putOwn(column, numberOf(value));
+    return isText ? putText(column, textOf(value)) : putOwn(column, numberOf(value));
 }
 
 /// The cell is the number itself, in the byte order of the machine.
@@ -153,6 +162,22 @@ bool RowMaker::putAscii(int column, const char *text, int n)
 }
 
 // ---- Findings.
+
+/// Missing values stay missing, also if they have a label.
+void RowMaker::noteLabel(const ColumnPlan &plan, const readstat_value_t &value)
+{
+    bool hasLabel = false;
+    if (value.is_tagged_missing) {
+        hasLabel = plan.labels->hasTag(value.tag);
+    } else if (value.type == READSTAT_TYPE_STRING) {
+        hasLabel = plan.labels->find(textOf(value)) != nullptr;
+    } else {
+        hasLabel = plan.labels->find(numberOf(value)) != nullptr;
+    }
+    if (hasLabel) {
+        m_findings.lostLabels.add([&] { return place(plan); });
+    }
+}
 
 void RowMaker::countLoss(Decoded result, const ColumnPlan &plan)
 {

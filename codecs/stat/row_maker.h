@@ -20,6 +20,7 @@ struct Findings
     Occurrences replacedTexts; ///< with bytes that are invalid in the encoding
     Occurrences cutTexts;      ///< that end in an incomplete character
     Occurrences userMissing;   ///< values that the file declares to be missing
+    Occurrences lostLabels;    ///< missing values with a label, where labels are read
     Occurrences badDates;      ///< that the calendar does not have; they are read as numbers
 };
 
@@ -63,6 +64,8 @@ private:
     /// Whether the cell is empty: a system-missing value, or one that the user declared as missing.
     bool isMissing(const ColumnPlan &plan, const readstat_value_t &value,
                    readstat_variable_t *variable);
+    // The value is missing.
+    void noteLabel(const ColumnPlan &plan, const readstat_value_t &value);
     // Findings keep the place of the first one; it is put into words only then.
     /// Count a text that was not decoded completely.
     void countLoss(Decoded result, const ColumnPlan &plan);

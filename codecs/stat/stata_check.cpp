@@ -3,7 +3,10 @@
 //   until 116  version (uint8), byte order (1 big, 2 little), file type, unused,
 //              variables (uint16), rows (uint32), label, time; then a type code per variable
 //   from 117   "<stata_dta><header><release>117</release><byteorder>LSF</byteorder><K>...</K>
-//              <N>...</N>"; variables uint16 (119: uint32), rows uint32 (from 118: uint64)
+//              <N>...</N><label>...</label><timestamp>...</timestamp></header><map>"; variables
+//              uint16 (119: uint32), rows uint32 (from 118: uint64), sizes of the label uint16
+//              (117: uint8) and of the time uint8; the map has offsets (uint64), of which the
+//              third is that of "<variable_types>" with a uint16 per variable, 32768 for a strL
 //
 // Public description: "help dta" of Stata.
 #include "codecs/stat/checked_reader.h"
@@ -12,6 +15,8 @@
 namespace corvanta::stat {
 
 namespace {
+
+constexpr int kNewestRelease = 119;
 
 /// A row has at least one byte per variable, and a file all of its rows.
 Result<void, Error> checkCounts(const CheckedReader &in, qint64 variables, quint64 rows)
@@ -30,6 +35,28 @@ Result<void, Error> checkCounts(const CheckedReader &in, qint64 variables, quint
     return {};
 }
 
+/// The library does not find the texts of strL variables in files of version 119, and would deliver
+/// empty ones. The reader is after the number of rows.
+Result<void, Error> checkNoLongTexts(CheckedReader &in, qint64 variables)
+{
+    constexpr quint16 kLongText = 32768;
+    in.skip(static_cast<qint64>(sizeof("</N><label>") - 1));
+    in.skip(in.number<quint16>());
+    in.skip(static_cast<qint64>(sizeof("</label><timestamp>") - 1));
+    in.skip(in.number<quint8>());
+    in.skip(static_cast<qint64>(sizeof("</timestamp></header><map>") - 1 + 2 * sizeof(quint64)));
+    in.seek(static_cast<qint64>(in.number<quint64>()));
+    in.skip(static_cast<qint64>(sizeof("<variable_types>") - 1));
+    for (qint64 i = 0; i < variables && in.isGood(); ++i) {
+        if (in.number<quint16>() == kLongText) {
+            return Fault{Error::Damaged,
+                         QStringLiteral("long texts (strL) in files of version 119 are not "
+                                        "supported: save the file as version 118 or older")};
+        }
+    }
+    return in.hasFailed() ? Result<void, Error>(Fault{Error::Unreadable}) : Result<void, Error>();
+}
+
 /// `release` is that of the file; the reader is after "<byteorder>".
 Result<void, Error> checkTagged(CheckedReader &in, int release)
 {
@@ -38,7 +65,8 @@ Result<void, Error> checkTagged(CheckedReader &in, int release)
     const qint64 variables = release >= 119 ? in.number<quint32>() : in.number<quint16>();
     in.skip(static_cast<qint64>(sizeof("</K><N>") - 1));
     const quint64 rows = release >= 118 ? in.number<quint64>() : in.number<quint32>();
-    return checkCounts(in, variables, rows);
+    auto checked = checkCounts(in, variables, rows);
+    return checked && release >= kNewestRelease ? checkNoLongTexts(in, variables) : checked;
 }
 
 } // namespace
@@ -56,7 +84,8 @@ Result<void, Error> checkStata(ByteSource &source)
     }
     CheckedReader old(source);
     const QByteArray start = old.bytes(4);
-    if (!old.isGood()) { // the library reports that it is not a data set
+    // The library reports that it is not a data set.
+    if (!old.isGood() || (start[1] != 1 && start[1] != 2)) {
         return {};
     }
     old.setBigEndian(start[1] == 1);

@@ -47,7 +47,9 @@ ValueLabels::ValueLabels(const LabelSet &set)
     for (const LabelSet::Entry &entry : set.entries) {
         if (entry.isText) {
             m_byText.emplace(entry.text, textCell(entry.label));
-        } else if (entry.tag == 0) {
+        } else if (entry.tag != 0) {
+            m_tags += entry.tag;
+        } else {
             m_byNumber.emplace(keyOf(entry.number), textCell(entry.label));
         }
     }

@@ -24,10 +24,13 @@ public:
     const uchar *find(double number) const;
     /// `text` is as the file has it, without the blanks at its end.
     const uchar *find(std::string_view text) const;
+    /// Whether the missing value with this tag has a label.
+    bool hasTag(char tag) const { return m_tags.contains(tag); }
 
 private:
     std::unordered_map<quint64, QByteArray> m_byNumber; // the key is the bits of the number
     std::unordered_map<QByteArray, QByteArray> m_byText;
+    QByteArray m_tags; // of missing values with a label
 };
 
 } // namespace corvanta::stat

@@ -22,10 +22,11 @@ REFUSED = {
     "stat/sas7bdat/corrupt.sas7bdat": "",
     "stat/sas7bdat/invalid_lengths.sas7bdat": "",
     "stat/sas7bdat/sas_infinite_loop.sas7bdat": "",
-    "stat/xpt/example.xpt": "",
+    "stat/xpt/example.xpt": "its data set has no variables",
+    # pandas and haven read the headers of the other data sets as rows.
+    "stat/testEmpty.xpt": "has further data sets after 2 rows",
+    "stat/xpt/sasxport_datetime.xpt": "has further data sets after 5 rows",
 }
-# pandas ends before the last row, which is not padding.
-MORE_ROWS = {"stat/xpt/sasxport_datetime.xpt": 1}
 
 
 def manifest():
@@ -78,7 +79,7 @@ def compare(name, rows, golden):
         theirs = table(file)
     may_differ = ".foreign." in golden.name
     problems = []
-    if len(rows) != len(theirs) + MORE_ROWS.get(name, 0):
+    if len(rows) != len(theirs):
         problems.append(f"{len(rows) - 1} rows instead of {len(theirs) - 1}")
     columns = len(rows[0])
     for number, (our_row, their_row) in enumerate(zip(rows[1:], theirs[1:]), 1):

@@ -43,6 +43,13 @@ write_dta(data.frame(day, moment, w = formatted(c(0, 52, 53), "format.stata", "%
   left = formatted(c(0, 1, 2), "format.stata", "%-td"), business = formatted(c(0, 1, 2), "format.stata", "%tbnyse"),
   number = formatted(c(1, 2, 3), "format.stata", "%9.0g")), file.path(d, "d.dta"))
 
+# Labels of missing values.
+d <- folder("labels_of_missing")
+answer <- labelled(c(1, 2, tagged_na("a", "b"), NA), c(yes = 1, no = 2, refused = tagged_na("a")))
+write_dta(data.frame(answer), file.path(d, "m.dta"))
+write_sav(data.frame(sex = labelled_spss(c(1, 2, 9, 8), sex, na_values = c(8, 9)), code = labelled_spss(c("A", "B", "X", "A"), c(a = "A", none = "X"), na_values = "X")),
+  file.path(d, "m.sav"))
+
 # Several files, and what differs between them.
 d <- folder("names_from_pin")
 write_sav(data.frame(a = c(1, 2)), file.path(d, "one.sav")); write_dta(data.frame(a = 3), file.path(d, "two.DTA"))
@@ -72,9 +79,13 @@ s <- data.frame(id = c(1, NA, 3), sex = formatted(c(1, 2, 3), "format.sas", "SEX
 suppressWarnings(write_sas(s, file.path(d, "s.sas7bdat")))
 for (case in c("catalogue_none", "catalogue_missing", "catalogue_damaged")) file.copy(file.path(d, "s.sas7bdat"), folder(case), overwrite = TRUE)
 
+bytes <- readBin("sas/s.sas7bdat", "raw", file.size("sas/s.sas7bdat"))
+bytes[16] <- as.raw(0x63) # a catalogue without labels
+writeBin(bytes, "catalogue_none/empty.sas7bcat")
+
 # A header with deleted rows: word 7 of the subheader of the rows. A very long text with a segment of bytes 0.
 d <- folder("rows_deleted")
-bytes <- readBin("sas/s.sas7bdat", "raw", file.size("sas/s.sas7bdat"))
+bytes[16] <- as.raw(0x60)
 bytes[11480 + 7 * 8 + 1] <- as.raw(2)
 writeBin(bytes, file.path(d, "s.sas7bdat"))
 d <- folder("segment_of_zeros")
