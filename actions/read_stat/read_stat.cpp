@@ -27,6 +27,12 @@ QVector<ColumnNotes> ActionReadStat::columnNotes()
     return files.isEmpty() ? QVector<ColumnNotes>() : statNotes(*this, files.first(), m_params);
 }
 
+DateColumns ActionReadStat::dateColumns()
+{
+    const QStringList files = namedFiles();
+    return files.isEmpty() ? DateColumns() : statDateColumns(*this, files.first(), m_params);
+}
+
 // ---- Before the first row.
 
 QStringList ActionReadStat::namedFiles() const

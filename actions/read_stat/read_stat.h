@@ -25,6 +25,8 @@ public:
     QStringList inputs() const override;
     /// Those of the first file.
     QVector<ColumnNotes> columnNotes() override;
+    /// Those of the first file, too.
+    DateColumns dateColumns() override;
     /// Ends the waits of both threads.
     void wakeAll() override { m_series.stop(); }
 

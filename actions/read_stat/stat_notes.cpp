@@ -83,9 +83,56 @@ stat::LabelSets setsOfCatalogue(const ActionBase &action, const ReadStatParams &
 stat::LabelSets readSets(const ActionBase &action, ByteSource &source, stat::Format format,
                          const ReadStatParams &params)
 {
-    return params.catalogFile.isEmpty()
+    return params.catalogFile.isEmpty() || !stat::isOfSas(format)
                ? orNone(stat::readLabelSets(source, format, params.encoding))
                : setsOfCatalogue(action, params);
+}
+
+/// A data set whose header is good, and its dictionary.
+struct OpenDataSet
+{
+    stat::Format format;
+    std::unique_ptr<LookedAt> file; // the source uses its control
+    std::unique_ptr<ByteSource> source;
+    stat::Dictionary dictionary;
+};
+
+std::optional<OpenDataSet> openDataSet(const ActionBase &action, const QString &name,
+                                       const ReadStatParams &params)
+{
+    auto file = std::make_unique<LookedAt>(action, name);
+    const stat::Format named = statFormatOf(params, file->input->file);
+    auto source = file->open();
+    if (!source) {
+        return std::nullopt;
+    }
+    const stat::Format format = statFormatOf(params, *source, named);
+    if (!stat::checkHeader(*source, format)) {
+        return std::nullopt;
+    }
+    auto dictionary = stat::readDictionary(*source, statOptionsOf(params, format));
+    if (!dictionary) {
+        return std::nullopt;
+    }
+    return OpenDataSet{format, std::move(file), std::move(source), *std::move(dictionary)};
+}
+
+/// The list for a kind of date; null for a number.
+QStringList *listOf(stat::DateKind kind, DateColumns &columns)
+{
+    switch (kind) {
+    case stat::DateKind::None:
+        return nullptr;
+    case stat::DateKind::SasDateTime:
+    case stat::DateKind::SpssDateTime:
+    case stat::DateKind::StataClock:
+    case stat::DateKind::StataLeapClock:
+        return &columns.dateTimes;
+    case stat::DateKind::Time:
+        return &columns.times;
+    default:
+        return &columns.dates;
+    }
 }
 
 } // namespace
@@ -93,24 +140,37 @@ stat::LabelSets readSets(const ActionBase &action, ByteSource &source, stat::For
 QVector<ColumnNotes> statNotes(const ActionBase &action, const QString &name,
                                const ReadStatParams &params)
 {
-    LookedAt file(action, name);
-    const stat::Format format = statFormatOf(params, file.input->file);
-    const auto source = file.open();
-    if (!source || !stat::checkHeader(*source, format)) {
+    const auto file = openDataSet(action, name, params);
+    const auto decoder = encoding::TextDecoder::open(file ? file->dictionary.encoding : QString());
+    if (!file || !decoder) {
         return {};
     }
-    const auto dictionary = stat::readDictionary(*source, statOptionsOf(params, format));
-    const auto decoder = encoding::TextDecoder::open(dictionary ? dictionary->encoding : QString());
-    if (!dictionary || !decoder) {
-        return {};
-    }
-    const stat::LabelSets sets = readSets(action, *source, format, params);
+    const stat::LabelSets sets = readSets(action, *file->source, file->format, params);
     QVector<ColumnNotes> notes;
-    for (const stat::Variable &variable : dictionary->variables) {
+    for (const stat::Variable &variable : file->dictionary.variables) {
         notes << ColumnNotes{variable.label, variable.format,
                              labelsOf(sets, variable.labelSet, *decoder)};
     }
     return notes;
+}
+
+DateColumns statDateColumns(const ActionBase &action, const QString &name,
+                            const ReadStatParams &params)
+{
+    DateColumns columns;
+    const auto file = params.formatDates ? openDataSet(action, name, params) : std::nullopt;
+    if (!file) {
+        return columns;
+    }
+    const stat::ReadOptions options = statOptionsOf(params, file->format);
+    const bool mayHaveLabels = params.extractLabels && !stat::isOfSas(file->format);
+    for (const stat::Variable &variable : file->dictionary.variables) {
+        const bool hasLabels = mayHaveLabels && !variable.labelSet.isEmpty();
+        if (QStringList *const list = hasLabels ? nullptr : listOf(variable.date, columns)) {
+            *list << options.columnName(variable);
+        }
+    }
+    return columns;
 }
 
 } // namespace corvanta

@@ -1,4 +1,4 @@
-// What a data set says about its variables, for a user who looks at the file.
+// What a data set says about its variables, for hosts that look at the file before a run.
 #pragma once
 #include "actions/read_stat/read_stat_params.h"
 #include "corvanta/action_base.h"
@@ -9,5 +9,9 @@ namespace corvanta {
 /// Logs nothing; what cannot be read has no notes. Outside runs. `action` expands file names.
 QVector<ColumnNotes> statNotes(const ActionBase &action, const QString &name,
                                const ReadStatParams &params);
+
+/// The columns of `name` that the run reads as ISO 8601 texts; none without formatDates. As above.
+DateColumns statDateColumns(const ActionBase &action, const QString &name,
+                            const ReadStatParams &params);
 
 } // namespace corvanta

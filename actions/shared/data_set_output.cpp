@@ -1,6 +1,8 @@
 // The columns of the input that are written have one index, from 0, in all lists of this file.
 #include "actions/shared/data_set_output.h"
 
+#include "base/nearest_name.h"
+#include "codecs/stat/date_text.h"
 #include "corvanta/failure_reason.h"
 
 #include <algorithm>
@@ -20,7 +22,43 @@ const Named *findByName(const std::vector<Named> &all, const QString &name)
     return found != all.end() ? &*found : nullptr;
 }
 
+/// The names of `all` that are not columns of the input.
+template <typename Named>
+Occurrences unknownNames(const std::vector<Named> &all, const OneRow &columns)
+{
+    Occurrences unknown;
+    for (const Named &element : all) {
+        if (columns.getIndexOfColumn(element.name) < 0) {
+            unknown.add([&] { return element.name; });
+        }
+    }
+    return unknown;
+}
+
+/// Adds to `variables` what shows `columns` in `format`; a format of the user stays.
+void addFormat(const QStringList &columns, const QString &format,
+               std::vector<VariableDefinition> *variables)
+{
+    for (const QString &column : columns) {
+        const auto found =
+            std::find_if(variables->begin(), variables->end(),
+                         [&](const VariableDefinition &defined) { return defined.name == column; });
+        if (found == variables->end()) {
+            variables->push_back({.name = column, .format = format});
+        } else if (found->format.isEmpty()) {
+            found->format = format;
+        }
+    }
+}
+
 } // namespace
+
+void DataSetOutput::addDateFormats(const DateColumns &columns, DataSetParams *params)
+{
+    addFormat(columns.dates, u"DATE9."_s, &params->variables);
+    addFormat(columns.dateTimes, u"DATETIME20."_s, &params->variables);
+    addFormat(columns.times, u"TIME8."_s, &params->variables);
+}
 
 void DataSetOutput::start()
 {
@@ -78,19 +116,42 @@ void DataSetOutput::warnNames()
     }
 }
 
-/// A misspelled name would lose its label and format in silence.
+/// A misspelled name would lose its width, label and format silently.
 void DataSetOutput::warnDefinitions(const OneRow &columns)
 {
-    Occurrences unknown;
-    for (const VariableDefinition &defined : dataSetParams().variables) {
-        if (columns.getIndexOfColumn(defined.name) < 0) {
-            unknown.add([&] { return defined.name; });
-        }
+    warnUnknown(u"StringColDef"_s, unknownNames(dataSetParams().stringColumns, columns), columns);
+    warnUnknown(u"VariableDef"_s, unknownNames(dataSetParams().variables, columns), columns);
+}
+
+void DataSetOutput::warnUnknown(const QString &parameter, const Occurrences &unknown,
+                                const OneRow &columns)
+{
+    if (!unknown.any()) {
+        return;
     }
-    if (unknown.any()) {
-        warn(
-            u"Warning: writing %1 '%2': %3 columns of VariableDef are not in the input; the first is '%4'\n"_s
-                .arg(fileKind(), fileName(), QString::number(unknown.count()), unknown.first()));
+    QStringList known;
+    for (int i = 0; i < columns.numberOfColumns(); ++i) {
+        known << columns.colName(i);
+    }
+    warn(u"Warning: writing %1 '%2': %3 columns of %4 are not in the input; the first is '%5'%6\n"_s
+             .arg(fileKind(), fileName(), QString::number(unknown.count()), parameter,
+                  unknown.first(), closeNameHint(unknown.first(), known)));
+}
+
+/// What the format of a text column counts; None for a text.
+sas::DateUnit DataSetOutput::dateUnitOf(const QString &column) const
+{
+    const VariableDefinition *const defined = definitionOf(column);
+    switch (stat::dateKindOf(stat::Format::Sas, defined != nullptr ? defined->format : QString())) {
+    case stat::DateKind::SasDate:
+        return sas::DateUnit::Days;
+    case stat::DateKind::SasDateTime:
+    case stat::DateKind::SasDateOfSeconds:
+        return sas::DateUnit::Seconds;
+    case stat::DateKind::Time:
+        return sas::DateUnit::Time;
+    default:
+        return sas::DateUnit::None;
     }
 }
 
@@ -124,9 +185,12 @@ bool DataSetOutput::findWidths(const OneRow &columns, const QVector<int> &inputs
     m_run->isMeasured.resize(m_run->variables.size());
     for (size_t i = 0; i < m_run->variables.size(); ++i) {
         const int input = inputs[static_cast<qsizetype>(i)];
-        sas::PackedColumn column{input, columns.getMetaType(input).cellType(), 0};
+        sas::PackedColumn column{input, columns.getMetaType(input).cellType()};
+        if (column.type == cell::Type::Text) {
+            column.date = dateUnitOf(columnName(i));
+        }
         sas::Variable &variable = m_run->variables[i];
-        variable.isText = column.type == cell::Type::Text;
+        variable.isText = column.type == cell::Type::Text && column.date == sas::DateUnit::None;
         if (variable.isText) {
             if (!chooseWidth(i, &column)) {
                 return false;
@@ -307,6 +371,7 @@ void DataSetOutput::complete()
         warnCutTexts();
         warnReplaced();
         warnNotNumbers();
+        warnNotDates();
         reportRows(*m_run->writer);
     }
 }
@@ -357,6 +422,21 @@ void DataSetOutput::warnNotNumbers()
                 u"Warning: writing %1 '%2': %3 values of the column '%4' are not numbers (nan) and became missing; the first is in row %5\n"_s
                     .arg(fileKind(), fileName(), QString::number(found.count), columnName(i),
                          QString::number(found.firstRow)));
+        }
+    }
+}
+
+/// Columns become dates because of their formats.
+void DataSetOutput::warnNotDates()
+{
+    const std::vector<sas::ColumnReport> &reports = m_run->packer->reports();
+    for (size_t i = 0; i < reports.size(); ++i) {
+        const sas::RowCount &found = reports[i].notDates;
+        if (found.count > 0) {
+            warn(
+                u"Warning: writing %1 '%2': %3 texts of the column '%4' do not have the form of ISO 8601 that the format '%5' needs, and became missing; the first is in row %6\n"_s
+                    .arg(fileKind(), fileName(), QString::number(found.count), columnName(i),
+                         definitionOf(columnName(i))->format, QString::number(found.firstRow)));
         }
     }
 }

@@ -72,6 +72,8 @@ protected:
     /// Encodes texts and names; UTF-8 by default. chooseEncoding() replaces it.
     sas::TextEncoder &encoder() { return m_run->encoder; }
     const sas::TextEncoder &encoder() const { return m_run->encoder; }
+    /// Give the columns date formats, so that their texts become dates.
+    static void addDateFormats(const DateColumns &columns, DataSetParams *params);
     /// The definition of a column in the parameters; null without one.
     const VariableDefinition *definitionOf(const QString &column) const;
     /// A name or label of a column in the encoding of the file. What is lost is counted, and
@@ -103,10 +105,13 @@ private:
     // Functions that return bool return true for success; otherwise they have failed the run.
     /// Report the names and labels that are not stored as they are.
     void warnNames();
+    /// Report names in the parameters that the input does not have.
     void warnDefinitions(const OneRow &columns);
+    void warnUnknown(const QString &parameter, const Occurrences &unknown, const OneRow &columns);
     /// Choose the widths of all columns and make the packer of the rows.
     bool findWidths(const OneRow &columns, const QVector<int> &inputs);
     bool chooseWidth(size_t column, sas::PackedColumn *packed);
+    sas::DateUnit dateUnitOf(const QString &column) const;
     int declaredWidth(const QString &name) const;
     bool openTarget();
     bool spoolBlock();
@@ -126,6 +131,7 @@ private:
     void warnCutTexts();
     void warnReplaced();
     void warnNotNumbers();
+    void warnNotDates();
 
     std::unique_ptr<RunState> m_run;
 };

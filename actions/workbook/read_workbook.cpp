@@ -427,8 +427,8 @@ DateColumns ReadWorkbook::dateColumns()
     }
     for (const TableColumns::Column &column : columns.columns()) {
         if (column.content != 0 && (column.content & ~kAllDates) == 0) {
-            dates.names << column.name;
-            dates.haveTimes = dates.haveTimes || (column.content & kHasDateTimes) != 0;
+            const bool hasTimes = (column.content & kHasDateTimes) != 0;
+            (hasTimes ? dates.dateTimes : dates.dates) << column.name;
         }
     }
     return dates;

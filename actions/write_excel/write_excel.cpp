@@ -39,9 +39,9 @@ QString ActionWriteExcel::message(WriteProblem problem, const QString &name) con
 
 void ActionWriteExcel::setDateColumns(const DateColumns &columns)
 {
-    m_params.toDate = columns.names;
+    m_params.toDate = columns.dates + columns.dateTimes;
     // A display that the user has chosen stays.
-    if (columns.haveTimes && m_params.dateFormatExcel == DateDisplay::Date) {
+    if (!columns.dateTimes.isEmpty() && m_params.dateFormatExcel == DateDisplay::Date) {
         m_params.dateFormatExcel = DateDisplay::DateSeconds;
     }
 }

@@ -3,6 +3,9 @@
 
 #include "codecs/sas/data_set_writer.h"
 #include "codecs/sas/variable_names.h"
+#include "codecs/stat/date_text.h"
+
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <cmath>
@@ -23,6 +26,13 @@ bool isOrdinaryName(const QByteArray &name)
 bool isTooLong(const QString &name)
 {
     return name.toUtf8().size() > sas::kMaxNameBytes;
+}
+
+/// "DATE" of "DATE9.".
+QString withoutWidth(const QString &format)
+{
+    static const QRegularExpression width(u"[0-9]*(\\.[0-9]*)?$"_s);
+    return QString(format).remove(width);
 }
 
 } // namespace
@@ -190,10 +200,14 @@ QString ActionWriteSAS::labelOf(const QString &column) const
     return hasLabels ? column : QString();
 }
 
+/// The library stores the whole text as the name. Programs recognise dates only by the exact name,
+/// so these formats lose their width.
 QByteArray ActionWriteSAS::formatOf(const QString &column) const
 {
     const VariableDefinition *const defined = definitionOf(column);
-    return defined != nullptr ? defined->format.toUtf8() : QByteArray();
+    const QString format = defined != nullptr ? defined->format : QString();
+    const bool isDate = stat::dateKindOf(stat::Format::Sas, format) != stat::DateKind::None;
+    return (isDate ? withoutWidth(format) : format).toUtf8();
 }
 
 std::unique_ptr<sas::TableWriter> ActionWriteSAS::makeWriter(ByteSink &sink,

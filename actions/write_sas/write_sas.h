@@ -15,6 +15,8 @@ class ActionWriteSAS final : public ParamAction<ActionWriteSAS, WriteSasParams, 
 public:
     ActionWriteSAS(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<WriteSasParams> &paramTable() { return writeSasParamTable(); }
+    bool needsDateColumns() const override { return true; }
+    void setDateColumns(const DateColumns &columns) override { addDateFormats(columns, &m_params); }
 
 private:
     // For DataSetOutput.

@@ -197,7 +197,7 @@ void ActionWriteSASXPT::warnBlankRows(qint64 count)
 {
     if (count > 0) {
         warn(
-            u"Warning: writing SAS transport file '%1': the last %2 rows have only missing texts. Programs that do not know the number of rows take them for padding and ignore them. Write a column of numbers, too; SAS reads them with version8='1'\n"_s
+            u"Warning: writing SAS transport file '%1': the last %2 rows have only missing texts. Programs that do not know the number of rows treat them as padding and ignore them. Write a column of numbers, too; SAS reads them with version8='1'\n"_s
                 .arg(fileName(), QString::number(count)));
     }
 }

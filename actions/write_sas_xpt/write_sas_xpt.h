@@ -18,6 +18,8 @@ public:
     ActionWriteSASXPT(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<WriteSasXptParams> &paramTable() { return writeSasXptParamTable(); }
     QVector<ParameterProblem> problems() const override;
+    bool needsDateColumns() const override { return true; }
+    void setDateColumns(const DateColumns &columns) override { addDateFormats(columns, &m_params); }
 
 private:
     // For DataSetOutput.

@@ -58,6 +58,17 @@ inline void RowPacker::addText(size_t column, const uchar *cell, qint64 row)
     m_used += sizeof(quint32) + static_cast<size_t>(size) + 1;
 }
 
+/// An empty text is a missing date, too.
+void RowPacker::addDate(size_t column, const uchar *cell, qint64 row)
+{
+    const std::u16string_view text = cell::readText(cell).view();
+    const auto value = dateValue(text, m_columns[column].date);
+    if (!value && !text.empty()) {
+        m_reports[column].notDates.add(row);
+    }
+    addNumber(value.value_or(cell::missingDouble()));
+}
+
 void RowPacker::add(const uchar *const *cells, qint64 row)
 {
     m_cut.clear();
@@ -73,7 +84,11 @@ void RowPacker::add(const uchar *const *cells, qint64 row)
             addDouble(i, loadNative<double>(cell), row);
             break;
         case cell::Type::Text:
-            addText(i, cell, row);
+            if (m_columns[i].date == DateUnit::None) {
+                addText(i, cell, row);
+            } else {
+                addDate(i, cell, row);
+            }
             break;
         }
     }

@@ -6,6 +6,7 @@
 // unknown: a packed text therefore has its own size, and is padded when the file is written.
 #pragma once
 #include "base/cell.h"
+#include "codecs/sas/iso_date.h"
 #include "codecs/sas/text_encoder.h"
 
 #include <span>
@@ -19,7 +20,8 @@ struct PackedColumn
 {
     int input = 0; ///< index of its cell in a row
     cell::Type type = cell::Type::Text;
-    int maxBytes = 0; ///< texts: longer ones are cut, between characters
+    int maxBytes = 0;               ///< texts: longer ones are cut, between characters
+    DateUnit date = DateUnit::None; ///< texts: stored as dates, which are numbers
 };
 
 /// Events of one kind in a column: their number and the first row.
@@ -42,6 +44,7 @@ struct ColumnReport
     RowCount cut;          ///< texts
     RowCount replaced;     ///< characters that the encoding does not have
     RowCount notNumbers;   ///< NaN values, which are stored as missing
+    RowCount notDates;     ///< texts of a column of dates, which are stored as missing
 };
 
 /// A text of the last row that was cut.
@@ -88,6 +91,7 @@ private:
     /// The slow part of room(): the block becomes at least twice as large.
     void grow(size_t bytes);
     void addNumber(double value);
+    void addDate(size_t column, const uchar *cell, qint64 row);
     void addText(size_t column, const uchar *cell, qint64 row);
 
     const TextEncoder &m_encoder;

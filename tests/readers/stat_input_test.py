@@ -1,15 +1,18 @@
 #!/usr/bin/python3
-"""Statistical files that are cut off, have a wrong name or several data sets: stat_input_test.py CORVANTA
+"""Statistical files that are cut off, have a wrong name or several data sets; and dates that convert keeps: stat_input_test.py CORVANTA
 
 The rows and messages of whole files are graph cases (graphs/read_stat), real files are in stat_corpus_test.py.
 """
 import csv
+import datetime
 import pathlib
 import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
+
+import openpyxl
 
 CORVANTA = str(pathlib.Path(sys.argv.pop(1)).resolve())
 CASES = pathlib.Path(__file__).resolve().parents[1] / "graphs/read_stat"
@@ -95,6 +98,29 @@ class StatInput(unittest.TestCase):
         shutil.copy(CASES / "sas/s.sas7bdat", self.folder / "s.sas7bdat")
         found = self.convert("s.sas7bdat", "out.csv", "--reader", "extractLabels=1", "--reader", "catalogFile=s.sas7bdat", status=1)
         self.assertRegex(found, r"ERROR: cannot read the catalogue '.*': it is a SAS data set \(.sas7bdat\), not a SAS catalogue \(.sas7bcat\)")
+
+    def test_dates_stay_dates(self):
+        shutil.copy(CASES / "dates/d.sav", self.folder / "d.sav")
+        rows = self.rows("d.sav")
+        self.assertEqual(rows[1][:3], ["2026-11-22", "2026-11-22T04:30:05.25", "00:00:00"])
+        for target in ("d.xpt", "d.sas7bdat"):
+            self.convert("d.sav", target)
+            self.assertEqual(self.rows(target)[1:], rows[1:], target)
+            numbers = subprocess.run([CORVANTA, "head", target, "--reader", "formatDates=0", "-n", "1"], cwd=self.folder, capture_output=True, text=True)
+            self.assertIn("24432  2110941005.25", numbers.stdout, target)
+        self.convert("d.sav", "d.xlsx")
+        sheet = list(openpyxl.load_workbook(self.folder / "d.xlsx").active.values)
+        self.assertEqual(sheet[1][:2], (datetime.datetime(2026, 11, 22), datetime.datetime(2026, 11, 22, 4, 30, 5, 250000)))
+
+    def test_texts_that_are_not_dates(self):
+        self.write("in.csv", "d,t\n2026-01-31,1:00\n2026-02-30,01:00\n2026-01-31T10:00,-100:00:00.5\n,\n")
+        self.write("a.graph", """<graph version='4.11'><action id='a'><readCSV fileName='in.csv'/></action>
+            <action id='b'><writeSASXPT fileName='o.xpt'><StringColDef><CD n='dd' l='9'/></StringColDef><VariableDef><V n='d' format='DATE9.'/>
+            <V n='t' format='TIME8.'/></VariableDef></writeSASXPT></action><link from='a:0' to='b:0'/></graph>""")
+        found = self.run_in("run", "a.graph")
+        self.assertIn("1 columns of StringColDef are not in the input; the first is 'dd'; the nearest known name is 'd'", found)
+        self.assertIn("2 texts of the column 'd' do not have the form of ISO 8601 that the format 'DATE9.' needs, and became missing; the first is in row 2", found)
+        self.assertEqual(self.rows("o.xpt")[1:], [["2026-01-31", ""], ["", "01:00:00"], ["", "-100:00:00.5"], ["", ""]])
 
 
 if __name__ == "__main__":

@@ -11,7 +11,9 @@ const ParamTable<VariableDefinition> &variableDefinitionTable()
         text("label", &V::label).label("Label").meaning("Label of the variable."),
         text("format", &V::format)
             .label("Format")
-            .meaning("Format of SAS that shows the values, for example DATE9. or 8.2."),
+            .meaning(
+                "Format of SAS that shows the values, for example DATE9. or 8.2. With a format "
+                "of dates or times, ISO 8601 texts become numbers."),
         number("l", &V::width)
             .range(0, 8)
             .label("Width of numbers")

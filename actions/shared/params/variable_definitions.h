@@ -13,7 +13,8 @@ struct VariableDefinition
     QString name;
     /// Replaces the label that the writer would choose; empty: no change.
     QString label;
-    /// A format of SAS, for example "DATE9."; empty: none.
+    /// A format of SAS, for example "DATE9."; empty: none. With a format of dates or times, the
+    /// texts of a column, in the form of ISO 8601, become numbers.
     QString format;
     /// Bytes of a number, 3 to 8, in transport files; 0: as the other numbers.
     int width = 0;

@@ -97,11 +97,12 @@ struct ParameterProblem
     Severity severity = Severity::Error;
 };
 
-/// The text columns of an input whose values are all dates in the form of ISO 8601.
+/// The text columns of an input whose values are all dates or times in the form of ISO 8601.
 struct DateColumns
 {
-    QStringList names;
-    bool haveTimes = false; ///< some of the dates have a time
+    QStringList dates;     ///< 2026-01-31
+    QStringList dateTimes; ///< 2026-01-31T04:30:05.25; some may have no time
+    QStringList times;     ///< 04:30:05.25; hours are not limited to a day
 };
 
 /// What an input file says about one of its columns, apart from the name and the type.
