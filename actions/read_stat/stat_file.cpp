@@ -417,6 +417,11 @@ bool StatFile::fail(const Fault<stat::Error> &fault)
                 .arg(m_name, fault.detail, QString::number(m_bufferMiB)));
     case stat::Error::Library:
         MainUI::addLog(MainUI::Diagnostic, u"ReadStat ERROR: %1"_s.arg(fault.detail));
+        if (!stat::formatOfContent(*m_source)) {
+            return m_action.fail(
+                u"ERROR: cannot read the statistical file '%1': %2; it does not begin like %3\n"_s
+                    .arg(m_name, fault.detail, stat::nameOf(m_options.format)));
+        }
         break;
     case stat::Error::CannotOpen:
         return m_action.fail(u"ERROR: cannot open statistical file '%1'\n"_s.arg(m_name),

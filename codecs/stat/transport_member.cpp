@@ -23,6 +23,7 @@ namespace {
 
 constexpr qint64 kRecordBytes = 80;
 constexpr qint64 kDescriptorBytes = 140;
+constexpr char kLibrary[] = "HEADER RECORD*******LIB";
 constexpr char kMember[] = "HEADER RECORD*******MEMB";
 constexpr char kNames[] = "HEADER RECORD*******NAM";
 constexpr char kRows[] = "HEADER RECORD*******OBS";
@@ -105,12 +106,17 @@ Result<TransportLayout, Error> readTransportLayout(ByteSource &source)
     constexpr qint64 kNamesAt = 7 * kRecordBytes;
     CheckedReader in(source);
     in.setBigEndian(true);
+    const QByteArray library = in.bytes(kRecordBytes);
     in.seek(kMemberAt);
     const QByteArray member = in.bytes(kRecordBytes);
     in.seek(kNamesAt);
     const QByteArray names = in.bytes(kRecordBytes);
     if (in.hasFailed()) {
         return Fault{Error::Unreadable};
+    }
+    if (!library.startsWith(kLibrary)) {
+        return damaged(
+            QStringLiteral("it does not begin like %1").arg(nameOf(Format::SasTransport)));
     }
     if (!in.isGood()) {
         return damaged(QStringLiteral("the file ends in the dictionary"));
