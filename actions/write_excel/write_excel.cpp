@@ -40,6 +40,8 @@ QString ActionWriteExcel::message(WriteProblem problem, const QString &name) con
 void ActionWriteExcel::setDateColumns(const DateColumns &columns)
 {
     m_params.toDate = columns.dates + columns.dateTimes;
+    // Years before 1900 exist in other files.
+    m_params.keepOddDates = true;
     // A display that the user has chosen stays.
     if (!columns.dateTimes.isEmpty() && m_params.dateFormatExcel == DateDisplay::Date) {
         m_params.dateFormatExcel = DateDisplay::DateSeconds;
@@ -147,6 +149,7 @@ sheet::SheetOptions ActionWriteExcel::sheetOptions() const
     options.equalIsFormula = m_params.equalisFormula;
     options.urlTag = m_params.urlTag;
     options.crop = m_params.crop;
+    options.keepOddDates = m_params.keepOddDates;
     return options;
 }
 

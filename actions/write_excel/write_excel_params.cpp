@@ -135,6 +135,10 @@ ParamGroup<P> dateInput()
             .label("Without a format, read ISO 8601 dates")
             .meaning("With an empty dateFormat, reads dates such as 2024-02-29 and "
                      "2024-02-29T12:30:00. Off: no text is a date then."),
+        flag("keepOddDates", &P::keepOddDates)
+            .label("Keep texts that are not dates")
+            .meaning("Texts in ToDate columns that are not dates, or before 1900, are written as "
+                     "texts. Off: their cells are empty, with a warning."),
     };
 }
 

@@ -86,6 +86,9 @@ struct WriteExcelParams : RowWriterParams
     QString dateFormat;
     /// With an empty format, dates in the form of ISO 8601 are read.
     bool isoDates = false;
+    /// Texts of date columns that are not dates, or too early, are written as texts. Off: not at
+    /// all.
+    bool keepOddDates = false;
     DateDisplay dateFormatExcel = DateDisplay::Date;
     // Names of columns; names that the input lacks give a warning. A column in both lists is a
     // date.

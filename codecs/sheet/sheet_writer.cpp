@@ -244,6 +244,9 @@ bool SheetWriter::putDate(int column, std::u16string_view text)
     }
     const auto serial = m_dates->serial(text);
     if (!serial || *serial < std::max<double>(kFirstSerial, m_options.firstDay)) {
+        if (m_options.keepOddDates) {
+            return putText(column, Column::Kind::Text, text);
+        }
         m_report(serial ? CellProblem::EarlyDate : CellProblem::NotADate, column, text);
         return true;
     }

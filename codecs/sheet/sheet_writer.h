@@ -37,6 +37,7 @@ struct SheetOptions
     bool equalIsFormula = false; ///< texts that start with "=" are formulas
     bool urlTag = false;         ///< texts of the form of parseLink() are hyperlinks
     bool crop = false;           ///< cut texts below kCellCharLimit
+    bool keepOddDates = false;   ///< in date columns, texts that cannot be dates stay texts
     quint64 dateStyle = 1;       ///< cell format of dates: the s attribute
     quint64 linkStyle = 2;       ///< cell format of hyperlinks
     int firstDay = 0;            ///< serial that the workbook counts as day 0

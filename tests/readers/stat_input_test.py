@@ -110,6 +110,7 @@ class StatInput(unittest.TestCase):
             self.assertIn("24432  2110941005.25", numbers.stdout, target)
         self.convert("d.sav", "d.xlsx")
         sheet = list(openpyxl.load_workbook(self.folder / "d.xlsx").active.values)
+        self.assertEqual(sheet[2][0], "1582-10-15")
         self.assertEqual(sheet[1][:2], (datetime.datetime(2026, 11, 22), datetime.datetime(2026, 11, 22, 4, 30, 5, 250000)))
 
     def test_texts_that_are_not_dates(self):
