@@ -178,7 +178,7 @@ void CompoundFile::readFatSectors()
     }
 }
 
-/// Read the numbers in a table. What the file does not have is no number of a sector.
+/// Read the numbers in a table. What the file does not have is not the number of a sector.
 std::vector<quint32> CompoundFile::readTable(const std::vector<Extent> &extents) const
 {
     std::vector<quint32> table;
@@ -211,8 +211,8 @@ void CompoundFile::readFat()
     }
 }
 
-/// The chain from `first`, at most `bytes` long. It ends early at a number that is no sector of the
-/// file, and where it meets itself.
+/// The chain from `first`, at most `bytes` long. It ends early at a number that is not a sector of
+/// the file, and where it meets itself.
 std::vector<Extent> CompoundFile::sectorExtents(quint32 first, qint64 bytes) const
 {
     std::vector<Extent> extents;

@@ -29,7 +29,7 @@ constexpr quint8 kClassBits = 0x60;
 constexpr quint16 kRowBits5 = 0x3FFF;
 constexpr quint16 kColumnBits = 0x00FF;
 
-/// The names behind the numbers of built-in names, as newer workbooks write them.
+/// The names of built-in names by their numbers, as newer workbooks write them.
 constexpr std::array<const char *, 14> kBuiltInNames = {
     "Consolidate_Area", "Auto_Open",       "Auto_Close",   "Extract",        "Database",
     "Criteria",         "Print_Area",      "Print_Titles", "Recorder",       "Data_Form",
@@ -101,7 +101,7 @@ void DefinedNames::takeName(RecordReader &reader, const Record &record, const Te
     if ((flags & kBuiltIn) != 0) {
         stored.name = builtInName(stored.name);
     }
-    if (formulaBytes <= kMostTokenBytes) { // more is no single area
+    if (formulaBytes <= kMostTokenBytes) { // more is not a single area
         QByteArray kept;
         stored.tokens = in.bytes(formulaBytes, &kept).toByteArray();
     }

@@ -187,7 +187,7 @@ void Collector::addSheet(const Record &record, qint64 nameOffset, SheetPlace pla
     m_globals.sheets.push_back(std::move(place));
 }
 
-/// A sheet of a workspace. Its stream begins after this record and is passed over here.
+/// A sheet of a workspace. Its stream begins after this record and is skipped here.
 void Collector::takeSheetHeader(const Record &record)
 {
     constexpr qint64 kNameOffset = 4;
@@ -227,7 +227,7 @@ NumberForm Collector::formOf(int format) const
     return m_globals.biff == Biff::V2 ? formOfBuiltIn2(format) : sheet::formOfBuiltIn(format);
 }
 
-/// `single` is the sheet of a stream that is no globals.
+/// `single` is the sheet of a stream without globals.
 Globals Collector::finish(std::optional<SheetPlace> single)
 {
     for (const int format : m_xfs) {
@@ -279,7 +279,7 @@ sheet::WorkbookResult<Globals> readGlobals(RecordReader &reader, qint64 offset)
         return readFailed(offset);
     }
     if (!isBegun) {
-        return Fault{WorkbookError::NotAWorkbook, QStringLiteral("it is no legacy workbook")};
+        return Fault{WorkbookError::NotAWorkbook, QStringLiteral("it is not a legacy workbook")};
     }
     // The record is no longer valid once the next one is read.
     const Biff biff = versionOf(record);

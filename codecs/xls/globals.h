@@ -43,7 +43,7 @@ quint16 streamType(const Record &record);
 Fault<sheet::WorkbookError> readFailed(qint64 offset);
 
 /// Read the stream that begins at `offset`, up to its end: the globals of BIFF 5 and 8, or the only
-/// sheet of an older file, whose cells are passed over. Errors: NotAWorkbook without a BOF record,
+/// sheet of an older file, whose cells are skipped. Errors: NotAWorkbook without a BOF record,
 /// Encrypted, ReadFailed, Damaged if globals have no end.
 sheet::WorkbookResult<Globals> readGlobals(RecordReader &reader, qint64 offset);
 

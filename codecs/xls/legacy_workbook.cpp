@@ -26,7 +26,7 @@ Fault<WorkbookError> faultOf(const Fault<CompoundError> &fault)
     case CompoundError::ReadFailed:
         return readFailed(fault.offset);
     case CompoundError::NotCompound:
-        return {WorkbookError::NotAWorkbook, QStringLiteral("it is no legacy workbook")};
+        return {WorkbookError::NotAWorkbook, QStringLiteral("it is not a legacy workbook")};
     case CompoundError::Damaged:
         break;
     }

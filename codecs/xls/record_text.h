@@ -19,7 +19,7 @@ class ContinuedBytes
 {
 public:
     /// `record` was read last from `reader`, which must outlive this object. The first `skipped`
-    /// bytes are passed over; if there are not as many, the data ends.
+    /// bytes are skipped; if there are fewer, the data ends.
     ContinuedBytes(RecordReader &reader, const Record &record, qint64 skipped = 0);
 
     /// Whether all bytes are read.
@@ -35,7 +35,7 @@ public:
     /// empty before, if they are in several records.
     QByteArrayView bytes(qint64 n, QByteArray *kept);
     /// Append `n` units of a BIFF 8 text, or fewer at the end. Each record that continues it says
-    /// anew whether its units are wide (2 bytes) or compressed (1).
+    /// again whether its units are wide (2 bytes) or compressed (1).
     void units(qint64 n, bool isWide, std::u16string *out);
 
 private:
@@ -59,8 +59,8 @@ public:
 
     Biff biff() const { return m_biff; }
     /// Append a text of `n` characters, for which a length was read. In BIFF 8 a byte with flags
-    /// precedes the characters; rich formats and phonetic texts after them are passed over.
-    /// Returns false when bytes are missing or are no text in the code page.
+    /// precedes the characters; rich formats and phonetic texts after them are skipped.
+    /// Returns false when bytes are missing or invalid in the code page.
     bool append(ContinuedBytes &in, qint64 n, std::u16string *out) const;
 
     /// The same for a name whose length is one byte.
@@ -73,7 +73,7 @@ private:
     bool appendBytes(ContinuedBytes &in, qint64 n, std::u16string *out) const;
     /// The flags, and `n` units in the width that they give.
     static bool appendUnits(ContinuedBytes &in, qint64 n, std::u16string *out);
-    /// Returns false when bytes are no text in the code page; U+FFFD takes their place.
+    /// Returns false when bytes are invalid in the code page; U+FFFD replaces them.
     bool appendDecoded(QByteArrayView bytes, std::u16string *out) const;
 
     Biff m_biff;

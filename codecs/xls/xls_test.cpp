@@ -399,7 +399,7 @@ TEST(LegacyWorkbook, KnowsLayoutNamesAndSheets)
 TEST(LegacyWorkbook, NamesWhatItCannotRead)
 {
     const auto code = [](WorkbookError error) { return QString::number(static_cast<int>(error)); };
-    const QString none = code(WorkbookError::NotAWorkbook) + u"it is no legacy workbook"_s;
+    const QString none = code(WorkbookError::NotAWorkbook) + u"it is not a legacy workbook"_s;
     EXPECT_EQ(read("text").fault, none);
     EXPECT_EQ(read({}).fault, none);
     const auto encrypted = [&](const QString &method) {
