@@ -31,7 +31,7 @@ QString rangeText(const CellRange &range);
 struct WrittenCells
 {
     CellRange range;    ///< lastRow is below firstRow if no row was written
-    QStringList header; ///< names in the first row; empty if it is no header row
+    QStringList header; ///< names in the first row; empty if it is not a header row
     /// Older rows starting at the first one are removed, not only those that are written.
     bool removesOlderRows = false;
 };

@@ -22,7 +22,7 @@ bool isLast(Token token)
     return token == Token::Error || token == Token::EndOfData;
 }
 
-/// Pass over the rest of the element whose Start was read last.
+/// Skip the rest of the element whose Start was read last.
 bool skipElement(XMLTokenizer &tokens)
 {
     for (int depth = 1; depth > 0;) {

@@ -35,10 +35,19 @@ const char *findMarkup(const char *at)
     }
 }
 
-bool startsWith(const char *at, const char *end, QByteArrayView text)
+/// Whether the text is at `at`. Its length is a constant, so that it is compared without a call.
+template <size_t N> bool startsWith(const char *at, const char *end, const char (&text)[N])
 {
-    return end - at >= text.size() &&
-           std::memcmp(at, text.data(), static_cast<size_t>(text.size())) == 0;
+    return end - at >= static_cast<std::ptrdiff_t>(N - 1) && std::memcmp(at, text, N - 1) == 0;
+}
+
+/// The first `c` at or after `at`, or `end`. For a few bytes faster than memchr().
+const char *findNear(const char *at, const char *end, char c)
+{
+    while (at != end && *at != c) {
+        ++at;
+    }
+    return at;
 }
 
 /// The attributes of the tag, whose name ends at `at`. Returns the address of its "/" or ">", null
@@ -51,9 +60,8 @@ const char *scanAttributes(const char *at, const char *end, RawCell *cell)
             return nullptr;
         }
         const char *const value = at + 4;
-        const auto *const stop =
-            static_cast<const char *>(std::memchr(value, '"', static_cast<size_t>(end - value)));
-        if (stop == nullptr) {
+        const char *const stop = findNear(value, end, '"');
+        if (stop == end) {
             return nullptr;
         }
         const QByteArrayView text(value, stop - value);
@@ -81,44 +89,45 @@ const char *skipFormula(const char *at, const char *end, RawCell *cell)
         return at;
     }
     cell->hasFormula = true;
-    const auto *const close =
-        static_cast<const char *>(std::memchr(at, '>', static_cast<size_t>(end - at)));
-    if (close == nullptr || close[-1] == '/') {
-        return close == nullptr ? nullptr : close + 1;
+    const char *const close = findNear(at, end, '>');
+    if (close == end || close[-1] == '/') {
+        return close == end ? nullptr : close + 1;
     }
     const char *const next = findMarkup(close + 1);
     // A NUL is the end of the bytes, or no text of XML.
     return startsWith(next, end, "</f>") ? next + 4 : nullptr;
 }
 
-/// The elements around the text of a cell.
-struct Content
+/// Scan a text between the tags, which end the cell. Returns the address after it; null for other
+/// tags, and for an incomplete text.
+template <size_t N, size_t M>
+const char *scanText(const char *at, const char *end, const char (&opening)[N],
+                     const char (&closing)[M], RawCell *cell)
 {
-    QByteArrayView opening;
-    QByteArrayView closing;
-};
-constexpr Content kValue{"<v>", "</v></c>"};
-constexpr Content kInline{"<is><t>", "</t></is></c>"};
-constexpr Content kInlineWithSpace{"<is><t xml:space=\"preserve\">", "</t></is></c>"};
-
-/// Scan the text at `at` and the end of the cell. Returns the address after it, null for anything
-/// unusual or incomplete.
-const char *scanContent(const char *at, const char *end, RawCell *cell)
-{
-    const Content &content = startsWith(at, end, kValue.opening)    ? kValue
-                             : startsWith(at, end, kInline.opening) ? kInline
-                                                                    : kInlineWithSpace;
-    if (!startsWith(at, end, content.opening)) {
+    if (!startsWith(at, end, opening)) {
         return nullptr;
     }
-    const char *const text = at + content.opening.size();
+    const char *const text = at + N - 1;
     const char *const stop = findMarkup(text);
-    if (!startsWith(stop, end, content.closing)) {
+    if (!startsWith(stop, end, closing)) {
         return nullptr;
     }
     cell->hasValue = true;
     cell->value = {text, stop - text};
-    return stop + content.closing.size();
+    return stop + M - 1;
+}
+
+/// Scan the content at `at` and the end of the cell. Returns the address after it, null for
+/// anything unusual or incomplete.
+const char *scanContent(const char *at, const char *end, RawCell *cell)
+{
+    if (const char *const after = scanText(at, end, "<v>", "</v></c>", cell)) {
+        return after;
+    }
+    if (const char *const after = scanText(at, end, "<is><t>", "</t></is></c>", cell)) {
+        return after;
+    }
+    return scanText(at, end, "<is><t xml:space=\"preserve\">", "</t></is></c>", cell);
 }
 
 /// The powers of ten that a double holds exactly.
@@ -144,7 +153,7 @@ bool parseShortDecimal(const char *at, const char *end, double *value)
         } else {
             return false;
         }
-        // Longer texts may overflow, and are no exact doubles.
+        // Longer texts may overflow, and are not exact doubles.
         if (at - first > kExactDigits) {
             return false;
         }
@@ -180,6 +189,11 @@ int columnOfReference(QByteArrayView reference)
         column = column * 26 + (upper - 'A' + 1);
     }
     return static_cast<int>(column) - 1;
+}
+
+bool isTrue(std::optional<QByteArrayView> value)
+{
+    return value && (*value == "1" || *value == "true" || *value == "on");
 }
 
 bool parseValue(QByteArrayView text, double *value)

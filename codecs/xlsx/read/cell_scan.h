@@ -6,6 +6,8 @@
 #include <QByteArrayView>
 #include <QtGlobal>
 
+#include <optional>
+
 namespace corvanta::xlsx {
 
 /// A cell as it is written.
@@ -23,7 +25,7 @@ struct RawCell
 enum class CellScan : quint8 {
     Cell,
     Incomplete, ///< the bytes end inside the cell
-    Unusual,    ///< needs the general way, or is no cell
+    Unusual,    ///< needs the general way, or is not a cell
 };
 
 /// Scan the cell at `at`, where a "<" is. For Cell, `*after` is the address after its end. Reads up
@@ -33,6 +35,9 @@ CellScan scanCell(const char *at, const char *end, RawCell *cell, const char **a
 /// Column of a reference such as "B7" or "$B$7"; -1 for a text that does not begin like one. There
 /// is no upper limit below 2^31.
 int columnOfReference(QByteArrayView reference);
+
+/// An xsd:boolean; false for anything else.
+bool isTrue(std::optional<QByteArrayView> value);
 
 /// The finite number that all of `text` is, in the form of XML Schema without spaces. Returns false
 /// for any other text; `*value` is then undefined. A bool and not an optional, as it is called for

@@ -121,24 +121,25 @@ char16_t *SharedStrings::room(size_t units)
     return at;
 }
 
-/// Errors: TooLarge. The length is in front of the text, as two units with the low one first.
+/// Errors: TooLarge.
 sheet::WorkbookResult<void> SharedStrings::add(std::u16string_view text)
 {
-    constexpr size_t kLengthUnits = 2;
+    static_assert(kMaxTextUnits < size_t(1) << 24); // see Place
+    if (text.size() > kMaxTextUnits) {
+        return longText(*m_part);
+    }
     if (m_count % kIndexStrings == 0) {
         m_index.emplace_back().reserve(kIndexStrings);
         m_bytes += static_cast<qint64>(kIndexStrings * sizeof(Place));
     }
-    char16_t *const at = room(text.size() + kLengthUnits);
+    char16_t *const at = room(text.size());
     if (m_bytes > m_maxBytes) {
         return m_part->fault(sheet::WorkbookError::TooLarge,
                              u"the texts need more than %1 MiB"_s.arg(m_maxBytes >> 20));
     }
-    at[0] = static_cast<char16_t>(text.size() & 0xFFFF);
-    at[1] = static_cast<char16_t>(text.size() >> 16);
-    std::memcpy(at + kLengthUnits, text.data(), text.size() * sizeof(char16_t));
-    m_index.back().push_back({static_cast<quint32>(m_blocks.size() - 1),
-                              static_cast<quint32>(at + kLengthUnits - m_blocks.back().get())});
+    std::memcpy(at, text.data(), text.size() * sizeof(char16_t));
+    m_index.back().push_back(
+        {m_blocks.size() - 1, static_cast<quint64>(at - m_blocks.back().get()), text.size()});
     ++m_count;
     return {};
 }

@@ -46,7 +46,7 @@ public:
 
     /// Memory that the strings take.
     qint64 bytes() const { return m_bytes; }
-    /// Strings with bytes that are no UTF-8.
+    /// Strings with bytes that are not UTF-8.
     qint64 badCount() const { return m_badCount; }
     /// Any thread: ends a running at() with Stopped.
     void stop();
@@ -57,20 +57,20 @@ private:
     /// Strings per block of the index.
     static constexpr size_t kIndexStrings = size_t(1) << 16;
 
-    /// Where a text is: its block, and its first unit in it. The two units before it are its
-    /// length.
+    /// Where a text is. The number of its units is here and not before the text: most readers
+    /// of a text only ask whether it is empty, and the memory of the texts is slow to reach.
     struct Place
     {
-        quint32 block;
-        quint32 unit;
+        quint64 block : 20;
+        quint64 unit : 20; ///< the first one
+        quint64 units : 24;
     };
 
     /// The text of a string that is loaded.
     std::u16string_view text(quint64 index) const
     {
         const Place place = m_index[index / kIndexStrings][index % kIndexStrings];
-        const char16_t *const units = m_blocks[place.block].get() + place.unit;
-        return {units, static_cast<size_t>(units[-1]) << 16 | units[-2]};
+        return {m_blocks[place.block].get() + place.unit, static_cast<size_t>(place.units)};
     }
     /// Read strings until `index` is loaded or the part ends.
     sheet::WorkbookResult<void> load(quint64 index);

@@ -1,16 +1,13 @@
 // The parts of a sheet that are read; all others are skipped:
 //
 //   <worksheet>
-//     <cols><col min="2" max="3" hidden="1"/></cols>
 //     <sheetData>
 //       <row r="1" hidden="1"> cells </row>      both r attributes are optional
 //     </sheetData>
-//     <mergeCells><mergeCell ref="A1:C1"/></mergeCells>
 //   </worksheet>
 #include "codecs/xlsx/read/sheet_scanner.h"
 
 #include "base/number.h"
-#include "codecs/sheet/cell_area.h"
 #include "codecs/sheet/cell_text.h"
 #include "codecs/sheet/sheet_writer.h"
 #include "codecs/xlsx/read/string_text.h"
@@ -33,12 +30,6 @@ constexpr size_t kMaxRowUnits = size_t(32) << 20;
 /// Cells of one row, and rows of one sheet, also those beyond the limits of sheets.
 constexpr size_t kMaxRowCells = 4 * sheet::kMaxColumns;
 constexpr qint64 kMaxRowNumber = 4 * sheet::kMaxRows;
-
-/// An xsd:boolean; false for anything else.
-bool isTrue(std::optional<QByteArrayView> value)
-{
-    return value && (*value == "1" || *value == "true" || *value == "on");
-}
 
 QByteArrayView trimmed(QByteArrayView text)
 {
@@ -66,6 +57,9 @@ sheet::WorkbookResult<void> readRawText(PartText &part, const opc::Tag &opening,
         case MarkupItem::Kind::Tag:
             depth += item->tag.kind == Kind::Open ? 1 : item->tag.kind == Kind::Close ? -1 : 0;
             break;
+        }
+        if (static_cast<size_t>(value->size()) > kMaxTextUnits) {
+            return longText(part);
         }
     }
     // appendText() loads blocks beyond the end.
@@ -283,7 +277,7 @@ SheetScanner::Done SheetScanner::readUsualCells()
     }
 }
 
-/// Read an item of the row that is no usual cell. Returns false at the end of the row.
+/// Read an item of the row other than a usual cell. Returns false at the end of the row.
 sheet::WorkbookResult<bool> SheetScanner::readItem()
 {
     const auto item = m_part->nextItem();
@@ -450,7 +444,7 @@ void SheetScanner::setNumber(const RawCell &cell, sheet::SheetCell *placed)
     setOddNumber(cell, placed);
 }
 
-/// The value is no plain number: it may have spaces around it, or be none.
+/// The value is not a plain number: it may have spaces around it, or be something else.
 void SheetScanner::setOddNumber(const RawCell &cell, sheet::SheetCell *placed)
 {
     const QByteArrayView text = trimmed(cell.value);
@@ -538,58 +532,6 @@ void SheetScanner::orderCells()
         }
     }
     m_cells.resize(kept);
-}
-
-// ---- Everything but the cells.
-
-namespace {
-
-/// The number of an attribute, from 1; 0 for anything else.
-int numberOf(const opc::Tag &tag, QByteArrayView name)
-{
-    const QByteArrayView text = tag.attribute(name).value_or(QByteArrayView());
-    quint64 number = 0;
-    parseUInt({text.data(), static_cast<size_t>(text.size())}, sheet::kMaxColumns, &number);
-    return static_cast<int>(number);
-}
-
-/// Take an item before or after the rows.
-void takeLayoutItem(const MarkupItem &item, sheet::SheetLayout *layout)
-{
-    if (item.isOpening("col") && isTrue(item.tag.attribute("hidden"))) {
-        sheet::CellArea columns;
-        columns.firstColumn = numberOf(item.tag, "min") - 1;
-        columns.lastColumn = numberOf(item.tag, "max") - 1;
-        if (columns.firstColumn >= 0) {
-            layout->hiddenColumns.push_back(columns);
-        }
-    } else if (item.isOpening("mergeCell")) {
-        const QByteArrayView text = item.tag.attribute("ref").value_or(QByteArrayView());
-        if (const auto area = sheet::parseArea(QString::fromLatin1(text))) {
-            layout->merged.push_back(*area);
-        }
-    }
-}
-
-} // namespace
-
-sheet::WorkbookResult<sheet::SheetLayout> SheetScanner::readLayout()
-{
-    sheet::SheetLayout layout;
-    for (;;) {
-        const auto item = m_part->nextItem();
-        if (!item) {
-            return item.fault();
-        }
-        if (item->kind == MarkupItem::Kind::End) {
-            return layout;
-        }
-        takeLayoutItem(*item, &layout);
-        constexpr size_t kMaxAreas = size_t(1) << 20;
-        if (layout.merged.size() + layout.hiddenColumns.size() > kMaxAreas) {
-            return m_part->fault(WorkbookError::TooLarge, u"the sheet has too many areas"_s);
-        }
-    }
 }
 
 } // namespace corvanta::xlsx

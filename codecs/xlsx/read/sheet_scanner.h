@@ -4,6 +4,7 @@
 #include "codecs/xlsx/read/cell_scan.h"
 #include "codecs/xlsx/read/part_text.h"
 #include "codecs/xlsx/read/shared_strings.h"
+#include "codecs/xlsx/read/sheet_layout.h"
 
 #include <memory>
 #include <vector>
@@ -26,8 +27,8 @@ public:
     double fractionDone() const override { return m_part->fractionDone(); }
     const sheet::SheetProblems &problems() const override { return m_problems; }
 
-    /// Read everything of the sheet but its cells. Instead of next().
-    sheet::WorkbookResult<sheet::SheetLayout> readLayout();
+    /// Read everything of the sheet except its cells. Instead of next().
+    sheet::WorkbookResult<sheet::SheetLayout> readLayout() { return readSheetLayout(*m_part); }
 
     /// End a running call soon, with Stopped. Any thread.
     void stop() { m_part->stop(); }
@@ -44,7 +45,7 @@ private:
     };
     using Done = sheet::WorkbookResult<void>;
 
-    /// Pass over what precedes the rows.
+    /// Skip what precedes the rows.
     Done enterRows();
     /// Go to the next row; false after the last one.
     sheet::WorkbookResult<bool> findRow();

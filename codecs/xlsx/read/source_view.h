@@ -12,8 +12,8 @@ namespace corvanta::xlsx {
 class SourceView final : public ByteSource
 {
 public:
-    /// `source` must be able to seek. It and `mutex` outlive the view, and nobody uses the source
-    /// but its views.
+    /// `source` must be able to seek. It and `mutex` outlive the view, and no other code uses the
+    /// source but its views.
     SourceView(ByteSource &source, std::mutex &mutex)
         : m_source(source)
         , m_mutex(mutex)

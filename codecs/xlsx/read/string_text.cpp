@@ -10,6 +10,8 @@
 #include <cstring>
 #include <optional>
 
+using namespace Qt::StringLiterals;
+
 namespace corvanta::xlsx {
 
 namespace {
@@ -26,7 +28,7 @@ int hexDigit(char16_t c)
     return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
 }
 
-/// The unit that the form at `at` stands for.
+/// The unit that the form at `at` encodes.
 std::optional<char16_t> escapedUnit(const char16_t *at, const char16_t *end)
 {
     if (end - at < static_cast<std::ptrdiff_t>(kEscapeUnits) || at[0] != u'_' || at[1] != u'x' ||
@@ -74,7 +76,7 @@ const char *takeSpecial(const char *at, const char *end, char16_t **to)
         return at + 1;
     }
     const QString text = opc::decoded({at, stop + 1 - at});
-    // A reference is longer than what it stands for.
+    // A reference is longer than its characters.
     const qsizetype n = std::min<qsizetype>(text.size(), stop + 1 - at);
     std::copy_n(reinterpret_cast<const char16_t *>(text.utf16()), n, *to);
     *to += n;
@@ -158,10 +160,17 @@ bool appendText(QByteArrayView raw, bool isLiteral, std::vector<char16_t> *out)
     return isWellFormed(raw);
 }
 
+Fault<sheet::WorkbookError> longText(const PartText &part)
+{
+    return part.fault(sheet::WorkbookError::TooLarge,
+                      u"a text has more than %1 characters"_s.arg(kMaxTextUnits));
+}
+
 sheet::WorkbookResult<void> appendElementText(PartText &part, const opc::Tag &opening,
                                               std::vector<char16_t> *out, bool *isBad)
 {
     using Kind = MarkupItem::Kind;
+    const size_t begin = out->size();
     int depth = opening.kind == opc::Tag::Kind::Open ? 1 : 0;
     while (depth > 0) {
         const auto item = part.nextItem();
@@ -178,6 +187,9 @@ sheet::WorkbookResult<void> appendElementText(PartText &part, const opc::Tag &op
         } else if (!appendText(item->text, item->kind == Kind::CData, out)) {
             *isBad = true;
         }
+        if (out->size() - begin > kMaxTextUnits) {
+            return longText(part);
+        }
     }
     return {};
 }
@@ -186,6 +198,7 @@ sheet::WorkbookResult<void> appendStringItem(PartText &part, const opc::Tag &ope
                                              std::vector<char16_t> *out, bool *isBad)
 {
     const QByteArray name = opening.name.toByteArray();
+    const size_t begin = out->size();
     if (opening.kind == opc::Tag::Kind::Empty) {
         return {};
     }
@@ -211,6 +224,9 @@ sheet::WorkbookResult<void> appendStringItem(PartText &part, const opc::Tag &ope
         }
         if (!done) {
             return done;
+        }
+        if (out->size() - begin > kMaxTextUnits) {
+            return longText(part);
         }
     }
 }

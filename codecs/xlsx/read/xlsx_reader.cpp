@@ -28,8 +28,10 @@ constexpr qint64 kMaxPartBytes = qint64(64) << 20;
 /// Memory of the shared strings: what any workbook may take, and what each packed byte may add.
 constexpr qint64 kStringBytes = qint64(192) << 20;
 constexpr qint64 kStringBytesPerPackedByte = 64;
-/// Memory for shared strings together with the rows that are kept for a second reading.
-constexpr qint64 kRecordedBytes = qint64(96) << 20;
+/// Memory for shared strings together with the rows that are kept for a second reading; more rows
+/// are in a temporary file.
+constexpr qint64 kRecordedBytes = qint64(64) << 20;
+constexpr qint64 kRecordedFileBytes = qint64(1) << 30;
 /// Content of all sheets and shared strings that are read: what any workbook may have, and what
 /// each byte of the file may add. Real sheets are packed to a tenth; small files that expand a
 /// thousand times, or name one part for thousands of sheets, would take hours.
@@ -369,7 +371,7 @@ private:
         }
         // A row without cells says nothing but that it is hidden.
         if (!row->cells.empty() || row->isHidden) {
-            m_recording->add(*row);
+            m_recording->add(*row, m_reader.recordingBytes());
         }
         if (!m_reader.hasRoomFor(*m_recording, m_scanner->fractionDone())) {
             m_recording.reset();
@@ -382,21 +384,27 @@ private:
     std::unique_ptr<RowRecording> m_recording;
 };
 
-/// Whether a recording can go on when this fraction of its sheet is read. One that would not fit in
-/// the end is given up early.
+qint64 XlsxReader::recordingBytes() const
+{
+    return std::max<qint64>(0, kRecordedBytes - m_recordedBytes - m_strings.bytes());
+}
+
+/// Whether to continue a recording when this fraction of its sheet is read. One that would not fit
+/// in the end is given up early.
 bool XlsxReader::hasRoomFor(const RowRecording &recording, double fraction) const
 {
     constexpr double kTolerance = 1.25;
     constexpr double kStart = 0.1;
-    const qint64 room = kRecordedBytes - m_recordedBytes - m_strings.bytes();
+    const qint64 room = recordingBytes() + kRecordedFileBytes;
     const double expected = std::min(1.0, fraction * kTolerance + kStart);
-    return static_cast<double>(recording.bytes()) <= expected * static_cast<double>(room);
+    return !recording.hasFailed() && m_pageFile.size() <= kRecordedFileBytes &&
+           static_cast<double>(recording.bytes()) <= expected * static_cast<double>(room);
 }
 
 /// The next reading of the sheet takes the rows from the recording.
 void XlsxReader::keep(size_t index, std::unique_ptr<RowRecording> recording)
 {
-    m_recordedBytes += recording->bytes();
+    m_recordedBytes += recording->memoryBytes();
     m_states[index].recording = std::move(recording);
 }
 
@@ -421,7 +429,7 @@ sheet::WorkbookResult<std::unique_ptr<SheetScanner>> XlsxReader::openScanner(siz
     if (member == nullptr) {
         return memberFault(Fault{zip::Error::NoMember}, QString::fromUtf8(m_parts[index]));
     }
-    // A sheet that is read again is no more content than before.
+    // A sheet that is read again adds no content.
     if (!std::exchange(m_states[index].isCounted, true)) {
         if (const auto counted = countContent(*member); !counted) {
             return counted.fault();
@@ -443,7 +451,7 @@ sheet::WorkbookResult<std::unique_ptr<sheet::SheetRows>> XlsxReader::openSheet(s
     }
     // What had no room the first time has none later.
     auto recording =
-        std::exchange(state.wasRead, true) ? nullptr : std::make_unique<RowRecording>();
+        std::exchange(state.wasRead, true) ? nullptr : std::make_unique<RowRecording>(m_pageFile);
     auto scanner = openScanner(index);
     if (!scanner) {
         return scanner.fault();

@@ -75,6 +75,8 @@ private:
     /// Add the size of a part to m_contentBytes. Errors: TooLarge, which ends hostile workbooks.
     Done countContent(const zip::Member &member);
     Done addTables(size_t index, std::vector<sheet::TableInfo> *tables);
+    /// Memory that one more recording may have now.
+    qint64 recordingBytes() const;
     /// Whether all rows will fit in memory, if `fraction` of them need what `recording` has.
     bool hasRoomFor(const RowRecording &recording, double fraction) const;
     /// Keep the rows of a sheet for its second reading.
@@ -104,8 +106,9 @@ private:
         bool wasRead = false;
         std::unique_ptr<RowRecording> recording; ///< of all its rows, for the next reading
     };
+    PageFile m_pageFile; // of all recordings
     std::vector<SheetState> m_states;
-    qint64 m_recordedBytes = 0; // of all recordings
+    qint64 m_recordedBytes = 0; // in memory, of all complete recordings
     qint64 m_contentBytes = 0;  // of all parts that have been read, each once per sheet
 
     std::mutex m_stopMutex;
