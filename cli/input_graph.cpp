@@ -1,10 +1,13 @@
 // The reader of the input file: its action, its table and the parameters that the file determines.
 #include "input_graph.h"
 
+#include "base/counted.h"
 #include "corvanta/action_parameters.h"
 #include "corvanta/main_ui.h"
 #include "file_types.h"
 #include "visible_text.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
 #include <optional>
@@ -30,6 +33,23 @@ CommandResult<std::optional<int>> tableOf(const CommandLine &line)
     return std::optional(number - 1);
 }
 
+/// The names of sheets for a message, as many as are listed.
+QString namesOf(const QVector<InputTable> &sheets)
+{
+    QStringList names;
+    for (const InputTable &sheet : sheets.first(std::min(sheets.size(), kListedTables))) {
+        names << u"'%1'"_s.arg(visibleText(sheet.path));
+    }
+    names += sheets.size() > kListedTables ? QStringList(u"..."_s) : QStringList();
+    return names.join(u", "_s);
+}
+
+/// Whether the tables are sheets of a workbook.
+bool areSheets(const QVector<InputTable> &tables)
+{
+    return !tables.isEmpty() && tables[0].rows == InputTable::kRowsNotKnown;
+}
+
 /// Index of the sheet of --sheet, a name or a number from 1; nothing without that option.
 CommandResult<std::optional<int>> sheetOf(const CommandLine &line, const QString &fileName,
                                           ActionParameters *parameters)
@@ -39,7 +59,7 @@ CommandResult<std::optional<int>> sheetOf(const CommandLine &line, const QString
     }
     const QString wanted = line.value(u"--sheet"_s, QString());
     const QVector<InputTable> tables = parameters->inputTables();
-    if (tables.isEmpty() || tables[0].rows != InputTable::kRowsNotKnown) {
+    if (!areSheets(tables)) {
         return badUsage(u"--sheet: '%1' is not a workbook that can be read"_s.arg(fileName));
     }
     // A name comes first: sheets may be named "2024".
@@ -52,12 +72,10 @@ CommandResult<std::optional<int>> sheetOf(const CommandLine &line, const QString
     }
     const int number = wanted.toInt();
     if (number < 1 || number > tables.size()) {
-        QStringList names;
-        for (const InputTable &table : tables.first(std::min(tables.size(), kListedTables))) {
-            names << u"'%1'"_s.arg(visibleText(table.path));
-        }
-        return badUsage(u"--sheet: '%1' has no sheet '%2'; its sheets are %3"_s.arg(
-            fileName, wanted, names.join(u", "_s)));
+        const QString names = namesOf(tables);
+        return badUsage(u"--sheet: '%1' has no sheet '%2'; its %3"_s.arg(
+            fileName, wanted,
+            tables.size() == 1 ? u"only sheet is "_s + names : u"sheets are "_s + names));
     }
     return std::optional(number - 1);
 }
@@ -90,13 +108,12 @@ void logTables(const QVector<InputTable> &tables)
     if (tables.size() < 2) {
         return;
     }
-    const bool areSheets = tables[0].rows == InputTable::kRowsNotKnown;
     const bool isOneChosen = std::any_of(tables.begin(), tables.end(),
                                          [](const InputTable &table) { return table.isChosen; });
     QString text =
-        areSheets && !isOneChosen
+        areSheets(tables) && !isOneChosen
             ? u"The file contains %1 sheets (--sheet NAME or NUMBER reads one):"_s
-        : areSheets
+        : areSheets(tables)
             ? u"The file contains %1 sheets; the marked one is read (--sheet NAME or NUMBER reads another):"_s
             : u"The file contains %1 tables; the marked one is read (--table NUMBER reads another):"_s;
     text = text.arg(tables.size());
@@ -108,6 +125,70 @@ void logTables(const QVector<InputTable> &tables)
     }
     text += tables.size() > kListedTables ? u"\n      ..."_s : QString();
     MainUI::addLog(MainUI::Info, text);
+}
+
+// ---- The sheet of a workbook that is written from a workbook.
+
+/// Whether a run creates a workbook, and does not update one.
+bool createsWorkbook(const ActionParameters &writer)
+{
+    const auto formats = writer.fileFormats();
+    const QVector<TargetUse> targets = writer.targets();
+    return std::any_of(formats.begin(), formats.end(),
+                       [](const FileFormat &format) {
+                           return format.use == FileFormat::Write &&
+                                  format.family == FileFormat::Workbook;
+                       }) &&
+           std::any_of(targets.begin(), targets.end(), [](const TargetUse &target) {
+               return target.access == TargetUse::Access::Create;
+           });
+}
+
+bool isSameFile(const QString &a, const QString &b)
+{
+    const QString name = QFileInfo(a).canonicalFilePath();
+    return !name.isEmpty() && name == QFileInfo(b).canonicalFilePath();
+}
+
+/// Name the sheet of the new workbook after the one that is read, and warn about all others.
+void keepSheet(const CommandLine &line, const QString &fileName, QVector<InputTable> sheets,
+               ActionParameters *writer)
+{
+    const auto chosen = std::find_if(sheets.begin(), sheets.end(),
+                                     [](const InputTable &sheet) { return sheet.isChosen; });
+    if (chosen == sheets.end()) {
+        return; // several sheets are joined
+    }
+    const QStringList settings = line.values.value(u"--writer"_s);
+    const bool hasName = std::any_of(settings.begin(), settings.end(), [](const QString &setting) {
+        return setting.startsWith("sheetName="_L1);
+    });
+    if (!hasName) {
+        writer->setParameterValue(writer->indexOfParameter(u"sheetName"_s), chosen->path);
+    }
+    sheets.erase(chosen);
+    if (!sheets.isEmpty()) {
+        MainUI::addLog(MainUI::Warning,
+                       u"Warning: %1 of '%2' %3 not copied (--sheet reads another one): %4"_s.arg(
+                           counted(sheets.size(), u"sheet"_s), fileName,
+                           sheets.size() == 1 ? u"is"_s : u"are"_s, namesOf(sheets)));
+    }
+}
+
+/// Prepare the writer for the sheets of the input. The fault is a usage error: the input would lose
+/// sheets.
+CommandResult<void> prepareSheets(const CommandLine &line, const QString &fileName,
+                                  const QVector<InputTable> &tables, ActionParameters *writer)
+{
+    if (!areSheets(tables) || !createsWorkbook(*writer)) {
+        return {};
+    }
+    if (tables.size() > 1 && isSameFile(fileName, line.arguments.last())) {
+        return badUsage(u"'%1' has %2 sheets, and the output would have only one; use another "
+                        "output name"_s.arg(fileName, QString::number(tables.size())));
+    }
+    keepSheet(line, fileName, tables, writer);
+    return {};
 }
 
 } // namespace
@@ -148,6 +229,11 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
         return badUsage(u"--table: '%1' does not contain several tables"_s.arg(fileName));
     }
     logTables(tables);
+    if (writer != nullptr) {
+        if (auto prepared = prepareSheets(line, fileName, tables, writer); !prepared) {
+            return prepared;
+        }
+    }
     if (writer != nullptr && writer->needsDateColumns()) {
         writer->setDateColumns(parameters->dateColumns());
     }

@@ -13,8 +13,8 @@ inline constexpr char kInputId[] = "input";
 CommandOptions inputOptions();
 
 /// Add the action that reads `fileName`; parameters that depend on the content of the file are set
-/// from its beginning. `writer`, if given, receives the columns that are dates; `notes`, if given,
-/// is set to what the file says about its columns.
+/// from its beginning. `writer`, if given, receives the columns that are dates and the name of the
+/// sheet that is copied; `notes`, if given, is set to what the file says about its columns.
 CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
                              const corvanta::ActionRegistry &registry, CorvantaGraph *graph,
                              ReadExtent extent = ReadExtent::Whole,

@@ -4,6 +4,7 @@
 
 #include "actions/read_excel_sheets/sheet_names.h"
 #include "actions/shared/file_series.h"
+#include "base/counted.h"
 
 using namespace Qt::StringLiterals;
 
@@ -52,11 +53,22 @@ bool ActionReadExcelSheets::openNext()
     }
     auto names = sheetNamesOf(*this, m_run.files[m_run.file]);
     if (!names) {
+        warnSkipped();
         return false;
     }
     m_run.names = *std::move(names);
     m_run.name = 0;
     return true;
+}
+
+/// A package that cannot be opened ends the action, also before further files.
+void ActionReadExcelSheets::warnSkipped()
+{
+    const qsizetype left = m_run.files.size() - m_run.file - 1;
+    if (left > 0 && runIsGood()) {
+        warn(u"Warning: %1 after it %2 not listed; the first is '%3'.\n"_s.arg(
+            counted(left, u"file"_s), left == 1 ? u"is"_s : u"are"_s, m_run.files[m_run.file + 1]));
+    }
 }
 
 /// One row: the file and the next of its sheets.

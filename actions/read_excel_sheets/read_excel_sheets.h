@@ -44,6 +44,7 @@ private:
     bool step() override;
     bool begin();
     bool openNext();
+    void warnSkipped();
     void putRow();
     void updateFraction();
 

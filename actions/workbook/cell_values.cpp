@@ -13,7 +13,7 @@ using sheet::NumberForm;
 
 namespace {
 
-/// Whether the number can be a key. -0 is none: a key would lose its sign.
+/// Whether the number can be a key. -0 cannot: a key would lose its sign.
 bool isKey(double value)
 {
     return value >= 0 && value < static_cast<double>(cell::kMissingKeyOther) &&
@@ -74,7 +74,7 @@ quint8 ValueRules::contentOf(const sheet::SheetCell &cell) const
         // An empty text is nothing that a program shows: formulas use it for "no value".
         return cell.text.empty() ? 0 : kHasTexts;
     case CellKind::Boolean:
-        return kHasTexts;
+        return kHasBooleans;
     case CellKind::Error:
         return errorsAreTexts ? kHasTexts : 0;
     case CellKind::IsoDate:
@@ -87,7 +87,7 @@ quint8 ValueRules::contentOf(const sheet::SheetCell &cell) const
     return serial ? ofNumber(*serial) : quint8(kHasTexts);
 }
 
-/// A text that is no date is missing; contentOf() makes its column a text column anyway.
+/// A text that is not a date is missing; contentOf() makes its column a text column anyway.
 double ValueRules::numberOf(const sheet::SheetCell &cell) const
 {
     return cell.kind == CellKind::IsoDate
@@ -104,7 +104,7 @@ int ValueRules::putText(const sheet::SheetCell &cell, char16_t *out) const
 
 int ValueRules::putNumber(const sheet::SheetCell &cell, char16_t *out) const
 {
-    // A number that is no date of the calendar has no date text; it keeps its digits.
+    // A number outside the calendar has no date text; it keeps its digits.
     const int units = datesAreTexts ? sheet::putDateText(cell.form, cell.number, uses1904, out) : 0;
     return units > 0 ? units
                      : cell::putNumberText(cell::Type::Double,

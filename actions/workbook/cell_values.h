@@ -11,13 +11,15 @@ namespace corvanta {
 enum ColumnContent : quint8 {
     kHasKeys = 1,       ///< whole numbers that a key can hold
     kHasNumbers = 2,    ///< other numbers
-    kHasTexts = 4,      ///< texts other than dates
+    kHasTexts = 4,      ///< texts other than those of the bits below
     kHasDates = 8,      ///< dates that are read as texts
     kHasDateTimes = 16, ///< dates with times that are read as texts
     kHasTimes = 32,     ///< times, durations, and dates that only worksheets have
+    kHasBooleans = 64,  ///< read as texts
 };
 /// The bits of what is read as text.
-inline constexpr quint8 kAllTexts = kHasTexts | kHasDates | kHasDateTimes | kHasTimes;
+inline constexpr quint8 kAllTexts =
+    kHasTexts | kHasDates | kHasDateTimes | kHasTimes | kHasBooleans;
 /// The bits of dates, with and without times.
 inline constexpr quint8 kAllDates = kHasDates | kHasDateTimes;
 

@@ -19,7 +19,7 @@ bool isOtherFormat(const WorkbookFormat &format, opc::FileKind kind)
                                                                  : kind == opc::FileKind::Package;
 }
 
-/// Why the file is no workbook, from its content, which may differ from its name.
+/// Why the file is not a workbook, from its content, which may differ from its name.
 QString refusal(const WorkbookFormat &format, const Fault<sheet::WorkbookError> &fault,
                 ByteSource &source)
 {
@@ -38,7 +38,7 @@ QString refusal(const WorkbookFormat &format, const Fault<sheet::WorkbookError> 
         // Documents of other programs are packages and compound files too.
         const auto other = format.makeOther(source);
         if (!other && other.fault().code == sheet::WorkbookError::NotAWorkbook) {
-            return u"its content is no workbook: %1"_s.arg(other.fault().detail);
+            return u"its content is not a workbook: %1"_s.arg(other.fault().detail);
         }
         return u"its content is that of an %1, whatever its name says; read it with %2 or give it "
                "the right extension"_s.arg(QLatin1StringView(format.otherKind),

@@ -1,4 +1,4 @@
-// Opens a file as a workbook, and says what it is when it is none.
+// Opens a file as a workbook, and says what it is when it is something else.
 #pragma once
 #include "codecs/sheet/workbook_reader.h"
 #include "corvanta/action_base.h"
@@ -31,7 +31,7 @@ struct WorkbookFormat
 
 enum class WorkbookOpenError : quint8 {
     Missing, ///< no such file, or not accessible
-    Refused, ///< a file that is no readable workbook
+    Refused, ///< not a readable workbook
 };
 
 /// Open `name` (expanded). The detail of a fault is the reason in words; for Refused, what the file

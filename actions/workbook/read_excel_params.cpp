@@ -73,7 +73,8 @@ ParamGroup<P> values()
         number("scanRows", &P::scanRows)
             .range(0, 1048576)
             .label("Rows that decide types")
-            .meaning("Rows that decide whether a column has numbers or texts; 0: all. A number "
+            .meaning("Rows with cells that decide whether a column has numbers or texts; 0: all. A "
+                     "number "
                      "column becomes a text column when a later row has a text, with a warning."),
         flag("sampleOnly", &P::sampleOnly)
             .label("Do not check later rows")

@@ -48,7 +48,7 @@ struct ReadExcelParams
     QString range;
     /// Rows at the beginning of the sheet or range that are not read.
     int skipRows = 0;
-    /// Rows whose cells decide the types of columns first; 0: all.
+    /// Rows with cells that decide the types of columns first; 0: all.
     int scanRows = 0;
     /// Only scanRows rows decide the types. A later cell of another type fails the run.
     bool sampleOnly = false;

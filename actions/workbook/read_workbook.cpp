@@ -3,10 +3,13 @@
 #include "actions/workbook/read_workbook.h"
 
 #include "actions/workbook/workbook_file.h"
+#include "base/counted.h"
 #include "codecs/sheet/cell_area.h"
 #include "corvanta/failure_reason.h"
 
 #include <QScopeGuard>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -65,6 +68,7 @@ void ReadWorkbook::start()
     m_planned.clear();
     m_columns = {};
     m_sheetNameColumn = -1;
+    m_mixedNotes.reset();
     m_run = expandedParams();
 }
 
@@ -77,7 +81,7 @@ ReadExcelParams ReadWorkbook::expandedParams() const
     return params;
 }
 
-/// What is said about a sheet name that nothing uses; empty: it is used, or there is none.
+/// The message about a sheet name that nothing uses; empty: it is used, or there is none.
 QString ReadWorkbook::unusedName() const
 {
     const QString &name = readerParams().sheetName;
@@ -190,9 +194,9 @@ bool ReadWorkbook::reportOpenFault(const QString &name, const Fault<WorkbookOpen
     if (fault.code == WorkbookOpenError::Refused) {
         return fail(u"Error: The workbook '%1' cannot be read: %2\n"_s.arg(name, fault.detail));
     }
-    const bool goesOn = reportMissing(name);
+    const bool continues = reportMissing(name);
     logReason(fault.detail);
-    return goesOn;
+    return continues;
 }
 
 bool ReadWorkbook::planFile(const QString &name, bool keepsOpen)
@@ -254,7 +258,7 @@ bool ReadWorkbook::addColumns(const QString &name, const PlannedFile &file)
         const SheetTask &task = file.tasks[i];
         const auto mismatch = m_columns.add(task, file.columns[i], !m_run.unionByName);
         if (mismatch && mismatch->kind == SheetMismatch::Kind::Count) {
-            return fail(u"Error: The sheet '%2' of the workbook '%1' has %3 columns instead of "
+            return fail(u"Error: The sheet '%2' of the workbook '%1' has %3 instead of "
                         "%4; use unionByName='1' to join columns by name\n"_s.arg(
                             name, task.name, mismatch->found, mismatch->first));
         }
@@ -266,6 +270,7 @@ bool ReadWorkbook::addColumns(const QString &name, const PlannedFile &file)
                     mismatch->first));
         }
         warnColumns(name, task, file.columns[i]);
+        noteMixed(task, file.columns[i]);
         if (!checkSize(name, task, file.columns[i])) {
             return false;
         }
@@ -296,9 +301,10 @@ void ReadWorkbook::warnColumns(const QString &name, const SheetTask &task,
                                    columns.firstLeftOut));
     }
     if (task.scan.errors.any()) {
-        warn(u"Warning: %3 error cells of the sheet '%2' of the workbook '%1' are missing; the "
-             "first is %4\n"_s.arg(name, task.name, QString::number(task.scan.errors.count()),
-                                   task.scan.errors.first()));
+        warn(u"Warning: %3 of the sheet '%2' of the workbook '%1' %4 read as missing; the first is "
+             "%5\n"_s.arg(name, task.name, counted(task.scan.errors.count(), u"error cell"_s),
+                          task.scan.errors.count() == 1 ? u"is"_s : u"are"_s,
+                          task.scan.errors.first()));
     }
     if (!task.scan.isComplete) {
         MainUI::addLog(MainUI::Info,
@@ -307,15 +313,33 @@ void ReadWorkbook::warnColumns(const QString &name, const SheetTask &task,
     }
 }
 
+/// Say which columns of the sheet are texts because of a few of their values.
+void ReadWorkbook::noteMixed(const SheetTask &task, const TaskColumns &columns)
+{
+    for (const MixedColumn &mixed : task.scan.mixed) {
+        const auto at = std::ranges::lower_bound(columns.scanned, mixed.column);
+        if (m_run.allText || at == columns.scanned.end() || *at != mixed.column) {
+            continue;
+        }
+        m_mixedNotes.add(u"The column '%1' of the sheet '%2' is text because of '%3' in %4; %5 of "
+                         "its %6 values are %7\n"_s.arg(columns.names[at - columns.scanned.begin()],
+                                                        task.name, mixed.other, mixed.place,
+                                                        QString::number(mixed.count),
+                                                        QString::number(mixed.values), mixed.kind));
+    }
+}
+
 /// Report the columns that are texts because of a cell after the sample.
 void ReadWorkbook::warnLateTexts()
 {
     const std::vector<LateText> &late = m_columns.lateTexts();
     if (!late.empty() && !m_run.allText) {
-        warn(u"Warning: %1 columns have only numbers in the first %2 rows and other values later; "
-             "they are read as texts; the first is '%3', in %4\n"_s.arg(
-                 QString::number(late.size()), QString::number(m_run.scanRows), late.front().column,
-                 late.front().place));
+        const bool isOne = late.size() == 1;
+        warn(u"Warning: %1 only numbers in the first %2 and other values later; %3 read as "
+             "text; the first is '%4', in %5\n"_s.arg(
+                 counted(std::ssize(late), u"column"_s) + (isOne ? u" has"_s : u" have"_s),
+                 counted(m_run.scanRows, u"row"_s), isOne ? u"it is"_s : u"they are"_s,
+                 late.front().column, late.front().place));
     }
 }
 
@@ -438,7 +462,7 @@ DateColumns ReadWorkbook::dateColumns()
 QVector<InputTable> ReadWorkbook::listTables()
 {
     QVector<InputTable> sheets;
-    const ReadExcelParams &params = readerParams();
+    const ReadExcelParams params = expandedParams();
     const auto file = openFirst();
     if (!file) {
         return sheets;
@@ -452,11 +476,12 @@ QVector<InputTable> ReadWorkbook::listTables()
         table.path = info.name;
         table.rows = InputTable::kRowsNotKnown;
         table.beginning = notesOf(info);
-        table.isChosen = params.sheets == SheetChoice::Selected && staysOnSheet(params.range) &&
-                         (params.sheetMode == SheetSelection::ByName
-                              ? info.name == params.sheetName
-                              : params.sheetIdx.toLongLong() == sheets.size() + 1);
         sheets << table;
+    }
+    const bool isOne = params.sheets != SheetChoice::All && params.sheets != SheetChoice::Matching;
+    const auto chosen = TaskMaker(params, **reader).chooseSheets();
+    if (chosen && isOne && staysOnSheet(params.range)) {
+        sheets[static_cast<qsizetype>(chosen->front())].isChosen = true;
     }
     return sheets;
 }

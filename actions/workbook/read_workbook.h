@@ -68,6 +68,7 @@ private:
     bool addColumns(const QString &name, const PlannedFile &file);
     bool checkSize(const QString &name, const SheetTask &task, const TaskColumns &columns);
     void warnColumns(const QString &name, const SheetTask &task, const TaskColumns &columns);
+    void noteMixed(const SheetTask &task, const TaskColumns &columns);
     void warnLateTexts();
     QString unusedName() const;
     void setScanned(sheet::WorkbookReader *reader);
@@ -86,6 +87,8 @@ private:
     std::map<QString, std::shared_ptr<PlannedFile>> m_planned;
     TableColumns m_columns;
     int m_sheetNameColumn = -1;
+    CappedLog m_mixedNotes{MainUI::Info, 20,
+                           QStringLiteral("More columns are text because of a few values\n")};
     FileSeries m_series{*this};
 
     std::mutex m_mutex;

@@ -1,5 +1,5 @@
-// The scan looks at every cell once and keeps only a set of bits per column. A sheet of any length
-// needs the same memory.
+// The scan looks at every cell once and keeps only bits and counts per column. A sheet of any
+// length needs the same memory.
 #include "actions/workbook/sheet_scan.h"
 
 #include "codecs/sheet/cell_area.h"
@@ -33,11 +33,22 @@ public:
         }
         if (step.kind == WalkStep::Kind::Row) {
             takeRow(step);
+            ++m_rows;
         }
-        m_rows += step.count;
         return m_options.sampleRows == 0 || !m_options.sampleOnly || m_rows < m_options.sampleRows;
     }
     SheetScan &result() { return m_result; }
+    /// All rows are taken: note the columns that a few values make text columns.
+    void finish()
+    {
+        constexpr size_t kMaxMixed = 20;
+        for (size_t i = 0; i < m_kinds.size() && m_result.mixed.size() < kMaxMixed; ++i) {
+            if (auto mixed = m_kinds[i].mixed()) {
+                mixed->column = i;
+                m_result.mixed.push_back(*std::move(mixed));
+            }
+        }
+    }
     bool isSampled() const { return m_options.sampleRows == 0 || m_rows < m_options.sampleRows; }
 
 private:
@@ -69,17 +80,31 @@ private:
         m_result.lastRow = step.row;
         m_result.cells += static_cast<qint64>(step.cells.size());
         column(step.cells.back().column); // makes room for the others
+        m_kinds.resize(m_result.columns.size());
         const bool isSampled = this->isSampled();
         ScannedColumn *const columns = m_result.columns.data();
         for (const sheet::SheetCell &cell : step.cells) {
-            ScannedColumn &one = columns[cell.column - m_options.walk.area.firstColumn];
+            const auto index = static_cast<size_t>(cell.column - m_options.walk.area.firstColumn);
             const quint8 content = m_options.rules.contentOf(cell);
-            if ((content & ~one.content) != 0) {
-                addContent(content, isSampled, step.row, &one);
-            } else if (content == 0 && cell.kind == sheet::CellKind::Error) {
-                m_result.errors.add(
-                    [&] { return u"cell %1"_s.arg(sheet::cellName(cell.column, step.row)); });
+            if (content == 0) {
+                addMissing(cell, step.row);
+                continue;
             }
+            if (m_kinds[index].add(content)) {
+                m_kinds[index].setFirst(content, step.row, cell.column,
+                                        m_options.rules.textOf(cell));
+            }
+            if ((content & ~columns[index].content) != 0) {
+                addContent(content, isSampled, step.row, &columns[index]);
+            }
+        }
+    }
+    /// Count a cell without a value if it had an error.
+    void addMissing(const sheet::SheetCell &cell, qint64 row)
+    {
+        if (cell.kind == sheet::CellKind::Error) {
+            m_result.errors.add(
+                [&] { return u"cell %1"_s.arg(sheet::cellName(cell.column, row)); });
         }
     }
     /// Add what the column did not have yet, and note the first row that changes its type.
@@ -96,7 +121,8 @@ private:
 
     const ScanOptions &m_options;
     bool m_needsHeader = m_options.hasHeader;
-    qint64 m_rows = 0; // of data
+    qint64 m_rows = 0;                // with cells
+    std::vector<ColumnKinds> m_kinds; // of the columns
     SheetScan m_result;
 };
 
@@ -115,6 +141,7 @@ sheet::WorkbookResult<SheetScan> scanSheet(std::unique_ptr<sheet::SheetRows> row
         if (step->kind == WalkStep::Kind::End || !scan.take(*step)) {
             scan.result().isComplete = step->kind == WalkStep::Kind::End;
             scan.result().problems = walker.rows().problems();
+            scan.finish();
             return std::move(scan.result());
         }
     }

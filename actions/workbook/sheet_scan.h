@@ -1,6 +1,7 @@
 // Reads a sheet once to find its columns: their names, their content and where the rows are.
 #pragma once
 #include "actions/workbook/cell_values.h"
+#include "actions/workbook/column_kinds.h"
 #include "actions/workbook/sheet_walker.h"
 #include "base/occurrences.h"
 
@@ -28,6 +29,7 @@ struct SheetScan
     qint64 cells = 0;
     bool isComplete = true;             ///< false if the scan ended after the sample
     std::vector<ScannedColumn> columns; ///< from the first column of the area
+    std::vector<MixedColumn> mixed;     ///< the first ones
     Occurrences errors;                 ///< error cells that are missing
     sheet::SheetProblems problems;
 };
@@ -40,7 +42,7 @@ struct ScanOptions
     bool hasHeader = true;
     /// The header is the first row of the area, also an empty one. Else it is the first with cells.
     bool headerIsFirstRow = false;
-    qint64 sampleRows = 0; ///< 0: all
+    qint64 sampleRows = 0; ///< rows with cells; 0: all
     bool sampleOnly = false;
 };
 

@@ -83,10 +83,11 @@ std::vector<size_t> TaskMaker::sheetsOf(const QString &pattern) const
     return sheets;
 }
 
-/// A message stays readable for workbooks with hundreds of sheets.
+/// The end of a message, which stays readable for workbooks with hundreds of sheets.
 QString TaskMaker::listOfSheets() const
 {
     constexpr size_t kMaxListed = 20;
+    const size_t count = m_reader.sheets().size();
     QStringList names;
     for (const sheet::SheetInfo &info : m_reader.sheets()) {
         if (names.size() == static_cast<qsizetype>(kMaxListed)) {
@@ -95,7 +96,9 @@ QString TaskMaker::listOfSheets() const
         }
         names << u"'%1'"_s.arg(info.name);
     }
-    return names.join(u", "_s);
+    const QString list = names.join(u", "_s);
+    return count == 1 ? u"its only sheet is %1"_s.arg(list)
+                      : u"its %1 sheets are %2"_s.arg(QString::number(count), list);
 }
 
 TaskMaker::Sheets TaskMaker::sheetOfNumber()
@@ -105,8 +108,7 @@ TaskMaker::Sheets TaskMaker::sheetOfNumber()
     const auto count = static_cast<qlonglong>(m_reader.sheets().size());
     if (!isNumber || number < 1 || number > count) {
         return Fault{TaskError::NotFound,
-                     u"no sheet number '%1', its %2 sheets are %3"_s.arg(
-                         m_params.sheetIdx, QString::number(count), listOfSheets())};
+                     u"no sheet number '%1', %2"_s.arg(m_params.sheetIdx, listOfSheets())};
     }
     const auto index = static_cast<size_t>(number - 1);
     if (hasCells(index)) {
@@ -118,7 +120,7 @@ TaskMaker::Sheets TaskMaker::sheetOfNumber()
         m_skippedChart = m_reader.sheets()[0].name;
         return std::vector<size_t>{others.front()};
     }
-    return Fault{TaskError::NotFound, u"no cells in its sheet '%1', which is no worksheet"_s.arg(
+    return Fault{TaskError::NotFound, u"no cells in its sheet '%1', which is not a worksheet"_s.arg(
                                           m_reader.sheets()[index].name)};
 }
 
@@ -133,8 +135,8 @@ TaskMaker::Sheets TaskMaker::sheetOfName()
             }
         }
     }
-    return Fault{TaskError::NotFound, u"no sheet '%1' with cells, its sheets are %2"_s.arg(
-                                          m_params.sheetName, listOfSheets())};
+    return Fault{TaskError::NotFound,
+                 u"no sheet '%1' with cells, %2"_s.arg(m_params.sheetName, listOfSheets())};
 }
 
 TaskMaker::Sheets TaskMaker::selectedSheet()
@@ -172,8 +174,7 @@ TaskMaker::Sheets TaskMaker::firstWithData()
             return std::vector<size_t>{sheet};
         }
     }
-    return Fault{TaskError::NotFound,
-                 u"no sheet with data, its sheets are %1"_s.arg(listOfSheets())};
+    return Fault{TaskError::NotFound, u"no sheet with data, %1"_s.arg(listOfSheets())};
 }
 
 TaskMaker::Sheets TaskMaker::chooseSheets()
@@ -186,9 +187,8 @@ TaskMaker::Sheets TaskMaker::chooseSheets()
     case SheetChoice::Matching: {
         const std::vector<size_t> sheets = sheetsOf(m_params.sheetName);
         if (sheets.empty()) {
-            return Fault{TaskError::NotFound,
-                         u"no sheet that matches '%1', its sheets are %2"_s.arg(m_params.sheetName,
-                                                                                listOfSheets())};
+            return Fault{TaskError::NotFound, u"no sheet that matches '%1', %2"_s.arg(
+                                                  m_params.sheetName, listOfSheets())};
         }
         return sheets;
     }
@@ -254,7 +254,7 @@ Result<bool, TaskError> TaskMaker::setArea(const sheet::SheetArea &area, SheetTa
         }
     }
     return Fault{TaskError::NotFound,
-                 u"no sheet '%1' with cells, its sheets are %2"_s.arg(area.sheet, listOfSheets())};
+                 u"no sheet '%1' with cells, %2"_s.arg(area.sheet, listOfSheets())};
 }
 
 /// Set the cells that the parameter selects.
@@ -275,8 +275,7 @@ Result<bool, TaskError> TaskMaker::applyRange(SheetTask *task)
     }
     return Fault{
         TaskError::NotFound,
-        u"no table or defined name '%1', which is no range of cells such as B2:D9 either"_s.arg(
-            range)};
+        u"no table or defined name '%1'; a range of cells is written as B2:D9"_s.arg(range)};
 }
 
 // ---- Tasks.

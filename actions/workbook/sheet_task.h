@@ -43,6 +43,9 @@ public:
 
     /// The sheets, scanned. Errors: NotFound, Unreadable (see fault()).
     Result<std::vector<SheetTask>, TaskError> make();
+    /// The sheets that the parameters select without their range, by index, in the order of the
+    /// workbook. Errors: those of make().
+    Result<std::vector<size_t>, TaskError> chooseSheets();
     /// Why the workbook is Unreadable.
     const Fault<sheet::WorkbookError> &fault() const { return m_fault; }
     /// The chart before the first worksheet that is read instead of it; empty: none.
@@ -52,15 +55,13 @@ private:
     using Sheets = Result<std::vector<size_t>, TaskError>;
 
     Fault<TaskError> unreadable(const Fault<sheet::WorkbookError> &fault);
-    // The sheets that the parameters name, by index, in the order of the workbook.
-    Sheets chooseSheets();
     Sheets selectedSheet();
     Sheets sheetOfNumber();
     Sheets sheetOfName();
     Sheets firstWithData();
     /// Those with cells whose names match; no others are read by a pattern.
     std::vector<size_t> sheetsOf(const QString &pattern) const;
-    /// For messages: the first names, quoted.
+    /// For messages: "its only sheet is 'a'", or how many there are and the first names.
     QString listOfSheets() const;
     /// Reads the sheet up to its first cell.
     Result<bool, TaskError> hasData(size_t sheet);

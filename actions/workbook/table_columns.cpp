@@ -2,6 +2,7 @@
 // there twice get numbers, so that columns of several sheets can be joined by name.
 #include "actions/workbook/table_columns.h"
 
+#include "base/counted.h"
 #include "codecs/sheet/cell_text.h"
 #include "codecs/sheet/sheet_writer.h"
 
@@ -46,7 +47,7 @@ QString uniqueName(const QString &name, std::set<QString> *taken,
     return unique;
 }
 
-/// The type of a column. After a sample, a fraction can still follow: it is then no key.
+/// The type of a column. After a sample, a fraction can still follow: it is then not a key.
 cell::Type safeType(quint8 content, bool isComplete)
 {
     const cell::Type type = typeOf(content);
@@ -109,7 +110,7 @@ std::optional<SheetMismatch> TableColumns::add(const SheetTask &task, const Task
     const auto count = static_cast<qsizetype>(m_columns.size());
     if (!isFirst && isStrict && !columns.names.isEmpty() && columns.names.size() != count) {
         return SheetMismatch{Kind::Count, 0, QString::number(count),
-                             QString::number(columns.names.size())};
+                             counted(columns.names.size(), u"column"_s)};
     }
     m_isComplete = m_isComplete && task.scan.isComplete;
     for (qsizetype i = 0; i < columns.names.size(); ++i) {

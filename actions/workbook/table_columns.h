@@ -29,8 +29,8 @@ struct SheetMismatch
     enum class Kind : quint8 { Count, Name };
     Kind kind = Kind::Count;
     qsizetype column = 0; ///< from 0; of Name
-    QString first;        ///< count or name in the first sheet
-    QString found;
+    QString first;        ///< number of columns, or the name, in the first sheet
+    QString found;        ///< the same in this sheet: "1 column", or a name
 };
 
 /// A column whose type the cells after the sample have changed to text.

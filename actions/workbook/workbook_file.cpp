@@ -2,6 +2,7 @@
 // stopped between any two rows; a gap of empty rows is one step and is delivered row by row.
 #include "actions/workbook/workbook_file.h"
 
+#include "base/counted.h"
 #include "codecs/sheet/cell_area.h"
 
 #include <utility>
@@ -9,6 +10,18 @@
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
+
+namespace {
+
+/// What a reader repaired, and how.
+struct ProblemText
+{
+    const char16_t *noun;
+    const char16_t *what;
+    const char16_t *effect;
+};
+
+} // namespace
 
 WorkbookFile::WorkbookFile(ActionBase &action, QString name, OpenWorkbook workbook,
                            std::vector<SheetDelivery> sheets, std::vector<cell::Type> types,
@@ -138,7 +151,7 @@ bool WorkbookFile::take(const WalkStep &step, OneRow &row, Found *found)
     case WalkStep::Kind::End:
         return closeSheet();
     case WalkStep::Kind::Empty:
-        // Those before the header are no rows of the table.
+        // Those before the header are not rows of the table.
         m_emptyRows = std::max<qint64>(0, step.row + step.count - std::max(step.row, firstRow));
         return true;
     case WalkStep::Kind::Row:
@@ -185,22 +198,24 @@ void WorkbookFile::beforeClose()
 /// One warning per kind of problem.
 void WorkbookFile::warnProblems(const sheet::SheetProblems &problems)
 {
-    static const std::array<const char16_t *, sheet::kSheetProblems> kTexts{
-        u"cells without a valid reference; they follow the cells before them",
-        u"cells with a value that is no number; they are read as texts",
-        u"cells with the number of a text that does not exist; they are left out",
-        u"cells that are there twice; the last one counts",
-        u"rows that are not in order; the rows are sorted",
-        u"cells beyond the last column or row of a sheet; they are left out",
-        u"texts with bytes that are no characters; they are replaced by U+FFFD",
-        u"formulas without a stored result; they are missing",
-    };
+    static constexpr std::array<ProblemText, sheet::kSheetProblems> kTexts{{
+        {u"cell", u"without a valid reference", u"put after the previous cell"},
+        {u"cell", u"with an invalid number", u"read as text"},
+        {u"cell", u"with the number of a missing text", u"left out"},
+        {u"cell", u"with several values", u"the last value counts"},
+        {u"row", u"in the wrong order", u"sorted by row number"},
+        {u"cell", u"beyond the last column or row of a sheet", u"left out"},
+        {u"text", u"with invalid bytes", u"replaced by U+FFFD"},
+        {u"formula", u"without a stored result", u"read as missing"},
+    }};
     for (size_t i = 0; i < problems.size(); ++i) {
         if (problems[i].any()) {
             m_action.warn(
-                u"Warning: The sheet '%2' of the workbook '%1' has %3 %4; the first is %5\n"_s.arg(
-                    m_name, sheet().task.name, QString::number(problems[i].count()),
-                    QString::fromUtf16(kTexts[i]), problems[i].first()));
+                u"Warning: The sheet '%2' of the workbook '%1' has %3 %4 (%5); the first is %6\n"_s
+                    .arg(m_name, sheet().task.name,
+                         counted(problems[i].count(), QString::fromUtf16(kTexts[i].noun)),
+                         QString::fromUtf16(kTexts[i].what), QString::fromUtf16(kTexts[i].effect),
+                         problems[i].first()));
         }
     }
 }

@@ -8,7 +8,7 @@ namespace corvanta {
 
 namespace {
 
-/// Open a workbook of one format behind the interface of all.
+/// Open a workbook of one format.
 template <class Reader>
 sheet::WorkbookResult<std::unique_ptr<sheet::WorkbookReader>> makeReader(ByteSource &source)
 {

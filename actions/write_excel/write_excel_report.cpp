@@ -3,6 +3,7 @@
 // Cells are counted while the rows are written and reported after them. Names are written as they
 // are, because other programs accept what some spreadsheet programs reject.
 #include "actions/write_excel/write_excel.h"
+#include "base/counted.h"
 #include "codecs/xlsx/name_rules.h"
 
 #include <algorithm>
@@ -46,12 +47,6 @@ QString shown(std::u16string_view text)
     const QString whole(reinterpret_cast<const QChar *>(text.data()),
                         static_cast<qsizetype>(text.size()));
     return whole.size() > kMaxShownUnits ? whole.left(kMaxShownUnits) + u"..."_s : whole;
-}
-
-/// "1 text", "2 texts".
-QString counted(qint64 count, const QString &noun)
-{
-    return QString::number(count) + u' ' + noun + (count == 1 ? QString() : u"s"_s);
 }
 
 } // namespace

@@ -26,7 +26,7 @@ ReportData::Column *ReportData::find(const ChartAxis &source) const
 
 const QString *ReportData::startPin(int pin, const OneRow &row)
 {
-    // The columns of this pin only: addRow() runs for every row and should not search them.
+    // addRow() runs for every row and should search only the columns of this pin.
     m_ofPin.clear();
     for (const auto &column : m_columns) {
         if (column->source.pinIdx != pin) {

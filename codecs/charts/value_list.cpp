@@ -1,4 +1,4 @@
-// The texts follow each other without separators; their lengths are in a list of their own:
+// The texts are stored without separators; their lengths are in an array of their own:
 //
 //   bytes     "Jan" "" "March"        UTF-8
 //   lengths    3     0  5             in bytes, 32 bits each

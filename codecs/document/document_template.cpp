@@ -218,7 +218,7 @@ Result<QByteArray, Error> DocumentTemplate::typesWith(const Media &media)
     opc::ContentTypes types = *m_types;
     for (const auto &[name, image] : media) {
         const QByteArray extension = image->extension.toLower();
-        // Programs expect one of these two for every stored picture.
+        // For every stored picture, programs expect that one of these two kinds is declared.
         const bool isJpeg = extension == "jpg" || extension == "jpeg";
         const ImageKind usual = isJpeg ? ImageKind::Jpeg : ImageKind::Png;
         types.declareExtension(extensionOf(usual), mediaTypeOf(usual));

@@ -43,8 +43,8 @@ qint64 toMs(QDate date, QTime time)
     return QDateTime(date, time, Qt::UTC).toMSecsSinceEpoch();
 }
 
-/// The time in what follows the date in a text of ISO 8601; invalid when it is no time. A zone is
-/// read and left out: cells have no zone.
+/// The time in what follows the date in a text of ISO 8601; invalid when it is not a time. A zone
+/// is read and left out: cells have no zone.
 QTime isoTime(QStringView text)
 {
     static const QRegularExpression kTime(

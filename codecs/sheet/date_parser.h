@@ -52,7 +52,7 @@ private:
     void compile();
     // Milliseconds since 1970-01-01; std::nullopt when the text does not have the format.
     std::optional<qint64> fixedWidthMs(std::u16string_view text) const;
-    /// Milliseconds since 1970-01-01 of a text; nothing for one that is no date.
+    /// Milliseconds since 1970-01-01 of a text; nothing for one that is not a date.
     std::optional<qint64> msOf(std::u16string_view text);
     std::optional<qint64> slowMs(std::u16string_view text);
     std::optional<qint64> parsedMs(const QString &text) const;

@@ -35,7 +35,7 @@ constexpr qint64 kFictitiousDay = 60;
 class Text
 {
 public:
-    /// `value`, with zeros in front of it up to `digits` digits.
+    /// `value`, with zeros before it up to `digits` digits.
     void number(qint64 value, int digits)
     {
         std::array<char, kNumberChars> text{};

@@ -14,7 +14,7 @@ inline constexpr int kDateTextUnits = 48;
 /// "2024-02-29T12:30:00", "12:30:00" or, for durations, hours without a limit "255:10:10".
 /// Milliseconds follow if there are any. A date has a time if the serial has one, whatever the form
 /// says, so that nothing is lost. Serial 60 of the calendar from 1900 is 1900-02-29. Returns the
-/// units; 0 for General and for a serial that is no date (before the first day, after 9999).
+/// units; 0 for General and for a serial that is not a date (before the first day, after 9999).
 int putDateText(NumberForm form, double serial, bool uses1904, char16_t *out);
 
 /// The serial of an ISO 8601 date, date with time, or time, in the calendar of the workbook.

@@ -184,15 +184,13 @@ public:
         // Rows that the source leaves out, inside an area that has begun.
         endAreas();
         if (m_number < m_row.number && !m_active.empty()) {
-            fill({m_number++, false, {}}, row);
-            return true;
+            return fill({m_number++, false, {}}, row);
         }
         m_number = m_row.number;
         beginAreas();
         m_hasRow = false;
-        fill(m_row, row);
         ++m_number;
-        return true;
+        return fill(m_row, row);
     }
     double fractionDone() const override { return m_source->fractionDone(); }
     const SheetProblems &problems() const override { return m_source->problems(); }
@@ -209,11 +207,16 @@ private:
     {
         std::erase_if(m_active, [&](const ActiveArea &one) { return one.area.lastRow < m_number; });
     }
-    /// Begin the areas whose first row is m_row. An area whose first row has no cells is empty.
+    /// Begin the areas whose first row is m_row, up to one more than fill() accepts. An area whose
+    /// first row has no cells is empty.
     void beginAreas()
     {
         endAreas();
-        for (; m_next < m_merged.size() && m_merged[m_next].firstRow <= m_number; ++m_next) {
+        const auto isBegun = [&] {
+            return m_next < m_merged.size() && m_merged[m_next].firstRow <= m_number &&
+                   std::ssize(m_active) <= kMaxRowFilled;
+        };
+        for (; isBegun(); ++m_next) {
             // The source left out its first row, and with it the value.
             if (m_merged[m_next].firstRow < m_number) {
                 continue;
@@ -228,13 +231,19 @@ private:
             }
         }
     }
-    /// `from` with the cells of the areas.
-    void fill(const SheetRow &from, SheetRow *to)
+    /// `from` with the cells of the areas. Returns true. Errors: TooLarge.
+    WorkbookResult<bool> fill(const SheetRow &from, SheetRow *to)
     {
         m_cells.assign(from.cells.begin(), from.cells.end());
+        qint64 filled = 0;
         for (const ActiveArea &one : m_active) {
             SheetCell cell = one.first.cells.front();
             const int last = lastFilled(one.area);
+            filled += last - one.area.firstColumn + 1;
+            if (filled > kMaxRowFilled || m_filled + filled > kMaxFilled) {
+                return Fault{WorkbookError::TooLarge,
+                             u"its merged ranges have too many cells; use fillMerged='0'"_s};
+            }
             for (cell.column = one.area.firstColumn; cell.column <= last; ++cell.column) {
                 m_cells.push_back(cell);
             }
@@ -242,8 +251,15 @@ private:
         if (!m_active.empty()) {
             orderCells(&m_cells);
         }
+        m_filled += filled;
         *to = {from.number, from.isHidden, m_cells};
+        return true;
     }
+
+    // Cells that are filled, of a row and of all rows. Areas of whole sheets, or many at one place,
+    // would take hours and gigabytes.
+    static constexpr qint64 kMaxRowFilled = qint64(64) << 10;
+    static constexpr qint64 kMaxFilled = qint64(32) << 20;
 
     std::unique_ptr<SheetRows> m_source;
     std::vector<CellArea> m_merged; // by their first rows
@@ -252,6 +268,7 @@ private:
     SheetRow m_row;
     bool m_hasRow = false; // m_row is not delivered yet
     qint64 m_number = 0;   // of the next row
+    qint64 m_filled = 0;   // cells of all rows
     std::vector<SheetCell> m_cells;
 };
 

@@ -14,6 +14,7 @@ std::unique_ptr<SheetRows> sortedRows(std::unique_ptr<SheetRows> rows, qint64 ma
 
 /// The rows of `rows`, which are in order, with every cell of the areas set to the first cell of
 /// its area. Rows inside areas that `rows` leaves out are added, but none after its last row.
+/// Errors of next(): also TooLarge for areas of tens of millions of cells.
 std::unique_ptr<SheetRows> filledRows(std::unique_ptr<SheetRows> rows,
                                       std::vector<CellArea> merged);
 

@@ -95,7 +95,7 @@ struct DefinedName
     QString name;
     int scope = -1; ///< index of the only sheet that knows the name; -1: all know it
     int sheet = -1; ///< index of the sheet with the area; -1 without an area
-    /// What the name stands for, if that is one area of one sheet.
+    /// The area of the name, if it has one area of one sheet.
     std::optional<CellArea> area;
 };
 
@@ -106,10 +106,10 @@ struct TableInfo
     int sheet = 0;
     CellArea area; ///< with the header row and the rows of totals
     bool hasHeader = true;
-    int totalsRows = 0; ///< rows at the end that are no data
+    int totalsRows = 0; ///< rows at the end that are not data
 };
 
-/// What a sheet has beside its cells.
+/// What a sheet has apart from its cells.
 struct SheetLayout
 {
     std::vector<CellArea> merged;
@@ -124,7 +124,7 @@ enum class SheetProblem : quint8 {
     RepeatedCell, ///< a second cell at one place; the last one counts
     RowOrder,     ///< a row that does not follow the one before it
     OutOfSheet,   ///< a cell beyond the last column or row that the format has; left out
-    BadText,      ///< bytes that are no text in the file's encoding; replaced
+    BadText,      ///< bytes that are invalid in the file's encoding; replaced
     NoResult,     ///< a formula whose result the file does not store; left out
 };
 inline constexpr size_t kSheetProblems = 8;
@@ -171,7 +171,7 @@ public:
     virtual const std::vector<DefinedName> &definedNames() const = 0;
     /// All tables of all sheets. Like layout(), not while a sheet is open.
     virtual WorkbookResult<std::vector<TableInfo>> tables() = 0;
-    /// What sheet `index` has beside its cells. May read the whole sheet.
+    /// What sheet `index` has apart from its cells. May read the whole sheet.
     virtual WorkbookResult<SheetLayout> layout(size_t index) = 0;
     /// Read sheet `index` from its start. A sheet without cells gives no rows. At most one sheet is
     /// open at a time.

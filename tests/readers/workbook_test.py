@@ -6,13 +6,17 @@ The golden files hold the first worksheet of each workbook as another program re
 import csv
 import io
 import json
+import os
 import pathlib
 import re
 import subprocess
 import sys
 import tempfile
 import unittest
+import unittest.mock
 import zipfile
+
+import openpyxl
 
 CORVANTA = sys.argv.pop(1)
 CORPUS = pathlib.Path(sys.argv.pop(1)) / "xlsx"
@@ -139,7 +143,7 @@ class Workbooks(unittest.TestCase):
         rows, messages = self.read("dates='1' errorCells='1'")
         self.assertEqual([row[4] for row in rows[1:]], ["60", "45000.5", "10.5", "0.5"])
         self.assertEqual(rows[4][2], "")
-        self.assertIn("Warning: 1 error cells of the sheet 'a' of the workbook 'book.xlsx' are missing; the first is cell C5", messages)
+        self.assertIn("Warning: 1 error cell of the sheet 'a' of the workbook 'book.xlsx' is read as missing; the first is cell C5", messages)
 
     def test_forms_of_markup(self):
         self.make('<x:worksheet xmlns:x="m"><x:sheetData><x:row><x:c t="inlineStr"><x:is><x:r><x:t>a</x:t></x:r><x:rPh><x:t>p</x:t>'
@@ -155,16 +159,13 @@ class Workbooks(unittest.TestCase):
                   '<c r="D3" t="str"><v>\xff</v></c></row></sheetData></worksheet>'.encode("latin-1"))
         rows, messages = self.read()
         self.assertEqual(rows, [["n", "B", "C", "D"], ["2", "", "", ""], ["x", "", "", "\ufffd"]])
-        for problem in ("cells without a valid reference; they follow the cells before them",
-                        "cells with a value that is no number; they are read as texts",
-                        "cells with the number of a text that does not exist; they are left out",
-                        "cells that are there twice; the last one counts", "rows that are not in order; the rows are sorted",
-                        "cells beyond the last column or row of a sheet; they are left out",
-                        "texts with bytes that are no characters; they are replaced by U+FFFD",
-                        "formulas without a stored result; they are missing"):
+        for problem in ("cell without a valid reference (put after the previous cell)", "cell with an invalid number (read as text)",
+                        "cell with the number of a missing text (left out)", "cell with several values (the last value counts)",
+                        "row in the wrong order (sorted by row number)", "cell beyond the last column or row of a sheet (left out)",
+                        "text with invalid bytes (replaced by U+FFFD)", "formula without a stored result (read as missing)"):
             self.assertIn(f"Warning: The sheet 'a' of the workbook 'book.xlsx' has 1 {problem}; the first is ", messages)
         self.make('<worksheet><sheetData><row r="1"><c r="A1" t="str"><f>1</f><v></v></c><c r="B1"><f>2</f><v></v></c></row></sheetData></worksheet>')
-        self.assertIn("Warning: The sheet 'a' of the workbook 'book.xlsx' has 1 formulas without a stored result; they are missing; the first is cell B1\n",
+        self.assertIn("Warning: The sheet 'a' of the workbook 'book.xlsx' has 1 formula without a stored result (read as missing); the first is cell B1\n",
                       self.read()[1])
         row = '<row r="{0}"><c r="A{0}"><v>{0}</v></c></row>'
         self.make(f"<worksheet><sheetData>{''.join(map(row.format, (1, 2, 4, 3)))}</sheetData></worksheet>")
@@ -186,8 +187,8 @@ class Workbooks(unittest.TestCase):
         self.assertEqual([row[:2] for row in rows], both)
         self.assertEqual(rows[0][2], "_FileNames")
         for settings, problem in (("sheetIdx='9'", "no sheet number '9', its 3 sheets are 'x', 'y 1', 'Y 2'"),
-                                  ("sheetMode='1' sheetName='z'", "no sheet 'z' with cells, its sheets are"),
-                                  ("sheets='2' sheetName='z*'", "no sheet that matches 'z*', its sheets are")):
+                                  ("sheetMode='1' sheetName='z'", "no sheet 'z' with cells, its 3 sheets are"),
+                                  ("sheets='2' sheetName='z*'", "no sheet that matches 'z*', its 3 sheets are")):
             self.assertIn("Error: The workbook 'book.xlsx' has " + problem, self.read(settings, status=1)[1])
         out, messages = self.command("head", "book.xlsx", "--sheet", "Y 2")
         self.assertIn("2.5", out)
@@ -209,7 +210,7 @@ class Workbooks(unittest.TestCase):
         self.assertEqual(self.read("skipRows='1'")[0], [["4", "5", "6"], ["", "", ""], ["7", "8", "9"]])
         self.assertEqual(self.read(f"{off} emptyRows='1'")[0][3:], [["7", "8", "9"]])
         self.assertEqual(self.read(f"{off} emptyRows='2'")[0][1:], [["1", "2", "3"], ["4", "5", "6"]])
-        self.assertIn("no table or defined name 'nothing', which is no range of cells such as B2:D9 either",
+        self.assertIn("no table or defined name 'nothing'; a range of cells is written as B2:D9",
                       self.read("range='nothing'", status=1)[1])
         self.make(sheet(["n", "m"], [1, 2], [3, 4]), parts=[
             ("xl/worksheets/_rels/sheet1.xml.rels", "<Relationships><Relationship Id='r' Type='http://x/relationships/table' "
@@ -229,6 +230,12 @@ class Workbooks(unittest.TestCase):
         off = "firstLineContainsColumnNames='0'"
         self.assertEqual(self.read(f"{off} skipHiddenRows='1' skipHiddenColumns='1'")[0], [["A", "C"], ["1", "3"], ["4", "6"]])
         self.assertEqual(self.read(f"{off} fillMerged='1'")[0][1:], [["1", "2", "3", ""], ["1", "", "6", "6"], ["7", "8", "6", "6"]])
+
+    def test_merged_ranges_of_all_cells_are_refused(self):
+        rows = "".join(f'<row r="{i}"><c r="A{i}"><v>{i}</v></c></row>' for i in (1, 1048576))
+        for areas in ("<mergeCell ref='A1:XFD1048576'/>", "<mergeCell ref='A1:XFD1'/>" * 5000):
+            self.make(f"<worksheet><sheetData>{rows}</sheetData><mergeCells>{areas}</mergeCells></worksheet>")
+            self.assertIn("its merged ranges have too many cells; use fillMerged='0'", self.read("fillMerged='1'", status=1)[1])
 
     def test_a_stray_cell_costs_nothing(self):
         self.make(sheet(["a", "a"], [1, 2, '<c r="XFD2"><v>3</v></c>']))
@@ -272,6 +279,9 @@ class Workbooks(unittest.TestCase):
 
         self.make("<worksheet><sheetData>" + "<row/>" * 50_000_000 + "</sheetData></worksheet>")
         refused("the content up to 'xl/worksheets/sheet1.xml' is too large for the size of the file")
+        rich = "<sst><si>" + ("<r><t>" + "a" * 1_000_000 + "</t></r>") * 30 + "</si></sst>"
+        self.make('<worksheet><sheetData><row><c t="s"><v>0</v></c></row></sheetData></worksheet>', parts=[("xl/sharedStrings.xml", rich)])
+        refused("a text has more than 16777215 characters")
         for cell, reason in (("A1", "is too large for the size of the file"), ("XFD1", "its sheets have more than 4194304 columns")):
             self.make(f'<worksheet><sheetData><row><c r="{cell}"><v>1</v></c></row></sheetData></worksheet>')
             with zipfile.ZipFile(self.folder / "book.xlsx", "a", zipfile.ZIP_DEFLATED) as package:
@@ -285,11 +295,48 @@ class Workbooks(unittest.TestCase):
                                  "".join(f"<sheet name='s{i}' r:id='r'/>" for i in range(30_000)) + "</sheets></workbook>")
             refused(reason)
 
+    def test_rows_beyond_the_memory_are_kept_in_a_file(self):
+        """Without a folder for temporary files the sheet is parsed again, with the same result."""
+        rows = "".join(f'<row r="{i}"><c r="A{i}"><v>{i}</v></c><c r="B{i}" t="inlineStr"><is><t>{f"{i} " * 1000}</t></is></c></row>'
+                       for i in range(2, 10_002))
+        header = '<row r="1">' + text("A1", "n") + text("B1", "text") + "</row>"
+        self.make(f"<worksheet><sheetData>{header}{rows}</sheetData></worksheet>")
+        results = []
+        for folder in (self.folder, self.folder / "none"):
+            with unittest.mock.patch.dict(os.environ, {"TMPDIR": str(folder)}):
+                results.append(self.read()[0])
+        self.assertEqual(results[0], results[1])
+        self.assertEqual([len(results[0]), results[0][-1]], [10_001, ["10001", "10001 " * 1000]])
+
+    def test_columns_that_few_values_make_text(self):
+        day, yes = '<c r="B{0}" s="1"><v>45000</v></c>', '<c r="C{0}" t="b"><v>1</v></c>'
+        rows = [[i, day.format(i), yes.format(i), "x" if i % 2 else i] for i in range(2, 8)]
+        rows[3][0], rows[4][1], rows[2][2] = "n/a", "long" * 20, 0.5
+        self.make(sheet(["number", "day", "yes", "mixed"], *rows))
+        messages = self.read()[1]
+        for note in ("The column 'number' of the sheet 'a' is text because of 'n/a' in A5; 5 of its 6 values are numbers\n",
+                     "The column 'day' of the sheet 'a' is text because of '" + "long" * 15 + "...' in B6; 5 of its 6 values are dates\n",
+                     "The column 'yes' of the sheet 'a' is text because of '0.5' in C4; 5 of its 6 values are booleans\n"):
+            self.assertIn(note, messages)
+        self.assertNotIn("'mixed'", messages)
+        self.assertNotIn("is text because", self.read("allText='1'")[1])
+        wide = [[1] * 26, [2] * 26, ["x"] * 26]
+        self.make(sheet(*wide), sheet(*wide))
+        messages = self.read("firstLineContainsColumnNames='0' sheets='3'")[1]
+        self.assertEqual([messages.count("is text because"), messages.count("More columns are text because of a few values\n")], [20, 1])
+
+    def test_head_shows_the_first_rows_with_cells(self):
+        row = '<row r="{0}"><c r="A{0}" t="str"><v>name</v></c></row><row r="{1}"><c r="A{1}"><v>5</v></c></row>'
+        self.make(f"<worksheet><sheetData>{row.format(5000, 9000)}</sheetData></worksheet>")
+        self.assertIn("name", self.command("head", "book.xlsx")[0])
+        self.assertIn("5", self.command("head", "book.xlsx", "--reader", "emptyRows=1")[0])
+        self.assertEqual(self.command("schema", "book.xlsx")[0], "name\tK\n")
+
     def test_scan_of_some_rows(self):
         self.make(sheet(["n"], [1], [2], ["text"]))
         rows, messages = self.read("scanRows='2'")
         self.assertEqual(rows, [["n"], ["1"], ["2"], ["text"]])
-        self.assertIn("Warning: 1 columns have only numbers in the first 2 rows and other values later; they are read as texts; the "
+        self.assertIn("Warning: 1 column has only numbers in the first 2 rows and other values later; it is read as text; the "
                       "first is 'n', in row 4 of the sheet 'a'", messages)
         _, messages = self.read("scanRows='2' sampleOnly='1'", status=1)
         self.assertIn("The types of the columns of the sheet 'a' are those of its first 2 rows", messages)
@@ -304,7 +351,7 @@ class Workbooks(unittest.TestCase):
                       "columns by name", self.read(name="?.xlsx", status=1)[1])
         self.assertEqual(self.read("unionByName='1'", "?.xlsx")[0], [["a", "b"], ["1", "2"], ["4.5", "x"]])
         self.make(sheet(["a"], [1]), name="2.xlsx")
-        self.assertIn("Error: The sheet 'a' of the workbook '2.xlsx' has 1 columns instead of 2; use unionByName='1' to join columns by "
+        self.assertIn("Error: The sheet 'a' of the workbook '2.xlsx' has 1 column instead of 2; use unionByName='1' to join columns by "
                       "name", self.read(name="?.xlsx", status=1)[1])
         self.assertIn("Error: cannot open the workbook 'none.xlsx'", self.read(name="none.xlsx", status=1)[1])
         self.assertIn("Warning: cannot open the workbook 'none.xlsx'", self.read("abortIfMissing='0'", "none.xlsx")[1])
@@ -330,7 +377,7 @@ class Workbooks(unittest.TestCase):
             self.assertIn("Error: The workbook 'book.xlsx' cannot be read: " + problem, self.read(status=1)[1])
         with zipfile.ZipFile(self.folder / "letter.xls", "w") as package:
             package.writestr("content.xml", "<x/>")
-        self.assertIn("its content is no workbook: it is an OpenDocument file (.ods); save it as .xlsx",
+        self.assertIn("its content is not a workbook: it is an OpenDocument file (.ods); save it as .xlsx",
                       self.command("head", "letter.xls", status=1)[1])
         self.make("<worksheet><sheetData><row><c><v>1</v></c>")
         self.assertIn("'xl/worksheets/sheet1.xml': the text ends too early", self.read(status=1)[1])
@@ -343,6 +390,24 @@ class Workbooks(unittest.TestCase):
         rows, messages = self.read()
         self.assertEqual(rows, [["n"], ["1"]])
         self.assertIn("Warning: The first sheet 'a' of the workbook 'book.xlsx' is a chart; the first sheet with cells is read", messages)
+        self.assertIn("\n    1: a (chart)\n*   2: b", self.command("head", "book.xlsx")[1])
+
+    def test_convert_of_several_sheets(self):
+        self.make(sheet(["n"], [1]), sheet(["m"], [2]), sheet(), names=["First", "Second", "Third"])
+        _, messages = self.command("convert", "book.xlsx", "one.xlsx", "--sheet", "second")
+        self.assertIn("Warning: 2 sheets of 'book.xlsx' are not copied (--sheet reads another one): 'First', 'Third'", messages)
+        self.assertEqual(openpyxl.load_workbook(self.folder / "one.xlsx").sheetnames, ["Second"])
+        self.assertNotIn("not copied", self.command("convert", "one.xlsx", "two.xlsx", "--writer", "sheetName=Mine")[1])
+        self.assertEqual(openpyxl.load_workbook(self.folder / "two.xlsx").sheetnames, ["Mine"])
+        self.assertIn("only sheet is 'Mine'", self.command("head", "two.xlsx", "--sheet", "none", status=2)[1])
+        self.assertIn("its only sheet is 'Mine'", self.command("head", "two.xlsx", "--reader", "sheetIdx=7", status=1)[1])
+        self.assertNotIn("not copied", self.command("convert", "book.xlsx", "out.csv")[1])
+        self.assertNotIn("not copied", self.command("convert", "book.xlsx", "all.xlsx", "--reader", "sheets=3", "--reader", "unionByName=1")[1])
+        before = (self.folder / "book.xlsx").read_bytes()
+        self.assertIn("'book.xlsx' has 3 sheets, and the output would have only one; use another output name",
+                      self.command("convert", "book.xlsx", "./book.xlsx", status=2)[1])
+        self.assertEqual((self.folder / "book.xlsx").read_bytes(), before)
+        self.command("convert", "one.xlsx", "one.xlsx")
 
     def test_convert_keeps_kinds_of_cells(self):
         self.make(sheet(["day", "time", "text", "n"], ['<c r="A2" s="1"><v>45000</v></c>', '<c r="B2" s="2"><v>45000.5</v></c>',

@@ -1,0 +1,13 @@
+// Counts in messages: "1 text", "2 texts".
+#pragma once
+#include <QString>
+
+namespace corvanta {
+
+/// The number and the noun, which forms its plural with "s".
+inline QString counted(qint64 count, const QString &noun)
+{
+    return QString::number(count) + u' ' + noun + (count == 1 ? QString() : QStringLiteral("s"));
+}
+
+} // namespace corvanta
