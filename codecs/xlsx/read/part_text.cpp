@@ -73,7 +73,7 @@ void PartText::take(const Piece &piece)
     const auto rest = static_cast<size_t>(m_end - m_begin);
     if (rest <= Piece::kHeadroom) {
         char *const begin = piece.begin() - rest;
-        // The rest may be in m_long; never in this piece.
+        // The rest may be in m_long; never in this piece. Without a rest, m_begin may be null.
         std::copy_n(m_begin, rest, begin);
         m_begin = begin;
         m_end = piece.end();

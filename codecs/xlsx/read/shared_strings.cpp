@@ -5,8 +5,6 @@
 
 #include "codecs/xlsx/read/string_text.h"
 
-#include <cstring>
-
 using namespace Qt::StringLiterals;
 
 namespace corvanta::xlsx {
@@ -41,10 +39,15 @@ void SharedStrings::stop()
 /// Read strings until number `index` is known or the part ends.
 sheet::WorkbookResult<void> SharedStrings::load(quint64 index)
 {
+    // The strings after a fault are not known: a later call must not report them as missing.
+    if (m_fault) {
+        return *m_fault;
+    }
     while (m_part && !m_isEnd && index >= m_count) {
         const auto more = takeNext();
         if (!more) {
-            return more.fault();
+            m_fault = more.fault();
+            return *m_fault;
         }
         m_isEnd = !*more;
     }
@@ -137,7 +140,7 @@ sheet::WorkbookResult<void> SharedStrings::add(std::u16string_view text)
         return m_part->fault(sheet::WorkbookError::TooLarge,
                              u"the texts need more than %1 MiB"_s.arg(m_maxBytes >> 20));
     }
-    std::memcpy(at, text.data(), text.size() * sizeof(char16_t));
+    text.copy(at, text.size());
     m_index.back().push_back(
         {m_blocks.size() - 1, static_cast<quint64>(at - m_blocks.back().get()), text.size()});
     ++m_count;

@@ -85,8 +85,9 @@ private:
     /// The place for the units of the next text, in the last block or in a new one.
     char16_t *room(size_t units);
 
-    std::unique_ptr<PartText> m_part; // null without strings
-    bool m_isEnd = false;             // all strings are loaded
+    std::unique_ptr<PartText> m_part;                        // null without strings
+    bool m_isEnd = false;                                    // all strings are loaded
+    std::optional<Fault<sheet::WorkbookError>> m_fault = {}; // of the part, once it has one
     qint64 m_maxBytes = 0;
     qint64 m_bytes = 0;
     std::vector<std::unique_ptr<char16_t[]>> m_blocks;
