@@ -41,7 +41,31 @@ QJsonObject catalogueEntry(ActionItem &action)
 
 QJsonArray parameterEntries(const QVector<ParameterInfo> &infos); // members of a structure
 
-/// One parameter; "choices", "element" and "members" only where they apply.
+/// "mode is 2 or 4", with the values as they are saved.
+QString conditionText(const ParameterInfo::Condition &condition)
+{
+    QStringList values;
+    for (const QString &value : condition.values) {
+        values << (value.isEmpty() ? u"empty"_s : value);
+    }
+    QString text = u"%1 %2 %3"_s.arg(
+        condition.parameter, condition.isExcluded ? u"is not"_s : u"is"_s, values.join(u" or "_s));
+    for (const ParameterInfo::Condition &alternative : condition.alternatives) {
+        text += u" or "_s + conditionText(alternative);
+    }
+    return text;
+}
+
+/// One text per condition; all must hold.
+QStringList conditionTexts(const ParameterInfo &info)
+{
+    QStringList texts;
+    std::transform(info.conditions.begin(), info.conditions.end(), std::back_inserter(texts),
+                   conditionText);
+    return texts;
+}
+
+/// One parameter; "choices", "unit", "usedWhen", "element" and "members" only where they apply.
 QJsonObject parameterEntry(const ParameterInfo &info)
 {
     QJsonObject entry{{u"name"_s, info.name},
@@ -51,6 +75,12 @@ QJsonObject parameterEntry(const ParameterInfo &info)
                       {u"meaning"_s, info.meaning}};
     if (!info.choices.isEmpty()) {
         entry[u"choices"_s] = QJsonArray::fromStringList(info.choices);
+    }
+    if (!info.unit.isEmpty()) {
+        entry[u"unit"_s] = info.unit;
+    }
+    if (!info.conditions.isEmpty()) {
+        entry[u"usedWhen"_s] = QJsonArray::fromStringList(conditionTexts(info));
     }
     if (info.type == ParameterInfo::Type::Structure) {
         entry[u"element"_s] = info.itemElement;
@@ -83,6 +113,12 @@ void printParameter(const ParameterInfo &info, const QString &indent)
     print(u"%1%2 (%3, default %4)\n"_s.arg(indent, info.name, ActionParameters::typeName(info.type),
                                            defaultText));
     print(u"%1%2\n"_s.arg(inner, info.meaning));
+    if (!info.unit.isEmpty()) {
+        print(u"%1Unit: %2.\n"_s.arg(inner, info.unit));
+    }
+    if (!info.conditions.isEmpty()) {
+        print(u"%1Used only when %2.\n"_s.arg(inner, conditionTexts(info).join(u", and "_s)));
+    }
     for (qsizetype i = 0; i < info.choices.size(); ++i) {
         print(u"%1%2 = %3\n"_s.arg(inner, QString::number(i), info.choices[i]));
     }

@@ -25,7 +25,7 @@ ParamGroup<P> sourceOfDocuments()
 ParamGroup<P> addedColumns()
 {
     return {
-        shared::outputFilenames<P>(),
+        shared::outputFilenames<P>().onlyWhen("fromInputPin", {QStringLiteral("0")}),
         shared::copyOfInputRow("appendToRow", &P::appendToRow),
         shared::outputSubTags<P>(),
     };
@@ -36,6 +36,7 @@ ParamGroup<P> inputPins()
 {
     return {
         flag("oneJSONPerRow", &P::oneJSONPerRow)
+            .ignoredWhen("fromInputPin", {QStringLiteral("0")})
             .label("Each input row holds one complete JSON document")
             .meaning("Each row is one document. Off: the rows are one stream of documents, and a "
                      "document may continue in the next row."),

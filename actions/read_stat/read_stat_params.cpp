@@ -44,8 +44,9 @@ ParamGroup<P> decoding()
                 "Format of the data set. By default the ending of the file name determines it."),
         number("bufferSize", &P::bufferSize)
             .range(1, 2047)
+            .unit("MB")
             .label("Buffer")
-            .meaning("Size of the buffer between parser and rows, in MB."),
+            .meaning("Size of the buffer between parser and rows."),
         text("encoding", &P::encoding)
             .label("Encoding")
             .meaning("Encoding of the texts in the file, for example WINDOWS-1252. UTF-8 uses the "
@@ -63,6 +64,7 @@ ParamGroup<P> additions()
                      "Off: as the numbers that are stored."),
         number("maxRows", &P::maxRows)
             .range(0, 2147483647)
+            .unit("rows")
             .label("Rows")
             .meaning("Reads only this number of rows of each file; 0: all."),
     };
@@ -86,6 +88,7 @@ const ParamTable<ReadStatParams> &readStatParamTable()
         // Programs that read one file use the first parameter that names one.
         text("catalogFile", &P::catalogFile)
             .inputFile()
+            .onlyWhen("extractLabels", {QStringLiteral("1")})
             .label("Catalogue")
             .meaning("SAS catalogue (.sas7bcat) with the value labels of a SAS data set, for "
                      "extractLabels."),

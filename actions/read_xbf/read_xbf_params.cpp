@@ -29,6 +29,7 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
             .meaning("Reads the texts of memo fields from the memo file in the same folder as the "
                      "table."),
         flag("dbtInRam", &P::dbtInRam)
+            .onlyWhen("useDBT", {QStringLiteral("1")})
             .label("load the full Memo/DBT/FPT file in memory for faster processing.")
             .meaning("Loads the whole memo file into memory. Off: it is read through a buffer."),
         flag("level7", &P::level7)

@@ -48,7 +48,7 @@ ParamGroup<P> file()
 ParamGroup<P> columnsAndText()
 {
     return {
-        shared::outputFilenames<P>(),
+        shared::outputFilenames<P>().onlyWhen("fromInputPin", {QStringLiteral("0")}),
         shared::outputSubTags<P>(),
         flag("addOnlyText", &P::addOnlyText)
             .label("Only the text of an element")
@@ -117,6 +117,7 @@ ParamGroup<P> beforeTheRows()
         shared::copyOfInputRow("addColBefore", &P::addColBefore),
         number("skipRows", &P::skipRows)
             .range(0, 1000000)
+            .unit("rows")
             .label("Rows to skip")
             .meaning("Number of occurrences of the first level that are skipped at the beginning "
                      "of each document, for example the header row of an HTML table."),

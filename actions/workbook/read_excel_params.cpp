@@ -22,10 +22,12 @@ ParamGroup<P> moreSheets()
             .label("Sheets")
             .meaning("Which sheets are read. A pattern is the sheet name with * and ?."),
         flag("skipHiddenSheets", &P::skipHiddenSheets)
+            .ignoredWhen("sheets", {QStringLiteral("0")})
             .label("Skip hidden sheets")
             .meaning("Leaves hidden sheets out when several sheets or the first one with data are "
                      "read."),
         flag("outputSheetNames", &P::outputSheetNames)
+            .onlyWhen("sheets", {QStringLiteral("0"), QStringLiteral("1")})
             .label("Add a column with the sheet name")
             .meaning("Adds the column _SheetName. Several sheets have it in any case."),
     };
@@ -42,6 +44,7 @@ ParamGroup<P> cells()
                      "or of a defined name. Empty: all cells."),
         number("skipRows", &P::skipRows)
             .range(0, 1048576)
+            .unit("rows")
             .label("Rows to skip")
             .meaning("Rows at the beginning that are not read, before the column names."),
         choice("emptyRows", &P::emptyRows,
@@ -72,11 +75,15 @@ ParamGroup<P> values()
             .meaning("Reads all columns as texts. Off: the cells decide the types."),
         number("scanRows", &P::scanRows)
             .range(0, 1048576)
+            .unit("rows")
+            .ignoredWhen("allText", {QStringLiteral("1")})
             .label("Rows that decide types")
             .meaning("Rows with cells that decide whether a column has numbers or texts; 0: all. A "
                      "number "
                      "column becomes a text column when a later row has a text, with a warning."),
         flag("sampleOnly", &P::sampleOnly)
+            .ignoredWhen("allText", {QStringLiteral("1")})
+            .ignoredWhen("scanRows", {QStringLiteral("0")})
             .label("Do not check later rows")
             .meaning("Reads only the rows of scanRows to decide types, so that the first rows "
                      "arrive early. A later cell that does not fit is an error."),
@@ -102,8 +109,15 @@ const ParamTable<ReadExcelParams> &readExcelParamTable()
     // The order is that of saved graphs.
     static const ParamTable<P> table{
         shared::fileNameFromPin<P>(),
-        shared::sheetSelection<P>("Whether sheetIdx or sheetName selects the sheet.",
-                                  "Name of the sheet."),
+        shared::sheetSelection<P>("Whether sheetIdx or sheetName selects the sheet.", "sheets",
+                                  {QStringLiteral("0")}),
+        text("sheetName", &P::sheetName)
+            .expanded()
+            .onlyWhen("sheets", {QStringLiteral("0"), QStringLiteral("2")})
+            .onlyWhen("sheetMode", {QStringLiteral("1")})
+            .orWhen("sheets", {QStringLiteral("2")})
+            .label("Sheet name")
+            .meaning("Name of the sheet."),
         flag("firstLineContainsColumnNames", &P::firstLineContainsColumnNames)
             .label("The first row holds the column names")
             .meaning("Reads the column names from the first row. Off: columns are named after "

@@ -44,6 +44,7 @@ ParamGroup<P> cellRange()
 {
     return {
         text("startRow", &P::startRow)
+            .onlyWhen("mode", {QStringLiteral("2"), QStringLiteral("4")})
             .wholeNumber(0, std::numeric_limits<int>::max())
             .otherwise(
                 "uses the whole part of a number from 1, at most 2147483647; else it appends "
@@ -55,6 +56,7 @@ ParamGroup<P> cellRange()
             .label("Defined name")
             .meaning("Name given to the cells that are written; empty for none."),
         flag("nrIncludeTitleRow", &P::nrIncludeTitleRow)
+            .ignoredWhen("namedRange", {QString()})
             .label("The defined name includes the header row")
             .meaning("The cells of the defined name include the header row. Default on in graphs "
                      "saved by version 2.56 or older."),
@@ -125,13 +127,19 @@ ParamGroup<P> dateInput()
                 {DateInput::SystemShortDateTime, "system short date and time"},
                 {DateInput::SystemLongDateTime, "system long date and time"}})
             .otherwise("reads no dates")
+            .ignoredWhen("ToDate", {QString()})
             .label("Format of the dates in the table")
             .meaning("How the texts of the ToDate columns are read."),
         text("dateFormat", &P::dateFormat)
+            .ignoredWhen("ToDate", {QString()})
+            .onlyWhen("dateFormatType", {QStringLiteral("0")})
             .expanded()
             .label("Own date format")
             .meaning("Format of the dates, for example yyyy-MM-dd or dd/MM/yyyy hh:mm:ss."),
         flag("isoDates", &P::isoDates)
+            .ignoredWhen("ToDate", {QString()})
+            .onlyWhen("dateFormatType", {QStringLiteral("0")})
+            .onlyWhen("dateFormat", {QString()})
             .label("Without a format, read ISO 8601 dates")
             .meaning("With an empty dateFormat, reads dates such as 2024-02-29 and "
                      "2024-02-29T12:30:00. Off: no text is a date then."),
@@ -159,6 +167,7 @@ Param<P> dateDisplay()
                    {DateDisplay::Minutes24, "h:mm"},
                    {DateDisplay::Seconds24, "h:mm:ss"}})
         .range(0, static_cast<int>(DateDisplay::Seconds24))
+        .ignoredWhen("ToDate", {QString()})
         .label("Display of date cells")
         .meaning("Number format of the date cells in the sheet.");
 }
@@ -180,10 +189,15 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         workbooks(),
         shared::sheetSelection<P>("How modes 2 and 4 find the sheet to change: by sheetIdx or by "
                                   "sheetName. Any other value adds a sheet.",
-                                  "Name of the new sheet or of the sheet to change."),
+                                  "mode", {QStringLiteral("2"), QStringLiteral("4")}),
+        text("sheetName", &P::sheetName)
+            .expanded()
+            .label("Sheet name")
+            .meaning("Name of the new sheet or of the sheet to change."),
         cellRange(),
         shared::floatToString<P>(),
         flag("createIfNotExists", &P::createIfNotExists)
+            .ignoredWhen("mode", {QStringLiteral("0")})
             .label("Create the Excel file and/or the Excel Sheet if it does not exists")
             .meaning("Creates a missing workbook or sheet. Off: it is an error."),
         shared::checkNameCollision<P>(),
@@ -201,7 +215,7 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         shared::writeAllRows<P>(),
         shared::lockTimeOut<P>(),
         // Child elements come after all attributes.
-        shared::columnsToWrite<P>("ToWrite").requiredWhen("writeAllColumns", {QStringLiteral("0")}),
+        shared::columnsToWrite<P>("ToWrite").required(),
         strings("ToDate", &P::toDate)
             .label("Date columns")
             .meaning("Text columns that are written as dates."),

@@ -35,6 +35,7 @@ ParamGroup<P> textForms()
             .meaning("Writes the texts true, True, false and False as booleans. Default off in "
                      "graphs saved before version 2.79."),
         flag("replaceLF", &P::replaceLF)
+            .ignoredWhen("escapeControls", {QStringLiteral("1")})
             .label("Line feeds become \\n")
             .meaning("Writes line feeds in texts as \\n. Off: they stay unchanged, which strict "
                      "parsers reject."),
@@ -54,6 +55,7 @@ ParamGroup<P> splitting()
             .meaning("Writes one file per value of splitCol; the value is put into the file name "
                      "before the extension."),
         flag("advancedNaming", &P::advancedNaming)
+            .onlyWhen("splitFile", {QStringLiteral("1")})
             .label("Put the value at each * of the file name")
             .meaning("The value replaces each * in the file name. Without a * it is put before the "
                      "extension, or becomes the extension of a name that has none."),

@@ -16,13 +16,15 @@ ParamGroup<P> storage()
         number("pageSize", &P::pageSize)
             .range(1, 1048576)
             .always()
+            .unit("KiB")
             .label("Page size")
-            .meaning("Size of uncompressed pages, in KiB."),
+            .meaning("Size of uncompressed pages."),
         number("rowGroupSize", &P::rowGroupSize)
             .range(1, 1048576)
             .always()
+            .unit("MiB")
             .label("Row group size")
-            .meaning("Size of a row group, in MiB."),
+            .meaning("Size of a row group."),
         choice("keyStorage", &P::keyStorage,
                {{KeyStorage::Unsigned32, "32-bit integer marked as unsigned"},
                 {KeyStorage::Signed32, "32-bit integer"},
@@ -47,9 +49,11 @@ ParamGroup<P> splitting()
             .label("Split")
             .meaning("Whether the table is written to one file or several."),
         real("segmentSize", &P::segmentSize)
+            .onlyWhen("split", {QStringLiteral("2")})
+            .unit("MiB")
             .always()
             .label("Segment size")
-            .meaning("Size in MiB after which a split table continues in a new file."),
+            .meaning("Size after which a split table continues in a new file."),
         text("splitVar", &P::splitVar)
             .requiredWhen("split", {QStringLiteral("1")})
             .always()
@@ -63,12 +67,12 @@ ParamGroup<P> encoding()
 {
     return {
         choice("codec", &P::codec,
-               {{PageCodec::Snappy, "Snappy"},
-                {PageCodec::None, "none"},
-                {PageCodec::Gzip, "gzip"},
-                {PageCodec::Zstandard, "Zstandard"},
-                {PageCodec::Lz4, "LZ4"},
-                {PageCodec::Brotli, "Brotli"}})
+               {{PageCodec::Snappy, "Snappy", "Fast; all readers know it."},
+                {PageCodec::None, "none", "Largest files; no time for compression."},
+                {PageCodec::Gzip, "gzip", "Small files, slow; most readers know it."},
+                {PageCodec::Zstandard, "Zstandard", "Small files, fast; needs a recent reader."},
+                {PageCodec::Lz4, "LZ4", "Fastest; needs a recent reader."},
+                {PageCodec::Brotli, "Brotli", "Smallest files, slowest; few readers know it."}})
             .range(0, 5)
             .label("Compression")
             .meaning("Codec of the pages."),
@@ -105,7 +109,7 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .always()
             .label("File")
             .meaning("Parquet file to write."),
-        shared::columnsToWrite<P>("ToWrite").requiredWhen("writeAllColumns", {QStringLiteral("0")}),
+        shared::columnsToWrite<P>("ToWrite").required(),
     };
     return table;
 }

@@ -34,9 +34,12 @@ ParamGroup<P> automaticWidths()
 {
     return {
         real("f1", &P::f1)
+            .onlyWhen("autoWidth", {QStringLiteral("1")})
             .label("Automatic width: factor")
             .meaning("Measured widths are the longest text times this factor."),
         number("f2", &P::f2)
+            .onlyWhen("autoWidth", {QStringLiteral("1")})
+            .unit("bytes")
             .label("Automatic width: extra bytes")
             .meaning("Bytes added to measured widths."),
     };

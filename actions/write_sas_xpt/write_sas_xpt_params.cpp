@@ -22,6 +22,7 @@ ParamGroup<P> transportFormat()
                      "WINDOWS-1252. Characters that it does not have become '?'."),
         number("numberWidth", &P::numberWidth)
             .range(3, 8)
+            .unit("bytes")
             .label("Width of numbers")
             .meaning("Bytes of each number, 3 to 8. Numbers lose digits if it is below 8, and "
                      "integers above 2097152 (at 4 bytes) are no longer exact."),

@@ -38,6 +38,29 @@ int ActionParameters::indexOfParameter(const QString &name) const
     return found == all.end() ? -1 : static_cast<int>(found - all.begin());
 }
 
+namespace {
+
+bool holds(const ParameterInfo::Condition &condition, const ActionParameters &parameters)
+{
+    const QString value =
+        parameters.parameterValue(parameters.indexOfParameter(condition.parameter));
+    return condition.values.contains(value) != condition.isExcluded ||
+           std::any_of(condition.alternatives.begin(), condition.alternatives.end(),
+                       [&](const ParameterInfo::Condition &alternative) {
+                           return holds(alternative, parameters);
+                       });
+}
+
+} // namespace
+
+const ParameterInfo::Condition *ActionParameters::failedCondition(const ParameterInfo &info) const
+{
+    const auto failed = std::find_if(
+        info.conditions.begin(), info.conditions.end(),
+        [this](const ParameterInfo::Condition &condition) { return !holds(condition, *this); });
+    return failed == info.conditions.end() ? nullptr : &*failed;
+}
+
 QVector<InputTable> ActionParameters::inputTables()
 {
     return {};

@@ -102,6 +102,19 @@ void MainUI::documentWasModified()
     }
 }
 
+void MainUI::parameterWasEdited(ActionItem *action, const corvanta::ParameterEdit &edit)
+{
+    if (host().hooks.edited) {
+        host().hooks.edited(action, edit);
+    }
+    documentWasModified();
+}
+
+TableSchema MainUI::inputColumns(ActionItem *action, int pin)
+{
+    return host().hooks.inputColumns ? host().hooks.inputColumns(action, pin) : TableSchema();
+}
+
 CorvantaGraph *MainUI::editedGraph()
 {
     return host().hooks.editedGraph ? host().hooks.editedGraph() : nullptr;

@@ -2,18 +2,14 @@
 #include "corvanta/action_item.h"
 #include "corvanta/action_parameters.h"
 #include "corvanta/help.h"
-#include "corvanta/main_ui.h"
 #include "corvanta/params/saved_form.h"
 #include "corvanta/plugin_interface.h"
 #include "corvanta/update_class_widget.h"
 #include "tests/contract/fixed_actions.h"
 
 #include <QApplication>
-#include <QCheckBox>
 #include <QLibrary>
-#include <QLineEdit>
 #include <QPixmap>
-#include <QPlainTextEdit>
 
 #include <gtest/gtest.h>
 
@@ -304,11 +300,13 @@ void expectDescribed(const QVector<ParameterInfo> &infos, const char *type)
             << type << ' ' << info.name.toStdString();
         // A second file, with the labels of the first one, may be missing.
         const bool isOptional = info.name == QLatin1StringView("catalogFile");
-        EXPECT_TRUE(info.required.isSet || info.file == ParameterInfo::File::None || isOptional)
+        EXPECT_TRUE(info.isRequired || info.file == ParameterInfo::File::None || isOptional)
             << type << ' ' << info.name.toStdString();
-        const QString &other = info.required.parameter;
-        EXPECT_TRUE(other.isEmpty() || knownNames(infos).attributes.contains(other))
-            << other.toStdString();
+        const QStringList names = knownNames(infos).attributes + knownNames(infos).elements;
+        for (const ParameterInfo::Condition &condition : info.conditions) {
+            EXPECT_TRUE(names.contains(condition.parameter))
+                << type << ' ' << info.name.toStdString();
+        }
         expectDescribed(info.members, type);
     }
 }
@@ -545,37 +543,6 @@ TEST(Panels, EveryActionHasItsFormWithAFieldPerParameter)
         }
         EXPECT_EQ(saved(*action), before) << "showing is not editing";
     }
-}
-
-TEST(Panels, EditsReachTheActionAndMarkTheDocument)
-{
-    int modified = 0;
-    MainUI::EditorHooks hooks;
-    hooks.modified = [&modified] { ++modified; };
-    MainUI::setEditorHooks(hooks);
-    const Action action = fromXml("<writeJSON fileName='old'/>");
-    const std::unique_ptr<UpdateClassWidget> panel(action->createPanel(nullptr));
-    auto *const file = panel->findChild<QWidget *>(u"fileName"_s)->findChild<QLineEdit *>();
-    EXPECT_EQ(file->text(), u"old"_s);
-    file->setText(u"new"_s);
-    Q_EMIT file->textEdited(u"new"_s);
-    panel->findChild<QCheckBox *>(u"createDir"_s)->click();
-    panel->findChild<QPlainTextEdit *>(u"Prefix"_s)->setPlainText(u"<\n"_s);
-    EXPECT_EQ(valueOf(action, u"fileName"_s), u"new"_s);
-    EXPECT_EQ(valueOf(action, u"createDir"_s), u"1"_s);
-    EXPECT_EQ(valueOf(action, u"Prefix"_s), u"<\n"_s);
-    EXPECT_EQ(modified, 3);
-
-    auto *const levels = panel->findChild<QPlainTextEdit *>(u"Levels"_s);
-    levels->setPlainText(u"<Levels>"_s);
-    EXPECT_EQ(valueOf(action, u"Levels"_s), QString()) << "not XML: not taken";
-    EXPECT_EQ(modified, 3);
-    parametersOf(action).setParameterValue(indexOf(parametersOf(action), u"fileName"_s),
-                                           u"third"_s);
-    panel->refresh();
-    EXPECT_EQ(file->text(), u"third"_s);
-    EXPECT_EQ(modified, 3);
-    MainUI::setEditorHooks({});
 }
 
 int main(int argc, char **argv)

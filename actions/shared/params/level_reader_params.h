@@ -56,7 +56,9 @@ template <class P> Param<P> documentFile(const std::string &kinds)
 /// What happens to a file that is missing.
 template <class P> ParamGroup<P> missingFiles()
 {
-    return {abortIfMissing<P>(), timeOut<P>()};
+    const QStringList file{QStringLiteral("0")};
+    return {abortIfMissing<P>().onlyWhen("fromInputPin", file),
+            timeOut<P>().onlyWhen("fromInputPin", file)};
 }
 
 template <class P> Param<P> warnUnread()

@@ -95,7 +95,8 @@ template <class P> ParamGroup<P> fileContent(const WriteLevelTables &levelTables
 {
     return {
         writeAllColumns<P>("Writes every column. Off: only the columns of ToWrite. Ignored when "
-                           "there are Levels."),
+                           "there are Levels.")
+            .onlyWhen("Levels", {QString()}),
         elementText<P>("Prefix", &P::prefix)
             .expanded()
             .always()
@@ -106,7 +107,7 @@ template <class P> ParamGroup<P> fileContent(const WriteLevelTables &levelTables
             .always()
             .label("End of the file")
             .meaning("Text at the end of every file."),
-        columnsToWrite<P>("ToWrite"),
+        columnsToWrite<P>("ToWrite").onlyWhen("Levels", {QString()}),
         writeLevels<P>(&P::levels, levelTables),
     };
 }

@@ -37,9 +37,9 @@ template <class P> Param<P> timeOut()
 {
     return number<P>("timeOut", &P::timeOut)
         .range(-1, 86400)
+        .unit("seconds")
         .label("Retry for")
-        .meaning("Seconds for which reading a file is retried while it cannot be read; -1: without "
-                 "limit.");
+        .meaning("How long reading a file is retried while it cannot be read; -1: without limit.");
 }
 
 /// MiB. The upper bound keeps the number of bytes below 2 GiB.
@@ -47,8 +47,9 @@ template <class P> Param<P> bufferSize()
 {
     return number<P>("bufferSize", &P::bufferSize)
         .range(1, 2047)
+        .unit("MB")
         .label("Minimum Input Buffer Size:")
-        .meaning("Smallest input buffer, in MB.");
+        .meaning("Smallest input buffer.");
 }
 
 /// The cells of the column hold the expanded names.
@@ -72,6 +73,7 @@ template <class P> Param<P> autoFillNRows()
 {
     return number<P>("autoFillNRows", &P::autoFillNRows)
         .range(1, 1000000)
+        .unit("records")
         .label("Sample")
         .meaning("Number of records that are examined to find the levels automatically.");
 }
@@ -80,6 +82,7 @@ template <class P> Param<P> autoFillNRows()
 template <class P> Param<P> copyOfInputRow(const char *name, bool P::*member)
 {
     return flag<P>(name, member)
+        .ignoredWhen("fromInputPin", {QStringLiteral("0")})
         .label("Copy the columns of the input row")
         .meaning(
             "Adds the columns of the input row before the extracted ones, when reading from the "

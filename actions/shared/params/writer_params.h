@@ -28,9 +28,11 @@ template <class P> Param<P> createDir()
 template <class P> Param<P> lockTimeOut()
 {
     return number<P>("timeOut", &P::timeOut)
-        .label("Wait for other programs (seconds)")
-        .meaning("How long the action waits while another program writes to the file, in seconds. "
-                 "Negative: without a limit.");
+        .unit("seconds")
+        .label("Wait for other programs")
+        .meaning(
+            "How long the action waits while another program writes to the file. Negative: without "
+            "a limit.");
 }
 
 // The selection of rows. Some graphs save the three lines in another order, so that each has its
@@ -55,6 +57,7 @@ template <class P> Param<P> testCol()
 template <class P> Param<P> testValue()
 {
     return text<P>("testValue", &P::testValue)
+        .onlyWhen("writeAllRows", {QStringLiteral("0")})
         .label("Value to test for")
         .meaning("Rows with another text in testCol are not written.");
 }
@@ -77,6 +80,7 @@ template <class P> Param<P> writeAllColumns(const char *meaning)
 template <class P> Param<P> columnsToWrite(const char *name)
 {
     return strings<P>(name, &P::toWrite)
+        .onlyWhen("writeAllColumns", {QStringLiteral("0")})
         .label("Columns to write")
         .meaning("Columns that are written when writeAllColumns is off.");
 }

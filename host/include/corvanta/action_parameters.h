@@ -30,6 +30,9 @@ struct ParameterInfo
     QString meaning;      ///< one or two sentences
     /// Texts of the values 0, 1, 2, ... of an Integer; empty when it is a number.
     QStringList choices;
+    /// One sentence about each of `choices`, or an empty text; none at all if no choice needs one.
+    QStringList explanations;
+    QString unit; ///< of a number, for forms: "MB", "seconds"; empty: none
     File file = File::None;
     bool saveAlways = false;
     bool isMultiLine = false; ///< a Text that may hold line feeds
@@ -47,14 +50,19 @@ struct ParameterInfo
     /// Numbers without a choice are allowed too, and have the meaning `otherwise`.
     bool takesOtherNumbers = false;
 
-    /// When the value must not be empty.
-    struct Requirement
+    bool isRequired = false; ///< the value must not be empty when it is used
+
+    /// A rule about another parameter of the same action.
+    struct Condition
     {
-        bool isSet = false;
-        QString parameter; ///< required only when this parameter has one of `values`; empty: always
-        QStringList values; ///< as saved
+        QString parameter;
+        QStringList values;      ///< as saved
+        bool isExcluded = false; ///< the other parameter must have none of `values`
+        /// The rule also holds when one of these does.
+        QVector<Condition> alternatives;
     };
-    Requirement required;
+    /// The action uses the value only when all of these hold; empty: always.
+    QVector<Condition> conditions;
 
     // Of a Structure, which is a list of child elements:
     QString itemElement; ///< name of each element; if it is not `name`, then inside `name`
@@ -163,6 +171,10 @@ public:
     /// Set a value from that form. Returns false, and changes nothing, when it is not of the
     /// parameter's type. Not during a run.
     virtual bool setParameterValue(int index, const QString &value) = 0;
+
+    /// The first condition of the parameter that does not hold, so that the action ignores its
+    /// value; null when the action uses it. Points into `info`.
+    const ParameterInfo::Condition *failedCondition(const ParameterInfo &info) const;
 
     /// Read the beginning of the input file and set the parameters that depend on it and are not
     /// set yet, for example levels. `table` is an index in inputTables(); negative: the most likely

@@ -17,7 +17,9 @@
 
 #include <optional>
 
+class ActionItem;
 class GlobalParameters;
+struct ParameterProblem;
 
 namespace corvanta {
 class ActionRegistry;
@@ -117,3 +119,7 @@ public:
     /// of that form.
     static std::optional<Pin> parsePin(const QString &text);
 };
+
+/// What check() finds about the values of an action as they are now, for a panel. Looks up files,
+/// opens none. None for an action that does not declare its parameters.
+CORVANTA_EXPORT QVector<ParameterProblem> valueProblems(const ActionItem &item);

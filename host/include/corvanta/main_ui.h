@@ -2,6 +2,7 @@
 #pragma once
 #include "corvanta/export.h"
 #include "corvanta/log.h"
+#include "corvanta/meta_info.h"
 
 #include <QString>
 #include <QStringList>
@@ -12,6 +13,10 @@
 class ActionItem;
 class CorvantaGraph;
 class QWidget;
+
+namespace corvanta {
+struct ParameterEdit;
+}
 
 /// Threads: addLog(), displayOutOfDiskSpace() and getNearUniqueRandomID() may be called from any
 /// thread, everything else from the GUI thread or before a run.
@@ -50,6 +55,12 @@ public:
         /// Let the user choose among the columns that reach input pin `pin` of an action. Returns
         /// the chosen names, none when cancelled.
         std::function<QStringList(QWidget *, ActionItem *, int pin, bool several)> chooseColumns;
+        /// The user has edited a parameter in a panel, and the action has the new value. An editor
+        /// makes this a step that can be undone; see corvanta::EditHistory.
+        std::function<void(ActionItem *, const corvanta::ParameterEdit &)> edited;
+        /// The columns that reach an input pin, as far as they are known; must not block. When
+        /// they become known later, the editor calls UpdateClassWidget::refresh().
+        std::function<TableSchema(ActionItem *, int pin)> inputColumns;
     };
     /// Set the operations. Call on the GUI thread, before any panel is made.
     static void setEditorHooks(EditorHooks hooks);
@@ -58,6 +69,10 @@ public:
     static void documentWasModified();
     static void invalidate() { documentWasModified(); }
     static CorvantaGraph *editedGraph();
+    /// Calls `edited`, then `modified`.
+    static void parameterWasEdited(ActionItem *action, const corvanta::ParameterEdit &edit);
+    /// No columns without an editor.
+    static TableSchema inputColumns(ActionItem *action, int pin);
     /// Let the user choose one column or several. Returns false when cancelled. The form without a
     /// pin uses pin 0.
     static bool selectColumn(QWidget *parent, ActionItem *action, int pin, QString *column);

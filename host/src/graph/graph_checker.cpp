@@ -20,14 +20,6 @@ using Kind = CorvantaGraph::Problem::Kind;
 
 namespace {
 
-/// Whether a run uses the value of a parameter that may be required.
-bool isNeeded(const ActionParameters &parameters, const ParameterInfo &info)
-{
-    const QString &other = info.required.parameter;
-    return other.isEmpty() || info.required.values.contains(
-                                  parameters.parameterValue(parameters.indexOfParameter(other)));
-}
-
 /// The part of an input name that is a file: that of "archive.zip@member" is the archive.
 QString fileOf(const QString &name)
 {
@@ -40,7 +32,60 @@ QString fileOf(const QString &name)
     return name;
 }
 
-/// The checks of one action.
+/// The checks of the values of one action, whatever graph it belongs to.
+class ValueCheck
+{
+public:
+    /// One line of the result; the parameter is empty for a problem of the whole action.
+    struct Finding
+    {
+        QString parameter;
+        QString text;
+        Kind kind = Kind::Missing;
+    };
+
+    ValueCheck(const ActionItem &item, const ActionParameters &parameters)
+        : m_item(item)
+        , m_parameters(parameters)
+        , m_infos(parameters.parameters())
+    {
+    }
+
+    /// `earlier` are the targets of the actions before this one.
+    QVector<Finding> findings(const QStringList &earlier);
+
+private:
+    void add(const QString &parameter, const QString &text, Kind kind = Kind::Missing)
+    {
+        m_findings.append({parameter, text, kind});
+    }
+    /// Such a text makes the graph invalid; without its value nothing else is known about it.
+    bool hasUnknownVariable(const QString &text) const
+    {
+        QStringList unknown;
+        if (const GlobalParameters *const global = m_item.globalParameters()) {
+            global->expandString(text, &unknown);
+        }
+        return !unknown.isEmpty();
+    }
+    QString valueOf(const QString &name) const
+    {
+        const int index = m_parameters.indexOfParameter(name);
+        return index < 0 ? QString() : m_parameters.parameterValue(index);
+    }
+
+    void checkValues();
+    void checkInput(const ParameterInfo &info, const QString &value);
+    void checkTarget(const TargetUse &target, const QStringList &earlier);
+    void checkOwnProblems();
+
+    const ActionItem &m_item;
+    const ActionParameters &m_parameters;
+    const QVector<ParameterInfo> m_infos;
+    QVector<Finding> m_findings;
+};
+
+/// The checks of one action of a graph.
 class ActionCheck
 {
 public:
@@ -74,24 +119,7 @@ private:
         const XMLNode child = m_action.parameters.getChildNode(parameter.toLatin1().constData());
         return child.isEmpty() ? m_action.parameters.line() : child.line();
     }
-    /// Such a text makes the graph invalid; without its value nothing else is known about it.
-    bool hasUnknownVariable(const QString &text) const
-    {
-        QStringList unknown;
-        m_item.globalParameters()->expandString(text, &unknown);
-        return !unknown.isEmpty();
-    }
-    QString valueOf(const QString &name) const
-    {
-        const int index = m_parameters.indexOfParameter(name);
-        return index < 0 ? QString() : m_parameters.parameterValue(index);
-    }
-
-    void checkValues();
-    void checkInput(const ParameterInfo &info, const QString &value);
-    void checkTarget(const TargetUse &target, const QStringList &earlier);
     void checkLinks();
-    void checkOwnProblems();
 
     const CorvantaGraph &m_graph;
     const CorvantaGraph::Action &m_action;
@@ -113,6 +141,13 @@ void ActionCheck::findMistakes()
 
 void ActionCheck::findMissing(const QStringList &earlier)
 {
+    for (const ValueCheck::Finding &finding : ValueCheck(m_item, m_parameters).findings(earlier)) {
+        add(lineOf(finding.parameter), finding.text, finding.kind);
+    }
+}
+
+QVector<ValueCheck::Finding> ValueCheck::findings(const QStringList &earlier)
+{
     checkValues();
     for (const TargetUse &target : m_parameters.targets()) {
         // An empty name is reported as a required value.
@@ -121,25 +156,27 @@ void ActionCheck::findMissing(const QStringList &earlier)
         }
     }
     checkOwnProblems();
+    return std::move(m_findings);
 }
 
-void ActionCheck::checkValues()
+void ValueCheck::checkValues()
 {
     for (const ParameterInfo &info : m_infos) {
-        if (!isNeeded(m_parameters, info) || hasUnknownVariable(valueOf(info.name))) {
+        if (m_parameters.failedCondition(info) != nullptr ||
+            hasUnknownVariable(valueOf(info.name))) {
             continue;
         }
         // A variable may be empty.
         const QString value = m_item.expandString(valueOf(info.name)).trimmed();
-        if (value.isEmpty() && info.required.isSet) {
-            add(lineOf(info.name), u"'%1' is required and empty"_s.arg(info.name), Kind::Missing);
+        if (value.isEmpty() && info.isRequired) {
+            add(info.name, u"'%1' is required and empty"_s.arg(info.name));
         } else if (!value.isEmpty() && info.file == ParameterInfo::File::Input) {
             checkInput(info, valueOf(info.name));
         }
     }
 }
 
-void ActionCheck::checkInput(const ParameterInfo &info, const QString &value)
+void ValueCheck::checkInput(const ParameterInfo &info, const QString &value)
 {
     // A template that the program includes; its folder is known to the action only.
     if (value.startsWith(u'>')) {
@@ -156,12 +193,11 @@ void ActionCheck::checkInput(const ParameterInfo &info, const QString &value)
     const bool isTolerated =
         aborts == "0"_L1 || (aborts == "1"_L1 && valueOf(u"timeOut"_s).toLongLong() != 0);
     const QString state = file.isDir() ? u"is a folder"_s : u"does not exist"_s;
-    add(m_action.parameters.line(),
-        u"the file '%1' of '%2' %3"_s.arg(file.filePath(), info.name, state),
+    add(info.name, u"the file '%1' of '%2' %3"_s.arg(file.filePath(), info.name, state),
         isTolerated ? Kind::Hint : Kind::Missing);
 }
 
-void ActionCheck::checkTarget(const TargetUse &target, const QStringList &earlier)
+void ValueCheck::checkTarget(const TargetUse &target, const QStringList &earlier)
 {
     const QFileInfo file(target.name);
     const QFileInfo folder(file.absolutePath());
@@ -184,7 +220,11 @@ void ActionCheck::checkTarget(const TargetUse &target, const QStringList &earlie
             folder.filePath(), create.isEmpty() ? QString() : u" (createDir='1' creates it)"_s);
     }
     if (!problem.isEmpty()) {
-        add(m_action.parameters.line(), problem, Kind::Missing);
+        const auto output =
+            std::find_if(m_infos.begin(), m_infos.end(), [](const ParameterInfo &info) {
+                return info.file == ParameterInfo::File::Output;
+            });
+        add(output == m_infos.end() ? QString() : output->name, problem);
     }
 }
 
@@ -207,14 +247,14 @@ void ActionCheck::checkLinks()
         Kind::Idle);
 }
 
-void ActionCheck::checkOwnProblems()
+void ValueCheck::checkOwnProblems()
 {
     for (const ParameterProblem &problem : m_parameters.problems()) {
         if (hasUnknownVariable(valueOf(problem.parameter))) {
             continue;
         }
         const bool isError = problem.severity == ParameterProblem::Severity::Error;
-        add(lineOf(problem.parameter), problem.text, isError ? Kind::Missing : Kind::Hint);
+        add(problem.parameter, problem.text, isError ? Kind::Missing : Kind::Hint);
     }
 }
 
@@ -242,6 +282,21 @@ void forEachAction(const CorvantaGraph &graph, const ActionRegistry &registry,
 }
 
 } // namespace
+
+QVector<ParameterProblem> valueProblems(const ActionItem &item)
+{
+    QVector<ParameterProblem> problems;
+    const auto *const parameters = dynamic_cast<const ActionParameters *>(&item);
+    if (parameters == nullptr) {
+        return problems;
+    }
+    for (const ValueCheck::Finding &finding : ValueCheck(item, *parameters).findings({})) {
+        problems.append({finding.parameter, finding.text,
+                         finding.kind == Kind::Hint ? ParameterProblem::Severity::Warning
+                                                    : ParameterProblem::Severity::Error});
+    }
+    return problems;
+}
 
 CorvantaGraph::Problems CorvantaGraph::findMistakes(const ActionRegistry &registry,
                                                     const QMap<QString, QString> &given) const

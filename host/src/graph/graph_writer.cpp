@@ -1,56 +1,15 @@
 // Writes graph files, with one line per element so that differences between versions are readable.
 #include "corvanta/corvanta_graph.h"
+#include "graph/node_writer.h"
 
 #include <QLocale>
 
 #include <sstream>
 
 using namespace Qt::StringLiterals;
+using corvanta::writeNode;
 
 namespace {
-
-/// The attributes of `node` as in its document, escaped.
-void writeAttributes(const XMLNode &node, std::wostream &out)
-{
-    ToXMLStringTool tool;
-    for (const QString &attribute : node.attributeNames()) {
-        const QString value =
-            QString::fromUtf16(node.getAttribute(attribute.toLatin1().constData()));
-        out << L' ' << attribute.toStdWString() << L"='" << tool.toXML(value) << L'\'';
-    }
-}
-
-/// Write `node` at the current place of a line that is indented by `depth` steps. Elements that
-/// hold only elements get one line each; text is kept unchanged. Recursive: a parsed tree has a
-/// limited depth.
-void writeNode(const XMLNode &node, int depth, std::wostream &out)
-{
-    ToXMLStringTool tool;
-    const std::wstring name = node.getName().toStdWString();
-    out << L'<' << name;
-    writeAttributes(node, out);
-    const int children = node.nChildNode();
-    const QString text = node.text();
-    // Spaces between elements only indent them and are not kept; in an element without children
-    // they are a value.
-    const bool hasText = children == 0 ? !text.isEmpty() : !text.trimmed().isEmpty();
-    if (children == 0 && !hasText) {
-        out << L"/>";
-        return;
-    }
-    out << L'>' << (hasText ? tool.toXML(text) : L"");
-    const auto breakLine = [&](int level) {
-        if (children > 0 && !hasText) {
-            out << L'\n' << std::wstring(static_cast<size_t>(2 * level), L' ');
-        }
-    };
-    for (int i = 0; i < children; ++i) {
-        breakLine(depth + 1);
-        writeNode(node.getChildNode(i), depth + 1, out);
-    }
-    breakLine(depth);
-    out << L"</" << name << L'>';
-}
 
 void writeAction(const CorvantaGraph::Action &action, std::wostream &out)
 {

@@ -96,20 +96,46 @@ public:
     /// The value must not be empty.
     Param &&required() &&
     {
-        m_info.required.isSet = true;
+        m_info.isRequired = true;
         return std::move(*this);
     }
     /// The value must not be empty when `parameter` has one of `values`, written as they are saved;
     /// otherwise it is not used.
     Param &&requiredWhen(const char *parameter, const QStringList &values) &&
     {
-        m_info.required = {true, QString::fromLatin1(parameter), values};
+        return std::move(*this).required().onlyWhen(parameter, values);
+    }
+    /// The action uses the value only when `parameter` has one of `values`, written as they are
+    /// saved. Several conditions must all hold.
+    Param &&onlyWhen(const char *parameter, const QStringList &values) &&
+    {
+        m_info.conditions.append({QString::fromLatin1(parameter), values});
         return std::move(*this);
     }
-    /// Texts of the numbers 0, 1, 2, ... of an integer; see choice().
-    Param &&choices(const QStringList &texts) &&
+    /// Weakens the condition before it: the value is also used when `parameter` has one of
+    /// `values`.
+    Param &&orWhen(const char *parameter, const QStringList &values) &&
+    {
+        m_info.conditions.last().alternatives.append({QString::fromLatin1(parameter), values});
+        return std::move(*this);
+    }
+    /// As onlyWhen(), when `parameter` has none of `values`.
+    Param &&ignoredWhen(const char *parameter, const QStringList &values) &&
+    {
+        m_info.conditions.append({QString::fromLatin1(parameter), values, true});
+        return std::move(*this);
+    }
+    /// Unit of a number, for forms: "MB", "seconds".
+    Param &&unit(const char *text) &&
+    {
+        m_info.unit = QString::fromUtf8(text);
+        return std::move(*this);
+    }
+    /// Texts of the numbers 0, 1, 2, ... of an integer, and a sentence about each; see choice().
+    Param &&choices(const QStringList &texts, const QStringList &explanations = {}) &&
     {
         m_info.choices = texts;
+        m_info.explanations = explanations;
         return std::move(*this);
     }
     /// Where the value is saved; an attribute unless set. content() and elementText() use it.
@@ -187,11 +213,13 @@ template <class P> Param<P> elementText(const char *name, QString P::*member)
     return text(name, member).at(ParameterInfo::Place::Element);
 }
 
-/// A value of a choice, saved as its number, and its text.
+/// A value of a choice, saved as its number, its text, and a sentence for users who need more than
+/// the text.
 template <class E> struct Choice
 {
     E value;
     const char *text;
+    const char *explanation = "";
 };
 
 /// The texts of choices with the values 0, 1, 2, ... in order.
@@ -205,6 +233,16 @@ template <class E> QStringList textsOf(std::initializer_list<Choice<E>> choices)
     return texts;
 }
 
+/// The explanations in the same order; none if all are empty.
+template <class E> QStringList explanationsOf(std::initializer_list<Choice<E>> choices)
+{
+    QStringList explanations;
+    for (const Choice<E> &choice : choices) {
+        explanations << QString::fromUtf8(choice.explanation);
+    }
+    return explanations.join(QString()).isEmpty() ? QStringList() : explanations;
+}
+
 /// One of several values. The choices are the numbers 0, 1, 2, ... in order. Any other number is
 /// kept as it is, so that the action decides what it means; limit it with range().
 template <class P, class E>
@@ -213,7 +251,7 @@ Param<P> choice(const char *name, E P::*member,
 {
     static_assert(std::is_same_v<std::underlying_type_t<E>, int>);
     return Param<P>(name, ParameterInfo::Type::Integer, accessTo<qint64>(member))
-        .choices(textsOf(choices));
+        .choices(textsOf(choices), explanationsOf(choices));
 }
 /// The same for a member of a base of `P`.
 template <class P, class Base, class E>

@@ -1,0 +1,223 @@
+// Undo of edits in panels. The saved element is the state that is kept: it also has what the action
+// does not know.
+#include "corvanta/edit/edit_history.h"
+
+#include "corvanta/action_item.h"
+#include "corvanta/action_parameters.h"
+#include "corvanta/main_ui.h"
+#include "graph/node_writer.h"
+
+#include <memory>
+#include <sstream>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// A new action of the same type with the parameters of `saved`.
+std::unique_ptr<ActionItem> copyWith(ActionItem &action, const XMLNode &saved)
+{
+    return std::unique_ptr<ActionItem>(
+        action.newInstance(new XMLNode(saved), action.globalParameters())); // newInstance() owns it
+}
+
+/// The child elements of that name as XML.
+QString elementsOf(const XMLNode &parent, const QString &name)
+{
+    std::wostringstream out;
+    out.exceptions(std::ios::badbit); // otherwise text is lost when there is no memory
+    const QByteArray wanted = name.toLatin1();
+    int at = 0;
+    for (XMLNode child = parent.getChildNode(wanted.constData(), &at); !child.isEmpty();
+         child = parent.getChildNode(wanted.constData(), &at)) {
+        writeNode(child, 1, out);
+    }
+    return QString::fromStdWString(out.str());
+}
+
+/// Composes the element of savedForm().
+class Merge
+{
+public:
+    Merge(ActionItem &action, const XMLNode &before, const ParameterEdit &edit)
+        : m_type(QString::fromLatin1(action.getTypeName()))
+        , m_edit(edit)
+        , m_before(before)
+        , m_new(dynamic_cast<const ActionParameters *>(&action))
+        , m_oldAction(copyWith(action, before))
+        , m_old(dynamic_cast<const ActionParameters *>(m_oldAction.get()))
+    {
+        m_out.exceptions(std::ios::badbit); // otherwise text is lost when there is no memory
+        action.save(m_out, m_type);
+        m_saved = parsed();
+        m_out.str({});
+    }
+
+    XMLNode take()
+    {
+        if (m_saved.isEmpty() || m_new == nullptr || m_old == nullptr) {
+            return m_saved;
+        }
+        const QVector<ParameterInfo> infos = m_new->parameters();
+        const KnownNames known = knownNames(infos);
+        m_out << L'<' << m_type.toStdWString();
+        writeAttributes(m_saved, m_out);
+        copyUnknownAttributes(known);
+        m_out << L'>';
+        for (int i = 0; i < infos.size(); ++i) {
+            if (infos[i].place == ParameterInfo::Place::Element) {
+                writeElements(infos[i], i);
+            }
+        }
+        for (int i = 0; i < m_before.nChildNode(); ++i) {
+            if (!known.elements.contains(m_before.getChildNode(i).getName())) {
+                writeNode(m_before.getChildNode(i), 1, m_out);
+            }
+        }
+        m_out << L"</" << m_type.toStdWString() << L'>';
+        return parsed();
+    }
+
+private:
+    XMLNode parsed() const
+    {
+        const auto document = XMLNode::parse(QString::fromStdWString(m_out.str()).toUtf8());
+        return document ? *document : XMLNode();
+    }
+
+    void copyUnknownAttributes(const KnownNames &known)
+    {
+        ToXMLStringTool tool;
+        for (const QString &name : m_before.attributeNames()) {
+            if (name != "version"_L1 && !known.attributes.contains(name)) {
+                const auto *const value = m_before.getAttribute(name.toLatin1().constData());
+                m_out << L' ' << name.toStdWString() << L"='"
+                      << tool.toXML(QString::fromUtf16(value)) << L'\'';
+            }
+        }
+    }
+
+    /// The child elements of one parameter. Only a Structure can hold what the action does not
+    /// know: its elements come from the edit or, when the value is still the same, from `before`.
+    void writeElements(const ParameterInfo &info, int index)
+    {
+        const bool isStructure = info.type == ParameterInfo::Type::Structure;
+        const bool isSame = m_old->parameterValue(index) == m_new->parameterValue(index);
+        if (isStructure && !isSame && m_edit.parameter == info.name) {
+            m_out << m_edit.value.toStdWString();
+            return;
+        }
+        const bool isKept = isStructure && isSame && !elementsOf(m_before, info.name).isEmpty();
+        m_out << elementsOf(isKept ? m_before : m_saved, info.name).toStdWString();
+    }
+
+    const QString m_type;
+    const ParameterEdit &m_edit;
+    const XMLNode &m_before;
+    const ActionParameters *m_new;
+    std::unique_ptr<ActionItem> m_oldAction; // with the parameters of m_before
+    const ActionParameters *m_old;           // the same object
+    std::wostringstream m_out;
+    XMLNode m_saved; // what the action saves
+};
+
+bool isSameSeries(const EditHistory::Step &step, const QString &action, const ParameterEdit &edit)
+{
+    return edit.series != 0 && step.edit.series == edit.series && step.action == action &&
+           step.edit.parameter == edit.parameter;
+}
+
+} // namespace
+
+XMLNode savedForm(ActionItem &action, const XMLNode &before, const ParameterEdit &edit)
+{
+    return Merge(action, before, edit).take();
+}
+
+QString storedValue(ActionItem &action, int index)
+{
+    const auto &parameters = dynamic_cast<const ActionParameters &>(action);
+    const QString value = parameters.parameterValue(index);
+    const ParameterInfo info = parameters.parameters()[index];
+    const CorvantaGraph *const graph = MainUI::editedGraph();
+    const int number = action.getIdx();
+    if (info.type != ParameterInfo::Type::Structure || graph == nullptr || number < 0 ||
+        number >= graph->actions.size()) {
+        return value;
+    }
+    const XMLNode &element = graph->actions[number].parameters;
+    const std::unique_ptr<ActionItem> copy = copyWith(action, element);
+    const bool isSame =
+        dynamic_cast<const ActionParameters &>(*copy).parameterValue(index) == value;
+    const QString stored = elementsOf(element, info.name);
+    return isSame && !stored.isEmpty() ? stored : value;
+}
+
+void restoreParameters(ActionItem &action, const XMLNode &saved)
+{
+    const std::unique_ptr<ActionItem> copy = copyWith(action, saved);
+    const auto *const from = dynamic_cast<const ActionParameters *>(copy.get());
+    auto *const to = dynamic_cast<ActionParameters *>(&action);
+    if (from == nullptr || to == nullptr) {
+        return;
+    }
+    const qsizetype count = from->parameters().size();
+    for (int i = 0; i < count; ++i) {
+        to->setParameterValue(i, from->parameterValue(i));
+    }
+}
+
+EditHistory::EditHistory(CorvantaGraph *graph)
+    : m_graph(graph)
+{
+}
+
+void EditHistory::record(ActionItem *action, const ParameterEdit &edit)
+{
+    const int index = action->getIdx();
+    if (index < 0 || index >= m_graph->actions.size()) {
+        return;
+    }
+    CorvantaGraph::Action &element = m_graph->actions[index];
+    const XMLNode after = savedForm(*action, element.parameters, edit);
+    m_steps.resize(m_done);
+    if (!m_steps.empty() && isSameSeries(m_steps.back(), element.id, edit)) {
+        m_steps.back().after = after;
+    } else {
+        m_steps.push_back({element.id, edit, element.parameters, after});
+        ++m_done;
+    }
+    element.parameters = after;
+}
+
+const EditHistory::Step *EditHistory::undo()
+{
+    if (m_done == 0) {
+        return nullptr;
+    }
+    const Step &step = m_steps[--m_done];
+    setElement(step, step.before);
+    return &step;
+}
+
+const EditHistory::Step *EditHistory::redo()
+{
+    if (m_done == m_steps.size()) {
+        return nullptr;
+    }
+    const Step &step = m_steps[m_done++];
+    setElement(step, step.after);
+    return &step;
+}
+
+void EditHistory::setElement(const Step &step, const XMLNode &element)
+{
+    const int index = m_graph->indexOf(step.action);
+    if (index >= 0) {
+        m_graph->actions[index].parameters = element;
+    }
+}
+
+} // namespace corvanta
