@@ -1,11 +1,14 @@
 // The property panel of readExcel.
+//
+// The layout is in the source; the fields come from the parameter table. Threads: the GUI thread.
 #pragma once
-#include "panels/parameter_form.h"
+#include "panels/property_panel.h"
 
-/// Every field comes from the parameter table. Hosts depend on the name of the class.
-class Interface_ActionReadExcel final : public corvanta::ParameterForm
+/// Hosts depend on the name of the class.
+class Interface_ActionReadExcel final : public corvanta::PropertyPanel
 {
     Q_OBJECT
 public:
-    using ParameterForm::ParameterForm;
+    /// `action` must outlive the panel.
+    Interface_ActionReadExcel(QWidget *parent, ActionItem *action);
 };

@@ -1,13 +1,14 @@
 // The property panel of writeSASXPT.
 //
-// The form shows every line of the parameter table, with its label and meaning, and needs no code
-// here. The class exists because hosts find a panel by the name of its class.
+// The layout is in the source; the fields come from the parameter table. Threads: the GUI thread.
 #pragma once
-#include "panels/parameter_form.h"
+#include "panels/property_panel.h"
 
-class Interface_ActionWriteSASXPT final : public corvanta::ParameterForm
+/// Hosts depend on the name of the class.
+class Interface_ActionWriteSASXPT final : public corvanta::PropertyPanel
 {
     Q_OBJECT
 public:
-    using ParameterForm::ParameterForm;
+    /// `action` must outlive the panel.
+    Interface_ActionWriteSASXPT(QWidget *parent, ActionItem *action);
 };

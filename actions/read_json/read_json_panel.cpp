@@ -1,0 +1,32 @@
+#include "actions/read_json/read_json_panel.h"
+
+#include "panels/column_picker.h"
+
+namespace {
+
+using namespace corvanta;
+using Fold = PanelGroup::Fold;
+
+PanelLayout panelLayout()
+{
+    return {
+        {QT_TRANSLATE_NOOP("Panels", "Source"),
+         {"fromInputPin", "fileName", {"colJSON", editor<ColumnField>}, "oneJSONPerRow"}},
+        {QT_TRANSLATE_NOOP("Panels", "Levels and columns"),
+         {"Level", "autoFillNRows", "readTagsFromInPin"}},
+        {QT_TRANSLATE_NOOP("Panels", "Added columns"),
+         {"outputFilenames", "outputSubTags", "appendToRow"},
+         Fold::Folded},
+        {QT_TRANSLATE_NOOP("Panels", "Errors"),
+         {"permissiveNumbers", "ignoreErrors", "warnUnread", "abortIfMissing", "timeOut"},
+         Fold::Folded},
+        {kAdvancedGroup, {"bufferSize", "newMode"}, Fold::Folded},
+    };
+}
+
+} // namespace
+
+Interface_ActionReadJSON::Interface_ActionReadJSON(QWidget *parent, ActionItem *action)
+    : PropertyPanel(parent, action, panelLayout())
+{
+}

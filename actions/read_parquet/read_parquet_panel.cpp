@@ -1,0 +1,26 @@
+#include "actions/read_parquet/read_parquet_panel.h"
+
+namespace {
+
+using namespace corvanta;
+using Fold = PanelGroup::Fold;
+
+PanelLayout panelLayout()
+{
+    return {
+        {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "fileNameFromPin"}},
+        {QT_TRANSLATE_NOOP("Panels", "Columns"),
+         {"columnSelection", "ColumnsToRead", "outputFilenames"}},
+        {QT_TRANSLATE_NOOP("Panels", "Values"), {"logicalTypes", "int64ToKey"}},
+        {kAdvancedGroup,
+         {"extendedEncodings", "skipUnreadable", "allowEmpty", "pageChecksums", "abortIfMissing"},
+         Fold::Folded},
+    };
+}
+
+} // namespace
+
+Interface_ActionReadParquet::Interface_ActionReadParquet(QWidget *parent, ActionItem *action)
+    : PropertyPanel(parent, action, panelLayout())
+{
+}

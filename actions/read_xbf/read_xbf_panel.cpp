@@ -1,0 +1,22 @@
+#include "actions/read_xbf/read_xbf_panel.h"
+
+namespace {
+
+using namespace corvanta;
+using Fold = PanelGroup::Fold;
+
+PanelLayout panelLayout()
+{
+    return {
+        {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "encoding"}},
+        {QT_TRANSLATE_NOOP("Panels", "Memo fields"), {"useDBT", "dbtInRam"}},
+        {kAdvancedGroup, {"level7", "bufferSize"}, Fold::Folded},
+    };
+}
+
+} // namespace
+
+Interface_ActionReadXBF::Interface_ActionReadXBF(QWidget *parent, ActionItem *action)
+    : PropertyPanel(parent, action, panelLayout())
+{
+}

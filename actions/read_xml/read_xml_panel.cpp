@@ -1,0 +1,37 @@
+#include "actions/read_xml/read_xml_panel.h"
+
+#include "panels/column_picker.h"
+
+namespace {
+
+using namespace corvanta;
+using Fold = PanelGroup::Fold;
+
+PanelLayout panelLayout()
+{
+    return {
+        {QT_TRANSLATE_NOOP("Panels", "Source"),
+         {"fromInputPin", "fileName", {"colXML", editor<ColumnField>}, "readHTML", "encoding"}},
+        {QT_TRANSLATE_NOOP("Panels", "Levels and columns"), {"Level", "autoFillNRows", "skipRows"}},
+        {QT_TRANSLATE_NOOP("Panels", "Values"),
+         {"addOnlyText", "readClearTags", "outputTagNames", "tagNameSummary", "getTagPresenceFlag",
+          "discardNameSpaces", "zeroBased"},
+         Fold::Folded},
+        {QT_TRANSLATE_NOOP("Panels", "Added columns"),
+         {"outputFilenames", "outputSubTags", "addColBefore"},
+         Fold::Folded},
+        {QT_TRANSLATE_NOOP("Panels", "Errors"),
+         {"skipCorruptedFiles", "ignoreUnknownEntities", "ignoreEmptyTag",
+          "ignoreInvalidCharInTagName", "iconvDiscardUnconvertible", "warnUnread", "abortIfMissing",
+          "timeOut"},
+         Fold::Folded},
+        {kAdvancedGroup, {"bufferSize"}, Fold::Folded},
+    };
+}
+
+} // namespace
+
+Interface_ActionReadXML::Interface_ActionReadXML(QWidget *parent, ActionItem *action)
+    : PropertyPanel(parent, action, panelLayout())
+{
+}

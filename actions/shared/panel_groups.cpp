@@ -1,0 +1,21 @@
+#include "actions/shared/panel_groups.h"
+
+#include "panels/column_picker.h"
+
+namespace corvanta::shared {
+
+PanelGroup columnsGroup(const char *list)
+{
+    return {QT_TRANSLATE_NOOP("Panels", "Columns"),
+            {"writeAllColumns", {list, editor<ColumnPicker>}, "checkNameCollision"},
+            PanelGroup::Fold::Folded};
+}
+
+PanelGroup rowsGroup()
+{
+    return {QT_TRANSLATE_NOOP("Panels", "Rows"),
+            {"writeAllRows", {"testCol", editor<ColumnField>}, "testValue"},
+            PanelGroup::Fold::Folded};
+}
+
+} // namespace corvanta::shared

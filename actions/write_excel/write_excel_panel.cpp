@@ -1,0 +1,49 @@
+#include "actions/write_excel/write_excel_panel.h"
+
+#include "actions/shared/panel_groups.h"
+#include "panels/basic_editors.h"
+#include "panels/column_picker.h"
+
+namespace {
+
+using namespace corvanta;
+using Fold = PanelGroup::Fold;
+
+PanelLayout panelLayout()
+{
+    return {
+        {QT_TRANSLATE_NOOP("Panels", "Target"),
+         {"mode", "fileNameSource", "fileNameDestination", "createDir"}},
+        {QT_TRANSLATE_NOOP("Panels", "Sheet"),
+         {"sheetMode", "sheetIdx", "sheetName", "createIfNotExists", "startRow",
+          "firstLineContainsColumnNames"}},
+        shared::columnsGroup("ToWrite"),
+        shared::rowsGroup(),
+        {QT_TRANSLATE_NOOP("Panels", "Dates"),
+         {{"ToDate", editor<ColumnPicker>},
+          "dateFormatType",
+          "dateFormat",
+          "isoDates",
+          "dateFormatExcel"},
+         Fold::Folded},
+        {QT_TRANSLATE_NOOP("Panels", "Numbers, formulas and links"),
+         {{"floatToString", editor<FloatFormatEditor>},
+          "noNans",
+          {"ToFormula", editor<ColumnPicker>},
+          "equalisFormula",
+          "urlTag",
+          "forceRecompute"},
+         Fold::Folded},
+        {kAdvancedGroup,
+         {"namedRange", "nrIncludeTitleRow", "alwaysWrite", "crop", "runExcel", "timeOut",
+          "excelHack", "useComma"},
+         Fold::Folded},
+    };
+}
+
+} // namespace
+
+Interface_ActionWriteExcel::Interface_ActionWriteExcel(QWidget *parent, ActionItem *action)
+    : PropertyPanel(parent, action, panelLayout())
+{
+}

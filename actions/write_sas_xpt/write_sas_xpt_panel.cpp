@@ -1,0 +1,27 @@
+#include "actions/write_sas_xpt/write_sas_xpt_panel.h"
+
+#include "actions/shared/panel_groups.h"
+
+namespace {
+
+using namespace corvanta;
+using Fold = PanelGroup::Fold;
+
+PanelLayout panelLayout()
+{
+    return {
+        {QT_TRANSLATE_NOOP("Panels", "Target"), {"fileName", "createDir", "version8"}},
+        shared::columnsGroup("ColWrite"),
+        shared::rowsGroup(),
+        {QT_TRANSLATE_NOOP("Panels", "Text columns"),
+         {"autoWidth", "StringColDef", "stringStorage", "encoding"}},
+        {QT_TRANSLATE_NOOP("Panels", "Variables"), {"numberWidth", "VariableDef"}, Fold::Folded},
+    };
+}
+
+} // namespace
+
+Interface_ActionWriteSASXPT::Interface_ActionWriteSASXPT(QWidget *parent, ActionItem *action)
+    : PropertyPanel(parent, action, panelLayout())
+{
+}

@@ -1,0 +1,256 @@
+#include "panels/basic_editors.h"
+
+#include "base/number.h"
+#include "panels/note_label.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QEvent>
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QSpinBox>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+// Visible lines of a text; longer ones scroll.
+constexpr int kTextLines = 2;
+constexpr int kChoiceCharacters = 16; // long choices must not widen the panel
+
+/// A layout without margins, for controls that form one field.
+template <class Layout> Layout *plainLayout(QWidget *parent)
+{
+    auto *const layout = new Layout(parent);
+    layout->setContentsMargins(0, 0, 0, 0);
+    return layout;
+}
+
+/// Rejects wheel events, which the scroll area around the control then gets.
+class WheelFilter final : public QObject
+{
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        const bool isIgnored =
+            event->type() == QEvent::Wheel && !static_cast<QWidget *>(watched)->hasFocus();
+        if (isIgnored) {
+            event->ignore();
+        }
+        return isIgnored;
+    }
+};
+
+} // namespace
+
+void ignoreWheelWithoutFocus(QWidget *control)
+{
+    // Without it, the wheel would also move the focus to the control.
+    control->setFocusPolicy(Qt::StrongFocus);
+    control->installEventFilter(new WheelFilter(control));
+}
+
+// ---- A line
+
+LineEditor::LineEditor(const FieldContext &context)
+    : FieldEditor(context)
+    , m_line(new QLineEdit(this))
+{
+    auto *const row = plainLayout<QHBoxLayout>(this);
+    row->addWidget(m_line);
+    if (!context.info.unit.isEmpty()) {
+        row->addWidget(new QLabel(context.info.unit));
+    }
+    m_line->setPlaceholderText(context.info.defaultValue);
+    setMainControl(m_line);
+    connect(m_line, &QLineEdit::textEdited, this,
+            [this](const QString &text) { report(text, Edit::Typing); });
+}
+
+void LineEditor::setValue(const QString &value)
+{
+    // Setting an equal text would move the cursor while the user types.
+    if (m_line->text() != value) {
+        m_line->setText(value);
+    }
+}
+
+FloatFormatEditor::FloatFormatEditor(const FieldContext &context)
+    : LineEditor(context)
+    , m_example(new NoteLabel(this))
+{
+    auto *const row = static_cast<QBoxLayout *>(layout()); // of LineEditor, with the line only
+    row->setDirection(QBoxLayout::TopToBottom);
+    row->addWidget(m_example);
+    connect(line(), &QLineEdit::textChanged, this, [this] { showExample(); });
+    showExample();
+}
+
+void FloatFormatEditor::showExample()
+{
+    constexpr double example = 1234.56789;
+    FloatFormat format;
+    QByteArray text;
+    if (format.set(line()->text())) {
+        format.append(example, &text);
+    }
+    // A format that is not allowed is reported as a problem instead.
+    m_example->setNote(NoteLabel::Kind::Remark,
+                       text.isEmpty()
+                           ? QString()
+                           : tr("1234.56789 is written as %1").arg(QString::fromUtf8(text)));
+}
+
+ParameterProblem FloatFormatEditor::problem() const
+{
+    FloatFormat format;
+    if (format.set(line()->text())) {
+        return {};
+    }
+    return {context().info.name,
+            tr("expected a printf format with one conversion, for example %.2f"),
+            ParameterProblem::Severity::Error};
+}
+
+// ---- A number
+
+NumberEditor::NumberEditor(const FieldContext &context)
+    : FieldEditor(context)
+    , m_box(new QSpinBox(this))
+{
+    const ParameterInfo &info = context.info;
+    m_box->setRange(static_cast<int>(info.low), static_cast<int>(info.high));
+    m_box->setLocale(QLocale::c()); // files have no digit groups
+    if (!info.unit.isEmpty()) {
+        m_box->setSuffix(u' ' + info.unit);
+    }
+    auto *const row = plainLayout<QHBoxLayout>(this);
+    row->addWidget(m_box);
+    row->addStretch(1);
+    setMainControl(m_box);
+    ignoreWheelWithoutFocus(m_box);
+    connect(m_box, &QSpinBox::valueChanged, this,
+            [this](int value) { report(QString::number(value), Edit::Typing); });
+}
+
+void NumberEditor::setValue(const QString &value)
+{
+    m_box->setValue(value.toInt());
+}
+
+// ---- A choice
+
+ChoiceEditor::ChoiceEditor(const FieldContext &context)
+    : FieldEditor(context)
+    , m_box(new QComboBox(this))
+    , m_explanation(new NoteLabel(this))
+{
+    const ParameterInfo &info = context.info;
+    m_box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_box->setMinimumContentsLength(kChoiceCharacters);
+    for (qsizetype i = 0; i < info.choices.size(); ++i) {
+        m_box->addItem(info.choices[i], QString::number(i)); // saved as the number
+    }
+    // A default beyond the choices means that the action decides.
+    if (m_box->findData(info.defaultValue) < 0) {
+        m_box->insertItem(0, tr("automatic"), info.defaultValue);
+    }
+    auto *const column = plainLayout<QVBoxLayout>(this);
+    column->addWidget(m_box);
+    column->addWidget(m_explanation);
+    setMainControl(m_box);
+    ignoreWheelWithoutFocus(m_box);
+    connect(m_box, &QComboBox::currentIndexChanged, this, [this] {
+        showExplanation();
+        report(m_box->currentData().toString());
+    });
+    showExplanation();
+}
+
+void ChoiceEditor::showExplanation()
+{
+    const int choice = m_box->currentData().toInt();
+    m_explanation->setNote(NoteLabel::Kind::Remark, context().info.explanations.value(choice));
+}
+
+void ChoiceEditor::setValue(const QString &value)
+{
+    if (m_box->findData(value) < 0) {
+        m_box->addItem(tr("other value (%1)").arg(value), value);
+    }
+    m_box->setCurrentIndex(m_box->findData(value));
+}
+
+// ---- A flag
+
+FlagEditor::FlagEditor(const FieldContext &context)
+    : FieldEditor(context)
+    , m_box(new QCheckBox(this))
+    , m_label(new QLabel(context.label, this))
+{
+    // The text of a check box is never wrapped, so it is a label.
+    m_label->setWordWrap(true);
+    m_label->setBuddy(m_box);
+    m_label->installEventFilter(this);
+    m_label->setToolTip(toolTipOf(context));
+    auto *const row = plainLayout<QHBoxLayout>(this);
+    row->addWidget(m_box, 0, Qt::AlignTop);
+    row->addWidget(m_label, 1);
+    setMainControl(m_box);
+    connect(m_box, &QCheckBox::toggled, this,
+            [this](bool isOn) { report(isOn ? u"1"_s : u"0"_s); });
+}
+
+void FlagEditor::setLabel(const QString &text)
+{
+    m_label->setText(text);
+}
+
+void FlagEditor::setValue(const QString &value)
+{
+    m_box->setChecked(value != "0"_L1);
+}
+
+bool FlagEditor::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::MouseButtonRelease) {
+        m_box->click();
+    }
+    return FieldEditor::eventFilter(watched, event);
+}
+
+// ---- A text
+
+TextEditor::TextEditor(const FieldContext &context)
+    : FieldEditor(context)
+    , m_text(new QPlainTextEdit(this))
+{
+    m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_text->setLineWrapMode(QPlainTextEdit::NoWrap);
+    m_text->setTabChangesFocus(true); // as in the other fields
+    const int margins =
+        2 * (m_text->frameWidth() + static_cast<int>(m_text->document()->documentMargin()));
+    m_text->setFixedHeight(QFontMetrics(m_text->font()).lineSpacing() * kTextLines + margins);
+    plainLayout<QVBoxLayout>(this)->addWidget(m_text);
+    setMainControl(m_text);
+    connect(m_text, &QPlainTextEdit::textChanged, this,
+            [this] { report(m_text->toPlainText(), Edit::Typing); });
+}
+
+void TextEditor::setValue(const QString &value)
+{
+    if (m_text->toPlainText() != value) {
+        m_text->setPlainText(value);
+    }
+}
+
+} // namespace corvanta

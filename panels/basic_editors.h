@@ -1,0 +1,120 @@
+// Editors for single values: a line, a number, a choice, a check box, a text of several lines.
+//
+// Threads: the GUI thread.
+#pragma once
+#include "panels/field_editor.h"
+
+#include <QCoreApplication>
+
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QSpinBox;
+
+namespace corvanta {
+
+class NoteLabel;
+
+/// One line of text. Also for real numbers, which any locale writes with a point.
+/// The default is shown as a placeholder.
+class LineEditor : public FieldEditor
+{
+public:
+    explicit LineEditor(const FieldContext &context);
+
+protected:
+    void setValue(const QString &value) override;
+    QLineEdit *line() const { return m_line; }
+
+private:
+    QLineEdit *m_line;
+};
+
+/// The printf format of decimal numbers, with an example of its effect below the line. A format
+/// that FloatFormat does not allow is a problem instead; it is still passed to the action, because
+/// the run reports it too.
+class FloatFormatEditor final : public LineEditor
+{
+    Q_DECLARE_TR_FUNCTIONS(corvanta::FloatFormatEditor)
+
+public:
+    explicit FloatFormatEditor(const FieldContext &context);
+    ParameterProblem problem() const override;
+
+private:
+    void showExample();
+
+    NoteLabel *m_example;
+};
+
+/// A whole number in the range of int, with its unit. Numbers outside the range of the parameter
+/// cannot be entered.
+class NumberEditor final : public FieldEditor
+{
+public:
+    explicit NumberEditor(const FieldContext &context);
+
+protected:
+    void setValue(const QString &value) override;
+
+private:
+    QSpinBox *m_box;
+};
+
+/// One of several values, with an explanation of the chosen one. A saved value that is not one of
+/// them is kept and shown as a number.
+class ChoiceEditor final : public FieldEditor
+{
+    Q_DECLARE_TR_FUNCTIONS(corvanta::ChoiceEditor)
+
+public:
+    explicit ChoiceEditor(const FieldContext &context);
+
+protected:
+    void setValue(const QString &value) override;
+
+private:
+    void showExplanation();
+
+    QComboBox *m_box;
+    NoteLabel *m_explanation;
+};
+
+/// A check box with a label that is wrapped when it is long. A click on the label toggles the box.
+class FlagEditor final : public FieldEditor
+{
+public:
+    explicit FlagEditor(const FieldContext &context);
+    bool showsLabel() const override { return true; }
+    void setLabel(const QString &text) override;
+
+protected:
+    void setValue(const QString &value) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QCheckBox *m_box;
+    QLabel *m_label;
+};
+
+/// A text of several lines. Tab moves to the next field, as everywhere else.
+class TextEditor final : public FieldEditor
+{
+public:
+    explicit TextEditor(const FieldContext &context);
+    bool isWide() const override { return true; }
+
+protected:
+    void setValue(const QString &value) override;
+
+private:
+    QPlainTextEdit *m_text;
+};
+
+/// Let the wheel change `control` only while it has the focus. Otherwise a user who scrolls the
+/// panel changes the values under the mouse pointer.
+void ignoreWheelWithoutFocus(QWidget *control);
+
+} // namespace corvanta

@@ -1,0 +1,342 @@
+#include "panels/column_picker.h"
+
+#include "panels/basic_editors.h"
+#include "panels/colors.h"
+#include "panels/glyphs.h"
+
+#include <QComboBox>
+#include <QCompleter>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QSignalBlocker>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// Longer lists scroll.
+constexpr int kVisibleRows = 6;
+/// Names in one message; more are counted only.
+constexpr int kNamesInMessage = 3;
+
+QListWidgetItem *newItem(const QString &text)
+{
+    auto *const item = new QListWidgetItem(text); // owned by the list it is added to
+    item->setFlags(item->flags() | Qt::ItemIsEditable);
+    return item;
+}
+
+ParameterProblem unknownColumns(const FieldContext &context, const QStringList &names)
+{
+    if (names.isEmpty()) {
+        return {};
+    }
+    const QString some = names.mid(0, kNamesInMessage).join(u"', '"_s);
+    const QString text = names.size() > kNamesInMessage
+                             ? ListEditor::tr("%1 columns are not in the input, for example '%2'")
+                                   .arg(QString::number(names.size()), some)
+                             : ListEditor::tr("the input has no column '%1'").arg(some);
+    return {context.info.name, text, ParameterProblem::Severity::Warning};
+}
+
+/// A column of buttons.
+QWidget *columnOf(std::initializer_list<QWidget *> widgets)
+{
+    auto *const box = new QWidget;
+    auto *const column = new QVBoxLayout(box);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(2);
+    column->addStretch(1);
+    for (QWidget *const widget : widgets) {
+        column->addWidget(widget);
+    }
+    column->addStretch(1);
+    return box;
+}
+
+} // namespace
+
+// ---- One column
+
+ColumnField::ColumnField(const FieldContext &context)
+    : FieldEditor(context)
+    , m_box(new QComboBox(this))
+{
+    m_box->setEditable(true);
+    m_box->setInsertPolicy(QComboBox::NoInsert);
+    m_box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    // Matches anywhere in the name; the default completes only beginnings.
+    m_box->completer()->setCaseSensitivity(Qt::CaseInsensitive);
+    m_box->completer()->setFilterMode(Qt::MatchContains);
+    m_box->completer()->setCompletionMode(QCompleter::PopupCompletion);
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_box);
+    setMainControl(m_box);
+    ignoreWheelWithoutFocus(m_box);
+    connect(m_box, &QComboBox::editTextChanged, this,
+            [this](const QString &text) { report(text, Edit::Typing); });
+    refreshContext();
+}
+
+void ColumnField::refreshContext()
+{
+    const QSignalBlocker blocker(m_box); // the text does not change
+    const QString text = m_box->currentText();
+    m_box->clear();
+    m_box->addItems(inputColumns().names);
+    m_box->setEditText(text);
+    m_box->lineEdit()->setPlaceholderText(m_box->count() == 0 ? tr("Name of a column")
+                                                              : tr("Choose a column"));
+}
+
+void ColumnField::setValue(const QString &value)
+{
+    if (m_box->currentText() != value) {
+        m_box->setEditText(value);
+    }
+}
+
+ParameterProblem ColumnField::problem() const
+{
+    // A variable may be replaced by any name.
+    const QString name = m_box->currentText();
+    const QVector<QString> known = inputColumns().names;
+    const bool isKnown =
+        known.isEmpty() || name.isEmpty() || name.contains("${"_L1) || known.contains(name);
+    return unknownColumns(context(), isKnown ? QStringList() : QStringList{name});
+}
+
+// ---- A list of texts
+
+ListEditor::ListEditor(const FieldContext &context)
+    : FieldEditor(context)
+    , m_search(new QLineEdit(this))
+    , m_left(new QListWidget(this))
+    , m_list(new QListWidget(this))
+{
+    auto *const toRight = makeButton(Glyph::ToRight, tr("Add the selected columns"), [this] {
+        QStringList texts;
+        for (const QListWidgetItem *item : m_left->selectedItems()) {
+            texts << item->text();
+        }
+        add(texts);
+    });
+    auto *const toLeft =
+        makeButton(Glyph::ToLeft, tr("Remove the selected columns"), [this] { removeSelected(); });
+    QWidget *const between = columnOf({toRight, toLeft});
+    m_needOffered = {m_left, between};
+    m_removeLine =
+        makeButton(Glyph::Remove, tr("Remove the selected lines"), [this] { removeSelected(); });
+    auto *const grid = new QGridLayout(this);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->addWidget(m_search, 0, 0, 1, 4);
+    grid->addWidget(m_left, 1, 0);
+    grid->addWidget(between, 1, 1);
+    grid->addWidget(m_list, 1, 2);
+    grid->addWidget(
+        columnOf({m_removeLine,
+                  makeButton(Glyph::Up, tr("Move the line up"), [this] { moveCurrent(-1); }),
+                  makeButton(Glyph::Down, tr("Move the line down"), [this] { moveCurrent(1); })}),
+        1, 3);
+    setUpLists();
+    setOffered({});
+}
+
+void ListEditor::setUpLists()
+{
+    const int height = fontMetrics().lineSpacing() * kVisibleRows + 2 * m_list->frameWidth();
+    for (QListWidget *const list : {m_left, m_list}) {
+        list->setFixedHeight(height);
+        list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+        list->installEventFilter(this); // for the keys
+        list->setTabKeyNavigation(false);
+    }
+    m_search->installEventFilter(this);
+    nameControl(m_search, tr("Search or add: %1").arg(context().label));
+    nameControl(m_left, tr("Columns that can be added"));
+    setMainControl(m_list);
+    m_list->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+    // Items are dragged within the list, and copied from the left.
+    m_list->setDragDropMode(QAbstractItemView::DragDrop);
+    m_list->setDefaultDropAction(Qt::MoveAction);
+    m_left->setDragDropMode(QAbstractItemView::DragOnly);
+    m_left->setDefaultDropAction(Qt::CopyAction);
+    connect(m_left, &QListWidget::itemDoubleClicked, this,
+            [this](const QListWidgetItem *item) { add({item->text()}); });
+    connect(m_search, &QLineEdit::textChanged, this, [this] { showOffered(); });
+    connect(m_list, &QListWidget::itemChanged, this, [this] { reportList(); });
+    // A drop has several steps, so look at the list when they are complete.
+    const auto reportLater = [this] {
+        QMetaObject::invokeMethod(
+            this, [this] { reportList(); }, Qt::QueuedConnection);
+    };
+    connect(m_list->model(), &QAbstractItemModel::rowsInserted, this, reportLater);
+    connect(m_list->model(), &QAbstractItemModel::rowsRemoved, this, reportLater);
+}
+
+QStringList ListEditor::chosen() const
+{
+    QStringList texts;
+    for (int i = 0; i < m_list->count(); ++i) {
+        texts << m_list->item(i)->text();
+    }
+    return texts;
+}
+
+QStringList ListEditor::unknown() const
+{
+    // Without known columns every name would be unknown.
+    QStringList names = m_offered.isEmpty() ? QStringList() : chosen();
+    names.removeIf([this](const QString &name) { return m_offered.contains(name); });
+    return names;
+}
+
+void ListEditor::setOffered(const QStringList &texts)
+{
+    m_offered = texts;
+    // An empty list on the left would only take room.
+    for (QWidget *const widget : m_needOffered) {
+        widget->setVisible(!texts.isEmpty());
+    }
+    m_removeLine->setVisible(texts.isEmpty());
+    m_search->setPlaceholderText(texts.isEmpty() ? tr("Type a name and press Enter to add it")
+                                                 : tr("Search, or type a name and press Enter"));
+    showOffered();
+    markUnknown();
+}
+
+/// Shows the offered texts that contain the searched one and are not in the list.
+void ListEditor::showOffered()
+{
+    m_left->clear();
+    const QStringList texts = chosen();
+    for (const QString &text : std::as_const(m_offered)) {
+        if (!texts.contains(text) && text.contains(m_search->text(), Qt::CaseInsensitive)) {
+            m_left->addItem(text);
+        }
+    }
+}
+
+void ListEditor::markUnknown()
+{
+    const QSignalBlocker blocker(m_list); // a mark is not an edit
+    const QIcon mark = glyphIcon(Glyph::Warning, warningColor(palette()));
+    for (int i = 0; i < m_list->count(); ++i) {
+        QListWidgetItem *const item = m_list->item(i);
+        const bool isKnown = m_offered.isEmpty() || m_offered.contains(item->text());
+        item->setIcon(isKnown ? QIcon() : mark);
+        item->setToolTip(isKnown ? QString() : tr("The input has no such column"));
+        item->setFlags(item->flags() | Qt::ItemIsEditable); // items that were dropped
+    }
+}
+
+void ListEditor::setValue(const QString &value)
+{
+    const QStringList texts = value.isEmpty() ? QStringList() : value.split(u'\n');
+    if (texts == chosen()) {
+        return; // keeps the selection
+    }
+    m_list->clear();
+    for (const QString &text : texts) {
+        m_list->addItem(newItem(text));
+    }
+    showOffered();
+    markUnknown();
+}
+
+void ListEditor::add(const QStringList &texts)
+{
+    int row = m_list->currentRow() < 0 ? m_list->count() : m_list->currentRow() + 1;
+    for (const QString &text : texts) {
+        m_list->insertItem(row++, newItem(text));
+    }
+    m_list->setCurrentRow(row - 1);
+    reportList();
+}
+
+void ListEditor::addTyped()
+{
+    // A user who searches sees the only match, and means it.
+    const bool isOnlyMatch = m_left->count() == 1 && !m_search->text().isEmpty();
+    // An empty text is a value too.
+    add({isOnlyMatch ? m_left->item(0)->text() : m_search->text()});
+    m_search->clear();
+}
+
+void ListEditor::removeSelected()
+{
+    qDeleteAll(m_list->selectedItems()); // an item removes itself from its list
+    reportList();
+}
+
+void ListEditor::moveCurrent(int by)
+{
+    const int from = m_list->currentRow(); // -1 without a current line
+    const int to = from + by;
+    if (from >= 0 && to >= 0 && to < m_list->count()) {
+        m_list->insertItem(to, m_list->takeItem(from));
+        m_list->setCurrentRow(to);
+        reportList();
+    }
+}
+
+void ListEditor::reportList()
+{
+    showOffered();
+    markUnknown();
+    report(chosen().join(u'\n'));
+}
+
+bool ListEditor::eventFilter(QObject *watched, QEvent *event)
+{
+    // The dialog around a panel would take Enter as its default button.
+    if (event->type() != QEvent::KeyPress) {
+        return FieldEditor::eventFilter(watched, event);
+    }
+    const auto *const key = static_cast<const QKeyEvent *>(event);
+    const bool isEnter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+    const bool isControl = key->modifiers().testFlag(Qt::ControlModifier);
+    if (watched == m_search && isEnter) {
+        addTyped();
+    } else if (watched == m_left && isEnter && m_left->currentItem() != nullptr) {
+        add({m_left->currentItem()->text()});
+    } else if (watched == m_list && key->key() == Qt::Key_Delete) {
+        removeSelected();
+    } else if (watched == m_list && isControl && key->key() == Qt::Key_Up) {
+        moveCurrent(-1);
+    } else if (watched == m_list && isControl && key->key() == Qt::Key_Down) {
+        moveCurrent(1);
+    } else {
+        return FieldEditor::eventFilter(watched, event);
+    }
+    return true;
+}
+
+// ---- A list of columns
+
+ColumnPicker::ColumnPicker(const FieldContext &context)
+    : ListEditor(context)
+{
+    refreshContext();
+}
+
+void ColumnPicker::refreshContext()
+{
+    setOffered(inputColumns().names);
+}
+
+ParameterProblem ColumnPicker::problem() const
+{
+    return unknownColumns(context(), unknown());
+}
+
+} // namespace corvanta

@@ -1,0 +1,97 @@
+// Editors for the names of columns: of one column, and of a list of columns in order.
+//
+// Both offer the columns of input pin 0 as far as the host knows them, and keep names that are not
+// among them: the input may get these columns later. Threads: the GUI thread.
+#pragma once
+#include "panels/field_editor.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <vector>
+
+class QComboBox;
+class QLineEdit;
+class QListWidget;
+class QToolButton;
+
+namespace corvanta {
+
+/// The name of one input column: a list to choose from, in which any other name can be typed. A
+/// name that the input does not have is a warning.
+class ColumnField final : public FieldEditor
+{
+    Q_DECLARE_TR_FUNCTIONS(corvanta::ColumnField)
+
+public:
+    explicit ColumnField(const FieldContext &context);
+    ParameterProblem problem() const override;
+    void refreshContext() override;
+
+protected:
+    void setValue(const QString &value) override;
+
+private:
+    QComboBox *m_box;
+};
+
+/// A list of texts in order. Texts may be empty and may be equal.
+///
+/// On the left are the texts that can be added, with a line that searches them and also adds any
+/// other text; on the right is the list. Without texts to add, only the list and the line are
+/// shown.
+class ListEditor : public FieldEditor
+{
+    Q_DECLARE_TR_FUNCTIONS(corvanta::ListEditor)
+
+public:
+    explicit ListEditor(const FieldContext &context);
+    bool isWide() const override { return true; }
+
+protected:
+    void setValue(const QString &value) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    /// Offer these texts on the left.
+    void setOffered(const QStringList &texts);
+    /// The texts of the list, in order.
+    QStringList chosen() const;
+    /// Mark the texts of the list that are not offered, unless nothing is.
+    void markUnknown();
+    /// The texts of the list that are not offered; none if nothing is.
+    QStringList unknown() const;
+
+private:
+    void setUpLists();
+    /// Fill the left list.
+    void showOffered();
+    /// Insert texts after the current line of the list.
+    void add(const QStringList &texts);
+    /// Add the text of the search line, or the only offered text that matches it.
+    void addTyped();
+    void removeSelected();
+    /// Move the current line by `by` positions; negative: up. Does nothing at the ends.
+    void moveCurrent(int by);
+    /// Report the list after an edit. Called more than once for some edits; the panel ignores an
+    /// equal value.
+    void reportList();
+
+    QStringList m_offered;
+    QLineEdit *m_search;
+    QListWidget *m_left;                  // offered and not in the list
+    QListWidget *m_list;                  // the value
+    std::vector<QWidget *> m_needOffered; // hidden when nothing is offered
+    QToolButton *m_removeLine = nullptr;  // shown when nothing is offered
+};
+
+/// A list of input columns.
+class ColumnPicker final : public ListEditor
+{
+    Q_DECLARE_TR_FUNCTIONS(corvanta::ColumnPicker)
+
+public:
+    explicit ColumnPicker(const FieldContext &context);
+    ParameterProblem problem() const override;
+    void refreshContext() override;
+};
+
+} // namespace corvanta

@@ -1,0 +1,126 @@
+#include "panels/field_editor.h"
+
+#include "corvanta/main_ui.h"
+#include "panels/basic_editors.h"
+#include "panels/column_picker.h"
+#include "panels/file_field.h"
+#include "panels/glyphs.h"
+#include "panels/structure_editor.h"
+
+#include <QToolButton>
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+using Type = ParameterInfo::Type;
+
+/// Spin boxes hold an int.
+bool fitsSpinBox(const ParameterInfo &info)
+{
+    return info.low >= std::numeric_limits<int>::min() &&
+           info.high <= std::numeric_limits<int>::max();
+}
+
+} // namespace
+
+FieldEditor::FieldEditor(FieldContext context)
+    : m_context(std::move(context))
+{
+    setObjectName(m_context.info.name); // tests find fields by it
+}
+
+void FieldEditor::showValue(const QString &value)
+{
+    // Widgets send the same signals for programs and users.
+    m_isShowing = true;
+    setValue(value);
+    m_isShowing = false;
+}
+
+void FieldEditor::report(const QString &value, Edit kind)
+{
+    if (!m_isShowing) {
+        m_edited(value, kind);
+    }
+}
+
+void FieldEditor::setMainControl(QWidget *control)
+{
+    nameControl(control, m_context.label, toolTipOf(m_context));
+    control->setAccessibleDescription(m_context.meaning);
+    setFocusProxy(control);
+}
+
+void FieldEditor::showProblem(const ParameterProblem &problem)
+{
+    // Read with the control: the text below it is not reached by Tab.
+    const QString text =
+        problem.text.isEmpty() ? m_context.meaning : problem.text + u"\n"_s + m_context.meaning;
+    mainControl()->setAccessibleDescription(text);
+}
+
+void FieldEditor::nameControl(QWidget *control, const QString &name, const QString &toolTip)
+{
+    control->setAccessibleName(name);
+    control->setToolTip(toolTip.isEmpty() ? name : toolTip);
+    control->setAccessibleDescription(toolTip.isEmpty() ? m_context.label : toolTip);
+}
+
+QToolButton *FieldEditor::makeButton(Glyph glyph, const QString &name,
+                                     std::function<void()> clicked)
+{
+    auto *const button = new QToolButton(this);
+    button->setIcon(glyphIcon(glyph, palette().color(QPalette::ButtonText)));
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::StrongFocus); // tool buttons are skipped by Tab otherwise
+    nameControl(button, name);
+    connect(button, &QToolButton::clicked, this, std::move(clicked));
+    return button;
+}
+
+TableSchema FieldEditor::inputColumns() const
+{
+    return MainUI::inputColumns(m_context.action, 0);
+}
+
+FieldEditor *makeEditor(const FieldContext &context)
+{
+    const ParameterInfo &info = context.info;
+    switch (info.type) {
+    case Type::Text:
+        if (info.file != ParameterInfo::File::None) {
+            return new FileField(context);
+        }
+        return info.isMultiLine ? static_cast<FieldEditor *>(new TextEditor(context))
+                                : new LineEditor(context);
+    case Type::Integer:
+        if (!info.choices.isEmpty()) {
+            return new ChoiceEditor(context);
+        }
+        return fitsSpinBox(info) ? static_cast<FieldEditor *>(new NumberEditor(context))
+                                 : new LineEditor(context);
+    case Type::Real:
+        return new LineEditor(context); // spin boxes round, and follow the locale
+    case Type::Flag:
+        return new FlagEditor(context);
+    case Type::Strings:
+        return new ListEditor(context);
+    case Type::Structure:
+        break;
+    }
+    return new StructureEditor(context);
+}
+
+QString toolTipOf(const FieldContext &context)
+{
+    // Rich text, so that long lines are wrapped.
+    return u"<p><b>%1</b></p><p>%2</p>"_s.arg(context.info.name.toHtmlEscaped(),
+                                              context.meaning.toHtmlEscaped());
+}
+
+} // namespace corvanta

@@ -1,0 +1,204 @@
+#include "panels/file_field.h"
+
+#include "corvanta/action_item.h"
+#include "corvanta/corvanta_graph.h"
+#include "corvanta/file_dialogs.h"
+#include "corvanta/files.h"
+#include "corvanta/main_ui.h"
+#include "panels/colors.h"
+#include "panels/glyphs.h"
+
+#include <QAction>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMimeData>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// The filter of a file dialog. Extensions come without a dot.
+QString fileFilter(const QStringList &extensions)
+{
+    QStringList patterns;
+    for (const QString &extension : extensions) {
+        patterns << u"*."_s + extension.toLower();
+    }
+    const QString all = FileField::tr("All files (*)");
+    return patterns.isEmpty() ? all : FileField::tr("Files (%1);;%2").arg(patterns.join(u' '), all);
+}
+
+/// The first local file of dropped data; empty if there is none.
+QString droppedFile(const QMimeData &data)
+{
+    for (const QUrl &url : data.urls()) {
+        if (url.isLocalFile()) {
+            return url.toLocalFile();
+        }
+    }
+    return {};
+}
+
+/// The variables that a name may contain: those of the graph and the built-in ones.
+QStringList variableNames()
+{
+    const CorvantaGraph *const graph = MainUI::editedGraph();
+    const QStringList own = graph == nullptr ? QStringList() : graph->variables.keys();
+    return own + QStringList{u"graphDir"_s, u"outDir"_s, u"workingDir"_s};
+}
+
+} // namespace
+
+FileField::FileField(const FieldContext &context)
+    : FieldEditor(context)
+    , m_line(new QLineEdit(this))
+    , m_mark(m_line->addAction(QIcon(), QLineEdit::TrailingPosition))
+{
+    auto *const row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_line);
+    row->addWidget(makeMenuButton());
+    m_line->installEventFilter(this); // for dropped files
+    setMainControl(m_line);
+    m_mark->setVisible(false);
+    connect(m_line, &QLineEdit::textEdited, this,
+            [this](const QString &text) { report(text, Edit::Typing); });
+    connect(m_line, &QLineEdit::textChanged, this, [this] { updateMark(); });
+}
+
+/// The button opens the dialog; its arrow opens the menu.
+QWidget *FileField::makeMenuButton()
+{
+    auto *const button = makeButton(Glyph::Folder, tr("Choose a file for %1").arg(context().label),
+                                    [this] { browse(); });
+    auto *const menu = new QMenu(button);
+    button->setAutoRaise(false);
+    button->setPopupMode(QToolButton::MenuButtonPopup);
+    button->setMenu(menu);
+    button->setObjectName(u"browse"_s);
+    connect(menu, &QMenu::aboutToShow, this, [this, menu] { fillMenu(menu); });
+    return button;
+}
+
+void FileField::fillMenu(QMenu *menu)
+{
+    menu->clear(); // the variables may have changed
+    connect(menu->addAction(tr("Choose a file\u2026")), &QAction::triggered, this,
+            [this] { browse(); });
+    if (isInput()) {
+        connect(menu->addAction(tr("Choose a member of the archive\u2026")), &QAction::triggered,
+                this, [this] { chooseMember(); });
+    }
+    QMenu *const variables = menu->addMenu(tr("Insert a variable"));
+    for (const QString &name : variableNames()) {
+        connect(variables->addAction(name), &QAction::triggered, this,
+                [this, name] { insertVariable(name); });
+    }
+}
+
+void FileField::browse()
+{
+    // A name in a graph may contain variables and may be relative; dialogs need a full one.
+    const QString filter = fileFilter(context().action->getFileTypes());
+    const QString start = context().action->expandFile(m_line->text());
+    take(isInput() ? tGetOpenFileName(this, context().label, start, filter)
+                   : tGetSaveFileName(this, context().label, start, filter));
+}
+
+void FileField::chooseMember()
+{
+    take(browseArchive(this, context().action->expandFile(m_line->text())));
+}
+
+void FileField::insertVariable(const QString &name)
+{
+    m_line->insert(u"${%1}"_s.arg(name));
+    report(m_line->text());
+}
+
+void FileField::take(const QString &name)
+{
+    if (name.isEmpty()) {
+        return;
+    }
+    // Relative to the graph, so that its folder can be moved.
+    const GlobalParameters *const global = context().action->globalParameters();
+    m_line->setText(global == nullptr ? name : global->contractFile(name));
+    report(m_line->text());
+}
+
+void FileField::setValue(const QString &value)
+{
+    // Setting an equal text would move the cursor while the user types.
+    if (m_line->text() != value) {
+        m_line->setText(value);
+    }
+    updateMark(); // the file may have been created since
+}
+
+void FileField::showProblem(const ParameterProblem &problem)
+{
+    FieldEditor::showProblem(problem);
+    m_hasProblem = !problem.text.isEmpty();
+    updateMark();
+}
+
+void FileField::updateMark()
+{
+    // An unknown variable or an included template (">name") is not a file that can be looked up.
+    const QString text = m_line->text();
+    const QString name = isInput() ? context().action->expandFile(text)
+                                   : context().action->expandOutputFile(text, QString());
+    m_mark->setVisible(!text.isEmpty() && !name.contains("${"_L1) && !text.startsWith(u'>'));
+    QStringList files;
+    if (isInput() && m_mark->isVisible()) {
+        listFiles(name, &files);
+    }
+    const bool exists = isInput() ? !m_hasProblem : QFileInfo::exists(name);
+    // The panel has checked an input, patterns and archives included; see showProblem().
+    const QPalette &colors = palette();
+    if (exists) {
+        m_mark->setIcon(glyphIcon(Glyph::Check, colors.color(QPalette::Text)));
+        m_mark->setToolTip(files.size() > 1 ? tr("%n files have such a name", nullptr,
+                                                 static_cast<int>(files.size()))
+                                            : tr("The file exists"));
+    } else {
+        m_mark->setIcon(isInput() ? glyphIcon(Glyph::Cross, errorColor(colors))
+                                  : glyphIcon(Glyph::New, colors.color(QPalette::Text)));
+        m_mark->setToolTip(isInput() ? tr("The file cannot be read")
+                                     : tr("The file does not exist yet"));
+    }
+}
+
+bool FileField::eventFilter(QObject *watched, QEvent *event)
+{
+    // Without it the line would insert the URL as a text. QDragEnterEvent is a QDropEvent.
+    if (event->type() == QEvent::DragEnter || event->type() == QEvent::Drop) {
+        auto *const drop = static_cast<QDropEvent *>(event);
+        const QString file = droppedFile(*drop->mimeData());
+        if (!file.isEmpty()) {
+            drop->acceptProposedAction();
+            if (event->type() == QEvent::Drop) {
+                take(file);
+            }
+            return true;
+        }
+    }
+    return FieldEditor::eventFilter(watched, event);
+}
+
+void FileField::changeEvent(QEvent *event)
+{
+    FieldEditor::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        updateMark();
+    }
+}
+
+} // namespace corvanta

@@ -1,0 +1,51 @@
+// Edits the name of a file: a line with a mark, a button for the file dialog, and a menu.
+//
+// The mark shows whether the file exists. The menu chooses a member of an archive and inserts
+// variables of the graph. A file that is dropped on the field becomes its value. Names are
+// contracted: relative to the folder of the graph, as they are saved. Threads: the GUI thread.
+#pragma once
+#include "panels/field_editor.h"
+
+#include <QCoreApplication>
+
+class QAction;
+class QLineEdit;
+class QMenu;
+class QMimeData;
+
+namespace corvanta {
+
+class FileField final : public FieldEditor
+{
+    Q_DECLARE_TR_FUNCTIONS(corvanta::FileField)
+
+public:
+    explicit FileField(const FieldContext &context);
+    void showProblem(const ParameterProblem &problem) override;
+
+protected:
+    void setValue(const QString &value) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    bool isInput() const { return context().info.file == ParameterInfo::File::Input; }
+    QWidget *makeMenuButton();
+    /// Called each time the menu opens.
+    void fillMenu(QMenu *menu);
+    // Actions of the button and its menu. Dialogs block until the user has answered.
+    void browse();
+    void chooseMember();
+    /// Insert `${name}` at the cursor.
+    void insertVariable(const QString &name);
+    /// Make the file `name`, as a dialog returns it, the value. Ignores a null name.
+    void take(const QString &name);
+    /// Look the file up and show the mark.
+    void updateMark();
+
+    QLineEdit *m_line;
+    QAction *m_mark;           // at the end of the line
+    bool m_hasProblem = false; // see showProblem()
+};
+
+} // namespace corvanta

@@ -1,0 +1,33 @@
+// Small line drawings for buttons and marks, in the colours of the palette and sharp at any scale.
+//
+// Threads: the GUI thread.
+#pragma once
+#include <QIcon>
+#include <QPixmap>
+
+namespace corvanta {
+
+enum class Glyph {
+    Folded,   ///< the content of a group is hidden
+    Unfolded, ///< the content of a group is shown
+    Add,
+    Remove,
+    Up,
+    Down,
+    ToRight,
+    ToLeft,
+    Folder,
+    Check,   ///< everything is as it should be
+    Cross,   ///< something is missing
+    Warning, ///< something needs attention
+    New,     ///< something will be created
+};
+
+/// The glyph in one colour, `size` logical pixels wide and high, for a screen with `ratio` device
+/// pixels per logical pixel.
+QPixmap glyphPixmap(Glyph glyph, const QColor &color, int size, double ratio);
+/// The same as an icon, also for screens of two and three device pixels per logical pixel. It is
+/// dimmed when its control is disabled.
+QIcon glyphIcon(Glyph glyph, const QColor &color);
+
+} // namespace corvanta

@@ -1,0 +1,338 @@
+// Each editor by itself: what it shows, and what it reports for keys and the mouse.
+#include "panels/basic_editors.h"
+#include "panels/colors.h"
+#include "panels/column_picker.h"
+#include "panels/file_field.h"
+#include "panels/mnemonics.h"
+#include "panels/note_label.h"
+#include "tests/panels/panel_support.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDropEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QSpinBox>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolButton>
+#include <QTreeWidget>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+
+namespace {
+
+using Type = ParameterInfo::Type;
+
+/// An editor that is shown, and what it has reported.
+class Editor
+{
+public:
+    template <class Make>
+    Editor(const ParameterInfo &info, Make make)
+        : m_action(panels::fromXml("<writeJSON/>", &m_global))
+        , m_editor(make(FieldContext{m_action.get(), &panels::parametersOf(m_action), info,
+                                     u"Name"_s, u"What it is."_s}))
+    {
+        m_editor->setEdited([this](const QString &value, FieldEditor::Edit) { reported << value; });
+        m_editor->show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(m_editor.get()));
+    }
+
+    FieldEditor *operator->() const { return m_editor.get(); }
+    QWidget *main() const { return m_editor->focusProxy(); }
+    template <class T> T *find(const QString &name = {}) const
+    {
+        return m_editor->findChild<T *>(name);
+    }
+    /// The last reported value; null if there is none.
+    QString last() const { return reported.isEmpty() ? QString() : reported.last(); }
+
+    QStringList reported;
+
+private:
+    GlobalParameters m_global;
+    panels::Action m_action;
+    std::unique_ptr<FieldEditor> m_editor;
+};
+
+ParameterInfo infoOf(Type type)
+{
+    ParameterInfo info;
+    info.name = u"attribute"_s;
+    info.type = type;
+    info.low = 0;
+    info.high = 1000;
+    return info;
+}
+
+Editor editorOf(const ParameterInfo &info)
+{
+    return Editor(info, [](const FieldContext &context) { return makeEditor(context); });
+}
+
+QStringList textsOf(const QListWidget &list)
+{
+    QStringList texts;
+    for (int i = 0; i < list.count(); ++i) {
+        texts << list.item(i)->text();
+    }
+    return texts;
+}
+
+} // namespace
+
+TEST(Editors, ALineReportsEachLetterAndKeepsItsCursor)
+{
+    const Editor editor = editorOf(infoOf(Type::Text));
+    editor->showValue(u"ac"_s);
+    auto *const line = editor.find<QLineEdit>();
+    line->setCursorPosition(1);
+    QTest::keyClicks(line, u"b"_s);
+    editor->showValue(u"abc"_s); // as the panel does after an edit
+    QTest::keyClicks(line, u"B"_s);
+    EXPECT_EQ(editor.reported, (QStringList{u"abc"_s, u"abBc"_s}));
+    EXPECT_EQ(line->accessibleName(), u"Name"_s);
+    EXPECT_TRUE(line->toolTip().contains("attribute"_L1)) << "the name in the file";
+}
+
+TEST(Editors, ANumberHasItsRangeAndUnit)
+{
+    ParameterInfo info = infoOf(Type::Integer);
+    info.unit = u"MB"_s;
+    const Editor editor = editorOf(info);
+    editor->showValue(u"7"_s);
+    EXPECT_TRUE(editor.reported.isEmpty()) << "showing is not editing";
+    auto *const box = editor.find<QSpinBox>();
+    EXPECT_EQ(box->text(), u"7 MB"_s);
+    QTest::keyClick(box, Qt::Key_Up);
+    EXPECT_EQ(editor.last(), u"8"_s);
+    box->selectAll();
+    QTest::keyClicks(box, u"1200"_s);
+    EXPECT_EQ(editor.last(), u"120"_s) << "1200 is out of range";
+}
+
+TEST(Editors, TheWheelChangesOnlyTheFieldWithTheFocus)
+{
+    const Editor editor = editorOf(infoOf(Type::Integer));
+    editor->showValue(u"7"_s);
+    QWheelEvent wheel(QPointF(5, 5), editor.main()->mapToGlobal(QPointF(5, 5)), {}, {0, 120},
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    editor.main()->clearFocus();
+    QApplication::sendEvent(editor.main(), &wheel);
+    EXPECT_TRUE(editor.reported.isEmpty());
+    EXPECT_FALSE(wheel.isAccepted()) << "the panel scrolls instead";
+}
+
+TEST(Editors, AChoiceExplainsItselfAndKeepsOtherNumbers)
+{
+    ParameterInfo info = infoOf(Type::Integer);
+    info.choices = QStringList{u"fast"_s, u"small"_s};
+    info.explanations = QStringList{u"Needs space."_s, u"Needs time."_s};
+    info.defaultValue = u"-1"_s; // not a choice: the action decides
+    const Editor editor = editorOf(info);
+    auto *const box = editor.find<QComboBox>();
+    editor->showValue(u"0"_s);
+    EXPECT_EQ(editor.find<NoteLabel>()->text(), u"Needs space."_s);
+    QTest::keyClick(box, Qt::Key_Down);
+    EXPECT_EQ(editor.last(), u"1"_s);
+    EXPECT_EQ(editor.find<NoteLabel>()->text(), u"Needs time."_s);
+    editor->showValue(u"17"_s);
+    EXPECT_EQ(box->currentData().toString(), u"17"_s);
+    QTest::keyClick(box, Qt::Key_Home);
+    EXPECT_EQ(editor.last(), u"-1"_s);
+}
+
+TEST(Editors, AFlagIsToggledByItsBoxItsLabelAndTheKeyboard)
+{
+    const Editor editor = editorOf(infoOf(Type::Flag));
+    QTest::mouseClick(editor.find<QCheckBox>(), Qt::LeftButton, {}, {8, 8});
+    QTest::mouseClick(editor.find<QLabel>(), Qt::LeftButton);
+    QTest::keyClick(editor.main(), Qt::Key_Space);
+    EXPECT_EQ(editor.reported, (QStringList{u"1"_s, u"0"_s, u"1"_s}));
+}
+
+TEST(Editors, ATextOfSeveralLinesLeavesTabToTheFocus)
+{
+    ParameterInfo info = infoOf(Type::Text);
+    info.isMultiLine = true;
+    const Editor editor = editorOf(info);
+    QTest::keyClicks(editor.main(), u"<a>"_s);
+    QTest::keyClick(editor.main(), Qt::Key_Return);
+    EXPECT_EQ(editor.last(), u"<a>\n"_s);
+    EXPECT_TRUE(editor.find<QPlainTextEdit>()->tabChangesFocus());
+}
+
+TEST(Editors, AFloatFormatShowsAnExampleOrAProblem)
+{
+    const Editor editor(infoOf(Type::Text),
+                        [](const FieldContext &context) { return new FloatFormatEditor(context); });
+    editor->showValue(u"%.2f"_s);
+    EXPECT_TRUE(editor.find<NoteLabel>()->text().endsWith("1234.57"_L1));
+    EXPECT_EQ(editor->problem().text, QString());
+    QTest::keyClicks(editor.main(), u"%s"_s);
+    EXPECT_EQ(editor->problem().text,
+              u"expected a printf format with one conversion, for example %.2f"_s);
+    EXPECT_EQ(editor.find<NoteLabel>()->text(), QString());
+}
+
+TEST(Editors, AListIsEditedByKeys)
+{
+    const Editor editor = editorOf(infoOf(Type::Strings));
+    editor->showValue(u"b\nc"_s);
+    QTest::keyClicks(editor.find<QLineEdit>(), u"a"_s);
+    QTest::keyClick(editor.find<QLineEdit>(), Qt::Key_Return);
+    EXPECT_EQ(editor.last(), u"b\nc\na"_s);
+    auto *const list = static_cast<QListWidget *>(editor.main());
+    QTest::keyClick(list, Qt::Key_Up, Qt::ControlModifier);
+    QTest::keyClick(list, Qt::Key_Up, Qt::ControlModifier);
+    EXPECT_EQ(editor.last(), u"a\nb\nc"_s);
+    list->setCurrentRow(1);
+    QTest::keyClick(list, Qt::Key_Delete);
+    EXPECT_EQ(editor.last(), u"a\nc"_s);
+}
+
+TEST(Editors, ColumnsArePickedAndUnknownOnesKept)
+{
+    panels::setInputColumns({u"city"_s, u"country"_s, u"date"_s});
+    const Editor editor(infoOf(Type::Strings),
+                        [](const FieldContext &context) { return new ColumnPicker(context); });
+    editor->showValue(u"date\nold"_s);
+    auto *const chosen = static_cast<QListWidget *>(editor.main());
+    const QList<QListWidget *> lists = editor->findChildren<QListWidget *>();
+    QListWidget *const offered = lists[0] == chosen ? lists[1] : lists[0];
+    EXPECT_EQ(textsOf(*offered), (QStringList{u"city"_s, u"country"_s}));
+    EXPECT_FALSE(chosen->item(1)->icon().isNull()) << "old is marked";
+    EXPECT_EQ(editor->problem().text, u"the input has no column 'old'"_s);
+    EXPECT_EQ(editor->problem().severity, ParameterProblem::Severity::Warning);
+
+    // The search finds one column, which Enter adds.
+    QTest::keyClicks(editor.find<QLineEdit>(), u"COUN"_s);
+    EXPECT_EQ(textsOf(*offered), QStringList{u"country"_s});
+    QTest::keyClick(editor.find<QLineEdit>(), Qt::Key_Return);
+    EXPECT_EQ(editor.last(), u"date\nold\ncountry"_s);
+    const QRect city = offered->visualItemRect(offered->item(0));
+    QTest::mouseClick(offered->viewport(), Qt::LeftButton, {}, city.center());
+    QTest::mouseDClick(offered->viewport(), Qt::LeftButton, {}, city.center());
+    EXPECT_EQ(editor.last(), u"date\nold\ncountry\ncity"_s);
+    EXPECT_EQ(offered->count(), 0);
+
+    editor->showValue(u"a\nb\nc\nd"_s);
+    EXPECT_EQ(editor->problem().text,
+              u"4 columns are not in the input, for example 'a', 'b', 'c'"_s);
+    panels::setInputColumns({});
+    editor->refreshContext();
+    EXPECT_EQ(editor->problem().text, QString()) << "nothing is known";
+    EXPECT_FALSE(offered->isVisible());
+}
+
+TEST(Editors, AColumnIsTypedOrChosen)
+{
+    panels::setInputColumns({u"city"_s, u"date"_s});
+    const Editor editor(infoOf(Type::Text),
+                        [](const FieldContext &context) { return new ColumnField(context); });
+    editor->showValue(u"town"_s);
+    EXPECT_EQ(editor->problem().text, u"the input has no column 'town'"_s);
+    auto *const box = editor.find<QComboBox>();
+    EXPECT_EQ(box->count(), 2);
+    box->lineEdit()->selectAll();
+    QTest::keyClicks(box, u"${v}"_s);
+    EXPECT_EQ(editor.last(), u"${v}"_s);
+    EXPECT_EQ(editor->problem().text, QString()) << "the variable may be any column";
+    panels::setInputColumns({});
+}
+
+TEST(Editors, AFileIsMarkedDroppedAndMadeRelative)
+{
+    const QTemporaryDir folder;
+    const QString name = folder.filePath(u"there.json"_s);
+    ASSERT_TRUE(QFile(name).open(QIODevice::WriteOnly));
+    ParameterInfo info = infoOf(Type::Text);
+    info.file = ParameterInfo::File::Output;
+    const Editor editor = editorOf(info);
+    auto *const line = editor.find<QLineEdit>();
+    const QAction *const mark = line->actions().value(0);
+    editor->showValue(name);
+    EXPECT_EQ(mark->toolTip(), u"The file exists"_s);
+    QTest::keyClicks(line, u"x"_s);
+    EXPECT_EQ(mark->toolTip(), u"The file does not exist yet"_s);
+    editor->showValue(u"${graphDi}"_s);
+    EXPECT_FALSE(mark->isVisible()) << "not known";
+
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(name)});
+    QDragEnterEvent enter({1, 1}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(line, &enter);
+    QDropEvent drop({1, 1}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(line, &drop);
+    EXPECT_EQ(editor.last(), name) << "not below the folder of the graph";
+    EXPECT_EQ(line->text(), name);
+
+    // The menu of the button inserts variables at the cursor.
+    line->setCursorPosition(0);
+    QMenu *const menu = editor.find<QToolButton>(u"browse"_s)->menu();
+    Q_EMIT menu->aboutToShow();
+    menu->actions().last()->menu()->actions().first()->trigger();
+    EXPECT_EQ(editor.last(), u"${graphDir}"_s + name);
+}
+
+TEST(Editors, AStructureIsEditedInATreeAndKeepsWhatItDoesNotKnow)
+{
+    ParameterInfo path = infoOf(Type::Text);
+    path.name = u"path"_s;
+    path.saveAlways = true;
+    ParameterInfo columns = infoOf(Type::Structure);
+    columns.name = columns.itemElement = u"e"_s;
+    columns.members = {path};
+    ParameterInfo levels = infoOf(Type::Structure);
+    levels.name = u"Levels"_s;
+    levels.itemElement = u"Level"_s;
+    levels.members = {path, columns};
+    const Editor editor = editorOf(levels);
+    editor->showValue(u"<Levels><Level path='a' new='1'><e path='b'/><x/></Level></Levels>"_s);
+    QTest::keyClicks(editor.find<QWidget>(u"path"_s)->focusProxy(), u"<"_s);
+    EXPECT_EQ(editor.last(), u"<Levels><Level path='a&lt;' new='1'><x></x><e path='b'></e></Level>"
+                             "</Levels>"_s);
+    auto *const tree = static_cast<QTreeWidget *>(editor.main());
+    QTest::keyClick(tree, Qt::Key_Down); // to the column
+    QTest::keyClick(tree, Qt::Key_Insert);
+    QTest::keyClick(tree, Qt::Key_Up, Qt::ControlModifier);
+    EXPECT_TRUE(editor.last().contains("<e path=''></e><e path='b'></e>"_L1))
+        << editor.last().toStdString();
+    QTest::keyClick(tree, Qt::Key_Delete);
+    QTest::keyClick(tree, Qt::Key_Delete);
+    EXPECT_TRUE(editor.last().endsWith("<x></x></Level></Levels>"_L1))
+        << editor.last().toStdString();
+    QTest::keyClick(tree, Qt::Key_Delete);
+    EXPECT_EQ(editor.last(), QString());
+}
+
+TEST(Editors, MnemonicsAreUnique)
+{
+    Mnemonics mnemonics;
+    EXPECT_EQ(mnemonics.assign(u"File"_s), u"&File"_s);
+    EXPECT_EQ(mnemonics.assign(u"File format"_s), u"F&ile format"_s) << "f is used";
+    EXPECT_EQ(mnemonics.assign(u"A & B"_s), u"&A && B"_s);
+    EXPECT_EQ(mnemonics.assign(u"fi"_s), u"fi"_s) << "nothing is free";
+}
+
+TEST(Editors, RemarksAndProblemsAreReadableOnAnyBackground)
+{
+    for (const auto colors : {panels::Colors::Light, panels::Colors::Dark}) {
+        const QPalette palette = panels::paletteOf(colors);
+        for (const QColor &color :
+             {remarkColor(palette), warningColor(palette), errorColor(palette)}) {
+            EXPECT_GE(contrastOf(color, palette.color(QPalette::Window)), kTextContrast);
+        }
+    }
+    EXPECT_NEAR(contrastOf(Qt::black, Qt::white), 21, 0.01);
+    EXPECT_GE(contrastOf(readableOn(Qt::gray, Qt::gray), Qt::gray), kTextContrast);
+}

@@ -1,0 +1,137 @@
+#include "tests/panels/panel_support.h"
+
+#include "corvanta/main_ui.h"
+
+#include <QFileInfo>
+#include <QMap>
+#include <QToolButton>
+
+#include <sstream>
+
+using namespace Qt::StringLiterals;
+
+namespace panels {
+
+const corvanta::ActionRegistry &registry()
+{
+    static const auto loaded = [] {
+        auto all = std::make_unique<corvanta::ActionRegistry>();
+        all->loadFolder(QFileInfo(QStringLiteral(CORVANTA_MODULE)).path());
+        return all;
+    }();
+    return *loaded;
+}
+
+QStringList moduleTypes()
+{
+    return registry().typeNames();
+}
+
+Action fromXml(const QByteArray &xml, GlobalParameters *global)
+{
+    const auto node = XMLNode::parse(xml);
+    return node ? registry().create(*node, global) : nullptr;
+}
+
+QByteArray saved(ActionItem &action)
+{
+    std::wostringstream out;
+    action.save(out, QString::fromLatin1(action.getTypeName()));
+    return QString::fromStdWString(out.str()).toUtf8();
+}
+
+ActionParameters &parametersOf(const Action &action)
+{
+    return dynamic_cast<ActionParameters &>(*action);
+}
+
+QString valueOf(const Action &action, const QString &name)
+{
+    const ActionParameters &parameters = parametersOf(action);
+    return parameters.parameterValue(parameters.indexOfParameter(name));
+}
+
+QByteArray example(const QString &type)
+{
+    static const QMap<QString, QByteArray> examples{
+        {u"readExcel"_s,
+         "<readExcel fileName='sales_2026.xlsx' sheetMode='1' sheetName='Q1' skipRows='2'/>"},
+        {u"readExcelOld"_s, "<readExcelOld fileName='archive/sales_1998.xls'/>"},
+        {u"readExcelSheets"_s, "<readExcelSheets fileName='sales_2026.xlsx'/>"},
+        {u"readJSON"_s,
+         "<readJSON fileName='orders.jsonl' outputFilenames='1'><Level initialPath='orders' "
+         "subtagName=''><e name='id' path='id'/><e name='customer' path='customer/name'/></Level>"
+         "<Level initialPath='lines' subtagName=''><e name='article' path='article'/><e "
+         "name='price' path='price'/></Level></readJSON>"},
+        {u"readXML"_s, "<readXML fileName='catalogue.xml'><Level initialPath='catalogue' "
+                       "subtagName='book'><e name='title' path='title'/><e name='isbn' "
+                       "path='@isbn'/></Level></readXML>"},
+        {u"readParquet"_s,
+         "<readParquet fileName='trips.parquet' columnSelection='1'><ColumnsToRead><s>date</s>"
+         "<s>distance</s></ColumnsToRead></readParquet>"},
+        {u"readStat"_s, "<readStat fileName='survey.sav' formatDates='1'/>"},
+        {u"ReadXBF"_s, "<ReadXBF fileName='clients.dbf'/>"},
+        {u"writeExcel"_s,
+         "<writeExcel mode='2' fileNameDestination='report.xlsx' sheetName='Totals' "
+         "sheetMode='1' startRow='0' writeAllColumns='0'><ToWrite><s>country</s><s>amount</s>"
+         "</ToWrite></writeExcel>"},
+        {u"writeJSON"_s,
+         "<writeJSON fileName='orders.json' writeAllRows='0' testCol='country' testValue='BE'/>"},
+        {u"writeXML"_s, "<writeXML fileName='orders.xml' humanReadable='1'/>"},
+        {u"writeParquet"_s, "<writeParquet file='orders.parquet' codec='3' split='1' "
+                            "splitVar='country'/>"},
+        {u"writeSAS"_s,
+         "<writeSAS fileName='orders.sas7bdat' autoWidth='0'><StringColDef><CD n='country' "
+         "l='40' ol='32'/></StringColDef></writeSAS>"},
+        {u"writeSASXPT"_s, "<writeSASXPT fileName='orders.xpt' version8='1' autoWidth='1'/>"},
+        {u"writeDoc"_s,
+         "<writeDoc output='wordFile' template='templateFile'><text><s>country</s><s>city</s>"
+         "<s>title</s></text><image><s>photo</s></image></writeDoc>"},
+        {u"writeDocTable"_s,
+         "<writeDocTable template='letter.docx' output='letters.docx'><v markerName='T1' "
+         "colWidths='2000,4000' styleID='TableGrid' includeHeaders='1'/></writeDocTable>"},
+        {u"writeReport"_s,
+         "<writeReport template='deck.pptx' output='deck_2026.pptx' nPinIn='1'><Chart type='0' "
+         "name='Sales'><axis pinIdx='0'>country</axis><axis pinIdx='0'>amount</axis></Chart>"
+         "</writeReport>"},
+    };
+    return examples.value(type, '<' + type.toLatin1() + "/>");
+}
+
+void unfold(const QWidget &panel)
+{
+    for (QToolButton *const heading : panel.findChildren<QToolButton *>(u"heading"_s)) {
+        const bool isFolded = heading->accessibleDescription().startsWith("Shows"_L1);
+        if (isFolded) {
+            heading->click();
+        }
+    }
+}
+
+void setInputColumns(const QStringList &names)
+{
+    MainUI::EditorHooks hooks;
+    hooks.inputColumns = [names](ActionItem *, int) {
+        TableSchema schema;
+        schema.names = names;
+        return schema;
+    };
+    MainUI::setEditorHooks(hooks);
+}
+
+QPalette paletteOf(Colors colors)
+{
+    if (colors == Colors::Light) {
+        return {QColor(0xf4, 0xf4, 0xf4)};
+    }
+    QPalette dark(QColor(0x35, 0x36, 0x3a), QColor(0x2b, 0x2c, 0x30));
+    dark.setColor(QPalette::Base, QColor(0x1f, 0x20, 0x23));
+    dark.setColor(QPalette::AlternateBase, QColor(0x2b, 0x2c, 0x30));
+    dark.setColor(QPalette::Highlight, QColor(0x3d, 0x7e, 0xd8));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    dark.setColor(QPalette::ToolTipBase, QColor(0x1f, 0x20, 0x23));
+    dark.setColor(QPalette::ToolTipText, Qt::white);
+    return dark;
+}
+
+} // namespace panels

@@ -1,0 +1,465 @@
+// What must hold for the panel of every action: each parameter has a field that edits it, nothing
+// is lost, and people can see, read and reach everything.
+#include "corvanta/corvanta_graph.h"
+#include "corvanta/edit/edit_history.h"
+#include "corvanta/help.h"
+#include "corvanta/main_ui.h"
+#include "panels/field_editor.h"
+#include "tests/panels/panel_support.h"
+
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDirIterator>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSpinBox>
+#include <QStyleFactory>
+#include <QTest>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+using panels::Action;
+using panels::Panel;
+
+namespace {
+
+using Type = ParameterInfo::Type;
+
+class Panels : public testing::TestWithParam<std::string>
+{
+protected:
+    static QString type() { return QString::fromStdString(GetParam()); }
+};
+
+/// A panel that is on the screen, with all groups shown.
+Panel shown(const Action &action)
+{
+    Panel panel(action->createPanel(nullptr));
+    panels::unfold(*panel);
+    panel->resize(panel->sizeHint());
+    panel->show();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(panel.get()));
+    return panel;
+}
+
+QWidget *fieldOf(const Panel &panel, const QString &name)
+{
+    return panel->findChild<QWidget *>(name);
+}
+
+/// Make the conditions of a parameter true.
+void satisfy(ActionParameters &parameters, const ParameterInfo &info)
+{
+    for (const ParameterInfo::Condition &condition : info.conditions) {
+        const int index = parameters.indexOfParameter(condition.parameter);
+        const ParameterInfo other = parameters.parameters()[index];
+        // Of those that are excluded only 0 and the empty text occur.
+        QString value = condition.values.first();
+        if (condition.isExcluded) {
+            value = value == "1"_L1 ? u"0"_s : u"1"_s;
+        }
+        ASSERT_TRUE(parameters.setParameterValue(index, value));
+        ASSERT_NE(parameters.parameterValue(index),
+                  condition.isExcluded ? condition.values.first() : QString(u'?'));
+        satisfy(parameters, other);
+    }
+}
+
+/// Enter another value by keys or the mouse. Returns the value that the parameter must then have.
+QString enterValue(QWidget *field, const ParameterInfo &info, const QString &old)
+{
+    QWidget *const control = field->focusProxy();
+    if (auto *const box = qobject_cast<QCheckBox *>(control)) {
+        QTest::mouseClick(box, Qt::LeftButton, {}, {8, 8});
+        return old == "0"_L1 ? u"1"_s : u"0"_s;
+    }
+    if (auto *const box = qobject_cast<QSpinBox *>(control)) {
+        const int number = box->value() == box->maximum() ? box->value() - 1 : box->value() + 1;
+        box->selectAll();
+        QTest::keyClicks(box, QString::number(number));
+        return QString::number(number);
+    }
+    if (auto *const box = qobject_cast<QComboBox *>(control);
+        box != nullptr && !box->isEditable()) {
+        QTest::keyClick(box, box->currentIndex() == 0 ? Qt::Key_Down : Qt::Key_Up);
+        return box->currentData().toString();
+    }
+    if (info.type == Type::Structure) {
+        QTest::keyClick(control, Qt::Key_Insert);
+        return {}; // the form of a new element depends on the action
+    }
+    if (auto *const text = qobject_cast<QPlainTextEdit *>(control)) {
+        text->selectAll();
+        QTest::keyClicks(text, u"<q r='1'/>"_s);
+        return u"<q r='1'/>"_s;
+    }
+    if (qobject_cast<QListWidget *>(control) != nullptr) {
+        auto *const line = field->findChild<QLineEdit *>();
+        QTest::keyClicks(line, u"a column"_s);
+        QTest::keyClick(line, Qt::Key_Return);
+        return old.isEmpty() ? u"a column"_s : old + u"\na column"_s;
+    }
+    auto *const line = field->findChild<QLineEdit *>();
+    line->selectAll();
+    QTest::keyClicks(line, u"12"_s);
+    return u"12"_s;
+}
+
+/// Controls that a user reaches with Tab.
+QList<QWidget *> controlsOf(const QWidget &panel)
+{
+    QList<QWidget *> controls = panel.findChildren<QWidget *>();
+    controls.removeIf([](const QWidget *widget) {
+        const QWidget *const parent = widget->parentWidget();
+        const bool isPart = qobject_cast<const QAbstractSpinBox *>(parent) != nullptr ||
+                            qobject_cast<const QComboBox *>(parent) != nullptr ||
+                            widget->inherits("QComboBoxPrivateContainer") ||
+                            parent->inherits("QComboBoxPrivateContainer") ||
+                            qobject_cast<const QScrollBar *>(widget) != nullptr ||
+                            widget->focusProxy() != nullptr;
+        return isPart || (widget->focusPolicy() & Qt::TabFocus) == 0;
+    });
+    return controls;
+}
+
+std::string nameOf(const QWidget *widget)
+{
+    const QWidget *named = widget;
+    while (named != nullptr && named->objectName().isEmpty()) {
+        named = named->parentWidget();
+    }
+    return std::string(widget->metaObject()->className()) + " in " +
+           (named == nullptr ? std::string() : named->objectName().toStdString());
+}
+
+/// Whether all text of a label or button is inside it.
+bool showsItsText(const QWidget *widget)
+{
+    if (const auto *const label = qobject_cast<const QLabel *>(widget)) {
+        const int height = label->wordWrap() ? label->heightForWidth(label->width())
+                                             : label->minimumSizeHint().height();
+        return label->height() >= height &&
+               (label->wordWrap() || label->width() >= label->minimumSizeHint().width());
+    }
+    if (qobject_cast<const QAbstractButton *>(widget) != nullptr ||
+        qobject_cast<const QAbstractSpinBox *>(widget) != nullptr) {
+        return widget->width() >= widget->minimumSizeHint().width() &&
+               widget->height() >= widget->minimumSizeHint().height();
+    }
+    return true;
+}
+
+void expectReadable(const QWidget &panel)
+{
+    for (const QWidget *const widget : panel.findChildren<QWidget *>()) {
+        const bool isPart = qobject_cast<const QLineEdit *>(widget->parentWidget()) != nullptr;
+        if (!widget->isVisible() || isPart || widget->inherits("QComboBoxPrivateContainer")) {
+            continue;
+        }
+        EXPECT_TRUE(showsItsText(widget)) << nameOf(widget) << " is cut";
+        const auto siblings =
+            widget->parentWidget()->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
+        const bool isLaidOut = widget->parentWidget()->layout() != nullptr;
+        for (const QWidget *const other : siblings) {
+            EXPECT_FALSE(isLaidOut && other != widget && other->isVisible() && !other->isWindow() &&
+                         other->geometry().intersects(widget->geometry()))
+                << nameOf(widget) << " overlaps " << nameOf(other);
+        }
+    }
+}
+
+QStringList graphFiles()
+{
+    QStringList files;
+    QDirIterator each(QStringLiteral(CORVANTA_SOURCE_DIR "/tests/graphs"), {u"case.graph"_s},
+                      QDir::Files, QDirIterator::Subdirectories);
+    while (each.hasNext()) {
+        files << each.next();
+    }
+    return files;
+}
+
+/// An editor with one action whose edits can be undone.
+class UndoEditor
+{
+public:
+    explicit UndoEditor(const QByteArray &element)
+    {
+        graph.actions.append({u"a"_s, *XMLNode::parse(element)});
+        action = panels::fromXml(element, &m_global);
+        action->setIdx(0);
+        MainUI::EditorHooks hooks;
+        hooks.edited = [this](ActionItem *item, const ParameterEdit &edit) {
+            history.record(item, edit);
+        };
+        hooks.modified = [this] { ++modified; };
+        MainUI::setEditorHooks(hooks);
+        panel.reset(action->createPanel(nullptr));
+        panel->show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(panel.get()));
+    }
+    ~UndoEditor() { MainUI::setEditorHooks({}); }
+
+    /// Returns false when there is nothing to undo.
+    bool undo()
+    {
+        const EditHistory::Step *const step = history.undo();
+        if (step != nullptr) {
+            restoreParameters(*action, step->before);
+            panel->refresh();
+        }
+        return step != nullptr;
+    }
+    QString value(const QString &name) const { return panels::valueOf(action, name); }
+
+    CorvantaGraph graph;
+    EditHistory history{&graph};
+    int modified = 0;
+    Action action;
+    Panel panel;
+
+private:
+    GlobalParameters m_global;
+};
+
+} // namespace
+
+TEST_P(Panels, EveryParameterIsEditedByItsField)
+{
+    const QVector<ParameterInfo> infos =
+        panels::parametersOf(panels::fromXml(panels::example(type()))).parameters();
+    for (int i = 0; i < infos.size(); ++i) {
+        const Action action = panels::fromXml(panels::example(type()));
+        ActionParameters &parameters = panels::parametersOf(action);
+        satisfy(parameters, infos[i]);
+        const Panel panel = shown(action);
+        QWidget *const field = fieldOf(panel, infos[i].name);
+        ASSERT_NE(field, nullptr) << infos[i].name.toStdString();
+        EXPECT_TRUE(field->isEnabled()) << infos[i].name.toStdString();
+        const QString old = parameters.parameterValue(i);
+        QString expected = enterValue(field, infos[i], old);
+        if (infos[i].type == Type::Structure) {
+            expected = parameters.parameterValue(i);
+        }
+        EXPECT_NE(expected, old) << infos[i].name.toStdString();
+        EXPECT_EQ(parameters.parameterValue(i), expected) << infos[i].name.toStdString();
+        // The saved form has the value.
+        const Action copy = panels::fromXml(panels::saved(*action));
+        EXPECT_EQ(panels::parametersOf(copy).parameterValue(i), expected)
+            << infos[i].name.toStdString();
+    }
+}
+
+TEST_P(Panels, OpensQuicklyAndFitsOnTheScreen)
+{
+    const Action action = panels::fromXml(panels::example(type()));
+    const Panel first(action->createPanel(nullptr)); // loads fonts and the style
+    const std::clock_t start = std::clock();
+    const Panel panel(action->createPanel(nullptr));
+    panel->show();
+    QApplication::processEvents();
+    EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 0.1);
+    EXPECT_LE(panel->sizeHint().height(), 700);
+    EXPECT_LE(panel->minimumSizeHint().width(), 500);
+}
+
+TEST_P(Panels, EveryControlHasANameAndADescription)
+{
+    const Action action = panels::fromXml(panels::example(type()));
+    const Panel panel = shown(action);
+    QStringList mnemonics;
+    for (const QWidget *const control : controlsOf(*panel)) {
+        EXPECT_FALSE(control->accessibleName().isEmpty()) << nameOf(control);
+        EXPECT_FALSE(control->accessibleDescription().isEmpty()) << nameOf(control);
+    }
+    for (const QLabel *const label : panel->findChildren<QLabel *>()) {
+        if (label->buddy() == nullptr) {
+            continue;
+        }
+        const QString key = QKeySequence::mnemonic(label->text()).toString();
+        EXPECT_FALSE(!key.isEmpty() && mnemonics.contains(key)) << key.toStdString();
+        mnemonics << key;
+    }
+}
+
+TEST_P(Panels, NothingIsCutOrOverlaps)
+{
+    const Action action = panels::fromXml(panels::example(type()));
+    const QFont normal = QApplication::font();
+    for (const double scale : {1.0, 1.5, 2.0}) {
+        QFont font = normal;
+        font.setPointSizeF(normal.pointSizeF() * scale);
+        QApplication::setFont(font);
+        const Panel panel = shown(action);
+        QApplication::processEvents();
+        SCOPED_TRACE(scale);
+        expectReadable(*panel);
+    }
+    QApplication::setFont(normal);
+}
+
+TEST_P(Panels, TabVisitsTheFieldsFromTopToBottom)
+{
+    const Action action = panels::fromXml(panels::example(type()));
+    const Panel panel = shown(action);
+    panel->resize(panel->sizeHint().width(), 4000); // without scrolling
+    QApplication::processEvents();
+    QWidget *const start = panel->nextInFocusChain();
+    int y = -1;
+    for (QWidget *next = start; next != panel.get(); next = next->nextInFocusChain()) {
+        if (controlsOf(*panel).contains(next) && next->isVisible()) {
+            const int top = next->mapTo(panel.get(), QPoint()).y();
+            EXPECT_GE(top, y - next->height() - 150)
+                << nameOf(next); // lists are next to each other
+            y = top;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Panels, testing::ValuesIn([] {
+                             std::vector<std::string> types;
+                             for (const QString &type : panels::moduleTypes()) {
+                                 types.push_back(type.toStdString());
+                             }
+                             return types;
+                         }()),
+                         [](const auto &info) { return info.param; });
+
+TEST(PanelEdits, AnInvalidValueIsRejectedAndExplained)
+{
+    UndoEditor editor("<writeSAS fileName='f'/>");
+    panels::parametersOf(editor.action)
+        .setParameterValue(panels::parametersOf(editor.action).indexOfParameter(u"autoWidth"_s),
+                           u"1"_s);
+    editor.panel->refresh();
+    auto *const line = fieldOf(editor.panel, u"f1"_s)->findChild<QLineEdit *>();
+    line->selectAll();
+    QTest::keyClicks(line, u"x"_s);
+    EXPECT_EQ(editor.value(u"f1"_s), u"1"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        line->accessibleDescription().startsWith("expected a decimal number"_L1), 2000);
+    EXPECT_EQ(editor.modified, 0);
+}
+
+TEST(PanelEdits, FieldsThatTheModeIgnoresAreDisabledAndSayWhy)
+{
+    const UndoEditor editor("<writeExcel/>");
+    QWidget *const source = fieldOf(editor.panel, u"fileNameSource"_s);
+    EXPECT_FALSE(source->isEnabled());
+    const auto hasNote = [&](const QString &text) {
+        const QList<QLabel *> labels = editor.panel->findChildren<QLabel *>();
+        return std::any_of(labels.begin(), labels.end(),
+                           [&](const QLabel *label) { return label->text().startsWith(text); });
+    };
+    EXPECT_TRUE(hasNote(u"Used only when \u201cWhat to do\u201d is"_s));
+    QTest::keyClick(fieldOf(editor.panel, u"mode"_s)->focusProxy(), Qt::Key_End);
+    EXPECT_TRUE(source->isEnabled());
+    EXPECT_EQ(editor.value(u"mode"_s), u"4"_s);
+}
+
+TEST(PanelEdits, TypingInOneFieldIsOneStep)
+{
+    UndoEditor editor("<writeJSON fileName='' createDir='0'/>");
+    auto *const line = fieldOf(editor.panel, u"fileName"_s)->findChild<QLineEdit *>();
+    line->setFocus();
+    QTest::keyClicks(line, u"abc"_s);
+    QTest::mouseClick(fieldOf(editor.panel, u"createDir"_s)->focusProxy(), Qt::LeftButton, {},
+                      {8, 8});
+    line->setFocus();
+    QTest::keyClicks(line, u"d"_s);
+    EXPECT_EQ(editor.value(u"fileName"_s), u"abcd"_s);
+    EXPECT_EQ(editor.modified, 5);
+    ASSERT_TRUE(editor.undo());
+    EXPECT_EQ(line->text(), u"abc"_s);
+    ASSERT_TRUE(editor.undo());
+    EXPECT_EQ(editor.value(u"createDir"_s), u"0"_s);
+    ASSERT_TRUE(editor.undo());
+    EXPECT_EQ(line->text(), QString());
+    EXPECT_FALSE(editor.undo());
+
+    const EditHistory::Step *const again = editor.history.redo();
+    ASSERT_NE(again, nullptr);
+    restoreParameters(*editor.action, again->after);
+    EXPECT_EQ(editor.value(u"fileName"_s), u"abc"_s);
+}
+
+TEST(PanelEdits, WhatTheActionDoesNotKnowSurvives)
+{
+    const QByteArray levels = "<Level initialPath='a' subtagName='b' future='1'>\n      "
+                              "<e name='n' path='p'/>\n    </Level>";
+    UndoEditor editor("<readJSON version='4' fileName='f' colour='red'><Later x='1'>t</Later>" +
+                      levels + "</readJSON>");
+    QTest::mouseClick(fieldOf(editor.panel, u"outputSubTags"_s)->findChild<QCheckBox *>(),
+                      Qt::LeftButton, {}, {8, 8});
+    const QByteArray document = editor.graph.toXml();
+    for (const QByteArray &part :
+         {QByteArray("colour='red'"), QByteArray("<Later x='1'>t</Later>"),
+          QByteArray("future='1'"), QByteArray("outputSubTags='1'"), QByteArray("fileName='f'")}) {
+        EXPECT_TRUE(document.contains(part)) << document.constData();
+    }
+    ASSERT_TRUE(editor.undo());
+    EXPECT_EQ(editor.value(u"outputSubTags"_s), u"0"_s);
+    EXPECT_FALSE(editor.graph.toXml().contains("outputSubTags"));
+}
+
+TEST(PanelEdits, F1AndTheButtonOpenTheHelpPage)
+{
+    QStringList pages;
+    setHelpOpener([&pages](const QString &page, const QString &) { pages << page; });
+    const UndoEditor editor("<readJSON/>");
+    fieldOf(editor.panel, u"fileName"_s)->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_F1);
+    EXPECT_EQ(pages.size(), 1);
+    setHelpOpener({});
+}
+
+TEST(PanelEdits, ShowingAGraphChangesNothing)
+{
+    int modified = 0;
+    MainUI::EditorHooks hooks;
+    hooks.modified = [&modified] { ++modified; };
+    MainUI::setEditorHooks(hooks);
+    int shownPanels = 0;
+    for (const QString &file : graphFiles()) {
+        const CorvantaGraph::Loaded graph = CorvantaGraph::load(file);
+        for (const CorvantaGraph::Action &element :
+             graph ? graph->actions : QVector<CorvantaGraph::Action>()) {
+            GlobalParameters global;
+            const Action action = panels::registry().create(element.parameters, &global);
+            if (action == nullptr) {
+                continue; // of the host, or of an unknown type on purpose
+            }
+            const QByteArray before = panels::saved(*action);
+            const Panel panel(action->createPanel(nullptr));
+            if (panel != nullptr) {
+                panel->refresh();
+                QApplication::processEvents();
+                EXPECT_EQ(panels::saved(*action), before) << file.toStdString();
+                ++shownPanels;
+            }
+        }
+    }
+    EXPECT_EQ(modified, 0);
+    EXPECT_GT(shownPanels, 100);
+    MainUI::setEditorHooks({});
+}
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
