@@ -30,14 +30,6 @@ void makeInputs(const panels::Action &action)
     }
 }
 
-/// Fewer colours make the file a third as large; the panels have few.
-bool save(const QPixmap &picture, const QString &file)
-{
-    return picture.toImage()
-        .convertToFormat(QImage::Format_Indexed8, Qt::ThresholdDither | Qt::AvoidDither)
-        .save(file, "PNG");
-}
-
 bool draw(const QString &type, panels::Colors colors, const QCommandLineParser &options)
 {
     QApplication::setPalette(panels::paletteOf(colors));
@@ -58,7 +50,10 @@ bool draw(const QString &type, panels::Colors colors, const QCommandLineParser &
     QApplication::processEvents();
     const QString suffix = colors == panels::Colors::Light ? u"light"_s : u"dark"_s;
     const QString name = u"%1_%2.png"_s.arg(type, suffix);
-    return save(panel->grab(), QDir(options.positionalArguments().at(0)).filePath(name));
+    return panel->grab()
+        .toImage()
+        .convertToFormat(QImage::Format_RGB888)
+        .save(QDir(options.positionalArguments().at(0)).filePath(name), "PNG");
 }
 
 } // namespace
