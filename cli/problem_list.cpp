@@ -5,7 +5,6 @@
 #include "log_sinks.h"
 
 #include <QJsonObject>
-#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
@@ -19,18 +18,24 @@ ProblemList::ProblemList(const QString &graphFile)
 void ProblemList::add(const LogMessage &message)
 {
     m_next->add(message);
-    // "Error: FILE:LINE: text"
-    static const QRegularExpression form(u"^(?:Error|Warning): (.*?)(?::([0-9]+))?: (.*)$"_s,
-                                         QRegularExpression::DotMatchesEverythingOption);
     QString text = message.text.trimmed();
     QJsonObject problem{{u"level"_s, message.level},
                         {u"severity"_s, severityOf(message.level)},
                         {u"file"_s, m_graphFile}};
-    if (const auto match = form.match(text); match.hasMatch() && match.captured(1) == m_graphFile) {
-        if (match.hasCaptured(2)) {
-            problem[u"line"_s] = match.captured(2).toInt();
+    // "Error: FILE:LINE: text" or "Error: FILE: text"
+    for (const QString &label : {u"Error: "_s, u"Warning: "_s}) {
+        const QString place = label + m_graphFile + u':';
+        if (!text.startsWith(place)) {
+            continue;
         }
-        text = match.captured(3);
+        text.remove(0, place.size());
+        bool hasLine = false;
+        const qsizetype lineEnd = text.indexOf(u": "_s);
+        if (const int line = text.first(std::max<qsizetype>(lineEnd, 0)).toInt(&hasLine); hasLine) {
+            problem[u"line"_s] = line;
+            text.remove(0, lineEnd + 1);
+        }
+        text = text.trimmed();
     }
     problem[u"message"_s] = text;
     const std::lock_guard lock(m_mutex);

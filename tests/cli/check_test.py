@@ -102,6 +102,10 @@ class Mistakes(Case):
         self.assertEqual(listed, [str(self.folder / "o.csv")])
         problems = json.loads(self.corvanta("check", "none.graph", "--json", status=2).stdout)
         self.assertEqual(([p["file"] for p in problems], "line" in problems[0]), (["none.graph"], False))
+        # Names that look like a name with a line.
+        for name in ("none:1", "none: 1: x"):
+            problem = json.loads(self.corvanta("check", name, "--json", status=2).stdout)[0]
+            self.assertEqual((problem["file"], "line" in problem, name in problem["message"]), (name, False, False), problem)
         self.assertEqual(self.corvanta("check", "g.graph", "--json", "--set", "a=b", status=2).stdout, "")
 
     def test_every_parameter_of_every_action(self):
