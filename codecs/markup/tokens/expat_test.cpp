@@ -1,14 +1,14 @@
 // The corpus of XML documents and the conformance suite in it, read by the tokenizer and by expat:
 // elements, attributes and text are the same.
 //
-// On purpose otherwise, and made equal here before the comparison:
-//  - spaces before a text and texts of spaces alone are not a text (what joins the pieces of an
-//  element's
-//    text puts them back between two of them),
-//  - line ends and spaces in attributes stay as they are written, whatever a DTD says of them,
-//  - default attributes of a DTD are not added, "&nbsp;" and its like in any case are known.
-// Documents with entities of their own (DTD) are left out: what they name is an unknown entity
-// here.
+// Differences on purpose, which the test removes before it compares:
+// - Spaces before a text and texts of spaces only are dropped. The code that joins the pieces of an
+//   element's text puts them back between two pieces.
+// - Line ends and spaces in attributes stay as they are written, whatever a DTD says of them.
+// - Default attributes of a DTD are not added.
+// - "&nbsp;" and other HTML references are known, in any letter case.
+//
+// Documents with entities of their own (DTD) are left out: their names are unknown here.
 #include "codecs/markup/tokens/xml_tokenizer.h"
 #include "codecs/zip/package_reader.h"
 #include "tests/support/corpus.h"

@@ -9,24 +9,51 @@ namespace corvanta::markup {
 
 namespace {
 
-/// Their end tags are ignored everywhere.
-constexpr std::array<std::string_view, 7> kDroppedEnds{"tbody", "img",   "br",  "link",
-                                                       "meta",  "input", "area"};
-/// They have no content and no end tag.
-constexpr std::array<std::string_view, 17> kVoidElements{
-    "img",   "br",    "link",     "meta",    "hr",     "input",  "col",   "base", "area",
-    "param", "embed", "menuitem", "command", "keygen", "source", "track", "wbr"};
-/// They do not separate words: "a<b>b</b>" is one word.
-constexpr std::array<std::string_view, 24> kInline{
-    "a",    "abbr", "b", "bdi",   "big",  "cite", "code", "em",     "font", "i", "kbd", "mark",
-    "nobr", "q",    "s", "small", "span", "sub",  "sup",  "strong", "tt",   "u", "var", "wbr"};
-
-template <size_t N>
-bool isOneOf(std::string_view name, const std::array<std::string_view, N> &names)
+/// The bit of a letter in either case; bits are shared with few other characters.
+constexpr quint32 letterBit(char c)
 {
-    return std::any_of(names.begin(), names.end(),
-                       [&](std::string_view known) { return equalsIgnoringCase(name, known); });
+    return 1U << (static_cast<uchar>(c) % 32);
 }
+
+/// Names in lower case. Every tag of a page is searched in some of these sets and few are found, so
+/// the length and the first letter decide before any name is compared.
+template <size_t N> class NameSet
+{
+public:
+    constexpr explicit NameSet(const std::array<std::string_view, N> &names)
+        : m_names(names)
+    {
+        for (const std::string_view name : names) {
+            m_initials.at(name.size()) |= letterBit(name.front());
+        }
+    }
+    bool contains(std::string_view name) const
+    {
+        return !name.empty() && name.size() < m_initials.size() &&
+               (m_initials[name.size()] & letterBit(name.front())) != 0 &&
+               std::any_of(m_names.begin(), m_names.end(),
+                           [&](std::string_view known) { return equalsIgnoringCase(name, known); });
+    }
+
+private:
+    std::array<std::string_view, N> m_names;
+    std::array<quint32, 16> m_initials{}; // by length
+};
+template <typename... Names> constexpr auto nameSet(const Names &...names)
+{
+    return NameSet(std::array<std::string_view, sizeof...(Names)>{names...});
+}
+
+/// Their end tags are ignored everywhere.
+constexpr auto kDroppedEnds = nameSet("tbody", "img", "br", "link", "meta", "input", "area");
+/// They have no content and no end tag.
+constexpr auto kVoidElements =
+    nameSet("img", "br", "link", "meta", "hr", "input", "col", "base", "area", "param", "embed",
+            "menuitem", "command", "keygen", "source", "track", "wbr");
+/// They do not separate words: "a<b>b</b>" is one word.
+constexpr auto kInline =
+    nameSet("a", "abbr", "b", "bdi", "big", "cite", "code", "em", "font", "i", "kbd", "mark",
+            "nobr", "q", "s", "small", "span", "sub", "sup", "strong", "tt", "u", "var", "wbr");
 
 } // namespace
 
@@ -44,17 +71,17 @@ bool isDroppedElement(std::string_view name)
 
 bool isVoidElement(std::string_view name)
 {
-    return isOneOf(name, kVoidElements);
+    return kVoidElements.contains(name);
 }
 
 bool hasDroppedEndTag(std::string_view name)
 {
-    return isOneOf(name, kDroppedEnds);
+    return kDroppedEnds.contains(name);
 }
 
 bool isInlineElement(std::string_view name)
 {
-    return isOneOf(name, kInline);
+    return kInline.contains(name);
 }
 
 } // namespace corvanta::markup
