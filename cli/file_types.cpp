@@ -164,6 +164,21 @@ QString fileAttribute(const ActionRegistry &registry, const QString &type, FileF
     return parameters.parameters()[fileParameter(parameters, use)].name;
 }
 
+/// The file is an argument of the command, and no setting may name another one.
+CommandResult<void> checkFileSetting(const QStringList &settings, const QString &attribute,
+                                     FileFormat::Use use, const QString &fileName)
+{
+    for (const QString &setting : settings) {
+        if (setting.startsWith(attribute + u'=')) {
+            return badUsage(
+                u"'%1': the file to %2 is the argument '%3'; %4 cannot replace it"_s.arg(
+                    setting, use == FileFormat::Read ? u"read"_s : u"write"_s, fileName,
+                    use == FileFormat::Read ? u"--reader"_s : u"--writer"_s));
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 CommandResult<std::unique_ptr<ActionItem>>
@@ -186,13 +201,8 @@ makeFileAction(const ActionRegistry &registry, FileFormat::Use use, const QStrin
     // Absolute, because the graph has no file whose folder a relative name could start from.
     parameters->setParameterValue(fileParameter(*parameters, use),
                                   QDir::current().absoluteFilePath(fileName));
-    for (const QString &setting : settings) {
-        if (setting.startsWith(attribute + u'=')) {
-            return badUsage(
-                u"'%1': the file to %2 is the argument '%3'; %4 cannot replace it"_s.arg(
-                    setting, use == FileFormat::Read ? u"read"_s : u"write"_s, fileName,
-                    use == FileFormat::Read ? u"--reader"_s : u"--writer"_s));
-        }
+    if (const auto checked = checkFileSetting(settings, attribute, use, fileName); !checked) {
+        return checked.fault();
     }
     // The settings of the user come last and win.
     const QStringList early =

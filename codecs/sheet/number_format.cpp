@@ -57,19 +57,29 @@ bool startsWith(std::u16string_view text, std::u16string_view lowerCase)
                       [](char16_t a, char16_t b) { return a == lower(b); });
 }
 
-/// Take the letter, digit or word at `at`; returns the position after it.
-size_t takeSymbol(std::u16string_view code, size_t at, Parts *parts)
+/// Take the word at the start of `rest`; returns its length, 0 without one.
+size_t takeWord(std::u16string_view rest, Parts *parts)
 {
-    const std::u16string_view rest = code.substr(at);
-    if (startsWith(rest, u"general")) {
+    constexpr std::u16string_view kGeneral = u"general";
+    if (startsWith(rest, kGeneral)) {
         parts->digits = true;
-        return at + 7;
+        return kGeneral.size();
     }
     for (const std::u16string_view half : {u"am/pm", u"a/p"}) {
         if (startsWith(rest, half)) {
             parts->time = true;
-            return at + half.size();
+            return half.size();
         }
+    }
+    return 0;
+}
+
+/// Take the letter, digit or word at `at`; returns the position after it.
+size_t takeSymbol(std::u16string_view code, size_t at, Parts *parts)
+{
+    const std::u16string_view rest = code.substr(at);
+    if (const size_t word = takeWord(rest, parts); word > 0) {
+        return at + word;
     }
     switch (lower(rest.front())) {
     case u'y':

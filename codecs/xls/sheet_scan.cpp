@@ -113,6 +113,24 @@ sheet::WorkbookResult<bool> forEachRecord(RecordReader &reader, qint64 offset,
     return false;
 }
 
+/// Take a record about rows, columns or merged cells; others change nothing.
+void takeLayout(const Record &record, SheetScan *scan)
+{
+    switch (record.id) {
+    case kRow:
+        takeRow(record, &scan->hiddenRows);
+        break;
+    case kColInfo:
+        takeColumns(record, &scan->layout.hiddenColumns);
+        break;
+    case kMergedCells:
+        takeMerged(record, &scan->layout.merged);
+        break;
+    default:
+        break;
+    }
+}
+
 } // namespace
 
 sheet::WorkbookResult<SheetScan> scanSheet(RecordReader &reader, qint64 offset,
@@ -134,13 +152,8 @@ sheet::WorkbookResult<SheetScan> scanSheet(RecordReader &reader, qint64 offset,
     const bool hasCells = type != kChartStream && type != kGlobals;
     int lastRow = -1;
     const auto hasEnd = forEachRecord(reader, offset, stop, [&](const Record &record) {
-        if (record.id == kRow) {
-            takeRow(record, &scan.hiddenRows);
-        } else if (record.id == kColInfo) {
-            takeColumns(record, &scan.layout.hiddenColumns);
-        } else if (record.id == kMergedCells) {
-            takeMerged(record, &scan.layout.merged);
-        } else if (const int row = rowOfCell(record); row >= 0 && hasCells) {
+        takeLayout(record, &scan);
+        if (const int row = rowOfCell(record); row >= 0 && hasCells) {
             scan.hasCells = true;
             scan.isOrdered = scan.isOrdered && row >= lastRow;
             lastRow = row;

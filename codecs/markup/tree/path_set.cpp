@@ -226,9 +226,34 @@ void PathSet::reach(const MarkupTree &tree, quint32 node, quint32 item)
     }
 }
 
+/// The edges of a node whose step selects the name, from memory if the name has been there before.
+inline const NameMemory::Matches &PathSet::matchesOf(Node &node, const RawText &name)
+{
+    return node.children.matchesOf(name, [&](NameMemory::Matches *matches) {
+        for (quint32 i = 0; i < node.edges.size(); ++i) {
+            if (selects(node.edges[i].step, name)) {
+                matches->push_back(i);
+            }
+        }
+    });
+}
+
+/// The edge selects the child. Most edges end a path, which then needs no visit of its node.
+template <bool countsUnread>
+inline void PathSet::follow(const MarkupTree &tree, const Edge &edge, quint32 child)
+{
+    if (edge.onlyPath == kNone) {
+        reach(tree, edge.node, child);
+        return;
+    }
+    m_found[edge.onlyPath] = child;
+    if constexpr (countsUnread) {
+        addUnreadInside(tree, child);
+    }
+}
+
 /// Compare the children of an element with the edges of a node, until every edge has its child or,
 /// to find repeats, to the end.
-// NOLINTNEXTLINE(readability-function-size): the lambda counts as depth; it belongs to its loop
 template <bool countsUnread> void PathSet::walkChildren(const MarkupTree &tree, Visit at)
 {
     Node &node = *m_nodes[at.node];
@@ -243,15 +268,8 @@ template <bool countsUnread> void PathSet::walkChildren(const MarkupTree &tree, 
             continue;
         }
         const RawText name = tree.raw(child);
-        const auto collectMatches = [&](NameMemory::Matches *matches) {
-            for (quint32 i = 0; i < node.edges.size(); ++i) {
-                if (selects(node.edges[i].step, name)) {
-                    matches->push_back(i);
-                }
-            }
-        };
         bool isReadBySome = false;
-        for (const quint32 number : node.children.matchesOf(name, collectMatches)) {
+        for (const quint32 number : matchesOf(node, name)) {
             if constexpr (countsUnread) {
                 isReadBySome = isReadBySome || isRead(node, number);
             }
@@ -262,15 +280,7 @@ template <bool countsUnread> void PathSet::walkChildren(const MarkupTree &tree, 
                 continue;
             }
             --left;
-            const Edge &edge = node.edges[number];
-            if (edge.onlyPath != kNone) {
-                m_found[edge.onlyPath] = child;
-                if constexpr (countsUnread) {
-                    addUnreadInside(tree, child);
-                }
-            } else {
-                reach(tree, edge.node, child);
-            }
+            follow<countsUnread>(tree, node.edges[number], child);
         }
         if (countsUnread && !isReadBySome) {
             addUnread(tree, child);

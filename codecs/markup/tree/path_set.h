@@ -119,6 +119,9 @@ private:
     // Each of these continues the lookup from a node that an element reached.
     void visit(const MarkupTree &tree, Visit at);
     template <bool countsUnread> void walkChildren(const MarkupTree &tree, Visit at);
+    template <bool countsUnread>
+    void follow(const MarkupTree &tree, const Edge &edge, quint32 child);
+    static const NameMemory::Matches &matchesOf(Node &node, const RawText &name);
     void addRepeats(const MarkupTree &tree, Visit at);
     static void setMostRead(Node &node);
     void reach(const MarkupTree &tree, quint32 node, quint32 item);
