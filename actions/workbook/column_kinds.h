@@ -1,4 +1,7 @@
 // Finds out why a column is text: a few values that differ from all the others.
+//
+// One text among a million numbers makes its column a text column. The user can correct that cell
+// if a message names it. Only the first value of each kind is kept.
 #pragma once
 #include "actions/workbook/cell_values.h"
 
@@ -27,6 +30,7 @@ public:
     /// Count a value with this bit of ColumnContent. Returns true for the first one of its kind,
     /// which must then be passed to setFirst().
     bool add(quint8 content) { return m_kinds[kindOf(content)].count++ == 0; }
+    /// Keep the first value of a kind for messages. `row` and `column` count from 0 in the sheet.
     void setFirst(quint8 content, qint64 row, int column, const QString &text);
 
     /// What the column is if a few values make it a text column; its index is not set.
@@ -40,6 +44,7 @@ private:
         int column = 0;
         QString text = {};
     };
+    /// Index in m_kinds.
     static size_t kindOf(quint8 content);
 
     static constexpr size_t kTexts = 3;

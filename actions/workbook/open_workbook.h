@@ -1,4 +1,7 @@
 // Opens a file as a workbook, and says what it is when it is something else.
+//
+// Users give files wrong extensions, so the content decides. A refused file is tried as the other
+// format too, and the message then names the action that reads it.
 #pragma once
 #include "codecs/sheet/workbook_reader.h"
 #include "corvanta/action_base.h"
@@ -19,7 +22,7 @@ struct OpenWorkbook
 /// Makes the reader of one format. The source outlives the reader.
 using MakeReader = sheet::WorkbookResult<std::unique_ptr<sheet::WorkbookReader>> (*)(ByteSource &);
 
-/// What differs between the formats of workbooks.
+/// What differs between the formats of workbooks. Texts are parts of messages.
 struct WorkbookFormat
 {
     MakeReader makeReader = nullptr;

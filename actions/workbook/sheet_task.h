@@ -1,4 +1,7 @@
 // Chooses the sheets and cells of a workbook that the parameters select, and scans them.
+//
+// A range can name cells (B3:F), a table or a defined name. Tables and names have a sheet of their
+// own, which replaces the selected one.
 #pragma once
 #include "actions/workbook/sheet_scan.h"
 #include "codecs/sheet/cell_area.h"
@@ -13,7 +16,7 @@ namespace corvanta {
 struct SheetTask
 {
     size_t sheet = 0; ///< index in the workbook
-    QString name;
+    QString name;     ///< of the sheet
     ScanOptions options;
     bool needsSort = false;                     ///< its rows are not in order
     std::vector<sheet::CellArea> merged;        ///< to fill
@@ -55,9 +58,11 @@ private:
     using Sheets = Result<std::vector<size_t>, TaskError>;
 
     Fault<TaskError> unreadable(const Fault<sheet::WorkbookError> &fault);
+    // The one sheet of each way to select it.
     Sheets selectedSheet();
     Sheets sheetOfNumber();
     Sheets sheetOfName();
+    /// The first sheet that has a cell; NotFound if all are empty.
     Sheets firstWithData();
     /// Those with cells whose names match; no others are read by a pattern.
     std::vector<size_t> sheetsOf(const QString &pattern) const;
@@ -65,6 +70,8 @@ private:
     QString listOfSheets() const;
     /// Reads the sheet up to its first cell.
     Result<bool, TaskError> hasData(size_t sheet);
+    // Set the cells of a task: an area, those of the parameter, of a table or of a defined name.
+    // The last two return false if there is no such table or name.
     Result<bool, TaskError> setArea(const sheet::SheetArea &area, SheetTask *task) const;
     Result<bool, TaskError> applyRange(SheetTask *task);
     Result<bool, TaskError> findTable(const QString &name, SheetTask *task);

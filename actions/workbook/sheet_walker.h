@@ -1,4 +1,5 @@
-// Walks over the rows of one sheet as the parameters select them.
+// Walks over the rows of one sheet as the parameters select them: within an area, with or without
+// empty and hidden rows.
 //
 // The scan that decides the columns and the delivery of rows use the same walk, so that they see
 // the same rows.
@@ -14,9 +15,9 @@ namespace corvanta {
 /// What is read of a sheet.
 struct WalkOptions
 {
-    sheet::CellArea area;
+    sheet::CellArea area; ///< rows and columns outside of it are skipped
     EmptyRows emptyRows = EmptyRows::Keep;
-    bool skipHiddenRows = false;
+    bool skipHiddenRows = false; ///< rows that a filter or the user has hidden
 };
 
 /// One step of a walk.
@@ -39,7 +40,8 @@ class SheetWalker
 public:
     SheetWalker(std::unique_ptr<sheet::SheetRows> rows, const WalkOptions &options);
 
-    /// The next step. Empty rows after the last row with cells are not delivered.
+    /// The next step; after the end, the end again. Errors: those of the rows. Empty rows after the
+    /// last row with cells are not delivered.
     sheet::WorkbookResult<WalkStep> next();
 
     const sheet::SheetRows &rows() const { return *m_rows; }
@@ -47,9 +49,11 @@ public:
     qint64 lateRows() const { return m_lateRows; }
 
 private:
+    /// Read the next row of the area that has cells. Returns false at the end.
     sheet::WorkbookResult<bool> readRow();
     /// The gap before a row, as one step: it may be a million rows.
     WalkStep emptyRows(qint64 upTo);
+    /// The row that readRow() has read, as a step.
     WalkStep takeRow();
 
     std::unique_ptr<sheet::SheetRows> m_rows;

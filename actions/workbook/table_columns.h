@@ -1,4 +1,7 @@
 // The columns of the table that the sheets of all files make together.
+//
+// First all sheets are added, then the types are decided, so that each type can hold the cells of
+// every sheet. After that each sheet asks for the targets of its cells.
 #pragma once
 #include "actions/workbook/sheet_task.h"
 #include "corvanta/meta_info.h"
@@ -48,7 +51,7 @@ public:
     struct Column
     {
         QString name;
-        quint8 content = 0;
+        quint8 content = 0; ///< a set of ColumnContent, of all sheets
         cell::Type type = cell::Type::Text;
     };
 
@@ -59,15 +62,18 @@ public:
     /// Decide the types. `allText`: all are texts.
     void decideTypes(bool allText);
 
+    /// In the order in which their names appeared first.
     const std::vector<Column> &columns() const { return m_columns; }
     /// Where the cells of the task go: by their index in the scan, the column, or -1.
     std::vector<int> targetsOf(const SheetTask &task, const TaskColumns &columns,
                                bool isStrict) const;
     /// Names and types, in the order of the table. Call decideTypes() first.
     TableSchema schema() const;
+    /// For a warning; complete when all sheets are added.
     const std::vector<LateText> &lateTexts() const { return m_lateTexts; }
 
 private:
+    /// The column with that name; -1: none.
     int indexOf(const QString &name) const
     {
         const auto found = m_byName.find(name);

@@ -1,4 +1,7 @@
 // One workbook of a run: delivers the rows of its sheets.
+//
+// The scan has chosen the sheets and the columns of the table. If it ended after its sample, a
+// later cell may not fit the type of its column; it fails the run.
 #pragma once
 #include "actions/shared/file_series.h"
 #include "actions/workbook/open_workbook.h"
@@ -22,8 +25,8 @@ struct SheetDelivery
 class WorkbookFile final : public SeriesFile
 {
 public:
-    /// `types` are those of the table's columns. `sheetNameColumn`: column for the name of the
-    /// sheet, after them; -1: none.
+    /// The sheets are delivered in the order of `sheets`. `types` are those of the table's columns.
+    /// `sheetNameColumn`: column for the name of the sheet, after them; -1: none.
     WorkbookFile(ActionBase &action, QString name, OpenWorkbook workbook,
                  std::vector<SheetDelivery> sheets, std::vector<cell::Type> types,
                  int sheetNameColumn);
@@ -38,15 +41,22 @@ private:
     const SheetDelivery &sheet() const { return m_sheets[m_sheet]; }
     // Functions that return a bool return false when the run has failed.
 
+    /// Start the walk over the next sheet.
     bool openSheet();
+    /// Warn about repairs, and go to the next sheet. Fails for rows that were not in order.
     bool closeSheet();
+    /// Publish the fraction from time to time; each sheet weighs the same.
     void updateFraction();
+    /// Deliver a row with cells; of a gap only count the empty rows, which next() delivers.
     bool take(const WalkStep &step, OneRow &row, Found *found);
     /// Fails for a cell after the sample whose type does not fit its column.
     bool putRow(const WalkStep &step, OneRow &row);
+    // Make cells missing: those that the last row has set, and set the name of the sheet.
     void clearRow(OneRow &row);
     void clearCells(OneRow &row);
+    /// Fail the run for a cell.
     bool doesNotFit(const WalkStep &step, const sheet::SheetCell &cell);
+    /// Fail the run because the workbook cannot be read further.
     bool fail(const Fault<sheet::WorkbookError> &fault);
     /// What the reader repaired: one warning for each kind, with count and first place.
     void warnProblems(const sheet::SheetProblems &problems);
@@ -58,7 +68,7 @@ private:
     const std::vector<cell::Type> m_types;
     const int m_sheetNameColumn;
     RowBuffer m_sheetNameBuffer{0};
-    const uchar *m_sheetNameCell = nullptr;
+    const uchar *m_sheetNameCell = nullptr; // in the buffer
 
     size_t m_sheet = 0;                    // the one that is open or opened next
     std::unique_ptr<SheetWalker> m_walker; // of the open sheet

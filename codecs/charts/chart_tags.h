@@ -1,7 +1,12 @@
 // Finds the tags [[KOBData reference]] of a chart part, and the data of the series that they mark.
 //
 // A chart part is a member such as xl/charts/chart1.xml (ECMA-376 part 1, 21.2). A tag marks the
-// series that it is in; it is usually the name of that series. Threads: pure functions.
+// series that it is in; it is usually the name of that series:
+//
+//     <c:ser> <c:tx>..[[KOBData sales]]..</c:tx> <c:cat>..</c:cat> <c:val>..</c:val> </c:ser>
+//             name with the tag                  axes with the data to replace
+//
+// Threads: pure functions.
 #pragma once
 #include "base/result.h"
 #include "codecs/charts/chart_kinds.h"
@@ -18,7 +23,8 @@ namespace corvanta::charts {
 /// More tags than this in one part are rejected: programs show at most 255 series per chart.
 inline constexpr size_t kMaxTags = 65'536;
 
-/// What the template holds in an axis, and so what it gets.
+/// What the template holds in an axis, and so what it gets: numbers (c:numRef, c:numLit) or texts
+/// (c:strRef, c:strLit and others).
 enum class AxisKind : quint8 { Number, Text };
 
 /// An axis element of a series. Offsets count the bytes of the part.

@@ -1,6 +1,8 @@
 // The texts of one column as the data of a chart axis needs them: compact, in order, as UTF-8.
 //
-// A chart can have a million points, so a text takes four bytes more than its characters.
+// A chart can have a million points, so a text takes four bytes more than its characters. The texts
+// have no separate objects: they follow each other in one buffer, and a cursor finds each one from
+// the end of the one before it.
 #pragma once
 #include <QStringView>
 
@@ -18,6 +20,7 @@ public:
     /// std::bad_alloc.
     void append(QStringView text);
 
+    /// The number of texts, empty ones included.
     qint64 size() const { return static_cast<qint64>(m_lengths.size()); }
     /// Whether there is no text with this index, from 0, or an empty one.
     bool isEmptyAt(qint64 index) const
@@ -31,6 +34,7 @@ public:
     class Cursor
     {
     public:
+        /// Starts before the first text. `list` must outlive the cursor.
         explicit Cursor(const ValueList &list)
             : m_list(list)
         {
@@ -46,8 +50,8 @@ public:
 
     private:
         const ValueList &m_list;
-        size_t m_index = 0;
-        size_t m_offset = 0;
+        size_t m_index = 0;  // of the next text
+        size_t m_offset = 0; // of its first byte in m_bytes
     };
 
 private:

@@ -1,4 +1,9 @@
 // One part of a template with the places where values of a row are put in.
+//
+// The places are found once. A document is then made from the pieces of text between them:
+//
+//     <w:t>Dear %name%,</w:t>  ->  <w:t>Dear | value | ,</w:t>
+//               slot
 #pragma once
 #include "codecs/document/image_file.h"
 #include "codecs/document/placeholders.h"
@@ -13,8 +18,8 @@ namespace corvanta::document {
 /// What is searched for in the parts. A marker is "%NAME%" in UTF-8, one for each column.
 struct MarkerLists
 {
-    std::vector<QByteArray> texts;
-    std::vector<QByteArray> images;
+    std::vector<QByteArray> texts;  ///< replaced by the text of a cell
+    std::vector<QByteArray> images; ///< of placeholders, which get a picture
 };
 
 /// What a row puts into a document; per column of MarkerLists.
@@ -49,6 +54,7 @@ public:
     void noteImages(std::vector<bool> *used) const;
 
 private:
+    /// A range of the part that each row replaces. Offsets count bytes of m_text.
     struct Slot
     {
         enum class Kind : quint8 { Text, Attribute, Target, Width, Height, Left, Top };
@@ -57,6 +63,7 @@ private:
         Kind kind = Kind::Text;
         int index = 0; // of the column; of the box for its numbers
     };
+    /// The size of a placeholder in the template, in English metric units (1/914400 inch).
     struct Box
     {
         int column = 0; // of the picture
@@ -88,7 +95,7 @@ private:
     QByteArray value(const Slot &slot, const RowValues &values) const;
     QByteArray number(const Slot &slot, const RowValues &values) const;
 
-    QByteArray m_text;
+    QByteArray m_text;         // as in the template
     QByteArray m_folder;       // of the targets in a relationships part
     std::vector<Slot> m_slots; // in the order of the text
     std::vector<Box> m_boxes;

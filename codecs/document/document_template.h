@@ -18,8 +18,10 @@
 
 namespace corvanta::document {
 
+/// The program that opens the documents; it decides which parts are searched.
 enum class DocumentKind : quint8 { Word, Presentation };
 
+/// What is searched for, and where.
 struct TemplateOptions
 {
     DocumentKind kind = DocumentKind::Word;
@@ -49,6 +51,8 @@ struct LeftMarker
     QByteArray part; ///< that holds it
 };
 
+/// The parts are searched once, by read(); write() changes nothing but the kept bytes of members,
+/// so it can be called for any number of rows.
 class DocumentTemplate
 {
 public:
@@ -77,8 +81,8 @@ private:
     struct Entry
     {
         zip::Member member;
-        std::optional<zip::RawMember> kept = {};
-        std::optional<DocumentPart> part = {};
+        std::optional<zip::RawMember> kept = {}; // stored bytes of an unchanged member
+        std::optional<DocumentPart> part = {};   // of a member with markers
     };
     using Media = std::vector<std::pair<QByteArray, const StoredImage *>>; // members and contents
 
@@ -86,6 +90,7 @@ private:
 
     // Read and search the parts, each after its relationships. The entries of both get a part.
     Result<void, opc::Error> readParts(const std::function<bool()> &isRunning);
+    /// Whether the options include this member in the search.
     bool isEdited(const QByteArray &member) const;
     Result<void, opc::Error> readPart(Entry &entry);
     Result<void, opc::Error> readRelationships(const QByteArray &part,
@@ -95,7 +100,9 @@ private:
     /// refer to stored or linked images.
     QByteArray prepared(const QByteArray &text, const QByteArray &name,
                         const std::vector<Placeholder> &placeholders);
+    /// The folder of pictures, relative to the parts that show them.
     QByteArray mediaFolder() const;
+    /// Give the pictures of a row their members, and set the targets of `values` to them.
     Media nameMedia(const RowImages &images, RowValues &values) const;
     /// [Content_Types].xml with the types of these images.
     Result<QByteArray, opc::Error> typesWith(const Media &media);

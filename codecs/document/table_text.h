@@ -26,7 +26,7 @@ inline constexpr int kPageWidth = 9072;
 
 /// Widths of `columns` columns, in twentieths of a point, from a comma-separated list. Columns
 /// without a valid width (1 to 31680) share what the others leave of kPageWidth, but get at least
-/// 720. `*invalid` is set to the entries that are no width, in their order.
+/// 720. `*invalid` is set to the entries that are not a width, in their order.
 std::vector<int> columnWidths(const QString &list, qsizetype columns, QStringList *invalid);
 
 class TableText

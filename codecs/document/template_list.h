@@ -1,4 +1,7 @@
 // Lists the markers of a template, whatever the columns of a graph are.
+//
+// Authors of templates use it to find markers that will not be replaced: divided by a change of the
+// format, or in a part that is not searched.
 #pragma once
 #include "codecs/opc/package_copy.h"
 

@@ -1,4 +1,7 @@
 // Reads the numbers and bytes that header checks examine.
+//
+// The checks read a file before the library does, because the library allocates what sizes in the
+// header claim.
 #pragma once
 #include "base/byte_source.h"
 
@@ -26,6 +29,7 @@ public:
     bool isGood() const { return m_isGood; }
     /// Whether the source failed; false at its end.
     bool hasFailed() const { return m_hasFailed; }
+    // In bytes from the beginning, and to the end.
     qint64 position() const { return m_position; }
     qint64 remaining() const { return m_size - m_position; }
 
@@ -43,6 +47,7 @@ public:
     void skip(qint64 n) { seek(n < 0 ? -1 : m_position + n); }
 
 private:
+    /// Read `n` bytes; zeros after a failure.
     void read(void *out, qint64 n);
 
     ByteSource &m_source;

@@ -1,4 +1,5 @@
-// The failures of readers of statistical data sets.
+// The failures of readers of statistical data sets. They end the reading; what can be repaired or
+// left out is counted instead (see Findings).
 #pragma once
 #include "base/result.h"
 

@@ -1,4 +1,5 @@
-// Makes rows of cells from the values that the library delivers.
+// Makes rows of cells from the values that the library delivers: numbers, dates, texts and labels.
+// Unit and epoch of dates come from the format of their variable (see DateKind).
 #pragma once
 #include "base/cell.h"
 #include "base/occurrences.h"
@@ -55,16 +56,17 @@ public:
 
 private:
     // Functions that return a bool return false as RowRing::room() does return null.
+    // Set the cell of a column of numbers, and of one of texts.
     bool putNumber(int column, double number);
     bool putText(int column, const char *text);
-    // `n` characters, which need no decoder.
+    /// `n` characters, which need no decoder.
     bool putAscii(int column, const char *text, int n);
-    // A number in a column of texts.
+    /// A number in a column of texts.
     bool putOwn(int column, double number);
     /// Whether the cell is empty: a system-missing value, or one that the user declared as missing.
     bool isMissing(const ColumnPlan &plan, const readstat_value_t &value,
                    readstat_variable_t *variable);
-    // The value is missing.
+    /// Count a missing value that has a label: its cell stays missing.
     void noteLabel(const ColumnPlan &plan, const readstat_value_t &value);
     // Findings keep the place of the first one; it is put into words only then.
     /// Count a text that was not decoded completely.

@@ -1,4 +1,7 @@
 // The sizes in the header of a SAS file: of a data set or a catalogue.
+//
+// Programs of 64 bits write longer words, and files are in the byte order of the machine that wrote
+// them. The flags after the magic number show both.
 #pragma once
 #include "codecs/stat/checked_reader.h"
 
@@ -12,8 +15,8 @@ struct SasHeader
     bool isWide = false; // 64 bits
     bool isBigEndian = false;
     bool isShifted = false; // by 4 bytes: some offsets
-    qint64 bytes = 0;
-    qint64 pageBytes = 0;
+    qint64 bytes = 0;       // of the header itself
+    qint64 pageBytes = 0;   // of each page after it
     quint64 pages = 0;
 };
 

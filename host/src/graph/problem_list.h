@@ -14,7 +14,6 @@ class ProblemList
 public:
     using Kind = CorvantaGraph::Problem::Kind;
 
-    /// `file` is the name to show.
     /// `file` is the name to show; empty for a graph that has no file.
     explicit ProblemList(QString file)
         : m_file(std::move(file))
