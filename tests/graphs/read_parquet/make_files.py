@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Make the Parquet files of the cases in this folder anew: make_files.py CORVANTA"""
+"""Make the Parquet files of the cases in this folder again: make_files.py CORVANTA"""
 import gzip
 import pathlib
 import struct
@@ -32,7 +32,7 @@ def after_varints(file, at, count):
 
 
 def with_checksum(file):
-    """A file of one page with the checksum of that page: i32 field 4 of its header, in front of field 5, the only struct."""
+    """A file of one page with the checksum of that page: i32 field 4 of its header, before field 5, the only struct."""
     field = after_varints(file, 4, 3)
     begin = after_varints(file, field + 1, 4) + 2
     footer = len(file) - 8 - int.from_bytes(file[-8:-4], "little")

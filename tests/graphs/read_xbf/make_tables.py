@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Make the tables of the cases in this folder anew: make_tables.py"""
+"""Make the tables of the cases in this folder again: make_tables.py"""
 import gzip
 import pathlib
 import struct
