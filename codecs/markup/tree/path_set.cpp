@@ -226,16 +226,14 @@ void PathSet::reach(const MarkupTree &tree, quint32 node, quint32 item)
     }
 }
 
-/// The edges of a node whose step selects the name, from memory if the name has been there before.
-inline const NameMemory::Matches &PathSet::matchesOf(Node &node, const RawText &name)
+/// Find the edges of a node whose step selects the name.
+void PathSet::collectMatches(const Node &node, const RawText &name, NameMemory::Matches *matches)
 {
-    return node.children.matchesOf(name, [&](NameMemory::Matches *matches) {
-        for (quint32 i = 0; i < node.edges.size(); ++i) {
-            if (selects(node.edges[i].step, name)) {
-                matches->push_back(i);
-            }
+    for (quint32 i = 0; i < node.edges.size(); ++i) {
+        if (selects(node.edges[i].step, name)) {
+            matches->push_back(i);
         }
-    });
+    }
 }
 
 /// The edge selects the child. Most edges end a path, which then needs no visit of its node.
@@ -268,8 +266,11 @@ template <bool countsUnread> void PathSet::walkChildren(const MarkupTree &tree, 
             continue;
         }
         const RawText name = tree.raw(child);
+        const auto collect = [&](NameMemory::Matches *matches) {
+            collectMatches(node, name, matches);
+        };
         bool isReadBySome = false;
-        for (const quint32 number : matchesOf(node, name)) {
+        for (const quint32 number : node.children.matchesOf(name, collect)) {
             if constexpr (countsUnread) {
                 isReadBySome = isReadBySome || isRead(node, number);
             }

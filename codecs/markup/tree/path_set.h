@@ -121,7 +121,7 @@ private:
     template <bool countsUnread> void walkChildren(const MarkupTree &tree, Visit at);
     template <bool countsUnread>
     void follow(const MarkupTree &tree, const Edge &edge, quint32 child);
-    static const NameMemory::Matches &matchesOf(Node &node, const RawText &name);
+    static void collectMatches(const Node &node, const RawText &name, NameMemory::Matches *matches);
     void addRepeats(const MarkupTree &tree, Visit at);
     static void setMostRead(Node &node);
     void reach(const MarkupTree &tree, quint32 node, quint32 item);
