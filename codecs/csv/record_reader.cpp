@@ -15,6 +15,25 @@
 
 namespace corvanta::csv {
 
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr std::string_view kMark = "\xEF\xBB\xBF";
+constexpr std::string_view kUtf16Marks[] = {"\xFF\xFE", "\xFE\xFF"};
+/// A zip package, a compound file, gzip, and Parquet. No text begins like them.
+constexpr std::string_view kOtherKinds[] = {"PK\x03\x04", "\xD0\xCF\x11\xE0", "\x1F\x8B\x08",
+                                            "PAR1\x15"};
+constexpr size_t kBeginningBytes = 5; // of the longest of these
+
+bool startsWithAny(std::string_view text, std::span<const std::string_view> beginnings)
+{
+    return std::any_of(beginnings.begin(), beginnings.end(),
+                       [&](std::string_view one) { return text.starts_with(one); });
+}
+
+} // namespace
+
 RecordReader::RecordReader(ByteSource &source, char separator, Limits limits)
     : m_source(source)
     , m_separator(separator)
@@ -59,16 +78,23 @@ Result<void, Error> RecordReader::refill()
     return {};
 }
 
-Result<void, Error> RecordReader::skipByteOrderMark()
+/// Skips a byte-order mark, and recognises files that are not UTF-8 text.
+Result<void, Error> RecordReader::begin()
 {
-    constexpr std::string_view kMark = "\xEF\xBB\xBF";
     m_hasBegun = true;
-    while (m_fill < kMark.size() && !m_isEnded) {
+    while (m_fill < kBeginningBytes && !m_isEnded) {
         if (const auto refilled = refill(); !refilled) {
             return refilled.fault();
         }
     }
-    m_at = std::string_view(m_block.data(), m_fill).starts_with(kMark) ? kMark.size() : 0;
+    const std::string_view beginning(m_block.data(), m_fill);
+    if (startsWithAny(beginning, kUtf16Marks)) {
+        return faultOf(Error::Utf16);
+    }
+    if (startsWithAny(beginning, kOtherKinds)) {
+        return faultOf(Error::NotText);
+    }
+    m_at = beginning.starts_with(kMark) ? kMark.size() : 0;
     return {};
 }
 
@@ -129,6 +155,7 @@ RecordReader::Scan RecordReader::scanRecord()
     m_fields.clear();
     m_scratch.clear();
     m_line = m_nextLine;
+    m_recordAt = m_at;
     if (at == end) {
         return m_isEnded ? Scan::End : Scan::NeedMore;
     }
@@ -170,8 +197,8 @@ inline void RecordReader::placeQuotedFields()
 Result<bool, Error> RecordReader::next()
 {
     if (!m_hasBegun) {
-        if (const auto skipped = skipByteOrderMark(); !skipped) {
-            return skipped.fault();
+        if (const auto begun = begin(); !begun) {
+            return begun.fault();
         }
     }
     for (;;) {

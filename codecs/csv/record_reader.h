@@ -23,6 +23,11 @@ enum class Error : quint8 {
     /// text
     /// ends inside it.
     BadQuotes,
+    /// The source begins with the byte-order mark of UTF-16.
+    Utf16,
+    /// The source begins like a file of another kind: a package, an older Office file, a compressed
+    /// file or a Parquet file.
+    NotText,
 };
 
 /// One field of a record: a view of the reader's memory, without a final NUL. See
@@ -62,12 +67,15 @@ public:
 
     /// Read the next record. Returns false at the end of the text. The offset of a fault is that of
     /// the record's first byte. Do not call it again after a fault.
-    /// Errors: Unreadable, RecordTooLong, BadQuotes.
+    /// Errors: Unreadable, RecordTooLong, BadQuotes; for the first record also Utf16 and NotText.
     Result<bool, Error> next();
 
     /// The fields of the record, at least one; valid until the next call of next(). An empty line
     /// is a record of one empty field. Quotes are removed and doubled quotes are single.
     std::span<const Field> fields() const { return m_fields; }
+
+    /// The bytes of the record as they are in the source, with its line end; valid like fields().
+    std::string_view record() const { return {m_block.data() + m_recordAt, m_at - m_recordAt}; }
 
     /// Line on which the record begins, 1-based, also after a fault. Each LF begins a line, also
     /// one inside quotes.
@@ -84,7 +92,7 @@ private:
     void placeQuotedFields();
     Result<void, Error> refill();
     Result<void, Error> growBlock();
-    Result<void, Error> skipByteOrderMark();
+    Result<void, Error> begin();
     Fault<Error> faultOf(Error code) const;
 
     ByteSource &m_source;
@@ -92,9 +100,10 @@ private:
     size_t m_recordBytes;
     std::vector<char> m_block;
     size_t m_at = 0;          // next byte of the block
+    size_t m_recordAt = 0;    // first byte of the current record
     size_t m_fill = 0;        // bytes in the block
     qint64 m_blockOffset = 0; // of the block's first byte in the source
-    bool m_hasBegun = false;  // the byte-order mark has been looked for
+    bool m_hasBegun = false;  // the first bytes have been examined
     bool m_isEnded = false;   // the source has no more bytes
     std::vector<Field> m_fields;
     std::vector<char> m_scratch; // texts of the quoted fields

@@ -17,6 +17,9 @@ constexpr FileFormat kFormats[] = {
     {FileFormat::Read, FileFormat::SeparatedText, "tsv tab", "separator=\\t"},
 };
 
+/// Separators that files often have instead of a comma.
+constexpr char16_t kOtherSeparators[] = {u';', u'\t', u'|'};
+
 constexpr ActionEntry kEntry = {
     .typeName = "readCSV",
     .description = "Reads a text file with separators",
@@ -66,6 +69,11 @@ QStringList typeLetters(const QString &types)
         letter = letter.trimmed();
     }
     return letters;
+}
+
+bool isUtf8(std::string_view bytes)
+{
+    return QUtf8StringView(bytes.data(), static_cast<qsizetype>(bytes.size())).isValidUtf8();
 }
 
 bool isTypeLetter(const QString &letter)
@@ -138,6 +146,7 @@ void ActionReadCsv::start()
 
 void ActionReadCsv::finish()
 {
+    reportIllFormed();
     // The reader first, because it refers to the file.
     m_reader.reset();
     m_file.reset();
@@ -191,7 +200,14 @@ Result<std::unique_ptr<ByteSource>, input::OpenError> ActionReadCsv::openFile()
 bool ActionReadCsv::nextRecord()
 {
     const auto found = m_reader->next();
-    return found ? *found : failRecord(found.fault().code);
+    if (!found) {
+        return failRecord(found.fault().code);
+    }
+    // One check of the whole record costs less than one of each field.
+    if (*found && !isUtf8(m_reader->record())) {
+        countIllFormed();
+    }
+    return *found;
 }
 
 bool ActionReadCsv::failRecord(csv::Error code)
@@ -207,12 +223,45 @@ bool ActionReadCsv::failRecord(csv::Error code)
     case csv::Error::RecordTooLong:
         return fail(u"Error: readCSV: file '%1', line %2: the record is longer than 1 GiB\n"_s.arg(
             m_name, line));
+    case csv::Error::Utf16:
+        return fail(u"Error: readCSV: file '%1' is UTF-16 text, and only UTF-8 is read; save it as "
+                    "UTF-8\n"_s.arg(m_name));
+    case csv::Error::NotText:
+        return fail(
+            u"Error: readCSV: file '%1' is not a text file, whatever its name says; give it "
+            "the right extension\n"_s.arg(m_name));
     case csv::Error::BadQuotes:
         break;
     }
     return fail(
         u"Error: readCSV: file '%1', line %2: a quoted field does not end at a separator or line end\n"_s
             .arg(m_name, line));
+}
+
+/// Counts the fields of the current record that are not UTF-8; their texts have U+FFFD.
+void ActionReadCsv::countIllFormed()
+{
+    int column = 0;
+    for (const csv::Field &field : m_reader->fields()) {
+        ++column;
+        if (!isUtf8(field.view())) {
+            m_illFormed.add([&] {
+                return u"line %1, column %2"_s.arg(QString::number(m_reader->line()),
+                                                   QString::number(column));
+            });
+        }
+    }
+}
+
+void ActionReadCsv::reportIllFormed()
+{
+    if (m_illFormed.any()) {
+        warn(
+            u"Warning: readCSV: %1 texts of file '%2' are not valid UTF-8, and U+FFFD replaces the "
+            "invalid bytes; the first is in %3. Save the file as UTF-8\n"_s.arg(
+                QString::number(m_illFormed.count()), m_name, m_illFormed.first()));
+    }
+    m_illFormed.reset(); // finish() may be called twice
 }
 
 QVector<QString> ActionReadCsv::columnNames() const
@@ -223,6 +272,18 @@ QVector<QString> ActionReadCsv::columnNames() const
                                   : u'C' + QString::number(names.size() + 1));
     }
     return names;
+}
+
+/// Warns if the only column has a name with another usual separator: its cells are whole lines.
+void ActionReadCsv::warnSeparator(const QString &name)
+{
+    const auto *const other = std::find_if(std::begin(kOtherSeparators), std::end(kOtherSeparators),
+                                           [&](char16_t one) { return name.contains(one); });
+    if (other != std::end(kOtherSeparators)) {
+        const QString parameter = *other == u'\t' ? u"\\t"_s : QString(*other);
+        warn(u"Warning: readCSV: file '%1' has one column, and its name contains '%2'; "
+             "separator='%2' splits the lines there\n"_s.arg(m_name, parameter));
+    }
 }
 
 /// Sets m_types for `columns` columns.
@@ -270,6 +331,9 @@ bool ActionReadCsv::describeColumns()
     const QVector<QString> names = columnNames();
     if (!chooseTypes(names.size())) {
         return false;
+    }
+    if (m_params.header && names.size() == 1 && !m_reader->fields()[0].isQuoted) {
+        warnSeparator(names[0]);
     }
     QVector<MetaInfo> types;
     for (const MetaInfo::MetaTypeColumn type : std::as_const(m_types)) {

@@ -4,6 +4,7 @@
 // its file in the first call of the run function and not in init, so that opening a slow file does
 // not delay the start of the other actions.
 #pragma once
+#include "base/occurrences.h"
 #include "codecs/csv/record_reader.h"
 #include "corvanta/action_base.h"
 #include "corvanta/files.h"
@@ -59,6 +60,12 @@ private:
     bool emitRow();
     /// Convert one field; an empty one without quotes is a missing cell.
     bool putCell(int column, const csv::Field &field, OneRow *row, RowBuffer *buffer);
+    /// Called for the only column of a file.
+    void warnSeparator(const QString &name);
+    /// For a record that is not UTF-8.
+    void countIllFormed();
+    /// One warning for all of them, when the run has read its last row.
+    void reportIllFormed();
     // Log the error with its place in the file. Return false.
     bool failRecord(csv::Error code);
     bool failCell(const csv::Field &field, const QString &column, MetaInfo::MetaTypeColumn type);
@@ -72,6 +79,7 @@ private:
     bool m_described = false;   // the columns are declared
     bool m_firstIsData = false; // the current record is a row and not yet sent
     QVector<MetaInfo::MetaTypeColumn> m_types;
+    Occurrences m_illFormed;         // texts that are not UTF-8
     std::atomic<qint64> m_size = -1; // in the unit of m_done; -1: not known
     std::atomic<qint64> m_done = 0;  // bytes read, of a compressed file compressed ones
 };
