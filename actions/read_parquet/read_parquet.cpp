@@ -223,9 +223,6 @@ FileSeries::Opened ActionReadParquet::unreadable(const QString &name,
             name, ParquetFile::describe(fault)));
         break;
     case parquet::Error::BadFooter:
-        result.detail = systemReason.isEmpty() ? u"it is not a Parquet file, or it is truncated"_s
-                                               : systemReason;
-        break;
     case parquet::Error::ShortRead:
     case parquet::Error::Unreadable:
     case parquet::Error::TextTooLong:

@@ -3,7 +3,7 @@
 //   bytes   content
 //   length  FileMetaData, a Thrift compact record
 //        4  length, unsigned, little-endian
-//        4  "PAR1"
+//        4  "PAR1"; "PARE" if the metadata is encrypted (Encryption.md, section 5.4)
 #include "codecs/parquet/metadata/footer.h"
 
 #include "base/bytes.h"
@@ -20,6 +20,7 @@ namespace corvanta::parquet {
 namespace {
 
 constexpr qint64 kTrailerBytes = 8;
+constexpr auto kNotParquet = "it is not a Parquet file, or it is truncated"_L1;
 
 /// Where the metadata is in the file.
 struct MetaDataRange
@@ -35,16 +36,18 @@ Result<MetaDataRange, Error> readTrailer(ByteSource &source)
         return Fault{Error::Unreadable, u"the file is shorter than its trailer"_s, size};
     }
     std::array<uchar, kTrailerBytes> trailer{};
-    if (!source.seek(size - kTrailerBytes) ||
-        readFully(source, trailer.data(), kTrailerBytes) != kTrailerBytes ||
-        std::memcmp(trailer.data() + 4, "PAR1", 4) != 0) {
-        return Fault{Error::BadFooter, u"the file does not end with PAR1"_s, size - kTrailerBytes};
+    const bool isRead = source.seek(size - kTrailerBytes) &&
+                        readFully(source, trailer.data(), kTrailerBytes) == kTrailerBytes;
+    if (isRead && std::memcmp(trailer.data() + 4, "PARE", 4) == 0) {
+        return Fault{Error::BadFooter, u"it is encrypted"_s, size - kTrailerBytes};
+    }
+    if (!isRead || std::memcmp(trailer.data() + 4, "PAR1", 4) != 0) {
+        return Fault{Error::BadFooter, kNotParquet, size - kTrailerBytes};
     }
     const qint64 length = loadLE<quint32>(trailer.data());
     const qint64 begin = size - kTrailerBytes - length;
     if (begin < 0 || !source.seek(begin)) {
-        return Fault{Error::BadFooter, u"the metadata is longer than the file"_s,
-                     size - kTrailerBytes};
+        return Fault{Error::BadFooter, kNotParquet, size - kTrailerBytes};
     }
     return MetaDataRange{begin, length};
 }

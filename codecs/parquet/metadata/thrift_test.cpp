@@ -225,7 +225,8 @@ TEST(Footer, EveryKindOfDamageHasItsError)
     const auto size = static_cast<quint32>(out.bytes().size());
     const std::tuple<QByteArray, Error> bad[] = {
         {"PAR1PAR", Error::Unreadable},
-        {withLength(out.bytes(), size).chopped(1) + "E", Error::BadFooter},
+        {withLength(out.bytes(), size).chopped(1) + "E", Error::BadFooter}, // encrypted
+        {withLength(out.bytes(), size).chopped(1) + "2", Error::BadFooter},
         {withLength(out.bytes(), size + 1), Error::BadFooter},
         {withLength({}, 0xFFFFFFFF), Error::BadFooter},
         {withLength(out.bytes(), size - 1), Error::BadThrift},
