@@ -104,6 +104,18 @@ QString pinText(const ActionItem &action)
     return u"%1, %2 output pin(s)"_s.arg(inputs, QString::number(action.pinOutCount()));
 }
 
+/// How a list of texts is saved; all other values are attributes or structures.
+void printForm(const ParameterInfo &info, const QString &indent)
+{
+    if (info.type != ParameterInfo::Type::Strings) {
+        return;
+    }
+    const bool isContent = info.place == ParameterInfo::Place::Content;
+    print(indent + (isContent
+                        ? u"Saved as <s>TEXT</s> for each text, directly in the element.\n"_s
+                        : u"Saved as the element <%1><s>TEXT</s>...</%1>.\n"_s.arg(info.name)));
+}
+
 /// Name, type and default, then the meaning, the choices and the members of a structure, indented.
 void printParameter(const ParameterInfo &info, const QString &indent)
 {
@@ -119,6 +131,7 @@ void printParameter(const ParameterInfo &info, const QString &indent)
     if (!info.conditions.isEmpty()) {
         print(u"%1Used only when %2.\n"_s.arg(inner, conditionTexts(info).join(u", and "_s)));
     }
+    printForm(info, inner);
     for (qsizetype i = 0; i < info.choices.size(); ++i) {
         print(u"%1%2 = %3\n"_s.arg(inner, QString::number(i), info.choices[i]));
     }

@@ -53,6 +53,7 @@ class Mistakes(Case):
     def test_each_is_an_error_of_check_and_a_warning_of_run(self):
         cases = [
             ("<writeExcel fileNameDestination='o.xlsx' sheetname='x'/>", ["unknown attribute 'sheetname'", "'sheetName'"]),
+            ("<writeExcel fileNameDestination='o.xlsx' todate='x'/>", ["unknown attribute 'todate' of 'writeExcel'; 'ToDate' is an element in 'writeExcel'"]),
             ("<writeExcel fileNameDestination='o.xlsx'><ToDat><s>day</s></ToDat></writeExcel>", ["'ToDat'", "name is 'ToDate'"]),
             ("<writeExcel fileNameDestination='o.xlsx'><ToWrite>a</ToWrite></writeExcel>", ["text 'a' in 'ToWrite'", "<s>TEXT</s>"]),
             ("<writeExcel fileNameDestination='o.xlsx'><ToWrite><x>a</x></ToWrite></writeExcel>", ["'x' of 'ToWrite'", "is 's'"]),
@@ -427,6 +428,8 @@ class CommandLine(Case):
             self.assertEqual(self.corvanta(*words.split()).stdout, self.corvanta("help").stdout)
         writes = next(line for line in self.corvanta("help", "convert").stdout.splitlines() if line.startswith("  writes"))
         self.assertEqual(writes.split()[1:], "csv txt tsv tab json xml parquet xlsx sas7bdat xpt".split())
+        for text in ("Saved as the element <ToWrite><s>TEXT</s>...</ToWrite>.", "Saved as <s>TEXT</s> for each text, directly in the element."):
+            self.assertIn(text, self.corvanta("describe", "writeJSON").stdout)
         self.assertRegex(self.corvanta("describe", "writeJSON").stdout,
                          r"(?s)  Levels \(structure.*\n +Item \(structure.*\n +type \(integer, default 0\)\n.*\n +5 = elements of a level")
 

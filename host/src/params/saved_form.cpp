@@ -127,6 +127,8 @@ private:
             u"unknown %1 '%2' of '%3'%4"_s.arg(what, name, parent, nearestNameHint(name, known)));
     }
 
+    void addUnknownAttribute(const XMLNode &element, const QString &name, const Known &known);
+
     const GlobalParameters *m_global;
     QVector<SavedFormProblem> m_problems;
 };
@@ -193,8 +195,24 @@ void Walk::visitAttributes(const XMLNode &element, const Known &known)
             add(element, u"the attribute '%1' of '%2' is not used, because %3"_s.arg(
                              name, element.getName(), known.whyUnused));
         } else {
-            addUnknown(element, u"attribute"_s, name, element.getName(), known.names().attributes);
+            addUnknownAttribute(element, name, known);
         }
+    }
+}
+
+/// A list is often written as an attribute; the nearest attribute would mislead then.
+void Walk::addUnknownAttribute(const XMLNode &element, const QString &name, const Known &known)
+{
+    const KnownNames names = known.names();
+    const auto nearest =
+        std::find_if(names.elements.begin(), names.elements.end(), [&](const QString &one) {
+            return one.compare(name, Qt::CaseInsensitive) == 0;
+        });
+    if (nearest == names.elements.end()) {
+        addUnknown(element, u"attribute"_s, name, element.getName(), names.attributes);
+    } else {
+        add(element, u"unknown attribute '%1' of '%2'; '%3' is an element in '%2'"_s.arg(
+                         name, element.getName(), *nearest));
     }
 }
 
