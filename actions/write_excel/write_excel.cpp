@@ -153,6 +153,23 @@ sheet::SheetOptions ActionWriteExcel::sheetOptions() const
     return options;
 }
 
+/// Programs show a date in a narrow column as "###".
+void ActionWriteExcel::widenDateColumns(const std::vector<sheet::Column> &columns)
+{
+    constexpr int kDateDigits = 12;
+    constexpr int kDateTimeDigits = 20;
+    std::vector<int> dates;
+    for (size_t i = 0; i < columns.size(); ++i) {
+        if (columns[i].kind == sheet::Column::Kind::Date) {
+            dates.push_back(static_cast<int>(i));
+        }
+    }
+    const bool hasTime = m_params.dateFormatExcel == DateDisplay::DateMinutes ||
+                         m_params.dateFormatExcel == DateDisplay::DateSeconds ||
+                         m_params.dateFormatExcel == DateDisplay::SystemDateTime;
+    m_run->workbook->setColumnWidths(dates, hasTime ? kDateTimeDigits : kDateDigits);
+}
+
 bool ActionWriteExcel::openSheet(std::vector<sheet::Column> columns)
 {
     if (!openWorkbook()) {
@@ -167,6 +184,9 @@ bool ActionWriteExcel::openSheet(std::vector<sheet::Column> columns)
     // An updated workbook has its own numbers of the cell formats.
     sheet::SheetOptions options = sheetOptions();
     m_run->workbook->setCellFormats(&options);
+    if (m_params.dateWidths) {
+        widenDateColumns(columns);
+    }
     m_run->losses.resize(columns.size());
     m_run->sheet = std::make_unique<sheet::SheetWriter>(
         package, options, std::move(columns), m_run->dates.get(),

@@ -116,6 +116,7 @@ private:
     bool decideKind(const OneRow &row, sheet::Column *column);
     /// Write everything of the workbook that precedes the rows.
     bool openSheet(std::vector<sheet::Column> columns);
+    void widenDateColumns(const std::vector<sheet::Column> &columns);
     sheet::SheetOptions sheetOptions() const;
     /// Fail the run for a fault of the sheet.
     bool checkSheet(const Result<void, sheet::Error> &result);

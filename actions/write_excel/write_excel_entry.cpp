@@ -7,9 +7,10 @@ namespace {
 
 // An empty floatToString gives the fewest digits that read back as the same number; alwaysWrite
 // gives a table without rows a workbook with its header row; isoDates reads the dates of ToDate
-// without a format.
+// without a format, and dateWidths shows them.
 constexpr FileFormat kFormats[] = {
-    {FileFormat::Write, FileFormat::Workbook, "xlsx", "floatToString= alwaysWrite=1 isoDates=1"},
+    {FileFormat::Write, FileFormat::Workbook, "xlsx",
+     "floatToString= alwaysWrite=1 isoDates=1 dateWidths=1"},
 };
 
 } // namespace

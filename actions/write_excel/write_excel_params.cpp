@@ -210,6 +210,10 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         cellForms(),
         dateInput(),
         dateDisplay(),
+        flag("dateWidths", &P::dateWidths)
+            .label("Wide date columns in a new sheet")
+            .meaning("Date columns of a new sheet are wide enough for their format. Off: they have "
+                     "the default width, in which most programs show ### instead of a date."),
         shared::testCol<P>(),
         shared::testValue<P>(),
         shared::writeAllRows<P>(),

@@ -90,6 +90,8 @@ struct WriteExcelParams : RowWriterParams
     /// all.
     bool keepOddDates = false;
     DateDisplay dateFormatExcel = DateDisplay::Date;
+    /// Date columns of a new sheet are wide enough for their format.
+    bool dateWidths = false;
     // Names of columns; names that the input lacks give a warning. A column in both lists is a
     // date.
     QStringList toDate;

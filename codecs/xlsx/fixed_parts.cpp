@@ -108,10 +108,21 @@ QByteArray newSheetRoot(const Family &family)
            family.relationships.toByteArray() + "\">";
 }
 
-QByteArray newSheetHead(const Family &family)
+QByteArray newSheetHead(const Family &family, const QByteArray &widths)
 {
     return XML_DECLARATION + newSheetRoot(family) +
-           "<sheetViews><sheetView workbookViewId=\"0\"/></sheetViews><sheetData>";
+           "<sheetViews><sheetView workbookViewId=\"0\"/></sheetViews>" + widths + "<sheetData>";
+}
+
+QByteArray columnWidths(const std::vector<int> &columns, int width)
+{
+    QByteArray list;
+    for (const int column : columns) {
+        const QByteArray number = QByteArray::number(column + 1);
+        list += "<col min=\"" + number + "\" max=\"" + number + "\" width=\"" +
+                QByteArray::number(width) + "\" customWidth=\"1\"/>";
+    }
+    return list.isEmpty() ? list : "<cols>" + list + "</cols>";
 }
 
 QByteArray newSheetTail()

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <optional>
+#include <vector>
 
 namespace corvanta::xlsx {
 
@@ -29,8 +30,11 @@ inline constexpr char kSheetPart[] = "xl/worksheets/sheet1.xml";
 inline constexpr char kWorkbookPart[] = "xl/workbook.xml";
 
 /// The sheet up to its first row, with its XML declaration. Not only for new workbooks: an update
-/// that adds a sheet passes the family of the workbook.
-QByteArray newSheetHead(const Family &family);
+/// that adds a sheet passes the family of the workbook. `widths` is a columnWidths() element or
+/// empty.
+QByteArray newSheetHead(const Family &family, const QByteArray &widths);
+/// The element that makes these columns (from 0) as wide as `width` digits; empty for none.
+QByteArray columnWidths(const std::vector<int> &columns, int width);
 /// The root tag in it, which declares the prefix r for ids of relationships.
 QByteArray newSheetRoot(const Family &family);
 /// The sheet after its last row; it has the place for hyperlinks (see withHyperlinks()).

@@ -21,7 +21,7 @@ Result<void, Error> NewWorkbook::begin(opc::MemberWriter &output)
 
 Result<void, Error> NewWorkbook::openSheet(sheet::SheetWriter &sheet)
 {
-    return put(sheet, newSheetHead(kTransitional));
+    return put(sheet, newSheetHead(kTransitional, m_columnWidths));
 }
 
 Result<void, Error> NewWorkbook::finishSheet(sheet::SheetWriter &sheet)

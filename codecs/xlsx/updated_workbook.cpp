@@ -224,7 +224,7 @@ Result<void, Error> UpdatedWorkbook::begin(opc::MemberWriter &output)
 Result<void, Error> UpdatedWorkbook::openSheet(sheet::SheetWriter &sheet)
 {
     if (!m_splitter) {
-        return put(sheet, newSheetHead(m_workbook.family));
+        return put(sheet, newSheetHead(m_workbook.family, m_columnWidths));
     }
     const auto take = [&](QByteArrayView piece) -> Result<void, Error> {
         const auto split = m_splitter->push(piece);

@@ -40,6 +40,11 @@ public:
     const QString &sheetName() const { return m_sheetName; }
     /// Set the cell formats and day 0 of the workbook in the options of its sheet.
     virtual void setCellFormats(sheet::SheetOptions *options) const = 0;
+    /// Make columns (from 0) of a new sheet as wide as `width` digits. Call it before openSheet().
+    void setColumnWidths(const std::vector<int> &columns, int width)
+    {
+        m_columnWidths = columnWidths(columns, width);
+    }
 
     /// Write the members before the sheet and start the sheet's member. `output` must outlive the
     /// target.
@@ -76,6 +81,7 @@ protected:
     // Set by the derived class before begin().
     QString m_sheetName;
     opc::MemberWriter *m_output = nullptr; // set by begin()
+    QByteArray m_columnWidths;             // of a new sheet, for its head
 
 private:
     qint64 m_linkCount = 0;
