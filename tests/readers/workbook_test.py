@@ -164,6 +164,12 @@ class Workbooks(unittest.TestCase):
                         "row in the wrong order (sorted by row number)", "cell beyond the last column or row of a sheet (left out)",
                         "text with invalid bytes (replaced by U+FFFD)", "formula without a stored result (read as missing)"):
             self.assertIn(f"Warning: The sheet 'a' of the workbook 'book.xlsx' has 1 {problem}; the first is ", messages)
+        self.make('<worksheet><sheetData><row><c t="s"><v>0</v></c><c t="s"><v>1</v></c><c t="s"><v>2</v></c></row><row><c><v>1</v></c>'
+                  '<c t="inlineStr"><is><t>\xff</t></is></c><c t="s"><v>1</v></c></row></sheetData></worksheet>'.encode("latin-1"),
+                  parts=[("xl/sharedStrings.xml", "<sst><si><t>a</t></si><si><t>\xff</t></si><si><r><t>\xfe</t></r></si></sst>".encode("latin-1"))])
+        rows, messages = self.read()
+        self.assertEqual(rows, [["a", "\ufffd", "\ufffd_2"], ["1", "\ufffd", "\ufffd"]])
+        self.assertIn("Warning: The sheet 'a' of the workbook 'book.xlsx' has 4 texts with invalid bytes (replaced by U+FFFD); the first is cell B1\n", messages)
         self.make('<worksheet><sheetData><row r="1"><c r="A1" t="str"><f>1</f><v></v></c><c r="B1"><f>2</f><v></v></c></row></sheetData></worksheet>')
         self.assertIn("Warning: The sheet 'a' of the workbook 'book.xlsx' has 1 formula without a stored result (read as missing); the first is cell B1\n",
                       self.read()[1])

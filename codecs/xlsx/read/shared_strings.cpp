@@ -79,7 +79,9 @@ sheet::WorkbookResult<bool> SharedStrings::takeNext()
         return read.fault();
     }
     // A string with bad bytes keeps its place: cells count on the numbers of those after it.
-    m_badCount += isBad ? 1 : 0;
+    if (isBad) {
+        noteReplaced();
+    }
     if (const auto added = add({m_text.data(), m_text.size()}); !added) {
         return added.fault();
     }
@@ -99,9 +101,17 @@ bool SharedStrings::takePlain()
     if (to < 0 || !window.sliced(to).startsWith(kClosing)) {
         return false;
     }
-    m_badCount += appendText(window.sliced(from, to - from), false, &m_text) ? 0 : 1;
+    if (!appendText(window.sliced(from, to - from), false, &m_text)) {
+        noteReplaced();
+    }
     m_part->consumeTo(window.data() + to + kClosing.size());
     return true;
+}
+
+void SharedStrings::noteReplaced()
+{
+    m_replaced.push_back(m_count);
+    m_bytes += static_cast<qint64>(sizeof m_count);
 }
 
 /// Begin a block that has room for `units`.

@@ -5,6 +5,7 @@
 #pragma once
 #include "codecs/xlsx/read/part_text.h"
 
+#include <algorithm>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -46,8 +47,12 @@ public:
 
     /// Memory that the strings take.
     qint64 bytes() const { return m_bytes; }
-    /// Strings with bytes that are not UTF-8.
-    qint64 badCount() const { return m_badCount; }
+    /// Whether bytes of a loaded string are not UTF-8; its text has replacements for them.
+    bool isReplaced(quint64 index) const
+    {
+        return !m_replaced.empty() &&
+               std::binary_search(m_replaced.begin(), m_replaced.end(), index);
+    }
     /// Any thread: ends a running at() with Stopped.
     void stop();
 
@@ -76,6 +81,8 @@ private:
     sheet::WorkbookResult<void> load(quint64 index);
     /// Read one string. Returns false at the end of the part.
     sheet::WorkbookResult<bool> takeNext();
+    /// Remember that the next string has invalid bytes.
+    void noteReplaced();
     /// Take a string without formats and references, which most are. False for any other one.
     bool takePlain();
     /// Copy a text to the blocks as the next string.
@@ -94,8 +101,8 @@ private:
     size_t m_used = kBlockUnits; // units of the last block
     std::vector<std::vector<Place>> m_index;
     quint64 m_count = 0;
-    qint64 m_badCount = 0;
-    std::vector<char16_t> m_text; // of the string that is read
+    std::vector<quint64> m_replaced; // indexes for isReplaced(), ascending
+    std::vector<char16_t> m_text;    // of the string that is read
     std::u16string_view m_last;
 };
 

@@ -328,6 +328,7 @@ SheetScanner::Done SheetScanner::readUnusualCell(const opc::Tag &tag)
 SheetScanner::Done SheetScanner::readInside(RawCell *cell)
 {
     const size_t textBegin = m_texts.size();
+    m_isBadInline = false;
     bool isInline = false;
     for (;;) {
         const auto item = m_part->nextItem();
@@ -343,7 +344,7 @@ SheetScanner::Done SheetScanner::readInside(RawCell *cell)
         Done done;
         if (item->isOpening("is")) {
             isInline = true;
-            done = appendStringItem(*m_part, item->tag, &m_texts, &m_isBadText);
+            done = appendStringItem(*m_part, item->tag, &m_texts, &m_isBadInline);
         } else if (item->isOpening("v")) {
             done = readRawText(*m_part, item->tag, &m_value);
             cell->hasValue = true;
@@ -395,6 +396,9 @@ SheetScanner::Done SheetScanner::addCell(const RawCell &cell)
         return {};
     }
     if (isInline) {
+        if (m_isBadInline) {
+            count(SheetProblem::BadText, placed.column);
+        }
         placed.kind = CellKind::Text;
         m_cells.push_back(placed);
         return {};
@@ -475,18 +479,20 @@ SheetScanner::Done SheetScanner::setShared(const RawCell &cell, sheet::SheetCell
     placed->number = static_cast<double>(index) + 1; // see RowRecording
     if (const std::u16string_view *const text = m_strings.loaded(index)) {
         placed->text = *text;
-        m_cells.push_back(*placed);
-        return {};
+    } else {
+        const auto found = m_strings.at(index);
+        if (!found) {
+            return found.fault();
+        }
+        if (!*found) {
+            count(SheetProblem::NoSuchText, placed->column);
+            return {};
+        }
+        placed->text = **found;
     }
-    const auto text = m_strings.at(index);
-    if (!text) {
-        return text.fault();
+    if (m_strings.isReplaced(index)) {
+        count(SheetProblem::BadText, placed->column);
     }
-    if (!*text) {
-        count(SheetProblem::NoSuchText, placed->column);
-        return {};
-    }
-    placed->text = **text;
     m_cells.push_back(*placed);
     return {};
 }
@@ -496,7 +502,7 @@ void SheetScanner::setText(QByteArrayView raw, sheet::SheetCell *placed)
     const size_t begin = m_texts.size();
     // The references of an unusual cell are still in its value.
     if (!appendText(raw, false, &m_texts)) {
-        m_isBadText = true;
+        count(SheetProblem::BadText, placed->column);
     }
     m_pending.push_back({m_cells.size(), begin, m_texts.size() - begin});
     m_cells.push_back(*placed);
@@ -507,10 +513,6 @@ void SheetScanner::finishCells()
 {
     for (const PendingText &text : m_pending) {
         m_cells[text.cell].text = {m_texts.data() + text.begin, text.size};
-    }
-    if (m_isBadText) {
-        count(SheetProblem::BadText, m_cells.empty() ? 0 : m_cells.front().column);
-        m_isBadText = false;
     }
     if (!m_isInOrder) {
         orderCells();

@@ -89,11 +89,11 @@ private:
     qint64 m_row = -1;        // number of the row that is read
     qint64 m_highestRow = -1; // of those before it
     bool m_isRowHidden = false;
-    bool m_isRowEmpty = false; // <row/>
-    int m_column = -1;         // of the last cell
-    size_t m_rowCells = 0;     // read of the row, also those that are left out
-    bool m_isInOrder = true;   // the cells of the row
-    bool m_isBadText = false;
+    bool m_isRowEmpty = false;  // <row/>
+    int m_column = -1;          // of the last cell
+    size_t m_rowCells = 0;      // read of the row, also those that are left out
+    bool m_isInOrder = true;    // the cells of the row
+    bool m_isBadInline = false; // the last inline string has invalid bytes
     std::vector<sheet::SheetCell> m_cells;
     std::vector<char16_t> m_texts; // of the row
     std::vector<PendingText> m_pending;
