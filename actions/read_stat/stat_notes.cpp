@@ -6,6 +6,7 @@
 #include "codecs/stat/data_set_reader.h"
 #include "codecs/stat/header_check.h"
 #include "codecs/stat/label_reader.h"
+#include "io/input/kept_pipe.h"
 #include "io/input/whole_input.h"
 
 namespace corvanta {
@@ -100,6 +101,10 @@ struct OpenDataSet
 std::optional<OpenDataSet> openDataSet(const ActionBase &action, const QString &name,
                                        const ReadStatParams &params)
 {
+    // A pipe can be read only once: opening it here would take the bytes that the run reads.
+    if (input::isPipe(name)) {
+        return std::nullopt;
+    }
     auto file = std::make_unique<LookedAt>(action, name);
     const stat::Format named = statFormatOf(params, file->input->file);
     auto source = file->open();

@@ -6,6 +6,7 @@
 #include "base/counted.h"
 #include "codecs/sheet/cell_area.h"
 #include "corvanta/failure_reason.h"
+#include "io/input/kept_pipe.h"
 
 #include <QScopeGuard>
 
@@ -423,7 +424,8 @@ std::unique_ptr<InputFile> ReadWorkbook::openFirst() const
     const ReadExcelParams &params = readerParams();
     const QStringList files =
         params.fileNameFromPin ? QStringList() : namesOfPattern(*this, params.fileName);
-    if (files.isEmpty()) {
+    // A pipe can be read only once: opening it here would take the bytes that the run reads.
+    if (files.isEmpty() || input::isPipe(files.first())) {
         return nullptr;
     }
     auto file = std::make_unique<InputFile>(globalParameters(), files.first(), false,

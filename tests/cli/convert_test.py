@@ -106,6 +106,22 @@ class Pairs(Case):
         self.convert_cleanly("a.parquet", "e.xml")
         self.assertIn(b'f="0.30000000000000004"', self.content("e.xml"))
 
+    def test_pipes_are_opened_once(self):
+        self.put("in.csv", "a\nx\n")
+        for source, target in (("xlsx", "csv"), ("sas7bdat", "xlsx")):
+            self.convert("in.csv", f"in.{source}")
+            os.mkfifo(self.folder / f"pipe.{source}")
+            for words in (["head", f"pipe.{source}"], ["schema", "--json", f"pipe.{source}"], ["convert", f"pipe.{source}", f"out.{target}"]):
+                with subprocess.Popen([CORVANTA, *words], cwd=self.folder, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE) as process:
+                    # The writer ends at once: a second opening finds nothing.
+                    (self.folder / f"pipe.{source}").write_bytes(self.content(f"in.{source}"))
+                    try:
+                        self.assertNotIn(b"Error", process.communicate(timeout=60)[1])
+                        self.assertEqual(process.returncode, 0, words)
+                    finally:
+                        process.kill()
+        self.assertEqual([row[0].value for row in openpyxl.load_workbook(self.folder / "out.xlsx").active.rows], ["a", "x"])
+
     def test_tables_without_rows(self):
         self.put("empty.csv", "a,b\n")
         for extension, content in (("json", b"[]"), ("csv", b"a,b\n"), ("tsv", b"a\tb\n")):
