@@ -392,9 +392,11 @@ TEST(Dbf, Level7NumbersAreReadInBothForms)
         return be64(value < 0 ? ~bits : bits | quint64(1) << 63);
     };
     const QByteArray noon = le32(2451773) + le32(62'501'310); // 2000-08-16 17:21:41.310
+    const QByteArray endOfFebruary = le32(2451969) + le32(0);
     const QByteArray plain = makeTable(4, fields,
                                        {le32(1) + le32(-2) + le64(0.25) + noon,
-                                        le32(256) + le32(0) + le64(-1e100) + QByteArray(8, '\0')},
+                                        le32(256) + le32(0) + le64(-1e100) + QByteArray(8, '\0'),
+                                        le32(3) + le32(0) + le64(1) + endOfFebruary},
                                        true);
     const QByteArray sorting = makeTable(
         4, fields,
@@ -402,11 +404,12 @@ TEST(Dbf, Level7NumbersAreReadInBothForms)
          QByteArray("\x80\0\1\0\x80\0\0\0", 8) + own(-1e100) + be64(0), QByteArray(24, '\0')},
         true);
     std::vector<Row> rows = {{"1", "-2", "0.25", "20000816 17:21:41"},
-                             {"256", "0", "-1e+100", "-"}};
+                             {"256", "0", "-1e+100", "-"},
+                             {"3", "0", "1", "20010228 00:00:00"}};
     const Table table = read({.table = plain, .isLevel7 = true});
     EXPECT_EQ(table.names[0], "A name longer than eleven bytes");
     EXPECT_EQ(table.rows, rows);
-    rows.push_back(Row(4, "-")); // all zeros: an empty field
+    rows.back() = Row(4, "-"); // all zeros: an empty field
     EXPECT_EQ(read({.table = sorting, .isLevel7 = true}).rows, rows);
     for (size_t i = 0; i < fields.size(); ++i) { // each type alone determines the form
         QByteArray record = sorting.mid(68 + 4 * 48 + 1 + 1);

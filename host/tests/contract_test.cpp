@@ -62,7 +62,7 @@ TEST(OneRow, CellsOfEveryTypeAsTextAndNumber)
     row.setCol(1, doubleCell(&buffer, 4294967296.0));
     bool isKey = true;
     row.colAsKey(1, &isKey);
-    EXPECT_FALSE(isKey) << "a double beyond 32 bits is no key";
+    EXPECT_FALSE(isKey) << "a double beyond 32 bits is not a key";
     EXPECT_EQ(row.getIndexOfColumn(u"t"_s), 2);
     EXPECT_EQ(row.getIndexOfColumn(u"T"_s), -1);
 }
@@ -74,6 +74,7 @@ TEST(XmlNode, ConversionsOfForeignTextsAreDefined)
     EXPECT_EQ(xmltoi(u"", 5), 0);
     EXPECT_EQ(xmltoi(u"99999999999999999999", 5), std::numeric_limits<int>::max());
     EXPECT_EQ(xmltol(u"-99999999999999999999", 5), std::numeric_limits<long long>::min());
+    EXPECT_EQ(xmltol(u" \t\r7", 5), 7);
     EXPECT_EQ(xmltof(u"3.90", 1), 3.9);
     EXPECT_EQ(xmltof(u"1,5", 1), 1);
     EXPECT_FALSE(xmltob(u"0", 1));
