@@ -286,26 +286,26 @@ sheet::WorkbookResult<std::unique_ptr<PartText>> XlsxReader::openText(const zip:
 /// Open the strings for the first sheet that is read: a list of the sheets does not need them.
 XlsxReader::Done XlsxReader::openStrings()
 {
-    if (std::exchange(m_hasStrings, true)) {
+    if (m_hasStrings) {
         return {};
     }
     const QByteArray part =
         relatedPart("sharedStrings", opc::folderOf(m_workbookPart) + "sharedStrings.xml");
-    const zip::Member *const member = memberOf(part);
-    if (member == nullptr) {
-        return {};
+    if (const zip::Member *const member = memberOf(part); member != nullptr) {
+        auto text = openText(*member, m_stringsView);
+        if (!text) {
+            return text.fault();
+        }
+        if (const auto counted = countContent(*member); !counted) {
+            return counted.fault();
+        }
+        // stop() may use the strings that are replaced here.
+        const std::lock_guard lock(m_stopMutex);
+        m_strings = SharedStrings(*std::move(text), kStringBytes + member->compressedSize *
+                                                                       kStringBytesPerPackedByte);
     }
-    if (const auto counted = countContent(*member); !counted) {
-        return counted.fault();
-    }
-    auto text = openText(*member, m_stringsView);
-    if (!text) {
-        return text.fault();
-    }
-    // stop() may use the strings that are replaced here.
-    const std::lock_guard lock(m_stopMutex);
-    m_strings = SharedStrings(*std::move(text),
-                              kStringBytes + member->compressedSize * kStringBytesPerPackedByte);
+    // Only now: strings that cannot be opened are an error for every sheet.
+    m_hasStrings = true;
     return {};
 }
 
@@ -430,10 +430,11 @@ sheet::WorkbookResult<std::unique_ptr<SheetScanner>> XlsxReader::openScanner(siz
         return memberFault(Fault{zip::Error::NoMember}, QString::fromUtf8(m_parts[index]));
     }
     // A sheet that is read again adds no content.
-    if (!std::exchange(m_states[index].isCounted, true)) {
+    if (!m_states[index].isCounted) {
         if (const auto counted = countContent(*member); !counted) {
             return counted.fault();
         }
+        m_states[index].isCounted = true;
     }
     auto text = openText(*member, m_sheetView);
     if (!text) {
