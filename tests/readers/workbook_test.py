@@ -151,6 +151,9 @@ class Workbooks(unittest.TestCase):
                   '<x:row><x:c><x:v>1</x:v></x:c><x:c r="D2"><x:v>2</x:v></x:c></x:row></x:sheetData></x:worksheet>',
                   parts=[("xl/sharedStrings.xml", "<sst><si><t>s&#x41;<![CDATA[&]]></t></si></sst>")])
         self.assertEqual(self.read()[0], [["a b", "B", "sA&", "D"], ["1", "", "", "2"]])
+        self.make('<worksheet><sheetData><row/><row><c><v>1,5</v></c><c><v>1e999</v></c><c t="s"><v>0</v></c></row></sheetData></worksheet>',
+                  parts=[("xl/sharedStrings.xml", "<sst><si><t>s</t></si></sst>")])
+        self.assertEqual(self.read("firstLineContainsColumnNames='0'")[0][2:], [["1,5", "1e999", "s"]])
 
     def test_problems_are_counted(self):
         self.make('<worksheet><sheetData><row r="2"><c r="A2"><v>1</v></c><c r="A2"><v>2</v></c></row>'

@@ -464,6 +464,7 @@ void SheetScanner::setOddNumber(const RawCell &cell, sheet::SheetCell *placed)
     }
     count(SheetProblem::BadValue, placed->column);
     placed->kind = CellKind::Text;
+    placed->number = 0; // it may have the digits at the beginning; see RowRecording
     setText(cell.value, placed);
 }
 
