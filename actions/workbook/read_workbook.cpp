@@ -53,6 +53,12 @@ bool usesSheetName(const ReadExcelParams &params)
            (params.sheets == SheetChoice::Selected && params.sheetMode == SheetSelection::ByName);
 }
 
+/// Whether more than one sheet of a workbook can be read.
+bool readsSeveralSheets(const ReadExcelParams &params)
+{
+    return params.sheets == SheetChoice::All || params.sheets == SheetChoice::Matching;
+}
+
 /// Whether the range is one of the selected sheet; tables and names have sheets of their own.
 bool staysOnSheet(const QString &range)
 {
@@ -307,6 +313,10 @@ void ReadWorkbook::warnColumns(const QString &name, const SheetTask &task,
                           task.scan.errors.count() == 1 ? u"is"_s : u"are"_s,
                           task.scan.errors.first()));
     }
+    if (task.scan.cells == 0 && task.scan.headerRow < 0 && !readsSeveralSheets(m_run)) {
+        MainUI::addLog(MainUI::Info, u"The sheet '%2' of the workbook '%1' has no cells in the "
+                                     "rows and columns that are read\n"_s.arg(name, task.name));
+    }
     if (!task.scan.isComplete) {
         MainUI::addLog(MainUI::Info,
                        u"The types of the columns of the sheet '%1' are those of its first %2 "
@@ -348,9 +358,7 @@ void ReadWorkbook::startSeries()
 {
     FileSeries::Options options;
     TableSchema columns = m_columns.schema();
-    const bool hasSheetNames = m_run.outputSheetNames || m_run.sheets == SheetChoice::All ||
-                               m_run.sheets == SheetChoice::Matching;
-    if (hasSheetNames) {
+    if (m_run.outputSheetNames || readsSeveralSheets(m_run)) {
         m_sheetNameColumn = static_cast<int>(columns.names.size());
         columns.names << u"_SheetName"_s;
         columns.types << MetaInfo(cell::Type::Text);
@@ -480,9 +488,8 @@ QVector<InputTable> ReadWorkbook::listTables()
         table.beginning = notesOf(info);
         sheets << table;
     }
-    const bool isOne = params.sheets != SheetChoice::All && params.sheets != SheetChoice::Matching;
     const auto chosen = TaskMaker(params, **reader).chooseSheets();
-    if (chosen && isOne && staysOnSheet(params.range)) {
+    if (chosen && !readsSeveralSheets(params) && staysOnSheet(params.range)) {
         sheets[static_cast<qsizetype>(chosen->front())].isChosen = true;
     }
     return sheets;

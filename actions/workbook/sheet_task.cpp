@@ -273,9 +273,14 @@ Result<bool, TaskError> TaskMaker::applyRange(SheetTask *task)
     if (area) {
         return setArea(*area, task);
     }
+    const bool isName = std::ranges::any_of(m_reader.definedNames(), [&](const auto &one) {
+        return one.name.compare(range, Qt::CaseInsensitive) == 0;
+    });
     return Fault{
         TaskError::NotFound,
-        u"no table or defined name '%1'; a range of cells is written as B2:D9"_s.arg(range)};
+        isName
+            ? u"a defined name '%1' that is not one range of cells"_s.arg(range)
+            : u"no table or defined name '%1'; a range of cells is written as B2:D9"_s.arg(range)};
 }
 
 // ---- Tasks.

@@ -85,7 +85,8 @@ class Workbooks(unittest.TestCase):
         with zipfile.ZipFile(self.folder / name, "w", zipfile.ZIP_DEFLATED) as package:
             entries = "".join(f"<sheet name='{names[i]}' {states[i] if i < len(states) else ''}/>" for i in range(len(sheets)))
             package.writestr("xl/workbook.xml", f"<workbook>{more}<sheets>{entries}</sheets><definedNames>"
-                             "<definedName name='part'>a!$B$1:$B$2</definedName></definedNames></workbook>")
+                             "<definedName name='part'>a!$B$1:$B$2</definedName><definedName name='Sum'>SUM(a!$A:$A)</definedName>"
+                             "</definedNames></workbook>")
             package.writestr("xl/styles.xml", STYLES)
             for number, markup in enumerate(sheets, 1):
                 package.writestr(f"xl/worksheets/sheet{number}.xml", markup)
@@ -219,6 +220,11 @@ class Workbooks(unittest.TestCase):
         self.assertEqual(self.read("skipRows='1'")[0], [["4", "5", "6"], ["", "", ""], ["7", "8", "9"]])
         self.assertEqual(self.read(f"{off} emptyRows='1'")[0][3:], [["7", "8", "9"]])
         self.assertEqual(self.read(f"{off} emptyRows='2'")[0][1:], [["1", "2", "3"], ["4", "5", "6"]])
+        for settings in ("skipRows='9'", "range='H1:J9'"):
+            self.assertIn("The sheet 'a' of the workbook 'book.xlsx' has no cells in the rows and columns that are read\n",
+                          self.read(settings)[1])
+        self.assertIn("Error: The workbook 'book.xlsx' has a defined name 'sum' that is not one range of cells",
+                      self.read("range='sum'", status=1)[1])
         self.assertIn("no table or defined name 'nothing'; a range of cells is written as B2:D9",
                       self.read("range='nothing'", status=1)[1])
         self.make(sheet(["n", "m"], [1, 2], [3, 4]), parts=[
