@@ -360,7 +360,12 @@ void ReadWorkbook::startSeries()
     TableSchema columns = m_columns.schema();
     if (m_run.outputSheetNames || readsSeveralSheets(m_run)) {
         m_sheetNameColumn = static_cast<int>(columns.names.size());
-        columns.names << u"_SheetName"_s;
+        // A table that was made from several sheets has such a column.
+        QString column = u"_SheetName"_s;
+        for (int i = 2; columns.names.contains(column); ++i) {
+            column = u"_SheetName_%1"_s.arg(i);
+        }
+        columns.names << column;
         columns.types << MetaInfo(cell::Type::Text);
     }
     options.columns = columns;

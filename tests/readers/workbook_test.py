@@ -207,6 +207,8 @@ class Workbooks(unittest.TestCase):
         self.assertIn("--sheet: 'book.xlsx' has no sheet 'z'; its sheets are 'x'",
                       self.command("schema", "book.xlsx", "--sheet", "z", status=2)[1])
         (self.folder / "in.csv").write_text("a\n1\n")
+        self.make(sheet(["_SheetName"], ["s"]))
+        self.assertEqual(self.read("outputSheetNames='1'")[0], [["_SheetName", "_SheetName_2"], ["s", "a"]])
         self.assertIn("--sheet: 'in.csv' is not a workbook that can be read",
                       self.command("head", "in.csv", "--sheet", "1", status=2)[1])
 
