@@ -18,6 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (checked) {
         stat::deletedSasRows(source);
         stat::hasLongUtf8Texts(source);
+        stat::lacksStataEnd(source);
     }
     return checked || checked.fault().code != stat::Error::Unreadable ? 0 : -1;
 }

@@ -118,6 +118,11 @@ bool StatFile::checkHeader()
     if (m_options.format == stat::Format::Sas) {
         warnDeletedRows();
     }
+    if (m_options.format == stat::Format::Stata && stat::lacksStataEnd(*m_source)) {
+        m_action.warn(
+            u"Warning: the statistical file '%1' is cut off: it has no end tag, and value labels may be missing\n"_s
+                .arg(m_name));
+    }
     if (m_options.format == stat::Format::SasTransport) {
         const auto layout = stat::readTransportLayout(*m_source);
         if (!layout) {

@@ -21,7 +21,8 @@ constexpr std::array kEndings{
     Ending{".sas7bdat"_L1, stat::Format::Sas},       Ending{".sav"_L1, stat::Format::SpssSav},
     Ending{".zsav"_L1, stat::Format::SpssSav},       Ending{".por"_L1, stat::Format::SpssPor},
     Ending{".dta"_L1, stat::Format::Stata},          Ending{".xpt"_L1, stat::Format::SasTransport},
-    Ending{".xport"_L1, stat::Format::SasTransport},
+    Ending{".xport"_L1, stat::Format::SasTransport}, Ending{".xpt5"_L1, stat::Format::SasTransport},
+    Ending{".xpt8"_L1, stat::Format::SasTransport},
 };
 
 /// A file with any other ending is read as a SAS data set; the reader then reports what it is not.

@@ -5,8 +5,6 @@
 #include "codecs/sas/variable_names.h"
 #include "codecs/stat/date_text.h"
 
-#include <QRegularExpression>
-
 #include <algorithm>
 #include <cmath>
 
@@ -26,13 +24,6 @@ bool isOrdinaryName(const QByteArray &name)
 bool isTooLong(const QString &name)
 {
     return name.toUtf8().size() > sas::kMaxNameBytes;
-}
-
-/// "DATE" of "DATE9.".
-QString withoutWidth(const QString &format)
-{
-    static const QRegularExpression width(u"[0-9]*(\\.[0-9]*)?$"_s);
-    return QString(format).remove(width);
 }
 
 } // namespace
@@ -207,7 +198,7 @@ QByteArray ActionWriteSAS::formatOf(const QString &column) const
     const VariableDefinition *const defined = definitionOf(column);
     const QString format = defined != nullptr ? defined->format : QString();
     const bool isDate = stat::dateKindOf(stat::Format::Sas, format) != stat::DateKind::None;
-    return (isDate ? withoutWidth(format) : format).toUtf8();
+    return (isDate ? stat::formatName(format) : format).toUtf8();
 }
 
 std::unique_ptr<sas::TableWriter> ActionWriteSAS::makeWriter(ByteSink &sink,

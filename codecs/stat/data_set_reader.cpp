@@ -42,6 +42,10 @@ struct DataSetReader::Handlers
         DataSetReader &self = reader(context);
         return noexceptCallback(self, [&] { return self.putValue(row, variable, value); });
     }
+    static int onLabel(const char *, readstat_value_t, const char *, void *) noexcept
+    {
+        return READSTAT_HANDLER_OK;
+    }
     static void onError(const char *text, void *context)
     {
         DataSetReader &self = reader(context);
@@ -78,6 +82,10 @@ int DataSetReader::parse(RowRing &ring, const OnColumns &onColumns)
     m_onColumns = &onColumns;
     LibraryParser parser(m_input);
     Handlers::attachTo(parser.handle());
+    if (m_options.format == Format::SpssSav) {
+        // Without it, the library ignores which variables of long texts have labels.
+        readstat_set_value_label_handler(parser.handle(), Handlers::onLabel);
+    }
     if (m_isNulKept) {
         // The name is that of the same encoding, but the library knows it only in capitals.
         readstat_set_file_character_encoding(parser.handle(), "utf-8");
@@ -117,7 +125,9 @@ bool DataSetReader::useMetadata(readstat_metadata_t *metadata)
     m_variableCount = readstat_get_var_count(metadata);
     m_missing = m_options.columns;
     useRowCount(metadata->row_count);
-    return openDecoder(encodingOf(m_options.format, m_options.encoding, metadata));
+    // A portable file has its own encoding, but an unknown name is an error for it, too.
+    return openDecoder(m_options.encoding) &&
+           openDecoder(encodingOf(m_options.format, m_options.encoding, metadata));
 }
 
 /// The dictionary has the rows of the file, the progress counts only those that are wanted.
@@ -149,7 +159,9 @@ int DataSetReader::useVariable(int index, readstat_variable_t *handle, const cha
     variable.name = m_decoder->decodeCut(readstat_variable_get_name(handle));
     variable.label = m_decoder->decodeCut(readstat_variable_get_label(handle));
     variable.format = m_decoder->decodeCut(readstat_variable_get_format(handle));
-    variable.labelSet = m_decoder->decodeCut(labelSet);
+    const QString set = m_decoder->decodeCut(labelSet);
+    // SAS gives the format, and the catalogue has only its name.
+    variable.labelSet = isOfSas(m_options.format) ? formatName(set) : set;
     variable.isText = readstat_variable_get_type_class(handle) == READSTAT_TYPE_CLASS_STRING;
     if (!variable.isText) {
         variable.date = dateKindOf(m_options.format, variable.format);

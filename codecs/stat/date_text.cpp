@@ -428,22 +428,22 @@ char *put(DateKind kind, double number, char *out)
     return nullptr;
 }
 
-/// The name of a format without width and decimals.
-std::string_view nameOf(std::string_view format)
-{
-    const size_t end = format.find_last_not_of("0123456789.");
-    return format.substr(0, end == std::string_view::npos ? 0 : end + 1);
-}
-
 } // namespace
+
+QString formatName(const QString &format)
+{
+    const auto isOfName = [](QChar c) { return (c < u'0' || c > u'9') && c != u'.'; };
+    const auto last = std::find_if(format.crbegin(), format.crend(), isOfName);
+    return format.first(format.crend() - last);
+}
 
 DateKind dateKindOf(Format format, const QString &variableFormat)
 {
     if (format == Format::Stata) {
         return stataKind(variableFormat);
     }
-    const QByteArray upper = variableFormat.toUpper().toUtf8();
-    const std::string_view name = nameOf({upper.constData(), static_cast<size_t>(upper.size())});
+    const QByteArray upper = formatName(variableFormat).toUpper().toUtf8();
+    const std::string_view name(upper.constData(), static_cast<size_t>(upper.size()));
     return isOfSas(format) ? sasKind(name) : find(kSpssFormats, name);
 }
 

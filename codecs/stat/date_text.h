@@ -11,6 +11,10 @@ namespace corvanta::stat {
 /// Characters that putDateText() may write.
 inline constexpr int kDateChars = 64;
 
+/// The name of a format of SAS or SPSS, without width and decimals: "DATE" of "DATE9.". No name
+/// ends in a digit.
+QString formatName(const QString &format);
+
 /// What the numbers of a variable with this format are; None for all other formats. Width and
 /// decimals of the format are ignored.
 DateKind dateKindOf(Format format, const QString &variableFormat);

@@ -25,6 +25,10 @@ Result<void, Error> checkCatalogue(ByteSource &source);
 /// are none or the header is not found. For a file that has passed checkHeader().
 qint64 deletedSasRows(ByteSource &source);
 
+/// Whether a Stata file from version 117 on ends before its end tag. The library then reads its
+/// rows if they are complete, and silently leaves out value labels. `source` is used as above.
+bool lacksStataEnd(ByteSource &source);
+
 /// Whether an SPSS file has texts of several segments and the encoding UTF-8. The library then
 /// leaves out bytes 0, and writes before its buffer when a segment has no other bytes. For a file
 /// that has passed checkHeader().

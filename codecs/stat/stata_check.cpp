@@ -6,11 +6,14 @@
 //              <N>...</N><label>...</label><timestamp>...</timestamp></header><map>"; variables
 //              uint16 (119: uint32), rows uint32 (from 118: uint64), sizes of the label uint16
 //              (117: uint8) and of the time uint8; the map has offsets (uint64), of which the
-//              third is that of "<variable_types>" with a uint16 per variable, 32768 for a strL
+//              third is that of "<variable_types>" with a uint16 per variable, 32768 for a strL;
+//              after the rows the value labels, then "</stata_dta>"
 //
 // Public description: "help dta" of Stata.
 #include "codecs/stat/checked_reader.h"
 #include "codecs/stat/header_check.h"
+
+#include <algorithm>
 
 namespace corvanta::stat {
 
@@ -91,6 +94,15 @@ Result<void, Error> checkStata(ByteSource &source)
     old.setBigEndian(start[1] == 1);
     const qint64 variables = old.number<quint16>();
     return checkCounts(old, variables, old.number<quint32>());
+}
+
+bool lacksStataEnd(ByteSource &source)
+{
+    constexpr qint64 kEndBytes = 64; // the tag, and bytes that some programs add
+    CheckedReader in(source);
+    const bool hasTags = in.bytes(sizeof("<stata_dta>") - 1) == "<stata_dta>";
+    in.seek(std::max(source.size() - kEndBytes, qint64(0)));
+    return hasTags && !in.bytes(in.remaining()).contains("</stata_dta>");
 }
 
 } // namespace corvanta::stat

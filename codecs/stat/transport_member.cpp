@@ -5,7 +5,7 @@
 //   NAMESTR (NAMSTV8) header, at 53 the number of variables (5 digits); their descriptors of 140
 //     bytes, of which the bytes 4 and 5 are the width of the values; padding
 //   LABELV8 or LABELV9 header and the long labels (version 8, if any)
-//   OBS header, or OBSV8 header with the number of rows at 48 (15 digits)
+//   OBS header, or OBSV8 header with the number of rows at 48 (15 digits; some programs write 0)
 //   rows of fixed width without gaps, padding; then another MEMBER header, or the end
 //
 // Public descriptions: SAS technical note TS-140; "Record Layout of a SAS Version 8 or 9 Data Set
@@ -86,9 +86,10 @@ Result<TransportLayout, Error> layoutOf(CheckedReader &in, qint64 variables)
     in.skip((kRecordBytes - in.position() % kRecordBytes) % kRecordBytes);
     const QByteArray rows = findRows(in);
     layout.rowsAt = in.position();
-    if (rows.startsWith(kRowsOfVersion8)) {
-        layout.rows = numberIn(rows, kRowsAt, kRowsDigits);
-    }
+    const qint64 count =
+        rows.startsWith(kRowsOfVersion8) ? numberIn(rows, kRowsAt, kRowsDigits) : 0;
+    // Programs that do not know it, such as the library and haven, write 0.
+    layout.rows = count > 0 ? count : -1;
     if (in.hasFailed()) {
         return Fault{Error::Unreadable};
     }

@@ -14,7 +14,7 @@ struct TransportLayout
 {
     qint64 rowsAt = 0;   ///< offset of the first row
     qint64 rowBytes = 0; ///< at least 1
-    qint64 rows = -1;    ///< as the header says; -1: version 5, which does not say it
+    qint64 rows = -1;    ///< as the header says; -1: it does not say it, as in version 5
 };
 
 /// Read the headers. `source` seeks at no cost and knows its size; its position changes. Errors:

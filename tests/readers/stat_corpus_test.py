@@ -14,7 +14,7 @@ import tempfile
 
 CORPUS = pathlib.Path(sys.argv[2])
 SKIP = 77
-ENDINGS = {".sas7bdat", ".sav", ".zsav", ".por", ".dta", ".xpt"}
+ENDINGS = {".sas7bdat", ".sav", ".zsav", ".por", ".dta", ".xpt", ".xpt5"}
 
 # Files that the library does not read, with a part of the message.
 REFUSED = {

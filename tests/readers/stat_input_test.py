@@ -50,12 +50,19 @@ class StatInput(unittest.TestCase):
 
     def test_a_transport_file_that_is_cut(self):
         table = "k,t\n" + "".join(f"{i},text number {i}\n" for i in range(100))
-        for settings in ((), ("version8=1",)):
+        for settings, other in (((), False), (("version8=1",), False), (("version8=1",), True)):
             whole = self.transport(table, *settings)
+            # Other programs write 0 as the number of rows.
+            whole = whole.replace(b"!!!!!!!            100", b"!!!!!!!000000000000000") if other else whole
             for size in (len(whole) - 1, len(whole) - 80, len(whole) - 800, 640, 700, 100):
                 self.write("cut.xpt", whole[:size])
                 error = self.convert("cut.xpt", "out.csv", status=1)
                 self.assertRegex(error, "ERROR: cannot read the statistical file '.*cut.xpt': (the file is cut off|the file ends in the dictionary|the header announces 2 variables)", size)
+
+    def test_a_stata_file_that_is_cut_in_its_labels(self):
+        data = (CASES / "labels/v.dta").read_bytes()
+        self.write("cut.dta", data[:data.index(b"<lbl>") + 20])
+        self.assertRegex(self.convert("cut.dta", "out.csv"), "Warning: the statistical file '.*cut.dta' is cut off: it has no end tag, and value labels may be missing\n")
 
     def test_rows_of_blanks_of_a_transport_file(self):
         self.write("in.csv", "t\na\nb\n\"\"\n\"\"\n")
@@ -91,6 +98,10 @@ class StatInput(unittest.TestCase):
             found = self.convert(f"right{file.suffix}", "out.csv", "--reader", "fileFormat=2", status=1)
             self.assertIn(f"its content is that of {kind}, but the parameter 'fileFormat' says ", found)
 
+    def test_an_unknown_encoding_of_a_portable_file(self):
+        shutil.copy(CASES / "values/v.por", self.folder / "p.por")
+        self.assertIn("Invalid character encoding (none).", self.convert("p.por", "out.csv", "--reader", "encoding=none", status=1))
+
     def test_catalogues_and_data_sets(self):
         shutil.copy(CASES / "sas/labels.sas7bcat", self.folder / "c.sas7bdat")
         self.assertIn("': it is a SAS catalogue (.sas7bcat), which has value labels but no rows. The parameter 'catalogFile' can name it\n",
@@ -98,6 +109,15 @@ class StatInput(unittest.TestCase):
         shutil.copy(CASES / "sas/s.sas7bdat", self.folder / "s.sas7bdat")
         found = self.convert("s.sas7bdat", "out.csv", "--reader", "extractLabels=1", "--reader", "catalogFile=s.sas7bdat", status=1)
         self.assertRegex(found, r"ERROR: cannot read the catalogue '.*': it is a SAS data set \(.sas7bdat\), not a SAS catalogue \(.sas7bcat\)")
+
+    def test_labels_of_a_format_with_a_width(self):
+        self.write("in.csv", "sex\n1\n2\n3\n")
+        self.write("a.graph", """<graph version='4.11'><action id='a'><readCSV fileName='in.csv' types='F'/></action>
+            <action id='b'><writeSAS fileName='o.sas7bdat'><VariableDef><V n='sex' format='SEX8.'/></VariableDef></writeSAS></action>
+            <link from='a:0' to='b:0'/></graph>""")
+        self.run_in("run", "a.graph")
+        self.convert("o.sas7bdat", "out.csv", "--reader", "extractLabels=1", "--reader", f"catalogFile={CASES / 'sas/labels.sas7bcat'}")
+        self.assertEqual(self.table("out.csv"), [["sex"], ["male"], ["female"], ["3"]])
 
     def test_dates_stay_dates(self):
         shutil.copy(CASES / "dates/d.sav", self.folder / "d.sav")

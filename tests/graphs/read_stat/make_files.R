@@ -11,7 +11,7 @@ patch <- function(file, from, to) { # replace bytes of the same number
 }
 sex <- c(male = 1, female = 2, `no answer` = 9)
 
-# Values: numbers, texts, system, user and tagged missing values.
+# Values: numbers, texts, system, user and tagged missing values. haven does not write .por files: v.por is the library's.
 d <- folder("values")
 write_sav(data.frame(
   id = c(1, 2.5, NA, -4), text = c("a", "", "d\u00e9j\u00e0 vu", "x,\"y\""),
@@ -25,6 +25,8 @@ write_xpt(data.frame(ID = c(1, NA, tagged_na("B"), 0.1), TEXT = c("a", "", "b", 
 for (case in c("labels", "label_names", "columns_listed", "columns_listed_missing", "max_rows", "file_names")) {
   file.copy(file.path(d, c("v.sav", "v.dta")), folder(case), overwrite = TRUE)
 }
+long <- strrep("x", 300)
+write_sav(data.frame(q = labelled(c("longer than a cell", long, "\u00e9"), c(Alpha = "longer than a cell", Long = long))), "labels/long.sav")
 same <- data.frame(a = 1, b = 2, c = 3)
 attr(same$a, "label") <- "One"; attr(same$c, "label") <- "One"
 write_sav(same, "label_names/same.sav")
