@@ -5,21 +5,26 @@
 //   from 117   "<stata_dta><header><release>117</release><byteorder>LSF</byteorder><K>...</K>
 //              <N>...</N><label>...</label><timestamp>...</timestamp></header><map>"; variables
 //              uint16 (119: uint32), rows uint32 (from 118: uint64), sizes of the label uint16
-//              (117: uint8) and of the time uint8; the map has offsets (uint64), of which the
-//              third is that of "<variable_types>" with a uint16 per variable, 32768 for a strL;
-//              after the rows the value labels, then "</stata_dta>"
+//              (117: uint8) and of the time uint8; the map has 14 offsets (uint64): the third is
+//              that of "<variable_types>" with a uint16 per variable, 32768 for a strL, the 11th
+//              that of the texts of strL, the 12th that of the value labels, before "</stata_dta>"
 //
 // Public description: "help dta" of Stata.
 #include "codecs/stat/checked_reader.h"
 #include "codecs/stat/header_check.h"
 
 #include <algorithm>
+#include <array>
 
 namespace corvanta::stat {
 
 namespace {
 
 constexpr int kNewestRelease = 119;
+constexpr int kFirstLongLabel = 118;
+
+/// Entries of the map.
+enum : quint8 { kTypes = 2, kLongTexts = 10, kAfterLongTexts = 11, kMapEntries = 14 };
 
 /// A row has at least one byte per variable, and a file all of its rows.
 Result<void, Error> checkCounts(const CheckedReader &in, qint64 variables, quint64 rows)
@@ -38,26 +43,58 @@ Result<void, Error> checkCounts(const CheckedReader &in, qint64 variables, quint
     return {};
 }
 
-/// The library does not find the texts of strL variables in files of version 119, and would deliver
-/// empty ones. The reader is after the number of rows.
-Result<void, Error> checkNoLongTexts(CheckedReader &in, qint64 variables)
+Fault<Error> damaged(const QString &reason)
 {
-    constexpr quint16 kLongText = 32768;
+    return {Error::Damaged, reason};
+}
+
+/// The offsets in the map. The reader is after the number of rows.
+std::array<quint64, kMapEntries> readMap(CheckedReader &in, int release)
+{
     in.skip(static_cast<qint64>(sizeof("</N><label>") - 1));
-    in.skip(in.number<quint16>());
+    in.skip(release >= kFirstLongLabel ? in.number<quint16>() : in.number<quint8>());
     in.skip(static_cast<qint64>(sizeof("</label><timestamp>") - 1));
     in.skip(in.number<quint8>());
-    in.skip(static_cast<qint64>(sizeof("</timestamp></header><map>") - 1 + 2 * sizeof(quint64)));
-    in.seek(static_cast<qint64>(in.number<quint64>()));
+    in.skip(static_cast<qint64>(sizeof("</timestamp></header><map>") - 1));
+    std::array<quint64, kMapEntries> map{};
+    for (quint64 &offset : map) {
+        offset = in.number<quint64>();
+    }
+    return map;
+}
+
+/// The library does not find the texts of strL variables in files of version 119, and would deliver
+/// empty ones.
+Result<void, Error> checkNoLongTexts(CheckedReader &in, quint64 types, qint64 variables)
+{
+    constexpr quint16 kLongText = 32768;
+    in.seek(static_cast<qint64>(types));
     in.skip(static_cast<qint64>(sizeof("<variable_types>") - 1));
     for (qint64 i = 0; i < variables && in.isGood(); ++i) {
         if (in.number<quint16>() == kLongText) {
-            return Fault{Error::Damaged,
-                         QStringLiteral("long texts (strL) in files of version 119 are not "
-                                        "supported: save the file as version 118 or older")};
+            return damaged(QStringLiteral("long texts (strL) in files of version 119 are not "
+                                          "supported: save the file as version 118 or older"));
         }
     }
     return in.hasFailed() ? Result<void, Error>(Fault{Error::Unreadable}) : Result<void, Error>();
+}
+
+/// The library keeps all long texts of a file in memory. The reader is after the number of rows.
+Result<void, Error> checkLongTexts(CheckedReader &in, int release, qint64 variables)
+{
+    constexpr quint64 kMaxBytes = quint64(1) << 30;
+    const auto map = readMap(in, release);
+    const quint64 bytes = map[kAfterLongTexts] - map[kLongTexts];
+    if (map[kAfterLongTexts] > map[kLongTexts] && bytes > kMaxBytes) {
+        return damaged(
+            QStringLiteral("its long texts (strL) have %1 bytes, and at most %2 are kept in memory")
+                .arg(QString::number(bytes), QString::number(kMaxBytes)));
+    }
+    if (in.hasFailed()) {
+        return Fault{Error::Unreadable};
+    }
+    return release >= kNewestRelease ? checkNoLongTexts(in, map[kTypes], variables)
+                                     : Result<void, Error>();
 }
 
 /// `release` is that of the file; the reader is after "<byteorder>".
@@ -69,7 +106,7 @@ Result<void, Error> checkTagged(CheckedReader &in, int release)
     in.skip(static_cast<qint64>(sizeof("</K><N>") - 1));
     const quint64 rows = release >= 118 ? in.number<quint64>() : in.number<quint32>();
     auto checked = checkCounts(in, variables, rows);
-    return checked && release >= kNewestRelease ? checkNoLongTexts(in, variables) : checked;
+    return checked ? checkLongTexts(in, release, variables) : checked;
 }
 
 } // namespace

@@ -64,6 +64,13 @@ class StatInput(unittest.TestCase):
         self.write("cut.dta", data[:data.index(b"<lbl>") + 20])
         self.assertRegex(self.convert("cut.dta", "out.csv"), "Warning: the statistical file '.*cut.dta' is cut off: it has no end tag, and value labels may be missing\n")
 
+    def test_long_texts_that_do_not_fit_into_memory(self):
+        data = bytearray((CASES / "labels/v.dta").read_bytes())
+        at = data.index(b"<map>") + 5 + 11 * 8
+        data[at:at + 8] = (5 << 30).to_bytes(8, "little")
+        self.write("large.dta", bytes(data))
+        self.assertRegex(self.convert("large.dta", "out.csv", status=1), r"its long texts \(strL\) have \d+ bytes, and at most 1073741824 are kept in memory")
+
     def test_rows_of_blanks_of_a_transport_file(self):
         self.write("in.csv", "t\na\nb\n\"\"\n\"\"\n")
         self.convert("in.csv", "in.xpt", "--writer", "version8=1")
