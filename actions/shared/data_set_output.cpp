@@ -213,6 +213,10 @@ bool DataSetOutput::begin(const OneRow &columns)
     if (inputs.isEmpty()) {
         return failWith(WriteProblem::NoColumns);
     }
+    // The writer would say so only after the last row.
+    if (inputs.size() > maxVariables()) {
+        return failWriter({sas::Error::TooManyVariables, QString::number(inputs.size())});
+    }
     for (const int input : std::as_const(inputs)) {
         m_run->names << columns.colName(input);
     }

@@ -34,6 +34,8 @@ protected:
     const QString &fileParameter() const override { return dataSetParams().fileName; }
     /// What the file is called in messages: "SAS file".
     virtual QString fileKind() const = 0;
+    /// The most columns of the format.
+    virtual int maxVariables() const = 0;
     /// The longest text and label of the format, in bytes.
     virtual int maxTextBytes() const = 0;
     virtual int maxLabelBytes() const = 0;

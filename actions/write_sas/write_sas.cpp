@@ -38,6 +38,11 @@ QString ActionWriteSAS::fileKind() const
     return u"SAS file"_s;
 }
 
+int ActionWriteSAS::maxVariables() const
+{
+    return sas::kMaxDataSetVariables;
+}
+
 QString ActionWriteSAS::message(WriteProblem problem, const QString &name) const
 {
     switch (problem) {

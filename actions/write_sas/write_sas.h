@@ -23,6 +23,7 @@ private:
     const DataSetParams &dataSetParams() const override { return m_params; }
     QString message(WriteProblem problem, const QString &name) const override;
     QString fileKind() const override;
+    int maxVariables() const override;
     int maxTextBytes() const override { return sas::kMaxTextBytes; }
     int maxLabelBytes() const override { return sas::kMaxLabelBytes; }
     int measuredWidth(qsizetype longest) const override;

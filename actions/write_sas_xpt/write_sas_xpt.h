@@ -26,6 +26,7 @@ private:
     const DataSetParams &dataSetParams() const override { return m_params; }
     QString message(WriteProblem problem, const QString &name) const override;
     QString fileKind() const override;
+    int maxVariables() const override { return sas::kMaxTransportVariables; }
     int maxTextBytes() const override { return limits().text; }
     int maxLabelBytes() const override { return limits().label; }
     int measuredWidth(qsizetype longest) const override { return static_cast<int>(longest); }
