@@ -1,16 +1,62 @@
 // Flushes new files and changed folders in groups.
 //
 // The write-back of all files is started before the first wait, so that the disk works on them in
-// parallel. The mutex is not held during the wait, so that other actions can add files.
+// parallel. Several threads then wait: the system completes the flushes that wait at one time
+// together. The mutex is not held during the wait, so that other actions can add files.
 #include "unsynced_names.h"
 
 #include "base/platform/files.h"
 
 #include <QFileInfo>
 
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <new>
+#include <system_error>
+#include <thread>
 #include <utility>
+#include <vector>
 
 namespace corvanta {
+
+namespace {
+
+/// Flush the files that no other thread has taken; `errors` has one entry per file.
+void syncNext(const QStringList &names, std::atomic<qsizetype> &next,
+              std::vector<SystemError> &errors) noexcept
+{
+    for (qsizetype i = next++; i < names.size(); i = next++) {
+        SystemError &error = errors[static_cast<size_t>(i)];
+        try {
+            error = platform::syncFile(names.at(i)) ? SystemError() : SystemError::ofLastCall();
+        } catch (const std::bad_alloc &) {
+            error = {ENOMEM};
+        }
+    }
+}
+
+/// Why files could not be flushed: one entry per file.
+std::vector<SystemError> syncAll(const QStringList &names)
+{
+    constexpr qsizetype kMaxThreads = 4;
+    constexpr qsizetype kFilesPerThread = 8;
+    std::vector<SystemError> errors(static_cast<size_t>(names.size()));
+    std::atomic<qsizetype> next = 0;
+    std::vector<std::jthread> helpers; // last: joined before what they use is destroyed
+    try {
+        for (qsizetype i = std::min(kMaxThreads, names.size() / kFilesPerThread); i > 1; --i) {
+            helpers.emplace_back([&] { syncNext(names, next, errors); });
+        }
+    } catch (const std::system_error &) {
+        // Without more threads it only takes longer.
+    }
+    syncNext(names, next, errors);
+    helpers.clear();
+    return errors;
+}
+
+} // namespace
 
 void UnsyncedNames::addFile(const QString &name)
 {
@@ -51,9 +97,10 @@ QVector<UnsyncedNames::Failed> UnsyncedNames::sync(const Names &names)
         platform::startSync(name);
     }
     QVector<Failed> failed;
-    for (const QString &name : names.files) {
-        if (!platform::syncFile(name)) {
-            failed << Failed{name, SystemError::ofLastCall()};
+    const std::vector<SystemError> errors = syncAll(names.files);
+    for (qsizetype i = 0; i < names.files.size(); ++i) {
+        if (const SystemError error = errors[static_cast<size_t>(i)]) {
+            failed << Failed{names.files.at(i), error};
         }
     }
     // Folders last, so that no entry is flushed before the content of its file.
