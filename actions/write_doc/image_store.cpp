@@ -70,8 +70,9 @@ QByteArray mediaExtension(const QString &file, document::ImageKind kind)
 Result<ImageStore::Image, ImageFault> ImageStore::image(const QString &file)
 {
     const QString key = keyOf(file);
-    if (const Image *const kept = m_kept.object(key)) {
-        return *kept;
+    if (const auto found = m_index.find(key); found != m_index.end()) {
+        m_kept.splice(m_kept.begin(), m_kept, found->second);
+        return m_kept.front().image;
     }
     // One byte more than a member may have tells a file that is too large.
     const auto bytes = readBytes(file, limits::kMemberBytes + 1);
@@ -88,8 +89,20 @@ Result<ImageStore::Image, ImageFault> ImageStore::image(const QString &file)
     // The member gets its name in each document.
     const auto image = std::make_shared<const document::StoredImage>(document::StoredImage{
         zip::deflateMember("image", *bytes), mediaExtension(file, info->kind), *info});
-    m_kept.insert(key, new Image(image), image->content.bytes.size() + 1);
+    keep(key, image);
     return image;
+}
+
+void ImageStore::keep(const QString &key, const Image &image)
+{
+    m_kept.push_front({key, image});
+    m_index[key] = m_kept.begin();
+    m_bytes += image->content.bytes.size();
+    while (m_bytes > kMostBytes) {
+        m_bytes -= m_kept.back().image->content.bytes.size();
+        m_index.erase(m_kept.back().key);
+        m_kept.pop_back();
+    }
 }
 
 document::ImageInfo ImageStore::infoOf(const QString &file)

@@ -4,9 +4,10 @@
 #include "base/system_error.h"
 #include "codecs/document/document_template.h"
 
-#include <QCache>
 #include <QString>
 
+#include <list>
+#include <map>
 #include <memory>
 
 namespace corvanta {
@@ -40,7 +41,17 @@ public:
 private:
     /// Bytes of the images that are kept; the ones that were used last stay.
     static constexpr qsizetype kMostBytes = qsizetype(64) << 20;
-    QCache<QString, Image> m_kept{kMostBytes}; // by name, size and time of the last change
+    struct Kept
+    {
+        QString key; ///< name, size and time of the last change
+        Image image;
+    };
+
+    void keep(const QString &key, const Image &image);
+
+    std::list<Kept> m_kept; // the one used last is the first
+    std::map<QString, std::list<Kept>::iterator> m_index;
+    qsizetype m_bytes = 0; // of m_kept
 };
 
 } // namespace corvanta
