@@ -43,6 +43,17 @@ bool TemplateWriter::failTemplate(const Fault<zip::Error> &fault)
     return isEmpty ? failWith(TemplateProblem::EmptyTemplate, m_templateName) : false;
 }
 
+void TemplateWriter::addOwnTemplateProblem(const QString &document, const QString &source,
+                                           QVector<ParameterProblem> *found)
+{
+    if (platform::isSameFile(document, source)) {
+        found->push_back(
+            {u"output"_s,
+             u"the document '%1' would replace its own template: choose another output name"_s.arg(
+                 document)});
+    }
+}
+
 bool TemplateWriter::openDocument(const QString &name)
 {
     closeDocument();

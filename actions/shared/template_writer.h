@@ -48,6 +48,10 @@ protected:
     /// Valid as long as the template is open.
     zip::PackageReader &templateReader() { return m_template->reader(); }
     const QString &templateName() const { return m_templateName; }
+    /// For problems(): add that the document would replace its own template, if it would. Both
+    /// names are expanded already.
+    static void addOwnTemplateProblem(const QString &document, const QString &source,
+                                      QVector<ParameterProblem> *found);
 
     /// Begin the document `name`, which is expanded already. The open template itself is refused.
     bool openDocument(const QString &name);

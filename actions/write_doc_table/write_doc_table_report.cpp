@@ -28,6 +28,8 @@ QVector<ParameterProblem> ActionWriteDocTable::problems() const
         markers.push_back(marker);
     }
     addTemplateProblems(markers, &found);
+    addOwnTemplateProblem(expandOutputFile(m_params.output, {}), expandFile(m_params.templateName),
+                          &found);
     return found;
 }
 

@@ -70,6 +70,7 @@ QVector<ParameterProblem> ActionWriteReport::problems() const
     QVector<ParameterProblem> found;
     if (!m_params.templateName.isEmpty()) {
         findTemplateProblems(&found);
+        addOwnTemplateProblem(documentFile(), templateFile(), &found);
     }
     for (const ReportProblem &problem : repeatedCharts(m_params.charts)) {
         found.push_back(problemOf(problem, u"Chart"_s));
