@@ -46,13 +46,22 @@ QString axesText(const charts::ChartTag &tag)
                               names.join(u", "_s));
 }
 
-/// Where a chart is whose part nothing refers to, and in a workbook any chart: a sheet shows it
-/// through a drawing. `folder` is that of the chart parts.
+/// What has a chart whose part nothing refers to. `folder` is that of the chart parts.
 QString kindOfFile(const QByteArray &folder)
 {
     return folder.startsWith("ppt/")    ? u"presentation"_s
            : folder.startsWith("word/") ? u"document"_s
                                         : u"sheet"_s;
+}
+
+/// Where the document has a chart: "slide 2 chart", "sheet chart on 'Sales'".
+QString placeOf(const document::PartLocations &locations, const QByteArray &chart,
+                const QByteArray &folder)
+{
+    const QString location = locations.ofReference(chart);
+    const QString sheet = locations.sheetOf(chart);
+    return (location.isEmpty() ? kindOfFile(folder) : location) + u" chart"_s +
+           (sheet.isEmpty() ? QString() : u" on '%1'"_s.arg(sheet));
 }
 
 } // namespace
@@ -79,8 +88,7 @@ bool ActionWriteReport::templateMarks(const QString &file, QVector<TemplateMark>
     }
     const document::PartLocations locations(templateReader());
     for (const ChartPart &part : m_run.charts.parts) {
-        const QString place = locations.ofReference(part.member);
-        listPart(part, place.isEmpty() ? kindOfFile(folder) : place, marks);
+        listPart(part, placeOf(locations, part.member, folder), marks);
     }
     closeFiles();
     m_run = {};
@@ -94,9 +102,8 @@ void ActionWriteReport::listPart(const ChartPart &part, const QString &place,
         // The name of a series can be there twice.
         if (tag.use != charts::TagUse::Repeated) {
             const int pieces = tag.use == charts::TagUse::Split ? 2 : 1;
-            marks->push_back({u"[[KOBData %1]]"_s.arg(tag.reference),
-                              place + u" chart"_s + axesText(tag), QString::fromUtf8(part.member),
-                              1, pieces, remedyFor(tag.use)});
+            marks->push_back({u"[[KOBData %1]]"_s.arg(tag.reference), place + axesText(tag),
+                              QString::fromUtf8(part.member), 1, pieces, remedyFor(tag.use)});
         }
     }
 }

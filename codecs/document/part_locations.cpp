@@ -6,6 +6,9 @@
 //   word/footnotes.xml, endnotes.xml, comments.xml                 their names
 //
 // P is the place of the slide in the list of ppt/presentation.xml: <p:sldId r:id="rId3"/>.
+//
+// A sheet has the name in the list of the workbook, <sheet name="Sales" r:id="rId1"/>, and shows
+// the charts that its drawing refers to (12.3 and 18.2.19).
 #include "codecs/document/part_locations.h"
 
 #include "codecs/document/document_parts.h"
@@ -54,6 +57,7 @@ PartLocations::PartLocations(zip::PackageReader &source)
     opc::PackageCopy package(source, [] { return true; });
     m_body = bodyPart(package);
     m_slides = slideOrder(package);
+    addSheets(package);
     for (const zip::Member &member : source.members()) {
         const QByteArray part = standardName(member.name);
         if (const QString location = of(part); !location.isEmpty()) {
@@ -69,6 +73,43 @@ void PartLocations::addReferences(opc::PackageCopy &package, const QByteArray &p
         for (const opc::Relationship &one : relationships->entries()) {
             // The first part wins.
             m_references.emplace(opc::resolvedTarget(part, one.target), location);
+        }
+    }
+}
+
+void PartLocations::addSheets(opc::PackageCopy &package)
+{
+    const QByteArray workbook = package.mainPart("xl/workbook.xml");
+    const auto relationships = package.readRelationships(workbook);
+    const auto text = relationships ? package.read(workbook) : Fault{opc::Error::NoMember};
+    if (!text || !beginsLike(workbook, "xl/")) {
+        return;
+    }
+    for (opc::TagCursor cursor(*text); cursor.next();) {
+        const bool isSheet = cursor.tag().local() == "sheet";
+        const auto id = isSheet ? cursor.tag().attribute("r:id") : std::nullopt;
+        const auto name = isSheet ? cursor.tag().attribute("name") : std::nullopt;
+        for (const opc::Relationship &one : relationships->entries()) {
+            if (id && name && one.id == *id) {
+                addCharts(package, opc::resolvedTarget(workbook, one.target), opc::decoded(*name));
+            }
+        }
+    }
+}
+
+void PartLocations::addCharts(opc::PackageCopy &package, const QByteArray &sheet,
+                              const QString &name)
+{
+    const auto relationships = package.readRelationships(sheet);
+    const opc::Relationship *const drawing =
+        relationships ? relationships->find("drawing") : nullptr;
+    if (drawing == nullptr) {
+        return;
+    }
+    const QByteArray part = opc::resolvedTarget(sheet, drawing->target);
+    if (const auto charts = package.readRelationships(part)) {
+        for (const opc::Relationship &one : charts->entries()) {
+            m_sheets.emplace(opc::resolvedTarget(part, one.target), name);
         }
     }
 }
@@ -101,6 +142,12 @@ QString PartLocations::ofReference(const QByteArray &target) const
 {
     const auto found = m_references.find(target);
     return found != m_references.end() ? found->second : QString();
+}
+
+QString PartLocations::sheetOf(const QByteArray &chart) const
+{
+    const auto found = m_sheets.find(chart);
+    return found != m_sheets.end() ? found->second : QString();
 }
 
 } // namespace corvanta::document

@@ -1,7 +1,7 @@
 // What readers call the parts of a template: "body", "header 1", "slide 3".
 //
-// For lists of markers and chart tags. Workbooks have no such parts. Threads: pure functions once
-// constructed.
+// For lists of markers and chart tags. Of workbooks only the charts of sheets have a location.
+// Threads: pure functions once constructed.
 #pragma once
 #include "codecs/opc/package_copy.h"
 
@@ -24,15 +24,20 @@ public:
     /// The location of the first part that refers to `target`, for example to a chart; empty if
     /// there is none.
     QString ofReference(const QByteArray &target) const;
+    /// The name of the first sheet that shows a chart; empty if there is none.
+    QString sheetOf(const QByteArray &chart) const;
     /// See bodyPart().
     const QByteArray &body() const { return m_body; }
 
 private:
     void addReferences(opc::PackageCopy &package, const QByteArray &part, const QString &location);
+    void addSheets(opc::PackageCopy &package);
+    void addCharts(opc::PackageCopy &package, const QByteArray &sheet, const QString &name);
 
     QByteArray m_body;
     std::map<QByteArray, int> m_slides;         // places of the slides, from 1
     std::map<QByteArray, QString> m_references; // locations by target
+    std::map<QByteArray, QString> m_sheets;     // names by chart
 };
 
 } // namespace corvanta::document

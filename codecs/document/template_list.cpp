@@ -52,7 +52,10 @@ void addPictures(const QByteArray &relationships, TemplateMarker marker,
         if (!type || !target || !type->endsWith("/image")) {
             continue;
         }
-        const QByteArray name = QByteArray::fromPercentEncoding(opc::decoded(*target).toUtf8());
+        const QByteArray plain = opc::decoded(*target).toUtf8();
+        // Decoding would damage a marker whose percent signs are not encoded.
+        const QByteArray name =
+            plain.contains("%25") ? QByteArray::fromPercentEncoding(plain) : plain;
         for (const opc::ListedMarker &listed : opc::listMarkers("<t>" + name + "</t>")) {
             marker.text = QString::fromUtf8(listed.text);
             addMarker(all, marker);

@@ -196,6 +196,8 @@ class Report(unittest.TestCase):
             ("[[KOBData y]]", "sheet chart", PART, "make it the name of a series with values"),
             ("[[KOBData z]]", "sheet chart", PART, "type it again in one piece"),
             ("[[KOBData s]]", "sheet chart (barChart: cat, val, minus)", PART, "")])
+        shutil.copy(TEMPLATES / "bar.xlsx", self.folder)
+        self.assertEqual([mark[:2] for mark in tags("bar.xlsx")], [("[[KOBData data]]", "sheet chart on 'Report' (barChart: cat, val)")])
         shutil.copy(TEMPLATES / "slides.pptx", self.folder)
         self.assertEqual([mark[:2] for mark in tags("slides.pptx")], [
             ("[[KOBData categories]]", "slide 1 chart (barChart: cat, val)"), ("[[KOBData shares]]", "slide 2 chart (pieChart: cat, val)"),
@@ -228,6 +230,9 @@ class Report(unittest.TestCase):
 
     def test_problems_that_check_finds(self):
         charts = [("s", 0, ["n", "a"]), ("s", 0, ["n", "b"])]
+        shutil.copy(self.folder / "t.xlsx", self.folder / "out.xlsx")
+        self.assertEqual(self.check("out.xlsx", charts[:1]), (2, [
+            ("error", "the document '{folder}/out.xlsx' would replace its own template: choose another output name")]))
         (self.folder / "t.xls").write_text("")
         self.assertEqual(self.check("t.xls", charts), (2, [
             ("error", "the extension is not .xlsx, .docx or .pptx"), ("warning", "the tag 's' has several Charts; only the first is used")]))

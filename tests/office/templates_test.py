@@ -25,6 +25,9 @@ class Check(DocumentTest):
             "t.docx: %divided% in body (word/document.xml), divided into 2 runs: not found in a run: type it again in one go, or set "
             "joinRuns='1'", "t.docx: %photo% in picture in the body (word/document.xml)",
             "t.docx: %f% in footer 1 (word/footer1.xml): not found in a run: set allParts='1'"])
+        rewrite(self.folder / "t.docx", self.folder / "plain.docx",
+                lambda name, content: content.replace(LINK.encode(), b"media/%add photo%.png") if name == RELATIONSHIPS else content)
+        self.assertIn("plain.docx: %add photo% in picture in the body", self.check("plain.docx").stdout)
         listed = json.loads(self.check("t.docx", "--json").stdout)
         self.assertEqual(listed[0], {"text": "%a%", "location": "body", "part": DOCUMENT, "count": 2, "runs": 1})
         self.assertEqual((listed[2]["runs"], listed[2]["remedy"]), (2, "type it again in one go, or set joinRuns='1'"))
@@ -69,6 +72,10 @@ class Check(DocumentTest):
             "the template has no style 'none': the table at '%T3%' has no format",
             "the marker '%T2%' is divided into several runs and stays in the document: type it again in one go, or set joinRuns='1'",
             "the template has no marker '%T3%': the table on input pin 3 is not written"]))
+        (self.folder / "o.docx").hardlink_to(self.folder / "t.docx")
+        self.assertEqual(check("t.docx", ("T1", grid))[1][-1], f"the document '{self.folder}/o.docx' would replace its own template: choose another "
+                         "output name")
+        (self.folder / "o.docx").unlink()
         self.assertEqual(check("in.csv", ("T1", grid), ("T2", grid), ("T1", grid))[1][0],
                          "the marker '%T1%' of input pin 3 already exists: all markers must be different")
         self.assertRegex(check("in.csv", ("T1", grid), ("T2", grid), ("T3", grid))[1][0], "^cannot read the template '.*in.csv': .*package")
