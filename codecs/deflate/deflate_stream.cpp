@@ -21,7 +21,8 @@ constexpr size_t kMaxWorkers = 16;
 
 size_t workerLimit(int wanted)
 {
-    const size_t cores = std::max(1U, std::thread::hardware_concurrency());
+    // Asked once: the system reads a file for it, and there is a stream per package.
+    static const size_t cores = std::max(1U, std::thread::hardware_concurrency());
     return std::min(wanted < 0 ? cores : static_cast<size_t>(wanted), kMaxWorkers);
 }
 
