@@ -12,8 +12,8 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <exception>
 #include <new>
-#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -48,7 +48,7 @@ std::vector<SystemError> syncAll(const QStringList &names)
         for (qsizetype i = std::min(kMaxThreads, names.size() / kFilesPerThread); i > 1; --i) {
             helpers.emplace_back([&] { syncNext(names, next, errors); });
         }
-    } catch (const std::system_error &) {
+    } catch (const std::exception &) {
         // Without more threads it only takes longer.
     }
     syncNext(names, next, errors);
