@@ -1,4 +1,5 @@
 // Rows, parameters and files as actions see them.
+#include "corvanta/corvanta_graph.h"
 #include "corvanta/files.h"
 #include "corvanta/name_collision.h"
 #include "corvanta/target_file.h"
@@ -65,6 +66,27 @@ TEST(OneRow, CellsOfEveryTypeAsTextAndNumber)
     EXPECT_FALSE(isKey) << "a double beyond 32 bits is not a key";
     EXPECT_EQ(row.getIndexOfColumn(u"t"_s), 2);
     EXPECT_EQ(row.getIndexOfColumn(u"T"_s), -1);
+}
+
+TEST(CorvantaGraph, ASavedDocumentReadsBackEqual)
+{
+    const auto graph = CorvantaGraph::parse("<graph version='4.5'><variable name='v' value='&lt;'/>"
+                                            "<action id='a' y='2.5'><in b='&amp;'/></action>"
+                                            "<action id='b' x='-1' comment='\"'><out/></action>"
+                                            "<link from='a:1' to='b:2'/></graph>",
+                                            u"g"_s);
+    ASSERT_TRUE(graph);
+    const QByteArray saved = graph->toXml();
+    const auto again = CorvantaGraph::parse(saved, u"g"_s);
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->toXml(), saved);
+    EXPECT_EQ(again->version, 4.5);
+    EXPECT_EQ(again->variables.value(u"v"_s), u"<"_s);
+    ASSERT_EQ(again->actions.size(), 2);
+    EXPECT_EQ(again->actions[0].y, 2.5);
+    EXPECT_EQ(again->actions[1].x, -1);
+    EXPECT_EQ(again->actions[1].comment, u"\""_s);
+    EXPECT_EQ(again->links.value(0).to.pin, 2);
 }
 
 TEST(XmlNode, ConversionsOfForeignTextsAreDefined)
