@@ -319,8 +319,8 @@ void ReadWorkbook::warnColumns(const QString &name, const SheetTask &task,
     }
     if (!task.scan.isComplete) {
         MainUI::addLog(MainUI::Info,
-                       u"The types of the columns of the sheet '%1' are those of its first %2 "
-                       "rows\n"_s.arg(task.name, QString::number(task.options.sampleRows)));
+                       u"The types of the columns of the sheet '%1' are those of its first "
+                       "%2\n"_s.arg(task.name, counted(task.options.sampleRows, u"row"_s)));
     }
 }
 

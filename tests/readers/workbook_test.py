@@ -355,6 +355,7 @@ class Workbooks(unittest.TestCase):
         self.assertEqual(rows, [["n"], ["1"], ["2"], ["text"]])
         self.assertIn("Warning: 1 column has only numbers in the first 2 rows and other values later; it is read as text; the "
                       "first is 'n', in row 4 of the sheet 'a'", messages)
+        self.assertIn("are those of its first 1 row\n", self.read("scanRows='1' sampleOnly='1' allText='1'")[1])
         _, messages = self.read("scanRows='2' sampleOnly='1'", status=1)
         self.assertIn("The types of the columns of the sheet 'a' are those of its first 2 rows", messages)
         self.assertIn("Error: The cell A4 of the sheet 'a' of the workbook 'book.xlsx' does not have the type that the first 2 rows give "
