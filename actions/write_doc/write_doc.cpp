@@ -8,6 +8,8 @@
 #include <QCryptographicHash>
 #include <QFileInfo>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
@@ -50,6 +52,14 @@ bool isTextPart(const QString &member)
     return member.endsWith(u".xml") && !member.startsWith(u'[');
 }
 
+/// Every Office package declares its content types; an OpenDocument file does not.
+bool isOfficePackage(const zip::PackageReader &reader)
+{
+    return std::ranges::any_of(reader.members(), [](const zip::Member &member) {
+        return member.name.compare("[Content_Types].xml", Qt::CaseInsensitive) == 0;
+    });
+}
+
 } // namespace
 
 ActionWriteDoc::ActionWriteDoc(const XMLNode &saved, GlobalParameters *parameters)
@@ -88,6 +98,11 @@ bool ActionWriteDoc::templateMarks(const QString &file, QVector<TemplateMark> *m
 {
     if (!openTemplate(file)) {
         return false;
+    }
+    if (!isOfficePackage(templateReader())) {
+        return failWith(TemplateProblem::CannotReadTemplate, file,
+                        u"it is not an Office package (.docx, .pptx, .xlsx); save a document of "
+                        "another kind, such as OpenDocument, as one"_s);
     }
     const auto listed = document::listTemplate(templateReader());
     if (!listed) {

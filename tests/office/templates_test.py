@@ -96,6 +96,11 @@ class Check(DocumentTest):
         done = self.check("gone.docx")
         self.assertEqual(done.returncode, 2)
         self.assertIn("cannot read Report Template file", done.stderr)
+        with zipfile.ZipFile(self.folder / "t.odt", "w") as package:
+            package.writestr("content.xml", "<a>%a%</a>")
+        done = self.check("t.odt")
+        self.assertEqual(done.returncode, 2)
+        self.assertIn("it is not an Office package", done.stderr)
         with zipfile.ZipFile(self.folder / "t.xlsx", "w") as package:
             package.writestr("xl/charts/chart1.xml", "<c", zipfile.ZIP_BZIP2)
         self.assertEqual(self.check("t.xlsx").returncode, 2)
