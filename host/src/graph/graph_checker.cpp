@@ -204,8 +204,9 @@ void ValueCheck::checkTarget(const TargetUse &target, const QStringList &earlier
     const QString create = valueOf(u"createDir"_s);
     const bool isUpdated =
         target.access == TargetUse::Access::Update && !earlier.contains(target.name);
-    // "run" creates the folder of --out-dir.
-    const bool isOutDir = folder.filePath() == m_item.globalParameters()->outDir();
+    // "run" creates the folder of --out-dir. An action in a panel may be in no graph.
+    const GlobalParameters *const global = m_item.globalParameters();
+    const bool isOutDir = global != nullptr && folder.filePath() == global->outDir();
     QString problem;
     if (isUpdated && !file.exists() && valueOf(u"createIfNotExists"_s) == "0"_L1) {
         problem = u"the file '%1' does not exist"_s.arg(target.name);
