@@ -121,6 +121,12 @@ PropertyPanel::PropertyPanel(QWidget *parent, ActionItem *action, const PanelLay
     refresh();
 }
 
+PropertyPanel::~PropertyPanel()
+{
+    // The base class hides the window, which moves the focus when this object is gone.
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
 void PropertyPanel::addGroups(const PanelLayout &layout)
 {
     const QVector<ParameterInfo> infos = m_parameters->parameters();

@@ -31,6 +31,7 @@ class PropertyPanel : public UpdateClassWidget
 public:
     /// `action` must implement ActionParameters; the panel of any other action has no fields.
     PropertyPanel(QWidget *parent, ActionItem *action, const PanelLayout &layout);
+    ~PropertyPanel() override;
     /// Show the current values of the action. Changes nothing in it.
     void refresh() override;
     /// At most kMaxHeight high; what does not fit scrolls.
