@@ -319,9 +319,13 @@ void StructureEditor::showFields()
     }
 }
 
-/// Fields that are made later would come after all others of the panel.
+/// Fields that are made later would come after all others of the panel. Those that are made with
+/// the editor are in order, and in no window yet.
 void StructureEditor::orderTabs()
 {
+    if (m_form->parentWidget()->window() != m_lastButton->window()) {
+        return;
+    }
     QWidget *last = m_lastButton;
     for (const FieldEditor *const field : m_fields) {
         for (QWidget *const control :
