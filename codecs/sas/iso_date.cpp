@@ -79,7 +79,7 @@ qint64 day(Cursor &in)
     in.expect(u'-');
     const QDate date(year, month, in.number(2, 2));
     in.isGood = in.isGood && date.isValid();
-    return date.toJulianDay() - kJulianDay1960;
+    return in.isGood ? date.toJulianDay() - kJulianDay1960 : 0;
 }
 
 double time(Cursor &in)
