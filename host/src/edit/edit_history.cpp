@@ -139,7 +139,7 @@ XMLNode savedForm(ActionItem &action, const XMLNode &before, const ParameterEdit
 QString storedValue(ActionItem &action, int index)
 {
     const auto &parameters = dynamic_cast<const ActionParameters &>(action);
-    const QString value = parameters.parameterValue(index);
+    QString value = parameters.parameterValue(index);
     const ParameterInfo info = parameters.parameters()[index];
     const CorvantaGraph *const graph = MainUI::editedGraph();
     const int number = action.getIdx();
