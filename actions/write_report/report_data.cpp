@@ -26,7 +26,7 @@ ReportData::Column *ReportData::find(const ChartAxis &source) const
 
 const QString *ReportData::startPin(int pin, const OneRow &row)
 {
-    // addRow() runs for every row and should search only the columns of this pin.
+    // addRow() is called once per row. Selecting the columns of this pin here saves it a search.
     m_ofPin.clear();
     for (const auto &column : m_columns) {
         if (column->source.pinIdx != pin) {

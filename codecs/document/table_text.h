@@ -35,8 +35,8 @@ public:
     /// `styleId` is any text. `rules` are those of Word documents.
     TableText(const QString &styleId, const std::vector<int> &widths, const TextRules &rules);
 
-    // Each appends to text(). Rows have as many cells as there are widths: beginRow(), putCell()
-    // for every column, endRow(). A header is a row like the others.
+    // Each function appends to text(). A row is beginRow(), one putCell() per width, endRow().
+    // A header is written as a row.
 
     void begin();
     void beginRow();

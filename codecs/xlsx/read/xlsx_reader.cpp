@@ -304,7 +304,7 @@ XlsxReader::Done XlsxReader::openStrings()
         m_strings = SharedStrings(*std::move(text), kStringBytes + member->compressedSize *
                                                                        kStringBytesPerPackedByte);
     }
-    // Only now: strings that cannot be opened are an error for every sheet.
+    // Not set after a fault, so that every sheet that needs the strings reports it.
     m_hasStrings = true;
     return {};
 }
