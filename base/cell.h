@@ -143,10 +143,9 @@ inline qsizetype bytesOf(Type type, const uchar *cell)
     return textCellBytes(cell);
 }
 
-/// Shared cells for missing and empty values, in static storage: valid until the program ends, and
+/// Shared cells for missing values, in static storage: valid until the program ends, and
 /// never written to.
 const uchar *missingTextCell();
-const uchar *emptyTextCell();
 const uchar *missingKeyCell();
 const uchar *missingDoubleCell();
 

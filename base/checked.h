@@ -23,17 +23,6 @@ template <class T> constexpr std::optional<T> checkedAdd(T a, T b)
     return sum;
 }
 
-/// Returns `a * b`, or std::nullopt if the product does not fit `T`. Use it for counts times sizes
-/// before an allocation.
-template <class T> constexpr std::optional<T> checkedMul(T a, T b)
-{
-    T product{};
-    if (__builtin_mul_overflow(a, b, &product)) {
-        return std::nullopt;
-    }
-    return product;
-}
-
 /// Returns `value` as a `To`, or std::nullopt if it does not fit. Compares mathematical values: a
 /// negative number does not fit an unsigned type.
 template <class To, class From> constexpr std::optional<To> narrow(From value)

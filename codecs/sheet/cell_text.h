@@ -22,14 +22,12 @@ inline constexpr qsizetype kCellCharLimit = 32768;
 inline constexpr qsizetype kMaxCellChars = (qsizetype(4) << 20) / 2 - 69;
 /// The largest number of bytes that one unit becomes: "_x000A_".
 inline constexpr qsizetype kMaxBytesPerUnit = 7;
-/// Bytes that escapeText() may write after its result.
-inline constexpr qsizetype kEscapeSlackBytes = 8;
 /// Texts of up to this length cannot reach kCellCharLimit, whatever their content.
 inline constexpr qsizetype kShortTextUnits = (kCellCharLimit - 1) / kMaxBytesPerUnit;
 
 /// Escape cell text into UTF-8: "<", "&", control characters as _x00HH_, an underscore that starts
 /// such a form as _x005F_, U+FFFE as "_"; ">" and quotes are unchanged. `out` has room for n *
-/// kMaxBytesPerUnit + kEscapeSlackBytes. Returns the end of the result. `*isOdd` is set to true for
+/// kMaxBytesPerUnit. Returns the end of the result. `*isOdd` is set to true for
 /// a text with units that no sheet can hold: U+FFFE and lone surrogates, which are replaced, and
 /// U+FFFF, which is copied.
 char *escapeText(const char16_t *text, qsizetype n, char *out, bool *isOdd);

@@ -130,9 +130,8 @@ inline bool MarkupTreeBuilder::makeRoom(size_t items)
 // At least doubles the room, so that the copies of a growing tree stay proportional to its size.
 bool MarkupTreeBuilder::grow(size_t items)
 {
-    m_tooLarge =
-        kMostItems - m_tree.m_size < items ||
-        !reserve(m_tree.m_size * 2 + static_cast<size_t>(m_growthBytes) / sizeof(TreeItem) + 1);
+    m_tooLarge = kMostItems - m_tree.m_size < items ||
+                 !reserve(m_tree.m_size * 2 + kDefaultBlockBytes / sizeof(TreeItem) + 1);
     return !m_tooLarge;
 }
 

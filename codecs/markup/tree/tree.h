@@ -195,8 +195,6 @@ public:
     void setReturnSingleChild(bool on) { m_returnSingleChild = on; }
     /// Set the initial size of the tree's memory, in bytes.
     void setBlockSize(qint64 bytes) { m_blockBytes = bytes; }
-    /// Set the least number of bytes by which it grows.
-    void setGrowthSize(qint64 bytes) { m_growthBytes = bytes; }
 
     /// Build the tree of the next element (`nextElement`) or of the next top-level value, and
     /// return its root. Frees the previous tree. `result` holds the failure, if any; the root then
@@ -243,7 +241,6 @@ private:
     quint32 m_current = 0;
     qint64 m_depth = 0;
     qint64 m_blockBytes = kDefaultBlockBytes;
-    qint64 m_growthBytes = kDefaultBlockBytes;
     bool m_returnSingleChild = true;
     bool m_tooLarge = false;
 };
