@@ -237,6 +237,9 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
     if (writer != nullptr && writer->needsDateColumns()) {
         writer->setDateColumns(parameters->dateColumns());
     }
+    if (writer != nullptr && writer->needsColumnLabels()) {
+        writer->setColumnLabels(parameters->columnNotes());
+    }
     if (notes != nullptr) {
         *notes = parameters->columnNotes();
     }

@@ -152,8 +152,9 @@ QVector<ColumnNotes> statNotes(const ActionBase &action, const QString &name,
     }
     const stat::LabelSets sets = readSets(action, *file->source, file->format, params);
     QVector<ColumnNotes> notes;
+    const stat::ReadOptions options = statOptionsOf(params, file->format);
     for (const stat::Variable &variable : file->dictionary.variables) {
-        notes << ColumnNotes{variable.label, variable.format,
+        notes << ColumnNotes{options.columnName(variable), variable.label, variable.format,
                              labelsOf(sets, variable.labelSet, *decoder)};
     }
     return notes;

@@ -98,6 +98,13 @@ bool ActionParameters::needsDateColumns() const
 
 void ActionParameters::setDateColumns(const DateColumns & /*columns*/) {}
 
+bool ActionParameters::needsColumnLabels() const
+{
+    return false;
+}
+
+void ActionParameters::setColumnLabels(const QVector<ColumnNotes> & /*notes*/) {}
+
 std::span<const FileFormat> ActionParameters::fileFormats() const
 {
     return {};

@@ -113,7 +113,7 @@ struct DateColumns
     QStringList times;     ///< 04:30:05.25; hours are not limited to a day
 };
 
-/// What an input file says about one of its columns, apart from the name and the type.
+/// What an input file says about one of its columns, apart from the type.
 struct ColumnNotes
 {
     struct ValueLabel
@@ -122,6 +122,7 @@ struct ColumnNotes
         QString label;
     };
 
+    QString column;                  ///< name, as in the output
     QString label;                   ///< a longer name; empty: none
     QString format;                  ///< how values are shown, as the file names it; empty: none
     QVector<ValueLabel> valueLabels; ///< in the order of the file
@@ -220,6 +221,11 @@ public:
     /// columns are, where it says nothing. Logs nothing: the run reports what it cannot read. Not
     /// during a run.
     virtual QVector<ColumnNotes> columnNotes();
+    /// Whether the action's files have labels of columns. A host that knows those of the input then
+    /// calls setColumnLabels() before the run.
+    virtual bool needsColumnLabels() const;
+    /// Write the labels in these notes. Without effect for an action that needs none.
+    virtual void setColumnLabels(const QVector<ColumnNotes> &notes);
 
     /// "text", "integer", ... as `describe` prints it.
     static QString typeName(ParameterInfo::Type type);
