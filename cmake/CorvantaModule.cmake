@@ -1,14 +1,18 @@
-# corvanta_module(NAME SOURCES ... [TESTS ...] [PUBLIC ...] [PRIVATE ...] [TEST_LIBS ...])
+# corvanta_module(NAME [WIDGETS] SOURCES ... [TESTS ...] [PUBLIC ...] [PRIVATE ...] [TEST_LIBS ...])
 #
 # A static library corvanta_NAME and, from the tests in the folder of the sources, one test program
 # NAME_test whose cases are found by ctest. PUBLIC and PRIVATE are what the library links: this list,
-# and nothing else, says what a folder may include.
+# and nothing else, says what a folder may include. WIDGETS: many of the sources include widgets.
 include(GoogleTest)
 
 function(corvanta_module name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;TESTS;PUBLIC;PRIVATE;TEST_LIBS" ${ARGN})
+    cmake_parse_arguments(ARG "WIDGETS" "" "SOURCES;TESTS;PUBLIC;PRIVATE;TEST_LIBS" ${ARGN})
     add_library(corvanta_${name} STATIC ${ARG_SOURCES})
-    target_precompile_headers(corvanta_${name} REUSE_FROM corvanta_precompiled)
+    set(precompiled corvanta_precompiled)
+    if(ARG_WIDGETS)
+        set(precompiled corvanta_precompiled_widgets)
+    endif()
+    target_precompile_headers(corvanta_${name} REUSE_FROM ${precompiled})
     target_include_directories(corvanta_${name} PUBLIC ${PROJECT_SOURCE_DIR})
     target_link_libraries(corvanta_${name} PUBLIC ${ARG_PUBLIC} PRIVATE corvanta_options ${ARG_PRIVATE})
     if(ARG_TESTS AND BUILD_TESTING)
@@ -24,6 +28,7 @@ function(corvanta_test name)
     # Of the tests alone: a path among the definitions of everything would keep ccache from sharing between clones.
     target_compile_definitions(${name} PRIVATE CORVANTA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
     target_link_libraries(${name} PRIVATE corvanta_options ${ARG_LIBS} GTest::gtest_main)
+    target_compile_options(${name} PRIVATE ${CORVANTA_TEST_OPTIONS})
     target_precompile_headers(${name} REUSE_FROM corvanta_precompiled_tests)
     set(properties TIMEOUT 600)
     if(ARG_LABELS)
