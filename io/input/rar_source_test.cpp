@@ -29,7 +29,7 @@ TEST(RarThreads, OpeningAndClosingAtAnyTimeLeavesNoThread)
     const size_t before = threadCount();
     std::mt19937 random(3);
     std::vector<char> buffer(100'000);
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < 300; ++i) {
         auto source = openRar(paths[i % 2]);
         ASSERT_TRUE(source);
         for (unsigned reads = random() % 4; reads > 0; --reads) {

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Is a file ever lost or half-written? kill_test.py CORVANTA
+"""Is a file ever lost or half-written? kill_test.py CORVANTA [RandomMoments | EachCall]
 
 Each writer replaces, updates or adds to a file that is there. Its run is killed and interrupted at random moments and, under strace,
 killed before each system call that changes files; each of those calls is made to fail in turn. Afterwards the file is the old one,
@@ -67,6 +67,8 @@ WRITERS = [
 
 
 class Kill(unittest.TestCase):
+    """Runs writers over old files and compares the files with the old and the new ones."""
+
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="corvanta_kill_"))
         self.addCleanup(shutil.rmtree, self.folder)
@@ -145,6 +147,8 @@ class Kill(unittest.TestCase):
         self.assertEqual({name: state for name, state in states.items() if state not in ("old", "new")}, {})
         return set(states.values())
 
+
+class RandomMoments(Kill):
     @contextlib.contextmanager
     def running(self, wait):
         """A run that has been writing for `wait` seconds, or has ended."""
@@ -188,6 +192,8 @@ class Kill(unittest.TestCase):
             self.assertEqual(self.other_files(), set())
         self.assertGreater(interrupted, 0, "every run had ended: the table is too small")
 
+
+class EachCall(Kill):
     def each_call(self, calls, effect, check):
         for n in range(1, MOST_CALLS + 1):
             self.restore()
