@@ -57,7 +57,8 @@ QByteArray read(QByteArrayView table, QByteArrayView memoBytes, uint8_t options,
     MemorySource source(table, piece);
     MemorySource memoSource(memoBytes);
     QByteArray all;
-    auto reader = TableReader::open(source, decoder, (options & 2) != 0, piece);
+    auto reader =
+        TableReader::open(source, decoder, {(options & 2) != 0, (options & 64) != 0}, piece);
     if (!reader) {
         return all;
     }

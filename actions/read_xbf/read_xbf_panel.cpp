@@ -10,7 +10,7 @@ PanelLayout panelLayout()
     return {
         {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "encoding"}},
         {QT_TRANSLATE_NOOP("Panels", "Memo fields"), {"useDBT", "dbtInRam"}},
-        {kAdvancedGroup, {"level7", "bufferSize"}, Fold::Folded},
+        {kAdvancedGroup, {"level7", "readAllTypes", "bufferSize"}, Fold::Folded},
     };
 }
 

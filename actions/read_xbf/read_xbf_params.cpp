@@ -37,6 +37,11 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
             .meaning(
                 "Reads the tables with the longer header of dBase 7 and above. Tables whose field "
                 "descriptors are valid in only one of the two forms are read in that form."),
+        flag("readAllTypes", &P::readAllTypes)
+            .label("Read tables with currency, objects and pictures")
+            .meaning("Reads fields of currency (Y) as numbers, and leaves out objects and pictures "
+                     "(G, P, and B outside FoxPro), with a warning. Off: a table with such a field "
+                     "is rejected."),
     };
     return table;
 }

@@ -21,6 +21,8 @@ struct ReadXbfParams
     bool dbtInRam = false;
     /// Field descriptors have the longer form of dBase 7, unless only the other one is valid.
     bool level7 = false;
+    /// Read amounts of currency, and leave out objects and pictures. Off: such tables are rejected.
+    bool readAllTypes = false;
 };
 
 /// Constant; made by the first call.

@@ -1,6 +1,7 @@
 #include "actions/read_xbf/xbf_file.h"
 
 #include "base/checked.h"
+#include "base/counted.h"
 #include "io/input/whole_input.h"
 
 #include <algorithm>
@@ -40,8 +41,8 @@ FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
     if (!file->m_input->file.isOpen()) {
         return Fault{FileSeries::OpenError::Missing, file->m_input->file.reason()};
     }
-    auto reader =
-        dbf::TableReader::open(*file->m_input, decoder, params.level7, bufferBytes(params));
+    auto reader = dbf::TableReader::open(*file->m_input, decoder,
+                                         {params.level7, params.readAllTypes}, bufferBytes(params));
     if (!reader) {
         file->fail(reader.fault());
         return Fault{FileSeries::OpenError::Failed};
@@ -159,8 +160,8 @@ void XbfFile::warnColumns()
     const dbf::TableHeader &header = m_reader->header();
     if (const Occurrences &fields = header.skippedFields; fields.any()) {
         m_action.warn(
-            u"Warning: %2 columns of the DBF file '%1' are left out, because their types are not known; the first is %3\n"_s
-                .arg(m_name, QString::number(fields.count()), fields.first()));
+            u"Warning: the DBF file '%1' is read without %2 of unsupported type; the first is %3\n"_s
+                .arg(m_name, counted(fields.count(), u"column"_s), fields.first()));
     }
     if (header.fieldBytes < header.recordBytes) {
         m_action.warn(
@@ -176,39 +177,39 @@ void XbfFile::warnCounts()
     const dbf::Findings &findings = m_reader->findings();
     const quint32 count = m_reader->header().recordCount;
     if (findings.endsBeforeCount) {
-        m_action.warn(
-            u"Warning: the DBF file '%1' has %2 records, not %3 as its header says\n"_s.arg(
-                m_name, QString::number(findings.records), QString::number(count)));
+        m_action.warn(u"Warning: the DBF file '%1' has %2, not %3 as its header says\n"_s.arg(
+            m_name, counted(static_cast<qint64>(findings.records), u"record"_s),
+            QString::number(count)));
     }
     if (findings.hasRecordsAfterCount) {
         m_action.warn(
-            u"Warning: the DBF file '%1' has more than the %2 records that its header says: they are not read\n"_s
-                .arg(m_name, QString::number(count)));
+            u"Warning: the DBF file '%1' has more than the %2 that its header counts: the others are not read\n"_s
+                .arg(m_name, counted(count, u"record"_s)));
     }
 }
 
 void XbfFile::warnValues()
 {
-    const auto warnOf = [this](const Occurrences &values, const QString &text) {
-        if (values.any()) {
-            m_action.warn(text.arg(m_name, QString::number(values.count()), values.first()));
+    const auto warnOf = [this](const Occurrences &found, const QString &noun, const QString &text) {
+        if (found.any()) {
+            m_action.warn(text.arg(m_name, counted(found.count(), noun), found.first()));
         }
     };
     const dbf::Findings &findings = m_reader->findings();
     warnOf(
-        findings.unreadableMemos,
-        u"Warning: %2 memo texts of the DBF file '%1' cannot be found in its memo file; the first is in %3\n"_s);
+        findings.unreadableMemos, u"memo text"_s,
+        u"Warning: %2 of the DBF file '%1' cannot be found in its memo file; the first is in %3\n"_s);
     if (m_reportsMissingMemos) {
         warnOf(
-            findings.memosWithoutFile,
-            u"Warning: %2 memo texts of the DBF file '%1' are missing, because it has no memo file; the first is in %3\n"_s);
+            findings.memosWithoutFile, u"memo text"_s,
+            u"Warning: the DBF file '%1' has no memo file with its %2, read as missing; the first is in %3\n"_s);
     }
     warnOf(
-        findings.badValues,
-        u"Warning: %2 values of the DBF file '%1' are not valid for the type of their column and become missing; the first is in %3\n"_s);
+        findings.badValues, u"value"_s,
+        u"Warning: the DBF file '%1' has %2 not valid for the type of the column, read as missing; the first is in %3\n"_s);
     warnOf(
-        findings.badTexts,
-        u"Warning: %2 texts of the DBF file '%1' are not valid in the encoding, and the bytes concerned are replaced; the first is in %3\n"_s);
+        findings.badTexts, u"text"_s,
+        u"Warning: the DBF file '%1' has %2 not valid in the encoding, and the bytes concerned are replaced; the first is in %3\n"_s);
 }
 
 // ---- Failures.
@@ -231,7 +232,7 @@ bool XbfFile::fail(const Fault<dbf::Error> &fault)
     case dbf::Error::UnsupportedField:
         // The detail is the type letter, then the name.
         return m_action.fail(
-            u"ERROR: the column '%2' of the DBF file '%1' is of type '%3', which is not supported\n"_s
+            u"ERROR: the column '%2' of the DBF file '%1' is of type '%3', which is not supported; readAllTypes='1' reads amounts of currency (Y) as numbers and leaves out objects and pictures (B, G, P)\n"_s
                 .arg(m_name, fault.detail.mid(1), fault.detail.left(1)));
     case dbf::Error::Unreadable:
         return failOnInput(*m_input, m_name, u"ERROR: cannot read the DBF file '%1'\n"_s);

@@ -66,6 +66,7 @@ struct Inputs
     std::optional<QByteArray> memo;
     std::optional<MemoFormat> format;
     bool isLevel7 = false;
+    bool readsAllTypes = false;
     MemoFile::Access access = MemoFile::Access::Buffered;
     qint64 pieceBytes = -1;
     qint64 bufferBytes = 1;
@@ -75,7 +76,8 @@ Table read(const Inputs &inputs, const TextDecoder &decoder = TextDecoder::uncon
 {
     Table table;
     MemorySource source(inputs.table, inputs.pieceBytes);
-    auto reader = TableReader::open(source, decoder, inputs.isLevel7, inputs.bufferBytes);
+    auto reader = TableReader::open(source, decoder, {inputs.isLevel7, inputs.readsAllTypes},
+                                    inputs.bufferBytes);
     if (!reader) {
         table.fault = reader.fault();
         return table;
@@ -372,9 +374,11 @@ TEST(Dbf, EveryFieldTypeIsConverted)
                    "1.0000000000000001e+300", "20000101 12:00:00", "19700101 00:00:01", "42"}));
     EXPECT_EQ(table.rows[1], (Row{"-", "-", "-", "-", "-", "0", "-2.5", "-", "0", "-", "-", "0"}));
     for (const char type : {'G', 'P', 'Y', 'B'}) {
-        EXPECT_EQ(read({.table = makeTable(0x03, {{"a", type, 8}}, {})}).fault->code,
-                  Error::UnsupportedField)
-            << type;
+        const QByteArray one = makeTable(0x03, {{"a", type, 8}}, {le32(-15'000) + le32(-1)});
+        EXPECT_EQ(read({.table = one}).fault->code, Error::UnsupportedField) << type;
+        const Table all = read({.table = one, .readsAllTypes = true});
+        ASSERT_EQ(all.rows.size(), 1U) << type;
+        EXPECT_EQ(all.rows[0], type == 'Y' ? Row{"-1.5"} : Row{}) << type;
     }
 }
 

@@ -71,7 +71,7 @@ struct TypeRule
     bool isRefused = false;
 };
 
-TypeRule ruleOf(char type, bool isFoxPro)
+TypeRule ruleOf(char type, bool isFoxPro, bool readsAllTypes)
 {
     switch (type) {
     case 'C':
@@ -90,7 +90,10 @@ TypeRule ruleOf(char type, bool isFoxPro)
     case 'O':
         return {CellType::Double, Conversion::Double};
     case 'B':
-        return {.cell = CellType::Double, .conversion = Conversion::Double, .isRefused = !isFoxPro};
+        return {.cell = CellType::Double,
+                .conversion = Conversion::Double,
+                .isSkipped = !isFoxPro && readsAllTypes,
+                .isRefused = !isFoxPro && !readsAllTypes};
     case '@':
     case 'T':
         return {CellType::Text, Conversion::Timestamp};
@@ -98,8 +101,11 @@ TypeRule ruleOf(char type, bool isFoxPro)
         return {CellType::Key, Conversion::Key};
     case 'G':
     case 'P':
+        return {.isSkipped = readsAllTypes, .isRefused = !readsAllTypes};
     case 'Y':
-        return {.isRefused = true};
+        return {.cell = CellType::Double,
+                .conversion = Conversion::Currency,
+                .isRefused = !readsAllTypes};
     default:
         return {.isSkipped = true};
     }
@@ -179,10 +185,11 @@ Fault<Error> badHeader(const QString &why, qint64 offset)
 }
 
 /// Add the fields that become columns to the header.
-Result<void, Error> chooseColumns(const std::vector<Field> &fields, TableHeader *header)
+Result<void, Error> chooseColumns(const std::vector<Field> &fields, bool readsAllTypes,
+                                  TableHeader *header)
 {
     for (Field field : fields) {
-        const TypeRule rule = ruleOf(field.type, header->isFoxPro);
+        const TypeRule rule = ruleOf(field.type, header->isFoxPro, readsAllTypes);
         if (rule.isRefused) {
             return Fault<Error>{Error::UnsupportedField,
                                 QLatin1Char(field.type) + QString::fromLatin1(field.name)};
@@ -203,7 +210,7 @@ Result<void, Error> chooseColumns(const std::vector<Field> &fields, TableHeader 
 
 /// Parse the header of dBase II. A table of version 02 may have that layout or the later one. It is
 /// dBase II if its descriptors match its record length; otherwise returns nothing.
-std::optional<TableHeader> parseDbase2(QByteArrayView bytes)
+std::optional<TableHeader> parseDbase2(QByteArrayView bytes, bool readsAllTypes)
 {
     if (bytes.size() < kDbase2HeaderBytes) {
         return std::nullopt;
@@ -218,7 +225,7 @@ std::optional<TableHeader> parseDbase2(QByteArrayView bytes)
         readDescriptors(bytes.first(kDbase2HeaderBytes), kDbase2Layout);
     header.fieldBytes = descriptors.recordBytes;
     if (descriptors.fields.empty() || descriptors.recordBytes != header.recordBytes ||
-        !chooseColumns(descriptors.fields, &header)) {
+        !chooseColumns(descriptors.fields, readsAllTypes, &header)) {
         return std::nullopt;
     }
     return header;
@@ -251,7 +258,7 @@ DescriptorList descriptorsOf(QByteArrayView bytes, TableHeader *header)
 }
 
 /// Complete the header with the fields that its descriptors describe.
-Result<TableHeader, Error> parse(QByteArrayView bytes, TableHeader header)
+Result<TableHeader, Error> parse(QByteArrayView bytes, bool readsAllTypes, TableHeader header)
 {
     const DescriptorList descriptors = descriptorsOf(bytes, &header);
     if (bytes.size() < layoutOf(header.isLevel7).fixedBytes) {
@@ -261,7 +268,7 @@ Result<TableHeader, Error> parse(QByteArrayView bytes, TableHeader header)
         return badHeader(QStringLiteral("its fields do not fit its record length"), 10);
     }
     header.fieldBytes = descriptors.recordBytes;
-    auto chosen = chooseColumns(descriptors.fields, &header);
+    auto chosen = chooseColumns(descriptors.fields, readsAllTypes, &header);
     if (!chosen) {
         return chosen.fault();
     }
@@ -318,12 +325,13 @@ TableHeader parseFixedPart(const char *bytes, bool isLevel7)
 }
 
 /// Read a header in the layouts after dBase II. `bytes` has the bytes read so far.
-Result<TableHeader, Error> readLaterHeader(ByteSource &source, QByteArray bytes, bool isLevel7)
+Result<TableHeader, Error> readLaterHeader(ByteSource &source, QByteArray bytes,
+                                           const TableOptions &options)
 {
     if (bytes.size() < kUsual.fixedBytes) {
         return shortHeader(bytes.size());
     }
-    const TableHeader header = parseFixedPart(bytes.constData(), isLevel7);
+    const TableHeader header = parseFixedPart(bytes.constData(), options.isLevel7);
     if (header.headerBytes < kUsual.fixedBytes || header.recordBytes == 0) {
         return badHeader(QStringLiteral("its header or record length is not possible"), 8);
     }
@@ -337,18 +345,18 @@ Result<TableHeader, Error> readLaterHeader(ByteSource &source, QByteArray bytes,
     if (bytes.size() > header.headerBytes && !source.seek(header.headerBytes)) {
         return Fault<Error>{Error::Unreadable, {}, header.headerBytes};
     }
-    return parse(QByteArrayView(bytes).first(header.headerBytes), header);
+    return parse(QByteArrayView(bytes).first(header.headerBytes), options.readsAllTypes, header);
 }
 
 } // namespace
 
-Result<TableHeader, Error> readTableHeader(ByteSource &source, bool isLevel7)
+Result<TableHeader, Error> readTableHeader(ByteSource &source, const TableOptions &options)
 {
     QByteArray bytes;
     auto read = extend(source, &bytes, kUsual.fixedBytes);
     if (read && bytes.startsWith(static_cast<char>(kDbase2))) {
         read = extend(source, &bytes, kDbase2HeaderBytes);
-        const auto dbase2 = read ? parseDbase2(bytes) : std::nullopt;
+        const auto dbase2 = read ? parseDbase2(bytes, options.readsAllTypes) : std::nullopt;
         if (dbase2) {
             return *dbase2;
         }
@@ -356,7 +364,7 @@ Result<TableHeader, Error> readTableHeader(ByteSource &source, bool isLevel7)
     if (!read) {
         return read.fault();
     }
-    return readLaterHeader(source, std::move(bytes), isLevel7);
+    return readLaterHeader(source, std::move(bytes), options);
 }
 
 } // namespace corvanta::dbf

@@ -50,6 +50,8 @@ enum class Conversion : quint8 {
     Key,
     /// An IEEE double of 64 bits.
     Double,
+    /// A signed number of 64 bits, ten-thousandths, to a double.
+    Currency,
     /// Julian day and milliseconds, 32 bits each, to a text.
     Timestamp,
 };
@@ -89,7 +91,8 @@ struct TableHeader
     int recordBytes = 0;
     /// The fields that become columns, in file order.
     std::vector<Field> fields;
-    /// The fields of unknown types, which have no column. The place is name and type.
+    /// The fields without a column: their types are unknown, or objects. The place is name and
+    /// type.
     Occurrences skippedFields;
     /// The part of a record that all descriptors cover, with the deletion flag.
     int fieldBytes = 0;
@@ -99,11 +102,19 @@ struct TableHeader
     bool announcesMemoFile() const;
 };
 
-/// Read the header. The source is at its start; afterwards it is at the first record. `isLevel7`
-/// selects the longer header and descriptors of dBase 7. If the descriptors match the record length
-/// only in the other layout, that one is used.
+/// How a table is read.
+struct TableOptions
+{
+    /// The longer header and descriptors of dBase 7. If the descriptors match the record length
+    /// only in the other layout, that one is used.
+    bool isLevel7 = false;
+    /// Read amounts of currency, and skip objects and pictures. Off: a table with them is refused.
+    bool readsAllTypes = false;
+};
+
+/// Read the header. The source is at its start; afterwards it is at the first record.
 /// Errors: ShortHeader, BadHeader, UnsupportedField (the detail is the type letter and the field's
 /// name), Unreadable.
-Result<TableHeader, Error> readTableHeader(ByteSource &source, bool isLevel7);
+Result<TableHeader, Error> readTableHeader(ByteSource &source, const TableOptions &options);
 
 } // namespace corvanta::dbf

@@ -8,6 +8,7 @@
 //                                             bits inverted
 //   T @        8  u32 Julian day, u32         double: milliseconds since the day before
 //                 milliseconds since midnight 0001-01-01
+//   Y          8  integer, ten-thousandths    (never)
 //   M          4  number of a memo block      (never)
 #include "codecs/dbf/table_reader.h"
 
@@ -117,6 +118,7 @@ Votes votesOf(Conversion conversion, const char *bytes, int length)
     case Conversion::Digits:
     case Conversion::Memo:
     case Conversion::Logical:
+    case Conversion::Currency:
         break;
     }
     return {};
@@ -159,10 +161,12 @@ TableReader::TableReader(ByteSource &source, const TextDecoder &decoder, TableHe
     m_buffer.resize(static_cast<size_t>(std::max(useful, least)));
 }
 
-Result<std::unique_ptr<TableReader>, Error>
-TableReader::open(ByteSource &source, const TextDecoder &decoder, bool isLevel7, qint64 bufferBytes)
+Result<std::unique_ptr<TableReader>, Error> TableReader::open(ByteSource &source,
+                                                              const TextDecoder &decoder,
+                                                              const TableOptions &options,
+                                                              qint64 bufferBytes)
 {
-    auto header = readTableHeader(source, isLevel7);
+    auto header = readTableHeader(source, options);
     if (!header) {
         return header.fault();
     }
@@ -333,6 +337,13 @@ double TableReader::doubleOf(const Field &field) const
     const auto stored = loadBE<quint64>(bytes);
     constexpr quint64 kTopBit = quint64(1) << 63;
     return std::bit_cast<double>((stored & kTopBit) != 0 ? stored ^ kTopBit : ~stored);
+}
+
+double TableReader::currencyOf(const Field &field) const
+{
+    constexpr double kUnitsPerWhole = 10'000;
+    return field.length < 8 ? cell::missingDouble()
+                            : static_cast<double>(loadLE<qint64>(bytesOf(field))) / kUnitsPerWhole;
 }
 
 /// The Julian day and the millisecond of a stored time, unchecked.

@@ -42,10 +42,12 @@ class TableReader
 {
 public:
     /// Read the header of the table that starts at the source's start. `source` and `decoder` must
-    /// outlive the reader. Reads records in pieces of about `bufferBytes` bytes. `isLevel7`: see
-    /// readTableHeader(). Errors: those of readTableHeader().
-    static Result<std::unique_ptr<TableReader>, Error>
-    open(ByteSource &source, const TextDecoder &decoder, bool isLevel7, qint64 bufferBytes);
+    /// outlive the reader. Reads records in pieces of about `bufferBytes` bytes. Errors: those of
+    /// readTableHeader().
+    static Result<std::unique_ptr<TableReader>, Error> open(ByteSource &source,
+                                                            const TextDecoder &decoder,
+                                                            const TableOptions &options,
+                                                            qint64 bufferBytes);
 
     const TableHeader &header() const { return m_header; }
     /// The fields that become columns, in file order. Fixed after open(); column numbers in the
@@ -92,6 +94,7 @@ private:
     quint32 logicalKey(const Field &field);
     std::optional<quint32> integerOf(const Field &field) const;
     double doubleOf(const Field &field) const;
+    double currencyOf(const Field &field) const;
     // A date and time as the file stores it. The Julian day is a count of days.
     struct Moment
     {
@@ -180,6 +183,8 @@ template <class Arena> const uchar *TableReader::cell(size_t column, Arena &aren
         return numberCell(integerOf(field).value_or(cell::kMissingKey), arena);
     case Conversion::Double:
         return numberCell(doubleOf(field), arena);
+    case Conversion::Currency:
+        return numberCell(currencyOf(field), arena);
     case Conversion::Timestamp: {
         std::array<char, 17> text{};
         return textCell(field, putTimestamp(field, &text), arena);

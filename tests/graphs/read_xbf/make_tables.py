@@ -93,7 +93,10 @@ def main():
     put("counts/b_too_low.dbf", table(0x03, PEOPLE[:2], [r[:-4] for r in (ADA, GONE, BOB)], count=2))
     put("cut_off/people.dbf", table(0x03, PEOPLE[:2], [r[:-4] for r in (ADA, BOB)], tail=b"")[:-1])
     put("cut_off_gzip/people.dbf.gz", gzip.compress(table(0x03, PEOPLE[:2], [ADA[:-4]]), mtime=0)[:-1])
-    put("unsupported/money.dbf", table(0x30, [(b"OK", b"C", 1), (b"MONEY", b"Y", 8)], []))
+    money = [(b"OK", b"C", 1), (b"MONEY", b"Y", 8)]
+    put("unsupported/money.dbf", table(0x30, money, []))
+    record = b" +" + struct.pack("<q", -123456)
+    put("all_types/money.dbf", table(0x30, money + [(b"CHART", b"G", 4), (b"PHOTO", b"P", 4)], [record + bytes(8)]))
 
     numbered = [(b"NAME", b"C", 8), (b"N", b"I", 4)]
     put("level7/a.dbf", table(0x03, numbered, [ADA[:9] + struct.pack("<i", 7)]))
