@@ -303,9 +303,9 @@ void ReadWorkbook::warnColumns(const QString &name, const SheetTask &task,
                                const TaskColumns &columns)
 {
     if (columns.leftOut > 0) {
-        warn(u"Warning: %3 empty columns of the sheet '%2' of the workbook '%1' are left out; the "
-             "first is %4\n"_s.arg(name, task.name, QString::number(columns.leftOut),
-                                   columns.firstLeftOut));
+        warn(u"Warning: The sheet '%2' of the workbook '%1' is read without %3; the first is "
+             "%4\n"_s.arg(name, task.name, counted(columns.leftOut, u"empty column"_s),
+                          columns.firstLeftOut));
     }
     if (task.scan.errors.any()) {
         warn(u"Warning: %3 of the sheet '%2' of the workbook '%1' %4 read as missing; the first is "

@@ -100,9 +100,9 @@ bool WorkbookFile::doesNotFit(const WalkStep &step, const sheet::SheetCell &cell
 {
     return m_action.fail(
         u"Error: The cell %3 of the sheet '%2' of the workbook '%1' does not have the type that "
-        "the first %4 rows give its column; use sampleOnly='0' or allText='1'\n"_s.arg(
+        "the first %4 give its column; use sampleOnly='0' or allText='1'\n"_s.arg(
             m_name, sheet().task.name, sheet::cellName(cell.column, step.row),
-            QString::number(sheet().task.options.sampleRows)));
+            counted(sheet().task.options.sampleRows, u"row"_s)));
 }
 
 /// Put the cells of a row into their columns. Without a type check after a complete scan.

@@ -15,6 +15,7 @@
 #include <QDate>
 #include <QTime>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -114,9 +115,13 @@ int putDateText(NumberForm form, double serial, bool uses1904, char16_t *out)
     if (form == NumberForm::General || !(std::abs(serial) <= static_cast<double>(kLastDay + 1))) {
         return 0;
     }
-    const qint64 ms = std::llround(serial * static_cast<double>(kDayMs));
+    qint64 ms = std::llround(serial * static_cast<double>(kDayMs));
     if (form == NumberForm::Duration) {
         return putDuration(ms, out);
+    }
+    // A time of day has no date to which the last half of a millisecond could be rounded.
+    if (serial < 1 && (form == NumberForm::Time || !uses1904)) {
+        ms = std::min(ms, kDayMs - 1);
     }
     const qint64 day = ms / kDayMs + (uses1904 ? kDaysTo1904 : 0);
     if (ms < 0 || day > kLastDay) {

@@ -146,6 +146,12 @@ class Workbooks(unittest.TestCase):
         self.assertEqual(rows[4][2], "")
         self.assertIn("Warning: 1 error cell of the sheet 'a' of the workbook 'book.xlsx' is read as missing; the first is cell C5", messages)
 
+    def test_a_time_directly_before_midnight_has_no_date(self):
+        cells = [f'<c r="A{row}" s="{style}"><v>{value}</v></c>' for row, style, value in
+                 ((2, 5, 0.999999999), (3, 1, 0.999999999), (4, 2, 45000.999999999), (5, 5, 0.5))]
+        self.make(sheet(["t"], *([cell] for cell in cells)))
+        self.assertEqual([row[0] for row in self.read()[0][1:]], ["23:59:59.999", "23:59:59.999", "2023-03-16T00:00:00", "12:00:00"])
+
     def test_forms_of_markup(self):
         self.make('<x:worksheet xmlns:x="m"><x:sheetData><x:row><x:c t="inlineStr"><x:is><x:r><x:t>a</x:t></x:r><x:rPh><x:t>p</x:t>'
                   '</x:rPh><x:r><x:t xml:space="preserve"> b</x:t></x:r></x:is></x:c><x:c/><x:c t="s"><x:v>0</x:v></x:c></x:row>'
@@ -258,7 +264,7 @@ class Workbooks(unittest.TestCase):
         self.make(sheet(["a", "a"], [1, 2, '<c r="XFD2"><v>3</v></c>']))
         rows, messages = self.read()
         self.assertEqual(rows, [["a", "a_2", "XFD"], ["1", "2", "3"]])
-        self.assertIn("Warning: 16381 empty columns of the sheet 'a' of the workbook 'book.xlsx' are left out; the first is C", messages)
+        self.assertIn("Warning: The sheet 'a' of the workbook 'book.xlsx' is read without 16381 empty columns; the first is C", messages)
         rows = "".join(f'<row r="{i}"><c r="AA{i}"><v>1</v></c></row>' for i in (2, 1048576))
         self.make("<worksheet><sheetData><row>" + "<c t='str'><v>n</v></c>" * 1100 + "</row>" + rows + "</sheetData></worksheet>")
         self.assertIn("Error: The sheet 'a' of the workbook 'book.xlsx' has only 2 cells in 1048575 rows and 1100 columns; select a part "
