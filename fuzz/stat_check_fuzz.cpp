@@ -1,5 +1,5 @@
 // The header checks of statistical data sets: no input makes them fail otherwise than by a fault.
-#include "codecs/stat/header_check.h"
+#include "codecs/stat/check/header_check.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

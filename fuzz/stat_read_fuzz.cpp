@@ -3,8 +3,8 @@
 //
 // Byte 0: the format (0 to 4) plus 8: with value labels, plus 16: dates as text. The data set
 // follows. The child must end by itself, within its time and memory.
+#include "codecs/stat/check/header_check.h"
 #include "codecs/stat/data_set_reader.h"
-#include "codecs/stat/header_check.h"
 #include "codecs/stat/label_reader.h"
 #include "codecs/stat/transport_member.h"
 

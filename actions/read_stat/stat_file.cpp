@@ -1,8 +1,9 @@
 #include "actions/read_stat/stat_file.h"
 
 #include "actions/read_stat/stat_options.h"
+#include "base/counted.h"
 #include "base/nearest_name.h"
-#include "codecs/stat/header_check.h"
+#include "codecs/stat/check/header_check.h"
 #include "codecs/stat/label_reader.h"
 #include "io/input/whole_input.h"
 
@@ -123,6 +124,11 @@ bool StatFile::checkHeader()
             u"Warning: the statistical file '%1' is cut off: it has no end tag, and value labels may be missing\n"_s
                 .arg(m_name));
     }
+    if (m_options.format == stat::Format::Stata && stat::endsInLabels(*m_source)) {
+        m_action.warn(
+            u"Warning: the statistical file '%1' is cut off inside its value labels, and some are missing\n"_s
+                .arg(m_name));
+    }
     if (m_options.format == stat::Format::SasTransport) {
         const auto layout = stat::readTransportLayout(*m_source);
         if (!layout) {
@@ -137,6 +143,11 @@ bool StatFile::checkHeader()
 /// Read the value labels if they are wanted. Those of SAS are in a file of their own.
 bool StatFile::readLabels(const QString &catalogue)
 {
+    if (!catalogue.isEmpty() && !(m_options.extractLabels && stat::isOfSas(m_options.format))) {
+        m_action.warn(
+            u"Warning: the catalogue '%1' is not used: it needs extractLabels='1' and a SAS file\n"_s
+                .arg(catalogue));
+    }
     if (!m_options.extractLabels) {
         return true;
     }
@@ -262,8 +273,8 @@ void StatFile::warnDeletedRows() const
 {
     if (const qint64 rows = stat::deletedSasRows(*m_source); rows > 0) {
         m_action.warn(
-            u"Warning: %2 rows of the statistical file '%1' are marked as deleted; they are read too\n"_s
-                .arg(m_name, QString::number(rows)));
+            u"Warning: reading the statistical file '%1' includes %2 marked as deleted\n"_s.arg(
+                m_name, counted(rows, u"row"_s)));
     }
 }
 
@@ -274,15 +285,15 @@ bool StatFile::checkEndOfTransport()
     const bool isAtLimit = m_options.maxRows > 0 && rows >= m_options.maxRows;
     if (!isAtLimit && m_member && m_member->hasMore()) {
         return m_action.fail(
-            u"ERROR: the statistical file '%1' has further data sets after %2 rows, which cannot be read; maxRows='%2' reads the first one\n"_s
-                .arg(m_name, QString::number(rows)));
+            u"ERROR: the statistical file '%1' has further data sets after %2, which cannot be read; maxRows='%3' reads the first one\n"_s
+                .arg(m_name, counted(rows, u"row"_s), QString::number(rows)));
     }
     // The library treats rows of blanks at the end as padding.
     const qint64 missing = m_transport.rows - rows;
     if (!isAtLimit && missing > 0) {
         m_action.warn(
-            u"Warning: the last %2 rows of the statistical file '%1' have only missing texts and are not read\n"_s
-                .arg(m_name, QString::number(missing)));
+            u"Warning: the statistical file '%1' is read without its last %2, because only missing texts are there\n"_s
+                .arg(m_name, counted(missing, u"row"_s)));
     }
     return true;
 }
@@ -299,8 +310,8 @@ void StatFile::warnSameNames() const
     }
     if (same.any()) {
         m_action.warn(
-            u"Warning: %2 columns of the statistical file '%1' have the name of an earlier column; the first is '%3'\n"_s
-                .arg(m_name, QString::number(same.count()), same.first()));
+            u"Warning: the statistical file '%1' has %2 with the name of an earlier column; the first is '%3'\n"_s
+                .arg(m_name, counted(same.count(), u"column"_s), same.first()));
     }
 }
 
@@ -368,30 +379,34 @@ void StatFile::beforeClose()
     if (const Occurrences &texts = findings.replacedTexts; texts.any()) {
         m_action.warn(
             u"ReadStat Warning: Invalid character found in file '%1'"_s.arg(m_name),
-            u"%1 texts are not valid in the encoding %2, and U+FFFD replaces the invalid bytes; the first is in %3. The parameter 'encoding' can name another encoding"_s
-                .arg(QString::number(texts.count()), m_reader->dictionary().encoding,
+            u"U+FFFD replaces the bytes that are not valid in the encoding %2, in %1; the first is in %3. The parameter 'encoding' can name another encoding"_s
+                .arg(counted(texts.count(), u"text"_s), m_reader->dictionary().encoding,
                      texts.first()));
     }
-    if (const Occurrences &texts = findings.cutTexts; texts.any()) {
-        m_action.warn(
-            u"Warning: %2 texts of the statistical file '%1' end in an incomplete character, which is left out; the first is in %3\n"_s
-                .arg(m_name, QString::number(texts.count()), texts.first()));
-    }
-    if (const Occurrences &values = findings.badDates; values.any()) {
-        m_action.warn(
-            u"Warning: %2 values of the statistical file '%1' are not dates of the years 1 to 9999 and are read as numbers; the first is in %3\n"_s
-                .arg(m_name, QString::number(values.count()), values.first()));
-    }
-    if (const Occurrences &values = findings.lostLabels; values.any()) {
-        m_action.warn(
-            u"Warning: %2 missing values of the statistical file '%1' have a label, which is not read because the cells are missing; the first is in %3. Without extractLabels, schema shows these labels\n"_s
-                .arg(m_name, QString::number(values.count()), values.first()));
-    }
-    if (const Occurrences &values = findings.userMissing; values.any()) {
-        MainUI::addLog(
-            MainUI::Info,
-            u"%2 values of the file '%1' are missing because the file declares them to be; the first is in %3."_s
-                .arg(m_name, QString::number(values.count()), values.first()));
+    const auto textOf = [this](const Occurrences &found, const QString &noun, const QString &text) {
+        return text.arg(m_name, counted(found.count(), noun), found.first());
+    };
+    const auto warnOf = [&](const Occurrences &found, const QString &noun, const QString &text) {
+        if (found.any()) {
+            m_action.warn(textOf(found, noun, text));
+        }
+    };
+    warnOf(
+        findings.cutTexts, u"text"_s,
+        u"Warning: the statistical file '%1' has %2 with an incomplete character at the end, which is left out; the first is in %3\n"_s);
+    warnOf(
+        findings.lostTexts, u"long text"_s,
+        u"Warning: the statistical file '%1' refers to %2 (strL) that it does not have, and that become missing; the first is in %3\n"_s);
+    warnOf(
+        findings.badDates, u"date"_s,
+        u"Warning: the statistical file '%1' has %2 outside the years 1 to 9999, read as numbers; the first is in %3\n"_s);
+    warnOf(
+        findings.lostLabels, u"missing value"_s,
+        u"Warning: the statistical file '%1' has %2 with a label, which is not read because the cells are missing; the first is in %3. Without extractLabels, schema shows these labels\n"_s);
+    if (findings.userMissing.any()) {
+        MainUI::addLog(MainUI::Info,
+                       textOf(findings.userMissing, u"value"_s,
+                              u"The file '%1' declares %2 to be missing; the first is in %3."_s));
     }
 }
 

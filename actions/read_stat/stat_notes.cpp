@@ -3,8 +3,8 @@
 #include "actions/read_stat/stat_options.h"
 #include "base/number.h"
 #include "codecs/encoding/text_decoder.h"
+#include "codecs/stat/check/header_check.h"
 #include "codecs/stat/data_set_reader.h"
-#include "codecs/stat/header_check.h"
 #include "codecs/stat/label_reader.h"
 #include "io/input/kept_pipe.h"
 #include "io/input/whole_input.h"
@@ -84,9 +84,10 @@ stat::LabelSets setsOfCatalogue(const ActionBase &action, const ReadStatParams &
 stat::LabelSets readSets(const ActionBase &action, ByteSource &source, stat::Format format,
                          const ReadStatParams &params)
 {
-    return params.catalogFile.isEmpty() || !stat::isOfSas(format)
-               ? orNone(stat::readLabelSets(source, format, params.encoding))
-               : setsOfCatalogue(action, params);
+    if (!stat::isOfSas(format)) {
+        return orNone(stat::readLabelSets(source, format, params.encoding));
+    }
+    return params.catalogFile.isEmpty() ? stat::LabelSets() : setsOfCatalogue(action, params);
 }
 
 /// A data set whose header is good, and its dictionary.
@@ -154,8 +155,12 @@ QVector<ColumnNotes> statNotes(const ActionBase &action, const QString &name,
     QVector<ColumnNotes> notes;
     const stat::ReadOptions options = statOptionsOf(params, file->format);
     for (const stat::Variable &variable : file->dictionary.variables) {
-        notes << ColumnNotes{options.columnName(variable), variable.label, variable.format,
-                             labelsOf(sets, variable.labelSet, *decoder)};
+        const auto labels = labelsOf(sets, variable.labelSet, *decoder);
+        // Where the labels are the values, the format is not that of the column.
+        const bool areValues = params.extractLabels && !labels.isEmpty();
+        notes << ColumnNotes{options.columnName(variable), variable.label,
+                             areValues ? QString() : variable.format,
+                             areValues ? QVector<ValueLabel>() : labels};
     }
     return notes;
 }

@@ -1,6 +1,6 @@
 #include "actions/read_stat/stat_options.h"
 
-#include "codecs/stat/header_check.h"
+#include "codecs/stat/check/header_check.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,7 @@
 // The columns of the input that are written have one index, from 0, in all lists of this file.
 #include "actions/shared/data_set_output.h"
 
+#include "base/counted.h"
 #include "base/nearest_name.h"
 #include "codecs/stat/date_text.h"
 #include "corvanta/failure_reason.h"
@@ -12,15 +13,6 @@ using namespace Qt::StringLiterals;
 namespace corvanta {
 
 namespace {
-
-/// The element with this name; null without one.
-template <typename Named>
-const Named *findByName(const std::vector<Named> &all, const QString &name)
-{
-    const auto found = std::find_if(all.begin(), all.end(),
-                                    [&](const Named &element) { return element.name == name; });
-    return found != all.end() ? &*found : nullptr;
-}
 
 /// The names of `all` that are not columns of the input.
 template <typename Named>
@@ -35,35 +27,87 @@ Occurrences unknownNames(const std::vector<Named> &all, const OneRow &columns)
     return unknown;
 }
 
-/// Adds to `variables` what shows `columns` in `format`; a format of the user stays.
-void addFormat(const QStringList &columns, const QString &format,
-               std::vector<VariableDefinition> *variables)
+/// Adds to the definitions of the parameters, which stay as they are where they say something.
+class DefinitionList
 {
-    for (const QString &column : columns) {
-        const auto found =
-            std::find_if(variables->begin(), variables->end(),
-                         [&](const VariableDefinition &defined) { return defined.name == column; });
-        if (found == variables->end()) {
-            variables->push_back({.name = column, .format = format});
-        } else if (found->format.isEmpty()) {
-            found->format = format;
+public:
+    explicit DefinitionList(std::vector<VariableDefinition> *variables)
+        : m_variables(*variables)
+    {
+        for (size_t i = 0; i < m_variables.size(); ++i) {
+            m_indexes.try_emplace(m_variables[i].name, i); // of equal names the first one counts
         }
     }
+    void add(const QString &column, const QString &label, const QString &format)
+    {
+        if (label.isEmpty() && format.isEmpty()) {
+            return;
+        }
+        const auto [found, isNew] = m_indexes.try_emplace(column, m_variables.size());
+        if (isNew) {
+            m_variables.push_back({.name = column});
+        }
+        VariableDefinition &defined = m_variables[found->second];
+        defined.label = defined.label.isEmpty() ? label : defined.label;
+        defined.format = defined.format.isEmpty() ? format : defined.format;
+    }
+
+private:
+    std::vector<VariableDefinition> &m_variables;
+    std::unordered_map<QString, size_t> m_indexes;
+};
+
+/// The format of SAS for one of the input, with its point; empty for those of dates, which depend
+/// on the unit of the numbers, and for those that SAS does not have.
+QString numberFormat(const QString &format)
+{
+    static const QStringList kShared{u"F"_s,      u"BEST"_s,    u"COMMA"_s,   u"COMMAX"_s,
+                                     u"DOLLAR"_s, u"DOLLARX"_s, u"PERCENT"_s, u"Z"_s};
+    if (!kShared.contains(stat::formatName(format))) {
+        return {};
+    }
+    return format.contains(u'.') ? format : format + u'.';
 }
 
 } // namespace
 
 void DataSetOutput::addDateFormats(const DateColumns &columns, DataSetParams *params)
 {
-    addFormat(columns.dates, u"DATE9."_s, &params->variables);
-    addFormat(columns.dateTimes, u"DATETIME20."_s, &params->variables);
-    addFormat(columns.times, u"TIME8."_s, &params->variables);
+    DefinitionList definitions(&params->variables);
+    const auto addFormat = [&](const QStringList &names, const QString &format) {
+        for (const QString &name : names) {
+            definitions.add(name, {}, format);
+        }
+    };
+    addFormat(columns.dates, u"DATE9."_s);
+    addFormat(columns.dateTimes, u"DATETIME20."_s);
+    addFormat(columns.times, u"TIME8."_s);
+}
+
+void DataSetOutput::addNotes(const QVector<ColumnNotes> &notes, DataSetParams *params) const
+{
+    DefinitionList definitions(&params->variables);
+    qint64 labelled = 0;
+    for (const ColumnNotes &note : notes) {
+        definitions.add(note.column, note.label, numberFormat(note.format));
+        labelled += note.valueLabels.isEmpty() ? 0 : 1;
+    }
+    if (labelled > 0) {
+        MainUI::addLog(
+            MainUI::Info,
+            u"Note: the value labels of %1 are not written, because a %2 has no place for them\n"_s
+                .arg(counted(labelled, u"column"_s), fileKind()));
+    }
 }
 
 void DataSetOutput::start()
 {
     RowWriter::start();
     m_run = std::make_unique<RunState>();
+    for (const VariableDefinition &defined : dataSetParams().variables) {
+        m_run->definitions.try_emplace(defined.name,
+                                       &defined); // of equal names the first one counts
+    }
 }
 
 QString DataSetOutput::placeOf(qint64 row, size_t column) const
@@ -71,10 +115,10 @@ QString DataSetOutput::placeOf(qint64 row, size_t column) const
     return u"row %1, column '%2'"_s.arg(QString::number(row), columnName(column));
 }
 
-/// Of equal names in the parameters the first one counts.
 const VariableDefinition *DataSetOutput::definitionOf(const QString &column) const
 {
-    return findByName(dataSetParams().variables, column);
+    const auto found = m_run->definitions.find(column);
+    return found != m_run->definitions.end() ? found->second : nullptr;
 }
 
 QByteArray DataSetOutput::encoded(const QString &text, const QString &column)
@@ -104,8 +148,8 @@ void DataSetOutput::warnNames()
     const Occurrences &cut = m_run->cutLabels;
     if (cut.any()) {
         warn(
-            u"Warning: writing %1 '%2': %3 labels are longer than %4 bytes and were cut; the first is that of the column '%5'\n"_s
-                .arg(fileKind(), fileName(), QString::number(cut.count()),
+            u"Warning: writing %1 '%2': %3 cut to %4 bytes; the first is that of the column '%5'\n"_s
+                .arg(fileKind(), fileName(), counted(cut.count(), u"label"_s),
                      QString::number(maxLabelBytes()), cut.first()));
     }
     const Occurrences &replaced = m_run->replacedInNames;
@@ -133,9 +177,10 @@ void DataSetOutput::warnUnknown(const QString &parameter, const Occurrences &unk
     for (int i = 0; i < columns.numberOfColumns(); ++i) {
         known << columns.colName(i);
     }
-    warn(u"Warning: writing %1 '%2': %3 columns of %4 are not in the input; the first is '%5'%6\n"_s
-             .arg(fileKind(), fileName(), QString::number(unknown.count()), parameter,
-                  unknown.first(), closeNameHint(unknown.first(), known)));
+    warn(
+        u"Warning: writing %1 '%2': %4 names %3 that the input does not have; the first is '%5'%6\n"_s
+            .arg(fileKind(), fileName(), counted(unknown.count(), u"column"_s), parameter,
+                 unknown.first(), closeNameHint(unknown.first(), known)));
 }
 
 /// What the format of a text column counts; None for a text.
@@ -158,8 +203,9 @@ sas::DateUnit DataSetOutput::dateUnitOf(const QString &column) const
 /// The width in StringColDef; 0 without one.
 int DataSetOutput::declaredWidth(const QString &name) const
 {
-    const StringColumn *const declared = findByName(dataSetParams().stringColumns, name);
-    return declared != nullptr ? std::max(declared->width, 0) : 0;
+    const auto &all = dataSetParams().stringColumns;
+    const auto found = std::ranges::find(all, name, &StringColumn::name);
+    return found != all.end() ? std::max(found->width, 0) : 0;
 }
 
 /// Sets the bytes to which texts of a text column are cut while rows arrive.
@@ -386,8 +432,8 @@ void DataSetOutput::warnCutTexts()
         const sas::RowCount &cut = m_run->packer->reports()[i].cut;
         if (cut.count > 0) {
             warn(
-                u"Warning: writing %1 '%2': %3 texts of the column '%4' are longer than %5 bytes and were cut; the first is in row %6\n"_s
-                    .arg(fileKind(), fileName(), QString::number(cut.count), columnName(i),
+                u"Warning: writing %1 '%2': %3 of the column '%4' cut to %5 bytes; the first is in row %6\n"_s
+                    .arg(fileKind(), fileName(), counted(cut.count, u"text"_s), columnName(i),
                          QString::number(m_run->packer->columns()[i].maxBytes),
                          QString::number(cut.firstRow)));
         }
@@ -408,10 +454,9 @@ void DataSetOutput::warnReplaced()
         count += replaced.count;
     }
     if (count > 0) {
-        warn(
-            u"Warning: writing %1 '%2': %3 characters cannot be stored and were replaced; the first is in %4\n"_s
-                .arg(fileKind(), fileName(), QString::number(count),
-                     placeOf(reports[first].replaced.firstRow, first)));
+        warn(u"Warning: writing %1 '%2': replaced %3 that cannot be stored; the first is in %4\n"_s
+                 .arg(fileKind(), fileName(), counted(count, u"character"_s),
+                      placeOf(reports[first].replaced.firstRow, first)));
     }
 }
 
@@ -423,8 +468,8 @@ void DataSetOutput::warnNotNumbers()
         const sas::RowCount &found = reports[i].notNumbers;
         if (found.count > 0) {
             warn(
-                u"Warning: writing %1 '%2': %3 values of the column '%4' are not numbers (nan) and became missing; the first is in row %5\n"_s
-                    .arg(fileKind(), fileName(), QString::number(found.count), columnName(i),
+                u"Warning: writing %1 '%2': %3 of the column '%4' became missing (nan, not a number); the first is in row %5\n"_s
+                    .arg(fileKind(), fileName(), counted(found.count, u"value"_s), columnName(i),
                          QString::number(found.firstRow)));
         }
     }
@@ -438,8 +483,8 @@ void DataSetOutput::warnNotDates()
         const sas::RowCount &found = reports[i].notDates;
         if (found.count > 0) {
             warn(
-                u"Warning: writing %1 '%2': %3 texts of the column '%4' do not have the form of ISO 8601 that the format '%5' needs, and became missing; the first is in row %6\n"_s
-                    .arg(fileKind(), fileName(), QString::number(found.count), columnName(i),
+                u"Warning: writing %1 '%2': %3 of the column '%4' became missing, without the form of ISO 8601 that the format '%5' needs; the first is in row %6\n"_s
+                    .arg(fileKind(), fileName(), counted(found.count, u"text"_s), columnName(i),
                          definitionOf(columnName(i))->format, QString::number(found.firstRow)));
         }
     }

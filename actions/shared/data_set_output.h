@@ -17,6 +17,7 @@
 #include "io/spool/block_spool.h"
 
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 namespace corvanta {
@@ -76,6 +77,9 @@ protected:
     const sas::TextEncoder &encoder() const { return m_run->encoder; }
     /// Give the columns date formats, so that their texts become dates.
     static void addDateFormats(const DateColumns &columns, DataSetParams *params);
+    /// Give the columns the labels of the input, and the formats of its numbers where SAS has the
+    /// same. Those that the parameters have stay. A line of the log counts the value labels.
+    void addNotes(const QVector<ColumnNotes> &notes, DataSetParams *params) const;
     /// The definition of a column in the parameters; null without one.
     const VariableDefinition *definitionOf(const QString &column) const;
     /// A name or label of a column in the encoding of the file. What is lost is counted, and
@@ -91,6 +95,8 @@ protected:
 private:
     struct RunState
     {
+        /// By the names of columns; tables may have thousands of definitions.
+        std::unordered_map<QString, const VariableDefinition *> definitions;
         sas::TextEncoder encoder = sas::TextEncoder::utf8();
         QStringList names; // of the written columns
         std::vector<sas::Variable> variables;

@@ -1,6 +1,7 @@
 // The texts of most messages are fixed. They have no common form: some end with a line feed.
 #include "actions/write_sas/write_sas.h"
 
+#include "base/counted.h"
 #include "codecs/sas/data_set_writer.h"
 #include "codecs/sas/variable_names.h"
 #include "codecs/stat/date_text.h"
@@ -144,8 +145,8 @@ void ActionWriteSAS::makeDifferent(const QStringList &columns, std::vector<QByte
         *names, columns, isValidMode ? Qt::CaseInsensitive : Qt::CaseSensitive, sas::kMaxNameBytes);
     if (!changed.empty()) {
         warn(
-            u"Warning: writing SAS file '%1': %2 names of columns are empty or equal another one in the file, and were changed; the first is column %3, '%4', which is now '%5'\n"_s
-                .arg(fileName(), QString::number(changed.size()),
+            u"Warning: writing SAS file '%1': %2 changed, because of empty or equal names; the first is column %3, '%4', which is now '%5'\n"_s
+                .arg(fileName(), counted(std::ssize(changed), u"column name"_s),
                      QString::number(changed.front() + 1), columnName(changed.front()),
                      QString::fromUtf8((*names)[changed.front()])));
     }
@@ -161,8 +162,8 @@ void ActionWriteSAS::reportOddNames(const std::vector<QByteArray> &names)
         const auto count = std::count_if(first, names.end(), isOdd);
         MainUI::addLog(
             MainUI::Info,
-            u"Note: writing SAS file '%1': %2 names of variables have other characters than letters of ASCII, digits and '_', begin with a digit or are reserved; the first is '%3'. SAS needs the option VALIDVARNAME=ANY for them. Use columnNameMode='3' for names without them\n"_s
-                .arg(fileName(), QString::number(count), QString::fromUtf8(*first)));
+            u"Note: writing SAS file '%1': SAS needs the option VALIDVARNAME=ANY for %2 with other characters than letters of ASCII, digits and '_', with a digit at the start, or reserved; the first is '%3'. Use columnNameMode='3' for names without them\n"_s
+                .arg(fileName(), counted(count, u"name"_s), QString::fromUtf8(*first)));
     }
 }
 

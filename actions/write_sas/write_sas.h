@@ -17,6 +17,8 @@ public:
     static const ParamTable<WriteSasParams> &paramTable() { return writeSasParamTable(); }
     bool needsDateColumns() const override { return true; }
     void setDateColumns(const DateColumns &columns) override { addDateFormats(columns, &m_params); }
+    bool needsColumnLabels() const override { return true; }
+    void setColumnLabels(const QVector<ColumnNotes> &notes) override { addNotes(notes, &m_params); }
 
 private:
     // For DataSetOutput.

@@ -2,6 +2,7 @@
 // the widths, which DataSetOutput finds. What happens to values is known only after the last row.
 #include "actions/write_sas_xpt/write_sas_xpt.h"
 
+#include "base/counted.h"
 #include "codecs/sas/variable_names.h"
 
 #include <QFileInfo>
@@ -132,8 +133,8 @@ void ActionWriteSASXPT::setNames(const QStringList &columns, std::vector<sas::Va
     }
     if (count > 0) {
         warn(
-            u"Warning: writing SAS transport file '%1': %2 names of columns do not fit the format and were changed: %3%4. The labels have the whole names\n"_s
-                .arg(fileName(), QString::number(count), changes.join(u", "_s),
+            u"Warning: writing SAS transport file '%1': %2 changed to fit the format: %3%4. The labels have the whole names, except of columns with a label of their own\n"_s
+                .arg(fileName(), counted(count, u"column name"_s), changes.join(u", "_s),
                      count > kMaxListed ? u" and others"_s : QString()));
     }
 }
@@ -197,24 +198,24 @@ void ActionWriteSASXPT::warnBlankRows(qint64 count)
 {
     if (count > 0) {
         warn(
-            u"Warning: writing SAS transport file '%1': the last %2 rows have only missing texts. Programs that do not know the number of rows treat them as padding and ignore them. Write a column of numbers, too; SAS reads them with version8='1'\n"_s
-                .arg(fileName(), QString::number(count)));
+            u"Warning: writing SAS transport file '%1': only missing texts are in the last %2. Programs that do not know the number of rows treat them as padding and ignore them. Write a column of numbers, too; SAS reads them with version8='1'\n"_s
+                .arg(fileName(), counted(count, u"row"_s)));
     }
 }
 
 void ActionWriteSASXPT::warnRounded(const QString &column, const sas::RowCount &rounded)
 {
     warn(
-        u"Warning: writing SAS transport file '%1': %2 numbers of the column '%3' lost digits, because they need more bytes or are below 5.4e-79; the first is in row %4 of the file\n"_s
-            .arg(fileName(), QString::number(rounded.count), column,
+        u"Warning: writing SAS transport file '%1': %2 of the column '%3' lost digits, for lack of bytes or below 5.4e-79; the first is in row %4 of the file\n"_s
+            .arg(fileName(), counted(rounded.count, u"number"_s), column,
                  QString::number(rounded.firstRow)));
 }
 
 void ActionWriteSASXPT::warnTooLarge(const QString &column, const sas::RowCount &tooLarge)
 {
     warn(
-        u"Warning: writing SAS transport file '%1': %2 numbers of the column '%3' are infinite or above 7.2e75 and became missing; the first is in row %4 of the file\n"_s
-            .arg(fileName(), QString::number(tooLarge.count), column,
+        u"Warning: writing SAS transport file '%1': %2 of the column '%3' became missing (infinite, or above 7.2e75); the first is in row %4 of the file\n"_s
+            .arg(fileName(), counted(tooLarge.count, u"number"_s), column,
                  QString::number(tooLarge.firstRow)));
 }
 

@@ -1,7 +1,7 @@
 #include "codecs/stat/data_set_reader.h"
 
+#include "codecs/stat/check/header_check.h"
 #include "codecs/stat/date_text.h"
-#include "codecs/stat/header_check.h"
 #include "codecs/stat/library_parser.h"
 
 #include <algorithm>
@@ -61,7 +61,11 @@ DataSetReader::DataSetReader(ByteSource &source, ReadOptions options, LabelSets 
     , m_labelSets(std::move(labels))
     , m_isNulKept(m_options.format == Format::SpssSav && hasLongUtf8Texts(source))
     , m_input(source)
+    , m_longTexts(m_options.format == Format::Stata ? LongTexts::of(source) : nullptr)
 {
+    if (m_longTexts) {
+        m_longTexts->attachTo(&m_input);
+    }
 }
 
 DataSetReader::~DataSetReader() = default;
@@ -98,6 +102,9 @@ Result<void, Error> DataSetReader::outcome(int error)
 {
     if (failure) {
         return *failure;
+    }
+    if (m_longTexts && m_longTexts->fault()) {
+        return *m_longTexts->fault();
     }
     if (m_ring->tooLargeBytes() > 0) {
         return Fault{Error::RowTooLarge, QString::number(m_ring->tooLargeBytes())};
@@ -190,6 +197,8 @@ void DataSetReader::addColumn(const Variable &variable, readstat_variable_t *han
     plan.labels = m_options.extractLabels ? labelsOf(variable) : nullptr;
     plan.date = m_options.formatDates ? variable.date : DateKind::None;
     plan.hasMissingRanges = readstat_variable_get_missing_ranges_count(handle) > 0;
+    plan.longTextAt =
+        m_longTexts ? m_longTexts->offsetInRow(readstat_variable_get_index(handle)) : -1;
     const bool isText = variable.isText || plan.labels != nullptr || plan.date != DateKind::None;
     plan.type = isText ? cell::Type::Text : cell::Type::Double;
     m_columns.push_back(std::move(plan));
@@ -216,7 +225,7 @@ void DataSetReader::announceColumns()
     if (!m_decoder) { // an empty file of a format without metadata
         m_decoder.emplace(*TextDecoder::open(QStringLiteral("UTF-8")));
     }
-    m_maker.emplace(*m_ring, *m_decoder, m_columns);
+    m_maker.emplace(*m_ring, *m_decoder, m_columns, m_longTexts.get());
     (*m_onColumns)(m_dictionary);
 }
 

@@ -101,6 +101,7 @@ private:
     const LabelSets m_labelSets;
     const bool m_isNulKept; // see hasLongUtf8Texts()
     LibrarySource m_input;
+    const std::unique_ptr<LongTexts> m_longTexts; // null: the file has none
     std::optional<TextDecoder> m_decoder;
     Dictionary m_dictionary;
     QStringList m_missing;

@@ -2,6 +2,7 @@
 
 #include "codecs/encoding/text_decoder.h"
 #include "codecs/stat/library_parser.h"
+#include "codecs/stat/long_texts.h"
 
 #include <optional>
 
@@ -100,16 +101,25 @@ Result<LabelSets, Error> decode(const LabelPass &pass)
     return sets;
 }
 
+void attachHandlers(const LibraryParser &parser)
+{
+    readstat_set_metadata_handler(parser.handle(), onMetadata);
+    readstat_set_variable_handler(parser.handle(), onVariable);
+    readstat_set_value_label_handler(parser.handle(), onLabel);
+}
+
 /// `parse` calls the function of the library for the kind of file. A fault of a handler explains
 /// the failure better than the library, which knows only that the handler has ended the pass.
 template <class Parse>
 Result<LabelSets, Error> runPass(ByteSource &source, LabelPass pass, Parse &&parse)
 {
     LibrarySource input(source);
+    const auto longTexts = pass.format == Format::Stata ? LongTexts::of(source) : nullptr;
+    if (longTexts) {
+        longTexts->attachTo(&input);
+    }
     LibraryParser parser(input);
-    readstat_set_metadata_handler(parser.handle(), onMetadata);
-    readstat_set_variable_handler(parser.handle(), onVariable);
-    readstat_set_value_label_handler(parser.handle(), onLabel);
+    attachHandlers(parser);
     const readstat_error_t error = parse(parser, pass);
     if (pass.failure) {
         return *pass.failure;
@@ -127,6 +137,20 @@ Result<LabelSets, Error> readLabelSets(ByteSource &source, Format format, const 
     return runPass(
         source, {format, encoding, encoding},
         [format](LibraryParser &parser, LabelPass &pass) { return parser.parse(format, &pass); });
+}
+
+/// The last read of the library is that of the length of a further set.
+bool endsInLabels(ByteSource &source)
+{
+    CheckedReader in(source);
+    if (readStataHeader(in)) {
+        return false;
+    }
+    LabelPass pass{Format::Stata, {}, {}};
+    LibrarySource input(source);
+    LibraryParser parser(input);
+    attachHandlers(parser);
+    return parser.parse(Format::Stata, &pass) == READSTAT_OK && input.endsInside();
 }
 
 Result<LabelSets, Error> readCatalogue(ByteSource &source, const QString &encoding)

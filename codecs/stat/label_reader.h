@@ -13,6 +13,10 @@ namespace corvanta::stat {
 /// UnknownEncoding, NoMemory.
 Result<LabelSets, Error> readLabelSets(ByteSource &source, Format format, const QString &encoding);
 
+/// Whether a Stata file before version 117, which has no end tag, ends inside its value labels. The
+/// library silently leaves out the labels that are not complete. `source` seeks at no cost.
+bool endsInLabels(ByteSource &source);
+
 /// The value labels of a SAS catalogue (.sas7bcat). Errors: the same.
 Result<LabelSets, Error> readCatalogue(ByteSource &source, const QString &encoding);
 

@@ -1,6 +1,6 @@
 // The buffer, and how it follows the reads of the library:
 //
-//   file     ... | m_bufferAt ... m_position ... m_bufferAt + m_filled = m_sourceAt | ...
+//   file     ... | m_bufferAt ... m_position ... m_bufferAt + m_filled | ...
 //
 // A read inside the buffer is a copy. One directly after it fills the buffer with twice as many
 // bytes as before; any other one is a jump, and begins again with few.
@@ -17,7 +17,6 @@ LibrarySource::LibrarySource(ByteSource &source)
     : m_source(source)
     , m_size(source.size())
     , m_buffer(new char[kLargestFill])
-    , m_sourceAt(-1)
 {
 }
 
@@ -38,6 +37,12 @@ void LibrarySource::attachTo(readstat_parser_s *parser)
     readstat_set_update_handler(parser, [](long, readstat_progress_handler, void *,
                                            void *) noexcept { return READSTAT_OK; });
     readstat_set_io_ctx(parser, this);
+}
+
+void LibrarySource::hide(qint64 from, qint64 to)
+{
+    m_hiddenFrom = from;
+    m_hiddenTo = to;
 }
 
 float LibrarySource::fractionRead() const
@@ -63,15 +68,20 @@ qint64 LibrarySource::seek(qint64 offset, int whence)
     return to;
 }
 
-/// Returns fewer than `n` bytes only at the end of the file, and -1 after a failure.
 qint64 LibrarySource::read(char *out, qint64 n)
 {
+    constexpr qint64 kLengthBytes = 4;
+    if (m_position == m_hiddenFrom) {
+        m_position = m_hiddenTo;
+    }
+    m_lastRead = QByteArrayView(out, n);
     qint64 done = 0;
     while (done < n) {
         const qint64 offset = m_position - m_bufferAt;
         if (offset < 0 || offset >= m_filled) {
             const qint64 got = fill();
             if (got <= 0) {
+                m_endsInside = done > 0 || n > kLengthBytes;
                 return got < 0 ? got : done;
             }
             continue;
@@ -95,14 +105,14 @@ qint64 LibrarySource::fill()
     if (at >= m_size) {
         return 0;
     }
-    if (at != m_sourceAt && !m_source.seek(at)) {
+    // Always: another object may have moved the source.
+    if (!m_source.seek(at)) {
         m_hasFailed = true;
         return -1;
     }
     const qint64 got = m_source.read(m_buffer.get(), m_nextFill);
     m_hasFailed = got < 0;
     m_filled = std::max<qint64>(got, 0);
-    m_sourceAt = at + m_filled;
     return got;
 }
 

@@ -5,6 +5,8 @@
 #pragma once
 #include "base/byte_source.h"
 
+#include <QByteArrayView>
+
 #include <array>
 #include <atomic>
 #include <memory>
@@ -22,15 +24,27 @@ public:
 
     /// Make `parser` read this source, which must outlive it.
     void attachTo(readstat_parser_s *parser);
+    /// Continue at `to` after a read that ends at `from`.
+    void hide(qint64 from, qint64 to);
+    /// The bytes of the last read, where the reader has them.
+    QByteArrayView lastRead() const { return m_lastRead; }
+
+    /// Move to an offset from the beginning. False for one before it.
+    bool seekTo(qint64 offset) { return seek(offset, 0) >= 0; }
+    /// Returns fewer than `n` bytes only at the end of the file, and -1 after a failure.
+    qint64 read(char *out, qint64 n);
+
     /// Whether a read of the source has failed.
     bool hasFailed() const { return m_hasFailed; }
+    /// Whether the last read beyond the end of the file was inside a structure of it: it got some
+    /// bytes, or wanted more than a length.
+    bool endsInside() const { return m_endsInside; }
     /// The position in the file, from 0 to 1.
     float fractionRead() const;
 
 private:
-    // The handlers of the library: as lseek() and read() of POSIX.
+    /// As lseek() of POSIX; `whence` is a readstat_io_flags_t.
     qint64 seek(qint64 offset, int whence);
-    qint64 read(char *out, qint64 n);
     qint64 fill();
 
     static constexpr qint64 kSmallestFill = 4 * 1024;
@@ -43,8 +57,11 @@ private:
     // The buffer holds m_filled bytes, the first of which is at m_bufferAt in the file.
     qint64 m_bufferAt = 0;
     qint64 m_filled = 0;
-    qint64 m_sourceAt = 0;             // position of m_source
     qint64 m_nextFill = kSmallestFill; // bytes
+    qint64 m_hiddenFrom = -1;          // -1: nothing is hidden
+    qint64 m_hiddenTo = -1;
+    QByteArrayView m_lastRead;
+    bool m_endsInside = false;
     bool m_hasFailed = false;
 };
 

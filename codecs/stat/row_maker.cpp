@@ -32,7 +32,7 @@ inline double numberOf(const readstat_value_t &value)
     return cell::missingDouble();
 }
 
-/// The text of a string; null is how the library delivers the empty strL of a Stata file.
+/// The text of a string.
 const char *textOf(const readstat_value_t &value)
 {
     return value.v.string_value == nullptr ? "" : value.v.string_value;
@@ -90,7 +90,14 @@ bool RowMaker::put(int column, const readstat_value_t &value, readstat_variable_
             return true;
         }
     }
-    return isText ? putText(column, textOf(value)) : putOwn(column, numberOf(value));
+    if (plan.longTextAt >= 0) {
+        return putLongText(column);
+    }
+    if (!isText) {
+        return putOwn(column, numberOf(value));
+    }
+    const char *const text = textOf(value);
+    return putText(column, text, static_cast<qsizetype>(std::strlen(text)));
 }
 
 /// The cell is the number itself, in the byte order of the machine.
@@ -106,13 +113,18 @@ inline bool RowMaker::putNumber(int column, double number)
     return true;
 }
 
+/// Room in the ring for the cell of a text of `n` bytes.
+inline uchar *RowMaker::roomForText(qsizetype n)
+{
+    return m_ring.room(kLengthRoom +
+                       m_decoder.maxUnits(n) * static_cast<qsizetype>(sizeof(char16_t)));
+}
+
 /// The text is decoded directly into the ring. The length code precedes the units, but its size
 /// depends on their number: it is put into the last bytes of the room that is kept for it.
-inline bool RowMaker::putText(int column, const char *text)
+inline bool RowMaker::putText(int column, const char *text, qsizetype n)
 {
-    const auto n = static_cast<qsizetype>(std::strlen(text));
-    const qsizetype unitBytes = m_decoder.maxUnits(n) * static_cast<qsizetype>(sizeof(char16_t));
-    uchar *const bytes = m_ring.room(kLengthRoom + unitBytes);
+    uchar *const bytes = roomForText(n);
     if (bytes == nullptr) {
         return false;
     }
@@ -129,6 +141,25 @@ inline bool RowMaker::putText(int column, const char *text)
     m_ring.setCell(column, cell);
     m_ring.use(reinterpret_cast<uchar *>(units + count));
     return true;
+}
+
+/// The value of the library is not used: the texts are hidden from it.
+bool RowMaker::putLongText(int column)
+{
+    const ColumnPlan &plan = m_columns[static_cast<size_t>(column)];
+    const auto found = m_longTexts->find(plan.longTextAt);
+    if (!found) {
+        m_findings.lostTexts.add([&] { return place(plan); });
+        m_ring.setCell(column, missingCell(plan.type));
+        return !m_longTexts->fault();
+    }
+    // The ring refuses a text that is too long before memory is allocated for it.
+    if (roomForText(found->bytes) == nullptr) {
+        return false;
+    }
+    m_longText.resize(static_cast<size_t>(found->bytes));
+    return m_longTexts->read(*found, m_longText.data()) &&
+           putText(column, m_longText.data(), found->bytes);
 }
 
 /// A number in a column of texts: a date, or a value without a label.

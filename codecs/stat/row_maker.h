@@ -5,6 +5,7 @@
 #include "base/occurrences.h"
 #include "codecs/encoding/text_decoder.h"
 #include "codecs/stat/dictionary.h"
+#include "codecs/stat/long_texts.h"
 #include "codecs/stat/row_ring.h"
 #include "codecs/stat/value_labels.h"
 
@@ -23,6 +24,7 @@ struct Findings
     Occurrences userMissing;   ///< values that the file declares to be missing
     Occurrences lostLabels;    ///< missing values with a label, where labels are read
     Occurrences badDates;      ///< that the calendar does not have; they are read as numbers
+    Occurrences lostTexts;     ///< long ones (strL) that the file does not have
 };
 
 /// How the values of a column become cells.
@@ -31,6 +33,7 @@ struct ColumnPlan
     cell::Type type = cell::Type::Double;
     DateKind date = DateKind::None;
     bool hasMissingRanges = false;
+    int longTextAt = -1;                 ///< offset in a row of the reference to a long text
     const ValueLabels *labels = nullptr; ///< null: values are not replaced by labels
     QString name;
 };
@@ -39,17 +42,20 @@ struct ColumnPlan
 class RowMaker
 {
 public:
-    /// The objects must outlive the maker.
-    RowMaker(RowRing &ring, const TextDecoder &decoder, const std::vector<ColumnPlan> &columns)
+    /// The objects must outlive the maker. `longTexts` is null without columns of them.
+    RowMaker(RowRing &ring, const TextDecoder &decoder, const std::vector<ColumnPlan> &columns,
+             LongTexts *longTexts)
         : m_ring(ring)
         , m_decoder(decoder)
         , m_columns(columns)
+        , m_longTexts(longTexts)
     {
     }
 
     /// Start row number `row`, from 0. Returns false as RowRing::beginRow() does.
     bool begin(qint64 row);
-    /// Set the cell of a column. Returns false as RowRing::room() does returns null.
+    /// Set the cell of a column. Returns false as RowRing::room() returns null, and after a fault
+    /// of the long texts.
     bool put(int column, const readstat_value_t &value, readstat_variable_t *variable);
 
     const Findings &findings() const { return m_findings; }
@@ -58,7 +64,10 @@ private:
     // Functions that return a bool return false as RowRing::room() does return null.
     // Set the cell of a column of numbers, and of one of texts.
     bool putNumber(int column, double number);
-    bool putText(int column, const char *text);
+    bool putText(int column, const char *text, qsizetype n);
+    /// Also false after a fault of the long texts.
+    bool putLongText(int column);
+    uchar *roomForText(qsizetype n);
     /// `n` characters, which need no decoder.
     bool putAscii(int column, const char *text, int n);
     /// A number in a column of texts.
@@ -76,6 +85,8 @@ private:
     RowRing &m_ring;
     const TextDecoder &m_decoder;
     const std::vector<ColumnPlan> &m_columns;
+    LongTexts *const m_longTexts;
+    std::vector<char> m_longText; // the bytes of one, before they are decoded
     qint64 m_row = 0;
     Findings m_findings;
 };

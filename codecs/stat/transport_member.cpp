@@ -12,8 +12,8 @@
 // in SAS Transport Format".
 #include "codecs/stat/transport_member.h"
 
-#include "codecs/stat/checked_reader.h"
-#include "codecs/stat/header_check.h"
+#include "codecs/stat/check/checked_reader.h"
+#include "codecs/stat/check/header_check.h"
 
 #include <algorithm>
 

@@ -96,7 +96,7 @@ class Sas(unittest.TestCase):
     def test_characters_that_cannot_be_stored(self):
         for target in ("o.sas7bdat", "o.xpt"):
             found = self.convert("k,t\n1,ab\n2,a\0b\n3,\0\0\n", target, "--reader", "types=K,U")
-            self.assertIn("3 characters cannot be stored and were replaced; the first is in row 2, column 't'", found)
+            self.assertIn("replaced 3 characters that cannot be stored; the first is in row 2, column 't'", found)
         self.assertIn(b"a b", self.content("o.xpt"))
 
     def test_rows_larger_than_the_memory(self):

@@ -7,6 +7,7 @@ import csv
 import datetime
 import pathlib
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
@@ -16,6 +17,42 @@ import openpyxl
 
 CORVANTA = str(pathlib.Path(sys.argv.pop(1)).resolve())
 CASES = pathlib.Path(__file__).resolve().parents[1] / "graphs/read_stat"
+
+
+def stata(release, is_big, rows, texts):
+    """A Stata file with the columns a (strL), n (int8) and b (strL); `texts` by (variable, row)."""
+    order = ">" if is_big else "<"
+    is_old = release == 117
+    name, fmt, label = (33, 49, 81) if is_old else (129, 57, 321)
+    endian = "big" if is_big else "little"
+    split = {117: 4, 118: 2, 119: 3}[release]
+    pad = lambda items, size: b"".join(item.ljust(size, b"\0") for item in items)
+    reference = lambda key: key[0].to_bytes(split, endian) + key[1].to_bytes(8 - split, endian)
+    parts = [("variable_types", struct.pack(order + "3H", 32768, 65530, 32768)), ("varnames", pad([b"a", b"n", b"b"], name)),
+             ("sortlist", bytes(4 * (4 if release == 119 else 2))), ("formats", pad([b"%9s", b"%8.0g", b"%9s"], fmt)),
+             ("value_label_names", bytes(3 * name)), ("variable_labels", bytes(3 * label)), ("characteristics", b""),
+             ("data", b"".join(reference(a) + bytes([n % 100]) + reference(b) for a, n, b in rows)),
+             ("strls", b"".join(b"GSO" + struct.pack(order + ("IIBI" if is_old else "IQBI"), *key, 130, len(text) + 1) + text + b"\0" for key, text in texts.items())),
+             ("value_labels", b"")]
+    head = f"<stata_dta><header><release>{release}</release><byteorder>{'MSF' if is_big else 'LSF'}</byteorder><K>".encode()
+    head += struct.pack(order + ("I" if release == 119 else "H"), 3) + b"</K><N>" + struct.pack(order + ("I" if is_old else "Q"), len(rows))
+    head += b"</N><label>" + bytes(1 if is_old else 2) + b"</label><timestamp>\0</timestamp></header>"
+    at = len(head) + len("<map></map>") + 14 * 8
+    places, body = [0, len(head)], b""
+    for tag, content in parts:
+        places.append(at + len(body))
+        body += f"<{tag}>".encode() + content + f"</{tag}>".encode()
+    places += [at + len(body), at + len(body) + len("</stata_dta>")]
+    return head + b"<map>" + struct.pack(order + "14Q", *places) + b"</map>" + body + b"</stata_dta>"
+
+
+def stata_old(labels):
+    """A Stata file of version 115 with a column a of two rows, and a set of value labels of 72 bytes."""
+    head = struct.pack("<BBBBHI", 115, 2, 1, 0, 1, 2) + bytes(81 + 18)
+    variable = bytes([251]) + b"a".ljust(33, b"\0") + bytes(4) + b"%8.0g".ljust(49, b"\0") + b"s".ljust(33, b"\0") + bytes(81) + bytes(5)
+    text = b"".join(label + b"\0" for label in labels)
+    table = struct.pack("<ii2i2i", 2, len(text), 0, len(labels[0]) + 1, 1, 2) + text
+    return head + variable + bytes([1, 2]) + struct.pack("<i", len(table)) + b"s".ljust(33, b"\0") + bytes(3) + table
 
 
 class StatInput(unittest.TestCase):
@@ -45,6 +82,9 @@ class StatInput(unittest.TestCase):
         self.convert(name, "out.csv")
         return self.table("out.csv")
 
+    def schema(self, name):
+        return subprocess.run([CORVANTA, "schema", name], cwd=self.folder, capture_output=True, text=True, timeout=120).stdout
+
     def table(self, name):
         return list(csv.reader((self.folder / name).read_text().splitlines(keepends=True)))
 
@@ -64,19 +104,74 @@ class StatInput(unittest.TestCase):
         self.write("cut.dta", data[:data.index(b"<lbl>") + 20])
         self.assertRegex(self.convert("cut.dta", "out.csv"), "Warning: the statistical file '.*cut.dta' is cut off: it has no end tag, and value labels may be missing\n")
 
-    def test_long_texts_that_do_not_fit_into_memory(self):
-        data = bytearray((CASES / "labels/v.dta").read_bytes())
-        at = data.index(b"<map>") + 5 + 11 * 8
-        data[at:at + 8] = (5 << 30).to_bytes(8, "little")
-        self.write("large.dta", bytes(data))
-        self.assertRegex(self.convert("large.dta", "out.csv", status=1), r"its long texts \(strL\) have \d+ bytes, and at most 1073741824 are kept in memory")
+        # Older files have no end tag. A label set begins after the rows, with its length.
+        old = stata_old([b"one", b"two"])
+        for missing, is_cut in ((0, False), (1, True), (30, True), (63, True), (69, True), (72, False)):
+            self.write("old.dta", old[:len(old) - missing])
+            self.assertEqual("' is cut off inside its value labels, and some are missing\n" in self.convert("old.dta", "out.csv"), is_cut, missing)
+            self.assertEqual(self.table("out.csv"), [["a"], ["1"], ["2"]])
+
+    def test_long_texts(self):
+        texts = {(1, 1): b"first", (2, 1): "d\u00e9j\u00e0".encode(), (1, 2): b"x" * 70_000}
+        for release, is_big in ((117, False), (117, True), (118, False), (118, True), (119, False), (119, True)):
+            rows = [((1, 1), 1, (2, 1)), ((1, 2), 2, (0, 0)), ((1, 1), 3, (1, 2)), ((2, 1), 4, (1, 1))]
+            self.write("long.dta", stata(release, is_big, rows, texts))
+            self.assertNotIn("Warning", self.convert("long.dta", "out.csv", "--reader", "encoding=UTF8"))
+            self.assertEqual([[cell[:6] for cell in row] for row in self.table("out.csv")],
+                             [["a", "n", "b"], ["first", "1", "d\u00e9j\u00e0"], ["xxxxxx", "2", ""], ["first", "3", "xxxxxx"], ["d\u00e9j\u00e0", "4", "first"]])
+        # In another order than that of the rows, and more than one part of the index.
+        many = {(1, i): str(i).encode() for i in range(1, 300)}
+        rows = [((1, i * 7 % 299 + 1), i, (1, i + 1)) for i in range(299)]
+        for order in (many, dict(reversed(many.items()))):
+            self.write("long.dta", stata(118, False, rows, order))
+            self.assertEqual(self.rows("long.dta")[1:], [[str(i * 7 % 299 + 1), str(i % 100), str(i + 1)] for i in range(299)])
+
+    def test_long_texts_that_are_not_in_the_file(self):
+        self.write("lost.dta", stata(118, False, [((1, 1), 1, (7, 7)), ((1, 9), 2, (0, 0))], {(1, 1): b"first"}))
+        self.assertIn("' refers to 2 long texts (strL) that it does not have, and that become missing; the first is in row 1 of the column 'b'\n",
+                      self.convert("lost.dta", "out.csv"))
+        self.assertEqual(self.table("out.csv"), [["a", "n", "b"], ["first", "1", ""], ["", "2", ""]])
+        whole = stata(118, False, [((1, 1), 1, (0, 0))], {(1, 1): b"first"})
+        self.write("bad.dta", whole.replace(b"GSO", b"GSX"))
+        self.assertRegex(self.convert("bad.dta", "out.csv", status=1), r"the long text \(strL\) at offset \d+ is damaged")
+        at = whole.index(b"<map>") + 5 + 11 * 8
+        self.write("map.dta", whole[:at] + (5 << 30).to_bytes(8, "little") + whole[at + 8:])
+        self.assertIn("its long texts (strL) are not where its header says", self.convert("map.dta", "out.csv", status=1))
+
+    def test_labels_of_columns_stay(self):
+        for name in ("values/v.sav", "values/v.dta"):
+            source = shutil.copy(CASES / name, self.folder)
+            for target in ("o.sas7bdat", "o.xpt"):
+                found = self.convert(source, target)
+                self.assertRegex(found, r"Note: the value labels of [12] columns? are not written, because a SAS (transport )?file has no place for them\n")
+                self.assertRegex(self.schema(target), r"sex\t.*Sex of the person")
+        self.write("in.csv", "price,n\n1.5,2\n")
+        self.write("a.graph", """<graph version='4.11'><action id='a'><readCSV fileName='in.csv' types='F,F'/></action>
+            <action id='b'><writeSAS fileName='p.sas7bdat'><VariableDef><V n='price' label='A price with a label of more than forty bytes' format='DOLLAR10.2'/>
+            <V n='n' format='COMMA8.'/></VariableDef></writeSAS></action><link from='a:0' to='b:0'/></graph>""")
+        self.run_in("run", "a.graph")
+        self.convert("p.sas7bdat", "q.sas7bdat")
+        self.assertRegex(self.schema("q.sas7bdat"), r"(?s)price\t.*A price with a label of more than forty bytes.*DOLLAR10.2.*n\t.*COMMA8")
+        found = self.convert("q.sas7bdat", "q.xpt")
+        self.assertIn("': 1 label cut to 40 bytes; the first is that of the column 'price'\n", found)
+        self.assertRegex(self.schema("q.xpt"), r"(?s)price\t.*A price with a label of more than forty\t.*DOLLAR10.2")
+        # The labels are the values.
+        self.convert("v.sav", "l.xpt", "--reader", "extractLabels=1")
+        self.assertRegex(self.schema("l.xpt"), "sex\t.*Sex of the person")
+        self.assertEqual(self.rows("l.xpt")[1][2], "male")
+
+    def test_a_catalogue_that_is_not_used(self):
+        shutil.copy(CASES / "sas/labels.sas7bcat", self.folder / "c.sas7bcat")
+        for name, settings in (("sas/s.sas7bdat", ()), ("values/v.dta", ("--reader", "extractLabels=1"))):
+            source = shutil.copy(CASES / name, self.folder)
+            found = self.convert(source, "out.csv", "--reader", "catalogFile=c.sas7bcat", *settings)
+            self.assertRegex(found, r"Warning: the catalogue '.*c.sas7bcat' is not used: it needs extractLabels='1' and a SAS file\n")
 
     def test_rows_of_blanks_of_a_transport_file(self):
         self.write("in.csv", "t\na\nb\n\"\"\n\"\"\n")
         self.convert("in.csv", "in.xpt", "--writer", "version8=1")
         found = self.convert("in.xpt", "out.csv")
-        self.assertIn("Warning: the last 2 rows of the statistical file '", found)
-        self.assertIn("' have only missing texts and are not read\n", found)
+        self.assertRegex(found, "Warning: the statistical file '.*' is read without its last 2 rows, because only missing texts are there\n")
 
     def test_a_transport_file_with_several_data_sets(self):
         first, other = self.transport("k,t\n1,one\n2,two\n"), self.transport("k,t,u\n" + "3,three,x\n" * 90)
@@ -146,8 +241,8 @@ class StatInput(unittest.TestCase):
             <action id='b'><writeSASXPT fileName='o.xpt'><StringColDef><CD n='dd' l='9'/></StringColDef><VariableDef><V n='d' format='DATE9.'/>
             <V n='t' format='TIME8.'/></VariableDef></writeSASXPT></action><link from='a:0' to='b:0'/></graph>""")
         found = self.run_in("run", "a.graph")
-        self.assertIn("1 columns of StringColDef are not in the input; the first is 'dd'; the nearest known name is 'd'", found)
-        self.assertIn("2 texts of the column 'd' do not have the form of ISO 8601 that the format 'DATE9.' needs, and became missing; the first is in row 2", found)
+        self.assertIn("StringColDef names 1 column that the input does not have; the first is 'dd'; the nearest known name is 'd'", found)
+        self.assertIn("2 texts of the column 'd' became missing, without the form of ISO 8601 that the format 'DATE9.' needs; the first is in row 2", found)
         self.assertEqual(self.rows("o.xpt")[1:], [["2026-01-31", ""], ["", "01:00:00"], ["", "-100:00:00.5"], ["", ""]])
 
 

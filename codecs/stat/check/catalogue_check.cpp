@@ -11,8 +11,8 @@
 //   label    8 bytes, n (2), n bytes, 1 byte
 //
 // Found by reading files; there is no public description of the format.
-#include "codecs/stat/header_check.h"
-#include "codecs/stat/sas_header.h"
+#include "codecs/stat/check/header_check.h"
+#include "codecs/stat/check/sas_header.h"
 
 #include <vector>
 

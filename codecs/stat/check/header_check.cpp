@@ -6,9 +6,9 @@
 //   .por      456  "SPSSPORT", later if lines end before it
 //   .dta        0  "<stata_dta>", or version (102 to 115), byte order (1 or 2), 1
 //   .xpt        0  "HEADER RECORD*******LIB"
-#include "codecs/stat/header_check.h"
+#include "codecs/stat/check/header_check.h"
 
-#include "codecs/stat/checked_reader.h"
+#include "codecs/stat/check/checked_reader.h"
 
 namespace corvanta::stat {
 

@@ -12,8 +12,8 @@
 //   number         digits of base 30 until "/", or "*."    text   its length (number), its bytes
 //
 // Public description: the portable file format in the developer documentation of GNU PSPP.
-#include "codecs/stat/checked_reader.h"
-#include "codecs/stat/header_check.h"
+#include "codecs/stat/check/checked_reader.h"
+#include "codecs/stat/check/header_check.h"
 
 #include <algorithm>
 #include <array>

@@ -10,8 +10,8 @@
 // the subheader F7F7F7F7, word 6 is the number of rows, and word 7 that of deleted ones.
 //
 // Public description: "SAS7BDAT Database Binary Format" (M. Shotwell).
-#include "codecs/stat/header_check.h"
-#include "codecs/stat/sas_header.h"
+#include "codecs/stat/check/header_check.h"
+#include "codecs/stat/check/sas_header.h"
 
 #include <algorithm>
 #include <vector>

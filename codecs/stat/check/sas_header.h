@@ -3,7 +3,7 @@
 // Programs of 64 bits write longer words, and files are in the byte order of the machine that wrote
 // them. The flags after the magic number show both.
 #pragma once
-#include "codecs/stat/checked_reader.h"
+#include "codecs/stat/check/checked_reader.h"
 
 #include <optional>
 

@@ -10,8 +10,8 @@
 //   999  0; the rows follow
 //
 // Public description: the system file format in the developer documentation of GNU PSPP.
-#include "codecs/stat/checked_reader.h"
-#include "codecs/stat/header_check.h"
+#include "codecs/stat/check/checked_reader.h"
+#include "codecs/stat/check/header_check.h"
 
 #include <algorithm>
 #include <array>
