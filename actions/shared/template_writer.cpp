@@ -6,6 +6,8 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
@@ -43,6 +45,18 @@ bool TemplateWriter::failTemplate(const Fault<zip::Error> &fault)
     return isEmpty ? failWith(TemplateProblem::EmptyTemplate, m_templateName) : false;
 }
 
+/// Every Office package declares its content types; an OpenDocument file does not.
+QString TemplateWriter::otherPackageReason() const
+{
+    const bool isOffice =
+        std::ranges::any_of(m_template->reader().members(), [](const zip::Member &member) {
+            return member.name.compare("[Content_Types].xml", Qt::CaseInsensitive) == 0;
+        });
+    return isOffice ? QString()
+                    : u"it is not an Office package (.docx, .pptx, .xlsx); save a document of "
+                      "another kind, such as OpenDocument, as one"_s;
+}
+
 void TemplateWriter::addOwnTemplateProblem(const QString &document, const QString &source,
                                            QVector<ParameterProblem> *found)
 {
@@ -62,7 +76,8 @@ bool TemplateWriter::openDocument(const QString &name)
     if (platform::isSameFile(name, m_templateName)) {
         return fail(
             u"ERROR: the document '%1' would replace its own template: choose another output name.\n"_s
-                .arg(name));
+                .arg(name),
+            sourceOf(TemplateProblem::CannotCreate));
     }
     m_document = std::make_unique<PackageOutput>();
     const TargetFile::Options target{.action = getIdx(),
@@ -77,15 +92,17 @@ bool TemplateWriter::openDocument(const QString &name)
 bool TemplateWriter::failWith(TemplateProblem problem, const QString &name, const QString &reason)
 {
     const QString text = message(problem, name);
+    const QString source = sourceOf(problem);
+    const QString separator = reason.isEmpty() || source.isEmpty() ? QString() : u"; "_s;
     if (!text.trimmed().startsWith(u"WARNING")) {
-        return fail(text, reason);
+        return fail(text, reason + separator + source);
     }
     if (runIsGood()) {
         warn(text);
     }
     return fail(u"ERROR: the document '%1' could not be completed and is not written.\n"_s.arg(
                     m_documentName),
-                reason);
+                reason + separator + source);
 }
 
 /// The reason is taken before the document is closed, which forgets it.
@@ -115,6 +132,11 @@ void TemplateWriter::closeFiles()
 
 QString TemplateWriter::memberReasonOf(const Fault<opc::Error> &fault) const
 {
+    const QString other =
+        fault.code == opc::Error::NoMember && m_template ? otherPackageReason() : QString();
+    if (!other.isEmpty()) {
+        return other;
+    }
     const SystemError error = m_template ? m_template->error() : SystemError();
     const QString reason =
         memberReason(fault, u"template"_s, failureReason(m_templateName, FileUse::Read, error));

@@ -40,6 +40,8 @@ protected:
 
     /// The message for a problem; `name` is the one that TemplateProblem describes.
     virtual QString message(TemplateProblem problem, const QString &name) const = 0;
+    /// Which row names the file with the problem, for the reason; empty if a parameter names it.
+    virtual QString sourceOf(TemplateProblem) const { return {}; }
 
     // Everything below returns false after it has logged a failure.
 
@@ -48,6 +50,8 @@ protected:
     /// Valid as long as the template is open.
     zip::PackageReader &templateReader() { return m_template->reader(); }
     const QString &templateName() const { return m_templateName; }
+    /// Why the open template is not an Office package, with the remedy; empty if it is one.
+    QString otherPackageReason() const;
     /// For problems(): add that the document would replace its own template, if it would. Both
     /// names are expanded already.
     static void addOwnTemplateProblem(const QString &document, const QString &source,

@@ -1,7 +1,6 @@
 #include "actions/write_doc/write_doc.h"
 
 #include "base/platform/files.h"
-#include "codecs/document/template_list.h"
 #include "codecs/opc/markup_scan.h"
 #include "corvanta/failure_reason.h"
 
@@ -52,14 +51,6 @@ bool isTextPart(const QString &member)
     return member.endsWith(u".xml") && !member.startsWith(u'[');
 }
 
-/// Every Office package declares its content types; an OpenDocument file does not.
-bool isOfficePackage(const zip::PackageReader &reader)
-{
-    return std::ranges::any_of(reader.members(), [](const zip::Member &member) {
-        return member.name.compare("[Content_Types].xml", Qt::CaseInsensitive) == 0;
-    });
-}
-
 } // namespace
 
 ActionWriteDoc::ActionWriteDoc(const XMLNode &saved, GlobalParameters *parameters)
@@ -94,35 +85,9 @@ QString ActionWriteDoc::message(TemplateProblem problem, const QString &name) co
     return u"\nWARNING: problem closing the output file\n"_s;
 }
 
-bool ActionWriteDoc::templateMarks(const QString &file, QVector<TemplateMark> *marks)
+QVector<TargetUse> ActionWriteDoc::targets() const
 {
-    if (!openTemplate(file)) {
-        return false;
-    }
-    if (!isOfficePackage(templateReader())) {
-        return failWith(TemplateProblem::CannotReadTemplate, file,
-                        u"it is not an Office package (.docx, .pptx, .xlsx); save a document of "
-                        "another kind, such as OpenDocument, as one"_s);
-    }
-    const auto listed = document::listTemplate(templateReader());
-    if (!listed) {
-        return failPackage(listed.fault(), TemplateProblem::CannotReadPart);
-    }
-    for (const document::TemplateMarker &one : *listed) {
-        QStringList remedies;
-        if (one.runs > 1) {
-            remedies << u"type it again in one go, or set joinRuns='1'"_s;
-        } else if (one.isEscaped) {
-            remedies << u"set joinRuns='1'"_s;
-        }
-        if (!one.isInBody) {
-            remedies << u"set allParts='1'"_s;
-        }
-        marks->push_back({one.text, one.location, QString::fromUtf8(one.part), one.count, one.runs,
-                          remedies.join(u"; "_s)});
-    }
-    closeFiles();
-    return true;
+    return {{expandOutputFile(u"*"_s, QString()), TargetUse::Access::Create, true}};
 }
 
 void ActionWriteDoc::start()
@@ -187,25 +152,34 @@ bool ActionWriteDoc::findColumns(const OneRow &columns)
 
 bool ActionWriteDoc::writeRow(const OneRow &row)
 {
-    const QString name = expandOutputFile(row.text(m_run->output), QString());
-    const QString source = expandFile(row.text(m_run->templateColumn));
-    return useTemplate(source) && checkName(name) && fillDocument(row, name);
+    const QString source = row.text(m_run->templateColumn);
+    if (source.isEmpty()) {
+        return failNoName(TemplateProblem::CannotReadTemplate, u"template"_s);
+    }
+    const QString name = row.text(m_run->output);
+    if (name.isEmpty()) {
+        return failNoName(TemplateProblem::CannotCreate, u"document"_s);
+    }
+    const QString target = expandOutputFile(name, QString());
+    return useTemplate(expandFile(source)) && checkName(target) && fillDocument(row, target);
 }
 
-void ActionWriteDoc::noteKind(const QString &name)
+bool ActionWriteDoc::failNoName(TemplateProblem problem, const QString &file)
 {
-    if (hasOtherKind(name)) {
-        m_run->otherKinds.add([&] { return name; });
-    }
+    return fail(message(problem, QString()),
+                u"the name of the %1 is empty: %2"_s.arg(file, placeOf(columnOf(problem))));
 }
 
 bool ActionWriteDoc::fillDocument(const OneRow &row, const QString &name)
 {
-    noteKind(name);
     document::RowValues values;
     document::RowImages images;
-    return addTexts(row, values) && addImages(row, values, images) && openDocument(name) &&
-           writeDocument(values, images);
+    const bool done = addTexts(row, values) && addImages(row, values, images) &&
+                      openDocument(name) && writeDocument(values, images);
+    if (done && hasOtherKind(name)) {
+        m_run->otherKinds.add([&] { return name; });
+    }
+    return done;
 }
 
 document::TemplateOptions ActionWriteDoc::templateOptions() const
@@ -242,31 +216,15 @@ bool ActionWriteDoc::useTemplate(const QString &name)
         return failPackage(read.fault(), TemplateProblem::CannotReadPart);
     }
     m_run->source = std::move(*read);
-    m_run->templateRow = m_run->templates.emplace(digestOf(name), m_run->row).first->second;
+    const auto [first, isNew] = m_run->templates.emplace(digestOf(name), m_run->row);
+    m_run->templateRow = first->second;
     m_run->rules.place = options.kind == document::DocumentKind::Word ? document::TextPlace::Word
                                                                       : document::TextPlace::Slide;
-    noteMarkers(name);
+    noteMarkers();
+    if (isNew) {
+        reportLeftMarkers();
+    }
     return true;
-}
-
-void ActionWriteDoc::noteMarkers(const QString &name)
-{
-    const document::DocumentTemplate &source = *m_run->source;
-    for (size_t i = 0; i < m_run->texts.size(); ++i) {
-        m_run->texts[i].isFound |= source.hasText(i) || source.hasAttribute(i);
-    }
-    for (size_t i = 0; i < m_run->images.size(); ++i) {
-        m_run->images[i].isFound |= source.hasImage(i);
-    }
-    // Markers that runs divide stay as they are; only their first place is named.
-    for (const document::LeftMarker &left : source.splitMarkers()) {
-        Column &column = m_run->texts[static_cast<size_t>(left.column)];
-        column.isSplit = true;
-        m_run->split.add([&] {
-            return u"'%%1%' in the part '%2' of '%3'"_s.arg(column.name,
-                                                            QString::fromUtf8(left.part), name);
-        });
-    }
 }
 
 bool ActionWriteDoc::checkName(const QString &name)
@@ -314,9 +272,7 @@ bool ActionWriteDoc::addTexts(const OneRow &row, document::RowValues &values)
 
 bool ActionWriteDoc::checkCounts(const document::TextCounts &counts, const Column &column)
 {
-    const auto place = [&] {
-        return u"row %1, column '%2'"_s.arg(QString::number(m_run->row), column.name);
-    };
+    const auto place = [&] { return placeOf(column.name); };
     m_run->innerBreaks.add(counts.innerBreaks, place);
     return counts.replaced == 0 ||
            fail(
@@ -324,9 +280,38 @@ bool ActionWriteDoc::checkCounts(const document::TextCounts &counts, const Colum
                    .arg(place(), QString::number(counts.replaced)));
 }
 
+QString ActionWriteDoc::placeOf(const QString &column) const
+{
+    return u"row %1, column '%2'"_s.arg(QString::number(m_run->row), column);
+}
+
 QString ActionWriteDoc::rowReason(const QString &column) const
 {
-    return u"the name is in row %1, column '%2'"_s.arg(QString::number(m_run->row), column);
+    return u"the name is in "_s + placeOf(column);
+}
+
+const QString &ActionWriteDoc::columnOf(TemplateProblem problem) const
+{
+    switch (problem) {
+    case TemplateProblem::CannotReadTemplate:
+    case TemplateProblem::EmptyTemplate:
+    case TemplateProblem::CannotOpenMember:
+    case TemplateProblem::CannotReadPart:
+    case TemplateProblem::CannotCopyMember:
+        return m_params.templateColumn;
+    case TemplateProblem::CannotCreate:
+    case TemplateProblem::CannotAddMember:
+    case TemplateProblem::CannotWrite:
+    case TemplateProblem::CannotClose:
+        break;
+    }
+    return m_params.output;
+}
+
+QString ActionWriteDoc::sourceOf(TemplateProblem problem) const
+{
+    // Without a run, the user of a template has named it.
+    return m_run ? rowReason(columnOf(problem)) : QString();
 }
 
 bool ActionWriteDoc::addImages(const OneRow &row, document::RowValues &values,
@@ -353,9 +338,9 @@ bool ActionWriteDoc::addImages(const OneRow &row, document::RowValues &values,
 
 bool ActionWriteDoc::failNoImage(const QString &column)
 {
-    return fail(u"\nERROR: cannot open the file '%1'\n"_s.arg(QString()),
-                u"the name of the image for the marker '%%1%' is empty: row %2, column '%1'"_s.arg(
-                    column, QString::number(m_run->row)));
+    return fail(
+        u"\nERROR: cannot open the file '%1'\n"_s.arg(QString()),
+        u"the name of the image for the marker '%%1%' is empty: %2"_s.arg(column, placeOf(column)));
 }
 
 bool ActionWriteDoc::addImage(const QString &file, size_t column, document::RowValues &values,
@@ -410,42 +395,6 @@ bool ActionWriteDoc::failDocument(const Fault<opc::Error> &fault)
     }
     return failPackage(fault, isOfTypes ? TemplateProblem::CannotReadPart
                                         : TemplateProblem::CannotCopyMember);
-}
-
-void ActionWriteDoc::reportTexts()
-{
-    if (m_run->otherKinds.any()) {
-        warn(
-            u"Warning: the names of %1 documents do not end like those of their templates, first '%2': Office programs may refuse to open them.\n"_s
-                .arg(QString::number(m_run->otherKinds.count()), m_run->otherKinds.first()));
-    }
-    if (m_run->innerBreaks.any()) {
-        warn(
-            u"Warning: %1 line breaks are inside text elements, where some programs do not show them, first in %2: set strictMarkup='1'.\n"_s
-                .arg(QString::number(m_run->innerBreaks.count()), m_run->innerBreaks.first()));
-    }
-}
-
-void ActionWriteDoc::reportMarkers()
-{
-    if (m_run->split.any()) {
-        warn(
-            u"Warning: %1 markers are divided into several runs and stay in the documents, first %2: type each marker again in one go, or set joinRuns='1'.\n"_s
-                .arg(QString::number(m_run->split.count()), m_run->split.first()));
-    }
-    QStringList missing;
-    for (const std::vector<Column> *list : {&m_run->texts, &m_run->images}) {
-        for (const Column &column : *list) {
-            if (!column.isFound && !column.isSplit) {
-                missing << u"'%%1%'"_s.arg(column.name);
-            }
-        }
-    }
-    // Only of a good run: a failed one may not have come to the template with the marker.
-    if (!missing.isEmpty() && runIsGood()) {
-        warn(u"Warning: no template has a marker for %1 of the columns: %2.\n"_s.arg(
-            QString::number(missing.size()), missing.join(u", "_s)));
-    }
 }
 
 } // namespace corvanta

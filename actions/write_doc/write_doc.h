@@ -10,6 +10,7 @@
 #include "base/occurrences.h"
 #include "codecs/document/document_template.h"
 #include "codecs/document/document_text.h"
+#include "codecs/document/template_list.h"
 
 #include <map>
 
@@ -22,6 +23,8 @@ class ActionWriteDoc final : public ParamAction<ActionWriteDoc, WriteDocParams, 
 public:
     ActionWriteDoc(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<WriteDocParams> &paramTable() { return writeDocParamTable(); }
+    /// Any file in the folder of relative names: the rows name the documents.
+    QVector<TargetUse> targets() const override;
     bool templateMarks(const QString &file, QVector<TemplateMark> *marks) override;
 
 protected:
@@ -29,6 +32,7 @@ protected:
     bool step() override;
     void finish() override;
     QString message(TemplateProblem problem, const QString &name) const override;
+    QString sourceOf(TemplateProblem problem) const override;
 
 private:
     /// A column of texts or images.
@@ -37,7 +41,7 @@ private:
         QString name;
         int input = -1;
         bool isFound = false; ///< a template of this run has its marker
-        bool isSplit = false; ///< a template has a marker that runs divide
+        bool isLeft = false;  ///< a template has its marker where a run does not find it
     };
     /// Everything of one run.
     struct Run
@@ -53,9 +57,9 @@ private:
         std::map<QByteArray, qint64> templates; ///< the same of templates, and the first row
         qint64 templateRow = 0;                 ///< first row with the current template
         Occurrences innerBreaks;                ///< line breaks inside text elements
-        Occurrences otherKinds; ///< documents with another extension than their templates
-        Occurrences split;      ///< markers that runs divide
-        qint64 row = 0;         ///< number of the current row, from 1
+        Occurrences otherKinds;    ///< documents with another extension than their templates
+        Occurrences moreTemplates; ///< templates with markers that are left but not named
+        qint64 row = 0;            ///< number of the current row, from 1
     };
 
     // Each returns false after it has failed the run.
@@ -63,14 +67,18 @@ private:
     bool findColumns(const OneRow &columns);
     bool findColumn(const OneRow &columns, const QString &name, int *input);
     bool writeRow(const OneRow &row);
-    /// Count a document whose extension is not that of its template.
-    void noteKind(const QString &name);
+    /// Fail for an empty cell; `file` is what it should name.
+    bool failNoName(TemplateProblem problem, const QString &file);
     /// Write the document of a row from the current template.
     bool fillDocument(const OneRow &row, const QString &name);
     /// Open the template and search it, unless it is the one of the row before.
     bool useTemplate(const QString &name);
     /// Remember for the end of the run which markers the template has.
-    void noteMarkers(const QString &name);
+    void noteMarkers();
+    /// Warn about the markers of the template that no document fills.
+    void reportLeftMarkers();
+    /// Why a run leaves the marker in the documents, with the remedy; empty if it does not.
+    QString whyLeft(const document::TemplateMarker &marker);
     /// Refuse a document that an earlier row has written, or has used as its template.
     bool checkName(const QString &name);
     /// Add the texts of a row as markup, as far as the template needs them.
@@ -89,8 +97,11 @@ private:
     document::TemplateOptions templateOptions() const;
     /// Always false, like every failure: the member decides which message it gets.
     bool failDocument(const Fault<opc::Error> &fault);
-    /// Which cell has the name of a file that failed.
+    /// The cell of the current row in a column, and that cell as the source of a name.
+    QString placeOf(const QString &column) const;
     QString rowReason(const QString &column) const;
+    /// The column with the name of the file that has the problem.
+    const QString &columnOf(TemplateProblem problem) const;
     // Warnings at the end of a run: each names a count and the first case.
     void reportTexts();
     void reportMarkers();

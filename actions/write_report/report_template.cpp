@@ -3,6 +3,9 @@
 #include "actions/write_report/shipped_template.h"
 #include "actions/write_report/write_report.h"
 #include "codecs/document/part_locations.h"
+#include "corvanta/main_ui.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -115,11 +118,36 @@ bool ActionWriteReport::findParts(const QByteArray &folder)
         return failPackage(found.fault(), TemplateProblem::CannotReadPart);
     }
     m_run.charts = *std::move(found);
+    if (m_run.charts.isOfKind) {
+        return true;
+    }
     const QByteArray top = folder.first(folder.indexOf('/') + 1);
-    return m_run.charts.isOfKind ||
-           failWith(TemplateProblem::CannotReadTemplate, templateName(),
-                    u"the package has no folder %1: its extension does not fit its content"_s.arg(
-                        QLatin1StringView(top)));
+    const QString reason = otherPackageReason();
+    return failWith(
+        TemplateProblem::CannotReadTemplate, templateName(),
+        reason.isEmpty()
+            ? u"the package has no folder %1: its extension does not fit its content"_s.arg(
+                  QLatin1StringView(top))
+            : reason);
+}
+
+void ActionWriteReport::reportWorkbooks()
+{
+    const auto hasWorkbook = [](const ChartPart &part) {
+        return part.text.contains("externalData ");
+    };
+    const auto &parts = m_run.charts.parts;
+    const auto first = std::find_if(parts.begin(), parts.end(), hasWorkbook);
+    if (first == parts.end()) {
+        return;
+    }
+    const document::PartLocations locations(templateReader());
+    MainUI::addLog(
+        MainUI::Info,
+        u"Note: %1 charts of the document '%2' keep the workbook of the template, first that with the tag '%3' (%4): \"Edit data\" in an office program shows the data of the template, and not that of the chart. To change the chart, run the graph with other rows\n"_s
+            .arg(QString::number(std::count_if(first, parts.end(), hasWorkbook)), documentFile(),
+                 first->tags.front().reference,
+                 placeOf(locations, first->member, chartFolderOf(templateName()))));
 }
 
 } // namespace corvanta

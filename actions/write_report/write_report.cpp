@@ -2,7 +2,6 @@
 
 #include "actions/write_report/report_problems.h"
 #include "actions/write_report/shipped_template.h"
-#include "corvanta/main_ui.h"
 
 #include <QFileInfo>
 
@@ -381,22 +380,6 @@ void ActionWriteReport::reportValues(const charts::ChartTag &tag, const ReportCh
                     .arg(QString::number(bad.count), chart.axes[axis].column, tag.reference,
                          QString::number(bad.firstIndex + 1)));
         }
-    }
-}
-
-void ActionWriteReport::reportWorkbooks() const
-{
-    const auto hasWorkbook = [](const ChartPart &part) {
-        return part.text.contains("externalData ");
-    };
-    const auto &parts = m_run.charts.parts;
-    const auto first = std::find_if(parts.begin(), parts.end(), hasWorkbook);
-    if (first != parts.end()) {
-        MainUI::addLog(
-            MainUI::Info,
-            u"Note: %1 charts of the document '%2' have the workbook of the template, first '%3': \"Edit data\" in an office program shows the data of the template, and not that of the chart\n"_s
-                .arg(QString::number(std::count_if(first, parts.end(), hasWorkbook)),
-                     documentFile(), QString::fromUtf8(first->member)));
     }
 }
 

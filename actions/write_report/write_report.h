@@ -101,7 +101,7 @@ private:
     void reportValues(const charts::ChartTag &tag, const ReportChart &chart,
                       const charts::SeriesReport &found);
     /// Log how many charts have a workbook with other data.
-    void reportWorkbooks() const;
+    void reportWorkbooks();
 
     RunState m_run;
 };

@@ -120,9 +120,9 @@ Result<void, Error> DocumentTemplate::readPart(Entry &entry)
         !done) {
         return done.fault();
     }
-    entry.part = DocumentPart::ofText(
-        prepared(*text, entry.member.name, placeholders), m_options.markers, m_options.joinsRuns,
-        m_options.fitsImages ? placeholders : std::vector<Placeholder>());
+    entry.part =
+        DocumentPart::ofText(prepared(*text, placeholders), m_options.markers, m_options.joinsRuns,
+                             m_options.fitsImages ? placeholders : std::vector<Placeholder>());
     entry.part->noteTexts(&m_hasText, &m_hasAttribute);
     return {};
 }
@@ -152,18 +152,12 @@ Result<void, Error> DocumentTemplate::readRelationships(const QByteArray &part,
     return {};
 }
 
-QByteArray DocumentTemplate::prepared(const QByteArray &text, const QByteArray &name,
-                                      const std::vector<Placeholder> &placeholders)
+QByteArray DocumentTemplate::prepared(const QByteArray &text,
+                                      const std::vector<Placeholder> &placeholders) const
 {
-    const std::vector<QByteArray> markers = escapedMarkers(m_options.markers.texts);
-    QByteArray joined = text;
-    if (m_options.joinsRuns) {
-        joined = opc::joinMarkers(text, markers);
-    } else {
-        for (const opc::SplitMarker &split : opc::findSplitMarkers(text, markers)) {
-            m_split.push_back({split.marker, name});
-        }
-    }
+    const QByteArray joined = m_options.joinsRuns
+                                  ? opc::joinMarkers(text, escapedMarkers(m_options.markers.texts))
+                                  : text;
     return withPictureMode(joined, placeholders, m_options.linksImages);
 }
 

@@ -44,13 +44,6 @@ struct StoredImage
 /// linksImages, where the targets of RowValues are complete.
 using RowImages = std::vector<std::shared_ptr<const StoredImage>>;
 
-/// A marker that stays in the documents because runs divide it.
-struct LeftMarker
-{
-    int column = 0;  ///< of MarkerLists::texts
-    QByteArray part; ///< that holds it
-};
-
 /// The parts are searched once, by read(); write() changes nothing but the kept bytes of members,
 /// so it can be called for any number of rows.
 class DocumentTemplate
@@ -68,8 +61,6 @@ public:
     bool hasText(size_t column) const { return m_hasText[column]; }
     bool hasAttribute(size_t column) const { return m_hasAttribute[column]; }
     bool hasImage(size_t column) const { return m_hasImage[column]; }
-    /// Empty with joinsRuns.
-    const std::vector<LeftMarker> &splitMarkers() const { return m_split; }
 
     /// Write all members of a document but its directory. Fills the targets of `values` from
     /// `images`. Errors: those of MemberWriter, and those of the content types.
@@ -98,8 +89,7 @@ private:
     Result<QByteArray, opc::Error> textOf(const zip::Member &member);
     /// The text of a part with what does not depend on the rows: joined markers, and pictures that
     /// refer to stored or linked images.
-    QByteArray prepared(const QByteArray &text, const QByteArray &name,
-                        const std::vector<Placeholder> &placeholders);
+    QByteArray prepared(const QByteArray &text, const std::vector<Placeholder> &placeholders) const;
     /// The folder of pictures, relative to the parts that show them.
     QByteArray mediaFolder() const;
     /// Give the pictures of a row their members, and set the targets of `values` to them.
@@ -121,7 +111,6 @@ private:
     std::vector<bool> m_hasText;
     std::vector<bool> m_hasAttribute;
     std::vector<bool> m_hasImage;
-    std::vector<LeftMarker> m_split;
 };
 
 } // namespace corvanta::document

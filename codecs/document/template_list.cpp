@@ -46,6 +46,7 @@ void addPictures(const QByteArray &relationships, TemplateMarker marker,
                  std::vector<TemplateMarker> &all)
 {
     marker.location = u"picture in the %1"_s.arg(marker.location);
+    marker.isPicture = true;
     for (opc::TagCursor cursor(relationships); cursor.next();) {
         const auto type = cursor.tag().attribute("Type");
         const auto target = cursor.tag().attribute("Target");

@@ -22,6 +22,7 @@ struct TemplateMarker
     int runs = 1;           ///< that divide it
     bool isInBody = true;   ///< a part that is searched without allParts
     bool isEscaped = false; ///< the part holds it in another form, with references for characters
+    bool isPicture = false; ///< in the target of a picture, not in a text
 };
 
 /// The markers of a Word document or presentation in the order of its members; none for another

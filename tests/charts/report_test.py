@@ -253,8 +253,9 @@ class Report(unittest.TestCase):
         log, _ = self.fill(output="out.docx")
         self.assertEqual(log, [
             (2, "Warning: the name of the document '{folder}/out.docx' does not end like that of its template: Office programs may refuse to open it.\n"),
-            (3, f"Note: 1 charts of the document '{{folder}}/out.docx' have the workbook of the template, first '{PART}': \"Edit data\" in an office "
-             "program shows the data of the template, and not that of the chart\n")])
+            (3, f"Note: 1 charts of the document '{{folder}}/out.docx' keep the workbook of the template, first that with the tag 's' (sheet chart): "
+             "\"Edit data\" in an office program shows the data of the template, and not that of the chart. To change the chart, run the graph "
+             "with other rows\n")])
 
     def test_templates_that_cannot_be_used(self):
         unknown = "\nERROR: template file {folder}/%s has unknown extention type (not .xlsx, .pptx, .docx).\n"

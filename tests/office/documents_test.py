@@ -2,15 +2,17 @@
 """Documents that writeDoc and writeDocTable make of templates: documents_test.py CORVANTA CORPUS [TEST...]"""
 import pathlib
 import re
+import subprocess
 import sys
 import unittest
 import zipfile
 
-from document_case import DOCUMENT, LINK, RELATIONSHIPS, DocumentTest, members, office, rewrite
+from document_case import CORVANTA, DOCUMENT, LINK, RELATIONSHIPS, DocumentTest, members, office, rewrite
 
 CORPUS = pathlib.Path(sys.argv[2])
 TYPES = "[Content_Types].xml"
 FORBIDDEN = "ERROR: {} has {} characters that XML does not allow: remove them from the data.\n"
+LEFT = "Warning: {} markers of the template '{}/t.docx' stay in the documents: {}.\n"
 BREAKS = "Warning: {} line breaks are inside text elements, where some programs do not show them, first in {}: set strictMarkup='1'.\n"
 
 
@@ -18,7 +20,9 @@ class WriteDoc(DocumentTest):
     def test_texts_replace_every_marker(self):
         self.word(office.paragraph("1 %text% 2 %text%%text% %text %Text%") + office.paragraph('<w:x a="%text%"/>'))
         body = self.letter("a & <b> ]]> é\r\nc\nd\\ne\"")[DOCUMENT].decode()
-        self.assertEqual(self.log[2][0], BREAKS.format(2, "row 1, column 'text'"))
+        self.assertEqual(self.log[2], [LEFT.format(1, self.folder, "'%Text%' in body (no column of this name in 'text')"),
+                                       BREAKS.format(2, "row 1, column 'text'"),
+                                       "Warning: no template has a marker for 1 of the columns: '%photo%'.\n"])
         value = "a &amp; &lt;b> ]]&gt; é<w:br/>c<w:br/>d\\ne\""
         self.assertIn(f"<w:t>1 {value} 2 {value}{value} %text %Text%</w:t>", body)
         self.assertIn('a="a &amp; &lt;b> ]]&gt; é&#10;c&#10;d\\ne&quot;"', body)
@@ -79,8 +83,8 @@ class WriteDoc(DocumentTest):
     def test_markers_that_runs_divide(self):
         self.word("<w:p><w:r><w:t>[%te</w:t></w:r><w:r><w:rPr><w:b/></w:rPr><w:t>xt%]</w:t></w:r></w:p>")
         self.assertEqual(self.letter()[DOCUMENT], members(self.folder / "t.docx")[DOCUMENT])
-        self.assertRegex(self.log[2][0], "^Warning: 1 markers are divided into several runs and stay in the documents, first '%text%' in "
-                         "the part 'word/document.xml' of '.*t.docx': type each marker again in one go, or set joinRuns='1'.\n$")
+        self.assertEqual(self.log[2][0], f"Warning: 1 markers of the template '{self.folder}/t.docx' stay in the documents: '%text%' in body (type "
+                         "it again in one go, or set joinRuns='1').\n")
         self.assertIn(b"<w:t>[x</w:t></w:r><w:r><w:rPr><w:b/></w:rPr><w:t>]</w:t>", self.letter(attributes="joinRuns='1'")[DOCUMENT])
 
     def test_markers_with_escaped_characters(self):
@@ -102,14 +106,39 @@ class WriteDoc(DocumentTest):
 
     def test_all_parts(self):
         self.word(office.paragraph("%text%"), footer=office.paragraph("%text%"))
-        self.assertIn(b"%text%", self.letter()["word/footer1.xml"])
-        self.assertIn(b"<w:t>x</w:t>", self.letter(attributes="allParts='1'")["word/footer1.xml"])
+        self.assertIn(b"%text%", self.letter(images=())["word/footer1.xml"])
+        self.assertEqual(self.log[2], [LEFT.format(1, self.folder, "'%text%' in footer 1 (set allParts='1')")])
+        self.assertIn(b"<w:t>x</w:t>", self.letter(attributes="allParts='1'", images=())["word/footer1.xml"])
+        self.assertEqual(self.log[2], [])
+
+    def test_markers_that_nothing_fills(self):
+        names = [chr(97 + i) for i in range(12)]
+        self.word(office.paragraph("5%, 10% %text%" + "".join(f" %{name}%" for name in names)) + f"<w:p>{office.picture('rId2', 40, 40)}</w:p>",
+                  LINK, footer="<w:p><w:r><w:t>%te</w:t></w:r><w:r><w:t>xt%</w:t></w:r></w:p>")
+        self.letter(images=())
+        left = [f"'%{name}%' in body (no column of this name in 'text')" for name in names]
+        self.assertEqual(self.log[2], [LEFT.format(14, self.folder, ", ".join([*left[:10], "..."]))])
+        self.word(office.paragraph("%text%") + f"<w:p>{office.picture('rId2', 40, 40)}</w:p>", LINK,
+                  footer="<w:p><w:r><w:t>%te</w:t></w:r><w:r><w:t>xt%</w:t></w:r></w:p>")
+        self.letter(images=())
+        self.assertEqual(self.log[2], [LEFT.format(
+            2, self.folder, "'%photo%' in picture in the body (no column of this name in 'image'), '%text%' in footer 1 (type it again in one "
+            "go, or set joinRuns='1'; set allParts='1')")])
+        # The warnings come before an error; those of many templates are counted.
+        for i in range(12):
+            (self.folder / f"t{i}.docx").write_bytes((self.folder / "t.docx").read_bytes())
+        rows = [(f"o{i}.docx", f"t{i % 12}.docx", "", "") for i in range(24)]
+        _, log = self.write_doc(rows, images=())
+        self.assertEqual((len(log[2]), log[2][-1]), (
+            11, f"Warning: 2 more templates have markers that stay in the documents, first '{self.folder}/t10.docx': \"corvanta check --template\" "
+            "lists the markers of a template.\n"))
 
     def test_names_of_another_kind_than_the_template(self):
-        self.word(office.paragraph("%text%%T1%"), name="t.dotx")
+        self.word(office.paragraph("%text%"), name="t.dotx")
         _, log = self.write_doc([("out.docx", "t.dotx", "", ""), ("out", "t.dotx", "", "")], images=())
         self.assertEqual(log[2], [f"Warning: the names of 2 documents do not end like those of their templates, first '{self.folder}/out.docx'"
                                   ": Office programs may refuse to open them.\n"])
+        self.word(office.paragraph("%T1%"), name="t.dotx")
         reader = self.table([("a",), ("1",)])
         _, log = self.run_graph([reader, "<writeDocTable template='t.dotx' output='out.docx'><v colWidths='9'/></writeDocTable>"])
         self.assertIn(f"Warning: the name of the document '{self.folder}/out.docx' does not end like that of its template: Office programs "
@@ -119,6 +148,25 @@ class WriteDoc(DocumentTest):
         self.word(office.paragraph("nothing"))
         self.assertEqual(self.letter(), members(self.folder / "t.docx"))
         self.assertEqual(self.log[2], ["Warning: no template has a marker for 2 of the columns: '%text%', '%photo%'.\n"])
+
+    def test_names_that_are_empty(self):
+        self.word(office.paragraph("%text%"))
+        for row, message, reason in (
+                (("", "t.docx", "", ""), "\nERROR: Cannot write Ouput file ''.\n", "the name of the document is empty: row 2, column 'wordFile'"),
+                (("out.docx", "", "", ""), "\nERROR: cannot read Report Template file \n",
+                 "the name of the template is empty: row 2, column 'templateFile'")):
+            done = self.write_doc([("first.docx", "t.docx", "", ""), row], images=())
+            self.fails(message, done, reason)
+            self.assertEqual(done[1][2], [])
+
+    def test_outputs_are_listed(self):
+        self.write_doc([("out.docx", "t.docx", "", "")])
+        graph = (self.folder / "g.graph").read_text()
+        # Two actions may write to one folder.
+        more = "<action id='b'><writeDoc><text><s>text</s></text></writeDoc></action><link from='a0:0' to='b:0'/></graph>"
+        (self.folder / "g.graph").write_text(graph.replace("</graph>", more))
+        done = subprocess.run([CORVANTA, "check", "g.graph", "--list-outputs"], cwd=self.folder, capture_output=True, text=True, check=False)
+        self.assertEqual((done.stdout, done.stderr), (f"{self.folder}/*\n", ""))
 
     def test_no_rows(self):
         self.assertEqual(self.write_doc([]), (0, {1: [], 2: ["Warning: no document is written: the input has no rows.\n"], 3: []}))
@@ -134,6 +182,8 @@ class WriteDoc(DocumentTest):
         (self.folder / "cut.docx").write_bytes(whole[:-40])
         office.package(self.folder / "empty.docx", {})
         (self.folder / "t.pptx").write_bytes(whole)
+        (self.folder / "old.doc").write_bytes(bytes.fromhex("d0cf11e0a1b11ae1") + bytes(600))
+        office.package(self.folder / "t.odt", {"content.xml": b"<a/>"})
         bad = re.sub(rb"(?<=w:t>)%te", b"%tE", whole)  # nothing to find: the bytes are deflated
         self.assertEqual(bad, whole)
         cannot = "\nERROR: cannot read Report Template file {}\n"
@@ -141,9 +191,13 @@ class WriteDoc(DocumentTest):
                 ("gone.docx", cannot, "no file of this name"), ("none.docx", cannot, "the file is empty"),
                 ("none.docx", "\nERROR: template file is empty.\n", None), ("cut.docx", cannot, "not a package|truncated"),
                 ("empty.docx", "\nERROR: template file is empty.\n", None),
-                ("t.pptx", "\nERROR: problem reading 'ppt/presentation.xml' in the template file(1)\n", "is not there")):
+                ("t.pptx", "\nERROR: problem reading 'ppt/presentation.xml' in the template file(1)\n", "is not there"),
+                ("t.odt", "\nERROR: problem reading 'ppt/presentation.xml' in the template file(1)\n", "it is not an Office package"),
+                ("old.doc", cannot, "the file is not an Office template, but an old one")):
             with self.subTest(name):
-                self.fails(message.format(self.folder / name), self.write_doc([("out.docx", name, "", "")]), reason)
+                done = self.write_doc([("out.docx", name, "", "")])
+                self.fails(message.format(self.folder / name), done, reason)
+                self.assertRegex(done[1][3][-1], "the name is in row 1, column 'templateFile'")
 
     def test_damaged_members(self):
         self.word(office.paragraph("%text%") + f"<w:p>{office.picture('rId2', 40, 40)}</w:p>", LINK)

@@ -1,0 +1,150 @@
+// What writeDoc says about templates and their markers: for "check --template", when a run first
+// uses a template, and at the end of the run.
+#include "actions/write_doc/write_doc.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+/// Templates whose markers a run names; the others are only counted.
+constexpr size_t kMaxReportedTemplates = 10;
+constexpr qsizetype kMaxReportedMarkers = 10;
+
+/// What to do so that a run with these parameters finds the marker; empty if it does.
+QString remedyFor(const document::TemplateMarker &marker, bool joinRuns, bool allParts)
+{
+    QStringList remedies;
+    if (marker.runs > 1 && !joinRuns) {
+        remedies << u"type it again in one go, or set joinRuns='1'"_s;
+    } else if (marker.isEscaped && !joinRuns) {
+        remedies << u"set joinRuns='1'"_s;
+    }
+    if (!marker.isInBody && !allParts) {
+        remedies << u"set allParts='1'"_s;
+    }
+    return remedies.join(u"; "_s);
+}
+
+/// A text such as "5%, at most 10%" looks like a marker, too.
+bool beginsLikeName(const QString &marker)
+{
+    return marker[1].isLetter() || marker[1] == u'_';
+}
+
+} // namespace
+
+bool ActionWriteDoc::templateMarks(const QString &file, QVector<TemplateMark> *marks)
+{
+    if (!openTemplate(file)) {
+        return false;
+    }
+    if (const QString reason = otherPackageReason(); !reason.isEmpty()) {
+        return failWith(TemplateProblem::CannotReadTemplate, file, reason);
+    }
+    const auto listed = document::listTemplate(templateReader());
+    if (!listed) {
+        return failPackage(listed.fault(), TemplateProblem::CannotReadPart);
+    }
+    for (const document::TemplateMarker &one : *listed) {
+        marks->push_back({one.text, one.location, QString::fromUtf8(one.part), one.count, one.runs,
+                          remedyFor(one, false, false)});
+    }
+    closeFiles();
+    return true;
+}
+
+void ActionWriteDoc::noteMarkers()
+{
+    const document::DocumentTemplate &source = *m_run->source;
+    for (size_t i = 0; i < m_run->texts.size(); ++i) {
+        m_run->texts[i].isFound |= source.hasText(i) || source.hasAttribute(i);
+    }
+    for (size_t i = 0; i < m_run->images.size(); ++i) {
+        m_run->images[i].isFound |= source.hasImage(i);
+    }
+}
+
+QString ActionWriteDoc::whyLeft(const document::TemplateMarker &marker)
+{
+    std::vector<Column> &columns = marker.isPicture ? m_run->images : m_run->texts;
+    const auto column = std::find_if(columns.begin(), columns.end(), [&](const Column &one) {
+        return marker.text == u'%' + one.name + u'%';
+    });
+    if (column != columns.end()) {
+        const QString remedy = remedyFor(marker, m_params.joinRuns, m_params.allParts);
+        column->isLeft |= !remedy.isEmpty();
+        return remedy;
+    }
+    return beginsLikeName(marker.text)
+               ? u"no column of this name in '%1'"_s.arg(marker.isPicture ? u"image"_s : u"text"_s)
+               : QString();
+}
+
+void ActionWriteDoc::reportLeftMarkers()
+{
+    // A part that cannot be read has its own message, or is copied unchanged.
+    const auto listed = document::listTemplate(templateReader());
+    qint64 count = 0;
+    QStringList names;
+    for (const document::TemplateMarker &marker :
+         listed ? *listed : std::vector<document::TemplateMarker>()) {
+        if (const QString why = whyLeft(marker); !why.isEmpty()) {
+            count += marker.count;
+            names << u"'%1' in %2 (%3)"_s.arg(marker.text, marker.location, why);
+        }
+    }
+    if (count == 0) {
+        return;
+    }
+    if (m_run->templates.size() > kMaxReportedTemplates) {
+        m_run->moreTemplates.add([&] { return templateName(); });
+        return;
+    }
+    if (names.size() > kMaxReportedMarkers) {
+        names = names.first(kMaxReportedMarkers) << u"..."_s;
+    }
+    warn(u"Warning: %1 markers of the template '%2' stay in the documents: %3.\n"_s.arg(
+        QString::number(count), templateName(), names.join(u", "_s)));
+}
+
+void ActionWriteDoc::reportTexts()
+{
+    if (m_run->otherKinds.any()) {
+        warn(
+            u"Warning: the names of %1 documents do not end like those of their templates, first '%2': Office programs may refuse to open them.\n"_s
+                .arg(QString::number(m_run->otherKinds.count()), m_run->otherKinds.first()));
+    }
+    if (m_run->innerBreaks.any()) {
+        warn(
+            u"Warning: %1 line breaks are inside text elements, where some programs do not show them, first in %2: set strictMarkup='1'.\n"_s
+                .arg(QString::number(m_run->innerBreaks.count()), m_run->innerBreaks.first()));
+    }
+}
+
+void ActionWriteDoc::reportMarkers()
+{
+    if (m_run->moreTemplates.any()) {
+        warn(
+            u"Warning: %1 more templates have markers that stay in the documents, first '%2': \"corvanta check --template\" lists the markers of a template.\n"_s
+                .arg(QString::number(m_run->moreTemplates.count()), m_run->moreTemplates.first()));
+    }
+    QStringList missing;
+    for (const std::vector<Column> *list : {&m_run->texts, &m_run->images}) {
+        for (const Column &column : *list) {
+            if (!column.isFound && !column.isLeft) {
+                missing << u"'%%1%'"_s.arg(column.name);
+            }
+        }
+    }
+    // Only of a good run: a failed one may not have come to the template with the marker.
+    if (!missing.isEmpty() && runIsGood()) {
+        warn(u"Warning: no template has a marker for %1 of the columns: %2.\n"_s.arg(
+            QString::number(missing.size()), missing.join(u", "_s)));
+    }
+}
+
+} // namespace corvanta
