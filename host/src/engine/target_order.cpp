@@ -56,11 +56,15 @@ public:
         const QFileInfo info(name);
         return {of(info.path()), info.fileName()};
     }
-    /// The text by which targets are compared; empty for a pipe or device.
+    /// The text by which targets are compared; empty for a pipe or device, and for any name.
     QString keyOf(const TargetUse &use)
     {
         if (use.isPattern) {
             const Place place = placeOf(use.name);
+            // Any name: several actions may write different files to one folder.
+            if (place.entry == "*"_L1) {
+                return {};
+            }
             return place.folder + "/\\*/"_L1 + place.entry; // no file name contains a slash
         }
         const QFileInfo info(of(use.name));
