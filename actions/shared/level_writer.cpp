@@ -208,6 +208,7 @@ bool LevelWriter::writeRow(const OneRow &row)
     m_run->block->beginRow(rowNumber());
     // Composing reports no failures itself; the block keeps the first one.
     m_run->composer->putRow(row.view());
+    noteLackingValues();
     return m_run->block->failure() == compose::TextBlock::Failure::None || checkBlock();
 }
 
@@ -294,6 +295,7 @@ bool LevelWriter::endFile()
     // A composer exists once a table was seen.
     if (m_run->composer) {
         m_run->composer->endElements();
+        noteLackingValues();
     }
     if (!flush()) {
         return false;
@@ -332,10 +334,36 @@ void LevelWriter::reportReplaced()
     m_run->block->resetReplaced();
 }
 
+void LevelWriter::noteLackingValues()
+{
+    const compose::LackingValues &lacking = m_run->composer->lackingValues();
+    if (lacking.count == 0 || !m_run->lackingPlace.isEmpty()) {
+        return;
+    }
+    m_run->lackingPlace = u"row %1"_s.arg(rowNumber());
+    if (lacking.column >= 0) {
+        m_run->lackingPlace += u", column '%1'"_s.arg(getInputColumns(0)->colName(lacking.column));
+    }
+}
+
+void LevelWriter::reportLackingValues()
+{
+    if (m_run->composer && m_run->composer->lackingValues().count > 0) {
+        warn(
+            u"Warning: %1 items write nothing where the text around them in the %2 file '%3' needs a value, first at %4: the file is not valid. Let missing values be written (nullString, nullNumber, nan), or change the text items\n"_s
+                .arg(QString::number(m_run->composer->lackingValues().count), texts().format,
+                     fileName(), m_run->lackingPlace));
+    }
+}
+
 void LevelWriter::complete()
 {
-    if (endFile() && !m_run->hasFile) {
+    const bool done = endFile();
+    if (done && !m_run->hasFile) {
         warnNoFile();
+    }
+    if (done) {
+        reportLackingValues();
     }
 }
 

@@ -90,6 +90,7 @@ private:
         std::vector<std::pair<std::u16string, QString>> keys;
         // Null until the columns are known.
         std::unique_ptr<compose::LevelComposer> composer;
+        QString lackingPlace; // see noteLackingValues()
     };
 
     QString messageAbout(const QString &problem) const;
@@ -101,6 +102,9 @@ private:
     void keepKeys(const std::vector<compose::ComposeLevel> &levels, const OneRow &columns);
     /// Warn about characters that the file cannot hold.
     void reportReplaced();
+    /// Remember where the first value is left out that the file needs.
+    void noteLackingValues();
+    void reportLackingValues();
     // Functions that return bool return true for success; otherwise the run has failed or ended.
     /// Open targetName() and write what comes before the elements.
     bool openFile();

@@ -129,12 +129,49 @@ private:
 
 } // namespace
 
+namespace {
+
+/// The text without the blanks at its ends.
+QStringView trimmed(std::u16string_view text)
+{
+    return QStringView(text.data(), static_cast<qsizetype>(text.size())).trimmed();
+}
+
+/// Whether the text ends inside of a string.
+bool isInString(QStringView text)
+{
+    bool isOpen = false;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == u'\\') {
+            ++i; // an escaped quote
+        } else if (text[i] == u'"') {
+            isOpen = !isOpen;
+        }
+    }
+    return isOpen;
+}
+
+/// A key and a comma before or after need a value; inside of a string nothing does.
+bool needsJsonValue(std::u16string_view before, std::u16string_view after)
+{
+    const QStringView text = trimmed(before);
+    const bool isOpen = text.endsWith(u':') || text.endsWith(u',');
+    return (isOpen || trimmed(after).startsWith(u',')) && !isInString(text);
+}
+
+} // namespace
+
 LevelCompiler::Levels compileJsonLevels(const std::vector<WriteLevel> &levels,
                                         const RowView &columns, ComposeOperation::TextForm form)
 {
     const LevelCompiler compiler(levels, columns);
     const JsonItems items(compiler, levels, form);
-    return compiler.compile([&](size_t level, size_t item) { return items.compile(level, item); });
+    auto compiled =
+        compiler.compile([&](size_t level, size_t item) { return items.compile(level, item); });
+    if (compiled) {
+        markNeededValues(*compiled, needsJsonValue);
+    }
+    return compiled;
 }
 
 std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringList &toWrite)

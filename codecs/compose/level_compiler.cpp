@@ -165,6 +165,36 @@ static void addNewColumns(const ComposeOperation &operation, std::set<int> *seen
     }
 }
 
+static void markNeededValues(ComposeLevel &level, const NeedsValue &needsValue)
+{
+    using Kind = ComposeOperation::Kind;
+    std::vector<ComposeOperation> &operations = level.operations;
+    // An element without text leaves only the comma before it.
+    const bool isAlone = operations.size() == 1 && level.commaSeparated;
+    std::u16string before(isAlone ? u"," : u"");
+    const ComposeOperation none;
+    for (size_t i = 0; i < operations.size(); ++i) {
+        ComposeOperation &operation = operations[i];
+        const ComposeOperation &next = i + 1 < operations.size() ? operations[i + 1] : none;
+        const bool isValue = operation.kind == Kind::Values || operation.kind == Kind::RawValue;
+        // A comma that depends on a value may follow any text.
+        const bool isRequired = isValue && next.kind != Kind::CommaIfWritten;
+        const bool hasText = next.kind == Kind::Text;
+        operation.needsValue =
+            isRequired && needsValue(before, hasText ? next.text.view() : std::u16string_view());
+        operation.followsComma =
+            isRequired && i > 0 && operations[i - 1].kind == Kind::CommaIfWritten;
+        before += operation.kind == Kind::Text ? operation.text.view() : u"v";
+    }
+}
+
+void markNeededValues(std::vector<ComposeLevel> &levels, const NeedsValue &needsValue)
+{
+    for (ComposeLevel &level : levels) {
+        markNeededValues(level, needsValue);
+    }
+}
+
 std::vector<int> writtenColumns(const std::vector<ComposeLevel> &levels)
 {
     std::set<int> seen;

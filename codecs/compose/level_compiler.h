@@ -78,6 +78,14 @@ private:
     RowView m_columns; // a view: its names and types are the caller's
 };
 
+/// Whether a value may not be missing between two texts of an element. `before` is all text from
+/// its beginning, with "v" in place of values and sub-levels; `after` is the text directly after.
+/// Of the only value of an element that commas separate, `before` is the comma.
+using NeedsValue = std::function<bool(std::u16string_view before, std::u16string_view after)>;
+
+/// Set needsValue and followsComma of all operations.
+void markNeededValues(std::vector<ComposeLevel> &levels, const NeedsValue &needsValue);
+
 /// Indexes of the columns that the operations write, each once, in the order of their first use.
 /// Columns that only partition are not among them.
 std::vector<int> writtenColumns(const std::vector<ComposeLevel> &levels);

@@ -293,7 +293,10 @@ inline void LevelComposer::put(const Operation &operation, Cells cells)
         m_block.append(kQuote);
         break;
     case Operation::Kind::RawValue:
-        putRaw(operation.columns.front(), cells[operation.columns.front().input]);
+        if (!putRaw(operation.columns.front(), cells[operation.columns.front().input]) &&
+            operation.needsValue) {
+            countLacking(operation);
+        }
         break;
     case Operation::Kind::CommaIfWritten:
         m_block.append(m_lastWrote ? kComma : kNothing);
@@ -339,8 +342,17 @@ void LevelComposer::putValues(const Operation &operation, Cells cells)
     }
     if (wrote) {
         m_block.append(operation.tail);
+    } else if (operation.needsValue || (operation.followsComma && m_lastWrote)) {
+        countLacking(operation);
     }
     m_lastWrote = wrote;
+}
+
+void LevelComposer::countLacking(const Operation &operation)
+{
+    if (m_lacking.count++ == 0 && !operation.columns.empty()) {
+        m_lacking.column = operation.columns.front().input;
+    }
 }
 
 /// Write one value after `lead`. Returns false when the value is left out.
@@ -470,13 +482,19 @@ bool LevelComposer::putFloat(double value, const Column &column, const FixedText
 }
 
 /// Write a cell as text: numbers in their shortest form, missing cells as nothing.
-void LevelComposer::putRaw(const Column &column, const uchar *cell)
+bool LevelComposer::putRaw(const Column &column, const uchar *cell)
 {
     if (column.type == cell::Type::Text) {
-        m_block.append(cell::readText(cell).view());
-    } else if (char16_t *const out = m_block.reserve(kNumberChars)) {
-        m_block.commit(out + cell::putNumberText(column.type, cell, out));
+        const std::u16string_view text = cell::readText(cell).view();
+        m_block.append(text);
+        return !text.empty();
     }
+    qsizetype size = 0;
+    if (char16_t *const out = m_block.reserve(kNumberChars)) {
+        size = cell::putNumberText(column.type, cell, out);
+        m_block.commit(out + size);
+    }
+    return size > 0;
 }
 
 } // namespace corvanta::compose

@@ -73,6 +73,18 @@ struct ComposeOperation
     FixedText tail = {};              ///< of Values: after them, if one was written
     std::vector<Column> columns = {}; ///< at least one for QuotedValue and RawValue
     size_t subLevel = 0;              ///< index of the level
+    /// Of Values and RawValue: whether the file is not valid when nothing is written, as in {"a":}.
+    /// See markNeededValues().
+    bool needsValue = false;
+    /// Of Values: whether it must write a value if the CommaIfWritten before has written a comma.
+    bool followsComma = false;
+};
+
+/// Operations that wrote nothing where the text around them needs a value.
+struct LackingValues
+{
+    qint64 count = 0;
+    int column = -1; ///< index in the table of the first one's first column; -1: it has none
 };
 
 /// The operations of one element, in their order.
@@ -104,6 +116,8 @@ public:
     /// Finish all open levels; the next row starts as the first one did, without a comma. Does
     /// nothing when no row was written.
     void endElements();
+    /// Since the construction.
+    const LackingValues &lackingValues() const { return m_lacking; }
 
 private:
     using Cells = const uchar *const *; // by column of the table: of a row, or kept ones
@@ -139,8 +153,9 @@ private:
     // that the rules leave out. `lead` is the separator to write before it.
     void put(const Operation &operation, Cells cells);
     void putValues(const Operation &operation, Cells cells);
-    /// The only value that the rules do not apply to: a missing cell is empty.
-    void putRaw(const Column &column, const uchar *cell);
+    /// The only value that the rules do not apply to: a missing cell is empty. Returns false then.
+    bool putRaw(const Column &column, const uchar *cell);
+    void countLacking(const Operation &operation);
     /// Any cell; the functions after it write one kind of value.
     // A value with what surrounds it; texts by the form of their operation.
     bool putCell(Operation::TextForm form, const Column &column, const uchar *cell,
@@ -165,6 +180,7 @@ private:
     ValueRules m_rules;
     TextBlock &m_block;
     bool m_lastWrote = false; // whether the last Values operation wrote one
+    LackingValues m_lacking;
 };
 
 } // namespace corvanta::compose

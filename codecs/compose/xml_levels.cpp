@@ -188,6 +188,13 @@ private:
 
 } // namespace
 
+/// In a tag, its name and the value of an attribute.
+static bool needsXmlValue(std::u16string_view before, std::u16string_view)
+{
+    const bool isInTag = before.rfind(u'<') + 1 > before.rfind(u'>') + 1; // npos + 1 is 0
+    return isInTag && (before.ends_with(u'<') || before.ends_with(u'='));
+}
+
 LevelCompiler::Levels compileXmlLevels(const std::vector<WriteLevel> &levels,
                                        const RowView &columns, const XmlLayout &layout)
 {
@@ -197,6 +204,9 @@ LevelCompiler::Levels compileXmlLevels(const std::vector<WriteLevel> &levels,
         compiler.compile([&](size_t level, size_t item) { return items.compile(level, item); });
     for (size_t i = 0; compiled && i < levels.size(); ++i) {
         (*compiled)[i].lineBreak = fixed(items.lineBreak(i, 0));
+    }
+    if (compiled) {
+        markNeededValues(*compiled, needsXmlValue);
     }
     return compiled;
 }
