@@ -15,7 +15,7 @@ PanelLayout panelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Target"),
          {"mode", "fileNameSource", "fileNameDestination", "createDir"}},
         {QT_TRANSLATE_NOOP("Panels", "Sheet"),
-         {"sheetMode", "sheetIdx", "sheetName", "createIfNotExists", "startRow",
+         {"sheetMode", "sheetIdx", "sheetName", "createIfNotExists", "startRow", "keepStyles",
           "firstLineContainsColumnNames"}},
         shared::columnsGroup("ToWrite"),
         shared::rowsGroup(),

@@ -214,6 +214,12 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
             .label("Wide date columns in a new sheet")
             .meaning("Date columns of a new sheet are wide enough for their format. Off: they have "
                      "the default width, in which most programs show ### instead of a date."),
+        flag("keepStyles", &P::keepStyles)
+            .onlyWhen("mode", {QStringLiteral("2"), QStringLiteral("4")})
+            .label("Appended rows look like the last row")
+            .meaning("Appended rows get the cell formats of the last row of the sheet, if it is "
+                     "not its only row. Date columns keep their own format where that of the row "
+                     "shows no dates."),
         shared::testCol<P>(),
         shared::testValue<P>(),
         shared::writeAllRows<P>(),

@@ -92,6 +92,8 @@ struct WriteExcelParams : RowWriterParams
     DateDisplay dateFormatExcel = DateDisplay::Date;
     /// Date columns of a new sheet are wide enough for their format.
     bool dateWidths = false;
+    /// Appended rows get the cell formats of the last row of the sheet.
+    bool keepStyles = false;
     // Names of columns; names that the input lacks give a warning. A column in both lists is a
     // date.
     QStringList toDate;

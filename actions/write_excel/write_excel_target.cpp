@@ -169,6 +169,9 @@ bool ActionWriteExcel::openUpdate()
         return false;
     }
     reportRangeName((*workbook)->workbook().definedNames);
+    if (m_params.keepStyles) {
+        (*workbook)->keepRowStyles();
+    }
     // The output is opened last: a failure before it leaves no temporary file.
     addCellFormats(**workbook);
     m_run->workbook = std::move(*workbook);
@@ -238,7 +241,14 @@ void ActionWriteExcel::addSheet(xlsx::UpdatedWorkbook &workbook)
 {
     // Names that differ in case only count as different.
     const QStringList taken = workbook.workbook().sheetNames();
-    const QString name = xlsx::freeSheetName(makeSheetName(), taken);
+    const QString wanted = makeSheetName();
+    const QString name = xlsx::freeSheetName(wanted, taken);
+    if (name != wanted) {
+        MainUI::addLog(
+            MainUI::Info,
+            u"Note: the Excel file '%1' already has a sheet '%2': the new sheet is named '%3'\n"_s
+                .arg(m_run->source, wanted, name));
+    }
     reportSheetName(name, taken);
     workbook.addSheet(name);
 }

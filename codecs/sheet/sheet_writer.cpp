@@ -55,6 +55,20 @@ SheetWriter::SheetWriter(zip::PackageWriter &package, SheetOptions options,
     for (int i = 0; i < columnCount(); ++i) {
         m_references.emplace_back("<c r=\"" + columnLetters(i));
     }
+    m_hasStyle.resize(m_columns.size());
+}
+
+void SheetWriter::applyStyles()
+{
+    const size_t count = std::min(m_newStyles.size(), m_columns.size());
+    for (size_t i = 0; i < count; ++i) {
+        if (m_newStyles[i]) {
+            m_references[i] = Markup("<c s=\"" + QByteArray::number(*m_newStyles[i]) + "\" r=\"" +
+                                     columnLetters(static_cast<int>(i)));
+            m_hasStyle[i] = 1;
+        }
+    }
+    m_newStyles.clear();
 }
 
 void SheetWriter::commit()
@@ -153,6 +167,9 @@ Result<void, Error> SheetWriter::putHeader()
 
 Result<void, Error> SheetWriter::putRow(const RowView &row)
 {
+    if (!m_newStyles.empty()) {
+        applyStyles();
+    }
     bool isGood = startRow();
     for (int i = 0; isGood && i < columnCount(); ++i) {
         isGood = putCell(i, row);
@@ -254,7 +271,7 @@ bool SheetWriter::putDate(int column, std::u16string_view text)
         return false;
     }
     appendReference(column);
-    append(m_dateOpening);
+    append(openingFor(column, m_dateOpening, kValueOpening));
     m_out += putGeneral(*serial - m_options.firstDay, kSerialDigits, m_out);
     append(kValueClosing);
     return true;
@@ -297,7 +314,8 @@ bool SheetWriter::putLink(int column, const LinkText &link)
         number = m_urls.size();
     }
     m_linkUses.push_back({number, m_row, column});
-    return putEscaped(column, m_linkOpening, link.label, kTextClosing);
+    return putEscaped(column, openingFor(column, m_linkOpening, kTextOpening), link.label,
+                      kTextClosing);
 }
 
 bool SheetWriter::putEscaped(int column, const Markup &opening, std::u16string_view text,

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -105,6 +106,10 @@ public:
     /// Continue at another row; rows must increase, as readers expect them in order.
     void setRow(qint64 row) { m_row = row; }
 
+    /// Give the cells of rows, but not of the header, these cell formats by column; a column
+    /// without one keeps what the options say. Up to columnCount() entries.
+    void setStyles(std::vector<std::optional<quint64>> styles) { m_newStyles = std::move(styles); }
+
     /// Write XML unchanged. Errors: WriteFailed.
     Result<void, Error> put(QByteArrayView xml);
     /// Write the names of the columns as a row, as texts also where they look like formulas or
@@ -146,6 +151,13 @@ private:
     /// The start of the cell element up to its reference, for example <c r="B7.
     void appendReference(int column);
     bool startRow();
+    /// Put the formats of setStyles() into the beginnings of the cells.
+    void applyStyles();
+    /// `opening`, which has a format of its own, or `plain` in a column that has one already.
+    const Markup &openingFor(int column, const Markup &opening, const Markup &plain) const
+    {
+        return m_hasStyle[static_cast<size_t>(column)] != 0 ? plain : opening;
+    }
     /// `isGood`: whether all cells were written. Counts the row.
     Result<void, Error> endRow(bool isGood);
     // `column` is the position in the sheet, from 0.
@@ -168,7 +180,9 @@ private:
     zip::PackageWriter &m_package;
     SheetOptions m_options;
     std::vector<Column> m_columns;
-    std::vector<Markup> m_references; // <c r="XFD, followed by the row number
+    std::vector<Markup> m_references;                // <c r="XFD, followed by the row number
+    std::vector<char> m_hasStyle;                    // by column: m_references has a format
+    std::vector<std::optional<quint64>> m_newStyles; // until the next row
     DateParser *m_dates;
     CellReport m_report;
     Markup m_rowStart; // " spans="1:N">

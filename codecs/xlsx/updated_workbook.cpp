@@ -10,6 +10,7 @@
 //   xl/worksheets/_rels/sheetN.xml.rels     new addresses of hyperlinks, or copied
 #include "codecs/xlsx/updated_workbook.h"
 
+#include "codecs/xlsx/read/number_styles.h"
 #include "codecs/xlsx/sheet_tail.h"
 #include "codecs/xlsx/styles_part.h"
 
@@ -197,6 +198,9 @@ UpdatedWorkbook::CellFormats UpdatedWorkbook::changeStyles(const QByteArray &par
     if (!changed) {
         return CellFormats::NotAdded;
     }
+    if (m_rowStyles) {
+        m_forms = readNumberForms(changed->text);
+    }
     m_copy.put(part, changed->text);
     m_dateStyle = changed->dateStyle;
     m_linkStyle = changed->hyperlinkStyle;
@@ -226,9 +230,16 @@ Result<void, Error> UpdatedWorkbook::openSheet(sheet::SheetWriter &sheet)
     if (!m_splitter) {
         return put(sheet, newSheetHead(m_workbook.family, m_columnWidths));
     }
+    const auto putHead = [&] {
+        const QByteArray head = m_splitter->takeHead();
+        if (m_rowStyles) {
+            m_rowStyles->push(head, m_splitter->rowStart());
+        }
+        return put(sheet, head);
+    };
     const auto take = [&](QByteArrayView piece) -> Result<void, Error> {
         const auto split = m_splitter->push(piece);
-        return split ? put(sheet, m_splitter->takeHead()) : split;
+        return split ? putHead() : split;
     };
     auto done = m_copy.readInPieces(m_sheetPart, take);
     if (done) {
@@ -238,7 +249,27 @@ Result<void, Error> UpdatedWorkbook::openSheet(sheet::SheetWriter &sheet)
         return done;
     }
     sheet.setRow(static_cast<qint64>(m_splitter->firstRow1()));
-    return put(sheet, m_splitter->takeHead());
+    done = putHead();
+    if (m_rowStyles && !m_splitter->dropsRows()) {
+        sheet.setStyles(stylesFor(sheet));
+    }
+    return done;
+}
+
+std::vector<std::optional<quint64>>
+UpdatedWorkbook::stylesFor(const sheet::SheetWriter &sheet) const
+{
+    auto styles = m_rowStyles->styles();
+    styles.resize(sheet.columns().size());
+    for (size_t i = 0; i < styles.size(); ++i) {
+        const quint64 style = styles[i].value_or(0);
+        const bool showsDates =
+            style < m_forms.size() && m_forms[style] != sheet::NumberForm::General;
+        if (sheet.columns()[i].kind == sheet::Column::Kind::Date && !showsDates) {
+            styles[i].reset();
+        }
+    }
+    return styles;
 }
 
 SheetConflicts UpdatedWorkbook::conflicts(const WrittenCells &written) const

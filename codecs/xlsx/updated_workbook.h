@@ -2,6 +2,8 @@
 // change. Those parts are edited as text; all other members are copied unmodified.
 #pragma once
 #include "codecs/opc/package_copy.h"
+#include "codecs/sheet/workbook_reader.h"
+#include "codecs/xlsx/row_styles.h"
 #include "codecs/xlsx/sheet_splitter.h"
 #include "codecs/xlsx/workbook_part.h"
 #include "codecs/xlsx/workbook_target.h"
@@ -36,6 +38,10 @@ public:
     /// row for SheetSplitter::kAppend. Errors: Unexpected (the sheet has no relationship to a
     /// part), NoMember, Damaged, and those of the texts.
     Result<void, opc::Error> changeSheet(size_t index, quint64 startRow1);
+
+    /// Appended rows get the cell formats of the last row, as far as it has them. Call it before
+    /// addCellFormats().
+    void keepRowStyles() { m_rowStyles.emplace(); }
 
     enum class CellFormats : quint8 {
         Added,
@@ -76,6 +82,8 @@ private:
     /// Read the tables of the changed sheet, which new rows may cut or hide.
     void readTables();
     CellFormats changeStyles(const QByteArray &part, int dateFormat);
+    /// The formats for the columns of `sheet`; dates have only formats that show dates.
+    std::vector<std::optional<quint64>> stylesFor(const sheet::SheetWriter &sheet) const;
     void removeCalculationChain();
     Result<void, opc::Error> writeSheetRelationships(const sheet::SheetWriter &sheet);
 
@@ -89,6 +97,8 @@ private:
     QByteArray m_sheetPart;                  // as stored, for a changed sheet
     std::optional<SheetEntry> m_addedSheet;  // of a new sheet
     std::optional<SheetSplitter> m_splitter; // of a changed sheet
+    std::optional<RowStyles> m_rowStyles;    // if appended rows get them
+    std::vector<sheet::NumberForm> m_forms;  // of the cell formats, for m_rowStyles
     opc::Relationships m_sheetRelationships;
     std::vector<Table> m_tables; // of a changed sheet
     quint64 m_takenLinkIds = 0;  // ids up to "rId" + this are not used for links

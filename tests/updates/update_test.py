@@ -109,6 +109,27 @@ class ChangedParts(UpdateCase):
         self.assertIn('Id="rId8" Target="http://x.org', new[links].decode())
         self.assertIn("calcChain", new["xl/_rels/workbook.xml.rels"].decode())
 
+    def test_appended_rows_look_like_the_last_row(self):
+        sheet, parts = "xl/worksheets/sheet1.xml", plain_parts()
+        parts["xl/styles.xml"] = parts["xl/styles.xml"].replace(
+            '<cellXfs count="1"><xf xfId="0"/>', '<cellXfs count="4"><xf xfId="0"/><xf numFmtId="14"/><xf numFmtId="2"/><xf fontId="0"/>')
+        rows = {1: "<c r='A1' s='3'/><c r='B1' s='3'/>", 2: "<c r='A2' s='2'><v>1</v></c><c r='C2' s='{}'/><c s='2'/>"}
+
+        def appended(rows, attributes="keepStyles='1'"):
+            text = "".join(f"<row r='{n}'>{cells}</row>" for n, cells in rows.items())
+            parts[sheet] = f"<worksheet xmlns='{MAIN}'><sheetData>{text}</sheetData></worksheet>"
+            new = self.check(f"mode='2' sheetName='Data' startRow='0' {attributes}", parts, [sheet, "xl/worksheets/_rels/sheet1.xml.rels"])
+            return re.findall("<c [^>]*>", new[sheet].decode().partition(text)[2])
+
+        for style, day in ((1, '<c s="1" r="C4">'), (2, '<c r="C4" s="4">')):
+            found = appended({1: rows[1], 2: rows[2].format(style)})
+            text = 't="inlineStr">'
+            self.assertEqual(found[:8], [f'<c r="{column}3" {text}' for column in "ABCD"] + [
+                '<c s="2" r="A4">', f'<c r="B4" {text}', day, f'<c s="2" r="D4" {text}'])
+        # The only row is a header; without the parameter nothing changes.
+        self.assertIn('<c r="A3">', appended({1: rows[1]}))
+        self.assertIn('<c r="A4">', appended({1: rows[1], 2: rows[2]}, ""))
+
     def test_rows_beyond_the_last_of_a_sheet_are_appended_with_one_warning(self):
         sheet = "xl/worksheets/sheet2.xml"
         for last, header, warnings in ((1048574, 0, 0), (1048575, 0, 1), (1048576, 1, 1), (2000000, 0, 1)):
@@ -212,6 +233,11 @@ class Messages(UpdateCase):
     def test_a_missing_sheet_is_made(self):
         self.assertEqual(self.update("mode='2' sheetName='Later' startRow='9'", plain_parts()), (0, []))
         self.assertEqual(min(rows_of(members(self.book)["xl/worksheets/sheet3.xml"])), 1)
+
+    def test_a_new_name_is_noted(self):
+        write_workbook(self.book, plain_parts())
+        messages = run_update(CORVANTA, self.folder, "mode='1' sheetName='Data'", reasons=True)[1]
+        self.assertEqual(messages, ["Note: the Excel file 'book.xlsx' already has a sheet 'Data': the new sheet is named 'Data_2'\n"])
 
     def test_long_names_are_cut_once_and_stay_unique(self):
         name = "n" * 35
