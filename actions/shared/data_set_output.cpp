@@ -163,11 +163,11 @@ void DataSetOutput::warnNames()
 /// A misspelled name would lose its width, label and format silently.
 void DataSetOutput::warnDefinitions(const OneRow &columns)
 {
-    warnUnknown(u"StringColDef"_s, unknownNames(dataSetParams().stringColumns, columns), columns);
-    warnUnknown(u"VariableDef"_s, unknownNames(dataSetParams().variables, columns), columns);
+    warnUnknown(kStringColumns, unknownNames(dataSetParams().stringColumns, columns), columns);
+    warnUnknown(kVariableDefinitions, unknownNames(dataSetParams().variables, columns), columns);
 }
 
-void DataSetOutput::warnUnknown(const QString &parameter, const Occurrences &unknown,
+void DataSetOutput::warnUnknown(const char *parameter, const Occurrences &unknown,
                                 const OneRow &columns)
 {
     if (!unknown.any()) {
@@ -179,8 +179,9 @@ void DataSetOutput::warnUnknown(const QString &parameter, const Occurrences &unk
     }
     warn(
         u"Warning: writing %1 '%2': %4 names %3 that the input does not have; the first is '%5'%6\n"_s
-            .arg(fileKind(), fileName(), counted(unknown.count(), u"column"_s), parameter,
-                 unknown.first(), closeNameHint(unknown.first(), known)));
+            .arg(fileKind(), fileName(), counted(unknown.count(), u"column"_s),
+                 QString::fromLatin1(parameter), unknown.first(),
+                 closeNameHint(unknown.first(), known)));
 }
 
 /// What the format of a text column counts; None for a text.

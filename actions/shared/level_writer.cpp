@@ -50,7 +50,8 @@ QVector<ParameterProblem> LevelWriter::problems() const
     if (format.set(text)) {
         return {};
     }
-    return {{u"floatToString"_s, u"'%1' is not a format of a floating-point number"_s.arg(text)}};
+    return {{QString::fromLatin1(shared::kFloatToString),
+             u"'%1' is not a format of a floating-point number"_s.arg(text)}};
 }
 
 /// The message for a problem with the table or the parameters, which is not one of the file.

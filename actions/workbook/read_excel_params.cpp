@@ -109,9 +109,11 @@ const ParamTable<ReadExcelParams> &readExcelParamTable()
     // The order is that of saved graphs.
     static const ParamTable<P> table{
         shared::fileNameFromPin<P>(),
-        shared::sheetSelection<P>("Whether sheetIdx or sheetName selects the sheet.", "sheets",
-                                  {QStringLiteral("0")}),
-        text("sheetName", &P::sheetName)
+        shared::sheetMode<P>("Whether sheetIdx or sheetName selects the sheet.", "sheets",
+                             {QStringLiteral("0")})
+            .otherwise("reads the sheet of sheetIdx"),
+        shared::sheetIdx<P>("sheets", {QStringLiteral("0")}),
+        text(shared::kSheetName, &P::sheetName)
             .expanded()
             .onlyWhen("sheets", {QStringLiteral("0"), QStringLiteral("2")})
             .onlyWhen("sheetMode", {QStringLiteral("1")})

@@ -133,7 +133,7 @@ private:
     void warnLongCell();
     /// Names of the lists ToDate and ToFormula that the input does not have.
     void reportMissingNames(const OneRow &columns);
-    void reportMissingNames(const OneRow &columns, const QString &list, const QStringList &names);
+    void reportMissingNames(const OneRow &columns, const char *list, const QStringList &names);
     /// A date format that loses the century.
     void reportShortYears(const std::vector<sheet::Column> &columns);
     /// Names that spreadsheet programs reject; `others` are those that the workbook has.

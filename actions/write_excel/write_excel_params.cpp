@@ -52,11 +52,11 @@ ParamGroup<P> cellRange()
             .label("Overwrite sheet content starting at row:\n(use \"0\" to append rows at the end "
                    "of the sheet)")
             .meaning("First row that modes 2 and 4 overwrite; 0 appends after the last row."),
-        text("namedRange", &P::namedRange)
+        text(kNamedRange, &P::namedRange)
             .label("Defined name")
             .meaning("Name given to the cells that are written; empty for none."),
         flag("nrIncludeTitleRow", &P::nrIncludeTitleRow)
-            .ignoredWhen("namedRange", {QString()})
+            .ignoredWhen(kNamedRange, {QString()})
             .label("The defined name includes the header row")
             .meaning("The cells of the defined name include the header row. Default on in graphs "
                      "saved by version 2.56 or older."),
@@ -127,19 +127,19 @@ ParamGroup<P> dateInput()
                 {DateInput::SystemShortDateTime, "system short date and time"},
                 {DateInput::SystemLongDateTime, "system long date and time"}})
             .otherwise("reads no dates")
-            .ignoredWhen("ToDate", {QString()})
+            .ignoredWhen(kToDate, {QString()})
             .label("Format of the dates in the table")
             .meaning("How the texts of the ToDate columns are read."),
-        text("dateFormat", &P::dateFormat)
-            .ignoredWhen("ToDate", {QString()})
+        text(kDateFormat, &P::dateFormat)
+            .ignoredWhen(kToDate, {QString()})
             .onlyWhen("dateFormatType", {QStringLiteral("0")})
             .expanded()
             .label("Own date format")
             .meaning("Format of the dates, for example yyyy-MM-dd or dd/MM/yyyy hh:mm:ss."),
         flag("isoDates", &P::isoDates)
-            .ignoredWhen("ToDate", {QString()})
+            .ignoredWhen(kToDate, {QString()})
             .onlyWhen("dateFormatType", {QStringLiteral("0")})
-            .onlyWhen("dateFormat", {QString()})
+            .onlyWhen(kDateFormat, {QString()})
             .label("Without a format, read ISO 8601 dates")
             .meaning("With an empty dateFormat, reads dates such as 2024-02-29 and "
                      "2024-02-29T12:30:00. Off: no text is a date then."),
@@ -167,7 +167,7 @@ Param<P> dateDisplay()
                    {DateDisplay::Minutes24, "h:mm"},
                    {DateDisplay::Seconds24, "h:mm:ss"}})
         .range(0, static_cast<int>(DateDisplay::Seconds24))
-        .ignoredWhen("ToDate", {QString()})
+        .ignoredWhen(kToDate, {QString()})
         .label("Display of date cells")
         .meaning("Number format of the date cells in the sheet.");
 }
@@ -185,12 +185,15 @@ void adjustWriteExcelDefaults(WriteExcelParams &params, double savedVersion)
 
 const ParamTable<WriteExcelParams> &writeExcelParamTable()
 {
+    const QStringList changed{QStringLiteral("2"), QStringLiteral("4")};
     static const ParamTable<P> table{
         workbooks(),
-        shared::sheetSelection<P>("How modes 2 and 4 find the sheet to change: by sheetIdx or by "
-                                  "sheetName. Any other value adds a sheet.",
-                                  "mode", {QStringLiteral("2"), QStringLiteral("4")}),
-        text("sheetName", &P::sheetName)
+        shared::sheetMode<P>("How modes 2 and 4 find the sheet to change: by sheetIdx or by "
+                             "sheetName. Any other value adds a sheet.",
+                             "mode", changed)
+            .orAnyNumber("adds a sheet"),
+        shared::sheetIdx<P>("mode", changed),
+        text(shared::kSheetName, &P::sheetName)
             .expanded()
             .label("Sheet name")
             .meaning("Name of the new sheet or of the sheet to change."),
@@ -226,10 +229,10 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         shared::lockTimeOut<P>(),
         // Child elements come after all attributes.
         shared::columnsToWrite<P>("ToWrite").required(),
-        strings("ToDate", &P::toDate)
+        strings(kToDate, &P::toDate)
             .label("Date columns")
             .meaning("Text columns that are written as dates."),
-        strings("ToFormula", &P::toFormula)
+        strings(kToFormula, &P::toFormula)
             .label("Formula columns")
             .meaning("Text columns that are written as formulas."),
     };

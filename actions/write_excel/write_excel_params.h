@@ -37,6 +37,12 @@ enum class DateDisplay {
     Seconds24
 };
 
+// Names of parameters, for messages about them.
+inline constexpr char kNamedRange[] = "namedRange";
+inline constexpr char kDateFormat[] = "dateFormat";
+inline constexpr char kToDate[] = "ToDate";
+inline constexpr char kToFormula[] = "ToFormula";
+
 /// Texts that are expanded may contain variables of the graph.
 struct WriteExcelParams : RowWriterParams
 {

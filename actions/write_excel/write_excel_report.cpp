@@ -2,6 +2,7 @@
 //
 // Cells are counted while the rows are written and reported after them. Names are written as they
 // are, because other programs accept what some spreadsheet programs reject.
+#include "actions/shared/params/writer_params.h"
 #include "actions/write_excel/write_excel.h"
 #include "base/counted.h"
 #include "codecs/xlsx/name_rules.h"
@@ -94,11 +95,11 @@ void ActionWriteExcel::warnLongCell()
 
 void ActionWriteExcel::reportMissingNames(const OneRow &columns)
 {
-    reportMissingNames(columns, u"ToDate"_s, m_params.toDate);
-    reportMissingNames(columns, u"ToFormula"_s, m_params.toFormula);
+    reportMissingNames(columns, kToDate, m_params.toDate);
+    reportMissingNames(columns, kToFormula, m_params.toFormula);
 }
 
-void ActionWriteExcel::reportMissingNames(const OneRow &columns, const QString &list,
+void ActionWriteExcel::reportMissingNames(const OneRow &columns, const char *list,
                                           const QStringList &names)
 {
     QStringList missing;
@@ -109,7 +110,8 @@ void ActionWriteExcel::reportMissingNames(const OneRow &columns, const QString &
     }
     if (!missing.isEmpty()) {
         warn(u"Warning: writing to Excel file '%1': cannot find %2 of %3: '%4'\n"_s.arg(
-            fileName(), counted(missing.size(), u"column"_s), list, missing.join(u"', '")));
+            fileName(), counted(missing.size(), u"column"_s), QString::fromLatin1(list),
+            missing.join(u"', '")));
     }
 }
 
@@ -242,7 +244,7 @@ QVector<ParameterProblem> ActionWriteExcel::problems() const
     QVector<ParameterProblem> problems;
     if (!format.set(m_params.floatToString) || !sheet::printsNumbers(format)) {
         problems << ParameterProblem{
-            u"floatToString"_s,
+            QString::fromLatin1(shared::kFloatToString),
             u"'%1' is not a format of a floating-point number"_s.arg(m_params.floatToString)};
     }
     return problems + dateProblems() + nameProblems();
@@ -259,26 +261,27 @@ QVector<ParameterProblem> ActionWriteExcel::dateProblems() const
         format.isEmpty()
             ? u"ToDate lists columns, but without a date format no text is a date"_s
             : u"'%1' has years of two digits, which are read as 1900 to 1999"_s.arg(format);
-    return {{u"dateFormat"_s, text, ParameterProblem::Severity::Warning}};
+    return {{QString::fromLatin1(kDateFormat), text, ParameterProblem::Severity::Warning}};
 }
 
 QVector<ParameterProblem> ActionWriteExcel::nameProblems() const
 {
     QVector<ParameterProblem> problems;
-    const auto add = [&](const QString &parameter, const QString &name,
+    const auto add = [&](const char *parameter, const QString &name,
                          const QVector<xlsx::NameFault> &faults) {
         for (const xlsx::NameFault fault : faults) {
             problems << ParameterProblem{
-                parameter, u"'%1' %2: the workbook may not open"_s.arg(name, faultText(fault, {})),
+                QString::fromLatin1(parameter),
+                u"'%1' %2: the workbook may not open"_s.arg(name, faultText(fault, {})),
                 ParameterProblem::Severity::Warning};
         }
     };
     if (addsSheet()) {
         const QString name = expandString(m_params.sheetName);
-        add(u"sheetName"_s, name, xlsx::sheetNameFaults(name, {}));
+        add(shared::kSheetName, name, xlsx::sheetNameFaults(name, {}));
     }
     if (!m_params.namedRange.isEmpty()) {
-        add(u"namedRange"_s, m_params.namedRange, xlsx::rangeNameFaults(m_params.namedRange));
+        add(kNamedRange, m_params.namedRange, xlsx::rangeNameFaults(m_params.namedRange));
     }
     return problems;
 }

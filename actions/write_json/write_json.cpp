@@ -65,7 +65,7 @@ QVector<ParameterProblem> ActionWriteJSON::problems() const
     QVector<ParameterProblem> problems = LevelWriter::problems();
     if (problems.isEmpty() && !compose::printsJsonNumber(m_params.floatToString)) {
         problems.append(
-            {u"floatToString"_s,
+            {QString::fromLatin1(shared::kFloatToString),
              u"'%1' prints numbers that JSON does not have"_s.arg(m_params.floatToString),
              ParameterProblem::Severity::Warning});
     }

@@ -29,7 +29,7 @@ QVector<ParameterProblem> ActionWriteSASXPT::problems() const
     }
     for (const VariableDefinition &defined : m_params.variables) {
         if (!defined.format.isEmpty() && !sas::DisplayFormat::parse(defined.format.toUtf8())) {
-            found.append({u"VariableDef"_s,
+            found.append({QString::fromLatin1(kVariableDefinitions),
                           u"'%1' is not a format of SAS, such as DATE9."_s.arg(defined.format)});
         }
     }

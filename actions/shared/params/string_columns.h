@@ -7,6 +7,9 @@
 
 namespace corvanta {
 
+/// Name of the parameter, for messages about it.
+inline constexpr char kStringColumns[] = "StringColDef";
+
 /// The width of one text column, a `CD` element.
 struct StringColumn
 {
@@ -26,7 +29,7 @@ const ParamTable<StringColumn> &stringColumnTable();
 template <class P> Param<P> stringColumns(std::vector<StringColumn> P::*columns)
 {
     return children("CD", columns, stringColumnTable())
-        .inside("StringColDef")
+        .inside(kStringColumns)
         .label("Widths of text columns")
         .meaning("One CD (n, l, ol) per text column, with its name and its width in bytes.");
 }

@@ -6,6 +6,9 @@
 
 namespace corvanta {
 
+/// Name of the parameter, for messages about it.
+inline constexpr char kVariableDefinitions[] = "VariableDef";
+
 /// What is known about the variable of one column, a `V` element.
 struct VariableDefinition
 {
@@ -28,7 +31,7 @@ const ParamTable<VariableDefinition> &variableDefinitionTable();
 template <class P> Param<P> variableDefinitions(std::vector<VariableDefinition> P::*definitions)
 {
     return children("V", definitions, variableDefinitionTable())
-        .inside("VariableDef")
+        .inside(kVariableDefinitions)
         .label("Labels and formats of columns")
         .meaning("One V (n, label, format, l) per column that needs one, with its name, a label, a "
                  "format of SAS such as DATE9., and in transport files the width of its numbers.");

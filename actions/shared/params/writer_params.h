@@ -85,10 +85,13 @@ template <class P> Param<P> columnsToWrite(const char *name)
         .meaning("Columns that are written when writeAllColumns is off.");
 }
 
+/// Name of the parameter, for problems with it.
+inline constexpr char kFloatToString[] = "floatToString";
+
 /// FloatFormat::set() checks it at the start of a run.
 template <class P> Param<P> floatToString()
 {
-    return text<P>("floatToString", &P::floatToString)
+    return text<P>(kFloatToString, &P::floatToString)
         .label("Format of decimal numbers")
         .meaning("printf format with one conversion of a floating-point number; empty: the "
                  "fewest digits that read back as the same number.");
