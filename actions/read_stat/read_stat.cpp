@@ -2,6 +2,7 @@
 
 #include "actions/read_stat/stat_file.h"
 #include "actions/read_stat/stat_notes.h"
+#include "codecs/encoding/text_decoder.h"
 
 using namespace Qt::StringLiterals;
 
@@ -10,6 +11,25 @@ namespace corvanta {
 ActionReadStat::ActionReadStat(const XMLNode &saved, GlobalParameters *parameters)
     : ParamAction(kReadStatEntry, saved, parameters)
 {
+}
+
+/// A run would ignore the first, and report the second when it opens a file.
+QVector<ParameterProblem> ActionReadStat::problems() const
+{
+    QVector<ParameterProblem> found;
+    const StatFormat format = m_params.fileFormat;
+    if (format < StatFormat::OfEnding || format > StatFormat::SasTransport) {
+        found.append(
+            {QString::fromLatin1(kFileFormat),
+             u"the value '%1' of '%2' is not allowed; allowed: a whole number from -1 to "
+             "4; the action goes by the ending of the file name"_s.arg(
+                 QString::number(static_cast<int>(format)), QString::fromLatin1(kFileFormat))});
+    }
+    if (!encoding::TextDecoder::open(m_params.encoding)) {
+        found.append({QString::fromLatin1(kStatEncoding),
+                      u"the encoding '%1' is unknown"_s.arg(m_params.encoding)});
+    }
+    return found;
 }
 
 QStringList ActionReadStat::inputs() const

@@ -23,6 +23,7 @@ public:
     /// Rows of all files, each file weighing the same.
     float computeCompletion() override { return m_series.fractionDone(); }
     QStringList inputs() const override;
+    QVector<ParameterProblem> problems() const override;
     /// Those of the first file.
     QVector<ColumnNotes> columnNotes() override;
     /// Those of the first file, too.

@@ -31,7 +31,7 @@ ParamGroup<P> decoding()
 {
     return {
         // The default, OfEnding, is not in the list: panels show it as "automatic".
-        choice("fileFormat", &P::fileFormat,
+        choice(kFileFormat, &P::fileFormat,
                {{StatFormat::Sas, "SAS File (.sas7bdat)"},
                 {StatFormat::SpssSav, "SPSS File (.sav)"},
                 {StatFormat::SpssPor, "SPSS File (.por)"},
@@ -47,7 +47,7 @@ ParamGroup<P> decoding()
             .unit("MB")
             .label("Buffer")
             .meaning("Size of the buffer between parser and rows."),
-        text("encoding", &P::encoding)
+        text(kStatEncoding, &P::encoding)
             .label("Encoding")
             .meaning("Encoding of the texts in the file, for example WINDOWS-1252. UTF-8 uses the "
                      "encoding that the file declares."),

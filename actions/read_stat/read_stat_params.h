@@ -14,6 +14,10 @@ enum class StatFormat {
     SasTransport   ///< .xpt; not offered by the panel
 };
 
+// Names of parameters, for problems with them.
+inline constexpr char kFileFormat[] = "fileFormat";
+inline constexpr char kStatEncoding[] = "encoding";
+
 struct ReadStatParams
 {
     /// Input pin 0 brings the names, one file per row. `fileName` is then ignored.

@@ -2,6 +2,7 @@
 
 #include "actions/shared/input_sample.h"
 #include "base/checked.h"
+#include "codecs/encoding/text_decoder.h"
 #include "codecs/markup/sample/html_tables.h"
 #include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
@@ -165,6 +166,19 @@ bool ActionReadXML::prepare()
     texts.copiesInput = m_params.addColBefore;
     beginRun(texts, expanded, extractOptions());
     return true;
+}
+
+/// A run would report it for the first document whose bytes have no mark.
+QVector<ParameterProblem> ActionReadXML::problems() const
+{
+    const QString encoding = expandString(m_params.encoding).trimmed();
+    const bool isRule = encoding.compare(u"auto", Qt::CaseInsensitive) == 0 ||
+                        encoding.compare(u"system", Qt::CaseInsensitive) == 0;
+    if (isRule || markup::encodingCode(encoding.toUtf8()) != markup::CharMode::CodePage ||
+        encoding::TextDecoder::open(encoding)) {
+        return {};
+    }
+    return {{QString::fromLatin1(kXmlEncoding), u"the encoding '%1' is unknown"_s.arg(encoding)}};
 }
 
 /// Each document has its own choice, from the parameter and from its first bytes.

@@ -26,6 +26,7 @@ public:
     {
         return params.fromInputPin != DocumentSource::File ? 1 : 0;
     }
+    QVector<ParameterProblem> problems() const override;
 
 private:
     const LevelReaderParams &readerParams() const override { return m_params; }

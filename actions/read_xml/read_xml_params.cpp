@@ -10,7 +10,7 @@ using P = ReadXmlParams;
 ParamGroup<P> sourceOfDocuments()
 {
     return {
-        text("encoding", &P::encoding)
+        text(kXmlEncoding, &P::encoding)
             .expanded()
             .label("Encoding")
             .meaning("Auto detects the encoding, System is the system's code page; otherwise the "

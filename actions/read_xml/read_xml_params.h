@@ -5,6 +5,9 @@
 
 namespace corvanta {
 
+/// Name of a parameter, for problems with it.
+inline constexpr char kXmlEncoding[] = "encoding";
+
 struct ReadXmlParams : LevelReaderParams
 {
     ReadXmlParams() { bufferSize = 10; }

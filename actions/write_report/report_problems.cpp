@@ -114,6 +114,23 @@ Problems repeatedCharts(const std::vector<ReportChart> &charts)
     return problems;
 }
 
+Problems unknownPins(const std::vector<ReportChart> &charts, int pins)
+{
+    Problems problems;
+    for (const ReportChart &chart : charts) {
+        for (const ChartAxis &axis : chart.axes) {
+            if (!axis.column.isEmpty() && (axis.pinIdx < 0 || axis.pinIdx >= pins)) {
+                problems.push_back(
+                    {u"Error: the axis '%1' of the Chart '%2' has the input pin %3; allowed: a whole number from 0 to %4\n"_s
+                         .arg(axis.column, chart.name, QString::number(axis.pinIdx),
+                              QString::number(pins - 1)),
+                     true});
+            }
+        }
+    }
+    return problems;
+}
+
 Problems tagProblems(const TemplateCharts &found, const std::vector<ReportChart> &charts,
                      const QString &name)
 {

@@ -23,6 +23,8 @@ const ReportChart *chartOf(const std::vector<ReportChart> &charts, const QString
 
 /// Several Charts of one name.
 std::vector<ReportProblem> repeatedCharts(const std::vector<ReportChart> &charts);
+/// Axes with data from an input pin that the action does not have; it has `pins`.
+std::vector<ReportProblem> unknownPins(const std::vector<ReportChart> &charts, int pins);
 /// Tags without a use or a Chart, Charts without a tag, and Charts with other axes than the tagged
 /// series. `name` is that of the template.
 std::vector<ReportProblem> tagProblems(const TemplateCharts &found,

@@ -71,8 +71,11 @@ QVector<ParameterProblem> ActionWriteReport::problems() const
         findTemplateProblems(&found);
         addOwnTemplateProblem(documentFile(), templateFile(), &found);
     }
-    for (const ReportProblem &problem : repeatedCharts(m_params.charts)) {
-        found.push_back(problemOf(problem, u"Chart"_s));
+    for (const auto &problems :
+         {repeatedCharts(m_params.charts), unknownPins(m_params.charts, pinInCount())}) {
+        for (const ReportProblem &problem : problems) {
+            found.push_back(problemOf(problem, u"Chart"_s));
+        }
     }
     return found;
 }

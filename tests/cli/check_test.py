@@ -147,6 +147,25 @@ class Mistakes(Case):
         self.assertIn("the encoding 'utf-16' is unknown, or its characters have several bytes", found[0][1])
         self.assertIn("'day' is not a format of SAS", found[1][1])
 
+    def test_values_that_only_the_action_knows(self):
+        for reader, problem in [
+                ("<readExcel fileName='in.csv' sheetMode='2'/>", "the value '2' of 'sheetMode' is not allowed; allowed: 0 (by number), 1 (by "
+                 "name); the action reads the sheet of sheetIdx"),
+                ("<readStat fileName='in.csv' fileFormat='5'/>", "the value '5' of 'fileFormat' is not allowed; allowed: a whole number from "
+                 "-1 to 4; the action goes by the ending of the file name"),
+                ("<readStat fileName='in.csv' encoding='Klingon'/>", "the encoding 'Klingon' is unknown"),
+                ("<readXML fileName='in.csv' encoding='Klingon'/>", "the encoding 'Klingon' is unknown")]:
+            self.graph(reader=reader)
+            self.check("g.graph:2:", problem)
+        for reader in ("<readStat fileName='in.csv' fileFormat='4' encoding='WINDOWS-1252'/>", "<readXML fileName='in.csv' encoding='AUTO'/>",
+                       "<readXML fileName='in.csv' encoding='System'/>", "<readXML fileName='in.csv' encoding='gb2312'/>"):
+            self.graph(reader=reader)
+            self.assertEqual(self.problems("check", status=0), [])
+        for pin in ("-1", "1"):
+            self.graph(self.writer("<writeReport output='o.docx' template='>line.docx'><Chart type='2' name='data'><axis pinIdx='0'>day"
+                                   f"</axis><axis pinIdx='{pin}'>a</axis></Chart></writeReport>"))
+            self.check("g.graph:3:", f"the axis 'a' of the Chart 'data' has the input pin {pin}; allowed: a whole number from 0 to 0")
+
     def test_parts_of_the_graph(self):
         self.graph(self.writer("<writeCSV fileName='o.csv'/>").replace("id=", "idx='1' id=").replace("<link", "<link too=''"))
         found = self.problems("check", status=2)
