@@ -21,6 +21,7 @@ public:
 
 private:
     const ReadExcelParams &readerParams() const override { return m_params; }
+    ReadExcelParams &readerParams() override { return m_params; }
     const WorkbookFormat &workbookFormat() const override;
 };
 

@@ -8,16 +8,9 @@
 #include "io/input/input_file.h"
 
 #include <memory>
+#include <optional>
 
 namespace corvanta {
-
-/// A workbook with the file that it is read from. Threads: as its reader.
-struct OpenWorkbook
-{
-    // Destroyed in reverse order: the reader uses the source.
-    std::unique_ptr<ByteSource> source;
-    std::unique_ptr<sheet::WorkbookReader> reader;
-};
 
 /// Makes the reader of one format. The source outlives the reader.
 using MakeReader = sheet::WorkbookResult<std::unique_ptr<sheet::WorkbookReader>> (*)(ByteSource &);
@@ -32,16 +25,28 @@ struct WorkbookFormat
     const char *otherAction = "";   ///< its name
 };
 
-enum class WorkbookOpenError : quint8 {
-    Missing, ///< no such file, or not accessible
-    Refused, ///< not a readable workbook
+/// A workbook with the file that it is read from. Threads: as its reader.
+struct OpenWorkbook
+{
+    const WorkbookFormat *format = nullptr; ///< the one that it was opened as
+    // Destroyed in reverse order: the reader uses the source.
+    std::unique_ptr<ByteSource> source;
+    std::unique_ptr<sheet::WorkbookReader> reader;
 };
 
-/// Open `name` (expanded). The detail of a fault is the reason in words; for Refused, what the file
-/// is and what to do.
+/// Why a workbook is not open. Without a value, the file is missing or not accessible.
+using WorkbookOpenError = std::optional<sheet::WorkbookError>;
+
+/// Open `name` (expanded). The detail of a fault is the reason in words: what the file is and what
+/// to do, or the reason of the system. NotAWorkbook also means a workbook of the other format.
 Result<OpenWorkbook, WorkbookOpenError> openWorkbook(const ActionBase &action,
                                                      const WorkbookFormat &format,
                                                      const QString &name, InputFile::Report report);
+
+/// Fail the run because the workbook `name` cannot be read. `reason` is logged after the message.
+/// Returns false.
+bool failWorkbook(ActionBase &action, const WorkbookFormat &format, const QString &name,
+                  sheet::WorkbookError error, const QString &reason);
 
 /// The words for a fault of an open workbook; `source` knows why the system refused a read.
 QString describe(const Fault<sheet::WorkbookError> &fault, const ByteSource &source);

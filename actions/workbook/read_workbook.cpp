@@ -100,9 +100,10 @@ QString ReadWorkbook::unusedName() const
 QVector<ParameterProblem> ReadWorkbook::problems() const
 {
     const QString unused = unusedName();
-    return unused.isEmpty() ? QVector<ParameterProblem>()
-                            : QVector<ParameterProblem>{
-                                  {u"sheetName"_s, unused, ParameterProblem::Severity::Warning}};
+    return unused.isEmpty()
+               ? QVector<ParameterProblem>()
+               : QVector<ParameterProblem>{{QString::fromLatin1(shared::kSheetName), unused,
+                                            ParameterProblem::Severity::Warning}};
 }
 
 void ReadWorkbook::finish()
@@ -176,9 +177,7 @@ bool ReadWorkbook::planFiles(const QStringList &files)
 std::optional<OpenWorkbook> ReadWorkbook::openWithRetries(const QString &name)
 {
     auto opened = openWorkbook(*this, workbookFormat(), name, InputFile::Report::Failure);
-    const auto isMissing = [&] {
-        return !opened && opened.fault().code == WorkbookOpenError::Missing;
-    };
+    const auto isMissing = [&] { return !opened && !opened.fault().code; };
     if (isMissing()) {
         retryOpening(name, m_run.timeOut, control(), [&] {
             opened = openWorkbook(*this, workbookFormat(), name, InputFile::Report::Nothing);
@@ -198,8 +197,8 @@ bool ReadWorkbook::reportOpenFault(const QString &name, const Fault<WorkbookOpen
     if (!runIsGood()) {
         return false;
     }
-    if (fault.code == WorkbookOpenError::Refused) {
-        return fail(u"Error: The workbook '%1' cannot be read: %2\n"_s.arg(name, fault.detail));
+    if (fault.code) {
+        return failWorkbook(*this, workbookFormat(), name, *fault.code, fault.detail);
     }
     const bool continues = reportMissing(name);
     logReason(fault.detail);
@@ -240,7 +239,7 @@ bool ReadWorkbook::makeTasks(const QString &name, const OpenWorkbook &workbook, 
         return false;
     }
     if (!tasks) {
-        return reportTaskFault(name, tasks.fault(), describe(maker.fault(), *workbook.source));
+        return reportTaskFault(name, tasks.fault(), maker.fault(), *workbook.source);
     }
     if (!maker.skippedChart().isEmpty()) {
         warn(u"Warning: The first sheet '%2' of the workbook '%1' is a chart; the first sheet with "
@@ -250,13 +249,13 @@ bool ReadWorkbook::makeTasks(const QString &name, const OpenWorkbook &workbook, 
     return true;
 }
 
-/// `why` is the reason of an unreadable workbook. Returns false.
+/// `why` says why a workbook is unreadable. Returns false.
 bool ReadWorkbook::reportTaskFault(const QString &name, const Fault<TaskError> &fault,
-                                   const QString &why)
+                                   const Fault<sheet::WorkbookError> &why, const ByteSource &source)
 {
     return fault.code == TaskError::NotFound
                ? fail(u"Error: The workbook '%1' has %2\n"_s.arg(name, fault.detail))
-               : fail(u"Error: The workbook '%1' cannot be read: %2\n"_s.arg(name, why));
+               : failWorkbook(*this, workbookFormat(), name, why.code, describe(why, source));
 }
 
 bool ReadWorkbook::addColumns(const QString &name, const PlannedFile &file)
@@ -422,10 +421,8 @@ bool ReadWorkbook::reportUnreadable(const QString &name)
 bool ReadWorkbook::fill(int sheet)
 {
     if (sheet >= 0) {
-        const int mode = indexOfParameter(u"sheetMode"_s);
-        const int number = indexOfParameter(u"sheetIdx"_s);
-        return setParameterValue(mode, u"0"_s) &&
-               setParameterValue(number, QString::number(sheet + 1));
+        readerParams().sheetMode = SheetSelection::ByNumber;
+        readerParams().sheetIdx = QString::number(sheet + 1);
     }
     return true;
 }

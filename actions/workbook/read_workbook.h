@@ -38,6 +38,7 @@ protected:
 
     /// The parameters as they are saved, not expanded.
     virtual const ReadExcelParams &readerParams() const = 0;
+    virtual ReadExcelParams &readerParams() = 0;
     /// How to open a workbook; constant.
     virtual const WorkbookFormat &workbookFormat() const = 0;
 
@@ -73,7 +74,8 @@ private:
     bool reportOpenFault(const QString &name, const Fault<WorkbookOpenError> &fault);
     /// Choose the sheets of a workbook and scan them.
     bool makeTasks(const QString &name, const OpenWorkbook &workbook, PlannedFile *file);
-    bool reportTaskFault(const QString &name, const Fault<TaskError> &fault, const QString &why);
+    bool reportTaskFault(const QString &name, const Fault<TaskError> &fault,
+                         const Fault<sheet::WorkbookError> &why, const ByteSource &source);
     /// Join the columns of the sheets of a file with those of the table.
     bool addColumns(const QString &name, const PlannedFile &file);
     /// Refuse a sheet that is nearly empty and enormous.

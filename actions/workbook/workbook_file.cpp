@@ -45,9 +45,8 @@ float WorkbookFile::fractionDone() const
 /// Report why the sheet cannot be read. The rows before were right. Returns false.
 bool WorkbookFile::fail(const Fault<sheet::WorkbookError> &fault)
 {
-    return m_action.runIsGood() &&
-           m_action.fail(u"Error: The workbook '%1' cannot be read: %2\n"_s.arg(
-               m_name, describe(fault, *m_workbook.source)));
+    return m_action.runIsGood() && failWorkbook(m_action, *m_workbook.format, m_name, fault.code,
+                                                describe(fault, *m_workbook.source));
 }
 
 /// Begin the walk over the next sheet. The cell with its name is made once for all rows.

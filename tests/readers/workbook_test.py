@@ -4,6 +4,7 @@
 The golden files hold the first worksheet of each workbook as another program reads it; docs/formats/xlsx-read.md lists the differences.
 """
 import csv
+import gzip
 import io
 import json
 import os
@@ -401,13 +402,36 @@ class Workbooks(unittest.TestCase):
         for content, problem in ((b"<html><table>", page), (b"a,b\n1,2\n", "its content is a text file, perhaps CSV"),
                                  (b"\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1" + bytes(600), legacy), (b"%PDF-1.4", "its content is a PDF document")):
             (self.folder / "book.xlsx").write_bytes(content)
-            self.assertIn("Error: The workbook 'book.xlsx' cannot be read: " + problem, self.read(status=1)[1])
+            messages = self.read(status=1)[1]
+            self.assertIn("Error: The file 'book.xlsx' is not an .xlsx workbook", messages)
+            self.assertIn("Reason: " + problem, messages)
         with zipfile.ZipFile(self.folder / "letter.xls", "w") as package:
             package.writestr("content.xml", "<x/>")
-        self.assertIn("its content is not a workbook: it is an OpenDocument file (.ods); save it as .xlsx",
-                      self.command("head", "letter.xls", status=1)[1])
+        messages = self.command("head", "letter.xls", status=1)[1]
+        self.assertIn("letter.xls' is not an .xls workbook", messages)
+        self.assertIn("Reason: it is an OpenDocument file (.ods); save it as .xlsx", messages)
+
+    def test_why_a_workbook_is_refused(self):
+        def refused(error, reason, name="book.xlsx"):
+            messages = self.read(name=name, status=1)[1]
+            self.assertIn(error.replace("%1", name) + "\n", messages)
+            self.assertIn("Reason: " + reason, messages)
         self.make("<worksheet><sheetData><row><c><v>1</v></c>")
-        self.assertIn("'xl/worksheets/sheet1.xml': the text ends too early", self.read(status=1)[1])
+        damaged = "Error: The workbook '%1' is damaged"
+        refused(damaged, "'xl/worksheets/sheet1.xml': the text ends too early")
+        whole = (self.folder / "book.xlsx").read_bytes()
+        (self.folder / "book.xlsx").write_bytes(whole[:-60])
+        refused(damaged, "it ends before the directory of its zip package")
+        encrypted = bytearray(whole)
+        encrypted[whole.index(b"PK\x01\x02") + 8] |= 1
+        (self.folder / "book.xlsx").write_bytes(encrypted)
+        refused("Error: The workbook '%1' is encrypted", "'")
+        with zipfile.ZipFile(self.folder / "book.xlsx", "w") as package:
+            package.writestr("_rels/.rels", "<Relationships><Relationship Id='1' Target='xl/workbook.bin' Type='http://schemas.openxmlformats."
+                                            "org/officeDocument/2006/relationships/officeDocument'/></Relationships>")
+        refused("Error: The workbook '%1' is not supported", "it is a binary workbook (.xlsb); save it as .xlsx")
+        (self.folder / "book.xlsx.gz").write_bytes(gzip.compress(whole)[:-100])
+        refused("Error: cannot read the workbook '%1'", "", name="book.xlsx.gz")
 
     def test_a_chart_comes_first(self):
         kind = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/"

@@ -5,6 +5,7 @@
 //   xl/worksheets/_rels/...    table          -> ../tables/table1.xml
 #include "codecs/xlsx/read/xlsx_reader.h"
 
+#include "codecs/opc/file_kind.h"
 #include "codecs/opc/relationships.h"
 #include "codecs/xlsx/cell_range.h"
 #include "codecs/xlsx/read/number_styles.h"
@@ -104,6 +105,10 @@ XlsxReader::Done XlsxReader::openPackage()
     if (!package) {
         switch (package.fault().code) {
         case zip::Error::NotAPackage:
+            if (opc::fileKind(m_view) == opc::FileKind::Package) {
+                return Fault{WorkbookError::Damaged,
+                             u"it ends before the directory of its zip package"_s};
+            }
             return Fault{WorkbookError::NotAWorkbook, u"it is not a zip package"_s};
         case zip::Error::ReadFailed:
             return Fault{WorkbookError::ReadFailed, u"the file cannot be read"_s};
