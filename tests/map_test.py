@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Compares docs/map.md with the actions: one row each, in catalogue order, with names that exist.
+"""Compares docs/map.md with the actions: one row each, in catalogue order, with names that exist. Finds names of parameters outside
+their tables.
 
 Usage: map_test.py CORVANTA SOURCE_FOLDER
 """
@@ -13,6 +14,10 @@ import unittest
 CORVANTA, SOURCE = sys.argv[1], pathlib.Path(sys.argv[2])
 
 
+def corvanta(*words):
+    return subprocess.run([CORVANTA, *words], check=True, capture_output=True).stdout
+
+
 def rows():
     """The cells of each row: a list of the names in backticks per cell."""
     lines = (SOURCE / "docs/map.md").read_text(encoding="utf-8").splitlines()
@@ -22,8 +27,7 @@ def rows():
 
 class Map(unittest.TestCase):
     def test_one_row_per_action(self):
-        listed = subprocess.run([CORVANTA, "actions", "--json"], check=True, capture_output=True)
-        types = [action["type"] for action in json.loads(listed.stdout)]
+        types = [action["type"] for action in json.loads(corvanta("actions", "--json"))]
         self.assertEqual([row[0][0] for row in rows()], types)
 
     def test_every_folder_of_an_action_has_its_row(self):
@@ -56,6 +60,36 @@ class Map(unittest.TestCase):
                 found = list(SOURCE.glob(path)) or list(SOURCE.glob(path + ".*"))
                 missing += [] if found else [f"{page.name}: {path}"]
         self.assertEqual(missing, [])
+
+
+# Where a name of a parameter may be written: its table, the entry with settings for "convert", the layout of its panel.
+DECLARING = re.compile(r"/params/|_(?:params|entry|panel|layout|test)\.|/panel_groups\.")
+# Texts that equal a name and mean something else, and parameters that the host or the commands find by name.
+OTHER_TEXTS = {("actions/read_json/read_json.cpp", "tagName"),  # a column of the input pin
+               ("cli/input_graph.cpp", "sheetName"),
+               ("host/src/graph/graph_checker.cpp", "abortIfMissing"), ("host/src/graph/graph_checker.cpp", "timeOut"),
+               ("host/src/graph/graph_checker.cpp", "createDir"), ("host/src/graph/graph_checker.cpp", "createIfNotExists")}
+
+
+class Names(unittest.TestCase):
+    def names_of(self, infos):
+        for info in infos:
+            yield info["name"]
+            yield from self.names_of(info.get("members", []))
+
+    def test_names_of_parameters_are_written_in_their_tables_only(self):
+        """Names of one lower-case word are also words of texts and formats, and are not checked."""
+        described = [json.loads(corvanta("describe", action["type"], "--json"))["parameters"]
+                     for action in json.loads(corvanta("actions", "--json"))]
+        names = {name for infos in described for name in self.names_of(infos) if re.search(r".[A-Z]", name)}
+        self.assertGreater(len(names), 100)
+        found = set()
+        for path in [path for folder in ("actions", "cli", "host/src/graph", "host/src/params", "panels") for path in (SOURCE / folder).rglob("*")]:
+            name = str(path.relative_to(SOURCE))
+            if path.suffix in (".h", ".cpp") and not DECLARING.search(name):
+                texts = re.findall(r'"(\w+)=?"', path.read_text(encoding="utf-8"))
+                found |= {(name, text) for text in texts if text in names}
+        self.assertEqual(found, OTHER_TEXTS)
 
 
 if __name__ == "__main__":

@@ -1,6 +1,10 @@
 // The thread that unpacks a RAR entry ends together with its input.
 #include "io/input/archive_sources.h"
+#include "io/platform/rar_archive.h"
 #include "tests/support/corpus.h"
+
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -42,4 +46,20 @@ TEST(RarThreads, OpeningAndClosingAtAnyTimeLeavesNoThread)
         }
     }
     EXPECT_EQ(threadCount(), before);
+}
+
+TEST(RarArchive, AStoredEntryEndsWhereItsArchiveIsCutAfterItWasOpened)
+{
+    CORVANTA_NEEDS_CORPUS();
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.rar"));
+    const auto stored = QStringLiteral("archives/rar/stored_rar5_github_events.rar");
+    ASSERT_TRUE(QFile::copy(test::corpusFile(stored), path));
+    const auto archive = platform::openRarArchive(path);
+    ASSERT_TRUE(archive);
+    ASSERT_TRUE(QFile::resize(path, 1000));
+    const auto done = (*archive)->unpack([](std::span<const char>) { return true; });
+    ASSERT_FALSE(done);
+    EXPECT_EQ(done.fault().code, platform::RarError::Damaged);
+    EXPECT_TRUE(done.fault().detail.endsWith(QStringLiteral("is truncated")));
 }

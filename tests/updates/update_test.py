@@ -461,6 +461,14 @@ class Surroundings(UpdateCase):
                 self.assertEqual(self.book.read_bytes().endswith(b"marked"), not expected)
                 self.assertIn("xl/worksheets/sheet3.xml", members(self.book))
                 self.assertEqual(files(self.folder), ["book.xlsx", "tools"])
+        # A temporary folder whose path is so long that it can have no folder: the program is not started.
+        program.write_text(f"#!/bin/sh\n: > {self.folder}/started\nexit 3\n")
+        length = 4096 - len("/corvanta-XXXXXX") - 4
+        deep = (str(self.folder) + ("/" + "t" * 99) * 41)[:length]
+        os.makedirs(deep.rstrip("/"))
+        done = self.update("mode='1' runExcel='1'", plain_parts(), environment={"PATH": str(tools), "TMPDIR": deep})
+        self.assertEqual(done, (0, warning))
+        self.assertFalse((self.folder / "started").exists())
 
 
 if __name__ == "__main__":
