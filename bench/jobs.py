@@ -3,7 +3,9 @@
 Each job is a graph for "corvanta run" that reads a generated file and writes one. The peer does the same from the same file.
 """
 import dataclasses
+import pathlib
 
+DOCUMENTS = pathlib.Path(__file__).resolve().parent.parent / "examples/documents"
 SALES_TYPES = "K,K,F,F,F,U,U,U,U,U"
 
 
@@ -15,7 +17,7 @@ class Job:
     peer: list = None          # a program of the bin folder or of the system, and its arguments
     peer_output: str = None
     input: str = "sales.csv"
-    make_input: tuple = ()     # the program that prints the input, and its arguments; {rows} is replaced
+    make_input: tuple = ()     # the program that prints or replaces the input, and its arguments; {rows} is replaced
     rows_divisor: int = 1      # the job has this part of the rows
 
 
@@ -27,6 +29,8 @@ def graph(*actions):
 
 
 READ_SALES = f"<readCSV fileName='sales.csv' types='{SALES_TYPES}'/>"
+READ_PART = READ_SALES.replace("sales.csv", "part.csv")  # of jobs with a rows_divisor
+MAKE_PART = ("make_sales", "{rows}")
 
 LINE_MEMBERS = ["id", "quantity", "price", "discount", "total", "city", "product", "customer", "comment", "day"]
 LINE_ITEMS = "".join(f"<e name='{name}' path='{name}'/>" for name in LINE_MEMBERS)
@@ -45,6 +49,11 @@ XLRD = ("import csv, xlrd; sheet = xlrd.open_workbook('sales.xls').sheet_by_inde
         "csv.writer(open('peer.csv', 'w')).writerows(sheet.row_values(i) for i in range(sheet.nrows))")
 
 
+def converted(ending, *settings):
+    """A program that makes an input of another format from the table."""
+    return ("corvanta", "convert", "sales.csv", f"sales.{ending}", "--reader", f"types={SALES_TYPES}", *settings)
+
+
 def stat_read(ending):
     """Reads a data set that the library has written."""
     return Job(f"a .{ending} data set to CSV; peer: a plain loop that calls ReadStat",
@@ -61,6 +70,13 @@ JOBS = {
                       graph(READ_SALES, "<writeExcel fileNameDestination='ours.xlsx' dateFormat='yyyy-MM-dd'>"
                                         "<ToDate><s>day</s></ToDate></writeExcel>"),
                       "ours.xlsx", ["xlsxwriter_peer", "sales.csv", "peer.xlsx"], "peer.xlsx"),
+    "xlsx_add_sheet": Job("a workbook, copied with the CSV file as a new sheet",
+                          graph(READ_SALES, "<writeExcel mode='3' fileNameSource='sales.xlsx' fileNameDestination='ours.xlsx' "
+                                            "sheetName='New'/>"), "ours.xlsx",
+                          input="sales.xlsx", make_input=("make_xlsx.py", "sales.csv")),
+    "sheet_names": Job("the names of the sheets of a workbook, a third of the rows",
+                       graph("<readExcelSheets fileName='sheets.xlsx'/>", "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                       input="sheets.xlsx", make_input=("make_sheets.py", "{rows}"), rows_divisor=3),
     "xls_read": Job("a legacy workbook of at most 60,000 rows to CSV; peer: xlrd",
                     graph("<readExcelOld fileName='sales.xls'/>", "<writeCSV fileName='ours.csv'/>"), "ours.csv",
                     ["/usr/bin/python3", "-c", XLRD], "peer.csv",
@@ -73,6 +89,10 @@ JOBS = {
                     graph("<ReadXBF fileName='sales.dbf'/>", "<writeCSV fileName='ours.csv'/>"), "ours.csv",
                     ["ogr2ogr", "-f", "CSV", "peer.csv", "sales.dbf", "-oo", "ENCODING=CP1252"], "peer.csv",
                     input="sales.dbf", make_input=("make_dbf.py", "sales.csv")),
+    "parquet_read": Job("Parquet to CSV; peer: DuckDB",
+                        graph("<readParquet fileName='sales.parquet'/>", "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                        ["duckdb", "-c", "COPY (SELECT * FROM 'sales.parquet') TO 'peer.csv' (HEADER)"], "peer.csv",
+                        input="sales.parquet", make_input=converted("parquet")),
     "parquet_write": Job("CSV to Parquet; peer: DuckDB without dictionaries, which is what we write",
                          graph(READ_SALES, "<writeParquet file='ours.parquet'/>"), "ours.parquet",
                          ["duckdb", "-c", "COPY (SELECT * FROM 'sales.csv') TO 'peer.parquet' "
@@ -86,6 +106,23 @@ JOBS = {
     "stat_read_sas7bdat": stat_read("sas7bdat"),
     "stat_read_sav": stat_read("sav"),
     "stat_read_dta": stat_read("dta"),
+    "stat_read_xpt": Job("a SAS transport file to CSV; peer: a plain loop that calls ReadStat",
+                         graph("<readStat fileName='sales.xpt'/>", "<writeCSV fileName='ours.csv'/>"), "ours.csv",
+                         ["readstat_peer", "sales.xpt", "peer.csv"], "peer.csv",
+                         input="sales.xpt", make_input=converted("xpt", "--writer", "autoWidth=1")),
+    "chart_write": Job("a tenth of the rows to a chart of a document",
+                       graph(READ_PART, "<writeReport output='ours.docx' template='&gt;line.docx'><Chart type='2' name='data'>"
+                                        "<axis pinIdx='0'>day</axis><axis pinIdx='0'>total</axis></Chart></writeReport>"),
+                       "ours.docx", input="part.csv", make_input=MAKE_PART, rows_divisor=10),
+    "table_write": Job("a tenth of the rows to a table of a document",
+                       graph(READ_PART, f"<writeDocTable template='{DOCUMENTS}/report.docx' output='ours.docx'>"
+                                        f"<v colWidths='{','.join(['1'] * 10)}'/></writeDocTable>"),
+                       "ours.docx", input="part.csv", make_input=MAKE_PART, rows_divisor=10),
+    "letters_write": Job("a document per thousand rows",
+                         graph("<readCSV fileName='letters.csv'/>", "<writeDoc output='output' template='template'><text><s>name</s></text>"
+                                                                    "</writeDoc>"),
+                         "letter_1.docx", input="letters.csv", make_input=("make_letters.py", "{rows}", str(DOCUMENTS / "letter.docx")),
+                         rows_divisor=1000),
     "json_write": Job("CSV to JSON; peer: a plain loop that formats the same rows",
                       graph(READ_SALES, "<writeJSON fileName='ours.json'/>"),
                       "ours.json", ["text_peer", "json", "sales.csv", "peer.json"], "peer.json"),
