@@ -1,4 +1,7 @@
 // How cells of sheets become cells of rows.
+//
+// A column has one type for all sheets: a key if all its cells are whole numbers that fit, a number
+// if all are numbers, otherwise a text. The rules are the same for both formats of workbooks.
 #pragma once
 #include "actions/workbook/read_excel_params.h"
 #include "base/cell.h"
@@ -36,6 +39,7 @@ struct ValueRules
     /// The bit of ColumnContent for the cell; 0 for one that is missing in every column.
     quint8 contentOf(const sheet::SheetCell &cell) const;
     /// The cell as a row cell of the type. Null is a missing cell. `type` holds the cell's content.
+    /// The bytes are in `buffer` and valid until it is reset.
     const uchar *cellFor(const sheet::SheetCell &cell, cell::Type type, RowBuffer *buffer) const;
     /// The cell as text, as in a text column; empty for a missing one.
     QString textOf(const sheet::SheetCell &cell) const;

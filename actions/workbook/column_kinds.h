@@ -33,7 +33,8 @@ public:
     /// Keep the first value of a kind for messages. `row` and `column` count from 0 in the sheet.
     void setFirst(quint8 content, qint64 row, int column, const QString &text);
 
-    /// What the column is if a few values make it a text column; its index is not set.
+    /// What the column is if a few values make it a text column; its index is not set. Call it when
+    /// all values are counted.
     std::optional<MixedColumn> mixed() const;
 
 private:

@@ -1,6 +1,8 @@
 // Reads a sheet once to find its columns: their names, their content and where the rows are.
 //
-// Rows and columns count from 0, in the whole sheet where nothing else is said.
+// Rows and columns count from 0, in the whole sheet where nothing else is said. The memory of a
+// scan depends on the number of columns, not of rows: it keeps bits and counts, no cells. Threads:
+// pure; a scan uses its rows from one thread, and SheetRows::stop() ends it from any.
 #pragma once
 #include "actions/workbook/cell_values.h"
 #include "actions/workbook/column_kinds.h"
@@ -25,13 +27,14 @@ struct ScannedColumn
 /// What the scan found. Constant once made.
 struct SheetScan
 {
-    qint64 headerRow = -1;              ///< -1 without a header
-    qint64 firstRow = 0;                ///< of the data
-    qint64 lastRow = -1;                ///< with a cell; -1 for a sheet without data
-    qint64 cells = 0;                   ///< that have a value
-    bool isComplete = true;             ///< false if the scan ended after the sample
+    qint64 headerRow = -1;  ///< -1 without a header
+    qint64 firstRow = 0;    ///< of the data
+    qint64 lastRow = -1;    ///< with a cell; -1 for a sheet without data
+    qint64 cells = 0;       ///< that have a value
+    bool isComplete = true; ///< false if the scan ended after the sample
+    /// Up to the last column with a cell or a name.
     std::vector<ScannedColumn> columns; ///< from the first column of the area
-    std::vector<MixedColumn> mixed;     ///< the first ones
+    std::vector<MixedColumn> mixed;     ///< the first 20
     Occurrences errors;                 ///< error cells that are missing
     sheet::SheetProblems problems;      ///< what the reader repaired
 };

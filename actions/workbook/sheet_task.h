@@ -12,7 +12,7 @@
 
 namespace corvanta {
 
-/// One sheet to read.
+/// One sheet to read. Rows and columns count from 0 in the sheet.
 struct SheetTask
 {
     size_t sheet = 0; ///< index in the workbook
@@ -42,6 +42,7 @@ enum class TaskError : quint8 {
 class TaskMaker
 {
 public:
+    /// `params` and `reader` must outlive the maker. Making tasks moves the reader.
     TaskMaker(const ReadExcelParams &params, sheet::WorkbookReader &reader);
 
     /// The sheets, scanned. Errors: NotFound, Unreadable (see fault()).

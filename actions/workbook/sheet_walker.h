@@ -2,7 +2,8 @@
 // empty and hidden rows.
 //
 // The scan that decides the columns and the delivery of rows use the same walk, so that they see
-// the same rows.
+// the same rows. Rows count from 0 in the sheet, also when the area begins later. No row is copied:
+// a step shows the cells that the reader holds.
 #pragma once
 #include "actions/workbook/read_excel_params.h"
 #include "codecs/sheet/workbook_reader.h"
@@ -12,7 +13,7 @@
 
 namespace corvanta {
 
-/// What is read of a sheet.
+/// What is read of a sheet. Without an area every row and column of the sheet is inside.
 struct WalkOptions
 {
     sheet::CellArea area; ///< rows and columns outside of it are skipped
@@ -38,12 +39,15 @@ struct WalkStep
 class SheetWalker
 {
 public:
+    /// Owns the rows, which are at their first one. The reader that made them must outlive the
+    /// walker.
     SheetWalker(std::unique_ptr<sheet::SheetRows> rows, const WalkOptions &options);
 
     /// The next step; after the end, the end again. Errors: those of the rows. Empty rows after the
     /// last row with cells are not delivered.
     sheet::WorkbookResult<WalkStep> next();
 
+    /// For what the reader repaired, and how far it is.
     const sheet::SheetRows &rows() const { return *m_rows; }
     /// Rows with cells that came after a later one; they are not delivered.
     qint64 lateRows() const { return m_lateRows; }

@@ -1,7 +1,8 @@
 // The columns of the table that the sheets of all files make together.
 //
 // First all sheets are added, then the types are decided, so that each type can hold the cells of
-// every sheet. After that each sheet asks for the targets of its cells.
+// every sheet. After that each sheet asks for the targets of its cells. Columns count from 0, in
+// the scan of a sheet or in the table.
 #pragma once
 #include "actions/workbook/sheet_task.h"
 #include "corvanta/meta_info.h"
@@ -23,7 +24,8 @@ struct TaskColumns
     QString firstLeftOut;        ///< letters of the first one
 };
 
-/// Columns with a name or a cell, and the empty ones between them unless they are many.
+/// Columns with a name or a cell, and the empty ones between them unless they are many. Columns
+/// without a name get their letters, and equal names get a number, so that all names differ.
 TaskColumns columnsOf(const SheetTask &task);
 
 /// How the columns of a sheet differ from those of the first one.
@@ -59,7 +61,7 @@ public:
     /// are joined by name. Sheets without any columns match all others.
     std::optional<SheetMismatch> add(const SheetTask &task, const TaskColumns &columns,
                                      bool isStrict);
-    /// Decide the types. `allText`: all are texts.
+    /// Decide the types, once, after the last add(). `allText`: all are texts.
     void decideTypes(bool allText);
 
     /// In the order in which their names appeared first.

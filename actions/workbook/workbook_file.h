@@ -32,8 +32,12 @@ public:
                  int sheetNameColumn);
     ~WorkbookFile() override;
 
+    /// `row` is the same one each time: its cells are those of the last call. Returns false when
+    /// the run has failed.
     bool next(OneRow &row, Found *found) override;
+    /// Warns about repairs in a sheet that is not read to its end.
     void beforeClose() override;
+    /// From any thread; updated from time to time only.
     float fractionDone() const override;
     void stop() override { m_workbook.reader->stop(); }
 

@@ -56,7 +56,8 @@ struct NameReference
     qsizetype end = 0;           ///< after the element
 };
 
-/// Views refer to the part, which must outlive the tag.
+/// A tag and what it marks. Views refer to the part, which must outlive the tag. A Split tag has
+/// only its place and its reference.
 struct ChartTag
 {
     QString reference;           ///< trimmed, entities decoded; of a divided one without the markup

@@ -16,8 +16,8 @@ namespace corvanta::charts {
 class ValueList
 {
 public:
-    /// Add a text without the spaces around it; a missing cell is an empty text. Throws
-    /// std::bad_alloc.
+    /// Add a text without the spaces around it; a missing cell is an empty text. Lone surrogates
+    /// become U+FFFD. Throws std::bad_alloc.
     void append(QStringView text);
 
     /// The number of texts, empty ones included.

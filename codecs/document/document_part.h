@@ -45,12 +45,15 @@ public:
     static DocumentPart ofText(const QByteArray &text, const MarkerLists &markers, bool joinsRuns,
                                const std::vector<Placeholder> &fitted);
 
-    /// The part with the values in their places.
+    /// The part with the values in their places. `values` has an entry for each column that the
+    /// part uses, see noteTexts(). May be called from several threads at once.
     QByteArray filled(const RowValues &values) const;
 
     // For those who make the values: by column, whether the part uses the value.
 
+    /// Sets what the part uses and leaves the other entries; both lists have all columns of texts.
     void noteTexts(std::vector<bool> *inText, std::vector<bool> *inAttribute) const;
+    /// The same for the columns of pictures.
     void noteImages(std::vector<bool> *used) const;
 
 private:

@@ -58,8 +58,11 @@ public:
 
     // By column of the markers: whether the value is needed.
 
+    /// As text of an element, with "&", "<" and ">" escaped.
     bool hasText(size_t column) const { return m_hasText[column]; }
+    /// As value of an attribute, with quotes escaped, too.
     bool hasAttribute(size_t column) const { return m_hasAttribute[column]; }
+    /// By column of MarkerLists::images.
     bool hasImage(size_t column) const { return m_hasImage[column]; }
 
     /// Write all members of a document but its directory. Fills the targets of `values` from
