@@ -172,7 +172,8 @@ bool ActionReadXML::prepare()
 QVector<ParameterProblem> ActionReadXML::problems() const
 {
     const QString encoding = expandString(m_params.encoding).trimmed();
-    const bool isRule = encoding.compare(u"auto", Qt::CaseInsensitive) == 0 ||
+    // As for chooseEncoding(), an empty name is "auto".
+    const bool isRule = encoding.isEmpty() || encoding.compare(u"auto", Qt::CaseInsensitive) == 0 ||
                         encoding.compare(u"system", Qt::CaseInsensitive) == 0;
     if (isRule || markup::encodingCode(encoding.toUtf8()) != markup::CharMode::CodePage ||
         encoding::TextDecoder::open(encoding)) {

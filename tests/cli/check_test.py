@@ -158,6 +158,7 @@ class Mistakes(Case):
             self.graph(reader=reader)
             self.check("g.graph:2:", problem)
         for reader in ("<readStat fileName='in.csv' fileFormat='4' encoding='WINDOWS-1252'/>", "<readXML fileName='in.csv' encoding='AUTO'/>",
+                       "<readXML fileName='in.csv' encoding=''/>",
                        "<readXML fileName='in.csv' encoding='System'/>", "<readXML fileName='in.csv' encoding='gb2312'/>"):
             self.graph(reader=reader)
             self.assertEqual(self.problems("check", status=0), [])
