@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QSpinBox>
+#include <QStyleOption>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -23,6 +24,7 @@ namespace {
 // Visible lines of a text; longer ones scroll.
 constexpr int kTextLines = 2;
 constexpr int kChoiceCharacters = 16; // long choices must not widen the panel
+constexpr int kWideChoice = 44;       // characters; a longer choice gets the width of its label too
 
 /// A layout without margins, for controls that form one field.
 template <class Layout> Layout *plainLayout(QWidget *parent)
@@ -176,10 +178,39 @@ ChoiceEditor::ChoiceEditor(const FieldContext &context)
     showExplanation();
 }
 
+bool ChoiceEditor::isWide() const
+{
+    const QStringList &choices = context().info.choices;
+    return std::any_of(choices.begin(), choices.end(),
+                       [](const QString &choice) { return choice.size() > kWideChoice; });
+}
+
+bool ChoiceEditor::isCut() const
+{
+    QStyleOptionComboBox option;
+    option.initFrom(m_box);
+    const int room =
+        m_box->style()
+            ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, m_box)
+            .width();
+    return m_box->fontMetrics().horizontalAdvance(m_box->currentText()) > room;
+}
+
 void ChoiceEditor::showExplanation()
 {
     const int choice = m_box->currentData().toInt();
-    m_explanation->setNote(NoteLabel::Kind::Remark, context().info.explanations.value(choice));
+    QStringList texts{context().info.explanations.value(choice)};
+    if (isCut()) {
+        texts.prepend(m_box->currentText());
+    }
+    texts.removeAll(QString());
+    m_explanation->setNote(NoteLabel::Kind::Remark, texts.join(u'\n'));
+}
+
+void ChoiceEditor::resizeEvent(QResizeEvent *event)
+{
+    FieldEditor::resizeEvent(event);
+    showExplanation();
 }
 
 void ChoiceEditor::setValue(const QString &value)

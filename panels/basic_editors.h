@@ -63,19 +63,24 @@ private:
     QSpinBox *m_box;
 };
 
-/// One of several values, with an explanation of the chosen one. A saved value that is not one of
-/// them is kept and shown as a number.
+/// One of several values, with an explanation of the chosen one. A text that is longer than the
+/// box is shown below it. A saved value that is not a choice is kept and shown as a number.
 class ChoiceEditor final : public FieldEditor
 {
     Q_DECLARE_TR_FUNCTIONS(corvanta::ChoiceEditor)
 
 public:
     explicit ChoiceEditor(const FieldContext &context);
+    /// Long texts need the width of the label too.
+    bool isWide() const override;
 
 protected:
     void setValue(const QString &value) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
+    /// Whether the text of the current choice does not fit in the box.
+    bool isCut() const;
     void showExplanation();
 
     QComboBox *m_box;

@@ -6,8 +6,9 @@
 
 #include <QComboBox>
 #include <QCompleter>
-#include <QGridLayout>
+#include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QSignalBlocker>
@@ -47,7 +48,7 @@ ParameterProblem unknownColumns(const FieldContext &context, const QStringList &
     return {context.info.name, text, ParameterProblem::Severity::Warning};
 }
 
-/// A column of buttons.
+/// Widgets below each other.
 QWidget *columnOf(std::initializer_list<QWidget *> widgets)
 {
     auto *const box = new QWidget;
@@ -132,21 +133,24 @@ ListEditor::ListEditor(const FieldContext &context)
     });
     auto *const toLeft =
         makeButton(Glyph::ToLeft, tr("Remove the selected columns"), [this] { removeSelected(); });
-    QWidget *const between = columnOf({toRight, toLeft});
-    m_needOffered = {m_left, between};
     m_removeLine =
         makeButton(Glyph::Remove, tr("Remove the selected lines"), [this] { removeSelected(); });
-    auto *const grid = new QGridLayout(this);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->addWidget(m_search, 0, 0, 1, 4);
-    grid->addWidget(m_left, 1, 0);
-    grid->addWidget(between, 1, 1);
-    grid->addWidget(m_list, 1, 2);
-    grid->addWidget(
-        columnOf({m_removeLine,
-                  makeButton(Glyph::Up, tr("Move the line up"), [this] { moveCurrent(-1); }),
-                  makeButton(Glyph::Down, tr("Move the line down"), [this] { moveCurrent(1); })}),
-        1, 3);
+    auto *const column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(m_search);
+    auto *const row = new QHBoxLayout;
+    column->addLayout(row);
+    auto *const offeredTitle = new QLabel(tr("In the input"));
+    auto *const chosenTitle = new QLabel(tr("Chosen"));
+    QWidget *const offered = columnOf({offeredTitle, m_left});
+    QWidget *const between = columnOf({toRight, toLeft});
+    m_needOffered = {offered, between, chosenTitle};
+    row->addWidget(offered, 1);
+    row->addWidget(between);
+    row->addWidget(columnOf({chosenTitle, m_list}), 1);
+    row->addWidget(columnOf(
+        {m_removeLine, makeButton(Glyph::Up, tr("Move the line up"), [this] { moveCurrent(-1); }),
+         makeButton(Glyph::Down, tr("Move the line down"), [this] { moveCurrent(1); })}));
     setUpLists();
     setOffered({});
 }

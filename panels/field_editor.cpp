@@ -5,8 +5,10 @@
 #include "panels/column_picker.h"
 #include "panels/file_field.h"
 #include "panels/glyphs.h"
+#include "panels/outline_style.h"
 #include "panels/structure_editor.h"
 
+#include <QCoreApplication>
 #include <QToolButton>
 
 #include <limits>
@@ -66,6 +68,7 @@ void FieldEditor::showProblem(const ParameterProblem &problem)
 
 void FieldEditor::nameControl(QWidget *control, const QString &name, const QString &toolTip)
 {
+    showOutline(control);
     control->setAccessibleName(name);
     control->setToolTip(toolTip.isEmpty() ? name : toolTip);
     control->setAccessibleDescription(toolTip.isEmpty() ? m_context.label : toolTip);
@@ -114,6 +117,14 @@ FieldEditor *makeEditor(const FieldContext &context)
         break;
     }
     return new StructureEditor(context);
+}
+
+QString captionOf(const QString &label)
+{
+    // Languages differ in the space before a colon.
+    return label.endsWith(u':') || label.endsWith(u')')
+               ? label
+               : QCoreApplication::translate("Panels", "%1:").arg(label);
 }
 
 QString toolTipOf(const FieldContext &context)

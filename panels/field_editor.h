@@ -23,7 +23,7 @@ struct FieldContext
 {
     ActionItem *action = nullptr;           ///< outlives the panel
     ActionParameters *parameters = nullptr; ///< the same object; never null
-    ParameterInfo info;                     ///< of the parameter
+    ParameterInfo info;                     ///< of the parameter, translated
     QString label;                          ///< of the field, translated, without colon
     QString meaning;                        ///< translated
 };
@@ -93,6 +93,8 @@ template <class Editor> FieldEditor *editor(const FieldContext &context)
 /// The editor for the type of the parameter. The caller owns it.
 FieldEditor *makeEditor(const FieldContext &context);
 
+/// The label before a field, with a colon unless it is a sentence.
+QString captionOf(const QString &label);
 /// The tool tip of a field: the name of the attribute and its meaning.
 QString toolTipOf(const FieldContext &context);
 

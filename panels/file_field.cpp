@@ -69,7 +69,10 @@ FileField::FileField(const FieldContext &context)
     m_mark->setVisible(false);
     connect(m_line, &QLineEdit::textEdited, this,
             [this](const QString &text) { report(text, Edit::Typing); });
-    connect(m_line, &QLineEdit::textChanged, this, [this] { updateMark(); });
+    connect(m_line, &QLineEdit::textChanged, this, [this] {
+        m_state = State::Unknown;
+        lookUp();
+    });
 }
 
 /// The button opens the dialog; its arrow opens the menu.
@@ -139,35 +142,51 @@ void FileField::setValue(const QString &value)
     if (m_line->text() != value) {
         m_line->setText(value);
     }
-    updateMark(); // the file may have been created since
+    lookUp(); // the file may have been created since
 }
 
 void FileField::showProblem(const ParameterProblem &problem)
 {
     FieldEditor::showProblem(problem);
     m_hasProblem = !problem.text.isEmpty();
-    updateMark();
+    showMark();
 }
 
-void FileField::updateMark()
+void FileField::lookUp()
 {
     // An unknown variable or an included template (">name") is not a file that can be looked up.
     const QString text = m_line->text();
     const QString name = isInput() ? context().action->expandFile(text)
                                    : context().action->expandOutputFile(text, QString());
-    m_mark->setVisible(!text.isEmpty() && !name.contains("${"_L1) && !text.startsWith(u'>'));
-    QStringList files;
-    if (isInput() && m_mark->isVisible()) {
-        listFiles(name, &files);
+    if (text.isEmpty() || name.contains("${"_L1) || text.startsWith(u'>')) {
+        m_state = State::Unknown;
+    } else {
+        m_check.start([this, name, isInput = isInput()]() -> BackgroundCheck::Show {
+            QStringList files{name};
+            if (isInput) {
+                listFiles(name, &files);
+            }
+            const QString first = files.value(0);
+            const bool exists = QFileInfo::exists(isInput ? fileOfInput(first) : first);
+            return [this, exists, count = static_cast<int>(files.size())] {
+                m_state = exists ? State::Exists : State::Missing;
+                m_files = count;
+                showMark();
+            };
+        });
     }
-    const bool exists = isInput() ? !m_hasProblem : QFileInfo::exists(name);
-    // The panel has checked an input, patterns and archives included; see showProblem().
+    showMark();
+}
+
+void FileField::showMark()
+{
+    m_mark->setVisible(m_state != State::Unknown);
     const QPalette &colors = palette();
-    if (exists) {
+    // The panel has checked more: see showProblem().
+    if (m_state == State::Exists && !(isInput() && m_hasProblem)) {
         m_mark->setIcon(glyphIcon(Glyph::Check, colors.color(QPalette::Text)));
-        m_mark->setToolTip(files.size() > 1 ? tr("%n files have such a name", nullptr,
-                                                 static_cast<int>(files.size()))
-                                            : tr("The file exists"));
+        m_mark->setToolTip(m_files > 1 ? tr("Files with such a name: %1").arg(m_files)
+                                       : tr("The file exists"));
     } else {
         m_mark->setIcon(isInput() ? glyphIcon(Glyph::Cross, errorColor(colors))
                                   : glyphIcon(Glyph::New, colors.color(QPalette::Text)));
@@ -197,7 +216,7 @@ void FileField::changeEvent(QEvent *event)
 {
     FieldEditor::changeEvent(event);
     if (event->type() == QEvent::PaletteChange) {
-        updateMark();
+        showMark();
     }
 }
 

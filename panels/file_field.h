@@ -1,9 +1,11 @@
 // Edits the name of a file: a line with a mark, a button for the file dialog, and a menu.
 //
-// The mark shows whether the file exists. The menu chooses a member of an archive and inserts
-// variables of the graph. A file that is dropped on the field becomes its value. Names are
-// contracted: relative to the folder of the graph, as they are saved. Threads: the GUI thread.
+// The mark shows whether the file exists, and nothing while that is not known. The menu chooses a
+// member of an archive and inserts variables of the graph. A file that is dropped on the field
+// becomes its value. Names are contracted: relative to the folder of the graph, as they are saved.
+// Threads: the GUI thread.
 #pragma once
+#include "panels/background_check.h"
 #include "panels/field_editor.h"
 
 #include <QCoreApplication>
@@ -40,11 +42,18 @@ private:
     void insertVariable(const QString &name);
     /// Make the file `name`, as a dialog returns it, the value. Ignores a null name.
     void take(const QString &name);
-    /// Look the file up and show the mark.
-    void updateMark();
+    /// Look the file up in the background, then show the mark.
+    void lookUp();
+    void showMark();
+
+    /// What is known about the file.
+    enum class State { Unknown, Exists, Missing };
 
     QLineEdit *m_line;
-    QAction *m_mark;           // at the end of the line
+    QAction *m_mark; // at the end of the line
+    BackgroundCheck m_check;
+    State m_state = State::Unknown;
+    int m_files = 0;           // that have such a name
     bool m_hasProblem = false; // see showProblem()
 };
 

@@ -16,7 +16,8 @@ namespace corvanta {
 
 namespace {
 
-constexpr int kIndent = 20; // of the fields: the arrow of the heading is left of them
+constexpr int kIndent = 20;             // of the fields: the arrow of the heading is left of them
+constexpr int kMaxLabelCharacters = 48; // in two lines next to a field
 
 QFrame *makeRule()
 {
@@ -70,7 +71,7 @@ void FoldingGroup::addField(QLabel *label, FieldEditor *editor, NoteLabel *note)
     if (label == nullptr) {
         m_grid->addWidget(editor, row, 0, 1, 2);
         m_grid->addWidget(note, row + 1, 0, 1, 2);
-    } else if (editor->isWide()) {
+    } else if (hasLabelAbove(*label, *editor)) {
         m_grid->addWidget(label, row++, 0, 1, 2);
         m_grid->addWidget(editor, row, 0, 1, 2);
         m_grid->addWidget(note, row + 1, 0, 1, 2);
@@ -81,6 +82,11 @@ void FoldingGroup::addField(QLabel *label, FieldEditor *editor, NoteLabel *note)
         m_grid->addWidget(editor, row, 1);
         m_grid->addWidget(note, row + 1, 1);
     }
+}
+
+bool FoldingGroup::hasLabelAbove(const QLabel &label, const FieldEditor &editor)
+{
+    return editor.isWide() || label.text().size() > kMaxLabelCharacters;
 }
 
 void FoldingGroup::setLabelWidth(int width)

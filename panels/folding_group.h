@@ -27,6 +27,8 @@ public:
     /// Add a field below the others; the group owns the widgets afterwards. `label` is null when
     /// the editor shows it itself. `note` is shown below the editor.
     void addField(QLabel *label, FieldEditor *editor, NoteLabel *note);
+    /// Whether addField() puts the label above the editor: the editor is wide, or the label long.
+    static bool hasLabelAbove(const QLabel &label, const FieldEditor &editor);
     /// Set the width of the labels, in pixels.
     void setLabelWidth(int width);
     /// Hide or show the fields. The user does the same with the heading.

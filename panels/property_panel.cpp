@@ -2,10 +2,12 @@
 
 #include "corvanta/action_item.h"
 #include "corvanta/corvanta_graph.h"
+#include "corvanta/edit/edit_check.h"
 #include "corvanta/edit/edit_history.h"
 #include "corvanta/icons.h"
 #include "corvanta/main_ui.h"
 #include "corvanta/params/saved_form.h"
+#include "panels/colors.h"
 #include "panels/folding_group.h"
 #include "panels/mnemonics.h"
 #include "panels/note_label.h"
@@ -14,6 +16,7 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QShortcut>
@@ -30,12 +33,13 @@ namespace {
 
 using Type = ParameterInfo::Type;
 
-constexpr int kPanelWidth = 460;            // preferred, in pixels
-constexpr int kMaxLabelCharacters = 24;     // longer labels are wrapped
-constexpr int kMaxConditionCharacters = 36; // longer texts of choices are cut in remarks
+constexpr int kPanelWidth = 460;        // preferred, in pixels
+constexpr int kMaxLabelCharacters = 24; // longer labels are wrapped
 constexpr int kValidationDelayMs = 200;
 constexpr int kScrollBarGap = 6;   // between the fields and the scroll bar
 constexpr double kIconScale = 0.5; // 32 pixels
+constexpr double kPlateRadius = 5;
+constexpr double kPlateMargin = 3;
 
 /// A label, meaning or choice of a parameter table in the language of the user.
 QString translated(const QString &text)
@@ -43,7 +47,13 @@ QString translated(const QString &text)
     return QCoreApplication::translate("Parameters", text.toUtf8().constData());
 }
 
-/// The texts of a parameter in the language of the user.
+/// A description is a text for menus, where "&&" is a visible ampersand.
+QString shownDescription(const ActionItem &action)
+{
+    return translated(action.getDescription()).replace("&&"_L1, "&"_L1);
+}
+
+/// The texts of a parameter and of its members in the language of the user.
 ParameterInfo translatedInfo(ParameterInfo info)
 {
     info.label = translated(info.label.isEmpty() ? info.name : info.label);
@@ -52,13 +62,8 @@ ParameterInfo translatedInfo(ParameterInfo info)
     for (QStringList *const texts : {&info.choices, &info.explanations}) {
         std::transform(texts->begin(), texts->end(), texts->begin(), translated);
     }
+    std::transform(info.members.begin(), info.members.end(), info.members.begin(), translatedInfo);
     return info;
-}
-
-/// The label before a field, with a colon unless it is a sentence.
-QString caption(const QString &label)
-{
-    return label.endsWith(u':') || label.endsWith(u')') ? label : label + u':';
 }
 
 /// A value as a remark shows it.
@@ -68,10 +73,39 @@ QString valueText(const ParameterInfo &info, const QString &value)
         return value == "0"_L1 ? PropertyPanel::tr("off") : PropertyPanel::tr("on");
     }
     const QString text = info.choices.value(info.choices.isEmpty() ? -1 : value.toInt());
-    const bool isLong = text.size() > kMaxConditionCharacters;
-    return text.isEmpty() ? value
-                          : u"\u201c%1\u201d"_s.arg(
-                                isLong ? text.left(kMaxConditionCharacters - 1) + u'\u2026' : text);
+    return text.isEmpty() ? value : PropertyPanel::tr("\u201c%1\u201d").arg(text);
+}
+
+/// `text` as a sentence of its own begins.
+QString capitalized(QString text)
+{
+    if (!text.isEmpty()) {
+        text[0] = text[0].toUpper();
+    }
+    return text;
+}
+
+/// The icon on a light plate when the window is dark: icons are drawn for light windows.
+QPixmap readableIcon(const QPixmap &icon, const QPalette &palette)
+{
+    const bool isDark = contrastOf(palette.color(QPalette::Window), Qt::black) <
+                        contrastOf(palette.color(QPalette::Window), Qt::white);
+    if (!isDark) {
+        return icon;
+    }
+    QPixmap plated(icon.size());
+    plated.setDevicePixelRatio(icon.devicePixelRatio());
+    plated.fill(Qt::transparent);
+    QPainter painter(&plated);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0xf0, 0xf0, 0xf0));
+    const QRectF all(QPointF(), icon.deviceIndependentSize());
+    painter.drawRoundedRect(all, kPlateRadius, kPlateRadius);
+    const QRectF inner = all.adjusted(kPlateMargin, kPlateMargin, -kPlateMargin, -kPlateMargin);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawPixmap(inner, icon, QRectF(icon.rect()));
+    return plated;
 }
 
 /// The parameters that a layout names.
@@ -92,9 +126,11 @@ PropertyPanel::PropertyPanel(QWidget *parent, ActionItem *action, const PanelLay
     : UpdateClassWidget(parent, action)
     , m_parameters(dynamic_cast<ActionParameters *>(action))
     , m_scroll(new QScrollArea)
+    , m_icon(new QLabel)
     , m_problem(new NoteLabel)
 {
     // Layouts give their widgets to the panel, which deletes them. The heading does not scroll.
+    updatePalette();
     auto *const column = new QVBoxLayout(this);
     column->addWidget(makeHeading());
     column->addWidget(m_problem);
@@ -161,11 +197,10 @@ QWidget *PropertyPanel::makeHeading()
     auto *const heading = new QWidget;
     auto *const layout = new QHBoxLayout(heading);
     layout->setContentsMargins(0, 0, 0, 0);
-    auto *const icon = new QLabel;
-    icon->setPixmap(resizeIcon(*action()->getIcon(1), kIconScale));
+    showIcon();
     auto *const text = new QLabel(
         u"<b>%1</b><br>%2"_s.arg(QString::fromLatin1(action()->getTypeName()).toHtmlEscaped(),
-                                 translated(action()->getDescription()).toHtmlEscaped()));
+                                 shownDescription(*action()).toHtmlEscaped()));
     text->setWordWrap(true);
     auto *const help = new QToolButton;
     help->setText(u"?"_s);
@@ -175,10 +210,18 @@ QWidget *PropertyPanel::makeHeading()
     help->setToolTip(tr("Help (F1)"));
     help->setAccessibleDescription(tr("Opens the help page of the action"));
     connect(help, &QToolButton::clicked, this, [this] { action()->showHelp(); });
-    layout->addWidget(icon);
+    layout->addWidget(m_icon);
     layout->addWidget(text, 1);
     layout->addWidget(help);
     return heading;
+}
+
+void PropertyPanel::showIcon()
+{
+    const double ratio = devicePixelRatioF();
+    QPixmap icon = *action()->getIcon(kIconScale * ratio);
+    icon.setDevicePixelRatio(ratio);
+    m_icon->setPixmap(readableIcon(icon, palette()));
 }
 
 void PropertyPanel::addGroup(const PanelGroup &group, Mnemonics &mnemonics)
@@ -213,7 +256,7 @@ void PropertyPanel::addField(const PanelField &field, Mnemonics &mnemonics)
     if (row.editor->showsLabel()) {
         row.editor->setLabel(mnemonics.assign(info.label));
     } else {
-        row.label = new QLabel(mnemonics.assign(caption(info.label)));
+        row.label = new QLabel(mnemonics.assign(captionOf(info.label)));
         row.label->setWordWrap(true);
         row.label->setToolTip(toolTipOf(context));
         row.label->setBuddy(row.editor->focusProxy());
@@ -232,14 +275,14 @@ void PropertyPanel::alignLabels()
     int width = 0;
     // Long labels are wrapped at the limit; short ones decide the width otherwise.
     for (const Row &row : m_rows) {
-        if (row.label != nullptr && !row.editor->isWide()) {
+        if (row.label != nullptr && !FoldingGroup::hasLabelAbove(*row.label, *row.editor)) {
             row.label->setWordWrap(false); // for its natural width
             width = qMax(width, qMin(limit, row.label->sizeHint().width()));
             row.label->setWordWrap(true);
         }
     }
     for (const Row &row : m_rows) {
-        if (row.label != nullptr && !row.editor->isWide()) {
+        if (row.label != nullptr && !FoldingGroup::hasLabelAbove(*row.label, *row.editor)) {
             row.label->setFixedWidth(width);
         }
     }
@@ -261,11 +304,28 @@ QSize PropertyPanel::sizeHint() const
     const int width = qMax(kPanelWidth, minimumSizeHint().width());
     const QMargins margins = layout()->contentsMargins();
     const int inner = width - margins.left() - margins.right();
-    const int above = layout()->sizeHint().height() - m_scroll->sizeHint().height();
-    const int fields = content->layout()->hasHeightForWidth()
-                           ? content->layout()->heightForWidth(inner)
-                           : content->sizeHint().height();
-    return {width, qMin(kMaxHeight, above + fields)};
+    // Fields that have changed since the last event have old sizes otherwise.
+    for (QLayout *const inside : findChildren<QLayout *>()) {
+        inside->invalidate();
+    }
+    int height = margins.top() + margins.bottom();
+    if (content->layout() != nullptr) {
+        height += content->layout()->heightForWidth(inner);
+    }
+    for (const QWidget *const above : {m_icon->parentWidget(), static_cast<QWidget *>(m_problem)}) {
+        height += above->isHidden() ? 0 : above->heightForWidth(inner) + layout()->spacing();
+    }
+    return {width, qMin(kMaxHeight, height)};
+}
+
+void PropertyPanel::updatePalette()
+{
+    const QPalette base =
+        parentWidget() != nullptr ? parentWidget()->palette() : QApplication::palette(this);
+    const QPalette readable = readablePalette(base);
+    if (readable != palette()) { // setPalette() calls changeEvent()
+        setPalette(readable);
+    }
 }
 
 void PropertyPanel::changeEvent(QEvent *event)
@@ -274,6 +334,9 @@ void PropertyPanel::changeEvent(QEvent *event)
     if (event->type() == QEvent::FontChange) {
         alignLabels();
         updateMinimumWidth();
+    } else if (event->type() == QEvent::PaletteChange) {
+        updatePalette();
+        showIcon();
     }
 }
 
@@ -286,6 +349,7 @@ void PropertyPanel::refresh()
         row.editor->showValue(storedValue(*action(), row.index));
         row.rejected.clear();
     }
+    showProblems();
     validate();
 }
 
@@ -304,7 +368,7 @@ void PropertyPanel::edit(Row &row, const QString &value, FieldEditor::Edit kind)
         MainUI::parameterWasEdited(
             action(), {info.name, value, kind == FieldEditor::Edit::Typing ? m_series : 0});
     }
-    updateRows();
+    showProblems(); // those that need no file; the others follow
     m_validation.start();
 }
 
@@ -314,23 +378,32 @@ void PropertyPanel::validate()
     if (m_parameters == nullptr) {
         return;
     }
-    const QVector<ParameterProblem> problems = valueProblems(*action());
+    m_check.start(
+        [this, check = std::make_shared<EditCheck>(*action())]() -> BackgroundCheck::Show {
+            return [this, problems = check->problems()] {
+                m_problems = problems;
+                showProblems();
+            };
+        });
+}
+
+void PropertyPanel::showProblems()
+{
     for (Row &row : m_rows) {
-        row.problem = problemOf(row, problems);
+        row.problem = problemOf(row);
         row.editor->showProblem(row.problem);
     }
     // Of the whole action, or of a value that has no field.
     const auto general =
-        std::find_if(problems.begin(), problems.end(), [this](const ParameterProblem &problem) {
+        std::find_if(m_problems.begin(), m_problems.end(), [this](const ParameterProblem &problem) {
             return infoOf(problem.parameter) == nullptr;
         });
     m_problem->setNote(NoteLabel::Kind::Error,
-                       general == problems.end() ? QString() : general->text);
+                       general == m_problems.end() ? QString() : capitalized(general->text));
     updateRows();
 }
 
-ParameterProblem PropertyPanel::problemOf(const Row &row,
-                                          const QVector<ParameterProblem> &problems) const
+ParameterProblem PropertyPanel::problemOf(const Row &row) const
 {
     const ParameterInfo &info = m_infos[row.index];
     const QString value = action()->expandString(m_parameters->parameterValue(row.index));
@@ -351,10 +424,10 @@ ParameterProblem PropertyPanel::problemOf(const Row &row,
         return error(tr("expected %1").arg(allowedValues(info)));
     }
     const auto found =
-        std::find_if(problems.begin(), problems.end(), [&](const ParameterProblem &problem) {
+        std::find_if(m_problems.begin(), m_problems.end(), [&](const ParameterProblem &problem) {
             return problem.parameter == info.name;
         });
-    return found != problems.end() ? *found : row.editor->problem();
+    return found != m_problems.end() ? *found : row.editor->problem();
 }
 
 void PropertyPanel::updateRows()
@@ -389,7 +462,7 @@ void PropertyPanel::showNote(Row &row, bool showsCondition)
         row.note->setNote(isMissing ? NoteLabel::Kind::Remark
                           : isError ? NoteLabel::Kind::Error
                                     : NoteLabel::Kind::Warning,
-                          row.problem.text);
+                          capitalized(row.problem.text));
     } else {
         row.note->setNote(NoteLabel::Kind::Remark, showsCondition ? row.condition : QString());
     }
@@ -412,9 +485,9 @@ void PropertyPanel::updateStatus(size_t group)
     if (!box->isFolded()) {
         box->setStatus({}, false);
     } else if (problems > 0) {
-        box->setStatus(tr("%n problem(s)", nullptr, problems), true);
+        box->setStatus(tr("Problems: %1").arg(problems), true);
     } else {
-        box->setStatus(set > 0 ? tr("%n value(s) set", nullptr, set) : QString(), false);
+        box->setStatus(set > 0 ? tr("Values set: %1").arg(set) : QString(), false);
     }
 }
 

@@ -3,11 +3,12 @@
 //
 // An edit reaches the action immediately and is reported to the host (MainUI). A value that is not
 // of the parameter's type leaves the action unchanged, and its field says so. Fields that the
-// action ignores are disabled and say why. The values are checked after each edit. Threads: the GUI
-// thread.
+// action ignores are disabled and say why. The values are checked after each edit, in the
+// background as far as files are looked up. Threads: the GUI thread.
 #pragma once
 #include "corvanta/action_parameters.h"
 #include "corvanta/update_class_widget.h"
+#include "panels/background_check.h"
 #include "panels/panel_layout.h"
 
 #include <QCoreApplication>
@@ -36,7 +37,8 @@ public:
     void refresh() override;
     /// At most kMaxHeight high; what does not fit scrolls.
     QSize sizeHint() const override;
-    /// Check the values now instead of a moment after the last edit, and show the problems.
+    /// Check the values now instead of a moment after the last edit, and show the problems when
+    /// they are known.
     void validate();
 
     /// In pixels, at the default font.
@@ -62,12 +64,15 @@ private:
 
     // Called once, by the constructor; rows and groups never change afterwards.
     QWidget *makeHeading();
+    void showIcon();
     /// Make all groups, "Advanced" with the parameters that no group names included.
     void addGroups(const PanelLayout &layout);
     void addGroup(const PanelGroup &group, Mnemonics &mnemonics);
     void addField(const PanelField &field, Mnemonics &mnemonics);
     /// Give all labels the same width.
     void alignLabels();
+    /// Make the texts of disabled fields readable in the palette of the panel.
+    void updatePalette();
     /// Keep the panel as wide as its fields need: it scrolls only vertically.
     void updateMinimumWidth();
 
@@ -75,11 +80,13 @@ private:
     void edit(Row &row, const QString &value, FieldEditor::Edit kind);
     /// Enable and disable fields, and show notes and the remarks of the groups.
     void updateRows();
+    /// Show the problems that are known.
+    void showProblems();
     void updateStatus(size_t group);
     /// Show the problem of a row or, if there is none, why it is disabled.
     void showNote(Row &row, bool showsCondition);
-    /// The first problem of a row. `problems` are those of all parameters.
-    ParameterProblem problemOf(const Row &row, const QVector<ParameterProblem> &problems) const;
+    /// The first problem of a row.
+    ParameterProblem problemOf(const Row &row) const;
     /// "Used only when ...", with the labels of the parameters.
     QString conditionText(const ParameterInfo::Condition &condition) const;
     /// By name, translated; null if there is none.
@@ -88,11 +95,14 @@ private:
     ActionParameters *m_parameters;
     QVector<ParameterInfo> m_infos; // translated; by number of the parameter
     QScrollArea *m_scroll;
+    QLabel *m_icon;
     NoteLabel *m_problem; // of the whole action
     std::vector<FoldingGroup *> m_groups;
     std::vector<Row> m_rows; // in the order of the panel
     QTimer m_validation;
-    int m_series = 0; // of joined edits; see ParameterEdit::series
+    BackgroundCheck m_check;
+    QVector<ParameterProblem> m_problems; // that the last check has found
+    int m_series = 0;                     // of joined edits; see ParameterEdit::series
 };
 
 } // namespace corvanta

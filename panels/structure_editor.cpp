@@ -348,8 +348,8 @@ void StructureEditor::addField(int index)
     }
     FieldContext inner = context();
     inner.info = member;
-    inner.label = QCoreApplication::translate("Parameters", member.label.toUtf8().constData());
-    inner.meaning = QCoreApplication::translate("Parameters", member.meaning.toUtf8().constData());
+    inner.label = member.label;
+    inner.meaning = member.meaning;
     FieldEditor *const field = makeEditor(inner);
     field->setEdited([this, index](const QString &text, Edit kind) {
         ElementItem *const item = current();
@@ -360,7 +360,7 @@ void StructureEditor::addField(int index)
     if (field->showsLabel()) {
         m_form->addRow(field);
     } else {
-        auto *const label = new QLabel(inner.label + u':');
+        auto *const label = new QLabel(captionOf(inner.label));
         label->setBuddy(field->focusProxy());
         m_form->addRow(label, field);
     }

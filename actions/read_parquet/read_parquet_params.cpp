@@ -19,7 +19,7 @@ ParamGroup<P> filesAndColumns()
             .meaning("Reads 64-bit integers as keys, their low 32 bits. Off: as decimal numbers."),
         choice("columnSelection", &P::columnSelection,
                {{ColumnSelection::All, "all columns"},
-                {ColumnSelection::Listed, "the columns of ColumnsToRead"},
+                {ColumnSelection::Listed, "the columns in the list"},
                 {ColumnSelection::FromPin, "the columns named on input pin 1"}})
             .otherwise("reads all columns")
             .label("Columns")

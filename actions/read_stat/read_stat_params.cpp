@@ -65,7 +65,7 @@ ParamGroup<P> additions()
         number("maxRows", &P::maxRows)
             .range(0, 2147483647)
             .unit("rows")
-            .label("Rows")
+            .label("Rows to read")
             .meaning("Reads only this number of rows of each file; 0: all."),
     };
 }

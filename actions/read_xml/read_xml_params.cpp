@@ -39,7 +39,7 @@ ParamGroup<P> file()
             .label("Read CDATA sections")
             .meaning("Reads CDATA sections and <PRE> blocks as text of their element."),
         flag("readHTML", &P::readHTML)
-            .label("HTML")
+            .label("The file is HTML")
             .meaning("Reads HTML, including malformed pages."),
     };
 }

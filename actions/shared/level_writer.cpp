@@ -2,6 +2,8 @@
 
 #include "base/occurrences.h"
 
+#include <QCoreApplication>
+
 #include <map>
 
 using namespace Qt::StringLiterals;
@@ -50,8 +52,10 @@ QVector<ParameterProblem> LevelWriter::problems() const
     if (format.set(text)) {
         return {};
     }
-    return {{QString::fromLatin1(shared::kFloatToString),
-             u"'%1' is not a format of a floating-point number"_s.arg(text)}};
+    return {
+        {QString::fromLatin1(shared::kFloatToString),
+         QCoreApplication::translate("Problems", "'%1' is not a format of a floating-point number")
+             .arg(text)}};
 }
 
 /// The message for a problem with the table or the parameters, which is not one of the file.

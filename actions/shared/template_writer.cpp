@@ -4,6 +4,7 @@
 #include "actions/shared/package_reasons.h"
 #include "base/platform/files.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -63,8 +64,10 @@ void TemplateWriter::addOwnTemplateProblem(const QString &document, const QStrin
     if (platform::isSameFile(document, source)) {
         found->push_back(
             {u"output"_s,
-             u"the document '%1' would replace its own template: choose another output name"_s.arg(
-                 document)});
+             QCoreApplication::translate(
+                 "Problems",
+                 "the document '%1' would replace its own template: choose another output name")
+                 .arg(document)});
     }
 }
 

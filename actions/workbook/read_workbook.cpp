@@ -8,6 +8,7 @@
 #include "corvanta/failure_reason.h"
 #include "io/input/kept_pipe.h"
 
+#include <QCoreApplication>
 #include <QScopeGuard>
 
 #include <algorithm>
@@ -22,6 +23,9 @@ namespace {
 /// but empty cells would be delivered for hours.
 constexpr qint64 kMaxSparseCells = qint64(1) << 30;
 constexpr qint64 kSparseRatio = 1000;
+
+constexpr auto kUnusedName =
+    QT_TRANSLATE_NOOP("Problems", "'%1' is not used: sheetMode='1' reads the sheet of this name");
 
 /// What is special about a sheet, for lists.
 QString notesOf(const sheet::SheetInfo &info)
@@ -94,16 +98,17 @@ QString ReadWorkbook::unusedName() const
     const QString &name = readerParams().sheetName;
     return name.isEmpty() || usesSheetName(readerParams())
                ? QString()
-               : u"'%1' is not used: sheetMode='1' reads the sheet of this name"_s.arg(name);
+               : QString::fromLatin1(kUnusedName).arg(name);
 }
 
 QVector<ParameterProblem> ReadWorkbook::problems() const
 {
-    const QString unused = unusedName();
-    return unused.isEmpty()
-               ? QVector<ParameterProblem>()
-               : QVector<ParameterProblem>{{QString::fromLatin1(shared::kSheetName), unused,
-                                            ParameterProblem::Severity::Warning}};
+    if (unusedName().isEmpty()) {
+        return {};
+    }
+    return {{QString::fromLatin1(shared::kSheetName),
+             QCoreApplication::translate("Problems", kUnusedName).arg(readerParams().sheetName),
+             ParameterProblem::Severity::Warning}};
 }
 
 void ReadWorkbook::finish()

@@ -5,6 +5,7 @@
 #include "codecs/opc/marker_search.h"
 #include "codecs/opc/markup_scan.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -22,7 +23,8 @@ QVector<ParameterProblem> ActionWriteDocTable::problems() const
         if (std::find(markers.begin(), markers.end(), marker) != markers.end()) {
             found.push_back(
                 {u"v"_s,
-                 u"the marker '%1' of input pin %2 already exists: all markers must be different"_s
+                 QCoreApplication::translate("Problems", "the marker '%1' of input pin %2 already "
+                                                         "exists: all markers must be different")
                      .arg(QString::fromUtf8(marker), QString::number(pin + 1))});
         }
         markers.push_back(marker);
@@ -43,8 +45,9 @@ void ActionWriteDocTable::addTemplateProblems(const std::vector<QByteArray> &mar
     }
     const auto source = PackageInput::open(globalParameters(), name);
     if (!source) {
-        found->push_back({u"template"_s,
-                          u"cannot read the template '%1': %2"_s.arg(name, source.fault().detail)});
+        found->push_back({u"template"_s, QCoreApplication::translate(
+                                             "Problems", "cannot read the template '%1': %2")
+                                             .arg(name, source.fault().detail)});
         return;
     }
     opc::PackageCopy package((*source)->reader(), [] { return true; });
@@ -53,7 +56,9 @@ void ActionWriteDocTable::addTemplateProblems(const std::vector<QByteArray> &mar
     for (const auto *const part : {&body, &styles}) {
         if (!*part || !opc::isUtf8Text(**part)) {
             found->push_back(
-                {u"template"_s, u"'%1' is not a Word document with styles"_s.arg(name)});
+                {u"template"_s,
+                 QCoreApplication::translate("Problems", "'%1' is not a Word document with styles")
+                     .arg(name)});
             return;
         }
     }

@@ -7,6 +7,8 @@
 #include "base/counted.h"
 #include "codecs/xlsx/name_rules.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -20,27 +22,36 @@ constexpr qint64 kMaxLinks = 65530;
 /// A long text is cut in messages.
 constexpr qsizetype kMaxShownUnits = 60;
 
-/// What is wrong with a name, to follow it in a sentence. `similar` as in sameButCase().
-QString faultText(xlsx::NameFault fault, const QString &similar)
+/// What is wrong with a name, to follow it in a sentence.
+const char *faultText(xlsx::NameFault fault)
 {
     switch (fault) {
         // Each part completes the sentence "the name ... ".
     case xlsx::NameFault::Empty:
-        return u"is empty"_s;
+        return QT_TRANSLATE_NOOP("Problems", "is empty");
     case xlsx::NameFault::Character:
-        return u"contains one of / \\ ? * [ ] : or a control character"_s;
+        return QT_TRANSLATE_NOOP("Problems",
+                                 "contains one of / \\ ? * [ ] : or a control character");
     case xlsx::NameFault::Quote:
-        return u"begins or ends with an apostrophe"_s;
+        return QT_TRANSLATE_NOOP("Problems", "begins or ends with an apostrophe");
     case xlsx::NameFault::Reserved:
-        return u"is reserved"_s;
+        return QT_TRANSLATE_NOOP("Problems", "is reserved");
     case xlsx::NameFault::OnlyCase:
-        return u"differs only in letter case from '%1'"_s.arg(similar);
+        return QT_TRANSLATE_NOOP("Problems", "differs only in letter case from '%1'");
     case xlsx::NameFault::NotAName:
-        return u"is not a letter or _ followed by letters, digits, _ and ."_s;
+        return QT_TRANSLATE_NOOP("Problems",
+                                 "is not a letter or _ followed by letters, digits, _ and .");
     case xlsx::NameFault::Reference:
         break;
     }
-    return u"is also a reference to cells"_s;
+    return QT_TRANSLATE_NOOP("Problems", "is also a reference to cells");
+}
+
+/// The same in English. `similar` as in sameButCase().
+QString faultText(xlsx::NameFault fault, const QString &similar)
+{
+    const QString text = QString::fromLatin1(faultText(fault));
+    return fault == xlsx::NameFault::OnlyCase ? text.arg(similar) : text;
 }
 
 QString shown(std::u16string_view text)
@@ -245,7 +256,9 @@ QVector<ParameterProblem> ActionWriteExcel::problems() const
     if (!format.set(m_params.floatToString) || !sheet::printsNumbers(format)) {
         problems << ParameterProblem{
             QString::fromLatin1(shared::kFloatToString),
-            u"'%1' is not a format of a floating-point number"_s.arg(m_params.floatToString)};
+            QCoreApplication::translate("Problems",
+                                        "'%1' is not a format of a floating-point number")
+                .arg(m_params.floatToString)};
     }
     return problems + dateProblems() + nameProblems();
 }
@@ -259,8 +272,11 @@ QVector<ParameterProblem> ActionWriteExcel::dateProblems() const
     }
     const QString text =
         format.isEmpty()
-            ? u"ToDate lists columns, but without a date format no text is a date"_s
-            : u"'%1' has years of two digits, which are read as 1900 to 1999"_s.arg(format);
+            ? QCoreApplication::translate(
+                  "Problems", "ToDate lists columns, but without a date format no text is a date")
+            : QCoreApplication::translate(
+                  "Problems", "'%1' has years of two digits, which are read as 1900 to 1999")
+                  .arg(format);
     return {{QString::fromLatin1(kDateFormat), text, ParameterProblem::Severity::Warning}};
 }
 
@@ -272,7 +288,8 @@ QVector<ParameterProblem> ActionWriteExcel::nameProblems() const
         for (const xlsx::NameFault fault : faults) {
             problems << ParameterProblem{
                 QString::fromLatin1(parameter),
-                u"'%1' %2: the workbook may not open"_s.arg(name, faultText(fault, {})),
+                QCoreApplication::translate("Problems", "'%1' %2: the workbook may not open")
+                    .arg(name, QCoreApplication::translate("Problems", faultText(fault))),
                 ParameterProblem::Severity::Warning};
         }
     };

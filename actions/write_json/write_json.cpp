@@ -3,6 +3,8 @@
 #include "actions/shared/split_name.h"
 #include "codecs/compose/json_levels.h"
 
+#include <QCoreApplication>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
@@ -66,7 +68,8 @@ QVector<ParameterProblem> ActionWriteJSON::problems() const
     if (problems.isEmpty() && !compose::printsJsonNumber(m_params.floatToString)) {
         problems.append(
             {QString::fromLatin1(shared::kFloatToString),
-             u"'%1' prints numbers that JSON does not have"_s.arg(m_params.floatToString),
+             QCoreApplication::translate("Problems", "'%1' prints numbers that JSON does not have")
+                 .arg(m_params.floatToString),
              ParameterProblem::Severity::Warning});
     }
     return problems;

@@ -42,7 +42,7 @@ ParamGroup<P> splitting()
     return {
         choice("split", &P::split,
                {{SplitMode::None, "one file"},
-                {SplitMode::ByValue, "one file per value of splitVar"},
+                {SplitMode::ByValue, "one file per value of the split column"},
                 {SplitMode::BySize, "a new file after every segment"}})
             .always()
             .range(0, 2)

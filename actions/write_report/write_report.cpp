@@ -3,6 +3,7 @@
 #include "actions/write_report/report_problems.h"
 #include "actions/write_report/shipped_template.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
@@ -86,14 +87,18 @@ void ActionWriteReport::findTemplateProblems(QVector<ParameterProblem> *found) c
     const QString name = templateFile();
     const QByteArray folder = chartFolderOf(name);
     if (folder.isEmpty()) {
-        found->push_back({parameter, u"the extension is not .xlsx, .docx or .pptx"_s});
+        found->push_back(
+            {parameter, QCoreApplication::translate("Problems",
+                                                    "the extension is not .xlsx, .docx or .pptx")});
         return;
     }
     if (!QFileInfo(name).isFile()) {
         // Other names are looked up by the check itself.
         if (m_params.templateName.startsWith(u'>')) {
             found->push_back(
-                {parameter, u"the file '%1' of 'template' does not exist"_s.arg(name)});
+                {parameter, QCoreApplication::translate(
+                                "Problems", "the file '%1' of 'template' does not exist")
+                                .arg(name)});
         }
         return;
     }

@@ -5,6 +5,7 @@
 #include "base/counted.h"
 #include "codecs/sas/variable_names.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -23,14 +24,18 @@ QVector<ParameterProblem> ActionWriteSASXPT::problems() const
 {
     QVector<ParameterProblem> found;
     if (!sas::TextEncoder::named(m_params.encoding.toUtf8())) {
-        found.append({u"encoding"_s,
-                      u"the encoding '%1' is unknown, or its characters have several bytes"_s.arg(
-                          m_params.encoding)});
+        found.append(
+            {u"encoding"_s,
+             QCoreApplication::translate(
+                 "Problems", "the encoding '%1' is unknown, or its characters have several bytes")
+                 .arg(m_params.encoding)});
     }
     for (const VariableDefinition &defined : m_params.variables) {
         if (!defined.format.isEmpty() && !sas::DisplayFormat::parse(defined.format.toUtf8())) {
             found.append({QString::fromLatin1(kVariableDefinitions),
-                          u"'%1' is not a format of SAS, such as DATE9."_s.arg(defined.format)});
+                          QCoreApplication::translate("Problems",
+                                                      "'%1' is not a format of SAS, such as DATE9.")
+                              .arg(defined.format)});
         }
     }
     return found;

@@ -1,6 +1,7 @@
 // File dialogs of the panels, as thin wrappers around Qt's.
 #include "corvanta/file_dialogs.h"
 
+#include <QCoreApplication>
 #include <QFileDialog>
 #include <QInputDialog>
 
@@ -22,8 +23,9 @@ QString browseArchive(QWidget *parent, const QString &name)
 {
     // Asked for as a text: the host does not read archives, the readers do.
     bool ok = false;
-    const QString member = QInputDialog::getText(parent, u"Archive member"_s,
-                                                 u"Name of the member inside %1"_s.arg(name),
-                                                 QLineEdit::Normal, QString(), &ok);
+    const QString member = QInputDialog::getText(
+        parent, QCoreApplication::translate("Panels", "Archive member"),
+        QCoreApplication::translate("Panels", "Name of the member inside %1").arg(name),
+        QLineEdit::Normal, QString(), &ok);
     return ok && !member.isEmpty() ? name + u'@' + member : QString();
 }

@@ -261,9 +261,10 @@ TEST(Editors, AFileIsMarkedDroppedAndMadeRelative)
     auto *const line = editor.find<QLineEdit>();
     const QAction *const mark = line->actions().value(0);
     editor->showValue(name);
-    EXPECT_EQ(mark->toolTip(), u"The file exists"_s);
+    // The file is looked up in the background.
+    QTRY_COMPARE_WITH_TIMEOUT(mark->toolTip(), u"The file exists"_s, 10000);
     QTest::keyClicks(line, u"x"_s);
-    EXPECT_EQ(mark->toolTip(), u"The file does not exist yet"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(mark->toolTip(), u"The file does not exist yet"_s, 10000);
     editor->showValue(u"${graphDi}"_s);
     EXPECT_FALSE(mark->isVisible()) << "not known";
 
@@ -332,6 +333,16 @@ TEST(Editors, RemarksAndProblemsAreReadableOnAnyBackground)
              {remarkColor(palette), warningColor(palette), errorColor(palette)}) {
             EXPECT_GE(contrastOf(color, palette.color(QPalette::Window)), kTextContrast);
         }
+        EXPECT_GE(contrastOf(outlineColor(palette), palette.color(QPalette::Window)),
+                  kOutlineContrast);
+        const QPalette readable = readablePalette(palette);
+        const auto contrast = [&](QPalette::ColorRole role, QPalette::ColorRole background) {
+            return contrastOf(readable.color(QPalette::Disabled, role),
+                              readable.color(QPalette::Disabled, background));
+        };
+        EXPECT_GE(contrast(QPalette::WindowText, QPalette::Window), kTextContrast);
+        EXPECT_GE(contrast(QPalette::Text, QPalette::Base), kTextContrast);
+        EXPECT_GE(contrast(QPalette::PlaceholderText, QPalette::Base), kTextContrast);
     }
     EXPECT_NEAR(contrastOf(Qt::black, Qt::white), 21, 0.01);
     EXPECT_GE(contrastOf(readableOn(Qt::gray, Qt::gray), Qt::gray), kTextContrast);

@@ -1,15 +1,18 @@
 // Draws the panel of every action in light and dark colours: panel_pictures FOLDER [TYPE...]
 //
 // The pictures are for docs/pictures, and for people who change a panel. With --unfolded all groups
-// are shown, with --scale N at N percent of the font size.
+// are shown, with --scale N at N percent of the font size, with --language fr in French.
+#include "corvanta/edit/translation.h"
 #include "tests/panels/panel_support.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
+#include <QLocale>
 #include <QStyleFactory>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <cstdio>
 
@@ -17,7 +20,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Make the input files of the action, so that the picture shows no missing ones.
+/// The panels look files up in the background.
+constexpr int kCheckMs = 150;
+
+/// Make the input files of the action, so that the picture shows no missing ones. A name of a
+/// template of this project gives a copy of it.
 void makeInputs(const panels::Action &action)
 {
     const ActionParameters &parameters = panels::parametersOf(action);
@@ -25,7 +32,12 @@ void makeInputs(const panels::Action &action)
         if (info.file == ParameterInfo::File::Input) {
             const QString name = action->expandFile(panels::valueOf(action, info.name));
             QDir().mkpath(QFileInfo(name).path());
-            QFile(name).open(QIODevice::WriteOnly);
+            const QString file = QFileInfo(name).fileName();
+            for (const QString &templates : {u"examples/documents"_s, u"templates/office"_s}) {
+                const QDir source(QStringLiteral(CORVANTA_SOURCE_DIR));
+                QFile::copy(source.filePath(templates + u'/' + file), name);
+            }
+            QFile(name).open(QIODevice::Append); // empty unless it is a template
         }
     }
 }
@@ -47,6 +59,10 @@ bool draw(const QString &type, panels::Colors colors, const QCommandLineParser &
         panel->resize(panel->sizeHint());
     }
     panel->show();
+    QTest::qWait(kCheckMs);
+    if (!options.isSet(u"unfolded"_s)) {
+        panel->resize(panel->sizeHint()); // with the problems
+    }
     QApplication::processEvents();
     const QString suffix = colors == panels::Colors::Light ? u"light"_s : u"dark"_s;
     const QString name = u"%1_%2.png"_s.arg(type, suffix);
@@ -67,11 +83,13 @@ int main(int argc, char **argv)
     QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     QCommandLineParser options;
     options.addOptions({{u"unfolded"_s, u"Show all groups."_s},
+                        {u"language"_s, u"Language of the panels."_s, u"code"_s, u"en"_s},
                         {u"scale"_s, u"Size of the font in percent."_s, u"percent"_s, u"100"_s}});
     options.process(application);
     QFont font(u"DejaVu Sans"_s);
     font.setPointSizeF(9.0 * options.value(u"scale"_s).toInt() / 100);
     QApplication::setFont(font);
+    corvanta::loadTranslation(QLocale(options.value(u"language"_s)));
     QStringList types = options.positionalArguments().mid(1);
     panels::setInputColumns({u"country"_s, u"city"_s, u"date"_s, u"amount"_s, u"comment"_s,
                              u"wordFile"_s, u"templateFile"_s, u"photo"_s});

@@ -1,10 +1,14 @@
 #include "tests/panels/panel_support.h"
 
+#include "corvanta/edit/translation.h"
 #include "corvanta/main_ui.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
+#include <QLocale>
 #include <QMap>
 #include <QToolButton>
+#include <QTranslator>
 
 #include <sstream>
 
@@ -88,11 +92,12 @@ QByteArray example(const QString &type)
          "<writeDoc output='wordFile' template='templateFile'><text><s>country</s><s>city</s>"
          "<s>title</s></text><image><s>photo</s></image></writeDoc>"},
         {u"writeDocTable"_s,
-         "<writeDocTable template='letter.docx' output='letters.docx'><v markerName='T1' "
-         "colWidths='2000,4000' styleID='TableGrid' includeHeaders='1'/></writeDocTable>"},
+         "<writeDocTable template='report.docx' output='report_2026.docx'><v markerName='T1' "
+         "colWidths='2000,4000' styleID='Report' includeHeaders='1'/><v markerName='T2' "
+         "styleID='Report' includeHeaders='1'/></writeDocTable>"},
         {u"writeReport"_s,
-         "<writeReport template='deck.pptx' output='deck_2026.pptx' nPinIn='1'><Chart type='0' "
-         "name='Sales'><axis pinIdx='0'>country</axis><axis pinIdx='0'>amount</axis></Chart>"
+         "<writeReport template='bar.pptx' output='sales_2026.pptx' nPinIn='1'><Chart type='0' "
+         "name='data'><axis pinIdx='0'>country</axis><axis pinIdx='0'>amount</axis></Chart>"
          "</writeReport>"},
     };
     return examples.value(type, '<' + type.toLatin1() + "/>");
@@ -117,6 +122,21 @@ void setInputColumns(const QStringList &names)
         return schema;
     };
     MainUI::setEditorHooks(hooks);
+}
+
+French::French()
+{
+    if (!corvanta::loadTranslation(QLocale(QLocale::French))) {
+        qFatal("there is no French catalogue");
+    }
+}
+
+French::~French()
+{
+    for (QTranslator *const each : QCoreApplication::instance()->findChildren<QTranslator *>()) {
+        QCoreApplication::removeTranslator(each);
+        delete each;
+    }
 }
 
 QPalette paletteOf(Colors colors)

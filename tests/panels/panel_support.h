@@ -40,4 +40,13 @@ void setInputColumns(const QStringList &names);
 enum class Colors { Light, Dark };
 QPalette paletteOf(Colors colors);
 
+/// Shows the panels that are made during its life in French.
+class French
+{
+public:
+    French();
+    ~French();
+    Q_DISABLE_COPY_MOVE(French)
+};
+
 } // namespace panels

@@ -12,6 +12,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDirIterator>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -20,6 +21,8 @@
 #include <QScrollBar>
 #include <QSpinBox>
 #include <QStyleFactory>
+#include <QStyleOption>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
 
@@ -143,6 +146,21 @@ std::string nameOf(const QWidget *widget)
            (named == nullptr ? std::string() : named->objectName().toStdString());
 }
 
+/// Whether the text of the current choice is in the box, or in the remark below it.
+bool showsItsChoice(const QComboBox &box)
+{
+    QStyleOptionComboBox option;
+    option.initFrom(&box);
+    const int room =
+        box.style()
+            ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, &box)
+            .width();
+    const auto *const remark = box.parentWidget()->findChild<QLabel *>();
+    return box.fontMetrics().horizontalAdvance(box.currentText()) <= room ||
+           (remark != nullptr && remark->isVisible() &&
+            remark->text().startsWith(box.currentText()));
+}
+
 /// Whether all text of a label or button is inside it.
 bool showsItsText(const QWidget *widget)
 {
@@ -152,6 +170,10 @@ bool showsItsText(const QWidget *widget)
         return label->height() >= height &&
                (label->wordWrap() || label->width() >= label->minimumSizeHint().width());
     }
+    if (const auto *const box = qobject_cast<const QComboBox *>(widget);
+        box != nullptr && !box->isEditable()) {
+        return showsItsChoice(*box);
+    }
     if (qobject_cast<const QAbstractButton *>(widget) != nullptr ||
         qobject_cast<const QAbstractSpinBox *>(widget) != nullptr) {
         return widget->width() >= widget->minimumSizeHint().width() &&
@@ -160,32 +182,52 @@ bool showsItsText(const QWidget *widget)
     return true;
 }
 
-void expectReadable(const QWidget &panel)
+/// What cannot be read, for a message.
+QStringList unreadable(const QWidget &panel)
 {
+    QStringList found;
     for (const QWidget *const widget : panel.findChildren<QWidget *>()) {
         const bool isPart = qobject_cast<const QLineEdit *>(widget->parentWidget()) != nullptr;
         if (!widget->isVisible() || isPart || widget->inherits("QComboBoxPrivateContainer")) {
             continue;
         }
-        EXPECT_TRUE(showsItsText(widget)) << nameOf(widget) << " is cut";
+        if (!showsItsText(widget)) {
+            found << QString::fromStdString(nameOf(widget)) + u" is cut"_s;
+        }
         const auto siblings =
             widget->parentWidget()->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
         const bool isLaidOut = widget->parentWidget()->layout() != nullptr;
         for (const QWidget *const other : siblings) {
-            EXPECT_FALSE(isLaidOut && other != widget && other->isVisible() && !other->isWindow() &&
-                         other->geometry().intersects(widget->geometry()))
-                << nameOf(widget) << " overlaps " << nameOf(other);
+            if (isLaidOut && other != widget && other->isVisible() && !other->isWindow() &&
+                other->geometry().intersects(widget->geometry())) {
+                found << QString::fromStdString(nameOf(widget) + " overlaps " + nameOf(other));
+            }
         }
     }
+    return found;
+}
+
+/// The layout may still change, because problems arrive from another thread.
+void expectReadable(const QWidget &panel)
+{
+    QElapsedTimer timer;
+    timer.start();
+    constexpr int limitMs = 3000;
+    while (!unreadable(panel).isEmpty() && timer.elapsed() < limitMs) {
+        QTest::qWait(20);
+    }
+    EXPECT_EQ(unreadable(panel), QStringList());
 }
 
 QStringList graphFiles()
 {
     QStringList files;
-    QDirIterator each(QStringLiteral(CORVANTA_SOURCE_DIR "/tests/graphs"), {u"case.graph"_s},
-                      QDir::Files, QDirIterator::Subdirectories);
-    while (each.hasNext()) {
-        files << each.next();
+    for (const QString &folder : {u"tests/graphs"_s, u"examples"_s}) {
+        QDirIterator each(QDir(QStringLiteral(CORVANTA_SOURCE_DIR)).filePath(folder),
+                          {u"*.graph"_s}, QDir::Files, QDirIterator::Subdirectories);
+        while (each.hasNext()) {
+            files << each.next();
+        }
     }
     return files;
 }
@@ -283,12 +325,16 @@ TEST_P(Panels, EveryControlHasANameAndADescription)
         EXPECT_FALSE(control->accessibleName().isEmpty()) << nameOf(control);
         EXPECT_FALSE(control->accessibleDescription().isEmpty()) << nameOf(control);
     }
+    QStringList texts;
     for (const QLabel *const label : panel->findChildren<QLabel *>()) {
-        if (label->buddy() == nullptr) {
-            continue;
-        }
-        const QString key = QKeySequence::mnemonic(label->text()).toString();
-        EXPECT_FALSE(!key.isEmpty() && mnemonics.contains(key)) << key.toStdString();
+        texts << (label->buddy() == nullptr ? QString() : label->text());
+    }
+    for (const QAbstractButton *const button : panel->findChildren<QAbstractButton *>()) {
+        texts << button->text();
+    }
+    for (const QString &text : std::as_const(texts)) {
+        const QString key = QKeySequence::mnemonic(text).toString();
+        EXPECT_FALSE(!key.isEmpty() && mnemonics.contains(key)) << text.toStdString();
         mnemonics << key;
     }
 }
@@ -297,14 +343,18 @@ TEST_P(Panels, NothingIsCutOrOverlaps)
 {
     const Action action = panels::fromXml(panels::example(type()));
     const QFont normal = QApplication::font();
-    for (const double scale : {1.0, 1.5, 2.0}) {
-        QFont font = normal;
-        font.setPointSizeF(normal.pointSizeF() * scale);
-        QApplication::setFont(font);
-        const Panel panel = shown(action);
-        QApplication::processEvents();
-        SCOPED_TRACE(scale);
-        expectReadable(*panel);
+    for (const bool isFrench : {false, true}) {
+        const auto french = isFrench ? std::make_unique<panels::French>() : nullptr;
+        for (const double scale : {1.0, 1.5, 2.0}) {
+            QFont font = normal;
+            font.setPointSizeF(normal.pointSizeF() * scale);
+            QApplication::setFont(font);
+            const Panel panel = shown(action);
+            QApplication::processEvents();
+            SCOPED_TRACE(scale);
+            SCOPED_TRACE(isFrench ? "French" : "English");
+            expectReadable(*panel);
+        }
     }
     QApplication::setFont(normal);
 }
@@ -366,6 +416,46 @@ TEST(PanelEdits, FieldsThatTheModeIgnoresAreDisabledAndSayWhy)
     QTest::keyClick(fieldOf(editor.panel, u"mode"_s)->focusProxy(), Qt::Key_End);
     EXPECT_TRUE(source->isEnabled());
     EXPECT_EQ(editor.value(u"mode"_s), u"4"_s);
+}
+
+TEST(PanelEdits, TwoWritersOfOneFileAreShownBelowTheField)
+{
+    UndoEditor editor("<writeJSON fileName='a.json'/>");
+    editor.graph.actions.append({u"b"_s, *XMLNode::parse("<writeXML fileName='b.json'/>")});
+    MainUI::EditorHooks hooks;
+    hooks.editedGraph = [&editor] { return &editor.graph; };
+    hooks.edited = [&editor](ActionItem *item, const ParameterEdit &edit) {
+        editor.history.record(item, edit);
+    };
+    MainUI::setEditorHooks(hooks);
+    auto *const line = fieldOf(editor.panel, u"fileName"_s)->findChild<QLineEdit *>();
+    line->setFocus();
+    line->selectAll();
+    QTest::keyClicks(line, u"b.json"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        line->accessibleDescription().startsWith("the actions 'a' and 'b' create the same file"_L1),
+        10000);
+    QTest::keyClick(line, Qt::Key_Home);
+    QTest::keyClicks(line, u"c"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(line->accessibleDescription().startsWith("JSON file"_L1), 10000);
+}
+
+TEST(PanelEdits, AMissingFileIsReportedWithoutWaitingForTheDrive)
+{
+    const QTemporaryDir folder;
+    const QString archive = folder.filePath(u"a.zip"_s);
+    ASSERT_TRUE(QFile(archive).open(QIODevice::WriteOnly));
+    const UndoEditor editor("<readJSON fileName=''/>");
+    auto *const line = fieldOf(editor.panel, u"fileName"_s)->findChild<QLineEdit *>();
+    const QAction *const mark = line->actions().value(0);
+    line->setFocus();
+    QTest::keyClicks(line, archive + u"x"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(line->accessibleDescription().contains("does not exist"_L1), 10000);
+    EXPECT_EQ(mark->toolTip(), u"The file cannot be read"_s);
+    QTest::keyClick(line, Qt::Key_Backspace);
+    QTest::keyClicks(line, u"@b.json"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(mark->toolTip() == "The file exists"_L1, 10000);
+    EXPECT_FALSE(line->accessibleDescription().contains("does not exist"_L1));
 }
 
 TEST(PanelEdits, TypingInOneFieldIsOneStep)

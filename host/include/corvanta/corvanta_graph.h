@@ -123,3 +123,5 @@ public:
 /// What check() finds about the values of an action as they are now, for a panel. Looks up files,
 /// opens none. None for an action that does not declare its parameters.
 CORVANTA_EXPORT QVector<ParameterProblem> valueProblems(const ActionItem &item);
+/// The part of the name of an input that is a file: that of "archive.zip@member" is the archive.
+CORVANTA_EXPORT QString fileOfInput(const QString &name);

@@ -10,6 +10,7 @@
 
 #include "base/platform/files.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QMap>
 #include <QRegularExpression>
@@ -205,8 +206,11 @@ private:
                 addConflict(
                     later.action,
                     earlier.access == Access::Create
-                        ? u"the actions '%1' and '%2' create the same file '%3'"_s
-                        : u"the action '%2' creates the file '%3' after the action '%1' has written to it"_s,
+                        ? QCoreApplication::translate(
+                              "Problems", "the actions '%1' and '%2' create the same file '%3'")
+                        : QCoreApplication::translate("Problems",
+                                                      "the action '%2' creates the file '%3' after "
+                                                      "the action '%1' has written to it"),
                     earlier.action, fileOf(later.action, earlier.action));
             } else {
                 // No circle: the later action is not one that the earlier one needs.
@@ -242,7 +246,9 @@ private:
             if (target.access == Access::Append) {
                 addConflict(
                     writer,
-                    u"the action '%1' reads the file '%3', to which the action '%2' appends"_s,
+                    QCoreApplication::translate(
+                        "Problems",
+                        "the action '%1' reads the file '%3', to which the action '%2' appends"),
                     reader, target.name);
             } else if (!needs(run(reader), close(writer))) {
                 m_order.closeAfter[writer] << reader;
@@ -257,8 +263,9 @@ private:
     /// `text` has places for the other action, for `action`, and for the file.
     void addConflict(int action, const QString &text, int other, const QString &file)
     {
-        m_order.conflicts.append(
-            {m_users[action].line, text.arg(m_users[other].id, m_users[action].id, file)});
+        m_order.conflicts.append({m_users[action].line,
+                                  text.arg(m_users[other].id, m_users[action].id, file), action,
+                                  other});
     }
 
     const QVector<FileUser> &m_users;

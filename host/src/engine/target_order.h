@@ -28,6 +28,8 @@ struct TargetConflict
 {
     int line = 0; ///< as in FileUser
     QString text; ///< names both actions and the file
+    int action = 0;
+    int other = 0;
 };
 
 /// Actions are meant by their index. The lists are as long as there are actions.

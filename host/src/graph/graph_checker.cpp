@@ -8,6 +8,7 @@
 #include "corvanta/params/saved_form.h"
 #include "graph/problem_list.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -19,18 +20,6 @@ using corvanta::SavedFormProblem;
 using Kind = CorvantaGraph::Problem::Kind;
 
 namespace {
-
-/// The part of an input name that is a file: that of "archive.zip@member" is the archive.
-QString fileOf(const QString &name)
-{
-    for (const auto marker : {".zip@"_L1, ".xlsx@"_L1}) {
-        const qsizetype at = name.indexOf(marker);
-        if (at >= 0) {
-            return name.left(at + marker.size() - 1);
-        }
-    }
-    return name;
-}
 
 /// The checks of the values of one action, whatever graph it belongs to.
 class ValueCheck
@@ -169,7 +158,8 @@ void ValueCheck::checkValues()
         // A variable may be empty.
         const QString value = m_item.expandString(valueOf(info.name)).trimmed();
         if (value.isEmpty() && info.isRequired) {
-            add(info.name, u"'%1' is required and empty"_s.arg(info.name));
+            add(info.name, QCoreApplication::translate("Problems", "'%1' is required and empty")
+                               .arg(info.name));
         } else if (!value.isEmpty() && info.file == ParameterInfo::File::Input) {
             checkInput(info, valueOf(info.name));
         }
@@ -184,7 +174,7 @@ void ValueCheck::checkInput(const ParameterInfo &info, const QString &value)
     }
     QStringList names;
     listFiles(m_item.expandFile(value), &names);
-    const QFileInfo file(fileOf(names.value(0)));
+    const QFileInfo file(fileOfInput(names.value(0)));
     if (file.exists() && !file.isDir()) {
         return;
     }
@@ -192,8 +182,11 @@ void ValueCheck::checkInput(const ParameterInfo &info, const QString &value)
     const QString aborts = valueOf(u"abortIfMissing"_s);
     const bool isTolerated =
         aborts == "0"_L1 || (aborts == "1"_L1 && valueOf(u"timeOut"_s).toLongLong() != 0);
-    const QString state = file.isDir() ? u"is a folder"_s : u"does not exist"_s;
-    add(info.name, u"the file '%1' of '%2' %3"_s.arg(file.filePath(), info.name, state),
+    const QString state = file.isDir() ? QCoreApplication::translate("Problems", "is a folder")
+                                       : QCoreApplication::translate("Problems", "does not exist");
+    add(info.name,
+        QCoreApplication::translate("Problems", "the file '%1' of '%2' %3")
+            .arg(file.filePath(), info.name, state),
         isTolerated ? Kind::Hint : Kind::Missing);
 }
 
@@ -209,16 +202,25 @@ void ValueCheck::checkTarget(const TargetUse &target, const QStringList &earlier
     const bool isOutDir = global != nullptr && folder.filePath() == global->outDir();
     QString problem;
     if (isUpdated && !file.exists() && valueOf(u"createIfNotExists"_s) == "0"_L1) {
-        problem = u"the file '%1' does not exist"_s.arg(target.name);
+        problem = QCoreApplication::translate("Problems", "the file '%1' does not exist")
+                      .arg(target.name);
     } else if (file.isDir()) {
-        problem = u"the target '%1' is a folder"_s.arg(target.name);
+        problem =
+            QCoreApplication::translate("Problems", "the target '%1' is a folder").arg(target.name);
     } else if (const QFileInfo above = corvanta::existingAbove(target.name); !above.isDir()) {
-        problem = u"the folder '%1' of the target does not exist, and '%2' is not a folder"_s.arg(
-            folder.filePath(), above.filePath());
+        problem = QCoreApplication::translate(
+                      "Problems",
+                      "the folder '%1' of the target does not exist, and '%2' is not a folder")
+                      .arg(folder.filePath(), above.filePath());
     } else if (!folder.isDir() && create != "1"_L1 && !isOutDir) {
         // Without a value the action has no such parameter.
-        problem = u"the folder '%1' of the target does not exist%2"_s.arg(
-            folder.filePath(), create.isEmpty() ? QString() : u" (createDir='1' creates it)"_s);
+        problem =
+            QCoreApplication::translate("Problems",
+                                        "the folder '%1' of the target does not exist%2")
+                .arg(folder.filePath(),
+                     create.isEmpty()
+                         ? QString()
+                         : QCoreApplication::translate("Problems", " (createDir='1' creates it)"));
     }
     if (!problem.isEmpty()) {
         const auto output =
@@ -283,6 +285,17 @@ void forEachAction(const CorvantaGraph &graph, const ActionRegistry &registry,
 }
 
 } // namespace
+
+QString fileOfInput(const QString &name)
+{
+    for (const auto marker : {".zip@"_L1, ".xlsx@"_L1}) {
+        const qsizetype at = name.indexOf(marker);
+        if (at >= 0) {
+            return name.left(at + marker.size() - 1);
+        }
+    }
+    return name;
+}
 
 QVector<ParameterProblem> valueProblems(const ActionItem &item)
 {

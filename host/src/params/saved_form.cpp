@@ -6,6 +6,8 @@
 
 #include "base/nearest_name.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -43,10 +45,11 @@ QString rangeOf(const ParameterInfo &info)
     const bool hasLow = info.low > std::numeric_limits<int>::min();
     const bool hasHigh = info.high < std::numeric_limits<int>::max();
     if (hasLow && hasHigh) {
-        return u"a whole number from %1 to %2"_s.arg(QString::number(info.low),
-                                                     QString::number(info.high));
+        return QCoreApplication::translate("Problems", "a whole number from %1 to %2")
+            .arg(QString::number(info.low), QString::number(info.high));
     }
-    return hasLow ? u"a whole number from %1"_s.arg(info.low) : u"a whole number"_s;
+    return hasLow ? QCoreApplication::translate("Problems", "a whole number from %1").arg(info.low)
+                  : QCoreApplication::translate("Problems", "a whole number");
 }
 
 QString listOf(const QStringList &choices)
@@ -401,17 +404,18 @@ QString allowedValues(const ParameterInfo &info)
     case Type::Flag:
         return u"0, 1"_s;
     case Type::Real:
-        return u"a decimal number"_s;
+        return QCoreApplication::translate("Problems", "a decimal number");
     case Type::Integer:
         return info.choices.isEmpty() ? rangeOf(info) : listOf(info.choices);
     case Type::Text:
-        return info.isNumberText ? rangeOf(info) : u"any text"_s;
+        return info.isNumberText ? rangeOf(info)
+                                 : QCoreApplication::translate("Problems", "any text");
     case Type::Strings:
-        return u"texts"_s;
+        return QCoreApplication::translate("Problems", "texts");
     case Type::Structure:
         break;
     }
-    return u"XML elements '%1'"_s.arg(info.itemElement);
+    return QCoreApplication::translate("Problems", "XML elements '%1'").arg(info.itemElement);
 }
 
 QVector<SavedFormProblem> savedFormProblems(const XMLNode &element,

@@ -1,0 +1,90 @@
+#include "panels/outline_style.h"
+
+#include "panels/colors.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QPointer>
+#include <QProxyStyle>
+#include <QStyleFactory>
+#include <QStyleOption>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+constexpr auto kFusion = "fusion"_L1;
+
+/// Draws outlines over those of the other style.
+class OutlineStyle final : public QProxyStyle
+{
+public:
+    explicit OutlineStyle(QObject *owner)
+        : QProxyStyle(QStyleFactory::create(kFusion))
+    {
+        setParent(owner);
+    }
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override
+    {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        if (element == PE_IndicatorCheckBox) {
+            drawOutline(*option, 0, painter);
+        } else if (element == PE_FrameLineEdit || element == PE_Frame) {
+            drawUnlessFocused(*option, painter);
+        }
+    }
+
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
+                            QPainter *painter, const QWidget *widget) const override
+    {
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+        if (control == CC_ComboBox || control == CC_SpinBox) {
+            drawUnlessFocused(*option, painter);
+        }
+    }
+
+private:
+    /// The other style shows the focus by its own outline.
+    static void drawUnlessFocused(const QStyleOption &option, QPainter *painter)
+    {
+        if (!option.state.testFlag(State_HasFocus)) {
+            constexpr double radius = 2;
+            drawOutline(option, radius, painter);
+        }
+    }
+
+    static void drawOutline(const QStyleOption &option, double radius, QPainter *painter)
+    {
+        if (!option.state.testFlag(State_Enabled)) {
+            return;
+        }
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(outlineColor(option.palette));
+        painter->setBrush(Qt::NoBrush);
+        // In the middle of the pixels at the edge.
+        painter->drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), radius,
+                                 radius);
+        painter->restore();
+    }
+};
+
+} // namespace
+
+void showOutline(QWidget *control)
+{
+    static QPointer<OutlineStyle> style; // one for all controls; the application deletes it
+    if (QApplication::style()->name() != kFusion) {
+        return;
+    }
+    if (style.isNull()) {
+        style = new OutlineStyle(qApp);
+    }
+    control->setStyle(style);
+}
+
+} // namespace corvanta

@@ -1,0 +1,2667 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="fr_FR" sourcelanguage="en">
+<context>
+    <name>Panels</name>
+    <message>
+        <source>Advanced</source>
+        <translation>Avancé</translation>
+    </message>
+    <message>
+        <source>Source</source>
+        <translation>Source</translation>
+    </message>
+    <message>
+        <source>Levels and columns</source>
+        <translation>Niveaux et colonnes</translation>
+    </message>
+    <message>
+        <source>Added columns</source>
+        <translation>Colonnes ajoutées</translation>
+    </message>
+    <message>
+        <source>Errors</source>
+        <translation>Erreurs</translation>
+    </message>
+    <message>
+        <source>Columns</source>
+        <translation>Colonnes</translation>
+    </message>
+    <message>
+        <source>Values</source>
+        <translation>Valeurs</translation>
+    </message>
+    <message>
+        <source>Memo fields</source>
+        <translation>Champs mémo</translation>
+    </message>
+    <message>
+        <source>Rows</source>
+        <translation>Lignes</translation>
+    </message>
+    <message>
+        <source>Sheet</source>
+        <translation>Feuille</translation>
+    </message>
+    <message>
+        <source>Cells</source>
+        <translation>Cellules</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Fichiers</translation>
+    </message>
+    <message>
+        <source>Options</source>
+        <translation>Options</translation>
+    </message>
+    <message>
+        <source>Tables</source>
+        <translation>Tableaux</translation>
+    </message>
+    <message>
+        <source>Target</source>
+        <translation>Destination</translation>
+    </message>
+    <message>
+        <source>Dates</source>
+        <translation>Dates</translation>
+    </message>
+    <message>
+        <source>Numbers, formulas and links</source>
+        <translation>Nombres, formules et liens</translation>
+    </message>
+    <message>
+        <source>Structure</source>
+        <translation>Structure</translation>
+    </message>
+    <message>
+        <source>Several files</source>
+        <translation>Plusieurs fichiers</translation>
+    </message>
+    <message>
+        <source>Storage</source>
+        <translation>Stockage</translation>
+    </message>
+    <message>
+        <source>Charts</source>
+        <translation>Graphiques</translation>
+    </message>
+    <message>
+        <source>Text columns</source>
+        <translation>Colonnes de textes</translation>
+    </message>
+    <message>
+        <source>Variables</source>
+        <translation>Variables</translation>
+    </message>
+    <message>
+        <source>Archive member</source>
+        <translation>Membre de l&apos;archive</translation>
+    </message>
+    <message>
+        <source>Name of the member inside %1</source>
+        <translation>Nom du membre dans %1</translation>
+    </message>
+    <message>
+        <source>%1:</source>
+        <translation>%1 :</translation>
+    </message>
+</context>
+<context>
+    <name>Parameters</name>
+    <message>
+        <source>Create a chart into any MS-Office document</source>
+        <translation>Créer un graphique dans un document MS-Office</translation>
+    </message>
+    <message>
+        <source>Number of input pins</source>
+        <translation>Nombre d&apos;entrées</translation>
+    </message>
+    <message>
+        <source>Number of tables that supply data for the charts.</source>
+        <translation>Nombre de tables qui fournissent les données des graphiques.</translation>
+    </message>
+    <message>
+        <source>Document</source>
+        <translation>Document</translation>
+    </message>
+    <message>
+        <source>Document to write (.xlsx, .docx or .pptx).</source>
+        <translation>Document à écrire (.xlsx, .docx ou .pptx).</translation>
+    </message>
+    <message>
+        <source>Template</source>
+        <translation>Modèle</translation>
+    </message>
+    <message>
+        <source>Document with the charts; a name that starts with &gt; is one of the included templates.</source>
+        <translation>Document avec les graphiques&#xa0;; un nom qui commence par &gt; désigne un des modèles fournis.</translation>
+    </message>
+    <message>
+        <source>Clean tags</source>
+        <translation>Nettoyer les balises</translation>
+    </message>
+    <message>
+        <source>Writes the reference of each tag in its place, so that a series named [[KOBData Sales]] appears as Sales. A series whose name is a cell gets the reference as its own name. Otherwise the tags stay visible.</source>
+        <translation>Écrit la référence de chaque balise à sa place&#xa0;: une série nommée [[KOBData Sales]] apparaît comme Sales. Une série dont le nom est une cellule reçoit la référence comme nom propre. Sinon, les balises restent visibles.</translation>
+    </message>
+    <message>
+        <source>Charts</source>
+        <translation>Graphiques</translation>
+    </message>
+    <message>
+        <source>One Chart (type, and name of its [[KOBData name]] tag) per series, with one axis (pinIdx and a column name) each for the categories, the values and the other data of the type.</source>
+        <translation>Un Chart (type et nom de sa balise [[KOBData nom]]) par série, avec un axis (pinIdx et nom de colonne) pour les catégories, pour les valeurs et pour chaque autre donnée du type.</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>Type</translation>
+    </message>
+    <message>
+        <source>Type of the chart. A run uses that of the template.</source>
+        <translation>Type du graphique. L&apos;exécution utilise celui du modèle.</translation>
+    </message>
+    <message>
+        <source>bar</source>
+        <translation>barres</translation>
+    </message>
+    <message>
+        <source>3D bar</source>
+        <translation>barres 3D</translation>
+    </message>
+    <message>
+        <source>line</source>
+        <translation>courbe</translation>
+    </message>
+    <message>
+        <source>3D line</source>
+        <translation>courbe 3D</translation>
+    </message>
+    <message>
+        <source>pie</source>
+        <translation>secteurs</translation>
+    </message>
+    <message>
+        <source>pie of pie</source>
+        <translation>secteurs de secteurs</translation>
+    </message>
+    <message>
+        <source>3D pie</source>
+        <translation>secteurs 3D</translation>
+    </message>
+    <message>
+        <source>area</source>
+        <translation>aires</translation>
+    </message>
+    <message>
+        <source>3D area</source>
+        <translation>aires 3D</translation>
+    </message>
+    <message>
+        <source>scatter</source>
+        <translation>nuage de points</translation>
+    </message>
+    <message>
+        <source>stock</source>
+        <translation>boursier</translation>
+    </message>
+    <message>
+        <source>3D surface</source>
+        <translation>surface 3D</translation>
+    </message>
+    <message>
+        <source>doughnut</source>
+        <translation>anneau</translation>
+    </message>
+    <message>
+        <source>bubble</source>
+        <translation>bulles</translation>
+    </message>
+    <message>
+        <source>radar</source>
+        <translation>radar</translation>
+    </message>
+    <message>
+        <source>Tag</source>
+        <translation>Balise</translation>
+    </message>
+    <message>
+        <source>Reference of the tag [[KOBData reference]] in the template.</source>
+        <translation>Référence de la balise [[KOBData référence]] dans le modèle.</translation>
+    </message>
+    <message>
+        <source>Axes</source>
+        <translation>Axes</translation>
+    </message>
+    <message>
+        <source>Data of the categories, the values, the bubble sizes, and the plus and minus error bars, as far as the type has them.</source>
+        <translation>Données des catégories, des valeurs, des tailles de bulles et des barres d&apos;erreur plus et moins, selon le type.</translation>
+    </message>
+    <message>
+        <source>Input pin</source>
+        <translation>Entrée</translation>
+    </message>
+    <message>
+        <source>Number of the input pin with the data, from 0.</source>
+        <translation>Numéro de l&apos;entrée qui fournit les données, à partir de 0.</translation>
+    </message>
+    <message>
+        <source>Column</source>
+        <translation>Colonne</translation>
+    </message>
+    <message>
+        <source>Name of the column with the data.</source>
+        <translation>Nom de la colonne des données.</translation>
+    </message>
+    <message>
+        <source>Read a MS-Excel file</source>
+        <translation>Lire un fichier MS-Excel</translation>
+    </message>
+    <message>
+        <source>Read the file name from input pin 0</source>
+        <translation>Lire le nom du fichier sur l&apos;entrée 0</translation>
+    </message>
+    <message>
+        <source>Reads the file name from the first column of the first row of input pin 0.</source>
+        <translation>Lit le nom du fichier dans la première colonne de la première ligne de l&apos;entrée 0.</translation>
+    </message>
+    <message>
+        <source>Select the sheet</source>
+        <translation>Choix de la feuille</translation>
+    </message>
+    <message>
+        <source>Whether sheetIdx or sheetName selects the sheet.</source>
+        <translation>Indique si sheetIdx ou sheetName désigne la feuille.</translation>
+    </message>
+    <message>
+        <source>by number</source>
+        <translation>par numéro</translation>
+    </message>
+    <message>
+        <source>by name</source>
+        <translation>par nom</translation>
+    </message>
+    <message>
+        <source>Sheet number</source>
+        <translation>Numéro de la feuille</translation>
+    </message>
+    <message>
+        <source>Number of the sheet, from 1.</source>
+        <translation>Numéro de la feuille, à partir de 1.</translation>
+    </message>
+    <message>
+        <source>Sheet name</source>
+        <translation>Nom de la feuille</translation>
+    </message>
+    <message>
+        <source>Name of the sheet.</source>
+        <translation>Nom de la feuille.</translation>
+    </message>
+    <message>
+        <source>The first row holds the column names</source>
+        <translation>La première ligne contient les noms des colonnes</translation>
+    </message>
+    <message>
+        <source>Reads the column names from the first row. Off: columns are named after their letters.</source>
+        <translation>Lit les noms des colonnes dans la première ligne. Sinon, les colonnes portent leurs lettres comme noms.</translation>
+    </message>
+    <message>
+        <source>Add a column with the file name</source>
+        <translation>Ajouter une colonne avec le nom du fichier</translation>
+    </message>
+    <message>
+        <source>Adds the last column _FileNames with the name of the file of each row.</source>
+        <translation>Ajoute en dernier la colonne _FileNames avec le nom du fichier de chaque ligne.</translation>
+    </message>
+    <message>
+        <source>A missing file is an error</source>
+        <translation>Un fichier absent est une erreur</translation>
+    </message>
+    <message>
+        <source>Fails when a file is missing. Off: logs a warning.</source>
+        <translation>Échoue si un fichier est absent. Sinon, émet un avertissement.</translation>
+    </message>
+    <message>
+        <source>Sheets</source>
+        <translation>Feuilles</translation>
+    </message>
+    <message>
+        <source>Which sheets are read. A pattern is the sheet name with * and ?.</source>
+        <translation>Feuilles à lire. Un motif est le nom de la feuille avec * et&#xa0;?.</translation>
+    </message>
+    <message>
+        <source>the selected sheet</source>
+        <translation>la feuille choisie</translation>
+    </message>
+    <message>
+        <source>the first sheet with data</source>
+        <translation>la première feuille avec des données</translation>
+    </message>
+    <message>
+        <source>all sheets whose name matches the pattern</source>
+        <translation>toutes les feuilles dont le nom correspond au motif</translation>
+    </message>
+    <message>
+        <source>all sheets</source>
+        <translation>toutes les feuilles</translation>
+    </message>
+    <message>
+        <source>Skip hidden sheets</source>
+        <translation>Ignorer les feuilles masquées</translation>
+    </message>
+    <message>
+        <source>Leaves hidden sheets out when several sheets or the first one with data are read.</source>
+        <translation>Omet les feuilles masquées quand plusieurs feuilles, ou la première avec des données, sont lues.</translation>
+    </message>
+    <message>
+        <source>Add a column with the sheet name</source>
+        <translation>Ajouter une colonne avec le nom de la feuille</translation>
+    </message>
+    <message>
+        <source>Adds the column _SheetName. Several sheets have it in any case.</source>
+        <translation>Ajoute la colonne _SheetName. Elle est toujours ajoutée pour plusieurs feuilles.</translation>
+    </message>
+    <message>
+        <source>Range</source>
+        <translation>Plage</translation>
+    </message>
+    <message>
+        <source>Cells such as B2:D9, B2: (to the end), A:C or 3:10, or the name of a table or of a defined name. Empty: all cells.</source>
+        <translation>Cellules, par exemple B2:D9, B2: (jusqu&apos;à la fin), A:C ou 3:10, ou bien le nom d&apos;un tableau ou un nom défini. Vide&#xa0;: toutes les cellules.</translation>
+    </message>
+    <message>
+        <source>Rows to skip</source>
+        <translation>Lignes à ignorer</translation>
+    </message>
+    <message>
+        <source>Rows at the beginning that are not read, before the column names.</source>
+        <translation>Lignes du début qui ne sont pas lues, avant les noms des colonnes.</translation>
+    </message>
+    <message>
+        <source>rows</source>
+        <translation>lignes</translation>
+    </message>
+    <message>
+        <source>Empty rows</source>
+        <translation>Lignes vides</translation>
+    </message>
+    <message>
+        <source>What happens to rows without a cell between others.</source>
+        <translation>Traitement des lignes sans cellule situées entre d&apos;autres lignes.</translation>
+    </message>
+    <message>
+        <source>keep them</source>
+        <translation>les garder</translation>
+    </message>
+    <message>
+        <source>skip them</source>
+        <translation>les ignorer</translation>
+    </message>
+    <message>
+        <source>stop at the first one</source>
+        <translation>s&apos;arrêter à la première</translation>
+    </message>
+    <message>
+        <source>Fill merged cells</source>
+        <translation>Remplir les cellules fusionnées</translation>
+    </message>
+    <message>
+        <source>All cells of a merged range have its value. Off: only the first one has it.</source>
+        <translation>Toutes les cellules d&apos;une plage fusionnée ont sa valeur. Sinon, seule la première l&apos;a.</translation>
+    </message>
+    <message>
+        <source>Skip hidden rows</source>
+        <translation>Ignorer les lignes masquées</translation>
+    </message>
+    <message>
+        <source>Leaves hidden rows out.</source>
+        <translation>Omet les lignes masquées.</translation>
+    </message>
+    <message>
+        <source>Skip hidden columns</source>
+        <translation>Ignorer les colonnes masquées</translation>
+    </message>
+    <message>
+        <source>Leaves hidden columns out.</source>
+        <translation>Omet les colonnes masquées.</translation>
+    </message>
+    <message>
+        <source>All columns are texts</source>
+        <translation>Toutes les colonnes sont des textes</translation>
+    </message>
+    <message>
+        <source>Reads all columns as texts. Off: the cells decide the types.</source>
+        <translation>Lit toutes les colonnes comme des textes. Sinon, les cellules déterminent les types.</translation>
+    </message>
+    <message>
+        <source>Rows that decide types</source>
+        <translation>Lignes qui déterminent les types</translation>
+    </message>
+    <message>
+        <source>Rows with cells that decide whether a column has numbers or texts; 0: all. A number column becomes a text column when a later row has a text, with a warning.</source>
+        <translation>Lignes dont les cellules déterminent si une colonne contient des nombres ou des textes&#xa0;; 0&#xa0;: toutes. Une colonne de nombres devient une colonne de textes, avec un avertissement, si une ligne suivante contient un texte.</translation>
+    </message>
+    <message>
+        <source>Do not check later rows</source>
+        <translation>Ne pas vérifier les lignes suivantes</translation>
+    </message>
+    <message>
+        <source>Reads only the rows of scanRows to decide types, so that the first rows arrive early. A later cell that does not fit is an error.</source>
+        <translation>Ne lit que les lignes de scanRows pour déterminer les types&#xa0;: les premières lignes arrivent plus tôt. Une cellule suivante qui ne convient pas est une erreur.</translation>
+    </message>
+    <message>
+        <source>Dates</source>
+        <translation>Dates</translation>
+    </message>
+    <message>
+        <source>How dates are read: as texts such as 2024-02-29, or as the numbers of days that the workbook stores.</source>
+        <translation>Lecture des dates&#xa0;: comme des textes tels que 2024-02-29, ou comme les nombres de jours enregistrés dans le classeur.</translation>
+    </message>
+    <message>
+        <source>ISO 8601 texts</source>
+        <translation>textes ISO 8601</translation>
+    </message>
+    <message>
+        <source>serial numbers</source>
+        <translation>numéros de série</translation>
+    </message>
+    <message>
+        <source>Cells with errors</source>
+        <translation>Cellules en erreur</translation>
+    </message>
+    <message>
+        <source>How cells such as #N/A are read: as texts, or as missing values with a warning.</source>
+        <translation>Lecture des cellules telles que #N/A&#xa0;: comme des textes, ou comme des valeurs manquantes avec un avertissement.</translation>
+    </message>
+    <message>
+        <source>texts</source>
+        <translation>textes</translation>
+    </message>
+    <message>
+        <source>missing</source>
+        <translation>valeurs manquantes</translation>
+    </message>
+    <message>
+        <source>Join columns by name</source>
+        <translation>Réunir les colonnes par nom</translation>
+    </message>
+    <message>
+        <source>Joins the columns of several sheets or files by name. Off: all must have the same columns.</source>
+        <translation>Réunit par nom les colonnes de plusieurs feuilles ou fichiers. Sinon, tous doivent avoir les mêmes colonnes.</translation>
+    </message>
+    <message>
+        <source>Retry for</source>
+        <translation>Réessayer pendant</translation>
+    </message>
+    <message>
+        <source>How long reading a file is retried while it cannot be read; -1: without limit.</source>
+        <translation>Durée pendant laquelle la lecture d&apos;un fichier illisible est réessayée&#xa0;; -1&#xa0;: sans limite.</translation>
+    </message>
+    <message>
+        <source>seconds</source>
+        <translation>secondes</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Fichier</translation>
+    </message>
+    <message>
+        <source>Workbook to read, or a pattern such as *.xlsx.</source>
+        <translation>Classeur à lire, ou motif tel que *.xlsx.</translation>
+    </message>
+    <message>
+        <source>Read an Old MS-Excel file</source>
+        <translation>Lire un ancien fichier MS-Excel</translation>
+    </message>
+    <message>
+        <source>Read Sheet Names from MS-Excel files(old&amp;&amp;new)</source>
+        <translation>Lire les noms des feuilles de fichiers MS-Excel (anciens &amp;&amp; nouveaux)</translation>
+    </message>
+    <message>
+        <source>Workbook whose sheets are listed, or a pattern such as *.xlsx.</source>
+        <translation>Classeur dont les feuilles sont listées, ou motif tel que *.xlsx.</translation>
+    </message>
+    <message>
+        <source>Create or update a MS-Excel file</source>
+        <translation>Créer ou mettre à jour un fichier MS-Excel</translation>
+    </message>
+    <message>
+        <source>What to do</source>
+        <translation>Opération</translation>
+    </message>
+    <message>
+        <source>Whether a new workbook is written, or an existing one is updated in place or as a copy.</source>
+        <translation>Indique si un nouveau classeur est écrit, ou si un classeur existant est mis à jour sur place ou dans une copie.</translation>
+    </message>
+    <message>
+        <source>Create a new Excel File (or overwrite an existing file)</source>
+        <translation>Créer un fichier Excel (ou remplacer un fichier existant)</translation>
+    </message>
+    <message>
+        <source>Update an existing File by adding a new Sheet</source>
+        <translation>Mettre à jour un fichier en ajoutant une feuille</translation>
+    </message>
+    <message>
+        <source>Update an existing File by changing an existing Sheet</source>
+        <translation>Mettre à jour un fichier en modifiant une feuille</translation>
+    </message>
+    <message>
+        <source>Copy and update the duplicate by adding a new Sheet</source>
+        <translation>Copier, puis ajouter une feuille à la copie</translation>
+    </message>
+    <message>
+        <source>Copy and update the duplicate by changing an existing Sheet</source>
+        <translation>Copier, puis modifier une feuille de la copie</translation>
+    </message>
+    <message>
+        <source>Workbook to copy</source>
+        <translation>Classeur à copier</translation>
+    </message>
+    <message>
+        <source>Workbook that modes 3 and 4 read; it is not changed.</source>
+        <translation>Classeur lu par les modes 3 et 4&#xa0;; il n&apos;est pas modifié.</translation>
+    </message>
+    <message>
+        <source>Workbook to write</source>
+        <translation>Classeur à écrire</translation>
+    </message>
+    <message>
+        <source>Workbook that is written; modes 1 and 2 read it first.</source>
+        <translation>Classeur qui est écrit&#xa0;; les modes 1 et 2 le lisent d&apos;abord.</translation>
+    </message>
+    <message>
+        <source>How modes 2 and 4 find the sheet to change: by sheetIdx or by sheetName. Any other value adds a sheet.</source>
+        <translation>Recherche, par les modes 2 et 4, de la feuille à modifier&#xa0;: par sheetIdx ou par sheetName. Toute autre valeur ajoute une feuille.</translation>
+    </message>
+    <message>
+        <source>Name of the new sheet or of the sheet to change.</source>
+        <translation>Nom de la nouvelle feuille ou de la feuille à modifier.</translation>
+    </message>
+    <message>
+        <source>Overwrite sheet content starting at row:
+(use &quot;0&quot; to append rows at the end of the sheet)</source>
+        <translation>Remplacer le contenu de la feuille à partir de la ligne&#xa0;:
+(«&#xa0;0&#xa0;» ajoute les lignes à la fin de la feuille)</translation>
+    </message>
+    <message>
+        <source>First row that modes 2 and 4 overwrite; 0 appends after the last row.</source>
+        <translation>Première ligne remplacée par les modes 2 et 4&#xa0;; 0 ajoute après la dernière ligne.</translation>
+    </message>
+    <message>
+        <source>Defined name</source>
+        <translation>Nom défini</translation>
+    </message>
+    <message>
+        <source>Name given to the cells that are written; empty for none.</source>
+        <translation>Nom donné aux cellules écrites&#xa0;; vide&#xa0;: aucun.</translation>
+    </message>
+    <message>
+        <source>The defined name includes the header row</source>
+        <translation>Le nom défini comprend la ligne d&apos;en-tête</translation>
+    </message>
+    <message>
+        <source>The cells of the defined name include the header row. Default on in graphs saved by version 2.56 or older.</source>
+        <translation>Les cellules du nom défini comprennent la ligne d&apos;en-tête. Activé par défaut dans les graphes enregistrés par la version 2.56 ou une version antérieure.</translation>
+    </message>
+    <message>
+        <source>Format of decimal numbers</source>
+        <translation>Format des nombres décimaux</translation>
+    </message>
+    <message>
+        <source>printf format with one conversion of a floating-point number; empty: the fewest digits that read back as the same number.</source>
+        <translation>Format printf avec une conversion d&apos;un nombre à virgule flottante&#xa0;; vide&#xa0;: le moins de chiffres possible pour relire le même nombre.</translation>
+    </message>
+    <message>
+        <source>Create the Excel file and/or the Excel Sheet if it does not exists</source>
+        <translation>Créer le fichier ou la feuille Excel s&apos;ils n&apos;existent pas</translation>
+    </message>
+    <message>
+        <source>Creates a missing workbook or sheet. Off: it is an error.</source>
+        <translation>Crée le classeur ou la feuille qui manque. Sinon, c&apos;est une erreur.</translation>
+    </message>
+    <message>
+        <source>Check for columns of the same name</source>
+        <translation>Vérifier que les noms des colonnes diffèrent</translation>
+    </message>
+    <message>
+        <source>Reports an error when two written columns have the same name.</source>
+        <translation>Signale une erreur si deux colonnes écrites ont le même nom.</translation>
+    </message>
+    <message>
+        <source>Recompute formulas when the workbook is opened</source>
+        <translation>Recalculer les formules à l&apos;ouverture du classeur</translation>
+    </message>
+    <message>
+        <source>Marks an updated workbook for a full calculation on load.</source>
+        <translation>Marque un classeur mis à jour pour un calcul complet au chargement.</translation>
+    </message>
+    <message>
+        <source>Write all columns</source>
+        <translation>Écrire toutes les colonnes</translation>
+    </message>
+    <message>
+        <source>Writes every column. Off: only the columns of ToWrite, in that order.</source>
+        <translation>Écrit toutes les colonnes. Sinon, seulement les colonnes de ToWrite, dans cet ordre.</translation>
+    </message>
+    <message>
+        <source>Write the column names</source>
+        <translation>Écrire les noms des colonnes</translation>
+    </message>
+    <message>
+        <source>Writes a header row with the column names.</source>
+        <translation>Écrit une ligne d&apos;en-tête avec les noms des colonnes.</translation>
+    </message>
+    <message>
+        <source>Leave cells of NaN and infinite numbers empty</source>
+        <translation>Laisser vides les cellules des nombres NaN et infinis</translation>
+    </message>
+    <message>
+        <source>Leaves cells of NaN and infinite numbers empty. Off: they are written as the texts nan, inf and -inf.</source>
+        <translation>Laisse vides les cellules des nombres NaN et infinis. Sinon, elles contiennent les textes nan, inf et -inf.</translation>
+    </message>
+    <message>
+        <source>Decimal comma</source>
+        <translation>Virgule décimale</translation>
+    </message>
+    <message>
+        <source>Saved with the graph; has no effect on the cells.</source>
+        <translation>Enregistré avec le graphe&#xa0;; sans effet sur les cellules.</translation>
+    </message>
+    <message>
+        <source>Create the folder of the workbook</source>
+        <translation>Créer le dossier du classeur</translation>
+    </message>
+    <message>
+        <source>Creates missing folders of a new workbook.</source>
+        <translation>Crée les dossiers manquants d&apos;un nouveau classeur.</translation>
+    </message>
+    <message>
+        <source>Write a workbook even without rows</source>
+        <translation>Écrire un classeur même sans lignes</translation>
+    </message>
+    <message>
+        <source>Writes the sheet with its header row even when there is no row.</source>
+        <translation>Écrit la feuille avec sa ligne d&apos;en-tête même s&apos;il n&apos;y a aucune ligne.</translation>
+    </message>
+    <message>
+        <source>Texts that start with &quot;=&quot; are formulas</source>
+        <translation>Les textes qui commencent par «&#xa0;=&#xa0;» sont des formules</translation>
+    </message>
+    <message>
+        <source>Text cells that start with &quot;=&quot; are written as formulas, in all text columns.</source>
+        <translation>Les textes qui commencent par «&#xa0;=&#xa0;» sont écrits comme des formules, dans toutes les colonnes de textes.</translation>
+    </message>
+    <message>
+        <source>Recompute and save the workbook with the spreadsheet application</source>
+        <translation>Recalculer et enregistrer le classeur avec le tableur</translation>
+    </message>
+    <message>
+        <source>Opens and saves the written workbook with the installed spreadsheet application.</source>
+        <translation>Ouvre et enregistre le classeur écrit avec le tableur installé.</translation>
+    </message>
+    <message>
+        <source>Dates before March 1900 as the spreadsheet counts them</source>
+        <translation>Dates avant mars 1900 comptées comme le tableur</translation>
+    </message>
+    <message>
+        <source>Date serials below 61 are decreased by one. Default off in graphs saved before version 3.04.</source>
+        <translation>Les numéros de dates inférieurs à 61 sont diminués de un. Désactivé par défaut dans les graphes enregistrés avant la version 3.04.</translation>
+    </message>
+    <message>
+        <source>URL(&quot;label&quot;,&quot;url&quot;) is a hyperlink</source>
+        <translation>URL(&quot;label&quot;,&quot;url&quot;) est un lien hypertexte</translation>
+    </message>
+    <message>
+        <source>Text cells of the form URL(&quot;label&quot;,&quot;url&quot;) or URL(&quot;url&quot;) become hyperlinks.</source>
+        <translation>Les textes de la forme URL(&quot;label&quot;,&quot;url&quot;) ou URL(&quot;url&quot;) deviennent des liens hypertextes.</translation>
+    </message>
+    <message>
+        <source>Truncate cells to fewer than 32768 characters</source>
+        <translation>Tronquer les cellules à moins de 32768 caractères</translation>
+    </message>
+    <message>
+        <source>Truncates longer cells to fewer than 32768 characters. Off: they are written whole, with a warning.</source>
+        <translation>Tronque les cellules plus longues à moins de 32768 caractères. Sinon, elles sont écrites en entier, avec un avertissement.</translation>
+    </message>
+    <message>
+        <source>Format of the dates in the table</source>
+        <translation>Format des dates dans la table</translation>
+    </message>
+    <message>
+        <source>How the texts of the ToDate columns are read.</source>
+        <translation>Lecture des textes des colonnes de ToDate.</translation>
+    </message>
+    <message>
+        <source>own format</source>
+        <translation>format personnel</translation>
+    </message>
+    <message>
+        <source>system short date</source>
+        <translation>date courte du système</translation>
+    </message>
+    <message>
+        <source>system long date</source>
+        <translation>date longue du système</translation>
+    </message>
+    <message>
+        <source>system short time</source>
+        <translation>heure courte du système</translation>
+    </message>
+    <message>
+        <source>system long time</source>
+        <translation>heure longue du système</translation>
+    </message>
+    <message>
+        <source>system short date and time</source>
+        <translation>date et heure courtes du système</translation>
+    </message>
+    <message>
+        <source>system long date and time</source>
+        <translation>date et heure longues du système</translation>
+    </message>
+    <message>
+        <source>Own date format</source>
+        <translation>Format de date personnel</translation>
+    </message>
+    <message>
+        <source>Format of the dates, for example yyyy-MM-dd or dd/MM/yyyy hh:mm:ss.</source>
+        <translation>Format des dates, par exemple yyyy-MM-dd ou dd/MM/yyyy hh:mm:ss.</translation>
+    </message>
+    <message>
+        <source>Without a format, read ISO 8601 dates</source>
+        <translation>Sans format, lire les dates ISO 8601</translation>
+    </message>
+    <message>
+        <source>With an empty dateFormat, reads dates such as 2024-02-29 and 2024-02-29T12:30:00. Off: no text is a date then.</source>
+        <translation>Si dateFormat est vide, lit des dates telles que 2024-02-29 et 2024-02-29T12:30:00. Sinon, aucun texte n&apos;est alors une date.</translation>
+    </message>
+    <message>
+        <source>Keep texts that are not dates</source>
+        <translation>Garder les textes qui ne sont pas des dates</translation>
+    </message>
+    <message>
+        <source>Texts in ToDate columns that are not dates, or before 1900, are written as texts. Off: their cells are empty, with a warning.</source>
+        <translation>Les textes des colonnes de ToDate qui ne sont pas des dates, ou d&apos;avant 1900, sont écrits comme des textes. Sinon, leurs cellules sont vides, avec un avertissement.</translation>
+    </message>
+    <message>
+        <source>Display of date cells</source>
+        <translation>Affichage des dates</translation>
+    </message>
+    <message>
+        <source>Number format of the date cells in the sheet.</source>
+        <translation>Format de nombre des cellules de dates dans la feuille.</translation>
+    </message>
+    <message>
+        <source>yyyy-MM-dd</source>
+        <translation>yyyy-MM-dd</translation>
+    </message>
+    <message>
+        <source>yyyy-MM-dd h:mm</source>
+        <translation>yyyy-MM-dd h:mm</translation>
+    </message>
+    <message>
+        <source>yyyy-MM-dd h:mm:ss</source>
+        <translation>yyyy-MM-dd h:mm:ss</translation>
+    </message>
+    <message>
+        <source>system date and time, short</source>
+        <translation>date et heure du système, courtes</translation>
+    </message>
+    <message>
+        <source>system date, short</source>
+        <translation>date du système, courte</translation>
+    </message>
+    <message>
+        <source>d-MMM-yy</source>
+        <translation>d-MMM-yy</translation>
+    </message>
+    <message>
+        <source>d-MMM</source>
+        <translation>d-MMM</translation>
+    </message>
+    <message>
+        <source>MMM-yy</source>
+        <translation>MMM-yy</translation>
+    </message>
+    <message>
+        <source>h:mm AM/PM</source>
+        <translation>h:mm AM/PM</translation>
+    </message>
+    <message>
+        <source>h:mm:ss AM/PM</source>
+        <translation>h:mm:ss AM/PM</translation>
+    </message>
+    <message>
+        <source>h:mm</source>
+        <translation>h:mm</translation>
+    </message>
+    <message>
+        <source>h:mm:ss</source>
+        <translation>h:mm:ss</translation>
+    </message>
+    <message>
+        <source>Wide date columns in a new sheet</source>
+        <translation>Colonnes de dates larges dans une nouvelle feuille</translation>
+    </message>
+    <message>
+        <source>Date columns of a new sheet are wide enough for their format. Off: they have the default width, in which most programs show ### instead of a date.</source>
+        <translation>Les colonnes de dates d&apos;une nouvelle feuille sont assez larges pour leur format. Sinon, elles ont la largeur par défaut, dans laquelle la plupart des programmes affichent ### au lieu d&apos;une date.</translation>
+    </message>
+    <message>
+        <source>Column to test</source>
+        <translation>Colonne à tester</translation>
+    </message>
+    <message>
+        <source>Column that is tested when writeAllRows is off.</source>
+        <translation>Colonne testée quand writeAllRows est désactivé.</translation>
+    </message>
+    <message>
+        <source>Value to test for</source>
+        <translation>Valeur à rechercher</translation>
+    </message>
+    <message>
+        <source>Rows with another text in testCol are not written.</source>
+        <translation>Les lignes dont le texte dans testCol est différent ne sont pas écrites.</translation>
+    </message>
+    <message>
+        <source>Write all rows</source>
+        <translation>Écrire toutes les lignes</translation>
+    </message>
+    <message>
+        <source>Writes every row. Off: only rows that pass the test.</source>
+        <translation>Écrit toutes les lignes. Sinon, seulement celles qui satisfont le test.</translation>
+    </message>
+    <message>
+        <source>Wait for other programs</source>
+        <translation>Attendre les autres programmes</translation>
+    </message>
+    <message>
+        <source>How long the action waits while another program writes to the file. Negative: without a limit.</source>
+        <translation>Durée pendant laquelle l&apos;action attend qu&apos;un autre programme ait fini d&apos;écrire dans le fichier. Négatif&#xa0;: sans limite.</translation>
+    </message>
+    <message>
+        <source>Columns to write</source>
+        <translation>Colonnes à écrire</translation>
+    </message>
+    <message>
+        <source>Columns that are written when writeAllColumns is off.</source>
+        <translation>Colonnes écrites quand writeAllColumns est désactivé.</translation>
+    </message>
+    <message>
+        <source>Date columns</source>
+        <translation>Colonnes de dates</translation>
+    </message>
+    <message>
+        <source>Text columns that are written as dates.</source>
+        <translation>Colonnes de textes écrites comme des dates.</translation>
+    </message>
+    <message>
+        <source>Formula columns</source>
+        <translation>Colonnes de formules</translation>
+    </message>
+    <message>
+        <source>Text columns that are written as formulas.</source>
+        <translation>Colonnes de textes écrites comme des formules.</translation>
+    </message>
+    <message>
+        <source>read SAS,SPSS or STATA dataset file</source>
+        <translation>lire un jeu de données SAS, SPSS ou STATA</translation>
+    </message>
+    <message>
+        <source>Read the file names from input pin 0</source>
+        <translation>Lire les noms des fichiers sur l&apos;entrée 0</translation>
+    </message>
+    <message>
+        <source>Reads the file names from the first column of input pin 0, one file per row.</source>
+        <translation>Lit les noms des fichiers dans la première colonne de l&apos;entrée 0, un fichier par ligne.</translation>
+    </message>
+    <message>
+        <source>Adds the last column _Filename with the name of the file of each row.</source>
+        <translation>Ajoute en dernier la colonne _Filename avec le nom du fichier de chaque ligne.</translation>
+    </message>
+    <message>
+        <source>Name the columns after the labels</source>
+        <translation>Nommer les colonnes d&apos;après les libellés</translation>
+    </message>
+    <message>
+        <source>Names the columns after the labels of the variables instead of their names.</source>
+        <translation>Nomme les colonnes d&apos;après les libellés des variables au lieu de leurs noms.</translation>
+    </message>
+    <message>
+        <source>Output value labels</source>
+        <translation>Sortir les libellés des valeurs</translation>
+    </message>
+    <message>
+        <source>Reads the labels of labelled values instead of the values.</source>
+        <translation>Lit les libellés des valeurs qui en ont un, au lieu de ces valeurs.</translation>
+    </message>
+    <message>
+        <source>Format</source>
+        <translation>Format</translation>
+    </message>
+    <message>
+        <source>Format of the data set. By default the ending of the file name determines it.</source>
+        <translation>Format du jeu de données. Par défaut, l&apos;extension du fichier le détermine.</translation>
+    </message>
+    <message>
+        <source>SAS File (.sas7bdat)</source>
+        <translation>Fichier SAS (.sas7bdat)</translation>
+    </message>
+    <message>
+        <source>SPSS File (.sav)</source>
+        <translation>Fichier SPSS (.sav)</translation>
+    </message>
+    <message>
+        <source>SPSS File (.por)</source>
+        <translation>Fichier SPSS (.por)</translation>
+    </message>
+    <message>
+        <source>Stata File (.dta)</source>
+        <translation>Fichier Stata (.dta)</translation>
+    </message>
+    <message>
+        <source>Buffer</source>
+        <translation>Tampon</translation>
+    </message>
+    <message>
+        <source>Size of the buffer between parser and rows.</source>
+        <translation>Taille du tampon entre l&apos;analyseur et les lignes.</translation>
+    </message>
+    <message>
+        <source>MB</source>
+        <translation>Mo</translation>
+    </message>
+    <message>
+        <source>Encoding</source>
+        <translation>Codage</translation>
+    </message>
+    <message>
+        <source>Encoding of the texts in the file, for example WINDOWS-1252. UTF-8 uses the encoding that the file declares.</source>
+        <translation>Codage des textes du fichier, par exemple WINDOWS-1252. UTF-8 utilise le codage que le fichier déclare.</translation>
+    </message>
+    <message>
+        <source>Dates as text</source>
+        <translation>Dates en texte</translation>
+    </message>
+    <message>
+        <source>Reads dates, times and date-times as ISO 8601 text, for example 2026-01-31. Off: as the numbers that are stored.</source>
+        <translation>Lit les dates et les heures comme des textes ISO 8601, par exemple 2026-01-31. Sinon, comme les nombres enregistrés.</translation>
+    </message>
+    <message>
+        <source>Rows to read</source>
+        <translation>Lignes à lire</translation>
+    </message>
+    <message>
+        <source>Reads only this number of rows of each file; 0: all.</source>
+        <translation>Ne lit que ce nombre de lignes de chaque fichier&#xa0;; 0&#xa0;: toutes.</translation>
+    </message>
+    <message>
+        <source>Data set to read.</source>
+        <translation>Jeu de données à lire.</translation>
+    </message>
+    <message>
+        <source>Catalogue</source>
+        <translation>Catalogue</translation>
+    </message>
+    <message>
+        <source>SAS catalogue (.sas7bcat) with the value labels of a SAS data set, for extractLabels.</source>
+        <translation>Catalogue SAS (.sas7bcat) avec les libellés des valeurs d&apos;un jeu de données SAS, pour extractLabels.</translation>
+    </message>
+    <message>
+        <source>Columns to read</source>
+        <translation>Colonnes à lire</translation>
+    </message>
+    <message>
+        <source>Names of the variables that are read. Empty: all.</source>
+        <translation>Noms des variables à lire. Vide&#xa0;: toutes.</translation>
+    </message>
+    <message>
+        <source>Read and Parse a multi-level XML file</source>
+        <translation>Lire et analyser un fichier XML à plusieurs niveaux</translation>
+    </message>
+    <message>
+        <source>Auto detects the encoding, System is the system&apos;s code page; otherwise the name of an encoding.</source>
+        <translation>Auto détecte le codage, System est la page de codes du système&#xa0;; sinon, le nom d&apos;un codage.</translation>
+    </message>
+    <message>
+        <source>XML column</source>
+        <translation>Colonne XML</translation>
+    </message>
+    <message>
+        <source>Input column that holds the XML texts.</source>
+        <translation>Colonne d&apos;entrée qui contient les textes XML.</translation>
+    </message>
+    <message>
+        <source>Read the XML</source>
+        <translation>Lire le XML</translation>
+    </message>
+    <message>
+        <source>Reads the file fileName, or the texts in colXML of the rows of input pin 0.</source>
+        <translation>Lit le fichier fileName, ou les textes de colXML dans les lignes de l&apos;entrée 0.</translation>
+    </message>
+    <message>
+        <source>from the file</source>
+        <translation>dans le fichier</translation>
+    </message>
+    <message>
+        <source>from input pin 0</source>
+        <translation>sur l&apos;entrée 0</translation>
+    </message>
+    <message>
+        <source>Skip invalid bytes</source>
+        <translation>Ignorer les octets invalides</translation>
+    </message>
+    <message>
+        <source>Skips bytes that cannot be converted, with a warning. Off: the action fails.</source>
+        <translation>Ignore les octets qui ne peuvent pas être convertis, avec un avertissement. Sinon, l&apos;action échoue.</translation>
+    </message>
+    <message>
+        <source>Minimum Input Buffer Size:</source>
+        <translation>Taille minimale du tampon de lecture&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Smallest input buffer.</source>
+        <translation>Plus petit tampon de lecture.</translation>
+    </message>
+    <message>
+        <source>Sample</source>
+        <translation>Échantillon</translation>
+    </message>
+    <message>
+        <source>Number of records that are examined to find the levels automatically.</source>
+        <translation>Nombre d&apos;enregistrements examinés pour trouver les niveaux automatiquement.</translation>
+    </message>
+    <message>
+        <source>records</source>
+        <translation>enregistrements</translation>
+    </message>
+    <message>
+        <source>XML or HTML file to read, a pattern, or a member of an archive (archive.zip@member).</source>
+        <translation>Fichier XML ou HTML à lire, motif, ou membre d&apos;une archive (archive.zip@membre).</translation>
+    </message>
+    <message>
+        <source>Read CDATA sections</source>
+        <translation>Lire les sections CDATA</translation>
+    </message>
+    <message>
+        <source>Reads CDATA sections and &lt;PRE&gt; blocks as text of their element.</source>
+        <translation>Lit les sections CDATA et les blocs &lt;PRE&gt; comme le texte de leur élément.</translation>
+    </message>
+    <message>
+        <source>The file is HTML</source>
+        <translation>Le fichier est du HTML</translation>
+    </message>
+    <message>
+        <source>Reads HTML, including malformed pages.</source>
+        <translation>Lit du HTML, y compris des pages mal formées.</translation>
+    </message>
+    <message>
+        <source>Add the names of the repeated elements</source>
+        <translation>Ajouter les noms des éléments répétés</translation>
+    </message>
+    <message>
+        <source>Adds one column &quot;Level N Subtag&quot; per level.</source>
+        <translation>Ajoute une colonne «&#xa0;Level N Subtag&#xa0;» par niveau.</translation>
+    </message>
+    <message>
+        <source>Only the text of an element</source>
+        <translation>Seulement le texte d&apos;un élément</translation>
+    </message>
+    <message>
+        <source>Reads all the text in an element, including its sub-elements, without tags and with each run of spaces as one space. Off: only the text directly in the element.</source>
+        <translation>Lit tout le texte d&apos;un élément et de ses sous-éléments, sans balises, chaque suite d&apos;espaces étant réduite à un espace. Sinon, seulement le texte placé directement dans l&apos;élément.</translation>
+    </message>
+    <message>
+        <source>Indexes in paths count from 0</source>
+        <translation>Les indices des chemins commencent à 0</translation>
+    </message>
+    <message>
+        <source>Indexes in paths count from 0. Off: from 1.</source>
+        <translation>Les indices des chemins commencent à 0. Sinon, à 1.</translation>
+    </message>
+    <message>
+        <source>Output the tag names</source>
+        <translation>Sortir les noms des balises</translation>
+    </message>
+    <message>
+        <source>Reads an element that contains only sub-elements as the names of those. Off: as a missing value.</source>
+        <translation>Lit un élément qui ne contient que des sous-éléments comme les noms de ceux-ci. Sinon, comme une valeur manquante.</translation>
+    </message>
+    <message>
+        <source>Skip the rest of damaged files</source>
+        <translation>Ignorer le reste des fichiers endommagés</translation>
+    </message>
+    <message>
+        <source>Skips the rest of a file after a structure error, with a warning. Off: the action fails.</source>
+        <translation>Ignore le reste d&apos;un fichier après une erreur de structure, avec un avertissement. Sinon, l&apos;action échoue.</translation>
+    </message>
+    <message>
+        <source>Sorted summary of tag names</source>
+        <translation>Résumé trié des noms de balises</translation>
+    </message>
+    <message>
+        <source>Lists tag names in alphabetical order with their counts. Off: in document order.</source>
+        <translation>Liste les noms des balises par ordre alphabétique avec leurs nombres. Sinon, dans l&apos;ordre du document.</translation>
+    </message>
+    <message>
+        <source>Accept unknown entities</source>
+        <translation>Accepter les entités inconnues</translation>
+    </message>
+    <message>
+        <source>Leaves unknown entities unchanged. Off: they are structure errors.</source>
+        <translation>Laisse les entités inconnues inchangées. Sinon, ce sont des erreurs de structure.</translation>
+    </message>
+    <message>
+        <source>Ignore empty elements</source>
+        <translation>Ignorer les éléments vides</translation>
+    </message>
+    <message>
+        <source>Ignores elements without text, sub-elements and attributes in rows and lists of names; they still count in indexes.</source>
+        <translation>Ignore dans les lignes et les listes de noms les éléments sans texte, sous-éléments ni attributs&#xa0;; ils comptent quand même dans les indices.</translation>
+    </message>
+    <message>
+        <source>Accept invalid characters in tag names</source>
+        <translation>Accepter les caractères invalides dans les noms de balises</translation>
+    </message>
+    <message>
+        <source>Accepts invalid characters in tag names. Off: they are structure errors.</source>
+        <translation>Accepte les caractères invalides dans les noms de balises. Sinon, ce sont des erreurs de structure.</translation>
+    </message>
+    <message>
+        <source>Output whether the element exists</source>
+        <translation>Indiquer si l&apos;élément existe</translation>
+    </message>
+    <message>
+        <source>Outputs 1 if the element exists, else 0, instead of its text.</source>
+        <translation>Donne 1 si l&apos;élément existe, sinon 0, au lieu de son texte.</translation>
+    </message>
+    <message>
+        <source>Remove namespace prefixes</source>
+        <translation>Retirer les préfixes d&apos;espaces de noms</translation>
+    </message>
+    <message>
+        <source>Removes the namespace prefixes of elements.</source>
+        <translation>Retire les préfixes d&apos;espaces de noms des éléments.</translation>
+    </message>
+    <message>
+        <source>Copy the columns of the input row</source>
+        <translation>Copier les colonnes de la ligne d&apos;entrée</translation>
+    </message>
+    <message>
+        <source>Adds the columns of the input row before the extracted ones, when reading from the input pin.</source>
+        <translation>Ajoute les colonnes de la ligne d&apos;entrée avant celles qui sont extraites, en lecture sur l&apos;entrée.</translation>
+    </message>
+    <message>
+        <source>Number of occurrences of the first level that are skipped at the beginning of each document, for example the header row of an HTML table.</source>
+        <translation>Nombre d&apos;occurrences du premier niveau ignorées au début de chaque document, par exemple la ligne d&apos;en-tête d&apos;un tableau HTML.</translation>
+    </message>
+    <message>
+        <source>Warn about values that are not read</source>
+        <translation>Avertir des valeurs qui ne sont pas lues</translation>
+    </message>
+    <message>
+        <source>Logs a warning with the number of elements, attributes and list values of the occurrences that no item reads. Not for HTML.</source>
+        <translation>Émet un avertissement avec le nombre d&apos;éléments, d&apos;attributs et de valeurs de listes des occurrences que rien ne lit. Pas pour HTML.</translation>
+    </message>
+    <message>
+        <source>Levels</source>
+        <translation>Niveaux</translation>
+    </message>
+    <message>
+        <source>One Level (initialPath, subtagName) per repeated element, outermost first, with one e (name, path, tagName) per output column.</source>
+        <translation>Un Level (initialPath, subtagName) par élément répété, du plus externe au plus interne, avec un e (name, path, tagName) par colonne de sortie.</translation>
+    </message>
+    <message>
+        <source>Container</source>
+        <translation>Conteneur</translation>
+    </message>
+    <message>
+        <source>Path of the element that contains the occurrences, from the document or from the occurrence of the level before.</source>
+        <translation>Chemin de l&apos;élément qui contient les occurrences, à partir du document ou de l&apos;occurrence du niveau précédent.</translation>
+    </message>
+    <message>
+        <source>Repeated element</source>
+        <translation>Élément répété</translation>
+    </message>
+    <message>
+        <source>Name of the repeated element. Empty: every sub-element.</source>
+        <translation>Nom de l&apos;élément répété. Vide&#xa0;: chaque sous-élément.</translation>
+    </message>
+    <message>
+        <source>Columns</source>
+        <translation>Colonnes</translation>
+    </message>
+    <message>
+        <source>The output columns, one element each.</source>
+        <translation>Les colonnes de sortie, un élément pour chacune.</translation>
+    </message>
+    <message>
+        <source>Name of the output column. Empty: the path.</source>
+        <translation>Nom de la colonne de sortie. Vide&#xa0;: le chemin.</translation>
+    </message>
+    <message>
+        <source>Path</source>
+        <translation>Chemin</translation>
+    </message>
+    <message>
+        <source>Path of the value, from the occurrence. Empty: the occurrence itself.</source>
+        <translation>Chemin de la valeur, à partir de l&apos;occurrence. Vide&#xa0;: l&apos;occurrence elle-même.</translation>
+    </message>
+    <message>
+        <source>Names of sub-elements</source>
+        <translation>Noms des sous-éléments</translation>
+    </message>
+    <message>
+        <source>Reads the names of the sub-elements instead of the text.</source>
+        <translation>Lit les noms des sous-éléments au lieu du texte.</translation>
+    </message>
+    <message>
+        <source>Parts left out</source>
+        <translation>Parties omises</translation>
+    </message>
+    <message>
+        <source>Paths of parts that are left out on purpose: warnUnread does not count them.</source>
+        <translation>Chemins des parties omises volontairement&#xa0;: warnUnread ne les compte pas.</translation>
+    </message>
+    <message>
+        <source>Create a multi-level XML file</source>
+        <translation>Créer un fichier XML à plusieurs niveaux</translation>
+    </message>
+    <message>
+        <source>XML file to write.</source>
+        <translation>Fichier XML à écrire.</translation>
+    </message>
+    <message>
+        <source>Open the file</source>
+        <translation>Ouverture du fichier</translation>
+    </message>
+    <message>
+        <source>Whether an existing file is replaced or extended.</source>
+        <translation>Indique si un fichier existant est remplacé ou complété.</translation>
+    </message>
+    <message>
+        <source>create or overwrite</source>
+        <translation>créer ou remplacer</translation>
+    </message>
+    <message>
+        <source>append</source>
+        <translation>ajouter à la fin</translation>
+    </message>
+    <message>
+        <source>Encoding of the file.</source>
+        <translation>Codage du fichier.</translation>
+    </message>
+    <message>
+        <source>UTF-8 with byte-order mark</source>
+        <translation>UTF-8 avec marque d&apos;ordre des octets</translation>
+    </message>
+    <message>
+        <source>UTF-8</source>
+        <translation>UTF-8</translation>
+    </message>
+    <message>
+        <source>UTF-16LE with byte-order mark</source>
+        <translation>UTF-16LE avec marque d&apos;ordre des octets</translation>
+    </message>
+    <message>
+        <source>UTF-16LE</source>
+        <translation>UTF-16LE</translation>
+    </message>
+    <message>
+        <source>Create the folder of the file</source>
+        <translation>Créer le dossier du fichier</translation>
+    </message>
+    <message>
+        <source>Creates missing folders of the file.</source>
+        <translation>Crée les dossiers manquants du fichier.</translation>
+    </message>
+    <message>
+        <source>Writes a decimal comma instead of the decimal point.</source>
+        <translation>Écrit une virgule décimale au lieu du point décimal.</translation>
+    </message>
+    <message>
+        <source>Indent the elements</source>
+        <translation>Indenter les éléments</translation>
+    </message>
+    <message>
+        <source>Writes indented elements, one per line.</source>
+        <translation>Écrit les éléments avec une indentation, un par ligne.</translation>
+    </message>
+    <message>
+        <source>Well-formed for all cells</source>
+        <translation>Bien formé pour toutes les cellules</translation>
+    </message>
+    <message>
+        <source>Escapes what parsers would reject or change, writes U+FFFD for characters that are not allowed in XML, and makes names of elements and attributes valid and distinct.</source>
+        <translation>Échappe ce que les analyseurs refuseraient ou modifieraient, écrit U+FFFD pour les caractères interdits en XML et rend les noms des éléments et des attributs valides et distincts.</translation>
+    </message>
+    <message>
+        <source>Indent of the outermost level</source>
+        <translation>Indentation du niveau le plus externe</translation>
+    </message>
+    <message>
+        <source>Number of spaces before an element of the first level; each level below has two more.</source>
+        <translation>Nombre d&apos;espaces avant un élément du premier niveau&#xa0;; chaque niveau suivant en a deux de plus.</translation>
+    </message>
+    <message>
+        <source>Missing text</source>
+        <translation>Texte manquant</translation>
+    </message>
+    <message>
+        <source>What is written for a missing text cell.</source>
+        <translation>Ce qui est écrit pour un texte manquant.</translation>
+    </message>
+    <message>
+        <source>write the null form</source>
+        <translation>écrire la forme nulle</translation>
+    </message>
+    <message>
+        <source>write an empty value</source>
+        <translation>écrire une valeur vide</translation>
+    </message>
+    <message>
+        <source>leave it out</source>
+        <translation>l&apos;omettre</translation>
+    </message>
+    <message>
+        <source>Missing number</source>
+        <translation>Nombre manquant</translation>
+    </message>
+    <message>
+        <source>What is written for a missing whole or decimal number.</source>
+        <translation>Ce qui est écrit pour un nombre entier ou décimal manquant.</translation>
+    </message>
+    <message>
+        <source>NaN and infinite numbers</source>
+        <translation>Nombres NaN et infinis</translation>
+    </message>
+    <message>
+        <source>What is written for NaN and infinite numbers.</source>
+        <translation>Ce qui est écrit pour les nombres NaN et infinis.</translation>
+    </message>
+    <message>
+        <source>write nan, inf or -inf</source>
+        <translation>écrire nan, inf ou -inf</translation>
+    </message>
+    <message>
+        <source>Write a file even without rows</source>
+        <translation>Écrire un fichier même sans lignes</translation>
+    </message>
+    <message>
+        <source>Writes a file with its start and end even when there is no row.</source>
+        <translation>Écrit un fichier avec son début et sa fin même s&apos;il n&apos;y a aucune ligne.</translation>
+    </message>
+    <message>
+        <source>Writes every column. Off: only the columns of ToWrite. Ignored when there are Levels.</source>
+        <translation>Écrit toutes les colonnes. Sinon, seulement les colonnes de ToWrite. Ignoré s&apos;il y a des niveaux.</translation>
+    </message>
+    <message>
+        <source>Start of the file</source>
+        <translation>Début du fichier</translation>
+    </message>
+    <message>
+        <source>Text at the start of every file.</source>
+        <translation>Texte placé au début de chaque fichier.</translation>
+    </message>
+    <message>
+        <source>End of the file</source>
+        <translation>Fin du fichier</translation>
+    </message>
+    <message>
+        <source>Text at the end of every file.</source>
+        <translation>Texte placé à la fin de chaque fichier.</translation>
+    </message>
+    <message>
+        <source>The structure of the file: one Level (name, partitionCol, commaSeparated) per nesting, the top level first, each with its Items (type, text, calledLevel, p1 and columns). Without levels, every row is one element with all its columns.</source>
+        <translation>La structure du fichier&#xa0;: un Level (name, partitionCol, commaSeparated) par imbrication, le niveau supérieur d&apos;abord, chacun avec ses Items (type, text, calledLevel, p1 et columns). Sans niveaux, chaque ligne est un élément avec toutes ses colonnes.</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Name by which an item refers to the level.</source>
+        <translation>Nom par lequel un élément désigne le niveau.</translation>
+    </message>
+    <message>
+        <source>Partition column</source>
+        <translation>Colonne de partition</translation>
+    </message>
+    <message>
+        <source>Rows with the same value in this column belong to the same array of the sub-level. The top level ignores it.</source>
+        <translation>Les lignes qui ont la même valeur dans cette colonne appartiennent au même tableau du sous-niveau. Le niveau supérieur l&apos;ignore.</translation>
+    </message>
+    <message>
+        <source>Separate the elements with commas</source>
+        <translation>Séparer les éléments par des virgules</translation>
+    </message>
+    <message>
+        <source>Writes a comma before each element but the first.</source>
+        <translation>Écrit une virgule avant chaque élément sauf le premier.</translation>
+    </message>
+    <message>
+        <source>Items</source>
+        <translation>Éléments</translation>
+    </message>
+    <message>
+        <source>What is written for each element of the level, in this order.</source>
+        <translation>Ce qui est écrit pour chaque élément du niveau, dans cet ordre.</translation>
+    </message>
+    <message>
+        <source>What is written, by its number. An item with another number writes nothing.</source>
+        <translation>Ce qui est écrit, par son numéro. Un élément qui a un autre numéro n&apos;écrit rien.</translation>
+    </message>
+    <message>
+        <source>text</source>
+        <translation>texte</translation>
+    </message>
+    <message>
+        <source>all columns as attributes</source>
+        <translation>toutes les colonnes en attributs</translation>
+    </message>
+    <message>
+        <source>listed columns as attributes</source>
+        <translation>colonnes listées en attributs</translation>
+    </message>
+    <message>
+        <source>all columns as elements</source>
+        <translation>toutes les colonnes en éléments</translation>
+    </message>
+    <message>
+        <source>listed columns as elements</source>
+        <translation>colonnes listées en éléments</translation>
+    </message>
+    <message>
+        <source>one column in quotes</source>
+        <translation>une colonne entre guillemets</translation>
+    </message>
+    <message>
+        <source>one column as text</source>
+        <translation>une colonne en texte</translation>
+    </message>
+    <message>
+        <source>one column as prepared XML</source>
+        <translation>une colonne en XML préparé</translation>
+    </message>
+    <message>
+        <source>elements of a level</source>
+        <translation>éléments d&apos;un niveau</translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation>Texte</translation>
+    </message>
+    <message>
+        <source>Text that is written, by an item that writes a fixed text.</source>
+        <translation>Texte écrit par un élément à texte fixe.</translation>
+    </message>
+    <message>
+        <source>Level</source>
+        <translation>Niveau</translation>
+    </message>
+    <message>
+        <source>Name of the level that is written, by an item that writes a sub-level.</source>
+        <translation>Nom du niveau écrit par un élément de sous-niveau.</translation>
+    </message>
+    <message>
+        <source>Prefix of keys</source>
+        <translation>Préfixe des clés</translation>
+    </message>
+    <message>
+        <source>Text that is removed from the start of the keys.</source>
+        <translation>Texte retiré au début des clés.</translation>
+    </message>
+    <message>
+        <source>Columns that are written, by an item that writes some columns.</source>
+        <translation>Colonnes écrites par un élément à colonnes listées.</translation>
+    </message>
+    <message>
+        <source>Read and Parse a multi-level JSON file</source>
+        <translation>Lire et analyser un fichier JSON à plusieurs niveaux</translation>
+    </message>
+    <message>
+        <source>JSON column</source>
+        <translation>Colonne JSON</translation>
+    </message>
+    <message>
+        <source>Input column that holds the JSON texts.</source>
+        <translation>Colonne d&apos;entrée qui contient les textes JSON.</translation>
+    </message>
+    <message>
+        <source>Read the JSON</source>
+        <translation>Lire le JSON</translation>
+    </message>
+    <message>
+        <source>Reads the file fileName, or (any value but 0) the texts of colJSON.</source>
+        <translation>Lit le fichier fileName ou (pour toute valeur sauf 0) les textes de colJSON.</translation>
+    </message>
+    <message>
+        <source>JSON or JSON Lines file to read, a pattern, or a member of an archive (archive.zip@member).</source>
+        <translation>Fichier JSON ou JSON Lines à lire, motif, ou membre d&apos;une archive (archive.zip@membre).</translation>
+    </message>
+    <message>
+        <source>Each input row holds one complete JSON document</source>
+        <translation>Chaque ligne d&apos;entrée contient un document JSON complet</translation>
+    </message>
+    <message>
+        <source>Each row is one document. Off: the rows are one stream of documents, and a document may continue in the next row.</source>
+        <translation>Chaque ligne est un document. Sinon, les lignes forment une suite de documents, et un document peut continuer dans la ligne suivante.</translation>
+    </message>
+    <message>
+        <source>Read tags to extract from pin 1</source>
+        <translation>Lire les balises à extraire sur l&apos;entrée 1</translation>
+    </message>
+    <message>
+        <source>Reads the items from the rows of input pin 1: from the columns path, name, tagName and level, or else the path from the first and the name from the second column.</source>
+        <translation>Lit les éléments dans les lignes de l&apos;entrée 1&#xa0;: dans les colonnes path, name, tagName et level, ou bien le chemin dans la première colonne et le nom dans la deuxième.</translation>
+    </message>
+    <message>
+        <source>Accept malformed numbers</source>
+        <translation>Accepter les nombres mal formés</translation>
+    </message>
+    <message>
+        <source>Accepts malformed numbers. Off: a value such as 12abc is a structure error.</source>
+        <translation>Accepte les nombres mal formés. Sinon, une valeur telle que 12abc est une erreur de structure.</translation>
+    </message>
+    <message>
+        <source>Continue after structure errors</source>
+        <translation>Continuer après les erreurs de structure</translation>
+    </message>
+    <message>
+        <source>Reports structure errors as warnings and continues.</source>
+        <translation>Signale les erreurs de structure comme des avertissements et continue.</translation>
+    </message>
+    <message>
+        <source>Always keep the root</source>
+        <translation>Toujours garder la racine</translation>
+    </message>
+    <message>
+        <source>Keeps the root of every record, so that paths start at the document. Default off in graphs saved before version 3.92.</source>
+        <translation>Garde la racine de chaque enregistrement&#xa0;: les chemins commencent au document. Désactivé par défaut dans les graphes enregistrés avant la version 3.92.</translation>
+    </message>
+    <message>
+        <source>Create a multi-level JSON file</source>
+        <translation>Créer un fichier JSON à plusieurs niveaux</translation>
+    </message>
+    <message>
+        <source>JSON file to write, UTF-8.</source>
+        <translation>Fichier JSON à écrire, en UTF-8.</translation>
+    </message>
+    <message>
+        <source>write null</source>
+        <translation>écrire null</translation>
+    </message>
+    <message>
+        <source>write &quot;&quot;</source>
+        <translation>écrire &quot;&quot;</translation>
+    </message>
+    <message>
+        <source>The texts true and false are booleans</source>
+        <translation>Les textes true et false sont des booléens</translation>
+    </message>
+    <message>
+        <source>Writes the texts true, True, false and False as booleans. Default off in graphs saved before version 2.79.</source>
+        <translation>Écrit les textes true, True, false et False comme des booléens. Désactivé par défaut dans les graphes enregistrés avant la version 2.79.</translation>
+    </message>
+    <message>
+        <source>Line feeds become \n</source>
+        <translation>Les sauts de ligne deviennent \n</translation>
+    </message>
+    <message>
+        <source>Writes line feeds in texts as \n. Off: they stay unchanged, which strict parsers reject.</source>
+        <translation>Écrit les sauts de ligne des textes comme \n. Sinon, ils restent inchangés, ce que les analyseurs stricts refusent.</translation>
+    </message>
+    <message>
+        <source>Control characters become escapes</source>
+        <translation>Échapper les caractères de contrôle</translation>
+    </message>
+    <message>
+        <source>Writes all control characters in texts and names as escapes, so that the file is valid JSON for all cells. Off: they stay unchanged.</source>
+        <translation>Écrit tous les caractères de contrôle des textes et des noms sous forme échappée, pour que le fichier soit du JSON valide pour toutes les cellules. Sinon, ils restent inchangés.</translation>
+    </message>
+    <message>
+        <source>One file per value of the split column</source>
+        <translation>Un fichier par valeur de la colonne de division</translation>
+    </message>
+    <message>
+        <source>Writes one file per value of splitCol; the value is put into the file name before the extension.</source>
+        <translation>Écrit un fichier par valeur de splitCol&#xa0;; la valeur est placée dans le nom du fichier avant l&apos;extension.</translation>
+    </message>
+    <message>
+        <source>Put the value at each * of the file name</source>
+        <translation>Placer la valeur à chaque * du nom du fichier</translation>
+    </message>
+    <message>
+        <source>The value replaces each * in the file name. Without a * it is put before the extension, or becomes the extension of a name that has none.</source>
+        <translation>La valeur remplace chaque * du nom du fichier. Sans *, elle est placée avant l&apos;extension, ou devient l&apos;extension d&apos;un nom qui n&apos;en a pas.</translation>
+    </message>
+    <message>
+        <source>Split column</source>
+        <translation>Colonne de division</translation>
+    </message>
+    <message>
+        <source>Column whose values split the table, which should be sorted on it.</source>
+        <translation>Colonne dont les valeurs divisent la table, qui devrait être triée sur elle.</translation>
+    </message>
+    <message>
+        <source>all columns as members</source>
+        <translation>toutes les colonnes en membres</translation>
+    </message>
+    <message>
+        <source>listed columns as members</source>
+        <translation>colonnes listées en membres</translation>
+    </message>
+    <message>
+        <source>values of all columns</source>
+        <translation>valeurs de toutes les colonnes</translation>
+    </message>
+    <message>
+        <source>values of listed columns</source>
+        <translation>valeurs des colonnes listées</translation>
+    </message>
+    <message>
+        <source>comma after written members</source>
+        <translation>virgule après les membres écrits</translation>
+    </message>
+    <message>
+        <source>one column as prepared JSON</source>
+        <translation>une colonne en JSON préparé</translation>
+    </message>
+    <message>
+        <source>Read a DBase,Paradox,FoxPro database file</source>
+        <translation>Lire un fichier de base de données DBase, Paradox ou FoxPro</translation>
+    </message>
+    <message>
+        <source>Table to read, or a pattern such as *.dbf; all tables must have the columns of the first.</source>
+        <translation>Table à lire, ou motif tel que *.dbf&#xa0;; toutes les tables doivent avoir les colonnes de la première.</translation>
+    </message>
+    <message>
+        <source>Encoding of character and memo fields. Any other value keeps the bytes as they are.</source>
+        <translation>Codage des champs de caractères et des mémos. Toute autre valeur garde les octets tels quels.</translation>
+    </message>
+    <message>
+        <source>Latin 1 (Windows 1252)</source>
+        <translation>Latin 1 (Windows 1252)</translation>
+    </message>
+    <message>
+        <source>encoding of the system</source>
+        <translation>codage du système</translation>
+    </message>
+    <message>
+        <source>Read memo fields</source>
+        <translation>Lire les champs mémo</translation>
+    </message>
+    <message>
+        <source>Reads the texts of memo fields from the memo file in the same folder as the table.</source>
+        <translation>Lit les textes des champs mémo dans le fichier mémo situé dans le dossier de la table.</translation>
+    </message>
+    <message>
+        <source>load the full Memo/DBT/FPT file in memory for faster processing.</source>
+        <translation>charger tout le fichier Memo/DBT/FPT en mémoire pour un traitement plus rapide.</translation>
+    </message>
+    <message>
+        <source>Loads the whole memo file into memory. Off: it is read through a buffer.</source>
+        <translation>Charge tout le fichier mémo en mémoire. Sinon, il est lu à travers un tampon.</translation>
+    </message>
+    <message>
+        <source>dBase level 7 or above</source>
+        <translation>dBase niveau 7 ou supérieur</translation>
+    </message>
+    <message>
+        <source>Reads the tables with the longer header of dBase 7 and above. Tables whose field descriptors are valid in only one of the two forms are read in that form.</source>
+        <translation>Lit les tables avec l&apos;en-tête plus long de dBase 7 et suivants. Les tables dont les descripteurs de champs ne sont valides que dans une des deux formes sont lues dans cette forme.</translation>
+    </message>
+    <message>
+        <source>Read a parquet file</source>
+        <translation>Lire un fichier parquet</translation>
+    </message>
+    <message>
+        <source>64-bit integers become keys</source>
+        <translation>Les entiers de 64 bits deviennent des clés</translation>
+    </message>
+    <message>
+        <source>Reads 64-bit integers as keys, their low 32 bits. Off: as decimal numbers.</source>
+        <translation>Lit les entiers de 64 bits comme des clés, leurs 32 bits de poids faible. Sinon, comme des nombres décimaux.</translation>
+    </message>
+    <message>
+        <source>Which columns are read.</source>
+        <translation>Colonnes à lire.</translation>
+    </message>
+    <message>
+        <source>all columns</source>
+        <translation>toutes les colonnes</translation>
+    </message>
+    <message>
+        <source>the columns in the list</source>
+        <translation>les colonnes de la liste</translation>
+    </message>
+    <message>
+        <source>the columns named on input pin 1</source>
+        <translation>les colonnes nommées sur l&apos;entrée 1</translation>
+    </message>
+    <message>
+        <source>Read newer encodings and codecs</source>
+        <translation>Lire les codages et codecs plus récents</translation>
+    </message>
+    <message>
+        <source>Also reads RLE_DICTIONARY, DELTA and BYTE_STREAM_SPLIT pages and the codecs ZSTD, LZ4_RAW and Brotli. Off: such files are rejected.</source>
+        <translation>Lit aussi les pages RLE_DICTIONARY, DELTA et BYTE_STREAM_SPLIT et les codecs ZSTD, LZ4_RAW et Brotli. Sinon, ces fichiers sont refusés.</translation>
+    </message>
+    <message>
+        <source>Convert values to what they represent</source>
+        <translation>Convertir les valeurs en ce qu&apos;elles représentent</translation>
+    </message>
+    <message>
+        <source>Reads dates and times as ISO 8601 text, and decimals, large and unsigned integers exactly. Off: reads values as they are stored.</source>
+        <translation>Lit les dates et les heures comme des textes ISO 8601, et exactement les décimaux, les grands entiers et les entiers non signés. Sinon, lit les valeurs telles qu&apos;elles sont enregistrées.</translation>
+    </message>
+    <message>
+        <source>Check the checksums of pages</source>
+        <translation>Vérifier les sommes de contrôle des pages</translation>
+    </message>
+    <message>
+        <source>Rejects a page whose checksum differs from the one in its header. Off: checksums are ignored.</source>
+        <translation>Refuse une page dont la somme de contrôle diffère de celle de son en-tête. Sinon, les sommes sont ignorées.</translation>
+    </message>
+    <message>
+        <source>Skip columns that cannot be read</source>
+        <translation>Ignorer les colonnes illisibles</translation>
+    </message>
+    <message>
+        <source>Skips nested columns and others that cannot be read, with a warning. Off: such files are rejected.</source>
+        <translation>Ignore les colonnes imbriquées et les autres colonnes illisibles, avec un avertissement. Sinon, ces fichiers sont refusés.</translation>
+    </message>
+    <message>
+        <source>Accept files without rows</source>
+        <translation>Accepter les fichiers sans lignes</translation>
+    </message>
+    <message>
+        <source>Reads a file without rows as an empty table. Off: it is an error.</source>
+        <translation>Lit un fichier sans lignes comme une table vide. Sinon, c&apos;est une erreur.</translation>
+    </message>
+    <message>
+        <source>Parquet file to read, or a pattern such as *.parquet.</source>
+        <translation>Fichier parquet à lire, ou motif tel que *.parquet.</translation>
+    </message>
+    <message>
+        <source>Columns that are read when columnSelection is 1.</source>
+        <translation>Colonnes lues quand columnSelection vaut 1.</translation>
+    </message>
+    <message>
+        <source>Write a parquet file</source>
+        <translation>Écrire un fichier parquet</translation>
+    </message>
+    <message>
+        <source>Page size</source>
+        <translation>Taille des pages</translation>
+    </message>
+    <message>
+        <source>Size of uncompressed pages.</source>
+        <translation>Taille des pages non compressées.</translation>
+    </message>
+    <message>
+        <source>KiB</source>
+        <translation>Kio</translation>
+    </message>
+    <message>
+        <source>Row group size</source>
+        <translation>Taille des groupes de lignes</translation>
+    </message>
+    <message>
+        <source>Size of a row group.</source>
+        <translation>Taille d&apos;un groupe de lignes.</translation>
+    </message>
+    <message>
+        <source>MiB</source>
+        <translation>Mio</translation>
+    </message>
+    <message>
+        <source>Storage of keys</source>
+        <translation>Stockage des clés</translation>
+    </message>
+    <message>
+        <source>Physical type of the columns of whole numbers.</source>
+        <translation>Type physique des colonnes de nombres entiers.</translation>
+    </message>
+    <message>
+        <source>32-bit integer marked as unsigned</source>
+        <translation>entier de 32 bits, non signé</translation>
+    </message>
+    <message>
+        <source>32-bit integer</source>
+        <translation>entier de 32 bits</translation>
+    </message>
+    <message>
+        <source>64-bit integer</source>
+        <translation>entier de 64 bits</translation>
+    </message>
+    <message>
+        <source>Split</source>
+        <translation>Division</translation>
+    </message>
+    <message>
+        <source>Whether the table is written to one file or several.</source>
+        <translation>Indique si la table est écrite dans un ou plusieurs fichiers.</translation>
+    </message>
+    <message>
+        <source>one file</source>
+        <translation>un fichier</translation>
+    </message>
+    <message>
+        <source>one file per value of the split column</source>
+        <translation>un fichier par valeur de la colonne de division</translation>
+    </message>
+    <message>
+        <source>a new file after every segment</source>
+        <translation>un nouveau fichier après chaque segment</translation>
+    </message>
+    <message>
+        <source>Segment size</source>
+        <translation>Taille des segments</translation>
+    </message>
+    <message>
+        <source>Size after which a split table continues in a new file.</source>
+        <translation>Taille après laquelle une table divisée continue dans un nouveau fichier.</translation>
+    </message>
+    <message>
+        <source>Column whose value selects the file. Best when the table is sorted on it.</source>
+        <translation>Colonne dont la valeur choisit le fichier. De préférence, la table est triée sur elle.</translation>
+    </message>
+    <message>
+        <source>Compression</source>
+        <translation>Compression</translation>
+    </message>
+    <message>
+        <source>Codec of the pages.</source>
+        <translation>Codec des pages.</translation>
+    </message>
+    <message>
+        <source>Snappy</source>
+        <translation>Snappy</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>aucune</translation>
+    </message>
+    <message>
+        <source>gzip</source>
+        <translation>gzip</translation>
+    </message>
+    <message>
+        <source>Zstandard</source>
+        <translation>Zstandard</translation>
+    </message>
+    <message>
+        <source>LZ4</source>
+        <translation>LZ4</translation>
+    </message>
+    <message>
+        <source>Brotli</source>
+        <translation>Brotli</translation>
+    </message>
+    <message>
+        <source>Fast; all readers know it.</source>
+        <translation>Rapide&#xa0;; connu de tous les lecteurs.</translation>
+    </message>
+    <message>
+        <source>Largest files; no time for compression.</source>
+        <translation>Fichiers les plus gros&#xa0;; aucun temps de compression.</translation>
+    </message>
+    <message>
+        <source>Small files, slow; most readers know it.</source>
+        <translation>Petits fichiers, lent&#xa0;; connu de la plupart des lecteurs.</translation>
+    </message>
+    <message>
+        <source>Small files, fast; needs a recent reader.</source>
+        <translation>Petits fichiers, rapide&#xa0;; exige un lecteur récent.</translation>
+    </message>
+    <message>
+        <source>Fastest; needs a recent reader.</source>
+        <translation>Le plus rapide&#xa0;; exige un lecteur récent.</translation>
+    </message>
+    <message>
+        <source>Smallest files, slowest; few readers know it.</source>
+        <translation>Fichiers les plus petits, le plus lent&#xa0;; connu de peu de lecteurs.</translation>
+    </message>
+    <message>
+        <source>Dictionary pages</source>
+        <translation>Pages de dictionnaire</translation>
+    </message>
+    <message>
+        <source>Stores repeated values once per row group, which makes smaller files.</source>
+        <translation>Enregistre les valeurs répétées une fois par groupe de lignes, ce qui réduit les fichiers.</translation>
+    </message>
+    <message>
+        <source>Statistics</source>
+        <translation>Statistiques</translation>
+    </message>
+    <message>
+        <source>Writes null counts, smallest and largest values, for readers that skip row groups.</source>
+        <translation>Écrit le nombre de valeurs nulles et les valeurs extrêmes, pour les lecteurs qui sautent des groupes de lignes.</translation>
+    </message>
+    <message>
+        <source>Parquet file to write.</source>
+        <translation>Fichier parquet à écrire.</translation>
+    </message>
+    <message>
+        <source>Create a .sas7bdat file</source>
+        <translation>Créer un fichier .sas7bdat</translation>
+    </message>
+    <message>
+        <source>Data set (.sas7bdat) to write.</source>
+        <translation>Jeu de données (.sas7bdat) à écrire.</translation>
+    </message>
+    <message>
+        <source>Names of the variables</source>
+        <translation>Noms des variables</translation>
+    </message>
+    <message>
+        <source>A name in the data set has at most 32 bytes of UTF-8. Without the option VALIDVARNAME=ANY, SAS accepts only letters of ASCII, digits and &apos;_&apos; in it.</source>
+        <translation>Un nom du jeu de données a au plus 32 octets en UTF-8. Sans l&apos;option VALIDVARNAME=ANY, SAS n&apos;y accepte que des lettres ASCII, des chiffres et «&#xa0;_&#xa0;».</translation>
+    </message>
+    <message>
+        <source>Use the same Column Names as in Corvanta (possibly truncated)</source>
+        <translation>Garder les noms des colonnes (tronqués au besoin)</translation>
+    </message>
+    <message>
+        <source>Use the same Column Names as in Corvanta (abort if truncation)</source>
+        <translation>Garder les noms des colonnes (abandonner s&apos;il faut tronquer)</translation>
+    </message>
+    <message>
+        <source>Column Names are C1,C2,.. and Column Labels are Corvanta Column Names</source>
+        <translation>Nommer les colonnes C1,C2,..&#xa0;; leurs noms deviennent les libellés</translation>
+    </message>
+    <message>
+        <source>Column Names are valid SAS names and Column Labels are Corvanta Column Names</source>
+        <translation>Créer des noms SAS valides&#xa0;; les noms des colonnes deviennent les libellés</translation>
+    </message>
+    <message>
+        <source>A text wider than its column</source>
+        <translation>Texte plus large que sa colonne</translation>
+    </message>
+    <message>
+        <source>What happens to a text that does not fit.</source>
+        <translation>Traitement d&apos;un texte trop long.</translation>
+    </message>
+    <message>
+        <source>truncate it, with a warning</source>
+        <translation>le tronquer, avec un avertissement</translation>
+    </message>
+    <message>
+        <source>abort</source>
+        <translation>abandonner</translation>
+    </message>
+    <message>
+        <source>Automatic width: factor</source>
+        <translation>Largeur automatique&#xa0;: facteur</translation>
+    </message>
+    <message>
+        <source>Measured widths are the longest text times this factor.</source>
+        <translation>Les largeurs mesurées sont celles du plus long texte, multipliées par ce facteur.</translation>
+    </message>
+    <message>
+        <source>Automatic width: extra bytes</source>
+        <translation>Largeur automatique&#xa0;: octets ajoutés</translation>
+    </message>
+    <message>
+        <source>Bytes added to measured widths.</source>
+        <translation>Octets ajoutés aux largeurs mesurées.</translation>
+    </message>
+    <message>
+        <source>bytes</source>
+        <translation>octets</translation>
+    </message>
+    <message>
+        <source>Writes every column. Off: only the columns of ColWrite.</source>
+        <translation>Écrit toutes les colonnes. Sinon, seulement les colonnes de ColWrite.</translation>
+    </message>
+    <message>
+        <source>Measure the widths of text columns</source>
+        <translation>Mesurer les largeurs des colonnes de textes</translation>
+    </message>
+    <message>
+        <source>Text columns without a declared width (StringColDef) become as wide as their longest text. Off: every text column needs a declared width.</source>
+        <translation>Les colonnes de textes sans largeur déclarée (StringColDef) ont la largeur de leur plus long texte. Sinon, chaque colonne de textes exige une largeur déclarée.</translation>
+    </message>
+    <message>
+        <source>Widths of text columns</source>
+        <translation>Largeurs des colonnes de textes</translation>
+    </message>
+    <message>
+        <source>One CD (n, l, ol) per text column, with its name and its width in bytes.</source>
+        <translation>Un CD (n, l, ol) par colonne de textes, avec son nom et sa largeur en octets.</translation>
+    </message>
+    <message>
+        <source>Name of the text column.</source>
+        <translation>Nom de la colonne de textes.</translation>
+    </message>
+    <message>
+        <source>Width</source>
+        <translation>Largeur</translation>
+    </message>
+    <message>
+        <source>Width of the column, in bytes.</source>
+        <translation>Largeur de la colonne, en octets.</translation>
+    </message>
+    <message>
+        <source>Longest text</source>
+        <translation>Plus long texte</translation>
+    </message>
+    <message>
+        <source>Bytes of the longest text that was found when the width was measured; 0: unknown.</source>
+        <translation>Octets du plus long texte trouvé lors de la mesure de la largeur&#xa0;; 0&#xa0;: inconnu.</translation>
+    </message>
+    <message>
+        <source>Labels and formats of columns</source>
+        <translation>Libellés et formats des colonnes</translation>
+    </message>
+    <message>
+        <source>One V (n, label, format, l) per column that needs one, with its name, a label, a format of SAS such as DATE9., and in transport files the width of its numbers.</source>
+        <translation>Un V (n, label, format, l) par colonne qui en a besoin, avec son nom, un libellé, un format SAS tel que DATE9. et, dans les fichiers de transport, la largeur de ses nombres.</translation>
+    </message>
+    <message>
+        <source>Name of the column.</source>
+        <translation>Nom de la colonne.</translation>
+    </message>
+    <message>
+        <source>Label</source>
+        <translation>Libellé</translation>
+    </message>
+    <message>
+        <source>Label of the variable.</source>
+        <translation>Libellé de la variable.</translation>
+    </message>
+    <message>
+        <source>Format of SAS that shows the values, for example DATE9. or 8.2. With a format of dates or times, ISO 8601 texts become numbers.</source>
+        <translation>Format SAS qui affiche les valeurs, par exemple DATE9. ou 8.2. Avec un format de date ou d&apos;heure, les textes ISO 8601 deviennent des nombres.</translation>
+    </message>
+    <message>
+        <source>Width of numbers</source>
+        <translation>Largeur des nombres</translation>
+    </message>
+    <message>
+        <source>Bytes of each number in a transport file, 3 to 8; 0: numberWidth.</source>
+        <translation>Octets de chaque nombre dans un fichier de transport, de 3 à 8&#xa0;; 0&#xa0;: numberWidth.</translation>
+    </message>
+    <message>
+        <source>Create a SAS Export .xpt file</source>
+        <translation>Créer un fichier d&apos;export SAS .xpt</translation>
+    </message>
+    <message>
+        <source>Transport file (.xpt) to write.</source>
+        <translation>Fichier de transport (.xpt) à écrire.</translation>
+    </message>
+    <message>
+        <source>Transport version 8</source>
+        <translation>Version 8 du format de transport</translation>
+    </message>
+    <message>
+        <source>Writes version 8: names of 32 bytes, labels of 256, texts of 32767. Off: version 5, which more programs read: names of 8 bytes, labels of 40, texts of 200.</source>
+        <translation>Écrit la version 8&#xa0;: noms de 32 octets, libellés de 256, textes de 32767. Sinon, la version 5, que plus de programmes lisent&#xa0;: noms de 8 octets, libellés de 40, textes de 200.</translation>
+    </message>
+    <message>
+        <source>Encoding of texts</source>
+        <translation>Codage des textes</translation>
+    </message>
+    <message>
+        <source>UTF-8, or the name of an encoding with one byte per character, for example WINDOWS-1252. Characters that it does not have become &apos;?&apos;.</source>
+        <translation>UTF-8, ou le nom d&apos;un codage à un octet par caractère, par exemple WINDOWS-1252. Les caractères qu&apos;il n&apos;a pas deviennent «&#xa0;?&#xa0;».</translation>
+    </message>
+    <message>
+        <source>Bytes of each number, 3 to 8. Numbers lose digits if it is below 8, and integers above 2097152 (at 4 bytes) are no longer exact.</source>
+        <translation>Octets de chaque nombre, de 3 à 8. En dessous de 8, les nombres perdent des chiffres et les entiers supérieurs à 2097152 (avec 4 octets) ne sont plus exacts.</translation>
+    </message>
+    <message>
+        <source>Write some text or image into a .docx or .pptx document</source>
+        <translation>Écrire du texte ou une image dans un document .docx ou .pptx</translation>
+    </message>
+    <message>
+        <source>Column of the output documents</source>
+        <translation>Colonne des documents à écrire</translation>
+    </message>
+    <message>
+        <source>Input column with the names of the documents to write.</source>
+        <translation>Colonne d&apos;entrée avec les noms des documents à écrire.</translation>
+    </message>
+    <message>
+        <source>Column of the templates</source>
+        <translation>Colonne des modèles</translation>
+    </message>
+    <message>
+        <source>Input column with the names of the templates (.docx or .pptx).</source>
+        <translation>Colonne d&apos;entrée avec les noms des modèles (.docx ou .pptx).</translation>
+    </message>
+    <message>
+        <source>Line ends become line breaks</source>
+        <translation>Les fins de ligne deviennent des sauts de ligne</translation>
+    </message>
+    <message>
+        <source>Line ends in texts become line breaks in Word documents.</source>
+        <translation>Les fins de ligne des textes deviennent des sauts de ligne dans les documents Word.</translation>
+    </message>
+    <message>
+        <source>\n becomes a line break</source>
+        <translation>\n devient un saut de ligne</translation>
+    </message>
+    <message>
+        <source>The two characters backslash and n in a text become a line break.</source>
+        <translation>Les deux caractères barre oblique inverse et n d&apos;un texte deviennent un saut de ligne.</translation>
+    </message>
+    <message>
+        <source>Store images in the document</source>
+        <translation>Enregistrer les images dans le document</translation>
+    </message>
+    <message>
+        <source>Stores images in the document. Off: it links to the image files.</source>
+        <translation>Enregistre les images dans le document. Sinon, il contient des liens vers les fichiers.</translation>
+    </message>
+    <message>
+        <source>Join divided markers</source>
+        <translation>Réunir les marques divisées</translation>
+    </message>
+    <message>
+        <source>Finds markers that a word processor has divided into several runs, and markers with &apos;&amp;&apos; or &apos;&lt;&apos;.</source>
+        <translation>Trouve les marques qu&apos;un traitement de texte a divisées en plusieurs segments, et les marques avec «&#xa0;&amp;&#xa0;» ou «&#xa0;&lt;&#xa0;».</translation>
+    </message>
+    <message>
+        <source>Markers in all parts</source>
+        <translation>Marques dans toutes les parties</translation>
+    </message>
+    <message>
+        <source>Also replaces markers in headers, footers, footnotes, endnotes, comments and notes of slides.</source>
+        <translation>Remplace aussi les marques des en-têtes, pieds de page, notes, commentaires et notes de diapositives.</translation>
+    </message>
+    <message>
+        <source>Keep the ratio of images</source>
+        <translation>Garder les proportions des images</translation>
+    </message>
+    <message>
+        <source>Fits each image into the box of its placeholder and keeps the image&apos;s ratio of width to height.</source>
+        <translation>Adapte chaque image au cadre de son emplacement en gardant ses proportions.</translation>
+    </message>
+    <message>
+        <source>Markup as in the standard</source>
+        <translation>Balisage conforme à la norme</translation>
+    </message>
+    <message>
+        <source>Ends the text element at line breaks in Word documents. Off: the break is inside it, where some programs do not show it.</source>
+        <translation>Termine l&apos;élément de texte aux sauts de ligne dans les documents Word. Sinon, le saut est à l&apos;intérieur, où certains programmes ne l&apos;affichent pas.</translation>
+    </message>
+    <message>
+        <source>Text columns</source>
+        <translation>Colonnes de textes</translation>
+    </message>
+    <message>
+        <source>Columns whose texts replace their markers, %NAME%.</source>
+        <translation>Colonnes dont les textes remplacent leurs marques, %NAME%.</translation>
+    </message>
+    <message>
+        <source>Image columns</source>
+        <translation>Colonnes d&apos;images</translation>
+    </message>
+    <message>
+        <source>Columns with names of image files, for the pictures whose targets contain %NAME%.</source>
+        <translation>Colonnes avec des noms de fichiers d&apos;images, pour les images dont la cible contient %NAME%.</translation>
+    </message>
+    <message>
+        <source>Write formatted Table(s) into a MS-Word document</source>
+        <translation>Écrire des tableaux mis en forme dans un document MS-Word</translation>
+    </message>
+    <message>
+        <source>Word document with the markers.</source>
+        <translation>Document Word avec les marques.</translation>
+    </message>
+    <message>
+        <source>Word document to write.</source>
+        <translation>Document Word à écrire.</translation>
+    </message>
+    <message>
+        <source>Line ends in cells become line breaks.</source>
+        <translation>Les fins de ligne des cellules deviennent des sauts de ligne.</translation>
+    </message>
+    <message>
+        <source>The two characters backslash and n in a cell become a line break.</source>
+        <translation>Les deux caractères barre oblique inverse et n d&apos;une cellule deviennent un saut de ligne.</translation>
+    </message>
+    <message>
+        <source>Finds markers that a word processor has divided into several runs.</source>
+        <translation>Trouve les marques qu&apos;un traitement de texte a divisées en plusieurs segments.</translation>
+    </message>
+    <message>
+        <source>Puts tables between paragraphs and line breaks between texts. Off: a table in a formatted paragraph is inside its text, where some programs do not show it.</source>
+        <translation>Place les tableaux entre les paragraphes et les sauts de ligne entre les textes. Sinon, un tableau dans un paragraphe mis en forme est à l&apos;intérieur de son texte, où certains programmes ne l&apos;affichent pas.</translation>
+    </message>
+    <message>
+        <source>Tables</source>
+        <translation>Tableaux</translation>
+    </message>
+    <message>
+        <source>One v (markerName, colWidths in twentieths of a point, styleID, includeHeaders) per input pin.</source>
+        <translation>Un v (markerName, colWidths en vingtièmes de point, styleID, includeHeaders) par entrée.</translation>
+    </message>
+    <message>
+        <source>Marker</source>
+        <translation>Marque</translation>
+    </message>
+    <message>
+        <source>Name of the marker in the template, without its percent signs.</source>
+        <translation>Nom de la marque dans le modèle, sans les signes de pourcentage.</translation>
+    </message>
+    <message>
+        <source>Column widths</source>
+        <translation>Largeurs des colonnes</translation>
+    </message>
+    <message>
+        <source>Comma-separated widths of the columns, in twentieths of a point.</source>
+        <translation>Largeurs des colonnes, séparées par des virgules, en vingtièmes de point.</translation>
+    </message>
+    <message>
+        <source>Style</source>
+        <translation>Style</translation>
+    </message>
+    <message>
+        <source>Identifier of the Word table style.</source>
+        <translation>Identifiant du style de tableau Word.</translation>
+    </message>
+</context>
+<context>
+    <name>Problems</name>
+    <message>
+        <source>&apos;%1&apos; is not a format of a floating-point number</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;est pas un format de nombre à virgule flottante</translation>
+    </message>
+    <message>
+        <source>the document &apos;%1&apos; would replace its own template: choose another output name</source>
+        <translation>le document «&#xa0;%1&#xa0;» remplacerait son propre modèle&#xa0;: choisissez un autre nom</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not used: sheetMode=&apos;1&apos; reads the sheet of this name</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;est pas utilisé&#xa0;: sheetMode=&apos;1&apos; lit la feuille de ce nom</translation>
+    </message>
+    <message>
+        <source>the marker &apos;%1&apos; of input pin %2 already exists: all markers must be different</source>
+        <translation>la marque «&#xa0;%1&#xa0;» de l&apos;entrée %2 existe déjà&#xa0;: toutes les marques doivent être différentes</translation>
+    </message>
+    <message>
+        <source>cannot read the template &apos;%1&apos;: %2</source>
+        <translation>le modèle «&#xa0;%1&#xa0;» ne peut pas être lu&#xa0;: %2</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not a Word document with styles</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;est pas un document Word avec des styles</translation>
+    </message>
+    <message>
+        <source>is empty</source>
+        <translation>est vide</translation>
+    </message>
+    <message>
+        <source>contains one of / \ ? * [ ] : or a control character</source>
+        <translation>contient un des caractères / \&#xa0;? * [ ]&#xa0;: ou un caractère de contrôle</translation>
+    </message>
+    <message>
+        <source>begins or ends with an apostrophe</source>
+        <translation>commence ou finit par une apostrophe</translation>
+    </message>
+    <message>
+        <source>is reserved</source>
+        <translation>est réservé</translation>
+    </message>
+    <message>
+        <source>differs only in letter case from &apos;%1&apos;</source>
+        <translation>ne diffère de «&#xa0;%1&#xa0;» que par la casse</translation>
+    </message>
+    <message>
+        <source>is not a letter or _ followed by letters, digits, _ and .</source>
+        <translation>n&apos;est pas une lettre ou _ suivie de lettres, de chiffres, de _ et de .</translation>
+    </message>
+    <message>
+        <source>is also a reference to cells</source>
+        <translation>est aussi une référence à des cellules</translation>
+    </message>
+    <message>
+        <source>ToDate lists columns, but without a date format no text is a date</source>
+        <translation>ToDate contient des colonnes, mais sans format de date aucun texte n&apos;est une date</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; has years of two digits, which are read as 1900 to 1999</source>
+        <translation>«&#xa0;%1&#xa0;» a des années à deux chiffres, lues comme 1900 à 1999</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; %2: the workbook may not open</source>
+        <translation>«&#xa0;%1&#xa0;» %2&#xa0;: le classeur pourrait ne pas s&apos;ouvrir</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; prints numbers that JSON does not have</source>
+        <translation>«&#xa0;%1&#xa0;» produit des nombres qui n&apos;existent pas en JSON</translation>
+    </message>
+    <message>
+        <source>the extension is not .xlsx, .docx or .pptx</source>
+        <translation>l&apos;extension n&apos;est pas .xlsx, .docx ou .pptx</translation>
+    </message>
+    <message>
+        <source>the file &apos;%1&apos; of &apos;template&apos; does not exist</source>
+        <translation>le fichier «&#xa0;%1&#xa0;» de «&#xa0;template&#xa0;» n&apos;existe pas</translation>
+    </message>
+    <message>
+        <source>the encoding &apos;%1&apos; is unknown, or its characters have several bytes</source>
+        <translation>le codage «&#xa0;%1&#xa0;» est inconnu, ou ses caractères ont plusieurs octets</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not a format of SAS, such as DATE9.</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;est pas un format SAS, tel que DATE9.</translation>
+    </message>
+    <message>
+        <source>the actions &apos;%1&apos; and &apos;%2&apos; create the same file &apos;%3&apos;</source>
+        <translation>les actions «&#xa0;%1&#xa0;» et «&#xa0;%2&#xa0;» créent le même fichier «&#xa0;%3&#xa0;»</translation>
+    </message>
+    <message>
+        <source>the action &apos;%2&apos; creates the file &apos;%3&apos; after the action &apos;%1&apos; has written to it</source>
+        <translation>l&apos;action «&#xa0;%2&#xa0;» crée le fichier «&#xa0;%3&#xa0;» après que l&apos;action «&#xa0;%1&#xa0;» y a écrit</translation>
+    </message>
+    <message>
+        <source>the action &apos;%1&apos; reads the file &apos;%3&apos;, to which the action &apos;%2&apos; appends</source>
+        <translation>l&apos;action «&#xa0;%1&#xa0;» lit le fichier «&#xa0;%3&#xa0;», auquel l&apos;action «&#xa0;%2&#xa0;» ajoute des données</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is required and empty</source>
+        <translation>«&#xa0;%1&#xa0;» est nécessaire et vide</translation>
+    </message>
+    <message>
+        <source>is a folder</source>
+        <translation>est un dossier</translation>
+    </message>
+    <message>
+        <source>does not exist</source>
+        <translation>n&apos;existe pas</translation>
+    </message>
+    <message>
+        <source>the file &apos;%1&apos; of &apos;%2&apos; %3</source>
+        <translation>le fichier «&#xa0;%1&#xa0;» de «&#xa0;%2&#xa0;» %3</translation>
+    </message>
+    <message>
+        <source>the file &apos;%1&apos; does not exist</source>
+        <translation>le fichier «&#xa0;%1&#xa0;» n&apos;existe pas</translation>
+    </message>
+    <message>
+        <source>the target &apos;%1&apos; is a folder</source>
+        <translation>la destination «&#xa0;%1&#xa0;» est un dossier</translation>
+    </message>
+    <message>
+        <source>the folder &apos;%1&apos; of the target does not exist, and &apos;%2&apos; is not a folder</source>
+        <translation>le dossier «&#xa0;%1&#xa0;» de la destination n&apos;existe pas, et «&#xa0;%2&#xa0;» n&apos;est pas un dossier</translation>
+    </message>
+    <message>
+        <source>the folder &apos;%1&apos; of the target does not exist%2</source>
+        <translation>le dossier «&#xa0;%1&#xa0;» de la destination n&apos;existe pas%2</translation>
+    </message>
+    <message>
+        <source> (createDir=&apos;1&apos; creates it)</source>
+        <translation> (createDir=&apos;1&apos; le crée)</translation>
+    </message>
+    <message>
+        <source>a whole number from %1 to %2</source>
+        <translation>un nombre entier de %1 à %2</translation>
+    </message>
+    <message>
+        <source>a whole number from %1</source>
+        <translation>un nombre entier à partir de %1</translation>
+    </message>
+    <message>
+        <source>a whole number</source>
+        <translation>un nombre entier</translation>
+    </message>
+    <message>
+        <source>a decimal number</source>
+        <translation>un nombre décimal</translation>
+    </message>
+    <message>
+        <source>any text</source>
+        <translation>un texte</translation>
+    </message>
+    <message>
+        <source>texts</source>
+        <translation>textes</translation>
+    </message>
+    <message>
+        <source>XML elements &apos;%1&apos;</source>
+        <translation>des éléments XML «&#xa0;%1&#xa0;»</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::ChoiceEditor</name>
+    <message>
+        <source>automatic</source>
+        <translation>automatique</translation>
+    </message>
+    <message>
+        <source>other value (%1)</source>
+        <translation>autre valeur (%1)</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::ColumnField</name>
+    <message>
+        <source>Name of a column</source>
+        <translation>Nom d&apos;une colonne</translation>
+    </message>
+    <message>
+        <source>Choose a column</source>
+        <translation>Choisir une colonne</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::FileField</name>
+    <message>
+        <source>All files (*)</source>
+        <translation>Tous les fichiers (*)</translation>
+    </message>
+    <message>
+        <source>Files (%1);;%2</source>
+        <translation>Fichiers (%1);;%2</translation>
+    </message>
+    <message>
+        <source>Choose a file for %1</source>
+        <translation>Choisir un fichier pour %1</translation>
+    </message>
+    <message>
+        <source>Choose a file…</source>
+        <translation>Choisir un fichier…</translation>
+    </message>
+    <message>
+        <source>Choose a member of the archive…</source>
+        <translation>Choisir un membre de l&apos;archive…</translation>
+    </message>
+    <message>
+        <source>Insert a variable</source>
+        <translation>Insérer une variable</translation>
+    </message>
+    <message>
+        <source>Files with such a name: %1</source>
+        <translation>Fichiers ayant un tel nom&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>The file exists</source>
+        <translation>Le fichier existe</translation>
+    </message>
+    <message>
+        <source>The file cannot be read</source>
+        <translation>Le fichier ne peut pas être lu</translation>
+    </message>
+    <message>
+        <source>The file does not exist yet</source>
+        <translation>Le fichier n&apos;existe pas encore</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::FloatFormatEditor</name>
+    <message>
+        <source>1234.56789 is written as %1</source>
+        <translation>1234.56789 s&apos;écrit %1</translation>
+    </message>
+    <message>
+        <source>expected a printf format with one conversion, for example %.2f</source>
+        <translation>format printf attendu avec une conversion, par exemple %.2f</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::FoldingGroup</name>
+    <message>
+        <source>Shows the fields of this group</source>
+        <translation>Affiche les champs de ce groupe</translation>
+    </message>
+    <message>
+        <source>Hides the fields of this group</source>
+        <translation>Masque les champs de ce groupe</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::ListEditor</name>
+    <message>
+        <source>%1 columns are not in the input, for example &apos;%2&apos;</source>
+        <translation>%1 colonnes ne sont pas dans l&apos;entrée, par exemple «&#xa0;%2&#xa0;»</translation>
+    </message>
+    <message>
+        <source>the input has no column &apos;%1&apos;</source>
+        <translation>l&apos;entrée n&apos;a pas de colonne «&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Add the selected columns</source>
+        <translation>Ajouter les colonnes sélectionnées</translation>
+    </message>
+    <message>
+        <source>Remove the selected columns</source>
+        <translation>Retirer les colonnes sélectionnées</translation>
+    </message>
+    <message>
+        <source>Remove the selected lines</source>
+        <translation>Retirer les lignes sélectionnées</translation>
+    </message>
+    <message>
+        <source>In the input</source>
+        <translation>Dans l&apos;entrée</translation>
+    </message>
+    <message>
+        <source>Chosen</source>
+        <translation>Choisies</translation>
+    </message>
+    <message>
+        <source>Move the line up</source>
+        <translation>Monter la ligne</translation>
+    </message>
+    <message>
+        <source>Move the line down</source>
+        <translation>Descendre la ligne</translation>
+    </message>
+    <message>
+        <source>Search or add: %1</source>
+        <translation>Rechercher ou ajouter&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Columns that can be added</source>
+        <translation>Colonnes qui peuvent être ajoutées</translation>
+    </message>
+    <message>
+        <source>Type a name and press Enter to add it</source>
+        <translation>Taper un nom puis Entrée pour l&apos;ajouter</translation>
+    </message>
+    <message>
+        <source>Search, or type a name and press Enter</source>
+        <translation>Rechercher, ou taper un nom puis Entrée</translation>
+    </message>
+    <message>
+        <source>The input has no such column</source>
+        <translation>L&apos;entrée n&apos;a pas cette colonne</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::PropertyPanel</name>
+    <message>
+        <source>off</source>
+        <translation>désactivé</translation>
+    </message>
+    <message>
+        <source>on</source>
+        <translation>activé</translation>
+    </message>
+    <message>
+        <source>“%1”</source>
+        <translation>«&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Aide</translation>
+    </message>
+    <message>
+        <source>Help (F1)</source>
+        <translation>Aide (F1)</translation>
+    </message>
+    <message>
+        <source>Opens the help page of the action</source>
+        <translation>Ouvre la page d&apos;aide de l&apos;action</translation>
+    </message>
+    <message>
+        <source>expected %1</source>
+        <translation>valeur attendue&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>A value is required</source>
+        <translation>Une valeur est nécessaire</translation>
+    </message>
+    <message>
+        <source>Problems: %1</source>
+        <translation>Problèmes&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Values set: %1</source>
+        <translation>Valeurs définies&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>empty</source>
+        <translation>vide</translation>
+    </message>
+    <message>
+        <source> or </source>
+        <translation> ou </translation>
+    </message>
+    <message>
+        <source>“%1” is not %2</source>
+        <translation>«&#xa0;%1&#xa0;» ne vaut pas %2</translation>
+    </message>
+    <message>
+        <source>“%1” is %2</source>
+        <translation>«&#xa0;%1&#xa0;» vaut %2</translation>
+    </message>
+    <message>
+        <source>Used only when %1</source>
+        <translation>Utilisé seulement si %1</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::StructureEditor</name>
+    <message>
+        <source>(empty)</source>
+        <translation>(vide)</translation>
+    </message>
+    <message>
+        <source>Add an element</source>
+        <translation>Ajouter un élément</translation>
+    </message>
+    <message>
+        <source>Add an element inside the current one</source>
+        <translation>Ajouter un élément dans l&apos;élément courant</translation>
+    </message>
+    <message>
+        <source>Remove the element</source>
+        <translation>Retirer l&apos;élément</translation>
+    </message>
+    <message>
+        <source>Move the element up</source>
+        <translation>Monter l&apos;élément</translation>
+    </message>
+    <message>
+        <source>Move the element down</source>
+        <translation>Descendre l&apos;élément</translation>
+    </message>
+</context>
+</TS>

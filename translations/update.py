@@ -1,0 +1,36 @@
+#!/usr/bin/env python3
+"""Updates the catalogues with the texts of the sources and the parameter tables: update.py PANEL_STRINGS [LUPDATE]
+
+New texts get an unfinished entry, and entries without a text are removed. tests/panels/catalogue_test.py uses it too.
+"""
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).resolve().parents[1]
+FOLDERS = ["panels", "actions", "host"]
+
+
+def lupdate_program():
+    found = shutil.which("lupdate", path="/usr/lib/qt6/bin:/usr/bin:/usr/local/bin")
+    if found is None:
+        sys.exit("lupdate is not installed (qt6-l10n-tools)")
+    return found
+
+
+def update(panel_strings, catalogue):
+    """Let `catalogue` have exactly the texts of the project."""
+    with tempfile.TemporaryDirectory() as folder:
+        tables = pathlib.Path(folder) / "tables.cpp"
+        tables.write_bytes(subprocess.run([panel_strings], check=True, capture_output=True).stdout)
+        sources = [str(ROOT / name) for name in FOLDERS]
+        subprocess.run([lupdate_program(), "-silent", "-locations", "none", "-no-obsolete", "-no-ui-lines", "-I", str(ROOT),
+                        "-I", str(ROOT / "host/include"), "-extensions", "cpp,h", *sources, str(tables), "-ts", str(catalogue)],
+                       check=True)
+
+
+if __name__ == "__main__":
+    for path in sorted((ROOT / "translations").glob("*.ts")):
+        update(sys.argv[1], path)
