@@ -2,6 +2,7 @@
 #include "corvanta/engine_runner.h"
 
 #include "corvanta/action_registry.h"
+#include "corvanta/corvanta_graph.h"
 #include "corvanta/main_ui.h"
 #include "corvanta/row_listener.h"
 #include "corvanta/run.h"
@@ -48,6 +49,28 @@ CorvantaGraph upTo(const CorvantaGraph &graph, const QString &id)
     return part;
 }
 
+/// Whether the part can be run for a preview. Logs what is wrong with it.
+bool canRun(const CorvantaGraph &part, const ActionRegistry &registry,
+            const EngineRunner::Options &options)
+{
+    const LogScope scope({options.log, {}});
+    CorvantaGraph::Problems problems = part.validate(registry, {});
+    for (const CorvantaGraph::Problem &problem : std::as_const(problems)) {
+        MainUI::addLog(MainUI::Error, problem.text);
+    }
+    if (!problems.isEmpty()) {
+        return false;
+    }
+    const QStringList files =
+        options.mayWrite ? QStringList() : part.outputs(registry, {}, QString());
+    if (!files.isEmpty()) {
+        MainUI::addLog(MainUI::Error,
+                       u"Error: a preview does not run actions that write files ('%1')\n"_s.arg(
+                           files.first()));
+    }
+    return files.isEmpty();
+}
+
 } // namespace
 
 bool EngineRunner::run(int pin, ActionItem *action, PinType type, bool wholeTable)
@@ -61,11 +84,11 @@ bool EngineRunner::run(int pin, ActionItem *action, PinType type, bool wholeTabl
     // are never unloaded.
     ActionRegistry registry;
     registry.loadAll();
-    return run(*graph, registry, graph->actions[index].id, pin, type, wholeTable);
+    return run(*graph, registry, graph->actions[index].id, pin, type, {.wholeTable = wholeTable});
 }
 
 bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registry,
-                       const QString &id, int pin, PinType type, bool wholeTable)
+                       const QString &id, int pin, PinType type, const Options &options)
 {
     m_columns = {};
     m_rows.clear();
@@ -77,7 +100,7 @@ bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registr
     }
     const CorvantaGraph part = upTo(graph, source->action);
     // Other parts of an edited graph may be incomplete; a preview needs only this one.
-    if (!part.validate(registry, {}).isEmpty()) {
+    if (!canRun(part, registry, options)) {
         return false;
     }
     // Called on the listener's thread. run.wait() below orders its writes before the caller's
@@ -87,12 +110,15 @@ bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registr
         if (row != nullptr) {
             m_rows.append(textsOf(*row));
         }
-        return wholeTable || m_rows.size() < kPreviewRows;
+        return options.wholeTable || m_rows.size() < kPreviewRows;
     };
-    RunOptions options;
-    options.listeners.push_back({u"preview"_s, *source, std::make_unique<RowListener>(keepRow)});
-    Run run(part, registry, std::move(options));
+    RunOptions runOptions;
+    runOptions.log = options.log;
+    runOptions.listeners.push_back({u"preview"_s, *source, std::make_unique<RowListener>(keepRow)});
+    Run run(part, registry, std::move(runOptions));
+    const std::stop_callback stop(options.stop, [&run] { run.stop(); });
     run.start();
     run.wait();
-    return !run.failed(); // the listener has stopped it when it had enough rows
+    // The listener has stopped it when it had enough rows.
+    return !run.failed() && !options.stop.stop_requested();
 }

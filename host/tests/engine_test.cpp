@@ -329,14 +329,12 @@ TEST_F(EngineTest, APreviewTakesAFewRowsAndEndsTheRest)
 {
     const auto run = make(kChain);
     EngineRunner runner;
-    ASSERT_TRUE(
-        runner.run(m_graph, m_registry, QStringLiteral("c"), 0, EngineRunner::PinIn, false));
+    ASSERT_TRUE(runner.run(m_graph, m_registry, QStringLiteral("c"), 0, EngineRunner::PinIn, {}));
     EXPECT_EQ(runner.columns().names,
               (QVector<QString>{QStringLiteral("n"), QStringLiteral("text")}));
     ASSERT_EQ(runner.rows().size(), EngineRunner::kPreviewRows);
     EXPECT_EQ(runner.rows().last(), (QStringList{QStringLiteral("199"), QStringLiteral("x")}));
-    EXPECT_FALSE(
-        runner.run(m_graph, m_registry, QStringLiteral("a"), 0, EngineRunner::PinIn, false));
+    EXPECT_FALSE(runner.run(m_graph, m_registry, QStringLiteral("a"), 0, EngineRunner::PinIn, {}));
 }
 
 // A listener on a pin that does not exist would read past the pins of the action.
@@ -346,7 +344,7 @@ TEST_F(EngineTest, APreviewOfAPinThatDoesNotExistFails)
     EngineRunner runner;
     const auto preview = [&](const char *id, int pin) {
         return runner.run(m_graph, m_registry, QString::fromLatin1(id), pin, EngineRunner::PinOut,
-                          false);
+                          {});
     };
     EXPECT_TRUE(preview("a", 0));
     EXPECT_FALSE(preview("a", 1));
@@ -380,6 +378,44 @@ TEST_F(EngineTest, APreviewForAnActionNeedsItsNumber)
     ASSERT_TRUE(runner.run(0, &action, EngineRunner::PinOut, false));
     EXPECT_EQ(runner.columns().names, QVector<QString>{QStringLiteral("first")});
     MainUI::setEditorHooks({});
+}
+
+TEST_F(EngineTest, APreviewWritesNoFileIfItMustNot)
+{
+    qputenv("CORVANTA_PLUGIN_PATH", "/nonexistent"); // the actions of the host are enough
+    ActionRegistry registry;
+    registry.loadAll();
+    const auto graph =
+        CorvantaGraph::parse("<graph><action id='in'><readCSV fileName='none.csv'/></action>"
+                             "<action id='out'><writeCSV fileName='no.csv'/></action>"
+                             "<link from='in:0' to='out:0'/></graph>",
+                             QStringLiteral("/test.graph"));
+    ASSERT_TRUE(graph);
+    EngineRunner runner;
+    EXPECT_FALSE(runner.run(*graph, registry, QStringLiteral("out"), 0, EngineRunner::PinOut,
+                            {.mayWrite = false, .log = &m_log}));
+    EXPECT_EQ(m_log.messages,
+              QStringList{QStringLiteral(
+                  ": Error: a preview does not run actions that write files ('/no.csv')")});
+}
+
+// Soon after the start, and in the middle of the rows.
+TEST_F(EngineTest, APreviewCanBeStopped)
+{
+    const auto run = make(QByteArray(kChain).replace("30000", "2000000000"));
+    const auto runUntil = [&](std::chrono::milliseconds time) {
+        std::stop_source stop;
+        const std::jthread stopper([&] {
+            std::this_thread::sleep_for(time);
+            stop.request_stop();
+        });
+        EngineRunner runner;
+        return runner.run(m_graph, m_registry, QStringLiteral("b"), 0, EngineRunner::PinOut,
+                          {.wholeTable = true, .stop = stop.get_token()});
+    };
+    EXPECT_FALSE(runUntil(0ms));
+    EXPECT_FALSE(runUntil(20ms));
+    EXPECT_EQ(g_seen.opened, g_seen.closed);
 }
 
 TEST_F(EngineTest, AListenerOfTheFirstRowsEndsItsSourceWithoutAnError)

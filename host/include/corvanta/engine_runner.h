@@ -7,14 +7,18 @@
 #include <QStringList>
 #include <QVector>
 
+#include <stop_token>
+
 class ActionItem;
 class CorvantaGraph;
+class LogSink;
 
 namespace corvanta {
 class ActionRegistry;
 }
 
-/// Collects the rows of a pin. Threads: the GUI thread; run() blocks until the rows are there.
+/// Collects the rows of a pin. Threads: one at a time per object. run() blocks until the rows are
+/// there.
 class CORVANTA_EXPORT EngineRunner
 {
 public:
@@ -22,18 +26,27 @@ public:
     enum PinType { PinIn, PinOut };
 
     EngineRunner() = default;
+    /// How a graph is run; the initialisers are the usual values.
+    struct Options
+    {
+        bool wholeTable = false; ///< keep all rows
+        bool mayWrite = true;    ///< false: an action that writes files is an error
+        std::stop_token stop;    ///< ends the run soon
+        LogSink *log = nullptr;  ///< null: the program's sink
+    };
     /// Maximum number of rows kept unless the whole table is requested.
     static constexpr int kPreviewRows = 200;
 
     /// Run the edited graph (MainUI::editedGraph) up to a pin of `action` and keep the first
     /// kPreviewRows rows of the pin, or all. The editor has set the number of the action
-    /// (ActionItem::setIdx). Returns false if there is no such action or pin, or the run failed.
+    /// (ActionItem::setIdx). Returns false if there is no such action or pin, or the run failed. On
+    /// the GUI thread.
     bool run(int pin, ActionItem *action, PinType type, bool wholeTable);
-    /// The same for any graph. Only the actions that the pin depends on are checked and run; their
-    /// messages go to the program's log. Returns false for a pin that does not exist or, of an
-    /// input pin, that has no link.
+    /// The same for any graph, on any thread. Only the actions that the pin depends on are checked
+    /// and run; what is wrong with them is logged. Returns false for a pin that does not exist or,
+    /// of an input pin, that has no link, and after a stop. The rows before a failure are kept.
     bool run(const CorvantaGraph &graph, const corvanta::ActionRegistry &registry,
-             const QString &id, int pin, PinType type, bool wholeTable);
+             const QString &id, int pin, PinType type, const Options &options);
 
     // Valid until the next run() of this object.
 
