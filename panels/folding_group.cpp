@@ -89,6 +89,11 @@ bool FoldingGroup::hasLabelAbove(const QLabel &label, const FieldEditor &editor)
     return editor.isWide() || label.text().size() > kMaxLabelCharacters;
 }
 
+void FoldingGroup::addWidget(QWidget *widget)
+{
+    m_grid->addWidget(widget, m_grid->rowCount(), 0, 1, 2);
+}
+
 void FoldingGroup::setLabelWidth(int width)
 {
     m_grid->setColumnMinimumWidth(0, width);

@@ -29,6 +29,8 @@ public:
     void addField(QLabel *label, FieldEditor *editor, NoteLabel *note);
     /// Whether addField() puts the label above the editor: the editor is wide, or the label long.
     static bool hasLabelAbove(const QLabel &label, const FieldEditor &editor);
+    /// Add a widget below the fields, as wide as the group, which owns it afterwards.
+    void addWidget(QWidget *widget);
     /// Set the width of the labels, in pixels.
     void setLabelWidth(int width);
     /// Hide or show the fields. The user does the same with the heading.

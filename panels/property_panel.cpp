@@ -226,7 +226,7 @@ void PropertyPanel::showIcon()
 
 void PropertyPanel::addGroup(const PanelGroup &group, Mnemonics &mnemonics)
 {
-    if (group.fields.empty()) {
+    if (group.fields.empty() && group.extra == nullptr) {
         return;
     }
     const QString title = QCoreApplication::translate("Panels", group.title);
@@ -238,6 +238,10 @@ void PropertyPanel::addGroup(const PanelGroup &group, Mnemonics &mnemonics)
     });
     for (const PanelField &field : group.fields) {
         addField(field, mnemonics);
+    }
+    if (group.extra != nullptr) {
+        m_extras.push_back(group.extra(this));
+        m_groups.back()->addWidget(m_extras.back());
     }
     m_groups.back()->setFolded(group.fold == PanelGroup::Fold::Folded);
 }
@@ -449,6 +453,9 @@ void PropertyPanel::updateRows()
     // The numbers in the headings depend on all rows.
     for (size_t i = 0; i < m_groups.size(); ++i) {
         updateStatus(i);
+    }
+    for (PanelExtra *const extra : m_extras) {
+        extra->parametersChanged();
     }
 }
 

@@ -99,6 +99,7 @@ private:
     NoteLabel *m_problem; // of the whole action
     std::vector<FoldingGroup *> m_groups;
     std::vector<Row> m_rows; // in the order of the panel
+    std::vector<PanelExtra *> m_extras;
     QTimer m_validation;
     BackgroundCheck m_check;
     QVector<ParameterProblem> m_problems; // that the last check has found

@@ -1,5 +1,7 @@
 #include "actions/read_excel_sheets/read_excel_sheets_panel.h"
 
+#include "panels/preview/preview.h"
+
 namespace {
 
 using namespace corvanta;
@@ -8,6 +10,7 @@ PanelLayout panelLayout()
 {
     return {
         {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "fileNameFromPin"}},
+        previewGroup(),
     };
 }
 

@@ -1,6 +1,8 @@
 #include "actions/read_json/read_json_panel.h"
 
 #include "panels/column_picker.h"
+#include "panels/fill/auto_fill.h"
+#include "panels/preview/preview.h"
 
 namespace {
 
@@ -13,13 +15,16 @@ PanelLayout panelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Source"),
          {"fromInputPin", "fileName", {"colJSON", editor<ColumnField>}, "oneJSONPerRow"}},
         {QT_TRANSLATE_NOOP("Panels", "Levels and columns"),
-         {"Level", "autoFillNRows", "readTagsFromInPin"}},
+         {"Level", "autoFillNRows", "readTagsFromInPin"},
+         Fold::Open,
+         extra<AutoFill>},
         {QT_TRANSLATE_NOOP("Panels", "Added columns"),
          {"outputFilenames", "outputSubTags", "appendToRow"},
          Fold::Folded},
         {QT_TRANSLATE_NOOP("Panels", "Errors"),
          {"permissiveNumbers", "ignoreErrors", "warnUnread", "abortIfMissing", "timeOut"},
          Fold::Folded},
+        previewGroup(),
         {kAdvancedGroup, {"bufferSize", "newMode"}, Fold::Folded},
     };
 }

@@ -1,5 +1,8 @@
 #include "actions/read_parquet/read_parquet_panel.h"
 
+#include "panels/fill/file_columns.h"
+#include "panels/preview/preview.h"
+
 namespace {
 
 using namespace corvanta;
@@ -10,8 +13,9 @@ PanelLayout panelLayout()
     return {
         {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "fileNameFromPin"}},
         {QT_TRANSLATE_NOOP("Panels", "Columns"),
-         {"columnSelection", "ColumnsToRead", "outputFilenames"}},
+         {"columnSelection", {"ColumnsToRead", editor<FileColumnPicker>}, "outputFilenames"}},
         {QT_TRANSLATE_NOOP("Panels", "Values"), {"logicalTypes", "int64ToKey"}},
+        previewGroup(),
         {kAdvancedGroup,
          {"extendedEncodings", "skipUnreadable", "allowEmpty", "pageChecksums", "abortIfMissing"},
          Fold::Folded},

@@ -1,5 +1,8 @@
 #include "actions/read_stat/read_stat_panel.h"
 
+#include "panels/fill/file_columns.h"
+#include "panels/preview/preview.h"
+
 namespace {
 
 using namespace corvanta;
@@ -10,9 +13,10 @@ PanelLayout panelLayout()
     return {
         {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "fileNameFromPin", "fileFormat"}},
         {QT_TRANSLATE_NOOP("Panels", "Columns"),
-         {"ColumnsToRead", "columnNamefromLabel", "outputFilenames"}},
+         {{"ColumnsToRead", editor<FileColumnPicker>}, "columnNamefromLabel", "outputFilenames"}},
         {QT_TRANSLATE_NOOP("Panels", "Values"),
          {"formatDates", "extractLabels", "catalogFile", "encoding"}},
+        previewGroup(),
         {kAdvancedGroup, {"maxRows", "bufferSize"}, Fold::Folded},
     };
 }

@@ -1,5 +1,7 @@
 #include "actions/read_xbf/read_xbf_panel.h"
 
+#include "panels/preview/preview.h"
+
 namespace {
 
 using namespace corvanta;
@@ -10,6 +12,7 @@ PanelLayout panelLayout()
     return {
         {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "encoding"}},
         {QT_TRANSLATE_NOOP("Panels", "Memo fields"), {"useDBT", "dbtInRam"}},
+        previewGroup(),
         {kAdvancedGroup, {"level7", "readAllTypes", "bufferSize"}, Fold::Folded},
     };
 }

@@ -1,6 +1,8 @@
 #include "actions/read_xml/read_xml_panel.h"
 
 #include "panels/column_picker.h"
+#include "panels/fill/auto_fill.h"
+#include "panels/preview/preview.h"
 
 namespace {
 
@@ -12,7 +14,10 @@ PanelLayout panelLayout()
     return {
         {QT_TRANSLATE_NOOP("Panels", "Source"),
          {"fromInputPin", "fileName", {"colXML", editor<ColumnField>}, "readHTML", "encoding"}},
-        {QT_TRANSLATE_NOOP("Panels", "Levels and columns"), {"Level", "autoFillNRows", "skipRows"}},
+        {QT_TRANSLATE_NOOP("Panels", "Levels and columns"),
+         {"Level", "autoFillNRows", "skipRows"},
+         Fold::Open,
+         extra<AutoFill>},
         {QT_TRANSLATE_NOOP("Panels", "Values"),
          {"addOnlyText", "readClearTags", "outputTagNames", "tagNameSummary", "getTagPresenceFlag",
           "discardNameSpaces", "zeroBased"},
@@ -25,6 +30,7 @@ PanelLayout panelLayout()
           "ignoreInvalidCharInTagName", "iconvDiscardUnconvertible", "warnUnread", "abortIfMissing",
           "timeOut"},
          Fold::Folded},
+        previewGroup(),
         {kAdvancedGroup, {"bufferSize"}, Fold::Folded},
     };
 }

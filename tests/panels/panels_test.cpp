@@ -351,6 +351,7 @@ TEST_P(Panels, NothingIsCutOrOverlaps)
             QApplication::setFont(font);
             const Panel panel = shown(action);
             QApplication::processEvents();
+            QApplication::sendPostedEvents(); // a preview may have changed the layout
             SCOPED_TRACE(scale);
             SCOPED_TRACE(isFrench ? "French" : "English");
             expectReadable(*panel);

@@ -1,0 +1,70 @@
+#include "panels/fill/file_columns.h"
+
+#include "panels/background/task_row.h"
+#include "panels/fill/file_fill.h"
+#include "panels/preview/preview_run.h"
+
+#include <QGridLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+void reset(ActionParameters &parameters, const QString &name)
+{
+    const int index = parameters.indexOfParameter(name);
+    if (index >= 0) {
+        parameters.setParameterValue(index, parameters.parameters()[index].defaultValue);
+    }
+}
+
+/// The action without a choice of columns, and without columns that are not in the file.
+ActionCopy withAllColumns(const FieldContext &context)
+{
+    ActionCopy copy = copyOf(*context.action);
+    reset(*copy.parameters, context.info.name);
+    reset(*copy.parameters, u"outputFilenames"_s); // of all readers
+    for (const ParameterInfo::Condition &condition : context.info.conditions) {
+        reset(*copy.parameters, condition.parameter);
+    }
+    return copy;
+}
+
+} // namespace
+
+FileColumnPicker::FileColumnPicker(const FieldContext &context)
+    : ListEditor(context)
+    , m_row(new TaskRow(tr("List the columns of the file"),
+                        tr("Reads the names of the columns from the file, to choose among them"),
+                        [this] { read(); }))
+{
+    auto *const grid = static_cast<QGridLayout *>(layout());
+    grid->addWidget(m_row, grid->rowCount(), 0, 1, grid->columnCount());
+}
+
+void FileColumnPicker::read()
+{
+    if (const QString reason = noFileReason(*context().parameters); !reason.isEmpty()) {
+        m_row->setNote({NoteLabel::Kind::Remark, reason});
+        return;
+    }
+    const auto action = std::make_shared<const ActionCopy>(withAllColumns(context()));
+    const auto request = std::make_shared<const PreviewRequest>(requestOf(*action->item));
+    m_row->run([this, request](const std::stop_token &stop) -> Worker::Show {
+        const PreviewRows preview = previewRows(*request, stop);
+        return [this, preview] {
+            const QStringList names = preview.columns.names;
+            if (names.isEmpty()) {
+                m_row->setNote(preview.problem);
+                return;
+            }
+            setOffered(names);
+            m_row->setNote({NoteLabel::Kind::Remark, tr("The file has %n column(s).", nullptr,
+                                                        static_cast<int>(names.size()))});
+        };
+    });
+}
+
+} // namespace corvanta

@@ -1,0 +1,49 @@
+// What auto-fill reads from the file of an action: its tables, and the parameters that depend on
+// it.
+//
+// The reading works on a copy of the action, so that it can be done on any thread.
+#pragma once
+#include "corvanta/action_item.h"
+#include "corvanta/action_parameters.h"
+#include "panels/background/log_lines.h"
+
+#include <memory>
+
+namespace corvanta {
+
+/// An action that nothing else uses, with its own variables. Threads: one at a time.
+struct ActionCopy
+{
+    /// Null if `original` is of no graph.
+    std::unique_ptr<GlobalParameters> global;
+    std::unique_ptr<ActionItem> item;
+    ActionParameters *parameters = nullptr; ///< the same object as `item`
+};
+
+/// With the parameters and the number in the graph of `original`, which declares its parameters.
+/// On the GUI thread.
+ActionCopy copyOf(ActionItem &original);
+
+/// Why the file of an action cannot be looked at before a run, for example because it comes from an
+/// input pin; an empty text: it can.
+QString noFileReason(const ActionParameters &parameters);
+
+struct FileFill
+{
+    /// One parameter that the file determines.
+    struct Value
+    {
+        int index = 0; ///< in ActionParameters
+        QString value;
+    };
+
+    QVector<Value> values;      ///< those that differ from the parameters of the action
+    QVector<InputTable> tables; ///< only if no table was given; empty if there is no choice
+    Note problem;               ///< an error: nothing was read
+};
+
+/// Read the beginning of the file. `table` is an index in the tables of the file; negative: the
+/// most likely one. Blocks; limited as ActionParameters::fillFromInput() is.
+FileFill fillFromFile(const ActionCopy &action, int table);
+
+} // namespace corvanta

@@ -1,0 +1,34 @@
+// The rows of a preview, for a table view.
+//
+// Threads: the GUI thread.
+#pragma once
+#include "corvanta/meta_info.h"
+
+#include <QAbstractTableModel>
+#include <QCoreApplication>
+#include <QStringList>
+
+namespace corvanta {
+
+class RowsModel final : public QAbstractTableModel
+{
+    Q_DECLARE_TR_FUNCTIONS(corvanta::RowsModel)
+
+public:
+    using QAbstractTableModel::QAbstractTableModel;
+
+    /// Show other rows. A null string is a missing cell.
+    void setRows(const TableSchema &columns, const QVector<QStringList> &rows);
+
+    // Operations of QAbstractTableModel. The heading of a column is its name and its type.
+    int rowCount(const QModelIndex &parent) const override;
+    int columnCount(const QModelIndex &parent) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+private:
+    TableSchema m_columns;
+    QVector<QStringList> m_rows;
+};
+
+} // namespace corvanta
