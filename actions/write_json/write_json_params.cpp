@@ -2,6 +2,8 @@
 
 #include "codecs/compose/json_levels.h"
 
+using namespace Qt::StringLiterals;
+
 // The lines are in the order of saved graphs.
 namespace corvanta {
 
@@ -12,16 +14,25 @@ using P = WriteJsonParams;
 const WriteLevelTables &levelTables()
 {
     using compose::JsonItem;
-    static const WriteLevelTables tables{std::initializer_list<Choice<JsonItem>>{
-        {JsonItem::Text, "text"},
-        {JsonItem::Dictionary, "all columns as members"},
-        {JsonItem::SomeDictionary, "listed columns as members"},
-        {JsonItem::Array, "values of all columns"},
-        {JsonItem::SomeArray, "values of listed columns"},
-        {JsonItem::SubLevel, "elements of a level"},
-        {JsonItem::Comma, "comma after written members"},
-        {JsonItem::AsIs, "one column as prepared JSON"},
-    }};
+    static const WriteLevelTables tables{
+        std::initializer_list<Choice<JsonItem>>{
+            {JsonItem::Text, "A simple text", "Writes the text as it is."},
+            {JsonItem::Dictionary, "A dictionary containing all columns",
+             "Writes \"name\":value for every column of the input, without braces."},
+            {JsonItem::SomeDictionary, "A dictionary containing some user-selected columns",
+             "Writes \"name\":value for the chosen columns, without braces."},
+            {JsonItem::Array, "An array containing all columns",
+             "Writes the values of all columns with commas between them, without brackets."},
+            {JsonItem::SomeArray, "An array containing some user-selected columns",
+             "Writes the values of the chosen columns with commas between them, without brackets."},
+            {JsonItem::SubLevel, "An array containing some sub-level",
+             "Writes the elements of another level, without brackets."},
+            {JsonItem::Comma, "Adds a comma if the previous dictionary is non empty",
+             "Writes a comma when the item before it, a dictionary, has written something."},
+            {JsonItem::AsIs, "One pre-formated column \"as-is\"",
+             "Writes the text of the first chosen column without quotes and escapes."},
+        },
+        {{u"0"_s}, {u"5"_s}, {u"2"_s}, {u"2"_s, u"4"_s, u"7"_s}}};
     return tables;
 }
 

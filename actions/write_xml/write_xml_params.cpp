@@ -2,6 +2,8 @@
 
 #include "codecs/compose/xml_levels.h"
 
+using namespace Qt::StringLiterals;
+
 // The lines are in the order of saved graphs.
 namespace corvanta {
 
@@ -12,17 +14,27 @@ using P = WriteXmlParams;
 const WriteLevelTables &levelTables()
 {
     using compose::XmlItem;
-    static const WriteLevelTables tables{std::initializer_list<Choice<XmlItem>>{
-        {XmlItem::Text, "text"},
-        {XmlItem::Attributes, "all columns as attributes"},
-        {XmlItem::SomeAttributes, "listed columns as attributes"},
-        {XmlItem::Subtags, "all columns as elements"},
-        {XmlItem::SomeSubtags, "listed columns as elements"},
-        {XmlItem::InQuotes, "one column in quotes"},
-        {XmlItem::InTag, "one column as text"},
-        {XmlItem::AsIs, "one column as prepared XML"},
-        {XmlItem::SubLevel, "elements of a level"},
-    }};
+    static const WriteLevelTables tables{
+        std::initializer_list<Choice<XmlItem>>{
+            {XmlItem::Text, "A simple text", "Writes the text as it is."},
+            {XmlItem::Attributes, "All columns stored inside different XML Tag Attributes",
+             "Writes name=\"value\" for every column of the input."},
+            {XmlItem::SomeAttributes,
+             "Some user-selected columns stored inside different XML Tag Attributes",
+             "Writes name=\"value\" for the chosen columns."},
+            {XmlItem::Subtags, "All columns stored inside XML subtags",
+             "Writes an element with the value for every column of the input."},
+            {XmlItem::SomeSubtags, "Some user-selected columns stored inside XML subtags",
+             "Writes an element with the value for the chosen columns."},
+            {XmlItem::InQuotes, "One column to be placed inside quotes",
+             "Writes the value of the first chosen column between double quotes."},
+            {XmlItem::InTag, "One column to be placed inside a tag",
+             "Writes the value of the first chosen column as the text of an element."},
+            {XmlItem::AsIs, "One pre-formated column \"as-is\"",
+             "Writes the text of the first chosen column without escapes."},
+            {XmlItem::SubLevel, "An XML-writer sub-level", "Writes the elements of another level."},
+        },
+        {{u"0"_s}, {u"8"_s}, {u"2"_s}, {u"2"_s, u"4"_s, u"5"_s, u"6"_s, u"7"_s}}};
     return tables;
 }
 

@@ -69,7 +69,7 @@ class Mistakes(Case):
             ("<writeParquet file='o.parquet' pageSize='many'/>", ["'many' of 'pageSize'", "from 1 to 1048576", "uses 1"]),
             ("<writeParquet file='o.parquet' segmentSize='1 MB'/>", ["'1 MB' of 'segmentSize'", "uses 1"]),
             ("<writeJSON fileName='o.json'><Levels><Level><Item type='text' text='x'/></Level></Levels></writeJSON>",
-             ["'text' of 'type'", "0 (text), 1 (all columns as members)", "uses 0"]),
+             ["'text' of 'type'", "0 (A simple text), 1 (A dictionary containing all columns)", "uses 0"]),
             ("<writeJSON fileName='o.json'><Levels><Level><Item type='8'/><Item text='x'/></Level></Levels></writeJSON>",
              ["'8' of 'type'", "writes nothing"]),
             ("<writeJSON fileName='o.json'><Levels><Level nam='x'><Item text='x'/></Level></Levels></writeJSON>", ["'nam' of 'Level'"]),
@@ -451,7 +451,7 @@ class CommandLine(Case):
         for text in ("Saved as the element <ToWrite><s>TEXT</s>...</ToWrite>.", "Saved as <s>TEXT</s> for each text, directly in the element."):
             self.assertIn(text, self.corvanta("describe", "writeJSON").stdout)
         self.assertRegex(self.corvanta("describe", "writeJSON").stdout,
-                         r"(?s)  Levels \(structure.*\n +Item \(structure.*\n +type \(integer, default 0\)\n.*\n +5 = elements of a level")
+                         r"(?s)  Levels \(structure.*\n +Item \(structure.*\n +type \(integer, default 0\)\n.*\n +5 = An array containing some sub-level")
 
 
 class WritersWithoutRows(Case):

@@ -2,25 +2,30 @@
 
 namespace corvanta {
 
-WriteLevelTables::WriteLevelTables(const QStringList &itemTypes)
+WriteLevelTables::WriteLevelTables(const QStringList &itemTypes, const QStringList &explanations,
+                                   const Uses &uses)
     : m_items{
           number("type", &WriteItem::type)
               .always()
-              .choices(itemTypes)
+              .choices(itemTypes, explanations)
               .otherwise("writes nothing")
               .label("Type")
               .meaning("What is written, by its number. An item with another number writes "
                        "nothing."),
           text("text", &WriteItem::text)
+              .onlyWhen("type", uses.text)
               .label("Text")
               .meaning("Text that is written, by an item that writes a fixed text."),
           text("calledLevel", &WriteItem::calledLevel)
+              .onlyWhen("type", uses.calledLevel)
               .label("Level")
               .meaning("Name of the level that is written, by an item that writes a sub-level."),
           text("p1", &WriteItem::p1)
+              .onlyWhen("type", uses.prefix)
               .label("Prefix of keys")
               .meaning("Text that is removed from the start of the keys."),
           content("columns", &WriteItem::columns)
+              .onlyWhen("type", uses.columns)
               .label("Columns")
               .meaning("Columns that are written, by an item that writes some columns."),
       }

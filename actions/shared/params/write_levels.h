@@ -18,11 +18,19 @@ using compose::WriteLevel;
 class WriteLevelTables
 {
 public:
+    /// The types of items that use a member, as they are saved.
+    struct Uses
+    {
+        QStringList text;
+        QStringList calledLevel;
+        QStringList prefix;
+        QStringList columns;
+    };
     /// `types` are the enumerators of the writer's item types in order, from 0, with their texts.
     /// Any other number is kept as it is.
     template <class Type>
-    WriteLevelTables(std::initializer_list<Choice<Type>> types)
-        : WriteLevelTables(textsOf(types))
+    WriteLevelTables(std::initializer_list<Choice<Type>> types, const Uses &uses)
+        : WriteLevelTables(textsOf(types), explanationsOf(types), uses)
     {
     }
     WriteLevelTables(const WriteLevelTables &) = delete;
@@ -31,7 +39,8 @@ public:
     const ParamTable<WriteLevel> &levels() const { return m_levels; }
 
 private:
-    explicit WriteLevelTables(const QStringList &itemTypes);
+    WriteLevelTables(const QStringList &itemTypes, const QStringList &explanations,
+                     const Uses &uses);
 
     ParamTable<WriteItem> m_items;
     ParamTable<WriteLevel> m_levels; // refers to m_items
