@@ -49,6 +49,9 @@ public:
     virtual void showProblem(const ParameterProblem &problem);
     /// The host may know other input columns, variables or files than before. Changes no value.
     virtual void refreshContext() {}
+    /// The action has other values than before. Called a moment after an edit of any field, and
+    /// when the panel opens.
+    virtual void actionChanged() {}
     /// Whether the editor needs the whole width of the panel, with its label above it.
     virtual bool isWide() const { return false; }
     /// Whether the editor shows the label itself, next to a check box. Then it implements

@@ -396,6 +396,7 @@ void PropertyPanel::showProblems()
     for (Row &row : m_rows) {
         row.problem = problemOf(row);
         row.editor->showProblem(row.problem);
+        row.editor->actionChanged();
     }
     // Of the whole action, or of a value that has no field.
     const auto general =

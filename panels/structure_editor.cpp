@@ -1,17 +1,10 @@
-// The text of the value and the tree:
-//
-//     <Levels>                                  the wrapper, of some parameters
-//       <Level name='a' new='1'>                an item; "new" is not declared and kept
-//         <Item type='2'><s>x</s></Item>        an item inside it; its content belongs to the item
-//       </Level>
-//     </Levels>
-//
-// An item of the tree owns its element; elements that are items themselves are children of the
-// item.
+// An item of the tree owns its element. With Lists::InTree, elements that are items themselves are
+// children of the item and not of the element.
 #include "panels/structure_editor.h"
 
-#include "corvanta/xml_node.h"
+#include "panels/colors.h"
 #include "panels/glyphs.h"
+#include "panels/structures/element_item.h"
 
 #include <QFormLayout>
 #include <QKeyEvent>
@@ -21,7 +14,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include <sstream>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -30,221 +23,49 @@ namespace corvanta {
 namespace {
 
 using Type = ParameterInfo::Type;
-using Place = ParameterInfo::Place;
 
-constexpr int kVisibleRows = 8;  // as high as the buttons; longer trees scroll
-constexpr auto kString = "s"_L1; // an element of a string list
-
-QString escaped(const QString &text)
-{
-    ToXMLStringTool tool;
-    return QString::fromWCharArray(tool.toXML(text));
-}
-
-/// An element without its lists, which are items of the tree.
-struct Element
-{
-    QString name;
-    std::vector<std::pair<QString, QString>> attributes;
-    QString text;
-    std::vector<Element> children;
-
-    QString startTag() const
-    {
-        QString tag = u'<' + name;
-        for (const auto &[attribute, value] : attributes) {
-            tag += u' ' + attribute + u"='"_s + escaped(value) + u'\'';
-        }
-        return tag + u'>';
-    }
-    /// The content that is not an item of the tree.
-    QString inner() const
-    {
-        QString xml = escaped(text);
-        for (const Element &child : children) {
-            xml += child.startTag() + child.inner() + u"</"_s + child.name + u'>';
-        }
-        return xml;
-    }
-    Element *child(const QString &wanted)
-    {
-        for (Element &child : children) {
-            if (child.name == wanted) {
-                return &child;
-            }
-        }
-        return nullptr;
-    }
-};
-
-/// `node` with all that is in it. Spaces between elements are dropped.
-Element elementOf(const XMLNode &node)
-{
-    Element element;
-    element.name = node.getName();
-    for (const QString &name : node.attributeNames()) {
-        const auto *const value = node.getAttribute(name.toLatin1().constData());
-        element.attributes.emplace_back(name, QString::fromUtf16(value));
-    }
-    for (int i = 0; i < node.nChildNode(); ++i) {
-        element.children.push_back(elementOf(node.getChildNode(i)));
-    }
-    const bool isText = element.children.empty() || !node.text().trimmed().isEmpty();
-    element.text = isText ? node.text() : QString();
-    return element;
-}
-
-/// In the form of a parameter's value: one line per text.
-QString stringsOf(const Element &list)
-{
-    QStringList texts;
-    for (const Element &child : list.children) {
-        if (child.name == kString) {
-            texts << child.text;
-        }
-    }
-    return texts.join(u'\n');
-}
-
-void setStrings(Element *list, const QString &value)
-{
-    std::erase_if(list->children, [](const Element &child) { return child.name == kString; });
-    for (const QString &text : value.isEmpty() ? QStringList() : value.split(u'\n')) {
-        list->children.push_back({kString, {}, text, {}});
-    }
-}
-
-/// The value of a member; its default if the element does not have it.
-QString memberValue(const Element &element, const ParameterInfo &member)
-{
-    if (member.place == Place::Content) {
-        return member.type == Type::Strings ? stringsOf(element) : element.text;
-    }
-    if (member.place == Place::Element) {
-        const Element *const child = const_cast<Element &>(element).child(member.name);
-        return child == nullptr ? member.defaultValue : stringsOf(*child);
-    }
-    for (const auto &[name, value] : element.attributes) {
-        if (name == member.name) {
-            return value;
-        }
-    }
-    return member.defaultValue;
-}
-
-/// Changes one attribute and keeps the order of the others. A default is not saved.
-void setElementAttribute(Element *element, const ParameterInfo &member, const QString &value)
-{
-    const auto isMember = [&](const auto &attribute) { return attribute.first == member.name; };
-    const auto found =
-        std::find_if(element->attributes.begin(), element->attributes.end(), isMember);
-    if (value == member.defaultValue && !member.saveAlways) {
-        std::erase_if(element->attributes, isMember);
-    } else if (found != element->attributes.end()) {
-        found->second = value;
-    } else {
-        element->attributes.emplace_back(member.name, value);
-    }
-}
-
-void setMember(Element *element, const ParameterInfo &member, const QString &value)
-{
-    if (member.place == Place::Attribute) {
-        setElementAttribute(element, member, value);
-    } else if (member.place == Place::Content && member.type != Type::Strings) {
-        element->text = value;
-    } else if (member.place == Place::Content) {
-        setStrings(element, value);
-    } else {
-        if (element->child(member.name) == nullptr) {
-            element->children.push_back({member.name, {}, {}, {}});
-        }
-        setStrings(element->child(member.name), value);
-    }
-}
-
-/// The list inside an element; null if its elements have none.
-const ParameterInfo *listIn(const QVector<ParameterInfo> &members)
-{
-    const auto found = std::find_if(members.begin(), members.end(), [](const ParameterInfo &info) {
-        return info.type == Type::Structure;
-    });
-    return found == members.end() ? nullptr : &*found;
-}
+constexpr int kVisibleRows = 8; // as high as the buttons; longer trees scroll
 
 } // namespace
 
-/// One element in the tree. `info` describes the list that it belongs to.
-class ElementItem final : public QTreeWidgetItem
-{
-public:
-    ElementItem(const ParameterInfo &list, Element own)
-        : info(list)
-        , element(std::move(own))
-    {
-        const ParameterInfo *const inner = listIn(info.members);
-        for (auto child = element.children.begin(); child != element.children.end();) {
-            const bool isItem = inner != nullptr && child->name == inner->itemElement;
-            if (isItem) {
-                addChild(new ElementItem(*inner, std::move(*child)));
-            }
-            child = isItem ? element.children.erase(child) : child + 1;
-        }
-        updateText();
-    }
-
-    /// The values by which a user recognises the element.
-    void updateText()
-    {
-        QStringList values;
-        for (const ParameterInfo &member : info.members) {
-            const bool isShown =
-                member.type == Type::Text && !memberValue(element, member).isEmpty();
-            if (isShown && values.size() < 2) {
-                values << memberValue(element, member);
-            }
-        }
-        setText(0, values.isEmpty() ? StructureEditor::tr("(empty)") : values.join(u" \u2013 "_s));
-    }
-
-    QString xml() const
-    {
-        QString xml = element.startTag() + element.inner();
-        for (int i = 0; i < childCount(); ++i) {
-            xml += static_cast<const ElementItem *>(child(i))->xml();
-        }
-        return xml + u"</"_s + element.name + u'>';
-    }
-
-    const ParameterInfo &info; // in the context of the editor
-    Element element;
-};
-
 StructureEditor::StructureEditor(const FieldContext &context)
+    : StructureEditor(context, Lists::InTree,
+                      {tr("Add an element"), tr("Add an element inside the current one")})
+{
+}
+
+StructureEditor::StructureEditor(const FieldContext &context, Lists lists, const AddTexts &texts)
     : FieldEditor(context)
+    , m_lists(lists)
     , m_tree(new QTreeWidget(this))
     , m_form(new QFormLayout)
+    , m_column(new QVBoxLayout(this))
 {
-    const bool isNested = listIn(this->context().info.members) != nullptr;
     m_tree->setHeaderHidden(true);
-    m_tree->setRootIsDecorated(isNested);
+    m_tree->setRootIsDecorated(lists == Lists::InTree && listIn(context.info) != nullptr);
     m_tree->setFixedHeight(fontMetrics().lineSpacing() * kVisibleRows + 2 * m_tree->frameWidth());
     m_tree->installEventFilter(this); // for the keys
     setMainControl(m_tree);
+    m_form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     auto *const buttons = new QVBoxLayout;
     auto *const top = new QHBoxLayout;
-    auto *const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->addLayout(top);
-    column->addLayout(m_form);
+    m_column->setContentsMargins(0, 0, 0, 0);
+    m_column->addLayout(top);
+    m_column->addLayout(m_form);
     top->addWidget(m_tree);
     top->addLayout(buttons);
+    addButtons(buttons, texts);
+    connect(m_tree, &QTreeWidget::currentItemChanged, this, [this] { showFields(); });
+}
+
+void StructureEditor::addButtons(QVBoxLayout *buttons, const AddTexts &texts)
+{
     buttons->setSpacing(2);
-    buttons->addWidget(makeButton(Glyph::Add, tr("Add an element"), [this] { add(Where::After); }));
-    m_addInside = makeButton(Glyph::ToRight, tr("Add an element inside the current one"),
-                             [this] { add(Where::Inside); });
-    m_addInside->setVisible(isNested);
-    buttons->addWidget(m_addInside);
+    buttons->addWidget(makeButton(Glyph::Add, texts.after, [this] { add(Where::After); }));
+    if (m_tree->rootIsDecorated()) {
+        buttons->addWidget(
+            makeButton(Glyph::ToRight, texts.inside, [this] { add(Where::Inside); }));
+    }
     buttons->addWidget(
         makeButton(Glyph::Remove, tr("Remove the element"), [this] { removeCurrent(); }));
     buttons->addWidget(
@@ -252,7 +73,6 @@ StructureEditor::StructureEditor(const FieldContext &context)
     m_lastButton = makeButton(Glyph::Down, tr("Move the element down"), [this] { moveCurrent(1); });
     buttons->addWidget(m_lastButton);
     buttons->addStretch(1);
-    connect(m_tree, &QTreeWidget::currentItemChanged, this, [this] { showFields(); });
 }
 
 StructureEditor::~StructureEditor()
@@ -261,34 +81,15 @@ StructureEditor::~StructureEditor()
     m_tree->disconnect(this);
 }
 
-QString StructureEditor::value() const
-{
-    QString xml;
-    for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
-        xml += static_cast<const ElementItem *>(m_tree->topLevelItem(i))->xml();
-    }
-    const ParameterInfo &info = context().info;
-    const bool hasWrapper = info.name != info.itemElement;
-    return xml.isEmpty() || !hasWrapper ? xml : u"<%1>%2</%1>"_s.arg(info.name, xml);
-}
+// ---- The elements
 
-void StructureEditor::setValue(const QString &value)
+std::vector<Element> StructureEditor::elements() const
 {
-    const auto document = XMLNode::parse("<p>" + value.toUtf8() + "</p>");
-    const ParameterInfo &info = context().info;
-    Element root = document ? elementOf(*document) : Element();
-    if (info.name != info.itemElement) {
-        Element *const wrapper = root.child(info.name);
-        root = wrapper == nullptr ? Element() : Element(*wrapper);
+    std::vector<Element> all;
+    for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
+        all.push_back(static_cast<const ElementItem *>(m_tree->topLevelItem(i))->whole());
     }
-    const QSignalBlocker blocker(m_tree); // the current item changes while the tree is filled
-    m_tree->clear();
-    for (Element &child : root.children) {
-        m_tree->addTopLevelItem(new ElementItem(info, std::move(child)));
-    }
-    m_tree->expandAll();
-    m_tree->setCurrentItem(m_tree->topLevelItem(0));
-    showFields();
+    return all;
 }
 
 ElementItem *StructureEditor::current() const
@@ -296,41 +97,141 @@ ElementItem *StructureEditor::current() const
     return static_cast<ElementItem *>(m_tree->currentItem());
 }
 
+const Element *StructureEditor::currentElement() const
+{
+    return current() == nullptr ? nullptr : &current()->element;
+}
+
+int StructureEditor::currentIndex() const
+{
+    QTreeWidgetItem *item = m_tree->currentItem();
+    while (item != nullptr && item->parent() != nullptr) {
+        item = item->parent();
+    }
+    return m_tree->indexOfTopLevelItem(item);
+}
+
+void StructureEditor::setValue(const QString &value)
+{
+    std::vector<Element> elements = elementsOf(context().info, value);
+    if (valueOf(context().info, elements) != this->value() || m_tree->topLevelItemCount() == 0) {
+        showElements(std::move(elements)); // otherwise the current element stays current
+    }
+}
+
+void StructureEditor::showElements(std::vector<Element> elements)
+{
+    const int index = qMax(0, currentIndex());
+    {
+        const QSignalBlocker blocker(m_tree); // the current item changes while the tree is filled
+        m_tree->clear();
+        for (Element &element : elements) {
+            m_tree->addTopLevelItem(
+                new ElementItem(context().info, std::move(element), m_lists == Lists::InTree));
+        }
+        m_tree->expandAll();
+        m_tree->setCurrentItem(m_tree->topLevelItem(qMin(index, m_tree->topLevelItemCount() - 1)));
+    }
+    updateItems();
+    showFields();
+}
+
+void StructureEditor::replaceElements(std::vector<Element> elements)
+{
+    showElements(std::move(elements));
+    report(value());
+}
+
+void StructureEditor::reportElements(Edit kind)
+{
+    updateItems();
+    elementsShown();
+    report(value(), kind);
+}
+
+void StructureEditor::updateItem(ElementItem *item)
+{
+    const QTreeWidgetItem *const parent =
+        item->parent() != nullptr ? item->parent() : m_tree->invisibleRootItem();
+    const QString remark = this->remark(item->element, item->info);
+    item->setText(0, summary(item->element, item->info, parent->indexOfChild(item)));
+    item->setToolTip(0, remark.isEmpty() ? item->text(0) : remark); // long texts are cut
+    item->setIcon(0,
+                  remark.isEmpty() ? QIcon() : glyphIcon(Glyph::Warning, warningColor(palette())));
+    for (int i = 0; i < item->childCount(); ++i) {
+        updateItem(static_cast<ElementItem *>(item->child(i)));
+    }
+}
+
+void StructureEditor::updateItems()
+{
+    for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
+        updateItem(static_cast<ElementItem *>(m_tree->topLevelItem(i)));
+    }
+}
+
+QString StructureEditor::summary(const Element &element, const ParameterInfo &list, int) const
+{
+    QStringList values;
+    for (const ParameterInfo &member : list.members) {
+        const bool isShown = member.type == Type::Text && !memberValue(element, member).isEmpty();
+        if (isShown && values.size() < 2) {
+            values << memberValue(element, member);
+        }
+    }
+    return values.isEmpty() ? tr("(empty)") : values.join(u" \u2013 "_s);
+}
+
+// ---- The fields of the current element
+
 void StructureEditor::showFields()
 {
-    ElementItem *const item = current();
-    const QVector<ParameterInfo> *const members = item == nullptr ? nullptr : &item->info.members;
+    const ParameterInfo *const list = current() == nullptr ? nullptr : &current()->info;
     // Elements of one list have the same fields, which get other values.
-    if (members == nullptr || members != m_shownMembers) {
+    if (list == nullptr || list != m_shownList) {
         while (m_form->rowCount() > 0) {
             m_form->removeRow(0);
         }
         m_fields.clear();
-        m_shownMembers = members;
-        for (int i = 0; members != nullptr && i < members->size(); ++i) {
+        m_shownList = list;
+        makeFields();
+    }
+    updateFields();
+    elementsShown();
+}
+
+void StructureEditor::makeFields()
+{
+    const bool showsLists = m_lists == Lists::AsFields;
+    for (int i = 0; m_shownList != nullptr && i < m_shownList->members.size(); ++i) {
+        if (showsLists || m_shownList->members[i].type != Type::Structure) {
             addField(i);
         }
-        orderTabs();
     }
-    for (size_t i = 0; i < m_fields.size(); ++i) {
-        if (m_fields[i] != nullptr) {
-            m_fields[i]->showValue(memberValue(item->element, (*members)[static_cast<int>(i)]));
+    orderTabs();
+}
+
+void StructureEditor::updateFields()
+{
+    for (const Field &field : m_fields) {
+        const ParameterInfo &member = m_shownList->members[field.member];
+        const bool isShown = showsMember(current()->element, *m_shownList, member);
+        field.editor->showValue(memberValue(current()->element, member));
+        m_form->setRowVisible(field.editor, isShown);
+        if (field.editor->isWide()) {
+            m_form->setRowVisible(field.label, isShown);
         }
     }
 }
 
-/// Fields that are made later would come after all others of the panel. Those that are made with
-/// the editor are in order, and in no window yet.
+/// Fields that are made later would come after all others of the panel.
 void StructureEditor::orderTabs()
 {
-    if (m_form->parentWidget()->window() != m_lastButton->window()) {
-        return;
-    }
     QWidget *last = m_lastButton;
-    for (const FieldEditor *const field : m_fields) {
-        for (QWidget *const control :
-             field == nullptr ? QList<QWidget *>() : field->findChildren<QWidget *>()) {
-            if ((control->focusPolicy() & Qt::TabFocus) != 0) {
+    for (const Field &field : m_fields) {
+        for (QWidget *const control : field.editor->findChildren<QWidget *>()) {
+            // The list of a box has a window of its own.
+            if ((control->focusPolicy() & Qt::TabFocus) != 0 && control->window() == window()) {
                 setTabOrder(last, control);
                 last = control;
             }
@@ -338,70 +239,89 @@ void StructureEditor::orderTabs()
     }
 }
 
-/// The field of a member of the current element; members that are lists are in the tree.
+FieldEditor *StructureEditor::makeMember(const FieldContext &context)
+{
+    return makeEditor(context);
+}
+
 void StructureEditor::addField(int index)
 {
-    const ParameterInfo &member = (*m_shownMembers)[index];
-    if (member.type == Type::Structure) {
-        m_fields.push_back(nullptr);
-        return;
-    }
     FieldContext inner = context();
-    inner.info = member;
-    inner.label = member.label;
-    inner.meaning = member.meaning;
-    FieldEditor *const field = makeEditor(inner);
-    field->setEdited([this, index](const QString &text, Edit kind) {
+    inner.info = m_shownList->members[index];
+    inner.label = inner.info.label;
+    inner.meaning = inner.info.meaning;
+    Field field{makeMember(inner), nullptr, index};
+    field.editor->setEdited([this, index](const QString &text, Edit kind) {
         ElementItem *const item = current();
         setMember(&item->element, item->info.members[index], text);
-        item->updateText();
-        report(value(), kind);
+        updateFields();
+        reportElements(kind);
     });
-    if (field->showsLabel()) {
-        m_form->addRow(field);
+    if (field.editor->showsLabel()) {
+        m_form->addRow(field.editor);
     } else {
-        auto *const label = new QLabel(captionOf(inner.label));
-        label->setBuddy(field->focusProxy());
-        m_form->addRow(label, field);
+        field.label = new QLabel(captionOf(inner.label));
+        field.label->setBuddy(field.editor->focusProxy());
+        field.label->setToolTip(toolTipOf(inner));
+        if (field.editor->isWide()) {
+            m_form->addRow(field.label);
+            m_form->addRow(field.editor);
+        } else {
+            m_form->addRow(field.label, field.editor);
+        }
     }
     m_fields.push_back(field);
 }
+
+void StructureEditor::refreshContext()
+{
+    for (const Field &field : m_fields) {
+        field.editor->refreshContext();
+    }
+}
+
+ParameterProblem StructureEditor::problem() const
+{
+    for (const Field &field : m_fields) {
+        const ParameterProblem problem = field.editor->problem();
+        if (!problem.text.isEmpty() && !field.editor->isHidden()) {
+            return {context().info.name, problem.text, problem.severity};
+        }
+    }
+    return {};
+}
+
+// ---- Edits of the tree
 
 void StructureEditor::add(Where where)
 {
     ElementItem *const item = current();
     const bool isInside = where == Where::Inside && item != nullptr;
-    const ParameterInfo *const list = isInside          ? listIn(item->info.members)
+    const ParameterInfo *const list = isInside          ? listIn(item->info)
                                       : item != nullptr ? &item->info
                                                         : &context().info;
     if (list == nullptr) {
         return;
     }
-    // A new element has the attributes that are always saved, so that its text is complete.
-    Element element;
-    element.name = list->itemElement;
-    for (const ParameterInfo &member : list->members) {
-        if (member.saveAlways && member.place == Place::Attribute) {
-            setMember(&element, member, member.defaultValue);
-        }
-    }
-    auto *const added = new ElementItem(*list, std::move(element));
-    if (isInside) {
-        item->addChild(added);
-    } else if (item != nullptr && item->parent() != nullptr) {
-        item->parent()->insertChild(item->parent()->indexOfChild(item) + 1, added);
-    } else {
-        m_tree->insertTopLevelItem(m_tree->indexOfTopLevelItem(item) + 1, added);
-    }
+    auto *const added = new ElementItem(*list, makeElement(*list), m_lists == Lists::InTree);
+    QTreeWidgetItem *const parent = isInside ? item
+                                    : item != nullptr && item->parent() != nullptr
+                                        ? item->parent()
+                                        : m_tree->invisibleRootItem();
+    const int at = isInside ? parent->childCount() : parent->indexOfChild(item) + 1;
+    parent->insertChild(at, added);
+    m_tree->expandItem(added);
     m_tree->setCurrentItem(added);
-    report(value());
+    reportElements();
 }
 
 void StructureEditor::removeCurrent()
 {
-    delete current(); // removes itself from the tree, which makes a neighbour the current item
-    showFields();
-    report(value());
+    if (current() != nullptr) {
+        delete current(); // removes itself from the tree, which makes a neighbour the current item
+        showFields();
+        reportElements();
+    }
 }
 
 void StructureEditor::moveCurrent(int by)
@@ -419,7 +339,7 @@ void StructureEditor::moveCurrent(int by)
         parent->insertChild(to, item);
         item->setExpanded(isExpanded);
         m_tree->setCurrentItem(item);
-        report(value());
+        reportElements();
     }
 }
 
@@ -431,7 +351,7 @@ bool StructureEditor::eventFilter(QObject *watched, QEvent *event)
     const auto *const key = static_cast<const QKeyEvent *>(event);
     const bool isControl = key->modifiers().testFlag(Qt::ControlModifier);
     if (key->key() == Qt::Key_Insert) {
-        add(Where::After);
+        add(isControl && m_tree->rootIsDecorated() ? Where::Inside : Where::After);
     } else if (key->key() == Qt::Key_Delete) {
         removeCurrent();
     } else if (isControl && key->key() == Qt::Key_Up) {

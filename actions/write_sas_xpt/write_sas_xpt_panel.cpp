@@ -1,6 +1,7 @@
 #include "actions/write_sas_xpt/write_sas_xpt_panel.h"
 
 #include "actions/shared/panel_groups.h"
+#include "panels/structures/text_widths_editor.h"
 
 namespace {
 
@@ -14,7 +15,7 @@ PanelLayout panelLayout()
         shared::columnsGroup("ColWrite"),
         shared::rowsGroup(),
         {QT_TRANSLATE_NOOP("Panels", "Text columns"),
-         {"autoWidth", "StringColDef", "stringStorage", "encoding"}},
+         {"autoWidth", {"StringColDef", editor<TextWidthsEditor>}, "stringStorage", "encoding"}},
         {QT_TRANSLATE_NOOP("Panels", "Variables"), {"numberWidth", "VariableDef"}, Fold::Folded},
     };
 }

@@ -11,6 +11,7 @@ const ParamTable<StringColumn> &stringColumnTable()
         number("l", &StringColumn::width)
             .always()
             .label("Width")
+            .unit("bytes")
             .meaning("Width of the column, in bytes."),
         number("ol", &StringColumn::longest)
             .always()

@@ -1,0 +1,321 @@
+#include "panels/structures/element_table.h"
+
+#include "panels/colors.h"
+#include "panels/glyphs.h"
+
+#include <QComboBox>
+#include <QCompleter>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QRegularExpressionValidator>
+#include <QSignalBlocker>
+#include <QStyledItemDelegate>
+#include <QTableWidget>
+#include <QToolButton>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+using Type = ParameterInfo::Type;
+
+constexpr int kVisibleRows = 6; // longer tables scroll
+constexpr int kRowMargin = 8;   // pixels around the text of a row
+
+/// The label in two lines, so that a narrow column has room for it.
+QString titleOf(const ParameterInfo &member)
+{
+    const QString unit =
+        member.unit.isEmpty() ? QString() : u" (%1)"_s.arg(member.unit);
+    QString title = member.label + unit;
+    const qsizetype space = title.lastIndexOf(u' ', title.size() / 2 + 1);
+    return space < 0 ? title : title.replace(space, 1, u'\n');
+}
+
+} // namespace
+
+/// Edits a cell: digits only for numbers, and a list to choose from where there are suggestions.
+class ElementTable::Delegate final : public QStyledItemDelegate
+{
+public:
+    explicit Delegate(ElementTable *owner)
+        : QStyledItemDelegate(owner)
+        , m_owner(owner)
+    {
+    }
+
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        const bool isFlag = index.data(Qt::CheckStateRole).isValid();
+        if (option->text.isEmpty() && !isFlag) {
+            option->text = m_owner->m_emptyText;
+            option->palette.setColor(QPalette::Text, remarkColor(option->palette));
+        }
+    }
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &,
+                          const QModelIndex &index) const override
+    {
+        const ParameterInfo &member = m_owner->context().info.members[index.column()];
+        const QStringList texts = m_owner->m_suggestions(member);
+        QWidget *const editor = texts.isEmpty() ? static_cast<QWidget *>(makeLine(parent, member))
+                                                : makeBox(parent, texts);
+        editor->setAccessibleName(member.label);
+        editor->setAccessibleDescription(member.meaning);
+        return editor;
+    }
+
+private:
+    static QLineEdit *makeLine(QWidget *parent, const ParameterInfo &member)
+    {
+        auto *const line = new QLineEdit(parent);
+        line->setFrame(false);
+        if (member.type == Type::Integer) {
+            static const QRegularExpression digits(u"\\d*"_s);
+            line->setValidator(new QRegularExpressionValidator(digits, line));
+        }
+        return line;
+    }
+    static QComboBox *makeBox(QWidget *parent, const QStringList &texts)
+    {
+        auto *const box = new QComboBox(parent);
+        box->setEditable(true);
+        box->setInsertPolicy(QComboBox::NoInsert);
+        box->addItems(texts);
+        box->completer()->setFilterMode(Qt::MatchContains);
+        box->completer()->setCompletionMode(QCompleter::PopupCompletion);
+        return box;
+    }
+
+    ElementTable *m_owner;
+};
+
+ElementTable::ElementTable(const FieldContext &context, const Texts &texts)
+    : FieldEditor(context)
+    , m_table(new QTableWidget(this))
+{
+    auto *const row = new QHBoxLayout(this);
+    auto *const buttons = new QVBoxLayout;
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_table);
+    row->addLayout(buttons);
+    buttons->setSpacing(2);
+    buttons->addWidget(makeButton(Glyph::Add, texts.add, [this] { addRow(); }));
+    buttons->addWidget(makeButton(Glyph::Remove, texts.remove, [this] { removeRow(); }));
+    buttons->addWidget(makeButton(Glyph::Up, tr("Move the row up"), [this] { moveRow(-1); }));
+    buttons->addWidget(makeButton(Glyph::Down, tr("Move the row down"), [this] { moveRow(1); }));
+    buttons->addStretch(1);
+    setUpTable();
+    setUpHeader();
+}
+
+void ElementTable::setUpTable()
+{
+    const int height = fontMetrics().lineSpacing() + kRowMargin;
+    m_table->verticalHeader()->setDefaultSectionSize(height);
+    m_table->verticalHeader()->setVisible(false);
+    m_table->setFixedHeight(height * (kVisibleRows + 1) + 2 * m_table->frameWidth());
+    m_table->setItemDelegate(new Delegate(this));
+    m_table->setTabKeyNavigation(false); // Tab leaves the table, as in the other fields
+    m_table->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked |
+                             QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
+    m_table->installEventFilter(this);
+    setMainControl(m_table);
+    connect(m_table, &QTableWidget::itemChanged, this,
+            [this](const QTableWidgetItem *cell) { take(*cell); });
+}
+
+void ElementTable::setUpHeader()
+{
+    const QVector<ParameterInfo> &members = context().info.members;
+    m_table->setColumnCount(static_cast<int>(members.size()));
+    QHeaderView *const header = m_table->horizontalHeader();
+    for (int i = 0; i < members.size(); ++i) {
+        auto *const title = new QTableWidgetItem(titleOf(members[i]));
+        title->setToolTip(members[i].meaning);
+        m_table->setHorizontalHeaderItem(i, title);
+        header->setSectionResizeMode(i, members[i].type == Type::Text
+                                            ? QHeaderView::Stretch
+                                            : QHeaderView::ResizeToContents);
+    }
+    header->setHighlightSections(false);
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+}
+
+void ElementTable::showRowNumbers(const QString &format)
+{
+    m_rowFormat = format;
+    m_table->verticalHeader()->setVisible(true);
+}
+
+void ElementTable::hideMember(const QString &name)
+{
+    const QVector<ParameterInfo> &members = context().info.members;
+    for (int i = 0; i < members.size(); ++i) {
+        if (members[i].name == name) {
+            m_table->setColumnHidden(i, true);
+        }
+    }
+}
+
+// ---- Showing
+
+void ElementTable::setValue(const QString &value)
+{
+    std::vector<Element> elements = elementsOf(context().info, value);
+    // While a cell is edited, an equal value must not end it.
+    if (valueOf(context().info, elements) != valueOf(context().info, m_elements) ||
+        m_table->rowCount() == 0) {
+        showElements(std::move(elements));
+    }
+}
+
+void ElementTable::showElements(std::vector<Element> elements)
+{
+    const QSignalBlocker blocker(m_table);
+    const int row = m_table->currentRow();
+    const int column = qMax(0, m_table->currentColumn());
+    m_elements = std::move(elements);
+    const int rows = static_cast<int>(m_elements.size());
+    m_table->setRowCount(rows);
+    for (int i = 0; i < rows * m_table->columnCount(); ++i) {
+        m_table->setItem(i / m_table->columnCount(), i % m_table->columnCount(),
+                         new QTableWidgetItem);
+    }
+    for (int i = 0; !m_rowFormat.isEmpty() && i < rows; ++i) {
+        m_table->setVerticalHeaderItem(i, new QTableWidgetItem(m_rowFormat.arg(i)));
+    }
+    m_table->setCurrentCell(qBound(-1, row, rows - 1), column);
+    updateCells();
+}
+
+void ElementTable::updateCells()
+{
+    const QSignalBlocker blocker(m_table);
+    for (int i = 0; i < m_table->rowCount(); ++i) {
+        for (int j = 0; j < m_table->columnCount(); ++j) {
+            updateCell(i, j);
+        }
+    }
+}
+
+void ElementTable::updateCell(int row, int column)
+{
+    const ParameterInfo &member = context().info.members[column];
+    const Element &element = m_elements[static_cast<size_t>(row)];
+    const QString value = memberValue(element, member);
+    QTableWidgetItem *const cell = m_table->item(row, column);
+    if (member.type == Type::Flag) {
+        cell->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
+        cell->setCheckState(value == "0"_L1 ? Qt::Unchecked : Qt::Checked);
+    } else {
+        cell->setText(value);
+    }
+    const QString remark = m_remark(element, member);
+    cell->setIcon(remark.isEmpty() ? QIcon() : glyphIcon(Glyph::Warning, warningColor(palette())));
+    cell->setToolTip(remark.isEmpty() ? value : remark);
+}
+
+ParameterProblem ElementTable::problem() const
+{
+    for (const Element &element : m_elements) {
+        for (const ParameterInfo &member : context().info.members) {
+            const QString remark = m_remark(element, member);
+            if (!remark.isEmpty()) {
+                return {context().info.name, remark, ParameterProblem::Severity::Warning};
+            }
+        }
+    }
+    return {};
+}
+
+// ---- Edits
+
+void ElementTable::take(const QTableWidgetItem &cell)
+{
+    const ParameterInfo &member = context().info.members[cell.column()];
+    const bool isOn = cell.checkState() == Qt::Checked;
+    Element *const element = &m_elements[static_cast<size_t>(cell.row())];
+    setMember(element, member, member.type == Type::Flag ? (isOn ? u"1"_s : u"0"_s) : cell.text());
+    cellEdited(element);
+    reportElements();
+}
+
+void ElementTable::reportElements()
+{
+    updateCells();
+    std::vector<Element> reported;
+    std::copy_if(m_elements.begin(), m_elements.end(), std::back_inserter(reported),
+                 [this](const Element &element) { return isReported(element); });
+    report(valueOf(context().info, reported));
+}
+
+void ElementTable::addRow()
+{
+    const int row = m_table->currentRow() + 1; // the first one without a current row
+    std::vector<Element> elements = m_elements;
+    elements.insert(elements.begin() + row, newElement(context().info));
+    showElements(std::move(elements));
+    m_table->setCurrentCell(row, 0);
+    reportElements();
+}
+
+void ElementTable::removeRow()
+{
+    const int row = m_table->currentRow();
+    if (row >= 0) {
+        std::vector<Element> elements = m_elements;
+        elements.erase(elements.begin() + row);
+        showElements(std::move(elements));
+        reportElements();
+    }
+}
+
+void ElementTable::moveRow(int by)
+{
+    const int from = m_table->currentRow();
+    const int to = from + by;
+    if (from >= 0 && to >= 0 && to < m_table->rowCount()) {
+        std::vector<Element> elements = m_elements;
+        std::swap(elements[static_cast<size_t>(from)], elements[static_cast<size_t>(to)]);
+        showElements(std::move(elements));
+        m_table->setCurrentCell(to, m_table->currentColumn());
+        reportElements();
+    }
+}
+
+bool ElementTable::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::KeyPress) {
+        return FieldEditor::eventFilter(watched, event);
+    }
+    const auto *const key = static_cast<const QKeyEvent *>(event);
+    const bool isControl = key->modifiers().testFlag(Qt::ControlModifier);
+    if (key->key() == Qt::Key_Insert) {
+        addRow();
+    } else if (key->key() == Qt::Key_Delete) {
+        removeRow();
+    } else if (isControl && key->key() == Qt::Key_Up) {
+        moveRow(-1);
+    } else if (isControl && key->key() == Qt::Key_Down) {
+        moveRow(1);
+    } else if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+        // A dialog would take it as its default button. The editor of a cell passes it on.
+        if (!m_table->isPersistentEditorOpen(m_table->currentItem())) {
+            m_table->edit(m_table->currentIndex());
+        }
+    } else {
+        return FieldEditor::eventFilter(watched, event);
+    }
+    return true;
+}
+
+} // namespace corvanta
