@@ -1,5 +1,6 @@
 #include "actions/read_json/read_json_panel.h"
 
+#include "actions/shared/level_editors.h"
 #include "panels/column_picker.h"
 #include "panels/fill/auto_fill.h"
 #include "panels/preview/preview.h"
@@ -15,7 +16,7 @@ PanelLayout panelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Source"),
          {"fromInputPin", "fileName", {"colJSON", editor<ColumnField>}, "oneJSONPerRow"}},
         {QT_TRANSLATE_NOOP("Panels", "Levels and columns"),
-         {"Level", "autoFillNRows", "readTagsFromInPin"},
+         {{"Level", shared::readLevelsEditor}, "autoFillNRows", "readTagsFromInPin"},
          Fold::Open,
          extra<AutoFill>},
         {QT_TRANSLATE_NOOP("Panels", "Added columns"),

@@ -78,6 +78,16 @@ QVector<InputTable> LevelReader::listTables()
     return document ? listedTables(*document, readerParams().levels) : QVector<InputTable>();
 }
 
+std::vector<std::vector<ReadLevel>> LevelReader::sampledLevels()
+{
+    std::vector<std::vector<ReadLevel>> levels;
+    auto document = isFromPin() ? std::nullopt : sampleInput();
+    for (markup::SampledTable &table : document ? document->tables : decltype(document->tables)()) {
+        levels.push_back(std::move(table.levels));
+    }
+    return levels;
+}
+
 // ---- Messages.
 
 /// Returns true to continue with the next file.

@@ -24,6 +24,9 @@ public:
     {
         return isFromPin() ? QStringList() : ActionBase::inputs();
     }
+    /// The levels of each table that the beginning of the file has; none if it cannot be read. Not
+    /// during a run.
+    std::vector<std::vector<ReadLevel>> sampledLevels();
 
 protected:
     using ActionBase::ActionBase;

@@ -32,7 +32,7 @@ const ParamTable<ReadLevel> &readLevelTable()
         text("initialPath", &ReadLevel::initialPath)
             .expanded()
             .always()
-            .label("Container")
+            .label("Iterate on all the subtags located at:")
             .meaning("Path of the element that contains the occurrences, from the document or from "
                      "the occurrence of the level before."),
         text("subtagName", &ReadLevel::subtagName)
