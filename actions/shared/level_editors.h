@@ -8,5 +8,8 @@ namespace corvanta::shared {
 
 /// Of an action derived from LevelReader.
 FieldEditor *readLevelsEditor(const FieldContext &context);
+/// Of writeJSON and of writeXML.
+FieldEditor *jsonLevelsEditor(const FieldContext &context);
+FieldEditor *xmlLevelsEditor(const FieldContext &context);
 
 } // namespace corvanta::shared

@@ -113,6 +113,13 @@ QString LevelWriter::levelMessage(compose::LevelProblem problem, const QString &
     return message(WriteProblem::NoColumns, name);
 }
 
+QString LevelWriter::messageFor(const Fault<compose::LevelProblem> &fault,
+                                const std::vector<WriteLevel> &declared) const
+{
+    const WriteLevel &level = declared[static_cast<size_t>(fault.offset)];
+    return levelMessage(fault.code, fault.detail, level.name);
+}
+
 compose::ValueRules LevelWriter::commonRules(std::u16string_view nullForm,
                                              std::u16string_view emptyForm) const
 {
@@ -169,9 +176,7 @@ bool LevelWriter::makeComposer(const OneRow &columns)
     const std::vector<WriteLevel> declared = declaredLevels();
     auto levels = compileLevels(declared, columns.view());
     if (!levels) {
-        const Fault<compose::LevelProblem> &fault = levels.fault();
-        const WriteLevel &level = declared[static_cast<size_t>(fault.offset)];
-        return fail(levelMessage(fault.code, fault.detail, level.name));
+        return fail(messageFor(levels.fault(), declared));
     }
     // Of the columns that some item writes, no matter on which level.
     QVector<int> written;

@@ -41,6 +41,17 @@ public:
     QVector<ParameterProblem> problems() const override;
     QVector<TargetUse> targets() const override;
 
+    /// What a file would begin with, or why it cannot be written.
+    struct Preview
+    {
+        QString text;
+        QString problem; ///< a message; empty: none
+    };
+    /// Compose the text for these rows, whose null strings are missing cells, in a file of its own.
+    /// All rows are written, whatever testCol says. Writes no file and logs nothing. Not during a
+    /// run.
+    Preview preview(const TableSchema &columns, const QVector<QStringList> &rows);
+
 protected:
     using RowWriter::RowWriter;
 
@@ -96,6 +107,9 @@ private:
     QString messageAbout(const QString &problem) const;
     QString levelMessage(compose::LevelProblem problem, const QString &name,
                          const QString &level) const;
+    /// Of a fault of compileLevels().
+    QString messageFor(const Fault<compose::LevelProblem> &fault,
+                       const std::vector<WriteLevel> &declared) const;
     /// Compile the levels for the columns of the table and check the names of those written.
     bool makeComposer(const OneRow &columns);
     /// Keep the keys of columns, and warn about columns that one item writes with the same key.

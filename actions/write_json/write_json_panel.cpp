@@ -1,5 +1,6 @@
 #include "actions/write_json/write_json_panel.h"
 
+#include "actions/shared/level_editors.h"
 #include "actions/shared/panel_groups.h"
 #include "panels/basic_editors.h"
 #include "panels/column_picker.h"
@@ -13,7 +14,8 @@ PanelLayout panelLayout()
 {
     return {
         {QT_TRANSLATE_NOOP("Panels", "Target"), {"fileName", "fileMode", "createDir"}},
-        {QT_TRANSLATE_NOOP("Panels", "Structure"), {"Levels", "Prefix", "Suffix"}},
+        {QT_TRANSLATE_NOOP("Panels", "Structure"),
+         {{"Levels", shared::jsonLevelsEditor}, "Prefix", "Suffix"}},
         shared::columnsGroup("ToWrite"),
         shared::rowsGroup(),
         {QT_TRANSLATE_NOOP("Panels", "Values"),

@@ -1,5 +1,6 @@
 #include "actions/write_xml/write_xml_panel.h"
 
+#include "actions/shared/level_editors.h"
 #include "actions/shared/panel_groups.h"
 #include "panels/basic_editors.h"
 
@@ -12,7 +13,8 @@ PanelLayout panelLayout()
 {
     return {
         {QT_TRANSLATE_NOOP("Panels", "Target"), {"fileName", "fileMode", "charMode", "createDir"}},
-        {QT_TRANSLATE_NOOP("Panels", "Structure"), {"Levels", "Prefix", "Suffix"}},
+        {QT_TRANSLATE_NOOP("Panels", "Structure"),
+         {{"Levels", shared::xmlLevelsEditor}, "Prefix", "Suffix"}},
         shared::columnsGroup("ToWrite"),
         shared::rowsGroup(),
         {QT_TRANSLATE_NOOP("Panels", "Values"),

@@ -80,7 +80,11 @@ QByteArray example(const QString &type)
          "sheetMode='1' startRow='0' writeAllColumns='0'><ToWrite><s>country</s><s>amount</s>"
          "</ToWrite></writeExcel>"},
         {u"writeJSON"_s,
-         "<writeJSON fileName='orders.json' writeAllRows='0' testCol='country' testValue='BE'/>"},
+         "<writeJSON fileName='orders.json' writeAllRows='0' testCol='country' testValue='BE'>"
+         "<Levels><Level><Item type='0' text='{'/><Item type='2'><s>country</s><s>city</s></Item>"
+         "<Item type='0' text=',&quot;sales&quot;:['/><Item type='5' calledLevel='sales'/>"
+         "<Item type='0' text=']}'/></Level><Level name='sales' partitionCol='country'>"
+         "<Item type='2'><s>amount</s></Item></Level></Levels></writeJSON>"},
         {u"writeXML"_s, "<writeXML fileName='orders.xml' humanReadable='1'/>"},
         {u"writeParquet"_s, "<writeParquet file='orders.parquet' codec='3' split='1' "
                             "splitVar='country'/>"},

@@ -1,0 +1,230 @@
+#include "panels/structures/write_levels_editor.h"
+
+#include "corvanta/action_item.h"
+#include "panels/basic_editors.h"
+#include "panels/column_picker.h"
+#include "panels/note_label.h"
+#include "panels/structures/suggestion_field.h"
+
+#include <QFontDatabase>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+constexpr int kVisibleLines = 6; // longer texts scroll
+constexpr auto kLevel = "Level"_L1;
+constexpr auto kName = "name"_L1;
+constexpr auto kPartition = "partitionCol"_L1;
+constexpr auto kCommas = "commaSeparated"_L1;
+constexpr auto kType = "type"_L1;
+constexpr auto kText = "text"_L1;
+constexpr auto kCalled = "calledLevel"_L1;
+constexpr auto kColumns = "columns"_L1;
+
+bool isLevel(const ParameterInfo &list)
+{
+    return list.itemElement == kLevel;
+}
+
+/// Whether the type of an item uses the member.
+bool uses(const Element &item, const ParameterInfo &list, const QString &member)
+{
+    return isUsed(item, list, *memberOf(list, member));
+}
+
+/// What an item writes, besides its type.
+QString detailOf(const Element &item, const ParameterInfo &list)
+{
+    for (const auto member : {kText, kCalled, kColumns}) {
+        if (uses(item, list, member)) {
+            return memberValue(item, list, member).replace(u'\n', u", "_s);
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+WriteLevelsEditor::WriteLevelsEditor(const FieldContext &context, const LevelWriting &writing)
+    : StructureEditor(context, Lists::InTree,
+                      {tr("Add a level or an item after the current one"),
+                       tr("Add an item to the current level")})
+    , m_writing(writing)
+    , m_text(new QPlainTextEdit(this))
+    , m_source(new NoteLabel(this))
+    , m_problem(new NoteLabel(this))
+{
+    addPreview();
+}
+
+void WriteLevelsEditor::addPreview()
+{
+    auto *const title = new QLabel(tr("Beginning of the file:"));
+    title->setBuddy(m_text);
+    m_text->setReadOnly(true);
+    m_text->setTabChangesFocus(true);
+    m_text->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+    m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    const int margins =
+        2 * (m_text->frameWidth() + static_cast<int>(m_text->document()->documentMargin()));
+    m_text->setFixedHeight(QFontMetrics(m_text->font()).lineSpacing() * kVisibleLines + margins);
+    nameControl(m_text, tr("Beginning of the file"));
+    column()->addWidget(title);
+    column()->addWidget(m_text);
+    column()->addWidget(m_problem);
+    column()->addWidget(m_source);
+}
+
+// ---- The fields
+
+FieldEditor *WriteLevelsEditor::makeMember(const FieldContext &context)
+{
+    const QString name = context.info.name;
+    if (name == kCalled) {
+        return new SuggestionField(context, [this] { return levelNames(); });
+    }
+    if (name == kText) {
+        return new TextEditor(context); // may have several lines
+    }
+    if (name == kPartition) {
+        return new ColumnField(context);
+    }
+    return name == kColumns ? new ColumnPicker(context) : makeEditor(context);
+}
+
+QStringList WriteLevelsEditor::levelNames() const
+{
+    QStringList names;
+    for (const Element &level : elements()) {
+        names << memberValue(level, context().info, kName);
+    }
+    return names;
+}
+
+QString WriteLevelsEditor::summary(const Element &element, const ParameterInfo &list,
+                                   int index) const
+{
+    if (isLevel(list)) {
+        const QString name = memberValue(element, list, kName);
+        const QString number = QString::number(index + 1);
+        return name.isEmpty() ? tr("Level %1").arg(number) : tr("Level %1: %2").arg(number, name);
+    }
+    const ParameterInfo &type = *memberOf(list, kType);
+    const QString number = memberValue(element, type);
+    const QString what = type.choices.value(number.toInt());
+    const QString text = what.isEmpty()
+                             ? tr("Type %1").arg(number)
+                             : QCoreApplication::translate("Parameters", what.toUtf8().constData());
+    const QString detail = detailOf(element, list);
+    return detail.isEmpty() ? text : text + u": "_s + detail;
+}
+
+QString WriteLevelsEditor::remark(const Element &element, const ParameterInfo &list) const
+{
+    if (isLevel(list)) {
+        return {};
+    }
+    const QString called = memberValue(element, list, kCalled);
+    if (uses(element, list, kCalled) && !levelNames().contains(called)) {
+        return tr("There is no level '%1'").arg(called);
+    }
+    const bool lacksColumns =
+        uses(element, list, kColumns) && memberValue(element, list, kColumns).isEmpty();
+    return lacksColumns ? tr("No column is chosen") : QString();
+}
+
+Element WriteLevelsEditor::makeElement(const ParameterInfo &list) const
+{
+    return isLevel(list) ? makeLevel(list) : newElement(list);
+}
+
+Element WriteLevelsEditor::makeLevel(const ParameterInfo &list) const
+{
+    const compose::WriteLevel pattern = m_writing.defaultLevels(true, {}).front();
+    Element level = newElement(list);
+    setMember(&level, *memberOf(list, kCommas), pattern.commaSeparated ? u"1"_s : u"0"_s);
+    const auto number = elements().size() + 1;
+    if (number > 1) {
+        setMember(&level, *memberOf(list, kName), u"level%1"_s.arg(number));
+        return level;
+    }
+    const ParameterInfo &items = *listIn(list);
+    for (const compose::WriteItem &item : pattern.items) {
+        Element element = newElement(items);
+        setMember(&element, *memberOf(items, kType), QString::number(item.type));
+        setMember(&element, *memberOf(items, kText), item.text);
+        level.children.push_back(std::move(element));
+    }
+    return level;
+}
+
+/// The top level has no partitions.
+bool WriteLevelsEditor::showsMember(const Element &element, const ParameterInfo &list,
+                                    const ParameterInfo &member) const
+{
+    return StructureEditor::showsMember(element, list, member) &&
+           (member.name != kPartition || currentIndex() > 0);
+}
+
+// ---- The preview
+
+void WriteLevelsEditor::refreshContext()
+{
+    StructureEditor::refreshContext();
+    updateRows();
+}
+
+void WriteLevelsEditor::actionChanged()
+{
+    updatePreview();
+}
+
+void WriteLevelsEditor::updateRows()
+{
+    const InputPart part = inputPartOf(*context().action);
+    // The action itself is a part of it, but not the one whose changes matter.
+    InputPart sources = part;
+    sources.graph.actions.removeIf(
+        [&](const CorvantaGraph::Action &action) { return action.id == part.id; });
+    const QByteArray asked = part.isLinked() ? sources.graph.toXml() : QByteArray();
+    if (asked == m_asked) {
+        return;
+    }
+    m_asked = asked;
+    m_rows = {};
+    if (part.isLinked()) {
+        m_query.ask<PreviewRows>(
+            *context().action, [part](ActionItem &) { return inputRows(part); },
+            [this](const PreviewRows &rows) {
+                m_rows = rows;
+                updatePreview();
+            });
+    }
+}
+
+void WriteLevelsEditor::updatePreview()
+{
+    const PreviewRows rows = m_rows.rows.isEmpty() ? sampleRows(inputColumns()) : m_rows;
+    // A copy, because composing changes the state of the action.
+    GlobalParameters *const global = context().action->globalParameters();
+    const std::unique_ptr<ActionItem> copy(context().action->clone(global));
+    const LevelWriting::Text composed =
+        copy == nullptr ? LevelWriting::Text() : m_writing.compose(*copy, rows);
+    if (m_text->toPlainText() != composed.text) { // keeps the scroll position
+        m_text->setPlainText(composed.text);
+    }
+    m_problem->setNote(NoteLabel::Kind::Error, composed.problem);
+    m_source->setNote(NoteLabel::Kind::Remark,
+                      rows.isSample ? tr("With sample values in place of the rows of the input")
+                                    : tr("With the first rows of the input"));
+}
+
+} // namespace corvanta
