@@ -1,5 +1,6 @@
 // What writeReport finds in a template: the parts with tags, and for "check --template" the tags
 // themselves.
+#include "actions/write_report/report_problems.h"
 #include "actions/write_report/shipped_template.h"
 #include "actions/write_report/write_report.h"
 #include "codecs/document/part_locations.h"
@@ -96,6 +97,28 @@ bool ActionWriteReport::templateMarks(const QString &file, QVector<TemplateMark>
     closeFiles();
     m_run = {};
     return true;
+}
+
+std::optional<std::vector<ReportChart>> ActionWriteReport::templateCharts() const
+{
+    const QString name = templateFile();
+    const QByteArray folder = chartFolderOf(name);
+    const auto input = PackageInput::open(globalParameters(), name);
+    const auto found = input && !folder.isEmpty()
+                           ? readCharts((*input)->reader(), folder)
+                           : Result<TemplateCharts, opc::Error>(Fault{opc::Error::Unreadable});
+    if (!found) {
+        return std::nullopt;
+    }
+    std::vector<ReportChart> unique;
+    for (const ChartPart &part : found->parts) {
+        for (const charts::ChartTag &tag : part.tags) {
+            if (tag.use == charts::TagUse::Series && chartOf(unique, tag.reference) == nullptr) {
+                unique.push_back({tag.type, tag.reference, {}});
+            }
+        }
+    }
+    return unique;
 }
 
 void ActionWriteReport::listPart(const ChartPart &part, const QString &place,

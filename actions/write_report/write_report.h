@@ -33,6 +33,9 @@ public:
     bool templateMarks(const QString &file, QVector<TemplateMark> *marks) override;
     QStringList includedTemplates() const override;
     QVector<ParameterProblem> problems() const override;
+    /// A chart without data for each tag of the template, in its order; nothing if the template
+    /// cannot be read. Logs nothing. Not during a run.
+    std::optional<std::vector<ReportChart>> templateCharts() const;
 
 protected:
     QString message(TemplateProblem problem, const QString &name) const override;

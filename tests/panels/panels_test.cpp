@@ -91,6 +91,7 @@ QString enterValue(QWidget *field, const ParameterInfo &info, const QString &old
         const int number = box->value() == box->maximum() ? box->value() - 1 : box->value() + 1;
         box->selectAll();
         QTest::keyClicks(box, QString::number(number));
+        QTest::keyClick(box, Qt::Key_Return); // a number of pins is not taken before
         return QString::number(number);
     }
     if (auto *const box = qobject_cast<QComboBox *>(control);

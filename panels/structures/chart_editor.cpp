@@ -1,0 +1,146 @@
+#include "panels/structures/chart_editor.h"
+
+#include "panels/note_label.h"
+#include "panels/structures/chart_axes_field.h"
+#include "panels/structures/suggestion_field.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+constexpr auto kName = "name"_L1;
+constexpr auto kType = "type"_L1;
+constexpr auto kAxes = "axis"_L1;
+constexpr auto kTemplate = "template"_L1;
+constexpr int kNamesInNote = 3; // more are counted only
+
+} // namespace
+
+ChartEditor::ChartEditor(const FieldContext &context, FindMarks findMarks)
+    : StructureEditor(context, Lists::AsFields, {tr("Add a chart"), {}})
+    , m_findMarks(findMarks)
+    , m_note(new NoteLabel(this))
+    , m_add(new QPushButton(tr("Add them"), this))
+{
+    nameControl(m_add, tr("Add the tags of the template that have no chart"));
+    m_add->hide();
+    m_add->setAutoDefault(false);
+    connect(m_add, &QPushButton::clicked, this, [this] { addMissing(); });
+    auto *const row = new QHBoxLayout;
+    row->addWidget(m_note, 1);
+    row->addWidget(m_add, 0, Qt::AlignTop);
+    column()->insertLayout(1, row); // below the tree
+}
+
+void ChartEditor::actionChanged()
+{
+    const ActionParameters &parameters = *context().parameters;
+    const QString name = parameters.parameterValue(parameters.indexOfParameter(kTemplate));
+    if (name == m_template) {
+        return;
+    }
+    m_template = name;
+    m_marks.reset();
+    if (!name.isEmpty()) {
+        m_query.ask<Marks>(*context().action, m_findMarks, [this](const Marks &found) {
+            m_marks = found;
+            updateItems();
+            elementsShown();
+        });
+    }
+}
+
+FieldEditor *ChartEditor::makeMember(const FieldContext &context)
+{
+    if (context.info.name == kAxes) {
+        return new ChartAxesField(context, [this] { return currentType(); });
+    }
+    return context.info.name == kName ? new SuggestionField(context, [this] { return markNames(); })
+                                      : makeEditor(context);
+}
+
+int ChartEditor::currentType() const
+{
+    const Element *const chart = currentElement();
+    return chart == nullptr ? 0 : memberValue(*chart, context().info, kType).toInt();
+}
+
+QString ChartEditor::summary(const Element &chart, const ParameterInfo &list, int) const
+{
+    const QString name = memberValue(chart, list, kName);
+    const ParameterInfo &type = *memberOf(list, kType);
+    const QString kind = type.choices.value(memberValue(chart, type).toInt());
+    return u"%1 \u2013 %2"_s.arg(
+        name.isEmpty() ? tr("(no tag)") : name,
+        QCoreApplication::translate("Parameters", kind.toUtf8().constData()));
+}
+
+QString ChartEditor::remark(const Element &chart, const ParameterInfo &list) const
+{
+    const QString name = memberValue(chart, list, kName);
+    return !m_marks || markNames().contains(name) ? QString()
+                                                  : tr("The template has no tag '%1'").arg(name);
+}
+
+QStringList ChartEditor::markNames() const
+{
+    QStringList names;
+    for (const ChartMark &mark : m_marks.value_or(std::vector<ChartMark>())) {
+        names << mark.name;
+    }
+    return names;
+}
+
+QStringList ChartEditor::missingNames() const
+{
+    QStringList names = markNames();
+    for (const Element &chart : elements()) {
+        names.removeAll(memberValue(chart, context().info, kName));
+    }
+    return names;
+}
+
+void ChartEditor::elementsShown()
+{
+    const QStringList missing = missingNames();
+    const QString some = missing.mid(0, kNamesInNote).join(u"', '"_s);
+    m_note->setNote(NoteLabel::Kind::Remark,
+                    missing.isEmpty()
+                        ? QString()
+                        : tr("Tags of the template without a chart: '%1'")
+                              .arg(missing.size() > kNamesInNote ? some + u"', '\u2026"_s : some));
+    m_add->setVisible(!missing.isEmpty());
+}
+
+void ChartEditor::addMissing()
+{
+    const ParameterInfo &list = context().info;
+    std::vector<Element> left = elements();
+    std::vector<Element> charts;
+    for (const ChartMark &mark : *m_marks) {
+        const auto found = std::find_if(left.begin(), left.end(), [&](const Element &chart) {
+            return memberValue(chart, list, kName) == mark.name;
+        });
+        if (found != left.end()) {
+            charts.push_back(std::move(*found));
+            left.erase(found);
+            continue;
+        }
+        Element chart = newElement(list);
+        setMember(&chart, *memberOf(list, kType), QString::number(mark.type));
+        setMember(&chart, *memberOf(list, kName), mark.name);
+        charts.push_back(std::move(chart));
+    }
+    std::move(left.begin(), left.end(), std::back_inserter(charts));
+    replaceElements(std::move(charts));
+}
+
+} // namespace corvanta

@@ -1,0 +1,82 @@
+#include "panels/structures/pins.h"
+
+#include "corvanta/action_item.h"
+#include "corvanta/edit/edit_history.h"
+#include "corvanta/main_ui.h"
+#include "corvanta/update_class_widget.h"
+#include "panels/basic_editors.h"
+#include "panels/glyphs.h"
+
+#include <QHBoxLayout>
+#include <QSpinBox>
+#include <QToolButton>
+
+namespace corvanta {
+
+namespace {
+
+/// Other parameters may belong to the pins, and have changed too.
+void refreshPanelOf(const QWidget &field)
+{
+    for (QWidget *above = field.parentWidget(); above != nullptr; above = above->parentWidget()) {
+        if (auto *const panel = dynamic_cast<UpdateClassWidget *>(above)) {
+            panel->refresh();
+            return;
+        }
+    }
+}
+
+void changePins(ActionItem *action, int count)
+{
+    int before = -1; // the action stops where it refuses
+    while (action->pinInCount() != count && action->pinInCount() != before) {
+        before = action->pinInCount();
+        if (before < count) {
+            action->addPinIn();
+        } else {
+            action->removePinIn();
+        }
+    }
+}
+
+} // namespace
+
+void setPinCount(const FieldEditor &field, int count)
+{
+    const FieldContext &context = field.context();
+    const int before = context.action->pinInCount();
+    changePins(context.action, count);
+    if (context.action->pinInCount() != before) {
+        const int index = context.parameters->indexOfParameter(context.info.name);
+        MainUI::parameterWasEdited(
+            context.action, {context.info.name, context.parameters->parameterValue(index), 0});
+        refreshPanelOf(field);
+    }
+}
+
+PinCountField::PinCountField(const FieldContext &context)
+    : FieldEditor(context)
+    , m_box(new QSpinBox(this))
+{
+    m_box->setRange(static_cast<int>(context.info.low), static_cast<int>(context.info.high));
+    m_box->setButtonSymbols(QAbstractSpinBox::NoButtons);
+    m_box->setKeyboardTracking(false); // each number on the way would add and remove pins
+    auto *const row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_box);
+    row->addWidget(makeButton(Glyph::Add, tr("Add an input pin"), [this] { m_box->stepUp(); }));
+    row->addWidget(
+        makeButton(Glyph::Remove, tr("Remove the last input pin"), [this] { m_box->stepDown(); }));
+    row->addStretch(1);
+    setMainControl(m_box);
+    ignoreWheelWithoutFocus(m_box);
+    connect(m_box, &QSpinBox::valueChanged, this, [this](int count) { setPinCount(*this, count); });
+}
+
+void PinCountField::setValue(const QString &value)
+{
+    const QSignalBlocker blocker(m_box);
+    m_box->setValue(value.toInt());
+}
+
+} // namespace corvanta
