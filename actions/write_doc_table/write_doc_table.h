@@ -34,6 +34,9 @@ public:
     void removePinIn() override;
     /// Equal markers, and what the template does not have: markers and styles.
     QVector<ParameterProblem> problems() const override;
+    /// The names of the markers that a run can find in the template, in its order, each once;
+    /// nothing if the template cannot be read. Logs nothing. Not during a run.
+    std::optional<QStringList> templateMarkers() const;
 
 protected:
     void start() override;

@@ -2,6 +2,7 @@
 #include "actions/write_doc_table/write_doc_table.h"
 #include "codecs/document/document_part.h"
 #include "codecs/document/document_parts.h"
+#include "codecs/document/template_list.h"
 #include "codecs/opc/marker_search.h"
 #include "codecs/opc/markup_scan.h"
 
@@ -33,6 +34,26 @@ QVector<ParameterProblem> ActionWriteDocTable::problems() const
     addOwnTemplateProblem(expandOutputFile(m_params.output, {}), expandFile(m_params.templateName),
                           &found);
     return found;
+}
+
+std::optional<QStringList> ActionWriteDocTable::templateMarkers() const
+{
+    const auto source = PackageInput::open(globalParameters(), expandFile(m_params.templateName));
+    const auto markers = source ? document::listTemplate((*source)->reader())
+                                : Result<std::vector<document::TemplateMarker>, opc::Error>(
+                                      Fault{opc::Error::Unreadable});
+    if (!markers) {
+        return std::nullopt;
+    }
+    QStringList names;
+    for (const document::TemplateMarker &marker : *markers) {
+        const bool isFound = marker.isInBody && (marker.runs == 1 || m_params.joinRuns);
+        if (isFound && marker.text.size() > 2) {
+            names << marker.text.sliced(1).chopped(1); // without percent signs
+        }
+    }
+    names.removeDuplicates();
+    return names;
 }
 
 void ActionWriteDocTable::addTemplateProblems(const std::vector<QByteArray> &markers,
