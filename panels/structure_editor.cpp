@@ -114,7 +114,9 @@ int StructureEditor::currentIndex() const
 void StructureEditor::setValue(const QString &value)
 {
     std::vector<Element> elements = elementsOf(context().info, value);
-    if (valueOf(context().info, elements) != this->value() || m_tree->topLevelItemCount() == 0) {
+    m_wrapper = wrapperOf(context().info, value);
+    if (valueOf(context().info, elements, m_wrapper) != this->value() ||
+        m_tree->topLevelItemCount() == 0) {
         showElements(std::move(elements)); // otherwise the current element stays current
     }
 }

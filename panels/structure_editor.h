@@ -93,7 +93,7 @@ private:
         int member = 0;
     };
 
-    QString value() const { return valueOf(context().info, elements()); }
+    QString value() const { return valueOf(context().info, elements(), m_wrapper); }
     ElementItem *current() const;
     void showElements(std::vector<Element> elements);
     void addButtons(QVBoxLayout *buttons, const AddTexts &texts);
@@ -116,6 +116,7 @@ private:
     void moveCurrent(int by);
 
     Lists m_lists;
+    Element m_wrapper; // of the value
     QTreeWidget *m_tree;
     QFormLayout *m_form;
     QVBoxLayout *m_column;

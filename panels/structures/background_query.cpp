@@ -3,7 +3,6 @@
 #include "corvanta/log.h"
 
 #include <QCoreApplication>
-#include <QPointer>
 #include <QThreadPool>
 
 #include <new>
@@ -37,22 +36,23 @@ struct Copy
 
 } // namespace
 
-void BackgroundQuery::start(ActionItem &action, Work work, std::function<void()> done)
+void BackgroundQuery::start(ActionItem &action, std::function<void(ActionItem &copy)> work,
+                            std::function<void()> done)
 {
-    const int number = ++m_last;
+    const int number = ++*m_last;
+    const auto isWanted = [last = m_last, number] { return *last == number; };
     const auto copy = std::make_shared<Copy>(action);
-    const QPointer<QObject> guard(&m_guard);
-    const auto deliver = [this, guard, number, done = std::move(done)] {
-        // On the GUI thread, so the object cannot disappear in between.
-        if (!guard.isNull() && number == m_last) {
+    // The object is destroyed on the GUI thread too, so not between the test and the call.
+    const auto deliver = [isWanted, done = std::move(done)] {
+        if (isWanted()) {
             done();
         }
     };
-    QThreadPool::globalInstance()->start([copy, work = std::move(work), deliver] {
+    QThreadPool::globalInstance()->start([=, work = std::move(work)] {
         NoLog log;
         const LogScope scope({&log, {}});
         try {
-            if (copy->item != nullptr) {
+            if (copy->item != nullptr && isWanted()) {
                 work(*copy->item);
             }
         } catch (const std::bad_alloc &) {

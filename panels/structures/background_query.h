@@ -1,13 +1,12 @@
 // Asks a copy of an action something that may take long, such as what is in its file, on a worker
 // thread.
 //
-// The worker outlives the object that asked; the answer is then dropped. A newer question drops the
-// answers to the older ones.
+// The worker may outlive the object that asked; its answer is then dropped. A newer question drops
+// the answers to the older ones, and those that have not been started yet.
 #pragma once
 #include "corvanta/action_item.h"
 
-#include <QObject>
-
+#include <atomic>
 #include <functional>
 #include <memory>
 
@@ -17,14 +16,14 @@ namespace corvanta {
 class BackgroundQuery final
 {
 public:
-    /// Called on the worker, with a copy of the action that only it uses. Messages that it logs are
-    /// dropped.
-    using Work = std::function<void(ActionItem &copy)>;
-    /// Start `work` with a copy of `action` as it is now, and then call `done` on the GUI thread.
-    /// What `work` finds must be shared with `done`, not with this object.
-    void start(ActionItem &action, Work work, std::function<void()> done);
+    BackgroundQuery() = default;
+    ~BackgroundQuery() { ++*m_last; }
+    BackgroundQuery(const BackgroundQuery &) = delete;
+    BackgroundQuery &operator=(const BackgroundQuery &) = delete;
 
-    /// The same for a function that returns what it finds.
+    /// Call `find` on a worker, with a copy of `action` as it is now, which only the worker uses,
+    /// and then `done` on the GUI thread with what it returns. Messages that `find` logs are
+    /// dropped. Without memory the result is a default one.
     template <class Result>
     void ask(ActionItem &action, std::function<Result(ActionItem &copy)> find,
              std::function<void(const Result &)> done)
@@ -36,8 +35,11 @@ public:
     }
 
 private:
-    QObject m_guard; // answers are delivered as long as it exists
-    int m_last = 0;  // number of the last question
+    void start(ActionItem &action, std::function<void(ActionItem &copy)> work,
+               std::function<void()> done);
+
+    /// Number of the last question; workers compare theirs with it.
+    std::shared_ptr<std::atomic<int>> m_last = std::make_shared<std::atomic<int>>(0);
 };
 
 } // namespace corvanta

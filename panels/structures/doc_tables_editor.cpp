@@ -1,7 +1,8 @@
 #include "panels/structures/doc_tables_editor.h"
 
 #include "corvanta/action_item.h"
-#include "panels/structures/pins.h"
+
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -48,14 +49,35 @@ void DocTablesEditor::actionChanged()
     }
 }
 
+/// The action knows the table of a new pin, and whether it may have one.
 void DocTablesEditor::addRow()
 {
-    setPinCount(*this, context().action->pinInCount() + 1);
+    ActionItem &action = *context().action;
+    const std::unique_ptr<ActionItem> copy(action.clone(action.globalParameters()));
+    auto *const parameters = dynamic_cast<ActionParameters *>(copy.get());
+    if (parameters == nullptr) {
+        return; // no memory
+    }
+    copy->addPinIn();
+    const int index = parameters->indexOfParameter(context().info.name);
+    std::vector<Element> tables = elements();
+    const std::vector<Element> all = elementsOf(context().info, parameters->parameterValue(index));
+    if (all.size() > tables.size()) {
+        tables.push_back(all.back());
+        showElements(std::move(tables));
+        reportElements();
+    }
 }
 
+/// Links belong to the numbers of pins, so it is always the last one. The first pin stays.
 void DocTablesEditor::removeRow()
 {
-    setPinCount(*this, context().action->pinInCount() - 1);
+    std::vector<Element> tables = elements();
+    if (tables.size() > 1) {
+        tables.pop_back();
+        showElements(std::move(tables));
+        reportElements();
+    }
 }
 
 } // namespace corvanta

@@ -77,6 +77,20 @@ bool hasWrapper(const ParameterInfo &list)
     return list.name != list.itemElement;
 }
 
+/// An element around a value, which may be none or several elements.
+Element rootOf(const QString &value)
+{
+    const auto document = XMLNode::parse("<p>" + value.toUtf8() + "</p>");
+    return document ? elementOf(*document) : Element();
+}
+
+Element wholeWrapperOf(const ParameterInfo &list, const QString &value)
+{
+    const Element root = rootOf(value);
+    const Element *const wrapper = root.child(list.name);
+    return wrapper == nullptr ? Element() : *wrapper;
+}
+
 /// The elements of a list that is a member of `parent`, without a wrapper.
 std::vector<Element> itemsIn(const Element &parent, const ParameterInfo &list)
 {
@@ -162,22 +176,28 @@ Element *Element::child(const QString &wanted)
 
 std::vector<Element> elementsOf(const ParameterInfo &list, const QString &value)
 {
-    const auto document = XMLNode::parse("<p>" + value.toUtf8() + "</p>");
-    const Element root = document ? elementOf(*document) : Element();
-    if (!hasWrapper(list)) {
-        return root.children;
-    }
-    const Element *const wrapper = root.child(list.name);
-    return wrapper == nullptr ? std::vector<Element>() : wrapper->children;
+    return hasWrapper(list) ? wholeWrapperOf(list, value).children : rootOf(value).children;
 }
 
-QString valueOf(const ParameterInfo &list, const std::vector<Element> &elements)
+Element wrapperOf(const ParameterInfo &list, const QString &value)
 {
-    QString xml;
-    for (const Element &element : elements) {
-        xml += element.xml();
+    Element wrapper = hasWrapper(list) ? wholeWrapperOf(list, value) : Element();
+    wrapper.children.clear();
+    return wrapper;
+}
+
+QString valueOf(const ParameterInfo &list, const std::vector<Element> &elements,
+                const Element &wrapper)
+{
+    if (!hasWrapper(list) || elements.empty()) {
+        Element root;
+        root.children = elements;
+        return root.inner();
     }
-    return xml.isEmpty() || !hasWrapper(list) ? xml : u"<%1>%2</%1>"_s.arg(list.name, xml);
+    Element whole = wrapper;
+    whole.name = list.name;
+    whole.children = elements;
+    return whole.xml();
 }
 
 Element newElement(const ParameterInfo &list)

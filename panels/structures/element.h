@@ -38,8 +38,12 @@ struct Element
 
 /// The elements of a value; none if it is not the XML of such elements.
 std::vector<Element> elementsOf(const ParameterInfo &list, const QString &value);
-/// The value of these elements; empty without elements.
-QString valueOf(const ParameterInfo &list, const std::vector<Element> &elements);
+/// The wrapper of a value with its attributes, without elements; no name if the list has none.
+Element wrapperOf(const ParameterInfo &list, const QString &value);
+/// The value of these elements; empty without elements. A list that needs a wrapper gets a new one
+/// if `wrapper` has no name.
+QString valueOf(const ParameterInfo &list, const std::vector<Element> &elements,
+                const Element &wrapper = {});
 /// A new element. It has the attributes that are always saved.
 Element newElement(const ParameterInfo &list);
 

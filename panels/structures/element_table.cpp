@@ -55,6 +55,10 @@ protected:
     {
         QStyledItemDelegate::initStyleOption(option, index);
         const bool isFlag = index.data(Qt::CheckStateRole).isValid();
+        if (isFlag) {
+            // Styles draw the frame of a box in a colour that is close to that of the window.
+            option->palette.setColor(QPalette::Window, remarkColor(option->palette));
+        }
         if (option->text.isEmpty() && !isFlag) {
             option->text = m_owner->m_emptyText;
             option->palette.setColor(QPalette::Text, remarkColor(option->palette));
@@ -148,12 +152,31 @@ void ElementTable::setUpHeader()
     }
     header->setHighlightSections(false);
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    updateMinimumWidth();
+}
+
+/// All titles are readable. Columns of texts share the width that the others leave.
+void ElementTable::updateMinimumWidth()
+{
+    const QHeaderView *const header = m_table->horizontalHeader();
+    int widest = 0;
+    int texts = 0;
+    int others = m_rowFormat.isEmpty() ? 0 : fontMetrics().horizontalAdvance(m_rowFormat) * 2;
+    for (int i = 0; i < m_table->columnCount(); ++i) {
+        const int width = m_table->isColumnHidden(i) ? 0 : header->sectionSizeHint(i);
+        const bool isText = header->sectionResizeMode(i) == QHeaderView::Stretch;
+        widest = isText ? qMax(widest, width) : widest;
+        texts += isText ? 1 : 0;
+        others += isText ? 0 : width;
+    }
+    m_table->setMinimumWidth(widest * texts + others + 2 * m_table->frameWidth());
 }
 
 void ElementTable::showRowNumbers(const QString &format)
 {
     m_rowFormat = format;
     m_table->verticalHeader()->setVisible(true);
+    updateMinimumWidth();
 }
 
 void ElementTable::hideMember(const QString &name)
@@ -164,6 +187,7 @@ void ElementTable::hideMember(const QString &name)
             m_table->setColumnHidden(i, true);
         }
     }
+    updateMinimumWidth();
 }
 
 // ---- Showing
@@ -171,6 +195,7 @@ void ElementTable::hideMember(const QString &name)
 void ElementTable::setValue(const QString &value)
 {
     std::vector<Element> elements = elementsOf(context().info, value);
+    keepWrapper(value);
     // While a cell is edited, an equal value must not end it.
     if (valueOf(context().info, elements) != valueOf(context().info, m_elements) ||
         m_table->rowCount() == 0) {
@@ -255,7 +280,7 @@ void ElementTable::reportElements()
     std::vector<Element> reported;
     std::copy_if(m_elements.begin(), m_elements.end(), std::back_inserter(reported),
                  [this](const Element &element) { return isReported(element); });
-    report(valueOf(context().info, reported));
+    report(valueOf(context().info, reported, m_wrapper));
 }
 
 void ElementTable::addRow()

@@ -52,6 +52,8 @@ protected:
     virtual void removeRow();
 
     const std::vector<Element> &elements() const { return m_elements; }
+    /// Keep what the value has around its elements. setValue() does it.
+    void keepWrapper(const QString &value) { m_wrapper = wrapperOf(context().info, value); }
     /// Show these elements without reporting them; the current cell stays current.
     void showElements(std::vector<Element> elements);
     void reportElements();
@@ -72,6 +74,7 @@ private:
 
     void setUpTable();
     void setUpHeader();
+    void updateMinimumWidth();
     void updateCell(int row, int column);
     /// Take the text that the user has entered.
     void take(const QTableWidgetItem &cell);
@@ -79,6 +82,7 @@ private:
     void moveRow(int by);
 
     std::vector<Element> m_elements; // by row
+    Element m_wrapper;               // of the value
     QTableWidget *m_table;
     QString m_rowFormat; // empty: rows have no titles
     QString m_emptyText;

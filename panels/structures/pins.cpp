@@ -41,19 +41,6 @@ void changePins(ActionItem *action, int count)
 
 } // namespace
 
-void setPinCount(const FieldEditor &field, int count)
-{
-    const FieldContext &context = field.context();
-    const int before = context.action->pinInCount();
-    changePins(context.action, count);
-    if (context.action->pinInCount() != before) {
-        const int index = context.parameters->indexOfParameter(context.info.name);
-        MainUI::parameterWasEdited(
-            context.action, {context.info.name, context.parameters->parameterValue(index), 0});
-        refreshPanelOf(field);
-    }
-}
-
 PinCountField::PinCountField(const FieldContext &context)
     : FieldEditor(context)
     , m_box(new QSpinBox(this))
@@ -70,13 +57,26 @@ PinCountField::PinCountField(const FieldContext &context)
     row->addStretch(1);
     setMainControl(m_box);
     ignoreWheelWithoutFocus(m_box);
-    connect(m_box, &QSpinBox::valueChanged, this, [this](int count) { setPinCount(*this, count); });
+    connect(m_box, &QSpinBox::valueChanged, this, [this](int count) { setPinCount(count); });
 }
 
 void PinCountField::setValue(const QString &value)
 {
     const QSignalBlocker blocker(m_box);
     m_box->setValue(value.toInt());
+}
+
+void PinCountField::setPinCount(int count)
+{
+    ActionItem *const action = context().action;
+    const int before = action->pinInCount();
+    changePins(action, count);
+    if (action->pinInCount() != before) {
+        const QString &name = context().info.name;
+        const int index = context().parameters->indexOfParameter(name);
+        MainUI::parameterWasEdited(action, {name, context().parameters->parameterValue(index), 0});
+    }
+    refreshPanelOf(*this); // also when the action refused
 }
 
 } // namespace corvanta

@@ -1,6 +1,7 @@
-// Adds and removes input pins in a panel.
+// The number of input pins, with buttons that add and remove one.
 //
-// The action does it itself, because parameters belong to its pins. Threads: the GUI thread.
+// The action adds and removes them itself, because other parameters belong to its pins. Threads:
+// the GUI thread.
 #pragma once
 #include "panels/field_editor.h"
 
@@ -10,11 +11,6 @@ class QSpinBox;
 
 namespace corvanta {
 
-/// Change the number of input pins of the action towards `count`, as an edit of the parameter of
-/// `field`, and show the new values in its panel. The action may refuse a number.
-void setPinCount(const FieldEditor &field, int count);
-
-/// The number of input pins, with buttons that add and remove one.
 class PinCountField final : public FieldEditor
 {
     Q_DECLARE_TR_FUNCTIONS(corvanta::PinCountField)
@@ -26,6 +22,10 @@ protected:
     void setValue(const QString &value) override;
 
 private:
+    /// Change the number of input pins of the action towards `count`, as one edit, and show the new
+    /// values in the panel. The action may refuse a number.
+    void setPinCount(int count);
+
     QSpinBox *m_box;
 };
 

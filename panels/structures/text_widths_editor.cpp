@@ -58,6 +58,7 @@ std::vector<Element> TextWidthsEditor::withInputColumns(std::vector<Element> ele
 
 void TextWidthsEditor::setValue(const QString &value)
 {
+    keepWrapper(value);
     std::vector<Element> all = withInputColumns(elementsOf(context().info, value));
     if (valueOf(context().info, all) != valueOf(context().info, elements())) {
         showElements(std::move(all)); // otherwise a cell may be edited

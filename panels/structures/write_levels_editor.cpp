@@ -72,7 +72,9 @@ void WriteLevelsEditor::addPreview()
     m_text->setReadOnly(true);
     m_text->setTabChangesFocus(true);
     m_text->setLineWrapMode(QPlainTextEdit::WidgetWidth);
-    m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    fixed.setPointSizeF(font().pointSizeF()); // that of the system does not follow the user's
+    m_text->setFont(fixed);
     const int margins =
         2 * (m_text->frameWidth() + static_cast<int>(m_text->document()->documentMargin()));
     m_text->setFixedHeight(QFontMetrics(m_text->font()).lineSpacing() * kVisibleLines + margins);

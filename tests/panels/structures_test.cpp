@@ -16,6 +16,7 @@
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThreadPool>
 #include <QToolButton>
 #include <QTreeWidget>
 
@@ -166,6 +167,19 @@ TEST(ReadLevels, ManyColumnsAreEditedInATable)
     EXPECT_TRUE(levels.value().contains("<s>x</s>"_L1)) << "LeftOut is kept";
 }
 
+TEST(ReadLevels, ThePanelMayBeClosedWhileTheFileIsRead)
+{
+    const QTemporaryDir folder;
+    const QString file = write(folder, u"a.json"_s, QByteArray(200'000, '['));
+    for (int i = 0; i < 20; ++i) {
+        const panels::Action action =
+            panels::fromXml("<readJSON fileName='" + file.toUtf8() + "'/>");
+        const panels::Panel panel(action->createPanel(nullptr));
+    }
+    EXPECT_TRUE(QThreadPool::globalInstance()->waitForDone(30000));
+    QApplication::processEvents(); // delivers the answers, to nothing
+}
+
 TEST(WriteLevels, FieldsFollowTheTypeAndThePreviewFollowsTheFields)
 {
     panels::setInputColumns({u"id"_s, u"name"_s});
@@ -310,6 +324,55 @@ TEST(DocTables, AreAddedWithTheirPins)
     QTest::keyClick(tables.table(), Qt::Key_Delete);
     EXPECT_EQ(tables.action->pinInCount(), 1);
     EXPECT_TRUE(tables.value().contains("markerName='A'"_L1));
+}
+
+TEST(Structures, KeepWhatTheTableDoesNotDeclare)
+{
+    CorvantaGraph graph;
+    EditHistory history(&graph);
+    MainUI::EditorHooks hooks;
+    hooks.editedGraph = [&] { return &graph; };
+    hooks.edited = [&](ActionItem *action, const ParameterEdit &edit) {
+        history.record(action, edit);
+    };
+    MainUI::setEditorHooks(hooks);
+    const auto edited = [&](const QByteArray &xml, const QString &parameter) {
+        graph.actions = {{u"a"_s, *XMLNode::parse(xml)}};
+        const panels::Action action = panels::fromXml(xml);
+        action->setIdx(0);
+        const panels::Panel panel(action->createPanel(nullptr));
+        QTest::keyClick(panel->findChild<QWidget *>(parameter)->focusProxy(), Qt::Key_Insert);
+        return graph.toXml();
+    };
+    for (const auto &[xml, parameter, kept] :
+         {std::tuple<QByteArray, QString, QByteArrayList>{
+              "<writeJSON fileName='f'><Levels w='1'><Level x='1'><Item type='0' y='1'><z>t</z>"
+              "</Item></Level></Levels></writeJSON>",
+              u"Levels"_s,
+              {"w='1'", "x='1'", "y='1'", "<z>t</z>"}},
+          {"<writeSAS fileName='f'><StringColDef w='1'><CD n='a' l='8' ol='5' x='1'/>"
+           "</StringColDef></writeSAS>",
+           u"StringColDef"_s,
+           {"w='1'", "x='1'"}},
+          {"<writeDocTable output='o'><v markerName='A' colWidths='' styleID='' x='1'/>"
+           "</writeDocTable>",
+           u"v"_s,
+           {"x='1'", "'T2'"}},
+          {"<readXML fileName='f'><Level initialPath='a' subtagName='b'><e name='n' path='p' "
+           "x='1'/><y/></Level></readXML>",
+           u"Level"_s,
+           {"x='1'", "<y"}},
+          {"<writeReport nPinIn='1' output='o' template='t'><Chart type='0' name='n' x='1'><axis "
+           "pinIdx='0' y='1'>c</axis></Chart></writeReport>",
+           u"Chart"_s,
+           {"x='1'", "y='1'"}}}) {
+        const QByteArray document = edited(xml, parameter);
+        EXPECT_EQ(history.undo() != nullptr, true) << parameter.toStdString();
+        for (const QByteArray &part : kept) {
+            EXPECT_TRUE(document.contains(part)) << part.constData() << document.constData();
+        }
+    }
+    MainUI::setEditorHooks({});
 }
 
 TEST(TextWidths, EachTextColumnOfTheInputHasAWidthOrNone)
