@@ -277,6 +277,7 @@ bool ActionWriteDocTable::writeDocument()
     const auto places = findPlaces(body, m_run->markers);
     warnEach(missingMarkers(body, m_run->markers, places));
     reportLeft(body, places);
+    reportOtherParts();
     reportPlaces(places);
     const auto opened = document().open(member);
     return (opened || failPackage(opened.fault(), TemplateProblem::CannotCopyMember)) &&

@@ -110,6 +110,8 @@ private:
     void warnEach(const QStringList &texts);
     // Warn of markers without a place, and of places that lose something.
     void reportLeft(const QByteArray &body, const std::vector<document::TablePlace> &places);
+    // Also of those in headers, notes and the like.
+    void reportOtherParts();
     void reportPlaces(const std::vector<document::TablePlace> &places);
 
     std::unique_ptr<Run> m_run; // from start() to finish()

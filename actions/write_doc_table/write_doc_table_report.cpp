@@ -185,6 +185,27 @@ void ActionWriteDocTable::reportLeft(const QByteArray &body,
     }
 }
 
+void ActionWriteDocTable::reportOtherParts()
+{
+    // A part that cannot be read is copied unchanged.
+    const auto listed = document::listTemplate(templateReader());
+    Occurrences left;
+    for (const document::TemplateMarker &one :
+         listed ? *listed : std::vector<document::TemplateMarker>()) {
+        const auto &markers = m_run->markers;
+        const bool isMarker =
+            std::find(markers.begin(), markers.end(), one.text.toUtf8()) != markers.end();
+        if (isMarker && !one.isInBody) {
+            left.add(one.count, [&] { return u"'%1' in %2"_s.arg(one.text, one.location); });
+        }
+    }
+    if (left.any()) {
+        warn(
+            u"Warning: %1 markers stay in the document, first %2: tables are only possible in the body.\n"_s
+                .arg(QString::number(left.count()), left.first()));
+    }
+}
+
 void ActionWriteDocTable::reportPlaces(const std::vector<document::TablePlace> &places)
 {
     Occurrences dropped;

@@ -380,6 +380,11 @@ class WriteDocTable(DocumentTest):
                       '<w:p><w:r><w:t>text </w:t></w:r></w:p>' + self.expected([], (9,))
                       + '<w:p><w:r><w:t xml:space="preserve"> more</w:t></w:r></w:p>', body)
 
+    def test_markers_outside_of_the_body(self):
+        self.word(office.paragraph("%T1%"), footer=office.paragraph("%T1% %T1% %x%"))
+        self.report(("colWidths='9'", [("a",), ("1",)]))
+        self.assertEqual(self.log[2], ["Warning: 2 markers stay in the document, first '%T1%' in footer 1: tables are only possible in the body.\n"])
+
     def test_markers_that_are_not_in_a_text(self):
         body = '<w:p><w:r><w:x a="%T1%"/><w:t>%T1%</w:t></w:r></w:p>'
         self.word(body)
