@@ -5,6 +5,7 @@
 #include "codecs/opc/outline.h"
 #include "codecs/opc/relationships.h"
 #include "codecs/xlsx/cell_range.h"
+#include "codecs/xlsx/row_styles.h"
 #include "codecs/xlsx/sheet_splitter.h"
 #include "codecs/xlsx/sheet_tail.h"
 #include "codecs/xlsx/styles_part.h"
@@ -73,6 +74,7 @@ struct Split
 {
     bool isGood = true;
     QByteArray text;
+    RowStyles rows;
 };
 
 Split split(QByteArrayView text, quint64 startRow, qsizetype pieceBytes)
@@ -81,11 +83,15 @@ Split split(QByteArrayView text, quint64 startRow, qsizetype pieceBytes)
     Split out;
     for (qsizetype at = 0; at < text.size() && out.isGood; at += pieceBytes) {
         out.isGood = bool(splitter.push(text.sliced(at, qMin(pieceBytes, text.size() - at))));
-        out.text += splitter.takeHead();
+        const QByteArray head = splitter.takeHead();
+        out.rows.push(head, splitter.rowStart());
+        out.text += head;
     }
     out.isGood = out.isGood && splitter.finish();
     if (out.isGood) {
-        out.text += splitter.takeHead();
+        const QByteArray head = splitter.takeHead();
+        out.rows.push(head, splitter.rowStart());
+        out.text += head;
         const auto tail = withHyperlinks(splitter.tail(), splitter.rootTag(), splitter.family(),
                                          {{1, 1, 0}}, splitter.tailFacts().highestUsedId);
         require(bool(tail));
@@ -103,6 +109,7 @@ void changeSheet(QByteArrayView text)
         require(whole.isGood == inPieces.isGood);
         if (whole.isGood) {
             require(whole.text == inPieces.text);
+            require(whole.rows.styles() == inPieces.rows.styles());
             require(!isWellFormed || Outline::read(whole.text));
         }
     }

@@ -18,6 +18,9 @@ void RowStyles::push(QByteArrayView piece, const QByteArray &rowStart)
 {
     // A larger row is not kept; its cells then have no formats.
     constexpr qsizetype kMaxRowBytes = qsizetype(16) << 20;
+    if (rowStart.isEmpty()) {
+        return;
+    }
     m_row += piece;
     const qsizetype last = m_row.lastIndexOf(rowStart);
     if (last >= 0) {

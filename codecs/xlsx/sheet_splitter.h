@@ -52,8 +52,8 @@ public:
     bool dropsRows() const { return m_startRow != kAppend; }
     /// Whether a dropped row contained a formula; the workbook's calculation chain is then wrong.
     bool hasDroppedFormula() const { return m_hasDroppedFormula; }
-    /// The beginning of each row, "<row" with the prefix of the sheet; valid with the first head.
-    QByteArray rowStart() const { return '<' + m_rowName; }
+    /// The beginning of each row, "<row" with the prefix of the sheet; empty before the root tag.
+    QByteArray rowStart() const { return m_rowName.isEmpty() ? m_rowName : '<' + m_rowName; }
     /// The worksheet's root tag, for the names of its namespaces.
     const QByteArray &rootTag() const { return m_rootTag; }
     /// The family of the worksheet's namespace.
