@@ -29,10 +29,18 @@ QString remedyFor(const document::TemplateMarker &marker, bool joinRuns, bool al
     return remedies.join(u"; "_s);
 }
 
-/// A text such as "5%, at most 10%" looks like a marker, too.
-bool beginsLikeName(const QString &marker)
+bool isHexDigit(QChar c)
 {
-    return marker[1].isLetter() || marker[1] == u'_';
+    return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F') || (c >= u'a' && c <= u'f');
+}
+
+/// Texts such as "5%, at most 10%" look like a marker, too, as do the encoded characters in the
+/// address of a picture: "%C3%BCber".
+bool isLikelyMarker(const document::TemplateMarker &marker)
+{
+    const QString &text = marker.text;
+    const bool isEncoded = marker.isPicture && isHexDigit(text[1]) && isHexDigit(text[2]);
+    return (text[1].isLetter() || text[1] == u'_') && !isEncoded;
 }
 
 } // namespace
@@ -79,7 +87,7 @@ QString ActionWriteDoc::whyLeft(const document::TemplateMarker &marker)
         column->isLeft |= !remedy.isEmpty();
         return remedy;
     }
-    return beginsLikeName(marker.text)
+    return isLikelyMarker(marker)
                ? u"no column of this name in '%1'"_s.arg(marker.isPicture ? u"image"_s : u"text"_s)
                : QString();
 }

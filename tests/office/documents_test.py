@@ -118,8 +118,8 @@ class WriteDoc(DocumentTest):
         self.letter(images=())
         left = [f"'%{name}%' in body (no column of this name in 'text')" for name in names]
         self.assertEqual(self.log[2], [LEFT.format(14, self.folder, ", ".join([*left[:10], "..."]))])
-        self.word(office.paragraph("%text%") + f"<w:p>{office.picture('rId2', 40, 40)}</w:p>", LINK,
-                  footer="<w:p><w:r><w:t>%te</w:t></w:r><w:r><w:t>xt%</w:t></w:r></w:p>")
+        self.word(office.paragraph("%text%") + f"<w:p>{office.picture('rId2', 40, 40)}{office.picture('rId3', 40, 40)}</w:p>", LINK,
+                  "file:///C:/%20%C3%BCber%20uns.png", footer="<w:p><w:r><w:t>%te</w:t></w:r><w:r><w:t>xt%</w:t></w:r></w:p>")
         self.letter(images=())
         self.assertEqual(self.log[2], [LEFT.format(
             2, self.folder, "'%photo%' in picture in the body (no column of this name in 'image'), '%text%' in footer 1 (type it again in one "
