@@ -233,7 +233,10 @@ bool ActionWriteReport::writeDocument()
 {
     const QString name = templateFile();
     const QByteArray folder = chartFolderOf(name);
-    return folder.isEmpty() ? fail(unknownExtension(name)) : writeCopyOf(name, folder);
+    if (folder.isEmpty()) {
+        return fail(unknownExtension(name), u"save the template as one of these first"_s);
+    }
+    return writeCopyOf(name, folder);
 }
 
 bool ActionWriteReport::writeCopyOf(const QString &name, const QByteArray &folder)

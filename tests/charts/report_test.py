@@ -260,7 +260,8 @@ class Report(unittest.TestCase):
     def test_templates_that_cannot_be_used(self):
         unknown = "\nERROR: template file {folder}/%s has unknown extention type (not .xlsx, .pptx, .docx).\n"
         cannot = "\nERROR: cannot read Report Template file {folder}/%s\n"
-        self.fails(unknown % "t.xlsm", template="t.xlsm")
+        log = self.fails(unknown % "t.xlsm", template="t.xlsm")
+        self.assertIn("save the template as one of these first", log[-1][1])
         self.fails(cannot % "missing.xlsx", template="missing.xlsx")
         (self.folder / "text.xlsx").write_text("no package")
         self.fails(cannot % "text.xlsx", template="text.xlsx")
