@@ -206,7 +206,7 @@ int DataSetOutput::declaredWidth(const QString &name) const
 {
     const auto &all = dataSetParams().stringColumns;
     const auto found = std::ranges::find(all, name, &StringColumn::name);
-    return found != all.end() ? std::max(found->width, 0) : 0;
+    return found != all.end() ? found->width : 0;
 }
 
 /// Sets the bytes to which texts of a text column are cut while rows arrive.

@@ -29,6 +29,14 @@ QVector<ParameterProblem> ActionWriteDocTable::problems() const
                      .arg(QString::fromUtf8(marker), QString::number(pin + 1))});
         }
         markers.push_back(marker);
+        QStringList invalid;
+        document::columnWidths(tableOf(pin).colWidths, 0, &invalid);
+        if (!invalid.isEmpty()) {
+            found.push_back(
+                {u"v"_s,
+                 u"the width '%1' of the table on input pin %2 is not allowed; allowed: a whole "
+                 "number from 1 to 31680"_s.arg(invalid.front(), QString::number(pin + 1))});
+        }
     }
     addTemplateProblems(markers, &found);
     addOwnTemplateProblem(expandOutputFile(m_params.output, {}), expandFile(m_params.templateName),

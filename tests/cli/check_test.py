@@ -137,6 +137,9 @@ class Mistakes(Case):
                 ("<writeReport output='o.xlsx' template='t.xlsx'><Chart type='99' name='c'/></writeReport>", ["'99' of 'type'", "uses 14"]),
                 ("<writeReport output='o.xlsx' template='t.xlsx'><Chart name='c'><axis pinIdx='x'>a</axis></Chart></writeReport>",
                  ["'x' of 'pinIdx'", "a whole number"]),
+                ("<writeDocTable output='o.docx' template='t.xlsx'><v colWidths='9,x'/></writeDocTable>",
+                 ["the width 'x' of the table on input pin 1 is not allowed; allowed: a whole number from 1 to 31680"]),
+                ("<writeSAS fileName='o.sas7bdat'><StringColDef><CD n='a' l='-1'/></StringColDef></writeSAS>", ["'-1' of 'l'", "from 0"]),
                 ("<writeSAS fileName='o.sas7bdat'><StringColDef><CD n='a' l='w'/></StringColDef></writeSAS>", ["'w' of 'l'"])]:
             self.graph(self.writer(parameters))
             found = self.problems("check", status=2)

@@ -15,7 +15,7 @@ struct StringColumn
 {
     /// Name of the column.
     QString name;
-    /// Bytes of UTF-8.
+    /// Bytes of UTF-8; 0: unknown.
     int width = 0;
     /// Bytes of the longest text, if the width was measured; 0: unknown.
     int longest = 0;
