@@ -1,10 +1,11 @@
 // A worksheet, shared strings and styles made of any bytes: the columns of a row ascend, and the
 // cells do not depend on how the bytes arrive, nor on whether they are parsed or kept from the
-// first reading. Whole packages of any bytes are opened too.
+// first reading. Whole packages of any bytes are opened too, and their sheets are listed.
 //
 // The first byte chooses: 0 a whole package, otherwise the sheet, with a "\0" before the strings
 // and another before the styles.
 #include "codecs/xlsx/read/xlsx_reader.h"
+#include "codecs/xlsx/sheet_list.h"
 #include "codecs/zip/package_writer.h"
 #include "fuzz/support/require.h"
 #include "fuzz/support/sheet_content.h"
@@ -48,6 +49,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const QByteArray bytes = data[0] == 0 ? rest : packageOf(rest);
     MemorySource whole(bytes);
     MemorySource pieces(bytes, 7);
+    if (const auto package = zip::PackageReader::open(whole)) {
+        (void)xlsx::readSheetList(**package);
+    }
     auto workbook = xlsx::XlsxReader::open(whole);
     auto again = xlsx::XlsxReader::open(pieces);
     require(bool(workbook) == bool(again));

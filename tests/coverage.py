@@ -2,7 +2,7 @@
 """Measure how much of codecs/ and io/ the inputs of the fuzz targets reach: coverage.py [--lines] [FOLDER...]
 
 Builds the replay program of each target with the preset "coverage" and runs it once over fuzz/seeds, fuzz/found, what
-"./dev fuzz" has found since (build/fuzz/corpus), and files of the corpus that its target takes as they are. Prints one row
+"./dev fuzz" has found since (build/fuzz/corpus), and small files of the corpus of real files. Prints one row
 for each folder of sources: all of codecs and io, headers too, but tests and sources for Windows. --lines adds the lines
 that no input reaches. With folders, only their rows are printed. Exit status: 1 if fewer than 85 % of the lines of all of
 these sources are reached, or if a program fails,
@@ -21,8 +21,13 @@ BUILD = ROOT / "build/coverage"
 PROFILES = BUILD / "profiles"
 FOLDERS = ["codecs", "io"]
 ASKED_SCORE = 0.85
-# Folders of the corpus whose small files are inputs without a change.
-CORPUS_FOLDERS = {"gzip": "archives/gz", "lzw": "archives/Z", "rar": "archives/rar", "zip": "archives/zip"}
+# Small files of the corpus that are inputs of a target, after the bytes that choose its options.
+DATA_SETS = ("*.sas7bdat", "*.sav", "*.por", "*.dta", "*.xpt")
+CORPUS_FILES = {"gzip": {"archives/gz/*": b""}, "lzw": {"archives/Z/*": b""}, "rar": {"archives/rar/*": b""}, "zip": {"archives/zip/*": b""},
+                "biff": {"xls/*.xls": b""}, "dbf": {"dbf/*.dbf": bytes(3)}, "parquet": {"parquet/*.parquet": bytes(1)},
+                "stat_check": {f"stat/**/{pattern}": bytes([i]) for i, pattern in enumerate(DATA_SETS)},
+                "stat_read": {f"stat/**/{pattern}": bytes([i + 24]) for i, pattern in enumerate(DATA_SETS)},
+                "xlsx_read": {"xlsx/*.xlsx": bytes(1)}}
 MAX_CORPUS_BYTES = 100_000
 
 
@@ -38,17 +43,17 @@ def build():
 
 
 def corpus_files(target):
-    """A folder with links to the small files of the corpus that are inputs of the target."""
+    """A folder with the small files of the corpus as inputs of the target."""
     corpus = pathlib.Path(os.environ.get("CORVANTA_CORPUS", ROOT.parent / "shared/corpus"))
-    links = PROFILES / f"{target}.corpus"
-    links.mkdir(parents=True, exist_ok=True)
-    for link in links.iterdir():
-        link.unlink()
-    if target in CORPUS_FOLDERS and corpus.is_dir():
-        for path in (corpus / CORPUS_FOLDERS[target]).iterdir():
+    inputs = PROFILES / f"{target}.corpus"
+    inputs.mkdir(parents=True, exist_ok=True)
+    for old in inputs.iterdir():
+        old.unlink()
+    for pattern, options in CORPUS_FILES.get(target, {}).items():
+        for path in corpus.glob(pattern):
             if path.is_file() and path.stat().st_size < MAX_CORPUS_BYTES:
-                (links / path.name).symlink_to(path)
-    return links
+                (inputs / path.name).write_bytes(options + path.read_bytes())
+    return inputs
 
 
 def replay(target):
