@@ -88,6 +88,9 @@ QString TaskMaker::listOfSheets() const
 {
     constexpr size_t kMaxListed = 20;
     const size_t count = m_reader.sheets().size();
+    if (count == 0) {
+        return u"it has no sheets at all"_s;
+    }
     QStringList names;
     for (const sheet::SheetInfo &info : m_reader.sheets()) {
         if (names.size() == static_cast<qsizetype>(kMaxListed)) {

@@ -104,6 +104,8 @@ class StatInput(unittest.TestCase):
         self.write("cut.dta", data[:data.index(b"<lbl>") + 20])
         self.assertRegex(self.convert("cut.dta", "out.csv"), "Warning: the statistical file '.*cut.dta' is cut off: it has no end tag, and value labels may be missing\n")
 
+        self.write("more.dta", data + bytes(100))
+        self.assertNotIn("cut off", self.convert("more.dta", "out.csv"))
         # Older files have no end tag. A label set begins after the rows, with its length.
         old = stata_old([b"one", b"two"])
         for missing, is_cut in ((0, False), (1, True), (30, True), (63, True), (69, True), (72, False)):

@@ -153,6 +153,14 @@ class Workbooks(unittest.TestCase):
         self.make(sheet(["t"], *([cell] for cell in cells)))
         self.assertEqual([row[0] for row in self.read()[0][1:]], ["23:59:59.999", "23:59:59.999", "2023-03-16T00:00:00", "12:00:00"])
 
+    def test_a_package_without_an_end_or_without_sheets(self):
+        self.make()
+        self.assertIn("has no sheet number '1', it has no sheets at all", self.read(status=1)[1])
+        self.make(sheet([1]))
+        book = self.folder / "book.xlsx"
+        book.write_bytes(book.read_bytes()[:-40])
+        self.assertIn("cannot be read: it has no zip directory at its end: it is cut off or damaged", self.read(status=1)[1])
+
     def test_forms_of_markup(self):
         self.make('<x:worksheet xmlns:x="m"><x:sheetData><x:row><x:c t="inlineStr"><x:is><x:r><x:t>a</x:t></x:r><x:rPh><x:t>p</x:t>'
                   '</x:rPh><x:r><x:t xml:space="preserve"> b</x:t></x:r></x:is></x:c><x:c/><x:c t="s"><x:v>0</x:v></x:c></x:row>'

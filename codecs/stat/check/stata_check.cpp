@@ -98,13 +98,23 @@ Result<void, Error> checkStata(ByteSource &source)
     return longTexts ? longTexts->check() : Result<void, Error>();
 }
 
+/// Bytes may follow the end, and some programs leave its place in the map empty.
 bool lacksStataEnd(ByteSource &source)
 {
-    constexpr qint64 kEndBytes = 64; // the tag, and bytes that some programs add
+    constexpr char kEnd[] = "</stata_dta>";
+    constexpr qint64 kLastBytes = 64;
     CheckedReader in(source);
-    const bool hasTags = in.bytes(sizeof("<stata_dta>") - 1) == "<stata_dta>";
-    in.seek(std::max(source.size() - kEndBytes, qint64(0)));
-    return hasTags && !in.bytes(in.remaining()).contains("</stata_dta>");
+    const auto header = readStataHeader(in);
+    if (!header) {
+        return false;
+    }
+    in.seek(static_cast<qint64>(header->map[StataHeader::kEnd]));
+    if (in.bytes(sizeof kEnd - 1) == kEnd) {
+        return false;
+    }
+    CheckedReader last(source);
+    last.seek(std::max(source.size() - kLastBytes, qint64(0)));
+    return !last.bytes(last.remaining()).contains(kEnd);
 }
 
 } // namespace corvanta::stat

@@ -11,7 +11,13 @@ namespace corvanta::stat {
 struct StataHeader
 {
     /// Entries of the map.
-    enum : quint8 { kTypes = 2, kLongTexts = 10, kAfterLongTexts = 11, kMapEntries = 14 };
+    enum : quint8 {
+        kTypes = 2,
+        kLongTexts = 10,
+        kAfterLongTexts = 11,
+        kEnd = 12,
+        kMapEntries = 14
+    };
 
     int release = 0; ///< version of the format
     bool isBigEndian = false;
