@@ -2,6 +2,9 @@
 // detached: a call of the system that never returns must not keep the program from ending.
 #include "panels/background_check.h"
 
+#include <QCoreApplication>
+#include <QEvent>
+
 #include <deque>
 #include <mutex>
 #include <thread>
@@ -13,6 +16,7 @@ struct BackgroundCheck::Slot
 {
     BackgroundCheck *owner = nullptr; // null: gone
     Check next;                       // the latest one, if it has not begun
+    Show result;                      // of the latest one, if it has ended
     int started = 0;                  // number of checks that the owner has started
 };
 
@@ -32,6 +36,16 @@ template <class Slot> struct Queue
     }
 };
 
+/// Without memory there is no result; the next edit checks again.
+BackgroundCheck::Show resultOf(const BackgroundCheck::Check &check)
+{
+    try {
+        return check ? check() : BackgroundCheck::Show();
+    } catch (const std::bad_alloc &) {
+        return {};
+    }
+}
+
 /// Until no owner waits. Each check runs without the lock.
 template <class Slot> void runAll(const std::shared_ptr<Queue<Slot>> &queue)
 {
@@ -42,18 +56,12 @@ template <class Slot> void runAll(const std::shared_ptr<Queue<Slot>> &queue)
         const auto check = std::exchange(slot->next, {});
         const int number = slot->started;
         lock.unlock();
-        auto show = check ? check() : BackgroundCheck::Show();
+        auto show = resultOf(check);
         lock.lock();
-        if (show && slot->owner != nullptr) {
-            // The event is dropped with its owner.
-            QMetaObject::invokeMethod(
-                slot->owner,
-                [slot, number, show = std::move(show)] {
-                    if (slot->started == number) { // changed only in this thread, the GUI's
-                        show();
-                    }
-                },
-                Qt::QueuedConnection);
+        if (slot->owner != nullptr && slot->started == number) {
+            slot->result = std::move(show);
+            // Qt drops the event with its owner.
+            QCoreApplication::postEvent(slot->owner, new QEvent(QEvent::User));
         }
     }
     queue->isRunning = false;
@@ -72,6 +80,20 @@ BackgroundCheck::~BackgroundCheck()
     const std::lock_guard lock(Queue<Slot>::instance()->mutex);
     m_slot->owner = nullptr;
     m_slot->next = {};
+    m_slot->result = {};
+}
+
+void BackgroundCheck::customEvent(QEvent * /*event*/)
+{
+    Show show;
+    {
+        const std::lock_guard lock(Queue<Slot>::instance()->mutex);
+        show = std::exchange(m_slot->result, {});
+    }
+    // Empty when an event before this one has shown it, or a newer check has begun.
+    if (show) {
+        show();
+    }
 }
 
 void BackgroundCheck::start(Check check)
@@ -80,6 +102,7 @@ void BackgroundCheck::start(Check check)
     const std::lock_guard lock(queue->mutex);
     const bool isWaiting = static_cast<bool>(m_slot->next);
     m_slot->next = std::move(check);
+    m_slot->result = {};
     ++m_slot->started;
     if (!isWaiting) {
         queue->waiting.push_back(m_slot);

@@ -23,6 +23,10 @@ public:
     ~BackgroundCheck() override; ///< waits for nothing
     void start(Check check);
 
+protected:
+    /// Shows the result that has arrived.
+    void customEvent(QEvent *event) override;
+
 private:
     struct Slot;
     std::shared_ptr<Slot> m_slot;

@@ -228,7 +228,8 @@ FlagEditor::FlagEditor(const FieldContext &context)
     , m_box(new QCheckBox(this))
     , m_label(new QLabel(context.label, this))
 {
-    // The text of a check box is never wrapped, so it is a label.
+    // The text of a check box is never wrapped, so it is a label. The box is on its first line.
+    m_box->setMinimumHeight(fontMetrics().lineSpacing());
     m_label->setWordWrap(true);
     m_label->setBuddy(m_box);
     m_label->installEventFilter(this);

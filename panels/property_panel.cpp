@@ -33,8 +33,9 @@ namespace {
 
 using Type = ParameterInfo::Type;
 
-constexpr int kPanelWidth = 460;        // preferred, in pixels
-constexpr int kMaxLabelCharacters = 24; // longer labels are wrapped
+constexpr int kPanelWidth = 460;            // preferred, in pixels
+constexpr int kMaxLabelCharacters = 24;     // longer labels are wrapped
+constexpr int kMaxConditionCharacters = 80; // of the values in a remark
 constexpr int kValidationDelayMs = 200;
 constexpr int kScrollBarGap = 6;   // between the fields and the scroll bar
 constexpr double kIconScale = 0.5; // 32 pixels
@@ -510,8 +511,12 @@ QString PropertyPanel::conditionText(const ParameterInfo::Condition &condition) 
             values << (value.isEmpty() ? tr("empty") : valueText(info, value));
         }
         const QString list = values.join(tr(" or "));
-        parts << (rule.isExcluded ? tr("\u201c%1\u201d is not %2") : tr("\u201c%1\u201d is %2"))
-                     .arg(info.label, list);
+        if (list.size() > kMaxConditionCharacters) {
+            parts << tr("\u201c%1\u201d has another value").arg(info.label);
+        } else {
+            parts << (rule.isExcluded ? tr("\u201c%1\u201d is not %2") : tr("\u201c%1\u201d is %2"))
+                         .arg(info.label, list);
+        }
     }
     return tr("Used only when %1").arg(parts.join(tr(" or ")));
 }

@@ -105,7 +105,7 @@
     </message>
     <message>
         <source>%1:</source>
-        <translation>%1 :</translation>
+        <translation>%1&#xa0;:</translation>
     </message>
 </context>
 <context>
@@ -2635,6 +2635,10 @@
     <message>
         <source>Used only when %1</source>
         <translation>Utilisé seulement si %1</translation>
+    </message>
+    <message>
+        <source>“%1” has another value</source>
+        <translation>« %1 » a une autre valeur</translation>
     </message>
 </context>
 <context>
