@@ -50,8 +50,8 @@ CASES = [
     run("xml", CSV, "<writeXML fileName='out.xml'/>", targets=["out.xml"]),
     run("table", CSV, f"<writeDocTable template='{DOCUMENTS}/report.docx' output='out.docx'><v colWidths='1,1,1'/></writeDocTable>",
         targets=["out.docx"]),
-    run("letters", "<readCSV fileName='letters.csv'/>", "<writeDoc output='output' template='template' fitImages='1'><text><s>name</s>"
-        "</text><image><s>picture</s></image></writeDoc>", targets=["one.docx", "two.docx"]),
+    run("letters", "<readCSV fileName='letters.csv'/>", "<writeDoc output='output' template='template' fitImages='1' allParts='1'>"
+        "<text><s>name</s><s>address</s><s>date</s><s>object</s><s>text</s></text><image><s>picture</s></image></writeDoc>", targets=["one.docx", "two.docx"]),
     run("sas", CSV, "<writeSAS fileName='out.sas7bdat' autoWidth='1'/>", targets=["out.sas7bdat"]),
     run("xpt", CSV, "<writeSASXPT fileName='out.xpt' autoWidth='1'/>", targets=["out.xpt"]),
     Case("from_parquet", ["convert", "in.parquet", "out.csv"], ["out.csv"]),
@@ -90,8 +90,8 @@ class Folder:
     def __init__(self, corvanta, folder, rows=ROWS):
         self.corvanta, self.path = corvanta, pathlib.Path(folder)
         (self.path / "in.csv").write_text("k,f,t\n" + "".join(f"{i},{i / 8},text {i}\n" for i in range(rows)))
-        (self.path / "letters.csv").write_text("output,template,name,picture\n" + "".join(
-            f"{name}.docx,{DOCUMENTS}/letter.docx,{name},{DOCUMENTS}/mars.png\n" for name in ("one", "two")))
+        (self.path / "letters.csv").write_text("output,template,name,address,date,object,text,picture\n" + "".join(
+            f"{name}.docx,{DOCUMENTS}/letter.docx,{name},a,d,o,t,{DOCUMENTS}/mars.png\n" for name in ("one", "two")))
         (self.path / "in.dbf").write_bytes(dbf(rows))
         (self.path / "in.xls").write_bytes(xls(rows))
         shutil.copy(SPSS, self.path / "in.sav")
