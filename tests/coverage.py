@@ -25,6 +25,7 @@ ASKED_SCORE = 0.85
 DATA_SETS = ("*.sas7bdat", "*.sav", "*.por", "*.dta", "*.xpt")
 CORPUS_FILES = {"gzip": {"archives/gz/*": b""}, "lzw": {"archives/Z/*": b""}, "rar": {"archives/rar/*": b""}, "zip": {"archives/zip/*": b""},
                 "biff": {"xls/*.xls": b""}, "dbf": {"dbf/*.dbf": bytes(3)}, "parquet": {"parquet/*.parquet": bytes(1)},
+                "document": {"docx/*.docx": bytes([12]), "pptx/*.pptx": bytes([29])},
                 "stat_check": {f"stat/**/{pattern}": bytes([i]) for i, pattern in enumerate(DATA_SETS)},
                 "stat_read": {f"stat/**/{pattern}": bytes([i + 24]) for i, pattern in enumerate(DATA_SETS)},
                 "xlsx_read": {"xlsx/*.xlsx": bytes(1)}}
