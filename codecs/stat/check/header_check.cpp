@@ -26,7 +26,7 @@ void CheckedReader::read(void *out, qint64 n)
 /// The number is compared with the file before the memory is allocated.
 QByteArray CheckedReader::bytes(qint64 n)
 {
-    if (n < 0 || n > remaining()) {
+    if (!m_isGood || n < 0 || n > remaining()) {
         m_isGood = false;
         return {};
     }
@@ -38,7 +38,8 @@ QByteArray CheckedReader::bytes(qint64 n)
 void CheckedReader::seek(qint64 offset)
 {
     m_isGood = m_isGood && offset >= 0 && offset <= m_size && m_source.seek(offset);
-    m_position = offset;
+    // After a failure the position is not used.
+    m_position = m_isGood ? offset : m_size;
 }
 
 Result<void, Error> checkHeader(ByteSource &source, Format format)
