@@ -159,12 +159,14 @@ void keepSheet(const CommandLine &line, const QString &fileName, QVector<InputTa
     if (chosen == sheets.end()) {
         return; // several sheets are joined
     }
+    const int parameter = writer->indexOfParameter(ParameterInfo::Role::SheetName);
+    const QString assignment = writer->parameters().at(parameter).name + u'=';
     const QStringList settings = line.values.value(u"--writer"_s);
-    const bool hasName = std::any_of(settings.begin(), settings.end(), [](const QString &setting) {
-        return setting.startsWith("sheetName="_L1);
+    const bool hasName = std::any_of(settings.begin(), settings.end(), [&](const QString &setting) {
+        return setting.startsWith(assignment);
     });
     if (!hasName) {
-        writer->setParameterValue(writer->indexOfParameter(u"sheetName"_s), chosen->path);
+        writer->setParameterValue(parameter, chosen->path);
     }
     sheets.erase(chosen);
     if (!sheets.isEmpty()) {

@@ -64,11 +64,9 @@ class Map(unittest.TestCase):
 
 # Where a name of a parameter may be written: its table, the entry with settings for "convert", the layout of its panel.
 DECLARING = re.compile(r"/params/|_(?:params|entry|panel|layout|test)\.|/panel_groups\.")
-# Texts that equal a name and mean something else, and parameters that the host or the commands find by name.
-OTHER_TEXTS = {("actions/read_json/read_json.cpp", "tagName"),  # a column of the input pin
-               ("cli/input_graph.cpp", "sheetName"),
-               ("host/src/graph/graph_checker.cpp", "abortIfMissing"), ("host/src/graph/graph_checker.cpp", "timeOut"),
-               ("host/src/graph/graph_checker.cpp", "createDir"), ("host/src/graph/graph_checker.cpp", "createIfNotExists")}
+# Texts that equal a name and mean something else.
+OTHER_TEXTS = {("actions/read_json/read_json.cpp", "tagName")}  # a column of the input pin
+
 
 
 class Names(unittest.TestCase):

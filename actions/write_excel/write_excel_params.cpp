@@ -78,6 +78,7 @@ ParamGroup<P> sheetContent()
             .label("Decimal comma")
             .meaning("Saved with the graph; has no effect on the cells."),
         flag<P>("createDir", &P::createDir)
+            .role(ParameterInfo::Role::CreateFolder)
             .label("Create the folder of the workbook")
             .meaning("Creates missing folders of a new workbook."),
         flag("alwaysWrite", &P::alwaysWrite)
@@ -194,12 +195,14 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
             .orAnyNumber("adds a sheet"),
         shared::sheetIdx<P>("mode", changed),
         text(shared::kSheetName, &P::sheetName)
+            .role(ParameterInfo::Role::SheetName)
             .expanded()
             .label("Sheet name")
             .meaning("Name of the new sheet or of the sheet to change."),
         cellRange(),
         shared::floatToString<P>(),
         flag("createIfNotExists", &P::createIfNotExists)
+            .role(ParameterInfo::Role::CreateFile)
             .ignoredWhen("mode", {QStringLiteral("0")})
             .label("Create the Excel file and/or the Excel Sheet if it does not exists")
             .meaning("Creates a missing workbook or sheet. Off: it is an error."),

@@ -29,13 +29,28 @@ KnownNames knownNames(const QVector<ParameterInfo> &infos)
 
 ActionParameters::~ActionParameters() = default;
 
+namespace {
+
+/// Index of the first parameter with this value of a member; -1: none. Linear: tables are short,
+/// and callers look parameters up once per command or panel.
+template <class T>
+int indexOf(const QVector<ParameterInfo> &all, T ParameterInfo::*member, const T &value)
+{
+    const auto found = std::find_if(
+        all.begin(), all.end(), [&](const ParameterInfo &info) { return info.*member == value; });
+    return found == all.end() ? -1 : static_cast<int>(found - all.begin());
+}
+
+} // namespace
+
 int ActionParameters::indexOfParameter(const QString &name) const
 {
-    // Linear: tables are short, and callers look names up once per command or panel.
-    const QVector<ParameterInfo> all = parameters();
-    const auto found = std::find_if(all.begin(), all.end(),
-                                    [&](const ParameterInfo &info) { return info.name == name; });
-    return found == all.end() ? -1 : static_cast<int>(found - all.begin());
+    return indexOf(parameters(), &ParameterInfo::name, name);
+}
+
+int ActionParameters::indexOfParameter(ParameterInfo::Role role) const
+{
+    return indexOf(parameters(), &ParameterInfo::role, role);
 }
 
 namespace {

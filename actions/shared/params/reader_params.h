@@ -28,6 +28,7 @@ template <class P> Param<P> fileNamesFromPin()
 template <class P> Param<P> abortIfMissing()
 {
     return flag<P>("abortIfMissing", &P::abortIfMissing)
+        .role(ParameterInfo::Role::AbortIfMissing)
         .label("A missing file is an error")
         .meaning("Fails when a file is missing. Off: logs a warning.");
 }
@@ -36,6 +37,7 @@ template <class P> Param<P> abortIfMissing()
 template <class P> Param<P> timeOut()
 {
     return number<P>("timeOut", &P::timeOut)
+        .role(ParameterInfo::Role::RetryTime)
         .range(-1, 86400)
         .unit("seconds")
         .label("Retry for")

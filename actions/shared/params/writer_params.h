@@ -20,6 +20,7 @@ template <class P> Param<P> checkNameCollision()
 template <class P> Param<P> createDir()
 {
     return flag<P>("createDir", &P::createDir)
+        .role(ParameterInfo::Role::CreateFolder)
         .label("Create the folder of the file")
         .meaning("Creates missing folders of the file.");
 }

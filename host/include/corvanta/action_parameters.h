@@ -21,10 +21,20 @@ struct ParameterInfo
     /// Where the value is in the saved form: an attribute, a child element, or the content of the
     /// element itself.
     enum class Place { Attribute, Element, Content };
+    /// What the host and its commands do with the parameter, apart from its value.
+    enum class Role {
+        None,
+        SheetName,      ///< of the sheet in a new workbook; `convert` gives it that of the input
+        AbortIfMissing, ///< a Flag: without it, a missing input file is only a warning
+        RetryTime,      ///< other than 0: the action waits for a missing input file
+        CreateFolder,   ///< a Flag: missing folders of the target are created
+        CreateFile,     ///< a Flag: a missing target that is to be updated is created
+    };
 
     QString name; ///< of the attribute or child element
     Type type = Type::Text;
     Place place = Place::Attribute;
+    Role role = Role::None;
     QString defaultValue; ///< as it would be saved
     QString label;        ///< short, for forms
     QString meaning;      ///< one or two sentences
@@ -166,6 +176,8 @@ public:
     virtual QVector<ParameterInfo> parameters() const = 0;
     /// Number of the parameter with that name (exact); -1 when there is none.
     int indexOfParameter(const QString &name) const;
+    /// Number of the parameter with that role, which is not None; -1 when there is none.
+    int indexOfParameter(ParameterInfo::Role role) const;
     /// The value as it would be saved; strings of a list are separated by line feeds, a structure
     /// is the XML of its elements.
     virtual QString parameterValue(int index) const = 0;

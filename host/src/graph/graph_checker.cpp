@@ -21,6 +21,8 @@ using Kind = CorvantaGraph::Problem::Kind;
 
 namespace {
 
+using Role = ParameterInfo::Role;
+
 /// The checks of the values of one action, whatever graph it belongs to.
 class ValueCheck
 {
@@ -57,9 +59,10 @@ private:
         }
         return !unknown.isEmpty();
     }
-    QString valueOf(const QString &name) const
+    /// The value of the parameter with a name or role; empty if the action has none.
+    template <class NameOrRole> QString valueOf(const NameOrRole &key) const
     {
-        const int index = m_parameters.indexOfParameter(name);
+        const int index = m_parameters.indexOfParameter(key);
         return index < 0 ? QString() : m_parameters.parameterValue(index);
     }
 
@@ -179,9 +182,9 @@ void ValueCheck::checkInput(const ParameterInfo &info, const QString &value)
         return;
     }
     // Parameters can make a reader continue without the file, or wait for it.
-    const QString aborts = valueOf(u"abortIfMissing"_s);
+    const QString aborts = valueOf(Role::AbortIfMissing);
     const bool isTolerated =
-        aborts == "0"_L1 || (aborts == "1"_L1 && valueOf(u"timeOut"_s).toLongLong() != 0);
+        aborts == "0"_L1 || (aborts == "1"_L1 && valueOf(Role::RetryTime).toLongLong() != 0);
     const QString state = file.isDir() ? QCoreApplication::translate("Problems", "is a folder")
                                        : QCoreApplication::translate("Problems", "does not exist");
     add(info.name,
@@ -194,14 +197,14 @@ void ValueCheck::checkTarget(const TargetUse &target, const QStringList &earlier
 {
     const QFileInfo file(target.name);
     const QFileInfo folder(file.absolutePath());
-    const QString create = valueOf(u"createDir"_s);
+    const QString create = valueOf(Role::CreateFolder);
     const bool isUpdated =
         target.access == TargetUse::Access::Update && !earlier.contains(target.name);
     // "run" creates the folder of --out-dir. An action in a panel may be in no graph.
     const GlobalParameters *const global = m_item.globalParameters();
     const bool isOutDir = global != nullptr && folder.filePath() == global->outDir();
     QString problem;
-    if (isUpdated && !file.exists() && valueOf(u"createIfNotExists"_s) == "0"_L1) {
+    if (isUpdated && !file.exists() && valueOf(Role::CreateFile) == "0"_L1) {
         problem = QCoreApplication::translate("Problems", "the file '%1' does not exist")
                       .arg(target.name);
     } else if (file.isDir()) {

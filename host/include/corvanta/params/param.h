@@ -68,6 +68,12 @@ public:
         m_info.isNumberText = true;
         return std::move(*this).range(low, high).expanded();
     }
+    /// The host finds the parameter by this role, whatever its name is. One line per role.
+    Param &&role(ParameterInfo::Role role) &&
+    {
+        m_info.role = role;
+        return std::move(*this);
+    }
     /// The action replaces `${NAME}` in the value (ActionItem::expandString).
     Param &&expanded() &&
     {
