@@ -2,16 +2,12 @@
 
 #include "panels/colors.h"
 #include "panels/glyphs.h"
+#include "panels/structures/cell_delegate.h"
 
-#include <QComboBox>
-#include <QCompleter>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QLineEdit>
-#include <QRegularExpressionValidator>
 #include <QSignalBlocker>
-#include <QStyledItemDelegate>
 #include <QTableWidget>
 #include <QToolButton>
 
@@ -31,8 +27,7 @@ constexpr int kRowMargin = 8;   // pixels around the text of a row
 /// The label in two lines, so that a narrow column has room for it.
 QString titleOf(const ParameterInfo &member)
 {
-    const QString unit =
-        member.unit.isEmpty() ? QString() : u" (%1)"_s.arg(member.unit);
+    const QString unit = member.unit.isEmpty() ? QString() : u" (%1)"_s.arg(member.unit);
     QString title = member.label + unit;
     const qsizetype space = title.lastIndexOf(u' ', title.size() / 2 + 1);
     return space < 0 ? title : title.replace(space, 1, u'\n');
@@ -40,70 +35,10 @@ QString titleOf(const ParameterInfo &member)
 
 } // namespace
 
-/// Edits a cell: digits only for numbers, and a list to choose from where there are suggestions.
-class ElementTable::Delegate final : public QStyledItemDelegate
-{
-public:
-    explicit Delegate(ElementTable *owner)
-        : QStyledItemDelegate(owner)
-        , m_owner(owner)
-    {
-    }
-
-protected:
-    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
-    {
-        QStyledItemDelegate::initStyleOption(option, index);
-        const bool isFlag = index.data(Qt::CheckStateRole).isValid();
-        if (isFlag) {
-            // Styles draw the frame of a box in a colour that is close to that of the window.
-            option->palette.setColor(QPalette::Window, remarkColor(option->palette));
-        }
-        if (option->text.isEmpty() && !isFlag) {
-            option->text = m_owner->m_emptyText;
-            option->palette.setColor(QPalette::Text, remarkColor(option->palette));
-        }
-    }
-    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &,
-                          const QModelIndex &index) const override
-    {
-        const ParameterInfo &member = m_owner->context().info.members[index.column()];
-        const QStringList texts = m_owner->m_suggestions(member);
-        QWidget *const editor = texts.isEmpty() ? static_cast<QWidget *>(makeLine(parent, member))
-                                                : makeBox(parent, texts);
-        editor->setAccessibleName(member.label);
-        editor->setAccessibleDescription(member.meaning);
-        return editor;
-    }
-
-private:
-    static QLineEdit *makeLine(QWidget *parent, const ParameterInfo &member)
-    {
-        auto *const line = new QLineEdit(parent);
-        line->setFrame(false);
-        if (member.type == Type::Integer) {
-            static const QRegularExpression digits(u"\\d*"_s);
-            line->setValidator(new QRegularExpressionValidator(digits, line));
-        }
-        return line;
-    }
-    static QComboBox *makeBox(QWidget *parent, const QStringList &texts)
-    {
-        auto *const box = new QComboBox(parent);
-        box->setEditable(true);
-        box->setInsertPolicy(QComboBox::NoInsert);
-        box->addItems(texts);
-        box->completer()->setFilterMode(Qt::MatchContains);
-        box->completer()->setCompletionMode(QCompleter::PopupCompletion);
-        return box;
-    }
-
-    ElementTable *m_owner;
-};
-
 ElementTable::ElementTable(const FieldContext &context, const Texts &texts)
     : FieldEditor(context)
     , m_table(new QTableWidget(this))
+    , m_delegate(new CellDelegate(this->context().info.members, this))
 {
     auto *const row = new QHBoxLayout(this);
     auto *const buttons = new QVBoxLayout;
@@ -126,7 +61,7 @@ void ElementTable::setUpTable()
     m_table->verticalHeader()->setDefaultSectionSize(height);
     m_table->verticalHeader()->setVisible(false);
     m_table->setFixedHeight(height * (kVisibleRows + 1) + 2 * m_table->frameWidth());
-    m_table->setItemDelegate(new Delegate(this));
+    m_table->setItemDelegate(m_delegate);
     m_table->setTabKeyNavigation(false); // Tab leaves the table, as in the other fields
     m_table->setSelectionMode(QAbstractItemView::SingleSelection);
     m_table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked |
@@ -177,6 +112,16 @@ void ElementTable::showRowNumbers(const QString &format)
     m_rowFormat = format;
     m_table->verticalHeader()->setVisible(true);
     updateMinimumWidth();
+}
+
+void ElementTable::setSuggestions(Suggestions suggestions)
+{
+    m_delegate->setSuggestions(std::move(suggestions));
+}
+
+void ElementTable::setEmptyText(const QString &text)
+{
+    m_delegate->setEmptyText(text);
 }
 
 void ElementTable::hideMember(const QString &name)

@@ -16,6 +16,8 @@ class QTableWidgetItem;
 
 namespace corvanta {
 
+class CellDelegate;
+
 class ElementTable : public FieldEditor
 {
     Q_DECLARE_TR_FUNCTIONS(corvanta::ElementTable)
@@ -31,7 +33,7 @@ public:
 
     /// Texts that a user can choose for a member; others can be typed.
     using Suggestions = std::function<QStringList(const ParameterInfo &member)>;
-    void setSuggestions(Suggestions suggestions) { m_suggestions = std::move(suggestions); }
+    void setSuggestions(Suggestions suggestions);
     /// Why the value of a member needs attention; an empty text: it does not.
     using Remark = std::function<QString(const Element &element, const ParameterInfo &member)>;
     void setRemark(Remark remark) { m_remark = std::move(remark); }
@@ -64,14 +66,12 @@ protected:
     /// Show the numbers of the rows, from 0, in the place of %1.
     void showRowNumbers(const QString &format);
     /// The text of a cell without a value.
-    void setEmptyText(const QString &text) { m_emptyText = text; }
+    void setEmptyText(const QString &text);
 
     void setValue(const QString &value) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    class Delegate;
-
     void setUpTable();
     void setUpHeader();
     void updateMinimumWidth();
@@ -84,9 +84,8 @@ private:
     std::vector<Element> m_elements; // by row
     Element m_wrapper;               // of the value
     QTableWidget *m_table;
+    CellDelegate *m_delegate;
     QString m_rowFormat; // empty: rows have no titles
-    QString m_emptyText;
-    Suggestions m_suggestions = [](const ParameterInfo &) { return QStringList(); };
     Remark m_remark = [](const Element &, const ParameterInfo &) { return QString(); };
 };
 
