@@ -1,7 +1,6 @@
 #include "panels/column_picker.h"
 
 #include "panels/basic_editors.h"
-#include "panels/colors.h"
 #include "panels/glyphs.h"
 
 #include <QComboBox>
@@ -233,7 +232,7 @@ void ListEditor::showOffered()
 void ListEditor::markUnknown()
 {
     const QSignalBlocker blocker(m_list); // a mark is not an edit
-    const QIcon mark = glyphIcon(Glyph::Warning, warningColor(palette()));
+    const QIcon mark = warningMark(palette());
     for (int i = 0; i < m_list->count(); ++i) {
         QListWidgetItem *const item = m_list->item(i);
         const bool isKnown = m_offered.isEmpty() || m_offered.contains(item->text());

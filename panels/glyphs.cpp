@@ -1,5 +1,7 @@
 #include "panels/glyphs.h"
 
+#include "panels/colors.h"
+
 #include <QPainter>
 #include <QPainterPath>
 
@@ -103,6 +105,16 @@ QIcon glyphIcon(Glyph glyph, const QColor &color)
         icon.addPixmap(glyphPixmap(glyph, color, kIconPixels, ratio));
     }
     return icon;
+}
+
+QIcon warningMark(const QPalette &palette)
+{
+    QIcon mark = glyphIcon(Glyph::Warning, warningColor(palette));
+    const QColor selected = palette.color(QPalette::HighlightedText);
+    for (const double ratio : {1.0, 2.0, 3.0}) {
+        mark.addPixmap(glyphPixmap(Glyph::Warning, selected, kIconPixels, ratio), QIcon::Selected);
+    }
+    return mark;
 }
 
 } // namespace corvanta

@@ -3,6 +3,7 @@
 // Threads: the GUI thread.
 #pragma once
 #include <QIcon>
+#include <QPalette>
 #include <QPixmap>
 
 namespace corvanta {
@@ -29,5 +30,7 @@ QPixmap glyphPixmap(Glyph glyph, const QColor &color, int size, double ratio);
 /// The same as an icon, also for screens of two and three device pixels per logical pixel. It is
 /// dimmed when its control is disabled.
 QIcon glyphIcon(Glyph glyph, const QColor &color);
+/// The mark of an item of a list that needs attention, readable also on a selected item.
+QIcon warningMark(const QPalette &palette);
 
 } // namespace corvanta

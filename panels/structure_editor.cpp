@@ -2,7 +2,6 @@
 // children of the item and not of the element.
 #include "panels/structure_editor.h"
 
-#include "panels/colors.h"
 #include "panels/glyphs.h"
 #include "panels/structures/element_item.h"
 
@@ -158,8 +157,7 @@ void StructureEditor::updateItem(ElementItem *item)
     const QString remark = this->remark(item->element, item->info);
     item->setText(0, summary(item->element, item->info, parent->indexOfChild(item)));
     item->setToolTip(0, remark.isEmpty() ? item->text(0) : remark); // long texts are cut
-    item->setIcon(0,
-                  remark.isEmpty() ? QIcon() : glyphIcon(Glyph::Warning, warningColor(palette())));
+    item->setIcon(0, remark.isEmpty() ? QIcon() : warningMark(palette()));
     for (int i = 0; i < item->childCount(); ++i) {
         updateItem(static_cast<ElementItem *>(item->child(i)));
     }

@@ -1,6 +1,5 @@
 #include "panels/structures/element_table.h"
 
-#include "panels/colors.h"
 #include "panels/glyphs.h"
 #include "panels/structures/cell_delegate.h"
 
@@ -190,7 +189,7 @@ void ElementTable::updateCell(int row, int column)
         cell->setText(value);
     }
     const QString remark = m_remark(element, member);
-    cell->setIcon(remark.isEmpty() ? QIcon() : glyphIcon(Glyph::Warning, warningColor(palette())));
+    cell->setIcon(remark.isEmpty() ? QIcon() : warningMark(palette()));
     cell->setToolTip(remark.isEmpty() ? value : remark);
 }
 
