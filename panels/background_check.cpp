@@ -104,10 +104,10 @@ void BackgroundCheck::start(Check check)
     m_slot->next = std::move(check);
     m_slot->result = {};
     ++m_slot->started;
-    if (!isWaiting) {
+    if (m_slot->next && !isWaiting) {
         queue->waiting.push_back(m_slot);
     }
-    if (!queue->isRunning) {
+    if (!queue->waiting.empty() && !queue->isRunning) {
         queue->isRunning = true;
         std::thread(runAll<Slot>, queue).detach();
     }

@@ -21,6 +21,7 @@ public:
 
     BackgroundCheck();
     ~BackgroundCheck() override; ///< waits for nothing
+    /// Replace the check before it. An empty one only drops that.
     void start(Check check);
 
 protected:

@@ -160,6 +160,7 @@ void FileField::lookUp()
                                    : context().action->expandOutputFile(text, QString());
     if (text.isEmpty() || name.contains("${"_L1) || text.startsWith(u'>')) {
         m_state = State::Unknown;
+        m_check.start({});
     } else {
         m_check.start([this, name, isInput = isInput()]() -> BackgroundCheck::Show {
             QStringList files{name};

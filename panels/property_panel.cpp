@@ -309,8 +309,10 @@ QSize PropertyPanel::sizeHint() const
     const int width = qMax(kPanelWidth, minimumSizeHint().width());
     const QMargins margins = layout()->contentsMargins();
     const int inner = width - margins.left() - margins.right();
-    // Fields that have changed since the last event have old sizes otherwise.
-    for (QLayout *const inside : findChildren<QLayout *>()) {
+    // Before it is shown, layouts keep the sizes that they had first. Later they follow by events,
+    // and to invalidate them would cause more events without an end.
+    const QList<QLayout *> stale = isVisible() ? QList<QLayout *>() : findChildren<QLayout *>();
+    for (QLayout *const inside : stale) {
         inside->invalidate();
     }
     int height = margins.top() + margins.bottom();

@@ -1,4 +1,4 @@
-// The thread of the checks: only the latest result is shown, and nobody waits for it.
+// The thread of the checks: only the latest result is shown, and owners do not wait for it.
 #include "panels/background_check.h"
 
 #include <QCoreApplication>
@@ -50,6 +50,13 @@ TEST(BackgroundChecks, OnlyTheLatestResultIsShown)
     gate->release();
     EXPECT_TRUE(waitUntil([&] { return !shown.isEmpty(); }));
     EXPECT_EQ(shown, QStringList{u"third"_s});
+    check.start([&shown]() -> BackgroundCheck::Show { return [&shown] { shown << u"late"_s; }; });
+    check.start({});
+    bool isDone = false;
+    BackgroundCheck other;
+    other.start([&isDone]() -> BackgroundCheck::Show { return [&isDone] { isDone = true; }; });
+    EXPECT_TRUE(waitUntil([&] { return isDone; }));
+    EXPECT_EQ(shown.size(), 1) << "dropped";
 }
 
 TEST(BackgroundChecks, OwnersShareTheThreadAndMayBeGoneBeforeTheEnd)

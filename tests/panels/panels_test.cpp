@@ -25,6 +25,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
+#include <QVBoxLayout>
 
 #include <gtest/gtest.h>
 
@@ -315,6 +316,35 @@ TEST_P(Panels, OpensQuicklyAndFitsOnTheScreen)
     EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 0.1);
     EXPECT_LE(panel->sizeHint().height(), 700);
     EXPECT_LE(panel->minimumSizeHint().width(), 500);
+}
+
+TEST_P(Panels, ComesToRestInAWindow)
+{
+    /// Counts the layouts of a panel's content.
+    class Counter final : public QObject
+    {
+    public:
+        int requests = 0;
+
+    protected:
+        bool eventFilter(QObject *watched, QEvent *event) override
+        {
+            requests += static_cast<int>(event->type() == QEvent::LayoutRequest);
+            return QObject::eventFilter(watched, event);
+        }
+    };
+    const Action action = panels::fromXml(panels::example(type()));
+    QWidget window;
+    auto *const column = new QVBoxLayout(&window);
+    UpdateClassWidget *const panel = action->createPanel(&window);
+    column->addWidget(panel);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::qWait(100); // problems arrive
+    Counter counter;
+    panel->installEventFilter(&counter);
+    QTest::qWait(50);
+    EXPECT_LE(counter.requests, 5);
 }
 
 TEST_P(Panels, EveryControlHasANameAndADescription)
