@@ -129,6 +129,7 @@ void FoldingGroup::updateHeading()
                                  palette().color(QPalette::WindowText)));
     m_heading->setAccessibleDescription(m_isFolded ? tr("Shows the fields of this group")
                                                    : tr("Hides the fields of this group"));
+    m_heading->setProperty("isFolded", m_isFolded); // for tests, in any language
     m_content->setVisible(!m_isFolded);
 }
 

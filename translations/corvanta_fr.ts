@@ -2626,11 +2626,11 @@
     </message>
     <message>
         <source>“%1” is not %2</source>
-        <translation>«&#xa0;%1&#xa0;» ne vaut pas %2</translation>
+        <translation>«&#xa0;%1&#xa0;» n&apos;est pas %2</translation>
     </message>
     <message>
         <source>“%1” is %2</source>
-        <translation>«&#xa0;%1&#xa0;» vaut %2</translation>
+        <translation>«&#xa0;%1&#xa0;» est %2</translation>
     </message>
     <message>
         <source>Used only when %1</source>
