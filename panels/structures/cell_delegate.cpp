@@ -16,11 +16,6 @@ namespace {
 
 using Type = ParameterInfo::Type;
 
-QString translated(const QString &text)
-{
-    return QCoreApplication::translate("Parameters", text.toUtf8().constData());
-}
-
 QLineEdit *makeLine(QWidget *parent, const ParameterInfo &member)
 {
     auto *const line = new QLineEdit(parent);
@@ -70,8 +65,8 @@ QWidget *CellDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem 
     const QStringList texts = m_suggestions(member);
     QWidget *const editor =
         texts.isEmpty() ? static_cast<QWidget *>(makeLine(parent, member)) : makeBox(parent, texts);
-    editor->setAccessibleName(translated(member.label));
-    editor->setAccessibleDescription(translated(member.meaning));
+    editor->setAccessibleName(member.label);
+    editor->setAccessibleDescription(member.meaning);
     return editor;
 }
 
