@@ -4,7 +4,7 @@
 #include "panels/fill/file_fill.h"
 #include "panels/preview/preview_run.h"
 
-#include <QGridLayout>
+#include <QLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -40,8 +40,7 @@ FileColumnPicker::FileColumnPicker(const FieldContext &context)
                         tr("Reads the names of the columns from the file, to choose among them"),
                         [this] { read(); }))
 {
-    auto *const grid = static_cast<QGridLayout *>(layout());
-    grid->addWidget(m_row, grid->rowCount(), 0, 1, grid->columnCount());
+    layout()->addWidget(m_row);
 }
 
 void FileColumnPicker::read()
