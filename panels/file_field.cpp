@@ -159,10 +159,12 @@ void FileField::lookUp()
     const QString name = isInput() ? context().action->expandFile(text)
                                    : context().action->expandOutputFile(text, QString());
     if (text.isEmpty() || name.contains("${"_L1) || text.startsWith(u'>')) {
-        m_state = State::Unknown;
-        m_check.start({});
-    } else {
-        m_check.start([this, name, isInput = isInput()]() -> BackgroundCheck::Show {
+        m_worker.stop();
+        setState(State::Unknown, 0);
+        return;
+    }
+    m_worker.start(
+        [this, name, isInput = isInput()](const std::stop_token &) -> Worker::Show {
             QStringList files{name};
             if (isInput) {
                 listFiles(name, &files);
@@ -170,12 +172,16 @@ void FileField::lookUp()
             const QString first = files.value(0);
             const bool exists = QFileInfo::exists(isInput ? fileOfInput(first) : first);
             return [this, exists, count = static_cast<int>(files.size())] {
-                m_state = exists ? State::Exists : State::Missing;
-                m_files = count;
-                showMark();
+                setState(exists ? State::Exists : State::Missing, count);
             };
-        });
-    }
+        },
+        [this](const QString &) { setState(State::Unknown, 0); });
+}
+
+void FileField::setState(State state, int files)
+{
+    m_state = state;
+    m_files = files;
     showMark();
 }
 

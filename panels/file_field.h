@@ -5,7 +5,7 @@
 // becomes its value. Names are contracted: relative to the folder of the graph, as they are saved.
 // Threads: the GUI thread.
 #pragma once
-#include "panels/background_check.h"
+#include "panels/background/worker.h"
 #include "panels/field_editor.h"
 
 #include <QCoreApplication>
@@ -42,16 +42,17 @@ private:
     void insertVariable(const QString &name);
     /// Make the file `name`, as a dialog returns it, the value. Ignores a null name.
     void take(const QString &name);
-    /// Look the file up in the background, then show the mark.
-    void lookUp();
-    void showMark();
-
     /// What is known about the file.
     enum class State { Unknown, Exists, Missing };
 
+    /// Look the file up in the background, then show the mark.
+    void lookUp();
+    void setState(State state, int files);
+    void showMark();
+
     QLineEdit *m_line;
     QAction *m_mark; // at the end of the line
-    BackgroundCheck m_check;
+    Worker m_worker;
     State m_state = State::Unknown;
     int m_files = 0;           // that have such a name
     bool m_hasProblem = false; // see showProblem()

@@ -385,12 +385,15 @@ void PropertyPanel::validate()
     if (m_parameters == nullptr) {
         return;
     }
-    m_check.start(
-        [this, check = std::make_shared<EditCheck>(*action())]() -> BackgroundCheck::Show {
-            return [this, problems = check->problems()] {
-                m_problems = problems;
-                showProblems();
-            };
+    const auto show = [this](const QVector<ParameterProblem> &problems) {
+        m_problems = problems;
+        showProblems();
+    };
+    m_worker.start(
+        [show, check = std::make_shared<EditCheck>(*action())](const std::stop_token &)
+            -> Worker::Show { return [show, problems = check->problems()] { show(problems); }; },
+        [show](const QString &reason) {
+            show({ParameterProblem{{}, reason}});
         });
 }
 

@@ -8,7 +8,7 @@
 #pragma once
 #include "corvanta/action_parameters.h"
 #include "corvanta/update_class_widget.h"
-#include "panels/background_check.h"
+#include "panels/background/worker.h"
 #include "panels/panel_layout.h"
 
 #include <QCoreApplication>
@@ -101,7 +101,7 @@ private:
     std::vector<Row> m_rows; // in the order of the panel
     std::vector<PanelExtra *> m_extras;
     QTimer m_validation;
-    BackgroundCheck m_check;
+    Worker m_worker;
     QVector<ParameterProblem> m_problems; // that the last check has found
     int m_series = 0;                     // of joined edits; see ParameterEdit::series
 };

@@ -9,8 +9,7 @@ using namespace Qt::StringLiterals;
 namespace corvanta {
 
 TaskRow::TaskRow(const QString &text, const QString &description, std::function<void()> clicked)
-    : m_worker(this)
-    , m_start(new QPushButton(text))
+    : m_start(new QPushButton(text))
     , m_progress(new QProgressBar)
     , m_stop(new QPushButton(tr("Stop")))
     , m_note(new NoteLabel)

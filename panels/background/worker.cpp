@@ -1,11 +1,13 @@
-// Who owns what: the worker and its thread share a Job. The thread writes the result into it, the
-// worker takes it from there. A worker that is destroyed, or starts other work, only forgets its
-// job; the thread keeps it until the work has ended.
+// Who owns what: a worker and its threads share a Shared. A thread takes the next work from it and
+// leaves the result there, and the worker's timer takes the result. Each thread looks for the next
+// work before it ends. The threads are detached: joining one could last until a drive answers.
 #include "panels/background/worker.h"
 
-#include <QCoreApplication>
-
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -15,79 +17,112 @@ namespace corvanta {
 namespace {
 
 constexpr int kPollMs = 20;
+constexpr std::chrono::seconds kMaxEnd{2}; // that the end of the program waits for threads
+
+QString reasonOf(const std::exception_ptr &failure)
+{
+    try {
+        std::rethrow_exception(failure);
+    } catch (const std::bad_alloc &) {
+        return Worker::tr("There is not enough memory.");
+    } catch (const std::exception &error) {
+        return QString::fromUtf8(error.what());
+    }
+}
 
 } // namespace
 
-struct Worker::Job
+struct Worker::Result
 {
-    std::stop_source stop;
-    std::mutex mutex;
-    // Guarded by mutex:
-    bool isDone = false;
-    Show show;
-    QString failure; // why there is no result
-
-    void run(const Work &work)
+    /// `work` is destroyed when this returns.
+    static Result of(Work work, const std::stop_token &stop) noexcept
     {
-        Show result;
-        QString reason;
         try {
-            result = work(stop.get_token());
-        } catch (const std::exception &error) {
-            reason = QString::fromUtf8(error.what());
+            return {work(stop), nullptr};
+        } catch (const std::exception &) {
+            return {nullptr, std::current_exception()};
         }
-        const std::lock_guard lock(mutex);
-        show = std::move(result);
-        failure = std::move(reason);
-        isDone = true;
     }
+
+    Show show;
+    std::exception_ptr failure; // null: none
 };
 
-/// The threads of all workers. They are joined when their work has ended: by the next start, or at
-/// the end of the program. Threads: the GUI thread.
+/// Guarded by the mutex of the threads, except that only the GUI thread replaces `stop`.
+struct Worker::Shared
+{
+    Work next;                    // null: there is none, or it has begun
+    std::stop_source stop;        // of the newest work
+    std::optional<Result> result; // of the newest work
+    int threads = 0;
+};
+
+/// The threads of all workers.
 class Worker::Threads
 {
 public:
+    /// Never destroyed: a thread may exist until the program has ended.
     static Threads &all()
     {
-        static Threads threads;
-        return threads;
+        static auto *const threads = new Threads;
+        return *threads;
     }
 
-    void add(const std::shared_ptr<Job> &job, Work work)
+    /// Start a thread for shared->next, unless there are too many. Call it with the mutex locked.
+    void add(const std::shared_ptr<Shared> &shared)
     {
-        std::erase_if(m_threads, [](const Entry &entry) {
-            const std::lock_guard lock(entry.job->mutex);
-            return entry.job->isDone;
-        });
-        m_threads.push_back({job, std::jthread([job, work = std::move(work)] { job->run(work); })});
+        if (shared->threads < kMaxThreads) {
+            m_running.reserve(m_running.size() + 1);
+            std::thread([this, shared] { runAll(shared); }).detach();
+            m_running.push_back(shared);
+            ++shared->threads;
+        }
     }
+
+    std::mutex mutex;
 
 private:
-    struct Entry
-    {
-        std::shared_ptr<Job> job;
-        std::jthread thread; // joined by its destructor
-    };
-
     // While Qt still works: the threads use it.
     Threads()
     {
         qAddPostRoutine([] { all().end(); });
     }
-    void end()
+
+    void runAll(const std::shared_ptr<Shared> &shared)
     {
-        for (const Entry &entry : m_threads) {
-            entry.job->stop.request_stop();
+        std::unique_lock lock(mutex);
+        while (shared->next) {
+            Work work = std::exchange(shared->next, nullptr);
+            const std::stop_token stop = shared->stop.get_token();
+            lock.unlock();
+            Result result = Result::of(std::move(work), stop);
+            lock.lock();
+            if (!stop.stop_requested()) {
+                shared->result = std::move(result);
+            }
         }
-        m_threads.clear();
+        --shared->threads;
+        m_running.erase(std::find(m_running.begin(), m_running.end(), shared));
+        m_ended.notify_all();
     }
 
-    std::vector<Entry> m_threads;
+    /// Stop all work, and wait a little for it.
+    void end()
+    {
+        std::unique_lock lock(mutex);
+        for (const std::shared_ptr<Shared> &shared : m_running) {
+            shared->next = nullptr;
+            shared->stop.request_stop();
+        }
+        m_ended.wait_for(lock, kMaxEnd, [this] { return m_running.empty(); });
+    }
+
+    std::vector<std::shared_ptr<Shared>> m_running; // one entry per thread; guarded by mutex
+    std::condition_variable m_ended;
 };
 
-Worker::Worker(QObject *parent)
-    : QObject(parent)
+Worker::Worker()
+    : m_shared(std::make_shared<Shared>())
 {
     m_timer.setInterval(kPollMs);
     connect(&m_timer, &QTimer::timeout, this, [this] { poll(); });
@@ -98,41 +133,49 @@ Worker::~Worker()
     stop();
 }
 
-void Worker::start(Work work, std::function<void(const QString &)> failed)
+void Worker::start(Work work, Failed failed)
 {
     stop();
-    const auto job = std::make_shared<Job>();
-    Threads::all().add(job, std::move(work));
-    m_job = job;
     m_failed = std::move(failed);
     m_timer.start();
+    const std::lock_guard lock(Threads::all().mutex);
+    try {
+        m_shared->stop = std::stop_source();
+        m_shared->next = std::move(work);
+        Threads::all().add(m_shared);
+    } catch (const std::exception &) {
+        m_shared->next = nullptr;
+        m_shared->result = Result{nullptr, std::current_exception()};
+    }
 }
 
 void Worker::stop()
 {
     m_timer.stop();
-    if (const auto job = std::exchange(m_job, nullptr)) {
-        job->stop.request_stop();
-    }
+    // Before the lock: it calls what the work has registered for it.
+    m_shared->stop.request_stop();
+    const std::lock_guard lock(Threads::all().mutex);
+    m_shared->next = nullptr;
+    m_shared->result.reset();
 }
 
 void Worker::poll()
 {
-    Show show;
-    QString failure;
+    std::optional<Result> result;
     {
-        const std::lock_guard lock(m_job->mutex);
-        if (!m_job->isDone) {
-            return;
-        }
-        show = std::move(m_job->show);
-        failure = m_job->failure;
+        const std::lock_guard lock(Threads::all().mutex);
+        result.swap(m_shared->result);
     }
-    stop(); // before the result is shown, which may start other work
-    if (show) {
-        show();
-    } else {
-        m_failed(failure);
+    if (!result) {
+        return;
+    }
+    // Before the result is shown, which may start other work or delete the widget.
+    m_timer.stop();
+    const Failed failed = std::move(m_failed);
+    if (result->failure != nullptr) {
+        failed(reasonOf(result->failure));
+    } else if (result->show) {
+        result->show();
     }
 }
 

@@ -52,7 +52,7 @@ void FileColumnPicker::read()
     const auto action = std::make_shared<const ActionCopy>(withAllColumns(context()));
     const auto request = std::make_shared<const PreviewRequest>(requestOf(*action->item));
     m_row->run([this, request](const std::stop_token &stop) -> Worker::Show {
-        const PreviewRows preview = previewRows(*request, stop);
+        const PreviewRows preview = previewRows(*request, EngineRunner::PinOut, stop);
         return [this, preview] {
             const QStringList names = preview.columns.names;
             if (names.isEmpty()) {

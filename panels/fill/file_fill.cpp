@@ -38,17 +38,6 @@ void removeStructures(ActionParameters &parameters)
 
 } // namespace
 
-ActionCopy copyOf(ActionItem &original)
-{
-    ActionCopy copy;
-    const GlobalParameters *const global = original.globalParameters();
-    copy.global = global == nullptr ? nullptr : std::make_unique<GlobalParameters>(*global);
-    copy.item.reset(original.clone(copy.global.get()));
-    copy.item->setIdx(original.getIdx());
-    copy.parameters = dynamic_cast<ActionParameters *>(copy.item.get());
-    return copy;
-}
-
 QString noFileReason(const ActionParameters &parameters)
 {
     const QStringList names = parameters.inputs();

@@ -3,26 +3,9 @@
 //
 // The reading works on a copy of the action, so that it can be done on any thread.
 #pragma once
-#include "corvanta/action_item.h"
-#include "corvanta/action_parameters.h"
-#include "panels/background/log_lines.h"
-
-#include <memory>
+#include "panels/background/action_copy.h"
 
 namespace corvanta {
-
-/// An action that nothing else uses, with its own variables. Threads: one at a time.
-struct ActionCopy
-{
-    /// Null if `original` is of no graph.
-    std::unique_ptr<GlobalParameters> global;
-    std::unique_ptr<ActionItem> item;
-    ActionParameters *parameters = nullptr; ///< the same object as `item`
-};
-
-/// With the parameters and the number in the graph of `original`, which declares its parameters.
-/// On the GUI thread.
-ActionCopy copyOf(ActionItem &original);
 
 /// Why the file of an action cannot be looked at before a run, for example because it comes from an
 /// input pin; an empty text: it can.

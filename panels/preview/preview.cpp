@@ -1,7 +1,6 @@
 #include "panels/preview/preview.h"
 
 #include "corvanta/action_item.h"
-#include "corvanta/engine_runner.h"
 #include "panels/preview/rows_model.h"
 
 #include <QFontDatabase>
@@ -51,7 +50,6 @@ PanelGroup previewGroup()
 
 Preview::Preview(UpdateClassWidget *panel)
     : PanelExtra(panel)
-    , m_worker(this)
     , m_note(new NoteLabel)
     , m_sides(new QBoxLayout(QBoxLayout::TopToBottom, this))
     , m_rows(new RowsModel(this))
@@ -143,7 +141,7 @@ void Preview::update()
             // The run would wait for a pipe, and take bytes from it.
             const PreviewRows rows =
                 raw.isPipe ? PreviewRows{{}, {}, {NoteLabel::Kind::Error, raw.problem}}
-                           : previewRows(request, stop);
+                           : previewRows(request, EngineRunner::PinOut, stop);
             return [this, raw, rows] {
                 showText(raw);
                 showRows(rows);

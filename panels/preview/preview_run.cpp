@@ -2,7 +2,6 @@
 
 #include "corvanta/action_item.h"
 #include "corvanta/action_registry.h"
-#include "corvanta/engine_runner.h"
 #include "corvanta/main_ui.h"
 
 #include <QCoreApplication>
@@ -62,13 +61,13 @@ PreviewRequest requestOf(ActionItem &action)
     return request;
 }
 
-PreviewRows previewRows(const PreviewRequest &request, const std::stop_token &stop)
+PreviewRows previewRows(const PreviewRequest &request, EngineRunner::PinType pin,
+                        const std::stop_token &stop)
 {
     LogLines log;
     EngineRunner runner;
-    const bool isGood =
-        runner.run(request.graph, *request.registry, request.action, 0, EngineRunner::PinOut,
-                   {.mayWrite = false, .stop = stop, .log = &log});
+    const bool isGood = runner.run(request.graph, *request.registry, request.action, 0, pin,
+                                   {.mayWrite = false, .stop = stop, .log = &log});
     PreviewRows preview{runner.columns(), runner.rows(), log.worst()};
     if (!isGood && preview.problem.text.isEmpty()) {
         preview.problem = {NoteLabel::Kind::Error, Texts::tr("The action cannot be run.")};

@@ -1,7 +1,7 @@
-// Runs the part of a graph that a reader depends on, for the rows of its preview.
+// Runs the part of a graph that an action depends on, for the rows of a preview.
 #pragma once
 #include "corvanta/corvanta_graph.h"
-#include "corvanta/meta_info.h"
+#include "corvanta/engine_runner.h"
 #include "panels/background/log_lines.h"
 
 #include <memory>
@@ -29,8 +29,9 @@ struct PreviewRows
     Note problem;              ///< the rows before an error are kept
 };
 
-/// The first rows of output pin 0. Blocks until they are there or a stop is requested. Runs no
-/// action that writes files.
-PreviewRows previewRows(const PreviewRequest &request, const std::stop_token &stop);
+/// The first rows of pin 0, as far as they are known. Blocks until they are there or a stop is
+/// requested. Runs no action that writes files.
+PreviewRows previewRows(const PreviewRequest &request, EngineRunner::PinType pin,
+                        const std::stop_token &stop);
 
 } // namespace corvanta

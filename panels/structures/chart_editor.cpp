@@ -49,8 +49,9 @@ void ChartEditor::actionChanged()
     }
     m_template = name;
     m_marks.reset();
+    m_worker.stop();
     if (!name.isEmpty()) {
-        m_query.ask<Marks>(*context().action, m_findMarks, [this](const Marks &found) {
+        ask<Marks>(m_worker, *context().action, m_findMarks, [this](const Marks &found) {
             m_marks = found;
             updateItems();
             elementsShown();

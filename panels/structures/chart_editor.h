@@ -3,8 +3,8 @@
 // The tags are read from the template in the background. Charts without a tag are kept and marked;
 // tags without a chart are offered. Threads: the GUI thread.
 #pragma once
+#include "panels/background/action_copy.h"
 #include "panels/structure_editor.h"
-#include "panels/structures/background_query.h"
 
 #include <optional>
 
@@ -49,7 +49,7 @@ private:
     void addMissing();
 
     FindMarks m_findMarks;
-    BackgroundQuery m_query;
+    Worker m_worker;
     QString m_template; // of m_marks
     Marks m_marks;      // nothing: not known
     NoteLabel *m_note;

@@ -41,8 +41,9 @@ void DocTablesEditor::actionChanged()
     }
     m_template = name;
     m_markers.reset();
+    m_worker.stop();
     if (!name.isEmpty()) {
-        m_query.ask<Markers>(*context().action, m_findMarkers, [this](const Markers &found) {
+        ask<Markers>(m_worker, *context().action, m_findMarkers, [this](const Markers &found) {
             m_markers = found;
             updateCells();
         });

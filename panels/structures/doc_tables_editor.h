@@ -3,7 +3,7 @@
 // Rows are added and removed with the pins of the action. The markers of the template are read in
 // the background and offered; others are kept and marked. Threads: the GUI thread.
 #pragma once
-#include "panels/structures/background_query.h"
+#include "panels/background/action_copy.h"
 #include "panels/structures/element_table.h"
 
 #include <optional>
@@ -28,7 +28,7 @@ protected:
 
 private:
     FindMarkers m_findMarkers;
-    BackgroundQuery m_query;
+    Worker m_worker;
     QString m_template; // of m_markers
     Markers m_markers;  // nothing: not known
 };

@@ -38,10 +38,11 @@ void ReadLevelsEditor::actionChanged()
         return;
     }
     m_asked = values;
-    m_query.ask<SampledLevels>(*context().action, m_findLevels, [this](const SampledLevels &found) {
-        m_sample = found;
-        refreshContext();
-    });
+    ask<SampledLevels>(m_worker, *context().action, m_findLevels,
+                       [this](const SampledLevels &found) {
+                           m_sample = found;
+                           refreshContext();
+                       });
 }
 
 FieldEditor *ReadLevelsEditor::makeMember(const FieldContext &context)

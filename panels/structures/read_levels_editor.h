@@ -4,8 +4,8 @@
 // Each level is inside the one before it. The paths that the beginning of the file has can be
 // chosen; it is read in the background. Threads: the GUI thread.
 #pragma once
+#include "panels/background/action_copy.h"
 #include "panels/structure_editor.h"
-#include "panels/structures/background_query.h"
 #include "panels/structures/level_paths.h"
 
 namespace corvanta {
@@ -32,7 +32,7 @@ private:
     FieldEditor *makeColumns(const FieldContext &context);
 
     FindLevels m_findLevels;
-    BackgroundQuery m_query;
+    Worker m_worker;
     QStringList m_asked;    // the values that the sample depends on
     SampledLevels m_sample; // empty: not known
 };

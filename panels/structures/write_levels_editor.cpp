@@ -19,7 +19,9 @@ namespace corvanta {
 
 namespace {
 
-constexpr int kVisibleLines = 6; // longer texts scroll
+constexpr int kVisibleLines = 6;  // longer texts scroll
+constexpr qsizetype kMaxRows = 5; // of the input
+constexpr int kSampleRows = 2;
 constexpr auto kLevel = "Level"_L1;
 constexpr auto kName = "name"_L1;
 constexpr auto kPartition = "partitionCol"_L1;
@@ -49,6 +51,38 @@ QString detailOf(const Element &item, const ParameterInfo &list)
         }
     }
     return {};
+}
+
+/// A text that shows which column and which row it is from.
+QString sampleValue(const QString &column, MetaInfo::MetaTypeColumn type, int row)
+{
+    switch (type) {
+    case MetaInfo::Key:
+        return QString::number(row);
+    case MetaInfo::Float:
+        return QString::number(row + 0.5);
+    case MetaInfo::Unknown:
+        break;
+    }
+    return u"%1 %2"_s.arg(column, QString::number(row));
+}
+
+/// Values for the columns that the host knows, or for two columns if it knows none.
+PreviewRows sampleRows(TableSchema columns)
+{
+    if (columns.names.isEmpty()) {
+        columns.names = {u"a"_s, u"b"_s};
+    }
+    columns.types.resize(columns.names.size()); // of unknown type
+    PreviewRows sample{std::move(columns), {}, {}};
+    for (int row = 1; row <= kSampleRows; ++row) {
+        QStringList values;
+        for (qsizetype i = 0; i < sample.columns.names.size(); ++i) {
+            values << sampleValue(sample.columns.names[i], sample.columns.types[i].type(), row);
+        }
+        sample.rows.append(values);
+    }
+    return sample;
 }
 
 } // namespace
@@ -191,30 +225,33 @@ void WriteLevelsEditor::actionChanged()
 
 void WriteLevelsEditor::updateRows()
 {
-    const InputPart part = inputPartOf(*context().action);
-    // The action itself is a part of it, but not the one whose changes matter.
-    InputPart sources = part;
-    sources.graph.actions.removeIf(
-        [&](const CorvantaGraph::Action &action) { return action.id == part.id; });
-    const QByteArray asked = part.isLinked() ? sources.graph.toXml() : QByteArray();
+    const PreviewRequest request = requestOf(*context().action);
+    // The rows do not depend on the action itself.
+    CorvantaGraph sources = request.graph;
+    sources.actions.removeIf(
+        [&](const CorvantaGraph::Action &action) { return action.id == request.action; });
+    const QByteArray asked = sources.actions.isEmpty() ? QByteArray() : sources.toXml();
     if (asked == m_asked) {
         return;
     }
     m_asked = asked;
     m_rows = {};
-    if (part.isLinked()) {
-        m_query.ask<PreviewRows>(
-            *context().action, [part](ActionItem &) { return inputRows(part); },
-            [this](const PreviewRows &rows) {
+    m_worker.start(
+        [this, request](const std::stop_token &stop) -> Worker::Show {
+            PreviewRows rows = previewRows(request, EngineRunner::PinIn, stop);
+            rows.rows.resize(qMin(kMaxRows, rows.rows.size()));
+            return [this, rows] {
                 m_rows = rows;
                 updatePreview();
-            });
-    }
+            };
+        },
+        [](const QString &) {}); // sample values are shown
 }
 
 void WriteLevelsEditor::updatePreview()
 {
-    const PreviewRows rows = m_rows.rows.isEmpty() ? sampleRows(inputColumns()) : m_rows;
+    const bool isSample = m_rows.rows.isEmpty();
+    const PreviewRows rows = isSample ? sampleRows(inputColumns()) : m_rows;
     // A copy, because composing changes the state of the action.
     GlobalParameters *const global = context().action->globalParameters();
     const std::unique_ptr<ActionItem> copy(context().action->clone(global));
@@ -225,8 +262,8 @@ void WriteLevelsEditor::updatePreview()
     }
     m_problem->setNote(NoteLabel::Kind::Error, composed.problem);
     m_source->setNote(NoteLabel::Kind::Remark,
-                      rows.isSample ? tr("With sample values in place of the rows of the input")
-                                    : tr("With the first rows of the input"));
+                      isSample ? tr("With sample values in place of the rows of the input")
+                               : tr("With the first rows of the input"));
 }
 
 } // namespace corvanta

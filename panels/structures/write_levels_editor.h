@@ -5,11 +5,9 @@
 // GUI thread.
 #pragma once
 #include "codecs/compose/write_level.h"
+#include "panels/background/worker.h"
+#include "panels/preview/preview_run.h"
 #include "panels/structure_editor.h"
-#include "panels/structures/background_query.h"
-#include "panels/structures/preview_rows.h"
-
-#include <QTimer>
 
 class QPlainTextEdit;
 
@@ -65,9 +63,9 @@ private:
     QPlainTextEdit *m_text;
     NoteLabel *m_source;  // where the rows come from
     NoteLabel *m_problem; // why there is no text
-    QByteArray m_asked;   // the part of the graph that m_rows are from
+    QByteArray m_asked;   // the graph that m_rows are from, without the action itself
     PreviewRows m_rows;   // of the input; none: sample values are shown
-    BackgroundQuery m_query;
+    Worker m_worker;
 };
 
 } // namespace corvanta

@@ -1,4 +1,4 @@
-// What panels read from files in the background: auto-fill, columns and previews. Also what happens
+// What panels read from files in the background: auto-fill, columns, levels and previews. Also what happens
 // when a user stops it, edits, or closes the panel in the middle.
 #include "corvanta/edit/edit_history.h"
 #include "corvanta/main_ui.h"
@@ -19,11 +19,8 @@
 #include <QStyleFactory>
 #include <QTableView>
 #include <QTest>
-#include <QThread>
 
 #include <gtest/gtest.h>
-
-#include <stdexcept>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -127,67 +124,7 @@ ParameterInfo levels()
     return parameters.parameters()[parameters.indexOfParameter(u"Level"_s)];
 }
 
-/// Work that lasts until it is stopped.
-Worker::Show untilStopped(const std::stop_token &stop, std::atomic<bool> *ended)
-{
-    while (!stop.stop_requested()) {
-        QThread::msleep(1);
-    }
-    *ended = true;
-    return [] { ADD_FAILURE() << "dropped results are not shown"; };
-}
-
 } // namespace
-
-// ---- Work in the background
-
-TEST(Workers, TheNewestWorkIsShownOnTheGuiThread)
-{
-    std::atomic<bool> ended = false;
-    QThread *shownOn = nullptr;
-    Worker worker(nullptr);
-    const auto failed = [](const QString &) { ADD_FAILURE(); };
-    worker.start([&](const std::stop_token &stop) { return untilStopped(stop, &ended); }, failed);
-    worker.start(
-        [&](const std::stop_token &) -> Worker::Show {
-            EXPECT_NE(QThread::currentThread(), qApp->thread());
-            return [&] { shownOn = QThread::currentThread(); };
-        },
-        failed);
-    EXPECT_TRUE(worker.isRunning());
-    EXPECT_TRUE(waitFor([&] { return shownOn != nullptr && ended; }));
-    EXPECT_EQ(shownOn, qApp->thread());
-    EXPECT_FALSE(worker.isRunning());
-}
-
-TEST(Workers, WorkThatIsStoppedOrLosesItsWidgetIsDropped)
-{
-    std::atomic<bool> ended = false;
-    auto worker = std::make_unique<Worker>(nullptr);
-    const auto start = [&] {
-        ended = false;
-        worker->start([&](const std::stop_token &stop) { return untilStopped(stop, &ended); },
-                      [](const QString &) { ADD_FAILURE(); });
-    };
-    start();
-    worker->stop();
-    EXPECT_FALSE(worker->isRunning());
-    EXPECT_TRUE(waitFor([&] { return ended.load(); }));
-    start();
-    worker.reset();
-    EXPECT_TRUE(waitFor([&] { return ended.load(); }));
-    QTest::qWait(50);
-}
-
-TEST(Workers, AFailureOfTheWorkIsReported)
-{
-    QString failure;
-    Worker worker(nullptr);
-    worker.start([](const std::stop_token &) -> Worker::Show { throw std::runtime_error("why"); },
-                 [&](const QString &reason) { failure = reason; });
-    EXPECT_TRUE(waitFor([&] { return !failure.isEmpty(); }));
-    EXPECT_EQ(failure, u"why"_s);
-}
 
 // ---- What is added to existing levels
 
@@ -361,6 +298,19 @@ TEST(FileColumns, TheColumnsOfTheFileAreOffered)
     QFile(editor.folder.path(u"t.parquet"_s)).remove();
     editor.click(u"start"_s);
     EXPECT_TRUE(editor.waitForNote(u"t.parquet"_s, NoteLabel::Kind::Error));
+}
+
+// ---- Editors of levels
+
+TEST(Levels, ThePanelMayBeClosedWhileTheFileIsRead)
+{
+    Editor editor("<readJSON fileName='deep.json'/>");
+    editor.folder.write(u"deep.json"_s, QByteArray(200'000, '['));
+    for (int i = 0; i < 20; ++i) {
+        editor.open();
+    }
+    editor.panel.reset();
+    QTest::qWait(50);
 }
 
 // ---- Preview

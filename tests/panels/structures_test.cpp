@@ -16,7 +16,6 @@
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QThreadPool>
 #include <QToolButton>
 #include <QTreeWidget>
 
@@ -165,19 +164,6 @@ TEST(ReadLevels, ManyColumnsAreEditedInATable)
     EXPECT_EQ(levels.table()->rowCount(), 49);
     EXPECT_FALSE(levels.value().contains("'c49'"_L1));
     EXPECT_TRUE(levels.value().contains("<s>x</s>"_L1)) << "LeftOut is kept";
-}
-
-TEST(ReadLevels, ThePanelMayBeClosedWhileTheFileIsRead)
-{
-    const QTemporaryDir folder;
-    const QString file = write(folder, u"a.json"_s, QByteArray(200'000, '['));
-    for (int i = 0; i < 20; ++i) {
-        const panels::Action action =
-            panels::fromXml("<readJSON fileName='" + file.toUtf8() + "'/>");
-        const panels::Panel panel(action->createPanel(nullptr));
-    }
-    EXPECT_TRUE(QThreadPool::globalInstance()->waitForDone(30000));
-    QApplication::processEvents(); // delivers the answers, to nothing
 }
 
 TEST(WriteLevels, FieldsFollowTheTypeAndThePreviewFollowsTheFields)
