@@ -91,15 +91,6 @@ Element wholeWrapperOf(const ParameterInfo &list, const QString &value)
     return wrapper == nullptr ? Element() : *wrapper;
 }
 
-/// The elements of a list that is a member of `parent`, without a wrapper.
-std::vector<Element> itemsIn(const Element &parent, const ParameterInfo &list)
-{
-    std::vector<Element> items;
-    std::copy_if(parent.children.begin(), parent.children.end(), std::back_inserter(items),
-                 [&](const Element &child) { return child.name == list.itemElement; });
-    return items;
-}
-
 /// Changes one attribute and keeps the order of the others. A default is not saved.
 void setElementAttribute(Element *element, const ParameterInfo &member, const QString &value)
 {
@@ -177,6 +168,14 @@ Element *Element::child(const QString &wanted)
 std::vector<Element> elementsOf(const ParameterInfo &list, const QString &value)
 {
     return hasWrapper(list) ? wholeWrapperOf(list, value).children : rootOf(value).children;
+}
+
+std::vector<Element> itemsIn(const Element &parent, const ParameterInfo &list)
+{
+    std::vector<Element> items;
+    std::copy_if(parent.children.begin(), parent.children.end(), std::back_inserter(items),
+                 [&](const Element &child) { return child.name == list.itemElement; });
+    return items;
 }
 
 Element wrapperOf(const ParameterInfo &list, const QString &value)

@@ -38,6 +38,8 @@ struct Element
 
 /// The elements of a value; none if it is not the XML of such elements.
 std::vector<Element> elementsOf(const ParameterInfo &list, const QString &value);
+/// The elements of a list that is a member of `parent`, without a wrapper.
+std::vector<Element> itemsIn(const Element &parent, const ParameterInfo &list);
 /// The wrapper of a value with its attributes, without elements; no name if the list has none.
 Element wrapperOf(const ParameterInfo &list, const QString &value);
 /// The value of these elements; empty without elements. A list that needs a wrapper gets a new one
