@@ -3,8 +3,6 @@
 #include "panels/basic_editors.h"
 #include "panels/glyphs.h"
 
-#include <QComboBox>
-#include <QCompleter>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -67,48 +65,21 @@ QWidget *columnOf(std::initializer_list<QWidget *> widgets)
 // ---- One column
 
 ColumnField::ColumnField(const FieldContext &context)
-    : FieldEditor(context)
-    , m_box(new QComboBox(this))
+    : SuggestionField(context, [this] { return inputColumns().names; })
 {
-    m_box->setEditable(true);
-    m_box->setInsertPolicy(QComboBox::NoInsert);
-    m_box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    // Matches anywhere in the name; the default completes only beginnings.
-    m_box->completer()->setCaseSensitivity(Qt::CaseInsensitive);
-    m_box->completer()->setFilterMode(Qt::MatchContains);
-    m_box->completer()->setCompletionMode(QCompleter::PopupCompletion);
-    auto *const layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_box);
-    setMainControl(m_box);
-    ignoreWheelWithoutFocus(m_box);
-    connect(m_box, &QComboBox::editTextChanged, this,
-            [this](const QString &text) { report(text, Edit::Typing); });
     refreshContext();
 }
 
 void ColumnField::refreshContext()
 {
-    const QSignalBlocker blocker(m_box); // the text does not change
-    const QString text = m_box->currentText();
-    m_box->clear();
-    m_box->addItems(inputColumns().names);
-    m_box->setEditText(text);
-    m_box->lineEdit()->setPlaceholderText(m_box->count() == 0 ? tr("Name of a column")
-                                                              : tr("Choose a column"));
-}
-
-void ColumnField::setValue(const QString &value)
-{
-    if (m_box->currentText() != value) {
-        m_box->setEditText(value);
-    }
+    SuggestionField::refreshContext();
+    setPlaceholder(inputColumns().names.isEmpty() ? tr("Name of a column") : tr("Choose a column"));
 }
 
 ParameterProblem ColumnField::problem() const
 {
     // A variable may be replaced by any name.
-    const QString name = m_box->currentText();
+    const QString name = text();
     const QVector<QString> known = inputColumns().names;
     const bool isKnown =
         known.isEmpty() || name.isEmpty() || name.contains("${"_L1) || known.contains(name);

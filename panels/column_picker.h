@@ -3,14 +3,13 @@
 // Both offer the columns of input pin 0 as far as the host knows them, and keep names that are not
 // among them: the input may get these columns later. Threads: the GUI thread.
 #pragma once
-#include "panels/field_editor.h"
+#include "panels/suggestion_field.h"
 
 #include <QCoreApplication>
 #include <QStringList>
 
 #include <vector>
 
-class QComboBox;
 class QLineEdit;
 class QListWidget;
 class QToolButton;
@@ -19,7 +18,7 @@ namespace corvanta {
 
 /// The name of one input column: a list to choose from, in which any other name can be typed. A
 /// name that the input does not have is a warning.
-class ColumnField final : public FieldEditor
+class ColumnField final : public SuggestionField
 {
     Q_DECLARE_TR_FUNCTIONS(corvanta::ColumnField)
 
@@ -27,12 +26,6 @@ public:
     explicit ColumnField(const FieldContext &context);
     ParameterProblem problem() const override;
     void refreshContext() override;
-
-protected:
-    void setValue(const QString &value) override;
-
-private:
-    QComboBox *m_box;
 };
 
 /// A list of texts in order. Texts may be empty and may be equal.

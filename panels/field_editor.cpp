@@ -86,6 +86,11 @@ QToolButton *FieldEditor::makeButton(Glyph glyph, const QString &name,
     return button;
 }
 
+QString FieldEditor::parameter(const QString &name) const
+{
+    return m_context.parameters->parameterValue(m_context.parameters->indexOfParameter(name));
+}
+
 TableSchema FieldEditor::inputColumns() const
 {
     return MainUI::inputColumns(m_context.action, 0);
@@ -117,6 +122,11 @@ FieldEditor *makeEditor(const FieldContext &context)
         break;
     }
     return new StructureEditor(context);
+}
+
+QString translated(const QString &text)
+{
+    return QCoreApplication::translate("Parameters", text.toUtf8().constData());
 }
 
 QString captionOf(const QString &label)

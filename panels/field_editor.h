@@ -75,6 +75,8 @@ protected:
     void nameControl(QWidget *control, const QString &name, const QString &toolTip = {});
     /// A button with a picture. `name` is its accessible name and tool tip.
     QToolButton *makeButton(Glyph glyph, const QString &name, std::function<void()> clicked);
+    /// The value of any parameter of the action.
+    QString parameter(const QString &name) const;
     /// The columns of input pin 0, as far as the host knows them.
     TableSchema inputColumns() const;
 
@@ -96,6 +98,8 @@ template <class Editor> FieldEditor *editor(const FieldContext &context)
 /// The editor for the type of the parameter. The caller owns it.
 FieldEditor *makeEditor(const FieldContext &context);
 
+/// A label, meaning or choice of a parameter table in the language of the user.
+QString translated(const QString &text);
 /// The label before a field, with a colon unless it is a sentence.
 QString captionOf(const QString &label);
 /// The tool tip of a field: the name of the attribute and its meaning.

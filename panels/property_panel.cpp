@@ -42,12 +42,6 @@ constexpr double kIconScale = 0.5; // 32 pixels
 constexpr double kPlateRadius = 5;
 constexpr double kPlateMargin = 3;
 
-/// A label, meaning or choice of a parameter table in the language of the user.
-QString translated(const QString &text)
-{
-    return QCoreApplication::translate("Parameters", text.toUtf8().constData());
-}
-
 /// A description is a text for menus, where "&&" is a visible ampersand.
 QString shownDescription(const ActionItem &action)
 {

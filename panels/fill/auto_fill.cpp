@@ -223,8 +223,7 @@ QStringList AutoFill::labelsOf(const FileFill &fill) const
     QStringList labels;
     for (const FileFill::Value &value : fill.values) {
         if (value.index != m_elements) {
-            labels << QCoreApplication::translate("Parameters",
-                                                  m_infos[value.index].label.toUtf8().constData());
+            labels << translated(m_infos[value.index].label);
         }
     }
     return labels;

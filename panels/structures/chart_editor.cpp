@@ -2,7 +2,7 @@
 
 #include "panels/note_label.h"
 #include "panels/structures/chart_axes_field.h"
-#include "panels/structures/suggestion_field.h"
+#include "panels/suggestion_field.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -42,8 +42,7 @@ ChartEditor::ChartEditor(const FieldContext &context, FindMarks findMarks)
 
 void ChartEditor::actionChanged()
 {
-    const ActionParameters &parameters = *context().parameters;
-    const QString name = parameters.parameterValue(parameters.indexOfParameter(kTemplate));
+    const QString name = parameter(kTemplate);
     if (name == m_template) {
         return;
     }
@@ -79,9 +78,7 @@ QString ChartEditor::summary(const Element &chart, const ParameterInfo &list, in
     const QString name = memberValue(chart, list, kName);
     const ParameterInfo &type = *memberOf(list, kType);
     const QString kind = type.choices.value(memberValue(chart, type).toInt());
-    return u"%1 \u2013 %2"_s.arg(
-        name.isEmpty() ? tr("(no tag)") : name,
-        QCoreApplication::translate("Parameters", kind.toUtf8().constData()));
+    return u"%1 \u2013 %2"_s.arg(name.isEmpty() ? tr("(no tag)") : name, kind);
 }
 
 QString ChartEditor::remark(const Element &chart, const ParameterInfo &list) const

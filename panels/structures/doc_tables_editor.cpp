@@ -34,8 +34,7 @@ DocTablesEditor::DocTablesEditor(const FieldContext &context, FindMarkers findMa
 
 void DocTablesEditor::actionChanged()
 {
-    const ActionParameters &parameters = *context().parameters;
-    const QString name = parameters.parameterValue(parameters.indexOfParameter(kTemplate));
+    const QString name = parameter(kTemplate);
     if (name == m_template) {
         return;
     }

@@ -73,8 +73,7 @@ void PinCountField::setPinCount(int count)
     changePins(action, count);
     if (action->pinInCount() != before) {
         const QString &name = context().info.name;
-        const int index = context().parameters->indexOfParameter(name);
-        MainUI::parameterWasEdited(action, {name, context().parameters->parameterValue(index), 0});
+        MainUI::parameterWasEdited(action, {name, parameter(name), 0});
     }
     refreshPanelOf(*this); // also when the action refused
 }

@@ -2,7 +2,7 @@
 
 #include "panels/basic_editors.h"
 #include "panels/structures/element_table.h"
-#include "panels/structures/suggestion_field.h"
+#include "panels/suggestion_field.h"
 
 #include <algorithm>
 

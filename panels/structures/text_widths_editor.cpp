@@ -82,8 +82,7 @@ void TextWidthsEditor::actionChanged()
 
 bool TextWidthsEditor::isMeasured() const
 {
-    const ActionParameters &parameters = *context().parameters;
-    return parameters.parameterValue(parameters.indexOfParameter(kMeasure)) != "0"_L1;
+    return parameter(kMeasure) != "0"_L1;
 }
 
 /// A width of 0 is one that a new element has.

@@ -4,7 +4,7 @@
 #include "panels/basic_editors.h"
 #include "panels/column_picker.h"
 #include "panels/note_label.h"
-#include "panels/structures/suggestion_field.h"
+#include "panels/suggestion_field.h"
 
 #include <QFontDatabase>
 #include <QLabel>
@@ -156,9 +156,7 @@ QString WriteLevelsEditor::summary(const Element &element, const ParameterInfo &
     const ParameterInfo &type = *memberOf(list, kType);
     const QString number = memberValue(element, type);
     const QString what = type.choices.value(number.toInt());
-    const QString text = what.isEmpty()
-                             ? tr("Type %1").arg(number)
-                             : QCoreApplication::translate("Parameters", what.toUtf8().constData());
+    const QString text = what.isEmpty() ? tr("Type %1").arg(number) : what;
     const QString detail = detailOf(element, list);
     return detail.isEmpty() ? text : text + u": "_s + detail;
 }

@@ -1,4 +1,4 @@
-#include "panels/structures/suggestion_field.h"
+#include "panels/suggestion_field.h"
 
 #include "panels/basic_editors.h"
 
@@ -31,6 +31,7 @@ SuggestionField::SuggestionField(const FieldContext &context, Suggestions sugges
     m_box->setEditable(true);
     m_box->setInsertPolicy(QComboBox::NoInsert);
     m_box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    // Matches anywhere in the text; the default completes only beginnings.
     m_box->completer()->setFilterMode(Qt::MatchContains);
     m_box->completer()->setCompletionMode(QCompleter::PopupCompletion);
     auto *const layout = new QVBoxLayout(this);
@@ -45,6 +46,11 @@ SuggestionField::SuggestionField(const FieldContext &context, Suggestions sugges
 void SuggestionField::setPlaceholder(const QString &text)
 {
     m_box->lineEdit()->setPlaceholderText(text);
+}
+
+QString SuggestionField::text() const
+{
+    return m_box->currentText();
 }
 
 void SuggestionField::refreshContext()

@@ -1,5 +1,5 @@
-// One line of text with a list of suggestions, for members of structures. Any other text can be
-// typed. Threads: the GUI thread.
+// One line of text with a list of suggestions. Any other text can be typed. Threads: the GUI
+// thread.
 #pragma once
 #include "panels/field_editor.h"
 
@@ -7,7 +7,7 @@ class QComboBox;
 
 namespace corvanta {
 
-class SuggestionField final : public FieldEditor
+class SuggestionField : public FieldEditor
 {
 public:
     using Suggestions = std::function<QStringList()>;
@@ -19,6 +19,7 @@ public:
     void setPlaceholder(const QString &text);
 
 protected:
+    QString text() const;
     void setValue(const QString &value) override;
 
 private:
