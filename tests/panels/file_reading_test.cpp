@@ -1,5 +1,5 @@
-// What panels read from files in the background: auto-fill, columns, levels and previews. Also what happens
-// when a user stops it, edits, or closes the panel in the middle.
+// What panels read from files in the background: auto-fill, columns, levels and previews. Also what
+// happens when a user stops it, edits, or closes the panel in the middle.
 #include "corvanta/edit/edit_history.h"
 #include "corvanta/main_ui.h"
 #include "panels/background/task_row.h"
