@@ -62,7 +62,7 @@ Preview::Preview(UpdateClassWidget *panel)
     m_sides->addLayout(makeText(), 1);
     m_delay.setSingleShot(true);
     m_delay.setInterval(kDelayMs);
-    connect(&m_delay, &QTimer::timeout, this, [this] { update(); });
+    connect(&m_delay, &QTimer::timeout, this, [this] { read(); });
 }
 
 QLayout *Preview::makeRows()
@@ -122,7 +122,7 @@ void Preview::resizeEvent(QResizeEvent *event)
                                                      : QBoxLayout::LeftToRight);
 }
 
-void Preview::update()
+void Preview::read()
 {
     m_delay.setInterval(kDelayMs); // showEvent() sets another one
     const PreviewRequest request = requestOf(*action());

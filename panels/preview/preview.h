@@ -42,7 +42,7 @@ private:
     QLayout *makeText();
 
     /// Read in the background, unless what is shown was read from the same graph.
-    void update();
+    void read();
     void showRows(const PreviewRows &preview);
     /// Make the first columns as wide as their cells.
     void fitColumns();
