@@ -56,6 +56,14 @@ FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
     return FileSeries::Opened(std::move(file));
 }
 
+/// Why there is no name to open a memo file by.
+static QString reasonWithoutName(const InputFile &table)
+{
+    return table.kind() == input::Kind::Rar
+               ? u"only the first entry of a RAR archive can be read"_s
+               : u"the folder of the table has no .dbt or .fpt file of the same name"_s;
+}
+
 /// Open the table's memo file, if there is one.
 void XbfFile::openMemo(const ReadXbfParams &params)
 {
@@ -75,7 +83,8 @@ void XbfFile::openMemo(const ReadXbfParams &params)
     // A table may have memo fields that were never filled, and then no memo file.
     m_reportsMissingMemos = !header.announcesMemoFile();
     if (header.announcesMemoFile()) {
-        m_action.warn(u"Warning: cannot open memo file\n"_s, reason);
+        m_action.warn(u"Warning: cannot open memo file\n"_s,
+                      reason.isEmpty() ? reasonWithoutName(m_input->file) : reason);
     }
 }
 
