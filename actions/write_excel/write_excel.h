@@ -147,6 +147,7 @@ private:
     void reportSheet();
     /// A run without rows that wrote no file.
     void reportNoFile();
+    QString reasonOfNoFile() const;
     /// The rows of the sheet that this run wrote.
     xlsx::WrittenCells writtenCells() const;
 
@@ -205,8 +206,9 @@ private:
     bool commit();
     /// Swap without a finished package, for a run without rows.
     void swapNothing();
-    /// Rename the target to a second name and the package to the target, with retries.
-    bool swap(const QString &temporary, const QString &target);
+    /// Rename the target to a second name and the package to the target, with retries. `reason` is
+    /// why it fails; empty: the reason of the system.
+    bool swap(const QString &temporary, const QString &target, const QString &reason = {});
     /// Wait, but not beyond the end of the run. Returns false when it has ended.
     bool pause(int pauseMs) const;
     /// Have a spreadsheet program calculate the workbook; a failure is a warning.

@@ -240,12 +240,15 @@ void ActionWriteExcel::reportSheet()
     }
 }
 
+QString ActionWriteExcel::reasonOfNoFile() const
+{
+    return m_params.alwaysWrite ? u"the input has neither columns nor rows"_s
+                                : u"the input has no rows (alwaysWrite='1' writes its header)"_s;
+}
+
 void ActionWriteExcel::reportNoFile()
 {
-    const QString reason = m_params.alwaysWrite
-                               ? u"the input has neither columns nor rows"_s
-                               : u"the input has no rows (alwaysWrite='1' writes its header)"_s;
-    warn(u"Warning: the Excel file '%1' is not written: %2.\n"_s.arg(fileName(), reason));
+    warn(u"Warning: the Excel file '%1' is not written: %2.\n"_s.arg(fileName(), reasonOfNoFile()));
 }
 
 // Problems that do not depend on the input. The others are found while the rows are written.

@@ -332,7 +332,7 @@ bool ActionWriteExcel::commit()
     return done;
 }
 
-bool ActionWriteExcel::swap(const QString &temporary, const QString &target)
+bool ActionWriteExcel::swap(const QString &temporary, const QString &target, const QString &reason)
 {
     // In the target's folder, because a rename to another file system is a copy.
     const QString backup = withSuffix(
@@ -347,7 +347,8 @@ bool ActionWriteExcel::swap(const QString &temporary, const QString &target)
     if (!swapped) {
         const FailedRename &failed = swapped.fault().code;
         return fail(u"ERROR: impossible to rename '%1' to '%2'"_s.arg(failed.from, failed.to),
-                    failureReason(failed.from, FileUse::Write, failed.error));
+                    reason.isEmpty() ? failureReason(failed.from, FileUse::Write, failed.error)
+                                     : reason);
     }
     return true;
 }
@@ -369,7 +370,7 @@ void ActionWriteExcel::swapNothing()
     const QString temporary = withSuffix(
         fileName(), u"_tmp_%1_%2"_s.arg(QString::number(getIdx()),
                                         QString::number(MainUI::getNearUniqueRandomID())));
-    swap(temporary, fileName());
+    swap(temporary, fileName(), reasonOfNoFile());
     if (m_params.runExcel) {
         recalculate();
     }
