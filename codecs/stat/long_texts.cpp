@@ -5,6 +5,8 @@
 //   reference  8 bytes: variable and row. 117: uint32 and uint32, 118: uint16 and 6 bytes,
 //              119: 3 bytes and 5 bytes. All zeros: the empty text
 //
+// The ReadStat library writes, and expects, the references of 118 in files of version 119.
+//
 // Public description: "help dta" of Stata.
 #include "codecs/stat/long_texts.h"
 
@@ -20,6 +22,9 @@ constexpr char kEnd[] = "</strls>";
 constexpr quint64 kBeginBytes = sizeof kBegin - 1;
 constexpr quint64 kEndBytes = sizeof kEnd - 1;
 constexpr int kFirstWideRow = 118; // version
+// Bytes of the variable in references of versions 118 and 119.
+constexpr int kShortVariable = 2;
+constexpr int kLongVariable = 3;
 constexpr int kReferenceBytes = 8;
 constexpr char kTextWithZero = char(130);
 constexpr quint16 kLongText = 32768;
@@ -54,6 +59,15 @@ quint64 numberOf(const char *bytes, int n, bool isBigEndian)
     return value;
 }
 
+/// Bytes of the variable in a reference.
+int variableBytesOf(int release)
+{
+    if (release < kFirstWideRow) {
+        return 4;
+    }
+    return release == kFirstWideRow ? kShortVariable : kLongVariable;
+}
+
 } // namespace
 
 std::unique_ptr<LongTexts> LongTexts::of(ByteSource &source)
@@ -74,6 +88,7 @@ std::unique_ptr<LongTexts> LongTexts::of(ByteSource &source)
 LongTexts::LongTexts(ByteSource &source, const StataHeader &header)
     : m_release(header.release)
     , m_isBigEndian(header.isBigEndian)
+    , m_variableBytes(variableBytesOf(header.release))
     , m_begin(static_cast<qint64>(header.map[StataHeader::kLongTexts] + kBeginBytes))
     , m_end(static_cast<qint64>(header.map[StataHeader::kAfterLongTexts] - kEndBytes))
     , m_input(source)
@@ -124,9 +139,8 @@ void LongTexts::attachTo(LibrarySource *library)
 
 LongTexts::Key LongTexts::keyOf(const char *reference) const
 {
-    const int variableBytes = m_release < kFirstWideRow ? 4 : m_release - kFirstWideRow + 2;
-    return {numberOf(reference + variableBytes, kReferenceBytes - variableBytes, m_isBigEndian),
-            static_cast<quint32>(numberOf(reference, variableBytes, m_isBigEndian))};
+    return {numberOf(reference + m_variableBytes, kReferenceBytes - m_variableBytes, m_isBigEndian),
+            static_cast<quint32>(numberOf(reference, m_variableBytes, m_isBigEndian))};
 }
 
 std::optional<LongTexts::Stored> LongTexts::storedAt(qint64 at)
@@ -205,6 +219,18 @@ std::optional<LongTexts::Stored> LongTexts::search(const Key &key)
     return std::nullopt;
 }
 
+/// As search(). The first text that is found decides the form of the references.
+std::optional<LongTexts::Stored> LongTexts::searchFirst(const char *reference)
+{
+    auto stored = search(keyOf(reference));
+    if (!stored && !m_fault && m_variableBytes == kLongVariable) {
+        m_variableBytes = kShortVariable;
+        stored = search(keyOf(reference));
+        m_variableBytes = stored ? kShortVariable : kLongVariable;
+    }
+    return stored;
+}
+
 std::optional<LongTexts::Place> LongTexts::find(int offset)
 {
     // The library reads a row at once.
@@ -212,16 +238,18 @@ std::optional<LongTexts::Place> LongTexts::find(int offset)
     if (row.size() != m_rowBytes || m_fault || (m_stride == 0 && !makeIndex())) {
         return std::nullopt;
     }
-    const Key key = keyOf(row.data() + offset);
+    const char *const reference = row.data() + offset;
+    const Key key = keyOf(reference);
     if (key == Key()) {
         return Place();
     }
     if (key != m_last.key) {
         // Most texts are in the order of the rows.
-        const bool hasNext = m_last.end > 0 && m_last.end < m_end;
+        const bool isFirst = m_last.end == 0;
+        const bool hasNext = !isFirst && m_last.end < m_end;
         auto stored = hasNext ? storedAt(m_last.end) : std::nullopt;
         if (!stored || stored->key != key) {
-            stored = search(key);
+            stored = isFirst ? searchFirst(reference) : search(key);
         }
         if (!stored) {
             return std::nullopt;

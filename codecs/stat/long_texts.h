@@ -79,10 +79,12 @@ private:
     /// Index every `stride`-th text. Returns false if they are not sorted, or after a fault.
     bool indexEach(qint64 stride);
     std::optional<Stored> search(const Key &key);
+    std::optional<Stored> searchFirst(const char *reference);
 
     const int m_release;
     const bool m_isBigEndian;
-    qint64 m_begin; // of the first text, and the end of the last one
+    int m_variableBytes; // in references
+    qint64 m_begin;      // of the first text, and the end of the last one
     qint64 m_end;
     qint64 m_rowBytes = 0;      // of the rows in the file
     std::vector<int> m_offsets; // by variable

@@ -148,10 +148,13 @@ bool RowMaker::putLongText(int column)
 {
     const ColumnPlan &plan = m_columns[static_cast<size_t>(column)];
     const auto found = m_longTexts->find(plan.longTextAt);
+    if (m_longTexts->fault()) {
+        return false;
+    }
     if (!found) {
         m_findings.lostTexts.add([&] { return place(plan); });
         m_ring.setCell(column, missingCell(plan.type));
-        return !m_longTexts->fault();
+        return true;
     }
     // The ring refuses a text that is too long before memory is allocated for it.
     if (roomForText(found->bytes) == nullptr) {

@@ -19,13 +19,13 @@ CORVANTA = str(pathlib.Path(sys.argv.pop(1)).resolve())
 CASES = pathlib.Path(__file__).resolve().parents[1] / "graphs/read_stat"
 
 
-def stata(release, is_big, rows, texts):
-    """A Stata file with the columns a (strL), n (int8) and b (strL); `texts` by (variable, row)."""
+def stata(release, is_big, rows, texts, split=None):
+    """A Stata file with the columns a (strL), n (int8) and b (strL); `texts` by (variable, row). `split` is the size of the variable in references."""
     order = ">" if is_big else "<"
     is_old = release == 117
     name, fmt, label = (33, 49, 81) if is_old else (129, 57, 321)
     endian = "big" if is_big else "little"
-    split = {117: 4, 118: 2, 119: 3}[release]
+    split = split or {117: 4, 118: 2, 119: 3}[release]
     pad = lambda items, size: b"".join(item.ljust(size, b"\0") for item in items)
     reference = lambda key: key[0].to_bytes(split, endian) + key[1].to_bytes(8 - split, endian)
     parts = [("variable_types", struct.pack(order + "3H", 32768, 65530, 32768)), ("varnames", pad([b"a", b"n", b"b"], name)),
@@ -128,6 +128,13 @@ class StatInput(unittest.TestCase):
             self.write("long.dta", stata(118, False, rows, order))
             self.assertEqual(self.rows("long.dta")[1:], [[str(i * 7 % 299 + 1), str(i % 100), str(i + 1)] for i in range(299)])
 
+    def test_long_texts_of_the_library_in_version_119(self):
+        many = {(3, i): str(i).encode() for i in range(1, 600)}
+        for is_big in (False, True):
+            rows = [((0, 0), i % 100, (3, i)) for i in range(1, 600)]
+            self.write("long.dta", stata(119, is_big, [((0, 0), 0, (9, 9)), *rows], many, split=2))
+            self.assertEqual(self.rows("long.dta")[2:], [["", str(n), str(key[1])] for _, n, key in rows])
+
     def test_long_texts_that_are_not_in_the_file(self):
         self.write("lost.dta", stata(118, False, [((1, 1), 1, (7, 7)), ((1, 9), 2, (0, 0))], {(1, 1): b"first"}))
         self.assertIn("' refers to 2 long texts (strL) that it does not have, and that become missing; the first is in row 1 of the column 'b'\n",
@@ -135,7 +142,9 @@ class StatInput(unittest.TestCase):
         self.assertEqual(self.table("out.csv"), [["a", "n", "b"], ["first", "1", ""], ["", "2", ""]])
         whole = stata(118, False, [((1, 1), 1, (0, 0))], {(1, 1): b"first"})
         self.write("bad.dta", whole.replace(b"GSO", b"GSX"))
-        self.assertRegex(self.convert("bad.dta", "out.csv", status=1), r"the long text \(strL\) at offset \d+ is damaged")
+        error = self.convert("bad.dta", "out.csv", status=1)
+        self.assertRegex(error, r"the long text \(strL\) at offset \d+ is damaged")
+        self.assertNotIn("refers to", error)
         at = whole.index(b"<map>") + 5 + 11 * 8
         self.write("map.dta", whole[:at] + (5 << 30).to_bytes(8, "little") + whole[at + 8:])
         self.assertIn("its long texts (strL) are not where its header says", self.convert("map.dta", "out.csv", status=1))
