@@ -159,7 +159,7 @@ class Workbooks(unittest.TestCase):
         self.make(sheet([1]))
         book = self.folder / "book.xlsx"
         book.write_bytes(book.read_bytes()[:-40])
-        self.assertIn("cannot be read: it has no zip directory at its end: it is cut off or damaged", self.read(status=1)[1])
+        self.assertIn("Error: The workbook 'book.xlsx' is damaged\nReason: it ends before the directory of its zip package.\n", self.read(status=1)[1])
 
     def test_forms_of_markup(self):
         self.make('<x:worksheet xmlns:x="m"><x:sheetData><x:row><x:c t="inlineStr"><x:is><x:r><x:t>a</x:t></x:r><x:rPh><x:t>p</x:t>'
