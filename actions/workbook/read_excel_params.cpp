@@ -108,7 +108,7 @@ const ParamTable<ReadExcelParams> &readExcelParamTable()
 {
     // The order is that of saved graphs.
     static const ParamTable<P> table{
-        shared::fileNameFromPin<P>(),
+        shared::fileNamesFromPin<P>(),
         shared::sheetMode<P>("Whether sheetIdx or sheetName selects the sheet.", "sheets",
                              {QStringLiteral("0")})
             .otherwise("reads the sheet of sheetIdx"),

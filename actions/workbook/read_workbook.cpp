@@ -159,14 +159,14 @@ bool ReadWorkbook::listFiles(QStringList *files)
         *files = namesOfPattern(*this, m_run.fileName);
         return true;
     }
-    // Only the first row counts.
-    const OneRow *const row = getNextRowFromInPin(0);
-    if (row == nullptr) {
-        return runIsGood() &&
-               fail(u"ERROR: Cannot read the name of the workbook on input pin??\n"_s);
+    // Only a pin without rows is an error: a pattern may find no file.
+    bool hasName = false;
+    while (const OneRow *const row = getNextRowFromInPin(0)) {
+        hasName = true;
+        *files += namesOfPattern(*this, row->text(0));
     }
-    *files = namesOfPattern(*this, row->text(0));
-    return true;
+    return runIsGood() &&
+           (hasName || fail(u"ERROR: Cannot read the name of the workbook on input pin??\n"_s));
 }
 
 bool ReadWorkbook::planFiles(const QStringList &files)

@@ -394,7 +394,7 @@ class Workbooks(unittest.TestCase):
 
     def test_names_from_a_pin(self):
         self.make(sheet(["n"], [1]))
-        for names, status in (("book.xlsx", 0), ("", 1)):
+        for names, status in (("book.xlsx\nb*.xlsx\n", 0), ("", 1)):
             (self.folder / "names.csv").write_text("name\n" + names)
             (self.folder / "pin.graph").write_text(
                 "<graph version='4.12'><action id='n'><readCSV fileName='names.csv'/></action><action id='r'>"
