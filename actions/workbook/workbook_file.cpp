@@ -127,8 +127,24 @@ bool WorkbookFile::putRow(const WalkStep &step, OneRow &row)
         }
         row.setCol(column, task.options.rules.cellFor(cell, type, buffer));
         m_filled.push_back(column);
+        const bool isNumber =
+            cell.kind == sheet::CellKind::Number || cell.kind == sheet::CellKind::Boolean;
+        m_textUnits += isNumber ? 0 : static_cast<qint64>(cell.text.size());
     }
-    return true;
+    return checkTexts();
+}
+
+/// A small file can refer to a long text millions of times.
+bool WorkbookFile::checkTexts()
+{
+    constexpr qint64 kMaxUnits = qint64(256) << 20;
+    constexpr qint64 kMaxUnitsPerByte = 512;
+    const qint64 most = kMaxUnits + m_workbook.source->size() * kMaxUnitsPerByte;
+    return m_textUnits <= most ||
+           fail(Fault{
+               sheet::WorkbookError::TooLarge,
+               u"it repeats its texts so often that its cells have more than %1 characters"_s.arg(
+                   most)});
 }
 
 /// Sheets are as good as equally long: counting their rows would need another pass.

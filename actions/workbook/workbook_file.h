@@ -55,6 +55,8 @@ private:
     bool take(const WalkStep &step, OneRow &row, Found *found);
     /// Fails for a cell after the sample whose type does not fit its column.
     bool putRow(const WalkStep &step, OneRow &row);
+    /// Fails if the cells repeat texts without a limit.
+    bool checkTexts();
     // Make cells missing: those that the last row has set, and set the name of the sheet.
     void clearRow(OneRow &row);
     void clearCells(OneRow &row);
@@ -80,6 +82,7 @@ private:
     std::vector<int> m_filled;             // columns of the row that have a cell
     std::atomic<float> m_fraction = 0;
     qint64 m_rows = 0;
+    qint64 m_textUnits = 0; // of the cells that were delivered, UTF-16
 };
 
 } // namespace corvanta

@@ -317,6 +317,9 @@ class Workbooks(unittest.TestCase):
         rich = "<sst><si>" + ("<r><t>" + "a" * 1_000_000 + "</t></r>") * 30 + "</si></sst>"
         self.make('<worksheet><sheetData><row><c t="s"><v>0</v></c></row></sheetData></worksheet>', parts=[("xl/sharedStrings.xml", rich)])
         refused("a text has more than 16777215 characters")
+        self.make("<worksheet><sheetData>" + '<row><c t="s"><v>0</v></c></row>' * 20_000 + "</sheetData></worksheet>",
+                  parts=[("xl/sharedStrings.xml", "<sst><si><t>" + "a" * 10_000_000 + "</t></si></sst>")])
+        refused("it repeats its texts so often that its cells have more than ")
         for cell, reason in (("A1", "is too large for the size of the file"), ("XFD1", "its sheets have more than 4194304 columns")):
             self.make(f'<worksheet><sheetData><row><c r="{cell}"><v>1</v></c></row></sheetData></worksheet>')
             with zipfile.ZipFile(self.folder / "book.xlsx", "a", zipfile.ZIP_DEFLATED) as package:
