@@ -153,6 +153,14 @@ sheet::SheetOptions ActionWriteExcel::sheetOptions() const
     return options;
 }
 
+bool ActionWriteExcel::showsTime() const
+{
+    // The other system formats show either a date or a time.
+    return m_params.dateFormatExcel == DateDisplay::DateMinutes ||
+           m_params.dateFormatExcel == DateDisplay::DateSeconds ||
+           m_params.dateFormatExcel == DateDisplay::SystemDateTime;
+}
+
 /// Programs show a date in a narrow column as "###".
 void ActionWriteExcel::widenDateColumns(const std::vector<sheet::Column> &columns)
 {
@@ -164,10 +172,7 @@ void ActionWriteExcel::widenDateColumns(const std::vector<sheet::Column> &column
             dates.push_back(static_cast<int>(i));
         }
     }
-    const bool hasTime = m_params.dateFormatExcel == DateDisplay::DateMinutes ||
-                         m_params.dateFormatExcel == DateDisplay::DateSeconds ||
-                         m_params.dateFormatExcel == DateDisplay::SystemDateTime;
-    m_run->workbook->setColumnWidths(dates, hasTime ? kDateTimeDigits : kDateDigits);
+    m_run->workbook->setColumnWidths(dates, showsTime() ? kDateTimeDigits : kDateDigits);
 }
 
 bool ActionWriteExcel::openSheet(std::vector<sheet::Column> columns)

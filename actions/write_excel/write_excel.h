@@ -202,6 +202,8 @@ private:
     bool replacesItsSource() const;
     /// The number by which the codec knows the format of date cells.
     int dateFormat() const { return static_cast<int>(m_params.dateFormatExcel); }
+    /// Whether that format shows date and time.
+    bool showsTime() const;
     /// Replace the destination by the finished package.
     bool commit();
     /// Swap without a finished package, for a run without rows.

@@ -131,7 +131,8 @@ bool ActionWriteExcel::openNewWorkbook()
     }
     reportSheetName(name, {});
     reportRangeName({});
-    m_run->workbook = std::make_unique<xlsx::NewWorkbook>(name, dateFormat());
+    m_run->workbook =
+        std::make_unique<xlsx::NewWorkbook>(name, dateFormat(), readsIsoDates() && showsTime());
     return true;
 }
 

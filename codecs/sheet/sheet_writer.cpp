@@ -50,6 +50,7 @@ SheetWriter::SheetWriter(zip::PackageWriter &package, SheetOptions options,
     , m_report(std::move(report))
     , m_rowStart("\" spans=\"1:" + QByteArray::number(static_cast<int>(m_columns.size())) + "\">")
     , m_dateOpening(withStyle(m_options.dateStyle, kValueOpening))
+    , m_dayOpening(withStyle(m_options.dayStyle.value_or(m_options.dateStyle), kValueOpening))
     , m_linkOpening(withStyle(m_options.linkStyle, kTextOpening))
 {
     for (int i = 0; i < columnCount(); ++i) {
@@ -256,6 +257,7 @@ inline bool SheetWriter::putFinite(double value)
 bool SheetWriter::putDate(int column, std::u16string_view text)
 {
     constexpr int kSerialDigits = 16;
+    constexpr size_t kDayUnits = 10; // 2024-02-29
     if (text.empty()) {
         return true;
     }
@@ -271,7 +273,9 @@ bool SheetWriter::putDate(int column, std::u16string_view text)
         return false;
     }
     appendReference(column);
-    append(openingFor(column, m_dateOpening, kValueOpening));
+    // Without a dayStyle both are the same.
+    const Markup &opening = text.size() > kDayUnits ? m_dateOpening : m_dayOpening;
+    append(openingFor(column, opening, kValueOpening));
     m_out += putGeneral(*serial - m_options.firstDay, kSerialDigits, m_out);
     append(kValueClosing);
     return true;

@@ -33,15 +33,16 @@ inline constexpr size_t kMaxColumns = 16384;
 /// How cells are written. The same for all rows of a sheet.
 struct SheetOptions
 {
-    FloatFormat floatFormat;     ///< of finite numbers; its text should be a number
-    bool noNans = true;          ///< NaN and infinite numbers give no cell, else a text
-    bool equalIsFormula = false; ///< texts that start with "=" are formulas
-    bool urlTag = false;         ///< texts of the form of parseLink() are hyperlinks
-    bool crop = false;           ///< cut texts below kCellCharLimit
-    bool keepOddDates = false;   ///< in date columns, texts that cannot be dates stay texts
-    quint64 dateStyle = 1;       ///< cell format of dates: the s attribute
-    quint64 linkStyle = 2;       ///< cell format of hyperlinks
-    int firstDay = 0;            ///< serial that the workbook counts as day 0
+    FloatFormat floatFormat;         ///< of finite numbers; its text should be a number
+    bool noNans = true;              ///< NaN and infinite numbers give no cell, else a text
+    bool equalIsFormula = false;     ///< texts that start with "=" are formulas
+    bool urlTag = false;             ///< texts of the form of parseLink() are hyperlinks
+    bool crop = false;               ///< cut texts below kCellCharLimit
+    bool keepOddDates = false;       ///< in date columns, texts that cannot be dates stay texts
+    quint64 dateStyle = 1;           ///< cell format of dates: the s attribute
+    std::optional<quint64> dayStyle; ///< of ISO dates without a time, if not dateStyle
+    quint64 linkStyle = 2;           ///< cell format of hyperlinks
+    int firstDay = 0;                ///< serial that the workbook counts as day 0
 };
 
 /// What becomes of the text of a cell that cannot be written as it is.
@@ -187,6 +188,7 @@ private:
     CellReport m_report;
     Markup m_rowStart; // " spans="1:N">
     Markup m_dateOpening;
+    Markup m_dayOpening;
     Markup m_linkOpening;
     char m_rowDigits[kNumberChars] = {};
     int m_rowDigitCount = 0;

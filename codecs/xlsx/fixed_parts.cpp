@@ -68,12 +68,18 @@ constexpr char kStylesHead[] = XML_DECLARATION
     "<borders count=\"1\"><border><left/><right/><top/><bottom/><diagonal/></border></borders>"
     "<cellStyleXfs count=\"1\"><xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" "
     "borderId=\"0\"/></cellStyleXfs>"
-    "<cellXfs count=\"3\">"
+    "<cellXfs count=\"";
+constexpr char kStylesCells[] =
+    "\">"
     "<xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" borderId=\"0\" xfId=\"0\"/>"
     "<xf numFmtId=\"";
-constexpr char kStylesTail[] =
+constexpr char kStylesLink[] =
     "\" fontId=\"0\" fillId=\"0\" borderId=\"0\" xfId=\"0\" applyNumberFormat=\"1\"/>"
-    "<xf numFmtId=\"0\" fontId=\"1\" fillId=\"0\" borderId=\"0\" xfId=\"0\"/>"
+    "<xf numFmtId=\"0\" fontId=\"1\" fillId=\"0\" borderId=\"0\" xfId=\"0\"/>";
+// Only where ISO dates are shown with a time: numFmt 164, without one.
+constexpr char kStylesDay[] = "<xf numFmtId=\"164\" fontId=\"0\" fillId=\"0\" borderId=\"0\" "
+                              "xfId=\"0\" applyNumberFormat=\"1\"/>";
+constexpr char kStylesTail[] =
     "</cellXfs>"
     "<cellStyles count=\"1\"><cellStyle name=\"Normal\" xfId=\"0\" builtinId=\"0\"/></cellStyles>"
     "<dxfs count=\"0\"/>"
@@ -88,18 +94,19 @@ QByteArray escapeXml(const QString &text)
 
 } // namespace
 
-QByteArray newStyles(int dateFormat)
+QByteArray newStyles(int dateFormat, bool hasDays)
 {
-    return QByteArray(kStylesHead) +
-           QByteArray::number(numberFormatId(dateFormat, kFirstOwnFormat)) + kStylesTail;
+    return QByteArray(kStylesHead) + (hasDays ? '4' : '3') + kStylesCells +
+           QByteArray::number(numberFormatId(dateFormat, kFirstOwnFormat)) + kStylesLink +
+           (hasDays ? kStylesDay : "") + kStylesTail;
 }
 
-std::array<FixedMember, 4> leadingMembers(int dateFormat)
+std::array<FixedMember, 4> leadingMembers(int dateFormat, bool hasDays)
 {
     return {FixedMember{opc::kContentTypesPart, kContentTypes},
             FixedMember{"_rels/.rels", kPackageRels},
             FixedMember{"xl/_rels/workbook.xml.rels", kWorkbookRels},
-            FixedMember{"xl/styles.xml", newStyles(dateFormat)}};
+            FixedMember{"xl/styles.xml", newStyles(dateFormat, hasDays)}};
 }
 
 QByteArray newSheetRoot(const Family &family)

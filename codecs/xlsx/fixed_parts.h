@@ -22,9 +22,12 @@ struct FixedMember
 
 /// The members before the sheet, in writing order, which begins with the content types. They name
 /// the sheet and the workbook that are written later. `dateFormat` as for numberFormatId().
-std::array<FixedMember, 4> leadingMembers(int dateFormat);
-/// The styles part, one of them. Its cell format 1 is that of dates, 2 that of hyperlinks.
-QByteArray newStyles(int dateFormat);
+std::array<FixedMember, 4> leadingMembers(int dateFormat, bool hasDays);
+/// The styles part, one of them. Its cell format 1 is that of dates, 2 that of hyperlinks and, with
+/// `hasDays`, kDayStyle that of dates without a time.
+QByteArray newStyles(int dateFormat, bool hasDays);
+
+inline constexpr quint64 kDayStyle = 3;
 
 inline constexpr char kSheetPart[] = "xl/worksheets/sheet1.xml";
 inline constexpr char kWorkbookPart[] = "xl/workbook.xml";

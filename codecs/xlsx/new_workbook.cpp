@@ -7,11 +7,19 @@ namespace corvanta::xlsx {
 
 using opc::Error;
 
+/// Updates have only one format for dates: each further one would let the styles of a book grow.
+void NewWorkbook::setCellFormats(sheet::SheetOptions *options) const
+{
+    if (m_hasDays) {
+        options->dayStyle = kDayStyle;
+    }
+}
+
 /// Writes the members before the sheet, and begins the member of the sheet: its rows are streamed.
 Result<void, Error> NewWorkbook::begin(opc::MemberWriter &output)
 {
     m_output = &output;
-    for (const FixedMember &member : leadingMembers(m_dateFormat)) {
+    for (const FixedMember &member : leadingMembers(m_dateFormat, m_hasDays)) {
         if (auto written = output.write(member.name, member.content); !written) {
             return written;
         }

@@ -12,16 +12,18 @@ namespace corvanta::xlsx {
 class NewWorkbook final : public WorkbookTarget
 {
 public:
-    /// `dateFormat` as for numberFormatId(). The name of the sheet is not shortened or checked; see
+    /// `dateFormat` as for numberFormatId(). `hasDays`: ISO dates without a time are shown without
+    /// one, whatever the format. The name of the sheet is not shortened or checked; see
     /// newWorkbook() and shortSheetName().
-    NewWorkbook(const QString &sheetName, int dateFormat)
+    NewWorkbook(const QString &sheetName, int dateFormat, bool hasDays)
         : m_dateFormat(dateFormat)
+        , m_hasDays(hasDays)
     {
         m_sheetName = sheetName;
     }
 
-    // See WorkbookTarget. The default options have the cell formats of a new workbook.
-    void setCellFormats(sheet::SheetOptions *) const override {}
+    // See WorkbookTarget. The default options have the other cell formats of a new workbook.
+    void setCellFormats(sheet::SheetOptions *options) const override;
     Result<void, opc::Error> begin(opc::MemberWriter &output) override;
     Result<void, opc::Error> openSheet(sheet::SheetWriter &sheet) override;
     Result<void, opc::Error> finishSheet(sheet::SheetWriter &sheet) override;
@@ -30,6 +32,7 @@ public:
 
 private:
     int m_dateFormat;
+    bool m_hasDays;
 };
 
 } // namespace corvanta::xlsx

@@ -188,7 +188,7 @@ UpdatedWorkbook::CellFormats UpdatedWorkbook::changeStyles(const QByteArray &par
 {
     if (!m_copy.names().find(part)) {
         // Cells of the formats 1 and 2 need a part that has them.
-        m_copy.put(part, newStyles(dateFormat));
+        m_copy.put(part, newStyles(dateFormat, false));
         m_types->declarePart(part, kContentTypeBase + QByteArray("styles+xml"));
         return CellFormats::NotAdded;
     }
