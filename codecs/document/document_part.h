@@ -49,6 +49,9 @@ public:
     /// part uses, see noteTexts(). May be called from several threads at once.
     QByteArray filled(const RowValues &values) const;
 
+    /// Whether rows replace anything in it.
+    bool hasSlots() const { return !m_slots.empty(); }
+
     // For those who make the values: by column, whether the part uses the value.
 
     /// Sets what the part uses and leaves the other entries; both lists have all columns of texts.

@@ -120,10 +120,15 @@ Result<void, Error> DocumentTemplate::readPart(Entry &entry)
         !done) {
         return done.fault();
     }
-    entry.part =
-        DocumentPart::ofText(prepared(*text, placeholders), m_options.markers, m_options.joinsRuns,
+    const QByteArray shown = prepared(*text, placeholders);
+    auto part =
+        DocumentPart::ofText(shown, m_options.markers, m_options.joinsRuns,
                              m_options.fitsImages ? placeholders : std::vector<Placeholder>());
-    entry.part->noteTexts(&m_hasText, &m_hasAttribute);
+    part.noteTexts(&m_hasText, &m_hasAttribute);
+    // Without anything to replace the member keeps its stored bytes.
+    if (part.hasSlots() || shown != *text) {
+        entry.part = std::move(part);
+    }
     return {};
 }
 
