@@ -17,6 +17,9 @@ constexpr qsizetype kMaxReportedMarkers = 10;
 /// What to do so that a run with these parameters finds the marker; empty if it does.
 QString remedyFor(const document::TemplateMarker &marker, bool joinRuns, bool allParts)
 {
+    if (marker.isLink) {
+        return u"put it into a text: addresses of links are not changed"_s;
+    }
     QStringList remedies;
     if (marker.runs > 1 && !joinRuns) {
         remedies << u"type it again in one go, or set joinRuns='1'"_s;
@@ -34,13 +37,14 @@ bool isHexDigit(QChar c)
     return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F') || (c >= u'a' && c <= u'f');
 }
 
-/// Texts such as "5%, at most 10%" look like a marker, too, as do the encoded characters in the
-/// address of a picture: "%C3%BCber".
+/// Texts such as "5%, at most 10%" or "10%ige ... 5%" look like a marker, too, as do the encoded
+/// characters in the address of a picture or a link: "%C3%BCber".
 bool isLikelyMarker(const document::TemplateMarker &marker)
 {
     const QString &text = marker.text;
-    const bool isEncoded = marker.isPicture && isHexDigit(text[1]) && isHexDigit(text[2]);
-    return (text[1].isLetter() || text[1] == u'_') && !isEncoded;
+    const bool isEncoded =
+        (marker.isPicture || marker.isLink) && isHexDigit(text[1]) && isHexDigit(text[2]);
+    return (text[1].isLetter() || text[1] == u'_') && !isEncoded && !marker.isNumeric;
 }
 
 } // namespace
@@ -58,6 +62,9 @@ bool ActionWriteDoc::templateMarks(const QString &file, QVector<TemplateMark> *m
         return failPackage(listed.fault(), TemplateProblem::CannotReadPart);
     }
     for (const document::TemplateMarker &one : *listed) {
+        if (one.isLink && !isLikelyMarker(one)) {
+            continue;
+        }
         marks->push_back({one.text, one.location, QString::fromUtf8(one.part), one.count, one.runs,
                           remedyFor(one, false, false)});
     }
@@ -87,7 +94,7 @@ QString ActionWriteDoc::whyLeft(const document::TemplateMarker &marker)
         column->isLeft |= !remedy.isEmpty();
         return remedy;
     }
-    return isLikelyMarker(marker)
+    return isLikelyMarker(marker) && !marker.isLink
                ? u"no column of this name in '%1'"_s.arg(marker.isPicture ? u"image"_s : u"text"_s)
                : QString();
 }

@@ -55,7 +55,8 @@ std::optional<QStringList> ActionWriteDocTable::templateMarkers() const
     }
     QStringList names;
     for (const document::TemplateMarker &marker : *markers) {
-        const bool isFound = marker.isInBody && (marker.runs == 1 || m_params.joinRuns);
+        const bool isFound = marker.isInBody && !marker.isPicture && !marker.isLink &&
+                             (marker.runs == 1 || m_params.joinRuns);
         if (isFound && marker.text.size() > 2) {
             names << marker.text.sliced(1).chopped(1); // without percent signs
         }

@@ -1,5 +1,5 @@
 // Lists the texts of the form "%NAME%" in the parts that can have markers, and in the targets of
-// their pictures; see part_locations.cpp for the parts.
+// their pictures and links; see part_locations.cpp for the parts.
 #include "codecs/document/template_list.h"
 
 #include "codecs/document/document_parts.h"
@@ -28,6 +28,7 @@ void addMarker(std::vector<TemplateMarker> &all, const TemplateMarker &marker)
         all.push_back(marker);
     } else {
         same->count += 1;
+        same->isNumeric &= marker.isNumeric;
     }
 }
 
@@ -41,18 +42,22 @@ Result<QByteArray, Error> textOf(opc::PackageCopy &package, const QByteArray &pa
     return text;
 }
 
-/// Placeholder pictures: any marker in the target of a picture's relationship.
-void addPictures(const QByteArray &relationships, TemplateMarker marker,
-                 std::vector<TemplateMarker> &all)
+/// Any marker in the target of a relationship of a placeholder picture, or of a link.
+void addTargets(const QByteArray &relationships, const TemplateMarker &place,
+                std::vector<TemplateMarker> &all)
 {
-    marker.location = u"picture in the %1"_s.arg(marker.location);
-    marker.isPicture = true;
     for (opc::TagCursor cursor(relationships); cursor.next();) {
         const auto type = cursor.tag().attribute("Type");
         const auto target = cursor.tag().attribute("Target");
-        if (!type || !target || !type->endsWith("/image")) {
+        TemplateMarker marker = place;
+        marker.isPicture = type && type->endsWith("/image");
+        marker.isLink = type && type->endsWith("/hyperlink");
+        if (!target || (!marker.isPicture && !marker.isLink)) {
             continue;
         }
+        marker.location =
+            (marker.isLink ? u"address of a link in the %1"_s : u"picture in the %1"_s)
+                .arg(place.location);
         const QByteArray plain = opc::decoded(*target).toUtf8();
         // Decoding would damage a marker whose percent signs are not encoded.
         const QByteArray name =
@@ -76,6 +81,7 @@ Result<void, Error> addPart(opc::PackageCopy &package, const TemplateMarker &pla
         marker.text = opc::decoded(listed.text);
         marker.runs = listed.pieces;
         marker.isEscaped = listed.text.contains('&');
+        marker.isNumeric = listed.isNumeric;
         addMarker(all, marker);
     }
     const QByteArray relationships = opc::relationshipPartOf(place.part);
@@ -84,7 +90,7 @@ Result<void, Error> addPart(opc::PackageCopy &package, const TemplateMarker &pla
         if (!read) {
             return read.fault();
         }
-        addPictures(*read, place, all);
+        addTargets(*read, place, all);
     }
     return {};
 }

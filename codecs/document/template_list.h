@@ -23,6 +23,8 @@ struct TemplateMarker
     bool isInBody = true;   ///< a part that is searched without allParts
     bool isEscaped = false; ///< the part holds it in another form, with references for characters
     bool isPicture = false; ///< in the target of a picture, not in a text
+    bool isLink = false;    ///< in the address of a link, which no action changes
+    bool isNumeric = false; ///< both percent signs follow a digit, at each place
 };
 
 /// The markers of a Word document or presentation in the order of its members; none for another

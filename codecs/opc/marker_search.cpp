@@ -151,6 +151,12 @@ bool isName(QByteArrayView text)
     return !text.isEmpty() && text.size() <= kLongest && text.front() != ' ' && text.back() != ' ';
 }
 
+/// Whether the sign at `at` follows a digit, like that of a percentage.
+bool followsDigit(QByteArrayView text, qsizetype at)
+{
+    return at > 0 && text[at - 1] >= '0' && text[at - 1] <= '9';
+}
+
 void addListed(const ParagraphText &paragraph, std::vector<ListedMarker> &found)
 {
     const QByteArrayView text(paragraph.text);
@@ -164,7 +170,8 @@ void addListed(const ParagraphText &paragraph, std::vector<ListedMarker> &found)
         if (isMarker) {
             const MarkerHit hit{begin, end + 1, 0};
             found.push_back({text.sliced(begin, end + 1 - begin).toByteArray(),
-                             static_cast<int>(piecesOf(paragraph, hit).size())});
+                             static_cast<int>(piecesOf(paragraph, hit).size()),
+                             followsDigit(text, begin) && followsDigit(text, end)});
         }
         // The sign that ends no marker may begin one.
         begin = isMarker ? text.indexOf('%', end + 1) : end;

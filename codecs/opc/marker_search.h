@@ -77,6 +77,7 @@ struct ListedMarker
 {
     QByteArray text; ///< raw, with its percent signs
     int pieces = 1;
+    bool isNumeric = false; ///< both signs follow a digit, as in "10%, at most 20%"
 };
 
 /// All texts of the form "%NAME%" in the text elements of a part, by paragraph. NAME has up to 100

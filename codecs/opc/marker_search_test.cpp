@@ -61,6 +61,8 @@ TEST(MarkerSearch, ListsWhatLooksLikeAMarker)
     EXPECT_EQ(found[0].pieces, 1);
     EXPECT_EQ(found[1].text, "%C%");
     EXPECT_EQ(found[1].pieces, 2);
+    EXPECT_FALSE(found[1].isNumeric);
+    EXPECT_TRUE(listMarkers("<w:p><w:t>10%ab 5%</w:t></w:p>").front().isNumeric);
     // Tabs and breaks separate texts.
     EXPECT_TRUE(listMarkers("<w:p><w:t>10%</w:t><w:tab/><w:t>20% x</w:t></w:p>").empty());
 }

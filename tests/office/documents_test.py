@@ -63,12 +63,18 @@ class WriteDoc(DocumentTest):
     def test_slides(self):
         place = (10, 10, 40, 40)
         shapes = office.text_box(2, "%text%", place, 20, "000000") + office.slide_picture(3, "rId2", place)
-        office.presentation(self.folder / "t.pptx", (shapes, [LINK]), (shapes, [LINK]))
+        office.presentation(self.folder / "deflated.pptx", (shapes, [LINK]), (shapes, [LINK]), (office.text_box(2, "%", place, 20, "000000"), []))
+        with zipfile.ZipFile(self.folder / "t.pptx", "w") as stored:
+            for name, content in members(self.folder / "deflated.pptx").items():
+                stored.writestr(name, content)
         written = self.letter("a<\nb\\nc", template="t.pptx", attributes="processLF='1'")
         for number in (1, 2):
             self.assertIn(b"<a:t>a&lt;\nb\rc</a:t>", written[f"ppt/slides/slide{number}.xml"])
             self.assertIn(b'Target="../media/__Kobi_img1.png"/>', written[f"ppt/slides/_rels/slide{number}.xml.rels"])
         self.assertIn("ppt/media/__Kobi_img1.png", written)
+        with zipfile.ZipFile(self.folder / "out.pptx") as package:
+            kinds = [package.getinfo(f"ppt/slides/slide{number}.xml").compress_type for number in (1, 2, 3)]
+        self.assertEqual(kinds, [zipfile.ZIP_DEFLATED, zipfile.ZIP_DEFLATED, zipfile.ZIP_STORED], "a slide without a marker keeps its bytes")
         # 40 x 10 pixels in a square of 40 mm: 40 x 10 mm, in the middle.
         fitted = self.letter(template="t.pptx", attributes="fitImages='1'")["ppt/slides/slide1.xml"]
         self.assertIn(b'<a:off x="360000" y="900000"/><a:ext cx="1440000" cy="360000"/>', fitted)
@@ -113,7 +119,7 @@ class WriteDoc(DocumentTest):
 
     def test_markers_that_nothing_fills(self):
         names = [chr(97 + i) for i in range(12)]
-        self.word(office.paragraph("5%, 10% %text%" + "".join(f" %{name}%" for name in names)) + f"<w:p>{office.picture('rId2', 40, 40)}</w:p>",
+        self.word(office.paragraph("5%, 10%, 3%ab 4% %text%" + "".join(f" %{name}%" for name in names)) + f"<w:p>{office.picture('rId2', 40, 40)}</w:p>",
                   LINK, footer="<w:p><w:r><w:t>%te</w:t></w:r><w:r><w:t>xt%</w:t></w:r></w:p>")
         self.letter(images=())
         left = [f"'%{name}%' in body (no column of this name in 'text')" for name in names]
@@ -132,6 +138,19 @@ class WriteDoc(DocumentTest):
         self.assertEqual((len(log[2]), log[2][-1]), (
             11, f"Warning: 2 more templates have markers that stay in the documents, first '{self.folder}/t10.docx': \"corvanta check --template\" "
             "lists the markers of a template.\n"))
+
+    def test_markers_in_addresses_of_links(self):
+        self.word(office.paragraph("%text%"))
+        link = b'<Relationship Id="rId9" Type="/hyperlink" Target="http://x/%C3%BC?a=%text%&amp;b=%other%" TargetMode="External"/></Relationships>'
+        rewrite(self.folder / "t.docx", self.folder / "link.docx",
+                lambda name, content: content.replace(b"</Relationships>", link) if name == RELATIONSHIPS else content)
+        (self.folder / "link.docx").replace(self.folder / "t.docx")
+        self.assertIn(link, self.letter(images=())[RELATIONSHIPS])
+        why = "put it into a text: addresses of links are not changed"
+        self.assertEqual(self.log[2], [LEFT.format(1, self.folder, f"'%text%' in address of a link in the body ({why})")])
+        done = subprocess.run([CORVANTA, "check", "--template", "t.docx"], cwd=self.folder, capture_output=True, text=True, check=False)
+        self.assertEqual(done.stdout.splitlines()[1:], [
+            f"t.docx: {name} in address of a link in the body (word/document.xml): not found in a run: {why}" for name in ("%text%", "%other%")])
 
     def test_names_of_another_kind_than_the_template(self):
         self.word(office.paragraph("%text%"), name="t.dotx")
