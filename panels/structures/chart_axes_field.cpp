@@ -19,6 +19,7 @@ namespace {
 
 constexpr auto kPin = "pinIdx"_L1;
 constexpr auto kColumn = "column"_L1;
+constexpr int kMaxPins = 1000; // that an action can have; a damaged graph may name any number
 
 /// By the local names of DrawingML.
 QString titleOf(QByteArrayView element)
@@ -126,7 +127,7 @@ void ChartAxesField::setValue(const QString &value)
     showRows();
     for (size_t i = 0; i < m_rows.size(); ++i) {
         const Element axis = i < m_axes.size() ? m_axes[i] : newElement(context().info);
-        const int pin = qMax(0, memberValue(axis, context().info, kPin).toInt());
+        const int pin = qBound(0, memberValue(axis, context().info, kPin).toInt(), kMaxPins - 1);
         const QString column = memberValue(axis, context().info, kColumn);
         while (m_rows[i].pin->count() <= pin) {
             m_rows[i].pin->addItem(tr("Pin %1").arg(m_rows[i].pin->count()));

@@ -12,6 +12,7 @@ namespace {
 
 constexpr auto kMarker = "markerName"_L1;
 constexpr auto kTemplate = "template"_L1;
+constexpr auto kJoinRuns = "joinRuns"_L1;
 
 } // namespace
 
@@ -35,10 +36,12 @@ DocTablesEditor::DocTablesEditor(const FieldContext &context, FindMarkers findMa
 void DocTablesEditor::actionChanged()
 {
     const QString name = parameter(kTemplate);
-    if (name == m_template) {
+    const QString joins = parameter(kJoinRuns); // which markers a run finds depends on both
+    if (name == m_template && joins == m_joins) {
         return;
     }
     m_template = name;
+    m_joins = joins;
     m_markers.reset();
     m_worker.stop();
     if (!name.isEmpty()) {

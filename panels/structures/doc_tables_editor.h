@@ -30,6 +30,7 @@ private:
     FindMarkers m_findMarkers;
     Worker m_worker;
     QString m_template; // of m_markers
+    QString m_joins;    // the same: the value of joinRuns
     Markers m_markers;  // nothing: not known
 };
 

@@ -281,8 +281,11 @@ TEST(Charts, PinsAreAddedAndRemovedByTheAction)
     hooks.edited = [&](ActionItem *, const ParameterEdit &) { ++edits; };
     MainUI::setEditorHooks(hooks);
     const Structure charts("<writeReport template='t.docx' output='o.docx' nPinIn='2'><Chart "
-                           "type='4' name='a'><axis pinIdx='1'>c</axis></Chart></writeReport>",
+                           "type='4' name='a'><axis pinIdx='1'>c</axis><axis "
+                           "pinIdx='2147483647'/></Chart></writeReport>",
                            u"Chart"_s);
+    charts.tree()->setCurrentItem(charts.tree()->topLevelItem(0));
+    EXPECT_EQ(charts.field(u"axis"_s)->findChildren<QComboBox *>()[2]->count(), 1000);
     auto *const pins = static_cast<FieldEditor *>(charts.panel->findChild<QWidget *>(u"nPinIn"_s));
     const QList<QToolButton *> buttons = pins->findChildren<QToolButton *>();
     QTest::mouseClick(buttons[0], Qt::LeftButton);
