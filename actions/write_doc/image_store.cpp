@@ -71,6 +71,7 @@ Result<ImageStore::Image, ImageFault> ImageStore::image(const QString &file)
 {
     const QString key = keyOf(file);
     if (const auto found = m_index.find(key); found != m_index.end()) {
+        // The most recent images are first; the last ones go when there are too many.
         m_kept.splice(m_kept.begin(), m_kept, found->second);
         return m_kept.front().image;
     }
@@ -109,6 +110,7 @@ document::ImageInfo ImageStore::infoOf(const QString &file)
 {
     constexpr qint64 kBeginning = qint64(1) << 20; // the size of a JPEG file follows its metadata
     const auto bytes = readBytes(file, kBeginning);
+    // A link to a file that cannot be read is allowed; the picture then fills its box.
     const auto info = bytes ? document::imageInfo(*bytes) : std::nullopt;
     return info.value_or(document::ImageInfo());
 }

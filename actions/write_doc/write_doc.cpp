@@ -66,6 +66,7 @@ QString ActionWriteDoc::message(TemplateProblem problem, const QString &name) co
     case TemplateProblem::EmptyTemplate:
         return u"\nERROR: template file is empty.\n"_s;
     case TemplateProblem::CannotReadPart:
+        // (1) is for parts with texts, (2) for relationships and content types.
         return isTextPart(name)
                    ? u"\nERROR: problem reading '%1' in the template file(1)\n"_s.arg(name)
                    : u"\nERROR: problem reading '%1' in the template file(2)\n"_s.arg(name);
@@ -77,6 +78,7 @@ QString ActionWriteDoc::message(TemplateProblem problem, const QString &name) co
     case TemplateProblem::CannotAddMember:
         return u"\nERROR: cannot open file '%1' in the zipfile for write"_s.arg(name);
     case TemplateProblem::CannotWrite:
+        // (5) is for parts with texts, (6) for all other members.
         return isTextPart(name) ? u"\nERROR: problem writing the output file(5)\n"_s
                                 : u"\nERROR: problem writing the output file(6)\n"_s;
     case TemplateProblem::CannotClose:
@@ -101,6 +103,7 @@ void ActionWriteDoc::start()
 
 bool ActionWriteDoc::step()
 {
+    // A row is a document, so that a stop waits for one document at most.
     while (!yieldRequested()) {
         const OneRow *const row = getNextRowFromInPin(0);
         if (row == nullptr) {
@@ -117,6 +120,7 @@ bool ActionWriteDoc::step()
 
 void ActionWriteDoc::finish()
 {
+    // Also after a failure: what the documents so far lack is useful to know.
     if (m_run && m_run->row > 0) {
         reportTexts();
         reportMarkers();
@@ -153,6 +157,7 @@ bool ActionWriteDoc::findColumns(const OneRow &columns)
 bool ActionWriteDoc::writeRow(const OneRow &row)
 {
     const QString source = row.text(m_run->templateColumn);
+    // An empty name would be expanded to a folder, and its message would name that.
     if (source.isEmpty()) {
         return failNoName(TemplateProblem::CannotReadTemplate, u"template"_s);
     }
@@ -172,6 +177,7 @@ bool ActionWriteDoc::failNoName(TemplateProblem problem, const QString &file)
 
 bool ActionWriteDoc::fillDocument(const OneRow &row, const QString &name)
 {
+    // What is wrong with the data of the row is found before the document is created.
     document::RowValues values;
     document::RowImages images;
     const bool done = addTexts(row, values) && addImages(row, values, images) &&
@@ -185,6 +191,7 @@ bool ActionWriteDoc::fillDocument(const OneRow &row, const QString &name)
 document::TemplateOptions ActionWriteDoc::templateOptions() const
 {
     document::TemplateOptions options;
+    // The name decides, and not the members: the message names the part that is missing.
     options.kind = isWordName(templateName()) ? document::DocumentKind::Word
                                               : document::DocumentKind::Presentation;
     for (const Column &column : m_run->texts) {
@@ -202,6 +209,7 @@ document::TemplateOptions ActionWriteDoc::templateOptions() const
 
 bool ActionWriteDoc::useTemplate(const QString &name)
 {
+    // Rows with one template usually follow each other, so only the last one is kept.
     if (m_run->source && name == templateName()) {
         return true;
     }
@@ -229,6 +237,7 @@ bool ActionWriteDoc::useTemplate(const QString &name)
 
 bool ActionWriteDoc::checkName(const QString &name)
 {
+    // Otherwise the later row would replace the document of the earlier one in silence.
     const QByteArray digest = digestOf(name);
     const auto [earlier, isNew] = m_run->written.emplace(digest, m_run->row);
     if (!isNew) {
@@ -346,6 +355,7 @@ bool ActionWriteDoc::failNoImage(const QString &column)
 bool ActionWriteDoc::addImage(const QString &file, size_t column, document::RowValues &values,
                               document::RowImages &images)
 {
+    // The file is read when the document is shown; only its size matters here, if at all.
     if (!m_params.inlineImg) {
         values.targets[column] = linkTo(file);
         values.sizes[column] =
@@ -381,6 +391,7 @@ bool ActionWriteDoc::failImage(const QString &file, const ImageFault &fault, con
 bool ActionWriteDoc::writeDocument(const document::RowValues &values,
                                    const document::RowImages &images)
 {
+    // The document gets its name here, and no later row can change it.
     const auto written = m_run->source->write(document(), values, images);
     return written ? commitDocument() : failDocument(written.fault());
 }

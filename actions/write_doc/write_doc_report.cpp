@@ -17,6 +17,7 @@ constexpr qsizetype kMaxReportedMarkers = 10;
 /// What to do so that a run with these parameters finds the marker; empty if it does.
 QString remedyFor(const document::TemplateMarker &marker, bool joinRuns, bool allParts)
 {
+    // No parameter helps, as only targets of pictures are replaced.
     if (marker.isLink) {
         return u"put it into a text: addresses of links are not changed"_s;
     }
@@ -54,6 +55,7 @@ bool ActionWriteDoc::templateMarks(const QString &file, QVector<TemplateMark> *m
     if (!openTemplate(file)) {
         return false;
     }
+    // Other packages have no markers, and an empty list would hide the mistake.
     if (const QString reason = otherPackageReason(); !reason.isEmpty()) {
         return failWith(TemplateProblem::CannotReadTemplate, file, reason);
     }
@@ -62,6 +64,7 @@ bool ActionWriteDoc::templateMarks(const QString &file, QVector<TemplateMark> *m
         return failPackage(listed.fault(), TemplateProblem::CannotReadPart);
     }
     for (const document::TemplateMarker &one : *listed) {
+        // Most addresses with percent signs have encoded characters only.
         if (one.isLink && !isLikelyMarker(one)) {
             continue;
         }
@@ -89,6 +92,7 @@ QString ActionWriteDoc::whyLeft(const document::TemplateMarker &marker)
     const auto column = std::find_if(columns.begin(), columns.end(), [&](const Column &one) {
         return marker.text == u'%' + one.name + u'%';
     });
+    // A column with this name: the user expects it to be filled.
     if (column != columns.end()) {
         const QString remedy = remedyFor(marker, m_params.joinRuns, m_params.allParts);
         column->isLeft |= !remedy.isEmpty();
@@ -112,13 +116,16 @@ void ActionWriteDoc::reportLeftMarkers()
             names << u"'%1' in %2 (%3)"_s.arg(marker.text, marker.location, why);
         }
     }
+    // Most templates have nothing to report.
     if (count == 0) {
         return;
     }
+    // Each row may have a template of its own; the log must stay readable.
     if (m_run->templates.size() > kMaxReportedTemplates) {
         m_run->moreTemplates.add([&] { return templateName(); });
         return;
     }
+    // The count in the message is that of all markers.
     if (names.size() > kMaxReportedMarkers) {
         names = names.first(kMaxReportedMarkers) << u"..."_s;
     }
@@ -133,6 +140,7 @@ void ActionWriteDoc::reportTexts()
             u"Warning: the names of %1 documents do not end like those of their templates, first '%2': Office programs may refuse to open them.\n"_s
                 .arg(QString::number(m_run->otherKinds.count()), m_run->otherKinds.first()));
     }
+    // The default keeps the form that saved graphs expect; the parameter is the standard one.
     if (m_run->innerBreaks.any()) {
         warn(
             u"Warning: %1 line breaks are inside text elements, where some programs do not show them, first in %2: set strictMarkup='1'.\n"_s
@@ -150,6 +158,7 @@ void ActionWriteDoc::reportMarkers()
     QStringList missing;
     for (const std::vector<Column> *list : {&m_run->texts, &m_run->images}) {
         for (const Column &column : *list) {
+            // A marker that is left has its own warning already.
             if (!column.isFound && !column.isLeft) {
                 missing << u"'%%1%'"_s.arg(column.name);
             }

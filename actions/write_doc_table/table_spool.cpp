@@ -20,6 +20,7 @@ bool TableSpool::append(QByteArrayView bytes)
 /// Move the text in memory to the end of the file.
 bool TableSpool::spill()
 {
+    // Most tables never need the file.
     if (!m_file.isOpen()) {
         m_file = platform::FileHandle::openTemporary(QDir::tempPath());
     }

@@ -69,6 +69,7 @@ QString ActionWriteDocTable::message(TemplateProblem problem, const QString &nam
 
 int ActionWriteDocTable::tableCount() const
 {
+    // A pin without a table has the default one, and a table without a pin has no rows.
     return std::max(pinInCount(), static_cast<int>(m_params.tables.size()));
 }
 
@@ -82,6 +83,7 @@ void ActionWriteDocTable::start()
 {
     m_run = std::make_unique<Run>();
     m_run->output = expandOutputFile(m_params.output, QString());
+    // Both are reported, so that a user corrects them at once.
     if (m_params.output.isEmpty()) {
         fail(u"No Output File?"_s);
     }
@@ -121,6 +123,7 @@ ActionWriteDocTable::Pin ActionWriteDocTable::readPin()
     while (!yieldRequested()) {
         const OneRow *const row = getNextRowFromInPin(m_run->pin);
         if (row == nullptr) {
+            // Rows also end when the run fails; its table must not look complete.
             return runIsGood() && endTable() ? Pin::Ended : Pin::Failed;
         }
         if ((!m_run->text && !beginTable(*row)) || !putRow(*row)) {
@@ -132,6 +135,7 @@ ActionWriteDocTable::Pin ActionWriteDocTable::readPin()
 
 bool ActionWriteDocTable::checkMarker()
 {
+    // The first table replaces every occurrence; a second one would have no place.
     const QByteArray marker = markerOf(tableOf(m_run->pin));
     const auto &earlier = m_run->markers;
     if (std::find(earlier.begin(), earlier.end(), marker) != earlier.end()) {
@@ -147,6 +151,7 @@ std::vector<int> ActionWriteDocTable::widthsFor(const OneRow &columns)
 {
     const QString pin = QString::number(m_run->pin + 1);
     const QString list = tableOf(m_run->pin).colWidths;
+    // Invalid widths count here: they have a warning of their own.
     const qsizetype given = list.isEmpty() ? 0 : list.count(u',') + 1;
     if (given != columns.numberOfColumns()) {
         // Not a failure: the run continues.
@@ -185,6 +190,7 @@ bool ActionWriteDocTable::beginTable(const OneRow &columns)
 
 bool ActionWriteDocTable::putHeader(const OneRow &columns)
 {
+    // Names of columns are texts like those of the cells, with the same rules.
     m_run->text->beginRow();
     for (int i = 0; i < columns.numberOfColumns(); ++i) {
         if (!checkCounts(m_run->text->putCell(columns.colName(i)), columns.colName(i))) {
@@ -215,6 +221,7 @@ bool ActionWriteDocTable::putRow(const OneRow &row)
     constexpr qsizetype kPiece = 65536;
     document::TableText &text = *m_run->text;
     // The text is moved in pieces, so that the memory does not grow with the table.
+    // Counted first, because the place of a fault names the row.
     m_run->rows += 1;
     text.beginRow();
     for (int i = 0; i < row.numberOfColumns(); ++i) {
@@ -261,9 +268,11 @@ bool ActionWriteDocTable::writeDocument()
         return false;
     }
     opc::PackageCopy copy(templateReader(), [this] { return runIsGood(); });
+    // Parts that can be refused are read before the document is created.
     if (!editStyles(copy) || !readBody(copy, &body) || !openDocument(m_run->output)) {
         return false;
     }
+    // Only a warning: the content is right, and a file can be renamed.
     if (hasOtherKind(m_run->output)) {
         warn(
             u"Warning: the name of the document '%1' does not end like that of its template: Office programs may refuse to open it.\n"_s
@@ -291,6 +300,7 @@ bool ActionWriteDocTable::editStyles(opc::PackageCopy &copy)
         return false;
     }
     const qsizetype end = styles.lastIndexOf("</w:styles>");
+    // A style of this id in the template wins: its look may be intended.
     if (end >= 0 &&
         !document::definesStyle(styles, QString::fromLatin1(document::kTableGridStyle))) {
         copy.put(kStylesPart, styles.insert(end, document::kTableGridDefinition));
@@ -343,6 +353,7 @@ bool ActionWriteDocTable::writeTable(int table)
 {
     TableSpool &spool = m_run->tables[static_cast<size_t>(table)];
     zip::PackageWriter &out = document().output();
+    // A failed write is reported by the caller, a failed read of the spool here.
     const bool done =
         spool.read([&](QByteArrayView piece) { return runIsGood() && out.write(piece); });
     return done || !spool.error() ||

@@ -30,6 +30,7 @@ QVector<ParameterProblem> ActionWriteDocTable::problems() const
         }
         markers.push_back(marker);
         QStringList invalid;
+        // The columns are known at run time only; invalid widths are invalid for any number.
         document::columnWidths(tableOf(pin).colWidths, 0, &invalid);
         if (!invalid.isEmpty()) {
             found.push_back(
@@ -55,6 +56,7 @@ std::optional<QStringList> ActionWriteDocTable::templateMarkers() const
     }
     QStringList names;
     for (const document::TemplateMarker &marker : *markers) {
+        // Tables replace texts of the body, so that other markers must not be offered.
         const bool isFound = marker.isInBody && !marker.isPicture && !marker.isLink &&
                              (marker.runs == 1 || m_params.joinRuns);
         if (isFound && marker.text.size() > 2) {

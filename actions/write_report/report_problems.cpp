@@ -105,6 +105,7 @@ Problems repeatedCharts(const std::vector<ReportChart> &charts)
     Problems problems;
     std::set<QString> names;
     for (const ReportChart &chart : charts) {
+        // Tags find their Chart by name, so that a later one of the same name is never found.
         if (!names.insert(chart.name).second) {
             problems.push_back(
                 {u"Warning: the tag '%1' has several Charts; only the first is used\n"_s.arg(
@@ -119,6 +120,7 @@ Problems unknownPins(const std::vector<ReportChart> &charts, int pins)
     Problems problems;
     for (const ReportChart &chart : charts) {
         for (const ChartAxis &axis : chart.axes) {
+            // An axis without a column keeps the data of the template, whatever its pin is.
             if (!axis.column.isEmpty() && (axis.pinIdx < 0 || axis.pinIdx >= pins)) {
                 problems.push_back(
                     {u"Error: the axis '%1' of the Chart '%2' has the input pin %3; allowed: a whole number from 0 to %4\n"_s
@@ -140,6 +142,7 @@ Problems tagProblems(const TemplateCharts &found, const std::vector<ReportChart>
             {u"Warning: the part '%1' of the template is not UTF-8 text: its tags are ignored. Save the template again with an office program\n"_s
                  .arg(member)});
     }
+    // A tag may mark several series; its Chart is used if one of them can be filled.
     std::set<QString> used;
     for (const ChartPart &part : found.parts) {
         for (const charts::ChartTag &tag : part.tags) {

@@ -82,6 +82,7 @@ QStringList ActionWriteReport::includedTemplates() const
 bool ActionWriteReport::templateMarks(const QString &file, QVector<TemplateMark> *marks)
 {
     const QByteArray folder = chartFolderOf(file);
+    // Other files have no charts, which is not a fault of a template.
     if (folder.isEmpty()) {
         return true;
     }
@@ -113,6 +114,7 @@ std::optional<std::vector<ReportChart>> ActionWriteReport::templateCharts() cons
     std::vector<ReportChart> unique;
     for (const ChartPart &part : found->parts) {
         for (const charts::ChartTag &tag : part.tags) {
+            // A tag at several series is one Chart, and other tags cannot be filled.
             if (tag.use == charts::TagUse::Series && chartOf(unique, tag.reference) == nullptr) {
                 unique.push_back({tag.type, tag.reference, {}});
             }
@@ -160,6 +162,7 @@ void ActionWriteReport::reportWorkbooks()
         return part.text.contains("externalData ");
     };
     const auto &parts = m_run.charts.parts;
+    // Charts in workbooks have no workbook of their own, so that most reports get no note.
     const auto first = std::find_if(parts.begin(), parts.end(), hasWorkbook);
     if (first == parts.end()) {
         return;

@@ -25,6 +25,7 @@ QString installedFolder()
 
 QString shippedTemplate(const QString &name)
 {
+    // A message names the folder of the program, where users expect the templates.
     const QString own = ownFolder() + name;
     const QString installed = installedFolder() + name;
     return !QFileInfo::exists(own) && QFileInfo::exists(installed) ? installed : own;
@@ -34,6 +35,7 @@ QStringList shippedTemplates()
 {
     QStringList names =
         QDir(ownFolder()).entryList(QDir::Files) + QDir(installedFolder()).entryList(QDir::Files);
+    // A program may have both folders, with the same files.
     names.removeDuplicates();
     names.sort();
     return names;

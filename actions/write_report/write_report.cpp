@@ -147,6 +147,7 @@ void ActionWriteReport::start()
 bool ActionWriteReport::step()
 {
     const Pins pins = readPins();
+    // The document is complete then, but gets its name only when the whole run is good.
     m_run.isWritten = pins == Pins::Read && writeDocument();
     return pins == Pins::Interrupted;
 }
@@ -162,6 +163,7 @@ void ActionWriteReport::finish()
 
 ActionWriteReport::Pins ActionWriteReport::readPins()
 {
+    // One after the other: the rows of later pins wait in the engine, and not here.
     for (; m_run.pin < pinInCount(); ++m_run.pin) {
         const Pins pin = readPin();
         if (pin != Pins::Read) {
@@ -176,6 +178,7 @@ bool ActionWriteReport::checkPins()
 {
     for (const ReportChart &chart : m_params.charts) {
         for (const ChartAxis &axis : chart.axes) {
+            // A pin that the action does not have is never read, so its columns are missing.
             const bool isThere = axis.pinIdx >= 0 && axis.pinIdx < pinInCount();
             if (!axis.column.isEmpty() && !isThere) {
                 return failColumn(axis.column, axis.pinIdx);
@@ -232,6 +235,7 @@ QString ActionWriteReport::documentFile() const
 bool ActionWriteReport::writeDocument()
 {
     const QString name = templateFile();
+    // The extension decides where charts are, before any file is opened.
     const QByteArray folder = chartFolderOf(name);
     if (folder.isEmpty()) {
         return fail(unknownExtension(name), u"save the template as one of these first"_s);
@@ -241,6 +245,7 @@ bool ActionWriteReport::writeDocument()
 
 bool ActionWriteReport::writeCopyOf(const QString &name, const QByteArray &folder)
 {
+    // Tags are checked first: no document with charts of old data may appear.
     if (!openTemplate(name) || !findParts(folder) || !checkTags() ||
         !openDocument(documentFile())) {
         return false;
@@ -280,6 +285,7 @@ bool ActionWriteReport::checkTexts(const charts::ChartTag &tag)
     const charts::SeriesValues values = m_run.data.valuesOf(chart, tag.type);
     for (const charts::AxisPlace &place : tag.axes) {
         const auto axis = static_cast<size_t>(place.axis);
+        // In an axis of numbers such a text is not a number, and so 0 with a warning.
         const auto row = values[axis] == nullptr ? std::nullopt : values[axis]->firstForbidden();
         if (row && place.kind == charts::AxisKind::Text) {
             return fail(
@@ -344,6 +350,7 @@ bool ActionWriteReport::writePart(const ChartPart &part)
 Result<void, opc::Error> ActionWriteReport::writeSeries(charts::SeriesWriter &writer,
                                                         const ChartPart &part, size_t index)
 {
+    // The tag is before the data, and the part is copied in its order.
     if (m_params.cleanTags) {
         const auto done = cleanTags(writer, part, index);
         if (!done) {
@@ -377,6 +384,7 @@ Result<void, opc::Error> ActionWriteReport::cleanTags(charts::SeriesWriter &writ
 void ActionWriteReport::reportValues(const charts::ChartTag &tag, const ReportChart &chart,
                                      const charts::SeriesReport &found)
 {
+    // Programs draw a gap there, which looks like a value that was never measured.
     if (found.gaps.count > 0) {
         warn(
             u"Warning: %1 points of the tag '%2' are left out, because another cell of their row is empty; the first is in row %3\n"_s

@@ -12,6 +12,7 @@ using namespace corvanta;
 ChartEditor::Marks marksOf(ActionItem &action)
 {
     const auto charts = dynamic_cast<ActionWriteReport &>(action).templateCharts();
+    // A template that cannot be read is a problem of its own field.
     if (!charts) {
         return std::nullopt;
     }

@@ -151,6 +151,7 @@ QByteArray DocumentPart::value(const Slot &slot, const RowValues &values) const
 QByteArray DocumentPart::filled(const RowValues &values) const
 {
     QByteArray out;
+    // Values are usually short; the text grows at most once or twice.
     out.reserve(m_text.size() + m_text.size() / 8);
     qsizetype at = 0;
     for (const Slot &slot : m_slots) {

@@ -179,6 +179,7 @@ DocumentTemplate::Media DocumentTemplate::nameMedia(const RowImages &images,
     Media media;
     std::vector<QByteArray> names; // without the folder, in the order of `media`
     int number = 0;
+    // Numbers count within a document, so that equal rows make equal documents.
     for (size_t i = 0; i < images.size(); ++i) {
         const StoredImage *const image = images[i].get();
         // Two columns may name one file.
@@ -250,6 +251,7 @@ Result<void, Error> DocumentTemplate::writeEntry(opc::MemberWriter &output, Entr
 Result<void, Error> DocumentTemplate::write(opc::MemberWriter &output, RowValues values,
                                             const RowImages &images)
 {
+    // Names come first: the relationships refer to them.
     const Media media = nameMedia(images, values);
     for (Entry &entry : m_entries) {
         const bool isTypes =

@@ -108,6 +108,7 @@ Result<std::vector<TemplateMarker>, Error> listTemplate(zip::PackageReader &sour
         place.location = locations.of(place.part);
         place.isInBody =
             isNamed(place.part, locations.body()) || beginsLike(place.part, kSlidePrefix);
+        // Other parts, such as styles, have no texts that a run could fill.
         if (place.location.isEmpty()) {
             continue;
         }

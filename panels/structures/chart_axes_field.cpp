@@ -66,8 +66,10 @@ ChartAxesField::Row ChartAxesField::makeRow()
 {
     const Row row{new QLabel(this), new QComboBox(this), new QComboBox(this)};
     row.title->setBuddy(row.column);
+    // The input may not have the column yet.
     row.column->setEditable(true);
     row.column->setInsertPolicy(QComboBox::NoInsert);
+    // Long names must not widen the panel.
     row.column->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     row.column->lineEdit()->setPlaceholderText(tr("No data"));
     ignoreWheelWithoutFocus(row.pin);
@@ -96,6 +98,7 @@ void ChartAxesField::offer(const Row &row)
     while (row.pin->count() < pins) {
         row.pin->addItem(tr("Pin %1").arg(row.pin->count()));
     }
+    // Filling the list would replace what the user has typed.
     const QString text = row.column->currentText();
     row.column->clear();
     row.column->addItems(MainUI::inputColumns(context().action, qMax(0, pin)).names);
@@ -106,6 +109,7 @@ void ChartAxesField::showRows()
 {
     const auto axes = charts::axisElements(static_cast<charts::ChartType>(
         qBound(0, m_type(), static_cast<int>(charts::ChartType::Radar))));
+    // Hidden axes keep their data: the type may change back.
     m_shown = axes.size();
     for (size_t i = 0; i < m_rows.size(); ++i) {
         const Row &row = m_rows[i];
@@ -129,6 +133,7 @@ void ChartAxesField::setValue(const QString &value)
         const Element axis = i < m_axes.size() ? m_axes[i] : newElement(context().info);
         const int pin = qBound(0, memberValue(axis, context().info, kPin).toInt(), kMaxPins - 1);
         const QString column = memberValue(axis, context().info, kColumn);
+        // A saved pin is shown even if the action has fewer pins now.
         while (m_rows[i].pin->count() <= pin) {
             m_rows[i].pin->addItem(tr("Pin %1").arg(m_rows[i].pin->count()));
         }
@@ -137,6 +142,7 @@ void ChartAxesField::setValue(const QString &value)
         if (isOtherPin) {
             offer(m_rows[i]);
         }
+        // Setting an equal text would move the cursor while the user types.
         if (m_rows[i].column->currentText() != column) {
             m_rows[i].column->setEditText(column);
         }
@@ -166,6 +172,7 @@ ParameterProblem ChartAxesField::problem() const
         const int pin = memberValue(m_axes[i], context().info, kPin).toInt();
         const QString column = memberValue(m_axes[i], context().info, kColumn);
         const QVector<QString> known = MainUI::inputColumns(context().action, pin).names;
+        // Without a linked input no column is known, so none is wrong.
         if (!known.isEmpty() && !column.isEmpty() && !known.contains(column)) {
             return {context().info.name,
                     tr("input pin %1 has no column '%2'").arg(QString::number(pin), column),

@@ -32,6 +32,7 @@ ChartEditor::ChartEditor(const FieldContext &context, FindMarks findMarks)
 {
     nameControl(m_add, tr("Add the tags of the template that have no chart"));
     m_add->hide();
+    // The Enter key belongs to the field that is edited.
     m_add->setAutoDefault(false);
     connect(m_add, &QPushButton::clicked, this, [this] { addMissing(); });
     auto *const row = new QHBoxLayout;
@@ -46,6 +47,7 @@ void ChartEditor::actionChanged()
     if (name == m_template) {
         return;
     }
+    // Templates can be large, so they are read once and in the background.
     m_template = name;
     m_marks.reset();
     m_worker.stop();
@@ -84,6 +86,7 @@ QString ChartEditor::summary(const Element &chart, const ParameterInfo &list, in
 QString ChartEditor::remark(const Element &chart, const ParameterInfo &list) const
 {
     const QString name = memberValue(chart, list, kName);
+    // Nothing is known to be wrong before the template is read.
     return !m_marks || markNames().contains(name) ? QString()
                                                   : tr("The template has no tag '%1'").arg(name);
 }
@@ -101,6 +104,7 @@ QStringList ChartEditor::missingNames() const
 {
     QStringList names = markNames();
     for (const Element &chart : elements()) {
+        // One chart serves every series with its tag.
         names.removeAll(memberValue(chart, context().info, kName));
     }
     return names;
@@ -109,6 +113,7 @@ QStringList ChartEditor::missingNames() const
 void ChartEditor::elementsShown()
 {
     const QStringList missing = missingNames();
+    // A template may have many tags; the note has one line.
     const QString some = missing.mid(0, kNamesInNote).join(u"', '"_s);
     m_note->setNote(NoteLabel::Kind::Remark,
                     missing.isEmpty()
@@ -123,6 +128,7 @@ void ChartEditor::addMissing()
     const ParameterInfo &list = context().info;
     std::vector<Element> left = elements();
     std::vector<Element> charts;
+    // In the order of the template; charts without a tag follow, so that no data is lost.
     for (const ChartMark &mark : *m_marks) {
         const auto found = std::find_if(left.begin(), left.end(), [&](const Element &chart) {
             return memberValue(chart, list, kName) == mark.name;

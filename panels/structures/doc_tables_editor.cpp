@@ -27,6 +27,7 @@ DocTablesEditor::DocTablesEditor(const FieldContext &context, FindMarkers findMa
     });
     setRemark([this](const Element &table, const ParameterInfo &member) {
         const QString marker = memberValue(table, member);
+        // Nothing is missing before the template is read.
         const bool isMissing =
             member.name == kMarker && m_markers.has_value() && !m_markers->contains(marker);
         return isMissing ? tr("the template has no marker '%%1%'").arg(marker) : QString();
@@ -42,6 +43,7 @@ void DocTablesEditor::actionChanged()
     }
     m_template = name;
     m_joins = joins;
+    // Remarks on the old template would be wrong until the new one is read.
     m_markers.reset();
     m_worker.stop();
     if (!name.isEmpty()) {
@@ -61,6 +63,7 @@ void DocTablesEditor::addRow()
     if (parameters == nullptr) {
         return; // no memory
     }
+    // A copy, because the edit changes the action as one step that can be undone.
     copy->addPinIn();
     const int index = parameters->indexOfParameter(context().info.name);
     std::vector<Element> tables = elements();
