@@ -198,12 +198,12 @@ void LevelExtractor::enterLevels(size_t level, quint32 occurrence, CellArena &la
         state.occurred = true;
         m_deepest = level;
         state.arena.reset();
-        const std::span<const quint32> found = state.paths.resolve(tree(), occurrence);
-        fillCells(state, found, isLast(level) ? lastArena : state.arena);
+        state.found = state.paths.resolve(tree(), occurrence);
+        fillCells(state, isLast(level) ? lastArena : state.arena);
         const TreeItem &node = tree().item(occurrence);
         const bool isText = node.count(ItemKind::Text) > 0 && node.count(ItemKind::Child) == 0;
         if (m_countsUnread && (isText || state.paths.hasNewRepeats())) {
-            countUnread(state, found, isText);
+            countUnread(state, isText);
         }
         if (m_options.countsUnread) {
             placeUnread(state);
@@ -212,7 +212,7 @@ void LevelExtractor::enterLevels(size_t level, quint32 occurrence, CellArena &la
             return;
         }
         LevelState &inner = *m_levels[level + 1];
-        occurrence = firstInside(inner, found.back());
+        occurrence = firstInside(inner, state.found.back());
         if (occurrence == MarkupTree::kNone) {
             std::fill(m_cells.begin() + inner.firstColumn, m_cells.end(), cell::missingTextCell());
             return;
@@ -220,13 +220,25 @@ void LevelExtractor::enterLevels(size_t level, quint32 occurrence, CellArena &la
     }
 }
 
+/// Whether an item of a level outside of this one reads the occurrence.
+bool LevelExtractor::isReadOutside(const LevelState &state) const
+{
+    for (size_t i = 0; m_levels[i].get() != &state; ++i) {
+        const auto items = m_levels[i]->found.first(m_levels[i]->level.items.size());
+        if (std::ranges::find(items, state.occurrence) != items.end()) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// Count what the occurrence has and the row does not show. Rarely called.
-void LevelExtractor::countUnread(LevelState &state, std::span<const quint32> found, bool isText)
+void LevelExtractor::countUnread(LevelState &state, bool isText)
 {
     state.paths.placeRepeats([this](quint32 item) { return m_reader->placeOf(item); });
-    const bool hasItem = std::any_of(found.begin(), found.end(),
-                                     [](quint32 item) { return item != MarkupTree::kNone; });
-    if (isText && !hasItem) {
+    const bool hasItem =
+        std::ranges::any_of(state.found, [](quint32 item) { return item != MarkupTree::kNone; });
+    if (isText && !hasItem && !isReadOutside(state)) {
         m_unread.bareValues.add(
             [&] { return m_reader->placeOf(tree().first(state.occurrence, ItemKind::Text)); });
     }
@@ -250,9 +262,9 @@ inline void LevelExtractor::placeUnread(LevelState &state)
     m_unread.firstUnreadPlace = m_reader->placeOf(*first);
 }
 
-inline void LevelExtractor::fillCells(LevelState &state, std::span<const quint32> found,
-                                      CellArena &arena)
+inline void LevelExtractor::fillCells(LevelState &state, CellArena &arena)
 {
+    const std::span<const quint32> found = state.found;
     const uchar **cell = m_cells.data() + state.firstColumn;
     if (m_options.outputSubTags) {
         *cell++ = textCell(arena, tree().raw(state.occurrence));

@@ -63,8 +63,9 @@ private:
     bool isLast(size_t level) const { return level + 1 == m_levels.size(); }
     bool readFirstLevel(CellArena &arena);
     void enterLevels(size_t level, quint32 occurrence, CellArena &lastArena);
-    void fillCells(LevelState &state, std::span<const quint32> found, CellArena &arena);
-    void countUnread(LevelState &state, std::span<const quint32> found, bool isText);
+    void fillCells(LevelState &state, CellArena &arena);
+    bool isReadOutside(const LevelState &state) const;
+    void countUnread(LevelState &state, bool isText);
     void placeUnread(LevelState &state);
     static void addInner(PathSet *paths, const LevelState &inner);
     static void addRepeats(const QString &path, const PathSet::Repeats &repeats,

@@ -211,6 +211,17 @@ TEST(LevelExtractor, CountsWhatItDoesNotRead)
     }
 }
 
+// A value that is an occurrence of an inner level can be read by an item of an outer one.
+TEST(LevelExtractor, KnowsWhichSingleValuesAreRead)
+{
+    MemorySource source("[{\"v\":1},[{\"v\":3},4]]");
+    JSONTokenizer tokenizer(source, 0, u"");
+    LevelExtractor extractor(levelsOf({u"||v"_s, u"||v"_s}), {});
+    EXPECT_EQ(extract(extractor, tokenizer).toStdString(), "1,-;-,3;-,-;");
+    EXPECT_EQ(extractor.unread().bareValues.count(), 1);
+    EXPECT_EQ(extractor.unread().bareValues.first(), u"line 1, column 19"_s);
+}
+
 // An error costs its line, whatever it is; a document of several lines is not JSON Lines.
 TEST(LevelExtractor, ResumesAtTheNextLine)
 {

@@ -8,6 +8,7 @@
 #include "codecs/markup/tree/path_set.h"
 
 #include <algorithm>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -70,6 +71,8 @@ struct LevelState
     BlockArena arena;
     /// Index of the occurrence in the current row.
     quint32 occurrence = 0;
+    /// By path: what was found in the occurrence, or MarkupTree::kNone.
+    std::span<const quint32> found;
 };
 
 } // namespace corvanta::markup
