@@ -2,9 +2,12 @@
 // cells. The records come from codecs/csv.
 #include "builtin/read_csv.h"
 
+#include "base/counted.h"
 #include "base/number.h"
 #include "builtin/csv_separator.h"
 #include "corvanta/failure_reason.h"
+
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -147,6 +150,7 @@ void ActionReadCsv::start()
 void ActionReadCsv::finish()
 {
     reportIllFormed();
+    reportTooLarge();
     // The reader first, because it refers to the file.
     m_reader.reset();
     m_file.reset();
@@ -253,13 +257,35 @@ void ActionReadCsv::countIllFormed()
     }
 }
 
+/// Counts a number that became an infinity; "inf" and "infinity" do not end with a digit.
+void ActionReadCsv::countTooLarge(int column, const csv::Field &field)
+{
+    const char last = field.view().back();
+    if ((last >= '0' && last <= '9') || last == '.') {
+        m_tooLarge.add([&] {
+            return u"line %1, column %2"_s.arg(QString::number(m_reader->line()),
+                                               QString::number(column + 1));
+        });
+    }
+}
+
+void ActionReadCsv::reportTooLarge()
+{
+    if (m_tooLarge.any()) {
+        warn(u"Warning: readCSV: file '%1' has %2 beyond 1.8e308, and the cells are infinite; the "
+             "first is in %3\n"_s.arg(m_name, counted(m_tooLarge.count(), u"number"_s),
+                                      m_tooLarge.first()));
+    }
+    m_tooLarge.reset(); // finish() may be called twice
+}
+
 void ActionReadCsv::reportIllFormed()
 {
     if (m_illFormed.any()) {
         warn(
-            u"Warning: readCSV: %1 texts of file '%2' are not valid UTF-8, and U+FFFD replaces the "
-            "invalid bytes; the first is in %3. Save the file as UTF-8\n"_s.arg(
-                QString::number(m_illFormed.count()), m_name, m_illFormed.first()));
+            u"Warning: readCSV: file '%1' has invalid UTF-8 in %2, and U+FFFD replaces the invalid "
+            "bytes; the first is in %3. Save the file as UTF-8\n"_s.arg(
+                m_name, counted(m_illFormed.count(), u"text"_s), m_illFormed.first()));
     }
     m_illFormed.reset(); // finish() may be called twice
 }
@@ -283,6 +309,18 @@ void ActionReadCsv::warnSeparator(const QString &name)
         const QString parameter = *other == u'\t' ? u"\\t"_s : QString(*other);
         warn(u"Warning: readCSV: file '%1' has one column, and its name contains '%2'; "
              "separator='%2' splits the lines there\n"_s.arg(m_name, parameter));
+    }
+}
+
+/// Warns if a carriage return without a line feed is in the first record: many lines are one there.
+void ActionReadCsv::warnLineEnds()
+{
+    for (const csv::Field &field : m_reader->fields()) {
+        if (!field.isQuoted && field.view().find('\r') != std::string_view::npos) {
+            warn(u"Warning: readCSV: file '%1' has carriage returns alone in its first line, and "
+                 "only line feeds end lines; save it with line feeds\n"_s.arg(m_name));
+            return;
+        }
     }
 }
 
@@ -335,6 +373,7 @@ bool ActionReadCsv::describeColumns()
     if (m_params.header && names.size() == 1 && !m_reader->fields()[0].isQuoted) {
         warnSeparator(names[0]);
     }
+    warnLineEnds();
     QVector<MetaInfo> types;
     for (const MetaInfo::MetaTypeColumn type : std::as_const(m_types)) {
         types << MetaInfo(type, -1);
@@ -369,6 +408,9 @@ bool ActionReadCsv::putCell(int column, const csv::Field &field, OneRow *row, Ro
     case MetaInfo::Float: {
         double value = 0;
         ok = parseDouble(field.view(), &value);
+        if (ok && std::isinf(value)) {
+            countTooLarge(column, field);
+        }
         row->setCol(column, doubleCell(buffer, value));
         break;
     }
@@ -394,10 +436,9 @@ bool ActionReadCsv::emitRow()
     if (fields.size() != columns) {
         // In a table with one column an empty line is a row with a missing cell.
         const bool isEmptyLine = fields.size() == 1 && fields[0].size == 0 && !fields[0].isQuoted;
-        return isEmptyLine ||
-               fail(u"Error: readCSV: file '%1', line %2: %3 fields instead of %4\n"_s.arg(
-                   m_name, QString::number(m_reader->line()), QString::number(fields.size()),
-                   QString::number(columns)));
+        return isEmptyLine || fail(u"Error: readCSV: file '%1', line %2: %3 instead of %4\n"_s.arg(
+                                  m_name, QString::number(m_reader->line()),
+                                  counted(fields.size(), u"field"_s), QString::number(columns)));
     }
     OneRow *const row = getOutputRowForOutputPin(0);
     RowBuffer *const buffer = bufferForOutputPin(0); // not for each cell: this is a hot loop

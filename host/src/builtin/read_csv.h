@@ -62,10 +62,13 @@ private:
     bool putCell(int column, const csv::Field &field, OneRow *row, RowBuffer *buffer);
     /// Called for the only column of a file.
     void warnSeparator(const QString &name);
+    void warnLineEnds();
     /// For a record that is not UTF-8.
     void countIllFormed();
-    /// One warning for all of them, when the run has read its last row.
+    void countTooLarge(int column, const csv::Field &field);
+    // One warning for all of them, when the run has read its last row.
     void reportIllFormed();
+    void reportTooLarge();
     // Log the error with its place in the file. Return false.
     bool failRecord(csv::Error code);
     bool failCell(const csv::Field &field, const QString &column, MetaInfo::MetaTypeColumn type);
@@ -80,6 +83,7 @@ private:
     bool m_firstIsData = false; // the current record is a row and not yet sent
     QVector<MetaInfo::MetaTypeColumn> m_types;
     Occurrences m_illFormed;         // texts that are not UTF-8
+    Occurrences m_tooLarge;          // numbers that became infinite
     std::atomic<qint64> m_size = -1; // in the unit of m_done; -1: not known
     std::atomic<qint64> m_done = 0;  // bytes read, of a compressed file compressed ones
 };
