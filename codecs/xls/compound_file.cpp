@@ -126,7 +126,10 @@ Result<CompoundFile, CompoundError> CompoundFile::open(ByteSource &source)
     if (!hasSignature({bytes.data(), static_cast<qsizetype>(got)})) {
         return Fault{CompoundError::NotCompound, {}, 0};
     }
-    if (got < kHeaderBytes || !file.readHeader(bytes.data())) {
+    if (got < kHeaderBytes) {
+        return Fault{CompoundError::Damaged, {}, got};
+    }
+    if (!file.readHeader(bytes.data())) {
         return Fault{CompoundError::Damaged, {}, 0};
     }
     // From here on a damaged table only shortens the streams.

@@ -19,8 +19,8 @@ constexpr qint64 kMaxScans = 8;
 constexpr qint64 kMaxRepeatedBytes = qint64(256) << 20;
 constexpr qint64 kScanBytes = 4096;
 
-/// What a fault of the container means for the workbook.
-Fault<WorkbookError> faultOf(const Fault<CompoundError> &fault)
+/// What a fault of the container, a file of `fileBytes` bytes, means for the workbook.
+Fault<WorkbookError> faultOf(const Fault<CompoundError> &fault, qint64 fileBytes)
 {
     switch (fault.code) {
     case CompoundError::ReadFailed:
@@ -29,6 +29,10 @@ Fault<WorkbookError> faultOf(const Fault<CompoundError> &fault)
         return {WorkbookError::NotAWorkbook, QStringLiteral("it is not a legacy workbook")};
     case CompoundError::Damaged:
         break;
+    }
+    if (fault.offset >= fileBytes) {
+        return {WorkbookError::Damaged,
+                QStringLiteral("it ends before the directory of its compound file")};
     }
     return {WorkbookError::Damaged,
             QStringLiteral("it is damaged: its compound file has no usable directory"),
@@ -77,7 +81,7 @@ sheet::WorkbookResult<void> LegacyWorkbook::read(ByteSource &source)
     if (CompoundFile::hasSignature({first.data(), got})) {
         auto file = CompoundFile::open(source);
         if (!file) {
-            return faultOf(file.fault());
+            return faultOf(file.fault(), source.size());
         }
         auto stream = streamOf(*file);
         if (!stream) {

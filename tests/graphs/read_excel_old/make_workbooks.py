@@ -60,6 +60,8 @@ def main():
     rows = b"".join(xls.number(8, row, 0, row) for row in range(300))
     whole = xls.compound(xls.workbook(8, [("S", header(8, "n") + rows)]))
     put("damaged_cut/cut.xls", whole[:4096])
+    # The header alone, with the directory in sector 4.
+    put("damaged_directory/directory.xls", whole[:48] + struct.pack("<I", 4) + whole[52:512])
     broken = xls.number(8, 1, 0, 1) + xls.record(0xFD, struct.pack("<HHHI", 1, 1, 0, 7)) + xls.number(8, 1, 0, 2)
     broken += xls.record(0x0205, struct.pack("<HHHBB", 2, 0, 0, 99, 1)) + xls.number(8, 2, 20000, 3)
     broken += xls.record(0x0006, struct.pack("<HHH8s10x", 3, 0, 0, b"\0\0\0\0\0\0\xff\xff"))
