@@ -104,7 +104,7 @@ bool ActionReadJSON::prepare()
         return false;
     }
     if (!hasItems(levels)) {
-        return fail(u"ReadJson error: nothing to extract"_s);
+        return fail(u"ReadJson error: nothing to extract"_s, kNoItems.toString());
     }
     markup::ExtractOptions options;
     options.outputSubTags = m_params.outputSubTags;

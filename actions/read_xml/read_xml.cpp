@@ -156,7 +156,7 @@ bool ActionReadXML::prepare()
     // Variables may make a path empty or give it an index: checked after their expansion.
     const std::vector<ReadLevel> expanded = levels();
     if (!hasItems(expanded)) {
-        return fail(u"ReadXML error: nothing to extract"_s);
+        return fail(u"ReadXML error: nothing to extract"_s, kNoItems.toString());
     }
     if (!m_params.zeroBased && std::any_of(expanded.begin(), expanded.end(), usesIndexZero)) {
         return fail(u"ReadXML error: [0] indexes are forbidden when using 1-based-indexes"_s);

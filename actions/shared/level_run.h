@@ -135,5 +135,9 @@ private:
 
 /// True when one of the levels has items.
 bool hasItems(const std::vector<ReadLevel> &levels);
+/// Why a run without items fails, and the remedy.
+inline constexpr QStringView kNoItems =
+    u"no level has an item; write one as <Level initialPath='orders'><e name='city' "
+    "path='buyer/city'/></Level>";
 
 } // namespace corvanta

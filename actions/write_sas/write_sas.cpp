@@ -67,7 +67,8 @@ QString ActionWriteSAS::message(WriteProblem problem, const QString &name) const
 bool ActionWriteSAS::failUnknownWidth(const QString &column)
 {
     return fail(u"ERROR: writing SAS file '%1': width of String column '%2' is unknown?"_s.arg(
-        fileName(), column));
+                    fileName(), column),
+                u"StringColDef declares no width; autoWidth='1' measures the texts"_s);
 }
 
 bool ActionWriteSAS::failWrite(const QString &text, const QString &reason)
