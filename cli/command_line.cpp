@@ -66,7 +66,12 @@ CommandResult<CommandLine> CommandLine::parse(const QStringList &words,
         }
     }
     if (line.arguments.size() != options.arguments) {
-        return badUsage(options.wrongArguments);
+        // The first one too many shows a name with blanks that is not quoted.
+        const bool areTooMany = options.arguments > 0 && line.arguments.size() > options.arguments;
+        return badUsage(areTooMany
+                            ? u"%1, and '%2' is one too many"_s.arg(
+                                  options.wrongArguments, line.arguments.at(options.arguments))
+                            : options.wrongArguments);
     }
     return line;
 }

@@ -7,6 +7,7 @@
 #include "corvanta/params/saved_form.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -187,6 +188,9 @@ makeFileAction(const ActionRegistry &registry, FileFormat::Use use, const QStrin
 {
     const QString extension = extensionOf(use, fileName);
     const std::optional<FileAction> found = find(registry, use, extension);
+    if (!found && QFileInfo(fileName).isDir()) {
+        return badUsage(u"'%1' is a folder, not a file"_s.arg(fileName));
+    }
     if (!found) {
         return badUsage(u"no action %1 files with the extension of '%2' (supported: %3)"_s.arg(
             use == FileFormat::Read ? u"reads"_s : u"writes"_s, fileName,

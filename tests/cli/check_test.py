@@ -393,6 +393,8 @@ class CommandLine(Case):
                 "convert in.csv o.csv --reader nme=1": "unknown parameter 'nme' of readCSV",
                 "convert in.csv o.csv --reader header=maybe": "invalid value 'maybe' for parameter 'header' of readCSV (allowed: 0, 1)",
                 "convert in.csv o.csv --reader separator=\1": "a name or value contains characters that a graph cannot contain",
+                "convert in.csv my o.csv": "an input and an output file are required, and 'o.csv' is one too many",
+                "convert in.csv .": "'.' is a folder, not a file",
                 "convert in.pdf o.csv": "no action reads files with the extension of 'in.pdf' (supported: csv ",
                 "describe readXSV": "unknown action 'readXSV'; the nearest known name is 'readCSV' (\"corvanta actions\" lists all actions)"}.items():
             self.assertIn(f": {text}", self.corvanta(*words.split(" ") if words else (), status=2).stderr)
