@@ -110,7 +110,7 @@ class Head(Case):
         record = b" x"  # no logical value
         (self.folder / "t.dbf").write_bytes(struct.pack("<BxxxIHH20x11sc4xB15x", 3, 5000, 65, 2, b"L", b"L", 1) + b"\r" +
                                             record * 5000)
-        self.assertIn("Warning: 3 values of the DBF file", self.corvanta("head", "t.dbf", "-n", "3").stderr)
+        self.assertIn("has 3 values not valid for the type of the column", self.corvanta("head", "t.dbf", "-n", "3").stderr)
 
     @unittest.skipUnless(CORPUS.is_dir(), "no corpus of real files")
     def test_schema_shows_labels_formats_and_value_labels(self):
