@@ -97,15 +97,15 @@ bool ActionWriteExcel::openWorkbook()
     if (m_run->input || (info.exists() && info.size() != 0)) {
         return openUpdate();
     }
+    const QString reason = info.exists() ? u"the file is empty"_s
+                                         : failureReason(m_run->source, FileUse::Read, {ENOENT});
     if (!m_params.createIfNotExists) {
-        const QString reason = info.exists()
-                                   ? u"the file is empty"_s
-                                   : failureReason(m_run->source, FileUse::Read, {ENOENT});
         return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source),
                     reason + u": createIfNotExists='1' begins a new workbook"_s);
     }
     // Without its workbook an update becomes a new workbook, with the same destination.
-    warn(u"\nWarning Cannot read Excel file '%1'\n"_s.arg(m_run->source));
+    warn(u"\nWarning Cannot read Excel file '%1'\n"_s.arg(m_run->source),
+         reason + u": a new workbook is written instead"_s);
     return openNewWorkbook();
 }
 
