@@ -102,8 +102,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     Feed feed(data, size);
     SheetSetup setup = setupOf(feed);
     const int dateFormat = feed.below(13);
+    const bool hasDays = feed.below(2) == 1;
     const FuzzTable table(feed);
-    xlsx::NewWorkbook workbook(QStringLiteral("A&\"'"), dateFormat);
+    xlsx::NewWorkbook workbook(QStringLiteral("A&\"'"), dateFormat, hasDays);
     MemoryPackage package;
     require(writeWorkbook(workbook, table, setup, package));
     MemorySource source(package.sink.bytes());
