@@ -107,6 +107,10 @@
         <source>%1:</source>
         <translation>%1&#xa0;:</translation>
     </message>
+    <message>
+        <source>Preview</source>
+        <translation>Aperçu</translation>
+    </message>
 </context>
 <context>
     <name>Parameters</name>
@@ -1213,10 +1217,6 @@
         <translation>Un Level (initialPath, subtagName) par élément répété, du plus externe au plus interne, avec un e (name, path, tagName) par colonne de sortie.</translation>
     </message>
     <message>
-        <source>Container</source>
-        <translation>Conteneur</translation>
-    </message>
-    <message>
         <source>Path of the element that contains the occurrences, from the document or from the occurrence of the level before.</source>
         <translation>Chemin de l&apos;élément qui contient les occurrences, à partir du document ou de l&apos;occurrence du niveau précédent.</translation>
     </message>
@@ -1453,42 +1453,6 @@
         <translation>Ce qui est écrit, par son numéro. Un élément qui a un autre numéro n&apos;écrit rien.</translation>
     </message>
     <message>
-        <source>text</source>
-        <translation>texte</translation>
-    </message>
-    <message>
-        <source>all columns as attributes</source>
-        <translation>toutes les colonnes en attributs</translation>
-    </message>
-    <message>
-        <source>listed columns as attributes</source>
-        <translation>colonnes listées en attributs</translation>
-    </message>
-    <message>
-        <source>all columns as elements</source>
-        <translation>toutes les colonnes en éléments</translation>
-    </message>
-    <message>
-        <source>listed columns as elements</source>
-        <translation>colonnes listées en éléments</translation>
-    </message>
-    <message>
-        <source>one column in quotes</source>
-        <translation>une colonne entre guillemets</translation>
-    </message>
-    <message>
-        <source>one column as text</source>
-        <translation>une colonne en texte</translation>
-    </message>
-    <message>
-        <source>one column as prepared XML</source>
-        <translation>une colonne en XML préparé</translation>
-    </message>
-    <message>
-        <source>elements of a level</source>
-        <translation>éléments d&apos;un niveau</translation>
-    </message>
-    <message>
         <source>Text</source>
         <translation>Texte</translation>
     </message>
@@ -1643,30 +1607,6 @@
     <message>
         <source>Column whose values split the table, which should be sorted on it.</source>
         <translation>Colonne dont les valeurs divisent la table, qui devrait être triée sur elle.</translation>
-    </message>
-    <message>
-        <source>all columns as members</source>
-        <translation>toutes les colonnes en membres</translation>
-    </message>
-    <message>
-        <source>listed columns as members</source>
-        <translation>colonnes listées en membres</translation>
-    </message>
-    <message>
-        <source>values of all columns</source>
-        <translation>valeurs de toutes les colonnes</translation>
-    </message>
-    <message>
-        <source>values of listed columns</source>
-        <translation>valeurs des colonnes listées</translation>
-    </message>
-    <message>
-        <source>comma after written members</source>
-        <translation>virgule après les membres écrits</translation>
-    </message>
-    <message>
-        <source>one column as prepared JSON</source>
-        <translation>une colonne en JSON préparé</translation>
     </message>
     <message>
         <source>Read a DBase,Paradox,FoxPro database file</source>
@@ -2041,10 +1981,6 @@
         <translation>Largeur</translation>
     </message>
     <message>
-        <source>Width of the column, in bytes.</source>
-        <translation>Largeur de la colonne, en octets.</translation>
-    </message>
-    <message>
         <source>Longest text</source>
         <translation>Plus long texte</translation>
     </message>
@@ -2264,6 +2200,154 @@
         <source>Identifier of the Word table style.</source>
         <translation>Identifiant du style de tableau Word.</translation>
     </message>
+    <message>
+        <source>Appended rows look like the last row</source>
+        <translation>Les lignes ajoutées ressemblent à la dernière</translation>
+    </message>
+    <message>
+        <source>Appended rows get the cell formats of the last row of the sheet, if it is not its only row. Date columns keep their own format where that of the row shows no dates.</source>
+        <translation>Les lignes ajoutées reçoivent les formats de cellule de la dernière ligne de la feuille, si ce n’est pas la seule. Les colonnes de dates gardent leur propre format si celui de cette ligne n’affiche pas de dates.</translation>
+    </message>
+    <message>
+        <source>Iterate on all the subtags located at:</source>
+        <translation>Parcourir tous les sous-éléments situés dans&#xa0;:</translation>
+    </message>
+    <message>
+        <source>A simple text</source>
+        <translation>Un texte simple</translation>
+    </message>
+    <message>
+        <source>All columns stored inside different XML Tag Attributes</source>
+        <translation>Toutes les colonnes dans des attributs de balise XML</translation>
+    </message>
+    <message>
+        <source>Some user-selected columns stored inside different XML Tag Attributes</source>
+        <translation>Certaines colonnes choisies dans des attributs de balise XML</translation>
+    </message>
+    <message>
+        <source>All columns stored inside XML subtags</source>
+        <translation>Toutes les colonnes dans des sous-éléments XML</translation>
+    </message>
+    <message>
+        <source>Some user-selected columns stored inside XML subtags</source>
+        <translation>Certaines colonnes choisies dans des sous-éléments XML</translation>
+    </message>
+    <message>
+        <source>One column to be placed inside quotes</source>
+        <translation>Une colonne à placer entre guillemets</translation>
+    </message>
+    <message>
+        <source>One column to be placed inside a tag</source>
+        <translation>Une colonne à placer dans une balise</translation>
+    </message>
+    <message>
+        <source>One pre-formated column &quot;as-is&quot;</source>
+        <translation>Une colonne préparée, telle quelle</translation>
+    </message>
+    <message>
+        <source>An XML-writer sub-level</source>
+        <translation>Un sous-niveau</translation>
+    </message>
+    <message>
+        <source>Writes the text as it is.</source>
+        <translation>Écrit le texte tel quel.</translation>
+    </message>
+    <message>
+        <source>Writes name=&quot;value&quot; for every column of the input.</source>
+        <translation>Écrit nom=&quot;valeur&quot; pour chaque colonne de l&apos;entrée.</translation>
+    </message>
+    <message>
+        <source>Writes name=&quot;value&quot; for the chosen columns.</source>
+        <translation>Écrit nom=&quot;valeur&quot; pour les colonnes choisies.</translation>
+    </message>
+    <message>
+        <source>Writes an element with the value for every column of the input.</source>
+        <translation>Écrit un élément avec la valeur pour chaque colonne de l&apos;entrée.</translation>
+    </message>
+    <message>
+        <source>Writes an element with the value for the chosen columns.</source>
+        <translation>Écrit un élément avec la valeur pour les colonnes choisies.</translation>
+    </message>
+    <message>
+        <source>Writes the value of the first chosen column between double quotes.</source>
+        <translation>Écrit la valeur de la première colonne choisie entre guillemets doubles.</translation>
+    </message>
+    <message>
+        <source>Writes the value of the first chosen column as the text of an element.</source>
+        <translation>Écrit la valeur de la première colonne choisie comme texte d&apos;un élément.</translation>
+    </message>
+    <message>
+        <source>Writes the text of the first chosen column without escapes.</source>
+        <translation>Écrit le texte de la première colonne choisie sans échappement.</translation>
+    </message>
+    <message>
+        <source>Writes the elements of another level.</source>
+        <translation>Écrit les éléments d&apos;un autre niveau.</translation>
+    </message>
+    <message>
+        <source>A dictionary containing all columns</source>
+        <translation>Un dictionnaire de toutes les colonnes</translation>
+    </message>
+    <message>
+        <source>A dictionary containing some user-selected columns</source>
+        <translation>Un dictionnaire de certaines colonnes choisies</translation>
+    </message>
+    <message>
+        <source>An array containing all columns</source>
+        <translation>Un tableau de toutes les colonnes</translation>
+    </message>
+    <message>
+        <source>An array containing some user-selected columns</source>
+        <translation>Un tableau de certaines colonnes choisies</translation>
+    </message>
+    <message>
+        <source>An array containing some sub-level</source>
+        <translation>Un tableau d&apos;un sous-niveau</translation>
+    </message>
+    <message>
+        <source>Adds a comma if the previous dictionary is non empty</source>
+        <translation>Ajoute une virgule si le dictionnaire précédent n&apos;est pas vide</translation>
+    </message>
+    <message>
+        <source>Writes &quot;name&quot;:value for every column of the input, without braces.</source>
+        <translation>Écrit &quot;nom&quot;:valeur pour chaque colonne de l&apos;entrée, sans accolades.</translation>
+    </message>
+    <message>
+        <source>Writes &quot;name&quot;:value for the chosen columns, without braces.</source>
+        <translation>Écrit &quot;nom&quot;:valeur pour les colonnes choisies, sans accolades.</translation>
+    </message>
+    <message>
+        <source>Writes the values of all columns with commas between them, without brackets.</source>
+        <translation>Écrit les valeurs de toutes les colonnes, séparées par des virgules, sans crochets.</translation>
+    </message>
+    <message>
+        <source>Writes the values of the chosen columns with commas between them, without brackets.</source>
+        <translation>Écrit les valeurs des colonnes choisies, séparées par des virgules, sans crochets.</translation>
+    </message>
+    <message>
+        <source>Writes the elements of another level, without brackets.</source>
+        <translation>Écrit les éléments d&apos;un autre niveau, sans crochets.</translation>
+    </message>
+    <message>
+        <source>Writes a comma when the item before it, a dictionary, has written something.</source>
+        <translation>Écrit une virgule si l&apos;élément précédent, un dictionnaire, a écrit quelque chose.</translation>
+    </message>
+    <message>
+        <source>Writes the text of the first chosen column without quotes and escapes.</source>
+        <translation>Écrit le texte de la première colonne choisie, sans guillemets ni échappement.</translation>
+    </message>
+    <message>
+        <source>Read tables with currency, objects and pictures</source>
+        <translation>Lire les tables avec monnaie, objets et images</translation>
+    </message>
+    <message>
+        <source>Reads fields of currency (Y) as numbers, and leaves out objects and pictures (G, P, and B outside FoxPro), with a warning. Off: a table with such a field is rejected.</source>
+        <translation>Lit les champs de monnaie (Y) comme des nombres et ignore les objets et les images (G, P, et B hors de FoxPro), avec un avertissement. Désactivé : une table avec un tel champ est refusée.</translation>
+    </message>
+    <message>
+        <source>Width of the column, in bytes; 0: unknown.</source>
+        <translation>Largeur de la colonne, en octets ; 0 : inconnue.</translation>
+    </message>
 </context>
 <context>
     <name>Problems</name>
@@ -2429,6 +2513,198 @@
     </message>
 </context>
 <context>
+    <name>corvanta::AutoFill</name>
+    <message numerus="yes">
+        <source>%n column(s)</source>
+        <translation>
+            <numerusform>%n colonne</numerusform>
+            <numerusform>%n colonnes</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Fill from the file</source>
+        <translation>Remplir d&apos;après le fichier</translation>
+    </message>
+    <message>
+        <source>List the sheets</source>
+        <translation>Lister les feuilles</translation>
+    </message>
+    <message>
+        <source>Reads the beginning of the file and adds the levels and columns that are missing</source>
+        <translation>Lit le début du fichier et ajoute les niveaux et les colonnes qui manquent</translation>
+    </message>
+    <message>
+        <source>Lists the sheets of the file, to choose one</source>
+        <translation>Liste les feuilles du fichier, pour en choisir une</translation>
+    </message>
+    <message>
+        <source>Table:</source>
+        <translation>Table&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Sheet:</source>
+        <translation>Feuille&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Use</source>
+        <translation>Utiliser</translation>
+    </message>
+    <message>
+        <source>Tables of the file</source>
+        <translation>Tables du fichier</translation>
+    </message>
+    <message>
+        <source>The table that is read</source>
+        <translation>La table qui est lue</translation>
+    </message>
+    <message>
+        <source>Use the table</source>
+        <translation>Utiliser la table</translation>
+    </message>
+    <message>
+        <source>Sets the parameters that read the chosen table</source>
+        <translation>Définit les paramètres qui lisent la table choisie</translation>
+    </message>
+    <message numerus="yes">
+        <source>The file has %n tables. Choose one.</source>
+        <translation>
+            <numerusform>Le fichier a %n table. Choisissez-en une.</numerusform>
+            <numerusform>Le fichier a %n tables. Choisissez-en une.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>The file has %n sheets. Choose one.</source>
+        <translation>
+            <numerusform>Le fichier a %n feuille. Choisissez-en une.</numerusform>
+            <numerusform>Le fichier a %n feuilles. Choisissez-en une.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Settings for new levels are not changed: %1</source>
+        <translation>Les paramètres des nouveaux niveaux restent inchangés&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Also set: %1</source>
+        <translation>Aussi définis&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Nothing new was found in the file.</source>
+        <translation>Rien de nouveau dans le fichier.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n column(s) added.</source>
+        <translation>
+            <numerusform>%n colonne ajoutée.</numerusform>
+            <numerusform>%n colonnes ajoutées.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n column(s) added, and new levels: %1.</source>
+        <translation>
+            <numerusform>%n colonne ajoutée, et de nouveaux niveaux : %1.</numerusform>
+            <numerusform>%n colonnes ajoutées, et de nouveaux niveaux : %1.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The level “%1” of the file is not added: another level is in its place.</source>
+        <translation>Le niveau «&#xa0;%1&#xa0;» du fichier n&apos;est pas ajouté&#xa0;: un autre niveau occupe sa place.</translation>
+    </message>
+    <message>
+        <source>The file has only this sheet.</source>
+        <translation>Le fichier n&apos;a que cette feuille.</translation>
+    </message>
+    <message>
+        <source>This sheet is read already.</source>
+        <translation>Cette feuille est déjà lue.</translation>
+    </message>
+    <message>
+        <source>Set: %1</source>
+        <translation>Définis&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>“%1” is set, but other settings ignore it.</source>
+        <translation>«&#xa0;%1&#xa0;» est défini, mais d&apos;autres paramètres l&apos;ignorent.</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::ChartAxesField</name>
+    <message>
+        <source>Categories</source>
+        <translation>Catégories</translation>
+    </message>
+    <message>
+        <source>Values</source>
+        <translation>Valeurs</translation>
+    </message>
+    <message>
+        <source>X values</source>
+        <translation>Valeurs X</translation>
+    </message>
+    <message>
+        <source>Y values</source>
+        <translation>Valeurs Y</translation>
+    </message>
+    <message>
+        <source>Bubble sizes</source>
+        <translation>Tailles des bulles</translation>
+    </message>
+    <message>
+        <source>Plus error bars</source>
+        <translation>Barres d&apos;erreur plus</translation>
+    </message>
+    <message>
+        <source>Minus error bars</source>
+        <translation>Barres d&apos;erreur moins</translation>
+    </message>
+    <message>
+        <source>No data</source>
+        <translation>Aucune donnée</translation>
+    </message>
+    <message>
+        <source>Pin %1</source>
+        <translation>Entrée %1</translation>
+    </message>
+    <message>
+        <source>Input pin: %1</source>
+        <translation>Entrée&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Column: %1</source>
+        <translation>Colonne&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>input pin %1 has no column &apos;%2&apos;</source>
+        <translation>l&apos;entrée %1 n&apos;a pas de colonne «&#xa0;%2&#xa0;»</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::ChartEditor</name>
+    <message>
+        <source>Add a chart</source>
+        <translation>Ajouter un graphique</translation>
+    </message>
+    <message>
+        <source>Add them</source>
+        <translation>Les ajouter</translation>
+    </message>
+    <message>
+        <source>Add the tags of the template that have no chart</source>
+        <translation>Ajouter les balises du modèle qui n&apos;ont pas de graphique</translation>
+    </message>
+    <message>
+        <source>(no tag)</source>
+        <translation>(sans balise)</translation>
+    </message>
+    <message>
+        <source>The template has no tag &apos;%1&apos;</source>
+        <translation>Le modèle n&apos;a pas de balise «&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Tags of the template without a chart: &apos;%1&apos;</source>
+        <translation>Balises du modèle sans graphique&#xa0;: «&#xa0;%1&#xa0;»</translation>
+    </message>
+</context>
+<context>
     <name>corvanta::ChoiceEditor</name>
     <message>
         <source>automatic</source>
@@ -2448,6 +2724,54 @@
     <message>
         <source>Choose a column</source>
         <translation>Choisir une colonne</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::DocTablesEditor</name>
+    <message>
+        <source>Add an input pin and its table</source>
+        <translation>Ajouter une entrée et son tableau</translation>
+    </message>
+    <message>
+        <source>Remove the last input pin and its table</source>
+        <translation>Retirer la dernière entrée et son tableau</translation>
+    </message>
+    <message>
+        <source>Pin %1</source>
+        <translation>Entrée %1</translation>
+    </message>
+    <message>
+        <source>the template has no marker &apos;%%1%&apos;</source>
+        <translation>le modèle n&apos;a pas de marque «&#xa0;%%1%&#xa0;»</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::ElementTable</name>
+    <message>
+        <source>Move the row up</source>
+        <translation>Monter la ligne</translation>
+    </message>
+    <message>
+        <source>Move the row down</source>
+        <translation>Descendre la ligne</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::FileColumnPicker</name>
+    <message>
+        <source>List the columns of the file</source>
+        <translation>Lister les colonnes du fichier</translation>
+    </message>
+    <message>
+        <source>Reads the names of the columns from the file, to choose among them</source>
+        <translation>Lit les noms des colonnes dans le fichier, pour en choisir</translation>
+    </message>
+    <message numerus="yes">
+        <source>The file has %n column(s).</source>
+        <translation>
+            <numerusform>Le fichier a %n colonne.</numerusform>
+            <numerusform>Le fichier a %n colonnes.</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -2491,6 +2815,17 @@
     <message>
         <source>The file does not exist yet</source>
         <translation>Le fichier n&apos;existe pas encore</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::FileFill</name>
+    <message>
+        <source>There is no file to read: it has no name, or the input gives it.</source>
+        <translation>Aucun fichier à lire&#xa0;: il n&apos;a pas de nom, ou l&apos;entrée le fournit.</translation>
+    </message>
+    <message>
+        <source>“%1” is a pipe, which can be read only once.</source>
+        <translation>«&#xa0;%1&#xa0;» est un tube, qui ne peut être lu qu&apos;une fois.</translation>
     </message>
 </context>
 <context>
@@ -2575,6 +2910,74 @@
     </message>
 </context>
 <context>
+    <name>corvanta::PinCountField</name>
+    <message>
+        <source>Add an input pin</source>
+        <translation>Ajouter une entrée</translation>
+    </message>
+    <message>
+        <source>Remove the last input pin</source>
+        <translation>Retirer la dernière entrée</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::Preview</name>
+    <message>
+        <source>First rows</source>
+        <translation>Premières lignes</translation>
+    </message>
+    <message>
+        <source>The first rows of the output, with names and types</source>
+        <translation>Les premières lignes de la sortie, avec noms et types</translation>
+    </message>
+    <message>
+        <source>Beginning of the file</source>
+        <translation>Début du fichier</translation>
+    </message>
+    <message>
+        <source>The beginning of the file, as text or as bytes</source>
+        <translation>Le début du fichier, en texte ou en octets</translation>
+    </message>
+    <message>
+        <source>Reading…</source>
+        <translation>Lecture…</translation>
+    </message>
+    <message numerus="yes">
+        <source>The first %n rows</source>
+        <translation>
+            <numerusform>La première ligne</numerusform>
+            <numerusform>Les %n premières lignes</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n row(s)</source>
+        <translation>
+            <numerusform>%n ligne</numerusform>
+            <numerusform>%n lignes</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The input pin gives the file, or it has no name</source>
+        <translation>L&apos;entrée fournit le fichier, ou il n&apos;a pas de nom</translation>
+    </message>
+    <message>
+        <source>The first bytes of %1</source>
+        <translation>Les premiers octets de %1</translation>
+    </message>
+    <message>
+        <source>The beginning of %1</source>
+        <translation>Le début de %1</translation>
+    </message>
+    <message>
+        <source>The action cannot be run.</source>
+        <translation>L&apos;action ne peut pas être exécutée.</translation>
+    </message>
+    <message>
+        <source>A pipe can be read only once.</source>
+        <translation>Un tube ne peut être lu qu&apos;une fois.</translation>
+    </message>
+</context>
+<context>
     <name>corvanta::PropertyPanel</name>
     <message>
         <source>off</source>
@@ -2638,7 +3041,57 @@
     </message>
     <message>
         <source>“%1” has another value</source>
-        <translation>« %1 » a une autre valeur</translation>
+        <translation>«&#xa0;%1&#xa0;» a une autre valeur</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::ReadLevelsEditor</name>
+    <message>
+        <source>Add a level inside the current one</source>
+        <translation>Ajouter un niveau dans le niveau courant</translation>
+    </message>
+    <message>
+        <source>The document itself</source>
+        <translation>Le document lui-même</translation>
+    </message>
+    <message>
+        <source>Every element</source>
+        <translation>Chaque élément</translation>
+    </message>
+    <message>
+        <source>Add a column</source>
+        <translation>Ajouter une colonne</translation>
+    </message>
+    <message>
+        <source>Remove the column</source>
+        <translation>Retirer la colonne</translation>
+    </message>
+    <message>
+        <source>(document)</source>
+        <translation>(document)</translation>
+    </message>
+    <message>
+        <source>%1 (columns: %2)</source>
+        <translation>%1 (colonnes&#xa0;: %2)</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::RowsModel</name>
+    <message>
+        <source>number</source>
+        <translation>nombre</translation>
+    </message>
+    <message>
+        <source>key</source>
+        <translation>clé</translation>
+    </message>
+    <message>
+        <source>text</source>
+        <translation>texte</translation>
+    </message>
+    <message>
+        <source>missing</source>
+        <translation>valeurs manquantes</translation>
     </message>
 </context>
 <context>
@@ -2666,6 +3119,102 @@
     <message>
         <source>Move the element down</source>
         <translation>Descendre l&apos;élément</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::TaskRow</name>
+    <message>
+        <source>Stop</source>
+        <translation>Arrêter</translation>
+    </message>
+    <message>
+        <source>Stops the reading of the file; nothing is changed</source>
+        <translation>Arrête la lecture du fichier&#xa0;; rien n&apos;est modifié</translation>
+    </message>
+    <message>
+        <source>Stopped.</source>
+        <translation>Arrêté.</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::TextWidthsEditor</name>
+    <message>
+        <source>Add a column</source>
+        <translation>Ajouter une colonne</translation>
+    </message>
+    <message>
+        <source>Remove the width</source>
+        <translation>Retirer la largeur</translation>
+    </message>
+    <message>
+        <source>automatic</source>
+        <translation>automatique</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>aucune</translation>
+    </message>
+    <message>
+        <source>the text column &apos;%1&apos; needs a width, because widths are not measured</source>
+        <translation>la colonne de textes «&#xa0;%1&#xa0;» exige une largeur, car les largeurs ne sont pas mesurées</translation>
+    </message>
+    <message>
+        <source>the input has no column &apos;%1&apos;</source>
+        <translation>l&apos;entrée n&apos;a pas de colonne «&#xa0;%1&#xa0;»</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::Worker</name>
+    <message>
+        <source>There is not enough memory.</source>
+        <translation>La mémoire est insuffisante.</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::WriteLevelsEditor</name>
+    <message>
+        <source>Add a level or an item after the current one</source>
+        <translation>Ajouter un niveau ou un élément après l&apos;élément courant</translation>
+    </message>
+    <message>
+        <source>Add an item to the current level</source>
+        <translation>Ajouter un élément au niveau courant</translation>
+    </message>
+    <message>
+        <source>Beginning of the file:</source>
+        <translation>Début du fichier&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Beginning of the file</source>
+        <translation>Début du fichier</translation>
+    </message>
+    <message>
+        <source>Level %1</source>
+        <translation>Niveau %1</translation>
+    </message>
+    <message>
+        <source>Level %1: %2</source>
+        <translation>Niveau %1&#xa0;: %2</translation>
+    </message>
+    <message>
+        <source>Type %1</source>
+        <translation>Type %1</translation>
+    </message>
+    <message>
+        <source>There is no level &apos;%1&apos;</source>
+        <translation>Il n&apos;y a pas de niveau «&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>No column is chosen</source>
+        <translation>Aucune colonne n&apos;est choisie</translation>
+    </message>
+    <message>
+        <source>With sample values in place of the rows of the input</source>
+        <translation>Avec des valeurs d&apos;exemple à la place des lignes de l&apos;entrée</translation>
+    </message>
+    <message>
+        <source>With the first rows of the input</source>
+        <translation>Avec les premières lignes de l&apos;entrée</translation>
     </message>
 </context>
 </TS>
