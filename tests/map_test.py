@@ -62,11 +62,11 @@ class Map(unittest.TestCase):
         self.assertEqual(missing, [])
 
 
-# Where a name of a parameter may be written: its table, the entry with settings for "convert", the layout of its panel.
-DECLARING = re.compile(r"/params/|_(?:params|entry|panel|layout|test)\.|/panel_groups\.")
+# Where a name of a parameter may be written: its table, the entry with settings for "convert", the layout of its panel, and the
+# editors of single structures, which are parts of panels.
+DECLARING = re.compile(r"/params/|_(?:params|entry|panel|layout|test)\.|/panel_groups\.|^panels/(?:structures|fill)/")
 # Texts that equal a name and mean something else.
 OTHER_TEXTS = {("actions/read_json/read_json.cpp", "tagName")}  # a column of the input pin
-
 
 
 class Names(unittest.TestCase):

@@ -2945,7 +2945,7 @@
     <message numerus="yes">
         <source>The first %n rows</source>
         <translation>
-            <numerusform>La première ligne</numerusform>
+            <numerusform>%n première ligne</numerusform>
             <numerusform>Les %n premières lignes</numerusform>
         </translation>
     </message>
