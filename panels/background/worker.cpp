@@ -17,7 +17,10 @@ namespace corvanta {
 namespace {
 
 constexpr int kPollMs = 20;
-constexpr std::chrono::seconds kMaxEnd{2}; // that the end of the program waits for threads
+/// How long the end of the program waits for threads. Work that only computes ends in this time, so
+/// that it does not use what the end destroys; a call for a drive that does not answer may last
+/// longer.
+constexpr std::chrono::seconds kMaxEnd{5};
 
 QString reasonOf(const std::exception_ptr &failure)
 {
