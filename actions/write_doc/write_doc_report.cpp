@@ -94,7 +94,7 @@ QString ActionWriteDoc::whyLeft(const document::TemplateMarker &marker)
     });
     // A column with this name: the user expects it to be filled.
     if (column != columns.end()) {
-        const QString remedy = remedyFor(marker, m_params.joinRuns, m_params.allParts);
+        QString remedy = remedyFor(marker, m_params.joinRuns, m_params.allParts);
         column->isLeft |= !remedy.isEmpty();
         return remedy;
     }
