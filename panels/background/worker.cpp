@@ -37,9 +37,10 @@ QString reasonOf(const std::exception_ptr &failure)
 
 struct Worker::Result
 {
-    /// `work` is destroyed when this returns.
-    static Result of(Work work, const std::stop_token &stop) noexcept
+    /// The work is destroyed when this returns.
+    static Result of(Work &&given, const std::stop_token &stop) noexcept
     {
+        const Work work = std::move(given);
         try {
             return {work(stop), nullptr};
         } catch (const std::exception &) {
