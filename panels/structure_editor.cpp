@@ -85,6 +85,7 @@ StructureEditor::~StructureEditor()
 std::vector<Element> StructureEditor::elements() const
 {
     std::vector<Element> all;
+    all.reserve(static_cast<size_t>(m_tree->topLevelItemCount()));
     for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
         all.push_back(static_cast<const ElementItem *>(m_tree->topLevelItem(i))->whole());
     }

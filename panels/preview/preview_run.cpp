@@ -23,7 +23,7 @@ struct Texts
 std::shared_ptr<const ActionRegistry> sharedRegistry()
 {
     static const auto shared = [] {
-        const auto registry = std::make_shared<ActionRegistry>();
+        auto registry = std::make_shared<ActionRegistry>();
         registry->loadAll();
         return registry;
     }();
