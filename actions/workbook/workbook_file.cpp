@@ -13,6 +13,10 @@ namespace corvanta {
 
 namespace {
 
+/// Most units of text in all cells: some, and more for a large file, which may repeat many texts.
+constexpr qint64 kMaxUnits = qint64(256) << 20;
+constexpr qint64 kMaxUnitsPerByte = 512;
+
 /// What a reader repaired, and how.
 struct ProblemText
 {
@@ -32,6 +36,7 @@ WorkbookFile::WorkbookFile(ActionBase &action, QString name, OpenWorkbook workbo
     , m_sheets(std::move(sheets))
     , m_types(std::move(types))
     , m_sheetNameColumn(sheetNameColumn)
+    , m_maxTextUnits(kMaxUnits + m_workbook.source->size() * kMaxUnitsPerByte)
 {
 }
 
@@ -137,14 +142,11 @@ bool WorkbookFile::putRow(const WalkStep &step, OneRow &row)
 /// A small file can refer to a long text millions of times.
 bool WorkbookFile::checkTexts()
 {
-    constexpr qint64 kMaxUnits = qint64(256) << 20;
-    constexpr qint64 kMaxUnitsPerByte = 512;
-    const qint64 most = kMaxUnits + m_workbook.source->size() * kMaxUnitsPerByte;
-    return m_textUnits <= most ||
+    return m_textUnits <= m_maxTextUnits ||
            fail(Fault{
                sheet::WorkbookError::TooLarge,
                u"it repeats its texts so often that its cells have more than %1 characters"_s.arg(
-                   most)});
+                   m_maxTextUnits)});
 }
 
 /// Sheets are as good as equally long: counting their rows would need another pass.

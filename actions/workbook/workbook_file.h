@@ -83,6 +83,7 @@ private:
     std::atomic<float> m_fraction = 0;
     qint64 m_rows = 0;
     qint64 m_textUnits = 0; // of the cells that were delivered, UTF-16
+    const qint64 m_maxTextUnits;
 };
 
 } // namespace corvanta
