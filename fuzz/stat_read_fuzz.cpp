@@ -12,6 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <fstream>
 #include <thread>
@@ -101,7 +102,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         _exit(0);
     }
     int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child || status != 0) {
+    pid_t ended = 0;
+    do { // the timer of the fuzzer interrupts the call
+        ended = waitpid(child, &status, 0);
+    } while (ended < 0 && errno == EINTR);
+    if (child < 0 || ended != child || status != 0) {
         std::abort();
     }
     return 0;
