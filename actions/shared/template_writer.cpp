@@ -135,7 +135,7 @@ void TemplateWriter::closeFiles()
 
 QString TemplateWriter::memberReasonOf(const Fault<opc::Error> &fault) const
 {
-    const QString other =
+    QString other =
         fault.code == opc::Error::NoMember && m_template ? otherPackageReason() : QString();
     if (!other.isEmpty()) {
         return other;

@@ -188,7 +188,7 @@ TaskMaker::Sheets TaskMaker::chooseSheets()
     case SheetChoice::All:
         return sheetsOf(u"*"_s);
     case SheetChoice::Matching: {
-        const std::vector<size_t> sheets = sheetsOf(m_params.sheetName);
+        std::vector<size_t> sheets = sheetsOf(m_params.sheetName);
         if (sheets.empty()) {
             return Fault{TaskError::NotFound, u"no sheet that matches '%1', %2"_s.arg(
                                                   m_params.sheetName, listOfSheets())};

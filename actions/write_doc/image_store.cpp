@@ -88,7 +88,7 @@ Result<ImageStore::Image, ImageFault> ImageStore::image(const QString &file)
         return Fault{ImageFault{ImageError::NotAnImage}};
     }
     // The member gets its name in each document.
-    const auto image = std::make_shared<const document::StoredImage>(document::StoredImage{
+    auto image = std::make_shared<const document::StoredImage>(document::StoredImage{
         zip::deflateMember("image", *bytes), mediaExtension(file, info->kind), *info});
     keep(key, image);
     return image;
