@@ -14,7 +14,7 @@ namespace corvanta {
 
 namespace {
 
-/// Returns false if there is no catalogue of that name for the language. The application owns the
+/// Returns false if the language has no catalogue of that name. The application owns the
 /// catalogue.
 bool install(const QLocale &locale, const QString &name, const QString &folder)
 {
