@@ -1,18 +1,22 @@
-# corvanta_module(NAME [WIDGETS] SOURCES ... [TESTS ...] [PUBLIC ...] [PRIVATE ...] [TEST_LIBS ...])
+# corvanta_module(NAME [WIDGETS] SOURCES ... [TESTS ...] [PUBLIC ...] [PRIVATE ...] [TEST_LIBS ...] [HEADERS ...])
 #
 # A static library corvanta_NAME and, from the tests in the folder of the sources, one test program
 # NAME_test whose cases are found by ctest. PUBLIC and PRIVATE are what the library links: this list,
-# and nothing else, says what a folder may include. WIDGETS: many of the sources include widgets.
+# and nothing else, says what a folder may include. WIDGETS: many of the sources include widgets. HEADERS:
+# those of the project that nearly all of the sources include; they are precompiled. In angle brackets, because
+# ccache shares no precompiled header with an absolute path in it.
 include(GoogleTest)
 
 function(corvanta_module name)
-    cmake_parse_arguments(ARG "WIDGETS" "" "SOURCES;TESTS;PUBLIC;PRIVATE;TEST_LIBS" ${ARGN})
+    cmake_parse_arguments(ARG "WIDGETS" "" "SOURCES;TESTS;PUBLIC;PRIVATE;TEST_LIBS;HEADERS" ${ARGN})
     add_library(corvanta_${name} STATIC ${ARG_SOURCES})
-    set(precompiled corvanta_precompiled)
-    if(ARG_WIDGETS)
-        set(precompiled corvanta_precompiled_widgets)
+    if(ARG_HEADERS)
+        target_precompile_headers(corvanta_${name} PRIVATE ${precompiled_widgets} ${ARG_HEADERS})
+    elseif(ARG_WIDGETS)
+        target_precompile_headers(corvanta_${name} REUSE_FROM corvanta_precompiled_widgets)
+    else()
+        target_precompile_headers(corvanta_${name} REUSE_FROM corvanta_precompiled)
     endif()
-    target_precompile_headers(corvanta_${name} REUSE_FROM ${precompiled})
     target_include_directories(corvanta_${name} PUBLIC ${PROJECT_SOURCE_DIR})
     target_link_libraries(corvanta_${name} PUBLIC ${ARG_PUBLIC} PRIVATE corvanta_options ${ARG_PRIVATE})
     if(ARG_TESTS AND BUILD_TESTING)
@@ -28,7 +32,7 @@ function(corvanta_test name)
     # Of the tests alone: a path among the definitions of everything would keep ccache from sharing between clones.
     target_compile_definitions(${name} PRIVATE CORVANTA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
     target_link_libraries(${name} PRIVATE corvanta_options ${ARG_LIBS} GTest::gtest_main)
-    target_compile_options(${name} PRIVATE ${CORVANTA_TEST_OPTIONS})
+    target_compile_options(${name} PRIVATE ${CORVANTA_QUICK_TO_BUILD})
     target_precompile_headers(${name} REUSE_FROM corvanta_precompiled_tests)
     set(properties TIMEOUT 600)
     if(ARG_LABELS)

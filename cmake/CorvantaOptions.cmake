@@ -16,3 +16,6 @@ elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
     target_compile_options(corvanta_options INTERFACE -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
     target_link_options(corvanta_options INTERFACE -Wl,-z,relro,-z,now)
 endif()
+
+# For code that needs no speed (tests, panels, parameters): it compiles in two thirds of the time.
+set(CORVANTA_QUICK_TO_BUILD $<$<CONFIG:Release>:-O1>)
