@@ -383,30 +383,23 @@ void StatFile::beforeClose()
                 .arg(counted(texts.count(), u"text"_s), m_reader->dictionary().encoding,
                      texts.first()));
     }
-    const auto textOf = [this](const Occurrences &found, const QString &noun, const QString &text) {
-        return text.arg(m_name, counted(found.count(), noun), found.first());
-    };
-    const auto warnOf = [&](const Occurrences &found, const QString &noun, const QString &text) {
-        if (found.any()) {
-            m_action.warn(textOf(found, noun, text));
-        }
-    };
-    warnOf(
-        findings.cutTexts, u"text"_s,
+    m_action.warnOf(
+        findings.cutTexts, m_name, u"text"_s,
         u"Warning: the statistical file '%1' has %2 with an incomplete character at the end, which is left out; the first is in %3\n"_s);
-    warnOf(
-        findings.lostTexts, u"long text"_s,
+    m_action.warnOf(
+        findings.lostTexts, m_name, u"long text"_s,
         u"Warning: the statistical file '%1' refers to %2 (strL) that it does not have, and that become missing; the first is in %3\n"_s);
-    warnOf(
-        findings.badDates, u"date"_s,
+    m_action.warnOf(
+        findings.badDates, m_name, u"date"_s,
         u"Warning: the statistical file '%1' has %2 outside the years 1 to 9999, read as numbers; the first is in %3\n"_s);
-    warnOf(
-        findings.lostLabels, u"missing value"_s,
+    m_action.warnOf(
+        findings.lostLabels, m_name, u"missing value"_s,
         u"Warning: the statistical file '%1' has %2 with a label, which is not read because the cells are missing; the first is in %3. Without extractLabels, schema shows these labels\n"_s);
     if (findings.userMissing.any()) {
         MainUI::addLog(MainUI::Info,
-                       textOf(findings.userMissing, u"value"_s,
-                              u"The file '%1' declares %2 to be missing; the first is in %3."_s));
+                       u"The file '%1' declares %2 to be missing; the first is in %3."_s.arg(
+                           m_name, counted(findings.userMissing.count(), u"value"_s),
+                           findings.userMissing.first()));
     }
 }
 

@@ -199,25 +199,20 @@ void XbfFile::warnCounts()
 
 void XbfFile::warnValues()
 {
-    const auto warnOf = [this](const Occurrences &found, const QString &noun, const QString &text) {
-        if (found.any()) {
-            m_action.warn(text.arg(m_name, counted(found.count(), noun), found.first()));
-        }
-    };
     const dbf::Findings &findings = m_reader->findings();
-    warnOf(
-        findings.unreadableMemos, u"memo text"_s,
+    m_action.warnOf(
+        findings.unreadableMemos, m_name, u"memo text"_s,
         u"Warning: %2 of the DBF file '%1' cannot be found in its memo file; the first is in %3\n"_s);
     if (m_reportsMissingMemos) {
-        warnOf(
-            findings.memosWithoutFile, u"memo text"_s,
+        m_action.warnOf(
+            findings.memosWithoutFile, m_name, u"memo text"_s,
             u"Warning: the DBF file '%1' has no memo file with its %2, read as missing; the first is in %3\n"_s);
     }
-    warnOf(
-        findings.badValues, u"value"_s,
+    m_action.warnOf(
+        findings.badValues, m_name, u"value"_s,
         u"Warning: the DBF file '%1' has %2 not valid for the type of the column, read as missing; the first is in %3\n"_s);
-    warnOf(
-        findings.badTexts, u"text"_s,
+    m_action.warnOf(
+        findings.badTexts, m_name, u"text"_s,
         u"Warning: the DBF file '%1' has %2 not valid in the encoding, and the bytes concerned are replaced; the first is in %3\n"_s);
 }
 

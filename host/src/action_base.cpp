@@ -5,6 +5,7 @@
 // input functions go through it.
 #include "corvanta/action_base.h"
 
+#include "base/counted.h"
 #include "corvanta/failure_reason.h"
 #include "corvanta/help.h"
 #include "corvanta/icons.h"
@@ -245,6 +246,14 @@ bool ActionBase::setFailed() noexcept
         }
     }
     return false;
+}
+
+void ActionBase::warnOf(const Occurrences &found, const QString &file, const QString &noun,
+                        const QString &text)
+{
+    if (found.any()) {
+        warn(text.arg(file, counted(found.count(), noun), found.first()));
+    }
 }
 
 void ActionBase::warn(const QString &text, const QString &reason, MainUI::LogLevel level)

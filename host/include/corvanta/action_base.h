@@ -4,6 +4,7 @@
 // ParamTable, and implements step(). The engine sees only the operations of ActionItem; they are
 // implemented here, catch every exception, and call the functions that a subclass overrides.
 #pragma once
+#include "base/occurrences.h"
 #include "corvanta/action_entry.h"
 #include "corvanta/action_item.h"
 #include "corvanta/action_parameters.h"
@@ -80,6 +81,10 @@ public:
     /// level is another one only where saved graphs rely on it.
     void warn(const QString &text, const QString &reason = {},
               MainUI::LogLevel level = MainUI::Warning);
+    /// Log one warning for all of `found`, if there are any. `text` has %1 for the name of the
+    /// file, %2 for the number with `noun`, and %3 for the first place.
+    void warnOf(const Occurrences &found, const QString &file, const QString &noun,
+                const QString &text);
     /// True when step() must return soon, so that the engine can end the run or start another
     /// action. Cheap enough for every row.
     bool yieldRequested() const
