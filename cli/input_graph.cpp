@@ -236,8 +236,8 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
             return prepared;
         }
     }
-    if (writer != nullptr && writer->needsDateColumns()) {
-        writer->setDateColumns(parameters->dateColumns());
+    if (writer != nullptr && writer->needsColumnKinds()) {
+        writer->setColumnKinds(parameters->columnKinds(ActionParameters::KindExtent::All));
     }
     if (writer != nullptr && writer->needsColumnLabels()) {
         writer->setColumnLabels(parameters->columnNotes());

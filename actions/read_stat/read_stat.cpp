@@ -47,10 +47,11 @@ QVector<ColumnNotes> ActionReadStat::columnNotes()
     return files.isEmpty() ? QVector<ColumnNotes>() : statNotes(*this, files.first(), m_params);
 }
 
-DateColumns ActionReadStat::dateColumns()
+QVector<ColumnKind> ActionReadStat::columnKinds(KindExtent /*extent*/)
 {
     const QStringList files = namedFiles();
-    return files.isEmpty() ? DateColumns() : statDateColumns(*this, files.first(), m_params);
+    return files.isEmpty() ? QVector<ColumnKind>()
+                           : statColumnKinds(*this, files.first(), m_params);
 }
 
 // ---- Before the first row.

@@ -27,7 +27,7 @@ public:
     /// Those of the first file.
     QVector<ColumnNotes> columnNotes() override;
     /// Those of the first file, too.
-    DateColumns dateColumns() override;
+    QVector<ColumnKind> columnKinds(KindExtent extent) override;
     /// Ends the waits of both threads.
     void wakeAll() override { m_series.stop(); }
 

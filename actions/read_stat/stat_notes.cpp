@@ -123,21 +123,19 @@ std::optional<OpenDataSet> openDataSet(const ActionBase &action, const QString &
     return OpenDataSet{format, std::move(file), std::move(source), *std::move(dictionary)};
 }
 
-/// The list for a kind of date; null for a number.
-QStringList *listOf(stat::DateKind kind, DateColumns &columns)
+/// The kind of a variable with this kind of date, which is not None.
+ValueKind valueKindOf(stat::DateKind date)
 {
-    switch (kind) {
-    case stat::DateKind::None:
-        return nullptr;
+    switch (date) {
     case stat::DateKind::SasDateTime:
     case stat::DateKind::SpssDateTime:
     case stat::DateKind::StataClock:
     case stat::DateKind::StataLeapClock:
-        return &columns.dateTimes;
+        return ValueKind::DateTime;
     case stat::DateKind::Time:
-        return &columns.times;
+        return ValueKind::Time;
     default:
-        return &columns.dates;
+        return ValueKind::Date;
     }
 }
 
@@ -165,10 +163,10 @@ QVector<ColumnNotes> statNotes(const ActionBase &action, const QString &name,
     return notes;
 }
 
-DateColumns statDateColumns(const ActionBase &action, const QString &name,
-                            const ReadStatParams &params)
+QVector<ColumnKind> statColumnKinds(const ActionBase &action, const QString &name,
+                                    const ReadStatParams &params)
 {
-    DateColumns columns;
+    QVector<ColumnKind> columns;
     const auto file = params.formatDates ? openDataSet(action, name, params) : std::nullopt;
     if (!file) {
         return columns;
@@ -177,8 +175,8 @@ DateColumns statDateColumns(const ActionBase &action, const QString &name,
     const bool mayHaveLabels = params.extractLabels && !stat::isOfSas(file->format);
     for (const stat::Variable &variable : file->dictionary.variables) {
         const bool hasLabels = mayHaveLabels && !variable.labelSet.isEmpty();
-        if (QStringList *const list = hasLabels ? nullptr : listOf(variable.date, columns)) {
-            *list << options.columnName(variable);
+        if (!hasLabels && variable.date != stat::DateKind::None) {
+            columns << ColumnKind{options.columnName(variable), valueKindOf(variable.date)};
         }
     }
     return columns;

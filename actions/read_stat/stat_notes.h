@@ -11,7 +11,7 @@ QVector<ColumnNotes> statNotes(const ActionBase &action, const QString &name,
                                const ReadStatParams &params);
 
 /// The columns of `name` that the run reads as ISO 8601 texts; none without formatDates. As above.
-DateColumns statDateColumns(const ActionBase &action, const QString &name,
-                            const ReadStatParams &params);
+QVector<ColumnKind> statColumnKinds(const ActionBase &action, const QString &name,
+                                    const ReadStatParams &params);
 
 } // namespace corvanta

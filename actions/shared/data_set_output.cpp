@@ -71,17 +71,17 @@ QString numberFormat(const QString &format)
 
 } // namespace
 
-void DataSetOutput::addDateFormats(const DateColumns &columns, DataSetParams *params)
+void DataSetOutput::addDateFormats(const QVector<ColumnKind> &columns, DataSetParams *params)
 {
     DefinitionList definitions(&params->variables);
-    const auto addFormat = [&](const QStringList &names, const QString &format) {
-        for (const QString &name : names) {
+    const auto addFormat = [&](ValueKind kind, const QString &format) {
+        for (const QString &name : columnsOfKind(columns, kind)) {
             definitions.add(name, {}, format);
         }
     };
-    addFormat(columns.dates, u"DATE9."_s);
-    addFormat(columns.dateTimes, u"DATETIME20."_s);
-    addFormat(columns.times, u"TIME8."_s);
+    addFormat(ValueKind::Date, u"DATE9."_s);
+    addFormat(ValueKind::DateTime, u"DATETIME20."_s);
+    addFormat(ValueKind::Time, u"TIME8."_s);
 }
 
 void DataSetOutput::addNotes(const QVector<ColumnNotes> &notes, DataSetParams *params) const

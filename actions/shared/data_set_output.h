@@ -75,8 +75,8 @@ protected:
     /// Encodes texts and names; UTF-8 by default. chooseEncoding() replaces it.
     sas::TextEncoder &encoder() { return m_run->encoder; }
     const sas::TextEncoder &encoder() const { return m_run->encoder; }
-    /// Give the columns date formats, so that their texts become dates.
-    static void addDateFormats(const DateColumns &columns, DataSetParams *params);
+    /// Give the columns with dates and times such formats, so that their texts become dates.
+    static void addDateFormats(const QVector<ColumnKind> &columns, DataSetParams *params);
     /// Give the columns the labels of the input, and the formats of its numbers where SAS has the
     /// same. Those that the parameters have stay. A line of the log counts the value labels.
     void addNotes(const QVector<ColumnNotes> &notes, DataSetParams *params) const;

@@ -449,9 +449,9 @@ std::unique_ptr<InputFile> ReadWorkbook::openFirst() const
 }
 
 /// Nothing is reported: the run reads the same file again.
-DateColumns ReadWorkbook::dateColumns()
+QVector<ColumnKind> ReadWorkbook::columnKinds(KindExtent /*extent*/)
 {
-    DateColumns dates;
+    QVector<ColumnKind> dates;
     const ReadExcelParams params = expandedParams();
     const auto file = params.allText ? nullptr : openFirst();
     if (!file) {
@@ -469,7 +469,7 @@ DateColumns ReadWorkbook::dateColumns()
     for (const TableColumns::Column &column : columns.columns()) {
         if (column.content != 0 && (column.content & ~kAllDates) == 0) {
             const bool hasTimes = (column.content & kHasDateTimes) != 0;
-            (hasTimes ? dates.dateTimes : dates.dates) << column.name;
+            dates << ColumnKind{column.name, hasTimes ? ValueKind::DateTime : ValueKind::Date};
         }
     }
     return dates;

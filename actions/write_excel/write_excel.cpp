@@ -37,13 +37,14 @@ QString ActionWriteExcel::message(WriteProblem problem, const QString &name) con
     return u"\nERROR: cannot write to XLSX file '%1'\n"_s.arg(fileName());
 }
 
-void ActionWriteExcel::setDateColumns(const DateColumns &columns)
+void ActionWriteExcel::setColumnKinds(const QVector<ColumnKind> &columns)
 {
-    m_params.toDate = columns.dates + columns.dateTimes;
+    const QStringList dateTimes = columnsOfKind(columns, ValueKind::DateTime);
+    m_params.toDate = columnsOfKind(columns, ValueKind::Date) + dateTimes;
     // Years before 1900 exist in other files.
     m_params.keepOddDates = true;
     // A display that the user has chosen stays.
-    if (!columns.dateTimes.isEmpty() && m_params.dateFormatExcel == DateDisplay::Date) {
+    if (!dateTimes.isEmpty() && m_params.dateFormatExcel == DateDisplay::Date) {
         m_params.dateFormatExcel = DateDisplay::DateSeconds;
     }
 }

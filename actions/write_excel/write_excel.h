@@ -45,11 +45,11 @@ public:
         adjustWriteExcelDefaults(params, savedVersion);
     }
     QVector<ParameterProblem> problems() const override;
-    bool needsDateColumns() const override
+    bool needsColumnKinds() const override
     {
         return m_params.toDate.isEmpty() && m_params.isoDates && m_params.dateFormat.isEmpty();
     }
-    void setDateColumns(const DateColumns &columns) override;
+    void setColumnKinds(const QVector<ColumnKind> &columns) override;
 
 private:
     /// Cells of one column that are left out or cut.

@@ -15,8 +15,11 @@ class ActionWriteSAS final : public ParamAction<ActionWriteSAS, WriteSasParams, 
 public:
     ActionWriteSAS(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<WriteSasParams> &paramTable() { return writeSasParamTable(); }
-    bool needsDateColumns() const override { return true; }
-    void setDateColumns(const DateColumns &columns) override { addDateFormats(columns, &m_params); }
+    bool needsColumnKinds() const override { return true; }
+    void setColumnKinds(const QVector<ColumnKind> &columns) override
+    {
+        addDateFormats(columns, &m_params);
+    }
     bool needsColumnLabels() const override { return true; }
     void setColumnLabels(const QVector<ColumnNotes> &notes) override { addNotes(notes, &m_params); }
 

@@ -18,8 +18,11 @@ public:
     ActionWriteSASXPT(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<WriteSasXptParams> &paramTable() { return writeSasXptParamTable(); }
     QVector<ParameterProblem> problems() const override;
-    bool needsDateColumns() const override { return true; }
-    void setDateColumns(const DateColumns &columns) override { addDateFormats(columns, &m_params); }
+    bool needsColumnKinds() const override { return true; }
+    void setColumnKinds(const QVector<ColumnKind> &columns) override
+    {
+        addDateFormats(columns, &m_params);
+    }
     bool needsColumnLabels() const override { return true; }
     void setColumnLabels(const QVector<ColumnNotes> &notes) override { addNotes(notes, &m_params); }
 

@@ -96,9 +96,25 @@ QStringList ActionParameters::inputs() const
     return {};
 }
 
-DateColumns ActionParameters::dateColumns()
+QStringList columnsOfKind(const QVector<ColumnKind> &columns, ValueKind kind)
+{
+    QStringList names;
+    for (const ColumnKind &column : columns) {
+        if (column.kind == kind) {
+            names << column.column;
+        }
+    }
+    return names;
+}
+
+QVector<ColumnKind> ActionParameters::columnKinds(KindExtent /*extent*/)
 {
     return {};
+}
+
+bool ActionParameters::readColumnsAs(const QVector<ColumnKind> & /*columns*/)
+{
+    return false;
 }
 
 QVector<ColumnNotes> ActionParameters::columnNotes()
@@ -106,12 +122,12 @@ QVector<ColumnNotes> ActionParameters::columnNotes()
     return {};
 }
 
-bool ActionParameters::needsDateColumns() const
+bool ActionParameters::needsColumnKinds() const
 {
     return false;
 }
 
-void ActionParameters::setDateColumns(const DateColumns & /*columns*/) {}
+void ActionParameters::setColumnKinds(const QVector<ColumnKind> & /*columns*/) {}
 
 bool ActionParameters::needsColumnLabels() const
 {

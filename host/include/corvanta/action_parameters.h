@@ -115,13 +115,32 @@ struct ParameterProblem
     Severity severity = Severity::Error;
 };
 
-/// The text columns of an input whose values are all dates or times in the form of ISO 8601.
-struct DateColumns
-{
-    QStringList dates;     ///< 2026-01-31
-    QStringList dateTimes; ///< 2026-01-31T04:30:05.25; some may have no time
-    QStringList times;     ///< 04:30:05.25; hours are not limited to a day
+/// What the values of a column are. Booleans, dates and times are text cells.
+enum class ValueKind : quint8 {
+    Text,
+    Integer,
+    Decimal,
+    Boolean,  ///< true, false
+    Date,     ///< 2026-01-31
+    DateTime, ///< 2026-01-31T04:30:05.25; some may have no time
+    Time,     ///< 04:30:05.25; hours are not limited to a day
 };
+
+/// What all values of a column of an input have in common; missing values do not count.
+struct ColumnKind
+{
+    QString column; ///< name, as in the output
+    ValueKind kind = ValueKind::Text;
+    /// Type of the cells that hold all values without loss: K, F or U.
+    char letter = 'U';
+    QString exception;      ///< the first value that made the column a text; empty: none
+    QString exceptionPlace; ///< for people: "row 7"
+    /// Of a column with an exception: what the values before it are.
+    ValueKind before = ValueKind::Text;
+};
+
+/// The names of the columns of one kind, in order.
+CORVANTA_EXPORT QStringList columnsOfKind(const QVector<ColumnKind> &columns, ValueKind kind);
 
 /// What an input file says about one of its columns, apart from the type.
 struct ColumnNotes
@@ -215,14 +234,22 @@ public:
     /// for a parameter: ">bar.docx". None by default.
     virtual QStringList includedTemplates() const;
 
-    /// The columns of the input file that hold dates; none by default. May read the whole file.
-    /// Not during a run.
-    virtual DateColumns dateColumns();
-    /// Whether the action writes dates as such and has no date columns yet. A host that knows those
-    /// of the input then calls setDateColumns() before the run.
-    virtual bool needsDateColumns() const;
-    /// Write these columns as dates. Without effect for an action that needs none.
-    virtual void setDateColumns(const DateColumns &columns);
+    /// How many rows columnKinds() examines.
+    enum class KindExtent : quint8 {
+        All,
+        Sample, ///< at least the first 1,000
+    };
+    /// The kinds of columns of the first output; a column that is not listed is what the type of
+    /// its cells says. None by default. Logs nothing. Not during a run.
+    virtual QVector<ColumnKind> columnKinds(KindExtent extent);
+    /// Give the columns whose letter is K or F as numbers. Returns false, and changes nothing, when
+    /// the action gives only texts; a host then adds an action that converts them.
+    virtual bool readColumnsAs(const QVector<ColumnKind> &columns);
+    /// Whether the action's files have types of columns and no parameter sets them yet. A host that
+    /// knows those of the input then calls setColumnKinds() before the run.
+    virtual bool needsColumnKinds() const;
+    /// Write the columns as these kinds. Without effect for an action that needs none.
+    virtual void setColumnKinds(const QVector<ColumnKind> &columns);
 
     /// What is wrong with the values together, or with a value in a way that the table cannot say,
     /// for example a date column without a date format. Mistakes that the table shows (types,
