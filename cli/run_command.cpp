@@ -110,11 +110,13 @@ CommandResult<std::unique_ptr<LoadedGraph>> loadForRun(const CommandLine &line)
     return loaded;
 }
 
-/// A writeCSV for the file `name`.
+constexpr QLatin1StringView kTapWriter("writeCSV");
+
+/// A writer of CSV for the file `name`.
 std::unique_ptr<ActionItem> makeTapWriter(const QString &name, const ActionRegistry &registry)
 {
     // Without GlobalParameters: the name is absolute, and a "${" in it is not a variable.
-    return makeWriter(registry, u"writeCSV"_s, QDir::current().absoluteFilePath(name));
+    return makeWriter(registry, kTapWriter, QDir::current().absoluteFilePath(name));
 }
 
 /// The listener for `--tap ID:PIN=FILE.csv`: a writeCSV that reads the pin.
@@ -127,6 +129,9 @@ CommandResult<Listener> makeTap(const QString &text, const LoadedGraph &loaded)
     }
     if (!loaded.graph.hasOutputPin(loaded.registry, *pin)) {
         return badUsage(u"the graph has no output pin '%1' to tap"_s.arg(tap->name));
+    }
+    if (loaded.registry.prototype(kTapWriter) == nullptr) {
+        return badUsage(u"--tap needs the action '%1', which no module has"_s.arg(kTapWriter));
     }
     return Listener{"tap "_L1 + tap->name, *pin, makeTapWriter(tap->value, loaded.registry)};
 }

@@ -1,12 +1,21 @@
-// The catalogue of the module: every action, in the order of the plug-in interface.
+// The catalogues of the modules: their actions, in the order of the plug-in interface.
 #pragma once
+#include "corvanta/action_entry.h"
 
-class ActionItem;
+#include <span>
 
 namespace corvanta {
 
-/// A new prototype of the action number `index`, from 0; null after the last one, and when memory
-/// is short. The caller owns it.
-ActionItem *createCatalogueAction(unsigned int index);
+using Catalogue = std::span<const ActionEntry *const>;
+
+/// The actions of CorvantaPluginWriteReport.
+Catalogue writeReportCatalogue();
+/// The host's own actions: those of CorvantaPluginTables.
+Catalogue tablesCatalogue();
 
 } // namespace corvanta
+
+// For a list of actions, ACTION(NAME)..., whose entries are kNAMEEntry. The headers of the actions
+// are not included, so that a module is not rebuilt with every action.
+#define CORVANTA_DECLARE_ENTRY(NAME) extern const ActionEntry k##NAME##Entry;
+#define CORVANTA_ENTRY_ADDRESS(NAME) &k##NAME##Entry,

@@ -1,13 +1,5 @@
 #include "plugin/corvanta_write_report.h"
 
-#include "plugin/catalogue.h"
-
-ActionItem *CorvantaWriteReport::createAction(int index, unsigned int)
-{
-    // Negative numbers are beyond the last row too.
-    return corvanta::createCatalogueAction(static_cast<unsigned int>(index));
-}
-
 /// Hosts of the earlier generation check this text before they load the module.
 // NOLINTNEXTLINE(readability-identifier-naming): hosts look the function up by this name
 extern "C" Q_DECL_EXPORT const char *qt_plugin_query_verification_data()

@@ -1,10 +1,9 @@
 // Loads plug-in modules and collects their prototypes.
 //
-// A type name that exists twice resolves to the action that was added first, so the module's
-// actions take precedence over the host's own.
+// A type name that exists twice resolves to the action that was added first. The module with the
+// host's own actions is therefore the last one.
 #include "corvanta/action_registry.h"
 
-#include "builtin/builtin_plugin.h"
 #include "corvanta/main_ui.h"
 #include "corvanta/plugin_interface.h"
 
@@ -12,6 +11,8 @@
 #include <QDir>
 #include <QPluginLoader>
 
+#include <algorithm>
+#include <functional>
 #include <new>
 
 using namespace Qt::StringLiterals;
@@ -20,10 +21,42 @@ namespace corvanta {
 
 namespace {
 
-/// The names of the modules in a folder, sorted.
+/// The name of the module with the host's own actions, without its extension.
+constexpr QLatin1StringView kOwnModule("CorvantaPluginTables");
+
+bool isOwnModule(const QString &name)
+{
+    return name.section(u'.', 0, 0) == kOwnModule;
+}
+
+/// The names of the modules in a folder, sorted, the host's own one last.
 QStringList modulesIn(const QString &folder)
 {
-    return QDir(folder).entryList({u"*.so"_s, u"*.dll"_s}, QDir::Files, QDir::Name);
+    QStringList names = QDir(folder).entryList({u"*.so"_s, u"*.dll"_s}, QDir::Files, QDir::Name);
+    std::stable_partition(names.begin(), names.end(), std::not_fn(isOwnModule));
+    return names;
+}
+
+/// Where the modules of the program are, relative to it.
+QString standardFolder()
+{
+    return QCoreApplication::applicationDirPath() + "/../lib/corvanta/plugins"_L1;
+}
+
+void loadModule(const QString &file, ActionRegistry *registry)
+{
+    // Never unload a module: actions and their icons may exist until the program ends.
+    QPluginLoader loader(file);
+    loader.setLoadHints(QLibrary::PreventUnloadHint);
+    auto *const plugin = qobject_cast<CorvantaPluginInterface *>(loader.instance());
+    if (plugin != nullptr) {
+        registry->add(plugin);
+    } else if (loader.errorString().contains(qt_error_string(ENOMEM))) {
+        throw std::bad_alloc(); // its actions would seem to be unknown
+    } else {
+        MainUI::addLog(MainUI::Warning, u"Warning: cannot load the plug-in '%1': %2\n"_s.arg(
+                                            file, loader.errorString()));
+    }
 }
 
 } // namespace
@@ -34,41 +67,31 @@ ActionRegistry::~ActionRegistry() = default;
 QString ActionRegistry::defaultFolder()
 {
     const QString given = qEnvironmentVariable("CORVANTA_PLUGIN_PATH");
-    return given.isEmpty() ? QCoreApplication::applicationDirPath() + "/../lib/corvanta/plugins"_L1
-                           : given;
+    return given.isEmpty() ? standardFolder() : given;
 }
 
 void ActionRegistry::loadAll()
 {
-    // The modules first: their actions take precedence.
     const QString folder = defaultFolder();
+    const QStringList modules = modulesIn(folder);
     loadFolder(folder);
-    if (modulesIn(folder).isEmpty()) {
+    if (std::all_of(modules.begin(), modules.end(), isOwnModule)) {
         MainUI::addLog(
             MainUI::Warning,
             u"Warning: no module with actions found in the folder '%1' (the environment variable CORVANTA_PLUGIN_PATH names another folder)\n"_s
                 .arg(QDir::cleanPath(QDir::current().absoluteFilePath(folder))));
     }
-    BuiltinPlugin builtin;
-    add(&builtin);
+    // The host's own actions do not depend on the folder that the user chooses.
+    if (std::none_of(modules.begin(), modules.end(), isOwnModule)) {
+        loadModule(QDir(standardFolder()).absoluteFilePath(kOwnModule), this);
+    }
 }
 
 void ActionRegistry::loadFolder(const QString &folder)
 {
     const QDir dir(folder);
     for (const QString &name : modulesIn(folder)) {
-        // Never unload a module: actions and their icons may exist until the program ends.
-        QPluginLoader loader(dir.absoluteFilePath(name));
-        loader.setLoadHints(QLibrary::PreventUnloadHint);
-        auto *const plugin = qobject_cast<CorvantaPluginInterface *>(loader.instance());
-        if (plugin != nullptr) {
-            add(plugin);
-        } else if (loader.errorString().contains(qt_error_string(ENOMEM))) {
-            throw std::bad_alloc(); // its actions would seem to be unknown
-        } else {
-            MainUI::addLog(MainUI::Warning, u"Warning: cannot load the plug-in '%1': %2\n"_s.arg(
-                                                dir.absoluteFilePath(name), loader.errorString()));
-        }
+        loadModule(dir.absoluteFilePath(name), this);
     }
 }
 

@@ -19,10 +19,11 @@ public:
     ActionRegistry();
     ~ActionRegistry();
 
-    /// Load every module of the default folder, then add the host's own actions. A module that
+    /// Load every module of the default folder. The module with the host's own actions is the last
+    /// one; if that folder has none, it is loaded from the folder of the program. A module that
     /// cannot be loaded, and a folder without any, are reported as warnings.
     void loadAll();
-    /// Load the modules of one folder, in name order.
+    /// Load the modules of one folder in name order, the one with the host's own actions last.
     void loadFolder(const QString &folder);
     /// The environment variable CORVANTA_PLUGIN_PATH, or ../lib/corvanta/plugins relative to the
     /// folder of the program.

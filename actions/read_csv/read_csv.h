@@ -15,6 +15,8 @@
 
 namespace corvanta {
 
+extern const ActionEntry kReadCsvEntry;
+
 /// Parameters as saved; see ActionReadCsv::paramTable() for their meaning. `types` and `sortedOn`
 /// are lists separated by commas.
 struct ReadCsvParams

@@ -1,34 +1,16 @@
 // writeCSV: formats rows with codecs/csv, writes them to the target, and copies them to the output
 // pin.
-#include "builtin/write_csv.h"
+#include "actions/write_csv/write_csv.h"
 
-#include "builtin/csv_separator.h"
+#include "actions/shared/csv_separator.h"
 #include "corvanta/failure_reason.h"
 
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
-namespace {
-
-constexpr FileFormat kFormats[] = {
-    {FileFormat::Write, FileFormat::SeparatedText, "csv txt"},
-    {FileFormat::Write, FileFormat::SeparatedText, "tsv tab", "separator=\\t"},
-};
-
-constexpr ActionEntry kEntry = {
-    .typeName = "writeCSV",
-    .description = "Writes a text file with separators",
-    .icon = ":/CorvantaCore/writeCSV.svg",
-    .tags = "Common",
-    .keywords = "file export output save csv text write out",
-    .formats = kFormats,
-};
-
-} // namespace
-
 ActionWriteCsv::ActionWriteCsv(const XMLNode &saved, GlobalParameters *parameters)
-    : ParamAction(kEntry, saved, parameters)
+    : ParamAction(kWriteCsvEntry, saved, parameters)
 {
 }
 

@@ -1,10 +1,10 @@
 // readCSV: opens the file, declares the columns from its first record, and converts fields to
 // cells. The records come from codecs/csv.
-#include "builtin/read_csv.h"
+#include "actions/read_csv/read_csv.h"
 
+#include "actions/shared/csv_separator.h"
 #include "base/counted.h"
 #include "base/number.h"
-#include "builtin/csv_separator.h"
 #include "corvanta/failure_reason.h"
 
 #include <cmath>
@@ -15,24 +15,8 @@ namespace corvanta {
 
 namespace {
 
-constexpr FileFormat kFormats[] = {
-    {FileFormat::Read, FileFormat::SeparatedText, "csv txt"},
-    {FileFormat::Read, FileFormat::SeparatedText, "tsv tab", "separator=\\t"},
-};
-
 /// Separators that files often have instead of a comma.
 constexpr char16_t kOtherSeparators[] = {u';', u'\t', u'|'};
-
-constexpr ActionEntry kEntry = {
-    .typeName = "readCSV",
-    .description = "Reads a text file with separators",
-    .icon = ":/CorvantaCore/readCSV.svg",
-    .fileTypes = "csv tsv txt",
-    .tags = "Common",
-    .keywords = "file import input load csv text read in",
-    .pinsIn = 0,
-    .formats = kFormats,
-};
 
 /// Passes the bytes of a file on and publishes how far it has been read.
 class ProgressSource final : public ByteSource
@@ -87,7 +71,7 @@ bool isTypeLetter(const QString &letter)
 } // namespace
 
 ActionReadCsv::ActionReadCsv(const XMLNode &saved, GlobalParameters *parameters)
-    : ParamAction(kEntry, saved, parameters)
+    : ParamAction(kReadCsvEntry, saved, parameters)
 {
 }
 

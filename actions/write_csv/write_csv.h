@@ -10,6 +10,8 @@
 
 namespace corvanta {
 
+extern const ActionEntry kWriteCsvEntry;
+
 /// Parameters as saved; see ActionWriteCsv::paramTable() for their meaning.
 struct WriteCsvParams
 {

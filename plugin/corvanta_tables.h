@@ -1,0 +1,20 @@
+// The plug-in object of CorvantaPluginTables, the module with the host's own actions. The host
+// loads it after all other modules.
+#pragma once
+#include "plugin/catalogue_plugin.h"
+
+#include <QObject>
+
+class CorvantaTables final : public QObject, public corvanta::CataloguePlugin
+{
+    Q_OBJECT
+    Q_INTERFACES(CorvantaPluginInterface)
+    Q_PLUGIN_METADATA(IID CorvantaPluginInterface_iid)
+
+public:
+    CorvantaTables()
+        : CataloguePlugin(corvanta::tablesCatalogue())
+    {
+    }
+    double getVersion() override { return 1.0; }
+};

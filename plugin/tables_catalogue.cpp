@@ -1,0 +1,19 @@
+#include "plugin/catalogue.h"
+
+/// The host's own actions, one line each; see catalogue.cpp. The icons of the module are chosen in
+/// CMakeLists.txt.
+#define CORVANTA_ACTIONS(ACTION)                                                                   \
+    ACTION(ReadCsv)                                                                                \
+    ACTION(WriteCsv)
+
+namespace corvanta {
+
+CORVANTA_ACTIONS(CORVANTA_DECLARE_ENTRY)
+
+Catalogue tablesCatalogue()
+{
+    static constexpr const ActionEntry *kEntries[] = {CORVANTA_ACTIONS(CORVANTA_ENTRY_ADDRESS)};
+    return kEntries;
+}
+
+} // namespace corvanta
