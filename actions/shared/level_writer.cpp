@@ -241,7 +241,9 @@ bool LevelWriter::openFile()
     createFolder(name);
     const bool replaces = rowParams().fileMode == FileMode::Replace;
     const TargetMode mode = replaces ? TargetMode::Replace : TargetMode::Append;
-    if (const auto opened = m_run->target.open(name, targetOptions(fileName(), mode)); !opened) {
+    TargetFile::Options options = targetOptions(fileName(), mode);
+    options.packing = TargetFile::Packing::ByName;
+    if (const auto opened = m_run->target.open(name, std::move(options)); !opened) {
         return failOpen(opened.fault());
     }
     m_run->hasFile = true;

@@ -15,6 +15,9 @@
 
 namespace corvanta::platform {
 
+/// The name of standard output, whatever that is: a terminal, a pipe or a file.
+inline constexpr char kStandardOutput[] = "/dev/stdout";
+
 /// Owns an open file. Pipes and terminals wait for data, or for the other end to take it, until the
 /// StopScope of the thread is stopped; the wait then fails. Offsets and sizes are in bytes.
 /// Failures are reported like those of the system calls, by false or -1, and
@@ -46,6 +49,8 @@ public:
     /// Open a file. Check isOpen(). Folders do not open (EISDIR). `sequential` announces that the
     /// file is read from start to end.
     static FileHandle openForRead(const QString &name, bool sequential);
+    /// The same for writing. For kStandardOutput, what the program was started with is written at
+    /// its position; a file is not emptied.
     static FileHandle openForWrite(const QString &name, Create create);
     /// Open a new file for reading and writing. It has no name and is gone when it is closed, also
     /// when the program is killed.
@@ -58,6 +63,8 @@ public:
     qint64 write(const void *bytes, qint64 n);
     /// Move to an absolute offset, also after the end of the file.
     bool seek(qint64 offset);
+    /// Offset of the next read or write; -1 for a pipe.
+    qint64 position() const;
     /// Returns -1 after a failure.
     qint64 size() const;
     bool truncate(qint64 size);

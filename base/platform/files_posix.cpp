@@ -155,6 +155,18 @@ qintptr openWhenRead(const NativeName &name, int flags)
     return handle;
 }
 
+/// Another descriptor of standard output, if that is a file or a socket; else -1. Opened by name, a
+/// file would be written from its start, and a socket does not open. A pipe does: with O_NONBLOCK,
+/// which must not be set for the programs that share the descriptor.
+qintptr duplicateOfOutput(const QString &name)
+{
+    struct stat facts = {};
+    const bool isWanted = name == QLatin1StringView(kStandardOutput) &&
+                          ::fstat(STDOUT_FILENO, &facts) == 0 &&
+                          (S_ISREG(facts.st_mode) || S_ISSOCK(facts.st_mode));
+    return isWanted ? ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0) : -1;
+}
+
 } // namespace
 
 FileHandle::~FileHandle()
@@ -188,7 +200,10 @@ FileHandle FileHandle::openForWrite(const QString &name, Create create)
     flags |= create == Create::Truncate ? O_TRUNC : 0;
     flags |= create == Create::Exclusive ? O_EXCL : 0;
     FileHandle file;
-    file.m_handle = openWhenRead(native(name), flags);
+    file.m_handle = duplicateOfOutput(name);
+    if (!file.isOpen()) {
+        file.m_handle = openWhenRead(native(name), flags);
+    }
     struct stat facts = {};
     file.m_waits =
         file.isOpen() && ::fstat(static_cast<int>(file.m_handle), &facts) == 0 && mayWait(facts);
@@ -233,6 +248,11 @@ qint64 FileHandle::write(const void *bytes, qint64 n)
 bool FileHandle::seek(qint64 offset)
 {
     return offset >= 0 && ::lseek(static_cast<int>(m_handle), offset, SEEK_SET) == offset;
+}
+
+qint64 FileHandle::position() const
+{
+    return ::lseek(static_cast<int>(m_handle), 0, SEEK_CUR);
 }
 
 qint64 FileHandle::size() const

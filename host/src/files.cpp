@@ -215,8 +215,8 @@ Result<std::unique_ptr<MyWriteFile>, SystemError> MyWriteFile::open(const QStrin
     if (!file.isOpen()) {
         return Fault{SystemError::ofLastCall()};
     }
-    // A pipe has no size (-1); appending to it begins at 0.
-    const qint64 position = existing == Existing::Append ? qMax<qint64>(file.size(), 0) : 0;
+    // A pipe has no position (-1); writing to it begins at 0.
+    const qint64 position = qMax<qint64>(file.position(), 0);
     opened->begin(std::move(file), position);
     return std::unique_ptr<MyWriteFile>(std::move(opened));
 }

@@ -7,10 +7,13 @@
 //     Append        NAME, locked                  sync              cut to the old length
 //     (pipe)        NAME                          close             close
 //
+// Packed bytes pass through a gzip::Writer on their way to that file.
+//
 // A new file is not synced by commit() but before the run ends, together with others.
 #include "corvanta/target_file.h"
 
 #include "base/platform/files.h"
+#include "codecs/gzip/gzip_writer.h"
 #include "corvanta/main_ui.h"
 #include "run_files.h"
 
@@ -37,11 +40,13 @@ std::optional<QString> followLinks(const QString &name)
     return QFileInfo(name).isSymLink() ? platform::finalName(name) : std::optional(name);
 }
 
-/// Such a target has readers that are connected to it: replacing it would separate them.
+/// Such a target has readers that are connected to it: replacing it would separate them. Standard
+/// output may be a file, which other programs write to before and after this one.
 bool isPipeOrDevice(const QString &name)
 {
     const QFileInfo info(name);
-    return info.exists() && !info.isFile() && !info.isDir();
+    return name == QLatin1StringView(platform::kStandardOutput) ||
+           (info.exists() && !info.isFile() && !info.isDir());
 }
 
 /// Calls `rename`. What it throws for lack of memory leaves no temporary file.
@@ -56,6 +61,35 @@ bool renamed(const TargetFile::Rename &rename, const QString &temporary, const Q
 }
 
 } // namespace
+
+/// Packs what the owner writes, and takes the packed bytes.
+class TargetFile::Packer final : private corvanta::ByteSink
+{
+public:
+    explicit Packer(TargetFile &target)
+        : m_target(target)
+        , gzip(*this)
+    {
+    }
+
+private:
+    bool write(const void *bytes, qint64 n) override { return m_target.writePlain(bytes, n); }
+    bool seek(qint64) override { return false; }
+    qint64 position() const override { return m_target.m_file->position(); }
+    bool flush() override { return true; }
+
+    TargetFile &m_target;
+
+public:
+    corvanta::gzip::Writer gzip; // last: its threads use the other members
+};
+
+TargetFile::TargetFile() = default;
+
+TargetFile::~TargetFile()
+{
+    discard();
+}
 
 TargetFile::Done TargetFile::open(const QString &name, Options options)
 {
@@ -102,6 +136,9 @@ TargetFile::Done TargetFile::openFile(const QString &name, MyWriteFile::Existing
         return failed(TargetError::CannotOpen, m_target, opened.fault().code.number);
     }
     m_file = *std::move(opened);
+    if (m_options.packing == Packing::ByName && m_target.endsWith(".gz"_L1)) {
+        m_packer = std::make_unique<Packer>(*this);
+    }
     return {};
 }
 
@@ -240,11 +277,24 @@ template <class F> bool TargetFile::retried(F operation)
 
 bool TargetFile::write(const void *bytes, qint64 n)
 {
+    return m_packer ? m_packer->gzip.write(bytes, n) : writePlain(bytes, n);
+}
+
+bool TargetFile::writePlain(const void *bytes, qint64 n)
+{
     return retried([&] { return m_file->write(bytes, n); });
+}
+
+qint64 TargetFile::position() const
+{
+    return m_packer ? m_packer->gzip.size() : m_file->position();
 }
 
 bool TargetFile::seek(qint64 offset)
 {
+    if (m_packer) {
+        return false;
+    }
     const bool done = m_file->seek(offset);
     m_error = done ? m_error : m_file->error();
     return done;
@@ -293,7 +343,9 @@ TargetFile::Done TargetFile::complete(bool syncs)
 {
     // A failed sync() is not repeated: the system may have dropped the bytes and would then report
     // success for the second call.
-    const bool isWritten = flush() && (!syncs || m_file->sync());
+    const bool isPacked = !m_packer || m_packer->gzip.finish();
+    m_packer.reset();
+    const bool isWritten = isPacked && flush() && (!syncs || m_file->sync());
     m_error = isWritten ? m_error : m_file->error();
     // Before the file is closed, because discard() cuts the open file.
     if (!isWritten && m_appends) {
@@ -321,6 +373,7 @@ void TargetFile::discard()
     if (!isOpen()) {
         return;
     }
+    m_packer.reset(); // its threads may still write
     if (m_appends) {
         m_file->truncate(m_oldSize);
     }
@@ -336,6 +389,7 @@ void TargetFile::discard()
 
 void TargetFile::keepTemporary()
 {
+    m_packer.reset();
     m_file.reset();
     m_temporary.clear();
     m_appends = false;

@@ -2,7 +2,8 @@
 //
 // A target changes only when its new content is complete. Symbolic links are followed to their end:
 // the file that they lead to is replaced or extended, and the links stay. A target that is not a
-// regular file (a pipe, a device) cannot be replaced and is written directly.
+// regular file (a pipe, a device) cannot be replaced and is written directly. So is standard
+// output.
 #pragma once
 #include "base/byte_sink.h"
 #include "base/result.h"
@@ -51,6 +52,12 @@ public:
     /// SystemError::ofLastCall().
     using Rename = std::function<bool(const QString &temporary, const QString &target)>;
 
+    /// How the bytes are stored.
+    enum class Packing : quint8 {
+        None,
+        ByName, ///< as gzip if the name ends in ".gz", for targets that are written in order
+    };
+
     struct Options
     {
         int action = 0; ///< index of the action (ActionItem::getIdx()), part of the temporary name
@@ -61,10 +68,11 @@ public:
         std::function<bool()> retryWrite = {};
         /// How a target that is written itself waits for other programs that write to it.
         corvanta::LockOptions lock = {};
+        Packing packing = Packing::None;
     };
 
-    TargetFile() = default;
-    ~TargetFile() override { discard(); }
+    TargetFile();
+    ~TargetFile() override;
 
     /// Open `name`, which is expanded already; an open target is discarded first. Errors:
     /// CannotReplace, CannotOpen, Locked, Stopped.
@@ -83,9 +91,9 @@ public:
     // true, so that no caller needs a loop of its own. A write that is given up has written
     // nothing.
     bool write(const void *bytes, qint64 n) override;
-    /// Returns false in a pipe, and in a device without positions.
+    /// Returns false in a pipe, in a device without positions, and when the bytes are packed.
     bool seek(qint64 offset) override;
-    qint64 position() const override { return m_file->position(); }
+    qint64 position() const override;
     bool flush() override;
 
     /// Complete the target and close it. The bytes of a replaced or extended file are flushed to
@@ -101,6 +109,7 @@ public:
 
 private:
     enum class Sync { Now, BeforeRunEnds };
+    class Packer;
 
     Done openRegular();
     Done openReplaced();
@@ -112,6 +121,7 @@ private:
     Done openFile(const QString &name, MyWriteFile::Existing existing);
     Done commit(Sync sync, const Rename &rename);
     Done complete(bool syncs);
+    bool writePlain(const void *bytes, qint64 n);
     template <class F> bool retried(F operation);
     corvanta::Fault<TargetError> failed(TargetError code, const QString &name, int error);
 
@@ -123,6 +133,7 @@ private:
     bool m_existed = false; // the appended file, before open()
     qint64 m_oldSize = 0;   // of the appended file
     std::unique_ptr<MyWriteFile> m_file;
+    std::unique_ptr<Packer> m_packer; // writes to m_file; null: not packed
     corvanta::SystemError m_error;
     corvanta::TargetLock m_lock; // of a target that is written itself
     // Of "TARGET_TMP" between its end and its final name; before, the file itself is locked.
