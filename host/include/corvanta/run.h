@@ -47,7 +47,10 @@ struct RunOptions
     LogSink *log = nullptr;           ///< null: the program's sink
     int batchRows = 1024;             ///< maximum number of rows in a batch
     bool yieldAtBatches = false;      ///< request a yield at every batch, for tests of actions
-    std::vector<Listener> listeners;  ///< previews and taps
+    /// When an action that others read fails after its first row, end its data there: the actions
+    /// that read it complete their files. The run has failed all the same.
+    bool keepPartial = false;
+    std::vector<Listener> listeners; ///< previews and taps
 };
 
 /// The progress of one action. The numbers of different actions are not read at the same instant.
@@ -85,6 +88,9 @@ public:
     void wait();
     /// Make the run end soon, without an error; the status becomes RunControl::Stopped.
     void stop();
+    /// With RunOptions::keepPartial, end the data of the actions without input, so that the run
+    /// completes its files and ends soon; it has then not succeeded. Returns false without it.
+    bool stopReading();
 
     /// True if no action failed and the run was not stopped. Call after the end.
     bool succeeded() const;

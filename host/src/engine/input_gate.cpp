@@ -5,8 +5,11 @@
 //
 // Why a queue may exceed its bound: a table fans out to A and B, both lead to C, and C reads all of
 // A first. B's queue at C fills up, the source blocks on it, A gets no more rows, and C waits for A
-// forever. So while C waits on A's pin, pushes to all its other pins are allowed.
+// forever. So while C waits on A's pin, pushes to all its other pins are allowed. In a graph where
+// no table fans out and meets again this cannot happen, and the bound always holds.
 #include "engine/input_gate.h"
+
+#include <algorithm>
 
 namespace corvanta {
 
@@ -15,14 +18,21 @@ InputGate::InputGate(int pins)
 {
 }
 
+/// The bound of one queue.
+qint64 InputGate::queueBytes() const
+{
+    return std::min(kQueueBytes, kAllQueuesBytes / static_cast<qint64>(m_queues.size()));
+}
+
 /// Whether a producer may append to `queue`. At least two slices are always allowed, so that a
 /// large batch does not stop the flow. While rows come back from the file, only the exception above
 /// lets the file grow.
 bool InputGate::mayPush(const Queue &queue, int pin) const
 {
     const bool hasRoom =
-        !queue.spill.hasRows() && (queue.bytes < kQueueBytes || queue.slices.size() < 2);
-    return m_closed || hasRoom || m_held || (m_waitingPin >= 0 && m_waitingPin != pin);
+        !queue.spill.hasRows() && (queue.bytes < queueBytes() || queue.slices.size() < 2);
+    const bool isOtherAwaited = m_waitingPin >= 0 && m_waitingPin != pin && !m_isBoundAlways;
+    return m_closed || hasRoom || m_held || isOtherAwaited;
 }
 
 void InputGate::hold()

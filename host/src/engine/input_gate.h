@@ -16,8 +16,8 @@ namespace corvanta {
 ///
 /// A full queue blocks its producer. There is one exception, which prevents a deadlock when a table
 /// fans out and joins again: while the action waits on another of its pins, the producer may
-/// continue, because the other pin may depend on it. Excess rows are kept in memory up to a limit
-/// and then in a temporary file.
+/// continue, because the other pin may depend on it (see boundAlways()). Excess rows are kept in
+/// memory up to a limit and then in a temporary file.
 class InputGate
 {
 public:
@@ -28,6 +28,9 @@ public:
     /// below. Call before the first push().
     void hold();
     void release();
+    /// Never exceed the bound of a queue while the action waits on another pin, because no producer
+    /// depends on that. Call before the first push().
+    void boundAlways() { m_isBoundAlways = true; }
     /// Append rows; waits while the queue is full. A closed gate discards them. Throws
     /// std::runtime_error if rows must go to a temporary file that cannot be written.
     void push(int pin, BatchSlice slice);
@@ -54,10 +57,13 @@ private:
         bool ended = false;
     };
     bool mayPush(const Queue &queue, int pin) const;
+    qint64 queueBytes() const;
 
     // A few batches: enough that producer and consumer rarely wait for each other, and little
     // enough for the cache and for graphs of many actions.
     static constexpr qint64 kQueueBytes = qint64(2) << 20;
+    // The same for all pins of an action, if it has many.
+    static constexpr qint64 kAllQueuesBytes = qint64(16) << 20;
     // Rows in memory of a pin whose producer may exceed kQueueBytes; later rows go to the file.
     static constexpr qint64 kOverflowBytes = qint64(32) << 20;
 
@@ -66,6 +72,7 @@ private:
     std::condition_variable m_emptied; // for producers: room, a waiting action or close()
     std::vector<Queue> m_queues;       // guarded by m_mutex, as all below
     int m_waitingPin = -1;             // the pin that pop() waits on; -1: it does not wait
+    bool m_isBoundAlways = false;      // constant during the run
     bool m_held = false;               // between hold() and release()
     bool m_closed = false;             // never reset
 };

@@ -28,6 +28,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <numeric>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
@@ -44,6 +45,8 @@ struct Node
     QString id;
     std::unique_ptr<ActionItem> action;
     std::unique_ptr<Ports> ports;
+    RunControl ownControl;         // of an action that ends alone, see RunOptions::keepPartial
+    RunControl *control = nullptr; // what the action sees: its own, or that of the run
     std::atomic<bool> initialised = false; // atomic: releaseAll() reads it on any thread
     std::atomic<bool> finished = false;    // atomic: progress() reads it on any thread
     std::jthread thread; // the last member: joined before the others are destroyed
@@ -88,6 +91,23 @@ QVector<std::pair<int, int>> linkedNodes(const CorvantaGraph &graph,
     return links;
 }
 
+/// Whether there is at most one way between any two nodes, whatever the direction of the links.
+/// Then no producer depends on rows of another pin of its consumer.
+bool isForest(int nodes, const QVector<std::pair<int, int>> &links)
+{
+    std::vector<int> groups(static_cast<size_t>(nodes));
+    std::iota(groups.begin(), groups.end(), 0);
+    for (const auto &[from, to] : links) {
+        const int first = groups[static_cast<size_t>(from)];
+        const int second = groups[static_cast<size_t>(to)];
+        if (first == second) {
+            return false;
+        }
+        std::replace(groups.begin(), groups.end(), second, first);
+    }
+    return true;
+}
+
 } // namespace
 
 struct Run::Private
@@ -122,12 +142,16 @@ struct Run::Private
     template <class F> void attempt(F &&work) noexcept;
     void runAndClose(Node &node) noexcept;
     void callRun(Node &node);
-    void endYield();
+    void endYield(const Node &node);
     void waitForReaders(const Node &node);
     void closeAction(Node &node);
     void syncNewFiles();
     void endRun(RunControl::Status status);
     void releaseAll();
+    void giveOwnControls(const CorvantaGraph &graph);
+    void endAlone(Node &node, RunControl::Status status);
+    bool endedAlone(const Node &node) const;
+    bool hasRowsToKeep(const Node &node) const;
     LogScope::Context logContext(const Node &node) const { return {log, node.id}; }
 };
 
@@ -147,7 +171,7 @@ void Run::Private::addListener(const CorvantaGraph &graph, Listener &listener,
     if (listener.maxRows >= 0) {
         const auto source = static_cast<size_t>(graph.indexOf(listener.from.action));
         OutputPin &pin = nodes[source]->ports->out(listener.from.pin);
-        pin.setLimit(listener.maxRows, &control.yieldRequest);
+        pin.setLimit(listener.maxRows, &nodes[source]->control->yieldRequest);
     }
 }
 
@@ -167,6 +191,9 @@ void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &regis
         connect(graph, link.from, static_cast<size_t>(graph.indexOf(link.to.action)), link.to.pin);
     }
     endUnlinkedPins(graph);
+    if (options.keepPartial) {
+        giveOwnControls(graph);
+    }
     // After endUnlinkedPins(), which would end the pins of the listeners: the graph has no links to
     // them.
     for (Listener &listener : options.listeners) {
@@ -201,6 +228,11 @@ void Run::Private::orderActions(const CorvantaGraph &graph, const std::vector<Li
         list.add(conflict.line, conflict.text);
     }
     problems = list.problems();
+    if (isForest(static_cast<int>(nodes.size()), linkedNodes(graph, listeners))) {
+        for (const auto &node : nodes) {
+            node->ports->gate().boundAlways();
+        }
+    }
     sequence.set(order);
     files.setOrder(order);
     for (const auto &node : nodes) {
@@ -237,7 +269,7 @@ void Run::Private::add(const QString &id, std::unique_ptr<ActionItem> action, in
     // Pins above the highest linked one do not exist; ActionItem treats them as empty tables.
     action->m_nPinIn = pinsIn;
     action->m_ports = node->ports.get();
-    action->m_control = &control;
+    action->m_control = node->control = &control;
     node->action = std::move(action);
     nodes.push_back(std::move(node));
 }
@@ -247,6 +279,45 @@ void Run::Private::connect(const CorvantaGraph &graph, const CorvantaGraph::Pin 
 {
     Node &source = *nodes[static_cast<size_t>(graph.indexOf(from.action))];
     source.ports->out(from.pin).addReader(&nodes[to]->ports->gate(), pin);
+}
+
+/// Makes every action whose rows another one reads end alone.
+void Run::Private::giveOwnControls(const CorvantaGraph &graph)
+{
+    for (const CorvantaGraph::Link &link : graph.links) {
+        Node &node = *nodes[static_cast<size_t>(graph.indexOf(link.from.action))];
+        node.action->m_control = node.control = &node.ownControl;
+    }
+}
+
+/// Ends one action as if its data ended here.
+void Run::Private::endAlone(Node &node, RunControl::Status status)
+{
+    int expected = RunControl::Running;
+    node.ownControl.runStatus.compare_exchange_strong(expected, status);
+    node.ownControl.yieldRequest = 1;
+    if (node.initialised) {
+        node.action->wakeAll();
+    }
+}
+
+/// Whether the action has failed or was ended, and the run continues with the rows that it sent.
+bool Run::Private::endedAlone(const Node &node) const
+{
+    return node.control != &control && !node.control->isRunning();
+}
+
+/// Whether a writer may get rows although this action has ended: its own, or those of another
+/// reader.
+bool Run::Private::hasRowsToKeep(const Node &node) const
+{
+    const auto readers = std::count_if(
+        nodes.begin(), nodes.end(), [](const auto &other) { return other->ports->pinsIn() == 0; });
+    bool hasRows = readers > 1;
+    for (int pin = 0; pin < node.ports->pinsOut(); ++pin) {
+        hasRows = hasRows || node.ports->out(pin).rowCount() > 0;
+    }
+    return hasRows;
 }
 
 /// Releases every thread that waits. Called by the thread that ends the run, and by all others when
@@ -263,6 +334,9 @@ void Run::Private::releaseAll()
     }
     sequence.wakeAll();
     for (const auto &node : nodes) {
+        int expected = RunControl::Running;
+        node->ownControl.runStatus.compare_exchange_strong(expected, control.runStatus);
+        node->control->yieldRequest = 1;
         // An action that was not initialised has no threads, and perhaps no state to wake.
         if (node->initialised) {
             node->action->wakeAll();
@@ -282,30 +356,30 @@ void Run::Private::endRun(RunControl::Status status)
 /// has ended.
 void Run::Private::callRun(Node &node)
 {
-    while (control.isRunning() && !node.ports->isComplete()) {
+    while (node.control->isRunning() && !node.ports->isComplete()) {
         if ((node.action.get()->*node.action->m_runFunction)()) {
             return;
         }
-        endYield();
+        endYield(node);
     }
 }
 
 /// Ends a request to yield: this action has yielded; the others yield at a later request. After the
 /// end of the run the request stays set, because every thread must see it.
-void Run::Private::endYield()
+void Run::Private::endYield(const Node &node)
 {
-    control.yieldRequest = 0;
+    node.control->yieldRequest = 0;
     // The run may end at the same time. Its status changes before releaseAll() sets the request, so
     // either this load sees the new status, or the request is set after the line above.
-    if (control.runStatus != RunControl::Running) {
-        control.yieldRequest = 1;
+    if (!node.control->isRunning() || !control.isRunning()) {
+        node.control->yieldRequest = 1;
     }
 }
 
 void Run::Private::closeAction(Node &node)
 {
     // A writer completes its file in close, so that can fail after all rows were written.
-    if (node.action->close() != 0) {
+    if (node.action->close() != 0 && !endedAlone(node)) {
         endRun(RunControl::Failed);
     }
 }
@@ -360,10 +434,15 @@ void Run::Private::runAndClose(Node &node) noexcept
             node.ports->flush();
         }
     });
+    if (endedAlone(node) && !hasRowsToKeep(node)) {
+        endRun(RunControl::Status(node.control->runStatus.load()));
+    }
     // After a failure release the other threads now, because the action may wait in close() for one
     // of its own, which wakeAll() wakes.
     if (!control.isRunning()) {
         releaseAll();
+    } else if (endedAlone(node)) {
+        endAlone(node, RunControl::Failed);
     }
     attempt([&] { waitForReaders(node); });
     attempt([&] { closeAction(node); }); // also after a failed wait: it removes what is unfinished
@@ -440,7 +519,7 @@ void Run::Private::closeInitialised()
 void Run::Private::execute(Node &node) noexcept
 {
     const LogScope scope(logContext(node));
-    const platform::StopScope stop([this] { return !control.isRunning(); });
+    const platform::StopScope stop([&node] { return !node.control->isRunning(); });
     const RunFiles::Scope filesScope(files);
     sequence.waitToStart(node.action->m_idx, control);
     node.ports->gate().release();
@@ -470,7 +549,11 @@ void Run::start()
 {
     // stop() may have been called already; the status is then no longer Idle and stays Stopped.
     int expected = RunControl::Idle;
-    d->control.runStatus.compare_exchange_strong(expected, RunControl::Running);
+    if (d->control.runStatus.compare_exchange_strong(expected, RunControl::Running)) {
+        for (const auto &node : d->nodes) {
+            node->ownControl.runStatus = RunControl::Running;
+        }
+    }
     d->initActions();
     if (d->control.isRunning()) {
         d->startThreads();
@@ -506,14 +589,31 @@ void Run::stop()
     d->endRun(RunControl::Stopped);
 }
 
+bool Run::stopReading()
+{
+    bool hasStopped = false;
+    for (const auto &node : d->nodes) {
+        if (node->control != &d->control && node->ports->pinsIn() == 0) {
+            d->endAlone(*node, RunControl::Stopped);
+            hasStopped = true;
+        }
+    }
+    return hasStopped;
+}
+
 bool Run::succeeded() const
 {
-    return d->control.isRunning();
+    return std::all_of(d->nodes.begin(), d->nodes.end(),
+                       [](const auto &node) { return node->control->isRunning(); }) &&
+           d->control.isRunning();
 }
 
 bool Run::failed() const
 {
-    return d->control.runStatus == RunControl::Failed;
+    return d->control.runStatus == RunControl::Failed ||
+           std::any_of(d->nodes.begin(), d->nodes.end(), [](const auto &node) {
+               return node->control->runStatus == RunControl::Failed;
+           });
 }
 
 const CorvantaGraph::Problems &Run::problems() const
