@@ -206,6 +206,21 @@ void ActionBase::prepareRun()
     m_runFunction = static_cast<RunFunction>(&ActionBase::runGuarded);
 }
 
+QVector<InputTable> ActionBase::relatedTables()
+{
+    QVector<InputTable> tables;
+    guarded([&] { tables = listRelated(); });
+    return tables;
+}
+
+bool ActionBase::fillFromRelated(int table, const QVector<bool> &areKeys)
+{
+    bool isFilled = false;
+    m_errorFlag = 0; // as in fillFromInput()
+    guarded([&] { isFilled = fillRelated(table, areKeys); });
+    return isFilled;
+}
+
 /// The run function. The engine's result has the opposite sense of step()'s.
 bool ActionBase::runGuarded()
 {

@@ -81,6 +81,16 @@ QVector<InputTable> ActionParameters::inputTables()
     return {};
 }
 
+QVector<InputTable> ActionParameters::relatedTables()
+{
+    return {};
+}
+
+bool ActionParameters::fillFromRelated(int, const QVector<bool> &)
+{
+    return false;
+}
+
 bool ActionParameters::fillFromInput(int)
 {
     return true;

@@ -60,6 +60,8 @@ public:
     void prepareRun() override;
     QVector<InputTable> inputTables() final;
     bool fillFromInput(int table) final;
+    QVector<InputTable> relatedTables() final;
+    bool fillFromRelated(int table, const QVector<bool> &areKeys) final;
     std::span<const FileFormat> fileFormats() const final { return m_entry.formats; }
     /// The parameters that name files to write, each as a file that is created.
     QVector<TargetUse> targets() const override;
@@ -123,9 +125,12 @@ protected:
     /// Complete or abandon what the run opened (see runIsGood()), and free it. May be called twice,
     /// also without a step() before it.
     virtual void finish() {}
-    /// What inputTables() and fillFromInput() do. They may throw and fail(), as the above.
+    /// What inputTables(), fillFromInput(), relatedTables() and fillFromRelated() do. They may
+    /// throw and fail(), as the above.
     virtual QVector<InputTable> listTables() { return {}; }
     virtual bool fill(int) { return true; }
+    virtual QVector<InputTable> listRelated() { return {}; }
+    virtual bool fillRelated(int, const QVector<bool> &) { return false; }
 
 private:
     QStringList filesOf(ParameterInfo::File kind) const;

@@ -102,6 +102,11 @@ struct InputTable
     qint64 columns = 0;
     QString beginning;     ///< of its first row, for people; of a sheet what is special about it
     bool isChosen = false; ///< the parameters read this table; true for at most one
+
+    // Of relatedTables():
+    QString name = {}; ///< distinct, for a file name
+    int parent = -1;   ///< index of the table whose records contain those of this one; -1: none
+    QString key = {};  ///< a column that may identify a record; empty: none
 };
 
 /// Something about the values of an action's parameters that the user should know before a run.
@@ -216,6 +221,15 @@ public:
     /// The tables of the input file among which fillFromInput() can choose, in the file's order;
     /// empty when there is nothing to choose. Not during a run.
     virtual QVector<InputTable> inputTables();
+    /// The tables of which the input file consists, each with the values of one repeated element
+    /// only; a parent comes before its children. Empty when the format has only one table. Not
+    /// during a run.
+    virtual QVector<InputTable> relatedTables();
+    /// Set the parameters that read table `table` of relatedTables(), with a column that joins it
+    /// to its parent: the key of the parent if `areKeys[parent]`, else the number of the parent's
+    /// record, which the parent then has too. Returns false after logging an error. Not during a
+    /// run.
+    virtual bool fillFromRelated(int table, const QVector<bool> &areKeys);
     /// The files that the action reads or writes; none by default.
     virtual std::span<const FileFormat> fileFormats() const;
 

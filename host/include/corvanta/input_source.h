@@ -9,7 +9,7 @@
 #include "base/system_error.h"
 #include "corvanta/export.h"
 
-#include <QString>
+#include <QStringList>
 
 #include <memory>
 
@@ -65,5 +65,12 @@ CORVANTA_EXPORT Opened openGzipFile(GlobalParameters *parameters, const QString 
 /// Open a Unix compress file (.Z) and read its header. `name` is expanded already.
 /// Errors: CannotOpen, Refused.
 CORVANTA_EXPORT Opened openCompressFile(GlobalParameters *parameters, const QString &name);
+
+/// Whether the name is that of a zip or RAR archive, without a member.
+CORVANTA_EXPORT bool isArchive(const QString &name);
+/// The names of the files in the archive, in its order: all of a zip archive, of a RAR archive the
+/// one that can be read. `path` is expanded already. The detail of a fault is the reason in words.
+/// Errors: CannotOpen, Refused.
+CORVANTA_EXPORT Result<QStringList, OpenError> archiveMembers(const QString &path);
 
 } // namespace corvanta::input
