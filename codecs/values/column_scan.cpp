@@ -1,0 +1,41 @@
+#include "codecs/values/column_scan.h"
+
+namespace corvanta::values {
+
+std::optional<Kind> ColumnScan::joinedDifferent(Kind a, Kind b)
+{
+    const auto isPair = [&](Kind one, Kind other) {
+        return (a == one && b == other) || (a == other && b == one);
+    };
+    if (isPair(Kind::Integer, Kind::Decimal)) {
+        return Kind::Decimal;
+    }
+    return isPair(Kind::Date, Kind::DateTime) ? std::optional(Kind::DateTime) : std::nullopt;
+}
+
+/// The value decides: m_kind remains what the values before it are.
+void ColumnScan::becomeText(std::string_view text, const QString &place)
+{
+    constexpr qsizetype kShownBytes = 240;
+    constexpr qsizetype kShownUnits = 60;
+    m_isText = true;
+    const QString shown =
+        QString::fromUtf8(text.data(), std::min(static_cast<qsizetype>(text.size()), kShownBytes));
+    m_exception =
+        shown.size() > kShownUnits ? shown.left(kShownUnits) + QStringLiteral("...") : shown;
+    m_exceptionPlace = place;
+}
+
+ColumnResult ColumnScan::result() const
+{
+    if (m_isText) {
+        return {Kind::Text, 'U', m_exception, m_exceptionPlace, m_kind};
+    }
+    const bool isNumber = m_kind == Kind::Integer || m_kind == Kind::Decimal;
+    if (!isNumber || !m_isExact) {
+        return {m_kind, 'U', {}, {}, Kind::Text};
+    }
+    return {m_kind, m_kind == Kind::Integer && m_isKey ? 'K' : 'F', {}, {}, Kind::Text};
+}
+
+} // namespace corvanta::values
