@@ -5,17 +5,12 @@
 
 namespace corvanta {
 
-namespace {
-
-/// The folder for temporary files of the system.
 QString temporaryFolder()
 {
     // Before QDir::tempPath(), which replaces a folder that does not exist by the current one.
     const QString folder = qEnvironmentVariable("TMPDIR");
     return folder.isEmpty() ? QDir::tempPath() : folder;
 }
-
-} // namespace
 
 BlockSpool::BlockSpool(Options options)
     : m_options(std::move(options))

@@ -22,6 +22,9 @@ enum class SpoolError : quint8 {
     CannotRead = 2,
 };
 
+/// The folder for temporary files: $TMPDIR, or that of the system.
+QString temporaryFolder();
+
 /// Call put() for each block, then rewind(), then next() until there is no further block.
 /// Threads: one at a time per object.
 class BlockSpool
