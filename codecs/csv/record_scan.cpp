@@ -1,0 +1,48 @@
+#include "codecs/csv/record_scan.h"
+
+#include <algorithm>
+
+namespace corvanta::csv {
+
+inline bool RecordScan::isNull(const Field &field) const
+{
+    if (field.isQuoted) {
+        return false;
+    }
+    return field.size == 0 || std::any_of(m_rules.nullValues.begin(), m_rules.nullValues.end(),
+                                          [&](const QByteArray &null) {
+                                              return null == QByteArrayView(field.text, field.size);
+                                          });
+}
+
+bool RecordScan::add(const RecordReader &reader)
+{
+    const std::span<const Field> fields = reader.fields();
+    const bool isShort = fields.size() < m_scans.size();
+    if (fields.size() > m_scans.size() || (isShort && !m_rules.fillsRagged)) {
+        return fields.size() == 1 && fields[0].size == 0 && !fields[0].isQuoted;
+    }
+    ++m_rows;
+    const auto place = [&] {
+        return QStringLiteral("row %1 (line %2)")
+            .arg(QString::number(m_rows), QString::number(reader.line()));
+    };
+    for (size_t i = 0; i < fields.size(); ++i) {
+        if (!m_scans[i].isDecided() && !isNull(fields[i])) {
+            m_scans[i].add(fields[i].view(), place, m_rules.decimalPoint);
+        }
+    }
+    return true;
+}
+
+void RecordScan::addAll(RecordReader &reader, qint64 rows)
+{
+    while (m_rows < rows) {
+        const auto found = reader.next();
+        if (!found || !*found || !add(reader)) {
+            return;
+        }
+    }
+}
+
+} // namespace corvanta::csv

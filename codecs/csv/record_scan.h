@@ -1,0 +1,50 @@
+// Finds the kinds of the columns of a text with separators, without making rows.
+#pragma once
+#include "codecs/csv/record_reader.h"
+#include "codecs/values/column_scan.h"
+
+#include <QByteArray>
+
+#include <span>
+
+namespace corvanta::csv {
+
+/// Which fields are values. Threads: one at a time per object.
+class RecordScan
+{
+public:
+    struct Rules
+    {
+        char decimalPoint = '.';
+        /// Fields without quotes that are missing, in addition to empty ones. Must outlive the
+        /// scan.
+        std::span<const QByteArray> nullValues = {};
+        /// A record may have fewer fields than columns.
+        bool fillsRagged = false;
+    };
+
+    /// One element of `scans` per column, which must outlive this object.
+    RecordScan(std::span<values::ColumnScan> scans, const Rules &rules)
+        : m_scans(scans)
+        , m_rules(rules)
+    {
+    }
+
+    /// Scan the current record of `reader`. Returns false for a record with another number of
+    /// fields than columns, which is not read; an empty line is no row.
+    bool add(const RecordReader &reader);
+    /// Scan the records that follow, until there have been `rows` rows in all. Stops at the end and
+    /// at the first record that is not read: whoever reads the rows reports it.
+    void addAll(RecordReader &reader, qint64 rows);
+    /// Rows scanned so far, of all texts.
+    qint64 rows() const { return m_rows; }
+
+private:
+    bool isNull(const Field &field) const;
+
+    std::span<values::ColumnScan> m_scans;
+    Rules m_rules;
+    qint64 m_rows = 0;
+};
+
+} // namespace corvanta::csv
