@@ -75,9 +75,8 @@ std::optional<markup::SampledDocument> ActionReadJSON::sampleInput()
         logReason(sample.reason());
         return std::nullopt;
     }
-    JSONTokenizer tokenizer(sample, kTokenizerChars, u"");
-    tokenizer.setPermissiveNumbers(m_params.permissiveNumbers);
-    auto document = markup::sampleDocument(tokenizer, {m_params.autoFillNRows, {}, true});
+    const auto tokenizer = makeTokenizer(sample);
+    auto document = markup::sampleDocument(*tokenizer, {m_params.autoFillNRows, {}, true});
     // What was not read may have levels of its own.
     if (!sample.failure().isEmpty() && !m_params.ignoreErrors) {
         fail(sample.failure(), sample.reason());
@@ -94,6 +93,26 @@ void ActionReadJSON::useTable(const markup::SampledTable &table)
     m_params.warnUnread = true;
 }
 
+std::unique_ptr<JSONTokenizer> ActionReadJSON::makeTokenizer(ByteSource &source) const
+{
+    auto tokenizer = std::make_unique<JSONTokenizer>(source, kTokenizerChars, u"");
+    tokenizer->setPermissiveNumbers(m_params.permissiveNumbers);
+    return tokenizer;
+}
+
+markup::ExtractOptions ActionReadJSON::extractOptions() const
+{
+    markup::ExtractOptions options;
+    options.outputSubTags = m_params.outputSubTags;
+    // Kept for saved graphs: without newMode, paths begin at the document's only element.
+    options.keepRoot = m_params.newMode;
+    options.nullIsMissing = m_params.nullIsMissing;
+    // Reading ahead would take the next row of the pin, while rows of this one are still made.
+    options.canReadAhead = !isFromPin();
+    options.countsUnread = m_params.warnUnread;
+    return options;
+}
+
 // ---- Before the first document.
 
 bool ActionReadJSON::prepare()
@@ -106,19 +125,11 @@ bool ActionReadJSON::prepare()
     if (!hasItems(levels)) {
         return fail(u"ReadJson error: nothing to extract"_s, kNoItems.toString());
     }
-    markup::ExtractOptions options;
-    options.outputSubTags = m_params.outputSubTags;
-    // Kept for saved graphs: without newMode, paths begin at the document's only element.
-    options.keepRoot = m_params.newMode;
-    // Reading ahead would take the next row of the pin, while rows of this one are still made.
-    options.canReadAhead = !isFromPin();
-    options.countsUnread = m_params.warnUnread;
     LevelRun::Input texts = source();
     texts.column = expandString(m_params.colJSON).trimmed();
     texts.mode = m_params.oneJSONPerRow ? PinText::Mode::RowByRow : PinText::Mode::Stream;
     texts.copiesInput = m_params.appendToRow;
-    beginRun(texts, expandedLevels(levels, *this), options);
-    return true;
+    return beginRun(texts, expandedLevels(levels, *this), extractOptions());
 }
 
 bool ActionReadJSON::readTags(std::vector<ReadLevel> *levels)
@@ -153,8 +164,7 @@ markup::MarkupTokenizer *ActionReadJSON::beginDocument(ByteSource &source, const
     if (m_tokenizer) {
         m_tokenizer->restart(source);
     } else {
-        m_tokenizer = std::make_unique<JSONTokenizer>(source, kTokenizerChars, u"");
-        m_tokenizer->setPermissiveNumbers(m_params.permissiveNumbers);
+        m_tokenizer = makeTokenizer(source);
         m_tokenizer->setBufferSize(bufferFor(source, kCharsPerByte * bufferBytes()));
         run().setBlockSize(bufferFor(source, std::min(bufferBytes(), limits::kTreeArenaBytes)));
     }

@@ -33,6 +33,7 @@ public:
 
 private:
     const LevelReaderParams &readerParams() const override { return m_params; }
+    LevelReaderParams &readerParams() override { return m_params; }
     QString formatName() const override { return QStringLiteral("JSON"); }
 
     // The run.
@@ -42,6 +43,19 @@ private:
     // Levels found in the file.
     std::optional<markup::SampledDocument> sampleInput() override;
     void useTable(const markup::SampledTable &table) override;
+
+    // Documents without a run.
+    markup::ExtractOptions extractOptions() const override;
+    std::vector<ReadLevel> levelsToRead() const override
+    {
+        return expandedLevels(m_params.levels, *this);
+    }
+    std::unique_ptr<markup::MarkupTokenizer> openDocument(ByteSource &source,
+                                                          const QString &) override
+    {
+        return makeTokenizer(source);
+    }
+    std::unique_ptr<markup::JSONTokenizer> makeTokenizer(ByteSource &source) const;
 
     // Before the first document. They return false when the run has failed or ended.
     bool prepare() override;

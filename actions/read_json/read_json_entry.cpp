@@ -7,7 +7,8 @@ namespace {
 
 // In "convert" no user corrects the levels, so that more records are examined to find them.
 constexpr FileFormat kFormats[] = {
-    {FileFormat::Read, FileFormat::Json, "json jsonl ndjson geojson", "autoFillNRows=10000"},
+    {FileFormat::Read, FileFormat::Json, "json jsonl ndjson geojson",
+     "autoFillNRows=10000 nullIsMissing=1"},
 };
 
 } // namespace

@@ -19,6 +19,7 @@ PanelLayout panelLayout()
          {{"Level", shared::readLevelsEditor}, "autoFillNRows", "readTagsFromInPin"},
          Fold::Open,
          extra<AutoFill>},
+        {QT_TRANSLATE_NOOP("Panels", "Values"), {"types", "nullIsMissing"}, Fold::Folded},
         {QT_TRANSLATE_NOOP("Panels", "Added columns"),
          {"outputFilenames", "outputSubTags", "appendToRow"},
          Fold::Folded},

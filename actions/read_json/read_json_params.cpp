@@ -58,6 +58,9 @@ ParamGroup<P> errorsAndRoot()
         flag("ignoreErrors", &P::ignoreErrors)
             .label("Continue after structure errors")
             .meaning("Reports structure errors as warnings and continues."),
+        flag("nullIsMissing", &P::nullIsMissing)
+            .label("A null is a missing cell")
+            .meaning("Reads null as a missing cell. Off: as the text \"null\"."),
         flag("newMode", &P::newMode)
             .label("Always keep the root")
             .meaning("Keeps the root of every record, so that paths start at the document. Default "
@@ -78,8 +81,13 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
 {
     // The order is that of saved graphs.
     static const ParamTable<P> table{
-        sourceOfDocuments(),       addedColumns(),  inputPins(),
-        shared::missingFiles<P>(), errorsAndRoot(), shared::warnUnread<P>(),
+        sourceOfDocuments(),
+        addedColumns(),
+        inputPins(),
+        shared::missingFiles<P>(),
+        errorsAndRoot(),
+        shared::warnUnread<P>(),
+        shared::columnTypes<P>(),
         readLevels<P>(&P::levels),
     };
     return table;

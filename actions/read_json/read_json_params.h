@@ -23,6 +23,8 @@ struct ReadJsonParams : LevelReaderParams
     bool permissiveNumbers = true;
     /// Structure errors are warnings, and the next document is read. Off: they fail the run.
     bool ignoreErrors = false;
+    /// A null gives a missing cell. Off: the text "null".
+    bool nullIsMissing = false;
     /// Paths begin at the document. Off: at the document's only element.
     bool newMode = true;
 };

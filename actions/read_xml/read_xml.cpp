@@ -65,7 +65,7 @@ void ActionReadXML::finish()
 
 // ---- Parameters.
 
-std::vector<ReadLevel> ActionReadXML::levels() const
+std::vector<ReadLevel> ActionReadXML::levelsToRead() const
 {
     std::vector<ReadLevel> levels = expandedLevels(m_params.levels, *this);
     for (ReadLevel &level : levels) {
@@ -141,6 +141,13 @@ bool ActionReadXML::sampleWith(const std::function<void(XMLTokenizer &)> &look)
     return isRead || fail(sample.failure(), sample.reason());
 }
 
+std::unique_ptr<markup::MarkupTokenizer> ActionReadXML::openDocument(ByteSource &source,
+                                                                     const QString &name)
+{
+    auto tokenizer = makeTokenizer(source);
+    return chooseEncoding(*tokenizer, name) ? std::move(tokenizer) : nullptr;
+}
+
 void ActionReadXML::useTable(const markup::SampledTable &table)
 {
     m_params.levels = table.levels;
@@ -154,7 +161,7 @@ void ActionReadXML::useTable(const markup::SampledTable &table)
 bool ActionReadXML::prepare()
 {
     // Variables may make a path empty or give it an index: checked after their expansion.
-    const std::vector<ReadLevel> expanded = levels();
+    const std::vector<ReadLevel> expanded = levelsToRead();
     if (!hasItems(expanded)) {
         return fail(u"ReadXML error: nothing to extract"_s, kNoItems.toString());
     }
@@ -164,22 +171,24 @@ bool ActionReadXML::prepare()
     LevelRun::Input texts = source();
     texts.column = expandString(m_params.colXML).trimmed();
     texts.copiesInput = m_params.addColBefore;
-    beginRun(texts, expanded, extractOptions());
-    return true;
+    return beginRun(texts, expanded, extractOptions());
 }
 
 /// A run would report it for the first document whose bytes have no mark.
 QVector<ParameterProblem> ActionReadXML::problems() const
 {
+    QVector<ParameterProblem> problems = LevelReader::problems();
     const QString encoding = expandString(m_params.encoding).trimmed();
     // As for chooseEncoding(), an empty name is "auto".
     const bool isRule = encoding.isEmpty() || encoding.compare(u"auto", Qt::CaseInsensitive) == 0 ||
                         encoding.compare(u"system", Qt::CaseInsensitive) == 0;
     if (isRule || markup::encodingCode(encoding.toUtf8()) != markup::CharMode::CodePage ||
         encoding::TextDecoder::open(encoding)) {
-        return {};
+        return problems;
     }
-    return {{QString::fromLatin1(kXmlEncoding), u"the encoding '%1' is unknown"_s.arg(encoding)}};
+    problems.append(
+        {QString::fromLatin1(kXmlEncoding), u"the encoding '%1' is unknown"_s.arg(encoding)});
+    return problems;
 }
 
 /// Each document has its own choice, from the parameter and from its first bytes.

@@ -30,6 +30,7 @@ public:
 
 private:
     const LevelReaderParams &readerParams() const override { return m_params; }
+    LevelReaderParams &readerParams() override { return m_params; }
     QString formatName() const override { return QStringLiteral("XML"); }
 
     // The run. Functions that return a bool return false when the run has failed.
@@ -43,8 +44,10 @@ private:
     std::unique_ptr<markup::XMLTokenizer> makeTokenizer(ByteSource &source) const;
     /// The levels with their variables expanded; in HTML mode without the "tbody" in paths copied
     /// from a browser.
-    std::vector<ReadLevel> levels() const;
-    markup::ExtractOptions extractOptions() const;
+    std::vector<ReadLevel> levelsToRead() const override;
+    markup::ExtractOptions extractOptions() const override;
+    std::unique_ptr<markup::MarkupTokenizer> openDocument(ByteSource &source,
+                                                          const QString &name) override;
     /// Set the encoding of the document's bytes: from the parameter, the document, or the system.
     /// Call it before the first token. Returns false, after a message, when it is unknown.
     bool chooseEncoding(markup::XMLTokenizer &tokenizer, const QString &name);

@@ -21,7 +21,7 @@ PanelLayout panelLayout()
          extra<AutoFill>},
         {QT_TRANSLATE_NOOP("Panels", "Values"),
          {"addOnlyText", "readClearTags", "outputTagNames", "tagNameSummary", "getTagPresenceFlag",
-          "discardNameSpaces", "zeroBased"},
+          "discardNameSpaces", "zeroBased", "types"},
          Fold::Folded},
         {QT_TRANSLATE_NOOP("Panels", "Added columns"),
          {"outputFilenames", "outputSubTags", "addColBefore"},

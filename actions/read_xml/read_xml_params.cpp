@@ -140,9 +140,16 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
 {
     // The order is that of saved graphs.
     static const ParamTable<P> table{
-        sourceOfDocuments(),       file(),          columnsAndText(),
-        namesAndDamage(),          tolerance(),     presenceAndPrefixes(),
-        shared::missingFiles<P>(), beforeTheRows(), shared::warnUnread<P>(),
+        sourceOfDocuments(),
+        file(),
+        columnsAndText(),
+        namesAndDamage(),
+        tolerance(),
+        presenceAndPrefixes(),
+        shared::missingFiles<P>(),
+        beforeTheRows(),
+        shared::warnUnread<P>(),
+        shared::columnTypes<P>(),
         readLevels<P>(&P::levels),
     };
     return table;

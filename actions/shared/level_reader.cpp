@@ -1,6 +1,7 @@
 #include "actions/shared/level_reader.h"
 
 #include "actions/shared/input_sample.h"
+#include "actions/shared/scanned_columns.h"
 
 #include <algorithm>
 #include <tuple>
@@ -34,11 +35,62 @@ LevelRun::Input LevelReader::source() const
     return source;
 }
 
-void LevelReader::beginRun(const LevelRun::Input &source, const std::vector<ReadLevel> &levels,
-                           const markup::ExtractOptions &options)
+namespace {
+
+QStringList typeLetters(const QString &types)
 {
+    QStringList letters = types.isEmpty() ? QStringList() : types.split(u',');
+    for (QString &letter : letters) {
+        letter = letter.trimmed();
+    }
+    return letters;
+}
+
+bool isTypeLetter(const QString &letter)
+{
+    return letter == "K"_L1 || letter == "F"_L1 || letter == "U"_L1;
+}
+
+} // namespace
+
+QVector<ParameterProblem> LevelReader::problems() const
+{
+    QVector<ParameterProblem> problems;
+    for (const QString &letter : typeLetters(readerParams().types)) {
+        if (!isTypeLetter(letter)) {
+            problems.append({u"types"_s, u"'%1' is not a column type (K, F, U)"_s.arg(letter)});
+        }
+    }
+    return problems;
+}
+
+bool LevelReader::readColumnsAs(const QVector<ColumnKind> &columns)
+{
+    QStringList letters;
+    for (const ColumnKind &column : columns) {
+        letters << QString(QLatin1Char(column.letter));
+    }
+    readerParams().types = letters.join(u',');
+    return true;
+}
+
+bool LevelReader::beginRun(const LevelRun::Input &source, const std::vector<ReadLevel> &levels,
+                           markup::ExtractOptions options)
+{
+    for (const QString &letter : typeLetters(readerParams().types)) {
+        if (!isTypeLetter(letter)) {
+            return fail(u"Error: read%1: '%2' is not a column type (K, F, U)\n"_s.arg(formatName(),
+                                                                                      letter));
+        }
+        options.types += letter[0].toLatin1();
+    }
     m_run = std::make_unique<LevelRun>(*this, m_series, static_cast<LevelRun::Format &>(*this),
                                        source, levels, options);
+    const qsizetype types = static_cast<qsizetype>(options.types.size());
+    const qsizetype columns = m_run->documentColumns();
+    // A longer list is an error: the levels are not those that the types were written for.
+    return types <= columns || fail(u"Error: read%1: %2 column types for the %3 columns\n"_s.arg(
+                                   formatName(), QString::number(types), QString::number(columns)));
 }
 
 void LevelReader::expectUtf8(markup::MarkupTokenizer &tokenizer)
@@ -86,6 +138,55 @@ std::vector<std::vector<ReadLevel>> LevelReader::sampledLevels()
         levels.push_back(std::move(table.levels));
     }
     return levels;
+}
+
+// ---- Kinds of the columns.
+
+namespace {
+
+/// Scan the next rows of a document, at most `rows`; returns how many are left of them.
+qint64 scanRows(markup::LevelExtractor &extractor, qint64 rows)
+{
+    markup::BlockArena arena;
+    for (; rows > 0; --rows) {
+        arena.reset();
+        const auto row = extractor.next(arena);
+        const bool isEnd = row ? !*row : !extractor.resume();
+        if (isEnd) {
+            break;
+        }
+    }
+    return rows;
+}
+
+} // namespace
+
+QVector<ColumnKind> LevelReader::columnKinds(KindExtent extent)
+{
+    const std::vector<ReadLevel> levels = levelsToRead();
+    if (isFromPin() || !hasItems(levels) || !readerParams().types.isEmpty()) {
+        return {};
+    }
+    markup::ExtractOptions options = extractOptions();
+    options.countsUnread = false;
+    markup::LevelExtractor extractor(levels, options);
+    std::vector<values::ColumnScan> scans(static_cast<size_t>(extractor.columnCount()));
+    extractor.scanValues(scans);
+    qint64 rows = rowsToScan(extent);
+    for (const QString &name : namesOfPattern(*this, readerParams().fileName)) {
+        if (rows <= 0) {
+            break;
+        }
+        InputFile file(globalParameters(), name, true, InputFile::Report::Nothing);
+        file.keepPipe();
+        const auto tokenizer = file.isOpen() ? openDocument(file, name) : nullptr;
+        if (tokenizer) {
+            extractor.beginFile();
+            extractor.beginDocument(*tokenizer);
+            rows = scanRows(extractor, rows);
+        }
+    }
+    return kindsOf(extractor.columnNames(), scans);
 }
 
 // ---- Messages.

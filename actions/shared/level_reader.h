@@ -24,6 +24,11 @@ public:
     {
         return isFromPin() ? QStringList() : ActionBase::inputs();
     }
+    /// The kinds of all columns, from the texts of all files. Those that cannot be read to their
+    /// end count up to there: the run reports them.
+    QVector<ColumnKind> columnKinds(KindExtent extent) override;
+    bool readColumnsAs(const QVector<ColumnKind> &columns) override;
+    QVector<ParameterProblem> problems() const override;
     /// The levels of each table that the beginning of the file has; none if it cannot be read. Not
     /// during a run.
     std::vector<std::vector<ReadLevel>> sampledLevels();
@@ -35,6 +40,7 @@ protected:
     // or ended.
 
     virtual const LevelReaderParams &readerParams() const = 0;
+    virtual LevelReaderParams &readerParams() = 0;
     /// Name of the format in messages, for example "JSON".
     virtual QString formatName() const = 0;
     /// Check the parameters and call beginRun(). Called by the first step() of a run.
@@ -43,6 +49,14 @@ protected:
     virtual std::optional<markup::SampledDocument> sampleInput() = 0;
     /// Take levels, and the settings that they need, from a table of the sample.
     virtual void useTable(const markup::SampledTable &table) = 0;
+
+    /// What to extract, with variables expanded; `fromInputPin` documents as files.
+    virtual std::vector<ReadLevel> levelsToRead() const = 0;
+    virtual markup::ExtractOptions extractOptions() const = 0;
+    /// A tokenizer for a look at a document without a run. Null, after a message, when the document
+    /// cannot be read.
+    virtual std::unique_ptr<markup::MarkupTokenizer> openDocument(ByteSource &source,
+                                                                  const QString &name) = 0;
 
     /// Forget an earlier run. An override calls this first.
     void start() override;
@@ -56,9 +70,10 @@ protected:
     bool isFromPin() const { return readerParams().fromInputPin != DocumentSource::File; }
     /// The source that the common parameters describe. The action adds the column of the input pin.
     LevelRun::Input source() const;
-    /// `levels` are expanded and have an item.
-    void beginRun(const LevelRun::Input &source, const std::vector<ReadLevel> &levels,
-                  const markup::ExtractOptions &options);
+    /// `levels` are expanded and have an item. The types of the columns are those of the
+    /// parameters. Returns false, after a message, when they are invalid.
+    bool beginRun(const LevelRun::Input &source, const std::vector<ReadLevel> &levels,
+                  markup::ExtractOptions options);
     /// Only after beginRun().
     LevelRun &run() { return *m_run; }
     const LevelRun &run() const { return *m_run; }

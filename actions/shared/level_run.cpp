@@ -135,6 +135,9 @@ TableSchema LevelRun::columns(const OneRow *input) const
         columns.types = input->getMetaDataDeep();
     }
     columns.names << m_extractor.columnNames();
+    for (const char letter : m_extractor.columnTypes()) {
+        columns.types << MetaInfo(static_cast<MetaInfo::MetaTypeColumn>(letter), -1);
+    }
     columns.types.resize(columns.names.size(), MetaInfo(MetaInfo::Unknown, -1));
     return columns;
 }
@@ -201,6 +204,9 @@ bool LevelRun::documentFails(markup::MarkupResult failure, Found *found)
     if (!m_action.runIsGood()) {
         return false;
     }
+    if (m_extractor.badValue()) {
+        return badValue(failure.line);
+    }
     const QString why = m_file == nullptr ? QString() : m_file->failure();
     const QString reason = m_file == nullptr ? QString() : m_file->reason();
     if (!m_format.skipsFaults()) {
@@ -218,6 +224,16 @@ bool LevelRun::documentFails(markup::MarkupResult failure, Found *found)
         endDocument();
     }
     return true;
+}
+
+bool LevelRun::badValue(qint64 line)
+{
+    const markup::LevelExtractor::BadValue &bad = *m_extractor.badValue();
+    return m_action.fail(
+        u"Error: %1: file '%2', line %3, column '%4': '%5' is not of type %6\n"_s.arg(
+            QString::fromLatin1(m_action.getTypeName()), documentName(), QString::number(line),
+            bad.column, bad.value, QString(QLatin1Char(bad.letter))),
+        u"as a text (U) the column can be read"_s);
 }
 
 /// Continue at the next line of JSON Lines; of a stream of texts, in the current one.

@@ -79,6 +79,8 @@ public:
 
     /// Columns of the output pin; 0 before the first call of step().
     int columnCount() const { return m_columnCount; }
+    /// Columns of the documents, without copied ones and that of file names.
+    int documentColumns() const { return m_extractor.columnCount(); }
     /// Bytes of the first block of a record's tree.
     void setBlockSize(qint64 bytes) { m_extractor.setBlockSize(bytes); }
 
@@ -98,6 +100,7 @@ private:
     void putCells(OneRow &row);
     bool documentEnds();
     bool documentFails(markup::MarkupResult failure, Found *found);
+    bool badValue(qint64 line);
     bool resumeDocument();
     void endDocument();
     void readToEnd();

@@ -26,6 +26,9 @@ struct LevelReaderParams
     bool abortIfMissing = true;
     /// Retries of a missing file, one second apart; negative: no limit.
     int timeOut = 0;
+    /// Letters of the types of the columns, separated by commas: K, F or U. Columns without a
+    /// letter are texts.
+    QString types;
     /// Warn about parts of the occurrences that no item reads.
     bool warnUnread = false;
     /// Outermost first. Empty: nothing to read; `fillFromInput` can then derive them.
@@ -59,6 +62,14 @@ template <class P> ParamGroup<P> missingFiles()
     const QStringList file{QStringLiteral("0")};
     return {abortIfMissing<P>().onlyWhen("fromInputPin", file),
             timeOut<P>().onlyWhen("fromInputPin", file)};
+}
+
+template <class P> Param<P> columnTypes()
+{
+    return text<P>("types", &P::types)
+        .label("Column types")
+        .meaning("One letter per column, separated by commas: K (whole number), F (decimal "
+                 "number), U (text). Columns without a letter are texts.");
 }
 
 template <class P> Param<P> warnUnread()

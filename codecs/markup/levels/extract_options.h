@@ -2,6 +2,8 @@
 #pragma once
 #include "codecs/markup/tree/element_text.h"
 
+#include <string>
+
 namespace corvanta::markup {
 
 /// How the names of an element's children are written to a cell.
@@ -27,6 +29,8 @@ struct ExtractOptions
     bool allText = false;
     /// An element without text has the names of its children instead.
     bool namesForText = false;
+    /// A null of JSON gives a missing cell. Off: the text "null".
+    bool nullIsMissing = false;
     /// Cells are 1 for an item that exists and 0 for one that does not.
     bool presence = false;
     /// Elements without text, sub-elements and attributes do not exist, but count in indexes.
@@ -36,6 +40,8 @@ struct ExtractOptions
     bool canReadAhead = true;
     /// Count what the occurrences have and no item reads. Not for HTML, presence or allText.
     bool countsUnread = false;
+    /// Letters of the types of the first columns: K or F gives a number, U and no letter a text.
+    std::string types;
     /// Occurrences of the first level to skip at the start of each document.
     int skip = 0;
 };

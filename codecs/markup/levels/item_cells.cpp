@@ -13,6 +13,7 @@
 #include "base/limits.h"
 
 #include <map>
+#include <string_view>
 #include <vector>
 
 namespace corvanta::markup {
@@ -47,6 +48,29 @@ const uchar *ItemCells::cellOf(const MarkupTree &tree, const LevelItem &item, qu
     return item.tagName ? tagNamesOf(tree, found, arena) : textOf(tree, found, arena);
 }
 
+std::optional<TextSpan> ItemCells::singleText(const MarkupTree &tree, const LevelItem &item,
+                                              quint32 found) const
+{
+    const TreeItem &node = tree.item(found);
+    if (m_options.presence || m_options.allText || item.tagName) {
+        return std::nullopt;
+    }
+    if (node.kind == ItemKind::Attribute) {
+        return node.value;
+    }
+    const bool isSingle = node.count(ItemKind::Text) == 1 &&
+                          (!m_options.text.clearIsText || node.count(ItemKind::Clear) == 0);
+    return isSingle ? std::optional(tree.item(tree.first(found, ItemKind::Text)).text)
+                    : std::nullopt;
+}
+
+bool ItemCells::isMissingNull(const MarkupTree &tree, TextSpan span) const
+{
+    constexpr std::string_view kNull = "null";
+    return m_options.nullIsMissing && span.size() == kNull.size() && !tree.isQuoted(span) &&
+           tree.raw(span).view() == kNull;
+}
+
 const uchar *ItemCells::absentCell(const LevelItem &item, CellArena &arena) const
 {
     return m_options.presence && !item.tagName ? textCell(arena, u"0") : cell::missingTextCell();
@@ -70,7 +94,8 @@ const uchar *ItemCells::textOf(const MarkupTree &tree, quint32 element, CellAren
     const quint32 texts = node.count(ItemKind::Text);
     const quint32 clears = m_options.text.clearIsText ? node.count(ItemKind::Clear) : 0;
     if (texts == 1 && clears == 0 && !m_options.allText) {
-        return rawCell(tree.raw(tree.first(element, ItemKind::Text)), arena);
+        const TextSpan text = tree.item(tree.first(element, ItemKind::Text)).text;
+        return isMissingNull(tree, text) ? cell::missingTextCell() : rawCell(tree.raw(text), arena);
     }
     const auto gather = m_options.allText ? foldText : joinText;
     if ((m_options.allText || texts + clears > 0) &&

@@ -24,6 +24,12 @@ public:
     /// in `arena`, or the shared missing cell.
     const uchar *cellOf(const MarkupTree &tree, const LevelItem &item, quint32 found,
                         CellArena &arena);
+    /// The text of that item if it is one piece; nothing if its cell must be built to know it, or
+    /// if it has no cell.
+    std::optional<TextSpan> singleText(const MarkupTree &tree, const LevelItem &item,
+                                       quint32 found) const;
+    /// Whether the text at `span` is a null of JSON that gives a missing cell.
+    bool isMissingNull(const MarkupTree &tree, TextSpan span) const;
     /// The cell of an item for which nothing was found: "0" where presence is asked for, else
     /// missing.
     const uchar *absentCell(const LevelItem &item, CellArena &arena) const;

@@ -38,7 +38,7 @@ LevelExtractor::LevelExtractor(const std::vector<Level> &levels, const ExtractOp
         m_levels.push_back(std::move(state));
     }
     m_reader = std::make_unique<OccurrenceReader>(*m_levels.front(), options, m_unread);
-    m_cells.resize(static_cast<size_t>(column), cell::missingTextCell());
+    setTypes(static_cast<size_t>(column));
     beginFile();
 }
 
@@ -78,8 +78,10 @@ void LevelExtractor::beginFile()
 void LevelExtractor::beginDocument(MarkupTokenizer &tokenizer)
 {
     m_reader->beginDocument(tokenizer);
+    m_isJson = dynamic_cast<JSONTokenizer *>(&tokenizer) != nullptr;
     m_failure.reset();
     m_items.clearError();
+    m_badValue.reset();
     m_hasRow = false;
     m_skipped = 0;
 }
@@ -112,10 +114,14 @@ Result<bool, MarkupResult> LevelExtractor::next(CellArena &arena)
     if (const auto cells = m_items.status(); !cells && !m_failure) {
         m_failure = m_reader->faultHere(cells.fault().code).code;
     }
+    if (m_badValue && !m_failure) {
+        m_failure = m_reader->faultHere(MarkupError::InvalidNumber).code;
+    }
     if (m_failure) {
         m_hasRow = false;
         return Fault{*m_failure};
     }
+    m_rows += m_hasRow ? 1 : 0;
     return m_hasRow;
 }
 
@@ -199,7 +205,8 @@ void LevelExtractor::enterLevels(size_t level, quint32 occurrence, CellArena &la
         m_deepest = level;
         state.arena.reset();
         state.found = state.paths.resolve(tree(), occurrence);
-        fillCells(state, isLast(level) ? lastArena : state.arena);
+        CellArena &arena = isLast(level) ? lastArena : state.arena;
+        fillRow(state, arena);
         const TreeItem &node = tree().item(occurrence);
         const bool isText = node.count(ItemKind::Text) > 0 && node.count(ItemKind::Child) == 0;
         if (m_countsUnread && (isText || state.paths.hasNewRepeats())) {
@@ -214,7 +221,8 @@ void LevelExtractor::enterLevels(size_t level, quint32 occurrence, CellArena &la
         LevelState &inner = *m_levels[level + 1];
         occurrence = firstInside(inner, state.found.back());
         if (occurrence == MarkupTree::kNone) {
-            std::fill(m_cells.begin() + inner.firstColumn, m_cells.end(), cell::missingTextCell());
+            std::copy(m_missing.begin() + inner.firstColumn, m_missing.end(),
+                      m_cells.begin() + inner.firstColumn);
             return;
         }
     }
@@ -260,6 +268,17 @@ inline void LevelExtractor::placeUnread(LevelState &state)
     // "." is the text of the occurrence itself.
     m_unread.firstUnreadPath = names.isEmpty() ? u"."_s : names.join(u'/');
     m_unread.firstUnreadPlace = m_reader->placeOf(*first);
+}
+
+inline void LevelExtractor::fillRow(LevelState &state, CellArena &arena)
+{
+    if (!m_scans.empty()) {
+        scanItems(state, arena);
+    } else if (m_options.types.empty()) {
+        fillCells(state, arena);
+    } else {
+        fillTypedCells(state, arena);
+    }
 }
 
 inline void LevelExtractor::fillCells(LevelState &state, CellArena &arena)

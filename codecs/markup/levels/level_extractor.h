@@ -5,6 +5,7 @@
 #pragma once
 #include "codecs/markup/levels/item_cells.h"
 #include "codecs/markup/levels/occurrence_reader.h"
+#include "codecs/values/column_scan.h"
 
 #include <QStringList>
 
@@ -24,6 +25,8 @@ public:
 
     /// Names of the columns: for each level its subtag column, if wanted, and its items.
     QStringList columnNames() const;
+    /// Letters of the types of the columns; empty: all are texts.
+    const std::string &columnTypes() const { return m_options.types; }
     int columnCount() const { return static_cast<int>(m_cells.size()); }
 
     /// How the places in unread() are written; placeText() by default.
@@ -31,6 +34,9 @@ public:
     /// Set the initial size of the memory of a record's tree, in bytes.
     void setBlockSize(qint64 bytes) { m_reader->setBlockSize(bytes); }
 
+    /// From now on rows are only examined: next() adds the value of each column to its scan, one
+    /// per column, and builds no cells. `scans` must outlive the extractor.
+    void scanValues(std::span<values::ColumnScan> scans) { m_scans = scans; }
     /// Begin another file: missingPaths() forgets the previous one.
     void beginFile();
     /// Begin a document of the file. `tokenizer` must be new or restarted, and outlive the
@@ -51,7 +57,18 @@ public:
     /// What was not read since beginFile().
     UnreadParts unread() const;
 
-    /// The cells of the row, valid until the next call; the shared missing cell where there is no
+    /// A value that is not of the type of its column.
+    struct BadValue
+    {
+        QString column;
+        QString value; ///< cut if it is long
+        char letter = 'U';
+    };
+    /// The value because of which next() has returned the error InvalidNumber; nothing if there is
+    /// no such value in the document.
+    const std::optional<BadValue> &badValue() const { return m_badValue; }
+
+    /// The cells of the row, valid until the next call; a shared missing cell where there is no
     /// value.
     std::span<const uchar *const> cells() const { return m_cells; }
 
@@ -63,7 +80,18 @@ private:
     bool isLast(size_t level) const { return level + 1 == m_levels.size(); }
     bool readFirstLevel(CellArena &arena);
     void enterLevels(size_t level, quint32 occurrence, CellArena &lastArena);
+    void setTypes(size_t columns);
+    void fillRow(LevelState &state, CellArena &arena);
+    void fillTypedCells(LevelState &state, CellArena &arena);
+    const uchar *typedCell(const LevelItem &item, quint32 found, size_t column, CellArena &arena);
+    const uchar *numberCell(std::string_view text, size_t column, CellArena &arena);
+    void setBadValue(std::string_view text, size_t column);
     void fillCells(LevelState &state, CellArena &arena);
+    QString placeOfRow(quint32 item) const;
+    void scanItems(LevelState &state, CellArena &arena);
+    void scanItem(const LevelItem &item, quint32 found, CellArena &arena, values::ColumnScan *scan);
+    void scanText(TextSpan text, quint32 item, values::ColumnScan *scan);
+    void scanCell(const uchar *cell, quint32 item, values::ColumnScan *scan) const;
     bool isReadOutside(const LevelState &state) const;
     void countUnread(LevelState &state, bool isText);
     void placeUnread(LevelState &state);
@@ -81,6 +109,11 @@ private:
     std::vector<std::unique_ptr<LevelState>> m_levels;
     std::unique_ptr<OccurrenceReader> m_reader;
     std::vector<const uchar *> m_cells;
+    std::vector<const uchar *> m_missing; // the missing cell of each column
+    std::optional<BadValue> m_badValue;
+    std::span<values::ColumnScan> m_scans; // empty: rows have cells
+    qint64 m_rows = 0;                     // scanned
+    bool m_isJson = false;
     UnreadParts m_unread;
     /// Off where no row or cell depends on it: HTML, and cells that say whether an element exists.
     bool m_countsUnread;

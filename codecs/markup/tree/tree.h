@@ -109,6 +109,14 @@ public:
         }
         return {m_bytes + span.offset(), span.size(), span.form()};
     }
+    /// Whether the text at a span of one of the items is in quotes, which are not part of it: in
+    /// JSON, it is a string.
+    bool isQuoted(TextSpan span) const
+    {
+        // The tree begins at the quote or before it.
+        const char before = span.offset() > 0 ? m_bytes[span.offset() - 1] : ' ';
+        return before == '"' || before == '\'';
+    }
     /// Name or text of an item.
     RawText raw(quint32 index) const { return raw(m_items[index].text); }
     /// Value of an Attribute.
