@@ -1,6 +1,7 @@
 #include "actions/read_xbf/read_xbf.h"
 
 #include "actions/read_xbf/xbf_file.h"
+#include "actions/shared/scanned_columns.h"
 #include "corvanta/system.h"
 
 using namespace Qt::StringLiterals;
@@ -10,6 +11,77 @@ namespace corvanta {
 ActionReadXBF::ActionReadXBF(const XMLNode &saved, GlobalParameters *parameters)
     : ParamAction(kReadXbfEntry, saved, parameters)
 {
+}
+
+// ---- Kinds of the columns.
+
+namespace {
+
+/// Scan the records of a table, at most `rows`; returns how many are left of them.
+qint64 scanRecords(dbf::TableReader &table, std::vector<values::ColumnScan> *scans, qint64 rows)
+{
+    for (; rows > 0; --rows) {
+        const auto record = table.next();
+        if (!record || *record == dbf::TableReader::Item::End) {
+            break; // the run reports why a table cannot be read further
+        }
+        const size_t wanted = *record == dbf::TableReader::Item::Record ? scans->size() : 0;
+        const auto place = [&] { return u"record %1"_s.arg(table.findings().records); };
+        for (size_t i = 0; i < wanted; ++i) {
+            const auto text = (*scans)[i].isDecided() ? std::nullopt : table.text(i);
+            if (text && !text->isEmpty()) {
+                (*scans)[i].add({text->data(), static_cast<size_t>(text->size())}, place);
+            }
+        }
+    }
+    return rows;
+}
+
+/// Set the kind of a column that has a type in the file.
+void setTypedKind(const dbf::Field &field, ColumnKind *kind)
+{
+    // The digits of a date are no number.
+    if (field.type == 'D') {
+        *kind = ColumnKind{.column = kind->column};
+    } else if (field.cell != dbf::CellType::Text) {
+        const bool isKey = field.cell == dbf::CellType::Key;
+        kind->kind = isKey ? ValueKind::Integer : ValueKind::Decimal;
+        kind->letter = isKey ? 'K' : 'F';
+    }
+}
+
+} // namespace
+
+QVector<ColumnKind> ActionReadXBF::columnKinds(KindExtent extent)
+{
+    const encoding::TextDecoder decoder = makeDecoder();
+    QStringList names;
+    std::vector<dbf::Field> fields;
+    std::vector<values::ColumnScan> scans;
+    qint64 rows = rowsToScan(extent);
+    for (const QString &name : namesOfPattern(*this, m_params.fileName)) {
+        InputFile file(globalParameters(), name, true, InputFile::Report::Nothing);
+        file.keepPipe();
+        const auto table = XbfFile::openTable(file, decoder, m_params);
+        if (!file.isOpen() || !table) {
+            continue;
+        }
+        if (fields.empty()) {
+            fields = (*table)->columns();
+            scans.resize(fields.size());
+            for (size_t i = 0; i < fields.size(); ++i) {
+                names << (*table)->columnName(i);
+            }
+        }
+        if ((*table)->columns().size() == fields.size()) {
+            rows = scanRecords(**table, &scans, rows);
+        }
+    }
+    QVector<ColumnKind> kinds = kindsOf(names, scans);
+    for (size_t i = 0; i < fields.size(); ++i) {
+        setTypedKind(fields[i], &kinds[static_cast<qsizetype>(i)]);
+    }
+    return kinds;
 }
 
 // ---- Before the first row.

@@ -24,6 +24,9 @@ public:
     static const ParamTable<ReadXbfParams> &paramTable() { return readXbfParamTable(); }
     /// Fraction of all tables that is read, 0 to 1.
     float computeCompletion() override { return m_series.fractionDone(); }
+    /// The kinds of all columns: of texts and of numbers in digits from their values, of others
+    /// from the type that they have in the file.
+    QVector<ColumnKind> columnKinds(KindExtent extent) override;
 
 private:
     void start() override;

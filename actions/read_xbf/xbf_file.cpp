@@ -34,6 +34,14 @@ std::unique_ptr<RunInput> XbfFile::openInput(const QString &name) const
     return std::make_unique<RunInput>(m_action.globalParameters(), m_action.control(), name, false);
 }
 
+Result<std::unique_ptr<dbf::TableReader>, dbf::Error>
+XbfFile::openTable(ByteSource &source, const encoding::TextDecoder &decoder,
+                   const ReadXbfParams &params)
+{
+    return dbf::TableReader::open(source, decoder, {params.level7, params.readAllTypes},
+                                  bufferBytes(params));
+}
+
 FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
                                  const encoding::TextDecoder &decoder, const ReadXbfParams &params)
 {
@@ -41,8 +49,7 @@ FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
     if (!file->m_input->file.isOpen()) {
         return Fault{FileSeries::OpenError::Missing, file->m_input->file.reason()};
     }
-    auto reader = dbf::TableReader::open(*file->m_input, decoder,
-                                         {params.level7, params.readAllTypes}, bufferBytes(params));
+    auto reader = openTable(*file->m_input, decoder, params);
     if (!reader) {
         file->fail(reader.fault());
         return Fault{FileSeries::OpenError::Failed};

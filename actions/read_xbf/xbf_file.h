@@ -19,6 +19,11 @@ public:
                                    const encoding::TextDecoder &decoder,
                                    const ReadXbfParams &params);
 
+    /// Open a table without its memo file. `source` and `decoder` must outlive the reader.
+    static Result<std::unique_ptr<dbf::TableReader>, dbf::Error>
+    openTable(ByteSource &source, const encoding::TextDecoder &decoder,
+              const ReadXbfParams &params);
+
     /// The fields of supported types, named as in the table.
     TableSchema columns() const override;
     /// A deleted record gives Found::Nothing.

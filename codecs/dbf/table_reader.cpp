@@ -272,6 +272,19 @@ QByteArrayView TableReader::trimmedText(const char *bytes, int n)
     return {bytes, n};
 }
 
+std::optional<QByteArrayView> TableReader::text(size_t column) const
+{
+    const Field &field = m_header.fields[column];
+    switch (field.conversion) {
+    case Conversion::Text:
+        return trimmedText(bytesOf(field), field.length);
+    case Conversion::Digits:
+        return trimmedDigits(bytesOf(field), field.length);
+    default:
+        return std::nullopt;
+    }
+}
+
 // Numbers are aligned to the right, so padding is on both sides.
 QByteArrayView TableReader::trimmedDigits(const char *bytes, int n)
 {

@@ -73,6 +73,9 @@ public:
     /// Returns null if the memo file failed; fault() then has the reason. A pointer and not a
     /// Result because it runs once per cell. Errors: MemoUnreadable, MemoTooLarge.
     template <class Arena> const uchar *cell(size_t column, Arena &arena);
+    /// The bytes of the text that cell() would decode, without a copy; nothing if the column is not
+    /// a text, or is a memo. Empty: missing. Valid until next().
+    std::optional<QByteArrayView> text(size_t column) const;
     /// Why cell() returned null. Call it only after that.
     const Fault<Error> &fault() const { return *m_fault; }
 
