@@ -14,7 +14,6 @@ namespace {
 /// Makes the graph that reads the input and writes the output.
 CommandResult<CorvantaGraph> makeGraph(const CommandLine &line, const ActionRegistry &registry)
 {
-    const QString inputId = QString::fromLatin1(kInputId);
     const QString outputId = u"output"_s;
     const auto writer = makeFileAction(registry, FileFormat::Write, line.arguments[1],
                                        line.values.value(u"--writer"_s));
@@ -24,15 +23,15 @@ CommandResult<CorvantaGraph> makeGraph(const CommandLine &line, const ActionRegi
     // Not null: makeFileAction() chooses among actions that have parameters.
     auto *const parameters = dynamic_cast<ActionParameters *>(writer->get());
     CorvantaGraph graph;
-    if (const auto added =
-            addInput(line, line.arguments[0], registry, &graph, ReadExtent::Whole, parameters);
-        !added) {
-        return added.fault();
+    const auto rows =
+        addInput(line, line.arguments[0], registry, &graph, ReadExtent::Whole, parameters);
+    if (!rows) {
+        return rows.fault();
     }
     if (const auto added = addAction(&graph, outputId, **writer); !added) {
         return added.fault();
     }
-    graph.links.append(CorvantaGraph::Link{{inputId, 0}, {outputId, 0}});
+    graph.links.append(CorvantaGraph::Link{{*rows, 0}, {outputId, 0}});
     return graph;
 }
 

@@ -219,6 +219,17 @@ makeFileAction(const ActionRegistry &registry, FileFormat::Use use, const QStrin
     return action;
 }
 
+std::unique_ptr<ActionItem> makeAction(const ActionRegistry &registry, const QString &type,
+                                       const QMap<QString, QString> &values)
+{
+    std::unique_ptr<ActionItem> action = registry.create(parsed(u"<%1/>"_s.arg(type)), nullptr);
+    auto *const parameters = dynamic_cast<ActionParameters *>(action.get());
+    for (const auto &[name, value] : values.asKeyValueRange()) {
+        parameters->setParameterValue(parameters->indexOfParameter(name), value);
+    }
+    return action;
+}
+
 std::unique_ptr<ActionItem> makeWriter(const ActionRegistry &registry, const QString &type,
                                        const QString &fileName)
 {

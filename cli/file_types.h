@@ -21,6 +21,10 @@ CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const corvanta::Action
                                                           const QStringList &settings,
                                                           ReadExtent extent = ReadExtent::Whole);
 
+/// A new action of the type `type` with values of parameters, which it has, in their saved form.
+std::unique_ptr<ActionItem> makeAction(const corvanta::ActionRegistry &registry,
+                                       const QString &type, const QMap<QString, QString> &values);
+
 /// A new action of the type `type`, which has a parameter for the file that it writes, for the file
 /// `fileName`.
 std::unique_ptr<ActionItem> makeWriter(const corvanta::ActionRegistry &registry,

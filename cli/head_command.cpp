@@ -29,7 +29,7 @@ CommandOptions inputFileOptions()
 /// Runs the reader of the file and passes its first `rows` rows, at least one, to `onRow`.
 CommandResult<void> readFirstRows(const QString &command, const CommandLine &line, qint64 rows,
                                   ReadExtent extent, const RowListener::Callback &onRow,
-                                  QVector<ColumnNotes> *notes = nullptr)
+                                  InputFacts *facts = nullptr)
 {
     const auto session = Session::open(line);
     if (!session) {
@@ -38,9 +38,10 @@ CommandResult<void> readFirstRows(const QString &command, const CommandLine &lin
     ActionRegistry registry;
     registry.loadAll();
     CorvantaGraph graph;
-    if (auto added = addInput(line, line.arguments[0], registry, &graph, extent, nullptr, notes);
+    if (const auto added =
+            addInput(line, line.arguments[0], registry, &graph, extent, nullptr, facts);
         !added) {
-        return added;
+        return added.fault();
     }
     RunOptions options;
     options.listeners.push_back({command,
@@ -108,26 +109,86 @@ QString labelsText(const QVector<ColumnNotes::ValueLabel> &labels, bool isVerbos
     return texts.join(u", "_s);
 }
 
-/// "NAME TYPE LABEL FORMAT VALUE=LABEL, ..." with tabs, without empty fields at the end.
-QString columnLine(const QString &name, char letter, const ColumnNotes &notes, bool isVerbose)
+/// A column with everything that is known about it.
+struct Column
 {
-    QStringList fields{name, QString(QLatin1Char(letter)), notes.label, notes.format,
-                       labelsText(notes.valueLabels, isVerbose)};
+    QString name;
+    ColumnKind kind;
+    ColumnNotes notes;
+};
+
+/// The columns of the rows. The letters of kinds that the host has found replace those of cells.
+QVector<Column> columnsOf(const TableSchema &schema, const InputFacts &facts)
+{
+    QHash<QString, ColumnKind> kinds;
+    for (const ColumnKind &kind : facts.kinds) {
+        kinds.insert(kind.column, kind);
+    }
+    QVector<Column> columns;
+    for (qsizetype i = 0; i < schema.names.size(); ++i) {
+        const char letter = schema.types[i].type();
+        ColumnKind ofCells;
+        ofCells.letter = letter;
+        ofCells.kind = letter == 'K'   ? ValueKind::Integer
+                       : letter == 'F' ? ValueKind::Decimal
+                                       : ValueKind::Text;
+        columns << Column{schema.names[i], kinds.value(schema.names[i], ofCells),
+                          facts.notes.value(i)};
+    }
+    return columns;
+}
+
+/// The name of a kind, also in JSON.
+QString nameOf(ValueKind kind)
+{
+    static const char *const kNames[] = {"text", "integer",  "decimal", "boolean",
+                                         "date", "datetime", "time"};
+    return QString::fromLatin1(kNames[static_cast<size_t>(kind)]);
+}
+
+/// For people: the kind, if the letter does not say it, or what made the column a text.
+QString reasonText(const ColumnKind &kind)
+{
+    if (kind.exceptionPlace.isEmpty()) {
+        const bool isNumber = kind.letter != 'U';
+        return isNumber || kind.kind == ValueKind::Text ? QString() : nameOf(kind.kind);
+    }
+    const QString value =
+        u"text because of '%1' in %2"_s.arg(visibleText(kind.exception), kind.exceptionPlace);
+    return kind.before == ValueKind::Text
+               ? value
+               : value + u"; the values before it: "_s + nameOf(kind.before);
+}
+
+/// "NAME TYPE LABEL FORMAT VALUE=LABEL, ..." with tabs, without empty fields at the end.
+QString columnLine(const Column &column, bool isVerbose)
+{
+    const ColumnNotes &notes = column.notes;
+    QStringList fields{column.name, QString(QLatin1Char(column.kind.letter)), notes.label,
+                       notes.format, labelsText(notes.valueLabels, isVerbose)};
     while (fields.last().isEmpty()) {
         fields.removeLast();
     }
     for (QString &field : fields) {
         field = visibleText(field);
     }
-    return fields.join(u'\t');
+    const QString line = fields.join(u'\t');
+    const QString reason = isVerbose ? reasonText(column.kind) : QString();
+    return reason.isEmpty() ? line : line + u"\n    "_s + reason;
 }
 
 /// The members that the file does not have are left out.
-QJsonObject columnJson(const QString &name, char letter, const ColumnNotes &notes)
+QJsonObject columnJson(const Column &of, bool isVerbose)
 {
-    const QString type = letter == 'K' ? u"integer"_s : letter == 'F' ? u"decimal"_s : u"text"_s;
-    QJsonObject column{
-        {u"name"_s, name}, {u"type"_s, type}, {u"letter"_s, QString(QLatin1Char(letter))}};
+    const ColumnNotes &notes = of.notes;
+    QJsonObject column{{u"name"_s, of.name},
+                       {u"type"_s, nameOf(of.kind.kind)},
+                       {u"letter"_s, QString(QLatin1Char(of.kind.letter))}};
+    if (isVerbose && !of.kind.exceptionPlace.isEmpty()) {
+        column[u"decidedBy"_s] = QJsonObject{{u"value"_s, of.kind.exception},
+                                             {u"place"_s, of.kind.exceptionPlace},
+                                             {u"typeBefore"_s, nameOf(of.kind.before)}};
+    }
     if (!notes.label.isEmpty()) {
         column[u"label"_s] = notes.label;
     }
@@ -144,17 +205,15 @@ QJsonObject columnJson(const QString &name, char letter, const ColumnNotes &note
     return column;
 }
 
-void printSchema(const CommandLine &line, const TableSchema &columns,
-                 const QVector<ColumnNotes> &notes)
+void printSchema(const CommandLine &line, const QVector<Column> &columns)
 {
+    const bool isVerbose = line.has(u"-v"_s);
     QJsonArray all;
-    for (qsizetype i = 0; i < columns.names.size(); ++i) {
-        const char letter = columns.types[i].type();
+    for (const Column &column : columns) {
         if (line.has(u"--json"_s)) {
-            all << columnJson(columns.names[i], letter, notes.value(i));
+            all << columnJson(column, isVerbose);
         } else {
-            const QString text =
-                columnLine(columns.names[i], letter, notes.value(i), line.has(u"-v"_s));
+            const QString text = columnLine(column, isVerbose);
             std::printf("%s\n", text.toUtf8().constData());
         }
     }
@@ -192,19 +251,21 @@ CommandResult<void> headCommand(const CommandLine &line)
 CommandOptions schemaOptions()
 {
     CommandOptions options = inputFileOptions();
-    options.flags << u"--json"_s << u"-v"_s;
+    options.flags << u"--json"_s << u"-v"_s << u"--all"_s;
     return options;
 }
 
 CommandResult<void> schemaCommand(const CommandLine &line)
 {
-    QVector<ColumnNotes> notes;
+    InputFacts facts;
+    facts.extent = line.has(u"--all"_s) ? ActionParameters::KindExtent::All
+                                        : ActionParameters::KindExtent::Sample;
     const auto show = [&](const TableSchema &columns, const OneRow *row) {
         // Print at the end, so that nothing is printed of a file that cannot be read.
         if (row == nullptr) {
-            printSchema(line, columns, notes);
+            printSchema(line, columnsOf(columns, facts));
         }
         return true;
     };
-    return readFirstRows(u"schema"_s, line, 1, ReadExtent::Whole, show, &notes);
+    return readFirstRows(u"schema"_s, line, 1, ReadExtent::Whole, show, &facts);
 }

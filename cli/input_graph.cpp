@@ -2,6 +2,7 @@
 #include "input_graph.h"
 
 #include "base/counted.h"
+#include "column_types.h"
 #include "corvanta/action_parameters.h"
 #include "corvanta/main_ui.h"
 #include "file_types.h"
@@ -193,18 +194,50 @@ CommandResult<void> prepareSheets(const CommandLine &line, const QString &fileNa
     return {};
 }
 
+/// Add the action that turns texts into numbers, and the link to it. Returns its id.
+CommandResult<QString> addCast(const ActionRegistry &registry, const QStringList &casts,
+                               CorvantaGraph *graph)
+{
+    const QString id = u"cast"_s;
+    const auto action = makeAction(registry, u"cast"_s, {{u"types"_s, casts.join(u'\n')}});
+    if (const auto added = addAction(graph, id, *action); !added) {
+        return added.fault();
+    }
+    graph->links.append(CorvantaGraph::Link{{QString::fromLatin1(kInputId), 0}, {id, 0}});
+    return id;
+}
+
+/// Find the kinds of the columns for the writer, and make the reader give numbers. Returns the
+/// parameter of the action `cast` that must follow the reader, if any.
+CommandResult<QStringList> prepareTypes(const ColumnTypes &types, const QString &fileName,
+                                        ActionParameters *reader, ActionParameters *writer)
+{
+    if (!writer->needsColumnKinds()) {
+        return QStringList();
+    }
+    const auto kinds = columnKindsOf(types, fileName, reader, ActionParameters::KindExtent::All);
+    if (!kinds) {
+        return kinds.fault();
+    }
+    writer->setColumnKinds(*kinds);
+    return castsFor(*kinds, reader);
+}
+
 } // namespace
 
 CommandOptions inputOptions()
 {
-    return {{u"--reader"_s, u"--table"_s, u"--sheet"_s}, {}};
+    return {{u"--reader"_s, u"--table"_s, u"--sheet"_s, u"--types"_s}, {}};
 }
 
-CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
-                             const ActionRegistry &registry, CorvantaGraph *graph,
-                             ReadExtent extent, ActionParameters *writer,
-                             QVector<ColumnNotes> *notes)
+CommandResult<QString> addInput(const CommandLine &line, const QString &fileName,
+                                const ActionRegistry &registry, CorvantaGraph *graph,
+                                ReadExtent extent, ActionParameters *writer, InputFacts *facts)
 {
+    const auto types = columnTypesOf(line);
+    if (!types) {
+        return types.fault();
+    }
     const auto table = tableOf(line);
     if (!table) {
         return table.fault();
@@ -233,17 +266,30 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
     logTables(tables);
     if (writer != nullptr) {
         if (auto prepared = prepareSheets(line, fileName, tables, writer); !prepared) {
-            return prepared;
+            return prepared.fault();
         }
     }
-    if (writer != nullptr && writer->needsColumnKinds()) {
-        writer->setColumnKinds(parameters->columnKinds(ActionParameters::KindExtent::All));
+    QStringList casts;
+    if (writer != nullptr) {
+        auto prepared = prepareTypes(*types, fileName, parameters, writer);
+        if (!prepared) {
+            return prepared.fault();
+        }
+        casts = *std::move(prepared);
     }
     if (writer != nullptr && writer->needsColumnLabels()) {
         writer->setColumnLabels(parameters->columnNotes());
     }
-    if (notes != nullptr) {
-        *notes = parameters->columnNotes();
+    if (facts != nullptr) {
+        auto kinds = columnKindsOf(*types, fileName, parameters, facts->extent);
+        if (!kinds) {
+            return kinds.fault();
+        }
+        facts->kinds = *std::move(kinds);
+        facts->notes = parameters->columnNotes();
     }
-    return addAction(graph, QString::fromLatin1(kInputId), **action);
+    if (const auto added = addAction(graph, QString::fromLatin1(kInputId), **action); !added) {
+        return added.fault();
+    }
+    return casts.isEmpty() ? QString::fromLatin1(kInputId) : addCast(registry, casts, graph);
 }

@@ -9,14 +9,24 @@
 /// Id of that action.
 inline constexpr char kInputId[] = "input";
 
-/// The options that addInput() uses: --reader, --table and --sheet.
+/// The options that addInput() uses: --reader, --table, --sheet and --types.
 CommandOptions inputOptions();
 
+/// What a command wants to know about the columns of the input.
+struct InputFacts
+{
+    /// How much is examined for `kinds`.
+    ActionParameters::KindExtent extent = ActionParameters::KindExtent::Sample;
+    QVector<ColumnKind> kinds;
+    QVector<ColumnNotes> notes; ///< what the file says about its columns
+};
+
 /// Add the action that reads `fileName`; parameters that depend on the content of the file are set
-/// from its beginning. `writer`, if given, receives the columns that are dates and the name of the
-/// sheet that is copied; `notes`, if given, is set to what the file says about its columns.
-CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
-                             const corvanta::ActionRegistry &registry, CorvantaGraph *graph,
-                             ReadExtent extent = ReadExtent::Whole,
-                             ActionParameters *writer = nullptr,
-                             QVector<ColumnNotes> *notes = nullptr);
+/// from its beginning. If `writer` has types of columns, it receives the kinds of the columns, and
+/// the rows have numbers: an action `cast` follows where the reader has none. It also receives the
+/// name of the sheet that is copied. `facts`, if given, is set without changing the rows. Returns
+/// the id of the action whose output pin 0 has the rows.
+CommandResult<QString> addInput(const CommandLine &line, const QString &fileName,
+                                const corvanta::ActionRegistry &registry, CorvantaGraph *graph,
+                                ReadExtent extent = ReadExtent::Whole,
+                                ActionParameters *writer = nullptr, InputFacts *facts = nullptr);

@@ -1,0 +1,119 @@
+#include "column_types.h"
+
+#include "base/counted.h"
+#include "corvanta/main_ui.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+
+namespace {
+
+/// Whether the reader's files are texts, so that their columns have no types of their own.
+bool readsTexts(const ActionParameters &reader)
+{
+    const auto formats = reader.fileFormats();
+    return std::any_of(formats.begin(), formats.end(), [](const FileFormat &format) {
+        return format.use == FileFormat::Read &&
+               (format.family == FileFormat::SeparatedText || format.family == FileFormat::Json ||
+                format.family == FileFormat::Markup || format.family == FileFormat::Database);
+    });
+}
+
+/// Say that later rows may decide otherwise, unless the file is too small to have any.
+void noteSample(const QString &fileName)
+{
+    constexpr qint64 kSmallFile = 10'000; // bytes; a row has at least one, and more are examined
+    const QFileInfo file(fileName);
+    if (!file.isFile() || file.size() > kSmallFile) {
+        MainUI::addLog(MainUI::Info,
+                       u"The types of the columns are those of the first rows of '%1' (--all "
+                       "examines all rows)"_s.arg(fileName));
+    }
+}
+
+/// The kind of a column whose letter the user has given.
+ColumnKind givenKind(const QString &column, QChar letter)
+{
+    ColumnKind kind;
+    kind.column = column;
+    kind.letter = letter.toLatin1();
+    kind.kind = letter == u'K'   ? ValueKind::Integer
+                : letter == u'F' ? ValueKind::Decimal
+                                 : ValueKind::Text;
+    return kind;
+}
+
+} // namespace
+
+CommandResult<ColumnTypes> columnTypesOf(const CommandLine &line)
+{
+    const QString value = line.value(u"--types"_s, u"auto"_s);
+    if (value == "auto"_L1 || value == "text"_L1) {
+        return ColumnTypes{value == "auto"_L1 ? ColumnTypes::Rule::Auto : ColumnTypes::Rule::Text,
+                           {}};
+    }
+    ColumnTypes types{ColumnTypes::Rule::Letters, {}};
+    for (const QString &letter : value.split(u',')) {
+        const QString trimmed = letter.trimmed().toUpper();
+        if (trimmed != "K"_L1 && trimmed != "F"_L1 && trimmed != "U"_L1) {
+            return badUsage(
+                u"--types: '%1' is not auto, text, or one of the letters K (integer), F "
+                "(decimal number) and U (text) for each column, such as K,F,U"_s.arg(value));
+        }
+        types.letters += trimmed;
+    }
+    return types;
+}
+
+CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const QString &fileName,
+                                                 ActionParameters *reader,
+                                                 ActionParameters::KindExtent extent)
+{
+    if (!readsTexts(*reader)) {
+        if (types.rule == ColumnTypes::Rule::Letters) {
+            return badUsage(u"--types: the columns of '%1' have types, and letters are only for "
+                            "files of texts"_s.arg(fileName));
+        }
+        return types.rule == ColumnTypes::Rule::Auto ? reader->columnKinds(extent)
+                                                     : QVector<ColumnKind>();
+    }
+    if (types.rule == ColumnTypes::Rule::Text) {
+        return QVector<ColumnKind>();
+    }
+    const bool isGiven = types.rule == ColumnTypes::Rule::Letters;
+    // Letters need only the names of the columns.
+    constexpr auto kSample = ActionParameters::KindExtent::Sample;
+    QVector<ColumnKind> kinds = reader->columnKinds(isGiven ? kSample : extent);
+    if (extent == kSample && !isGiven) {
+        noteSample(fileName);
+    }
+    if (isGiven && types.letters.size() != kinds.size()) {
+        return badUsage(
+            u"--types: %1 for the %2 of '%3'"_s.arg(counted(types.letters.size(), u"letter"_s),
+                                                    counted(kinds.size(), u"column"_s), fileName));
+    }
+    for (qsizetype i = 0; isGiven && i < kinds.size(); ++i) {
+        kinds[i] = givenKind(kinds[i].column, types.letters[i]);
+    }
+    return kinds;
+}
+
+QStringList castsFor(const QVector<ColumnKind> &kinds, ActionParameters *reader)
+{
+    const bool hasNumbers = std::any_of(kinds.begin(), kinds.end(),
+                                        [](const ColumnKind &kind) { return kind.letter != 'U'; });
+    if (!hasNumbers || !readsTexts(*reader) || reader->readColumnsAs(kinds)) {
+        return {};
+    }
+    QStringList casts;
+    for (const ColumnKind &kind : kinds) {
+        if (kind.letter != 'U') {
+            casts << kind.column + u'=' + QLatin1Char(kind.letter);
+        }
+    }
+    return casts;
+}

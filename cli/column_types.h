@@ -1,0 +1,33 @@
+// --types: which types the columns of an input have.
+//
+// Files of texts do not say what their columns are. The reader finds out from the values, before
+// the run, and the writer then writes numbers, dates and booleans as such.
+#pragma once
+#include "command_line.h"
+#include "corvanta/action_parameters.h"
+
+/// The value of --types.
+struct ColumnTypes
+{
+    enum class Rule : quint8 {
+        Auto,    ///< from the values
+        Text,    ///< the columns of text formats are texts
+        Letters, ///< K, F or U for each column
+    };
+    Rule rule = Rule::Auto;
+    QString letters; ///< one per column
+};
+
+/// The value of the option, Auto without it. The fault is a usage error.
+CommandResult<ColumnTypes> columnTypesOf(const CommandLine &line);
+
+/// The kinds of the columns that `reader` gives, which reads the file `fileName`. Columns that are
+/// not listed are what their cells are. May read the whole file. The fault is a usage error: the
+/// letters do not fit the columns.
+CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const QString &fileName,
+                                                 ActionParameters *reader,
+                                                 ActionParameters::KindExtent extent);
+
+/// Make the reader give numbers for the columns with the letters K and F. Returns the parameter
+/// `types` of the action `cast` that must do it instead, in order; empty: none is needed.
+QStringList castsFor(const QVector<ColumnKind> &kinds, ActionParameters *reader);

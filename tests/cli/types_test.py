@@ -1,0 +1,161 @@
+#!/usr/bin/python3
+"""The types that convert and schema find in files of texts: types_test.py CORVANTA"""
+import json
+import os
+import pathlib
+import struct
+import subprocess
+import sys
+import tempfile
+import threading
+import unittest
+
+CORVANTA = str(pathlib.Path(sys.argv.pop(1)).resolve())
+
+
+class Case(unittest.TestCase):
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory(prefix="corvanta_types_")
+        self.addCleanup(holder.cleanup)
+        self.folder = pathlib.Path(holder.name)
+
+    def put(self, name, text):
+        (self.folder / name).write_bytes(text.encode() if isinstance(text, str) else text)
+
+    def read(self, name):
+        return (self.folder / name).read_text(encoding="utf-8")
+
+    def corvanta(self, *words, status=0, **options):
+        done = subprocess.run([CORVANTA, *words], cwd=self.folder, capture_output=True, text=True, timeout=60, check=False, **options)
+        self.assertEqual(done.returncode, status, f"{words}: {done.stderr}")
+        return done
+
+    def types(self, name, *words):
+        """NAME=TYPE LETTER of each column."""
+        columns = json.loads(self.corvanta("schema", name, "--json", *words).stdout)
+        return [f"{column['name']}={column['type']} {column['letter']}" for column in columns]
+
+    def fifo(self, name, data):
+        """A pipe with the data."""
+        os.mkfifo(self.folder / name)
+
+        def write():
+            with open(self.folder / name, "wb") as pipe:
+                pipe.write(data)
+        threading.Thread(target=write, daemon=True).start()
+
+
+class Found(Case):
+    def test_csv(self):
+        self.put("in.csv", "int,big,neg,dec,bool,day,at,time,id,long,plus,sep,none,mix\n"
+                           "1,4294967294,-1,1.50,true,2026-01-31,2026-01-31T04:30,04:30,007,12345678901234567,+1,\"1,000\",,1\n"
+                           ",5,2,1e3,false,2026-02-01,2026-02-01,04:30:05.25,8,1,2,2,,x\n")
+        self.assertEqual(self.types("in.csv"), [
+            "int=integer K", "big=integer F", "neg=integer F", "dec=decimal F", "bool=boolean U", "day=date U", "at=datetime U",
+            "time=time U", "id=text U", "long=text U", "plus=text U", "sep=text U", "none=text U", "mix=text U"])
+        self.assertEqual(set(self.types("in.csv", "--types", "text")), {f"{name}=text U" for name in self.read("in.csv").splitlines()[0].split(",")})
+
+    def test_the_value_that_decides_is_named(self):
+        self.put("in.csv", "code,n,day\n1,1,2026-01-31\n2,,2026-02-01\n007,n/a,2026-02-02\n")
+        self.assertEqual(self.corvanta("schema", "in.csv", "-v").stdout,
+                         "code\tU\n    text because of '007' in row 3 (line 4); the values before it: integer\n"
+                         "n\tU\n    text because of 'n/a' in row 3 (line 4); the values before it: integer\n"
+                         "day\tU\n    date\n")
+        columns = json.loads(self.corvanta("schema", "in.csv", "-v", "--json").stdout)
+        self.assertEqual(columns[0]["decidedBy"], {"value": "007", "place": "row 3 (line 4)", "typeBefore": "integer"})
+        self.put("in.json", '[{"a":1},\n{"a":"x"}]')
+        self.assertIn("text because of 'x' in row 2 (line 2, column", self.corvanta("schema", "in.json", "-v").stdout)
+
+    def test_json_tokens_are_types(self):
+        self.put("in.json", '[{"n":1,"d":1.5,"s":"12","b":true,"day":"2026-01-31","e":"2026\\u002d01-31","x":12345678901234567890,"m":1},'
+                            '{"n":null,"d":2,"s":"13","b":null,"day":null,"e":"2026-01-31","x":1,"m":"1"}]')
+        self.assertEqual(self.types("in.json"), ["n=integer K", "d=decimal F", "s=text U", "b=boolean U", "day=date U", "e=date U",
+                                                 "x=integer U", "m=text U"])
+        self.assertNotIn("null", self.corvanta("head", "in.json").stdout)
+        self.corvanta("convert", "in.json", "out.csv")
+        self.assertEqual(self.read("out.csv").splitlines()[2], ",2,13,,,2026-01-31,1,1")
+        self.assertIn("null", self.corvanta("head", "in.json", "--reader", "nullIsMissing=0").stdout)
+
+    def test_levels_in_levels(self):
+        self.put("in.json", '{"orders":[{"id":1,"lines":[{"s":2.5},{"s":3}]},{"id":2,"lines":[{"s":4}]}]}')
+        self.assertEqual([text.split("=")[1] for text in self.types("in.json")], ["integer K", "decimal F"])
+        self.put("in.jsonl", '{"a":1}\n{"a":2}\n')
+        self.assertEqual(self.types("in.jsonl"), ["a=integer K"])
+
+    def test_xml_and_html(self):
+        self.put("in.xml", "<l><r k='1'><d>2026-01-31</d><p>1.5</p><t>a&amp;b</t></r><r k='2'><d>2026-02-01</d><p>&#50;</p><t/></r></l>")
+        self.assertEqual([text.split("=")[1] for text in self.types("in.xml")], ["integer K", "date U", "decimal F", "text U"])
+        self.put("in.html", "<table><tr><th>a</th><th>b</th></tr><tr><td>1</td><td><b>x</b></td></tr><tr><td>2</td><td>3</td></tr></table>")
+        self.assertEqual(self.types("in.html"), ["a=integer K", "b=text U"])
+
+    def test_dbase(self):
+        fields = [(b"C", b"C", 10), (b"N", b"N", 8), (b"D", b"D", 8), (b"L", b"L", 1)]
+        rows = [b" " + b"2.50".ljust(10) + b"7.25".rjust(8) + b"20260131" + b"T", b"*" + b"x".ljust(10) + b"x".rjust(8) + b"20260131" + b"T",
+                b" " + b"1".ljust(10) + b"12".rjust(8) + b"20260201" + b"F"]
+        header = struct.pack("<BxxxIHH20x", 3, len(rows), 32 + 32 * len(fields) + 1, len(rows[0]))
+        header += b"".join(struct.pack("<11sc4xB15x", name, kind, size) for name, kind, size in fields) + b"\r"
+        self.put("in.dbf", header + b"".join(rows))
+        self.assertEqual(self.types("in.dbf")[:2], ["C=decimal F", "N=decimal F"])
+
+    def test_a_sample_is_marked_and_all_rows_can_be_examined(self):
+        self.put("in.csv", "a\n" + "1\n" * 200000 + "x\n")
+        sample = self.corvanta("schema", "in.csv")
+        self.assertEqual(sample.stdout, "a\tK\n")
+        self.assertIn("The types of the columns are those of the first rows of 'in.csv' (--all examines all rows)", sample.stderr)
+        everything = self.corvanta("schema", "in.csv", "--all", "-v")
+        self.assertEqual(everything.stdout, "a\tU\n    text because of 'x' in row 200001 (line 200002); the values before it: integer\n")
+        self.assertEqual(everything.stderr, "")
+        self.put("small.csv", "a\n1\n")
+        self.assertEqual(self.corvanta("schema", "small.csv").stderr, "")
+
+    def test_columns_of_one_name_and_damage(self):
+        self.put("in.csv", "a,a,b\n1,x,2\n")
+        self.assertEqual(self.types("in.csv"), ["a=text U", "a=text U", "b=integer K"])
+        self.put("bad.csv", "a,b\n1,2\n3\n")
+        self.corvanta("convert", "bad.csv", "out.xlsx", status=1)
+        self.assertFalse((self.folder / "out.xlsx").exists())
+
+    def test_patterns_and_pipes(self):
+        self.put("p1.json", '[{"a":1}]')
+        self.put("p2.json", '[{"a":1.5}]')
+        self.assertEqual(self.types("p?.json"), ["a=decimal F"])
+        # More than the memory that keeps a pipe.
+        rows = 2_000_000
+        self.fifo("pipe.json", b"[" + b'{"a":1,"b":"2026-01-31","c":"xxxxx"},\n' * rows + b'{"a":7.5,"b":null,"c":"end"}]')
+        self.corvanta("convert", "pipe.json", "out.parquet")
+        self.assertEqual(self.types("out.parquet")[0], "a=decimal F")
+        tail = subprocess.run([CORVANTA, "convert", "out.parquet", "out.csv"], cwd=self.folder, check=True, capture_output=True)
+        self.assertEqual(tail.returncode, 0)
+        self.assertEqual(self.read("out.csv").splitlines()[-1], "7.5,,end")
+
+
+class Given(Case):
+    def test_letters(self):
+        self.put("in.csv", "a,b\n007,1\n8,2\n")
+        self.assertEqual(self.types("in.csv", "--types", "K,U"), ["a=integer K", "b=text U"])
+        self.corvanta("convert", "in.csv", "out.parquet", "--types", "K,U")
+        self.assertEqual(self.corvanta("schema", "out.parquet").stdout, "a\tK\nb\tU\n")
+        self.put("bad.csv", "a,b\nx,1\n")
+        error = self.corvanta("convert", "bad.csv", "out.parquet", "--types", "K,U", status=1).stderr
+        for part in ("bad.csv", "line 2", "column 'a'", "'x'"):
+            self.assertIn(part, error)
+
+    def test_usage(self):
+        self.put("in.csv", "a,b\n1,2\n")
+        self.assertIn("--types: 'Q' is not auto, text, or one of the letters", self.corvanta("schema", "in.csv", "--types", "Q", status=2).stderr)
+        self.assertIn("--types: 1 letter for the 2 columns of 'in.csv'", self.corvanta("schema", "in.csv", "--types", "K", status=2).stderr)
+        self.corvanta("convert", "in.csv", "in.parquet")
+        self.assertIn("--types: the columns of 'in.parquet' have types, and letters are only for files of texts",
+                      self.corvanta("schema", "in.parquet", "--types", "K,K", status=2).stderr)
+
+    def test_between_texts_cells_stay_as_they_are(self):
+        text = "a,b\n1.50,true\n1e3,\n+1,x\n"
+        self.put("in.csv", text)
+        for words in ([], ["--types", "auto"]):
+            self.corvanta("convert", "in.csv", "out.csv", *words)
+            self.assertEqual(self.read("out.csv"), text)
+        self.assertNotIn("types", self.corvanta("convert", "in.csv", "out.csv", "--print-graph").stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()
