@@ -56,6 +56,14 @@ TEST(NearestName, HasTheFewestChanges)
         EXPECT_EQ(nearestName(name, known), nearest) << name.toStdString();
     }
     EXPECT_TRUE(nearestNameHint(u"x"_s, {}).isEmpty());
+    // A beginning of three characters wins against a name with fewer changes.
+    const QStringList attributes = u"header separator sepia"_s.split(u' ');
+    EXPECT_EQ(nearestName(u"separ"_s, attributes), u"separator"_s);
+    EXPECT_EQ(nearestName(u"sepi"_s, attributes), u"sepia"_s);
+    EXPECT_EQ(nearestName(u"he"_s, {u"header"_s, u"hex"_s}), u"hex"_s);
+    EXPECT_EQ(nearestName(u"collumn"_s, {u"col"_s, u"column"_s}), u"column"_s);
+    EXPECT_EQ(closeName(u"sep"_s, {u"header"_s, u"separator"_s}), u"separator"_s);
+    EXPECT_EQ(closeName(u"xyz"_s, attributes), QString());
     // A swap of neighbours is one change, and long texts end.
     EXPECT_EQ(nearestName(u"ab"_s, {u"acc"_s, u"ba"_s}), u"ba"_s);
     const QString longName(1'000'000, u'x');

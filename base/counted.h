@@ -10,4 +10,14 @@ inline QString counted(qint64 count, const QString &noun)
     return QString::number(count) + u' ' + noun + (count == 1 ? QString() : QStringLiteral("s"));
 }
 
+/// The verb after such a count.
+inline QString isOrAre(qint64 count)
+{
+    return count == 1 ? QStringLiteral("is") : QStringLiteral("are");
+}
+inline QString hasOrHave(qint64 count)
+{
+    return count == 1 ? QStringLiteral("has") : QStringLiteral("have");
+}
+
 } // namespace corvanta

@@ -13,6 +13,9 @@ namespace {
 /// A longer text is not a misspelled name, and comparing it would take long.
 constexpr qsizetype kMaxChars = 100;
 
+/// From this size on, the beginning of a name is enough to mean it: "sep" for "separator".
+constexpr qsizetype kMinBeginning = 3;
+
 /// Number of single changes that make `b` of `a`; two neighbours that are swapped count as one.
 int distance(const QString &a, const QString &b)
 {
@@ -45,18 +48,34 @@ qsizetype commonBeginning(const QString &a, const QString &b)
     return std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin();
 }
 
+/// How far a name is from another one; the smaller value is nearer.
+struct Rank
+{
+    int changes = 0; ///< those of distance(); at most one when one name begins with the other
+    qsizetype notEqual = 0; ///< negative length of the equal beginning
+    int allChanges = 0;
+
+    auto operator<=>(const Rank &) const = default;
+};
+
+Rank rankOf(const QString &name, const QString &candidate)
+{
+    const QString a = name.left(kMaxChars).toLower();
+    const QString b = candidate.left(kMaxChars).toLower();
+    const int changes = distance(a, b);
+    const qsizetype equal = commonBeginning(a, b);
+    const bool isBeginning = equal >= kMinBeginning && equal == std::min(a.size(), b.size());
+    return {isBeginning ? std::min(changes, 1) : changes, -equal, changes};
+}
+
 } // namespace
 
 QString nearestName(const QString &name, const QStringList &known)
 {
-    const QString wanted = name.left(kMaxChars).toLower();
     QString nearest;
-    std::pair<int, qsizetype> best;
+    Rank best;
     for (const QString &candidate : known) {
-        const QString lower = candidate.left(kMaxChars).toLower();
-        // The longer beginning is better, so it counts negatively.
-        const std::pair<int, qsizetype> rank{distance(wanted, lower),
-                                             -commonBeginning(wanted, lower)};
+        const Rank rank = rankOf(name, candidate);
         if (nearest.isEmpty() || rank < best) {
             nearest = candidate;
             best = rank;
@@ -71,12 +90,23 @@ QString nearestNameHint(const QString &name, const QStringList &known)
     return nearest.isEmpty() ? QString() : u"; the nearest known name is '%1'"_s.arg(nearest);
 }
 
-QString closeNameHint(const QString &name, const QStringList &known)
+QString closeName(const QString &name, const QStringList &known)
 {
     const QString nearest = nearestName(name, known);
-    const int changes = distance(name.left(kMaxChars).toLower(), nearest.left(kMaxChars).toLower());
-    return 2 * changes <= std::max(name.size(), nearest.size()) ? nearestNameHint(name, known)
-                                                                : QString();
+    const int changes = rankOf(name, nearest).changes;
+    return 2 * changes <= std::max(name.size(), nearest.size()) ? nearest : QString();
+}
+
+QString closeNameHint(const QString &name, const QStringList &known)
+{
+    const QString close = closeName(name, known);
+    return close.isEmpty() ? QString() : nearestNameHint(name, {close});
+}
+
+QString missingColumnReason(const QString &name, const QStringList &columns)
+{
+    const QString hint = closeNameHint(name, columns);
+    return hint.isEmpty() ? QString() : u"the input has no such column"_s + hint;
 }
 
 } // namespace corvanta

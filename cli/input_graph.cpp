@@ -97,9 +97,9 @@ QString describe(const InputTable &table, qsizetype number)
         return describeSheet(table, number);
     }
     const QString cut = table.beginning.size() > kBeginningChars ? u"..."_s : QString();
-    return u"\n%1 %2: %3 rows x %4 columns: %5 (%6)"_s.arg(
+    return u"\n%1 %2: %3 x %4: %5 (%6)"_s.arg(
         table.isChosen ? u"*"_s : u" "_s, QString::number(number).rightJustified(3),
-        QString::number(table.rows), QString::number(table.columns),
+        counted(table.rows, u"row"_s), counted(table.columns, u"column"_s),
         visibleText(table.beginning.left(kBeginningChars) + cut), visibleText(table.path));
 }
 

@@ -3,6 +3,7 @@
 // A progress line on a terminal is erased before a message and written again after it.
 #include "log_sinks.h"
 
+#include "base/counted.h"
 #include "base/platform/terminal.h"
 #include "visible_text.h"
 
@@ -94,8 +95,8 @@ QString textOf(const RunSummary &summary)
 {
     const QString files =
         summary.files.isEmpty() ? u"no file written"_s : "wrote "_L1 + summary.files.join(", "_L1);
-    return u"%1 rows read in %2 s (%3 MB/s), %4"_s.arg(
-        QString::number(summary.rows), QString::number(summary.seconds, 'f', 2),
+    return u"%1 read in %2 s (%3 MB/s), %4"_s.arg(
+        counted(summary.rows, u"row"_s), QString::number(summary.seconds, 'f', 2),
         QString::number(summary.megabytesPerSecond, 'f', 1), files);
 }
 

@@ -1,4 +1,5 @@
 // run and check: load and validate a graph; run also adds the taps and runs it.
+#include "base/counted.h"
 #include "base/nearest_name.h"
 #include "base/system_error.h"
 #include "commands.h"
@@ -195,9 +196,9 @@ CommandResult<void> checkGraph(const CommandLine &line)
     if (line.has(u"--list-outputs"_s)) {
         printOutputs(checked, isJson);
     } else if (!isJson) {
-        std::printf("%s: %d actions, %d links: valid\n", qPrintable(visibleText(line.arguments[0])),
-                    static_cast<int>(checked.graph.actions.size()),
-                    static_cast<int>(checked.graph.links.size()));
+        std::printf("%s: %s, %s: valid\n", qPrintable(visibleText(line.arguments[0])),
+                    qPrintable(counted(std::ssize(checked.graph.actions), u"action"_s)),
+                    qPrintable(counted(std::ssize(checked.graph.links), u"link"_s)));
     }
     return {};
 }

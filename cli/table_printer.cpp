@@ -4,6 +4,7 @@
 // columns, combining marks none.
 #include "table_printer.h"
 
+#include "base/counted.h"
 #include "base/platform/terminal.h"
 #include "visible_text.h"
 
@@ -195,6 +196,6 @@ void TablePrinter::finish()
         const QString names = visibleText(left.join(", "_L1));
         std::fprintf(
             m_out, "and %s\n",
-            u"%1 more columns: %2"_s.arg(QString::number(left.size()), names).toUtf8().constData());
+            u"%1: %2"_s.arg(counted(left.size(), u"more column"_s), names).toUtf8().constData());
     }
 }

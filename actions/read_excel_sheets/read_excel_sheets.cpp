@@ -67,7 +67,7 @@ void ActionReadExcelSheets::warnSkipped()
     const qsizetype left = m_run.files.size() - m_run.file - 1;
     if (left > 0 && runIsGood()) {
         warn(u"Warning: %1 after it %2 not listed; the first is '%3'.\n"_s.arg(
-            counted(left, u"file"_s), left == 1 ? u"is"_s : u"are"_s, m_run.files[m_run.file + 1]));
+            counted(left, u"file"_s), isOrAre(left), m_run.files[m_run.file + 1]));
     }
 }
 

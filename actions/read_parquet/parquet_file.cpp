@@ -1,6 +1,8 @@
 // One file of a series: its decoder, and the counts of what its rows have lost.
 #include "actions/read_parquet/parquet_file.h"
 
+#include "base/counted.h"
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -25,8 +27,8 @@ void ParquetFile::beforeClose()
 {
     if (const Occurrences &chunks = m_reader->longChunks(); chunks.any()) {
         m_action.warn(
-            u"Warning: The Parquet file '%1' has %2 column chunks with more values than rows; the first is that of %3. The other values are not read\n"_s
-                .arg(m_name, QString::number(chunks.count()), chunks.first()));
+            u"Warning: The Parquet file '%1' has %2 with more values than rows; the first is that of %3. The other values are not read\n"_s
+                .arg(m_name, counted(chunks.count(), u"column chunk"_s), chunks.first()));
     }
     addLost();
 }

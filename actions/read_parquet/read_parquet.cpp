@@ -1,5 +1,6 @@
 #include "actions/read_parquet/read_parquet.h"
 
+#include "base/counted.h"
 #include "codecs/parquet/metadata/footer.h"
 #include "io/input/kept_pipe.h"
 #include "io/input/whole_input.h"
@@ -256,29 +257,29 @@ void ActionReadParquet::warnSkipped(const QString &name, const QStringList &colu
         warn(u"Warning: The Parquet file '%1' is read without %2\n"_s.arg(name, column));
     }
     if (columns.size() > kMaxReportedColumns) {
-        warn(u"Warning: more columns are left out (%1 more columns of the Parquet file '%2')\n"_s
-                 .arg(QString::number(columns.size() - kMaxReportedColumns), name));
+        warn(u"Warning: more columns are left out (%1 of the Parquet file '%2')\n"_s.arg(
+            counted(columns.size() - kMaxReportedColumns, u"column"_s), name));
     }
 }
 
-/// The texts have the count, the column and the first place as %1 to %3.
+/// The texts have the count, the column, the first place and the verb "is" or "are" as %1 to %4.
 QString ActionReadParquet::lossText(parquet::Loss loss)
 {
     switch (loss) {
     case parquet::Loss::Rounded:
     case parquet::Loss::RoundedUnsigned:
-        return u"Warning: %1 values of the column '%2' of Parquet files are rounded to 53 bits; the first is %3. Use logicalTypes='1' to read them exactly\n"_s;
+        return u"Warning: %1 of the column '%2' of Parquet files %4 rounded to 53 bits; the first is %3. Use logicalTypes='1' to read the column exactly\n"_s;
     case parquet::Loss::OtherNumber:
-        return u"Warning: %1 INT96 values of the column '%2' of Parquet files are read as other numbers; the first is %3. Use logicalTypes='1' to read them as timestamps\n"_s;
+        return u"Warning: %1 of the INT96 column '%2' of Parquet files %4 read as another number; the first is %3. Use logicalTypes='1' to read timestamps\n"_s;
     case parquet::Loss::ChangedText:
-        return u"Warning: %1 texts of the column '%2' of Parquet files are not UTF-8 and read as Latin-1, or end with zero bytes that are cut; the first is %3\n"_s;
+        return u"Warning: %1 of the column '%2' of Parquet files %4 not UTF-8 and read as Latin-1, or cut before zero bytes at the end; the first is %3\n"_s;
     case parquet::Loss::None:
     case parquet::Loss::NegativeKey:
     case parquet::Loss::MissingKey:
     case parquet::Loss::WideKey:
         break;
     }
-    return u"Warning: %1 values of the column '%2' of Parquet files are negative or too large for a key, and become other keys or missing; the first is %3. Use logicalTypes='1' to read them exactly\n"_s;
+    return u"Warning: %1 of the column '%2' of Parquet files %4 negative or too large for a key, and read as another key or as missing; the first is %3. Use logicalTypes='1' to read the column exactly\n"_s;
 }
 
 /// Report the values that were read as others. Called when no file is open.
@@ -289,7 +290,8 @@ void ActionReadParquet::warnLost()
             continue;
         }
         const QString text = lossText(lost.loss);
-        warn(text.arg(QString::number(lost.count), lost.column, lost.first));
+        const QString noun = lost.loss == parquet::Loss::ChangedText ? u"text"_s : u"value"_s;
+        warn(text.arg(counted(lost.count, noun), lost.column, lost.first, isOrAre(lost.count)));
     }
 }
 

@@ -148,14 +148,14 @@ void DataSetOutput::warnNames()
     const Occurrences &cut = m_run->cutLabels;
     if (cut.any()) {
         warn(
-            u"Warning: writing %1 '%2': %3 cut to %4 bytes; the first is that of the column '%5'\n"_s
+            u"Warning: writing %1 '%2': %3 %6 cut to %4 bytes; the first is that of the column '%5'\n"_s
                 .arg(fileKind(), fileName(), counted(cut.count(), u"label"_s),
-                     QString::number(maxLabelBytes()), cut.first()));
+                     QString::number(maxLabelBytes()), cut.first(), isOrAre(cut.count())));
     }
     const Occurrences &replaced = m_run->replacedInNames;
     if (replaced.any()) {
         warn(
-            u"Warning: writing %1 '%2': %3 names and labels have characters that cannot be stored and were replaced; the first is that of the column '%4'\n"_s
+            u"Warning: writing %1 '%2': names and labels have characters that cannot be stored and were replaced (count: %3); the first is that of the column '%4'\n"_s
                 .arg(fileKind(), fileName(), QString::number(replaced.count()), replaced.first()));
     }
 }
@@ -173,15 +173,11 @@ void DataSetOutput::warnUnknown(const char *parameter, const Occurrences &unknow
     if (!unknown.any()) {
         return;
     }
-    QStringList known;
-    for (int i = 0; i < columns.numberOfColumns(); ++i) {
-        known << columns.colName(i);
-    }
     warn(
         u"Warning: writing %1 '%2': %4 names %3 that the input does not have; the first is '%5'%6\n"_s
             .arg(fileKind(), fileName(), counted(unknown.count(), u"column"_s),
                  QString::fromLatin1(parameter), unknown.first(),
-                 closeNameHint(unknown.first(), known)));
+                 closeNameHint(unknown.first(), columns.schema().names)));
 }
 
 /// What the format of a text column counts; None for a text.
@@ -433,10 +429,10 @@ void DataSetOutput::warnCutTexts()
         const sas::RowCount &cut = m_run->packer->reports()[i].cut;
         if (cut.count > 0) {
             warn(
-                u"Warning: writing %1 '%2': %3 of the column '%4' cut to %5 bytes; the first is in row %6\n"_s
+                u"Warning: writing %1 '%2': %3 of the column '%4' %7 cut to %5 bytes; the first is in row %6\n"_s
                     .arg(fileKind(), fileName(), counted(cut.count, u"text"_s), columnName(i),
                          QString::number(m_run->packer->columns()[i].maxBytes),
-                         QString::number(cut.firstRow)));
+                         QString::number(cut.firstRow), isOrAre(cut.count)));
         }
     }
 }

@@ -1,5 +1,7 @@
 #include "actions/shared/level_writer.h"
 
+#include "base/counted.h"
+#include "base/nearest_name.h"
 #include "base/occurrences.h"
 
 #include <QCoreApplication>
@@ -120,6 +122,24 @@ QString LevelWriter::messageFor(const Fault<compose::LevelProblem> &fault,
     return levelMessage(fault.code, fault.detail, level.name);
 }
 
+QString LevelWriter::reasonFor(const Fault<compose::LevelProblem> &fault,
+                               const std::vector<WriteLevel> &declared, const OneRow &columns)
+{
+    if (fault.code == compose::LevelProblem::NoColumn ||
+        fault.code == compose::LevelProblem::NoPartitionColumn) {
+        return missingColumnReason(fault.detail, columns.schema().names);
+    }
+    if (fault.code != compose::LevelProblem::NoLevel) {
+        return {};
+    }
+    QStringList levels;
+    for (const WriteLevel &level : declared) {
+        levels << level.name;
+    }
+    const QString hint = closeNameHint(fault.detail, levels);
+    return hint.isEmpty() ? QString() : u"there is no such level"_s + hint;
+}
+
 compose::ValueRules LevelWriter::commonRules(std::u16string_view nullForm,
                                              std::u16string_view emptyForm) const
 {
@@ -176,7 +196,8 @@ bool LevelWriter::makeComposer(const OneRow &columns)
     const std::vector<WriteLevel> declared = declaredLevels();
     auto levels = compileLevels(declared, columns.view());
     if (!levels) {
-        return fail(messageFor(levels.fault(), declared));
+        return fail(messageFor(levels.fault(), declared),
+                    reasonFor(levels.fault(), declared, columns));
     }
     // Of the columns that some item writes, no matter on which level.
     QVector<int> written;
@@ -204,8 +225,8 @@ void LevelWriter::keepKeys(const std::vector<compose::ComposeLevel> &levels, con
     if (equal.any()) {
         warn(
             u"Warning: writing to %1 file '%2': %3 %4 the key of another column of the same item, so that readers may keep only one value; the first pair is %5\n"_s
-                .arg(texts().format, fileName(), QString::number(equal.count()),
-                     equal.count() == 1 ? u"column has"_s : u"columns have"_s, equal.first()));
+                .arg(texts().format, fileName(), counted(equal.count(), u"column"_s),
+                     hasOrHave(equal.count()), equal.first()));
     }
 }
 
@@ -360,11 +381,12 @@ void LevelWriter::noteLackingValues()
 
 void LevelWriter::reportLackingValues()
 {
-    if (m_run->composer && m_run->composer->lackingValues().count > 0) {
+    const qint64 lacking = m_run->composer ? m_run->composer->lackingValues().count : 0;
+    if (lacking > 0) {
         warn(
-            u"Warning: %1 items write nothing where the text around them in the %2 file '%3' needs a value, first at %4: the file is not valid. Let missing values be written (nullString, nullNumber, nan), or change the text items\n"_s
-                .arg(QString::number(m_run->composer->lackingValues().count), texts().format,
-                     fileName(), m_run->lackingPlace));
+            u"Warning: %1 %5 nothing where the text around them in the %2 file '%3' needs a value, first at %4: the file is not valid. Let missing values be written (nullString, nullNumber, nan), or change the text items\n"_s
+                .arg(counted(lacking, u"item"_s), texts().format, fileName(), m_run->lackingPlace,
+                     lacking == 1 ? u"writes"_s : u"write"_s));
     }
 }
 

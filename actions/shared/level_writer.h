@@ -110,6 +110,10 @@ private:
     /// Of a fault of compileLevels().
     QString messageFor(const Fault<compose::LevelProblem> &fault,
                        const std::vector<WriteLevel> &declared) const;
+    /// The reason of such a fault that names what the user most likely meant; empty if nothing is
+    /// close.
+    static QString reasonFor(const Fault<compose::LevelProblem> &fault,
+                             const std::vector<WriteLevel> &declared, const OneRow &columns);
     /// Compile the levels for the columns of the table and check the names of those written.
     bool makeComposer(const OneRow &columns);
     /// Keep the keys of columns, and warn about columns that one item writes with the same key.

@@ -247,6 +247,20 @@ TEST_F(LevelWriters, EveryMistakeInTheLevelsIsOneMessageAndNoFile)
     }
 }
 
+TEST_F(LevelWriters, AMisspelledNameIsFollowedByTheNearestOne)
+{
+    EXPECT_FALSE(run("<writeXML fileName='a.xml'><Levels><Level name='top'>"
+                     "<Item type='8' calledLevel='Tops'/></Level></Levels></writeXML>"));
+    EXPECT_TRUE(messages().ends_with(
+        "\n|3Reason: there is no such level; the nearest known name is 'top'.\n"))
+        << messages();
+    EXPECT_FALSE(run("<writeXML fileName='a.xml'><Levels><Level name='top'>"
+                     "<Item type='4'><s>K</s></Item></Level></Levels></writeXML>"));
+    EXPECT_TRUE(messages().ends_with(
+        "\n|3Reason: the input has no such column; the nearest known name is 'k'.\n"))
+        << messages();
+}
+
 TEST_F(LevelWriters, OtherMistakesHaveTheirMessages)
 {
     EXPECT_FALSE(run("<writeJSON fileName='a.json' splitFile='1' splitCol='%1'/>"));

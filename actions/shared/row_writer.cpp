@@ -1,6 +1,8 @@
 // The loop over the rows of all writers. A row passes in this order: output pin, check, file.
 #include "actions/shared/row_writer.h"
 
+#include "base/counted.h"
+#include "base/nearest_name.h"
 #include "corvanta/failure_reason.h"
 #include "corvanta/name_collision.h"
 
@@ -102,7 +104,9 @@ bool RowWriter::findTestColumn(const OneRow &columns)
         return true;
     }
     m_testColumn = columns.getIndexOfColumn(params.testCol);
-    return m_testColumn != kNoColumn || failWith(WriteProblem::NoTestColumn, params.testCol);
+    return m_testColumn != kNoColumn ||
+           failWith(WriteProblem::NoTestColumn, params.testCol,
+                    missingColumnReason(params.testCol, columns.schema().names));
 }
 
 bool RowWriter::findColumns(const OneRow &columns, QVector<int> *inputs)
@@ -118,7 +122,8 @@ bool RowWriter::findColumns(const OneRow &columns, QVector<int> *inputs)
         // Every missing name is reported, not only the first one.
         *inputs << columns.getIndexOfColumn(name);
         if (inputs->back() < 0) {
-            failWith(WriteProblem::NoColumn, name);
+            failWith(WriteProblem::NoColumn, name,
+                     missingColumnReason(name, columns.schema().names));
         }
     }
     return inputs->isEmpty() ? failWith(WriteProblem::NoColumns) : !inputs->contains(-1);
@@ -166,8 +171,8 @@ LockOptions RowWriter::lockOptions(const QString &file) const
 bool RowWriter::failLocked(const QString &file)
 {
     return fail(
-        u"ERROR: cannot write to the file '%1': another program has been writing to it for %2 seconds (see timeOut)\n"_s
-            .arg(file, QString::number(rowParams().timeOut)));
+        u"ERROR: cannot write to the file '%1': another program has been writing to it for %2 (see timeOut)\n"_s
+            .arg(file, counted(rowParams().timeOut, u"second"_s)));
 }
 
 } // namespace corvanta

@@ -297,10 +297,10 @@ bool ReadWorkbook::checkSize(const QString &name, const SheetTask &task, const T
     if (cells < kMaxSparseCells || task.scan.cells > cells / kSparseRatio) {
         return true;
     }
-    return fail(u"Error: The sheet '%2' of the workbook '%1' has only %3 cells in %4 rows and %5 "
-                "columns; select a part of it with range, or use emptyRows='1'\n"_s.arg(
-                    name, task.name, QString::number(task.scan.cells), QString::number(rows),
-                    QString::number(columns.names.size())));
+    return fail(u"Error: The sheet '%2' of the workbook '%1' has only %3 in %4 and %5; "
+                "select a part of it with range, or use emptyRows='1'\n"_s.arg(
+                    name, task.name, counted(task.scan.cells, u"cell"_s), counted(rows, u"row"_s),
+                    counted(columns.names.size(), u"column"_s)));
 }
 
 void ReadWorkbook::warnColumns(const QString &name, const SheetTask &task,
@@ -352,7 +352,7 @@ void ReadWorkbook::warnLateTexts()
         const bool isOne = late.size() == 1;
         warn(u"Warning: %1 only numbers in the first %2 and other values later; %3 read as "
              "text; the first is '%4', in %5\n"_s.arg(
-                 counted(std::ssize(late), u"column"_s) + (isOne ? u" has"_s : u" have"_s),
+                 counted(std::ssize(late), u"column"_s) + u' ' + hasOrHave(std::ssize(late)),
                  counted(m_run.scanRows, u"row"_s), isOne ? u"it is"_s : u"they are"_s,
                  late.front().column, late.front().place));
     }

@@ -1,5 +1,7 @@
 #include "actions/write_doc/write_doc.h"
 
+#include "base/counted.h"
+#include "base/nearest_name.h"
 #include "base/platform/files.h"
 #include "codecs/opc/markup_scan.h"
 #include "corvanta/failure_reason.h"
@@ -135,7 +137,8 @@ void ActionWriteDoc::finish()
 bool ActionWriteDoc::findColumn(const OneRow &columns, const QString &name, int *input)
 {
     *input = columns.getIndexOfColumn(name);
-    return *input >= 0 || fail(u"\nERROR: cannot find column '%1' on input pin\n"_s.arg(name));
+    return *input >= 0 || fail(u"\nERROR: cannot find column '%1' on input pin\n"_s.arg(name),
+                               missingColumnReason(name, columns.schema().names));
 }
 
 bool ActionWriteDoc::findColumns(const OneRow &columns)
@@ -285,8 +288,8 @@ bool ActionWriteDoc::checkCounts(const document::TextCounts &counts, const Colum
     m_run->innerBreaks.add(counts.innerBreaks, place);
     return counts.replaced == 0 ||
            fail(
-               u"ERROR: %1 has %2 characters that XML does not allow: remove them from the data.\n"_s
-                   .arg(place(), QString::number(counts.replaced)));
+               u"ERROR: %1 has %2 that XML does not allow: remove such characters from the data.\n"_s
+                   .arg(place(), counted(counts.replaced, u"character"_s)));
 }
 
 QString ActionWriteDoc::placeOf(const QString &column) const

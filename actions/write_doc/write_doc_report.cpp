@@ -1,6 +1,7 @@
 // What writeDoc says about templates and their markers: for "check --template", when a run first
 // uses a template, and at the end of the run.
 #include "actions/write_doc/write_doc.h"
+#include "base/counted.h"
 
 #include <algorithm>
 
@@ -129,22 +130,24 @@ void ActionWriteDoc::reportLeftMarkers()
     if (names.size() > kMaxReportedMarkers) {
         names = names.first(kMaxReportedMarkers) << u"..."_s;
     }
-    warn(u"Warning: %1 markers of the template '%2' stay in the documents: %3.\n"_s.arg(
-        QString::number(count), templateName(), names.join(u", "_s)));
+    warn(u"Warning: %1 of the template '%2' %4 left in the documents: %3.\n"_s.arg(
+        counted(count, u"marker"_s), templateName(), names.join(u", "_s), isOrAre(count)));
 }
 
 void ActionWriteDoc::reportTexts()
 {
     if (m_run->otherKinds.any()) {
         warn(
-            u"Warning: the names of %1 documents do not end like those of their templates, first '%2': Office programs may refuse to open them.\n"_s
-                .arg(QString::number(m_run->otherKinds.count()), m_run->otherKinds.first()));
+            u"Warning: %1 %3 a name that does not end like that of the template, first '%2': Office programs may refuse to open it.\n"_s
+                .arg(counted(m_run->otherKinds.count(), u"document"_s), m_run->otherKinds.first(),
+                     hasOrHave(m_run->otherKinds.count())));
     }
     // The default keeps the form that saved graphs expect; the parameter is the standard one.
     if (m_run->innerBreaks.any()) {
         warn(
-            u"Warning: %1 line breaks are inside text elements, where some programs do not show them, first in %2: set strictMarkup='1'.\n"_s
-                .arg(QString::number(m_run->innerBreaks.count()), m_run->innerBreaks.first()));
+            u"Warning: some programs do not show %1 inside text elements, first in %2: set strictMarkup='1'.\n"_s
+                .arg(counted(m_run->innerBreaks.count(), u"line break"_s),
+                     m_run->innerBreaks.first()));
     }
 }
 
@@ -152,8 +155,9 @@ void ActionWriteDoc::reportMarkers()
 {
     if (m_run->moreTemplates.any()) {
         warn(
-            u"Warning: %1 more templates have markers that stay in the documents, first '%2': \"corvanta check --template\" lists the markers of a template.\n"_s
-                .arg(QString::number(m_run->moreTemplates.count()), m_run->moreTemplates.first()));
+            u"Warning: %1 %3 markers that are left in the documents, first '%2': \"corvanta check --template\" lists the markers of a template.\n"_s
+                .arg(counted(m_run->moreTemplates.count(), u"more template"_s),
+                     m_run->moreTemplates.first(), hasOrHave(m_run->moreTemplates.count())));
     }
     QStringList missing;
     for (const std::vector<Column> *list : {&m_run->texts, &m_run->images}) {

@@ -1,5 +1,6 @@
 #include "actions/write_doc_table/write_doc_table.h"
 
+#include "base/counted.h"
 #include "codecs/document/document_part.h"
 #include "codecs/document/document_parts.h"
 #include "codecs/opc/marker_search.h"
@@ -159,13 +160,16 @@ std::vector<int> ActionWriteDocTable::widthsFor(const OneRow &columns)
             MainUI::Error,
             u"Warning reading table on input pin %1: Number of columns of input table does not match number of widths given?"_s
                 .arg(pin));
+        logReason(u"colWidths gives %1 for %2"_s.arg(
+            counted(given, u"width"_s), counted(columns.numberOfColumns(), u"column"_s)));
     }
     QStringList invalid;
     auto widths = document::columnWidths(list, columns.numberOfColumns(), &invalid);
     if (!invalid.isEmpty()) {
         warn(
-            u"Warning: %1 widths of the table on input pin %2 are not used, first '%3': a width is a whole number from 1 to 31680.\n"_s
-                .arg(QString::number(invalid.size()), pin, invalid.front()));
+            u"Warning: %1 of the table on input pin %2 %4 not used, first '%3': a width is a whole number from 1 to 31680.\n"_s
+                .arg(counted(invalid.size(), u"width"_s), pin, invalid.front(),
+                     isOrAre(invalid.size())));
     }
     return widths;
 }
@@ -212,8 +216,8 @@ bool ActionWriteDocTable::checkCounts(const document::TextCounts &counts, const 
     m_run->innerBreaks.add(counts.innerBreaks, place);
     return counts.replaced == 0 ||
            fail(
-               u"ERROR: %1 has %2 characters that XML does not allow: remove them from the data.\n"_s
-                   .arg(place(), QString::number(counts.replaced)));
+               u"ERROR: %1 has %2 that XML does not allow: remove such characters from the data.\n"_s
+                   .arg(place(), counted(counts.replaced, u"character"_s)));
 }
 
 bool ActionWriteDocTable::putRow(const OneRow &row)

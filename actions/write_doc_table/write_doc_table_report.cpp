@@ -1,5 +1,6 @@
 // What writeDocTable says about a template and the places of the tables in it.
 #include "actions/write_doc_table/write_doc_table.h"
+#include "base/counted.h"
 #include "codecs/document/document_part.h"
 #include "codecs/document/document_parts.h"
 #include "codecs/document/template_list.h"
@@ -171,8 +172,9 @@ void ActionWriteDocTable::reportTexts()
 {
     if (m_run->innerBreaks.any()) {
         warn(
-            u"Warning: %1 line breaks are inside text elements, where some programs do not show them, first in %2: set strictMarkup='1'.\n"_s
-                .arg(QString::number(m_run->innerBreaks.count()), m_run->innerBreaks.first()));
+            u"Warning: some programs do not show %1 inside text elements, first in %2: set strictMarkup='1'.\n"_s
+                .arg(counted(m_run->innerBreaks.count(), u"line break"_s),
+                     m_run->innerBreaks.first()));
     }
 }
 
@@ -191,8 +193,8 @@ void ActionWriteDocTable::reportLeft(const QByteArray &body,
     }
     if (left.any()) {
         warn(
-            u"Warning: %1 markers are not in a text, where a table can be, and stay in the document, first '%2'.\n"_s
-                .arg(QString::number(left.count()), left.first()));
+            u"Warning: %1 outside of texts, where no table can be, %3 left in the document, first '%2'.\n"_s
+                .arg(counted(left.count(), u"marker"_s), left.first(), isOrAre(left.count())));
     }
 }
 
@@ -212,8 +214,8 @@ void ActionWriteDocTable::reportOtherParts()
     }
     if (left.any()) {
         warn(
-            u"Warning: %1 markers stay in the document, first %2: tables are only possible in the body.\n"_s
-                .arg(QString::number(left.count()), left.first()));
+            u"Warning: %1 %3 left in the document, first %2: tables are only possible in the body.\n"_s
+                .arg(counted(left.count(), u"marker"_s), left.first(), isOrAre(left.count())));
     }
 }
 
@@ -234,13 +236,13 @@ void ActionWriteDocTable::reportPlaces(const std::vector<document::TablePlace> &
     }
     if (dropped.any()) {
         warn(
-            u"Warning: the texts before %1 markers in their paragraphs are dropped, first that before '%2': put markers into paragraphs of their own, or set strictMarkup='1'.\n"_s
-                .arg(QString::number(dropped.count()), dropped.first()));
+            u"Warning: the text before %1 in the same paragraph is dropped, first that before '%2': put markers into paragraphs of their own, or set strictMarkup='1'.\n"_s
+                .arg(counted(dropped.count(), u"marker"_s), dropped.first()));
     }
     if (inText.any()) {
         warn(
-            u"Warning: %1 tables are inside the text of a formatted paragraph, where some programs do not show them, first that at '%2': set strictMarkup='1'.\n"_s
-                .arg(QString::number(inText.count()), inText.first()));
+            u"Warning: some programs do not show %1 inside the text of a formatted paragraph, first that at '%2': set strictMarkup='1'.\n"_s
+                .arg(counted(inText.count(), u"table"_s), inText.first()));
     }
 }
 

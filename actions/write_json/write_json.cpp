@@ -1,6 +1,7 @@
 #include "actions/write_json/write_json.h"
 
 #include "actions/shared/split_name.h"
+#include "base/nearest_name.h"
 #include "codecs/compose/json_levels.h"
 
 #include <QCoreApplication>
@@ -101,7 +102,8 @@ bool ActionWriteJSON::prepareColumns(const OneRow &columns)
     if (m_splitColumn < 0) {
         return fail(
             u"ERROR writing to multiple JSON files: cannot find column '%1' for split."_s.arg(
-                m_params.splitCol));
+                m_params.splitCol),
+            missingColumnReason(m_params.splitCol, columns.schema().names));
     }
     // The first row names the first file, even if it is not selected.
     m_splitValue = columns.textView(m_splitColumn).toString();

@@ -3,6 +3,8 @@
 #include "actions/write_parquet/write_parquet.h"
 
 #include "actions/shared/split_name.h"
+#include "base/counted.h"
+#include "base/nearest_name.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -200,7 +202,8 @@ bool ActionWriteParquet::findSplitColumn(const OneRow &columns)
     // Kept for saved graphs: the other texts of a missing column have "File".
     return m_run->splitColumn >= 0 ||
            fail(u"\nERROR writing to Parquet file '%1': cannot find column '%2' for split\n"_s.arg(
-               fileName(), m_params.splitVar));
+                    fileName(), m_params.splitVar),
+                missingColumnReason(m_params.splitVar, columns.schema().names));
 }
 
 /// A table that is split by value opens its files with the rows that need them.
@@ -291,8 +294,8 @@ void ActionWriteParquet::warnOldSegments()
     const QString names = old.first(std::min(old.size(), kMaxNames)).join("', '"_L1);
     const QString others = old.size() > kMaxNames ? u" and others"_s : QString();
     warn(
-        u"Warning: %1 Parquet files of an earlier run stay next to the new ones: '%2'%3. Delete them if they are not needed\n"_s
-            .arg(QString::number(old.size()), names, others));
+        u"Warning: %1 of an earlier run %4 left next to the new ones: '%2'%3. Delete what is not needed\n"_s
+            .arg(counted(old.size(), u"Parquet file"_s), names, others, isOrAre(old.size())));
 }
 
 bool ActionWriteParquet::openOutput(const QString &value)
@@ -429,15 +432,15 @@ void ActionWriteParquet::addChanged(const Output &output)
 void ActionWriteParquet::warnNegativeKeys(const QString &name, const ChangedColumn &keys)
 {
     warn(
-        u"Warning: %1 keys of the column '%2' are above 2147483647 and stored as negative numbers; the first is %3. Use keyStorage='2' to store them as they are\n"_s
-            .arg(QString::number(keys.count), name, keys.first));
+        u"Warning: %1 of the column '%2' %4 above 2147483647 and stored as a negative number; the first is %3. Use keyStorage='2' to store keys as they are\n"_s
+            .arg(counted(keys.count, u"key"_s), name, keys.first, isOrAre(keys.count)));
 }
 
 void ActionWriteParquet::warnReplacedTexts(const QString &name, const ChangedColumn &texts)
 {
     warn(
-        u"Warning: %1 texts of the column '%2' have characters that a Parquet file cannot hold, which are replaced by U+FFFD; the first is %3\n"_s
-            .arg(QString::number(texts.count), name, texts.first));
+        u"Warning: %1 of the column '%2' %4 characters that a Parquet file cannot hold, which are replaced by U+FFFD; the first is %3\n"_s
+            .arg(counted(texts.count, u"text"_s), name, texts.first, hasOrHave(texts.count)));
 }
 
 void ActionWriteParquet::warnChanged()

@@ -3,6 +3,7 @@
 #include "actions/write_report/report_problems.h"
 #include "actions/write_report/shipped_template.h"
 #include "actions/write_report/write_report.h"
+#include "base/counted.h"
 #include "codecs/document/part_locations.h"
 #include "corvanta/main_ui.h"
 
@@ -170,9 +171,9 @@ void ActionWriteReport::reportWorkbooks()
     const document::PartLocations locations(templateReader());
     MainUI::addLog(
         MainUI::Info,
-        u"Note: %1 charts of the document '%2' keep the workbook of the template, first that with the tag '%3' (%4): \"Edit data\" in an office program shows the data of the template, and not that of the chart. To change the chart, run the graph with other rows\n"_s
-            .arg(QString::number(std::count_if(first, parts.end(), hasWorkbook)), documentFile(),
-                 first->tags.front().reference,
+        u"Note: the workbook of the template is kept for %1 of the document '%2', first that with the tag '%3' (%4): \"Edit data\" in an office program shows the data of the template, and not that of the chart. To change the chart, run the graph with other rows\n"_s
+            .arg(counted(std::count_if(first, parts.end(), hasWorkbook), u"chart"_s),
+                 documentFile(), first->tags.front().reference,
                  placeOf(locations, first->member, chartFolderOf(templateName()))));
 }
 

@@ -2,6 +2,8 @@
 
 #include "actions/write_report/report_problems.h"
 #include "actions/write_report/shipped_template.h"
+#include "base/counted.h"
+#include "base/nearest_name.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -211,13 +213,15 @@ bool ActionWriteReport::startPin(const OneRow &columns)
 {
     m_run.isPinStarted = true;
     const QString *missing = m_run.data.startPin(m_run.pin, columns);
-    return missing == nullptr || failColumn(*missing, m_run.pin);
+    return missing == nullptr ||
+           failColumn(*missing, m_run.pin, missingColumnReason(*missing, columns.schema().names));
 }
 
-bool ActionWriteReport::failColumn(const QString &column, int pin)
+bool ActionWriteReport::failColumn(const QString &column, int pin, const QString &reason)
 {
     return fail(
-        u"\nERROR: cannot find column '%1' on input pin %2.\n"_s.arg(column, QString::number(pin)));
+        u"\nERROR: cannot find column '%1' on input pin %2.\n"_s.arg(column, QString::number(pin)),
+        reason);
 }
 
 QString ActionWriteReport::templateFile() const
@@ -387,17 +391,17 @@ void ActionWriteReport::reportValues(const charts::ChartTag &tag, const ReportCh
     // Programs draw a gap there, which looks like a value that was never measured.
     if (found.gaps.count > 0) {
         warn(
-            u"Warning: %1 points of the tag '%2' are left out, because another cell of their row is empty; the first is in row %3\n"_s
-                .arg(QString::number(found.gaps.count), tag.reference,
-                     QString::number(found.gaps.firstIndex + 1)));
+            u"Warning: %1 of the tag '%2' %4 left out, because another cell of the row is empty; the first is in row %3\n"_s
+                .arg(counted(found.gaps.count, u"point"_s), tag.reference,
+                     QString::number(found.gaps.firstIndex + 1), isOrAre(found.gaps.count)));
     }
     for (size_t axis = 0; axis < found.notNumbers.size(); ++axis) {
         const charts::ValueCount &bad = found.notNumbers[axis];
         if (bad.count > 0) {
             warn(
-                u"Warning: %1 values of the column '%2' are not numbers and are 0 in the chart of the tag '%3'; the first is in row %4. Give the series texts in the template to keep them\n"_s
-                    .arg(QString::number(bad.count), chart.axes[axis].column, tag.reference,
-                         QString::number(bad.firstIndex + 1)));
+                u"Warning: %1 of the column '%2' %5 not numeric and written as 0 to the chart of the tag '%3'; the first is in row %4. Give the series texts in the template to keep texts\n"_s
+                    .arg(counted(bad.count, u"value"_s), chart.axes[axis].column, tag.reference,
+                         QString::number(bad.firstIndex + 1), isOrAre(bad.count)));
         }
     }
 }

@@ -66,7 +66,7 @@ private:
     /// Find the columns that charts use of the current pin.
     bool startPin(const OneRow &columns);
     /// Always false.
-    bool failColumn(const QString &column, int pin);
+    bool failColumn(const QString &column, int pin, const QString &reason = {});
 
     // The template.
 

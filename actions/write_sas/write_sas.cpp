@@ -146,10 +146,10 @@ void ActionWriteSAS::makeDifferent(const QStringList &columns, std::vector<QByte
         *names, columns, isValidMode ? Qt::CaseInsensitive : Qt::CaseSensitive, sas::kMaxNameBytes);
     if (!changed.empty()) {
         warn(
-            u"Warning: writing SAS file '%1': %2 changed, because of empty or equal names; the first is column %3, '%4', which is now '%5'\n"_s
+            u"Warning: writing SAS file '%1': %2 %6 changed, because names must be different and not empty; the first is column %3, '%4', which is now '%5'\n"_s
                 .arg(fileName(), counted(std::ssize(changed), u"column name"_s),
                      QString::number(changed.front() + 1), columnName(changed.front()),
-                     QString::fromUtf8((*names)[changed.front()])));
+                     QString::fromUtf8((*names)[changed.front()]), isOrAre(std::ssize(changed))));
     }
 }
 

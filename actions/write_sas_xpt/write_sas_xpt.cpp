@@ -138,9 +138,9 @@ void ActionWriteSASXPT::setNames(const QStringList &columns, std::vector<sas::Va
     }
     if (count > 0) {
         warn(
-            u"Warning: writing SAS transport file '%1': %2 changed to fit the format: %3%4. The labels have the whole names, except of columns with a label of their own\n"_s
+            u"Warning: writing SAS transport file '%1': %2 %5 changed to fit the format: %3%4. The labels have the whole names, except of columns with a label of their own\n"_s
                 .arg(fileName(), counted(count, u"column name"_s), changes.join(u", "_s),
-                     count > kMaxListed ? u" and others"_s : QString()));
+                     count > kMaxListed ? u" and others"_s : QString(), isOrAre(count)));
     }
 }
 

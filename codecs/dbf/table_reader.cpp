@@ -13,6 +13,7 @@
 #include "codecs/dbf/table_reader.h"
 
 #include "base/bytes.h"
+#include "base/counted.h"
 #include "base/number.h"
 
 #include <emmintrin.h>
@@ -225,8 +226,9 @@ Fault<Error> TableReader::shortTable() const
     const auto offset =
         static_cast<qint64>(m_findings.records) * m_header.recordBytes + m_header.headerBytes;
     return {Error::ShortTable,
-            QStringLiteral("it ends after %1 of %2 records")
-                .arg(QString::number(m_findings.records), QString::number(m_header.recordCount)),
+            QStringLiteral("it ends after %1 of %2")
+                .arg(QString::number(m_findings.records),
+                     counted(m_header.recordCount, QStringLiteral("record"))),
             offset};
 }
 

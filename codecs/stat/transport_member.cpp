@@ -12,6 +12,7 @@
 // in SAS Transport Format".
 #include "codecs/stat/transport_member.h"
 
+#include "base/counted.h"
 #include "codecs/stat/check/checked_reader.h"
 #include "codecs/stat/check/header_check.h"
 
@@ -77,9 +78,9 @@ Result<TransportLayout, Error> layoutOf(CheckedReader &in, qint64 variables)
         return damaged(QStringLiteral("its data set has no variables"));
     }
     if (variables < 0 || variables > in.remaining() / kDescriptorBytes) {
-        return damaged(
-            QStringLiteral("the header announces %1 variables, and the file has %2 bytes")
-                .arg(QString::number(variables), QString::number(in.position() + in.remaining())));
+        return damaged(QStringLiteral("the header announces %1, and the file has %2 bytes")
+                           .arg(counted(variables, QStringLiteral("variable")),
+                                QString::number(in.position() + in.remaining())));
     }
     TransportLayout layout;
     layout.rowBytes = rowBytesOf(in, variables);
@@ -206,10 +207,11 @@ Result<void, Error> checkRows(ByteSource &source, const TransportLayout &layout)
                           .arg(QString::number(source.size()), QString::number(kRecordBytes)));
     }
     if (layout.rows > bytes / layout.rowBytes) {
-        return cutOff(QStringLiteral("the header announces %1 rows of %2 "
-                                     "bytes, and %3 bytes follow")
-                          .arg(QString::number(layout.rows), QString::number(layout.rowBytes),
-                               QString::number(bytes)));
+        return cutOff(QStringLiteral("the header announces %1 of %2, "
+                                     "and %3 follow")
+                          .arg(counted(layout.rows, QStringLiteral("row")),
+                               counted(layout.rowBytes, QStringLiteral("byte")),
+                               counted(bytes, QStringLiteral("byte"))));
     }
     constexpr qint64 kMaxPadding = 64 * 1024; // usually less than a record
     CheckedReader in(source);

@@ -121,7 +121,7 @@ class Report(unittest.TestCase):
         status, log = self.run_graph(text.replace("</graph>", second))
         self.assertEqual(status, 0)
         self.assertEqual(self.warnings(log), [
-            "Warning: 1 points of the tag 's' are left out, because another cell of their row is empty; the first is in row 3\n"])
+            "Warning: 1 point of the tag 's' is left out, because another cell of the row is empty; the first is in row 3\n"])
         out = members(self.folder / "out.xlsx")[PART]
         self.assertIn(b'<c:ptCount val="3"/><c:pt idx="0"><c:v>7</c:v></c:pt><c:pt idx="1"><c:v>8</c:v></c:pt></c:numLit>', out)
 
@@ -129,9 +129,9 @@ class Report(unittest.TestCase):
         (self.folder / "data.csv").write_text("n,a\nA,1\n,2\nC, + \nD,x\nE,\n")
         log, out = self.fill(types="U,U")
         self.assertEqual(self.warnings(log), [
-            "Warning: 2 points of the tag 's' are left out, because another cell of their row is empty; the first is in row 2\n",
-            "Warning: 3 values of the column 'a' are not numbers and are 0 in the chart of the tag 's'; the first is in row 3. "
-            "Give the series texts in the template to keep them\n"])
+            "Warning: 2 points of the tag 's' are left out, because another cell of the row is empty; the first is in row 2\n",
+            "Warning: 3 values of the column 'a' are not numeric and written as 0 to the chart of the tag 's'; the first is in row 3. "
+            "Give the series texts in the template to keep texts\n"])
         root = ElementTree.fromstring(out[PART])
         self.assertEqual(data_of(root.find(f".//{{{CHART}}}cat")), ("strLit", 5, {0: "A", 2: "C", 3: "D"}))
         self.assertEqual(data_of(root.find(f".//{{{CHART}}}val")), ("numLit", 5, {0: "1", 2: "0", 3: "0", 4: "0"}))
@@ -253,7 +253,7 @@ class Report(unittest.TestCase):
         log, _ = self.fill(output="out.docx")
         self.assertEqual(log, [
             (2, "Warning: the name of the document '{folder}/out.docx' does not end like that of its template: Office programs may refuse to open it.\n"),
-            (3, f"Note: 1 charts of the document '{{folder}}/out.docx' keep the workbook of the template, first that with the tag 's' (sheet chart): "
+            (3, f"Note: the workbook of the template is kept for 1 chart of the document '{{folder}}/out.docx', first that with the tag 's' (sheet chart): "
              "\"Edit data\" in an office program shows the data of the template, and not that of the chart. To change the chart, run the graph "
              "with other rows\n")])
 

@@ -216,7 +216,7 @@ class Mistakes(Case):
 
     def test_a_valid_graph_is_counted(self):
         self.graph(self.writer("<writeCSV fileName='o.csv'/>"))
-        self.assertEqual(self.corvanta("check", "g.graph").stdout, "g.graph: 2 actions, 1 links: valid\n")
+        self.assertEqual(self.corvanta("check", "g.graph").stdout, "g.graph: 2 actions, 1 link: valid\n")
 
 
 class Missing(Case):
@@ -437,8 +437,8 @@ class CommandLine(Case):
         quiet = self.corvanta("convert", "in.csv", "no/o.csv", "--progress", "always", "--quiet", status=1).stderr.splitlines()
         self.assertIn("Reason: ", quiet[-2])
         last = quiet[-1]
-        self.assertRegex(last, r"[0-9]+ rows read in [0-9.]+ s \([0-9.]+ MB/s\), no file written")
-        self.assertRegex(self.corvanta("head", "in.csv", "--progress=always").stderr, r"^[0-9]+ rows read .*, no file written\n$")
+        self.assertRegex(last, r"[0-9]+ rows? read in [0-9.]+ s \([0-9.]+ MB/s\), no file written")
+        self.assertRegex(self.corvanta("head", "in.csv", "--progress=always").stderr, r"^[0-9]+ rows? read .*, no file written\n$")
         for words in (["--progress", "auto"], ["--progress", "never"], []):
             self.assertEqual(self.corvanta("convert", "in.csv", "o.csv", *words).stderr, "")
 

@@ -11,17 +11,18 @@ from document_case import CORVANTA, DOCUMENT, LINK, RELATIONSHIPS, DocumentTest,
 
 CORPUS = pathlib.Path(sys.argv[2])
 TYPES = "[Content_Types].xml"
-FORBIDDEN = "ERROR: {} has {} characters that XML does not allow: remove them from the data.\n"
-LEFT = "Warning: {} markers of the template '{}/t.docx' stay in the documents: {}.\n"
-BREAKS = "Warning: {} line breaks are inside text elements, where some programs do not show them, first in {}: set strictMarkup='1'.\n"
+FORBIDDEN = "ERROR: {} has {} that XML does not allow: remove such characters from the data.\n"
+LEFT = "Warning: 1 marker of the template '{}/t.docx' is left in the documents: {}.\n"
+SEVERAL_LEFT = "Warning: {} markers of the template '{}/t.docx' are left in the documents: {}.\n"
+BREAKS = "Warning: some programs do not show {} inside text elements, first in {}: set strictMarkup='1'.\n"
 
 
 class WriteDoc(DocumentTest):
     def test_texts_replace_every_marker(self):
         self.word(office.paragraph("1 %text% 2 %text%%text% %text %Text%") + office.paragraph('<w:x a="%text%"/>'))
         body = self.letter("a & <b> ]]> é\r\nc\nd\\ne\"")[DOCUMENT].decode()
-        self.assertEqual(self.log[2], [LEFT.format(1, self.folder, "'%Text%' in body (no column of this name in 'text')"),
-                                       BREAKS.format(2, "row 1, column 'text'"),
+        self.assertEqual(self.log[2], [LEFT.format(self.folder, "'%Text%' in body (no column of this name in 'text')"),
+                                       BREAKS.format("2 line breaks", "row 1, column 'text'"),
                                        "Warning: no template has a marker for 1 of the columns: '%photo%'.\n"])
         value = "a &amp; &lt;b> ]]&gt; é<w:br/>c<w:br/>d\\ne\""
         self.assertIn(f"<w:t>1 {value} 2 {value}{value} %text %Text%</w:t>", body)
@@ -34,7 +35,7 @@ class WriteDoc(DocumentTest):
         self.word(office.paragraph("[%text%]"))
         self.assertIn("[\ufffd\t\U0001F600\x7f]", self.letter("\ufffd\t\U0001F600\x7f")[DOCUMENT].decode())
         (self.folder / "out.docx").unlink()
-        self.fails(FORBIDDEN.format("row 1, column 'text'", 2), self.write_doc([("out.docx", "t.docx", "a\x01b\uffff\tc", "")]))
+        self.fails(FORBIDDEN.format("row 1, column 'text'", "2 characters"), self.write_doc([("out.docx", "t.docx", "a\x01b\uffff\tc", "")]))
         self.word(office.paragraph("no marker"))
         self.letter("a\x01b")
 
@@ -89,7 +90,7 @@ class WriteDoc(DocumentTest):
     def test_markers_that_runs_divide(self):
         self.word("<w:p><w:r><w:t>[%te</w:t></w:r><w:r><w:rPr><w:b/></w:rPr><w:t>xt%]</w:t></w:r></w:p>")
         self.assertEqual(self.letter()[DOCUMENT], members(self.folder / "t.docx")[DOCUMENT])
-        self.assertEqual(self.log[2][0], f"Warning: 1 markers of the template '{self.folder}/t.docx' stay in the documents: '%text%' in body (type "
+        self.assertEqual(self.log[2][0], f"Warning: 1 marker of the template '{self.folder}/t.docx' is left in the documents: '%text%' in body (type "
                          "it again in one go, or set joinRuns='1').\n")
         self.assertIn(b"<w:t>[x</w:t></w:r><w:r><w:rPr><w:b/></w:rPr><w:t>]</w:t>", self.letter(attributes="joinRuns='1'")[DOCUMENT])
 
@@ -113,7 +114,7 @@ class WriteDoc(DocumentTest):
     def test_all_parts(self):
         self.word(office.paragraph("%text%"), footer=office.paragraph("%text%"))
         self.assertIn(b"%text%", self.letter(images=())["word/footer1.xml"])
-        self.assertEqual(self.log[2], [LEFT.format(1, self.folder, "'%text%' in footer 1 (set allParts='1')")])
+        self.assertEqual(self.log[2], [LEFT.format(self.folder, "'%text%' in footer 1 (set allParts='1')")])
         self.assertIn(b"<w:t>x</w:t>", self.letter(attributes="allParts='1'", images=())["word/footer1.xml"])
         self.assertEqual(self.log[2], [])
 
@@ -123,11 +124,11 @@ class WriteDoc(DocumentTest):
                   LINK, footer="<w:p><w:r><w:t>%te</w:t></w:r><w:r><w:t>xt%</w:t></w:r></w:p>")
         self.letter(images=())
         left = [f"'%{name}%' in body (no column of this name in 'text')" for name in names]
-        self.assertEqual(self.log[2], [LEFT.format(14, self.folder, ", ".join([*left[:10], "..."]))])
+        self.assertEqual(self.log[2], [SEVERAL_LEFT.format(14, self.folder, ", ".join([*left[:10], "..."]))])
         self.word(office.paragraph("%text%") + f"<w:p>{office.picture('rId2', 40, 40)}{office.picture('rId3', 40, 40)}</w:p>", LINK,
                   "file:///C:/%20%C3%BCber%20uns.png", footer="<w:p><w:r><w:t>%te</w:t></w:r><w:r><w:t>xt%</w:t></w:r></w:p>")
         self.letter(images=())
-        self.assertEqual(self.log[2], [LEFT.format(
+        self.assertEqual(self.log[2], [SEVERAL_LEFT.format(
             2, self.folder, "'%photo%' in picture in the body (no column of this name in 'image'), '%text%' in footer 1 (type it again in one "
             "go, or set joinRuns='1'; set allParts='1')")])
         # The warnings come before an error; those of many templates are counted.
@@ -136,7 +137,7 @@ class WriteDoc(DocumentTest):
         rows = [(f"o{i}.docx", f"t{i % 12}.docx", "", "") for i in range(24)]
         _, log = self.write_doc(rows, images=())
         self.assertEqual((len(log[2]), log[2][-1]), (
-            11, f"Warning: 2 more templates have markers that stay in the documents, first '{self.folder}/t10.docx': \"corvanta check --template\" "
+            11, f"Warning: 2 more templates have markers that are left in the documents, first '{self.folder}/t10.docx': \"corvanta check --template\" "
             "lists the markers of a template.\n"))
 
     def test_markers_in_addresses_of_links(self):
@@ -147,7 +148,7 @@ class WriteDoc(DocumentTest):
         (self.folder / "link.docx").replace(self.folder / "t.docx")
         self.assertIn(link, self.letter(images=())[RELATIONSHIPS])
         why = "put it into a text: addresses of links are not changed"
-        self.assertEqual(self.log[2], [LEFT.format(1, self.folder, f"'%text%' in address of a link in the body ({why})")])
+        self.assertEqual(self.log[2], [LEFT.format(self.folder, f"'%text%' in address of a link in the body ({why})")])
         done = subprocess.run([CORVANTA, "check", "--template", "t.docx"], cwd=self.folder, capture_output=True, text=True, check=False)
         self.assertEqual(done.stdout.splitlines()[1:], [
             f"t.docx: {name} in address of a link in the body (word/document.xml): not found in a run: {why}" for name in ("%text%", "%other%")])
@@ -155,8 +156,8 @@ class WriteDoc(DocumentTest):
     def test_names_of_another_kind_than_the_template(self):
         self.word(office.paragraph("%text%"), name="t.dotx")
         _, log = self.write_doc([("out.docx", "t.dotx", "", ""), ("out", "t.dotx", "", "")], images=())
-        self.assertEqual(log[2], [f"Warning: the names of 2 documents do not end like those of their templates, first '{self.folder}/out.docx'"
-                                  ": Office programs may refuse to open them.\n"])
+        self.assertEqual(log[2], [f"Warning: 2 documents have a name that does not end like that of the template, first '{self.folder}/out.docx'"
+                                  ": Office programs may refuse to open it.\n"])
         self.word(office.paragraph("%T1%"), name="t.dotx")
         reader = self.table([("a",), ("1",)])
         _, log = self.run_graph([reader, "<writeDocTable template='t.dotx' output='out.docx'><v colWidths='9'/></writeDocTable>"])
@@ -352,8 +353,8 @@ class WriteDocTable(DocumentTest):
         self.assertRegex(styles, '<w:style w:type="table" w:styleId="TableGrid"><w:name w:val="Table Grid"/><w:basedOn w:val="TableNormal"/>'
                          '.*</w:style></w:styles>$')
         self.assertEqual({name: old[name] for name in written}, written)
-        self.assertEqual(self.log[2], [BREAKS.format(1, "row 1, column 'b' of input pin 1"), "Warning: 2 tables are inside the text of a "
-                                       "formatted paragraph, where some programs do not show them, first that at '%T2%': set "
+        self.assertEqual(self.log[2], [BREAKS.format("1 line break", "row 1, column 'b' of input pin 1"), "Warning: some programs do not show 2 tables inside "
+                                       "the text of a formatted paragraph, first that at '%T2%': set "
                                        "strictMarkup='1'.\n"])
 
     def test_line_breaks_and_styles(self):
@@ -364,23 +365,24 @@ class WriteDocTable(DocumentTest):
                                   attributes="template='t.docx' output='out.docx' " + attributes)
             self.assertIn(self.expected([("1&lt;", text), ("&amp;", "")], (1, 2), "Report").encode(), written[DOCUMENT])
             self.assertEqual([w for w in self.log[2] if "line breaks" in w],
-                             [BREAKS.format(2, "row 1, column 'b' of input pin 1")] if "LF" in attributes else [])
+                             [BREAKS.format("2 line breaks", "row 1, column 'b' of input pin 1")] if "LF" in attributes else [])
         self.report(("colWidths='1,2' styleID='No&lt;ne'", [("a", "b"), ("1", "")]))
         self.assertEqual(self.log[2], ["Warning: the template has no style 'No<ne': the table at '%T1%' has no format.\n"])
 
     def test_characters_that_xml_does_not_have(self):
         self.word(office.paragraph("%T1%"))
-        for rows, place, count in (([("a", "b"), ("1", "2"), ("\x02\x03", "")], "row 2, column 'a' of input pin 1", 2),
-                                   ([("a", "b\x04"), ("1", "2")], "the name of the column 'b\x04' of input pin 1", 1)):
+        for rows, place, count in (([("a", "b"), ("1", "2"), ("\x02\x03", "")], "row 2, column 'a' of input pin 1", "2 characters"),
+                                   ([("a", "b\x04"), ("1", "2")], "the name of the column 'b\x04' of input pin 1", "1 character")):
             self.fails(FORBIDDEN.format(place, count), self.write_tables(("includeHeaders='1' colWidths='1,2'", rows)))
 
     def test_widths(self):
         self.word(office.paragraph("%T1%"))
         written = self.report(("colWidths='100,x,0'", [("a", "b", "c", "d"), "1234"]))
         self.assertIn(self.expected(["1234"], (100, 2990, 2990, 2990)).encode(), written[DOCUMENT])
-        self.assertEqual((self.log[1], self.log[2]), (
+        self.assertEqual((self.log[1], self.log[2], self.log[3]), (
             ["Warning reading table on input pin 1: Number of columns of input table does not match number of widths given?"],
-            ["Warning: 2 widths of the table on input pin 1 are not used, first 'x': a width is a whole number from 1 to 31680.\n"]))
+            ["Warning: 2 widths of the table on input pin 1 are not used, first 'x': a width is a whole number from 1 to 31680.\n"],
+            ["Reason: colWidths gives 3 widths for 4 columns.\n"]))
 
     def test_markers(self):
         divided = "<w:p><w:r><w:t>%T</w:t></w:r><w:r><w:t>1%</w:t></w:r></w:p>"
@@ -392,7 +394,7 @@ class WriteDocTable(DocumentTest):
             "WARNING reading table on input pin 2: Input table is empty?",
             "Warning: the marker '%T1%' is divided into several runs and stays in the document: type it again in one go, or set "
             "joinRuns='1'.\n", "Warning: the template has no marker '%T3%': the table on input pin 3 is not written.\n",
-            "Warning: the texts before 1 markers in their paragraphs are dropped, first that before '%T2%': put markers into paragraphs of "
+            "Warning: the text before 1 marker in the same paragraph is dropped, first that before '%T2%': put markers into paragraphs of "
             "their own, or set strictMarkup='1'.\n"])
         body = self.report(*tables, attributes="template='t.docx' output='out.docx' joinRuns='1' strictMarkup='1'")[DOCUMENT].decode()
         self.assertIn(self.expected([("1",)], (9,)) + '<w:p><w:r><w:t xml:space="preserve"></w:t></w:r><w:r><w:t></w:t></w:r></w:p>'
@@ -402,14 +404,14 @@ class WriteDocTable(DocumentTest):
     def test_markers_outside_of_the_body(self):
         self.word(office.paragraph("%T1%"), footer=office.paragraph("%T1% %T1% %x%"))
         self.report(("colWidths='9'", [("a",), ("1",)]))
-        self.assertEqual(self.log[2], ["Warning: 2 markers stay in the document, first '%T1%' in footer 1: tables are only possible in the body.\n"])
+        self.assertEqual(self.log[2], ["Warning: 2 markers are left in the document, first '%T1%' in footer 1: tables are only possible in the body.\n"])
 
     def test_markers_that_are_not_in_a_text(self):
         body = '<w:p><w:r><w:x a="%T1%"/><w:t>%T1%</w:t></w:r></w:p>'
         self.word(body)
         written = self.report(("colWidths='9'", [("a",), ("1",)]))[DOCUMENT].decode()
         self.assertIn(body.replace(">%T1%", ">" + self.expected([("1",)], (9,))), written)
-        self.assertIn("Warning: 1 markers are not in a text, where a table can be, and stay in the document, first '%T1%'.\n",
+        self.assertIn("Warning: 1 marker outside of texts, where no table can be, is left in the document, first '%T1%'.\n",
                       self.log[2])
 
     def test_styles_without_an_end_or_in_another_form(self):

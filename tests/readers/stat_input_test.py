@@ -164,7 +164,7 @@ class StatInput(unittest.TestCase):
         self.convert("p.sas7bdat", "q.sas7bdat")
         self.assertRegex(self.schema("q.sas7bdat"), r"(?s)price\t.*A price with a label of more than forty bytes.*DOLLAR10.2.*n\t.*COMMA8")
         found = self.convert("q.sas7bdat", "q.xpt")
-        self.assertIn("': 1 label cut to 40 bytes; the first is that of the column 'price'\n", found)
+        self.assertIn("': 1 label is cut to 40 bytes; the first is that of the column 'price'\n", found)
         self.assertRegex(self.schema("q.xpt"), r"(?s)price\t.*A price with a label of more than forty\t.*DOLLAR10.2")
         # The labels are the values.
         self.convert("v.sav", "l.xpt", "--reader", "extractLabels=1")

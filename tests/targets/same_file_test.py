@@ -307,7 +307,7 @@ class SameFile(unittest.TestCase):
                 log = [json.loads(line) for line in done.stderr.splitlines()]
                 self.assertEqual([message["level"] for message in log], [3, 1], log)
                 self.assertIn(f"Waiting: another program is writing to the file '{self.folder}/{name}'", log[0]["message"])
-                self.assertIn(f"'{self.folder}/{name}': another program has been writing to it for 1 seconds (see timeOut)",
+                self.assertIn(f"'{self.folder}/{name}': another program has been writing to it for 1 second (see timeOut)",
                               log[1]["message"])
                 self.assertEqual((self.folder / name).read_bytes(), before)
                 # a stop while it waits

@@ -10,6 +10,7 @@
 // the subheader F7F7F7F7, word 6 is the number of rows, and word 7 that of deleted ones.
 //
 // Public description: "SAS7BDAT Database Binary Format" (M. Shotwell).
+#include "base/counted.h"
 #include "codecs/stat/check/header_check.h"
 #include "codecs/stat/check/sas_header.h"
 
@@ -106,10 +107,11 @@ Result<void, Error> checkSas(ByteSource &source)
     if (page < kSmallestPage || page > kLargestPage || header->bytes > size ||
         header->pages > static_cast<quint64>((size - header->bytes) / page)) {
         return Fault{Error::Damaged,
-                     QStringLiteral("the header announces %1 pages of %2 bytes after %3 bytes, but "
+                     QStringLiteral("the header announces %1 of %2 bytes after %3 bytes, but "
                                     "the file has %4 bytes")
-                         .arg(QString::number(header->pages), QString::number(page),
-                              QString::number(header->bytes), QString::number(size))};
+                         .arg(counted(static_cast<qint64>(header->pages), QStringLiteral("page")),
+                              QString::number(page), QString::number(header->bytes),
+                              QString::number(size))};
     }
     return {};
 }

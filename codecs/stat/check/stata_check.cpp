@@ -10,6 +10,7 @@
 //              that of the texts of strL, the 12th that of the value labels, before "</stata_dta>"
 //
 // Public description: "help dta" of Stata.
+#include "base/counted.h"
 #include "codecs/stat/check/header_check.h"
 #include "codecs/stat/long_texts.h"
 
@@ -30,9 +31,10 @@ Result<void, Error> checkCounts(const CheckedReader &in, qint64 fileBytes, qint6
     // Each variable also has a name, a format and a label in the dictionary.
     if (static_cast<quint64>(variables) > size || (variables > 0 && rows > size)) {
         return Fault{Error::Damaged,
-                     QStringLiteral("the header announces %1 variables and %2 rows, which the file "
+                     QStringLiteral("the header announces %1 and %2, which the file "
                                     "is too small for")
-                         .arg(QString::number(variables), QString::number(rows))};
+                         .arg(counted(static_cast<qint64>(variables), QStringLiteral("variable")),
+                              counted(static_cast<qint64>(rows), QStringLiteral("row")))};
     }
     return {};
 }
