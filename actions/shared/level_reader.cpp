@@ -2,6 +2,7 @@
 
 #include "actions/shared/input_sample.h"
 #include "actions/shared/scanned_columns.h"
+#include "base/counted.h"
 
 #include <algorithm>
 #include <tuple>
@@ -218,8 +219,8 @@ void LevelReader::reportUnread(const markup::UnreadParts &unread, const QString 
     const auto countOf = [](const Occurrences &of) { return QString::number(of.count()); };
     if (unread.bytesAfterNul > 0) {
         warn(u"Warning: the data of file '%1' ends at a NUL character (%2); what follows is not "
-             "read (count: %3 bytes)\n"_s.arg(name, unread.nulPlace,
-                                              QString::number(unread.bytesAfterNul)));
+             "read (count: %3)\n"_s.arg(name, unread.nulPlace,
+                                        counted(unread.bytesAfterNul, u"byte"_s)));
     }
     if (unread.strayTexts.any()) {
         warn(u"Warning: text outside of the values of file '%1' is not read (count: %2, first at "
@@ -229,6 +230,11 @@ void LevelReader::reportUnread(const markup::UnreadParts &unread, const QString 
         warn(u"Warning: single values among the records of file '%1' give rows without a value "
              "(count: %2, first at %3)\n"_s.arg(name, countOf(unread.bareValues),
                                                 unread.bareValues.first()));
+    }
+    if (unread.bareArrays.any()) {
+        warn(u"Warning: arrays among the records of file '%1' give rows without a value (count: "
+             "%2, first at %3)\n"_s.arg(name, countOf(unread.bareArrays),
+                                        unread.bareArrays.first()));
     }
     if (unread.unreadItems > 0) {
         warn(u"Warning: values of the records of file '%1' are not read because no item names them "

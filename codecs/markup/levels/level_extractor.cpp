@@ -157,7 +157,9 @@ UnreadParts LevelExtractor::unread() const
 {
     UnreadParts unread = m_unread;
     if (!hasFoundItems()) {
-        unread.bareValues.reset(); // missingPaths() says more
+        // missingPaths() says more
+        unread.bareValues.reset();
+        unread.bareArrays.reset();
     }
     if (m_countsUnread) {
         addRepeats(m_levels.front()->level.initialPath, m_reader->repeats(), &unread);
@@ -205,12 +207,10 @@ void LevelExtractor::enterLevels(size_t level, quint32 occurrence, CellArena &la
         m_deepest = level;
         state.arena.reset();
         state.found = state.paths.resolve(tree(), occurrence);
-        CellArena &arena = isLast(level) ? lastArena : state.arena;
-        fillRow(state, arena);
-        const TreeItem &node = tree().item(occurrence);
-        const bool isText = node.count(ItemKind::Text) > 0 && node.count(ItemKind::Child) == 0;
-        if (m_countsUnread && (isText || state.paths.hasNewRepeats())) {
-            countUnread(state, isText);
+        fillRow(state, isLast(level) ? lastArena : state.arena);
+        Occurrences *const odd = oddKind(occurrence);
+        if (m_countsUnread && (odd != nullptr || state.paths.hasNewRepeats())) {
+            countUnread(state, odd);
         }
         if (m_options.countsUnread) {
             placeUnread(state);
@@ -240,15 +240,39 @@ bool LevelExtractor::isReadOutside(const LevelState &state) const
     return false;
 }
 
+/// Where an occurrence is counted that is not a record; null for a record.
+inline Occurrences *LevelExtractor::oddKind(quint32 occurrence)
+{
+    const TreeItem &node = tree().item(occurrence);
+    if (node.count(ItemKind::Child) == 0) {
+        return node.count(ItemKind::Text) > 0 ? &m_unread.bareValues : nullptr;
+    }
+    // Only values of a JSON array have no name. The item after an occurrence is inside it.
+    const TreeItem &first = tree().item(occurrence + 1);
+    const bool isArray = first.kind == ItemKind::Child && tree().raw(first.text).isEmpty();
+    return isArray ? &m_unread.bareArrays : nullptr;
+}
+
+/// The place of the first text in the occurrence that is in the file.
+QString LevelExtractor::placeOfText(quint32 occurrence) const
+{
+    const std::span<const TreeItem> inside =
+        tree().items().subspan(occurrence, tree().item(occurrence).next - occurrence);
+    const auto text = std::ranges::find_if(inside, [](const TreeItem &item) {
+        return item.kind == ItemKind::Text && !item.text.isExternal();
+    });
+    const auto index = text == inside.end() ? 0 : text - inside.begin();
+    return m_reader->placeOf(occurrence + static_cast<quint32>(index));
+}
+
 /// Count what the occurrence has and the row does not show. Rarely called.
-void LevelExtractor::countUnread(LevelState &state, bool isText)
+void LevelExtractor::countUnread(LevelState &state, Occurrences *odd)
 {
     state.paths.placeRepeats([this](quint32 item) { return m_reader->placeOf(item); });
     const bool hasItem =
         std::ranges::any_of(state.found, [](quint32 item) { return item != MarkupTree::kNone; });
-    if (isText && !hasItem && !isReadOutside(state)) {
-        m_unread.bareValues.add(
-            [&] { return m_reader->placeOf(tree().first(state.occurrence, ItemKind::Text)); });
+    if (odd != nullptr && !hasItem && !isReadOutside(state)) {
+        odd->add([&] { return placeOfText(state.occurrence); });
     }
 }
 

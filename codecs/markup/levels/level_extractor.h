@@ -93,7 +93,9 @@ private:
     void scanText(TextSpan text, quint32 item, values::ColumnScan *scan);
     void scanCell(const uchar *cell, quint32 item, values::ColumnScan *scan) const;
     bool isReadOutside(const LevelState &state) const;
-    void countUnread(LevelState &state, bool isText);
+    Occurrences *oddKind(quint32 occurrence);
+    QString placeOfText(quint32 occurrence) const;
+    void countUnread(LevelState &state, Occurrences *odd);
     void placeUnread(LevelState &state);
     static void addInner(PathSet *paths, const LevelState &inner);
     static void addRepeats(const QString &path, const PathSet::Repeats &repeats,

@@ -222,6 +222,18 @@ TEST(LevelExtractor, KnowsWhichSingleValuesAreRead)
     EXPECT_EQ(extractor.unread().bareValues.first(), u"line 1, column 19"_s);
 }
 
+// An array in place of a record gives a row without a cell; an empty one loses nothing.
+TEST(LevelExtractor, CountsArraysAmongRecords)
+{
+    MemorySource source("[{\"v\":1},\n[5,{\"v\":6}],[],\n[[],[[7]]],{\"w\":0}]");
+    JSONTokenizer tokenizer(source, 0, u"");
+    LevelExtractor extractor(levelsOf({u"||v"_s}), {});
+    EXPECT_EQ(extract(extractor, tokenizer).toStdString(), "1;-;-;-;-;");
+    EXPECT_EQ(extractor.unread().bareArrays.count(), 2);
+    EXPECT_EQ(extractor.unread().bareArrays.first(), u"line 2, column 2"_s);
+    EXPECT_FALSE(extractor.unread().bareValues.any());
+}
+
 // An error costs its line, whatever it is; a document of several lines is not JSON Lines.
 TEST(LevelExtractor, ResumesAtTheNextLine)
 {

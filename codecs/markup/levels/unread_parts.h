@@ -28,6 +28,8 @@ struct UnreadParts
     /// Occurrences that are a single text, in which no item of their level was found: rows without
     /// a cell.
     Occurrences bareValues;
+    /// The same for JSON arrays with values.
+    Occurrences bareArrays;
     /// Elements and attributes of occurrences that no item reads; the place of the first, with its
     /// path from the occurrence. Only with ExtractOptions::countsUnread.
     qint64 unreadItems = 0;
