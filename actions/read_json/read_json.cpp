@@ -184,15 +184,12 @@ void ActionReadJSON::logPlace(const markup::MarkupResult &result, const QString 
 
 /// Structure errors beyond the 50th are not reported, however many files have one.
 bool ActionReadJSON::documentFails(const markup::MarkupResult &result, const QString &name,
-                                   const QString &why)
+                                   const InputFailure &failure)
 {
     if (isFromPin() && result.error == MarkupError::NoTagFound) {
         return true; // a row may be blank; a file may not
     }
-    // The reason comes before the position, with the same level.
-    if (!why.isEmpty()) {
-        MainUI::addLog(m_params.ignoreErrors ? MainUI::Warning : MainUI::Error, why);
-    }
+    failure.log(m_params.ignoreErrors ? MainUI::Warning : MainUI::Error);
     const auto text = QString::fromUtf16(markup::errorText(result.error));
     if (!m_params.ignoreErrors) {
         fail(u"ERROR: JSON structure error '%1' in file '%3' at line %2\n"_s.arg(

@@ -71,7 +71,7 @@ private:
     /// Structure errors fail the run or, with ignoreErrors, are warnings.
     bool skipsFaults() const override { return m_params.ignoreErrors; }
     bool documentFails(const markup::MarkupResult &result, const QString &name,
-                       const QString &why) override;
+                       const InputFailure &failure) override;
     /// Log where a structure error is: the column of the first character that is not expected, from
     /// 1, in UTF-16 units.
     static void logPlace(const markup::MarkupResult &result, const QString &name);

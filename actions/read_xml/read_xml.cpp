@@ -266,7 +266,7 @@ void ActionReadXML::warnDroppedBytes(const QString &name)
 
 /// Report why a document cannot be read further. Returns true to continue with the next one.
 bool ActionReadXML::documentFails(const markup::MarkupResult &result, const QString &name,
-                                  const QString &why)
+                                  const InputFailure &failure)
 {
     // The bytes that were dropped before the error may explain it.
     warnDroppedBytes(name);
@@ -281,9 +281,7 @@ bool ActionReadXML::documentFails(const markup::MarkupResult &result, const QStr
     }
     // An empty page does not fail the run.
     const bool isSkipped = m_params.skipCorruptedFiles || (isEmpty && m_params.readHTML);
-    if (!why.isEmpty()) {
-        MainUI::addLog(isSkipped ? MainUI::Warning : MainUI::Error, why);
-    }
+    failure.log(isSkipped ? MainUI::Warning : MainUI::Error);
     return reportStructureError(result, name, isSkipped);
 }
 

@@ -67,7 +67,7 @@ private:
     void documentEnds(const QString &name) override { warnDroppedBytes(name); }
     bool skipsFaults() const override { return m_params.skipCorruptedFiles; }
     bool documentFails(const markup::MarkupResult &result, const QString &name,
-                       const QString &why) override;
+                       const InputFailure &failure) override;
     bool isInsideValue() const override { return false; }
     /// Invalid bytes are dropped silently by the tokenizer: one warning per document.
     void warnDroppedBytes(const QString &name);

@@ -195,6 +195,14 @@ bool LevelRun::documentEnds()
     return true;
 }
 
+void LevelRun::Format::InputFailure::log(MainUI::LogLevel level) const
+{
+    if (!text.isEmpty()) {
+        MainUI::addLog(level, text);
+        logReason(reason);
+    }
+}
+
 /// A failure that the action forgives ends the document, or only a line of it.
 bool LevelRun::documentFails(markup::MarkupResult failure, Found *found)
 {
@@ -207,13 +215,13 @@ bool LevelRun::documentFails(markup::MarkupResult failure, Found *found)
     if (m_extractor.badValue()) {
         return badValue(failure.line);
     }
-    const QString why = m_file == nullptr ? QString() : m_file->failure();
-    const QString reason = m_file == nullptr ? QString() : m_file->reason();
+    const Format::InputFailure why =
+        m_file == nullptr ? Format::InputFailure()
+                          : Format::InputFailure{m_file->failure(), m_file->reason()};
     if (!m_format.skipsFaults()) {
         readToEnd(); // a run that has failed cannot read
     }
     const bool continues = m_format.documentFails(failure, documentName(), why);
-    logReason(reason);
     if (!continues) {
         m_format.reportUnread(m_extractor.unread(), m_texts ? m_input.column : m_fileName);
         return false;

@@ -49,10 +49,17 @@ public:
         virtual void documentEnds(const QString &name) = 0;
         /// True when the format continues after a structure error.
         virtual bool skipsFaults() const = 0;
-        /// The document is invalid. `why` is the message of the input file if that failed, else
-        /// empty.
+        /// What the input file says when it failed; empty when its data is invalid.
+        struct InputFailure
+        {
+            QString text;
+            QString reason;
+
+            void log(MainUI::LogLevel level) const;
+        };
+        /// The document is invalid. The format logs `failure` first, at the level that it chooses.
         virtual bool documentFails(const markup::MarkupResult &result, const QString &name,
-                                   const QString &why) = 0;
+                                   const InputFailure &failure) = 0;
         /// Called after the last retry, also for a file that exists but cannot be opened.
         virtual bool fileIsMissing(const QString &name) = 0;
         /// The input pin lacks the column with the documents, or is not linked.
