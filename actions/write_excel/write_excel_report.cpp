@@ -5,6 +5,7 @@
 #include "actions/shared/params/writer_params.h"
 #include "actions/write_excel/write_excel.h"
 #include "base/counted.h"
+#include "base/nearest_name.h"
 #include "codecs/xlsx/name_rules.h"
 
 #include <QCoreApplication>
@@ -121,8 +122,10 @@ void ActionWriteExcel::reportMissingNames(const OneRow &columns, const char *lis
     }
     if (!missing.isEmpty()) {
         warn(u"Warning: writing to Excel file '%1': cannot find %2 of %3: '%4'\n"_s.arg(
-            fileName(), counted(missing.size(), u"column"_s), QString::fromLatin1(list),
-            missing.join(u"', '")));
+                 fileName(), counted(missing.size(), u"column"_s), QString::fromLatin1(list),
+                 missing.join(u"', '")),
+             missing.size() == 1 ? missingColumnReason(missing.front(), columns.schema().names)
+                                 : QString());
     }
 }
 
@@ -231,6 +234,12 @@ void ActionWriteExcel::reportSheet()
         warn(
             u"Warning: the header row of the table '%1' in the sheet '%2' of the Excel file '%3' is overwritten, and no longer has the names of the table's columns: the workbook may not open.\n"_s
                 .arg(table, sheet, fileName()));
+    }
+    for (const xlsx::SheetConflicts::RowsBelow &rows : conflicts.rowsBelow) {
+        warn(
+            u"Warning: %1 from row %2 in the sheet '%3' of the Excel file '%4' %5 below the table '%6', which does not include what is below it: extend the table in a spreadsheet program.\n"_s
+                .arg(counted(rows.count, u"row"_s), QString::number(rows.firstRow), sheet,
+                     fileName(), isOrAre(rows.count), rows.table));
     }
     if (!conflicts.mergedRanges.empty()) {
         warn(

@@ -131,4 +131,13 @@ bool losesHeader(const Table &table, const WrittenCells &written)
            written.header.mid(table.range.firstColumn, table.columns.size()) != table.columns;
 }
 
+qint64 rowsBelow(const Table &table, const WrittenCells &written)
+{
+    CellRange touched = table.range;
+    ++touched.lastRow;
+    return overlap(touched, written.range)
+               ? std::max<qint64>(written.range.lastRow - table.range.lastRow, 0)
+               : 0;
+}
+
 } // namespace corvanta::xlsx

@@ -54,5 +54,8 @@ struct Table
 Result<Table, opc::Error> readTable(QByteArrayView text);
 /// Whether the header row of the table no longer has the names of its columns.
 bool losesHeader(const Table &table, const WrittenCells &written);
+/// The number of written rows that continue the table below its last row, and so are not part of
+/// it.
+qint64 rowsBelow(const Table &table, const WrittenCells &written);
 
 } // namespace corvanta::xlsx

@@ -281,6 +281,8 @@ SheetConflicts UpdatedWorkbook::conflicts(const WrittenCells &written) const
     for (const Table &table : m_tables) {
         if (losesHeader(table, written)) {
             found.tables << table.name;
+        } else if (const qint64 rows = rowsBelow(table, written); rows > 0) {
+            found.rowsBelow.push_back({table.name, table.range.lastRow + 1, rows});
         }
     }
     for (const CellRange &merged : m_splitter->tailFacts().mergedRanges) {

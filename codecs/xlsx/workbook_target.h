@@ -25,6 +25,14 @@ struct SheetConflicts
 {
     QStringList tables;                  ///< names of tables that lost their header row
     std::vector<CellRange> mergedRanges; ///< hide written cells
+    /// Rows directly below a table, which does not include them.
+    struct RowsBelow
+    {
+        QString table;       ///< its name
+        qint64 firstRow = 1; ///< from 1
+        qint64 count = 0;
+    };
+    std::vector<RowsBelow> rowsBelow;
 };
 
 /// Rows are written with the SheetWriter that the caller creates after begin() in the open member.

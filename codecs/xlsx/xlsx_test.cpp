@@ -371,6 +371,11 @@ TEST(CellRange, KnowsWhatAnUpdateDamages)
     EXPECT_TRUE(losesHeader(*table, written(2, 3, same, true)));
     EXPECT_FALSE(losesHeader(*table, written(2, 3, same, false)));
     EXPECT_FALSE(losesHeader(*table, written(6, 9, other, true)));
+    const qint64 last = table->range.lastRow;
+    EXPECT_EQ(rowsBelow(*table, written(6, last, {}, false)), 0);
+    EXPECT_EQ(rowsBelow(*table, written(6, last + 2, {}, false)), 2);
+    EXPECT_EQ(rowsBelow(*table, written(last + 1, last + 1, {}, false)), 1);
+    EXPECT_EQ(rowsBelow(*table, written(last + 2, last + 9, {}, false)), 0);
     EXPECT_FALSE(readTable("<table ref='x'/>"));
 }
 

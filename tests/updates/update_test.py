@@ -329,6 +329,14 @@ class Losses(UpdateCase):
                 done = self.update(f"mode='2' sheetName='Data' {more}", with_table(header_row, names))
                 self.assertEqual(done, (0, [warning] * warnings))
 
+    def test_rows_below_a_table_are_not_part_of_it(self):
+        warning = ("Warning: %s from row 6 in the sheet 'Data' of the Excel file 'book.xlsx' %s below the table 'Sales', "
+                   "which does not include what is below it: extend the table in a spreadsheet program.\n")
+        for start, warnings in ((3, []), (4, [warning % ("1 row", "is")]), (6, [warning % ("3 rows", "are")]), (7, [])):
+            with self.subTest(start=start):
+                done = self.update(f"mode='2' sheetName='Data' startRow='{start}'", with_table(2, ("x", "y")))
+                self.assertEqual(done, (0, warnings))
+
     def test_merged_ranges_that_hide_cells_are_counted(self):
         tail = "<mergeCells count='3'><mergeCell ref='A1:D2'/><mergeCell ref='B3:C3'/><mergeCell ref='D4:E9'/><mergeCell ref='A5:A6'/></mergeCells>"
         warning = "Warning: %s in the sheet 'Data' of the Excel file 'book.xlsx' may hide written cells; the first is %s.\n"
