@@ -1,8 +1,10 @@
 // actions and describe: print what the prototypes of the actions say about themselves.
+#include "base/counted.h"
 #include "base/nearest_name.h"
 #include "commands.h"
 #include "corvanta/action_base.h"
 #include "corvanta/action_registry.h"
+#include "corvanta/params/saved_form.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -10,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -65,7 +68,26 @@ QStringList conditionTexts(const ParameterInfo &info)
     return texts;
 }
 
-/// One parameter; "choices", "unit", "usedWhen", "element" and "members" only where they apply.
+/// Whether `low` and `high` say something about the values.
+bool isNumber(const ParameterInfo &info)
+{
+    return (info.type == ParameterInfo::Type::Integer && info.choices.isEmpty()) ||
+           info.isNumberText;
+}
+
+/// Adds the bounds that the parameter declares; those of its C++ type are not of interest.
+void addRange(const ParameterInfo &info, QJsonObject *entry)
+{
+    if (isNumber(info) && info.low > std::numeric_limits<int>::min()) {
+        entry->insert(u"low"_s, info.low);
+    }
+    if (isNumber(info) && info.high < std::numeric_limits<int>::max()) {
+        entry->insert(u"high"_s, info.high);
+    }
+}
+
+/// One parameter; "low", "high", "required", "choices", "explanations", "unit", "usedWhen",
+/// "element" and "members" only where they apply.
 QJsonObject parameterEntry(const ParameterInfo &info)
 {
     QJsonObject entry{{u"name"_s, info.name},
@@ -73,8 +95,15 @@ QJsonObject parameterEntry(const ParameterInfo &info)
                       {u"default"_s, info.defaultValue},
                       {u"label"_s, info.label},
                       {u"meaning"_s, info.meaning}};
+    addRange(info, &entry);
+    if (info.isRequired) {
+        entry[u"required"_s] = true;
+    }
     if (!info.choices.isEmpty()) {
         entry[u"choices"_s] = QJsonArray::fromStringList(info.choices);
+    }
+    if (!info.explanations.isEmpty()) {
+        entry[u"explanations"_s] = QJsonArray::fromStringList(info.explanations);
     }
     if (!info.unit.isEmpty()) {
         entry[u"unit"_s] = info.unit;
@@ -100,8 +129,8 @@ QJsonArray parameterEntries(const QVector<ParameterInfo> &infos)
 QString pinText(const ActionItem &action)
 {
     const int in = action.maxPinIn();
-    const QString inputs = in > 2 ? u"any number of input pins"_s : u"%1 input pin(s)"_s.arg(in);
-    return u"%1, %2 output pin(s)"_s.arg(inputs, QString::number(action.pinOutCount()));
+    const QString inputs = in > 2 ? u"any number of input pins"_s : counted(in, u"input pin"_s);
+    return inputs + ", "_L1 + counted(action.pinOutCount(), u"output pin"_s);
 }
 
 /// How a list of texts is saved; all other values are attributes or structures.
@@ -116,6 +145,16 @@ void printForm(const ParameterInfo &info, const QString &indent)
                         : u"Saved as the element <%1><s>TEXT</s>...</%1>.\n"_s.arg(info.name)));
 }
 
+/// One line per choice, with the sentence about it.
+void printChoices(const ParameterInfo &info, const QString &indent)
+{
+    for (qsizetype i = 0; i < info.choices.size(); ++i) {
+        const QString sentence = info.explanations.value(i);
+        print(u"%1%2 = %3%4\n"_s.arg(indent, QString::number(i), info.choices[i],
+                                     sentence.isEmpty() ? sentence : ": "_L1 + sentence));
+    }
+}
+
 /// Name, type and default, then the meaning, the choices and the members of a structure, indented.
 void printParameter(const ParameterInfo &info, const QString &indent)
 {
@@ -125,6 +164,12 @@ void printParameter(const ParameterInfo &info, const QString &indent)
     print(u"%1%2 (%3, default %4)\n"_s.arg(indent, info.name, ActionParameters::typeName(info.type),
                                            defaultText));
     print(u"%1%2\n"_s.arg(inner, info.meaning));
+    if (isNumber(info)) {
+        print(u"%1Allowed: %2.\n"_s.arg(inner, allowedValues(info)));
+    }
+    if (info.isRequired) {
+        print(u"%1Required: must not be empty.\n"_s.arg(inner));
+    }
     if (!info.unit.isEmpty()) {
         print(u"%1Unit: %2.\n"_s.arg(inner, info.unit));
     }
@@ -132,9 +177,7 @@ void printParameter(const ParameterInfo &info, const QString &indent)
         print(u"%1Used only when %2.\n"_s.arg(inner, conditionTexts(info).join(u", and "_s)));
     }
     printForm(info, inner);
-    for (qsizetype i = 0; i < info.choices.size(); ++i) {
-        print(u"%1%2 = %3\n"_s.arg(inner, QString::number(i), info.choices[i]));
-    }
+    printChoices(info, inner);
     if (!info.members.isEmpty()) {
         print(u"%1Each element '%2' holds\n"_s.arg(inner, info.itemElement));
     }
