@@ -330,7 +330,8 @@ TEST(Structures, KeepWhatTheTableDoesNotDeclare)
         const panels::Action action = panels::fromXml(xml);
         action->setIdx(0);
         const panels::Panel panel(action->createPanel(nullptr));
-        QTest::keyClick(panel->findChild<QWidget *>(parameter)->focusProxy(), Qt::Key_Insert);
+        QTest::keyClick(panel->findChild<QWidget *>(parameter)->focusProxy(),
+                        parameter == "nPinIn"_L1 ? Qt::Key_Down : Qt::Key_Insert);
         return graph.toXml();
     };
     for (const auto &[xml, parameter, kept] :
@@ -354,7 +355,11 @@ TEST(Structures, KeepWhatTheTableDoesNotDeclare)
           {"<writeReport nPinIn='1' output='o' template='t'><Chart type='0' name='n' x='1'><axis "
            "pinIdx='0' y='1'>c</axis></Chart></writeReport>",
            u"Chart"_s,
-           {"x='1'", "y='1'"}}}) {
+           {"x='1'", "y='1'"}},
+          {"<writeReport nPinIn='2' output='o' template='t'><Chart type='0' name='n' x='1'><axis "
+           "pinIdx='1' y='1'>c</axis><z/></Chart></writeReport>",
+           u"nPinIn"_s,
+           {"nPinIn='1'", "x='1'", "pinIdx='0' y='1'", "<z"}}}) {
         const QByteArray document = edited(xml, parameter);
         EXPECT_EQ(history.undo() != nullptr, true) << parameter.toStdString();
         for (const QByteArray &part : kept) {

@@ -7,6 +7,8 @@
 #include "corvanta/main_ui.h"
 #include "graph/node_writer.h"
 
+#include <algorithm>
+#include <map>
 #include <memory>
 #include <sstream>
 
@@ -37,6 +39,17 @@ QString elementsOf(const XMLNode &parent, const QString &name)
     return QString::fromStdWString(out.str());
 }
 
+/// The declarations of what is directly in an element of that structure, which may be its wrapper.
+QVector<ParameterInfo> membersIn(const ParameterInfo &list)
+{
+    if (list.name == list.itemElement) {
+        return list.members;
+    }
+    ParameterInfo items = list;
+    items.name = list.itemElement;
+    return {items};
+}
+
 /// Composes the element of savedForm().
 class Merge
 {
@@ -64,18 +77,14 @@ public:
         const KnownNames known = knownNames(infos);
         m_out << L'<' << m_type.toStdWString();
         writeAttributes(m_saved, m_out);
-        copyUnknownAttributes(known);
+        copyUnknownAttributes(m_before, known);
         m_out << L'>';
         for (int i = 0; i < infos.size(); ++i) {
             if (infos[i].place == ParameterInfo::Place::Element) {
                 writeElements(infos[i], i);
             }
         }
-        for (int i = 0; i < m_before.nChildNode(); ++i) {
-            if (!known.elements.contains(m_before.getChildNode(i).getName())) {
-                writeNode(m_before.getChildNode(i), 1, m_out);
-            }
-        }
+        copyUnknownElements(m_before, known);
         m_out << L"</" << m_type.toStdWString() << L'>';
         return parsed();
     }
@@ -87,15 +96,64 @@ private:
         return document ? *document : XMLNode();
     }
 
-    void copyUnknownAttributes(const KnownNames &known)
+    void copyUnknownAttributes(const XMLNode &before, const KnownNames &known)
     {
         ToXMLStringTool tool;
-        for (const QString &name : m_before.attributeNames()) {
+        for (const QString &name : before.attributeNames()) {
             if (name != "version"_L1 && !known.attributes.contains(name)) {
-                const auto *const value = m_before.getAttribute(name.toLatin1().constData());
+                const auto *const value = before.getAttribute(name.toLatin1().constData());
                 m_out << L' ' << name.toStdWString() << L"='"
                       << tool.toXML(QString::fromUtf16(value)) << L'\'';
             }
+        }
+    }
+
+    void copyUnknownElements(const XMLNode &before, const KnownNames &known)
+    {
+        for (int i = 0; i < before.nChildNode(); ++i) {
+            if (!known.elements.contains(before.getChildNode(i).getName())) {
+                writeNode(before.getChildNode(i), 1, m_out);
+            }
+        }
+    }
+
+    /// Write an element of a structure, with what `before` has and `infos` do not declare. `before`
+    /// is the same element until now: the one of the same name and number. Empty: there is none.
+    void writeItem(const XMLNode &saved, const XMLNode &before, const QVector<ParameterInfo> &infos)
+    {
+        const KnownNames known = knownNames(infos);
+        ToXMLStringTool tool;
+        m_out << L'<' << saved.getName().toStdWString();
+        writeAttributes(saved, m_out);
+        copyUnknownAttributes(before, known);
+        m_out << L'>' << (saved.nChildNode() == 0 ? tool.toXML(saved.text()) : L"");
+        std::map<QString, int> places; // in `before`, by name
+        for (int i = 0; i < saved.nChildNode(); ++i) {
+            const XMLNode child = saved.getChildNode(i);
+            const QByteArray name = child.getName().toLatin1();
+            const XMLNode old = before.getChildNode(name.constData(), &places[child.getName()]);
+            const auto list = std::find_if(infos.begin(), infos.end(), [&](const auto &info) {
+                return info.type == ParameterInfo::Type::Structure && info.name == child.getName();
+            });
+            if (list == infos.end()) {
+                writeNode(child, 1, m_out);
+            } else {
+                writeItem(child, old, membersIn(*list));
+            }
+        }
+        copyUnknownElements(before, known);
+        m_out << L"</" << saved.getName().toStdWString() << L'>';
+    }
+
+    /// The elements of a structure that the action has changed because of another parameter.
+    void writeChanged(const ParameterInfo &list)
+    {
+        const QByteArray name = list.name.toLatin1();
+        int at = 0;
+        int oldAt = 0;
+        for (XMLNode item = m_saved.getChildNode(name.constData(), &at); !item.isEmpty();
+             item = m_saved.getChildNode(name.constData(), &at)) {
+            writeItem(item, m_before.getChildNode(name.constData(), &oldAt), membersIn(list));
         }
     }
 
@@ -105,8 +163,12 @@ private:
     {
         const bool isStructure = info.type == ParameterInfo::Type::Structure;
         const bool isSame = m_old->parameterValue(index) == m_new->parameterValue(index);
-        if (isStructure && !isSame && m_edit.parameter == info.name) {
-            m_out << m_edit.value.toStdWString();
+        if (isStructure && !isSame) {
+            if (m_edit.parameter == info.name) {
+                m_out << m_edit.value.toStdWString();
+            } else {
+                writeChanged(info);
+            }
             return;
         }
         const bool isKept = isStructure && isSame && !elementsOf(m_before, info.name).isEmpty();
