@@ -2514,12 +2514,9 @@
 </context>
 <context>
     <name>corvanta::AutoFill</name>
-    <message numerus="yes">
-        <source>%n column(s)</source>
-        <translation>
-            <numerusform>%n colonne</numerusform>
-            <numerusform>%n colonnes</numerusform>
-        </translation>
+    <message>
+        <source>columns: %1</source>
+        <translation>colonnes : %1</translation>
     </message>
     <message>
         <source>Fill from the file</source>
@@ -2591,19 +2588,13 @@
         <source>Nothing new was found in the file.</source>
         <translation>Rien de nouveau dans le fichier.</translation>
     </message>
-    <message numerus="yes">
-        <source>%n column(s) added.</source>
-        <translation>
-            <numerusform>%n colonne ajoutée.</numerusform>
-            <numerusform>%n colonnes ajoutées.</numerusform>
-        </translation>
+    <message>
+        <source>Columns added: %1.</source>
+        <translation>Colonnes ajoutées : %1.</translation>
     </message>
-    <message numerus="yes">
-        <source>%n column(s) added, and new levels: %1.</source>
-        <translation>
-            <numerusform>%n colonne ajoutée, et de nouveaux niveaux : %1.</numerusform>
-            <numerusform>%n colonnes ajoutées, et de nouveaux niveaux : %1.</numerusform>
-        </translation>
+    <message>
+        <source>Columns added: %1; new levels: %2.</source>
+        <translation>Colonnes ajoutées : %1 ; nouveaux niveaux : %2.</translation>
     </message>
     <message>
         <source>The level “%1” of the file is not added: another level is in its place.</source>
@@ -2766,12 +2757,9 @@
         <source>Reads the names of the columns from the file, to choose among them</source>
         <translation>Lit les noms des colonnes dans le fichier, pour en choisir</translation>
     </message>
-    <message numerus="yes">
-        <source>The file has %n column(s).</source>
-        <translation>
-            <numerusform>Le fichier a %n colonne.</numerusform>
-            <numerusform>Le fichier a %n colonnes.</numerusform>
-        </translation>
+    <message>
+        <source>Columns in the file: %1.</source>
+        <translation>Colonnes du fichier : %1.</translation>
     </message>
 </context>
 <context>
@@ -2949,12 +2937,9 @@
             <numerusform>Les %n premières lignes</numerusform>
         </translation>
     </message>
-    <message numerus="yes">
-        <source>%n row(s)</source>
-        <translation>
-            <numerusform>%n ligne</numerusform>
-            <numerusform>%n lignes</numerusform>
-        </translation>
+    <message>
+        <source>Rows: %1</source>
+        <translation>Lignes : %1</translation>
     </message>
     <message>
         <source>The input pin gives the file, or it has no name</source>

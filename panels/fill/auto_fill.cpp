@@ -35,8 +35,7 @@ QString describe(const InputTable &table, qsizetype number)
     QString text = isSheet || table.path.isEmpty()
                        ? u"%1: %2"_s.arg(QString::number(number), table.path)
                        : u"%1: %2 \u2013 %3"_s.arg(QString::number(number), table.path,
-                                                   AutoFill::tr("%n column(s)", nullptr,
-                                                                static_cast<int>(table.columns)));
+                                                   AutoFill::tr("columns: %1").arg(table.columns));
     if (!table.beginning.isEmpty()) {
         text += u" ("_s + table.beginning.left(kBeginningChars).simplified() + u')';
     }
@@ -168,10 +167,10 @@ QString AutoFill::resultOf(const MergedElements &merged)
     if (merged.items == 0) {
         lines << tr("Nothing new was found in the file.");
     } else if (merged.levels == 0) {
-        lines << tr("%n column(s) added.", nullptr, merged.items);
+        lines << tr("Columns added: %1.").arg(merged.items);
     } else {
-        lines << tr("%n column(s) added, and new levels: %1.", nullptr, merged.items)
-                     .arg(merged.levels);
+        lines << tr("Columns added: %1; new levels: %2.")
+                     .arg(QString::number(merged.items), QString::number(merged.levels));
     }
     if (!merged.conflict.isEmpty()) {
         lines << tr("The level \u201c%1\u201d of the file is not added: another level is in its "

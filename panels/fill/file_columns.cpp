@@ -60,8 +60,8 @@ void FileColumnPicker::read()
                 return;
             }
             setOffered(names);
-            m_row->setNote({NoteLabel::Kind::Remark, tr("The file has %n column(s).", nullptr,
-                                                        static_cast<int>(names.size()))});
+            m_row->setNote({NoteLabel::Kind::Remark,
+                            tr("Columns in the file: %1.").arg(static_cast<int>(names.size()))});
         };
     });
 }

@@ -68,12 +68,12 @@ public:
     /// Add the inner elements of `found` that are not in `existing`.
     void join(const Element &found, Element *existing)
     {
-        const Elements old = itemsIn(*existing, m_items);
+        QSet<QStringList> old; // a file may have thousands
+        for (const Element &item : itemsIn(*existing, m_items)) {
+            old.insert(keyOf(m_items, item));
+        }
         for (Element &item : itemsIn(found, m_items)) {
-            const bool isNew = std::none_of(old.begin(), old.end(), [&](const Element &other) {
-                return isSame(m_items, other, item);
-            });
-            if (isNew) {
+            if (!old.contains(keyOf(m_items, item))) {
                 nameNew(&item);
                 existing->children.push_back(std::move(item));
             }

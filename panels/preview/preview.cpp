@@ -160,7 +160,7 @@ void Preview::showRows(const PreviewRows &preview)
     const bool isCut = count == EngineRunner::kPreviewRows;
     setNote(!preview.problem.text.isEmpty() ? preview.problem
             : isCut ? Note{NoteLabel::Kind::Remark, tr("The first %n rows", nullptr, count)}
-                    : Note{NoteLabel::Kind::Remark, tr("%n row(s)", nullptr, count)});
+                    : Note{NoteLabel::Kind::Remark, tr("Rows: %1").arg(count)});
 }
 
 void Preview::fitColumns()

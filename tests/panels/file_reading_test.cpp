@@ -170,7 +170,7 @@ TEST(AutoFills, LevelsAreOneStepThatCanBeUndone)
     editor.open();
     editor.click(u"start"_s);
     EXPECT_TRUE(editor.find<QPushButton>(u"stop"_s)->isVisible());
-    ASSERT_TRUE(editor.waitForNote(u"2 column(s) added"_s));
+    ASSERT_TRUE(editor.waitForNote(u"Columns added: 2."_s));
     EXPECT_TRUE(editor.value(u"Level"_s).contains("customer"_L1));
     EXPECT_EQ(editor.value(u"warnUnread"_s), u"1"_s) << "a setting that new levels need";
     EXPECT_EQ(editor.edits, 1);
@@ -192,7 +192,7 @@ TEST(AutoFills, EditedLevelsAndTheirSettingsAreKept)
     editor.folder.write(u"orders.json"_s, kOrders);
     editor.open();
     editor.click(u"start"_s);
-    ASSERT_TRUE(editor.waitForNote(u"1 column(s) added"_s));
+    ASSERT_TRUE(editor.waitForNote(u"Columns added: 1."_s));
     EXPECT_TRUE(editor.waitForNote(u"Settings for new levels are not changed: Warn about"_s));
     EXPECT_EQ(editor.value(u"warnUnread"_s), u"0"_s);
     const QByteArray document = editor.graph.toXml();
@@ -214,7 +214,7 @@ TEST(AutoFills, TheUserChoosesAmongSeveralTables)
     EXPECT_EQ(tables->currentIndex(), 0) << "the one with more values";
     QTest::keyClick(tables, Qt::Key_Down);
     editor.click(u"use"_s);
-    ASSERT_TRUE(editor.waitForNote(u"2 column(s) added"_s));
+    ASSERT_TRUE(editor.waitForNote(u"Columns added: 2."_s));
     EXPECT_FALSE(tables->isVisible());
     EXPECT_TRUE(editor.value(u"Level"_s).contains("'z'"_L1));
 }
@@ -287,7 +287,7 @@ TEST(FileColumns, TheColumnsOfTheFileAreOffered)
             .succeeded);
     editor.open();
     editor.click(u"start"_s);
-    ASSERT_TRUE(editor.waitForNote(u"The file has 2 column(s)"_s));
+    ASSERT_TRUE(editor.waitForNote(u"Columns in the file: 2."_s));
     const auto lists = editor.find<QWidget>(u"ColumnsToRead"_s)->findChildren<QListWidget *>();
     ASSERT_EQ(lists.size(), 2);
     const QListWidget &offered = *(lists[0]->count() == 1 ? lists[0] : lists[1]);
@@ -326,7 +326,7 @@ TEST(Previews, RowsAndTheFileFollowTheEdits)
     const auto *const model = editor.find<QTableView>(u"previewRows"_s)->model();
     EXPECT_EQ(model->headerData(0, Qt::Horizontal).toString(), u"n\ntext"_s);
     EXPECT_EQ(editor.previewText(), QString::fromUtf8(kOrders));
-    EXPECT_TRUE(editor.waitForNote(u"2 row(s)"_s));
+    EXPECT_TRUE(editor.waitForNote(u"Rows: 2"_s));
     // Only the last of several edits is read.
     for (const QString &name : {u"n"_s, u"ne"_s, u"new.json"_s}) {
         editor.set(u"fileName"_s, name);

@@ -22,9 +22,11 @@
 #include <QSpinBox>
 #include <QStyleFactory>
 #include <QStyleOption>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
+#include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include <gtest/gtest.h>
@@ -119,6 +121,73 @@ QString enterValue(QWidget *field, const ParameterInfo &info, const QString &old
     line->selectAll();
     QTest::keyClicks(line, u"12"_s);
     return u"12"_s;
+}
+
+/// Type into the first cell that takes a text. Returns false if there is none.
+bool typeIntoCell(QTableWidget *table)
+{
+    if (table->rowCount() == 0) {
+        QTest::keyClick(table, Qt::Key_Insert);
+    }
+    for (int column = 0; table->rowCount() > 0 && column < table->columnCount(); ++column) {
+        table->setCurrentCell(0, column);
+        QTest::keyClick(table, Qt::Key_F2);
+        auto *const line = qobject_cast<QLineEdit *>(QApplication::focusWidget());
+        if (line != nullptr && table->isAncestorOf(line)) {
+            line->selectAll();
+            QTest::keyClicks(line, u"12"_s);
+            QTest::keyClick(line, Qt::Key_Return);
+            QApplication::processEvents(); // the table takes the text later
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Edit a member of the current element. Returns false if no key can.
+bool enterMember(QWidget *editor, const ParameterInfo &member)
+{
+    if (auto *const table = editor->findChild<QTableWidget *>()) {
+        return typeIntoCell(table);
+    }
+    if (member.type != Type::Structure) {
+        enterValue(editor, member, u"0"_s);
+        return true;
+    }
+    auto *const line = editor->findChild<QLineEdit *>();
+    if (line != nullptr) {
+        line->selectAll();
+        QTest::keyClicks(line, u"12"_s);
+    }
+    return line != nullptr;
+}
+
+QVector<ParameterInfo> allMembers(const ParameterInfo &structure)
+{
+    QVector<ParameterInfo> all;
+    for (const ParameterInfo &member : structure.members) {
+        all << member << allMembers(member);
+    }
+    return all;
+}
+
+/// Edit the members that the field of a structure shows now, except `done`, to which they are
+/// added. Each edit must change the parameter.
+void enterMembers(const Action &action, QWidget *field, const ParameterInfo &structure,
+                  QStringList *done)
+{
+    for (const ParameterInfo &member : allMembers(structure)) {
+        auto *const editor = field->findChild<QWidget *>(member.name);
+        if (done->contains(member.name) || editor == nullptr || !editor->isVisible() ||
+            !editor->isEnabled()) {
+            continue;
+        }
+        const QString old = panels::valueOf(action, structure.name);
+        if (enterMember(editor, member)) {
+            EXPECT_NE(panels::valueOf(action, structure.name), old) << member.name.toStdString();
+            *done << member.name;
+        }
+    }
 }
 
 /// Controls that a user reaches with Tab.
@@ -302,6 +371,35 @@ TEST_P(Panels, EveryParameterIsEditedByItsField)
         const Action copy = panels::fromXml(panels::saved(*action));
         EXPECT_EQ(panels::parametersOf(copy).parameterValue(i), expected)
             << infos[i].name.toStdString();
+    }
+}
+
+TEST_P(Panels, MembersOfStructuresAreEditedByTheirFields)
+{
+    for (const ParameterInfo &info :
+         panels::parametersOf(panels::fromXml(panels::example(type()))).parameters()) {
+        if (info.type != Type::Structure) {
+            continue;
+        }
+        const Action action = panels::fromXml(panels::example(type()));
+        satisfy(panels::parametersOf(action), info);
+        const Panel panel = shown(action);
+        QWidget *const field = fieldOf(panel, info.name);
+        QTest::keyClick(field->focusProxy(), Qt::Key_Insert);
+        QStringList done;
+        if (auto *const tree = field->findChild<QTreeWidget *>()) {
+            // An edit may make the nodes again.
+            for (QTreeWidgetItemIterator at(tree); *at != nullptr; ++at) {
+                tree->setCurrentItem(*at);
+                enterMembers(action, field, info, &done);
+                at = QTreeWidgetItemIterator(tree->currentItem());
+            }
+        } else if (auto *const table = field->findChild<QTableWidget *>()) {
+            done << QStringList(typeIntoCell(table) ? 1 : 0, info.name);
+        }
+        EXPECT_FALSE(done.isEmpty()) << info.name.toStdString();
+        const Action copy = panels::fromXml(panels::saved(*action));
+        EXPECT_EQ(panels::valueOf(copy, info.name), panels::valueOf(action, info.name));
     }
 }
 
