@@ -111,6 +111,10 @@
         <source>Preview</source>
         <translation>Aperçu</translation>
     </message>
+    <message>
+        <source>Format</source>
+        <translation>Format</translation>
+    </message>
 </context>
 <context>
     <name>Parameters</name>
@@ -2347,6 +2351,62 @@
     <message>
         <source>Width of the column, in bytes; 0: unknown.</source>
         <translation>Largeur de la colonne, en octets ; 0 : inconnue.</translation>
+    </message>
+    <message>
+        <source>Reads a text file with separators</source>
+        <translation>Lit un fichier texte avec séparateurs</translation>
+    </message>
+    <message>
+        <source>Text file to read, UTF-8; also compressed as .gz or .Z.</source>
+        <translation>Fichier texte à lire, en UTF-8 ; aussi compressé en .gz ou .Z.</translation>
+    </message>
+    <message>
+        <source>Separator</source>
+        <translation>Séparateur</translation>
+    </message>
+    <message>
+        <source>One ASCII character between two fields.</source>
+        <translation>Un caractère ASCII entre deux champs.</translation>
+    </message>
+    <message>
+        <source>Column types</source>
+        <translation>Types des colonnes</translation>
+    </message>
+    <message>
+        <source>One letter per column, separated by commas: K (whole number), F (decimal number), U (text). Columns without a letter are texts.</source>
+        <translation>Une lettre par colonne, séparées par des virgules : K (nombre entier), F (nombre décimal), U (texte). Les colonnes sans lettre sont des textes.</translation>
+    </message>
+    <message>
+        <source>First line holds the column names</source>
+        <translation>La première ligne contient les noms des colonnes</translation>
+    </message>
+    <message>
+        <source>Reads the column names from the first line. Off: columns are named C1, C2, ...</source>
+        <translation>Lit les noms des colonnes dans la première ligne. Sinon : les colonnes se nomment C1, C2, ...</translation>
+    </message>
+    <message>
+        <source>Sorted on</source>
+        <translation>Trié sur</translation>
+    </message>
+    <message>
+        <source>Names of the columns that the table is declared sorted on, separated by commas.</source>
+        <translation>Noms des colonnes sur lesquelles la table est déclarée triée, séparés par des virgules.</translation>
+    </message>
+    <message>
+        <source>Writes a text file with separators</source>
+        <translation>Écrit un fichier texte avec séparateurs</translation>
+    </message>
+    <message>
+        <source>Text file to write, UTF-8 with LF line ends.</source>
+        <translation>Fichier texte à écrire, en UTF-8 avec des fins de ligne LF.</translation>
+    </message>
+    <message>
+        <source>Write the column names in the first line</source>
+        <translation>Écrire les noms des colonnes dans la première ligne</translation>
+    </message>
+    <message>
+        <source>Without it the file contains only rows.</source>
+        <translation>Sinon, le fichier ne contient que des lignes de données.</translation>
     </message>
 </context>
 <context>

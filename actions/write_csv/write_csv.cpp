@@ -2,7 +2,7 @@
 // pin.
 #include "actions/write_csv/write_csv.h"
 
-#include "actions/shared/csv_separator.h"
+#include "actions/shared/params/csv_separator.h"
 #include "corvanta/failure_reason.h"
 
 using namespace Qt::StringLiterals;
@@ -12,25 +12,6 @@ namespace corvanta {
 ActionWriteCsv::ActionWriteCsv(const XMLNode &saved, GlobalParameters *parameters)
     : ParamAction(kWriteCsvEntry, saved, parameters)
 {
-}
-
-const ParamTable<WriteCsvParams> &ActionWriteCsv::paramTable()
-{
-    static const ParamTable<WriteCsvParams> table{
-        text("fileName", &WriteCsvParams::fileName)
-            .outputFile()
-            .required()
-            .always()
-            .label("File")
-            .meaning("Text file to write, UTF-8 with LF line ends."),
-        text("separator", &WriteCsvParams::separator)
-            .label("Separator")
-            .meaning("One ASCII character between two fields."),
-        flag("header", &WriteCsvParams::header)
-            .label("Write the column names in the first line")
-            .meaning("Without it the file contains only rows."),
-    };
-    return table;
 }
 
 QVector<ParameterProblem> ActionWriteCsv::problems() const

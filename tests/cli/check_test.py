@@ -3,6 +3,7 @@
 import json
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -415,6 +416,28 @@ class CommandLine(Case):
         module.write_bytes(b"no library")
         done = self.corvanta("actions", env={**os.environ, "CORVANTA_PLUGIN_PATH": str(self.folder)})
         self.assertIn(f"Warning: cannot load the plug-in '{module}': ", done.stderr)
+
+    def test_own_actions_of_the_host(self):
+        """They come last, also from the folder of the program when another one is chosen."""
+        names = [action["type"] for action in json.loads(self.corvanta("actions", "--json").stdout)]
+        self.assertEqual(names[17:19], ["readCSV", "writeCSV"])
+        plugins = pathlib.Path(CORVANTA).parent / "../lib/corvanta/plugins"
+        (self.folder / "Z.so").symlink_to(plugins / "CorvantaPluginWriteReport.so")
+        other = {**os.environ, "CORVANTA_PLUGIN_PATH": str(self.folder)}
+        self.assertEqual([action["type"] for action in json.loads(self.corvanta("actions", "--json", env=other).stdout)], names)
+
+    def test_tap_without_the_own_actions_of_the_host(self):
+        build = pathlib.Path(CORVANTA).parent.parent
+        (self.folder / "bin").mkdir()
+        (self.folder / "lib").mkdir()
+        for library in (build / "lib").glob("*.so*"):
+            (self.folder / "lib" / library.name).symlink_to(library)
+        (self.folder / "M.so").symlink_to(build / "lib/corvanta/plugins/CorvantaPluginWriteReport.so")
+        self.graph(reader="<readJSON fileName='in.json'/>")
+        done = subprocess.run([shutil.copy(CORVANTA, self.folder / "bin"), "run", "g.graph", "--tap", "in:0=tap.csv"], cwd=self.folder,
+                              env={**os.environ, "CORVANTA_PLUGIN_PATH": str(self.folder)}, capture_output=True, text=True, check=False)
+        self.assertEqual(done.returncode, 2, done.stderr)
+        self.assertIn("--tap needs the action 'writeCSV', which no module has", done.stderr)
 
     def test_control_characters(self):
         (self.folder / "nul.csv").write_bytes(b"a\nb\0c\x1b[2Jd\r\xc2\x9be\n")

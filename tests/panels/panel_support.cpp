@@ -75,6 +75,8 @@ QByteArray example(const QString &type)
          "<s>distance</s></ColumnsToRead></readParquet>"},
         {u"readStat"_s, "<readStat fileName='survey.sav' formatDates='1'/>"},
         {u"ReadXBF"_s, "<ReadXBF fileName='clients.dbf'/>"},
+        {u"readCSV"_s, "<readCSV fileName='orders.csv' types='K,U,U,F'/>"},
+        {u"writeCSV"_s, "<writeCSV fileName='orders.csv' separator=';'/>"},
         {u"writeExcel"_s,
          "<writeExcel mode='2' fileNameDestination='report.xlsx' sheetName='Totals' "
          "sheetMode='1' startRow='0' writeAllColumns='0'><ToWrite><s>country</s><s>amount</s>"
