@@ -4,6 +4,8 @@
 #include "base/checked.h"
 #include "codecs/encoding/text_decoder.h"
 #include "codecs/markup/sample/html_tables.h"
+#include "codecs/markup/tokens/html_tokenizer.h"
+#include "codecs/markup/tokens/page_charset.h"
 #include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
 #include "corvanta/system.h"
@@ -92,6 +94,7 @@ markup::ExtractOptions ActionReadXML::extractOptions() const
     options.presence = m_params.getTagPresenceFlag;
     options.ignoreEmpty = m_params.ignoreEmptyTag;
     options.skip = m_params.skipRows;
+    options.expandSpans = m_params.readHTML && m_params.expandSpans;
     options.countsUnread = m_params.warnUnread && !m_params.readHTML && !m_params.addOnlyText &&
                            !m_params.getTagPresenceFlag;
     return options;
@@ -99,13 +102,30 @@ markup::ExtractOptions ActionReadXML::extractOptions() const
 
 // ---- Levels found in the file.
 
+bool ActionReadXML::setParameterValue(int index, const QString &value)
+{
+    const QString name = parameters().value(index).name;
+    m_choosesSoup = m_choosesSoup || name == u"tagSoup" || name == u"expandSpans";
+    return ParamAction::setParameterValue(index, value);
+}
+
+/// Levels that are found in a page read it as browsers do, unless that was chosen before.
+void ActionReadXML::prepareFill()
+{
+    if (m_params.readHTML && !m_choosesSoup) {
+        m_params.tagSoup = m_params.expandSpans = true;
+    }
+}
+
 /// Read the beginning of the file: the tables of a page or, without any, the repeated elements.
 /// Returns nothing, after a message, when the file cannot be read.
 std::optional<markup::SampledDocument> ActionReadXML::sampleInput()
 {
     std::optional<markup::SampledDocument> document;
     if (m_params.readHTML && !sampleWith([&](XMLTokenizer &tokenizer) {
-            document = markup::sampleTables(tokenizer, m_params.zeroBased);
+            document = markup::sampleTables(tokenizer, m_params.zeroBased,
+                                            m_params.expandSpans ? markup::Spans::Expanded
+                                                                 : markup::Spans::Ignored);
         })) {
         return std::nullopt;
     }
@@ -201,8 +221,13 @@ bool ActionReadXML::chooseEncoding(XMLTokenizer &tokenizer, const QString &name)
     }
     // The first token reports a source that cannot be read.
     const auto first = tokenizer.peek();
-    const markup::EncodingChoice choice = markup::chooseEncoding(
-        first ? *first : QByteArrayView(), expandString(m_params.encoding).trimmed().toUtf8());
+    const QByteArrayView bytes = first ? *first : QByteArrayView();
+    markup::EncodingChoice choice =
+        markup::chooseEncoding(bytes, expandString(m_params.encoding).trimmed().toUtf8(),
+                               readsSoup() ? markup::pageCharset(bytes) : QByteArray());
+    if (readsSoup() && choice.name == "ERROR") {
+        choice.name = "UTF-8"; // as it declares; invalid bytes are reported
+    }
     const bool isSystem = choice.name.compare("system", Qt::CaseInsensitive) == 0;
     const QByteArray encoding = isSystem ? currentACPName().toUtf8() : choice.name;
     if (runIsGood()) { // not for a sample before the run
@@ -227,6 +252,10 @@ void ActionReadXML::warnAssumedEncoding(const markup::EncodingChoice &choice,
         warn(u"Warning: file '%1' declares the encoding '%2', but its characters are single bytes: "
              "it is read as %3, and so are other files of this kind\n"_s.arg(
                  name, QString::fromUtf8(choice.contradicted), used));
+    } else if (!choice.unknown.isEmpty() && !std::exchange(m_warnedContradiction, true)) {
+        warn(u"Warning: page '%1' declares the encoding '%2', which is unknown: it is read as %3, "
+             "and so are other files of this kind\n"_s.arg(name, QString::fromUtf8(choice.unknown),
+                                                           used));
     } else if (choice.isAssumed && !std::exchange(m_warnedAssumption, true)) {
         warn(u"Warning: file '%1' declares no encoding and is not UTF-8: it is read as %2, and so "
              "are other files of this kind. Set 'encoding' if this is wrong\n"_s.arg(name, used));
@@ -237,9 +266,11 @@ std::unique_ptr<XMLTokenizer> ActionReadXML::makeTokenizer(ByteSource &source) c
 {
     // bufferSize counts bytes, the tokenizer characters: the buffer is at least as large as asked
     // for.
-    auto tokenizer = std::make_unique<XMLTokenizer>(
-        source,
-        std::max(kTokenizerChars, bufferFor(source, clampedMiBToBytes(m_params.bufferSize))));
+    const qint64 buffer =
+        std::max(kTokenizerChars, bufferFor(source, clampedMiBToBytes(m_params.bufferSize)));
+    std::unique_ptr<XMLTokenizer> tokenizer =
+        readsSoup() ? std::make_unique<markup::HtmlTokenizer>(source, buffer)
+                    : std::make_unique<XMLTokenizer>(source, buffer);
     tokenizer->setOptions({m_params.readHTML, m_params.ignoreUnknownEntities,
                            m_params.discardNameSpaces, m_params.ignoreInvalidCharInTagName});
     return tokenizer;
@@ -254,6 +285,16 @@ markup::MarkupTokenizer *ActionReadXML::beginDocument(ByteSource &source, const 
         m_tokenizer = makeTokenizer(source);
     }
     return chooseEncoding(*m_tokenizer, name) ? m_tokenizer.get() : nullptr;
+}
+
+void ActionReadXML::documentEnds(const QString &name)
+{
+    warnDroppedBytes(name);
+    if (const auto &begin = m_tokenizer->unfinished()) {
+        warn(u"Warning: page '%1' ends in a comment, a script or a tag that begins at line %2, "
+             "column %3: what follows is not read\n"_s.arg(name, QString::number(begin->line()),
+                                                           QString::number(begin->column())));
+    }
 }
 
 /// Once per document, however many bytes were dropped.

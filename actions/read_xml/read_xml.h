@@ -27,6 +27,7 @@ public:
         return params.fromInputPin != DocumentSource::File ? 1 : 0;
     }
     QVector<ParameterProblem> problems() const override;
+    bool setParameterValue(int index, const QString &value) override;
 
 private:
     const LevelReaderParams &readerParams() const override { return m_params; }
@@ -40,6 +41,7 @@ private:
 
     // Parameters in the form that the codec takes.
 
+    bool readsSoup() const { return m_params.readHTML && m_params.tagSoup; }
     /// With the tokenizer's options, but without an encoding; see chooseEncoding().
     std::unique_ptr<markup::XMLTokenizer> makeTokenizer(ByteSource &source) const;
     /// The levels with their variables expanded; in HTML mode without the "tbody" in paths copied
@@ -56,6 +58,7 @@ private:
                              const QString &name);
 
     // Levels found in the file.
+    void prepareFill() override;
     std::optional<markup::SampledDocument> sampleInput() override;
     void useTable(const markup::SampledTable &table) override;
     /// Open the beginning of the file and pass its tokenizer to `look`. Returns false, after a
@@ -64,7 +67,7 @@ private:
 
     // Documents of LevelRun.
     markup::MarkupTokenizer *beginDocument(ByteSource &source, const QString &name) override;
-    void documentEnds(const QString &name) override { warnDroppedBytes(name); }
+    void documentEnds(const QString &name) override;
     bool skipsFaults() const override { return m_params.skipCorruptedFiles; }
     bool documentFails(const markup::MarkupResult &result, const QString &name,
                        const InputFailure &failure) override;
@@ -79,6 +82,7 @@ private:
     qint64 m_reportedErrors = 0;                       // structure errors that were skipped
     bool m_warnedAssumption = false;                   // in this run
     bool m_warnedContradiction = false;                // in this run
+    bool m_choosesSoup = false; // tagSoup or expandSpans was set, perhaps to off
 };
 
 } // namespace corvanta

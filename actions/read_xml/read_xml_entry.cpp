@@ -10,7 +10,8 @@ namespace {
 constexpr FileFormat kFormats[] = {
     {FileFormat::Read, FileFormat::Markup, "xml",
      "autoFillNRows=10000 readClearTags=1 ignoreUnknownEntities=1"},
-    {FileFormat::Read, FileFormat::Markup, "html htm", "autoFillNRows=10000 readClearTags=1"},
+    {FileFormat::Read, FileFormat::Markup, "html htm",
+     "autoFillNRows=10000 readClearTags=1 tagSoup=1 expandSpans=1"},
 };
 
 } // namespace

@@ -14,9 +14,14 @@ PanelLayout panelLayout()
 {
     return {
         {QT_TRANSLATE_NOOP("Panels", "Source"),
-         {"fromInputPin", "fileName", {"colXML", editor<ColumnField>}, "readHTML", "encoding"}},
+         {"fromInputPin",
+          "fileName",
+          {"colXML", editor<ColumnField>},
+          "readHTML",
+          "tagSoup",
+          "encoding"}},
         {QT_TRANSLATE_NOOP("Panels", "Levels and columns"),
-         {{"Level", shared::readLevelsEditor}, "autoFillNRows", "skipRows"},
+         {{"Level", shared::readLevelsEditor}, "autoFillNRows", "skipRows", "expandSpans"},
          Fold::Open,
          extra<AutoFill>},
         {QT_TRANSLATE_NOOP("Panels", "Values"),

@@ -124,6 +124,25 @@ ParamGroup<P> beforeTheRows()
     };
 }
 
+/// How pages are read.
+ParamGroup<P> pages()
+{
+    const QStringList html{QStringLiteral("1")};
+    return {
+        flag("tagSoup", &P::tagSoup)
+            .onlyWhen("readHTML", html)
+            .label("Read pages as browsers do")
+            .meaning("Reads malformed pages as browsers do: adds missing end tags, decodes all "
+                     "entities of HTML, uses the encoding in <meta> and never fails."),
+        flag("expandSpans", &P::expandSpans)
+            .onlyWhen("readHTML", html)
+            .label("Expand cells that span columns or rows")
+            .meaning("Repeats the value of a cell with colspan or rowspan in each column and row "
+                     "of its table. Rows in thead and tfoot are rows of the table, and [n] is its "
+                     "column number n."),
+    };
+}
+
 } // namespace
 
 void applyHtmlDefaults(ReadXmlParams &params)
@@ -148,6 +167,7 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
         presenceAndPrefixes(),
         shared::missingFiles<P>(),
         beforeTheRows(),
+        pages(),
         shared::warnUnread<P>(),
         shared::columnTypes<P>(),
         readLevels<P>(&P::levels),

@@ -46,6 +46,11 @@ struct ReadXmlParams : LevelReaderParams
     bool addColBefore = false;
     /// Occurrences of the first level that are skipped at the start of each document.
     int skipRows = 0;
+    /// Pages are read as browsers read them; only with readHTML.
+    bool tagSoup = false;
+    /// Cells of tables that span columns or rows have their value in each of them; only with
+    /// readHTML.
+    bool expandSpans = false;
 };
 
 /// Constant; made by the first call.

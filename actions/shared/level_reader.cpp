@@ -117,6 +117,7 @@ bool LevelReader::fill(int table)
     if (hasItems(readerParams().levels) || isFromPin()) {
         return true;
     }
+    prepareFill();
     const auto document = sampleInput();
     const markup::SampledTable *const chosen = document ? chooseTable(*document, table) : nullptr;
     if (chosen != nullptr) {

@@ -45,6 +45,8 @@ protected:
     virtual QString formatName() const = 0;
     /// Check the parameters and call beginRun(). Called by the first step() of a run.
     virtual bool prepare() = 0;
+    /// Set what levels should be found with. Called before sampleInput() when there are none.
+    virtual void prepareFill() {}
     /// Read the beginning of the file. Returns nothing, after a message, when it cannot be read.
     virtual std::optional<markup::SampledDocument> sampleInput() = 0;
     /// Take levels, and the settings that they need, from a table of the sample.

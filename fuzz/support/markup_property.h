@@ -52,7 +52,12 @@ public:
                 level.items.front().tagName = m_variant.tagNames;
             }
         }
-        require(rows(found, 1024, m_variant.pieceBytes) == rows(found, 1 << 16, -1));
+        checkLevels(found);
+    }
+
+    void checkLevels(const std::vector<Level> &levels) const
+    {
+        require(rows(levels, 1024, m_variant.pieceBytes) == rows(levels, 1 << 16, -1));
     }
 
     /// A tokenizer that starts again reads what a new one reads. Not for one with an encoding,

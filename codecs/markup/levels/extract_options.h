@@ -40,6 +40,9 @@ struct ExtractOptions
     bool canReadAhead = true;
     /// Count what the occurrences have and no item reads. Not for HTML, presence or allText.
     bool countsUnread = false;
+    /// The occurrences called "tr" are rows of HTML tables: see SpanCells. Those of the first level
+    /// may also be in the thead and tfoot of their container, and have at least one cell.
+    bool expandSpans = false;
     /// Letters of the types of the first columns: K or F gives a number, U and no letter a text.
     std::string types;
     /// Occurrences of the first level to skip at the start of each document.

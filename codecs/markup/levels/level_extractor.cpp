@@ -37,6 +37,9 @@ LevelExtractor::LevelExtractor(const std::vector<Level> &levels, const ExtractOp
         }
         m_levels.push_back(std::move(state));
     }
+    if (options.expandSpans) {
+        addSpans(syntax);
+    }
     m_reader = std::make_unique<OccurrenceReader>(*m_levels.front(), options, m_unread);
     setTypes(static_cast<size_t>(column));
     beginFile();
@@ -84,6 +87,9 @@ void LevelExtractor::beginDocument(MarkupTokenizer &tokenizer)
     m_badValue.reset();
     m_hasRow = false;
     m_skipped = 0;
+    if (m_levels.front()->spans) {
+        m_levels.front()->spans->clear();
+    }
 }
 
 QStringList LevelExtractor::missingPaths() const
@@ -180,7 +186,7 @@ UnreadParts LevelExtractor::unread() const
 /// Begin the rows of the next occurrence of the first level; false at the end and after a failure.
 bool LevelExtractor::readFirstLevel(CellArena &arena)
 {
-    for (;; ++m_skipped) {
+    for (;;) {
         const auto found = m_reader->next();
         if (!found) {
             m_failure = found.fault().code;
@@ -189,10 +195,14 @@ bool LevelExtractor::readFirstLevel(CellArena &arena)
         if (!*found) {
             return false;
         }
+        if (m_levels.front()->spans && !beginTableRow(**found)) {
+            continue;
+        }
         if (m_skipped >= m_options.skip) {
             enterLevels(0, **found, arena);
             return true;
         }
+        skipFirst(**found);
     }
 }
 
@@ -207,6 +217,9 @@ void LevelExtractor::enterLevels(size_t level, quint32 occurrence, CellArena &la
         m_deepest = level;
         state.arena.reset();
         state.found = state.paths.resolve(tree(), occurrence);
+        if (state.spans) {
+            state.found = state.spans->resolve(tree(), occurrence, state.found);
+        }
         fillRow(state, isLast(level) ? lastArena : state.arena);
         Occurrences *const odd = oddKind(occurrence);
         if (m_countsUnread && (odd != nullptr || state.paths.hasNewRepeats())) {
@@ -303,6 +316,10 @@ inline void LevelExtractor::fillRow(LevelState &state, CellArena &arena)
     } else {
         fillTypedCells(state, arena);
     }
+    if (state.spans) {
+        keepShared(state);
+        repeatCells(state, arena);
+    }
 }
 
 inline void LevelExtractor::fillCells(LevelState &state, CellArena &arena)
@@ -330,6 +347,9 @@ quint32 LevelExtractor::firstInside(LevelState &inner, quint32 container) const
         return MarkupTree::kNone;
     }
     inner.containerFound = true;
+    if (inner.spans) {
+        inner.spans->clear();
+    }
     return m_filter.firstOccurrence(tree(), inner, container + 1, container);
 }
 

@@ -78,7 +78,10 @@ public:
 
 private:
     bool isLast(size_t level) const { return level + 1 == m_levels.size(); }
+    void addSpans(const PathSyntax &syntax);
     bool readFirstLevel(CellArena &arena);
+    bool beginTableRow(quint32 row);
+    void skipFirst(quint32 occurrence);
     void enterLevels(size_t level, quint32 occurrence, CellArena &lastArena);
     void setTypes(size_t columns);
     void fillRow(LevelState &state, CellArena &arena);
@@ -87,6 +90,9 @@ private:
     const uchar *numberCell(std::string_view text, size_t column, CellArena &arena);
     void setBadValue(std::string_view text, size_t column);
     void fillCells(LevelState &state, CellArena &arena);
+    void keepShared(LevelState &state);
+    void repeatCells(LevelState &state, CellArena &arena);
+    const uchar *cellOfKept(const uchar *kept, size_t column, CellArena &arena);
     QString placeOfRow(quint32 item) const;
     void scanItems(LevelState &state, CellArena &arena);
     void scanItem(const LevelItem &item, quint32 found, CellArena &arena, values::ColumnScan *scan);
@@ -125,6 +131,10 @@ private:
     bool m_hasRow = false;
     /// Occurrences of the first level, for ExtractOptions::skip.
     int m_skipped = 0;
+    /// Of one value, until it is kept.
+    BlockArena m_sharedCells;
+    /// OccurrenceReader::rowGroup() of the last row.
+    quint32 m_rowGroup = 0;
 };
 
 } // namespace corvanta::markup

@@ -5,9 +5,11 @@
 #pragma once
 #include "codecs/markup/levels/cell_arena.h"
 #include "codecs/markup/levels/level.h"
+#include "codecs/markup/levels/span_cells.h"
 #include "codecs/markup/tree/path_set.h"
 
 #include <algorithm>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -42,6 +44,9 @@ struct LevelState
         return subtag.empty() || nameMatches(name, subtag);
     }
 
+    /// True when the occurrences are rows of HTML tables.
+    bool readsRows() const { return subtag == u"tr"; }
+
     /// Forget what was found in the previous file.
     void beginFile()
     {
@@ -59,6 +64,8 @@ struct LevelState
     std::u16string subtag;
     /// Of the items, then the initial path of the next level.
     PathSet paths;
+    /// Of rows of HTML tables, with ExtractOptions::expandSpans; otherwise null.
+    std::unique_ptr<SpanCells> spans;
     /// Of the level's cells.
     int firstColumn = 0;
     /// By path: found in the current file.

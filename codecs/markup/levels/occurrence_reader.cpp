@@ -22,6 +22,12 @@ constexpr size_t kBytesToClassify = size_t(16) << 20;
 
 const std::optional<quint32> kNoOccurrence;
 
+/// True for an element that has rows of its table, other than "tbody", which is not a token.
+bool groupsRows(const RawText &name)
+{
+    return nameMatches(name, u"thead") || nameMatches(name, u"tfoot");
+}
+
 } // namespace
 
 OccurrenceReader::OccurrenceReader(LevelState &first, const ExtractOptions &options,
@@ -30,6 +36,7 @@ OccurrenceReader::OccurrenceReader(LevelState &first, const ExtractOptions &opti
     , m_filter(options)
     , m_keepRoot(options.keepRoot)
     , m_isHtml(options.text.html)
+    , m_readsRowGroups(options.expandSpans && first.readsRows())
     , m_canReadAhead(options.canReadAhead)
     , m_countsUnread(options.countsUnread)
     , m_unread(unread)
@@ -61,6 +68,7 @@ void OccurrenceReader::beginDocument(MarkupTokenizer &tokenizer)
     m_record.builder().setReturnSingleChild(!m_keepRoot);
     m_ended = m_sawContent = m_isBuildingValue = false;
     m_nextInTree = MarkupTree::kNone;
+    m_openRowGroups = 0;
     m_path.restart();
 }
 
@@ -154,7 +162,7 @@ OccurrenceReader::Found OccurrenceReader::readToken()
         m_sawContent = true;
         return startElement();
     case Token::End:
-        m_path.leave();
+        leaveElement();
         return kNoOccurrence;
     case Token::EndOfData:
         return endOfData();
@@ -191,6 +199,11 @@ OccurrenceReader::Found OccurrenceReader::startElement()
     if (isInContainer && m_first.isOccurrence(name)) {
         return buildElement();
     }
+    if (isInContainer && m_readsRowGroups && groupsRows(name)) {
+        ++m_openRowGroups;
+        ++m_rowGroupTags;
+        return kNoOccurrence;
+    }
     if (!isInContainer && m_json == nullptr && !m_isHtml) {
         m_path.beginRoot(); // an XML file may hold several documents; an HTML file is one page
     }
@@ -209,6 +222,17 @@ OccurrenceReader::Found OccurrenceReader::startElement()
     return kNoOccurrence;
 }
 
+/// An element ends that is not skipped.
+void OccurrenceReader::leaveElement()
+{
+    if (m_openRowGroups > 0) {
+        --m_openRowGroups;
+        ++m_rowGroupTags;
+    } else {
+        m_path.leave();
+    }
+}
+
 /// Count a part between the records; the current token is its begin.
 void OccurrenceReader::addOutside(const QString &what)
 {
@@ -218,11 +242,14 @@ void OccurrenceReader::addOutside(const QString &what)
 
 OccurrenceReader::Found OccurrenceReader::buildElement()
 {
+    const XMLTokenizer *const xml = m_tokenizer->asXml();
+    m_rowGroup = m_rowGroupTags + (xml != nullptr ? xml->rowGroup() : 0);
     if (const auto built = m_record.buildElement(); !built) {
         return built.fault();
     }
     m_tree = &m_record.tree();
-    if (m_filter.isIgnored(*m_tree, 1)) {
+    // An empty row is left to the caller: cells of other rows may span it.
+    if (!m_readsRowGroups && m_filter.isIgnored(*m_tree, 1)) {
         m_tokenizer->unpin();
         return kNoOccurrence;
     }

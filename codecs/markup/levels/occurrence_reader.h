@@ -50,6 +50,10 @@ public:
     /// The place of an item of tree().
     QString placeOf(quint32 item) const;
 
+    /// The last occurrence is a row of an HTML table: changes when another group of rows (thead,
+    /// tbody, tfoot) has begun.
+    quint32 rowGroup() const { return m_rowGroup; }
+
     /// The tree of the last occurrence. Valid until the next call; only after an occurrence was
     /// found.
     const MarkupTree &tree() const { return *m_tree; }
@@ -77,6 +81,7 @@ private:
     void addAfterNul(qint64 bytes, const LineCounter &position);
     void addOutside(const QString &what);
     Found startElement();
+    void leaveElement();
     Found startValue();
     Found endOfData();
     Found buildElement();
@@ -91,6 +96,8 @@ private:
     ElementFilter m_filter;
     bool m_keepRoot;
     bool m_isHtml;
+    /// Elements in the container that group rows are read like the container itself.
+    bool m_readsRowGroups;
     bool m_canReadAhead;
     bool m_countsUnread;
     UnreadParts &m_unread;
@@ -109,6 +116,11 @@ private:
     Documents m_documents = Documents::Undecided;
     /// Where the search in a tree continues.
     quint32 m_nextInTree = MarkupTree::kNone;
+    /// Number of open elements that group rows; at most 1 in valid pages.
+    qint64 m_openRowGroups = 0;
+    /// Number of elements that group rows, and of their ends.
+    quint32 m_rowGroupTags = 0;
+    quint32 m_rowGroup = 0;
     /// Element that holds the occurrences of that tree.
     quint32 m_treeContainer = 0;
 };

@@ -7,9 +7,13 @@
 //     </table>
 #include "codecs/markup/sample/html_tables.h"
 
+#include "codecs/markup/sample/table_header.h"
+#include "codecs/markup/tokens/html_elements.h"
 #include "codecs/markup/tree/path.h"
 
 #include <map>
+#include <memory>
+#include <unordered_map>
 #include <unordered_set>
 
 using namespace Qt::StringLiterals;
@@ -27,9 +31,10 @@ constexpr qsizetype kFirstRowCells = 1'000;
 class TableLister
 {
 public:
-    TableLister(XMLTokenizer &tokenizer, bool zeroBased)
+    TableLister(XMLTokenizer &tokenizer, bool zeroBased, Spans spans)
         : m_tokenizer(tokenizer)
         , m_zeroBased(zeroBased)
+        , m_spans(spans)
         , m_open(1)
     {
     }
@@ -50,19 +55,25 @@ private:
         size_t table;     ///< index in m_tables
         qint64 cells = 0; ///< in the current row
         bool isInHeadCell = false;
+        std::unique_ptr<TableHeader> header; ///< with Spans::Expanded
     };
 
     void begin();
+    void beginInTable(TableHeader &header);
     void beginTable();
     void beginRow();
     void beginCell();
     void end();
+    void endTable();
     void addText();
+    void addFirstText(const QString &text);
     QString pathToHere() const;
     QString stepTo(const Element &element) const;
 
     XMLTokenizer &m_tokenizer;
     bool m_zeroBased;
+    Spans m_spans;
+    bool m_separatesWords = true; ///< a tag between the last text and the next one
     std::vector<Element> m_open;
     std::vector<OpenTable> m_openTables;
     std::vector<HtmlTable> m_tables;
@@ -93,8 +104,11 @@ void TableLister::begin()
     element.number = ++m_open.back().children[element.name];
     m_open.push_back(std::move(element));
     const std::u16string &name = m_open.back().name;
+    m_separatesWords = m_separatesWords || !isInlineElement(m_tokenizer.rawText().view());
     if (name == u"table") {
         beginTable();
+    } else if (!m_openTables.empty() && m_openTables.back().header) {
+        beginInTable(*m_openTables.back().header);
     } else if (name == u"tr") {
         beginRow();
     } else if (name == u"td" || name == u"th") {
@@ -105,8 +119,26 @@ void TableLister::begin()
 void TableLister::beginTable()
 {
     if (m_tables.size() < kMaxTables && m_open.size() <= kMaxTableDepth) {
-        m_openTables.push_back({m_open.size(), m_tables.size()});
+        OpenTable &open = m_openTables.emplace_back(OpenTable{m_open.size(), m_tables.size()});
         m_tables.push_back({pathToHere(), 0, 0, 0, {}});
+        if (m_spans == Spans::Expanded) {
+            open.header = std::make_unique<TableHeader>();
+        }
+    }
+}
+
+/// A row or a cell of a table whose spans are expanded, or another element in it.
+void TableLister::beginInTable(TableHeader &header)
+{
+    const std::u16string &name = m_open.back().name;
+    if (name == u"tr") {
+        header.beginRow(m_tokenizer.rowGroup(), m_open[m_open.size() - 2].name == u"thead");
+    } else if (name == u"td" || name == u"th") {
+        CellSpan span;
+        for (size_t i = 0; i < m_tokenizer.attributes().size(); ++i) {
+            span.readAttribute(m_tokenizer.attributeName(i), m_tokenizer.attributeValue(i));
+        }
+        header.addCell(span, name == u"th");
     }
 }
 
@@ -140,23 +172,36 @@ void TableLister::beginCell()
     }
 }
 
-/// Use a text of one of the first two rows as evidence for the names of the columns.
+/// A text belongs to the innermost table.
 void TableLister::addText()
 {
-    if (m_openTables.empty() || m_openTables.back().cells == 0) {
+    if (m_openTables.empty()) {
         return;
     }
+    // Later rows say no more about the header than the first ones.
     const OpenTable &open = m_openTables.back();
-    HtmlTable &table = m_tables[open.table];
-    const qint64 row = table.rows + table.headRows;
-    // Later rows say no more about the header than the second one.
-    if (row > 2) {
+    const HtmlTable &table = m_tables[open.table];
+    if (open.header ? !open.header->usesTexts()
+                    : open.cells == 0 || table.rows + table.headRows > 2) {
         return;
     }
     const QString text = QString::fromUtf16(m_tokenizer.text().data(), m_tokenizer.length());
+    if (open.header) {
+        open.header->addText(text, m_separatesWords || m_tokenizer.isAfterSpace());
+        m_separatesWords = false;
+    } else {
+        addFirstText(text);
+    }
+}
+
+/// Use a text of one of the first two rows as evidence for the names of the columns.
+void TableLister::addFirstText(const QString &text)
+{
+    const OpenTable &open = m_openTables.back();
+    HtmlTable &table = m_tables[open.table];
     const bool hasDigits =
         std::any_of(text.begin(), text.end(), [](QChar c) { return c.isDigit(); });
-    if (row == 2) {
+    if (table.rows + table.headRows == 2) {
         table.digitsFollow = table.digitsFollow || hasDigits;
         return;
     }
@@ -171,10 +216,25 @@ void TableLister::addText()
 
 void TableLister::end()
 {
+    m_separatesWords = m_separatesWords || !isInlineElement(m_tokenizer.rawText().view());
     if (!m_openTables.empty() && m_openTables.back().depth == m_open.size()) {
+        endTable();
         m_openTables.pop_back();
     }
     m_open.pop_back();
+}
+
+void TableLister::endTable()
+{
+    const OpenTable &open = m_openTables.back();
+    if (open.header) {
+        HtmlTable &table = m_tables[open.table];
+        table.isExpanded = true;
+        table.rows = open.header->rows();
+        table.columns = open.header->columns();
+        table.headRows = open.header->headerRows();
+        table.firstRow = open.header->names();
+    }
 }
 
 std::vector<HtmlTable> TableLister::list()
@@ -202,9 +262,9 @@ std::vector<HtmlTable> TableLister::list()
 
 } // namespace
 
-std::vector<HtmlTable> listTables(XMLTokenizer &tokenizer, bool zeroBased)
+std::vector<HtmlTable> listTables(XMLTokenizer &tokenizer, bool zeroBased, Spans spans)
 {
-    return TableLister(tokenizer, zeroBased).list();
+    return TableLister(tokenizer, zeroBased, spans).list();
 }
 
 namespace {
@@ -221,54 +281,64 @@ bool beginsWithNames(const HtmlTable &table)
     return (table.hasHeadCell && !table.hasDataCell) || looksLikeNames;
 }
 
-/// The text, or the text with the first number from 2 that makes it one that is not in `names`.
-QString distinctName(const QString &text, const std::unordered_set<QString> &names)
+/// Makes names that differ.
+class DistinctNames
 {
-    QString name = text;
-    for (int n = 2; names.contains(name); ++n) {
-        name = text + u'_' + QString::number(n);
+public:
+    /// A name made of the text, of it and a number from 2, or of the number of the column.
+    QString add(const QString &text, qint64 column)
+    {
+        const QString base = text.isEmpty() ? u"column %1"_s.arg(column) : text;
+        QString name = base;
+        // A cell that spans columns names each of them: the search continues where it ended.
+        for (int &n = m_lastNumbers[base]; !m_names.insert(name).second;) {
+            n = std::max(n, 1) + 1;
+            name = base + u'_' + QString::number(n);
+        }
+        return name;
     }
-    return name;
-}
 
-/// A name that is not in `names`, made of the text or of the number of the column; adds it.
-QString newName(const QString &text, qint64 number, std::unordered_set<QString> *names)
+private:
+    std::unordered_set<QString> m_names;
+    std::unordered_map<QString, int> m_lastNumbers; ///< by text
+};
+
+/// The table without its rows of names. In a table without other rows than those in thead, they are
+/// its rows.
+SampledTable withoutHeader(const HtmlTable &table)
 {
-    const QString base = text.isEmpty() ? u"column %1"_s.arg(number) : text;
-    QString name = distinctName(base, *names);
-    names->insert(name);
-    return name;
+    const bool hasBody = table.rows > 0 || table.isExpanded;
+    const bool namesAreRead = beginsWithNames(table) && !(hasBody && table.isFirstInHead);
+    SampledTable sampled;
+    sampled.path = table.path;
+    sampled.isPageTable = true;
+    sampled.headRows = static_cast<int>(table.isExpanded ? table.headRows : namesAreRead ? 1 : 0);
+    sampled.rows = (hasBody ? table.rows : table.headRows) - sampled.headRows;
+    sampled.values = sampled.rows * table.columns;
+    sampled.levels = {{hasBody ? table.path : table.path + "/thead"_L1, u"tr"_s, {}}};
+    return sampled;
 }
 
 } // namespace
 
 SampledTable sampledTable(const HtmlTable &table, bool zeroBased)
 {
-    const bool hasBody = table.rows > 0;
-    const bool namesAreRead = beginsWithNames(table) && !(hasBody && table.isFirstInHead);
-    const bool hasNames = namesAreRead || table.isFirstInHead;
-    SampledTable sampled;
-    sampled.path = table.path;
-    sampled.isPageTable = true;
-    sampled.headRows = namesAreRead ? 1 : 0;
-    sampled.rows = (hasBody ? table.rows : table.headRows) - sampled.headRows;
-    sampled.values = sampled.rows * table.columns;
-    Level level{hasBody ? table.path : table.path + "/thead"_L1, u"tr"_s, {}};
-    std::unordered_set<QString> names;
+    SampledTable sampled = withoutHeader(table);
+    const bool hasNames = sampled.headRows > 0 || (table.isFirstInHead && !table.isExpanded);
+    DistinctNames names;
     for (qint64 i = 1; i <= table.columns; ++i) {
         const QString text = table.firstRow.value(i - 1);
-        level.items.push_back({u"[%1]"_s.arg(zeroBased ? i - 1 : i),
-                               newName(hasNames ? text : QString(), i, &names), false});
+        sampled.levels.front().items.push_back({u"[%1]"_s.arg(zeroBased ? i - 1 : i),
+                                                names.add(hasNames ? text : QString(), i), false});
         sampled.beginning << (text.isEmpty() ? QStringList() : QStringList(text));
     }
-    sampled.levels = {std::move(level)};
     return sampled;
 }
 
-SampledDocument sampleTables(XMLTokenizer &tokenizer, bool zeroBased)
+SampledDocument sampleTables(XMLTokenizer &tokenizer, bool zeroBased, Spans spans)
 {
     SampledDocument document;
-    for (const HtmlTable &table : listTables(tokenizer, zeroBased)) {
+    for (const HtmlTable &table : listTables(tokenizer, zeroBased, spans)) {
         document.add(sampledTable(table, zeroBased));
     }
     return document;

@@ -153,7 +153,8 @@ TEST(HtmlTables, HaveColumnNamesFromTheFirstRow)
         QByteArray page = "<t>" + QByteArray(rows) + "</t>";
         page.replace("t>", "table>").replace("<td>", "</td><td>").replace("<th>", "</th><th>");
         MemorySource source(page);
-        const SampledTable found = sampleTables(*pageTokenizer(source), true).tables.at(0);
+        const SampledTable found =
+            sampleTables(*pageTokenizer(source), true, Spans::Ignored).tables.at(0);
         QStringList names;
         for (const LevelItem &item : found.levels.at(0).items) {
             names << item.name;

@@ -3,8 +3,11 @@
 //
 //     <?xml version="1.0" encoding="NAME"?>
 //
-// compared with whether all bytes follow the pattern of UTF-8.
+// compared with whether all bytes follow the pattern of UTF-8. What the <meta> of a page declares
+// comes before both.
 #include "codecs/markup/text/encoding.h"
+
+#include "codecs/markup/text/html_charset.h"
 
 #include <algorithm>
 #include <array>
@@ -157,7 +160,8 @@ static QByteArray markedEncoding(QByteArrayView first)
     return first.startsWith("\xFF\xFE") ? "UTF-16LE" : "";
 }
 
-EncodingChoice chooseEncoding(QByteArrayView first, const QByteArray &name)
+EncodingChoice chooseEncoding(QByteArrayView first, const QByteArray &name,
+                              const QByteArray &charset)
 {
     QByteArray marked = markedEncoding(first);
     if (!marked.isEmpty()) {
@@ -166,7 +170,13 @@ EncodingChoice chooseEncoding(QByteArrayView first, const QByteArray &name)
     if (!name.isEmpty() && name.compare("auto", Qt::CaseInsensitive) != 0) {
         return {name};
     }
+    const bool isDeclared = !charset.isEmpty() && !looksLikeUtf16(first);
+    const QByteArray ofPage = isDeclared ? encodingOfCharset(charset) : QByteArray();
+    if (!ofPage.isEmpty()) {
+        return {ofPage};
+    }
     EncodingChoice choice{guessEncoding(first)};
+    choice.unknown = isDeclared ? charset : QByteArray();
     const QByteArray declared = declaredEncoding(first);
     const bool isWide = isWideEncoding(declared) && !looksLikeUtf16(first);
     choice.contradicted = isWide ? declared : QByteArray();

@@ -39,11 +39,16 @@ struct EncodingChoice
     /// The document declares no encoding and has characters beyond ASCII: only the system's code
     /// page is left.
     bool isAssumed = false;
+    /// The name in a page's <meta>, when no encoding is known by it. It is ignored. Otherwise
+    /// empty.
+    QByteArray unknown = {};
 };
 
 /// The encoding of an XML or HTML document that starts with `first`: that of its byte-order mark,
-/// else `name`. An empty name or "auto" (in any letter case) means guessEncoding().
-EncodingChoice chooseEncoding(QByteArrayView first, const QByteArray &name);
+/// else `name`. An empty name or "auto" (in any letter case) means `charset`, which a page declares
+/// in a <meta>, and without one guessEncoding().
+EncodingChoice chooseEncoding(QByteArrayView first, const QByteArray &name,
+                              const QByteArray &charset = {});
 
 /// The mode of a JSON document: Utf16 or Utf8.
 CharMode guessJSONEncoding(QByteArrayView first);

@@ -114,7 +114,10 @@ qsizetype decodeJson(const char *at, const char *end, char16_t *out)
     return out - begin;
 }
 
-qsizetype decodeXml(const char *at, const char *end, char16_t *out)
+/// `read(at, end)` returns the reference at a "&", or nothing when it is text. A reference has at
+/// least as many bytes as units.
+template <class Read>
+qsizetype decodeEntities(const char *at, const char *end, char16_t *out, Read read)
 {
     char16_t *const begin = out;
     while (at < end) {
@@ -126,7 +129,7 @@ qsizetype decodeXml(const char *at, const char *end, char16_t *out)
         if (at == end) {
             break;
         }
-        if (const std::optional<Entity> entity = readEntity(at, end)) {
+        if (const std::optional<Entity> entity = read(at, end)) {
             out = std::copy_n(entity->units.begin(), entity->unitCount, out);
             at += entity->length;
         } else {
@@ -148,11 +151,18 @@ qsizetype decode(const RawText &text, char16_t *out)
         return utf8ToUtf16(text.data, text.size, out);
     case TextForm::JsonEscaped:
         return decodeJson(text.data, end, out);
+    case TextForm::HtmlEntities:
+    case TextForm::HtmlAttribute:
+        return decodeEntities(text.data, end, out, [&](const char *at, const char *stop) {
+            return readHtmlEntity(at, stop,
+                                  text.form == TextForm::HtmlAttribute ? HtmlPlace::Attribute
+                                                                       : HtmlPlace::Text);
+        });
     case TextForm::XmlEntities:
     case TextForm::External:
         break;
     }
-    return decodeXml(text.data, end, out);
+    return decodeEntities(text.data, end, out, readEntity);
 }
 
 std::u16string decoded(const RawText &text)

@@ -20,6 +20,10 @@ enum class TextForm : quint8 {
     JsonEscaped,
     /// UTF-8 with "&"; an unknown entity stays unchanged.
     XmlEntities,
+    /// UTF-8 with "&" of HTML; what is not a reference stays unchanged.
+    HtmlEntities,
+    /// The same, of an attribute.
+    HtmlAttribute,
     /// Of a TextSpan only: the span holds the number of a text outside the buffer.
     External,
 };

@@ -11,7 +11,6 @@
 // void elements, "tbody", attributes without value or quotes, and end tags that do not match.
 #include "codecs/markup/tokens/xml_tokenizer.h"
 
-#include "base/limits.h"
 #include "codecs/markup/text/char_class.h"
 #include "codecs/markup/text/entities.h"
 #include "codecs/markup/text/scan.h"
@@ -84,13 +83,6 @@ Token XMLTokenizer::nextToken()
         token = step();
     }
     return token;
-}
-
-/// True where a leaf may begin.
-inline bool XMLTokenizer::isBetweenTags() const
-{
-    return m_begun && !isFinished() && !m_pendingEnd && m_pendingCloses == 0 &&
-           static_cast<qint64>(m_names.size()) < limits::kElementDepth;
 }
 
 /// "<name>text</name>" or "<name/>", without references and complete in the buffer.

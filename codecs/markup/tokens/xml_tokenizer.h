@@ -2,6 +2,7 @@
 //
 // docs/formats/markup.md lists what is accepted beyond XML 1.0 and the codes of what is rejected.
 #pragma once
+#include "base/limits.h"
 #include "codecs/markup/tokens/name_stack.h"
 #include "codecs/markup/tokens/tokenizer.h"
 
@@ -25,7 +26,7 @@ struct XMLOptions
 };
 
 /// Threads: one at a time.
-class XMLTokenizer final : public MarkupTokenizer
+class XMLTokenizer : public MarkupTokenizer
 {
 public:
     /// An attribute of a Start; the value is not decoded.
@@ -61,17 +62,63 @@ public:
     /// The kind of the current Clear section.
     ClearKind clearKind() const { return m_clearKind; }
 
+    /// True when there is a space before the current Text. Known only to HtmlTokenizer; otherwise
+    /// true.
+    bool isAfterSpace() const { return m_isAfterSpace; }
+    /// The current Start is a row: number of the group of rows (thead, tbody, tfoot) that it is in.
+    /// Known only to HtmlTokenizer; otherwise 0.
+    quint32 rowGroup() const { return m_rowGroup; }
+
+    /// Where the construct begins, for example a comment, in which the data ended. Known only to
+    /// HtmlTokenizer, which skips it; elsewhere it is an error.
+    const std::optional<LineCounter> &unfinished() const { return m_unfinished; }
+
     RawText externalText(quint32 number) const override;
     const XMLTokenizer *asXml() const override { return this; }
 
 protected:
     Result<void, MarkupError> detectEncoding(CharSource &source, QByteArrayView first) override;
 
+    // What HtmlTokenizer uses too.
+
+    /// True where a leaf may begin.
+    bool isBetweenTags() const
+    {
+        return m_begun && !isFinished() && !m_pendingEnd && m_pendingCloses == 0 &&
+               static_cast<qint64>(m_names.size()) < limits::kElementDepth;
+    }
+    void cutNameSpace(TextSpan *name) const;
+    bool pushName(std::string_view name);
+    /// Make an Error token; returns false, for functions that return bool.
+    bool failed(MarkupError error)
+    {
+        fail(error);
+        return false;
+    }
+    void moveTo(const char *at) { m_pos = static_cast<size_t>(at - data()); }
+    const XMLOptions &options() const { return m_options; }
+
+    /// Attributes of the current Start.
+    std::vector<Attribute> m_attributes;
+    ClearKind m_clearKind = ClearKind::Other;
+    /// The next token is the End of the current Start.
+    bool m_pendingEnd = false;
+    bool m_isAfterSpace = true;
+    quint32 m_rowGroup = 0;
+    std::optional<LineCounter> m_unfinished;
+    /// Number of open elements that end next, without an end tag.
+    qint64 m_pendingCloses = 0;
+    /// Name of the current Start.
+    TextSpan m_name;
+    /// Names of the open elements.
+    NameStack m_names;
+    /// The external text: name of the element that ended.
+    std::string_view m_closedName;
+
 private:
     // Functions that return bool return false for a failure, after fail() made an Error token.
 
     // Text, and what may be in it.
-    bool isBetweenTags() const;
     Token step();
     Token readTag();
     Token readText(const char *at);
@@ -88,7 +135,6 @@ private:
     // Start tags: `at` is the position in the buffer, which is moved past what was read.
     Token readStartTag();
     bool readName(const char **at, MarkupError error, TextSpan *name);
-    void cutNameSpace(TextSpan *name) const;
     /// What nextTagPart() found in a start tag.
     enum class TagPart : quint8 {
         /// The first character of an attribute.
@@ -110,33 +156,12 @@ private:
     Token closeFor(std::string_view name);
     Token pendingClose();
     Token dataEnds();
-    /// Make an Error token; returns false, for functions that return bool.
-    bool failed(MarkupError error)
-    {
-        fail(error);
-        return false;
-    }
-    void moveTo(const char *at) { m_pos = static_cast<size_t>(at - data()); }
-    bool pushName(std::string_view name);
     /// True when an unknown entity is text.
     bool isLoose() const { return m_options.html || m_options.ignoreUnknownEntities; }
 
     /// May change between tokens, never inside one.
     XMLOptions m_options;
     QByteArray m_systemEncoding = QByteArrayLiteral("windows-1252");
-    /// Attributes of the current Start.
-    std::vector<Attribute> m_attributes;
-    ClearKind m_clearKind = ClearKind::Other;
-    /// The next token is the End of the current Start.
-    bool m_pendingEnd = false;
-    /// Number of open elements that end next, without an end tag.
-    qint64 m_pendingCloses = 0;
-    /// Name of the current Start.
-    TextSpan m_name;
-    /// Names of the open elements.
-    NameStack m_names;
-    /// The external text: name of the element that ended.
-    std::string_view m_closedName;
 };
 
 } // namespace corvanta::markup
