@@ -38,25 +38,46 @@ quint32 PathSet::addSteps(const std::vector<PathStep> &steps, quint32 path, Trai
     quint32 at = 0;
     for (size_t i = 0; i < steps.size(); ++i) {
         Node &node = *m_nodes[at];
-        const auto same = std::find_if(node.edges.begin(), node.edges.end(),
-                                       [&](const Edge &edge) { return edge.step == steps[i]; });
-        trail->emplace_back(at, static_cast<quint32>(same - node.edges.begin()));
-        if (same != node.edges.end()) {
-            same->onlyPath = kNone; // a second path uses the edge
-            at = same->node;
+        const quint32 same = findEdge(node, steps[i]);
+        trail->emplace_back(at, same);
+        if (same != node.edges.size()) {
+            node.edges[same].onlyPath = kNone; // a second path uses the edge
+            at = node.edges[same].node;
             continue;
         }
-        // Also an edge for children: "@name" selects a child where there is no attribute.
-        if (steps[i].isAttribute()) {
-            node.attributeEdges.push_back(static_cast<quint32>(node.edges.size()));
-        }
         at = static_cast<quint32>(m_nodes.size());
-        node.edges.push_back({steps[i], at, i + 1 == steps.size() ? path : kNone});
-        node.indexes.push_back(steps[i].index);
-        setMostRead(node);
+        addEdge(node, {steps[i], at, i + 1 == steps.size() ? path : kNone});
         m_nodes.push_back(std::make_unique<Node>());
     }
     return at;
+}
+
+/// The number of the edge with that step, or that of the next edge to add.
+quint32 PathSet::findEdge(const Node &node, const PathStep &step)
+{
+    const auto named = node.byName.find(step.name);
+    if (named != node.byName.end()) {
+        for (const quint32 number : named->second) {
+            if (node.edges[number].step == step) {
+                return number;
+            }
+        }
+    }
+    return static_cast<quint32>(node.edges.size());
+}
+
+void PathSet::addEdge(Node &node, const Edge &edge)
+{
+    const auto number = static_cast<quint32>(node.edges.size());
+    // Also an edge for children: "@name" selects a child where there is no attribute.
+    if (edge.step.isAttribute()) {
+        node.attributeEdges.push_back(number);
+    }
+    node.edges.push_back(edge);
+    node.byName[edge.step.name].push_back(number);
+    node.indexes.push_back(edge.step.index);
+    node.mostRead.push_back(kNone);
+    setMostRead(node, edge.step);
 }
 
 void PathSet::ignore(const std::vector<PathStep> &steps)
@@ -65,26 +86,26 @@ void PathSet::ignore(const std::vector<PathStep> &steps)
     m_nodes[addSteps(steps, kNone, &trail)]->isIgnored = true;
     if (!trail.empty()) {
         Node &last = *m_nodes[trail.back().first];
-        last.edges[trail.back().second].isIgnored = true;
-        setMostRead(last);
+        Edge &edge = last.edges[trail.back().second];
+        edge.isIgnored = true;
+        setMostRead(last, edge.step);
     }
 }
 
-/// For each edge without an index: the highest index of the edges with its name, plus one.
-void PathSet::setMostRead(Node &node)
+/// For each edge with the name of `changed` but without an index: the highest index of the edges
+/// with that name, plus one.
+void PathSet::setMostRead(Node &node, const PathStep &changed)
 {
-    node.mostRead.assign(node.edges.size(), kNone);
-    for (size_t i = 0; i < node.edges.size(); ++i) {
-        const PathStep &step = node.edges[i].step;
-        if (step.isIndexed || step.isAttribute() || node.edges[i].isIgnored) {
-            continue;
-        }
-        node.mostRead[i] = 1;
-        for (const Edge &other : node.edges) {
-            if (!other.step.anyName && other.step.name == step.name) {
-                node.mostRead[i] = std::max(node.mostRead[i], other.step.index + 1);
-            }
-        }
+    const Numbers &numbers = node.byName[changed.name];
+    quint32 most = 1;
+    for (const quint32 number : numbers) {
+        const PathStep &step = node.edges[number].step;
+        most = step.anyName ? most : std::max(most, step.index + 1);
+    }
+    for (const quint32 number : numbers) {
+        const Edge &edge = node.edges[number];
+        const bool counts = !edge.step.isIndexed && !edge.step.isAttribute() && !edge.isIgnored;
+        node.mostRead[number] = counts ? most : kNone;
     }
 }
 
@@ -112,10 +133,7 @@ void PathSet::resetCounts()
 
 bool PathSet::isFirstStep(const RawText &name) const
 {
-    const std::vector<Edge> &first = m_nodes[0]->edges;
-    return std::any_of(first.begin(), first.end(), [&](const Edge &edge) {
-        return !edge.step.anyName && nameMatches(name, edge.step.name);
-    });
+    return !name.isEmpty() && m_nodes[0]->byName.contains(toLowerCase(decoded(name)));
 }
 
 std::span<const quint32> PathSet::resolve(const MarkupTree &tree, quint32 element)
@@ -229,6 +247,22 @@ void PathSet::reach(const MarkupTree &tree, quint32 node, quint32 item)
 /// Find the edges of a node whose step selects the name.
 void PathSet::collectMatches(const Node &node, const RawText &name, NameMemory::Matches *matches)
 {
+    // A name that is not found again where it was before is rare in records of few names.
+    constexpr size_t kManyEdges = 64;
+    if (node.edges.size() > kManyEdges) {
+        const auto add = [&](const std::u16string &key) {
+            const auto named = node.byName.find(key);
+            if (named != node.byName.end()) {
+                matches->insert(matches->end(), named->second.begin(), named->second.end());
+            }
+        };
+        add({}); // steps for any name
+        if (!name.isEmpty()) {
+            add(toLowerCase(decoded(name)));
+        }
+        std::sort(matches->begin(), matches->end());
+        return;
+    }
     for (quint32 i = 0; i < node.edges.size(); ++i) {
         if (selects(node.edges[i].step, name)) {
             matches->push_back(i);

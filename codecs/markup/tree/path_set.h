@@ -11,6 +11,8 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -91,12 +93,16 @@ private:
         quint32 edge;
         quint32 item;
     };
+    using Numbers = std::vector<quint32>;
     /// A node of the trie. The root, number 0, is the element where all paths start.
     struct Node
     {
         /// Numbers of the paths that end here.
         std::vector<size_t> paths;
         std::vector<Edge> edges;
+        /// Numbers of the edges by the name of their step, ascending; of those for any name, by an
+        /// empty one.
+        std::unordered_map<std::u16string, Numbers> byName;
         /// Step.index by edge.
         std::vector<quint32> indexes;
         /// By edge: the number of matches of its name that steps read; kNone for steps with an
@@ -123,7 +129,9 @@ private:
     void follow(const MarkupTree &tree, const Edge &edge, quint32 child);
     static void collectMatches(const Node &node, const RawText &name, NameMemory::Matches *matches);
     void addRepeats(const MarkupTree &tree, Visit at);
-    static void setMostRead(Node &node);
+    static quint32 findEdge(const Node &node, const PathStep &step);
+    static void addEdge(Node &node, const Edge &edge);
+    static void setMostRead(Node &node, const PathStep &step);
     void reach(const MarkupTree &tree, quint32 node, quint32 item);
     void findAttributes(const MarkupTree &tree, Visit at);
 
