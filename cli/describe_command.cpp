@@ -68,20 +68,16 @@ QStringList conditionTexts(const ParameterInfo &info)
     return texts;
 }
 
-/// Whether `low` and `high` say something about the values.
-bool isNumber(const ParameterInfo &info)
-{
-    return (info.type == ParameterInfo::Type::Integer && info.choices.isEmpty()) ||
-           info.isNumberText;
-}
-
 /// Adds the bounds that the parameter declares; those of its C++ type are not of interest.
 void addRange(const ParameterInfo &info, QJsonObject *entry)
 {
-    if (isNumber(info) && info.low > std::numeric_limits<int>::min()) {
+    if (info.type != ParameterInfo::Type::Integer && !info.isNumberText) {
+        return;
+    }
+    if (info.low > std::numeric_limits<int>::min()) {
         entry->insert(u"low"_s, info.low);
     }
-    if (isNumber(info) && info.high < std::numeric_limits<int>::max()) {
+    if (info.high < std::numeric_limits<int>::max()) {
         entry->insert(u"high"_s, info.high);
     }
 }
@@ -164,7 +160,8 @@ void printParameter(const ParameterInfo &info, const QString &indent)
     print(u"%1%2 (%3, default %4)\n"_s.arg(indent, info.name, ActionParameters::typeName(info.type),
                                            defaultText));
     print(u"%1%2\n"_s.arg(inner, info.meaning));
-    if (isNumber(info)) {
+    const bool isInteger = info.type == ParameterInfo::Type::Integer && info.choices.isEmpty();
+    if (isInteger || info.isNumberText) {
         print(u"%1Allowed: %2.\n"_s.arg(inner, allowedValues(info)));
     }
     if (info.isRequired) {

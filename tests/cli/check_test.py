@@ -482,6 +482,21 @@ class CommandLine(Case):
                          r"(?s)  Levels \(structure.*\n +Item \(structure.*\n +type \(integer, default 0\)\n.*\n +5 = An array containing some sub-level")
 
 
+    def test_describe_has_what_a_parameter_allows(self):
+        def infos(action):
+            return {info["name"]: info for info in json.loads(self.corvanta("describe", action, "--json").stdout)["parameters"]}
+        size = infos("writeParquet")["pageSize"]
+        self.assertEqual((size["low"], size["high"], size["unit"], "required" in size), (1, 1048576, "KiB", False))
+        self.assertEqual(infos("writeParquet")["keyStorage"]["choices"][1], "32-bit integer")
+        self.assertEqual(infos("readExcel")["sheetIdx"]["low"], 1)
+        self.assertNotIn("high", infos("readExcel")["sheetIdx"])
+        self.assertTrue(infos("writeReport")["output"]["required"])
+        text = self.corvanta("describe", "writeReport").stdout
+        self.assertIn("Allowed: a whole number from 1 to 1000.", text)
+        self.assertIn("Required: must not be empty.", text)
+        self.assertIn("any number of input pins, 0 output pins\n", text)
+
+
 class WritersWithoutRows(Case):
     def test_say_so(self):
         (self.folder / "in.csv").write_text("a\nx\n")
