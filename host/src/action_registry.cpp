@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <mutex>
 #include <new>
 
 using namespace Qt::StringLiterals;
@@ -41,6 +42,35 @@ QStringList modulesIn(const QString &folder)
 QString standardFolder()
 {
     return QCoreApplication::applicationDirPath() + "/../lib/corvanta/plugins"_L1;
+}
+
+/// The folders with modules that any registry has loaded. An editor may have modules of its own,
+/// and what runs or checks its graphs loads them too.
+class KnownFolders
+{
+public:
+    void add(const QString &folder)
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_folders.contains(folder)) {
+            m_folders << folder;
+        }
+    }
+    QStringList all() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_folders;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    QStringList m_folders; // canonical
+};
+
+KnownFolders &knownFolders()
+{
+    static KnownFolders folders;
+    return folders;
 }
 
 void loadModule(const QString &file, ActionRegistry *registry)
@@ -73,8 +103,14 @@ QString ActionRegistry::defaultFolder()
 void ActionRegistry::loadAll()
 {
     const QString folder = defaultFolder();
-    const QStringList modules = modulesIn(folder);
+    QStringList modules = modulesIn(folder);
     loadFolder(folder);
+    for (const QString &other : knownFolders().all()) {
+        if (other != QDir(folder).canonicalPath()) {
+            modules << modulesIn(other);
+            loadFolder(other);
+        }
+    }
     if (std::all_of(modules.begin(), modules.end(), isOwnModule)) {
         MainUI::addLog(
             MainUI::Warning,
@@ -90,7 +126,11 @@ void ActionRegistry::loadAll()
 void ActionRegistry::loadFolder(const QString &folder)
 {
     const QDir dir(folder);
-    for (const QString &name : modulesIn(folder)) {
+    const QStringList modules = modulesIn(folder);
+    if (!modules.isEmpty()) {
+        knownFolders().add(dir.canonicalPath());
+    }
+    for (const QString &name : modules) {
         loadModule(dir.absoluteFilePath(name), this);
     }
 }

@@ -19,7 +19,8 @@ public:
     ActionRegistry();
     ~ActionRegistry();
 
-    /// Load every module of the default folder. The module with the host's own actions is the last
+    /// Load every module of the default folder, then those of the other folders that a registry of
+    /// this program has loaded. The module with the host's own actions is the last
     /// one; if that folder has none, it is loaded from the folder of the program. A module that
     /// cannot be loaded, and a folder without any, are reported as warnings.
     void loadAll();
