@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QSet>
 #include <QSignalBlocker>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -192,7 +193,8 @@ void ListEditor::setOffered(const QStringList &texts)
 void ListEditor::showOffered()
 {
     m_left->clear();
-    const QStringList texts = chosen();
+    const QStringList list = chosen();
+    const QSet<QString> texts(list.begin(), list.end());
     for (const QString &text : std::as_const(m_offered)) {
         if (!texts.contains(text) && text.contains(m_search->text(), Qt::CaseInsensitive)) {
             m_left->addItem(text);
@@ -204,9 +206,10 @@ void ListEditor::markUnknown()
 {
     const QSignalBlocker blocker(m_list); // a mark is not an edit
     const QIcon mark = warningMark(palette());
+    const QSet<QString> offered(m_offered.begin(), m_offered.end()); // there may be thousands
     for (int i = 0; i < m_list->count(); ++i) {
         QListWidgetItem *const item = m_list->item(i);
-        const bool isKnown = m_offered.isEmpty() || m_offered.contains(item->text());
+        const bool isKnown = offered.isEmpty() || offered.contains(item->text());
         item->setIcon(isKnown ? QIcon() : mark);
         item->setToolTip(isKnown ? QString() : tr("The input has no such column"));
         item->setFlags(item->flags() | Qt::ItemIsEditable); // items that were dropped

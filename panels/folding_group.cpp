@@ -125,6 +125,9 @@ void FoldingGroup::updateHeading()
     QFont bold = font();
     bold.setBold(true);
     m_heading->setFont(bold);
+    constexpr int iconPixels = 16;
+    const int size = scaledToFont(iconPixels, fontMetrics());
+    m_heading->setIconSize({size, size});
     m_heading->setIcon(glyphIcon(m_isFolded ? Glyph::Folded : Glyph::Unfolded,
                                  palette().color(QPalette::WindowText)));
     m_heading->setAccessibleDescription(m_isFolded ? tr("Shows the fields of this group")

@@ -2,6 +2,7 @@
 
 #include "panels/colors.h"
 
+#include <QIconEngine>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -10,8 +11,6 @@ namespace corvanta {
 namespace {
 
 constexpr int kGrid = 16; // the drawings have this many units per side
-constexpr int kIconPixels = 16;
-
 /// A line through the points, in units of the grid.
 void line(QPainterPath &path, std::initializer_list<QPointF> points)
 {
@@ -79,6 +78,51 @@ QPainterPath pathOf(Glyph glyph)
     return path;
 }
 
+/// In units of the grid, so that it is sharp at any size.
+void drawGlyph(QPainter *painter, const QRectF &rect, Glyph glyph, const QColor &color)
+{
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->translate(rect.topLeft());
+    painter->scale(rect.width() / kGrid, rect.height() / kGrid);
+    painter->setPen(QPen(color, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter->drawPath(pathOf(glyph));
+}
+
+/// Draws the icon in the size that is asked for: that depends on the font and the screen.
+class GlyphEngine final : public QIconEngine
+{
+public:
+    GlyphEngine(Glyph glyph, const QColor &normal, const QColor &selected)
+        : m_glyph(glyph)
+        , m_normal(normal)
+        , m_selected(selected)
+    {
+    }
+
+    void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State) override
+    {
+        constexpr double dimmed = 0.4;
+        painter->save();
+        painter->setOpacity(mode == QIcon::Disabled ? dimmed : 1);
+        drawGlyph(painter, rect, m_glyph, mode == QIcon::Selected ? m_selected : m_normal);
+        painter->restore();
+    }
+    QPixmap pixmap(const QSize &size, QIcon::Mode mode, QIcon::State state) override
+    {
+        QPixmap pixmap(size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        paint(&painter, {{}, size}, mode, state);
+        return pixmap;
+    }
+    QIconEngine *clone() const override { return new GlyphEngine(*this); }
+
+private:
+    Glyph m_glyph;
+    QColor m_normal;
+    QColor m_selected;
+};
+
 } // namespace
 
 QPixmap glyphPixmap(Glyph glyph, const QColor &color, int size, double ratio)
@@ -86,35 +130,28 @@ QPixmap glyphPixmap(Glyph glyph, const QColor &color, int size, double ratio)
     const int pixels = qRound(size * ratio);
     QPixmap pixmap(pixels, pixels);
     pixmap.fill(Qt::transparent);
-    // Drawn in units of the grid, so that it is sharp at any size.
     QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.scale(static_cast<double>(pixels) / kGrid, static_cast<double>(pixels) / kGrid);
-    painter.setPen(QPen(color, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPath(pathOf(glyph));
+    drawGlyph(&painter, pixmap.rect(), glyph, color);
     painter.end();
     pixmap.setDevicePixelRatio(ratio);
     return pixmap;
 }
 
+int scaledToFont(int pixels, const QFontMetrics &font)
+{
+    constexpr int usualHeight = 18;
+    return qMax(pixels, pixels * font.height() / usualHeight);
+}
+
 QIcon glyphIcon(Glyph glyph, const QColor &color)
 {
-    // Qt chooses the pixmap for the screen, and dims it for a disabled control.
-    QIcon icon;
-    for (const double ratio : {1.0, 2.0, 3.0}) {
-        icon.addPixmap(glyphPixmap(glyph, color, kIconPixels, ratio));
-    }
-    return icon;
+    return QIcon(new GlyphEngine(glyph, color, color)); // takes ownership
 }
 
 QIcon warningMark(const QPalette &palette)
 {
-    QIcon mark = glyphIcon(Glyph::Warning, warningColor(palette));
-    const QColor selected = palette.color(QPalette::HighlightedText);
-    for (const double ratio : {1.0, 2.0, 3.0}) {
-        mark.addPixmap(glyphPixmap(Glyph::Warning, selected, kIconPixels, ratio), QIcon::Selected);
-    }
-    return mark;
+    return QIcon(new GlyphEngine(Glyph::Warning, warningColor(palette),
+                                 palette.color(QPalette::HighlightedText)));
 }
 
 } // namespace corvanta

@@ -2,6 +2,7 @@
 //
 // Threads: the GUI thread.
 #pragma once
+#include <QFontMetrics>
 #include <QIcon>
 #include <QPalette>
 #include <QPixmap>
@@ -27,8 +28,9 @@ enum class Glyph {
 /// The glyph in one colour, `size` logical pixels wide and high, for a screen with `ratio` device
 /// pixels per logical pixel.
 QPixmap glyphPixmap(Glyph glyph, const QColor &color, int size, double ratio);
-/// The same as an icon, also for screens of two and three device pixels per logical pixel. It is
-/// dimmed when its control is disabled.
+/// A size at the usual font, in logical pixels, for a larger font.
+int scaledToFont(int pixels, const QFontMetrics &font);
+/// The same as an icon of any size. It is dimmed when its control is disabled.
 QIcon glyphIcon(Glyph glyph, const QColor &color);
 /// The mark of an item of a list that needs attention, readable also on a selected item.
 QIcon warningMark(const QPalette &palette);

@@ -10,7 +10,7 @@ namespace corvanta {
 
 namespace {
 
-constexpr int kMarkPixels = 14;
+constexpr int kMarkPixels = 14; // at the usual size of the font
 constexpr int kMarkGap = 4;
 
 QColor colorOf(NoteLabel::Kind kind, const QPalette &palette)
@@ -43,7 +43,7 @@ void NoteLabel::setNote(Kind kind, const QString &text)
     m_kind = kind;
     setText(text);
     setVisible(!text.isEmpty()); // an empty line would leave a gap
-    setContentsMargins(kind == Kind::Remark ? 0 : kMarkPixels + kMarkGap, 0, 0, 0);
+    setContentsMargins(kind == Kind::Remark ? 0 : markSize() + kMarkGap, 0, 0, 0);
     updateColor();
 }
 
@@ -53,6 +53,11 @@ void NoteLabel::changeEvent(QEvent *event)
     if (event->type() == QEvent::PaletteChange) {
         updateColor();
     }
+}
+
+int NoteLabel::markSize() const
+{
+    return scaledToFont(kMarkPixels, fontMetrics());
 }
 
 void NoteLabel::updateColor()
@@ -73,10 +78,10 @@ void NoteLabel::paintEvent(QPaintEvent *event)
     if (m_kind != Kind::Remark) {
         // The contents margin leaves room for the mark, next to the first line.
         QPainter painter(this);
-        const int top = qMax(0, (fontMetrics().height() - kMarkPixels) / 2);
+        const int top = qMax(0, (fontMetrics().height() - markSize()) / 2);
         painter.drawPixmap(0, top,
                            glyphPixmap(Glyph::Warning, palette().color(QPalette::WindowText),
-                                       kMarkPixels, devicePixelRatioF()));
+                                       markSize(), devicePixelRatioF()));
     }
 }
 

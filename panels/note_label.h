@@ -26,6 +26,7 @@ protected:
 private:
     /// Take the colour of the kind from the palette of the parent.
     void updateColor();
+    int markSize() const; // in logical pixels
 
     Kind m_kind = Kind::Remark;
 };

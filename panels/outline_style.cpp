@@ -1,6 +1,7 @@
 #include "panels/outline_style.h"
 
 #include "panels/colors.h"
+#include "panels/glyphs.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -35,6 +36,24 @@ public:
             drawOutline(*option, 0, painter);
         } else if (element == PE_FrameLineEdit || element == PE_Frame) {
             drawUnlessFocused(*option, painter);
+        }
+    }
+
+    /// Boxes and icons grow with the font of their control.
+    int pixelMetric(PixelMetric metric, const QStyleOption *option,
+                    const QWidget *widget) const override
+    {
+        const int pixels = QProxyStyle::pixelMetric(metric, option, widget);
+        switch (metric) {
+        case PM_IndicatorWidth:
+        case PM_IndicatorHeight:
+        case PM_SmallIconSize:
+        case PM_ButtonIconSize:
+        case PM_ListViewIconSize:
+        case PM_LineEditIconSize:
+            return widget != nullptr ? scaledToFont(pixels, widget->fontMetrics()) : pixels;
+        default:
+            return pixels;
         }
     }
 

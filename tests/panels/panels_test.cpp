@@ -494,6 +494,26 @@ TEST_P(Panels, NothingIsCutOrOverlaps)
     QApplication::setFont(normal);
 }
 
+TEST(Controls, BoxesAndIconsGrowWithTheFont)
+{
+    const QFont normal = QApplication::font();
+    const auto sizes = [] {
+        const Action action = panels::fromXml("<readExcel/>");
+        const Panel panel = shown(action);
+        const auto *const box = panel->findChild<QCheckBox *>();
+        const auto *const heading = panel->findChild<QToolButton *>(u"heading"_s);
+        return std::pair{box->style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, box),
+                         heading->iconSize().width()};
+    };
+    const auto [box, icon] = sizes();
+    QFont font = normal;
+    font.setPointSizeF(normal.pointSizeF() * 2);
+    QApplication::setFont(font);
+    EXPECT_GE(sizes().first, box * 3 / 2);
+    EXPECT_GE(sizes().second, icon * 3 / 2);
+    QApplication::setFont(normal);
+}
+
 TEST_P(Panels, TabVisitsTheFieldsFromTopToBottom)
 {
     const Action action = panels::fromXml(panels::example(type()));
