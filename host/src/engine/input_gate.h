@@ -4,6 +4,7 @@
 #include "engine/row_batch.h"
 #include "engine/spill_file.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -45,6 +46,8 @@ public:
     /// Discard all rows and release all waiting threads: the action reads no more. May be called
     /// several times; a gate is never opened again.
     void close();
+    /// Whether close() was called. Threads: any.
+    bool isClosed() const { return m_closed.load(std::memory_order_relaxed); }
 
 private:
     /// The rows of one pin: first those in `slices`, then those in `spill`.
@@ -68,13 +71,13 @@ private:
     static constexpr qint64 kOverflowBytes = qint64(32) << 20;
 
     mutable std::mutex m_mutex;
-    std::condition_variable m_filled;  // for the action: rows, an end or close()
-    std::condition_variable m_emptied; // for producers: room, a waiting action or close()
-    std::vector<Queue> m_queues;       // guarded by m_mutex, as all below
-    int m_waitingPin = -1;             // the pin that pop() waits on; -1: it does not wait
-    bool m_isBoundAlways = false;      // constant during the run
-    bool m_held = false;               // between hold() and release()
-    bool m_closed = false;             // never reset
+    std::condition_variable m_filled;   // for the action: rows, an end or close()
+    std::condition_variable m_emptied;  // for producers: room, a waiting action or close()
+    std::vector<Queue> m_queues;        // guarded by m_mutex, as all below
+    int m_waitingPin = -1;              // the pin that pop() waits on; -1: it does not wait
+    bool m_isBoundAlways = false;       // constant during the run
+    bool m_held = false;                // between hold() and release()
+    std::atomic<bool> m_closed = false; // never reset; written with m_mutex held
 };
 
 } // namespace corvanta

@@ -1,8 +1,8 @@
 // Builds batches from filled rows, and iterates over the rows of batches.
 //
-// An output pin has either an open batch (rows made here) or an open slice (rows of an input batch
-// that are sent unchanged), never both: a change between the two sends the first, so that rows keep
-// their order.
+// An output pin has either an open batch (rows made here, or rows picked from one input batch) or
+// an open slice (consecutive rows of an input batch that are sent unchanged), never both: a change
+// between the two sends the first, so that rows keep their order.
 #include "engine/pins.h"
 
 #include "base/cell.h"
@@ -60,20 +60,47 @@ void OutputPin::dropRow()
     }
 }
 
-/// Appends a row of an input batch to the open slice.
+/// Appends a row of an input batch to the open slice, or to the rows picked from that batch.
 void OutputPin::appendView()
 {
+    const bool isPicking = m_open && m_open->source && m_open->source == m_row.m_batch;
     const bool follows =
         m_slice.batch == m_row.m_batch && m_slice.first + m_slice.count == m_row.m_rowInBatch;
-    if (!follows) {
+    if (isPicking || (!follows && m_slice.batch && m_slice.batch == m_row.m_batch)) {
+        appendPicked();
+    } else if (follows) {
+        ++m_slice.count;
+    } else {
         flush();
-        m_slice = {m_row.m_batch, m_row.m_rowInBatch, 0};
+        m_slice = {m_row.m_batch, m_row.m_rowInBatch, 1};
     }
     // All cells of the output row are missing again. Its batch is kept for the next copyFrom().
     m_row.m_view = false;
     m_row.m_cells = m_row.m_own.data();
     // Nothing can follow the last row of a batch.
-    if (++m_slice.count + m_slice.first == m_slice.batch->rows) {
+    if (m_row.m_rowInBatch + 1 == m_row.m_batch->rows) {
+        flush();
+    }
+}
+
+/// Appends a row of an input batch that does not follow the one before. A batch of pointers to the
+/// cells costs less than a slice per row, each of which wakes the reader.
+void OutputPin::appendPicked()
+{
+    const BatchSlice slice = std::exchange(m_slice, {});
+    RowBatch &batch = openBatch();
+    const auto pick = [&batch](const uchar *const *cells, int rows) {
+        batch.cells.insert(batch.cells.end(), cells, cells + rows * batch.columns);
+        batch.rows += rows;
+    };
+    if (slice.count != 0) {
+        batch.source = slice.batch;
+        batch.schema = slice.batch->schema;
+        batch.columns = slice.batch->columns;
+        pick(slice.batch->row(slice.first), slice.count);
+    }
+    pick(m_row.m_cells, 1);
+    if (batch.rows >= m_options.batchRows) {
         flush();
     }
 }
@@ -83,7 +110,8 @@ void OutputPin::appendOwn()
 {
     RowBatch &batch = openBatch();
     // A batch has one schema, and a slice is sent before newer rows.
-    if (m_slice.count != 0 || (batch.rows != 0 && batch.schema != m_row.m_schema)) {
+    const bool isOther = batch.source || batch.schema != m_row.m_schema;
+    if (m_slice.count != 0 || (batch.rows != 0 && isOther)) {
         flush();
         appendOwn();
         return;
@@ -154,6 +182,15 @@ void OutputPin::send(const BatchSlice &slice)
     if (m_options.yieldAtBatches != nullptr) {
         *m_options.yieldAtBatches = 1;
     }
+    if (m_yieldWhenAbandoned != nullptr && isAbandoned()) {
+        *m_yieldWhenAbandoned = 1;
+    }
+}
+
+bool OutputPin::isAbandoned() const
+{
+    return isRead() && std::all_of(m_readers.begin(), m_readers.end(),
+                                   [](const Reader &reader) { return reader.gate->isClosed(); });
 }
 
 void OutputPin::end()
@@ -216,7 +253,30 @@ const OneRow *Ports::nextRow(int pin)
     }
     // Send partial batches before waiting, so that a slow source does not delay finished rows.
     flush();
-    return in(pin).fetch() ? in(pin).nextInBatch() : nullptr;
+    return !isAbandoned() && in(pin).fetch() ? in(pin).nextInBatch() : nullptr;
+}
+
+void Ports::endWithReaders(std::atomic<char> *yieldRequest)
+{
+    m_endsWithReaders = true;
+    for (OutputPin &pin : m_out) {
+        pin.setYieldWhenAbandoned(yieldRequest);
+    }
+}
+
+bool Ports::isComplete() const
+{
+    return isAbandoned() || std::any_of(m_out.begin(), m_out.end(),
+                                        [](const OutputPin &pin) { return pin.isComplete(); });
+}
+
+/// Pins that nothing reads do not count.
+bool Ports::isAbandoned() const
+{
+    const auto isDone = [](const OutputPin &pin) { return !pin.isRead() || pin.isAbandoned(); };
+    return m_endsWithReaders && std::all_of(m_out.begin(), m_out.end(), isDone) &&
+           std::any_of(m_out.begin(), m_out.end(),
+                       [](const OutputPin &pin) { return pin.isRead(); });
 }
 
 void Ports::flush()

@@ -45,6 +45,10 @@ public:
     }
     /// True if the row limit is reached. Always false without a limit.
     bool isComplete() const { return m_yieldRequest != nullptr && m_rowsLeft <= 0; }
+    /// Whether there are readers and none of them reads any more.
+    bool isAbandoned() const;
+    /// Request a yield when a batch is sent and the pin is abandoned. Call before the first row.
+    void setYieldWhenAbandoned(std::atomic<char> *request) { m_yieldWhenAbandoned = request; }
 
     /// The row to fill next; always the same object.
     OneRow *row() { return &m_row; }
@@ -73,6 +77,7 @@ private:
     // input batch, and for a row that no action reads.
     void appendOwn();
     void appendView();
+    void appendPicked();
     void dropRow();
     /// Move the cells of the row that is being filled out of a batch that is sent.
     void copyCellsOfOpenRow();
@@ -90,6 +95,7 @@ private:
     int m_dropped = 0;                           // rows that no action reads, not yet counted
     qint64 m_rowsLeft = 0;                       // until the limit
     std::atomic<char> *m_yieldRequest = nullptr; // null: there is no limit
+    std::atomic<char> *m_yieldWhenAbandoned = nullptr;
     std::atomic<qint64> m_count = 0;
 };
 
@@ -155,16 +161,18 @@ public:
     InputGate &gate() { return m_gate; }
     int pinsIn() const { return static_cast<int>(m_in.size()); }
     int pinsOut() const { return static_cast<int>(m_out.size()); }
-    /// True if an output pin has reached its row limit: the action is then finished, even if other
-    /// pins of it are read.
-    bool isComplete() const
-    {
-        return std::any_of(m_out.begin(), m_out.end(),
-                           [](const OutputPin &pin) { return pin.isComplete(); });
-    }
+    /// End the action when none of its readers reads any more, and set `yieldRequest` then. For an
+    /// action that does nothing but send rows. Call before the first row.
+    void endWithReaders(std::atomic<char> *yieldRequest);
+    /// True if no more rows are needed: an output pin has reached its row limit, even if other pins
+    /// are read, or the action ended with its readers.
+    bool isComplete() const;
 
 private:
+    bool isAbandoned() const;
+
     InputGate m_gate;
+    bool m_endsWithReaders = false;
     std::vector<InputPin> m_in;
     std::vector<OutputPin> m_out;
 };

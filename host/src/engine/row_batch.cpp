@@ -27,6 +27,7 @@ void BatchPool::giveBack(RowBatch *batch)
     owned->arena.deepReset(kKeptArenaBytes);
     owned->cells.clear();
     owned->schema.reset();
+    owned->source.reset();
     owned->rows = 0;
     // A reader that is far behind makes many batches; keep only as many as a full queue needs.
     // Within the reserved capacity, because a deleter must not throw.

@@ -25,13 +25,16 @@ struct RowBatch
     std::shared_ptr<const TableSchema> schema;
     RowBuffer arena{kBatchArenaBytes};
     std::vector<const uchar *> cells; // row by row, never null
-    int columns = 0;                  // valid once there is a row
+    /// Of a batch of rows that were picked from another one: that batch, which has the cells.
+    std::shared_ptr<const RowBatch> source;
+    int columns = 0; // valid once there is a row
     int rows = 0;
 
     /// Memory that the batch takes, roughly: cells and their pointers, without the schema.
     qint64 bytes() const
     {
-        return arena.bytesUsed() + static_cast<qint64>(cells.size() * sizeof(const uchar *));
+        return arena.bytesUsed() + static_cast<qint64>(cells.size() * sizeof(const uchar *)) +
+               (source ? source->bytes() : 0);
     }
     /// The cells of row `i`, from 0; one per column.
     const uchar *const *row(int i) const
@@ -47,8 +50,8 @@ struct BatchSlice
     int first = 0;
     int count = 0;
 
-    /// The share of these rows in the memory of the batch.
-    qint64 bytes() const { return batch->rows == 0 ? 0 : batch->bytes() * count / batch->rows; }
+    /// Memory that the slice keeps alive.
+    qint64 bytes() const { return batch->bytes(); }
 };
 
 /// Keeps batches for reuse: their memory has been touched before, which saves page faults.

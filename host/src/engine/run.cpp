@@ -352,10 +352,13 @@ void Run::Private::endRun(RunControl::Status status)
     releaseAll();
 }
 
-/// Calls the run function until the action is finished, its listeners have enough rows, or the run
+/// Calls the run function until the action is finished, its readers have enough rows, or the run
 /// has ended.
 void Run::Private::callRun(Node &node)
 {
+    if (!writesFiles(*node.action)) {
+        node.ports->endWithReaders(&node.control->yieldRequest);
+    }
     while (node.control->isRunning() && !node.ports->isComplete()) {
         if ((node.action.get()->*node.action->m_runFunction)()) {
             return;

@@ -276,6 +276,19 @@ private:
 
 } // namespace
 
+bool writesFiles(const ActionItem &action)
+{
+    const auto *const parameters = dynamic_cast<const ActionParameters *>(&action);
+    if (parameters == nullptr || !parameters->targets().isEmpty()) {
+        return true;
+    }
+    // The name of a file may depend on the rows.
+    const QVector<ParameterInfo> infos = parameters->parameters();
+    return std::any_of(infos.begin(), infos.end(), [](const ParameterInfo &info) {
+        return info.file == ParameterInfo::File::Output;
+    });
+}
+
 TargetOrder orderByTargets(const QVector<FileUser> &users,
                            const QVector<std::pair<int, int>> &links)
 {

@@ -3,6 +3,7 @@
 // Actions that write one file run one after another. "Earlier" follows the links, else the order of
 // the actions. What no order can make right is a conflict, which makes the graph invalid.
 #pragma once
+#include "corvanta/action_item.h"
 #include "corvanta/action_parameters.h"
 
 #include <QString>
@@ -22,6 +23,9 @@ struct FileUser
     QVector<TargetUse> targets = {};
     QStringList inputs = {};
 };
+
+/// Whether the action writes or may write a file. Otherwise its rows are all it does.
+bool writesFiles(const ActionItem &action);
 
 /// Two actions whose files exclude each other.
 struct TargetConflict
