@@ -1,0 +1,268 @@
+#include "codecs/expression/condition.h"
+
+#include "base/number.h"
+
+#include <compare>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::expression {
+
+namespace {
+
+/// A UTF-16 unit as a number in the order of code points: the surrogates, which stand for code
+/// points above U+FFFF, come after all other units.
+quint32 orderOf(char16_t unit)
+{
+    if (unit < 0xD800) {
+        return unit;
+    }
+    return unit >= 0xE000 ? unit - 0x800U : unit + 0x2000U;
+}
+
+std::partial_ordering compareTexts(std::u16string_view a, std::u16string_view b)
+{
+    const size_t n = std::min(a.size(), b.size());
+    const auto differ =
+        std::mismatch(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(n), b.begin());
+    if (differ.first != a.begin() + static_cast<std::ptrdiff_t>(n)) {
+        return orderOf(*differ.first) <=> orderOf(*differ.second);
+    }
+    return a.size() <=> b.size();
+}
+
+bool holds(Comparison comparison, std::partial_ordering order)
+{
+    switch (comparison) {
+    case Comparison::Equal:
+        return order == 0;
+    case Comparison::NotEqual:
+        return order != 0;
+    case Comparison::Less:
+        return order < 0;
+    case Comparison::LessOrEqual:
+        return order <= 0;
+    case Comparison::Greater:
+        return order > 0;
+    case Comparison::GreaterOrEqual:
+        break;
+    }
+    return order >= 0;
+}
+
+QString quoted(std::u16string_view text)
+{
+    return u"'%1'"_s.arg(QStringView(text.data(), static_cast<qsizetype>(text.size())));
+}
+
+} // namespace
+
+Result<Condition, Error> Condition::bind(const Expression &expression, const RowView &columns,
+                                         const std::vector<bool> &hasNumbers)
+{
+    Condition condition;
+    condition.m_root = expression.root;
+    for (const Node &node : expression.nodes) {
+        BoundNode bound{node.kind, node.comparison, node.firstChild, node.next, {}, {}};
+        for (const bool isLeft : {true, false}) {
+            auto operand = bindOperand(isLeft ? node.left : node.right, columns, expression.columns,
+                                       hasNumbers);
+            if (!operand) {
+                return operand.fault();
+            }
+            (isLeft ? bound.left : bound.right) = *std::move(operand);
+        }
+        if (const auto checked = checkTypes(bound, node, columns); !checked) {
+            return checked.fault();
+        }
+        condition.m_nodes.push_back(std::move(bound));
+    }
+    return condition;
+}
+
+Result<Condition::BoundOperand, Error> Condition::bindOperand(const Operand &operand,
+                                                              const RowView &columns,
+                                                              const QStringList &names,
+                                                              const std::vector<bool> &hasNumbers)
+{
+    BoundOperand bound;
+    bound.number = operand.number;
+    if (operand.kind == Operand::Kind::Text) {
+        bound.source = Source::Text;
+        bound.text = operand.text.toStdU16String();
+    }
+    if (operand.kind != Operand::Kind::Column) {
+        return bound;
+    }
+    const QString &name = names[operand.column];
+    bound.column = columns.indexOf(name);
+    if (bound.column < 0) {
+        return Fault{Error::UnknownColumn, name, operand.position};
+    }
+    switch (columns.type(bound.column)) {
+    case cell::Type::Key:
+        bound.source = Source::Key;
+        break;
+    case cell::Type::Double:
+        bound.source = Source::Double;
+        break;
+    case cell::Type::Text:
+        bound.source = hasNumbers[size_t(bound.column)] ? Source::TextNumberCell : Source::TextCell;
+        break;
+    }
+    return bound;
+}
+
+/// A text column is checked when a row has a value in it.
+Result<void, Error> Condition::checkTypes(const BoundNode &node, const Node &source,
+                                          const RowView &columns)
+{
+    const bool isMixed = node.left.isNumber() != node.right.isNumber();
+    const bool hasTextCell =
+        node.left.source == Source::TextCell || node.right.source == Source::TextCell;
+    if (node.kind != Node::Kind::Compare || !isMixed || hasTextCell) {
+        return {};
+    }
+    const bool isTextLeft = !node.left.isNumber();
+    const Operand &text = isTextLeft ? source.left : source.right;
+    const BoundOperand &number = isTextLeft ? node.right : node.left;
+    const QString what = number.column < 0
+                             ? u"a number"_s
+                             : u"the numbers of column '%1'"_s.arg(columns.names[number.column]);
+    return Fault{
+        Error::TypeMismatch,
+        u"the text '%1' cannot be compared with %2; a number is written without quotes"_s.arg(
+            text.text, what),
+        text.position};
+}
+
+Result<bool, Error> Condition::isTrue(const RowView &row)
+{
+    const bool isTrue = evaluate(m_root, row) == Truth::True;
+    if (m_fault) {
+        return *m_fault;
+    }
+    return isTrue;
+}
+
+Condition::Truth Condition::evaluate(int index, const RowView &row)
+{
+    const BoundNode &node = m_nodes[size_t(index)];
+    switch (node.kind) {
+    case Node::Kind::And:
+    case Node::Kind::Or:
+        return evaluateChain(node, row);
+    case Node::Kind::Not: {
+        const Truth truth = evaluate(node.firstChild, row);
+        return truth == Truth::Unknown ? truth
+                                       : (truth == Truth::True ? Truth::False : Truth::True);
+    }
+    case Node::Kind::IsNull:
+        return isMissing(node.left, row) ? Truth::True : Truth::False;
+    case Node::Kind::Compare:
+        break;
+    }
+    return compare(node, row);
+}
+
+/// One false child decides an "and", one true child an "or"; otherwise one unknown child makes the
+/// whole unknown.
+Condition::Truth Condition::evaluateChain(const BoundNode &node, const RowView &row)
+{
+    const Truth decides = node.kind == Node::Kind::And ? Truth::False : Truth::True;
+    Truth all = node.kind == Node::Kind::And ? Truth::True : Truth::False;
+    for (int child = node.firstChild; child >= 0; child = m_nodes[size_t(child)].next) {
+        const Truth truth = evaluate(child, row);
+        if (truth == decides) {
+            return truth;
+        }
+        all = truth == Truth::Unknown ? truth : all;
+    }
+    return all;
+}
+
+bool Condition::isMissing(const BoundOperand &operand, const RowView &row)
+{
+    if (operand.column < 0) {
+        return false;
+    }
+    const uchar *const bytes = row.cells[operand.column];
+    if (operand.source == Source::Key) {
+        return cell::isMissingKey(loadNative<quint32>(bytes));
+    }
+    return operand.source == Source::Double ? cell::isMissingDouble(loadNative<double>(bytes))
+                                            : cell::readText(bytes).isMissing();
+}
+
+Condition::Truth Condition::compare(const BoundNode &node, const RowView &row)
+{
+    if (isMissing(node.left, row) || isMissing(node.right, row)) {
+        return Truth::Unknown;
+    }
+    if (node.left.isNumber() != node.right.isNumber()) {
+        failMismatch(node, row);
+        return Truth::Unknown;
+    }
+    if (node.left.isNumber()) {
+        return compareNumbers(node, row);
+    }
+    const auto textOf = [&row](const BoundOperand &operand) {
+        return operand.column < 0 ? std::u16string_view(operand.text)
+                                  : cell::readText(row.cells[operand.column]).view();
+    };
+    const auto order = compareTexts(textOf(node.left), textOf(node.right));
+    return holds(node.comparison, order) ? Truth::True : Truth::False;
+}
+
+Condition::Truth Condition::compareNumbers(const BoundNode &node, const RowView &row)
+{
+    double left = 0;
+    double right = 0;
+    if (!number(node.left, row, &left) || !number(node.right, row, &right)) {
+        return Truth::Unknown;
+    }
+    return holds(node.comparison, left <=> right) ? Truth::True : Truth::False;
+}
+
+/// The number of an operand that is not missing. Returns false for a text that is not a number.
+bool Condition::number(const BoundOperand &operand, const RowView &row, double *value)
+{
+    if (operand.column < 0) {
+        *value = operand.number;
+        return true;
+    }
+    const uchar *const bytes = row.cells[operand.column];
+    if (operand.source == Source::Key) {
+        *value = loadNative<quint32>(bytes);
+        return true;
+    }
+    if (operand.source == Source::Double) {
+        *value = loadNative<double>(bytes);
+        return true;
+    }
+    const std::u16string_view text = cell::readText(bytes).view();
+    if (!parseDouble(text, value)) {
+        m_fault = {Error::NotANumber, u"%1 in column '%2' is not a number"_s.arg(
+                                          quoted(text), row.names[operand.column])};
+        return false;
+    }
+    return true;
+}
+
+/// A text and a number, of which the text is the cell of a column.
+void Condition::failMismatch(const BoundNode &node, const RowView &row)
+{
+    const bool isTextLeft = !node.left.isNumber();
+    const BoundOperand &text = isTextLeft ? node.left : node.right;
+    const BoundOperand &number = isTextLeft ? node.right : node.left;
+    const QString other = number.column < 0
+                              ? u"the number %1"_s.arg(shortestText(number.number))
+                              : u"the numbers of column '%1'"_s.arg(row.names[number.column]);
+    m_fault = {
+        Error::TypeMismatch,
+        u"column '%1' holds texts (here %2), which cannot be compared with %3; state its kind ('%1=decimal' in 'kinds') or write a text in single quotes"_s
+            .arg(row.names[text.column], quoted(cell::readText(row.cells[text.column]).view()),
+                 other)};
+}
+
+} // namespace corvanta::expression
