@@ -1,0 +1,129 @@
+// A key is its columns one after the other:
+//
+//   0xFF                   a missing cell
+//   0x00, value            any other cell; all bits of the value are inverted in a descending
+//   column
+//
+//   number   8 bytes, big-endian: the bits of the double, inverted if it is negative, else with the
+//            sign bit set
+//   text     UTF-8 (lone surrogates in the three bytes of their code point), 0x00 as 00 01; the end
+//            is 00 00
+#include "io/rows/row_key.h"
+
+#include "base/number.h"
+#include "base/utf.h"
+
+#include <QChar>
+
+#include <cmath>
+#include <limits>
+
+namespace corvanta::rows {
+
+namespace {
+
+constexpr char kMissing = '\xFF';
+constexpr char kPresent = '\0';
+constexpr qsizetype kNumberBytes = 8;
+
+char *putNumber(double value, char *out)
+{
+    constexpr quint64 kSign = quint64(1) << 63;
+    value = std::isnan(value) ? std::numeric_limits<double>::quiet_NaN() : value;
+    const auto bits = std::bit_cast<quint64>(value + 0.0); // -0 becomes 0
+    storeBE(quint64((bits & kSign) != 0 ? ~bits : bits | kSign), out);
+    return out + kNumberBytes;
+}
+
+/// The code point at `i`, which moves to its last unit.
+char32_t codePointAt(std::u16string_view text, size_t &i)
+{
+    const char16_t unit = text[i];
+    if (QChar::isHighSurrogate(unit) && i + 1 < text.size() && QChar::isLowSurrogate(text[i + 1])) {
+        return QChar::surrogateToUcs4(unit, text[++i]);
+    }
+    return unit;
+}
+
+char *putText(std::u16string_view text, char *out)
+{
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != 0) {
+            out = putUtf8(codePointAt(text, i), out);
+            continue;
+        }
+        *out++ = '\0';
+        *out++ = '\1';
+    }
+    *out++ = '\0';
+    *out++ = '\0';
+    return out;
+}
+
+} // namespace
+
+qsizetype KeyEncoder::bytesAtMost(const uchar *const *cells) const
+{
+    qsizetype bytes = 0;
+    for (const KeyColumn &column : m_columns) {
+        const bool isText = column.type == cell::Type::Text;
+        bytes += 1 + kNumberBytes +
+                 (isText ? cell::readText(cells[column.column]).size() * kUtf8BytesPerUnit : 0);
+    }
+    return bytes;
+}
+
+char *KeyEncoder::put(const uchar *const *cells, char *out)
+{
+    m_hasMissing = false;
+    for (const KeyColumn &column : m_columns) {
+        out = putColumn(column, cells[column.column], out);
+        if (out == nullptr) {
+            m_failedColumn = column.column;
+            return nullptr;
+        }
+    }
+    return out;
+}
+
+char *KeyEncoder::putColumn(const KeyColumn &column, const uchar *cell, char *out)
+{
+    *out = kPresent;
+    char *const end = putValue(column, cell, out + 1);
+    if (end == nullptr) {
+        return nullptr;
+    }
+    if (end == out + 1) {
+        *out = kMissing;
+        m_hasMissing = true;
+        return end;
+    }
+    for (char *at = out + 1; !column.ascending && at < end; ++at) {
+        *at = static_cast<char>(~*at);
+    }
+    return end;
+}
+
+/// Returns `out` for a missing cell.
+char *KeyEncoder::putValue(const KeyColumn &column, const uchar *cell, char *out)
+{
+    if (column.type == cell::Type::Key) {
+        const auto key = loadNative<quint32>(cell);
+        return cell::isMissingKey(key) ? out : putNumber(key, out);
+    }
+    if (column.type == cell::Type::Double) {
+        const auto value = loadNative<double>(cell);
+        return cell::isMissingDouble(value) ? out : putNumber(value, out);
+    }
+    const cell::Text text = cell::readText(cell);
+    if (text.isMissing()) {
+        return out;
+    }
+    double value = 0;
+    if (!column.hasNumbers) {
+        return putText(text.view(), out);
+    }
+    return parseDouble(text.view(), &value) ? putNumber(value, out) : nullptr;
+}
+
+} // namespace corvanta::rows
