@@ -32,6 +32,12 @@ READ_SALES = f"<readCSV fileName='sales.csv' types='{SALES_TYPES}'/>"
 READ_PART = READ_SALES.replace("sales.csv", "part.csv")  # of jobs with a rows_divisor
 MAKE_PART = ("make_sales", "{rows}")
 
+JOIN_SALES = ("<graph version='4.11'><action id='all'><readCSV fileName='sales.csv'/></action><action id='again'>"
+              "<readCSV fileName='sales.csv'/></action><action id='few'><select lastRow='100000'><columns><s>id</s><s>product</s>"
+              "<s>customer</s></columns></select></action><action id='join'><join><keys><s>id</s></keys></join></action>"
+              "<action id='out'><writeCSV fileName='ours.csv'/></action><link from='again:0' to='few:0'/><link from='all:0' to='join:0'/>"
+              "<link from='few:0' to='join:1'/><link from='join:0' to='out:0'/></graph>")
+
 LINE_MEMBERS = ["id", "quantity", "price", "discount", "total", "city", "product", "customer", "comment", "day"]
 LINE_ITEMS = "".join(f"<e name='{name}' path='{name}'/>" for name in LINE_MEMBERS)
 READ_ORDERS = ("<readJSON fileName='orders.json'><Level initialPath='orders'><e name='order' path='order'/>"
@@ -66,6 +72,20 @@ JOBS = {
     "csv_csv": Job("CSV through a pass-through action to CSV",
                    graph(READ_SALES, "<writeCSV fileName='first.csv'/>", "<writeCSV fileName='second.csv'/>"),
                    "second.csv"),
+    "filter_select": Job("CSV to CSV, rows by an expression and three columns; peer: DuckDB",
+                         graph("<readCSV fileName='sales.csv'/>",
+                               "<filter where=\"price &gt; 50 and city is not null\"><kinds><s>price=decimal</s></kinds></filter>",
+                               "<select><columns><s>id</s><s>price</s><s>city</s></columns></select>", "<writeCSV fileName='ours.csv'/>"),
+                         "ours.csv", ["duckdb", "-c", "COPY (SELECT id, price, city FROM 'sales.csv' WHERE price > 50 AND city IS NOT NULL) "
+                                                      "TO 'peer.csv' (HEADER)"], "peer.csv"),
+    "sort": Job("CSV to CSV, sorted by a number and a text; peer: DuckDB",
+                graph("<readCSV fileName='sales.csv'/>", "<sort><keys><s>-total</s><s>customer</s></keys><kinds><s>total=decimal</s></kinds></sort>",
+                      "<writeCSV fileName='ours.csv'/>"),
+                "ours.csv", ["duckdb", "-c", "COPY (SELECT * FROM 'sales.csv' ORDER BY total DESC NULLS LAST, customer NULLS LAST) "
+                                             "TO 'peer.csv' (HEADER)"], "peer.csv"),
+    "join": Job("the table joined with three columns of its first 100,000 rows; peer: DuckDB",
+                JOIN_SALES, "ours.csv", ["duckdb", "-c", "COPY (SELECT * FROM 'sales.csv' JOIN (SELECT id, product, customer FROM 'sales.csv' "
+                                                         "LIMIT 100000) USING (id)) TO 'peer.csv' (HEADER)"], "peer.csv"),
     "xlsx_write": Job("CSV to a new workbook; peer: libxlsxwriter, constant memory",
                       graph(READ_SALES, "<writeExcel fileNameDestination='ours.xlsx' dateFormat='yyyy-MM-dd'>"
                                         "<ToDate><s>day</s></ToDate></writeExcel>"),

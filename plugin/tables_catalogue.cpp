@@ -4,7 +4,13 @@
 /// CMakeLists.txt.
 #define CORVANTA_ACTIONS(ACTION)                                                                   \
     ACTION(ReadCsv)                                                                                \
-    ACTION(WriteCsv)
+    ACTION(WriteCsv)                                                                               \
+    ACTION(Select)                                                                                 \
+    ACTION(Filter)                                                                                 \
+    ACTION(Sort)                                                                                   \
+    ACTION(Cast)                                                                                   \
+    ACTION(Join)                                                                                   \
+    ACTION(Union)
 
 namespace corvanta {
 

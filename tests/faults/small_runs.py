@@ -33,6 +33,13 @@ def run(name, *elements, targets, **more):
     return Case(name, ["run", f"{name}.graph"], targets, graph(*elements), **more)
 
 
+def join(left, right, element, writer):
+    """Two readers into one action, and a writer."""
+    actions = "".join(f"<action id='a{i}'>{action}</action>" for i, action in enumerate([left, right, element, writer]))
+    links = "<link from='a0:0' to='a2:0'/><link from='a1:0' to='a2:1'/><link from='a2:0' to='a3:0'/>"
+    return f"<graph version='4.11'>{actions}{links}</graph>"
+
+
 DOCUMENTS = pathlib.Path(__file__).parents[2] / "examples" / "documents"
 CSV = "<readCSV fileName='in.csv' types='K,F,U'/>"
 CASES = [
@@ -54,6 +61,11 @@ CASES = [
         "<text><s>name</s><s>address</s><s>date</s><s>object</s><s>text</s></text><image><s>picture</s></image></writeDoc>", targets=["one.docx", "two.docx"]),
     run("sas", CSV, "<writeSAS fileName='out.sas7bdat' autoWidth='1'/>", targets=["out.sas7bdat"]),
     run("xpt", CSV, "<writeSASXPT fileName='out.xpt' autoWidth='1'/>", targets=["out.xpt"]),
+    run("rows", CSV, "<cast><types><s>k=U</s></types></cast>", "<filter where='f &gt; 1 or k is null'/>", "<sort><keys><s>-t</s></keys></sort>",
+        "<select lastRow='20'><columns><s>t</s><s>k</s></columns></select>", "<writeCSV fileName='rows.csv'/>", targets=["rows.csv"]),
+    Case("join", ["run", "join.graph"], ["join.csv"],
+         join(CSV, CSV, "<join type='2'><keys><s>k</s></keys></join>", "<writeCSV fileName='join.csv'/>")),
+    Case("union", ["run", "union.graph"], ["union.csv"], join(CSV, "<readCSV fileName='in.csv'/>", "<union/>", "<writeCSV fileName='union.csv'/>")),
     Case("from_parquet", ["convert", "in.parquet", "out.csv"], ["out.csv"]),
     Case("from_json", ["convert", "in.json", "out.parquet"], ["out.parquet"], leaves="*_TMP"),
     Case("from_xml", ["convert", "in.xml", "out.json"], ["out.json"]),

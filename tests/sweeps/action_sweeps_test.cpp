@@ -544,6 +544,31 @@ TEST_P(ReaderSweep, AStopAtAnyRowEndsTheRun)
 INSTANTIATE_TEST_SUITE_P(, ReaderSweep, testing::ValuesIn(readers()),
                          [](const auto &info) { return info.param.name; });
 
+TEST(RowActionSweep, BatchesYieldsAndStopsDoNotChangeTheRows)
+{
+    const GraphFolder folder;
+    folder.write(u"in.csv"_s, sampleCsv());
+    for (const char *element :
+         {"<select lastRow='50'><columns><s>name</s><s>key</s></columns></select>",
+          "<filter where='key &lt; 30 or value is null'/>",
+          "<sort><keys><s>-note</s></keys></sort>", "<cast><types><s>key=F</s></types></cast>",
+          "<union/>"}) {
+        SCOPED_TRACE(element);
+        const GraphOutcome whole = folder.runChain({kReadSample, element});
+        ASSERT_TRUE(whole.succeeded) << whole.errors.join(u'\n').toStdString();
+        for (const int batchRows : {1, 7}) {
+            for (const bool yields : {false, true}) {
+                EXPECT_EQ(folder.runChain({kReadSample, element}, {batchRows, yields}).rows,
+                          whole.rows);
+            }
+        }
+        for (const qsizetype rows : placesIn(whole.rows.size(), g_maxPlaces)) {
+            const GraphOutcome stopped = folder.runChain({kReadSample, element}, {1, false, rows});
+            EXPECT_TRUE(stopped.ended && stopped.errors.isEmpty());
+        }
+    }
+}
+
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);

@@ -1,0 +1,75 @@
+#include "actions/filter/filter.h"
+
+#include "actions/shared/tables/table_columns.h"
+#include "base/nearest_name.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+ActionFilter::ActionFilter(const XMLNode &saved, GlobalParameters *parameters)
+    : ParamAction(kFilterEntry, saved, parameters)
+{
+}
+
+QVector<ParameterProblem> ActionFilter::problems() const
+{
+    QVector<ParameterProblem> problems = shared::kindProblems(m_params.kinds);
+    const auto parsed = expression::parse(expandString(m_params.where));
+    if (!parsed) {
+        problems.append(
+            {u"where"_s, u"invalid expression at character %1: %2"_s.arg(
+                             QString::number(parsed.fault().offset + 1), parsed.fault().detail)});
+    }
+    return problems;
+}
+
+bool ActionFilter::failExpression(const QString &where, const Fault<expression::Error> &fault)
+{
+    return fail(u"Error: filter: invalid expression '%1' at character %2: %3\n"_s.arg(
+        where, QString::number(fault.offset + 1), fault.detail));
+}
+
+bool ActionFilter::begin(const OneRow &columns)
+{
+    getOutputRowForOutputPin(0)->copySchemaFrom(&columns);
+    const QString where = expandString(m_params.where);
+    const auto parsed = expression::parse(where);
+    if (!parsed) {
+        return failExpression(where, parsed.fault());
+    }
+    const TableSchema &schema = columns.schema();
+    if (!shared::checkKinds(this, m_params.kinds, schema.names)) {
+        return false;
+    }
+    auto bound = expression::Condition::bind(*parsed, columns.view(),
+                                             shared::numberColumns(m_params.kinds, schema));
+    if (!bound && bound.fault().code == expression::Error::UnknownColumn) {
+        const QString &name = bound.fault().detail;
+        return failExpression(where, {expression::Error::UnknownColumn,
+                                      u"the input has no column '%1'%2"_s.arg(
+                                          name, nearestNameHint(name, schema.names)),
+                                      bound.fault().offset});
+    }
+    if (!bound) {
+        return failExpression(where, bound.fault());
+    }
+    m_condition = *std::move(bound);
+    return true;
+}
+
+bool ActionFilter::takeRow(const OneRow &row)
+{
+    const auto isTrue = m_condition->isTrue(row.view());
+    if (!isTrue) {
+        return fail(u"Error: filter: row %1: %2\n"_s.arg(QString::number(rowNumber()),
+                                                         isTrue.fault().detail));
+    }
+    if (*isTrue) {
+        getOutputRowForOutputPin(0)->copyFrom(&row);
+        setRowReadyForOutput(0);
+    }
+    return true;
+}
+
+} // namespace corvanta

@@ -1,0 +1,20 @@
+#include "actions/filter/filter_panel.h"
+
+namespace {
+
+using namespace corvanta;
+
+PanelLayout panelLayout()
+{
+    return {
+        {QT_TRANSLATE_NOOP("Panels", "Rows"), {"where"}},
+        {QT_TRANSLATE_NOOP("Panels", "Text columns"), {"kinds"}, PanelGroup::Fold::Folded},
+    };
+}
+
+} // namespace
+
+Interface_ActionFilter::Interface_ActionFilter(QWidget *parent, ActionItem *action)
+    : PropertyPanel(parent, action, panelLayout())
+{
+}

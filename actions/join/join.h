@@ -1,0 +1,82 @@
+// join: joins the rows of two tables that have equal keys.
+//
+// The second table (input pin 1) is read into a hash table, then the first one is read and its rows
+// look up their partners. Rows keep the order of the first table; the partners of a row keep that
+// of the second. Rows of the second table without a partner come last. A second table that does not
+// fit into memory is joined by PartitionedJoin; the output is the same.
+#pragma once
+#include "actions/join/join_layout.h"
+#include "actions/join/partitioned_join.h"
+
+#include <memory>
+#include <vector>
+
+namespace corvanta {
+
+extern const ActionEntry kJoinEntry;
+
+class ActionJoin final : public ParamAction<ActionJoin, JoinParams>
+{
+public:
+    ActionJoin(const XMLNode &saved, GlobalParameters *parameters);
+    static const ParamTable<JoinParams> &paramTable() { return joinParamTable(); }
+    QVector<ParameterProblem> problems() const override;
+
+private:
+    enum class Stage { TakeSecond, TakeFirst, SendAlone, JoinParts, SendJoined };
+    struct RunState
+    {
+        explicit RunState(JoinLayout found)
+            : layout(std::move(found))
+            , firstKey(layout.firstKey)
+            , secondKey(layout.secondKey)
+            , firstCells(layout.firstTypes.size())
+            , keptCells(layout.kept.size())
+        {
+        }
+        JoinLayout layout;
+        rows::KeyEncoder firstKey;
+        rows::KeyEncoder secondKey;
+        rows::RowTable table;                   // of the second table
+        std::vector<bool> hasPartner;           // by row of `table`
+        std::unique_ptr<PartitionedJoin> parts; // set when `table` was full
+        std::vector<char> bytes;                // of one row
+        // Pointers of one row.
+        std::vector<const uchar *> firstCells;
+        std::vector<const uchar *> keptCells;
+    };
+
+    void start() override;
+    bool step() override;
+    void finish() override { m_run.reset(); }
+
+    // These return false after a failure.
+    bool begin();
+    bool stepStage();
+    // One row of a stage; the last one sets the next stage, or returns false.
+    bool takeSecond();
+    bool takeFirst();
+    bool sendAlone();
+    bool joinPart();
+    bool sendJoined();
+
+    bool keepSecond(const OneRow &row);
+    bool moveToParts();
+    bool putFirst(const OneRow &row, std::string_view key);
+    void joinFirst(const OneRow &row, std::string_view key);
+    /// Send a row of the output. A table without its row has a null pointer.
+    void send(const uchar *const *first, const char *second);
+    bool failKey(const QString &table, qint64 number, const OneRow &row, int column);
+    bool failParts();
+
+    // The first row of each table, until it is taken.
+    const OneRow *m_first = nullptr;
+    const OneRow *m_second = nullptr;
+    Stage m_stage = Stage::TakeSecond;
+    qint64 m_firstRows = 0; // taken
+    qint64 m_secondRows = 0;
+    int m_nextAlone = 0; // row of the table
+    std::unique_ptr<RunState> m_run;
+};
+
+} // namespace corvanta

@@ -1,0 +1,21 @@
+#include "actions/join/join_panel.h"
+
+namespace {
+
+using namespace corvanta;
+
+PanelLayout panelLayout()
+{
+    return {
+        {QT_TRANSLATE_NOOP("Panels", "Keys"), {"keys", "type"}},
+        {QT_TRANSLATE_NOOP("Panels", "Columns"), {"suffix"}},
+        {QT_TRANSLATE_NOOP("Panels", "Text columns"), {"kinds"}, PanelGroup::Fold::Folded},
+    };
+}
+
+} // namespace
+
+Interface_ActionJoin::Interface_ActionJoin(QWidget *parent, ActionItem *action)
+    : PropertyPanel(parent, action, panelLayout())
+{
+}

@@ -1,0 +1,124 @@
+#include "actions/select/select.h"
+
+#include "actions/shared/tables/table_columns.h"
+
+#include <numeric>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+ActionSelect::ActionSelect(const XMLNode &saved, GlobalParameters *parameters)
+    : ParamAction(kSelectEntry, saved, parameters)
+{
+}
+
+QVector<ParameterProblem> ActionSelect::problems() const
+{
+    QVector<ParameterProblem> problems;
+    for (const QString &text : m_params.rename) {
+        if (!text.contains(u'=')) {
+            problems.append(
+                {u"rename"_s,
+                 u"'%1' is not an old and a new name, for example old=new"_s.arg(text)});
+        }
+    }
+    return problems;
+}
+
+bool ActionSelect::begin(const OneRow &columns)
+{
+    const TableSchema &input = columns.schema();
+    OneRow *const out = getOutputRowForOutputPin(0);
+    out->copySchemaFrom(&columns);
+    m_isUnchanged = m_params.columns.isEmpty() && m_params.rename.isEmpty();
+    if (m_isUnchanged) {
+        return true;
+    }
+    if (!findColumns(input)) {
+        return false;
+    }
+    QStringList names;
+    QVector<MetaInfo> types;
+    for (const int column : m_columns) {
+        names << input.names[column];
+        types << input.types[column];
+    }
+    if (!renameColumns(&names) || !checkNames(names)) {
+        return false;
+    }
+    out->setColName(names);
+    out->setMetaData(types);
+    out->setSortInfos({}); // its columns may be gone or have other names
+    return true;
+}
+
+bool ActionSelect::findColumns(const TableSchema &input)
+{
+    m_columns.assign(static_cast<size_t>(input.names.size()), 0);
+    std::iota(m_columns.begin(), m_columns.end(), 0);
+    if (m_params.columns.isEmpty()) {
+        return true;
+    }
+    m_columns.clear();
+    for (const QString &name : m_params.columns) {
+        m_columns.push_back(requireColumn(input, name));
+        if (m_columns.back() < 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// The old names are those before any change, so that two columns can swap their names.
+bool ActionSelect::renameColumns(QStringList *names)
+{
+    const QStringList old = *names;
+    for (const QString &text : m_params.rename) {
+        const auto assignment = shared::assignmentOf(text, old);
+        if (!assignment) {
+            return fail(
+                u"Error: select: '%1' is not an old and a new name, for example old=new\n"_s.arg(
+                    text));
+        }
+        const int column = requireColumn({old, {}, {}}, assignment->column);
+        if (column < 0) {
+            return false;
+        }
+        (*names)[column] = assignment->value;
+    }
+    return true;
+}
+
+bool ActionSelect::checkNames(const QStringList &names)
+{
+    QStringList sorted = names;
+    sorted.sort();
+    const auto twice = std::adjacent_find(sorted.begin(), sorted.end());
+    return twice == sorted.end() ||
+           fail(u"Error: select: two columns of the output have the name '%1'\n"_s.arg(*twice));
+}
+
+bool ActionSelect::takeRow(const OneRow &row)
+{
+    const qint64 number = rowNumber();
+    if (number < m_params.firstRow) {
+        return !isLast(number);
+    }
+    if (isLast(number - 1)) {
+        return false; // the range is empty
+    }
+    OneRow *const out = getOutputRowForOutputPin(0);
+    if (m_isUnchanged) {
+        out->copyFrom(&row);
+    } else {
+        const uchar *const *const cells = row.view().cells;
+        for (size_t i = 0; i < m_columns.size(); ++i) {
+            out->setCol(static_cast<int>(i), cells[m_columns[i]]);
+        }
+    }
+    setRowReadyForOutput(0);
+    return !isLast(number);
+}
+
+} // namespace corvanta

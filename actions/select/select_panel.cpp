@@ -1,0 +1,22 @@
+#include "actions/select/select_panel.h"
+
+#include "panels/column_picker.h"
+
+namespace {
+
+using namespace corvanta;
+
+PanelLayout panelLayout()
+{
+    return {
+        {QT_TRANSLATE_NOOP("Panels", "Columns"), {{"columns", editor<ColumnPicker>}, "rename"}},
+        {QT_TRANSLATE_NOOP("Panels", "Rows"), {"firstRow", "lastRow"}},
+    };
+}
+
+} // namespace
+
+Interface_ActionSelect::Interface_ActionSelect(QWidget *parent, ActionItem *action)
+    : PropertyPanel(parent, action, panelLayout())
+{
+}

@@ -1,0 +1,110 @@
+#include "actions/shared/tables/table_columns.h"
+
+#include "base/nearest_name.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::shared {
+
+namespace {
+
+const QStringList &kindNames()
+{
+    static const QStringList names{u"text"_s, u"integer"_s,  u"decimal"_s, u"boolean"_s,
+                                   u"date"_s, u"datetime"_s, u"time"_s};
+    return names;
+}
+
+/// The kind is after the last sign, because no kind contains one.
+Assignment kindOf(const QString &text)
+{
+    const qsizetype sign = text.lastIndexOf(u'=');
+    return {text.left(sign), text.mid(sign + 1)};
+}
+
+} // namespace
+
+int requireColumn(ActionBase *action, const TableSchema &columns, const QString &name)
+{
+    const auto index = static_cast<int>(columns.names.indexOf(name));
+    if (index < 0) {
+        action->fail(u"Error: %1: the input has no column '%2'%3\n"_s.arg(
+            QString::fromLatin1(action->getTypeName()), name,
+            nearestNameHint(name, columns.names)));
+    }
+    return index;
+}
+
+std::optional<Assignment> assignmentOf(const QString &text, const QStringList &known)
+{
+    const qsizetype first = text.indexOf(u'=');
+    if (first < 0) {
+        return std::nullopt;
+    }
+    for (qsizetype sign = first; sign >= 0; sign = text.indexOf(u'=', sign + 1)) {
+        if (known.contains(text.left(sign))) {
+            return Assignment{text.left(sign), text.mid(sign + 1)};
+        }
+    }
+    return Assignment{text.left(first), text.mid(first + 1)};
+}
+
+rows::ColumnTypes typesOf(const TableSchema &columns)
+{
+    rows::ColumnTypes types;
+    for (const MetaInfo &type : columns.types) {
+        types.push_back(type.cellType());
+    }
+    return types;
+}
+
+QVector<ParameterProblem> kindProblems(const QStringList &kinds)
+{
+    QVector<ParameterProblem> problems;
+    for (const QString &text : kinds) {
+        if (!text.contains(u'=') || !kindNames().contains(kindOf(text).value)) {
+            problems.append({u"kinds"_s, u"'%1' is not a column and a kind (%2), for example "
+                                         "price=decimal"_s.arg(text, kindNames().join(u", "_s))});
+        }
+    }
+    return problems;
+}
+
+std::vector<bool> numberColumns(const QStringList &kinds, const TableSchema &columns)
+{
+    std::vector<bool> hasNumbers(static_cast<size_t>(columns.names.size()), false);
+    for (const QString &text : kinds) {
+        const Assignment kind = kindOf(text);
+        const qsizetype column = columns.names.indexOf(kind.column);
+        if (column >= 0) {
+            hasNumbers[static_cast<size_t>(column)] =
+                kind.value == "integer"_L1 || kind.value == "decimal"_L1;
+        }
+    }
+    return hasNumbers;
+}
+
+bool checkKinds(ActionBase *action, const QStringList &kinds, const QStringList &known)
+{
+    const QString type = QString::fromLatin1(action->getTypeName());
+    const QVector<ParameterProblem> problems = kindProblems(kinds);
+    if (!problems.isEmpty()) {
+        return action->fail(u"Error: %1: %2\n"_s.arg(type, problems.front().text));
+    }
+    for (const QString &text : kinds) {
+        const QString column = kindOf(text).column;
+        if (!known.contains(column)) {
+            return action->fail(u"Error: %1: kinds: the input has no column '%2'%3\n"_s.arg(
+                type, column, nearestNameHint(column, known)));
+        }
+    }
+    return true;
+}
+
+QString notANumber(qint64 row, const OneRow &cells, int column)
+{
+    return u"row %1: '%2' in column '%3' is not a number"_s.arg(
+        QString::number(row), cells.text(column), cells.colName(column));
+}
+
+} // namespace corvanta::shared

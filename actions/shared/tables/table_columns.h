@@ -1,0 +1,51 @@
+// Columns in the parameters of the actions that change tables: names, and texts such as "old=new".
+#pragma once
+#include "corvanta/action_base.h"
+#include "corvanta/meta_info.h"
+#include "corvanta/params/param_table.h"
+#include "io/rows/packed_row.h"
+
+#include <optional>
+#include <vector>
+
+namespace corvanta::shared {
+
+/// The index of a column; -1 after failing the run of `action` because the table has none of this
+/// name.
+int requireColumn(ActionBase *action, const TableSchema &columns, const QString &name);
+
+/// A text such as "old=new".
+struct Assignment
+{
+    QString column;
+    QString value; ///< after the sign
+};
+/// Split at the first "=" after a name that `known` has, else at the first one. Names may contain
+/// the sign. Nothing without one.
+std::optional<Assignment> assignmentOf(const QString &text, const QStringList &known);
+
+/// The types of all columns.
+rows::ColumnTypes typesOf(const TableSchema &columns);
+
+/// The line of a parameter table for a list of "column=kind".
+template <class P> Param<P> columnKinds()
+{
+    return strings("kinds", &P::kinds)
+        .label("Kinds of text columns")
+        .meaning("column=kind, one per line; kinds: text, integer, decimal, boolean, date, "
+                 "datetime, time. Text columns of the kinds integer and decimal are compared as "
+                 "numbers.");
+}
+/// What is wrong with such a list, whatever the columns are.
+QVector<ParameterProblem> kindProblems(const QStringList &kinds);
+/// Whether the texts of each column are compared as numbers. Kinds of other columns are ignored.
+std::vector<bool> numberColumns(const QStringList &kinds, const TableSchema &columns);
+/// Fail the run of `action` if an element is not a column and a kind, or names a column that is not
+/// one of `known`; false then.
+bool checkKinds(ActionBase *action, const QStringList &kinds, const QStringList &known);
+
+/// The end of the messages about a key that is not a number: "row 7: 'x' in column 'a' is not a
+/// number".
+QString notANumber(qint64 row, const OneRow &cells, int column);
+
+} // namespace corvanta::shared

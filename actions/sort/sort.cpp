@@ -1,0 +1,107 @@
+#include "actions/sort/sort.h"
+
+#include "actions/shared/tables/kept_rows.h"
+#include "actions/shared/tables/table_columns.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+ActionSort::ActionSort(const XMLNode &saved, GlobalParameters *parameters)
+    : ParamAction(kSortEntry, saved, parameters)
+{
+}
+
+QVector<ParameterProblem> ActionSort::problems() const
+{
+    return shared::kindProblems(m_params.kinds);
+}
+
+bool ActionSort::begin(const OneRow &columns)
+{
+    const TableSchema &schema = columns.schema();
+    getOutputRowForOutputPin(0)->copySchemaFrom(&columns);
+    if (!shared::checkKinds(this, m_params.kinds, schema.names)) {
+        return false;
+    }
+    const std::vector<rows::KeyColumn> keys = findKeys(schema);
+    if (keys.empty()) {
+        return false;
+    }
+    declareOrder(keys);
+    m_run = std::make_unique<RunState>(shared::typesOf(schema), keys, shared::sorterOptions(this));
+    return true;
+}
+
+std::vector<rows::KeyColumn> ActionSort::findKeys(const TableSchema &columns)
+{
+    const std::vector<bool> hasNumbers = shared::numberColumns(m_params.kinds, columns);
+    std::vector<rows::KeyColumn> keys;
+    for (const QString &key : m_params.keys) {
+        // A column whose name begins with "-" is sorted ascending by its name.
+        const bool isDescending = key.startsWith(u'-') && !columns.names.contains(key);
+        const int column = requireColumn(columns, isDescending ? key.sliced(1) : key);
+        if (column < 0) {
+            return {};
+        }
+        keys.push_back({column, columns.types[column].cellType(), !isDescending,
+                        hasNumbers[static_cast<size_t>(column)]});
+    }
+    if (keys.empty()) {
+        fail(u"Error: sort: no column to sort by (keys)\n"_s);
+    }
+    return keys;
+}
+
+void ActionSort::declareOrder(const std::vector<rows::KeyColumn> &keys)
+{
+    OneRow *const out = getOutputRowForOutputPin(0);
+    QVector<SortInfos> order;
+    for (const rows::KeyColumn &key : keys) {
+        if (key.hasNumbers) {
+            break; // the order of the numbers is not that of the texts
+        }
+        order.append({out->colName(key.column), key.ascending});
+    }
+    out->setSortInfos(order);
+}
+
+bool ActionSort::takeRow(const OneRow &row)
+{
+    const uchar *const *const cells = row.view().cells;
+    rows::RowSorter &sorter = m_run->sorter;
+    char *const key = sorter.room(m_run->encoder.bytesAtMost(cells) +
+                                  rows::packedBytesAtMost(m_run->types, cells));
+    char *const keyEnd = m_run->encoder.put(cells, key);
+    if (keyEnd == nullptr) {
+        return fail(u"Error: sort: %1\n"_s.arg(
+            shared::notANumber(rowNumber(), row, m_run->encoder.failedColumn())));
+    }
+    const char *const end = rows::packRow(m_run->types, cells, keyEnd);
+    return sorter.commit(keyEnd - key, end - keyEnd) || shared::failSorter(this, sorter);
+}
+
+bool ActionSort::endInput()
+{
+    return m_run->sorter.finish() || shared::failSorter(this, m_run->sorter);
+}
+
+bool ActionSort::emitRow()
+{
+    const auto row = m_run->sorter.next();
+    if (!row) {
+        return shared::failSorter(this, m_run->sorter);
+    }
+    if (!*row) {
+        return false;
+    }
+    rows::unpackRow(m_run->types, (*row)->data(), bufferForOutputPin(0), m_run->cells.data());
+    OneRow *const out = getOutputRowForOutputPin(0);
+    for (size_t i = 0; i < m_run->cells.size(); ++i) {
+        out->setCol(static_cast<int>(i), m_run->cells[i]);
+    }
+    setRowReadyForOutput(0);
+    return true;
+}
+
+} // namespace corvanta

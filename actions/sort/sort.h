@@ -1,0 +1,53 @@
+// sort: sorts the rows of a table of any size in bounded memory.
+#pragma once
+#include "actions/shared/tables/row_transform.h"
+#include "actions/sort/sort_params.h"
+#include "io/rows/packed_row.h"
+#include "io/rows/row_key.h"
+#include "io/rows/row_sorter.h"
+
+#include <memory>
+#include <vector>
+
+namespace corvanta {
+
+extern const ActionEntry kSortEntry;
+
+class ActionSort final : public ParamAction<ActionSort, SortParams, RowTransform>
+{
+public:
+    ActionSort(const XMLNode &saved, GlobalParameters *parameters);
+    static const ParamTable<SortParams> &paramTable() { return sortParamTable(); }
+    QVector<ParameterProblem> problems() const override;
+
+private:
+    struct RunState
+    {
+        RunState(rows::ColumnTypes columns, std::vector<rows::KeyColumn> keys,
+                 rows::RowSorter::Options options)
+            : types(std::move(columns))
+            , encoder(std::move(keys))
+            , sorter(std::move(options))
+            , cells(types.size())
+        {
+        }
+        rows::ColumnTypes types;
+        rows::KeyEncoder encoder;
+        rows::RowSorter sorter;
+        std::vector<const uchar *> cells; // of the row that is sent
+    };
+
+    bool begin(const OneRow &columns) override;
+    bool takeRow(const OneRow &row) override;
+    bool endInput() override;
+    bool emitRow() override;
+    void finish() override { m_run.reset(); }
+    /// The columns of the key; none after a failure.
+    std::vector<rows::KeyColumn> findKeys(const TableSchema &columns);
+    /// Declare the order of the output, as far as it is that of the cells.
+    void declareOrder(const std::vector<rows::KeyColumn> &keys);
+
+    std::unique_ptr<RunState> m_run; // from begin() to finish()
+};
+
+} // namespace corvanta

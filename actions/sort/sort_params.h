@@ -1,0 +1,18 @@
+// The parameters of sort.
+#pragma once
+#include "corvanta/params/param_table.h"
+
+#include <QStringList>
+
+namespace corvanta {
+
+struct SortParams
+{
+    QStringList keys;  ///< names of columns, the most significant first; "-name": descending
+    QStringList kinds; ///< "column=kind" of text columns
+};
+
+/// The child elements of `sort`.
+const ParamTable<SortParams> &sortParamTable();
+
+} // namespace corvanta
