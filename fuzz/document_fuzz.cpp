@@ -1,5 +1,5 @@
 // Any bytes as a template of documents: its markers are listed, and a document that is made from it
-// is a package again, with the members of the template.
+// is a package again, with the members of the template. The same bytes as rows of a table.
 //
 // Byte 0: 1: a presentation, 2: linked pictures, 4: joined runs, 8: all parts, 16: fitted pictures.
 #include "codecs/document/document_template.h"
@@ -7,6 +7,7 @@
 #include "codecs/document/template_list.h"
 #include "codecs/zip/package_writer.h"
 #include "fuzz/support/require.h"
+#include "fuzz/support/table_text_property.h"
 
 using namespace corvanta;
 using namespace corvanta::document;
@@ -52,6 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (size == 0) {
         return 0;
     }
+    checkTableText(Feed(data, size));
     MemorySource bytes(QByteArrayView(data + 1, static_cast<qsizetype>(size) - 1));
     const auto source = zip::PackageReader::open(bytes);
     if (!source) {

@@ -1,11 +1,13 @@
 // Rows of any content as the sheet of a new workbook: every part is well-formed XML, and texts are
 // read back unchanged.
 //
-// Bytes 0 to 4: options. The formats of numbers and dates and the table follow.
+// Dates, names and rows on their own: see sheet_values.h. Bytes 0 to 4: options. The formats of
+// numbers and dates and the table follow.
 #include "codecs/opc/outline.h"
 #include "codecs/xlsx/new_workbook.h"
 #include "fuzz/support/require.h"
 #include "fuzz/support/sheet_property.h"
+#include "fuzz/support/sheet_values.h"
 
 using namespace corvanta;
 
@@ -99,6 +101,7 @@ SheetSetup setupOf(Feed &feed)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
+    sheet::checkSheetValues(Feed(data, size));
     Feed feed(data, size);
     SheetSetup setup = setupOf(feed);
     const int dateFormat = feed.below(13);

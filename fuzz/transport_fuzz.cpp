@@ -1,10 +1,14 @@
-// Rows of any content as a SAS transport file: a reader of its own gives the same values.
+// Rows of any content as a SAS transport file: a reader of its own gives the same values. The same
+// rows as a data set, by way of a spool.
 //
 // Bytes 0 to 2: version, encoding and widths. The table follows.
+#include "codecs/sas/data_set_writer.h"
 #include "codecs/sas/transport_writer.h"
 #include "codecs/sas/variable_names.h"
+#include "codecs/stat/check/header_check.h"
 #include "fuzz/support/require.h"
 #include "fuzz/support/table.h"
+#include "io/spool/block_spool.h"
 
 #include <cmath>
 
@@ -152,6 +156,46 @@ std::vector<Variable> variablesOf(const RowView &row, Feed &options, TransportVe
     return variables;
 }
 
+/// The rows as blocks, in a spool that keeps few of them in memory.
+void spoolRows(const FuzzTable &table, RowPacker *packer, BlockSpool *spool, QByteArray *all)
+{
+    for (int i = 0; i < table.rowCount(); ++i) {
+        packer->add(table.row(i).cells, i + 1);
+        if (i % 3 == 0 || i + 1 == table.rowCount()) { // blocks of several rows, and of one
+            all->append(packer->block().data(), static_cast<qsizetype>(packer->block().size()));
+            require(bool(spool->put(packer->block())));
+            packer->clear();
+        }
+    }
+}
+
+/// The rows as a SAS data set, kept in a spool before they are written: the spool returns the
+/// blocks unchanged, and the checks of our reader accept the file.
+void checkDataSet(const FuzzTable &table, const TextEncoder &encoder,
+                  std::vector<Variable> variables, std::vector<PackedColumn> packed)
+{
+    for (size_t i = 0; i < variables.size(); ++i) {
+        variables[i].width = variables[i].isText ? variables[i].width : kNumberBytes;
+        packed[i].maxBytes = variables[i].width;
+    }
+    RowPacker packer(encoder, packed);
+    BlockSpool spool({{}, 200, {}});
+    QByteArray expected;
+    spoolRows(table, &packer, &spool, &expected);
+
+    MemorySink sink;
+    DataSetWriter writer(sink, variables);
+    require(bool(writer.begin(table.rowCount())) && bool(spool.rewind()));
+    QByteArray found;
+    for (auto block = spool.next(); block && *block; block = spool.next()) {
+        found.append((*block)->data(), static_cast<qsizetype>((*block)->size()));
+        require(bool(writer.addRows(**block)));
+    }
+    require(found == expected && bool(writer.finish()));
+    MemorySource file(sink.bytes());
+    require(bool(stat::checkHeader(file, stat::Format::Sas)));
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -197,5 +241,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         }
     }
     check.end();
+    checkDataSet(table, encoder, variables, packed);
     return 0;
 }

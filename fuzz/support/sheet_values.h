@@ -1,7 +1,6 @@
 // What readers and writers of workbooks do with values on their own: rows in another form, dates as
 // texts, and names.
-//
-// Byte 0: 1: the calendar from 1904, 2: areas are merged. A number and two names follow, then rows.
+#pragma once
 #include "codecs/sheet/date_text.h"
 #include "codecs/sheet/row_filters.h"
 #include "codecs/xlsx/name_rules.h"
@@ -11,10 +10,7 @@
 #include <cmath>
 #include <utility>
 
-using namespace corvanta;
-using namespace corvanta::sheet;
-
-namespace {
+namespace corvanta::sheet {
 
 /// Rows with numbers of any order, unless they are asked for in order.
 class FedRows final : public SheetRows
@@ -55,7 +51,7 @@ private:
     SheetProblems m_problems;
 };
 
-std::vector<CellArea> areasOf(Feed &feed)
+inline std::vector<CellArea> areasOf(Feed &feed)
 {
     std::vector<CellArea> areas(static_cast<size_t>(feed.below(4)));
     for (CellArea &area : areas) {
@@ -68,7 +64,7 @@ std::vector<CellArea> areasOf(Feed &feed)
 }
 
 /// Rows and the cells of each are in order.
-void checkRows(SheetRows &rows)
+inline void checkRows(SheetRows &rows)
 {
     SheetRow row;
     qint64 last = -1;
@@ -84,7 +80,7 @@ void checkRows(SheetRows &rows)
 }
 
 /// A date with a time is the serial again, to the millisecond.
-void checkDate(double serial, bool uses1904)
+inline void checkDate(double serial, bool uses1904)
 {
     for (const NumberForm form : {NumberForm::General, NumberForm::Date, NumberForm::Time,
                                   NumberForm::DateTime, NumberForm::Duration}) {
@@ -97,7 +93,7 @@ void checkDate(double serial, bool uses1904)
     }
 }
 
-void checkNames(const QString &name, const QString &other)
+inline void checkNames(const QString &name, const QString &other)
 {
     for (const auto &faults : {xlsx::sheetNameFaults(name, {other}), xlsx::rangeNameFaults(name)}) {
         require(!name.isEmpty() || faults.contains(xlsx::NameFault::Empty));
@@ -106,11 +102,9 @@ void checkNames(const QString &name, const QString &other)
     require(same.isEmpty() || (same == other && name.compare(other, Qt::CaseInsensitive) == 0));
 }
 
-} // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+/// Two flags: the calendar from 1904, and merged areas. A number and two names follow, then rows.
+inline void checkSheetValues(Feed feed)
 {
-    Feed feed(data, size);
     const bool uses1904 = feed.flag();
     const bool isMerged = feed.flag();
     checkDate(feed.value<double>(), uses1904);
@@ -124,5 +118,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     } else {
         checkRows(*sortedRows(std::make_unique<FedRows>(&feed, false), qint64(1) << 24));
     }
-    return 0;
 }
+
+} // namespace corvanta::sheet

@@ -1,17 +1,15 @@
 // Rows of any content as a table of a Word document: it is an XML element with all cells.
-//
-// Bytes 0 to 2: rules. A list of widths and the table follow.
+#pragma once
 #include "codecs/document/table_text.h"
 #include "codecs/opc/outline.h"
 #include "fuzz/support/require.h"
 #include "fuzz/support/table.h"
 
-using namespace corvanta;
-using namespace corvanta::document;
+namespace corvanta::document {
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+/// Three flags: rules. A list of widths, a style and the table follow.
+inline void checkTableText(Feed feed)
 {
-    Feed feed(data, size);
     TextRules rules;
     rules.breaksAtLineEnds = feed.flag();
     rules.breaksAtBackslashN = feed.flag();
@@ -45,5 +43,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     require(all.count("</w:tc>") == all.count("<w:tc>"));
     require(bool(opc::Outline::readRootedIn(all, "tbls")));
     (void)definesStyle(all, style);
-    return 0;
 }
+
+} // namespace corvanta::document
