@@ -5,7 +5,7 @@
 #include "corvanta/help.h"
 #include "corvanta/main_ui.h"
 #include "panels/field_editor.h"
-#include "tests/panels/panel_support.h"
+#include "tests/panels/panel_keys.h"
 
 #include <QAbstractSpinBox>
 #include <QApplication>
@@ -15,18 +15,13 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
-#include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QSpinBox>
 #include <QStyleFactory>
 #include <QStyleOption>
-#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
-#include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include <gtest/gtest.h>
@@ -36,7 +31,10 @@
 using namespace Qt::StringLiterals;
 using namespace corvanta;
 using panels::Action;
+using panels::enterValue;
 using panels::Panel;
+using panels::satisfy;
+using panels::shown;
 
 namespace {
 
@@ -48,146 +46,9 @@ protected:
     static QString type() { return QString::fromStdString(GetParam()); }
 };
 
-/// A panel that is on the screen, with all groups shown.
-Panel shown(const Action &action)
-{
-    Panel panel(action->createPanel(nullptr));
-    panels::unfold(*panel);
-    panel->resize(panel->sizeHint());
-    panel->show();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(panel.get()));
-    return panel;
-}
-
 QWidget *fieldOf(const Panel &panel, const QString &name)
 {
     return panel->findChild<QWidget *>(name);
-}
-
-/// Make the conditions of a parameter true.
-void satisfy(ActionParameters &parameters, const ParameterInfo &info)
-{
-    for (const ParameterInfo::Condition &condition : info.conditions) {
-        const int index = parameters.indexOfParameter(condition.parameter);
-        const ParameterInfo other = parameters.parameters()[index];
-        // Of those that are excluded only 0 and the empty text occur.
-        QString value = condition.values.first();
-        if (condition.isExcluded) {
-            value = value == "1"_L1 ? u"0"_s : u"1"_s;
-        }
-        ASSERT_TRUE(parameters.setParameterValue(index, value));
-        ASSERT_NE(parameters.parameterValue(index),
-                  condition.isExcluded ? condition.values.first() : QString(u'?'));
-        satisfy(parameters, other);
-    }
-}
-
-/// Enter another value by keys or the mouse. Returns the value that the parameter must then have.
-QString enterValue(QWidget *field, const ParameterInfo &info, const QString &old)
-{
-    QWidget *const control = field->focusProxy();
-    if (auto *const box = qobject_cast<QCheckBox *>(control)) {
-        QTest::mouseClick(box, Qt::LeftButton, {}, {8, 8});
-        return old == "0"_L1 ? u"1"_s : u"0"_s;
-    }
-    if (auto *const box = qobject_cast<QSpinBox *>(control)) {
-        const int number = box->value() == box->maximum() ? box->value() - 1 : box->value() + 1;
-        box->selectAll();
-        QTest::keyClicks(box, QString::number(number));
-        QTest::keyClick(box, Qt::Key_Return); // a number of pins is not taken before
-        return QString::number(number);
-    }
-    if (auto *const box = qobject_cast<QComboBox *>(control);
-        box != nullptr && !box->isEditable()) {
-        QTest::keyClick(box, box->currentIndex() == 0 ? Qt::Key_Down : Qt::Key_Up);
-        return box->currentData().toString();
-    }
-    if (info.type == Type::Structure) {
-        QTest::keyClick(control, Qt::Key_Insert);
-        return {}; // the form of a new element depends on the action
-    }
-    if (auto *const text = qobject_cast<QPlainTextEdit *>(control)) {
-        text->selectAll();
-        QTest::keyClicks(text, u"<q r='1'/>"_s);
-        return u"<q r='1'/>"_s;
-    }
-    if (qobject_cast<QListWidget *>(control) != nullptr) {
-        auto *const line = field->findChild<QLineEdit *>();
-        QTest::keyClicks(line, u"a column"_s);
-        QTest::keyClick(line, Qt::Key_Return);
-        return old.isEmpty() ? u"a column"_s : old + u"\na column"_s;
-    }
-    auto *const line = field->findChild<QLineEdit *>();
-    line->selectAll();
-    QTest::keyClicks(line, u"12"_s);
-    return u"12"_s;
-}
-
-/// Type into the first cell that takes a text. Returns false if there is none.
-bool typeIntoCell(QTableWidget *table)
-{
-    if (table->rowCount() == 0) {
-        QTest::keyClick(table, Qt::Key_Insert);
-    }
-    for (int column = 0; table->rowCount() > 0 && column < table->columnCount(); ++column) {
-        table->setCurrentCell(0, column);
-        QTest::keyClick(table, Qt::Key_F2);
-        auto *const line = qobject_cast<QLineEdit *>(QApplication::focusWidget());
-        if (line != nullptr && table->isAncestorOf(line)) {
-            line->selectAll();
-            QTest::keyClicks(line, u"12"_s);
-            QTest::keyClick(line, Qt::Key_Return);
-            QApplication::processEvents(); // the table takes the text later
-            return true;
-        }
-    }
-    return false;
-}
-
-/// Edit a member of the current element. Returns false if no key can.
-bool enterMember(QWidget *editor, const ParameterInfo &member)
-{
-    if (auto *const table = editor->findChild<QTableWidget *>()) {
-        return typeIntoCell(table);
-    }
-    if (member.type != Type::Structure) {
-        enterValue(editor, member, u"0"_s);
-        return true;
-    }
-    auto *const line = editor->findChild<QLineEdit *>();
-    if (line != nullptr) {
-        line->selectAll();
-        QTest::keyClicks(line, u"12"_s);
-    }
-    return line != nullptr;
-}
-
-QVector<ParameterInfo> allMembers(const ParameterInfo &structure)
-{
-    QVector<ParameterInfo> all;
-    for (const ParameterInfo &member : structure.members) {
-        all << member << allMembers(member);
-    }
-    return all;
-}
-
-/// Edit the members that the field of a structure shows now, except `done`, to which they are
-/// added. Each edit must change the parameter.
-void enterMembers(const Action &action, QWidget *field, const ParameterInfo &structure,
-                  QStringList *done)
-{
-    for (const ParameterInfo &member : allMembers(structure)) {
-        auto *const editor = field->findChild<QWidget *>(member.name);
-        if (done->contains(member.name) || editor == nullptr || !editor->isVisible() ||
-            !editor->isEnabled()) {
-            continue;
-        }
-        const QString old = panels::valueOf(action, structure.name);
-        if (enterMember(editor, member)) {
-            EXPECT_NE(panels::valueOf(action, structure.name), old) << member.name.toStdString();
-            *done << member.name;
-        }
-    }
 }
 
 /// Controls that a user reaches with Tab.
@@ -371,35 +232,6 @@ TEST_P(Panels, EveryParameterIsEditedByItsField)
         const Action copy = panels::fromXml(panels::saved(*action));
         EXPECT_EQ(panels::parametersOf(copy).parameterValue(i), expected)
             << infos[i].name.toStdString();
-    }
-}
-
-TEST_P(Panels, MembersOfStructuresAreEditedByTheirFields)
-{
-    for (const ParameterInfo &info :
-         panels::parametersOf(panels::fromXml(panels::example(type()))).parameters()) {
-        if (info.type != Type::Structure) {
-            continue;
-        }
-        const Action action = panels::fromXml(panels::example(type()));
-        satisfy(panels::parametersOf(action), info);
-        const Panel panel = shown(action);
-        QWidget *const field = fieldOf(panel, info.name);
-        QTest::keyClick(field->focusProxy(), Qt::Key_Insert);
-        QStringList done;
-        if (auto *const tree = field->findChild<QTreeWidget *>()) {
-            // An edit may make the nodes again.
-            for (QTreeWidgetItemIterator at(tree); *at != nullptr; ++at) {
-                tree->setCurrentItem(*at);
-                enterMembers(action, field, info, &done);
-                at = QTreeWidgetItemIterator(tree->currentItem());
-            }
-        } else if (auto *const table = field->findChild<QTableWidget *>()) {
-            done << QStringList(typeIntoCell(table) ? 1 : 0, info.name);
-        }
-        EXPECT_FALSE(done.isEmpty()) << info.name.toStdString();
-        const Action copy = panels::fromXml(panels::saved(*action));
-        EXPECT_EQ(panels::valueOf(copy, info.name), panels::valueOf(action, info.name));
     }
 }
 
