@@ -2412,6 +2412,18 @@
 <context>
     <name>Problems</name>
     <message>
+        <source>the template has no style &apos;%1&apos;: the table at &apos;%%2%&apos; has no format</source>
+        <translation>le modèle n&apos;a pas le style «&#xa0;%1&#xa0;»&#xa0;: le tableau de «&#xa0;%%2%&#xa0;» n&apos;a pas de format</translation>
+    </message>
+    <message>
+        <source>the marker &apos;%1&apos; is divided into several runs and stays in the document: type it again in one go, or set joinRuns=&apos;1&apos;</source>
+        <translation>le repère «&#xa0;%1&#xa0;» est divisé en plusieurs segments et reste dans le document&#xa0;: retapez-le d&apos;un trait, ou mettez joinRuns=&apos;1&apos;</translation>
+    </message>
+    <message>
+        <source>the template has no marker &apos;%1&apos;: the table on input pin %2 is not written</source>
+        <translation>le modèle n&apos;a pas le repère «&#xa0;%1&#xa0;»&#xa0;: le tableau de l&apos;entrée %2 n&apos;est pas écrit</translation>
+    </message>
+    <message>
         <source>&apos;%1&apos; is not a format of a floating-point number</source>
         <translation>«&#xa0;%1&#xa0;» n&apos;est pas un format de nombre à virgule flottante</translation>
     </message>

@@ -132,8 +132,10 @@ QStringList ActionWriteDocTable::missingStyles(const QByteArray &styles) const
         const bool isAdded = table.styleID == QLatin1StringView(document::kTableGridStyle) &&
                              styles.contains("</w:styles>");
         if (!isAdded && !document::definesStyle(styles, table.styleID)) {
-            texts << u"the template has no style '%1': the table at '%%2%' has no format"_s.arg(
-                table.styleID, table.markerName);
+            texts << QCoreApplication::translate(
+                         "Problems",
+                         "the template has no style '%1': the table at '%%2%' has no format")
+                         .arg(table.styleID, table.markerName);
         }
     }
     return texts;
@@ -150,12 +152,16 @@ QStringList ActionWriteDocTable::missingMarkers(const QByteArray &body,
         const auto isMarker = [&](const opc::SplitMarker &s) { return s.marker == int(i); };
         const QString marker = QString::fromUtf8(markers[i]);
         if (std::any_of(split.begin(), split.end(), isMarker)) {
-            texts
-                << u"the marker '%1' is divided into several runs and stays in the document: type it again in one go, or set joinRuns='1'"_s
-                       .arg(marker);
+            texts << QCoreApplication::translate(
+                         "Problems", "the marker '%1' is divided into several runs and stays in "
+                                     "the document: type it again in one go, or set joinRuns='1'")
+                         .arg(marker);
         } else if (std::none_of(places.begin(), places.end(), isOfTable)) {
-            texts << u"the template has no marker '%1': the table on input pin %2 is not written"_s
-                         .arg(marker, QString::number(i + 1));
+            texts
+                << QCoreApplication::translate(
+                       "Problems",
+                       "the template has no marker '%1': the table on input pin %2 is not written")
+                       .arg(marker, QString::number(i + 1));
         }
     }
     return texts;

@@ -313,7 +313,7 @@ class Levels(Case):
         self.put("in.parquet", (CORPUS / "parquet/dates.parquet").read_bytes().replace(times, times[:12] + b"\x80" + times[13:]))
         strict = ("--reader", "logicalTypes=0")
         said = self.convert("in.parquet", "out.csv", *strict)
-        self.assertRegex(said, "(1 value|2 values) of the INT96 column 'TimestampTypeChecker' of Parquet files (is|are) read as another number; the first is .*Use logicalTypes='1' to read timestamps")
+        self.assertRegex(said, r"(1 value|2 values) of the INT96 column 'TimestampTypeChecker' of Parquet files (is|are) read as another number; the first is .*\. Use logicalTypes='1' to read timestamps")
         self.assertEqual(self.convert("in.parquet", "out.csv"), "")
 
     def test_a_large_buffer_is_not_larger_than_the_file(self):
