@@ -15,7 +15,7 @@ namespace {
 QByteArray normalised(QByteArrayView text, char separator, qint64 piece, size_t blockBytes)
 {
     MemorySource source(text, piece);
-    RecordReader reader(source, separator, {blockBytes, size_t(1) << 20});
+    RecordReader reader(source, {.separator = separator}, {blockBytes, size_t(1) << 20});
     QByteArray all;
     for (auto found = reader.next(); found && *found; found = reader.next()) {
         for (const Field &field : reader.fields()) {

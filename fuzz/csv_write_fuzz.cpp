@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         writer.addRow(table.row(row));
     }
     MemorySource source(writer.bytes());
-    RecordReader reader(source, separator, {256, size_t(1) << 24});
+    RecordReader reader(source, {.separator = separator}, {256, size_t(1) << 24});
     const RowView names = table.row(0);
     for (int row = -1; row < table.rowCount(); ++row) {
         const auto found = reader.next();

@@ -6,8 +6,8 @@ namespace corvanta {
 namespace {
 
 constexpr FileFormat kFormats[] = {
-    {FileFormat::Read, FileFormat::SeparatedText, "csv txt"},
-    {FileFormat::Read, FileFormat::SeparatedText, "tsv tab", "separator=\\t"},
+    {FileFormat::Read, FileFormat::SeparatedText, "csv txt", "separator=auto encoding=auto"},
+    {FileFormat::Read, FileFormat::SeparatedText, "tsv tab", "separator=\\t encoding=auto"},
 };
 
 } // namespace
@@ -20,6 +20,7 @@ const ActionEntry kReadCsvEntry = {
     .tags = "Common",
     .keywords = "file import input load csv text read in",
     .pinsIn = 0,
+    .maxPinsIn = 1,
     .makeAction = makeAction<ActionReadCsv>,
     .makePanel = makePanel<Interface_ActionReadCSV>,
     .formats = kFormats,

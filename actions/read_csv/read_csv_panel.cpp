@@ -5,13 +5,18 @@
 namespace {
 
 using namespace corvanta;
+using Fold = PanelGroup::Fold;
 
 PanelLayout panelLayout()
 {
     return {
-        {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName"}},
-        {QT_TRANSLATE_NOOP("Panels", "Columns"), {"separator", "header", "types", "sortedOn"}},
+        {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "fileNameFromPin"}},
+        {QT_TRANSLATE_NOOP("Panels", "Columns"), {"separator", "header", "types", "dateFormat"}},
+        {QT_TRANSLATE_NOOP("Panels", "Text"),
+         {"encoding", "quote", "decimal", "nullValues", "skipRows", "comment", "ragged"},
+         Fold::Folded},
         previewGroup(),
+        {kAdvancedGroup, {"sortedOn", "outputFilenames"}, Fold::Folded},
     };
 }
 

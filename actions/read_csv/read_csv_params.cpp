@@ -1,34 +1,190 @@
-#include "actions/read_csv/read_csv.h"
+#include "actions/read_csv/read_csv_params.h"
+
+#include "actions/shared/params/csv_separator.h"
+#include "actions/shared/params/reader_params.h"
+#include "corvanta/system.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
-const ParamTable<ReadCsvParams> &ActionReadCsv::paramTable()
+namespace {
+
+using P = ReadCsvParams;
+
+constexpr QLatin1StringView kAuto("auto");
+
+/// How the bytes of a file become fields.
+ParamGroup<P> textForm()
 {
-    static const ParamTable<ReadCsvParams> table{
-        text("fileName", &ReadCsvParams::fileName)
+    return {
+        text("encoding", &P::encoding)
+            .label("Encoding")
+            .meaning("Name of the encoding, such as windows-1252. auto: that of a byte-order mark, "
+                     "else UTF-8 or UTF-16 if the text is valid, else that of the system."),
+        text("decimal", &P::decimal)
+            .label("Decimal point")
+            .meaning("The character between the digits of decimal numbers (F): a point or a comma, "
+                     "for example."),
+        strings("dateFormat", &P::dateFormat)
+            .label("Date formats")
+            .meaning("Dates to convert to ISO 8601, one entry COLUMN=FORMAT each, such as "
+                     "day=dd.MM.yyyy; several columns are separated by commas."),
+        number("skipRows", &P::skipRows)
+            .range(0, 1000000000)
+            .unit("lines")
+            .label("Skip")
+            .meaning("Number of lines before the column names that are not read."),
+        text("comment", &P::comment)
+            .label("Comment lines begin with")
+            .meaning("Lines that begin with this text are not read. Empty: there are none."),
+        text("quote", &P::quote)
+            .label("Quote")
+            .meaning("One ASCII character around fields that hold separators or line ends. Empty: "
+                     "fields have no quotes."),
+        text("nullValues", &P::nullValues)
+            .label("Missing values")
+            .meaning("Fields without quotes that are missing values, separated by commas, such as "
+                     "NA,NULL. Empty fields always are."),
+        text("ragged", &P::ragged)
+            .label("Lines of another length")
+            .meaning("error: a line with another number of fields fails the run. fill: missing "
+                     "values fill short lines, and fields beyond the last column are dropped."),
+    };
+}
+
+bool isTypeLetter(const QString &letter)
+{
+    return letter == "K"_L1 || letter == "F"_L1 || letter == "U"_L1;
+}
+
+QStringList trimmedParts(const QString &list)
+{
+    QStringList parts = list.isEmpty() ? QStringList() : list.split(u',');
+    for (QString &part : parts) {
+        part = part.trimmed();
+    }
+    return parts;
+}
+
+bool isAuto(const QString &text)
+{
+    return text.compare(kAuto, Qt::CaseInsensitive) == 0;
+}
+
+/// One ASCII character that does not end lines.
+bool isOneCharacter(const QString &text)
+{
+    return text.size() == 1 && text[0].unicode() < 0x80 && text[0] != u'\r' && text[0] != u'\n';
+}
+
+std::optional<CsvDateFormat> dateFormatOf(const QString &entry)
+{
+    const qsizetype equals = entry.indexOf(u'=');
+    const bool isWhole = equals > 0 && equals + 1 < entry.size();
+    return isWhole ? std::optional(
+                         CsvDateFormat{trimmedParts(entry.left(equals)), entry.mid(equals + 1)})
+                   : std::nullopt;
+}
+
+} // namespace
+
+const ParamTable<ReadCsvParams> &readCsvParamTable()
+{
+    static const ParamTable<P> table{
+        text("fileName", &P::fileName)
             .inputFile()
-            .required()
+            .requiredWhen("fileNameFromPin", {u"0"_s})
             .always()
             .label("File")
-            .meaning("Text file to read, UTF-8; also compressed as .gz or .Z."),
-        text("separator", &ReadCsvParams::separator)
+            .meaning("Text file to read, or a pattern such as *.csv; all files must have the "
+                     "columns of the first. Also .gz, .Z and .rar files and members of .zip files "
+                     "(archive.zip@member)."),
+        text("separator", &P::separator)
             .label("Separator")
-            .meaning("One ASCII character between two fields."),
-        text("types", &ReadCsvParams::types)
+            .meaning("One ASCII character between two fields. auto: the comma, semicolon, tab or "
+                     "vertical bar that the first 64 KiB suggest."),
+        text("types", &P::types)
             .label("Column types")
             .meaning("One letter per column, separated by commas: K (whole number), F (decimal "
                      "number), U (text). "
                      "Columns without a letter are texts."),
-        flag("header", &ReadCsvParams::header)
+        flag("header", &P::header)
             .label("First line holds the column names")
             .meaning(
                 "Reads the column names from the first line. Off: columns are named C1, C2, ..."),
-        text("sortedOn", &ReadCsvParams::sortedOn)
+        text("sortedOn", &P::sortedOn)
             .label("Sorted on")
             .meaning(
                 "Names of the columns that the table is declared sorted on, separated by commas."),
+        shared::fileNamesFromPin<P>(),
+        shared::outputFilenames<P>(),
+        textForm(),
     };
     return table;
+}
+
+QVector<ParameterProblem> readCsvProblems(const ReadCsvParams &params)
+{
+    QVector<ParameterProblem> problems;
+    if (!isAuto(params.separator)) {
+        problems << separatorProblems(params.separator);
+    }
+    for (const QString &letter : trimmedParts(params.types)) {
+        if (!isTypeLetter(letter)) {
+            problems.append({u"types"_s, u"'%1' is not a column type (K, F, U)"_s.arg(letter)});
+        }
+    }
+    if (!isAuto(params.encoding) && !isKnownEncoding(params.encoding)) {
+        problems.append({u"encoding"_s, u"the encoding '%1' is unknown"_s.arg(params.encoding)});
+    }
+    for (const auto &[name, value] :
+         {std::pair(u"decimal"_s, params.decimal), std::pair(u"quote"_s, params.quote)}) {
+        const bool isNone = value.isEmpty() && name == u"quote"_s;
+        if (!isNone &&
+            (!isOneCharacter(value) || (name == u"quote"_s && value == params.separator))) {
+            problems.append(
+                {name, u"%1='%2' is not one ASCII character other than the separator"_s.arg(
+                           name, value)});
+        }
+    }
+    for (const QString &entry : params.dateFormat) {
+        if (!dateFormatOf(entry)) {
+            problems.append(
+                {u"dateFormat"_s, u"'%1' is not of the form COLUMN=FORMAT"_s.arg(entry)});
+        }
+    }
+    if (params.ragged != u"error"_s && params.ragged != u"fill"_s) {
+        problems.append(
+            {u"ragged"_s, u"ragged='%1' is neither 'error' nor 'fill'"_s.arg(params.ragged)});
+    }
+    return problems;
+}
+
+CsvForm csvFormOf(const ReadCsvParams &params)
+{
+    CsvForm form;
+    form.text.encoding = params.encoding.toLatin1();
+    form.text.fallback = currentACPName().toLatin1();
+    form.text.findsSeparator = isAuto(params.separator);
+    csv::Dialect &dialect = form.text.dialect;
+    dialect.separator = csvSeparator(params.separator).value_or(',');
+    dialect.quote = params.quote.isEmpty() ? csv::Dialect::kNoQuote : params.quote[0].toLatin1();
+    dialect.comment = params.comment.toStdString();
+    dialect.skippedLines = params.skipRows;
+    form.hasHeader = params.header;
+    form.decimal = params.decimal[0].toLatin1();
+    form.fillsRagged = params.ragged == u"fill"_s;
+    form.types = trimmedParts(params.types);
+    for (const QString &value : trimmedParts(params.nullValues)) {
+        form.nullValues.push_back(value.toUtf8());
+    }
+    for (const QString &entry : params.dateFormat) {
+        form.dateFormats.push_back(*dateFormatOf(entry));
+    }
+    return form;
 }
 
 } // namespace corvanta

@@ -67,11 +67,7 @@ QVector<ParameterProblem> LevelReader::problems() const
 
 bool LevelReader::readColumnsAs(const QVector<ColumnKind> &columns)
 {
-    QStringList letters;
-    for (const ColumnKind &column : columns) {
-        letters << QString(QLatin1Char(column.letter));
-    }
-    readerParams().types = letters.join(u',');
+    readerParams().types = lettersOf(columns);
     return true;
 }
 

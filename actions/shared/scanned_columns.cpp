@@ -46,4 +46,13 @@ QVector<ColumnKind> kindsOf(const QStringList &names, std::span<const values::Co
     return kinds;
 }
 
+QString lettersOf(const QVector<ColumnKind> &columns)
+{
+    QStringList letters;
+    for (const ColumnKind &column : columns) {
+        letters << QString(QLatin1Char(column.letter));
+    }
+    return letters.join(u',');
+}
+
 } // namespace corvanta

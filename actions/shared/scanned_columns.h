@@ -14,4 +14,7 @@ qint64 rowsToScan(ActionParameters::KindExtent extent);
 /// a kind could not name one of them.
 QVector<ColumnKind> kindsOf(const QStringList &names, std::span<const values::ColumnScan> scans);
 
+/// The letters of the columns in order, separated by commas, as readers save them.
+QString lettersOf(const QVector<ColumnKind> &columns);
+
 } // namespace corvanta

@@ -1,9 +1,7 @@
-// writeCSV: formats rows with codecs/csv, writes them to the target, and copies them to the output
-// pin.
+// writeCSV: formats rows with codecs/csv and writes them to the target.
 #include "actions/write_csv/write_csv.h"
 
 #include "actions/shared/params/csv_separator.h"
-#include "corvanta/failure_reason.h"
 
 using namespace Qt::StringLiterals;
 
@@ -14,101 +12,92 @@ ActionWriteCsv::ActionWriteCsv(const XMLNode &saved, GlobalParameters *parameter
 {
 }
 
-QVector<ParameterProblem> ActionWriteCsv::problems() const
+/// Rows and columns are not selected, so that only problems of the file occur.
+QString ActionWriteCsv::message(WriteProblem problem, const QString &name) const
 {
-    return separatorProblems(m_params.separator);
-}
-
-void ActionWriteCsv::start()
-{
-    finish();
-}
-
-void ActionWriteCsv::finish()
-{
-    // Only a good run replaces the target; a failed or stopped one leaves it unchanged.
-    if (m_complete && runIsGood()) {
-        complete();
-    }
-    m_complete = false;
-    m_target.discard();
-    m_writer.reset();
-}
-
-void ActionWriteCsv::complete()
-{
-    if (!flush() || !m_target.commit()) {
-        failWriting();
-        return;
-    }
-    if (m_writer->replaced().count > 0) {
-        warn(replacedMessage(m_writer->replaced(), m_name,
-                             getInputColumns(0)->colName(m_writer->firstReplacedColumn())));
-    }
+    return problem == WriteProblem::CannotOpen
+               ? u"Error: writeCSV: cannot create file '%1'\n"_s.arg(name)
+               : u"Error: writeCSV: cannot write file '%1'\n"_s.arg(name);
 }
 
 bool ActionWriteCsv::failWriting()
 {
-    return fail(u"Error: writeCSV: cannot write file '%1'\n"_s.arg(m_name),
-                failureReason(m_target));
+    return failWith(WriteProblem::CannotWrite, fileName(), reasonOf(m_target));
 }
 
-/// Opens the target and writes the header. `columns` are those of the input.
-bool ActionWriteCsv::begin(const OneRow *columns)
+/// Opens the target and writes the header.
+bool ActionWriteCsv::begin(const OneRow &columns)
 {
-    m_name = expandOutputFile(m_params.fileName, QString());
-    const auto separator = csvSeparator(m_params.separator);
-    if (!separator) {
-        return fail(u"Error: writeCSV: the separator '%1' is not one ASCII character\n"_s.arg(
-            m_params.separator));
+    const QVector<ParameterProblem> found = problems();
+    if (!found.isEmpty()) {
+        return fail(u"Error: writeCSV: %1\n"_s.arg(found.first().text));
     }
-    const auto opened = m_target.open(
-        m_name, {getIdx(), TargetMode::Replace, [this] { return askRetryWrite(m_name); }});
-    if (!opened) {
-        return fail(u"Error: writeCSV: cannot create file '%1'\n"_s.arg(m_name),
-                    failureReason(m_target));
+    if (!openTarget()) {
+        return false;
     }
-    m_writer.emplace(*separator);
-    getOutputRowForOutputPin(0)->copySchemaFrom(columns);
+    m_writer.emplace(*csvSeparator(m_params.separator),
+                     hasCrLf(m_params) ? csv::LineEnd::CrLf : csv::LineEnd::Lf);
     if (m_params.header) {
-        m_writer->addNames(columns->view());
+        m_writer->addNames(columns.view());
     }
     return true;
+}
+
+bool ActionWriteCsv::openTarget()
+{
+    TargetFile::Options options = targetOptions(fileName());
+    options.packing = TargetFile::Packing::ByName;
+    if (!m_target.open(fileName(), std::move(options))) {
+        return failWith(WriteProblem::CannotOpen, fileName(), reasonOf(m_target));
+    }
+    if (m_params.encoding.compare("UTF-8"_L1, Qt::CaseInsensitive) != 0) {
+        m_encoder = encoding::Utf8Encoder::open(m_params.encoding.toLatin1());
+    }
+    return true;
+}
+
+bool ActionWriteCsv::writeRow(const OneRow &row)
+{
+    m_writer->addRow(row.view());
+    return !m_writer->isFull() || flush() || failWriting();
 }
 
 bool ActionWriteCsv::flush()
 {
-    // The bytes are discarded also after a failure, which ends the run.
     const QByteArrayView bytes = m_writer->bytes();
-    const bool isWritten = m_target.write(bytes.data(), bytes.size());
+    const bool isWritten = write(m_encoder ? m_encoder->encode(bytes) : bytes);
     m_writer->clear();
     return isWritten;
 }
 
-bool ActionWriteCsv::step()
+void ActionWriteCsv::complete()
 {
-    while (!yieldRequested()) {
-        const OneRow *const row = getNextRowFromInPin(0);
-        // Null is the end of the table or of the run; after the end of the run nothing is created.
-        if (row == nullptr && !runIsGood()) {
-            return false;
-        }
-        if (!m_writer && !begin(row != nullptr ? row : getInputColumns(0))) {
-            return false;
-        }
-        if (row == nullptr) {
-            m_complete = true;
-            return false;
-        }
-        // The row becomes a view of the input batch: passing it on copies no cells.
-        getOutputRowForOutputPin(0)->copyFrom(row);
-        setRowReadyForOutput(0);
-        m_writer->addRow(row->view());
-        if (m_writer->isFull() && !flush()) {
-            return failWriting();
-        }
+    const bool isWritten = flush() && (!m_encoder || write(m_encoder->finish()));
+    if (!isWritten || !m_target.commit()) {
+        failWriting();
+        return;
     }
-    return true;
+    reportReplaced();
+}
+
+void ActionWriteCsv::reportReplaced()
+{
+    if (m_writer->replaced().count > 0) {
+        warn(replacedMessage(m_writer->replaced(), fileName(),
+                             getInputColumns(0)->colName(m_writer->firstReplacedColumn())));
+    }
+    if (m_encoder) {
+        warnOf(m_encoder->replaced(), fileName(), u"character"_s,
+               u"Warning: writeCSV: %2 of the file '%1' are not in its encoding, and a ? replaces "
+               "them; the first is in %3\n"_s);
+    }
+}
+
+void ActionWriteCsv::release(bool)
+{
+    m_target.discard();
+    m_writer.reset();
+    m_encoder.reset();
 }
 
 } // namespace corvanta

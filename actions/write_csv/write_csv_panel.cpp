@@ -8,7 +8,7 @@ PanelLayout panelLayout()
 {
     return {
         {QT_TRANSLATE_NOOP("Panels", "Target"), {"fileName"}},
-        {QT_TRANSLATE_NOOP("Panels", "Format"), {"separator", "header"}},
+        {QT_TRANSLATE_NOOP("Panels", "Format"), {"separator", "header", "encoding", "lineEnd"}},
     };
 }
 

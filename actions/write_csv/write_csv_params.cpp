@@ -1,24 +1,55 @@
-#include "actions/write_csv/write_csv.h"
+#include "actions/write_csv/write_csv_params.h"
+
+#include "actions/shared/params/csv_separator.h"
+#include "corvanta/system.h"
+
+using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
-const ParamTable<WriteCsvParams> &ActionWriteCsv::paramTable()
+const ParamTable<WriteCsvParams> &writeCsvParamTable()
 {
-    static const ParamTable<WriteCsvParams> table{
-        text("fileName", &WriteCsvParams::fileName)
+    using P = WriteCsvParams;
+    static const ParamTable<P> table{
+        text("fileName", &P::fileName)
             .outputFile()
             .required()
             .always()
             .label("File")
-            .meaning("Text file to write, UTF-8 with LF line ends."),
-        text("separator", &WriteCsvParams::separator)
+            .meaning("Text file to write. A name that ends with .gz gives a compressed file."),
+        text("separator", &P::separator)
             .label("Separator")
             .meaning("One ASCII character between two fields."),
-        flag("header", &WriteCsvParams::header)
+        flag("header", &P::header)
             .label("Write the column names in the first line")
             .meaning("Without it the file contains only rows."),
+        text("encoding", &P::encoding)
+            .label("Encoding")
+            .meaning("Name of the encoding, such as windows-1252. A ? replaces characters that it "
+                     "does not have."),
+        text("lineEnd", &P::lineEnd)
+            .label("Line ends")
+            .meaning("lf: line feed. crlf: carriage return and line feed."),
     };
     return table;
+}
+
+bool hasCrLf(const WriteCsvParams &params)
+{
+    return params.lineEnd == u"crlf"_s;
+}
+
+QVector<ParameterProblem> writeCsvProblems(const WriteCsvParams &params)
+{
+    QVector<ParameterProblem> problems = separatorProblems(params.separator);
+    if (!isKnownEncoding(params.encoding)) {
+        problems.append({u"encoding"_s, u"the encoding '%1' is unknown"_s.arg(params.encoding)});
+    }
+    if (params.lineEnd != u"lf"_s && !hasCrLf(params)) {
+        problems.append(
+            {u"lineEnd"_s, u"lineEnd='%1' is neither 'lf' nor 'crlf'"_s.arg(params.lineEnd)});
+    }
+    return problems;
 }
 
 } // namespace corvanta

@@ -1,4 +1,5 @@
 // Records and fields of CSV texts, however their bytes arrive, and the text of rows.
+#include "codecs/csv/find_separator.h"
 #include "codecs/csv/record_reader.h"
 #include "codecs/csv/record_writer.h"
 #include "tests/support/failing_source.h"
@@ -16,9 +17,9 @@ namespace {
 
 /// All records, one per line: its line number and its fields, quoted ones in quotes, separated by
 /// "|". Ends with the code, line and offset of a fault.
-QByteArray describe(ByteSource &source, RecordReader::Limits limits = {}, char separator = ',')
+QByteArray describe(ByteSource &source, RecordReader::Limits limits = {}, Dialect dialect = {})
 {
-    RecordReader reader(source, separator, limits);
+    RecordReader reader(source, std::move(dialect), limits);
     QByteArray all;
     for (;;) {
         const auto found = reader.next();
@@ -85,7 +86,49 @@ TEST(RecordReader, FindsTheSameRecordsWhereverTheTextIsSplit)
 TEST(RecordReader, UsesTheGivenSeparator)
 {
     MemorySource source(QByteArrayView("a,b\t\"c\td\"\n"));
-    EXPECT_EQ(describe(source, {}, '\t'), "1: a,b|\"c\td\"\n");
+    EXPECT_EQ(describe(source, {}, {.separator = '\t'}), "1: a,b|\"c\td\"\n");
+}
+
+TEST(RecordReader, SkipsLinesAndUsesTheGivenQuoteWhereverTheTextIsSplit)
+{
+    const Dialect dialect{.quote = '\'', .comment = "//", .skippedLines = 2};
+    test::forEverySplit([&](int piece) {
+        for (const size_t block : {size_t(1), size_t(5), size_t(1) << 20}) {
+            MemorySource source(QByteArrayView("'open\n\n//c\na,/\n'//\n''',\"b\"\n/\n//\n//end"),
+                                piece);
+            EXPECT_EQ(describe(source, {block, size_t(1) << 30}, dialect),
+                      "4: a|/\n5: \"//\n'\"|\"b\"\n7: /\n");
+        }
+    });
+    MemorySource plain(QByteArrayView("\"a,\"b\n"));
+    EXPECT_EQ(describe(plain, {}, {.quote = Dialect::kNoQuote}), "1: \"a|\"b\n");
+}
+
+TEST(FindSeparator, ChoosesTheOneThatGivesRegularRecords)
+{
+    struct Text
+    {
+        const char *text;
+        char separator;
+    };
+    constexpr Text kTexts[] = {
+        {"", ','},
+        {"a\nb\n", ','},
+        {"a,b\n1,2\n", ','},
+        {"a;b\n1,5;2,5\n", ';'},
+        {"a\tb,c\n1\t2\n", '\t'},
+        {"a|b|c\n1|2,3|4\n1|2|3\n", '|'},
+        {"\"a,b\";c\n\"d,e\";f\n", ';'},
+        {"\"x\ny;z\",b\n1,2\n", ','},
+        {"name\nDoe, John\nRoe, Jane\n", ';'},
+        {"a,b;c\n1;2\n3;4\n", ';'},
+        {"a;b\n\n1;2\n1,2,3", ';'},
+    };
+    for (const Text &one : kTexts) {
+        EXPECT_EQ(findSeparator(one.text, true, {}), one.separator) << one.text;
+    }
+    EXPECT_EQ(findSeparator("a;b,c\n1;2\n3,4,", false, {}), ';');
+    EXPECT_EQ(findSeparator("# a,b\nx;y\n", true, {.comment = "#"}), ';');
 }
 
 TEST(RecordReader, RejectsARecordThatIsTooLong)
@@ -138,6 +181,14 @@ private:
 };
 
 } // namespace
+
+TEST(RecordWriter, EndsLinesWithCrLf)
+{
+    RecordWriter writer(',', LineEnd::CrLf);
+    writer.addNames(TextRow({u"n"_s, u"a\nb"_s}).view());
+    writer.addRow(TextRow({u"1"_s, QString()}).view());
+    EXPECT_EQ(writer.bytes().toByteArray(), "n,\"a\nb\"\r\n1,\r\n");
+}
 
 TEST(RecordWriter, QuotesOnlyWhereNeededAndDistinguishesMissingFromEmpty)
 {

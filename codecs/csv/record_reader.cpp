@@ -34,9 +34,11 @@ bool startsWithAny(std::string_view text, std::span<const std::string_view> begi
 
 } // namespace
 
-RecordReader::RecordReader(ByteSource &source, char separator, Limits limits)
+RecordReader::RecordReader(ByteSource &source, Dialect dialect, Limits limits)
     : m_source(source)
-    , m_separator(separator)
+    , m_dialect(std::move(dialect))
+    , m_separator(m_dialect.separator)
+    , m_skipsLines(m_dialect.skippedLines > 0 || !m_dialect.comment.empty())
     , m_recordBytes(limits.recordBytes)
     , m_block(limits.blockBytes)
 {
@@ -105,12 +107,12 @@ const char *RecordReader::scanQuoted(const char *at, const char *end)
     const char *const begin = at;
     const size_t scratchBegin = m_scratch.size();
     for (;;) {
-        const auto *const quote =
-            static_cast<const char *>(std::memchr(at, '"', static_cast<size_t>(end - at)));
+        const auto *const quote = static_cast<const char *>(
+            std::memchr(at, m_dialect.quote, static_cast<size_t>(end - at)));
         if (quote == nullptr || (quote + 1 == end && !m_isEnded)) {
             return nullptr;
         }
-        const bool isDoubled = quote + 1 < end && quote[1] == '"';
+        const bool isDoubled = quote + 1 < end && quote[1] == *quote;
         // Of a doubled quote the first one belongs to the text.
         m_scratch.insert(m_scratch.end(), at, quote + (isDoubled ? 1 : 0));
         if (!isDoubled) {
@@ -148,6 +150,31 @@ inline RecordReader::Scan RecordReader::endRecord(const char *at, const char *en
     return Scan::Record;
 }
 
+/// Whether the line at `at` is not a record. `*isCertain` becomes false if that needs more bytes.
+bool RecordReader::isSkippedLine(const char *at, const char *end, bool *isCertain) const
+{
+    if (m_nextLine <= m_dialect.skippedLines) {
+        return true;
+    }
+    const std::string &comment = m_dialect.comment;
+    const auto available = static_cast<size_t>(end - at);
+    const bool isEqual = std::equal(at, at + std::min(available, comment.size()), comment.begin());
+    *isCertain = !isEqual || m_isEnded || available >= comment.size();
+    return !comment.empty() && isEqual && available >= comment.size();
+}
+
+RecordReader::Scan RecordReader::skipLine(const char *at, const char *end)
+{
+    const auto *const feed =
+        static_cast<const char *>(std::memchr(at, '\n', static_cast<size_t>(end - at)));
+    if (feed == nullptr && !m_isEnded) {
+        return Scan::NeedMore;
+    }
+    m_at = static_cast<size_t>((feed != nullptr ? feed + 1 : end) - m_block.data());
+    ++m_nextLine;
+    return Scan::Skipped;
+}
+
 RecordReader::Scan RecordReader::scanRecord()
 {
     const char *at = m_block.data() + m_at;
@@ -159,8 +186,18 @@ RecordReader::Scan RecordReader::scanRecord()
     if (at == end) {
         return m_isEnded ? Scan::End : Scan::NeedMore;
     }
+    if (m_skipsLines) {
+        bool isCertain = true;
+        if (isSkippedLine(at, end, &isCertain)) {
+            return skipLine(at, end);
+        }
+        if (!isCertain) {
+            return Scan::NeedMore;
+        }
+    }
+    const int quote = m_dialect.quote;
     for (;; ++at) {
-        if (at < end && *at == '"') {
+        if (at < end && *at == quote) {
             at = scanQuoted(at + 1, end);
             if (at == nullptr) {
                 return m_isEnded ? Scan::BadQuotes : Scan::NeedMore;
@@ -206,6 +243,8 @@ Result<bool, Error> RecordReader::next()
         case Scan::Record:
             placeQuotedFields();
             return true;
+        case Scan::Skipped:
+            break;
         case Scan::End:
             return false;
         case Scan::BadQuotes:

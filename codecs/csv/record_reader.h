@@ -7,6 +7,7 @@
 #pragma once
 #include "base/byte_source.h"
 #include "base/result.h"
+#include "codecs/csv/dialect.h"
 
 #include <span>
 #include <string_view>
@@ -57,11 +58,10 @@ public:
         size_t recordBytes = size_t(1) << 30;
     };
 
-    /// Read from the current position of `source`, which must outlive the reader. `separator` is an
-    /// ASCII character other than a quote, CR and LF.
-    RecordReader(ByteSource &source, char separator, Limits limits);
-    RecordReader(ByteSource &source, char separator)
-        : RecordReader(source, separator, Limits())
+    /// Read from the current position of `source`, which must outlive the reader.
+    RecordReader(ByteSource &source, Dialect dialect, Limits limits);
+    RecordReader(ByteSource &source, Dialect dialect)
+        : RecordReader(source, std::move(dialect), Limits())
     {
     }
 
@@ -83,9 +83,12 @@ public:
 
 private:
     // What scanRecord() found. NeedMore: the block ends before the end of the record is certain.
-    enum class Scan { Record, NeedMore, End, BadQuotes };
+    // Skipped: a line that is not a record.
+    enum class Scan { Record, NeedMore, Skipped, End, BadQuotes };
 
     Scan scanRecord();
+    bool isSkippedLine(const char *at, const char *end, bool *isCertain) const;
+    Scan skipLine(const char *at, const char *end);
     Scan endRecord(const char *at, const char *end);
     const char *scanQuoted(const char *at, const char *end);
     const char *scanPlain(const char *at, const char *end);
@@ -96,7 +99,9 @@ private:
     Fault<Error> faultOf(Error code) const;
 
     ByteSource &m_source;
-    char m_separator;
+    Dialect m_dialect;
+    char m_separator;  // of m_dialect
+    bool m_skipsLines; // m_dialect has lines to skip
     size_t m_recordBytes;
     std::vector<char> m_block;
     size_t m_at = 0;          // next byte of the block

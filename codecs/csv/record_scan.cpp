@@ -18,16 +18,18 @@ inline bool RecordScan::isNull(const Field &field) const
 bool RecordScan::add(const RecordReader &reader)
 {
     const std::span<const Field> fields = reader.fields();
-    const bool isShort = fields.size() < m_scans.size();
-    if (fields.size() > m_scans.size() || (isShort && !m_rules.fillsRagged)) {
-        return fields.size() == 1 && fields[0].size == 0 && !fields[0].isQuoted;
+    if (fields.size() != m_scans.size()) {
+        const bool isEmptyLine = fields.size() == 1 && fields[0].size == 0 && !fields[0].isQuoted;
+        if (isEmptyLine || !m_rules.fillsRagged) {
+            return isEmptyLine;
+        }
     }
     ++m_rows;
     const auto place = [&] {
         return QStringLiteral("row %1 (line %2)")
             .arg(QString::number(m_rows), QString::number(reader.line()));
     };
-    for (size_t i = 0; i < fields.size(); ++i) {
+    for (size_t i = 0; i < std::min(fields.size(), m_scans.size()); ++i) {
         if (!m_scans[i].isDecided() && !isNull(fields[i])) {
             m_scans[i].add(fields[i].view(), place, m_rules.decimalPoint);
         }

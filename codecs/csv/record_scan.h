@@ -19,7 +19,7 @@ public:
         /// Fields without quotes that are missing, in addition to empty ones. Must outlive the
         /// scan.
         std::span<const QByteArray> nullValues = {};
-        /// A record may have fewer fields than columns.
+        /// A record may have fewer fields than columns, or more, which are not read.
         bool fillsRagged = false;
     };
 

@@ -1,4 +1,4 @@
-// Layout: see record_reader.cpp. Records end with LF; a field is quoted only if it must be.
+// Layout: see record_reader.cpp. A field is quoted only if it must be.
 #include "codecs/csv/record_writer.h"
 
 #include "base/number.h"
@@ -24,8 +24,9 @@ size_t countQuotes(const char *text, size_t n)
 
 } // namespace
 
-RecordWriter::RecordWriter(char separator)
+RecordWriter::RecordWriter(char separator, LineEnd lineEnd)
     : m_separator(separator)
+    , m_lineEnd(lineEnd)
     , m_size(kBlockBytes + kBlockBytes / 16) // so that ordinary rows never make it grow
     , m_buffer(new char[m_size])
 {
@@ -97,6 +98,16 @@ void RecordWriter::addQuoted(size_t begin)
     m_buffer[m_used - 1] = '"';
 }
 
+/// Completes a line, whose last byte is LF.
+inline void RecordWriter::endLine(const RowView &row)
+{
+    if (m_lineEnd == LineEnd::CrLf && row.columns > 0) {
+        reserve(1);
+        m_buffer[m_used - 1] = '\r';
+        m_buffer[m_used++] = '\n';
+    }
+}
+
 void RecordWriter::addNames(const RowView &row)
 {
     for (int i = 0; i < row.columns; ++i) {
@@ -104,6 +115,7 @@ void RecordWriter::addNames(const RowView &row)
         addText(reinterpret_cast<const char16_t *>(name.utf16()), name.size(), i);
         m_buffer[m_used++] = i + 1 < row.columns ? m_separator : '\n';
     }
+    endLine(row);
 }
 
 /// Appends a cell, and reserves the byte for its separator.
@@ -139,6 +151,7 @@ void RecordWriter::addRow(const RowView &row)
         addCell(row.type(i), row.cells[i], i);
         m_buffer[m_used++] = i + 1 < row.columns ? m_separator : '\n';
     }
+    endLine(row);
 }
 
 } // namespace corvanta::csv

@@ -1,6 +1,6 @@
 // Formats rows as text with separators (CSV, RFC 4180).
 //
-// UTF-8, LF line ends. A missing cell is an empty field, an empty text is "". Keys are unsigned
+// UTF-8. A missing cell is an empty field, an empty text is "". Keys are unsigned
 // decimals; doubles have the fewest digits that read back to the same value. A text is quoted only
 // if it contains the separator, a quote, CR or LF.
 // Threads: one at a time per object.
@@ -14,12 +14,14 @@
 
 namespace corvanta::csv {
 
+enum class LineEnd : quint8 { Lf, CrLf };
+
 /// Collects formatted rows until the caller has written them.
 class RecordWriter
 {
 public:
     /// `separator` is an ASCII character other than a quote, CR and LF.
-    explicit RecordWriter(char separator);
+    explicit RecordWriter(char separator, LineEnd lineEnd = LineEnd::Lf);
 
     /// Append a line with the column names.
     void addNames(const RowView &row);
@@ -47,8 +49,10 @@ private:
     void addText(const char16_t *units, qsizetype n, int column);
     void countReplaced(qsizetype n, int column);
     void addQuoted(size_t begin);
+    void endLine(const RowView &row);
 
     char m_separator;
+    LineEnd m_lineEnd;
     size_t m_size; // of the buffer
     // Not initialised: a small file uses few of its pages.
     std::unique_ptr<char[]> m_buffer;

@@ -204,7 +204,7 @@ std::optional<qint64> DateParser::parsedMs(const QString &text) const
 }
 
 /// The fast way first; Qt also reads texts that are shorter or longer than the format.
-std::optional<qint64> DateParser::msOf(std::u16string_view text)
+std::optional<qint64> DateParser::msSince1970(std::u16string_view text)
 {
     const std::optional<qint64> ms = m_tokens.empty() ? std::nullopt : fixedWidthMs(text);
     return ms ? ms : slowMs(text);
@@ -214,7 +214,7 @@ std::optional<double> DateParser::serial(std::u16string_view text)
 {
     constexpr qint64 kMsTo1970 = 2209161600000;
     constexpr double kMsPerDay = 86400000;
-    const std::optional<qint64> ms = msOf(text);
+    const std::optional<qint64> ms = msSince1970(text);
     if (!ms) {
         return std::nullopt;
     }

@@ -37,6 +37,8 @@ public:
     /// Days since 1899-12-30, with fraction; std::nullopt when the text does not have the format.
     /// Below kFirstSerial for dates that worksheets cannot hold.
     std::optional<double> serial(std::u16string_view text);
+    /// Milliseconds since 1970-01-01; std::nullopt when the text does not have the format.
+    std::optional<qint64> msSince1970(std::u16string_view text);
 
 private:
     /// What a token reads; the fields that a format lacks have Qt's defaults.
@@ -52,8 +54,6 @@ private:
     void compile();
     // Milliseconds since 1970-01-01; std::nullopt when the text does not have the format.
     std::optional<qint64> fixedWidthMs(std::u16string_view text) const;
-    /// Milliseconds since 1970-01-01 of a text; nothing for one that is not a date.
-    std::optional<qint64> msOf(std::u16string_view text);
     std::optional<qint64> slowMs(std::u16string_view text);
     std::optional<qint64> parsedMs(const QString &text) const;
 

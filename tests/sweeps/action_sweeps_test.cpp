@@ -11,8 +11,6 @@
 #include <QFile>
 
 #include <gtest/gtest.h>
-#include <zlib.h>
-
 using namespace corvanta::test;
 using namespace Qt::StringLiterals;
 
@@ -283,22 +281,6 @@ INSTANTIATE_TEST_SUITE_P(, WriterSweep, testing::ValuesIn(writers()),
 
 namespace {
 
-QByteArray gzipped(const QByteArray &bytes)
-{
-    constexpr int kGzipWindow = 15 + 16;
-    z_stream stream{};
-    EXPECT_EQ(deflateInit2(&stream, 6, Z_DEFLATED, kGzipWindow, 8, Z_DEFAULT_STRATEGY), Z_OK);
-    QByteArray packed(static_cast<qsizetype>(deflateBound(&stream, bytes.size())), '\0');
-    stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(bytes.data()));
-    stream.avail_in = static_cast<uInt>(bytes.size());
-    stream.next_out = reinterpret_cast<Bytef *>(packed.data());
-    stream.avail_out = static_cast<uInt>(packed.size());
-    EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
-    packed.truncate(static_cast<qsizetype>(stream.total_out));
-    deflateEnd(&stream);
-    return packed;
-}
-
 /// A zip archive with the member "inner".
 QByteArray zipped(const QByteArray &bytes)
 {
@@ -375,8 +357,7 @@ const std::vector<Reader> &readers()
         {"compressedCSV",
          {"<readCSV fileName='input.csv.gz' types='K,F,U,U,U'/>"},
          u"input.csv.gz"_s,
-         "<writeCSV fileName='input.csv.gz'/>",
-         gzipped},
+         "<writeCSV fileName='input.csv.gz'/>"},
         {"readJSON", {json("input.json")}, u"input.json"_s, writeJson},
         {"archivedJSON",
          {json("input.zip@inner")},
@@ -397,8 +378,7 @@ const std::vector<Reader> &readers()
         {"compressedXML",
          {xml("input.xml.gz")},
          u"input.xml.gz"_s,
-         "<writeXML fileName='input.xml.gz' wellFormed='1'/>",
-         gzipped},
+         "<writeXML fileName='input.xml.gz' wellFormed='1'/>"},
         {"ReadXBF", {table("ReadXBF", "input.dbf")}, u"input.dbf"_s, {}},
         {"archivedXBF", {table("ReadXBF", "input.zip@inner")}, u"input.zip"_s, {}, zipped},
         {"readExcelOld",

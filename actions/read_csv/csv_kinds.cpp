@@ -1,0 +1,51 @@
+// The kinds of the columns of readCSV, before a run.
+#include "actions/read_csv/csv_file.h"
+#include "actions/read_csv/read_csv.h"
+#include "actions/shared/scanned_columns.h"
+#include "codecs/csv/record_scan.h"
+#include "io/input/input_file.h"
+
+#include <optional>
+
+namespace corvanta {
+
+/// A file that a run cannot read to its end, or that has other columns, counts as far as it is read
+/// here: the run reports it.
+QVector<ColumnKind> ActionReadCsv::columnKinds(KindExtent extent)
+{
+    if (!problems().isEmpty() || !m_params.types.isEmpty() || m_params.fileNameFromPin) {
+        return {};
+    }
+    const CsvForm form = csvFormOf(m_params);
+    QStringList names;
+    std::vector<values::ColumnScan> scans;
+    std::optional<csv::RecordScan> scan;
+    for (const QString &name : namesOfPattern(*this, m_params.fileName)) {
+        InputFile file(globalParameters(), name, true, InputFile::Report::Nothing);
+        file.keepPipe();
+        csv::TextReader text(file, form.text);
+        csv::RecordReader &records = text.records();
+        const auto first = records.next();
+        if (!first || !*first) {
+            continue;
+        }
+        if (!scan) {
+            names = CsvFile::columnNames(records, form);
+            scans.resize(static_cast<size_t>(names.size()));
+            scan.emplace(scans,
+                         csv::RecordScan::Rules{form.decimal, form.nullValues, form.fillsRagged});
+        }
+        if (form.hasHeader || scan->add(records)) {
+            scan->addAll(records, rowsToScan(extent));
+        }
+    }
+    return kindsOf(names, scans);
+}
+
+bool ActionReadCsv::readColumnsAs(const QVector<ColumnKind> &columns)
+{
+    m_params.types = lettersOf(columns);
+    return true;
+}
+
+} // namespace corvanta
