@@ -96,7 +96,7 @@ QString textOf(const RunSummary &summary)
     const QString files =
         summary.files.isEmpty() ? u"no file written"_s : "wrote "_L1 + summary.files.join(", "_L1);
     return u"%1 read in %2 s (%3 MB/s), %4"_s.arg(
-        counted(summary.rows, u"row"_s), QString::number(summary.seconds, 'f', 2),
+        corvanta::counted(summary.rows, u"row"_s), QString::number(summary.seconds, 'f', 2),
         QString::number(summary.megabytesPerSecond, 'f', 1), files);
 }
 

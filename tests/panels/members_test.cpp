@@ -110,6 +110,7 @@ TEST_P(Members, AreEditedByTheirFields)
             for (QTreeWidgetItemIterator at(tree); *at != nullptr; ++at) {
                 tree->setCurrentItem(*at);
                 enterMembers(action, field, info, &done);
+                ASSERT_NE(tree->currentItem(), nullptr) << info.name.toStdString();
                 at = QTreeWidgetItemIterator(tree->currentItem());
             }
         } else if (auto *const table = field->findChild<QTableWidget *>()) {
