@@ -179,6 +179,10 @@ FileHandle FileHandle::openForRead(const QString &name, bool sequential)
     FileHandle file;
     file.m_handle = repeated(
         [&] { return ::open(native(name).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); });
+    // A socket does not open by name.
+    if (!file.isOpen() && errno == ENXIO && name == QLatin1StringView("/dev/stdin")) {
+        file.m_handle = ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0);
+    }
     // open() accepts a folder, and only reading from it fails.
     struct stat facts = {};
     if (file.isOpen() && ::fstat(static_cast<int>(file.m_handle), &facts) == 0 &&
