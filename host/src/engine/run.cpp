@@ -17,18 +17,16 @@
 #include "corvanta/action_registry.h"
 #include "corvanta/failure_reason.h"
 #include "corvanta/main_ui.h"
+#include "engine/graph_links.h"
 #include "engine/pins.h"
 #include "engine/run_sequence.h"
 #include "graph/problem_list.h"
 #include "run_files.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
-#include <numeric>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
@@ -64,50 +62,6 @@ void logException(const std::exception &error) noexcept
     }
 }
 
-/// The highest linked input pin of an action; -1 if there is none.
-int highestLinkedPin(const CorvantaGraph &graph, const QString &id)
-{
-    int highest = -1;
-    for (const CorvantaGraph::Link &link : graph.links) {
-        if (link.to.action == id) {
-            highest = qMax(highest, link.to.pin);
-        }
-    }
-    return highest;
-}
-
-/// The links as indexes of nodes: first those of the graph, then those to the listeners.
-QVector<std::pair<int, int>> linkedNodes(const CorvantaGraph &graph,
-                                         const std::vector<Listener> &listeners)
-{
-    QVector<std::pair<int, int>> links;
-    for (const CorvantaGraph::Link &link : graph.links) {
-        links.append({graph.indexOf(link.from.action), graph.indexOf(link.to.action)});
-    }
-    auto node = static_cast<int>(graph.actions.size());
-    for (const Listener &listener : listeners) {
-        links.append({graph.indexOf(listener.from.action), node++});
-    }
-    return links;
-}
-
-/// Whether there is at most one way between any two nodes, whatever the direction of the links.
-/// Then no producer depends on rows of another pin of its consumer.
-bool isForest(int nodes, const QVector<std::pair<int, int>> &links)
-{
-    std::vector<int> groups(static_cast<size_t>(nodes));
-    std::iota(groups.begin(), groups.end(), 0);
-    for (const auto &[from, to] : links) {
-        const int first = groups[static_cast<size_t>(from)];
-        const int second = groups[static_cast<size_t>(to)];
-        if (first == second) {
-            return false;
-        }
-        std::replace(groups.begin(), groups.end(), second, first);
-    }
-    return true;
-}
-
 } // namespace
 
 struct Run::Private
@@ -128,7 +82,6 @@ struct Run::Private
     void build(const CorvantaGraph &graph, const ActionRegistry &registry, RunOptions &options);
     void add(const QString &id, std::unique_ptr<ActionItem> action, int pinsIn,
              const PinOptions &options);
-    void setGlobals(const CorvantaGraph &graph, const RunOptions &options);
     void addListener(const CorvantaGraph &graph, Listener &listener, const PinOptions &options);
     void endUnlinkedPins(const CorvantaGraph &graph);
     void orderActions(const CorvantaGraph &graph, const std::vector<Listener> &listeners);
@@ -155,13 +108,6 @@ struct Run::Private
     LogScope::Context logContext(const Node &node) const { return {log, node.id}; }
 };
 
-/// Sets what the actions read from GlobalParameters while they are created and during the run.
-void Run::Private::setGlobals(const CorvantaGraph &graph, const RunOptions &options)
-{
-    graph.applyTo(&global, options.variables, options.outDir);
-    global.setCompression(options.compression);
-}
-
 /// Adds an action that reads an output pin of the graph.
 void Run::Private::addListener(const CorvantaGraph &graph, Listener &listener,
                                const PinOptions &options)
@@ -179,7 +125,8 @@ void Run::Private::addListener(const CorvantaGraph &graph, Listener &listener,
 void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &registry,
                          RunOptions &options)
 {
-    setGlobals(graph, options);
+    graph.applyTo(&global, options.variables, options.outDir);
+    global.setCompression(options.compression);
     log = options.log;
     const PinOptions pinOptions{options.batchRows,
                                 options.yieldAtBatches ? &control.yieldRequest : nullptr};
@@ -311,9 +258,8 @@ bool Run::Private::endedAlone(const Node &node) const
 /// reader.
 bool Run::Private::hasRowsToKeep(const Node &node) const
 {
-    const auto readers = std::count_if(
-        nodes.begin(), nodes.end(), [](const auto &other) { return other->ports->pinsIn() == 0; });
-    bool hasRows = readers > 1;
+    bool hasRows =
+        std::ranges::count(nodes, 0, [](const auto &other) { return other->ports->pinsIn(); }) > 1;
     for (int pin = 0; pin < node.ports->pinsOut(); ++pin) {
         hasRows = hasRows || node.ports->out(pin).rowCount() > 0;
     }
