@@ -128,6 +128,34 @@ QVector<InputTable> LevelReader::listTables()
     return document ? listedTables(*document, readerParams().levels) : QVector<InputTable>();
 }
 
+QVector<InputTable> LevelReader::listRelated()
+{
+    QVector<InputTable> tables;
+    const auto document = isFromPin() ? std::nullopt : sampleInput();
+    for (const markup::RelatedTable &table :
+         document ? document->related : decltype(document->related)()) {
+        const auto columns = static_cast<qsizetype>(table.levels.back().items.size());
+        tables.append(
+            {table.path, table.rows, columns, {}, false, table.name, table.parent, table.key.name});
+    }
+    return tables;
+}
+
+bool LevelReader::fillRelated(int table, const QVector<bool> &areKeys)
+{
+    const auto document = sampleInput();
+    const auto index = static_cast<size_t>(table);
+    if (!document || index >= document->related.size()) {
+        return false;
+    }
+    markup::SampledTable joined;
+    joined.levels =
+        markup::joinedLevels(document->related, index, {areKeys.begin(), areKeys.end()});
+    joined.namesAreData = document->related[index].namesAreData;
+    useTable(joined);
+    return true;
+}
+
 std::vector<std::vector<ReadLevel>> LevelReader::sampledLevels()
 {
     std::vector<std::vector<ReadLevel>> levels;

@@ -92,6 +92,8 @@ private:
     // Levels found in the file, for graphs without any and for lists of tables.
     bool fill(int table) final;
     QVector<InputTable> listTables() final;
+    QVector<InputTable> listRelated() final;
+    bool fillRelated(int table, const QVector<bool> &areKeys) final;
 
     bool columnIsMissing(const QString &name) final;
     void pathIsMissing(const QString &path, const QString &name) final;

@@ -20,6 +20,10 @@ const ParamTable<ReadItem> &itemTable()
         flag("tagName", &ReadItem::tagName)
             .label("Names of sub-elements")
             .meaning("Reads the names of the sub-elements instead of the text."),
+        flag("number", &ReadItem::isNumber)
+            .label("Number of the occurrence")
+            .meaning("Reads the number of the occurrence, from 1, instead of the text; at most one "
+                     "column of a level."),
     };
     return table;
 }
@@ -47,6 +51,10 @@ const ParamTable<ReadLevel> &readLevelTable()
             .label("Parts left out")
             .meaning(
                 "Paths of parts that are left out on purpose: warnUnread does not count them."),
+        flag("required", &ReadLevel::isRequired)
+            .label("Only rows with an occurrence")
+            .meaning("Of the last level: an outer occurrence without one of this level gives no "
+                     "row."),
     };
     return table;
 }

@@ -16,6 +16,9 @@ struct LevelItem
     QString name;
     /// Read the names of the children instead of the text.
     bool tagName = false;
+    /// Read the number of the occurrence in all files, from 1, instead of the text. The path is
+    /// empty then.
+    bool isNumber = false;
     bool operator==(const LevelItem &) const = default;
 };
 
@@ -30,6 +33,8 @@ struct Level
     std::vector<LevelItem> items;
     /// Paths, from the occurrence, of what is left out on purpose.
     QStringList leftOut = {};
+    /// Of the last level: an outer occurrence without one of this level gives no row.
+    bool isRequired = false;
     bool operator==(const Level &) const = default;
 };
 

@@ -116,7 +116,9 @@ QStringList LevelExtractor::missingPaths() const
 
 Result<bool, MarkupResult> LevelExtractor::next(CellArena &arena)
 {
-    m_hasRow = !m_failure && ((m_hasRow && advanceInner(arena)) || readFirstLevel(arena));
+    do {
+        m_hasRow = !m_failure && ((m_hasRow && advanceInner(arena)) || readFirstLevel(arena));
+    } while (m_hasRow && !isLast(m_deepest) && m_levels.back()->level.isRequired);
     if (const auto cells = m_items.status(); !cells && !m_failure) {
         m_failure = m_reader->faultHere(cells.fault().code).code;
     }
@@ -337,6 +339,11 @@ inline void LevelExtractor::fillCells(LevelState &state, CellArena &arena)
         if (isFound && !state.wasFound[i]) {
             state.wasFound[i] = true;
         }
+    }
+    ++state.number;
+    if (state.numberItem >= 0) {
+        cell[state.numberItem - static_cast<int>(state.level.items.size())] =
+            textCell(arena, QString::number(state.number).toStdU16String());
     }
 }
 

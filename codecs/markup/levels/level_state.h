@@ -28,13 +28,15 @@ struct LevelState
         for (const LevelItem &item : level.items) {
             paths.add(parsePath(item.path, syntax));
         }
+        const auto counted = std::ranges::find_if(level.items, &LevelItem::isNumber);
+        numberItem = counted == level.items.end() ? -1 : int(counted - level.items.begin());
     }
 
     /// True when an item is the text of the occurrence itself: single values then are data.
     bool readsOwnText() const
     {
         return std::any_of(level.items.begin(), level.items.end(), [](const LevelItem &item) {
-            return !item.tagName && (item.path.isEmpty() || item.path == u"/");
+            return !item.tagName && !item.isNumber && (item.path.isEmpty() || item.path == u"/");
         });
     }
 
@@ -68,6 +70,10 @@ struct LevelState
     std::unique_ptr<SpanCells> spans;
     /// Of the level's cells.
     int firstColumn = 0;
+    /// Of the item that is the number of the occurrence; -1: none.
+    int numberItem = -1;
+    /// Occurrences in all files.
+    qint64 number = 0;
     /// By path: found in the current file.
     std::vector<bool> wasFound;
     /// The file has an occurrence.

@@ -2,6 +2,7 @@
 #pragma once
 #include "base/occurrences.h"
 #include "codecs/markup/levels/level.h"
+#include "codecs/markup/sample/related_tables.h"
 #include "codecs/markup/tokens/tokenizer.h"
 #include "codecs/markup/tree/element_text.h"
 
@@ -36,6 +37,8 @@ struct SampledDocument
 {
     /// In document order.
     std::vector<SampledTable> tables;
+    /// The same document without repeated values; a parent comes before its children.
+    std::vector<RelatedTable> related;
     /// Index of the first table with the most values.
     size_t largest = 0;
 

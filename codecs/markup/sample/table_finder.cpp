@@ -76,6 +76,11 @@ private:
     QStringList valuesOutside(const std::vector<size_t> &records) const;
     size_t findInner(size_t record) const;
     SampledTable tableOf(size_t record) const;
+    Level withoutColumns(Level level, size_t top) const;
+    LevelItem keyOf(const Draft &draft) const;
+    void addRelated(const RelatedTable *parent, size_t container, size_t top, int parentIndex,
+                    std::vector<RelatedTable> *tables) const;
+    static void nameTables(std::vector<RelatedTable> *tables);
     void addLevel(Draft *draft, size_t container, size_t top, size_t inner) const;
     void addColumns(Draft *draft, size_t top, size_t shape) const;
     void addItem(Draft *draft, size_t top, size_t shape, const QString &path,
@@ -317,6 +322,88 @@ SampledTable TableFinder::tableOf(size_t record) const
     return std::move(draft.table);
 }
 
+// ---- Related tables.
+
+/// The level of `top` without columns: its values are left out on purpose.
+Level TableFinder::withoutColumns(Level level, size_t top) const
+{
+    level.items.clear();
+    level.leftOut.clear();
+    for (const size_t shape : descendants(top)) {
+        const Shape &at = m_shapes[shape];
+        const bool isLeftOut = shape != top && (at.hasText || at.isRepeated());
+        // The occurrence itself can hold the items of a list.
+        const size_t part = at.isItem ? at.parent : shape;
+        if (isLeftOut && part != top) {
+            level.leftOut << pathTo(top, part);
+        }
+    }
+    level.leftOut.removeDuplicates();
+    return level;
+}
+
+/// The first column whose name is usual for identifiers and that no record of the sample lacks.
+LevelItem TableFinder::keyOf(const Draft &draft) const
+{
+    const std::vector<LevelItem> &items = draft.table.levels.back().items;
+    for (const QString &usual : {u"id"_s, u"key"_s, u"uuid"_s, u"guid"_s, u"code"_s}) {
+        for (size_t i = 0; i < items.size(); ++i) {
+            const Shape &shape = m_shapes[draft.places[i].shape];
+            const bool isInAll = shape.count == m_shapes[draft.record].count && !shape.isRepeated();
+            if (isInAll && items[i].name.compare(usual, Qt::CaseInsensitive) == 0) {
+                return items[i];
+            }
+        }
+    }
+    return {};
+}
+
+/// Add the table of `top`, whose records are inside those of `container`, and the tables inside it.
+void TableFinder::addRelated(const RelatedTable *parent, size_t container, size_t top,
+                             int parentIndex, std::vector<RelatedTable> *tables) const
+{
+    Draft draft;
+    draft.record = top;
+    addLevel(&draft, container, top, kNoShape);
+    nameItems(&draft);
+    RelatedTable table;
+    table.path = pathTo(0, m_shapes[top].isItem ? m_shapes[top].parent : top);
+    table.rows = m_shapes[top].count;
+    table.parent = parentIndex;
+    table.levels = parent != nullptr ? parent->levels : std::vector<Level>();
+    if (parent != nullptr) {
+        // The parent's own level gives no columns here, apart from the one that joins.
+        table.levels.back() = withoutColumns(table.levels.back(), container);
+    }
+    table.levels.push_back(draft.table.levels.back());
+    table.key = keyOf(draft);
+    table.namesAreData = draft.table.namesAreData || (parent != nullptr && parent->namesAreData);
+    const auto index = static_cast<int>(tables->size());
+    tables->push_back(table);
+    for (const size_t shape : descendants(top)) {
+        const Shape &at = m_shapes[shape];
+        const bool isList = at.hasText && at.maxInParent > kIndexedValues;
+        if (shape != top && at.isRepeated() && (at.holdsOthers() || isList)) {
+            addRelated(&table, top, shape, index, tables);
+        }
+    }
+}
+
+/// Name each table by the last steps of its path, as many as it needs to be distinct.
+void TableFinder::nameTables(std::vector<RelatedTable> *tables)
+{
+    std::vector<ColumnNameParts> parts;
+    for (const RelatedTable &table : *tables) {
+        QStringList names = table.path.split(u'/');
+        std::reverse(names.begin(), names.end());
+        parts.push_back({names, {}});
+    }
+    const QStringList names = distinctNames(std::move(parts));
+    for (size_t i = 0; i < tables->size(); ++i) {
+        (*tables)[i].name = names[static_cast<qsizetype>(i)];
+    }
+}
+
 /// The paths of the values that are in none of the records.
 QStringList TableFinder::valuesOutside(const std::vector<size_t> &records) const
 {
@@ -343,7 +430,9 @@ SampledDocument TableFinder::find() const
     const std::vector<size_t> records = findRecords();
     for (const size_t record : records) {
         document.add(tableOf(record));
+        addRelated(nullptr, 0, record, -1, &document.related);
     }
+    nameTables(&document.related);
     document.outside = valuesOutside(records);
     for (size_t shape = 0; shape < m_shapes.size(); ++shape) {
         if (m_sameNameIndex[shape] > 0 && !m_shapes[shape].isAttribute) {
