@@ -5,12 +5,15 @@
 
 #include "base/counted.h"
 #include "base/platform/terminal.h"
+#include "base/system_error.h"
 #include "visible_text.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <cerrno>
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -33,6 +36,12 @@ QString severityPrefix(const QString &text, int level)
     const QString severity = saysSeverity ? QString() : severityOf(level) + ": "_L1;
     // As in the texts that have one.
     return severity.left(1).toUpper() + severity.mid(1);
+}
+
+/// The escapes that set the color of a message on a terminal; none for information.
+const char *colorOf(int level)
+{
+    return level == MainUI::Error ? "\033[31m" : level == MainUI::Warning ? "\033[33m" : "";
 }
 
 /// "[ACTION] Severity: text", for people.
@@ -125,13 +134,25 @@ QString severityOf(int level)
     }
 }
 
-std::unique_ptr<CommandLog> CommandLog::create(const QString &format, bool quiet)
+CommandResult<std::unique_ptr<CommandLog>> CommandLog::create(const LogOptions &options)
 {
-    if (format == "json"_L1) {
-        return std::make_unique<JsonLog>(quiet, jsonStream());
+    std::unique_ptr<CommandLog> log;
+    if (options.format == "json"_L1) {
+        log = std::make_unique<JsonLog>(options, jsonStream());
+    } else if (options.format == "text"_L1) {
+        log = std::make_unique<TextLog>(options, stderr);
+    } else {
+        return badUsage(u"--log-format must be text or json"_s);
     }
-    return format == "text"_L1 ? std::make_unique<TextLog>(quiet, stderr)
-                               : std::unique_ptr<CommandLog>();
+    if (!options.fileName.isEmpty()) {
+        log->m_file.reset(std::fopen(QFile::encodeName(options.fileName).constData(), "we"));
+        if (!log->m_file) {
+            return corvanta::Fault{
+                kFailed, u"--log-file: cannot write '%1': %2"_s.arg(
+                             options.fileName, corvanta::SystemError::ofLastCall().text())};
+        }
+    }
+    return log;
 }
 
 /// A reason follows its message in the same thread, and is shown if the message is.
@@ -139,26 +160,50 @@ void CommandLog::add(const LogMessage &message)
 {
     thread_local int previous = MainUI::Info;
     previous = message.text.startsWith("Reason: "_L1) ? previous : message.level;
-    if (m_quiet && previous > MainUI::Warning) {
+    m_hasErrors = m_hasErrors || message.level == MainUI::Error;
+    const QByteArray line = format(message);
+    writeToFile(line);
+    if (!m_options.isQuiet || previous <= MainUI::Warning) {
+        write(line, m_options.hasColors ? colorOf(message.level) : "");
+    }
+}
+
+/// A log file that cannot be written, for example on a full disk, is reported once and closed.
+void CommandLog::writeToFile(const QByteArray &line)
+{
+    std::unique_lock lock(m_mutex);
+    if (!m_file) {
         return;
     }
-    m_hasErrors = m_hasErrors || message.level == MainUI::Error;
-    write(format(message));
+    errno = 0;
+    if (std::fputs(line.constData(), m_file.get()) < 0 || std::fflush(m_file.get()) != 0) {
+        const QString reason = corvanta::SystemError::ofLastCall().text();
+        m_file.reset();
+        lock.unlock();
+        write(format(
+            {MainUI::Warning,
+             {},
+             u"Warning: --log-file: cannot write '%1': %2"_s.arg(m_options.fileName, reason)}));
+    }
 }
 
 /// Locked, so that the lines of several threads do not mix.
-void CommandLog::write(const QByteArray &line)
+void CommandLog::write(const QByteArray &line, const char *color)
 {
     const std::lock_guard lock(m_mutex);
     // Return to the first column and erase to the end of the line, then write the progress again.
     const char *const clear = m_progress.isEmpty() ? "" : "\r\033[K";
-    std::fprintf(m_out, "%s%s%s", clear, line.constData(), m_progress.constData());
+    // The color ends before the line does: what follows has none.
+    const QByteArray shown = *color == '\0' ? line : color + line.chopped(1) + "\033[0m\n";
+    std::fprintf(m_out, "%s%s%s", clear, shown.constData(), m_progress.constData());
     std::fflush(m_out);
 }
 
 void CommandLog::addSummary(const RunSummary &summary)
 {
-    write(format({MainUI::Info, {}, textOf(summary)}, summary));
+    const QByteArray line = format({MainUI::Info, {}, textOf(summary)}, summary);
+    writeToFile(line);
+    write(line);
 }
 
 void CommandLog::addWrittenFile(const QString &name)
@@ -204,7 +249,7 @@ ExitStatus reportResult(const QString &command, const QStringList &words,
     const QString message = u"corvanta%1: %2"_s.arg(suffix, text);
     const bool isJson = asksForJson(words);
     if (isJson) {
-        CommandLog::create(u"json"_s, false)->add({MainUI::Error, {}, message});
+        (*CommandLog::create({.format = u"json"_s}))->add({MainUI::Error, {}, message});
     } else {
         std::fprintf(stderr, "%s\n", visibleLines(message).toUtf8().constData());
     }

@@ -1,5 +1,5 @@
-// Writes messages to standard error, as text or as one JSON object per line. Standard output is for
-// the results of commands only.
+// Writes messages to standard error, as text or as one JSON object per line, and to a log file.
+// Standard output is for the results of commands only.
 #pragma once
 #include "command_line.h"
 #include "corvanta/main_ui.h"
@@ -18,13 +18,22 @@ struct RunSummary
     QStringList files;             ///< that were written
 };
 
+/// How a log writes.
+struct LogOptions
+{
+    QString format = QStringLiteral("text"); ///< or "json"
+    bool isQuiet = false;                    ///< only errors and warnings, and the reasons of these
+    bool hasColors = false;                  ///< of errors and warnings, as text
+    QString fileName = {}; ///< gets all messages, also those that isQuiet leaves out; empty: none
+};
+
 /// Writes messages, and keeps a progress line below them on a terminal. Threads: any.
 class CommandLog : public LogSink
 {
 public:
-    /// Create the log for the format "text" or "json"; null for any other. `quiet` suppresses all
-    /// messages but errors and warnings, and the reasons of these.
-    static std::unique_ptr<CommandLog> create(const QString &format, bool quiet);
+    /// Create the log. The fault is a usage error for another format, kFailed for a file that
+    /// cannot be written.
+    static CommandResult<std::unique_ptr<CommandLog>> create(const LogOptions &options);
 
     void add(const LogMessage &message) final;
     void addBytesRead(qint64 n) final { m_bytesRead.fetch_add(n, std::memory_order_relaxed); }
@@ -44,8 +53,8 @@ public:
     std::FILE *stream() const { return m_out; }
 
     /// For create(). `out` is not closed.
-    CommandLog(bool quiet, std::FILE *out)
-        : m_quiet(quiet)
+    CommandLog(const LogOptions &options, std::FILE *out)
+        : m_options(options)
         , m_out(out)
     {
     }
@@ -57,10 +66,16 @@ protected:
     virtual QByteArray format(const LogMessage &message, const RunSummary &summary) const = 0;
 
 private:
-    void write(const QByteArray &line);
+    struct CloseFile
+    {
+        void operator()(std::FILE *file) const { std::fclose(file); }
+    };
+    void write(const QByteArray &line, const char *color = "");
+    void writeToFile(const QByteArray &line);
 
-    bool m_quiet;
+    LogOptions m_options;
     std::FILE *m_out;
+    std::unique_ptr<std::FILE, CloseFile> m_file; // null: none; written with the mutex held
     std::atomic<qint64> m_bytesRead = 0;
     std::atomic<bool> m_hasErrors = false;
     mutable std::mutex m_mutex; // held while a line is written, so that lines are never mixed

@@ -72,12 +72,30 @@ QByteArray progressLine(const QVector<ActionProgress> &all, double seconds)
     return line.left(platform::terminalWidth(stderr) - 1);
 }
 
+/// Whether messages have colors: `choice` is auto, always or never.
+bool hasColors(const QString &choice)
+{
+    return choice == "always"_L1 || (choice == "auto"_L1 && platform::isTerminal(stderr) &&
+                                     qEnvironmentVariableIsEmpty("NO_COLOR"));
+}
+
+/// One line per action: what it took and sent.
+void logRows(const QVector<ActionProgress> &all)
+{
+    for (const ActionProgress &action : all) {
+        MainUI::addLog(MainUI::Info, u"%1 (%2): %3 rows in, %4 rows out"_s.arg(
+                                         action.id, action.type, QString::number(action.rowsIn),
+                                         QString::number(action.rowsOut)));
+    }
+}
+
 } // namespace
 
 CommandOptions Session::options(CommandOptions more)
 {
-    more.withValue << u"--log-format"_s << u"--progress"_s << u"--system-encoding"_s;
-    more.flags << u"--quiet"_s;
+    more.withValue << u"--log-format"_s << u"--progress"_s << u"--system-encoding"_s
+                   << u"--log-file"_s << u"--color"_s;
+    more.flags << u"--quiet"_s << u"-q"_s << u"-v"_s;
     return more;
 }
 
@@ -85,11 +103,19 @@ CommandResult<std::unique_ptr<Session>> Session::open(const CommandLine &line)
 {
     const QString logFormat = line.value(u"--log-format"_s, u"text"_s);
     const QString progress = line.value(u"--progress"_s, u"auto"_s);
-    std::unique_ptr<CommandLog> log = CommandLog::create(logFormat, line.has(u"--quiet"_s));
-    if (!log || !QStringList{u"auto"_s, u"always"_s, u"never"_s}.contains(progress)) {
-        return badUsage(
-            u"--log-format must be text or json, --progress must be auto, always or never"_s);
+    const QString color = line.value(u"--color"_s, u"auto"_s);
+    for (const auto &[option, value] :
+         {std::pair(u"--progress"_s, progress), {u"--color"_s, color}}) {
+        if (!QStringList{u"auto"_s, u"always"_s, u"never"_s}.contains(value)) {
+            return badUsage(u"%1 must be auto, always or never"_s.arg(option));
+        }
     }
+    auto created = CommandLog::create({logFormat, line.has(u"--quiet"_s) || line.has(u"-q"_s),
+                                       hasColors(color), line.value(u"--log-file"_s, QString())});
+    if (!created) {
+        return created.fault();
+    }
+    std::unique_ptr<CommandLog> log = *std::move(created);
     const QString encoding = line.value(u"--system-encoding"_s, QString());
     if (!encoding.isEmpty() && !isKnownEncoding(encoding)) {
         return badUsage(
@@ -104,6 +130,7 @@ CommandResult<std::unique_ptr<Session>> Session::open(const CommandLine &line)
                          : wantsProgress         ? Summary::OfFiles
                                                  : Summary::Never;
     session->m_timer.start();
+    session->m_isVerbose = line.has(u"-v"_s);
     // Programs that parse JSON messages must get nothing else; the summary is a message.
     session->m_showsProgress = wantsProgress && logFormat == "text"_L1;
     setSystemEncoding(encoding);
@@ -158,6 +185,16 @@ void Session::waitForEnd(Run *run)
     run->wait(); // joins the threads
 }
 
+void Session::reportIncomplete()
+{
+    const QStringList files = m_log->writtenFiles();
+    MainUI::addLog(MainUI::Warning,
+                   u"Warning: %1; %2"_s.arg(interruption() ? u"interrupted"_s
+                                                           : u"not all of the input was read"_s,
+                                            files.isEmpty() ? u"no file was written"_s
+                                                            : u"kept: "_s + files.join(u", "_s)));
+}
+
 CommandResult<void> Session::run(const CorvantaGraph &graph, const ActionRegistry &registry,
                                  RunOptions options)
 {
@@ -166,6 +203,7 @@ CommandResult<void> Session::run(const CorvantaGraph &graph, const ActionRegistr
     if (const auto status = interruption()) {
         return Fault{*status};
     }
+    const bool keepsPartial = options.keepPartial;
     options.log = m_log.get();
     Run run(graph, registry, std::move(options));
     const SignalWatch watch(run);
@@ -176,8 +214,14 @@ CommandResult<void> Session::run(const CorvantaGraph &graph, const ActionRegistr
     waitForEnd(&run);
     // A command may run several graphs, for example to measure texts; the last one does its work.
     m_rows = rowsRead(graph, run.progress());
+    if (m_isVerbose) {
+        logRows(run.progress());
+    }
     if (run.succeeded()) {
         return {};
+    }
+    if (keepsPartial || interruption()) {
+        reportIncomplete();
     }
     // Without memory an action cannot say why it failed.
     if (run.failed() && !m_log->hasErrors()) {

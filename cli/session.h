@@ -14,7 +14,7 @@
 class Session
 {
 public:
-    /// `more` with --log-format, --quiet, --progress and --system-encoding.
+    /// `more` with the options of the log, of the progress and of the system encoding.
     static CommandOptions options(CommandOptions more);
     /// Create a session with the options of `line`. The fault is a usage error.
     static CommandResult<std::unique_ptr<Session>> open(const CommandLine &line);
@@ -36,7 +36,11 @@ private:
     /// Wait and show the progress.
     void waitForEnd(corvanta::Run *run);
 
+    /// Log which files a run has written that did not read all of its input.
+    void reportIncomplete();
+
     std::unique_ptr<CommandLog> m_log; // the program's sink
+    bool m_isVerbose = false;
     bool m_showsProgress = false;
     enum class Summary { Never, OfFiles, Always } m_summary = Summary::Never;
     QElapsedTimer m_timer;

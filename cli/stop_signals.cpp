@@ -54,7 +54,7 @@ void watch(const std::stop_token &end, corvanta::Run &run)
     std::unique_lock lock(mutex);
     while (!end.stop_requested() && !wake.wait_for(lock, end, kTick, isSignalled)) {
     }
-    if (isSignalled()) {
+    if (isSignalled() && !run.stopReading()) {
         run.stop();
     }
 }

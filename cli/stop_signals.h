@@ -1,7 +1,7 @@
 // The signals that end a command: Ctrl-C, Ctrl-\, hang-up and termination.
 //
-// The first one ends a run cleanly and the program at once when there is no run, for example while
-// the beginning of an input is read. A second Ctrl-C ends the program at once.
+// The first one ends a run cleanly and the program immediately when there is no run, for example
+// while the beginning of an input is read. A second Ctrl-C ends the program immediately.
 #pragma once
 #include "command_line.h"
 #include "corvanta/run.h"
@@ -27,8 +27,9 @@ public:
     CleanEnd &operator=(const CleanEnd &) = delete;
 };
 
-/// Stops a run at the first signal, also while the run is being started. It has a thread of its
-/// own. Throws std::system_error if that cannot be started.
+/// Stops a run at the first signal, or the reading of one that keeps partial files, also while the
+/// run is being started. It has a thread of its own. Throws std::system_error if that cannot be
+/// started.
 class SignalWatch
 {
 public:

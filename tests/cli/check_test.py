@@ -392,7 +392,7 @@ class CommandLine(Case):
                 "actions x": "no argument is expected",
                 "head --colour in.csv": "unknown option '--colour'",
                 "head in.csv -n x": "-n needs a number of rows",
-                "head in.csv --log-format xml": "--log-format must be text or json, --progress must be auto, always or never",
+                "head in.csv --log-format xml": "--log-format must be text or json",
                 "head in.csv --table 0": "--table needs a table number, from 1",
                 "head in.csv --table 2": "--table: 'in.csv' does not contain several tables",
                 "run g.graph --set": "the option '--set' needs a value",
