@@ -65,10 +65,10 @@ CommandResult<CommandLine> CommandLine::parse(const QStringList &words,
             return last.fault();
         }
     }
-    if (line.arguments.size() != options.arguments) {
+    const bool areTooMany = line.arguments.size() > options.arguments && !options.hasMoreArguments;
+    if (areTooMany || line.arguments.size() < options.arguments) {
         // The first one too many shows a name with blanks that is not quoted.
-        const bool areTooMany = options.arguments > 0 && line.arguments.size() > options.arguments;
-        return badUsage(areTooMany
+        return badUsage(areTooMany && options.arguments > 0
                             ? u"%1, and '%2' is one too many"_s.arg(
                                   options.wrongArguments, line.arguments.at(options.arguments))
                             : options.wrongArguments);

@@ -26,7 +26,8 @@ struct CommandOptions
     QStringList withValue;
     QStringList flags;
     qsizetype arguments = 0;
-    QString wrongArguments = {}; ///< usage error for any other number of arguments
+    QString wrongArguments = {};   ///< usage error for any other number of arguments
+    bool hasMoreArguments = false; ///< more than `arguments` are accepted
 };
 
 /// The parsed words of one command. "--name=value" equals "--name value"; "--" ends the options.

@@ -47,18 +47,6 @@ std::vector<FileAction> fileActions(const ActionRegistry &registry, FileFormat::
     return all;
 }
 
-/// In lower case. The extension of a compressed input is that of its content.
-QString extensionOf(FileFormat::Use use, QString name)
-{
-    for (const auto ending : {".gz"_L1, ".Z"_L1}) {
-        if (use == FileFormat::Read && name.endsWith(ending)) {
-            name.chop(ending.size());
-            break;
-        }
-    }
-    return name.mid(name.lastIndexOf(u'.') + 1).toLower();
-}
-
 /// Whether the format of the action has this extension, which is in lower case.
 bool handles(const FileAction &action, const QString &extension)
 {
@@ -183,10 +171,10 @@ CommandResult<void> checkFileSetting(const QStringList &settings, const QString 
 } // namespace
 
 CommandResult<std::unique_ptr<ActionItem>>
-makeFileAction(const ActionRegistry &registry, FileFormat::Use use, const QString &fileName,
+makeFileAction(const ActionRegistry &registry, FileFormat::Use use, const FileArgument &file,
                const QStringList &settings, ReadExtent extent)
 {
-    const QString extension = extensionOf(use, fileName);
+    const auto &[fileName, extension] = file;
     const std::optional<FileAction> found = find(registry, use, extension);
     if (!found && QFileInfo(fileName).isDir()) {
         return badUsage(u"'%1' is a folder, not a file"_s.arg(fileName));
@@ -219,15 +207,33 @@ makeFileAction(const ActionRegistry &registry, FileFormat::Use use, const QStrin
     return action;
 }
 
-std::unique_ptr<ActionItem> makeAction(const ActionRegistry &registry, const QString &type,
-                                       const QMap<QString, QString> &values)
+CommandResult<std::unique_ptr<ActionItem>>
+makeAction(const ActionRegistry &registry, const QString &type, const QStringList &settings)
 {
     std::unique_ptr<ActionItem> action = registry.create(parsed(u"<%1/>"_s.arg(type)), nullptr);
-    auto *const parameters = dynamic_cast<ActionParameters *>(action.get());
-    for (const auto &[name, value] : values.asKeyValueRange()) {
-        parameters->setParameterValue(parameters->indexOfParameter(name), value);
+    if (!action) {
+        return badUsage(u"no module has the action '%1'"_s.arg(type));
+    }
+    if (const auto applied = apply(settings, type, dynamic_cast<ActionParameters *>(action.get()));
+        !applied) {
+        return applied.fault();
     }
     return action;
+}
+
+QStringList settingsOf(const QString &parameter, const QStringList &values)
+{
+    QStringList settings;
+    for (const QString &value : values) {
+        settings << parameter + u'=' + value;
+    }
+    return settings;
+}
+
+bool hasParameter(const ActionItem &action, const QString &name)
+{
+    const auto *const parameters = dynamic_cast<const ActionParameters *>(&action);
+    return parameters != nullptr && parameters->indexOfParameter(name) >= 0;
 }
 
 std::unique_ptr<ActionItem> makeWriter(const ActionRegistry &registry, const QString &type,

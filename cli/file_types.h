@@ -1,5 +1,6 @@
 // Chooses the action that reads or writes a file by the extension of the file.
 #pragma once
+#include "cli/convert/file_arguments.h"
 #include "command_line.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/corvanta_graph.h"
@@ -12,18 +13,23 @@
 /// How much of a file is read.
 enum class ReadExtent { Whole, FirstRows };
 
-/// A new action for the file `fileName`, with the settings of its format and then `settings`
-/// (NAME=VALUE each; each string of a list may be a setting of its own). The fault is a usage
-/// error: no action handles the file's extension, or a setting is invalid.
+/// A new action for a file, with the settings of its format and then `settings` (NAME=VALUE each;
+/// each string of a list may be a setting of its own). The fault is a usage error: no action
+/// handles the file's extension, or a setting is invalid.
 CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const corvanta::ActionRegistry &registry,
                                                           FileFormat::Use use,
-                                                          const QString &fileName,
+                                                          const FileArgument &file,
                                                           const QStringList &settings,
                                                           ReadExtent extent = ReadExtent::Whole);
 
-/// A new action of the type `type` with values of parameters, which it has, in their saved form.
-std::unique_ptr<ActionItem> makeAction(const corvanta::ActionRegistry &registry,
-                                       const QString &type, const QMap<QString, QString> &values);
+/// A new action of the type `type` with `settings`. The fault is a usage error.
+CommandResult<std::unique_ptr<ActionItem>> makeAction(const corvanta::ActionRegistry &registry,
+                                                      const QString &type,
+                                                      const QStringList &settings);
+/// `parameter=VALUE` for each value, as settings of a list.
+QStringList settingsOf(const QString &parameter, const QStringList &values);
+/// Whether the action has a parameter of this name.
+bool hasParameter(const ActionItem &action, const QString &name);
 
 /// A new action of the type `type`, which has a parameter for the file that it writes, for the file
 /// `fileName`.

@@ -38,8 +38,7 @@ CommandResult<void> readFirstRows(const QString &command, const CommandLine &lin
     ActionRegistry registry;
     registry.loadAll();
     CorvantaGraph graph;
-    if (const auto added =
-            addInput(line, line.arguments[0], registry, &graph, extent, nullptr, facts);
+    if (const auto added = addInput(line, line.arguments[0], registry, &graph, extent, facts);
         !added) {
         return added.fault();
     }

@@ -21,17 +21,28 @@ namespace {
 constexpr qsizetype kListedTables = 50;
 constexpr qsizetype kBeginningChars = 60;
 
-/// The table of --table, from 0; nothing without that option.
-CommandResult<std::optional<int>> tableOf(const CommandLine &line)
+/// The table of --table, from 0, a number or the name that the list shows; nothing without that
+/// option.
+CommandResult<std::optional<int>> tableOf(const CommandLine &line, ActionParameters *parameters)
 {
     if (!line.values.contains(u"--table"_s)) {
         return std::optional<int>();
     }
-    const int number = line.value(u"--table"_s, QString()).toInt();
-    if (number < 1) {
-        return badUsage(u"--table needs a table number, from 1"_s);
+    const QString wanted = line.value(u"--table"_s, QString());
+    bool isNumber = false;
+    const int number = wanted.toInt(&isNumber);
+    if (number >= 1) {
+        return std::optional(number - 1);
     }
-    return std::optional(number - 1);
+    const QVector<InputTable> tables =
+        isNumber || wanted.isEmpty() ? QVector<InputTable>() : parameters->inputTables();
+    const auto found = std::find_if(tables.begin(), tables.end(),
+                                    [&](const InputTable &table) { return table.path == wanted; });
+    if (found == tables.end()) {
+        return badUsage(u"--table: '%1' is neither the number of a table, from 1, nor the name of "
+                        "one"_s.arg(wanted));
+    }
+    return std::optional(static_cast<int>(found - tables.begin()));
 }
 
 /// The names of sheets for a message, as many as are listed.
@@ -59,6 +70,11 @@ CommandResult<std::optional<int>> sheetOf(const CommandLine &line, const QString
         return std::optional<int>();
     }
     const QString wanted = line.value(u"--sheet"_s, QString());
+    const bool isOneFile = fileName != "-"_L1 && !fileName.contains(u'*') &&
+                           !fileName.contains(u'?') && !fileName.contains(u'@');
+    if (isOneFile && !QFileInfo::exists(fileName)) {
+        return std::optional<int>(); // the reader reports that the file is missing
+    }
     const QVector<InputTable> tables = parameters->inputTables();
     if (!areSheets(tables)) {
         return badUsage(u"--sheet: '%1' is not a workbook that can be read"_s.arg(fileName));
@@ -97,9 +113,9 @@ QString describe(const InputTable &table, qsizetype number)
         return describeSheet(table, number);
     }
     const QString cut = table.beginning.size() > kBeginningChars ? u"..."_s : QString();
-    return u"\n%1 %2: %3 x %4: %5 (%6)"_s.arg(
+    return u"\n%1 %2: %3 rows x %4 columns: %5 (%6)"_s.arg(
         table.isChosen ? u"*"_s : u" "_s, QString::number(number).rightJustified(3),
-        counted(table.rows, u"row"_s), counted(table.columns, u"column"_s),
+        QString::number(table.rows), QString::number(table.columns),
         visibleText(table.beginning.left(kBeginningChars) + cut), visibleText(table.path));
 }
 
@@ -178,6 +194,57 @@ void keepSheet(const CommandLine &line, const QString &fileName, QVector<InputTa
     }
 }
 
+// ---- The settings of the reader.
+
+/// An option of the command that sets a parameter of the reader.
+struct ReaderOption
+{
+    QString option;
+    QString parameter;
+    QString value;
+};
+
+QVector<ReaderOption> readerOptions(const CommandLine &line)
+{
+    QVector<ReaderOption> options;
+    for (const QString &name : {u"encoding"_s, u"separator"_s}) {
+        const QString option = u"--"_s + name;
+        if (line.values.contains(option)) {
+            options.append({option, name, line.value(option, QString())});
+        }
+    }
+    if (line.has(u"--add-file-name"_s)) {
+        options.append({u"--add-file-name"_s, u"outputFilenames"_s, u"1"_s});
+    }
+    return options;
+}
+
+/// Whether a file of this extension is text.
+bool isText(const QString &extension)
+{
+    static const QStringList all{u"csv"_s,  u"txt"_s,   u"tsv"_s,    u"tab"_s,
+                                 u"json"_s, u"jsonl"_s, u"ndjson"_s, u"geojson"_s,
+                                 u"xml"_s,  u"html"_s,  u"htm"_s};
+    return all.contains(extension);
+}
+
+/// Check that a text file is not of another format. The fault is kFailed.
+CommandResult<void> checkContent(const CommandLine &line, const FileArgument &file)
+{
+    const QStringList settings = line.values.value(u"--reader"_s);
+    const bool isEncodingGiven =
+        line.values.contains(u"--encoding"_s) ||
+        std::any_of(settings.begin(), settings.end(),
+                    [](const QString &setting) { return setting.startsWith("encoding="_L1); });
+    const QString content =
+        isText(file.extension) && !isEncodingGiven ? binaryContent(file.name) : QString();
+    if (!content.isEmpty()) {
+        return Fault{kFailed,
+                     u"'%1' is not a %2 file: %3"_s.arg(file.name, file.extension, content)};
+    }
+    return {};
+}
+
 /// Prepare the writer for the sheets of the input. The fault is a usage error: the input would lose
 /// sheets.
 CommandResult<void> prepareSheets(const CommandLine &line, const QString &fileName,
@@ -194,63 +261,60 @@ CommandResult<void> prepareSheets(const CommandLine &line, const QString &fileNa
     return {};
 }
 
-/// Add the action that turns texts into numbers, and the link to it. Returns its id.
-CommandResult<QString> addCast(const ActionRegistry &registry, const QStringList &casts,
-                               CorvantaGraph *graph)
-{
-    const QString id = u"cast"_s;
-    const auto action = makeAction(registry, u"cast"_s, {{u"types"_s, casts.join(u'\n')}});
-    if (const auto added = addAction(graph, id, *action); !added) {
-        return added.fault();
-    }
-    graph->links.append(CorvantaGraph::Link{{QString::fromLatin1(kInputId), 0}, {id, 0}});
-    return id;
-}
-
-/// Find the kinds of the columns for the writer, and make the reader give numbers. Returns the
-/// parameter of the action `cast` that must follow the reader, if any.
-CommandResult<QStringList> prepareTypes(const ColumnTypes &types, const QString &fileName,
-                                        ActionParameters *reader, ActionParameters *writer)
-{
-    if (!writer->needsColumnKinds()) {
-        return QStringList();
-    }
-    const auto kinds = columnKindsOf(types, fileName, reader, ActionParameters::KindExtent::All);
-    if (!kinds) {
-        return kinds.fault();
-    }
-    writer->setColumnKinds(*kinds);
-    return castsFor(*kinds, reader);
-}
-
 } // namespace
 
 CommandOptions inputOptions()
 {
-    return {{u"--reader"_s, u"--table"_s, u"--sheet"_s, u"--types"_s}, {}};
+    return {{u"--reader"_s, u"--from"_s, u"--encoding"_s, u"--separator"_s, u"--table"_s,
+             u"--sheet"_s, u"--types"_s},
+            {}};
 }
 
-CommandResult<QString> addInput(const CommandLine &line, const QString &fileName,
-                                const ActionRegistry &registry, CorvantaGraph *graph,
-                                ReadExtent extent, ActionParameters *writer, InputFacts *facts)
+CommandResult<std::unique_ptr<ActionItem>> makeInput(const CommandLine &line,
+                                                     const QString &fileName,
+                                                     const ActionRegistry &registry,
+                                                     ReadExtent extent)
 {
-    const auto types = columnTypesOf(line);
-    if (!types) {
-        return types.fault();
+    const auto file = inputFile(line, fileName, registry);
+    if (!file) {
+        return file.fault();
     }
-    const auto table = tableOf(line);
-    if (!table) {
-        return table.fault();
+    const auto plain = makeFileAction(registry, FileFormat::Read, *file, {}, extent);
+    if (!plain) {
+        return plain.fault();
     }
-    const auto action = makeFileAction(registry, FileFormat::Read, fileName,
-                                       line.values.value(u"--reader"_s), extent);
+    QStringList settings;
+    for (const ReaderOption &option : readerOptions(line)) {
+        if (!hasParameter(**plain, option.parameter)) {
+            return badUsage(u"%1: %2 has no such choice"_s.arg(
+                option.option, QString::fromLatin1((*plain)->getTypeName())));
+        }
+        settings << option.parameter + u'=' + option.value;
+    }
+    if (const auto checked = checkContent(line, *file); !checked) {
+        return checked.fault();
+    }
+    // The settings of --reader come last and win.
+    return makeFileAction(registry, FileFormat::Read, *file,
+                          settings + line.values.value(u"--reader"_s), extent);
+}
+
+CommandResult<std::unique_ptr<ActionItem>>
+openInput(const CommandLine &line, const QString &fileName, const ActionRegistry &registry,
+          ReadExtent extent, const QString &id, ActionParameters *writer)
+{
+    auto action = makeInput(line, fileName, registry, extent);
     if (!action) {
-        return action.fault();
+        return action;
     }
     // Not null: makeFileAction() chooses among actions that have parameters.
     auto *const parameters = dynamic_cast<ActionParameters *>(action->get());
     // Messages about the file look as if the running action had logged them.
-    const LogScope scope({nullptr, QString::fromLatin1(kInputId)});
+    const LogScope scope({nullptr, id});
+    const auto table = tableOf(line, parameters);
+    if (!table) {
+        return table.fault();
+    }
     const auto sheet = sheetOf(line, fileName, parameters);
     if (!sheet) {
         return sheet.fault();
@@ -265,31 +329,59 @@ CommandResult<QString> addInput(const CommandLine &line, const QString &fileName
     }
     logTables(tables);
     if (writer != nullptr) {
-        if (auto prepared = prepareSheets(line, fileName, tables, writer); !prepared) {
+        if (const auto prepared = prepareSheets(line, fileName, tables, writer); !prepared) {
             return prepared.fault();
         }
     }
-    QStringList casts;
-    if (writer != nullptr) {
-        auto prepared = prepareTypes(*types, fileName, parameters, writer);
-        if (!prepared) {
-            return prepared.fault();
-        }
-        casts = *std::move(prepared);
+    return action;
+}
+
+CommandResult<QVector<ColumnKind>> inputKinds(const CommandLine &line, const QString &fileName,
+                                              ActionItem *input,
+                                              ActionParameters::KindExtent extent)
+{
+    const auto types = columnTypesOf(line);
+    return types ? columnKindsOf(*types, fileName, dynamic_cast<ActionParameters *>(input), extent)
+                 : types.fault();
+}
+
+CommandResult<QString> addReader(const ActionRegistry &registry, ActionItem *input,
+                                 const QVector<ColumnKind> &numbers, const QString &id,
+                                 CorvantaGraph *graph)
+{
+    const QStringList casts = castsFor(numbers, dynamic_cast<ActionParameters *>(input));
+    if (const auto added = addAction(graph, id, *input); !added) {
+        return added.fault();
     }
-    if (writer != nullptr && writer->needsColumnLabels()) {
-        writer->setColumnLabels(parameters->columnNotes());
+    if (casts.isEmpty()) {
+        return id;
+    }
+    const QString castId = id == QLatin1StringView(kInputId) ? u"cast"_s : u"cast "_s + id;
+    const auto cast = makeAction(registry, u"cast"_s, settingsOf(u"types"_s, casts));
+    const auto added = cast ? addAction(graph, castId, **cast) : cast.fault();
+    if (!added) {
+        return added.fault();
+    }
+    graph->links.append(CorvantaGraph::Link{{id, 0}, {castId, 0}});
+    return castId;
+}
+
+CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
+                             const ActionRegistry &registry, CorvantaGraph *graph,
+                             ReadExtent extent, InputFacts *facts)
+{
+    const QString id = QString::fromLatin1(kInputId);
+    const auto input = openInput(line, fileName, registry, extent, id);
+    if (!input) {
+        return input.fault();
     }
     if (facts != nullptr) {
-        auto kinds = columnKindsOf(*types, fileName, parameters, facts->extent);
+        auto kinds = inputKinds(line, fileName, input->get(), facts->extent);
         if (!kinds) {
             return kinds.fault();
         }
         facts->kinds = *std::move(kinds);
-        facts->notes = parameters->columnNotes();
+        facts->notes = dynamic_cast<ActionParameters *>(input->get())->columnNotes();
     }
-    if (const auto added = addAction(graph, QString::fromLatin1(kInputId), **action); !added) {
-        return added.fault();
-    }
-    return casts.isEmpty() ? QString::fromLatin1(kInputId) : addCast(registry, casts, graph);
+    return addAction(graph, id, **input);
 }

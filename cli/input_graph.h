@@ -6,10 +6,11 @@
 #include "corvanta/corvanta_graph.h"
 #include "file_types.h"
 
-/// Id of that action.
+/// Id of that action; of several, a number follows.
 inline constexpr char kInputId[] = "input";
 
-/// The options that addInput() uses: --reader, --table, --sheet and --types.
+/// The options that addInput() uses: --reader, --from, --encoding, --separator, --table and
+/// --sheet.
 CommandOptions inputOptions();
 
 /// What a command wants to know about the columns of the input.
@@ -21,12 +22,36 @@ struct InputFacts
     QVector<ColumnNotes> notes; ///< what the file says about its columns
 };
 
-/// Add the action that reads `fileName`; parameters that depend on the content of the file are set
-/// from its beginning. If `writer` has types of columns, it receives the kinds of the columns, and
-/// the rows have numbers: an action `cast` follows where the reader has none. It also receives the
-/// name of the sheet that is copied. `facts`, if given, is set without changing the rows. Returns
-/// the id of the action whose output pin 0 has the rows.
-CommandResult<QString> addInput(const CommandLine &line, const QString &fileName,
-                                const corvanta::ActionRegistry &registry, CorvantaGraph *graph,
-                                ReadExtent extent = ReadExtent::Whole,
-                                ActionParameters *writer = nullptr, InputFacts *facts = nullptr);
+/// A new action that reads `fileName`, an argument of the command (see inputFile()), without what
+/// depends on its content. The fault is a usage error, or kFailed for a file of another format.
+CommandResult<std::unique_ptr<ActionItem>> makeInput(const CommandLine &line,
+                                                     const QString &fileName,
+                                                     const corvanta::ActionRegistry &registry,
+                                                     ReadExtent extent = ReadExtent::Whole);
+
+/// The same with the parameters that depend on the content; they are set from its beginning, and
+/// the tables of the file are logged for the action `id`. `writer`, if given, receives the name of
+/// the sheet that is copied.
+CommandResult<std::unique_ptr<ActionItem>> openInput(const CommandLine &line,
+                                                     const QString &fileName,
+                                                     const corvanta::ActionRegistry &registry,
+                                                     ReadExtent extent, const QString &id,
+                                                     ActionParameters *writer = nullptr);
+
+/// What the values of the columns of an open input are, with --types.
+CommandResult<QVector<ColumnKind>> inputKinds(const CommandLine &line, const QString &fileName,
+                                              ActionItem *input,
+                                              ActionParameters::KindExtent extent);
+
+/// Add an open input to a graph, which gives the columns of `numbers` with the letters K and F as
+/// numbers: an action `cast` follows where the reader does not. Returns the id of the action whose
+/// output pin 0 has the rows.
+CommandResult<QString> addReader(const corvanta::ActionRegistry &registry, ActionItem *input,
+                                 const QVector<ColumnKind> &numbers, const QString &id,
+                                 CorvantaGraph *graph);
+
+/// Open an input and add it to a graph, for commands that only read it. `facts`, if given, is set
+/// without changing the rows.
+CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
+                             const corvanta::ActionRegistry &registry, CorvantaGraph *graph,
+                             ReadExtent extent, InputFacts *facts = nullptr);

@@ -65,8 +65,9 @@ class Map(unittest.TestCase):
 # Where a name of a parameter may be written: its table, the entry with settings for "convert", the layout of its panel, and the
 # editors of single structures, which are parts of panels.
 DECLARING = re.compile(r"/params/|_(?:params|entry|panel|layout|test)\.|/panel_groups\.|^panels/(?:structures|fill)/")
-# Texts that equal a name and mean something else.
-OTHER_TEXTS = {("actions/read_json/read_json.cpp", "tagName")}  # a column of the input pin
+# Texts that equal a name and mean something else, and the parameters that options of a command set.
+OTHER_TEXTS = {("actions/read_json/read_json.cpp", "tagName"),  # a column of the input pin
+               ("cli/convert/pipeline.cpp", "firstRow"), ("cli/convert/pipeline.cpp", "lastRow"), ("cli/input_graph.cpp", "outputFilenames")}
 
 
 class Names(unittest.TestCase):

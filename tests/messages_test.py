@@ -19,6 +19,7 @@ NOT_PROVOKED = {
     "ERROR: the image file '%1' is too large": "a file of more than 1 GiB",
     "ERROR: cannot read the temporary file of the table": "a file that only this process can open",
     "ERROR: cannot read the memo file": "as for the DBF file",
+    "no module has the action '%1'": "a program without one of its own modules",
 }
 HELP = {"cli/main.cpp", "cli/describe_command.cpp"}  # most lines are printed, not logged
 COMMENT = re.compile(r"^\s*//[^\n]*", re.MULTILINE)

@@ -389,7 +389,7 @@ class CommandLine(Case):
 
     def test_statuses(self):
         usage = [[], ["in.csv"], ["in.csv", "out.csv", "more"], ["in.csv", "out.pdf"], ["in.pdf", "out.csv"], ["in.csv", "out"],
-                 ["in.csv", "out.csv.gz"], ["in.csv", "out.csv", "--reader", "nope=1"], ["in.csv", "out.csv", "--reader", "types"],
+                 ["in.csv", "out.xlsx.gz"], ["in.csv", "out.csv", "--reader", "nope=1"], ["in.csv", "out.csv", "--reader", "types"],
                  ["in.csv", "out.csv", "--reader", "header=x"], ["in.csv", "out.csv", "--writer", "types=K"],
                  ["in.csv", "out.csv", "--table", "0"], ["in.csv", "out.csv", "--table", "1"], ["in.csv", "out.csv", "--nope"],
                  ["in.csv", "out.csv", "--log-format", "xml"]]

@@ -4,10 +4,12 @@ import gzip
 import json
 import pathlib
 import re
+import shlex
 import subprocess
 import sys
 import tempfile
 import unittest
+import zipfile
 
 CORVANTA = str(pathlib.Path(sys.argv.pop(1)).resolve())
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
@@ -26,6 +28,11 @@ class Readme(unittest.TestCase):
             (cls.folder / name).write_text(next(block for block in BLOCKS if block.startswith(begin)), encoding="utf-8")
         for name in ("orders", "dump"):
             (cls.folder / f"{name}.json.gz").write_bytes(gzip.compress(json.dumps({"orders": ORDERS}).encode()))
+        (cls.folder / "more.json").write_text(json.dumps([{"order": 3, "note": "x"}]))
+        for month in ("01", "02"):
+            (cls.folder / f"2026-{month}.csv").write_bytes((cls.folder / "orders.csv").read_bytes())
+        with zipfile.ZipFile(cls.folder / "data.zip", "w") as archive:
+            archive.write(cls.folder / "orders.csv", "orders.csv")
         (cls.folder / "page.html").write_text("<table><tr><th>a</th></tr><tr><td>1</td></tr></table>" * 3)
         (cls.folder / "letter.docx").write_bytes((PROJECT / "examples/documents/letter.docx").read_bytes())
         for target in ("book.xlsx", "orders.parquet", "sales.parquet"):
@@ -40,11 +47,13 @@ class Readme(unittest.TestCase):
 
     def test_commands_work(self):
         lines = [line for block in BLOCKS for line in block.splitlines()]
-        commands = [line.split("#")[0] for line in lines if line.startswith("corvanta ")] + re.findall(r"`corvanta\s[^`]*`", README)
-        self.assertGreater(len(commands), 12)
+        commands = [line.split("#")[0] for line in lines if line.startswith(("corvanta ", "cat "))] + re.findall(r"`corvanta\s[^`]*`", README)
+        self.assertGreater(len(commands), 20)
         for command in commands:
-            self.corvanta(*command.strip("`").split()[1:])
-        for name in ("orders_2026.xlsx", "seen.csv", "orders.xlsx"):
+            words = command.strip("` ").replace("corvanta", shlex.quote(CORVANTA)).replace("\n", " ")
+            done = subprocess.run(["bash", "-o", "pipefail", "-c", words], cwd=self.folder, capture_output=True, text=True, check=False)
+            self.assertEqual(done.returncode, 0, f"{command}: {done.stderr}")
+        for name in ("orders_2026.xlsx", "seen.csv", "orders.xlsx", "dear.csv", "year.parquet", "tables/lines.csv"):
             self.assertTrue((self.folder / name).exists(), name)
         for chore in re.findall(r"\./dev (\w+)", README):
             self.assertIn(f"\ncmd_{chore}() {{", (PROJECT / "dev").read_text())

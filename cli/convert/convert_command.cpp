@@ -1,0 +1,68 @@
+// convert: makes a graph of readers, actions on rows and a writer, and runs it.
+#include "cli/commands.h"
+#include "cli/convert/pipeline.h"
+#include "cli/convert/tables_command.h"
+#include "cli/session.h"
+#include "corvanta/action_registry.h"
+
+#include <QFileInfo>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+
+namespace {
+
+/// With --no-clobber an existing target is an error, before anything is read.
+CommandResult<void> checkTarget(const CommandLine &line)
+{
+    const QString &target = line.arguments.last();
+    const QFileInfo info(target);
+    // A link without a file would be written through.
+    const bool exists = target != "-"_L1 && (info.exists() || info.isSymLink());
+    if (line.has(u"--no-clobber"_s) && exists) {
+        return Fault{kFailed, u"'%1' exists already, and --no-clobber keeps it"_s.arg(target)};
+    }
+    return {};
+}
+
+} // namespace
+
+CommandOptions convertOptions()
+{
+    CommandOptions options = Session::options(pipelineOptions());
+    options.flags << u"--print-graph"_s << u"--no-clobber"_s << u"--keep-partial"_s;
+    options.arguments = 2;
+    options.hasMoreArguments = true;
+    options.wrongArguments = u"an input and an output file are required"_s;
+    return options;
+}
+
+CommandResult<void> convertCommand(const CommandLine &line)
+{
+    const auto session = Session::open(line);
+    if (!session) {
+        return session.fault();
+    }
+    ActionRegistry registry;
+    registry.loadAll();
+    if (isFolderTarget(line)) {
+        return convertTables(line, registry, session->get());
+    }
+    const auto graph = makePipeline(line, registry);
+    if (!graph) {
+        return graph.fault();
+    }
+    // The printed graph also has what was derived from the input: levels and tables.
+    if (line.has(u"--print-graph"_s)) {
+        std::fputs(graph->toXml().constData(), stdout);
+        return {};
+    }
+    if (auto checked = checkTarget(line); !checked) {
+        return checked;
+    }
+    RunOptions options;
+    options.keepPartial = line.has(u"--keep-partial"_s);
+    return (*session)->run(*graph, registry, std::move(options));
+}

@@ -1,0 +1,252 @@
+// Finds out what to open for an argument, and which format it has.
+#include "cli/convert/file_arguments.h"
+
+#include "base/nearest_name.h"
+#include "cli/file_types.h"
+#include "cli/visible_text.h"
+#include "corvanta/files.h"
+#include "corvanta/input_source.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+
+namespace {
+
+using Use = FileFormat::Use;
+
+constexpr auto kInputName = "/dev/stdin"_L1;
+constexpr auto kOutputName = "/dev/stdout"_L1;
+constexpr auto kStream = "-"_L1;
+
+/// The formats that can be written to standard output: in order, without seeking.
+bool isStreamed(const QString &extension)
+{
+    static const QStringList all{u"csv"_s,  u"tsv"_s,   u"txt"_s,    u"tab"_s,
+                                 u"json"_s, u"jsonl"_s, u"ndjson"_s, u"xml"_s};
+    return all.contains(extension);
+}
+
+/// In lower case, without what says that the file is compressed.
+QString extensionOf(Use use, QString name)
+{
+    const QStringList endings =
+        use == Use::Read ? QStringList{u".gz"_s, u".Z"_s} : QStringList{u".gz"_s};
+    for (const QString &ending : endings) {
+        const QString inner = name.chopped(std::min(ending.size(), name.size()));
+        const QString extension = inner.mid(inner.lastIndexOf(u'.') + 1).toLower();
+        // Only what is written in order can be packed.
+        if (name.endsWith(ending) && (use == Use::Read || isStreamed(extension))) {
+            name = inner;
+            break;
+        }
+    }
+    return name.mid(name.lastIndexOf(u'.') + 1).toLower();
+}
+
+/// The format of --from or --to; empty without the option.
+CommandResult<QString> givenFormat(const CommandLine &line, Use use, const ActionRegistry &registry)
+{
+    const QString option = use == Use::Read ? u"--from"_s : u"--to"_s;
+    QString format = line.value(option, QString()).toLower();
+    format.remove(0, format.startsWith(u'.') ? 1 : 0);
+    const QStringList known = knownExtensions(registry, use).split(u' ');
+    if (line.values.contains(option) && !known.contains(format)) {
+        return badUsage(u"%1: unknown format '%2'%3 (supported: %4)"_s.arg(
+            option, format, closeNameHint(format, known), known.join(u' ')));
+    }
+    return format;
+}
+
+bool isPattern(const QString &name)
+{
+    return (name.contains(u'*') || name.contains(u'?')) && !QFileInfo::exists(name);
+}
+
+QStringList matchesOf(const QString &pattern)
+{
+    QStringList names;
+    listFiles(pattern, &names);
+    return names;
+}
+
+/// The members that can be read: all with the format `format`, or with any known one.
+QStringList readableMembers(const QStringList &members, const QString &format,
+                            const ActionRegistry &registry)
+{
+    const QStringList known = knownExtensions(registry, Use::Read).split(u' ');
+    QStringList readable;
+    for (const QString &member : members) {
+        const QString extension = member.mid(member.lastIndexOf(u'.') + 1).toLower();
+        // What an operating system adds to archives is not data.
+        const bool isData = !member.startsWith("__MACOSX/"_L1);
+        if (isData && (format.isEmpty() ? known.contains(extension) : extension == format)) {
+            readable << member;
+        }
+    }
+    // A format that is given also fits another name.
+    return readable.isEmpty() && !format.isEmpty() ? members : readable;
+}
+
+/// A list of members, one per line.
+QString listOf(const QString &archive, const QStringList &members)
+{
+    constexpr qsizetype kListed = 50;
+    QString text;
+    for (const QString &member : members.first(std::min(members.size(), kListed))) {
+        text += u"\n  "_s + visibleText(archive + u'@' + member);
+    }
+    return members.size() > kListed ? text + u"\n  ..."_s : text;
+}
+
+/// The only member of an archive that can be read.
+CommandResult<FileArgument> memberOf(const QString &archive, const QString &format,
+                                     const ActionRegistry &registry)
+{
+    const auto members = input::archiveMembers(archive);
+    if (!members) {
+        return Fault{kFailed,
+                     u"cannot read the archive '%1': %2"_s.arg(archive, members.fault().detail)};
+    }
+    const QStringList readable = readableMembers(*members, format, registry);
+    if (readable.isEmpty()) {
+        return badUsage(u"the archive '%1' has no file of a known format (see --from)%2"_s.arg(
+            archive,
+            members->isEmpty() ? QString() : u". It contains:"_s + listOf(archive, *members)));
+    }
+    if (readable.size() > 1) {
+        return badUsage(u"the archive '%1' contains %2 files that can be read. Choose one:%3"_s.arg(
+            archive, QString::number(readable.size()), listOf(archive, readable)));
+    }
+    const QString &member = readable[0];
+    // Of a RAR archive only this file can be read, and its name has no member.
+    const bool isRar = archive.endsWith(".rar"_L1);
+    return FileArgument{isRar ? archive : archive + u'@' + member,
+                        format.isEmpty() ? extensionOf(Use::Read, member) : format};
+}
+
+/// The beginnings of files that have other extensions than those of texts.
+struct Magic
+{
+    QByteArrayView bytes;
+    const char *format; ///< for people
+    const char *remedy;
+};
+constexpr auto kMagics = std::to_array<Magic>({
+    {"PK\3\4", "a zip archive or a workbook", "--from xlsx reads it if it is a workbook"},
+    {"\xD0\xCF\x11\xE0", "a legacy Office file", "--from xls reads it if it is a workbook"},
+    {"PAR1", "a Parquet file", "--from parquet reads it"},
+    {"\x1F\x8B", "a gzip file", "rename it to end in .gz"},
+    {"Rar!", "a RAR archive", "rename it to end in .rar"},
+    {"$FL2", "an SPSS file", "--from sav reads it"},
+    {"%PDF", "a PDF document", "it cannot be read"},
+    {"\x89PNG", "an image", "it cannot be read"},
+    {"\xFF\xD8\xFF", "an image", "it cannot be read"},
+    {"\x7F"
+     "ELF",
+     "a program", "it cannot be read"},
+});
+
+/// Whether zero bytes are only at every second place, as in UTF-16 without a mark.
+bool looksLikeUtf16(QByteArrayView bytes)
+{
+    std::array<qsizetype, 2> zeros{};
+    for (qsizetype i = 0; i < bytes.size(); ++i) {
+        zeros[static_cast<size_t>(i % 2)] += bytes[i] == '\0' ? 1 : 0;
+    }
+    return zeros[0] == 0 || zeros[1] == 0;
+}
+
+/// Number of the line of the first zero byte, from 1.
+qsizetype lineOfZero(QByteArrayView bytes)
+{
+    return bytes.first(bytes.indexOf('\0')).toByteArray().count('\n') + 1;
+}
+
+} // namespace
+
+CommandOptions formatOptions()
+{
+    return {{u"--from"_s, u"--to"_s}, {}};
+}
+
+CommandResult<FileArgument> inputFile(const CommandLine &line, const QString &word,
+                                      const ActionRegistry &registry)
+{
+    const auto format = givenFormat(line, Use::Read, registry);
+    if (!format) {
+        return format.fault();
+    }
+    if (word == kStream) {
+        return format->isEmpty() ? badUsage(u"'-' is standard input: --from FORMAT must name its "
+                                            "format (for example --from csv)"_s)
+                                 : CommandResult<FileArgument>(FileArgument{kInputName, *format});
+    }
+    if (input::isArchive(word)) {
+        return memberOf(word, *format, registry);
+    }
+    FileArgument file{word, format->isEmpty() ? extensionOf(Use::Read, word) : *format};
+    const QStringList known = knownExtensions(registry, Use::Read).split(u' ');
+    if (isPattern(word) && !known.contains(file.extension)) {
+        file.extension = extensionOf(Use::Read, matchesOf(word).value(0));
+    }
+    return file;
+}
+
+CommandResult<FileArgument> outputFile(const CommandLine &line, const QString &word,
+                                       const ActionRegistry &registry)
+{
+    const auto format = givenFormat(line, Use::Write, registry);
+    if (!format) {
+        return format.fault();
+    }
+    if (word != kStream) {
+        return FileArgument{word, format->isEmpty() ? extensionOf(Use::Write, word) : *format};
+    }
+    if (!isStreamed(*format)) {
+        return badUsage(u"'-' is standard output: --to FORMAT must name its format, one of csv, "
+                        "tsv, json, jsonl and xml"_s);
+    }
+    return FileArgument{kOutputName, *format};
+}
+
+QStringList inputWords(const CommandLine &line)
+{
+    const QStringList words = line.arguments.first(line.arguments.size() - 1);
+    if (words.size() == 1 && !line.has(u"--union"_s)) {
+        return words; // a reader joins the files of a pattern itself
+    }
+    QStringList all;
+    for (const QString &word : words) {
+        all += isPattern(word) ? matchesOf(word) : QStringList(word);
+    }
+    return all;
+}
+
+QString binaryContent(const QString &fileName)
+{
+    constexpr qint64 kExamined = 4096;
+    // A pipe would lose what is read here.
+    if (!QFileInfo(fileName).isFile()) {
+        return {};
+    }
+    const auto file = MyReadFile::open(fileName);
+    QByteArray bytes(kExamined, '\0');
+    bytes.truncate(file ? std::max<qint64>((*file)->read(bytes.data(), kExamined), 0) : 0);
+    for (const Magic &magic : kMagics) {
+        if (bytes.startsWith(magic.bytes)) {
+            return u"it begins like %1; %2"_s.arg(QLatin1StringView(magic.format),
+                                                  QLatin1StringView(magic.remedy));
+        }
+    }
+    if (!bytes.contains('\0') || looksLikeUtf16(bytes)) {
+        return {};
+    }
+    return u"there is a zero byte in line %1; --encoding NAME reads it if that is a text in "
+           u"another "
+           "encoding"_s.arg(lineOfZero(bytes));
+}

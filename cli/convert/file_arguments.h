@@ -1,0 +1,30 @@
+// The files that a command line names: "-", formats that replace the extension, archives.
+#pragma once
+#include "cli/command_line.h"
+#include "corvanta/action_registry.h"
+
+/// A file with its format.
+struct FileArgument
+{
+    QString name;      ///< as a graph names it: "archive.zip@member" for a member
+    QString extension; ///< of its format, in lower case, without ".gz"
+};
+
+/// The options that the two functions use: --from, and --to for outputs.
+CommandOptions formatOptions();
+
+/// The input `word`. "-" is standard input; of an archive without a member it is the only one that
+/// can be read. The fault is a usage error, or kFailed for an archive that cannot be read.
+CommandResult<FileArgument> inputFile(const CommandLine &line, const QString &word,
+                                      const corvanta::ActionRegistry &registry);
+/// The output `word`. "-" is standard output. The fault is a usage error.
+CommandResult<FileArgument> outputFile(const CommandLine &line, const QString &word,
+                                       const corvanta::ActionRegistry &registry);
+
+/// The inputs of a command whose last argument is the output. With --union, and among several, a
+/// pattern is replaced by the files that it matches.
+QStringList inputWords(const CommandLine &line);
+
+/// Why a file that should be text is not: it begins like a file of another format, or holds zero
+/// bytes. Empty for text, and for what cannot be examined without reading it.
+QString binaryContent(const QString &fileName);

@@ -1,0 +1,374 @@
+// The actions that are linked in a chain:
+//
+//     reader ----------+
+//     reader -> union -+-> filter -> sort -> select (rows) -> select (columns) -> writer
+//
+// Each of those between the readers and the writer exists only if an option needs it.
+#include "cli/convert/pipeline.h"
+
+#include "cli/convert/file_arguments.h"
+#include "cli/file_types.h"
+#include "cli/input_graph.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+
+namespace {
+
+/// More readers than this are as many threads and open files; a pattern needs only one.
+constexpr qsizetype kMaxInputs = 200;
+
+/// A graph, the output pin that the next action reads, and what is known about its columns.
+struct Chain
+{
+    CorvantaGraph graph;
+    CorvantaGraph::Pin last;
+    QVector<ColumnKind> kinds;
+    QVector<ColumnNotes> notes;
+
+    /// Add an action that reads `last`, and make its output the last one. The fault is a usage
+    /// error.
+    CommandResult<void> append(const QString &id, ActionItem &action)
+    {
+        if (auto added = addAction(&graph, id, action); !added) {
+            return added;
+        }
+        graph.links.append(CorvantaGraph::Link{last, {id, 0}});
+        last = {id, 0};
+        return {};
+    }
+    /// The same with a new action of the type, which is also its id.
+    CommandResult<void> append(const ActionRegistry &registry, const QString &type,
+                               const QStringList &settings, const QString &id = {})
+    {
+        const auto action = makeAction(registry, type, settings);
+        return action ? append(id.isEmpty() ? type : id, **action) : action.fault();
+    }
+};
+
+/// The names of a list such as `a,"b,c"`: quotes hold names with commas and blanks at their ends.
+CommandResult<QStringList> namesOf(const CommandLine &line, const QString &option)
+{
+    QStringList names;
+    for (const QString &text : line.values.value(option)) {
+        QString name;
+        bool isQuoted = false;
+        bool wasQuoted = false;
+        for (const QChar c : text + u',') {
+            if (c == u'"') {
+                isQuoted = !isQuoted;
+                wasQuoted = true;
+            } else if (c != u',' || isQuoted) {
+                name += c;
+            } else {
+                names << (wasQuoted ? name : name.trimmed());
+                name.clear();
+                wasQuoted = false;
+            }
+        }
+        if (isQuoted || names.contains(QString())) {
+            return badUsage(
+                u"%1 '%2': expected names of columns with commas between them"_s.arg(option, text));
+        }
+    }
+    return names;
+}
+
+/// A range of rows, from 1, inclusive.
+struct RowRange
+{
+    qint64 first = 1;
+    qint64 last = std::numeric_limits<qint64>::max();
+};
+
+/// A whole number of at least `low`.
+std::optional<qint64> numberOf(const QString &text, qint64 low)
+{
+    bool isNumber = false;
+    const qint64 number = text.toLongLong(&isNumber);
+    return isNumber && number >= low ? std::optional(number) : std::nullopt;
+}
+
+/// The rows of --rows FROM:TO, of which either may be left out, cut by --limit.
+CommandResult<RowRange> rowsOf(const CommandLine &line)
+{
+    RowRange range;
+    const QString rows = line.value(u"--rows"_s, u":"_s);
+    const qsizetype colon = rows.indexOf(u':');
+    const QString from = rows.left(colon);
+    const QString to = rows.mid(colon + 1);
+    const auto first = from.isEmpty() ? range.first : numberOf(from, 1);
+    const auto last = to.isEmpty() ? range.last : numberOf(to, 1);
+    if (colon < 0 || !first || !last || *last < *first) {
+        return badUsage(u"--rows '%1': expected FROM:TO, rows from 1"_s.arg(rows));
+    }
+    range = {*first, *last};
+    if (line.values.contains(u"--limit"_s)) {
+        const auto limit = numberOf(line.value(u"--limit"_s, QString()), 0);
+        if (!limit) {
+            return badUsage(u"--limit needs a number of rows"_s);
+        }
+        // The sum cannot overflow: both are positive.
+        range.last = *limit <= range.last - range.first ? range.first + *limit - 1 : range.last;
+    }
+    return range;
+}
+
+/// "column=kind" for the columns that are not texts, as the row actions have it.
+QStringList kindSettings(const QVector<ColumnKind> &kinds)
+{
+    static const char *const kNames[] = {"text", "integer",  "decimal", "boolean",
+                                         "date", "datetime", "time"};
+    QStringList settings;
+    for (const ColumnKind &kind : kinds) {
+        if (kind.kind != ValueKind::Text) {
+            settings << u"kinds=%1=%2"_s.arg(
+                kind.column, QLatin1StringView(kNames[static_cast<size_t>(kind.kind)]));
+        }
+    }
+    return settings;
+}
+
+/// The kind that values of both kinds have.
+ColumnKind joined(const ColumnKind &a, const ColumnKind &b)
+{
+    const auto isNumber = [](const ColumnKind &of) {
+        return of.kind == ValueKind::Integer || of.kind == ValueKind::Decimal;
+    };
+    ColumnKind result = a;
+    if (isNumber(a) && isNumber(b) && a.letter != 'U' && b.letter != 'U') {
+        result.kind = a.kind == b.kind ? a.kind : ValueKind::Decimal;
+        result.letter = a.letter == b.letter ? a.letter : 'F';
+    } else if (a.kind != b.kind || a.letter != b.letter) {
+        result.kind = ValueKind::Text;
+        result.letter = 'U';
+    }
+    return result;
+}
+
+/// Add the columns of another input to those of the inputs before it.
+void joinKinds(const QVector<ColumnKind> &more, QVector<ColumnKind> *kinds)
+{
+    for (const ColumnKind &kind : more) {
+        const auto same = std::find_if(kinds->begin(), kinds->end(), [&](const ColumnKind &other) {
+            return other.column == kind.column;
+        });
+        if (same == kinds->end()) {
+            kinds->append(kind);
+        } else {
+            *same = joined(*same, kind);
+        }
+    }
+}
+
+/// Give the columns the names that --rename gives them.
+CommandResult<QStringList> renameColumns(const CommandLine &line, Chain *chain)
+{
+    QStringList settings;
+    for (const QString &text : line.values.value(u"--rename"_s)) {
+        const auto names = Assignment::parse(text);
+        if (!names) {
+            return badUsage(u"--rename '%1' is not of the form OLD=NEW"_s.arg(text));
+        }
+        settings << u"rename="_s + text;
+        for (ColumnKind &kind : chain->kinds) {
+            kind.column = kind.column == names->name ? names->value : kind.column;
+        }
+        for (ColumnNotes &notes : chain->notes) {
+            notes.column = notes.column == names->name ? names->value : notes.column;
+        }
+    }
+    return settings;
+}
+
+/// Add the actions for --where, --sort, --rows, --limit, --select and --rename, in this order.
+CommandResult<void> appendRowActions(const CommandLine &line, const ActionRegistry &registry,
+                                     Chain *chain)
+{
+    const auto keys = namesOf(line, u"--sort"_s);
+    const auto columns = namesOf(line, u"--select"_s);
+    const auto range = rowsOf(line);
+    if (!keys || !columns || !range) {
+        return !keys ? keys.fault() : !columns ? columns.fault() : range.fault();
+    }
+    const QStringList kinds = kindSettings(chain->kinds);
+    for (const QString &where : line.values.value(u"--where"_s)) {
+        const QString id = chain->graph.indexOf(u"filter"_s) < 0
+                               ? u"filter"_s
+                               : u"filter%1"_s.arg(chain->graph.actions.size());
+        if (auto added =
+                chain->append(registry, u"filter"_s, kinds + QStringList(u"where="_s + where), id);
+            !added) {
+            return added;
+        }
+    }
+    if (!keys->isEmpty()) {
+        if (auto added = chain->append(registry, u"sort"_s, settingsOf(u"keys"_s, *keys) + kinds);
+            !added) {
+            return added;
+        }
+    }
+    QStringList select = settingsOf(u"columns"_s, *columns);
+    const auto renamed = renameColumns(line, chain);
+    if (!renamed) {
+        return renamed.fault();
+    }
+    select += *renamed;
+    if (line.values.contains(u"--rows"_s) || line.values.contains(u"--limit"_s)) {
+        select << u"firstRow="_s + QString::number(range->first);
+        if (range->last < RowRange().last) {
+            select << u"lastRow="_s + QString::number(range->last);
+        }
+    }
+    return select.isEmpty() ? CommandResult<void>() : chain->append(registry, u"select"_s, select);
+}
+
+/// Whether the kinds of the columns must be known, which may need a scan of the input.
+bool needsKinds(const CommandLine &line, const ActionParameters &writer)
+{
+    return writer.needsColumnKinds() || line.values.contains(u"--where"_s) ||
+           line.values.contains(u"--sort"_s);
+}
+
+/// An input that is open, and what its values are.
+struct Input
+{
+    QString id;
+    std::unique_ptr<ActionItem> reader;
+    QVector<ColumnKind> kinds;
+};
+
+/// Open all inputs, and find the kinds and notes of their columns as far as they are needed.
+CommandResult<std::vector<Input>> openInputs(const CommandLine &line, const QStringList &words,
+                                             const ActionRegistry &registry,
+                                             ActionParameters *writer, Chain *chain)
+{
+    std::vector<Input> inputs;
+    const QString id = QString::fromLatin1(kInputId);
+    const bool isOne = words.size() == 1;
+    for (qsizetype i = 0; i < words.size(); ++i) {
+        Input input{isOne ? id : id + QString::number(i + 1), {}, {}};
+        auto opened = openInput(line, words[i], registry, ReadExtent::Whole, input.id,
+                                isOne ? writer : nullptr);
+        if (!opened) {
+            return opened.fault();
+        }
+        input.reader = *std::move(opened);
+        if (needsKinds(line, *writer)) {
+            auto kinds =
+                inputKinds(line, words[i], input.reader.get(), ActionParameters::KindExtent::All);
+            if (!kinds) {
+                return kinds.fault();
+            }
+            input.kinds = *std::move(kinds);
+            joinKinds(input.kinds, &chain->kinds);
+        }
+        if (isOne && writer->needsColumnLabels()) {
+            chain->notes = dynamic_cast<ActionParameters &>(*input.reader).columnNotes();
+        }
+        inputs.push_back(std::move(input));
+    }
+    return inputs;
+}
+
+/// The columns of an input with the kinds that they have in all inputs.
+QVector<ColumnKind> kindsInAll(const QVector<ColumnKind> &kinds, const QVector<ColumnKind> &all)
+{
+    QVector<ColumnKind> found;
+    for (const ColumnKind &kind : kinds) {
+        const auto same = std::find_if(all.begin(), all.end(), [&](const ColumnKind &other) {
+            return other.column == kind.column;
+        });
+        found << (same == all.end() ? kind : *same);
+    }
+    return found;
+}
+
+/// Add the readers, and the action that joins several.
+CommandResult<void> addInputs(const CommandLine &line, const QStringList &words,
+                              const ActionRegistry &registry, ActionParameters *writer,
+                              Chain *chain)
+{
+    const auto inputs = openInputs(line, words, registry, writer, chain);
+    if (!inputs) {
+        return inputs.fault();
+    }
+    const QString joinId = u"union"_s;
+    int pin = 0;
+    for (const Input &input : *inputs) {
+        // Where the output has no types, the cells stay the texts that they are.
+        const QVector<ColumnKind> numbers = writer->needsColumnKinds()
+                                                ? kindsInAll(input.kinds, chain->kinds)
+                                                : QVector<ColumnKind>();
+        const auto last = addReader(registry, input.reader.get(), numbers, input.id, &chain->graph);
+        if (!last) {
+            return last.fault();
+        }
+        chain->last = {*last, 0};
+        if (inputs->size() > 1) {
+            chain->graph.links.append(CorvantaGraph::Link{chain->last, {joinId, pin++}});
+        }
+    }
+    if (inputs->size() == 1) {
+        return {};
+    }
+    chain->last = {joinId, 0};
+    const auto join =
+        makeAction(registry, joinId, {line.has(u"--union"_s) ? u"match=0"_s : u"match=2"_s});
+    return join ? addAction(&chain->graph, joinId, **join) : join.fault();
+}
+
+} // namespace
+
+CommandOptions pipelineOptions()
+{
+    CommandOptions options = inputOptions();
+    options.withValue << u"--to"_s << u"--where"_s << u"--sort"_s << u"--rows"_s << u"--limit"_s
+                      << u"--select"_s << u"--rename"_s << u"--writer"_s;
+    options.flags << u"--union"_s << u"--add-file-name"_s;
+    return options;
+}
+
+CommandResult<CorvantaGraph> makePipeline(const CommandLine &line, const ActionRegistry &registry)
+{
+    const auto output = outputFile(line, line.arguments.last(), registry);
+    if (!output) {
+        return output.fault();
+    }
+    const auto writer =
+        makeFileAction(registry, FileFormat::Write, *output, line.values.value(u"--writer"_s));
+    if (!writer) {
+        return writer.fault();
+    }
+    // Not null: makeFileAction() chooses among actions that have parameters.
+    auto *const parameters = dynamic_cast<ActionParameters *>(writer->get());
+    const QStringList words = inputWords(line);
+    if (words.size() > kMaxInputs) {
+        return badUsage(u"%1 inputs are too many (at most %2); a pattern in quotes, such as "
+                        "'*.csv', reads any number of files of one format"_s.arg(
+                            QString::number(words.size()), QString::number(kMaxInputs)));
+    }
+    Chain chain;
+    if (const auto added = addInputs(line, words, registry, parameters, &chain); !added) {
+        return added.fault();
+    }
+    if (const auto added = appendRowActions(line, registry, &chain); !added) {
+        return added.fault();
+    }
+    if (parameters->needsColumnKinds()) {
+        parameters->setColumnKinds(chain.kinds);
+    }
+    if (parameters->needsColumnLabels()) {
+        parameters->setColumnLabels(chain.notes);
+    }
+    if (const auto added = chain.append(u"output"_s, **writer); !added) {
+        return added.fault();
+    }
+    return std::move(chain.graph);
+}
