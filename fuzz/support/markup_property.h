@@ -126,6 +126,29 @@ private:
         return rows + static_cast<char16_t>(error);
     }
 
+    /// What a scan finds: the kind, the letter and the deciding value of each column.
+    QString kinds(const std::vector<Level> &levels, qint64 buffer, qint64 piece) const
+    {
+        MemorySource source(m_bytes, piece);
+        const auto tokenizer = m_make(source, buffer);
+        LevelExtractor extractor(levels, m_options);
+        std::vector<values::ColumnScan> scans(static_cast<size_t>(extractor.columnCount()));
+        extractor.scanValues(scans);
+        extractor.beginDocument(*tokenizer);
+        BlockArena arena;
+        auto row = extractor.next(arena);
+        for (; row && *row; row = extractor.next(arena)) {
+            arena.reset();
+        }
+        QString kinds;
+        for (const values::ColumnScan &scan : scans) {
+            const values::ColumnResult found = scan.result();
+            kinds += QChar(static_cast<int>(found.kind)) + QString(QLatin1Char(found.letter)) +
+                     found.exception + found.exceptionPlace;
+        }
+        return kinds;
+    }
+
     const Make &m_make;
     QByteArrayView m_bytes;
     MarkupVariant m_variant;

@@ -64,13 +64,6 @@ std::optional<TextSpan> ItemCells::singleText(const MarkupTree &tree, const Leve
                     : std::nullopt;
 }
 
-bool ItemCells::isMissingNull(const MarkupTree &tree, TextSpan span) const
-{
-    constexpr std::string_view kNull = "null";
-    return m_options.nullIsMissing && span.size() == kNull.size() && !tree.isQuoted(span) &&
-           tree.raw(span).view() == kNull;
-}
-
 const uchar *ItemCells::absentCell(const LevelItem &item, CellArena &arena) const
 {
     return m_options.presence && !item.tagName ? textCell(arena, u"0") : cell::missingTextCell();
@@ -95,7 +88,9 @@ const uchar *ItemCells::textOf(const MarkupTree &tree, quint32 element, CellAren
     const quint32 clears = m_options.text.clearIsText ? node.count(ItemKind::Clear) : 0;
     if (texts == 1 && clears == 0 && !m_options.allText) {
         const TextSpan text = tree.item(tree.first(element, ItemKind::Text)).text;
-        return isMissingNull(tree, text) ? cell::missingTextCell() : rawCell(tree.raw(text), arena);
+        const RawText raw = tree.raw(text);
+        return isMissingNull(raw.view()) && !tree.isQuoted(text) ? cell::missingTextCell()
+                                                                 : rawCell(raw, arena);
     }
     const auto gather = m_options.allText ? foldText : joinText;
     if ((m_options.allText || texts + clears > 0) &&

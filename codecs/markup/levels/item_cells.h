@@ -28,8 +28,11 @@ public:
     /// if it has no cell.
     std::optional<TextSpan> singleText(const MarkupTree &tree, const LevelItem &item,
                                        quint32 found) const;
-    /// Whether the text at `span` is a null of JSON that gives a missing cell.
-    bool isMissingNull(const MarkupTree &tree, TextSpan span) const;
+    /// Whether a text without quotes is a null of JSON that gives a missing cell.
+    bool isMissingNull(std::string_view text) const
+    {
+        return m_options.nullIsMissing && text == "null";
+    }
     /// The cell of an item for which nothing was found: "0" where presence is asked for, else
     /// missing.
     const uchar *absentCell(const LevelItem &item, CellArena &arena) const;

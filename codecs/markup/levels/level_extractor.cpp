@@ -189,6 +189,7 @@ UnreadParts LevelExtractor::unread() const
 bool LevelExtractor::readFirstLevel(CellArena &arena)
 {
     for (;;) {
+        ++m_occurrences;
         const auto found = m_reader->next();
         if (!found) {
             m_failure = found.fault().code;

@@ -22,6 +22,8 @@ class LevelExtractor
 public:
     /// There must be at least one level.
     LevelExtractor(const std::vector<Level> &levels, const ExtractOptions &options);
+    LevelExtractor(const LevelExtractor &) = delete; // its parts refer to it
+    LevelExtractor &operator=(const LevelExtractor &) = delete;
 
     /// Names of the columns: for each level its subtag column, if wanted, and its items.
     QStringList columnNames() const;
@@ -36,7 +38,7 @@ public:
 
     /// From now on rows are only examined: next() adds the value of each column to its scan, one
     /// per column, and builds no cells. `scans` must outlive the extractor.
-    void scanValues(std::span<values::ColumnScan> scans) { m_scans = scans; }
+    void scanValues(std::span<values::ColumnScan> scans);
     /// Begin another file: missingPaths() forgets the previous one.
     void beginFile();
     /// Begin a document of the file. `tokenizer` must be new or restarted, and outlive the
@@ -77,6 +79,8 @@ public:
     QStringList missingPaths() const;
 
 private:
+    class LeafScan;
+
     bool isLast(size_t level) const { return level + 1 == m_levels.size(); }
     void addSpans(const PathSyntax &syntax);
     bool readFirstLevel(CellArena &arena);
@@ -94,9 +98,12 @@ private:
     void repeatCells(LevelState &state, CellArena &arena);
     const uchar *cellOfKept(const uchar *kept, size_t column, CellArena &arena);
     QString placeOfRow(quint32 item) const;
+    QString placeOfRow(const QString &place) const;
     void scanItems(LevelState &state, CellArena &arena);
     void scanItem(const LevelItem &item, quint32 found, CellArena &arena, values::ColumnScan *scan);
-    void scanText(TextSpan text, quint32 item, values::ColumnScan *scan);
+    template <class Place>
+    void scanText(std::string_view text, bool isQuoted, const Place &place,
+                  values::ColumnScan *scan) const;
     void scanCell(const uchar *cell, quint32 item, values::ColumnScan *scan) const;
     bool isReadOutside(const LevelState &state) const;
     Occurrences *oddKind(quint32 occurrence);
@@ -120,7 +127,10 @@ private:
     std::vector<const uchar *> m_missing; // the missing cell of each column
     std::optional<BadValue> m_badValue;
     std::span<values::ColumnScan> m_scans; // empty: rows have cells
-    qint64 m_rows = 0;                     // scanned
+    std::unique_ptr<MarkupTreeBuilder::LeafTaker>
+        m_leafScan;           // null: all values are found in the trees
+    qint64 m_rows = 0;        // scanned
+    qint64 m_occurrences = 0; // of the first level that were looked for
     bool m_isJson = false;
     UnreadParts m_unread;
     /// Off where no row or cell depends on it: HTML, and cells that say whether an element exists.

@@ -446,3 +446,79 @@ TEST(LevelExtractor, ReadsSameValuesAsOtherPrograms)
         EXPECT_EQ(at, table.size()) << golden.toStdString();
     }
 }
+
+namespace {
+
+/// "iK|dF|-U": the kinds and letters of the columns, and after a text the value that decided.
+QString scanned(const std::vector<Level> &levels, MarkupTokenizer &tokenizer,
+                const ExtractOptions &options, qint64 *rows)
+{
+    LevelExtractor extractor(levels, options);
+    std::vector<values::ColumnScan> scans(static_cast<size_t>(extractor.columnCount()));
+    extractor.scanValues(scans);
+    extractor.beginDocument(tokenizer);
+    BlockArena arena;
+    auto row = extractor.next(arena);
+    for (; row && *row; row = extractor.next(arena)) {
+        arena.reset();
+        ++*rows;
+    }
+    QStringList columns;
+    for (const values::ColumnScan &scan : scans) {
+        const values::ColumnResult found = scan.result();
+        columns << QChar(u"-idbDTt"[static_cast<int>(found.kind)]) +
+                       QString(QLatin1Char(found.letter)) +
+                       (found.exceptionPlace.isEmpty() ? QString() : u':' + found.exception);
+    }
+    return columns.join(u'|');
+}
+
+} // namespace
+
+TEST(LevelExtractor, ScansTheValuesOfJson)
+{
+    ExtractOptions options;
+    options.nullIsMissing = true;
+    const auto kinds = [&](const QByteArray &json, const QStringList &levels) {
+        QString all;
+        for (const qint64 piece : {-1, 3}) {
+            MemorySource source(json, piece);
+            JSONTokenizer tokenizer(source, 1024, u"");
+            qint64 rows = 0;
+            const QString found = scanned(levelsOf(levels), tokenizer, options, &rows);
+            EXPECT_TRUE(all.isEmpty() || all == found) << json.constData();
+            all = found;
+        }
+        return all;
+    };
+    const QStringList ab{u"||a,b"_s};
+    EXPECT_EQ(kinds(R"([{"a":1,"b":"2026-01-31"},{"b":null,"a":2.5}])", ab), u"dF|DU");
+    EXPECT_EQ(kinds("{\"a\":1,\"b\":true}\n{\"a\":null}\n{\"b\":false}", ab), u"iK|bU");
+    EXPECT_EQ(kinds(R"([{"b":"\u0041","a":1,"a":"x"},{"a":2}])", ab), u"iK|-U:A"); // the first "a"
+    EXPECT_EQ(kinds(R"([{"a":{"c":"x"},"b":[1]},{"a":7,"b":8}])", ab), u"iK|iK");
+    EXPECT_EQ(kinds(R"([{"x":0,"y":0,"z":0,"q":0,"w":0,"b":1,"a":2}])", ab), u"iK|iK");
+    EXPECT_EQ(kinds(R"([{"a":"12"},{"a":1}])", ab), u"-U:12|-U");
+    EXPECT_EQ(kinds(R"([{"a":1},{"a":"12"}])", ab), u"-U:12|-U");
+    EXPECT_EQ(kinds(R"([{"a":[{"b":1},{"b":2.5}],"n":3}])", {u"||n,a"_s, u"a||b"_s}), u"iK|-U|dF");
+    EXPECT_EQ(kinds(R"({"a":{"a":"x"},"b":{"a":1}})", {u"||a"_s}), u"-U"); // one record
+    EXPECT_EQ(kinds(R"({"m1":{"v":1},"m2":{"v":2}})", {u"||v"_s}), u"iK"); // a map of records
+    EXPECT_EQ(kinds(R"([{"v":12345678901234567890}])", {u"||v"_s}), u"iU");
+}
+
+TEST(LevelExtractor, ScansTheRowsThatItExtracts)
+{
+    for (const Case &one : kCases) {
+        MemorySource source((QByteArrayView(one.json)));
+        JSONTokenizer tokenizer(source, 1024, u"");
+        qint64 rows = 0;
+        const QStringList kinds = scanned(levelsOf(one.levels), tokenizer, {}, &rows).split(u'|');
+        const QStringList wanted = QString::fromUtf8(one.rows).section(u'!', 0, 0).split(u';');
+        EXPECT_EQ(rows, wanted.size() - 1) << one.json;
+        for (qsizetype column = 0; column < kinds.size(); ++column) {
+            const bool isEmpty =
+                std::all_of(wanted.begin(), wanted.end() - 1,
+                            [&](const QString &row) { return row.split(u',')[column] == "-"_L1; });
+            EXPECT_EQ(kinds[column] == "-U"_L1, isEmpty) << one.json;
+        }
+    }
+}

@@ -2,10 +2,11 @@
 // their kinds, and cells of numbers.
 #include "base/bytes.h"
 #include "base/cell.h"
-#include "base/number.h"
 #include "codecs/markup/levels/level_extractor.h"
+#include "codecs/values/number_value.h"
 
-#include <cmath>
+#include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -24,21 +25,116 @@ std::string_view viewOf(const QByteArray &bytes)
     return {bytes.constData(), static_cast<size_t>(bytes.size())};
 }
 
-/// False also for digits of a number that no double holds.
-bool parseFinite(std::string_view text, double *value)
-{
-    return parseDouble(text, value) &&
-           (!std::isinf(*value) || text.back() < '0' || text.back() > '9');
-}
-
 } // namespace
 
 // ---- The values without cells.
 
+/// Scans the leaves of the first level's occurrences before they get into a tree, as far as their
+/// names are the whole path of one item. All others are found in the tree.
+class LevelExtractor::LeafScan final : public MarkupTreeBuilder::LeafTaker
+{
+public:
+    explicit LeafScan(LevelExtractor &extractor)
+        : m_extractor(extractor)
+    {
+        const LevelState &first = *extractor.m_levels.front();
+        const PathSyntax syntax{extractor.m_options.zeroBased, u'/'};
+        std::vector<std::vector<PathStep>> paths;
+        for (const LevelItem &item : first.level.items) {
+            paths.push_back(parsePath(item.path, syntax));
+        }
+        for (size_t i = 0; i < paths.size(); ++i) {
+            if (!first.level.items[i].tagName && isName(paths[i])) {
+                m_columns.push_back(
+                    {paths[i].front().name, static_cast<size_t>(first.firstColumn) + i +
+                                                (extractor.m_options.outputSubTags ? 1 : 0)});
+            }
+        }
+        if (extractor.m_levels.size() > 1) {
+            paths.push_back(extractor.m_levels[1]->initialPath);
+        }
+        std::erase_if(m_columns, [&](const Column &column) { return isShared(column, paths); });
+    }
+
+    bool take(const MarkupTokenizer &tokenizer, const MarkupTokenizer::Leaf &leaf) override
+    {
+        // Records have the same members in the same order, but some may lack one.
+        constexpr size_t kTried = 4;
+        const RawText name = tokenizer.resolve(leaf.name);
+        for (size_t n = std::min(kTried, m_columns.size()); n > 0; --n) {
+            m_next = m_next < m_columns.size() ? m_next : 0;
+            Column &column = m_columns[m_next++];
+            if (nameMatches(name, column.name)) {
+                scan(tokenizer, leaf, column);
+                return true;
+            }
+        }
+        return false;
+    }
+
+private:
+    struct Column
+    {
+        std::u16string name; // in lower case
+        size_t index = 0;
+        qint64 last = 0; // occurrence in which it had a value: further ones are not read
+    };
+
+    static bool isName(const std::vector<PathStep> &path)
+    {
+        return path.size() == 1 && !path[0].anyName && !path[0].isIndexed && path[0].index == 0 &&
+               !path[0].isAttribute() && !path[0].name.empty();
+    }
+    /// Whether other paths select elements of the name, too.
+    static bool isShared(const Column &column, const std::vector<std::vector<PathStep>> &paths)
+    {
+        const auto begins = [&](const std::vector<PathStep> &path) {
+            return path.empty() || path[0].anyName || path[0].name == column.name;
+        };
+        return std::count_if(paths.begin(), paths.end(), begins) != 1;
+    }
+    void scan(const MarkupTokenizer &tokenizer, const MarkupTokenizer::Leaf &leaf, Column &column)
+    {
+        values::ColumnScan &scan = m_extractor.m_scans[column.index];
+        const bool isFirst =
+            std::exchange(column.last, m_extractor.m_occurrences) != m_extractor.m_occurrences;
+        if (!isFirst || !leaf.hasText || scan.isDecided()) {
+            return;
+        }
+        const RawText text = tokenizer.resolve(leaf.text);
+        const bool isQuoted = text.data[-1] == '"'; // the name comes before: there is such a byte
+        const auto place = [&] {
+            const LineCounter start = tokenizer.tokenStart();
+            return m_extractor.placeOfRow(placeText(start.line(), start.column()));
+        };
+        m_extractor.scanText(text.view(), isQuoted, place, &scan);
+    }
+
+    LevelExtractor &m_extractor;
+    std::vector<Column> m_columns;
+    size_t m_next = 0;
+};
+
+void LevelExtractor::scanValues(std::span<values::ColumnScan> scans)
+{
+    m_scans = scans;
+    // Where a value depends on more than its leaf, all are found in the tree.
+    if (m_options.keepRoot && !m_options.presence && !m_options.allText && !m_options.expandSpans &&
+        !m_options.ignoreEmpty && m_options.skip == 0) {
+        m_leafScan = std::make_unique<LeafScan>(*this);
+        m_reader->setLeafTaker(m_leafScan.get());
+    }
+}
+
 /// For messages: an item of the row that is scanned now.
 QString LevelExtractor::placeOfRow(quint32 item) const
 {
-    return u"row %1 (%2)"_s.arg(QString::number(m_rows + 1), m_reader->placeOf(item));
+    return placeOfRow(m_reader->placeOf(item));
+}
+
+QString LevelExtractor::placeOfRow(const QString &place) const
+{
+    return u"row %1 (%2)"_s.arg(QString::number(m_rows + 1), place);
 }
 
 void LevelExtractor::scanItems(LevelState &state, CellArena &arena)
@@ -63,25 +159,27 @@ inline void LevelExtractor::scanItem(const LevelItem &item, quint32 found, CellA
     const std::optional<TextSpan> text = m_items.singleText(tree(), item, found);
     const bool isPlain = text && (text->form() == TextForm::Plain);
     if (isPlain) {
-        scanText(*text, found, scan);
+        scanText(
+            tree().raw(*text).view(), tree().isQuoted(*text), [&] { return placeOfRow(found); },
+            scan);
     } else {
         scanCell(m_items.cellOf(tree(), item, found, arena), found, scan);
     }
 }
 
 /// Only in JSON the quotes of a value say that it is a text.
-inline void LevelExtractor::scanText(TextSpan text, quint32 item, values::ColumnScan *scan)
+template <class Place>
+inline void LevelExtractor::scanText(std::string_view text, bool isQuoted, const Place &place,
+                                     values::ColumnScan *scan) const
 {
-    const auto place = [&] { return placeOfRow(item); };
-    const std::string_view value = tree().raw(text).view();
     if (!m_isJson) {
-        scan->add(value, place);
-    } else if (tree().isQuoted(text)) {
-        scan->addText(value, place);
-    } else if (value == "true" || value == "false") {
-        scan->addBoolean(value, place);
-    } else if (!m_items.isMissingNull(tree(), text)) {
-        scan->addNumber(value, place);
+        scan->add(text, place);
+    } else if (isQuoted) {
+        scan->addText(text, place);
+    } else if (text == "true" || text == "false") {
+        scan->addBoolean(text, place);
+    } else if (!m_items.isMissingNull(text)) {
+        scan->addNumber(text, place);
     }
 }
 
@@ -141,9 +239,10 @@ inline const uchar *LevelExtractor::typedCell(const LevelItem &item, quint32 fou
     const std::optional<TextSpan> text =
         isFound ? m_items.singleText(tree(), item, found) : std::nullopt;
     if (text && text->form() == TextForm::Plain) {
-        return m_items.isMissingNull(tree(), *text)
+        const std::string_view value = tree().raw(*text).view();
+        return m_items.isMissingNull(value) && !tree().isQuoted(*text)
                    ? m_missing[column]
-                   : numberCell(tree().raw(*text).view(), column, arena);
+                   : numberCell(value, column, arena);
     }
     const uchar *const built =
         isFound ? m_items.cellOf(tree(), item, found, arena) : m_items.absentCell(item, arena);
@@ -153,16 +252,15 @@ inline const uchar *LevelExtractor::typedCell(const LevelItem &item, quint32 fou
 
 const uchar *LevelExtractor::numberCell(std::string_view text, size_t column, CellArena &arena)
 {
-    constexpr quint64 kGreatestKey = cell::kMissingKeyOther - 1;
-    quint64 key = 0;
+    quint32 key = 0;
     double value = 0;
     const bool isKey = m_options.types[column] == 'K';
-    if (isKey ? !parseUInt(text, kGreatestKey, &key) : !parseFinite(text, &value)) {
+    if (isKey ? !values::parseKey(text, &key) : !values::parseFinite(text, &value)) {
         setBadValue(text, column);
         return m_missing[column];
     }
     uchar *const room = arena.alloc(isKey ? cell::kKeyBytes : cell::kDoubleBytes);
-    isKey ? storeNative(static_cast<quint32>(key), room) : storeNative(value, room);
+    isKey ? storeNative(key, room) : storeNative(value, room);
     return room;
 }
 

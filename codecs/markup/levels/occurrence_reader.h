@@ -26,6 +26,8 @@ public:
 
     /// Set the initial size of the memory of a tree, in bytes.
     void setBlockSize(qint64 bytes) { m_record.builder().setBlockSize(bytes); }
+    /// See RecordBuilder.
+    void setLeafTaker(MarkupTreeBuilder::LeafTaker *taker) { m_record.setLeafTaker(taker); }
     /// Begin another file: its documents may have another form. Call before the beginDocument() of
     /// its first document.
     void beginFile();

@@ -7,7 +7,8 @@ namespace corvanta::markup {
 /// Add the next leaves and one more token, which it returns.
 inline Result<Token, MarkupError> RecordBuilder::addNext()
 {
-    const bool hasRoom = m_builder.addLeaves();
+    const bool isDirect = m_builder.depth() == m_occurrenceDepth;
+    const bool hasRoom = m_builder.addLeaves(isDirect ? m_taker : nullptr);
     const Token token = hasRoom ? m_tokenizer->nextToken() : Token::None;
     if (token == Token::Error) {
         return Fault{m_tokenizer->errorCode()};
@@ -22,6 +23,7 @@ inline Result<Token, MarkupError> RecordBuilder::addNext()
 RecordBuilder::Status RecordBuilder::buildElement()
 {
     begin();
+    m_occurrenceDepth = 1;
     return addElement();
 }
 
@@ -41,6 +43,7 @@ RecordBuilder::Status RecordBuilder::addElement()
 
 RecordBuilder::Status RecordBuilder::addRestOfValue()
 {
+    m_occurrenceDepth = 0;
     for (;;) {
         const auto added = addNext();
         if (!added) {

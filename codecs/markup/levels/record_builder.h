@@ -15,8 +15,15 @@ public:
     /// Begin a document. `tokenizer` must outlive the document.
     void beginDocument(MarkupTokenizer &tokenizer) { m_tokenizer = &tokenizer; }
 
+    /// Let `taker`, which may be null, take leaves that are directly in an occurrence.
+    void setLeafTaker(MarkupTreeBuilder::LeafTaker *taker) { m_taker = taker; }
+
     /// Begin a tree at the current token, which is not added.
-    void begin() { m_builder.begin(*m_tokenizer); }
+    void begin()
+    {
+        m_occurrenceDepth = kNoDepth;
+        m_builder.begin(*m_tokenizer);
+    }
     /// Begin a tree at the current Start and add its whole element.
     Status buildElement();
     /// Add the current Start and the rest of its element.
@@ -40,7 +47,11 @@ public:
 private:
     Result<Token, MarkupError> addNext();
 
+    static constexpr qint64 kNoDepth = -1;
+
     MarkupTreeBuilder m_builder;
+    MarkupTreeBuilder::LeafTaker *m_taker = nullptr;
+    qint64 m_occurrenceDepth = kNoDepth; // of the open elements while one is built
     MarkupTokenizer *m_tokenizer = nullptr;
 };
 

@@ -217,11 +217,12 @@ bool MarkupTreeBuilder::addClear(TextSpan text)
     return item != nullptr;
 }
 
-bool MarkupTreeBuilder::addLeaves()
+bool MarkupTreeBuilder::addLeaves(LeafTaker *taker)
 {
     MarkupTokenizer::Leaf leaf;
     while (m_tokenizer->takeLeaf(&leaf)) {
-        if (!addLeaf(leaf)) {
+        const bool isTaken = taker != nullptr && taker->take(*m_tokenizer, leaf);
+        if (!isTaken && !addLeaf(leaf)) {
             return false;
         }
     }

@@ -216,9 +216,21 @@ public:
     /// Add the current token (Start, End, Text, Clear or Instruction). Returns false when the tree
     /// becomes too large (limits::kTreeArenaBytes), its only failure.
     bool add(Token token);
-    /// Add the leaves that come next, if any, without a token for each part. Returns false when the
-    /// tree becomes too large.
-    bool addLeaves();
+    /// Takes leaves instead of the tree.
+    class LeafTaker
+    {
+    public:
+        LeafTaker() = default;
+        LeafTaker(const LeafTaker &) = delete;
+        LeafTaker &operator=(const LeafTaker &) = delete;
+        virtual ~LeafTaker() = default;
+        /// Returns false for a leaf that is to be added to the tree. Its spans are relative to the
+        /// current token.
+        virtual bool take(const MarkupTokenizer &tokenizer, const MarkupTokenizer::Leaf &leaf) = 0;
+    };
+    /// Add the leaves that come next, if any, without a token for each part; first `taker`, if
+    /// given, may take each. Returns false when the tree becomes too large.
+    bool addLeaves(LeafTaker *taker = nullptr);
     /// Number of open elements below the artificial root.
     qint64 depth() const { return m_depth; }
     /// The tree of the tokens added so far. Call again after the tokenizer read on.
