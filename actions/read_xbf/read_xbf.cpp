@@ -1,7 +1,6 @@
 #include "actions/read_xbf/read_xbf.h"
 
 #include "actions/read_xbf/xbf_file.h"
-#include "actions/shared/scanned_columns.h"
 #include "corvanta/system.h"
 
 using namespace Qt::StringLiterals;
@@ -54,6 +53,9 @@ void setTypedKind(const dbf::Field &field, ColumnKind *kind)
 
 QVector<ColumnKind> ActionReadXBF::columnKinds(KindExtent extent)
 {
+    if (!m_params.types.isEmpty()) {
+        return {};
+    }
     const encoding::TextDecoder decoder = makeDecoder();
     QStringList names;
     std::vector<dbf::Field> fields;

@@ -5,6 +5,8 @@
 #pragma once
 #include "actions/read_xbf/read_xbf_params.h"
 #include "actions/shared/file_series.h"
+#include "actions/shared/scanned_columns.h"
+#include "actions/shared/params/type_letters.h"
 #include "codecs/encoding/text_decoder.h"
 #include "corvanta/action_base.h"
 
@@ -27,6 +29,12 @@ public:
     /// The kinds of all columns: of texts and of numbers in digits from their values, of others
     /// from the type that they have in the file.
     QVector<ColumnKind> columnKinds(KindExtent extent) override;
+    bool readColumnsAs(const QVector<ColumnKind> &columns) override
+    {
+        m_params.types = lettersOf(columns);
+        return true;
+    }
+    QVector<ParameterProblem> problems() const override { return typeProblems(m_params.types); }
 
 private:
     void start() override;

@@ -42,6 +42,11 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
             .meaning("Reads fields of currency (Y) as numbers, and leaves out objects and pictures "
                      "(G, P, and B outside FoxPro), with a warning. Off: a table with such a field "
                      "is rejected."),
+        text("types", &P::types)
+            .label("Column types")
+            .meaning("One letter per column, separated by commas: K (whole number), F (decimal "
+                     "number), U (text). Only columns of texts and digits change; those without a "
+                     "letter are texts."),
     };
     return table;
 }

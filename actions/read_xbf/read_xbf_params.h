@@ -23,6 +23,9 @@ struct ReadXbfParams
     bool level7 = false;
     /// Read amounts of currency, and leave out objects and pictures. Off: such tables are rejected.
     bool readAllTypes = false;
+    /// Letters of the types of the columns, separated by commas: text columns with K or F are
+    /// numbers.
+    QString types;
 };
 
 /// Constant; made by the first call.

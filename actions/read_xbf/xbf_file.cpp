@@ -1,7 +1,9 @@
 #include "actions/read_xbf/xbf_file.h"
 
+#include "actions/shared/params/type_letters.h"
 #include "base/checked.h"
 #include "base/counted.h"
+#include "codecs/values/number_value.h"
 #include "io/input/whole_input.h"
 
 #include <algorithm>
@@ -55,6 +57,10 @@ FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
         return Fault{FileSeries::OpenError::Failed};
     }
     file->m_reader = *std::move(reader);
+    const auto columns = static_cast<qsizetype>(file->m_reader->columns().size());
+    if (!takeTypeLetters(action, params.types, columns, &file->m_letters)) {
+        return Fault{FileSeries::OpenError::Failed};
+    }
     file->warnColumns();
     // Without its memo file a table is read all the same.
     if (params.useDBT && file->m_reader->header().hasMemoFields()) {
@@ -115,7 +121,9 @@ TableSchema XbfFile::columns() const
     TableSchema columns;
     for (size_t i = 0; i < m_reader->columns().size(); ++i) {
         columns.names << m_reader->columnName(i);
-        columns.types << MetaInfo(m_reader->columns()[i].cell);
+        columns.types << (isNumberOfText(i)
+                              ? MetaInfo(static_cast<MetaInfo::MetaTypeColumn>(m_letters[i]), -1)
+                              : MetaInfo(m_reader->columns()[i].cell));
     }
     return columns;
 }
@@ -154,13 +162,50 @@ bool XbfFile::putCells(OneRow &row)
     RowBuffer *const buffer = m_action.bufferForOutputPin(0);
     const auto columns = static_cast<int>(m_reader->columns().size());
     for (int i = 0; i < columns; ++i) {
-        const uchar *const cell = m_reader->cell(static_cast<size_t>(i), *buffer);
+        const auto column = static_cast<size_t>(i);
+        if (isNumberOfText(column)) {
+            if (!putNumber(column, *buffer, row)) {
+                return false;
+            }
+            continue;
+        }
+        const uchar *const cell = m_reader->cell(column, *buffer);
         if (cell == nullptr) {
             return fail(m_reader->fault());
         }
         row.setCol(i, cell);
     }
     return true;
+}
+
+/// Whether a column whose texts are numbers is read as such.
+inline bool XbfFile::isNumberOfText(size_t column) const
+{
+    const dbf::Conversion conversion = m_reader->columns()[column].conversion;
+    return !m_letters.empty() && m_letters[column] != 'U' &&
+           (conversion == dbf::Conversion::Text || conversion == dbf::Conversion::Digits);
+}
+
+bool XbfFile::putNumber(size_t column, RowBuffer &buffer, OneRow &row)
+{
+    const bool isKey = m_letters[column] == 'K';
+    const QByteArrayView bytes = *m_reader->text(column);
+    const std::string_view text(bytes.data(), static_cast<size_t>(bytes.size()));
+    quint32 key = cell::kMissingKey;
+    double value = cell::missingDouble();
+    const bool isNumber = isKey ? values::parseKey(text, &key) : values::parseFinite(text, &value);
+    if (!isNumber && !text.empty()) {
+        return failOnNumber(column, bytes);
+    }
+    row.setCol(static_cast<int>(column),
+               isKey ? keyCell(&buffer, key) : doubleCell(&buffer, value));
+    return true;
+}
+
+bool XbfFile::failOnNumber(size_t column, QByteArrayView text)
+{
+    return failOnValue(m_action, m_name, u"record %1"_s.arg(m_reader->findings().records),
+                       m_reader->columnName(column), QString::fromLatin1(text), m_letters[column]);
 }
 
 /// The checksum of a packed file is at its end, after bytes that no record needs.

@@ -47,6 +47,9 @@ private:
     // Rows and messages. Functions that return a bool return false when the run has failed or
     // ended.
     bool putCells(OneRow &row);
+    bool isNumberOfText(size_t column) const;
+    bool putNumber(size_t column, RowBuffer &buffer, OneRow &row);
+    bool failOnNumber(size_t column, QByteArrayView text);
     void warnColumns();
     void warnCounts();
     void warnValues();
@@ -59,6 +62,7 @@ private:
     QString m_memoName;
     /// Texts are wanted, and nothing has been said about a missing memo file.
     bool m_reportsMissingMemos = false;
+    std::string m_letters; // of the types of the columns; empty: those of the cells
     // Members are destroyed in reverse order: each uses those above it.
     std::unique_ptr<RunInput> m_input;
     std::unique_ptr<RunInput> m_memoInput;

@@ -2,6 +2,7 @@
 
 #include "actions/shared/input_sample.h"
 #include "actions/shared/scanned_columns.h"
+#include "actions/shared/params/type_letters.h"
 #include "base/counted.h"
 
 #include <algorithm>
@@ -36,33 +37,9 @@ LevelRun::Input LevelReader::source() const
     return source;
 }
 
-namespace {
-
-QStringList typeLetters(const QString &types)
-{
-    QStringList letters = types.isEmpty() ? QStringList() : types.split(u',');
-    for (QString &letter : letters) {
-        letter = letter.trimmed();
-    }
-    return letters;
-}
-
-bool isTypeLetter(const QString &letter)
-{
-    return letter == "K"_L1 || letter == "F"_L1 || letter == "U"_L1;
-}
-
-} // namespace
-
 QVector<ParameterProblem> LevelReader::problems() const
 {
-    QVector<ParameterProblem> problems;
-    for (const QString &letter : typeLetters(readerParams().types)) {
-        if (!isTypeLetter(letter)) {
-            problems.append({u"types"_s, u"'%1' is not a column type (K, F, U)"_s.arg(letter)});
-        }
-    }
-    return problems;
+    return typeProblems(readerParams().types);
 }
 
 bool LevelReader::readColumnsAs(const QVector<ColumnKind> &columns)
@@ -74,20 +51,13 @@ bool LevelReader::readColumnsAs(const QVector<ColumnKind> &columns)
 bool LevelReader::beginRun(const LevelRun::Input &source, const std::vector<ReadLevel> &levels,
                            markup::ExtractOptions options)
 {
-    for (const QString &letter : typeLetters(readerParams().types)) {
-        if (!isTypeLetter(letter)) {
-            return fail(u"Error: read%1: '%2' is not a column type (K, F, U)\n"_s.arg(formatName(),
-                                                                                      letter));
-        }
-        options.types += letter[0].toLatin1();
+    const markup::LevelExtractor extractor(levels, options); // for the number of its columns
+    if (!takeTypeLetters(*this, readerParams().types, extractor.columnCount(), &options.types)) {
+        return false;
     }
     m_run = std::make_unique<LevelRun>(*this, m_series, static_cast<LevelRun::Format &>(*this),
                                        source, levels, options);
-    const qsizetype types = static_cast<qsizetype>(options.types.size());
-    const qsizetype columns = m_run->documentColumns();
-    // A longer list is an error: the levels are not those that the types were written for.
-    return types <= columns || fail(u"Error: read%1: %2 column types for the %3 columns\n"_s.arg(
-                                   formatName(), QString::number(types), QString::number(columns)));
+    return true;
 }
 
 void LevelReader::expectUtf8(markup::MarkupTokenizer &tokenizer)

@@ -1,5 +1,6 @@
 #include "actions/shared/level_run.h"
 
+#include "actions/shared/params/type_letters.h"
 #include "corvanta/failure_reason.h"
 #include "io/input/run_input.h"
 
@@ -237,11 +238,8 @@ bool LevelRun::documentFails(markup::MarkupResult failure, Found *found)
 bool LevelRun::badValue(qint64 line)
 {
     const markup::LevelExtractor::BadValue &bad = *m_extractor.badValue();
-    return m_action.fail(
-        u"Error: %1: file '%2', line %3, column '%4': '%5' is not of type %6\n"_s.arg(
-            QString::fromLatin1(m_action.getTypeName()), documentName(), QString::number(line),
-            bad.column, bad.value, QString(QLatin1Char(bad.letter))),
-        u"as a text (U) the column can be read"_s);
+    return failOnValue(m_action, documentName(), u"line %1"_s.arg(line), bad.column, bad.value,
+                       bad.letter);
 }
 
 /// Continue at the next line of JSON Lines; of a stream of texts, in the current one.

@@ -86,8 +86,6 @@ public:
 
     /// Columns of the output pin; 0 before the first call of step().
     int columnCount() const { return m_columnCount; }
-    /// Columns of the documents, without copied ones and that of file names.
-    int documentColumns() const { return m_extractor.columnCount(); }
     /// Bytes of the first block of a record's tree.
     void setBlockSize(qint64 bytes) { m_extractor.setBlockSize(bytes); }
 

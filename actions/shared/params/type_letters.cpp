@@ -1,0 +1,68 @@
+#include "actions/shared/params/type_letters.h"
+
+#include "base/counted.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta {
+
+namespace {
+
+QStringList lettersIn(const QString &types)
+{
+    QStringList letters = types.isEmpty() ? QStringList() : types.split(u',');
+    for (QString &letter : letters) {
+        letter = letter.trimmed();
+    }
+    return letters;
+}
+
+bool isTypeLetter(const QString &letter)
+{
+    return letter == "K"_L1 || letter == "F"_L1 || letter == "U"_L1;
+}
+
+} // namespace
+
+QVector<ParameterProblem> typeProblems(const QString &types)
+{
+    QVector<ParameterProblem> problems;
+    for (const QString &letter : lettersIn(types)) {
+        if (!isTypeLetter(letter)) {
+            problems.append({u"types"_s, u"'%1' is not a column type (K, F, U)"_s.arg(letter)});
+        }
+    }
+    return problems;
+}
+
+bool takeTypeLetters(ActionBase &action, const QString &types, qsizetype columns,
+                     std::string *letters)
+{
+    const QString name = QString::fromLatin1(action.getTypeName());
+    for (const QString &letter : lettersIn(types)) {
+        if (!isTypeLetter(letter)) {
+            return action.fail(
+                u"Error: %1: '%2' is not a column type (K, F, U)\n"_s.arg(name, letter));
+        }
+        *letters += letter[0].toLatin1();
+    }
+    // A longer list is an error: the columns are not those that the types were written for.
+    const auto count = static_cast<qsizetype>(letters->size());
+    if (count > columns) {
+        return action.fail(u"Error: %1: %2 for %3\n"_s.arg(name, counted(count, u"column type"_s),
+                                                           counted(columns, u"column"_s)));
+    }
+    letters->resize(letters->empty() ? 0 : static_cast<size_t>(columns), 'U');
+    return true;
+}
+
+bool failOnValue(ActionBase &action, const QString &file, const QString &place,
+                 const QString &column, const QString &value, char letter)
+{
+    return action.fail(u"Error: %1: file '%2', %3, column '%4': '%5' is not of type %6\n"_s.arg(
+                           QString::fromLatin1(action.getTypeName()), file, place, column, value,
+                           QString(QLatin1Char(letter))),
+                       u"only a column of texts (type U) can have this value"_s);
+}
+
+} // namespace corvanta
