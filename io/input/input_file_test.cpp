@@ -2,6 +2,7 @@
 #include "corvanta/action_item.h"
 #include "corvanta/main_ui.h"
 #include "io/input/input_file.h"
+#include "io/input/kept_pipe.h"
 #include "tests/support/corpus.h"
 
 #include <QTemporaryDir>
@@ -39,6 +40,80 @@ QByteArray readAll(InputFile &file)
 }
 
 } // namespace
+
+namespace {
+
+/// Bytes of a pipe.
+class Bytes final : public input::InputSource
+{
+public:
+    explicit Bytes(QByteArray bytes)
+        : m_bytes(std::move(bytes))
+        , m_source(m_bytes, 7)
+    {
+    }
+    qint64 read(void *buffer, qint64 n) override { return m_source.read(buffer, n); }
+    qint64 size() override { return -1; }
+    bool seek(qint64) override { return false; }
+    qint64 progressPosition() const override { return 0; }
+
+private:
+    QByteArray m_bytes;
+    MemorySource m_source;
+};
+
+} // namespace
+
+TEST(ReplayedSource, KeepsWhatFitsMemoryAndTheRestInAFile)
+{
+    QByteArray bytes;
+    for (int i = 0; i < 500; ++i) {
+        bytes += QByteArray::number(i) + ' ';
+    }
+    input::ReplayedSource source(std::make_unique<Bytes>(bytes), 100);
+    const auto read = [&](qint64 n) {
+        QByteArray all;
+        QByteArray piece(13, '\0');
+        for (qint64 got = 1; got > 0 && all.size() < n;) {
+            got = source.read(piece.data(), std::min<qint64>(piece.size(), n - all.size()));
+            all += piece.first(std::max<qint64>(got, 0));
+        }
+        return all;
+    };
+    // A sample, a scan of the whole, a second one that stops, and the run.
+    source.rewind(true);
+    EXPECT_EQ(read(150), bytes.first(150));
+    source.rewind(true);
+    EXPECT_EQ(read(bytes.size() + 1), bytes);
+    EXPECT_TRUE(source.seek(120));
+    EXPECT_EQ(read(60), bytes.mid(120, 60));
+    source.rewind(false);
+    EXPECT_EQ(read(bytes.size() + 1), bytes);
+}
+
+TEST(ReplayedSource, ReportsBytesThatItCannotKeep)
+{
+    qputenv("TMPDIR", "/nope");
+    input::ReplayedSource source(std::make_unique<Bytes>(QByteArray(500, 'x')), 100);
+    source.rewind(true);
+    QByteArray all(500, '\0');
+    qint64 got = 1;
+    while (got > 0) {
+        got = source.read(all.data(), all.size());
+    }
+    qunsetenv("TMPDIR");
+    EXPECT_EQ(got, -1);
+    EXPECT_TRUE(source.failure().startsWith(QStringLiteral(
+        "the data of the pipe cannot be kept in a temporary file in the folder '/nope': ")))
+        << source.failure().toStdString();
+    source.rewind(false);
+    qint64 kept = 0; // whole reads of the pipe
+    while ((got = source.read(all.data(), all.size())) > 0) {
+        kept += got;
+    }
+    EXPECT_EQ(kept, 98);
+    EXPECT_EQ(got, -1);
+}
 
 TEST(InputFile, LogsWhyItDoesNotOpen)
 {
