@@ -141,11 +141,14 @@ constexpr Command kCommands[] = {
      "long cells are cut, and columns that do not fit are named at the end.\n\n"
      "Inputs, other options and exit statuses are those of \"corvanta convert\".\n"},
     {"schema", schemaOptions, schemaCommand, "print the columns of a file",
-     "corvanta schema INPUT [--json] [-v] [options]\n\n"
+     "corvanta schema INPUT [--json] [-v] [--all] [options]\n\n"
      "Prints one line per column: its name, a tab and its type, which is K (integer), F (decimal "
      "number) or U (text).\n"
-     "The label, the format and the value labels of a variable follow, where the file has them; "
-     "-v prints more than\nten value labels. --json prints an array with an object per column.\n\n"
+     "The types of files of texts are those of the values in the first rows; --all examines all "
+     "rows. The label, the\n"
+     "format and the value labels of a variable follow, where the file has them. -v prints more "
+     "than ten value labels,\n"
+     "and which value made a column a text. --json prints an array with an object per column.\n\n"
      "Inputs, options and exit statuses are those of \"corvanta convert\".\n"},
     {"actions", actionsOptions, actionsCommand, "list the actions",
      "corvanta actions [--json]\n\nLists the actions of all plug-ins. --json prints all their "
