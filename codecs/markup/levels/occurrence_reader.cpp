@@ -8,6 +8,8 @@
 //     keepRoot off           in the tree of a whole top-level value
 #include "codecs/markup/levels/occurrence_reader.h"
 
+#include "codecs/markup/tokens/xml_tokenizer.h"
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;

@@ -38,7 +38,8 @@ void TableHeader::addText(QStringView text, bool isSeparate)
 {
     QString &cell = m_rows.back().cells.back().text;
     if (cell.size() < kCellChars) {
-        cell += (isSeparate ? u" "_s : QString()) + text.first(std::min(text.size(), kCellChars));
+        cell += isSeparate ? u" "_s : QString();
+        cell += text.first(std::min(text.size(), kCellChars));
     }
 }
 
