@@ -446,8 +446,8 @@ class Corpus(Case):
     def test_documents(self):
         for name in ("miserables.json miserables_links.csv", "penguins.json penguins.csv"):
             document, golden = name.split()
-            self.check(f"json/docs/{document}", f"json/docs/golden/{golden}")
-        self.check("json/docs/citm_catalog.json", "json/docs/golden/citm_performances.csv", "--table", "2", "--reader",
+            self.check(f"json/docs/{document}", f"json/docs/golden/{golden}", "--reader", "nullIsMissing=0")
+        self.check("json/docs/citm_catalog.json", "json/docs/golden/citm_performances.csv", "--table", "2", "--reader", "nullIsMissing=0", "--reader",
                    "Level=<Level initialPath='performances'>" + "".join(
                        f"<e name='{n}' path='{n}'/>" for n in ("id", "eventId", "logo", "name", "start", "venueCode")) + "</Level>")
         for name in ("slashdot", "slashdot16"):
