@@ -14,6 +14,9 @@ namespace corvanta::markup {
 
 namespace {
 
+/// No table has more columns than this one: a path with a greater index selects nothing.
+constexpr quint32 kMaxColumns = 1 << 20;
+
 bool isCell(const MarkupTree &tree, quint32 child)
 {
     const std::string_view name = tree.raw(child).view();
@@ -51,7 +54,7 @@ void SpanCells::add(const std::vector<PathStep> &path)
         added.rest = std::make_unique<PathSet>();
         added.rest->add({path.begin() + 1, path.end()});
     }
-    const size_t used = std::min(*added.column, SpanGrid::kMaxSpannedColumns) + size_t(1);
+    const size_t used = std::min(*added.column, kMaxColumns) + size_t(1);
     m_cells.resize(std::max(m_cells.size(), used));
 }
 

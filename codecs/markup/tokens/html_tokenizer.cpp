@@ -201,6 +201,24 @@ const char *HtmlTokenizer::findChar(const char *at, char c)
     }
 }
 
+/// The next character at or after `at` that `isStop` accepts. The same for NULs.
+template <class IsStop> const char *HtmlTokenizer::findStop(const char *at, IsStop isStop)
+{
+    for (;;) {
+        while (*at != 0 && !isStop(*at)) {
+            ++at;
+        }
+        if (*at != 0) {
+            return at;
+        }
+        if (at != end()) {
+            ++at;
+        } else if (!refillAt(&at)) {
+            return at;
+        }
+    }
+}
+
 /// True when `opener`, the name in any letter case and a character that ends a name are at `at`.
 /// That many bytes are in the buffer, or the data ends before.
 bool HtmlTokenizer::isTagAt(const char *at, std::string_view opener, std::string_view name) const
@@ -480,22 +498,10 @@ Token HtmlTokenizer::beginRow()
 bool HtmlTokenizer::readName(const char **at, TextSpan *name)
 {
     const quint32 offset = fromToken(*at);
-    for (;;) {
-        *at = skipNameChars(*at);
-        if (endsName(**at)) {
-            break;
-        }
-        if (*at == end()) {
-            if (!refillAt(at)) {
-                return false;
-            }
-        } else {
-            ++*at;
-        }
-    }
+    *at = findStop(skipNameChars(*at), endsName);
     moveTo(*at);
     *name = span(offset, *at, TextForm::Plain);
-    return true;
+    return *at != end();
 }
 
 /// Read the rest of a tag after its name.
@@ -526,12 +532,8 @@ bool HtmlTokenizer::readAttribute()
     Attribute attribute;
     const char *at = here();
     const quint32 offset = fromToken(at);
-    do { // the first character may be a "="
-        ++at;
-        while (*at != 0 && *at != '=' && !endsName(*at)) {
-            ++at;
-        }
-    } while (*at == 0 && (at != end() || refillAt(&at)));
+    // The first character may be a "=".
+    at = findStop(at + 1, [](char c) { return c == '=' || endsName(c); });
     moveTo(at);
     attribute.name = span(offset, at, TextForm::Plain);
     if (skipSpace(Hold::Token) == '=') {
@@ -563,25 +565,11 @@ bool HtmlTokenizer::readQuoted(char quote, TextSpan *value)
 /// Read a value without quotes, which ends at a space or at the end of the tag.
 bool HtmlTokenizer::readUnquoted(TextSpan *value)
 {
-    const char *at = here();
-    const quint32 offset = fromToken(at);
-    for (;;) {
-        while (*at != 0 && *at != '>' && !isSpace(*at)) {
-            ++at;
-        }
-        if (*at != 0) {
-            break;
-        }
-        if (at != end()) {
-            ++at;
-        } else if (!refillAt(&at)) {
-            moveTo(at);
-            return false;
-        }
-    }
-    *value = span(offset, at, TextForm::HtmlAttribute);
-    moveTo(at);
-    return true;
+    const quint32 offset = fromToken(here());
+    const char *const stop = findStop(here(), [](char c) { return c == '>' || isSpace(c); });
+    *value = span(offset, stop, TextForm::HtmlAttribute);
+    moveTo(stop);
+    return stop != end();
 }
 
 } // namespace corvanta::markup

