@@ -1,3 +1,5 @@
+// Cells of other columns are passed on; those of a changed column are made in the arena of the
+// output pin. Without a change of a type, rows are passed on as a whole.
 #include "actions/cast/cast.h"
 
 #include "actions/shared/tables/table_columns.h"
@@ -27,6 +29,7 @@ cell::Type typeOfLetter(const QString &letter)
     return static_cast<cell::Type>(letter[0].toLatin1());
 }
 
+/// The fewest digits that give the same number again.
 const uchar *textOfNumber(cell::Type from, const uchar *bytes, RowBuffer *buffer)
 {
     std::array<char16_t, kNumberChars> text{};
@@ -109,6 +112,7 @@ bool ActionCast::begin(const OneRow &columns)
     return true;
 }
 
+/// A column that has the type already is left alone.
 bool ActionCast::addChange(const OneRow &columns, const QString &text)
 {
     const auto type = typeOf(text);
@@ -150,6 +154,7 @@ bool ActionCast::takeRow(const OneRow &row)
     return true;
 }
 
+/// Sets the cell of a changed column. A missing cell stays missing in every type.
 bool ActionCast::putChanged(const Change &change, const OneRow &row, OneRow *out)
 {
     RowBuffer *const buffer = bufferForOutputPin(0);

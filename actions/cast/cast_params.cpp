@@ -1,3 +1,4 @@
+// Attributes come first in a saved graph, lists after them; the panel has its own order.
 #include "actions/cast/cast_params.h"
 
 namespace corvanta {

@@ -1,3 +1,5 @@
+// The expression is parsed and bound once, with the columns of the first row. Rows that pass are
+// views of the input: no cell is copied.
 #include "actions/filter/filter.h"
 
 #include "actions/shared/tables/table_columns.h"
@@ -30,6 +32,7 @@ bool ActionFilter::failExpression(const QString &where, const Fault<expression::
         where, QString::number(fault.offset + 1), fault.detail));
 }
 
+/// A column that the input does not have is reported with its place in the expression.
 bool ActionFilter::begin(const OneRow &columns)
 {
     getOutputRowForOutputPin(0)->copySchemaFrom(&columns);

@@ -1,3 +1,4 @@
+// The expression is saved always: it is what a reader of the graph wants to see.
 #include "actions/filter/filter_params.h"
 
 #include "actions/shared/tables/table_columns.h"

@@ -1,3 +1,7 @@
+// The stages follow each other: the second table is kept, the first one is joined with it row by
+// row, and rows of the second one without a partner are sent. When the second table does not fit,
+// the last two are replaced by those of PartitionedJoin. Each call of stepStage() handles one row,
+// so that the action can yield between two rows.
 #include "actions/join/join.h"
 
 #include "actions/shared/tables/kept_rows.h"
@@ -94,6 +98,7 @@ bool ActionJoin::stepStage()
     return sendJoined();
 }
 
+/// At the end the table is complete and can be searched.
 bool ActionJoin::takeSecond()
 {
     const OneRow *row = std::exchange(m_second, nullptr);
@@ -157,6 +162,7 @@ bool ActionJoin::moveToParts()
     return true;
 }
 
+/// Looks up the partners of one row, or keeps the row with its key until both tables are in parts.
 bool ActionJoin::takeFirst()
 {
     RunState &run = *m_run;
@@ -185,6 +191,7 @@ bool ActionJoin::takeFirst()
     return true;
 }
 
+/// All of its cells are packed: the row of the input is gone when the parts are joined.
 bool ActionJoin::putFirst(const OneRow &row, std::string_view key)
 {
     const rows::ColumnTypes &types = m_run->layout.firstTypes;
@@ -208,6 +215,7 @@ void ActionJoin::joinFirst(const OneRow &row, std::string_view key)
     }
 }
 
+/// Keys that are kept, those of a full join, are only used when the first table has no row.
 void ActionJoin::send(const uchar *const *first, const char *second)
 {
     RunState &run = *m_run;
@@ -240,6 +248,7 @@ bool ActionJoin::sendAlone()
     return true;
 }
 
+/// A part at a time, so that the run can be stopped between two.
 bool ActionJoin::joinPart()
 {
     const auto hasMore = m_run->parts->joinNextPart();

@@ -1,3 +1,5 @@
+// The output begins with the first table as it is. Of the second one the keys are left out, because
+// they equal those of the first, and the other columns follow.
 #include "actions/join/join_layout.h"
 
 #include "actions/shared/tables/table_columns.h"
@@ -71,6 +73,7 @@ std::optional<JoinLayout> LayoutFinder::find()
     return std::move(m_layout);
 }
 
+/// All columns are listed: with two tables the nearest name alone would be little help.
 int LayoutFinder::find(const TableSchema &table, const QString &name, const QString &which)
 {
     const auto column = static_cast<int>(table.names.indexOf(name));
@@ -87,6 +90,7 @@ rows::KeyColumn LayoutFinder::keyOf(const TableSchema &table, int column) const
             shared::numberColumns(m_params.kinds, table)[size_t(column)]};
 }
 
+/// The two sides of a key may have different names and types, but not text and number.
 bool LayoutFinder::addKey(const QString &text)
 {
     // A name that contains "=" is a name.
@@ -147,6 +151,7 @@ bool LayoutFinder::addColumn(int column)
     return true;
 }
 
+/// Lists a column of the second table whose cells are needed.
 void LayoutFinder::keep(int column, int output)
 {
     m_layout.kept.push_back(column);

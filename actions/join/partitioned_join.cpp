@@ -100,6 +100,7 @@ Result<void, SpoolError> PartitionedJoin::addResult(bool isAlone, std::string_vi
     return checked(m_joined.commit(row - key, qsizetype(rowBytes)), m_joined.error());
 }
 
+/// Takes rows until the table is full or the file ends.
 Result<bool, SpoolError> PartitionedJoin::fillTable(rows::RecordSpool &second)
 {
     m_table.clear();
@@ -120,6 +121,7 @@ Result<bool, SpoolError> PartitionedJoin::fillTable(rows::RecordSpool &second)
     return true;
 }
 
+/// The files of a part are removed when it is joined.
 Result<bool, SpoolError> PartitionedJoin::joinNextPart()
 {
     if (m_nextPart == m_parts.size()) {
@@ -196,6 +198,7 @@ Result<void, SpoolError> PartitionedJoin::joinRow(const rows::Record &row, size_
                : Result<void, SpoolError>();
 }
 
+/// The table has had all rows of the part's first file as possible partners.
 Result<void, SpoolError> PartitionedJoin::addSecondAlone()
 {
     for (int row = 0; row < m_table.size(); ++row) {

@@ -1,3 +1,5 @@
+// Rows are passed on as a whole unless columns are chosen or renamed. Cells of chosen columns are
+// copied when the row is sent, because a batch owns its cells.
 #include "actions/select/select.h"
 
 #include "actions/shared/tables/table_columns.h"
@@ -53,6 +55,7 @@ bool ActionSelect::begin(const OneRow &columns)
     return true;
 }
 
+/// Without a list all columns are chosen, in their order.
 bool ActionSelect::findColumns(const TableSchema &input)
 {
     m_columns.assign(static_cast<size_t>(input.names.size()), 0);
@@ -90,6 +93,7 @@ bool ActionSelect::renameColumns(QStringList *names)
     return true;
 }
 
+/// Writers of tables, and expressions, could not tell two columns of one name from each other.
 bool ActionSelect::checkNames(const QStringList &names)
 {
     QStringList sorted = names;
@@ -99,6 +103,7 @@ bool ActionSelect::checkNames(const QStringList &names)
            fail(u"Error: select: two columns of the output have the name '%1'\n"_s.arg(*twice));
 }
 
+/// Returns false after the last row, which ends the action before its input has ended.
 bool ActionSelect::takeRow(const OneRow &row)
 {
     const qint64 number = rowNumber();

@@ -1,3 +1,4 @@
+// The order is that in which the parameters are applied, except that attributes come first.
 #include "actions/select/select_params.h"
 
 namespace corvanta {

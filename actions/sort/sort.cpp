@@ -1,3 +1,5 @@
+// A row is packed next to its key in the memory of the sorter, without a copy in between. After the
+// last row the sorter returns the packed rows in order, which become cells again.
 #include "actions/sort/sort.h"
 
 #include "actions/shared/tables/kept_rows.h"
@@ -66,6 +68,7 @@ void ActionSort::declareOrder(const std::vector<rows::KeyColumn> &keys)
     out->setSortInfos(order);
 }
 
+/// The key is encoded before the packed row, which begins where the key ends.
 bool ActionSort::takeRow(const OneRow &row)
 {
     const uchar *const *const cells = row.view().cells;
@@ -86,6 +89,8 @@ bool ActionSort::endInput()
     return m_run->sorter.finish() || shared::failSorter(this, m_run->sorter);
 }
 
+/// Numbers are still in the packed row, which is valid until the next one: the output pin copies
+/// them.
 bool ActionSort::emitRow()
 {
     const auto row = m_run->sorter.next();

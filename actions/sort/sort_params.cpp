@@ -1,3 +1,4 @@
+// Both parameters are lists, and therefore child elements.
 #include "actions/sort/sort_params.h"
 
 #include "actions/shared/tables/table_columns.h"

@@ -69,6 +69,7 @@ bool ActionUnion::step()
     return true;
 }
 
+/// Describes the output. Waits for the first row of each table in turn.
 bool ActionUnion::begin()
 {
     TableSchema all;
@@ -112,6 +113,7 @@ bool ActionUnion::addColumns(int pin, const TableSchema &columns, TableSchema *a
     return true;
 }
 
+/// Two equal names would be one column when tables are joined by name.
 bool ActionUnion::checkColumns(int pin, const TableSchema &columns, const TableSchema &first)
 {
     const QString table = QString::number(pin + 1);
@@ -142,6 +144,7 @@ bool ActionUnion::checkColumns(int pin, const TableSchema &columns, const TableS
     return true;
 }
 
+/// Cells that the table does not have stay missing.
 void ActionUnion::sendRow(const Table &table, const OneRow &row)
 {
     OneRow *const out = getOutputRowForOutputPin(0);

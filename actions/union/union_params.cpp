@@ -1,3 +1,4 @@
+// The numbers of the choices are saved: they never change.
 #include "actions/union/union_params.h"
 
 namespace corvanta {

@@ -1,3 +1,6 @@
+// The nodes of the syntax tree are copied in their order, with the operands resolved. Evaluation
+// walks over them: a table has millions of rows, so it allocates and converts nothing that bind()
+// can prepare.
 #include "codecs/expression/condition.h"
 
 #include "base/number.h"
@@ -20,6 +23,7 @@ quint32 orderOf(char16_t unit)
     return unit >= 0xE000 ? unit - 0x800U : unit + 0x2000U;
 }
 
+/// Compares by code point, which differs from the order of units only above U+D7FF.
 std::partial_ordering compareTexts(std::u16string_view a, std::u16string_view b)
 {
     const size_t n = std::min(a.size(), b.size());
@@ -31,6 +35,7 @@ std::partial_ordering compareTexts(std::u16string_view a, std::u16string_view b)
     return a.size() <=> b.size();
 }
 
+/// Nothing but "not equal" holds for an unordered pair, of which one is a NaN.
 bool holds(Comparison comparison, std::partial_ordering order)
 {
     switch (comparison) {
@@ -136,6 +141,7 @@ Result<void, Error> Condition::checkTypes(const BoundNode &node, const Node &sou
         text.position};
 }
 
+/// A fault is kept in a member while the tree is walked, so that the walk returns plain values.
 Result<bool, Error> Condition::isTrue(const RowView &row)
 {
     const bool isTrue = evaluate(m_root, row) == Truth::True;
@@ -181,6 +187,7 @@ Condition::Truth Condition::evaluateChain(const BoundNode &node, const RowView &
     return all;
 }
 
+/// Literals are never missing.
 bool Condition::isMissing(const BoundOperand &operand, const RowView &row)
 {
     if (operand.column < 0) {
@@ -194,6 +201,7 @@ bool Condition::isMissing(const BoundOperand &operand, const RowView &row)
                                             : cell::readText(bytes).isMissing();
 }
 
+/// Missing cells first: a comparison with one is unknown even if the types do not fit.
 Condition::Truth Condition::compare(const BoundNode &node, const RowView &row)
 {
     if (isMissing(node.left, row) || isMissing(node.right, row)) {

@@ -2,6 +2,8 @@
 #include "base/number.h"
 #include "codecs/expression/expression.h"
 
+#include <optional>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta::expression {
@@ -16,6 +18,11 @@ struct Token
     QString text;           // without quotes
     qsizetype position = 0; // of its first character
 };
+
+std::u16string_view viewOf(QStringView text)
+{
+    return {text.utf16(), static_cast<size_t>(text.size())};
+}
 
 bool isNameStart(QChar c)
 {
@@ -114,7 +121,7 @@ Result<Token, Error> Lexer::number()
     m_at = numberEnd();
     const QStringView digits = m_text.sliced(start, m_at - start);
     double value = 0;
-    if (!parseDouble(std::u16string_view(digits.utf16(), size_t(digits.size())), &value)) {
+    if (!parseDouble(viewOf(digits), &value)) {
         return Fault{Error::Syntax, u"'%1' is not a number"_s.arg(digits), start};
     }
     return Token{Token::Kind::Number, digits.toString(), start};
@@ -162,28 +169,38 @@ Result<Token, Error> Lexer::symbol()
     return Fault{Error::Syntax, u"unexpected character '%1'"_s.arg(m_text[m_at]), m_at};
 }
 
+/// After a fault the parser sees the end of the text, so that all functions return soon. They may
+/// then return anything: the fault is the result.
 class Parser
 {
 public:
     explicit Parser(QStringView text)
         : m_lexer(text)
     {
+        advance();
     }
     Result<Expression, Error> parse();
 
 private:
     // These return the index of the node that they add.
-    Result<int, Error> chain(Node::Kind kind, int depth);
-    Result<int, Error> link(Node::Kind kind, int first, int depth);
-    Result<int, Error> partOf(Node::Kind kind, int depth);
-    Result<int, Error> negation(int depth);
-    Result<int, Error> parenthesis(int depth);
-    Result<int, Error> test();
-    Result<int, Error> nullTest(const Operand &operand);
+    int chain(Node::Kind kind, int depth);
+    int partOf(Node::Kind kind, int depth);
+    int negation(int depth);
+    int parenthesis(int depth);
+    int test();
+    int nullTest(const Operand &operand);
 
-    Result<Operand, Error> operand();
-    Result<void, Error> advance();
-    Fault<Error> unexpected(const QString &expected) const;
+    Operand operand();
+    std::optional<Comparison> comparison() const;
+    int columnIndex(const QString &name);
+    int add(Node node);
+    int addParent(Node::Kind kind, int firstChild);
+
+    void advance();
+    void fail(const Fault<Error> &fault);
+    void failUnexpected(const QString &expected);
+    /// Move to the next token if the current one is this word, or this symbol.
+    bool accept(QLatin1StringView wordOrSymbol);
     bool isWord(QLatin1StringView word) const
     {
         return m_token.kind == Token::Kind::Name &&
@@ -194,199 +211,161 @@ private:
         return isWord("and"_L1) || isWord("or"_L1) || isWord("not"_L1) || isWord("is"_L1) ||
                isWord("null"_L1);
     }
-    bool isSymbol(QLatin1StringView symbol) const
-    {
-        return m_token.kind == Token::Kind::Symbol && m_token.text == symbol;
-    }
-    int columnIndex(const QString &name);
-    int add(Node node)
-    {
-        m_expression.nodes.push_back(std::move(node));
-        return static_cast<int>(m_expression.nodes.size()) - 1;
-    }
 
     Lexer m_lexer;
-    Token m_token; // the next one
+    Token m_token; // the current one
     Expression m_expression;
+    std::optional<Fault<Error>> m_fault; // the first one
 };
 
 Result<Expression, Error> Parser::parse()
 {
-    if (const auto first = advance(); !first) {
-        return first.fault();
-    }
-    const auto root = chain(Node::Kind::Or, 0);
-    if (!root) {
-        return root.fault();
-    }
+    m_expression.root = chain(Node::Kind::Or, 0);
     if (m_token.kind != Token::Kind::End) {
-        return unexpected(u"'and', 'or' or the end"_s);
+        failUnexpected(u"'and', 'or' or the end"_s);
     }
-    m_expression.root = *root;
+    if (m_fault) {
+        return *m_fault;
+    }
     return std::move(m_expression);
 }
 
-Result<void, Error> Parser::advance()
+void Parser::advance()
 {
     auto token = m_lexer.next();
-    if (!token) {
-        return token.fault();
+    if (token) {
+        m_token = *std::move(token);
+    } else {
+        fail(token.fault());
     }
-    m_token = *std::move(token);
-    return {};
 }
 
-Fault<Error> Parser::unexpected(const QString &expected) const
+/// The first fault counts; later ones are consequences of it.
+void Parser::fail(const Fault<Error> &fault)
 {
-    const QString found =
-        m_token.kind == Token::Kind::End ? u"the end"_s : u"'%1'"_s.arg(m_token.text);
-    return {Error::Syntax, u"expected %1, found %2"_s.arg(expected, found), m_token.position};
+    m_fault = m_fault ? m_fault : fault;
+    m_token = {};
+    m_lexer = Lexer({});
+}
+
+void Parser::failUnexpected(const QString &expected)
+{
+    const bool isEnd = m_token.kind == Token::Kind::End;
+    const QString found = isEnd ? u"the end"_s : u"'%1'"_s.arg(m_token.text);
+    fail({Error::Syntax, u"expected %1, found %2"_s.arg(expected, found), m_token.position});
+}
+
+bool Parser::accept(QLatin1StringView wordOrSymbol)
+{
+    const bool isSymbol = m_token.kind == Token::Kind::Symbol && m_token.text == wordOrSymbol;
+    if (!isSymbol && !isWord(wordOrSymbol)) {
+        return false;
+    }
+    advance();
+    return true;
+}
+
+int Parser::add(Node node)
+{
+    m_expression.nodes.push_back(std::move(node));
+    return static_cast<int>(m_expression.nodes.size()) - 1;
+}
+
+int Parser::addParent(Node::Kind kind, int firstChild)
+{
+    Node node;
+    node.kind = kind;
+    node.firstChild = firstChild;
+    return add(std::move(node));
 }
 
 /// Operands joined by "or", or by "and" for Node::Kind::And. One node holds all of them, so that
 /// the depth of the tree does not grow with their number.
-Result<int, Error> Parser::chain(Node::Kind kind, int depth)
+int Parser::chain(Node::Kind kind, int depth)
 {
-    const auto first = partOf(kind, depth);
-    const bool continues = isWord(kind == Node::Kind::Or ? "or"_L1 : "and"_L1);
-    return first && continues ? link(kind, *first, depth) : first;
-}
-
-Result<int, Error> Parser::link(Node::Kind kind, int first, int depth)
-{
-    Node parent;
-    parent.kind = kind;
-    parent.firstChild = first;
-    const int node = add(parent);
-    for (int last = first; isWord(kind == Node::Kind::Or ? "or"_L1 : "and"_L1);) {
-        if (const auto moved = advance(); !moved) {
-            return moved.fault();
-        }
-        const auto child = partOf(kind, depth);
-        if (!child) {
-            return child.fault();
-        }
-        m_expression.nodes[size_t(last)].next = *child;
-        last = *child;
+    const auto word = kind == Node::Kind::Or ? "or"_L1 : "and"_L1;
+    const int first = partOf(kind, depth);
+    if (!isWord(word)) {
+        return first;
     }
-    return node;
+    const int parent = addParent(kind, first);
+    for (int last = first; accept(word);) {
+        const int child = partOf(kind, depth);
+        last = m_expression.nodes[size_t(last)].next = child;
+    }
+    return parent;
 }
 
-Result<int, Error> Parser::partOf(Node::Kind kind, int depth)
+int Parser::partOf(Node::Kind kind, int depth)
 {
     return kind == Node::Kind::Or ? chain(Node::Kind::And, depth) : negation(depth);
 }
 
-Result<int, Error> Parser::negation(int depth)
+int Parser::negation(int depth)
 {
     if (depth > kMaxDepth) {
-        return Fault{Error::TooDeep, u"more than %1 parentheses are open"_s.arg(kMaxDepth),
-                     m_token.position};
+        fail({Error::TooDeep, u"more than %1 parentheses are open"_s.arg(kMaxDepth),
+              m_token.position});
     }
-    if (isSymbol("("_L1)) {
+    if (accept("("_L1)) {
         return parenthesis(depth);
     }
-    if (!isWord("not"_L1)) {
-        return test();
-    }
-    if (const auto moved = advance(); !moved) {
-        return moved.fault();
-    }
-    const auto child = negation(depth + 1);
-    if (!child) {
-        return child.fault();
-    }
-    Node node;
-    node.kind = Node::Kind::Not;
-    node.firstChild = *child;
-    return add(node);
+    return accept("not"_L1) ? addParent(Node::Kind::Not, negation(depth + 1)) : test();
 }
 
-Result<int, Error> Parser::parenthesis(int depth)
+/// The current token is the one after the opening parenthesis.
+int Parser::parenthesis(int depth)
 {
-    if (const auto moved = advance(); !moved) {
-        return moved.fault();
+    const int inner = chain(Node::Kind::Or, depth + 1);
+    if (!accept(")"_L1)) {
+        failUnexpected(u"')'"_s);
     }
-    auto inner = chain(Node::Kind::Or, depth + 1);
-    if (!inner) {
-        return inner;
-    }
-    if (!isSymbol(")"_L1)) {
-        return unexpected(u"')'"_s);
-    }
-    const auto moved = advance();
-    return moved ? inner : Result<int, Error>(moved.fault());
+    return inner;
 }
 
-Result<int, Error> Parser::test()
+std::optional<Comparison> Parser::comparison() const
 {
-    static const QStringList kSymbols{u"="_s, u"!="_s, u"<"_s,  u"<="_s,
-                                      u">"_s, u">="_s, u"=="_s, u"<>"_s};
-    const auto left = operand();
-    if (!left) {
-        return left.fault();
-    }
-    if (isWord("is"_L1)) {
-        return nullTest(*left);
-    }
-    const qsizetype symbol = kSymbols.indexOf(m_token.text);
-    if (m_token.kind != Token::Kind::Symbol || symbol < 0) {
-        return unexpected(u"= != < <= > >= or 'is null'"_s);
-    }
-    if (const auto moved = advance(); !moved) {
-        return moved.fault();
-    }
-    const auto right = operand();
-    if (!right) {
-        return right.fault();
-    }
-    // The two synonyms come after the six comparisons: == is Equal, <> is NotEqual.
-    return add({Node::Kind::Compare, static_cast<Comparison>(symbol % 6), -1, -1, *left, *right});
+    // In the order of the enumeration; after it two synonyms of the first two.
+    static const QStringList symbols{u"="_s, u"!="_s, u"<"_s,  u"<="_s,
+                                     u">"_s, u">="_s, u"=="_s, u"<>"_s};
+    const qsizetype index =
+        m_token.kind == Token::Kind::Symbol ? symbols.indexOf(m_token.text) : -1;
+    return index < 0 ? std::nullopt : std::optional(static_cast<Comparison>(index % 6));
 }
 
-/// "is null" or "is not null"; the current token is "is".
-Result<int, Error> Parser::nullTest(const Operand &operand)
+int Parser::test()
 {
-    if (const auto moved = advance(); !moved) {
-        return moved.fault();
+    const Operand left = operand();
+    if (accept("is"_L1)) {
+        return nullTest(left);
     }
-    const bool isNegated = isWord("not"_L1);
-    if (isNegated) {
-        if (const auto moved = advance(); !moved) {
-            return moved.fault();
-        }
+    const auto found = comparison();
+    if (!found) {
+        failUnexpected(u"= != < <= > >= or 'is null'"_s);
     }
-    if (!isWord("null"_L1)) {
-        return unexpected(isNegated ? u"'null'"_s : u"'null' or 'not null'"_s);
-    }
-    if (const auto moved = advance(); !moved) {
-        return moved.fault();
-    }
-    Node node;
-    node.kind = Node::Kind::IsNull;
-    node.left = operand;
-    const int test = add(node);
-    if (!isNegated) {
-        return test;
-    }
-    Node negation;
-    negation.kind = Node::Kind::Not;
-    negation.firstChild = test;
-    return add(negation);
+    advance();
+    const Operand right = operand();
+    return add({Node::Kind::Compare, found.value_or(Comparison::Equal), -1, -1, left, right});
 }
 
-Result<Operand, Error> Parser::operand()
+/// "null" or "not null"; the current token is the one after "is".
+int Parser::nullTest(const Operand &operand)
 {
-    Operand found;
-    found.text = m_token.text;
-    found.position = m_token.position;
+    const bool isNegated = accept("not"_L1);
+    if (!accept("null"_L1)) {
+        failUnexpected(isNegated ? u"'null'"_s : u"'null' or 'not null'"_s);
+    }
+    const int test = add({Node::Kind::IsNull, Comparison::Equal, -1, -1, operand, {}});
+    return isNegated ? addParent(Node::Kind::Not, test) : test;
+}
+
+Operand Parser::operand()
+{
+    Operand found{Operand::Kind::Number, 0, m_token.text, -1, m_token.position};
     if (isWord("null"_L1)) {
-        return Fault{Error::Syntax, u"compare with 'is null' or 'is not null'"_s, m_token.position};
-    }
-    if (m_token.kind == Token::Kind::Number) {
-        parseDouble(
-            std::u16string_view(QStringView(m_token.text).utf16(), size_t(m_token.text.size())),
-            &found.number);
+        fail({Error::Syntax, u"compare with 'is null' or 'is not null'"_s, m_token.position});
+    } else if (m_token.kind == Token::Kind::Number) {
+        parseDouble(viewOf(m_token.text), &found.number); // the lexer has checked it
     } else if (m_token.kind == Token::Kind::Text) {
         found.kind = Operand::Kind::Text;
     } else if (m_token.kind == Token::Kind::QuotedName ||
@@ -394,10 +373,10 @@ Result<Operand, Error> Parser::operand()
         found.kind = Operand::Kind::Column;
         found.column = columnIndex(m_token.text);
     } else {
-        return unexpected(u"a column, a number or a text in single quotes"_s);
+        failUnexpected(u"a column, a number or a text in single quotes"_s);
     }
-    const auto moved = advance();
-    return moved ? Result<Operand, Error>(found) : moved.fault();
+    advance();
+    return found;
 }
 
 int Parser::columnIndex(const QString &name)

@@ -34,6 +34,7 @@ const char *readHeader(const char *in, quint32 *value)
     }
 }
 
+/// Without an early end, so that the loop uses vectors.
 bool isNarrow(const char16_t *units, qsizetype n)
 {
     char16_t all = 0;
@@ -86,6 +87,7 @@ const char *unpackText(const char *packed, RowBuffer *buffer, const uchar **out)
 
 } // namespace
 
+/// Too much for most texts, but the room is given back: a pass over the units would cost more.
 qsizetype packedBytesAtMost(const ColumnTypes &types, const uchar *const *cells)
 {
     qsizetype bytes = 0;

@@ -1,3 +1,4 @@
+// A block of the spool is a number of whole records, so that one is never split between two reads.
 #include "io/rows/record_spool.h"
 
 namespace corvanta::rows {

@@ -26,6 +26,7 @@ constexpr char kMissing = '\xFF';
 constexpr char kPresent = '\0';
 constexpr qsizetype kNumberBytes = 8;
 
+/// All NaN values become one, so that they are equal.
 char *putNumber(double value, char *out)
 {
     constexpr quint64 kSign = quint64(1) << 63;
@@ -45,6 +46,7 @@ char32_t codePointAt(std::u16string_view text, size_t &i)
     return unit;
 }
 
+/// The end mark is below every character, so that a text comes before its continuations.
 char *putText(std::u16string_view text, char *out)
 {
     for (size_t i = 0; i < text.size(); ++i) {

@@ -45,6 +45,8 @@ BlockSpool::Options RowSorter::spoolOptions() const
     return {.memoryBytes = 0, .retryWrite = m_options.retryWrite};
 }
 
+/// Shorter keys are filled with zeros: no key is the beginning of another, so that two different
+/// keys differ before the fill.
 RowSorter::Entry RowSorter::entryOf(std::string_view key, qsizetype offset)
 {
     std::array<char, kPrefixBytes> prefix{};
@@ -150,6 +152,7 @@ Result<void, SpoolError> RowSorter::mergeRuns()
     return endRun();
 }
 
+/// The rows in memory need no file: they are sorted where they are.
 Result<void, SpoolError> RowSorter::finish()
 {
     sortEntries();

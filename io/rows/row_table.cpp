@@ -1,3 +1,5 @@
+// Chained hashing in three arrays: buckets, entries, and the records that the entries refer to. The
+// hash is stored, so that most other keys of a bucket are skipped without a look at their records.
 #include "io/rows/row_table.h"
 
 #include <QHashFunctions>

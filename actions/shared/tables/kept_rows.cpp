@@ -1,3 +1,5 @@
+// Messages name the folder of a temporary file, because the file has no name, and the folder is
+// what a user can change (TMPDIR).
 #include "actions/shared/tables/kept_rows.h"
 
 #include "corvanta/failure_reason.h"

@@ -1,3 +1,4 @@
+// The loop over the rows, and what is special about the first one and the end.
 #include "actions/shared/tables/row_transform.h"
 
 #include "actions/shared/tables/table_columns.h"

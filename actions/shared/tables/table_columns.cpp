@@ -1,3 +1,6 @@
+// Names of columns may contain any character, also the sign that divides the texts here. Where one
+// side has few allowed values (kinds, types) the last sign counts; otherwise the known names
+// decide.
 #include "actions/shared/tables/table_columns.h"
 
 #include "base/nearest_name.h"
