@@ -15,6 +15,7 @@ namespace corvanta {
 
 extern const ActionEntry kJoinEntry;
 
+/// Threads: as ActionBase.
 class ActionJoin final : public ParamAction<ActionJoin, JoinParams>
 {
 public:
@@ -23,6 +24,7 @@ public:
     QVector<ParameterProblem> problems() const override;
 
 private:
+    /// Each one works on the rows of one table, or sends rows that it finds without input.
     enum class Stage { TakeSecond, TakeFirst, SendAlone, JoinParts, SendJoined };
     struct RunState
     {
@@ -51,6 +53,7 @@ private:
     void finish() override { m_run.reset(); }
 
     // These return false after a failure.
+    /// Find the columns and describe the output.
     bool begin();
     bool stepStage();
     // One row of a stage; the last one sets the next stage, or returns false.
@@ -60,12 +63,16 @@ private:
     bool joinPart();
     bool sendJoined();
 
+    // What these stages do with a row; an empty key is one with a missing cell.
+
     bool keepSecond(const OneRow &row);
     bool moveToParts();
     bool putFirst(const OneRow &row, std::string_view key);
     void joinFirst(const OneRow &row, std::string_view key);
     /// Send a row of the output. A table without its row has a null pointer.
     void send(const uchar *const *first, const char *second);
+    // Fail the run and return false.
+
     bool failKey(const QString &table, qint64 number, const OneRow &row, int column);
     bool failParts();
 

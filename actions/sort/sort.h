@@ -1,4 +1,7 @@
 // sort: sorts the rows of a table of any size in bounded memory.
+//
+// The rows are packed into a RowSorter (io/rows), which keeps what does not fit in temporary files.
+// The first row of the output is sent after the last one of the input.
 #pragma once
 #include "actions/shared/tables/row_transform.h"
 #include "actions/sort/sort_params.h"
@@ -13,6 +16,7 @@ namespace corvanta {
 
 extern const ActionEntry kSortEntry;
 
+/// Threads: as ActionBase.
 class ActionSort final : public ParamAction<ActionSort, SortParams, RowTransform>
 {
 public:
@@ -31,7 +35,7 @@ private:
             , cells(types.size())
         {
         }
-        rows::ColumnTypes types;
+        rows::ColumnTypes types; // of all columns
         rows::KeyEncoder encoder;
         rows::RowSorter sorter;
         std::vector<const uchar *> cells; // of the row that is sent
@@ -42,7 +46,7 @@ private:
     bool endInput() override;
     bool emitRow() override;
     void finish() override { m_run.reset(); }
-    /// The columns of the key; none after a failure.
+    /// The columns of the key, the most significant first; none after a failure.
     std::vector<rows::KeyColumn> findKeys(const TableSchema &columns);
     /// Declare the order of the output, as far as it is that of the cells.
     void declareOrder(const std::vector<rows::KeyColumn> &keys);

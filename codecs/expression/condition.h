@@ -37,8 +37,8 @@ private:
     {
         Source source = Source::Number;
         double number = 0;
-        std::u16string text;
-        int column = -1; // in the table
+        std::u16string text; // of a literal, so that comparisons need no conversion
+        int column = -1;     // in the table
         bool isNumber() const { return source != Source::Text && source != Source::TextCell; }
     };
     struct BoundNode
@@ -51,16 +51,21 @@ private:
         BoundOperand right;
     };
 
+    /// Errors: UnknownColumn.
     static Result<BoundOperand, Error> bindOperand(const Operand &operand, const RowView &columns,
                                                    const QStringList &names,
                                                    const std::vector<bool> &hasNumbers);
+    /// Errors: TypeMismatch.
     static Result<void, Error> checkTypes(const BoundNode &node, const Node &source,
                                           const RowView &columns);
     static bool isMissing(const BoundOperand &operand, const RowView &row);
+    // The truth of a node; after a fault any, and m_fault is set.
+
     Truth evaluate(int index, const RowView &row);
     Truth evaluateChain(const BoundNode &node, const RowView &row);
     Truth compare(const BoundNode &node, const RowView &row);
     Truth compareNumbers(const BoundNode &node, const RowView &row);
+    /// Returns false after a fault.
     bool number(const BoundOperand &operand, const RowView &row, double *value);
     void failMismatch(const BoundNode &node, const RowView &row);
 

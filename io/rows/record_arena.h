@@ -1,4 +1,7 @@
 // Records, each a key and a row, one after the other in one block of memory that grows.
+//
+// Offsets in the block are small and stay valid when it grows, so that sorting and hashing use them
+// in place of addresses. Their order is that of the records.
 #pragma once
 #include <QtGlobal>
 
@@ -11,6 +14,7 @@ namespace corvanta::rows {
 /// A key and the row that it belongs to; views into the memory of the record.
 struct Record
 {
+    /// Before the key: the sizes of both.
     static constexpr size_t kHeaderBytes = 8;
 
     std::string_view key;

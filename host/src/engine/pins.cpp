@@ -258,7 +258,7 @@ const OneRow *Ports::nextRow(int pin)
 
 void Ports::endWithReaders(std::atomic<char> *yieldRequest)
 {
-    m_endsWithReaders = true;
+    m_endsWithReaders = yieldRequest != nullptr;
     for (OutputPin &pin : m_out) {
         pin.setYieldWhenAbandoned(yieldRequest);
     }

@@ -161,8 +161,8 @@ public:
     InputGate &gate() { return m_gate; }
     int pinsIn() const { return static_cast<int>(m_in.size()); }
     int pinsOut() const { return static_cast<int>(m_out.size()); }
-    /// End the action when none of its readers reads any more, and set `yieldRequest` then. For an
-    /// action that does nothing but send rows. Call before the first row.
+    /// End the action when none of its readers reads any more, and set `yieldRequest` then. Null:
+    /// never, for an action that does more than send rows. Call before the first row.
     void endWithReaders(std::atomic<char> *yieldRequest);
     /// True if no more rows are needed: an output pin has reached its row limit, even if other pins
     /// are read, or the action ended with its readers.

@@ -8,8 +8,7 @@
 // InputGate::push() for room in a consumer's queue, an action in RunSequence for others that use
 // its files, and the owner in wait() for all threads. No thread holds a lock while it waits for
 // another one or calls an action. Links form no loop (CorvantaGraph::validate), orderByTargets()
-// adds none, and an action that waits for others never blocks its producers, so the waits cannot
-// form one.
+// adds none, and an action that waits for others never blocks its producers: no waits form one.
 #include "corvanta/run.h"
 
 #include "base/platform/stop_scope.h"
@@ -302,9 +301,7 @@ void Run::Private::endRun(RunControl::Status status)
 /// has ended.
 void Run::Private::callRun(Node &node)
 {
-    if (!writesFiles(*node.action)) {
-        node.ports->endWithReaders(&node.control->yieldRequest);
-    }
+    node.ports->endWithReaders(writesFiles(*node.action) ? nullptr : &node.control->yieldRequest);
     while (node.control->isRunning() && !node.ports->isComplete()) {
         if ((node.action.get()->*node.action->m_runFunction)()) {
             return;
