@@ -236,8 +236,10 @@ CommandResult<void> checkContent(const CommandLine &line, const FileArgument &fi
         line.values.contains(u"--encoding"_s) ||
         std::any_of(settings.begin(), settings.end(),
                     [](const QString &setting) { return setting.startsWith("encoding="_L1); });
-    const QString content =
-        isText(file.extension) && !isEncodingGiven ? binaryContent(file.name) : QString();
+    const bool isPacked = file.name.endsWith(".gz"_L1) || file.name.endsWith(".Z"_L1);
+    const QString content = isText(file.extension) && !isPacked && !isEncodingGiven
+                                ? binaryContent(file.name)
+                                : QString();
     if (!content.isEmpty()) {
         return Fault{kFailed,
                      u"'%1' is not a %2 file: %3"_s.arg(file.name, file.extension, content)};

@@ -204,6 +204,7 @@ CommandResult<void> Session::run(const CorvantaGraph &graph, const ActionRegistr
         return Fault{*status};
     }
     const bool keepsPartial = options.keepPartial;
+    const bool logsRows = m_isVerbose && options.listeners.empty();
     options.log = m_log.get();
     Run run(graph, registry, std::move(options));
     const SignalWatch watch(run);
@@ -214,7 +215,7 @@ CommandResult<void> Session::run(const CorvantaGraph &graph, const ActionRegistr
     waitForEnd(&run);
     // A command may run several graphs, for example to measure texts; the last one does its work.
     m_rows = rowsRead(graph, run.progress());
-    if (m_isVerbose) {
+    if (logsRows) {
         logRows(run.progress());
     }
     if (run.succeeded()) {
