@@ -33,7 +33,7 @@ void changeWorkbook(QByteArrayView text)
     const SheetEntry sheet{freeSheetName(workbook->sheets.front().name, workbook->sheetNames()),
                            workbook->freeSheetId(), "rId1"};
     const auto changed =
-        changedWorkbook(text, {sheet, DefinedName{workbook->sheets.back().name, sheet.name}, true});
+        changedWorkbook(text, {{sheet}, {{workbook->sheets.back().name, sheet.name}}, true});
     requireWellFormed(changed);
     const auto again = readWorkbook(*changed);
     require(again && again->sheets.size() == workbook->sheets.size() + 1);
@@ -61,6 +61,16 @@ void changeStyles(QByteArrayView text)
 {
     const auto changed = changedStyles(text, {0, "yyyy/mm/dd"});
     require(!changed || Outline::read(changed->text));
+    QByteArray styled = text.toByteArray();
+    const SheetLook look{true, true, false, false, false, {}, {QStringLiteral("0.00")}};
+    const auto once = addLook(&styled, look);
+    if (once) {
+        // A second update finds the formats of the first.
+        const QByteArray before = styled;
+        const auto twice = addLook(&styled, look);
+        require(twice && styled == before && twice->header == once->header &&
+                twice->columns == once->columns);
+    }
 }
 
 void readTablePart(QByteArrayView text)

@@ -66,6 +66,9 @@ SheetSetup setupOf(int flags)
     if ((flags & 32) != 0) {
         setup.end.range = xlsx::NamedRange{QStringLiteral("N"), 1, 2, 3};
     }
+    if ((flags & 64) != 0) {
+        setup.look = {true, true, true, true, (flags & 128) != 0, {9}, {QStringLiteral("0.00")}};
+    }
     return setup;
 }
 

@@ -1,8 +1,11 @@
 #include "actions/write_excel/write_excel.h"
 
+#include "actions/write_excel/write_excel_look.h"
 #include "corvanta/failure_reason.h"
 
 #include <QLocale>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -53,7 +56,7 @@ void ActionWriteExcel::start()
 {
     RowWriter::start();
     m_run = std::make_unique<RunState>();
-    if (!setFloatFormat() || !setCompression()) {
+    if (!setFloatFormat() || !setCompression() || !checkLook()) {
         return;
     }
     openCopySource();
@@ -71,6 +74,16 @@ bool ActionWriteExcel::setFloatFormat()
     const QString &format = m_params.floatToString;
     return (m_floatFormat.set(format) && sheet::printsNumbers(m_floatFormat)) ||
            failWith(WriteProblem::BadFloatFormat, format);
+}
+
+bool ActionWriteExcel::checkLook()
+{
+    for (const LookProblem &problem : corvanta::lookProblems(m_params)) {
+        fail(u"\nERROR writing to Excel file '%1': %2: %3\n"_s.arg(
+            fileName(), QString::fromLatin1(problem.parameter),
+            QString::fromUtf8(problem.text).arg(problem.value)));
+    }
+    return runIsGood();
 }
 
 bool ActionWriteExcel::setCompression()
@@ -162,18 +175,53 @@ bool ActionWriteExcel::showsTime() const
            m_params.dateFormatExcel == DateDisplay::SystemDateTime;
 }
 
-/// Programs show a date in a narrow column as "###".
-void ActionWriteExcel::widenDateColumns(const std::vector<sheet::Column> &columns)
+int ActionWriteExcel::dateDigits() const
 {
     constexpr int kDateDigits = 12;
     constexpr int kDateTimeDigits = 20;
-    std::vector<int> dates;
-    for (size_t i = 0; i < columns.size(); ++i) {
-        if (columns[i].kind == sheet::Column::Kind::Date) {
-            dates.push_back(static_cast<int>(i));
+    return showsTime() ? kDateTimeDigits : kDateDigits;
+}
+
+std::vector<double> ActionWriteExcel::columnWidths(const std::vector<sheet::Column> &columns)
+{
+    std::vector<double> widths = givenWidths(m_params);
+    reportExtraWidths(widths.size(), columns.size());
+    widths.resize(columns.size());
+    for (size_t i = 0; m_params.dateWidths && i < columns.size(); ++i) {
+        // Programs show a date in a narrow column as "###".
+        if (columns[i].kind == sheet::Column::Kind::Date && widths[i] == 0) {
+            widths[i] = dateDigits();
         }
     }
-    m_run->workbook->setColumnWidths(dates, showsTime() ? kDateTimeDigits : kDateDigits);
+    return widths;
+}
+
+void ActionWriteExcel::setLook(const std::vector<sheet::Column> &columns)
+{
+    QStringList names;
+    for (const sheet::Column &column : columns) {
+        names << column.name;
+    }
+    xlsx::SheetLook look = sheetLook(m_params, names);
+    if (measuresWidths(m_params)) {
+        m_run->meter.emplace(sheet::ColumnMeter::Setup{columns, m_floatFormat, m_params.urlTag,
+                                                       dateDigits(), look.formats});
+    } else {
+        look.widths = columnWidths(columns);
+    }
+    m_run->workbook->setLook(std::move(look));
+}
+
+void ActionWriteExcel::makeSheetWriter(std::vector<sheet::Column> columns)
+{
+    // An updated workbook has its own numbers of the cell formats.
+    sheet::SheetOptions options = sheetOptions();
+    m_run->workbook->setCellFormats(&options);
+    m_run->sheet = std::make_unique<sheet::SheetWriter>(
+        m_run->output.writer(), std::move(options), std::move(columns), m_run->dates.get(),
+        [this](sheet::CellProblem problem, int column, std::u16string_view text) {
+            takeCellProblem(problem, column, text);
+        });
 }
 
 bool ActionWriteExcel::openSheet(std::vector<sheet::Column> columns)
@@ -181,26 +229,67 @@ bool ActionWriteExcel::openSheet(std::vector<sheet::Column> columns)
     if (!openWorkbook()) {
         return false;
     }
-    zip::PackageWriter &package = m_run->output.writer();
-    m_run->members = std::make_unique<opc::MemberWriter>(package);
+    m_run->members = std::make_unique<opc::MemberWriter>(m_run->output.writer());
+    setLook(columns);
     // The members before the sheet, then the head of the sheet, which stays open for the rows.
     if (const auto begun = m_run->workbook->begin(*m_run->members); !begun) {
         return failWorkbook(begun.fault());
     }
-    // An updated workbook has its own numbers of the cell formats.
-    sheet::SheetOptions options = sheetOptions();
-    m_run->workbook->setCellFormats(&options);
-    if (m_params.dateWidths) {
-        widenDateColumns(columns);
-    }
     m_run->losses.resize(columns.size());
-    m_run->sheet = std::make_unique<sheet::SheetWriter>(
-        package, options, std::move(columns), m_run->dates.get(),
-        [this](sheet::CellProblem problem, int column, std::u16string_view text) {
-            takeCellProblem(problem, column, text);
-        });
+    makeSheetWriter(std::move(columns));
+    if (m_run->meter && m_run->workbook->isNewSheet()) {
+        m_run->sheet->hold();
+        return true;
+    }
     const auto opened = m_run->workbook->openSheet(*m_run->sheet);
     return opened || failWorkbook(opened.fault());
+}
+
+bool ActionWriteExcel::beginSheet()
+{
+    m_run->workbook->setColumnWidths(m_run->meter->widths());
+    m_run->meter.reset();
+    if (!m_run->workbook->isNewSheet()) {
+        return true; // the widths are for the sheet that follows it
+    }
+    const QByteArray rows = m_run->sheet->takeHeld();
+    const auto opened = m_run->workbook->openSheet(*m_run->sheet);
+    return opened ? checkSheet(m_run->sheet->put(rows)) : failWorkbook(opened.fault());
+}
+
+bool ActionWriteExcel::putHeader()
+{
+    if (!m_params.firstLineContainsColumnNames) {
+        return true;
+    }
+    if (m_run->meter) {
+        m_run->meter->addHeader(sheetLook(m_params, {}).hasBoldHeader, m_params.autoFilter);
+    }
+    return checkSheet(m_run->sheet->putHeader());
+}
+
+// The columns, their formats and their widths are those of the first sheet.
+bool ActionWriteExcel::continueInNextSheet()
+{
+    if (!endSheet()) {
+        return false;
+    }
+    reportSheet();
+    const QString full = m_run->workbook->sheetName();
+    const bool isFirst = m_run->continuedSheet.isEmpty();
+    if (isFirst) {
+        m_run->range = namedRange();
+        m_run->continuedSheet = full;
+    }
+    const QString name = xlsx::nextSheetName(m_run->continuedSheet, m_run->workbook->sheetNames());
+    reportNextSheet(full, name, isFirst);
+    if (const auto next = m_run->workbook->nextSheet(*m_run->sheet, name); !next) {
+        return failWorkbook(next.fault());
+    }
+    makeSheetWriter(m_run->sheet->columns());
+    const auto opened = m_run->workbook->openSheet(*m_run->sheet);
+    m_run->firstRow = 1;
+    return opened ? putHeader() : failWorkbook(opened.fault());
 }
 
 bool ActionWriteExcel::begin(const OneRow &row)
@@ -231,7 +320,7 @@ bool ActionWriteExcel::begin(const OneRow &row)
     }
     // After the rows that a changed sheet keeps.
     m_run->firstRow = m_run->sheet->row();
-    return !m_params.firstLineContainsColumnNames || checkSheet(m_run->sheet->putHeader());
+    return putHeader();
 }
 
 bool ActionWriteExcel::beginWithoutRows(const OneRow &columns)
@@ -243,14 +332,35 @@ bool ActionWriteExcel::beginWithoutRows(const OneRow &columns)
 
 bool ActionWriteExcel::writeRow(const OneRow &row)
 {
-    if (m_run->sheet->row() > sheet::kMaxRows && !m_run->isTooLongKnown) {
-        // A header or earlier rows may have passed the limit before.
-        m_run->isTooLongKnown = true;
+    if (m_run->sheet->row() > sheet::kMaxRows && !takeFullSheet()) {
+        return false;
+    }
+    return checkSheet(m_run->sheet->putRow(row.view())) && (!m_run->meter || measure(row));
+}
+
+bool ActionWriteExcel::takeFullSheet()
+{
+    if (!m_params.overflow.isEmpty()) {
+        return continueInNextSheet();
+    }
+    // A header or earlier rows may have passed the limit before.
+    if (!std::exchange(m_run->isTooLongKnown, true)) {
         warn(
             u"Warning: You won't be able to open the Excel file '%1' inside MS-Excel because it's too large (nRows>1048576). However, you can still use the file with Corvanta.\n"_s
                 .arg(fileName()));
     }
-    return checkSheet(m_run->sheet->putRow(row.view()));
+    return true;
+}
+
+// The rows are held until then: a sheet begins with the widths of its columns.
+bool ActionWriteExcel::measure(const OneRow &row)
+{
+    constexpr qint64 kMeasuredRows = 1000;
+    constexpr qint64 kMaxHeldBytes = qint64(1) << 20;
+    m_run->meter->add(row.view());
+    const bool isEnough =
+        m_run->meter->rows() >= kMeasuredRows || m_run->sheet->heldBytes() >= kMaxHeldBytes;
+    return !isEnough || beginSheet();
 }
 
 bool ActionWriteExcel::checkSheet(const Result<void, sheet::Error> &result)
@@ -267,40 +377,52 @@ bool ActionWriteExcel::checkSheet(const Result<void, sheet::Error> &result)
     return failWith(WriteProblem::CannotWrite, {}, reasonOf(m_run->output.target()));
 }
 
-xlsx::WorkbookEnd ActionWriteExcel::workbookEnd()
+std::optional<xlsx::NamedRange> ActionWriteExcel::namedRange()
 {
-    xlsx::WorkbookEnd end;
-    // The program of runExcel calculates only what is marked for it.
-    end.recalculate = m_params.forceRecompute || m_params.runExcel;
     if (m_params.namedRange.isEmpty()) {
-        return end;
+        return std::nullopt;
     }
     // From the first row written to the last, over all columns; a table without rows has only its
     // header.
     const sheet::SheetWriter &sheet = *m_run->sheet;
     const bool skipHeader = m_params.firstLineContainsColumnNames && !m_params.nrIncludeTitleRow;
     const xlsx::NamedRange range{m_params.namedRange, m_run->firstRow + (skipHeader ? 1 : 0),
-                                 sheet.row() - 1, sheet.columnCount() - 1};
+                                 sheet.row() - 1, sheet.columnCount() - 1,
+                                 m_run->workbook->sheetName()};
     if (range.firstRow <= range.lastRow) {
-        end.range = range;
-    } else {
-        warn(
-            u"Warning: the name '%1' is not added to the Excel file '%2': no row was written that it could name\n"_s
-                .arg(m_params.namedRange, fileName()));
+        return range;
     }
-    return end;
+    warn(
+        u"Warning: the name '%1' is not added to the Excel file '%2': no row was written that it could name\n"_s
+            .arg(m_params.namedRange, fileName()));
+    return std::nullopt;
 }
 
-bool ActionWriteExcel::completeWorkbook()
+bool ActionWriteExcel::endSheet()
 {
+    if (m_run->meter && !beginSheet()) {
+        return false;
+    }
     // Rows that are still in the package's block are written with the end of the sheet.
     const auto ended = m_run->workbook->finishSheet(*m_run->sheet);
     if (!ended) {
         return failWith(WriteProblem::CannotWrite, {}, reasonFor(ended.fault()));
     }
+    return true;
+}
+
+bool ActionWriteExcel::completeWorkbook()
+{
+    if (!endSheet()) {
+        return false;
+    }
     reportCells();
     reportSheet();
-    const auto finished = m_run->workbook->finish(*m_run->sheet, workbookEnd());
+    xlsx::WorkbookEnd end;
+    // The program of runExcel calculates only what is marked for it.
+    end.recalculate = m_params.forceRecompute || m_params.runExcel;
+    end.range = m_run->continuedSheet.isEmpty() ? namedRange() : m_run->range;
+    const auto finished = m_run->workbook->finish(*m_run->sheet, end);
     return finished || fail(u"\nERROR: cannot finalize XLSX file '%1'\n"_s.arg(fileName()),
                             reasonFor(finished.fault()));
 }

@@ -14,6 +14,7 @@
 #include "actions/shared/row_writer.h"
 #include "actions/write_excel/write_excel_params.h"
 #include "base/occurrences.h"
+#include "codecs/sheet/column_meter.h"
 #include "codecs/sheet/sheet_writer.h"
 #include "codecs/xlsx/updated_workbook.h"
 #include "io/package_file/package_file.h"
@@ -75,6 +76,12 @@ private:
         std::vector<ColumnLosses> losses;
         // First sheet row written, from 1: the header, or the first row without one.
         qint64 firstRow = 1;
+        // Of the first sheet, once its rows are written.
+        std::optional<xlsx::NamedRange> range;
+        // Name of the first sheet, once the rows continue in another one.
+        QString continuedSheet;
+        // Measures the first rows, until the widths of the columns are set.
+        std::optional<sheet::ColumnMeter> meter;
         deflate::StreamOptions compression;
         // Of a workbook that is updated. Before the others: released when all are closed.
         TargetLock lock;
@@ -101,10 +108,13 @@ private:
     // Parts of problems(), in write_excel_report.cpp.
     QVector<ParameterProblem> dateProblems() const;
     QVector<ParameterProblem> nameProblems() const;
+    QVector<ParameterProblem> lookProblems() const;
 
     // Functions that return bool return true for success; otherwise they have failed the run.
     /// Problems: BadFloatFormat.
     bool setFloatFormat();
+    /// Check the parameters of the look.
+    bool checkLook();
     /// Take the level of compression that the run was started with, if any.
     bool setCompression();
     /// The format of date texts for the parameter dateFormatType.
@@ -114,9 +124,26 @@ private:
     bool readsIsoDates() const { return m_params.isoDates && qtDateFormat().isEmpty(); }
     /// Determine how a column is written from the parameters and the type of its input.
     bool decideKind(const OneRow &row, sheet::Column *column);
-    /// Write everything of the workbook that precedes the rows.
+    /// Write everything of the workbook that precedes the rows. A new sheet whose widths depend on
+    /// its first rows is begun by beginSheet().
     bool openSheet(std::vector<sheet::Column> columns);
-    void widenDateColumns(const std::vector<sheet::Column> &columns);
+    /// Set the look of new sheets, and prepare to measure the columns.
+    void setLook(const std::vector<sheet::Column> &columns);
+    /// The widths that the parameters give.
+    std::vector<double> columnWidths(const std::vector<sheet::Column> &columns);
+    /// Create the writer of the sheet whose member is open.
+    void makeSheetWriter(std::vector<sheet::Column> columns);
+    bool putHeader();
+    /// Write the head of the sheet with the measured widths, and then the rows that were held.
+    bool beginSheet();
+    /// Continue the rows in a new sheet.
+    bool continueInNextSheet();
+    /// The next row is beyond the last one that programs read.
+    bool takeFullSheet();
+    /// Count a row for the widths of the columns.
+    bool measure(const OneRow &row);
+    /// Write the rest of the sheet.
+    bool endSheet();
     sheet::SheetOptions sheetOptions() const;
     /// Fail the run for a fault of the sheet.
     bool checkSheet(const Result<void, sheet::Error> &result);
@@ -125,6 +152,8 @@ private:
     bool checkSource();
     /// The defined name and the recalculation that the parameters request.
     xlsx::WorkbookEnd workbookEnd();
+    /// The rows of the sheet that the defined name covers, if it covers any.
+    std::optional<xlsx::NamedRange> namedRange();
 
     // Warnings, in write_excel_report.cpp.
     /// Called for each cell that cannot be written as it is.
@@ -134,6 +163,10 @@ private:
     /// Names of the lists ToDate and ToFormula that the input does not have.
     void reportMissingNames(const OneRow &columns);
     void reportMissingNames(const OneRow &columns, const char *list, const QStringList &names);
+    /// Widths for more columns than there are.
+    void reportExtraWidths(size_t widths, size_t columns);
+    /// The rows continue in another sheet, which a defined name does not cover.
+    void reportNextSheet(const QString &full, const QString &next, bool isFirst);
     /// A date format that loses the century.
     void reportShortYears(const std::vector<sheet::Column> &columns);
     /// Names that spreadsheet programs reject; `others` are those that the workbook has.
@@ -204,6 +237,8 @@ private:
     int dateFormat() const { return static_cast<int>(m_params.dateFormatExcel); }
     /// Whether that format shows date and time.
     bool showsTime() const;
+    /// The width of a date column, in digits.
+    int dateDigits() const;
     /// Replace the destination by the finished package.
     bool commit();
     /// Swap without a finished package, for a run without rows.

@@ -7,10 +7,11 @@ namespace {
 
 // An empty floatToString gives the fewest digits that read back as the same number; alwaysWrite
 // gives a table without rows a workbook with its header row; isoDates reads the dates of ToDate
-// without a format, and dateWidths shows them.
+// without a format, and dateWidths shows them. The others make the sheet ready for reading.
 constexpr FileFormat kFormats[] = {
     {FileFormat::Write, FileFormat::Workbook, "xlsx",
-     "floatToString= alwaysWrite=1 isoDates=1 dateWidths=1"},
+     "floatToString= alwaysWrite=1 isoDates=1 dateWidths=1 headerStyle=bold,fill freezeHeader=1 "
+     "autoFilter=1 columnWidths=auto"},
 };
 
 } // namespace

@@ -34,9 +34,12 @@ PanelLayout panelLayout()
           "urlTag",
           "forceRecompute"},
          Fold::Folded},
+        {QT_TRANSLATE_NOOP("Panels", "Look"),
+         {"headerStyle", "freezeHeader", "autoFilter", "columnWidths", "columnFormats"},
+         Fold::Folded},
         {kAdvancedGroup,
-         {"namedRange", "nrIncludeTitleRow", "alwaysWrite", "crop", "runExcel", "timeOut",
-          "excelHack", "useComma"},
+         {"namedRange", "nrIncludeTitleRow", "alwaysWrite", "overflow", "crop", "runExcel",
+          "timeOut", "excelHack", "useComma"},
          Fold::Folded},
     };
 }

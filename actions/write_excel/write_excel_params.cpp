@@ -151,6 +151,37 @@ ParamGroup<P> dateInput()
     };
 }
 
+/// How new sheets look.
+ParamGroup<P> look()
+{
+    const QStringList header{QStringLiteral("1")};
+    return {
+        text(kHeaderStyle, &P::headerStyle)
+            .onlyWhen("firstLineContainsColumnNames", header)
+            .label("Style of the header row")
+            .meaning("Style of the header row in new sheets: bold, fill (a light blue background), "
+                     "or bold,fill for both, which is also what 1 means. Empty: no style."),
+        flag("freezeHeader", &P::freezeHeader)
+            .onlyWhen("firstLineContainsColumnNames", header)
+            .label("Keep the header row visible")
+            .meaning("The header row of new sheets stays visible when the sheet is scrolled."),
+        flag("autoFilter", &P::autoFilter)
+            .onlyWhen("firstLineContainsColumnNames", header)
+            .label("Filter buttons in the header row")
+            .meaning("The header cells of new sheets have buttons that sort and filter the rows."),
+        text(kColumnWidths, &P::columnWidths)
+            .label("Column widths")
+            .meaning("Widths of the columns in new sheets: auto, from the header and the first "
+                     "1,000 rows, or numbers of digits in column order, separated by commas, for "
+                     "example 12,,30. A column without a number has the default width."),
+        text(kOverflow, &P::overflow)
+            .label("After the last row of a sheet")
+            .meaning("newSheet: rows after row 1,048,576 are written to further sheets. Empty: "
+                     "they are written to the same sheet, which spreadsheet programs cannot "
+                     "open."),
+    };
+}
+
 /// How a spreadsheet program shows the date cells.
 Param<P> dateDisplay()
 {
@@ -220,6 +251,7 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
             .label("Wide date columns in a new sheet")
             .meaning("Date columns of a new sheet are wide enough for their format. Off: they have "
                      "the default width, in which most programs show ### instead of a date."),
+        look(),
         flag("keepStyles", &P::keepStyles)
             .onlyWhen("mode", {QStringLiteral("2"), QStringLiteral("4")})
             .label("Appended rows look like the last row")
@@ -238,6 +270,10 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         strings(kToFormula, &P::toFormula)
             .label("Formula columns")
             .meaning("Text columns that are written as formulas."),
+        strings(kColumnFormats, &P::columnFormats)
+            .label("Number formats of columns")
+            .meaning("Number formats of columns in new sheets, each as COLUMN=FORMAT, for example "
+                     "price=#,##0.00 or day=dd/mm/yyyy."),
     };
     return table;
 }

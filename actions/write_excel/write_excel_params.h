@@ -42,6 +42,10 @@ inline constexpr char kNamedRange[] = "namedRange";
 inline constexpr char kDateFormat[] = "dateFormat";
 inline constexpr char kToDate[] = "ToDate";
 inline constexpr char kToFormula[] = "ToFormula";
+inline constexpr char kHeaderStyle[] = "headerStyle";
+inline constexpr char kColumnWidths[] = "columnWidths";
+inline constexpr char kColumnFormats[] = "columnFormats";
+inline constexpr char kOverflow[] = "overflow";
 
 /// Texts that are expanded may contain variables of the graph.
 struct WriteExcelParams : RowWriterParams
@@ -98,6 +102,14 @@ struct WriteExcelParams : RowWriterParams
     DateDisplay dateFormatExcel = DateDisplay::Date;
     /// Date columns of a new sheet are wide enough for their format.
     bool dateWidths = false;
+    // The look of new sheets; see write_excel_look.h for the texts.
+    QString headerStyle;
+    bool freezeHeader = false; ///< the header row stays visible
+    bool autoFilter = false;   ///< the header cells have filter buttons
+    QString columnWidths;
+    /// What happens after the last row of a sheet: empty or "newSheet".
+    QString overflow;
+    QStringList columnFormats; ///< COLUMN=FORMAT
     /// Appended rows get the cell formats of the last row of the sheet.
     bool keepStyles = false;
     // Names of columns; names that the input lacks give a warning. A column in both lists is a

@@ -4,6 +4,7 @@
 // are, because other programs accept what some spreadsheet programs reject.
 #include "actions/shared/params/writer_params.h"
 #include "actions/write_excel/write_excel.h"
+#include "actions/write_excel/write_excel_look.h"
 #include "base/counted.h"
 #include "base/nearest_name.h"
 #include "codecs/xlsx/name_rules.h"
@@ -109,6 +110,11 @@ void ActionWriteExcel::reportMissingNames(const OneRow &columns)
 {
     reportMissingNames(columns, kToDate, m_params.toDate);
     reportMissingNames(columns, kToFormula, m_params.toFormula);
+    QStringList names;
+    for (int i = 0; i < columns.numberOfColumns(); ++i) {
+        names << columns.colName(i);
+    }
+    reportMissingNames(columns, kColumnFormats, formattedColumns(m_params, names));
 }
 
 void ActionWriteExcel::reportMissingNames(const OneRow &columns, const char *list,
@@ -126,6 +132,28 @@ void ActionWriteExcel::reportMissingNames(const OneRow &columns, const char *lis
                  missing.join(u"', '")),
              missing.size() == 1 ? missingColumnReason(missing.front(), columns.schema().names)
                                  : QString());
+    }
+}
+
+void ActionWriteExcel::reportExtraWidths(size_t widths, size_t columns)
+{
+    if (widths > columns) {
+        warn(u"Warning: writing to Excel file '%1': columnWidths has %2, but %3 written\n"_s.arg(
+            fileName(), counted(static_cast<qint64>(widths), u"width"_s),
+            columns == 1 ? u"1 column is"_s : u"%1 columns are"_s.arg(columns)));
+    }
+}
+
+void ActionWriteExcel::reportNextSheet(const QString &full, const QString &next, bool isFirst)
+{
+    MainUI::addLog(
+        MainUI::Info,
+        u"Note: the sheet '%1' of the Excel file '%2' is full: row %3 of the table and those after it are written to the sheet '%4'\n"_s
+            .arg(full, fileName(), QString::number(rowNumber()), next));
+    if (isFirst && m_run->range) {
+        warn(
+            u"Warning: the name '%1' of the Excel file '%2' covers only the rows in the sheet '%3': the table continues in the sheet '%4'\n"_s
+                .arg(m_params.namedRange, fileName(), full, next));
     }
 }
 
@@ -272,7 +300,18 @@ QVector<ParameterProblem> ActionWriteExcel::problems() const
                                         "'%1' is not a format of a floating-point number")
                 .arg(m_params.floatToString)};
     }
-    return problems + dateProblems() + nameProblems();
+    return problems + dateProblems() + nameProblems() + lookProblems();
+}
+
+QVector<ParameterProblem> ActionWriteExcel::lookProblems() const
+{
+    QVector<ParameterProblem> problems;
+    for (const LookProblem &problem : corvanta::lookProblems(m_params)) {
+        problems << ParameterProblem{
+            QString::fromLatin1(problem.parameter),
+            QCoreApplication::translate("Problems", problem.text).arg(problem.value)};
+    }
+    return problems;
 }
 
 // Warnings: such a graph still writes its workbook, only not the dates that its user expects.

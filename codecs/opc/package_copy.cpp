@@ -136,7 +136,9 @@ Result<void, Error> PackageCopy::copyMembers(MemberWriter &output)
     if (!types) {
         return types.fault();
     }
-    auto done = output.write(reserve(kContentTypesPart), (*types)->text());
+    const bool isReserved = m_notCopied.count(memberOf(kContentTypesPart)) > 0;
+    auto done = isReserved ? Result<void, Error>()
+                           : output.write(reserve(kContentTypesPart), (*types)->text());
     // The names seen so far also skip later members of a name, which no reader can reach.
     std::set<QByteArray> seen = m_notCopied;
     for (const zip::Member &member : m_source.members()) {

@@ -3,8 +3,8 @@
 // Order of the calls:
 // 1. read(), mainPart(), readRelationships(), readInPieces(): read what the changes depend on.
 // 2. contentTypes(), put(), reserve(): collect the changes.
-// 3. copyMembers(): writes [Content_Types].xml, copies every member that is neither put nor
-//    reserved, and writes the members that are put.
+// 3. copyMembers(): writes [Content_Types].xml unless it is reserved, copies every member that is
+//    neither put nor reserved, and writes the members that are put.
 // 4. The caller writes the reserved members, and calls MemberWriter::finish().
 // Copied members keep their stored bytes, which are verified. Of several members of one name the
 // first is copied, as readers see only that one.

@@ -134,6 +134,34 @@ size_t takeItem(std::u16string_view code, size_t at, Parts *parts)
     }
 }
 
+/// Whether a letter outside quotes has a meaning of its own: a part of a date, or an exponent.
+bool isSymbol(std::u16string_view rest)
+{
+    constexpr std::u16string_view kDateLetters = u"ymdhsgb";
+    const char16_t c = lower(rest.front());
+    return c < u'a' || c > u'z' || kDateLetters.find(c) != std::u16string_view::npos ||
+           (c == u'e' && (rest.size() == 1 || lower(rest[1]) < u'a' || lower(rest[1]) == u'e'));
+}
+
+/// Move `*at` to the item after the one that it refers to.
+FormatFault faultOfItem(std::u16string_view code, size_t *at)
+{
+    Parts parts;
+    const char16_t c = code[*at];
+    if (c == u'"' && code.find(u'"', *at + 1) == std::u16string_view::npos) {
+        return FormatFault::Quote;
+    }
+    if (c == u'[' && code.find(u']', *at) == std::u16string_view::npos) {
+        return FormatFault::Bracket;
+    }
+    const std::u16string_view rest = code.substr(*at);
+    if (takeWord(rest, &parts) == 0 && !isSymbol(rest)) {
+        return FormatFault::Letter;
+    }
+    *at = takeItem(code, *at, &parts);
+    return *at > code.size() ? FormatFault::End : FormatFault::None;
+}
+
 NumberForm formOf(const Parts &parts)
 {
     if (parts.elapsed) {
@@ -179,6 +207,30 @@ NumberForm formOfBuiltIn(int id)
         return NumberForm::DateTime;
     }
     return id == 46 ? NumberForm::Duration : NumberForm::General;
+}
+
+FormatFault faultOfCode(std::u16string_view code)
+{
+    constexpr size_t kMaxUnits = 255;
+    constexpr qsizetype kMaxSections = 4;
+    if (code.empty()) {
+        return FormatFault::Empty;
+    }
+    if (code.size() > kMaxUnits) {
+        return FormatFault::Long;
+    }
+    if (std::ranges::any_of(code, [](char16_t c) { return c < u' ' || c >= 0xFFFE; })) {
+        return FormatFault::Character;
+    }
+    qsizetype sections = 1;
+    for (size_t at = 0; at < code.size();) {
+        // Positive numbers; negative ones; zero; texts.
+        sections += code[at] == u';' ? 1 : 0;
+        if (const FormatFault fault = faultOfItem(code, &at); fault != FormatFault::None) {
+            return fault;
+        }
+    }
+    return sections > kMaxSections ? FormatFault::Sections : FormatFault::None;
 }
 
 NumberForm formOfCode(std::u16string_view code)

@@ -1,5 +1,5 @@
-// Which number formats show dates, times and durations (ECMA-376 part 1, 18.8.30 and 18.8.31; the
-// legacy formats have the same codes and numbers).
+// Which number formats are valid, and which show dates, times and durations (ECMA-376 part
+// 1, 18.8.30 and 18.8.31; the legacy formats have the same codes and numbers).
 #pragma once
 #include "codecs/sheet/workbook_reader.h"
 
@@ -15,5 +15,20 @@ NumberForm formOfBuiltIn(int id);
 /// counts, the one of positive numbers. Quoted texts, escaped characters, colours, conditions and
 /// locales in it do not. Never fails: an invalid code gives General.
 NumberForm formOfCode(std::u16string_view code);
+
+/// Why spreadsheet programs reject a format code.
+enum class FormatFault : quint8 {
+    None,
+    Empty,
+    Long,      ///< more than 255 UTF-16 units
+    Character, ///< a control character, or one that XML cannot contain
+    Quote,     ///< a quoted text without its end
+    Bracket,   ///< a bracket without its end
+    Letter,    ///< a letter without a meaning, which needs quotes
+    Sections,  ///< more than four sections
+    End,       ///< ends with a character that refers to the next one
+};
+/// The first fault of a code, except that Sections comes after the others.
+FormatFault faultOfCode(std::u16string_view code);
 
 } // namespace corvanta::sheet

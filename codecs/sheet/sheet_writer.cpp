@@ -15,6 +15,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace corvanta::sheet {
 
@@ -46,6 +47,7 @@ SheetWriter::SheetWriter(zip::PackageWriter &package, SheetOptions options,
     : m_package(package)
     , m_options(std::move(options))
     , m_columns(std::move(columns))
+    , m_newStyles(m_options.columnStyles)
     , m_dates(dates)
     , m_report(std::move(report))
     , m_rowStart("\" spans=\"1:" + QByteArray::number(static_cast<int>(m_columns.size())) + "\">")
@@ -72,6 +74,25 @@ void SheetWriter::applyStyles()
     m_newStyles.clear();
 }
 
+QByteArray SheetWriter::takeHeld()
+{
+    m_held.truncate(m_out - m_begin);
+    m_isHolding = false;
+    m_begin = m_out = m_end = nullptr;
+    return std::exchange(m_held, {});
+}
+
+// The room grows by doubling, so that each byte is copied a few times at most.
+void SheetWriter::makeHeldRoom(size_t bytes)
+{
+    constexpr qsizetype kFirstBytes = qsizetype(64) << 10;
+    const qsizetype used = m_out - m_begin;
+    m_held.resize(std::max({used + static_cast<qsizetype>(bytes), 2 * used, kFirstBytes}));
+    m_begin = m_held.data();
+    m_out = m_begin + used;
+    m_end = m_begin + m_held.size();
+}
+
 void SheetWriter::commit()
 {
     if (m_out != m_begin) {
@@ -82,6 +103,10 @@ void SheetWriter::commit()
 
 bool SheetWriter::makeRoom(size_t bytes)
 {
+    if (m_isHolding) {
+        makeHeldRoom(bytes);
+        return true;
+    }
     // The package compresses a block on a worker thread as soon as it is committed.
     commit();
     auto room = m_package.room(bytes);
@@ -158,10 +183,12 @@ Result<void, Error> SheetWriter::endRow(bool isGood)
 Result<void, Error> SheetWriter::putHeader()
 {
     // As text in every case: a name may look like a number, a formula or a link.
+    const Markup opening =
+        m_options.headerStyle ? withStyle(*m_options.headerStyle, kTextOpening) : kTextOpening;
     bool isGood = startRow();
     for (int i = 0; isGood && i < columnCount(); ++i) {
         const std::u16string name = m_columns[static_cast<size_t>(i)].name.toStdU16String();
-        isGood = putEscaped(i, kTextOpening, name, kTextClosing);
+        isGood = putEscaped(i, opening, name, kTextClosing);
     }
     return endRow(isGood);
 }

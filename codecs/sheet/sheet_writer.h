@@ -33,16 +33,19 @@ inline constexpr size_t kMaxColumns = 16384;
 /// How cells are written. The same for all rows of a sheet.
 struct SheetOptions
 {
-    FloatFormat floatFormat;         ///< of finite numbers; its text should be a number
-    bool noNans = true;              ///< NaN and infinite numbers give no cell, else a text
-    bool equalIsFormula = false;     ///< texts that start with "=" are formulas
-    bool urlTag = false;             ///< texts of the form of parseLink() are hyperlinks
-    bool crop = false;               ///< cut texts below kCellCharLimit
-    bool keepOddDates = false;       ///< in date columns, texts that cannot be dates stay texts
-    quint64 dateStyle = 1;           ///< cell format of dates: the s attribute
-    std::optional<quint64> dayStyle; ///< of ISO dates without a time, if not dateStyle
-    quint64 linkStyle = 2;           ///< cell format of hyperlinks
-    int firstDay = 0;                ///< serial that the workbook counts as day 0
+    FloatFormat floatFormat;            ///< of finite numbers; its text should be a number
+    bool noNans = true;                 ///< NaN and infinite numbers give no cell, else a text
+    bool equalIsFormula = false;        ///< texts that start with "=" are formulas
+    bool urlTag = false;                ///< texts of the form of parseLink() are hyperlinks
+    bool crop = false;                  ///< cut texts below kCellCharLimit
+    bool keepOddDates = false;          ///< in date columns, texts that cannot be dates stay texts
+    quint64 dateStyle = 1;              ///< cell format of dates: the s attribute
+    std::optional<quint64> dayStyle;    ///< of ISO dates without a time, if not dateStyle
+    quint64 linkStyle = 2;              ///< cell format of hyperlinks
+    int firstDay = 0;                   ///< serial that the workbook counts as day 0
+    std::optional<quint64> headerStyle; ///< cell format of the header, if it has one
+    /// Cell formats of rows by column, as for SheetWriter::setStyles().
+    std::vector<std::optional<quint64>> columnStyles;
 };
 
 /// What becomes of the text of a cell that cannot be written as it is.
@@ -111,6 +114,13 @@ public:
     /// without one keeps what the options say. Up to columnCount() entries.
     void setStyles(std::vector<std::optional<quint64>> styles) { m_newStyles = std::move(styles); }
 
+    /// Keep what is written in memory until takeHeld(): for a caller that puts something before it
+    /// that depends on the first rows.
+    void hold() { m_isHolding = true; }
+    qint64 heldBytes() const { return m_isHolding ? m_out - m_begin : 0; }
+    /// End hold(). The caller puts the returned bytes.
+    QByteArray takeHeld();
+
     /// Write XML unchanged. Errors: WriteFailed.
     Result<void, Error> put(QByteArrayView xml);
     /// Write the names of the columns as a row, as texts also where they look like formulas or
@@ -139,6 +149,8 @@ private:
     // The functions that run for every cell return true for success. Otherwise m_error is set,
     // which putHeader() and putRow() return as a Result.
     bool makeRoom(size_t bytes);
+    /// makeRoom() in memory, for hold().
+    void makeHeldRoom(size_t bytes);
     /// Make room for at least `bytes` at m_out.
     bool room(size_t bytes)
     {
@@ -195,10 +207,14 @@ private:
     qint64 m_row = 1;
     Error m_error = Error::WriteFailed;
 
-    // The room of the package, which is all of one block: up to m_out it is written.
+    // The room of the package, which is all of one block: up to m_out it is written. While the
+    // writer is holding, it is that of m_held.
     char *m_begin = nullptr;
     char *m_out = nullptr;
     char *m_end = nullptr;
+
+    QByteArray m_held;
+    bool m_isHolding = false;
 
     bool m_isOdd = false; // of the last text
     std::vector<char> m_longText;

@@ -1,10 +1,13 @@
-// A workbook with one sheet (ECMA-376 part 1, SpreadsheetML; part 2, packages), in writing order:
+// A new workbook (ECMA-376 part 1, SpreadsheetML; part 2, packages), in writing order:
 //
-//   [Content_Types].xml                     types of the parts
+//   [Content_Types].xml                     types of the parts; last if there may be more sheets,
+//                                           like the next two
 //   _rels/.rels                             rId1 -> xl/workbook.xml
 //   xl/_rels/workbook.xml.rels              rId1 -> the sheet, rId2 -> the styles
-//   xl/styles.xml                           cell formats: 0 general, 1 dates, 2 hyperlinks
-//   xl/worksheets/sheet1.xml                sheetViews, sheetData, hyperlinks, pageMargins
+//   xl/styles.xml                           cell formats: 0 general, 1 dates, 2 hyperlinks;
+//                                           then those of SheetLook
+//   xl/worksheets/sheet1.xml                sheetViews, cols, sheetData, autoFilter,
+//                                           hyperlinks, pageMargins
 //   xl/workbook.xml                         fileVersion, bookViews, sheets, definedNames
 //   xl/worksheets/_rels/sheet1.xml.rels     addresses of hyperlinks, if there are any
 //
@@ -12,8 +15,12 @@
 #include "codecs/xlsx/fixed_parts.h"
 
 #include "codecs/opc/content_types.h"
-#include "codecs/sheet/cell_text.h"
+#include "codecs/opc/part_names.h"
+#include "codecs/opc/relationships.h"
+#include "codecs/sheet/sheet_writer.h"
 #include "codecs/xlsx/styles_part.h"
+
+#include <algorithm>
 
 namespace corvanta::xlsx {
 
@@ -101,12 +108,40 @@ QByteArray newStyles(int dateFormat, bool hasDays)
            (hasDays ? kStylesDay : "") + kStylesTail;
 }
 
-std::array<FixedMember, 4> leadingMembers(int dateFormat, bool hasDays)
+namespace {
+
+/// The two parts that list sheets, for more than one sheet. The fixed texts can be read.
+QByteArray contentTypes(int sheets)
 {
-    return {FixedMember{opc::kContentTypesPart, kContentTypes},
+    auto types = opc::ContentTypes::read(kContentTypes);
+    for (int sheet = 2; sheet <= sheets; ++sheet) {
+        types->declarePart(sheetPart(sheet), SHEET_TYPES "worksheet+xml");
+    }
+    return types->text();
+}
+
+QByteArray workbookRelationships(int sheets)
+{
+    auto relationships = opc::Relationships::read(kWorkbookRels);
+    for (int sheet = 2; sheet <= sheets; ++sheet) {
+        relationships->addPart(opc::relationshipType(kTransitional.relationships, "worksheet"),
+                               opc::targetOf(kWorkbookPart, sheetPart(sheet)));
+    }
+    return relationships->text();
+}
+
+} // namespace
+
+std::array<FixedMember, 3> packageMembers(int sheets)
+{
+    return {FixedMember{opc::kContentTypesPart, contentTypes(sheets)},
             FixedMember{"_rels/.rels", kPackageRels},
-            FixedMember{"xl/_rels/workbook.xml.rels", kWorkbookRels},
-            FixedMember{"xl/styles.xml", newStyles(dateFormat, hasDays)}};
+            FixedMember{"xl/_rels/workbook.xml.rels", workbookRelationships(sheets)}};
+}
+
+QByteArray sheetPart(int number)
+{
+    return "xl/worksheets/sheet" + QByteArray::number(number) + ".xml";
 }
 
 QByteArray newSheetRoot(const Family &family)
@@ -115,26 +150,43 @@ QByteArray newSheetRoot(const Family &family)
            family.relationships.toByteArray() + "\">";
 }
 
-QByteArray newSheetHead(const Family &family, const QByteArray &widths)
-{
-    return XML_DECLARATION + newSheetRoot(family) +
-           "<sheetViews><sheetView workbookViewId=\"0\"/></sheetViews>" + widths + "<sheetData>";
-}
+namespace {
 
-QByteArray columnWidths(const std::vector<int> &columns, int width)
+/// The element of the column widths; empty for none. A width is in digits of the default font.
+QByteArray columnWidths(const std::vector<double> &widths)
 {
     QByteArray list;
-    for (const int column : columns) {
-        const QByteArray number = QByteArray::number(column + 1);
-        list += "<col min=\"" + number + "\" max=\"" + number + "\" width=\"" +
-                QByteArray::number(width) + "\" customWidth=\"1\"/>";
+    for (size_t i = 0; i < widths.size(); ++i) {
+        if (widths[i] > 0) {
+            const QByteArray number = QByteArray::number(i + 1);
+            list += "<col min=\"" + number + "\" max=\"" + number + "\" width=\"" +
+                    QByteArray::number(widths[i]) + "\" customWidth=\"1\"/>";
+        }
     }
     return list.isEmpty() ? list : "<cols>" + list + "</cols>";
 }
 
-QByteArray newSheetTail()
+} // namespace
+
+QByteArray newSheetHead(const Family &family, const SheetLook &look)
 {
-    return "</sheetData><pageMargins left=\"0.7\" right=\"0.7\" top=\"0.75\" bottom=\"0.75\" "
+    // The pane of the rows after the header, which scrolls, is the active one.
+    const QByteArray view =
+        look.freezesHeader
+            ? "<sheetView workbookViewId=\"0\"><pane ySplit=\"1\" topLeftCell=\"A2\" "
+              "activePane=\"bottomLeft\" state=\"frozen\"/><selection "
+              "pane=\"bottomLeft\"/></sheetView>"
+            : "<sheetView workbookViewId=\"0\"/>";
+    return XML_DECLARATION + newSheetRoot(family) + "<sheetViews>" + view + "</sheetViews>" +
+           columnWidths(look.widths) + "<sheetData>";
+}
+
+QByteArray newSheetTail(const QByteArray &filterRange)
+{
+    const QByteArray filter =
+        filterRange.isEmpty() ? filterRange : "<autoFilter ref=\"" + filterRange + "\"/>";
+    return "</sheetData>" + filter +
+           "<pageMargins left=\"0.7\" right=\"0.7\" top=\"0.75\" bottom=\"0.75\" "
            "header=\"0.3\" "
            "footer=\"0.3\"/></worksheet>";
 }
@@ -151,11 +203,23 @@ QString rangeReference(const NamedRange &range, QString sheetName)
 
 namespace {
 
-/// The block of defined names with one entry.
-QByteArray definedNames(const NamedRange &range, const QString &sheetName)
+/// The part of the range that programs can read.
+NamedRange limited(NamedRange range)
 {
-    return "<definedNames><definedName name=\"" + escapeXml(range.name).replace("\"", "&quot;") +
-           "\">" + escapeXml(rangeReference(range, sheetName)) + "</definedName></definedNames>";
+    range.lastRow = std::min(range.lastRow, sheet::kMaxRows);
+    range.lastColumn = std::min(range.lastColumn, static_cast<int>(sheet::kMaxColumns) - 1);
+    return range;
+}
+
+/// The block of defined names; empty for none.
+QByteArray definedNames(const std::vector<DefinedName> &names)
+{
+    QByteArray list;
+    for (const DefinedName &name : names) {
+        list += "<definedName name=\"" + escapeXml(name.name).replace("\"", "&quot;") + '"' +
+                name.scopeAttributes() + '>' + escapeXml(name.refersTo) + "</definedName>";
+    }
+    return list.isEmpty() ? list : "<definedNames>" + list + "</definedNames>";
 }
 
 QByteArray escapeSheetName(const QString &name)
@@ -167,19 +231,34 @@ QByteArray escapeSheetName(const QString &name)
 
 } // namespace
 
-QByteArray newWorkbook(const QString &sheetName, const std::optional<NamedRange> &range)
+DefinedName filterName(const NamedRange &range, const QString &sheetName, int sheetIndex)
+{
+    return {QStringLiteral("_xlnm._FilterDatabase"), rangeReference(limited(range), sheetName),
+            sheetIndex};
+}
+
+QByteArray filterRange(const NamedRange &range)
+{
+    const NamedRange readable = limited(range);
+    return 'A' + QByteArray::number(readable.firstRow) + ':' +
+           sheet::columnLetters(readable.lastColumn) + QByteArray::number(readable.lastRow);
+}
+
+QByteArray newWorkbook(const QStringList &sheets, const std::vector<DefinedName> &names)
 {
     QByteArray xml = XML_DECLARATION
         "<workbook xmlns=\"" MAIN_NS "\" xmlns:r=\"" OFFICE_RELS "\">"
         "<fileVersion appName=\"xl\" lastEdited=\"4\" lowestEdited=\"4\" rupBuild=\"4506\"/>"
         "<bookViews><workbookView xWindow=\"420\" yWindow=\"792\" windowWidth=\"22428\" "
         "windowHeight=\"8676\"/></bookViews>"
-        "<sheets><sheet name=\"";
-    xml += escapeSheetName(sheetName) + "\" sheetId=\"1\" r:id=\"rId1\"/></sheets>";
-    if (range) {
-        xml += definedNames(*range, sheetName);
+        "<sheets>";
+    for (qsizetype i = 0; i < sheets.size(); ++i) {
+        // Relationship 2 is that of the styles.
+        xml += "<sheet name=\"" + escapeSheetName(sheets.at(i)) + "\" sheetId=\"" +
+               QByteArray::number(i + 1) + "\" r:id=\"rId" +
+               QByteArray::number(i == 0 ? 1 : i + 2) + "\"/>";
     }
-    return xml + "</workbook>";
+    return xml + "</sheets>" + definedNames(names) + "</workbook>";
 }
 
 } // namespace corvanta::xlsx

@@ -1,7 +1,9 @@
-// The parts of a new workbook with one sheet: fixed texts, and the texts that depend on the rows.
+// The parts of a new workbook: fixed texts, and the texts that depend on the rows.
 // All texts are UTF-8; fixed_parts.cpp lists the members. Threads: pure functions.
 #pragma once
 #include "codecs/xlsx/namespaces.h"
+#include "codecs/xlsx/sheet_look.h"
+#include "codecs/xlsx/workbook_part.h"
 
 #include <QByteArray>
 #include <QString>
@@ -20,28 +22,28 @@ struct FixedMember
     QByteArray content;
 };
 
-/// The members before the sheet, in writing order, which begins with the content types. They name
-/// the sheet and the workbook that are written later. `dateFormat` as for numberFormatId().
-std::array<FixedMember, 4> leadingMembers(int dateFormat, bool hasDays);
-/// The styles part, one of them. Its cell format 1 is that of dates, 2 that of hyperlinks and, with
-/// `hasDays`, kDayStyle that of dates without a time.
+/// The members that say what the package contains, in writing order: the content types first, then
+/// relationships. They name the workbook, its styles and `sheets` sheets.
+std::array<FixedMember, 3> packageMembers(int sheets);
+/// The styles part. Its cell format 1 is that of dates, 2 that of hyperlinks and, with `hasDays`,
+/// kDayStyle that of dates without a time. `dateFormat` as for numberFormatId().
 QByteArray newStyles(int dateFormat, bool hasDays);
 
 inline constexpr quint64 kDayStyle = 3;
 
-inline constexpr char kSheetPart[] = "xl/worksheets/sheet1.xml";
+inline constexpr char kStylesPart[] = "xl/styles.xml";
+/// The part of sheet `number`, from 1.
+QByteArray sheetPart(int number);
 inline constexpr char kWorkbookPart[] = "xl/workbook.xml";
 
 /// The sheet up to its first row, with its XML declaration. Not only for new workbooks: an update
-/// that adds a sheet passes the family of the workbook. `widths` is a columnWidths() element or
-/// empty.
-QByteArray newSheetHead(const Family &family, const QByteArray &widths);
-/// The element that makes these columns (from 0) as wide as `width` digits; empty for none.
-QByteArray columnWidths(const std::vector<int> &columns, int width);
+/// that adds a sheet passes the family of the workbook.
+QByteArray newSheetHead(const Family &family, const SheetLook &look);
 /// The root tag in it, which declares the prefix r for ids of relationships.
 QByteArray newSheetRoot(const Family &family);
 /// The sheet after its last row; it has the place for hyperlinks (see withHyperlinks()).
-QByteArray newSheetTail();
+/// `filterRange`, such as A1:C9, gets a filter unless it is empty.
+QByteArray newSheetTail(const QByteArray &filterRange);
 
 /// A named range of cells, from column A on.
 struct NamedRange
@@ -50,13 +52,18 @@ struct NamedRange
     qint64 firstRow = 1; ///< from 1
     qint64 lastRow = 1;  ///< inclusive
     int lastColumn = 0;  ///< from 0, inclusive
+    QString sheet = {};  ///< name of its sheet; empty: the sheet that was written last
 };
 /// The reference to its cells: 'Sheet'!$A$1:$C$9 (ECMA-376 part 1, 18.17.2.3). Not escaped for XML.
 QString rangeReference(const NamedRange &range, QString sheetName);
+/// The hidden name that programs give to the range of a sheet's filter (18.2.5). `range` has a row
+/// of names; rows and columns that programs cannot read are left out. `sheetIndex` is from 0.
+DefinedName filterName(const NamedRange &range, const QString &sheetName, int sheetIndex);
+/// The range of that filter, as in newSheetTail().
+QByteArray filterRange(const NamedRange &range);
 
-/// The workbook part with one sheet, and with a defined name if `range` is set. Kept for saved
-/// graphs: "<" in `sheetName` is not escaped, so such a name makes the part invalid; the caller
-/// warns about it.
-QByteArray newWorkbook(const QString &sheetName, const std::optional<NamedRange> &range);
+/// The workbook part. Kept for saved graphs: "<" in names of sheets is not escaped, so such a name
+/// makes the part invalid; the caller warns about it.
+QByteArray newWorkbook(const QStringList &sheets, const std::vector<DefinedName> &names);
 
 } // namespace corvanta::xlsx

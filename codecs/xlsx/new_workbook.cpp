@@ -13,39 +13,69 @@ void NewWorkbook::setCellFormats(sheet::SheetOptions *options) const
     if (m_hasDays) {
         options->dayStyle = kDayStyle;
     }
+    setLookStyles(options);
+}
+
+// They list the sheets, but not their relationships, which programs find by name.
+Result<void, Error> NewWorkbook::writePackageMembers()
+{
+    for (const FixedMember &member : packageMembers(static_cast<int>(m_sheetNames.size()))) {
+        if (auto written = m_output->write(member.name, member.content); !written) {
+            return written;
+        }
+    }
+    return {};
 }
 
 /// Writes the members before the sheet, and begins the member of the sheet: its rows are streamed.
 Result<void, Error> NewWorkbook::begin(opc::MemberWriter &output)
 {
     m_output = &output;
-    for (const FixedMember &member : leadingMembers(m_dateFormat, m_hasDays)) {
-        if (auto written = output.write(member.name, member.content); !written) {
-            return written;
-        }
+    // How many sheets there will be is known only at the end.
+    auto done = m_look.mayContinue ? Result<void, Error>() : writePackageMembers();
+    if (done) {
+        QByteArray styles = newStyles(m_dateFormat, m_hasDays);
+        addLookTo(&styles); // these styles can be read
+        done = output.write(kStylesPart, styles);
     }
-    return output.open(kSheetPart);
+    return done ? output.open(currentPart()) : done;
 }
 
 Result<void, Error> NewWorkbook::openSheet(sheet::SheetWriter &sheet)
 {
-    return put(sheet, newSheetHead(kTransitional, m_columnWidths));
+    return put(sheet, newSheetHead(kTransitional, m_look));
 }
 
 Result<void, Error> NewWorkbook::finishSheet(sheet::SheetWriter &sheet)
 {
-    return putTail(sheet, newSheetTail(), newSheetRoot(kTransitional), kTransitional, 0);
+    return putTail(sheet, tailOf(sheet), newSheetRoot(kTransitional), kTransitional, 0);
 }
 
-/// The defined name and the addresses of links are known only after the last row.
+/// The addresses of links are known only after the last row.
+Result<void, Error> NewWorkbook::writeSheetRelationships(const sheet::SheetWriter &sheet)
+{
+    if (sheet.urls().isEmpty()) {
+        return {};
+    }
+    opc::Relationships relationships;
+    addAddresses(&relationships, sheet, kTransitional, 0);
+    return m_output->write(opc::relationshipPartOf(currentPart()), relationships.text());
+}
+
+// The relationships of a sheet are written while the name of its part is the current one.
+Result<void, Error> NewWorkbook::nextSheet(const sheet::SheetWriter &sheet, const QString &name)
+{
+    const auto done = writeSheetRelationships(sheet);
+    m_sheetName = name;
+    m_sheetNames << name;
+    return done ? m_output->open(currentPart()) : done;
+}
+
 Result<void, Error> NewWorkbook::finish(const sheet::SheetWriter &sheet, const WorkbookEnd &end)
 {
-    auto done = m_output->write(kWorkbookPart, newWorkbook(m_sheetName, end.range));
-    if (done && !sheet.urls().isEmpty()) {
-        opc::Relationships relationships;
-        addAddresses(&relationships, sheet, kTransitional, 0);
-        done = m_output->write(opc::relationshipPartOf(kSheetPart), relationships.text());
-    }
+    auto done = m_output->write(kWorkbookPart, newWorkbook(m_sheetNames, definedNames(end)));
+    done = done ? writeSheetRelationships(sheet) : done;
+    done = done && m_look.mayContinue ? writePackageMembers() : done;
     return done ? m_output->finish() : done;
 }
 

@@ -14,8 +14,11 @@
 #include "codecs/opc/part_names.h"
 #include "codecs/opc/splices.h"
 
+#include <QByteArrayList>
+
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <initializer_list>
 
 namespace corvanta::xlsx {
@@ -31,6 +34,7 @@ using opc::Tag;
 // Far above the ids that programs give to own formats, which start at 164: an id at or above it was
 // added by an update, and its format can be used again.
 constexpr quint64 kFirstFormatId = 2001;
+constexpr char kAppliesNumberFormat[] = " applyNumberFormat=\"1\"/>"; // rest of an xf tag
 
 /// Reads the tables of a part and collects the changes to them.
 class StylesEditor
@@ -41,17 +45,45 @@ public:
         , m_outline(outline)
         , m_splices(text)
     {
+        readNumberFormats();
     }
 
-    quint64 addNumberFormat(const QByteArray &code);
+    quint64 addNumberFormat(const QString &code);
+    /// Add the new number formats to the part; once, before addCellFormats() and putTable().
+    void putNumberFormats();
     quint64 addHyperlinkFont();
     StylesChange addCellFormats(quint64 dateFormatId, quint64 fontId);
+    LookStyles addLook(const SheetLook &look);
+    QByteArray apply() { return m_splices.apply(); }
 
 private:
-    /// Append `entry` to a table, which then has `count` entries.
+    struct NumberFormat
+    {
+        quint64 id;
+        QString code;
+    };
+    /// The entries of a table, and those that are added to it.
+    struct EntryTable
+    {
+        QByteArrayList entries;
+        qsizetype known = 0;
+    };
+
+    void readNumberFormats();
+    EntryTable readTable(QByteArrayView name, QByteArrayView entry) const;
+    /// The index of an entry, which is added if the table does not have it.
+    static quint64 indexIn(EntryTable *table, const QByteArray &entry);
+    void putTable(QByteArrayView name, const EntryTable &table,
+                  std::initializer_list<QByteArrayView> earlier);
+    QByteArray boldFont() const;
+    EntryTable readFills() const;
+    quint64 addHeaderFont(const SheetLook &look);
+    quint64 addHeaderFill(const SheetLook &look);
+
+    /// Append `entries` to a table, which then has `count` entries; a missing one is inserted.
+    void put(QByteArrayView name, quint64 count, const QByteArray &entries,
+             std::initializer_list<QByteArrayView> earlier);
     void append(int table, quint64 count, const QByteArray &entry);
-    void addNumberFormat(std::optional<int> table, quint64 count, quint64 id,
-                         const QByteArray &code);
     std::optional<quint64> findFormats(const std::vector<int> &formats, const QByteArray &first,
                                        const QByteArray &second) const;
     /// Insert a table with `count` entries after the tables `earlier`.
@@ -78,7 +110,19 @@ private:
     QByteArrayView m_text;
     const Outline &m_outline;
     Splices m_splices;
+    std::vector<NumberFormat> m_formats;
+    size_t m_knownFormats = 0; // of m_formats, those of the part
 };
+
+void StylesEditor::put(QByteArrayView name, quint64 count, const QByteArray &entries,
+                       std::initializer_list<QByteArrayView> earlier)
+{
+    if (const auto table = m_outline.child(0, name)) {
+        append(*table, count, entries);
+    } else {
+        addTable(name, count, entries, earlier);
+    }
+}
 
 void StylesEditor::append(int table, quint64 count, const QByteArray &entry)
 {
@@ -101,36 +145,45 @@ void StylesEditor::addTable(QByteArrayView name, quint64 count, const QByteArray
     m_splices.insert(at, table);
 }
 
-/// Returns the id of the format, which is used again if the part has it.
-quint64 StylesEditor::addNumberFormat(const QByteArray &code)
+// Ids need not be in order, and built-in formats may be listed too.
+void StylesEditor::readNumberFormats()
 {
-    const auto table = m_outline.child(0, "numFmts");
-    const std::vector<int> entries = entriesOf(table, "numFmt");
-    quint64 id = kFirstFormatId;
-    for (const int index : entries) {
+    for (const int index : entriesOf(m_outline.child(0, "numFmts"), "numFmt")) {
         const Tag &tag = m_outline.element(index).tag;
-        const auto usedId = opc::partNumber(tag.attribute("numFmtId").value_or(QByteArrayView()));
-        if (!usedId || *usedId < kFirstFormatId) {
+        const auto id = opc::partNumber(tag.attribute("numFmtId").value_or(QByteArrayView()));
+        m_formats.push_back(
+            {id.value_or(0), opc::decoded(tag.attribute("formatCode").value_or(QByteArrayView()))});
+    }
+    m_knownFormats = m_formats.size();
+}
+
+/// Returns the id of the format, which is used again if the part has it.
+quint64 StylesEditor::addNumberFormat(const QString &code)
+{
+    quint64 id = kFirstFormatId;
+    for (const NumberFormat &format : m_formats) {
+        if (format.id < kFirstFormatId) {
             continue;
         }
-        if (opc::decoded(tag.attribute("formatCode").value_or(QByteArrayView())).toUtf8() == code) {
-            return *usedId;
+        if (format.code == code) {
+            return format.id;
         }
-        id = std::max(id, *usedId + 1);
+        id = std::max(id, format.id + 1);
     }
-    addNumberFormat(table, entries.size() + 1, id, code);
+    m_formats.push_back({id, code});
     return id;
 }
 
-void StylesEditor::addNumberFormat(std::optional<int> table, quint64 count, quint64 id,
-                                   const QByteArray &code)
+void StylesEditor::putNumberFormats()
 {
-    const QByteArray entry = element("numFmt", " numFmtId=\"" + QByteArray::number(id) +
-                                                   "\" formatCode=\"" + code + "\"/>");
-    if (table) {
-        append(*table, count, entry);
-    } else {
-        addTable("numFmts", count, entry, {});
+    QByteArray entries;
+    for (size_t i = m_knownFormats; i < m_formats.size(); ++i) {
+        entries +=
+            element("numFmt", " numFmtId=\"" + QByteArray::number(m_formats[i].id) +
+                                  "\" formatCode=\"" + opc::quotable(m_formats[i].code) + "\"/>");
+    }
+    if (!entries.isEmpty()) {
+        put("numFmts", m_formats.size(), entries, {});
     }
 }
 
@@ -156,11 +209,7 @@ quint64 StylesEditor::addHyperlinkFont()
     // Cells without a format use font 0, so the first entry must not be ours.
     const QByteArray entries = (fonts.empty() ? element("font", "/>") : QByteArray()) + font;
     const quint64 count = std::max<quint64>(fonts.size() + 1, 2);
-    if (table) {
-        append(*table, count, entries);
-    } else {
-        addTable("fonts", count, entries, {"numFmts"});
-    }
+    put("fonts", count, entries, {"numFmts"});
     return count - 1;
 }
 
@@ -191,7 +240,7 @@ StylesChange StylesEditor::addCellFormats(quint64 dateFormatId, quint64 fontId)
 {
     const auto table = m_outline.child(0, "cellXfs");
     const std::vector<int> known = entriesOf(table, "xf");
-    const QByteArray date = cellFormat(dateFormatId, 0, " applyNumberFormat=\"1\"/>");
+    const QByteArray date = cellFormat(dateFormatId, 0, kAppliesNumberFormat);
     const QByteArray link = cellFormat(0, fontId, "/>");
     if (const auto found = findFormats(known, date, link)) {
         return {m_splices.apply(), *found, *found + 1, false};
@@ -200,13 +249,132 @@ StylesChange StylesEditor::addCellFormats(quint64 dateFormatId, quint64 fontId)
     const QByteArray entries =
         (known.empty() ? cellFormat(0, 0, "/>") : QByteArray()) + date + link;
     const quint64 count = std::max<quint64>(known.size(), 1) + 2;
-    if (table) {
-        append(*table, count, entries);
-    } else {
-        addTable("cellXfs", count, entries,
-                 {"numFmts", "fonts", "fills", "borders", "cellStyleXfs"});
-    }
+    put("cellXfs", count, entries, {"numFmts", "fonts", "fills", "borders", "cellStyleXfs"});
     return {m_splices.apply(), count - 2, count - 1, !table};
+}
+
+// ---- The look of a sheet.
+
+StylesEditor::EntryTable StylesEditor::readTable(QByteArrayView name, QByteArrayView entry) const
+{
+    EntryTable table;
+    for (const int index : entriesOf(m_outline.child(0, name), entry)) {
+        table.entries << textOf(index).toByteArray();
+    }
+    table.known = table.entries.size();
+    return table;
+}
+
+// Equal entries are one format to programs, so that updates do not let the tables grow.
+quint64 StylesEditor::indexIn(EntryTable *table, const QByteArray &entry)
+{
+    qsizetype index = table->entries.indexOf(entry);
+    if (index < 0) {
+        index = table->entries.size();
+        table->entries << entry;
+    }
+    return static_cast<quint64>(index);
+}
+
+void StylesEditor::putTable(QByteArrayView name, const EntryTable &table,
+                            std::initializer_list<QByteArrayView> earlier)
+{
+    const QByteArray added = table.entries.mid(table.known).join();
+    if (!added.isEmpty()) {
+        put(name, static_cast<quint64>(table.entries.size()), added, earlier);
+    }
+}
+
+/// The first font with its name and size, in bold: the element b comes first (18.8.22).
+QByteArray StylesEditor::boldFont() const
+{
+    const QByteArray end = "</" + m_outline.qualified("font") + '>';
+    const std::vector<int> fonts = entriesOf(m_outline.child(0, "fonts"), "font");
+    if (fonts.empty() || m_outline.element(fonts.front()).isEmptyTag()) {
+        return element("font", ">") + element("b", "/>") + end;
+    }
+    QByteArray font = textOf(fonts.front()).toByteArray();
+    if (m_outline.children(fonts.front(), "b").empty()) {
+        const Tag &tag = m_outline.element(fonts.front()).tag;
+        font.insert(tag.end - tag.begin, element("b", "/>"));
+    }
+    return font;
+}
+
+// Without a bold header: font 0, that of cells without a format.
+quint64 StylesEditor::addHeaderFont(const SheetLook &look)
+{
+    if (!look.hasBoldHeader) {
+        return 0;
+    }
+    EntryTable fonts = readTable("fonts", "font");
+    if (fonts.entries.isEmpty()) {
+        fonts.entries << element("font", "/>");
+    }
+    const quint64 index = indexIn(&fonts, boldFont());
+    putTable("fonts", fonts, {"numFmts"});
+    return index;
+}
+
+/// Programs use the first two fills for "none" and a pattern, whatever they are.
+StylesEditor::EntryTable StylesEditor::readFills() const
+{
+    constexpr std::array<const char *, 2> kPatterns{"none", "gray125"};
+    EntryTable fills = readTable("fills", "fill");
+    for (auto i = static_cast<size_t>(fills.known); i < kPatterns.size(); ++i) {
+        fills.entries << element("fill", ">") +
+                             element("patternFill",
+                                     " patternType=\"" + QByteArray(kPatterns[i]) + "\"/>") +
+                             "</" + m_outline.qualified("fill") + '>';
+    }
+    return fills;
+}
+
+// A solid pattern is drawn in its foreground color (18.8.32).
+quint64 StylesEditor::addHeaderFill(const SheetLook &look)
+{
+    if (!look.hasFilledHeader) {
+        return 0;
+    }
+    EntryTable fills = readFills();
+    const quint64 index = indexIn(
+        &fills, element("fill", ">") + element("patternFill", " patternType=\"solid\">") +
+                    element("fgColor", " rgb=\"FFDDEBF7\"/>") +
+                    element("bgColor", " indexed=\"64\"/>") + "</" +
+                    m_outline.qualified("patternFill") + "></" + m_outline.qualified("fill") + '>');
+    putTable("fills", fills, {"numFmts", "fonts"});
+    return index;
+}
+
+/// Tables that are missing are inserted in the order of the calls, which is that of the schema.
+LookStyles StylesEditor::addLook(const SheetLook &look)
+{
+    std::vector<quint64> formats;
+    for (const QString &code : look.formats) {
+        formats.push_back(code.isEmpty() ? 0 : addNumberFormat(code));
+    }
+    putNumberFormats();
+    const QByteArray font = QByteArray::number(addHeaderFont(look));
+    const QByteArray fill = QByteArray::number(addHeaderFill(look));
+    EntryTable cells = readTable("cellXfs", "xf");
+    if (cells.entries.isEmpty()) {
+        cells.entries << cellFormat(0, 0, "/>"); // of cells without a format
+    }
+    LookStyles styles;
+    if (look.hasBoldHeader || look.hasFilledHeader) {
+        styles.header = indexIn(&cells, element("xf", " numFmtId=\"0\" fontId=\"" + font +
+                                                          "\" fillId=\"" + fill +
+                                                          "\" borderId=\"0\" xfId=\"0\" "
+                                                          "applyFont=\"1\" applyFill=\"1\"/>"));
+    }
+    for (const quint64 format : formats) {
+        styles.columns.emplace_back();
+        if (format != 0) {
+            styles.columns.back() = indexIn(&cells, cellFormat(format, 0, kAppliesNumberFormat));
+        }
+    }
+    putTable("cellXfs", cells, {"numFmts", "fonts", "fills", "borders", "cellStyleXfs"});
+    return styles;
 }
 
 } // namespace
@@ -228,7 +396,11 @@ int numberFormatId(int index, int ownBase)
     return index < 3 ? ownBase + qMax(index, 0) : kBuiltIn[qMin(index, 11) - 3];
 }
 
-Result<StylesChange, Error> changedStyles(QByteArrayView text, const DateFormat &dateFormat)
+namespace {
+
+/// Edit the part `text`; `edit` gets its editor.
+template <class T>
+Result<T, Error> edited(QByteArrayView text, const std::function<T(StylesEditor &)> &edit)
 {
     const auto outline = Outline::read(text);
     if (!outline) {
@@ -241,14 +413,39 @@ Result<StylesChange, Error> changedStyles(QByteArrayView text, const DateFormat 
         // <styleSheet/> has no place for tables: give it an end tag first.
         Splices opened(text);
         opened.append(outline->root(), {});
-        return changedStyles(opened.apply(), dateFormat);
+        return edited<T>(opened.apply(), edit);
     }
     StylesEditor editor(text, *outline);
-    const bool isBuiltin = dateFormat.code.isEmpty();
-    const quint64 dateFormatId = isBuiltin ? static_cast<quint64>(dateFormat.builtinId)
-                                           : editor.addNumberFormat(dateFormat.code);
-    const quint64 fontId = editor.addHyperlinkFont();
-    return editor.addCellFormats(dateFormatId, fontId);
+    return edit(editor);
+}
+
+} // namespace
+
+Result<StylesChange, Error> changedStyles(QByteArrayView text, const DateFormat &dateFormat)
+{
+    return edited<StylesChange>(text, [&](StylesEditor &editor) {
+        const bool isBuiltin = dateFormat.code.isEmpty();
+        const quint64 dateFormatId =
+            isBuiltin ? static_cast<quint64>(dateFormat.builtinId)
+                      : editor.addNumberFormat(QString::fromLatin1(dateFormat.code));
+        editor.putNumberFormats();
+        const quint64 fontId = editor.addHyperlinkFont();
+        return editor.addCellFormats(dateFormatId, fontId);
+    });
+}
+
+Result<LookStyles, Error> addLook(QByteArray *text, const SheetLook &look)
+{
+    QByteArray changed;
+    const auto styles = edited<LookStyles>(*text, [&](StylesEditor &editor) {
+        LookStyles added = editor.addLook(look);
+        changed = editor.apply();
+        return added;
+    });
+    if (styles) {
+        *text = changed;
+    }
+    return styles;
 }
 
 } // namespace corvanta::xlsx

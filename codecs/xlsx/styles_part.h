@@ -1,8 +1,9 @@
-// Adds the cell formats of dates and hyperlinks to the styles part of a workbook (ECMA-376 part 1,
-// 18.8). Threads: pure functions.
+// Adds cell formats to the styles part of a workbook (ECMA-376 part 1, 18.8): those of dates and
+// hyperlinks, and those of the look of a sheet. Threads: pure functions.
 #pragma once
 #include "base/result.h"
 #include "codecs/opc/error.h"
+#include "codecs/xlsx/sheet_look.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -37,5 +38,10 @@ struct StylesChange
 /// of them are used again if an earlier update added them. Existing formats keep their indexes.
 /// Errors: Encoding, Malformed, Unexpected (no styleSheet), TooLarge.
 Result<StylesChange, opc::Error> changedStyles(QByteArrayView text, const DateFormat &dateFormat);
+
+/// Add the formats of a header and of columns to the part `text`. A font, fill, number format or
+/// cell format that the part has is used again. The font of a bold header is that of cells without
+/// a format, in bold. Errors: as changedStyles().
+Result<LookStyles, opc::Error> addLook(QByteArray *text, const SheetLook &look);
 
 } // namespace corvanta::xlsx

@@ -1,9 +1,10 @@
 // The members of a workbook that an update touches (ECMA-376 part 1, SpreadsheetML). Names are
 // those of a usual workbook; the relationships determine the real ones.
 //
-//   [Content_Types].xml                     written first; declares a new sheet or styles part
+//   [Content_Types].xml                     written first, or last if the rows may continue in
+//                                           further sheets; declares new sheets and a styles part
 //   all other members                       copied
-//   xl/styles.xml                           two more cell formats
+//   xl/styles.xml                           two more cell formats, and those of SheetLook
 //   xl/worksheets/sheetN.xml                new, or split at the first new row
 //   xl/workbook.xml                         new sheet, defined name, recalculation
 //   xl/_rels/workbook.xml.rels              new sheet or styles part; calculation chain removed
@@ -88,8 +89,10 @@ void UpdatedWorkbook::addSheet(const QString &name)
 {
     m_sheetName = name;
     m_sheetPart = freeSheetPart();
-    m_addedSheet =
-        SheetEntry{name, m_workbook.freeSheetId(), addRelationship("worksheet", m_sheetPart)};
+    const SheetEntry entry{name, m_workbook.freeSheetId(),
+                           addRelationship("worksheet", m_sheetPart)};
+    m_addedSheets.push_back(entry);
+    m_workbook.sheets.push_back(entry);
     m_types->declarePart(m_sheetPart, kContentTypeBase + QByteArray("worksheet+xml"));
 }
 
@@ -188,7 +191,9 @@ UpdatedWorkbook::CellFormats UpdatedWorkbook::changeStyles(const QByteArray &par
 {
     if (!m_copy.names().find(part)) {
         // Cells of the formats 1 and 2 need a part that has them.
-        m_copy.put(part, newStyles(dateFormat, false));
+        m_styles = newStyles(dateFormat, false);
+        m_stylesPart = part;
+        m_copy.put(part, m_styles);
         m_types->declarePart(part, kContentTypeBase + QByteArray("styles+xml"));
         return CellFormats::NotAdded;
     }
@@ -201,7 +206,9 @@ UpdatedWorkbook::CellFormats UpdatedWorkbook::changeStyles(const QByteArray &par
     if (m_rowStyles) {
         m_forms = readNumberForms(changed->text);
     }
-    m_copy.put(part, changed->text);
+    m_styles = changed->text;
+    m_stylesPart = part;
+    m_copy.put(part, m_styles);
     m_dateStyle = changed->dateStyle;
     m_linkStyle = changed->hyperlinkStyle;
     return changed->hadNoCellFormats ? CellFormats::AddedTable : CellFormats::Added;
@@ -212,11 +219,20 @@ void UpdatedWorkbook::setCellFormats(sheet::SheetOptions *options) const
     options->dateStyle = m_dateStyle;
     options->linkStyle = m_linkStyle;
     options->firstDay = m_workbook.has1904Dates ? kSerialOf1904 : 0;
+    setLookStyles(options);
 }
 
 Result<void, Error> UpdatedWorkbook::begin(opc::MemberWriter &output)
 {
     m_output = &output;
+    // A changed sheet gets the look only where it continues in a new one.
+    const bool usesLook = isNewSheet() || m_look.mayContinue;
+    if (usesLook && !m_stylesPart.isEmpty() && m_look.needsStyles() && addLookTo(&m_styles)) {
+        m_copy.put(m_stylesPart, m_styles);
+    }
+    if (m_look.mayContinue) {
+        m_copy.reserve(opc::kContentTypesPart); // written when all sheets are known
+    }
     m_copy.reserve(m_workbookPart);
     m_copy.reserve(opc::relationshipPartOf(m_workbookPart));
     m_copy.reserve(sheetRelationshipPart());
@@ -228,7 +244,7 @@ Result<void, Error> UpdatedWorkbook::begin(opc::MemberWriter &output)
 Result<void, Error> UpdatedWorkbook::openSheet(sheet::SheetWriter &sheet)
 {
     if (!m_splitter) {
-        return put(sheet, newSheetHead(m_workbook.family, m_columnWidths));
+        return put(sheet, newSheetHead(m_workbook.family, m_look));
     }
     const auto putHead = [&] {
         const QByteArray head = m_splitter->takeHead();
@@ -298,7 +314,7 @@ Result<void, Error> UpdatedWorkbook::finishSheet(sheet::SheetWriter &sheet)
     const Family &family = m_workbook.family;
     if (!m_splitter) {
         // In a strict workbook this makes the list of links declare the namespace of their ids.
-        return putTail(sheet, newSheetTail(), newSheetRoot(kTransitional), family, m_takenLinkIds);
+        return putTail(sheet, tailOf(sheet), newSheetRoot(kTransitional), family, m_takenLinkIds);
     }
     const QByteArray &tail = m_splitter->tail();
     m_takenLinkIds = std::max(m_takenLinkIds, m_splitter->tailFacts().highestUsedId);
@@ -326,14 +342,30 @@ void UpdatedWorkbook::removeCalculationChain()
     }
 }
 
+QStringList UpdatedWorkbook::sheetNames() const
+{
+    return m_workbook.sheetNames();
+}
+
+/// What the update knows of a changed sheet does not apply to the new one.
+Result<void, Error> UpdatedWorkbook::nextSheet(const sheet::SheetWriter &sheet, const QString &name)
+{
+    removeCalculationChain();
+    const auto done = writeSheetRelationships(sheet);
+    m_splitter.reset();
+    m_rowStyles.reset();
+    m_tables.clear();
+    m_sheetRelationships = {};
+    m_takenLinkIds = 0;
+    addSheet(name);
+    return done ? m_output->open(m_sheetPart) : done;
+}
+
 Result<void, Error> UpdatedWorkbook::finish(const sheet::SheetWriter &sheet, const WorkbookEnd &end)
 {
     removeCalculationChain();
-    WorkbookChange change{m_addedSheet, {}, end.recalculate};
-    if (end.range) {
-        change.definedName = DefinedName{end.range->name, rangeReference(*end.range, m_sheetName)};
-    }
-    const auto workbook = changedWorkbook(m_workbookText, change);
+    const auto workbook =
+        changedWorkbook(m_workbookText, {m_addedSheets, definedNames(end), end.recalculate});
     if (!workbook) {
         return workbook.fault();
     }
@@ -343,6 +375,9 @@ Result<void, Error> UpdatedWorkbook::finish(const sheet::SheetWriter &sheet, con
                                m_relationships.text());
     }
     done = done ? writeSheetRelationships(sheet) : done;
+    if (done && m_look.mayContinue) {
+        done = m_output->write(m_copy.memberOf(opc::kContentTypesPart), m_types->text());
+    }
     return done ? m_output->finish() : done;
 }
 

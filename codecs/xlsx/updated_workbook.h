@@ -54,12 +54,16 @@ public:
     CellFormats addCellFormats(int dateFormat);
 
     // See WorkbookTarget.
+    QStringList sheetNames() const override;
+    bool isNewSheet() const override { return !m_splitter; }
     void setCellFormats(sheet::SheetOptions *options) const override;
     Result<void, opc::Error> begin(opc::MemberWriter &output) override;
     Result<void, opc::Error> openSheet(sheet::SheetWriter &sheet) override;
     SheetConflicts conflicts(const WrittenCells &written) const override;
     bool removesOlderRows() const override { return m_splitter && m_splitter->dropsRows(); }
     Result<void, opc::Error> finishSheet(sheet::SheetWriter &sheet) override;
+    Result<void, opc::Error> nextSheet(const sheet::SheetWriter &sheet,
+                                       const QString &name) override;
     Result<void, opc::Error> finish(const sheet::SheetWriter &sheet,
                                     const WorkbookEnd &end) override;
 
@@ -94,8 +98,10 @@ private:
     Workbook m_workbook;
     opc::Relationships m_relationships; // of the workbook
 
+    QByteArray m_stylesPart;                 // empty: there are no styles that can be read
+    QByteArray m_styles;                     // with the formats of addCellFormats()
     QByteArray m_sheetPart;                  // as stored, for a changed sheet
-    std::optional<SheetEntry> m_addedSheet;  // of a new sheet
+    std::vector<SheetEntry> m_addedSheets;   // the new sheets
     std::optional<SheetSplitter> m_splitter; // of a changed sheet
     std::optional<RowStyles> m_rowStyles;    // if appended rows get them
     std::vector<sheet::NumberForm> m_forms;  // of the cell formats, for m_rowStyles

@@ -89,7 +89,7 @@ SheetEntry sheetOf(const Parts &parts, const Tag &tag)
     return {nameOf(tag), static_cast<quint32>(id.value_or(0)), relationshipIdOf(parts, tag)};
 }
 
-void addSheet(const Parts &parts, const SheetEntry &sheet, Splices *splices)
+void addSheets(const Parts &parts, const std::vector<SheetEntry> &added, Splices *splices)
 {
     const Outline &outline = parts.outline;
     const Element &sheets = outline.element(parts.sheets);
@@ -97,10 +97,15 @@ void addSheet(const Parts &parts, const SheetEntry &sheet, Splices *splices)
     const QByteArray prefix = known.value_or("r");
     const QByteArray declaration =
         known ? QByteArray() : " xmlns:r=\"" + parts.family.relationships.toByteArray() + '"';
-    splices->append(sheets, '<' + outline.qualified("sheet") + declaration + " name=\"" +
-                                quotable(sheet.name) + "\" sheetId=\"" +
-                                QByteArray::number(sheet.sheetId) + "\" " + prefix + ":id=\"" +
-                                sheet.relationshipId + "\"/>");
+    QByteArray list;
+    for (const SheetEntry &sheet : added) {
+        list += '<' + outline.qualified("sheet") + declaration + " name=\"" + quotable(sheet.name) +
+                "\" sheetId=\"" + QByteArray::number(sheet.sheetId) + "\" " + prefix + ":id=\"" +
+                sheet.relationshipId + "\"/>";
+    }
+    if (!list.isEmpty()) {
+        splices->append(sheets, list);
+    }
 }
 
 /// The end of the last child of the workbook that is the sheets element or in `names`.
@@ -115,39 +120,55 @@ qsizetype endOfLast(const Parts &parts, std::initializer_list<QByteArrayView> na
     return at;
 }
 
-/// The element of a defined name of the whole workbook. Quotes need no escape in its text.
+/// The element of a defined name. Quotes need no escape in its text.
 QByteArray definedNameText(const Outline &outline, const DefinedName &name)
 {
     const QByteArray element = outline.qualified("definedName");
-    return '<' + element + " name=\"" + quotable(name.name) + "\">" +
+    return '<' + element + " name=\"" + quotable(name.name) + '"' + name.scopeAttributes() + '>' +
            quotable(name.refersTo).replace("&quot;", "\"") + "</" + element + '>';
 }
 
-/// Whether the element defines `name` for the whole workbook. Letter case does not count.
-bool defines(const Tag &tag, const QString &name)
+/// Whether the element defines this name in its scope. Letter case does not count.
+bool defines(const Tag &tag, const DefinedName &name)
 {
-    return !tag.attribute("localSheetId") && nameOf(tag).compare(name, Qt::CaseInsensitive) == 0;
+    const auto scope = tag.attribute("localSheetId");
+    const bool isScope =
+        name.sheetIndex < 0 ? !scope : scope && *scope == QByteArray::number(name.sheetIndex);
+    return isScope && nameOf(tag).compare(name.name, Qt::CaseInsensitive) == 0;
 }
 
-void setDefinedName(const Parts &parts, const DefinedName &name, Splices *splices)
+/// The entry of the list that defines a name, if there is one.
+std::optional<Element> entryOf(const Outline &outline, int list, const DefinedName &name)
 {
-    const Outline &outline = parts.outline;
-    const QByteArray text = definedNameText(outline, name);
-    const auto list = outline.child(0, "definedNames");
-    if (!list) {
-        const QByteArray listName = outline.qualified("definedNames");
-        splices->insert(endOfLast(parts, {"functionGroups", "externalReferences"}),
-                        '<' + listName + '>' + text + "</" + listName + '>');
-        return;
-    }
-    for (const int index : outline.children(*list, "definedName")) {
-        const Element &old = outline.element(index);
-        if (defines(old.tag, name.name)) {
-            splices->replace(old.tag.begin, old.end, text);
-            return;
+    for (const int index : outline.children(list, "definedName")) {
+        if (defines(outline.element(index).tag, name)) {
+            return outline.element(index);
         }
     }
-    splices->append(outline.element(*list), text);
+    return std::nullopt;
+}
+
+void setDefinedNames(const Parts &parts, const std::vector<DefinedName> &names, Splices *splices)
+{
+    const Outline &outline = parts.outline;
+    const auto list = outline.child(0, "definedNames");
+    QByteArray added;
+    for (const DefinedName &name : names) {
+        const QByteArray text = definedNameText(outline, name);
+        const auto old = list ? entryOf(outline, *list, name) : std::nullopt;
+        if (old) {
+            splices->replace(old->tag.begin, old->end, text);
+        } else {
+            added += text;
+        }
+    }
+    if (list && !added.isEmpty()) {
+        splices->append(outline.element(*list), added);
+    } else if (!added.isEmpty()) {
+        const QByteArray listName = outline.qualified("definedNames");
+        splices->insert(endOfLast(parts, {"functionGroups", "externalReferences"}),
+                        '<' + listName + '>' + added + "</" + listName + '>');
+    }
 }
 
 /// Whether the results of formulas, or the form of references, depend on an attribute of calcPr.
@@ -223,6 +244,12 @@ bool has1904Dates(const Outline &outline)
 
 } // namespace
 
+QByteArray DefinedName::scopeAttributes() const
+{
+    return sheetIndex < 0 ? QByteArray()
+                          : " localSheetId=\"" + QByteArray::number(sheetIndex) + "\" hidden=\"1\"";
+}
+
 QStringList Workbook::sheetNames() const
 {
     QStringList names;
@@ -279,12 +306,8 @@ Result<QByteArray, Error> changedWorkbook(QByteArrayView text, const WorkbookCha
         return parts.fault();
     }
     Splices splices(text);
-    if (change.addedSheet) {
-        addSheet(*parts, *change.addedSheet, &splices);
-    }
-    if (change.definedName) {
-        setDefinedName(*parts, *change.definedName, &splices);
-    }
+    addSheets(*parts, change.addedSheets, &splices);
+    setDefinedNames(*parts, change.definedNames, &splices);
     if (change.recalculate) {
         setRecalculation(*parts, &splices);
     }
@@ -306,6 +329,17 @@ QString freeSheetName(const QString &name, const QStringList &taken)
         candidate = cut(name, kMaxSheetNameUnits - suffix.size()) + suffix;
     }
     return candidate;
+}
+
+QString nextSheetName(const QString &name, const QStringList &taken)
+{
+    for (int number = 2;; ++number) {
+        const QString suffix = QStringLiteral(" (%1)").arg(number);
+        const QString candidate = cut(name, kMaxSheetNameUnits - suffix.size()) + suffix;
+        if (!taken.contains(candidate, Qt::CaseInsensitive)) {
+            return candidate;
+        }
+    }
 }
 
 } // namespace corvanta::xlsx

@@ -41,15 +41,21 @@ struct DefinedName
 {
     QString name;
     QString refersTo; ///< a reference: 'Sheet'!$A$1:$C$9
+    /// Index, from 0, of the only sheet that knows the name, which users do not see; -1: all sheets
+    /// know it.
+    int sheetIndex = -1;
+
+    /// The attributes that say so, with a leading space.
+    QByteArray scopeAttributes() const;
 };
 
 struct WorkbookChange
 {
-    /// Is added after the other sheets.
-    std::optional<SheetEntry> addedSheet = {};
-    /// Replaces a name of the whole workbook that has the same spelling (letter case does not
+    /// Are added after the other sheets.
+    std::vector<SheetEntry> addedSheets = {};
+    /// Each replaces a name of the same scope that has the same spelling (letter case does not
     /// count).
-    std::optional<DefinedName> definedName = {};
+    std::vector<DefinedName> definedNames = {};
     /// Programs calculate all formulas when they open the workbook.
     bool recalculate = false;
 };
@@ -66,5 +72,8 @@ QString shortSheetName(const QString &name);
 /// The same, with "_2", "_3", ... appended (the name is cut further for it) if a sheet in `taken`
 /// has the name. Letter case counts.
 QString freeSheetName(const QString &name, const QStringList &taken);
+/// The name of a sheet that continues the sheet `name`: with " (2)", " (3)", ... appended (the name
+/// is cut for it), the first that no sheet in `taken` has, in any letter case.
+QString nextSheetName(const QString &name, const QStringList &taken);
 
 } // namespace corvanta::xlsx

@@ -6,6 +6,8 @@
 #include "codecs/xlsx/cell_range.h"
 #include "codecs/xlsx/fixed_parts.h"
 #include "codecs/xlsx/namespaces.h"
+#include "codecs/xlsx/sheet_look.h"
+#include "codecs/xlsx/workbook_part.h"
 
 #include <QStringList>
 
@@ -37,8 +39,9 @@ struct SheetConflicts
 
 /// Rows are written with the SheetWriter that the caller creates after begin() in the open member.
 /// After a fault no other call is allowed, and the caller discards the package. Order of the calls:
-/// setCellFormats(), begin(), openSheet(), the rows, finishSheet(), finish(). Errors are those of
-/// opc::PackageCopy and of the texts of the parts. Threads: one at a time.
+/// setLook(), begin(), setCellFormats(), openSheet(), the rows, finishSheet(), finish(). Between
+/// the last two, nextSheet(), openSheet(), the rows and finishSheet() may be repeated. Errors are
+/// those of opc::PackageCopy and of the texts of the parts. Threads: one at a time.
 class WorkbookTarget
 {
 public:
@@ -46,16 +49,20 @@ public:
 
     /// The name of the sheet to which rows are written.
     const QString &sheetName() const { return m_sheetName; }
-    /// Set the cell formats and day 0 of the workbook in the options of its sheet.
+    /// The names of all sheets, the added ones included.
+    virtual QStringList sheetNames() const = 0;
+    /// Whether the sheet is one that the target adds. Only such a sheet gets the look.
+    virtual bool isNewSheet() const = 0;
+    /// Set the cell formats and day 0 of the workbook in the options of its sheet. Valid after
+    /// begin().
     virtual void setCellFormats(sheet::SheetOptions *options) const = 0;
-    /// Make columns (from 0) of a new sheet as wide as `width` digits. Call it before openSheet().
-    void setColumnWidths(const std::vector<int> &columns, int width)
-    {
-        m_columnWidths = columnWidths(columns, width);
-    }
+    /// How new sheets look. Column widths may change until openSheet(), everything else until
+    /// begin().
+    void setLook(SheetLook look) { m_look = std::move(look); }
+    void setColumnWidths(std::vector<double> widths) { m_look.widths = std::move(widths); }
 
     /// Write the members before the sheet and start the sheet's member. `output` must outlive the
-    /// target.
+    /// target. The look is left out if the workbook has no styles that can be read.
     virtual Result<void, opc::Error> begin(opc::MemberWriter &output) = 0;
     /// Write the sheet up to its new rows, and set the number of the first one.
     virtual Result<void, opc::Error> openSheet(sheet::SheetWriter &sheet) = 0;
@@ -65,6 +72,10 @@ public:
     virtual bool removesOlderRows() const { return false; }
     /// Write the rest of the sheet.
     virtual Result<void, opc::Error> finishSheet(sheet::SheetWriter &sheet) = 0;
+    /// Write what belongs to the finished sheet, and start the member of a new one after all
+    /// others. `name` must be free and short enough. Needs SheetLook::mayContinue.
+    virtual Result<void, opc::Error> nextSheet(const sheet::SheetWriter &sheet,
+                                               const QString &name) = 0;
     /// Write the other members and the directory of the package, which is then complete.
     virtual Result<void, opc::Error> finish(const sheet::SheetWriter &sheet,
                                             const WorkbookEnd &end) = 0;
@@ -75,6 +86,14 @@ public:
 protected:
     WorkbookTarget() = default;
 
+    /// Add the cell formats of the look to a styles part. Returns false, and changes nothing, if
+    /// they cannot be added.
+    bool addLookTo(QByteArray *styles);
+    void setLookStyles(sheet::SheetOptions *options) const;
+    /// The tail of a new sheet. Keeps the name of its filter.
+    QByteArray tailOf(const sheet::SheetWriter &sheet);
+    /// The names for the workbook part.
+    std::vector<DefinedName> definedNames(const WorkbookEnd &end) const;
     /// Write XML into the sheet.
     static Result<void, opc::Error> put(sheet::SheetWriter &sheet, QByteArrayView xml);
     /// Write the tail with the links of the sheet, and end the sheet's member. The relationship of
@@ -89,9 +108,11 @@ protected:
     // Set by the derived class before begin().
     QString m_sheetName;
     opc::MemberWriter *m_output = nullptr; // set by begin()
-    QByteArray m_columnWidths;             // of a new sheet, for its head
+    SheetLook m_look;
 
 private:
+    LookStyles m_lookStyles;
+    std::vector<DefinedName> m_filterNames;
     qint64 m_linkCount = 0;
 };
 

@@ -87,7 +87,7 @@ TEST(WorkbookPart, ReadsSheetsInAnyXmlForm)
     EXPECT_EQ(workbook->sheets[1].relationshipId, "rId4");
     EXPECT_EQ(workbook->freeSheetId(), 10U);
     EXPECT_TRUE(workbook->has1904Dates);
-    const auto changed = changedWorkbook(text, {.addedSheet = SheetEntry{u"N<\"&"_qs, 10, "rId5"}});
+    const auto changed = changedWorkbook(text, {.addedSheets = {{u"N<\"&"_qs, 10, "rId5"}}});
     ASSERT_TRUE(changed);
     EXPECT_TRUE(
         changed->contains(xml("</x:sheet><x:sheet xmlns:r=\"REL\" name=\"N&lt;&quot;&amp;\" "
@@ -128,7 +128,7 @@ TEST(WorkbookPart, SplicesNamesAndRecalculation)
     for (const Case &one : cases) {
         const auto changed = changedWorkbook(
             workbookAround(kOneSheet + one.before),
-            {.definedName = DefinedName{u"N"_qs, u"'A'!$A$1:$B$2"_qs}, .recalculate = true});
+            {.definedNames = {{u"N"_qs, u"'A'!$A$1:$B$2"_qs}}, .recalculate = true});
         ASSERT_TRUE(changed);
         EXPECT_EQ(*changed, workbookAround(kOneSheet + one.after));
     }
@@ -142,6 +142,8 @@ TEST(WorkbookPart, SheetNamesAreShortAndFree)
     EXPECT_EQ(freeSheetName(longName, {}), QString(31, u'x'));
     EXPECT_EQ(freeSheetName(longName, {QString(31, u'x')}), QString(29, u'x') + u"_2"_qs);
     EXPECT_EQ(freeSheetName(QString(30, u'x') + u"\U0001F600"_qs, {}), QString(30, u'x'));
+    EXPECT_EQ(nextSheetName(u"A"_qs, {u"A"_qs, u"a (2)"_qs}), u"A (3)");
+    EXPECT_EQ(nextSheetName(longName, {}), QString(27, u'x') + u" (2)"_qs);
 }
 
 TEST(StylesPart, AddsFormatsAndCorrectsCounts)
@@ -196,6 +198,37 @@ TEST(StylesPart, AddsFormatsAndCorrectsCounts)
     ASSERT_TRUE(prefixed);
     EXPECT_TRUE(prefixed->text.contains("</x:fonts><x:cellXfs count=\"3\">"));
     EXPECT_FALSE(prefixed->text.contains("numFmts"));
+}
+
+TEST(StylesPart, LooksAreAddedOnce)
+{
+    const SheetLook look{.hasBoldHeader = true,
+                         .hasFilledHeader = true,
+                         .formats = {{}, u"0.00 \"<\""_qs, u"0.00 \"<\""_qs}};
+    // Tables that are missing get the entries that programs expect before ours.
+    QByteArray empty = xml("<styleSheet xmlns='MAIN'/>");
+    const auto styles = addLook(&empty, look);
+    ASSERT_TRUE(styles);
+    EXPECT_EQ(styles->header, 1U);
+    EXPECT_EQ(styles->columns, (std::vector<std::optional<quint64>>{{}, 2, 2}));
+    for (const char *part :
+         {"<numFmts count=\"1\"><numFmt numFmtId=\"2001\" formatCode=\"0.00 "
+          "&quot;&lt;&quot;\"/></numFmts><fonts count=\"2\"><font/><font><b/></font></fonts>"
+          "<fills count=\"3\"><fill><patternFill patternType=\"none\"/></fill>",
+          "<cellXfs count=\"3\">", "fontId=\"1\" fillId=\"2\""}) {
+        EXPECT_TRUE(empty.contains(part)) << empty.constData();
+    }
+    const QByteArray before = empty;
+    EXPECT_EQ(addLook(&empty, look)->columns, styles->columns);
+    EXPECT_EQ(empty, before);
+    // The font of ordinary cells, in bold; one fill is not enough.
+    QByteArray old = xml("<styleSheet xmlns='MAIN'><fonts><font a='1'><sz val='9'/></font></fonts>"
+                         "<fills><fill/></fills><cellXfs><xf/></cellXfs></styleSheet>");
+    ASSERT_TRUE(addLook(&old, look));
+    EXPECT_TRUE(old.contains("<font a='1'><b/><sz val='9'/></font></fonts>")) << old.constData();
+    EXPECT_TRUE(old.contains("<fills count=\"3\"><fill/><fill>")) << old.constData();
+    QByteArray wrong = xml("<worksheet/>");
+    EXPECT_FALSE(addLook(&wrong, look));
 }
 
 TEST(SheetSplitter, SplitsAtTheFirstNewRow)

@@ -38,27 +38,47 @@ struct SheetSetup
     quint16 kinds = 0; ///< see sheetColumns()
     QString dateFormat;
     xlsx::WorkbookEnd end;
+    xlsx::SheetLook look;
 };
 
-/// Write the whole workbook. Returns false after a fault: a text that is too long, or a workbook
-/// that cannot be changed.
-inline bool writeWorkbook(xlsx::WorkbookTarget &workbook, const FuzzTable &table,
-                          const SheetSetup &setup, MemoryPackage &package)
+/// Write the table to the sheet whose member is open.
+inline bool writeSheet(xlsx::WorkbookTarget &workbook, const FuzzTable &table,
+                       sheet::SheetWriter &writer)
 {
-    opc::MemberWriter members(package.writer);
-    if (!workbook.begin(members)) {
-        return false;
-    }
-    sheet::SheetOptions options = setup.options;
-    workbook.setCellFormats(&options);
-    sheet::DateParser dates(setup.dateFormat, QLocale::c(), true);
-    sheet::SheetWriter writer(package.writer, options, sheetColumns(table, setup.kinds), &dates,
-                              [](sheet::CellProblem, int, std::u16string_view) {});
     bool isGood = workbook.openSheet(writer) && writer.putHeader();
     for (int row = 0; isGood && row < table.rowCount(); ++row) {
         isGood = bool(writer.putRow(table.row(row)));
     }
-    return isGood && workbook.finishSheet(writer) && workbook.finish(writer, setup.end);
+    return isGood && workbook.finishSheet(writer);
+}
+
+/// Write the whole workbook, with a second sheet if the look allows it. Returns false after a
+/// fault: a text that is too long, or a workbook that cannot be changed.
+inline bool writeWorkbook(xlsx::WorkbookTarget &workbook, const FuzzTable &table,
+                          const SheetSetup &setup, MemoryPackage &package)
+{
+    opc::MemberWriter members(package.writer);
+    workbook.setLook(setup.look);
+    if (!workbook.begin(members)) {
+        return false;
+    }
+    sheet::DateParser dates(setup.dateFormat, QLocale::c(), true);
+    const auto makeWriter = [&] {
+        sheet::SheetOptions options = setup.options;
+        workbook.setCellFormats(&options);
+        return std::make_unique<sheet::SheetWriter>(
+            package.writer, options, sheetColumns(table, setup.kinds), &dates,
+            [](sheet::CellProblem, int, std::u16string_view) {});
+    };
+    auto writer = makeWriter();
+    bool isGood = writeSheet(workbook, table, *writer);
+    if (isGood && setup.look.mayContinue) {
+        isGood = bool(workbook.nextSheet(
+            *writer, xlsx::nextSheetName(workbook.sheetName(), workbook.sheetNames())));
+        writer = makeWriter();
+        isGood = isGood && writeSheet(workbook, table, *writer);
+    }
+    return isGood && workbook.finish(*writer, setup.end);
 }
 
 } // namespace corvanta
