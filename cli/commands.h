@@ -19,12 +19,15 @@ CommandResult<void> actionsCommand(const CommandLine &line);
 CommandOptions describeOptions();
 CommandResult<void> describeCommand(const CommandLine &line);
 
-// Convert a file, print its first rows, or print its columns.
+// Convert a file, print its first rows, its columns, or statistics of its columns.
 CommandOptions convertOptions();
 CommandResult<void> convertCommand(const CommandLine &line);
 
 CommandOptions headOptions();
 CommandResult<void> headCommand(const CommandLine &line);
+
+CommandOptions statsOptions();
+CommandResult<void> statsCommand(const CommandLine &line);
 
 CommandOptions schemaOptions();
 CommandResult<void> schemaCommand(const CommandLine &line);

@@ -1,7 +1,7 @@
 // head and schema: run the reader of a file with a listener that stops it after the first rows.
 #include "commands.h"
-#include "corvanta/row_listener.h"
-#include "input_graph.h"
+#include "input_rows.h"
+#include "print/json_rows.h"
 #include "session.h"
 #include "table_printer.h"
 #include "visible_text.h"
@@ -15,9 +15,6 @@
 using namespace Qt::StringLiterals;
 using namespace corvanta;
 
-namespace {
-
-/// The options that head and schema share.
 CommandOptions inputFileOptions()
 {
     CommandOptions options = Session::options(inputOptions());
@@ -26,10 +23,9 @@ CommandOptions inputFileOptions()
     return options;
 }
 
-/// Runs the reader of the file and passes its first `rows` rows, at least one, to `onRow`.
-CommandResult<void> readFirstRows(const QString &command, const CommandLine &line, qint64 rows,
-                                  ReadExtent extent, const RowListener::Callback &onRow,
-                                  InputFacts *facts = nullptr)
+CommandResult<void> readRows(const QString &command, const CommandLine &line, qint64 rows,
+                             ReadExtent extent, const RowListener::Callback &onRow,
+                             InputFacts *facts)
 {
     const auto session = Session::open(line);
     if (!session) {
@@ -47,9 +43,37 @@ CommandResult<void> readFirstRows(const QString &command, const CommandLine &lin
                                  {QString::fromLatin1(kInputId), 0},
                                  std::make_unique<RowListener>(onRow),
                                  // With 0 rows the reader would not run and declare no columns.
-                                 qMax<qint64>(rows, 1)});
+                                 rows == 0 ? 1 : rows});
     return (*session)->run(graph, registry, std::move(options));
 }
+
+QVector<ColumnKind> kindsOf(const TableSchema &schema, const InputFacts &facts)
+{
+    QHash<QString, ColumnKind> known;
+    for (const ColumnKind &kind : facts.kinds) {
+        known.insert(kind.column, kind);
+    }
+    QVector<ColumnKind> kinds;
+    for (qsizetype i = 0; i < schema.names.size(); ++i) {
+        const char letter = schema.types[i].type();
+        ColumnKind ofCells;
+        ofCells.letter = letter;
+        ofCells.kind = letter == 'K'   ? ValueKind::Integer
+                       : letter == 'F' ? ValueKind::Decimal
+                                       : ValueKind::Text;
+        kinds << known.value(schema.names[i], ofCells);
+    }
+    return kinds;
+}
+
+QString nameOf(ValueKind kind)
+{
+    static const char *const kNames[] = {"text", "integer",  "decimal", "boolean",
+                                         "date", "datetime", "time"};
+    return QString::fromLatin1(kNames[static_cast<size_t>(kind)]);
+}
+
+namespace {
 
 /// The number of rows of -n.
 CommandResult<qint64> rowsOf(const CommandLine &line)
@@ -67,26 +91,39 @@ CommandResult<qint64> rowsOf(const CommandLine &line)
 class FirstRows
 {
 public:
-    explicit FirstRows(qint64 rows)
+    /// `facts`, if given, makes it JSON, and must be set before the first row.
+    FirstRows(qint64 rows, const InputFacts *facts)
         : m_left(rows)
+        , m_facts(facts)
     {
     }
     void add(const TableSchema &columns, const OneRow *row)
     {
         // The columns are known with the first call, which may be the end of an empty table.
-        if (!m_printer) {
-            m_printer.emplace(columns, stdout);
+        if (!m_table && !m_json) {
+            start(columns);
         }
         if (row == nullptr) {
-            m_printer->finish();
+            m_json ? m_json->finish() : m_table->finish();
         } else if (m_left-- > 0) {
-            m_printer->add(textsOf(*row));
+            m_json ? m_json->add(*row) : m_table->add(textsOf(*row));
         }
     }
 
 private:
+    void start(const TableSchema &columns)
+    {
+        if (m_facts != nullptr) {
+            m_json.emplace(columns, kindsOf(columns, *m_facts), stdout);
+        } else {
+            m_table.emplace(columns, stdout);
+        }
+    }
+
     qint64 m_left; // rows to print; the reader may send one more
-    std::optional<TablePrinter> m_printer;
+    const InputFacts *m_facts;
+    std::optional<TablePrinter> m_table;
+    std::optional<JsonRows> m_json;
 };
 
 // ---- The columns of a file.
@@ -119,30 +156,12 @@ struct Column
 /// The columns of the rows. The letters of kinds that the host has found replace those of cells.
 QVector<Column> columnsOf(const TableSchema &schema, const InputFacts &facts)
 {
-    QHash<QString, ColumnKind> kinds;
-    for (const ColumnKind &kind : facts.kinds) {
-        kinds.insert(kind.column, kind);
-    }
+    const QVector<ColumnKind> kinds = kindsOf(schema, facts);
     QVector<Column> columns;
     for (qsizetype i = 0; i < schema.names.size(); ++i) {
-        const char letter = schema.types[i].type();
-        ColumnKind ofCells;
-        ofCells.letter = letter;
-        ofCells.kind = letter == 'K'   ? ValueKind::Integer
-                       : letter == 'F' ? ValueKind::Decimal
-                                       : ValueKind::Text;
-        columns << Column{schema.names[i], kinds.value(schema.names[i], ofCells),
-                          facts.notes.value(i)};
+        columns << Column{schema.names[i], kinds[i], facts.notes.value(i)};
     }
     return columns;
-}
-
-/// The name of a kind, also in JSON.
-QString nameOf(ValueKind kind)
-{
-    static const char *const kNames[] = {"text", "integer",  "decimal", "boolean",
-                                         "date", "datetime", "time"};
-    return QString::fromLatin1(kNames[static_cast<size_t>(kind)]);
 }
 
 /// For people: the kind, if the letter does not say it, or what made the column a text.
@@ -227,6 +246,7 @@ CommandOptions headOptions()
 {
     CommandOptions options = inputFileOptions();
     options.withValue << u"-n"_s;
+    options.flags << u"--json"_s;
     return options;
 }
 
@@ -239,12 +259,14 @@ CommandResult<void> headCommand(const CommandLine &line)
     // Readers that must look at all rows for the types of columns then look at this many.
     constexpr qint64 kFewRows = 1000;
     const ReadExtent extent = *rows <= kFewRows ? ReadExtent::FirstRows : ReadExtent::Whole;
-    FirstRows printer(*rows);
+    InputFacts facts;
+    InputFacts *const jsonFacts = line.has(u"--json"_s) ? &facts : nullptr;
+    FirstRows printer(*rows, jsonFacts);
     const auto add = [&](const TableSchema &columns, const OneRow *row) {
         printer.add(columns, row);
         return true;
     };
-    return readFirstRows(u"head"_s, line, *rows, extent, add);
+    return readRows(u"head"_s, line, *rows, extent, add, jsonFacts);
 }
 
 CommandOptions schemaOptions()
@@ -266,5 +288,5 @@ CommandResult<void> schemaCommand(const CommandLine &line)
         }
         return true;
     };
-    return readFirstRows(u"schema"_s, line, 1, ReadExtent::Whole, show, &facts);
+    return readRows(u"schema"_s, line, 1, ReadExtent::Whole, show, &facts);
 }

@@ -135,10 +135,11 @@ constexpr Command kCommands[] = {
      "extension;\n"
      "129, 130, 131 or 143 as for \"corvanta run\".\n"},
     {"head", headOptions, headCommand, "print the first rows of a file as a table",
-     "corvanta head INPUT [-n ROWS] [options]\n\n"
+     "corvanta head INPUT [-n ROWS] [--json] [options]\n\n"
      "Prints the first ROWS rows (default 10) as a table. A missing cell is blank, an empty text "
      "is \"\". On a terminal,\n"
-     "long cells are cut, and columns that do not fit are named at the end.\n\n"
+     "long cells are cut, and columns that do not fit are named at the end. --json prints an array "
+     "with an object per row.\n\n"
      "Inputs, other options and exit statuses are those of \"corvanta convert\".\n"},
     {"schema", schemaOptions, schemaCommand, "print the columns of a file",
      "corvanta schema INPUT [--json] [-v] [--all] [options]\n\n"
@@ -149,6 +150,19 @@ constexpr Command kCommands[] = {
      "format and the value labels of a variable follow, where the file has them. -v prints more "
      "than ten value labels,\n"
      "and which value made a column a text. --json prints an array with an object per column.\n\n"
+     "Inputs, options and exit statuses are those of \"corvanta convert\".\n"},
+    {"stats", statsOptions, statsCommand, "print counts and ranges of the columns of a file",
+     "corvanta stats INPUT [--json] [options]\n\n"
+     "Reads the whole file and prints one line per column: its type, the number of rows, of "
+     "missing "
+     "cells and of distinct\n"
+     "values, the smallest and the largest value, the mean of numbers, and the number of "
+     "characters "
+     "of the longest text.\n"
+     "Texts are compared by their characters' codes. \"over N\" is a number of distinct values "
+     "that "
+     "is not counted further.\n"
+     "--json prints an array with an object per column.\n\n"
      "Inputs, options and exit statuses are those of \"corvanta convert\".\n"},
     {"actions", actionsOptions, actionsCommand, "list the actions",
      "corvanta actions [--json]\n\nLists the actions of all plug-ins. --json prints all their "

@@ -1,0 +1,31 @@
+// Prints rows as JSON.
+#pragma once
+#include "corvanta/one_row.h"
+
+#include <QByteArray>
+
+#include <cstdio>
+#include <vector>
+
+/// Prints an array with an object per row, whose members are the columns in their order. Cells of
+/// numbers are numbers, except nan, inf and -inf, which are texts as JSON has no such numbers.
+/// Texts are strings, and missing cells null. The second and later columns of one name get "_2",
+/// "_3", ...
+class JsonRows
+{
+public:
+    /// `out` is not closed.
+    JsonRows(const TableSchema &columns, std::FILE *out);
+
+    void add(const OneRow &row);
+    /// Print the rest. Without this call a table of up to 1 MiB prints nothing.
+    void finish();
+
+private:
+    void flush();
+
+    std::FILE *m_out;
+    std::vector<QByteArray> m_members; ///< "NAME": of each column
+    QByteArray m_text = "[";
+    bool m_hasRows = false;
+};
