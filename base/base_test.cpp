@@ -3,6 +3,7 @@
 #include "base/cell.h"
 #include "base/nearest_name.h"
 #include "base/number.h"
+#include "base/time/iso_time.h"
 #include "base/utf.h"
 
 #include <QByteArray>
@@ -244,5 +245,38 @@ TEST(Cell, LengthCodesOfAllFourSizesReadBack)
         EXPECT_EQ(cell::putLength(out.data(), code, bytes), out.data() + bytes);
         EXPECT_EQ(cell::readText(out.data()).code, code);
         EXPECT_EQ(cell::readText(out.data()).units, out.data() + bytes);
+    }
+}
+
+TEST(IsoTime, ReadsTheCalendarAndRejectsEverythingElse)
+{
+    // All days of the calendar, against Qt's.
+    const qint64 epoch = QDate(1970, 1, 1).toJulianDay();
+    for (QDate day(1, 1, 1); day.year() <= 9999; day = day.addDays(day.day() == 28 ? 1 : 9)) {
+        const std::u16string text = day.toString(Qt::ISODate).toStdU16String();
+        ASSERT_EQ(parseIsoDate(text), day.toJulianDay() - epoch) << day.toString().toStdString();
+    }
+    for (const char16_t *bad :
+         {u"", u"2026-1-31", u"2026-02-29", u"1900-02-29", u"0000-01-01", u"2026-13-01",
+          u"2026-00-01", u"2026-01-00", u"2026/01/01", u"+026-01-01", u"2026-01-01 "}) {
+        EXPECT_FALSE(parseIsoDate(bad)) << QString::fromUtf16(bad).toStdString();
+    }
+    EXPECT_EQ(parseIsoTime(u"04:30"), 16'200'000'000'000);
+    EXPECT_EQ(parseIsoTime(u"23:59:59.123456789"), 86'399'123'456'789);
+    EXPECT_EQ(parseIsoTime(u"00:00:00.5"), 500'000'000);
+    for (const char16_t *bad : {u"", u"4:30", u"24:00:00", u"04:60", u"04:30:60", u"04:30:05.",
+                                u"04:30:05.1234567890", u"04:30:05,5", u"04:30:0", u"04-30-05"}) {
+        EXPECT_FALSE(parseIsoTime(bad)) << QString::fromUtf16(bad).toStdString();
+    }
+    const auto moment = parseIsoDateTime(u"1969-12-31T23:00:00.25Z");
+    ASSERT_TRUE(moment);
+    EXPECT_EQ(moment->day, -1);
+    EXPECT_EQ(moment->nanoseconds, 82'800'250'000'000);
+    EXPECT_TRUE(moment->isUtc);
+    EXPECT_EQ(parseIsoDateTime(u"1970-01-02")->day, 1);
+    EXPECT_FALSE(parseIsoDateTime(u"1970-01-02 04:30")->isUtc);
+    for (const char16_t *bad : {u"1970-01-02T", u"1970-01-02Z", u"1970-01-02T04:30+01:00",
+                                u"1970-01-02x04:30", u"T04:30"}) {
+        EXPECT_FALSE(parseIsoDateTime(bad)) << QString::fromUtf16(bad).toStdString();
     }
 }
