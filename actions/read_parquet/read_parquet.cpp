@@ -1,8 +1,7 @@
 #include "actions/read_parquet/read_parquet.h"
 
+#include "actions/read_parquet/column_scan.h"
 #include "base/counted.h"
-#include "codecs/parquet/metadata/footer.h"
-#include "io/input/kept_pipe.h"
 #include "io/input/whole_input.h"
 
 #include <algorithm>
@@ -38,12 +37,36 @@ void ActionReadParquet::start()
     m_series.reset();
     m_columnNames.clear();
     m_lost.clear();
-    m_options = {};
-    m_options.int64ToKey = m_params.int64ToKey;
-    m_options.extendedEncodings = m_params.extendedEncodings;
-    m_options.logicalTypes = m_params.logicalTypes;
-    m_options.skipsUnreadable = m_params.skipUnreadable;
-    m_options.pageChecksums = m_params.pageChecksums;
+    m_options = readOptions();
+}
+
+/// All but the selection.
+parquet::ReadOptions ActionReadParquet::readOptions() const
+{
+    parquet::ReadOptions options;
+    options.int64ToKey = m_params.int64ToKey;
+    options.extendedEncodings = m_params.extendedEncodings;
+    options.logicalTypes = m_params.logicalTypes;
+    options.booleanTexts = m_params.booleanTexts;
+    options.skipsUnreadable = m_params.skipUnreadable;
+    options.pageChecksums = m_params.pageChecksums;
+    return options;
+}
+
+/// Columns from a pin, and files from one, are known only in a run.
+QVector<ColumnKind> ActionReadParquet::columnKinds(KindExtent extent)
+{
+    if (m_params.fileNameFromPin || m_params.columnSelection == ColumnSelection::FromPin) {
+        return {};
+    }
+    RunControl control;
+    control.runStatus = RunControl::Running;
+    parquet::ReadOptions options = readOptions();
+    options.selectsColumns = m_params.columnSelection == ColumnSelection::Listed;
+    options.selection = m_params.columnsToRead;
+    const QStringList files = namesOfPattern(*this, m_params.fileName);
+    chooseTypes(files, control, &options);
+    return ColumnScan(*this, control).kindsOf(files, options, extent);
 }
 
 void ActionReadParquet::finish()
@@ -99,39 +122,23 @@ bool ActionReadParquet::startSeries()
     if (m_params.outputFilenames) {
         options.fileNameColumn = u"_FileNames"_s;
     }
-    chooseTypes(files);
+    chooseTypes(files, control(), &m_options);
     m_series.start(*this, files, options);
     return true;
 }
 
 /// With logicalTypes, 64-bit integers are numbers in one file and texts in another, depending on
-/// their statistics. One file with texts makes them texts in all.
-void ActionReadParquet::chooseTypes(const QStringList &files)
+/// their values. One file with texts makes them texts in all.
+void ActionReadParquet::chooseTypes(const QStringList &files, const RunControl &control,
+                                    parquet::ReadOptions *options) const
 {
-    if (!m_params.logicalTypes || files.size() < 2) {
+    if (!m_params.logicalTypes) {
         return;
     }
+    const ColumnScan scan(*this, control);
     for (const QString &name : files) {
-        addTextIntegers(name);
-    }
-}
-
-/// Failures are reported later, when the file is read.
-void ActionReadParquet::addTextIntegers(const QString &name)
-{
-    // A pipe can be read only once.
-    const bool isReadNow = runIsGood() && !input::isPipe(name);
-    auto input = isReadNow ? openInput(name, InputFile::Report::Nothing) : nullptr;
-    if (!input || !input->file.isOpen()) {
-        return;
-    }
-    const auto source = randomAccess(std::move(input));
-    if (!source) {
-        return;
-    }
-    if (const auto footer = parquet::readFooter(**source)) {
-        for (const QString &column : parquet::textIntegersOf(*footer)) {
-            m_options.textIntegers.insert(column);
+        if (control.isRunning()) {
+            scan.addIntegers(name, options);
         }
     }
 }
@@ -227,6 +234,7 @@ FileSeries::Opened ActionReadParquet::unreadable(const QString &name,
     case parquet::Error::ShortRead:
     case parquet::Error::Unreadable:
     case parquet::Error::TextTooLong:
+    case parquet::Error::WrongValue:
     case parquet::Error::WriteFailed:
         break;
     }

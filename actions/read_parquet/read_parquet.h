@@ -34,6 +34,7 @@ public:
     {
         return m_params.fileNameFromPin ? QStringList() : ParamAction::inputs();
     }
+    QVector<ColumnKind> columnKinds(KindExtent extent) override;
     /// Ends the waits for the decoders of the open file.
     void wakeAll() override { m_series.stop(); }
 
@@ -47,10 +48,10 @@ private:
     bool prepare();
     bool readSelection();
     bool startSeries();
+    parquet::ReadOptions readOptions() const;
     /// Types of columns depend on the values. They must be the same in all files.
-    void chooseTypes(const QStringList &files);
-    /// Remember the integers of one file that its values make texts.
-    void addTextIntegers(const QString &name);
+    void chooseTypes(const QStringList &files, const RunControl &control,
+                     parquet::ReadOptions *options) const;
 
     // Files.
     // A file that exists but cannot be decoded is unreadable; the series skips it. One that can be

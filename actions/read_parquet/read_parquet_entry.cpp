@@ -9,7 +9,8 @@ namespace {
 // version. "convert" has no saved graphs: it reads all that the codec can read.
 constexpr FileFormat kFormats[] = {
     {FileFormat::Read, FileFormat::Columnar, "parquet",
-     "extendedEncodings=1 logicalTypes=1 skipUnreadable=1 allowEmpty=1 pageChecksums=1"},
+     "extendedEncodings=1 logicalTypes=1 booleanTexts=1 skipUnreadable=1 allowEmpty=1 "
+     "pageChecksums=1"},
 };
 
 } // namespace

@@ -14,7 +14,7 @@ PanelLayout panelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "fileNameFromPin"}},
         {QT_TRANSLATE_NOOP("Panels", "Columns"),
          {"columnSelection", {"ColumnsToRead", editor<FileColumnPicker>}, "outputFilenames"}},
-        {QT_TRANSLATE_NOOP("Panels", "Values"), {"logicalTypes", "int64ToKey"}},
+        {QT_TRANSLATE_NOOP("Panels", "Values"), {"logicalTypes", "booleanTexts", "int64ToKey"}},
         previewGroup(),
         {kAdvancedGroup,
          {"extendedEncodings", "skipUnreadable", "allowEmpty", "pageChecksums", "abortIfMissing"},

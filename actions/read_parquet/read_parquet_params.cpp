@@ -40,6 +40,9 @@ ParamGroup<P> newerForms()
             .label("Convert values to what they represent")
             .meaning("Reads dates and times as ISO 8601 text, and decimals, large and unsigned "
                      "integers exactly. Off: reads values as they are stored."),
+        flag("booleanTexts", &P::booleanTexts)
+            .label("Booleans become true and false")
+            .meaning("Reads booleans as the texts true and false. Off: as 1 and 0."),
     };
 }
 

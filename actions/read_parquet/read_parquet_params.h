@@ -26,6 +26,8 @@ struct ReadParquetParams
     bool extendedEncodings = false;
     /// Convert dates, times, decimals and large integers to what they represent.
     bool logicalTypes = false;
+    /// Booleans become the texts true and false. Off: the keys 1 and 0.
+    bool booleanTexts = false;
     /// Leave out columns that cannot be read, with a warning. Off: such files are unreadable.
     bool skipUnreadable = false;
     /// A file without rows is an empty table. Off: an error.

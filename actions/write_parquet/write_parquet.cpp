@@ -2,6 +2,7 @@
 // "__2", "__3", ... for further files of the same name.
 #include "actions/write_parquet/write_parquet.h"
 
+#include "actions/shared/params/writer_params.h"
 #include "actions/shared/split_name.h"
 #include "base/counted.h"
 #include "base/nearest_name.h"
@@ -61,6 +62,40 @@ parquet::Storage storageOf(KeyStorage storage)
         break;
     }
     return parquet::Storage::KeyAsInt64;
+}
+
+/// A list of columns and the type that it stands for, with an example.
+struct TypedList
+{
+    const char *name;
+    QStringList WriteParquetParams::*columns;
+    parquet::Storage storage;
+    const char *values;
+};
+constexpr TypedList kTypedLists[] = {
+    {shared::kToBoolean, &WriteParquetParams::toBoolean, parquet::Storage::Boolean,
+     "true or false"},
+    {kToInteger, &WriteParquetParams::toInteger, parquet::Storage::Integer,
+     "a whole number of 64 bits"},
+    {shared::kToDate, &WriteParquetParams::toDate, parquet::Storage::Date,
+     "a date such as 2026-01-31"},
+    {shared::kToDateTime, &WriteParquetParams::toTimestamp, parquet::Storage::Timestamp,
+     "a date with a time such as 2026-01-31T04:30:05.25, in microseconds, all with a final Z or "
+     "none"},
+    {shared::kToTime, &WriteParquetParams::toTime, parquet::Storage::Time,
+     "a time such as 04:30:05.25, in microseconds"},
+};
+
+const TypedList &typedListOf(parquet::Storage storage)
+{
+    return *std::find_if(std::begin(kTypedLists), std::end(kTypedLists),
+                         [storage](const TypedList &list) { return list.storage == storage; });
+}
+
+QString shown(const QString &text)
+{
+    constexpr qsizetype kMaxShownUnits = 60;
+    return text.size() > kMaxShownUnits ? text.left(kMaxShownUnits) + u"..."_s : text;
 }
 
 } // namespace
@@ -131,6 +166,7 @@ bool ActionWriteParquet::failWriter(const Output &output, const Fault<parquet::E
     case parquet::Error::NoMemory:
         return fail(u"\nERROR writing to Parquet File '%1': %2\n"_s.arg(target, fault.detail));
     case parquet::Error::WriteFailed:
+    case parquet::Error::WrongValue: // see failValue()
     case parquet::Error::BadData:
     case parquet::Error::BadFooter:
     case parquet::Error::ShortRead:
@@ -140,6 +176,18 @@ bool ActionWriteParquet::failWriter(const Output &output, const Fault<parquet::E
         break;
     }
     return failWith(WriteProblem::CannotWrite, target, reasonOf(output.target));
+}
+
+/// The file would lose the value: no other type of the column is left once rows are written.
+bool ActionWriteParquet::failValue(const OneRow &row, size_t column)
+{
+    const parquet::WriterColumn &wrong = m_run->columns[column];
+    const TypedList &list = typedListOf(wrong.storage);
+    return fail(
+        u"\nERROR writing to Parquet File '%1': the value '%2' of the column '%3' in row %4 is not %5; write the column as text, without it in %6 or with logicalTypes='0'\n"_s
+            .arg(m_run->output->target.target(), shown(row.text(wrong.cell)),
+                 QString::fromUtf8(wrong.name), QString::number(rowNumber()),
+                 QString::fromLatin1(list.values), QString::fromLatin1(list.name)));
 }
 
 void ActionWriteParquet::setOptions()
@@ -164,6 +212,29 @@ void ActionWriteParquet::start()
         std::make_unique<parquet::PageCompressor>(codecOf(m_params.codec), workerCount());
 }
 
+bool ActionWriteParquet::needsColumnKinds() const
+{
+    const auto hasColumns = [this](const TypedList &list) {
+        return !(m_params.*list.columns).isEmpty();
+    };
+    return m_params.logicalTypes &&
+           std::none_of(std::begin(kTypedLists), std::end(kTypedLists), hasColumns);
+}
+
+void ActionWriteParquet::setColumnKinds(const QVector<ColumnKind> &columns)
+{
+    m_params.toBoolean = columnsOfKind(columns, ValueKind::Boolean);
+    m_params.toDate = columnsOfKind(columns, ValueKind::Date);
+    m_params.toTimestamp = columnsOfKind(columns, ValueKind::DateTime);
+    m_params.toTime = columnsOfKind(columns, ValueKind::Time);
+    for (const ColumnKind &column : columns) {
+        // keyStorage says how keys are stored, and no key is lost by that.
+        if (column.kind == ValueKind::Integer && column.letter != 'K') {
+            m_params.toInteger << column.column;
+        }
+    }
+}
+
 parquet::Storage ActionWriteParquet::storageOf(const OneRow &columns, int column) const
 {
     // Keys are the only cells with a choice.
@@ -178,6 +249,48 @@ parquet::Storage ActionWriteParquet::storageOf(const OneRow &columns, int column
     return corvanta::storageOf(m_params.keyStorage);
 }
 
+std::optional<parquet::Storage> ActionWriteParquet::listedStorage(const QString &column) const
+{
+    for (const TypedList &list : kTypedLists) {
+        if (m_params.logicalTypes && (m_params.*list.columns).contains(column)) {
+            return list.storage;
+        }
+    }
+    return std::nullopt;
+}
+
+bool ActionWriteParquet::checkTyped(const parquet::WriterColumn &column)
+{
+    const bool isNumber = column.cellType != cell::Type::Text;
+    const bool needsText = column.storage == parquet::Storage::Date ||
+                           column.storage == parquet::Storage::Timestamp ||
+                           column.storage == parquet::Storage::Time;
+    return !isNumber || !needsText ||
+           fail(
+               u"\nERROR writing to Parquet File '%1': the column '%2' of %3 has numbers, not texts\n"_s
+                   .arg(fileName(), QString::fromUtf8(column.name),
+                        QString::fromLatin1(typedListOf(column.storage).name)));
+}
+
+/// A misspelled name would leave its column without a type silently.
+void ActionWriteParquet::warnUnknown(const OneRow &columns)
+{
+    for (const TypedList &list : kTypedLists) {
+        QStringList unknown;
+        for (const QString &name : m_params.*list.columns) {
+            if (columns.getIndexOfColumn(name) < 0) {
+                unknown << name;
+            }
+        }
+        if (!unknown.isEmpty()) {
+            warn(
+                u"Warning: writing to Parquet File '%1': cannot find %2 of %3; the first is '%4'\n"_s
+                    .arg(fileName(), counted(unknown.size(), u"column"_s),
+                         QString::fromLatin1(list.name), unknown.first()));
+        }
+    }
+}
+
 bool ActionWriteParquet::findInputs(const OneRow &columns)
 {
     // The order of the checks decides which of several mistakes is reported.
@@ -187,9 +300,15 @@ bool ActionWriteParquet::findInputs(const OneRow &columns)
         return false;
     }
     for (const int column : inputs) {
-        m_run->columns.push_back(
-            {columns.colName(column).toUtf8(), storageOf(columns, column), column});
+        const QString name = columns.colName(column);
+        m_run->columns.push_back({name.toUtf8(),
+                                  listedStorage(name).value_or(storageOf(columns, column)), column,
+                                  columns.getMetaType(column).cellType()});
+        if (!checkTyped(m_run->columns.back())) {
+            return false;
+        }
     }
+    warnUnknown(columns);
     return true;
 }
 
@@ -377,7 +496,9 @@ bool ActionWriteParquet::writeRow(const OneRow &row)
     // The writer buffers the row; pages are written when a row group is full.
     const auto added = m_run->output->writer->addRow(row.getAllColForWrite());
     if (!added) {
-        return failWriter(*m_run->output, added.fault());
+        return added.fault().code == parquet::Error::WrongValue
+                   ? failValue(row, static_cast<size_t>(added.fault().offset))
+                   : failWriter(*m_run->output, added.fault());
     }
     // The next row of the value opens the next segment.
     return !isSegmentFull() || closeOutput(m_run->value);

@@ -30,6 +30,9 @@ public:
     ActionWriteParquet(const XMLNode &saved, GlobalParameters *parameters);
     static const ParamTable<WriteParquetParams> &paramTable() { return writeParquetParamTable(); }
     QVector<TargetUse> targets() const override;
+    /// With logicalTypes, as long as no list has columns.
+    bool needsColumnKinds() const override;
+    void setColumnKinds(const QVector<ColumnKind> &columns) override;
 
 private:
     /// A file that is being written. The writer is destroyed before its target.
@@ -90,6 +93,12 @@ private:
     /// Take what the writers of all files need from the parameters.
     void setOptions();
     parquet::Storage storageOf(const OneRow &columns, int column) const;
+    /// The type of a column that one of the lists names; nothing for others.
+    std::optional<parquet::Storage> listedStorage(const QString &column) const;
+    /// Fail the run for a column of numbers that is listed as texts.
+    bool checkTyped(const parquet::WriterColumn &column);
+    /// Report names in the lists that the input does not have.
+    void warnUnknown(const OneRow &columns);
     QString missingColumn(const QString &name, const char *purpose) const;
     /// The name of the next file for a split value, different from all names before.
     QString nextTarget(const QString &value);
@@ -114,6 +123,7 @@ private:
     // Fail the run with the message for a fault.
     bool failTarget(const Output &output, const Fault<TargetError> &fault);
     bool failWriter(const Output &output, const Fault<parquet::Error> &fault);
+    bool failValue(const OneRow &row, size_t column);
 
     std::unique_ptr<RunState> m_run;
 };

@@ -5,10 +5,11 @@ namespace corvanta {
 
 namespace {
 
-// Dictionary pages make smaller files, and statistics allow readers to skip row groups. A table
-// without rows is written in any case.
+// Dictionary pages make smaller files, and statistics allow readers to skip row groups. The types
+// of columns are those that the input has. A table without rows is written in any case.
 constexpr FileFormat kFormats[] = {
-    {FileFormat::Write, FileFormat::Columnar, "parquet", "dictionaryPages=1 statistics=1"},
+    {FileFormat::Write, FileFormat::Columnar, "parquet",
+     "dictionaryPages=1 statistics=1 logicalTypes=1"},
 };
 
 } // namespace

@@ -83,6 +83,43 @@ ParamGroup<P> encoding()
             .label("Statistics")
             .meaning("Writes null counts, smallest and largest values, for readers that skip row "
                      "groups."),
+        flag("logicalTypes", &P::logicalTypes)
+            .label("Booleans, integers, dates and times")
+            .meaning("Stores the columns of the lists ToBoolean, ToInteger, ToDate, ToDateTime and "
+                     "ToTime as such. Off: as texts and decimal numbers."),
+    };
+}
+
+/// A list of columns of one type. `meaning` says what their values are.
+Param<P> typedColumns(const char *name, QStringList P::*list, const char *label,
+                      const char *meaning)
+{
+    return strings(name, list)
+        .onlyWhen("logicalTypes", {QStringLiteral("1")})
+        .label(label)
+        .meaning(meaning);
+}
+
+/// The columns that logicalTypes is about.
+ParamGroup<P> typedColumns()
+{
+    return {
+        typedColumns(shared::kToBoolean, &P::toBoolean, "Boolean columns",
+                     "Columns stored as BOOLEAN: true and false in any letter case, or 1 and 0. "
+                     "Any other value is an error."),
+        typedColumns(kToInteger, &P::toInteger, "Integer columns",
+                     "Columns stored as INT64: whole numbers, or texts of them. Any other value is "
+                     "an error."),
+        typedColumns(
+            shared::kToDate, &P::toDate, "Date columns",
+            "Text columns stored as DATE, such as 2026-01-31. Any other text is an error."),
+        typedColumns(shared::kToDateTime, &P::toTimestamp, "Columns of dates with times",
+                     "Text columns stored as TIMESTAMP in microseconds, such as "
+                     "2026-01-31T04:30:05.25, all with a final Z or none. Any other text is an "
+                     "error."),
+        typedColumns(shared::kToTime, &P::toTime, "Columns of times",
+                     "Text columns stored as TIME in microseconds, such as 04:30:05. Any other "
+                     "text is an error."),
     };
 }
 
@@ -110,6 +147,7 @@ const ParamTable<WriteParquetParams> &writeParquetParamTable()
             .label("File")
             .meaning("Parquet file to write."),
         shared::columnsToWrite<P>("ToWrite").required(),
+        typedColumns(),
     };
     return table;
 }

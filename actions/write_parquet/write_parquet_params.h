@@ -15,6 +15,9 @@ enum class SplitMode { None, ByValue, BySize };
 /// Codec of pages; `kCodecs` in write_parquet.cpp is in the same order.
 enum class PageCodec { Snappy, None, Gzip, Zstandard, Lz4, Brotli };
 
+// Names of parameters, for messages about them.
+inline constexpr char kToInteger[] = "ToInteger";
+
 /// Sizes are limited by the ranges of the table; a number outside is read as the nearest bound.
 struct WriteParquetParams : RowWriterParams
 {
@@ -31,6 +34,14 @@ struct WriteParquetParams : RowWriterParams
     bool dictionaryPages = false;
     /// Write null counts and bounds per column chunk.
     bool statistics = false;
+    /// Store the columns of the lists below as what their values are. Off: the lists are ignored.
+    bool logicalTypes = false;
+    // Names of columns. A value that is not of the type fails the run; an empty text is missing.
+    QStringList toBoolean;
+    QStringList toInteger; ///< also columns of numbers
+    QStringList toDate;
+    QStringList toTimestamp;
+    QStringList toTime;
     /// Name of the column whose value selects the file; used with SplitMode::ByValue.
     QString splitVar;
     /// Name of the file, expanded before use; an empty one fails the run.

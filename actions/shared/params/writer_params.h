@@ -86,6 +86,12 @@ template <class P> Param<P> columnsToWrite(const char *name)
         .meaning("Columns that are written when writeAllColumns is off.");
 }
 
+/// Lists of text columns whose values are written as what they are; for messages about them.
+inline constexpr char kToBoolean[] = "ToBoolean";
+inline constexpr char kToDate[] = "ToDate";
+inline constexpr char kToDateTime[] = "ToDateTime";
+inline constexpr char kToTime[] = "ToTime";
+
 /// Name of the parameter, for problems with it.
 inline constexpr char kFloatToString[] = "floatToString";
 

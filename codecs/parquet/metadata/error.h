@@ -25,6 +25,9 @@ enum class Error : quint8 {
     /// A column needs ReadOptions::extendedEncodings. The detail names the column and the encoding
     /// or codec.
     NeedsExtended = 15,
+    /// A value is not of the stored type of its column. The detail is the column's name, the offset
+    /// its index among the written columns.
+    WrongValue = 16,
 };
 
 } // namespace corvanta::parquet

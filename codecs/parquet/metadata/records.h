@@ -83,6 +83,7 @@ enum Converted : qint32 {
     kUint16 = 12,
     kUint32 = 13,
     kUint64 = 14,
+    kSigned64 = 18,
 };
 
 /// A struct whose fields are not needed. Its presence is the information.

@@ -15,6 +15,8 @@
 #include "base/utf.h"
 #include "codecs/parquet/read/logical_text.h"
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -246,6 +248,37 @@ void markLost(Loss loss, const uchar *values, qsizetype n, CellBlock &block)
     }
 }
 
+/// The cells of booleans that are read as texts. The byte before a length code puts the units at
+/// an even address.
+class BooleanCells
+{
+public:
+    BooleanCells()
+    {
+        put(u"false", m_cells[0].data());
+        put(u"true", m_cells[1].data());
+    }
+    const uchar *cell(bool value) const { return m_cells[value ? 1 : 0].data() + 1; }
+
+private:
+    static constexpr size_t kBytes = 16;
+    static void put(std::u16string_view text, uchar *bytes)
+    {
+        const auto units = static_cast<qsizetype>(text.size());
+        std::memcpy(cell::putLength(bytes + 1, cell::codeOfText(units), 1), text.data(),
+                    text.size() * sizeof(char16_t));
+    }
+    alignas(kBytes) std::array<std::array<uchar, kBytes>, 2> m_cells{};
+};
+
+void convertBooleans(const uchar *values, qsizetype n, CellBlock &block)
+{
+    static const BooleanCells cells;
+    block.texts.resize(static_cast<size_t>(n));
+    std::transform(values, values + n, block.texts.begin(),
+                   [](uchar value) { return cells.cell(value != 0); });
+}
+
 /// 0 for texts: their cells have a length of their own.
 int cellBytesOf(Form form)
 {
@@ -279,6 +312,9 @@ void convertFixed(const Column &column, const uchar *values, qsizetype n, CellBl
         convertNumbers(column.form, values, n, block.fixed.room(bytes));
         markLost(column.loss, values, n, block);
         return;
+    }
+    if (column.form == Form::TextBoolean) {
+        return convertBooleans(values, n, block);
     }
     std::vector<std::string_view> texts;
     texts.reserve(static_cast<size_t>(n));

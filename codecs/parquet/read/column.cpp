@@ -99,7 +99,7 @@ Form strictForm(qint32 physical, const ReadOptions &options)
 {
     switch (physical) {
     case kBoolean:
-        return Form::KeyFromBoolean;
+        return options.booleanTexts ? Form::TextBoolean : Form::KeyFromBoolean;
     case kInt32:
         return Form::Key32;
     case kInt64:
@@ -115,33 +115,51 @@ Form strictForm(qint32 physical, const ReadOptions &options)
     }
 }
 
-/// Whether the statistics of every row group show that doubles hold all values exactly.
-bool fitsDouble(const FileMetaData &file, size_t chunk, bool isUnsigned)
+/// What the statistics of all row groups say about the integers of a column.
+enum class Range : quint8 { Small, Large, Unknown };
+
+/// The bound of a chunk that the newer member has, or else the older one.
+Range rangeOf(const std::optional<QByteArray> &newer, const std::optional<QByteArray> &older,
+              bool isUnsigned)
 {
-    // A double has 53 significant bits, so that all integers up to this one are exact.
-    constexpr qint64 kMaxExact = qint64(1) << 53;
-    const auto isSmall = [isUnsigned](const std::optional<QByteArray> &newer,
-                                      const std::optional<QByteArray> &older) {
-        // The older members compare as signed numbers, which the check below allows for: an
-        // unsigned column with a value of 2^63 or more has a negative minimum there.
-        const std::optional<QByteArray> &bytes = newer ? newer : older;
-        if (!bytes || bytes->size() != sizeof(qint64)) {
-            return false;
+    // The older members compare as signed numbers, which the check below allows for: an unsigned
+    // column with a value of 2^63 or more has a negative minimum there.
+    const std::optional<QByteArray> &bytes = newer ? newer : older;
+    if (!bytes || bytes->size() != sizeof(qint64)) {
+        return Range::Unknown;
+    }
+    const auto value = loadLE<qint64>(bytes->constData());
+    const bool isSmall = value <= kMaxExactInteger && value >= (isUnsigned ? 0 : -kMaxExactInteger);
+    return isSmall ? Range::Small : Range::Large;
+}
+
+/// Whether doubles hold all values of the row group exactly.
+Range rangeOf(const RowGroup &group, size_t chunk, bool isUnsigned)
+{
+    const ColumnMetaData *const data =
+        chunk < group.columns.size() ? group.columns[chunk].metaData.get() : nullptr;
+    if (data == nullptr || data->statistics == nullptr) {
+        return Range::Unknown;
+    }
+    const Statistics &s = *data->statistics;
+    // A chunk without values has no range.
+    if (s.nullCount == data->numValues) {
+        return Range::Small;
+    }
+    return std::max(rangeOf(s.minValue, s.min, isUnsigned), rangeOf(s.maxValue, s.max, isUnsigned));
+}
+
+Range rangeOf(const FileMetaData &file, size_t chunk, bool isUnsigned)
+{
+    Range range = Range::Small;
+    for (const RowGroup &group : file.rowGroups) {
+        const Range one = rangeOf(group, chunk, isUnsigned);
+        if (one == Range::Large) {
+            return one;
         }
-        const auto value = loadLE<qint64>(bytes->constData());
-        return value <= kMaxExact && value >= (isUnsigned ? 0 : -kMaxExact);
-    };
-    return std::all_of(file.rowGroups.begin(), file.rowGroups.end(), [&](const RowGroup &group) {
-        const ColumnMetaData *const data =
-            chunk < group.columns.size() ? group.columns[chunk].metaData.get() : nullptr;
-        if (data == nullptr || data->statistics == nullptr) {
-            return false;
-        }
-        const Statistics &s = *data->statistics;
-        // A chunk without values has no range.
-        const bool isAllNull = s.nullCount == data->numValues;
-        return isAllNull || (isSmall(s.minValue, s.min) && isSmall(s.maxValue, s.max));
-    });
+        range = std::max(range, one);
+    }
+    return range;
 }
 
 /// Whether the annotation says that the integers have `bits` bits without a sign. `converted` is
@@ -155,10 +173,11 @@ bool isUnsigned(const SchemaElement &element, int bits, qint32 converted)
     return element.convertedType.value_or(-1) == converted;
 }
 
-/// Whether FileWriter wrote the file. It stores only keys as integers.
-bool isOurs(const FileMetaData &file)
+/// Whether the integers are keys that FileWriter stored. Its other integers have the newer
+/// annotation.
+bool hasKeys(const FileMetaData &file, const SchemaElement &element)
 {
-    return file.createdBy == kCreatedBy;
+    return file.createdBy == kCreatedBy && !element.logicalType;
 }
 
 /// The values that a conversion does not keep.
@@ -167,8 +186,8 @@ Loss lossOf(const FileMetaData &file, const SchemaElement &element, Form form)
     if (form == Form::Text) {
         return Loss::ChangedText;
     }
-    if (isOurs(file)) {
-        return Loss::None; // the keys are as they were in the table
+    if (hasKeys(file, element)) {
+        return Loss::None; // they are as they were in the table
     }
     switch (form) {
     case Form::Key32:
@@ -208,7 +227,7 @@ public:
     void set()
     {
         const bool isInteger = m_column.physical == kInt32 || m_column.physical == kInt64;
-        if (isInteger && isOurs(m_file)) {
+        if (isInteger && hasKeys(m_file, m_element)) {
             return;
         }
         switch (m_column.physical) {
@@ -243,6 +262,8 @@ private:
         // Limits the length of the text, which has a zero for each missing digit.
         constexpr qint32 kMaxScale = 1000;
         m_column.detail.scale = qBound(0, scale, kMaxScale);
+        m_column.detail.precision =
+            m_logical.decimal ? m_logical.decimal->precision : m_element.precision.value_or(0);
         return true;
     }
     /// Decimal places that show one tick: 3, 6 or 9.
@@ -296,7 +317,8 @@ private:
         }
         const bool isUint = isUnsigned(m_element, 64, kUint64);
         if (!m_options.textIntegers.contains(m_column.name) &&
-            fitsDouble(m_file, m_column.chunk, isUint)) {
+            (m_options.smallIntegers.contains(m_column.name) ||
+             rangeOf(m_file, m_column.chunk, isUint) == Range::Small)) {
             m_column.form = isUint ? Form::DoubleFromUint64 : Form::DoubleFromInt64;
         } else {
             m_column.form = isUint ? Form::TextUint64 : Form::TextInt64;
@@ -508,18 +530,19 @@ Result<Columns, Error> selectColumns(const FileMetaData &file, const ReadOptions
     return result;
 }
 
-QStringList textIntegersOf(const FileMetaData &file)
+TextIntegers textIntegersOf(const FileMetaData &file)
 {
     ReadOptions options;
     options.logicalTypes = true;
     options.extendedEncodings = true;
     options.skipsUnreadable = true;
-    QStringList names;
-    if (const auto columns = selectColumns(file, options)) {
-        for (const Column &column : columns->columns) {
-            if (column.form == Form::TextInt64 || column.form == Form::TextUint64) {
-                names << column.name;
-            }
+    TextIntegers names;
+    const auto columns = selectColumns(file, options);
+    for (const Column &column : columns ? columns->columns : std::vector<Column>()) {
+        const bool isUint = column.form == Form::TextUint64;
+        if (isUint || column.form == Form::TextInt64) {
+            const bool isLarge = rangeOf(file, column.chunk, isUint) == Range::Large;
+            (isLarge ? names.large : names.unknown) << column.name;
         }
     }
     return names;

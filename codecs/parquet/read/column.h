@@ -25,6 +25,8 @@ struct ReadOptions
     bool extendedEncodings = false;
     /// Convert values according to the annotation of the column.
     bool logicalTypes = false;
+    /// Convert booleans to the texts true and false, not to keys.
+    bool booleanTexts = false;
     /// Verify the checksums in page headers. Pages without a checksum are accepted.
     bool pageChecksums = false;
     /// Read only the columns in `selection`, in the file's order. If false, read all columns.
@@ -38,6 +40,9 @@ struct ReadOptions
     /// Names of 64-bit integer columns that become texts even if doubles hold their values: another
     /// file of the same table needs texts. Used only with logicalTypes.
     std::set<QString> textIntegers;
+    /// Names of 64-bit integer columns whose values were all read and found to fit doubles. Used
+    /// only with logicalTypes, where the statistics do not say it.
+    std::set<QString> smallIntegers;
 };
 
 using CellType = cell::Type;
@@ -56,6 +61,8 @@ enum class Form : quint8 {
     DoubleFromFloat,
     Double,
     Text,
+    /// Used only with ReadOptions::booleanTexts.
+    TextBoolean,
     // Used only with ReadOptions::logicalTypes. The text forms are those of putLogical().
     DoubleFromInt32,
     DoubleFromUint32,
@@ -86,6 +93,8 @@ struct FormDetail
     int fractionDigits = 0;
     /// Whether the text ends with "Z" (timestamps).
     bool isUtc = false;
+    /// All digits, as the file says (decimals).
+    int precision = 0;
 };
 
 /// The values that differ from their cells, because the cell type cannot hold them.
@@ -148,9 +157,18 @@ struct Columns
 /// skipsUnreadable it is an error only if no readable column is left.
 Result<Columns, Error> selectColumns(const FileMetaData &file, const ReadOptions &options);
 
-/// Names of the columns that become texts with ReadOptions::logicalTypes because doubles may not
-/// hold all values of this file. For ReadOptions::textIntegers.
-QStringList textIntegersOf(const FileMetaData &file);
+/// 64-bit integer columns that become texts with ReadOptions::logicalTypes.
+struct TextIntegers
+{
+    /// Doubles do not hold all values. For ReadOptions::textIntegers.
+    QStringList large;
+    /// The file has no statistics that say so; the values may be small.
+    QStringList unknown;
+};
+TextIntegers textIntegersOf(const FileMetaData &file);
+
+/// Doubles hold all integers up to this one, and print them with all digits.
+inline constexpr qint64 kMaxExactInteger = qint64(1) << 53;
 
 /// The text "column 'x': why", the detail of faults that concern one column.
 QString columnDetail(const QString &column, const QString &why);

@@ -5,7 +5,8 @@
 //        4  length of the levels in bytes, unsigned
 //   length  definition levels: RLE hybrid, one bit per row, 1 if the value is not null
 //           the values that are not null:
-//             PLAIN       fixed width: the value; text: u32 length in bytes, UTF-8
+//             PLAIN       fixed width: the value; text: u32 length in bytes, UTF-8;
+//                         boolean: one bit, the first value in the lowest bit of the first byte
 //             dictionary  1 byte bit width, then the RLE hybrid of the indexes
 //
 // A dictionary page has the distinct values in PLAIN form.
@@ -14,6 +15,7 @@
 #include "base/bytes.h"
 #include "base/utf.h"
 #include "codecs/parquet/encoding/rle_hybrid.h"
+#include "codecs/parquet/write/typed_value.h"
 
 #include <algorithm>
 #include <array>
@@ -29,15 +31,21 @@ constexpr size_t kLengthBytes = 4;
 /// remain a valid upper bound.
 constexpr size_t kMaxRangeBytes = 64;
 
-/// Bytes of a stored value; 0 for texts.
+/// Bytes of a stored value in m_values; 0 for texts. Booleans are packed when their page is full.
 size_t valueBytes(Storage storage)
 {
     switch (storage) {
+    case Storage::Boolean:
+        return 1;
     case Storage::KeyAsUint32:
     case Storage::KeyAsInt32:
+    case Storage::Date:
         return 4;
     case Storage::Double:
     case Storage::KeyAsInt64:
+    case Storage::Integer:
+    case Storage::Timestamp:
+    case Storage::Time:
         return 8;
     case Storage::Text:
         break;
@@ -46,22 +54,42 @@ size_t valueBytes(Storage storage)
 }
 
 /// Whether value `a` is less than value `b` in the order of the column.
-bool isBefore(Storage storage, const QByteArray &a, const QByteArray &b)
+bool isBefore(Storage storage, std::string_view a, std::string_view b)
 {
     switch (storage) {
     case Storage::Double:
-        return loadLE<double>(a.constData()) < loadLE<double>(b.constData());
+        return loadLE<double>(a.data()) < loadLE<double>(b.data());
     case Storage::KeyAsUint32:
-        return loadLE<quint32>(a.constData()) < loadLE<quint32>(b.constData());
+        return loadLE<quint32>(a.data()) < loadLE<quint32>(b.data());
     case Storage::KeyAsInt32:
-        return loadLE<qint32>(a.constData()) < loadLE<qint32>(b.constData());
+    case Storage::Date:
+        return loadLE<qint32>(a.data()) < loadLE<qint32>(b.data());
     case Storage::KeyAsInt64:
-        return loadLE<qint64>(a.constData()) < loadLE<qint64>(b.constData());
+    case Storage::Integer:
+    case Storage::Timestamp:
+    case Storage::Time:
+        return loadLE<qint64>(a.data()) < loadLE<qint64>(b.data());
     case Storage::Text:
+    case Storage::Boolean:
         break;
     }
-    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
-                                        [](char x, char y) { return uchar(x) < uchar(y); });
+    return a < b; // by bytes, as unsigned numbers
+}
+
+/// Append booleans of a byte each as bits.
+void appendBits(const char *values, size_t n, std::vector<char> &page)
+{
+    constexpr size_t kBits = 8;
+    const size_t begin = page.size();
+    page.resize(begin + (n + kBits - 1) / kBits);
+    for (size_t i = 0; i < n; ++i) {
+        page[begin + i / kBits] |= static_cast<char>(values[i] << i % kBits);
+    }
+}
+
+std::string_view viewOf(const QByteArray &bytes)
+{
+    return {bytes.constData(), static_cast<size_t>(bytes.size())};
 }
 
 void putLength(std::vector<char> &page, size_t at, size_t length)
@@ -78,37 +106,74 @@ ColumnWriter::ColumnWriter(const WriterColumn &column, const WriteOptions &optio
     , m_capacity(static_cast<size_t>(options.pageSizeKiB) * 1024)
     , m_maxRows(m_capacity / std::max<size_t>(valueBytes(column.storage), 1))
     , m_firstNegativeKey(column.storage == Storage::KeyAsInt32 ? 0x80000000 : cell::kMissingKey)
+    , m_hasDictionary(options.dictionaryPages && column.storage != Storage::Boolean)
     , m_compressor(compressor)
-    , m_usesDictionary(options.dictionaryPages)
+    , m_usesDictionary(m_hasDictionary)
 {
 }
 
-bool ColumnWriter::add(const uchar *cell)
+ColumnWriter::Added ColumnWriter::add(const uchar *cell)
 {
-    if (m_column.storage == Storage::Text) {
+    switch (m_column.storage) {
+    case Storage::Text:
         return addText(cell);
-    }
-    if (m_column.storage == Storage::Double) {
+    case Storage::Double: {
         const auto value = loadNative<double>(cell);
         cell::isMissingDouble(value) ? addNull() : addNumber(value);
-        return true;
+        return Added::Yes;
     }
+    case Storage::KeyAsUint32:
+    case Storage::KeyAsInt32:
+    case Storage::KeyAsInt64:
+        addKey(loadNative<quint32>(cell));
+        return Added::Yes;
+    case Storage::Boolean:
+    case Storage::Integer:
+    case Storage::Date:
+    case Storage::Timestamp:
+    case Storage::Time:
+        break;
+    }
+    return addTyped(cell);
+}
+
+void ColumnWriter::addKey(quint32 key)
+{
     // Kept for saved graphs: only 0xFFFFFFFF becomes a null, because saved graphs rely on
     // 0xFFFFFFFE being stored as a value (ParquetWriter.OnlyOneMissingKeyIsNull).
-    const auto key = loadNative<quint32>(cell);
     if (key == cell::kMissingKey) {
-        addNull();
-        return true;
+        return addNull();
     }
     if (key >= m_firstNegativeKey) {
         count(&m_negativeKeys);
     }
-    if (m_column.storage == Storage::KeyAsInt64) {
-        addNumber(static_cast<quint64>(key));
-    } else {
-        addNumber(key);
+    m_column.storage == Storage::KeyAsInt64 ? addNumber(static_cast<quint64>(key)) : addNumber(key);
+}
+
+/// The stored value has the width of its physical type.
+ColumnWriter::Added ColumnWriter::addTyped(const uchar *cell)
+{
+    if (isNull(m_column.cellType, cell)) {
+        addNull();
+        return Added::Yes;
     }
-    return true;
+    const auto value = typedValueOf(m_column.storage, m_column.cellType, cell);
+    // The mark of the column says whether its timestamps are those of UTC.
+    if (!value || m_isUtc.value_or(value->isUtc) != value->isUtc) {
+        return Added::WrongValue;
+    }
+    m_isUtc = value->isUtc;
+    switch (m_column.storage) {
+    case Storage::Boolean:
+        addNumber(static_cast<quint8>(value->number));
+        break;
+    case Storage::Date:
+        addNumber(static_cast<qint32>(value->number));
+        break;
+    default:
+        addNumber(value->number);
+    }
+    return Added::Yes;
 }
 
 /// Memory for `bytes` more bytes after the used ones.
@@ -130,12 +195,12 @@ template <class T> void ColumnWriter::addNumber(T value)
     addValue(sizeof value);
 }
 
-bool ColumnWriter::addText(const uchar *cell)
+ColumnWriter::Added ColumnWriter::addText(const uchar *cell)
 {
     const cell::Text text = cell::readText(cell);
     if (text.isMissing()) {
         addNull();
-        return true;
+        return Added::Yes;
     }
     constexpr size_t kMaxBytesPerUnit = 3;
     char *plain = room(kLengthBytes + static_cast<size_t>(text.size()) * kMaxBytesPerUnit);
@@ -147,7 +212,7 @@ bool ColumnWriter::addText(const uchar *cell)
     }
     storeLE(static_cast<quint32>(n), plain);
     if (n + kLengthBytes + 1 > m_capacity) {
-        return false;
+        return Added::TextTooLong;
     }
     if (m_options.statistics) {
         updateRange(plain + kLengthBytes, n);
@@ -157,7 +222,7 @@ bool ColumnWriter::addText(const uchar *cell)
         std::copy_n(plain, kLengthBytes + n, m_values.data()); // the start of the new page
     }
     addValue(kLengthBytes + n);
-    return true;
+    return Added::Yes;
 }
 
 /// Add the value of `bytes` bytes that was stored after the used bytes.
@@ -215,17 +280,21 @@ void ColumnWriter::updateRange(const char *value, size_t n)
     if (!m_range.isKnown) {
         return;
     }
-    const QByteArray bytes(value, static_cast<qsizetype>(n));
-    if (!m_range.smallest || isBefore(m_column.storage, bytes, *m_range.smallest)) {
-        m_range.smallest = bytes;
+    // Most values are inside the range, and cost two comparisons.
+    const auto bytes = static_cast<qsizetype>(n);
+    if (!m_range.smallest || isBefore(m_column.storage, {value, n}, viewOf(*m_range.smallest))) {
+        m_range.smallest = QByteArray(value, bytes);
     }
-    if (!m_range.largest || isBefore(m_column.storage, *m_range.largest, bytes)) {
-        m_range.largest = bytes;
+    if (!m_range.largest || isBefore(m_column.storage, viewOf(*m_range.largest), {value, n})) {
+        m_range.largest = QByteArray(value, bytes);
     }
 }
 
 void ColumnWriter::appendValues(std::vector<char> &page) const
 {
+    if (m_column.storage == Storage::Boolean) {
+        return appendBits(m_values.data(), m_used, page);
+    }
     if (!m_usesDictionary) {
         page.insert(page.end(), m_values.begin(), m_values.begin() + static_cast<qptrdiff>(m_used));
         return;
@@ -272,7 +341,7 @@ void ColumnWriter::startGroup()
     m_pages.clear();
     m_range = {};
     m_index.clear();
-    m_usesDictionary = m_options.dictionaryPages;
+    m_usesDictionary = m_hasDictionary;
     m_hasDictionaryPages = false;
 }
 

@@ -22,6 +22,20 @@ enum class Storage : quint8 {
     KeyAsInt64,
     /// BYTE_ARRAY marked UTF8.
     Text,
+    // The cells of the other types may be of any type that can hold such values. A value that is
+    // not of the type is an error; an empty text is a null.
+
+    /// BOOLEAN: true, false in any letter case, or 0 and 1.
+    Boolean,
+    /// INT64 marked as a signed integer, so that it is not read as a key.
+    Integer,
+    /// INT32 marked as a date: texts such as 2026-01-31.
+    Date,
+    /// INT64 marked as microseconds since 1970: dates, with a time such as 2026-01-31T04:30:05.25.
+    /// All of them end with Z, or none.
+    Timestamp,
+    /// INT64 marked as microseconds since midnight: texts such as 04:30:05.
+    Time,
 };
 
 /// How a file is written. All columns share the options.
@@ -46,6 +60,8 @@ struct WriterColumn
     Storage storage = Storage::Text;
     /// 0-based index of the column's cell in a row.
     int cell = 0;
+    /// Of the cells. Used by the types from Boolean on; the others have only one.
+    cell::Type cellType = cell::Type::Text;
 };
 
 /// A finished page and the numbers for its header.
@@ -89,9 +105,14 @@ public:
     ColumnWriter(const WriterColumn &column, const WriteOptions &options,
                  PageCompressor &compressor);
 
-    /// Add the cell of a row. Returns false if a text does not fit a page, the only failure. A bool
-    /// and not a Result because it runs once per cell.
-    bool add(const uchar *cell);
+    /// What became of a cell. Not a Result because add() runs once per cell.
+    enum class Added : quint8 {
+        Yes,
+        TextTooLong, ///< for a page
+        WrongValue,  ///< not of the stored type
+    };
+    /// Add the cell of a row. After a failure nothing more can be added.
+    Added add(const uchar *cell);
 
     /// Finish the open page, if it has rows. add() also calls it when the page is full.
     void finishPage();
@@ -109,6 +130,8 @@ public:
     /// The range of the row group's values. Maintained only with statistics.
     const ValueRange &range() const { return m_range; }
     const WriterColumn &column() const { return m_column; }
+    /// Whether the timestamps so far end with Z.
+    bool isUtc() const { return m_isUtc.value_or(false); }
     // Of all row groups so far.
 
     /// Keys that are stored as negative numbers: with KeyAsInt32 those from 2^31 on.
@@ -117,9 +140,11 @@ public:
     const ChangedValues &replacedTexts() const { return m_replacedTexts; }
 
 private:
+    void addKey(quint32 key);
+    Added addTyped(const uchar *cell);
     // addNumber() and addText() store the PLAIN value after the used bytes of m_values. addValue()
     // keeps it there, or replaces it with an index into the dictionary.
-    bool addText(const uchar *cell);
+    Added addText(const uchar *cell);
     template <class T> void addNumber(T value);
     void addValue(size_t bytes);
     void addNull();
@@ -136,6 +161,8 @@ private:
     const size_t m_capacity;          // maximum size in bytes of a page's values
     const size_t m_maxRows;           // of a page
     const quint32 m_firstNegativeKey; // see negativeKeys()
+    const bool m_hasDictionary;       // booleans have none
+    std::optional<bool> m_isUtc;      // of the timestamps; not set before the first one
     ChangedValues m_negativeKeys;
     ChangedValues m_replacedTexts;
     qint64 m_finishedRows = 0; // in finished pages, of all row groups

@@ -31,32 +31,83 @@ qint32 physicalOf(Storage storage)
         return kDouble;
     case Storage::KeyAsUint32:
     case Storage::KeyAsInt32:
+    case Storage::Date:
         return kInt32;
     case Storage::KeyAsInt64:
+    case Storage::Integer:
+    case Storage::Timestamp:
+    case Storage::Time:
         return kInt64;
+    case Storage::Boolean:
+        return kBoolean;
     case Storage::Text:
         break;
     }
     return kByteArray;
 }
 
+TimeType microseconds(bool isUtc)
+{
+    return {isUtc, {{}, Marker{}, {}}};
+}
+
+/// The newer annotation; nothing where the older one says all. The older annotations of times mean
+/// UTC.
+std::optional<LogicalType> logicalTypeOf(const ColumnWriter &column)
+{
+    LogicalType logical;
+    switch (column.column().storage) {
+    case Storage::Integer:
+        logical.integer = IntType{64, true};
+        break;
+    case Storage::Date:
+        logical.date = Marker{};
+        break;
+    case Storage::Timestamp:
+        logical.timestamp = microseconds(column.isUtc());
+        break;
+    case Storage::Time:
+        logical.time = microseconds(false);
+        break;
+    default:
+        return std::nullopt;
+    }
+    return logical;
+}
+
+/// The older annotation; nothing where it has no number for the type.
+std::optional<qint32> convertedTypeOf(const ColumnWriter &column)
+{
+    switch (column.column().storage) {
+    case Storage::Text:
+        return kUtf8;
+    case Storage::KeyAsUint32:
+        return kUint32;
+    case Storage::Integer:
+        return kSigned64;
+    case Storage::Date:
+        return kDate;
+    case Storage::Timestamp:
+        return column.isUtc() ? std::optional<qint32>(kTimestampMicros) : std::nullopt;
+    default:
+        return std::nullopt;
+    }
+}
+
 /// A flat schema: the root, then one optional leaf per column, in the order of the columns.
-std::vector<SchemaElement> schemaOf(const std::vector<WriterColumn> &columns)
+std::vector<SchemaElement> schemaOf(const std::vector<ColumnWriter> &columns)
 {
     std::vector<SchemaElement> schema(1);
     // The name of the root has no meaning; many writers use this one.
     schema[0].name = "schema";
     schema[0].numChildren = static_cast<qint32>(columns.size());
-    for (const WriterColumn &column : columns) {
+    for (const ColumnWriter &column : columns) {
         SchemaElement &element = schema.emplace_back();
-        element.type = physicalOf(column.storage);
+        element.type = physicalOf(column.column().storage);
         element.repetitionType = kOptional;
-        element.name = column.name;
-        if (column.storage == Storage::Text) {
-            element.convertedType = kUtf8;
-        } else if (column.storage == Storage::KeyAsUint32) {
-            element.convertedType = kUint32;
-        }
+        element.name = column.column().name;
+        element.convertedType = convertedTypeOf(column);
+        element.logicalType = logicalTypeOf(column);
     }
     return schema;
 }
@@ -95,7 +146,6 @@ FileWriter::FileWriter(ByteSink &sink, const std::vector<WriterColumn> &columns,
     , m_seenPages(columns.size(), 0)
 {
     m_metaData.version = 1;
-    m_metaData.schema = schemaOf(columns);
     m_metaData.createdBy = kCreatedBy;
     if (options.statistics) {
         // Without it, readers ignore minValue and maxValue.
@@ -130,8 +180,11 @@ Result<void, Error> FileWriter::addRow(const uchar *const *cells)
 {
     for (size_t i = 0; i < m_columns.size(); ++i) {
         ColumnWriter &column = m_columns[i];
-        if (!column.add(cells[column.column().cell])) {
-            return Fault{Error::TextTooLong, QString::fromUtf8(column.column().name)};
+        const auto added = column.add(cells[column.column().cell]);
+        if (added != ColumnWriter::Added::Yes) {
+            const bool isTooLong = added == ColumnWriter::Added::TextTooLong;
+            return Fault{isTooLong ? Error::TextTooLong : Error::WrongValue,
+                         QString::fromUtf8(column.column().name), static_cast<qint64>(i)};
         }
     }
     ++m_groupRows;
@@ -303,6 +356,8 @@ Result<void, Error> FileWriter::finish()
             return done;
         }
     }
+    // Known only now: whether the timestamps are those of UTC.
+    m_metaData.schema = schemaOf(m_columns);
     CompactWriter out;
     const auto length = writeRecord(out, m_metaData);
     if (!length) {

@@ -24,7 +24,7 @@ public:
     Result<void, Error> begin();
 
     /// Add a row. `cells` has the addresses of all its cells (base/cell.h). Errors: TextTooLong,
-    /// WriteFailed, NoMemory.
+    /// WrongValue, WriteFailed, NoMemory.
     Result<void, Error> addRow(const uchar *const *cells);
 
     /// Write the last row group and the footer. Errors: WriteFailed, NoMemory, TextTooLong.

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <random>
 
 using namespace corvanta;
@@ -339,5 +340,112 @@ TEST(ParquetReader, AnyNumberOfWorkersGivesTheSameRowsAndStops)
             ++more;
         }
         EXPECT_LT(more, kBlockRows);
+    }
+}
+
+namespace {
+
+/// A text column for each typed storage, with the texts that it gives back.
+struct TypedCase
+{
+    Storage storage;
+    std::vector<std::u16string> texts;
+    std::vector<std::u16string> wrong;
+};
+
+const std::vector<TypedCase> kTypedCases{
+    {Storage::Boolean, {u"true", u"false", u"false"}, {u"yes", u"2", u"truE "}},
+    {Storage::Integer,
+     {u"9223372036854775807", u"-9223372036854775808", u"0", u"-17"},
+     {u"9223372036854775808", u"007", u"+1", u"1.0", u"-0", u"-"}},
+    {Storage::Date, {u"2026-01-31", u"0001-01-01", u"9999-12-31"}, {u"2026-02-30", u"31.1.2026"}},
+    {Storage::Timestamp,
+     {u"2026-01-31T04:30:05.25Z", u"1969-12-31T23:59:59.999999Z"},
+     {u"2026-01-31T04:30:05", u"2026-01-31T04:30:05.0000001Z"}},
+    {Storage::Timestamp, {u"1969-12-31T23:59:59.999999"}, {u"2026-01-31T04:30:05Z"}},
+    {Storage::Time, {u"04:30:05", u"23:59:59.999999", u"00:00:00"}, {u"24:00:00", u"25:10:10"}},
+};
+
+QStringList readTexts(const QByteArray &bytes)
+{
+    MemorySource source(bytes);
+    ReadOptions options;
+    options.logicalTypes = options.booleanTexts = true;
+    const auto reader = TableReader::open(source, options, 1);
+    EXPECT_TRUE(reader);
+    QStringList texts;
+    const uchar *cell = nullptr;
+    for (auto more = (*reader)->next(&cell); more && *more; more = (*reader)->next(&cell)) {
+        const cell::Text text = cell::readText(cell);
+        texts << (text.isMissing() ? QStringLiteral("missing")
+                                   : QString::fromUtf16(text.data(), text.size()));
+    }
+    return texts;
+}
+
+} // namespace
+
+TEST(ParquetWriter, TypedColumnsReadBackAsTheirTextsAndRefuseOthers)
+{
+    const std::u16string empty;
+    for (const TypedCase &one : kTypedCases) {
+        for (const bool usesDictionary : {false, true}) {
+            WriteSetup setup;
+            setup.options.dictionaryPages = setup.options.statistics = usesDictionary;
+            const int count = static_cast<int>(one.texts.size());
+            const Written written =
+                write({{"x", one.storage, 0}}, count + 2, setup, [&](int row, RowOfCells &cells) {
+                    cells.addText(row < count    ? &one.texts[size_t(row)]
+                                  : row == count ? &empty
+                                                 : nullptr);
+                });
+            QStringList expected;
+            for (const std::u16string &text : one.texts) {
+                expected << QString::fromStdU16String(text);
+            }
+            EXPECT_EQ(readTexts(written.bytes),
+                      expected + QStringList(2, QStringLiteral("missing")))
+                << int(one.storage);
+        }
+        for (const std::u16string &wrong : one.wrong) {
+            const Written written =
+                write({{"x", one.storage, 0}}, 2, {}, [&](int row, RowOfCells &cells) {
+                    cells.addText(row == 0 ? &one.texts.front() : &wrong);
+                });
+            ASSERT_TRUE(written.fault) << QString::fromStdU16String(wrong).toStdString();
+            EXPECT_EQ(written.fault->code, Error::WrongValue);
+        }
+    }
+}
+
+TEST(ParquetWriter, NumbersBecomeIntegersAndBooleansOnlyExactly)
+{
+    const std::vector<WriterColumn> columns{{"i", Storage::Integer, 0, cell::Type::Double},
+                                            {"b", Storage::Boolean, 1, cell::Type::Key}};
+    WriteSetup setup;
+    setup.options.statistics = true;
+    const Written written = write(columns, 3, setup, [](int row, RowOfCells &cells) {
+        cells.addDouble(row == 2 ? cell::missingDouble() : -5e15 * row);
+        cells.addKey(row == 2 ? cell::kMissingKeyOther : static_cast<quint32>(row));
+    });
+    ASSERT_FALSE(written.fault);
+    MemorySource source(written.bytes);
+    ReadOptions options;
+    options.logicalTypes = true;
+    const auto reader = TableReader::open(source, options, 1);
+    ASSERT_TRUE(reader);
+    EXPECT_EQ((*reader)->columns()[0].form, Form::DoubleFromInt64); // by its statistics
+    std::vector<const uchar *> cells(2);
+    ASSERT_TRUE(*(*reader)->next(cells.data()));
+    ASSERT_TRUE(*(*reader)->next(cells.data()));
+    EXPECT_EQ(loadNative<double>(cells[0]), -5e15);
+    EXPECT_EQ(loadNative<quint32>(cells[1]), 1U);
+    ASSERT_TRUE(*(*reader)->next(cells.data()));
+    EXPECT_TRUE(cell::isMissingDouble(loadNative<double>(cells[0])));
+    EXPECT_TRUE(cell::isMissingKey(loadNative<quint32>(cells[1])));
+    for (const double wrong : {0.5, 9223372036854775808.0, std::nan("")}) {
+        EXPECT_TRUE(write({columns[0]}, 1, {}, [&](int, RowOfCells &cells) {
+                        cells.addDouble(wrong);
+                    }).fault);
     }
 }
