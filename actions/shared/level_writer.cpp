@@ -208,6 +208,7 @@ bool LevelWriter::makeComposer(const OneRow &columns)
         return false;
     }
     keepKeys(*levels, columns);
+    reportNewNames(*levels, columns);
     m_run->composer =
         std::make_unique<compose::LevelComposer>(*std::move(levels), valueRules(), *m_run->block);
     return true;
@@ -230,6 +231,30 @@ void LevelWriter::keepKeys(const std::vector<compose::ComposeLevel> &levels, con
     }
 }
 
+/// Once per column, also if several items write it.
+void LevelWriter::reportNewNames(const std::vector<compose::ComposeLevel> &levels,
+                                 const OneRow &columns)
+{
+    std::map<int, QString> newNames;
+    for (const compose::ComposeLevel &level : levels) {
+        for (const compose::ComposeOperation &item : level.operations) {
+            for (const compose::ComposeOperation::Column &column : item.columns) {
+                if (!column.newName.isEmpty()) {
+                    newNames.emplace(column.input, column.newName);
+                }
+            }
+        }
+    }
+    std::vector<ChangedName> changed;
+    for (const auto &[input, name] : newNames) {
+        changed.push_back({columns.colName(input), name});
+    }
+    if (!changed.empty()) {
+        warn(u"Warning: writing to %1 file '%2': %3\n"_s.arg(texts().format, fileName(),
+                                                             textOf(changed)));
+    }
+}
+
 bool LevelWriter::writeRow(const OneRow &row)
 {
     if (!prepareRow(row)) {
@@ -239,7 +264,7 @@ bool LevelWriter::writeRow(const OneRow &row)
     m_run->block->beginRow(rowNumber());
     // Composing reports no failures itself; the block keeps the first one.
     m_run->composer->putRow(row.view());
-    noteLackingValues();
+    notePlaces();
     return m_run->block->failure() == compose::TextBlock::Failure::None || checkBlock();
 }
 
@@ -328,7 +353,7 @@ bool LevelWriter::endFile()
     // A composer exists once a table was seen.
     if (m_run->composer) {
         m_run->composer->endElements();
-        noteLackingValues();
+        notePlaces();
     }
     if (!flush()) {
         return false;
@@ -367,15 +392,35 @@ void LevelWriter::reportReplaced()
     m_run->block->resetReplaced();
 }
 
-void LevelWriter::noteLackingValues()
+/// Only the first event of a run has a place.
+void LevelWriter::notePlace(const compose::CountedValues &values, QString *place)
 {
-    const compose::LackingValues &lacking = m_run->composer->lackingValues();
-    if (lacking.count == 0 || !m_run->lackingPlace.isEmpty()) {
+    if (values.count == 0 || !place->isEmpty()) {
         return;
     }
-    m_run->lackingPlace = u"row %1"_s.arg(rowNumber());
-    if (lacking.column >= 0) {
-        m_run->lackingPlace += u", column '%1'"_s.arg(getInputColumns(0)->colName(lacking.column));
+    *place = u"row %1"_s.arg(rowNumber());
+    if (values.column >= 0) {
+        *place += u", column '%1'"_s.arg(getInputColumns(0)->colName(values.column));
+    }
+}
+
+void LevelWriter::notePlaces()
+{
+    notePlace(m_run->composer->lackingValues(), &m_run->lackingPlace);
+    notePlace(m_run->composer->lostNumbers(), &m_run->lostNumberPlace);
+}
+
+/// The formats have no form for such numbers that all readers know.
+void LevelWriter::reportLostNumbers()
+{
+    const qint64 count = m_run->composer ? m_run->composer->lostNumbers().count : 0;
+    if (count > 0) {
+        warn(
+            u"Warning: writing to %1 file '%2': %3 %4 not finite (nan, inf or -inf) and %5; the first is in %6\n"_s
+                .arg(texts().format, fileName(), counted(count, u"number"_s),
+                     count == 1 ? u"is"_s : u"are"_s,
+                     rowParams().nan == NotFinite::Null ? u"written as missing"_s : u"left out"_s,
+                     m_run->lostNumberPlace));
     }
 }
 
@@ -398,6 +443,7 @@ void LevelWriter::complete()
     }
     if (done) {
         reportLackingValues();
+        reportLostNumbers();
     }
 }
 

@@ -101,7 +101,9 @@ private:
         std::vector<std::pair<std::u16string, QString>> keys;
         // Null until the columns are known.
         std::unique_ptr<compose::LevelComposer> composer;
-        QString lackingPlace; // see noteLackingValues()
+        // Of the first one of the composer's counts.
+        QString lackingPlace;
+        QString lostNumberPlace;
     };
 
     QString messageAbout(const QString &problem) const;
@@ -118,11 +120,16 @@ private:
     bool makeComposer(const OneRow &columns);
     /// Keep the keys of columns, and warn about columns that one item writes with the same key.
     void keepKeys(const std::vector<compose::ComposeLevel> &levels, const OneRow &columns);
+    /// Warn about columns whose names are not valid in the format.
+    void reportNewNames(const std::vector<compose::ComposeLevel> &levels, const OneRow &columns);
     /// Warn about characters that the file cannot hold.
     void reportReplaced();
-    /// Remember where the first value is left out that the file needs.
-    void noteLackingValues();
+    /// Remember the places of the first values that the composer has counted.
+    void notePlaces();
+    void notePlace(const compose::CountedValues &values, QString *place);
     void reportLackingValues();
+    /// About NaN and infinite numbers, which few formats have.
+    void reportLostNumbers();
     // Functions that return bool return true for success; otherwise the run has failed or ended.
     /// Open targetName() and write what comes before the elements.
     bool openFile();

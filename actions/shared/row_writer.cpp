@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
@@ -133,6 +135,19 @@ bool RowWriter::checkNames(const OneRow &columns, const QVector<int> &inputs)
 {
     return doCheckNameCollision(&columns, rowParams().checkNameCollision, this, inputs,
                                 m_fileName) == 0;
+}
+
+QString RowWriter::textOf(const std::vector<ChangedName> &changed)
+{
+    // With thousands of columns, more would hide the other messages.
+    constexpr size_t kMaxListed = 20;
+    QStringList changes;
+    for (size_t i = 0; i < std::min(changed.size(), kMaxListed); ++i) {
+        changes << u"'%1' to '%2'"_s.arg(changed[i].column, changed[i].name);
+    }
+    return u"%1 changed to fit the format: %2%3"_s.arg(
+        counted(std::ssize(changed), u"column name"_s), changes.join(u", "_s),
+        changed.size() > kMaxListed ? u" and others"_s : QString());
 }
 
 void RowWriter::createFolder(const QString &file)

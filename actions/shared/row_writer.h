@@ -19,6 +19,8 @@
 #include "corvanta/action_base.h"
 #include "corvanta/target_file.h"
 
+#include <vector>
+
 namespace corvanta {
 
 /// The parameters that all writers of rows have.
@@ -90,6 +92,14 @@ protected:
     /// Report two of the columns `inputs` that have one name, when checkNameCollision is on; false
     /// then.
     bool checkNames(const OneRow &columns, const QVector<int> &inputs);
+    /// A column whose name the format cannot have, and the name that it gets.
+    struct ChangedName
+    {
+        QString column;
+        QString name;
+    };
+    /// "2 column names changed to fit the format: 'a b' to 'a_b', ...", for a warning.
+    static QString textOf(const std::vector<ChangedName> &changed);
     /// Create the missing folders of `file` when createDir is on. A failure shows when the file is
     /// opened, and createDir is then the remedy.
     void createFolder(const QString &file);

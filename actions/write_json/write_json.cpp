@@ -36,7 +36,8 @@ compose::LevelCompiler::Levels ActionWriteJSON::compileLevels(const std::vector<
     return compose::compileJsonLevels(levels, columns,
                                       m_params.escapeControls ? Form::JsonStrict
                                       : m_params.replaceLF    ? Form::JsonStringWithLineFeed
-                                                              : Form::JsonString);
+                                                              : Form::JsonString,
+                                      m_params.bareColumns);
 }
 
 compose::ValueRules ActionWriteJSON::valueRules() const
@@ -151,6 +152,20 @@ QString ActionWriteJSON::splitName(const QString &part) const
     return m_params.advancedNaming
                ? expandOutputFile(m_params.fileName, part)
                : withPartBeforeExtension(expandOutputFile(m_params.fileName, QString()), part);
+}
+
+/// Texts of other columns keep their quotes, also those that look like booleans.
+void ActionWriteJSON::setColumnKinds(const QVector<ColumnKind> &columns)
+{
+    m_params.specialBool = m_params.specialBool && columns.isEmpty();
+    for (const ColumnKind &column : columns) {
+        const bool isNumber =
+            column.kind == ValueKind::Integer || column.kind == ValueKind::Decimal;
+        // Numbers that are not texts have no quotes anyway.
+        if (column.kind == ValueKind::Boolean || (isNumber && column.letter == 'U')) {
+            m_params.bareColumns << column.column;
+        }
+    }
 }
 
 QVector<TargetUse> ActionWriteJSON::targets() const

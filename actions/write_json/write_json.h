@@ -25,6 +25,8 @@ public:
     }
 
     QVector<TargetUse> targets() const override;
+    bool needsColumnKinds() const override { return m_params.bareColumns.isEmpty(); }
+    void setColumnKinds(const QVector<ColumnKind> &columns) override;
 
 private:
     const LevelWriterParams &rowParams() const override { return m_params; }

@@ -24,6 +24,7 @@ PanelLayout panelLayout()
           "nan",
           {"floatToString", editor<FloatFormatEditor>},
           "specialBool",
+          {"Bare", editor<ColumnPicker>},
           "escapeControls",
           "replaceLF"},
          Fold::Folded},

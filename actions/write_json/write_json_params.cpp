@@ -105,6 +105,11 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
         shared::lockTimeOut<P>(),
         // Child elements come after all attributes.
         shared::fileContent<P>(levelTables()),
+        strings("Bare", &P::bareColumns)
+            .label("Columns without quotes")
+            .meaning("Text columns whose numbers, and the words true and false in any letter case, "
+                     "are written without quotes. Texts that are not numbers of JSON, such as 007, "
+                     "keep them."),
     };
     return table;
 }

@@ -8,6 +8,8 @@ struct WriteJsonParams : LevelWriterParams
 {
     /// The texts true, True, false and False are booleans, without quotes.
     bool specialBool = true;
+    /// Text columns whose numbers and booleans are written without quotes.
+    QStringList bareColumns;
     /// A line feed in a text becomes \n.
     bool replaceLF = false;
     /// Every control character becomes an escape, also in names; replaceLF then has no effect.

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 using namespace Qt::StringLiterals;
 
@@ -39,10 +40,11 @@ class JsonItems
 {
 public:
     JsonItems(const LevelCompiler &compiler, const std::vector<WriteLevel> &levels,
-              ComposeOperation::TextForm form)
+              ComposeOperation::TextForm form, const QStringList &bareColumns)
         : m_compiler(compiler)
         , m_levels(levels)
         , m_form(form)
+        , m_bareColumns(bareColumns.begin(), bareColumns.end())
     {
     }
 
@@ -84,6 +86,7 @@ private:
             const QString name = m_compiler.columns().names[column.input];
             const bool isCut = !prefix.isEmpty() && name.startsWith(prefix);
             column.before = hasKeys ? key(isCut ? name.mid(prefix.size()) : name) : FixedText();
+            column.isBare = m_bareColumns.contains(name);
         }
         return ComposeOperation{Kind::Values, m_form, FixedText(u","), {}, std::move(columns)};
     }
@@ -125,6 +128,7 @@ private:
     const LevelCompiler &m_compiler;
     const std::vector<WriteLevel> &m_levels;
     ComposeOperation::TextForm m_form;
+    std::set<QString> m_bareColumns;
 };
 
 } // namespace
@@ -162,10 +166,11 @@ bool needsJsonValue(std::u16string_view before, std::u16string_view after)
 } // namespace
 
 LevelCompiler::Levels compileJsonLevels(const std::vector<WriteLevel> &levels,
-                                        const RowView &columns, ComposeOperation::TextForm form)
+                                        const RowView &columns, ComposeOperation::TextForm form,
+                                        const QStringList &bareColumns)
 {
     const LevelCompiler compiler(levels, columns);
-    const JsonItems items(compiler, levels, form);
+    const JsonItems items(compiler, levels, form, bareColumns);
     auto compiled =
         compiler.compile([&](size_t level, size_t item) { return items.compile(level, item); });
     if (compiled) {
@@ -188,39 +193,39 @@ std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringLis
 namespace {
 
 /// Digits at the start of `text`.
-qsizetype countDigits(QByteArrayView text)
+qsizetype countDigits(QStringView text)
 {
     const auto *const end =
-        std::find_if(text.begin(), text.end(), [](char c) { return c < '0' || c > '9'; });
+        std::find_if(text.begin(), text.end(), [](QChar c) { return c < u'0' || c > u'9'; });
     return end - text.begin();
 }
 
 /// Remove the digits at the start, of which there must be one.
-bool takeDigits(QByteArrayView *text)
+bool takeDigits(QStringView *text)
 {
     const qsizetype digits = countDigits(*text);
     *text = text->sliced(digits);
     return digits > 0;
 }
 
-bool isJsonNumber(QByteArrayView text)
+} // namespace
+
+bool isJsonNumber(QStringView text)
 {
-    text = text.sliced(text.startsWith('-') ? 1 : 0);
-    const bool hasLeadingZero = text.startsWith('0') && countDigits(text) > 1;
+    text = text.sliced(text.startsWith(u'-') ? 1 : 0);
+    const bool hasLeadingZero = text.startsWith(u'0') && countDigits(text) > 1;
     bool isNumber = !hasLeadingZero && takeDigits(&text);
-    if (text.startsWith('.')) {
+    if (text.startsWith(u'.')) {
         text = text.sliced(1);
         isNumber = takeDigits(&text) && isNumber;
     }
-    if (text.startsWith('e') || text.startsWith('E')) {
+    if (text.startsWith(u'e') || text.startsWith(u'E')) {
         text = text.sliced(1);
-        text = text.sliced(text.startsWith('-') || text.startsWith('+') ? 1 : 0);
+        text = text.sliced(text.startsWith(u'-') || text.startsWith(u'+') ? 1 : 0);
         isNumber = takeDigits(&text) && isNumber;
     }
     return isNumber && text.isEmpty();
 }
-
-} // namespace
 
 bool printsJsonNumber(const QString &format)
 {
@@ -229,7 +234,7 @@ bool printsJsonNumber(const QString &format)
     return numbers.set(format) && std::all_of(kSamples.begin(), kSamples.end(), [&](double sample) {
                QByteArray text;
                numbers.append(sample, &text);
-               return isJsonNumber(text.trimmed());
+               return isJsonNumber(QString::fromUtf8(text).trimmed());
            });
 }
 

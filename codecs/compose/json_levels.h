@@ -23,17 +23,22 @@ enum class JsonItem : int {
 
 /// Compile `levels` (at least one), whose item types are JsonItems, for a table. `form` is the
 /// escaping of texts, one of the three Json forms; names of columns get the strict escapes only
-/// with JsonStrict. The result does not refer to `levels` or to the names of `columns`. Errors: all
-/// of LevelProblem; see LevelCompiler::compile().
+/// with JsonStrict. `bareColumns` names the columns with ComposeOperation::Column::isBare. The
+/// result does not refer to `levels` or to the names of `columns`. Errors: all of LevelProblem; see
+/// LevelCompiler::compile().
 LevelCompiler::Levels compileJsonLevels(const std::vector<WriteLevel> &levels,
-                                        const RowView &columns, ComposeOperation::TextForm form);
+                                        const RowView &columns, ComposeOperation::TextForm form,
+                                        const QStringList &bareColumns = {});
 
 /// The level that is used when none is declared: an object per row, with all columns or those of
 /// `toWrite`, which the other choice ignores.
 std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringList &toWrite);
 
-/// Whether a format of FloatFormat::set() prints numbers as JSON has them (RFC 8259, section 6),
-/// apart from spaces around them.
+/// Whether the text is a number of JSON (RFC 8259, section 6).
+bool isJsonNumber(QStringView text);
+
+/// Whether a format of FloatFormat::set() prints numbers as JSON has them, apart from spaces
+/// around them.
 bool printsJsonNumber(const QString &format);
 
 } // namespace corvanta::compose

@@ -17,6 +17,7 @@
 #include "base/number_cell.h"
 #include "base/utf.h"
 #include "codecs/compose/escape.h"
+#include "codecs/compose/json_levels.h"
 
 #include <algorithm>
 #include <array>
@@ -350,9 +351,7 @@ void LevelComposer::putValues(const Operation &operation, Cells cells)
 
 void LevelComposer::countLacking(const Operation &operation)
 {
-    if (m_lacking.count++ == 0 && !operation.columns.empty()) {
-        m_lacking.column = operation.columns.front().input;
-    }
+    m_lacking.add(operation.columns.empty() ? -1 : operation.columns.front().input);
 }
 
 /// Write one value after `lead`. Returns false when the value is left out.
@@ -414,9 +413,25 @@ LevelComposer::putMarkup(const Column &column, std::u16string_view text, const F
                      [&](char16_t *out) { return escaped<Escapes>(text, out); });
 }
 
+/// Numbers keep their digits, as JSON does not limit them.
+bool LevelComposer::putBare(const Column &column, std::u16string_view text, const FixedText &lead)
+{
+    const QStringView word(text.data(), static_cast<qsizetype>(text.size()));
+    const bool isTrue = word.compare(u"true", Qt::CaseInsensitive) == 0;
+    if (isTrue || word.compare(u"false", Qt::CaseInsensitive) == 0) {
+        return putFixed(isTrue ? &kTrue : &kFalse, column, lead);
+    }
+    return isJsonNumber(word) && putAround(column, lead, word.size(), [&](char16_t *out) {
+               return std::copy(text.begin(), text.end(), out);
+           });
+}
+
 bool LevelComposer::putText(Operation::TextForm form, const Column &column,
                             std::u16string_view text, const FixedText &lead)
 {
+    if (column.isBare && putBare(column, text, lead)) {
+        return true;
+    }
     const FixedText *const boolean = m_rules.specialBool ? asBoolean(text) : nullptr;
     if (boolean != nullptr) {
         return putFixed(boolean, column, lead);
@@ -475,6 +490,9 @@ bool LevelComposer::putFloat(double value, const Column &column, const FixedText
         return putFixed(pointerTo(m_rules.missingNumber), column, lead);
     }
     if (!std::isfinite(value)) {
+        if (!m_rules.namesNotFinite) {
+            m_lostNumbers.add(column.input);
+        }
         return putFixed(m_rules.namesNotFinite ? nameOf(value) : pointerTo(m_rules.notFinite),
                         column, lead);
     }

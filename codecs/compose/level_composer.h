@@ -65,6 +65,9 @@ struct ComposeOperation
     {
         FixedText before = {}; ///< the key, or the opening tag; left out with the value
         FixedText after = {};  ///< the closing tag or quote; left out with the value
+        /// Texts that are JSON numbers, or true or false in any letter case, have no quotes.
+        bool isBare = false;
+        QString newName = {}; ///< that `before` has in place of the column's, which is not valid
     };
 
     Kind kind = Kind::Nothing;
@@ -80,11 +83,13 @@ struct ComposeOperation
     bool followsComma = false;
 };
 
-/// Operations that wrote nothing where the text around them needs a value.
-struct LackingValues
+/// A number of events, and where the first one was.
+struct CountedValues
 {
     qint64 count = 0;
-    int column = -1; ///< index in the table of the first one's first column; -1: it has none
+    int column = -1; ///< index in the table; -1: it has none
+
+    void add(int ofColumn) { column = count++ == 0 ? ofColumn : column; }
 };
 
 /// The operations of one element, in their order.
@@ -116,8 +121,13 @@ public:
     /// Finish all open levels; the next row starts as the first one did, without a comma. Does
     /// nothing when no row was written.
     void endElements();
-    /// Since the construction.
-    const LackingValues &lackingValues() const { return m_lacking; }
+    // Since the construction.
+
+    /// Operations that wrote nothing where the text around them needs a value; the column is the
+    /// first of the operation.
+    const CountedValues &lackingValues() const { return m_lacking; }
+    /// NaN and infinite numbers that were not written by their names.
+    const CountedValues &lostNumbers() const { return m_lostNumbers; }
 
 private:
     using Cells = const uchar *const *; // by column of the table: of a row, or kept ones
@@ -162,6 +172,8 @@ private:
                  const FixedText &lead);
     bool putText(Operation::TextForm form, const Column &column, std::u16string_view text,
                  const FixedText &lead);
+    /// A text that needs no quotes; false for any other.
+    bool putBare(const Column &column, std::u16string_view text, const FixedText &lead);
     // Text in quotes, and without.
     template <class Escapes>
     bool putString(const Column &column, std::u16string_view text, const FixedText &lead);
@@ -180,7 +192,8 @@ private:
     ValueRules m_rules;
     TextBlock &m_block;
     bool m_lastWrote = false; // whether the last Values operation wrote one
-    LackingValues m_lacking;
+    CountedValues m_lacking;
+    CountedValues m_lostNumbers;
 };
 
 } // namespace corvanta::compose

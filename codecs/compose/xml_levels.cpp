@@ -57,8 +57,8 @@ public:
     {
     }
 
-    /// The name for a column; with wellFormed a valid one, different from those before.
-    QString next(const QString &name)
+    /// The name for `column`; with wellFormed a valid one, different from those before.
+    QString next(const QString &name, ComposeOperation::Column *column)
     {
         if (!m_wellFormed) {
             return name;
@@ -69,6 +69,7 @@ public:
             given = base + u'_' + QString::number(n);
         }
         m_given.insert(given);
+        column->newName = given != name ? given : QString();
         return given;
     }
 
@@ -131,8 +132,8 @@ private:
         for (ComposeOperation::Column &column : columns) {
             const QString name = m_compiler.columns().names[column.input];
             const bool isCut = !prefix.isEmpty() && name.startsWith(prefix);
-            column.before =
-                fixed(u' ' + names.next(isCut ? name.mid(prefix.size()) : name) + u"=\""_s);
+            column.before = fixed(
+                u' ' + names.next(isCut ? name.mid(prefix.size()) : name, &column) + u"=\""_s);
             column.after = FixedText(u"\"");
         }
         return ComposeOperation{Kind::Values, m_attributeForm, {}, {}, std::move(columns)};
@@ -142,7 +143,7 @@ private:
     {
         ItemNames names(m_layout.wellFormed);
         for (ComposeOperation::Column &column : columns) {
-            const QString name = names.next(m_compiler.columns().names[column.input]);
+            const QString name = names.next(m_compiler.columns().names[column.input], &column);
             column.before = fixed(lineBreak(level, 1) + u'<' + name + u'>');
             column.after = fixed(u"</"_s + name + u'>');
         }
