@@ -71,7 +71,7 @@ QString numberFormat(const QString &format)
 
 } // namespace
 
-void DataSetOutput::addDateFormats(const QVector<ColumnKind> &columns, DataSetParams *params)
+void DataSetOutput::addKinds(const QVector<ColumnKind> &columns, DataSetParams *params)
 {
     DefinitionList definitions(&params->variables);
     const auto addFormat = [&](ValueKind kind, const QString &format) {
@@ -82,6 +82,7 @@ void DataSetOutput::addDateFormats(const QVector<ColumnKind> &columns, DataSetPa
     addFormat(ValueKind::Date, u"DATE9."_s);
     addFormat(ValueKind::DateTime, u"DATETIME20."_s);
     addFormat(ValueKind::Time, u"TIME8."_s);
+    params->toBoolean = columnsOfKind(columns, ValueKind::Boolean);
 }
 
 void DataSetOutput::addNotes(const QVector<ColumnNotes> &notes, DataSetParams *params) const
@@ -142,6 +143,23 @@ QByteArray DataSetOutput::encodedLabel(const QString &label, const QString &colu
     return bytes.first(fitting);
 }
 
+void DataSetOutput::warnChangedNames(const QStringList &columns,
+                                     const std::vector<sas::Variable> &variables)
+{
+    std::vector<ChangedName> changed;
+    for (size_t i = 0; i < variables.size(); ++i) {
+        const QString &column = columns[static_cast<qsizetype>(i)];
+        if (variables[i].name != column.toUtf8()) {
+            changed.push_back({column, QString::fromUtf8(variables[i].name)});
+        }
+    }
+    if (!changed.empty()) {
+        warn(
+            u"Warning: writing %1 '%2': %3. The labels have the whole names, except of columns with a label of their own\n"_s
+                .arg(fileKind(), fileName(), textOf(changed)));
+    }
+}
+
 /// One warning for all columns: a table may have thousands of long labels.
 void DataSetOutput::warnNames()
 {
@@ -165,6 +183,11 @@ void DataSetOutput::warnDefinitions(const OneRow &columns)
 {
     warnUnknown(kStringColumns, unknownNames(dataSetParams().stringColumns, columns), columns);
     warnUnknown(kVariableDefinitions, unknownNames(dataSetParams().variables, columns), columns);
+    Occurrences unknown;
+    for (const QString &name : dataSetParams().toBoolean) {
+        unknown.add(columns.getIndexOfColumn(name) < 0 ? 1 : 0, [&] { return name; });
+    }
+    warnUnknown(shared::kToBoolean, unknown, columns);
 }
 
 void DataSetOutput::warnUnknown(const char *parameter, const Occurrences &unknown,
@@ -231,9 +254,11 @@ bool DataSetOutput::findWidths(const OneRow &columns, const QVector<int> &inputs
         sas::PackedColumn column{input, columns.getMetaType(input).cellType()};
         if (column.type == cell::Type::Text) {
             column.date = dateUnitOf(columnName(i));
+            column.isBoolean = column.date == sas::DateUnit::None &&
+                               dataSetParams().toBoolean.contains(columnName(i));
         }
         sas::Variable &variable = m_run->variables[i];
-        variable.isText = column.type == cell::Type::Text && column.date == sas::DateUnit::None;
+        variable.isText = column.isText();
         if (variable.isText) {
             if (!chooseWidth(i, &column)) {
                 return false;
@@ -419,6 +444,7 @@ void DataSetOutput::complete()
         warnReplaced();
         warnNotNumbers();
         warnNotDates();
+        warnNotBooleans();
         reportRows(*m_run->writer);
     }
 }
@@ -483,6 +509,20 @@ void DataSetOutput::warnNotDates()
                 u"Warning: writing %1 '%2': %3 of the column '%4' became missing, without the form of ISO 8601 that the format '%5' needs; the first is in row %6\n"_s
                     .arg(fileKind(), fileName(), counted(found.count, u"text"_s), columnName(i),
                          definitionOf(columnName(i))->format, QString::number(found.firstRow)));
+        }
+    }
+}
+
+void DataSetOutput::warnNotBooleans()
+{
+    const std::vector<sas::ColumnReport> &reports = m_run->packer->reports();
+    for (size_t i = 0; i < reports.size(); ++i) {
+        const sas::RowCount &found = reports[i].notBooleans;
+        if (found.count > 0) {
+            warn(
+                u"Warning: writing %1 '%2': %3 of the column '%4' became missing, neither true nor false; the first is in row %5\n"_s
+                    .arg(fileKind(), fileName(), counted(found.count, u"text"_s), columnName(i),
+                         QString::number(found.firstRow)));
         }
     }
 }

@@ -75,8 +75,9 @@ protected:
     /// Encodes texts and names; UTF-8 by default. chooseEncoding() replaces it.
     sas::TextEncoder &encoder() { return m_run->encoder; }
     const sas::TextEncoder &encoder() const { return m_run->encoder; }
-    /// Give the columns with dates and times such formats, so that their texts become dates.
-    static void addDateFormats(const QVector<ColumnKind> &columns, DataSetParams *params);
+    /// Give the columns with dates and times such formats, so that their texts become dates, and
+    /// let booleans become numbers.
+    static void addKinds(const QVector<ColumnKind> &columns, DataSetParams *params);
     /// Give the columns the labels of the input, and the formats of its numbers where SAS has the
     /// same. Those that the parameters have stay. A line of the log counts the value labels.
     void addNotes(const QVector<ColumnNotes> &notes, DataSetParams *params) const;
@@ -85,6 +86,8 @@ protected:
     /// A name or label of a column in the encoding of the file. What is lost is counted, and
     /// reported after describe().
     QByteArray encoded(const QString &text, const QString &column);
+    /// Warn about the columns whose variables have other names, which are valid ones.
+    void warnChangedNames(const QStringList &columns, const std::vector<sas::Variable> &variables);
     /// The same, cut to maxLabelBytes().
     QByteArray encodedLabel(const QString &label, const QString &column);
     /// Name of a written column in the input.
@@ -140,6 +143,7 @@ private:
     void warnReplaced();
     void warnNotNumbers();
     void warnNotDates();
+    void warnNotBooleans();
 
     std::unique_ptr<RunState> m_run;
 };

@@ -417,8 +417,7 @@ void LevelWriter::reportLostNumbers()
     if (count > 0) {
         warn(
             u"Warning: writing to %1 file '%2': %3 %4 not finite (nan, inf or -inf) and %5; the first is in %6\n"_s
-                .arg(texts().format, fileName(), counted(count, u"number"_s),
-                     count == 1 ? u"is"_s : u"are"_s,
+                .arg(texts().format, fileName(), counted(count, u"number"_s), isOrAre(count),
                      rowParams().nan == NotFinite::Null ? u"written as missing"_s : u"left out"_s,
                      m_run->lostNumberPlace));
     }

@@ -145,9 +145,9 @@ QString RowWriter::textOf(const std::vector<ChangedName> &changed)
     for (size_t i = 0; i < std::min(changed.size(), kMaxListed); ++i) {
         changes << u"'%1' to '%2'"_s.arg(changed[i].column, changed[i].name);
     }
-    return u"%1 changed to fit the format: %2%3"_s.arg(
+    return u"%1 %4 changed to fit the format: %2%3"_s.arg(
         counted(std::ssize(changed), u"column name"_s), changes.join(u", "_s),
-        changed.size() > kMaxListed ? u" and others"_s : QString());
+        changed.size() > kMaxListed ? u" and others"_s : QString(), isOrAre(std::ssize(changed)));
 }
 
 void RowWriter::createFolder(const QString &file)

@@ -98,7 +98,7 @@ protected:
         QString column;
         QString name;
     };
-    /// "2 column names changed to fit the format: 'a b' to 'a_b', ...", for a warning.
+    /// "2 column names are changed to fit the format: 'a b' to 'a_b', ...", for a warning.
     static QString textOf(const std::vector<ChangedName> &changed);
     /// Create the missing folders of `file` when createDir is on. A failure shows when the file is
     /// opened, and createDir is then the remedy.

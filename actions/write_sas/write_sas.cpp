@@ -144,7 +144,8 @@ void ActionWriteSAS::makeDifferent(const QStringList &columns, std::vector<QByte
     const bool isValidMode = m_params.columnNameMode == VariableNames::Valid;
     const std::vector<size_t> changed = sas::makeUnique(
         *names, columns, isValidMode ? Qt::CaseInsensitive : Qt::CaseSensitive, sas::kMaxNameBytes);
-    if (!changed.empty()) {
+    // Of valid names, warnChangedNames() lists all that differ from their columns.
+    if (!changed.empty() && !isValidMode) {
         warn(
             u"Warning: writing SAS file '%1': %2 %6 changed, because names must be different and not empty; the first is column %3, '%4', which is now '%5'\n"_s
                 .arg(fileName(), counted(std::ssize(changed), u"column name"_s),
@@ -182,6 +183,9 @@ bool ActionWriteSAS::describe(const QStringList &names, std::vector<sas::Variabl
         const QString &column = names[static_cast<qsizetype>(i)];
         variables[i].label = encodedLabel(labelOf(column), column);
         variables[i].format = formatOf(column);
+    }
+    if (m_params.columnNameMode == VariableNames::Valid) {
+        warnChangedNames(names, variables);
     }
     return true;
 }

@@ -1,6 +1,7 @@
 #include "actions/write_sas/write_sas_panel.h"
 
 #include "actions/shared/panel_groups.h"
+#include "panels/column_picker.h"
 #include "panels/structures/text_widths_editor.h"
 
 namespace {
@@ -16,7 +17,9 @@ PanelLayout panelLayout()
         shared::rowsGroup(),
         {QT_TRANSLATE_NOOP("Panels", "Text columns"),
          {"autoWidth", "f1", "f2", {"StringColDef", editor<TextWidthsEditor>}, "stringStorage"}},
-        {QT_TRANSLATE_NOOP("Panels", "Variables"), {"columnNameMode", "VariableDef"}, Fold::Folded},
+        {QT_TRANSLATE_NOOP("Panels", "Variables"),
+         {"columnNameMode", {"ToBoolean", editor<ColumnPicker>}, "VariableDef"},
+         Fold::Folded},
     };
 }
 

@@ -125,23 +125,10 @@ void ActionWriteSASXPT::setNames(const QStringList &columns, std::vector<sas::Va
     }
     // Equal names are always changed: a reader would show one of them only.
     sas::makeUnique(names, columns, Qt::CaseInsensitive, limits().name);
-    // With thousands of columns, more would hide the other messages.
-    constexpr int kMaxListed = 20;
-    QStringList changes;
-    qsizetype count = 0;
     for (size_t i = 0; i < names.size(); ++i) {
-        const QString &column = columns[static_cast<qsizetype>(i)];
-        if (names[i] != column.toUtf8() && ++count <= kMaxListed) {
-            changes << u"'%1' to '%2'"_s.arg(column, QString::fromUtf8(names[i]));
-        }
         variables[i].name = names[i];
     }
-    if (count > 0) {
-        warn(
-            u"Warning: writing SAS transport file '%1': %2 %5 changed to fit the format: %3%4. The labels have the whole names, except of columns with a label of their own\n"_s
-                .arg(fileName(), counted(count, u"column name"_s), changes.join(u", "_s),
-                     count > kMaxListed ? u" and others"_s : QString(), isOrAre(count)));
-    }
+    warnChangedNames(columns, variables);
 }
 
 QString ActionWriteSASXPT::labelOf(const QString &column, const QByteArray &name) const

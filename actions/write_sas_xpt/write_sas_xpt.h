@@ -21,7 +21,7 @@ public:
     bool needsColumnKinds() const override { return true; }
     void setColumnKinds(const QVector<ColumnKind> &columns) override
     {
-        addDateFormats(columns, &m_params);
+        addKinds(columns, &m_params);
     }
     bool needsColumnLabels() const override { return true; }
     void setColumnLabels(const QVector<ColumnNotes> &notes) override { addNotes(notes, &m_params); }

@@ -1,6 +1,7 @@
 #include "actions/write_sas_xpt/write_sas_xpt_panel.h"
 
 #include "actions/shared/panel_groups.h"
+#include "panels/column_picker.h"
 #include "panels/structures/text_widths_editor.h"
 
 namespace {
@@ -16,7 +17,9 @@ PanelLayout panelLayout()
         shared::rowsGroup(),
         {QT_TRANSLATE_NOOP("Panels", "Text columns"),
          {"autoWidth", {"StringColDef", editor<TextWidthsEditor>}, "stringStorage", "encoding"}},
-        {QT_TRANSLATE_NOOP("Panels", "Variables"), {"numberWidth", "VariableDef"}, Fold::Folded},
+        {QT_TRANSLATE_NOOP("Panels", "Variables"),
+         {"numberWidth", {"ToBoolean", editor<ColumnPicker>}, "VariableDef"},
+         Fold::Folded},
     };
 }
 

@@ -98,6 +98,7 @@ double timeOfDay(Cursor &in)
     }
     in.isGood = (in.accept(u'T') || in.accept(u' ')) && in.isGood;
     const double seconds = clock(in, 2);
+    in.accept(u'Z'); // SAS has no zones
     in.isGood = in.isGood && seconds < kSecondsPerDay;
     return seconds;
 }

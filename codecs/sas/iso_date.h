@@ -17,9 +17,9 @@ enum class DateUnit : quint8 {
     Time     ///< seconds since midnight, or of a duration
 };
 
-/// The number for `text`: yyyy-MM-dd, with "T" or a space and hh:mm, seconds and a fraction after
-/// it, or for DateUnit::Time only a time, which may be negative or longer than a day. Nothing for
-/// other texts, and for a time of day in a variable of days. Threads: any.
+/// The number for `text`: yyyy-MM-dd, with "T" or a space and hh:mm, seconds, a fraction and Z
+/// after it, or for DateUnit::Time only a time, which may be negative or longer than a day. Nothing
+/// for other texts, and for a time of day in a variable of days. Threads: any.
 std::optional<double> dateValue(std::u16string_view text, DateUnit unit);
 
 } // namespace corvanta::sas

@@ -1,6 +1,8 @@
 // The packed form of a row: see table_writer.h.
 #include "codecs/sas/row_packer.h"
 
+#include <QStringView>
+
 #include <algorithm>
 #include <cmath>
 
@@ -69,6 +71,19 @@ void RowPacker::addDate(size_t column, const uchar *cell, qint64 row)
     addNumber(value.value_or(cell::missingDouble()));
 }
 
+/// SAS has no booleans: its own functions return 1 and 0.
+void RowPacker::addBoolean(size_t column, const uchar *cell, qint64 row)
+{
+    const cell::Text text = cell::readText(cell);
+    const QStringView word(text.data(), text.size());
+    const bool isTrue = word.compare(u"true", Qt::CaseInsensitive) == 0;
+    const bool isBoolean = isTrue || word.compare(u"false", Qt::CaseInsensitive) == 0;
+    if (!isBoolean && !word.isEmpty()) {
+        m_reports[column].notBooleans.add(row);
+    }
+    addNumber(isBoolean ? double(isTrue) : cell::missingDouble());
+}
+
 void RowPacker::add(const uchar *const *cells, qint64 row)
 {
     m_cut.clear();
@@ -84,8 +99,10 @@ void RowPacker::add(const uchar *const *cells, qint64 row)
             addDouble(i, loadNative<double>(cell), row);
             break;
         case cell::Type::Text:
-            if (m_columns[i].date == DateUnit::None) {
+            if (m_columns[i].isText()) {
                 addText(i, cell, row);
+            } else if (m_columns[i].isBoolean) {
+                addBoolean(i, cell, row);
             } else {
                 addDate(i, cell, row);
             }

@@ -22,6 +22,10 @@ struct PackedColumn
     cell::Type type = cell::Type::Text;
     int maxBytes = 0;               ///< texts: longer ones are cut, between characters
     DateUnit date = DateUnit::None; ///< texts: stored as dates, which are numbers
+    bool isBoolean = false;         ///< texts: true and false are stored as 1 and 0
+
+    /// Whether its values are stored as texts.
+    bool isText() const { return type == cell::Type::Text && date == DateUnit::None && !isBoolean; }
 };
 
 /// Events of one kind in a column: their number and the first row.
@@ -45,6 +49,7 @@ struct ColumnReport
     RowCount replaced;     ///< characters that the encoding does not have
     RowCount notNumbers;   ///< NaN values, which are stored as missing
     RowCount notDates;     ///< texts of a column of dates, which are stored as missing
+    RowCount notBooleans;  ///< the same of a column of booleans
 };
 
 /// A text of the last row that was cut.
@@ -92,6 +97,7 @@ private:
     void grow(size_t bytes);
     void addNumber(double value);
     void addDate(size_t column, const uchar *cell, qint64 row);
+    void addBoolean(size_t column, const uchar *cell, qint64 row);
     void addText(size_t column, const uchar *cell, qint64 row);
 
     const TextEncoder &m_encoder;

@@ -27,6 +27,8 @@ struct DataSetParams : RowWriterParams
     bool autoWidth = false;
     WideText stringStorage = WideText::Truncate;
     std::vector<VariableDefinition> variables;
+    /// Text columns whose texts true and false become 1 and 0; others become missing.
+    QStringList toBoolean;
 };
 
 namespace shared {
@@ -65,6 +67,10 @@ template <class P> ParamGroup<P> dataSetContent()
         columnsToWrite<P>("ColWrite"),
         stringColumns<P>(&P::stringColumns),
         variableDefinitions<P>(&P::variables),
+        strings<P>(kToBoolean, &P::toBoolean)
+            .label("Boolean columns")
+            .meaning("Text columns that become numbers: true is 1 and false is 0, in any letter "
+                     "case. Other texts become missing, with a warning."),
     };
 }
 
