@@ -38,7 +38,8 @@ inline void checkTableText(Feed feed)
         text.clear();
     }
     text.end();
-    all += text.text() + "</w:tbls>";
+    all += text.text();
+    all += "</w:tbls>";
     require(all.count("<w:tc>") == qsizetype(table.rowCount()) * columns.columns);
     require(all.count("</w:tc>") == all.count("<w:tc>"));
     require(bool(opc::Outline::readRootedIn(all, "tbls")));
