@@ -109,9 +109,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     Feed feed(data, size);
     SheetSetup setup = setupOf(feed);
     const int dateFormat = feed.below(13);
-    const bool hasDays = feed.below(2) == 1;
+    const int more = feed.below(8);
     const FuzzTable table(feed);
-    xlsx::NewWorkbook workbook(QStringLiteral("A&\"'"), dateFormat, hasDays);
+    xlsx::NewWorkbook workbook(QStringLiteral("A&\"'"), dateFormat,
+                               {(more & 1) != 0, (more & 2) != 0, (more & 4) != 0});
     MemoryPackage package;
     require(writeWorkbook(workbook, table, setup, package));
     MemorySource source(package.sink.bytes());

@@ -85,7 +85,7 @@ std::optional<QByteArray> updated(zip::PackageReader &reader, Feed options)
         return std::nullopt;
     }
     const int flags = options.byte();
-    (*workbook)->addCellFormats(flags % 16);
+    (*workbook)->addCellFormats(flags % 16, {false, (flags & 16) != 0, (flags & 32) != 0});
     Feed feed(kTable, sizeof kTable);
     MemoryPackage package;
     return writeWorkbook(**workbook, FuzzTable(feed), setupOf(flags), package)

@@ -3,6 +3,7 @@
 #include "actions/workbook/cell_values.h"
 
 #include "base/number_cell.h"
+#include "base/time/iso_time.h"
 
 #include <cmath>
 
@@ -26,9 +27,12 @@ quint8 contentOfDate(NumberForm form, double serial, bool uses1904)
     // The date system of 1900 has a 29 February 1900, which the calendar does not have.
     constexpr double kFictitiousDay = 60;
     const double day = std::floor(serial);
+    if (form == NumberForm::Time && day == 0) {
+        return kHasTimes;
+    }
     const bool isDate = form == NumberForm::Date || form == NumberForm::DateTime;
     if (!isDate || (!uses1904 && (day < 1 || day == kFictitiousDay))) {
-        return kHasTimes;
+        return kHasOddTimes;
     }
     return form == NumberForm::DateTime || day != serial ? kHasDateTimes : kHasDates;
 }
@@ -44,10 +48,9 @@ int putBoolean(bool value, char16_t *out)
 quint8 contentOfIsoText(std::u16string_view text)
 {
     constexpr size_t kDateUnits = 10; // 2024-02-29
-    if (text.size() < kDateUnits || text[4] != u'-') {
-        return kHasTimes;
-    }
-    return text.size() == kDateUnits ? kHasDates : kHasDateTimes;
+    const bool isDate = text.size() >= kDateUnits && text[4] == u'-';
+    const auto time = parseIsoTime(text) ? kHasTimes : kHasOddTimes;
+    return !isDate ? time : text.size() == kDateUnits ? kHasDates : kHasDateTimes;
 }
 
 } // namespace

@@ -17,12 +17,13 @@ enum ColumnContent : quint8 {
     kHasTexts = 4,      ///< texts other than those of the bits below
     kHasDates = 8,      ///< dates that are read as texts
     kHasDateTimes = 16, ///< dates with times that are read as texts
-    kHasTimes = 32,     ///< times, durations, and dates that only worksheets have
+    kHasTimes = 32,     ///< times of day that are read as texts
     kHasBooleans = 64,  ///< read as texts
+    kHasOddTimes = 128, ///< durations, and dates that only worksheets have; read as texts
 };
 /// The bits of what is read as text.
 inline constexpr quint8 kAllTexts =
-    kHasTexts | kHasDates | kHasDateTimes | kHasTimes | kHasBooleans;
+    kHasTexts | kHasDates | kHasDateTimes | kHasTimes | kHasBooleans | kHasOddTimes;
 /// The bits of dates, with and without times.
 inline constexpr quint8 kAllDates = kHasDates | kHasDateTimes;
 

@@ -10,7 +10,7 @@ namespace corvanta {
 /// The bits in the order of ColumnContent.
 size_t ColumnKinds::kindOf(quint8 content)
 {
-    constexpr std::array<quint8, 7> kKinds{0, 0, kTexts, 1, 1, 1, 2};
+    constexpr std::array<quint8, 8> kKinds{0, 0, kTexts, 1, 1, 1, 2, 1};
     return kKinds[static_cast<size_t>(std::countr_zero(content))];
 }
 

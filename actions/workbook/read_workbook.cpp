@@ -448,31 +448,56 @@ std::unique_ptr<InputFile> ReadWorkbook::openFirst() const
     return file->isOpen() && file->size() >= 0 ? std::move(file) : nullptr;
 }
 
+namespace {
+
+/// The kind of a column with these bits of ColumnContent.
+ValueKind kindOf(quint8 content)
+{
+    switch (content) {
+    case kHasKeys:
+        return ValueKind::Integer;
+    case kHasNumbers:
+    case kHasKeys | kHasNumbers:
+        return ValueKind::Decimal;
+    case kHasDates:
+        return ValueKind::Date;
+    case kHasDateTimes:
+    case kHasDates | kHasDateTimes:
+        return ValueKind::DateTime;
+    case kHasTimes:
+        return ValueKind::Time;
+    case kHasBooleans:
+        return ValueKind::Boolean;
+    default:
+        return ValueKind::Text;
+    }
+}
+
+} // namespace
+
 /// Nothing is reported: the run reads the same file again.
 QVector<ColumnKind> ReadWorkbook::columnKinds(KindExtent /*extent*/)
 {
-    QVector<ColumnKind> dates;
+    QVector<ColumnKind> kinds;
     const ReadExcelParams params = expandedParams();
     const auto file = params.allText ? nullptr : openFirst();
     if (!file) {
-        return dates;
+        return kinds;
     }
     const auto reader = workbookFormat().makeReader(*file);
     if (!reader) {
-        return dates;
+        return kinds;
     }
     const auto tasks = TaskMaker(params, **reader).make();
     TableColumns columns;
     for (const SheetTask &task : tasks ? *tasks : std::vector<SheetTask>()) {
         columns.add(task, columnsOf(task), !params.unionByName);
     }
+    columns.decideTypes(params.allText);
     for (const TableColumns::Column &column : columns.columns()) {
-        if (column.content != 0 && (column.content & ~kAllDates) == 0) {
-            const bool hasTimes = (column.content & kHasDateTimes) != 0;
-            dates << ColumnKind{column.name, hasTimes ? ValueKind::DateTime : ValueKind::Date};
-        }
+        kinds << ColumnKind{column.name, kindOf(column.content), static_cast<char>(column.type)};
     }
-    return dates;
+    return kinds;
 }
 
 /// The sheets of the first file. Outside runs: nothing here fails one.

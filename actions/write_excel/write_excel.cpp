@@ -42,14 +42,15 @@ QString ActionWriteExcel::message(WriteProblem problem, const QString &name) con
 
 void ActionWriteExcel::setColumnKinds(const QVector<ColumnKind> &columns)
 {
-    const QStringList dateTimes = columnsOfKind(columns, ValueKind::DateTime);
-    m_params.toDate = columnsOfKind(columns, ValueKind::Date) + dateTimes;
+    m_params.toDate = columnsOfKind(columns, ValueKind::Date);
+    // A display that the user has chosen is for all dates.
+    const bool hasDisplay = m_params.dateFormatExcel != DateDisplay::Date;
+    (hasDisplay ? m_params.toDate : m_params.toDateTime) +=
+        columnsOfKind(columns, ValueKind::DateTime);
+    m_params.toTime = columnsOfKind(columns, ValueKind::Time);
+    m_params.toBoolean = columnsOfKind(columns, ValueKind::Boolean);
     // Years before 1900 exist in other files.
     m_params.keepOddDates = true;
-    // A display that the user has chosen stays.
-    if (!dateTimes.isEmpty() && m_params.dateFormatExcel == DateDisplay::Date) {
-        m_params.dateFormatExcel = DateDisplay::DateSeconds;
-    }
 }
 
 void ActionWriteExcel::start()
@@ -139,6 +140,12 @@ bool ActionWriteExcel::decideKind(const OneRow &row, sheet::Column *column)
     // The lists come first: a column of numbers can be a date too.
     if (m_params.toDate.contains(column->name)) {
         column->kind = sheet::Column::Kind::Date;
+    } else if (isText(row, *column, m_params.toDateTime)) {
+        column->kind = sheet::Column::Kind::DateTime;
+    } else if (isText(row, *column, m_params.toTime)) {
+        column->kind = sheet::Column::Kind::Time;
+    } else if (isText(row, *column, m_params.toBoolean)) {
+        column->kind = sheet::Column::Kind::Boolean;
     } else if (m_params.toFormula.contains(column->name)) {
         column->kind = sheet::Column::Kind::Formula;
         if (type != MetaInfo::Unknown) {
@@ -154,6 +161,12 @@ bool ActionWriteExcel::decideKind(const OneRow &row, sheet::Column *column)
     return true;
 }
 
+bool ActionWriteExcel::isText(const OneRow &row, const sheet::Column &column,
+                              const QStringList &list)
+{
+    return row.getMetaType(column.input).type() == MetaInfo::Unknown && list.contains(column.name);
+}
+
 sheet::SheetOptions ActionWriteExcel::sheetOptions() const
 {
     sheet::SheetOptions options;
@@ -164,6 +177,7 @@ sheet::SheetOptions ActionWriteExcel::sheetOptions() const
     options.urlTag = m_params.urlTag;
     options.crop = m_params.crop;
     options.keepOddDates = m_params.keepOddDates;
+    options.monthFix = m_params.excelHack;
     return options;
 }
 
@@ -175,11 +189,26 @@ bool ActionWriteExcel::showsTime() const
            m_params.dateFormatExcel == DateDisplay::SystemDateTime;
 }
 
-int ActionWriteExcel::dateDigits() const
+xlsx::MoreFormats ActionWriteExcel::formatsFor(const std::vector<sheet::Column> &columns) const
 {
+    xlsx::MoreFormats formats;
+    formats.days = readsIsoDates() && showsTime();
+    for (const sheet::Column &column : columns) {
+        formats.dateTimes |= column.kind == sheet::Column::Kind::DateTime;
+        formats.times |= column.kind == sheet::Column::Kind::Time;
+    }
+    return formats;
+}
+
+/// Programs show a date in a narrow column as "###".
+int ActionWriteExcel::dateDigits(sheet::Column::Kind kind) const
+{
+    using Kind = sheet::Column::Kind;
     constexpr int kDateDigits = 12;
     constexpr int kDateTimeDigits = 20;
-    return showsTime() ? kDateTimeDigits : kDateDigits;
+    const bool hasTime = kind == Kind::DateTime || (kind == Kind::Date && showsTime());
+    const bool isDate = hasTime || kind == Kind::Date || kind == Kind::Time;
+    return hasTime ? kDateTimeDigits : isDate ? kDateDigits : 0;
 }
 
 std::vector<double> ActionWriteExcel::columnWidths(const std::vector<sheet::Column> &columns)
@@ -188,9 +217,8 @@ std::vector<double> ActionWriteExcel::columnWidths(const std::vector<sheet::Colu
     reportExtraWidths(widths.size(), columns.size());
     widths.resize(columns.size());
     for (size_t i = 0; m_params.dateWidths && i < columns.size(); ++i) {
-        // Programs show a date in a narrow column as "###".
-        if (columns[i].kind == sheet::Column::Kind::Date && widths[i] == 0) {
-            widths[i] = dateDigits();
+        if (widths[i] == 0) {
+            widths[i] = dateDigits(columns[i].kind);
         }
     }
     return widths;
@@ -199,13 +227,15 @@ std::vector<double> ActionWriteExcel::columnWidths(const std::vector<sheet::Colu
 void ActionWriteExcel::setLook(const std::vector<sheet::Column> &columns)
 {
     QStringList names;
+    std::vector<int> dateWidths;
     for (const sheet::Column &column : columns) {
         names << column.name;
+        dateWidths.push_back(dateDigits(column.kind));
     }
     xlsx::SheetLook look = sheetLook(m_params, names);
     if (measuresWidths(m_params)) {
         m_run->meter.emplace(sheet::ColumnMeter::Setup{columns, m_floatFormat, m_params.urlTag,
-                                                       dateDigits(), look.formats});
+                                                       std::move(dateWidths), look.formats});
     } else {
         look.widths = columnWidths(columns);
     }
@@ -226,6 +256,7 @@ void ActionWriteExcel::makeSheetWriter(std::vector<sheet::Column> columns)
 
 bool ActionWriteExcel::openSheet(std::vector<sheet::Column> columns)
 {
+    m_run->formats = formatsFor(columns);
     if (!openWorkbook()) {
         return false;
     }

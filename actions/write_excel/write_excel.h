@@ -48,7 +48,9 @@ public:
     QVector<ParameterProblem> problems() const override;
     bool needsColumnKinds() const override
     {
-        return m_params.toDate.isEmpty() && m_params.isoDates && m_params.dateFormat.isEmpty();
+        return m_params.toDate.isEmpty() && m_params.toDateTime.isEmpty() &&
+               m_params.toTime.isEmpty() && m_params.toBoolean.isEmpty() && m_params.isoDates &&
+               m_params.dateFormat.isEmpty();
     }
     void setColumnKinds(const QVector<ColumnKind> &columns) override;
 
@@ -58,6 +60,8 @@ private:
     {
         Occurrences notDates;
         Occurrences earlyDates;
+        Occurrences longFractions;
+        Occurrences notFinite;
         Occurrences cutTexts;
         Occurrences oddTexts;
     };
@@ -74,6 +78,8 @@ private:
         int longCells = 0;
         // By column of the sheet.
         std::vector<ColumnLosses> losses;
+        // Of the columns.
+        xlsx::MoreFormats formats;
         // First sheet row written, from 1: the header, or the first row without one.
         qint64 firstRow = 1;
         // Of the first sheet, once its rows are written.
@@ -124,6 +130,11 @@ private:
     bool readsIsoDates() const { return m_params.isoDates && qtDateFormat().isEmpty(); }
     /// Determine how a column is written from the parameters and the type of its input.
     bool decideKind(const OneRow &row, sheet::Column *column);
+    /// Whether the list names the column, whose type must be text. A column of another type keeps
+    /// it.
+    static bool isText(const OneRow &row, const sheet::Column &column, const QStringList &list);
+    /// The formats of dates that the columns need.
+    xlsx::MoreFormats formatsFor(const std::vector<sheet::Column> &columns) const;
     /// Write everything of the workbook that precedes the rows. A new sheet whose widths depend on
     /// its first rows is begun by beginSheet().
     bool openSheet(std::vector<sheet::Column> columns);
@@ -238,7 +249,7 @@ private:
     /// Whether that format shows date and time.
     bool showsTime() const;
     /// The width of a date column, in digits.
-    int dateDigits() const;
+    int dateDigits(sheet::Column::Kind kind) const;
     /// Replace the destination by the finished package.
     bool commit();
     /// Swap without a finished package, for a run without rows.

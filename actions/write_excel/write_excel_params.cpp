@@ -128,17 +128,17 @@ ParamGroup<P> dateInput()
                 {DateInput::SystemShortDateTime, "system short date and time"},
                 {DateInput::SystemLongDateTime, "system long date and time"}})
             .otherwise("reads no dates")
-            .ignoredWhen(kToDate, {QString()})
+            .ignoredWhen(shared::kToDate, {QString()})
             .label("Format of the dates in the table")
             .meaning("How the texts of the ToDate columns are read."),
         text(kDateFormat, &P::dateFormat)
-            .ignoredWhen(kToDate, {QString()})
+            .ignoredWhen(shared::kToDate, {QString()})
             .onlyWhen("dateFormatType", {QStringLiteral("0")})
             .expanded()
             .label("Own date format")
             .meaning("Format of the dates, for example yyyy-MM-dd or dd/MM/yyyy hh:mm:ss."),
         flag("isoDates", &P::isoDates)
-            .ignoredWhen(kToDate, {QString()})
+            .ignoredWhen(shared::kToDate, {QString()})
             .onlyWhen("dateFormatType", {QStringLiteral("0")})
             .onlyWhen(kDateFormat, {QString()})
             .label("Without a format, read ISO 8601 dates")
@@ -199,7 +199,7 @@ Param<P> dateDisplay()
                    {DateDisplay::Minutes24, "h:mm"},
                    {DateDisplay::Seconds24, "h:mm:ss"}})
         .range(0, static_cast<int>(DateDisplay::Seconds24))
-        .ignoredWhen(kToDate, {QString()})
+        .ignoredWhen(shared::kToDate, {QString()})
         .label("Display of date cells")
         .meaning("Number format of the date cells in the sheet.");
 }
@@ -264,9 +264,21 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         shared::lockTimeOut<P>(),
         // Child elements come after all attributes.
         shared::columnsToWrite<P>("ToWrite").required(),
-        strings(kToDate, &P::toDate)
+        strings(shared::kToDate, &P::toDate)
             .label("Date columns")
             .meaning("Text columns that are written as dates."),
+        strings(shared::kToDateTime, &P::toDateTime)
+            .label("Columns of dates with times")
+            .meaning("Text columns of ISO 8601 dates, with or without times, that are written as "
+                     "dates. Other texts stay texts."),
+        strings(shared::kToTime, &P::toTime)
+            .label("Columns of times")
+            .meaning("Text columns of times of day, such as 04:30:05, that are written as times. "
+                     "Other texts stay texts."),
+        strings(shared::kToBoolean, &P::toBoolean)
+            .label("Boolean columns")
+            .meaning("Text columns whose texts true and false, in any letter case, are written as "
+                     "booleans. Other texts stay texts."),
         strings(kToFormula, &P::toFormula)
             .label("Formula columns")
             .meaning("Text columns that are written as formulas."),

@@ -40,7 +40,6 @@ enum class DateDisplay {
 // Names of parameters, for messages about them.
 inline constexpr char kNamedRange[] = "namedRange";
 inline constexpr char kDateFormat[] = "dateFormat";
-inline constexpr char kToDate[] = "ToDate";
 inline constexpr char kToFormula[] = "ToFormula";
 inline constexpr char kHeaderStyle[] = "headerStyle";
 inline constexpr char kColumnWidths[] = "columnWidths";
@@ -115,6 +114,10 @@ struct WriteExcelParams : RowWriterParams
     // Names of columns; names that the input lacks give a warning. A column in both lists is a
     // date.
     QStringList toDate;
+    // Columns of other types than text keep their type; texts without the form stay texts.
+    QStringList toDateTime; ///< ISO 8601, whatever dateFormat says
+    QStringList toTime;     ///< of day
+    QStringList toBoolean;
     QStringList toFormula; ///< must be text columns
 };
 

@@ -89,6 +89,12 @@ void ActionWriteExcel::takeCellProblem(sheet::CellProblem problem, int column,
     case sheet::CellProblem::EarlyDate:
         losses.earlyDates.add(place);
         break;
+    case sheet::CellProblem::LongFraction:
+        losses.longFractions.add(place);
+        break;
+    case sheet::CellProblem::NotFinite:
+        losses.notFinite.add(row);
+        break;
     }
 }
 
@@ -108,7 +114,10 @@ void ActionWriteExcel::warnLongCell()
 
 void ActionWriteExcel::reportMissingNames(const OneRow &columns)
 {
-    reportMissingNames(columns, kToDate, m_params.toDate);
+    reportMissingNames(columns, shared::kToDate, m_params.toDate);
+    reportMissingNames(columns, shared::kToDateTime, m_params.toDateTime);
+    reportMissingNames(columns, shared::kToTime, m_params.toTime);
+    reportMissingNames(columns, shared::kToBoolean, m_params.toBoolean);
     reportMissingNames(columns, kToFormula, m_params.toFormula);
     QStringList names;
     for (int i = 0; i < columns.numberOfColumns(); ++i) {
@@ -209,6 +218,12 @@ void ActionWriteExcel::reportCells()
         reportCells(losses.earlyDates, u"date"_s, name,
                     (losses.earlyDates.count() == 1 ? u"is"_s : u"are"_s) +
                         u" before the first day of the workbook, in 1900 or 1904"_s);
+        reportCells(losses.longFractions, u"time"_s, name,
+                    (losses.longFractions.count() == 1 ? u"is"_s : u"are"_s) +
+                        u" rounded to milliseconds"_s);
+        reportCells(losses.notFinite, u"number"_s, name,
+                    (losses.notFinite.count() == 1 ? u"is"_s : u"are"_s) +
+                        u" not finite (nan, inf or -inf) and left out"_s);
         reportCells(losses.cutTexts, u"text"_s, name,
                     (losses.cutTexts.count() == 1 ? u"is"_s : u"are"_s) +
                         u" cut to fewer than 32768 characters"_s);

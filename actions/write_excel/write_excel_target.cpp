@@ -131,8 +131,7 @@ bool ActionWriteExcel::openNewWorkbook()
     }
     reportSheetName(name, {});
     reportRangeName({});
-    m_run->workbook =
-        std::make_unique<xlsx::NewWorkbook>(name, dateFormat(), readsIsoDates() && showsTime());
+    m_run->workbook = std::make_unique<xlsx::NewWorkbook>(name, dateFormat(), m_run->formats);
     return true;
 }
 
@@ -305,7 +304,7 @@ bool ActionWriteExcel::chooseByName(xlsx::UpdatedWorkbook &workbook)
 void ActionWriteExcel::addCellFormats(xlsx::UpdatedWorkbook &workbook)
 {
     // Without the formats the cells are written all the same; they then show plain numbers.
-    switch (workbook.addCellFormats(dateFormat())) {
+    switch (workbook.addCellFormats(dateFormat(), m_run->formats)) {
     case xlsx::UpdatedWorkbook::CellFormats::Added:
         break;
     case xlsx::UpdatedWorkbook::CellFormats::NotAdded:

@@ -127,9 +127,8 @@ double ColumnMeter::textWidth(size_t column, std::u16string_view text) const
             return widthOfText(link->label);
         }
     }
-    const double least = m_setup.columns[column].kind == Column::Kind::Date
-                             ? std::max<double>(m_setup.dateDigits, m_formatWidths[column])
-                             : 0;
+    const int digits = m_setup.dateDigits[column];
+    const double least = digits > 0 ? std::max<double>(digits, m_formatWidths[column]) : 0;
     return std::max(least - kMargins, widthOfText(text));
 }
 

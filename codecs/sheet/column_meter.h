@@ -17,9 +17,9 @@ public:
     {
         std::vector<Column> columns;
         FloatFormat floatFormat;
-        bool urlTag = false; ///< the labels of hyperlinks count, not their addresses
-        int dateDigits = 0;  ///< date cells are at least so wide
-        QStringList formats; ///< number formats by column, as in xlsx::SheetLook
+        bool urlTag = false;         ///< the labels of hyperlinks count, not their addresses
+        std::vector<int> dateDigits; ///< by column: cells of dates are at least so wide; else 0
+        QStringList formats;         ///< number formats by column, as in xlsx::SheetLook
     };
     explicit ColumnMeter(Setup setup);
 

@@ -5,6 +5,8 @@
 //   1970-01-01    25569      2,209,161,600,000 ms
 #include "codecs/sheet/date_parser.h"
 
+#include "base/time/iso_time.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -51,6 +53,19 @@ QTime isoTime(QStringView text)
         QStringLiteral("^[Tt ](\\d\\d:\\d\\d(?::\\d\\d(?:[.,]\\d+)?)?)"
                        "(?:[Zz]|[+-]\\d\\d(?::?\\d\\d)?)?$"));
     return QTime::fromString(kTime.match(text.toString()).captured(1), Qt::ISODateWithMs);
+}
+
+/// Milliseconds since 1970-01-01 of the usual forms, rounded within the day.
+std::optional<qint64> usualIsoMs(std::u16string_view text)
+{
+    constexpr qint64 kMsPerDay = 86'400'000;
+    constexpr qint64 kNanoseconds = 1'000'000;
+    const auto moment = parseIsoDateTime(text);
+    if (!moment) {
+        return std::nullopt;
+    }
+    const qint64 ms = (moment->nanoseconds + kNanoseconds / 2) / kNanoseconds;
+    return moment->day * kMsPerDay + std::min(ms, kMsPerDay - 1);
 }
 
 /// Milliseconds since 1970-01-01 of a date, or a date and time, in the form of ISO 8601.
@@ -206,7 +221,9 @@ std::optional<qint64> DateParser::parsedMs(const QString &text) const
 /// The fast way first; Qt also reads texts that are shorter or longer than the format.
 std::optional<qint64> DateParser::msSince1970(std::u16string_view text)
 {
-    const std::optional<qint64> ms = m_tokens.empty() ? std::nullopt : fixedWidthMs(text);
+    const std::optional<qint64> ms = m_isIso            ? usualIsoMs(text)
+                                     : m_tokens.empty() ? std::nullopt
+                                                        : fixedWidthMs(text);
     return ms ? ms : slowMs(text);
 }
 

@@ -6,12 +6,14 @@
 //     <c r="C7" t="inlineStr"><is><t>escaped text</t></is></c>     text
 //     <c r="D7" s="2" t="inlineStr"><is><t>label</t></is></c>      hyperlink
 //     <c r="E7"><f>A7+1</f></c>                                    formula without its value
+//     <c r="F7" t="b"><v>1</v></c>                                 boolean: 1 is true
 //   </row>
 //
 // A cell without content is left out.
 #include "codecs/sheet/sheet_writer.h"
 
 #include "base/number_cell.h"
+#include "base/time/iso_time.h"
 
 #include <cmath>
 #include <cstring>
@@ -30,6 +32,8 @@ const Markup kTextOpening("\" t=\"inlineStr\"><is><t>");
 const Markup kTextClosing("</t></is></c>");
 const Markup kValueOpening("\"><v>");
 const Markup kValueClosing("</v></c>");
+const Markup kTrueCell("\" t=\"b\"><v>1</v></c>");
+const Markup kFalseCell("\" t=\"b\"><v>0</v></c>");
 const Markup kFormulaOpening("\"><f>");
 const Markup kFormulaClosing("</f></c>");
 
@@ -38,6 +42,15 @@ Markup withStyle(quint64 style, const Markup &opening)
 {
     return Markup("\" s=\"" + QByteArray::number(style) +
                   QByteArrayView(opening.text, opening.size).toByteArray());
+}
+
+/// Whether the time in an ISO date has digits that a number of milliseconds cannot hold.
+bool hasLongFraction(std::u16string_view text)
+{
+    constexpr size_t kMillisecondDigits = 3;
+    const size_t point = text.find(u'.');
+    return point != std::u16string_view::npos &&
+           text.find_first_of(u"123456789", point + 1 + kMillisecondDigits) != text.npos;
 }
 
 } // namespace
@@ -49,10 +62,15 @@ SheetWriter::SheetWriter(zip::PackageWriter &package, SheetOptions options,
     , m_columns(std::move(columns))
     , m_newStyles(m_options.columnStyles)
     , m_dates(dates)
+    , m_isoDates(DateParser::iso(m_options.monthFix))
     , m_report(std::move(report))
     , m_rowStart("\" spans=\"1:" + QByteArray::number(static_cast<int>(m_columns.size())) + "\">")
     , m_dateOpening(withStyle(m_options.dateStyle, kValueOpening))
     , m_dayOpening(withStyle(m_options.dayStyle.value_or(m_options.dateStyle), kValueOpening))
+    , m_dateTimeOpening(withStyle(m_options.dateTimeStyle, kValueOpening))
+    , m_dateTimeDayOpening(
+          withStyle(m_options.dateTimeDayStyle.value_or(m_options.dateTimeStyle), kValueOpening))
+    , m_timeOpening(withStyle(m_options.timeStyle, kValueOpening))
     , m_linkOpening(withStyle(m_options.linkStyle, kTextOpening))
 {
     for (int i = 0; i < columnCount(); ++i) {
@@ -219,6 +237,12 @@ inline bool SheetWriter::putCell(int column, const RowView &row)
         return type == cell::Type::Text ? putDate(column, cell::readText(cell).view())
                                         : putNumberAsDate(column, type, cell);
     }
+    case Column::Kind::DateTime:
+        return putDateTime(column, cell::readText(cell).view());
+    case Column::Kind::Time:
+        return putTime(column, cell::readText(cell).view());
+    case Column::Kind::Boolean:
+        return putBoolean(column, cell::readText(cell).view());
     case Column::Kind::Formula:
     case Column::Kind::Text:
         break;
@@ -247,7 +271,11 @@ bool SheetWriter::putFloat(int column, const uchar *cell)
     // The missing value is a NaN too, so noNans does not decide about it.
     const auto value = loadNative<double>(cell);
     const bool isFinite = std::isfinite(value);
-    if (cell::isMissingDouble(value) || (!isFinite && m_options.noNans)) {
+    if (cell::isMissingDouble(value)) {
+        return true;
+    }
+    if (!isFinite && m_options.noNans) {
+        m_report(CellProblem::NotFinite, column, {});
         return true;
     }
     if (!room(kCellBytes)) {
@@ -281,10 +309,11 @@ inline bool SheetWriter::putFinite(double value)
     return true;
 }
 
+/// Units of a date without a time: 2024-02-29.
+constexpr size_t kDayUnits = 10;
+
 bool SheetWriter::putDate(int column, std::u16string_view text)
 {
-    constexpr int kSerialDigits = 16;
-    constexpr size_t kDayUnits = 10; // 2024-02-29
     if (text.empty()) {
         return true;
     }
@@ -296,15 +325,69 @@ bool SheetWriter::putDate(int column, std::u16string_view text)
         m_report(serial ? CellProblem::EarlyDate : CellProblem::NotADate, column, text);
         return true;
     }
+    // Without a dayStyle both are the same.
+    return putSerial(column, *serial - m_options.firstDay,
+                     text.size() > kDayUnits ? m_dateOpening : m_dayOpening);
+}
+
+/// Never left out: a text that is not a date, or too early for a sheet, is written as it is.
+bool SheetWriter::putDateTime(int column, std::u16string_view text)
+{
+    const auto serial = text.empty() ? std::nullopt : m_isoDates.serial(text);
+    if (!serial || *serial < std::max<double>(kFirstSerial, m_options.firstDay)) {
+        return putText(column, Column::Kind::Text, text);
+    }
+    if (hasLongFraction(text)) {
+        m_report(CellProblem::LongFraction, column, text);
+    }
+    return putSerial(column, *serial - m_options.firstDay,
+                     text.size() > kDayUnits ? m_dateTimeOpening : m_dateTimeDayOpening);
+}
+
+/// A time of day is the fraction of a day, without a date.
+bool SheetWriter::putTime(int column, std::u16string_view text)
+{
+    constexpr qint64 kNanosecondsPerMs = 1'000'000;
+    constexpr qint64 kMsPerDay = 86'400'000;
+    const auto time = parseIsoTime(text);
+    if (!time) {
+        return putText(column, Column::Kind::Text, text);
+    }
+    if (hasLongFraction(text)) {
+        m_report(CellProblem::LongFraction, column, text);
+    }
+    const qint64 ms = (*time + kNanosecondsPerMs / 2) / kNanosecondsPerMs;
+    return putSerial(column, static_cast<double>(std::min(ms, kMsPerDay - 1)) / kMsPerDay,
+                     m_timeOpening);
+}
+
+/// The text of a serial: enough digits for milliseconds.
+bool SheetWriter::putSerial(int column, double serial, const Markup &opening)
+{
+    constexpr int kSerialDigits = 16;
     if (!room(kCellBytes)) {
         return false;
     }
     appendReference(column);
-    // Without a dayStyle both are the same.
-    const Markup &opening = text.size() > kDayUnits ? m_dateOpening : m_dayOpening;
     append(openingFor(column, opening, kValueOpening));
-    m_out += putGeneral(*serial - m_options.firstDay, kSerialDigits, m_out);
+    m_out += putGeneral(serial, kSerialDigits, m_out);
     append(kValueClosing);
+    return true;
+}
+
+/// The program shows the word in its own language.
+bool SheetWriter::putBoolean(int column, std::u16string_view text)
+{
+    const QStringView word(text.data(), static_cast<qsizetype>(text.size()));
+    const bool isTrue = word.compare(u"true", Qt::CaseInsensitive) == 0;
+    if (!isTrue && word.compare(u"false", Qt::CaseInsensitive) != 0) {
+        return putText(column, Column::Kind::Text, text);
+    }
+    if (!room(kCellBytes)) {
+        return false;
+    }
+    appendReference(column);
+    append(isTrue ? kTrueCell : kFalseCell);
     return true;
 }
 

@@ -33,28 +33,34 @@ inline constexpr size_t kMaxColumns = 16384;
 /// How cells are written. The same for all rows of a sheet.
 struct SheetOptions
 {
-    FloatFormat floatFormat;            ///< of finite numbers; its text should be a number
-    bool noNans = true;                 ///< NaN and infinite numbers give no cell, else a text
-    bool equalIsFormula = false;        ///< texts that start with "=" are formulas
-    bool urlTag = false;                ///< texts of the form of parseLink() are hyperlinks
-    bool crop = false;                  ///< cut texts below kCellCharLimit
-    bool keepOddDates = false;          ///< in date columns, texts that cannot be dates stay texts
-    quint64 dateStyle = 1;              ///< cell format of dates: the s attribute
-    std::optional<quint64> dayStyle;    ///< of ISO dates without a time, if not dateStyle
-    quint64 linkStyle = 2;              ///< cell format of hyperlinks
-    int firstDay = 0;                   ///< serial that the workbook counts as day 0
-    std::optional<quint64> headerStyle; ///< cell format of the header, if it has one
+    FloatFormat floatFormat;         ///< of finite numbers; its text should be a number
+    bool noNans = true;              ///< NaN and infinite numbers give no cell, else a text
+    bool equalIsFormula = false;     ///< texts that start with "=" are formulas
+    bool urlTag = false;             ///< texts of the form of parseLink() are hyperlinks
+    bool crop = false;               ///< cut texts below kCellCharLimit
+    bool keepOddDates = false;       ///< in date columns, texts that cannot be dates stay texts
+    quint64 dateStyle = 1;           ///< cell format of dates: the s attribute
+    std::optional<quint64> dayStyle; ///< of ISO dates without a time, if not dateStyle
+    quint64 dateTimeStyle = 1;       ///< of columns of dates with times
+    std::optional<quint64> dateTimeDayStyle; ///< of the dates without a time in them
+    quint64 timeStyle = 1;                   ///< of times of day
+    bool monthFix = false;                   ///< of dates with times, as for DateParser
+    quint64 linkStyle = 2;                   ///< cell format of hyperlinks
+    int firstDay = 0;                        ///< serial that the workbook counts as day 0
+    std::optional<quint64> headerStyle;      ///< cell format of the header, if it has one
     /// Cell formats of rows by column, as for SheetWriter::setStyles().
     std::vector<std::optional<quint64>> columnStyles;
 };
 
 /// What becomes of the text of a cell that cannot be written as it is.
 enum class CellProblem : quint8 {
-    LongText,  ///< written whole, though longer than kCellCharLimit; reported for each piece
-    CutText,   ///< cut to kCellCharLimit
-    OddText,   ///< has characters that a sheet cannot hold; see escapeText()
-    NotADate,  ///< does not have the date format; the cell is left out
-    EarlyDate, ///< before the first day of the workbook; the cell is left out
+    LongText,     ///< written whole, though longer than kCellCharLimit; reported for each piece
+    CutText,      ///< cut to kCellCharLimit
+    OddText,      ///< has characters that a sheet cannot hold; see escapeText()
+    NotADate,     ///< does not have the date format; the cell is left out
+    EarlyDate,    ///< before the first day of the workbook; the cell is left out
+    LongFraction, ///< digits of a second after the third, which are rounded
+    NotFinite,    ///< a NaN or an infinite number; the cell is left out
 };
 /// `column` is the position in the sheet, from 0; `text` is valid during the call.
 using CellReport = std::function<void(CellProblem problem, int column, std::u16string_view text)>;
@@ -62,10 +68,13 @@ using CellReport = std::function<void(CellProblem problem, int column, std::u16s
 /// A column to write. The columns of the sheet are in the order of the list, from A.
 struct Column
 {
-    enum class Kind { Date, Formula, Key, Float, Text };
-    int input = 0;          ///< index in the input row, from 0
-    Kind kind = Kind::Text; ///< Key and Float need an input of that type, Formula and Text a text
-    QString name;           ///< for the header
+    /// Key and Float need an input of that type, the others but Date a text. Texts of DateTime (ISO
+    /// dates, with or without a time), Time (such as 04:30:05) and Boolean (true and false in any
+    /// letter case) that do not have the form stay texts.
+    enum class Kind { Date, DateTime, Time, Boolean, Formula, Key, Float, Text };
+    int input = 0; ///< index in the input row, from 0
+    Kind kind = Kind::Text;
+    QString name; ///< for the header
 };
 
 /// One cell with a hyperlink. The caller writes the hyperlink elements after the rows, and the
@@ -179,6 +188,10 @@ private:
     bool putFloat(int column, const uchar *cell);
     bool putFinite(double value);
     bool putDate(int column, std::u16string_view text);
+    bool putDateTime(int column, std::u16string_view text);
+    bool putTime(int column, std::u16string_view text);
+    bool putSerial(int column, double serial, const Markup &opening);
+    bool putBoolean(int column, std::u16string_view text);
     bool putNumberAsDate(int column, cell::Type type, const uchar *cell);
     bool putText(int column, Column::Kind kind, std::u16string_view text);
     /// The cell has the label as its text; the address is written after the rows, by the caller.
@@ -197,10 +210,14 @@ private:
     std::vector<char> m_hasStyle;                    // by column: m_references has a format
     std::vector<std::optional<quint64>> m_newStyles; // until the next row
     DateParser *m_dates;
+    DateParser m_isoDates; // of columns of dates with times
     CellReport m_report;
     Markup m_rowStart; // " spans="1:N">
     Markup m_dateOpening;
     Markup m_dayOpening;
+    Markup m_dateTimeOpening;
+    Markup m_dateTimeDayOpening;
+    Markup m_timeOpening;
     Markup m_linkOpening;
     char m_rowDigits[kNumberChars] = {};
     int m_rowDigitCount = 0;

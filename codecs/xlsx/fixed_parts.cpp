@@ -4,8 +4,8 @@
 //                                           like the next two
 //   _rels/.rels                             rId1 -> xl/workbook.xml
 //   xl/_rels/workbook.xml.rels              rId1 -> the sheet, rId2 -> the styles
-//   xl/styles.xml                           cell formats: 0 general, 1 dates, 2 hyperlinks;
-//                                           then those of SheetLook
+//   xl/styles.xml                           cell formats: 0 general, 1 dates, 2 hyperlinks, then
+//                                           those of MoreFormats and SheetLook that are used
 //   xl/worksheets/sheet1.xml                sheetViews, cols, sheetData, autoFilter,
 //                                           hyperlinks, pageMargins
 //   xl/workbook.xml                         fileVersion, bookViews, sheets, definedNames
@@ -83,9 +83,6 @@ constexpr char kStylesCells[] =
 constexpr char kStylesLink[] =
     "\" fontId=\"0\" fillId=\"0\" borderId=\"0\" xfId=\"0\" applyNumberFormat=\"1\"/>"
     "<xf numFmtId=\"0\" fontId=\"1\" fillId=\"0\" borderId=\"0\" xfId=\"0\"/>";
-// Only where ISO dates are shown with a time: numFmt 164, without one.
-constexpr char kStylesDay[] = "<xf numFmtId=\"164\" fontId=\"0\" fillId=\"0\" borderId=\"0\" "
-                              "xfId=\"0\" applyNumberFormat=\"1\"/>";
 constexpr char kStylesTail[] =
     "</cellXfs>"
     "<cellStyles count=\"1\"><cellStyle name=\"Normal\" xfId=\"0\" builtinId=\"0\"/></cellStyles>"
@@ -99,13 +96,56 @@ QByteArray escapeXml(const QString &text)
     return text.toUtf8().replace("&", "&amp;").replace("<", "&lt;");
 }
 
+/// The ids of the number formats of `more`, in the order of setMoreStyles().
+std::vector<int> formatIdsOf(const MoreFormats &more)
+{
+    constexpr int kDay = kFirstOwnFormat;
+    constexpr int kDateTime = kFirstOwnFormat + 2;
+    constexpr int kTime = 21;
+    std::vector<int> ids;
+    if (more.days || more.dateTimes) {
+        ids.push_back(kDay);
+    }
+    if (more.dateTimes) {
+        ids.push_back(kDateTime);
+    }
+    if (more.times) {
+        ids.push_back(kTime);
+    }
+    return ids;
+}
+
 } // namespace
 
-QByteArray newStyles(int dateFormat, bool hasDays)
+QByteArray newStyles(int dateFormat, const MoreFormats &more)
 {
-    return QByteArray(kStylesHead) + (hasDays ? '4' : '3') + kStylesCells +
-           QByteArray::number(numberFormatId(dateFormat, kFirstOwnFormat)) + kStylesLink +
-           (hasDays ? kStylesDay : "") + kStylesTail;
+    QByteArray formats;
+    const std::vector<int> ids = formatIdsOf(more);
+    for (const int id : ids) {
+        formats += "<xf numFmtId=\"" + QByteArray::number(id) +
+                   "\" fontId=\"0\" fillId=\"0\" borderId=\"0\" xfId=\"0\" "
+                   "applyNumberFormat=\"1\"/>";
+    }
+    return QByteArray(kStylesHead) + QByteArray::number(kFirstMoreStyle + ids.size()) +
+           kStylesCells + QByteArray::number(numberFormatId(dateFormat, kFirstOwnFormat)) +
+           kStylesLink + formats + kStylesTail;
+}
+
+void setMoreStyles(const MoreFormats &more, sheet::SheetOptions *options)
+{
+    quint64 next = kFirstMoreStyle;
+    const quint64 day = next;
+    next += more.days || more.dateTimes ? 1 : 0;
+    if (more.days) {
+        options->dayStyle = day;
+    }
+    if (more.dateTimes) {
+        options->dateTimeDayStyle = day;
+        options->dateTimeStyle = next++;
+    }
+    if (more.times) {
+        options->timeStyle = next;
+    }
 }
 
 namespace {

@@ -1,6 +1,7 @@
 // The parts of a new workbook: fixed texts, and the texts that depend on the rows.
 // All texts are UTF-8; fixed_parts.cpp lists the members. Threads: pure functions.
 #pragma once
+#include "codecs/sheet/sheet_writer.h"
 #include "codecs/xlsx/namespaces.h"
 #include "codecs/xlsx/sheet_look.h"
 #include "codecs/xlsx/workbook_part.h"
@@ -11,9 +12,18 @@
 
 #include <array>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace corvanta::xlsx {
+
+/// Formats of date cells that a workbook has in addition to its own choice.
+struct MoreFormats
+{
+    bool days = false;      ///< yyyy/mm/dd, of ISO dates without a time
+    bool dateTimes = false; ///< yyyy/mm/dd h:mm:ss, and that of days for dates without a time
+    bool times = false;     ///< h:mm:ss
+};
 
 /// A package member whose content does not depend on the rows.
 struct FixedMember
@@ -25,11 +35,13 @@ struct FixedMember
 /// The members that say what the package contains, in writing order: the content types first, then
 /// relationships. They name the workbook, its styles and `sheets` sheets.
 std::array<FixedMember, 3> packageMembers(int sheets);
-/// The styles part. Its cell format 1 is that of dates, 2 that of hyperlinks and, with `hasDays`,
-/// kDayStyle that of dates without a time. `dateFormat` as for numberFormatId().
-QByteArray newStyles(int dateFormat, bool hasDays);
+/// The styles part. Its cell format 1 is that of dates, 2 that of hyperlinks; those of `more`
+/// follow; setMoreStyles() says which are which. `dateFormat` as for numberFormatId().
+QByteArray newStyles(int dateFormat, const MoreFormats &more);
 
-inline constexpr quint64 kDayStyle = 3;
+inline constexpr quint64 kFirstMoreStyle = 3;
+/// Set the cell formats that newStyles() gives to `more`.
+void setMoreStyles(const MoreFormats &more, sheet::SheetOptions *options);
 
 inline constexpr char kStylesPart[] = "xl/styles.xml";
 /// The part of sheet `number`, from 1.

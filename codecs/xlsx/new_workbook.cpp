@@ -7,12 +7,9 @@ namespace corvanta::xlsx {
 
 using opc::Error;
 
-/// Updates have only one format for dates: each further one would let the styles of a book grow.
 void NewWorkbook::setCellFormats(sheet::SheetOptions *options) const
 {
-    if (m_hasDays) {
-        options->dayStyle = kDayStyle;
-    }
+    setMoreStyles(m_more, options);
     setLookStyles(options);
 }
 
@@ -34,7 +31,7 @@ Result<void, Error> NewWorkbook::begin(opc::MemberWriter &output)
     // How many sheets there will be is known only at the end.
     auto done = m_look.mayContinue ? Result<void, Error>() : writePackageMembers();
     if (done) {
-        QByteArray styles = newStyles(m_dateFormat, m_hasDays);
+        QByteArray styles = newStyles(m_dateFormat, m_more);
         addLookTo(&styles); // these styles can be read
         done = output.write(kStylesPart, styles);
     }

@@ -12,12 +12,11 @@ namespace corvanta::xlsx {
 class NewWorkbook final : public WorkbookTarget
 {
 public:
-    /// `dateFormat` as for numberFormatId(). `hasDays`: ISO dates without a time are shown without
-    /// one, whatever the format. The name of the sheet is not shortened or checked; see
+    /// `dateFormat` as for numberFormatId(). The name of the sheet is not shortened or checked; see
     /// newWorkbook() and shortSheetName().
-    NewWorkbook(const QString &sheetName, int dateFormat, bool hasDays)
+    NewWorkbook(const QString &sheetName, int dateFormat, const MoreFormats &more)
         : m_dateFormat(dateFormat)
-        , m_hasDays(hasDays)
+        , m_more(more)
     {
         m_sheetName = sheetName;
         m_sheetNames << sheetName;
@@ -42,7 +41,7 @@ private:
 
     QStringList m_sheetNames;
     int m_dateFormat;
-    bool m_hasDays;
+    MoreFormats m_more;
 };
 
 } // namespace corvanta::xlsx

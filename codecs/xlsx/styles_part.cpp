@@ -53,8 +53,15 @@ public:
     void putNumberFormats();
     quint64 addHyperlinkFont();
     StylesChange addCellFormats(quint64 dateFormatId, quint64 fontId);
+    quint64 addDateFormat(const DateFormat &format);
     LookStyles addLook(const SheetLook &look);
     QByteArray apply() { return m_splices.apply(); }
+    /// The id of the number format, which is added if the part needs it.
+    quint64 idOf(const DateFormat &format)
+    {
+        return format.code.isEmpty() ? static_cast<quint64>(format.builtinId)
+                                     : addNumberFormat(QString::fromLatin1(format.code));
+    }
 
 private:
     struct NumberFormat
@@ -77,6 +84,11 @@ private:
                   std::initializer_list<QByteArrayView> earlier);
     QByteArray boldFont() const;
     EntryTable readFills() const;
+    EntryTable readCellFormats() const;
+    void putCellFormats(const EntryTable &cells)
+    {
+        putTable("cellXfs", cells, {"numFmts", "fonts", "fills", "borders", "cellStyleXfs"});
+    }
     quint64 addHeaderFont(const SheetLook &look);
     quint64 addHeaderFill(const SheetLook &look);
 
@@ -253,7 +265,7 @@ StylesChange StylesEditor::addCellFormats(quint64 dateFormatId, quint64 fontId)
     return {m_splices.apply(), count - 2, count - 1, !table};
 }
 
-// ---- The look of a sheet.
+// ---- Formats of dates, and the look of a sheet.
 
 StylesEditor::EntryTable StylesEditor::readTable(QByteArrayView name, QByteArrayView entry) const
 {
@@ -346,6 +358,25 @@ quint64 StylesEditor::addHeaderFill(const SheetLook &look)
     return index;
 }
 
+StylesEditor::EntryTable StylesEditor::readCellFormats() const
+{
+    EntryTable cells = readTable("cellXfs", "xf");
+    if (cells.entries.isEmpty()) {
+        cells.entries << cellFormat(0, 0, "/>"); // of cells without a format
+    }
+    return cells;
+}
+
+quint64 StylesEditor::addDateFormat(const DateFormat &format)
+{
+    const quint64 id = idOf(format);
+    putNumberFormats();
+    EntryTable cells = readCellFormats();
+    const quint64 index = indexIn(&cells, cellFormat(id, 0, kAppliesNumberFormat));
+    putCellFormats(cells);
+    return index;
+}
+
 /// Tables that are missing are inserted in the order of the calls, which is that of the schema.
 LookStyles StylesEditor::addLook(const SheetLook &look)
 {
@@ -356,10 +387,7 @@ LookStyles StylesEditor::addLook(const SheetLook &look)
     putNumberFormats();
     const QByteArray font = QByteArray::number(addHeaderFont(look));
     const QByteArray fill = QByteArray::number(addHeaderFill(look));
-    EntryTable cells = readTable("cellXfs", "xf");
-    if (cells.entries.isEmpty()) {
-        cells.entries << cellFormat(0, 0, "/>"); // of cells without a format
-    }
+    EntryTable cells = readCellFormats();
     LookStyles styles;
     if (look.hasBoldHeader || look.hasFilledHeader) {
         styles.header = indexIn(&cells, element("xf", " numFmtId=\"0\" fontId=\"" + font +
@@ -373,7 +401,7 @@ LookStyles StylesEditor::addLook(const SheetLook &look)
             styles.columns.back() = indexIn(&cells, cellFormat(format, 0, kAppliesNumberFormat));
         }
     }
-    putTable("cellXfs", cells, {"numFmts", "fonts", "fills", "borders", "cellStyleXfs"});
+    putCellFormats(cells);
     return styles;
 }
 
@@ -419,33 +447,43 @@ Result<T, Error> edited(QByteArrayView text, const std::function<T(StylesEditor 
     return edit(editor);
 }
 
+/// The same, and replace `text`; without effect after a fault.
+template <class T>
+Result<T, Error> replaced(QByteArray *text, const std::function<T(StylesEditor &)> &edit)
+{
+    QByteArray changed;
+    auto result = edited<T>(*text, [&](StylesEditor &editor) {
+        T added = edit(editor);
+        changed = editor.apply();
+        return added;
+    });
+    if (result) {
+        *text = changed;
+    }
+    return result;
+}
+
 } // namespace
 
 Result<StylesChange, Error> changedStyles(QByteArrayView text, const DateFormat &dateFormat)
 {
     return edited<StylesChange>(text, [&](StylesEditor &editor) {
-        const bool isBuiltin = dateFormat.code.isEmpty();
-        const quint64 dateFormatId =
-            isBuiltin ? static_cast<quint64>(dateFormat.builtinId)
-                      : editor.addNumberFormat(QString::fromLatin1(dateFormat.code));
+        const quint64 dateFormatId = editor.idOf(dateFormat);
         editor.putNumberFormats();
         const quint64 fontId = editor.addHyperlinkFont();
         return editor.addCellFormats(dateFormatId, fontId);
     });
 }
 
+Result<quint64, Error> addDateStyle(QByteArray *text, const DateFormat &format)
+{
+    return replaced<quint64>(text,
+                             [&](StylesEditor &editor) { return editor.addDateFormat(format); });
+}
+
 Result<LookStyles, Error> addLook(QByteArray *text, const SheetLook &look)
 {
-    QByteArray changed;
-    const auto styles = edited<LookStyles>(*text, [&](StylesEditor &editor) {
-        LookStyles added = editor.addLook(look);
-        changed = editor.apply();
-        return added;
-    });
-    if (styles) {
-        *text = changed;
-    }
-    return styles;
+    return replaced<LookStyles>(text, [&](StylesEditor &editor) { return editor.addLook(look); });
 }
 
 } // namespace corvanta::xlsx

@@ -38,6 +38,9 @@ struct StylesChange
 /// of them are used again if an earlier update added them. Existing formats keep their indexes.
 /// Errors: Encoding, Malformed, Unexpected (no styleSheet), TooLarge.
 Result<StylesChange, opc::Error> changedStyles(QByteArrayView text, const DateFormat &dateFormat);
+/// Add a cell format for `format` to the part `text`; used again like those of changedStyles().
+/// Returns the s attribute of its cells. Errors: as there.
+Result<quint64, opc::Error> addDateStyle(QByteArray *text, const DateFormat &format);
 
 /// Add the formats of a header and of columns to the part `text`. A font, fill, number format or
 /// cell format that the part has is used again. The font of a bold header is that of cells without

@@ -4,7 +4,8 @@
 //   [Content_Types].xml                     written first, or last if the rows may continue in
 //                                           further sheets; declares new sheets and a styles part
 //   all other members                       copied
-//   xl/styles.xml                           two more cell formats, and those of SheetLook
+//   xl/styles.xml                           two more cell formats, and those of MoreFormats
+//                                           and SheetLook
 //   xl/worksheets/sheetN.xml                new, or split at the first new row
 //   xl/workbook.xml                         new sheet, defined name, recalculation
 //   xl/_rels/workbook.xml.rels              new sheet or styles part; calculation chain removed
@@ -174,7 +175,8 @@ void UpdatedWorkbook::readTables()
     }
 }
 
-UpdatedWorkbook::CellFormats UpdatedWorkbook::addCellFormats(int dateFormat)
+UpdatedWorkbook::CellFormats UpdatedWorkbook::addCellFormats(int dateFormat,
+                                                             const MoreFormats &more)
 {
     const opc::Relationship *const relationship = m_relationships.find("styles");
     if (relationship == nullptr) {
@@ -182,41 +184,66 @@ UpdatedWorkbook::CellFormats UpdatedWorkbook::addCellFormats(int dateFormat)
         if (!m_copy.names().find(part)) {
             addRelationship("styles", part);
         }
-        return changeStyles(part, dateFormat);
+        return changeStyles(part, dateFormat, more);
     }
-    return changeStyles(opc::resolvedTarget(m_workbookPart, relationship->target), dateFormat);
+    return changeStyles(opc::resolvedTarget(m_workbookPart, relationship->target), dateFormat,
+                        more);
 }
 
-UpdatedWorkbook::CellFormats UpdatedWorkbook::changeStyles(const QByteArray &part, int dateFormat)
+UpdatedWorkbook::CellFormats UpdatedWorkbook::changeStyles(const QByteArray &part, int dateFormat,
+                                                           const MoreFormats &more)
 {
     if (!m_copy.names().find(part)) {
         // Cells of the formats 1 and 2 need a part that has them.
-        m_styles = newStyles(dateFormat, false);
+        m_styles = newStyles(dateFormat, {});
         m_stylesPart = part;
         m_copy.put(part, m_styles);
         m_types->declarePart(part, kContentTypeBase + QByteArray("styles+xml"));
         return CellFormats::NotAdded;
     }
     const auto text = m_copy.read(part);
-    const auto changed = text ? changedStyles(*text, dateFormatAt(dateFormat))
-                              : Result<StylesChange, Error>(text.fault());
+    auto changed = text ? changedStyles(*text, dateFormatAt(dateFormat))
+                        : Result<StylesChange, Error>(text.fault());
     if (!changed) {
         return CellFormats::NotAdded;
     }
+    m_dateStyle = changed->dateStyle;
+    m_linkStyle = changed->hyperlinkStyle;
+    addMoreFormats(more, &changed->text);
     if (m_rowStyles) {
         m_forms = readNumberForms(changed->text);
     }
     m_styles = changed->text;
     m_stylesPart = part;
     m_copy.put(part, m_styles);
-    m_dateStyle = changed->dateStyle;
-    m_linkStyle = changed->hyperlinkStyle;
     return changed->hadNoCellFormats ? CellFormats::AddedTable : CellFormats::Added;
+}
+
+/// A format that cannot be added leaves its cells with that of dates, which shows less.
+void UpdatedWorkbook::addMoreFormats(const MoreFormats &more, QByteArray *text)
+{
+    constexpr int kDay = 0;
+    constexpr int kDateTime = 2;
+    constexpr int kTime = 11;
+    const auto add = [text](int format, quint64 otherwise) {
+        const auto added = addDateStyle(text, dateFormatAt(format));
+        return added ? *added : otherwise;
+    };
+    if (more.dateTimes) {
+        m_dateTimeStyle = add(kDateTime, m_dateStyle);
+        m_dateTimeDayStyle = add(kDay, m_dateStyle);
+    }
+    if (more.times) {
+        m_timeStyle = add(kTime, m_dateStyle);
+    }
 }
 
 void UpdatedWorkbook::setCellFormats(sheet::SheetOptions *options) const
 {
     options->dateStyle = m_dateStyle;
+    options->dateTimeStyle = m_dateTimeStyle;
+    options->dateTimeDayStyle = m_dateTimeDayStyle;
+    options->timeStyle = m_timeStyle;
     options->linkStyle = m_linkStyle;
     options->firstDay = m_workbook.has1904Dates ? kSerialOf1904 : 0;
     setLookStyles(options);
@@ -272,6 +299,16 @@ Result<void, Error> UpdatedWorkbook::openSheet(sheet::SheetWriter &sheet)
     return done;
 }
 
+namespace {
+
+bool isDate(sheet::Column::Kind kind)
+{
+    return kind == sheet::Column::Kind::Date || kind == sheet::Column::Kind::DateTime ||
+           kind == sheet::Column::Kind::Time;
+}
+
+} // namespace
+
 std::vector<std::optional<quint64>>
 UpdatedWorkbook::stylesFor(const sheet::SheetWriter &sheet) const
 {
@@ -281,7 +318,7 @@ UpdatedWorkbook::stylesFor(const sheet::SheetWriter &sheet) const
         const quint64 style = styles[i].value_or(0);
         const bool showsDates =
             style < m_forms.size() && m_forms[style] != sheet::NumberForm::General;
-        if (sheet.columns()[i].kind == sheet::Column::Kind::Date && !showsDates) {
+        if (isDate(sheet.columns()[i].kind) && !showsDates) {
             styles[i].reset();
         }
     }

@@ -50,8 +50,8 @@ public:
     };
     /// Add the formats of date and hyperlink cells. Does not fail: with NotAdded the update
     /// continues, and cells have the formats 1 and 2 of the workbook, whatever these are.
-    /// `dateFormat` as for dateFormatAt().
-    CellFormats addCellFormats(int dateFormat);
+    /// `dateFormat` as for dateFormatAt(). The format of `more` for days is not added.
+    CellFormats addCellFormats(int dateFormat, const MoreFormats &more);
 
     // See WorkbookTarget.
     QStringList sheetNames() const override;
@@ -85,7 +85,8 @@ private:
     Result<Table, opc::Error> readTableOf(const opc::Relationship &one);
     /// Read the tables of the changed sheet, which new rows may cut or hide.
     void readTables();
-    CellFormats changeStyles(const QByteArray &part, int dateFormat);
+    CellFormats changeStyles(const QByteArray &part, int dateFormat, const MoreFormats &more);
+    void addMoreFormats(const MoreFormats &more, QByteArray *text);
     /// The formats for the columns of `sheet`; dates have only formats that show dates.
     std::vector<std::optional<quint64>> stylesFor(const sheet::SheetWriter &sheet) const;
     void removeCalculationChain();
@@ -109,6 +110,9 @@ private:
     std::vector<Table> m_tables; // of a changed sheet
     quint64 m_takenLinkIds = 0;  // ids up to "rId" + this are not used for links
     quint64 m_dateStyle = 1;
+    quint64 m_dateTimeStyle = 1;
+    std::optional<quint64> m_dateTimeDayStyle;
+    quint64 m_timeStyle = 1;
     quint64 m_linkStyle = 2;
 };
 

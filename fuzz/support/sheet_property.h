@@ -13,10 +13,12 @@ struct MemoryPackage
     zip::PackageWriter writer{sink, {{}, 0}};
 };
 
-/// Columns for the table: `kinds` has two bits for each, 0 for texts as they are.
+/// Columns for the table: `kinds` has two bits for each, 0 for texts as they are. With 3, texts are
+/// dates with times, times and booleans in turn.
 inline std::vector<sheet::Column> sheetColumns(const FuzzTable &table, quint16 kinds)
 {
     using Kind = sheet::Column::Kind;
+    static constexpr Kind kTyped[] = {Kind::DateTime, Kind::Time, Kind::Boolean};
     std::vector<sheet::Column> columns;
     const RowView row = table.row(0);
     for (int i = 0; i < row.columns; ++i, kinds >>= 2) {
@@ -25,6 +27,7 @@ inline std::vector<sheet::Column> sheetColumns(const FuzzTable &table, quint16 k
                           : type == cell::Type::Key    ? Kind::Key
                           : type == cell::Type::Double ? Kind::Float
                           : (kinds & 3) == 2           ? Kind::Formula
+                          : (kinds & 3) == 3           ? kTyped[i % 3]
                                                        : Kind::Text;
         columns.push_back({i, kind, row.names[i]});
     }
