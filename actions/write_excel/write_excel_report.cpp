@@ -219,10 +219,9 @@ void ActionWriteExcel::reportCells()
                     (losses.earlyDates.count() == 1 ? u"is"_s : u"are"_s) +
                         u" before the first day of the workbook, in 1900 or 1904"_s);
         reportCells(losses.longFractions, u"time"_s, name,
-                    (losses.longFractions.count() == 1 ? u"is"_s : u"are"_s) +
-                        u" rounded to milliseconds"_s);
+                    isOrAre(losses.longFractions.count()) + u" rounded to milliseconds"_s);
         reportCells(losses.notFinite, u"number"_s, name,
-                    (losses.notFinite.count() == 1 ? u"is"_s : u"are"_s) +
+                    isOrAre(losses.notFinite.count()) +
                         u" not finite (nan, inf or -inf) and left out"_s);
         reportCells(losses.cutTexts, u"text"_s, name,
                     (losses.cutTexts.count() == 1 ? u"is"_s : u"are"_s) +

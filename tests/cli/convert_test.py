@@ -75,7 +75,7 @@ class Pairs(Case):
         self.assertEqual(self.content("between.tsv").split(b"\n")[0], "\t".join(HEADER).encode())
 
     def test_xml_is_well_formed_and_comes_back(self):
-        self.assertIn("1 column name changed to fit the format: 'a name' to 'a_name'", self.convert("in.csv", "out.xml"))
+        self.assertIn("1 column name is changed to fit the format: 'a name' to 'a_name'", self.convert("in.csv", "out.xml"))
         names = ["id", "a_name", "Größe", "note"]
         found = [row.attrib for row in xml.etree.ElementTree.parse(self.folder / "out.xml").getroot()]
         self.assertEqual(found, [{n: text for n, text in zip(names, row) if text is not None} for row in ROWS])

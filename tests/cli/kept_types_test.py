@@ -105,9 +105,9 @@ class Types(unittest.TestCase):
 
     def test_names_that_change(self):
         (self.folder / "names.csv").write_text("a b,Größe,ok\n1,2,3\n")
-        self.assertIn("2 column names changed to fit the format: 'a b' to 'a_b', 'Größe' to 'Gro_e'",
+        self.assertIn("2 column names are changed to fit the format: 'a b' to 'a_b', 'Größe' to 'Gro_e'",
                       self.convert("names.csv", "out.sas7bdat"))
-        self.assertIn("1 column name changed to fit the format: 'a b' to 'a_b'", self.convert("names.csv", "out.xml"))
+        self.assertIn("1 column name is changed to fit the format: 'a b' to 'a_b'", self.convert("names.csv", "out.xml"))
 
 
 if __name__ == "__main__":
