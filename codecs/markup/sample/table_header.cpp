@@ -96,8 +96,7 @@ int TableHeader::headerRows() const
         return 0;
     }
     const auto isBody = [](const Row &row) { return !row.isInHead; };
-    const auto inHead =
-        std::find_if(m_rows.begin(), m_rows.end(), isBody) - m_rows.begin();
+    const auto inHead = std::find_if(m_rows.begin(), m_rows.end(), isBody) - m_rows.begin();
     const bool hasBody = inHead < m_rowCount;
     if (inHead > 0 && hasBody) {
         return static_cast<int>(inHead);

@@ -20,7 +20,8 @@ public:
     void addCell(const CellSpan &span, bool isHeadCell);
     /// True when the text of the current cell may be part of a name.
     bool usesTexts() const { return m_hasCells && keepsRow() && m_keptCells < kMaxCells; }
-    /// A text of the current cell; only with usesTexts(). `isSeparate`: it is not part of the word before it.
+    /// A text of the current cell; only with usesTexts(). `isSeparate`: it is not part of the word
+    /// before it.
     void addText(QStringView text, bool isSeparate);
 
     /// Number of rows that have cells.
