@@ -34,13 +34,14 @@ CommandResult<std::optional<int>> tableOf(const CommandLine &line, ActionParamet
     if (number >= 1) {
         return std::optional(number - 1);
     }
-    const QVector<InputTable> tables =
-        isNumber || wanted.isEmpty() ? QVector<InputTable>() : parameters->inputTables();
+    if (isNumber) {
+        return badUsage(u"--table needs a table number, from 1"_s);
+    }
+    const QVector<InputTable> tables = parameters->inputTables();
     const auto found = std::find_if(tables.begin(), tables.end(),
                                     [&](const InputTable &table) { return table.path == wanted; });
     if (found == tables.end()) {
-        return badUsage(u"--table: '%1' is neither the number of a table, from 1, nor the name of "
-                        "one"_s.arg(wanted));
+        return badUsage(u"--table: there is no table '%1' in the list of tables"_s.arg(wanted));
     }
     return std::optional(static_cast<int>(found - tables.begin()));
 }
@@ -113,9 +114,9 @@ QString describe(const InputTable &table, qsizetype number)
         return describeSheet(table, number);
     }
     const QString cut = table.beginning.size() > kBeginningChars ? u"..."_s : QString();
-    return u"\n%1 %2: %3 rows x %4 columns: %5 (%6)"_s.arg(
+    return u"\n%1 %2: %3 x %4: %5 (%6)"_s.arg(
         table.isChosen ? u"*"_s : u" "_s, QString::number(number).rightJustified(3),
-        QString::number(table.rows), QString::number(table.columns),
+        counted(table.rows, u"row"_s), counted(table.columns, u"column"_s),
         visibleText(table.beginning.left(kBeginningChars) + cut), visibleText(table.path));
 }
 

@@ -402,7 +402,8 @@ class CommandLine(Case):
                 "convert in.csv o.csv --reader nme=1": "unknown parameter 'nme' of readCSV",
                 "convert in.csv o.csv --reader header=maybe": "invalid value 'maybe' for parameter 'header' of readCSV (allowed: 0, 1)",
                 "convert in.csv o.csv --reader separator=\1": "a name or value contains characters that a graph cannot contain",
-                "convert in.csv my o.csv": "an input and an output file are required, and 'o.csv' is one too many",
+                "convert in.csv my o.csv": "no action reads files with the extension of 'my'",
+                "head in.csv my": "one file is required, and 'my' is one too many",
                 "convert in.csv .": "'.' is a folder, not a file",
                 "convert in.pdf o.csv": "no action reads files with the extension of 'in.pdf' (supported: csv ",
                 "describe readXSV": "unknown action 'readXSV'; the nearest known name is 'readCSV' (\"corvanta actions\" lists all actions)"}.items():
@@ -483,7 +484,7 @@ class CommandLine(Case):
         for words in ("help help", "help --help", "--help", "-h"):
             self.assertEqual(self.corvanta(*words.split()).stdout, self.corvanta("help").stdout)
         writes = next(line for line in self.corvanta("help", "convert").stdout.splitlines() if line.startswith("  writes"))
-        self.assertEqual(writes.split()[1:], "csv txt tsv tab json xml parquet xlsx sas7bdat xpt".split())
+        self.assertEqual(writes.split()[1:], "csv txt tsv tab json jsonl ndjson xml parquet xlsx sas7bdat xpt".split())
         for text in ("Saved as the element <ToWrite><s>TEXT</s>...</ToWrite>.", "Saved as <s>TEXT</s> for each text, directly in the element."):
             self.assertIn(text, self.corvanta("describe", "writeJSON").stdout)
         self.assertRegex(self.corvanta("describe", "writeJSON").stdout,

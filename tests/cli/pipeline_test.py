@@ -320,7 +320,7 @@ class BadInput(Case):
         for words, status in ((("nope.csv",), 1), (("d.csv",), 1), (("nope.xlsx", "--sheet", "2"), 1), (("in.csv", "--table", "x"), 2)):
             self.convert(words[0], "out.json", *words[1:], status=status)
             self.assertNotIn("is not a workbook", self.said)
-        self.assertIn("--table: 'x' is neither the number of a table, from 1, nor the name of one", self.said)
+        self.assertIn("--table: there is no table 'x' in the list of tables", self.said)
         self.put("two.json", json.dumps({"a": [{"x": 1}, {"x": 2}, {"x": 3}], "b": [{"y": 1, "z": 2}]}))
         self.assertEqual(self.convert("two.json", "-", "--to", "csv", "--table", "b"), b"y,z\n1,2\n")
 

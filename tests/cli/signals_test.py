@@ -65,6 +65,9 @@ class Signals(unittest.TestCase):
                 process.kill()
                 self.fail(f"{what}: not ended by signal {number}")
         is_complete = target is not None and target in self.files()
+        # An interrupted run says what it has kept, and schema that it looked at the first rows only.
+        messages = "".join(line for line in messages.splitlines(True)
+                           if line != "Warning: interrupted; no file was written\n" and not line.startswith("Info: The types of the columns are"))
         self.assertIn((process.returncode, messages), [(128 + number, ""), (0, "")][:1 + is_complete], what)
         if is_complete:
             (self.folder / target).unlink()
