@@ -1,7 +1,7 @@
 // head and schema: run the reader of a file with a listener that stops it after the first rows.
+#include "cli/print/json_rows.h"
 #include "commands.h"
 #include "input_rows.h"
-#include "print/json_rows.h"
 #include "session.h"
 #include "table_printer.h"
 #include "visible_text.h"

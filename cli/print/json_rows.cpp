@@ -6,10 +6,11 @@
 //   ]
 //
 // Rows are formatted in memory and written in blocks.
-#include "json_rows.h"
+#include "cli/print/json_rows.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QRegularExpression>
 #include <QSet>
 
 using namespace Qt::StringLiterals;
@@ -25,17 +26,35 @@ QByteArray quoted(const QString &text)
     return array.mid(1, array.size() - 2);
 }
 
-/// Whether the text of a number is one in JSON too: all but nan, inf and -inf end with a digit.
+/// Whether a text is a number of JSON (RFC 8259, section 6).
 bool isJsonNumber(const QString &text)
 {
-    return text.back().isDigit();
+    static const QRegularExpression kNumber(u"^-?(0|[1-9][0-9]*)(\\.[0-9]+)?([eE][-+]?[0-9]+)?$"_s);
+    return kNumber.match(text).hasMatch();
+}
+
+/// Whether a value of that kind is written without quotes.
+bool isBare(ValueKind kind, const QString &text)
+{
+    switch (kind) {
+    case ValueKind::Integer:
+    case ValueKind::Decimal:
+        return isJsonNumber(text);
+    case ValueKind::Boolean:
+        return text == u"true" || text == u"false";
+    default:
+        return false;
+    }
 }
 
 } // namespace
 
-JsonRows::JsonRows(const TableSchema &columns, std::FILE *out)
+JsonRows::JsonRows(const TableSchema &columns, const QVector<ColumnKind> &kinds, std::FILE *out)
     : m_out(out)
 {
+    for (const ColumnKind &kind : kinds) {
+        m_kinds.push_back(kind.kind);
+    }
     QSet<QString> taken;
     for (const QString &name : columns.names) {
         QString key = name;
@@ -53,11 +72,12 @@ void JsonRows::add(const OneRow &row)
     m_hasRows = true;
     for (int i = 0; i < row.numberOfColumns(); ++i) {
         const QString text = row.text(i);
-        const bool isBare =
-            !text.isEmpty() && row.getMetaType(i).type() != MetaInfo::Unknown && isJsonNumber(text);
+        const auto column = static_cast<size_t>(i);
         m_text += i > 0 ? ", " : "";
-        m_text += m_members[static_cast<size_t>(i)];
-        m_text += text.isNull() ? "null" : isBare ? text.toLatin1() : quoted(text);
+        m_text += m_members[column];
+        m_text += text.isNull()                   ? QByteArray("null")
+                  : isBare(m_kinds[column], text) ? text.toLatin1()
+                                                  : quoted(text);
     }
     m_text += '}';
     if (m_text.size() >= kFlushBytes) {

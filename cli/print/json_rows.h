@@ -1,5 +1,6 @@
 // Prints rows as JSON.
 #pragma once
+#include "corvanta/action_parameters.h"
 #include "corvanta/one_row.h"
 
 #include <QByteArray>
@@ -7,15 +8,15 @@
 #include <cstdio>
 #include <vector>
 
-/// Prints an array with an object per row, whose members are the columns in their order. Cells of
-/// numbers are numbers, except nan, inf and -inf, which are texts as JSON has no such numbers.
-/// Texts are strings, and missing cells null. The second and later columns of one name get "_2",
-/// "_3", ...
+/// Prints an array with an object per row, whose members are the columns in their order. Values of
+/// columns of numbers and booleans are bare where JSON has them; it has no nan and no infinity, for
+/// example. All others are strings, and missing cells null. The second and later columns of one
+/// name get "_2", "_3", ...
 class JsonRows
 {
 public:
     /// `out` is not closed.
-    JsonRows(const TableSchema &columns, std::FILE *out);
+    JsonRows(const TableSchema &columns, const QVector<ColumnKind> &kinds, std::FILE *out);
 
     void add(const OneRow &row);
     /// Print the rest. Without this call a table of up to 1 MiB prints nothing.
@@ -26,6 +27,7 @@ private:
 
     std::FILE *m_out;
     std::vector<QByteArray> m_members; ///< "NAME": of each column
+    std::vector<ValueKind> m_kinds;
     QByteArray m_text = "[";
     bool m_hasRows = false;
 };

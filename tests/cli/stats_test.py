@@ -47,6 +47,16 @@ class Stats(Case):
             {"name": "t", "type": "text", "rows": 4, "missing": 0, "distinct": 3, "minimum": "", "maximum": "\U0001F600\uFFFDé", "longest": 3},
             {"name": "none", "type": "text", "rows": 4, "missing": 4, "distinct": 0}])
 
+    def test_types_are_those_of_schema(self):
+        self.put("in.csv", "i,d,b,t,day\n10,1.5,true,010,2024-02-29\n9,1e3,false,11,2023-01-01\n,,,,\n")
+        self.assertEqual([[column.get(key) for key in ("type", "minimum", "maximum", "mean", "longest")]
+                          for column in json.loads(self.corvanta("stats", "in.csv", "--json"))],
+                         [["integer", 9, 10, 9.5, None], ["decimal", 1.5, 1000, 500.75, None], ["boolean", "false", "true", None, None],
+                          ["text", "010", "11", None, 3], ["date", "2023-01-01", "2024-02-29", None, None]])
+        self.put("in.json", '[{"a": "12", "b": 12}, {"a": "9", "b": 9}]')
+        columns = json.loads(self.corvanta("stats", "in.json", "--json"))
+        self.assertEqual([(column["type"], column["minimum"]) for column in columns], [("text", "12"), ("integer", 9)])
+
     def test_distinct_values_are_counted_up_to_a_limit(self):
         self.put("in.csv", "a,b\n" + "".join(f"{i},{i % 100_000}\n" for i in range(100_001)))
         lines = self.corvanta("stats", "in.csv").splitlines()
@@ -76,6 +86,11 @@ class HeadAsJson(Case):
             {"k": 4294967293, "f": "-inf", 't "\\': "1", "t": "2", "t_2": "3"}])
         self.assertEqual(text.splitlines()[1].split(":")[0], '  {"k"')
         self.assertEqual(list(json.loads(text)[0]), ["k", "f", 't "\\', "t", "t_2"])
+
+    def test_types(self):
+        self.put("in.csv", "i,d,b,t\n10,1.50,true,010\n9,-1e3,false,TRUE\n")
+        self.assertEqual(self.corvanta("head", "in.csv", "--json"),
+                         '[\n  {"i": 10, "d": 1.50, "b": true, "t": "010"},\n  {"i": 9, "d": -1e3, "b": false, "t": "TRUE"}\n]\n')
 
     def test_rows(self):
         self.put("in.csv", "n\n" + "".join(f"{i}\n" for i in range(200_000)))

@@ -1,13 +1,12 @@
-// stats: counts and ranges of each column, in one pass over the rows.
+// stats: counts and ranges of each column, in one pass over the rows, after their types are known.
 //
 // Memory does not grow with the rows: a column keeps its extreme values, and the hashes of its
 // distinct values up to a limit.
 #include "base/cell.h"
-#include "base/counted.h"
 #include "base/number.h"
-#include "commands.h"
-#include "input_rows.h"
-#include "table_printer.h"
+#include "cli/commands.h"
+#include "cli/input_rows.h"
+#include "cli/table_printer.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -181,8 +180,10 @@ struct ColumnSummary
 class ColumnStats
 {
 public:
-    ColumnStats(cell::Type type, size_t maxDistinct)
+    ColumnStats(cell::Type type, ValueKind kind, size_t maxDistinct)
         : m_type(type)
+        , m_kind(kind)
+        , m_isNumeric(kind == ValueKind::Integer || kind == ValueKind::Decimal)
         , m_distinct(maxDistinct)
     {
     }
@@ -228,10 +229,18 @@ private:
             return;
         }
         m_distinct.add(std::hash<std::u16string_view>()(text.view()));
-        m_texts.add(text.view());
+        double value = 0;
+        m_isNumeric = m_isNumeric && parseDouble(text.view(), &value);
+        if (m_isNumeric) {
+            m_numbers.add(value);
+        } else {
+            m_texts.add(text.view());
+        }
     }
 
     cell::Type m_type;
+    ValueKind m_kind;
+    bool m_isNumeric; ///< the values so far are numbers
     qint64 m_rows = 0;
     qint64 m_missing = 0;
     DistinctCounter m_distinct;
@@ -243,14 +252,13 @@ ColumnSummary ColumnStats::summary(const QString &name) const
 {
     ColumnSummary summary;
     summary.name = name;
-    summary.type = m_type == cell::Type::Key      ? u"integer"_s
-                   : m_type == cell::Type::Double ? u"decimal"_s
-                                                  : u"text"_s;
+    summary.type = nameOf(m_kind);
     summary.rows = m_rows;
     summary.missing = m_missing;
     summary.distinct = static_cast<qint64>(m_distinct.count());
     summary.isOverDistinct = m_distinct.isOver();
-    if (!m_numbers.isEmpty()) {
+    // A file that changed after its types were found may have other texts too.
+    if (m_isNumeric && !m_numbers.isEmpty()) {
         summary.minimum = m_numbers.smallest();
         summary.maximum = m_numbers.largest();
         summary.mean = m_numbers.mean();
@@ -258,7 +266,9 @@ ColumnSummary ColumnStats::summary(const QString &name) const
     if (!m_texts.isEmpty()) {
         summary.minimum = m_texts.smallest();
         summary.maximum = m_texts.largest();
-        summary.longest = static_cast<qint64>(m_texts.longest());
+        summary.longest = m_kind == ValueKind::Text
+                              ? QJsonValue(static_cast<qint64>(m_texts.longest()))
+                              : QJsonValue();
     }
     return summary;
 }
@@ -298,6 +308,11 @@ QJsonObject jsonOf(const ColumnSummary &column)
 class TableStats
 {
 public:
+    /// `facts` must be set before the first row.
+    explicit TableStats(const InputFacts &facts)
+        : m_facts(facts)
+    {
+    }
     void add(const TableSchema &columns, const OneRow *row)
     {
         // The columns are known with the first call, which may be the end of an empty table.
@@ -321,13 +336,15 @@ private:
         constexpr size_t kMaxDistinct = 100'000;
         const auto count = static_cast<size_t>(columns.names.size());
         const size_t maxDistinct = std::min(kMaxDistinct, kMaxHashes / std::max<size_t>(count, 1));
-        for (const MetaInfo &type : columns.types) {
-            m_columns.emplace_back(type.cellType(), maxDistinct);
+        const QVector<ColumnKind> kinds = kindsOf(columns, m_facts);
+        for (qsizetype i = 0; i < kinds.size(); ++i) {
+            m_columns.emplace_back(columns.types[i].cellType(), kinds[i].kind, maxDistinct);
         }
         m_names = columns.names;
     }
     void printTable(const QVector<ColumnSummary> &columns) const;
 
+    const InputFacts &m_facts;
     std::vector<ColumnStats> m_columns;
     QVector<QString> m_names;
 };
@@ -382,12 +399,14 @@ CommandOptions statsOptions()
 CommandResult<void> statsCommand(const CommandLine &line)
 {
     constexpr qint64 kAllRows = -1;
-    TableStats stats;
+    InputFacts facts;
+    facts.extent = ActionParameters::KindExtent::All;
+    TableStats stats(facts);
     const auto add = [&](const TableSchema &columns, const OneRow *row) {
         stats.add(columns, row);
         return true;
     };
-    const auto done = readRows(u"stats"_s, line, kAllRows, ReadExtent::Whole, add);
+    const auto done = readRows(u"stats"_s, line, kAllRows, ReadExtent::Whole, add, &facts);
     // Nothing is printed of a file that cannot be read.
     if (done) {
         stats.print(line.has(u"--json"_s));
