@@ -1,6 +1,7 @@
 // The module as a host sees it: loaded as a plug-in, every action through the contract only.
 #include "corvanta/action_item.h"
 #include "corvanta/action_parameters.h"
+#include "corvanta/action_registry.h"
 #include "corvanta/help.h"
 #include "corvanta/params/saved_form.h"
 #include "corvanta/plugin_interface.h"
@@ -8,6 +9,7 @@
 #include "tests/contract/fixed_actions.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QLibrary>
 #include <QPixmap>
 
@@ -202,6 +204,20 @@ TEST(Module, TheCatalogueBeginsWithTheFixedActionsAndHasAnEnd)
         EXPECT_STREQ(a->getTypeName(), kRows[i].type);
         EXPECT_STREQ(b->getTypeName(), kRows[i].type);
     }
+}
+
+TEST(Module, IsFoundByOtherRegistriesOfTheProgram)
+{
+    // As in an editor that has its modules in a folder of its own: previews load them again.
+    const QByteArray before = qgetenv("CORVANTA_PLUGIN_PATH");
+    qputenv("CORVANTA_PLUGIN_PATH", "/nonexistent");
+    corvanta::ActionRegistry editor;
+    editor.loadFolder(QFileInfo(QStringLiteral(CORVANTA_MODULE)).path());
+    corvanta::ActionRegistry preview;
+    preview.loadAll();
+    EXPECT_NE(preview.prototype(QStringLiteral("readParquet")), nullptr);
+    EXPECT_EQ(preview.typeNames(), editor.typeNames());
+    before.isNull() ? qunsetenv("CORVANTA_PLUGIN_PATH") : qputenv("CORVANTA_PLUGIN_PATH", before);
 }
 
 TEST(Module, SelfDescriptions)

@@ -379,6 +379,28 @@ TEST(LevelExtractor, NeedsLinearTimeForManyChildren)
     EXPECT_EQ(extract(extractor, tokenizer), u"end,1,-;end,1,-;end,1,-;[nothing]");
 }
 
+// Comparing each path with each other one would show here, too.
+TEST(LevelExtractor, NeedsLinearTimeForManyPaths)
+{
+    QStringList names;
+    QByteArray document;
+    for (int i = 0; i < 20'000; ++i) {
+        names << u'k' + QString::number(i);
+        document += "{\"" + names.back().toLatin1() + "\":1}\n";
+    }
+    MemorySource source(document);
+    JSONTokenizer tokenizer(source, 0, u"");
+    LevelExtractor extractor(levelsOf({u"||"_s + names.join(u',')}), {});
+    extractor.beginDocument(tokenizer);
+    BlockArena arena;
+    for (int i = 0; i < 100; ++i) {
+        const auto row = extractor.next(arena);
+        ASSERT_TRUE(row && *row);
+        EXPECT_EQ(rowText(extractor.cells()).count(u'1'), 1) << i;
+        arena.reset();
+    }
+}
+
 // ---- Documents of others, against what other programs read from them.
 
 namespace {

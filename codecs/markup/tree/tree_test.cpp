@@ -127,8 +127,13 @@ TEST(PathSet, FindsTheSameAsSingleLookups)
         return '{' + members + '}';
     };
     PathSet set;
+    PathSet wide; // names are looked up in it, and not compared
     for (const QStringView path : paths) {
         set.add(parsePath(path, {true, u'/'}));
+        wide.add(parsePath(path, {true, u'/'}));
+    }
+    for (int i = 0; i < 100; ++i) {
+        wide.add(parsePath(u'n' + QString::number(i), {true, u'/'}));
     }
     MarkupTreeBuilder builder;
     builder.setReturnSingleChild(false);
@@ -142,6 +147,8 @@ TEST(PathSet, FindsTheSameAsSingleLookups)
             continue;
         }
         const std::span<const quint32> found = set.resolve(*root.tree(), root.index());
+        const std::span<const quint32> same = wide.resolve(*root.tree(), root.index());
+        ASSERT_TRUE(std::equal(found.begin(), found.end(), same.begin())) << document.toStdString();
         for (size_t i = 0; i < paths.size(); ++i) {
             const MarkupNode single = getChildNodeByPath(root, paths[i], true, u'/');
             ASSERT_EQ(found[i], single.isEmpty() ? MarkupTree::kNone : single.index())
