@@ -105,7 +105,8 @@ markup::ExtractOptions ActionReadXML::extractOptions() const
 bool ActionReadXML::setParameterValue(int index, const QString &value)
 {
     const QString name = parameters().value(index).name;
-    m_choosesSoup = m_choosesSoup || name == u"tagSoup" || name == u"expandSpans";
+    m_choosesSoup = m_choosesSoup || name == QLatin1StringView(kXmlTagSoup) ||
+                    name == QLatin1StringView(kXmlExpandSpans);
     return ParamAction::setParameterValue(index, value);
 }
 

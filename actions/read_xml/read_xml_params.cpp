@@ -129,12 +129,12 @@ ParamGroup<P> pages()
 {
     const QStringList html{QStringLiteral("1")};
     return {
-        flag("tagSoup", &P::tagSoup)
+        flag(kXmlTagSoup, &P::tagSoup)
             .onlyWhen("readHTML", html)
             .label("Read pages as browsers do")
             .meaning("Reads malformed pages as browsers do: adds missing end tags, decodes all "
                      "entities of HTML, uses the encoding in <meta> and never fails."),
-        flag("expandSpans", &P::expandSpans)
+        flag(kXmlExpandSpans, &P::expandSpans)
             .onlyWhen("readHTML", html)
             .label("Expand cells that span columns or rows")
             .meaning("Repeats the value of a cell with colspan or rowspan in each column and row "

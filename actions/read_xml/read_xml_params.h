@@ -5,8 +5,10 @@
 
 namespace corvanta {
 
-/// Name of a parameter, for problems with it.
+/// Names of parameters, for problems with them and for auto-fill.
 inline constexpr char kXmlEncoding[] = "encoding";
+inline constexpr char kXmlTagSoup[] = "tagSoup";
+inline constexpr char kXmlExpandSpans[] = "expandSpans";
 
 struct ReadXmlParams : LevelReaderParams
 {

@@ -69,8 +69,8 @@ void SpanCells::placeRow(const MarkupTree &tree, quint32 row)
     std::fill(m_cells.begin(), m_cells.end(), Cell());
     quint32 cell = cellFrom(tree, tree.first(row, ItemKind::Child));
     while (cell != MarkupTree::kNone) {
-        const CellSpan span = spanOf(tree, cell);
-        const quint32 first = m_grid.place(span);
+        CellSpan span = spanOf(tree, cell);
+        const quint32 first = m_grid.place(&span);
         const size_t end = std::min<size_t>(m_cells.size(), size_t(first) + span.columns);
         for (size_t column = first; column < end; ++column) {
             m_cells[column] = {cell, span.rows != 1};

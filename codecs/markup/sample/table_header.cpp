@@ -20,14 +20,14 @@ void TableHeader::beginRow(quint32 group, bool isInHead)
     m_hasCells = false;
 }
 
-void TableHeader::addCell(const CellSpan &span, bool isHeadCell)
+void TableHeader::addCell(CellSpan span, bool isHeadCell)
 {
     const bool isFirst = !std::exchange(m_hasCells, true);
     if (isFirst && keepsRow() && m_rows.size() < kMaxRows) {
         m_rows.push_back({m_isInHead, {}});
     }
     m_rowCount += isFirst ? 1 : 0;
-    const quint32 column = m_grid.place(span);
+    const quint32 column = m_grid.place(&span);
     if (keepsRow() && m_keptCells < kMaxCells) {
         ++m_keptCells;
         m_rows.back().cells.push_back({column, span, {}, isHeadCell});

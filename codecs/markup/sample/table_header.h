@@ -17,7 +17,7 @@ public:
     /// A row begins, in the group of rows `group`. It counts when it gets a cell.
     void beginRow(quint32 group, bool isInHead);
     /// A cell of the row begins.
-    void addCell(const CellSpan &span, bool isHeadCell);
+    void addCell(CellSpan span, bool isHeadCell);
     /// True when the text of the current cell may be part of a name.
     bool usesTexts() const { return m_hasCells && keepsRow() && m_keptCells < kMaxCells; }
     /// A text of the current cell; only with usesTexts(). `isSeparate`: it is not part of the word

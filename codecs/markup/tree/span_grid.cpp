@@ -57,16 +57,17 @@ void SpanGrid::beginRow()
     m_next = 0;
 }
 
-quint32 SpanGrid::place(const CellSpan &span)
+quint32 SpanGrid::place(CellSpan *span)
 {
     while (isCarried(m_next)) {
         ++m_next;
     }
     const quint32 first = m_next;
     const quint32 most = kMaxSpannedColumns - std::min(first, kMaxSpannedColumns);
-    m_next += std::clamp(most, 1U, span.columns);
+    span->columns = std::clamp(most, 1U, span->columns);
+    m_next += span->columns;
     m_slots.resize(std::max<size_t>(m_slots.size(), m_next));
-    const Slot slot{m_row, span.rows == 0 ? kToTheEnd : m_row + span.rows};
+    const Slot slot{m_row, span->rows == 0 ? kToTheEnd : m_row + span->rows};
     std::fill(m_slots.begin() + first, m_slots.begin() + m_next, slot);
     return first;
 }

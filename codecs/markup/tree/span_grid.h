@@ -35,8 +35,9 @@ public:
     void beginGroup() { m_firstRow = m_row + 1; }
     void beginRow();
     /// Place the next cell of the row; returns its first column. A cell that spans columns covers
-    /// them also where a cell of an earlier row is.
-    quint32 place(const CellSpan &span);
+    /// them also where a cell of an earlier row is. Limits `span->columns` to the columns that it
+    /// really covers.
+    quint32 place(CellSpan *span);
 
     /// True when a cell of an earlier row covers `column` in the current one.
     bool isCarried(quint32 column) const
