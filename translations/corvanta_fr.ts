@@ -115,6 +115,10 @@
         <source>Format</source>
         <translation>Format</translation>
     </message>
+    <message>
+        <source>Text</source>
+        <translation>Texte</translation>
+    </message>
 </context>
 <context>
     <name>Parameters</name>
@@ -2357,10 +2361,6 @@
         <translation>Lit un fichier texte avec séparateurs</translation>
     </message>
     <message>
-        <source>Text file to read, UTF-8; also compressed as .gz or .Z.</source>
-        <translation>Fichier texte à lire, en UTF-8 ; aussi compressé en .gz ou .Z.</translation>
-    </message>
-    <message>
         <source>Separator</source>
         <translation>Séparateur</translation>
     </message>
@@ -2397,16 +2397,100 @@
         <translation>Écrit un fichier texte avec séparateurs</translation>
     </message>
     <message>
-        <source>Text file to write, UTF-8 with LF line ends.</source>
-        <translation>Fichier texte à écrire, en UTF-8 avec des fins de ligne LF.</translation>
-    </message>
-    <message>
         <source>Write the column names in the first line</source>
         <translation>Écrire les noms des colonnes dans la première ligne</translation>
     </message>
     <message>
         <source>Without it the file contains only rows.</source>
         <translation>Sinon, le fichier ne contient que des lignes de données.</translation>
+    </message>
+    <message>
+        <source>Comment lines begin with</source>
+        <translation>Début des lignes de commentaire</translation>
+    </message>
+    <message>
+        <source>Date formats</source>
+        <translation>Formats de date</translation>
+    </message>
+    <message>
+        <source>Dates to convert to ISO 8601, one entry COLUMN=FORMAT each, such as day=dd.MM.yyyy; several columns are separated by commas.</source>
+        <translation>Dates à convertir en ISO 8601, une entrée COLONNE=FORMAT pour chacune, par exemple jour=dd.MM.yyyy ; plusieurs colonnes sont séparées par des virgules.</translation>
+    </message>
+    <message>
+        <source>Decimal point</source>
+        <translation>Séparateur décimal</translation>
+    </message>
+    <message>
+        <source>Fields without quotes that are missing values, separated by commas, such as NA,NULL. Empty fields always are.</source>
+        <translation>Champs sans guillemets qui sont des valeurs manquantes, séparés par des virgules, par exemple NA,NULL. Les champs vides le sont toujours.</translation>
+    </message>
+    <message>
+        <source>Line ends</source>
+        <translation>Fins de ligne</translation>
+    </message>
+    <message>
+        <source>Lines of another length</source>
+        <translation>Lignes d’une autre longueur</translation>
+    </message>
+    <message>
+        <source>Lines that begin with this text are not read. Empty: there are none.</source>
+        <translation>Les lignes qui commencent par ce texte ne sont pas lues. Vide : il n’y en a pas.</translation>
+    </message>
+    <message>
+        <source>Missing values</source>
+        <translation>Valeurs manquantes</translation>
+    </message>
+    <message>
+        <source>Name of the encoding, such as windows-1252. A ? replaces characters that it does not have.</source>
+        <translation>Nom de l’encodage, par exemple windows-1252. Un ? remplace les caractères qu’il n’a pas.</translation>
+    </message>
+    <message>
+        <source>Name of the encoding, such as windows-1252. auto: that of a byte-order mark, else UTF-8 or UTF-16 if the text is valid, else that of the system.</source>
+        <translation>Nom de l’encodage, par exemple windows-1252. auto : celui d’une marque d’ordre des octets, sinon UTF-8 ou UTF-16 si le texte est valide, sinon celui du système.</translation>
+    </message>
+    <message>
+        <source>Number of lines before the column names that are not read.</source>
+        <translation>Nombre de lignes avant les noms des colonnes qui ne sont pas lues.</translation>
+    </message>
+    <message>
+        <source>One ASCII character around fields that hold separators or line ends. Empty: fields have no quotes.</source>
+        <translation>Un caractère ASCII autour des champs qui contiennent des séparateurs ou des fins de ligne. Vide : les champs n’ont pas de guillemets.</translation>
+    </message>
+    <message>
+        <source>One ASCII character between two fields. auto: the comma, semicolon, tab or vertical bar that the first 64 KiB suggest.</source>
+        <translation>Un caractère ASCII entre deux champs. auto : la virgule, le point-virgule, la tabulation ou la barre verticale que suggèrent les premiers 64 Kio.</translation>
+    </message>
+    <message>
+        <source>Quote</source>
+        <translation>Guillemet</translation>
+    </message>
+    <message>
+        <source>Skip</source>
+        <translation>Ignorer</translation>
+    </message>
+    <message>
+        <source>Text file to read, or a pattern such as *.csv; all files must have the columns of the first. Also .gz, .Z and .rar files and members of .zip files (archive.zip@member).</source>
+        <translation>Fichier texte à lire, ou un motif comme *.csv ; tous les fichiers doivent avoir les colonnes du premier. Aussi les fichiers .gz, .Z et .rar et les membres de fichiers .zip (archive.zip@membre).</translation>
+    </message>
+    <message>
+        <source>Text file to write. A name that ends with .gz gives a compressed file.</source>
+        <translation>Fichier texte à écrire. Un nom qui se termine par .gz donne un fichier compressé.</translation>
+    </message>
+    <message>
+        <source>The character between the digits of decimal numbers (F): a point or a comma, for example.</source>
+        <translation>Le caractère entre les chiffres des nombres décimaux (F) : un point ou une virgule, par exemple.</translation>
+    </message>
+    <message>
+        <source>Lines with another number of fields. error: the run fails. fill: missing values fill short lines, and fields beyond the last column are dropped.</source>
+        <translation>Lignes avec un autre nombre de champs. error : l’exécution échoue. fill : des valeurs manquantes complètent les lignes courtes, et les champs après la dernière colonne sont supprimés.</translation>
+    </message>
+    <message>
+        <source>lf: line feed. crlf: carriage return and line feed.</source>
+        <translation>lf : saut de ligne. crlf : retour chariot et saut de ligne.</translation>
+    </message>
+    <message>
+        <source>lines</source>
+        <translation>lignes</translation>
     </message>
 </context>
 <context>

@@ -56,6 +56,7 @@ CsvDates::CsvDates(const QString &format)
     : m_parser(format, QLocale::c(), false)
     , m_hasDate(hasField(format, u"yMd"))
     , m_hasTime(hasField(format, u"hHmsz"))
+    , m_hasShortYears(sheet::hasShortYears(format))
 {
 }
 
@@ -67,8 +68,10 @@ int CsvDates::toIso(std::u16string_view text, char16_t *out)
         return 0;
     }
     const qint64 inDay = (*ms % kMsPerDay + kMsPerDay) % kMsPerDay;
-    const QDate date =
-        QDate::fromJulianDay(QDate(1970, 1, 1).toJulianDay() + (*ms - inDay) / kMsPerDay);
+    QDate date = QDate::fromJulianDay(QDate(1970, 1, 1).toJulianDay() + (*ms - inDay) / kMsPerDay);
+    if (m_hasShortYears && date.year() < 1969) {
+        date = date.addYears(100); // the parser has read it as a year of the 20th century
+    }
     if (date.year() < 0 || date.year() > 9999) {
         return 0;
     }

@@ -13,7 +13,8 @@ public:
     /// Units that toIso() may write.
     static constexpr int kUnits = 32;
 
-    /// `format` has Qt's date-time syntax. Names of months and days are English.
+    /// `format` has Qt's date-time syntax. Names of months and days are English. Years of two
+    /// digits are 1969 to 2068, as for POSIX.
     explicit CsvDates(const QString &format);
 
     /// Write the date, the time, or both with a "T" between them, as the format has them. Returns
@@ -24,6 +25,7 @@ private:
     sheet::DateParser m_parser;
     bool m_hasDate;
     bool m_hasTime;
+    bool m_hasShortYears;
 };
 
 } // namespace corvanta

@@ -366,9 +366,10 @@ void CsvFile::reportEncoding()
     const encoding::Utf8Source &text = m_text->text();
     const QString name = QString::fromLatin1(text.encoding());
     if (text.isAssumed()) {
-        MainUI::addLog(MainUI::Info,
-                       u"readCSV: file '%1' is read as %2, because it is not UTF-8; the parameter "
-                       "'encoding' can name another encoding\n"_s.arg(m_name, name));
+        MainUI::addLog(
+            MainUI::Info,
+            u"readCSV: the encoding of the file '%1' is assumed to be %2; the parameter 'encoding' can name another one\n"_s
+                .arg(m_name, name));
     }
     if (text.replaced().any()) {
         m_action.warn(u"Warning: readCSV: file '%1' has %2 that are not characters of %3, and "

@@ -50,7 +50,7 @@ ParamGroup<P> textForm()
                      "NA,NULL. Empty fields always are."),
         text("ragged", &P::ragged)
             .label("Lines of another length")
-            .meaning("error: a line with another number of fields fails the run. fill: missing "
+            .meaning("Lines with another number of fields. error: the run fails. fill: missing "
                      "values fill short lines, and fields beyond the last column are dropped."),
     };
 }
