@@ -1,7 +1,7 @@
 // The kinds of the columns of readCSV, before a run.
 #include "actions/read_csv/csv_file.h"
 #include "actions/read_csv/read_csv.h"
-#include "actions/shared/scanned_columns.h"
+#include "actions/shared/params/scanned_columns.h"
 #include "codecs/csv/record_scan.h"
 #include "io/input/input_file.h"
 

@@ -5,7 +5,7 @@
 #pragma once
 #include "actions/read_xbf/read_xbf_params.h"
 #include "actions/shared/file_series.h"
-#include "actions/shared/scanned_columns.h"
+#include "actions/shared/params/scanned_columns.h"
 #include "actions/shared/params/type_letters.h"
 #include "codecs/encoding/text_decoder.h"
 #include "corvanta/action_base.h"

@@ -1,7 +1,7 @@
 #include "actions/shared/level_reader.h"
 
 #include "actions/shared/input_sample.h"
-#include "actions/shared/scanned_columns.h"
+#include "actions/shared/params/scanned_columns.h"
 #include "actions/shared/params/type_letters.h"
 #include "base/counted.h"
 

@@ -1,4 +1,4 @@
-#include "actions/shared/scanned_columns.h"
+#include "actions/shared/params/scanned_columns.h"
 
 #include <QHash>
 
