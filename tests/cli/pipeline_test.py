@@ -205,7 +205,7 @@ class Targets(Case):
         self.convert("in.csv", "new.json", "--no-clobber")
 
     def test_a_file_becomes_its_own_output(self):
-        self.convert("in.csv", "in.csv", "--where", "a = '2'")
+        self.convert("in.csv", "in.csv", "--where", "a > 1")
         self.assertEqual(self.content("in.csv"), b"a,b\n2,y\n")
 
     def test_rows_before_an_error_are_kept_on_request(self):
