@@ -43,7 +43,7 @@ TextForm formFrom(Feed &feed)
     form.fallback = "windows-1252";
     form.findsSeparator = feed.flag();
     form.dialect.quote = feed.flag() ? '"' : feed.flag() ? '\'' : Dialect::kNoQuote;
-    form.dialect.comment = feed.flag() ? "#" : "";
+    form.dialect.comment = feed.flag() ? std::string("#") : std::string();
     form.dialect.skippedLines = feed.below(3);
     return form;
 }
