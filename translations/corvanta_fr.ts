@@ -119,6 +119,26 @@
         <source>Text</source>
         <translation>Texte</translation>
     </message>
+    <message>
+        <source>Types</source>
+        <translation>Types</translation>
+    </message>
+    <message>
+        <source>Values that do not fit</source>
+        <translation>Valeurs inadaptées</translation>
+    </message>
+    <message>
+        <source>Keys</source>
+        <translation>Clés</translation>
+    </message>
+    <message>
+        <source>Order</source>
+        <translation>Ordre</translation>
+    </message>
+    <message>
+        <source>Look</source>
+        <translation>Présentation</translation>
+    </message>
 </context>
 <context>
     <name>Parameters</name>
@@ -2492,6 +2512,350 @@
         <source>lines</source>
         <translation>lignes</translation>
     </message>
+    <message>
+        <source>Style of the header row</source>
+        <translation>Style de la ligne d&apos;en-tête</translation>
+    </message>
+    <message>
+        <source>Style of the header row in new sheets: bold, fill (a light blue background), or bold,fill for both, which is also what 1 means. Empty: no style.</source>
+        <translation>Style de la ligne d&apos;en-tête des nouvelles feuilles&#xa0;: bold (gras), fill (fond bleu clair), ou bold,fill pour les deux, comme 1. Vide&#xa0;: aucun style.</translation>
+    </message>
+    <message>
+        <source>Keep the header row visible</source>
+        <translation>Garder la ligne d&apos;en-tête visible</translation>
+    </message>
+    <message>
+        <source>The header row of new sheets stays visible when the sheet is scrolled.</source>
+        <translation>La ligne d&apos;en-tête des nouvelles feuilles reste visible quand la feuille défile.</translation>
+    </message>
+    <message>
+        <source>Filter buttons in the header row</source>
+        <translation>Boutons de filtre dans la ligne d&apos;en-tête</translation>
+    </message>
+    <message>
+        <source>The header cells of new sheets have buttons that sort and filter the rows.</source>
+        <translation>Les cellules d&apos;en-tête des nouvelles feuilles ont des boutons qui trient et filtrent les lignes.</translation>
+    </message>
+    <message>
+        <source>Widths of the columns in new sheets: auto, from the header and the first 1,000 rows, or numbers of digits in column order, separated by commas, for example 12,,30. A column without a number has the default width.</source>
+        <translation>Largeurs des colonnes des nouvelles feuilles&#xa0;: auto, d&apos;après l&apos;en-tête et les 1&#xa0;000 premières lignes, ou nombres de chiffres dans l&apos;ordre des colonnes, séparés par des virgules, par exemple 12,,30. Une colonne sans nombre a la largeur par défaut.</translation>
+    </message>
+    <message>
+        <source>After the last row of a sheet</source>
+        <translation>Après la dernière ligne d&apos;une feuille</translation>
+    </message>
+    <message>
+        <source>newSheet: rows after row 1,048,576 are written to further sheets. Empty: they are written to the same sheet, which spreadsheet programs cannot open.</source>
+        <translation>newSheet&#xa0;: les lignes après la ligne 1&#xa0;048&#xa0;576 sont écrites dans d&apos;autres feuilles. Vide&#xa0;: elles sont écrites dans la même feuille, que les tableurs ne peuvent pas ouvrir.</translation>
+    </message>
+    <message>
+        <source>Columns of dates with times</source>
+        <translation>Colonnes de dates avec heures</translation>
+    </message>
+    <message>
+        <source>Text columns of ISO 8601 dates, with or without times, that are written as dates. Other texts stay texts.</source>
+        <translation>Colonnes de textes avec des dates ISO 8601, avec ou sans heures, écrites comme des dates. Les autres textes restent des textes.</translation>
+    </message>
+    <message>
+        <source>Columns of times</source>
+        <translation>Colonnes d&apos;heures</translation>
+    </message>
+    <message>
+        <source>Text columns of times of day, such as 04:30:05, that are written as times. Other texts stay texts.</source>
+        <translation>Colonnes de textes avec des heures, telles que 04:30:05, écrites comme des heures. Les autres textes restent des textes.</translation>
+    </message>
+    <message>
+        <source>Boolean columns</source>
+        <translation>Colonnes de booléens</translation>
+    </message>
+    <message>
+        <source>Text columns whose texts true and false, in any letter case, are written as booleans. Other texts stay texts.</source>
+        <translation>Colonnes de textes dont les textes true et false, en majuscules ou en minuscules, sont écrits comme des booléens. Les autres textes restent des textes.</translation>
+    </message>
+    <message>
+        <source>Number formats of columns</source>
+        <translation>Formats de nombre des colonnes</translation>
+    </message>
+    <message>
+        <source>Number formats of columns in new sheets, each as COLUMN=FORMAT, for example price=#,##0.00 or day=dd/mm/yyyy.</source>
+        <translation>Formats de nombre des colonnes des nouvelles feuilles, sous la forme COLUMN=FORMAT, par exemple price=#,##0.00 ou day=dd/mm/yyyy.</translation>
+    </message>
+    <message>
+        <source>Read pages as browsers do</source>
+        <translation>Lire les pages comme les navigateurs</translation>
+    </message>
+    <message>
+        <source>Reads malformed pages as browsers do: adds missing end tags, decodes all entities of HTML, uses the encoding in &lt;meta&gt; and never fails.</source>
+        <translation>Lit les pages mal formées comme les navigateurs&#xa0;: ajoute les balises de fin manquantes, décode toutes les entités HTML, utilise l&apos;encodage de &lt;meta&gt; et n&apos;échoue jamais.</translation>
+    </message>
+    <message>
+        <source>Expand cells that span columns or rows</source>
+        <translation>Répéter les cellules sur plusieurs colonnes ou lignes</translation>
+    </message>
+    <message>
+        <source>Repeats the value of a cell with colspan or rowspan in each column and row of its table. Rows in thead and tfoot are rows of the table, and [n] is its column number n.</source>
+        <translation>Répète la valeur d&apos;une cellule avec colspan ou rowspan dans chaque colonne et ligne de sa table. Les lignes de thead et de tfoot sont des lignes de la table, et [n] est sa colonne numéro n.</translation>
+    </message>
+    <message>
+        <source>Number of the occurrence</source>
+        <translation>Numéro de l&apos;occurrence</translation>
+    </message>
+    <message>
+        <source>Reads the number of the occurrence, from 1, instead of the text; at most one column of a level.</source>
+        <translation>Lit le numéro de l&apos;occurrence, à partir de 1, au lieu du texte&#xa0;; au plus une colonne par niveau.</translation>
+    </message>
+    <message>
+        <source>Only rows with an occurrence</source>
+        <translation>Seulement les lignes avec une occurrence</translation>
+    </message>
+    <message>
+        <source>Of the last level: an outer occurrence without one of this level gives no row.</source>
+        <translation>Au dernier niveau&#xa0;: une occurrence extérieure sans occurrence de ce niveau ne donne aucune ligne.</translation>
+    </message>
+    <message>
+        <source>A null is a missing cell</source>
+        <translation>Un null est une cellule manquante</translation>
+    </message>
+    <message>
+        <source>Reads null as a missing cell. Off: as the text &quot;null&quot;.</source>
+        <translation>Lit null comme une cellule manquante. Sinon, comme le texte «&#xa0;null&#xa0;».</translation>
+    </message>
+    <message>
+        <source>Columns without quotes</source>
+        <translation>Colonnes sans guillemets</translation>
+    </message>
+    <message>
+        <source>Text columns whose numbers, and the words true and false in any letter case, are written without quotes. Texts that are not numbers of JSON, such as 007, keep them.</source>
+        <translation>Colonnes de textes dont les nombres, et les mots true et false en majuscules ou en minuscules, sont écrits sans guillemets. Les textes qui ne sont pas des nombres JSON, tels que 007, les gardent.</translation>
+    </message>
+    <message>
+        <source>One letter per column, separated by commas: K (whole number), F (decimal number), U (text). Only columns of texts and digits change; those without a letter are texts.</source>
+        <translation>Une lettre par colonne, séparées par des virgules&#xa0;: K (nombre entier), F (nombre décimal), U (texte). Seules les colonnes de textes et de chiffres changent&#xa0;; celles sans lettre sont des textes.</translation>
+    </message>
+    <message>
+        <source>Booleans become true and false</source>
+        <translation>Les booléens deviennent true et false</translation>
+    </message>
+    <message>
+        <source>Reads booleans as the texts true and false. Off: as 1 and 0.</source>
+        <translation>Lit les booléens comme les textes true et false. Sinon, comme 1 et 0.</translation>
+    </message>
+    <message>
+        <source>Booleans, integers, dates and times</source>
+        <translation>Booléens, entiers, dates et heures</translation>
+    </message>
+    <message>
+        <source>Stores the columns of the lists ToBoolean, ToInteger, ToDate, ToDateTime and ToTime as such. Off: as texts and decimal numbers.</source>
+        <translation>Enregistre comme telles les colonnes des listes ToBoolean, ToInteger, ToDate, ToDateTime et ToTime. Sinon, comme des textes et des nombres décimaux.</translation>
+    </message>
+    <message>
+        <source>Columns stored as BOOLEAN: true and false in any letter case, or 1 and 0. Any other value is an error.</source>
+        <translation>Colonnes enregistrées en BOOLEAN&#xa0;: true et false en majuscules ou en minuscules, ou 1 et 0. Toute autre valeur est une erreur.</translation>
+    </message>
+    <message>
+        <source>Integer columns</source>
+        <translation>Colonnes d&apos;entiers</translation>
+    </message>
+    <message>
+        <source>Columns stored as INT64: whole numbers, or texts of them. Any other value is an error.</source>
+        <translation>Colonnes enregistrées en INT64&#xa0;: nombres entiers, ou leurs textes. Toute autre valeur est une erreur.</translation>
+    </message>
+    <message>
+        <source>Text columns stored as DATE, such as 2026-01-31. Any other text is an error.</source>
+        <translation>Colonnes de textes enregistrées en DATE, tels que 2026-01-31. Tout autre texte est une erreur.</translation>
+    </message>
+    <message>
+        <source>Text columns stored as TIMESTAMP in microseconds, such as 2026-01-31T04:30:05.25, all with a final Z or none. Any other text is an error.</source>
+        <translation>Colonnes de textes enregistrées en TIMESTAMP en microsecondes, tels que 2026-01-31T04:30:05.25, tous avec un Z final ou aucun. Tout autre texte est une erreur.</translation>
+    </message>
+    <message>
+        <source>Text columns stored as TIME in microseconds, such as 04:30:05. Any other text is an error.</source>
+        <translation>Colonnes de textes enregistrées en TIME en microsecondes, tels que 04:30:05. Tout autre texte est une erreur.</translation>
+    </message>
+    <message>
+        <source>Text columns that become numbers: true is 1 and false is 0, in any letter case. Other texts become missing, with a warning.</source>
+        <translation>Colonnes de textes qui deviennent des nombres&#xa0;: true donne 1 et false donne 0, en majuscules ou en minuscules. Les autres textes deviennent manquants, avec un avertissement.</translation>
+    </message>
+    <message>
+        <source>Choose rows by number, and choose, order and rename columns</source>
+        <translation>Choisir des lignes par numéro, et choisir, ordonner et renommer des colonnes</translation>
+    </message>
+    <message>
+        <source>First row</source>
+        <translation>Première ligne</translation>
+    </message>
+    <message>
+        <source>Number of the first row of the output; rows count from 1.</source>
+        <translation>Numéro de la première ligne de la sortie, à partir de 1.</translation>
+    </message>
+    <message>
+        <source>Last row</source>
+        <translation>Dernière ligne</translation>
+    </message>
+    <message>
+        <source>Number of the last row of the output; -1: the last row of the table. The input is read no further.</source>
+        <translation>Numéro de la dernière ligne de la sortie&#xa0;; -1&#xa0;: la dernière ligne de la table. L&apos;entrée n&apos;est pas lue plus loin.</translation>
+    </message>
+    <message>
+        <source>Names of the columns of the output, in order. None: all columns.</source>
+        <translation>Noms des colonnes de la sortie, dans l&apos;ordre. Aucun&#xa0;: toutes les colonnes.</translation>
+    </message>
+    <message>
+        <source>New names</source>
+        <translation>Nouveaux noms</translation>
+    </message>
+    <message>
+        <source>old=new, one per line: new names of columns of the output.</source>
+        <translation>ancien=nouveau, un par ligne&#xa0;: nouveaux noms de colonnes de la sortie.</translation>
+    </message>
+    <message>
+        <source>Keep the rows for which an expression is true</source>
+        <translation>Garder les lignes pour lesquelles une expression est vraie</translation>
+    </message>
+    <message>
+        <source>Rows to keep</source>
+        <translation>Lignes à garder</translation>
+    </message>
+    <message>
+        <source>Expression that is true for the rows of the output, for example price &gt; 10 and (name = &apos;a b&apos; or day is null). Compares columns, numbers and texts in single quotes by = != &lt; &lt;= &gt; &gt;=; &quot;a column&quot; with blanks is in double quotes.</source>
+        <translation>Expression vraie pour les lignes de la sortie, par exemple price &gt; 10 and (name = &apos;a b&apos; or day is null). Compare des colonnes, des nombres et des textes entre apostrophes par = != &lt; &lt;= &gt; &gt;=&#xa0;; &quot;une colonne&quot; avec des espaces est entre guillemets droits.</translation>
+    </message>
+    <message>
+        <source>Kinds of text columns</source>
+        <translation>Genres des colonnes de textes</translation>
+    </message>
+    <message>
+        <source>column=kind, one per line; kinds: text, integer, decimal, boolean, date, datetime, time. Text columns of the kinds integer and decimal are compared as numbers.</source>
+        <translation>colonne=genre, un par ligne&#xa0;; genres&#xa0;: text, integer, decimal, boolean, date, datetime, time. Les colonnes de textes des genres integer et decimal sont comparées comme des nombres.</translation>
+    </message>
+    <message>
+        <source>Sort the rows</source>
+        <translation>Trier les lignes</translation>
+    </message>
+    <message>
+        <source>Sort by</source>
+        <translation>Trier par</translation>
+    </message>
+    <message>
+        <source>Names of columns, the most significant first; -NAME: descending. Missing cells come last in both directions. Rows with equal keys keep their order.</source>
+        <translation>Noms de colonnes, la plus importante d&apos;abord&#xa0;; -NAME&#xa0;: ordre décroissant. Les cellules manquantes viennent en dernier dans les deux sens. Les lignes de clés égales gardent leur ordre.</translation>
+    </message>
+    <message>
+        <source>Change the types of columns</source>
+        <translation>Changer les types des colonnes</translation>
+    </message>
+    <message>
+        <source>Values that do not fit</source>
+        <translation>Valeurs inadaptées</translation>
+    </message>
+    <message>
+        <source>What happens to a value that the new type does not have.</source>
+        <translation>Ce qu&apos;il advient d&apos;une valeur que le nouveau type ne permet pas.</translation>
+    </message>
+    <message>
+        <source>fail</source>
+        <translation>signaler une erreur</translation>
+    </message>
+    <message>
+        <source>The run fails and names row, column and value.</source>
+        <translation>L&apos;exécution échoue et nomme la ligne, la colonne et la valeur.</translation>
+    </message>
+    <message>
+        <source>The cell becomes missing; a warning counts them.</source>
+        <translation>La cellule devient manquante&#xa0;; un avertissement les compte.</translation>
+    </message>
+    <message>
+        <source>Types</source>
+        <translation>Types</translation>
+    </message>
+    <message>
+        <source>column=LETTER, one per line: K (whole number), F (decimal number), U (text). Other columns stay as they are.</source>
+        <translation>colonne=LETTRE, une par ligne&#xa0;: K (nombre entier), F (nombre décimal), U (texte). Les autres colonnes restent inchangées.</translation>
+    </message>
+    <message>
+        <source>Join the rows of two tables that have equal keys</source>
+        <translation>Joindre les lignes de deux tables qui ont des clés égales</translation>
+    </message>
+    <message>
+        <source>Rows without a partner</source>
+        <translation>Lignes sans correspondance</translation>
+    </message>
+    <message>
+        <source>Which rows without a partner are in the output.</source>
+        <translation>Lignes sans correspondance qui sont dans la sortie.</translation>
+    </message>
+    <message>
+        <source>inner</source>
+        <translation>aucune</translation>
+    </message>
+    <message>
+        <source>left</source>
+        <translation>de la première table</translation>
+    </message>
+    <message>
+        <source>full</source>
+        <translation>des deux tables</translation>
+    </message>
+    <message>
+        <source>Only rows that have a partner in the other table.</source>
+        <translation>Seulement les lignes qui ont une correspondance dans l&apos;autre table.</translation>
+    </message>
+    <message>
+        <source>Also the rows of the first table without a partner.</source>
+        <translation>Aussi les lignes de la première table sans correspondance.</translation>
+    </message>
+    <message>
+        <source>Also the rows of both tables without a partner.</source>
+        <translation>Aussi les lignes des deux tables sans correspondance.</translation>
+    </message>
+    <message>
+        <source>Suffix</source>
+        <translation>Suffixe</translation>
+    </message>
+    <message>
+        <source>Added to the name of a column of the second table that the first has too.</source>
+        <translation>Ajouté au nom d&apos;une colonne de la deuxième table que la première a aussi.</translation>
+    </message>
+    <message>
+        <source>Keys</source>
+        <translation>Clés</translation>
+    </message>
+    <message>
+        <source>Columns whose values must be equal: NAME if both tables have it, else NAME=NAME of the second table. Missing cells are equal to nothing.</source>
+        <translation>Colonnes dont les valeurs doivent être égales&#xa0;: NAME si les deux tables l&apos;ont, sinon NAME=NAME de la deuxième table. Une cellule manquante n&apos;est égale à rien.</translation>
+    </message>
+    <message>
+        <source>Append tables to each other</source>
+        <translation>Réunir des tables bout à bout</translation>
+    </message>
+    <message>
+        <source>Columns that belong together</source>
+        <translation>Colonnes à réunir</translation>
+    </message>
+    <message>
+        <source>Which columns of the tables become one column of the output.</source>
+        <translation>Colonnes des tables qui deviennent une même colonne de la sortie.</translation>
+    </message>
+    <message>
+        <source>by position</source>
+        <translation>par position</translation>
+    </message>
+    <message>
+        <source>by name, all equal</source>
+        <translation>par nom, tous égaux</translation>
+    </message>
+    <message>
+        <source>The output has every column of every table; cells of other tables are missing.</source>
+        <translation>La sortie a toutes les colonnes de toutes les tables&#xa0;; les cellules des autres tables sont manquantes.</translation>
+    </message>
+    <message>
+        <source>All tables have the same number of columns; the names are those of the first.</source>
+        <translation>Toutes les tables ont le même nombre de colonnes&#xa0;; les noms sont ceux de la première.</translation>
+    </message>
+    <message>
+        <source>All tables have the same names in the same order; anything else is an error.</source>
+        <translation>Toutes les tables ont les mêmes noms dans le même ordre&#xa0;; tout autre cas est une erreur.</translation>
+    </message>
 </context>
 <context>
     <name>Problems</name>
@@ -2666,6 +3030,54 @@
     <message>
         <source>XML elements &apos;%1&apos;</source>
         <translation>des éléments XML «&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; has no number format after the column&apos;s name</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;a pas de format de nombre après le nom de la colonne</translation>
+    </message>
+    <message>
+        <source>the number format in &apos;%1&apos; has more than 255 characters</source>
+        <translation>le format de nombre dans «&#xa0;%1&#xa0;» a plus de 255 caractères</translation>
+    </message>
+    <message>
+        <source>the number format in &apos;%1&apos; has a control character</source>
+        <translation>le format de nombre dans «&#xa0;%1&#xa0;» a un caractère de contrôle</translation>
+    </message>
+    <message>
+        <source>the number format in &apos;%1&apos; has a text without its closing quote</source>
+        <translation>le format de nombre dans «&#xa0;%1&#xa0;» a un texte sans guillemet fermant</translation>
+    </message>
+    <message>
+        <source>the number format in &apos;%1&apos; has a [ without its ]</source>
+        <translation>le format de nombre dans «&#xa0;%1&#xa0;» a un [ sans son ]</translation>
+    </message>
+    <message>
+        <source>the number format in &apos;%1&apos; has letters without a meaning: write texts in double quotes</source>
+        <translation>le format de nombre dans «&#xa0;%1&#xa0;» a des lettres sans signification&#xa0;: les textes s&apos;écrivent entre guillemets droits</translation>
+    </message>
+    <message>
+        <source>the number format in &apos;%1&apos; has more than four sections</source>
+        <translation>le format de nombre dans «&#xa0;%1&#xa0;» a plus de quatre sections</translation>
+    </message>
+    <message>
+        <source>the number format in &apos;%1&apos; ends with \, _ or *, which need a character after them</source>
+        <translation>le format de nombre dans «&#xa0;%1&#xa0;» se termine par \, _ ou *, qui demandent un caractère à leur suite</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; does not have the form COLUMN=FORMAT</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;a pas la forme COLUMN=FORMAT</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not a style (bold, fill or bold,fill)</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;est pas un style (bold, fill ou bold,fill)</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not a width (auto, or numbers from 1 to 255, separated by commas)</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;est pas une largeur (auto, ou nombres de 1 à 255, séparés par des virgules)</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not allowed (newSheet or empty)</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;est pas autorisé (newSheet ou vide)</translation>
     </message>
 </context>
 <context>
