@@ -23,7 +23,7 @@ FOLDERS = ["codecs", "io"]
 ASKED_SCORE = 0.85
 # Small files of the corpus that are inputs of a target, after the bytes that choose its options.
 DATA_SETS = ("*.sas7bdat", "*.sav", "*.por", "*.dta", "*.xpt")
-CORPUS_FILES = {"gzip": {"archives/gz/*": b""}, "lzw": {"archives/Z/*": b""}, "rar": {"archives/rar/*": b""}, "zip": {"archives/zip/*": b""},
+CORPUS_FILES = {"packed": {"archives/gz/*": b"", "archives/Z/*": b""}, "rar": {"archives/rar/*": b""}, "zip": {"archives/zip/*": b""},
                 "biff": {"xls/*.xls": b""}, "dbf": {"dbf/*.dbf": bytes(3)}, "parquet": {"parquet/*.parquet": bytes(1)},
                 "document": {"docx/*.docx": bytes([12]), "pptx/*.pptx": bytes([29])},
                 "stat_check": {f"stat/**/{pattern}": bytes([i]) for i, pattern in enumerate(DATA_SETS)},
