@@ -128,8 +128,11 @@ double ColumnMeter::textWidth(size_t column, std::u16string_view text) const
         }
     }
     const int digits = m_setup.dateDigits[column];
-    const double least = digits > 0 ? std::max<double>(digits, m_formatWidths[column]) : 0;
-    return std::max(least - kMargins, widthOfText(text));
+    if (digits > 0) {
+        // Programs show the date in its format, whatever the text is.
+        return std::max<double>(digits, m_formatWidths[column]) - kMargins;
+    }
+    return widthOfText(text);
 }
 
 std::vector<double> ColumnMeter::widths() const

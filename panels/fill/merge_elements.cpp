@@ -27,7 +27,9 @@ QStringList keyOf(const ParameterInfo &list, const Element &element)
 {
     QStringList key;
     for (const ParameterInfo &member : list.members) {
-        if (member.place == ParameterInfo::Place::Attribute && member.name != kName) {
+        // Paths are texts; what else a level has does not make it another one.
+        if (member.place == ParameterInfo::Place::Attribute &&
+            member.type == ParameterInfo::Type::Text && member.name != kName) {
             key << memberValue(element, member);
         }
     }

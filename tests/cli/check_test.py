@@ -289,7 +289,7 @@ class Missing(Case):
     def test_forms_of_text_files(self):
         self.graph(self.writer("<writeCSV fileName='o.csv' encoding='no' lineEnd='cr'/>"),
                    reader="<readCSV fileName='in.csv' encoding='none' decimal='' quote=',' ragged='x'><dateFormat><s>day</s></dateFormat></readCSV>")
-        self.assertEqual([text.split(": ")[2] for _, text in self.problems("check", status=2)], [
+        self.assertCountEqual([text.split(": ")[2] for _, text in self.problems("check", status=2)], [
             "the encoding 'none' is unknown", "decimal='' is not one ASCII character other than the separator",
             "quote=',' is not one ASCII character other than the separator", "'day' is not of the form COLUMN=FORMAT",
             "ragged='x' is neither 'error' nor 'fill'", "the encoding 'no' is unknown", "lineEnd='cr' is neither 'lf' nor 'crlf'"])

@@ -104,7 +104,8 @@ class Streams(Case):
         self.put("t.csv", 'a,b\n1,"x\ny"\n,""\n,\n')
         self.convert("t.csv", "out.jsonl")
         lines = [json.loads(line) for line in self.content("out.jsonl").decode().splitlines()]
-        self.assertEqual([str(lines[0]["a"]), lines[0]["b"], lines[1], lines[2]], ["1", "x\ny", {"b": ""}, {}])
+        self.assertEqual([str(lines[0]["a"]), lines[0]["b"], lines[1], lines[2]],
+                         ["1", "x\ny", {"a": None, "b": ""}, {"a": None, "b": None}])
 
     def test_members_of_archives(self):
         def pack(name, members):

@@ -170,7 +170,7 @@ TEST(AutoFills, LevelsAreOneStepThatCanBeUndone)
     editor.open();
     editor.click(u"start"_s);
     EXPECT_TRUE(editor.find<QPushButton>(u"stop"_s)->isVisible());
-    ASSERT_TRUE(editor.waitForNote(u"Columns added: 2."_s));
+    ASSERT_TRUE(editor.waitForNote(u"Columns added: 2; new levels: 1."_s));
     EXPECT_TRUE(editor.value(u"Level"_s).contains("customer"_L1));
     EXPECT_EQ(editor.value(u"warnUnread"_s), u"1"_s) << "a setting that new levels need";
     EXPECT_EQ(editor.edits, 1);
@@ -214,7 +214,7 @@ TEST(AutoFills, TheUserChoosesAmongSeveralTables)
     EXPECT_EQ(tables->currentIndex(), 0) << "the one with more values";
     QTest::keyClick(tables, Qt::Key_Down);
     editor.click(u"use"_s);
-    ASSERT_TRUE(editor.waitForNote(u"Columns added: 2."_s));
+    ASSERT_TRUE(editor.waitForNote(u"Columns added: 2; new levels: 1."_s));
     EXPECT_FALSE(tables->isVisible());
     EXPECT_TRUE(editor.value(u"Level"_s).contains("'z'"_L1));
 }
