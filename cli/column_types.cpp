@@ -102,6 +102,14 @@ CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const
     return kinds;
 }
 
+QVector<ColumnKind> losslessKinds(QVector<ColumnKind> kinds)
+{
+    for (ColumnKind &kind : kinds) {
+        kind.kind = kind.exception.isEmpty() ? kind.kind : ValueKind::Text;
+    }
+    return kinds;
+}
+
 QStringList castsFor(const QVector<ColumnKind> &kinds, ActionParameters *reader)
 {
     const bool hasNumbers = std::any_of(kinds.begin(), kinds.end(),

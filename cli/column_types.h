@@ -28,6 +28,10 @@ CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const
                                                  ActionParameters *reader,
                                                  ActionParameters::KindExtent extent);
 
+/// The kinds that a file of another format has: numbers of which a digit would be lost are texts.
+/// They are numbers only where they are compared.
+QVector<ColumnKind> losslessKinds(QVector<ColumnKind> kinds);
+
 /// Make the reader give numbers for the columns with the letters K and F. Returns the parameter
 /// `types` of the action `cast` that must do it instead, in order; empty: none is needed.
 QStringList castsFor(const QVector<ColumnKind> &kinds, ActionParameters *reader);

@@ -237,7 +237,8 @@ CommandResult<void> checkContent(const CommandLine &line, const FileArgument &fi
         line.values.contains(u"--encoding"_s) ||
         std::any_of(settings.begin(), settings.end(),
                     [](const QString &setting) { return setting.startsWith("encoding="_L1); });
-    const bool isPacked = file.name.endsWith(".gz"_L1) || file.name.endsWith(".Z"_L1);
+    const bool isPacked = file.name.endsWith(".gz"_L1) || file.name.endsWith(".Z"_L1) ||
+                          file.name.endsWith(".rar"_L1);
     const QString content = isText(file.extension) && !isPacked && !isEncodingGiven
                                 ? binaryContent(file.name)
                                 : QString();
@@ -383,7 +384,7 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
         if (!kinds) {
             return kinds.fault();
         }
-        facts->kinds = *std::move(kinds);
+        facts->kinds = losslessKinds(*std::move(kinds));
         facts->notes = dynamic_cast<ActionParameters *>(input->get())->columnNotes();
     }
     return addAction(graph, id, **input);

@@ -6,9 +6,11 @@
 // Each of those between the readers and the writer exists only if an option needs it.
 #include "cli/convert/pipeline.h"
 
+#include "cli/column_types.h"
 #include "cli/convert/file_arguments.h"
 #include "cli/file_types.h"
 #include "cli/input_graph.h"
+#include "corvanta/main_ui.h"
 
 #include <algorithm>
 #include <limits>
@@ -135,16 +137,20 @@ QStringList kindSettings(const QVector<ColumnKind> &kinds)
     return settings;
 }
 
+bool isNumber(ValueKind kind)
+{
+    return kind == ValueKind::Integer || kind == ValueKind::Decimal;
+}
+
 /// The kind that values of both kinds have.
 ColumnKind joined(const ColumnKind &a, const ColumnKind &b)
 {
-    const auto isNumber = [](const ColumnKind &of) {
-        return of.kind == ValueKind::Integer || of.kind == ValueKind::Decimal;
-    };
-    ColumnKind result = a;
-    if (isNumber(a) && isNumber(b) && a.letter != 'U' && b.letter != 'U') {
+    ColumnKind result = a.exception.isEmpty() ? b : a;
+    if (isNumber(a.kind) && isNumber(b.kind)) {
         result.kind = a.kind == b.kind ? a.kind : ValueKind::Decimal;
-        result.letter = a.letter == b.letter ? a.letter : 'F';
+        result.letter = a.letter == b.letter                 ? a.letter
+                        : a.letter == 'U' || b.letter == 'U' ? 'U'
+                                                             : 'F';
     } else if (a.kind != b.kind || a.letter != b.letter) {
         result.kind = ValueKind::Text;
         result.letter = 'U';
@@ -187,6 +193,20 @@ CommandResult<QStringList> renameColumns(const CommandLine &line, Chain *chain)
     return settings;
 }
 
+/// Say which keys of --sort are sorted as texts although their first values are numbers.
+void noteMixedKeys(const QStringList &keys, const QVector<ColumnKind> &kinds)
+{
+    for (const ColumnKind &kind : kinds) {
+        const bool isKey = keys.contains(kind.column) || keys.contains(u'-' + kind.column);
+        if (isKey && kind.kind == ValueKind::Text && isNumber(kind.before)) {
+            MainUI::addLog(
+                MainUI::Info,
+                u"The column '%1' is sorted as texts: '%2' in %3 is not a number like the values before it"_s
+                    .arg(kind.column, kind.exception, kind.exceptionPlace));
+        }
+    }
+}
+
 /// Add the actions for --where, --sort, --rows, --limit, --select and --rename, in this order.
 CommandResult<void> appendRowActions(const CommandLine &line, const ActionRegistry &registry,
                                      Chain *chain)
@@ -209,6 +229,7 @@ CommandResult<void> appendRowActions(const CommandLine &line, const ActionRegist
         }
     }
     if (!keys->isEmpty()) {
+        noteMixedKeys(*keys, chain->kinds);
         if (auto added = chain->append(registry, u"sort"_s, settingsOf(u"keys"_s, *keys) + kinds);
             !added) {
             return added;
@@ -362,7 +383,7 @@ CommandResult<CorvantaGraph> makePipeline(const CommandLine &line, const ActionR
         return added.fault();
     }
     if (parameters->needsColumnKinds()) {
-        parameters->setColumnKinds(chain.kinds);
+        parameters->setColumnKinds(losslessKinds(chain.kinds));
     }
     if (parameters->needsColumnLabels()) {
         parameters->setColumnLabels(chain.notes);

@@ -4,6 +4,7 @@
 #include "codecs/expression/condition.h"
 
 #include "base/number.h"
+#include "codecs/values/number_value.h"
 
 #include <compare>
 
@@ -92,6 +93,7 @@ Result<Condition::BoundOperand, Error> Condition::bindOperand(const Operand &ope
 {
     BoundOperand bound;
     bound.number = operand.number;
+    bound.rest = values::integerRest(operand.text.toStdU16String(), operand.number);
     if (operand.kind == Operand::Kind::Text) {
         bound.source = Source::Text;
         bound.text = operand.text.toStdU16String();
@@ -229,7 +231,20 @@ Condition::Truth Condition::compareNumbers(const BoundNode &node, const RowView 
     if (!number(node.left, row, &left) || !number(node.right, row, &right)) {
         return Truth::Unknown;
     }
-    return holds(node.comparison, left <=> right) ? Truth::True : Truth::False;
+    std::partial_ordering order = left <=> right;
+    if (order == 0 && std::abs(left) >= values::kInexactFrom) {
+        order = restOf(node.left, left, row) <=> restOf(node.right, right, row);
+    }
+    return holds(node.comparison, order) ? Truth::True : Truth::False;
+}
+
+/// By how much an operand with many digits is greater than its value as a double.
+qint64 Condition::restOf(const BoundOperand &operand, double value, const RowView &row)
+{
+    if (operand.source != Source::TextNumberCell) {
+        return operand.rest;
+    }
+    return values::integerRest(cell::readText(row.cells[operand.column]).view(), value);
 }
 
 /// The number of an operand that is not missing. Returns false for a text that is not a number.

@@ -37,6 +37,7 @@ private:
     {
         Source source = Source::Number;
         double number = 0;
+        qint64 rest = 0;     // what a literal with many digits is more than `number`
         std::u16string text; // of a literal, so that comparisons need no conversion
         int column = -1;     // in the table
         bool isNumber() const { return source != Source::Text && source != Source::TextCell; }
@@ -65,6 +66,7 @@ private:
     Truth evaluateChain(const BoundNode &node, const RowView &row);
     Truth compare(const BoundNode &node, const RowView &row);
     Truth compareNumbers(const BoundNode &node, const RowView &row);
+    static qint64 restOf(const BoundOperand &operand, double value, const RowView &row);
     /// Returns false after a fault.
     bool number(const BoundOperand &operand, const RowView &row, double *value);
     void failMismatch(const BoundNode &node, const RowView &row);

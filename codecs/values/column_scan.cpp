@@ -13,12 +13,11 @@ std::optional<Kind> ColumnScan::joinedDifferent(Kind a, Kind b)
     return isPair(Kind::Date, Kind::DateTime) ? std::optional(Kind::DateTime) : std::nullopt;
 }
 
-/// The value decides: m_kind remains what the values before it are.
-void ColumnScan::becomeText(std::string_view text, const QString &place)
+void ColumnScan::except(std::string_view text, const QString &place)
 {
     constexpr qsizetype kShownBytes = 240;
     constexpr qsizetype kShownUnits = 60;
-    m_isText = true;
+    m_before = m_kind;
     const QString shown =
         QString::fromUtf8(text.data(), std::min(static_cast<qsizetype>(text.size()), kShownBytes));
     m_exception =
@@ -29,11 +28,11 @@ void ColumnScan::becomeText(std::string_view text, const QString &place)
 ColumnResult ColumnScan::result() const
 {
     if (m_isText) {
-        return {Kind::Text, 'U', m_exception, m_exceptionPlace, m_kind};
+        return {Kind::Text, 'U', m_exception, m_exceptionPlace, m_before};
     }
     const bool isNumber = m_kind == Kind::Integer || m_kind == Kind::Decimal;
     if (!isNumber || !m_isExact) {
-        return {m_kind, 'U', {}, {}, Kind::Text};
+        return {m_kind, 'U', m_exception, m_exceptionPlace, m_before};
     }
     return {m_kind, m_kind == Kind::Integer && m_isKey ? 'K' : 'F', {}, {}, Kind::Text};
 }

@@ -18,7 +18,8 @@ struct ColumnResult
     /// Of cells that hold all values without loss: K, F or U.
     char letter = 'U';
     /// Of a Text that has values: the first one that is not of the kind of those before it, cut if
-    /// it is long, and its place.
+    /// it is long, and its place. Of a number in cells of texts, whose format has no types: the
+    /// first value that a double does not hold; in files such a column is a text.
     QString exception;
     QString exceptionPlace;
     Kind before = Kind::Text; ///< the kind of the values before it; Text: it is the first value
@@ -32,12 +33,14 @@ public:
     bool isDecided() const { return m_isText; }
 
     /// A value of a format without types. `place` returns where it is, for people; it is called at
-    /// most once in the life of the object.
+    /// most twice in the life of the object.
     template <class Place> void add(std::string_view text, Place &&place, char decimalPoint = '.')
     {
         if (!m_isText) {
-            Form form = formOf(text, decimalPoint);
-            form.kind = form.isExact ? form.kind : Kind::Text;
+            const Form form = formOf(text, decimalPoint);
+            if (!form.isExact && m_isExact) {
+                except(text, place());
+            }
             join(form, text, place);
         }
     }
@@ -80,7 +83,8 @@ private:
         m_isKey = m_isKey && form.isKey;
         m_isExact = m_isExact && form.isExact;
         if (!kind || *kind == Kind::Text || form.isUtc != m_isUtc) {
-            becomeText(text, place());
+            m_isText = true;
+            except(text, place());
         } else {
             m_kind = *kind;
         }
@@ -92,7 +96,8 @@ private:
         return a == b ? std::optional(a) : joinedDifferent(a, b);
     }
     static std::optional<Kind> joinedDifferent(Kind a, Kind b);
-    void becomeText(std::string_view text, const QString &place);
+    /// The value decides: m_kind is what the values before it are.
+    void except(std::string_view text, const QString &place);
 
     Kind m_kind = Kind::Text;
     bool m_hasValues = false;
@@ -102,6 +107,7 @@ private:
     bool m_isExact = true;
     QString m_exception;
     QString m_exceptionPlace;
+    Kind m_before = Kind::Text; // the values before the exception
 };
 
 } // namespace corvanta::values

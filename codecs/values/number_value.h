@@ -6,6 +6,7 @@
 #include "base/number.h"
 
 #include <cmath>
+#include <limits>
 #include <string_view>
 
 namespace corvanta::values {
@@ -26,6 +27,26 @@ inline bool parseFinite(std::string_view text, double *value)
 {
     return !text.empty() && parseDouble(text, value) &&
            (!std::isinf(*value) || text.back() < '0' || text.back() > '9');
+}
+
+/// From this size on, a double does not hold every integer.
+inline constexpr double kInexactFrom = 0x1p53;
+
+/// By how much the integer `text` is greater than `nearest`, the value of parseDouble() for it, so
+/// that both together compare exactly. 0 for other texts, and for integers of 2^64 and more.
+inline qint64 integerRest(std::u16string_view text, double nearest)
+{
+    const bool isNegative = text.starts_with(u'-');
+    quint64 size = 0;
+    if (std::abs(nearest) < kInexactFrom ||
+        !parseUInt(text.substr(isNegative ? 1 : 0), std::numeric_limits<quint64>::max(), &size)) {
+        return 0;
+    }
+    // The difference is small, so that it does not matter that 2^64 wraps to 0.
+    const double whole = std::abs(nearest);
+    const auto rest =
+        static_cast<qint64>(size - (whole < 0x1p64 ? static_cast<quint64>(whole) : 0));
+    return isNegative ? -rest : rest;
 }
 
 } // namespace corvanta::values

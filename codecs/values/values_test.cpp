@@ -194,7 +194,8 @@ TEST(ColumnScan, NamesTheValueThatDecides)
     EXPECT_EQ(columnOf({"1", "2", "n/a", "x"}), "-U n/a@3 i");
     EXPECT_EQ(columnOf({"x", "1"}), "-U x@1 -");
     EXPECT_EQ(columnOf({"1", "007"}), "-U 007@2 i");
-    EXPECT_EQ(columnOf({"1.5", "12345678901234567"}), "-U 12345678901234567@2 d");
+    EXPECT_EQ(columnOf({"1.5", "12345678901234567", "1"}), "dU 12345678901234567@2 d");
+    EXPECT_EQ(columnOf({"12345678901234567", "1", "x"}), "-U x@3 i");
     EXPECT_EQ(columnOf({"2026-01-31", "04:30"}), "-U 04:30@2 D");
     EXPECT_EQ(columnOf({"true", "1"}), "-U 1@2 b");
     EXPECT_EQ(columnOf({"2026-01-31T04:30", "2026-01-31T04:30Z"}), "-U 2026-01-31T04:30Z@2 T");

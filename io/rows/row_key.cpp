@@ -5,13 +5,15 @@
 //   column
 //
 //   number   8 bytes, big-endian: the bits of the double, inverted if it is negative, else with the
-//            sign bit set
+//            sign bit set; from 2^53 on 8 more bytes, big-endian: what an integer in a text is
+//            more than the double, with the sign bit inverted
 //   text     UTF-8 (lone surrogates in the three bytes of their code point), 0x00 as 00 01; the end
 //            is 00 00
 #include "io/rows/row_key.h"
 
 #include "base/number.h"
 #include "base/utf.h"
+#include "codecs/values/number_value.h"
 
 #include <QChar>
 
@@ -26,13 +28,19 @@ constexpr char kMissing = '\xFF';
 constexpr char kPresent = '\0';
 constexpr qsizetype kNumberBytes = 8;
 
+constexpr quint64 kSign = quint64(1) << 63;
+
 /// All NaN values become one, so that they are equal.
-char *putNumber(double value, char *out)
+char *putNumber(double value, qint64 rest, char *out)
 {
-    constexpr quint64 kSign = quint64(1) << 63;
     value = std::isnan(value) ? std::numeric_limits<double>::quiet_NaN() : value;
     const auto bits = std::bit_cast<quint64>(value + 0.0); // -0 becomes 0
     storeBE(quint64((bits & kSign) != 0 ? ~bits : bits | kSign), out);
+    out += kNumberBytes;
+    if (std::abs(value) < values::kInexactFrom) {
+        return out;
+    }
+    storeBE(quint64(rest) ^ kSign, out);
     return out + kNumberBytes;
 }
 
@@ -69,7 +77,7 @@ qsizetype KeyEncoder::bytesAtMost(const uchar *const *cells) const
     qsizetype bytes = 0;
     for (const KeyColumn &column : m_columns) {
         const bool isText = column.type == cell::Type::Text;
-        bytes += 1 + kNumberBytes +
+        bytes += 1 + 2 * kNumberBytes +
                  (isText ? cell::readText(cells[column.column]).size() * kUtf8BytesPerUnit : 0);
     }
     return bytes;
@@ -111,11 +119,11 @@ char *KeyEncoder::putValue(const KeyColumn &column, const uchar *cell, char *out
 {
     if (column.type == cell::Type::Key) {
         const auto key = loadNative<quint32>(cell);
-        return cell::isMissingKey(key) ? out : putNumber(key, out);
+        return cell::isMissingKey(key) ? out : putNumber(key, 0, out);
     }
     if (column.type == cell::Type::Double) {
         const auto value = loadNative<double>(cell);
-        return cell::isMissingDouble(value) ? out : putNumber(value, out);
+        return cell::isMissingDouble(value) ? out : putNumber(value, 0, out);
     }
     const cell::Text text = cell::readText(cell);
     if (text.isMissing()) {
@@ -125,7 +133,9 @@ char *KeyEncoder::putValue(const KeyColumn &column, const uchar *cell, char *out
     if (!column.hasNumbers) {
         return putText(text.view(), out);
     }
-    return parseDouble(text.view(), &value) ? putNumber(value, out) : nullptr;
+    return parseDouble(text.view(), &value)
+               ? putNumber(value, values::integerRest(text.view(), value), out)
+               : nullptr;
 }
 
 } // namespace corvanta::rows
