@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -22,6 +23,7 @@ using Use = FileFormat::Use;
 constexpr auto kInputName = "/dev/stdin"_L1;
 constexpr auto kOutputName = "/dev/stdout"_L1;
 constexpr auto kStream = "-"_L1;
+constexpr auto kRar = ".rar"_L1;
 
 /// The formats that can be written to standard output: in order, without seeking.
 bool isStreamed(const QString &extension)
@@ -103,14 +105,35 @@ QString listOf(const QString &archive, const QStringList &members)
     return members.size() > kListed ? text + u"\n  ..."_s : text;
 }
 
+Fault<ExitStatus> unreadable(const QString &archive, const QString &reason)
+{
+    return {kFailed, u"cannot read the archive '%1': %2"_s.arg(archive, reason)};
+}
+
+QString formatOf(const QString &member, const QString &format)
+{
+    return format.isEmpty() ? extensionOf(Use::Read, member) : format;
+}
+
+/// A member of a RAR archive, which is read by the name of the archive if it is the first one.
+CommandResult<FileArgument> rarMember(const QString &archive, const QString &member,
+                                      const QStringList &members, const QString &format)
+{
+    if (member != members[0]) {
+        return badUsage(
+            u"only the first file of a RAR archive can be read, and that of '%1' is '%2'; unpack the archive to read '%3'"_s
+                .arg(archive, members[0], member));
+    }
+    return FileArgument{archive, formatOf(member, format)};
+}
+
 /// The only member of an archive that can be read.
 CommandResult<FileArgument> memberOf(const QString &archive, const QString &format,
                                      const ActionRegistry &registry)
 {
     const auto members = input::archiveMembers(archive);
     if (!members) {
-        return Fault{kFailed,
-                     u"cannot read the archive '%1': %2"_s.arg(archive, members.fault().detail)};
+        return unreadable(archive, members.fault().detail);
     }
     const QStringList readable = readableMembers(*members, format, registry);
     if (readable.isEmpty()) {
@@ -119,14 +142,31 @@ CommandResult<FileArgument> memberOf(const QString &archive, const QString &form
             members->isEmpty() ? QString() : u". It contains:"_s + listOf(archive, *members)));
     }
     if (readable.size() > 1) {
-        return badUsage(u"the archive '%1' contains %2 files that can be read. Choose one:%3"_s.arg(
-            archive, QString::number(readable.size()), listOf(archive, readable)));
+        const QString limit = archive.endsWith(kRar)
+                                  ? u" (the first file of a RAR archive; unpack it for others)"_s
+                                  : QString();
+        return badUsage(
+            u"the archive '%1' contains %2 files that can be read. Choose one%3:%4"_s.arg(
+                archive, QString::number(readable.size()), limit, listOf(archive, readable)));
     }
-    const QString &member = readable[0];
-    // Of a RAR archive only this file can be read, and its name has no member.
-    const bool isRar = archive.endsWith(".rar"_L1);
-    return FileArgument{isRar ? archive : archive + u'@' + member,
-                        format.isEmpty() ? extensionOf(Use::Read, member) : format};
+    return archive.endsWith(kRar)
+               ? rarMember(archive, readable[0], *members, format)
+               : CommandResult<FileArgument>(
+                     FileArgument{archive + u'@' + readable[0], formatOf(readable[0], format)});
+}
+
+/// The file of "archive.rar@member"; nothing for other words.
+std::optional<CommandResult<FileArgument>> namedRarMember(const QString &word,
+                                                          const QString &format)
+{
+    const qsizetype at = word.indexOf(".rar@"_L1);
+    if (at < 0 || QFileInfo::exists(word)) {
+        return std::nullopt;
+    }
+    const QString archive = word.left(at + kRar.size());
+    const auto members = input::archiveMembers(archive);
+    return members ? rarMember(archive, word.mid(archive.size() + 1), *members, format)
+                   : unreadable(archive, members.fault().detail);
 }
 
 /// The beginnings of files that have other extensions than those of texts.
@@ -185,6 +225,9 @@ CommandResult<FileArgument> inputFile(const CommandLine &line, const QString &wo
         return format->isEmpty() ? badUsage(u"'-' is standard input: --from FORMAT must name its "
                                             "format (for example --from csv)"_s)
                                  : CommandResult<FileArgument>(FileArgument{kInputName, *format});
+    }
+    if (const auto member = namedRarMember(word, *format)) {
+        return *member;
     }
     if (input::isArchive(word)) {
         return memberOf(word, *format, registry);

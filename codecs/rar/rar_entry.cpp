@@ -243,9 +243,9 @@ Result<Entry, Error> readEntry(const Block &block, qint64 offset)
     return entry;
 }
 
-Result<Entry, Error> firstEntry(ByteSource &source)
+/// The first entry at `offset`, the start of a block, or after it.
+Result<Entry, Error> nextEntry(ByteSource &source, qint64 offset)
 {
-    qint64 offset = kMarker4Bytes;
     for (int i = 0; i < kMaxBlocks; ++i) {
         auto block = readBlock(source, offset);
         if (!block) {
@@ -456,9 +456,9 @@ Result<Entry, Error> readEntry(const Block &block, qint64 offset)
     return entry;
 }
 
-Result<Entry, Error> firstEntry(ByteSource &source)
+/// The first entry at `offset`, the start of a block, or after it.
+Result<Entry, Error> nextEntry(ByteSource &source, qint64 offset)
 {
-    qint64 offset = kMarker5Bytes;
     for (int i = 0; i < kMaxBlocks; ++i) {
         auto block = readBlock(source, offset);
         if (!block) {
@@ -494,13 +494,29 @@ Result<Entry, Error> readFirstEntry(ByteSource &source)
     }
     if (marker->size() == kMarker5Bytes &&
         std::memcmp(marker->constData(), kMarker5, kMarker5Bytes) == 0) {
-        return v5::firstEntry(source);
+        return v5::nextEntry(source, kMarker5Bytes);
     }
     if (marker->size() >= kMarker4Bytes &&
         std::memcmp(marker->constData(), kMarker4, kMarker4Bytes) == 0) {
-        return v4::firstEntry(source);
+        return v4::nextEntry(source, kMarker4Bytes);
     }
     return Fault<Error>{Error::NotRar, QStringLiteral("it does not start like a RAR archive"), 0};
+}
+
+Result<QStringList, Error> entryNames(ByteSource &source)
+{
+    QStringList names;
+    auto entry = readFirstEntry(source);
+    if (!entry) {
+        return entry.fault();
+    }
+    while (entry) {
+        names << entry->name;
+        const qint64 end = entry->dataAt + entry->packedSize;
+        entry =
+            entry->format == Format::Rar4 ? v4::nextEntry(source, end) : v5::nextEntry(source, end);
+    }
+    return names;
 }
 
 } // namespace corvanta::rar

@@ -7,6 +7,7 @@
 #include "base/result.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -57,5 +58,9 @@ struct Entry
 /// Read the headers from the start of `source`, which must be able to seek. A fault's detail is a
 /// text for the user. Errors: all of Error.
 Result<Entry, Error> readFirstEntry(ByteSource &source);
+
+/// The names of all entries that are not folders, in order, up to one that cannot be unpacked.
+/// There is at least one; errors as readFirstEntry().
+Result<QStringList, Error> entryNames(ByteSource &source);
 
 } // namespace corvanta::rar

@@ -40,11 +40,11 @@ Result<QStringList, OpenError> zipMembers(const QString &path, MyReadFile &file)
 
 Result<QStringList, OpenError> rarMembers(const QString &path, MyReadFile &file)
 {
-    const auto entry = rar::readFirstEntry(file);
-    if (!entry) {
-        return Fault{OpenError::Refused, reasonOf(path, file, entry.fault().detail)};
+    auto names = rar::entryNames(file);
+    if (!names) {
+        return Fault{OpenError::Refused, reasonOf(path, file, names.fault().detail)};
     }
-    return QStringList{entry->name};
+    return *std::move(names);
 }
 
 } // namespace
