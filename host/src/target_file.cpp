@@ -378,6 +378,9 @@ void TargetFile::discard()
         m_file->truncate(m_oldSize);
     }
     const bool isCreated = m_appends && !m_existed;
+    if (m_temporary.isEmpty() && !m_appends && m_file->position() > 0) {
+        MainUI::logSink()->addWrittenFile(m_target); // what it has cannot be taken back
+    }
     // Close before removing: an open file cannot be removed on Windows.
     m_file.reset();
     const QString &unfinished = isCreated ? m_target : m_temporary;
