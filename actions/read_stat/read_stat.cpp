@@ -87,7 +87,7 @@ bool ActionReadStat::prepare()
 bool ActionReadStat::startSeries(const QStringList &files)
 {
     FileSeries::Options options;
-    options.fileNameColumn = m_params.outputFilenames ? u"_Filename"_s : QString();
+    options.fileNameColumn = m_params.outputFilenames ? m_params.fileNameColumn : QString();
     m_series.start(*this, files, options);
     return m_series.openNext();
 }

@@ -8,7 +8,7 @@ namespace {
 // Without saved graphs, dates are what users expect them to be.
 constexpr FileFormat kFormats[] = {
     {FileFormat::Read, FileFormat::Statistics, "sas7bdat sav zsav por dta xpt xport xpt5 xpt8",
-     "formatDates=1"},
+     "formatDates=1 fileNameColumn=_FileNames"},
 };
 
 } // namespace

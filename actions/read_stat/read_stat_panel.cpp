@@ -17,7 +17,7 @@ PanelLayout panelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Values"),
          {"formatDates", "extractLabels", "catalogFile", "encoding"}},
         previewGroup(),
-        {kAdvancedGroup, {"maxRows", "bufferSize"}, Fold::Folded},
+        {kAdvancedGroup, {"maxRows", "fileNameColumn", "bufferSize"}, Fold::Folded},
     };
 }
 

@@ -13,10 +13,9 @@ ParamGroup<P> filesAndLabels()
 {
     return {
         shared::fileNamesFromPin<P>(),
-        // The name of the column differs from that of the other readers.
         flag("outputFilenames", &P::outputFilenames)
             .label("Add a column with the file name")
-            .meaning("Adds the last column _Filename with the name of the file of each row."),
+            .meaning("Adds a last column with the name of the file of each row."),
         flag("columnNamefromLabel", &P::columnNamefromLabel)
             .label("Name the columns after the labels")
             .meaning("Names the columns after the labels of the variables instead of their names."),
@@ -67,6 +66,11 @@ ParamGroup<P> additions()
             .unit("rows")
             .label("Rows to read")
             .meaning("Reads only this number of rows of each file; 0: all."),
+        // The default differs from the name in the other readers.
+        text("fileNameColumn", &P::fileNameColumn)
+            .onlyWhen("outputFilenames", {QStringLiteral("1")})
+            .label("Name of the column with the file name")
+            .meaning("Name of the column that outputFilenames adds."),
     };
 }
 

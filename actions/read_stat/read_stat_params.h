@@ -22,7 +22,7 @@ struct ReadStatParams
 {
     /// Input pin 0 brings the names, one file per row. `fileName` is then ignored.
     bool fileNameFromPin = false;
-    /// Add the last column _Filename.
+    /// Add the last column `fileNameColumn`.
     bool outputFilenames = false;
     /// Columns have the labels of the variables. Off: their names.
     bool columnNamefromLabel = false;
@@ -40,6 +40,8 @@ struct ReadStatParams
     bool formatDates = false;
     /// Rows of each file that are read; 0: all.
     int maxRows = 0;
+    /// Name of the column with the name of the file of each row.
+    QString fileNameColumn = QStringLiteral("_Filename");
     /// A file or a pattern. Not expanded yet.
     QString fileName;
     /// Names of the variables that are read; empty: all.

@@ -13,7 +13,9 @@ PanelLayout panelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "encoding"}},
         {QT_TRANSLATE_NOOP("Panels", "Memo fields"), {"useDBT", "dbtInRam"}},
         previewGroup(),
-        {kAdvancedGroup, {"level7", "readAllTypes", "types", "bufferSize"}, Fold::Folded},
+        {kAdvancedGroup,
+         {"level7", "readAllTypes", "types", "outputFilenames", "bufferSize"},
+         Fold::Folded},
     };
 }
 

@@ -47,6 +47,7 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
             .meaning("One letter per column, separated by commas: K (whole number), F (decimal "
                      "number), U (text). Only columns of texts and digits change; those without a "
                      "letter are texts."),
+        shared::outputFilenames<P>(),
     };
     return table;
 }

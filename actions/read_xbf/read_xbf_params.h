@@ -26,6 +26,8 @@ struct ReadXbfParams
     /// Letters of the types of the columns, separated by commas: text columns with K or F are
     /// numbers.
     QString types;
+    /// Add the last column _FileNames.
+    bool outputFilenames = false;
 };
 
 /// Constant; made by the first call.

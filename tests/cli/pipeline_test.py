@@ -8,12 +8,14 @@ import os
 import pathlib
 import signal
 import socket
+import struct
 import subprocess
 import sys
 import tempfile
 import time
 import unittest
 import zipfile
+import zlib
 
 CORVANTA = str(pathlib.Path(sys.argv.pop(1)).resolve())
 TABLE = b"a,b\n1,x\n2,y\n"
@@ -127,6 +129,31 @@ class Streams(Case):
 
 
 class SeveralInputs(Case):
+    def test_members_of_rar_archives(self):
+        def number(value):
+            return bytes([value & 0x7F | 0x80, value >> 7])
+
+        def pack(name, members):
+            archive = b"Rar!\x1A\x07\x01\0"
+            for member, data in members:
+                fields = (b"\2\2" + number(len(data)) + b"\4" + number(len(data)) + b"\0" + struct.pack("<I", zlib.crc32(data)) +
+                          b"\0\1" + number(len(member)) + member)
+                header = number(len(fields)) + fields
+                archive += struct.pack("<I", zlib.crc32(header)) + header + data
+            self.put(name, archive)
+
+        pack("one.rar", [(b"t.json", b'[{"a":1}]'), (b"photo.png", b"x")])
+        self.assertEqual(self.convert("one.rar", "-", "--to", "csv"), b"a\n1\n")
+        pack("two.rar", [(b"a.json", b'[{"a":1}]'), (b"b.csv", TABLE)])
+        self.convert("two.rar", "out.csv", status=2)
+        self.assertIn("the archive 'two.rar' contains 2 files that can be read. Choose one (the first file of a RAR archive; unpack it for "
+                      "others):\n  two.rar@a.json\n  two.rar@b.csv", self.said)
+        self.assertEqual(self.convert("two.rar@a.json", "-", "--to", "csv"), b"a\n1\n")
+        for words in (("two.rar@b.csv",), ("two.rar", "--from", "csv")):
+            self.convert(*words, "out.csv", status=2)
+            self.assertIn("only the first file of a RAR archive can be read, and that of 'two.rar' is 'a.json'; unpack the archive to read "
+                          "'b.csv'", self.said)
+
     def test_inputs_are_joined(self):
         self.put("b.csv", "a,b\n3,z\n")
         self.convert("in.csv", "b.csv", "all.tsv")
@@ -146,8 +173,13 @@ class SeveralInputs(Case):
             rows = self.rows_of("out.csv")
             self.assertEqual([rows[0], *(row[0] for row in rows[1:])], [["a", "_FileNames"], "1", "2"], words)
             self.assertTrue(rows[2][1].endswith("p2.json"), rows)
-        self.convert("x.dbf", "out.csv", "--add-file-name", status=2)
-        self.assertIn("--add-file-name: ReadXBF has no such choice", self.said)
+        self.put("one.dbf", struct.pack("<BxxxIHH20x11sc4xB15x", 3, 1, 65, 3, b"A", b"C", 2) + b"\r 12")
+        self.convert("in.csv", "one.xpt")
+        for name in ("one.dbf", "one.xpt"):
+            self.convert(name, "out.csv", "--add-file-name")
+            rows = self.rows_of("out.csv")
+            self.assertEqual(rows[0][-1], "_FileNames", name)
+            self.assertTrue(rows[1][-1].endswith(name), rows)
 
     def test_too_many_inputs(self):
         self.convert(*["in.csv"] * 201, "out.csv", status=2)
@@ -172,6 +204,21 @@ class Rows(Case):
             self.assertEqual(self.convert("t.json", "-", "--to", "csv", *words).decode().splitlines(), ["name,price,day", *expected], words)
         out = self.convert("t.json", "-", "--to", "csv", "--select", "day, name", "--rename", "day=a=b", "--where", "not price is null", "--limit", "1")
         self.assertEqual(out, b"a=b,name\n2026-01-02,pen\n")
+
+    def test_numbers_with_many_digits_are_numbers(self):
+        values = ("9.5", "100.12345678901234567", "9007199254740993", "9007199254740992", "-3", "")
+        for name, separator in (("csv", ","), ("tsv", "\t")):
+            self.put(f"m.{name}", f"n{separator}t\n" + "".join(f"{i}{separator}{value}\n" for i, value in enumerate(values)))
+            out = self.convert(f"m.{name}", "-", "--to", "csv", "--sort", "-t", "--select", "n")
+            self.assertEqual(out.split(), [b"n", b"2", b"3", b"1", b"0", b"4", b"5"], name)
+            for where, expected in (("t > 10", b"123"), ("t > 9007199254740992", b"2"), ("t = 9007199254740993", b"2"), ("t < 9", b"4")):
+                out = self.convert(f"m.{name}", "-", "--to", "csv", "--where", where, "--select", "n")
+                self.assertEqual(b"".join(out.split()[1:]), expected, where)
+        self.convert("m.csv", "m.json")  # but no digit is lost
+        self.assertIn(b'"t":"100.12345678901234567"', self.content("m.json").replace(b" ", b""))
+        self.put("mixed.csv", "t\n10\n9\nn/a\n")
+        self.assertEqual(self.convert("mixed.csv", "-", "--to", "csv", "--sort", "t"), b"t\n10\n9\nn/a\n")
+        self.assertIn("The column 't' is sorted as texts: 'n/a' in row 3 (line 4) is not a number like the values before it", self.said)
 
     def test_printed_graph_does_the_same(self):
         words = ("t.json", "out.csv", "--where", "price > 5", "--sort", "-price,name", "--select", "name,price", "--rename", "name=n", "--limit", "2")
