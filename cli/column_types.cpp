@@ -2,6 +2,7 @@
 
 #include "base/counted.h"
 #include "corvanta/main_ui.h"
+#include "visible_text.h"
 
 #include <QFileInfo>
 
@@ -33,6 +34,17 @@ void noteSample(const QString &fileName)
                        u"The types of the columns are those of the first rows of '%1' (--all "
                        "examines all rows)"_s.arg(fileName));
     }
+}
+
+bool isNumber(ValueKind kind)
+{
+    return kind == ValueKind::Integer || kind == ValueKind::Decimal;
+}
+
+/// A text, although the values before one are numbers, or all are, but one has too many digits.
+bool isTextWithNumbers(const ColumnKind &kind)
+{
+    return !kind.exceptionPlace.isEmpty() && (isNumber(kind.kind) || isNumber(kind.before));
 }
 
 /// The kind of a column whose letter the user has given.
@@ -108,6 +120,20 @@ QVector<ColumnKind> losslessKinds(QVector<ColumnKind> kinds)
         kind.kind = kind.exception.isEmpty() ? kind.kind : ValueKind::Text;
     }
     return kinds;
+}
+
+void noteNumbersAmongTexts(const QString &fileName, const QVector<ColumnKind> &kinds)
+{
+    const auto count = std::count_if(kinds.begin(), kinds.end(), isTextWithNumbers);
+    if (count == 0) {
+        return;
+    }
+    const ColumnKind &first = *std::find_if(kinds.begin(), kinds.end(), isTextWithNumbers);
+    MainUI::addLog(MainUI::Info,
+                   u"%1 of '%2' %3 numbers but %4 text; the first is '%5', because of '%6' in %7 "
+                   "(--types with one letter for each column, such as K,F,U, reads numbers)"_s.arg(
+                       counted(count, u"column"_s), fileName, hasOrHave(count), isOrAre(count),
+                       first.column, visibleText(first.exception), first.exceptionPlace));
 }
 
 QStringList castsFor(const QVector<ColumnKind> &kinds, ActionParameters *reader)

@@ -32,6 +32,10 @@ CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const
 /// They are numbers only where they are compared.
 QVector<ColumnKind> losslessKinds(QVector<ColumnKind> kinds);
 
+/// Say that columns with numbers are texts, because of other values or of too many digits, and how
+/// to read them as numbers: their order and their cells in a workbook differ from those of numbers.
+void noteNumbersAmongTexts(const QString &fileName, const QVector<ColumnKind> &kinds);
+
 /// Make the reader give numbers for the columns with the letters K and F. Returns the parameter
 /// `types` of the action `cast` that must do it instead, in order; empty: none is needed.
 QStringList castsFor(const QVector<ColumnKind> &kinds, ActionParameters *reader);

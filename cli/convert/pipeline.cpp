@@ -288,6 +288,9 @@ CommandResult<std::vector<Input>> openInputs(const CommandLine &line, const QStr
                 return kinds.fault();
             }
             input.kinds = *std::move(kinds);
+            if (writer->needsColumnKinds()) {
+                noteNumbersAmongTexts(words[i], input.kinds);
+            }
             joinKinds(input.kinds, &chain->kinds);
         }
         if (isOne && writer->needsColumnLabels()) {

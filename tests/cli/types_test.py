@@ -68,6 +68,16 @@ class Found(Case):
         self.put("in.json", '[{"a":1},\n{"a":"x"}]')
         self.assertIn("text because of 'x' in row 2 (line 2, column", self.corvanta("schema", "in.json", "-v").stdout)
 
+    def test_numbers_that_stay_texts_are_reported(self):
+        self.put("in.csv", "x,n,zip\n0.30000000000000004,1,01234\n4,2,1\n10,-,2\n")
+        note = ("2 columns of 'in.csv' have numbers but are text; the first is 'x', because of '0.30000000000000004' in row 1 (line 2) "
+                "(--types with one letter for each column, such as K,F,U, reads numbers)")
+        for words in (["out.xlsx"], ["out.csv", "--sort", "x"], ["out.csv", "--where", "x is null"]):
+            self.assertIn(note, self.corvanta("convert", "in.csv", *words).stderr)
+        self.assertEqual(self.corvanta("convert", "in.csv", "out.csv").stderr, "")
+        self.assertEqual(self.corvanta("convert", "in.csv", "out.csv", "--sort", "-x", "--types", "F,U,U").stderr, "")
+        self.assertEqual([line.split(",")[0] for line in self.read("out.csv").splitlines()], ["x", "10", "4", "0.30000000000000004"])
+
     def test_json_tokens_are_types(self):
         self.put("in.json", '[{"n":1,"d":1.5,"s":"12","b":true,"day":"2026-01-31","e":"2026\\u002d01-31","x":12345678901234567890,"m":1},'
                             '{"n":null,"d":2,"s":"13","b":null,"day":null,"e":"2026-01-31","x":1,"m":"1"}]')
