@@ -30,6 +30,19 @@ QVector<std::pair<int, int>> linkedNodes(const CorvantaGraph &graph,
     return links;
 }
 
+QVector<std::pair<int, int>> waitingNodes(const TargetOrder &order)
+{
+    QVector<std::pair<int, int>> waits;
+    for (const QVector<QVector<int>> &lists : {order.startAfter, order.closeAfter}) {
+        for (qsizetype later = 0; later < lists.size(); ++later) {
+            for (const int earlier : lists[later]) {
+                waits.append({earlier, static_cast<int>(later)});
+            }
+        }
+    }
+    return waits;
+}
+
 bool isForest(int nodes, const QVector<std::pair<int, int>> &links)
 {
     std::vector<int> groups(static_cast<size_t>(nodes));

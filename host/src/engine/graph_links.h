@@ -2,6 +2,7 @@
 #pragma once
 #include "corvanta/corvanta_graph.h"
 #include "corvanta/run.h"
+#include "engine/target_order.h"
 
 #include <QVector>
 
@@ -17,8 +18,12 @@ int highestLinkedPin(const CorvantaGraph &graph, const QString &id);
 QVector<std::pair<int, int>> linkedNodes(const CorvantaGraph &graph,
                                          const std::vector<Listener> &listeners);
 
+/// The waits for actions that use the same file, as pairs like the links: (earlier, later).
+QVector<std::pair<int, int>> waitingNodes(const TargetOrder &order);
+
 /// Whether there is at most one way between any two of `nodes` nodes, whatever the direction of the
-/// links. Then no producer depends on rows of another pin of its consumer.
+/// links. Then no producer depends on rows of another pin of its consumer, if `links` has the waits
+/// for files too.
 bool isForest(int nodes, const QVector<std::pair<int, int>> &links);
 
 } // namespace corvanta

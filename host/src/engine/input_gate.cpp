@@ -5,8 +5,9 @@
 //
 // Why a queue may exceed its bound: a table fans out to A and B, both lead to C, and C reads all of
 // A first. B's queue at C fills up, the source blocks on it, A gets no more rows, and C waits for A
-// forever. So while C waits on A's pin, pushes to all its other pins are allowed. In a graph where
-// no table fans out and meets again this cannot happen, and the bound always holds.
+// forever. So while C waits on A's pin, pushes to all its other pins are allowed. The same happens
+// if A writes a file and waits until B has read the old one. In a graph without such circles the
+// bound always holds.
 #include "engine/input_gate.h"
 
 #include <algorithm>

@@ -168,13 +168,14 @@ void Run::Private::orderActions(const CorvantaGraph &graph, const std::vector<Li
     for (size_t i = 0; i < nodes.size(); ++i) {
         users.append(filesOf(graph, i));
     }
-    const TargetOrder order = orderByTargets(users, linkedNodes(graph, listeners));
+    const QVector<std::pair<int, int>> links = linkedNodes(graph, listeners);
+    const TargetOrder order = orderByTargets(users, links);
     ProblemList list(graph.fileName);
     for (const TargetConflict &conflict : order.conflicts) {
         list.add(conflict.line, conflict.text);
     }
     problems = list.problems();
-    if (isForest(static_cast<int>(nodes.size()), linkedNodes(graph, listeners))) {
+    if (isForest(static_cast<int>(nodes.size()), links + waitingNodes(order))) {
         for (const auto &node : nodes) {
             node->ports->gate().boundAlways();
         }
