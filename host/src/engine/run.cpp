@@ -240,8 +240,10 @@ void Run::Private::giveOwnControls(const CorvantaGraph &graph)
 /// Ends one action as if its data ended here.
 void Run::Private::endAlone(Node &node, RunControl::Status status)
 {
-    int expected = RunControl::Running;
-    node.ownControl.runStatus.compare_exchange_strong(expected, status);
+    // Before start() the status is Idle; start() then leaves it as it is set here.
+    for (int expected : {RunControl::Idle, RunControl::Running}) {
+        node.ownControl.runStatus.compare_exchange_strong(expected, status);
+    }
     node.ownControl.yieldRequest = 1;
     if (node.initialised) {
         node.action->wakeAll();
@@ -317,8 +319,10 @@ void Run::Private::endYield(const Node &node)
 {
     node.control->yieldRequest = 0;
     // The run may end at the same time. Its status changes before releaseAll() sets the request, so
-    // either this load sees the new status, or the request is set after the line above.
-    if (!node.control->isRunning() || !control.isRunning()) {
+    // either these loads see the new status, or the request is set after the line above. Not
+    // isRunning(): its load may be moved before the store.
+    if (node.control->runStatus != RunControl::Running ||
+        control.runStatus != RunControl::Running) {
         node.control->yieldRequest = 1;
     }
 }
@@ -410,9 +414,9 @@ void Run::Private::runAndClose(Node &node) noexcept
 /// Initialises the actions on the caller's thread, in the order of the graph, until one fails.
 void Run::Private::initActions()
 {
-    const platform::StopScope stop([this] { return !control.isRunning(); });
     for (const auto &node : nodes) {
         const LogScope scope(logContext(*node));
+        const platform::StopScope stop([&node] { return !node->control->isRunning(); });
         if (!control.isRunning()) {
             return;
         }
@@ -420,7 +424,9 @@ void Run::Private::initActions()
         node->initialised = true;
         attempt([&] {
             if (node->action->init() != 0) {
-                endRun(RunControl::Failed);
+                // What fails after a stop is a consequence of it.
+                endRun(node->control->runStatus == RunControl::Stopped ? RunControl::Stopped
+                                                                       : RunControl::Failed);
             }
             node->action->prepareRun();
         });
@@ -498,7 +504,8 @@ void Run::start()
     int expected = RunControl::Idle;
     if (d->control.runStatus.compare_exchange_strong(expected, RunControl::Running)) {
         for (const auto &node : d->nodes) {
-            node->ownControl.runStatus = RunControl::Running;
+            expected = RunControl::Idle;
+            node->ownControl.runStatus.compare_exchange_strong(expected, RunControl::Running);
         }
     }
     d->initActions();
