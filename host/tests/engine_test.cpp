@@ -7,6 +7,7 @@
 #include "test_actions.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -76,6 +77,13 @@ constexpr char kChain[] =
     "<action id='a'><source rows='30000'/></action><action id='b'><sink/></action>"
     "<action id='c'><sink/></action><link from='a:0' to='b:0'/><link from='b:0' to='c:0'/>";
 
+/// Makes registries load the module with the host's own actions.
+void useOwnModule()
+{
+    qputenv("CORVANTA_PLUGIN_PATH",
+            QFileInfo(QStringLiteral(CORVANTA_TABLES_MODULE)).path().toUtf8());
+}
+
 /// One source on all three pins of a sink, which reads the last pin to its end first.
 QByteArray meeting(qint64 rows, const QByteArray &text)
 {
@@ -128,15 +136,43 @@ TEST_F(EngineTest, WaitingRowsBeyondTheMemoryLimitGoThroughAFile)
 // Otherwise the file of a slow reader grows until its producer has ended.
 TEST_F(EngineTest, AProducerWaitsWhileItsRowsComeBackFromAFile)
 {
-    const auto run = make("<action id='a'><source rows='40000' text='" + QByteArray(2000, 'x') +
-                          "'/></action><action id='b'><source how='wait' failAt='12000'/></action>"
+    const auto run =
+        make("<action id='a'><source rows='40000' text='" + QByteArray(2000, 'x') +
+             "'/></action><action id='b'><sink failAt='12000' how='leave'/></action>"
+             "<action id='c'><late/></action>"
+             "<link from='a:0' to='b:0'/><link from='a:0' to='c:0'/><link from='b:0' to='c:1'/>");
+    runToEnd(*run);
+    EXPECT_TRUE(run->succeeded());
+    EXPECT_EQ(g_seen.rows, 12000 + 40000);
+    EXPECT_GE(g_seen.firstLead, 12000);
+    EXPECT_LE(g_seen.largestLead, g_seen.firstLead + 1000);
+}
+
+TEST_F(EngineTest, AQueueKeepsItsBoundWhereNoTablesMeetAgain)
+{
+    const auto run = make("<action id='a'><source rows='10000' text='" + QByteArray(2000, 'x') +
+                          "'/></action><action id='b'><source rows='200000'/></action>"
                           "<action id='c'><late/></action>"
                           "<link from='a:0' to='c:0'/><link from='b:0' to='c:1'/>");
     runToEnd(*run);
     EXPECT_TRUE(run->succeeded());
-    EXPECT_EQ(g_seen.rows, 40000);
-    EXPECT_GE(g_seen.firstLead, 12000);
-    EXPECT_LE(g_seen.largestLead, g_seen.firstLead + 1000);
+    EXPECT_EQ(g_seen.rows, 10000);
+    EXPECT_LE(g_seen.firstLead, 200000 + 1000);
+}
+
+// The writer ends its data when its file is complete, and that waits for the reader.
+TEST_F(EngineTest, AWriterAndTheReaderOfItsOldFileMayMeet)
+{
+    const auto run =
+        make("<action id='a'><source rows='10'/></action><action id='w'><sink file='/f'/></action>"
+             "<action id='r'><source file='/f' rows='20000' text='" +
+             QByteArray(500, 'x') +
+             "'/></action><action id='c'><sink/></action><link from='a:0' to='w:0'/>"
+             "<link from='r:0' to='c:0'/><link from='w:0' to='c:1'/>");
+    runToEnd(*run);
+    EXPECT_TRUE(run->succeeded());
+    EXPECT_EQ(g_seen.rows, 10 + 10 + 20000);
+    EXPECT_EQ(g_seen.disordered, 0);
 }
 
 // Whether the first rows for the file are those of a full batch or of the last one.
@@ -254,6 +290,94 @@ TEST_F(EngineTest, AnActionThatStopsReadingDoesNotBlockItsSource)
     EXPECT_EQ(g_seen.rows, 5);
 }
 
+TEST_F(EngineTest, AnActionEndsWithTheLastOfItsReaders)
+{
+    constexpr qint64 kMany = 1'000'000'000;
+    const QByteArray source = "<action id='a'><source rows='";
+    const QByteArray rest = "'/></action><action id='b'><sink failAt='5' how='leave'/></action>"
+                            "<action id='c'><sink OPTIONS/></action><link from='a:0' to='c:0'/>";
+    const struct
+    {
+        qint64 made;
+        const char *options;
+        const char *from;
+        qint64 rows;
+    } cases[] = {
+        {kMany, "failAt='9000' how='leave'", "a:0", 5 + 9000}, // both readers leave
+        {300'000, "", "a:0", 5 + 300'000},                     // one of two
+        {kMany, "", "c:0", -1},                                // the reader of a reader
+        {30'000, "file='/f'", "c:0", 5 + 30'000},              // which writes a file
+    };
+    for (const auto &[made, options, from, rows] : cases) {
+        g_seen.reset();
+        const auto run =
+            make(source + QByteArray::number(made) + QByteArray(rest).replace("OPTIONS", options) +
+                 "<link from='" + from + "' to='b:0'/>");
+        runToEnd(*run);
+        EXPECT_TRUE(run->succeeded());
+        EXPECT_EQ(g_seen.disordered, 0);
+        if (rows >= 0) {
+            EXPECT_EQ(g_seen.rows, rows);
+        }
+        if (made == kMany) {
+            EXPECT_LT(g_seen.made, 10'000'000);
+        } else {
+            EXPECT_EQ(g_seen.made, made);
+        }
+    }
+}
+
+TEST_F(EngineTest, RowsBeforeAFailureAreKeptOnRequest)
+{
+    const std::pair<QByteArray, qint64> cases[] = {
+        {QByteArray(kChain).replace("<source", "<source failAt='20000'"), 2 * 20000},
+        {QByteArray(kChain).replace("'b'><sink", "'b'><sink failAt='20000'"), 2 * 20000},
+        {meeting(30000, "x").replace("<source", "<source failAt='20000'"), 4 * 20000},
+        {QByteArray(kChain).replace("<source", "<source failAt='0'"), 0},
+    };
+    for (const auto &[inside, rows] : cases) {
+        g_seen.reset();
+        m_log.messages.clear();
+        RunOptions options;
+        options.keepPartial = true;
+        const auto run = make(inside, std::move(options));
+        runToEnd(*run);
+        EXPECT_TRUE(run->failed());
+        EXPECT_FALSE(run->succeeded());
+        EXPECT_EQ(m_log.messages.size(), 1);
+        EXPECT_EQ(g_seen.rows, rows);
+        EXPECT_EQ(g_seen.disordered, 0);
+        EXPECT_EQ(run->control().isRunning(), rows > 0);
+    }
+}
+
+TEST_F(EngineTest, AStopOfTheReadersKeepsTheirRows)
+{
+    for (const qint64 rows : {-1, 0, 100, 5000}) {
+        g_seen.reset();
+        RunOptions options;
+        options.keepPartial = true;
+        const auto run =
+            make(QByteArray(kChain).replace("30000", "1000000000"), std::move(options));
+        if (rows < 0) { // before the start
+            EXPECT_TRUE(run->stopReading());
+        }
+        run->start();
+        while (g_seen.rows < rows) {
+            std::this_thread::yield();
+        }
+        EXPECT_TRUE(run->stopReading());
+        ASSERT_TRUE(run->waitFor(60s)) << "a thread is left";
+        run->wait();
+        EXPECT_FALSE(run->succeeded());
+        EXPECT_FALSE(run->failed());
+        EXPECT_TRUE(rows >= 0 || g_seen.made == 0);
+        EXPECT_EQ(g_seen.rows, 2 * g_seen.made);
+        EXPECT_EQ(g_seen.disordered, 0);
+    }
+    EXPECT_FALSE(make(kChain)->stopReading());
+}
+
 TEST_F(EngineTest, StopAtAnyMomentEndsWithinASecond)
 {
     std::mt19937 random(7);
@@ -355,7 +479,7 @@ TEST_F(EngineTest, APreviewOfAPinThatDoesNotExistFails)
 // A panel knows its action, not the place of the action in the graph.
 TEST_F(EngineTest, APreviewForAnActionNeedsItsNumber)
 {
-    qputenv("CORVANTA_PLUGIN_PATH", "/nonexistent"); // the actions of the host are enough
+    useOwnModule();
     QTemporaryDir dir;
     QByteArray inside;
     for (const QByteArray name : {"first", "second"}) {
@@ -382,7 +506,7 @@ TEST_F(EngineTest, APreviewForAnActionNeedsItsNumber)
 
 TEST_F(EngineTest, APreviewWritesNoFileIfItMustNot)
 {
-    qputenv("CORVANTA_PLUGIN_PATH", "/nonexistent"); // the actions of the host are enough
+    useOwnModule();
     ActionRegistry registry;
     registry.loadAll();
     const auto graph =

@@ -52,8 +52,8 @@ struct Params
     QString text = QStringLiteral("x");
     qint64 failAt = -1;
     QString how;
-    QString file;      ///< that a sink pretends to write
-    qint64 access = 0; ///< to the file, a number of TargetUse::Access
+    QString file;      ///< that a source pretends to read, a sink to write
+    qint64 access = 0; ///< of a sink to the file, a number of TargetUse::Access
 };
 
 template <class Self> class TestAction : public ParamAction<Self, Params>
@@ -80,14 +80,17 @@ protected:
     void finish() override { ++g_seen.closed; }
 };
 
-/// Rows 0, 1, 2, ... with a text. With how='wait' no rows, but an end that comes when other sources
-/// have made `failAt` rows.
+/// Rows 0, 1, 2, ... with a text.
 class Source final : public TestAction<Source>
 {
 public:
     Source(const XMLNode &saved, GlobalParameters *parameters)
         : TestAction(describe("source", 0, 1), saved, parameters)
     {
+    }
+    QStringList inputs() const override
+    {
+        return m_params.file.isEmpty() ? QStringList() : QStringList(m_params.file);
     }
 
 private:
@@ -105,13 +108,6 @@ private:
         }
         const std::u16string text = m_params.text.toStdU16String();
         while (!yieldRequested()) {
-            if (m_params.how == QLatin1String("wait")) {
-                if (g_seen.made >= m_params.failAt) {
-                    return false;
-                }
-                std::this_thread::yield();
-                continue;
-            }
             if (m_next == m_params.failAt) {
                 return fail(QStringLiteral("source fails"));
             }
@@ -239,15 +235,17 @@ private:
         while (getNextRowFromInPin(1) != nullptr) {
         }
         while (getNextRowFromInPin(0) != nullptr) {
-            const qint64 lead = g_seen.made - g_seen.rows;
-            g_seen.firstLead = g_seen.rows++ == 0 ? lead : g_seen.firstLead.load();
+            const qint64 lead = g_seen.made - m_taken;
+            g_seen.firstLead = m_taken++ == 0 ? lead : g_seen.firstLead.load();
             g_seen.largestLead = std::max<qint64>(g_seen.largestLead, lead);
-            if (g_seen.rows % 64 == 0) {
+            ++g_seen.rows;
+            if (m_taken % 64 == 0) {
                 std::this_thread::sleep_for(std::chrono::milliseconds(1));
             }
         }
         return false;
     }
+    qint64 m_taken = 0; // of pin 0
 };
 
 /// Blocks in a wait of its own until the host wakes it.
