@@ -43,7 +43,9 @@ public:
     int pixelMetric(PixelMetric metric, const QStyleOption *option,
                     const QWidget *widget) const override
     {
-        const int pixels = QProxyStyle::pixelMetric(metric, option, widget);
+        // A mark in a list is as large as its text.
+        const PixelMetric base = metric == PM_ListViewIconSize ? PM_SmallIconSize : metric;
+        const int pixels = QProxyStyle::pixelMetric(base, option, widget);
         switch (metric) {
         case PM_IndicatorWidth:
         case PM_IndicatorHeight:

@@ -276,7 +276,8 @@ void PropertyPanel::alignLabels()
     for (const Row &row : m_rows) {
         if (row.label != nullptr && !FoldingGroup::hasLabelAbove(*row.label, *row.editor)) {
             row.label->setWordWrap(false); // for its natural width
-            width = qMax(width, qMin(limit, row.label->sizeHint().width()));
+            // A text is wrapped when it is a fraction of a pixel wider than the label.
+            width = qMax(width, qMin(limit, row.label->sizeHint().width() + 1));
             row.label->setWordWrap(true);
         }
     }
