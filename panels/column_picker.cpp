@@ -167,10 +167,19 @@ QStringList ListEditor::chosen() const
     return texts;
 }
 
+QStringList ListEditor::named() const
+{
+    QStringList names = chosen();
+    for (QString &name : names) {
+        name = offeredOf(name);
+    }
+    return names;
+}
+
 QStringList ListEditor::unknown() const
 {
     // Without known columns every name would be unknown.
-    QStringList names = m_offered.isEmpty() ? QStringList() : chosen();
+    QStringList names = m_offered.isEmpty() ? QStringList() : named();
     names.removeIf([this](const QString &name) { return m_offered.contains(name); });
     return names;
 }
@@ -193,7 +202,7 @@ void ListEditor::setOffered(const QStringList &texts)
 void ListEditor::showOffered()
 {
     m_left->clear();
-    const QStringList list = chosen();
+    const QStringList list = named();
     const QSet<QString> texts(list.begin(), list.end());
     for (const QString &text : std::as_const(m_offered)) {
         if (!texts.contains(text) && text.contains(m_search->text(), Qt::CaseInsensitive)) {
@@ -209,7 +218,7 @@ void ListEditor::markUnknown()
     const QSet<QString> offered(m_offered.begin(), m_offered.end()); // there may be thousands
     for (int i = 0; i < m_list->count(); ++i) {
         QListWidgetItem *const item = m_list->item(i);
-        const bool isKnown = offered.isEmpty() || offered.contains(item->text());
+        const bool isKnown = offered.isEmpty() || offered.contains(offeredOf(item->text()));
         item->setIcon(isKnown ? QIcon() : mark);
         item->setToolTip(isKnown ? QString() : tr("The input has no such column"));
         item->setFlags(item->flags() | Qt::ItemIsEditable); // items that were dropped
@@ -314,6 +323,23 @@ void ColumnPicker::refreshContext()
 ParameterProblem ColumnPicker::problem() const
 {
     return unknownColumns(context(), unknown());
+}
+
+QString SortKeyPicker::offeredOf(const QString &text) const
+{
+    // As in the action: a column whose name begins with "-" is meant before a direction.
+    return text.startsWith(u'-') && !offered().contains(text) ? text.mid(1) : text;
+}
+
+QString ColumnPairPicker::offeredOf(const QString &text) const
+{
+    // A name can contain "=" too, so a column that exists is meant first.
+    for (qsizetype end = text.size(); end > 0; end = text.lastIndexOf(u'=', end - 1)) {
+        if (offered().contains(text.left(end))) {
+            return text.left(end);
+        }
+    }
+    return text.section(u'=', 0, 0);
 }
 
 } // namespace corvanta

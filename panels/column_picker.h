@@ -44,17 +44,22 @@ public:
 protected:
     void setValue(const QString &value) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
+    /// The offered text that a text of the list names: itself, unless an editor adds signs to it.
+    virtual QString offeredOf(const QString &text) const { return text; }
     /// Offer these texts on the left.
     void setOffered(const QStringList &texts);
     /// The texts of the list, in order.
     QStringList chosen() const;
-    /// Mark the texts of the list that are not offered, unless nothing is.
+    /// Mark the texts of the list that name no offered one, unless nothing is offered.
     void markUnknown();
-    /// The texts of the list that are not offered; none if nothing is.
+    const QStringList &offered() const { return m_offered; }
+    /// What the texts of the list name and is not offered; none if nothing is.
     QStringList unknown() const;
 
 private:
     void setUpLists();
+    /// What the texts of the list name, in order.
+    QStringList named() const;
     /// Fill the left list.
     void showOffered();
     /// Insert texts after the current line of the list.
@@ -77,7 +82,7 @@ private:
 };
 
 /// A list of input columns.
-class ColumnPicker final : public ListEditor
+class ColumnPicker : public ListEditor
 {
     Q_DECLARE_TR_FUNCTIONS(corvanta::ColumnPicker)
 
@@ -85,6 +90,26 @@ public:
     explicit ColumnPicker(const FieldContext &context);
     ParameterProblem problem() const override;
     void refreshContext() override;
+};
+
+/// A list of columns to sort by: NAME, or -NAME for descending.
+class SortKeyPicker final : public ColumnPicker
+{
+public:
+    using ColumnPicker::ColumnPicker;
+
+protected:
+    QString offeredOf(const QString &text) const override;
+};
+
+/// A list of columns with what belongs to them: NAME, or NAME=TEXT.
+class ColumnPairPicker final : public ColumnPicker
+{
+public:
+    using ColumnPicker::ColumnPicker;
+
+protected:
+    QString offeredOf(const QString &text) const override;
 };
 
 } // namespace corvanta

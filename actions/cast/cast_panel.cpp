@@ -1,5 +1,7 @@
 #include "actions/cast/cast_panel.h"
 
+#include "panels/column_picker.h"
+
 namespace {
 
 using namespace corvanta;
@@ -7,7 +9,7 @@ using namespace corvanta;
 PanelLayout panelLayout()
 {
     return {
-        {QT_TRANSLATE_NOOP("Panels", "Types"), {"types"}},
+        {QT_TRANSLATE_NOOP("Panels", "Types"), {{"types", editor<ColumnPairPicker>}}},
         {QT_TRANSLATE_NOOP("Panels", "Values that do not fit"), {"onError"}},
     };
 }

@@ -1,5 +1,7 @@
 #include "actions/filter/filter_panel.h"
 
+#include "panels/column_picker.h"
+
 namespace {
 
 using namespace corvanta;
@@ -8,7 +10,9 @@ PanelLayout panelLayout()
 {
     return {
         {QT_TRANSLATE_NOOP("Panels", "Rows"), {"where"}},
-        {QT_TRANSLATE_NOOP("Panels", "Text columns"), {"kinds"}, PanelGroup::Fold::Folded},
+        {QT_TRANSLATE_NOOP("Panels", "Text columns"),
+         {{"kinds", editor<ColumnPairPicker>}},
+         PanelGroup::Fold::Folded},
     };
 }
 

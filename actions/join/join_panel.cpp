@@ -1,5 +1,7 @@
 #include "actions/join/join_panel.h"
 
+#include "panels/column_picker.h"
+
 namespace {
 
 using namespace corvanta;
@@ -7,7 +9,7 @@ using namespace corvanta;
 PanelLayout panelLayout()
 {
     return {
-        {QT_TRANSLATE_NOOP("Panels", "Keys"), {"keys", "type"}},
+        {QT_TRANSLATE_NOOP("Panels", "Keys"), {{"keys", editor<ColumnPairPicker>}, "type"}},
         {QT_TRANSLATE_NOOP("Panels", "Columns"), {"suffix"}},
         {QT_TRANSLATE_NOOP("Panels", "Text columns"), {"kinds"}, PanelGroup::Fold::Folded},
     };

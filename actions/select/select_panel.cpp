@@ -9,7 +9,8 @@ using namespace corvanta;
 PanelLayout panelLayout()
 {
     return {
-        {QT_TRANSLATE_NOOP("Panels", "Columns"), {{"columns", editor<ColumnPicker>}, "rename"}},
+        {QT_TRANSLATE_NOOP("Panels", "Columns"),
+         {{"columns", editor<ColumnPicker>}, {"rename", editor<ColumnPairPicker>}}},
         {QT_TRANSLATE_NOOP("Panels", "Rows"), {"firstRow", "lastRow"}},
     };
 }

@@ -1,5 +1,7 @@
 #include "actions/sort/sort_panel.h"
 
+#include "panels/column_picker.h"
+
 namespace {
 
 using namespace corvanta;
@@ -7,8 +9,10 @@ using namespace corvanta;
 PanelLayout panelLayout()
 {
     return {
-        {QT_TRANSLATE_NOOP("Panels", "Order"), {"keys"}},
-        {QT_TRANSLATE_NOOP("Panels", "Text columns"), {"kinds"}, PanelGroup::Fold::Folded},
+        {QT_TRANSLATE_NOOP("Panels", "Order"), {{"keys", editor<SortKeyPicker>}}},
+        {QT_TRANSLATE_NOOP("Panels", "Text columns"),
+         {{"kinds", editor<ColumnPairPicker>}},
+         PanelGroup::Fold::Folded},
     };
 }
 

@@ -234,6 +234,26 @@ TEST(Editors, ColumnsArePickedAndUnknownOnesKept)
     EXPECT_FALSE(offered->isVisible());
 }
 
+TEST(Editors, ColumnsAreFoundInSortKeysAndPairs)
+{
+    panels::setInputColumns({u"city"_s, u"-date"_s, u"a=b"_s, u"x"_s});
+    const Editor sort(infoOf(Type::Strings),
+                      [](const FieldContext &context) { return new SortKeyPicker(context); });
+    sort->showValue(u"-city\n-date\n-old"_s);
+    EXPECT_EQ(sort->problem().text, u"the input has no column 'old'"_s);
+    auto *const keys = static_cast<QListWidget *>(sort.main());
+    EXPECT_TRUE(keys->item(0)->icon().isNull());
+    EXPECT_FALSE(keys->item(2)->icon().isNull()) << "-old is marked";
+
+    const Editor pairs(infoOf(Type::Strings),
+                       [](const FieldContext &context) { return new ColumnPairPicker(context); });
+    pairs->showValue(u"x=y\na=b=c\ncity\n-date=old"_s);
+    EXPECT_EQ(pairs->problem().text, QString());
+    pairs->showValue(u"y=x"_s);
+    EXPECT_EQ(pairs->problem().text, u"the input has no column 'y'"_s);
+    panels::setInputColumns({});
+}
+
 TEST(Editors, AColumnIsTypedOrChosen)
 {
     panels::setInputColumns({u"city"_s, u"date"_s});
