@@ -24,16 +24,12 @@ bool readsTexts(const ActionParameters &reader)
     });
 }
 
-/// Say that later rows may decide otherwise, unless the file is too small to have any.
-void noteSample(const QString &fileName)
+/// Whether the file may have more rows than a sample.
+bool isLarge(const QString &fileName)
 {
     constexpr qint64 kSmallFile = 10'000; // bytes; a row has at least one, and more are examined
     const QFileInfo file(fileName);
-    if (!file.isFile() || file.size() > kSmallFile) {
-        MainUI::addLog(MainUI::Info,
-                       u"The types of the columns are those of the first rows of '%1' (--all "
-                       "examines all rows)"_s.arg(fileName));
-    }
+    return !file.isFile() || file.size() > kSmallFile;
 }
 
 bool isNumber(ValueKind kind)
@@ -100,9 +96,6 @@ CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const
     // Letters need only the names of the columns.
     constexpr auto kSample = ActionParameters::KindExtent::Sample;
     QVector<ColumnKind> kinds = reader->columnKinds(isGiven ? kSample : extent);
-    if (extent == kSample && !isGiven) {
-        noteSample(fileName);
-    }
     if (isGiven && types.letters.size() != kinds.size()) {
         return badUsage(
             u"--types: %1 for the %2 of '%3'"_s.arg(counted(types.letters.size(), u"letter"_s),
@@ -112,6 +105,17 @@ CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const
         kinds[i] = givenKind(kinds[i].column, types.letters[i]);
     }
     return kinds;
+}
+
+void noteSample(const CommandLine &line, const QString &fileName, const ActionParameters &reader)
+{
+    const auto types = columnTypesOf(line);
+    if (types && types->rule == ColumnTypes::Rule::Auto && readsTexts(reader) &&
+        isLarge(fileName)) {
+        MainUI::addLog(MainUI::Info,
+                       u"The types of the columns are those of the first rows of '%1' (--all "
+                       "examines all rows)"_s.arg(fileName));
+    }
 }
 
 QVector<ColumnKind> losslessKinds(QVector<ColumnKind> kinds)

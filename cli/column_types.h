@@ -28,6 +28,9 @@ CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const
                                                  ActionParameters *reader,
                                                  ActionParameters::KindExtent extent);
 
+/// Say that rows after a sample may decide otherwise, unless the file is too small to have any.
+void noteSample(const CommandLine &line, const QString &fileName, const ActionParameters &reader);
+
 /// The kinds that a file of another format has: numbers of which a digit would be lost are texts.
 /// They are numbers only where they are compared.
 QVector<ColumnKind> losslessKinds(QVector<ColumnKind> kinds);

@@ -384,6 +384,9 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
         if (!kinds) {
             return kinds.fault();
         }
+        if (facts->extent == ActionParameters::KindExtent::Sample) {
+            noteSample(line, fileName, dynamic_cast<ActionParameters &>(**input));
+        }
         facts->kinds = losslessKinds(*std::move(kinds));
         facts->notes = dynamic_cast<ActionParameters *>(input->get())->columnNotes();
     }

@@ -257,6 +257,16 @@ bool needsKinds(const CommandLine &line, const ActionParameters &writer)
            line.values.contains(u"--sort"_s);
 }
 
+/// How many rows decide about the kinds: rows that are not read do not count.
+ActionParameters::KindExtent rowsThatDecide(const CommandLine &line)
+{
+    constexpr qint64 kSampleRows = 1000; // what a sample has at least
+    const auto range = rowsOf(line);
+    const bool isSample = range && range->last <= kSampleRows &&
+                          !line.values.contains(u"--where"_s) && !line.values.contains(u"--sort"_s);
+    return isSample ? ActionParameters::KindExtent::Sample : ActionParameters::KindExtent::All;
+}
+
 /// An input that is open, and what its values are.
 struct Input
 {
@@ -282,8 +292,7 @@ CommandResult<std::vector<Input>> openInputs(const CommandLine &line, const QStr
         }
         input.reader = *std::move(opened);
         if (needsKinds(line, *writer)) {
-            auto kinds =
-                inputKinds(line, words[i], input.reader.get(), ActionParameters::KindExtent::All);
+            auto kinds = inputKinds(line, words[i], input.reader.get(), rowsThatDecide(line));
             if (!kinds) {
                 return kinds.fault();
             }

@@ -205,6 +205,14 @@ class Rows(Case):
         out = self.convert("t.json", "-", "--to", "csv", "--select", "day, name", "--rename", "day=a=b", "--where", "not price is null", "--limit", "1")
         self.assertEqual(out, b"a=b,name\n2026-01-02,pen\n")
 
+    def test_rows_that_are_not_read_do_not_decide_types(self):
+        self.put("long.csv", "a\n" + "1\n" * 150_000 + "x\n")
+        self.convert("long.csv", "out.json", "--limit", "1")
+        self.assertEqual(json.loads(self.content("out.json")), [{"a": 1}])
+        self.assertEqual(self.said, "")
+        self.convert("long.csv", "out.json", "--limit", "1", "--where", "a is not null")
+        self.assertEqual(json.loads(self.content("out.json")), [{"a": "1"}])
+
     def test_numbers_with_many_digits_are_numbers(self):
         values = ("9.5", "100.12345678901234567", "9007199254740993", "9007199254740992", "-3", "")
         for name, separator in (("csv", ","), ("tsv", "\t")):
