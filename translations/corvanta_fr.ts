@@ -949,8 +949,8 @@
         <translation>Lit les noms des fichiers dans la première colonne de l&apos;entrée 0, un fichier par ligne.</translation>
     </message>
     <message>
-        <source>Adds the last column _Filename with the name of the file of each row.</source>
-        <translation>Ajoute en dernier la colonne _Filename avec le nom du fichier de chaque ligne.</translation>
+        <source>Adds a last column with the name of the file of each row.</source>
+        <translation>Ajoute en dernier une colonne avec le nom du fichier de chaque ligne.</translation>
     </message>
     <message>
         <source>Name the columns after the labels</source>
@@ -1027,6 +1027,14 @@
     <message>
         <source>Reads only this number of rows of each file; 0: all.</source>
         <translation>Ne lit que ce nombre de lignes de chaque fichier&#xa0;; 0&#xa0;: toutes.</translation>
+    </message>
+    <message>
+        <source>Name of the column with the file name</source>
+        <translation>Nom de la colonne du nom de fichier</translation>
+    </message>
+    <message>
+        <source>Name of the column that outputFilenames adds.</source>
+        <translation>Nom de la colonne que outputFilenames ajoute.</translation>
     </message>
     <message>
         <source>Data set to read.</source>
