@@ -287,12 +287,12 @@ class Missing(Case):
                          ["the separator ',,' is not one ASCII character", "'X' is not a column type (K, F, U)"])
 
     def test_forms_of_text_files(self):
-        self.graph(self.writer("<writeCSV fileName='o.csv' encoding='no' lineEnd='cr'/>"),
+        self.graph(self.writer("<writeCSV fileName='o.csv' encoding='nowhere' lineEnd='cr'/>"),
                    reader="<readCSV fileName='in.csv' encoding='none' decimal='' quote=',' ragged='x'><dateFormat><s>day</s></dateFormat></readCSV>")
         self.assertCountEqual([text.split(": ")[2] for _, text in self.problems("check", status=2)], [
             "the encoding 'none' is unknown", "decimal='' is not one ASCII character other than the separator",
             "quote=',' is not one ASCII character other than the separator", "'day' is not of the form COLUMN=FORMAT",
-            "ragged='x' is neither 'error' nor 'fill'", "the encoding 'no' is unknown", "lineEnd='cr' is neither 'lf' nor 'crlf'"])
+            "ragged='x' is neither 'error' nor 'fill'", "the encoding 'nowhere' is unknown", "lineEnd='cr' is neither 'lf' nor 'crlf'"])
 
 
 class Hints(Case):
