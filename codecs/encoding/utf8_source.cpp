@@ -87,7 +87,9 @@ const char *unmarkedUtf16(std::string_view text)
     const bool isBigEndian = zeros[0] > zeros[1];
     const size_t most = zeros[isBigEndian ? 0 : 1];
     const size_t least = zeros[isBigEndian ? 1 : 0];
-    const bool isLikely = most > 0 && most * 20 >= text.size() / 2 && least * 8 <= most;
+    // In UTF-8 a zero is a character too. UTF-16 that is also UTF-8 has hardly any other bytes.
+    const size_t unitsPerZero = isUtf8(text) ? 4 : 20;
+    const bool isLikely = most > 0 && most * unitsPerZero >= text.size() / 2 && least * 8 <= most;
     if (!isLikely || !isUtf16(text, isBigEndian)) {
         return nullptr;
     }

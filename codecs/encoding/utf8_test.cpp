@@ -63,6 +63,7 @@ const Case kCases[] = {
     {kAuto, QByteArray("a\0,\0\x0D\x54\n\0", 8), "a,\xE5\x90\x8D\n", "UTF-16LE", true},
     {kAuto, QByteArray("\0a\0,\x54\x0D\0\n", 8), "a,\xE5\x90\x8D\n", "UTF-16BE", true},
     {kAuto, QByteArray("a\0b\0\0c\n", 7), QByteArray("a\0b\0\0c\n", 7), "UTF-8", false},
+    {kAuto, QByteArray("a\nb\0cdefgh\n", 11), QByteArray("a\nb\0cdefgh\n", 11), "UTF-8", false},
     {kAuto, manyLines() + "\xE9t\xE9", manyLines() + "\xC3\xA9t\xC3\xA9", "windows-1252", true},
     {"utf-8", "a\xFF\xC3", "a\xFF\xC3", "utf-8", false},
     {"latin1", "\x80\xFC", "\xC2\x80\xC3\xBC", "latin1", false},
