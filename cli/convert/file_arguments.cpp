@@ -2,6 +2,7 @@
 #include "cli/convert/file_arguments.h"
 
 #include "base/nearest_name.h"
+#include "base/text/unmarked_utf16.h"
 #include "cli/file_types.h"
 #include "cli/visible_text.h"
 #include "corvanta/files.h"
@@ -191,16 +192,6 @@ constexpr auto kMagics = std::to_array<Magic>({
      "a program", "it cannot be read"},
 });
 
-/// Whether zero bytes are only at every second place, as in UTF-16 without a mark.
-bool looksLikeUtf16(QByteArrayView bytes)
-{
-    std::array<qsizetype, 2> zeros{};
-    for (qsizetype i = 0; i < bytes.size(); ++i) {
-        zeros[static_cast<size_t>(i % 2)] += bytes[i] == '\0' ? 1 : 0;
-    }
-    return zeros[0] == 0 || zeros[1] == 0;
-}
-
 /// Number of the line of the first zero byte, from 1.
 qsizetype lineOfZero(QByteArrayView bytes)
 {
@@ -286,7 +277,9 @@ QString binaryContent(const QString &fileName)
                                                   QLatin1StringView(magic.remedy));
         }
     }
-    if (!bytes.contains('\0') || looksLikeUtf16(bytes)) {
+    const std::string_view text(bytes.data(), static_cast<size_t>(bytes.size()));
+    const bool hasMark = text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF");
+    if (!bytes.contains('\0') || hasMark || unmarkedUtf16(text) != nullptr) {
         return {};
     }
     return u"there is a zero byte in line %1; --encoding NAME reads it if that is a text in "

@@ -7,14 +7,12 @@
 #include "codecs/encoding/utf8_source.h"
 
 #include "base/bytes.h"
+#include "base/text/unmarked_utf16.h"
 #include "base/utf.h"
-
-#include <QChar>
 
 #include <iconv.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 
 namespace corvanta::encoding {
@@ -61,39 +59,6 @@ bool isUtf8(std::string_view text)
     Utf8Stop stop = Utf8Stop::End;
     wellFormedUtf8(text.data(), static_cast<qsizetype>(text.size()), &stop);
     return stop != Utf8Stop::Invalid;
-}
-
-/// Whether the units of UTF-16 in `text` are characters.
-bool isUtf16(std::string_view text, bool isBigEndian)
-{
-    std::vector<char16_t> units(text.size() / 2);
-    std::memcpy(units.data(), text.data(), units.size() * 2);
-    if (isBigEndian) {
-        qFromBigEndian<quint16>(units.data(), static_cast<qsizetype>(units.size()), units.data());
-    }
-    const auto n = static_cast<qsizetype>(units.size());
-    const bool isCut = n > 0 && QChar::isHighSurrogate(units.back());
-    return findLoneSurrogate(units.data(), n - (isCut ? 1 : 0)) == n - (isCut ? 1 : 0);
-}
-
-/// The encoding of UTF-16 text without a mark; null for other text. Its separators, line ends and
-/// digits have zeros, all of them in the same half of a unit.
-const char *unmarkedUtf16(std::string_view text)
-{
-    std::array<size_t, 2> zeros{};
-    for (size_t i = 0; i < text.size(); ++i) {
-        zeros[i & 1] += text[i] == '\0' ? 1 : 0;
-    }
-    const bool isBigEndian = zeros[0] > zeros[1];
-    const size_t most = zeros[isBigEndian ? 0 : 1];
-    const size_t least = zeros[isBigEndian ? 1 : 0];
-    // In UTF-8 a zero is a character too. UTF-16 that is also UTF-8 has hardly any other bytes.
-    const size_t unitsPerZero = isUtf8(text) ? 4 : 20;
-    const bool isLikely = most > 0 && most * unitsPerZero >= text.size() / 2 && least * 8 <= most;
-    if (!isLikely || !isUtf16(text, isBigEndian)) {
-        return nullptr;
-    }
-    return isBigEndian ? "UTF-16BE" : "UTF-16LE";
 }
 
 /// Bytes of the smallest part that characters of an encoding consist of.

@@ -4,7 +4,7 @@
 // encoding can be found out from the text:
 //
 //   a byte-order mark                                  UTF-8, UTF-16, UTF-32
-//   zeros in every second byte of the first 64 KiB     UTF-16
+//   zeros in the same half of most 2-byte units of the first 64 KiB   UTF-16
 //   the first 64 KiB from the first byte that is not ASCII on are valid UTF-8, or there is none
 //                                                      UTF-8
 //   otherwise                                          an encoding that the caller names

@@ -61,6 +61,8 @@ const Case kCases[] = {
     {kAuto, QByteArray("\xFE\xFF\0a\0\xFC", 6), "a\xC3\xBC", "UTF-16BE", false},
     {kAuto, QByteArray("\xFF\xFE\0\0a\0\0\0", 8), "a", "UTF-32LE", false},
     {kAuto, QByteArray("a\0,\0\x0D\x54\n\0", 8), "a,\xE5\x90\x8D\n", "UTF-16LE", true},
+    {kAuto, QByteArray("a,b\n1,\0\n", 8), QByteArray("a,b\n1,\0\n", 8), "UTF-8", false},
+    {kAuto, QByteArray("abc\0\nd", 6), QByteArray("abc\0\nd", 6), "UTF-8", false},
     {kAuto, QByteArray("\0a\0,\x54\x0D\0\n", 8), "a,\xE5\x90\x8D\n", "UTF-16BE", true},
     {kAuto, QByteArray("a\0b\0\0c\n", 7), QByteArray("a\0b\0\0c\n", 7), "UTF-8", false},
     {kAuto, QByteArray("a\nb\0cdefgh\n", 11), QByteArray("a\nb\0cdefgh\n", 11), "UTF-8", false},
