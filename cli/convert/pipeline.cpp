@@ -250,10 +250,19 @@ CommandResult<void> appendRowActions(const CommandLine &line, const ActionRegist
     return select.isEmpty() ? CommandResult<void>() : chain->append(registry, u"select"_s, select);
 }
 
+/// Whether the user has given the types of the columns: then the values are checked, whatever the
+/// output is.
+bool hasLetters(const CommandLine &line)
+{
+    const auto types = columnTypesOf(line);
+    return !types ||
+           types->rule == ColumnTypes::Rule::Letters; // a fault is reported by inputKinds()
+}
+
 /// Whether the kinds of the columns must be known, which may need a scan of the input.
 bool needsKinds(const CommandLine &line, const ActionParameters &writer)
 {
-    return writer.needsColumnKinds() || line.values.contains(u"--where"_s) ||
+    return writer.needsColumnKinds() || hasLetters(line) || line.values.contains(u"--where"_s) ||
            line.values.contains(u"--sort"_s);
 }
 
@@ -336,7 +345,7 @@ CommandResult<void> addInputs(const CommandLine &line, const QStringList &words,
     int pin = 0;
     for (const Input &input : *inputs) {
         // Where the output has no types, the cells stay the texts that they are.
-        const QVector<ColumnKind> numbers = writer->needsColumnKinds()
+        const QVector<ColumnKind> numbers = writer->needsColumnKinds() || hasLetters(line)
                                                 ? kindsInAll(input.kinds, chain->kinds)
                                                 : QVector<ColumnKind>();
         const auto last = addReader(registry, input.reader.get(), numbers, input.id, &chain->graph);

@@ -196,6 +196,12 @@ class RoundTrip(Case):
     """Random tables as CSV, in another format, and as CSV again have the same values."""
 
     # The values of each kind are those that every format below can hold.
+        self.corvanta("convert", "in.csv", "out.csv", "--types", "F,U")
+        self.assertEqual(self.read("out.csv"), "a,b\n1.5,true\n1000,\n1,x\n")
+        for target in ("bad.csv", "bad.xml"):
+            self.assertIn("line 2, column 'a': '1.50' is not of type K",
+                          self.corvanta("convert", "in.csv", target, "--types", "K,U", status=1).stderr)
+            self.assertFalse((self.folder / target).exists())
     MAKERS = {
         "integer": lambda r: str(r.choice([r.randrange(10), r.randrange(-10**14, 10**15), r.randrange(2**32)])),
         "decimal": lambda r: r.choice([f"{r.uniform(-1e6, 1e6):.{r.randrange(1, 5)}f}", f"{r.randrange(1, 999)}e{r.randrange(-30, 30)}", "0.0", ".5"]),
