@@ -2381,6 +2381,14 @@
         <translation>Lit les champs de monnaie (Y) comme des nombres et ignore les objets et les images (G, P, et B hors de FoxPro), avec un avertissement. Désactivé : une table avec un tel champ est refusée.</translation>
     </message>
     <message>
+        <source>Dates in ISO form, true and false</source>
+        <translation>Dates au format ISO, true et false</translation>
+    </message>
+    <message>
+        <source>Reads dates as 2026-01-31, dates with times as 2026-01-31T04:30:05, and logical values as the texts true and false. Off: 20260131, 20260131 04:30:05, and the keys 1 and 0.</source>
+        <translation>Lit les dates sous la forme 2026-01-31, les dates avec heure sous la forme 2026-01-31T04:30:05, et les valeurs logiques comme les textes true et false. Désactivé : 20260131, 20260131 04:30:05, et les clés 1 et 0.</translation>
+    </message>
+    <message>
         <source>Width of the column, in bytes; 0: unknown.</source>
         <translation>Largeur de la colonne, en octets ; 0 : inconnue.</translation>
     </message>

@@ -39,8 +39,8 @@ qint64 scanRecords(dbf::TableReader &table, std::vector<values::ColumnScan> *sca
 /// Set the kind of a column that has a type in the file.
 void setTypedKind(const dbf::Field &field, ColumnKind *kind)
 {
-    // The digits of a date are no number.
-    if (field.type == 'D') {
+    // The digits of a date are not a number.
+    if (field.type == 'D' && field.conversion == dbf::Conversion::Digits) {
         *kind = ColumnKind{.column = kind->column};
     } else if (field.cell != dbf::CellType::Text) {
         const bool isKey = field.cell == dbf::CellType::Key;

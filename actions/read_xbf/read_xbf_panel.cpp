@@ -14,7 +14,7 @@ PanelLayout panelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Memo fields"), {"useDBT", "dbtInRam"}},
         previewGroup(),
         {kAdvancedGroup,
-         {"level7", "readAllTypes", "types", "outputFilenames", "bufferSize"},
+         {"level7", "readAllTypes", "isoValues", "types", "outputFilenames", "bufferSize"},
          Fold::Folded},
     };
 }

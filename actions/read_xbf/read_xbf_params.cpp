@@ -42,6 +42,11 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
             .meaning("Reads fields of currency (Y) as numbers, and leaves out objects and pictures "
                      "(G, P, and B outside FoxPro), with a warning. Off: a table with such a field "
                      "is rejected."),
+        flag("isoValues", &P::isoValues)
+            .label("Dates in ISO form, true and false")
+            .meaning("Reads dates as 2026-01-31, dates with times as 2026-01-31T04:30:05, and "
+                     "logical values as the texts true and false. Off: 20260131, 20260131 "
+                     "04:30:05, and the keys 1 and 0."),
         text("types", &P::types)
             .label("Column types")
             .meaning("One letter per column, separated by commas: K (whole number), F (decimal "

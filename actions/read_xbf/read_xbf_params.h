@@ -23,6 +23,8 @@ struct ReadXbfParams
     bool level7 = false;
     /// Read amounts of currency, and leave out objects and pictures. Off: such tables are rejected.
     bool readAllTypes = false;
+    /// Dates and times in the form of ISO 8601, and the texts true and false for logical values.
+    bool isoValues = false;
     /// Letters of the types of the columns, separated by commas: text columns with K or F are
     /// numbers.
     QString types;

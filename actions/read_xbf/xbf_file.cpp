@@ -40,7 +40,8 @@ Result<std::unique_ptr<dbf::TableReader>, dbf::Error>
 XbfFile::openTable(ByteSource &source, const encoding::TextDecoder &decoder,
                    const ReadXbfParams &params)
 {
-    return dbf::TableReader::open(source, decoder, {params.level7, params.readAllTypes},
+    return dbf::TableReader::open(source, decoder,
+                                  {params.level7, params.readAllTypes, params.isoValues},
                                   bufferBytes(params));
 }
 
@@ -183,7 +184,8 @@ inline bool XbfFile::isNumberOfText(size_t column) const
 {
     const dbf::Conversion conversion = m_reader->columns()[column].conversion;
     return !m_letters.empty() && m_letters[column] != 'U' &&
-           (conversion == dbf::Conversion::Text || conversion == dbf::Conversion::Digits);
+           (conversion == dbf::Conversion::Text || conversion == dbf::Conversion::Digits ||
+            conversion == dbf::Conversion::Truth || conversion == dbf::Conversion::IsoDate);
 }
 
 bool XbfFile::putNumber(size_t column, RowBuffer &buffer, OneRow &row)

@@ -71,19 +71,23 @@ struct TypeRule
     bool isRefused = false;
 };
 
-TypeRule ruleOf(char type, bool isFoxPro, bool readsAllTypes)
+TypeRule ruleOf(char type, bool isFoxPro, const TableOptions &options)
 {
+    const bool readsAllTypes = options.readsAllTypes;
+    const bool isIso = options.isoValues;
     switch (type) {
     case 'C':
         return {CellType::Text, Conversion::Text};
     case 'M':
         return {CellType::Text, Conversion::Memo};
     case 'D':
+        return {CellType::Text, isIso ? Conversion::IsoDate : Conversion::Digits};
     case 'F':
     case 'N':
         return {CellType::Text, Conversion::Digits};
     case 'L':
-        return {CellType::Key, Conversion::Logical};
+        return isIso ? TypeRule{CellType::Text, Conversion::Truth}
+                     : TypeRule{CellType::Key, Conversion::Logical};
     case 'I':
         return {CellType::Double, Conversion::Integer};
     case '0':
@@ -96,7 +100,7 @@ TypeRule ruleOf(char type, bool isFoxPro, bool readsAllTypes)
                 .isRefused = !isFoxPro && !readsAllTypes};
     case '@':
     case 'T':
-        return {CellType::Text, Conversion::Timestamp};
+        return {CellType::Text, isIso ? Conversion::IsoTimestamp : Conversion::Timestamp};
     case '+':
         return {CellType::Key, Conversion::Key};
     case 'G':
@@ -185,11 +189,11 @@ Fault<Error> badHeader(const QString &why, qint64 offset)
 }
 
 /// Add the fields that become columns to the header.
-Result<void, Error> chooseColumns(const std::vector<Field> &fields, bool readsAllTypes,
+Result<void, Error> chooseColumns(const std::vector<Field> &fields, const TableOptions &options,
                                   TableHeader *header)
 {
     for (Field field : fields) {
-        const TypeRule rule = ruleOf(field.type, header->isFoxPro, readsAllTypes);
+        const TypeRule rule = ruleOf(field.type, header->isFoxPro, options);
         if (rule.isRefused) {
             return Fault<Error>{Error::UnsupportedField,
                                 QLatin1Char(field.type) + QString::fromLatin1(field.name)};
@@ -210,7 +214,7 @@ Result<void, Error> chooseColumns(const std::vector<Field> &fields, bool readsAl
 
 /// Parse the header of dBase II. A table of version 02 may have that layout or the later one. It is
 /// dBase II if its descriptors match its record length; otherwise returns nothing.
-std::optional<TableHeader> parseDbase2(QByteArrayView bytes, bool readsAllTypes)
+std::optional<TableHeader> parseDbase2(QByteArrayView bytes, const TableOptions &options)
 {
     if (bytes.size() < kDbase2HeaderBytes) {
         return std::nullopt;
@@ -225,7 +229,7 @@ std::optional<TableHeader> parseDbase2(QByteArrayView bytes, bool readsAllTypes)
         readDescriptors(bytes.first(kDbase2HeaderBytes), kDbase2Layout);
     header.fieldBytes = descriptors.recordBytes;
     if (descriptors.fields.empty() || descriptors.recordBytes != header.recordBytes ||
-        !chooseColumns(descriptors.fields, readsAllTypes, &header)) {
+        !chooseColumns(descriptors.fields, options, &header)) {
         return std::nullopt;
     }
     return header;
@@ -258,7 +262,8 @@ DescriptorList descriptorsOf(QByteArrayView bytes, TableHeader *header)
 }
 
 /// Complete the header with the fields that its descriptors describe.
-Result<TableHeader, Error> parse(QByteArrayView bytes, bool readsAllTypes, TableHeader header)
+Result<TableHeader, Error> parse(QByteArrayView bytes, const TableOptions &options,
+                                 TableHeader header)
 {
     const DescriptorList descriptors = descriptorsOf(bytes, &header);
     if (bytes.size() < layoutOf(header.isLevel7).fixedBytes) {
@@ -268,7 +273,7 @@ Result<TableHeader, Error> parse(QByteArrayView bytes, bool readsAllTypes, Table
         return badHeader(QStringLiteral("its fields do not fit its record length"), 10);
     }
     header.fieldBytes = descriptors.recordBytes;
-    auto chosen = chooseColumns(descriptors.fields, readsAllTypes, &header);
+    auto chosen = chooseColumns(descriptors.fields, options, &header);
     if (!chosen) {
         return chosen.fault();
     }
@@ -345,7 +350,7 @@ Result<TableHeader, Error> readLaterHeader(ByteSource &source, QByteArray bytes,
     if (bytes.size() > header.headerBytes && !source.seek(header.headerBytes)) {
         return Fault<Error>{Error::Unreadable, {}, header.headerBytes};
     }
-    return parse(QByteArrayView(bytes).first(header.headerBytes), options.readsAllTypes, header);
+    return parse(QByteArrayView(bytes).first(header.headerBytes), options, header);
 }
 
 } // namespace
@@ -356,7 +361,7 @@ Result<TableHeader, Error> readTableHeader(ByteSource &source, const TableOption
     auto read = extend(source, &bytes, kUsual.fixedBytes);
     if (read && bytes.startsWith(static_cast<char>(kDbase2))) {
         read = extend(source, &bytes, kDbase2HeaderBytes);
-        const auto dbase2 = read ? parseDbase2(bytes, options.readsAllTypes) : std::nullopt;
+        const auto dbase2 = read ? parseDbase2(bytes, options) : std::nullopt;
         if (dbase2) {
             return *dbase2;
         }

@@ -52,8 +52,16 @@ enum class Conversion : quint8 {
     Double,
     /// A signed number of 64 bits, ten-thousandths, to a double.
     Currency,
-    /// Julian day and milliseconds, 32 bits each, to a text.
+    /// Julian day and milliseconds, 32 bits each, to a text: 20260131 04:30:05.
     Timestamp,
+    // With TableOptions::isoValues:
+    /// Eight digits of a date, to a text: 2026-01-31. Eight zeros are missing; other bytes are
+    /// kept.
+    IsoDate,
+    /// As Timestamp, in the form 2026-01-31T04:30:05.
+    IsoTimestamp,
+    /// As Logical, to the text true or false.
+    Truth,
 };
 
 /// A field of the records that becomes a column.
@@ -110,6 +118,9 @@ struct TableOptions
     bool isLevel7 = false;
     /// Read amounts of currency, and skip objects and pictures. Off: a table with them is refused.
     bool readsAllTypes = false;
+    /// Dates and times are texts in the form of ISO 8601, and logical values the texts true and
+    /// false. Off: the digits of a date, a date and time without signs, and the keys 1 and 0.
+    bool isoValues = false;
 };
 
 /// Read the header. The source is at its start; afterwards it is at the first record.

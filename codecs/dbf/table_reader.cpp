@@ -76,6 +76,12 @@ char *putDigits(char *out, int value, int digits)
     return out + digits;
 }
 
+char *putSign(char *out, char sign)
+{
+    *out = sign;
+    return out + 1;
+}
+
 /// In the fields with sorting numbers, a value of zero bytes was never entered.
 bool isZero(const char *bytes, int n)
 {
@@ -111,6 +117,7 @@ Votes votesOf(Conversion conversion, const char *bytes, int length)
         }
         break;
     case Conversion::Timestamp:
+    case Conversion::IsoTimestamp:
         if (length >= 8 && !isZero(bytes, 8)) {
             return {byte(0) == 0x42, byte(3) == 0x00};
         }
@@ -120,6 +127,8 @@ Votes votesOf(Conversion conversion, const char *bytes, int length)
     case Conversion::Memo:
     case Conversion::Logical:
     case Conversion::Currency:
+    case Conversion::IsoDate:
+    case Conversion::Truth:
         break;
     }
     return {};
@@ -274,7 +283,7 @@ QByteArrayView TableReader::trimmedText(const char *bytes, int n)
     return {bytes, n};
 }
 
-std::optional<QByteArrayView> TableReader::text(size_t column) const
+std::optional<QByteArrayView> TableReader::text(size_t column)
 {
     const Field &field = m_header.fields[column];
     switch (field.conversion) {
@@ -282,6 +291,13 @@ std::optional<QByteArrayView> TableReader::text(size_t column) const
         return trimmedText(bytesOf(field), field.length);
     case Conversion::Digits:
         return trimmedDigits(bytesOf(field), field.length);
+    case Conversion::Timestamp:
+    case Conversion::IsoTimestamp:
+        return putTimestamp(field);
+    case Conversion::IsoDate:
+        return putIsoDate(field);
+    case Conversion::Truth:
+        return truthText(field);
     default:
         return std::nullopt;
     }
@@ -374,8 +390,35 @@ TableReader::Moment TableReader::momentOf(const char *bytes) const
             static_cast<quint32>(whole % kDayMs)};
 }
 
-/// Print "yyyyMMdd hh:mm:ss" to `out`. Returns an empty view if the field holds no valid time.
-QByteArrayView TableReader::putTimestamp(const Field &field, std::array<char, 17> *out)
+/// The text of a date in m_text, "yyyy-MM-dd". Other bytes are the text that they are.
+QByteArrayView TableReader::putIsoDate(const Field &field)
+{
+    const QByteArrayView digits = trimmedDigits(bytesOf(field), field.length);
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    if (digits.size() != 8 || !std::all_of(digits.begin(), digits.end(), isDigit)) {
+        return digits;
+    }
+    // Some programs store zeros for no date.
+    if (std::all_of(digits.begin(), digits.end(), [](char c) { return c == '0'; })) {
+        return {};
+    }
+    char *at = std::copy_n(digits.data(), 4, m_text.data());
+    *at++ = '-';
+    at = std::copy_n(digits.data() + 4, 2, at);
+    *at++ = '-';
+    at = std::copy_n(digits.data() + 6, 2, at);
+    return {m_text.data(), at - m_text.data()};
+}
+
+QByteArrayView TableReader::truthText(const Field &field)
+{
+    const quint32 key = logicalKey(field);
+    return cell::isMissingKey(key) ? QByteArrayView() : key != 0 ? "true" : "false";
+}
+
+/// The text of a time in m_text, "yyyyMMdd hh:mm:ss" or "yyyy-MM-ddThh:mm:ss". Returns an empty
+/// view if the field holds no valid time.
+QByteArrayView TableReader::putTimestamp(const Field &field)
 {
     if (field.length < 8) {
         return {};
@@ -391,17 +434,19 @@ QByteArrayView TableReader::putTimestamp(const Field &field, std::array<char, 17
     ms = std::min(ms + 1, kDayMs - 1);
     const Date date = dateOfJulianDay(static_cast<int>(julianDay));
     const int seconds = static_cast<int>(ms / 1000);
-    char *at = out->data();
-    at = putDigits(at, date.year, 4);
+    const bool isIso = field.conversion == Conversion::IsoTimestamp;
+    char *at = putDigits(m_text.data(), date.year, 4);
+    at = isIso ? putSign(at, '-') : at;
     at = putDigits(at, date.month, 2);
+    at = isIso ? putSign(at, '-') : at;
     at = putDigits(at, date.day, 2);
-    *at++ = ' ';
+    *at++ = isIso ? 'T' : ' ';
     at = putDigits(at, seconds / 3600, 2);
     *at++ = ':';
     at = putDigits(at, seconds / 60 % 60, 2);
     *at++ = ':';
-    putDigits(at, seconds % 60, 2);
-    return {out->data(), static_cast<qsizetype>(out->size())};
+    at = putDigits(at, seconds % 60, 2);
+    return {m_text.data(), at - m_text.data()};
 }
 
 /// The block number of a memo field; 0 if it is empty. Counts invalid numbers.

@@ -75,7 +75,7 @@ public:
     template <class Arena> const uchar *cell(size_t column, Arena &arena);
     /// The bytes of the text that cell() would decode, without a copy; nothing if the column is not
     /// a text, or is a memo. Empty: missing. Valid until next().
-    std::optional<QByteArrayView> text(size_t column) const;
+    std::optional<QByteArrayView> text(size_t column);
     /// Why cell() returned null. Call it only after that.
     const Fault<Error> &fault() const { return *m_fault; }
 
@@ -105,7 +105,9 @@ private:
         quint32 ms; // since midnight
     };
     Moment momentOf(const char *bytes) const;
-    QByteArrayView putTimestamp(const Field &field, std::array<char, 17> *out);
+    QByteArrayView putTimestamp(const Field &field);
+    QByteArrayView putIsoDate(const Field &field);
+    QByteArrayView truthText(const Field &field);
     QString placeOf(const Field &field) const;
     quint32 memoBlock(const Field &field);
     QByteArrayView memoText(const Field &field);
@@ -132,6 +134,7 @@ private:
     size_t m_at = 0;
     size_t m_end = 0;
     const char *m_record = nullptr; // in m_buffer
+    std::array<char, 19> m_text{};  // scratch for the text of a date or time
     std::vector<char16_t> m_units;  // scratch for multi-byte encodings
 };
 
@@ -188,10 +191,13 @@ template <class Arena> const uchar *TableReader::cell(size_t column, Arena &aren
         return numberCell(doubleOf(field), arena);
     case Conversion::Currency:
         return numberCell(currencyOf(field), arena);
-    case Conversion::Timestamp: {
-        std::array<char, 17> text{};
-        return textCell(field, putTimestamp(field, &text), arena);
-    }
+    case Conversion::Timestamp:
+    case Conversion::IsoTimestamp:
+        return textCell(field, putTimestamp(field), arena);
+    case Conversion::IsoDate:
+        return textCell(field, putIsoDate(field), arena);
+    case Conversion::Truth:
+        return textCell(field, truthText(field), arena);
     }
     return nullptr;
 }

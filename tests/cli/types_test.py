@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """The types that convert and schema find in files of texts: types_test.py CORVANTA"""
 import csv
+import datetime
 import json
 import os
 import pathlib
@@ -101,17 +102,20 @@ class Found(Case):
         self.assertEqual(self.types("in.html"), ["a=integer K", "b=text U"])
 
     def test_dbase(self):
-        fields = [(b"C", b"C", 10), (b"N", b"N", 8), (b"D", b"D", 8), (b"L", b"L", 1)]
-        rows = [b" " + b"2.50".ljust(10) + b"7.25".rjust(8) + b"20260131" + b"T", b"*" + b"x".ljust(10) + b"x".rjust(8) + b"20260131" + b"T",
-                b" " + b"1".ljust(10) + b"12".rjust(8) + b"20260201" + b"F"]
+        fields = [(b"C", b"C", 10), (b"N", b"N", 8), (b"D", b"D", 8), (b"L", b"L", 1), (b"T", b"T", 8)]
+        at = struct.pack("<II", datetime.date(2026, 1, 31).toordinal() + 1721425, 16205000)
+        rows = [b" " + b"2.50".ljust(10) + b"7.25".rjust(8) + b"20260131" + b"T" + at,
+                b"*" + b"x".ljust(10) + b"x".rjust(8) + b"20260131" + b"T" + at,
+                b" " + b"1".ljust(10) + b"12".rjust(8) + b"00000000" + b"F" + bytes(8)]
         header = struct.pack("<BxxxIHH20x", 3, len(rows), 32 + 32 * len(fields) + 1, len(rows[0]))
         header += b"".join(struct.pack("<11sc4xB15x", name, kind, size) for name, kind, size in fields) + b"\r"
         self.put("in.dbf", header + b"".join(rows))
-        self.assertEqual(self.types("in.dbf"), ["C=decimal F", "N=decimal F", "D=text U", "L=integer K"])
+        self.assertEqual(self.types("in.dbf"), ["C=decimal F", "N=decimal F", "D=date U", "L=boolean U", "T=datetime U"])
+        self.assertEqual(self.types("in.dbf", "--reader", "isoValues=0"), ["C=decimal F", "N=decimal F", "D=text U", "L=integer K", "T=text U"])
         self.corvanta("convert", "in.dbf", "out.xlsx")
-        self.assertEqual(self.types("out.xlsx"), ["C=decimal F", "N=decimal F", "D=text U", "L=integer K"])
+        self.assertEqual(self.types("out.xlsx"), ["C=decimal F", "N=decimal F", "D=date U", "L=boolean U", "T=datetime U"])
         self.corvanta("convert", "in.dbf", "out.csv", "--reader", "types=F,F")
-        self.assertEqual(self.read("out.csv"), "C,N,D,L\n2.5,7.25,20260131,1\n1,12,20260201,0\n")
+        self.assertEqual(self.read("out.csv"), "C,N,D,L,T\n2.5,7.25,2026-01-31,true,2026-01-31T04:30:05\n1,12,,false,\n")
         self.assertIn("record 1, column 'N': '7.25' is not of type K",
                       self.corvanta("convert", "in.dbf", "out.csv", "--reader", "types=F,K", status=1).stderr)
 
