@@ -112,7 +112,7 @@ Form formOfMoment(std::string_view text)
 
 constexpr qint64 kExactDigits = 15;
 
-/// The form of the digits [at, end) after an optional minus sign; `first` is not '0' or the only
+/// The form of the digits [at, end) after an optional minus sign; the first is not '0' or the only
 /// digit.
 Form formOfInteger(const char *at, const char *end, bool isNegative)
 {
@@ -124,7 +124,12 @@ Form formOfInteger(const char *at, const char *end, bool isNegative)
     const bool isKey =
         !isNegative && (digits.size() < kGreatestKey.size() ||
                         (digits.size() == kGreatestKey.size() && digits <= kGreatestKey));
-    return {.kind = Kind::Integer, .isKey = isKey, .isExact = end - at <= kExactDigits};
+    constexpr std::string_view kGreatest = "9223372036854775807";
+    const bool isInteger = digits.size() < kGreatest.size() ||
+                           (digits.size() == kGreatest.size() && digits <= kGreatest);
+    return {.kind = isInteger ? Kind::Integer : Kind::Decimal,
+            .isKey = isKey,
+            .isExact = end - at <= kExactDigits};
 }
 
 /// The exponent [at, end) after the "e"; greater than all that a double has if it is not one.

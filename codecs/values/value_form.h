@@ -26,10 +26,11 @@ struct Form
 };
 
 /// The form of `text`, in UTF-8. An Integer has digits and at most a minus sign, without leading
-/// zeros; a Decimal may also have a fraction, after `decimalPoint` (ASCII), and an exponent. A Date
-/// is 2026-01-31, a Time 04:30 or 04:30:05.25, and a DateTime both with a T or a blank between;
-/// with at most six digits of a fraction; only a DateTime may have a zone, which is Z. A Boolean is
-/// "true" or "false", also with a capital first letter or in capitals. The empty text is a Text.
+/// zeros, and fits into 64 bits; a Decimal may be larger, and have a fraction, after `decimalPoint`
+/// (ASCII), and an exponent. A Date is 2026-01-31, a Time 04:30 or 04:30:05.25, and a DateTime both
+/// with a T or a blank between; with at most six digits of a fraction; only a DateTime may have a
+/// zone, which is Z. A Boolean is "true" or "false", also with a capital first letter or in
+/// capitals. The empty text is a Text.
 Form formOf(std::string_view text, char decimalPoint = '.');
 
 } // namespace corvanta::values
