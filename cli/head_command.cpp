@@ -246,7 +246,7 @@ CommandOptions headOptions()
 {
     CommandOptions options = inputFileOptions();
     options.withValue << u"-n"_s;
-    options.flags << u"--json"_s;
+    options.flags << u"--json"_s << u"--all"_s;
     return options;
 }
 
@@ -258,8 +258,11 @@ CommandResult<void> headCommand(const CommandLine &line)
     }
     // Readers that must look at all rows for the types of columns then look at this many.
     constexpr qint64 kFewRows = 1000;
-    const ReadExtent extent = *rows <= kFewRows ? ReadExtent::FirstRows : ReadExtent::Whole;
+    const bool isAll = line.has(u"--all"_s);
+    const ReadExtent extent =
+        *rows <= kFewRows && !isAll ? ReadExtent::FirstRows : ReadExtent::Whole;
     InputFacts facts;
+    facts.extent = isAll ? ActionParameters::KindExtent::All : ActionParameters::KindExtent::Sample;
     InputFacts *const jsonFacts = line.has(u"--json"_s) ? &facts : nullptr;
     FirstRows printer(*rows, jsonFacts);
     const auto add = [&](const TableSchema &columns, const OneRow *row) {

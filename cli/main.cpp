@@ -135,11 +135,12 @@ constexpr Command kCommands[] = {
      "extension;\n"
      "129, 130, 131 or 143 as for \"corvanta run\".\n"},
     {"head", headOptions, headCommand, "print the first rows of a file as a table",
-     "corvanta head INPUT [-n ROWS] [--json] [options]\n\n"
+     "corvanta head INPUT [-n ROWS] [--json] [--all] [options]\n\n"
      "Prints the first ROWS rows (default 10) as a table. A missing cell is blank, an empty text "
      "is \"\". On a terminal,\n"
      "long cells are cut, and columns that do not fit are named at the end. --json prints an array "
-     "with an object per row.\n\n"
+     "with an object per row;\n"
+     "the types of the values are those of the first rows, with --all those of all rows.\n\n"
      "Inputs, other options and exit statuses are those of \"corvanta convert\".\n"},
     {"schema", schemaOptions, schemaCommand, "print the columns of a file",
      "corvanta schema INPUT [--json] [-v] [--all] [options]\n\n"

@@ -92,6 +92,11 @@ class HeadAsJson(Case):
         self.assertEqual(self.corvanta("head", "in.csv", "--json"),
                          '[\n  {"i": 10, "d": 1.50, "b": true, "t": "010"},\n  {"i": 9, "d": -1e3, "b": false, "t": "TRUE"}\n]\n')
 
+    def test_types_of_a_sample_and_of_all_rows(self):
+        self.put("in.csv", "n\n" + "1\n" * 150_000 + "x\n")
+        self.assertEqual(json.loads(self.corvanta("head", "in.csv", "--json", "-n", "1")), [{"n": 1}])
+        self.assertEqual(json.loads(self.corvanta("head", "in.csv", "--json", "-n", "1", "--all")), [{"n": "1"}])
+
     def test_rows(self):
         self.put("in.csv", "n\n" + "".join(f"{i}\n" for i in range(200_000)))
         for words, rows in (([], 10), (["-n", "0"], 0), (["-n", "1"], 1), (["-n", "150000"], 150_000)):
