@@ -142,9 +142,11 @@ void noteNumbersAmongTexts(const QString &fileName, const QVector<ColumnKind> &k
 
 QStringList castsFor(const QVector<ColumnKind> &kinds, ActionParameters *reader)
 {
-    const bool hasNumbers = std::any_of(kinds.begin(), kinds.end(),
-                                        [](const ColumnKind &kind) { return kind.letter != 'U'; });
-    if (!hasNumbers || !readsTexts(*reader) || reader->readColumnsAs(kinds)) {
+    // A text may have another form too: dBase has dates without separators.
+    const bool hasTypes = std::any_of(kinds.begin(), kinds.end(), [](const ColumnKind &kind) {
+        return kind.kind != ValueKind::Text;
+    });
+    if (!hasTypes || !readsTexts(*reader) || reader->readColumnsAs(kinds)) {
         return {};
     }
     QStringList casts;

@@ -57,6 +57,8 @@ QVector<ColumnKind> ActionReadXBF::columnKinds(KindExtent extent)
         return {};
     }
     const encoding::TextDecoder decoder = makeDecoder();
+    ReadXbfParams params = m_params;
+    params.isoValues = true; // as readColumnsAs() reads them
     QStringList names;
     std::vector<dbf::Field> fields;
     std::vector<values::ColumnScan> scans;
@@ -64,7 +66,7 @@ QVector<ColumnKind> ActionReadXBF::columnKinds(KindExtent extent)
     for (const QString &name : namesOfPattern(*this, m_params.fileName)) {
         InputFile file(globalParameters(), name, true, InputFile::Report::Nothing);
         file.keepPipe();
-        const auto table = XbfFile::openTable(file, decoder, m_params);
+        const auto table = XbfFile::openTable(file, decoder, params);
         if (!file.isOpen() || !table) {
             continue;
         }

@@ -32,6 +32,7 @@ public:
     bool readColumnsAs(const QVector<ColumnKind> &columns) override
     {
         m_params.types = lettersOf(columns);
+        m_params.isoValues = true;
         return true;
     }
     QVector<ParameterProblem> problems() const override { return typeProblems(m_params.types); }

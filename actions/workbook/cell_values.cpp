@@ -37,11 +37,10 @@ quint8 contentOfDate(NumberForm form, double serial, bool uses1904)
     return form == NumberForm::DateTime || day != serial ? kHasDateTimes : kHasDates;
 }
 
-/// The words are those of all formats here, whatever the language of the workbook. Returns the
-/// number of units.
+/// The words do not depend on the language of the workbook. Returns the number of units.
 int putBoolean(bool value, char16_t *out)
 {
-    const std::u16string_view text = value ? u"true" : u"false";
+    const std::u16string_view text = value ? u"TRUE" : u"FALSE";
     return static_cast<int>(text.copy(out, text.size()));
 }
 

@@ -41,7 +41,7 @@ def normal(value):
     try:
         return float(value)
     except ValueError:
-        return {"true": 1.0, "false": 0.0}.get(value, value)
+        return {"TRUE": 1.0, "FALSE": 0.0}.get(value, value)
 
 
 def letters(column):

@@ -140,7 +140,7 @@ class Workbooks(unittest.TestCase):
         rows, _ = self.read()
         self.assertEqual(rows[1:], [["4294967293", "0.5", "1", "", "1900-02-29", ""],
                                     ["0", "-1", "x&y\r", "", "2023-03-15T12:00:00", "2"],
-                                    ["", "1e+300", "true", "", "252:00:00", "3"], ["1", "2", "#N/A", "", "12:00:00", "4"]])
+                                    ["", "1e+300", "TRUE", "", "252:00:00", "3"], ["1", "2", "#N/A", "", "12:00:00", "4"]])
         self.assertEqual(self.command("schema", "book.xlsx")[0], "k\tK\nf\tF\nu\tU\nnone\tU\ndate\tU\nempty\tK\n")
         rows, messages = self.read("dates='1' errorCells='1'")
         self.assertEqual([row[4] for row in rows[1:]], ["60", "45000.5", "10.5", "0.5"])
@@ -296,7 +296,7 @@ class Workbooks(unittest.TestCase):
         self.assertEqual(kept[1:] * 2, parsed[1:])
         self.assertEqual(len(kept), 800)
         self.assertEqual(len(kept[700][10]), 100_000)
-        values = ["text 0 é", "", "true", "", "#REF!", "2024-02-29", "shared", "2023-03-15T12:00:00"]
+        values = ["text 0 é", "", "TRUE", "", "#REF!", "2024-02-29", "shared", "2023-03-15T12:00:00"]
         self.assertEqual(kept[1][:10], ["0", "255", "256", "65535", "65536", "2147483647", "2147483648", "-1", "0.5", "1e+300"])
         self.assertEqual(kept[1][10:16] + kept[1][-2:], values)
 
