@@ -130,14 +130,14 @@ bool ActionUnion::checkColumns(int pin, const TableSchema &columns, const TableS
     }
     if (columns.names.size() != first.names.size()) {
         return fail(
-            u"Error: union: table %1 has %2 columns, the first table has %3; match='0' joins columns by name\n"_s
+            u"Error: union: table %1 has %2 columns, the first table has %3; match='0' (convert --union) joins columns by name\n"_s
                 .arg(table, QString::number(columns.names.size()),
                      QString::number(first.names.size())));
     }
     for (qsizetype i = 0; m_params.match == UnionMatch::Same && i < first.names.size(); ++i) {
         if (columns.names[i] != first.names[i]) {
             return fail(
-                u"Error: union: column %1 of table %2 is '%3', that of the first table is '%4'; match='0' joins columns by name\n"_s
+                u"Error: union: column %1 of table %2 is '%3', that of the first table is '%4'; match='0' (convert --union) joins columns by name\n"_s
                     .arg(QString::number(i + 1), table, columns.names[i], first.names[i]));
         }
     }

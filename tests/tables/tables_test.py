@@ -217,9 +217,9 @@ class Union(Folder):
     def test_errors(self):
         a, b = ("a,b\n1,x\n", ""), ("a,c\n1,x\n", "")
         self.check_error([a, b], action("union", "match='2'"),
-                         "Error: union: column 2 of table 2 is 'c', that of the first table is 'b'; match='0' joins columns by name\n")
+                         "Error: union: column 2 of table 2 is 'c', that of the first table is 'b'; match='0' (convert --union) joins columns by name\n")
         self.check_error([a, ("a\n1\n", "")], action("union", "match='1'"),
-                         "Error: union: table 2 has 1 columns, the first table has 2; match='0' joins columns by name\n")
+                         "Error: union: table 2 has 1 columns, the first table has 2; match='0' (convert --union) joins columns by name\n")
         self.check_error([a, ("b,b\n1,x\n", "")], action("union"), "Error: union: two columns of table 2 have the name 'b'\n")
 
 
