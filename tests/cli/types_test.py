@@ -73,10 +73,9 @@ class Found(Case):
         self.put("in.csv", "x,n,zip\n0.30000000000000004,1,01234\n4,2,1\n10,-,2\n")
         note = ("2 columns of 'in.csv' have numbers but are text; the first is 'x', because of '0.30000000000000004' in row 1 (line 2) "
                 "(--types with one letter for each column, such as K,F,U, reads numbers)")
-        for words in (["out.xlsx"], ["out.csv", "--sort", "x"], ["out.csv", "--where", "x is null"]):
-            self.assertIn(note, self.corvanta("convert", "in.csv", *words).stderr)
-        self.assertEqual(self.corvanta("convert", "in.csv", "out.csv").stderr, "")
-        self.assertEqual(self.corvanta("convert", "in.csv", "out.csv", "--sort", "-x", "--types", "F,U,U").stderr, "")
+        self.assertIn(note, self.corvanta("convert", "in.csv", "out.xlsx").stderr)
+        for words in ([], ["--sort", "-x"], ["--sort", "-x", "--types", "F,U,U"]):
+            self.assertEqual(self.corvanta("convert", "in.csv", "out.csv", *words).stderr, "")
         self.assertEqual([line.split(",")[0] for line in self.read("out.csv").splitlines()], ["x", "10", "4", "0.30000000000000004"])
 
     def test_json_tokens_are_types(self):
