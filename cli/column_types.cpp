@@ -140,6 +140,7 @@ void noteNumbersAmongTexts(const QString &fileName, const QVector<ColumnKind> &k
                        first.column, visibleText(first.exception), first.exceptionPlace));
 }
 
+/// Only columns that the reader itself cannot give as numbers.
 QStringList castsFor(const QVector<ColumnKind> &kinds, ActionParameters *reader)
 {
     // A text may have another form too: dBase has dates without separators.

@@ -42,6 +42,7 @@ QJsonObject catalogueEntry(ActionItem &action)
     return entry;
 }
 
+/// Recursive, because members of lists may be lists.
 QJsonArray parameterEntries(const QVector<ParameterInfo> &infos); // members of a structure
 
 /// "mode is 2 or 4", with the values as they are saved.

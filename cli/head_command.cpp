@@ -47,6 +47,7 @@ CommandResult<void> readRows(const QString &command, const CommandLine &line, qi
     return (*session)->run(graph, registry, std::move(options));
 }
 
+/// Columns that the reader says nothing about are what their cells are.
 QVector<ColumnKind> kindsOf(const TableSchema &schema, const InputFacts &facts)
 {
     QHash<QString, ColumnKind> known;
@@ -111,6 +112,7 @@ public:
     }
 
 private:
+    /// The columns are known with the first row, or with the end of the table.
     void start(const TableSchema &columns)
     {
         if (m_facts != nullptr) {

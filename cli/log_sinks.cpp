@@ -206,6 +206,7 @@ void CommandLog::addSummary(const RunSummary &summary)
     write(line);
 }
 
+/// Called on the threads of several actions.
 void CommandLog::addWrittenFile(const QString &name)
 {
     const std::lock_guard lock(m_mutex);

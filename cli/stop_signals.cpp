@@ -26,6 +26,7 @@ std::atomic<bool> endsCleanly = false;  // a CleanEnd exists
     std::_Exit(kEndedBySignal + signal);
 }
 
+/// Only calls that are allowed in handlers of signals (signal-safety(7)).
 void onSignal(int signal)
 {
     // Shells and tools such as timeout often send a signal twice, to the process and to its group.

@@ -82,6 +82,7 @@ QString withoutTrailingBlanks(QString line)
 
 } // namespace
 
+/// In cells of a terminal: wide characters take two, combining ones none.
 int displayWidth(const QString &text)
 {
     int width = 0;
@@ -118,6 +119,7 @@ QStringList TablePrinter::shownCells(const QStringList &cells) const
     return texts;
 }
 
+/// The first rows are held until their widths are known.
 void TablePrinter::add(const QStringList &cells)
 {
     const QStringList texts = shownCells(cells);
@@ -132,6 +134,7 @@ void TablePrinter::hold(const QStringList &texts)
     }
 }
 
+/// The rows that were held decide the widths; later rows are cut to them.
 void TablePrinter::measure()
 {
     qsizetype line = 0;

@@ -38,6 +38,7 @@ NoteLabel::NoteLabel(QWidget *parent)
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 }
 
+/// The mark of a problem is left of the text, which makes room for it.
 void NoteLabel::setNote(Kind kind, const QString &text)
 {
     m_kind = kind;

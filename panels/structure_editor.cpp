@@ -102,6 +102,7 @@ const Element *StructureEditor::currentElement() const
     return current() == nullptr ? nullptr : &current()->element;
 }
 
+/// The element of the top level that contains the current item.
 int StructureEditor::currentIndex() const
 {
     QTreeWidgetItem *item = m_tree->currentItem();

@@ -14,6 +14,7 @@ ActionFilter::ActionFilter(const XMLNode &saved, GlobalParameters *parameters)
 {
 }
 
+/// Only the syntax: the columns are known in the run.
 QVector<ParameterProblem> ActionFilter::problems() const
 {
     QVector<ParameterProblem> problems = shared::kindProblems(m_params.kinds);
@@ -26,6 +27,7 @@ QVector<ParameterProblem> ActionFilter::problems() const
     return problems;
 }
 
+/// The place in the expression counts from 1, as people count.
 bool ActionFilter::failExpression(const QString &where, const Fault<expression::Error> &fault)
 {
     return fail(u"Error: filter: invalid expression '%1' at character %2: %3\n"_s.arg(
@@ -61,6 +63,7 @@ bool ActionFilter::begin(const OneRow &columns)
     return true;
 }
 
+/// A condition that is neither true nor false, because a cell is missing, does not keep the row.
 bool ActionFilter::takeRow(const OneRow &row)
 {
     const auto isTrue = m_condition->isTrue(row.view());

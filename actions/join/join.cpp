@@ -31,6 +31,7 @@ QVector<ParameterProblem> ActionJoin::problems() const
     return shared::kindProblems(m_params.kinds);
 }
 
+/// A graph may run again in the same process, so nothing of the last run is left.
 void ActionJoin::start()
 {
     m_run.reset();
@@ -40,6 +41,7 @@ void ActionJoin::start()
     m_nextAlone = 0;
 }
 
+/// Runs stages until the host wants the thread back; m_stage keeps the place.
 bool ActionJoin::step()
 {
     if (!m_run && !begin()) {
@@ -53,6 +55,7 @@ bool ActionJoin::step()
     return true;
 }
 
+/// Needs the columns of both inputs, which are known after the first row or the end of each.
 bool ActionJoin::begin()
 {
     // The columns of a table arrive with its first row, or with its end.
@@ -81,6 +84,7 @@ bool ActionJoin::begin()
     return true;
 }
 
+/// A small piece of work, so that a stop takes effect soon.
 bool ActionJoin::stepStage()
 {
     switch (m_stage) {
@@ -201,6 +205,7 @@ bool ActionJoin::putFirst(const OneRow &row, std::string_view key)
     return m_run->parts->putFirst(key, {packed.data(), size_t(end - packed.data())}) || failParts();
 }
 
+/// An empty key has a missing cell, which is equal to nothing.
 void ActionJoin::joinFirst(const OneRow &row, std::string_view key)
 {
     RunState &run = *m_run;
@@ -259,6 +264,7 @@ bool ActionJoin::joinPart()
     return true;
 }
 
+/// The rows of the parts arrive in the order that they would have without parts.
 bool ActionJoin::sendJoined()
 {
     RunState &run = *m_run;
@@ -278,12 +284,14 @@ bool ActionJoin::sendJoined()
     return true;
 }
 
+/// A text in a column that is compared as numbers.
 bool ActionJoin::failKey(const QString &table, qint64 number, const OneRow &row, int column)
 {
     return fail(
         u"Error: join: %1 table, %2\n"_s.arg(table, shared::notANumber(number, row, column)));
 }
 
+/// All failures of the parts are those of their temporary files.
 bool ActionJoin::failParts()
 {
     return shared::failKeptRows(this, BlockSpool(shared::spoolOptions(this)).folder(),

@@ -46,6 +46,7 @@ private:
     JoinLayout m_layout;
 };
 
+/// The columns of the first table, then those of the second except its keys, which are equal.
 std::optional<JoinLayout> LayoutFinder::find()
 {
     m_layout.output = m_first;
@@ -84,6 +85,7 @@ int LayoutFinder::find(const TableSchema &table, const QString &name, const QStr
     return column;
 }
 
+/// A text column of a numeric kind is compared by its numbers, so that 1 and 1.0 are equal.
 rows::KeyColumn LayoutFinder::keyOf(const TableSchema &table, int column) const
 {
     return {column, table.types[column].cellType(), true,
@@ -113,6 +115,7 @@ bool LayoutFinder::addKey(const QString &text)
     return true;
 }
 
+/// A number is never equal to a text; such a join would have no partners and no message.
 bool LayoutFinder::checkKey(const QString &name, const rows::KeyColumn &first,
                             const rows::KeyColumn &second)
 {

@@ -27,12 +27,14 @@ size_t partOf(std::string_view key)
     return rows::hashOf(key) >> (kHashBits - kPartBits);
 }
 
+/// Returns the end of the bytes in `out`.
 char *append(char *out, std::string_view bytes)
 {
     std::memcpy(out, bytes.data(), bytes.size());
     return out + bytes.size();
 }
 
+/// A record of a part is the number of its row, then the row. See put().
 std::string_view numberOf(const rows::Record &record)
 {
     return record.row.substr(0, kNumberBytes);
@@ -45,6 +47,7 @@ std::string_view packedOf(const rows::Record &record)
 
 } // namespace
 
+/// The number of parts does not depend on the data, whose size is not known yet.
 PartitionedJoin::PartitionedJoin(Options options)
     : m_options(std::move(options))
     , m_parts(size_t(1) << kPartBits)
@@ -55,6 +58,7 @@ PartitionedJoin::PartitionedJoin(Options options)
     }
 }
 
+/// The number is big endian, so that the order of bytes is the order of rows.
 Result<void, SpoolError> PartitionedJoin::put(rows::RecordSpool &spool, std::string_view key,
                                               qint64 number, std::string_view row)
 {
@@ -72,6 +76,7 @@ Result<void, SpoolError> PartitionedJoin::putSecond(std::string_view key, std::s
     return put(*m_parts[partOf(key)].second, key, m_secondRows++, row);
 }
 
+/// A row with an empty key has no partner: it goes to the result directly, or nowhere.
 Result<void, SpoolError> PartitionedJoin::putFirst(std::string_view key, std::string_view row)
 {
     const qint64 number = m_firstRows++;
@@ -213,6 +218,7 @@ Result<void, SpoolError> PartitionedJoin::addSecondAlone()
     return {};
 }
 
+/// The first byte of a joined row says which of the two rows it has.
 Result<std::optional<PartitionedJoin::JoinedRow>, SpoolError> PartitionedJoin::next()
 {
     const auto row = checked(m_joined.next(), m_joined.error());

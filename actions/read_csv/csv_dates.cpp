@@ -19,6 +19,7 @@ bool hasField(const QString &format, QStringView letters)
     });
 }
 
+/// `digits` digits, with zeros before the number.
 char16_t *putNumber(int value, int digits, char16_t *out)
 {
     for (int i = digits - 1; i >= 0; --i, value /= 10) {
@@ -36,6 +37,7 @@ char16_t *putDate(QDate date, char16_t *out)
     return putNumber(date.day(), 2, out);
 }
 
+/// Milliseconds are written if there are some, so that whole seconds stay short.
 char16_t *putTime(QTime time, char16_t *out)
 {
     out = putNumber(time.hour(), 2, out);
@@ -52,6 +54,7 @@ char16_t *putTime(QTime time, char16_t *out)
 
 } // namespace
 
+/// A format with both parts gives a date with a time, one with a single part only that.
 CsvDates::CsvDates(const QString &format)
     : m_parser(format, QLocale::c(), false)
     , m_hasDate(hasField(format, u"yMd"))
@@ -60,6 +63,7 @@ CsvDates::CsvDates(const QString &format)
 {
 }
 
+/// The parser caches its results, because files repeat their dates.
 int CsvDates::toIso(std::u16string_view text, char16_t *out)
 {
     constexpr qint64 kMsPerDay = 86400000;

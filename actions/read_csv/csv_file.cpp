@@ -17,6 +17,7 @@ namespace {
 /// Separators that files often have instead of a comma.
 constexpr char16_t kOtherSeparators[] = {u';', u'\t', u'|'};
 
+/// Also true for ASCII.
 bool isUtf8(std::string_view bytes)
 {
     return QUtf8StringView(bytes.data(), static_cast<qsizetype>(bytes.size())).isValidUtf8();
@@ -31,6 +32,7 @@ qsizetype illFormedBytes(const csv::Field &field)
     return count;
 }
 
+/// An empty line is one empty field; in quotes it is a value.
 bool isEmptyLine(std::span<const csv::Field> fields)
 {
     return fields.size() == 1 && fields[0].size == 0 && !fields[0].isQuoted;
@@ -59,6 +61,7 @@ CsvFile::CsvFile(ActionBase &action, const QString &name, const CsvForm &form)
 {
 }
 
+/// A file that cannot be opened is for the series to report; one with bad content fails the run.
 FileSeries::Opened CsvFile::open(ActionBase &action, const QString &name, const CsvForm &form)
 {
     std::unique_ptr<CsvFile> file(new CsvFile(action, name, form)); // the constructor is private
@@ -94,6 +97,7 @@ bool CsvFile::begin()
     return chooseForms() && chooseDates();
 }
 
+/// Without a header the columns are C1, C2 and so on.
 QVector<QString> CsvFile::columnNames(const csv::RecordReader &records, const CsvForm &form)
 {
     QVector<QString> names;
@@ -121,6 +125,7 @@ bool CsvFile::chooseForms()
                QString::number(m_form.types.size()), QString::number(columns), m_name));
 }
 
+/// A format for an unknown column would be ignored in silence, so it is an error.
 bool CsvFile::chooseDates()
 {
     m_datesOf.resize(m_forms.size());
@@ -226,6 +231,7 @@ bool CsvFile::acceptRagged(std::span<const csv::Field> fields, Found *found)
     return true;
 }
 
+/// A field in quotes is a value, whatever its text is.
 bool CsvFile::isNull(const csv::Field &field) const
 {
     const QByteArrayView text(field.text, field.size);
@@ -302,6 +308,7 @@ void CsvFile::putDate(int column, const csv::Field &field, OneRow &row, RowBuffe
 
 // ---- Messages.
 
+/// Lines count from 1 and include the header and the lines that are skipped.
 QString CsvFile::place(int column) const
 {
     return u"line %1, column %2"_s.arg(QString::number(m_records->line()),
@@ -417,6 +424,7 @@ bool CsvFile::failRecord(csv::Error code)
             .arg(m_name, line));
 }
 
+/// Ends the run: a number that is dropped would be a wrong sum later.
 bool CsvFile::failCell(int column, const csv::Field &field)
 {
     constexpr qsizetype kShownBytes = 200; // a field may be as long as the file

@@ -42,6 +42,7 @@ QVector<ColumnKind> ActionReadCsv::columnKinds(KindExtent extent)
     return kindsOf(names, scans);
 }
 
+/// The reader converts while it reads, which is cheaper than a `cast` action after it.
 bool ActionReadCsv::readColumnsAs(const QVector<ColumnKind> &columns)
 {
     m_params.types = lettersOf(columns);

@@ -36,6 +36,7 @@ bool ActionReadCsv::prepare()
     return m_series.openNext() && declareSortOrder(files.first());
 }
 
+/// The order is declared by the user and not checked; actions after this one rely on it.
 bool ActionReadCsv::declareSortOrder(const QString &file)
 {
     OneRow *const row = getOutputRowForOutputPin(0);

@@ -32,6 +32,7 @@ QVector<ParameterProblem> ActionReadStat::problems() const
     return found;
 }
 
+/// The name of the parameter is not read when the names come from a pin.
 QStringList ActionReadStat::inputs() const
 {
     QStringList files = ParamAction::inputs();

@@ -99,6 +99,7 @@ struct OpenDataSet
     stat::Dictionary dictionary;
 };
 
+/// Nothing fails and nothing is reported: the run that follows does both.
 std::optional<OpenDataSet> openDataSet(const ActionBase &action, const QString &name,
                                        const ReadStatParams &params)
 {

@@ -101,6 +101,7 @@ void DataSetOutput::addNotes(const QVector<ColumnNotes> &notes, DataSetParams *p
     }
 }
 
+/// Definitions refer to the parameters, which do not change during a run.
 void DataSetOutput::start()
 {
     RowWriter::start();
@@ -111,6 +112,7 @@ void DataSetOutput::start()
     }
 }
 
+/// Made only for the first value of a warning: a text per cell would cost more than the cell.
 QString DataSetOutput::placeOf(qint64 row, size_t column) const
 {
     return u"row %1, column '%2'"_s.arg(QString::number(row), columnName(column));
@@ -122,6 +124,7 @@ const VariableDefinition *DataSetOutput::definitionOf(const QString &column) con
     return found != m_run->definitions.end() ? found->second : nullptr;
 }
 
+/// Names and labels that the encoding does not have are counted for one warning.
 QByteArray DataSetOutput::encoded(const QString &text, const QString &column)
 {
     qint64 replaced = 0;
@@ -310,6 +313,7 @@ bool DataSetOutput::openTarget()
            failWith(WriteProblem::CannotOpen, {}, reasonOf(m_run->target));
 }
 
+/// The rows wait in a temporary file until all are known.
 bool DataSetOutput::failSpool()
 {
     const QString &folder = m_run->spool->folder();
@@ -449,6 +453,7 @@ void DataSetOutput::complete()
     }
 }
 
+/// One warning per cause, with the number of texts and the place of the first.
 void DataSetOutput::warnCutTexts()
 {
     for (size_t i = 0; i < m_run->variables.size(); ++i) {
@@ -527,6 +532,7 @@ void DataSetOutput::warnNotBooleans()
     }
 }
 
+/// Also after a failure, so that the temporary file does not outlive the run.
 void DataSetOutput::release(bool)
 {
     m_run.reset();

@@ -14,6 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
+/// Names the first difference only: the others are mostly its consequences.
 QString textOf(const ColumnMismatch &mismatch, const QString &format, const QString &action)
 {
     switch (mismatch.kind) {
@@ -57,6 +58,7 @@ void FileSeries::start(Format &format, const QStringList &files, Options options
     m_fileCount = m_files.size();
 }
 
+/// The file is closed before the next action may replace it.
 void FileSeries::finish()
 {
     closeCurrent();
@@ -75,6 +77,7 @@ float FileSeries::fractionDone(std::optional<float> withoutFile)
                : (current + static_cast<float>(m_filesDone)) / static_cast<float>(m_fileCount);
 }
 
+/// Called on another thread, while this one may wait in a read.
 void FileSeries::stop()
 {
     const std::lock_guard lock(m_mutex);
@@ -268,6 +271,7 @@ inline void FileSeries::putRow(OneRow &row)
     m_action.setRowReadyForOutput(0);
 }
 
+/// Rows until the host wants the thread back; a new file begins in the same call.
 bool FileSeries::step()
 {
     // The pin has one row object. Everything in this loop runs once per row.
@@ -304,6 +308,7 @@ QStringList namesOfPattern(const ActionItem &action, const QString &pattern)
 }
 
 /// One name per row, in the first column.
+/// All names are read before the first file, because the number of files is part of the progress.
 QStringList namesFromPin(ActionItem &action, int pin)
 {
     QStringList names;

@@ -72,6 +72,7 @@ qint64 InputSample::read(void *buffer, qint64 n)
     return m_file.read(buffer, std::min(n, kSampleBytes - m_file.position()));
 }
 
+/// Tables count from 1 in messages and on the command line.
 void logNoSuchTable(int table, size_t count)
 {
     MainUI::addLog(MainUI::Error,

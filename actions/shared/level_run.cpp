@@ -235,6 +235,7 @@ bool LevelRun::documentFails(markup::MarkupResult failure, Found *found)
     return true;
 }
 
+/// The line is that of the record, where the user finds the value.
 bool LevelRun::badValue(qint64 line)
 {
     const markup::LevelExtractor::BadValue &bad = *m_extractor.badValue();
@@ -295,6 +296,7 @@ QString LevelRun::placeText(qint64 line, qint64 column) const
                : row + u", "_s + markup::placeText(line, PinText::columnInRow(line, column));
 }
 
+/// Paths that the document does not have.
 void LevelRun::reportMissingPaths(const QString &name)
 {
     for (const QString &path : m_extractor.missingPaths()) {

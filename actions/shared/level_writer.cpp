@@ -268,6 +268,7 @@ bool LevelWriter::writeRow(const OneRow &row)
     return m_run->block->failure() == compose::TextBlock::Failure::None || checkBlock();
 }
 
+/// The composer writes whole blocks; their faults are seen between two rows.
 bool LevelWriter::checkBlock()
 {
     switch (m_run->block->failure()) {
@@ -299,6 +300,7 @@ bool LevelWriter::openFile()
            writeText(expandString(m_run->frame.prefix));
 }
 
+/// The target is unchanged: nothing was written to it.
 bool LevelWriter::failOpen(const Fault<TargetError> &fault)
 {
     switch (fault.code) {
@@ -315,6 +317,7 @@ bool LevelWriter::failOpen(const Fault<TargetError> &fault)
     return failWith(WriteProblem::CannotOpen, {}, reasonOf(m_run->target));
 }
 
+/// A file that is extended may have several writers in a graph, one that is replaced only one.
 QVector<TargetUse> LevelWriter::targets() const
 {
     QVector<TargetUse> uses = RowWriter::targets();
@@ -348,6 +351,7 @@ bool LevelWriter::flush()
     return checkBlock() && (m_run->target.isOpen() || !rowParams().alwaysWrite || openFile());
 }
 
+/// Ends the open elements first, so that the document is complete.
 bool LevelWriter::endFile()
 {
     // A composer exists once a table was seen.
@@ -446,6 +450,7 @@ void LevelWriter::complete()
     }
 }
 
+/// Users look for the file; the message says which parameter makes one.
 void LevelWriter::warnNoFile()
 {
     const QString reason = isBeforeFirstRow() ? u"the input has no rows"_s
@@ -456,6 +461,7 @@ void LevelWriter::warnNoFile()
             .arg(texts().format, fileName(), reason));
 }
 
+/// Also after a failure; a temporary file is then removed.
 void LevelWriter::release(bool)
 {
     m_run.reset();

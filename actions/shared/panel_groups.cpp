@@ -11,6 +11,7 @@ PanelGroup columnsGroup(const char *list)
             PanelGroup::Fold::Folded};
 }
 
+/// Which rows are written: the same parameters in all writers.
 PanelGroup rowsGroup()
 {
     return {QT_TRANSLATE_NOOP("Panels", "Rows"),

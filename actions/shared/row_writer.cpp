@@ -15,6 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
+/// The name is expanded once, so that all messages of a run name the same file.
 void RowWriter::start()
 {
     m_fileName = expandOutputFile(fileParameter(), QString());
@@ -111,6 +112,7 @@ bool RowWriter::findTestColumn(const OneRow &columns)
                     missingColumnReason(params.testCol, columns.schema().names));
 }
 
+/// A column that is missing is an error: the file would lack it without a message.
 bool RowWriter::findColumns(const OneRow &columns, QVector<int> *inputs)
 {
     inputs->clear();
@@ -173,6 +175,7 @@ TargetFile::Options RowWriter::targetOptions(const QString &file, TargetMode mod
     return {getIdx(), mode, [this, file] { return askRetryWrite(file); }, lockOptions(file)};
 }
 
+/// The message comes once, when the wait begins.
 LockOptions RowWriter::lockOptions(const QString &file) const
 {
     return {rowParams().timeOut, [this] { return runIsGood(); },

@@ -71,6 +71,7 @@ void TemplateWriter::addOwnTemplateProblem(const QString &document, const QStrin
     }
 }
 
+/// The document is written to a temporary file; commitDocument() gives it its name.
 bool TemplateWriter::openDocument(const QString &name)
 {
     closeDocument();
@@ -120,6 +121,7 @@ bool TemplateWriter::commitDocument()
     return done || failWith(TemplateProblem::CannotClose, m_documentName, reason);
 }
 
+/// Without a commit before, the temporary file is removed.
 void TemplateWriter::closeDocument()
 {
     // The members refer to the package.

@@ -40,6 +40,7 @@ ActionUnion::ActionUnion(const XMLNode &saved, GlobalParameters *parameters)
 {
 }
 
+/// A graph may run again in the same process.
 void ActionUnion::start()
 {
     m_tables.clear();
@@ -47,6 +48,7 @@ void ActionUnion::start()
     m_pin = 0;
 }
 
+/// The tables follow one another; the next pin is read when the one before it has ended.
 bool ActionUnion::step()
 {
     if (!m_hasBegun && !begin()) {

@@ -135,6 +135,7 @@ const uchar *ValueRules::cellFor(const sheet::SheetCell &cell, cell::Type type,
     return textCell(buffer, cell.text.data(), static_cast<qsizetype>(cell.text.size()));
 }
 
+/// The text that the cell gets in a text column.
 QString ValueRules::textOf(const sheet::SheetCell &cell) const
 {
     if (cell.kind == CellKind::Number || cell.kind == CellKind::Boolean) {

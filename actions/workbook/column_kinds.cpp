@@ -14,6 +14,7 @@ size_t ColumnKinds::kindOf(quint8 content)
     return kKinds[static_cast<size_t>(std::countr_zero(content))];
 }
 
+/// Long texts are cut: the message needs to be recognised in the sheet, not to be complete.
 void ColumnKinds::setFirst(quint8 content, qint64 row, int column, const QString &text)
 {
     constexpr qsizetype kMaxShownUnits = 60;

@@ -77,6 +77,7 @@ bool ActionWriteExcel::setFloatFormat()
            failWith(WriteProblem::BadFloatFormat, format);
 }
 
+/// All problems are reported, so that the user corrects them in one go.
 bool ActionWriteExcel::checkLook()
 {
     for (const LookProblem &problem : corvanta::lookProblems(m_params)) {
@@ -189,6 +190,7 @@ bool ActionWriteExcel::showsTime() const
            m_params.dateFormatExcel == DateDisplay::SystemDateTime;
 }
 
+/// Only the formats that some column needs, so that other workbooks keep their styles as they are.
 xlsx::MoreFormats ActionWriteExcel::formatsFor(const std::vector<sheet::Column> &columns) const
 {
     xlsx::MoreFormats formats;
@@ -276,6 +278,7 @@ bool ActionWriteExcel::openSheet(std::vector<sheet::Column> columns)
     return opened || failWorkbook(opened.fault());
 }
 
+/// The rows that were held for the measurement are written after the widths, which precede them.
 bool ActionWriteExcel::beginSheet()
 {
     m_run->workbook->setColumnWidths(m_run->meter->widths());
@@ -288,6 +291,7 @@ bool ActionWriteExcel::beginSheet()
     return opened ? checkSheet(m_run->sheet->put(rows)) : failWorkbook(opened.fault());
 }
 
+/// The header is measured with its font and its button.
 bool ActionWriteExcel::putHeader()
 {
     if (!m_params.firstLineContainsColumnNames) {
@@ -369,6 +373,7 @@ bool ActionWriteExcel::writeRow(const OneRow &row)
     return checkSheet(m_run->sheet->putRow(row.view())) && (!m_run->meter || measure(row));
 }
 
+/// The sheet has as many rows as the format allows.
 bool ActionWriteExcel::takeFullSheet()
 {
     if (!m_params.overflow.isEmpty()) {
@@ -429,6 +434,7 @@ std::optional<xlsx::NamedRange> ActionWriteExcel::namedRange()
     return std::nullopt;
 }
 
+/// A short table ends before the measurement does, so its sheet begins here.
 bool ActionWriteExcel::endSheet()
 {
     if (m_run->meter && !beginSheet()) {

@@ -47,6 +47,7 @@ bool ActionWriteExcel::replacesItsSource() const
                 platform::finalName(expandOutputFile(m_params.fileNameDestination, {})));
 }
 
+/// A workbook that is its own source is read before it is replaced.
 QVector<TargetUse> ActionWriteExcel::targets() const
 {
     QVector<TargetUse> uses = RowWriter::targets();
@@ -70,6 +71,7 @@ bool ActionWriteExcel::lockDestination()
     return locked || (locked.fault().code == LockError::TimedOut && failLocked(fileName()));
 }
 
+/// A copy takes its unchanged members from the source while it is written.
 void ActionWriteExcel::openCopySource()
 {
     const QString source = expandFile(m_params.fileNameSource);
@@ -253,6 +255,7 @@ void ActionWriteExcel::addSheet(xlsx::UpdatedWorkbook &workbook)
     workbook.addSheet(name);
 }
 
+/// A chart sheet or a dialog has no rows that could be replaced.
 bool ActionWriteExcel::changeSheet(xlsx::UpdatedWorkbook &workbook, qsizetype index)
 {
     const QString kind = workbook.sheetKind(static_cast<size_t>(index));
@@ -281,6 +284,7 @@ bool ActionWriteExcel::chooseByNumber(xlsx::UpdatedWorkbook &workbook)
         QString::number(number), m_run->source, valid));
 }
 
+/// The name is compared exactly, with letter case.
 bool ActionWriteExcel::chooseByName(xlsx::UpdatedWorkbook &workbook)
 {
     const QString name = expandString(m_params.sheetName);
@@ -353,6 +357,7 @@ bool ActionWriteExcel::swap(const QString &temporary, const QString &target, con
     return true;
 }
 
+/// In slices, so that a stop need not wait for the end.
 bool ActionWriteExcel::pause(int pauseMs) const
 {
     constexpr int kSliceMs = 50;

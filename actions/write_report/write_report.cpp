@@ -283,6 +283,7 @@ bool ActionWriteReport::checkTags()
     return true;
 }
 
+/// Texts of a chart are stored in XML, which does not have all characters.
 bool ActionWriteReport::checkTexts(const charts::ChartTag &tag)
 {
     const ReportChart &chart = *chartOf(m_params.charts, tag.reference);

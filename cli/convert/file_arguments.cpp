@@ -65,11 +65,13 @@ CommandResult<QString> givenFormat(const CommandLine &line, Use use, const Actio
     return format;
 }
 
+/// A file that exists is meant itself, even if its name has such signs.
 bool isPattern(const QString &name)
 {
     return (name.contains(u'*') || name.contains(u'?')) && !QFileInfo::exists(name);
 }
 
+/// Patterns have the same meaning as in the parameters of readers.
 QStringList matchesOf(const QString &pattern)
 {
     QStringList names;
@@ -248,6 +250,7 @@ CommandResult<FileArgument> outputFile(const CommandLine &line, const QString &w
     return FileArgument{kOutputName, *format};
 }
 
+/// A shell has expanded patterns without quotes; the others are expanded here.
 QStringList inputWords(const CommandLine &line)
 {
     const QStringList words = line.arguments.first(line.arguments.size() - 1);
@@ -261,6 +264,7 @@ QStringList inputWords(const CommandLine &line)
     return all;
 }
 
+/// Text readers accept any bytes: without this check a picture would become a table.
 QString binaryContent(const QString &fileName)
 {
     constexpr qint64 kExamined = 4096;

@@ -129,6 +129,7 @@ CommandResult<std::unique_ptr<ActionItem>> Tables::reader(qsizetype index,
     return input;
 }
 
+/// Only tables with children need a key.
 bool Tables::hasChildren(qsizetype index) const
 {
     return std::any_of(m_tables.begin(), m_tables.end(),
@@ -153,6 +154,7 @@ public:
     {
     }
     bool isKey() const { return m_isKey; }
+    /// A column is a key as long as its values are neither empty nor repeated.
     bool take(const TableSchema &columns, const OneRow *row)
     {
         if (row != nullptr && m_isKey) {
@@ -278,6 +280,7 @@ CommandResult<void> checkOptions(const CommandLine &line)
 
 } // namespace
 
+/// The folder need not exist, so only its name can say what it is.
 bool isFolderTarget(const CommandLine &line)
 {
     return line.arguments.last().endsWith(u'/');

@@ -91,6 +91,7 @@ void JsonRows::finish()
     flush();
 }
 
+/// Rows are collected, because a write per row would cost more than the row.
 void JsonRows::flush()
 {
     std::fwrite(m_text.constData(), 1, static_cast<size_t>(m_text.size()), m_out);

@@ -53,6 +53,7 @@ std::vector<size_t> fieldCounts(std::string_view beginning, bool isWhole, const 
     return counts;
 }
 
+/// How many fields the first record gets, and how many records get as many.
 Split splitBy(std::string_view beginning, bool isWhole, const Dialect &dialect)
 {
     const std::vector<size_t> counts = fieldCounts(beginning, isWhole, dialect);
@@ -72,6 +73,7 @@ bool isBetter(const Split &one, const Split &other)
 
 } // namespace
 
+/// Each candidate splits the beginning; the most regular result wins.
 char findSeparator(std::string_view beginning, bool isWhole, Dialect dialect)
 {
     char best = kCandidates[0];

@@ -49,6 +49,7 @@ Fault<Error> RecordReader::faultOf(Error code) const
     return {code, {}, m_blockOffset + static_cast<qint64>(m_at)};
 }
 
+/// A record must be in one block; its limit keeps a missing quote from reading the whole file.
 Result<void, Error> RecordReader::growBlock()
 {
     if (m_block.size() >= m_recordBytes) {
@@ -163,6 +164,7 @@ bool RecordReader::isSkippedLine(const char *at, const char *end, bool *isCertai
     return !comment.empty() && isEqual && available >= comment.size();
 }
 
+/// A skipped line ends at its line feed, also inside quotes: it is not a record.
 RecordReader::Scan RecordReader::skipLine(const char *at, const char *end)
 {
     const auto *const feed =

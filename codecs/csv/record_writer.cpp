@@ -12,6 +12,7 @@ namespace corvanta::csv {
 
 namespace {
 
+/// Most fields have none, so that the search for the first one is what counts.
 size_t countQuotes(const char *text, size_t n)
 {
     size_t count = 0;
@@ -41,6 +42,7 @@ inline void RecordWriter::reserve(size_t bytes)
     }
 }
 
+/// Doubling keeps the number of copies small for rows of any length.
 void RecordWriter::grow(size_t bytes)
 {
     const size_t size = std::max(m_size * 2, m_used + bytes);
@@ -67,6 +69,7 @@ void RecordWriter::addText(const char16_t *units, qsizetype n, int column)
     }
 }
 
+/// The first place is kept for the warning of the action.
 void RecordWriter::countReplaced(qsizetype n, int column)
 {
     if (m_replaced.count == 0) {
@@ -108,6 +111,7 @@ inline void RecordWriter::endLine(const RowView &row)
     }
 }
 
+/// Names are texts like those of cells, and may need quotes.
 void RecordWriter::addNames(const RowView &row)
 {
     for (int i = 0; i < row.columns; ++i) {
@@ -144,6 +148,7 @@ inline void RecordWriter::addCell(cell::Type type, const uchar *bytes, int colum
     }
 }
 
+/// The separator after the last cell is the end of the line.
 void RecordWriter::addRow(const RowView &row)
 {
     ++m_row;

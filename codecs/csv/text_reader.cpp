@@ -4,6 +4,7 @@
 
 namespace corvanta::csv {
 
+/// A pipe may give its bytes in small pieces; a sample of one piece would be too short.
 void TextReader::Replay::fill()
 {
     m_bytes.resize(kSampleBytes);
@@ -14,6 +15,7 @@ void TextReader::Replay::fill()
     m_bytes.resize(size);
 }
 
+/// First the sample again, then the rest of the source.
 qint64 TextReader::Replay::read(void *buffer, qint64 n)
 {
     if (m_at == m_bytes.size()) {

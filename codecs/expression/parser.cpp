@@ -24,6 +24,7 @@ std::u16string_view viewOf(QStringView text)
     return {text.utf16(), static_cast<size_t>(text.size())};
 }
 
+/// Letters of any script; other names are in double quotes.
 bool isNameStart(QChar c)
 {
     // A lone surrogate half is accepted: the column then has such a name.
@@ -115,6 +116,7 @@ qsizetype Lexer::numberEnd() const
     return end;
 }
 
+/// The number is checked here, so that the message can name its place.
 Result<Token, Error> Lexer::number()
 {
     const qsizetype start = m_at;
@@ -146,6 +148,7 @@ Result<Token, Error> Lexer::quoted(Token::Kind kind)
     return Fault{Error::Syntax, u"the quote that begins here is never closed"_s, start};
 }
 
+/// Words such as "and" are names here; the parser knows which ones are reserved.
 Token Lexer::name()
 {
     const qsizetype start = m_at;
@@ -155,6 +158,7 @@ Token Lexer::name()
     return {Token::Kind::Name, m_text.sliced(start, m_at - start).toString(), start};
 }
 
+/// Symbols of two characters come first in the list, because "<" begins "<=".
 Result<Token, Error> Lexer::symbol()
 {
     static const QStringList kSymbols{u"!="_s, u"<="_s, u">="_s, u"=="_s, u"<>"_s,
@@ -230,6 +234,7 @@ Result<Expression, Error> Parser::parse()
     return std::move(m_expression);
 }
 
+/// The first fault is kept; parse() returns it.
 void Parser::advance()
 {
     auto token = m_lexer.next();
@@ -255,6 +260,7 @@ void Parser::failUnexpected(const QString &expected)
     fail({Error::Syntax, u"expected %1, found %2"_s.arg(expected, found), m_token.position});
 }
 
+/// Takes the token if it is the expected one.
 bool Parser::accept(QLatin1StringView wordOrSymbol)
 {
     const bool isSymbol = m_token.kind == Token::Kind::Symbol && m_token.text == wordOrSymbol;
@@ -301,6 +307,7 @@ int Parser::partOf(Node::Kind kind, int depth)
     return kind == Node::Kind::Or ? chain(Node::Kind::And, depth) : negation(depth);
 }
 
+/// The limit keeps "((((" from using up the stack.
 int Parser::negation(int depth)
 {
     if (depth > kMaxDepth) {
@@ -379,6 +386,7 @@ Operand Parser::operand()
     return found;
 }
 
+/// A column that is named twice is bound once.
 int Parser::columnIndex(const QString &name)
 {
     QStringList &columns = m_expression.columns;

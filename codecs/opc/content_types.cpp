@@ -62,6 +62,7 @@ void ContentTypes::add(const char *element, const QByteArray &attributes)
     m_added += '<' + m_prefix + element + ' ' + attributes + "/>";
 }
 
+/// A second entry of a part would make the package invalid.
 void ContentTypes::declarePart(const QByteArray &part, const QByteArray &contentType)
 {
     if (!contains(m_parts, part)) {

@@ -92,6 +92,7 @@ private:
     {
         return local == "br" || local == "cr" || local == "tab";
     }
+    /// Paragraphs may be nested: a text box is inside of one.
     void takeParagraph(bool closes)
     {
         if (!closes) {

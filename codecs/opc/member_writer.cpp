@@ -63,6 +63,7 @@ Result<void, Error> MemberWriter::close()
     return named(m_output.closeMember(), m_open);
 }
 
+/// For members that are in memory as a whole.
 Result<void, Error> MemberWriter::write(const QByteArray &name, const QByteArray &content)
 {
     if (auto opened = open(name); !opened) {

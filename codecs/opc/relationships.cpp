@@ -25,6 +25,7 @@ constexpr char kNewPart[] =
     "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
     "</Relationships>";
 
+/// A missing attribute is empty; readers accept that.
 Relationship relationshipOf(const Tag &tag)
 {
     const auto value = [&](QByteArrayView name) {

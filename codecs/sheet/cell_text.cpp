@@ -183,6 +183,7 @@ qsizetype escapeLongText(const char16_t *text, qsizetype n, AtLimit atLimit, qsi
     return chars;
 }
 
+/// Digits of base 26 without a zero: Z is followed by AA.
 QByteArray columnLetters(int column0)
 {
     QByteArray letters;

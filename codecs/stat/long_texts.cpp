@@ -50,6 +50,7 @@ int bytesOfType(quint16 type)
     }
 }
 
+/// Numbers of any width up to eight bytes, in the byte order of the file.
 quint64 numberOf(const char *bytes, int n, bool isBigEndian)
 {
     quint64 value = 0;
@@ -259,6 +260,7 @@ std::optional<LongTexts::Place> LongTexts::find(int offset)
     return m_last.text;
 }
 
+/// The fault is kept for the caller, whose callbacks return only success.
 bool LongTexts::read(const Place &place, char *out)
 {
     if (m_input.seekTo(place.at) && m_input.read(out, place.bytes) == place.bytes) {

@@ -25,6 +25,7 @@ void ColumnScan::except(std::string_view text, const QString &place)
     m_exceptionPlace = place;
 }
 
+/// Numbers that a double does not hold stay texts, so that no digit is lost.
 ColumnResult ColumnScan::result() const
 {
     if (m_isText) {

@@ -317,6 +317,7 @@ void CellDecoder::decodeBoolErr(const Record &record, qint64 header, RowCells *r
     addError(rowOfCell(record), columnOf(record), record.data[header], row);
 }
 
+/// An unknown code is kept as a cell, so that the row keeps its form.
 void CellDecoder::addError(int row0, int column, quint8 code, RowCells *row)
 {
     const std::u16string_view text = errorText(code);

@@ -218,6 +218,7 @@ void Collector::addFormat(int id, ContinuedBytes &in, qint64 length)
     m_formats[id] = sheet::formOfCode(code);
 }
 
+/// Numbers without a record are formats that every program knows.
 NumberForm Collector::formOf(int format) const
 {
     const auto found = m_formats.find(format);

@@ -113,6 +113,7 @@ quint32 ContinuedBytes::u32()
     return low | static_cast<quint32>(u16()) << 16;
 }
 
+/// Across the borders of CONTINUE records.
 void ContinuedBytes::skip(qint64 n)
 {
     while (n > 0 && (left() > 0 || nextPiece())) {
@@ -170,6 +171,7 @@ TextReader::TextReader(Biff biff, int codePage)
 {
 }
 
+/// Returns whether all bytes are characters of the code page.
 bool TextReader::appendDecoded(QByteArrayView bytes, std::u16string *out) const
 {
     const size_t old = out->size();

@@ -131,6 +131,7 @@ bool losesHeader(const Table &table, const WrittenCells &written)
            written.header.mid(table.range.firstColumn, table.columns.size()) != table.columns;
 }
 
+/// Rows that are written directly below a table extend it.
 qint64 rowsBelow(const Table &table, const WrittenCells &written)
 {
     CellRange touched = table.range;

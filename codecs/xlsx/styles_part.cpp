@@ -288,6 +288,7 @@ quint64 StylesEditor::indexIn(EntryTable *table, const QByteArray &entry)
     return static_cast<quint64>(index);
 }
 
+/// Unchanged tables stay as they are in the file.
 void StylesEditor::putTable(QByteArrayView name, const EntryTable &table,
                             std::initializer_list<QByteArrayView> earlier)
 {

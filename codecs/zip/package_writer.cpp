@@ -41,6 +41,7 @@ bool isAscii(QByteArrayView name)
                        [](char c) { return static_cast<uchar>(c) < 0x80; });
 }
 
+/// The flag says that the name is UTF-8, which old programs read only as ASCII.
 Member deflatedMember(QByteArrayView name)
 {
     Member member;

@@ -113,6 +113,7 @@ QString wordsFor(const QString &file, FileUse use, int number)
 
 } // namespace
 
+/// The nearest folder that exists: it decides whether a file can be created.
 QFileInfo existingAbove(const QString &file)
 {
     QFileInfo above(QFileInfo(file).absolutePath());

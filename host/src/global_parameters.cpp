@@ -99,6 +99,7 @@ QString GlobalParameters::expandOutputFile(const QString &name) const
     return under(dataDirWrite(), expandString(name));
 }
 
+/// Graphs that are moved with their files keep working with relative names.
 QString GlobalParameters::contractFile(const QString &name) const
 {
     // A name with a variable is already portable.

@@ -82,6 +82,7 @@ void UnsyncedNames::addFolderOf(const QString &name)
     m_names.folders.insert(folder);
 }
 
+/// Without the lock, because a slow disk must not delay writers that add names.
 QVector<UnsyncedNames::Failed> UnsyncedNames::sync()
 {
     std::unique_lock lock(m_mutex);

@@ -18,6 +18,7 @@ RarRing::RarRing(size_t ringBytes, size_t highWater)
     assert(highWater < ringBytes);
 }
 
+/// Up to the end of the memory; the caller continues at its beginning.
 size_t RarRing::copyIn(std::span<const char> bytes)
 {
     const size_t n = std::min({bytes.size(), m_ring.size() - m_count, m_ring.size() - m_writeAt});

@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kHeaderBytes = 5;
 
+/// Seven bits per byte, the lowest first; the high bit says that another byte follows.
 char *putHeader(quint32 value, char *out)
 {
     for (; value >= 0x80; value >>= 7) {

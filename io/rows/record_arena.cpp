@@ -50,6 +50,7 @@ void RecordArena::grow(qsizetype needed)
     m_capacity = capacity;
 }
 
+/// The key and the row are in place; this completes the header before them.
 qsizetype RecordArena::commit(qsizetype keyBytes, qsizetype rowBytes)
 {
     const qsizetype offset = m_size;

@@ -153,6 +153,7 @@ void Worker::start(Work work, Failed failed)
     }
 }
 
+/// The result of work that is stopped is never shown.
 void Worker::stop()
 {
     m_timer.stop();

@@ -218,6 +218,7 @@ void ElementTable::take(const QTableWidgetItem &cell)
     reportElements();
 }
 
+/// Rows that only show what the file offers are not part of the value.
 void ElementTable::reportElements()
 {
     updateCells();

@@ -56,6 +56,7 @@ std::vector<Element> TextWidthsEditor::withInputColumns(std::vector<Element> ele
     return elements;
 }
 
+/// A value that is shown already must not replace the rows.
 void TextWidthsEditor::setValue(const QString &value)
 {
     keepWrapper(value);

@@ -8,6 +8,7 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta::shared {
 
+/// The folder is named, because users can choose another one with more room.
 bool failKeptRows(ActionBase *action, const QString &folder, SystemError error)
 {
     // A failure after the end of the run is a consequence of it.
@@ -18,6 +19,7 @@ bool failKeptRows(ActionBase *action, const QString &folder, SystemError error)
                failureReason(folder, FileUse::Write, error));
 }
 
+/// A full disk asks the user before it fails the run.
 BlockSpool::Options spoolOptions(const ActionBase *action)
 {
     const QString folder = BlockSpool(BlockSpool::Options{}).folder();

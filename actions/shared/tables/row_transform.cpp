@@ -17,6 +17,7 @@ int RowTransform::requireColumn(const TableSchema &columns, const QString &name)
     return shared::requireColumn(this, columns, name);
 }
 
+/// The first row brings the columns; every action of this kind needs them before any row.
 bool RowTransform::step()
 {
     while (!yieldRequested()) {

@@ -42,6 +42,7 @@ bool endsName(char c)
 
 } // namespace
 
+/// Elements that the last document left open must not close in this one.
 void HtmlTokenizer::restart(ByteSource &source)
 {
     XMLTokenizer::restart(source);
@@ -366,6 +367,7 @@ Token HtmlTokenizer::pendingClose()
     return endElement();
 }
 
+/// A page may end anywhere: the elements that are open then end with it.
 Token HtmlTokenizer::dataEnds()
 {
     m_isRawNext = false;

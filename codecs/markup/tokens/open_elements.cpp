@@ -101,6 +101,7 @@ template <class Found, class Limit> size_t OpenElements::find(Found isFound, Lim
     return kNone;
 }
 
+/// The innermost one.
 size_t OpenElements::findTable() const
 {
     return find(isTable, isTable);

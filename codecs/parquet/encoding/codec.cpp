@@ -297,6 +297,7 @@ std::unique_ptr<Compressor> makeCompressor(qint32 codec)
     }
 }
 
+/// A codec that the format got later has only its number.
 QString codecName(qint32 codec)
 {
     constexpr std::array kNames{"UNCOMPRESSED"_L1, "SNAPPY"_L1, "GZIP"_L1, "LZO"_L1,

@@ -233,6 +233,7 @@ template <class T> bool writeValue(CompactWriter &out, const std::vector<T> &lis
            out.writeListEnd() >= 0;
 }
 
+/// The bytes that the record takes, because records follow one another without lengths.
 template <class R> Result<qint64, Error> readWhole(CompactReader &in, R &record)
 {
     const qint64 begin = in.position();

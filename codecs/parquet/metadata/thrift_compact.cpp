@@ -445,6 +445,7 @@ int CompactWriter::writeListHeader(ThriftType element, qint32 size)
     return nibble < kSizeFollows ? 1 : 1 + writeVarint(static_cast<quint64>(size));
 }
 
+/// In a field the value is a part of the header; in a list it is a byte.
 int CompactWriter::writeBool(bool value)
 {
     const quint8 wire = value ? kWireTrue : kWireFalse;

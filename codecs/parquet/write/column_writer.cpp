@@ -336,6 +336,7 @@ std::optional<FinishedPage> ColumnWriter::finishDictionary()
                         static_cast<qint32>(bytes.size()), true};
 }
 
+/// Each row group has a dictionary of its own.
 void ColumnWriter::startGroup()
 {
     m_pages.clear();
