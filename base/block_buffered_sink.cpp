@@ -59,11 +59,10 @@ bool BlockBufferedSink::write(const void *bytes, qint64 n)
 bool BlockBufferedSink::seek(qint64 offset)
 {
     // The end of a full block is a valid position, although the next block is not allocated yet.
-    if (offset < m_regionStart || offset > std::max(m_regionEnd, allocatedEnd() - 1)) {
-        return false;
-    }
-    m_position = offset;
-    return true;
+    const qint64 last = std::max(m_regionEnd, allocatedEnd() - 1);
+    const bool isInside = offset >= m_regionStart && offset <= last;
+    m_position = isInside ? offset : m_position;
+    return isInside;
 }
 
 bool BlockBufferedSink::flush()

@@ -1,6 +1,7 @@
 // Chooses actions by file extension, from the file formats that the actions declare.
 #include "file_types.h"
 
+#include "base/mapped.h"
 #include "base/nearest_name.h"
 #include "corvanta/action_parameters.h"
 #include "corvanta/lists.h"
@@ -221,13 +222,11 @@ makeAction(const ActionRegistry &registry, const QString &type, const QStringLis
     return action;
 }
 
+/// Settings have the form NAME=VALUE.
 QStringList settingsOf(const QString &parameter, const QStringList &values)
 {
-    QStringList settings;
-    for (const QString &value : values) {
-        settings << parameter + u'=' + value;
-    }
-    return settings;
+    return mapped<QStringList>(values,
+                               [&](const QString &value) { return parameter + u'=' + value; });
 }
 
 bool hasParameter(const ActionItem &action, const QString &name)
@@ -266,6 +265,7 @@ CommandResult<void> addAction(CorvantaGraph *graph, const QString &id, ActionIte
     return {};
 }
 
+/// For messages, in the order of the catalogue.
 QString knownExtensions(const ActionRegistry &registry, FileFormat::Use use)
 {
     QStringList all;

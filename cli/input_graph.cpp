@@ -2,8 +2,10 @@
 #include "input_graph.h"
 
 #include "base/counted.h"
+#include "base/mapped.h"
 #include "column_types.h"
 #include "corvanta/action_parameters.h"
+#include "corvanta/lists.h"
 #include "corvanta/main_ui.h"
 #include "file_types.h"
 #include "visible_text.h"
@@ -18,7 +20,7 @@ using namespace corvanta;
 
 namespace {
 
-constexpr qsizetype kListedTables = 50;
+constexpr int kListedTables = 50;
 constexpr qsizetype kBeginningChars = 60;
 
 /// The table of --table, from 0, a number or the name that the list shows; nothing without that
@@ -49,12 +51,8 @@ CommandResult<std::optional<int>> tableOf(const CommandLine &line, ActionParamet
 /// The names of sheets for a message, as many as are listed.
 QString namesOf(const QVector<InputTable> &sheets)
 {
-    QStringList names;
-    for (const InputTable &sheet : sheets.first(std::min(sheets.size(), kListedTables))) {
-        names << u"'%1'"_s.arg(visibleText(sheet.path));
-    }
-    names += sheets.size() > kListedTables ? QStringList(u"..."_s) : QStringList();
-    return names.join(u", "_s);
+    const auto nameOf = [](const InputTable &sheet) { return visibleText(sheet.path); };
+    return stringFromStringList(mapped<QStringList>(sheets, nameOf), kListedTables);
 }
 
 /// Whether the tables are sheets of a workbook.
@@ -162,6 +160,7 @@ bool createsWorkbook(const ActionParameters &writer)
            });
 }
 
+/// Links and relative names are resolved before the comparison.
 bool isSameFile(const QString &a, const QString &b)
 {
     const QString name = QFileInfo(a).canonicalFilePath();
@@ -267,6 +266,7 @@ CommandResult<void> prepareSheets(const CommandLine &line, const QString &fileNa
 
 } // namespace
 
+/// The options of every command that reads an input.
 CommandOptions inputOptions()
 {
     return {{u"--reader"_s, u"--from"_s, u"--encoding"_s, u"--separator"_s, u"--table"_s,

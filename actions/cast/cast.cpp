@@ -2,6 +2,7 @@
 // output pin. Without a change of a type, rows are passed on as a whole.
 #include "actions/cast/cast.h"
 
+#include "actions/shared/params/list_problems.h"
 #include "actions/shared/tables/table_columns.h"
 #include "base/counted.h"
 #include "base/number_cell.h"
@@ -24,6 +25,7 @@ std::optional<shared::Assignment> typeOf(const QString &text)
                                : std::nullopt;
 }
 
+/// The letter is K, F or U: typeOf() has checked it.
 cell::Type typeOfLetter(const QString &letter)
 {
     return static_cast<cell::Type>(letter[0].toLatin1());
@@ -79,15 +81,8 @@ ActionCast::ActionCast(const XMLNode &saved, GlobalParameters *parameters)
 
 QVector<ParameterProblem> ActionCast::problems() const
 {
-    QVector<ParameterProblem> problems;
-    for (const QString &text : m_params.types) {
-        if (!typeOf(text)) {
-            problems.append(
-                {u"types"_s,
-                 u"'%1' is not a column and a type (K, F, U), for example price=F"_s.arg(text)});
-        }
-    }
-    return problems;
+    return listProblems(u"types"_s, m_params.types, typeOf,
+                        u"'%1' is not a column and a type (K, F, U), for example price=F"_s);
 }
 
 void ActionCast::start()
@@ -97,6 +92,8 @@ void ActionCast::start()
     m_lost.reset();
 }
 
+/// The columns are known only here, because they may come from a
+/// file that an earlier action writes.
 bool ActionCast::begin(const OneRow &columns)
 {
     OneRow *const out = getOutputRowForOutputPin(0);
@@ -133,6 +130,7 @@ bool ActionCast::addChange(const OneRow &columns, const QString &text)
     return true;
 }
 
+/// Without changes the row is passed on as it is.
 bool ActionCast::takeRow(const OneRow &row)
 {
     OneRow *const out = getOutputRowForOutputPin(0);
@@ -178,6 +176,7 @@ bool ActionCast::putChanged(const Change &change, const OneRow &row, OneRow *out
     return true;
 }
 
+/// A value that does not fit: an error with its place, or one more for the warning at the end.
 bool ActionCast::reportValue(const Change &change, const OneRow &row)
 {
     const auto place = [&] {
@@ -194,6 +193,7 @@ bool ActionCast::reportValue(const Change &change, const OneRow &row)
         u"Error: cast: %1 is not %2; onError='1' makes such values missing\n"_s.arg(place(), type));
 }
 
+/// One warning for the whole table: a file may have a bad value in every row.
 bool ActionCast::endInput()
 {
     if (m_lost.any()) {

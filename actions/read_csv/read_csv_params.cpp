@@ -1,7 +1,9 @@
 #include "actions/read_csv/read_csv_params.h"
 
 #include "actions/shared/params/csv_separator.h"
+#include "actions/shared/params/list_problems.h"
 #include "actions/shared/params/reader_params.h"
+#include "actions/shared/params/type_letters.h"
 #include "corvanta/system.h"
 
 #include <algorithm>
@@ -55,20 +57,6 @@ ParamGroup<P> textForm()
     };
 }
 
-bool isTypeLetter(const QString &letter)
-{
-    return letter == "K"_L1 || letter == "F"_L1 || letter == "U"_L1;
-}
-
-QStringList trimmedParts(const QString &list)
-{
-    QStringList parts = list.isEmpty() ? QStringList() : list.split(u',');
-    for (QString &part : parts) {
-        part = part.trimmed();
-    }
-    return parts;
-}
-
 bool isAuto(const QString &text)
 {
     return text.compare(kAuto, Qt::CaseInsensitive) == 0;
@@ -80,6 +68,22 @@ bool isOneCharacter(const QString &text)
     return text.size() == 1 && text[0].unicode() < 0x80 && text[0] != u'\r' && text[0] != u'\n';
 }
 
+/// Without a quote, every quote is a character of a field.
+bool isUsableQuote(const ReadCsvParams &params)
+{
+    return params.quote.isEmpty() ||
+           (isOneCharacter(params.quote) && params.quote != params.separator);
+}
+
+/// The decimal sign and the quote must not be mistaken for the end of a field.
+QVector<ParameterProblem> characterProblems(const QString &name, const QString &value, bool isValid)
+{
+    const QString text = u"%1='%2' is not one ASCII character other than the separator"_s;
+    return isValid ? QVector<ParameterProblem>()
+                   : QVector<ParameterProblem>{{name, text.arg(name, value)}};
+}
+
+/// The first "=" separates, because a format may have some. The left side is a list of columns.
 std::optional<CsvDateFormat> dateFormatOf(const QString &entry)
 {
     const qsizetype equals = entry.indexOf(u'=');
@@ -126,36 +130,21 @@ const ParamTable<ReadCsvParams> &readCsvParamTable()
     return table;
 }
 
+/// All problems, in the order of the panel, so that one run of `check` shows them together.
 QVector<ParameterProblem> readCsvProblems(const ReadCsvParams &params)
 {
     QVector<ParameterProblem> problems;
     if (!isAuto(params.separator)) {
         problems << separatorProblems(params.separator);
     }
-    for (const QString &letter : trimmedParts(params.types)) {
-        if (!isTypeLetter(letter)) {
-            problems.append({u"types"_s, u"'%1' is not a column type (K, F, U)"_s.arg(letter)});
-        }
-    }
+    problems << typeProblems(params.types);
     if (!isAuto(params.encoding) && !isKnownEncoding(params.encoding)) {
         problems.append({u"encoding"_s, u"the encoding '%1' is unknown"_s.arg(params.encoding)});
     }
-    for (const auto &[name, value] :
-         {std::pair(u"decimal"_s, params.decimal), std::pair(u"quote"_s, params.quote)}) {
-        const bool isNone = value.isEmpty() && name == u"quote"_s;
-        if (!isNone &&
-            (!isOneCharacter(value) || (name == u"quote"_s && value == params.separator))) {
-            problems.append(
-                {name, u"%1='%2' is not one ASCII character other than the separator"_s.arg(
-                           name, value)});
-        }
-    }
-    for (const QString &entry : params.dateFormat) {
-        if (!dateFormatOf(entry)) {
-            problems.append(
-                {u"dateFormat"_s, u"'%1' is not of the form COLUMN=FORMAT"_s.arg(entry)});
-        }
-    }
+    problems << characterProblems(u"decimal"_s, params.decimal, isOneCharacter(params.decimal))
+             << characterProblems(u"quote"_s, params.quote, isUsableQuote(params))
+             << listProblems(u"dateFormat"_s, params.dateFormat, dateFormatOf,
+                             u"'%1' is not of the form COLUMN=FORMAT"_s);
     if (params.ragged != u"error"_s && params.ragged != u"fill"_s) {
         problems.append(
             {u"ragged"_s, u"ragged='%1' is neither 'error' nor 'fill'"_s.arg(params.ragged)});
@@ -163,6 +152,7 @@ QVector<ParameterProblem> readCsvProblems(const ReadCsvParams &params)
     return problems;
 }
 
+/// The parameters have no problems: readCsvProblems() has found none.
 CsvForm csvFormOf(const ReadCsvParams &params)
 {
     CsvForm form;

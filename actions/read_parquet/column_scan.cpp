@@ -67,17 +67,22 @@ ValueKind kindOf(Form form)
     return ValueKind::Text;
 }
 
+/// A decimal number of few digits is the same number as a double.
+char letterOf(const parquet::Column &column)
+{
+    const int precision = column.detail.precision;
+    const bool fitsDouble =
+        column.form == Form::TextDecimal && precision > 0 && precision <= kDoubleDigits;
+    return static_cast<char>(fitsDouble ? cell::Type::Double : parquet::cellTypeOf(column.form));
+}
+
 /// Decimals of few digits are numbers, although the reader gives them as texts.
 ColumnKind kindOf(const parquet::Column &column)
 {
     ColumnKind kind;
     kind.column = column.name;
     kind.kind = kindOf(column.form);
-    kind.letter = static_cast<char>(parquet::cellTypeOf(column.form));
-    const int precision = column.detail.precision;
-    if (column.form == Form::TextDecimal && precision > 0 && precision <= kDoubleDigits) {
-        kind.letter = static_cast<char>(cell::Type::Double);
-    }
+    kind.letter = letterOf(column);
     return kind;
 }
 

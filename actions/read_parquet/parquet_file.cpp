@@ -1,6 +1,7 @@
 // One file of a series: its decoder, and the counts of what its rows have lost.
 #include "actions/read_parquet/parquet_file.h"
 
+#include "actions/shared/tables/reader_file.h"
 #include "base/counted.h"
 
 #include <algorithm>
@@ -61,12 +62,10 @@ QString ParquetFile::describe(const Fault<parquet::Error> &fault)
 /// The columns that are read, in the order of the file.
 TableSchema ParquetFile::columns() const
 {
-    TableSchema columns;
-    for (const parquet::Column &column : m_reader->columns()) {
-        columns.names << column.name;
-        columns.types << MetaInfo(parquet::cellTypeOf(column.form));
-    }
-    return columns;
+    const auto typeOf = [](const parquet::Column &column) {
+        return parquet::cellTypeOf(column.form);
+    };
+    return schemaOf(m_reader->columns(), typeOf);
 }
 
 /// One call of the decoder per row, one pointer per cell: the cells stay in the decoder's blocks

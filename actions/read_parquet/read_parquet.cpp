@@ -1,6 +1,7 @@
 #include "actions/read_parquet/read_parquet.h"
 
 #include "actions/read_parquet/column_scan.h"
+#include "actions/shared/tables/reader_file.h"
 #include "base/counted.h"
 #include "io/input/whole_input.h"
 
@@ -303,24 +304,20 @@ void ActionReadParquet::warnLost()
     }
 }
 
+/// Both texts are those that saved graphs know, with their spelling.
 bool ActionReadParquet::reportMissing(const QString &name)
 {
-    if (m_params.abortIfMissing) {
-        return fail(u"Error: The Parquet file '%1' does not exists"_s.arg(name));
-    }
-    warn(u"Warning: The Parquet file '%1' does not exists"_s.arg(name));
-    return true;
+    const bool fails = m_params.abortIfMissing;
+    const QString text = fails ? u"Error: The Parquet file '%1' does not exists"_s
+                               : u"Warning: The Parquet file '%1' does not exists"_s;
+    return failOrWarn(*this, fails, text.arg(name));
 }
 
 /// An unreadable file is skipped, but the first one defines the columns.
 bool ActionReadParquet::reportUnreadable(const QString &name)
 {
-    const QString text = u"Warning: cannot open Parquet file '%1' for read\n"_s.arg(name);
-    if (!m_series.hasColumns()) {
-        return fail(text);
-    }
-    warn(text);
-    return true;
+    return failOrWarn(*this, !m_series.hasColumns(),
+                      u"Warning: cannot open Parquet file '%1' for read\n"_s.arg(name));
 }
 
 bool ActionReadParquet::reportMismatch(const ColumnMismatch &mismatch)

@@ -1,6 +1,7 @@
 #include "actions/read_stat/stat_file.h"
 
 #include "actions/read_stat/stat_options.h"
+#include "actions/shared/tables/reader_file.h"
 #include "base/counted.h"
 #include "base/nearest_name.h"
 #include "codecs/stat/check/header_check.h"
@@ -57,6 +58,7 @@ StatFile::StatFile(ActionBase &action, const QString &name, std::unique_ptr<Byte
 {
 }
 
+/// The parser's thread uses the members, so it ends first.
 StatFile::~StatFile()
 {
     endParser();
@@ -173,6 +175,7 @@ bool StatFile::readOwnLabels()
     return true;
 }
 
+/// The user has named the catalogue, so a missing one is an error.
 bool StatFile::readCatalogue(const QString &name)
 {
     auto input = openInput(m_action, name);
@@ -254,12 +257,8 @@ void StatFile::endParser()
 
 TableSchema StatFile::columns() const
 {
-    TableSchema columns;
-    for (const stat::ColumnPlan &column : m_reader->columns()) {
-        columns.names << column.name;
-        columns.types << MetaInfo(column.type);
-    }
-    return columns;
+    return schemaOf(m_reader->columns(),
+                    [](const stat::ColumnPlan &column) { return column.type; });
 }
 
 void StatFile::logRowCount(qint64 rows) const

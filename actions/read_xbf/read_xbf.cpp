@@ -1,6 +1,7 @@
 #include "actions/read_xbf/read_xbf.h"
 
 #include "actions/read_xbf/xbf_file.h"
+#include "actions/shared/tables/reader_file.h"
 #include "corvanta/system.h"
 
 using namespace Qt::StringLiterals;
@@ -125,11 +126,10 @@ FileSeries::Opened ActionReadXBF::openFile(const QString &name)
 /// A missing file is skipped, but the first one defines the columns.
 bool ActionReadXBF::reportMissing(const QString &name)
 {
-    if (!m_series.hasColumns()) {
-        return fail(u"ERROR: cannot open DBF file '%1'\n"_s.arg(name));
-    }
-    warn(u"Warning: cannot open DBF file '%1'\n"_s.arg(name));
-    return true;
+    const bool fails = !m_series.hasColumns();
+    const QString text =
+        fails ? u"ERROR: cannot open DBF file '%1'\n"_s : u"Warning: cannot open DBF file '%1'\n"_s;
+    return failOrWarn(*this, fails, text.arg(name));
 }
 
 /// The type message of this reader names the type in the first file first.

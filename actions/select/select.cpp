@@ -2,6 +2,7 @@
 // copied when the row is sent, because a batch owns its cells.
 #include "actions/select/select.h"
 
+#include "actions/shared/params/list_problems.h"
 #include "actions/shared/tables/table_columns.h"
 
 #include <numeric>
@@ -17,17 +18,12 @@ ActionSelect::ActionSelect(const XMLNode &saved, GlobalParameters *parameters)
 
 QVector<ParameterProblem> ActionSelect::problems() const
 {
-    QVector<ParameterProblem> problems;
-    for (const QString &text : m_params.rename) {
-        if (!text.contains(u'=')) {
-            problems.append(
-                {u"rename"_s,
-                 u"'%1' is not an old and a new name, for example old=new"_s.arg(text)});
-        }
-    }
-    return problems;
+    const auto isPair = [](const QString &text) { return text.contains(u'='); };
+    return listProblems(u"rename"_s, m_params.rename, isPair,
+                        u"'%1' is not an old and a new name, for example old=new"_s);
 }
 
+/// The columns are chosen first and renamed then, so that new names may be old names of others.
 bool ActionSelect::begin(const OneRow &columns)
 {
     const TableSchema &input = columns.schema();

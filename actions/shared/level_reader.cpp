@@ -3,6 +3,7 @@
 #include "actions/shared/input_sample.h"
 #include "actions/shared/params/scanned_columns.h"
 #include "actions/shared/params/type_letters.h"
+#include "actions/shared/tables/reader_file.h"
 #include "base/counted.h"
 
 #include <algorithm>
@@ -67,6 +68,7 @@ void LevelReader::expectUtf8(markup::MarkupTokenizer &tokenizer)
         tokenizer.setEncoding(markup::CharMode::Utf8, QByteArray(), markup::InvalidBytes::Fail);
 }
 
+/// A buffer that is larger than the document would only cost memory.
 qint64 LevelReader::bufferFor(ByteSource &source, qint64 wanted)
 {
     constexpr qint64 kSmallest = qint64(1) << 20;
@@ -111,6 +113,7 @@ QVector<InputTable> LevelReader::listRelated()
     return tables;
 }
 
+/// Sets the parameters as auto-fill does, for the one table that is chosen.
 bool LevelReader::fillRelated(int table, const QVector<bool> &areKeys)
 {
     const auto document = sampleInput();
@@ -190,12 +193,10 @@ QVector<ColumnKind> LevelReader::columnKinds(KindExtent extent)
 /// Returns true to continue with the next file.
 bool LevelReader::fileIsMissing(const QString &name)
 {
-    const QString format = formatName().toLower();
-    if (readerParams().abortIfMissing) {
-        return fail(u"Error: The %1 file '%2' does not exists"_s.arg(format, name));
-    }
-    warn(u"Warning: The %1 file '%2' does not exists"_s.arg(format, name));
-    return true;
+    const bool fails = readerParams().abortIfMissing;
+    const QString text = fails ? u"Error: The %1 file '%2' does not exists"_s
+                               : u"Warning: The %1 file '%2' does not exists"_s;
+    return failOrWarn(*this, fails, text.arg(formatName().toLower(), name));
 }
 
 bool LevelReader::columnIsMissing(const QString &name)
@@ -203,6 +204,7 @@ bool LevelReader::columnIsMissing(const QString &name)
     return fail(u"ERROR: %1 parsing Error: Cannot find column '%2'\n"_s.arg(formatName(), name));
 }
 
+/// Only a warning, because another document may have the path.
 void LevelReader::pathIsMissing(const QString &path, const QString &name)
 {
     warn(u"Warning: can't find path '"_s + path + u"' inside file '"_s + name + u"'\n"_s);

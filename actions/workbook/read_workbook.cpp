@@ -2,6 +2,7 @@
 // the rows file by file. A single file stays open between scan and delivery.
 #include "actions/workbook/read_workbook.h"
 
+#include "actions/shared/tables/reader_file.h"
 #include "actions/workbook/workbook_file.h"
 #include "base/counted.h"
 #include "codecs/sheet/cell_area.h"
@@ -117,6 +118,7 @@ void ReadWorkbook::finish()
     m_planned.clear();
 }
 
+/// The series stops the file of the run; a workbook that is scanned before it is stopped here.
 void ReadWorkbook::wakeAll()
 {
     m_series.stop();
@@ -169,6 +171,7 @@ bool ReadWorkbook::listFiles(QStringList *files)
            (hasName || fail(u"ERROR: Cannot read the name of the workbook on input pin??\n"_s));
 }
 
+/// All files are scanned before the first row, because they decide together what columns are.
 bool ReadWorkbook::planFiles(const QStringList &files)
 {
     for (const QString &name : files) {
@@ -409,11 +412,9 @@ FileSeries::Opened ReadWorkbook::openFile(const QString &name)
 
 bool ReadWorkbook::reportMissing(const QString &name)
 {
-    if (m_run.abortIfMissing) {
-        return fail(u"Error: cannot open the workbook '%1'\n"_s.arg(name));
-    }
-    warn(u"Warning: cannot open the workbook '%1'\n"_s.arg(name));
-    return true;
+    const QString text = m_run.abortIfMissing ? u"Error: cannot open the workbook '%1'\n"_s
+                                              : u"Warning: cannot open the workbook '%1'\n"_s;
+    return failOrWarn(*this, m_run.abortIfMissing, text.arg(name));
 }
 
 bool ReadWorkbook::reportUnreadable(const QString &name)
@@ -423,6 +424,7 @@ bool ReadWorkbook::reportUnreadable(const QString &name)
 
 // ---- The sheets as tables, for convert, head and schema.
 
+/// The sheet is chosen by its number, which is valid for any name.
 bool ReadWorkbook::fill(int sheet)
 {
     if (sheet >= 0) {

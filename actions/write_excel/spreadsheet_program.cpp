@@ -89,16 +89,17 @@ bool writeWhole(const QString &name, const QByteArray &content)
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush();
 }
 
+/// The setting that lets the program calculate all formulas of a workbook that it opens.
+constexpr char kSettings[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                             "<oor:items xmlns:oor=\"http://openoffice.org/2001/registry\">"
+                             "<item oor:path=\"/org.openoffice.Office.Calc/Formula/Load\">"
+                             "<prop oor:name=\"OOXMLRecalcMode\" "
+                             "oor:op=\"fuse\"><value>0</value></prop></item></oor:items>\n";
+
 /// Create a separate profile: the user's open programs are not affected, and the program calculates
 /// every formula when it opens a workbook.
 bool createProfile(const QDir &profile)
 {
-    static const QByteArray kSettings =
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-        "<oor:items xmlns:oor=\"http://openoffice.org/2001/registry\">"
-        "<item oor:path=\"/org.openoffice.Office.Calc/Formula/Load\">"
-        "<prop oor:name=\"OOXMLRecalcMode\" "
-        "oor:op=\"fuse\"><value>0</value></prop></item></oor:items>\n";
     // The file name is the one that the program reads at its start.
     return profile.mkpath(u"user"_s) &&
            writeWhole(profile.filePath(u"user/registrymodifications.xcu"_s), kSettings);

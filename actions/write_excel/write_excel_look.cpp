@@ -9,6 +9,7 @@
 // columnFormats is split after the name of a column, and without one at its first "=".
 #include "actions/write_excel/write_excel_look.h"
 
+#include "base/mapped.h"
 #include "codecs/sheet/number_format.h"
 
 #include <QCoreApplication>
@@ -157,24 +158,20 @@ bool measuresWidths(const WriteExcelParams &params)
     return params.columnWidths == u"auto";
 }
 
+/// Empty if the widths are measured.
 std::vector<double> givenWidths(const WriteExcelParams &params)
 {
-    std::vector<double> widths;
-    if (!params.columnWidths.isEmpty() && !measuresWidths(params)) {
-        for (const QString &width : params.columnWidths.split(kSeparator)) {
-            widths.push_back(widthOf(width).value_or(0));
-        }
-    }
-    return widths;
+    const bool isGiven = !params.columnWidths.isEmpty() && !measuresWidths(params);
+    const QStringList texts = isGiven ? params.columnWidths.split(kSeparator) : QStringList();
+    return mapped<std::vector<double>>(
+        texts, [](const QString &text) { return widthOf(text).value_or(0); });
 }
 
 QStringList formattedColumns(const WriteExcelParams &params, const QStringList &columns)
 {
-    QStringList names;
-    for (const QString &entry : params.columnFormats) {
-        names << entry.left(splitOf(entry, columns));
-    }
-    return names;
+    return mapped<QStringList>(params.columnFormats, [&](const QString &entry) {
+        return entry.left(splitOf(entry, columns));
+    });
 }
 
 xlsx::SheetLook sheetLook(const WriteExcelParams &params, const QStringList &columns)

@@ -98,6 +98,7 @@ void ActionWriteExcel::takeCellProblem(sheet::CellProblem problem, int column,
     }
 }
 
+/// One message per cell, for a limited number of cells.
 void ActionWriteExcel::warnLongCell()
 {
     constexpr int kMaxWarnings = 50;
@@ -119,11 +120,7 @@ void ActionWriteExcel::reportMissingNames(const OneRow &columns)
     reportMissingNames(columns, shared::kToTime, m_params.toTime);
     reportMissingNames(columns, shared::kToBoolean, m_params.toBoolean);
     reportMissingNames(columns, kToFormula, m_params.toFormula);
-    QStringList names;
-    for (int i = 0; i < columns.numberOfColumns(); ++i) {
-        names << columns.colName(i);
-    }
-    reportMissingNames(columns, kColumnFormats, formattedColumns(m_params, names));
+    reportMissingNames(columns, kColumnFormats, formattedColumns(m_params, columns.schema().names));
 }
 
 void ActionWriteExcel::reportMissingNames(const OneRow &columns, const char *list,
@@ -144,6 +141,7 @@ void ActionWriteExcel::reportMissingNames(const OneRow &columns, const char *lis
     }
 }
 
+/// A width without a column is mostly a comma too much.
 void ActionWriteExcel::reportExtraWidths(size_t widths, size_t columns)
 {
     if (widths > columns) {
@@ -166,6 +164,7 @@ void ActionWriteExcel::reportNextSheet(const QString &full, const QString &next,
     }
 }
 
+/// A text such as 31/01/26 would become a date of 1926 without a message.
 void ActionWriteExcel::reportShortYears(const std::vector<sheet::Column> &columns)
 {
     const bool hasDates = std::any_of(columns.begin(), columns.end(), [](const auto &column) {
@@ -178,6 +177,7 @@ void ActionWriteExcel::reportShortYears(const std::vector<sheet::Column> &column
     }
 }
 
+/// Only a warning: some programs open such workbooks.
 void ActionWriteExcel::reportSheetName(const QString &name, const QStringList &others)
 {
     for (const xlsx::NameFault fault : xlsx::sheetNameFaults(name, others)) {
@@ -206,6 +206,7 @@ void ActionWriteExcel::reportRangeName(const QStringList &others)
     }
 }
 
+/// One warning per column and cause.
 void ActionWriteExcel::reportCells()
 {
     const auto &columns = m_run->sheet->columns();

@@ -4,6 +4,7 @@
 #include "actions/write_report/shipped_template.h"
 #include "actions/write_report/write_report.h"
 #include "base/counted.h"
+#include "base/mapped.h"
 #include "codecs/document/part_locations.h"
 #include "corvanta/main_ui.h"
 
@@ -71,13 +72,11 @@ QString placeOf(const document::PartLocations &locations, const QByteArray &char
 
 } // namespace
 
+/// The sign marks names of templates that are part of the installation.
 QStringList ActionWriteReport::includedTemplates() const
 {
-    QStringList names = shippedTemplates();
-    for (QString &name : names) {
-        name.prepend(u'>');
-    }
-    return names;
+    return mapped<QStringList>(shippedTemplates(),
+                               [](const QString &name) -> QString { return u'>' + name; });
 }
 
 bool ActionWriteReport::templateMarks(const QString &file, QVector<TemplateMark> *marks)

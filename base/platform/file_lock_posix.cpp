@@ -109,10 +109,8 @@ FileLock::Outcome FileLock::keep(int handle)
 bool FileHandle::tryLock(const QString &name)
 {
     const int handle = static_cast<int>(m_handle);
-    if (::flock(handle, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-        return false;
-    }
-    return isFileOf(handle, QFile::encodeName(name));
+    const bool isLocked = ::flock(handle, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    return !isLocked && isFileOf(handle, QFile::encodeName(name));
 }
 
 FileLock FileHandle::shareLock() const

@@ -6,6 +6,7 @@
 // Each of those between the readers and the writer exists only if an option needs it.
 #include "cli/convert/pipeline.h"
 
+#include "base/mapped.h"
 #include "cli/column_types.h"
 #include "cli/convert/file_arguments.h"
 #include "cli/file_types.h"
@@ -158,17 +159,23 @@ ColumnKind joined(const ColumnKind &a, const ColumnKind &b)
     return result;
 }
 
+/// -1: none.
+qsizetype indexOf(const QString &column, const QVector<ColumnKind> &kinds)
+{
+    const auto found = std::find_if(kinds.begin(), kinds.end(),
+                                    [&](const ColumnKind &kind) { return kind.column == column; });
+    return found == kinds.end() ? -1 : found - kinds.begin();
+}
+
 /// Add the columns of another input to those of the inputs before it.
 void joinKinds(const QVector<ColumnKind> &more, QVector<ColumnKind> *kinds)
 {
     for (const ColumnKind &kind : more) {
-        const auto same = std::find_if(kinds->begin(), kinds->end(), [&](const ColumnKind &other) {
-            return other.column == kind.column;
-        });
-        if (same == kinds->end()) {
+        const qsizetype same = indexOf(kind.column, *kinds);
+        if (same < 0) {
             kinds->append(kind);
         } else {
-            *same = joined(*same, kind);
+            (*kinds)[same] = joined((*kinds)[same], kind);
         }
     }
 }
@@ -322,14 +329,8 @@ CommandResult<std::vector<Input>> openInputs(const CommandLine &line, const QStr
 /// The columns of an input with the kinds that they have in all inputs.
 QVector<ColumnKind> kindsInAll(const QVector<ColumnKind> &kinds, const QVector<ColumnKind> &all)
 {
-    QVector<ColumnKind> found;
-    for (const ColumnKind &kind : kinds) {
-        const auto same = std::find_if(all.begin(), all.end(), [&](const ColumnKind &other) {
-            return other.column == kind.column;
-        });
-        found << (same == all.end() ? kind : *same);
-    }
-    return found;
+    return mapped<QVector<ColumnKind>>(
+        kinds, [&](const ColumnKind &kind) { return all.value(indexOf(kind.column, all), kind); });
 }
 
 /// Add the readers, and the action that joins several.
@@ -368,6 +369,7 @@ CommandResult<void> addInputs(const CommandLine &line, const QStringList &words,
 
 } // namespace
 
+/// The options that add actions between the input and the output.
 CommandOptions pipelineOptions()
 {
     CommandOptions options = inputOptions();

@@ -14,6 +14,7 @@
 // written.
 #include "codecs/compose/level_composer.h"
 
+#include "base/mapped.h"
 #include "base/number_cell.h"
 #include "base/utf.h"
 #include "codecs/compose/escape.h"
@@ -142,11 +143,9 @@ void addColumns(const ComposeOperation &operation, ColumnTypes *types)
 
 std::vector<CellColumn> columnsOf(const ColumnTypes &types)
 {
-    std::vector<CellColumn> columns;
-    for (const auto &[input, type] : types) {
-        columns.push_back({input, type});
-    }
-    return columns;
+    return mapped<std::vector<CellColumn>>(types, [](const auto &column) {
+        return CellColumn{column.first, column.second};
+    });
 }
 
 /// All columns that the levels use.

@@ -4,6 +4,7 @@
 
 namespace corvanta::csv {
 
+/// The same rule as in the run: what is null there must not decide a kind here.
 inline bool RecordScan::isNull(const Field &field) const
 {
     if (field.isQuoted) {
@@ -37,13 +38,12 @@ bool RecordScan::add(const RecordReader &reader)
     return true;
 }
 
+/// A fault ends the scan in silence; the run that follows reports it.
 void RecordScan::addAll(RecordReader &reader, qint64 rows)
 {
-    while (m_rows < rows) {
+    for (bool hasMore = true; hasMore && m_rows < rows;) {
         const auto found = reader.next();
-        if (!found || !*found || !add(reader)) {
-            return;
-        }
+        hasMore = found && *found && add(reader);
     }
 }
 

@@ -56,6 +56,7 @@ bool holds(Comparison comparison, std::partial_ordering order)
     return order >= 0;
 }
 
+/// As the user would write the text in an expression.
 QString quoted(std::u16string_view text)
 {
     return u"'%1'"_s.arg(QStringView(text.data(), static_cast<qsizetype>(text.size())));
@@ -147,12 +148,10 @@ Result<void, Error> Condition::checkTypes(const BoundNode &node, const Node &sou
 Result<bool, Error> Condition::isTrue(const RowView &row)
 {
     const bool isTrue = evaluate(m_root, row) == Truth::True;
-    if (m_fault) {
-        return *m_fault;
-    }
-    return isTrue;
+    return m_fault ? Result<bool, Error>(*m_fault) : isTrue;
 }
 
+/// The depth is limited by the parser, so the recursion is, too.
 Condition::Truth Condition::evaluate(int index, const RowView &row)
 {
     const BoundNode &node = m_nodes[size_t(index)];
@@ -224,6 +223,7 @@ Condition::Truth Condition::compare(const BoundNode &node, const RowView &row)
     return holds(node.comparison, order) ? Truth::True : Truth::False;
 }
 
+/// A comparison with a missing number is neither true nor false, as in SQL.
 Condition::Truth Condition::compareNumbers(const BoundNode &node, const RowView &row)
 {
     double left = 0;

@@ -6,6 +6,8 @@
 // Each character counts as a digit, which is a little wider than the average letter.
 #include "codecs/sheet/column_meter.h"
 
+#include "base/mapped.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -65,6 +67,7 @@ ColumnMeter::ColumnMeter(Setup setup)
     m_formatWidths.resize(m_setup.columns.size());
 }
 
+/// Bold characters are wider, and a filter button covers the end of the text.
 void ColumnMeter::addHeader(bool isBold, bool hasButton)
 {
     for (size_t i = 0; i < m_widths.size(); ++i) {
@@ -137,11 +140,9 @@ double ColumnMeter::textWidth(size_t column, std::u16string_view text) const
 
 std::vector<double> ColumnMeter::widths() const
 {
-    std::vector<double> widths;
-    for (const double width : m_widths) {
-        widths.push_back(std::clamp(std::ceil(width + kMargins), kSmallest, kWidest));
-    }
-    return widths;
+    return mapped<std::vector<double>>(m_widths, [](double width) {
+        return std::clamp(std::ceil(width + kMargins), kSmallest, kWidest);
+    });
 }
 
 } // namespace corvanta::sheet

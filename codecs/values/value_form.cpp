@@ -75,19 +75,27 @@ bool isFraction(std::string_view text)
            std::all_of(text.begin() + 1, text.end(), isDigit);
 }
 
+constexpr size_t kMinutes = 5; // 04:30
+constexpr size_t kSeconds = 8; // 04:30:05
+
+/// Whether a text begins with hours and minutes.
+bool hasMinutes(std::string_view text)
+{
+    return text.size() >= kMinutes && text[2] == ':' && twoDigits(text.data()) < 24 &&
+           twoDigits(text.data() + 3) < 60;
+}
+
+/// Whether seconds follow the minutes, with or without a fraction, to the end of the text.
+bool hasSeconds(std::string_view text)
+{
+    return text.size() >= kSeconds && text[5] == ':' && twoDigits(text.data() + 6) < 60 &&
+           (text.size() == kSeconds || isFraction(text.substr(kSeconds)));
+}
+
 /// A time of the day.
 bool isTime(std::string_view text)
 {
-    constexpr size_t kMinutes = 5; // 04:30
-    constexpr size_t kSeconds = 8; // 04:30:05
-    const bool hasMinutes = text.size() >= kMinutes && text[2] == ':' &&
-                            twoDigits(text.data()) < 24 && twoDigits(text.data() + 3) < 60;
-    if (!hasMinutes || text.size() == kMinutes) {
-        return hasMinutes;
-    }
-    const bool hasSeconds =
-        text.size() >= kSeconds && text[5] == ':' && twoDigits(text.data() + 6) < 60;
-    return hasSeconds && (text.size() == kSeconds || isFraction(text.substr(kSeconds)));
+    return hasMinutes(text) && (text.size() == kMinutes || hasSeconds(text));
 }
 
 /// The form of a text that begins like a date or a time.

@@ -9,6 +9,7 @@
 //   </workbook>
 #include "codecs/xlsx/workbook_part.h"
 
+#include "base/mapped.h"
 #include "codecs/opc/part_names.h"
 #include "codecs/opc/splices.h"
 
@@ -68,6 +69,7 @@ Result<Parts, Error> readParts(QByteArrayView text)
     return Parts{std::move(*outline), isStrict ? kStrict : kTransitional, *sheets};
 }
 
+/// The prefix of the namespace may be declared on any of three elements, and have any name.
 QByteArray relationshipIdOf(const Parts &parts, const Tag &sheet)
 {
     const Tag &root = parts.outline.root().tag;
@@ -252,11 +254,7 @@ QByteArray DefinedName::scopeAttributes() const
 
 QStringList Workbook::sheetNames() const
 {
-    QStringList names;
-    for (const SheetEntry &sheet : sheets) {
-        names.append(sheet.name);
-    }
-    return names;
+    return mapped<QStringList>(sheets, [](const SheetEntry &sheet) { return sheet.name; });
 }
 
 quint32 Workbook::freeSheetId() const

@@ -40,11 +40,9 @@ const Member *findWithAnySlash(const PackageReader &package, QByteArrayView name
 /// Whether the declared sizes are possible. Rejects archives that claim to expand without limit.
 bool canHaveSize(const Member &member)
 {
-    if (member.method == kStored) {
-        return member.size == member.compressedSize;
-    }
-    return (member.size - limits::kDeflateSlackBytes) / limits::kDeflateMaxRatio <=
-           member.compressedSize;
+    const auto least = (member.size - limits::kDeflateSlackBytes) / limits::kDeflateMaxRatio;
+    return member.method == kStored ? member.size == member.compressedSize
+                                    : least <= member.compressedSize;
 }
 
 } // namespace

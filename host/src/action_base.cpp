@@ -6,6 +6,7 @@
 #include "corvanta/action_base.h"
 
 #include "base/counted.h"
+#include "base/mapped.h"
 #include "corvanta/failure_reason.h"
 #include "corvanta/help.h"
 #include "corvanta/icons.h"
@@ -62,6 +63,7 @@ void CappedLog::add(const QString &text)
     ++m_count;
 }
 
+/// An entry without a maximum has a fixed number of input pins.
 ActionBase::ActionBase(const ActionEntry &entry, XMLNode saved, GlobalParameters *parameters)
     : ActionItem(std::move(saved), parameters)
     , m_entry(entry)
@@ -123,20 +125,15 @@ QStringList ActionBase::filesOf(ParameterInfo::File kind) const
 
 QVector<TargetUse> ActionBase::targets() const
 {
-    QVector<TargetUse> uses;
-    for (const QString &name : filesOf(ParameterInfo::File::Output)) {
-        uses.append({expandOutputFile(name, QString())});
-    }
-    return uses;
+    return mapped<QVector<TargetUse>>(
+        filesOf(ParameterInfo::File::Output),
+        [this](const QString &name) { return TargetUse{expandOutputFile(name, QString())}; });
 }
 
 QStringList ActionBase::inputs() const
 {
-    QStringList names = filesOf(ParameterInfo::File::Input);
-    for (QString &name : names) {
-        name = expandFile(name);
-    }
-    return names;
+    return mapped<QStringList>(filesOf(ParameterInfo::File::Input),
+                               [this](const QString &name) { return expandFile(name); });
 }
 
 /// Calls `work`. A message is the only thing that can be done with an exception: the caller is a
@@ -236,6 +233,7 @@ char ActionBase::close()
     return m_errorFlag;
 }
 
+/// Without a message once the run is stopped: the failure is then a consequence of it.
 bool ActionBase::fail(const QString &text, const QString &reason)
 {
     if (setFailed()) {

@@ -4,6 +4,7 @@
 // host's own actions is therefore the last one.
 #include "corvanta/action_registry.h"
 
+#include "base/mapped.h"
 #include "corvanta/main_ui.h"
 #include "corvanta/plugin_interface.h"
 
@@ -164,11 +165,9 @@ ActionItem *ActionRegistry::prototype(const QString &typeName) const
 
 QStringList ActionRegistry::typeNames() const
 {
-    QStringList names;
-    for (const auto &action : m_prototypes) {
-        names << QString::fromLatin1(action->getTypeName());
-    }
-    return names;
+    return mapped<QStringList>(m_prototypes, [](const auto &action) {
+        return QString::fromLatin1(action->getTypeName());
+    });
 }
 
 std::unique_ptr<ActionItem> ActionRegistry::create(const XMLNode &parameters,

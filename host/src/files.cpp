@@ -162,6 +162,7 @@ qint64 MyReadFileCached::size()
     return m_file->size();
 }
 
+/// Beyond the end is valid, as for files; the read then gives nothing.
 bool MyReadFileCached::seek(qint64 offset)
 {
     if (offset < 0) {
@@ -246,10 +247,8 @@ bool KobiFileInfo::isNetDrive(const QString &name)
 {
     // Tests need a network drive without having one.
     const QString pretended = qEnvironmentVariable("CORVANTA_NET_DRIVE");
-    if (!pretended.isEmpty() && QFileInfo(name).absoluteFilePath().startsWith(pretended)) {
-        return true;
-    }
-    return corvanta::platform::isOnNetworkDrive(name);
+    return (!pretended.isEmpty() && QFileInfo(name).absoluteFilePath().startsWith(pretended)) ||
+           corvanta::platform::isOnNetworkDrive(name);
 }
 
 void listFiles(const QString &pattern, QStringList *names)

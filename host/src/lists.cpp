@@ -1,6 +1,8 @@
 // Helpers of panels for lists and texts.
 #include "corvanta/lists.h"
 
+#include "base/mapped.h"
+
 #include <algorithm>
 #include <tuple>
 #include <utility>
@@ -10,10 +12,8 @@ using namespace Qt::StringLiterals;
 
 QString stringFromStringList(const QStringList &list, int maxTexts)
 {
-    QStringList quoted;
-    for (const QString &text : list.mid(0, maxTexts)) {
-        quoted << u'\'' + text + u'\'';
-    }
+    const auto inQuotes = [](const QString &text) { return u'\'' + text + u'\''; };
+    const auto quoted = corvanta::mapped<QStringList>(list.mid(0, maxTexts), inQuotes);
     return quoted.join(", "_L1) + (list.size() > maxTexts ? ", ..."_L1 : ""_L1);
 }
 

@@ -132,12 +132,12 @@ TableSchema &OneRow::changeSchema()
 {
     ownCells();
     // Copy: batches that were sent share the old schema.
-    auto copy = std::make_shared<TableSchema>(*m_schema);
-    TableSchema &schema = *copy;
-    m_schema = std::move(copy);
-    return schema;
+    const auto copy = std::make_shared<TableSchema>(*m_schema);
+    m_schema = copy;
+    return *copy;
 }
 
+/// New columns have missing cells.
 void OneRow::setNumberOfColumns(int n)
 {
     TableSchema &schema = changeSchema();

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <new>
+#include <numeric>
 
 namespace {
 constexpr long long kSmallestBlock = 4096;
@@ -78,11 +79,8 @@ void RowBuffer::deepReset(long long keepBytes)
 
 long long RowBuffer::totalSizeAllocated() const
 {
-    long long total = 0;
-    for (const Block &block : m_blocks) {
-        total += block.size;
-    }
-    return total;
+    return std::accumulate(m_blocks.begin(), m_blocks.end(), 0LL,
+                           [](long long sum, const Block &block) { return sum + block.size; });
 }
 
 unsigned char *bytesFromQString(unsigned char *bytes, const QString &text)

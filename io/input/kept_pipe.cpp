@@ -113,11 +113,9 @@ bool ReplayedSource::keepInFile(const char *bytes, qint64 n)
 
 bool ReplayedSource::seekFile(qint64 offset)
 {
-    if (m_fileAt != offset && !m_file.seek(offset)) {
-        return false;
-    }
-    m_fileAt = offset;
-    return true;
+    const bool isThere = m_fileAt == offset || m_file.seek(offset);
+    m_fileAt = isThere ? offset : m_fileAt;
+    return isThere;
 }
 
 /// Directly after the call that failed.

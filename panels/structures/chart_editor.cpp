@@ -1,5 +1,6 @@
 #include "panels/structures/chart_editor.h"
 
+#include "base/mapped.h"
 #include "panels/note_label.h"
 #include "panels/structures/chart_axes_field.h"
 #include "panels/suggestion_field.h"
@@ -60,6 +61,7 @@ void ChartEditor::actionChanged()
     }
 }
 
+/// Names are chosen among the tags of the template.
 FieldEditor *ChartEditor::makeMember(const FieldContext &context)
 {
     if (context.info.name == kAxes) {
@@ -93,11 +95,8 @@ QString ChartEditor::remark(const Element &chart, const ParameterInfo &list) con
 
 QStringList ChartEditor::markNames() const
 {
-    QStringList names;
-    for (const ChartMark &mark : m_marks.value_or(std::vector<ChartMark>())) {
-        names << mark.name;
-    }
-    return names;
+    return mapped<QStringList>(m_marks.value_or(std::vector<ChartMark>()),
+                               [](const ChartMark &mark) { return mark.name; });
 }
 
 QStringList ChartEditor::missingNames() const

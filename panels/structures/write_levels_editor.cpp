@@ -1,5 +1,6 @@
 #include "panels/structures/write_levels_editor.h"
 
+#include "base/mapped.h"
 #include "corvanta/action_item.h"
 #include "panels/basic_editors.h"
 #include "panels/column_picker.h"
@@ -138,11 +139,9 @@ FieldEditor *WriteLevelsEditor::makeMember(const FieldContext &context)
 
 QStringList WriteLevelsEditor::levelNames() const
 {
-    QStringList names;
-    for (const Element &level : elements()) {
-        names << memberValue(level, context().info, kName);
-    }
-    return names;
+    return mapped<QStringList>(elements(), [&](const Element &level) {
+        return memberValue(level, context().info, kName);
+    });
 }
 
 QString WriteLevelsEditor::summary(const Element &element, const ParameterInfo &list,

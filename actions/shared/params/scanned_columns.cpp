@@ -1,5 +1,7 @@
 #include "actions/shared/params/scanned_columns.h"
 
+#include "base/mapped.h"
+
 #include <QHash>
 
 #include <limits>
@@ -19,6 +21,7 @@ ValueKind kindOf(values::Kind kind)
 
 } // namespace
 
+/// A sample is enough to show kinds; only a whole scan may decide what is written.
 qint64 rowsToScan(ActionParameters::KindExtent extent)
 {
     return extent == ActionParameters::KindExtent::Sample ? kSampleRows
@@ -46,13 +49,13 @@ QVector<ColumnKind> kindsOf(const QStringList &names, std::span<const values::Co
     return kinds;
 }
 
+/// In the form of the parameter `types` of readers of texts.
 QString lettersOf(const QVector<ColumnKind> &columns)
 {
-    QStringList letters;
-    for (const ColumnKind &column : columns) {
-        letters << QString(QLatin1Char(column.letter));
-    }
-    return letters.join(u',');
+    return mapped<QStringList>(
+               columns,
+               [](const ColumnKind &column) { return QString(QLatin1Char(column.letter)); })
+        .join(u',');
 }
 
 } // namespace corvanta

@@ -1,6 +1,8 @@
 #include "actions/shared/params/type_letters.h"
 
+#include "actions/shared/params/list_problems.h"
 #include "base/counted.h"
+#include "base/mapped.h"
 
 using namespace Qt::StringLiterals;
 
@@ -8,15 +10,7 @@ namespace corvanta {
 
 namespace {
 
-QStringList lettersIn(const QString &types)
-{
-    QStringList letters = types.isEmpty() ? QStringList() : types.split(u',');
-    for (QString &letter : letters) {
-        letter = letter.trimmed();
-    }
-    return letters;
-}
-
+/// Upper case only.
 bool isTypeLetter(const QString &letter)
 {
     return letter == "K"_L1 || letter == "F"_L1 || letter == "U"_L1;
@@ -24,22 +18,23 @@ bool isTypeLetter(const QString &letter)
 
 } // namespace
 
+QStringList trimmedParts(const QString &list)
+{
+    const QStringList parts = list.isEmpty() ? QStringList() : list.split(u',');
+    return mapped<QStringList>(parts, [](const QString &part) { return part.trimmed(); });
+}
+
 QVector<ParameterProblem> typeProblems(const QString &types)
 {
-    QVector<ParameterProblem> problems;
-    for (const QString &letter : lettersIn(types)) {
-        if (!isTypeLetter(letter)) {
-            problems.append({u"types"_s, u"'%1' is not a column type (K, F, U)"_s.arg(letter)});
-        }
-    }
-    return problems;
+    return listProblems(u"types"_s, trimmedParts(types), isTypeLetter,
+                        u"'%1' is not a column type (K, F, U)"_s);
 }
 
 bool takeTypeLetters(ActionBase &action, const QString &types, qsizetype columns,
                      std::string *letters)
 {
     const QString name = QString::fromLatin1(action.getTypeName());
-    for (const QString &letter : lettersIn(types)) {
+    for (const QString &letter : trimmedParts(types)) {
         if (!isTypeLetter(letter)) {
             return action.fail(
                 u"Error: %1: '%2' is not a column type (K, F, U)\n"_s.arg(name, letter));

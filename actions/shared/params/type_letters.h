@@ -7,6 +7,9 @@
 
 namespace corvanta {
 
+/// The parts between the commas of a list, without blanks at their ends; none of an empty list.
+QStringList trimmedParts(const QString &list);
+
 /// What `check` reports: letters other than K, F and U.
 QVector<ParameterProblem> typeProblems(const QString &types);
 

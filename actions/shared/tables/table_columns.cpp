@@ -3,6 +3,7 @@
 // decide.
 #include "actions/shared/tables/table_columns.h"
 
+#include "base/mapped.h"
 #include "base/nearest_name.h"
 
 using namespace Qt::StringLiterals;
@@ -27,6 +28,7 @@ Assignment kindOf(const QString &text)
 
 } // namespace
 
+/// The hint names a similar column, because most mistakes are in the spelling.
 int requireColumn(ActionBase *action, const TableSchema &columns, const QString &name)
 {
     const auto index = static_cast<int>(columns.names.indexOf(name));
@@ -38,6 +40,7 @@ int requireColumn(ActionBase *action, const TableSchema &columns, const QString 
     return index;
 }
 
+/// Names may have "=": a known name is preferred to the first sign.
 std::optional<Assignment> assignmentOf(const QString &text, const QStringList &known)
 {
     const qsizetype first = text.indexOf(u'=');
@@ -52,15 +55,14 @@ std::optional<Assignment> assignmentOf(const QString &text, const QStringList &k
     return Assignment{text.left(first), text.mid(first + 1)};
 }
 
+/// The form that stored rows need: the types without their names.
 rows::ColumnTypes typesOf(const TableSchema &columns)
 {
-    rows::ColumnTypes types;
-    for (const MetaInfo &type : columns.types) {
-        types.push_back(type.cellType());
-    }
-    return types;
+    return mapped<rows::ColumnTypes>(columns.types,
+                                     [](const MetaInfo &type) { return type.cellType(); });
 }
 
+/// Only the form and the kinds: the columns are known in the run.
 QVector<ParameterProblem> kindProblems(const QStringList &kinds)
 {
     QVector<ParameterProblem> problems;
@@ -104,6 +106,7 @@ bool checkKinds(ActionBase *action, const QStringList &kinds, const QStringList 
     return true;
 }
 
+/// The place and the value, so that the user can find and correct it.
 QString notANumber(qint64 row, const OneRow &cells, int column)
 {
     return u"row %1: '%2' in column '%3' is not a number"_s.arg(

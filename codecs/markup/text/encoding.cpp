@@ -188,11 +188,9 @@ EncodingChoice chooseEncoding(QByteArrayView first, const QByteArray &name,
 
 CharMode guessJSONEncoding(QByteArrayView first)
 {
-    if (first.size() < 4) {
-        return CharMode::Utf8;
-    }
     const bool marked = first.startsWith("\xFF\xFE") || first.startsWith("\xFE\xFF");
-    return marked || (first[1] == 0 && first[3] == 0) ? CharMode::Utf16 : CharMode::Utf8;
+    const bool isWide = first.size() >= 4 && (marked || (first[1] == 0 && first[3] == 0));
+    return isWide ? CharMode::Utf16 : CharMode::Utf8;
 }
 
 CharMode encodingCode(QByteArrayView name)

@@ -8,6 +8,7 @@
 // be missing after numbers and after the names of old standards.
 #include "codecs/markup/text/entities.h"
 
+#include "codecs/encoding/hex_digit.h"
 #include "codecs/markup/text/char_class.h"
 #include "codecs/markup/text/html_entities.h"
 
@@ -45,11 +46,8 @@ char lower(char c)
 /// The value of a digit, or -1. Not a Result, because it runs for every digit.
 int digitValue(char c, int base)
 {
-    const char l = lower(c);
-    if (l >= '0' && l <= '9') {
-        return l - '0';
-    }
-    return base == 16 && l >= 'a' && l <= 'f' ? l - 'a' + 10 : -1;
+    const int value = hexDigit(static_cast<uchar>(c));
+    return value < base ? value : -1;
 }
 
 Entity entityOf(quint32 c, int length)

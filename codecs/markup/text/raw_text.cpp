@@ -8,6 +8,7 @@
 #include "codecs/markup/text/raw_text.h"
 
 #include "base/utf.h"
+#include "codecs/encoding/hex_digit.h"
 #include "codecs/markup/text/entities.h"
 
 #include <algorithm>
@@ -17,19 +18,7 @@ namespace corvanta::markup {
 
 namespace {
 
-// These two return -1 instead of a Result, because they run for every escape.
-
-/// The value of a hexadecimal digit, or -1.
-int hexValue(char c)
-{
-    if (c >= '0' && c <= '9') {
-        return c - '0';
-    }
-    const char l = static_cast<char>(c | 0x20);
-    return l >= 'a' && l <= 'f' ? l - 'a' + 10 : -1;
-}
-
-/// Four hexadecimal digits at `at`, or -1.
+/// Four hexadecimal digits at `at`, or -1. Not a Result, because it runs for every escape.
 int hexUnit(const char *at, const char *end)
 {
     if (end - at < 4) {
@@ -37,7 +26,7 @@ int hexUnit(const char *at, const char *end)
     }
     int unit = 0;
     for (int i = 0; i < 4; ++i) {
-        const int digit = hexValue(at[i]);
+        const int digit = hexDigit(static_cast<uchar>(at[i]));
         if (digit < 0) {
             return -1;
         }

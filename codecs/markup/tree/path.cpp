@@ -7,6 +7,8 @@
 // Only a last "[...]" of a step is an index. "[]" and no index select the first element.
 #include "codecs/markup/tree/path.h"
 
+#include "base/mapped.h"
+
 #include <QString>
 
 #include <algorithm>
@@ -92,11 +94,8 @@ bool nameMatches(const RawText &name, std::u16string_view lowerCase)
 /// Unit by unit, as names in documents are compared; QString would also change lengths.
 std::u16string toLowerCase(QStringView name)
 {
-    std::u16string lower;
-    for (const QChar c : name) {
-        lower.push_back(static_cast<char16_t>(QChar::toLower(char32_t(c.unicode()))));
-    }
-    return lower;
+    return mapped<std::u16string>(
+        name, [](QChar c) { return static_cast<char16_t>(QChar::toLower(char32_t(c.unicode()))); });
 }
 
 std::u16string nameInStep(QStringView text)

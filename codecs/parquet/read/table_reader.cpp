@@ -3,6 +3,8 @@
 // at different rows, because pages do.
 #include "codecs/parquet/read/table_reader.h"
 
+#include "base/mapped.h"
+
 #include <QLatin1StringView>
 
 #include <algorithm>
@@ -18,11 +20,10 @@ std::vector<std::unique_ptr<ColumnReader>> readersOf(SharedFile &file, const Fil
                                                      const Columns &columns,
                                                      const ReadOptions &options)
 {
-    std::vector<std::unique_ptr<ColumnReader>> readers;
-    for (const Column &column : columns.columns) {
-        readers.push_back(std::make_unique<ColumnReader>(file, metaData, column, options));
-    }
-    return readers;
+    return mapped<std::vector<std::unique_ptr<ColumnReader>>>(
+        columns.columns, [&](const Column &column) {
+            return std::make_unique<ColumnReader>(file, metaData, column, options);
+        });
 }
 
 } // namespace

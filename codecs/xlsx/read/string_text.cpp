@@ -6,6 +6,7 @@
 #include "codecs/xlsx/read/string_text.h"
 
 #include "base/utf.h"
+#include "codecs/encoding/hex_digit.h"
 
 #include <cstring>
 #include <optional>
@@ -18,15 +19,6 @@ namespace {
 
 /// Units of the form _xHHHH_.
 constexpr size_t kEscapeUnits = 7;
-
-int hexDigit(char16_t c)
-{
-    if (c >= u'0' && c <= u'9') {
-        return c - u'0';
-    }
-    const char16_t lower = c | 0x20;
-    return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
-}
 
 /// The unit that the form at `at` encodes.
 std::optional<char16_t> escapedUnit(const char16_t *at, const char16_t *end)

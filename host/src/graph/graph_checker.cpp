@@ -1,5 +1,6 @@
 // Finds what a valid graph does not do as its author probably meant: names and values that the
 // actions ignore, required values and files that are missing, writers without input.
+#include "base/mapped.h"
 #include "corvanta/action_parameters.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/corvanta_graph.h"
@@ -266,11 +267,8 @@ void ValueCheck::checkOwnProblems()
 
 QStringList namesOf(const QVector<TargetUse> &targets)
 {
-    QStringList names;
-    for (const TargetUse &target : targets) {
-        names << target.name;
-    }
-    return names;
+    return corvanta::mapped<QStringList>(targets,
+                                         [](const TargetUse &target) { return target.name; });
 }
 
 /// Calls `visit(action, item, parameters)` for the actions whose parameters are declared.

@@ -12,6 +12,8 @@
 // Reading accepts any text, because saved graphs may have been edited by hand.
 #include "corvanta/params/param_line.h"
 
+#include "base/mapped.h"
+
 #include <QLocale>
 
 #include <algorithm>
@@ -256,11 +258,8 @@ ParamLines::ParamLines(std::vector<ParamLine> lines)
 
 QVector<ParameterInfo> ParamLines::infos(const void *defaults) const
 {
-    QVector<ParameterInfo> infos;
-    for (const ParamLine &line : m_lines) {
-        infos << line.info(defaults);
-    }
-    return infos;
+    return mapped<QVector<ParameterInfo>>(
+        m_lines, [&](const ParamLine &line) { return line.info(defaults); });
 }
 
 void ParamLines::read(void *params, const XMLNode &node) const

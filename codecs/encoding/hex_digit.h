@@ -1,0 +1,15 @@
+// The value of a hexadecimal digit.
+#pragma once
+
+namespace corvanta {
+
+/// 0 to 15, in any letter case; -1: not a digit. Not a Result, because it runs for every digit.
+constexpr int hexDigit(char32_t c)
+{
+    const char32_t lower = c | 0x20;
+    return c >= U'0' && c <= U'9'           ? static_cast<int>(c - U'0')
+           : lower >= U'a' && lower <= U'f' ? static_cast<int>(lower - U'a') + 10
+                                            : -1;
+}
+
+} // namespace corvanta
