@@ -253,7 +253,9 @@ const OneRow *Ports::nextRow(int pin)
     }
     // Send partial batches before waiting, so that a slow source does not delay finished rows.
     flush();
-    return !isAbandoned() && in(pin).fetch() ? in(pin).nextInBatch() : nullptr;
+    // Not before the first row of the pin: without the columns the action may fail.
+    const bool isEnd = in(pin).rowCount() != 0 && isAbandoned();
+    return !isEnd && in(pin).fetch() ? in(pin).nextInBatch() : nullptr;
 }
 
 void Ports::endWithReaders(std::atomic<char> *yieldRequest)
