@@ -56,7 +56,10 @@ FieldEditor *ReadLevelsEditor::makeMember(const FieldContext &context)
     if (name == kColumns) {
         return makeColumns(context);
     }
-    return new TextEditor(context); // a list of paths, which is usually empty: one per line
+    if (context.info.type == ParameterInfo::Type::Strings) {
+        return new TextEditor(context); // a list of paths, which is usually empty: one per line
+    }
+    return makeEditor(context);
 }
 
 FieldEditor *ReadLevelsEditor::makeColumns(const FieldContext &context)

@@ -7,6 +7,7 @@
 #include "tests/panels/panel_support.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -164,6 +165,10 @@ TEST(ReadLevels, ManyColumnsAreEditedInATable)
     EXPECT_EQ(levels.table()->rowCount(), 49);
     EXPECT_FALSE(levels.value().contains("'c49'"_L1));
     EXPECT_TRUE(levels.value().contains("<s>x</s>"_L1)) << "LeftOut is kept";
+    auto *const isRequired = levels.control<QCheckBox>(u"required"_s);
+    ASSERT_NE(isRequired, nullptr) << "flags are check boxes";
+    isRequired->click();
+    EXPECT_TRUE(levels.value().contains("required='1'"_L1));
 }
 
 TEST(WriteLevels, FieldsFollowTheTypeAndThePreviewFollowsTheFields)
