@@ -107,14 +107,18 @@ bool ActionReadXML::setParameterValue(int index, const QString &value)
     const QString name = parameters().value(index).name;
     m_choosesSoup = m_choosesSoup || name == QLatin1StringView(kXmlTagSoup) ||
                     name == QLatin1StringView(kXmlExpandSpans);
+    m_choosesClearTags = m_choosesClearTags || name == QLatin1StringView(kXmlReadClearTags);
     return ParamAction::setParameterValue(index, value);
 }
 
-/// Levels that are found in a page read it as browsers do, unless that was chosen before.
+/// Levels that are found in a page read it as browsers do, and those of other documents include
+/// elements with only a CDATA section, unless something else was chosen before.
 void ActionReadXML::prepareFill()
 {
     if (m_params.readHTML && !m_choosesSoup) {
         m_params.tagSoup = m_params.expandSpans = true;
+    } else if (!m_params.readHTML && !m_choosesClearTags) {
+        m_params.readClearTags = true;
     }
 }
 

@@ -82,7 +82,8 @@ private:
     qint64 m_reportedErrors = 0;                       // structure errors that were skipped
     bool m_warnedAssumption = false;                   // in this run
     bool m_warnedContradiction = false;                // in this run
-    bool m_choosesSoup = false; // tagSoup or expandSpans was set, perhaps to off
+    bool m_choosesSoup = false;      // tagSoup or expandSpans was set, perhaps to off
+    bool m_choosesClearTags = false; // readClearTags was set, perhaps to off
 };
 
 } // namespace corvanta

@@ -35,7 +35,7 @@ ParamGroup<P> file()
         shared::bufferSize<P>(),
         shared::autoFillNRows<P>(),
         shared::documentFile<P>("XML or HTML file"),
-        flag("readClearTags", &P::readClearTags)
+        flag(kXmlReadClearTags, &P::readClearTags)
             .label("Read CDATA sections")
             .meaning("Reads CDATA sections and <PRE> blocks as text of their element."),
         flag("readHTML", &P::readHTML)

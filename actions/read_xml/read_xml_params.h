@@ -9,6 +9,7 @@ namespace corvanta {
 inline constexpr char kXmlEncoding[] = "encoding";
 inline constexpr char kXmlTagSoup[] = "tagSoup";
 inline constexpr char kXmlExpandSpans[] = "expandSpans";
+inline constexpr char kXmlReadClearTags[] = "readClearTags";
 
 struct ReadXmlParams : LevelReaderParams
 {

@@ -185,6 +185,19 @@ TEST(AutoFills, LevelsAreOneStepThatCanBeUndone)
     EXPECT_EQ(editor.value(u"warnUnread"_s), u"0"_s);
 }
 
+TEST(AutoFills, ElementsWithOnlyACdataSectionAreColumns)
+{
+    const QByteArray feed = "<feed><item><id>1</id><text><![CDATA[a <b>]]></text></item>"
+                            "<item><id>2</id><text><![CDATA[c]]></text></item></feed>";
+    Editor editor("<readXML fileName='feed.xml'/>");
+    editor.folder.write(u"feed.xml"_s, feed);
+    editor.open();
+    editor.click(u"start"_s);
+    ASSERT_TRUE(editor.waitForNote(u"Columns added: 2; new levels: 1."_s));
+    EXPECT_EQ(editor.value(u"readClearTags"_s), u"1"_s);
+    EXPECT_TRUE(editor.waitForRow(0, {u"1"_s, u"a <b>"_s}));
+}
+
 TEST(AutoFills, EditedLevelsAndTheirSettingsAreKept)
 {
     Editor editor("<readJSON version='4' fileName='orders.json'><Level initialPath='orders' "
