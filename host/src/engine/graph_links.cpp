@@ -16,6 +16,13 @@ int highestLinkedPin(const CorvantaGraph &graph, const QString &id)
     return highest;
 }
 
+bool isLinked(const CorvantaGraph &graph, const CorvantaGraph::Pin &pin)
+{
+    return std::any_of(graph.links.begin(), graph.links.end(), [&](const auto &link) {
+        return link.to.action == pin.action && link.to.pin == pin.pin;
+    });
+}
+
 QVector<std::pair<int, int>> linkedNodes(const CorvantaGraph &graph,
                                          const std::vector<Listener> &listeners)
 {

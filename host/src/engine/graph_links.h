@@ -14,6 +14,9 @@ namespace corvanta {
 /// The highest linked input pin of an action; -1 if there is none.
 int highestLinkedPin(const CorvantaGraph &graph, const QString &id);
 
+/// Whether a link leads to an input pin.
+bool isLinked(const CorvantaGraph &graph, const CorvantaGraph::Pin &pin);
+
 /// The links as indexes of nodes: first those of the graph, then those to the listeners.
 QVector<std::pair<int, int>> linkedNodes(const CorvantaGraph &graph,
                                          const std::vector<Listener> &listeners);

@@ -114,9 +114,8 @@ void Run::Private::addListener(const CorvantaGraph &graph, Listener &listener,
     add(listener.id, std::move(listener.action), 1, options);
     connect(graph, listener.from, nodes.size() - 1, 0);
     if (listener.maxRows >= 0) {
-        const auto source = static_cast<size_t>(graph.indexOf(listener.from.action));
-        OutputPin &pin = nodes[source]->ports->out(listener.from.pin);
-        pin.setLimit(listener.maxRows, &nodes[source]->control->yieldRequest);
+        Node &node = *nodes[static_cast<size_t>(graph.indexOf(listener.from.action))];
+        node.ports->out(listener.from.pin).setLimit(listener.maxRows, &node.control->yieldRequest);
     }
 }
 
@@ -175,14 +174,13 @@ void Run::Private::orderActions(const CorvantaGraph &graph, const std::vector<Li
         list.add(conflict.line, conflict.text);
     }
     problems = list.problems();
-    if (isForest(static_cast<int>(nodes.size()), links + waitingNodes(order))) {
-        for (const auto &node : nodes) {
-            node->ports->gate().boundAlways();
-        }
-    }
+    const bool hasNoCircle = isForest(static_cast<int>(nodes.size()), links + waitingNodes(order));
     sequence.set(order);
     files.setOrder(order);
     for (const auto &node : nodes) {
+        if (hasNoCircle) {
+            node->ports->gate().boundAlways();
+        }
         if (sequence.startsLater(node->action->m_idx)) {
             node->ports->gate().hold();
         }
@@ -195,11 +193,7 @@ void Run::Private::endUnlinkedPins(const CorvantaGraph &graph)
 {
     for (const auto &node : nodes) {
         for (int pin = 0; pin < node->ports->pinsIn(); ++pin) {
-            const bool isLinked =
-                std::any_of(graph.links.begin(), graph.links.end(), [&](const auto &link) {
-                    return link.to.action == node->id && link.to.pin == pin;
-                });
-            if (!isLinked) {
+            if (!isLinked(graph, {node->id, pin})) {
                 node->ports->gate().end(pin, std::make_shared<const TableSchema>());
             }
         }
@@ -268,8 +262,7 @@ bool Run::Private::hasRowsToKeep(const Node &node) const
     return hasRows;
 }
 
-/// Releases every thread that waits. Called by the thread that ends the run, and by all others when
-/// they notice it; only the first call has an effect.
+/// Releases every thread that waits. Any thread; only the first call has an effect.
 void Run::Private::releaseAll()
 {
     if (released.exchange(true)) {
@@ -319,8 +312,8 @@ void Run::Private::endYield(const Node &node)
 {
     node.control->yieldRequest = 0;
     // The run may end at the same time. Its status changes before releaseAll() sets the request, so
-    // either these loads see the new status, or the request is set after the line above. Not
-    // isRunning(): its load may be moved before the store.
+    // either these loads see the new status, or the request is set after the line above (not
+    // with isRunning(), whose load may be moved before it).
     if (node.control->runStatus != RunControl::Running ||
         control.runStatus != RunControl::Running) {
         node.control->yieldRequest = 1;
@@ -424,9 +417,8 @@ void Run::Private::initActions()
         node->initialised = true;
         attempt([&] {
             if (node->action->init() != 0) {
-                // What fails after a stop is a consequence of it.
-                endRun(node->control->runStatus == RunControl::Stopped ? RunControl::Stopped
-                                                                       : RunControl::Failed);
+                const bool isStop = node->control->runStatus == RunControl::Stopped;
+                endRun(isStop ? RunControl::Stopped : RunControl::Failed);
             }
             node->action->prepareRun();
         });
