@@ -139,10 +139,9 @@ ParameterInfo::File fileMark(FileFormat::Use use)
 int fileParameter(const ActionParameters &parameters, FileFormat::Use use)
 {
     // Every action with file formats has such a parameter.
-    const ParameterInfo::File wanted = fileMark(use);
     const QVector<ParameterInfo> infos = parameters.parameters();
-    const auto found = std::find_if(infos.begin(), infos.end(),
-                                    [&](const ParameterInfo &info) { return info.file == wanted; });
+    const auto isWanted = [&](const ParameterInfo &info) { return info.file == fileMark(use); };
+    const auto found = std::find_if(infos.begin(), infos.end(), isWanted);
     return static_cast<int>(found - infos.begin());
 }
 

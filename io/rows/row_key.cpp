@@ -48,10 +48,9 @@ char *putNumber(double value, qint64 rest, char *out)
 char32_t codePointAt(std::u16string_view text, size_t &i)
 {
     const char16_t unit = text[i];
-    if (QChar::isHighSurrogate(unit) && i + 1 < text.size() && QChar::isLowSurrogate(text[i + 1])) {
-        return QChar::surrogateToUcs4(unit, text[++i]);
-    }
-    return unit;
+    const bool isPair =
+        QChar::isHighSurrogate(unit) && i + 1 < text.size() && QChar::isLowSurrogate(text[i + 1]);
+    return isPair ? QChar::surrogateToUcs4(unit, text[++i]) : char32_t(unit);
 }
 
 /// The end mark is below every character, so that a text comes before its continuations.
