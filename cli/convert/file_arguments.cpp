@@ -268,6 +268,7 @@ QStringList inputWords(const CommandLine &line)
 QString binaryContent(const QString &fileName)
 {
     constexpr qint64 kExamined = 4096;
+    constexpr qsizetype kFewZeros = 8; // a text may have some; its reader says what they become
     // A pipe would lose what is read here.
     if (!QFileInfo(fileName).isFile()) {
         return {};
@@ -283,7 +284,7 @@ QString binaryContent(const QString &fileName)
     }
     const std::string_view text(bytes.data(), static_cast<size_t>(bytes.size()));
     const bool hasMark = text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF");
-    if (!bytes.contains('\0') || hasMark || unmarkedUtf16(text) != nullptr) {
+    if (bytes.count('\0') < kFewZeros || hasMark || unmarkedUtf16(text) != nullptr) {
         return {};
     }
     return u"there is a zero byte in line %1; --encoding NAME reads it if that is a text in "

@@ -211,7 +211,7 @@ TEST(ColumnScan, KeepsTheTypesOfAFormatThatHasThem)
     ColumnScan numbers;
     numbers.addNumber("12345678901234567890", place);
     numbers.addNumber("1", place);
-    EXPECT_EQ(numbers.result().kind, Kind::Integer);
+    EXPECT_EQ(numbers.result().kind, Kind::Decimal); // of more than 64 bits
     EXPECT_EQ(numbers.result().letter, 'U'); // a double would lose digits
     ColumnScan digits;
     digits.addText("12", place);

@@ -60,7 +60,8 @@ class Case(unittest.TestCase):
         return self.corvanta("convert", *words, status=status).stderr.decode()
 
     def convert_cleanly(self, *words):
-        self.assertEqual(self.convert(*words), "")
+        said = [line for line in self.convert(*words).splitlines() if " has numbers but is text; " not in line]
+        self.assertEqual(said, [])
 
     def rows_of(self, name):
         return list(csv.reader(io.StringIO(self.content(name).decode(), newline="")))

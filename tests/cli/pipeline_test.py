@@ -365,7 +365,7 @@ class BadInput(Case):
         self.put("a.csv", self.content("book.xlsx"))
         self.convert("a.csv", "out.json", status=1)
         self.assertIn("'a.csv' is not a csv file: it begins like a zip archive or a workbook; --from xlsx reads it", self.said)
-        self.put("b.csv", b"a,b\n1,\0\0\0\n")
+        self.put("b.csv", b"a,b\n1," + bytes(8) + b"\n")
         self.convert("b.csv", "out.json", status=1)
         self.assertIn("'b.csv' is not a csv file: there is a zero byte in line 2; --encoding NAME reads it if", self.said)
         self.convert("book.xlsx", "out.json", "--separator", ";", status=2)

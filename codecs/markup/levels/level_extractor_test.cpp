@@ -524,7 +524,7 @@ TEST(LevelExtractor, ScansTheValuesOfJson)
     EXPECT_EQ(kinds(R"([{"a":[{"b":1},{"b":2.5}],"n":3}])", {u"||n,a"_s, u"a||b"_s}), u"iK|-U|dF");
     EXPECT_EQ(kinds(R"({"a":{"a":"x"},"b":{"a":1}})", {u"||a"_s}), u"-U"); // one record
     EXPECT_EQ(kinds(R"({"m1":{"v":1},"m2":{"v":2}})", {u"||v"_s}), u"iK"); // a map of records
-    EXPECT_EQ(kinds(R"([{"v":12345678901234567890}])", {u"||v"_s}), u"iU");
+    EXPECT_EQ(kinds(R"([{"v":12345678901234567890}])", {u"||v"_s}), u"dU");
 }
 
 TEST(LevelExtractor, ScansTheRowsThatItExtracts)
