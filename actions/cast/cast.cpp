@@ -103,9 +103,15 @@ bool ActionCast::begin(const OneRow &columns)
             return false;
         }
     }
-    for (const Change &change : m_changes) {
-        out->setMetaType(change.column, MetaInfo(change.to));
+    // Not setMetaType(): a Qt list that is shared does not check the memory for its copy.
+    QVector<MetaInfo> types;
+    for (const MetaInfo &type : columns.schema().types) {
+        types << type;
     }
+    for (const Change &change : m_changes) {
+        types[change.column] = MetaInfo(change.to);
+    }
+    out->setMetaData(types);
     return true;
 }
 

@@ -92,8 +92,8 @@ bool ActionSelect::renameColumns(QStringList *names)
 /// Writers of tables, and expressions, could not tell two columns of one name from each other.
 bool ActionSelect::checkNames(const QStringList &names)
 {
-    QStringList sorted = names;
-    sorted.sort();
+    std::vector<QString> sorted(names.begin(), names.end());
+    std::sort(sorted.begin(), sorted.end());
     const auto twice = std::adjacent_find(sorted.begin(), sorted.end());
     return twice == sorted.end() ||
            fail(u"Error: select: two columns of the output have the name '%1'\n"_s.arg(*twice));

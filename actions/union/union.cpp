@@ -120,8 +120,8 @@ bool ActionUnion::checkColumns(int pin, const TableSchema &columns, const TableS
 {
     const QString table = QString::number(pin + 1);
     if (m_params.match == UnionMatch::Names) {
-        QStringList sorted = columns.names;
-        sorted.sort();
+        std::vector<QString> sorted(columns.names.begin(), columns.names.end());
+        std::sort(sorted.begin(), sorted.end());
         const auto twice = std::adjacent_find(sorted.begin(), sorted.end());
         return twice == sorted.end() ||
                fail(u"Error: union: two columns of table %1 have the name '%2'\n"_s.arg(table,

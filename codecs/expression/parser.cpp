@@ -161,13 +161,13 @@ Token Lexer::name()
 /// Symbols of two characters come first in the list, because "<" begins "<=".
 Result<Token, Error> Lexer::symbol()
 {
-    static const QStringList kSymbols{u"!="_s, u"<="_s, u">="_s, u"=="_s, u"<>"_s,
-                                      u"="_s,  u"<"_s,  u">"_s,  u"("_s,  u")"_s};
-    for (const QString &symbol : kSymbols) {
+    static constexpr auto kSymbols = std::to_array<QLatin1StringView>(
+        {"!="_L1, "<="_L1, ">="_L1, "=="_L1, "<>"_L1, "="_L1, "<"_L1, ">"_L1, "("_L1, ")"_L1});
+    for (const QLatin1StringView symbol : kSymbols) {
         if (m_text.sliced(m_at).startsWith(symbol)) {
             const qsizetype start = m_at;
             m_at += symbol.size();
-            return Token{Token::Kind::Symbol, symbol, start};
+            return Token{Token::Kind::Symbol, QString(symbol), start};
         }
     }
     return Fault{Error::Syntax, u"unexpected character '%1'"_s.arg(m_text[m_at]), m_at};
@@ -333,11 +333,12 @@ int Parser::parenthesis(int depth)
 std::optional<Comparison> Parser::comparison() const
 {
     // In the order of the enumeration; after it two synonyms of the first two.
-    static const QStringList symbols{u"="_s, u"!="_s, u"<"_s,  u"<="_s,
-                                     u">"_s, u">="_s, u"=="_s, u"<>"_s};
-    const qsizetype index =
-        m_token.kind == Token::Kind::Symbol ? symbols.indexOf(m_token.text) : -1;
-    return index < 0 ? std::nullopt : std::optional(static_cast<Comparison>(index % 6));
+    static constexpr auto kSymbols = std::to_array<QLatin1StringView>(
+        {"="_L1, "!="_L1, "<"_L1, "<="_L1, ">"_L1, ">="_L1, "=="_L1, "<>"_L1});
+    const auto found = std::find(kSymbols.begin(), kSymbols.end(), m_token.text);
+    const bool isOne = m_token.kind == Token::Kind::Symbol && found != kSymbols.end();
+    return isOne ? std::optional(static_cast<Comparison>((found - kSymbols.begin()) % 6))
+                 : std::nullopt;
 }
 
 int Parser::test()

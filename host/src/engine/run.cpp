@@ -178,11 +178,13 @@ void Run::Private::orderActions(const CorvantaGraph &graph, const std::vector<Li
     sequence.set(order);
     files.setOrder(order);
     for (const auto &node : nodes) {
+        Ports &ports = *node->ports;
+        ports.endWithReaders(writesFiles(*node->action) ? nullptr : &node->control->yieldRequest);
         if (hasNoCircle) {
-            node->ports->gate().boundAlways();
+            ports.gate().boundAlways();
         }
         if (sequence.startsLater(node->action->m_idx)) {
-            node->ports->gate().hold();
+            ports.gate().hold();
         }
     }
 }
@@ -293,11 +295,9 @@ void Run::Private::endRun(RunControl::Status status)
     releaseAll();
 }
 
-/// Calls the run function until the action is finished, its readers have enough rows, or the run
-/// has ended.
+/// Calls the run function until the action is finished, nothing reads it, or the run has ended.
 void Run::Private::callRun(Node &node)
 {
-    node.ports->endWithReaders(writesFiles(*node.action) ? nullptr : &node.control->yieldRequest);
     while (node.control->isRunning() && !node.ports->isComplete()) {
         if ((node.action.get()->*node.action->m_runFunction)()) {
             return;
