@@ -8,6 +8,7 @@
 
 #include "base/bytes.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -30,8 +31,7 @@ size_t partOf(std::string_view key)
 /// Returns the end of the bytes in `out`.
 char *append(char *out, std::string_view bytes)
 {
-    std::memcpy(out, bytes.data(), bytes.size());
-    return out + bytes.size();
+    return std::copy(bytes.begin(), bytes.end(), out); // unlike memcpy() it accepts an empty view
 }
 
 /// A record of a part is the number of its row, then the row. See put().
