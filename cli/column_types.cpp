@@ -96,6 +96,10 @@ CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const
     // Letters need only the names of the columns.
     constexpr auto kSample = ActionParameters::KindExtent::Sample;
     QVector<ColumnKind> kinds = reader->columnKinds(isGiven ? kSample : extent);
+    if (kinds.isEmpty()) {
+        // A file may be unreadable for a moment only; without types the output would differ.
+        kinds = reader->columnKinds(isGiven ? kSample : extent);
+    }
     if (isGiven && types.letters.size() != kinds.size()) {
         return badUsage(
             u"--types: %1 for the %2 of '%3'"_s.arg(counted(types.letters.size(), u"letter"_s),

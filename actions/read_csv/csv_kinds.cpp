@@ -9,6 +9,21 @@
 
 namespace corvanta {
 
+namespace {
+
+/// A sample must be quick, also where the rows end and gigabytes without a line end follow.
+csv::RecordReader::Limits limitsFor(ActionParameters::KindExtent extent)
+{
+    constexpr size_t kSampledRecordBytes = size_t(16) << 20;
+    csv::RecordReader::Limits limits;
+    if (extent == ActionParameters::KindExtent::Sample) {
+        limits.recordBytes = kSampledRecordBytes;
+    }
+    return limits;
+}
+
+} // namespace
+
 /// A file that a run cannot read to its end, or that has other columns, counts as far as it is read
 /// here: the run reports it.
 QVector<ColumnKind> ActionReadCsv::columnKinds(KindExtent extent)
@@ -22,8 +37,11 @@ QVector<ColumnKind> ActionReadCsv::columnKinds(KindExtent extent)
     std::optional<csv::RecordScan> scan;
     for (const QString &name : namesOfPattern(*this, m_params.fileName)) {
         InputFile file(globalParameters(), name, true, InputFile::Report::Nothing);
+        if (!file.isOpen()) {
+            return {}; // a part of the rows must not decide
+        }
         file.keepPipe();
-        csv::TextReader text(file, form.text);
+        csv::TextReader text(file, form.text, limitsFor(extent));
         csv::RecordReader &records = text.records();
         const auto first = records.next();
         if (!first || !*first) {

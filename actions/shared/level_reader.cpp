@@ -179,10 +179,14 @@ QVector<ColumnKind> LevelReader::columnKinds(KindExtent extent)
         InputFile file(globalParameters(), name, true, InputFile::Report::Nothing);
         file.keepPipe();
         const auto tokenizer = file.isOpen() ? openDocument(file, name) : nullptr;
-        if (tokenizer) {
-            extractor.beginFile();
-            extractor.beginDocument(*tokenizer);
-            rows = scanRows(extractor, rows);
+        if (!tokenizer) {
+            return {}; // a part of the rows must not decide
+        }
+        extractor.beginFile();
+        extractor.beginDocument(*tokenizer);
+        rows = scanRows(extractor, rows);
+        if (!file.failure().isEmpty()) {
+            return {};
         }
     }
     return kindsOf(extractor.columnNames(), scans);

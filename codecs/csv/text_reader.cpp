@@ -27,7 +27,7 @@ qint64 TextReader::Replay::read(void *buffer, qint64 n)
     return take;
 }
 
-TextReader::TextReader(ByteSource &source, const TextForm &form)
+TextReader::TextReader(ByteSource &source, const TextForm &form, RecordReader::Limits limits)
     : m_text(source, form.encoding, form.fallback)
     , m_separator(form.dialect.separator)
 {
@@ -39,7 +39,7 @@ TextReader::TextReader(ByteSource &source, const TextForm &form)
     }
     Dialect dialect = form.dialect;
     dialect.separator = m_separator;
-    m_records = std::make_unique<RecordReader>(m_replay, std::move(dialect));
+    m_records = std::make_unique<RecordReader>(m_replay, std::move(dialect), limits);
 }
 
 } // namespace corvanta::csv

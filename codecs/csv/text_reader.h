@@ -26,7 +26,7 @@ public:
 
     /// Read from the current position of `source`, which must outlive the reader. iconv must know
     /// the encoding. Reads the sample if it is needed.
-    TextReader(ByteSource &source, const TextForm &form);
+    TextReader(ByteSource &source, const TextForm &form, RecordReader::Limits limits = {});
 
     /// The records are UTF-8, apart from the bytes that Utf8Source passes on.
     RecordReader &records() { return *m_records; }

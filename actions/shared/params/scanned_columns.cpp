@@ -10,7 +10,7 @@ namespace corvanta {
 
 namespace {
 
-constexpr qint64 kSampleRows = 100'000;
+constexpr qint64 kSampleRows = 10'000;
 
 ValueKind kindOf(values::Kind kind)
 {
