@@ -212,7 +212,7 @@ TEST(ColumnScan, KeepsTheTypesOfAFormatThatHasThem)
     numbers.addNumber("12345678901234567890", place);
     numbers.addNumber("1", place);
     EXPECT_EQ(numbers.result().kind, Kind::Decimal); // of more than 64 bits
-    EXPECT_EQ(numbers.result().letter, 'U'); // a double would lose digits
+    EXPECT_EQ(numbers.result().letter, 'U');         // a double would lose digits
     ColumnScan digits;
     digits.addText("12", place);
     EXPECT_EQ(digits.result().kind, Kind::Text);
