@@ -10,7 +10,7 @@ include(GoogleTest)
 function(corvanta_module name)
     cmake_parse_arguments(ARG "WIDGETS" "" "SOURCES;TESTS;PUBLIC;PRIVATE;TEST_LIBS;HEADERS" ${ARGN})
     add_library(corvanta_${name} STATIC ${ARG_SOURCES})
-    if(ARG_HEADERS)
+    if(ARG_HEADERS AND CMAKE_BUILD_TYPE STREQUAL "Release") # clang-tidy builds no precompiled header of its own
         target_precompile_headers(corvanta_${name} PRIVATE ${precompiled_widgets} ${ARG_HEADERS})
     elseif(ARG_WIDGETS)
         target_precompile_headers(corvanta_${name} REUSE_FROM corvanta_precompiled_widgets)

@@ -253,7 +253,7 @@ CommandResult<FileArgument> outputFile(const CommandLine &line, const QString &w
 /// A shell has expanded patterns without quotes; the others are expanded here.
 QStringList inputWords(const CommandLine &line)
 {
-    const QStringList words = line.arguments.first(line.arguments.size() - 1);
+    QStringList words = line.arguments.first(line.arguments.size() - 1);
     if (words.size() == 1 && !line.has(u"--union"_s)) {
         return words; // a reader joins the files of a pattern itself
     }

@@ -41,19 +41,19 @@ bool holds(Comparison comparison, std::partial_ordering order)
 {
     switch (comparison) {
     case Comparison::Equal:
-        return order == 0;
+        return std::is_eq(order);
     case Comparison::NotEqual:
-        return order != 0;
+        return std::is_neq(order);
     case Comparison::Less:
-        return order < 0;
+        return std::is_lt(order);
     case Comparison::LessOrEqual:
-        return order <= 0;
+        return std::is_lteq(order);
     case Comparison::Greater:
-        return order > 0;
+        return std::is_gt(order);
     case Comparison::GreaterOrEqual:
         break;
     }
-    return order >= 0;
+    return std::is_gteq(order);
 }
 
 /// As the user would write the text in an expression.
@@ -232,7 +232,7 @@ Condition::Truth Condition::compareNumbers(const BoundNode &node, const RowView 
         return Truth::Unknown;
     }
     std::partial_ordering order = left <=> right;
-    if (order == 0 && std::abs(left) >= values::kInexactFrom) {
+    if (std::is_eq(order) && std::abs(left) >= values::kInexactFrom) {
         order = restOf(node.left, left, row) <=> restOf(node.right, right, row);
     }
     return holds(node.comparison, order) ? Truth::True : Truth::False;

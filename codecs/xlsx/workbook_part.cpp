@@ -333,7 +333,7 @@ QString nextSheetName(const QString &name, const QStringList &taken)
 {
     for (int number = 2;; ++number) {
         const QString suffix = QStringLiteral(" (%1)").arg(number);
-        const QString candidate = cut(name, kMaxSheetNameUnits - suffix.size()) + suffix;
+        QString candidate = cut(name, kMaxSheetNameUnits - suffix.size()) + suffix;
         if (!taken.contains(candidate, Qt::CaseInsensitive)) {
             return candidate;
         }
