@@ -156,7 +156,7 @@ Result<bool, SpoolError> PartitionedJoin::joinNextPart()
 Result<void, SpoolError> PartitionedJoin::joinTable(Part &part, bool isLast)
 {
     m_secondHasPartner.assign(size_t(m_table.size()), false);
-    if (const auto done = checked(part.first->rewind(), part.first->error()); !done) {
+    if (auto done = checked(part.first->rewind(), part.first->error()); !done) {
         return done;
     }
     auto again = makeSpool();
@@ -191,8 +191,7 @@ Result<void, SpoolError> PartitionedJoin::joinRow(const rows::Record &row, size_
     for (int found = m_table.find(row.key); found != rows::RowTable::kNone;
          found = m_table.findNext(found)) {
         m_firstHasPartner[index] = m_secondHasPartner[size_t(found)] = true;
-        const auto added =
-            addResult(false, numberOf(row), packedOf(row), packedOf(m_table.at(found)));
+        auto added = addResult(false, numberOf(row), packedOf(row), packedOf(m_table.at(found)));
         if (!added) {
             return added;
         }
@@ -211,7 +210,7 @@ Result<void, SpoolError> PartitionedJoin::addSecondAlone()
             continue;
         }
         const rows::Record record = m_table.at(row);
-        if (const auto added = addResult(true, numberOf(record), {}, packedOf(record)); !added) {
+        if (auto added = addResult(true, numberOf(record), {}, packedOf(record)); !added) {
             return added;
         }
     }
