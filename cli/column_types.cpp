@@ -32,11 +32,6 @@ bool isLarge(const QString &fileName)
     return !file.isFile() || file.size() > kSmallFile;
 }
 
-bool isNumber(ValueKind kind)
-{
-    return kind == ValueKind::Integer || kind == ValueKind::Decimal;
-}
-
 /// A text, although the values before one are numbers, or all are, but one has too many digits.
 bool isTextWithNumbers(const ColumnKind &kind)
 {
@@ -53,6 +48,26 @@ ColumnKind givenKind(const QString &column, QChar letter)
                 : letter == u'F' ? ValueKind::Decimal
                                  : ValueKind::Text;
     return kind;
+}
+
+QVector<ColumnKind> noKinds()
+{
+    return {};
+}
+
+/// The columns with the letters of --types.
+CommandResult<QVector<ColumnKind>> givenKinds(const ColumnTypes &types, const QString &fileName,
+                                              QVector<ColumnKind> kinds)
+{
+    if (types.letters.size() != kinds.size()) {
+        return badUsage(
+            u"--types: %1 for the %2 of '%3'"_s.arg(counted(types.letters.size(), u"letter"_s),
+                                                    counted(kinds.size(), u"column"_s), fileName));
+    }
+    for (qsizetype i = 0; i < kinds.size(); ++i) {
+        kinds[i] = givenKind(kinds[i].column, types.letters[i]);
+    }
+    return kinds;
 }
 
 } // namespace
@@ -81,34 +96,31 @@ CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const
                                                  ActionParameters *reader,
                                                  ActionParameters::KindExtent extent)
 {
+    using Rule = ColumnTypes::Rule;
     if (!readsTexts(*reader)) {
-        if (types.rule == ColumnTypes::Rule::Letters) {
+        if (types.rule == Rule::Letters) {
             return badUsage(u"--types: the columns of '%1' have types, and letters are only for "
                             "files of texts"_s.arg(fileName));
         }
-        return types.rule == ColumnTypes::Rule::Auto ? reader->columnKinds(extent)
-                                                     : QVector<ColumnKind>();
+        return types.rule == Rule::Auto ? reader->columnKinds(extent).value_or(noKinds())
+                                        : noKinds();
     }
-    if (types.rule == ColumnTypes::Rule::Text) {
-        return QVector<ColumnKind>();
+    if (types.rule == Rule::Text) {
+        return noKinds();
     }
-    const bool isGiven = types.rule == ColumnTypes::Rule::Letters;
     // Letters need only the names of the columns.
-    constexpr auto kSample = ActionParameters::KindExtent::Sample;
-    QVector<ColumnKind> kinds = reader->columnKinds(isGiven ? kSample : extent);
-    if (kinds.isEmpty()) {
-        // A file may be unreadable for a moment only; without types the output would differ.
-        kinds = reader->columnKinds(isGiven ? kSample : extent);
+    const bool isGiven = types.rule == Rule::Letters;
+    auto kinds = reader->columnKinds(isGiven ? ActionParameters::KindExtent::Sample : extent);
+    if (!kinds) {
+        // The run says why, unless the file can be read by then.
+        if (QFileInfo::exists(fileName)) {
+            MainUI::addLog(
+                MainUI::Warning,
+                u"The columns of '%1' are texts: the file could not be examined"_s.arg(fileName));
+        }
+        return noKinds();
     }
-    if (isGiven && types.letters.size() != kinds.size()) {
-        return badUsage(
-            u"--types: %1 for the %2 of '%3'"_s.arg(counted(types.letters.size(), u"letter"_s),
-                                                    counted(kinds.size(), u"column"_s), fileName));
-    }
-    for (qsizetype i = 0; isGiven && i < kinds.size(); ++i) {
-        kinds[i] = givenKind(kinds[i].column, types.letters[i]);
-    }
-    return kinds;
+    return isGiven ? givenKinds(types, fileName, *kinds) : *kinds;
 }
 
 void noteSample(const CommandLine &line, const QString &fileName, const ActionParameters &reader)

@@ -67,17 +67,10 @@ QVector<ColumnKind> kindsOf(const TableSchema &schema, const InputFacts &facts)
     return kinds;
 }
 
-QString nameOf(ValueKind kind)
-{
-    static const char *const kNames[] = {"text", "integer",  "decimal", "boolean",
-                                         "date", "datetime", "time"};
-    return QString::fromLatin1(kNames[static_cast<size_t>(kind)]);
-}
-
 namespace {
 
 /// The number of rows of -n.
-CommandResult<qint64> rowsOf(const CommandLine &line)
+CommandResult<qint64> headRowsOf(const CommandLine &line)
 {
     constexpr qint64 kDefaultRows = 10;
     bool isNumber = true;
@@ -171,13 +164,13 @@ QString reasonText(const ColumnKind &kind)
 {
     if (kind.exceptionPlace.isEmpty()) {
         const bool isNumber = kind.letter != 'U';
-        return isNumber || kind.kind == ValueKind::Text ? QString() : nameOf(kind.kind);
+        return isNumber || kind.kind == ValueKind::Text ? QString() : kindName(kind.kind);
     }
     const QString value =
         u"text because of '%1' in %2"_s.arg(visibleText(kind.exception), kind.exceptionPlace);
     return kind.before == ValueKind::Text
                ? value
-               : value + u"; the values before it: "_s + nameOf(kind.before);
+               : value + u"; the values before it: "_s + kindName(kind.before);
 }
 
 /// "NAME TYPE LABEL FORMAT VALUE=LABEL, ..." with tabs, without empty fields at the end.
@@ -202,12 +195,12 @@ QJsonObject columnJson(const Column &of, bool isVerbose)
 {
     const ColumnNotes &notes = of.notes;
     QJsonObject column{{u"name"_s, of.name},
-                       {u"type"_s, nameOf(of.kind.kind)},
+                       {u"type"_s, kindName(of.kind.kind)},
                        {u"letter"_s, QString(QLatin1Char(of.kind.letter))}};
     if (isVerbose && !of.kind.exceptionPlace.isEmpty()) {
         column[u"decidedBy"_s] = QJsonObject{{u"value"_s, of.kind.exception},
                                              {u"place"_s, of.kind.exceptionPlace},
-                                             {u"typeBefore"_s, nameOf(of.kind.before)}};
+                                             {u"typeBefore"_s, kindName(of.kind.before)}};
     }
     if (!notes.label.isEmpty()) {
         column[u"label"_s] = notes.label;
@@ -254,7 +247,7 @@ CommandOptions headOptions()
 
 CommandResult<void> headCommand(const CommandLine &line)
 {
-    const auto rows = rowsOf(line);
+    const auto rows = headRowsOf(line);
     if (!rows) {
         return rows.fault();
     }

@@ -17,6 +17,3 @@ CommandResult<void> readRows(const QString &command, const CommandLine &line, qi
 /// What the columns of the rows are, in order: the kinds that the host has found, or else those of
 /// their cells.
 QVector<ColumnKind> kindsOf(const TableSchema &schema, const InputFacts &facts);
-
-/// The name of a kind: "integer", "decimal", "text" and so on.
-QString nameOf(ValueKind kind);

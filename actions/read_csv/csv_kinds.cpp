@@ -26,10 +26,10 @@ csv::RecordReader::Limits limitsFor(ActionParameters::KindExtent extent)
 
 /// A file that a run cannot read to its end, or that has other columns, counts as far as it is read
 /// here: the run reports it.
-QVector<ColumnKind> ActionReadCsv::columnKinds(KindExtent extent)
+std::optional<QVector<ColumnKind>> ActionReadCsv::columnKinds(KindExtent extent)
 {
     if (!problems().isEmpty() || !m_params.types.isEmpty() || m_params.fileNameFromPin) {
-        return {};
+        return QVector<ColumnKind>();
     }
     const CsvForm form = csvFormOf(m_params);
     QStringList names;
@@ -38,7 +38,7 @@ QVector<ColumnKind> ActionReadCsv::columnKinds(KindExtent extent)
     for (const QString &name : namesOfPattern(*this, m_params.fileName)) {
         InputFile file(globalParameters(), name, true, InputFile::Report::Nothing);
         if (!file.isOpen()) {
-            return {}; // a part of the rows must not decide
+            return std::nullopt; // a part of the rows must not decide
         }
         file.keepPipe();
         csv::TextReader text(file, form.text, limitsFor(extent));

@@ -9,6 +9,8 @@
 #include "actions/shared/file_series.h"
 #include "corvanta/action_base.h"
 
+#include <optional>
+
 namespace corvanta {
 
 extern const ActionEntry kReadCsvEntry;
@@ -25,7 +27,7 @@ public:
     static int pinsInFor(const ReadCsvParams &params) { return params.fileNameFromPin ? 1 : 0; }
     QVector<ParameterProblem> problems() const override { return readCsvProblems(m_params); }
     /// The kinds of all columns; none if `types` is set.
-    QVector<ColumnKind> columnKinds(KindExtent extent) override;
+    std::optional<QVector<ColumnKind>> columnKinds(KindExtent extent) override;
     bool readColumnsAs(const QVector<ColumnKind> &columns) override;
     QStringList inputs() const override
     {

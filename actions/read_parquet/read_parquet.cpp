@@ -15,7 +15,7 @@ namespace corvanta {
 namespace {
 
 /// Threads that decode pages of one file in parallel.
-int workerCount()
+int decodingThreads()
 {
     constexpr int kMaxWorkers = 8;
     return std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, kMaxWorkers);
@@ -55,10 +55,10 @@ parquet::ReadOptions ActionReadParquet::readOptions() const
 }
 
 /// Columns from a pin, and files from one, are known only in a run.
-QVector<ColumnKind> ActionReadParquet::columnKinds(KindExtent extent)
+std::optional<QVector<ColumnKind>> ActionReadParquet::columnKinds(KindExtent extent)
 {
     if (m_params.fileNameFromPin || m_params.columnSelection == ColumnSelection::FromPin) {
-        return {};
+        return QVector<ColumnKind>();
     }
     RunControl control;
     control.runStatus = RunControl::Running;
@@ -166,7 +166,7 @@ FileSeries::Opened ActionReadParquet::openFile(const QString &name)
     if (!source) {
         return Fault{Unreadable, source.fault().detail};
     }
-    auto reader = parquet::TableReader::open(**source, m_options, workerCount());
+    auto reader = parquet::TableReader::open(**source, m_options, decodingThreads());
     if (!reader) {
         return unreadable(name, reader.fault(), readFailure(**source));
     }

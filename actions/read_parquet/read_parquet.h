@@ -10,6 +10,8 @@
 #include "corvanta/action_base.h"
 #include "io/input/run_input.h"
 
+#include <optional>
+
 namespace corvanta {
 
 extern const ActionEntry kReadParquetEntry;
@@ -34,7 +36,7 @@ public:
     {
         return m_params.fileNameFromPin ? QStringList() : ParamAction::inputs();
     }
-    QVector<ColumnKind> columnKinds(KindExtent extent) override;
+    std::optional<QVector<ColumnKind>> columnKinds(KindExtent extent) override;
     /// Ends the waits for the decoders of the open file.
     void wakeAll() override { m_series.stop(); }
 

@@ -48,7 +48,7 @@ QVector<ColumnNotes> ActionReadStat::columnNotes()
     return files.isEmpty() ? QVector<ColumnNotes>() : statNotes(*this, files.first(), m_params);
 }
 
-QVector<ColumnKind> ActionReadStat::columnKinds(KindExtent /*extent*/)
+std::optional<QVector<ColumnKind>> ActionReadStat::columnKinds(KindExtent /*extent*/)
 {
     const QStringList files = namedFiles();
     return files.isEmpty() ? QVector<ColumnKind>()

@@ -7,6 +7,8 @@
 #include "actions/shared/file_series.h"
 #include "corvanta/action_base.h"
 
+#include <optional>
+
 namespace corvanta {
 
 extern const ActionEntry kReadStatEntry;
@@ -27,7 +29,7 @@ public:
     /// Those of the first file.
     QVector<ColumnNotes> columnNotes() override;
     /// Those of the first file, too.
-    QVector<ColumnKind> columnKinds(KindExtent extent) override;
+    std::optional<QVector<ColumnKind>> columnKinds(KindExtent extent) override;
     /// Ends the waits of both threads.
     void wakeAll() override { m_series.stop(); }
 

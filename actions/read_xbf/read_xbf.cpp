@@ -52,10 +52,10 @@ void setTypedKind(const dbf::Field &field, ColumnKind *kind)
 
 } // namespace
 
-QVector<ColumnKind> ActionReadXBF::columnKinds(KindExtent extent)
+std::optional<QVector<ColumnKind>> ActionReadXBF::columnKinds(KindExtent extent)
 {
     if (!m_params.types.isEmpty()) {
-        return {};
+        return QVector<ColumnKind>();
     }
     const encoding::TextDecoder decoder = makeDecoder();
     ReadXbfParams params = m_params;
@@ -69,7 +69,7 @@ QVector<ColumnKind> ActionReadXBF::columnKinds(KindExtent extent)
         file.keepPipe();
         const auto table = XbfFile::openTable(file, decoder, params);
         if (!file.isOpen() || !table) {
-            continue;
+            return std::nullopt; // a part of the rows must not decide
         }
         if (fields.empty()) {
             fields = (*table)->columns();

@@ -28,7 +28,7 @@ public:
     float computeCompletion() override { return m_series.fractionDone(); }
     /// The kinds of all columns: of texts and of numbers in digits from their values, of others
     /// from the type that they have in the file.
-    QVector<ColumnKind> columnKinds(KindExtent extent) override;
+    std::optional<QVector<ColumnKind>> columnKinds(KindExtent extent) override;
     bool readColumnsAs(const QVector<ColumnKind> &columns) override
     {
         m_params.types = lettersOf(columns);

@@ -160,11 +160,11 @@ qint64 scanRows(markup::LevelExtractor &extractor, qint64 rows)
 
 } // namespace
 
-QVector<ColumnKind> LevelReader::columnKinds(KindExtent extent)
+std::optional<QVector<ColumnKind>> LevelReader::columnKinds(KindExtent extent)
 {
     const std::vector<ReadLevel> levels = levelsToRead();
     if (isFromPin() || !hasItems(levels) || !readerParams().types.isEmpty()) {
-        return {};
+        return QVector<ColumnKind>();
     }
     markup::ExtractOptions options = extractOptions();
     options.countsUnread = false;
@@ -180,13 +180,13 @@ QVector<ColumnKind> LevelReader::columnKinds(KindExtent extent)
         file.keepPipe();
         const auto tokenizer = file.isOpen() ? openDocument(file, name) : nullptr;
         if (!tokenizer) {
-            return {}; // a part of the rows must not decide
+            return std::nullopt; // a part of the rows must not decide
         }
         extractor.beginFile();
         extractor.beginDocument(*tokenizer);
         rows = scanRows(extractor, rows);
         if (!file.failure().isEmpty()) {
-            return {};
+            return std::nullopt;
         }
     }
     return kindsOf(extractor.columnNames(), scans);

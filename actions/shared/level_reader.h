@@ -26,7 +26,7 @@ public:
     }
     /// The kinds of all columns, from the texts of all files. Those that cannot be read to their
     /// end count up to there: the run reports them.
-    QVector<ColumnKind> columnKinds(KindExtent extent) override;
+    std::optional<QVector<ColumnKind>> columnKinds(KindExtent extent) override;
     bool readColumnsAs(const QVector<ColumnKind> &columns) override;
     QVector<ParameterProblem> problems() const override;
     /// The levels of each table that the beginning of the file has; none if it cannot be read. Not
@@ -68,6 +68,11 @@ protected:
     void finish() override;
 
     // What the action uses.
+
+    /// Errors of a run that are reported one by one when the run continues after them.
+    static constexpr int kMaxReportedErrors = 50;
+    /// Smallest buffer of a tokenizer, in characters.
+    static constexpr qint64 kTokenizerChars = 1'048'576;
 
     bool isFromPin() const { return readerParams().fromInputPin != DocumentSource::File; }
     /// The source that the common parameters describe. The action adds the column of the input pin.

@@ -478,7 +478,7 @@ ValueKind kindOf(quint8 content)
 } // namespace
 
 /// Nothing is reported: the run reads the same file again.
-QVector<ColumnKind> ReadWorkbook::columnKinds(KindExtent /*extent*/)
+std::optional<QVector<ColumnKind>> ReadWorkbook::columnKinds(KindExtent /*extent*/)
 {
     QVector<ColumnKind> kinds;
     const ReadExcelParams params = expandedParams();

@@ -31,7 +31,7 @@ public:
     void wakeAll() override;
     QVector<ParameterProblem> problems() const override;
     /// Scans the first file.
-    QVector<ColumnKind> columnKinds(KindExtent extent) override;
+    std::optional<QVector<ColumnKind>> columnKinds(KindExtent extent) override;
 
 protected:
     using ActionBase::ActionBase;

@@ -126,21 +126,13 @@ CommandResult<RowRange> rowsOf(const CommandLine &line)
 /// "column=kind" for the columns that are not texts, as the row actions have it.
 QStringList kindSettings(const QVector<ColumnKind> &kinds)
 {
-    static const char *const kNames[] = {"text", "integer",  "decimal", "boolean",
-                                         "date", "datetime", "time"};
     QStringList settings;
     for (const ColumnKind &kind : kinds) {
         if (kind.kind != ValueKind::Text) {
-            settings << u"kinds=%1=%2"_s.arg(
-                kind.column, QLatin1StringView(kNames[static_cast<size_t>(kind.kind)]));
+            settings << u"kinds=%1=%2"_s.arg(kind.column, kindName(kind.kind));
         }
     }
     return settings;
-}
-
-bool isNumber(ValueKind kind)
-{
-    return kind == ValueKind::Integer || kind == ValueKind::Decimal;
 }
 
 /// The kind that values of both kinds have.

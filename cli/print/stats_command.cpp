@@ -252,7 +252,7 @@ ColumnSummary ColumnStats::summary(const QString &name) const
 {
     ColumnSummary summary;
     summary.name = name;
-    summary.type = nameOf(m_kind);
+    summary.type = kindName(m_kind);
     summary.rows = m_rows;
     summary.missing = m_missing;
     summary.distinct = static_cast<qint64>(m_distinct.count());

@@ -106,6 +106,18 @@ QStringList ActionParameters::inputs() const
     return {};
 }
 
+const QStringList &kindNames()
+{
+    static const QStringList names{u"text"_s, u"integer"_s,  u"decimal"_s, u"boolean"_s,
+                                   u"date"_s, u"datetime"_s, u"time"_s};
+    return names;
+}
+
+QString kindName(ValueKind kind)
+{
+    return kindNames()[static_cast<qsizetype>(kind)];
+}
+
 QStringList columnsOfKind(const QVector<ColumnKind> &columns, ValueKind kind)
 {
     QStringList names;
@@ -117,9 +129,9 @@ QStringList columnsOfKind(const QVector<ColumnKind> &columns, ValueKind kind)
     return names;
 }
 
-QVector<ColumnKind> ActionParameters::columnKinds(KindExtent /*extent*/)
+std::optional<QVector<ColumnKind>> ActionParameters::columnKinds(KindExtent /*extent*/)
 {
-    return {};
+    return QVector<ColumnKind>();
 }
 
 bool ActionParameters::readColumnsAs(const QVector<ColumnKind> & /*columns*/)

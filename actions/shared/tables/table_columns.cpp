@@ -12,13 +12,6 @@ namespace corvanta::shared {
 
 namespace {
 
-const QStringList &kindNames()
-{
-    static const QStringList names{u"text"_s, u"integer"_s,  u"decimal"_s, u"boolean"_s,
-                                   u"date"_s, u"datetime"_s, u"time"_s};
-    return names;
-}
-
 /// The kind is after the last sign, because no kind contains one.
 Assignment kindOf(const QString &text)
 {

@@ -9,6 +9,7 @@
 #include <QStringList>
 #include <QVector>
 
+#include <optional>
 #include <span>
 
 /// One parameter, as the action declares it.
@@ -144,6 +145,16 @@ struct ColumnKind
     ValueKind before = ValueKind::Text;
 };
 
+/// "text", "integer", "datetime", ... as parameters and commands name it.
+CORVANTA_EXPORT QString kindName(ValueKind kind);
+/// The names of all kinds, in their order.
+CORVANTA_EXPORT const QStringList &kindNames();
+/// Whether the values are numbers.
+constexpr bool isNumber(ValueKind kind)
+{
+    return kind == ValueKind::Integer || kind == ValueKind::Decimal;
+}
+
 /// The names of the columns of one kind, in order.
 CORVANTA_EXPORT QStringList columnsOfKind(const QVector<ColumnKind> &columns, ValueKind kind);
 
@@ -254,8 +265,9 @@ public:
         Sample, ///< at least the first 1,000
     };
     /// The kinds of columns of the first output; a column that is not listed is what the type of
-    /// its cells says. None by default. Logs nothing. Not during a run.
-    virtual QVector<ColumnKind> columnKinds(KindExtent extent);
+    /// its cells says. None by default. Nothing if the input cannot be read, which a run reports.
+    /// Logs nothing. Not during a run.
+    virtual std::optional<QVector<ColumnKind>> columnKinds(KindExtent extent);
     /// Give the columns whose letter is K or F as numbers. Returns false, and changes nothing, when
     /// the action gives only texts; a host then adds an action that converts them.
     virtual bool readColumnsAs(const QVector<ColumnKind> &columns);
