@@ -1,8 +1,8 @@
 // Sorts rows by their keys in bounded memory (external merge sort).
 //
 // Rows are collected in memory. When they take more than the limit, they are sorted and written to
-// a temporary file, a run. At the end the runs are merged. The files have no names, so that none is
-// left behind, even by a killed program. Rows with equal keys keep their order.
+// a temporary file, a run. At the end the runs are merged. The files have no names, so that none
+// remains, not even of a killed program. Rows with equal keys keep their order.
 #pragma once
 #include "io/rows/record_arena.h"
 #include "io/rows/record_spool.h"

@@ -120,7 +120,6 @@ enum class Range : quint8 { Small, Large, Unknown };
 
 /// The bound of a chunk that the newer member has, or else the older one.
 Range rangeOf(const std::optional<QByteArray> &newer, const std::optional<QByteArray> &older,
-              /// Older files have a converted type, newer ones a logical type, and most have both.
               bool isUnsigned)
 {
     // The older members compare as signed numbers, which the check below allows for: an unsigned
