@@ -7,8 +7,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace corvanta::cell {
+
+/// Whether a Key cell can hold the number; the two highest keys mean missing.
+inline bool isKey(double value)
+{
+    return value >= 0 && value < kMissingKeyOther && value == std::floor(value);
+}
 
 /// Print a Key or Double cell as UTF-16 to `out`, which has room for kNumberChars units. Returns
 /// the number of units; 0 for a missing cell. Writes no final NUL.

@@ -22,7 +22,7 @@ namespace corvanta {
 namespace {
 
 /// Longer lists scroll.
-constexpr int kVisibleRows = 6;
+constexpr int kVisibleColumns = 6;
 /// Names in one message; more are counted only.
 constexpr int kNamesInMessage = 3;
 
@@ -128,7 +128,7 @@ ListEditor::ListEditor(const FieldContext &context)
 
 void ListEditor::setUpLists()
 {
-    const int height = fontMetrics().lineSpacing() * kVisibleRows + 2 * m_list->frameWidth();
+    const int height = fontMetrics().lineSpacing() * kVisibleColumns + 2 * m_list->frameWidth();
     for (QListWidget *const list : {m_left, m_list}) {
         list->setFixedHeight(height);
         list->setSelectionMode(QAbstractItemView::ExtendedSelection);

@@ -34,7 +34,7 @@ namespace {
 using Type = ParameterInfo::Type;
 
 constexpr int kPanelWidth = 460;            // preferred, in pixels
-constexpr int kMaxLabelCharacters = 24;     // longer labels are wrapped
+constexpr int kMaxLineCharacters = 24;      // longer labels are wrapped
 constexpr int kMaxConditionCharacters = 80; // of the values in a remark
 constexpr int kValidationDelayMs = 200;
 constexpr int kScrollBarGap = 6;   // between the fields and the scroll bar
@@ -270,7 +270,7 @@ void PropertyPanel::addField(const PanelField &field, Mnemonics &mnemonics)
 
 void PropertyPanel::alignLabels()
 {
-    const int limit = fontMetrics().averageCharWidth() * kMaxLabelCharacters;
+    const int limit = fontMetrics().averageCharWidth() * kMaxLineCharacters;
     int width = 0;
     // Long labels are wrapped at the limit; short ones decide the width otherwise.
     for (const Row &row : m_rows) {

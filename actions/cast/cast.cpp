@@ -16,7 +16,7 @@ namespace corvanta {
 namespace {
 
 /// A column and its letter; the letter is after the last sign.
-std::optional<shared::Assignment> typeOf(const QString &text)
+std::optional<shared::Assignment> assignedType(const QString &text)
 {
     const qsizetype sign = text.lastIndexOf(u'=');
     const QString letter = text.mid(sign + 1);
@@ -25,7 +25,7 @@ std::optional<shared::Assignment> typeOf(const QString &text)
                                : std::nullopt;
 }
 
-/// The letter is K, F or U: typeOf() has checked it.
+/// The letter is K, F or U: assignedType() has checked it.
 cell::Type typeOfLetter(const QString &letter)
 {
     return static_cast<cell::Type>(letter[0].toLatin1());
@@ -66,12 +66,6 @@ bool numberOf(cell::Type from, const uchar *bytes, double *value, bool *ok)
     return true;
 }
 
-/// Whether a key cell can hold the value; the two highest keys mean missing.
-bool isKey(double value)
-{
-    return value >= 0 && value < cell::kMissingKeyOther && value == std::floor(value);
-}
-
 } // namespace
 
 ActionCast::ActionCast(const XMLNode &saved, GlobalParameters *parameters)
@@ -81,7 +75,7 @@ ActionCast::ActionCast(const XMLNode &saved, GlobalParameters *parameters)
 
 QVector<ParameterProblem> ActionCast::problems() const
 {
-    return listProblems(u"types"_s, m_params.types, typeOf,
+    return listProblems(u"types"_s, m_params.types, assignedType,
                         u"'%1' is not a column and a type (K, F, U), for example price=F"_s);
 }
 
@@ -118,7 +112,7 @@ bool ActionCast::begin(const OneRow &columns)
 /// A column that has the type already is left alone.
 bool ActionCast::addChange(const OneRow &columns, const QString &text)
 {
-    const auto type = typeOf(text);
+    const auto type = assignedType(text);
     if (!type) {
         return fail(
             u"Error: cast: '%1' is not a column and a type (K, F, U), for example price=F\n"_s.arg(
@@ -173,7 +167,7 @@ bool ActionCast::putChanged(const Change &change, const OneRow &row, OneRow *out
     if (!numberOf(change.from, bytes, &value, &isNumber)) {
         return true;
     }
-    if (!isNumber || (change.to == cell::Type::Key && !isKey(value))) {
+    if (!isNumber || (change.to == cell::Type::Key && !cell::isKey(value))) {
         return reportValue(change, row);
     }
     out->setCol(change.column, change.to == cell::Type::Key

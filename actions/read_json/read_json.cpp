@@ -16,10 +16,6 @@ using markup::MarkupError;
 
 namespace {
 
-/// Of a run, with ignoreErrors.
-constexpr int kMaxReportedErrors = 50;
-/// Smallest buffer of a tokenizer, in characters.
-constexpr qint64 kTokenizerChars = 1'048'576;
 /// 96 MiB; see bufferBytes().
 constexpr qint64 kMaxBytesFromColumns = 0x6000000;
 

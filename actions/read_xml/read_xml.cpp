@@ -22,11 +22,6 @@ using markup::XMLTokenizer;
 
 namespace {
 
-/// Of a run, with skipCorruptedFiles.
-constexpr int kMaxReportedErrors = 50;
-/// Smallest buffer of a tokenizer, in characters.
-constexpr qint64 kTokenizerChars = 1'048'576;
-
 /// Such a path finds nothing with indexes that count from 1.
 bool usesIndexZero(const ReadLevel &level)
 {

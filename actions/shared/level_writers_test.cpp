@@ -31,21 +31,21 @@ struct Table
 };
 Table g_table;
 
-struct NoParams
+struct NoLevelParams
 {
 };
 
 /// Delivers g_table.
-class TableSource final : public ParamAction<TableSource, NoParams>
+class TableSource final : public ParamAction<TableSource, NoLevelParams>
 {
 public:
     TableSource(const XMLNode &saved, GlobalParameters *parameters)
         : ParamAction({.typeName = "table", .pinsIn = 0, .pinsOut = 1}, saved, parameters)
     {
     }
-    static const ParamTable<NoParams> &paramTable()
+    static const ParamTable<NoLevelParams> &paramTable()
     {
-        static const ParamTable<NoParams> table{};
+        static const ParamTable<NoLevelParams> table{};
         return table;
     }
 
@@ -74,18 +74,18 @@ private:
     size_t m_next = 0;
 };
 
-template <class Action> ActionItem *make()
+template <class Action> ActionItem *makeWriter()
 {
     return new Action(XMLNode::emptyNode(), nullptr);
 }
 
-class Plugin final : public CorvantaPluginInterface
+class LevelPlugin final : public CorvantaPluginInterface
 {
 public:
     ActionItem *createAction(int index, unsigned int) override
     {
-        constexpr ActionItem *(*kMakers[])() = {make<TableSource>, make<ActionWriteJSON>,
-                                                make<ActionWriteXML>};
+        constexpr ActionItem *(*kMakers[])() = {
+            makeWriter<TableSource>, makeWriter<ActionWriteJSON>, makeWriter<ActionWriteXML>};
         return index < 3 ? kMakers[index]() : nullptr;
     }
     void initialise() override {}
@@ -105,7 +105,7 @@ class LevelWriters : public testing::Test
 protected:
     LevelWriters()
     {
-        Plugin plugin;
+        LevelPlugin plugin;
         m_registry.add(&plugin);
         g_table = {};
         for (quint32 i = 0; i < 2000; ++i) {

@@ -1,5 +1,7 @@
 #include "actions/shared/split_name.h"
 
+#include "codecs/encoding/hex_digit.h"
+
 #include <QCryptographicHash>
 
 using namespace Qt::StringLiterals;
@@ -12,17 +14,11 @@ namespace {
 constexpr qsizetype kMaxBytes = 200;
 constexpr qsizetype kDigestDigits = 16;
 
-/// ASCII only, as in percentForm(), but in either case.
-bool isHexDigit(QChar c)
-{
-    return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
-}
-
 /// A percent sign that a reader of the name would mistake for the start of percentForm().
 bool isEscapeLike(const QString &value, qsizetype at)
 {
-    return value[at] == u'%' && at + 2 < value.size() && isHexDigit(value[at + 1]) &&
-           isHexDigit(value[at + 2]);
+    return value[at] == u'%' && at + 2 < value.size() && hexDigit(value[at + 1].unicode()) >= 0 &&
+           hexDigit(value[at + 2].unicode()) >= 0;
 }
 
 /// Characters that some file system refuses in a name.

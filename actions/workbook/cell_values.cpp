@@ -15,12 +15,6 @@ using sheet::NumberForm;
 namespace {
 
 /// Whether the number can be a key. -0 cannot: a key would lose its sign.
-bool isKey(double value)
-{
-    return value >= 0 && value < static_cast<double>(cell::kMissingKeyOther) &&
-           value == std::floor(value) && !std::signbit(value);
-}
-
 /// The bit of a date that is read as text.
 quint8 contentOfDate(NumberForm form, double serial, bool uses1904)
 {
@@ -66,7 +60,7 @@ cell::Type typeOf(quint8 content)
 quint8 ValueRules::contentOf(const sheet::SheetCell &cell) const
 {
     const auto ofNumber = [](double value) -> quint8 {
-        return isKey(value) ? kHasKeys : kHasNumbers;
+        return cell::isKey(value) && !std::signbit(value) ? kHasKeys : kHasNumbers;
     };
     switch (cell.kind) {
     case CellKind::Number:

@@ -2,6 +2,7 @@
 // uses a template, and at the end of the run.
 #include "actions/write_doc/write_doc.h"
 #include "base/counted.h"
+#include "codecs/encoding/hex_digit.h"
 
 #include <algorithm>
 
@@ -34,18 +35,13 @@ QString remedyFor(const document::TemplateMarker &marker, bool joinRuns, bool al
     return remedies.join(u"; "_s);
 }
 
-bool isHexDigit(QChar c)
-{
-    return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F') || (c >= u'a' && c <= u'f');
-}
-
 /// Texts such as "5%, at most 10%" or "10%ige ... 5%" look like a marker, too, as do the encoded
 /// characters in the address of a picture or a link: "%C3%BCber".
 bool isLikelyMarker(const document::TemplateMarker &marker)
 {
     const QString &text = marker.text;
-    const bool isEncoded =
-        (marker.isPicture || marker.isLink) && isHexDigit(text[1]) && isHexDigit(text[2]);
+    const bool isEncoded = (marker.isPicture || marker.isLink) &&
+                           hexDigit(text[1].unicode()) >= 0 && hexDigit(text[2].unicode()) >= 0;
     return (text[1].isLetter() || text[1] == u'_') && !isEncoded && !marker.isNumeric;
 }
 

@@ -23,7 +23,7 @@ namespace {
 constexpr double kBytesPerMiB = 1048576;
 
 /// Threads that compress pages, in addition to the action's own.
-int workerCount()
+int compressingThreads()
 {
     // The action's thread cannot keep more of them busy.
     constexpr int kMaxWorkers = 8;
@@ -209,7 +209,7 @@ void ActionWriteParquet::start()
         return;
     }
     m_run->compressor =
-        std::make_unique<parquet::PageCompressor>(codecOf(m_params.codec), workerCount());
+        std::make_unique<parquet::PageCompressor>(codecOf(m_params.codec), compressingThreads());
 }
 
 bool ActionWriteParquet::needsColumnKinds() const

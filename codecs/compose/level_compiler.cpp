@@ -16,11 +16,6 @@ namespace {
 
 using Column = ComposeOperation::Column;
 
-bool isCall(const ComposeOperation &operation)
-{
-    return operation.kind == ComposeOperation::Kind::SubLevel;
-}
-
 size_t indexOfLevel(const std::vector<WriteLevel> &levels, const QString &name)
 {
     const auto found = std::find_if(levels.begin(), levels.end(),
@@ -36,7 +31,7 @@ std::vector<size_t> removeAcyclicLevels(const std::vector<ComposeLevel> &levels)
     std::vector<size_t> removed;
     for (size_t i = 0; i < levels.size(); ++i) {
         for (const ComposeOperation &operation : levels[i].operations) {
-            if (isCall(operation)) {
+            if (operation.isCall()) {
                 ++callsLeft[i];
                 callers[operation.subLevel].push_back(i);
             }
@@ -148,7 +143,7 @@ int LevelCompiler::findCyclicLevel(const std::vector<ComposeLevel> &levels)
         const auto &operations = levels[at].operations;
         at = std::find_if(operations.begin(), operations.end(),
                           [&](const ComposeOperation &operation) {
-                              return isCall(operation) && callsLeft[operation.subLevel] != 0;
+                              return operation.isCall() && callsLeft[operation.subLevel] != 0;
                           })
                  ->subLevel;
     }

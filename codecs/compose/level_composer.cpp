@@ -23,6 +23,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <map>
 
 namespace corvanta::compose {
@@ -127,11 +128,6 @@ template <class Escapes> char16_t *quoted(std::u16string_view text, char16_t *ou
     return out;
 }
 
-bool isCall(const ComposeOperation &operation)
-{
-    return operation.kind == ComposeOperation::Kind::SubLevel;
-}
-
 using ColumnTypes = std::map<int, cell::Type>;
 
 void addColumns(const ComposeOperation &operation, ColumnTypes *types)
@@ -172,9 +168,9 @@ std::vector<CellColumn> keptColumns(const ComposeLevel &level, const ColumnTypes
         types.emplace(level.partition->input, level.partition->type);
     }
     const auto end = level.operations.end();
-    auto next = std::find_if(level.operations.begin(), end, isCall);
+    auto next = std::find_if(level.operations.begin(), end, std::mem_fn(&ComposeOperation::isCall));
     for (next += next != end ? 1 : 0; next != end; ++next) {
-        if (isCall(*next)) {
+        if (next->isCall()) {
             return columnsOf(all);
         }
         addColumns(*next, &types);
@@ -193,7 +189,8 @@ LevelComposer::LevelComposer(std::vector<ComposeLevel> levels, ValueRules rules,
     m_levels.resize(levels.size());
     for (size_t i = 0; i < levels.size(); ++i) {
         const std::vector<ComposeOperation> &operations = levels[i].operations;
-        m_levels[i].hasSubLevels = std::any_of(operations.begin(), operations.end(), isCall);
+        m_levels[i].hasSubLevels = std::any_of(operations.begin(), operations.end(),
+                                               std::mem_fn(&ComposeOperation::isCall));
         m_levels[i].kept.setColumns(keptColumns(levels[i], all));
         m_levels[i].plan = std::move(levels[i]);
     }

@@ -70,6 +70,8 @@ struct ComposeOperation
         QString newName = {}; ///< that `before` has in place of the column's, which is not valid
     };
 
+    bool isCall() const { return kind == Kind::SubLevel; }
+
     Kind kind = Kind::Nothing;
     TextForm form = TextForm::JsonString;
     FixedText text = {};              ///< of Text; between the values of Values

@@ -11,8 +11,6 @@ namespace corvanta::deflate {
 
 namespace {
 
-/// Size of the output buffer that the library gets. At level 3 its output depends on this size.
-constexpr size_t kRoomBytes = size_t(64) * 1024;
 /// The output for shorter blocks depends on the address of the library's state: about one in a
 /// thousand parts of a package differs between runs. zlib compresses these blocks.
 constexpr size_t kShortBlockBytes = size_t(32) * 1024;

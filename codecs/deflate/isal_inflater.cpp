@@ -3,18 +3,9 @@
 
 #include <isa-l/igzip_lib.h>
 
-#include <algorithm>
-#include <limits>
-
 namespace corvanta::deflate {
 
 namespace {
-
-/// The library counts bytes in 32 bits. Longer buffers are used in several calls.
-uint32_t oneCall(size_t bytes)
-{
-    return static_cast<uint32_t>(std::min<size_t>(bytes, std::numeric_limits<uint32_t>::max()));
-}
 
 class IsalInflater final : public Inflater
 {

@@ -3,17 +3,13 @@
 
 #include <zlib.h>
 
-#include <algorithm>
 #include <new>
 
 namespace corvanta::deflate {
 
 namespace {
 
-constexpr int kRawWindowBits = -15; // negative: no zlib wrapper
-constexpr int kMemoryLevel = 8;     // the default of zlib
-/// The output grows in steps of this size. Most blocks need few.
-constexpr size_t kRoomBytes = size_t(64) * 1024;
+constexpr int kMemoryLevel = 8; // the default of zlib
 
 class ZlibDeflater final : public Deflater
 {

@@ -3,21 +3,11 @@
 
 #include <zlib.h>
 
-#include <algorithm>
-#include <limits>
 #include <new>
 
 namespace corvanta::deflate {
 
 namespace {
-
-constexpr int kRawWindowBits = -15; // negative: no zlib wrapper
-
-/// The library counts bytes in 32 bits. Longer buffers are used in several calls.
-uint32_t oneCall(size_t bytes)
-{
-    return static_cast<uint32_t>(std::min<size_t>(bytes, std::numeric_limits<uint32_t>::max()));
-}
 
 class ZlibInflater final : public Inflater
 {

@@ -11,7 +11,7 @@ namespace corvanta::encoding {
 
 namespace {
 
-constexpr size_t kFailed = static_cast<size_t>(-1);
+constexpr size_t kNotConverted = static_cast<size_t>(-1);
 
 /// The end of the character at `at`: 10xxxxxx continues one.
 const char *characterEnd(const char *at, const char *end)
@@ -72,7 +72,7 @@ void Utf8Encoder::convert(const char **in, const char *end)
         size_t room = m_text.size() - m_used;
         errno = 0;
         const size_t result = iconv(m_converter->handle, &source, &left, &out, &room);
-        error = result == kFailed ? errno : 0;
+        error = result == kNotConverted ? errno : 0;
         *in = source;
         m_used = m_text.size() - room;
         if (error == E2BIG) {

@@ -23,7 +23,7 @@ using namespace std::string_view_literals;
 
 constexpr size_t kRawBytes = size_t(256) * 1024;
 constexpr size_t kProbeBytes = size_t(64) * 1024;
-constexpr size_t kFailed = static_cast<size_t>(-1);
+constexpr size_t kIconvFailed = static_cast<size_t>(-1);
 /// Room for the longest result of one character, and for what flushing may add.
 constexpr size_t kCharacterBytes = 64;
 
@@ -253,7 +253,7 @@ void Utf8Source::convert()
         const char *const begin = out;
         errno = 0;
         const size_t result = iconv(m_converter->handle, &in, &inLeft, &out, &room);
-        const int error = result == kFailed ? errno : 0;
+        const int error = result == kIconvFailed ? errno : 0;
         m_at = m_end - inLeft;
         countLines(begin, out);
         const bool isCut = error == EINVAL && !m_isEnded;

@@ -328,6 +328,11 @@ QString decoded(QByteArrayView raw)
     return out + utf8(raw.sliced(at));
 }
 
+QString attributeText(const Tag &tag, QByteArrayView name)
+{
+    return decoded(tag.attribute(name).value_or(QByteArrayView()));
+}
+
 QByteArray quotable(QStringView text)
 {
     QString out;

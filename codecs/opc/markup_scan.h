@@ -83,6 +83,8 @@ QByteArray qualified(QByteArrayView prefix, QByteArrayView local);
 /// An attribute's or text's raw value with the predefined entities and character references
 /// decoded.
 QString decoded(QByteArrayView raw);
+/// The decoded value of an attribute; empty without it.
+QString attributeText(const Tag &tag, QByteArrayView name);
 
 /// `text` escaped for use between double quotes: "&", "<" and the quote escaped; tab and line ends
 /// as character references; characters that XML cannot hold replaced by U+FFFD.

@@ -31,13 +31,13 @@ namespace corvanta::sas {
 namespace {
 
 constexpr size_t kRecordBytes = 80;
-constexpr size_t kBufferBytes = size_t(256) << 10;
+constexpr size_t kFlushBytes = size_t(256) << 10;
 constexpr qsizetype kShortName = 8;
 constexpr qsizetype kShortLabel = 40;
 constexpr qsizetype kDescriptorBytes = 140;
 /// 30 digits of a header that states nothing.
 constexpr const char *kNoNumbers = "000000000000000000000000000000";
-constexpr const char *kFixedDate = "01JAN60:00:00:00";
+constexpr const char *kFixedTimeText = "01JAN60:00:00:00";
 /// The version of SAS whose files have this form, and the system.
 constexpr const char *kProgram = "9.4     CORVANTA";
 
@@ -114,8 +114,8 @@ void TransportWriter::addLibrary()
 {
     addHeader(m_version == TransportVersion::V5 ? "LIBRARY" : "LIBV8", kNoNumbers);
     addText(QByteArray("SAS     SAS     SASLIB  ") + kProgram, 64);
-    addText(kFixedDate, 16);
-    addText(kFixedDate, kRecordBytes);
+    addText(kFixedTimeText, 16);
+    addText(kFixedTimeText, kRecordBytes);
 }
 
 void TransportWriter::addMember()
@@ -125,8 +125,8 @@ void TransportWriter::addMember()
     addHeader(isV5 ? "MEMBER" : "MEMBV8", "000000000000000001600000000140");
     addHeader(isV5 ? "DSCRPTR" : "DSCPTV8", kNoNumbers);
     addText("SAS     " + padded(m_tableName, limitsOf(m_version).name) + "SASDATA " + kProgram, 64);
-    addText(kFixedDate, 16);
-    addText(kFixedDate, kRecordBytes);
+    addText(kFixedTimeText, 16);
+    addText(kFixedTimeText, kRecordBytes);
 }
 
 void TransportWriter::addVariable(const Variable &variable, int number, qint64 position)
@@ -272,7 +272,7 @@ Result<void, Error> TransportWriter::addRows(std::string_view block)
     while (at < end) {
         at = addRow(at, row.data());
         m_buffer.insert(m_buffer.end(), row.data(), row.data() + m_rowBytes);
-        if (m_buffer.size() >= kBufferBytes) {
+        if (m_buffer.size() >= kFlushBytes) {
             if (auto flushed = flush(); !flushed) {
                 return flushed;
             }

@@ -12,7 +12,7 @@ namespace corvanta::xls {
 
 namespace {
 
-constexpr size_t kHeaderBytes = 4;
+constexpr size_t kRecordHeaderBytes = 4;
 constexpr size_t kBufferBytes = 128 * 1024; // more than a record can have
 
 } // namespace
@@ -76,27 +76,27 @@ bool RecordReader::ensure(size_t n)
 
 bool RecordReader::next(Record *record)
 {
-    if (!ensure(kHeaderBytes)) {
+    if (!ensure(kRecordHeaderBytes)) {
         if (m_stop == Stop::None) {
             m_stop = m_filled == m_at ? Stop::End : Stop::Truncated;
         }
         return false;
     }
     const size_t bytes = loadLE<quint16>(m_buffer.data() + m_at + 2);
-    if (!ensure(kHeaderBytes + bytes)) {
+    if (!ensure(kRecordHeaderBytes + bytes)) {
         m_stop = m_stop == Stop::None ? Stop::Truncated : m_stop;
         return false;
     }
     const uchar *const header = m_buffer.data() + m_at;
-    *record = {loadLE<quint16>(header), header + kHeaderBytes, static_cast<qint64>(bytes),
+    *record = {loadLE<quint16>(header), header + kRecordHeaderBytes, static_cast<qint64>(bytes),
                position()};
-    m_at += kHeaderBytes + bytes;
+    m_at += kRecordHeaderBytes + bytes;
     return true;
 }
 
 std::optional<quint16> RecordReader::nextId()
 {
-    if (!ensure(kHeaderBytes)) {
+    if (!ensure(kRecordHeaderBytes)) {
         return std::nullopt;
     }
     return loadLE<quint16>(m_buffer.data() + m_at);

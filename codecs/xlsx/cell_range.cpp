@@ -51,17 +51,11 @@ bool overlap(const CellRange &a, const CellRange &b)
            b.firstColumn <= a.lastColumn;
 }
 
-/// The value of an attribute; empty without it.
-QString textOf(const Tag &tag, QByteArrayView name)
-{
-    return opc::decoded(tag.attribute(name).value_or(QByteArrayView()));
-}
-
 /// The name that formulas use, which is the displayed one; some writers leave it out.
 QString nameOf(const Tag &table)
 {
-    const QString displayed = textOf(table, "displayName");
-    return displayed.isEmpty() ? textOf(table, "name") : displayed;
+    const QString displayed = opc::attributeText(table, "displayName");
+    return displayed.isEmpty() ? opc::attributeText(table, "name") : displayed;
 }
 
 } // namespace
@@ -105,11 +99,11 @@ Result<Table, Error> readTable(QByteArrayView text)
     if (!range) {
         return Fault<Error>{Error::Unexpected};
     }
-    Table table{nameOf(root), *range, textOf(root, "headerRowCount") != u"0", {}};
-    table.totalsRows = std::max(QString(textOf(root, "totalsRowCount")).toInt(), 0);
+    Table table{nameOf(root), *range, opc::attributeText(root, "headerRowCount") != u"0", {}};
+    table.totalsRows = std::max(QString(opc::attributeText(root, "totalsRowCount")).toInt(), 0);
     if (const auto list = outline->child(0, "tableColumns")) {
         for (const int index : outline->children(*list, "tableColumn")) {
-            table.columns << textOf(outline->element(index).tag, "name");
+            table.columns << opc::attributeText(outline->element(index).tag, "name");
         }
     }
     return table;
@@ -131,7 +125,7 @@ bool losesHeader(const Table &table, const WrittenCells &written)
            written.header.mid(table.range.firstColumn, table.columns.size()) != table.columns;
 }
 
-/// Rows that are written directly below a table extend it.
+/// How many of the written rows are below the table and touch it: they do not become a part of it.
 qint64 rowsBelow(const Table &table, const WrittenCells &written)
 {
     CellRange touched = table.range;

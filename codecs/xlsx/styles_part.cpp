@@ -163,8 +163,7 @@ void StylesEditor::readNumberFormats()
     for (const int index : entriesOf(m_outline.child(0, "numFmts"), "numFmt")) {
         const Tag &tag = m_outline.element(index).tag;
         const auto id = opc::partNumber(tag.attribute("numFmtId").value_or(QByteArrayView()));
-        m_formats.push_back(
-            {id.value_or(0), opc::decoded(tag.attribute("formatCode").value_or(QByteArrayView()))});
+        m_formats.push_back({id.value_or(0), opc::attributeText(tag, "formatCode")});
     }
     m_knownFormats = m_formats.size();
 }

@@ -79,16 +79,11 @@ QByteArray relationshipIdOf(const Parts &parts, const Tag &sheet)
     return id.value_or(QByteArrayView()).toByteArray();
 }
 
-/// The name of a sheet or a defined name.
-QString nameOf(const Tag &tag)
-{
-    return decoded(tag.attribute("name").value_or(QByteArrayView()));
-}
-
 SheetEntry sheetOf(const Parts &parts, const Tag &tag)
 {
     const auto id = opc::partNumber(tag.attribute("sheetId").value_or(QByteArrayView()));
-    return {nameOf(tag), static_cast<quint32>(id.value_or(0)), relationshipIdOf(parts, tag)};
+    return {opc::attributeText(tag, "name"), static_cast<quint32>(id.value_or(0)),
+            relationshipIdOf(parts, tag)};
 }
 
 void addSheets(const Parts &parts, const std::vector<SheetEntry> &added, Splices *splices)
@@ -136,7 +131,7 @@ bool defines(const Tag &tag, const DefinedName &name)
     const auto scope = tag.attribute("localSheetId");
     const bool isScope =
         name.sheetIndex < 0 ? !scope : scope && *scope == QByteArray::number(name.sheetIndex);
-    return isScope && nameOf(tag).compare(name.name, Qt::CaseInsensitive) == 0;
+    return isScope && opc::attributeText(tag, "name").compare(name.name, Qt::CaseInsensitive) == 0;
 }
 
 /// The entry of the list that defines a name, if there is one.
@@ -220,7 +215,7 @@ QStringList definedNamesOf(const Outline &outline)
     for (const int index : list ? outline.children(*list, "definedName") : std::vector<int>()) {
         const Tag &tag = outline.element(index).tag;
         if (!tag.attribute("localSheetId")) {
-            names << nameOf(tag);
+            names << opc::attributeText(tag, "name");
         }
     }
     return names;

@@ -14,13 +14,13 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-struct Part
+struct Written
 {
     QByteArray name;
     QByteArray bytes;
 };
 
-std::vector<Part> someParts()
+std::vector<Written> someParts()
 {
     QByteArray sheet;
     for (int row = 1; sheet.size() < 3'000'000; ++row) {
@@ -34,12 +34,12 @@ std::vector<Part> someParts()
 }
 
 // Writes the parts up to the first failed call.
-Result<void, Error> writeParts(const std::vector<Part> &parts, ByteSink &sink,
+Result<void, Error> writeParts(const std::vector<Written> &parts, ByteSink &sink,
                                const deflate::StreamOptions &options)
 {
     PackageWriter writer(sink, options);
     Result<void, Error> done;
-    for (const Part &part : parts) {
+    for (const Written &part : parts) {
         done = done ? writer.openMember(part.name) : done;
         done = done ? writer.write(part.bytes) : done;
         done = done ? writer.closeMember() : done;
@@ -47,7 +47,8 @@ Result<void, Error> writeParts(const std::vector<Part> &parts, ByteSink &sink,
     return done ? writer.close() : done;
 }
 
-QByteArray packageOf(const std::vector<Part> &parts, const deflate::StreamOptions &options = {})
+QByteArray writtenPackage(const std::vector<Written> &parts,
+                          const deflate::StreamOptions &options = {})
 {
     MemorySink sink;
     EXPECT_TRUE(writeParts(parts, sink, options));
@@ -56,7 +57,7 @@ QByteArray packageOf(const std::vector<Part> &parts, const deflate::StreamOption
 
 TEST(PackageWriter, HeadersHaveNoOptionalFields)
 {
-    const QByteArray package = packageOf({{"a/b.xml", "hello"}});
+    const QByteArray package = writtenPackage({{"a/b.xml", "hello"}});
     const QByteArray local = QByteArray::fromHex("504b0304 1400 0000 0800 0000 0000 86a61036 "
                                                  "07000000 05000000 0700 0000") +
                              "a/b.xml";
@@ -74,9 +75,9 @@ TEST(PackageWriter, HeadersHaveNoOptionalFields)
 
 TEST(PackageWriter, OnlyNonAsciiNamesAreMarkedAsUtf8)
 {
-    const QByteArray package = packageOf({{"\xc3\xa9.xml", ""}});
+    const QByteArray package = writtenPackage({{"\xc3\xa9.xml", ""}});
     EXPECT_EQ(package.mid(6, 2).toHex(), "0008");
-    EXPECT_EQ(packageOf({{"e.xml", ""}}).mid(6, 2).toHex(), "0000");
+    EXPECT_EQ(writtenPackage({{"e.xml", ""}}).mid(6, 2).toHex(), "0000");
 }
 
 TEST(PackageWriter, OtherProgramsReadThePackage)
@@ -85,8 +86,8 @@ TEST(PackageWriter, OtherProgramsReadThePackage)
     const QString path = folder.filePath(u"test.zip"_s);
     QFile file(path);
     ASSERT_TRUE(file.open(QFile::WriteOnly));
-    const std::vector<Part> parts = someParts();
-    file.write(packageOf(parts));
+    const std::vector<Written> parts = someParts();
+    file.write(writtenPackage(parts));
     file.close();
     const std::pair<QString, QStringList> programs[] = {
         {u"unzip"_s, {u"-tqq"_s, path}},
@@ -109,16 +110,16 @@ TEST(PackageWriter, OtherProgramsReadThePackage)
 
 TEST(PackageWriter, WorkersDoNotChangeTheBytes)
 {
-    const std::vector<Part> parts = someParts();
-    const QByteArray expected = packageOf(parts, {{}, 0});
+    const std::vector<Written> parts = someParts();
+    const QByteArray expected = writtenPackage(parts, {{}, 0});
     for (const int workers : {1, 3, -1}) {
-        EXPECT_EQ(packageOf(parts, {{}, workers}), expected) << workers;
+        EXPECT_EQ(writtenPackage(parts, {{}, workers}), expected) << workers;
     }
 }
 
 TEST(PackageWriter, EveryFailedWriteIsReported)
 {
-    const std::vector<Part> parts = someParts();
+    const std::vector<Written> parts = someParts();
     test::FailingSink counter([](int) { return false; });
     EXPECT_TRUE(writeParts(parts, counter, {}));
     ASSERT_GT(counter.calls(), 12);

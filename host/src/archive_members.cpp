@@ -1,9 +1,9 @@
 // The files in an archive, for a program that must choose one.
 #include "codecs/rar/rar_entry.h"
 #include "codecs/zip/zip_directory.h"
-#include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
 #include "corvanta/input_source.h"
+#include "host/src/read_reason.h"
 
 #include <cerrno>
 
@@ -12,13 +12,6 @@ using namespace Qt::StringLiterals;
 namespace corvanta::input {
 
 namespace {
-
-/// What the system says about a read that failed, or what is wrong with the archive.
-QString reasonOf(const QString &path, const MyReadFile &file, const QString &damage)
-{
-    const QString reason = failureReason(path, FileUse::Read, file.error());
-    return reason.isEmpty() ? damage : reason;
-}
 
 Result<QStringList, OpenError> zipMembers(const QString &path, MyReadFile &file)
 {

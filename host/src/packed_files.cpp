@@ -1,20 +1,13 @@
 // Packed files (.gz, .Z) as input streams: a codec's reader on top of a plain file.
 #include "codecs/gzip/gzip_reader.h"
 #include "codecs/lzw/lzw_reader.h"
-#include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
 #include "corvanta/input_source.h"
+#include "host/src/read_reason.h"
 
 namespace corvanta::input {
 
 namespace {
-
-/// Why the codec's reader fails: what the system says, or what is wrong with the data.
-QString reasonOf(const QString &name, const MyReadFile &file, const QString &damage)
-{
-    const QString reason = failureReason(name, FileUse::Read, file.error());
-    return reason.isEmpty() ? damage : reason;
-}
 
 /// A file that a codec's reader unpacks. Seeking unpacks again from the start of the file.
 template <class Reader> class PackedFile final : public InputSource

@@ -11,7 +11,7 @@ namespace corvanta::rows {
 
 namespace {
 
-constexpr int kHeaderBytes = 5;
+constexpr int kTextHeaderBytes = 5;
 
 /// Seven bits per byte, the lowest first; the high bit says that another byte follows.
 char *putHeader(quint32 value, char *out)
@@ -93,8 +93,9 @@ qsizetype packedBytesAtMost(const ColumnTypes &types, const uchar *const *cells)
 {
     qsizetype bytes = 0;
     for (size_t i = 0; i < types.size(); ++i) {
-        bytes += types[i] == cell::Type::Text ? kHeaderBytes + cell::readText(cells[i]).size() * 2
-                                              : cell::kDoubleBytes;
+        bytes += types[i] == cell::Type::Text
+                     ? kTextHeaderBytes + cell::readText(cells[i]).size() * 2
+                     : cell::kDoubleBytes;
     }
     return bytes;
 }

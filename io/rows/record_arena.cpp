@@ -10,7 +10,7 @@ namespace corvanta::rows {
 
 namespace {
 
-constexpr qsizetype kHeaderBytes = Record::kHeaderBytes;
+constexpr qsizetype kRecordBytes = Record::kHeaderBytes;
 constexpr qsizetype kFirstCapacity = qsizetype(64) << 10;
 // The sizes in the header are of 32 bits.
 constexpr qsizetype kMaxRecordBytes = qsizetype(2) << 30;
@@ -21,7 +21,7 @@ Record recordAt(const char *bytes)
 {
     const auto keyBytes = loadNative<quint32>(bytes);
     const auto rowBytes = loadNative<quint32>(bytes + sizeof keyBytes);
-    const char *const key = bytes + kHeaderBytes;
+    const char *const key = bytes + kRecordBytes;
     return {{key, keyBytes}, {key + keyBytes, rowBytes}};
 }
 
@@ -30,11 +30,11 @@ char *RecordArena::room(qsizetype bytes)
     if (bytes > kMaxRecordBytes) {
         throw std::bad_alloc();
     }
-    const qsizetype needed = m_size + kHeaderBytes + bytes;
+    const qsizetype needed = m_size + kRecordBytes + bytes;
     if (needed > m_capacity) {
         grow(needed);
     }
-    return m_bytes.get() + m_size + kHeaderBytes;
+    return m_bytes.get() + m_size + kRecordBytes;
 }
 
 /// Doubles the memory. For large blocks the system moves pages and copies nothing.
@@ -56,7 +56,7 @@ qsizetype RecordArena::commit(qsizetype keyBytes, qsizetype rowBytes)
     const qsizetype offset = m_size;
     storeNative(static_cast<quint32>(keyBytes), m_bytes.get() + offset);
     storeNative(static_cast<quint32>(rowBytes), m_bytes.get() + offset + sizeof(quint32));
-    m_size += kHeaderBytes + keyBytes + rowBytes;
+    m_size += kRecordBytes + keyBytes + rowBytes;
     return offset;
 }
 

@@ -11,7 +11,7 @@ namespace corvanta {
 
 namespace {
 
-struct Texts
+struct FillTexts
 {
     Q_DECLARE_TR_FUNCTIONS(corvanta::FileFill)
 };
@@ -42,13 +42,14 @@ QString noFileReason(const ActionParameters &parameters)
 {
     const QStringList names = parameters.inputs();
     if (names.isEmpty() || names.first().isEmpty()) {
-        return Texts::tr("There is no file to read: it has no name, or the input gives it.");
+        return FillTexts::tr("There is no file to read: it has no name, or the input gives it.");
     }
     QStringList files;
     listFiles(names.first(), &files);
     // Its bytes would be missing in the run.
     return input::isPipe(files.value(0))
-               ? Texts::tr("\u201c%1\u201d is a pipe, which can be read only once.").arg(files[0])
+               ? FillTexts::tr("\u201c%1\u201d is a pipe, which can be read only once.")
+                     .arg(files[0])
                : QString();
 }
 

@@ -14,7 +14,7 @@ namespace corvanta {
 
 namespace {
 
-struct Texts
+struct PreviewTexts
 {
     Q_DECLARE_TR_FUNCTIONS(corvanta::Preview)
 };
@@ -70,7 +70,7 @@ PreviewRows previewRows(const PreviewRequest &request, EngineRunner::PinType pin
                                    {.mayWrite = false, .stop = stop, .log = &log});
     PreviewRows preview{runner.columns(), runner.rows(), log.worst()};
     if (!isGood && preview.problem.text.isEmpty()) {
-        preview.problem = {NoteLabel::Kind::Error, Texts::tr("The action cannot be run.")};
+        preview.problem = {NoteLabel::Kind::Error, PreviewTexts::tr("The action cannot be run.")};
     }
     return preview;
 }

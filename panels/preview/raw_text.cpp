@@ -24,7 +24,7 @@ constexpr qsizetype kTextBytes = 16384;
 constexpr qsizetype kShownBytes = 2048; // of a binary file
 constexpr qsizetype kBytesPerLine = 8;
 
-struct Texts
+struct RawTexts
 {
     Q_DECLARE_TR_FUNCTIONS(corvanta::Preview)
 };
@@ -41,7 +41,7 @@ QByteArray readBeginning(InputFile &file)
     return bytes.first(size);
 }
 
-/// Texts have no control characters other than these.
+/// RawTexts have no control characters other than these.
 bool isBinary(const QByteArray &bytes)
 {
     return std::any_of(bytes.begin(), bytes.end(), [](char byte) {
@@ -113,7 +113,7 @@ RawText beginningOf(const QString &pattern, const QString &encoding)
     RawText raw;
     raw.isPipe = input::isPipe(name);
     if (raw.isPipe) {
-        raw.problem = Texts::tr("A pipe can be read only once.");
+        raw.problem = RawTexts::tr("A pipe can be read only once.");
         return raw;
     }
     InputFile file(nullptr, name, true, InputFile::Report::Nothing);

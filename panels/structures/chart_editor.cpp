@@ -17,8 +17,8 @@ namespace corvanta {
 
 namespace {
 
-constexpr auto kName = "name"_L1;
-constexpr auto kType = "type"_L1;
+constexpr auto kChartName = "name"_L1;
+constexpr auto kChartType = "type"_L1;
 constexpr auto kAxes = "axis"_L1;
 constexpr auto kTemplate = "template"_L1;
 constexpr int kNamesInNote = 3; // more are counted only
@@ -67,27 +67,28 @@ FieldEditor *ChartEditor::makeMember(const FieldContext &context)
     if (context.info.name == kAxes) {
         return new ChartAxesField(context, [this] { return currentType(); });
     }
-    return context.info.name == kName ? new SuggestionField(context, [this] { return markNames(); })
-                                      : makeEditor(context);
+    return context.info.name == kChartName
+               ? new SuggestionField(context, [this] { return markNames(); })
+               : makeEditor(context);
 }
 
 int ChartEditor::currentType() const
 {
     const Element *const chart = currentElement();
-    return chart == nullptr ? 0 : memberValue(*chart, context().info, kType).toInt();
+    return chart == nullptr ? 0 : memberValue(*chart, context().info, kChartType).toInt();
 }
 
 QString ChartEditor::summary(const Element &chart, const ParameterInfo &list, int) const
 {
-    const QString name = memberValue(chart, list, kName);
-    const ParameterInfo &type = *memberOf(list, kType);
+    const QString name = memberValue(chart, list, kChartName);
+    const ParameterInfo &type = *memberOf(list, kChartType);
     const QString kind = type.choices.value(memberValue(chart, type).toInt());
     return u"%1 \u2013 %2"_s.arg(name.isEmpty() ? tr("(no tag)") : name, kind);
 }
 
 QString ChartEditor::remark(const Element &chart, const ParameterInfo &list) const
 {
-    const QString name = memberValue(chart, list, kName);
+    const QString name = memberValue(chart, list, kChartName);
     // Nothing is known to be wrong before the template is read.
     return !m_marks || markNames().contains(name) ? QString()
                                                   : tr("The template has no tag '%1'").arg(name);
@@ -104,7 +105,7 @@ QStringList ChartEditor::missingNames() const
     QStringList names = markNames();
     for (const Element &chart : elements()) {
         // One chart serves every series with its tag.
-        names.removeAll(memberValue(chart, context().info, kName));
+        names.removeAll(memberValue(chart, context().info, kChartName));
     }
     return names;
 }
@@ -130,7 +131,7 @@ void ChartEditor::addMissing()
     // In the order of the template; charts without a tag follow, so that no data is lost.
     for (const ChartMark &mark : *m_marks) {
         const auto found = std::find_if(left.begin(), left.end(), [&](const Element &chart) {
-            return memberValue(chart, list, kName) == mark.name;
+            return memberValue(chart, list, kChartName) == mark.name;
         });
         if (found != left.end()) {
             charts.push_back(std::move(*found));
@@ -138,8 +139,8 @@ void ChartEditor::addMissing()
             continue;
         }
         Element chart = newElement(list);
-        setMember(&chart, *memberOf(list, kType), QString::number(mark.type));
-        setMember(&chart, *memberOf(list, kName), mark.name);
+        setMember(&chart, *memberOf(list, kChartType), QString::number(mark.type));
+        setMember(&chart, *memberOf(list, kChartName), mark.name);
         charts.push_back(std::move(chart));
     }
     std::move(left.begin(), left.end(), std::back_inserter(charts));

@@ -11,7 +11,7 @@ namespace corvanta {
 namespace {
 
 constexpr auto kMarker = "markerName"_L1;
-constexpr auto kTemplate = "template"_L1;
+constexpr auto kDocument = "template"_L1;
 constexpr auto kJoinRuns = "joinRuns"_L1;
 
 } // namespace
@@ -36,7 +36,7 @@ DocTablesEditor::DocTablesEditor(const FieldContext &context, FindMarkers findMa
 
 void DocTablesEditor::actionChanged()
 {
-    const QString name = parameter(kTemplate);
+    const QString name = parameter(kDocument);
     const QString joins = parameter(kJoinRuns); // which markers a run finds depends on both
     if (name == m_template && joins == m_joins) {
         return;

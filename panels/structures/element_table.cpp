@@ -20,8 +20,8 @@ namespace {
 
 using Type = ParameterInfo::Type;
 
-constexpr int kVisibleRows = 6; // longer tables scroll
-constexpr int kRowMargin = 8;   // pixels around the text of a row
+constexpr int kVisibleElements = 6; // longer tables scroll
+constexpr int kRowMargin = 8;       // pixels around the text of a row
 
 /// The label in two lines, so that a narrow column has room for it.
 QString titleOf(const ParameterInfo &member)
@@ -59,7 +59,7 @@ void ElementTable::setUpTable()
     const int height = fontMetrics().lineSpacing() + kRowMargin;
     m_table->verticalHeader()->setDefaultSectionSize(height);
     m_table->verticalHeader()->setVisible(false);
-    m_table->setFixedHeight(height * (kVisibleRows + 1) + 2 * m_table->frameWidth());
+    m_table->setFixedHeight(height * (kVisibleElements + 1) + 2 * m_table->frameWidth());
     m_table->setItemDelegate(m_delegate);
     m_table->setTabKeyNavigation(false); // Tab leaves the table, as in the other fields
     m_table->setSelectionMode(QAbstractItemView::SingleSelection);

@@ -8,7 +8,7 @@ namespace corvanta {
 
 namespace {
 
-constexpr auto kColumn = "n"_L1;
+constexpr auto kWidthColumn = "n"_L1;
 constexpr auto kWidth = "l"_L1;
 constexpr auto kLongest = "ol"_L1;
 constexpr auto kMeasure = "autoWidth"_L1;
@@ -20,7 +20,7 @@ TextWidthsEditor::TextWidthsEditor(const FieldContext &context)
 {
     hideMember(kLongest);
     setSuggestions([this](const ParameterInfo &member) {
-        return member.name == kColumn ? textColumns() : QStringList();
+        return member.name == kWidthColumn ? textColumns() : QStringList();
     });
     setRemark([this](const Element &element, const ParameterInfo &member) {
         return remarkOf(element, member);
@@ -45,11 +45,11 @@ std::vector<Element> TextWidthsEditor::withInputColumns(std::vector<Element> ele
     const ParameterInfo &list = context().info;
     QStringList missing = textColumns();
     for (const Element &element : elements) {
-        missing.removeAll(memberValue(element, list, kColumn));
+        missing.removeAll(memberValue(element, list, kWidthColumn));
     }
     for (const QString &name : std::as_const(missing)) {
         Element element;
-        setMember(&element, *memberOf(list, kColumn), name);
+        setMember(&element, *memberOf(list, kWidthColumn), name);
         setMember(&element, *memberOf(list, kWidth), {});
         elements.push_back(std::move(element));
     }
@@ -103,9 +103,9 @@ QString TextWidthsEditor::remarkOf(const Element &element, const ParameterInfo &
     const bool isTextForSure = !inputColumns().types.isEmpty(); // types may not be known
     if (member.name == kWidth && value.isEmpty() && isTextForSure && !isMeasured()) {
         return tr("the text column '%1' needs a width, because widths are not measured")
-            .arg(memberValue(element, context().info, kColumn));
+            .arg(memberValue(element, context().info, kWidthColumn));
     }
-    const bool isUnknown = member.name == kColumn && !inputColumns().names.isEmpty() &&
+    const bool isUnknown = member.name == kWidthColumn && !inputColumns().names.isEmpty() &&
                            !inputColumns().names.contains(value);
     return isUnknown ? tr("the input has no column '%1'").arg(value) : QString();
 }

@@ -20,17 +20,17 @@ namespace corvanta {
 
 namespace {
 
-constexpr int kVisibleLines = 6;  // longer texts scroll
-constexpr qsizetype kMaxRows = 5; // of the input
+constexpr int kVisibleTextLines = 6; // longer texts scroll
+constexpr qsizetype kMaxRows = 5;    // of the input
 constexpr int kSampleRows = 2;
 constexpr auto kLevel = "Level"_L1;
-constexpr auto kName = "name"_L1;
+constexpr auto kLevelName = "name"_L1;
 constexpr auto kPartition = "partitionCol"_L1;
 constexpr auto kCommas = "commaSeparated"_L1;
-constexpr auto kType = "type"_L1;
+constexpr auto kItemType = "type"_L1;
 constexpr auto kText = "text"_L1;
 constexpr auto kCalled = "calledLevel"_L1;
-constexpr auto kColumns = "columns"_L1;
+constexpr auto kLevelColumns = "columns"_L1;
 
 bool isLevel(const ParameterInfo &list)
 {
@@ -46,7 +46,7 @@ bool uses(const Element &item, const ParameterInfo &list, const QString &member)
 /// What an item writes, besides its type.
 QString detailOf(const Element &item, const ParameterInfo &list)
 {
-    for (const auto member : {kText, kCalled, kColumns}) {
+    for (const auto member : {kText, kCalled, kLevelColumns}) {
         if (uses(item, list, member)) {
             return memberValue(item, list, member).replace(u'\n', u", "_s);
         }
@@ -112,7 +112,8 @@ void WriteLevelsEditor::addPreview()
     m_text->setFont(fixed);
     const int margins =
         2 * (m_text->frameWidth() + static_cast<int>(m_text->document()->documentMargin()));
-    m_text->setFixedHeight(QFontMetrics(m_text->font()).lineSpacing() * kVisibleLines + margins);
+    m_text->setFixedHeight(QFontMetrics(m_text->font()).lineSpacing() * kVisibleTextLines +
+                           margins);
     nameControl(m_text, tr("Beginning of the file"));
     column()->addWidget(title);
     column()->addWidget(m_text);
@@ -134,13 +135,13 @@ FieldEditor *WriteLevelsEditor::makeMember(const FieldContext &context)
     if (name == kPartition) {
         return new ColumnField(context);
     }
-    return name == kColumns ? new ColumnPicker(context) : makeEditor(context);
+    return name == kLevelColumns ? new ColumnPicker(context) : makeEditor(context);
 }
 
 QStringList WriteLevelsEditor::levelNames() const
 {
     return mapped<QStringList>(elements(), [&](const Element &level) {
-        return memberValue(level, context().info, kName);
+        return memberValue(level, context().info, kLevelName);
     });
 }
 
@@ -148,11 +149,11 @@ QString WriteLevelsEditor::summary(const Element &element, const ParameterInfo &
                                    int index) const
 {
     if (isLevel(list)) {
-        const QString name = memberValue(element, list, kName);
+        const QString name = memberValue(element, list, kLevelName);
         const QString number = QString::number(index + 1);
         return name.isEmpty() ? tr("Level %1").arg(number) : tr("Level %1: %2").arg(number, name);
     }
-    const ParameterInfo &type = *memberOf(list, kType);
+    const ParameterInfo &type = *memberOf(list, kItemType);
     const QString number = memberValue(element, type);
     const QString what = type.choices.value(number.toInt());
     const QString text = what.isEmpty() ? tr("Type %1").arg(number) : what;
@@ -170,7 +171,7 @@ QString WriteLevelsEditor::remark(const Element &element, const ParameterInfo &l
         return tr("There is no level '%1'").arg(called);
     }
     const bool lacksColumns =
-        uses(element, list, kColumns) && memberValue(element, list, kColumns).isEmpty();
+        uses(element, list, kLevelColumns) && memberValue(element, list, kLevelColumns).isEmpty();
     return lacksColumns ? tr("No column is chosen") : QString();
 }
 
@@ -186,13 +187,13 @@ Element WriteLevelsEditor::makeLevel(const ParameterInfo &list) const
     setMember(&level, *memberOf(list, kCommas), pattern.commaSeparated ? u"1"_s : u"0"_s);
     const auto number = elements().size() + 1;
     if (number > 1) {
-        setMember(&level, *memberOf(list, kName), u"level%1"_s.arg(number));
+        setMember(&level, *memberOf(list, kLevelName), u"level%1"_s.arg(number));
         return level;
     }
     const ParameterInfo &items = *listIn(list);
     for (const compose::WriteItem &item : pattern.items) {
         Element element = newElement(items);
-        setMember(&element, *memberOf(items, kType), QString::number(item.type));
+        setMember(&element, *memberOf(items, kItemType), QString::number(item.type));
         setMember(&element, *memberOf(items, kText), item.text);
         level.children.push_back(std::move(element));
     }

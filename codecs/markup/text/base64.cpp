@@ -17,7 +17,7 @@ constexpr std::string_view kAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr qint8 kIllegal = -1;
 constexpr qint8 kSkipped = -2; // spaces and line breaks
-constexpr qint8 kPadding = -3;
+constexpr qint8 kPaddingSign = -3;
 
 constexpr std::array<qint8, 128> decodeTable()
 {
@@ -29,7 +29,7 @@ constexpr std::array<qint8, 128> decodeTable()
     for (const char blank : {' ', '\t', '\r', '\n'}) {
         table[static_cast<size_t>(blank)] = kSkipped;
     }
-    table['='] = kPadding;
+    table['='] = kPaddingSign;
     return table;
 }
 
@@ -67,8 +67,8 @@ Result<DecodedBase64, MarkupError> decodeBase64(std::u16string_view text, std::s
     for (const char16_t c : text) {
         const qint8 value = valueOf(c);
         characters += value == kSkipped ? 0 : 1;
-        padding += value == kPadding ? 1 : 0;
-        if (value == kSkipped || value == kPadding) {
+        padding += value == kPaddingSign ? 1 : 0;
+        if (value == kSkipped || value == kPaddingSign) {
             continue;
         }
         if (value == kIllegal || padding > 0) { // data must not follow the padding

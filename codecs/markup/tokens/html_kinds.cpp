@@ -13,17 +13,17 @@ namespace {
 using namespace html;
 using Kind = HtmlKind;
 
-struct Entry
+struct ElementEntry
 {
     std::string_view name; ///< in lower case; empty: a free place
     HtmlElement element = {};
 };
 
-constexpr quint8 kBlock = kSpecial | kEndsParagraph;
+constexpr quint8 kBlockElement = kSpecial | kEndsParagraph;
 constexpr quint8 kVoidBlock = kSpecial | kVoid;
 constexpr quint8 kHeadVoid = kVoidBlock | kInHead;
 
-constexpr Entry kElements[] = {
+constexpr ElementEntry kElements[] = {
     {"html", {Kind::Html, kSpecial | kScope}},
     {"head", {Kind::Head, kSpecial}},
     {"body", {Kind::Body, kSpecial}},
@@ -38,52 +38,52 @@ constexpr Entry kElements[] = {
     {"caption", {Kind::Caption, kSpecial | kScope}},
     {"colgroup", {Kind::ColGroup, kSpecial}},
     {"col", {Kind::Col, kVoidBlock}},
-    {"p", {Kind::Paragraph, kBlock}},
-    {"li", {Kind::ListItem, kBlock}},
-    {"dd", {Kind::Definition, kBlock}},
-    {"dt", {Kind::Definition, kBlock}},
-    {"h1", {Kind::Heading, kBlock}},
-    {"h2", {Kind::Heading, kBlock}},
-    {"h3", {Kind::Heading, kBlock}},
-    {"h4", {Kind::Heading, kBlock}},
-    {"h5", {Kind::Heading, kBlock}},
-    {"h6", {Kind::Heading, kBlock}},
+    {"p", {Kind::Paragraph, kBlockElement}},
+    {"li", {Kind::ListItem, kBlockElement}},
+    {"dd", {Kind::Definition, kBlockElement}},
+    {"dt", {Kind::Definition, kBlockElement}},
+    {"h1", {Kind::Heading, kBlockElement}},
+    {"h2", {Kind::Heading, kBlockElement}},
+    {"h3", {Kind::Heading, kBlockElement}},
+    {"h4", {Kind::Heading, kBlockElement}},
+    {"h5", {Kind::Heading, kBlockElement}},
+    {"h6", {Kind::Heading, kBlockElement}},
     {"option", {Kind::Option, 0}},
     {"optgroup", {Kind::OptGroup, 0}},
     {"button", {Kind::Button, kSpecial}},
     {"a", {Kind::Anchor, 0}},
-    {"form", {Kind::Form, kBlock}},
-    {"div", {Kind::Division, kBlock}},
-    {"address", {Kind::Division, kBlock}},
+    {"form", {Kind::Form, kBlockElement}},
+    {"div", {Kind::Division, kBlockElement}},
+    {"address", {Kind::Division, kBlockElement}},
     {"svg", {Kind::Foreign, 0}},
     {"math", {Kind::Foreign, 0}},
     // Elements without rules of their own.
-    {"article", {Kind::Other, kBlock}},
-    {"aside", {Kind::Other, kBlock}},
-    {"blockquote", {Kind::Other, kBlock}},
-    {"center", {Kind::Other, kBlock}},
-    {"details", {Kind::Other, kBlock}},
+    {"article", {Kind::Other, kBlockElement}},
+    {"aside", {Kind::Other, kBlockElement}},
+    {"blockquote", {Kind::Other, kBlockElement}},
+    {"center", {Kind::Other, kBlockElement}},
+    {"details", {Kind::Other, kBlockElement}},
     {"dialog", {Kind::Other, kEndsParagraph}},
-    {"dir", {Kind::Other, kBlock}},
-    {"dl", {Kind::Other, kBlock}},
-    {"fieldset", {Kind::Other, kBlock}},
-    {"figcaption", {Kind::Other, kBlock}},
-    {"figure", {Kind::Other, kBlock}},
-    {"footer", {Kind::Other, kBlock}},
-    {"header", {Kind::Other, kBlock}},
-    {"hgroup", {Kind::Other, kBlock}},
-    {"hr", {Kind::Other, kBlock | kVoid}},
-    {"listing", {Kind::Other, kBlock}},
-    {"main", {Kind::Other, kBlock}},
-    {"menu", {Kind::Other, kBlock}},
-    {"nav", {Kind::Other, kBlock}},
-    {"ol", {Kind::List, kBlock}},
-    {"pre", {Kind::Other, kBlock}},
-    {"search", {Kind::Other, kBlock}},
-    {"section", {Kind::Other, kBlock}},
+    {"dir", {Kind::Other, kBlockElement}},
+    {"dl", {Kind::Other, kBlockElement}},
+    {"fieldset", {Kind::Other, kBlockElement}},
+    {"figcaption", {Kind::Other, kBlockElement}},
+    {"figure", {Kind::Other, kBlockElement}},
+    {"footer", {Kind::Other, kBlockElement}},
+    {"header", {Kind::Other, kBlockElement}},
+    {"hgroup", {Kind::Other, kBlockElement}},
+    {"hr", {Kind::Other, kBlockElement | kVoid}},
+    {"listing", {Kind::Other, kBlockElement}},
+    {"main", {Kind::Other, kBlockElement}},
+    {"menu", {Kind::Other, kBlockElement}},
+    {"nav", {Kind::Other, kBlockElement}},
+    {"ol", {Kind::List, kBlockElement}},
+    {"pre", {Kind::Other, kBlockElement}},
+    {"search", {Kind::Other, kBlockElement}},
+    {"section", {Kind::Other, kBlockElement}},
     {"select", {Kind::Other, kSpecial}},
-    {"summary", {Kind::Other, kBlock}},
-    {"ul", {Kind::List, kBlock}},
+    {"summary", {Kind::Other, kBlockElement}},
+    {"ul", {Kind::List, kBlockElement}},
     {"applet", {Kind::Other, kSpecial | kScope}},
     {"marquee", {Kind::Other, kSpecial | kScope}},
     {"object", {Kind::Other, kSpecial | kScope}},
@@ -114,10 +114,10 @@ constexpr Entry kElements[] = {
     {"noframes", {Kind::Other, kSpecial | kHidden | kInHead}},
     {"script", {Kind::Other, kSpecial | kHidden | kInHead}},
     {"style", {Kind::Other, kSpecial | kHidden | kInHead}},
-    {"plaintext", {Kind::Other, kBlock | kText}},
+    {"plaintext", {Kind::Other, kBlockElement | kText}},
     {"textarea", {Kind::Other, kSpecial | kText}},
     {"title", {Kind::Other, kSpecial | kText | kInHead}},
-    {"xmp", {Kind::Other, kBlock | kText}},
+    {"xmp", {Kind::Other, kBlockElement | kText}},
 };
 
 constexpr size_t kPlaces = 256;
@@ -130,10 +130,10 @@ constexpr size_t placeOf(std::string_view name)
     return (letter(name.front()) * 7 + letter(name.back()) * 31 + name.size() * 53) % kPlaces;
 }
 
-constexpr std::array<Entry, kPlaces> makeTable()
+constexpr std::array<ElementEntry, kPlaces> makeTable()
 {
-    std::array<Entry, kPlaces> table{};
-    for (const Entry &entry : kElements) {
+    std::array<ElementEntry, kPlaces> table{};
+    for (const ElementEntry &entry : kElements) {
         size_t place = placeOf(entry.name);
         while (!table.at(place).name.empty()) {
             place = (place + 1) % kPlaces;
@@ -143,7 +143,7 @@ constexpr std::array<Entry, kPlaces> makeTable()
     return table;
 }
 
-constexpr std::array<Entry, kPlaces> kTable = makeTable();
+constexpr std::array<ElementEntry, kPlaces> kTable = makeTable();
 
 } // namespace
 

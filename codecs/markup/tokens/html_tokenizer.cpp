@@ -35,7 +35,7 @@ bool isLetter(char c)
 }
 
 /// True for what ends the name of a tag.
-bool endsName(char c)
+bool endsTagName(char c)
 {
     return c == '>' || c == '/' || isSpace(c);
 }
@@ -227,7 +227,7 @@ bool HtmlTokenizer::isTagAt(const char *at, std::string_view opener, std::string
     const size_t size = opener.size() + name.size();
     return end() - at > static_cast<ptrdiff_t>(size) &&
            std::string_view(at, opener.size()) == opener &&
-           equalsIgnoringCase({at + opener.size(), name.size()}, name) && endsName(at[size]);
+           equalsIgnoringCase({at + opener.size(), name.size()}, name) && endsTagName(at[size]);
 }
 
 /// The end tag of the element whose content begins at `at`. In a comment of a script, an inner
@@ -500,7 +500,7 @@ Token HtmlTokenizer::beginRow()
 bool HtmlTokenizer::readName(const char **at, TextSpan *name)
 {
     const quint32 offset = fromToken(*at);
-    *at = findStop(skipNameChars(*at), endsName);
+    *at = findStop(skipNameChars(*at), endsTagName);
     moveTo(*at);
     *name = span(offset, *at, TextForm::Plain);
     return *at != end();
@@ -535,7 +535,7 @@ bool HtmlTokenizer::readAttribute()
     const char *at = here();
     const quint32 offset = fromToken(at);
     // The first character may be a "=".
-    at = findStop(at + 1, [](char c) { return c == '=' || endsName(c); });
+    at = findStop(at + 1, [](char c) { return c == '=' || endsTagName(c); });
     moveTo(at);
     attribute.name = span(offset, at, TextForm::Plain);
     if (skipSpace(Hold::Token) == '=') {

@@ -39,14 +39,14 @@ std::string traceJson(QByteArrayView bytes, unsigned flags, qint64 buffer = 0, q
     return tokens;
 }
 
-struct Case
+struct JsonCase
 {
     const char *json;
     const char *tokens;
     unsigned flags = kPlain;
 };
 
-const Case kCases[] = {
+const JsonCase kJsonCases[] = {
     {"", "."},
     {" \r\n\t ", "."},
     {R"({"a":1})", "<a '1' >a ."},
@@ -125,7 +125,7 @@ const Case kCases[] = {
     {"\xef\xbb\xbf[1]", "<a '1' >a ."},
 };
 
-QByteArrayView bytesOf(const Case &c)
+QByteArrayView bytesOf(const JsonCase &c)
 {
     // One case holds a NUL.
     return c.json[0] == '[' && c.json[1] == '1' && c.json[2] == 0 ? QByteArrayView("[1\0,2]", 6)
@@ -136,7 +136,7 @@ QByteArrayView bytesOf(const Case &c)
 
 TEST(JsonTokenizer, ReadsEveryNotation)
 {
-    for (const Case &c : kCases) {
+    for (const JsonCase &c : kJsonCases) {
         EXPECT_EQ(traceJson(bytesOf(c), c.flags), c.tokens) << c.json;
     }
 }
@@ -144,7 +144,7 @@ TEST(JsonTokenizer, ReadsEveryNotation)
 // A scan that starts over, or a look-ahead that stops, where the buffer ends would show here.
 TEST(JsonTokenizer, DoesNotDependOnBufferAndReadSizes)
 {
-    for (const Case &c : kCases) {
+    for (const JsonCase &c : kJsonCases) {
         const bool marked = bytesOf(c).startsWith("\xef\xbb\xbf");
         for (qsizetype blanks = 1024 - 24; blanks <= 1024 && !marked; ++blanks) {
             const QByteArray padded = QByteArray(blanks, ' ') + bytesOf(c).toByteArray();

@@ -14,13 +14,13 @@ using namespace corvanta::markup;
 
 namespace {
 
-enum Flags : unsigned {
-    kPlain = 0,
+enum XmlFlags : unsigned {
+    kPlainXml = 0,
     kHtml = 1,
     kIgnoreEntities = 2,
     kNoNameSpaces = 4,
     kIgnoreInvalid = 8,
-    kBalanced = 16
+    kBalancedXml = 16
 };
 
 std::string traceXml(QByteArrayView bytes, unsigned flags, qint64 buffer = 0, qint64 piece = -1)
@@ -34,7 +34,7 @@ std::string traceXml(QByteArrayView bytes, unsigned flags, qint64 buffer = 0, qi
         options.discardNameSpaces = (flags & kNoNameSpaces) != 0;
         options.ignoreInvalidCharInTagName = (flags & kIgnoreInvalid) != 0;
         tokenizer.setOptions(options);
-        tokenizer.setBalanced((flags & kBalanced) != 0);
+        tokenizer.setBalanced((flags & kBalancedXml) != 0);
         EXPECT_TRUE(tokenizer.setEncoding(CharMode::Utf8, {}, InvalidBytes::Fail));
         return QString::fromStdU16String(trace(tokenizer, leaves)).toStdString();
     };
@@ -43,14 +43,14 @@ std::string traceXml(QByteArrayView bytes, unsigned flags, qint64 buffer = 0, qi
     return tokens;
 }
 
-struct Case
+struct XmlCase
 {
     const char *xml;
     const char *tokens;
-    unsigned flags = kPlain;
+    unsigned flags = kPlainXml;
 };
 
-const Case kCases[] = {
+const XmlCase kXmlCases[] = {
     {"", "."},
     {" \r\n ", "."},
     {"<?xml version=\"1.0\"?><a><b x='1' y=\"2\"/> t </a>", "?xml <a <b x=1 y=2 >b 't ' >a ."},
@@ -107,25 +107,25 @@ const Case kCases[] = {
     {"<p = ? a=1>", "<p a=1 .", kHtml},
     // elements that look like leaves
     {"<r><a>1</a> <b> 2 </b>\n<c/><d></d><e>\n</e>x</r>",
-     "<r <a '1' >a <b '2 ' >b <c >c <d >d <e >e 'x' >r .", kBalanced},
-    {"<r><a>1</a ><b>1</bb>", "<r <a '1' >a <b '1' !4", kBalanced},
-    {"<r><a>&lt;</a><b>&no;</b>", "<r <a '<' >a <b !9", kBalanced},
+     "<r <a '1' >a <b '2 ' >b <c >c <d >d <e >e 'x' >r .", kBalancedXml},
+    {"<r><a>1</a ><b>1</bb>", "<r <a '1' >a <b '1' !4", kBalancedXml},
+    {"<r><a>&lt;</a><b>&no;</b>", "<r <a '<' >a <b !9", kBalancedXml},
     {"<r><PRE>1</PRE><scripts>2</scripts><scriptName/>",
      "<r #1 <scripts '2' >scripts <scriptName >scriptName ."},
     {"<r><script\n>1</script><Script>2</Script><script/>", "<r #\n>1 #>2 <script >script ."},
     {"<r><PRE>1</PRE><scripts>2</scripts>", "<r #1 !6", kHtml},
     {"<r><x:a>1</x:a><x:b/>", "<r <a '1' >a <b >b .", kNoNameSpaces},
-    {"<r><x:a>1</a>", "<r <a '1' >a >r .", kNoNameSpaces | kBalanced | kHtml},
+    {"<r><x:a>1</a>", "<r <a '1' >a >r .", kNoNameSpaces | kBalancedXml | kHtml},
     {"<r><tbody>1</tbody><Br>2</Br><td>3</td><td>4</TD></r>",
-     "<r '1' <Br >Br '2' <td '3' >td <td '4' >td >r .", kHtml | kBalanced},
+     "<r '1' <Br >Br '2' <td '3' >td <td '4' >td >r .", kHtml | kBalancedXml},
     // end tags that do not fit
     {"<a></b>", "<a >b ."},
-    {"<a></b>", "<a !4", kBalanced},
-    {"<a/></b>", "<a >a !5", kBalanced},
-    {"<a><b>", "<a <b !4", kBalanced},
-    {"<a><b/></a>", "<a <b >b >a .", kBalanced},
-    {"<a><b><c></A></x>", "<a <b <c >c >b >a .", kHtml | kBalanced},
-    {"<p><b>x", "<p <b 'x' >b >p .", kHtml | kBalanced},
+    {"<a></b>", "<a !4", kBalancedXml},
+    {"<a/></b>", "<a >a !5", kBalancedXml},
+    {"<a><b>", "<a <b !4", kBalancedXml},
+    {"<a><b/></a>", "<a <b >b >a .", kBalancedXml},
+    {"<a><b><c></A></x>", "<a <b <c >c >b >a .", kHtml | kBalancedXml},
+    {"<p><b>x", "<p <b 'x' >b >p .", kHtml | kBalancedXml},
     {"<a>\0</a>", "<a ."},
     {"<a>x\xff</a>", "<a !17"},
 };
@@ -134,14 +134,14 @@ const Case kCases[] = {
 
 TEST(XmlTokenizer, ReadsEveryNotation)
 {
-    for (const Case &c : kCases) {
+    for (const XmlCase &c : kXmlCases) {
         EXPECT_EQ(traceXml(c.xml, c.flags), c.tokens) << c.xml;
     }
 }
 
 TEST(XmlTokenizer, DoesNotDependOnBufferAndReadSizes)
 {
-    for (const Case &c : kCases) {
+    for (const XmlCase &c : kXmlCases) {
         for (qsizetype blanks = 1024 - 40; blanks <= 1024; ++blanks) {
             const QByteArray padded = QByteArray(blanks, ' ') + c.xml;
             ASSERT_EQ(traceXml(padded, c.flags), c.tokens) << c.xml << " after " << blanks;

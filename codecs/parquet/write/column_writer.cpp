@@ -26,7 +26,7 @@ namespace corvanta::parquet {
 
 namespace {
 
-constexpr size_t kLengthBytes = 4;
+constexpr size_t kSizeBytes = 4;
 /// Maximum size in bytes of a text in statistics. A truncated text would need to be rounded up to
 /// remain a valid upper bound.
 constexpr size_t kMaxRangeBytes = 64;
@@ -203,25 +203,25 @@ ColumnWriter::Added ColumnWriter::addText(const uchar *cell)
         return Added::Yes;
     }
     constexpr size_t kMaxBytesPerUnit = 3;
-    char *plain = room(kLengthBytes + static_cast<size_t>(text.size()) * kMaxBytesPerUnit);
+    char *plain = room(kSizeBytes + static_cast<size_t>(text.size()) * kMaxBytesPerUnit);
     qsizetype replaced = 0;
     const auto n =
-        static_cast<size_t>(utf16ToUtf8(text.data(), text.size(), plain + kLengthBytes, &replaced));
+        static_cast<size_t>(utf16ToUtf8(text.data(), text.size(), plain + kSizeBytes, &replaced));
     if (replaced != 0) [[unlikely]] {
         count(&m_replacedTexts);
     }
     storeLE(static_cast<quint32>(n), plain);
-    if (n + kLengthBytes + 1 > m_capacity) {
+    if (n + kSizeBytes + 1 > m_capacity) {
         return Added::TextTooLong;
     }
     if (m_options.statistics) {
-        updateRange(plain + kLengthBytes, n);
+        updateRange(plain + kSizeBytes, n);
     }
-    if (m_used + kLengthBytes + n > m_capacity) {
+    if (m_used + kSizeBytes + n > m_capacity) {
         finishPage();
-        std::copy_n(plain, kLengthBytes + n, m_values.data()); // the start of the new page
+        std::copy_n(plain, kSizeBytes + n, m_values.data()); // the start of the new page
     }
-    addValue(kLengthBytes + n);
+    addValue(kSizeBytes + n);
     return Added::Yes;
 }
 
@@ -311,9 +311,9 @@ void ColumnWriter::finishPage()
         return;
     }
     std::vector<char> page = m_compressor.takeBuffer();
-    page.resize(kLengthBytes);
+    page.resize(kSizeBytes);
     appendLevels(m_levels, page);
-    putLength(page, 0, page.size() - kLengthBytes);
+    putLength(page, 0, page.size() - kSizeBytes);
     appendValues(page);
     const auto rawBytes = static_cast<qint32>(page.size());
     // The dictionary may still grow after this page; its entries keep their numbers.

@@ -28,7 +28,7 @@ constexpr qint64 kMaxLabelBytes = 64 * 1024;
 constexpr qint64 kMaxRecordBytes = 16 * 1024 * 1024;
 
 /// Subtypes of extension records, type 7.
-enum : qint32 { Machine = 3, LongNames = 13, LongTexts = 14, LongLabels = 21 };
+enum : qint32 { Machine = 3, LongNames = 13, VeryLongTexts = 14, LongLabels = 21 };
 
 class SavCheck
 {
@@ -210,13 +210,13 @@ bool isListOfNames(const QByteArray &text)
 /// What hasLongUtf8Texts() depends on.
 void SavCheck::noteTexts(qint32 subtype, const QByteArray &data)
 {
-    m_hasLongTexts = m_hasLongTexts || subtype == LongTexts;
+    m_hasLongTexts = m_hasLongTexts || subtype == VeryLongTexts;
     m_isUtf8 = m_isUtf8 || (subtype == Machine && declaresUtf8(data));
 }
 
 bool SavCheck::checkNames(qint32 subtype, const QByteArray &data)
 {
-    const bool hasNames = subtype == LongNames || subtype == LongTexts;
+    const bool hasNames = subtype == LongNames || subtype == VeryLongTexts;
     return !hasNames || isListOfNames(data) ||
            fail(QStringLiteral("the record of long names is not a list of names"));
 }

@@ -24,7 +24,7 @@ int idOf(const opc::Tag &tag)
 /// What the code of an own number format shows.
 sheet::NumberForm formOf(const opc::Tag &tag)
 {
-    const QString code = opc::decoded(tag.attribute("formatCode").value_or(QByteArrayView()));
+    const QString code = opc::attributeText(tag, "formatCode");
     return sheet::formOfCode(
         {reinterpret_cast<const char16_t *>(code.utf16()), static_cast<size_t>(code.size())});
 }

@@ -29,7 +29,7 @@ constexpr quint32 kHiddenRow = 0x80000000;
 constexpr int kFormShift = 4;
 constexpr uchar kTagMask = 0x0F;
 
-enum Tag : uchar {
+enum CellTag : uchar {
     kSkip,
     kByteNumber,
     kShortNumber,
@@ -192,7 +192,7 @@ void RowRecording::put(const sheet::SheetCell &cell)
 /// Most numbers are small and whole.
 void RowRecording::putNumber(const sheet::SheetCell &cell)
 {
-    const auto tag = [&](Tag kind) {
+    const auto tag = [&](CellTag kind) {
         return static_cast<uchar>(kind | static_cast<int>(cell.form) << kFormShift);
     };
     const double value = cell.number;

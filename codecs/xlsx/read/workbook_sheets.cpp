@@ -19,14 +19,9 @@ namespace corvanta::xlsx {
 
 namespace {
 
-QString textOf(const opc::Tag &tag, QByteArrayView name)
-{
-    return opc::decoded(tag.attribute(name).value_or(QByteArrayView()));
-}
-
 bool isTrue(const opc::Tag &tag, QByteArrayView name)
 {
-    const QString value = textOf(tag, name);
+    const QString value = opc::attributeText(tag, name);
     return value == "1"_L1 || value == "true"_L1 || value == "on"_L1;
 }
 
@@ -46,7 +41,7 @@ QByteArray prefixedAttribute(const opc::Tag &tag, QByteArrayView local)
 
 sheet::SheetVisibility visibilityOf(const opc::Tag &tag)
 {
-    const QString state = textOf(tag, "state");
+    const QString state = opc::attributeText(tag, "state");
     return state == "hidden"_L1       ? sheet::SheetVisibility::Hidden
            : state == "veryHidden"_L1 ? sheet::SheetVisibility::VeryHidden
                                       : sheet::SheetVisibility::Visible;
@@ -56,7 +51,7 @@ sheet::SheetVisibility visibilityOf(const opc::Tag &tag)
 WorkbookSheets::Entry entryOf(const opc::Tag &tag)
 {
     sheet::SheetInfo info;
-    info.name = textOf(tag, "name");
+    info.name = opc::attributeText(tag, "name");
     info.visibility = visibilityOf(tag);
     return {info, prefixedAttribute(tag, "id")};
 }
@@ -84,7 +79,7 @@ std::unordered_map<QString, int> sheetsByName(const WorkbookSheets &workbook)
 int scopeOf(const opc::Tag &tag)
 {
     bool isLocal = false;
-    const int scope = textOf(tag, "localSheetId").toInt(&isLocal);
+    const int scope = opc::attributeText(tag, "localSheetId").toInt(&isLocal);
     return isLocal ? scope : -1;
 }
 
@@ -108,7 +103,7 @@ void readNames(QByteArrayView text, const opc::Outline &outline, WorkbookSheets 
     for (const int index : parent ? outline.children(*parent, "definedName") : std::vector<int>()) {
         const opc::Element &element = outline.element(index);
         sheet::DefinedName name;
-        name.name = textOf(element.tag, "name");
+        name.name = opc::attributeText(element.tag, "name");
         name.scope = scopeOf(element.tag);
         if (const auto area = sheet::parseSheetArea(refersTo(text, element))) {
             const auto found = byName.find(area->sheet.toCaseFolded());

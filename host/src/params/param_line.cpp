@@ -24,7 +24,6 @@
 namespace corvanta {
 
 using Type = ParameterInfo::Type;
-using Place = ParameterInfo::Place;
 
 namespace {
 
@@ -86,7 +85,8 @@ ParamLine::ParamLine(const char *name, Type type, ValueAccess access)
 {
     m_info.name = QString::fromLatin1(name);
     m_info.type = type;
-    m_info.place = type == Type::Strings ? Place::Element : Place::Attribute;
+    m_info.place =
+        type == Type::Strings ? ParameterInfo::Place::Element : ParameterInfo::Place::Attribute;
     // The range of int, which most members have. A number outside would change its value in the
     // conversion to the member.
     m_info.low = std::numeric_limits<int>::min();
@@ -100,7 +100,7 @@ ParamLine::ParamLine(const char *element, ChildAccess access)
     m_info.name = QString::fromLatin1(element);
     m_info.itemElement = m_info.name;
     m_info.type = Type::Structure;
-    m_info.place = Place::Element;
+    m_info.place = ParameterInfo::Place::Element;
 }
 
 ParameterInfo ParamLine::info(const void *defaults) const
@@ -108,7 +108,7 @@ ParameterInfo ParamLine::info(const void *defaults) const
     ParameterInfo info = m_info;
     info.defaultValue = valueText(defaults);
     // Line feeds in attributes are possible but unusual; texts in elements are documents or lists.
-    info.isMultiLine = info.type == Type::Text && info.place != Place::Attribute;
+    info.isMultiLine = info.type == Type::Text && info.place != ParameterInfo::Place::Attribute;
     if (isStructure()) {
         info.members = m_children.members();
     }

@@ -18,7 +18,6 @@ using namespace Qt::StringLiterals;
 namespace corvanta {
 
 using Type = ParameterInfo::Type;
-using Place = ParameterInfo::Place;
 
 namespace {
 
@@ -136,7 +135,8 @@ private:
     QVector<SavedFormProblem> m_problems;
 };
 
-const ParameterInfo *find(const QVector<ParameterInfo> &infos, Place place, const QString &name)
+const ParameterInfo *find(const QVector<ParameterInfo> &infos, ParameterInfo::Place place,
+                          const QString &name)
 {
     const auto found =
         std::find_if(infos.begin(), infos.end(), [&](const ParameterInfo &candidate) {
@@ -190,11 +190,11 @@ void Walk::visitAttributes(const XMLNode &element, const Known &known)
     for (const QString &name : element.attributeNames()) {
         const QString text =
             QStringView(element.getAttribute(name.toLatin1().constData())).toString();
-        if (const auto *const info = find(known.infos, Place::Attribute, name)) {
+        if (const auto *const info = find(known.infos, ParameterInfo::Place::Attribute, name)) {
             checkValue(element, *info, text);
         } else if (name == version.name) {
             checkValue(element, version, text);
-        } else if (find(known.unused, Place::Attribute, name) != nullptr) {
+        } else if (find(known.unused, ParameterInfo::Place::Attribute, name) != nullptr) {
             add(element, u"the attribute '%1' of '%2' is not used, because %3"_s.arg(
                              name, element.getName(), known.whyUnused));
         } else {
@@ -225,10 +225,11 @@ void Walk::visitChildren(const XMLNode &element, const Known &known)
     for (int i = 0; i < element.nChildNode(); ++i) {
         const XMLNode child = element.getChildNode(i);
         const QString name = child.getName();
-        const ParameterInfo *const info = find(known.infos, Place::Element, name);
+        const ParameterInfo *const info = find(known.infos, ParameterInfo::Place::Element, name);
         if (info == nullptr) {
             const bool isContent = name == kString && known.names().elements.contains(kString);
-            const bool isUnused = find(known.unused, Place::Element, name) != nullptr;
+            const bool isUnused =
+                find(known.unused, ParameterInfo::Place::Element, name) != nullptr;
             if (isUnused) {
                 add(child, u"the element '%1' of '%2' is not used, because %3"_s.arg(
                                name, element.getName(), known.whyUnused));
@@ -283,7 +284,7 @@ void Walk::visitWrapper(const XMLNode &wrapper, const ParameterInfo &info)
 void Walk::visitText(const XMLNode &element, const QVector<ParameterInfo> &infos)
 {
     const auto content = std::find_if(infos.begin(), infos.end(), [](const ParameterInfo &info) {
-        return info.place == Place::Content;
+        return info.place == ParameterInfo::Place::Content;
     });
     const bool isValue = std::any_of(infos.begin(), infos.end(),
                                      [](const ParameterInfo &info) { return info.isAlsoOwnText; });
@@ -306,7 +307,7 @@ void Walk::visitStrings(const XMLNode &list, const ParameterInfo &info)
         const XMLNode child = list.getChildNode(i);
         if (child.getName() == kString) {
             visitString(child, info);
-        } else if (info.place == Place::Element) {
+        } else if (info.place == ParameterInfo::Place::Element) {
             addUnknown(child, u"element"_s, child.getName(), list.getName(), {kString});
         }
     }
