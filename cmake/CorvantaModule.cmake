@@ -1,18 +1,14 @@
-# corvanta_module(NAME [WIDGETS] SOURCES ... [TESTS ...] [PUBLIC ...] [PRIVATE ...] [TEST_LIBS ...] [HEADERS ...])
+# corvanta_module(NAME [WIDGETS] SOURCES ... [TESTS ...] [PUBLIC ...] [PRIVATE ...] [TEST_LIBS ...])
 #
 # A static library corvanta_NAME and, from the tests in the folder of the sources, one test program
 # NAME_test whose cases are found by ctest. PUBLIC and PRIVATE are what the library links: this list,
-# and nothing else, says what a folder may include. WIDGETS: many of the sources include widgets. HEADERS:
-# those of the project that nearly all of the sources include; they are precompiled. In angle brackets, because
-# ccache shares no precompiled header with an absolute path in it.
+# and nothing else, says what a folder may include. WIDGETS: many of the sources include widgets.
 include(GoogleTest)
 
 function(corvanta_module name)
-    cmake_parse_arguments(ARG "WIDGETS" "" "SOURCES;TESTS;PUBLIC;PRIVATE;TEST_LIBS;HEADERS" ${ARGN})
+    cmake_parse_arguments(ARG "WIDGETS" "" "SOURCES;TESTS;PUBLIC;PRIVATE;TEST_LIBS" ${ARGN})
     add_library(corvanta_${name} STATIC ${ARG_SOURCES})
-    if(ARG_HEADERS AND CMAKE_BUILD_TYPE STREQUAL "Release") # clang-tidy builds no precompiled header of its own
-        target_precompile_headers(corvanta_${name} PRIVATE ${precompiled_widgets} ${ARG_HEADERS})
-    elseif(ARG_WIDGETS)
+    if(ARG_WIDGETS)
         target_precompile_headers(corvanta_${name} REUSE_FROM corvanta_precompiled_widgets)
     else()
         target_precompile_headers(corvanta_${name} REUSE_FROM corvanta_precompiled)

@@ -2,8 +2,7 @@
 #
 # corvanta_precompiled for all code, corvanta_precompiled_widgets for code with many widgets, and
 # corvanta_precompiled_tests for unit tests. They hold no header of this project, so that an edit never
-# rebuilds everything. Only the actions precompile headers of the project too, those that nearly all of their
-# sources include.
+# rebuilds everything.
 set(precompiled_headers
     <QByteArray> <QFileInfo> <QHash> <QList> <QString> <QStringList> <QtGlobal>
     <algorithm> <array> <atomic> <functional> <map> <memory> <mutex> <optional> <sstream> <string> <variant> <vector>)
