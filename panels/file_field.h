@@ -5,7 +5,7 @@
 // becomes its value. Names are contracted: relative to the folder of the graph, as they are saved.
 // Threads: the GUI thread.
 #pragma once
-#include "panels/background/worker.h"
+#include "corvanta/edit/worker.h"
 #include "panels/field_editor.h"
 
 #include <QCoreApplication>

@@ -7,8 +7,8 @@
 // background as far as files are looked up. Threads: the GUI thread.
 #pragma once
 #include "corvanta/action_parameters.h"
+#include "corvanta/edit/worker.h"
 #include "corvanta/update_class_widget.h"
-#include "panels/background/worker.h"
 #include "panels/panel_layout.h"
 
 #include <QCoreApplication>

@@ -2,8 +2,8 @@
 #pragma once
 #include "corvanta/action_item.h"
 #include "corvanta/action_parameters.h"
+#include "corvanta/edit/worker.h"
 #include "panels/background/log_lines.h"
-#include "panels/background/worker.h"
 
 #include <memory>
 

@@ -3,8 +3,8 @@
 //
 // Threads: the GUI thread.
 #pragma once
+#include "corvanta/edit/worker.h"
 #include "panels/background/log_lines.h"
-#include "panels/background/worker.h"
 
 #include <QCoreApplication>
 #include <QWidget>

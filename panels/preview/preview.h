@@ -4,7 +4,7 @@
 // edit stops what is being read. Nothing is read while the preview is hidden.
 // Threads: the GUI thread.
 #pragma once
-#include "panels/background/worker.h"
+#include "corvanta/edit/worker.h"
 #include "panels/panel_layout.h"
 #include "panels/preview/preview_run.h"
 #include "panels/preview/raw_text.h"

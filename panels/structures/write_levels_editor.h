@@ -5,7 +5,7 @@
 // GUI thread.
 #pragma once
 #include "codecs/compose/write_level.h"
-#include "panels/background/worker.h"
+#include "corvanta/edit/worker.h"
 #include "panels/preview/preview_run.h"
 #include "panels/structure_editor.h"
 

@@ -1,6 +1,6 @@
 // Work in the background: only the newest result is shown, and nothing waits for work that does not
 // return.
-#include "panels/background/worker.h"
+#include "corvanta/edit/worker.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

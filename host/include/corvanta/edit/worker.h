@@ -9,6 +9,8 @@
 // returned does the newest work wait for one of them. The program ends without them.
 // Threads: the GUI thread, except that the work itself runs on others.
 #pragma once
+#include "corvanta/export.h"
+
 #include <QCoreApplication>
 #include <QObject>
 #include <QTimer>
@@ -19,7 +21,7 @@
 
 namespace corvanta {
 
-class Worker final : public QObject
+class CORVANTA_EXPORT Worker final : public QObject
 {
     Q_DECLARE_TR_FUNCTIONS(corvanta::Worker)
 

@@ -1,7 +1,7 @@
 // Who owns what: a worker and its threads share a Shared. A thread takes the next work from it and
 // leaves the result there, and the worker's timer takes the result. Each thread looks for the next
 // work before it ends. The threads are detached: joining one could last until a drive answers.
-#include "panels/background/worker.h"
+#include "corvanta/edit/worker.h"
 
 #include <algorithm>
 #include <chrono>
