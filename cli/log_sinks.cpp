@@ -17,6 +17,7 @@
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
+using corvanta::ActionProgress;
 
 namespace {
 
@@ -36,6 +37,14 @@ QString severityPrefix(const QString &text, int level)
     const QString severity = saysSeverity ? QString() : severityOf(level) + ": "_L1;
     // As in the texts that have one.
     return severity.left(1).toUpper() + severity.mid(1);
+}
+
+/// As programs read it.
+QString nameOf(ActionProgress::State state)
+{
+    static const QString names[] = {u"waiting"_s, u"running"_s, u"done"_s,
+                                    u"warned"_s,  u"failed"_s,  u"stopped"_s};
+    return names[static_cast<int>(state)];
 }
 
 /// The escapes that set the color of a message on a terminal; none for information.
@@ -62,6 +71,10 @@ private:
     QByteArray format(const LogMessage &message, const RunSummary &) const override
     {
         return visibleText(message.text).toUtf8() + '\n';
+    }
+    QByteArray format(const LogMessage &message, const QVector<ActionProgress> &) const override
+    {
+        return message.text.toUtf8() + '\n';
     }
 };
 
@@ -96,6 +109,29 @@ private:
                                  {u"megabytesPerSecond"_s, summary.megabytesPerSecond},
                                  {u"files"_s, QJsonArray::fromStringList(summary.files)}};
         return membersOf(message) + ",\"summary\":" + jsonOf(object) + "}\n";
+    }
+    QByteArray format(const LogMessage &message, const QVector<ActionProgress> &all) const override
+    {
+        QJsonArray actions;
+        for (const ActionProgress &action : all) {
+            actions << objectOf(action);
+        }
+        return membersOf(message) + ",\"progress\":" + jsonOf(actions) + "}\n";
+    }
+    static QJsonObject objectOf(const ActionProgress &action)
+    {
+        QJsonArray rowsOut;
+        for (const qint64 rows : action.rowsOut) {
+            rowsOut << rows;
+        }
+        QJsonObject object{{u"action"_s, action.id},
+                           {u"state"_s, nameOf(action.state)},
+                           {u"rowsIn"_s, action.rowsIn},
+                           {u"rowsOut"_s, rowsOut}};
+        if (action.fraction >= 0) {
+            object.insert(u"fraction"_s, qMin(1.0F, action.fraction));
+        }
+        return object;
     }
 };
 
@@ -197,6 +233,11 @@ void CommandLog::write(const QByteArray &line, const char *color)
     const QByteArray shown = *color == '\0' ? line : color + line.chopped(1) + "\033[0m\n";
     std::fprintf(m_out, "%s%s%s", clear, shown.constData(), m_progress.constData());
     std::fflush(m_out);
+}
+
+void CommandLog::addProgress(const LogMessage &message, const QVector<ActionProgress> &all)
+{
+    write(format(message, all));
 }
 
 void CommandLog::addSummary(const RunSummary &summary)

@@ -3,6 +3,7 @@
 #pragma once
 #include "command_line.h"
 #include "corvanta/main_ui.h"
+#include "corvanta/run.h"
 
 #include <atomic>
 #include <cstdio>
@@ -40,6 +41,8 @@ public:
     void addWrittenFile(const QString &name) final;
     /// Show `line` as the progress line until the next call; an empty line removes it.
     void setProgressLine(const QByteArray &line);
+    /// Write the state of all actions as one line, except to the log file; `message` is its text.
+    void addProgress(const LogMessage &message, const QVector<corvanta::ActionProgress> &all);
     /// Write what a run did, as the last line, also if the log is quiet.
     void addSummary(const RunSummary &summary);
 
@@ -64,6 +67,9 @@ protected:
     virtual QByteArray format(const LogMessage &message) const = 0;
     /// The same for a summary; `message` holds it as text.
     virtual QByteArray format(const LogMessage &message, const RunSummary &summary) const = 0;
+    /// The same for progress.
+    virtual QByteArray format(const LogMessage &message,
+                              const QVector<corvanta::ActionProgress> &all) const = 0;
 
 private:
     struct CloseFile

@@ -11,6 +11,7 @@
 #include "visible_text.h"
 
 #include <QDir>
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -67,6 +68,23 @@ CommandResult<void> checkUse(const QMap<QString, QString> &given, const Corvanta
     return {};
 }
 
+/// Reads the graph file of `line`, "-" being standard input. The fault is a usage error; what is
+/// wrong with the file is in the graph.
+CommandResult<CorvantaGraph::Loaded> readGraph(const CommandLine &line)
+{
+    const QString &file = line.arguments[0];
+    if (file != "-"_L1) {
+        return line.values.contains(u"--name"_s)
+                   ? badUsage(u"--name needs \"-\" as the graph"_s)
+                   : CommandResult<CorvantaGraph::Loaded>(CorvantaGraph::load(file));
+    }
+    QFile input;
+    static_cast<void>(input.open(stdin, QIODevice::ReadOnly)); // empty if it cannot be read
+    const QString name = line.value(u"--name"_s, u"standard input"_s);
+    constexpr qint64 kMaxBytes = 256LL << 20; // as of a file; what is cut is not well-formed
+    return CorvantaGraph::parse(input.read(kMaxBytes), name);
+}
+
 /// Loads and validates the graph file of `line`; logs what makes it invalid.
 CommandResult<std::unique_ptr<LoadedGraph>> load(const CommandLine &line)
 {
@@ -77,7 +95,11 @@ CommandResult<std::unique_ptr<LoadedGraph>> load(const CommandLine &line)
     auto loaded = std::make_unique<LoadedGraph>();
     loaded->variables = *std::move(variables);
     loaded->registry.loadAll();
-    auto graph = CorvantaGraph::load(line.arguments[0]);
+    auto read = readGraph(line);
+    if (!read) {
+        return read.fault();
+    }
+    auto &graph = *read;
     // A file that cannot be parsed has no graph to validate; its problems are logged alike.
     const CorvantaGraph::Problems problems =
         graph ? graph->validate(loaded->registry, loaded->variables) : graph.fault().code;
@@ -217,10 +239,11 @@ CommandResult<void> createOutDir(const QString &name)
 
 CommandOptions runOptions()
 {
-    return Session::options({{u"--set"_s, u"--out-dir"_s, u"--tap"_s, u"--compression"_s},
-                             {u"--strict"_s},
-                             1,
-                             u"one graph file is required"_s});
+    return Session::options(
+        {{u"--set"_s, u"--out-dir"_s, u"--tap"_s, u"--compression"_s, u"--name"_s},
+         {u"--strict"_s},
+         1,
+         u"one graph file is required"_s});
 }
 
 CommandResult<void> runCommand(const CommandLine &line)
@@ -245,7 +268,7 @@ CommandResult<void> runCommand(const CommandLine &line)
 
 CommandOptions checkOptions()
 {
-    return {{u"--set"_s, u"--out-dir"_s, u"--log-format"_s},
+    return {{u"--set"_s, u"--out-dir"_s, u"--log-format"_s, u"--name"_s},
             {u"--list-outputs"_s, u"--template"_s, u"--json"_s},
             1,
             u"one graph file, or one template with --template, is required"_s};

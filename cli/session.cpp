@@ -47,7 +47,7 @@ qint64 rowsRead(const CorvantaGraph &graph, const QVector<ActionProgress> &all)
             std::any_of(graph.links.begin(), graph.links.end(),
                         [&](const auto &link) { return link.to.action == action.id; });
         // Listeners read, and are not part of the graph.
-        rows += hasInput || graph.indexOf(action.id) < 0 ? 0 : action.rowsOut;
+        rows += hasInput || graph.indexOf(action.id) < 0 ? 0 : action.allRowsOut();
     }
     return rows;
 }
@@ -58,18 +58,17 @@ QByteArray progressLine(const QVector<ActionProgress> &all, double seconds)
     QByteArray line;
     // A reader only sends rows and most writers only take them, so the larger count is meant.
     for (const ActionProgress &action : all) {
-        const double rows = static_cast<double>(qMax(action.rowsIn, action.rowsOut));
+        const double rows = static_cast<double>(qMax(action.rowsIn, action.allRowsOut()));
         line += line.isEmpty() ? "" : "  ";
         line += visibleText(action.id).toUtf8() + ' ' + shortCount(rows);
         line += seconds > 0 ? " (" + shortCount(rows / seconds) + "/s)" : "";
-        if (action.finished) {
+        if (action.isFinished()) {
             line += " done";
         } else if (action.fraction >= 0) {
             line += ' ' + fractionBar(action.fraction);
         }
     }
-    // One column less than the terminal has: a full line would begin a new one.
-    return line.left(platform::terminalWidth(stderr) - 1);
+    return line;
 }
 
 /// Whether messages have colors: `choice` is auto, always or never.
@@ -85,7 +84,7 @@ void logRows(const QVector<ActionProgress> &all)
     for (const ActionProgress &action : all) {
         MainUI::addLog(MainUI::Info, u"%1 (%2): %3 rows in, %4 rows out"_s.arg(
                                          action.id, action.type, QString::number(action.rowsIn),
-                                         QString::number(action.rowsOut)));
+                                         QString::number(action.allRowsOut())));
     }
 }
 
@@ -104,11 +103,15 @@ CommandResult<std::unique_ptr<Session>> Session::open(const CommandLine &line)
     const QString logFormat = line.value(u"--log-format"_s, u"text"_s);
     const QString progress = line.value(u"--progress"_s, u"auto"_s);
     const QString color = line.value(u"--color"_s, u"auto"_s);
-    for (const auto &[option, value] :
-         {std::pair(u"--progress"_s, progress), {u"--color"_s, color}}) {
-        if (!QStringList{u"auto"_s, u"always"_s, u"never"_s}.contains(value)) {
-            return badUsage(u"%1 must be auto, always or never"_s.arg(option));
-        }
+    const QStringList choices{u"auto"_s, u"always"_s, u"never"_s};
+    if (!choices.contains(progress) && progress != "lines"_L1) {
+        return badUsage(u"--progress must be auto, always, never or lines"_s);
+    }
+    if (!choices.contains(color)) {
+        return badUsage(u"--color must be auto, always or never"_s);
+    }
+    if (progress == "lines"_L1 && logFormat != "json"_L1) {
+        return badUsage(u"--progress lines needs --log-format json"_s);
     }
     auto created = CommandLog::create({logFormat, line.has(u"--quiet"_s) || line.has(u"-q"_s),
                                        hasColors(color), line.value(u"--log-file"_s, QString())});
@@ -126,9 +129,10 @@ CommandResult<std::unique_ptr<Session>> Session::open(const CommandLine &line)
     std::unique_ptr<Session> session(new Session(std::move(log)));
     const bool wantsProgress =
         progress == "always"_L1 || (progress == "auto"_L1 && platform::isTerminal(stderr));
-    session->m_summary = progress == "always"_L1 ? Summary::Always
-                         : wantsProgress         ? Summary::OfFiles
-                                                 : Summary::Never;
+    session->m_writesProgress = progress == "lines"_L1;
+    session->m_summary = progress == "always"_L1 || session->m_writesProgress ? Summary::Always
+                         : wantsProgress                                      ? Summary::OfFiles
+                                                                              : Summary::Never;
     session->m_timer.start();
     session->m_isVerbose = line.has(u"-v"_s);
     // Programs that parse JSON messages must get nothing else; the summary is a message.
@@ -169,20 +173,35 @@ bool Session::logProblems(const CorvantaGraph::Problems &problems, const IsError
     return hasErrors;
 }
 
-/// A run that ends within the first tick prints no progress.
+void Session::showProgress(const Run &run, const QElapsedTimer &timer)
+{
+    if (!m_showsProgress && !m_writesProgress) {
+        return;
+    }
+    const QVector<ActionProgress> all = run.progress();
+    const QByteArray line = progressLine(all, static_cast<double>(timer.elapsed()) / 1000);
+    if (m_writesProgress) {
+        m_log->addProgress({MainUI::Info, {}, QString::fromUtf8(line)}, all);
+    } else {
+        // One column less than the terminal has: a full line would begin a new one.
+        m_log->setProgressLine(line.left(platform::terminalWidth(stderr) - 1));
+    }
+}
+
+/// A run that ends within the first tick shows no progress line.
 void Session::waitForEnd(Run *run)
 {
     constexpr auto kTick = std::chrono::milliseconds(200); // between two progress lines
     QElapsedTimer timer;
     timer.start();
     while (!run->waitFor(kTick)) {
-        if (m_showsProgress) {
-            m_log->setProgressLine(
-                progressLine(run->progress(), static_cast<double>(timer.elapsed()) / 1000));
-        }
+        showProgress(*run, timer);
     }
     m_log->setProgressLine({});
     run->wait(); // joins the threads
+    if (m_writesProgress) {
+        showProgress(*run, timer);
+    }
 }
 
 void Session::reportIncomplete()

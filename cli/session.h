@@ -35,13 +35,16 @@ private:
     explicit Session(std::unique_ptr<CommandLog> log);
     /// Wait and show the progress.
     void waitForEnd(corvanta::Run *run);
+    /// Show the progress after the time of `timer`, if it is wanted.
+    void showProgress(const corvanta::Run &run, const QElapsedTimer &timer);
 
     /// Log which files a run has written that did not read all of its input.
     void reportIncomplete();
 
     std::unique_ptr<CommandLog> m_log; // the program's sink
     bool m_isVerbose = false;
-    bool m_showsProgress = false;
+    bool m_showsProgress = false;  // as one line that changes, for people
+    bool m_writesProgress = false; // as messages, for programs
     enum class Summary { Never, OfFiles, Always } m_summary = Summary::Never;
     QElapsedTimer m_timer;
     std::optional<qint64> m_rows = {}; // read by the last run; none before a run

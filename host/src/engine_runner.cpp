@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <unordered_set>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -24,29 +23,6 @@ std::optional<CorvantaGraph::Pin> sourceOf(const CorvantaGraph &graph, const QSt
                                        return candidate.to.action == id && candidate.to.pin == pin;
                                    });
     return link == graph.links.end() ? std::nullopt : std::optional(link->from);
-}
-
-/// The part of a graph that the action `id` depends on, with the action itself.
-CorvantaGraph upTo(const CorvantaGraph &graph, const QString &id)
-{
-    std::unordered_set<QString> needed{id};
-    // Add the sources of all needed actions until nothing changes. Simple, and fast enough for
-    // graphs that a user edits.
-    for (bool grew = true; grew;) {
-        grew = false;
-        for (const CorvantaGraph::Link &link : graph.links) {
-            if (needed.contains(link.to.action) && !needed.contains(link.from.action)) {
-                needed.insert(link.from.action);
-                grew = true;
-            }
-        }
-    }
-    CorvantaGraph part = graph;
-    part.actions.removeIf(
-        [&](const CorvantaGraph::Action &action) { return !needed.contains(action.id); });
-    part.links.removeIf(
-        [&](const CorvantaGraph::Link &link) { return !needed.contains(link.to.action); });
-    return part;
 }
 
 /// Whether the part can be run for a preview. Logs what is wrong with it.
@@ -98,7 +74,7 @@ bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registr
     if (!source || !graph.hasOutputPin(registry, *source)) {
         return false;
     }
-    const CorvantaGraph part = upTo(graph, source->action);
+    const CorvantaGraph part = graph.upTo(source->action);
     // Other parts of an edited graph may be incomplete; a preview needs only this one.
     if (!canRun(part, registry, options)) {
         return false;
@@ -114,7 +90,10 @@ bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registr
     };
     RunOptions runOptions;
     runOptions.log = options.log;
-    runOptions.listeners.push_back({u"preview"_s, *source, std::make_unique<RowListener>(keepRow)});
+    runOptions.listeners.push_back(
+        {u"preview"_s, *source,
+         std::make_unique<RowListener>(options.onRow ? options.onRow
+                                                     : RowListener::Callback(keepRow))});
     Run run(part, registry, std::move(runOptions));
     const std::stop_callback stop(options.stop, [&run] { run.stop(); });
     run.start();

@@ -214,7 +214,8 @@ TEST_F(EngineTest, RowsThatNobodyReadsTakeLittleMemory)
                           "'/></action>");
     runToEnd(*run);
     EXPECT_TRUE(run->succeeded());
-    EXPECT_EQ(run->progress()[0].rowsOut, 300);
+    EXPECT_EQ(run->progress()[0].allRowsOut(), 300);
+    EXPECT_EQ(run->progress()[0].state, ActionProgress::State::Done);
     EXPECT_LT(peakKiB() - before, 100'000);
 }
 

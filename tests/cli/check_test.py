@@ -474,6 +474,40 @@ class CommandLine(Case):
         for words in (["--progress", "auto"], ["--progress", "never"], []):
             self.assertEqual(self.corvanta("convert", "in.csv", "o.csv", *words).stderr, "")
 
+    def test_progress_for_programs(self):
+        (self.folder / "in.csv").write_text("a\n" + "1\n" * 1000)
+        self.graph(self.writer("<writeXML fileName='o.xml'/>", "x"), self.writer("<writeCSV fileName='no/o.csv'/>").replace("in:0", "x:0"))
+        words = ["--log-format=json", "--progress=lines", "--log-file=log"]
+        lines = [json.loads(line) for line in self.corvanta("run", "g.graph", *words, status=1).stderr.splitlines()]
+        self.assertEqual((list(lines[-2])[-1], list(lines[-1])[-1]), ("progress", "summary"))
+        states = {action["action"]: action["state"] for action in lines[-2]["progress"]}
+        self.assertEqual(states["w"], "failed")
+        self.assertIn(states["in"], ("done", "stopped"))
+        (self.folder / "no").mkdir()
+        lines = [json.loads(line) for line in self.corvanta("run", "g.graph", *words).stderr.splitlines()]
+        self.assertEqual(lines[-2]["progress"], [
+            {"action": "in", "state": "done", "rowsIn": 0, "rowsOut": [1000], "fraction": 1},
+            {"action": "x", "state": "done", "rowsIn": 1000, "rowsOut": [1000], "fraction": 1},
+            {"action": "w", "state": "done", "rowsIn": 1000, "rowsOut": [1000], "fraction": 1}])
+        self.assertNotIn("progress", (self.folder / "log").read_text())
+        self.assertIn("--progress must be auto, always, never or lines", self.corvanta("run", "g.graph", "--progress=x", status=2).stderr)
+        self.assertIn("--progress lines needs --log-format json", self.corvanta("run", "g.graph", "--progress=lines", status=2).stderr)
+
+    def test_a_graph_from_standard_input(self):
+        self.graph(self.writer("<writeCSV fileName='o.csv'/>"))
+        graph = (self.folder / "g.graph").read_text()
+        (self.folder / "elsewhere").mkdir()
+        name = str(self.folder / "new.graph")
+        self.corvanta("run", "-", "--name", name, input=graph)
+        self.assertEqual((self.folder / "o.csv").read_text(), "a,day\n1,2020-01-01\n")
+        error = self.corvanta("check", "-", "--name", name, input=graph.replace("in.csv", "no.csv"), status=2).stderr
+        self.assertIn(f"{name}:2: ", error)
+        with open(self.folder / "closed", "wb") as closed:
+            error = subprocess.run([CORVANTA, "run", "-"], stdin=closed, capture_output=True, text=True, check=False).stderr
+        self.assertIn("standard input:", error)
+        self.assertIn("standard input:1: ", self.corvanta("run", "-", input="<grap", status=2).stderr)
+        self.assertIn('--name needs "-" as the graph', self.corvanta("run", "g.graph", "--name", name, status=2).stderr)
+
     def test_files_that_are_too_large_for_a_graph(self):
         for size, problem in ((256 << 20, "not well-formed XML"), ((256 << 20) + 1, "the file is too large for a graph")):
             with open(self.folder / "large.graph", "wb") as file:

@@ -113,6 +113,8 @@ public:
     /// True if an action of the graph has the output pin, which a listener can then read. False
     /// also for an unknown action or type.
     bool hasOutputPin(const corvanta::ActionRegistry &registry, const Pin &pin) const;
+    /// The part of this graph that the action `id` depends on, with the action itself.
+    CorvantaGraph upTo(const QString &id) const;
     /// Index in `actions`; -1 if there is no such action.
     int indexOf(const QString &id) const;
     /// Split "ID:PIN" at its last colon, PIN being at most 10,000; returns nothing if `text` is not

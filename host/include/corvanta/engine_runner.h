@@ -7,9 +7,11 @@
 #include <QStringList>
 #include <QVector>
 
+#include <functional>
 #include <stop_token>
 
 class ActionItem;
+class OneRow;
 class CorvantaGraph;
 class LogSink;
 
@@ -33,6 +35,8 @@ public:
         bool mayWrite = true;    ///< false: an action that writes files is an error
         std::stop_token stop;    ///< ends the run soon
         LogSink *log = nullptr;  ///< null: the program's sink
+        /// Gets the rows instead of rows() and columns(); see RowListener. Null: keep them.
+        std::function<bool(const TableSchema &columns, const OneRow *row)> onRow = nullptr;
     };
     /// Maximum number of rows kept unless the whole table is requested.
     static constexpr int kPreviewRows = 200;

@@ -19,6 +19,7 @@
 
 #include <chrono>
 #include <memory>
+#include <numeric>
 #include <vector>
 
 class LogSink;
@@ -56,12 +57,26 @@ struct RunOptions
 /// The progress of one action. The numbers of different actions are not read at the same instant.
 struct ActionProgress
 {
+    /// From Done on the action is closed.
+    enum class State {
+        Waiting, ///< for its first row, or for another action that uses the same file
+        Running,
+        Done,
+        Warned, ///< done, with a warning
+        Failed,
+        Stopped, ///< the run ended before it was done
+    };
+
     QString id;
     QString type;
-    qint64 rowsIn = 0;     ///< rows taken, summed over the input pins
-    qint64 rowsOut = 0;    ///< rows sent, also to pins that no action reads
-    float fraction = -1;   ///< done, 0 to 1; negative: not known
-    bool finished = false; ///< the action is closed
+    qint64 rowsIn = 0;       ///< rows taken, summed over the input pins
+    QVector<qint64> rowsOut; ///< rows sent by each output pin, also if no action reads it
+    float fraction = -1;     ///< done, 0 to 1; negative: not known
+    State state = State::Waiting;
+
+    bool isFinished() const { return state >= State::Done; }
+    /// Rows sent, summed over the output pins.
+    qint64 allRowsOut() const { return std::accumulate(rowsOut.begin(), rowsOut.end(), qint64(0)); }
 };
 
 /// One run of one graph. Threads: the owner's, except that stop() and progress() may be called from

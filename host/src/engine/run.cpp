@@ -16,6 +16,7 @@
 #include "corvanta/action_registry.h"
 #include "corvanta/failure_reason.h"
 #include "corvanta/main_ui.h"
+#include "engine/action_progress.h"
 #include "engine/graph_links.h"
 #include "engine/pins.h"
 #include "engine/run_sequence.h"
@@ -36,6 +37,8 @@ namespace corvanta {
 
 namespace {
 
+using ActionState = ActionProgress::State;
+
 /// One action of the run, its pins and its thread.
 struct Node
 {
@@ -45,7 +48,7 @@ struct Node
     RunControl ownControl;         // of an action that ends alone, see RunOptions::keepPartial
     RunControl *control = nullptr; // what the action sees: its own, or that of the run
     std::atomic<bool> initialised = false; // atomic: releaseAll() reads it on any thread
-    std::atomic<bool> finished = false;    // atomic: progress() reads it on any thread
+    std::atomic<ActionState> state = ActionState::Waiting; // atomic: progress() reads it
     std::jthread thread; // the last member: joined before the others are destroyed
 };
 
@@ -104,6 +107,7 @@ struct Run::Private
     void endAlone(Node &node, RunControl::Status status);
     bool endedAlone(const Node &node) const;
     bool hasRowsToKeep(const Node &node) const;
+    bool isEnded(const Node &node) const { return !control.isRunning() || endedAlone(node); }
     LogScope::Context logContext(const Node &node) const { return {log, node.id}; }
 };
 
@@ -456,7 +460,7 @@ void Run::Private::closeInitialised()
         if (node->initialised) {
             attempt([&] { node->action->close(); });
         }
-        node->finished = true;
+        node->state = closedState(*node->action, true);
     }
 }
 
@@ -467,9 +471,10 @@ void Run::Private::execute(Node &node) noexcept
     const platform::StopScope stop([&node] { return !node.control->isRunning(); });
     const RunFiles::Scope filesScope(files);
     sequence.waitToStart(node.action->m_idx, control);
+    node.state = ActionState::Running;
     node.ports->gate().release();
     runAndClose(node);
-    node.finished = true;
+    node.state = closedState(*node.action, isEnded(node));
     // Notify with the mutex held: the owner may destroy this object as soon as it sees 0.
     const std::lock_guard lock(mutex);
     if (--running == 0) {
@@ -571,18 +576,7 @@ QVector<ActionProgress> Run::progress() const
 {
     QVector<ActionProgress> all;
     for (const auto &node : d->nodes) {
-        ActionProgress progress;
-        progress.id = node->id;
-        progress.type = QString::fromLatin1(node->action->getTypeName());
-        for (int i = 0; i < node->ports->pinsIn(); ++i) {
-            progress.rowsIn += node->ports->in(i).rowCount();
-        }
-        for (int i = 0; i < node->ports->pinsOut(); ++i) {
-            progress.rowsOut += node->ports->out(i).rowCount();
-        }
-        progress.finished = node->finished;
-        progress.fraction = progress.finished ? 1 : node->action->computeCompletion();
-        all << progress;
+        all << progressOf(node->id, *node->action, *node->ports, node->state);
     }
     return all;
 }

@@ -6,6 +6,8 @@
 
 #include <QFileInfo>
 
+#include <unordered_set>
+
 int CorvantaGraph::indexOf(const QString &id) const
 {
     for (int i = 0; i < actions.size(); ++i) {
@@ -14,6 +16,26 @@ int CorvantaGraph::indexOf(const QString &id) const
         }
     }
     return -1;
+}
+
+CorvantaGraph CorvantaGraph::upTo(const QString &id) const
+{
+    std::unordered_set<QString> needed{id};
+    // Add the sources of all needed actions until nothing changes. Simple, and fast enough for
+    // graphs that a user edits.
+    for (bool grew = true; grew;) {
+        grew = false;
+        for (const Link &link : links) {
+            if (needed.contains(link.to.action) && !needed.contains(link.from.action)) {
+                needed.insert(link.from.action);
+                grew = true;
+            }
+        }
+    }
+    CorvantaGraph part = *this;
+    part.actions.removeIf([&](const Action &action) { return !needed.contains(action.id); });
+    part.links.removeIf([&](const Link &link) { return !needed.contains(link.to.action); });
+    return part;
 }
 
 std::optional<CorvantaGraph::Pin> CorvantaGraph::parsePin(const QString &text)

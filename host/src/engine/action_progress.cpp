@@ -1,0 +1,34 @@
+#include "engine/action_progress.h"
+
+namespace corvanta {
+
+using State = ActionProgress::State;
+
+ActionProgress progressOf(const QString &id, ActionItem &action, Ports &ports, State state)
+{
+    ActionProgress progress{id, QString::fromLatin1(action.getTypeName())};
+    for (int i = 0; i < ports.pinsIn(); ++i) {
+        progress.rowsIn += ports.in(i).rowCount();
+    }
+    for (int i = 0; i < ports.pinsOut(); ++i) {
+        progress.rowsOut << ports.out(i).rowCount();
+    }
+    // An action with input pins that has taken no row has nothing to do yet.
+    const bool waits = state == State::Running && ports.pinsIn() > 0 && progress.rowsIn == 0;
+    progress.state = waits ? State::Waiting : state;
+    progress.fraction = progress.isFinished() ? 1 : action.computeCompletion();
+    return progress;
+}
+
+State closedState(const ActionItem &action, bool isEnded)
+{
+    if (action.errorFlag() != 0) {
+        return State::Failed;
+    }
+    if (isEnded) {
+        return State::Stopped;
+    }
+    return action.warningFlag() != 0 ? State::Warned : State::Done;
+}
+
+} // namespace corvanta
