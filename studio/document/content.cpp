@@ -1,0 +1,39 @@
+// A state of a graph as the host knows it.
+#include "studio/document/content.h"
+
+#include <algorithm>
+
+namespace corvanta::studio {
+
+int Content::indexOf(const QString &id) const
+{
+    const auto found = std::find_if(nodes.begin(), nodes.end(),
+                                    [&](const NodePtr &node) { return node->id == id; });
+    return found == nodes.end() ? -1 : static_cast<int>(found - nodes.begin());
+}
+
+int Content::indexOf(const LinkRef &link) const
+{
+    const auto found = std::find_if(wires.begin(), wires.end(),
+                                    [&](const Wire &wire) { return wire.ends == link; });
+    return found == wires.end() ? -1 : static_cast<int>(found - wires.begin());
+}
+
+CorvantaGraph Content::graph() const
+{
+    CorvantaGraph graph;
+    graph.variables = variables;
+    graph.actions.reserve(nodes.size());
+    for (const NodePtr &node : nodes) {
+        graph.actions.append(CorvantaGraph::Action{node->id, node->element, node->position.x(),
+                                                   node->position.y(), node->comment});
+    }
+    graph.links.reserve(wires.size());
+    for (const Wire &wire : wires) {
+        const auto &[from, to] = wire.ends;
+        graph.links.append(CorvantaGraph::Link{{from.action, from.pin}, {to.action, to.pin}});
+    }
+    return graph;
+}
+
+} // namespace corvanta::studio

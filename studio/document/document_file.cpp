@@ -1,0 +1,275 @@
+// A recovery file: a line of JSON with the name of the original, then the graph.
+#include "studio/document/document_file.h"
+
+#include "corvanta/failure_reason.h"
+#include "corvanta/target_file.h"
+#include "studio/document/problem_watch.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <QUuid>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+namespace {
+
+constexpr auto kRecoverySuffix = ".recovery"_L1;
+
+/// The content of a file; null if it cannot be read.
+QByteArray bytesOf(const QString &name)
+{
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+std::unique_ptr<QLockFile> lockOf(const QString &recovery)
+{
+    auto lock = std::make_unique<QLockFile>(recovery + ".lock"_L1);
+    lock->setStaleLockTime(0); // only the end of its process makes it stale
+    return lock;
+}
+
+} // namespace
+
+DocumentFile::DocumentFile(GraphDocument &document)
+    : m_document(document)
+{
+    constexpr int kNoticeDelayMs = 200;
+    m_noticeTimer.setSingleShot(true);
+    m_noticeTimer.setInterval(kNoticeDelayMs);
+    m_recoveryTimer.setSingleShot(true);
+    m_recoveryTimer.setInterval(kRecoveryDelayMs);
+    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, [this] { m_noticeTimer.start(); });
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this,
+            [this] { m_noticeTimer.start(); });
+    connect(&m_noticeTimer, &QTimer::timeout, this, &DocumentFile::noticeChange);
+    connect(&m_recoveryTimer, &QTimer::timeout, this, &DocumentFile::writeRecovery);
+}
+
+DocumentFile::~DocumentFile()
+{
+    removeRecovery();
+}
+
+void DocumentFile::setContent(const QByteArray &bytes)
+{
+    m_content = bytes;
+    if (!m_watcher.files().isEmpty()) {
+        m_watcher.removePaths(m_watcher.files());
+    }
+    if (!m_watcher.directories().isEmpty()) {
+        m_watcher.removePaths(m_watcher.directories());
+    }
+    watch();
+}
+
+/// The folder too: a program that replaces the file ends the watch of the old one.
+void DocumentFile::watch()
+{
+    const QString name = m_document.fileName();
+    if (name.isEmpty()) {
+        return;
+    }
+    const QString folder = QFileInfo(name).absolutePath();
+    if (!m_watcher.directories().contains(folder)) {
+        m_watcher.addPath(folder);
+    }
+    if (!m_watcher.files().contains(name) && QFileInfo::exists(name)) {
+        m_watcher.addPath(name);
+    }
+}
+
+bool DocumentFile::hasChanged() const
+{
+    const QString name = m_document.fileName();
+    return !name.isEmpty() && !m_content.isNull() && bytesOf(name) != m_content;
+}
+
+void DocumentFile::noticeChange()
+{
+    watch();
+    if (hasChanged()) {
+        Q_EMIT m_document.changedOnDisk();
+    }
+}
+
+void DocumentFile::scheduleRecovery()
+{
+    if (!m_recoveryTimer.isActive()) {
+        m_recoveryTimer.start();
+    }
+}
+
+void DocumentFile::writeRecovery()
+{
+    if (!m_document.isModified()) {
+        removeRecovery();
+        return;
+    }
+    if (m_recovery.isEmpty()) {
+        QDir().mkpath(recoveryFolder());
+        m_recovery = recoveryFolder() + u'/' + QUuid::createUuid().toString(QUuid::WithoutBraces) +
+                     kRecoverySuffix;
+        m_lock = lockOf(m_recovery);
+        m_lock->tryLock();
+    }
+    // Not a TargetFile: its flush to the device would take too long for every edit.
+    QSaveFile file(m_recovery);
+    const QJsonObject head{{u"original"_s, m_document.fileName()}};
+    if (file.open(QIODevice::WriteOnly)) {
+        file.write(QJsonDocument(head).toJson(QJsonDocument::Compact) + '\n' + m_document.toXml());
+        file.commit();
+    }
+}
+
+void DocumentFile::removeRecovery()
+{
+    m_recoveryTimer.stop();
+    if (!m_recovery.isEmpty()) {
+        QFile::remove(m_recovery);
+        m_lock.reset();
+        m_recovery.clear();
+    }
+}
+
+QString DocumentFile::recoveryFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + "/recovery"_L1;
+}
+
+QVector<GraphDocument::Recovery> DocumentFile::recoveries()
+{
+    QVector<GraphDocument::Recovery> all;
+    const QFileInfoList files =
+        QDir(recoveryFolder()).entryInfoList({u'*' + kRecoverySuffix}, QDir::Files, QDir::Time);
+    for (const QFileInfo &info : files) {
+        const auto lock = lockOf(info.absoluteFilePath());
+        if (lock->tryLock(0)) { // released at the end of the block
+            const QByteArray head = bytesOf(info.absoluteFilePath()).split('\n').first();
+            all.append({info.absoluteFilePath(),
+                        QJsonDocument::fromJson(head).object().value("original"_L1).toString(),
+                        info.lastModified()});
+        }
+    }
+    return all;
+}
+
+QByteArray DocumentFile::recoveredText(const QString &file)
+{
+    const QByteArray bytes = bytesOf(file);
+    const qsizetype end = bytes.indexOf('\n');
+    return end < 0 ? QByteArray() : bytes.mid(end + 1);
+}
+
+GraphDocument::FileResult<std::unique_ptr<GraphDocument>>
+GraphDocument::open(const QString &file, const ActionRegistry &registry)
+{
+    auto document = std::make_unique<GraphDocument>(registry);
+    document->m_graph.fileName = QFileInfo(file).absoluteFilePath();
+    if (const auto loaded = document->reload(); !loaded) {
+        return loaded.fault();
+    }
+    return document;
+}
+
+GraphDocument::FileResult<void> GraphDocument::reload()
+{
+    const QString name = fileName();
+    // The host's reader knows what cannot be read: folders, pipes, files that are too large.
+    const auto checked = CorvantaGraph::load(name);
+    const QByteArray text = bytesOf(name);
+    if (!checked && text.isEmpty()) {
+        return Fault{FileError::CannotRead, checked.fault().code.value(0).text};
+    }
+    if (const auto loaded = load(text, name); !loaded) {
+        return loaded;
+    }
+    m_isRecovered = false;
+    m_file->setContent(text);
+    m_file->removeRecovery();
+    Q_EMIT reloaded();
+    Q_EMIT modifiedChanged(false);
+    return {};
+}
+
+GraphDocument::FileResult<void> GraphDocument::write(const QString &file)
+{
+    const QByteArray text = toXml();
+    TargetFile target;
+    const bool isWritten =
+        target.open(file, {}) && target.write(text.constData(), text.size()) && target.commit();
+    if (!isWritten) {
+        return Fault{FileError::CannotWrite,
+                     tr("“%1” cannot be written: %2").arg(file, failureReason(target))};
+    }
+    m_file->setContent(text);
+    m_file->removeRecovery();
+    m_isRecovered = false;
+    m_undo.setClean();
+    Q_EMIT modifiedChanged(false);
+    return {};
+}
+
+GraphDocument::FileResult<void> GraphDocument::save()
+{
+    return write(fileName());
+}
+
+GraphDocument::FileResult<void> GraphDocument::saveAs(const QString &file)
+{
+    const QString name = QFileInfo(file).absoluteFilePath();
+    const QString before = std::exchange(m_graph.fileName, name);
+    if (auto written = write(name); !written) {
+        m_graph.fileName = before;
+        return written;
+    }
+    rebuildGraph();
+    m_problems->schedule();
+    Q_EMIT fileNameChanged();
+    return {};
+}
+
+bool GraphDocument::hasChangedOnDisk() const
+{
+    return m_file->hasChanged();
+}
+
+QVector<GraphDocument::Recovery> GraphDocument::recoveries()
+{
+    return DocumentFile::recoveries();
+}
+
+GraphDocument::FileResult<std::unique_ptr<GraphDocument>>
+GraphDocument::recover(const Recovery &recovery, const ActionRegistry &registry)
+{
+    auto document = std::make_unique<GraphDocument>(registry);
+    const QByteArray text = DocumentFile::recoveredText(recovery.file);
+    if (const auto loaded = document->load(text, recovery.original); !loaded) {
+        return loaded.fault();
+    }
+    document->m_isRecovered = true;
+    document->m_file->setContent(bytesOf(recovery.original));
+    document->m_file->scheduleRecovery();
+    discard(recovery);
+    return document;
+}
+
+void GraphDocument::discard(const Recovery &recovery)
+{
+    QFile::remove(recovery.file);
+}
+
+void GraphDocument::discardRecovery()
+{
+    m_file->removeRecovery();
+}
+
+} // namespace corvanta::studio

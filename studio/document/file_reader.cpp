@@ -1,0 +1,110 @@
+// Of several actions for one extension the first family counts, see FileFormat::Family.
+#include "studio/document/file_reader.h"
+
+#include "corvanta/action_parameters.h"
+#include "corvanta/action_registry.h"
+#include "corvanta/lists.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <sstream>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+namespace {
+
+struct Reader
+{
+    const ActionItem *prototype = nullptr; ///< null: there is none
+    const FileFormat *format = nullptr;
+};
+
+/// The extension of the content: "csv" for a.csv.gz.
+QString contentExtension(const QString &file)
+{
+    const QFileInfo info(file);
+    const QString extension = info.suffix().toLower();
+    return extension == "gz"_L1 || extension == "z"_L1
+               ? QFileInfo(info.completeBaseName()).suffix().toLower()
+               : extension;
+}
+
+Reader findReader(const ActionRegistry &registry, const QString &extension)
+{
+    Reader best;
+    for (const auto &prototype : registry.prototypes()) {
+        const auto *const parameters = dynamic_cast<const ActionParameters *>(prototype.get());
+        for (const FileFormat &format :
+             parameters != nullptr ? parameters->fileFormats() : std::span<const FileFormat>()) {
+            const bool isEarlier = best.format == nullptr || format.family < best.format->family;
+            if (format.use == FileFormat::Read && isEarlier &&
+                wordsOf(format.extensions).contains(extension)) {
+                best = {prototype.get(), &format};
+            }
+        }
+    }
+    return best;
+}
+
+/// Index of the parameter that names the input; every reader of files has one.
+int inputParameter(const ActionParameters &parameters)
+{
+    const QVector<ParameterInfo> infos = parameters.parameters();
+    const auto found = std::find_if(infos.begin(), infos.end(), [](const ParameterInfo &info) {
+        return info.file == ParameterInfo::File::Input;
+    });
+    return static_cast<int>(found - infos.begin());
+}
+
+} // namespace
+
+QString readerType(const ActionRegistry &registry, const QString &file)
+{
+    const Reader reader = findReader(registry, contentExtension(file));
+    return reader.prototype == nullptr ? QString()
+                                       : QString::fromLatin1(reader.prototype->getTypeName());
+}
+
+std::unique_ptr<ActionItem> makeReader(const ActionRegistry &registry, const QString &file,
+                                       GlobalParameters *global)
+{
+    const QString extension = contentExtension(file);
+    const auto [prototype, format] = findReader(registry, extension);
+    const auto *const described = dynamic_cast<const ActionParameters *>(prototype);
+    if (described == nullptr) {
+        return nullptr;
+    }
+    const int index = inputParameter(*described);
+    // A new action chooses defaults by the extension of its file, which a compressed file hides.
+    const auto element =
+        XMLNode::parse(u"<%1 %2='file.%3'/>"_s
+                           .arg(QString::fromLatin1(prototype->getTypeName()),
+                                described->parameters().value(index).name, extension)
+                           .toUtf8());
+    std::unique_ptr<ActionItem> action = element ? registry.create(*element, global) : nullptr;
+    auto *const parameters = dynamic_cast<ActionParameters *>(action.get());
+    if (parameters == nullptr) {
+        return nullptr;
+    }
+    parameters->setParameterValue(index, QFileInfo(file).absoluteFilePath());
+    for (const QString &setting : wordsOf(format->settings)) {
+        const qsizetype equals = setting.indexOf(u'=');
+        parameters->setParameterValue(parameters->indexOfParameter(setting.left(equals)),
+                                      setting.mid(equals + 1));
+    }
+    return action;
+}
+
+XMLNode savedElement(ActionItem &action)
+{
+    std::wostringstream out;
+    out.exceptions(std::ios::badbit); // otherwise text is lost when there is no memory
+    action.save(out, QString::fromLatin1(action.getTypeName()));
+    const auto node = XMLNode::parse(QString::fromStdWString(out.str()).toUtf8());
+    return node ? *node : XMLNode();
+}
+
+} // namespace corvanta::studio

@@ -1,0 +1,99 @@
+// Checks a copy of the document. A problem names its line; the line belongs to the action that
+// begins there or before.
+#include "studio/document/problem_watch.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+namespace {
+
+/// The id of the action whose element contains a line; empty for a line of a link.
+QString actionAtLine(const CorvantaGraph &graph, int line)
+{
+    QString id;
+    int start = 0;
+    for (const CorvantaGraph::Action &action : graph.actions) {
+        if (action.line <= line && action.line > start) {
+            start = action.line;
+            id = action.id;
+        }
+    }
+    const bool isLink = std::any_of(graph.links.begin(), graph.links.end(), [&](const auto &link) {
+        return link.line <= line && link.line > start;
+    });
+    return isLink ? QString() : id;
+}
+
+/// Without "FILE:LINE: ".
+GraphProblem problemOf(const CorvantaGraph &graph, const CorvantaGraph::Problem &problem)
+{
+    static const QRegularExpression place(u"^(?::(\\d+))?: "_s);
+    GraphProblem found{problem.text, {}, problem.kind};
+    if (found.text.startsWith(graph.fileName)) {
+        found.text.remove(0, graph.fileName.size());
+        const QRegularExpressionMatch match = place.match(found.text);
+        found.text.remove(0, match.capturedLength());
+        if (match.hasCaptured(1)) {
+            found.action = actionAtLine(graph, match.captured(1).toInt());
+        }
+    }
+    return found;
+}
+
+CorvantaGraph::Problems problemsIn(const CorvantaGraph &graph, const ActionRegistry &registry)
+{
+    const CorvantaGraph::Problems invalid = graph.validate(registry, {});
+    return !invalid.isEmpty() ? invalid : graph.check(registry, {}, {});
+}
+
+QVector<GraphProblem> problemsOf(const QByteArray &text, const QString &fileName,
+                                 const ActionRegistry &registry)
+{
+    // A graph without a file needs some name, so that its problems have lines.
+    const auto graph = CorvantaGraph::parse(text, fileName.isEmpty() ? u"graph"_s : fileName);
+    QVector<GraphProblem> problems;
+    if (!graph) {
+        CorvantaGraph unreadable;
+        unreadable.fileName = fileName.isEmpty() ? u"graph"_s : fileName;
+        for (const auto &problem : graph.fault().code) {
+            problems.append(problemOf(unreadable, problem));
+        }
+        return problems;
+    }
+    for (const auto &problem : problemsIn(*graph, registry)) {
+        problems.append(problemOf(*graph, problem));
+    }
+    return problems;
+}
+
+} // namespace
+
+ProblemWatch::ProblemWatch(GraphDocument &document, std::function<void()> changed)
+    : m_document(document)
+    , m_changed(std::move(changed))
+{
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(kDelayMs);
+    connect(&m_timer, &QTimer::timeout, this, &ProblemWatch::check);
+}
+
+void ProblemWatch::check()
+{
+    m_background.start([this, text = m_document.toXml(), file = m_document.fileName(),
+                        &registry = m_document.registry()](const std::stop_token &) {
+        const QVector<GraphProblem> problems = problemsOf(text, file, registry);
+        return [this, problems] {
+            if (m_problems != problems) {
+                m_problems = problems;
+                m_changed();
+            }
+        };
+    });
+}
+
+} // namespace corvanta::studio

@@ -1,0 +1,497 @@
+// Splits and composes the text of a graph file.
+//
+//     text = begin, (before, element)*, end
+//
+//     begin   "<?xml ...?> ... <graph ...>"
+//     before  white space, comments, processing instructions
+//     element "<action ...>...</action>", "<link .../>", "<variable .../>", or an unknown one
+//     end     what follows the last element, "</graph>" and the rest of the file
+#include "studio/document/source_text.h"
+
+#include <QHash>
+#include <QLocale>
+#include <QStringDecoder>
+#include <QXmlStreamReader>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+namespace {
+
+QString escaped(const QString &text)
+{
+    return QString::fromWCharArray(ToXMLStringTool().toXML(text));
+}
+
+QString attributeText(const QString &name, const QString &value)
+{
+    return u" %1='%2'"_s.arg(name, escaped(value));
+}
+
+/// The index after the tag, comment or other markup that begins at `at`.
+qsizetype endOfMarkup(const QString &text, qsizetype at)
+{
+    const auto after = [&](QLatin1StringView mark) {
+        const qsizetype end = text.indexOf(mark, at);
+        return end < 0 ? text.size() : end + mark.size();
+    };
+    const QStringView rest = QStringView(text).mid(at);
+    if (rest.startsWith("<!--"_L1)) {
+        return after("-->"_L1);
+    }
+    if (rest.startsWith("<![CDATA["_L1)) {
+        return after("]]>"_L1);
+    }
+    if (rest.startsWith("<?"_L1)) {
+        return after("?>"_L1);
+    }
+    QChar quote;
+    int brackets = 0; // of a document type
+    for (qsizetype i = at; i < text.size(); ++i) {
+        const QChar c = text[i];
+        if (!quote.isNull()) {
+            quote = c == quote ? QChar() : quote;
+        } else if (c == u'"' || c == u'\'') {
+            quote = c;
+        } else if (c == u'[' || c == u']') {
+            brackets += c == u'[' ? 1 : -1;
+        } else if (c == u'>' && brackets == 0) {
+            return i + 1;
+        }
+    }
+    return text.size();
+}
+
+enum class Markup { Start, End, Empty, Other };
+
+Markup kindOf(QStringView markup)
+{
+    if (markup.startsWith("<!"_L1) || markup.startsWith("<?"_L1)) {
+        return Markup::Other;
+    }
+    if (markup.startsWith("</"_L1)) {
+        return Markup::End;
+    }
+    return markup.endsWith("/>"_L1) ? Markup::Empty : Markup::Start;
+}
+
+/// A piece of markup of a text.
+struct MarkupRange
+{
+    qsizetype begin = -1; ///< negative: there is none
+    qsizetype end = -1;
+    Markup kind = Markup::Other;
+};
+
+MarkupRange nextMarkup(const QString &text, qsizetype from)
+{
+    const qsizetype begin = text.indexOf(u'<', from);
+    if (begin < 0) {
+        return {};
+    }
+    const qsizetype end = endOfMarkup(text, begin);
+    return {begin, end, kindOf(QStringView(text).mid(begin, end - begin))};
+}
+
+/// The index after the element that begins with `start`.
+qsizetype endOfElement(const QString &text, MarkupRange start)
+{
+    int depth = 0;
+    for (; start.begin >= 0; start = nextMarkup(text, start.end)) {
+        depth += start.kind == Markup::Start ? 1 : start.kind == Markup::End ? -1 : 0;
+        if (depth == 0 && start.kind != Markup::Other) {
+            return start.end;
+        }
+    }
+    return text.size();
+}
+
+/// The first element of the text from an index on; begin is negative if there is none before the
+/// next end tag.
+MarkupRange firstElement(const QString &text, qsizetype from)
+{
+    MarkupRange markup = nextMarkup(text, from);
+    while (markup.begin >= 0 && markup.kind == Markup::Other) {
+        markup = nextMarkup(text, markup.end);
+    }
+    if (markup.begin < 0 || markup.kind == Markup::End) {
+        return {};
+    }
+    return {markup.begin, endOfElement(text, markup), markup.kind};
+}
+
+/// Give an attribute of the start tag another value; a null value removes it.
+void setAttribute(QString *element, const QString &name, const QString &value)
+{
+    const qsizetype end = endOfMarkup(*element, 0);
+    const QString written = value.isNull() ? QString() : attributeText(name, value);
+    qsizetype at = 1;
+    while (at < end && !(*element)[at].isSpace() && (*element)[at] != u'>' &&
+           (*element)[at] != u'/') {
+        ++at;
+    }
+    while (at < end) {
+        // One attribute: white space, name, "=", value in quotes.
+        const qsizetype equals = element->indexOf(u'=', at);
+        if (equals < 0 || equals >= end) {
+            break;
+        }
+        qsizetype quote = equals + 1;
+        while ((*element)[quote].isSpace()) {
+            ++quote;
+        }
+        const qsizetype close = element->indexOf((*element)[quote], quote + 1);
+        if (QStringView(*element).mid(at, equals - at).trimmed() == name) {
+            element->replace(at, close + 1 - at, written);
+            return;
+        }
+        at = close + 1;
+    }
+    element->insert(at, written);
+}
+
+/// The element of the parameters in the form in which the host writes it, inside an action.
+QString writtenElement(const XMLNode &element)
+{
+    CorvantaGraph graph;
+    graph.actions.append({u"a"_s, element});
+    const QString text = QString::fromUtf8(graph.toXml());
+    const qsizetype begin = text.indexOf("<action id='a'>"_L1) + 15;
+    return text.mid(begin, text.lastIndexOf("</action>"_L1) - begin);
+}
+
+QString pinText(const PinRef &pin)
+{
+    return pin.action + u':' + QString::number(pin.pin);
+}
+
+QString numberText(double position)
+{
+    return QString::number(qRound64(position));
+}
+
+/// The attributes of an action; null: not written.
+struct ActionAttributes
+{
+    explicit ActionAttributes(const Node &node)
+        : comment(node.comment.isEmpty() ? QString() : node.comment)
+    {
+        if (node.isPlaced) {
+            x = numberText(node.position.x());
+            y = numberText(node.position.y());
+        }
+    }
+    QString x;
+    QString y;
+    QString comment;
+};
+
+QString newAction(const Node &node)
+{
+    const ActionAttributes attributes(node);
+    QString text = u"<action"_s + attributeText(u"id"_s, node.id);
+    for (const auto &[name, value] : {std::pair(u"x"_s, attributes.x),
+                                      {u"y"_s, attributes.y},
+                                      {u"comment"_s, attributes.comment}}) {
+        text += value.isNull() ? QString() : attributeText(name, value);
+    }
+    return text + u'>' + writtenElement(node.element) + u"</action>"_s;
+}
+
+QString newLink(const LinkRef &link)
+{
+    return u"<link"_s + attributeText(u"from"_s, pinText(link.from)) +
+           attributeText(u"to"_s, pinText(link.to)) + u"/>"_s;
+}
+
+QString newVariable(const QString &name, const QString &value)
+{
+    return u"<variable"_s + attributeText(u"name"_s, name) + attributeText(u"value"_s, value) +
+           u"/>"_s;
+}
+
+} // namespace
+
+SourceText::SourceText() = default;
+
+bool SourceText::split(const QByteArray &document)
+{
+    *this = SourceText();
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless |
+                                                     QStringDecoder::Flag::ConvertInitialBom);
+    m_text = decoder(document);
+    // A declaration of another encoding would make the saved text wrong.
+    if (decoder.hasError() || m_text.toUtf8() != document) {
+        m_text.clear();
+        return false;
+    }
+    const MarkupRange root = firstElement(m_text, 0);
+    qsizetype at = endOfMarkup(m_text, root.begin);
+    if (m_text[at - 2] == u'/') { // "<graph/>"
+        m_text.clear();
+        return false;
+    }
+    m_begin = m_text.left(at);
+    std::array<int, 4> numbers{};
+    for (MarkupRange element = firstElement(m_text, at); element.begin >= 0;
+         element = firstElement(m_text, at)) {
+        Element next = elementAt(element.begin, element.end);
+        next.before = m_text.mid(at, element.begin - at);
+        next.number = numbers[static_cast<size_t>(next.kind)]++;
+        m_elements.append(std::move(next));
+        at = element.end;
+    }
+    m_end = m_text.mid(at);
+    return true;
+}
+
+SourceText::Element SourceText::elementAt(qsizetype begin, qsizetype end) const
+{
+    Element element;
+    element.text = m_text.mid(begin, end - begin);
+    QXmlStreamReader reader(element.text);
+    reader.setNamespaceProcessing(false); // prefixes are declared outside
+    reader.readNextStartElement();
+    const QString name = reader.qualifiedName().toString();
+    element.kind = name == "action"_L1     ? Kind::Action
+                   : name == "link"_L1     ? Kind::Link
+                   : name == "variable"_L1 ? Kind::Variable
+                                           : Kind::Other;
+    const QXmlStreamAttributes attributes = reader.attributes();
+    for (const QXmlStreamAttribute &attribute : attributes) {
+        element.attributes.insert(attribute.qualifiedName().toString(),
+                                  attribute.value().toString());
+    }
+    return element;
+}
+
+QByteArray SourceText::knownPart() const
+{
+    QString text = m_begin;
+    for (const Element &element : m_elements) {
+        text += element.before;
+        if (element.kind != Kind::Other) {
+            text += element.text;
+            continue;
+        }
+        // Line feeds stay, so that messages name the right lines.
+        text += QString(element.text.count(u'\n'), u'\n');
+    }
+    return (text + m_end).toUtf8();
+}
+
+bool SourceText::hasPosition(int index) const
+{
+    return std::any_of(m_elements.begin(), m_elements.end(), [&](const Element &element) {
+        return element.kind == Kind::Action && element.number == index &&
+               (element.attributes.contains(u"x"_s) || element.attributes.contains(u"y"_s));
+    });
+}
+
+/// Composes the text of one state.
+class SourceText::Composer
+{
+public:
+    Composer(const SourceText &source, const Content &content)
+        : m_source(source)
+        , m_content(content)
+        , m_lineEnd(source.m_text.contains("\r\n"_L1) ? u"\r\n"_s : u"\n"_s)
+    {
+        for (const NodePtr &node : content.nodes) {
+            m_nodes.insert(node->origin, node);
+        }
+        for (const Wire &wire : content.wires) {
+            m_wires.insert(wire.origin, &wire);
+        }
+        for (const Element &element : source.m_elements) {
+            ++m_left[static_cast<size_t>(element.kind)];
+            if (element.kind == Kind::Variable) {
+                m_lastVariables.insert(element.attributes.value(u"name"_s), element.number);
+            }
+        }
+    }
+
+    QString text()
+    {
+        m_text = m_source.m_begin;
+        addNewKinds(Kind::Other);
+        for (const Element &element : m_source.m_elements) {
+            addElement(element);
+            if (--m_left[static_cast<size_t>(element.kind)] == 0) {
+                addNewOf(element.kind);
+                addNewKinds(element.kind);
+            }
+        }
+        return m_text + m_source.m_end;
+    }
+
+private:
+    /// New elements of kinds that the file does not have follow those of the kind before.
+    void addNewKinds(Kind after)
+    {
+        for (int kind = after == Kind::Other ? 0 : static_cast<int>(after) + 1;
+             kind < static_cast<int>(Kind::Other); ++kind) {
+            if (m_left[static_cast<size_t>(kind)] != 0 || m_isAdded[static_cast<size_t>(kind)]) {
+                break;
+            }
+            addNewOf(static_cast<Kind>(kind));
+        }
+    }
+
+    void addNewOf(Kind kind)
+    {
+        if (m_isAdded[static_cast<size_t>(kind)]) {
+            return;
+        }
+        m_isAdded[static_cast<size_t>(kind)] = true;
+        if (kind == Kind::Variable) {
+            for (auto it = m_content.variables.begin(); it != m_content.variables.end(); ++it) {
+                if (!m_lastVariables.contains(it.key())) {
+                    addLine(newVariable(it.key(), it.value()));
+                }
+            }
+        } else if (kind == Kind::Action) {
+            for (const NodePtr &node : m_content.nodes) {
+                if (node->origin < 0) {
+                    addLine(newAction(*node));
+                }
+            }
+        } else if (kind == Kind::Link) {
+            for (const Wire &wire : m_content.wires) {
+                if (wire.origin < 0) {
+                    addLine(newLink(wire.ends));
+                }
+            }
+        }
+    }
+
+    void addLine(QString element)
+    {
+        if (m_lineEnd != "\n"_L1) {
+            element.replace(u'\n', m_lineEnd);
+        }
+        m_text += m_lineEnd + u"  "_s + element;
+    }
+
+    void addElement(const Element &element)
+    {
+        const QString text = current(element);
+        if (!text.isEmpty()) {
+            m_text += element.before + text;
+        } else if (!element.before.trimmed().isEmpty()) {
+            // A comment may be about more than the element after it.
+            m_text += element.before.left(element.before.lastIndexOf(u'>') + 1);
+        }
+    }
+
+    /// The text of an element now; empty if it has been removed.
+    QString current(const Element &element) const
+    {
+        switch (element.kind) {
+        case Kind::Action:
+            return m_nodes.contains(element.number)
+                       ? currentAction(element, *m_nodes.value(element.number))
+                       : QString();
+        case Kind::Link:
+            return m_wires.contains(element.number)
+                       ? currentLink(element, m_wires.value(element.number)->ends)
+                       : QString();
+        case Kind::Variable:
+            return currentVariable(element);
+        case Kind::Other:
+            break;
+        }
+        return element.text;
+    }
+
+    static QString currentAction(const Element &element, const Node &node)
+    {
+        QString text = element.text;
+        if (node.isElementEdited) {
+            const MarkupRange old = firstElement(text, endOfMarkup(text, 0));
+            text.replace(old.begin, old.end - old.begin, writtenElement(node.element).trimmed());
+        }
+        const auto update = [&](const QString &name, const QString &value) {
+            if (element.attributes.value(name) != value) {
+                setAttribute(&text, name, value);
+            }
+        };
+        const ActionAttributes now(node);
+        // From the last to the first, because a new attribute is inserted after the others.
+        update(u"id"_s, node.id);
+        if (node.isPlaced && !isAt(element, node.position)) {
+            update(u"x"_s, now.x);
+            update(u"y"_s, now.y);
+        }
+        update(u"comment"_s, now.comment);
+        return text;
+    }
+
+    /// Positions of the file need not be whole numbers.
+    static bool isAt(const Element &element, QPointF position)
+    {
+        return qRound64(element.attributes.value(u"x"_s).toDouble()) == qRound64(position.x()) &&
+               qRound64(element.attributes.value(u"y"_s).toDouble()) == qRound64(position.y()) &&
+               (element.attributes.contains(u"x"_s) || element.attributes.contains(u"y"_s));
+    }
+
+    static QString currentLink(const Element &element, const LinkRef &ends)
+    {
+        QString text = element.text;
+        for (const auto &[name, pin] : {std::pair(u"from"_s, ends.from), {u"to"_s, ends.to}}) {
+            const auto old = CorvantaGraph::parsePin(element.attributes.value(name));
+            if (!old || old->action != pin.action || old->pin != pin.pin) {
+                setAttribute(&text, name, pinText(pin));
+            }
+        }
+        return text;
+    }
+
+    QString currentVariable(const Element &element) const
+    {
+        const QString name = element.attributes.value(u"name"_s);
+        if (!m_content.variables.contains(name)) {
+            return {};
+        }
+        QString text = element.text;
+        // Of equal names the last one counts.
+        const QString value = m_content.variables.value(name);
+        if (m_lastVariables.value(name) == element.number &&
+            element.attributes.value(u"value"_s) != value) {
+            setAttribute(&text, u"value"_s, value);
+        }
+        return text;
+    }
+
+    const SourceText &m_source;
+    const Content &m_content;
+    QString m_lineEnd;
+    QString m_text;
+    QHash<int, NodePtr> m_nodes;         // by origin
+    QHash<int, const Wire *> m_wires;    // by origin
+    QHash<QString, int> m_lastVariables; // number of the last element, by name
+    std::array<int, 4> m_left{};         // elements that follow, by kind
+    std::array<bool, 4> m_isAdded{};     // whether the new elements of the kind are written
+};
+
+QByteArray SourceText::compose(const Content &content, double version) const
+{
+    if (!isNew()) {
+        return Composer(*this, content).text().toUtf8();
+    }
+    SourceText empty;
+    empty.m_begin = u"<graph>"_s;
+    if (version >= 0) {
+        empty.m_begin.insert(
+            6, attributeText(u"version"_s,
+                             QString::number(version, 'g', QLocale::FloatingPointShortest)));
+    }
+    empty.m_end = u"\n</graph>\n"_s;
+    return Composer(empty, content).text().toUtf8();
+}
+
+} // namespace corvanta::studio
