@@ -25,9 +25,10 @@ public:
     }
     void add(quint64 hash)
     {
-        if (hash != m_last && !isOver()) {
-            m_last = hash;
-            insert(hash == kFree ? 1 : hash);
+        const quint64 used = hash == kFree ? 1 : hash;
+        if (used != m_last && !isOver()) {
+            m_last = used;
+            insert(used);
         }
     }
     /// More than the limit were added.

@@ -90,6 +90,7 @@ bool EngineRunner::run(const CorvantaGraph &graph, const ActionRegistry &registr
     };
     RunOptions runOptions;
     runOptions.log = options.log;
+    runOptions.keepPartial = true; // the rows before a failure
     runOptions.listeners.push_back(
         {u"preview"_s, *source,
          std::make_unique<RowListener>(options.onRow ? options.onRow

@@ -103,7 +103,7 @@ struct Run::Private
     void syncNewFiles();
     void endRun(RunControl::Status status);
     void releaseAll();
-    void giveOwnControls(const CorvantaGraph &graph);
+    void giveOwnControl(const CorvantaGraph &graph, const CorvantaGraph::Pin &from);
     void endAlone(Node &node, RunControl::Status status);
     bool endedAlone(const Node &node) const;
     bool hasRowsToKeep(const Node &node) const;
@@ -141,7 +141,12 @@ void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &regis
     }
     endUnlinkedPins(graph);
     if (options.keepPartial) {
-        giveOwnControls(graph);
+        for (const CorvantaGraph::Link &link : graph.links) {
+            giveOwnControl(graph, link.from);
+        }
+        for (const Listener &listener : options.listeners) {
+            giveOwnControl(graph, listener.from);
+        }
     }
     // After endUnlinkedPins(), which would end the pins of the listeners: the graph has no links to
     // them.
@@ -228,13 +233,11 @@ void Run::Private::connect(const CorvantaGraph &graph, const CorvantaGraph::Pin 
     source.ports->out(from.pin).addReader(&nodes[to]->ports->gate(), pin);
 }
 
-/// Makes every action whose rows another one reads end alone.
-void Run::Private::giveOwnControls(const CorvantaGraph &graph)
+/// Makes an action whose rows another one reads end alone.
+void Run::Private::giveOwnControl(const CorvantaGraph &graph, const CorvantaGraph::Pin &from)
 {
-    for (const CorvantaGraph::Link &link : graph.links) {
-        Node &node = *nodes[static_cast<size_t>(graph.indexOf(link.from.action))];
-        node.action->m_control = node.control = &node.ownControl;
-    }
+    Node &node = *nodes[static_cast<size_t>(graph.indexOf(from.action))];
+    node.action->m_control = node.control = &node.ownControl;
 }
 
 /// Ends one action as if its data ended here.
