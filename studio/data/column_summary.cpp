@@ -1,0 +1,84 @@
+#include "studio/data/column_summary.h"
+
+#include "base/number.h"
+
+#include <functional>
+#include <string_view>
+
+namespace corvanta::studio {
+
+SummaryBuilder::SummaryBuilder(const TableSchema &columns)
+{
+    const size_t maxDistinct = maxDistinctOf(static_cast<size_t>(columns.names.size()));
+    m_columns.reserve(static_cast<size_t>(columns.types.size()));
+    for (const MetaInfo &type : columns.types) {
+        m_columns.push_back({type.cellType(), 0, DistinctCounter(maxDistinct), {}, {}});
+    }
+}
+
+void SummaryBuilder::add(const OneRow &row)
+{
+    const uchar *const *cells = row.getAllColForWrite();
+    for (Column &column : m_columns) {
+        const uchar *const cell = *cells++;
+        switch (column.type) {
+        case cell::Type::Key: {
+            const auto key = loadNative<quint32>(cell);
+            addNumber(key, cell::isMissingKey(key), column);
+            break;
+        }
+        case cell::Type::Double: {
+            const auto value = loadNative<double>(cell);
+            addNumber(value, cell::isMissingDouble(value), column);
+            break;
+        }
+        case cell::Type::Text:
+            addText(cell::readText(cell), column);
+            break;
+        }
+    }
+    ++m_rows;
+}
+
+void SummaryBuilder::addNumber(double value, bool isMissing, Column &column)
+{
+    if (isMissing) {
+        ++column.missing;
+        return;
+    }
+    // Both zeros are one value.
+    column.distinct.add(std::hash<double>()(value));
+    column.numbers.add(value);
+}
+
+void SummaryBuilder::addText(const cell::Text &text, Column &column)
+{
+    if (text.isMissing()) {
+        ++column.missing;
+        return;
+    }
+    column.distinct.add(std::hash<std::u16string_view>()(text.view()));
+    column.texts.add(text.view());
+}
+
+QVector<ColumnSummary> SummaryBuilder::summaries() const
+{
+    constexpr qsizetype kMaxUnits = 1000; // more cannot be shown
+    QVector<ColumnSummary> summaries;
+    summaries.reserve(static_cast<qsizetype>(m_columns.size()));
+    for (const Column &column : m_columns) {
+        ColumnSummary summary{m_rows, column.missing, static_cast<qint64>(column.distinct.count()),
+                              column.distinct.isOver()};
+        if (!column.numbers.isEmpty()) {
+            summary.minimum = shortestText(column.numbers.smallest());
+            summary.maximum = shortestText(column.numbers.largest());
+        } else if (!column.texts.isEmpty()) {
+            summary.minimum = column.texts.smallest().left(kMaxUnits);
+            summary.maximum = column.texts.largest().left(kMaxUnits);
+        }
+        summaries << summary;
+    }
+    return summaries;
+}
+
+} // namespace corvanta::studio

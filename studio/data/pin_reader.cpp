@@ -1,0 +1,251 @@
+#include "studio/data/pin_reader.h"
+
+#include "corvanta/log.h"
+#include "corvanta/main_ui.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+namespace {
+
+constexpr int kPollMs = 40;
+
+/// Keeps the first error with its reason, else the first warning.
+class ProblemSink final : public LogSink
+{
+public:
+    void add(const LogMessage &message) override
+    {
+        const std::lock_guard lock(m_mutex);
+        const QString text = message.text.trimmed();
+        const bool isReason = text.startsWith("Reason: "_L1);
+        if (isReason && m_wantsReason) {
+            m_text += u'\n' + text;
+        }
+        m_wantsReason = !isReason && message.level < m_level;
+        if (m_wantsReason) {
+            m_level = message.level;
+            m_text = text;
+        }
+    }
+    QString text() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_text;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    // Guarded by m_mutex.
+    int m_level = MainUI::Info; // of the text; information is not kept
+    QString m_text;
+    bool m_wantsReason = false; // the last message was kept
+};
+
+} // namespace
+
+PinReader::PinReader(const ActionRegistry &registry, QObject *parent)
+    : QObject(parent)
+    , m_registry(registry)
+    , m_current(std::make_shared<Entry>())
+{
+    m_poll.setInterval(kPollMs);
+    connect(&m_poll, &QTimer::timeout, this, &PinReader::collect);
+}
+
+PinReader::~PinReader()
+{
+    m_worker.stop();
+}
+
+void PinReader::show(const CorvantaGraph &graph, const CorvantaGraph::Pin &pin,
+                     EngineRunner::PinType type)
+{
+    const std::optional<PreviewGraph> preview = previewGraphOf(graph, m_registry, pin, type);
+    if (!preview) {
+        clear();
+        m_current->problem = tr("No rows reach this pin: it has no link.");
+        Q_EMIT changed();
+        return;
+    }
+    const QByteArray key = contentKeyOf(*preview);
+    if (key == m_current->key) {
+        return;
+    }
+    const auto known = std::find_if(m_cache.begin(), m_cache.end(),
+                                    [&](const EntryPtr &entry) { return entry->key == key; });
+    if (known != m_cache.end()) {
+        m_cache.splice(m_cache.begin(), m_cache, known);
+        setCurrent(m_cache.front());
+        return;
+    }
+    m_cache.push_front(std::make_shared<Entry>(Entry{*preview, key, {}, {}}));
+    setCurrent(m_cache.front());
+    read(kFirstRows, false);
+}
+
+void PinReader::clear()
+{
+    setCurrent(std::make_shared<Entry>());
+}
+
+void PinReader::setCurrent(const EntryPtr &entry)
+{
+    stop();
+    m_current = entry;
+    trimCache();
+    Q_EMIT replaced();
+}
+
+void PinReader::stop()
+{
+    if (m_feed != nullptr) {
+        collect();
+    }
+    m_worker.stop();
+    m_poll.stop();
+    m_feed = nullptr;
+    m_isPaused = false;
+    Q_EMIT changed();
+}
+
+qint64 PinReader::nextRows() const
+{
+    // So that few steps lead to many rows, and no step takes long.
+    constexpr qint64 kMaxStep = 100'000;
+    const qint64 shown = std::max(rows().rows, kFirstRows / 10);
+    return std::min(10 * shown, shown + kMaxStep);
+}
+
+bool PinReader::hasMore() const
+{
+    const bool isAllShown = rows().isComplete && rows().rows == rows().rowsRead;
+    return !m_current->key.isEmpty() && !isAllShown && !isFull();
+}
+
+void PinReader::readMore()
+{
+    if (!hasMore() || isReading()) {
+        return;
+    }
+    if (m_isPaused && !m_isForSummaries) {
+        m_isPaused = false;
+        m_feed->want(nextRows());
+        m_poll.start();
+        Q_EMIT changed();
+    } else {
+        read(nextRows(), false);
+    }
+}
+
+void PinReader::summarizeAll()
+{
+    if (m_current->key.isEmpty() || rows().isComplete || isReading()) {
+        return;
+    }
+    if (m_isPaused) {
+        m_isPaused = false;
+        m_isForSummaries = true;
+        m_feed->wantSummaries();
+        m_poll.start();
+        Q_EMIT changed();
+    } else {
+        read(rows().rows, true);
+    }
+}
+
+void PinReader::reload()
+{
+    if (!m_current->key.isEmpty()) {
+        m_current->rows = {};
+        m_current->problem.clear();
+        setCurrent(m_current);
+        read(kFirstRows, false);
+    }
+}
+
+void PinReader::filesChanged(const QStringList &files)
+{
+    m_cache.remove_if([&](const EntryPtr &entry) {
+        return entry != m_current && readsFiles(entry->preview.graph, m_registry, files);
+    });
+    if (readsFiles(m_current->preview.graph, m_registry, files)) {
+        reload();
+    }
+}
+
+/// Starts a run that passes the rows after those that are there.
+void PinReader::read(qint64 wanted, bool isForSummaries)
+{
+    stop();
+    m_current->problem.clear();
+    const PinRows &known = m_current->rows;
+    m_feed = std::make_shared<PinFeed>(known.rows, wanted, kMaxBytes - known.bytes);
+    m_isForSummaries = isForSummaries;
+    if (isForSummaries) {
+        m_feed->wantSummaries();
+    }
+    m_worker.start(
+        [this, preview = m_current->preview, feed = m_feed,
+         &registry = m_registry](const std::stop_token &stop) {
+            ProblemSink log;
+            EngineRunner runner;
+            const auto take = [&](const TableSchema &columns, const OneRow *row) {
+                return feed->take(columns, row, stop);
+            };
+            const bool isGood =
+                runner.run(preview.graph, registry, preview.source.action, preview.source.pin,
+                           EngineRunner::PinOut,
+                           {.mayWrite = false, .stop = stop, .log = &log, .onRow = take});
+            feed->flush();
+            return [this, isGood, text = log.text()] { readEnded(isGood, text); };
+        },
+        [this](const QString &reason) { readEnded(false, reason); });
+    m_poll.start();
+    Q_EMIT changed();
+}
+
+void PinReader::readEnded(bool isGood, const QString &problem)
+{
+    m_poll.stop();
+    const bool hasProblem = !isGood && problem.isEmpty();
+    m_current->problem = hasProblem ? tr("The actions cannot be run.") : problem;
+    if (const std::shared_ptr<PinFeed> feed = std::exchange(m_feed, nullptr)) {
+        feed->collect(&m_current->rows);
+    }
+    m_isPaused = false;
+    trimCache();
+    Q_EMIT changed();
+}
+
+void PinReader::collect()
+{
+    // In this order: what is passed before the pause must not be missed.
+    const bool isPaused = m_feed->isPaused();
+    const bool isNew = m_feed->collect(&m_current->rows);
+    if (isPaused) {
+        m_isPaused = true;
+        m_poll.stop();
+        trimCache();
+    }
+    if (isNew || isPaused) {
+        Q_EMIT changed();
+    }
+}
+
+/// Forgets the pins that were not shown for the longest time.
+void PinReader::trimCache()
+{
+    constexpr size_t kMaxEntries = 64;
+    qsizetype bytes = 0;
+    size_t count = 0;
+    m_cache.remove_if([&](const EntryPtr &entry) {
+        bytes += entry->rows.bytes;
+        return (bytes > kMaxCacheBytes || ++count > kMaxEntries) && entry != m_current;
+    });
+}
+
+} // namespace corvanta::studio

@@ -1,0 +1,157 @@
+#include "studio/run/log_model.h"
+
+#include "corvanta/main_ui.h"
+
+#include <QApplication>
+#include <QStyle>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+namespace {
+
+QIcon iconOf(int level)
+{
+    const QStyle &style = *QApplication::style();
+    return level == MainUI::Error     ? style.standardIcon(QStyle::SP_MessageBoxCritical)
+           : level == MainUI::Warning ? style.standardIcon(QStyle::SP_MessageBoxWarning)
+                                      : QIcon();
+}
+
+} // namespace
+
+QString severityName(int level)
+{
+    switch (level) {
+    case MainUI::Error:
+        return LogModel::tr("Error");
+    case MainUI::Warning:
+        return LogModel::tr("Warning");
+    case MainUI::Info:
+        return LogModel::tr("Info");
+    default:
+        return LogModel::tr("Diagnostic");
+    }
+}
+
+void LogModel::add(const QVector<RunMessage> &messages)
+{
+    const qsizetype room = std::max<qsizetype>(0, kMaxMessages - m_messages.size());
+    const qsizetype kept = std::min(room, messages.size());
+    const auto first = static_cast<int>(m_messages.size());
+    if (kept > 0) {
+        beginInsertRows({}, first, first + static_cast<int>(kept) - 1);
+    }
+    for (qsizetype i = 0; i < messages.size(); ++i) {
+        const RunMessage &message = messages[i];
+        ++m_counts.at(
+            static_cast<size_t>(std::clamp<int>(message.level, MainUI::Error, MainUI::Diagnostic)));
+        if (i >= kept) {
+            continue;
+        }
+        // The command logs the system's reason directly after the message that it explains.
+        const bool isReason = message.text.startsWith("Reason: "_L1) && !m_messages.isEmpty();
+        m_messages.append({message, isReason ? m_messages.constLast().level : message.level});
+        if (!message.action.isEmpty() && !m_actions.contains(message.action)) {
+            m_actions << message.action;
+        }
+    }
+    m_dropped += messages.size() - kept;
+    if (kept > 0) {
+        endInsertRows();
+    }
+}
+
+void LogModel::clear()
+{
+    beginResetModel();
+    m_messages.clear();
+    m_actions.clear();
+    m_counts = {};
+    m_dropped = 0;
+    endResetModel();
+}
+
+int LogModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(m_messages.size());
+}
+
+int LogModel::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(kColumns);
+}
+
+/// A message of several lines takes one line of the table; the tool tip has all of it.
+QString LogModel::cellText(const Entry &entry, int column) const
+{
+    switch (column) {
+    case Severity:
+        return severityName(entry.message.level);
+    case Action:
+        return entry.message.action;
+    default:
+        return entry.message.text.simplified();
+    }
+}
+
+QVariant LogModel::data(const QModelIndex &index, int role) const
+{
+    const Entry &entry = m_messages[index.row()];
+    switch (role) {
+    case Qt::DisplayRole:
+        return cellText(entry, index.column());
+    case Qt::ToolTipRole:
+        // As plain text: a message may contain what looks like markup.
+        return index.column() == Text ? entry.message.text.toHtmlEscaped().replace(u'\n', "<br>"_L1)
+                                      : QString();
+    case Qt::DecorationRole:
+        return index.column() == Severity ? iconOf(entry.message.level) : QVariant();
+    case LevelRole:
+        return entry.level;
+    case ActionRole:
+        return entry.message.action;
+    default:
+        return {};
+    }
+}
+
+QVariant LogModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (role != Qt::DisplayRole || orientation != Qt::Horizontal) {
+        return {};
+    }
+    const std::array<QString, kColumns> names{tr("Severity"), tr("Action"), tr("Message")};
+    return names.at(static_cast<size_t>(section));
+}
+
+void LogFilter::setMaxLevel(int level)
+{
+    m_maxLevel = level;
+    invalidateFilter();
+}
+
+void LogFilter::setAction(const QString &id)
+{
+    m_action = id;
+    invalidateFilter();
+}
+
+void LogFilter::setText(const QString &text)
+{
+    m_text = text;
+    invalidateFilter();
+}
+
+bool LogFilter::filterAcceptsRow(int row, const QModelIndex &parent) const
+{
+    const QModelIndex index = sourceModel()->index(row, LogModel::Text, parent);
+    return index.data(LogModel::LevelRole).toInt() <= m_maxLevel &&
+           (m_action.isEmpty() || index.data(LogModel::ActionRole).toString() == m_action) &&
+           (m_text.isEmpty() || index.data().toString().contains(m_text, Qt::CaseInsensitive));
+}
+
+} // namespace corvanta::studio

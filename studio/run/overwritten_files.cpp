@@ -1,0 +1,82 @@
+#include "studio/run/overwritten_files.h"
+
+#include "corvanta/action_registry.h"
+#include "corvanta/corvanta_graph.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+namespace {
+
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(corvanta::studio::OverwriteQuestion)
+};
+
+/// The files of a name in which "*" is what depends on the rows.
+QStringList filesOf(const QString &name)
+{
+    const QFileInfo info(name);
+    if (info.isFile()) {
+        return {name};
+    }
+    QStringList files;
+    if (info.fileName().contains(u'*')) {
+        const QDir folder = info.dir();
+        const QStringList entries = folder.entryList({info.fileName()}, QDir::Files, QDir::Name);
+        for (const QString &entry : entries) {
+            files << folder.filePath(entry);
+        }
+    }
+    return files;
+}
+
+} // namespace
+
+QStringList existingTargets(const CorvantaGraph &graph, const ActionRegistry &registry)
+{
+    if (!graph.validate(registry, {}).isEmpty()) {
+        return {};
+    }
+    QStringList files;
+    const QStringList names = graph.outputs(registry, {}, QString());
+    for (const QString &name : names) {
+        files += filesOf(name);
+    }
+    files.removeDuplicates();
+    return files;
+}
+
+/// Up to ten files are in the text, all of them in its details.
+bool askToOverwrite(QWidget *parent, const QStringList &files)
+{
+    constexpr qsizetype kShownFiles = 10;
+    QMessageBox box(
+        QMessageBox::Warning, Texts::tr("Overwrite files"),
+        Texts::tr("The run replaces or changes existing files. Files: %1").arg(files.size()),
+        QMessageBox::Cancel, parent);
+    box.setObjectName(u"overwriteQuestion"_s);
+    box.setTextFormat(Qt::PlainText);
+    QStringList names;
+    for (const QString &file : files.first(qMin(kShownFiles, files.size()))) {
+        names << QDir::toNativeSeparators(file);
+    }
+    box.setInformativeText(names.join(u'\n') +
+                           (files.size() > kShownFiles ? u"\n\u2026"_s : u""_s));
+    if (files.size() > kShownFiles) {
+        box.setDetailedText(files.join(u'\n'));
+    }
+    const QPushButton *const run = box.addButton(Texts::tr("Run"), QMessageBox::AcceptRole);
+    box.setDefaultButton(QMessageBox::Cancel);
+    box.exec();
+    return box.clickedButton() == run;
+}
+
+} // namespace corvanta::studio

@@ -1,0 +1,216 @@
+#include "studio/run/run_controller.h"
+
+#include "corvanta/main_ui.h"
+
+#include <QApplication>
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+QString elapsedText(qint64 ms)
+{
+    constexpr qint64 kMinute = 60'000;
+    if (ms < 1000) {
+        return RunController::tr("%1 ms").arg(ms);
+    }
+    if (ms < kMinute) {
+        return RunController::tr("%1 s").arg(static_cast<double>(ms) / 1000, 0, 'f', 1);
+    }
+    const QString minutes = QString::number(ms / kMinute % 60);
+    const QString seconds = u"%1"_s.arg(ms / 1000 % 60, 2, 10, QLatin1Char('0'));
+    const qint64 hours = ms / (60 * kMinute);
+    return hours == 0 ? minutes + u':' + seconds
+                      : u"%1:%2:%3"_s.arg(QString::number(hours), minutes.rightJustified(2, u'0'),
+                                          seconds);
+}
+
+RunController::RunController(GraphDocument &document, QObject *parent, const QString &program)
+    : QObject(parent)
+    , m_document(document)
+    , m_run(program)
+{
+    connect(&m_run, &GraphRun::messages, &m_log, &LogModel::add);
+    connect(&m_run, &GraphRun::progress, this, &RunController::showProgress);
+    connect(&m_run, &GraphRun::summary, this, [this](const RunSummary &summary) {
+        for (const QString &file : summary.files) {
+            m_mayReplace << file;
+        }
+        Q_EMIT filesWritten(summary.files);
+    });
+    connect(&m_run, &GraphRun::finished, this, &RunController::endRun);
+}
+
+void RunController::runAll()
+{
+    start({});
+}
+
+void RunController::runTo(const QStringList &ids)
+{
+    start(ids);
+}
+
+void RunController::rerun()
+{
+    // An action that was removed since is left out; without the others all of the graph is run.
+    QStringList ids;
+    for (const QString &id : std::as_const(m_upTo)) {
+        ids += m_document.contains(id) ? QStringList{id} : QStringList();
+    }
+    start(ids);
+}
+
+CorvantaGraph RunController::partOf(const CorvantaGraph &graph, const QStringList &ids)
+{
+    CorvantaGraph all = graph;
+    QSet<QString> needed;
+    for (const QString &id : ids) {
+        const CorvantaGraph part = graph.upTo(id);
+        for (const CorvantaGraph::Action &action : part.actions) {
+            needed << action.id;
+        }
+    }
+    all.actions.removeIf([&](const auto &action) { return !needed.contains(action.id); });
+    all.links.removeIf([&](const auto &link) { return !needed.contains(link.to.action); });
+    return all;
+}
+
+void RunController::start(const QStringList &upTo)
+{
+    if (isRunning()) {
+        return;
+    }
+    m_upTo = upTo;
+    const CorvantaGraph &whole = m_document.graph();
+    const CorvantaGraph graph = upTo.isEmpty() ? whole : partOf(whole, upTo);
+    // The text of the document has the lines of its file, for messages.
+    RunJob job{upTo.isEmpty() ? m_document.toXml() : graph.toXml(), m_document.fileName()};
+    if (job.fileName.isEmpty()) {
+        job.fileName = QDir::current().absoluteFilePath(m_document.title());
+    }
+    m_log.clear();
+    m_document.clearRunStates();
+    m_running.clear();
+    for (const CorvantaGraph::Action &action : graph.actions) {
+        m_running << action.id;
+    }
+    setOpenStates(NodeState::Waiting);
+    m_fraction = -1;
+    m_isPreparing = true;
+    setStatus(tr("Preparing\u2026"));
+    Q_EMIT runningChanged(true);
+    m_worker.start(
+        [this, graph, job, &registry = m_document.registry()](const std::stop_token &) {
+            const QStringList existing = existingTargets(graph, registry);
+            return [this, job, existing] { askAndRun(job, existing); };
+        },
+        // The child reports what is wrong with the files.
+        [this, job](const QString &) { askAndRun(job, {}); });
+}
+
+void RunController::askAndRun(const RunJob &job, const QStringList &existing)
+{
+    QStringList unknown;
+    for (const QString &file : existing) {
+        unknown += m_mayReplace.contains(file) ? QStringList() : QStringList{file};
+    }
+    if (!unknown.isEmpty() && !m_question(QApplication::activeWindow(), unknown)) {
+        cancel();
+        return;
+    }
+    // The question handles events; the user may have stopped the run in another window.
+    if (!m_isPreparing) {
+        return;
+    }
+    for (const QString &file : std::as_const(unknown)) {
+        m_mayReplace << file;
+    }
+    m_isPreparing = false;
+    setStatus(tr("Running\u2026"));
+    m_run.start(job);
+}
+
+void RunController::stop()
+{
+    if (m_isPreparing) {
+        m_worker.stop();
+        cancel();
+    } else if (m_run.isRunning()) {
+        setStatus(tr("Stopping\u2026"));
+        m_run.stop();
+    }
+}
+
+void RunController::cancel()
+{
+    if (m_isPreparing) {
+        m_isPreparing = false;
+        m_document.clearRunStates();
+        setStatus(tr("Not run"));
+        Q_EMIT runningChanged(false);
+    }
+}
+
+void RunController::showProgress(const RunProgress &progress)
+{
+    double sum = 0;
+    int known = 0;
+    for (const auto &[id, state] : progress.actions) {
+        if (m_document.contains(id)) {
+            m_document.setRunState(id, state);
+        }
+        sum += qMax(0.0, state.fraction);
+        known += state.fraction >= 0 ? 1 : 0;
+    }
+    m_fraction = known > 0 ? sum / known : -1;
+    Q_EMIT statusChanged(m_status);
+}
+
+void RunController::setOpenStates(NodeState state)
+{
+    for (const QString &id : std::as_const(m_running)) {
+        if (!m_document.contains(id)) {
+            continue;
+        }
+        RunState changed = m_document.runState(id);
+        if (changed.state <= NodeState::Running) {
+            changed.state = state;
+            m_document.setRunState(id, changed);
+        }
+    }
+}
+
+void RunController::endRun(RunEnd end)
+{
+    // A child that ended unexpectedly, or has found the graph invalid, has left actions open.
+    setOpenStates(end == RunEnd::Done ? NodeState::Done : NodeState::Stopped);
+    m_fraction = -1;
+    const QString time = elapsedText(m_run.elapsedMs());
+    switch (end) {
+    case RunEnd::Done:
+        setStatus(m_log.count(MainUI::Warning) > 0 ? tr("Done with warnings in %1").arg(time)
+                                                   : tr("Done in %1").arg(time));
+        break;
+    case RunEnd::Failed:
+        setStatus(tr("Failed after %1").arg(time));
+        break;
+    case RunEnd::Stopped:
+        setStatus(tr("Stopped after %1").arg(time));
+        break;
+    case RunEnd::Crashed:
+        setStatus(tr("Ended unexpectedly after %1").arg(time));
+        break;
+    }
+    Q_EMIT runningChanged(false);
+    Q_EMIT finished(end);
+}
+
+void RunController::setStatus(const QString &status)
+{
+    m_status = status;
+    Q_EMIT statusChanged(status);
+}
+
+} // namespace corvanta::studio
