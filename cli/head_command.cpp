@@ -163,8 +163,10 @@ QVector<Column> columnsOf(const TableSchema &schema, const InputFacts &facts)
 QString reasonText(const ColumnKind &kind)
 {
     if (kind.exceptionPlace.isEmpty()) {
-        const bool isNumber = kind.letter != 'U';
-        return isNumber || kind.kind == ValueKind::Text ? QString() : kindName(kind.kind);
+        // K says integer, and F decimal: it also has integers that K cannot hold.
+        const bool isPlain = kind.kind == ValueKind::Text || kind.letter == 'K' ||
+                             (kind.letter == 'F' && kind.kind == ValueKind::Decimal);
+        return isPlain ? QString() : kindName(kind.kind);
     }
     const QString value =
         u"text because of '%1' in %2"_s.arg(visibleText(kind.exception), kind.exceptionPlace);

@@ -14,9 +14,21 @@ using sheet::NumberForm;
 
 namespace {
 
-/// Whether the number can be a key. -0 cannot: a key would lose its sign.
+/// The bit of a number that is read as one. -0 and very large numbers are not integers: an output
+/// with integers would lose the sign, or show digits that the workbook does not have.
+quint16 contentOfNumber(double value)
+{
+    constexpr double kExactIntegers = 0x1p53;
+    if (cell::isKey(value) && !std::signbit(value)) {
+        return kHasKeys;
+    }
+    const bool isInteger = value == std::floor(value) && std::abs(value) < kExactIntegers &&
+                           !(value == 0 && std::signbit(value));
+    return isInteger ? kHasIntegers : kHasNumbers;
+}
+
 /// The bit of a date that is read as text.
-quint8 contentOfDate(NumberForm form, double serial, bool uses1904)
+quint16 contentOfDate(NumberForm form, double serial, bool uses1904)
 {
     // The date system of 1900 has a 29 February 1900, which the calendar does not have.
     constexpr double kFictitiousDay = 60;
@@ -39,7 +51,7 @@ int putBoolean(bool value, char16_t *out)
 }
 
 /// The bit of an ISO 8601 text: a date, a date with a time, or a time without a date.
-quint8 contentOfIsoText(std::u16string_view text)
+quint16 contentOfIsoText(std::u16string_view text)
 {
     constexpr size_t kDateUnits = 10; // 2024-02-29
     const bool isDate = text.size() >= kDateUnits && text[4] == u'-';
@@ -49,24 +61,21 @@ quint8 contentOfIsoText(std::u16string_view text)
 
 } // namespace
 
-cell::Type typeOf(quint8 content)
+cell::Type typeOf(quint16 content)
 {
     if ((content & kAllTexts) != 0 || content == 0) {
         return cell::Type::Text;
     }
-    return (content & kHasNumbers) != 0 ? cell::Type::Double : cell::Type::Key;
+    return content == kHasKeys ? cell::Type::Key : cell::Type::Double;
 }
 
-quint8 ValueRules::contentOf(const sheet::SheetCell &cell) const
+quint16 ValueRules::contentOf(const sheet::SheetCell &cell) const
 {
-    const auto ofNumber = [](double value) -> quint8 {
-        return cell::isKey(value) && !std::signbit(value) ? kHasKeys : kHasNumbers;
-    };
     switch (cell.kind) {
     case CellKind::Number:
         return cell.form != NumberForm::General && datesAreTexts
                    ? contentOfDate(cell.form, cell.number, uses1904)
-                   : ofNumber(cell.number);
+                   : contentOfNumber(cell.number);
     case CellKind::Text:
         // An empty text is nothing that a program shows: formulas use it for "no value".
         return cell.text.empty() ? 0 : kHasTexts;
@@ -81,7 +90,7 @@ quint8 ValueRules::contentOf(const sheet::SheetCell &cell) const
         return contentOfIsoText(cell.text);
     }
     const auto serial = sheet::serialOfIsoText(cell.text, uses1904);
-    return serial ? ofNumber(*serial) : quint8(kHasTexts);
+    return serial ? contentOfNumber(*serial) : quint16(kHasTexts);
 }
 
 /// A text that is not a date is missing; contentOf() makes its column a text column anyway.

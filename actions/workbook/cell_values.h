@@ -11,24 +11,25 @@
 namespace corvanta {
 
 /// What the cells of a column are; a set of bits.
-enum ColumnContent : quint8 {
+enum ColumnContent : quint16 {
     kHasKeys = 1,       ///< whole numbers that a key can hold
-    kHasNumbers = 2,    ///< other numbers
+    kHasNumbers = 2,    ///< numbers other than those of kHasKeys and kHasIntegers
     kHasTexts = 4,      ///< texts other than those of the bits below
     kHasDates = 8,      ///< dates that are read as texts
     kHasDateTimes = 16, ///< dates with times that are read as texts
     kHasTimes = 32,     ///< times of day that are read as texts
     kHasBooleans = 64,  ///< read as texts
     kHasOddTimes = 128, ///< durations, and dates that only worksheets have; read as texts
+    kHasIntegers = 256, ///< whole numbers below 2^53 that a key cannot hold
 };
 /// The bits of what is read as text.
-inline constexpr quint8 kAllTexts =
+inline constexpr quint16 kAllTexts =
     kHasTexts | kHasDates | kHasDateTimes | kHasTimes | kHasBooleans | kHasOddTimes;
 /// The bits of dates, with and without times.
-inline constexpr quint8 kAllDates = kHasDates | kHasDateTimes;
+inline constexpr quint16 kAllDates = kHasDates | kHasDateTimes;
 
 /// The type that holds all these cells. Without any it is a text.
-cell::Type typeOf(quint8 content);
+cell::Type typeOf(quint16 content);
 
 /// The rules for one workbook. Threads: pure.
 struct ValueRules
@@ -38,7 +39,7 @@ struct ValueRules
     bool uses1904 = false;      ///< see WorkbookReader
 
     /// The bit of ColumnContent for the cell; 0 for one that is missing in every column.
-    quint8 contentOf(const sheet::SheetCell &cell) const;
+    quint16 contentOf(const sheet::SheetCell &cell) const;
     /// The cell as a row cell of the type. Null is a missing cell. `type` holds the cell's content.
     /// The bytes are in `buffer` and valid until it is reset.
     const uchar *cellFor(const sheet::SheetCell &cell, cell::Type type, RowBuffer *buffer) const;

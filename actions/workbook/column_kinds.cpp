@@ -8,14 +8,14 @@
 namespace corvanta {
 
 /// The bits in the order of ColumnContent.
-size_t ColumnKinds::kindOf(quint8 content)
+size_t ColumnKinds::kindOf(quint16 content)
 {
-    constexpr std::array<quint8, 8> kKinds{0, 0, kTexts, 1, 1, 1, 2, 1};
+    constexpr std::array<quint8, 9> kKinds{0, 0, kTexts, 1, 1, 1, 2, 1, 0};
     return kKinds[static_cast<size_t>(std::countr_zero(content))];
 }
 
 /// Long texts are cut: the message needs to be recognised in the sheet, not to be complete.
-void ColumnKinds::setFirst(quint8 content, qint64 row, int column, const QString &text)
+void ColumnKinds::setFirst(quint16 content, qint64 row, int column, const QString &text)
 {
     constexpr qsizetype kMaxShownUnits = 60;
     Kind &kind = m_kinds[kindOf(content)];

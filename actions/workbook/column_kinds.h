@@ -29,9 +29,9 @@ class ColumnKinds
 public:
     /// Count a value with this bit of ColumnContent. Returns true for the first one of its kind,
     /// which must then be passed to setFirst().
-    bool add(quint8 content) { return m_kinds[kindOf(content)].count++ == 0; }
+    bool add(quint16 content) { return m_kinds[kindOf(content)].count++ == 0; }
     /// Keep the first value of a kind for messages. `row` and `column` count from 0 in the sheet.
-    void setFirst(quint8 content, qint64 row, int column, const QString &text);
+    void setFirst(quint16 content, qint64 row, int column, const QString &text);
 
     /// What the column is if a few values make it a text column; its index is not set. Call it when
     /// all values are counted.
@@ -46,7 +46,7 @@ private:
         QString text = {};
     };
     /// Index in m_kinds.
-    static size_t kindOf(quint8 content);
+    static size_t kindOf(quint16 content);
 
     static constexpr size_t kTexts = 3;
     std::array<Kind, 4> m_kinds; // numbers, dates, booleans, texts

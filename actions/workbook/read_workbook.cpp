@@ -453,14 +453,13 @@ std::unique_ptr<InputFile> ReadWorkbook::openFirst() const
 namespace {
 
 /// The kind of a column with these bits of ColumnContent.
-ValueKind kindOf(quint8 content)
+ValueKind kindOf(quint16 content)
 {
+    const bool hasOnlyNumbers = content != 0 && (content & kAllTexts) == 0;
+    if (hasOnlyNumbers) {
+        return (content & kHasNumbers) != 0 ? ValueKind::Decimal : ValueKind::Integer;
+    }
     switch (content) {
-    case kHasKeys:
-        return ValueKind::Integer;
-    case kHasNumbers:
-    case kHasKeys | kHasNumbers:
-        return ValueKind::Decimal;
     case kHasDates:
         return ValueKind::Date;
     case kHasDateTimes:

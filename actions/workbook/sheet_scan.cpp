@@ -85,7 +85,7 @@ private:
         ScannedColumn *const columns = m_result.columns.data();
         for (const sheet::SheetCell &cell : step.cells) {
             const auto index = static_cast<size_t>(cell.column - m_options.walk.area.firstColumn);
-            const quint8 content = m_options.rules.contentOf(cell);
+            const quint16 content = m_options.rules.contentOf(cell);
             if (content == 0) {
                 addMissing(cell, step.row);
                 continue;
@@ -108,7 +108,7 @@ private:
         }
     }
     /// Add what the column did not have yet, and note the first row that changes its type.
-    static void addContent(quint8 content, bool isSampled, qint64 row, ScannedColumn *column)
+    static void addContent(quint16 content, bool isSampled, qint64 row, ScannedColumn *column)
     {
         const bool changesType = typeOf(column->content | content) != typeOf(column->content);
         column->content |= content;

@@ -19,8 +19,8 @@ namespace corvanta {
 struct ScannedColumn
 {
     QString name;         ///< in the header; empty without one
-    quint8 content = 0;   ///< a set of ColumnContent, of all rows that were read
-    quint8 sampled = 0;   ///< the same, of the first rows
+    quint16 content = 0;  ///< a set of ColumnContent, of all rows that were read
+    quint16 sampled = 0;  ///< the same, of the first rows
     qint64 firstNew = -1; ///< row of the first content that the sample does not have; -1: none
 };
 

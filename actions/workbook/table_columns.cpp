@@ -48,7 +48,7 @@ QString uniqueName(const QString &name, std::set<QString> *taken,
 }
 
 /// The type of a column. After a sample, a fraction can still follow: it is then not a key.
-cell::Type safeType(quint8 content, bool isComplete)
+cell::Type safeType(quint16 content, bool isComplete)
 {
     const cell::Type type = typeOf(content);
     return !isComplete && type == cell::Type::Key ? cell::Type::Double : type;

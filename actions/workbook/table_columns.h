@@ -53,7 +53,7 @@ public:
     struct Column
     {
         QString name;
-        quint8 content = 0; ///< a set of ColumnContent, of all sheets
+        quint16 content = 0; ///< a set of ColumnContent, of all sheets
         cell::Type type = cell::Type::Text;
     };
 
