@@ -160,13 +160,6 @@ bool createsWorkbook(const ActionParameters &writer)
            });
 }
 
-/// Links and relative names are resolved before the comparison.
-bool isSameFile(const QString &a, const QString &b)
-{
-    const QString name = QFileInfo(a).canonicalFilePath();
-    return !name.isEmpty() && name == QFileInfo(b).canonicalFilePath();
-}
-
 /// Name the sheet of the new workbook after the one that is read, and warn about all others.
 void keepSheet(const CommandLine &line, const QString &fileName, QVector<InputTable> sheets,
                ActionParameters *writer)
@@ -370,6 +363,13 @@ CommandResult<QString> addReader(const ActionRegistry &registry, ActionItem *inp
     return castId;
 }
 
+QString decimalPointOf(const ActionItem &reader)
+{
+    const auto &parameters = dynamic_cast<const ActionParameters &>(reader);
+    const int index = parameters.indexOfParameter(u"decimal"_s);
+    return index < 0 ? QString() : parameters.parameterValue(index);
+}
+
 CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
                              const ActionRegistry &registry, CorvantaGraph *graph,
                              ReadExtent extent, InputFacts *facts)
@@ -387,8 +387,21 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
         if (facts->extent == ActionParameters::KindExtent::Sample) {
             noteSample(line, fileName, dynamic_cast<ActionParameters &>(**input));
         }
+        auto *const parameters = dynamic_cast<ActionParameters *>(input->get());
+        // Who gets the rows parses numbers with a point only.
+        const QString point = decimalPointOf(**input);
+        if (!point.isEmpty() && point != "."_L1) {
+            parameters->readColumnsAs(*kinds);
+        }
+        for (const ColumnKind &kind : *kinds) {
+            const bool isNumber =
+                kind.kind == ValueKind::Integer || kind.kind == ValueKind::Decimal;
+            if (isNumber && !kind.exception.isEmpty()) {
+                facts->longNumbers << kind.column;
+            }
+        }
         facts->kinds = losslessKinds(*std::move(kinds));
-        facts->notes = dynamic_cast<ActionParameters *>(input->get())->columnNotes();
+        facts->notes = parameters->columnNotes();
     }
     return addAction(graph, id, **input);
 }

@@ -19,6 +19,7 @@ struct InputFacts
     /// How much is examined for `kinds`.
     ActionParameters::KindExtent extent = ActionParameters::KindExtent::Sample;
     QVector<ColumnKind> kinds;
+    QStringList longNumbers;    ///< columns of numbers that are texts because of their many digits
     QVector<ColumnNotes> notes; ///< what the file says about its columns
 };
 
@@ -49,6 +50,10 @@ CommandResult<QVector<ColumnKind>> inputKinds(const CommandLine &line, const QSt
 CommandResult<QString> addReader(const corvanta::ActionRegistry &registry, ActionItem *input,
                                  const QVector<ColumnKind> &numbers, const QString &id,
                                  CorvantaGraph *graph);
+
+/// The character between the digits of decimal numbers in texts, if the reader has a choice; empty
+/// otherwise.
+QString decimalPointOf(const ActionItem &reader);
 
 /// Open an input and add it to a graph, for commands that only read it. `facts`, if given, is set
 /// without changing the rows.

@@ -44,7 +44,9 @@ TextForm formFrom(Feed &feed)
     form.findsSeparator = feed.flag();
     form.dialect.quote = feed.flag() ? '"' : feed.flag() ? '\'' : Dialect::kNoQuote;
     form.dialect.comment = feed.flag() ? std::string("#") : std::string();
-    form.dialect.skippedLines = feed.below(3);
+    const int lines = feed.below(6);
+    form.dialect.skippedLines = lines % 3;
+    form.findsLineEnd = lines >= 3;
     return form;
 }
 

@@ -1,6 +1,6 @@
 // Reads any bytes as JSON: tokens and rows must not depend on the sizes of buffer and reads. As the
 // text of a value: what counts as an exact number can be read, and an integer has no other form.
-#include "codecs/values/number_value.h"
+#include "base/text/number_value.h"
 #include "fuzz/support/markup_property.h"
 
 using namespace corvanta;
@@ -16,8 +16,8 @@ void checkValue(std::string_view text)
     double value = 0;
     quint32 key = 0;
     char out[kNumberChars];
-    require(!isExact || values::parseFinite(text, &value));
-    require(!form.isKey || (isExact && values::parseKey(text, &key)));
+    require(!isExact || parseFinite(text, &value));
+    require(!form.isKey || (isExact && parseKey(text, &key)));
     require(!isExact || !isInteger ||
             text == std::string_view(out, static_cast<size_t>(putShortest(value, out))));
 }

@@ -2872,6 +2872,22 @@
         <source>All tables have the same names in the same order; anything else is an error.</source>
         <translation>Toutes les tables ont les mêmes noms dans le même ordre&#xa0;; tout autre cas est une erreur.</translation>
     </message>
+    <message>
+        <source>lf: a line feed, with or without a carriage return before it. auto: carriage returns alone if the first 64 KiB have no line feed.</source>
+        <translation>lf : un saut de ligne, précédé ou non d&apos;un retour chariot. auto : des retours chariot seuls si les premiers 64 Kio n&apos;ont pas de saut de ligne.</translation>
+    </message>
+    <message>
+        <source>The character between the digits of decimal numbers in text columns: a point or a comma, for example.</source>
+        <translation>Le caractère entre les chiffres des nombres décimaux dans les colonnes de textes : un point ou une virgule, par exemple.</translation>
+    </message>
+    <message>
+        <source>Last column</source>
+        <translation>Dernière colonne</translation>
+    </message>
+    <message>
+        <source>Name of a column that is the last one of the output, such as _FileNames. Empty: the columns keep the order in which they appear.</source>
+        <translation>Nom d&apos;une colonne qui est la dernière de la sortie, par exemple _FileNames. Vide : les colonnes gardent l&apos;ordre dans lequel elles apparaissent.</translation>
+    </message>
 </context>
 <context>
     <name>Problems</name>

@@ -17,7 +17,8 @@ ActionFilter::ActionFilter(const XMLNode &saved, GlobalParameters *parameters)
 /// Only the syntax: the columns are known in the run.
 QVector<ParameterProblem> ActionFilter::problems() const
 {
-    QVector<ParameterProblem> problems = shared::kindProblems(m_params.kinds);
+    QVector<ParameterProblem> problems =
+        shared::kindProblems(m_params.kinds) + shared::decimalPointProblems(m_params.decimal);
     const auto parsed = expression::parse(expandString(m_params.where));
     if (!parsed) {
         problems.append(
@@ -44,11 +45,13 @@ bool ActionFilter::begin(const OneRow &columns)
         return failExpression(where, parsed.fault());
     }
     const TableSchema &schema = columns.schema();
-    if (!shared::checkKinds(this, m_params.kinds, schema.names)) {
+    if (!shared::checkKinds(this, m_params.kinds, schema.names) ||
+        !shared::checkDecimalPoint(this, m_params.decimal)) {
         return false;
     }
     auto bound = expression::Condition::bind(*parsed, columns.view(),
-                                             shared::numberColumns(m_params.kinds, schema));
+                                             shared::numberColumns(m_params.kinds, schema),
+                                             m_params.decimal[0].toLatin1());
     if (!bound && bound.fault().code == expression::Error::UnknownColumn) {
         const QString &name = bound.fault().detail;
         return failExpression(where, {expression::Error::UnknownColumn,

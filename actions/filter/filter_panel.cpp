@@ -11,7 +11,7 @@ PanelLayout panelLayout()
     return {
         {QT_TRANSLATE_NOOP("Panels", "Rows"), {"where"}},
         {QT_TRANSLATE_NOOP("Panels", "Text columns"),
-         {{"kinds", editor<ColumnPairPicker>}},
+         {{"kinds", editor<ColumnPairPicker>}, "decimal"},
          PanelGroup::Fold::Folded},
     };
 }

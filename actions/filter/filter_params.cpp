@@ -19,6 +19,7 @@ const ParamTable<FilterParams> &filterParamTable()
                      "single quotes by = != < <= > >=; \"a column\" with blanks is in double "
                      "quotes."),
         shared::columnKinds<P>(),
+        shared::decimalPoint<P>(),
     };
     return table;
 }

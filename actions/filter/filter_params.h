@@ -10,6 +10,7 @@ struct FilterParams
 {
     QString where;     ///< codecs/expression/expression.h
     QStringList kinds; ///< "column=kind" of text columns
+    QString decimal = QStringLiteral(".");
 };
 
 /// Attributes of `filter`, then its child elements.

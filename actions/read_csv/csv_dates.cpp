@@ -1,9 +1,12 @@
 #include "actions/read_csv/csv_dates.h"
 
+#include "base/utf.h"
+
 #include <QDate>
 #include <QTime>
 
 #include <algorithm>
+#include <array>
 
 namespace corvanta {
 
@@ -85,6 +88,17 @@ int CsvDates::toIso(std::u16string_view text, char16_t *out)
     }
     at = m_hasTime ? putTime(QTime::fromMSecsSinceStartOfDay(static_cast<int>(inDay)), at) : at;
     return static_cast<int>(at - out);
+}
+
+int CsvDates::toIso(std::string_view text, char16_t *out)
+{
+    constexpr size_t kMaxBytes = 100; // no date is longer
+    std::array<char16_t, kMaxBytes> units{};
+    const qsizetype n =
+        text.size() <= kMaxBytes
+            ? utf8ToUtf16(text.data(), static_cast<qsizetype>(text.size()), units.data())
+            : 0;
+    return toIso(std::u16string_view(units.data(), static_cast<size_t>(n)), out);
 }
 
 } // namespace corvanta

@@ -20,6 +20,8 @@ public:
     /// Write the date, the time, or both with a "T" between them, as the format has them. Returns
     /// the number of units; 0 if the text does not have the format.
     int toIso(std::u16string_view text, char16_t *out);
+    /// The same for UTF-8.
+    int toIso(std::string_view text, char16_t *out);
 
 private:
     sheet::DateParser m_parser;

@@ -2,6 +2,7 @@
 
 #include "base/counted.h"
 #include "base/number.h"
+#include "base/text/number_value.h"
 #include "base/utf.h"
 
 #include <algorithm>
@@ -38,17 +39,6 @@ bool isEmptyLine(std::span<const csv::Field> fields)
     return fields.size() == 1 && fields[0].size == 0 && !fields[0].isQuoted;
 }
 
-/// Parses a number with the decimal point `point`; a "." is then not a part of numbers.
-bool parseLocalDouble(std::string_view text, char point, double *value)
-{
-    std::array<char, 64> digits{};
-    if (text.size() > digits.size() || text.find('.') != std::string_view::npos) {
-        return false;
-    }
-    std::replace_copy(text.begin(), text.end(), digits.begin(), point, '.');
-    return parseDouble({digits.data(), text.size()}, value);
-}
-
 } // namespace
 
 // ---- Opening.
@@ -83,7 +73,7 @@ bool CsvFile::begin()
     m_records = &m_text->records();
     const auto found = m_records->next();
     if (!found) {
-        return failRecord(found.fault().code);
+        return failRecord(found.fault());
     }
     if (!*found) {
         return true; // an empty file is a table without columns
@@ -164,7 +154,8 @@ void CsvFile::warnForm()
     if (hasReturn) {
         m_action.warn(
             u"Warning: readCSV: file '%1' has carriage returns alone in its first line, and "
-            "only line feeds end lines; save it with line feeds\n"_s.arg(m_name));
+            "only line feeds end lines; lineEnd='auto' reads a file without line feeds\n"_s.arg(
+                m_name));
     }
 }
 
@@ -179,7 +170,7 @@ bool CsvFile::next(OneRow &row, Found *found)
     if (!m_isFirstData) {
         const auto record = m_records->next();
         if (!record) {
-            return failRecord(record.fault().code);
+            return failRecord(record.fault());
         }
         if (!*record) {
             *found = Found::End;
@@ -222,7 +213,7 @@ bool CsvFile::acceptRagged(std::span<const csv::Field> fields, Found *found)
     }
     if (!m_form.fillsRagged) {
         return m_action.fail(
-            u"Error: readCSV: file '%1', line %2: %3 instead of %4; ragged='fill' reads such lines\n"_s
+            u"Error: readCSV: file '%1', line %2: %3 instead of %4; ragged='fill' (convert: --reader ragged=fill) reads such lines\n"_s
                 .arg(m_name, QString::number(m_records->line()),
                      counted(std::ssize(fields), u"field"_s), QString::number(m_forms.size())));
     }
@@ -291,13 +282,8 @@ bool CsvFile::putNumber(int column, const csv::Field &field, OneRow &row, RowBuf
 /// A text that does not have the format stays as it is.
 void CsvFile::putDate(int column, const csv::Field &field, OneRow &row, RowBuffer *buffer)
 {
-    constexpr qsizetype kMaxBytes = 100; // no date is longer
-    std::array<char16_t, kMaxBytes> text{};
     std::array<char16_t, CsvDates::kUnits> date{};
-    const qsizetype units =
-        field.size <= kMaxBytes ? utf8ToUtf16(field.text, field.size, text.data()) : 0;
-    CsvDates &dates = *m_datesOf[static_cast<size_t>(column)];
-    const int n = dates.toIso({text.data(), static_cast<size_t>(units)}, date.data());
+    const int n = m_datesOf[static_cast<size_t>(column)]->toIso(field.view(), date.data());
     if (n > 0) {
         row.setCol(column, textCell(buffer, date.data(), n));
         return;
@@ -375,7 +361,7 @@ void CsvFile::reportEncoding()
     if (text.isAssumed()) {
         MainUI::addLog(
             MainUI::Info,
-            u"readCSV: the encoding of the file '%1' is assumed to be %2; the parameter 'encoding' can name another one\n"_s
+            u"readCSV: the encoding of the file '%1' is assumed to be %2; the parameter 'encoding' (convert: --encoding) can name another one\n"_s
                 .arg(m_name, name));
     }
     if (text.replaced().any()) {
@@ -394,13 +380,13 @@ void CsvFile::reportEncoding()
     }
 }
 
-bool CsvFile::failRecord(csv::Error code)
+bool CsvFile::failRecord(const Fault<csv::Error> &fault)
 {
     if (!m_action.runIsGood()) {
         return false; // a read fails once the run has ended
     }
     const QString line = QString::number(m_records->line());
-    switch (code) {
+    switch (fault.code) {
     case csv::Error::Unreadable:
         return m_action.fail(u"Error: readCSV: cannot read file '%1'\n"_s.arg(m_name),
                              m_input.file.reason());
@@ -414,8 +400,8 @@ bool CsvFile::failRecord(csv::Error code)
                 .arg(m_name));
     case csv::Error::NotText:
         return m_action.fail(
-            u"Error: readCSV: file '%1' is not a text file, whatever its name says; give it "
-            "the right extension\n"_s.arg(m_name));
+            u"Error: readCSV: file '%1' is not a text file: it begins like %2; give it the right "
+            "extension\n"_s.arg(m_name, fault.detail));
     case csv::Error::BadQuotes:
         break;
     }

@@ -58,7 +58,7 @@ private:
     void countIllFormed();
     void countTooLarge(int column, const csv::Field &field);
     void reportEncoding();
-    bool failRecord(csv::Error code);
+    bool failRecord(const Fault<csv::Error> &fault);
     bool failCell(int column, const csv::Field &field);
 
     ActionBase &m_action;

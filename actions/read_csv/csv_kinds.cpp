@@ -5,11 +5,17 @@
 #include "codecs/csv/record_scan.h"
 #include "io/input/input_file.h"
 
+#include <array>
+#include <functional>
+#include <memory>
 #include <optional>
+#include <string>
 
 namespace corvanta {
 
 namespace {
+
+using DateValue = std::function<std::string_view(std::string_view)>;
 
 /// A sample must be quick, also where the rows end and gigabytes without a line end follow.
 csv::RecordReader::Limits limitsFor(ActionParameters::KindExtent extent)
@@ -20,6 +26,28 @@ csv::RecordReader::Limits limitsFor(ActionParameters::KindExtent extent)
         limits.recordBytes = kSampledRecordBytes;
     }
     return limits;
+}
+
+/// Dates in the formats of the parameter become what the run makes of them.
+std::vector<DateValue> dateValues(const CsvForm &form, const QStringList &names)
+{
+    std::vector<DateValue> values(static_cast<size_t>(names.size()));
+    for (const CsvDateFormat &entry : form.dateFormats) {
+        for (const QString &name : entry.columns) {
+            const qsizetype column = names.indexOf(name);
+            if (column >= 0) {
+                values[static_cast<size_t>(column)] =
+                    [dates = std::make_shared<CsvDates>(entry.format),
+                     text = std::string()](std::string_view field) mutable {
+                        std::array<char16_t, CsvDates::kUnits> iso{};
+                        const int n = dates->toIso(field, iso.data());
+                        text.assign(iso.begin(), iso.begin() + n); // ASCII
+                        return n > 0 ? std::string_view(text) : field;
+                    };
+            }
+        }
+    }
+    return values;
 }
 
 } // namespace
@@ -34,6 +62,7 @@ std::optional<QVector<ColumnKind>> ActionReadCsv::columnKinds(KindExtent extent)
     const CsvForm form = csvFormOf(m_params);
     QStringList names;
     std::vector<values::ColumnScan> scans;
+    std::vector<DateValue> dates;
     std::optional<csv::RecordScan> scan;
     for (const QString &name : namesOfPattern(*this, m_params.fileName)) {
         InputFile file(globalParameters(), name, true, InputFile::Report::Nothing);
@@ -50,8 +79,9 @@ std::optional<QVector<ColumnKind>> ActionReadCsv::columnKinds(KindExtent extent)
         if (!scan) {
             names = CsvFile::columnNames(records, form);
             scans.resize(static_cast<size_t>(names.size()));
-            scan.emplace(scans,
-                         csv::RecordScan::Rules{form.decimal, form.nullValues, form.fillsRagged});
+            dates = dateValues(form, names);
+            scan.emplace(scans, csv::RecordScan::Rules{form.decimal, form.nullValues,
+                                                       form.fillsRagged, dates});
         }
         if (form.hasHeader || scan->add(records)) {
             scan->addAll(records, rowsToScan(extent));

@@ -6,8 +6,10 @@ namespace corvanta {
 namespace {
 
 constexpr FileFormat kFormats[] = {
-    {FileFormat::Read, FileFormat::SeparatedText, "csv txt", "separator=auto encoding=auto"},
-    {FileFormat::Read, FileFormat::SeparatedText, "tsv tab", "separator=\\t encoding=auto"},
+    {FileFormat::Read, FileFormat::SeparatedText, "csv txt",
+     "separator=auto encoding=auto lineEnd=auto"},
+    {FileFormat::Read, FileFormat::SeparatedText, "tsv tab",
+     "separator=\\t encoding=auto lineEnd=auto"},
 };
 
 } // namespace

@@ -13,7 +13,7 @@ PanelLayout panelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "fileNameFromPin"}},
         {QT_TRANSLATE_NOOP("Panels", "Columns"), {"separator", "header", "types", "dateFormat"}},
         {QT_TRANSLATE_NOOP("Panels", "Text"),
-         {"encoding", "quote", "decimal", "nullValues", "skipRows", "comment", "ragged"},
+         {"encoding", "quote", "decimal", "nullValues", "skipRows", "comment", "ragged", "lineEnd"},
          Fold::Folded},
         previewGroup(),
         {kAdvancedGroup, {"sortedOn", "outputFilenames"}, Fold::Folded},

@@ -54,6 +54,10 @@ ParamGroup<P> textForm()
             .label("Lines of another length")
             .meaning("Lines with another number of fields. error: the run fails. fill: missing "
                      "values fill short lines, and fields beyond the last column are dropped."),
+        text("lineEnd", &P::lineEnd)
+            .label("Line ends")
+            .meaning("lf: a line feed, with or without a carriage return before it. auto: "
+                     "carriage returns alone if the first 64 KiB have no line feed."),
     };
 }
 
@@ -149,6 +153,10 @@ QVector<ParameterProblem> readCsvProblems(const ReadCsvParams &params)
         problems.append(
             {u"ragged"_s, u"ragged='%1' is neither 'error' nor 'fill'"_s.arg(params.ragged)});
     }
+    if (params.lineEnd != u"lf"_s && !isAuto(params.lineEnd)) {
+        problems.append(
+            {u"lineEnd"_s, u"lineEnd='%1' is neither 'lf' nor 'auto'"_s.arg(params.lineEnd)});
+    }
     return problems;
 }
 
@@ -159,6 +167,7 @@ CsvForm csvFormOf(const ReadCsvParams &params)
     form.text.encoding = params.encoding.toLatin1();
     form.text.fallback = currentACPName().toLatin1();
     form.text.findsSeparator = isAuto(params.separator);
+    form.text.findsLineEnd = isAuto(params.lineEnd);
     csv::Dialect &dialect = form.text.dialect;
     dialect.separator = csvSeparator(params.separator).value_or(',');
     dialect.quote = params.quote.isEmpty() ? csv::Dialect::kNoQuote : params.quote[0].toLatin1();

@@ -27,6 +27,7 @@ struct ReadCsvParams
     QString quote = QStringLiteral("\"");
     QString nullValues;
     QString ragged = QStringLiteral("error");
+    QString lineEnd = QStringLiteral("lf");
 };
 
 /// Constant; made by the first call.

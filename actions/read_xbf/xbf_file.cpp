@@ -3,7 +3,7 @@
 #include "actions/shared/params/type_letters.h"
 #include "base/checked.h"
 #include "base/counted.h"
-#include "codecs/values/number_value.h"
+#include "base/text/number_value.h"
 #include "io/input/whole_input.h"
 
 #include <algorithm>
@@ -195,7 +195,7 @@ bool XbfFile::putNumber(size_t column, RowBuffer &buffer, OneRow &row)
     const std::string_view text(bytes.data(), static_cast<size_t>(bytes.size()));
     quint32 key = cell::kMissingKey;
     double value = cell::missingDouble();
-    const bool isNumber = isKey ? values::parseKey(text, &key) : values::parseFinite(text, &value);
+    const bool isNumber = isKey ? parseKey(text, &key) : parseFinite(text, &value);
     if (!isNumber && !text.empty()) {
         return failOnNumber(column, bytes);
     }

@@ -155,7 +155,7 @@ QString RowWriter::textOf(const std::vector<ChangedName> &changed)
 void RowWriter::createFolder(const QString &file)
 {
     if (!rowParams().createDir) {
-        m_folderRemedy = u"createDir='1' creates it"_s;
+        m_folderRemedy = u"createDir='1' (convert: --writer createDir=1) creates it"_s;
         return;
     }
     // The result is not checked: the message is the one for a file that cannot be opened.

@@ -4,6 +4,11 @@
 
 #include "actions/shared/tables/kept_rows.h"
 #include "actions/shared/tables/table_columns.h"
+#include "base/utf.h"
+#include "codecs/values/value_form.h"
+#include "corvanta/main_ui.h"
+
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -16,14 +21,15 @@ ActionSort::ActionSort(const XMLNode &saved, GlobalParameters *parameters)
 
 QVector<ParameterProblem> ActionSort::problems() const
 {
-    return shared::kindProblems(m_params.kinds);
+    return shared::kindProblems(m_params.kinds) + shared::decimalPointProblems(m_params.decimal);
 }
 
 bool ActionSort::begin(const OneRow &columns)
 {
     const TableSchema &schema = columns.schema();
     getOutputRowForOutputPin(0)->copySchemaFrom(&columns);
-    if (!shared::checkKinds(this, m_params.kinds, schema.names)) {
+    if (!shared::checkKinds(this, m_params.kinds, schema.names) ||
+        !shared::checkDecimalPoint(this, m_params.decimal)) {
         return false;
     }
     const std::vector<rows::KeyColumn> keys = findKeys(schema);
@@ -31,7 +37,13 @@ bool ActionSort::begin(const OneRow &columns)
         return false;
     }
     declareOrder(keys);
-    m_run = std::make_unique<RunState>(shared::typesOf(schema), keys, shared::sorterOptions(this));
+    m_run = std::make_unique<RunState>(shared::typesOf(schema), keys,
+                                       m_params.decimal[0].toLatin1(), shared::sorterOptions(this));
+    for (const rows::KeyColumn &key : keys) {
+        if (key.type == cell::Type::Text && !key.hasNumbers) {
+            m_run->textKeys.push_back({.column = key.column});
+        }
+    }
     return true;
 }
 
@@ -80,12 +92,58 @@ bool ActionSort::takeRow(const OneRow &row)
         return fail(u"Error: sort: %1\n"_s.arg(
             shared::notANumber(rowNumber(), row, m_run->encoder.failedColumn())));
     }
+    for (TextKey &textKey : m_run->textKeys) {
+        countNumbers(row, &textKey);
+    }
     const char *const end = rows::packRow(m_run->types, cells, keyEnd);
     return sorter.commit(keyEnd - key, end - keyEnd) || shared::failSorter(this, sorter);
 }
 
+/// A number has the form that makes a column one of numbers: 007 is a text.
+void ActionSort::countNumbers(const OneRow &row, TextKey *key) const
+{
+    constexpr qsizetype kMaxUnits = 40;
+    const cell::Text text = cell::readText(row.view().cells[key->column]);
+    if (text.isMissing()) {
+        return;
+    }
+    ++key->values;
+    std::array<char, kMaxUnits * kUtf8BytesPerUnit> bytes{};
+    const qsizetype size =
+        text.size() <= kMaxUnits ? utf16ToUtf8(text.view().data(), text.size(), bytes.data()) : 0;
+    const values::Form form =
+        values::formOf({bytes.data(), static_cast<size_t>(size)}, m_params.decimal[0].toLatin1());
+    if (form.kind == values::Kind::Integer || form.kind == values::Kind::Decimal) {
+        ++key->numbers;
+    } else if (key->otherRow == 0) {
+        key->otherRow = rowNumber();
+        key->other = QString(row.text(key->column)).left(kMaxUnits);
+    }
+}
+
+/// Only where most values are numbers: 10 comes before 9, which is rarely meant.
+void ActionSort::noteTextKeys()
+{
+    for (const TextKey &key : m_run->textKeys) {
+        if (key.numbers == 0 || key.numbers * 2 < key.values) {
+            continue;
+        }
+        const QString name = getOutputRowForOutputPin(0)->colName(key.column);
+        const QString count = QString::number(key.numbers);
+        MainUI::addLog(
+            MainUI::Info,
+            key.otherRow == 0
+                ? u"sort: the column '%1' is sorted as texts, and all of its values are numbers; kinds='%1=decimal' (convert: --types) sorts them as numbers\n"_s
+                      .arg(name)
+                : u"sort: the column '%1' is sorted as texts: %2 of its %3 values are numbers; the first other value is '%4' in row %5 (nullValues of readCSV can make it a missing value)\n"_s
+                      .arg(name, count, QString::number(key.values), key.other,
+                           QString::number(key.otherRow)));
+    }
+}
+
 bool ActionSort::endInput()
 {
+    noteTextKeys();
     return m_run->sorter.finish() || shared::failSorter(this, m_run->sorter);
 }
 

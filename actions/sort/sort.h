@@ -25,18 +25,29 @@ public:
     QVector<ParameterProblem> problems() const override;
 
 private:
+    /// What the values of a key that is sorted as texts are: a user may expect numbers.
+    struct TextKey
+    {
+        int column = 0;
+        qint64 values = 0;
+        qint64 numbers = 0;
+        QString other = {};  ///< the first value that is not a number
+        qint64 otherRow = 0; ///< its row
+    };
+
     struct RunState
     {
-        RunState(rows::ColumnTypes columns, std::vector<rows::KeyColumn> keys,
+        RunState(rows::ColumnTypes columns, std::vector<rows::KeyColumn> keys, char decimalPoint,
                  rows::RowSorter::Options options)
             : types(std::move(columns))
-            , encoder(std::move(keys))
+            , encoder(std::move(keys), decimalPoint)
             , sorter(std::move(options))
             , cells(types.size())
         {
         }
         rows::ColumnTypes types; // of all columns
         rows::KeyEncoder encoder;
+        std::vector<TextKey> textKeys;
         rows::RowSorter sorter;
         std::vector<const uchar *> cells; // of the row that is sent
     };
@@ -48,6 +59,9 @@ private:
     void finish() override { m_run.reset(); }
     /// The columns of the key, the most significant first; none after a failure.
     std::vector<rows::KeyColumn> findKeys(const TableSchema &columns);
+    void countNumbers(const OneRow &row, TextKey *key) const;
+    /// Say which keys have numbers that were sorted as texts.
+    void noteTextKeys();
     /// Declare the order of the output, as far as it is that of the cells.
     void declareOrder(const std::vector<rows::KeyColumn> &keys);
 

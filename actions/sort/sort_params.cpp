@@ -15,6 +15,7 @@ const ParamTable<SortParams> &sortParamTable()
             .meaning("Names of columns, the most significant first; -NAME: descending. Missing "
                      "cells come last in both directions. Rows with equal keys keep their order."),
         shared::columnKinds<P>(),
+        shared::decimalPoint<P>(),
     };
     return table;
 }

@@ -10,6 +10,7 @@ struct SortParams
 {
     QStringList keys;  ///< names of columns, the most significant first; "-name": descending
     QStringList kinds; ///< "column=kind" of text columns
+    QString decimal = QStringLiteral(".");
 };
 
 /// The child elements of `sort`.

@@ -82,6 +82,7 @@ bool ActionUnion::begin()
             return false;
         }
     }
+    moveLast(m_params.lastColumn, &all);
     OneRow *const out = getOutputRowForOutputPin(0);
     for (int pin = 0; pin < pinInCount(); ++pin) {
         const OneRow *const columns = getInputColumns(pin);
@@ -115,6 +116,23 @@ bool ActionUnion::addColumns(int pin, const TableSchema &columns, TableSchema *a
     return true;
 }
 
+/// Make a column the last one. Without effect if no table has it.
+void ActionUnion::moveLast(const QString &name, TableSchema *all)
+{
+    const auto from = static_cast<int>(all->names.indexOf(name));
+    if (name.isEmpty() || from < 0) {
+        return;
+    }
+    const auto last = static_cast<int>(all->names.size()) - 1;
+    all->names.move(from, last);
+    all->types.move(from, last);
+    for (Table &table : m_tables) {
+        for (int &output : table.outputs) {
+            output = output == from ? last : output - (output > from ? 1 : 0);
+        }
+    }
+}
+
 /// Two equal names would be one column when tables are joined by name.
 bool ActionUnion::checkColumns(int pin, const TableSchema &columns, const TableSchema &first)
 {
@@ -124,8 +142,9 @@ bool ActionUnion::checkColumns(int pin, const TableSchema &columns, const TableS
         std::sort(sorted.begin(), sorted.end());
         const auto twice = std::adjacent_find(sorted.begin(), sorted.end());
         return twice == sorted.end() ||
-               fail(u"Error: union: two columns of table %1 have the name '%2'\n"_s.arg(table,
-                                                                                        *twice));
+               fail(
+                   u"Error: union: two columns of table %1 have the name '%2', but columns are joined by name; give them different names\n"_s
+                       .arg(table, *twice));
     }
     if (pin == 0) {
         return true;

@@ -33,6 +33,7 @@ private:
     void finish() override { m_tables.clear(); }
     // These return false after a failure.
     bool begin();
+    void moveLast(const QString &name, TableSchema *all);
     bool addColumns(int pin, const TableSchema &columns, TableSchema *all);
     bool checkColumns(int pin, const TableSchema &columns, const TableSchema &first);
     void sendRow(const Table &table, const OneRow &row);

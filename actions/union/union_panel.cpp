@@ -7,7 +7,7 @@ using namespace corvanta;
 PanelLayout panelLayout()
 {
     return {
-        {QT_TRANSLATE_NOOP("Panels", "Columns"), {"match"}},
+        {QT_TRANSLATE_NOOP("Panels", "Columns"), {"match", "lastColumn"}},
     };
 }
 

@@ -17,6 +17,10 @@ const ParamTable<UnionParams> &unionParamTable()
             .range(0, 2)
             .label("Columns that belong together")
             .meaning("Which columns of the tables become one column of the output."),
+        text("lastColumn", &P::lastColumn)
+            .label("Last column")
+            .meaning("Name of a column that is the last one of the output, such as _FileNames. "
+                     "Empty: the columns keep the order in which they appear."),
     };
     return table;
 }

@@ -10,6 +10,7 @@ enum class UnionMatch { Names, Positions, Same };
 struct UnionParams
 {
     UnionMatch match = UnionMatch::Names;
+    QString lastColumn;
 };
 
 /// The attributes of `union`.

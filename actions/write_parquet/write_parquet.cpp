@@ -184,7 +184,7 @@ bool ActionWriteParquet::failValue(const OneRow &row, size_t column)
     const parquet::WriterColumn &wrong = m_run->columns[column];
     const TypedList &list = typedListOf(wrong.storage);
     return fail(
-        u"\nERROR writing to Parquet File '%1': the value '%2' of the column '%3' in row %4 is not %5; write the column as text, without it in %6 or with logicalTypes='0'\n"_s
+        u"\nERROR writing to Parquet File '%1': the value '%2' of the column '%3' in row %4 is not %5; write the column as text, without it in %6 or with logicalTypes='0' (convert: --types text)\n"_s
             .arg(m_run->output->target.target(), shown(row.text(wrong.cell)),
                  QString::fromUtf8(wrong.name), QString::number(rowNumber()),
                  QString::fromLatin1(list.values), QString::fromLatin1(list.name)));

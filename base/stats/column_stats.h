@@ -3,14 +3,16 @@
 //
 // Threads: one at a time per object.
 #pragma once
+#include "base/text/number_value.h"
+
 #include <QString>
 #include <QtGlobal>
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace corvanta {
@@ -81,28 +83,44 @@ private:
     std::vector<quint64> m_slots = std::vector<quint64>(64); ///< a power of two, at most half full
 };
 
+/// A number, and the text that it was read from, which may have more digits; empty: none.
+struct StatsNumber
+{
+    double value = 0;
+    qint64 rest = 0; ///< see integerRest()
+    std::u16string text = {};
+};
+
 /// The smallest and largest number, and the mean. NaN has no place in an order and is left out.
 class NumberRange
 {
 public:
-    // The sum of millions of doubles needs more digits than a double has.
-    void add(double value)
+    /// `text`: as in StatsNumber.
+    void add(double value, std::u16string_view text = {})
     {
-        if (!std::isnan(value)) {
-            m_smallest = std::min(m_smallest, value);
-            m_largest = std::max(m_largest, value);
-            m_sum += value;
-            ++m_count;
+        if (std::isnan(value)) {
+            return;
         }
+        const qint64 rest = integerRest(text, value);
+        const auto order = std::pair(value, rest);
+        if (m_count == 0 || order < std::pair(m_smallest.value, m_smallest.rest)) {
+            m_smallest = {value, rest, std::u16string(text)};
+        }
+        if (m_count == 0 || order > std::pair(m_largest.value, m_largest.rest)) {
+            m_largest = {value, rest, std::u16string(text)};
+        }
+        // The sum of millions of doubles needs more digits than a double has.
+        m_sum += static_cast<long double>(value) + static_cast<long double>(rest);
+        ++m_count;
     }
     bool isEmpty() const { return m_count == 0; }
-    double smallest() const { return m_smallest; }
-    double largest() const { return m_largest; }
+    const StatsNumber &smallest() const { return m_smallest; }
+    const StatsNumber &largest() const { return m_largest; }
     double mean() const { return static_cast<double>(m_sum / static_cast<long double>(m_count)); }
 
 private:
-    double m_smallest = std::numeric_limits<double>::infinity();
-    double m_largest = -std::numeric_limits<double>::infinity();
+    StatsNumber m_smallest;
+    StatsNumber m_largest;
     long double m_sum = 0;
     qint64 m_count = 0;
 };

@@ -1,9 +1,11 @@
 // convert: makes a graph of readers, actions on rows and a writer, and runs it.
 #include "cli/commands.h"
+#include "cli/convert/file_arguments.h"
 #include "cli/convert/pipeline.h"
 #include "cli/convert/tables_command.h"
 #include "cli/session.h"
 #include "corvanta/action_registry.h"
+#include "corvanta/main_ui.h"
 
 #include <QFileInfo>
 
@@ -25,6 +27,17 @@ CommandResult<void> checkTarget(const CommandLine &line)
         return Fault{kFailed, u"'%1' exists already, and --no-clobber keeps it"_s.arg(target)};
     }
     return {};
+}
+
+/// A user may not expect that an input changes. The input is replaced only when it has been read.
+void warnOfReplacedInput(const CommandLine &line)
+{
+    const QString name = inputThatIsOutput(line);
+    if (!name.isEmpty()) {
+        MainUI::addLog(MainUI::Warning,
+                       u"Warning: the input '%1' is also the output, which replaces it when the "
+                       "run is complete"_s.arg(name));
+    }
 }
 
 } // namespace
@@ -62,6 +75,7 @@ CommandResult<void> convertCommand(const CommandLine &line)
     if (auto checked = checkTarget(line); !checked) {
         return checked;
     }
+    warnOfReplacedInput(line);
     RunOptions options;
     options.keepPartial = line.has(u"--keep-partial"_s);
     return (*session)->run(*graph, registry, std::move(options));

@@ -2,6 +2,7 @@
 #include "cli/convert/file_arguments.h"
 
 #include "base/nearest_name.h"
+#include "base/text/binary_kind.h"
 #include "base/text/unmarked_utf16.h"
 #include "cli/file_types.h"
 #include "cli/visible_text.h"
@@ -11,7 +12,6 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <array>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -172,27 +172,31 @@ std::optional<CommandResult<FileArgument>> namedRarMember(const QString &word,
                    : unreadable(archive, members.fault().detail);
 }
 
-/// The beginnings of files that have other extensions than those of texts.
-struct Magic
+/// What to do with a file of this kind that has the name of a text.
+const char *remedyFor(BinaryKind kind)
 {
-    QByteArrayView bytes;
-    const char *format; ///< for people
-    const char *remedy;
-};
-constexpr auto kMagics = std::to_array<Magic>({
-    {"PK\3\4", "a zip archive or a workbook", "--from xlsx reads it if it is a workbook"},
-    {"\xD0\xCF\x11\xE0", "a legacy Office file", "--from xls reads it if it is a workbook"},
-    {"PAR1", "a Parquet file", "--from parquet reads it"},
-    {"\x1F\x8B", "a gzip file", "rename it to end in .gz"},
-    {"Rar!", "a RAR archive", "rename it to end in .rar"},
-    {"$FL2", "an SPSS file", "--from sav reads it"},
-    {"%PDF", "a PDF document", "it cannot be read"},
-    {"\x89PNG", "an image", "it cannot be read"},
-    {"\xFF\xD8\xFF", "an image", "it cannot be read"},
-    {"\x7F"
-     "ELF",
-     "a program", "it cannot be read"},
-});
+    switch (kind) {
+    case BinaryKind::Zip:
+        return "--from xlsx reads it if it is a workbook; save an archive under a name that ends "
+               "in .zip";
+    case BinaryKind::Compound:
+        return "--from xls reads it if it is a workbook";
+    case BinaryKind::Parquet:
+        return "--from parquet reads it";
+    case BinaryKind::Gzip:
+        return "rename it to end in .gz";
+    case BinaryKind::Rar:
+        return "rename it to end in .rar";
+    case BinaryKind::Spss:
+        return "--from sav reads it";
+    case BinaryKind::None:
+    case BinaryKind::Pdf:
+    case BinaryKind::Image:
+    case BinaryKind::Program:
+        break;
+    }
+    return "it cannot be read";
+}
 
 /// Number of the line of the first zero byte, from 1.
 qsizetype lineOfZero(QByteArrayView bytes)
@@ -201,6 +205,13 @@ qsizetype lineOfZero(QByteArrayView bytes)
 }
 
 } // namespace
+
+/// Links and relative names are resolved before the comparison.
+bool isSameFile(const QString &a, const QString &b)
+{
+    const QString name = QFileInfo(a).canonicalFilePath();
+    return !name.isEmpty() && name == QFileInfo(b).canonicalFilePath();
+}
 
 CommandOptions formatOptions()
 {
@@ -264,6 +275,18 @@ QStringList inputWords(const CommandLine &line)
     return all;
 }
 
+QString inputThatIsOutput(const CommandLine &line)
+{
+    for (const QString &word : inputWords(line)) {
+        for (const QString &name : isPattern(word) ? matchesOf(word) : QStringList(word)) {
+            if (isSameFile(name, line.arguments.last())) {
+                return name;
+            }
+        }
+    }
+    return {};
+}
+
 /// Text readers accept any bytes: without this check a picture would become a table.
 QString binaryContent(const QString &fileName)
 {
@@ -276,13 +299,15 @@ QString binaryContent(const QString &fileName)
     const auto file = MyReadFile::open(fileName);
     QByteArray bytes(kExamined, '\0');
     bytes.truncate(file ? std::max<qint64>((*file)->read(bytes.data(), kExamined), 0) : 0);
-    for (const Magic &magic : kMagics) {
-        if (bytes.startsWith(magic.bytes)) {
-            return u"it begins like %1; %2"_s.arg(QLatin1StringView(magic.format),
-                                                  QLatin1StringView(magic.remedy));
-        }
-    }
     const std::string_view text(bytes.data(), static_cast<size_t>(bytes.size()));
+    const BinaryKind kind = binaryKind(text);
+    if (kind == BinaryKind::Gzip && fileName == kInputName) {
+        return {}; // standard input has no extension that could say so
+    }
+    if (kind != BinaryKind::None) {
+        return u"it begins like %1; %2"_s.arg(QLatin1StringView(describe(kind)),
+                                              QLatin1StringView(remedyFor(kind)));
+    }
     const bool hasMark = text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF");
     if (bytes.count('\0') < kFewZeros || hasMark || unmarkedUtf16(text) != nullptr) {
         return {};

@@ -25,6 +25,11 @@ CommandResult<FileArgument> outputFile(const CommandLine &line, const QString &w
 /// pattern is replaced by the files that it matches.
 QStringList inputWords(const CommandLine &line);
 
+/// Whether both names are those of one file that exists.
+bool isSameFile(const QString &a, const QString &b);
+/// The input that is also the output, which is the last argument; empty if there is none.
+QString inputThatIsOutput(const CommandLine &line);
+
 /// Why a file that should be text is not: it begins like a file of another format, or holds zero
 /// bytes. Empty for text, and for what cannot be examined without reading it.
 QString binaryContent(const QString &fileName);

@@ -34,6 +34,7 @@ struct Chain
     CorvantaGraph::Pin last;
     QVector<ColumnKind> kinds;
     QVector<ColumnNotes> notes;
+    QString decimalPoint; ///< of the numbers in texts; empty: the usual one
 
     /// Add an action that reads `last`, and make its output the last one. The fault is a usage
     /// error.
@@ -192,20 +193,6 @@ CommandResult<QStringList> renameColumns(const CommandLine &line, Chain *chain)
     return settings;
 }
 
-/// Say which keys of --sort are sorted as texts although their first values are numbers.
-void noteMixedKeys(const QStringList &keys, const QVector<ColumnKind> &kinds)
-{
-    for (const ColumnKind &kind : kinds) {
-        const bool isKey = keys.contains(kind.column) || keys.contains(u'-' + kind.column);
-        if (isKey && kind.kind == ValueKind::Text && isNumber(kind.before)) {
-            MainUI::addLog(
-                MainUI::Info,
-                u"The column '%1' is sorted as texts: '%2' in %3 is not a number like the values before it"_s
-                    .arg(kind.column, kind.exception, kind.exceptionPlace));
-        }
-    }
-}
-
 /// Add the actions for --where, --sort, --rows, --limit, --select and --rename, in this order.
 CommandResult<void> appendRowActions(const CommandLine &line, const ActionRegistry &registry,
                                      Chain *chain)
@@ -216,7 +203,10 @@ CommandResult<void> appendRowActions(const CommandLine &line, const ActionRegist
     if (!keys || !columns || !range) {
         return !keys ? keys.fault() : !columns ? columns.fault() : range.fault();
     }
-    const QStringList kinds = kindSettings(chain->kinds);
+    QStringList kinds = kindSettings(chain->kinds);
+    if (!chain->decimalPoint.isEmpty()) {
+        kinds << u"decimal="_s + chain->decimalPoint;
+    }
     for (const QString &where : line.values.value(u"--where"_s)) {
         const QString id = chain->graph.indexOf(u"filter"_s) < 0
                                ? u"filter"_s
@@ -228,7 +218,6 @@ CommandResult<void> appendRowActions(const CommandLine &line, const ActionRegist
         }
     }
     if (!keys->isEmpty()) {
-        noteMixedKeys(*keys, chain->kinds);
         if (auto added = chain->append(registry, u"sort"_s, settingsOf(u"keys"_s, *keys) + kinds);
             !added) {
             return added;
@@ -299,6 +288,7 @@ CommandResult<std::vector<Input>> openInputs(const CommandLine &line, const QStr
             return opened.fault();
         }
         input.reader = *std::move(opened);
+        chain->decimalPoint = decimalPointOf(*input.reader);
         if (needsKinds(line, *writer)) {
             auto kinds = inputKinds(line, words[i], input.reader.get(), rowsThatDecide(line));
             if (!kinds) {
@@ -354,8 +344,11 @@ CommandResult<void> addInputs(const CommandLine &line, const QStringList &words,
         return {};
     }
     chain->last = {joinId, 0};
-    const auto join =
-        makeAction(registry, joinId, {line.has(u"--union"_s) ? u"match=0"_s : u"match=2"_s});
+    QStringList settings{line.has(u"--union"_s) ? u"match=0"_s : u"match=2"_s};
+    if (line.has(u"--add-file-name"_s)) {
+        settings << u"lastColumn=_FileNames"_s;
+    }
+    const auto join = makeAction(registry, joinId, settings);
     return join ? addAction(&chain->graph, joinId, **join) : join.fault();
 }
 

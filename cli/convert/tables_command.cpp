@@ -23,6 +23,8 @@ using namespace corvanta;
 
 namespace {
 
+constexpr int kMostLikely = -1; // of the tables of an input
+
 /// A table to write.
 struct Table
 {
@@ -82,6 +84,10 @@ CommandResult<Tables> Tables::open(const CommandLine &line, const ActionRegistry
     }
     auto *const parameters = dynamic_cast<ActionParameters *>(input->get());
     const LogScope scope({nullptr, QString::fromLatin1(kInputId)});
+    // Each of the functions below would report a missing file.
+    if (!QFileInfo(line.arguments[0]).isReadable() && !parameters->fillFromInput(kMostLikely)) {
+        return Fault{kFailed};
+    }
     QVector<InputTable> all = parameters->relatedTables();
     tables.m_areRelated = !all.isEmpty();
     if (all.isEmpty()) {
@@ -120,9 +126,9 @@ CommandResult<std::unique_ptr<ActionItem>> Tables::reader(qsizetype index,
     auto *const parameters = dynamic_cast<ActionParameters *>(input->get());
     const LogScope scope({nullptr, m_tables[static_cast<size_t>(index)].file});
     const bool isFilled =
-        m_areRelated
-            ? parameters->fillFromRelated(static_cast<int>(index), areKeys)
-            : parameters->fillFromInput(m_tables.size() > 1 ? static_cast<int>(index) : -1);
+        m_areRelated ? parameters->fillFromRelated(static_cast<int>(index), areKeys)
+                     : parameters->fillFromInput(m_tables.size() > 1 ? static_cast<int>(index)
+                                                                     : kMostLikely);
     if (!isFilled) {
         return Fault{kFailed};
     }
@@ -220,6 +226,17 @@ QString targetOf(const CommandLine &line, const Table &table)
     return line.arguments.last() + table.file + u".csv"_s;
 }
 
+/// The folder and those above it that do not exist, the innermost first.
+QStringList missingFolders(QString folder)
+{
+    QStringList missing;
+    for (folder = QDir::cleanPath(folder); !QFileInfo::exists(folder);
+         folder = QFileInfo(folder).path()) {
+        missing << folder;
+    }
+    return missing;
+}
+
 /// Check that the targets may be written, and create the folder.
 CommandResult<void> prepareFolder(const CommandLine &line, const Tables &tables)
 {
@@ -308,10 +325,15 @@ CommandResult<void> convertTables(const CommandLine &line, const ActionRegistry 
         std::fputs(graph->toXml().constData(), stdout);
         return {};
     }
+    const QStringList created = missingFolders(line.arguments.last());
     if (auto prepared = prepareFolder(line, *tables); !prepared) {
         return prepared;
     }
     RunOptions options;
     options.keepPartial = line.has(u"--keep-partial"_s);
-    return session->run(*graph, registry, std::move(options));
+    auto run = session->run(*graph, registry, std::move(options));
+    for (const QString &folder : run ? QStringList() : created) {
+        QDir().rmdir(folder); // only if it is empty
+    }
+    return run;
 }

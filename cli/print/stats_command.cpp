@@ -42,10 +42,11 @@ struct ColumnSummary
 class ColumnStats
 {
 public:
-    ColumnStats(cell::Type type, ValueKind kind, size_t maxDistinct)
+    /// `isNumeric`: all values are numbers, also those of a Text, which has too many digits.
+    ColumnStats(cell::Type type, ValueKind kind, bool isNumeric, size_t maxDistinct)
         : m_type(type)
         , m_kind(kind)
-        , m_isNumeric(kind == ValueKind::Integer || kind == ValueKind::Decimal)
+        , m_isNumeric(isNumeric)
         , m_distinct(maxDistinct)
     {
     }
@@ -94,8 +95,9 @@ private:
         double value = 0;
         m_isNumeric = m_isNumeric && parseDouble(text.view(), &value);
         if (m_isNumeric) {
-            m_numbers.add(value);
-        } else {
+            m_numbers.add(value, text.view());
+        }
+        if (!m_isNumeric || m_kind == ValueKind::Text) {
             m_texts.add(text.view());
         }
     }
@@ -110,6 +112,19 @@ private:
     TextRange m_texts;
 };
 
+/// Of a text the digits as they are; of a number an integer with all digits, if it fits, or the
+/// nearest double.
+QJsonValue jsonOf(const StatsNumber &number, ValueKind kind)
+{
+    const QString text = QString::fromStdU16String(number.text);
+    if (kind == ValueKind::Text) {
+        return text;
+    }
+    bool isInteger = false;
+    const qint64 integer = text.toLongLong(&isInteger);
+    return isInteger ? QJsonValue(integer) : QJsonValue(number.value);
+}
+
 ColumnSummary ColumnStats::summary(const QString &name) const
 {
     ColumnSummary summary;
@@ -121,16 +136,15 @@ ColumnSummary ColumnStats::summary(const QString &name) const
     summary.isOverDistinct = m_distinct.isOver();
     // A file that changed after its types were found may have other texts too.
     if (m_isNumeric && !m_numbers.isEmpty()) {
-        summary.minimum = m_numbers.smallest();
-        summary.maximum = m_numbers.largest();
-        summary.mean = m_numbers.mean();
-    }
-    if (!m_texts.isEmpty()) {
+        summary.minimum = jsonOf(m_numbers.smallest(), m_kind);
+        summary.maximum = jsonOf(m_numbers.largest(), m_kind);
+        summary.mean = m_kind == ValueKind::Text ? QJsonValue() : QJsonValue(m_numbers.mean());
+    } else if (!m_texts.isEmpty()) {
         summary.minimum = m_texts.smallest();
         summary.maximum = m_texts.largest();
-        summary.longest = m_kind == ValueKind::Text
-                              ? QJsonValue(static_cast<qint64>(m_texts.longest()))
-                              : QJsonValue();
+    }
+    if (!m_texts.isEmpty() && m_kind == ValueKind::Text) {
+        summary.longest = static_cast<qint64>(m_texts.longest());
     }
     return summary;
 }
@@ -141,7 +155,13 @@ QString shown(const QJsonValue &value)
     if (value.isString()) {
         return value.toString().isEmpty() ? u""_s : value.toString(); // empty, but not null
     }
-    return value.isDouble() ? shortestText(value.toDouble()) : QString();
+    if (!value.isDouble()) {
+        return QString();
+    }
+    // A double would lose digits of an integer.
+    constexpr qint64 kNone = std::numeric_limits<qint64>::min();
+    const qint64 integer = value.toInteger(kNone);
+    return integer == kNone ? shortestText(value.toDouble()) : QString::number(integer);
 }
 
 /// Fields that do not apply are left out, as are infinite numbers, which JSON does not have.
@@ -196,7 +216,10 @@ private:
         const size_t maxDistinct = maxDistinctOf(static_cast<size_t>(columns.names.size()));
         const QVector<ColumnKind> kinds = kindsOf(columns, m_facts);
         for (qsizetype i = 0; i < kinds.size(); ++i) {
-            m_columns.emplace_back(columns.types[i].cellType(), kinds[i].kind, maxDistinct);
+            const ValueKind kind = kinds[i].kind;
+            const bool isNumeric = kind == ValueKind::Integer || kind == ValueKind::Decimal ||
+                                   m_facts.longNumbers.contains(columns.names[i]);
+            m_columns.emplace_back(columns.types[i].cellType(), kind, isNumeric, maxDistinct);
         }
         m_names = columns.names;
     }

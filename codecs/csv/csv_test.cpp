@@ -104,6 +104,18 @@ TEST(RecordReader, SkipsLinesAndUsesTheGivenQuoteWhereverTheTextIsSplit)
     EXPECT_EQ(describe(plain, {}, {.quote = Dialect::kNoQuote}), "1: \"a|\"b\n");
 }
 
+TEST(RecordReader, EndsLinesWithCarriageReturnsWhereverTheTextIsSplit)
+{
+    const Dialect dialect{.endsLinesWithCr = true, .comment = "#", .skippedLines = 1};
+    test::forEverySplit([&](int piece) {
+        for (const size_t block : {size_t(1), size_t(5), size_t(1) << 20}) {
+            MemorySource source(QByteArrayView("x\ra,b\r#c\r\"1\r2\",\r\r\n3,4"), piece);
+            EXPECT_EQ(describe(source, {block, size_t(1) << 30}, dialect),
+                      "2: a|b\n4: \"1\r2\"|\n6: \n7: 3|4\n");
+        }
+    });
+}
+
 TEST(FindSeparator, ChoosesTheOneThatGivesRegularRecords)
 {
     struct Text
@@ -142,8 +154,8 @@ TEST(RecordReader, RejectsARecordThatIsTooLong)
 
 TEST(RecordReader, ReportsAFailedReadAndNotAnEarlyEnd)
 {
-    test::FailingSource source("a,b\nc");
-    EXPECT_EQ(describe(source), "1: a|b\nfault 1 line 2 offset 4\n");
+    test::FailingSource source("a,b\n1,2\nc");
+    EXPECT_EQ(describe(source), "1: a|b\n2: 1|2\nfault 1 line 3 offset 8\n");
 }
 
 namespace {

@@ -13,6 +13,8 @@ struct Dialect
     char separator = ',';
     /// An ASCII character other than CR and LF; kNoQuote: every byte of a field is literal.
     int quote = '"';
+    /// A CR alone ends a line too, outside quotes: texts of old systems have no LF.
+    bool endsLinesWithCr = false;
     /// Lines that begin with this text are skipped; empty: none.
     std::string comment = {};
     /// Number of lines before the first record, whatever they hold.

@@ -42,7 +42,7 @@ std::vector<size_t> fieldCounts(std::string_view beginning, bool isWhole, const 
     std::vector<size_t> counts;
     bool isCut = !isWhole;
     for (auto found = reader.next(); found && *found; found = reader.next()) {
-        isCut = !isWhole && !reader.record().ends_with('\n');
+        isCut = !isWhole && !reader.record().ends_with(dialect.endsLinesWithCr ? '\r' : '\n');
         if (!isEmptyLine(reader.fields())) {
             counts.push_back(reader.fields().size());
         }

@@ -5,9 +5,10 @@
 //   field   = quoted / plain
 //   quoted  = DQUOTE *(any byte but DQUOTE / DQUOTE DQUOTE) DQUOTE
 //   plain   = bytes without separator and line end; DQUOTE is literal except at the beginning
-//   line-end = LF / CR LF
+//   line-end = LF / CR LF             CR too if Dialect::endsLinesWithCr
 #include "codecs/csv/record_reader.h"
 
+#include "base/text/binary_kind.h"
 #include "codecs/csv/find_first_of.h"
 
 #include <algorithm>
@@ -21,10 +22,6 @@ using namespace std::string_view_literals;
 
 constexpr std::string_view kMark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Marks[] = {"\xFF\xFE", "\xFE\xFF"};
-/// A zip package, a compound file, gzip, and Parquet. No text begins like them.
-constexpr std::string_view kOtherKinds[] = {"PK\x03\x04", "\xD0\xCF\x11\xE0", "\x1F\x8B\x08",
-                                            "PAR1\x15"};
-constexpr size_t kBeginningBytes = 5; // of the longest of these
 
 bool startsWithAny(std::string_view text, std::span<const std::string_view> beginnings)
 {
@@ -38,6 +35,7 @@ RecordReader::RecordReader(ByteSource &source, Dialect dialect, Limits limits)
     : m_source(source)
     , m_dialect(std::move(dialect))
     , m_separator(m_dialect.separator)
+    , m_lineEnd(m_dialect.endsLinesWithCr ? '\r' : '\n')
     , m_skipsLines(m_dialect.skippedLines > 0 || !m_dialect.comment.empty())
     , m_recordBytes(limits.recordBytes)
     , m_block(limits.blockBytes)
@@ -85,7 +83,7 @@ Result<void, Error> RecordReader::refill()
 Result<void, Error> RecordReader::begin()
 {
     m_hasBegun = true;
-    while (m_fill < kBeginningBytes && !m_isEnded) {
+    while (m_fill < kBinaryKindBytes && !m_isEnded) {
         if (const auto refilled = refill(); !refilled) {
             return refilled.fault();
         }
@@ -94,8 +92,8 @@ Result<void, Error> RecordReader::begin()
     if (startsWithAny(beginning, kUtf16Marks)) {
         return faultOf(Error::Utf16);
     }
-    if (startsWithAny(beginning, kOtherKinds)) {
-        return faultOf(Error::NotText);
+    if (const BinaryKind kind = binaryKind(beginning); kind != BinaryKind::None) {
+        return Fault<Error>{Error::NotText, QString::fromLatin1(describe(kind)), 0};
     }
     m_at = beginning.starts_with(kMark) ? kMark.size() : 0;
     return {};
@@ -117,7 +115,7 @@ const char *RecordReader::scanQuoted(const char *at, const char *end)
         // Of a doubled quote the first one belongs to the text.
         m_scratch.insert(m_scratch.end(), at, quote + (isDoubled ? 1 : 0));
         if (!isDoubled) {
-            m_nextLine += std::count(begin, quote, '\n');
+            m_nextLine += std::count(begin, quote, m_lineEnd);
             // The text gets its address in placeQuotedFields(): m_scratch may still move.
             m_fields.push_back(
                 {nullptr, static_cast<qsizetype>(m_scratch.size() - scratchBegin), true});
@@ -131,7 +129,7 @@ const char *RecordReader::scanQuoted(const char *at, const char *end)
 inline const char *RecordReader::scanPlain(const char *begin, const char *end)
 {
     const char *at = findFirstOf(begin, end, m_separator, '\n', '\r');
-    while (at < end && *at == '\r' && at + 1 < end && at[1] != '\n') {
+    while (at < end && *at == '\r' && m_lineEnd == '\n' && at + 1 < end && at[1] != '\n') {
         at = findFirstOf(at + 1, end, m_separator, '\n', '\r'); // a lone CR belongs to the field
     }
     m_fields.push_back({begin, at - begin, false});
@@ -141,7 +139,7 @@ inline const char *RecordReader::scanPlain(const char *begin, const char *end)
 /// Ends the record at `at`, the end of its last field.
 inline RecordReader::Scan RecordReader::endRecord(const char *at, const char *end)
 {
-    if (at + 1 == end && *at == '\r' && !m_fields.back().isQuoted) {
+    if (at + 1 == end && *at == '\r' && m_lineEnd == '\n' && !m_fields.back().isQuoted) {
         ++m_fields.back().size; // the text ends with a lone CR
     }
     at += at < end && *at == '\r' ? 1 : 0;
@@ -164,15 +162,15 @@ bool RecordReader::isSkippedLine(const char *at, const char *end, bool *isCertai
     return !comment.empty() && isEqual && available >= comment.size();
 }
 
-/// A skipped line ends at its line feed, also inside quotes: it is not a record.
+/// A skipped line ends at its line end, also inside quotes: it is not a record.
 RecordReader::Scan RecordReader::skipLine(const char *at, const char *end)
 {
-    const auto *const feed =
-        static_cast<const char *>(std::memchr(at, '\n', static_cast<size_t>(end - at)));
-    if (feed == nullptr && !m_isEnded) {
+    const auto *const lineEnd =
+        static_cast<const char *>(std::memchr(at, m_lineEnd, static_cast<size_t>(end - at)));
+    if (lineEnd == nullptr && !m_isEnded) {
         return Scan::NeedMore;
     }
-    m_at = static_cast<size_t>((feed != nullptr ? feed + 1 : end) - m_block.data());
+    m_at = static_cast<size_t>((lineEnd != nullptr ? lineEnd + 1 : end) - m_block.data());
     ++m_nextLine;
     return Scan::Skipped;
 }

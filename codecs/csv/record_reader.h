@@ -1,6 +1,7 @@
 // Splits text with separators (CSV, RFC 4180) into records and fields.
 //
-// Line ends are LF or CR LF; a lone CR belongs to its field. A byte-order mark at the beginning is
+// Line ends are LF or CR LF; a lone CR belongs to its field, unless the dialect says that it ends
+// lines too. A byte-order mark at the beginning is
 // skipped. Bytes are not decoded: fields are UTF-8 if the text is. Records may have different
 // numbers of fields; the caller decides whether that is an error.
 // Threads: one at a time per object.
@@ -26,8 +27,8 @@ enum class Error : quint8 {
     BadQuotes,
     /// The source begins with the byte-order mark of UTF-16.
     Utf16,
-    /// The source begins like a file of another kind: a package, an older Office file, a compressed
-    /// file or a Parquet file.
+    /// The source begins like a file of another kind, which is the detail of the fault: "a Parquet
+    /// file".
     NotText,
 };
 
@@ -78,7 +79,7 @@ public:
     std::string_view record() const { return {m_block.data() + m_recordAt, m_at - m_recordAt}; }
 
     /// Line on which the record begins, 1-based, also after a fault. Each LF begins a line, also
-    /// one inside quotes.
+    /// one inside quotes; if a CR ends lines, each CR does instead.
     qint64 line() const { return m_line; }
 
 private:
@@ -101,6 +102,7 @@ private:
     ByteSource &m_source;
     Dialect m_dialect;
     char m_separator;  // of m_dialect
+    char m_lineEnd;    // the last byte of a line end: LF, or CR if that ends lines
     bool m_skipsLines; // m_dialect has lines to skip
     size_t m_recordBytes;
     std::vector<char> m_block;

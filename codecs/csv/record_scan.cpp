@@ -16,6 +16,12 @@ inline bool RecordScan::isNull(const Field &field) const
                                           });
 }
 
+inline std::string_view RecordScan::valueOf(size_t column, const Field &field) const
+{
+    const bool isConverted = column < m_rules.values.size() && m_rules.values[column];
+    return isConverted ? m_rules.values[column](field.view()) : field.view();
+}
+
 bool RecordScan::add(const RecordReader &reader)
 {
     const std::span<const Field> fields = reader.fields();
@@ -32,7 +38,7 @@ bool RecordScan::add(const RecordReader &reader)
     };
     for (size_t i = 0; i < std::min(fields.size(), m_scans.size()); ++i) {
         if (!m_scans[i].isDecided() && !isNull(fields[i])) {
-            m_scans[i].add(fields[i].view(), place, m_rules.decimalPoint);
+            m_scans[i].add(valueOf(i, fields[i]), place, m_rules.decimalPoint);
         }
     }
     return true;

@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 
+#include <functional>
 #include <span>
 
 namespace corvanta::csv {
@@ -21,6 +22,9 @@ public:
         std::span<const QByteArray> nullValues = {};
         /// A record may have fewer fields than columns, or more, which are not read.
         bool fillsRagged = false;
+        /// For each column what gives the value for the text of a field, such as a date in another
+        /// format, valid until its next call; null: the text is the value. Empty: all are null.
+        std::span<const std::function<std::string_view(std::string_view)>> values = {};
     };
 
     /// One element of `scans` per column, which must outlive this object.
@@ -41,6 +45,7 @@ public:
 
 private:
     bool isNull(const Field &field) const;
+    std::string_view valueOf(size_t column, const Field &field) const;
 
     std::span<values::ColumnScan> m_scans;
     Rules m_rules;

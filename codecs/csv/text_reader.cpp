@@ -4,6 +4,18 @@
 
 namespace corvanta::csv {
 
+namespace {
+
+/// Whether CR alone ends the lines. A CR at the end of a part may be the first half of CR LF.
+bool hasOnlyCr(std::string_view sample, bool isWhole)
+{
+    const size_t cr = sample.find('\r');
+    return cr != std::string_view::npos && (isWhole || cr + 1 < sample.size()) &&
+           sample.find('\n') == std::string_view::npos;
+}
+
+} // namespace
+
 /// A pipe may give its bytes in small pieces; a sample of one piece would be too short.
 void TextReader::Replay::fill()
 {
@@ -29,17 +41,21 @@ qint64 TextReader::Replay::read(void *buffer, qint64 n)
 
 TextReader::TextReader(ByteSource &source, const TextForm &form, RecordReader::Limits limits)
     : m_text(source, form.encoding, form.fallback)
-    , m_separator(form.dialect.separator)
+    , m_dialect(form.dialect)
 {
-    if (form.findsSeparator) {
+    if (form.findsSeparator || form.findsLineEnd) {
         m_replay.fill();
-        const QByteArrayView sample = m_replay.bytes();
-        m_separator = findSeparator({sample.data(), static_cast<size_t>(sample.size())},
-                                    sample.size() < kSampleBytes, form.dialect);
     }
-    Dialect dialect = form.dialect;
-    dialect.separator = m_separator;
-    m_records = std::make_unique<RecordReader>(m_replay, std::move(dialect), limits);
+    const QByteArrayView bytes = m_replay.bytes();
+    const std::string_view sample(bytes.data(), static_cast<size_t>(bytes.size()));
+    const bool isWhole = bytes.size() < kSampleBytes;
+    if (form.findsLineEnd) {
+        m_dialect.endsLinesWithCr = hasOnlyCr(sample, isWhole);
+    }
+    if (form.findsSeparator) {
+        m_dialect.separator = findSeparator(sample, isWhole, m_dialect);
+    }
+    m_records = std::make_unique<RecordReader>(m_replay, m_dialect, limits);
 }
 
 } // namespace corvanta::csv

@@ -15,13 +15,15 @@ struct TextForm
     Dialect dialect = {};
     /// Ignore the separator of `dialect`, and use that of findSeparator() for the first 64 KiB.
     bool findsSeparator = false;
+    /// Lines end with CR alone if the first 64 KiB have CR but no LF.
+    bool findsLineEnd = false;
 };
 
 /// Threads: one at a time.
 class TextReader
 {
 public:
-    /// Number of bytes of UTF-8 in which a separator is found.
+    /// Number of bytes of UTF-8 in which the separator and the line end are found.
     static constexpr qint64 kSampleBytes = 64 * 1024;
 
     /// Read from the current position of `source`, which must outlive the reader. iconv must know
@@ -33,7 +35,8 @@ public:
     const RecordReader &records() const { return *m_records; }
     /// What was found out about the encoding so far.
     const encoding::Utf8Source &text() const { return m_text; }
-    char separator() const { return m_separator; }
+    char separator() const { return m_dialect.separator; }
+    bool endsLinesWithCr() const { return m_dialect.endsLinesWithCr; }
 
 private:
     /// Bytes that were read before, and the text after them.
@@ -59,7 +62,7 @@ private:
 
     encoding::Utf8Source m_text;
     Replay m_replay{m_text};
-    char m_separator;
+    Dialect m_dialect;
     std::unique_ptr<RecordReader> m_records; // null only during construction
 };
 

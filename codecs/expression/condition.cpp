@@ -4,7 +4,7 @@
 #include "codecs/expression/condition.h"
 
 #include "base/number.h"
-#include "codecs/values/number_value.h"
+#include "base/text/number_value.h"
 
 #include <compare>
 
@@ -65,9 +65,10 @@ QString quoted(std::u16string_view text)
 } // namespace
 
 Result<Condition, Error> Condition::bind(const Expression &expression, const RowView &columns,
-                                         const std::vector<bool> &hasNumbers)
+                                         const std::vector<bool> &hasNumbers, char decimalPoint)
 {
     Condition condition;
+    condition.m_decimalPoint = decimalPoint;
     condition.m_root = expression.root;
     for (const Node &node : expression.nodes) {
         BoundNode bound{node.kind, node.comparison, node.firstChild, node.next, {}, {}};
@@ -94,7 +95,7 @@ Result<Condition::BoundOperand, Error> Condition::bindOperand(const Operand &ope
 {
     BoundOperand bound;
     bound.number = operand.number;
-    bound.rest = values::integerRest(operand.text.toStdU16String(), operand.number);
+    bound.rest = integerRest(operand.text.toStdU16String(), operand.number);
     if (operand.kind == Operand::Kind::Text) {
         bound.source = Source::Text;
         bound.text = operand.text.toStdU16String();
@@ -232,7 +233,7 @@ Condition::Truth Condition::compareNumbers(const BoundNode &node, const RowView 
         return Truth::Unknown;
     }
     std::partial_ordering order = left <=> right;
-    if (std::is_eq(order) && std::abs(left) >= values::kInexactFrom) {
+    if (std::is_eq(order) && std::abs(left) >= kInexactFrom) {
         order = restOf(node.left, left, row) <=> restOf(node.right, right, row);
     }
     return holds(node.comparison, order) ? Truth::True : Truth::False;
@@ -244,7 +245,7 @@ qint64 Condition::restOf(const BoundOperand &operand, double value, const RowVie
     if (operand.source != Source::TextNumberCell) {
         return operand.rest;
     }
-    return values::integerRest(cell::readText(row.cells[operand.column]).view(), value);
+    return integerRest(cell::readText(row.cells[operand.column]).view(), value);
 }
 
 /// The number of an operand that is not missing. Returns false for a text that is not a number.
@@ -264,7 +265,7 @@ bool Condition::number(const BoundOperand &operand, const RowView &row, double *
         return true;
     }
     const std::u16string_view text = cell::readText(bytes).view();
-    if (!parseDouble(text, value)) {
+    if (!parseLocalDouble(text, m_decimalPoint, value)) {
         m_fault = {Error::NotANumber, u"%1 in column '%2' is not a number"_s.arg(
                                           quoted(text), row.names[operand.column])};
         return false;
@@ -283,7 +284,7 @@ void Condition::failMismatch(const BoundNode &node, const RowView &row)
                               : u"the numbers of column '%1'"_s.arg(row.names[number.column]);
     m_fault = {
         Error::TypeMismatch,
-        u"column '%1' holds texts (here %2), which cannot be compared with %3; state its kind ('%1=decimal' in 'kinds') or write a text in single quotes"_s
+        u"column '%1' holds texts (here %2), which cannot be compared with %3; state its kind ('%1=decimal' in 'kinds'; convert: --types), make the text a missing value (nullValues of readCSV), or write a text in single quotes"_s
             .arg(row.names[text.column], quoted(cell::readText(row.cells[text.column]).view()),
                  other)};
 }

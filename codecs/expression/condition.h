@@ -19,10 +19,12 @@ class Condition
 {
 public:
     /// Find the columns of `expression` in a table. `hasNumbers` has one entry per column: whether
-    /// the texts of a text column are compared as numbers. Errors: UnknownColumn, TypeMismatch (a
-    /// column of numbers and a text); the offset counts characters of the expression from 0.
+    /// the texts of a text column are compared as numbers, whose decimal point is `decimalPoint`.
+    /// Errors: UnknownColumn, TypeMismatch (a column of numbers and a text); the offset counts
+    /// characters of the expression from 0.
     static Result<Condition, Error> bind(const Expression &expression, const RowView &columns,
-                                         const std::vector<bool> &hasNumbers);
+                                         const std::vector<bool> &hasNumbers,
+                                         char decimalPoint = '.');
 
     /// Whether the expression is true for the row, which has the columns given to bind(). Errors:
     /// TypeMismatch (a text column without `hasNumbers` and a number), NotANumber. Both need a text
@@ -73,6 +75,7 @@ private:
 
     std::vector<BoundNode> m_nodes;
     int m_root = -1;
+    char m_decimalPoint = '.';
     std::optional<Fault<Error>> m_fault; // of the row that is evaluated
 };
 

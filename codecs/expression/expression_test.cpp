@@ -148,11 +148,12 @@ TEST(Expression, FaultsNameTheirPlace)
                             "written without quotes"_s},
              {u"u > 10"_s,
               u"column 'u' holds texts (here 'abc'), which cannot be compared with the "
-              "number 10; state its kind ('u=decimal' in 'kinds') or write a text in "
-              "single quotes"_s},
+              "number 10; state its kind ('u=decimal' in 'kinds'; convert: --types), make the text "
+              "a missing value (nullValues of readCSV), or write a text in single quotes"_s},
              {u"k < u"_s, u"column 'u' holds texts (here 'abc'), which cannot be compared with the "
-                          "numbers of column 'k'; state its kind ('u=decimal' in 'kinds') or write "
-                          "a text in single quotes"_s},
+                          "numbers of column 'k'; state its kind ('u=decimal' in 'kinds'; convert: "
+                          "--types), make the text a missing value (nullValues of readCSV), or "
+                          "write a text in single quotes"_s},
              {u"v > 1"_s, u"'x' in column 'v' is not a number"_s},
          }) {
         EXPECT_EQ(resultOf(text, row), expected) << qPrintable(text);

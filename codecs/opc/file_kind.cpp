@@ -1,11 +1,11 @@
 // The first bytes of the kinds:
 //
-//   50 4B 03 04                      "PK", a ZIP file: a package
-//   D0 CF 11 E0 A1 B1 1A E1          a compound file (MS-CFB, 2.2)
+//   a zip file, a compound file      see base/text/binary_kind.cpp
 //   09 version 04..10 00             a BOF record without a compound file (MS-XLS, 2.4.21)
 //   [EF BB BF] "<"                   a text with markup
 #include "codecs/opc/file_kind.h"
 
+#include "base/text/binary_kind.h"
 #include "codecs/opc/compound_file.h"
 
 #include <QByteArray>
@@ -64,17 +64,18 @@ FileKind fileKind(ByteSource &source)
         return size == 0 ? FileKind::Empty : FileKind::Other;
     }
     beginning.truncate(size);
-    if (beginning.startsWith("PK\x03\x04") || beginning.startsWith("PK\x05\x06")) {
+    const BinaryKind kind = binaryKind({beginning.constData(), static_cast<size_t>(size)});
+    if (kind == BinaryKind::Zip) {
         return FileKind::Package;
     }
-    if (beginning.startsWith("\xD0\xCF\x11\xE0") && source.seek(0)) {
+    if (kind == BinaryKind::Compound && source.seek(0)) {
         return compoundFileKind(source) == CompoundFile::Encrypted ? FileKind::Encrypted
                                                                    : FileKind::Compound;
     }
     if (startsWithBof(beginning)) {
         return FileKind::Records;
     }
-    if (beginning.startsWith("%PDF")) {
+    if (kind == BinaryKind::Pdf) {
         return FileKind::Pdf;
     }
     return beginning.startsWith("{\\rtf") ? FileKind::RichText : kindOfText(beginning);

@@ -19,6 +19,8 @@ using input::OpenError;
 
 namespace {
 
+constexpr QLatin1StringView kStandardInput("/dev/stdin");
+
 /// A plain file, read through the host's file class.
 class PlainSource final : public InputSource
 {
@@ -71,7 +73,10 @@ input::Opened openSource(GlobalParameters *parameters, const InputName &parts)
     case Kind::Plain:
         break;
     }
-    return openPlain(parts.path);
+    // Standard input has no name that says whether it is compressed. The reader of gzip data
+    // returns all other data unchanged.
+    const bool isNameless = parts.path == kStandardInput || input::isPipe(parts.path);
+    return isNameless ? input::openGzipFile(parameters, parts.path) : openPlain(parts.path);
 }
 
 /// Log the failures that only this class knows. Readers report files of the other kinds, with their

@@ -12,8 +12,8 @@
 #include "io/rows/row_key.h"
 
 #include "base/number.h"
+#include "base/text/number_value.h"
 #include "base/utf.h"
-#include "codecs/values/number_value.h"
 
 #include <QChar>
 
@@ -37,7 +37,7 @@ char *putNumber(double value, qint64 rest, char *out)
     const auto bits = std::bit_cast<quint64>(value + 0.0); // -0 becomes 0
     storeBE(quint64((bits & kSign) != 0 ? ~bits : bits | kSign), out);
     out += kNumberBytes;
-    if (std::abs(value) < values::kInexactFrom) {
+    if (std::abs(value) < kInexactFrom) {
         return out;
     }
     storeBE(quint64(rest) ^ kSign, out);
@@ -132,8 +132,8 @@ char *KeyEncoder::putValue(const KeyColumn &column, const uchar *cell, char *out
     if (!column.hasNumbers) {
         return putText(text.view(), out);
     }
-    return parseDouble(text.view(), &value)
-               ? putNumber(value, values::integerRest(text.view(), value), out)
+    return parseLocalDouble(text.view(), m_decimalPoint, &value)
+               ? putNumber(value, integerRest(text.view(), value), out)
                : nullptr;
 }
 

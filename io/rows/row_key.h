@@ -23,8 +23,10 @@ struct KeyColumn
 class KeyEncoder
 {
 public:
-    explicit KeyEncoder(std::vector<KeyColumn> columns)
+    /// `decimalPoint`: of the numbers in texts.
+    explicit KeyEncoder(std::vector<KeyColumn> columns, char decimalPoint = '.')
         : m_columns(std::move(columns))
+        , m_decimalPoint(decimalPoint)
     {
     }
     /// Room that the key of a row needs at most, in bytes.
@@ -41,6 +43,7 @@ private:
     char *putValue(const KeyColumn &column, const uchar *cell, char *out);
 
     std::vector<KeyColumn> m_columns;
+    char m_decimalPoint;
     int m_failedColumn = -1;
     bool m_hasMissing = false;
 };

@@ -70,8 +70,8 @@ QVector<ColumnSummary> SummaryBuilder::summaries() const
         ColumnSummary summary{m_rows, column.missing, static_cast<qint64>(column.distinct.count()),
                               column.distinct.isOver()};
         if (!column.numbers.isEmpty()) {
-            summary.minimum = shortestText(column.numbers.smallest());
-            summary.maximum = shortestText(column.numbers.largest());
+            summary.minimum = shortestText(column.numbers.smallest().value);
+            summary.maximum = shortestText(column.numbers.largest().value);
         } else if (!column.texts.isEmpty()) {
             summary.minimum = column.texts.smallest().left(kMaxUnits);
             summary.maximum = column.texts.largest().left(kMaxUnits);

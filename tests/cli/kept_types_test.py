@@ -101,7 +101,7 @@ class Types(unittest.TestCase):
     def test_values_of_another_type_are_errors(self):
         said = self.convert("in.csv", "out.parquet", *TYPES, "--writer", "ToInteger=i\ns", status=1)
         self.assertIn("the value 'true' of the column 's' in row 1 is not a whole number of 64 bits; write the column as text, "
-                      "without it in ToInteger or with logicalTypes='0'", said)
+                      "without it in ToInteger or with logicalTypes='0' (convert: --types text)", said)
 
     def test_names_that_change(self):
         (self.folder / "names.csv").write_text("a b,Größe,ok\n1,2,3\n")

@@ -65,6 +65,20 @@ class Streams(Case):
             self.convert(*words, status=2)
             self.assertIn(text, self.said)
 
+    def test_standard_input_may_be_compressed(self):
+        lines = b'{"a":1,"b":"x"}\n{"a":2,"b":"y"}\n'
+        for source, document in (("csv", TABLE), ("jsonl", lines)):
+            packed = gzip.compress(document)
+            self.put("in.gz", packed)
+            self.assertEqual(self.convert("-", "-", "--from", source, "--to", "csv", stdin=packed), TABLE, source)
+            for command, rows in (("convert", TABLE), ("head", b"a  b\n-  -\n1  x\n2  y\n")):
+                with open(self.folder / "in.gz", "rb") as stdin:
+                    words = [CORVANTA, command, "-", "--from", source, *(["-", "--to", "csv"] if command == "convert" else [])]
+                    self.assertEqual(subprocess.run(words, stdin=stdin, capture_output=True, check=True).stdout, rows)
+        self.convert("-", "out.csv", "--from", "csv", stdin=b"PK\3\4....", status=1)
+        self.assertIn("Error: readCSV: file '/dev/stdin' is not a text file: it begins like a zip archive or a workbook; give it the right "
+                      "extension", self.said)
+
     def test_redirected_output_is_written_at_its_position(self):
         for mode, before in (("wb", b"first\n"), ("ab", b"")):
             with open(self.folder / "all.csv", mode) as out:
@@ -173,6 +187,11 @@ class SeveralInputs(Case):
             rows = self.rows_of("out.csv")
             self.assertEqual([rows[0], *(row[0] for row in rows[1:])], [["a", "_FileNames"], "1", "2"], words)
             self.assertTrue(rows[2][1].endswith("p2.json"), rows)
+        self.convert("in.csv", "p1.json", "out.csv", "--add-file-name", "--union", "--rename", "b=c")
+        self.assertEqual(self.rows_of("out.csv")[0], ["a", "c", "_FileNames"])
+        self.put("p1.json", '[{"z":1}]')
+        self.convert("in.csv", "p1.json", "out.csv", "--add-file-name", "--union")
+        self.assertEqual(self.rows_of("out.csv")[0], ["a", "b", "z", "_FileNames"])
         self.put("one.dbf", struct.pack("<BxxxIHH20x11sc4xB15x", 3, 1, 65, 3, b"A", b"C", 2) + b"\r 12")
         self.convert("in.csv", "one.xpt")
         for name in ("one.dbf", "one.xpt"):
@@ -226,7 +245,14 @@ class Rows(Case):
         self.assertIn(b'"t":"100.12345678901234567"', self.content("m.json").replace(b" ", b""))
         self.put("mixed.csv", "t\n10\n9\nn/a\n")
         self.assertEqual(self.convert("mixed.csv", "-", "--to", "csv", "--sort", "t"), b"t\n10\n9\nn/a\n")
-        self.assertIn("The column 't' is sorted as texts: 'n/a' in row 3 (line 4) is not a number like the values before it", self.said)
+        self.assertIn("sort: the column 't' is sorted as texts: 2 of its 3 values are numbers; the first other value is 'n/a' in row 3", self.said)
+
+    def test_numbers_with_a_decimal_comma(self):
+        self.put("d.csv", "k;t\n10,5;a\n9,25;b\n100,0;c\n")
+        for words, keys in ((("--sort", "k"), b"bac"), (("--where", "k > 9.5"), b"ac")):
+            out = self.convert("d.csv", "-", "--to", "tsv", *words, "--reader", "decimal=,")
+            self.assertEqual(b"".join(line[-1:] for line in out.splitlines()[1:]), keys)
+            self.assertIn(b"\n10,5\ta\n", out)
 
     def test_printed_graph_does_the_same(self):
         words = ("t.json", "out.csv", "--where", "price > 5", "--sort", "-price,name", "--select", "name,price", "--rename", "name=n", "--limit", "2")
@@ -263,6 +289,10 @@ class Targets(Case):
     def test_a_file_becomes_its_own_output(self):
         self.convert("in.csv", "in.csv", "--where", "a > 1")
         self.assertEqual(self.content("in.csv"), b"a,b\n2,y\n")
+        warning = "Warning: the input 'in.csv' is also the output, which replaces it when the run is complete"
+        self.assertIn(warning, self.said)
+        self.convert("*.csv", "in.csv")
+        self.assertIn(warning.replace("in.csv", "./in.csv"), self.said)
 
     def test_rows_before_an_error_are_kept_on_request(self):
         rows = "".join(f"{i},x\n" for i in range(5000))
@@ -326,6 +356,13 @@ class Folders(Case):
         self.assertEqual(self.rows_of("out/orders.csv"), [["id", "city"], ["1", "Oslo"], ["2", "Rome"], ["3", "Bonn"]])
         self.assertEqual(self.rows_of("out/lines.csv"), [["orders_id", "p", "n"], ["1", "pen", "2"], ["1", "ink", "1"], ["3", "cap", "7"]])
         self.assertEqual(self.rows_of("out/notes.csv"), [["orders_id", "t"], ["1", "a"], ["1", "b"]])
+
+    def test_nothing_is_left_of_an_input_that_cannot_be_read(self):
+        self.put("bad.json", '{"a":[1,2')
+        for name, text in (("bad.json", "JSON structure error"), ("none.json", "Error: "), ("none.csv", "cannot open file")):
+            self.convert(name, "new/out/", status=1)
+            self.assertEqual(self.said.count(text), 2 if name == "bad.json" else 1, self.said)
+            self.assertFalse((self.folder / "new").exists())
 
     def test_numbers_join_where_there_is_no_key(self):
         document = json.loads(json.dumps(self.DOCUMENT))

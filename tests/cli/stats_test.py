@@ -57,6 +57,22 @@ class Stats(Case):
         columns = json.loads(self.corvanta("stats", "in.json", "--json"))
         self.assertEqual([(column["type"], column["minimum"]) for column in columns], [("text", "12"), ("integer", 9)])
 
+    def test_digits_of_long_integers(self):
+        digits = "n\n" + "".join(f"{n}\n" for n in (9007199254740993, -9223372036854775807, 5, 9223372036854775807))
+        self.put("in.csv", digits)
+        self.put("in.json", json.dumps([{"n": int(n)} for n in digits.split()[1:]]))
+        for name, limits in (("in.csv", ("text", "-9223372036854775807", "9223372036854775807", None)),
+                             ("in.json", ("integer", -9223372036854775807, 9223372036854775807, 2251799813685249.5))):
+            column = json.loads(self.corvanta("stats", name, "--json"))[0]
+            self.assertEqual(tuple(column.get(key) for key in ("type", "minimum", "maximum", "mean")), limits)
+            self.assertIn("  -9223372036854775807  9223372036854775807", self.corvanta("stats", name))
+
+    def test_numbers_with_a_decimal_comma(self):
+        self.put("in.csv", "n;t\n9,5;a\n10,25;b\n")
+        column = json.loads(self.corvanta("stats", "in.csv", "--json", "--reader", "decimal=,"))[0]
+        self.assertEqual([column["minimum"], column["maximum"], column["mean"]], [9.5, 10.25, 9.875])
+        self.assertEqual(json.loads(self.corvanta("head", "in.csv", "--json", "--reader", "decimal=,"))[0], {"n": 9.5, "t": "a"})
+
     def test_distinct_values_are_counted_up_to_a_limit(self):
         self.put("in.csv", "a,b\n" + "".join(f"{i},{i % 100_000}\n" for i in range(100_001)))
         lines = self.corvanta("stats", "in.csv").splitlines()

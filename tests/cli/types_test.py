@@ -69,6 +69,26 @@ class Found(Case):
         self.put("in.json", '[{"a":1},\n{"a":"x"}]')
         self.assertIn("text because of 'x' in row 2 (line 2, column", self.corvanta("schema", "in.json", "-v").stdout)
 
+    def test_what_the_reader_makes_of_a_field_decides(self):
+        self.put("in.csv", "day,n\n31.01.2026,-1\n-,2\n01.02.2026,3\n")
+        settings = ["--reader", "dateFormat=day=dd.MM.yyyy", "--reader", "nullValues=-"]
+        self.assertEqual(self.corvanta("schema", "in.csv", "-v", *settings).stdout, "day\tU\n    date\nn\tF\n    integer\n")
+        self.corvanta("convert", "in.csv", "out.parquet", *settings)
+        self.assertEqual(self.types("out.parquet"), ["day=date U", "n=integer F"])
+        self.corvanta("convert", "in.csv", "out.xlsx", *settings)
+        self.corvanta("convert", "out.xlsx", "again.parquet")
+        self.assertEqual(self.types("again.parquet"), ["day=date U", "n=integer F"])
+
+    def test_lines_that_end_with_carriage_returns(self):
+        for name, separator in (("in.csv", ";"), ("in.tsv", "\t")):
+            self.put(name, f'a{separator}b\r1{separator}"x\ry"\r2{separator}z\r'.encode())
+            self.assertEqual(self.types(name), ["a=integer K", "b=text U"])
+            self.corvanta("convert", name, "out.csv")
+            self.assertEqual((self.folder / "out.csv").read_bytes(), b'a,b\n1,"x\ry"\n2,z\n')
+        self.put("bad.csv", b"a,b\r1,2\r3\r")
+        self.assertIn("line 3: 1 field instead of 2; ragged='fill' (convert: --reader ragged=fill) reads such lines",
+                      self.corvanta("convert", "bad.csv", "out.csv", status=1).stderr)
+
     def test_numbers_that_stay_texts_are_reported(self):
         self.put("in.csv", "x,n,zip\n0.30000000000000004,1,01234\n4,2,1\n10,-,2\n")
         note = ("2 columns of 'in.csv' have numbers but are text; the first is 'x', because of '0.30000000000000004' in row 1 (line 2) "

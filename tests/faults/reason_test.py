@@ -166,7 +166,7 @@ class Reasons(unittest.TestCase):
 
     def test_targets_that_cannot_be_written(self):
         for kind, element in WRITERS.items():
-            remedy = "" if kind in ("csv", "docx") else ": createDir='1' creates it"
+            remedy = "" if kind in ("csv", "docx") else ": createDir='1' (convert: --writer createDir=1) creates it"
             for name, reason in (("folder", "is a folder, not a file"), ("/dev/full", "the disk is full (No space left on device)"),
                                  ("none/x", f"the folder '{self.folder}/none' does not exist (No such file or directory){remedy}"),
                                  ("in.csv/x", f"'{self.folder}/in.csv' is not a folder"),

@@ -106,7 +106,8 @@ class Filter(Folder):
                          "Error: filter: invalid expression 'k = 1 and kk = 2' at character 11: the input has no column 'kk'; the nearest known "
                          "name is 'k'\n")
         self.check_error(table, where("t > 1"), "Error: filter: row 1: column 't' holds texts (here 'abc'), which cannot be compared with the number "
-                                                "1; state its kind ('t=decimal' in 'kinds') or write a text in single quotes\n")
+                                                "1; state its kind ('t=decimal' in 'kinds'; convert: --types), make the text a missing value "
+                                                "(nullValues of readCSV), or write a text in single quotes\n")
         self.check_error(table, where("t > 1", "t=decimal"), "Error: filter: row 1: 'abc' in column 't' is not a number\n")
         self.check_error(table, where("k = 1", "x=decimal"), "Error: filter: kinds: the input has no column 'x'; the nearest known name is 'k'\n")
         self.check_error(table, where("k = 1", "t=number"), "Error: filter: 't=number' is not a column and a kind (text, integer, decimal, boolean, "
@@ -120,6 +121,21 @@ class Sort(Folder):
         self.check(table, [action("sort", keys=["f"])], "k,f,t\n1,-0.5,\"\"\n3,2,a\n,1000,\n3,nan,b\n")
         self.check(table, [action("sort", keys=["-t"])], "k,f,t\n3,nan,b\n3,2,a\n1,-0.5,\"\"\n,1000,\n")
         self.check([("-n,n\n10,1\n9,2\n", "")], [action("sort", keys=["-n"], kinds=["-n=integer"])], "-n,n\n9,2\n10,1\n")
+
+    def test_numbers_in_texts(self):
+        self.check([("t\n10\n9\n-\n100\n", "")], [action("sort", keys=["t"])], "t\n-\n10\n100\n9\n",
+                   ["sort: the column 't' is sorted as texts: 3 of its 4 values are numbers; the first other value is '-' in row 3 (nullValues of "
+                    "readCSV can make it a missing value)\n"])
+        self.check([("t\n10\n9\n\n", "")], [action("sort", keys=["t"])], "t\n10\n9\n\n",
+                   ["sort: the column 't' is sorted as texts, and all of its values are numbers; kinds='t=decimal' (convert: --types) sorts them "
+                    "as numbers\n"])
+        self.check([("t\n010\n9\nx\n", "")], [action("sort", keys=["t"])], "t\n010\n9\nx\n")
+        local = [('t\n"10,5"\n"9,25"\n7\n', "")]
+        self.check(local, [action("sort", "decimal=','", keys=["t"], kinds=["t=decimal"])], 't\n7\n"9,25"\n"10,5"\n')
+        self.check(local, [action("filter", "where='t &lt; 9.5' decimal=','", kinds=["t=decimal"])], 't\n"9,25"\n7\n')
+        for kind in ("sort", "filter"):
+            self.check_error(local, action(kind, "where='t = 1' decimal='ab'"[-12 if kind == "sort" else 0:], **({"keys": ["t"]} if kind == "sort" else {})),
+                             f"Error: {kind}: decimal='ab' is not one ASCII character\n")
 
     def test_random_tables(self):
         chance = random.Random(11)
@@ -213,6 +229,7 @@ class Union(Folder):
         self.check([a, b], [action("union", "match='1'")], "a,b\n1,x\n2,\n0.5,7\n,3\n")
         self.check([a, a], [action("union", "match='2'")], "a,b\n1,x\n2,\n1,x\n2,\n")
         self.check([("a\n1\n\n", "K"), ("a\nx\n", "")], [action("union")], "a\n1\n\nx\n")
+        self.check([a, b], [action("union", "lastColumn='a'")], "b,c,a\nx,,1\n,,2\n,0.5,7\n,,3\n")
 
     def test_errors(self):
         a, b = ("a,b\n1,x\n", ""), ("a,c\n1,x\n", "")
@@ -220,7 +237,8 @@ class Union(Folder):
                          "Error: union: column 2 of table 2 is 'c', that of the first table is 'b'; match='0' (convert --union) joins columns by name\n")
         self.check_error([a, ("a\n1\n", "")], action("union", "match='1'"),
                          "Error: union: table 2 has 1 columns, the first table has 2; match='0' (convert --union) joins columns by name\n")
-        self.check_error([a, ("b,b\n1,x\n", "")], action("union"), "Error: union: two columns of table 2 have the name 'b'\n")
+        self.check_error([a, ("b,b\n1,x\n", "")], action("union"), "Error: union: two columns of table 2 have the name 'b', but columns are joined by "
+                                                                            "name; give them different names\n")
 
 
 if __name__ == "__main__":

@@ -68,6 +68,15 @@ QVector<ParameterProblem> kindProblems(const QStringList &kinds)
     return problems;
 }
 
+QVector<ParameterProblem> decimalPointProblems(const QString &decimal)
+{
+    const bool isCharacter = decimal.size() == 1 && decimal[0].unicode() < 0x80;
+    return isCharacter
+               ? QVector<ParameterProblem>()
+               : QVector<ParameterProblem>{
+                     {u"decimal"_s, u"decimal='%1' is not one ASCII character"_s.arg(decimal)}};
+}
+
 std::vector<bool> numberColumns(const QStringList &kinds, const TableSchema &columns)
 {
     std::vector<bool> hasNumbers(static_cast<size_t>(columns.names.size()), false);
@@ -97,6 +106,14 @@ bool checkKinds(ActionBase *action, const QStringList &kinds, const QStringList 
         }
     }
     return true;
+}
+
+bool checkDecimalPoint(ActionBase *action, const QString &decimal)
+{
+    const QVector<ParameterProblem> problems = decimalPointProblems(decimal);
+    return problems.isEmpty() ||
+           action->fail(u"Error: %1: %2\n"_s.arg(QString::fromLatin1(action->getTypeName()),
+                                                 problems.front().text));
 }
 
 /// The place and the value, so that the user can find and correct it.

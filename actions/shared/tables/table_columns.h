@@ -36,6 +36,16 @@ template <class P> Param<P> columnKinds()
                  "datetime, time. Text columns of the kinds integer and decimal are compared as "
                  "numbers.");
 }
+/// The line for the decimal point of the numbers in such columns.
+template <class P> Param<P> decimalPoint()
+{
+    return text("decimal", &P::decimal)
+        .label("Decimal point")
+        .meaning("The character between the digits of decimal numbers in text columns: a point or "
+                 "a comma, for example.");
+}
+/// What is wrong with it: it is not one ASCII character.
+QVector<ParameterProblem> decimalPointProblems(const QString &decimal);
 /// What is wrong with such a list, whatever the columns are.
 QVector<ParameterProblem> kindProblems(const QStringList &kinds);
 /// Whether the texts of each column are compared as numbers. Kinds of other columns are ignored.
@@ -43,6 +53,8 @@ std::vector<bool> numberColumns(const QStringList &kinds, const TableSchema &col
 /// Fail the run of `action` if an element is not a column and a kind, or names a column that is not
 /// one of `known`; false then.
 bool checkKinds(ActionBase *action, const QStringList &kinds, const QStringList &known);
+/// Fail the run of `action` if decimalPointProblems() finds one; false then.
+bool checkDecimalPoint(ActionBase *action, const QString &decimal);
 
 /// The end of the messages about a key that is not a number: "row 7: 'x' in column 'a' is not a
 /// number".

@@ -2,8 +2,8 @@
 // their kinds, and cells of numbers.
 #include "base/bytes.h"
 #include "base/cell.h"
+#include "base/text/number_value.h"
 #include "codecs/markup/levels/level_extractor.h"
-#include "codecs/values/number_value.h"
 
 #include <algorithm>
 #include <utility>
@@ -255,7 +255,7 @@ const uchar *LevelExtractor::numberCell(std::string_view text, size_t column, Ce
     quint32 key = 0;
     double value = 0;
     const bool isKey = m_options.types[column] == 'K';
-    if (isKey ? !values::parseKey(text, &key) : !values::parseFinite(text, &value)) {
+    if (isKey ? !parseKey(text, &key) : !parseFinite(text, &value)) {
         setBadValue(text, column);
         return m_missing[column];
     }

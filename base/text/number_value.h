@@ -5,11 +5,13 @@
 #include "base/cell.h"
 #include "base/number.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <string_view>
 
-namespace corvanta::values {
+namespace corvanta {
 
 /// Parse all of `text` as the value of a K cell that is not missing. Returns false for other text,
 /// and leaves `*value` unchanged.
@@ -19,6 +21,23 @@ inline bool parseKey(std::string_view text, quint32 *value)
     const bool isKey = parseUInt(text, cell::kMissingKeyOther - 1, &number);
     *value = static_cast<quint32>(number);
     return isKey;
+}
+
+/// parseDouble() for numbers with the decimal point `point` (ASCII); a "." is then not a part of
+/// numbers.
+template <class Char>
+bool parseLocalDouble(std::basic_string_view<Char> text, char point, double *value)
+{
+    if (point == '.') {
+        return parseDouble(text, value);
+    }
+    constexpr size_t kMaxChars = 64;
+    std::array<Char, kMaxChars> digits{};
+    if (text.size() > digits.size() || text.find(Char('.')) != text.npos) {
+        return false;
+    }
+    std::replace_copy(text.begin(), text.end(), digits.begin(), Char(point), Char('.'));
+    return parseDouble(std::basic_string_view<Char>(digits.data(), text.size()), value);
 }
 
 /// parseDouble(), but false for digits of a number that is too large for a double. An empty text
@@ -49,4 +68,4 @@ inline qint64 integerRest(std::u16string_view text, double nearest)
     return isNegative ? -rest : rest;
 }
 
-} // namespace corvanta::values
+} // namespace corvanta
