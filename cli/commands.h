@@ -19,6 +19,10 @@ CommandResult<void> actionsCommand(const CommandLine &line);
 CommandOptions describeOptions();
 CommandResult<void> describeCommand(const CommandLine &line);
 
+// List the modules that were found.
+CommandOptions pluginsOptions();
+CommandResult<void> pluginsCommand(const CommandLine &line);
+
 // Convert a file, print its first rows, its columns, or statistics of its columns.
 CommandOptions convertOptions();
 CommandResult<void> convertCommand(const CommandLine &line);

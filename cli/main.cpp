@@ -10,6 +10,8 @@
 #include "stop_signals.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <clocale>
@@ -20,6 +22,8 @@ using namespace Qt::StringLiterals;
 using namespace corvanta;
 
 namespace {
+
+constexpr QLatin1StringView kPluginPath("--plugin-path");
 
 /// One command. In its help text {reads} and {writes} are replaced by the known extensions.
 struct Command
@@ -175,6 +179,12 @@ constexpr Command kCommands[] = {
     {"describe", describeOptions, describeCommand, "print an action's pins and parameters",
      "corvanta describe TYPE [--json]\n\nPrints the pins of the action TYPE and its parameters "
      "with type, default and meaning.\n\"corvanta actions\" lists the types.\n"},
+    {"plugins", pluginsOptions, pluginsCommand, "list the plug-in modules that were found",
+     "corvanta plugins [--json]\n\nLists the plug-in modules with their actions, those that were "
+     "refused with the reason, and the\nfolders that were searched, in order: those of "
+     "--plugin-path, of the environment variable\nCORVANTA_PLUGIN_PATH (separated by colons), of "
+     "the user, of the installation and of the program.\n--json prints an array with an object per "
+     "module.\n"},
 };
 
 /// The fault of an unknown command.
@@ -218,7 +228,8 @@ void printCommands()
         std::printf("  %-10s %s\n", command.name, command.summary);
     }
     std::puts("  help       this text, or \"corvanta help COMMAND\"\n\n\"corvanta --version\" "
-              "prints the version.");
+              "prints the version. All commands accept --plugin-path DIR (repeatable),\na folder "
+              "with plug-in modules.");
 }
 
 bool isHelp(const QString &word)
@@ -241,11 +252,24 @@ CommandResult<void> help(const QStringList &words)
     return {};
 }
 
-/// Runs a command with its words, without its name.
+/// Runs a command with its words, without its name. All commands accept folders of plug-ins.
 CommandResult<void> run(const Command &command, const QStringList &words)
 {
-    const auto line = CommandLine::parse(words, command.options());
-    return line ? command.run(*line) : line.fault();
+    CommandOptions options = command.options();
+    options.withValue << kPluginPath;
+    const auto line = CommandLine::parse(words, options);
+    if (!line) {
+        return line.fault();
+    }
+    for (const QString &path : line->values.value(kPluginPath)) {
+        for (const QString &folder : path.split(QDir::listSeparator(), Qt::SkipEmptyParts)) {
+            if (!QFileInfo(folder).isDir()) {
+                return badUsage(u"there is no folder '%1' (%2)"_s.arg(folder, kPluginPath));
+            }
+            ActionRegistry::addSearchFolder(folder);
+        }
+    }
+    return command.run(*line);
 }
 
 /// Carries out the words of the command line. Sets `name` to the command, for messages.

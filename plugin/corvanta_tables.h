@@ -9,7 +9,7 @@ class CorvantaTables final : public QObject, public corvanta::CataloguePlugin
 {
     Q_OBJECT
     Q_INTERFACES(CorvantaPluginInterface)
-    Q_PLUGIN_METADATA(IID CorvantaPluginInterface_iid)
+    Q_PLUGIN_METADATA(IID CorvantaPluginInterface_iid FILE "corvanta/plugin_abi.json")
 
 public:
     CorvantaTables()

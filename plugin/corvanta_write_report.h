@@ -8,7 +8,7 @@ class CorvantaWriteReport final : public QObject, public corvanta::CataloguePlug
 {
     Q_OBJECT
     Q_INTERFACES(CorvantaPluginInterface)
-    Q_PLUGIN_METADATA(IID CorvantaPluginInterface_iid)
+    Q_PLUGIN_METADATA(IID CorvantaPluginInterface_iid FILE "corvanta/plugin_abi.json")
 
 public:
     CorvantaWriteReport()

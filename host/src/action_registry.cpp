@@ -5,17 +5,19 @@
 #include "corvanta/action_registry.h"
 
 #include "base/mapped.h"
+#include "corvanta/lists.h"
 #include "corvanta/main_ui.h"
 #include "corvanta/plugin_interface.h"
+#include "modules/module_file.h"
+#include "modules/module_folders.h"
 
-#include <QCoreApplication>
 #include <QDir>
-#include <QPluginLoader>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <functional>
-#include <mutex>
 #include <new>
+#include <stdexcept>
 
 using namespace Qt::StringLiterals;
 
@@ -23,123 +25,144 @@ namespace corvanta {
 
 namespace {
 
-/// The name of the module with the host's own actions, without its extension.
-constexpr QLatin1StringView kOwnModule("CorvantaPluginTables");
+/// More actions than any module has: one that never returns null is refused.
+constexpr int kMaxActions = 10000;
 
-bool isOwnModule(const QString &name)
+/// The module with the host's own actions.
+bool isOwnModule(const QString &file)
 {
-    return name.section(u'.', 0, 0) == kOwnModule;
+    return QFileInfo(file).baseName() == "CorvantaPluginTables"_L1;
 }
 
-/// The names of the modules in a folder, sorted, the host's own one last.
-QStringList modulesIn(const QString &folder)
+/// All module files of the search path, the host's own one last.
+QStringList moduleFiles()
 {
-    QStringList names = QDir(folder).entryList({u"*.so"_s, u"*.dll"_s}, QDir::Files, QDir::Name);
-    std::stable_partition(names.begin(), names.end(), std::not_fn(isOwnModule));
-    return names;
-}
-
-/// Where the modules of the program are, relative to it.
-QString standardFolder()
-{
-    return QCoreApplication::applicationDirPath() + "/../lib/corvanta/plugins"_L1;
-}
-
-/// The folders with modules that any registry has loaded. An editor may have modules of its own,
-/// and what runs or checks its graphs loads them too.
-class KnownFolders
-{
-public:
-    void add(const QString &folder)
-    {
-        const std::lock_guard lock(m_mutex);
-        if (!m_folders.contains(folder)) {
-            m_folders << folder;
+    QStringList files;
+    for (const QString &folder : moduleFolders()) {
+        const QDir dir(folder);
+        const QStringList names = dir.entryList({u"*.so"_s, u"*.dll"_s}, QDir::Files, QDir::Name);
+        for (const QString &name : names) {
+            files << dir.absoluteFilePath(name);
         }
     }
-    QStringList all() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_folders;
-    }
-
-private:
-    mutable std::mutex m_mutex;
-    QStringList m_folders; // canonical
-};
-
-KnownFolders &knownFolders()
-{
-    static KnownFolders folders;
-    return folders;
+    std::stable_partition(files.begin(), files.end(), std::not_fn(isOwnModule));
+    return files;
 }
 
-void loadModule(const QString &file, ActionRegistry *registry)
+QString nameOfThrown(const std::exception &error)
 {
-    // Never unload a module: actions and their icons may exist until the program ends.
-    QPluginLoader loader(file);
-    loader.setLoadHints(QLibrary::PreventUnloadHint);
-    auto *const plugin = qobject_cast<CorvantaPluginInterface *>(loader.instance());
-    if (plugin != nullptr) {
-        registry->add(plugin);
-    } else if (loader.errorString().contains(qt_error_string(ENOMEM))) {
-        throw std::bad_alloc(); // its actions would seem to be unknown
-    } else {
-        MainUI::addLog(MainUI::Warning, u"Warning: cannot load the plug-in '%1': %2\n"_s.arg(
-                                            file, loader.errorString()));
-    }
+    return u"it failed while it was loaded: %1"_s.arg(QString::fromUtf8(error.what()));
 }
 
 } // namespace
 
+QString Module::name() const
+{
+    return QFileInfo(file).completeBaseName();
+}
+
 ActionRegistry::ActionRegistry() = default;
 ActionRegistry::~ActionRegistry() = default;
 
-QString ActionRegistry::defaultFolder()
+QStringList ActionRegistry::searchFolders()
 {
-    const QString given = qEnvironmentVariable("CORVANTA_PLUGIN_PATH");
-    return given.isEmpty() ? standardFolder() : given;
+    return moduleFolders();
+}
+
+void ActionRegistry::addSearchFolder(const QString &folder)
+{
+    addModuleFolder(folder);
 }
 
 void ActionRegistry::loadAll()
 {
-    const QString folder = defaultFolder();
-    QStringList modules = modulesIn(folder);
-    loadFolder(folder);
-    for (const QString &other : knownFolders().all()) {
-        if (other != QDir(folder).canonicalPath()) {
-            modules << modulesIn(other);
-            loadFolder(other);
+    const QStringList files = moduleFiles();
+    for (const QString &file : files) {
+        const Module *const other = loadedModule(QFileInfo(file));
+        if (other == nullptr) {
+            load(file);
+        } else if (QFileInfo(other->file).canonicalFilePath() !=
+                   QFileInfo(file).canonicalFilePath()) {
+            m_modules.push_back(
+                {.file = file, .problem = u"'%1' is used instead"_s.arg(other->file)});
         }
     }
-    if (std::all_of(modules.begin(), modules.end(), isOwnModule)) {
+    if (std::all_of(files.begin(), files.end(), isOwnModule)) {
         MainUI::addLog(
             MainUI::Warning,
-            u"Warning: no module with actions found in the folder '%1' (the environment variable CORVANTA_PLUGIN_PATH names another folder)\n"_s
-                .arg(QDir::cleanPath(QDir::current().absoluteFilePath(folder))));
-    }
-    // The host's own actions do not depend on the folder that the user chooses.
-    if (std::none_of(modules.begin(), modules.end(), isOwnModule)) {
-        loadModule(QDir(standardFolder()).absoluteFilePath(kOwnModule), this);
+            u"Warning: no module with actions found in the folders %1 (the option --plugin-path and the environment variable CORVANTA_PLUGIN_PATH add folders)\n"_s
+                .arg(stringFromStringList(moduleFolders(), 10)));
     }
 }
 
-void ActionRegistry::loadFolder(const QString &folder)
+/// The module that is used instead of the file: one of its name from an earlier folder, or the same
+/// file under another name, such as a link; null if there is none.
+const Module *ActionRegistry::loadedModule(const QFileInfo &file) const
 {
-    const QDir dir(folder);
-    const QStringList modules = modulesIn(folder);
-    if (!modules.isEmpty()) {
-        knownFolders().add(dir.canonicalPath());
+    const auto found = std::find_if(m_modules.begin(), m_modules.end(), [&](const Module &module) {
+        const QFileInfo other(module.file);
+        return module.problem.isEmpty() && (other.fileName() == file.fileName() ||
+                                            other.canonicalFilePath() == file.canonicalFilePath());
+    });
+    return found == m_modules.end() ? nullptr : &*found;
+}
+
+/// Loads a module, or adds it as one that is refused.
+void ActionRegistry::load(const QString &file)
+{
+    Module module{.file = file};
+    const size_t prototypes = m_prototypes.size();
+    try {
+        addActionsOf(module);
+    } catch (const std::bad_alloc &) {
+        throw;
+    } catch (const std::exception &error) {
+        module.problem = nameOfThrown(error);
+    } catch (...) {
+        module.problem = u"it failed while it was loaded"_s;
     }
-    for (const QString &name : modules) {
-        loadModule(dir.absoluteFilePath(name), this);
+    if (!module.problem.isEmpty()) {
+        m_prototypes.resize(prototypes);
+        MainUI::addLog(MainUI::Warning,
+                       u"Warning: cannot load the plug-in '%1': %2\n"_s.arg(file, module.problem));
     }
+    if (!module.unused.isEmpty()) {
+        MainUI::addLog(
+            MainUI::Warning,
+            u"Warning: the plug-in '%1' has actions with the names of others, which are used instead: %2\n"_s
+                .arg(file, stringFromStringList(module.unused, 10)));
+    }
+    m_modules.push_back(std::move(module));
+}
+
+/// Opens the file of `module` and adds its actions, those with unused names only.
+void ActionRegistry::addActionsOf(Module &module)
+{
+    const auto opened = openModule(module.file);
+    if (!opened) {
+        module.problem = opened.fault().detail;
+        return;
+    }
+    const QStringList known = typeNames();
+    add(*opened);
+    const QStringList added = typeNames().mid(known.size());
+    const auto first = m_prototypes.begin() + static_cast<std::ptrdiff_t>(known.size());
+    m_prototypes.erase(std::remove_if(first, m_prototypes.end(),
+                                      [&](const auto &action) {
+                                          return known.contains(
+                                              QLatin1StringView(action->getTypeName()));
+                                      }),
+                       m_prototypes.end());
+    for (const QString &type : added) {
+        (known.contains(type) ? module.unused : module.actions) << type;
+    }
+    module.version = (*opened)->getVersion();
 }
 
 void ActionRegistry::add(CorvantaPluginInterface *plugin)
 {
     plugin->initialise();
-    for (int i = 0;; ++i) {
+    for (int i = 0; i < kMaxActions; ++i) {
         // The interface has no count: the catalogue ends at the first null.
         std::unique_ptr<ActionItem> action(plugin->createAction(i, 0));
         if (!action) {
@@ -151,6 +174,7 @@ void ActionRegistry::add(CorvantaPluginInterface *plugin)
         }
         m_prototypes.push_back(std::move(action));
     }
+    throw std::length_error("its list of actions does not end");
 }
 
 ActionItem *ActionRegistry::prototype(const QString &typeName) const

@@ -417,14 +417,69 @@ class CommandLine(Case):
                     done = self.corvanta(*words.split(), status=1, stdout=out, stderr=subprocess.PIPE, preexec_fn=close)
                     self.assertIn("cannot write to standard output: ", done.stderr)
 
-    def test_module_that_is_not_found(self):
-        done = self.corvanta("actions", env={**os.environ, "CORVANTA_PLUGIN_PATH": "/no/where"})
-        self.assertIn("Warning: no module with actions found in the folder '/no/where' (the environment variable "
-                      "CORVANTA_PLUGIN_PATH names another folder)", done.stderr)
-        module = self.folder / "libCorvantaPluginX.so"
-        module.write_bytes(b"no library")
-        done = self.corvanta("actions", env={**os.environ, "CORVANTA_PLUGIN_PATH": str(self.folder)})
-        self.assertIn(f"Warning: cannot load the plug-in '{module}': ", done.stderr)
+    def program_elsewhere(self):
+        """A copy of the program that finds its library, but no module."""
+        build = pathlib.Path(CORVANTA).parent.parent
+        (self.folder / "bin").mkdir()
+        (self.folder / "lib").mkdir()
+        for library in (build / "lib").glob("*.so*"):
+            (self.folder / "lib" / library.name).symlink_to(library)
+        return shutil.copy(CORVANTA, self.folder / "bin")
+
+    def test_no_module(self):
+        done = subprocess.run([self.program_elsewhere(), "actions"], cwd=self.folder, capture_output=True, text=True, check=False,
+                              env={**os.environ, "XDG_DATA_HOME": "/no/where"})
+        self.assertIn("Warning: no module with actions found in the folders '/no/where/corvanta/plugins', "
+                      f"'{self.folder}/lib/corvanta/plugins' (the option --plugin-path and the environment variable "
+                      "CORVANTA_PLUGIN_PATH add folders)", done.stderr)
+        self.assertIn("there is no folder '/no/where' (--plugin-path)", self.corvanta("actions", "--plugin-path=/no/where", status=2).stderr)
+
+    def test_modules_that_are_refused(self):
+        """Each is refused with its reason, and the module of the installation is used."""
+        module = pathlib.Path(CORVANTA).parent / "../lib/corvanta/plugins/CorvantaPluginWriteReport.so"
+        content, abi = module.read_bytes(), b"\x63abi\x01"
+        self.assertEqual(content.count(abi), 1)
+        reasons = {"A": (b"no library", "is not a valid ELF object"),
+                   "B": (content.replace(abi, b"\x63abx\x01"), "it does not name its plug-in ABI, and this host has ABI 1"),
+                   "C": (content.replace(b"Interface/1.0", b"Interface/2.0"),
+                         "its interface is 'CorvantaPluginInterface/2.0' instead of 'CorvantaPluginInterface/1.0'"),
+                   "CorvantaPluginWriteReport": (content.replace(abi, b"\x63abi\x07"),
+                                                 "it is built for plug-in ABI 7, and this host has ABI 1 (build the module with the headers of this host)")}
+        for name, (bytes_, _) in reasons.items():
+            (self.folder / f"{name}.so").write_bytes(bytes_)
+        (self.folder / "D.so").symlink_to(module)
+        done = self.corvanta("actions", "--plugin-path", str(self.folder))
+        found = {entry["file"]: entry for entry in json.loads(self.corvanta("plugins", "--json", "--plugin-path", str(self.folder)).stdout)}
+        for name, (_, reason) in reasons.items():
+            file = f"{self.folder}/{name}.so"
+            self.assertIn(f"Warning: cannot load the plug-in '{file}': ", done.stderr)
+            self.assertIn(reason, done.stderr)
+            self.assertFalse(found[file]["loaded"])
+            self.assertIn(reason, found[file]["reason"])
+        self.assertEqual(len(found[f"{self.folder}/D.so"]["actions"]), 17)
+        text = self.corvanta("plugins").stdout
+        self.assertIn("\nCorvantaPluginTables  ", text)
+        self.assertIn("\n\nSearched folders, in order:\n", text)
+
+    def test_search_path_of_modules(self):
+        """The option, the environment variable and the user's folder add modules; the first of a name is used."""
+        module = (pathlib.Path(CORVANTA).parent / "../lib/corvanta/plugins/CorvantaPluginTables.so").resolve()
+        folders = [self.folder / name for name in ("option", "variable", "user/corvanta/plugins")]
+        for folder in folders:
+            folder.mkdir(parents=True)
+            shutil.copy(module, folder)
+        env = {**os.environ, "CORVANTA_PLUGIN_PATH": f"/no/where:{folders[1]}", "XDG_DATA_HOME": str(self.folder / "user")}
+        found = json.loads(self.corvanta("plugins", "--json", f"--plugin-path={folders[0]}", env=env).stdout)
+        self.assertEqual([entry["file"] for entry in found if entry["name"] == "CorvantaPluginTables"],
+                         [f"{folder}/{module.name}" for folder in [*folders, module.parent]])
+        self.assertEqual([entry.get("reason", "") for entry in found if entry["name"] == "CorvantaPluginTables"],
+                         ["", *3 * [f"'{folders[0]}/{module.name}' is used instead"]])
+        shutil.copy(module, folders[0] / "CorvantaPluginA.so")
+        module = folders[0] / module.name
+        self.assertIn(f"Warning: the plug-in '{module}' has actions with the names of others, which are used instead: 'readCSV', ",
+                      self.corvanta("actions", f"--plugin-path={folders[0]}").stderr)
+        self.assertIn("not used, because an earlier module has actions with these names: readCSV, ",
+                      self.corvanta("plugins", f"--plugin-path={folders[0]}").stdout)
 
     def test_own_actions_of_the_host(self):
         """They come last, also from the folder of the program when another one is chosen."""
@@ -436,14 +491,10 @@ class CommandLine(Case):
         self.assertEqual([action["type"] for action in json.loads(self.corvanta("actions", "--json", env=other).stdout)], names)
 
     def test_tap_without_the_own_actions_of_the_host(self):
-        build = pathlib.Path(CORVANTA).parent.parent
-        (self.folder / "bin").mkdir()
-        (self.folder / "lib").mkdir()
-        for library in (build / "lib").glob("*.so*"):
-            (self.folder / "lib" / library.name).symlink_to(library)
-        (self.folder / "M.so").symlink_to(build / "lib/corvanta/plugins/CorvantaPluginWriteReport.so")
+        program = self.program_elsewhere()
+        (self.folder / "M.so").symlink_to(pathlib.Path(CORVANTA).parent.parent / "lib/corvanta/plugins/CorvantaPluginWriteReport.so")
         self.graph(reader="<readJSON fileName='in.json'/>")
-        done = subprocess.run([shutil.copy(CORVANTA, self.folder / "bin"), "run", "g.graph", "--tap", "in:0=tap.csv"], cwd=self.folder,
+        done = subprocess.run([program, "run", "g.graph", "--tap", "in:0=tap.csv"], cwd=self.folder,
                               env={**os.environ, "CORVANTA_PLUGIN_PATH": str(self.folder)}, capture_output=True, text=True, check=False)
         self.assertEqual(done.returncode, 2, done.stderr)
         self.assertIn("--tap needs the action 'writeCSV', which no module has", done.stderr)

@@ -20,7 +20,9 @@ const corvanta::ActionRegistry &registry()
 {
     static const auto loaded = [] {
         auto all = std::make_unique<corvanta::ActionRegistry>();
-        all->loadFolder(QFileInfo(QStringLiteral(CORVANTA_MODULE)).path());
+        corvanta::ActionRegistry::addSearchFolder(
+            QFileInfo(QStringLiteral(CORVANTA_MODULE)).path());
+        all->loadAll();
         return all;
     }();
     return *loaded;

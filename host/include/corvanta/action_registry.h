@@ -1,4 +1,4 @@
-// Loads the plug-in modules and keeps a prototype of every action.
+// Finds and loads the plug-in modules, and keeps a prototype of every action.
 //
 // A prototype describes its type and makes actions of it; it never runs itself.
 #pragma once
@@ -9,8 +9,21 @@
 #include <vector>
 
 class CorvantaPluginInterface;
+class QFileInfo;
 
 namespace corvanta {
+
+/// A module file that a registry has found.
+struct CORVANTA_EXPORT Module
+{
+    QString file;         ///< absolute
+    double version = 0;   ///< as the module says; 0 if it was refused
+    QStringList actions;  ///< the types that the registry has from it
+    QStringList unused;   ///< types that an earlier module has, too
+    QString problem = {}; ///< why it is not used, as the end of a sentence; empty: it is loaded
+
+    QString name() const; ///< of the file, without its extension
+};
 
 /// Threads: one thread fills it, afterwards any thread may read it.
 class CORVANTA_EXPORT ActionRegistry
@@ -19,20 +32,24 @@ public:
     ActionRegistry();
     ~ActionRegistry();
 
-    /// Load every module of the default folder, then those of the other folders that a registry of
-    /// this program has loaded. The module with the host's own actions is the last
-    /// one; if that folder has none, it is loaded from the folder of the program. A module that
-    /// cannot be loaded, and a folder without any, are reported as warnings.
+    /// Load the modules of all search folders, each folder in name order. The module with the
+    /// host's own actions is the last one. Of several files with one name the first that fits is
+    /// loaded. What cannot be loaded is reported as a warning, and so is that there is no module.
     void loadAll();
-    /// Load the modules of one folder in name order, the one with the host's own actions last.
-    void loadFolder(const QString &folder);
-    /// The environment variable CORVANTA_PLUGIN_PATH, or ../lib/corvanta/plugins relative to the
-    /// folder of the program.
-    static QString defaultFolder();
+    /// Where loadAll() looks, in order: the folders of addSearchFolder(), those of the environment
+    /// variable CORVANTA_PLUGIN_PATH, corvanta/plugins in the user's data folder, in the folder of
+    /// the library CorvantaCore and in ../lib relative to the folder of the program. Absolute
+    /// names; not all of them exist.
+    static QStringList searchFolders();
+    /// Make every registry of the program search `folder` too, before the other folders.
+    /// Threads: any.
+    static void addSearchFolder(const QString &folder);
 
     /// Add a prototype of every action of `plugin`, which need not outlive the call. Of two actions
-    /// with the same type name the first one is used.
+    /// with the same type name the first one is used. Throws what the plug-in throws.
     void add(CorvantaPluginInterface *plugin);
+    /// What loadAll() has found, in the order of the search.
+    const std::vector<Module> &modules() const { return m_modules; }
     /// The prototype of a type, or null for an unknown type. Owned by the registry.
     ActionItem *prototype(const QString &typeName) const;
     /// All prototypes in the order in which they were added.
@@ -44,7 +61,12 @@ public:
     std::unique_ptr<ActionItem> create(const XMLNode &parameters, GlobalParameters *global) const;
 
 private:
+    void load(const QString &file);
+    void addActionsOf(Module &module);
+    const Module *loadedModule(const QFileInfo &file) const;
+
     std::vector<std::unique_ptr<ActionItem>> m_prototypes;
+    std::vector<Module> m_modules;
 };
 
 } // namespace corvanta

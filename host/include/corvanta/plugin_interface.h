@@ -1,7 +1,12 @@
 // The interface of a plug-in module.
 //
-// A module is a shared library in the plug-in folder (ActionRegistry::defaultFolder) whose Qt
-// plug-in object implements this interface. It is never unloaded. Threads: one at a time.
+// A module is a shared library in a plug-in folder (ActionRegistry::searchFolders) whose Qt plug-in
+// object implements this interface. It is never unloaded. Its metadata names the plug-in ABI that
+// it is built for, or else the host refuses it:
+//
+//     Q_PLUGIN_METADATA(IID CorvantaPluginInterface_iid FILE "corvanta/plugin_abi.json")
+//
+// Threads: one at a time.
 #pragma once
 #include "corvanta/xml_node.h"
 

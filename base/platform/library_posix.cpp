@@ -1,0 +1,19 @@
+// The POSIX implementation, with dladdr(3).
+#include "base/platform/library.h"
+
+#include <QFileInfo>
+
+#include <dlfcn.h>
+
+namespace corvanta::platform {
+
+QString folderOfCode(const void *address)
+{
+    Dl_info info = {};
+    if (::dladdr(address, &info) == 0 || info.dli_fname == nullptr) {
+        return {};
+    }
+    return QFileInfo(QString::fromLocal8Bit(info.dli_fname)).absolutePath();
+}
+
+} // namespace corvanta::platform
