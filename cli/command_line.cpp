@@ -6,7 +6,39 @@
 
 #include "base/nearest_name.h"
 
+#include <cstring>
+
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The names of the options that take a value, or of those that take none.
+QStringList namesOf(const QVector<OptionGroup> &groups, bool withValue)
+{
+    QStringList names;
+    for (const OptionGroup &group : groups) {
+        for (const OptionInfo &option : group.options) {
+            // Other lines describe forms of arguments, of which "-" is one.
+            const bool isOption = option.names[0] == '-' && option.names[1] != '\0';
+            if (isOption && (std::strlen(option.value) > 0) == withValue) {
+                names << QString::fromLatin1(option.names).split(u", "_s);
+            }
+        }
+    }
+    return names;
+}
+
+} // namespace
+
+QStringList CommandOptions::withValue() const
+{
+    return namesOf(groups, true);
+}
+
+QStringList CommandOptions::flags() const
+{
+    return namesOf(groups, false);
+}
 
 /// The text goes to the user as it is, after the name of the command.
 corvanta::Fault<ExitStatus> badUsage(const QString &text)
@@ -29,13 +61,13 @@ CommandResult<qsizetype> CommandLine::addOption(const QStringList &words, qsizet
     // Short options such as -n have no form with "=".
     const qsizetype equals = word.startsWith("--"_L1) ? word.indexOf(u'=') : -1;
     const QString name = equals < 0 ? word : word.left(equals);
-    if (options.flags.contains(name) && equals < 0) {
+    if (equals < 0 && options.flags().contains(name)) {
         flags << name;
         return i;
     }
-    if (!options.withValue.contains(name)) {
+    if (!options.withValue().contains(name)) {
         return badUsage(u"unknown option '%1'%2"_s.arg(
-            word, corvanta::closeNameHint(name, options.withValue + options.flags)));
+            word, corvanta::closeNameHint(name, options.withValue() + options.flags())));
     }
     if (equals >= 0) {
         values[name] << word.mid(equals + 1);

@@ -4,6 +4,9 @@
 
 #include <QMap>
 #include <QStringList>
+#include <QVector>
+
+#include <span>
 
 /// Exit statuses, fixed for scripts.
 enum ExitStatus : int {
@@ -20,14 +23,32 @@ template <class T> using CommandResult = corvanta::Result<T, ExitStatus>;
 /// The fault of a command line that cannot be carried out; `text` says why.
 corvanta::Fault<ExitStatus> badUsage(const QString &text);
 
-/// What a command accepts. Names of options include their dashes.
+/// One option, as it is parsed, and as the help, the manual pages and the completions describe it.
+struct OptionInfo
+{
+    const char *names;   ///< with their dashes: "-q, --quiet"; else a form of argument: "FOLDER/"
+    const char *value;   ///< what the value is, "DIR" or "auto|never" for example; empty: a flag
+    const char *meaning; ///< what it does, without a full stop
+};
+
+/// Options under one title of the help. The table is a constant.
+struct OptionGroup
+{
+    const char *title; ///< empty: none
+    std::span<const OptionInfo> options;
+};
+
+/// What a command accepts.
 struct CommandOptions
 {
-    QStringList withValue;
-    QStringList flags;
+    QVector<OptionGroup> groups;
     qsizetype arguments = 0;
     QString wrongArguments = {};   ///< usage error for any other number of arguments
     bool hasMoreArguments = false; ///< more than `arguments` are accepted
+
+    /// The names of all options that take a value, and of those that take none.
+    QStringList withValue() const;
+    QStringList flags() const;
 };
 
 /// The parsed words of one command. "--name=value" equals "--name value"; "--" ends the options.

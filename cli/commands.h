@@ -1,7 +1,7 @@
 // The commands of corvanta: what each accepts, and what it does with its parsed command line.
 //
 // `xOptions()` is passed to CommandLine::parse(), and its result to `xCommand()`. The fault of a
-// command is the exit status; see CommandResult. The help texts are in main.cpp.
+// command is the exit status; see CommandResult. help/command_list.h lists them.
 #pragma once
 #include "command_line.h"
 

@@ -217,11 +217,18 @@ QString descriptionJson(ActionItem &action, const QVector<ParameterInfo> &infos,
     return QString::fromUtf8(QJsonDocument(entry).toJson());
 }
 
+constexpr OptionInfo kActionsOptions[] = {
+    {"--json", "", "print all properties of the actions as a JSON array"},
+};
+constexpr OptionInfo kDescribeOptions[] = {
+    {"--json", "", "print a JSON object"},
+};
+
 } // namespace
 
 CommandOptions actionsOptions()
 {
-    return {{}, {u"--json"_s}, 0, u"no argument is expected"_s};
+    return {{{"", kActionsOptions}}, 0, u"no argument is expected"_s};
 }
 
 CommandResult<void> actionsCommand(const CommandLine &line)
@@ -245,7 +252,7 @@ CommandResult<void> actionsCommand(const CommandLine &line)
 
 CommandOptions describeOptions()
 {
-    return {{}, {u"--json"_s}, 1, u"one action type is required"_s};
+    return {{{"", kDescribeOptions}}, 1, u"one action type is required"_s};
 }
 
 /// An action of a plug-in that declares no parameters is described without them.

@@ -237,13 +237,22 @@ void printSchema(const CommandLine &line, const QVector<Column> &columns)
     }
 }
 
+constexpr OptionInfo kHeadOptions[] = {
+    {"-n", "ROWS", "number of rows (default 10)"},
+    {"--json", "", "print an array with an object per row"},
+    {"--all", "", "examine all rows for the types of the values, not only the first ones"},
+};
+constexpr OptionInfo kSchemaOptions[] = {
+    {"--json", "", "print an array with an object per column"},
+    {"--all", "", "examine all rows for the types, not only the first ones"},
+};
+
 } // namespace
 
 CommandOptions headOptions()
 {
     CommandOptions options = inputFileOptions();
-    options.withValue << u"-n"_s;
-    options.flags << u"--json"_s << u"--all"_s;
+    options.groups.prepend({"", kHeadOptions});
     return options;
 }
 
@@ -272,7 +281,7 @@ CommandResult<void> headCommand(const CommandLine &line)
 CommandOptions schemaOptions()
 {
     CommandOptions options = inputFileOptions();
-    options.flags << u"--json"_s << u"-v"_s << u"--all"_s;
+    options.groups.prepend({"", kSchemaOptions});
     return options;
 }
 

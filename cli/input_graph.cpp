@@ -257,14 +257,29 @@ CommandResult<void> prepareSheets(const CommandLine &line, const QString &fileNa
     return {};
 }
 
+constexpr OptionInfo kInputOptions[] = {
+    {"-", "", "standard input or output; --from or --to then names the format"},
+    {"ARCHIVE.zip@MEMBER", "",
+     "a file in an archive; without MEMBER the only one that can be read"},
+    {"--from", "FORMAT", "the format in place of the extension (csv, jsonl, xlsx, ...)"},
+    {"--encoding", "NAME", "encoding of the input, such as windows-1252"},
+    {"--separator", "CHAR|auto", "between the fields of the input"},
+    {"--types", "auto|text|K,F,U",
+     "types of the columns of a text file, where the output has types: from all values (auto), "
+     "texts, or one letter per column: K integer, F decimal number, U text"},
+    {"--table", "NUMBER|NAME", "read another table of JSON, XML or HTML than the largest one"},
+    {"--sheet", "NAME|NUMBER", "read another sheet of a workbook than the first one"},
+    {"--reader", "NAME=VALUE",
+     "set a parameter of the reader (repeatable, also for each text of a list; \"corvanta "
+     "describe\" lists them)"},
+};
+
 } // namespace
 
 /// The options of every command that reads an input.
 CommandOptions inputOptions()
 {
-    return {{u"--reader"_s, u"--from"_s, u"--encoding"_s, u"--separator"_s, u"--table"_s,
-             u"--sheet"_s, u"--types"_s},
-            {}};
+    return {{{"Inputs", kInputOptions}}};
 }
 
 CommandResult<std::unique_ptr<ActionItem>> makeInput(const CommandLine &line,

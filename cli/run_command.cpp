@@ -235,15 +235,35 @@ CommandResult<void> createOutDir(const QString &name)
                               name, SystemError::ofLastCall().text())};
 }
 
+/// What determines the files of a graph.
+constexpr OptionInfo kGraphOptions[] = {
+    {"--set", "NAME=VALUE", "set a graph variable (repeatable); overrides the graph's value"},
+    {"--out-dir", "DIR",
+     "folder for relative output names (default: the graph's folder); created by a run if it is "
+     "missing"},
+    {"--name", "FILE", "for -: the name for messages; relative names are relative to its folder"},
+};
+constexpr OptionInfo kRunOptions[] = {
+    {"--tap", "ID:PIN=FILE.csv", "also write the rows of an output pin as CSV (repeatable)"},
+    {"--compression", "LEVEL",
+     "compression of packages: isal-2 (fast, the default), isal-3, zlib-1 to zlib-9 (smallest)"},
+    {"--strict", "", "unknown names and wrong values in GRAPH are errors, not warnings"},
+};
+constexpr OptionInfo kCheckOptions[] = {
+    {"--list-outputs", "", "print the files that a run would write, one per line"},
+    {"--template", "",
+     "list the markers and chart tags of the Office template FILE, and those that a run does not "
+     "find; '>NAME' is a template that the program includes (\"corvanta describe writeReport\" "
+     "lists them)"},
+    {"--json", "", "print the problems, the files or the markers as a JSON array"},
+};
+
 } // namespace
 
 CommandOptions runOptions()
 {
     return Session::options(
-        {{u"--set"_s, u"--out-dir"_s, u"--tap"_s, u"--compression"_s, u"--name"_s},
-         {u"--strict"_s},
-         1,
-         u"one graph file is required"_s});
+        {{{"", kGraphOptions}, {"", kRunOptions}}, 1, u"one graph file is required"_s});
 }
 
 CommandResult<void> runCommand(const CommandLine &line)
@@ -268,8 +288,7 @@ CommandResult<void> runCommand(const CommandLine &line)
 
 CommandOptions checkOptions()
 {
-    return {{u"--set"_s, u"--out-dir"_s, u"--log-format"_s, u"--name"_s},
-            {u"--list-outputs"_s, u"--template"_s, u"--json"_s},
+    return {{{"", kGraphOptions}, {"", Session::logFormatOption()}, {"", kCheckOptions}},
             1,
             u"one graph file, or one template with --template, is required"_s};
 }

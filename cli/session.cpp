@@ -88,14 +88,31 @@ void logRows(const QVector<ActionProgress> &all)
     }
 }
 
+constexpr OptionInfo kMessageOptions[] = {
+    {"--log-format", "text|json", "write messages as text, or as one JSON object per line"},
+    {"--log-file", "FILE", "write all messages to FILE as well"},
+    {"--progress", "auto|always|never|lines",
+     "show a progress line, and a summary at the end; auto: on a terminal only; lines: for "
+     "programs, "
+     "with --log-format json, an object with the state of all actions every 0.2 s"},
+    {"--color", "auto|always|never",
+     "colors of errors and warnings; auto: on a terminal, unless NO_COLOR is set"},
+    {"-q, --quiet", "", "show only errors and warnings, with their reasons"},
+    {"-v", "", "show more: the rows that each action took and sent, or further details"},
+    {"--system-encoding", "NAME", "8-bit encoding of files in the \"system\" encoding"},
+};
+
 } // namespace
 
 CommandOptions Session::options(CommandOptions more)
 {
-    more.withValue << u"--log-format"_s << u"--progress"_s << u"--system-encoding"_s
-                   << u"--log-file"_s << u"--color"_s;
-    more.flags << u"--quiet"_s << u"-q"_s << u"-v"_s;
+    more.groups << OptionGroup{"Messages", kMessageOptions};
     return more;
+}
+
+std::span<const OptionInfo> Session::logFormatOption()
+{
+    return std::span(kMessageOptions).first<1>();
 }
 
 CommandResult<std::unique_ptr<Session>> Session::open(const CommandLine &line)

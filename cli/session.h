@@ -16,6 +16,8 @@ class Session
 public:
     /// `more` with the options of the log, of the progress and of the system encoding.
     static CommandOptions options(CommandOptions more);
+    /// The line of --log-format, for commands that accept no other of these options.
+    static std::span<const OptionInfo> logFormatOption();
     /// Create a session with the options of `line`. The fault is a usage error.
     static CommandResult<std::unique_ptr<Session>> open(const CommandLine &line);
     ~Session();

@@ -21,7 +21,7 @@ NOT_PROVOKED = {
     "ERROR: cannot read the memo file": "as for the DBF file",
     "no module has the action '%1'": "a program without one of its own modules",
 }
-HELP = {"cli/main.cpp", "cli/describe_command.cpp"}  # most lines are printed, not logged
+HELP = {"cli/main.cpp", "cli/describe_command.cpp", "cli/help/help_command.cpp"}  # most lines are printed, not logged
 COMMENT = re.compile(r"^\s*//[^\n]*", re.MULTILINE)
 JOINT = re.compile(r'(?<!\\)"(?:_s|_L1)?\s*\n\s*[fu]?"')  # between two lines of one text
 TEXT = re.compile(r'"((?:[^"\\\n]|\\.)*)"')

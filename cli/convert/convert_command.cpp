@@ -40,16 +40,24 @@ void warnOfReplacedInput(const CommandLine &line)
     }
 }
 
+constexpr OptionInfo kWriteOptions[] = {
+    {"--no-clobber", "", "fail if OUTPUT exists"},
+    {"--keep-partial", "",
+     "after an error or an interrupt, keep the rows before it (the status is still that of the "
+     "failure)"},
+    {"--print-graph", "", "print the graph instead of running it"},
+};
+
 } // namespace
 
 CommandOptions convertOptions()
 {
-    CommandOptions options = Session::options(pipelineOptions());
-    options.flags << u"--print-graph"_s << u"--no-clobber"_s << u"--keep-partial"_s;
+    CommandOptions options = pipelineOptions();
+    options.groups << OptionGroup{"How to write", kWriteOptions};
     options.arguments = 2;
     options.hasMoreArguments = true;
     options.wrongArguments = u"an input and an output file are required"_s;
-    return options;
+    return Session::options(options);
 }
 
 CommandResult<void> convertCommand(const CommandLine &line)

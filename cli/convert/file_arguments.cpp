@@ -213,11 +213,6 @@ bool isSameFile(const QString &a, const QString &b)
     return !name.isEmpty() && name == QFileInfo(b).canonicalFilePath();
 }
 
-CommandOptions formatOptions()
-{
-    return {{u"--from"_s, u"--to"_s}, {}};
-}
-
 CommandResult<FileArgument> inputFile(const CommandLine &line, const QString &word,
                                       const ActionRegistry &registry)
 {

@@ -10,9 +10,6 @@ struct FileArgument
     QString extension; ///< of its format, in lower case, without ".gz"
 };
 
-/// The options that the two functions use: --from, and --to for outputs.
-CommandOptions formatOptions();
-
 /// The input `word`. "-" is standard input; of an archive without a member it is the only one that
 /// can be read. The fault is a usage error, or kFailed for an archive that cannot be read.
 CommandResult<FileArgument> inputFile(const CommandLine &line, const QString &word,

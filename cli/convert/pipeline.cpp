@@ -352,15 +352,38 @@ CommandResult<void> addInputs(const CommandLine &line, const QStringList &words,
     return join ? addAction(&chain->graph, joinId, **join) : join.fault();
 }
 
+constexpr OptionInfo kJoinOptions[] = {
+    {"'PATTERN', several INPUTs", "", "are joined; all must have the same columns"},
+    {"--union", "", "join columns by name; a missing one is empty"},
+    {"--add-file-name", "", "add the column _FileNames"},
+};
+constexpr OptionInfo kRowOptions[] = {
+    {"--where", "EXPRESSION",
+     "keep the rows for which it is true: columns, numbers and 'texts' with = != < <= > >=, is "
+     "null, is not null, and, or, not and parentheses; \"a name\" with blanks in quotes"},
+    {"--sort", "A,-B", "sort on columns, -B in descending order; missing values come last"},
+    {"--rows", "FROM:TO", "keep these rows, from 1"},
+    {"--limit", "N", "keep the first N rows"},
+    {"--select", "A,B", "keep these columns, in this order"},
+    {"--rename", "OLD=NEW", "rename a column (repeatable)"},
+};
+constexpr OptionInfo kOutputOptions[] = {
+    {"FOLDER/", "",
+     "one CSV file per table of a JSON or XML file, with the columns that join it to its parent, "
+     "or one per sheet of a workbook"},
+    {"--to", "FORMAT", "the format in place of the extension of OUTPUT"},
+    {"--writer", "NAME=VALUE", "set a parameter of the writer, as --reader does"},
+};
+
 } // namespace
 
 /// The options that add actions between the input and the output.
 CommandOptions pipelineOptions()
 {
     CommandOptions options = inputOptions();
-    options.withValue << u"--to"_s << u"--where"_s << u"--sort"_s << u"--rows"_s << u"--limit"_s
-                      << u"--select"_s << u"--rename"_s << u"--writer"_s;
-    options.flags << u"--union"_s << u"--add-file-name"_s;
+    options.groups << OptionGroup{"Several inputs", kJoinOptions}
+                   << OptionGroup{"Rows and columns, in this order", kRowOptions}
+                   << OptionGroup{"Outputs", kOutputOptions};
     return options;
 }
 

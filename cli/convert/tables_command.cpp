@@ -280,7 +280,7 @@ CommandResult<CorvantaGraph> makeGraph(const CommandLine &line, const ActionRegi
 }
 
 /// The options that a folder has no use for.
-CommandResult<void> checkOptions(const CommandLine &line)
+CommandResult<void> checkConvertOptions(const CommandLine &line)
 {
     for (const QString &option : {u"--table"_s, u"--sheet"_s, u"--to"_s, u"--where"_s, u"--sort"_s,
                                   u"--rows"_s, u"--limit"_s, u"--select"_s, u"--rename"_s}) {
@@ -306,7 +306,7 @@ bool isFolderTarget(const CommandLine &line)
 CommandResult<void> convertTables(const CommandLine &line, const ActionRegistry &registry,
                                   Session *session)
 {
-    if (auto checked = checkOptions(line); !checked) {
+    if (auto checked = checkConvertOptions(line); !checked) {
         return checked;
     }
     const auto tables = Tables::open(line, registry);

@@ -74,7 +74,10 @@ QString listText(const std::vector<Module> &modules)
 
 CommandOptions pluginsOptions()
 {
-    return {{}, {u"--json"_s}, 0, u"no argument is expected"_s};
+    static constexpr OptionInfo kOptions[] = {
+        {"--json", "", "print a JSON array with an object per module"},
+    };
+    return {{{"", kOptions}}, 0, u"no argument is expected"_s};
 }
 
 CommandResult<void> pluginsCommand(const CommandLine &line)

@@ -268,12 +268,16 @@ void TableStats::printTable(const QVector<ColumnSummary> &columns) const
     printer.finish();
 }
 
+constexpr OptionInfo kStatsOptions[] = {
+    {"--json", "", "print an array with an object per column"},
+};
+
 } // namespace
 
 CommandOptions statsOptions()
 {
     CommandOptions options = inputFileOptions();
-    options.flags << u"--json"_s;
+    options.groups.prepend({"", kStatsOptions});
     return options;
 }
 
