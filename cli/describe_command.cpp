@@ -5,10 +5,12 @@
 #include "corvanta/action_base.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/params/saved_form.h"
+#include "help/example_list.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <cstdio>
@@ -43,7 +45,8 @@ QJsonObject catalogueEntry(ActionItem &action)
 }
 
 /// Recursive, because members of lists may be lists.
-QJsonArray parameterEntries(const QVector<ParameterInfo> &infos); // members of a structure
+QJsonArray parameterEntries(const QVector<ParameterInfo> &infos,
+                            const ExampleWriter &examples); // members of a structure
 
 /// "mode is 2 or 4", with the values as they are saved.
 QString conditionText(const ParameterInfo::Condition &condition)
@@ -83,21 +86,23 @@ void addRange(const ParameterInfo &info, QJsonObject *entry)
     }
 }
 
-/// One parameter; "low", "high", "required", "choices", "explanations", "unit", "usedWhen",
-/// "element" and "members" only where they apply.
-QJsonObject parameterEntry(const ParameterInfo &info)
+/// One parameter; "low", "high", "required", "choices", "explanations", "choiceExamples", "unit",
+/// "usedWhen", "element" and "members" only where they apply.
+QJsonObject parameterEntry(const ParameterInfo &info, const ExampleWriter &examples)
 {
     QJsonObject entry{{u"name"_s, info.name},
                       {u"type"_s, ActionParameters::typeName(info.type)},
                       {u"default"_s, info.defaultValue},
                       {u"label"_s, info.label},
-                      {u"meaning"_s, info.meaning}};
+                      {u"meaning"_s, info.meaning},
+                      {u"example"_s, examples.elementWith(info)}};
     addRange(info, &entry);
     if (info.isRequired) {
         entry[u"required"_s] = true;
     }
     if (!info.choices.isEmpty()) {
         entry[u"choices"_s] = QJsonArray::fromStringList(info.choices);
+        entry[u"choiceExamples"_s] = QJsonArray::fromStringList(examples.elementsWithChoices(info));
     }
     if (!info.explanations.isEmpty()) {
         entry[u"explanations"_s] = QJsonArray::fromStringList(info.explanations);
@@ -110,15 +115,16 @@ QJsonObject parameterEntry(const ParameterInfo &info)
     }
     if (info.type == ParameterInfo::Type::Structure) {
         entry[u"element"_s] = info.itemElement;
-        entry[u"members"_s] = parameterEntries(info.members);
+        entry[u"members"_s] = parameterEntries(info.members, examples.ofItem(info));
     }
     return entry;
 }
 
-QJsonArray parameterEntries(const QVector<ParameterInfo> &infos)
+QJsonArray parameterEntries(const QVector<ParameterInfo> &infos, const ExampleWriter &examples)
 {
     QJsonArray entries;
-    std::transform(infos.begin(), infos.end(), std::back_inserter(entries), parameterEntry);
+    std::transform(infos.begin(), infos.end(), std::back_inserter(entries),
+                   [&](const ParameterInfo &info) { return parameterEntry(info, examples); });
     return entries;
 }
 
@@ -142,24 +148,39 @@ void printForm(const ParameterInfo &info, const QString &indent)
                         : u"Saved as the element <%1><s>TEXT</s>...</%1>.\n"_s.arg(info.name)));
 }
 
-/// One line per choice, with the sentence about it.
-void printChoices(const ParameterInfo &info, const QString &indent)
+/// An element on one line.
+QString onOneLine(QString element)
+{
+    return element.remove(QRegularExpression(u"\\n *"_s));
+}
+
+/// One line per choice, with the sentence about it. `elements` are examples, empty for none.
+void printChoices(const ParameterInfo &info, const QString &indent, const QStringList &elements)
 {
     for (qsizetype i = 0; i < info.choices.size(); ++i) {
         const QString sentence = info.explanations.value(i);
         print(u"%1%2 = %3%4\n"_s.arg(indent, QString::number(i), info.choices[i],
                                      sentence.isEmpty() ? sentence : ": "_L1 + sentence));
+        if (const QString element = elements.value(i); !element.isEmpty()) {
+            print(u"%1    Example: %2\n"_s.arg(indent, onOneLine(element)));
+        }
     }
 }
 
+/// Recursive, because members of lists may be lists.
+void printMembers(const ParameterInfo &info, const QString &indent, const ExampleWriter &examples);
+
 /// Name, type and default, then the meaning, the choices and the members of a structure, indented.
-void printParameter(const ParameterInfo &info, const QString &indent)
+/// `isMember`: each choice has its example.
+void printParameter(const ParameterInfo &info, const QString &indent, const ExampleWriter &examples,
+                    bool isMember)
 {
     const QString inner = indent + "    "_L1;
     // An empty default would leave nothing to read after the word.
     const QString defaultText = info.defaultValue.isEmpty() ? u"\"\""_s : info.defaultValue;
-    print(u"%1%2 (%3, default %4)\n"_s.arg(indent, info.name, ActionParameters::typeName(info.type),
-                                           defaultText));
+    print(u"%1%2 (%3, %4default %5)\n"_s.arg(
+        indent, info.name, ActionParameters::typeName(info.type),
+        info.isRequired ? u"required, "_s : QString(), defaultText));
     print(u"%1%2\n"_s.arg(inner, info.meaning));
     const bool isInteger = info.type == ParameterInfo::Type::Integer && info.choices.isEmpty();
     if (isInteger || info.isNumberText) {
@@ -175,25 +196,56 @@ void printParameter(const ParameterInfo &info, const QString &indent)
         print(u"%1Used only when %2.\n"_s.arg(inner, conditionTexts(info).join(u", and "_s)));
     }
     printForm(info, inner);
-    printChoices(info, inner);
-    if (!info.members.isEmpty()) {
-        print(u"%1Each element '%2' holds\n"_s.arg(inner, info.itemElement));
+    const QStringList elements = isMember ? examples.elementsWithChoices(info) : QStringList();
+    printChoices(info, inner, elements);
+    // The examples at the end show structures.
+    if (info.type != ParameterInfo::Type::Structure && elements.join(QString()).isEmpty()) {
+        print(u"%1Example: %2\n"_s.arg(inner, onOneLine(examples.elementWith(info))));
     }
+    printMembers(info, inner, examples);
+}
+
+void printMembers(const ParameterInfo &info, const QString &indent, const ExampleWriter &examples)
+{
+    if (info.members.isEmpty()) {
+        return;
+    }
+    print(u"%1Each element '%2' holds\n"_s.arg(indent, info.itemElement));
+    const ExampleWriter ofItem = examples.ofItem(info);
     for (const ParameterInfo &member : info.members) {
-        printParameter(member, inner + "  "_L1);
+        printParameter(member, indent + "  "_L1, ofItem, true);
     }
 }
 
 /// What follows the first lines of a description.
-void printDetails(const QVector<ParameterInfo> &infos, const QStringList &templates)
+void printDetails(const QString &type, const QVector<ParameterInfo> &infos,
+                  const QStringList &templates)
 {
+    const QVector<Example> all = examplesOf(type);
+    const ExampleWriter examples(type, infos, all);
     print(u"Parameters\n"_s);
     for (const ParameterInfo &info : infos) {
-        printParameter(info, u"  "_s);
+        printParameter(info, u"  "_s, examples, false);
     }
     if (!templates.isEmpty()) {
         print(u"\nIncluded templates\n  %1\n"_s.arg(templates.join(u"\n  "_s)));
     }
+    for (const Example &example : all) {
+        const QString element = QString(example.element).replace(u'\n', "\n    "_L1);
+        print(u"\nExample: %1\n    %2\n"_s.arg(example.title, element));
+    }
+}
+
+QJsonObject exampleEntry(const Example &example)
+{
+    return {{u"title"_s, example.title}, {u"element"_s, example.element}};
+}
+
+QJsonArray exampleEntries(const QVector<Example> &examples)
+{
+    QJsonArray entries;
+    std::transform(examples.begin(), examples.end(), std::back_inserter(entries), exampleEntry);
+    return entries;
 }
 
 /// Adds the numbers of pins; a reader of the JSON needs no text such as pinText().
@@ -203,14 +255,17 @@ void addPins(const ActionItem &action, QJsonObject *entry)
     entry->insert(u"pinsOut"_s, action.pinOutCount());
 }
 
-/// What `actions --json` prints of the action, its pins, its parameters, and included templates if
-/// there are any.
+/// What `actions --json` prints of the action, its pins, its parameters, examples, and included
+/// templates if there are any.
 QString descriptionJson(ActionItem &action, const QVector<ParameterInfo> &infos,
                         const QStringList &templates)
 {
     QJsonObject entry = catalogueEntry(action);
     addPins(action, &entry);
-    entry[u"parameters"_s] = parameterEntries(infos);
+    const QString type = QString::fromLatin1(action.getTypeName());
+    const QVector<Example> examples = examplesOf(type);
+    entry[u"parameters"_s] = parameterEntries(infos, ExampleWriter(type, infos, examples));
+    entry[u"examples"_s] = exampleEntries(examples);
     if (!templates.isEmpty()) {
         entry[u"includedTemplates"_s] = QJsonArray::fromStringList(templates);
     }
@@ -276,6 +331,6 @@ CommandResult<void> describeCommand(const CommandLine &line)
         return {};
     }
     print(u"%1: %2\n%3\n\n"_s.arg(type, action->getDescription(), pinText(*action)));
-    printDetails(infos, templates);
+    printDetails(type, infos, templates);
     return {};
 }

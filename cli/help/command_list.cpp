@@ -8,6 +8,8 @@
 #include "base/nearest_name.h"
 #include "cli/commands.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -99,12 +101,11 @@ CommandOptions optionsOf(const Command &command)
 
 const Command *findCommand(const QString &name)
 {
-    for (const Command &command : kCommands) {
-        if (name == QLatin1StringView(command.name)) {
-            return &command;
-        }
-    }
-    return nullptr;
+    const auto *const found =
+        std::find_if(std::begin(kCommands), std::end(kCommands), [&](const Command &command) {
+            return name == QLatin1StringView(command.name);
+        });
+    return found == std::end(kCommands) ? nullptr : found;
 }
 
 corvanta::Fault<ExitStatus> unknownCommand(const QString &name)

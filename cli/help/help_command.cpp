@@ -45,14 +45,26 @@ QString wrapped(const QString &text, qsizetype indent)
     return lines + u'\n';
 }
 
+/// The texts of all items, one after the other.
+template <class Items, class Item>
+QString joined(const Items &items, QString (*textOf)(const Item &item))
+{
+    QString text;
+    for (const Item &item : items) {
+        text += textOf(item);
+    }
+    return text;
+}
+
+QString paragraph(const QString &line)
+{
+    return wrapped(line, 0);
+}
+
 /// Each line of `text`, wrapped on its own.
 QString paragraphs(const char *text)
 {
-    QString result;
-    for (const QString &line : QString::fromUtf8(text).split(u'\n')) {
-        result += wrapped(line, 0);
-    }
-    return result;
+    return joined(QString::fromUtf8(text).split(u'\n'), paragraph);
 }
 
 /// The lines of a text, each after `prefix`.
@@ -74,12 +86,8 @@ QString optionText(const OptionInfo &option)
 /// Groups without a title are one list.
 QString groupText(const OptionGroup &group)
 {
-    QString text =
-        *group.title == '\0' ? QString() : u'\n' + QString::fromUtf8(group.title) + u'\n';
-    for (const OptionInfo &option : group.options) {
-        text += optionText(option);
-    }
-    return text;
+    const QString title = QString::fromUtf8(group.title);
+    return (title.isEmpty() ? title : u"\n%1\n"_s.arg(title)) + joined(group.options, optionText);
 }
 
 /// The extensions that some action handles, one line for each use.
@@ -102,10 +110,7 @@ QString helpText(const Command &command)
     text += command.handlesFiles ? extensionsText() : QString();
     const CommandOptions options = optionsOf(command);
     const bool hasTitle = options.groups.isEmpty() || *options.groups.first().title != '\0';
-    text += hasTitle ? QString() : u"\n"_s;
-    for (const OptionGroup &group : options.groups) {
-        text += groupText(group);
-    }
+    text += (hasTitle ? QString() : u"\n"_s) + joined(options.groups, groupText);
     if (*command.exitStatus != '\0') {
         text += u'\n' + wrapped(u"Exit status: "_s + QString::fromUtf8(command.exitStatus), 0);
     }

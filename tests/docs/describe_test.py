@@ -1,0 +1,90 @@
+#!/usr/bin/python3
+"""The examples that describe prints are valid, and every parameter has one: describe_test.py CORVANTA"""
+import json
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+CORVANTA = str(pathlib.Path(sys.argv.pop(1)).resolve())
+ROWS = ("order_id,order_day,longitude,latitude,json,xml,name,city\n"
+        "1,2026-01-31,10.7,59.9,7,<x/>,pen,Oslo\n1,2026-01-31,10.7,59.9,7,<x/>,ink,Oslo\n2,2026-02-01,2.3,48.9,[],<y/>,pen,Paris\n")
+
+
+class Describe(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.actions = {action["type"]: json.loads(self.corvanta("describe", action["type"], "--json"))
+                        for action in json.loads(self.corvanta("actions", "--json"))}
+
+    def corvanta(self, *words, status=(0,)):
+        done = subprocess.run([CORVANTA, *words], cwd=self.folder, capture_output=True, text=True, check=False)
+        self.assertIn(done.returncode, status, done.stderr)
+        return done.stdout
+
+    def members(self, infos, around=()):
+        """Each parameter with its example and the elements around it; the last of `around` is that of the example itself."""
+        for info in infos:
+            outer = around[:-1]
+            yield info, "".join(f"<{name}>" for name in outer) + info["example"] + "".join(f"</{name}>" for name in reversed(outer))
+            container = () if info.get("element") == info["name"] else (info["name"],)
+            yield from self.members(info.get("members", []), (*around, *container, info.get("element")))
+
+    def test_examples_are_valid(self):
+        elements = []
+        for action in self.actions.values():
+            self.assertTrue(action["examples"], action["type"])
+            elements += [example["element"] for example in action["examples"]]
+            elements += [element for _, element in self.members(action["parameters"], (action["type"],))]
+        self.assertGreater(len(elements), 400)
+        body = "\n".join(f"<action id='a{i}'>{element.replace(chr(10), ' ')}</action>" for i, element in enumerate(elements))
+        (self.folder / "all.graph").write_text(f"<graph version='4.12'>\n{body}</graph>")
+        problems = json.loads(self.corvanta("check", "all.graph", "--json", status=(0, 2)))
+        # The example of a member is a part of an element, which may lack what is required.
+        wrong = [(problem["message"], elements[problem["line"] - 2]) for problem in problems
+                 if re.search("unknown|expected|is not read|is ignored|required", problem["message"])]
+        self.assertEqual([(text, element) for text, element in wrong if not ("is required and empty" in text and "</" in element)], [])
+
+    def test_examples_set_their_parameter(self):
+        for action in self.actions.values():
+            for info, element in self.members(action["parameters"]):
+                with self.subTest(action=action["type"], parameter=info["name"]):
+                    if info["type"] in ("strings", "structure"):
+                        self.assertRegex(element, r"<s>|/>|</")
+                        self.assertTrue("<s>" in element or info["type"] == "structure", element)
+                    elif re.search(rf"\b{info['name']}='", element):
+                        value = re.search(rf"\b{info['name']}='([^']*)'", element).group(1)
+                        self.assertTrue(value != info["default"], element)
+                    else:
+                        self.assertRegex(element, ">[^<]|CDATA")
+
+    def test_types_of_items_and_charts_have_examples(self):
+        for action, count in (("writeJSON", 8), ("writeXML", 9)):
+            levels = next(info for info in self.actions[action]["parameters"] if info["name"] == "Levels")
+            items = next(info for info in levels["members"] if info["name"] == "Item")
+            types = next(info for info in items["members"] if info["name"] == "type")
+            self.assertEqual([f"type='{number}'" in element for number, element in enumerate(types["choiceExamples"])], [True] * count)
+            text = self.corvanta("describe", action)
+            self.assertIn("Example: <Item type='7'><s>", text)
+            self.assertRegex(text, r"fileName \(text, required, default")
+        charts = next(info for info in self.actions["writeReport"]["parameters"] if info["name"] == "Chart")
+        types = next(info for info in charts["members"] if info["name"] == "type")
+        self.assertTrue(all(types["choiceExamples"]))
+
+    def test_levels_of_the_examples_write_valid_documents(self):
+        (self.folder / "in.csv").write_text(ROWS)
+        for action, name in (("writeJSON", "orders.json"), ("writeXML", "orders.xml")):
+            element = self.actions[action]["examples"][-1]["element"]
+            (self.folder / "g.graph").write_text("<graph version='4.12'><action id='in'><readCSV fileName='in.csv'/></action>"
+                                                 f"<action id='out'>{element}</action><link from='in:0' to='out:0'/></graph>")
+            self.corvanta("run", "g.graph")
+            rows = self.corvanta("head", name, "-n", "9")
+            self.assertEqual(len(rows.splitlines()), 5, rows)
+
+
+if __name__ == "__main__":
+    unittest.main()
