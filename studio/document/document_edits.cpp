@@ -6,6 +6,7 @@
 #include "studio/document/graph_document.h"
 #include "studio/document/layered_layout.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSet>
@@ -214,23 +215,24 @@ void GraphDocument::finishFill(int key, int revision, const XMLNode &filled, con
     if (filled.isEmpty()) {
         Q_EMIT fillFailed(id, reason);
     } else {
-        setElement(id, filled, text, series);
+        setElements({{id, filled}}, text, series);
     }
 }
 
-void GraphDocument::setElement(const QString &id, const XMLNode &element, const QString &text,
-                               int series)
+/// Replace the elements of actions, by id.
+void GraphDocument::setElements(const QHash<QString, XMLNode> &elements, const QString &text,
+                                int series)
 {
-    push(
-        text,
-        [&](Content &content) {
-            content.changeNode(m_indexes.value(id), [&](Node &node) {
-                node.element = element;
+    const auto change = [&](Content &content) {
+        for (auto it = elements.begin(); it != elements.end(); ++it) {
+            content.changeNode(m_indexes.value(it.key()), [&](Node &node) {
+                node.element = it.value();
                 node.revision = m_nextRevision++;
                 node.isElementEdited = true;
             });
-        },
-        series);
+        }
+    };
+    push(text, change, series);
 }
 
 void GraphDocument::remove(const QStringList &ids, const QVector<LinkRef> &links)
@@ -340,16 +342,39 @@ bool GraphDocument::setParameter(const QStringList &ids, const QString &paramete
         }
         elements.insert(id, element);
     }
-    push(tr("Set %1").arg(parameter), [&](Content &content) {
-        for (auto it = elements.begin(); it != elements.end(); ++it) {
-            content.changeNode(m_indexes.value(it.key()), [&](Node &node) {
-                node.element = it.value();
-                node.revision = m_nextRevision++;
-                node.isElementEdited = true;
-            });
-        }
-    });
+    setElements(elements, tr("Set %1").arg(parameter));
     return true;
+}
+
+/// Give the inputs that are relative to the old folder of the graph their absolute names.
+void GraphDocument::rebaseInputs(const QString &oldFolder)
+{
+    if (QFileInfo(fileName()).absolutePath() == oldFolder) {
+        return;
+    }
+    QHash<QString, XMLNode> elements;
+    for (const NodePtr &node : std::as_const(m_content.nodes)) {
+        ActionItem *const item = m_items.value(node->key).get();
+        const auto *const parameters = dynamic_cast<const ActionParameters *>(item);
+        const auto infos =
+            parameters == nullptr ? QVector<ParameterInfo>() : parameters->parameters();
+        for (int i = 0; i < infos.size(); ++i) {
+            const QString value = infos[i].file == ParameterInfo::File::Input
+                                      ? parameters->parameterValue(i)
+                                      : QString();
+            // Names that begin with a variable or name an included template do not depend on it.
+            if (!value.isEmpty() && QDir::isRelativePath(value) && !value.startsWith(u'$') &&
+                !value.startsWith(u'>')) {
+                const QString absolute = QDir::cleanPath(oldFolder + u'/' + value);
+                elements.insert(node->id,
+                                withParameter(*item, elements.value(node->id, node->element),
+                                              infos[i].name, absolute));
+            }
+        }
+    }
+    if (!elements.isEmpty()) {
+        setElements(elements, tr("Keep the inputs of the old folder"));
+    }
 }
 
 void GraphDocument::recordEdit(ActionItem *action, const ParameterEdit &edit)
@@ -361,7 +386,7 @@ void GraphDocument::recordEdit(ActionItem *action, const ParameterEdit &edit)
     const XMLNode after = savedForm(*action, node(id).element, edit);
     // The action already has the value; to set it again would disturb the panel.
     m_upToDateKey = node(id).key;
-    setElement(id, after, tr("Edit %1 of “%2”").arg(edit.parameter, id), edit.series);
+    setElements({{id, after}}, tr("Edit %1 of “%2”").arg(edit.parameter, id), edit.series);
     m_upToDateKey = -1;
 }
 

@@ -227,7 +227,10 @@ GraphDocument::FileResult<void> GraphDocument::saveAs(const QString &file)
 {
     const QString name = QFileInfo(file).absoluteFilePath();
     const QString before = std::exchange(m_graph.fileName, name);
+    const int step = m_undo.index();
+    rebaseInputs(QFileInfo(before).absolutePath());
     if (auto written = write(name); !written) {
+        m_undo.setIndex(step);
         m_graph.fileName = before;
         return written;
     }

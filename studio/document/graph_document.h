@@ -57,8 +57,8 @@ public:
     /// Replace the content by what the file has now; empties the undo stack.
     FileResult<void> reload();
     FileResult<void> save();
-    /// Save under another name, which becomes the file of the document. Names of files that are
-    /// relative to the folder of the graph keep their meaning.
+    /// Save under another name, which becomes the file of the document. In another folder, names of
+    /// inputs that are relative to the old one become absolute; this is a step too.
     FileResult<void> saveAs(const QString &file);
     /// Absolute; empty for a new graph.
     QString fileName() const { return m_graph.fileName; }
@@ -225,7 +225,8 @@ private:
     void fill(const QString &id, const QString &text, int series);
     void finishFill(int key, int revision, const XMLNode &filled, const QString &text, int series,
                     const QString &reason);
-    void setElement(const QString &id, const XMLNode &element, const QString &text, int series);
+    void rebaseInputs(const QString &oldFolder);
+    void setElements(const QHash<QString, XMLNode> &elements, const QString &text, int series = 0);
     const Node &node(const QString &id) const { return *m_content.nodes[m_indexes.value(id)]; }
 
     const ActionRegistry &m_registry;

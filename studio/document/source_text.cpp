@@ -318,15 +318,25 @@ public:
     QString text()
     {
         m_text = m_source.m_begin;
-        addNewKinds(Kind::Other);
-        for (const Element &element : m_source.m_elements) {
+        for (qsizetype i = 0; i < m_source.m_elements.size(); ++i) {
+            const Element &element = m_source.m_elements[i];
+            m_next = element.before;
+            if (i == 0) {
+                addNewKinds(Kind::Other);
+            }
             addElement(element);
+            m_next = i + 1 < m_source.m_elements.size() ? m_source.m_elements[i + 1].before
+                                                        : m_source.m_end;
             if (--m_left[static_cast<size_t>(element.kind)] == 0) {
                 addNewOf(element.kind);
                 addNewKinds(element.kind);
             }
         }
-        return m_text + m_source.m_end;
+        if (m_source.m_elements.isEmpty()) {
+            m_next = m_source.m_end;
+            addNewKinds(Kind::Other);
+        }
+        return m_text + m_source.m_end.mid(m_written);
     }
 
 private:
@@ -374,17 +384,31 @@ private:
         if (m_lineEnd != "\n"_L1) {
             element.replace(u'\n', m_lineEnd);
         }
+        if (m_written == 0) {
+            m_written = restOfLine(m_next);
+            m_text += m_next.left(m_written);
+        }
         m_text += m_lineEnd + u"  "_s + element;
+    }
+
+    /// The length of a comment in the line of the element before it, to which it belongs.
+    static qsizetype restOfLine(const QString &text)
+    {
+        const QString line = text.left(text.indexOf(u'\n')).trimmed();
+        const bool isComment = line.startsWith("<!--"_L1) && line.endsWith("-->"_L1);
+        return isComment ? text.indexOf(u'\n') - (text.contains("\r\n"_L1) ? 1 : 0) : 0;
     }
 
     void addElement(const Element &element)
     {
+        const QString before = element.before.mid(m_written);
+        m_written = 0;
         const QString text = current(element);
         if (!text.isEmpty()) {
-            m_text += element.before + text;
-        } else if (!element.before.trimmed().isEmpty()) {
+            m_text += before + text;
+        } else if (!before.trimmed().isEmpty()) {
             // A comment may be about more than the element after it.
-            m_text += element.before.left(element.before.lastIndexOf(u'>') + 1);
+            m_text += before.left(before.lastIndexOf(u'>') + 1);
         }
     }
 
@@ -471,6 +495,8 @@ private:
     const Content &m_content;
     QString m_lineEnd;
     QString m_text;
+    QString m_next;          // the text between the present element and the next one
+    qsizetype m_written = 0; // how much of it is written
     QHash<int, NodePtr> m_nodes;         // by origin
     QHash<int, const Wire *> m_wires;    // by origin
     QHash<QString, int> m_lastVariables; // number of the last element, by name

@@ -1,0 +1,329 @@
+// Follows the signals of the document, and turns the mouse into edits.
+#include "studio/canvas/graph_scene.h"
+
+#include "studio/canvas/link_drag.h"
+
+#include <QGraphicsSceneHelpEvent>
+#include <QGraphicsSceneMouseEvent>
+#include <QSignalBlocker>
+#include <QUndoStack>
+
+#include <algorithm>
+
+namespace corvanta::studio {
+
+GraphScene::GraphScene(GraphDocument &document, QObject *parent)
+    : QGraphicsScene(parent)
+    , m_document(document)
+    , m_drag(std::make_unique<LinkDrag>(*this))
+{
+    using Document = GraphDocument;
+    connect(&document, &Document::actionAdded, this, &GraphScene::addNode);
+    connect(&document, &Document::actionRemoved, this, &GraphScene::removeNode);
+    connect(&document, &Document::actionRenamed, this, &GraphScene::renameNode);
+    connect(&document, &Document::actionChanged, this, &GraphScene::refreshPins);
+    connect(&document, &Document::moved, this, &GraphScene::refreshPins);
+    connect(&document, &Document::linkAdded, this, &GraphScene::addLinkItem);
+    connect(&document, &Document::linkRemoved, this, &GraphScene::removeLinkItem);
+    connect(&document, &Document::reloaded, this, &GraphScene::rebuild);
+    connect(&document, &Document::problemsChanged, this, &GraphScene::showProblems);
+    connect(&document, &Document::runStateChanged, this, [this](const QString &id) {
+        if (NodeItem *const item = node(id)) {
+            item->update();
+        }
+        for (LinkItem *const item : std::as_const(m_links)) {
+            if (item->link().from.action == id) {
+                item->update();
+            }
+        }
+    });
+    connect(this, &QGraphicsScene::selectionChanged, this, &GraphScene::selectionMoved);
+    connect(this, &QGraphicsScene::focusItemChanged, this, &GraphScene::selectionMoved);
+    rebuild();
+}
+
+GraphScene::~GraphScene()
+{
+    // Items that are destroyed change the selection.
+    disconnect();
+    blockSignals(true);
+    m_drag->cancel();
+}
+
+void GraphScene::rebuild()
+{
+    m_drag->cancel();
+    m_marked = nullptr;
+    m_nodes.clear();
+    m_links.clear();
+    clear();
+    for (const QString &id : m_document.ids()) {
+        addNode(id);
+    }
+    for (const LinkRef &link : m_document.links()) {
+        addLinkItem(link);
+    }
+    showProblems();
+}
+
+void GraphScene::addNode(const QString &id)
+{
+    auto *const item = new NodeItem(m_document, id); // owned by the scene
+    m_nodes.insert(id, item);
+    addItem(item);
+    connect(item, &NodeItem::movedByUser, this, [this, item] { refreshLinksOf(item); });
+}
+
+void GraphScene::removeNode(const QString &id)
+{
+    m_drag->cancel();
+    delete m_nodes.take(id);
+}
+
+void GraphScene::renameNode(const QString &oldId, const QString &id)
+{
+    NodeItem *const item = m_nodes.take(oldId);
+    if (item != nullptr) {
+        m_nodes.insert(id, item);
+        item->setId(id);
+    }
+}
+
+LinkItem *GraphScene::link(const LinkRef &ends) const
+{
+    const auto found = std::find_if(m_links.begin(), m_links.end(),
+                                    [&](const LinkItem *item) { return item->link() == ends; });
+    return found == m_links.end() ? nullptr : *found;
+}
+
+void GraphScene::addLinkItem(const LinkRef &link)
+{
+    refreshPins(link.from.action);
+    refreshPins(link.to.action);
+    NodeItem *const from = node(link.from.action);
+    NodeItem *const to = node(link.to.action);
+    // A link to an action that does not exist is only in the list of problems.
+    if (from != nullptr && to != nullptr) {
+        auto *const item = new LinkItem(m_document, link, from, to); // owned by the scene
+        m_links.append(item);
+        addItem(item);
+    }
+}
+
+void GraphScene::removeLinkItem(const LinkRef &link)
+{
+    LinkItem *const item = this->link(link);
+    m_drag->cancel();
+    m_marked = m_marked == item ? nullptr : m_marked;
+    m_links.removeAll(item);
+    delete item;
+    refreshPins(link.from.action);
+    refreshPins(link.to.action);
+}
+
+void GraphScene::refreshLinksOf(const NodeItem *node)
+{
+    for (LinkItem *const item : std::as_const(m_links)) {
+        if (item->from() == node || item->to() == node) {
+            item->refresh();
+        }
+    }
+}
+
+void GraphScene::refreshPins(const QString &id)
+{
+    if (NodeItem *const item = node(id)) {
+        item->refresh();
+        refreshLinksOf(item);
+    }
+}
+
+void GraphScene::showProblems()
+{
+    QHash<QString, QStringList> texts;
+    for (const GraphProblem &problem : m_document.problems()) {
+        texts[problem.action] << problem.text;
+    }
+    for (NodeItem *const item : std::as_const(m_nodes)) {
+        item->setProblems(texts.value(item->id()).join(u'\n'));
+    }
+}
+
+QVector<NodeItem *> GraphScene::orderedNodes() const
+{
+    QVector<NodeItem *> all = m_nodes.values();
+    std::sort(all.begin(), all.end(), [](const NodeItem *a, const NodeItem *b) {
+        return std::tuple(a->x(), a->y(), a->id()) < std::tuple(b->x(), b->y(), b->id());
+    });
+    return all;
+}
+
+QStringList GraphScene::selectedIds() const
+{
+    QStringList ids;
+    for (const NodeItem *const item : orderedNodes()) {
+        if (item->isSelected()) {
+            ids << item->id();
+        }
+    }
+    return ids;
+}
+
+QVector<LinkRef> GraphScene::selectedLinks() const
+{
+    QVector<LinkRef> links;
+    for (const LinkItem *const item : m_links) {
+        if (item->isSelected()) {
+            links.append(item->link());
+        }
+    }
+    return links;
+}
+
+QString GraphScene::currentId() const
+{
+    const auto *const item = qgraphicsitem_cast<NodeItem *>(focusItem());
+    if (item != nullptr) {
+        return item->id();
+    }
+    const QStringList ids = selectedIds();
+    return ids.size() == 1 ? ids.first() : QString();
+}
+
+void GraphScene::select(const QStringList &ids)
+{
+    {
+        const QSignalBlocker one(this); // one signal for all
+        clearSelection();
+        for (const QString &id : ids) {
+            if (NodeItem *const item = node(id)) {
+                item->setSelected(true);
+            }
+        }
+    }
+    Q_EMIT selectionChanged();
+}
+
+void GraphScene::setCurrent(const QString &id)
+{
+    if (NodeItem *const item = node(id)) {
+        select({id});
+        setFocusItem(item, Qt::OtherFocusReason);
+    }
+}
+
+LinkItem *GraphScene::linkAt(QPointF place, const NodeItem *except) const
+{
+    for (QGraphicsItem *const item : items(place)) {
+        auto *const link = qgraphicsitem_cast<LinkItem *>(item);
+        if (link != nullptr && link->from() != except && link->to() != except) {
+            return link;
+        }
+    }
+    return nullptr;
+}
+
+void GraphScene::markLink(LinkItem *link)
+{
+    if (m_marked != link) {
+        if (m_marked != nullptr) {
+            m_marked->setTarget(false);
+        }
+        m_marked = link;
+        if (link != nullptr) {
+            link->setTarget(true);
+        }
+    }
+}
+
+/// The node being dragged, if it is alone.
+NodeItem *GraphScene::insertable() const
+{
+    const QList<QGraphicsItem *> selected = selectedItems();
+    return selected.size() == 1 ? qgraphicsitem_cast<NodeItem *>(selected.first()) : nullptr;
+}
+
+void GraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton && m_drag->beginAt(event->scenePos())) {
+        m_drag->moveTo(event->scenePos());
+        event->accept();
+        return;
+    }
+    QGraphicsScene::mousePressEvent(event);
+}
+
+void GraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
+{
+    if (m_drag->isActive()) {
+        m_drag->moveTo(event->scenePos());
+        return;
+    }
+    QGraphicsScene::mouseMoveEvent(event);
+    const NodeItem *const moved =
+        event->buttons().testFlag(Qt::LeftButton) ? insertable() : nullptr;
+    if (moved != nullptr && moved == mouseGrabberItem()) {
+        LinkItem *const link = linkAt(moved->sceneBoundingRect().center(), moved);
+        const bool canInsert =
+            link != nullptr && m_document.canInsertIntoLink(moved->id(), link->link());
+        markLink(canInsert ? link : nullptr);
+    }
+}
+
+void GraphScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
+{
+    if (m_drag->isActive()) {
+        m_drag->dropAt(event->scenePos());
+        return;
+    }
+    QGraphicsScene::mouseReleaseEvent(event);
+    if (event->button() == Qt::LeftButton) {
+        commitMove(insertable());
+    }
+}
+
+/// Make the positions of the items one step, together with the insertion into a link.
+void GraphScene::commitMove(const NodeItem *dropped)
+{
+    QMap<QString, QPointF> positions;
+    for (const NodeItem *const item : std::as_const(m_nodes)) {
+        if (item->pos() != m_document.position(item->id())) {
+            positions.insert(item->id(), item->pos());
+        }
+    }
+    LinkItem *const link = m_marked;
+    markLink(nullptr);
+    if (link != nullptr && dropped != nullptr) {
+        const LinkRef ends = link->link();
+        const QString id = dropped->id();
+        m_document.undoStack()->beginMacro(tr("Insert “%1” into a link").arg(id));
+        m_document.move(positions);
+        m_document.insertIntoLink(id, ends);
+        m_document.undoStack()->endMacro();
+    } else if (!positions.isEmpty()) {
+        m_document.move(positions);
+    }
+}
+
+void GraphScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
+{
+    for (QGraphicsItem *const item : items(event->scenePos())) {
+        if (const auto *const node = qgraphicsitem_cast<NodeItem *>(item)) {
+            Q_EMIT activated(node->id());
+            return;
+        }
+    }
+    if (event->button() == Qt::LeftButton) {
+        Q_EMIT actionWanted({}, event->scenePos());
+    }
+}
+
+void GraphScene::helpEvent(QGraphicsSceneHelpEvent *event)
+{
+    // While a link is drawn, its own tool tip says why a target is not possible.
+    if (!m_drag->isActive()) {
+        QGraphicsScene::helpEvent(event);
+    }
+}
+
+} // namespace corvanta::studio

@@ -1,0 +1,85 @@
+// The nodes and links of a document as graphics items, which follow the document.
+//
+// Threads: the GUI thread.
+#pragma once
+#include "studio/canvas/link_item.h"
+#include "studio/canvas/node_item.h"
+#include "studio/document/graph_document.h"
+
+#include <QGraphicsScene>
+#include <QHash>
+
+namespace corvanta::studio {
+
+class LinkDrag;
+
+class GraphScene final : public QGraphicsScene
+{
+    Q_OBJECT
+
+public:
+    /// `document` must outlive the scene.
+    explicit GraphScene(GraphDocument &document, QObject *parent = nullptr);
+    ~GraphScene() override;
+
+    GraphDocument &document() const { return m_document; }
+    NodeItem *node(const QString &id) const { return m_nodes.value(id); }
+    LinkItem *link(const LinkRef &ends) const;
+    const QVector<LinkItem *> &links() const { return m_links; }
+    /// The nodes from left to right, then from top to bottom: the order of the keyboard.
+    QVector<NodeItem *> orderedNodes() const;
+
+    // The selection. The current node is the one with the focus, else the only selected one.
+
+    QStringList selectedIds() const;
+    QVector<LinkRef> selectedLinks() const;
+    QString currentId() const;
+    void select(const QStringList &ids);
+    /// Select only this node, and give it the focus.
+    void setCurrent(const QString &id);
+
+    /// The link that an action dropped here would be inserted into; null if there is none.
+    LinkItem *linkAt(QPointF place, const NodeItem *except = nullptr) const;
+    /// Mark that link; null: none.
+    void markLink(LinkItem *link);
+    LinkDrag &linkDrag() { return *m_drag; }
+
+Q_SIGNALS:
+    /// Why something is not possible, or what happens, for the status bar and screen readers.
+    void message(const QString &text);
+    /// The user wants an action for the rows of `from`; an empty id: for none. `place` is in the
+    /// scene.
+    void actionWanted(const corvanta::studio::PinRef &from, QPointF place);
+    /// The user wants to edit this action.
+    void activated(const QString &id);
+    /// The current node or the selection is another one.
+    void selectionMoved();
+
+protected:
+    void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event) override;
+    void helpEvent(QGraphicsSceneHelpEvent *event) override;
+
+private:
+    void rebuild();
+    void addNode(const QString &id);
+    void removeNode(const QString &id);
+    void renameNode(const QString &oldId, const QString &id);
+    void addLinkItem(const LinkRef &link);
+    void removeLinkItem(const LinkRef &link);
+    void refreshLinksOf(const NodeItem *node);
+    void refreshPins(const QString &id);
+    void showProblems();
+    void commitMove(const NodeItem *dropped);
+    NodeItem *insertable() const;
+
+    GraphDocument &m_document;
+    QHash<QString, NodeItem *> m_nodes; // owned by the scene
+    QVector<LinkItem *> m_links;        // owned by the scene
+    LinkItem *m_marked = nullptr;
+    std::unique_ptr<LinkDrag> m_drag;
+};
+
+} // namespace corvanta::studio

@@ -1,0 +1,107 @@
+// A cubic curve that leaves and enters pins horizontally.
+#include "studio/canvas/link_item.h"
+
+#include "studio/canvas/canvas_colors.h"
+
+#include <QApplication>
+#include <QLineF>
+#include <QPainter>
+#include <QStyleOptionGraphicsItem>
+
+namespace corvanta::studio {
+
+namespace {
+
+constexpr double kHitWidth = 12;
+constexpr double kEndLength = 30; // from the pin: where an end can be taken
+constexpr double kArrow = 7;
+constexpr double kLabelWidth = 110;
+constexpr double kLabelHeight = 16;
+constexpr double kLabelZoom = 0.5;
+
+} // namespace
+
+LinkItem::LinkItem(GraphDocument &document, const LinkRef &link, NodeItem *from, NodeItem *to)
+    : m_document(document)
+    , m_link(link)
+    , m_from(from)
+    , m_to(to)
+{
+    setFlags(ItemIsSelectable | ItemIsFocusable);
+    refresh();
+}
+
+QPainterPath LinkItem::curve(QPointF from, QPointF to)
+{
+    // A link that leads back needs a wide loop to be seen.
+    const double distance = to.x() - from.x();
+    const double reach = distance > 0 ? qMax(distance / 2, 32.0) : qMin(160.0, 48 - distance / 2);
+    QPainterPath path(from);
+    path.cubicTo(from + QPointF(reach, 0), to - QPointF(reach, 0), to);
+    return path;
+}
+
+void LinkItem::refresh()
+{
+    setPath(curve(m_from->outputPosition(m_link.from.pin), m_to->inputPosition(m_link.to.pin)));
+}
+
+void LinkItem::setTarget(bool isTarget)
+{
+    if (m_isTarget != isTarget) {
+        m_isTarget = isTarget;
+        update();
+    }
+}
+
+bool LinkItem::isNearStart(QPointF place) const
+{
+    return QLineF(place, path().elementAt(0)).length() < kEndLength;
+}
+
+bool LinkItem::isNearEnd(QPointF place) const
+{
+    return QLineF(place, path().currentPosition()).length() < kEndLength;
+}
+
+QRectF LinkItem::boundingRect() const
+{
+    return path().controlPointRect().adjusted(-kLabelWidth / 2, -kLabelHeight, kLabelWidth / 2,
+                                              kLabelHeight);
+}
+
+QPainterPath LinkItem::shape() const
+{
+    QPainterPathStroker stroker;
+    stroker.setWidth(kHitWidth);
+    return stroker.createStroke(path());
+}
+
+void LinkItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
+{
+    const CanvasColors colors(widget != nullptr ? widget->palette() : QApplication::palette());
+    const double zoom = option->levelOfDetailFromTransform(painter->worldTransform());
+    const bool isSelected = option->state.testFlag(QStyle::State_Selected);
+    const bool isRunning = m_document.runState(m_link.from.action).state == NodeState::Running;
+    const QColor color = m_isTarget                 ? colors.good()
+                         : isSelected || isRunning ? colors.selection()
+                                                   : colors.link();
+    painter->setRenderHint(QPainter::Antialiasing, zoom > kLabelZoom);
+    painter->setPen(QPen(color, m_isTarget ? 4 : isSelected ? 3 : 1.8));
+    painter->setBrush(Qt::NoBrush);
+    painter->drawPath(path());
+    const QPointF end = path().currentPosition() - QPointF(NodeItem::kPinRadius, 0);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(color);
+    painter->drawPolygon(QPolygonF{end, end + QPointF(-kArrow, -kArrow / 2), end + QPointF(-kArrow, kArrow / 2)});
+    const qint64 rows = m_document.runState(m_link.from.action).rows.value(m_link.from.pin, -1);
+    if (rows >= 0 && zoom > kLabelZoom) {
+        const QPointF middle = path().pointAtPercent(0.5);
+        painter->setPen(colors.text());
+        painter->drawText(QRectF(middle.x() - kLabelWidth / 2, middle.y() - kLabelHeight - 1,
+                                 kLabelWidth, kLabelHeight),
+                          Qt::AlignCenter, rowsText(rows));
+    }
+}
+
+} // namespace corvanta::studio

@@ -1,0 +1,309 @@
+// Draws an action. Far away only its shape and colours are drawn.
+#include "studio/canvas/node_item.h"
+
+#include "studio/canvas/canvas_colors.h"
+
+#include <QApplication>
+#include <QGraphicsScene>
+#include <QLocale>
+#include <QPainter>
+#include <QStyleOptionGraphicsItem>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+namespace {
+
+constexpr double kHeight = 64;
+constexpr double kPinDistance = 16;
+constexpr double kCornerRadius = 6;
+constexpr double kIconSize = 32;
+constexpr double kMargin = 10;
+constexpr double kCommentHeight = 34;
+constexpr double kBadgeSize = 16;
+constexpr double kTextZoom = 0.35; // texts are not legible below
+
+QFont scaledFont(double factor, bool isBold)
+{
+    QFont font = QApplication::font();
+    font.setPointSizeF(font.pointSizeF() * factor);
+    font.setBold(isBold);
+    return font;
+}
+
+QString stateText(NodeState state)
+{
+    switch (state) {
+    case NodeState::Idle:
+        return {};
+    case NodeState::Waiting:
+        return NodeItem::tr("waiting");
+    case NodeState::Running:
+        return NodeItem::tr("running");
+    case NodeState::Done:
+        return NodeItem::tr("done");
+    case NodeState::Warning:
+        return NodeItem::tr("done with warnings");
+    case NodeState::Failed:
+        return NodeItem::tr("failed");
+    case NodeState::Stopped:
+        return NodeItem::tr("stopped");
+    }
+    return {};
+}
+
+/// The badge of a state. States differ in shape too, not only in colour.
+void drawBadge(QPainter *painter, NodeState state, const QRectF &box, const QColor &color,
+               const QColor &mark)
+{
+    const QPointF c = box.center();
+    const double r = box.width() / 2;
+    painter->setPen(QPen(color, 1.5));
+    painter->setBrush(state == NodeState::Waiting ? QBrush(mark) : QBrush(color));
+    if (state == NodeState::Stopped) {
+        painter->drawRect(box.adjusted(3, 3, -3, -3));
+    } else if (state == NodeState::Running) {
+        painter->drawPolygon(QPolygonF{c + QPointF(-r / 2, -r * 0.7), c + QPointF(r * 0.8, 0),
+                                       c + QPointF(-r / 2, r * 0.7)});
+    } else if (state == NodeState::Warning) {
+        painter->drawPolygon(
+            QPolygonF{c + QPointF(0, -r), c + QPointF(r, r * 0.8), c + QPointF(-r, r * 0.8)});
+    } else {
+        painter->drawEllipse(box.adjusted(1, 1, -1, -1));
+    }
+    painter->setPen(QPen(mark, 2, Qt::SolidLine, Qt::RoundCap));
+    if (state == NodeState::Done) {
+        painter->drawPolyline(QPolygonF{c + QPointF(-r * 0.4, 0), c + QPointF(-r * 0.1, r * 0.35),
+                                        c + QPointF(r * 0.45, -r * 0.35)});
+    } else if (state == NodeState::Failed) {
+        const double d = r * 0.35;
+        painter->drawLine(c + QPointF(-d, -d), c + QPointF(d, d));
+        painter->drawLine(c + QPointF(-d, d), c + QPointF(d, -d));
+    } else if (state == NodeState::Warning) {
+        painter->drawLine(c + QPointF(0, -r * 0.4), c + QPointF(0, r * 0.15));
+        painter->drawPoint(c + QPointF(0, r * 0.5));
+    }
+}
+
+} // namespace
+
+QString rowsText(qint64 rows)
+{
+    return QLocale().toString(rows);
+}
+
+NodeItem::NodeItem(GraphDocument &document, const QString &id)
+    : m_document(document)
+    , m_id(id)
+{
+    setFlags(ItemIsMovable | ItemIsSelectable | ItemIsFocusable | ItemSendsGeometryChanges);
+    setAcceptHoverEvents(true);
+    setZValue(1);
+    refresh();
+}
+
+void NodeItem::setId(const QString &id)
+{
+    m_id = id;
+    refresh();
+}
+
+void NodeItem::refresh()
+{
+    prepareGeometryChange();
+    m_type = m_document.type(m_id);
+    m_comment = m_document.comment(m_id);
+    m_inputs = m_document.inputCount(m_id);
+    m_outputs = m_document.outputCount(m_id);
+    m_isKnown = m_document.registry().prototype(m_type) != nullptr;
+    m_size = {kWidth, qMax(kHeight, kPinDistance * (qMax(m_inputs, m_outputs) + 1))};
+    m_isRefreshing = true;
+    setPos(m_document.position(m_id));
+    m_isRefreshing = false;
+    const QString type = m_isKnown ? m_type : tr("%1 (unknown action)").arg(m_type);
+    QString tip = m_id + u'\n' + type;
+    tip += m_comment.isEmpty() ? QString() : u"\n\n"_s + m_comment;
+    tip += m_problems.isEmpty() ? QString() : u"\n\n"_s + m_problems;
+    setToolTip(tip.toHtmlEscaped().replace(u'\n', "<br>"_L1));
+    update();
+}
+
+void NodeItem::setProblems(const QString &problems)
+{
+    if (m_problems != problems) {
+        m_problems = problems;
+        refresh();
+    }
+}
+
+QPointF NodeItem::inputPosition(int pin) const
+{
+    return mapToScene(0, pinY(pin, m_inputs));
+}
+
+QPointF NodeItem::outputPosition(int pin) const
+{
+    return mapToScene(kWidth, pinY(pin, m_outputs));
+}
+
+double NodeItem::pinY(int pin, int count) const
+{
+    return m_size.height() / 2 + (pin - (qMax(count, 1) - 1) / 2.0) * kPinDistance;
+}
+
+int NodeItem::pinAt(QPointF place, bool isInput) const
+{
+    // The whole height between the pins; the outside more than the inside, where the node is moved.
+    const QPointF at = mapFromScene(place);
+    const double outside = isInput ? -at.x() : at.x() - kWidth;
+    const int count = isInput ? m_inputs : m_outputs;
+    const double pin = (at.y() - pinY(0, count)) / kPinDistance;
+    const int nearest = qRound(pin);
+    const bool isNear = outside > -8 && outside < 12 && nearest >= 0 && nearest < count;
+    return isNear ? nearest : -1;
+}
+
+QString NodeItem::spokenText() const
+{
+    QStringList parts{m_id, m_type, stateText(m_document.runState(m_id).state)};
+    for (int pin = 0; pin < m_inputs; ++pin) {
+        for (const LinkRef &link : m_document.linksTo({m_id, pin})) {
+            parts << tr("gets rows from %1").arg(link.from.action);
+        }
+    }
+    for (int pin = 0; pin < m_outputs; ++pin) {
+        for (const LinkRef &link : m_document.linksFrom({m_id, pin})) {
+            parts << tr("sends rows to %1").arg(link.to.action);
+        }
+    }
+    parts << m_comment << m_problems;
+    parts.removeAll(QString());
+    return parts.join(", "_L1);
+}
+
+QRectF NodeItem::boundingRect() const
+{
+    constexpr double kOutside = kPinRadius + 4;
+    const double below = m_comment.isEmpty() ? kOutside : kCommentHeight + kOutside;
+    return body().adjusted(-kOutside, -kOutside, kOutside, below);
+}
+
+QPainterPath NodeItem::shape() const
+{
+    QPainterPath path;
+    path.addRect(body().adjusted(-kPinRadius, 0, kPinRadius, 0));
+    return path;
+}
+
+QVariant NodeItem::itemChange(GraphicsItemChange change, const QVariant &value)
+{
+    if (change == ItemPositionChange && !m_isRefreshing && scene() != nullptr &&
+        !QApplication::keyboardModifiers().testFlag(Qt::AltModifier)) {
+        const QPointF place = value.toPointF();
+        return QPointF(std::round(place.x() / kGrid) * kGrid, std::round(place.y() / kGrid) * kGrid);
+    }
+    if (change == ItemPositionHasChanged) {
+        Q_EMIT movedByUser();
+    }
+    return QGraphicsObject::itemChange(change, value);
+}
+
+void NodeItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
+{
+    const CanvasColors colors(widget != nullptr ? widget->palette() : QApplication::palette());
+    const double zoom = option->levelOfDetailFromTransform(painter->worldTransform());
+    painter->setRenderHint(QPainter::Antialiasing, zoom > kTextZoom);
+    paintBody(painter, colors, option->state.testFlag(QStyle::State_Selected));
+    if (zoom > kTextZoom) {
+        paintPins(painter, colors);
+        paintTexts(painter, colors);
+    }
+    paintState(painter, colors);
+}
+
+void NodeItem::paintBody(QPainter *painter, const CanvasColors &colors, bool isSelected) const
+{
+    const RunState &state = m_document.runState(m_id);
+    const bool isPlain = state.state == NodeState::Idle;
+    QPen pen(isSelected ? colors.selection() : colors.of(state.state),
+             isSelected ? 2.5 : isPlain ? 1 : 2);
+    pen.setStyle(m_isKnown ? Qt::SolidLine : Qt::DashLine);
+    painter->setPen(pen);
+    painter->setBrush(colors.node());
+    painter->drawRoundedRect(body(), kCornerRadius, kCornerRadius);
+    if (hasFocus() && !isSelected) {
+        painter->setPen(QPen(colors.selection(), 1, Qt::DotLine));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRoundedRect(body().adjusted(-3, -3, 3, 3), kCornerRadius, kCornerRadius);
+    }
+    if (state.state == NodeState::Running && state.fraction >= 0) {
+        const QRectF bar(kMargin, m_size.height() - 6, kWidth - 2 * kMargin, 3);
+        painter->fillRect(bar, colors.grid());
+        painter->fillRect(QRectF(bar.topLeft(), QSizeF(bar.width() * qMin(1.0, state.fraction), 3)),
+                          colors.of(NodeState::Running));
+    }
+}
+
+void NodeItem::paintTexts(QPainter *painter, const CanvasColors &colors) const
+{
+    const ActionItem *const prototype = m_document.registry().prototype(m_type);
+    const double top = m_size.height() / 2 - kIconSize / 2;
+    if (prototype != nullptr) {
+        const QPixmap *const icon = const_cast<ActionItem *>(prototype)->getIcon(1);
+        if (icon != nullptr && !icon->isNull()) {
+            painter->setRenderHint(QPainter::SmoothPixmapTransform);
+            painter->drawPixmap(QRectF(kMargin, top, kIconSize, kIconSize), *icon, icon->rect());
+        }
+    }
+    const double left = 2 * kMargin + kIconSize - 2;
+    const QRectF name(left, top - 2, kWidth - left - kBadgeSize - 4, kIconSize / 2 + 2);
+    const auto draw = [&](const QRectF &box, const QString &text, const QFont &font, const QColor &color) {
+        painter->setFont(font);
+        painter->setPen(color);
+        const QFontMetricsF metrics(font);
+        painter->drawText(box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                          metrics.elidedText(text, Qt::ElideMiddle, box.width()));
+    };
+    draw(name, m_id, scaledFont(1, true), colors.text());
+    const QRectF second = name.translated(0, name.height()).adjusted(0, 0, kBadgeSize, 0);
+    draw(second, m_isKnown ? m_type : tr("unknown: %1").arg(m_type), scaledFont(0.85, false),
+         m_isKnown ? colors.faintText() : colors.error());
+    if (!m_comment.isEmpty()) {
+        const QFont font = scaledFont(0.85, false);
+        painter->setFont(font);
+        painter->setPen(colors.faintText());
+        const QRectF box(0, m_size.height() + 3, kWidth, kCommentHeight);
+        painter->setClipRect(box);
+        painter->drawText(box, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, m_comment);
+        painter->setClipping(false);
+    }
+}
+
+void NodeItem::paintPins(QPainter *painter, const CanvasColors &colors) const
+{
+    painter->setPen(QPen(colors.border(), 1.5));
+    painter->setBrush(colors.background());
+    for (int pin = 0; pin < m_inputs; ++pin) {
+        painter->drawEllipse(QPointF(0, pinY(pin, m_inputs)), kPinRadius, kPinRadius);
+    }
+    painter->setBrush(colors.border());
+    for (int pin = 0; pin < m_outputs; ++pin) {
+        painter->drawEllipse(QPointF(kWidth, pinY(pin, m_outputs)), kPinRadius, kPinRadius);
+    }
+}
+
+void NodeItem::paintState(QPainter *painter, const CanvasColors &colors) const
+{
+    NodeState state = m_document.runState(m_id).state;
+    // Before a run the badge says whether the action can run.
+    state = state == NodeState::Idle && !m_problems.isEmpty() ? NodeState::Warning : state;
+    if (state != NodeState::Idle) {
+        const QRectF box(kWidth - kBadgeSize - 4, 4, kBadgeSize, kBadgeSize);
+        drawBadge(painter, state, box, colors.of(state), colors.node());
+    }
+}
+
+} // namespace corvanta::studio

@@ -1,0 +1,486 @@
+// What an editor may not do: change what the user has not edited, lose an edit, or make a step that
+// cannot be undone.
+#include "corvanta/action_parameters.h"
+#include "studio/document/document_file.h"
+#include "studio/document/graph_document.h"
+#include "studio/document/layered_layout.h"
+#include "tests/support/graph_folder.h"
+
+#include <QApplication>
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+using namespace corvanta::studio;
+
+namespace {
+
+using DocumentPtr = std::unique_ptr<GraphDocument>;
+
+constexpr int kTimeoutMs = 20000;
+
+QByteArray fileBytes(const QString &name)
+{
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// A document in a temporary folder.
+class StudioDocument : public testing::Test
+{
+protected:
+    QString write(const QString &name, const QByteArray &bytes) const
+    {
+        QFile file(m_folder.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        return file.fileName();
+    }
+    DocumentPtr open(const QByteArray &text) const
+    {
+        auto opened = GraphDocument::open(write(u"test.graph"_s, text), test::allActions());
+        EXPECT_TRUE(opened) << (opened ? "" : opened.fault().detail.toStdString());
+        return opened ? std::move(*opened) : nullptr;
+    }
+    QTemporaryDir m_folder;
+};
+
+constexpr char kGraph[] = "<?xml version='1.0'?>\n"
+                          "<!-- monthly -->\n"
+                          "<graph version='4.11' owner=\"me\">\n"
+                          "  <variable name=\"year\" value='2024'/> <!-- of the data -->\n"
+                          "  <action id='in' x='10.4' y=\"20\" color='red'>\n"
+                          "    <!-- input --><readCSV fileName='a.csv' odd='1'/>\n"
+                          "  </action>\n"
+                          "  <future kind='note'>\n    <p>keep me</p></future>\n"
+                          "  <action id='out'><writeCSV fileName='b.csv'/></action>\n"
+                          "  <link from='in:0' to='out:0'/>\n"
+                          "  <!-- end -->\n"
+                          "</graph>\n<!-- after -->\n";
+
+QString replaced(const QString &before, const QString &after)
+{
+    return QString::fromLatin1(kGraph).replace(before, after);
+}
+
+TEST_F(StudioDocument, GraphsOpenAndSaveUnchanged)
+{
+    int opened = 0;
+    for (const QString &folder : {u"/examples"_s, u"/tests/graphs"_s}) {
+        QDirIterator files(QStringLiteral(CORVANTA_SOURCE_DIR) + folder, {u"*.graph"_s},
+                           QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            const QString file = files.next();
+            const auto document = GraphDocument::open(file, test::allActions());
+            if (!document) { // on purpose not a graph
+                EXPECT_FALSE(CorvantaGraph::load(file)) << file.toStdString();
+                continue;
+            }
+            ++opened;
+            const QByteArray before = fileBytes(file);
+            EXPECT_EQ((*document)->toXml(), before) << file.toStdString();
+            // An edit and its undo leave nothing.
+            const QStringList ids = (*document)->ids();
+            (*document)->layout();
+            for (const QString &id : ids) {
+                (*document)->rename(id, id + u'_');
+                (*document)->setComment(id + u'_', u"a <comment>"_s);
+            }
+            if (!ids.isEmpty()) {
+                const auto edited = CorvantaGraph::parse((*document)->toXml(), file);
+                ASSERT_TRUE(edited) << file.toStdString();
+                EXPECT_EQ(edited->actions[0].comment, "a <comment>"_L1);
+            }
+            (*document)->undoStack()->setIndex(0);
+            EXPECT_EQ((*document)->toXml(), before) << file.toStdString();
+            EXPECT_FALSE((*document)->isModified());
+        }
+    }
+    EXPECT_GT(opened, 250);
+}
+
+TEST_F(StudioDocument, AnEditChangesOnlyItsOwnText)
+{
+    const auto document = open(kGraph);
+    const auto expectText = [&](const QString &before, const QString &after) {
+        EXPECT_EQ(QString::fromUtf8(document->toXml()), replaced(before, after));
+        document->undoStack()->undo();
+        EXPECT_EQ(document->toXml(), kGraph);
+    };
+    document->setComment(u"in"_s, u"first & last"_s);
+    expectText(u"color='red'>"_s, u"color='red' comment='first &amp; last'>"_s);
+    document->setVariable(u"year"_s, u"2025"_s);
+    expectText(u"'2024'"_s, u"'2025'"_s);
+    document->remove({}, {{{u"in"_s, 0}, {u"out"_s, 0}}});
+    expectText(u"\n  <link from='in:0' to='out:0'/>"_s, {});
+    document->setVariable(u"year"_s, {});
+    expectText(u"\n  <variable name=\"year\" value='2024'/>"_s, {});
+    ASSERT_TRUE(document->setParameter({u"in"_s}, u"fileName"_s, m_folder.filePath(u"c.csv"_s)));
+    const QString text = QString::fromUtf8(document->toXml());
+    EXPECT_TRUE(text.contains("<!-- input --><readCSV "_L1) && text.contains("'c.csv'"_L1) &&
+                text.contains("odd='1'"_L1))
+        << text.toStdString();
+    document->undoStack()->undo();
+    ASSERT_TRUE(document->rename(u"in"_s, u"orders"_s));
+    EXPECT_EQ(QString::fromUtf8(document->toXml()),
+              replaced(u"'in'"_s, u"'orders'"_s).replace("'in:0'"_L1, "'orders:0'"_L1));
+}
+
+TEST_F(StudioDocument, NewElementsFollowThoseOfTheirKind)
+{
+    const auto document = open(kGraph);
+    const QString id = document->addAction(u"sort"_s, {100.4, 50});
+    EXPECT_EQ(id, "sort"_L1);
+    ASSERT_TRUE(document->insertIntoLink(id, document->links()[0]));
+    document->setVariable(u"month"_s, u"1"_s);
+    const QStringList lines = QString::fromUtf8(document->toXml()).split(u'\n');
+    EXPECT_TRUE(lines[3].endsWith("<!-- of the data -->"_L1));
+    EXPECT_EQ(lines[4], "  <variable name='month' value='1'/>"_L1);
+    EXPECT_TRUE(lines[11].startsWith("  <action id='sort' x='100' y='50'><sort "_L1))
+        << lines[11].toStdString();
+    EXPECT_EQ(lines[12], "  <link from='in:0' to='sort:0'/>"_L1);
+    EXPECT_EQ(lines[13], "  <link from='sort:0' to='out:0'/>"_L1);
+    // An action without a position gets one, because the others now have one.
+    EXPECT_TRUE(lines[10].startsWith("  <action id='out' x='"_L1)) << lines[10].toStdString();
+}
+
+TEST_F(StudioDocument, ANewGraphIsTheSameTextAsTheHostWrites)
+{
+    GraphDocument document(test::allActions());
+    document.addAction(u"readCSV"_s, {16, 32});
+    document.addAction(u"writeJSON"_s, {});
+    document.addLink({u"readCSV"_s, 0}, {u"writeJSON"_s, 0});
+    document.setVariable(u"a"_s, u"<1>"_s);
+    const auto parsed = CorvantaGraph::parse(document.toXml(), {});
+    ASSERT_TRUE(parsed);
+    // The host does not write a position at the origin.
+    EXPECT_EQ(QString::fromUtf8(document.toXml()).remove(" x='0' y='0'"_L1),
+              QString::fromUtf8(parsed->toXml()));
+    EXPECT_EQ(document.title(), "Untitled"_L1);
+    EXPECT_TRUE(document.isModified());
+    document.undoStack()->setIndex(0);
+    EXPECT_EQ(document.toXml(), "<graph version='4.12'>\n</graph>\n");
+}
+
+TEST_F(StudioDocument, WindowsLineEndsAndMarksSurvive)
+{
+    const QByteArray text =
+        "\xEF\xBB\xBF<graph>\r\n  <action id='a'>\r\n    <readCSV/></action>\r\n</graph>";
+    const auto document = open(text);
+    EXPECT_EQ(document->toXml(), text);
+    document->addAction(u"readJSON"_s, {1, 1});
+    EXPECT_EQ(document->toXml().count('\n'), document->toXml().count("\r\n"));
+    EXPECT_TRUE(CorvantaGraph::parse(document->toXml(), {}));
+}
+
+TEST_F(StudioDocument, ImpossibleLinksAreRejectedWithTheReason)
+{
+    GraphDocument document(test::allActions());
+    const auto in = document.addAction(u"readCSV"_s, {});
+    const auto other = document.addAction(u"readCSV"_s, {});
+    const auto sort = document.addAction(u"sort"_s, {});
+    const auto last = document.addAction(u"sort"_s, {});
+    ASSERT_TRUE(document.addLink({in, 0}, {sort, 0}));
+    ASSERT_TRUE(document.addLink({sort, 0}, {last, 0}));
+    const struct
+    {
+        LinkRef link;
+        const char *why;
+    } cases[] = {
+        {{{sort, 0}, {sort, 0}}, "An action cannot get its own rows."},
+        {{{last, 0}, {in, 0}},
+         "“sort2” already gets rows from “readCSV”; the links would form a loop."},
+        {{{in, 3}, {last, 0}}, "“readCSV” has no output 3."},
+        {{{in, 0}, {last, 9}}, "“sort2” has no input 9."},
+        {{{other, 0}, {sort, 0}},
+         "The input already has a link from “readCSV”; an input takes one."},
+        {{{in, 0}, {u"x"_s, 0}}, "There is no such action."},
+    };
+    for (const auto &[link, why] : cases) {
+        QString reason;
+        EXPECT_FALSE(document.addLink(link.from, link.to, &reason));
+        EXPECT_EQ(reason.toStdString(), why);
+    }
+    QString reason;
+    document.remove({}, {{{in, 0}, {sort, 0}}});
+    EXPECT_FALSE(document.canLink({last, 0}, {sort, 0}, &reason));
+    EXPECT_TRUE(reason.contains("loop"_L1)) << reason.toStdString();
+    // A link may give way to itself.
+    ASSERT_TRUE(document.addLink({in, 0}, {sort, 0}));
+    EXPECT_TRUE(document.reroute({{in, 0}, {sort, 0}}, {{other, 0}, {sort, 0}}));
+    EXPECT_EQ(document.linksTo({sort, 0}).value(0).from.action, other);
+    EXPECT_FALSE(document.canInsertIntoLink(sort, document.links()[0], &reason));
+    EXPECT_EQ(reason.toStdString(), "“sort” already has links.");
+}
+
+TEST_F(StudioDocument, PinsFollowTheLinks)
+{
+    GraphDocument document(test::allActions());
+    const auto join = document.addAction(u"union"_s, {});
+    const auto in = document.addAction(u"readCSV"_s, {});
+    const int before = document.inputCount(join);
+    ASSERT_TRUE(document.addLink({in, 0}, {join, 4}));
+    EXPECT_GT(before, 0);
+    EXPECT_EQ(document.inputCount(join), 6); // one more is free
+    EXPECT_EQ(document.inputCount(in), 1); // names of files
+    EXPECT_EQ(document.outputCount(in), 1);
+    EXPECT_EQ(document.upstream(join), (QStringList{join, in}));
+}
+
+TEST_F(StudioDocument, EditsOfPanelsAreStepsAndLettersAreJoined)
+{
+    const auto document = open(kGraph);
+    ActionItem *const item = document->action(u"in"_s);
+    auto *const parameters = dynamic_cast<ActionParameters *>(item);
+    ASSERT_NE(parameters, nullptr);
+    const int separator = parameters->indexOfParameter(u"separator"_s);
+    QSignalSpy changed(document.get(), &GraphDocument::actionChanged);
+    QSignalSpy upstream(document.get(), &GraphDocument::upstreamChanged);
+    for (const QString &value : {u";"_s, u"|"_s}) {
+        parameters->setParameterValue(separator, value);
+        document->recordEdit(item, {u"separator"_s, value, 7});
+    }
+    EXPECT_EQ(document->undoStack()->count(), 1);
+    EXPECT_EQ(changed.count(), 2);
+    EXPECT_EQ(upstream.count(), 4); // both actions, twice
+    EXPECT_TRUE(document->toXml().contains("separator='|'"));
+    document->undoStack()->undo();
+    EXPECT_EQ(document->action(u"in"_s), item);
+    EXPECT_EQ(parameters->parameterValue(separator), ","_L1);
+    EXPECT_EQ(document->toXml(), kGraph);
+    // An action that is removed and comes back keeps its object, so that panels may live.
+    document->remove({u"in"_s});
+    EXPECT_EQ(document->action(u"in"_s), nullptr);
+    EXPECT_EQ(item->getIdx(), -1);
+    document->undoStack()->undo();
+    EXPECT_EQ(document->action(u"in"_s), item);
+    EXPECT_EQ(item->getIdx(), 0);
+}
+
+TEST_F(StudioDocument, CopiesKeepTheirLinksAndGetNewNames)
+{
+    const auto document = open(kGraph);
+    const QStringList copies = document->duplicate({u"in"_s, u"out"_s});
+    EXPECT_EQ(copies, (QStringList{u"in2"_s, u"out2"_s}));
+    EXPECT_EQ(document->linksTo({u"out2"_s, 0}).value(0).from.action, "in2"_L1);
+    EXPECT_EQ(document->position(u"in2"_s), document->position(u"in"_s) + QPointF(32, 32));
+    const QString text = document->copied({u"out"_s});
+    EXPECT_TRUE(document->paste(u"not a graph"_s, {}).isEmpty());
+    EXPECT_EQ(document->paste(text, {500, 500}), QStringList{u"out3"_s});
+    EXPECT_EQ(document->position(u"out3"_s), QPointF(500, 500));
+    document->undoStack()->setIndex(0);
+    EXPECT_EQ(document->toXml(), kGraph);
+}
+
+TEST_F(StudioDocument, LayoutLeadsToTheRightWithoutOverlaps)
+{
+    GraphDocument document(test::allActions());
+    QStringList ids;
+    for (int i = 0; i < 40; ++i) {
+        ids << document.addAction(i % 4 == 0 ? u"readCSV"_s : u"union"_s, {});
+    }
+    for (int i = 1; i < 40; ++i) {
+        document.addLink({ids[i / 3], 0}, {ids[i], 0});
+        document.addLink({ids[i - 1], 0}, {ids[i], 1});
+    }
+    document.layout();
+    for (const LinkRef &link : document.links()) {
+        EXPECT_LT(document.position(link.from.action).x(), document.position(link.to.action).x());
+    }
+    for (const QString &a : ids) {
+        for (const QString &b : ids) {
+            const QPointF distance = document.position(a) - document.position(b);
+            EXPECT_TRUE(a == b || qAbs(distance.x()) >= kLayerStep.width() ||
+                        qAbs(distance.y()) >= kLayerStep.height())
+                << a.toStdString() << ' ' << b.toStdString();
+        }
+    }
+    document.align(ids, GraphDocument::Alignment::Top);
+    document.align(ids, GraphDocument::Alignment::Columns);
+    EXPECT_EQ(document.position(ids[0]).y(), document.position(ids[39]).y());
+    EXPECT_TRUE(document.undoStack()->undoText().startsWith("Move "_L1));
+}
+
+TEST_F(StudioDocument, ADataFileBecomesItsFilledReader)
+{
+    const QString file = write(u"orders.json"_s, R"({"orders":[{"id":1,"lines":[{"a":2}]}]})");
+    GraphDocument document(test::allActions());
+    QString why;
+    EXPECT_TRUE(document.addDataFile(u"/a.unknown"_s, {}, &why).isEmpty());
+    EXPECT_EQ(why.toStdString(), "No action reads files such as “a.unknown”.");
+    const QString id = document.addDataFile(file, {8, 8});
+    EXPECT_EQ(id, "orders"_L1);
+    EXPECT_EQ(document.type(id), "readJSON"_L1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return document.toXml().contains("<Level "); }, kTimeoutMs))
+        << document.toXml().toStdString();
+    EXPECT_EQ(document.undoStack()->count(), 1);
+    QSignalSpy failed(&document, &GraphDocument::fillFailed);
+    document.addDataFile(m_folder.filePath(u"none.json"_s), {});
+    EXPECT_TRUE(failed.wait(kTimeoutMs));
+}
+
+TEST_F(StudioDocument, SavesWithUndoAndNoticesOtherPrograms)
+{
+    const auto document = open(kGraph);
+    QSignalSpy modified(document.get(), &GraphDocument::modifiedChanged);
+    document->move({{u"in"_s, {30, 40}}});
+    EXPECT_TRUE(document->isModified());
+    ASSERT_TRUE(document->save());
+    EXPECT_EQ(fileBytes(document->fileName()), document->toXml());
+    EXPECT_FALSE(document->isModified());
+    document->undoStack()->undo();
+    EXPECT_TRUE(document->isModified());
+    EXPECT_FALSE(document->hasChangedOnDisk());
+    QSignalSpy changed(document.get(), &GraphDocument::changedOnDisk);
+    QFile::remove(document->fileName());
+    write(u"test.graph"_s, kGraph);
+    EXPECT_TRUE(changed.wait(kTimeoutMs));
+    EXPECT_TRUE(document->hasChangedOnDisk());
+    ASSERT_TRUE(document->reload());
+    EXPECT_FALSE(document->isModified());
+    EXPECT_EQ(document->undoStack()->count(), 0);
+    const auto failed = document->saveAs(m_folder.filePath(u"none/x.graph"_s));
+    ASSERT_FALSE(failed);
+    EXPECT_TRUE(failed.fault().detail.contains("cannot be written"_L1));
+    EXPECT_EQ(document->title(), "test.graph"_L1);
+}
+
+TEST_F(StudioDocument, SaveAsKeepsTheMeaningOfRelativeNames)
+{
+    const auto document = open(kGraph);
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(u"other"_s));
+    ASSERT_TRUE(document->saveAs(m_folder.filePath(u"other/copy.graph"_s)));
+    const QString text = QString::fromUtf8(fileBytes(document->fileName()));
+    EXPECT_TRUE(text.contains(u"fileName='%1'"_s.arg(m_folder.filePath(u"a.csv"_s))) &&
+                text.contains("fileName='b.csv'"_L1))
+        << text.toStdString();
+    EXPECT_FALSE(document->isModified());
+}
+
+TEST_F(StudioDocument, AKilledSessionIsRecovered)
+{
+    auto document = open(kGraph);
+    document->setComment(u"in"_s, u"unsaved"_s);
+    const QByteArray text = document->toXml();
+    ASSERT_TRUE(QTest::qWaitFor([] { return !QDir(DocumentFile::recoveryFolder()).isEmpty(); },
+                                kTimeoutMs));
+    EXPECT_TRUE(GraphDocument::recoveries().isEmpty()); // its session is running
+    // A kill leaves the files, and a lock of a process that does not exist.
+    const QString folder = DocumentFile::recoveryFolder();
+    const QString name = QDir(folder).entryList({u"*.recovery"_s}).value(0);
+    const QByteArray saved = fileBytes(folder + u'/' + name);
+    const QString original = document->fileName();
+    document.reset();
+    EXPECT_TRUE(QDir(folder).entryList({u"*.recovery"_s}).isEmpty());
+    QFile left(folder + u'/' + name);
+    ASSERT_TRUE(left.open(QIODevice::WriteOnly));
+    left.write(saved);
+    left.close();
+    const auto found = GraphDocument::recoveries();
+    ASSERT_EQ(found.size(), 1);
+    EXPECT_EQ(found[0].original, original);
+    const auto recovered = GraphDocument::recover(found[0], test::allActions());
+    ASSERT_TRUE(recovered);
+    EXPECT_EQ((*recovered)->toXml(), text);
+    EXPECT_TRUE((*recovered)->isModified());
+    EXPECT_TRUE(GraphDocument::recoveries().isEmpty());
+}
+
+TEST_F(StudioDocument, ProblemsFollowTheEdits)
+{
+    const auto document = open(kGraph);
+    const auto hasProblem = [&](const QString &text, const QString &id) {
+        return QTest::qWaitFor(
+            [&] {
+                return std::any_of(document->problems().begin(), document->problems().end(),
+                                   [&](const GraphProblem &problem) {
+                                       return problem.text.contains(text) && problem.action == id;
+                                   });
+            },
+            kTimeoutMs);
+    };
+    EXPECT_TRUE(hasProblem(u"future"_s, {}) || hasProblem(u"future"_s, u"in"_s));
+    const auto plain = open(replaced(u"future"_s, u"!-- "_s)
+                                .toUtf8()
+                                .replace("</!-- >", "-->")
+                                .replace("<!--  kind='note'>", "<!--"));
+    ASSERT_NE(plain, nullptr);
+    QSignalSpy changed(plain.get(), &GraphDocument::problemsChanged);
+    ASSERT_TRUE(changed.wait(kTimeoutMs));
+    const auto isOf = [](const QString &id) {
+        return [id](const GraphProblem &problem) { return problem.action == id; };
+    };
+    const auto &problems = plain->problems();
+    EXPECT_TRUE(std::any_of(problems.begin(), problems.end(), isOf(u"in"_s))); // a.csv is missing
+    plain->addAction(u"writeCSV"_s, {});
+    ASSERT_TRUE(changed.wait(kTimeoutMs));
+    EXPECT_TRUE(std::any_of(problems.begin(), problems.end(), isOf(u"writeCSV"_s)));
+}
+
+TEST_F(StudioDocument, ColumnsOfInputsAreKeptUntilSomethingBeforeThemChanges)
+{
+    write(u"a.csv"_s, "id;name\n1;x\n");
+    const auto document = open(kGraph);
+    QSignalSpy known(document.get(), &GraphDocument::columnsChanged);
+    const auto columns = [&] {
+        if (document->inputColumns(u"out"_s, 0).names.size() == 0) {
+            known.wait(kTimeoutMs);
+        }
+        return document->inputColumns(u"out"_s, 0).names.size();
+    };
+    EXPECT_EQ(columns(), 1);
+    EXPECT_EQ(known.count(), 1);
+    document->setParameter({u"in"_s}, u"separator"_s, u";"_s);
+    EXPECT_EQ(columns(), 2);
+    document->move({{u"in"_s, {0, 7}}});
+    EXPECT_EQ(document->inputColumns(u"out"_s, 0).names.size(), 2);
+    EXPECT_EQ(known.count(), 2);
+}
+
+TEST_F(StudioDocument, OpensGraphsThatCannotRun)
+{
+    const auto document = open("<graph><action id='a'><futureReader file='x'/></action>"
+                               "<action id='b'><writeCSV fileName='y.csv'/></action>"
+                               "<link from='a:1' to='b:0'/><link from='z:0' to='b:1'/></graph>");
+    ASSERT_NE(document, nullptr);
+    EXPECT_EQ(document->action(u"a"_s), nullptr);
+    EXPECT_EQ(document->outputCount(u"a"_s), 2);
+    document->move({{u"a"_s, {5, 5}}});
+    EXPECT_TRUE(document->toXml().contains("<futureReader file='x'/>"));
+    const auto broken =
+        GraphDocument::open(write(u"b.graph"_s, "<graph><action></graph>"), test::allActions());
+    ASSERT_FALSE(broken);
+    EXPECT_TRUE(broken.fault().detail.contains("not well-formed XML"_L1));
+    EXPECT_FALSE(GraphDocument::open(m_folder.filePath(u"none.graph"_s), test::allActions()));
+}
+
+TEST_F(StudioDocument, FiveHundredActionsOpenQuickly)
+{
+    QByteArray text = "<graph>\n";
+    for (int i = 0; i < 500; ++i) {
+        const QByteArray n = QByteArray::number(i);
+        text += "  <action id='a" + n + "'><union/></action>\n";
+        text += i == 0
+                    ? ""
+                    : "  <link from='a" + QByteArray::number(i / 2) + ":0' to='a" + n + ":0'/>\n";
+    }
+    QElapsedTimer clock;
+    clock.start();
+    const auto document = open(text + "</graph>\n");
+    const qint64 opened = clock.restart();
+    document->move({{u"a7"_s, {1, 2}}});
+    const qint64 moved = clock.restart();
+    document->setComment(u"a0"_s, u"x"_s);
+    RecordProperty("open_ms", static_cast<int>(opened));
+    RecordProperty("move_ms", static_cast<int>(moved));
+    std::printf("open %lld ms, move %lld ms, comment %lld ms\n", opened, moved, clock.elapsed());
+    EXPECT_LT(opened, 5000); // a limit for busy machines
+}
+
+} // namespace
