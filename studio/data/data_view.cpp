@@ -1,8 +1,11 @@
 #include "studio/data/data_view.h"
 
+#include "studio/widgets/local_keys.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -44,7 +47,7 @@ DataView::DataView(const ActionRegistry &registry, QWidget *parent)
     : QWidget(parent)
     , m_reader(registry)
     , m_bar(new QToolBar)
-    , m_title(new QLabel)
+    , m_pins(new QComboBox)
     , m_search(new QLineEdit)
     , m_found(new QLabel)
     , m_splitter(new QSplitter)
@@ -64,6 +67,9 @@ DataView::DataView(const ActionRegistry &registry, QWidget *parent)
     m_splitter->setStretchFactor(0, 1);
     makeActions();
     layout->addWidget(makeFooter());
+    auto *const keys = new LocalKeys(this); // owned by this
+    keys->add(m_table);
+    keys->add(m_summary);
     m_delay.setSingleShot(true);
     m_delay.setInterval(kDelayMs);
     connect(&m_delay, &QTimer::timeout, this, &DataView::refresh);
@@ -90,7 +96,15 @@ void DataView::makeActions()
 {
     m_bar->setObjectName(u"dataBar"_s);
     m_bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    m_title->setObjectName(u"dataTitle"_s);
+    m_pins->setObjectName(u"dataPins"_s);
+    m_pins->setAccessibleName(tr("Pin of the rows"));
+    m_pins->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    connect(m_pins, &QComboBox::activated, this, [this](int index) {
+        const QString &id = m_shown.pin.action;
+        const int inputs = index - m_document->outputCount(id);
+        inputs < 0 ? showPin({id, index}, EngineRunner::PinOut)
+                   : showPin({id, inputs}, EngineRunner::PinIn);
+    });
     m_search->setObjectName(u"dataSearch"_s);
     m_search->setAccessibleName(tr("Search the rows"));
     m_search->setPlaceholderText(tr("Search the rows"));
@@ -122,7 +136,7 @@ void DataView::makeActions()
     columns->setCheckable(true);
     connect(columns, &QAction::toggled, m_splitter->widget(1), &QWidget::setVisible);
     m_splitter->widget(1)->hide();
-    m_bar->addWidget(m_title);
+    m_bar->addWidget(m_pins);
     m_bar->addSeparator();
     m_bar->addWidget(m_search);
     m_bar->addActions({previous, next});
@@ -203,32 +217,51 @@ QWidget *DataView::makeFooter()
     return footer;
 }
 
-void DataView::setPin(GraphDocument *document, const PinRef &pin, EngineRunner::PinType type)
+void DataView::setDocument(GraphDocument *document)
 {
-    if (m_document != document) {
-        if (m_document != nullptr) {
-            m_document->disconnect(this);
-        }
-        m_document = document;
-        if (document != nullptr) {
-            using Document = GraphDocument;
-            connect(document, &Document::upstreamChanged, this, &DataView::refreshLater);
-            connect(document, &Document::linkAdded, this, &DataView::refreshLater);
-            connect(document, &Document::linkRemoved, this, &DataView::refreshLater);
-            connect(document, &Document::actionRemoved, this, &DataView::refreshLater);
-            connect(document, &Document::variablesChanged, this, &DataView::refreshLater);
-            connect(document, &Document::reloaded, this, &DataView::refreshLater);
-            connect(document, &Document::destroyed, this, &DataView::refreshLater);
-            connect(document, &Document::actionRenamed, this,
-                    [this](const QString &oldId, const QString &id) {
-                        m_pin.action = m_pin.action == oldId ? id : m_pin.action;
-                        refreshLater();
-                    });
-        }
+    if (m_document == document) {
+        return;
     }
-    m_pin = pin;
-    m_type = type;
+    if (m_document != nullptr) {
+        m_document->disconnect(this);
+    }
+    m_document = document;
+    if (document != nullptr) {
+        using Document = GraphDocument;
+        connect(document, &Document::upstreamChanged, this, &DataView::refreshLater);
+        connect(document, &Document::linkAdded, this, &DataView::refreshLater);
+        connect(document, &Document::linkRemoved, this, &DataView::refreshLater);
+        connect(document, &Document::actionRemoved, this, &DataView::refreshLater);
+        connect(document, &Document::variablesChanged, this, &DataView::refreshLater);
+        connect(document, &Document::reloaded, this, &DataView::refreshLater);
+        connect(document, &Document::actionRenamed, this, &DataView::renameAction);
+        connect(document, &Document::destroyed, this,
+                [this](const QObject *gone) { m_lastPins.remove(gone); });
+    }
+    m_shown = m_lastPins.value(document);
     refresh();
+}
+
+void DataView::showAction(const QString &id)
+{
+    const bool hasOutput = m_document != nullptr && m_document->outputCount(id) > 0;
+    showPin({id, 0}, hasOutput ? EngineRunner::PinOut : EngineRunner::PinIn);
+}
+
+void DataView::showPin(const PinRef &pin, EngineRunner::PinType type)
+{
+    m_shown = {pin, type};
+    m_lastPins.insert(m_document, m_shown);
+    refresh();
+}
+
+void DataView::renameAction(const QString &oldId, const QString &id)
+{
+    if (m_shown.pin.action == oldId) {
+        m_shown.pin.action = id;
+        m_lastPins.insert(m_document, m_shown);
+        refreshLater();
+    }
 }
 
 void DataView::refreshLater()
@@ -236,24 +269,43 @@ void DataView::refreshLater()
     m_delay.start();
 }
 
+QString DataView::titleOf(const ShownPin &shown) const
+{
+    // The numbers are those of links in graph files and of --tap.
+    return (shown.type == EngineRunner::PinOut ? tr("%1: output %2") : tr("%1: input %2"))
+        .arg(shown.pin.action, QString::number(shown.pin.pin));
+}
+
 /// A hidden view reads nothing; showEvent() makes up for it.
 void DataView::refresh()
 {
     m_delay.stop();
-    const bool hasPin = m_document != nullptr && m_document->contains(m_pin.action);
-    const QString title =
-        !hasPin ? QString()
-                : (m_type == EngineRunner::PinOut ? tr("Output %1 of %2") : tr("Input %1 of %2"))
-                      .arg(QString::number(m_pin.pin), m_pin.action);
-    if (m_title->text() != title) {
-        m_title->setText(title);
-        Q_EMIT titleChanged(title);
-    }
-    if (!hasPin) {
+    updatePins();
+    if (!hasPin()) {
         m_reader.clear();
     } else if (isVisible()) {
-        m_reader.show(m_document->graph(), {m_pin.action, m_pin.pin}, m_type);
+        m_reader.show(m_document->graph(), {m_shown.pin.action, m_shown.pin.pin}, m_shown.type);
     }
+}
+
+/// The output pins, then the input pins.
+void DataView::updatePins()
+{
+    const QSignalBlocker blocker(m_pins);
+    m_pins->clear();
+    m_pins->setEnabled(hasPin());
+    if (!hasPin()) {
+        return;
+    }
+    const auto &[id, pin] = m_shown.pin;
+    const int outputs = m_document->outputCount(id);
+    for (int i = 0; i < outputs; ++i) {
+        m_pins->addItem(titleOf({{id, i}, EngineRunner::PinOut}));
+    }
+    for (int i = 0; i < m_document->inputCount(id); ++i) {
+        m_pins->addItem(titleOf({{id, i}, EngineRunner::PinIn}));
+    }
+    m_pins->setCurrentIndex(m_shown.type == EngineRunner::PinOut ? pin : outputs + pin);
 }
 
 void DataView::showEvent(QShowEvent *event)
@@ -441,13 +493,13 @@ void DataView::saveLayout()
             layout.hidden << m_rows.columnName(column);
         }
     }
-    m_layouts.insert(m_title->text(), layout);
+    m_layouts.insert(titleOf(m_shown), layout);
 }
 
 /// Columns that the pin did not have before stay at their places, after those that move.
 void DataView::restoreLayout()
 {
-    const Layout layout = m_layouts.value(m_title->text());
+    const Layout layout = m_layouts.value(titleOf(m_shown));
     QHeaderView *const header = m_table->horizontalHeader();
     QVector<int> order;
     order.reserve(layout.order.size());

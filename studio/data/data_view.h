@@ -14,6 +14,7 @@
 #include <QWidget>
 
 class QAction;
+class QComboBox;
 class QLabel;
 class QLineEdit;
 class QSplitter;
@@ -30,8 +31,11 @@ public:
     /// `registry` must outlive the view.
     explicit DataView(const ActionRegistry &registry, QWidget *parent = nullptr);
 
-    /// Show the rows of a pin; a null document: nothing.
-    void setPin(GraphDocument *document, const PinRef &pin, EngineRunner::PinType type);
+    /// Show the pin of a document that was shown last; a null document: nothing.
+    void setDocument(GraphDocument *document);
+    /// Show the first output pin of an action of the document, or its first input pin.
+    void showAction(const QString &id);
+    void showPin(const PinRef &pin, EngineRunner::PinType type);
     /// A run has written these files: forget the rows that were read from them.
     void filesWritten(const QStringList &files);
     /// The selected cells as CSV, or all rows if at most one cell is selected; without the hidden
@@ -39,10 +43,6 @@ public:
     QString selectedCsv() const;
     /// What is shown, for tests and other views.
     const PinReader &reader() const { return m_reader; }
-
-Q_SIGNALS:
-    /// The title of what is shown, for the dock.
-    void titleChanged(const QString &title);
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -58,6 +58,9 @@ private:
 
     void refreshLater();
     void refresh();
+    /// Offer the pins of the action, with the current one chosen.
+    void updatePins();
+    void renameAction(const QString &oldId, const QString &id);
     void showReplaced();
     void showChanged();
     QString noteText() const;
@@ -73,9 +76,21 @@ private:
     void saveLayout();
     void restoreLayout();
 
+    struct ShownPin
+    {
+        PinRef pin;
+        EngineRunner::PinType type = EngineRunner::PinOut;
+    };
+    /// Whether the shown pin is one of the document.
+    bool hasPin() const
+    {
+        return m_document != nullptr && m_document->contains(m_shown.pin.action);
+    }
+    QString titleOf(const ShownPin &shown) const;
+
     QPointer<GraphDocument> m_document;
-    PinRef m_pin;
-    EngineRunner::PinType m_type = EngineRunner::PinOut;
+    ShownPin m_shown;
+    QHash<const QObject *, ShownPin> m_lastPins; // by document
     PinReader m_reader;
     RowsModel m_rows;
     SummaryModel m_columns;
@@ -85,11 +100,11 @@ private:
         QStringList order;
         QStringList hidden;
     };
-    QHash<QString, Layout> m_layouts; // by title
+    QHash<QString, Layout> m_layouts; // by the title of the pin
     bool m_isFitted = false;          // the columns have their widths
 
     QToolBar *m_bar;
-    QLabel *m_title;
+    QComboBox *m_pins;
     QLineEdit *m_search;
     QLabel *m_found; // what the search has found
     QSplitter *m_splitter;

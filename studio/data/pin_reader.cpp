@@ -117,7 +117,8 @@ qint64 PinReader::nextRows() const
     // So that few steps lead to many rows, and no step takes long.
     constexpr qint64 kMaxStep = 100'000;
     const qint64 shown = std::max(rows().rows, kFirstRows / 10);
-    return std::min(10 * shown, shown + kMaxStep);
+    const qint64 next = std::min(10 * shown, shown + kMaxStep);
+    return rows().isComplete ? std::min(next, rows().rowsRead) : next;
 }
 
 bool PinReader::hasMore() const

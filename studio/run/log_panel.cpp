@@ -1,6 +1,7 @@
 #include "studio/run/log_panel.h"
 
 #include "corvanta/main_ui.h"
+#include "studio/widgets/local_keys.h"
 
 #include <QAction>
 #include <QApplication>
@@ -97,12 +98,14 @@ void LogPanel::makeView()
     connect(m_view, &QTableView::clicked, this, &LogPanel::chooseActionOf);
     connect(m_view, &QTableView::activated, this, &LogPanel::chooseActionOf);
     auto *const copy = new QAction(tr("Copy"), m_view);
-    copy->setObjectName(u"copyMessages"_s);
+    copy->setObjectName(u"logCopy"_s);
+    copy->setStatusTip(tr("Copy the selected messages, or all that are shown"));
     copy->setShortcut(QKeySequence::Copy);
     copy->setShortcutContext(Qt::WidgetShortcut);
     connect(copy, &QAction::triggered, this,
             [this] { QApplication::clipboard()->setText(shownText()); });
     m_view->addAction(copy);
+    new LocalKeys(m_view); // owned by the view
     m_view->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 

@@ -4,6 +4,8 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
 #include <QElapsedTimer>
 #include <QHeaderView>
 #include <QLabel>
@@ -22,12 +24,12 @@ using test::waitFor;
 namespace {
 
 const QByteArray kReader = "<action id='in'><readCSV fileName='in.csv' types='K,U'/></action>";
-const QByteArray kChain = kReader +
-                          "<action id='first'><filter where='n &lt; 100000'/></action>"
-                          "<action id='out'><writeCSV fileName='out.csv'/></action>"
-                          "<action id='last'><select><columns><s>name</s></columns></select></action>"
-                          "<link from='in:0' to='first:0'/><link from='first:0' to='out:0'/>"
-                          "<link from='out:0' to='last:0'/>";
+const QByteArray kChain =
+    kReader + "<action id='first'><filter where='n &lt; 100000'/></action>"
+              "<action id='out'><writeCSV fileName='out.csv'/></action>"
+              "<action id='last'><select><columns><s>name</s></columns></select></action>"
+              "<link from='in:0' to='first:0'/><link from='first:0' to='out:0'/>"
+              "<link from='out:0' to='last:0'/>";
 
 /// A visible view of a pin.
 struct View
@@ -42,7 +44,8 @@ struct View
     }
     void show(const QString &id, EngineRunner::PinType type = EngineRunner::PinOut)
     {
-        view.setPin(folder.document.get(), {id, 0}, type);
+        view.setDocument(folder.document.get());
+        view.showPin({id, 0}, type);
         wait();
     }
     void wait()
@@ -219,6 +222,42 @@ TEST(DataView, ColumnsAreHiddenMovedAndCopied)
     EXPECT_EQ(view.view.selectedCsv(), u"name,n\n,2\n"_s);
 }
 
+TEST(DataView, EachPinOfAnActionCanBeChosen)
+{
+    View view(5);
+    view.show(u"first"_s);
+    auto *const pins = view.view.findChild<QComboBox *>(u"dataPins"_s);
+    EXPECT_EQ(pins->itemText(0), u"first: output 0"_s);
+    EXPECT_EQ(pins->itemText(1), u"first: input 0"_s);
+    view.folder.document->rename(u"first"_s, u"few"_s);
+    EXPECT_TRUE(waitFor([&] { return pins->currentText() == u"few: output 0"_s; }));
+    pins->setCurrentIndex(1);
+    Q_EMIT pins->activated(1);
+    view.wait();
+    EXPECT_EQ(view.rows().rows, 5);
+    view.folder.document->remove({u"few"_s});
+    EXPECT_TRUE(waitFor([&] { return pins->count() == 0; }));
+    EXPECT_EQ(view.rows().rows, 0);
+}
+
+/// A window has menus with the same keys.
+TEST(LocalKeys, ThePartWithTheFocusIsFirst)
+{
+    View view(2);
+    QAction copy;
+    copy.setShortcut(QKeySequence::Copy);
+    view.view.window()->addAction(&copy);
+    view.show(u"in"_s);
+    QApplication::clipboard()->clear();
+    QTest::keyClick(view.table(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), u"n,name\n1,name 1\n2,name 2\n"_s);
+    auto *const search = view.view.findChild<QLineEdit *>(u"dataSearch"_s);
+    search->setText(u"text"_s);
+    search->selectAll();
+    QTest::keyClick(search, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), u"text"_s);
+}
+
 /// The GUI thread only ever takes what has been read.
 TEST(DataView, AReaderThatDoesNotAnswerBlocksNothing)
 {
@@ -227,7 +266,8 @@ TEST(DataView, AReaderThatDoesNotAnswerBlocksNothing)
     ASSERT_EQ(std::system(("mkfifo " + view.folder.path(u"in.csv"_s).toLatin1()).constData()), 0);
     QElapsedTimer timer;
     timer.start();
-    view.view.setPin(view.folder.document.get(), {u"in"_s, 0}, EngineRunner::PinOut);
+    view.view.setDocument(view.folder.document.get());
+    view.view.showAction(u"in"_s);
     EXPECT_TRUE(view.view.reader().isReading());
     view.view.findChild<QAction *>(u"dataStop"_s)->trigger();
     EXPECT_FALSE(view.view.reader().isReading());

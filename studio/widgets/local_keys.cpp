@@ -1,0 +1,47 @@
+// Qt sends a key press to the widget with the focus as ShortcutOverride first. If the widget, or
+// one around it, accepts that, no shortcut is looked up, and the key press itself follows.
+#include "studio/widgets/local_keys.h"
+
+#include <QAction>
+#include <QKeyEvent>
+#include <QWidget>
+
+#include <algorithm>
+
+namespace corvanta::studio {
+
+LocalKeys::LocalKeys(QWidget *part)
+    : QObject(part)
+    , m_part(part)
+{
+    add(part);
+}
+
+void LocalKeys::add(QWidget *widget)
+{
+    widget->installEventFilter(this);
+}
+
+bool LocalKeys::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool isKey =
+        event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
+    if (!isKey) {
+        return QObject::eventFilter(watched, event);
+    }
+    const QKeySequence keys(static_cast<QKeyEvent *>(event)->keyCombination());
+    const QList<QAction *> actions = m_part->actions();
+    const auto found = std::find_if(actions.begin(), actions.end(), [&](const QAction *action) {
+        return action->isEnabled() && action->shortcuts().contains(keys);
+    });
+    if (found == actions.end()) {
+        return QObject::eventFilter(watched, event);
+    }
+    if (event->type() == QEvent::KeyPress) {
+        (*found)->trigger();
+    }
+    event->accept();
+    return true;
+}
+
+} // namespace corvanta::studio

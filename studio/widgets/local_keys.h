@@ -1,0 +1,29 @@
+// Gives the actions of a part of the window their keys while the part has the focus, also keys that
+// a menu of the window has too, such as those of Copy and Find.
+//
+// Without it Qt finds the key ambiguous and does nothing. Fields for text keep the keys that they
+// use. Threads: the GUI thread.
+#pragma once
+#include <QObject>
+
+class QWidget;
+
+namespace corvanta::studio {
+
+class LocalKeys final : public QObject
+{
+public:
+    /// The actions are those of `part` (QWidget::actions), with their current shortcuts. `part`
+    /// owns this object.
+    explicit LocalKeys(QWidget *part);
+    /// Also take the keys from a widget in the part that would use them itself, such as a table.
+    void add(QWidget *widget);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QWidget *m_part;
+};
+
+} // namespace corvanta::studio
