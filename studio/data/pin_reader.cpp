@@ -45,6 +45,28 @@ private:
     bool m_wantsReason = false; // the last message was kept
 };
 
+/// Passes the rows of the pin to `feed`. Returns what the user should know, empty if nothing.
+QString run(const PreviewGraph &preview, const ActionRegistry &registry, PinFeed &feed,
+            const std::stop_token &stop)
+{
+    const QString pipe = unrepeatableInput(preview.graph, registry);
+    if (!pipe.isEmpty()) {
+        return PinReader::tr("'%1' is a pipe or a device: a run could not read its rows again.")
+            .arg(pipe);
+    }
+    ProblemSink log;
+    EngineRunner runner;
+    const auto take = [&](const TableSchema &columns, const OneRow *row) {
+        return feed.take(columns, row, stop);
+    };
+    const bool isGood = runner.run(preview.graph, registry, preview.source.action,
+                                   preview.source.pin, EngineRunner::PinOut,
+                                   {.mayWrite = false, .stop = stop, .log = &log, .onRow = take});
+    feed.flush();
+    const QString problem = log.text();
+    return isGood || !problem.isEmpty() ? problem : PinReader::tr("The actions cannot be run.");
+}
+
 } // namespace
 
 PinReader::PinReader(const ActionRegistry &registry, QObject *parent)
@@ -67,7 +89,8 @@ void PinReader::show(const CorvantaGraph &graph, const CorvantaGraph::Pin &pin,
     const std::optional<PreviewGraph> preview = previewGraphOf(graph, m_registry, pin, type);
     if (!preview) {
         clear();
-        m_current->problem = tr("No rows reach this pin: it has no link.");
+        m_current->problem =
+            tr("No rows reach this pin: it has no link, or its action is unknown.");
         Q_EMIT changed();
         return;
     }
@@ -192,28 +215,18 @@ void PinReader::read(qint64 wanted, bool isForSummaries)
     m_worker.start(
         [this, preview = m_current->preview, feed = m_feed,
          &registry = m_registry](const std::stop_token &stop) {
-            ProblemSink log;
-            EngineRunner runner;
-            const auto take = [&](const TableSchema &columns, const OneRow *row) {
-                return feed->take(columns, row, stop);
-            };
-            const bool isGood =
-                runner.run(preview.graph, registry, preview.source.action, preview.source.pin,
-                           EngineRunner::PinOut,
-                           {.mayWrite = false, .stop = stop, .log = &log, .onRow = take});
-            feed->flush();
-            return [this, isGood, text = log.text()] { readEnded(isGood, text); };
+            const QString problem = run(preview, registry, *feed, stop);
+            return [this, problem] { readEnded(problem); };
         },
-        [this](const QString &reason) { readEnded(false, reason); });
+        [this](const QString &reason) { readEnded(reason); });
     m_poll.start();
     Q_EMIT changed();
 }
 
-void PinReader::readEnded(bool isGood, const QString &problem)
+void PinReader::readEnded(const QString &problem)
 {
     m_poll.stop();
-    const bool hasProblem = !isGood && problem.isEmpty();
-    m_current->problem = hasProblem ? tr("The actions cannot be run.") : problem;
+    m_current->problem = problem;
     if (const std::shared_ptr<PinFeed> feed = std::exchange(m_feed, nullptr)) {
         feed->collect(&m_current->rows);
     }

@@ -81,7 +81,7 @@ private:
 
     void setCurrent(const EntryPtr &entry);
     void read(qint64 wanted, bool isForSummaries);
-    void readEnded(bool isGood, const QString &problem);
+    void readEnded(const QString &problem);
     void collect();
     void trimCache();
 

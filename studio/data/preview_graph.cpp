@@ -5,6 +5,7 @@
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -36,6 +37,23 @@ bool writesFiles(const Graph &graph, const ActionRegistry &registry, const QStri
     return std::any_of(infos.begin(), infos.end(), [](const ParameterInfo &info) {
         return info.file == ParameterInfo::File::Output;
     });
+}
+
+/// The expanded names and patterns of the files that the actions read.
+QStringList inputsOf(const Graph &graph, const ActionRegistry &registry)
+{
+    GlobalParameters global;
+    graph.applyTo(&global, {}, QString());
+    QStringList files;
+    for (const Graph::Action &saved : graph.actions) {
+        const std::unique_ptr<ActionItem> action = registry.create(saved.parameters, &global);
+        const auto *const parameters = dynamic_cast<const ActionParameters *>(action.get());
+        const QStringList inputs = parameters == nullptr ? QStringList() : parameters->inputs();
+        for (const QString &input : inputs) {
+            files << QDir::cleanPath(fileOfInput(input));
+        }
+    }
+    return files;
 }
 
 } // namespace
@@ -80,20 +98,22 @@ std::optional<PreviewGraph> previewGraphOf(const Graph &graph, const ActionRegis
 
 bool readsFiles(const Graph &graph, const ActionRegistry &registry, const QStringList &files)
 {
-    QStringList inputs;
-    GlobalParameters global;
-    graph.applyTo(&global, {}, QString());
-    for (const Graph::Action &saved : graph.actions) {
-        const std::unique_ptr<ActionItem> action = registry.create(saved.parameters, &global);
-        const auto *const parameters = dynamic_cast<const ActionParameters *>(action.get());
-        inputs += parameters == nullptr ? QStringList() : parameters->inputs();
-    }
+    const QStringList inputs = inputsOf(graph, registry);
     return std::any_of(inputs.begin(), inputs.end(), [&](const QString &input) {
-        const QString pattern = QDir::cleanPath(fileOfInput(input));
         return std::any_of(files.begin(), files.end(), [&](const QString &file) {
-            return QDir::match(pattern, QDir::cleanPath(file));
+            return QDir::match(input, QDir::cleanPath(file)); // an input may be a pattern
         });
     });
+}
+
+QString unrepeatableInput(const Graph &graph, const ActionRegistry &registry)
+{
+    const QStringList inputs = inputsOf(graph, registry);
+    const auto found = std::find_if(inputs.begin(), inputs.end(), [](const QString &input) {
+        const QFileInfo info(input);
+        return info.exists() && !info.isFile() && !info.isDir();
+    });
+    return found == inputs.end() ? QString() : *found;
 }
 
 QByteArray contentKeyOf(const PreviewGraph &preview)

@@ -34,6 +34,10 @@ std::optional<PreviewGraph> previewGraphOf(const CorvantaGraph &graph,
 bool readsFiles(const CorvantaGraph &graph, const ActionRegistry &registry,
                 const QStringList &files);
 
+/// The name of an input that is not a file, such as a pipe; empty if there is none. What a preview
+/// reads from it would be missing in a run. Looks up files, so call it in the background.
+QString unrepeatableInput(const CorvantaGraph &graph, const ActionRegistry &registry);
+
 /// A text that is equal for two graphs that give the same rows: positions and comments do not
 /// count.
 QByteArray contentKeyOf(const PreviewGraph &preview);

@@ -54,8 +54,11 @@ GraphRun::~GraphRun()
 {
     // Its signals must not arrive in an object that is being destroyed.
     m_process.disconnect(this);
-    m_process.kill();
-    m_process.waitForFinished();
+    m_process.terminate();
+    if (!m_process.waitForFinished(kKillMs)) {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
 }
 
 QString GraphRun::defaultProgram()

@@ -39,7 +39,7 @@ class GraphRun final : public QObject
 public:
     /// `program` is the command.
     explicit GraphRun(const QString &program = defaultProgram(), QObject *parent = nullptr);
-    ~GraphRun() override; ///< kills the child
+    ~GraphRun() override; ///< ends the child as stop() does, and waits for it
     /// The command `corvanta` in the folder of this program.
     static QString defaultProgram();
 

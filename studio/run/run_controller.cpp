@@ -31,7 +31,7 @@ RunController::RunController(GraphDocument &document, QObject *parent, const QSt
     , m_document(document)
     , m_run(program)
 {
-    connect(&m_run, &GraphRun::messages, &m_log, &LogModel::add);
+    connect(&m_run, &GraphRun::messages, this, &RunController::addMessages);
     connect(&m_run, &GraphRun::progress, this, &RunController::showProgress);
     connect(&m_run, &GraphRun::summary, this, [this](const RunSummary &summary) {
         for (const QString &file : summary.files) {
@@ -98,6 +98,7 @@ void RunController::start(const QStringList &upTo)
     }
     setOpenStates(NodeState::Waiting);
     m_fraction = -1;
+    m_lines = ElementLines(job.graph, job.fileName);
     m_isPreparing = true;
     setStatus(tr("Preparing\u2026"));
     Q_EMIT runningChanged(true);
@@ -151,6 +152,17 @@ void RunController::cancel()
         setStatus(tr("Not run"));
         Q_EMIT runningChanged(false);
     }
+}
+
+/// A click on a message leads to its action, also if the message names a line only.
+void RunController::addMessages(QVector<RunMessage> messages)
+{
+    for (RunMessage &message : messages) {
+        if (message.action.isEmpty()) {
+            message.action = m_lines.actionOf(message.text);
+        }
+    }
+    m_log.add(messages);
 }
 
 void RunController::showProgress(const RunProgress &progress)

@@ -7,6 +7,7 @@
 #pragma once
 #include "corvanta/edit/worker.h"
 #include "studio/document/graph_document.h"
+#include "studio/run/element_lines.h"
 #include "studio/run/graph_run.h"
 #include "studio/run/log_model.h"
 #include "studio/run/overwritten_files.h"
@@ -59,6 +60,7 @@ private:
     /// The graph with only the actions that `ids` depend on.
     static CorvantaGraph partOf(const CorvantaGraph &graph, const QStringList &ids);
     void askAndRun(const RunJob &job, const QStringList &existing);
+    void addMessages(QVector<RunMessage> messages);
     void showProgress(const RunProgress &progress);
     void endRun(RunEnd end);
     /// The user has cancelled before the child was started.
@@ -74,6 +76,7 @@ private:
     LogModel m_log;
     QStringList m_upTo;         // of the last run; empty: all
     QStringList m_running;      // the actions of the run
+    ElementLines m_lines;       // of the text that is run
     QSet<QString> m_mayReplace; // files that the user has agreed to overwrite, or a run has written
     bool m_isPreparing = false;
     double m_fraction = -1;

@@ -136,7 +136,7 @@ TEST(DataView, NoFileIsWritten)
     view.show(u"out"_s, EngineRunner::PinIn);
     EXPECT_EQ(view.rows().rows, 5);
     view.show(u"in"_s, EngineRunner::PinIn);
-    EXPECT_EQ(view.note(), u"No rows reach this pin: it has no link."_s);
+    EXPECT_EQ(view.note(), u"No rows reach this pin: it has no link, or its action is unknown."_s);
     EXPECT_FALSE(view.folder.files().contains(u"out.csv"_s));
 }
 
@@ -259,19 +259,27 @@ TEST(LocalKeys, ThePartWithTheFocusIsFirst)
 }
 
 /// The GUI thread only ever takes what has been read.
-TEST(DataView, AReaderThatDoesNotAnswerBlocksNothing)
+TEST(DataView, NothingWaitsForRows)
 {
-    View view(5);
-    view.folder.remove(u"in.csv"_s);
-    ASSERT_EQ(std::system(("mkfifo " + view.folder.path(u"in.csv"_s).toLatin1()).constData()), 0);
+    View view(300'000);
+    view.folder.document->setParameter({u"first"_s}, u"where"_s, u"n < 0"_s);
     QElapsedTimer timer;
     timer.start();
     view.view.setDocument(view.folder.document.get());
-    view.view.showAction(u"in"_s);
+    view.view.showAction(u"first"_s);
     EXPECT_TRUE(view.view.reader().isReading());
     view.view.findChild<QAction *>(u"dataStop"_s)->trigger();
     EXPECT_FALSE(view.view.reader().isReading());
     EXPECT_LT(timer.elapsed(), 500);
+}
+
+TEST(DataView, APipeIsNotRead)
+{
+    View view(5);
+    view.folder.remove(u"in.csv"_s);
+    ASSERT_EQ(std::system(("mkfifo " + view.folder.path(u"in.csv"_s).toLatin1()).constData()), 0);
+    view.show(u"in"_s);
+    EXPECT_TRUE(view.note().contains(u"is a pipe or a device"_s)) << view.note().toStdString();
 }
 
 TEST(RowChunk, LongCellsAreCutAndCounted)

@@ -175,12 +175,14 @@ TEST(GraphRun, FailuresAreInTheLogWithTheirActions)
 
 TEST(GraphRun, AnInvalidGraphIsReported)
 {
-    Runs runs("<action id='a'><noSuchType/></action>");
+    Runs runs("<action id='a'><readCSV fileName='in.csv'/>\n</action>\n"
+              "<action id='b'><noSuchType/></action>");
     runs.controller.runAll();
     EXPECT_EQ(runs.wait(), RunEnd::Failed);
     ASSERT_GE(runs.controller.log()->rowCount(), 1);
-    EXPECT_TRUE(runs.controller.log()->message(0).text.contains(u"test.graph:1: "_s))
-        << runs.controller.log()->message(0).text.toStdString();
+    const RunMessage &message = runs.controller.log()->message(0);
+    EXPECT_TRUE(message.text.contains(u"test.graph:3: "_s)) << message.text.toStdString();
+    EXPECT_EQ(message.action, u"b"_s) << "the line does not lead to the action";
 }
 
 TEST(GraphRun, StopsWithinASecond)
