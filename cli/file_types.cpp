@@ -28,6 +28,21 @@ struct FileAction
     const FileFormat *format = nullptr;
 };
 
+/// The mark of the parameter that names the file to read or write.
+ParameterInfo::File fileMark(FileFormat::Use use)
+{
+    return use == FileFormat::Read ? ParameterInfo::File::Input : ParameterInfo::File::Output;
+}
+
+/// Index of the parameter that names the file to read or write; -1 if there is none.
+int fileParameter(const ActionParameters &parameters, FileFormat::Use use)
+{
+    const QVector<ParameterInfo> infos = parameters.parameters();
+    const auto isWanted = [&](const ParameterInfo &info) { return info.file == fileMark(use); };
+    const auto found = std::find_if(infos.begin(), infos.end(), isWanted);
+    return found == infos.end() ? -1 : static_cast<int>(found - infos.begin());
+}
+
 /// The formats of all actions, in the order of their families.
 std::vector<FileAction> fileActions(const ActionRegistry &registry, FileFormat::Use use)
 {
@@ -36,7 +51,8 @@ std::vector<FileAction> fileActions(const ActionRegistry &registry, FileFormat::
         const auto *const parameters = dynamic_cast<const ActionParameters *>(action.get());
         for (const FileFormat &format :
              parameters != nullptr ? parameters->fileFormats() : std::span<const FileFormat>()) {
-            if (format.use == use) {
+            // A module of others may declare a format without a parameter for the file.
+            if (format.use == use && fileParameter(*parameters, use) >= 0) {
                 all.push_back({action->getTypeName(), &format});
             }
         }
@@ -127,22 +143,6 @@ CommandResult<void> apply(const QStringList &settings, const QString &type,
         }
     }
     return {};
-}
-
-/// The mark of the parameter that names the file to read or write.
-ParameterInfo::File fileMark(FileFormat::Use use)
-{
-    return use == FileFormat::Read ? ParameterInfo::File::Input : ParameterInfo::File::Output;
-}
-
-/// Index of the parameter that names the file to read or write.
-int fileParameter(const ActionParameters &parameters, FileFormat::Use use)
-{
-    // Every action with file formats has such a parameter.
-    const QVector<ParameterInfo> infos = parameters.parameters();
-    const auto isWanted = [&](const ParameterInfo &info) { return info.file == fileMark(use); };
-    const auto found = std::find_if(infos.begin(), infos.end(), isWanted);
-    return static_cast<int>(found - infos.begin());
 }
 
 /// The name of that parameter of a type of action.

@@ -16,7 +16,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <memory>
 #include <set>
 #include <sstream>
@@ -111,60 +110,7 @@ QString valueOf(const Action &action, const QString &name)
     return parametersOf(action).parameterValue(indexOf(parametersOf(action), name));
 }
 
-/// Number of a virtual operation in its class's table (Itanium C++ ABI: 1 + its offset).
-template <class Member> ptrdiff_t slot(Member member)
-{
-    ptrdiff_t value = 0;
-    std::memcpy(&value, &member, sizeof value);
-    return (value - 1) / static_cast<ptrdiff_t>(sizeof(void *));
-}
-
 } // namespace
-
-TEST(Contract, VirtualOperationsHaveFixedSlots)
-{
-    const ptrdiff_t found[] = {slot(&ActionItem::getTypeName),
-                               slot(&ActionItem::createPanel),
-                               slot(&ActionItem::getIcon),
-                               slot(&ActionItem::addPinIn),
-                               slot(&ActionItem::addPinOut),
-                               slot(&ActionItem::removePinIn),
-                               slot(&ActionItem::removePinOut),
-                               slot(&ActionItem::getDescription),
-                               slot(&ActionItem::showHelp),
-                               slot(&ActionItem::getFileTypes),
-                               slot(&ActionItem::getTags),
-                               slot(&ActionItem::getKeywords),
-                               slot(&ActionItem::getAlternativeNames),
-                               slot(&ActionItem::clone),
-                               slot(&ActionItem::save),
-                               slot(&ActionItem::init),
-                               slot(&ActionItem::close),
-                               slot(&ActionItem::prepareRun),
-                               slot(&ActionItem::wakeAll),
-                               slot(&ActionItem::computeCompletion),
-                               slot(&ActionItem::completionIn2Pass),
-                               slot(&ActionItem::canRunInParallel),
-                               slot(&ActionItem::fullTableRequiredToComputeMetas),
-                               slot(&ActionItem::getHDFile),
-                               slot(&ActionItem::getHDTime),
-                               slot(&ActionItem::clearHDFile)};
-    for (ptrdiff_t i = 0; i < std::ssize(found); ++i) {
-        EXPECT_EQ(found[i], i);
-    }
-    // The destructor, number 26, has two entries in the table.
-    EXPECT_EQ(slot(&ActionItem::newInstance), 27 + 1);
-
-    const ptrdiff_t ofPlugin[] = {slot(&CorvantaPluginInterface::createAction),
-                                  slot(&CorvantaPluginInterface::initialise),
-                                  slot(&CorvantaPluginInterface::getVersion),
-                                  slot(&CorvantaPluginInterface::getExtra1),
-                                  slot(&CorvantaPluginInterface::getExtra2),
-                                  slot(&CorvantaPluginInterface::createActionFromNode)};
-    for (ptrdiff_t i = 0; i < std::ssize(ofPlugin); ++i) {
-        EXPECT_EQ(ofPlugin[i], i + 2); // number 0 is the destructor
-    }
-}
 
 TEST(Module, EntryPointsShareOneObject)
 {
