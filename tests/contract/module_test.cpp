@@ -156,14 +156,15 @@ TEST(Module, TheCatalogueBeginsWithTheFixedActionsAndHasAnEnd)
 TEST(Module, IsFoundByOtherRegistriesOfTheProgram)
 {
     // As in an editor that has its modules in a folder of its own: previews load them again.
-    const QString folder = QFileInfo(QStringLiteral(CORVANTA_MODULE)).path() + "/../plugins";
-    QTemporaryDir own;
-    ASSERT_TRUE(QFile::link(QFileInfo(folder).canonicalFilePath(), own.filePath("modules")));
-    corvanta::ActionRegistry::addSearchFolder(own.filePath("modules"));
+    const QString plugins = QFileInfo(QStringLiteral(CORVANTA_MODULE)).canonicalPath();
+    const QTemporaryDir editor;
+    const QString folder = editor.filePath(QStringLiteral("modules"));
+    ASSERT_TRUE(QFile::link(plugins, folder));
+    corvanta::ActionRegistry::addSearchFolder(folder);
     corvanta::ActionRegistry preview;
     preview.loadAll();
     EXPECT_NE(preview.prototype(QStringLiteral("readParquet")), nullptr);
-    EXPECT_TRUE(preview.modules().at(0).file.startsWith(own.path()));
+    EXPECT_TRUE(preview.modules().at(0).file.startsWith(folder));
 }
 
 TEST(Module, SelfDescriptions)
