@@ -15,8 +15,9 @@ QColor mixed(const QColor &a, const QColor &b, double share)
 
 CanvasColors::CanvasColors(const QPalette &palette)
     : m_isDark(palette.color(QPalette::Base).lightness() < 128)
-    , m_background(m_isDark ? palette.color(QPalette::Base).darker(115)
-                            : mixed(palette.color(QPalette::Base), palette.color(QPalette::Window), 0.6))
+    , m_background(m_isDark
+                       ? palette.color(QPalette::Base).darker(115)
+                       : mixed(palette.color(QPalette::Base), palette.color(QPalette::Window), 0.6))
     , m_grid(mixed(m_background, palette.color(QPalette::Text), 0.14))
     , m_node(m_isDark ? palette.color(QPalette::Base).lighter(125) : palette.color(QPalette::Base))
     , m_border(mixed(m_node, palette.color(QPalette::Text), 0.55))

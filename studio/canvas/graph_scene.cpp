@@ -149,6 +149,24 @@ void GraphScene::showProblems()
     }
 }
 
+QRectF GraphScene::itemsRect() const
+{
+    QRectF area;
+    for (const NodeItem *const item : m_nodes) {
+        area |= item->sceneBoundingRect();
+    }
+    for (const LinkItem *const item : m_links) {
+        area |= item->sceneBoundingRect();
+    }
+    return area;
+}
+
+void GraphScene::setSnapping(bool snaps)
+{
+    m_isSnapping = snaps;
+    update();
+}
+
 QVector<NodeItem *> GraphScene::orderedNodes() const
 {
     QVector<NodeItem *> all = m_nodes.values();

@@ -29,6 +29,12 @@ public:
     /// The nodes from left to right, then from top to bottom: the order of the keyboard.
     QVector<NodeItem *> orderedNodes() const;
 
+    /// What the nodes and links cover, without the room around them.
+    QRectF itemsRect() const;
+    bool isSnapping() const { return m_isSnapping; }
+    /// Whether nodes that the user drags keep to the grid.
+    void setSnapping(bool snaps);
+
     // The selection. The current node is the one with the focus, else the only selected one.
 
     QStringList selectedIds() const;
@@ -79,6 +85,7 @@ private:
     QHash<QString, NodeItem *> m_nodes; // owned by the scene
     QVector<LinkItem *> m_links;        // owned by the scene
     LinkItem *m_marked = nullptr;
+    bool m_isSnapping = true;
     std::unique_ptr<LinkDrag> m_drag;
 };
 

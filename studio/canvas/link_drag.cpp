@@ -97,7 +97,8 @@ void LinkDrag::beginFrom(const PinRef &output)
     m_targetIndex = -1;
     if (m_targets.isEmpty()) {
         cancel();
-        Q_EMIT m_scene.message(GraphScene::tr("No action can get the rows of “%1”.").arg(output.action));
+        Q_EMIT m_scene.message(
+            GraphScene::tr("No action can get the rows of “%1”.").arg(output.action));
     } else {
         nextTarget(1);
     }
@@ -111,8 +112,9 @@ void LinkDrag::nextTarget(int step)
     m_targetIndex = (m_targetIndex + step + m_targets.size()) % m_targets.size();
     const PinRef &pin = m_targets[m_targetIndex];
     drawTo(m_scene.node(pin.action)->inputPosition(pin.pin), judged(pin));
-    Q_EMIT m_scene.message(GraphScene::tr("Link “%1” to input %2 of “%3”: Enter; another target: Tab")
-                               .arg(m_fixed->action, QString::number(pin.pin), pin.action));
+    Q_EMIT m_scene.message(
+        GraphScene::tr("Link “%1” to input %2 of “%3”: Enter; another target: Tab")
+            .arg(m_fixed->action, QString::number(pin.pin), pin.action));
 }
 
 void LinkDrag::accept()
@@ -154,8 +156,8 @@ LinkDrag::Target LinkDrag::judged(const PinRef &other) const
 LinkDrag::Target LinkDrag::targetAt(QPointF place) const
 {
     const NodeItem *const node = nodeAt(m_scene, place);
-    if (node == nullptr || (node->id() == m_fixed->action &&
-                            node->body().contains(node->mapFromScene(place)))) {
+    if (node == nullptr ||
+        (node->id() == m_fixed->action && node->body().contains(node->mapFromScene(place)))) {
         return {};
     }
     const int pin = m_isOutput ? node->inputAt(place) : node->outputAt(place);
@@ -165,8 +167,11 @@ LinkDrag::Target LinkDrag::targetAt(QPointF place) const
 void LinkDrag::drawTo(QPointF place, const Target &target)
 {
     const CanvasColors colors(QApplication::palette());
-    const QColor color = !target.link ? colors.link() : target.isPossible ? colors.good() : colors.error();
-    m_curve->setPen(QPen(color, 2.5, target.link && !target.isPossible ? Qt::DashLine : Qt::SolidLine));
+    const QColor color = !target.link        ? colors.link()
+                         : target.isPossible ? colors.good()
+                                             : colors.error();
+    m_curve->setPen(
+        QPen(color, 2.5, target.link && !target.isPossible ? Qt::DashLine : Qt::SolidLine));
     m_curve->setPath(m_isOutput ? LinkItem::curve(fixedPosition(), place)
                                 : LinkItem::curve(place, fixedPosition()));
 }
@@ -204,9 +209,10 @@ void LinkDrag::finish(const Target &target)
     const auto rerouted = m_rerouted;
     cancel();
     QString why = target.why;
-    const bool isDone = target.isPossible &&
-                        (rerouted ? m_scene.document().reroute(*rerouted, *target.link, &why)
-                                  : m_scene.document().addLink(target.link->from, target.link->to, &why));
+    const bool isDone =
+        target.isPossible &&
+        (rerouted ? m_scene.document().reroute(*rerouted, *target.link, &why)
+                  : m_scene.document().addLink(target.link->from, target.link->to, &why));
     if (!isDone && !why.isEmpty()) {
         Q_EMIT m_scene.message(why);
     }

@@ -55,11 +55,11 @@ private:
     void finish(const Target &target);
 
     GraphScene &m_scene;
-    std::optional<PinRef> m_fixed;    // the end that stays; nothing: not active
-    bool m_isOutput = true;           // what `m_fixed` is
+    std::optional<PinRef> m_fixed;     // the end that stays; nothing: not active
+    bool m_isOutput = true;            // what `m_fixed` is
     std::optional<LinkRef> m_rerouted; // the link that gets another end
     std::unique_ptr<QGraphicsPathItem> m_curve;
-    QString m_lastWhy; // is shown once
+    QString m_lastWhy;         // is shown once
     QVector<PinRef> m_targets; // with the keyboard
     qsizetype m_targetIndex = -1;
 };

@@ -3,7 +3,7 @@
 
 #include "studio/canvas/canvas_colors.h"
 
-#include <QApplication>
+#include <QGraphicsScene>
 #include <QLineF>
 #include <QPainter>
 #include <QStyleOptionGraphicsItem>
@@ -79,11 +79,11 @@ QPainterPath LinkItem::shape() const
 
 void LinkItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
 {
-    const CanvasColors colors(widget != nullptr ? widget->palette() : QApplication::palette());
+    const CanvasColors colors(widget != nullptr ? widget->palette() : scene()->palette());
     const double zoom = option->levelOfDetailFromTransform(painter->worldTransform());
     const bool isSelected = option->state.testFlag(QStyle::State_Selected);
     const bool isRunning = m_document.runState(m_link.from.action).state == NodeState::Running;
-    const QColor color = m_isTarget                 ? colors.good()
+    const QColor color = m_isTarget                ? colors.good()
                          : isSelected || isRunning ? colors.selection()
                                                    : colors.link();
     painter->setRenderHint(QPainter::Antialiasing, zoom > kLabelZoom);
@@ -93,7 +93,8 @@ void LinkItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, 
     const QPointF end = path().currentPosition() - QPointF(NodeItem::kPinRadius, 0);
     painter->setPen(Qt::NoPen);
     painter->setBrush(color);
-    painter->drawPolygon(QPolygonF{end, end + QPointF(-kArrow, -kArrow / 2), end + QPointF(-kArrow, kArrow / 2)});
+    painter->drawPolygon(
+        QPolygonF{end, end + QPointF(-kArrow, -kArrow / 2), end + QPointF(-kArrow, kArrow / 2)});
     const qint64 rows = m_document.runState(m_link.from.action).rows.value(m_link.from.pin, -1);
     if (rows >= 0 && zoom > kLabelZoom) {
         const QPointF middle = path().pointAtPercent(0.5);

@@ -2,9 +2,9 @@
 #include "studio/canvas/node_item.h"
 
 #include "studio/canvas/canvas_colors.h"
+#include "studio/canvas/graph_scene.h"
 
 #include <QApplication>
-#include <QGraphicsScene>
 #include <QLocale>
 #include <QPainter>
 #include <QStyleOptionGraphicsItem>
@@ -200,10 +200,12 @@ QPainterPath NodeItem::shape() const
 
 QVariant NodeItem::itemChange(GraphicsItemChange change, const QVariant &value)
 {
-    if (change == ItemPositionChange && !m_isRefreshing && scene() != nullptr &&
-        !QApplication::keyboardModifiers().testFlag(Qt::AltModifier)) {
+    const auto *const graph = static_cast<const GraphScene *>(scene());
+    if (change == ItemPositionChange && !m_isRefreshing && graph != nullptr &&
+        graph->isSnapping() && !QApplication::keyboardModifiers().testFlag(Qt::AltModifier)) {
         const QPointF place = value.toPointF();
-        return QPointF(std::round(place.x() / kGrid) * kGrid, std::round(place.y() / kGrid) * kGrid);
+        return QPointF(std::round(place.x() / kGrid) * kGrid,
+                       std::round(place.y() / kGrid) * kGrid);
     }
     if (change == ItemPositionHasChanged) {
         Q_EMIT movedByUser();
@@ -213,7 +215,7 @@ QVariant NodeItem::itemChange(GraphicsItemChange change, const QVariant &value)
 
 void NodeItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
 {
-    const CanvasColors colors(widget != nullptr ? widget->palette() : QApplication::palette());
+    const CanvasColors colors(widget != nullptr ? widget->palette() : scene()->palette());
     const double zoom = option->levelOfDetailFromTransform(painter->worldTransform());
     painter->setRenderHint(QPainter::Antialiasing, zoom > kTextZoom);
     paintBody(painter, colors, option->state.testFlag(QStyle::State_Selected));
@@ -228,8 +230,9 @@ void NodeItem::paintBody(QPainter *painter, const CanvasColors &colors, bool isS
 {
     const RunState &state = m_document.runState(m_id);
     const bool isPlain = state.state == NodeState::Idle;
-    QPen pen(isSelected ? colors.selection() : colors.of(state.state),
-             isSelected ? 2.5 : isPlain ? 1 : 2);
+    QPen pen(isSelected ? colors.selection() : colors.of(state.state), isSelected ? 2.5
+                                                                       : isPlain  ? 1
+                                                                                  : 2);
     pen.setStyle(m_isKnown ? Qt::SolidLine : Qt::DashLine);
     painter->setPen(pen);
     painter->setBrush(colors.node());
@@ -260,7 +263,8 @@ void NodeItem::paintTexts(QPainter *painter, const CanvasColors &colors) const
     }
     const double left = 2 * kMargin + kIconSize - 2;
     const QRectF name(left, top - 2, kWidth - left - kBadgeSize - 4, kIconSize / 2 + 2);
-    const auto draw = [&](const QRectF &box, const QString &text, const QFont &font, const QColor &color) {
+    const auto draw = [&](const QRectF &box, const QString &text, const QFont &font,
+                          const QColor &color) {
         painter->setFont(font);
         painter->setPen(color);
         const QFontMetricsF metrics(font);

@@ -1,7 +1,8 @@
 // An action on the canvas: icon, name, type, pins, state, comment.
 //
 // The item shows what the document has; only its position differs while the user drags it.
-// Coordinates are those of the scene, in logical pixels at a zoom of 100 %. Threads: the GUI thread.
+// Coordinates are those of the scene, in logical pixels at a zoom of 100 %. Threads: the GUI
+// thread.
 #pragma once
 #include "studio/document/graph_document.h"
 

@@ -1,6 +1,6 @@
 // The edits of actions and variables.
 #include "corvanta/action_parameters.h"
-#include "studio/document/background.h"
+#include "corvanta/edit/worker.h"
 #include "studio/document/error_texts.h"
 #include "studio/document/file_reader.h"
 #include "studio/document/graph_document.h"
@@ -183,23 +183,26 @@ void GraphDocument::fill(const QString &id, const QString &text, int series)
 {
     const int key = node(id).key;
     const int revision = node(id).revision;
-    auto *const background = new Background; // one for each file; a child of the document
+    auto *const background = new Worker; // one for each file; a child of the document
     background->setParent(this);
-    background->start([this, key, revision, text, series, element = node(id).element,
-                       global = m_global, &registry = m_registry,
-                       background](const std::stop_token &) {
-        GlobalParameters variables = global;
-        ErrorTexts log;
-        const LogScope scope({&log, {}});
-        const auto item = registry.create(element, &variables);
-        auto *const parameters = dynamic_cast<ActionParameters *>(item.get());
-        const bool isFilled = parameters != nullptr && parameters->fillFromInput(-1);
-        const XMLNode filled = isFilled ? savedElement(*item) : XMLNode();
-        return [this, key, revision, text, series, filled, reason = log.text(), background] {
-            background->deleteLater();
-            finishFill(key, revision, filled, text, series, reason);
-        };
-    });
+    const auto finish = [this, key, revision, text, series, background](const XMLNode &filled,
+                                                                        const QString &reason) {
+        background->deleteLater();
+        finishFill(key, revision, filled, text, series, reason);
+    };
+    background->start(
+        [finish, element = node(id).element, global = m_global,
+         &registry = m_registry](const std::stop_token &) -> Worker::Show {
+            GlobalParameters variables = global;
+            ErrorTexts log;
+            const LogScope scope({&log, {}});
+            const auto item = registry.create(element, &variables);
+            auto *const parameters = dynamic_cast<ActionParameters *>(item.get());
+            const bool isFilled = parameters != nullptr && parameters->fillFromInput(-1);
+            const XMLNode filled = isFilled ? savedElement(*item) : XMLNode();
+            return [finish, filled, reason = log.text()] { finish(filled, reason); };
+        },
+        [finish](const QString &reason) { finish({}, reason); });
 }
 
 void GraphDocument::finishFill(int key, int revision, const XMLNode &filled, const QString &text,

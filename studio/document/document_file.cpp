@@ -228,13 +228,14 @@ GraphDocument::FileResult<void> GraphDocument::saveAs(const QString &file)
     const QString name = QFileInfo(file).absoluteFilePath();
     const QString before = std::exchange(m_graph.fileName, name);
     const int step = m_undo.index();
+    rebuildGraph(); // saved names are relative to the new folder
     rebaseInputs(QFileInfo(before).absolutePath());
     if (auto written = write(name); !written) {
-        m_undo.setIndex(step);
         m_graph.fileName = before;
+        rebuildGraph();
+        m_undo.setIndex(step);
         return written;
     }
-    rebuildGraph();
     m_problems->schedule();
     Q_EMIT fileNameChanged();
     return {};

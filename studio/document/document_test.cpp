@@ -228,7 +228,7 @@ TEST_F(StudioDocument, PinsFollowTheLinks)
     ASSERT_TRUE(document.addLink({in, 0}, {join, 4}));
     EXPECT_GT(before, 0);
     EXPECT_EQ(document.inputCount(join), 6); // one more is free
-    EXPECT_EQ(document.inputCount(in), 1); // names of files
+    EXPECT_EQ(document.inputCount(in), 1);   // names of files
     EXPECT_EQ(document.outputCount(in), 1);
     EXPECT_EQ(document.upstream(join), (QStringList{join, in}));
 }

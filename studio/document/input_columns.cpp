@@ -47,17 +47,20 @@ TableSchema InputColumns::columns(const CorvantaGraph &graph, const QString &id,
 void InputColumns::computeNext(const CorvantaGraph &graph)
 {
     const Pin pin = m_wanted.first();
-    m_background.start([this, graph, pin, &registry = m_registry](const std::stop_token &stop) {
-        const TableSchema columns = columnsOf(graph, registry, pin.first, pin.second, stop);
-        return [this, pin, columns] {
-            m_columns.insert(pin, columns);
-            m_wanted.removeAll(pin);
-            if (!m_wanted.isEmpty()) {
-                computeNext(m_graph);
-            }
-            m_known(pin.first);
-        };
-    });
+    const auto show = [this, pin](const TableSchema &columns) {
+        m_columns.insert(pin, columns);
+        m_wanted.removeAll(pin);
+        if (!m_wanted.isEmpty()) {
+            computeNext(m_graph);
+        }
+        m_known(pin.first);
+    };
+    m_background.start(
+        [graph, pin, show, &registry = m_registry](const std::stop_token &stop) -> Worker::Show {
+            const TableSchema columns = columnsOf(graph, registry, pin.first, pin.second, stop);
+            return [show, columns] { show(columns); };
+        },
+        [show](const QString &) { show({}); });
 }
 
 void InputColumns::forget(const QSet<QString> &ids)

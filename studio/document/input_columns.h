@@ -3,8 +3,8 @@
 // They are computed by running the part of the graph before the pin for its first rows, in the
 // background, and kept until something in that part changes. Threads: the GUI thread.
 #pragma once
+#include "corvanta/edit/worker.h"
 #include "corvanta/meta_info.h"
-#include "studio/document/background.h"
 #include "studio/document/content.h"
 
 #include <QHash>
@@ -39,7 +39,7 @@ private:
     QHash<Pin, TableSchema> m_columns;
     QVector<Pin> m_wanted; // the first one is being computed
     CorvantaGraph m_graph; // of the last request
-    Background m_background;
+    Worker m_background;
 };
 
 } // namespace corvanta::studio

@@ -84,16 +84,23 @@ ProblemWatch::ProblemWatch(GraphDocument &document, std::function<void()> change
 
 void ProblemWatch::check()
 {
-    m_background.start([this, text = m_document.toXml(), file = m_document.fileName(),
-                        &registry = m_document.registry()](const std::stop_token &) {
-        const QVector<GraphProblem> problems = problemsOf(text, file, registry);
-        return [this, problems] {
-            if (m_problems != problems) {
-                m_problems = problems;
-                m_changed();
-            }
-        };
-    });
+    m_background.start(
+        [this, text = m_document.toXml(), file = m_document.fileName(),
+         &registry = m_document.registry()](const std::stop_token &) -> Worker::Show {
+            const QVector<GraphProblem> problems = problemsOf(text, file, registry);
+            return [this, problems] { show(problems); };
+        },
+        [this](const QString &reason) {
+            show({{reason, {}}});
+        });
+}
+
+void ProblemWatch::show(const QVector<GraphProblem> &problems)
+{
+    if (m_problems != problems) {
+        m_problems = problems;
+        m_changed();
+    }
 }
 
 } // namespace corvanta::studio

@@ -3,7 +3,7 @@
 // The text that would be saved is checked in the background, a short time after the last edit.
 // Threads: the GUI thread.
 #pragma once
-#include "studio/document/background.h"
+#include "corvanta/edit/worker.h"
 #include "studio/document/graph_document.h"
 
 #include <QTimer>
@@ -23,12 +23,13 @@ public:
 
 private:
     void check();
+    void show(const QVector<GraphProblem> &problems);
 
     GraphDocument &m_document;
     std::function<void()> m_changed;
     QVector<GraphProblem> m_problems;
     QTimer m_timer;
-    Background m_background;
+    Worker m_background;
 };
 
 } // namespace corvanta::studio

@@ -495,8 +495,8 @@ private:
     const Content &m_content;
     QString m_lineEnd;
     QString m_text;
-    QString m_next;          // the text between the present element and the next one
-    qsizetype m_written = 0; // how much of it is written
+    QString m_next;                      // the text between the present element and the next one
+    qsizetype m_written = 0;             // how much of it is written
     QHash<int, NodePtr> m_nodes;         // by origin
     QHash<int, const Wire *> m_wires;    // by origin
     QHash<QString, int> m_lastVariables; // number of the last element, by name

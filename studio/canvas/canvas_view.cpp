@@ -1,0 +1,504 @@
+// Keys, wheel and drops. What the mouse does to nodes and links is in GraphScene and LinkDrag.
+#include "studio/canvas/canvas_view.h"
+
+#include "studio/canvas/canvas_access.h"
+#include "studio/canvas/canvas_colors.h"
+#include "studio/canvas/export_graph.h"
+#include "studio/canvas/link_drag.h"
+#include "studio/canvas/overview.h"
+#include "studio/canvas/quick_add.h"
+#include "studio/document/layered_layout.h"
+
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QPainter>
+#include <QScrollBar>
+#include <QUrl>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+namespace {
+
+constexpr double kMinZoom = 0.05;
+constexpr double kMaxZoom = 4;
+constexpr double kSceneMargin = 2000; // to drag nodes away from the others
+constexpr int kOverviewMargin = 10;
+
+/// The unit vector of an arrow key; null for any other.
+QPointF directionOf(int key)
+{
+    switch (key) {
+    case Qt::Key_Left:
+        return {-1, 0};
+    case Qt::Key_Right:
+        return {1, 0};
+    case Qt::Key_Up:
+        return {0, -1};
+    case Qt::Key_Down:
+        return {0, 1};
+    default:
+        return {};
+    }
+}
+
+QStringList localFiles(const QMimeData *data)
+{
+    QStringList files;
+    for (const QUrl &url : data->urls()) {
+        if (url.isLocalFile()) {
+            files << url.toLocalFile();
+        }
+    }
+    return files;
+}
+
+bool isGraphFile(const QString &file)
+{
+    return file.endsWith(".graph"_L1, Qt::CaseInsensitive);
+}
+
+} // namespace
+
+CanvasView::CanvasView(GraphDocument &document, QWidget *parent)
+    : QGraphicsView(parent)
+    , m_document(document)
+    , m_scene(new GraphScene(document, this))
+    , m_overview(new Overview(*this))
+    , m_quickAdd(new QuickAdd(document.registry(), this))
+{
+    installCanvasAccess();
+    setScene(m_scene);
+    setObjectName(u"canvas"_s);
+    setAccessibleName(tr("Graph"));
+    setAccessibleDescription(tr("Tab goes from action to action, arrows move them, Alt+arrows "
+                                "follow links, L draws a link, K goes from link to link."));
+    setDragMode(RubberBandDrag);
+    setAcceptDrops(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setTransformationAnchor(AnchorUnderMouse);
+    setViewportUpdateMode(SmartViewportUpdate);
+    setFrameShape(NoFrame);
+    connect(m_scene, &GraphScene::selectionMoved, this, [this] {
+        --m_moveSeries;
+        Q_EMIT selectionChanged();
+    });
+    connect(m_scene, &GraphScene::message, this, &CanvasView::message);
+    connect(m_scene, &GraphScene::activated, this, &CanvasView::activated);
+    connect(m_scene, &GraphScene::actionWanted, this, &CanvasView::askForAction);
+    for (const auto signal : {&GraphDocument::actionAdded, &GraphDocument::moved}) {
+        connect(&document, signal, this, &CanvasView::growScene);
+    }
+    connect(&document, &GraphDocument::fillFailed, this,
+            [this](const QString &, const QString &reason) { Q_EMIT message(reason); });
+    growScene();
+    zoomFit();
+}
+
+CanvasView::~CanvasView() = default;
+
+QString CanvasView::actionMimeType()
+{
+    return u"application/x-corvanta-action"_s;
+}
+
+void CanvasView::showAction(const QString &id)
+{
+    if (NodeItem *const node = m_scene->node(id)) {
+        m_scene->setCurrent(id);
+        ensureVisible(node, kOverviewMargin, kOverviewMargin);
+    }
+}
+
+QPointF CanvasView::freePosition() const
+{
+    const QPointF center = mapToScene(viewport()->rect().center());
+    QPointF place(
+        std::round((center.x() - NodeItem::kWidth / 2) / NodeItem::kGrid) * NodeItem::kGrid,
+        std::round((center.y() - NodeItem::kGrid * 2) / NodeItem::kGrid) * NodeItem::kGrid);
+    const auto isTaken = [&](const NodePtr &node) {
+        const QPointF distance = node->position - place;
+        return qAbs(distance.x()) < kLayerStep.width() && qAbs(distance.y()) < kLayerStep.height();
+    };
+    const auto &nodes = m_document.content().nodes;
+    while (std::any_of(nodes.begin(), nodes.end(), isTaken)) {
+        place.ry() += NodeItem::kGrid * 2;
+    }
+    return place;
+}
+
+void CanvasView::zoomBy(double factor)
+{
+    const double now = qBound(kMinZoom, zoom() * factor, kMaxZoom);
+    scale(now / zoom(), now / zoom());
+}
+
+void CanvasView::zoomReset()
+{
+    setTransform({});
+}
+
+void CanvasView::zoomFit()
+{
+    constexpr double kMargin = 40;
+    setTransform({});
+    const QRectF graph = m_scene->itemsRect().adjusted(-kMargin, -kMargin, kMargin, kMargin);
+    if (graph.width() > viewport()->width() || graph.height() > viewport()->height()) {
+        fitInView(graph, Qt::KeepAspectRatio);
+    } else {
+        centerOn(graph.center());
+    }
+}
+
+/// The scene is larger than the graph, so that there is room around it.
+void CanvasView::growScene()
+{
+    const QRectF needed =
+        m_scene->itemsRect().adjusted(-kSceneMargin, -kSceneMargin, kSceneMargin, kSceneMargin);
+    m_scene->setSceneRect(m_scene->sceneRect().united(needed));
+}
+
+void CanvasView::setOverviewShown(bool isShown)
+{
+    m_overview->setVisible(isShown);
+    placeOverview();
+}
+
+bool CanvasView::exportTo(const QString &file, QString *why)
+{
+    return exportGraph(*m_scene, file, why);
+}
+
+void CanvasView::removeSelection()
+{
+    m_document.remove(m_scene->selectedIds(), m_scene->selectedLinks());
+}
+
+bool CanvasView::keyOfLinkDrag(QKeyEvent *event)
+{
+    LinkDrag &drag = m_scene->linkDrag();
+    if (!drag.isActive()) {
+        return false;
+    }
+    switch (event->key()) {
+    case Qt::Key_Escape:
+        drag.cancel();
+        Q_EMIT message({});
+        return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        drag.accept();
+        return true;
+    case Qt::Key_Right:
+    case Qt::Key_Down:
+        drag.nextTarget(1);
+        return true;
+    case Qt::Key_Left:
+    case Qt::Key_Up:
+        drag.nextTarget(-1);
+        return true;
+    default:
+        return true;
+    }
+}
+
+/// Keys that concern the current action.
+bool CanvasView::keyOfCurrent(const QKeyEvent *event)
+{
+    const QString id = m_scene->currentId();
+    if (id.isEmpty() || event->modifiers() != Qt::NoModifier) {
+        return false;
+    }
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        Q_EMIT activated(id);
+        return true;
+    case Qt::Key_F2:
+        Q_EMIT renameWanted(id);
+        return true;
+    case Qt::Key_L:
+        if (m_document.outputCount(id) > 0) {
+            m_scene->linkDrag().beginFrom({id, 0});
+        } else {
+            Q_EMIT message(tr("“%1” has no output.").arg(id));
+        }
+        return true;
+    default:
+        return false;
+    }
+}
+
+void CanvasView::keyPressEvent(QKeyEvent *event)
+{
+    if (keyOfLinkDrag(event) || keyOfCurrent(event)) {
+        return;
+    }
+    const bool isArrow = !directionOf(event->key()).isNull();
+    if (event->matches(QKeySequence::Delete) || event->key() == Qt::Key_Backspace) {
+        removeSelection();
+    } else if (isArrow && event->modifiers().testFlag(Qt::AltModifier)) {
+        goToNeighbour(event->key());
+    } else if (isArrow && !m_scene->selectedIds().isEmpty()) {
+        moveSelection(event->key());
+    } else if (event->key() == Qt::Key_K && event->modifiers() == Qt::NoModifier) {
+        goToNextLink();
+    } else if (event->key() == Qt::Key_Space && !event->isAutoRepeat()) {
+        const QString id = m_scene->currentId();
+        const bool hasOutput = !id.isEmpty() && m_document.outputCount(id) > 0;
+        askForAction(hasOutput ? PinRef{id, 0} : PinRef(), freePosition());
+    } else if (event->key() == Qt::Key_Plus) {
+        zoomIn();
+    } else if (event->key() == Qt::Key_Minus) {
+        zoomOut();
+    } else {
+        QGraphicsView::keyPressEvent(event);
+    }
+}
+
+/// Move the selected nodes by a step of the grid; with several keys this is one step for undo.
+void CanvasView::moveSelection(int key)
+{
+    QMap<QString, QPointF> positions;
+    for (const QString &id : m_scene->selectedIds()) {
+        positions.insert(id, m_document.position(id) + directionOf(key) * NodeItem::kGrid);
+    }
+    m_document.move(positions, m_moveSeries);
+}
+
+/// Make the nearest node in the direction of an arrow current, a linked one first.
+bool CanvasView::goToNeighbour(int key)
+{
+    const NodeItem *const current = m_scene->node(m_scene->currentId());
+    if (current == nullptr) {
+        return focusNextPrevChild(true);
+    }
+    const QPointF direction = directionOf(key);
+    const NodeItem *best = nullptr;
+    double bestCost = 0;
+    for (const NodeItem *const node : m_scene->orderedNodes()) {
+        const QPointF way = node->pos() - current->pos();
+        const double along = QPointF::dotProduct(way, direction);
+        const double across = qAbs(way.x() * direction.y()) + qAbs(way.y() * direction.x());
+        const double cost = along + 2 * across;
+        if (node != current && along > 0 && (best == nullptr || cost < bestCost)) {
+            best = node;
+            bestCost = cost;
+        }
+    }
+    if (best != nullptr) {
+        showAction(best->id());
+    }
+    return best != nullptr;
+}
+
+/// Select the link after the selected one, in the order of the file.
+void CanvasView::goToNextLink()
+{
+    const auto &links = m_scene->links();
+    if (links.isEmpty()) {
+        return;
+    }
+    const auto selected = std::find_if(links.begin(), links.end(),
+                                       [](const LinkItem *link) { return link->isSelected(); });
+    LinkItem *const next =
+        selected == links.end() || selected + 1 == links.end() ? links.first() : *(selected + 1);
+    m_scene->clearSelection();
+    next->setSelected(true);
+    m_scene->setFocusItem(next);
+    ensureVisible(next);
+    const auto &[from, to] = next->link();
+    Q_EMIT message(tr("Link from “%1” to “%2”").arg(from.action, to.action));
+}
+
+/// Tab goes through the nodes, and leaves the canvas after the last one.
+bool CanvasView::focusNextPrevChild(bool next)
+{
+    if (m_scene->linkDrag().isActive()) {
+        m_scene->linkDrag().nextTarget(next ? 1 : -1);
+        return true;
+    }
+    const QVector<NodeItem *> nodes = m_scene->orderedNodes();
+    const qsizetype now = nodes.indexOf(m_scene->node(m_scene->currentId()));
+    const qsizetype wanted = now < 0 ? (next ? 0 : nodes.size() - 1) : now + (next ? 1 : -1);
+    if (wanted < 0 || wanted >= nodes.size()) {
+        m_scene->clearSelection();
+        m_scene->clearFocus();
+        return QGraphicsView::focusNextPrevChild(next);
+    }
+    showAction(nodes[wanted]->id());
+    return true;
+}
+
+void CanvasView::wheelEvent(QWheelEvent *event)
+{
+    if (!event->modifiers().testFlag(Qt::ControlModifier)) {
+        QGraphicsView::wheelEvent(event);
+        return;
+    }
+    constexpr double kStep = 120; // of a wheel with notches
+    zoomBy(std::pow(kZoomStep, event->angleDelta().y() / kStep));
+    event->accept();
+}
+
+void CanvasView::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::MiddleButton) {
+        m_isPanning = true;
+        m_panStart = event->pos();
+        viewport()->setCursor(Qt::ClosedHandCursor);
+        return;
+    }
+    QGraphicsView::mousePressEvent(event);
+}
+
+void CanvasView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (m_isPanning) {
+        const QPoint way = event->pos() - m_panStart;
+        m_panStart = event->pos();
+        horizontalScrollBar()->setValue(horizontalScrollBar()->value() - way.x());
+        verticalScrollBar()->setValue(verticalScrollBar()->value() - way.y());
+        return;
+    }
+    QGraphicsView::mouseMoveEvent(event);
+}
+
+void CanvasView::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::MiddleButton && m_isPanning) {
+        m_isPanning = false;
+        viewport()->unsetCursor();
+        return;
+    }
+    QGraphicsView::mouseReleaseEvent(event);
+}
+
+bool CanvasView::isAcceptable(const QMimeData *data) const
+{
+    if (data->hasFormat(actionMimeType())) {
+        return true;
+    }
+    const QStringList files = localFiles(data);
+    return std::any_of(files.begin(), files.end(), [&](const QString &file) {
+        return isGraphFile(file) || m_document.canRead(file);
+    });
+}
+
+void CanvasView::dragEnterEvent(QDragEnterEvent *event)
+{
+    event->setAccepted(isAcceptable(event->mimeData()));
+}
+
+void CanvasView::dragMoveEvent(QDragMoveEvent *event)
+{
+    event->setAccepted(isAcceptable(event->mimeData()));
+    const bool isAction = event->mimeData()->hasFormat(actionMimeType());
+    m_scene->markLink(isAction ? m_scene->linkAt(mapToScene(event->position().toPoint()))
+                               : nullptr);
+}
+
+void CanvasView::dragLeaveEvent(QDragLeaveEvent *event)
+{
+    m_scene->markLink(nullptr);
+    event->accept();
+}
+
+void CanvasView::dropEvent(QDropEvent *event)
+{
+    const QPointF place = mapToScene(event->position().toPoint());
+    // The middle of the new node is where the mouse is.
+    QPointF corner = place - QPointF(NodeItem::kWidth / 2, NodeItem::kGrid * 2);
+    const LinkItem *const link = m_scene->linkAt(place);
+    m_scene->markLink(nullptr);
+    event->acceptProposedAction();
+    if (event->mimeData()->hasFormat(actionMimeType())) {
+        const QString type = QString::fromUtf8(event->mimeData()->data(actionMimeType()));
+        QString why;
+        const QString id = link == nullptr ? m_document.addAction(type, corner)
+                                           : m_document.addActionIntoLink(type, link->link(), &why);
+        id.isEmpty() ? Q_EMIT message(why) : showAction(id);
+        return;
+    }
+    for (const QString &file : localFiles(event->mimeData())) {
+        if (isGraphFile(file)) {
+            Q_EMIT graphDropped(file);
+            continue;
+        }
+        QString why;
+        const QString id = m_document.addDataFile(file, corner, &why);
+        id.isEmpty() ? Q_EMIT message(why) : showAction(id);
+        corner.ry() += kLayerStep.height();
+    }
+}
+
+void CanvasView::askForAction(const PinRef &from, QPointF place)
+{
+    const QPoint at = viewport()->mapToGlobal(mapFromScene(place));
+    m_quickAdd->ask(at, !from.action.isEmpty(),
+                    [this, from, place](const QString &type) { addAsked(type, from, place); });
+}
+
+/// Add the action, and link it if it was asked for from an output.
+void CanvasView::addAsked(const QString &type, const PinRef &from, QPointF place)
+{
+    QUndoStack *const stack = m_document.undoStack();
+    stack->beginMacro(tr("Add %1").arg(type));
+    const QString id = m_document.addAction(type, place);
+    QString why;
+    if (!from.action.isEmpty() && !m_document.addLink(from, {id, 0}, &why)) {
+        Q_EMIT message(why);
+    }
+    stack->endMacro();
+    showAction(id);
+}
+
+void CanvasView::drawBackground(QPainter *painter, const QRectF &area)
+{
+    const CanvasColors colors(palette());
+    painter->fillRect(area, colors.background());
+    constexpr double kStep = NodeItem::kGrid * 4;
+    constexpr double kGridZoom = 0.4;
+    if (zoom() < kGridZoom || !m_scene->isSnapping()) {
+        return;
+    }
+    painter->setRenderHint(QPainter::Antialiasing, false);
+    painter->setPen(QPen(colors.grid(), 0));
+    for (double x = std::floor(area.left() / kStep) * kStep; x < area.right(); x += kStep) {
+        painter->drawLine(QPointF(x, area.top()), QPointF(x, area.bottom()));
+    }
+    for (double y = std::floor(area.top() / kStep) * kStep; y < area.bottom(); y += kStep) {
+        painter->drawLine(QPointF(area.left(), y), QPointF(area.right(), y));
+    }
+}
+
+void CanvasView::resizeEvent(QResizeEvent *event)
+{
+    QGraphicsView::resizeEvent(event);
+    placeOverview();
+}
+
+void CanvasView::changeEvent(QEvent *event)
+{
+    QGraphicsView::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
+        m_scene->update();
+    }
+}
+
+void CanvasView::placeOverview()
+{
+    const QRect area = viewport()->geometry();
+    const QSize size = m_overview->sizeHint();
+    m_overview->setGeometry(QRect(area.bottomRight() - QPoint(size.width() + kOverviewMargin,
+                                                              size.height() + kOverviewMargin),
+                                  size));
+}
+
+} // namespace corvanta::studio

@@ -1,0 +1,105 @@
+// The canvas of a document: shows its graph, and edits it by mouse and keyboard.
+//
+// Mouse: drag from pin to pin adds a link, the end of a link to another pin re-routes it, a node
+// onto a link inserts it; the wheel scrolls, with Ctrl it zooms; the middle button moves the
+// view. A double click on the background asks for an action.
+// Keyboard: Tab goes from node to node, arrows move the selected nodes, Alt+arrows follow links,
+// L draws a link, K goes from link to link, Enter edits, Delete removes, Space asks for an action.
+// Threads: the GUI thread.
+#pragma once
+#include "studio/canvas/graph_scene.h"
+
+#include <QGraphicsView>
+
+class QMimeData;
+
+namespace corvanta::studio {
+
+class Overview;
+class QuickAdd;
+
+class CanvasView final : public QGraphicsView
+{
+    Q_OBJECT
+
+public:
+    /// `document` must outlive the view.
+    explicit CanvasView(GraphDocument &document, QWidget *parent = nullptr);
+    ~CanvasView() override;
+
+    GraphDocument &document() const { return m_document; }
+    GraphScene &graphScene() const { return *m_scene; }
+
+    QStringList selectedIds() const { return m_scene->selectedIds(); }
+    QVector<LinkRef> selectedLinks() const { return m_scene->selectedLinks(); }
+    void select(const QStringList &ids) { m_scene->select(ids); }
+    /// Select an action, scroll to it, and give it the focus.
+    void showAction(const QString &id);
+    /// A place in the visible part where a new action covers no other.
+    QPointF freePosition() const;
+
+    void zoomIn() { zoomBy(kZoomStep); }
+    void zoomOut() { zoomBy(1 / kZoomStep); }
+    void zoomReset();
+    /// Show the whole graph, not larger than at 100 %.
+    void zoomFit();
+    double zoom() const { return transform().m11(); }
+    void setOverviewShown(bool isShown);
+    void setSnapping(bool snaps) { m_scene->setSnapping(snaps); }
+    /// Write the whole graph as SVG, PNG or PDF, after the extension of `file`. Returns false with
+    /// the reason.
+    bool exportTo(const QString &file, QString *why);
+    void removeSelection();
+
+    /// The type of an action that is dragged from a palette, in UTF-8.
+    static QString actionMimeType();
+    static constexpr double kZoomStep = 1.2;
+
+Q_SIGNALS:
+    void selectionChanged();
+    /// Why something is not possible, or what happens, for the status bar.
+    void message(const QString &text);
+    /// The user wants to edit this action.
+    void activated(const QString &id);
+    void renameWanted(const QString &id);
+    /// A graph file was dropped.
+    void graphDropped(const QString &file);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    void drawBackground(QPainter *painter, const QRectF &area) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    void zoomBy(double factor);
+    void growScene();
+    bool keyOfLinkDrag(QKeyEvent *event);
+    bool keyOfCurrent(const QKeyEvent *event);
+    bool goToNeighbour(int key);
+    void moveSelection(int key);
+    void goToNextLink();
+    void askForAction(const PinRef &from, QPointF place);
+    void addAsked(const QString &type, const PinRef &from, QPointF place);
+    bool isAcceptable(const QMimeData *data) const;
+    void placeOverview();
+
+    GraphDocument &m_document;
+    GraphScene *m_scene;  // a child
+    Overview *m_overview; // a child
+    QuickAdd *m_quickAdd; // a child
+    QPoint m_panStart;    // while the middle button is pressed
+    bool m_isPanning = false;
+    int m_moveSeries = -1000000; // of moves by keys, which are one step until the selection changes
+};
+
+} // namespace corvanta::studio

@@ -1,0 +1,39 @@
+// Asks for the type of a new action where the mouse is: a search field and the actions found.
+// Threads: the GUI thread.
+#pragma once
+#include "corvanta/action_registry.h"
+
+#include <QFrame>
+
+#include <functional>
+
+class QLineEdit;
+class QListWidget;
+
+namespace corvanta::studio {
+
+class QuickAdd final : public QFrame
+{
+    Q_OBJECT
+
+public:
+    QuickAdd(const ActionRegistry &registry, QWidget *parent);
+    /// Show the popup at a place of the screen, and call `chosen` with the type that the user
+    /// chooses. `needsInput`: only actions that get rows.
+    void ask(QPoint place, bool needsInput, std::function<void(const QString &)> chosen);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void search();
+    void accept();
+
+    const ActionRegistry &m_registry;
+    QLineEdit *m_field;
+    QListWidget *m_list;
+    bool m_needsInput = false;
+    std::function<void(const QString &)> m_chosen;
+};
+
+} // namespace corvanta::studio
