@@ -3,14 +3,16 @@
 
 New texts get an unfinished entry, and entries without a text are removed. tests/panels/catalogue_test.py uses it too.
 """
+import json
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
-FOLDERS = ["panels", "actions", "host"]
+FOLDERS = ["panels", "actions", "host", "studio"]
 
 
 def lupdate_program():
@@ -20,11 +22,20 @@ def lupdate_program():
     return found
 
 
+def example_strings():
+    """What the examples show: the first comment of each graph, as the start page has it."""
+    for path in sorted((ROOT / "examples").rglob("*.graph")):
+        if comment := re.search(r"<!--(.*?)-->", path.read_text(encoding="utf-8"), re.DOTALL):
+            yield 'QT_TRANSLATE_NOOP("Examples", %s)\n' % json.dumps(" ".join(comment[1].split()), ensure_ascii=False)
+
+
 def update(panel_strings, catalogue):
     """Let `catalogue` have exactly the texts of the project."""
     with tempfile.TemporaryDirectory() as folder:
         tables = pathlib.Path(folder) / "tables.cpp"
         tables.write_bytes(subprocess.run([panel_strings], check=True, capture_output=True).stdout)
+        with tables.open("a", encoding="utf-8") as file:
+            file.writelines(example_strings())
         sources = [str(ROOT / name) for name in FOLDERS]
         subprocess.run([lupdate_program(), "-silent", "-locations", "none", "-no-obsolete", "-no-ui-lines", "-I", str(ROOT),
                         "-I", str(ROOT / "host/include"), "-extensions", "cpp,h", *sources, str(tables), "-ts", str(catalogue)],

@@ -7,7 +7,11 @@
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    // Dialogs that tests can see.
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QStandardPaths::setTestModeEnabled(true);
     const QApplication application(argc, argv);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));

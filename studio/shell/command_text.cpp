@@ -1,0 +1,40 @@
+#include "studio/shell/command_text.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+QString shellWord(const QString &text)
+{
+    static const QRegularExpression plain(u"^[A-Za-z0-9_./:=+@%-]+$"_s);
+    if (plain.match(text).hasMatch()) {
+        return text;
+    }
+    QString quoted = text;
+    return u'\'' + quoted.replace(u"'"_s, u"'\\''"_s) + u'\'';
+}
+
+QString runCommandText(const QString &graphFile)
+{
+    // A name that begins with "-" would be an option; an absolute one does not.
+    return u"corvanta run "_s + shellWord(QFileInfo(graphFile).absoluteFilePath());
+}
+
+QString runScriptText(const QString &graphFile, const QString &scriptFile)
+{
+    const QDir folder = QFileInfo(scriptFile).absoluteDir();
+    const QString name = folder.relativeFilePath(QFileInfo(graphFile).absoluteFilePath());
+    const QString comment = QFileInfo(graphFile).fileName().replace(u'\n', u' ');
+    // Without changing the folder: options may have names relative to that of the caller.
+    return u"#!/bin/sh\n"
+           "# Runs %1; options such as --set NAME=VALUE are passed on.\n"
+           "set -eu\n"
+           "folder=$(CDPATH='' cd -- \"$(dirname -- \"$0\")\" && pwd)\n"
+           "exec corvanta run \"$folder\"/%2 \"$@\"\n"_s.arg(comment, shellWord(name));
+}
+
+} // namespace corvanta::studio

@@ -1,0 +1,375 @@
+#include "studio/shell/commands.h"
+
+#include "studio/shell/preferences/settings.h"
+
+#include <QApplication>
+#include <QCoreApplication>
+#include <QMenuBar>
+#include <QStyle>
+#include <QToolBar>
+#include <QWidget>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+namespace {
+
+/// What a command is besides its text.
+enum Flag : unsigned {
+    kPlain = 0,
+    kCheckable = 1,
+    kInToolBar = 2,
+    kSubMenu = 4,        ///< not a command: a menu that others are in, or that is filled later
+    kSeparatorAfter = 8, ///< in its menu
+    kChecked = 16,       ///< at the start
+    kOfGraph = 32,       ///< its shortcut means something else outside the canvas and the outline
+};
+
+struct CommandInfo
+{
+    const char *menu; ///< name of its menu
+    const char *name;
+    const char *text;
+    const char *keys; ///< "" for none; several are separated by "; "
+    const char *tip;  ///< for the status bar, the tool tip and the shortcut editor
+    unsigned flags = kPlain;
+    int icon = -1; ///< a QStyle::StandardPixmap
+};
+
+constexpr CommandInfo kMenus[] = {
+    {"", "file", QT_TRANSLATE_NOOP("Commands", "&File"), "", ""},
+    {"", "edit", QT_TRANSLATE_NOOP("Commands", "&Edit"), "", ""},
+    {"", "view", QT_TRANSLATE_NOOP("Commands", "&View"), "", ""},
+    {"", "graph", QT_TRANSLATE_NOOP("Commands", "&Graph"), "", ""},
+    {"", "run", QT_TRANSLATE_NOOP("Commands", "&Run"), "", ""},
+    {"", "help", QT_TRANSLATE_NOOP("Commands", "&Help"), "", ""},
+};
+
+constexpr CommandInfo kCommands[] = {
+    {"file", "file.new", QT_TRANSLATE_NOOP("Commands", "&New"), "Ctrl+N",
+     QT_TRANSLATE_NOOP("Commands", "Start an empty graph in a new tab"), kInToolBar,
+     QStyle::SP_FileIcon},
+    {"file", "file.open", QT_TRANSLATE_NOOP("Commands", "&Open..."), "Ctrl+O",
+     QT_TRANSLATE_NOOP("Commands", "Open graph files"), kInToolBar, QStyle::SP_DialogOpenButton},
+    {"file", "file.recent", QT_TRANSLATE_NOOP("Commands", "Open &Recent"), "",
+     QT_TRANSLATE_NOOP("Commands", "Open a graph of the last sessions"), kSubMenu},
+    {"file", "file.start", QT_TRANSLATE_NOOP("Commands", "S&tart Page"), "",
+     QT_TRANSLATE_NOOP("Commands", "Show recent files and examples"), kSeparatorAfter},
+    {"file", "file.save", QT_TRANSLATE_NOOP("Commands", "&Save"), "Ctrl+S",
+     QT_TRANSLATE_NOOP("Commands", "Save the graph"), kInToolBar, QStyle::SP_DialogSaveButton},
+    {"file", "file.saveAs", QT_TRANSLATE_NOOP("Commands", "Save &As..."), "Ctrl+Shift+S",
+     QT_TRANSLATE_NOOP("Commands", "Save the graph in another file")},
+    {"file", "file.saveAll", QT_TRANSLATE_NOOP("Commands", "Save A&ll"), "Ctrl+Alt+S",
+     QT_TRANSLATE_NOOP("Commands", "Save all changed graphs")},
+    {"file", "file.reload", QT_TRANSLATE_NOOP("Commands", "Re&load"), "",
+     QT_TRANSLATE_NOOP("Commands",
+                       "Read the graph from its file again, without the unsaved changes"),
+     kSeparatorAfter},
+    {"file", "file.export", QT_TRANSLATE_NOOP("Commands", "&Export"), "",
+     QT_TRANSLATE_NOOP("Commands", "Save a picture or a script of the graph"), kSubMenu},
+    {"file.export", "export.svg", QT_TRANSLATE_NOOP("Commands", "As &SVG..."), "",
+     QT_TRANSLATE_NOOP("Commands", "Save the graph as a drawing")},
+    {"file.export", "export.png", QT_TRANSLATE_NOOP("Commands", "As &PNG..."), "",
+     QT_TRANSLATE_NOOP("Commands", "Save the graph as an image")},
+    {"file.export", "export.pdf", QT_TRANSLATE_NOOP("Commands", "As P&DF..."), "",
+     QT_TRANSLATE_NOOP("Commands", "Save the graph as a document"), kSeparatorAfter},
+    {"file.export", "export.command", QT_TRANSLATE_NOOP("Commands", "&Copy as Command"),
+     "Ctrl+Shift+C", QT_TRANSLATE_NOOP("Commands", "Copy the command line that runs the graph")},
+    {"file.export", "export.script", QT_TRANSLATE_NOOP("Commands", "As Shell Sc&ript..."), "",
+     QT_TRANSLATE_NOOP("Commands", "Save a script that runs the graph")},
+    {"file", "file.close", QT_TRANSLATE_NOOP("Commands", "&Close"), "Ctrl+W",
+     QT_TRANSLATE_NOOP("Commands", "Close the tab"), kSeparatorAfter},
+    {"file", "file.quit", QT_TRANSLATE_NOOP("Commands", "&Quit"), "Ctrl+Q",
+     QT_TRANSLATE_NOOP("Commands", "Close the window")},
+
+    {"edit", "edit.undo", QT_TRANSLATE_NOOP("Commands", "&Undo"), "Ctrl+Z",
+     QT_TRANSLATE_NOOP("Commands", "Take back the last change"), kInToolBar, QStyle::SP_ArrowBack},
+    {"edit", "edit.redo", QT_TRANSLATE_NOOP("Commands", "&Redo"), "Ctrl+Shift+Z; Ctrl+Y",
+     QT_TRANSLATE_NOOP("Commands", "Make the change again that was taken back"),
+     kInToolBar | kSeparatorAfter, QStyle::SP_ArrowForward},
+    {"edit", "edit.cut", QT_TRANSLATE_NOOP("Commands", "Cu&t"), "Ctrl+X",
+     QT_TRANSLATE_NOOP("Commands", "Move the selected actions to the clipboard"), kOfGraph},
+    {"edit", "edit.copy", QT_TRANSLATE_NOOP("Commands", "&Copy"), "Ctrl+C",
+     QT_TRANSLATE_NOOP("Commands", "Copy the selected actions and the links between them"),
+     kOfGraph},
+    {"edit", "edit.paste", QT_TRANSLATE_NOOP("Commands", "&Paste"), "Ctrl+V",
+     QT_TRANSLATE_NOOP("Commands", "Add the actions of the clipboard"), kOfGraph},
+    {"edit", "edit.duplicate", QT_TRANSLATE_NOOP("Commands", "D&uplicate"), "Ctrl+D",
+     QT_TRANSLATE_NOOP("Commands", "Add copies of the selected actions")},
+    {"edit", "edit.delete", QT_TRANSLATE_NOOP("Commands", "&Delete"), "Del",
+     QT_TRANSLATE_NOOP("Commands", "Remove the selected actions and links"), kOfGraph},
+    {"edit", "edit.selectAll", QT_TRANSLATE_NOOP("Commands", "Select &All"), "Ctrl+A",
+     QT_TRANSLATE_NOOP("Commands", "Select all actions"), kOfGraph | kSeparatorAfter},
+    {"edit", "edit.rename", QT_TRANSLATE_NOOP("Commands", "Re&name"), "F2",
+     QT_TRANSLATE_NOOP("Commands", "Change the name of the selected action"), kOfGraph},
+    {"edit", "edit.comment", QT_TRANSLATE_NOOP("Commands", "C&omment"), "Shift+F2",
+     QT_TRANSLATE_NOOP("Commands", "Change the comment of the selected action")},
+    {"edit", "edit.variables", QT_TRANSLATE_NOOP("Commands", "&Variables"), "Ctrl+Shift+V",
+     QT_TRANSLATE_NOOP("Commands", "Edit the variables of the graph"), kSeparatorAfter},
+    {"edit", "edit.shortcuts", QT_TRANSLATE_NOOP("Commands", "&Shortcuts..."), "Ctrl+K, Ctrl+S",
+     QT_TRANSLATE_NOOP("Commands", "List and change the shortcuts of all commands")},
+    {"edit", "edit.preferences", QT_TRANSLATE_NOOP("Commands", "Pre&ferences..."), "Ctrl+,",
+     QT_TRANSLATE_NOOP("Commands", "Colours, text size, language and session")},
+
+    {"view", "view.zoomIn", QT_TRANSLATE_NOOP("Commands", "Zoom &In"),
+     "Ctrl++; Ctrl+=", QT_TRANSLATE_NOOP("Commands", "Show the graph larger")},
+    {"view", "view.zoomOut", QT_TRANSLATE_NOOP("Commands", "Zoom &Out"), "Ctrl+-",
+     QT_TRANSLATE_NOOP("Commands", "Show the graph smaller")},
+    {"view", "view.zoomReset", QT_TRANSLATE_NOOP("Commands", "&Actual Size"), "Ctrl+0",
+     QT_TRANSLATE_NOOP("Commands", "Show the graph at 100 %")},
+    {"view", "view.zoomFit", QT_TRANSLATE_NOOP("Commands", "&Fit Graph"), "Ctrl+9",
+     QT_TRANSLATE_NOOP("Commands", "Show the whole graph"), kInToolBar,
+     QStyle::SP_FileDialogContentsView},
+    {"view", "view.overview", QT_TRANSLATE_NOOP("Commands", "O&verview"), "Ctrl+Shift+O",
+     QT_TRANSLATE_NOOP("Commands", "Show the whole graph small in a corner"), kCheckable},
+    {"view", "view.snap", QT_TRANSLATE_NOOP("Commands", "&Snap to Grid"), "",
+     QT_TRANSLATE_NOOP("Commands", "Place actions on a grid"),
+     kCheckable | kChecked | kSeparatorAfter},
+    {"view", "view.larger", QT_TRANSLATE_NOOP("Commands", "&Larger Text"), "Ctrl+Alt++; Ctrl+Alt+=",
+     QT_TRANSLATE_NOOP("Commands", "Make all texts of the window larger")},
+    {"view", "view.smaller", QT_TRANSLATE_NOOP("Commands", "S&maller Text"), "Ctrl+Alt+-",
+     QT_TRANSLATE_NOOP("Commands", "Make all texts of the window smaller")},
+    {"view", "view.dark", QT_TRANSLATE_NOOP("Commands", "&Dark Colours"), "",
+     QT_TRANSLATE_NOOP("Commands", "Light text on a dark background"),
+     kCheckable | kSeparatorAfter},
+    {"view", "view.docks", QT_TRANSLATE_NOOP("Commands", "&Panels"), "",
+     QT_TRANSLATE_NOOP("Commands", "Show or hide parts of the window"), kSubMenu},
+    {"view", "view.fullScreen", QT_TRANSLATE_NOOP("Commands", "F&ull Screen"), "F11",
+     QT_TRANSLATE_NOOP("Commands", "Use the whole screen"), kCheckable | kSeparatorAfter},
+    {"view", "view.canvas", QT_TRANSLATE_NOOP("Commands", "&Canvas"), "Ctrl+1",
+     QT_TRANSLATE_NOOP("Commands", "Put the keyboard focus on the graph")},
+    {"view", "view.palette", QT_TRANSLATE_NOOP("Commands", "&Palette"), "Ctrl+2",
+     QT_TRANSLATE_NOOP("Commands", "Search an action to add to the graph")},
+    {"view", "view.properties", QT_TRANSLATE_NOOP("Commands", "P&roperties"), "Ctrl+3",
+     QT_TRANSLATE_NOOP("Commands",
+                       "Put the keyboard focus on the parameters of the selected action")},
+    {"view", "view.outline", QT_TRANSLATE_NOOP("Commands", "Outli&ne"), "Ctrl+4",
+     QT_TRANSLATE_NOOP("Commands", "Put the keyboard focus on the tree of actions and links")},
+    {"view", "view.problems", QT_TRANSLATE_NOOP("Commands", "Prob&lems"), "Ctrl+5",
+     QT_TRANSLATE_NOOP("Commands", "Put the keyboard focus on the list of problems")},
+    {"view", "view.log", QT_TRANSLATE_NOOP("Commands", "Lo&g"), "Ctrl+6",
+     QT_TRANSLATE_NOOP("Commands", "Put the keyboard focus on the log")},
+    {"view", "view.data", QT_TRANSLATE_NOOP("Commands", "Dat&a"), "Ctrl+7",
+     QT_TRANSLATE_NOOP("Commands", "Put the keyboard focus on the rows of the selected action"),
+     kSeparatorAfter},
+    {"view", "view.nextTab", QT_TRANSLATE_NOOP("Commands", "Ne&xt Tab"), "Ctrl+Tab; Ctrl+PgDown",
+     QT_TRANSLATE_NOOP("Commands", "Show the next tab")},
+    {"view", "view.previousTab", QT_TRANSLATE_NOOP("Commands", "Previo&us Tab"),
+     "Ctrl+Shift+Tab; Ctrl+PgUp", QT_TRANSLATE_NOOP("Commands", "Show the previous tab")},
+
+    {"graph", "graph.add", QT_TRANSLATE_NOOP("Commands", "&Add Action..."), "Ctrl+Space",
+     QT_TRANSLATE_NOOP(
+         "Commands",
+         "Search an action to add: after the selected action, or into the selected link")},
+    {"graph", "graph.link", QT_TRANSLATE_NOOP("Commands", "&Link..."), "Ctrl+L",
+     QT_TRANSLATE_NOOP(
+         "Commands",
+         "Link the selected action to another one, or two selected actions to each other")},
+    {"graph", "graph.insert", QT_TRANSLATE_NOOP("Commands", "&Insert into Link"), "Ctrl+I",
+     QT_TRANSLATE_NOOP("Commands", "Insert the selected action into the selected link"),
+     kSeparatorAfter},
+    {"graph", "graph.layout", QT_TRANSLATE_NOOP("Commands", "Lay &Out"), "Ctrl+Shift+L",
+     QT_TRANSLATE_NOOP("Commands", "Arrange all actions from left to right"), kInToolBar,
+     QStyle::SP_FileDialogDetailedView},
+    {"graph", "graph.align", QT_TRANSLATE_NOOP("Commands", "Ali&gn"), "",
+     QT_TRANSLATE_NOOP("Commands", "Align the selected actions"), kSubMenu},
+    {"graph.align", "align.left", QT_TRANSLATE_NOOP("Commands", "&Left Edges"), "Ctrl+Alt+Left",
+     QT_TRANSLATE_NOOP("Commands", "Move the selected actions to the leftmost one")},
+    {"graph.align", "align.center", QT_TRANSLATE_NOOP("Commands", "&Centres"), "",
+     QT_TRANSLATE_NOOP("Commands", "Move the selected actions above each other")},
+    {"graph.align", "align.right", QT_TRANSLATE_NOOP("Commands", "&Right Edges"), "Ctrl+Alt+Right",
+     QT_TRANSLATE_NOOP("Commands", "Move the selected actions to the rightmost one"),
+     kSeparatorAfter},
+    {"graph.align", "align.top", QT_TRANSLATE_NOOP("Commands", "&Top Edges"), "Ctrl+Alt+Up",
+     QT_TRANSLATE_NOOP("Commands", "Move the selected actions to the topmost one")},
+    {"graph.align", "align.middle", QT_TRANSLATE_NOOP("Commands", "&Middles"), "",
+     QT_TRANSLATE_NOOP("Commands", "Move the selected actions next to each other")},
+    {"graph.align", "align.bottom", QT_TRANSLATE_NOOP("Commands", "&Bottom Edges"), "Ctrl+Alt+Down",
+     QT_TRANSLATE_NOOP("Commands", "Move the selected actions to the lowest one"), kSeparatorAfter},
+    {"graph.align", "align.columns", QT_TRANSLATE_NOOP("Commands", "Distribute &Horizontally"), "",
+     QT_TRANSLATE_NOOP("Commands", "Make the horizontal distances of the selected actions equal")},
+    {"graph.align", "align.rows", QT_TRANSLATE_NOOP("Commands", "Distribute &Vertically"), "",
+     QT_TRANSLATE_NOOP("Commands", "Make the vertical distances of the selected actions equal")},
+
+    {"run", "run.all", QT_TRANSLATE_NOOP("Commands", "&Run"), "F5",
+     QT_TRANSLATE_NOOP("Commands", "Run the graph"), kInToolBar, QStyle::SP_MediaPlay},
+    {"run", "run.here", QT_TRANSLATE_NOOP("Commands", "Run up to &Here"), "Ctrl+F5",
+     QT_TRANSLATE_NOOP("Commands", "Run the selected action and all actions that it depends on"),
+     kInToolBar, QStyle::SP_MediaSkipForward},
+    {"run", "run.stop", QT_TRANSLATE_NOOP("Commands", "&Stop"), "Shift+F5",
+     QT_TRANSLATE_NOOP("Commands", "Stop the run"), kInToolBar, QStyle::SP_MediaStop},
+    {"run", "run.again", QT_TRANSLATE_NOOP("Commands", "Run A&gain"), "Ctrl+Shift+F5",
+     QT_TRANSLATE_NOOP("Commands", "Repeat the last run, whole or up to an action"),
+     kSeparatorAfter},
+    {"run", "run.data", QT_TRANSLATE_NOOP("Commands", "Show &Data"), "F6",
+     QT_TRANSLATE_NOOP("Commands", "Show the rows of the selected action")},
+
+    {"help", "help.action", QT_TRANSLATE_NOOP("Commands", "&Help on the Action"), "F1",
+     QT_TRANSLATE_NOOP("Commands", "Describe the selected action and its parameters")},
+    {"help", "help.keys", QT_TRANSLATE_NOOP("Commands", "&Keyboard"), "Shift+F1",
+     QT_TRANSLATE_NOOP("Commands", "List all shortcuts"), kSeparatorAfter},
+    {"help", "help.about", QT_TRANSLATE_NOOP("Commands", "&About"), "",
+     QT_TRANSLATE_NOOP("Commands", "Version and modules")},
+};
+
+constexpr char kDefaultKeys[] = "defaultShortcut"; // property of a QAction
+
+QString translated(const char *text)
+{
+    return QCoreApplication::translate("Commands", text);
+}
+
+/// All sequences of "Ctrl+Y; F3".
+QList<QKeySequence> sequences(const char *keys)
+{
+    return QKeySequence::listFromString(QString::fromLatin1(keys), QKeySequence::PortableText);
+}
+
+const CommandInfo &infoOf(const QAction &action)
+{
+    const auto *const found =
+        std::find_if(std::begin(kCommands), std::end(kCommands), [&](const CommandInfo &info) {
+            return action.objectName() == QLatin1StringView(info.name);
+        });
+    return *found; // every QAction is made from the table
+}
+
+QAction *makeAction(const CommandInfo &info, QWidget *window)
+{
+    auto *const action = new QAction(translated(info.text), window); // the window owns it
+    action->setObjectName(QLatin1StringView(info.name));
+    action->setStatusTip(translated(info.tip));
+    action->setCheckable((info.flags & kCheckable) != 0);
+    action->setChecked((info.flags & kChecked) != 0);
+    action->setShortcuts(sequences(info.keys));
+    action->setProperty(kDefaultKeys, QVariant::fromValue(action->shortcut()));
+    if (info.icon >= 0) {
+        const auto pixmap = static_cast<QStyle::StandardPixmap>(info.icon);
+        action->setIcon(QApplication::style()->standardIcon(pixmap));
+    }
+    return action;
+}
+
+/// Text without the mnemonic, and the shortcut.
+void updateToolTip(QAction *action)
+{
+    const QString keys = action->shortcut().toString(QKeySequence::NativeText);
+    const QString text = action->text().remove(u'&');
+    action->setToolTip(keys.isEmpty() ? text : u"%1 (%2)"_s.arg(text, keys));
+}
+
+} // namespace
+
+Commands::Commands(QWidget *window, Settings &settings)
+    : QObject(window)
+    , m_settings(settings)
+{
+    for (const CommandInfo &info : kCommands) {
+        if ((info.flags & kSubMenu) != 0) {
+            continue;
+        }
+        QAction *const action = makeAction(info, window);
+        if (const auto keys = settings.shortcut(action->objectName())) {
+            action->setShortcut(*keys);
+        }
+        updateToolTip(action);
+        if ((info.flags & kOfGraph) != 0) {
+            action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        } else {
+            // Also without a menu bar, for example in full screen.
+            window->addAction(action);
+        }
+        m_actions.push_back(action);
+    }
+}
+
+void Commands::addGraphShortcuts(QWidget *widget) const
+{
+    for (QAction *const action : m_actions) {
+        if ((infoOf(*action).flags & kOfGraph) != 0) {
+            widget->addAction(action);
+        }
+    }
+}
+
+QAction *Commands::operator[](const QString &name) const
+{
+    const auto found = std::find_if(m_actions.begin(), m_actions.end(), [&](const QAction *action) {
+        return action->objectName() == name;
+    });
+    Q_ASSERT(found != m_actions.end());
+    return *found;
+}
+
+void Commands::fill(QMenuBar *bar)
+{
+    for (const CommandInfo &info : kMenus) {
+        m_menus[QLatin1StringView(info.name)] = bar->addMenu(translated(info.text));
+    }
+    for (const CommandInfo &info : kCommands) {
+        QMenu *const menu = m_menus.at(QLatin1StringView(info.menu));
+        if ((info.flags & kSubMenu) != 0) {
+            QMenu *const inner = menu->addMenu(translated(info.text));
+            inner->menuAction()->setStatusTip(translated(info.tip));
+            m_menus[QLatin1StringView(info.name)] = inner;
+        } else {
+            menu->addAction((*this)[QLatin1StringView(info.name)]);
+        }
+        if ((info.flags & kSeparatorAfter) != 0) {
+            menu->addSeparator();
+        }
+    }
+    for (const auto &[name, menu] : m_menus) {
+        menu->setObjectName(u"menu."_s + name);
+    }
+}
+
+void Commands::fill(QToolBar *bar) const
+{
+    QString group;
+    for (QAction *const action : m_actions) {
+        const CommandInfo &info = infoOf(*action);
+        if ((info.flags & kInToolBar) == 0) {
+            continue;
+        }
+        if (!group.isEmpty() && group != QLatin1StringView(info.menu)) {
+            bar->addSeparator();
+        }
+        group = QLatin1StringView(info.menu);
+        bar->addAction(action);
+    }
+}
+
+QMenu *Commands::menu(const QString &name) const
+{
+    const auto found = m_menus.find(name);
+    return found == m_menus.end() ? nullptr : found->second;
+}
+
+QKeySequence Commands::defaultShortcut(const QAction &action)
+{
+    return action.property(kDefaultKeys).value<QKeySequence>();
+}
+
+void Commands::setShortcut(QAction *action, const QKeySequence &keys)
+{
+    if (keys == defaultShortcut(*action)) {
+        action->setShortcuts(sequences(infoOf(*action).keys));
+        m_settings.setShortcut(action->objectName(), std::nullopt);
+    } else {
+        action->setShortcut(keys);
+        m_settings.setShortcut(action->objectName(), keys);
+    }
+    updateToolTip(action);
+}
+
+QAction *Commands::findConflict(const QAction *action, const QKeySequence &keys) const
+{
+    const auto found = std::find_if(m_actions.begin(), m_actions.end(), [&](const QAction *other) {
+        return other != action && !keys.isEmpty() && other->shortcuts().contains(keys);
+    });
+    return found == m_actions.end() ? nullptr : *found;
+}
+
+} // namespace corvanta::studio

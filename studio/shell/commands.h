@@ -1,0 +1,64 @@
+// The commands of the window: everything that a menu, a tool bar or a shortcut starts.
+//
+// One table declares each command with its menu, text, shortcut and explanation. The menus, the
+// shortcut editor and tests use the same QActions.
+#pragma once
+#include <QAction>
+#include <QObject>
+#include <QVector>
+
+#include <functional>
+#include <map>
+
+class QMenu;
+class QMenuBar;
+class QToolBar;
+
+namespace corvanta::studio {
+
+class Settings;
+
+/// Threads: the GUI thread.
+class Commands final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Make the commands with the shortcuts of the user. `window` receives the shortcuts; it and
+    /// `settings` must outlive this object.
+    Commands(QWidget *window, Settings &settings);
+
+    /// By name, for example "file.save". The name must be in the table.
+    QAction *operator[](const QString &name) const;
+    /// In the order of the menus.
+    const QVector<QAction *> &all() const { return m_actions; }
+    /// Call `function`, a member of `context` or a functor, when the user starts a command.
+    template <class Context, class Function>
+    void onTrigger(const char *name, Context *context, Function function)
+    {
+        connect((*this)[QString::fromLatin1(name)], &QAction::triggered, context, function);
+    }
+
+    /// Add the menus. Those without an entry in the table stay empty; see menu().
+    void fill(QMenuBar *bar);
+    void fill(QToolBar *bar) const;
+    /// Let the shortcuts of commands such as Copy work in `widget`, which shows the graph.
+    /// Elsewhere they belong to the text or table that has the focus.
+    void addGraphShortcuts(QWidget *widget) const;
+    /// A menu or submenu by its name, for example "file.recent"; null before fill().
+    QMenu *menu(const QString &name) const;
+
+    /// The shortcut of the table.
+    static QKeySequence defaultShortcut(const QAction &action);
+    /// Set and save a shortcut; the default is not saved.
+    void setShortcut(QAction *action, const QKeySequence &keys);
+    /// The other command that has the shortcut; null if there is none.
+    QAction *findConflict(const QAction *action, const QKeySequence &keys) const;
+
+private:
+    Settings &m_settings;
+    QVector<QAction *> m_actions;
+    std::map<QString, QMenu *> m_menus;
+};
+
+} // namespace corvanta::studio

@@ -1,0 +1,74 @@
+// The commands that change, show, export and run the current graph.
+//
+// They act on the tab that is shown and on what is selected on its canvas. Those that are
+// impossible now are disabled.
+#pragma once
+#include "studio/document/content.h"
+
+#include <QObject>
+
+namespace corvanta::studio {
+
+class CanvasView;
+class Commands;
+class DocumentTab;
+class GraphDocument;
+class Workspace;
+
+/// Threads: the GUI thread.
+class GraphCommands final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// All must outlive this object.
+    GraphCommands(Commands &commands, Workspace &workspace);
+
+    /// What is selected; nothing on the start page.
+    QStringList selectedIds() const;
+    void select(const QStringList &ids);
+    /// Select an action and make it visible.
+    void showAction(const QString &id);
+    /// Add an action and select it: into the selected link or after the selected action, if that is
+    /// possible, else at a free place.
+    void addAction(const QString &type);
+    /// Enable what is possible now.
+    void update();
+
+Q_SIGNALS:
+    /// A sentence for the status bar: what was done, or why it is impossible.
+    void reported(const QString &text);
+
+private:
+    void connectEdits();
+    void connectLinks();
+    void connectViews();
+    void connectExports();
+    void connectRuns();
+    /// Call a function of the canvas of the current tab, if there is one.
+    void onCanvas(const char *command, void (CanvasView::*function)());
+
+    DocumentTab *tab() const;
+    GraphDocument *document() const;
+    CanvasView *canvas() const;
+    QVector<LinkRef> selectedLinks() const;
+
+    void cut();
+    void copy();
+    void paste();
+    /// Link the two selected actions, or let the user choose what to link the selected one to.
+    void link();
+    void chooseLink(const QString &id);
+    void insertIntoLink();
+    void exportPicture(const QString &title, const QString &filter, const QString &suffix);
+    void copyCommand();
+    void saveScript();
+    /// Save a new or changed graph first; the command and the script name its file. Returns false
+    /// if the user cancelled.
+    bool hasFile();
+
+    Commands &m_commands;
+    Workspace &m_workspace;
+};
+
+} // namespace corvanta::studio

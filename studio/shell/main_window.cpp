@@ -1,0 +1,435 @@
+#include "studio/shell/main_window.h"
+
+#include "studio/canvas/canvas_view.h"
+#include "studio/data/data_view.h"
+#include "studio/run/log_panel.h"
+#include "studio/run/run_controller.h"
+#include "studio/run/run_status.h"
+#include "studio/shell/commands.h"
+#include "studio/shell/document_tab.h"
+#include "studio/shell/editor_hooks.h"
+#include "studio/shell/graph_commands.h"
+#include "studio/shell/palette/palette.h"
+#include "studio/shell/preferences/appearance.h"
+#include "studio/shell/preferences/preferences.h"
+#include "studio/shell/preferences/settings.h"
+#include "studio/shell/preferences/shortcut_editor.h"
+#include "studio/shell/views/data_panel.h"
+#include "studio/shell/views/help_view.h"
+#include "studio/shell/views/outline.h"
+#include "studio/shell/views/problem_list.h"
+#include "studio/shell/views/property_view.h"
+#include "studio/shell/views/variable_table.h"
+#include "studio/shell/workspace.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QUrl>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+namespace {
+
+/// The graph files among the dropped files.
+QStringList graphsOf(const QMimeData &data)
+{
+    QStringList files;
+    for (const QUrl &url : data.urls()) {
+        if (url.isLocalFile() && url.toLocalFile().endsWith(".graph"_L1, Qt::CaseInsensitive)) {
+            files << url.toLocalFile();
+        }
+    }
+    return files;
+}
+
+} // namespace
+
+MainWindow::MainWindow(const ActionRegistry &registry, Settings &settings)
+    : m_registry(registry)
+    , m_settings(settings)
+    , m_commands(new Commands(this, settings))
+    , m_workspace(new Workspace(registry, settings, this))
+    , m_palette(new Palette(registry, settings, this))
+    , m_properties(new PropertyView(this))
+    , m_variables(new VariableTable(this))
+    , m_outline(new Outline(this))
+    , m_problems(new ProblemList(this))
+    , m_help(new HelpView(registry, this))
+    , m_logs(new QStackedWidget(this))
+    , m_data(new DataPanel(registry, this))
+    , m_runStatus(new RunStatus(this))
+    , m_graphCommands(new GraphCommands(*m_commands, *m_workspace))
+{
+    setObjectName(u"mainWindow"_s);
+    setAcceptDrops(true);
+    setDockNestingEnabled(true);
+    setCentralWidget(m_workspace);
+    setEditorHooks(*m_workspace);
+    makeDocks();
+    makeMenus();
+    statusBar()->addPermanentWidget(m_runStatus);
+    connectFileCommands();
+    connectViewCommands();
+    connectFocusCommands();
+    connectHelpCommands();
+    connectPanels();
+    connectTabs();
+    restoreArrangement();
+    showTab();
+}
+
+MainWindow::~MainWindow()
+{
+    // The panels before their documents, and both before the hooks that they call.
+    m_properties->show(nullptr, {});
+    m_shown = nullptr; // ends the reports of its document
+    delete m_workspace;
+    resetEditorHooks();
+}
+
+void MainWindow::makeDocks()
+{
+    setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+    QDockWidget *const palette = addDock(Qt::LeftDockWidgetArea, tr("Palette"), m_palette);
+    QDockWidget *const outline = addDock(Qt::LeftDockWidgetArea, tr("Outline"), m_outline);
+    QDockWidget *const properties =
+        addDock(Qt::RightDockWidgetArea, tr("Properties"), m_properties);
+    tabifyDockWidget(properties, addDock(Qt::RightDockWidgetArea, tr("Variables"), m_variables));
+    tabifyDockWidget(properties, addDock(Qt::RightDockWidgetArea, tr("Help"), m_help));
+    QDockWidget *const problems = addDock(Qt::BottomDockWidgetArea, tr("Problems"), m_problems);
+    m_logs->setObjectName(u"logs"_s);
+    tabifyDockWidget(problems, addDock(Qt::BottomDockWidgetArea, tr("Log"), m_logs));
+    tabifyDockWidget(problems, addDock(Qt::BottomDockWidgetArea, tr("Data"), m_data));
+    properties->raise();
+    problems->raise();
+    const int letter = fontMetrics().averageCharWidth();
+    resizeDocks({palette, properties}, {letter * 36, letter * 60}, Qt::Horizontal);
+    const int line = fontMetrics().lineSpacing();
+    resizeDocks({problems}, {line * 11}, Qt::Vertical);
+    resizeDocks({palette, outline}, {line * 30, line * 11}, Qt::Vertical);
+}
+
+QDockWidget *MainWindow::addDock(Qt::DockWidgetArea area, const QString &title, QWidget *content)
+{
+    auto *const dock = new QDockWidget(title, this);
+    dock->setObjectName(u"dock."_s + content->objectName());
+    dock->setWidget(content);
+    addDockWidget(area, dock);
+    return dock;
+}
+
+void MainWindow::makeMenus()
+{
+    m_commands->fill(menuBar());
+    QToolBar *const bar = addToolBar(tr("Tool bar"));
+    bar->setObjectName(u"toolBar"_s);
+    m_commands->fill(bar);
+    QMenu *const docks = m_commands->menu(u"view.docks"_s);
+    for (const QDockWidget *const dock : findChildren<QDockWidget *>()) {
+        docks->addAction(dock->toggleViewAction());
+    }
+    docks->addAction(bar->toggleViewAction());
+    connect(m_commands->menu(u"file.recent"_s), &QMenu::aboutToShow, this,
+            &MainWindow::fillRecentMenu);
+}
+
+void MainWindow::connectFileCommands()
+{
+    m_commands->onTrigger("file.new", m_workspace, &Workspace::newDocument);
+    m_commands->onTrigger("file.open", m_workspace, &Workspace::openWithDialog);
+    m_commands->onTrigger("file.start", m_workspace, &Workspace::showStartPage);
+    m_commands->onTrigger("file.save", this, [this] { m_workspace->save(m_shown); });
+    m_commands->onTrigger("file.saveAs", this, [this] { m_workspace->saveAs(m_shown); });
+    m_commands->onTrigger("file.saveAll", m_workspace, &Workspace::saveAll);
+    m_commands->onTrigger("file.reload", this, [this] { m_workspace->reload(m_shown); });
+    m_commands->onTrigger("file.close", this,
+                          [this] { m_workspace->close(m_workspace->currentIndex()); });
+    m_commands->onTrigger("file.quit", this, &QWidget::close);
+}
+
+void MainWindow::connectViewCommands()
+{
+    m_commands->onTrigger("view.larger", this, [this] { changeFont(10); });
+    m_commands->onTrigger("view.smaller", this, [this] { changeFont(-10); });
+    m_commands->onTrigger("view.dark", this, [this](bool isDark) {
+        m_settings.setTheme(isDark ? Theme::Dark : Theme::Light);
+        applySettings();
+    });
+    m_commands->onTrigger("view.fullScreen", this, [this](bool isFull) {
+        setWindowState(windowState().setFlag(Qt::WindowFullScreen, isFull));
+    });
+    const auto showTabAt = [this](int step) {
+        const int count = m_workspace->count();
+        m_workspace->setCurrentIndex((m_workspace->currentIndex() + step + count) % count);
+    };
+    m_commands->onTrigger("view.nextTab", this, [=] { showTabAt(1); });
+    m_commands->onTrigger("view.previousTab", this, [=] { showTabAt(-1); });
+    m_commands->onTrigger("edit.preferences", this, [this] {
+        Preferences dialog(m_settings, this);
+        if (dialog.exec() == QDialog::Accepted) {
+            applySettings();
+        }
+    });
+    m_commands->onTrigger("edit.shortcuts", this,
+                          [this] { ShortcutEditor(*m_commands, this).exec(); });
+}
+
+void MainWindow::connectFocusCommands()
+{
+    m_commands->onTrigger("view.canvas", this,
+                          [this] { m_workspace->currentWidget()->setFocus(); });
+    const auto search = [this] {
+        raise(m_palette);
+        m_palette->startSearch();
+    };
+    m_commands->onTrigger("view.palette", this, search);
+    m_commands->onTrigger("graph.add", this, search);
+    m_commands->onTrigger("view.properties", this, [this] {
+        raise(m_properties);
+        m_properties->editName();
+    });
+    m_commands->onTrigger("edit.rename", this, [this] {
+        raise(m_properties);
+        m_properties->editName();
+    });
+    m_commands->onTrigger("edit.comment", this, [this] {
+        raise(m_properties);
+        m_properties->editComment();
+    });
+    m_commands->onTrigger("edit.variables", this, [this] {
+        raise(m_variables);
+        m_variables->startEditing();
+    });
+    m_commands->onTrigger("view.outline", this, [this] { raise(m_outline); });
+    m_commands->onTrigger("view.problems", this, [this] { raise(m_problems); });
+    m_commands->onTrigger("view.log", this, [this] { raise(m_logs); });
+    m_commands->onTrigger("view.data", this, [this] { raise(m_data); });
+    m_commands->onTrigger("run.data", this, [this] { raise(m_data); });
+}
+
+void MainWindow::connectHelpCommands()
+{
+    m_commands->onTrigger("help.action", this, [this] {
+        const QStringList ids = m_graphCommands->selectedIds();
+        showHelp(ids.isEmpty() ? QString() : m_shown->document()->type(ids.first()));
+    });
+    m_commands->onTrigger("help.keys", this, [this] { ShortcutEditor(*m_commands, this).exec(); });
+    m_commands->onTrigger("help.about", this, &MainWindow::showAbout);
+}
+
+void MainWindow::connectPanels()
+{
+    connect(m_palette, &Palette::actionChosen, this, &MainWindow::addAction);
+    connect(m_palette, &Palette::helpRequested, this, &MainWindow::showHelp);
+    connect(m_help, &HelpView::pageOpened, this, [this] { raise(m_help); });
+    m_commands->addGraphShortcuts(m_outline);
+    connect(m_outline, &Outline::selectionChosen, m_graphCommands, &GraphCommands::select);
+    connect(m_outline, &Outline::shown, m_graphCommands, &GraphCommands::showAction);
+    constexpr int kReportMs = 8000;
+    connect(m_graphCommands, &GraphCommands::reported, this,
+            [this](const QString &text) { statusBar()->showMessage(text, kReportMs); });
+    connect(m_problems, &ProblemList::actionChosen, m_graphCommands, &GraphCommands::showAction);
+    connect(m_problems, &ProblemList::countChanged, this, [this](int count) {
+        findChild<QDockWidget *>(u"dock.problems"_s)
+            ->setWindowTitle(count == 0 ? tr("Problems") : tr("Problems: %1").arg(count));
+    });
+}
+
+void MainWindow::connectTabs()
+{
+    connect(m_workspace, &Workspace::tabOpened, this, &MainWindow::connectTab);
+    connect(m_workspace, &Workspace::currentTabChanged, this, &MainWindow::showTab);
+    connect(m_workspace, &Workspace::titleChanged, this, &MainWindow::updateTitle);
+}
+
+void MainWindow::connectTab(DocumentTab *tab)
+{
+    m_logs->addWidget(tab->log());
+    m_commands->addGraphShortcuts(tab->canvas());
+    const auto ifShown = [this, tab](auto function) {
+        return [this, tab, function] {
+            if (tab == m_shown) {
+                (this->*function)();
+            }
+        };
+    };
+    connect(tab->canvas(), &CanvasView::selectionChanged, this,
+            ifShown(&MainWindow::showSelection));
+    connect(tab->canvas(), &CanvasView::message, m_graphCommands, &GraphCommands::reported);
+    connect(tab->canvas(), &CanvasView::graphDropped, m_workspace, &Workspace::open);
+    connect(tab->canvas(), &CanvasView::activated, this, [this] { raise(m_properties); });
+    connect(tab->canvas(), &CanvasView::renameWanted, (*m_commands)[u"edit.rename"_s],
+            &QAction::trigger);
+    connect(tab->log(), &LogPanel::actionChosen, m_graphCommands, &GraphCommands::showAction);
+    connect(tab->runs(), &RunController::runningChanged, this,
+            ifShown(&MainWindow::updateCommands));
+    connect(tab->runs(), &RunController::filesWritten, m_data->view(), &DataView::filesWritten);
+    GraphDocument *const document = tab->document();
+    for (const auto signal : {&GraphDocument::actionChanged, &GraphDocument::columnsChanged}) {
+        connect(document, signal, this, [this, tab](const QString &id) {
+            if (tab == m_shown && m_properties->shows(id)) {
+                m_properties->refresh();
+            }
+        });
+    }
+    connect(document, &GraphDocument::actionRenamed, this, ifShown(&MainWindow::showSelection));
+    connect(document, &GraphDocument::reloaded, this, ifShown(&MainWindow::showSelection));
+    connect(document->undoStack(), &QUndoStack::indexChanged, this,
+            ifShown(&MainWindow::updateCommands));
+}
+
+void MainWindow::showTab()
+{
+    m_shown = m_workspace->current();
+    GraphDocument *const document = m_shown != nullptr ? m_shown->document() : nullptr;
+    m_properties->show(nullptr, {});
+    m_variables->setDocument(document);
+    m_outline->setDocument(document);
+    m_problems->setDocument(document);
+    m_runStatus->setController(m_shown != nullptr ? m_shown->runs() : nullptr);
+    if (m_shown != nullptr) {
+        m_logs->setCurrentWidget(m_shown->log());
+    }
+    updateTitle();
+    showSelection();
+}
+
+void MainWindow::showSelection()
+{
+    GraphDocument *const document = m_shown != nullptr ? m_shown->document() : nullptr;
+    const QStringList ids = m_graphCommands->selectedIds();
+    m_properties->show(document, ids);
+    m_outline->setSelected(ids);
+    m_data->showAction(document, ids.value(0));
+    updateCommands();
+}
+
+void MainWindow::updateTitle()
+{
+    const QString program = tr("Corvanta");
+    if (m_shown == nullptr) {
+        setWindowTitle(program);
+        return;
+    }
+    // "[*]" is the place of the mark for unsaved changes.
+    setWindowTitle(u"%1[*] - %2"_s.arg(m_shown->document()->title(), program));
+    setWindowFilePath(m_shown->document()->fileName());
+    setWindowModified(m_shown->document()->isModified());
+}
+
+void MainWindow::updateCommands()
+{
+    m_graphCommands->update();
+    const bool hasTab = m_shown != nullptr;
+    for (const char *const name : {"file.save", "file.saveAs", "file.saveAll", "edit.variables"}) {
+        (*m_commands)[QLatin1StringView(name)]->setEnabled(hasTab);
+    }
+    (*m_commands)[u"file.reload"_s]->setEnabled(hasTab &&
+                                                !m_shown->document()->fileName().isEmpty());
+}
+
+void MainWindow::addAction(const QString &type)
+{
+    if (m_shown == nullptr) {
+        m_workspace->newDocument();
+    }
+    m_graphCommands->addAction(type);
+    m_palette->noteUse(type);
+}
+
+void MainWindow::fillRecentMenu()
+{
+    QMenu *const menu = m_commands->menu(u"file.recent"_s);
+    menu->clear();
+    for (const QString &file : m_settings.recentFiles()) {
+        // "&" would be a mnemonic.
+        menu->addAction(QString(file).replace(u'&', u"&&"_s), this,
+                        [this, file] { m_workspace->open(file); });
+    }
+    menu->addSeparator();
+    menu->addAction(tr("&Clear"), this, [this] { m_settings.clearRecentFiles(); });
+}
+
+void MainWindow::raise(QWidget *content)
+{
+    if (auto *const dock = qobject_cast<QDockWidget *>(content->parentWidget())) {
+        dock->show();
+        dock->raise();
+    }
+    content->setFocus(Qt::ShortcutFocusReason);
+}
+
+void MainWindow::changeFont(int percent)
+{
+    m_settings.setFontPercent(m_settings.fontPercent() + percent);
+    applySettings();
+}
+
+void MainWindow::applySettings()
+{
+    applyAppearance(m_settings.theme(), m_settings.fontPercent());
+    (*m_commands)[u"view.dark"_s]->setChecked(isDark(palette()));
+}
+
+void MainWindow::showHelp(const QString &type)
+{
+    m_help->showAction(type);
+    raise(m_help);
+}
+
+void MainWindow::showAbout()
+{
+    const QString text = tr("Corvanta %1, an editor of data-flow graphs.\nActions: %2")
+                             .arg(QCoreApplication::applicationVersion(),
+                                  QString::number(m_registry.prototypes().size()));
+    QMessageBox::about(this, tr("About Corvanta"), text);
+}
+
+void MainWindow::restoreArrangement()
+{
+    (*m_commands)[u"view.dark"_s]->setChecked(isDark(palette()));
+    if (!restoreGeometry(m_settings.windowGeometry())) {
+        resize(1280, 800);
+    }
+    restoreState(m_settings.windowState());
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (!m_workspace->closeAll()) {
+        event->ignore();
+        return;
+    }
+    m_settings.setWindow(saveGeometry(), saveState());
+    event->accept();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!graphsOf(*event->mimeData()).isEmpty()) {
+        event->acceptProposedAction();
+    }
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    for (const QString &file : graphsOf(*event->mimeData())) {
+        m_workspace->open(file);
+    }
+    event->acceptProposedAction();
+}
+
+} // namespace corvanta::studio

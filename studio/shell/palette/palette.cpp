@@ -1,0 +1,148 @@
+#include "studio/shell/palette/palette.h"
+
+#include "studio/shell/palette/palette_model.h"
+#include "studio/shell/preferences/settings.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+Palette::Palette(const ActionRegistry &registry, Settings &settings, QWidget *parent)
+    : QWidget(parent)
+    , m_settings(settings)
+    , m_catalogue(registry)
+    , m_model(new PaletteModel(registry, m_catalogue, settings, this))
+    , m_search(new QLineEdit(this))
+    , m_tree(new QTreeView(this))
+{
+    setObjectName(u"palette"_s);
+    makeSearch();
+    makeTree();
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(4, 4, 4, 4);
+    layout->addWidget(m_search);
+    layout->addWidget(m_tree);
+    setFocusProxy(m_search);
+}
+
+void Palette::makeSearch()
+{
+    m_search->setObjectName(u"paletteSearch"_s);
+    m_search->setAccessibleName(tr("Search actions"));
+    m_search->setPlaceholderText(tr("Search actions"));
+    m_search->setClearButtonEnabled(true);
+    m_search->installEventFilter(this);
+    connect(m_search, &QLineEdit::textChanged, this, &Palette::search);
+    connect(m_search, &QLineEdit::returnPressed, this, [this] { choose(firstAction()); });
+}
+
+void Palette::makeTree()
+{
+    m_tree->setObjectName(u"paletteTree"_s);
+    m_tree->setAccessibleName(tr("Actions"));
+    m_tree->setModel(m_model);
+    m_tree->setHeaderHidden(true);
+    m_tree->setDragEnabled(true);
+    m_tree->setIconSize({20, 20});
+    m_tree->setUniformRowHeights(true);
+    m_tree->setIndentation(m_tree->indentation() / 2);
+    m_tree->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // tool tips have the descriptions
+    m_tree->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_tree, &QTreeView::activated, this, &Palette::choose);
+    connect(m_tree, &QTreeView::customContextMenuRequested, this, &Palette::showMenu);
+    search({});
+}
+
+void Palette::startSearch()
+{
+    m_search->setFocus(Qt::ShortcutFocusReason);
+    m_search->selectAll();
+}
+
+void Palette::search(const QString &text)
+{
+    m_model->setSearch(text);
+    m_tree->expandAll();
+    m_tree->resizeColumnToContents(0);
+    m_tree->setRootIsDecorated(text.trimmed().isEmpty());
+    m_tree->setCurrentIndex(firstAction());
+}
+
+QModelIndex Palette::firstAction() const
+{
+    const QModelIndex first = m_model->index(0, 0);
+    return m_model->hasChildren(first) ? m_model->index(0, 0, first) : first;
+}
+
+void Palette::choose(const QModelIndex &index)
+{
+    const QString type = index.data(PaletteModel::kTypeRole).toString();
+    if (!type.isEmpty()) {
+        Q_EMIT actionChosen(type);
+    }
+}
+
+void Palette::noteUse(const QString &type)
+{
+    m_settings.addRecentAction(type);
+    refresh();
+}
+
+void Palette::refresh()
+{
+    const QString type = m_tree->currentIndex().data(PaletteModel::kTypeRole).toString();
+    search(m_search->text());
+    // The last one is in its category, not among the recent ones.
+    const QModelIndexList same = m_model->match(m_model->index(0, 0), PaletteModel::kTypeRole, type,
+                                                -1, Qt::MatchExactly | Qt::MatchRecursive);
+    if (!type.isEmpty() && !same.isEmpty()) {
+        m_tree->setCurrentIndex(same.last());
+    }
+}
+
+void Palette::showMenu(const QPoint &position)
+{
+    const QString type = m_tree->indexAt(position).data(PaletteModel::kTypeRole).toString();
+    if (type.isEmpty()) {
+        return;
+    }
+    QMenu menu(this);
+    connect(menu.addAction(tr("Add to the graph")), &QAction::triggered, this,
+            [&] { Q_EMIT actionChosen(type); });
+    QAction *const favourite = menu.addAction(tr("Favourite"));
+    favourite->setCheckable(true);
+    favourite->setChecked(m_settings.favouriteActions().contains(type));
+    connect(favourite, &QAction::toggled, this, [&](bool isFavourite) {
+        m_settings.setFavouriteAction(type, isFavourite);
+        refresh();
+    });
+    connect(menu.addAction(tr("Help")), &QAction::triggered, this,
+            [&] { Q_EMIT helpRequested(type); });
+    menu.exec(m_tree->viewport()->mapToGlobal(position));
+}
+
+bool Palette::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_search && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Down || key == Qt::Key_PageDown) {
+            m_tree->setFocus(Qt::OtherFocusReason);
+            return true;
+        }
+        if (key == Qt::Key_Escape && !m_search->text().isEmpty()) {
+            m_search->clear();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+} // namespace corvanta::studio

@@ -1,0 +1,108 @@
+#include "studio/shell/palette/palette_model.h"
+
+#include "corvanta/action_registry.h"
+#include "studio/shell/preferences/settings.h"
+
+#include <QIcon>
+#include <QMimeData>
+#include <QPixmap>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+const QString PaletteModel::kMimeType = u"application/x-corvanta-action"_s;
+
+PaletteModel::PaletteModel(const ActionRegistry &registry, const Catalogue &catalogue,
+                           const Settings &settings, QObject *parent)
+    : QStandardItemModel(parent)
+    , m_registry(registry)
+    , m_catalogue(catalogue)
+    , m_settings(settings)
+{
+    setSearch({});
+}
+
+void PaletteModel::setSearch(const QString &text)
+{
+    m_search = text;
+    clear();
+    setColumnCount(2);
+    if (text.trimmed().isEmpty()) {
+        showCategories();
+        return;
+    }
+    for (const CatalogueEntry *const entry : m_catalogue.search(text)) {
+        addEntry(invisibleRootItem(), *entry);
+    }
+}
+
+void PaletteModel::showCategories()
+{
+    addCategory(tr("Favourites"), m_settings.favouriteActions());
+    addCategory(tr("Recent"), m_settings.recentActions().mid(0, 5));
+    QString title;
+    QStringList types;
+    for (const CatalogueEntry &entry : m_catalogue.entries()) {
+        if (entry.category != title) {
+            addCategory(title, types);
+            title = entry.category;
+            types.clear();
+        }
+        types << entry.type;
+    }
+    addCategory(title, types);
+}
+
+void PaletteModel::addCategory(const QString &title, const QStringList &types)
+{
+    auto category = std::make_unique<QStandardItem>(title);
+    category->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+    category->setColumnCount(2);
+    for (const QString &type : types) {
+        // A module that was there in an earlier session may be missing now.
+        if (const CatalogueEntry *const entry = m_catalogue.find(type)) {
+            addEntry(category.get(), *entry);
+        }
+    }
+    if (category->rowCount() > 0) {
+        appendRow(category.release()); // the model owns its items
+    }
+}
+
+void PaletteModel::addEntry(QStandardItem *parent, const CatalogueEntry &entry)
+{
+    auto *const name = new QStandardItem(entry.type); // the parent owns its items
+    auto *const description = new QStandardItem(entry.description);
+    for (QStandardItem *const item : {name, description}) {
+        item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled);
+        item->setData(entry.type, kTypeRole);
+        item->setToolTip(entry.description);
+    }
+    name->setAccessibleDescription(entry.description);
+    parent->appendRow({name, description});
+}
+
+QMimeData *PaletteModel::mimeData(const QModelIndexList &indexes) const
+{
+    const QString type = indexes.value(0).data(kTypeRole).toString();
+    if (type.isEmpty()) {
+        return nullptr;
+    }
+    auto *const data = new QMimeData; // the drag owns it
+    data->setData(kMimeType, type.toUtf8());
+    return data;
+}
+
+QVariant PaletteModel::data(const QModelIndex &index, int role) const
+{
+    if (role == Qt::DecorationRole && index.column() == 0) {
+        const QString type = QStandardItemModel::data(index, kTypeRole).toString();
+        if (ActionItem *const prototype = m_registry.prototype(type)) {
+            return QIcon(*prototype->getIcon(1));
+        }
+    }
+    return QStandardItemModel::data(index, role);
+}
+
+} // namespace corvanta::studio

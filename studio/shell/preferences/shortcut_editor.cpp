@@ -1,0 +1,157 @@
+#include "studio/shell/preferences/shortcut_editor.h"
+
+#include "studio/shell/commands.h"
+
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeySequenceEdit>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+namespace {
+
+enum Column { Name, Keys, Meaning };
+
+QString plainText(const QAction &action)
+{
+    return action.text().remove(u'&').remove(u"..."_s);
+}
+
+QString keyTexts(const QAction &action)
+{
+    QStringList texts;
+    for (const QKeySequence &keys : action.shortcuts()) {
+        texts << keys.toString(QKeySequence::NativeText);
+    }
+    return texts.join(u"; "_s);
+}
+
+} // namespace
+
+ShortcutEditor::ShortcutEditor(Commands &commands, QWidget *parent)
+    : QDialog(parent)
+    , m_commands(commands)
+    , m_filter(new QLineEdit(this))
+    , m_tree(new QTreeWidget(this))
+    , m_keys(new QKeySequenceEdit(this))
+    , m_clear(new QPushButton(tr("&Remove"), this))
+    , m_reset(new QPushButton(tr("&Default"), this))
+    , m_conflict(new QLabel(this))
+{
+    setObjectName(u"shortcutEditor"_s);
+    setWindowTitle(tr("Shortcuts"));
+    makeTree();
+    makeFields();
+    auto *const row = new QHBoxLayout; // the dialog's layout owns it
+    row->addWidget(m_keys, 1);
+    row->addWidget(m_clear);
+    row->addWidget(m_reset);
+    auto *const close = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    connect(close, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto *const layout = new QVBoxLayout(this);
+    layout->addWidget(m_filter);
+    layout->addWidget(m_tree, 1);
+    layout->addLayout(row);
+    layout->addWidget(m_conflict);
+    layout->addWidget(close);
+    resize(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 30);
+    m_tree->setCurrentItem(m_tree->topLevelItem(0));
+}
+
+void ShortcutEditor::makeTree()
+{
+    m_tree->setObjectName(u"shortcutTree"_s);
+    m_tree->setAccessibleName(tr("Commands and their shortcuts"));
+    m_tree->setHeaderLabels({tr("Command"), tr("Shortcut"), tr("Meaning")});
+    m_tree->setRootIsDecorated(false);
+    for (QAction *const action : m_commands.all()) {
+        auto *const item = new QTreeWidgetItem(m_tree); // the tree owns it
+        item->setText(Name, plainText(*action));
+        item->setText(Meaning, action->statusTip());
+        item->setData(Name, Qt::UserRole, action->objectName());
+        showKeys(item);
+    }
+    m_tree->header()->resizeSections(QHeaderView::ResizeToContents);
+    connect(m_tree, &QTreeWidget::currentItemChanged, this, &ShortcutEditor::showCurrent);
+}
+
+void ShortcutEditor::makeFields()
+{
+    m_filter->setObjectName(u"shortcutFilter"_s);
+    m_filter->setPlaceholderText(tr("Search commands"));
+    m_filter->setAccessibleName(tr("Search commands"));
+    m_filter->setClearButtonEnabled(true);
+    m_keys->setObjectName(u"shortcutKeys"_s);
+    m_keys->setAccessibleName(tr("New shortcut"));
+    m_conflict->setObjectName(u"shortcutConflict"_s);
+    m_conflict->setWordWrap(true);
+    for (QPushButton *const button : {m_clear, m_reset}) {
+        button->setAutoDefault(false);
+    }
+    connect(m_filter, &QLineEdit::textChanged, this, &ShortcutEditor::filter);
+    connect(m_keys, &QKeySequenceEdit::editingFinished, this,
+            [this] { setKeys(m_keys->keySequence()); });
+    connect(m_clear, &QPushButton::clicked, this, [this] { setKeys({}); });
+    connect(m_reset, &QPushButton::clicked, this, [this] {
+        if (const QAction *const action = currentAction()) {
+            setKeys(Commands::defaultShortcut(*action));
+        }
+    });
+}
+
+void ShortcutEditor::filter(const QString &text)
+{
+    for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
+        QTreeWidgetItem *const item = m_tree->topLevelItem(i);
+        const bool fits = item->text(Name).contains(text, Qt::CaseInsensitive) ||
+                          item->text(Keys).contains(text, Qt::CaseInsensitive) ||
+                          item->text(Meaning).contains(text, Qt::CaseInsensitive);
+        item->setHidden(!fits);
+    }
+}
+
+QAction *ShortcutEditor::currentAction() const
+{
+    const QTreeWidgetItem *const item = m_tree->currentItem();
+    return item != nullptr ? m_commands[item->data(Name, Qt::UserRole).toString()] : nullptr;
+}
+
+void ShortcutEditor::showCurrent()
+{
+    const QAction *const action = currentAction();
+    m_keys->setEnabled(action != nullptr);
+    m_keys->setKeySequence(action != nullptr ? action->shortcut() : QKeySequence());
+    m_conflict->clear();
+}
+
+void ShortcutEditor::showKeys(QTreeWidgetItem *item)
+{
+    item->setText(Keys, keyTexts(*m_commands[item->data(Name, Qt::UserRole).toString()]));
+}
+
+void ShortcutEditor::setKeys(const QKeySequence &keys)
+{
+    QAction *const action = currentAction();
+    if (action == nullptr || keys == action->shortcut()) {
+        return;
+    }
+    if (const QAction *const other = m_commands.findConflict(action, keys)) {
+        m_keys->setKeySequence(action->shortcut());
+        m_conflict->setText(tr("%1 is the shortcut of \"%2\"")
+                                .arg(keys.toString(QKeySequence::NativeText), plainText(*other)));
+        return;
+    }
+    m_commands.setShortcut(action, keys);
+    showKeys(m_tree->currentItem());
+    showCurrent();
+}
+
+} // namespace corvanta::studio

@@ -1,0 +1,54 @@
+#include "studio/shell/views/message_bar.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+MessageBar::MessageBar(QWidget *parent)
+    : QFrame(parent)
+    , m_text(new QLabel(this))
+    , m_layout(new QHBoxLayout(this))
+{
+    setObjectName(u"messageBar"_s);
+    setFrameShape(QFrame::StyledPanel);
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::ToolTipBase);
+    m_text->setObjectName(u"messageText"_s);
+    m_text->setTextFormat(Qt::PlainText);
+    m_text->setForegroundRole(QPalette::ToolTipText);
+    m_text->setWordWrap(true);
+    m_layout->addWidget(m_text, 1);
+    hide();
+}
+
+void MessageBar::show(const QString &text, const QVector<Choice> &choices)
+{
+    m_text->setText(text);
+    setAccessibleName(text);
+    for (QPushButton *const button : findChildren<QPushButton *>()) {
+        button->hide();
+        button->deleteLater(); // the message may be replaced by a click on it
+    }
+    for (const Choice &choice : choices) {
+        addButton(choice);
+    }
+    setVisible(true);
+}
+
+void MessageBar::addButton(const Choice &choice)
+{
+    auto *const button = new QPushButton(choice.text, this);
+    m_layout->addWidget(button);
+    connect(button, &QPushButton::clicked, this, [this, run = choice.run] {
+        hide();
+        if (run) {
+            run();
+        }
+    });
+}
+
+} // namespace corvanta::studio

@@ -1,0 +1,130 @@
+#include "studio/shell/views/outline.h"
+
+#include "studio/document/graph_document.h"
+
+#include <QSet>
+#include <QSignalBlocker>
+
+using namespace Qt::StringLiterals;
+
+namespace corvanta::studio {
+
+namespace {
+
+constexpr int kIdRole = Qt::UserRole;
+
+} // namespace
+
+Outline::Outline(QWidget *parent)
+    : QTreeWidget(parent)
+{
+    setObjectName(u"outline"_s);
+    setAccessibleName(tr("Actions and links"));
+    setHeaderLabels({tr("Action"), tr("Type"), tr("Comment")});
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setUniformRowHeights(true);
+    m_update.setSingleShot(true);
+    m_update.setInterval(0);
+    connect(&m_update, &QTimer::timeout, this, &Outline::fill);
+    connect(this, &QTreeWidget::itemSelectionChanged, this, &Outline::reportSelection);
+    connect(this, &QTreeWidget::itemActivated, this,
+            [this](const QTreeWidgetItem *item) { Q_EMIT shown(idOf(*item)); });
+}
+
+void Outline::setDocument(GraphDocument *document)
+{
+    if (m_document != nullptr) {
+        m_document->disconnect(this);
+    }
+    m_document = document;
+    m_selected.clear();
+    if (document != nullptr) {
+        const auto update = [this] { m_update.start(); };
+        connect(document, &GraphDocument::actionAdded, this, update);
+        connect(document, &GraphDocument::actionRemoved, this, update);
+        connect(document, &GraphDocument::actionRenamed, this, update);
+        connect(document, &GraphDocument::actionChanged, this, update);
+        connect(document, &GraphDocument::linkAdded, this, update);
+        connect(document, &GraphDocument::linkRemoved, this, update);
+        connect(document, &GraphDocument::reloaded, this, update);
+    }
+    fill();
+}
+
+void Outline::fill()
+{
+    const QSignalBlocker blocker(this);
+    clear();
+    if (m_document == nullptr) {
+        return;
+    }
+    for (const QString &id : m_document->ids()) {
+        addAction(id);
+    }
+    for (int i = 0; i < columnCount(); ++i) {
+        resizeColumnToContents(i);
+    }
+    setSelected(m_selected);
+}
+
+void Outline::addAction(const QString &id)
+{
+    const QString comment = m_document->comment(id).simplified();
+    auto *const item = new QTreeWidgetItem(this, {id, m_document->type(id), comment});
+    item->setData(0, kIdRole, id);
+    const auto addLink = [&](const LinkRef &link, const PinRef &other, const QString &text) {
+        const QString target = u"%1:%2"_s.arg(other.action, QString::number(other.pin));
+        const int pin = link.from == other ? link.to.pin : link.from.pin;
+        auto *const child = new QTreeWidgetItem(item, {text.arg(QString::number(pin), target)});
+        child->setData(0, kIdRole, other.action);
+    };
+    for (int pin = 0; pin < m_document->inputCount(id); ++pin) {
+        for (const LinkRef &link : m_document->linksTo({id, pin})) {
+            addLink(link, link.from, tr("input %1 from %2"));
+        }
+    }
+    for (int pin = 0; pin < m_document->outputCount(id); ++pin) {
+        for (const LinkRef &link : m_document->linksFrom({id, pin})) {
+            addLink(link, link.to, tr("output %1 to %2"));
+        }
+    }
+}
+
+QString Outline::idOf(const QTreeWidgetItem &item)
+{
+    return item.data(0, kIdRole).toString();
+}
+
+void Outline::setSelected(const QStringList &ids)
+{
+    m_selected = ids;
+    const QSignalBlocker blocker(this);
+    const QSet<QString> wanted(ids.begin(), ids.end());
+    QTreeWidgetItem *first = nullptr;
+    clearSelection();
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        QTreeWidgetItem *const item = topLevelItem(i);
+        if (wanted.contains(idOf(*item))) {
+            first = first != nullptr ? first : item;
+            item->setSelected(true);
+        }
+    }
+    if (first != nullptr && !hasFocus()) {
+        setCurrentItem(first, 0, QItemSelectionModel::NoUpdate);
+        scrollToItem(first);
+    }
+}
+
+void Outline::reportSelection()
+{
+    QStringList ids;
+    for (const QTreeWidgetItem *const item : selectedItems()) {
+        // A link has its action as the parent.
+        ids << idOf(item->parent() != nullptr ? *item->parent() : *item);
+    }
+    ids.removeDuplicates();
+    m_selected = ids;
+    Q_EMIT selectionChosen(ids);
+}
+
+} // namespace corvanta::studio

@@ -1,0 +1,453 @@
+// The window without its canvas: palette, properties, outline, files, shortcuts, settings.
+#include "corvanta/action_registry.h"
+#include "corvanta/edit/translation.h"
+#include "studio/canvas/canvas_view.h"
+#include "studio/shell/command_text.h"
+#include "studio/shell/commands.h"
+#include "studio/shell/document_tab.h"
+#include "studio/shell/main_window.h"
+#include "studio/shell/palette/catalogue.h"
+#include "studio/shell/preferences/appearance.h"
+#include "studio/shell/preferences/settings.h"
+#include "studio/shell/preferences/shortcut_editor.h"
+#include "studio/shell/views/examples.h"
+#include "studio/shell/workspace.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QHeaderView>
+#include <QKeySequenceEdit>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QProcess>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextEdit>
+#include <QTimer>
+#include <QTreeView>
+#include <QTreeWidget>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+using namespace corvanta::studio;
+
+namespace {
+
+const ActionRegistry &registry()
+{
+    static const auto loaded = [] {
+        auto all = std::make_unique<ActionRegistry>();
+        all->loadAll();
+        return all;
+    }();
+    return *loaded;
+}
+
+constexpr char kGraph[] = "<graph version='4.12'>\n"
+                          "  <variable name='year' value='2026'/>\n"
+                          "  <action id='table'><readCSV fileName='orders.csv'/></action>\n"
+                          "  <action id='sort'><sort><keys><s>a</s></keys></sort></action>\n"
+                          "  <action id='book'><writeCSV fileName='out.csv'/></action>\n"
+                          "  <link from='table:0' to='sort:0'/>\n"
+                          "  <link from='sort:0' to='book:0'/>\n"
+                          "</graph>\n";
+
+/// A window with settings of its own.
+class Shell : public testing::Test
+{
+protected:
+    QString path(const QString &name) const { return folder.filePath(name); }
+    QString write(const QString &name, const QByteArray &text) const
+    {
+        QFile file(path(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+        return file.fileName();
+    }
+    MainWindow &window()
+    {
+        if (shown == nullptr) {
+            shown = std::make_unique<MainWindow>(registry(), settings);
+            shown->show();
+            EXPECT_TRUE(QTest::qWaitForWindowExposed(shown.get()));
+        }
+        return *shown;
+    }
+    /// The document of the graph above.
+    GraphDocument &open()
+    {
+        EXPECT_TRUE(window().workspace()->open(write(u"a.graph"_s, kGraph)));
+        return document();
+    }
+    GraphDocument &document() { return *window().workspace()->current()->document(); }
+    CanvasView &canvas() { return *window().workspace()->current()->canvas(); }
+    template <class Widget> Widget &child(const char *name)
+    {
+        auto *const found = window().findChild<Widget *>(QLatin1StringView(name));
+        EXPECT_NE(found, nullptr) << name;
+        return *found;
+    }
+    void trigger(const char *name) { window().commands()[QLatin1StringView(name)]->trigger(); }
+
+    QTemporaryDir folder;
+    Settings settings{folder.filePath(u"studio.ini"_s)};
+    std::unique_ptr<MainWindow> shown;
+};
+
+/// Answers the next message box by the button with this text, without "&".
+void answer(const QString &text)
+{
+    auto *const timer = new QTimer(qApp); // deletes itself
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, text] {
+        auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (box == nullptr) {
+            return;
+        }
+        timer->deleteLater();
+        for (QAbstractButton *const button : box->buttons()) {
+            if (button->text().remove(u'&') == text) {
+                button->click();
+                return;
+            }
+        }
+        box->reject();
+        FAIL() << "no button " << text.toStdString();
+    });
+    timer->start(5);
+}
+
+TEST(Catalogue, FindsByNameKeywordTagAndDescription)
+{
+    const Catalogue catalogue(registry());
+    const auto first = [&](const QString &text) {
+        const auto found = catalogue.search(text);
+        return found.isEmpty() ? QString() : found.first()->type;
+    };
+    EXPECT_EQ(catalogue.entries().size(), qsizetype(registry().prototypes().size()));
+    EXPECT_EQ(first(u"readjs"_s), u"readJSON"_s);
+    EXPECT_EQ(first(u"dbase"_s), u"ReadXBF"_s); // keyword
+    EXPECT_EQ(first(u"pptx chart"_s), u"writeReport"_s);
+    EXPECT_EQ(first(u"jsonl"_s), u"readJSON"_s); // file extension
+    EXPECT_EQ(first(u"uncommon legacy"_s), QString());
+    EXPECT_EQ(catalogue.search(u"uncommon"_s).size(), 4); // tag
+    EXPECT_EQ(first(u"expression is true"_s), u"filter"_s);
+    EXPECT_EQ(first(u"no such thing"_s), QString());
+    EXPECT_EQ(catalogue.find(u"writeExcel"_s)->category, u"Write files"_s);
+    EXPECT_EQ(catalogue.find(u"join"_s)->category, u"Change tables"_s);
+}
+
+TEST_F(Shell, PaletteAddsByKeysAndChainsActions)
+{
+    trigger("file.new");
+    trigger("graph.add");
+    auto &search = child<QLineEdit>("paletteSearch");
+    EXPECT_TRUE(search.hasFocus());
+    QTest::keyClicks(&search, u"readcsv"_s);
+    QTest::keyClick(&search, Qt::Key_Return);
+    search.clear();
+    QTest::keyClicks(&search, u"sort"_s);
+    QTest::keyClick(&search, Qt::Key_Down);
+    auto &tree = child<QTreeView>("paletteTree");
+    EXPECT_TRUE(tree.hasFocus());
+    QTest::keyClick(&tree, Qt::Key_Return);
+    ASSERT_EQ(document().ids().size(), 2);
+    EXPECT_EQ(document().links().size(), 1); // after the selected action
+    EXPECT_EQ(settings.recentActions(), (QStringList{u"sort"_s, u"readCSV"_s}));
+    const auto *const model = tree.model();
+    std::unique_ptr<QMimeData> dragged(model->mimeData({tree.currentIndex()}));
+    EXPECT_EQ(dragged->data(u"application/x-corvanta-action"_s), "sort");
+}
+
+TEST_F(Shell, FavouritesAreListedFirst)
+{
+    settings.setFavouriteAction(u"join"_s, true);
+    settings.setFavouriteAction(u"unknownType"_s, true);
+    const auto *const model = child<QTreeView>("paletteTree").model();
+    EXPECT_EQ(model->index(0, 0).data().toString(), u"Favourites"_s);
+    EXPECT_EQ(model->rowCount(model->index(0, 0)), 1);
+}
+
+TEST_F(Shell, PropertiesEditNameCommentAndPanelAsSteps)
+{
+    open();
+    canvas().select({u"table"_s});
+    auto &name = child<QLineEdit>("actionName");
+    EXPECT_EQ(name.text(), u"table"_s);
+    name.setFocus();
+    name.selectAll();
+    QTest::keyClicks(&name, u"book"_s);
+    QTest::keyClick(&name, Qt::Key_Return);
+    EXPECT_FALSE(child<QLabel>("actionNameProblem").text().isEmpty()); // the name is taken
+    name.selectAll();
+    QTest::keyClicks(&name, u"orders"_s);
+    QTest::keyClick(&name, Qt::Key_Return);
+    EXPECT_TRUE(document().contains(u"orders"_s));
+    auto &comment = child<QPlainTextEdit>("actionComment");
+    QTest::keyClicks(&comment, u"all"_s);
+    EXPECT_EQ(document().comment(u"orders"_s), u"all"_s);
+    auto &file = child<QWidget>("fileName");
+    auto *const line = file.findChild<QLineEdit *>();
+    ASSERT_NE(line, nullptr);
+    line->selectAll();
+    QTest::keyClicks(line, u"b.csv"_s);
+    EXPECT_TRUE(document().toXml().contains("fileName='b.csv'")) << document().toXml().data();
+    EXPECT_EQ(document().undoStack()->count(), 3);
+    trigger("edit.undo");
+    EXPECT_EQ(line->text(), u"orders.csv"_s);
+    trigger("edit.undo");
+    EXPECT_EQ(comment.toPlainText(), QString());
+    trigger("edit.undo");
+    EXPECT_TRUE(document().contains(u"table"_s));
+    EXPECT_EQ(document().toXml(), QByteArray(kGraph));
+    EXPECT_FALSE(document().isModified());
+}
+
+TEST_F(Shell, SeveralActionsOfOneTypeChangeTogether)
+{
+    open();
+    const QString second = document().duplicate({u"table"_s}).value(0);
+    canvas().select({u"table"_s, second});
+    auto &header = child<QCheckBox>("header");
+    EXPECT_EQ(header.checkState(), Qt::Checked);
+    const int steps = document().undoStack()->index();
+    header.click();
+    EXPECT_EQ(document().toXml().count("header='0'"), 2);
+    EXPECT_EQ(document().undoStack()->index(), steps + 1);
+    trigger("edit.undo");
+    EXPECT_EQ(child<QCheckBox>("header").checkState(), Qt::Checked);
+    canvas().select({u"table"_s, u"sort"_s});
+    EXPECT_EQ(window().findChild<QCheckBox *>(u"header"_s), nullptr);
+}
+
+TEST_F(Shell, VariablesAreEditedInTheirTable)
+{
+    open();
+    trigger("edit.variables");
+    auto &table = child<QTableWidget>("variableTable");
+    ASSERT_EQ(table.rowCount(), 2);
+    table.item(0, 1)->setText(u"2027"_s);
+    EXPECT_EQ(document().variables().value(u"year"_s), u"2027"_s);
+    table.item(1, 0)->setText(u"month"_s);
+    EXPECT_TRUE(document().variables().contains(u"month"_s));
+    EXPECT_EQ(table.rowCount(), 3);
+    table.item(1, 0)->setText(u"year"_s); // taken
+    EXPECT_EQ(document().variables().size(), 2);
+    EXPECT_EQ(table.item(0, 0)->text(), u"year"_s);
+    table.setCurrentCell(1, 0);
+    child<QAction>("removeVariable").trigger();
+    EXPECT_EQ(document().variables().keys(), QStringList{u"year"_s});
+    while (document().undoStack()->canUndo()) {
+        trigger("edit.undo");
+    }
+    EXPECT_EQ(document().toXml(), QByteArray(kGraph));
+}
+
+TEST_F(Shell, OutlineShowsLinksAndSelects)
+{
+    open();
+    auto &outline = child<QTreeWidget>("outline");
+    ASSERT_EQ(outline.topLevelItemCount(), 3);
+    const QTreeWidgetItem *const sort = outline.topLevelItem(1);
+    ASSERT_EQ(sort->childCount(), 2);
+    EXPECT_EQ(sort->child(0)->text(0), u"input 0 from table:0"_s);
+    EXPECT_EQ(sort->child(1)->text(0), u"output 0 to book:0"_s);
+    outline.setCurrentItem(outline.topLevelItem(2));
+    EXPECT_EQ(canvas().selectedIds(), QStringList{u"book"_s});
+    canvas().select({u"table"_s});
+    EXPECT_TRUE(outline.topLevelItem(0)->isSelected());
+    document().remove({u"sort"_s});
+    QTest::qWait(10);
+    EXPECT_EQ(outline.topLevelItemCount(), 2);
+}
+
+TEST_F(Shell, ProblemsAreListedWhileEditing)
+{
+    open();
+    auto &problems = child<QTreeWidget>("problems");
+    const auto problemOf = [&](const QString &id) {
+        return !problems.findItems(id, Qt::MatchExactly).isEmpty();
+    };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return problemOf(u"table"_s); })); // there is no file
+    write(u"orders.csv"_s, "a\n1\n");
+    document().addAction(u"writeJSON"_s, {});
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return !problemOf(u"table"_s) && problemOf(u"writeJSON"_s); }));
+}
+
+TEST_F(Shell, AsksBeforeChangesAreLost)
+{
+    open();
+    document().setComment(u"table"_s, u"x"_s);
+    EXPECT_TRUE(window().windowTitle().startsWith(u"a.graph[*]"_s));
+    EXPECT_TRUE(window().isWindowModified());
+    answer(u"Cancel"_s);
+    EXPECT_FALSE(window().close());
+    answer(u"Save"_s);
+    trigger("file.close");
+    EXPECT_EQ(window().workspace()->current(), nullptr);
+    QFile file(path(u"a.graph"_s));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().contains("comment='x'"));
+}
+
+TEST_F(Shell, RemembersFilesForTheNextSession)
+{
+    open();
+    window().workspace()->open(write(u"b.graph"_s, kGraph));
+    window().workspace()->open(path(u"a.graph"_s)); // shows the tab that has it
+    EXPECT_EQ(window().workspace()->tabs().size(), 2);
+    EXPECT_TRUE(window().close());
+    shown.reset();
+    EXPECT_EQ(settings.openFiles().size(), 2);
+    window().workspace()->reopenFiles();
+    EXPECT_EQ(window().workspace()->tabs().size(), 2);
+    EXPECT_EQ(settings.recentFiles().value(0), path(u"b.graph"_s));
+}
+
+TEST_F(Shell, SaysWhyAFileCannotBeOpened)
+{
+    answer(u"OK"_s);
+    EXPECT_FALSE(window().workspace()->open(write(u"bad.graph"_s, "<graph>")));
+    EXPECT_EQ(window().workspace()->current(), nullptr);
+}
+
+TEST_F(Shell, OffersToReadAChangedFileAgain)
+{
+    open();
+    write(u"a.graph"_s, QByteArray(kGraph).replace("2026", "2031"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return child<QFrame>("messageBar").isVisible(); }));
+    child<QFrame>("messageBar").findChild<QPushButton *>()->click();
+    EXPECT_EQ(document().variables().value(u"year"_s), u"2031"_s);
+}
+
+TEST_F(Shell, StartPageListsTheExamples)
+{
+    const auto examples = findExamples(examplesFolder());
+    ASSERT_GE(examples.size(), 6);
+    EXPECT_EQ(examples.first().title, u"main"_s);
+    for (const Example &example : examples) {
+        EXPECT_FALSE(example.meaning.isEmpty()) << example.fileName.toStdString();
+    }
+    auto &list = child<QListWidget>("startExamples");
+    ASSERT_EQ(list.count(), examples.size());
+    list.setCurrentRow(0);
+    QTest::keyClick(&list, Qt::Key_Return);
+    ASSERT_NE(window().workspace()->current(), nullptr);
+    EXPECT_EQ(document().ids(), (QStringList{u"table"_s, u"workbook"_s}));
+}
+
+TEST_F(Shell, ShortcutsAreUniqueEditableAndKept)
+{
+    Commands &commands = window().commands();
+    for (const QAction *const action : commands.all()) {
+        EXPECT_FALSE(action->objectName().isEmpty());
+        EXPECT_FALSE(action->text().isEmpty());
+        EXPECT_FALSE(action->statusTip().isEmpty()) << action->objectName().toStdString();
+        EXPECT_EQ(commands.findConflict(action, action->shortcut()), nullptr)
+            << action->objectName().toStdString();
+    }
+    QAction *const run = commands[u"run.all"_s];
+    ShortcutEditor editor(commands);
+    auto *const tree = editor.findChild<QTreeWidget *>();
+    tree->setCurrentItem(tree->findItems(u"Run"_s, Qt::MatchExactly).value(0));
+    auto *const keys = editor.findChild<QKeySequenceEdit *>();
+    const auto enter = [&](const QKeySequence &sequence) {
+        keys->setKeySequence(sequence);
+        Q_EMIT keys->editingFinished();
+    };
+    enter(QKeySequence(u"Ctrl+S"_s)); // of another command
+    EXPECT_EQ(run->shortcut(), QKeySequence(u"F5"_s));
+    EXPECT_FALSE(editor.findChild<QLabel *>(u"shortcutConflict"_s)->text().isEmpty());
+    enter(QKeySequence(u"Ctrl+R"_s));
+    EXPECT_EQ(run->shortcut(), QKeySequence(u"Ctrl+R"_s));
+    shown.reset();
+    EXPECT_EQ(window().commands()[u"run.all"_s]->shortcut(), QKeySequence(u"Ctrl+R"_s));
+    window().commands().setShortcut(window().commands()[u"run.all"_s], QKeySequence(u"F5"_s));
+    EXPECT_FALSE(settings.shortcut(u"run.all"_s));
+}
+
+TEST_F(Shell, EveryControlHasAnAccessibleName)
+{
+    open();
+    for (const QStringList &ids :
+         {QStringList{u"table"_s}, QStringList{u"book"_s}, document().ids(), QStringList()}) {
+        canvas().select(ids);
+        for (const QWidget *const widget : window().findChildren<QWidget *>()) {
+            const QWidget *const parent = widget->parentWidget();
+            const bool isPart = qobject_cast<const QComboBox *>(parent) != nullptr ||
+                                qobject_cast<const QHeaderView *>(widget) != nullptr ||
+                                widget->objectName().startsWith("qt_"_L1);
+            const bool isControl = qobject_cast<const QLineEdit *>(widget) != nullptr ||
+                                   qobject_cast<const QAbstractItemView *>(widget) != nullptr ||
+                                   qobject_cast<const QPlainTextEdit *>(widget) != nullptr;
+            if (isControl && !isPart && widget->isVisible()) {
+                EXPECT_FALSE(QAccessible::queryAccessibleInterface(const_cast<QWidget *>(widget))
+                                 ->text(QAccessible::Name)
+                                 .isEmpty())
+                    << widget->metaObject()->className() << ' '
+                    << widget->objectName().toStdString();
+            }
+        }
+    }
+}
+
+TEST_F(Shell, HelpDescribesTheSelectedAction)
+{
+    open();
+    canvas().select({u"table"_s});
+    trigger("help.action");
+    const QString page = child<QTextEdit>("help").toPlainText();
+    EXPECT_TRUE(page.contains(u"readCSV"_s));
+    EXPECT_TRUE(page.contains(u"sortedOn"_s));
+    document().action(u"table"_s)->showHelp(); // an action without a page of its own
+}
+
+TEST_F(Shell, SettingsKeepWhatIsValid)
+{
+    settings.setFontPercent(1000);
+    EXPECT_EQ(settings.fontPercent(), Settings::kMaxFontPercent);
+    settings.setTheme(Theme::Dark);
+    EXPECT_EQ(Settings(folder.filePath(u"studio.ini"_s)).theme(), Theme::Dark);
+    EXPECT_TRUE(isDark(themePalette(Theme::Dark)));
+    EXPECT_FALSE(isDark(themePalette(Theme::Light)));
+    for (int i = 0; i < 20; ++i) {
+        settings.addRecentFile(u"/tmp/%1.graph"_s.arg(i));
+    }
+    EXPECT_EQ(settings.recentFiles().size(), Settings::kMaxRecent);
+    EXPECT_EQ(settings.recentFiles().first(), u"/tmp/19.graph"_s);
+}
+
+TEST_F(Shell, CommandAndScriptRunTheGraph)
+{
+    EXPECT_EQ(shellWord(u"a/b.graph"_s), u"a/b.graph"_s);
+    EXPECT_EQ(shellWord(u"it's $x"_s), u"'it'\\''s $x'"_s);
+    write(u"orders.csv"_s, "a\n1\n");
+    const QString name = write(u"it's 100%1 $HOME.graph"_s, kGraph);
+    window().workspace()->open(name);
+    trigger("export.command");
+    EXPECT_EQ(QApplication::clipboard()->text(), runCommandText(name));
+    const QString script = write(u"run.sh"_s, runScriptText(name, path(u"run.sh"_s)).toUtf8());
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"PATH"_s, QCoreApplication::applicationDirPath() + u':' +
+                                      environment.value(u"PATH"_s));
+    process.setProcessEnvironment(environment);
+    process.start(u"/bin/sh"_s, {script, u"--quiet"_s});
+    EXPECT_TRUE(process.waitForFinished());
+    EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+    EXPECT_TRUE(QFile::exists(path(u"out.csv"_s)));
+}
+
+} // namespace
