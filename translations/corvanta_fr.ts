@@ -2,6 +2,662 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="fr_FR" sourcelanguage="en">
 <context>
+    <name>Catalogue</name>
+    <message>
+        <source>Read files</source>
+        <translation>Lire des fichiers</translation>
+    </message>
+    <message>
+        <source>Write files</source>
+        <translation>Écrire des fichiers</translation>
+    </message>
+    <message>
+        <source>Change tables</source>
+        <translation>Transformer des tables</translation>
+    </message>
+</context>
+<context>
+    <name>Commands</name>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Fichier</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Édition</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Affichage</translation>
+    </message>
+    <message>
+        <source>&amp;Graph</source>
+        <translation>&amp;Graphe</translation>
+    </message>
+    <message>
+        <source>&amp;Run</source>
+        <translation>E&amp;xécuter</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>A&amp;ide</translation>
+    </message>
+    <message>
+        <source>&amp;New</source>
+        <translation>&amp;Nouveau</translation>
+    </message>
+    <message>
+        <source>Start an empty graph in a new tab</source>
+        <translation>Commencer un graphe vide dans un nouvel onglet</translation>
+    </message>
+    <message>
+        <source>&amp;Open...</source>
+        <translation>&amp;Ouvrir...</translation>
+    </message>
+    <message>
+        <source>Open graph files</source>
+        <translation>Ouvrir des fichiers de graphes</translation>
+    </message>
+    <message>
+        <source>Open &amp;Recent</source>
+        <translation>Fichiers &amp;récents</translation>
+    </message>
+    <message>
+        <source>Open a graph of the last sessions</source>
+        <translation>Ouvrir un graphe des dernières sessions</translation>
+    </message>
+    <message>
+        <source>S&amp;tart Page</source>
+        <translation>Page d&apos;&amp;accueil</translation>
+    </message>
+    <message>
+        <source>Show recent files and examples</source>
+        <translation>Afficher les fichiers récents et les exemples</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Enregistrer</translation>
+    </message>
+    <message>
+        <source>Save the graph</source>
+        <translation>Enregistrer le graphe</translation>
+    </message>
+    <message>
+        <source>Save &amp;As...</source>
+        <translation>Enregistrer &amp;sous...</translation>
+    </message>
+    <message>
+        <source>Save the graph in another file</source>
+        <translation>Enregistrer le graphe dans un autre fichier</translation>
+    </message>
+    <message>
+        <source>Save A&amp;ll</source>
+        <translation>&amp;Tout enregistrer</translation>
+    </message>
+    <message>
+        <source>Save all changed graphs</source>
+        <translation>Enregistrer tous les graphes modifiés</translation>
+    </message>
+    <message>
+        <source>Re&amp;load</source>
+        <translation>Re&amp;lire</translation>
+    </message>
+    <message>
+        <source>Read the graph from its file again, without the unsaved changes</source>
+        <translation>Relire le graphe dans son fichier, sans les modifications non enregistrées</translation>
+    </message>
+    <message>
+        <source>&amp;Export</source>
+        <translation>E&amp;xporter</translation>
+    </message>
+    <message>
+        <source>Save a picture or a script of the graph</source>
+        <translation>Enregistrer une image ou un script du graphe</translation>
+    </message>
+    <message>
+        <source>As &amp;SVG...</source>
+        <translation>En &amp;SVG...</translation>
+    </message>
+    <message>
+        <source>Save the graph as a drawing</source>
+        <translation>Enregistrer le graphe comme dessin</translation>
+    </message>
+    <message>
+        <source>As &amp;PNG...</source>
+        <translation>En &amp;PNG...</translation>
+    </message>
+    <message>
+        <source>Save the graph as an image</source>
+        <translation>Enregistrer le graphe comme image</translation>
+    </message>
+    <message>
+        <source>As P&amp;DF...</source>
+        <translation>En P&amp;DF...</translation>
+    </message>
+    <message>
+        <source>Save the graph as a document</source>
+        <translation>Enregistrer le graphe comme document</translation>
+    </message>
+    <message>
+        <source>&amp;Copy as Command</source>
+        <translation>&amp;Copier comme commande</translation>
+    </message>
+    <message>
+        <source>Copy the command line that runs the graph</source>
+        <translation>Copier la ligne de commande qui exécute le graphe</translation>
+    </message>
+    <message>
+        <source>As Shell Sc&amp;ript...</source>
+        <translation>En sc&amp;ript shell...</translation>
+    </message>
+    <message>
+        <source>Save a script that runs the graph</source>
+        <translation>Enregistrer un script qui exécute le graphe</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Fermer</translation>
+    </message>
+    <message>
+        <source>Close the tab</source>
+        <translation>Fermer l&apos;onglet</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Quitter</translation>
+    </message>
+    <message>
+        <source>Close the window</source>
+        <translation>Fermer la fenêtre</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>Take back the last change</source>
+        <translation>Annuler la dernière modification</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>&amp;Rétablir</translation>
+    </message>
+    <message>
+        <source>Make the change again that was taken back</source>
+        <translation>Refaire la modification annulée</translation>
+    </message>
+    <message>
+        <source>Cu&amp;t</source>
+        <translation>&amp;Couper</translation>
+    </message>
+    <message>
+        <source>Move the selected actions to the clipboard</source>
+        <translation>Déplacer les actions sélectionnées dans le presse-papiers</translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>C&amp;opier</translation>
+    </message>
+    <message>
+        <source>Copy the selected actions and the links between them</source>
+        <translation>Copier les actions sélectionnées et les liens entre elles</translation>
+    </message>
+    <message>
+        <source>&amp;Paste</source>
+        <translation>Co&amp;ller</translation>
+    </message>
+    <message>
+        <source>Add the actions of the clipboard</source>
+        <translation>Ajouter les actions du presse-papiers</translation>
+    </message>
+    <message>
+        <source>D&amp;uplicate</source>
+        <translation>&amp;Dupliquer</translation>
+    </message>
+    <message>
+        <source>Add copies of the selected actions</source>
+        <translation>Ajouter des copies des actions sélectionnées</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>&amp;Supprimer</translation>
+    </message>
+    <message>
+        <source>Remove the selected actions and links</source>
+        <translation>Supprimer les actions et les liens sélectionnés</translation>
+    </message>
+    <message>
+        <source>Select &amp;All</source>
+        <translation>&amp;Tout sélectionner</translation>
+    </message>
+    <message>
+        <source>Select all actions</source>
+        <translation>Sélectionner toutes les actions</translation>
+    </message>
+    <message>
+        <source>Re&amp;name</source>
+        <translation>Re&amp;nommer</translation>
+    </message>
+    <message>
+        <source>Change the name of the selected action</source>
+        <translation>Changer le nom de l&apos;action sélectionnée</translation>
+    </message>
+    <message>
+        <source>C&amp;omment</source>
+        <translation>Co&amp;mmenter</translation>
+    </message>
+    <message>
+        <source>Change the comment of the selected action</source>
+        <translation>Changer le commentaire de l&apos;action sélectionnée</translation>
+    </message>
+    <message>
+        <source>&amp;Variables</source>
+        <translation>&amp;Variables</translation>
+    </message>
+    <message>
+        <source>Edit the variables of the graph</source>
+        <translation>Modifier les variables du graphe</translation>
+    </message>
+    <message>
+        <source>&amp;Shortcuts...</source>
+        <translation>Raccour&amp;cis...</translation>
+    </message>
+    <message>
+        <source>List and change the shortcuts of all commands</source>
+        <translation>Lister et changer les raccourcis de toutes les commandes</translation>
+    </message>
+    <message>
+        <source>Pre&amp;ferences...</source>
+        <translation>Pré&amp;férences...</translation>
+    </message>
+    <message>
+        <source>Colours, text size, language and session</source>
+        <translation>Couleurs, taille du texte, langue et session</translation>
+    </message>
+    <message>
+        <source>Zoom &amp;In</source>
+        <translation>Zoom &amp;avant</translation>
+    </message>
+    <message>
+        <source>Show the graph larger</source>
+        <translation>Agrandir le graphe</translation>
+    </message>
+    <message>
+        <source>Zoom &amp;Out</source>
+        <translation>Zoom a&amp;rrière</translation>
+    </message>
+    <message>
+        <source>Show the graph smaller</source>
+        <translation>Réduire le graphe</translation>
+    </message>
+    <message>
+        <source>&amp;Actual Size</source>
+        <translation>&amp;Taille réelle</translation>
+    </message>
+    <message>
+        <source>Show the graph at 100 %</source>
+        <translation>Afficher le graphe à 100&#xa0;%</translation>
+    </message>
+    <message>
+        <source>&amp;Fit Graph</source>
+        <translation>A&amp;juster le graphe</translation>
+    </message>
+    <message>
+        <source>Show the whole graph</source>
+        <translation>Afficher tout le graphe</translation>
+    </message>
+    <message>
+        <source>O&amp;verview</source>
+        <translation>Vue d&apos;&amp;ensemble</translation>
+    </message>
+    <message>
+        <source>Show the whole graph small in a corner</source>
+        <translation>Afficher tout le graphe en petit dans un coin</translation>
+    </message>
+    <message>
+        <source>&amp;Snap to Grid</source>
+        <translation>Aligner sur la &amp;grille</translation>
+    </message>
+    <message>
+        <source>Place actions on a grid</source>
+        <translation>Placer les actions sur une grille</translation>
+    </message>
+    <message>
+        <source>&amp;Larger Text</source>
+        <translation>Texte &amp;plus grand</translation>
+    </message>
+    <message>
+        <source>Make all texts of the window larger</source>
+        <translation>Agrandir tous les textes de la fenêtre</translation>
+    </message>
+    <message>
+        <source>S&amp;maller Text</source>
+        <translation>Texte plus pet&amp;it</translation>
+    </message>
+    <message>
+        <source>Make all texts of the window smaller</source>
+        <translation>Réduire tous les textes de la fenêtre</translation>
+    </message>
+    <message>
+        <source>&amp;Dark Colours</source>
+        <translation>Couleurs &amp;sombres</translation>
+    </message>
+    <message>
+        <source>Light text on a dark background</source>
+        <translation>Texte clair sur fond sombre</translation>
+    </message>
+    <message>
+        <source>&amp;Panels</source>
+        <translation>Pannea&amp;ux</translation>
+    </message>
+    <message>
+        <source>Show or hide parts of the window</source>
+        <translation>Afficher ou masquer des parties de la fenêtre</translation>
+    </message>
+    <message>
+        <source>F&amp;ull Screen</source>
+        <translation>Plein é&amp;cran</translation>
+    </message>
+    <message>
+        <source>Use the whole screen</source>
+        <translation>Utiliser tout l&apos;écran</translation>
+    </message>
+    <message>
+        <source>&amp;Canvas</source>
+        <translation>&amp;Canevas</translation>
+    </message>
+    <message>
+        <source>Put the keyboard focus on the graph</source>
+        <translation>Donner le clavier au graphe</translation>
+    </message>
+    <message>
+        <source>&amp;Palette</source>
+        <translation>&amp;Palette</translation>
+    </message>
+    <message>
+        <source>Search an action to add to the graph</source>
+        <translation>Chercher une action à ajouter au graphe</translation>
+    </message>
+    <message>
+        <source>P&amp;roperties</source>
+        <translation>P&amp;ropriétés</translation>
+    </message>
+    <message>
+        <source>Put the keyboard focus on the parameters of the selected action</source>
+        <translation>Donner le clavier aux paramètres de l&apos;action sélectionnée</translation>
+    </message>
+    <message>
+        <source>Outli&amp;ne</source>
+        <translation>Pla&amp;n</translation>
+    </message>
+    <message>
+        <source>Put the keyboard focus on the tree of actions and links</source>
+        <translation>Donner le clavier à l&apos;arbre des actions et des liens</translation>
+    </message>
+    <message>
+        <source>Prob&amp;lems</source>
+        <translation>Prob&amp;lèmes</translation>
+    </message>
+    <message>
+        <source>Put the keyboard focus on the list of problems</source>
+        <translation>Donner le clavier à la liste des problèmes</translation>
+    </message>
+    <message>
+        <source>Lo&amp;g</source>
+        <translation>&amp;Journal</translation>
+    </message>
+    <message>
+        <source>Put the keyboard focus on the log</source>
+        <translation>Donner le clavier au journal</translation>
+    </message>
+    <message>
+        <source>Dat&amp;a</source>
+        <translation>&amp;Données</translation>
+    </message>
+    <message>
+        <source>Put the keyboard focus on the rows of the selected action</source>
+        <translation>Donner le clavier aux lignes de l&apos;action sélectionnée</translation>
+    </message>
+    <message>
+        <source>Ne&amp;xt Tab</source>
+        <translation>Onglet &amp;suivant</translation>
+    </message>
+    <message>
+        <source>Show the next tab</source>
+        <translation>Afficher l&apos;onglet suivant</translation>
+    </message>
+    <message>
+        <source>Previo&amp;us Tab</source>
+        <translation>Onglet pré&amp;cédent</translation>
+    </message>
+    <message>
+        <source>Show the previous tab</source>
+        <translation>Afficher l&apos;onglet précédent</translation>
+    </message>
+    <message>
+        <source>&amp;Add Action...</source>
+        <translation>&amp;Ajouter une action...</translation>
+    </message>
+    <message>
+        <source>Search an action to add: after the selected action, or into the selected link</source>
+        <translation>Chercher une action à ajouter&#xa0;: après l&apos;action sélectionnée, ou dans le lien sélectionné</translation>
+    </message>
+    <message>
+        <source>&amp;Link...</source>
+        <translation>&amp;Lier...</translation>
+    </message>
+    <message>
+        <source>Link the selected action to another one, or two selected actions to each other</source>
+        <translation>Lier l&apos;action sélectionnée à une autre, ou deux actions sélectionnées l&apos;une à l&apos;autre</translation>
+    </message>
+    <message>
+        <source>&amp;Insert into Link</source>
+        <translation>&amp;Insérer dans le lien</translation>
+    </message>
+    <message>
+        <source>Insert the selected action into the selected link</source>
+        <translation>Insérer l&apos;action sélectionnée dans le lien sélectionné</translation>
+    </message>
+    <message>
+        <source>Lay &amp;Out</source>
+        <translation>&amp;Disposer</translation>
+    </message>
+    <message>
+        <source>Arrange all actions from left to right</source>
+        <translation>Ranger toutes les actions de gauche à droite</translation>
+    </message>
+    <message>
+        <source>Ali&amp;gn</source>
+        <translation>Ali&amp;gner</translation>
+    </message>
+    <message>
+        <source>Align the selected actions</source>
+        <translation>Aligner les actions sélectionnées</translation>
+    </message>
+    <message>
+        <source>&amp;Left Edges</source>
+        <translation>Bords &amp;gauches</translation>
+    </message>
+    <message>
+        <source>Move the selected actions to the leftmost one</source>
+        <translation>Déplacer les actions sélectionnées vers celle de gauche</translation>
+    </message>
+    <message>
+        <source>&amp;Centres</source>
+        <translation>&amp;Centres</translation>
+    </message>
+    <message>
+        <source>Move the selected actions above each other</source>
+        <translation>Placer les actions sélectionnées l&apos;une sous l&apos;autre</translation>
+    </message>
+    <message>
+        <source>&amp;Right Edges</source>
+        <translation>Bords &amp;droits</translation>
+    </message>
+    <message>
+        <source>Move the selected actions to the rightmost one</source>
+        <translation>Déplacer les actions sélectionnées vers celle de droite</translation>
+    </message>
+    <message>
+        <source>&amp;Top Edges</source>
+        <translation>Bords &amp;supérieurs</translation>
+    </message>
+    <message>
+        <source>Move the selected actions to the topmost one</source>
+        <translation>Déplacer les actions sélectionnées vers la plus haute</translation>
+    </message>
+    <message>
+        <source>&amp;Middles</source>
+        <translation>&amp;Milieux</translation>
+    </message>
+    <message>
+        <source>Move the selected actions next to each other</source>
+        <translation>Placer les actions sélectionnées l&apos;une à côté de l&apos;autre</translation>
+    </message>
+    <message>
+        <source>&amp;Bottom Edges</source>
+        <translation>Bords &amp;inférieurs</translation>
+    </message>
+    <message>
+        <source>Move the selected actions to the lowest one</source>
+        <translation>Déplacer les actions sélectionnées vers la plus basse</translation>
+    </message>
+    <message>
+        <source>Distribute &amp;Horizontally</source>
+        <translation>Répartir &amp;horizontalement</translation>
+    </message>
+    <message>
+        <source>Make the horizontal distances of the selected actions equal</source>
+        <translation>Égaliser les distances horizontales des actions sélectionnées</translation>
+    </message>
+    <message>
+        <source>Distribute &amp;Vertically</source>
+        <translation>Répartir &amp;verticalement</translation>
+    </message>
+    <message>
+        <source>Make the vertical distances of the selected actions equal</source>
+        <translation>Égaliser les distances verticales des actions sélectionnées</translation>
+    </message>
+    <message>
+        <source>Run the graph</source>
+        <translation>Exécuter le graphe</translation>
+    </message>
+    <message>
+        <source>Run up to &amp;Here</source>
+        <translation>Exécuter &amp;jusqu&apos;ici</translation>
+    </message>
+    <message>
+        <source>Run the selected action and all actions that it depends on</source>
+        <translation>Exécuter l&apos;action sélectionnée et toutes celles dont elle dépend</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>&amp;Arrêter</translation>
+    </message>
+    <message>
+        <source>Stop the run</source>
+        <translation>Arrêter l&apos;exécution</translation>
+    </message>
+    <message>
+        <source>Run A&amp;gain</source>
+        <translation>&amp;Réexécuter</translation>
+    </message>
+    <message>
+        <source>Repeat the last run, whole or up to an action</source>
+        <translation>Répéter la dernière exécution, entière ou jusqu&apos;à une action</translation>
+    </message>
+    <message>
+        <source>Show &amp;Data</source>
+        <translation>Afficher les &amp;données</translation>
+    </message>
+    <message>
+        <source>Show the rows of the selected action</source>
+        <translation>Afficher les lignes de l&apos;action sélectionnée</translation>
+    </message>
+    <message>
+        <source>&amp;Help on the Action</source>
+        <translation>&amp;Aide sur l&apos;action</translation>
+    </message>
+    <message>
+        <source>Describe the selected action and its parameters</source>
+        <translation>Décrire l&apos;action sélectionnée et ses paramètres</translation>
+    </message>
+    <message>
+        <source>&amp;Keyboard</source>
+        <translation>&amp;Clavier</translation>
+    </message>
+    <message>
+        <source>List all shortcuts</source>
+        <translation>Lister tous les raccourcis</translation>
+    </message>
+    <message>
+        <source>&amp;About</source>
+        <translation>À &amp;propos</translation>
+    </message>
+    <message>
+        <source>Version and modules</source>
+        <translation>Version et modules</translation>
+    </message>
+</context>
+<context>
+    <name>Examples</name>
+    <message>
+        <source>A presentation with one chart per slide, made from three tables and an included template.</source>
+        <translation>Une présentation avec un graphique par diapositive, à partir de trois tables et d&apos;un modèle fourni.</translation>
+    </message>
+    <message>
+        <source>A sheet with three charts, made from three tables and an included template.</source>
+        <translation>Une feuille avec trois graphiques, à partir de trois tables et d&apos;un modèle fourni.</translation>
+    </message>
+    <message>
+        <source>A Word letter with a picture for each row of a table, made from a template.</source>
+        <translation>Une lettre Word avec une image pour chaque ligne d&apos;une table, à partir d&apos;un modèle.</translation>
+    </message>
+    <message>
+        <source>A Word document with two tables, made from a template.</source>
+        <translation>Un document Word avec deux tableaux, à partir d&apos;un modèle.</translation>
+    </message>
+    <message>
+        <source>A presentation with a picture for each row of a table, made from a template.</source>
+        <translation>Une présentation avec une image pour chaque ligne d&apos;une table, à partir d&apos;un modèle.</translation>
+    </message>
+    <message>
+        <source>The chemical elements as a workbook: typed cells, dates, links and a defined name.</source>
+        <translation>Les éléments chimiques dans un classeur&#xa0;: cellules typées, dates, liens et un nom défini.</translation>
+    </message>
+</context>
+<context>
+    <name>HelpView</name>
+    <message>
+        <source>Parameters</source>
+        <translation>Paramètres</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>Type</translation>
+    </message>
+    <message>
+        <source>Default</source>
+        <translation>Défaut</translation>
+    </message>
+    <message>
+        <source>Meaning</source>
+        <translation>Signification</translation>
+    </message>
+    <message>
+        <source>Inputs: %1, outputs: %2</source>
+        <translation>Entrées&#xa0;: %1, sorties&#xa0;: %2</translation>
+    </message>
+    <message>
+        <source>Files: %1</source>
+        <translation>Fichiers&#xa0;: %1</translation>
+    </message>
+</context>
+<context>
     <name>Panels</name>
     <message>
         <source>Advanced</source>
@@ -3800,6 +4456,1149 @@
     <message>
         <source>With the first rows of the input</source>
         <translation>Avec les premières lignes de l&apos;entrée</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::CanvasView</name>
+    <message>
+        <source>Graph</source>
+        <translation>Graphe</translation>
+    </message>
+    <message>
+        <source>Tab goes from action to action, arrows move them, Alt+arrows follow links, L draws a link, K goes from link to link.</source>
+        <translation>Tab passe d&apos;une action à l&apos;autre, les flèches les déplacent, Alt+flèches suit les liens, L trace un lien, K passe d&apos;un lien à l&apos;autre.</translation>
+    </message>
+    <message>
+        <source>“%1” has no output.</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;a pas de sortie.</translation>
+    </message>
+    <message>
+        <source>Link from “%1” to “%2”</source>
+        <translation>Lien de «&#xa0;%1&#xa0;» à «&#xa0;%2&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Add %1</source>
+        <translation>Ajouter %1</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::DataPanel</name>
+    <message>
+        <source>&amp;Rows of:</source>
+        <translation>&amp;Lignes de&#xa0;:</translation>
+    </message>
+    <message>
+        <source>%1, output %2</source>
+        <translation>%1, sortie %2</translation>
+    </message>
+    <message>
+        <source>%1, input %2</source>
+        <translation>%1, entrée %2</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::DataView</name>
+    <message>
+        <source>Search the rows</source>
+        <translation>Chercher dans les lignes</translation>
+    </message>
+    <message>
+        <source>Find</source>
+        <translation>Chercher</translation>
+    </message>
+    <message>
+        <source>Search the rows that are shown</source>
+        <translation>Chercher dans les lignes affichées</translation>
+    </message>
+    <message>
+        <source>Next</source>
+        <translation>Suivant</translation>
+    </message>
+    <message>
+        <source>Find the next cell with the text</source>
+        <translation>Chercher la prochaine cellule avec le texte</translation>
+    </message>
+    <message>
+        <source>Previous</source>
+        <translation>Précédent</translation>
+    </message>
+    <message>
+        <source>Find the previous cell with the text</source>
+        <translation>Chercher la cellule précédente avec le texte</translation>
+    </message>
+    <message>
+        <source>Copy as CSV</source>
+        <translation>Copier en CSV</translation>
+    </message>
+    <message>
+        <source>Copy the selected cells, or all rows, as CSV</source>
+        <translation>Copier les cellules sélectionnées, ou toutes les lignes, en CSV</translation>
+    </message>
+    <message>
+        <source>Reload</source>
+        <translation>Relire</translation>
+    </message>
+    <message>
+        <source>Read the rows again</source>
+        <translation>Relire les lignes</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Arrêter</translation>
+    </message>
+    <message>
+        <source>Stop reading rows</source>
+        <translation>Arrêter la lecture des lignes</translation>
+    </message>
+    <message>
+        <source>Columns</source>
+        <translation>Colonnes</translation>
+    </message>
+    <message>
+        <source>Show a summary of the columns</source>
+        <translation>Afficher un résumé des colonnes</translation>
+    </message>
+    <message>
+        <source>Rows</source>
+        <translation>Lignes</translation>
+    </message>
+    <message>
+        <source>Summarize all rows</source>
+        <translation>Résumer toutes les lignes</translation>
+    </message>
+    <message>
+        <source>Read the whole table for the counts and ranges</source>
+        <translation>Lire toute la table pour les nombres et les étendues</translation>
+    </message>
+    <message>
+        <source>Move left</source>
+        <translation>Vers la gauche</translation>
+    </message>
+    <message>
+        <source>Move the column to the left</source>
+        <translation>Déplacer la colonne vers la gauche</translation>
+    </message>
+    <message>
+        <source>Move right</source>
+        <translation>Vers la droite</translation>
+    </message>
+    <message>
+        <source>Move the column to the right</source>
+        <translation>Déplacer la colonne vers la droite</translation>
+    </message>
+    <message>
+        <source>Show all columns</source>
+        <translation>Afficher toutes les colonnes</translation>
+    </message>
+    <message>
+        <source>Show the hidden columns again</source>
+        <translation>Afficher de nouveau les colonnes masquées</translation>
+    </message>
+    <message>
+        <source>More rows</source>
+        <translation>Plus de lignes</translation>
+    </message>
+    <message>
+        <source>Read more rows</source>
+        <translation>Lire plus de lignes</translation>
+    </message>
+    <message>
+        <source>Output %1 of %2</source>
+        <translation>Sortie %1 de %2</translation>
+    </message>
+    <message>
+        <source>Input %1 of %2</source>
+        <translation>Entrée %1 de %2</translation>
+    </message>
+    <message>
+        <source>Show %1 rows</source>
+        <translation>Afficher %1 lignes</translation>
+    </message>
+    <message>
+        <source>Reading… rows: %1</source>
+        <translation>Lecture… lignes&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>All rows: %1</source>
+        <translation>Toutes les lignes&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>The first %1 of %2 rows; the summary is of all rows</source>
+        <translation>Les %1 premières lignes sur %2&#xa0;; le résumé porte sur toutes les lignes</translation>
+    </message>
+    <message>
+        <source>The first %1 rows; there are more</source>
+        <translation>Les %1 premières lignes&#xa0;; il y en a d&apos;autres</translation>
+    </message>
+    <message>
+        <source>The memory for rows is used up; use an action to choose rows</source>
+        <translation>La mémoire pour les lignes est épuisée&#xa0;; choisissez des lignes avec une action</translation>
+    </message>
+    <message>
+        <source>Cells cut after %1 characters: %2</source>
+        <translation>Cellules coupées après %1 caractères&#xa0;: %2</translation>
+    </message>
+    <message>
+        <source>No file is written; the rows are those that reach %1</source>
+        <translation>Aucun fichier n&apos;est écrit&#xa0;; ces lignes sont celles qui arrivent à %1</translation>
+    </message>
+    <message>
+        <source>Not in the rows shown</source>
+        <translation>Absent des lignes affichées</translation>
+    </message>
+    <message>
+        <source>Not found</source>
+        <translation>Introuvable</translation>
+    </message>
+    <message>
+        <source>Hide the column</source>
+        <translation>Masquer la colonne</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::DocumentTab</name>
+    <message>
+        <source>Close</source>
+        <translation>Fermer</translation>
+    </message>
+    <message>
+        <source>Another program has changed the file. Reading it again loses the unsaved changes.</source>
+        <translation>Un autre programme a modifié le fichier. Le relire fait perdre les modifications non enregistrées.</translation>
+    </message>
+    <message>
+        <source>Another program has changed the file.</source>
+        <translation>Un autre programme a modifié le fichier.</translation>
+    </message>
+    <message>
+        <source>Read it again</source>
+        <translation>Le relire</translation>
+    </message>
+    <message>
+        <source>Keep this version</source>
+        <translation>Garder cette version</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::GraphCommands</name>
+    <message>
+        <source>Save as SVG</source>
+        <translation>Enregistrer en SVG</translation>
+    </message>
+    <message>
+        <source>Drawings (*.svg)</source>
+        <translation>Dessins (*.svg)</translation>
+    </message>
+    <message>
+        <source>Save as PNG</source>
+        <translation>Enregistrer en PNG</translation>
+    </message>
+    <message>
+        <source>Images (*.png)</source>
+        <translation>Images (*.png)</translation>
+    </message>
+    <message>
+        <source>Save as PDF</source>
+        <translation>Enregistrer en PDF</translation>
+    </message>
+    <message>
+        <source>Documents (*.pdf)</source>
+        <translation>Documents (*.pdf)</translation>
+    </message>
+    <message>
+        <source>The clipboard has no actions.</source>
+        <translation>Le presse-papiers ne contient pas d&apos;actions.</translation>
+    </message>
+    <message>
+        <source>No other action can be linked to this one.</source>
+        <translation>Aucune autre action ne peut être liée à celle-ci.</translation>
+    </message>
+    <message>
+        <source>Link</source>
+        <translation>Lier</translation>
+    </message>
+    <message>
+        <source>New link:</source>
+        <translation>Nouveau lien&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Fermer</translation>
+    </message>
+    <message>
+        <source>Copied: %1</source>
+        <translation>Copié&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Save a shell script</source>
+        <translation>Enregistrer un script shell</translation>
+    </message>
+    <message>
+        <source>Shell scripts (*.sh)</source>
+        <translation>Scripts shell (*.sh)</translation>
+    </message>
+    <message>
+        <source>The script cannot be written: %1</source>
+        <translation>Le script ne peut pas être écrit&#xa0;: %1</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::GraphDocument</name>
+    <message>
+        <source>Add %1</source>
+        <translation>Ajouter %1</translation>
+    </message>
+    <message>
+        <source>“%1” has no input.</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;a pas d&apos;entrée.</translation>
+    </message>
+    <message>
+        <source>There is no such link.</source>
+        <translation>Ce lien n&apos;existe pas.</translation>
+    </message>
+    <message>
+        <source>“%1” has no input or no output.</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;a pas d&apos;entrée ou pas de sortie.</translation>
+    </message>
+    <message>
+        <source>Insert %1 into a link</source>
+        <translation>Insérer %1 dans un lien</translation>
+    </message>
+    <message>
+        <source>No action reads files such as “%1”.</source>
+        <translation>Aucune action ne lit les fichiers comme «&#xa0;%1&#xa0;».</translation>
+    </message>
+    <message>
+        <source>Remove link</source>
+        <translation>Supprimer le lien</translation>
+    </message>
+    <message>
+        <source>Remove “%1”</source>
+        <translation>Supprimer «&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Remove %1 actions</source>
+        <translation>Supprimer %1 actions</translation>
+    </message>
+    <message>
+        <source>Move “%1”</source>
+        <translation>Déplacer «&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Move %1 actions</source>
+        <translation>Déplacer %1 actions</translation>
+    </message>
+    <message>
+        <source>Another action is named “%1”.</source>
+        <translation>Une autre action s&apos;appelle «&#xa0;%1&#xa0;».</translation>
+    </message>
+    <message>
+        <source>A name must not be empty or contain control characters.</source>
+        <translation>Un nom ne doit pas être vide ni contenir de caractères de contrôle.</translation>
+    </message>
+    <message>
+        <source>Rename “%1” to “%2”</source>
+        <translation>Renommer «&#xa0;%1&#xa0;» en «&#xa0;%2&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Comment on “%1”</source>
+        <translation>Commenter «&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Variable “%1”</source>
+        <translation>Variable «&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Set %1</source>
+        <translation>Régler %1</translation>
+    </message>
+    <message>
+        <source>Keep the inputs of the old folder</source>
+        <translation>Garder les entrées de l&apos;ancien dossier</translation>
+    </message>
+    <message>
+        <source>Edit %1 of “%2”</source>
+        <translation>Modifier %1 de «&#xa0;%2&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Paste “%1”</source>
+        <translation>Coller «&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Paste %1 actions</source>
+        <translation>Coller %1 actions</translation>
+    </message>
+    <message>
+        <source>“%1” cannot be written: %2</source>
+        <translation>«&#xa0;%1&#xa0;» ne peut pas être écrit&#xa0;: %2</translation>
+    </message>
+    <message>
+        <source>Untitled</source>
+        <translation>Sans titre</translation>
+    </message>
+    <message>
+        <source>There is no such action.</source>
+        <translation>Cette action n&apos;existe pas.</translation>
+    </message>
+    <message>
+        <source>An action cannot get its own rows.</source>
+        <translation>Une action ne peut pas recevoir ses propres lignes.</translation>
+    </message>
+    <message>
+        <source>“%1” has no output.</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;a pas de sortie.</translation>
+    </message>
+    <message>
+        <source>“%1” has no output %2.</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;a pas de sortie %2.</translation>
+    </message>
+    <message>
+        <source>“%1” has no input %2.</source>
+        <translation>«&#xa0;%1&#xa0;» n&apos;a pas d&apos;entrée %2.</translation>
+    </message>
+    <message>
+        <source>The input already has a link from “%1”; an input takes one.</source>
+        <translation>L&apos;entrée a déjà un lien depuis «&#xa0;%1&#xa0;»&#xa0;; une entrée n&apos;en accepte qu&apos;un.</translation>
+    </message>
+    <message>
+        <source>“%1” already gets rows from “%2”; the links would form a loop.</source>
+        <translation>«&#xa0;%1&#xa0;» reçoit déjà des lignes de «&#xa0;%2&#xa0;»&#xa0;; les liens formeraient une boucle.</translation>
+    </message>
+    <message>
+        <source>Link “%1” to “%2”</source>
+        <translation>Lier «&#xa0;%1&#xa0;» à «&#xa0;%2&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Re-route link to “%1”</source>
+        <translation>Réorienter le lien vers «&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>“%1” already has links.</source>
+        <translation>«&#xa0;%1&#xa0;» a déjà des liens.</translation>
+    </message>
+    <message>
+        <source>Insert “%1” into a link</source>
+        <translation>Insérer «&#xa0;%1&#xa0;» dans un lien</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::GraphRun</name>
+    <message>
+        <source>Error: cannot start &apos;%1&apos;: %2</source>
+        <translation>Erreur&#xa0;: impossible de démarrer &apos;%1&apos;&#xa0;: %2</translation>
+    </message>
+    <message>
+        <source>Error: the run ended unexpectedly (status %1). Files that it had not completed are unchanged, and so is the graph. Run it again.</source>
+        <translation>Erreur&#xa0;: l&apos;exécution s&apos;est terminée de façon inattendue (état %1). Les fichiers qu&apos;elle n&apos;avait pas terminés sont inchangés, le graphe aussi. Exécutez-le de nouveau.</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::GraphScene</name>
+    <message>
+        <source>“%1” cannot be written: %2</source>
+        <translation>«&#xa0;%1&#xa0;» ne peut pas être écrit&#xa0;: %2</translation>
+    </message>
+    <message>
+        <source>“%1”: a graph is exported as .svg, .png or .pdf.</source>
+        <translation>«&#xa0;%1&#xa0;»&#xa0;: un graphe s&apos;exporte en .svg, .png ou .pdf.</translation>
+    </message>
+    <message>
+        <source>Insert “%1” into a link</source>
+        <translation>Insérer «&#xa0;%1&#xa0;» dans un lien</translation>
+    </message>
+    <message>
+        <source>No action can get the rows of “%1”.</source>
+        <translation>Aucune action ne peut recevoir les lignes de «&#xa0;%1&#xa0;».</translation>
+    </message>
+    <message>
+        <source>Link “%1” to input %2 of “%3”: Enter; another target: Tab</source>
+        <translation>Lier «&#xa0;%1&#xa0;» à l&apos;entrée %2 de «&#xa0;%3&#xa0;»&#xa0;: Entrée&#xa0;; autre cible&#xa0;: Tab</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::HelpView</name>
+    <message>
+        <source>Help</source>
+        <translation>Aide</translation>
+    </message>
+    <message>
+        <source>Select an action and press F1 to see its description here.</source>
+        <translation>Sélectionnez une action et appuyez sur F1 pour voir sa description ici.</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::LogModel</name>
+    <message>
+        <source>Error</source>
+        <translation>Erreur</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>Avertissement</translation>
+    </message>
+    <message>
+        <source>Info</source>
+        <translation>Info</translation>
+    </message>
+    <message>
+        <source>Diagnostic</source>
+        <translation>Diagnostic</translation>
+    </message>
+    <message>
+        <source>Severity</source>
+        <translation>Gravité</translation>
+    </message>
+    <message>
+        <source>Action</source>
+        <translation>Action</translation>
+    </message>
+    <message>
+        <source>Message</source>
+        <translation>Message</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::LogPanel</name>
+    <message>
+        <source>Severity of the messages</source>
+        <translation>Gravité des messages</translation>
+    </message>
+    <message>
+        <source>All messages</source>
+        <translation>Tous les messages</translation>
+    </message>
+    <message>
+        <source>Errors, warnings, information</source>
+        <translation>Erreurs, avertissements, informations</translation>
+    </message>
+    <message>
+        <source>Errors and warnings</source>
+        <translation>Erreurs et avertissements</translation>
+    </message>
+    <message>
+        <source>Errors</source>
+        <translation>Erreurs</translation>
+    </message>
+    <message>
+        <source>Action of the messages</source>
+        <translation>Action des messages</translation>
+    </message>
+    <message>
+        <source>Text in the messages</source>
+        <translation>Texte dans les messages</translation>
+    </message>
+    <message>
+        <source>Search the messages</source>
+        <translation>Chercher dans les messages</translation>
+    </message>
+    <message>
+        <source>Messages of the run</source>
+        <translation>Messages de l&apos;exécution</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Copier</translation>
+    </message>
+    <message>
+        <source>All actions</source>
+        <translation>Toutes les actions</translation>
+    </message>
+    <message>
+        <source>Errors: %1</source>
+        <translation>Erreurs&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Warnings: %1</source>
+        <translation>Avertissements&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Hidden by the filter: %1</source>
+        <translation>Masqués par le filtre&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Not kept: %1</source>
+        <translation>Non conservés&#xa0;: %1</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::MainWindow</name>
+    <message>
+        <source>Palette</source>
+        <translation>Palette</translation>
+    </message>
+    <message>
+        <source>Outline</source>
+        <translation>Plan</translation>
+    </message>
+    <message>
+        <source>Properties</source>
+        <translation>Propriétés</translation>
+    </message>
+    <message>
+        <source>Variables</source>
+        <translation>Variables</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Aide</translation>
+    </message>
+    <message>
+        <source>Problems</source>
+        <translation>Problèmes</translation>
+    </message>
+    <message>
+        <source>Log</source>
+        <translation>Journal</translation>
+    </message>
+    <message>
+        <source>Data</source>
+        <translation>Données</translation>
+    </message>
+    <message>
+        <source>Tool bar</source>
+        <translation>Barre d&apos;outils</translation>
+    </message>
+    <message>
+        <source>Problems: %1</source>
+        <translation>Problèmes&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Corvanta</source>
+        <translation>Corvanta</translation>
+    </message>
+    <message>
+        <source>&amp;Clear</source>
+        <translation>&amp;Effacer</translation>
+    </message>
+    <message>
+        <source>Corvanta %1, an editor of data-flow graphs.
+Actions: %2</source>
+        <translation>Corvanta %1, un éditeur de graphes de flux de données.
+Actions&#xa0;: %2</translation>
+    </message>
+    <message>
+        <source>About Corvanta</source>
+        <translation>À propos de Corvanta</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::NodeItem</name>
+    <message>
+        <source>waiting</source>
+        <translation>en attente</translation>
+    </message>
+    <message>
+        <source>running</source>
+        <translation>en cours</translation>
+    </message>
+    <message>
+        <source>done</source>
+        <translation>terminé</translation>
+    </message>
+    <message>
+        <source>done with warnings</source>
+        <translation>terminé avec des avertissements</translation>
+    </message>
+    <message>
+        <source>failed</source>
+        <translation>échoué</translation>
+    </message>
+    <message>
+        <source>stopped</source>
+        <translation>arrêté</translation>
+    </message>
+    <message>
+        <source>%1 (unknown action)</source>
+        <translation>%1 (action inconnue)</translation>
+    </message>
+    <message>
+        <source>gets rows from %1</source>
+        <translation>reçoit les lignes de %1</translation>
+    </message>
+    <message>
+        <source>sends rows to %1</source>
+        <translation>envoie des lignes à %1</translation>
+    </message>
+    <message>
+        <source>unknown: %1</source>
+        <translation>inconnu&#xa0;: %1</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::Outline</name>
+    <message>
+        <source>Actions and links</source>
+        <translation>Actions et liens</translation>
+    </message>
+    <message>
+        <source>Action</source>
+        <translation>Action</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>Type</translation>
+    </message>
+    <message>
+        <source>Comment</source>
+        <translation>Commentaire</translation>
+    </message>
+    <message>
+        <source>input %1 from %2</source>
+        <translation>entrée %1 depuis %2</translation>
+    </message>
+    <message>
+        <source>output %1 to %2</source>
+        <translation>sortie %1 vers %2</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::Overview</name>
+    <message>
+        <source>Overview</source>
+        <translation>Vue d&apos;ensemble</translation>
+    </message>
+    <message>
+        <source>The whole graph; a click shows that part.</source>
+        <translation>Tout le graphe&#xa0;; un clic affiche cette partie.</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::OverwriteQuestion</name>
+    <message>
+        <source>Overwrite files</source>
+        <translation>Écraser des fichiers</translation>
+    </message>
+    <message>
+        <source>The run replaces or changes existing files. Files: %1</source>
+        <translation>L&apos;exécution remplace ou modifie des fichiers existants. Fichiers&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Run</source>
+        <translation>Exécuter</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::Palette</name>
+    <message>
+        <source>Search actions</source>
+        <translation>Chercher des actions</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>Actions</translation>
+    </message>
+    <message>
+        <source>Add to the graph</source>
+        <translation>Ajouter au graphe</translation>
+    </message>
+    <message>
+        <source>Favourite</source>
+        <translation>Favori</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Aide</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::PaletteModel</name>
+    <message>
+        <source>Favourites</source>
+        <translation>Favoris</translation>
+    </message>
+    <message>
+        <source>Recent</source>
+        <translation>Récentes</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::PinReader</name>
+    <message>
+        <source>No rows reach this pin: it has no link.</source>
+        <translation>Aucune ligne n&apos;arrive ici&#xa0;: il n&apos;y a pas de lien.</translation>
+    </message>
+    <message>
+        <source>The actions cannot be run.</source>
+        <translation>Les actions ne peuvent pas être exécutées.</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::Preferences</name>
+    <message>
+        <source>&amp;Open the files of the last session</source>
+        <translation>&amp;Ouvrir les fichiers de la dernière session</translation>
+    </message>
+    <message>
+        <source>Preferences</source>
+        <translation>Préférences</translation>
+    </message>
+    <message>
+        <source>As the desktop</source>
+        <translation>Comme le bureau</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>Clair</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>Sombre</translation>
+    </message>
+    <message>
+        <source>&amp;Colours:</source>
+        <translation>&amp;Couleurs&#xa0;:</translation>
+    </message>
+    <message>
+        <source>&amp;Text size:</source>
+        <translation>&amp;Taille du texte&#xa0;:</translation>
+    </message>
+    <message>
+        <source>&amp;Language:</source>
+        <translation>&amp;Langue&#xa0;:</translation>
+    </message>
+    <message>
+        <source>The next start uses another language.</source>
+        <translation>Une autre langue est utilisée au prochain démarrage.</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::ProblemList</name>
+    <message>
+        <source>Problems</source>
+        <translation>Problèmes</translation>
+    </message>
+    <message>
+        <source>Action</source>
+        <translation>Action</translation>
+    </message>
+    <message>
+        <source>Problem</source>
+        <translation>Problème</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::PropertyView</name>
+    <message>
+        <source>Select an action to see its parameters.</source>
+        <translation>Sélectionnez une action pour voir ses paramètres.</translation>
+    </message>
+    <message>
+        <source>Name:</source>
+        <translation>Nom&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Comment:</source>
+        <translation>Commentaire&#xa0;:</translation>
+    </message>
+    <message>
+        <source>The action has no parameters to edit.</source>
+        <translation>L&apos;action n&apos;a pas de paramètres à modifier.</translation>
+    </message>
+    <message>
+        <source>No module has the action &quot;%1&quot;.</source>
+        <translation>Aucun module n&apos;a l&apos;action «&#xa0;%1&#xa0;».</translation>
+    </message>
+    <message>
+        <source>Actions selected: %1. Actions of one type can be changed together.</source>
+        <translation>Actions sélectionnées&#xa0;: %1. Des actions d&apos;un même type peuvent être modifiées ensemble.</translation>
+    </message>
+    <message>
+        <source>%1: each change applies to all %2 actions.</source>
+        <translation>%1&#xa0;: chaque modification s&apos;applique aux %2 actions.</translation>
+    </message>
+    <message>
+        <source>different values</source>
+        <translation>valeurs différentes</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::QuickAdd</name>
+    <message>
+        <source>Search actions</source>
+        <translation>Chercher des actions</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>Actions</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::RowsModel</name>
+    <message>
+        <source>number</source>
+        <translation>nombre</translation>
+    </message>
+    <message>
+        <source>key</source>
+        <translation>clé</translation>
+    </message>
+    <message>
+        <source>text</source>
+        <translation>texte</translation>
+    </message>
+    <message>
+        <source>missing</source>
+        <translation>manquant</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::RunController</name>
+    <message>
+        <source>%1 ms</source>
+        <translation>%1 ms</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
+        <source>Preparing…</source>
+        <translation>Préparation…</translation>
+    </message>
+    <message>
+        <source>Running…</source>
+        <translation>En cours…</translation>
+    </message>
+    <message>
+        <source>Stopping…</source>
+        <translation>Arrêt…</translation>
+    </message>
+    <message>
+        <source>Not run</source>
+        <translation>Non exécuté</translation>
+    </message>
+    <message>
+        <source>Done with warnings in %1</source>
+        <translation>Terminé avec des avertissements en %1</translation>
+    </message>
+    <message>
+        <source>Done in %1</source>
+        <translation>Terminé en %1</translation>
+    </message>
+    <message>
+        <source>Failed after %1</source>
+        <translation>Échec après %1</translation>
+    </message>
+    <message>
+        <source>Stopped after %1</source>
+        <translation>Arrêté après %1</translation>
+    </message>
+    <message>
+        <source>Ended unexpectedly after %1</source>
+        <translation>Fin inattendue après %1</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::RunStatus</name>
+    <message>
+        <source>State of the run</source>
+        <translation>État de l&apos;exécution</translation>
+    </message>
+    <message>
+        <source>Progress of the run</source>
+        <translation>Avancement de l&apos;exécution</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::ShortcutEditor</name>
+    <message>
+        <source>&amp;Remove</source>
+        <translation>&amp;Retirer</translation>
+    </message>
+    <message>
+        <source>&amp;Default</source>
+        <translation>&amp;Défaut</translation>
+    </message>
+    <message>
+        <source>Shortcuts</source>
+        <translation>Raccourcis</translation>
+    </message>
+    <message>
+        <source>Commands and their shortcuts</source>
+        <translation>Commandes et leurs raccourcis</translation>
+    </message>
+    <message>
+        <source>Command</source>
+        <translation>Commande</translation>
+    </message>
+    <message>
+        <source>Shortcut</source>
+        <translation>Raccourci</translation>
+    </message>
+    <message>
+        <source>Meaning</source>
+        <translation>Signification</translation>
+    </message>
+    <message>
+        <source>Search commands</source>
+        <translation>Chercher des commandes</translation>
+    </message>
+    <message>
+        <source>New shortcut</source>
+        <translation>Nouveau raccourci</translation>
+    </message>
+    <message>
+        <source>%1 is the shortcut of &quot;%2&quot;</source>
+        <translation>%1 est le raccourci de «&#xa0;%2&#xa0;»</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::StartPage</name>
+    <message>
+        <source>Corvanta</source>
+        <translation>Corvanta</translation>
+    </message>
+    <message>
+        <source>&amp;Recent graphs</source>
+        <translation>Graphes &amp;récents</translation>
+    </message>
+    <message>
+        <source>&amp;Examples</source>
+        <translation>&amp;Exemples</translation>
+    </message>
+    <message>
+        <source>&amp;New graph</source>
+        <translation>&amp;Nouveau graphe</translation>
+    </message>
+    <message>
+        <source>&amp;Open a graph...</source>
+        <translation>&amp;Ouvrir un graphe...</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::SummaryModel</name>
+    <message>
+        <source>over %1</source>
+        <translation>plus de %1</translation>
+    </message>
+    <message>
+        <source>Column</source>
+        <translation>Colonne</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>Type</translation>
+    </message>
+    <message>
+        <source>Missing</source>
+        <translation>Manquants</translation>
+    </message>
+    <message>
+        <source>Distinct</source>
+        <translation>Distincts</translation>
+    </message>
+    <message>
+        <source>Minimum</source>
+        <translation>Minimum</translation>
+    </message>
+    <message>
+        <source>Maximum</source>
+        <translation>Maximum</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::VariableTable</name>
+    <message>
+        <source>Variables of the graph</source>
+        <translation>Variables du graphe</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Valeur</translation>
+    </message>
+    <message>
+        <source>${NAME} in a file name or text is replaced by the value.</source>
+        <translation>${NAME} dans un nom de fichier ou un texte est remplacé par la valeur.</translation>
+    </message>
+    <message>
+        <source>Remove the variable</source>
+        <translation>Supprimer la variable</translation>
+    </message>
+    <message>
+        <source>A name must not contain braces.</source>
+        <translation>Un nom ne doit pas contenir d&apos;accolades.</translation>
+    </message>
+    <message>
+        <source>A variable needs a name.</source>
+        <translation>Une variable doit avoir un nom.</translation>
+    </message>
+    <message>
+        <source>There is a variable of this name already.</source>
+        <translation>Il y a déjà une variable de ce nom.</translation>
+    </message>
+    <message>
+        <source>Set variable %1</source>
+        <translation>Définir la variable %1</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::Workspace</name>
+    <message>
+        <source>Columns</source>
+        <translation>Colonnes</translation>
+    </message>
+    <message>
+        <source>Graphs (*.graph);;All files (*)</source>
+        <translation>Graphes (*.graph);;Tous les fichiers (*)</translation>
+    </message>
+    <message>
+        <source>Open graphs</source>
+        <translation>Ouvrir des graphes</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>Accueil</translation>
+    </message>
+    <message>
+        <source>Save the graph</source>
+        <translation>Enregistrer le graphe</translation>
+    </message>
+    <message>
+        <source>Read &quot;%1&quot; again and lose the unsaved changes?</source>
+        <translation>Relire «&#xa0;%1&#xa0;» et perdre les modifications non enregistrées&#xa0;?</translation>
+    </message>
+    <message>
+        <source>Reload</source>
+        <translation>Relire</translation>
+    </message>
+    <message>
+        <source>Unsaved changes</source>
+        <translation>Modifications non enregistrées</translation>
+    </message>
+    <message>
+        <source>Save the changes of &quot;%1&quot;?</source>
+        <translation>Enregistrer les modifications de «&#xa0;%1&#xa0;»&#xa0;?</translation>
+    </message>
+    <message>
+        <source>Untitled</source>
+        <translation>Sans titre</translation>
+    </message>
+    <message>
+        <source>Recovery</source>
+        <translation>Récupération</translation>
+    </message>
+    <message>
+        <source>The last session ended unexpectedly. Recover the unsaved changes?</source>
+        <translation>La dernière session s&apos;est terminée de façon inattendue. Récupérer les modifications non enregistrées&#xa0;?</translation>
+    </message>
+    <message>
+        <source>&amp;Recover</source>
+        <translation>&amp;Récupérer</translation>
+    </message>
+    <message>
+        <source>&amp;Discard</source>
+        <translation>&amp;Abandonner</translation>
+    </message>
+    <message>
+        <source>&amp;Later</source>
+        <translation>&amp;Plus tard</translation>
+    </message>
+    <message>
+        <source>Corvanta</source>
+        <translation>Corvanta</translation>
     </message>
 </context>
 </TS>
