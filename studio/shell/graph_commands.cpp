@@ -188,10 +188,16 @@ void GraphCommands::connectExports()
 
 void GraphCommands::connectRuns()
 {
-    m_commands.onTrigger("run.all", this, [this] { tab()->runs()->runAll(); });
-    m_commands.onTrigger("run.here", this, [this] { tab()->runs()->runTo(selectedIds()); });
+    m_commands.onTrigger("run.all", this, [this] { runs()->runAll(); });
+    m_commands.onTrigger("run.here", this, [this] { runs()->runTo(selectedIds()); });
     m_commands.onTrigger("run.stop", this, [this] { tab()->runs()->stop(); });
-    m_commands.onTrigger("run.again", this, [this] { tab()->runs()->rerun(); });
+    m_commands.onTrigger("run.again", this, [this] { runs()->rerun(); });
+}
+
+RunController *GraphCommands::runs() const
+{
+    Workspace::finishEditing();
+    return tab()->runs();
 }
 
 void GraphCommands::update()

@@ -13,6 +13,7 @@ class CanvasView;
 class Commands;
 class DocumentTab;
 class GraphDocument;
+class RunController;
 class Workspace;
 
 /// Threads: the GUI thread.
@@ -52,6 +53,8 @@ private:
     GraphDocument *document() const;
     CanvasView *canvas() const;
     QVector<LinkRef> selectedLinks() const;
+    /// The runs of the current tab, after the edit in progress has become a part of the graph.
+    RunController *runs() const;
 
     void cut();
     void copy();

@@ -5,11 +5,13 @@
 #include "studio/shell/views/message_bar.h"
 #include "studio/shell/views/start_page.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QStandardPaths>
 
@@ -172,14 +174,28 @@ void Workspace::updateTitle(DocumentTab *tab)
     Q_EMIT titleChanged();
 }
 
+void Workspace::finishEditing()
+{
+    const QPointer<QWidget> focus = QApplication::focusWidget();
+    if (focus != nullptr) {
+        focus->clearFocus();
+    }
+    // The editor of a cell is closed by it.
+    if (focus != nullptr && focus->isVisible()) {
+        focus->setFocus();
+    }
+}
+
 bool Workspace::save(DocumentTab *tab)
 {
+    finishEditing();
     const QString name = tab->document()->fileName();
     return name.isEmpty() ? saveAs(tab) : write(tab, name);
 }
 
 bool Workspace::saveAs(DocumentTab *tab)
 {
+    finishEditing();
     const QString name = tab->document()->fileName();
     QFileDialog dialog(this, tr("Save the graph"), name, graphFilter());
     dialog.setAcceptMode(QFileDialog::AcceptSave);
@@ -272,6 +288,7 @@ void Workspace::removeTabOf(DocumentTab *tab)
 
 bool Workspace::closeAll()
 {
+    finishEditing();
     for (DocumentTab *const tab : tabs()) {
         if (!askToSave(tab)) {
             return false;

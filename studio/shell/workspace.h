@@ -37,6 +37,9 @@ public:
     /// Show the start page in a tab.
     void showStartPage();
 
+    /// Make the edit of the field that has the focus a step of its document, as leaving the field
+    /// does. Call before a graph is saved or run by a shortcut.
+    static void finishEditing();
     /// Returns false if the user cancelled or the file cannot be written, which is shown.
     bool save(DocumentTab *tab);
     bool saveAs(DocumentTab *tab);
