@@ -1,3 +1,4 @@
+// Numbers are counted as doubles, which hold each key exactly, and texts by their hashes.
 #include "studio/data/column_summary.h"
 
 #include "base/number.h"
@@ -20,24 +21,22 @@ void SummaryBuilder::add(const OneRow &row)
 {
     const uchar *const *cells = row.getAllColForWrite();
     for (Column &column : m_columns) {
-        const uchar *const cell = *cells++;
-        switch (column.type) {
-        case cell::Type::Key: {
-            const auto key = loadNative<quint32>(cell);
-            addNumber(key, cell::isMissingKey(key), column);
-            break;
-        }
-        case cell::Type::Double: {
-            const auto value = loadNative<double>(cell);
-            addNumber(value, cell::isMissingDouble(value), column);
-            break;
-        }
-        case cell::Type::Text:
-            addText(cell::readText(cell), column);
-            break;
-        }
+        addCell(*cells++, column);
     }
     ++m_rows;
+}
+
+void SummaryBuilder::addCell(const uchar *cell, Column &column)
+{
+    if (column.type == cell::Type::Text) {
+        addText(cell::readText(cell), column);
+    } else if (column.type == cell::Type::Key) {
+        const auto key = loadNative<quint32>(cell);
+        addNumber(key, cell::isMissingKey(key), column);
+    } else {
+        const auto value = loadNative<double>(cell);
+        addNumber(value, cell::isMissingDouble(value), column);
+    }
 }
 
 void SummaryBuilder::addNumber(double value, bool isMissing, Column &column)

@@ -24,6 +24,8 @@ struct ColumnSummary
     QString maximum;
 };
 
+/// Adds up the columns of one table row by row. Its memory does not grow with the rows, see
+/// maxDistinctOf().
 class SummaryBuilder
 {
 public:
@@ -34,14 +36,16 @@ public:
     QVector<ColumnSummary> summaries() const;
 
 private:
+    /// What is known of a column so far.
     struct Column
     {
-        cell::Type type;
+        cell::Type type; // determines which of the ranges is used
         qint64 missing = 0;
         DistinctCounter distinct;
         NumberRange numbers; // of a column of numbers
         TextRange texts;     // of a column of texts
     };
+    static void addCell(const uchar *cell, Column &column);
     static void addNumber(double value, bool isMissing, Column &column);
     static void addText(const cell::Text &text, Column &column);
 

@@ -1,22 +1,27 @@
+// From the pin to the table: refresh() gives the reader the graph and the pin; the reader says when
+// rows have arrived (changed) or others are shown (replaced); the models take them from there.
 #include "studio/data/data_view.h"
 
+#include "studio/data/summary_panel.h"
 #include "studio/widgets/local_keys.h"
+#include "studio/widgets/part_action.h"
+#include "studio/widgets/plain_table.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
-#include <QMenu>
 #include <QSplitter>
-#include <QStyle>
 #include <QTableView>
 #include <QToolBar>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <numeric>
 
 using namespace Qt::StringLiterals;
 
@@ -24,21 +29,31 @@ namespace corvanta::studio {
 
 namespace {
 
-constexpr int kDelayMs = 300;
+constexpr int kDelayMs = 300;        // letters that are typed are one edit
 constexpr int kFittedColumns = 50;   // more would take too long
 constexpr int kMaxColumnWidth = 260; // at first, in pixels
 
-/// What both tables of the view have.
-void setUpTable(QTableView *table, const QString &name, const QString &description)
+/// The rows and columns that have selected cells.
+struct SelectedCells
 {
-    table->setObjectName(name);
-    table->setAccessibleName(description);
-    table->setTabKeyNavigation(false);
-    table->setWordWrap(false);
-    table->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-    table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().lineSpacing() + 6);
-    table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    table->horizontalHeader()->setHighlightSections(false);
+    QSet<int> rows;
+    QSet<int> columns;
+    bool isOneCell() const { return rows.size() == 1 && columns.size() == 1; }
+};
+
+SelectedCells selectedCells(const QTableView &table)
+{
+    SelectedCells selected;
+    const QItemSelection ranges = table.selectionModel()->selection();
+    for (const QItemSelectionRange &range : ranges) {
+        for (int row = range.top(); row <= range.bottom(); ++row) {
+            selected.rows << row;
+        }
+        for (int column = range.left(); column <= range.right(); ++column) {
+            selected.columns << column;
+        }
+    }
+    return selected;
 }
 
 } // namespace
@@ -52,24 +67,24 @@ DataView::DataView(const ActionRegistry &registry, QWidget *parent)
     , m_found(new QLabel)
     , m_splitter(new QSplitter)
     , m_table(new QTableView)
-    , m_summary(new QTableView)
+    , m_summary(new SummaryPanel)
+    , m_layout(m_table, m_rows, m_summary->model())
     , m_note(new QLabel)
 {
     setObjectName(u"dataView"_s);
     m_rows.setRows(&m_reader.rows());
+    setUpTable(m_table, u"dataRows"_s, tr("Rows"), &m_rows);
+    m_splitter->addWidget(m_table);
+    m_splitter->addWidget(m_summary);
+    m_splitter->setStretchFactor(0, 1);
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(4, 4, 4, 4);
     layout->addWidget(m_bar);
     layout->addWidget(m_splitter, 1);
-    makeTable();
-    m_splitter->addWidget(m_table);
-    m_splitter->addWidget(makeSummary());
-    m_splitter->setStretchFactor(0, 1);
-    makeActions();
     layout->addWidget(makeFooter());
-    auto *const keys = new LocalKeys(this); // owned by this
-    keys->add(m_table);
-    keys->add(m_summary);
+    makeBar();
+    connectSummary();
+    (new LocalKeys(this))->add(m_table); // owned by this
     m_delay.setSingleShot(true);
     m_delay.setInterval(kDelayMs);
     connect(&m_delay, &QTimer::timeout, this, &DataView::refresh);
@@ -78,125 +93,80 @@ DataView::DataView(const ActionRegistry &registry, QWidget *parent)
     showChanged();
 }
 
-QAction *DataView::addAction(const QString &name, const QString &text, const QKeySequence &shortcut,
-                             const QString &tip)
-{
-    auto *const action = new QAction(text, this);
-    action->setObjectName(name);
-    action->setShortcut(shortcut);
-    action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-    action->setStatusTip(tip);
-    const QString keys = shortcut.toString(QKeySequence::NativeText);
-    action->setToolTip(keys.isEmpty() ? tip : u"%1 (%2)"_s.arg(tip, keys));
-    QWidget::addAction(action);
-    return action;
-}
-
-void DataView::makeActions()
+void DataView::makeBar()
 {
     m_bar->setObjectName(u"dataBar"_s);
-    m_bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    makePins();
+    m_bar->addSeparator();
+    makeSearch();
+    m_bar->addSeparator();
+    QAction *const copy =
+        makeAction(this, {u"dataCopy"_s,
+                          tr("Copy as CSV"),
+                          {},
+                          tr("Copy all rows, or those with selected cells, as CSV"),
+                          [this] { QApplication::clipboard()->setText(selectedCsv()); }});
+    makeAction(this, {u"dataCopyCells"_s, tr("Copy"), QKeySequence::Copy,
+                      tr("Copy the selected cell, or several as CSV"), [this] { copyCells(); }});
+    QAction *const reload =
+        makeAction(this, {u"dataReload"_s, tr("Reload"), QKeySequence::Refresh,
+                          tr("Read the rows again"), [this] { m_reader.reload(); }});
+    m_stop = makeAction(this, {u"dataStop"_s, tr("Stop"), Qt::Key_Escape, tr("Stop reading rows"),
+                               [this] { m_reader.stop(); }});
+    m_bar->addActions({copy, reload, m_stop, makeColumnsAction()});
+}
+
+void DataView::makePins()
+{
     m_pins->setObjectName(u"dataPins"_s);
     m_pins->setAccessibleName(tr("Pin of the rows"));
     m_pins->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    connect(m_pins, &QComboBox::activated, this, [this](int index) {
-        const QString &id = m_shown.pin.action;
-        const int inputs = index - m_document->outputCount(id);
-        inputs < 0 ? showPin({id, index}, EngineRunner::PinOut)
-                   : showPin({id, inputs}, EngineRunner::PinIn);
-    });
+    connect(m_pins, &QComboBox::activated, this, &DataView::choosePin);
+    m_bar->addWidget(m_pins);
+}
+
+void DataView::makeSearch()
+{
     m_search->setObjectName(u"dataSearch"_s);
     m_search->setAccessibleName(tr("Search the rows"));
     m_search->setPlaceholderText(tr("Search the rows"));
     m_search->setClearButtonEnabled(true);
-    connect(m_search, &QLineEdit::returnPressed, this,
-            [this] { find(RowsModel::Direction::Forward); });
+    const auto next = [this] { find(RowsModel::Direction::Forward); };
+    connect(m_search, &QLineEdit::returnPressed, this, next);
     connect(m_search, &QLineEdit::textChanged, m_found, &QLabel::clear);
-    QAction *const focus = addAction(u"dataFind"_s, tr("Find"), QKeySequence::Find,
-                                     tr("Search the rows that are shown"));
-    connect(focus, &QAction::triggered, m_search, qOverload<>(&QWidget::setFocus));
-    QAction *const next = addAction(u"dataFindNext"_s, tr("Next"), QKeySequence::FindNext,
-                                    tr("Find the next cell with the text"));
-    connect(next, &QAction::triggered, this, [this] { find(RowsModel::Direction::Forward); });
-    QAction *const previous =
-        addAction(u"dataFindPrevious"_s, tr("Previous"), QKeySequence::FindPrevious,
-                  tr("Find the previous cell with the text"));
-    connect(previous, &QAction::triggered, this, [this] { find(RowsModel::Direction::Backward); });
-    QAction *const copy = addAction(u"dataCopy"_s, tr("Copy as CSV"), QKeySequence::Copy,
-                                    tr("Copy the selected cells, or all rows, as CSV"));
-    connect(copy, &QAction::triggered, this,
-            [this] { QApplication::clipboard()->setText(selectedCsv()); });
-    QAction *const reload =
-        addAction(u"dataReload"_s, tr("Reload"), QKeySequence::Refresh, tr("Read the rows again"));
-    connect(reload, &QAction::triggered, &m_reader, &PinReader::reload);
-    m_stop = addAction(u"dataStop"_s, tr("Stop"), Qt::Key_Escape, tr("Stop reading rows"));
-    connect(m_stop, &QAction::triggered, &m_reader, &PinReader::stop);
-    QAction *const columns =
-        addAction(u"dataColumns"_s, tr("Columns"), {}, tr("Show a summary of the columns"));
-    columns->setCheckable(true);
-    connect(columns, &QAction::toggled, m_splitter->widget(1), &QWidget::setVisible);
-    m_splitter->widget(1)->hide();
-    m_bar->addWidget(m_pins);
-    m_bar->addSeparator();
+    makeAction(this, {u"dataFind"_s, tr("Find"), QKeySequence::Find,
+                      tr("Search the rows that are shown"), [this] { m_search->setFocus(); }});
     m_bar->addWidget(m_search);
-    m_bar->addActions({previous, next});
+    m_bar->addAction(
+        makeAction(this, {u"dataFindPrevious"_s, tr("Previous"), QKeySequence::FindPrevious,
+                          tr("Find the previous cell with the text"),
+                          [this] { find(RowsModel::Direction::Backward); }}));
+    m_bar->addAction(makeAction(this, {u"dataFindNext"_s, tr("Next"), QKeySequence::FindNext,
+                                       tr("Find the next cell with the text"), next}));
     m_bar->addWidget(m_found);
-    m_bar->addSeparator();
-    m_bar->addActions({copy, reload, m_stop, columns});
 }
 
-void DataView::makeTable()
+/// The summary takes half of the width, so it is shown on demand.
+QAction *DataView::makeColumnsAction()
 {
-    setUpTable(m_table, u"dataRows"_s, tr("Rows"));
-    m_table->setModel(&m_rows);
-    m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    QHeaderView *const header = m_table->horizontalHeader();
-    header->setSectionsMovable(true);
-    header->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(header, &QHeaderView::customContextMenuRequested, this, &DataView::showHeaderMenu);
-    connect(header, &QHeaderView::sectionMoved, this, &DataView::updateOrder);
+    QAction *const columns = makeAction(
+        this, {u"dataColumns"_s, tr("Columns"), {}, tr("Show a summary of the columns"), [] {}});
+    columns->setCheckable(true);
+    connect(columns, &QAction::toggled, m_summary, &QWidget::setVisible);
+    m_summary->hide();
+    return columns;
 }
 
-QWidget *DataView::makeSummary()
+void DataView::connectSummary()
 {
-    auto *const side = new QWidget;
-    auto *const layout = new QVBoxLayout(side);
-    layout->setContentsMargins(0, 0, 0, 0);
-    setUpTable(m_summary, u"dataSummary"_s, tr("Columns"));
-    m_summary->setModel(&m_columns);
-    m_summary->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_summary->verticalHeader()->hide();
-    connect(&m_columns, &SummaryModel::shownChanged, this, [this](int column, bool isShown) {
-        m_table->setColumnHidden(column, !isShown);
-        saveLayout();
-    });
-    // A column that is chosen in the summary is shown in the table.
-    connect(m_summary, &QTableView::activated, this, [this](const QModelIndex &index) {
+    using Panel = SummaryPanel;
+    connect(m_summary, &Panel::summarizeAllRequested, &m_reader, &PinReader::summarizeAll);
+    connect(m_summary, &Panel::showAllRequested, &m_layout, &ColumnLayout::showAll);
+    connect(m_summary, &Panel::moveRequested, &m_layout, &ColumnLayout::move);
+    connect(m_summary, &Panel::columnChosen, this, [this](int column) {
         const int row = qMax(0, m_table->currentIndex().row());
-        m_table->setCurrentIndex(m_rows.index(row, m_columns.columnAt(index.row())));
+        m_table->setCurrentIndex(m_rows.index(row, column));
     });
-    auto *const bar = new QToolBar;
-    m_all = addAction(u"dataSummarizeAll"_s, tr("Summarize all rows"), {},
-                      tr("Read the whole table for the counts and ranges"));
-    connect(m_all, &QAction::triggered, &m_reader, &PinReader::summarizeAll);
-    QAction *const up = addAction(u"dataColumnUp"_s, tr("Move left"), QKeySequence(u"Alt+Up"_s),
-                                  tr("Move the column to the left"));
-    connect(up, &QAction::triggered, this, [this] { moveColumn(-1); });
-    QAction *const down =
-        addAction(u"dataColumnDown"_s, tr("Move right"), QKeySequence(u"Alt+Down"_s),
-                  tr("Move the column to the right"));
-    connect(down, &QAction::triggered, this, [this] { moveColumn(1); });
-    m_showAll = addAction(u"dataShowAll"_s, tr("Show all columns"), {},
-                          tr("Show the hidden columns again"));
-    connect(m_showAll, &QAction::triggered, this, [this] {
-        for (int i = 0; i < m_columns.rowCount(); ++i) {
-            m_columns.setShown(i, true);
-        }
-    });
-    bar->addActions({m_all, up, down, m_showAll});
-    layout->addWidget(bar);
-    layout->addWidget(m_summary, 1);
-    return side;
 }
 
 QWidget *DataView::makeFooter()
@@ -205,11 +175,10 @@ QWidget *DataView::makeFooter()
     auto *const layout = new QHBoxLayout(footer);
     layout->setContentsMargins(0, 0, 0, 0);
     m_note->setObjectName(u"dataNote"_s);
-    m_note->setTextFormat(Qt::PlainText);
+    m_note->setTextFormat(Qt::PlainText); // a message may contain what looks like markup
     m_note->setWordWrap(true);
-    m_more = addAction(u"dataMore"_s, tr("More rows"), QKeySequence(u"Ctrl+Shift+M"_s),
-                       tr("Read more rows"));
-    connect(m_more, &QAction::triggered, &m_reader, &PinReader::readMore);
+    m_more = makeAction(this, {u"dataMore"_s, tr("More rows"), QKeySequence(u"Ctrl+Shift+M"_s),
+                               tr("Read more rows"), [this] { m_reader.readMore(); }});
     auto *const button = new QToolButton;
     button->setDefaultAction(m_more);
     layout->addWidget(m_note, 1);
@@ -227,19 +196,26 @@ void DataView::setDocument(GraphDocument *document)
     }
     m_document = document;
     if (document != nullptr) {
-        using Document = GraphDocument;
-        connect(document, &Document::upstreamChanged, this, &DataView::refreshLater);
-        connect(document, &Document::linkAdded, this, &DataView::refreshLater);
-        connect(document, &Document::linkRemoved, this, &DataView::refreshLater);
-        connect(document, &Document::actionRemoved, this, &DataView::refreshLater);
-        connect(document, &Document::variablesChanged, this, &DataView::refreshLater);
-        connect(document, &Document::reloaded, this, &DataView::refreshLater);
-        connect(document, &Document::actionRenamed, this, &DataView::renameAction);
-        connect(document, &Document::destroyed, this,
-                [this](const QObject *gone) { m_lastPins.remove(gone); });
+        follow(document);
     }
     m_shown = m_lastPins.value(document);
     refresh();
+}
+
+/// Everything that can change the rows of a pin or remove it. What changes nothing costs little:
+/// the reader compares the graphs.
+void DataView::follow(GraphDocument *document)
+{
+    using Document = GraphDocument;
+    connect(document, &Document::upstreamChanged, this, &DataView::refreshLater);
+    connect(document, &Document::linkAdded, this, &DataView::refreshLater);
+    connect(document, &Document::linkRemoved, this, &DataView::refreshLater);
+    connect(document, &Document::actionRemoved, this, &DataView::refreshLater);
+    connect(document, &Document::variablesChanged, this, &DataView::refreshLater);
+    connect(document, &Document::reloaded, this, &DataView::refreshLater);
+    connect(document, &Document::actionRenamed, this, &DataView::renameAction);
+    connect(document, &Document::destroyed, this,
+            [this](const QObject *gone) { m_lastPins.remove(gone); });
 }
 
 void DataView::showAction(const QString &id)
@@ -264,14 +240,9 @@ void DataView::renameAction(const QString &oldId, const QString &id)
     }
 }
 
-void DataView::refreshLater()
+/// The numbers are those of links in graph files and of --tap.
+QString DataView::titleOf(const ShownPin &shown)
 {
-    m_delay.start();
-}
-
-QString DataView::titleOf(const ShownPin &shown) const
-{
-    // The numbers are those of links in graph files and of --tap.
     return (shown.type == EngineRunner::PinOut ? tr("%1: output %2") : tr("%1: input %2"))
         .arg(shown.pin.action, QString::number(shown.pin.pin));
 }
@@ -288,7 +259,7 @@ void DataView::refresh()
     }
 }
 
-/// The output pins, then the input pins.
+/// Also the title of the view. The number of pins depends on links and parameters.
 void DataView::updatePins()
 {
     const QSignalBlocker blocker(m_pins);
@@ -308,6 +279,17 @@ void DataView::updatePins()
     m_pins->setCurrentIndex(m_shown.type == EngineRunner::PinOut ? pin : outputs + pin);
 }
 
+void DataView::choosePin(int index)
+{
+    const QString id = m_shown.pin.action;
+    const int input = index - m_document->outputCount(id);
+    if (input < 0) {
+        showPin({id, index}, EngineRunner::PinOut);
+    } else {
+        showPin({id, input}, EngineRunner::PinIn);
+    }
+}
+
 void DataView::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
@@ -319,6 +301,7 @@ void DataView::filesWritten(const QStringList &files)
     m_reader.filesChanged(files);
 }
 
+/// The models must not keep rows of the other pin for a moment.
 void DataView::showReplaced()
 {
     m_isFitted = false;
@@ -329,196 +312,109 @@ void DataView::showReplaced()
 
 void DataView::showChanged()
 {
-    const bool hadColumns = m_rows.columnCount() > 0 && m_isFitted;
     m_rows.update();
-    m_columns.setRows(m_reader.rows());
-    if (!hadColumns && m_rows.columnCount() > 0) {
+    m_summary->model().setRows(m_reader.rows());
+    if (!m_isFitted && m_rows.columnCount() > 0) {
         m_isFitted = true;
-        fitColumns();
-        restoreLayout();
+        showNewColumns();
     }
     m_note->setText(noteText());
-    m_more->setEnabled(m_reader.hasMore() && !m_reader.isReading());
-    m_more->setText(m_reader.hasMore()
-                        ? tr("Show %1 rows").arg(QLocale().toString(m_reader.nextRows()))
-                        : tr("More rows"));
+    const bool hasMore = m_reader.hasMore();
+    m_more->setEnabled(hasMore && !m_reader.isReading());
+    m_more->setText(hasMore ? tr("Show %1 rows").arg(QLocale().toString(m_reader.nextRows()))
+                            : tr("More rows"));
     m_stop->setEnabled(m_reader.isReading());
-    m_all->setEnabled(!m_reader.rows().isComplete && !m_reader.isReading());
+    m_summary->setCanSummarizeAll(!m_reader.rows().isComplete && !m_reader.isReading());
 }
 
-QString DataView::noteText() const
-{
-    const PinRows &rows = m_reader.rows();
-    const QLocale locale;
-    QStringList parts;
-    if (!m_reader.problem().isEmpty()) {
-        parts << m_reader.problem();
-    }
-    if (m_reader.isReading()) {
-        parts << tr("Reading\u2026 rows: %1").arg(locale.toString(rows.rowsRead));
-    } else if (rows.columns.names.isEmpty()) {
-        return parts.join(u'\n');
-    } else if (rows.isComplete && rows.rows == rows.rowsRead) {
-        parts << tr("All rows: %1").arg(locale.toString(rows.rows));
-    } else if (rows.isComplete) {
-        parts << tr("The first %1 of %2 rows; the summary is of all rows")
-                     .arg(locale.toString(rows.rows), locale.toString(rows.rowsRead));
-    } else {
-        parts << tr("The first %1 rows; there are more").arg(locale.toString(rows.rows));
-    }
-    if (m_reader.isFull()) {
-        parts << tr("The memory for rows is used up; use an action to choose rows");
-    }
-    if (rows.cutCells > 0) {
-        parts << tr("Cells cut after %1 characters: %2")
-                     .arg(QString::number(RowChunk::kMaxCellUnits), locale.toString(rows.cutCells));
-    }
-    if (!m_reader.skipped().isEmpty()) {
-        parts << tr("No file is written; the rows are those that reach %1")
-                     .arg(m_reader.skipped().join(u", "_s));
-    }
-    return parts.join(u"  \u00b7  "_s);
-}
-
-void DataView::fitColumns()
+/// The widths fit the first rows, and stay when more rows come.
+void DataView::showNewColumns()
 {
     for (int i = 0; i < qMin(kFittedColumns, m_rows.columnCount()); ++i) {
         m_table->resizeColumnToContents(i);
         m_table->setColumnWidth(i, qMin(kMaxColumnWidth, m_table->columnWidth(i)));
     }
-    m_summary->resizeColumnsToContents();
+    m_summary->fitColumns();
+    m_layout.restore(titleOf(m_shown));
 }
 
-QVector<int> DataView::shownColumns() const
+QString DataView::rowsText() const
 {
-    const QHeaderView *const header = m_table->horizontalHeader();
-    QVector<int> columns;
-    columns.reserve(m_rows.columnCount());
-    for (int visual = 0; visual < m_rows.columnCount(); ++visual) {
-        const int column = header->logicalIndex(visual);
-        if (!header->isSectionHidden(column)) {
-            columns << column;
-        }
+    const PinRows &rows = m_reader.rows();
+    const auto number = [](qint64 count) { return QLocale().toString(count); };
+    if (m_reader.isReading()) {
+        return tr("Reading\u2026 rows: %1").arg(number(rows.rowsRead));
     }
-    return columns;
+    if (rows.columns.names.isEmpty()) {
+        return {};
+    }
+    if (!rows.isComplete) {
+        return tr("The first %1 rows; there are more").arg(number(rows.rows));
+    }
+    return rows.rows == rows.rowsRead ? tr("All rows: %1").arg(number(rows.rows))
+                                      : tr("The first %1 of %2 rows; the summary is of all rows")
+                                            .arg(number(rows.rows), number(rows.rowsRead));
 }
 
+/// Says everything that makes the table differ from the rows of a run.
+QString DataView::noteText() const
+{
+    QStringList parts{m_reader.problem(), rowsText()};
+    if (m_reader.isFull()) {
+        parts << tr("The memory for rows is used up; use an action to choose rows");
+    }
+    if (const qint64 cut = m_reader.rows().cutCells; cut > 0) {
+        parts << tr("Cells cut after %1 characters: %2")
+                     .arg(QString::number(RowChunk::kMaxCellUnits), QLocale().toString(cut));
+    }
+    if (const QStringList &skipped = m_reader.skipped(); !skipped.isEmpty()) {
+        parts << tr("No file is written; the rows are those that reach %1")
+                     .arg(skipped.join(u", "_s));
+    }
+    parts.removeAll(QString());
+    return parts.join(u"  \u00b7  "_s);
+}
+
+/// The first hit is searched from the current cell, as in editors.
 void DataView::find(RowsModel::Direction direction)
 {
     const QModelIndex current = m_table->currentIndex();
-    const RowsModel::Place place =
-        m_rows.find(m_search->text(), shownColumns(), {current.row(), current.column()}, direction);
-    if (place.row < 0) {
-        m_found->setText(m_search->text().isEmpty() ? QString()
-                         : m_reader.hasMore()       ? tr("Not in the rows shown")
-                                                    : tr("Not found"));
-        return;
+    const RowsModel::Place place = m_rows.find(m_search->text(), m_layout.visibleColumns(),
+                                               {current.row(), current.column()}, direction);
+    if (place.row >= 0) {
+        m_found->clear();
+        m_table->setCurrentIndex(m_rows.index(place.row, place.column));
+    } else if (!m_search->text().isEmpty()) {
+        m_found->setText(m_reader.hasMore() ? tr("Not in the rows shown") : tr("Not found"));
     }
-    m_found->clear();
-    m_table->setCurrentIndex(m_rows.index(place.row, place.column));
-    m_table->scrollTo(m_table->currentIndex());
 }
 
 QString DataView::selectedCsv() const
 {
-    QVector<int> columns = shownColumns();
-    QVector<int> rows;
-    const QItemSelection selection = m_table->selectionModel()->selection();
-    const bool isOneCell =
-        selection.size() == 1 && selection[0].width() == 1 && selection[0].height() == 1;
-    QSet<int> chosenRows;
-    QSet<int> chosenColumns;
-    if (!isOneCell) {
-        for (const QItemSelectionRange &range : selection) {
-            for (int row = range.top(); row <= range.bottom(); ++row) {
-                chosenRows << row;
-            }
-            for (int column = range.left(); column <= range.right(); ++column) {
-                chosenColumns << column;
-            }
-        }
+    SelectedCells selected = selectedCells(*m_table);
+    // A click on a cell selects it, and nobody wants one cell as CSV.
+    if (selected.isOneCell()) {
+        selected = {};
     }
-    for (int row = 0; row < m_rows.rowCount(); ++row) {
-        if (chosenRows.isEmpty() || chosenRows.contains(row)) {
-            rows << row;
-        }
+    QVector<int> columns = m_layout.visibleColumns();
+    if (!selected.columns.isEmpty()) {
+        columns.removeIf([&](int column) { return !selected.columns.contains(column); });
     }
-    if (!chosenColumns.isEmpty()) {
-        columns.removeIf([&](int column) { return !chosenColumns.contains(column); });
+    QVector<int> rows(selected.rows.begin(), selected.rows.end());
+    std::sort(rows.begin(), rows.end());
+    if (rows.isEmpty()) {
+        rows.resize(m_rows.rowCount());
+        std::iota(rows.begin(), rows.end(), 0);
     }
     return csvOf(m_rows, rows, columns);
 }
 
-void DataView::showHeaderMenu(QPoint place)
+void DataView::copyCells() const
 {
-    const int column = m_table->horizontalHeader()->logicalIndexAt(place);
-    QMenu menu;
-    QAction *const hide = menu.addAction(tr("Hide the column"));
-    hide->setEnabled(column >= 0 && shownColumns().size() > 1);
-    menu.addAction(m_showAll);
-    if (menu.exec(m_table->horizontalHeader()->mapToGlobal(place)) == hide) {
-        m_columns.setShown(column, false);
-    }
-}
-
-void DataView::moveColumn(int step)
-{
-    QHeaderView *const header = m_table->horizontalHeader();
-    const int from = m_summary->currentIndex().row();
-    const int to = from + step;
-    if (from >= 0 && to >= 0 && to < m_rows.columnCount()) {
-        header->moveSection(from, to);
-        m_summary->setCurrentIndex(m_columns.index(to, m_summary->currentIndex().column()));
-    }
-}
-
-void DataView::updateOrder()
-{
-    QVector<int> order;
-    order.reserve(m_rows.columnCount());
-    for (int visual = 0; visual < m_rows.columnCount(); ++visual) {
-        order << m_table->horizontalHeader()->logicalIndex(visual);
-    }
-    m_columns.setOrder(order);
-    saveLayout();
-}
-
-void DataView::saveLayout()
-{
-    Layout layout;
-    for (int row = 0; row < m_columns.rowCount(); ++row) {
-        const int column = m_columns.columnAt(row);
-        layout.order << m_rows.columnName(column);
-        if (!m_columns.isShown(column)) {
-            layout.hidden << m_rows.columnName(column);
-        }
-    }
-    m_layouts.insert(titleOf(m_shown), layout);
-}
-
-/// Columns that the pin did not have before stay at their places, after those that move.
-void DataView::restoreLayout()
-{
-    const Layout layout = m_layouts.value(titleOf(m_shown));
-    QHeaderView *const header = m_table->horizontalHeader();
-    QVector<int> order;
-    order.reserve(layout.order.size());
-    for (const QString &name : layout.order) {
-        const auto column = static_cast<int>(m_reader.rows().columns.names.indexOf(name));
-        if (column >= 0 && !order.contains(column)) {
-            order << column;
-        }
-    }
-    const QSignalBlocker blocker(header);
-    for (int to = 0; to < order.size(); ++to) {
-        header->moveSection(header->visualIndex(order[to]), to);
-    }
-    for (int column = 0; column < m_rows.columnCount(); ++column) {
-        const bool isShown = !layout.hidden.contains(m_rows.columnName(column));
-        m_table->setColumnHidden(column, !isShown);
-        m_columns.setShown(column, isShown);
-    }
-    updateOrder();
+    const QModelIndex current = m_table->currentIndex();
+    const bool isOneCell = selectedCells(*m_table).isOneCell();
+    QApplication::clipboard()->setText(
+        isOneCell ? m_rows.cell(current.row(), current.column()).toString() : selectedCsv());
 }
 
 } // namespace corvanta::studio

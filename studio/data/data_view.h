@@ -4,9 +4,9 @@
 // background (PinReader).
 // Threads: the GUI thread.
 #pragma once
+#include "studio/data/column_layout.h"
 #include "studio/data/pin_reader.h"
 #include "studio/data/rows_model.h"
-#include "studio/data/summary_model.h"
 #include "studio/document/graph_document.h"
 
 #include <QHash>
@@ -23,6 +23,8 @@ class QToolBar;
 
 namespace corvanta::studio {
 
+class SummaryPanel;
+
 class DataView final : public QWidget
 {
     Q_OBJECT
@@ -38,8 +40,8 @@ public:
     void showPin(const PinRef &pin, EngineRunner::PinType type);
     /// A run has written these files: forget the rows that were read from them.
     void filesWritten(const QStringList &files);
-    /// The selected cells as CSV, or all rows if at most one cell is selected; without the hidden
-    /// columns, in the order of the view.
+    /// The rows and columns of the selected cells as CSV, or all rows if at most one cell is
+    /// selected; without the hidden columns, in the order of the view.
     QString selectedCsv() const;
     /// What is shown, for tests and other views.
     const PinReader &reader() const { return m_reader; }
@@ -48,73 +50,64 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
-    // Called once, by the constructor.
-    void makeActions();
-    void makeTable();
-    QWidget *makeSummary();
-    QWidget *makeFooter();
-    QAction *addAction(const QString &name, const QString &text, const QKeySequence &shortcut,
-                       const QString &tip);
-
-    void refreshLater();
-    void refresh();
-    /// Offer the pins of the action, with the current one chosen.
-    void updatePins();
-    void renameAction(const QString &oldId, const QString &id);
-    void showReplaced();
-    void showChanged();
-    QString noteText() const;
-    void fitColumns();
-    /// The numbers of the columns that are shown, in their order.
-    QVector<int> shownColumns() const;
-    void find(RowsModel::Direction direction);
-    void showHeaderMenu(QPoint place);
-    /// Move the current column of the summary by `step` places.
-    void moveColumn(int step);
-    void updateOrder();
-    // The order and the hidden columns of the pin, by name, as long as the view exists.
-    void saveLayout();
-    void restoreLayout();
-
+    /// A pin of the document.
     struct ShownPin
     {
         PinRef pin;
         EngineRunner::PinType type = EngineRunner::PinOut;
     };
-    /// Whether the shown pin is one of the document.
+
+    // Called once, by the constructor.
+    void makeBar();
+    void makeSearch();
+    void makePins();
+    QAction *makeColumnsAction();
+    void connectSummary();
+    QWidget *makeFooter();
+
+    // The pin.
     bool hasPin() const
     {
         return m_document != nullptr && m_document->contains(m_shown.pin.action);
     }
-    QString titleOf(const ShownPin &shown) const;
+    static QString titleOf(const ShownPin &shown);
+    void follow(GraphDocument *document);
+    void renameAction(const QString &oldId, const QString &id);
+    void choosePin(int index);
+    void updatePins();
+    void refreshLater() { m_delay.start(); }
+    void refresh();
+
+    // What is read.
+    void showReplaced();
+    void showChanged();
+    void showNewColumns();
+    QString noteText() const;
+    /// How many rows of how many are shown.
+    QString rowsText() const;
+
+    void find(RowsModel::Direction direction);
+    void copyCells() const;
 
     QPointer<GraphDocument> m_document;
     ShownPin m_shown;
     QHash<const QObject *, ShownPin> m_lastPins; // by document
     PinReader m_reader;
     RowsModel m_rows;
-    SummaryModel m_columns;
-    QTimer m_delay; // from an edit to the update
-    struct Layout
-    {
-        QStringList order;
-        QStringList hidden;
-    };
-    QHash<QString, Layout> m_layouts; // by the title of the pin
-    bool m_isFitted = false;          // the columns have their widths
+    QTimer m_delay;          // from an edit to the update
+    bool m_isFitted = false; // the columns have their widths
 
     QToolBar *m_bar;
-    QComboBox *m_pins;
+    QComboBox *m_pins; // the output pins of the action, then its input pins
     QLineEdit *m_search;
     QLabel *m_found; // what the search has found
     QSplitter *m_splitter;
     QTableView *m_table;
-    QTableView *m_summary;
+    SummaryPanel *m_summary;
+    ColumnLayout m_layout;
     QLabel *m_note;
     QAction *m_more = nullptr;
     QAction *m_stop = nullptr;
-    QAction *m_all = nullptr;
-    QAction *m_showAll = nullptr; // hidden columns
 };
 
 } // namespace corvanta::studio

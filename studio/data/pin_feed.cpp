@@ -26,6 +26,7 @@ PinFeed::PinFeed(qint64 skip, qint64 wanted, qsizetype maxBytes)
 {
 }
 
+/// Called for each row, so that the usual row takes no lock.
 bool PinFeed::take(const TableSchema &columns, const OneRow *row, const std::stop_token &stop)
 {
     if (m_builder == nullptr) {
@@ -51,6 +52,8 @@ bool PinFeed::take(const TableSchema &columns, const OneRow *row, const std::sto
     return !stop.stop_requested();
 }
 
+/// Whether the GUI thread should get what there is: not for each row, which would cost more than
+/// reading it, and not too late.
 bool PinFeed::isDue(const OneRow *row) const
 {
     const bool isFull =
@@ -59,6 +62,7 @@ bool PinFeed::isDue(const OneRow *row) const
            (m_rowsRead % kRowsPerLook == 0 && Clock::now() - m_published > kPublishTime);
 }
 
+/// The memory that is counted is that of the vectors, which grow by doubling.
 void PinFeed::keep(const OneRow &row)
 {
     if (m_rowsRead < m_skip || m_rowsRead >= m_wanted || m_bytesLeft <= 0) {
@@ -90,6 +94,7 @@ void PinFeed::flush()
     m_published = Clock::now();
 }
 
+/// With the mutex, so that the change does not fall between the check of the reader and its wait.
 void PinFeed::want(qint64 rows)
 {
     const std::lock_guard lock(m_mutex);

@@ -1,3 +1,5 @@
+// A run is in one of three states: none (m_feed is null), reading (m_poll is active) and paused. A
+// paused run has a waiting thread and open files, so that only the pin that is shown has one.
 #include "studio/data/pin_reader.h"
 
 #include "corvanta/log.h"
@@ -83,6 +85,8 @@ PinReader::~PinReader()
     m_worker.stop();
 }
 
+/// A key is compared instead of the pin: edits that change nothing keep the rows, and undo finds
+/// them.
 void PinReader::show(const CorvantaGraph &graph, const CorvantaGraph::Pin &pin,
                      EngineRunner::PinType type)
 {
@@ -115,6 +119,7 @@ void PinReader::clear()
     setCurrent(std::make_shared<Entry>());
 }
 
+/// The rows that the run of the entry before has passed stay in that entry.
 void PinReader::setCurrent(const EntryPtr &entry)
 {
     stop();
@@ -150,6 +155,8 @@ bool PinReader::hasMore() const
     return !m_current->key.isEmpty() && !isAllShown && !isFull();
 }
 
+/// Continues a paused run. After a run that ended, for example by another pin, the rows that are
+/// there are skipped.
 void PinReader::readMore()
 {
     if (!hasMore() || isReading()) {
@@ -165,6 +172,7 @@ void PinReader::readMore()
     }
 }
 
+/// Afterwards the run cannot give more rows, because it has passed them.
 void PinReader::summarizeAll()
 {
     if (m_current->key.isEmpty() || rows().isComplete || isReading()) {
@@ -191,6 +199,7 @@ void PinReader::reload()
     }
 }
 
+/// A pin that is not shown is read when it is shown again.
 void PinReader::filesChanged(const QStringList &files)
 {
     m_cache.remove_if([&](const EntryPtr &entry) {
@@ -223,6 +232,7 @@ void PinReader::read(qint64 wanted, bool isForSummaries)
     Q_EMIT changed();
 }
 
+/// The rows before a failure are kept.
 void PinReader::readEnded(const QString &problem)
 {
     m_poll.stop();

@@ -1,3 +1,5 @@
+// A writer with an output pin passes on every row of its input pin, so that the rows of a pin after
+// it can be seen without writing: the links after the writer begin at the pin before it.
 #include "studio/data/preview_graph.h"
 
 #include "corvanta/action_parameters.h"
@@ -23,6 +25,7 @@ const Graph::Link *linkTo(const Graph &graph, const QString &id, int pin)
     return found == graph.links.end() ? nullptr : &*found;
 }
 
+/// As the type declares it: the name of the file need not be set yet.
 bool writesFiles(const Graph &graph, const ActionRegistry &registry, const QString &id)
 {
     const int index = graph.indexOf(id);
@@ -56,46 +59,69 @@ QStringList inputsOf(const Graph &graph, const ActionRegistry &registry)
     return files;
 }
 
+/// The output pin whose rows a pin has; none for an input pin without a link.
+std::optional<Graph::Pin> outputFor(const Graph &graph, const Graph::Pin &pin,
+                                    EngineRunner::PinType type)
+{
+    if (type == EngineRunner::PinOut) {
+        return pin;
+    }
+    const Graph::Link *const link = linkTo(graph, pin.action, pin.pin);
+    return link == nullptr ? std::nullopt : std::optional(link->from);
+}
+
+/// Replaces output pins of writers by the pins that the writers read.
+class WriterSkipper
+{
+public:
+    WriterSkipper(const Graph &graph, const ActionRegistry &registry)
+        : m_graph(graph)
+        , m_registry(registry)
+    {
+    }
+    /// The first pin before `pin` that no writer passes on. Adds the ids of the writers to
+    /// `skipped`.
+    Graph::Pin sourceOf(Graph::Pin pin, QStringList *skipped) const
+    {
+        // An edited graph may have a loop of links, which the number of links bounds.
+        for (qsizetype step = 0; step <= m_graph.links.size(); ++step) {
+            const Graph::Link *const link = linkTo(m_graph, pin.action, 0);
+            if (link == nullptr || !writesFiles(m_graph, m_registry, pin.action)) {
+                break;
+            }
+            *skipped << pin.action;
+            pin = link->from;
+        }
+        return pin;
+    }
+
+private:
+    const Graph &m_graph;
+    const ActionRegistry &m_registry;
+};
+
 } // namespace
 
 std::optional<PreviewGraph> previewGraphOf(const Graph &graph, const ActionRegistry &registry,
                                            const Graph::Pin &pin, EngineRunner::PinType type)
 {
-    PreviewGraph preview{graph, pin, {}};
-    // The number of links bounds the steps, also if they form a loop.
-    const auto skipWriters = [&](Graph::Pin *from) {
-        for (qsizetype step = 0; step <= graph.links.size(); ++step) {
-            const Graph::Link *const link = linkTo(graph, from->action, 0);
-            if (link == nullptr || !writesFiles(graph, registry, from->action)) {
-                return;
-            }
-            preview.skipped.removeAll(from->action);
-            preview.skipped << from->action;
-            *from = link->from;
-        }
-    };
-    if (type == EngineRunner::PinIn) {
-        const Graph::Link *const link = linkTo(graph, pin.action, pin.pin);
-        if (link == nullptr) {
-            return std::nullopt;
-        }
-        preview.source = link->from;
-    }
-    if (!graph.hasOutputPin(registry, preview.source)) {
+    const std::optional<Graph::Pin> source = outputFor(graph, pin, type);
+    if (!source || !graph.hasOutputPin(registry, *source)) {
         return std::nullopt;
     }
-    const Graph whole = graph.upTo(preview.source.action);
-    skipWriters(&preview.source);
+    const WriterSkipper skipper(graph, registry);
+    PreviewGraph preview{graph.upTo(source->action), *source, {}};
+    preview.source = skipper.sourceOf(*source, &preview.skipped);
     for (Graph::Link &link : preview.graph.links) {
-        if (whole.indexOf(link.to.action) >= 0) {
-            skipWriters(&link.from);
-        }
+        link.from = skipper.sourceOf(link.from, &preview.skipped);
     }
+    // The writers are no longer linked to anything that the pin depends on.
     preview.graph = preview.graph.upTo(preview.source.action);
-    preview.skipped.removeIf([&](const QString &id) { return whole.indexOf(id) < 0; });
+    preview.skipped.removeDuplicates();
     return preview;
 }
 
+/// Both names are absolute. Links are not followed: that could block on a network drive.
 bool readsFiles(const Graph &graph, const ActionRegistry &registry, const QStringList &files)
 {
     const QStringList inputs = inputsOf(graph, registry);
@@ -106,6 +132,7 @@ bool readsFiles(const Graph &graph, const ActionRegistry &registry, const QStrin
     });
 }
 
+/// A name without a file is not one: the run reports that it is missing.
 QString unrepeatableInput(const Graph &graph, const ActionRegistry &registry)
 {
     const QStringList inputs = inputsOf(graph, registry);
@@ -116,6 +143,7 @@ QString unrepeatableInput(const Graph &graph, const ActionRegistry &registry)
     return found == inputs.end() ? QString() : *found;
 }
 
+/// The name of the file counts, because relative names depend on its folder.
 QByteArray contentKeyOf(const PreviewGraph &preview)
 {
     CorvantaGraph plain = preview.graph;

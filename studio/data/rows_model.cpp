@@ -1,3 +1,5 @@
+// The rows stay in the chunks in which they arrived: a cell is found by a binary search over the
+// first rows of the chunks, and no row is ever copied.
 #include "studio/data/rows_model.h"
 
 #include <QColor>
@@ -34,6 +36,26 @@ QColor quietColor()
     const auto mix = [](int a, int b) { return (kPartOfText * a + (10 - kPartOfText) * b) / 10; };
     return {mix(text.red(), base.red()), mix(text.green(), base.green()),
             mix(text.blue(), base.blue())};
+}
+
+/// A cell for people. A null view: it is missing.
+QString shownText(QStringView text)
+{
+    return text.isNull() ? RowsModel::tr("missing") : text.isEmpty() ? u"\"\""_s : oneLine(text);
+}
+
+QFont italic()
+{
+    QFont font;
+    font.setItalic(true);
+    return font;
+}
+
+/// Digits of equal value are below each other.
+QVariant alignmentOf(const MetaInfo &type)
+{
+    const bool isNumber = type.type() != MetaInfo::Unknown;
+    return QVariant((isNumber ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
 }
 
 } // namespace
@@ -108,26 +130,24 @@ int RowsModel::columnCount(const QModelIndex &parent) const
     return parent.isValid() ? 0 : static_cast<int>(m_columns.names.size());
 }
 
+/// What is shown of a cell, and its font and colour, depend on whether it is missing or empty; a
+/// text that reads "missing" is upright.
 QVariant RowsModel::data(const QModelIndex &index, int role) const
 {
     const QStringView text = cell(index.row(), index.column());
-    const bool isNumber = m_columns.types[index.column()].type() != MetaInfo::Unknown;
     switch (role) {
     case Qt::DisplayRole:
-        return text.isNull() ? tr("missing") : text.isEmpty() ? u"\"\""_s : oneLine(text);
+        return shownText(text);
     case Qt::ToolTipRole:
         // As plain text: a cell may contain what looks like markup.
         return text.size() > kShownUnits ? text.left(kToolTipUnits).toString().toHtmlEscaped()
                                          : QVariant();
-    case Qt::FontRole: {
-        QFont font;
-        font.setItalic(text.isEmpty());
-        return font;
-    }
+    case Qt::FontRole:
+        return text.isEmpty() ? italic() : QVariant();
     case Qt::ForegroundRole:
         return text.isEmpty() ? quietColor() : QVariant();
     case Qt::TextAlignmentRole:
-        return QVariant((isNumber ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+        return alignmentOf(m_columns.types[index.column()]);
     case kMissingRole:
         return text.isNull();
     default:
@@ -145,36 +165,35 @@ QVariant RowsModel::headerData(int section, Qt::Orientation orientation, int rol
                : QVariant(columnName(section) + u'\n' + typeNameOf(m_columns.types[section]));
 }
 
-bool RowsModel::matches(const QString &text, int row, int column) const
-{
-    return cell(row, column).contains(text, Qt::CaseInsensitive);
-}
-
+/// Cells are numbered along the rows, in the order of `columns`. Chunks without the text are
+/// skipped as a whole: most cells are never looked at.
 RowsModel::Place RowsModel::find(const QString &text, const QVector<int> &columns, Place from,
                                  Direction direction) const
 {
     const auto width = static_cast<qint64>(columns.size());
     const qint64 cells = width * m_rows;
+    const bool isForward = direction == Direction::Forward;
     if (text.isEmpty() || cells == 0) {
         return {};
     }
-    // Cells are numbered along the rows, in the order of `columns`.
-    const int step = direction == Direction::Forward ? 1 : -1;
-    const qint64 position = std::max<qint64>(columns.indexOf(from.column), 0);
-    qint64 at = from.row < 0 ? (step > 0 ? -1 : cells) : from.row * width + position;
+    qint64 at = isForward ? cells - 1 : 0; // the cell before the first one to look at
+    if (from.row >= 0) {
+        at = from.row * width + std::max<qint64>(columns.indexOf(from.column), 0);
+    }
     for (qint64 tried = 0; tried < cells; ++tried) {
-        at = (at + step + cells) % cells;
-        const auto row = static_cast<int>(at / width);
-        const size_t chunk = chunkOf(row);
-        if (const int first = m_firstRows[chunk]; !m_chunks[chunk]->mayContain(text)) {
-            // Continue at the other side of the chunk.
-            const qint64 other =
-                step > 0 ? (first + m_chunks[chunk]->rows()) * width - 1 : first * width;
-            tried += std::abs(other - at);
-            at = other;
-        } else if (matches(text, row, columns[at % width])) {
-            return {row, columns[at % width]};
+        at = (at + (isForward ? 1 : cells - 1)) % cells;
+        const Place place{static_cast<int>(at / width), columns[at % width]};
+        const size_t chunk = chunkOf(place.row);
+        if (m_chunks[chunk]->mayContain(text)) {
+            if (cell(place.row, place.column).contains(text, Qt::CaseInsensitive)) {
+                return place;
+            }
+            continue;
         }
+        const qint64 end =
+            isForward ? lastRowOf(chunk) * width + width - 1 : m_firstRows[chunk] * width;
+        tried += std::abs(end - at);
+        at = end;
     }
     return {};
 }

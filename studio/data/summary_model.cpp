@@ -1,3 +1,4 @@
+// Row i of this model is the column at place i of the table, so that both have one order.
 #include "studio/data/summary_model.h"
 
 #include "studio/data/rows_model.h"
@@ -21,6 +22,7 @@ QString shownText(const QString &text)
 
 } // namespace
 
+/// More rows of the same table change only counts and ranges: the selection and the boxes stay.
 void SummaryModel::setRows(const PinRows &rows)
 {
     const bool isOther = rows.columns.names != m_columns.names;
@@ -39,6 +41,7 @@ void SummaryModel::setRows(const PinRows &rows)
     }
 }
 
+/// An order of other columns is that of a table that is no longer shown.
 void SummaryModel::setOrder(const QVector<int> &order)
 {
     if (order.size() == m_order.size() && order != m_order) {
@@ -112,6 +115,7 @@ QVariant SummaryModel::data(const QModelIndex &index, int role) const
     }
 }
 
+/// Only the boxes can be changed.
 bool SummaryModel::setData(const QModelIndex &index, const QVariant &value, int role)
 {
     if (role != Qt::CheckStateRole || index.column() != Name) {

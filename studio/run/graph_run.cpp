@@ -1,3 +1,5 @@
+// The order of events: readyRead gives parts of lines, finished the rest of them and the status. A
+// child that cannot be started gives only errorOccurred.
 #include "studio/run/graph_run.h"
 
 #include "corvanta/main_ui.h"
@@ -10,6 +12,8 @@ namespace corvanta::studio {
 
 namespace {
 
+/// The graph itself comes through standard input: a temporary file could remain, and its name would
+/// be in the messages.
 QStringList argumentsOf(const RunJob &job)
 {
     QStringList words{u"run"_s,          u"-"_s,    u"--name"_s,     job.fileName,
@@ -37,6 +41,7 @@ GraphRun::GraphRun(const QString &program, QObject *parent)
 {
     m_killTimer.setSingleShot(true);
     m_killTimer.setInterval(kKillMs);
+    // A run prints nothing there, except for a graph that writes to standard output.
     m_process.setStandardOutputFile(QProcess::nullDevice());
     connect(&m_killTimer, &QTimer::timeout, &m_process, &QProcess::kill);
     connect(&m_process, &QProcess::readyReadStandardError, this, [this] { readLines(false); });
@@ -77,11 +82,14 @@ void GraphRun::start(const RunJob &job)
     m_isStopped = false;
     m_partial.clear();
     m_timer.start();
+    // The graph is written when the child has started; QProcess keeps it until then.
     m_process.start(m_program, argumentsOf(job));
     m_process.write(job.graph);
     m_process.closeWriteChannel();
 }
 
+/// The signal ends a run cleanly in a few milliseconds, unless the child waits for a call of the
+/// system.
 void GraphRun::stop()
 {
     if (m_isRunning && !m_isStopped) {
@@ -143,6 +151,7 @@ void GraphRun::childEnded(int status, QProcess::ExitStatus how)
     }
 }
 
+/// The signal comes last: its receiver may start the next run.
 void GraphRun::end(RunEnd how)
 {
     m_killTimer.stop();

@@ -1,3 +1,5 @@
+// A run may write thousands of messages per second: they are added in groups, and only the first
+// ones are kept.
 #include "studio/run/log_model.h"
 
 #include "corvanta/main_ui.h"
@@ -13,6 +15,7 @@ namespace corvanta::studio {
 
 namespace {
 
+/// Information has none, so that problems are easy to see.
 QIcon iconOf(int level)
 {
     const QStyle &style = *QApplication::style();
@@ -39,29 +42,32 @@ QString severityName(int level)
 
 void LogModel::add(const QVector<RunMessage> &messages)
 {
-    const qsizetype room = std::max<qsizetype>(0, kMaxMessages - m_messages.size());
+    for (const RunMessage &message : messages) {
+        const int level = std::clamp<int>(message.level, MainUI::Error, MainUI::Diagnostic);
+        ++m_counts.at(static_cast<size_t>(level));
+    }
+    // The first messages are kept, because they name the cause of the others.
+    const qsizetype room = kMaxMessages - m_messages.size();
     const qsizetype kept = std::min(room, messages.size());
-    const auto first = static_cast<int>(m_messages.size());
-    if (kept > 0) {
-        beginInsertRows({}, first, first + static_cast<int>(kept) - 1);
-    }
-    for (qsizetype i = 0; i < messages.size(); ++i) {
-        const RunMessage &message = messages[i];
-        ++m_counts.at(
-            static_cast<size_t>(std::clamp<int>(message.level, MainUI::Error, MainUI::Diagnostic)));
-        if (i >= kept) {
-            continue;
-        }
-        // The command logs the system's reason directly after the message that it explains.
-        const bool isReason = message.text.startsWith("Reason: "_L1) && !m_messages.isEmpty();
-        m_messages.append({message, isReason ? m_messages.constLast().level : message.level});
-        if (!message.action.isEmpty() && !m_actions.contains(message.action)) {
-            m_actions << message.action;
-        }
-    }
     m_dropped += messages.size() - kept;
-    if (kept > 0) {
-        endInsertRows();
+    if (kept == 0) {
+        return;
+    }
+    const auto first = static_cast<int>(m_messages.size());
+    beginInsertRows({}, first, first + static_cast<int>(kept) - 1);
+    for (const RunMessage &message : messages.first(kept)) {
+        keep(message);
+    }
+    endInsertRows();
+}
+
+void LogModel::keep(const RunMessage &message)
+{
+    // The command logs the system's reason directly after the message that it explains.
+    const bool isReason = message.text.startsWith("Reason: "_L1) && !m_messages.isEmpty();
+    m_messages.append({message, isReason ? m_messages.constLast().level : message.level});
+    if (!message.action.isEmpty() && !m_actions.contains(message.action)) {
+        m_actions << message.action;
     }
 }
 
@@ -86,7 +92,7 @@ int LogModel::columnCount(const QModelIndex &parent) const
 }
 
 /// A message of several lines takes one line of the table; the tool tip has all of it.
-QString LogModel::cellText(const Entry &entry, int column) const
+QString LogModel::cellText(const Entry &entry, int column)
 {
     switch (column) {
     case Severity:
@@ -128,24 +134,18 @@ QVariant LogModel::headerData(int section, Qt::Orientation orientation, int role
     return names.at(static_cast<size_t>(section));
 }
 
-void LogFilter::setMaxLevel(int level)
+void LogFilter::setFilter(int maxLevel, const QString &action, const QString &text)
 {
-    m_maxLevel = level;
-    invalidateFilter();
-}
-
-void LogFilter::setAction(const QString &id)
-{
-    m_action = id;
-    invalidateFilter();
-}
-
-void LogFilter::setText(const QString &text)
-{
+    if (maxLevel == m_maxLevel && action == m_action && text == m_text) {
+        return;
+    }
+    m_maxLevel = maxLevel;
+    m_action = action;
     m_text = text;
     invalidateFilter();
 }
 
+/// The text is that of the table, in which messages have one line.
 bool LogFilter::filterAcceptsRow(int row, const QModelIndex &parent) const
 {
     const QModelIndex index = sourceModel()->index(row, LogModel::Text, parent);

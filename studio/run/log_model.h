@@ -51,7 +51,8 @@ private:
         RunMessage message;
         int level = 0; // see LevelRole
     };
-    QString cellText(const Entry &entry, int column) const;
+    void keep(const RunMessage &message);
+    static QString cellText(const Entry &entry, int column);
 
     QVector<Entry> m_messages;
     QStringList m_actions;
@@ -67,12 +68,9 @@ class LogFilter final : public QSortFilterProxyModel
 public:
     using QSortFilterProxyModel::QSortFilterProxyModel;
 
-    /// Levels above `level` are hidden.
-    void setMaxLevel(int level);
-    /// An empty id: all actions.
-    void setAction(const QString &id);
-    /// Ignores case; an empty text: all messages.
-    void setText(const QString &text);
+    /// Hide the levels above `maxLevel`, and other actions and texts. An empty id or text: all of
+    /// them. Ignores case in texts. Does nothing if all are as before.
+    void setFilter(int maxLevel, const QString &action, const QString &text);
 
 protected:
     bool filterAcceptsRow(int row, const QModelIndex &parent) const override;

@@ -2,8 +2,9 @@
 
 #include "corvanta/main_ui.h"
 #include "studio/widgets/local_keys.h"
+#include "studio/widgets/part_action.h"
+#include "studio/widgets/plain_table.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -18,6 +19,13 @@
 using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
+
+namespace {
+
+constexpr int kSeverityLetters = 16;
+constexpr int kActionLetters = 24;
+
+} // namespace
 
 LogPanel::LogPanel(LogModel *model, QWidget *parent)
     : QWidget(parent)
@@ -45,32 +53,16 @@ QWidget *LogPanel::makeFilters()
     auto *const bar = new QWidget;
     auto *const layout = new QHBoxLayout(bar);
     layout->setContentsMargins(0, 0, 0, 0);
-    m_level->setObjectName(u"logLevel"_s);
-    m_level->setAccessibleName(tr("Severity of the messages"));
-    m_level->addItem(tr("All messages"), MainUI::Diagnostic);
-    m_level->addItem(tr("Errors, warnings, information"), MainUI::Info);
-    m_level->addItem(tr("Errors and warnings"), MainUI::Warning);
-    m_level->addItem(tr("Errors"), MainUI::Error);
-    connect(m_level, &QComboBox::currentIndexChanged, this, [this] {
-        m_filter.setMaxLevel(m_level->currentData().toInt());
-        updateNote();
-    });
-    m_level->setCurrentIndex(1);
+    makeLevels();
     m_action->setObjectName(u"logAction"_s);
     m_action->setAccessibleName(tr("Action of the messages"));
     m_action->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    connect(m_action, &QComboBox::currentIndexChanged, this, [this] {
-        m_filter.setAction(m_action->currentData().toString());
-        updateNote();
-    });
+    connect(m_action, &QComboBox::currentIndexChanged, this, &LogPanel::applyFilter);
     m_text->setObjectName(u"logText"_s);
     m_text->setAccessibleName(tr("Text in the messages"));
     m_text->setPlaceholderText(tr("Search the messages"));
     m_text->setClearButtonEnabled(true);
-    connect(m_text, &QLineEdit::textChanged, this, [this](const QString &text) {
-        m_filter.setText(text);
-        updateNote();
-    });
+    connect(m_text, &QLineEdit::textChanged, this, &LogPanel::applyFilter);
     layout->addWidget(m_level);
     layout->addWidget(m_action);
     layout->addWidget(m_text, 1);
@@ -78,43 +70,55 @@ QWidget *LogPanel::makeFilters()
     return bar;
 }
 
+/// Messages of libraries, the lowest level, help to find faults of this program only.
+void LogPanel::makeLevels()
+{
+    m_level->setObjectName(u"logLevel"_s);
+    m_level->setAccessibleName(tr("Severity of the messages"));
+    m_level->addItem(tr("All messages"), MainUI::Diagnostic);
+    m_level->addItem(tr("Errors, warnings, information"), MainUI::Info);
+    m_level->addItem(tr("Errors and warnings"), MainUI::Warning);
+    m_level->addItem(tr("Errors"), MainUI::Error);
+    m_level->setCurrentIndex(m_level->findData(MainUI::Info));
+    connect(m_level, &QComboBox::currentIndexChanged, this, &LogPanel::applyFilter);
+}
+
 void LogPanel::makeView()
 {
-    m_view->setObjectName(u"logMessages"_s);
-    m_view->setAccessibleName(tr("Messages of the run"));
-    m_view->setModel(&m_filter);
+    setUpTable(m_view, u"logMessages"_s, tr("Messages of the run"), &m_filter);
     m_view->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_view->setTabKeyNavigation(false);
-    m_view->setWordWrap(false);
     m_view->setShowGrid(false);
     m_view->verticalHeader()->hide();
-    m_view->verticalHeader()->setDefaultSectionSize(fontMetrics().lineSpacing() + 4);
     m_view->horizontalHeader()->setStretchLastSection(true);
-    m_view->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    m_view->setColumnWidth(LogModel::Severity, fontMetrics().horizontalAdvance(u'x') * 16);
-    m_view->setColumnWidth(LogModel::Action, fontMetrics().horizontalAdvance(u'x') * 24);
+    // In letters, because the sizes follow the font.
+    const int letter = fontMetrics().horizontalAdvance(u'x');
+    m_view->setColumnWidth(LogModel::Severity, kSeverityLetters * letter);
+    m_view->setColumnWidth(LogModel::Action, kActionLetters * letter);
     // By a click or Enter.
     connect(m_view, &QTableView::clicked, this, &LogPanel::chooseActionOf);
     connect(m_view, &QTableView::activated, this, &LogPanel::chooseActionOf);
-    auto *const copy = new QAction(tr("Copy"), m_view);
-    copy->setObjectName(u"logCopy"_s);
-    copy->setStatusTip(tr("Copy the selected messages, or all that are shown"));
-    copy->setShortcut(QKeySequence::Copy);
-    copy->setShortcutContext(Qt::WidgetShortcut);
-    connect(copy, &QAction::triggered, this,
-            [this] { QApplication::clipboard()->setText(shownText()); });
-    m_view->addAction(copy);
-    new LocalKeys(m_view); // owned by the view
+    makeAction(m_view, {u"logCopy"_s, tr("Copy"), QKeySequence::Copy,
+                        tr("Copy the selected messages, or all that are shown"),
+                        [this] { QApplication::clipboard()->setText(shownText()); }});
     m_view->setContextMenuPolicy(Qt::ActionsContextMenu);
+    new LocalKeys(m_view); // owned by the view
 }
 
+void LogPanel::applyFilter()
+{
+    m_filter.setFilter(m_level->currentData().toInt(), m_action->currentData().toString(),
+                       m_text->text());
+    updateNote();
+}
+
+/// An action without messages has no entry: then all messages are shown.
 void LogPanel::showAction(const QString &id)
 {
     const int index = m_action->findData(id);
     m_action->setCurrentIndex(qMax(0, index));
 }
 
+/// In the form of the command: "[ACTION] text".
 QString LogPanel::shownText() const
 {
     QModelIndexList rows = m_view->selectionModel()->selectedRows();
@@ -138,22 +142,23 @@ void LogPanel::updateActions()
 {
     const QStringList &actions = m_model->actions();
     if (m_action->count() != actions.size() + 1) {
-        const QSignalBlocker blocker(m_action);
         const QString current = m_action->currentData().toString();
+        const QSignalBlocker blocker(m_action);
         m_action->clear();
         m_action->addItem(tr("All actions"), QString());
         for (const QString &action : actions) {
             m_action->addItem(action, action);
         }
         showAction(current);
-        m_filter.setAction(m_action->currentData().toString());
     }
-    updateNote();
-    if (m_view->selectionModel() != nullptr && !m_view->selectionModel()->hasSelection()) {
+    applyFilter();
+    // The newest message, unless the user reads another one.
+    if (!m_view->selectionModel()->hasSelection()) {
         m_view->scrollToBottom();
     }
 }
 
+/// Also what is not shown, so that a filter does not hide an error without a sign.
 void LogPanel::updateNote()
 {
     QStringList parts{tr("Errors: %1").arg(m_model->count(MainUI::Error)),
@@ -167,6 +172,7 @@ void LogPanel::updateNote()
     m_note->setText(parts.join(u"  \u00b7  "_s));
 }
 
+/// Messages of the whole run lead nowhere.
 void LogPanel::chooseActionOf(const QModelIndex &index)
 {
     const QString action = index.data(LogModel::ActionRole).toString();

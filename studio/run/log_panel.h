@@ -1,4 +1,5 @@
-// The log of the last run, with filters. A click on a message selects its action.
+// The log of the last run, with filters by severity, action and text. A click on a message selects
+// its action, and the newest message is visible unless one is selected.
 //
 // Threads: the GUI thread.
 #pragma once
@@ -30,8 +31,12 @@ Q_SIGNALS:
     void actionChosen(const QString &id);
 
 private:
+    // Called once, by the constructor.
     QWidget *makeFilters();
+    void makeLevels();
     void makeView();
+
+    void applyFilter();
     void updateActions();
     void updateNote();
     void chooseActionOf(const QModelIndex &index);

@@ -1,3 +1,5 @@
+// The names come from the parameters of the actions, as with "corvanta check --list-outputs". A
+// file that a run extends or updates counts too, because the run changes it.
 #include "studio/run/overwritten_files.h"
 
 #include "corvanta/action_registry.h"
@@ -14,6 +16,8 @@ using namespace Qt::StringLiterals;
 namespace corvanta::studio {
 
 namespace {
+
+constexpr qsizetype kShownFiles = 10; // in the text of the question
 
 struct Texts
 {
@@ -54,25 +58,22 @@ QStringList existingTargets(const CorvantaGraph &graph, const ActionRegistry &re
     return files;
 }
 
-/// Up to ten files are in the text, all of them in its details.
+/// A long list is cut; the details of the box have all of it.
 bool askToOverwrite(QWidget *parent, const QStringList &files)
 {
-    constexpr qsizetype kShownFiles = 10;
+    const bool isLong = files.size() > kShownFiles;
     QMessageBox box(
         QMessageBox::Warning, Texts::tr("Overwrite files"),
         Texts::tr("The run replaces or changes existing files. Files: %1").arg(files.size()),
         QMessageBox::Cancel, parent);
     box.setObjectName(u"overwriteQuestion"_s);
-    box.setTextFormat(Qt::PlainText);
-    QStringList names;
-    for (const QString &file : files.first(qMin(kShownFiles, files.size()))) {
-        names << QDir::toNativeSeparators(file);
-    }
-    box.setInformativeText(names.join(u'\n') +
-                           (files.size() > kShownFiles ? u"\n\u2026"_s : u""_s));
-    if (files.size() > kShownFiles) {
+    box.setTextFormat(Qt::PlainText); // names may contain what looks like markup
+    box.setInformativeText(files.mid(0, kShownFiles).join(u'\n') +
+                           (isLong ? u"\n\u2026"_s : u""_s));
+    if (isLong) {
         box.setDetailedText(files.join(u'\n'));
     }
+    // Enter must not overwrite what the user has not read about.
     const QPushButton *const run = box.addButton(Texts::tr("Run"), QMessageBox::AcceptRole);
     box.setDefaultButton(QMessageBox::Cancel);
     box.exec();

@@ -1,3 +1,6 @@
+// The steps of a run: prepare() shows it, a worker looks for files that it would overwrite,
+// askAndRun() asks about them and starts the child, whose lines addMessages() and showProgress()
+// take, and endRun() shows how it ended. cancel() ends it before the child is started.
 #include "studio/run/run_controller.h"
 
 #include "corvanta/main_ui.h"
@@ -33,6 +36,7 @@ RunController::RunController(GraphDocument &document, QObject *parent, const QSt
 {
     connect(&m_run, &GraphRun::messages, this, &RunController::addMessages);
     connect(&m_run, &GraphRun::progress, this, &RunController::showProgress);
+    // What a run has written it may write again.
     connect(&m_run, &GraphRun::summary, this, [this](const RunSummary &summary) {
         for (const QString &file : summary.files) {
             m_mayReplace << file;
@@ -62,6 +66,7 @@ void RunController::rerun()
     start(ids);
 }
 
+/// The union of what each of them depends on, in the order of the graph.
 CorvantaGraph RunController::partOf(const CorvantaGraph &graph, const QStringList &ids)
 {
     CorvantaGraph all = graph;
@@ -90,18 +95,8 @@ void RunController::start(const QStringList &upTo)
     if (job.fileName.isEmpty()) {
         job.fileName = QDir::current().absoluteFilePath(m_document.title());
     }
-    m_log.clear();
-    m_document.clearRunStates();
-    m_running.clear();
-    for (const CorvantaGraph::Action &action : graph.actions) {
-        m_running << action.id;
-    }
-    setOpenStates(NodeState::Waiting);
-    m_fraction = -1;
     m_lines = ElementLines(job.graph, job.fileName);
-    m_isPreparing = true;
-    setStatus(tr("Preparing\u2026"));
-    Q_EMIT runningChanged(true);
+    prepare(graph);
     m_worker.start(
         [this, graph, job, &registry = m_document.registry()](const std::stop_token &) {
             const QStringList existing = existingTargets(graph, registry);
@@ -111,12 +106,27 @@ void RunController::start(const QStringList &upTo)
         [this, job](const QString &) { askAndRun(job, {}); });
 }
 
+/// Shows the actions of the run as waiting, and nothing of the run before.
+void RunController::prepare(const CorvantaGraph &graph)
+{
+    m_log.clear();
+    m_document.clearRunStates();
+    m_running.clear();
+    m_running.reserve(graph.actions.size());
+    for (const CorvantaGraph::Action &action : graph.actions) {
+        m_running << action.id;
+    }
+    setOpenStates(NodeState::Waiting);
+    m_fraction = -1;
+    m_isPreparing = true;
+    setStatus(tr("Preparing\u2026"));
+    Q_EMIT runningChanged(true);
+}
+
 void RunController::askAndRun(const RunJob &job, const QStringList &existing)
 {
-    QStringList unknown;
-    for (const QString &file : existing) {
-        unknown += m_mayReplace.contains(file) ? QStringList() : QStringList{file};
-    }
+    QStringList unknown = existing;
+    unknown.removeIf([this](const QString &file) { return m_mayReplace.contains(file); });
     if (!unknown.isEmpty() && !m_question(QApplication::activeWindow(), unknown)) {
         cancel();
         return;
@@ -125,9 +135,7 @@ void RunController::askAndRun(const RunJob &job, const QStringList &existing)
     if (!m_isPreparing) {
         return;
     }
-    for (const QString &file : std::as_const(unknown)) {
-        m_mayReplace << file;
-    }
+    m_mayReplace += QSet<QString>(unknown.begin(), unknown.end());
     m_isPreparing = false;
     setStatus(tr("Running\u2026"));
     m_run.start(job);
@@ -144,6 +152,7 @@ void RunController::stop()
     }
 }
 
+/// The actions look as if there had been no run.
 void RunController::cancel()
 {
     if (m_isPreparing) {
@@ -165,6 +174,7 @@ void RunController::addMessages(QVector<RunMessage> messages)
     m_log.add(messages);
 }
 
+/// The user may have removed actions since the start of the run.
 void RunController::showProgress(const RunProgress &progress)
 {
     double sum = 0;
@@ -199,24 +209,25 @@ void RunController::endRun(RunEnd end)
     // A child that ended unexpectedly, or has found the graph invalid, has left actions open.
     setOpenStates(end == RunEnd::Done ? NodeState::Done : NodeState::Stopped);
     m_fraction = -1;
-    const QString time = elapsedText(m_run.elapsedMs());
-    switch (end) {
-    case RunEnd::Done:
-        setStatus(m_log.count(MainUI::Warning) > 0 ? tr("Done with warnings in %1").arg(time)
-                                                   : tr("Done in %1").arg(time));
-        break;
-    case RunEnd::Failed:
-        setStatus(tr("Failed after %1").arg(time));
-        break;
-    case RunEnd::Stopped:
-        setStatus(tr("Stopped after %1").arg(time));
-        break;
-    case RunEnd::Crashed:
-        setStatus(tr("Ended unexpectedly after %1").arg(time));
-        break;
-    }
+    setStatus(endText(end).arg(elapsedText(m_run.elapsedMs())));
     Q_EMIT runningChanged(false);
     Q_EMIT finished(end);
+}
+
+/// With "%1" in place of the time.
+QString RunController::endText(RunEnd end) const
+{
+    switch (end) {
+    case RunEnd::Done:
+        return m_log.count(MainUI::Warning) > 0 ? tr("Done with warnings in %1") : tr("Done in %1");
+    case RunEnd::Failed:
+        return tr("Failed after %1");
+    case RunEnd::Stopped:
+        return tr("Stopped after %1");
+    case RunEnd::Crashed:
+        break;
+    }
+    return tr("Ended unexpectedly after %1");
 }
 
 void RunController::setStatus(const QString &status)

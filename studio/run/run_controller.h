@@ -57,6 +57,7 @@ Q_SIGNALS:
 
 private:
     void start(const QStringList &upTo);
+    void prepare(const CorvantaGraph &graph);
     /// The graph with only the actions that `ids` depend on.
     static CorvantaGraph partOf(const CorvantaGraph &graph, const QStringList &ids);
     void askAndRun(const RunJob &job, const QStringList &existing);
@@ -67,6 +68,7 @@ private:
     void cancel();
     /// Give the actions of the run that have not ended another state.
     void setOpenStates(NodeState state);
+    QString endText(RunEnd end) const;
     void setStatus(const QString &status);
 
     GraphDocument &m_document;

@@ -45,6 +45,7 @@ RunState stateOf(const QJsonObject &object)
     return state;
 }
 
+/// The listeners of a run, its taps, are actions too; they have no node.
 RunProgress progressOf(const QJsonArray &array)
 {
     RunProgress progress;
@@ -79,6 +80,7 @@ std::optional<RunLine> parseRunLine(const QByteArray &line)
     if (object.contains("summary"_L1)) {
         return summaryOf(object["summary"_L1].toObject());
     }
+    // Texts keep the line feeds of their action at both ends, which a table does not need.
     return RunMessage{object["level"_L1].toInt(), object["action"_L1].toString(),
                       object["message"_L1].toString().trimmed()};
 }

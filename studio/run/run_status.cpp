@@ -1,3 +1,5 @@
+// The controller reports changes; only the elapsed time needs a clock, which is stopped between
+// runs.
 #include "studio/run/run_status.h"
 
 #include "studio/run/run_controller.h"
