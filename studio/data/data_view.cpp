@@ -214,8 +214,10 @@ void DataView::follow(GraphDocument *document)
     connect(document, &Document::variablesChanged, this, &DataView::refreshLater);
     connect(document, &Document::reloaded, this, &DataView::refreshLater);
     connect(document, &Document::actionRenamed, this, &DataView::renameAction);
-    connect(document, &Document::destroyed, this,
-            [this](const QObject *gone) { m_lastPins.remove(gone); });
+    connect(document, &Document::destroyed, this, [this](const QObject *gone) {
+        m_lastPins.remove(gone);
+        refresh();
+    });
 }
 
 void DataView::showAction(const QString &id)
@@ -368,8 +370,8 @@ QString DataView::noteText() const
                      .arg(QString::number(RowChunk::kMaxCellUnits), QLocale().toString(cut));
     }
     if (const QStringList &skipped = m_reader.skipped(); !skipped.isEmpty()) {
-        parts << tr("No file is written; the rows are those that reach %1")
-                     .arg(skipped.join(u", "_s));
+        parts << tr("No file is written; the rows are those that reach '%1'")
+                     .arg(skipped.join(u"', '"_s));
     }
     parts.removeAll(QString());
     return parts.join(u"  \u00b7  "_s);

@@ -48,8 +48,8 @@ private:
 };
 
 /// Passes the rows of the pin to `feed`. Returns what the user should know, empty if nothing.
-QString run(const PreviewGraph &preview, const ActionRegistry &registry, PinFeed &feed,
-            const std::stop_token &stop)
+QString readPin(const PreviewGraph &preview, const ActionRegistry &registry, PinFeed &feed,
+                const std::stop_token &stop)
 {
     const QString pipe = unrepeatableInput(preview.graph, registry);
     if (!pipe.isEmpty()) {
@@ -224,7 +224,7 @@ void PinReader::read(qint64 wanted, bool isForSummaries)
     m_worker.start(
         [this, preview = m_current->preview, feed = m_feed,
          &registry = m_registry](const std::stop_token &stop) {
-            const QString problem = run(preview, registry, *feed, stop);
+            const QString problem = readPin(preview, registry, *feed, stop);
             return [this, problem] { readEnded(problem); };
         },
         [this](const QString &reason) { readEnded(reason); });

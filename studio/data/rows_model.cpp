@@ -165,35 +165,37 @@ QVariant RowsModel::headerData(int section, Qt::Orientation orientation, int rol
                : QVariant(columnName(section) + u'\n' + typeNameOf(m_columns.types[section]));
 }
 
-/// Cells are numbered along the rows, in the order of `columns`. Chunks without the text are
+/// Cells are numbered along the rows, in the order of `columns`. A chunk without the text is
 /// skipped as a whole: most cells are never looked at.
 RowsModel::Place RowsModel::find(const QString &text, const QVector<int> &columns, Place from,
                                  Direction direction) const
 {
     const auto width = static_cast<qint64>(columns.size());
     const qint64 cells = width * m_rows;
-    const bool isForward = direction == Direction::Forward;
+    const qint64 step = direction == Direction::Forward ? 1 : -1;
     if (text.isEmpty() || cells == 0) {
         return {};
     }
-    qint64 at = isForward ? cells - 1 : 0; // the cell before the first one to look at
+    qint64 at = step > 0 ? cells - 1 : 0; // the cell before the first one to look at
     if (from.row >= 0) {
         at = from.row * width + std::max<qint64>(columns.indexOf(from.column), 0);
     }
+    const RowChunk *matching = nullptr; // the last chunk that was found to have the text
     for (qint64 tried = 0; tried < cells; ++tried) {
-        at = (at + (isForward ? 1 : cells - 1)) % cells;
-        const Place place{static_cast<int>(at / width), columns[at % width]};
-        const size_t chunk = chunkOf(place.row);
-        if (m_chunks[chunk]->mayContain(text)) {
-            if (cell(place.row, place.column).contains(text, Qt::CaseInsensitive)) {
-                return place;
-            }
+        at = (at + step + cells) % cells;
+        const auto row = static_cast<int>(at / width);
+        const size_t chunk = chunkOf(row);
+        if (m_chunks[chunk].get() != matching && !m_chunks[chunk]->mayContain(text)) {
+            const qint64 first = m_firstRows[chunk] * width;
+            const qint64 end = step > 0 ? first + m_chunks[chunk]->rows() * width - 1 : first;
+            tried += std::abs(end - at);
+            at = end;
             continue;
         }
-        const qint64 end =
-            isForward ? lastRowOf(chunk) * width + width - 1 : m_firstRows[chunk] * width;
-        tried += std::abs(end - at);
-        at = end;
+        matching = m_chunks[chunk].get();
+        if (cell(row, columns[at % width]).contains(text, Qt::CaseInsensitive)) {
+            return {row, columns[at % width]};
+        }
     }
     return {};
 }

@@ -51,10 +51,6 @@ public:
 private:
     /// The number of the chunk with a row.
     size_t chunkOf(int row) const;
-    qint64 lastRowOf(size_t chunk) const
-    {
-        return m_firstRows[chunk] + m_chunks[chunk]->rows() - 1;
-    }
 
     const PinRows *m_source = nullptr;
     TableSchema m_columns;

@@ -15,7 +15,7 @@ namespace corvanta::studio {
 namespace {
 
 /// A null text, of a column without a value, stays empty; an empty one is visible.
-QString shownText(const QString &text)
+QString shownValue(const QString &text)
 {
     return text.isNull() ? QString() : text.isEmpty() ? u"\"\""_s : text.simplified();
 }
@@ -90,9 +90,9 @@ QString SummaryModel::cellText(int column, int field) const
         return summary.isOverDistinct ? tr("over %1").arg(locale.toString(summary.distinct))
                                       : locale.toString(summary.distinct);
     case Minimum:
-        return shownText(summary.minimum);
+        return shownValue(summary.minimum);
     default:
-        return shownText(summary.maximum);
+        return shownValue(summary.maximum);
     }
 }
 

@@ -133,7 +133,7 @@ TEST(DataView, NoFileIsWritten)
     view.show(u"last"_s);
     EXPECT_EQ(view.rows().rows, 5);
     EXPECT_EQ(view.rows().columns.names, QVector<QString>{u"name"_s});
-    EXPECT_TRUE(view.note().contains(u"No file is written; the rows are those that reach out"_s));
+    EXPECT_TRUE(view.note().contains(u"No file is written; the rows are those that reach 'out'"_s));
     view.show(u"out"_s, EngineRunner::PinIn);
     EXPECT_EQ(view.rows().rows, 5);
     view.show(u"in"_s, EngineRunner::PinIn);
@@ -238,6 +238,10 @@ TEST(DataView, EachPinOfAnActionCanBeChosen)
     EXPECT_EQ(view.rows().rows, 5);
     view.folder.document->remove({u"few"_s});
     EXPECT_TRUE(waitFor([&] { return pins->count() == 0; }));
+    EXPECT_EQ(view.rows().rows, 0);
+    view.show(u"in"_s);
+    view.folder.document.reset();
+    EXPECT_EQ(pins->count(), 0);
     EXPECT_EQ(view.rows().rows, 0);
 }
 
