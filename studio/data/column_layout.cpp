@@ -61,6 +61,7 @@ void ColumnLayout::save()
     m_saved.insert(m_pin, saved);
 }
 
+/// The header and the summary must have the columns of the pin already.
 void ColumnLayout::restore(const QString &pin)
 {
     m_pin = pin;
@@ -91,6 +92,7 @@ void ColumnLayout::restoreOrder(const QStringList &names)
     }
 }
 
+/// In the order of the header, whose sections may be moved.
 QVector<int> ColumnLayout::visibleColumns() const
 {
     QVector<int> columns;
@@ -119,6 +121,7 @@ void ColumnLayout::showAll()
     }
 }
 
+/// A place beyond the last column has only the second entry.
 void ColumnLayout::showMenu(QPoint place)
 {
     const int column = m_table->horizontalHeader()->logicalIndexAt(place);

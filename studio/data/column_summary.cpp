@@ -8,6 +8,7 @@
 
 namespace corvanta::studio {
 
+/// All columns share one limit of memory for their distinct values.
 SummaryBuilder::SummaryBuilder(const TableSchema &columns)
 {
     const size_t maxDistinct = maxDistinctOf(static_cast<size_t>(columns.names.size()));
@@ -26,6 +27,7 @@ void SummaryBuilder::add(const OneRow &row)
     ++m_rows;
 }
 
+/// Decides by the type of the column, because cells do not have one.
 void SummaryBuilder::addCell(const uchar *cell, Column &column)
 {
     if (column.type == cell::Type::Text) {
@@ -60,6 +62,7 @@ void SummaryBuilder::addText(const cell::Text &text, Column &column)
     column.texts.add(text.view());
 }
 
+/// Copies only counts and extreme values, so that it may be called for each group of rows.
 QVector<ColumnSummary> SummaryBuilder::summaries() const
 {
     constexpr qsizetype kMaxUnits = 1000; // more cannot be shown

@@ -58,6 +58,7 @@ SelectedCells selectedCells(const QTableView &table)
 
 } // namespace
 
+/// The layout of columns needs both tables, so that the summary exists while it is hidden.
 DataView::DataView(const ActionRegistry &registry, QWidget *parent)
     : QWidget(parent)
     , m_reader(registry)
@@ -93,6 +94,7 @@ DataView::DataView(const ActionRegistry &registry, QWidget *parent)
     showChanged();
 }
 
+/// Copying cells has no button, because users expect Ctrl+C.
 void DataView::makeBar()
 {
     m_bar->setObjectName(u"dataBar"_s);
@@ -186,6 +188,7 @@ QWidget *DataView::makeFooter()
     return footer;
 }
 
+/// The pin that was shown for the document, and its rows if they are still known.
 void DataView::setDocument(GraphDocument *document)
 {
     if (m_document == document) {
@@ -220,6 +223,7 @@ void DataView::follow(GraphDocument *document)
     });
 }
 
+/// A writer without output pins shows what reaches it.
 void DataView::showAction(const QString &id)
 {
     const bool hasOutput = m_document != nullptr && m_document->outputCount(id) > 0;
@@ -298,6 +302,7 @@ void DataView::showEvent(QShowEvent *event)
     refresh();
 }
 
+/// Also pins of other documents may read these files.
 void DataView::filesWritten(const QStringList &files)
 {
     m_reader.filesChanged(files);
@@ -312,6 +317,7 @@ void DataView::showReplaced()
     showChanged();
 }
 
+/// Called several times per second while rows arrive.
 void DataView::showChanged()
 {
     m_rows.update();
@@ -340,6 +346,7 @@ void DataView::showNewColumns()
     m_layout.restore(titleOf(m_shown));
 }
 
+/// While rows are read, the number that was read is the only sign that something happens.
 QString DataView::rowsText() const
 {
     const PinRows &rows = m_reader.rows();
@@ -391,10 +398,11 @@ void DataView::find(RowsModel::Direction direction)
     }
 }
 
+/// Rows and columns are chosen separately: CSV has no holes.
 QString DataView::selectedCsv() const
 {
     SelectedCells selected = selectedCells(*m_table);
-    // A click on a cell selects it, and nobody wants one cell as CSV.
+    // A click on a cell selects it; one cell is not worth a file.
     if (selected.isOneCell()) {
         selected = {};
     }

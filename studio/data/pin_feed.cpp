@@ -76,6 +76,7 @@ void PinFeed::keep(const OneRow &row)
     m_bytesLeft -= m_open->bytes() - before;
 }
 
+/// The counts are computed before the lock, because a table may have thousands of columns.
 void PinFeed::flush()
 {
     QVector<ColumnSummary> summaries =
@@ -109,6 +110,7 @@ void PinFeed::wantSummaries()
     m_changed.notify_all();
 }
 
+/// Only pointers to chunks are copied, so that the reader hardly waits.
 bool PinFeed::collect(PinRows *rows)
 {
     const std::lock_guard lock(m_mutex);

@@ -80,6 +80,7 @@ PinReader::PinReader(const ActionRegistry &registry, QObject *parent)
     connect(&m_poll, &QTimer::timeout, this, &PinReader::collect);
 }
 
+/// The thread of the run may exist a little longer; it uses nothing of this object.
 PinReader::~PinReader()
 {
     m_worker.stop();
@@ -114,6 +115,7 @@ void PinReader::show(const CorvantaGraph &graph, const CorvantaGraph::Pin &pin,
     read(kFirstRows, false);
 }
 
+/// The rows stay in the cache.
 void PinReader::clear()
 {
     setCurrent(std::make_shared<Entry>());
@@ -149,6 +151,7 @@ qint64 PinReader::nextRows() const
     return rows().isComplete ? std::min(next, rows().rowsRead) : next;
 }
 
+/// A table that was only counted to its end has rows that are not shown.
 bool PinReader::hasMore() const
 {
     const bool isAllShown = rows().isComplete && rows().rows == rows().rowsRead;
@@ -189,6 +192,7 @@ void PinReader::summarizeAll()
     }
 }
 
+/// The rows are removed before the run, so that old and new ones are never mixed.
 void PinReader::reload()
 {
     if (!m_current->key.isEmpty()) {
@@ -245,6 +249,7 @@ void PinReader::readEnded(const QString &problem)
     Q_EMIT changed();
 }
 
+/// Called by the timer; also by stop(), for what has arrived since.
 void PinReader::collect()
 {
     // In this order: what is passed before the pause must not be missed.

@@ -17,6 +17,7 @@ namespace {
 
 using Graph = CorvantaGraph;
 
+/// An input pin has at most one link. Null: it has none.
 const Graph::Link *linkTo(const Graph &graph, const QString &id, int pin)
 {
     const auto found = std::find_if(graph.links.begin(), graph.links.end(), [&](const auto &link) {

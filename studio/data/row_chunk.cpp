@@ -10,6 +10,7 @@
 
 namespace corvanta::studio {
 
+/// A cut is made between two units; half of a character outside the basic plane is shown as a box.
 int RowChunk::add(const OneRow &row)
 {
     int cut = 0;
@@ -42,6 +43,7 @@ bool RowChunk::mayContain(QStringView text) const
     return QStringView(m_text).contains(text, Qt::CaseInsensitive);
 }
 
+/// What is reserved counts, not what is used.
 qsizetype RowChunk::bytes() const
 {
     return static_cast<qsizetype>(m_text.capacity() * sizeof(char16_t) +

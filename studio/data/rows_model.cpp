@@ -73,6 +73,7 @@ QString typeNameOf(const MetaInfo &type)
     return RowsModel::tr("text");
 }
 
+/// The model keeps the chunks, so that the reader may add others at any time.
 void RowsModel::setRows(const PinRows *rows)
 {
     beginResetModel();
@@ -89,6 +90,7 @@ void RowsModel::setRows(const PinRows *rows)
     endResetModel();
 }
 
+/// The view keeps its position and selection when rows are added.
 void RowsModel::update()
 {
     if (m_source->columns != m_columns || m_source->chunks.size() < m_chunks.size()) {
@@ -155,6 +157,7 @@ QVariant RowsModel::data(const QModelIndex &index, int role) const
     }
 }
 
+/// Two lines: the name and the type. Rows count from 1.
 QVariant RowsModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole) {
@@ -215,6 +218,7 @@ QString fieldOf(QStringView text)
 
 } // namespace
 
+/// Numbers have the digits that read back to the same value, as their cells have.
 QString csvOf(const RowsModel &model, const QVector<int> &rows, const QVector<int> &columns)
 {
     QString csv;

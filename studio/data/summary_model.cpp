@@ -50,6 +50,7 @@ void SummaryModel::setOrder(const QVector<int> &order)
     }
 }
 
+/// The header of the table and the boxes both end here.
 void SummaryModel::setShown(int column, bool isShown)
 {
     if (isShown == this->isShown(column)) {
@@ -75,6 +76,7 @@ int SummaryModel::columnCount(const QModelIndex &parent) const
     return parent.isValid() ? 0 : static_cast<int>(kColumns);
 }
 
+/// Counts have separators of the locale; values are those of the cells.
 QString SummaryModel::cellText(int column, int field) const
 {
     const ColumnSummary summary = m_summaries.value(column);

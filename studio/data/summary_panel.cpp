@@ -14,6 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
 
+/// Without row numbers: the order is that of the columns.
 SummaryPanel::SummaryPanel(QWidget *parent)
     : QWidget(parent)
     , m_table(new QTableView)
@@ -59,6 +60,7 @@ void SummaryPanel::fitColumns()
     m_table->resizeColumnsToContents();
 }
 
+/// Alt+Up and Alt+Down, because the columns are rows here.
 void SummaryPanel::moveCurrent(int step)
 {
     const QModelIndex current = m_table->currentIndex();

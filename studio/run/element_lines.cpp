@@ -26,6 +26,7 @@ ElementLines::ElementLines(const QByteArray &graph, const QString &fileName)
     }
 }
 
+/// A problem inside an element, such as a level, has a line between those of two elements.
 QString ElementLines::actionOf(const QString &message) const
 {
     const QString place = u": %1:"_s.arg(m_fileName);

@@ -99,6 +99,7 @@ void GraphRun::stop()
     }
 }
 
+/// Called for each part of the output: the last line may be incomplete.
 void GraphRun::readLines(bool isEnd)
 {
     m_partial += m_process.readAllStandardError();
@@ -116,7 +117,7 @@ void GraphRun::readLines(bool isEnd)
     }
 }
 
-/// Progress that arrives between messages is reported before them, which nobody can notice.
+/// Progress that arrives between messages is reported before them; both are shown together.
 void GraphRun::addText(const QByteArray &line, QVector<RunMessage> *found)
 {
     const std::optional<RunLine> parsed = parseRunLine(line);

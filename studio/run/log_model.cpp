@@ -71,6 +71,7 @@ void LogModel::keep(const RunMessage &message)
     }
 }
 
+/// A log holds one run.
 void LogModel::clear()
 {
     beginResetModel();

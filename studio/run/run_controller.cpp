@@ -12,6 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
 
+/// The longer the time, the coarser the unit.
 QString elapsedText(qint64 ms)
 {
     constexpr qint64 kMinute = 60'000;
@@ -190,6 +191,7 @@ void RunController::showProgress(const RunProgress &progress)
     Q_EMIT statusChanged(m_status);
 }
 
+/// An action that has ended keeps its state.
 void RunController::setOpenStates(NodeState state)
 {
     for (const QString &id : std::as_const(m_running)) {

@@ -34,6 +34,7 @@ RunStatus::RunStatus(QWidget *parent)
     refresh();
 }
 
+/// Another tab has been chosen; its run may be running.
 void RunStatus::setController(RunController *controller)
 {
     if (m_controller != nullptr) {

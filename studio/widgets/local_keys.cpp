@@ -22,6 +22,7 @@ void LocalKeys::add(QWidget *widget)
     widget->installEventFilter(this);
 }
 
+/// A disabled action leaves its key to the window, for example Escape when nothing is read.
 bool LocalKeys::eventFilter(QObject *watched, QEvent *event)
 {
     const bool isKey =

@@ -7,6 +7,7 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
 
+/// The shortcut is also found without LocalKeys, as long as no menu has the same one.
 QAction *makeAction(QWidget *part, const ActionSpec &spec)
 {
     auto *const action = new QAction(spec.text, part);
