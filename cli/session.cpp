@@ -10,6 +10,8 @@
 #include <QElapsedTimer>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -218,6 +220,11 @@ void Session::waitForEnd(Run *run)
     run->wait(); // joins the threads
     if (m_writesProgress) {
         showProgress(*run, timer);
+    }
+    if (run->hasAbandoned()) {
+        // Without destructors, because a thread is left. The log has the reason.
+        std::fflush(nullptr);
+        std::_Exit(interruption().value_or(kFailed));
     }
 }
 

@@ -3,6 +3,7 @@
 #include "stop_signals.h"
 
 #include "base/platform/signals.h"
+#include "failure.h"
 
 #include <atomic>
 #include <chrono>
@@ -55,8 +56,16 @@ void watch(const std::stop_token &end, corvanta::Run &run)
     std::unique_lock lock(mutex);
     while (!end.stop_requested() && !wake.wait_for(lock, end, kTick, isSignalled)) {
     }
-    if (isSignalled() && !run.stopReading()) {
-        run.stop();
+    if (!isSignalled() || run.stopReading()) {
+        return;
+    }
+    run.stop();
+    // The run itself gives up actions that do not stop, except while it is being started.
+    constexpr auto kStart = 15s;
+    wake.wait_for(lock, end, kStart, [] { return false; });
+    if (!end.stop_requested()) {
+        reportFailure("the run does not stop");
+        endNow(caughtSignal);
     }
 }
 

@@ -49,6 +49,15 @@ QStringList moduleFiles()
     return files;
 }
 
+/// An action of a module of others has thrown.
+struct CannotMakeAction : std::runtime_error
+{
+    CannotMakeAction(const QString &type, const std::string &why)
+        : std::runtime_error(u"cannot make the action '%1': "_s.arg(type).toStdString() + why)
+    {
+    }
+};
+
 QString nameOfThrown(const std::exception &error)
 {
     return u"it failed while it was loaded: %1"_s.arg(QString::fromUtf8(error.what()));
@@ -201,7 +210,16 @@ std::unique_ptr<ActionItem> ActionRegistry::create(const XMLNode &parameters,
     if (type == nullptr) {
         return nullptr;
     }
-    std::unique_ptr<ActionItem> action(type->newInstance(new XMLNode(parameters), global));
+    std::unique_ptr<ActionItem> action;
+    try {
+        action.reset(type->newInstance(new XMLNode(parameters), global));
+    } catch (const std::bad_alloc &) {
+        throw;
+    } catch (const std::exception &error) {
+        throw CannotMakeAction(parameters.getName(), error.what());
+    } catch (...) {
+        throw CannotMakeAction(parameters.getName(), "unknown failure");
+    }
     if (!action) {
         throw std::bad_alloc();
     }

@@ -57,7 +57,8 @@ public:
     /// The names of all types, in that order.
     QStringList typeNames() const;
     /// A new action with the parameters of a saved element; null for an unknown type. `global` may
-    /// be null and must outlive the action. Throws std::bad_alloc if there is no memory.
+    /// be null and must outlive the action. Throws std::bad_alloc if there is no memory, and
+    /// std::runtime_error if the module has thrown.
     std::unique_ptr<ActionItem> create(const XMLNode &parameters, GlobalParameters *global) const;
 
 private:

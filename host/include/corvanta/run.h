@@ -52,6 +52,9 @@ struct RunOptions
     /// that read it complete their files. The run has failed all the same.
     bool keepPartial = false;
     std::vector<Listener> listeners; ///< previews and taps
+    /// How long after a stop or a failure the run waits for actions that do not end, six times as
+    /// long if one of them is in close(); see Run::hasAbandoned().
+    std::chrono::milliseconds stopTimeout = std::chrono::seconds(10);
 };
 
 /// The progress of one action. The numbers of different actions are not read at the same instant.
@@ -97,7 +100,7 @@ public:
     /// action fails to initialise, the run has ended when start() returns.
     void start();
     /// Wait until the run ends or `timeout` has passed. Returns true if the run has ended; then
-    /// every action is closed.
+    /// every action is closed, unless hasAbandoned().
     bool waitFor(std::chrono::milliseconds timeout);
     /// Wait until the run ends, and join its threads.
     void wait();
@@ -111,6 +114,10 @@ public:
     bool succeeded() const;
     /// True if an action failed. Call after the end.
     bool failed() const;
+    /// True if an action did not end in time (RunOptions::stopTimeout). Its thread then continues,
+    /// and its memory is never freed; the error in the log names it. All other actions are closed.
+    /// A program ends best with std::_Exit(), because that thread may use static objects.
+    bool hasAbandoned() const;
     /// The progress of all actions, listeners last.
     QVector<ActionProgress> progress() const;
     /// The state that the actions see. Threads: any.

@@ -4,6 +4,20 @@ namespace corvanta {
 
 using State = ActionProgress::State;
 
+namespace {
+
+/// Not known for an action that throws: the progress is only shown.
+float fractionOf(ActionItem &action) noexcept
+{
+    try {
+        return action.computeCompletion();
+    } catch (...) {
+        return -1;
+    }
+}
+
+} // namespace
+
 ActionProgress progressOf(const QString &id, ActionItem &action, Ports &ports, State state)
 {
     ActionProgress progress{id, QString::fromLatin1(action.getTypeName())};
@@ -16,7 +30,7 @@ ActionProgress progressOf(const QString &id, ActionItem &action, Ports &ports, S
     // An action with input pins that has taken no row has nothing to do yet.
     const bool waits = state == State::Running && ports.pinsIn() > 0 && progress.rowsIn == 0;
     progress.state = waits ? State::Waiting : state;
-    progress.fraction = progress.isFinished() ? 1 : action.computeCompletion();
+    progress.fraction = progress.isFinished() ? 1 : fractionOf(action);
     return progress;
 }
 
