@@ -45,3 +45,18 @@ endforeach()
 install(DIRECTORY ${CMAKE_BINARY_DIR}/share/doc/corvanta/ DESTINATION share/doc/corvanta COMPONENT doc OPTIONAL)
 install(FILES README.md CHANGELOG.md DESTINATION share/doc/corvanta COMPONENT doc)
 install(DIRECTORY docs/ DESTINATION share/doc/corvanta/docs COMPONENT doc FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
+
+# Below /usr the system finds the library by itself, and Debian wants neither search paths in binaries nor manual pages
+# that are not compressed.
+install(CODE [[
+    if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+        set(root "$ENV{DESTDIR}/usr")
+        file(GLOB binaries "${root}/bin/corvanta*" "${root}/lib/corvanta/plugins/*.so")
+        foreach(binary IN LISTS binaries)
+            file(RPATH_REMOVE FILE "${binary}")
+        endforeach()
+        file(GLOB_RECURSE pages "${root}/share/man/*.[1-9]")
+        foreach(page IN LISTS pages)
+            execute_process(COMMAND gzip -9nf "${page}" COMMAND_ERROR_IS_FATAL ANY)
+        endforeach()
+    endif()]] COMPONENT runtime)
