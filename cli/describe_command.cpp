@@ -255,13 +255,31 @@ void addPins(const ActionItem &action, QJsonObject *entry)
     entry->insert(u"pinsOut"_s, action.pinOutCount());
 }
 
-/// What `actions --json` prints of the action, its pins, its parameters, examples, and included
-/// templates if there are any.
+/// One group of files that commands use an action for, with the settings that they start with.
+QJsonObject formatEntry(const FileFormat &format)
+{
+    return {{u"use"_s, format.use == FileFormat::Read ? u"read"_s : u"write"_s},
+            {u"extensions"_s, QString::fromLatin1(format.extensions)},
+            {u"settings"_s, QString::fromUtf8(format.settings)}};
+}
+
+QJsonArray formatEntries(std::span<const FileFormat> formats)
+{
+    QJsonArray entries;
+    std::transform(formats.begin(), formats.end(), std::back_inserter(entries), formatEntry);
+    return entries;
+}
+
+/// What `actions --json` prints of the action, its files, its pins, its parameters, examples, and
+/// included templates if there are any.
 QString descriptionJson(ActionItem &action, const QVector<ParameterInfo> &infos,
                         const QStringList &templates)
 {
     QJsonObject entry = catalogueEntry(action);
     addPins(action, &entry);
+    if (const auto *const declared = dynamic_cast<const ActionParameters *>(&action)) {
+        entry[u"formats"_s] = formatEntries(declared->fileFormats());
+    }
     const QString type = QString::fromLatin1(action.getTypeName());
     const QVector<Example> examples = examplesOf(type);
     entry[u"parameters"_s] = parameterEntries(infos, ExampleWriter(type, infos, examples));

@@ -11,7 +11,7 @@ import sys
 import unittest
 
 ROOT = pathlib.Path(sys.argv.pop(1) if len(sys.argv) > 1 else __file__ + "/../..").resolve()
-LAYERS = ["base", "host", "io", "actions", "cli"]
+PLACEHOLDER = re.compile(r"%L?\d|%[sd]|\\.")
 # Messages by how they begin: why no test provokes them.
 NOT_PROVOKED = {
     "the archive cannot be opened again": "a RAR archive that vanishes between two reads of it",
@@ -21,50 +21,8 @@ NOT_PROVOKED = {
     "ERROR: cannot read the memo file": "as for the DBF file",
     "no module has the action '%1'": "a program without one of its own modules",
 }
-HELP = {"cli/main.cpp", "cli/describe_command.cpp", "cli/help/help_command.cpp"}  # most lines are printed, not logged
-COMMENT = re.compile(r"^\s*//[^\n]*", re.MULTILINE)
-JOINT = re.compile(r'(?<!\\)"(?:_s|_L1)?\s*\n\s*[fu]?"')  # between two lines of one text
-TEXT = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
-WORDS = re.compile(r"[A-Za-z]{2,}\W+[A-Za-z]{2,}")
-SEVERITY = re.compile(r"(?:\\n)?(?:error|warning)\b", re.IGNORECASE)
-LINE_FEED = re.compile(r"(?<!\\)\\n$")
-LOGS = re.compile(r"\b(?:fail|warn|failOnInput|badUsage|addLog|logReason|logException)\(")
-PLACEHOLDER = re.compile(r"%L?\d|%[sd]|\\.")
-
-
-def is_test(path):
-    return path.stem.endswith("_test") or "tests" in path.parts
-
-
-def is_checked(path):
-    return not is_test(path) and not path.stem.endswith("_windows")
-
-
-def sources():
-    for layer in LAYERS:
-        for pattern in ("*.cpp", "*.h"):
-            yield from (path for path in sorted((ROOT / layer).rglob(pattern)) if is_checked(path.relative_to(ROOT)))
-
-
-def logged(code):
-    """The ranges of the arguments of calls that log. Parentheses in texts do not count."""
-    bare = TEXT.sub(lambda text: " " * len(text.group()), code)
-    for call in LOGS.finditer(bare):
-        end, depth = call.end(), 1
-        while depth > 0 and end < len(bare):
-            depth += {"(": 1, ")": -1}.get(bare[end], 0)
-            end += 1
-        yield range(call.end(), end)
-
-
-def messages_of(code, is_help=False):
-    code = JOINT.sub("", COMMENT.sub("", code))
-    calls = list(logged(code))
-    for found in TEXT.finditer(code):
-        text = found.group(1)
-        if WORDS.search(text) and text[0] != "<" and text.count("\\n") < 3 and (
-                SEVERITY.match(text) or (LINE_FEED.search(text) and not is_help) or any(found.start() in call for call in calls)):
-            yield text
+sys.path.insert(0, str(ROOT / "docs/generate"))
+from message_texts import JOINT, LAYERS, all_messages, describe, descriptions, messages_of  # noqa: E402 pylint: disable=wrong-import-position
 
 
 def test_texts():
@@ -80,8 +38,7 @@ def longest_part(text):
 class Messages(unittest.TestCase):
     def test_each_message_occurs_in_a_test(self):
         known = test_texts()
-        found = [(path.relative_to(ROOT), text) for path in sources()
-                 for text in messages_of(path.read_text(encoding="utf-8"), str(path.relative_to(ROOT)) in HELP)]
+        found = all_messages(ROOT)
         self.assertGreater(len(found), 150)
         missing = [(path, text) for path, text in found if longest_part(text) not in known]
         others = [f"{path}: {text}" for path, text in missing if not text.startswith(tuple(NOT_PROVOKED))]
@@ -89,6 +46,17 @@ class Messages(unittest.TestCase):
         # The list does not hold a message that a test provokes, or that was removed.
         listed = {begin for begin in NOT_PROVOKED for _, text in missing if text.startswith(begin)}
         self.assertEqual(listed, set(NOT_PROVOKED))
+
+    def test_each_message_is_described(self):
+        described = descriptions(ROOT)
+        missing, used = [], set()
+        for source, text in all_messages(ROOT):
+            row = describe(text, described.get(source, []))
+            used.add((source, row))
+            missing += [] if row else [f"{source}: {text}"]
+        self.assertFalse(missing, f"\n{len(missing)} messages have no cause and cure in docs/reference/messages.txt:\n" + "\n".join(missing))
+        unused = [f"{source}: {row[0]}" for source, rows in described.items() for row in rows if (source, row) not in used]
+        self.assertFalse(unused, "\nno message contains these parts in docs/reference/messages.txt:\n" + "\n".join(unused))
 
     def test_messages_are_distinguished_from_other_texts(self):
         code = """
