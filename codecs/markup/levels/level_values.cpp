@@ -64,7 +64,7 @@ public:
         for (size_t n = std::min(kTried, m_columns.size()); n > 0; --n) {
             m_next = m_next < m_columns.size() ? m_next : 0;
             Column &column = m_columns[m_next++];
-            if (nameMatches(name, column.name)) {
+            if (matches(name, &column)) {
                 scan(tokenizer, leaf, column);
                 return true;
             }
@@ -77,9 +77,21 @@ private:
     {
         std::u16string name; // in lower case
         size_t index = 0;
-        qint64 last = 0; // occurrence in which it had a value: further ones are not read
+        std::string bytes = {}; // of the last name that matched: most are equal
+        qint64 last = 0;        // occurrence in which it had a value: further ones are not read
     };
 
+    static bool matches(const RawText &name, Column *column)
+    {
+        if (name.view() == column->bytes) {
+            return true;
+        }
+        const bool isMatch = nameMatches(name, column->name);
+        if (isMatch) {
+            column->bytes = name.view();
+        }
+        return isMatch;
+    }
     static bool isName(const std::vector<PathStep> &path)
     {
         return path.size() == 1 && !path[0].anyName && !path[0].isIndexed && path[0].index == 0 &&

@@ -84,6 +84,9 @@ inline const char *skipSpaces(const char *at)
     if (static_cast<uchar>(*at) > ' ') {
         return at; // as most often: no space at all
     }
+    if (*at == ' ' && static_cast<uchar>(at[1]) > ' ') {
+        return at + 1; // the blank after a colon or comma
+    }
     return scan::find(at, [](__m128i block) {
         const __m128i breaks = _mm_or_si128(scan::is(block, '\n'), scan::is(block, '\r'));
         const __m128i blanks = _mm_or_si128(scan::is(block, ' '), scan::is(block, '\t'));

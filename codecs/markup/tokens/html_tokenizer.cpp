@@ -60,15 +60,8 @@ RawText HtmlTokenizer::externalText(quint32 number) const
 
 Token HtmlTokenizer::nextToken()
 {
-    if (isFinished() || (!m_begun && !begin())) {
-        return token();
-    }
     m_attributes.clear();
-    Token token = Token::None;
-    while (token == Token::None) {
-        token = step();
-    }
-    return token;
+    return firstToken([this] { return step(); });
 }
 
 /// "<td>text</td>" in a row, or an element without rules, without attributes and references.

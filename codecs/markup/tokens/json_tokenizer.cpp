@@ -102,20 +102,20 @@ Result<void, MarkupError> JSONTokenizer::detectEncoding(CharSource &source, QByt
 
 Token JSONTokenizer::nextToken()
 {
-    if (isFinished() || (!m_begun && !begin())) {
-        return token();
-    }
-    Token token = Token::None;
-    while (token == Token::None) {
-        token = step();
-    }
-    return token;
+    return firstToken([this] { return step(); });
 }
 
 /// A member whose name and value have no escapes, up to the comma or brace after it.
 bool JSONTokenizer::takeLeaf(Leaf *leaf)
 {
-    if (m_state != State::Key || !m_begun || isFinished() || skipSpace(Hold::Nothing) != '"') {
+    if (!m_begun || isFinished()) {
+        return false;
+    }
+    // The first member of an object follows its brace, which is not a token.
+    if (m_state == State::Value && skipSpace(Hold::Token) == '{') {
+        openContainer(true); // if there are too many, nextToken() reports it
+    }
+    if (m_state != State::Key || skipSpace(Hold::Nothing) != '"') {
         return false;
     }
     const char *const name = here() + 1;

@@ -125,7 +125,7 @@ public:
     };
     /// Read a leaf (Start, Text and End) in one step, when the next element is one in its common
     /// notation: fill `leaf` and make its End the current token. Otherwise returns false and reads
-    /// nothing; nextToken() then reads the element.
+    /// at most what is not a token, such as the brace of an object; nextToken() then continues.
     virtual bool takeLeaf(Leaf *leaf) = 0;
 
     /// The kind of the current token.
@@ -199,6 +199,19 @@ protected:
     /// Allocate the buffer, detect the encoding and fill the buffer before the first token. Returns
     /// false, with an Error token, after a failure.
     bool begin();
+    /// For nextToken(): call `step` until it returns another token than None. After EndOfData and
+    /// Error, their token again.
+    template <class Step> Token firstToken(Step &&step)
+    {
+        if (isFinished() || (!m_begun && !begin())) {
+            return token();
+        }
+        Token token = Token::None;
+        while (token == Token::None) {
+            token = step();
+        }
+        return token;
+    }
     /// Append data at m_end; returns false at the end of the data and after a failure. Moves the
     /// content of the buffer: adjusts all indexes, but not pointers into the buffer.
     bool refill();

@@ -74,15 +74,8 @@ RawText XMLTokenizer::externalText(quint32 number) const
 
 Token XMLTokenizer::nextToken()
 {
-    if (isFinished() || (!m_begun && !begin())) {
-        return token();
-    }
     m_attributes.clear();
-    Token token = Token::None;
-    while (token == Token::None) {
-        token = step();
-    }
-    return token;
+    return firstToken([this] { return step(); });
 }
 
 /// "<name>text</name>" or "<name/>", without references and complete in the buffer.
