@@ -399,7 +399,8 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
         if (!kinds) {
             return kinds.fault();
         }
-        if (facts->extent == ActionParameters::KindExtent::Sample) {
+        // Without columns the file cannot be read, which the run reports.
+        if (facts->extent == ActionParameters::KindExtent::Sample && !kinds->isEmpty()) {
             noteSample(line, fileName, dynamic_cast<ActionParameters &>(**input));
         }
         auto *const parameters = dynamic_cast<ActionParameters *>(input->get());

@@ -374,7 +374,7 @@ void CsvFile::reportEncoding()
         m_action.warn(
             u"Warning: readCSV: file '%1' has invalid UTF-8 in %2 (%3), and U+FFFD replaces the "
             u"invalid "
-            "bytes; the first is in %4. Save the file as UTF-8, or name its encoding (encoding='auto')\n"_s
+            "bytes; the first is in %4. Save the file as UTF-8, or name its encoding (encoding='auto'; convert: --encoding)\n"_s
                 .arg(m_name, counted(m_illFormed.count(), u"text"_s),
                      counted(m_illFormedBytes, u"byte"_s), m_illFormed.first()));
     }

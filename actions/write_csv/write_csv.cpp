@@ -88,8 +88,8 @@ void ActionWriteCsv::reportReplaced()
     }
     if (m_encoder) {
         warnOf(m_encoder->replaced(), fileName(), u"character"_s,
-               u"Warning: writeCSV: %2 of the file '%1' are not in its encoding, and a ? replaces "
-               "them; the first is in %3\n"_s);
+               u"Warning: writeCSV: a ? replaces %2 of the file '%1' that its encoding does not have; "
+               "the first is in %3\n"_s);
     }
 }
 
