@@ -177,4 +177,10 @@ JOBS = {
                            "</Level></readXML>", "<writeCSV fileName='ours.csv'/>"),
                      "ours.csv", ["libxml2_peer", "html", "sales.html", "peer.csv"], "peer.csv",
                      input="sales.html", make_input=("make_sales", "{rows}", "html"), rows_divisor=5),
+    "soup_read": Job("the page without optional end tags to CSV, as browsers read it; peer: libxml2, tree",
+                     graph(f"<readXML fileName='soup.html' readHTML='1' tagSoup='1' expandSpans='1' skipRows='1'><Level "
+                           f"initialPath='html/body/table' subtagName='tr'>{PAGE_ITEMS}</Level></readXML>",
+                           "<writeCSV fileName='ours.csv'/>"),
+                     "ours.csv", ["libxml2_peer", "html", "soup.html", "peer.csv"], "peer.csv",
+                     input="soup.html", make_input=("make_sales", "{rows}", "soup"), rows_divisor=5),
 }

@@ -1,10 +1,10 @@
-// Prints the table that all whole-program benchmarks read: make_sales ROWS [csv|xml|html] >
-// sales.csv
+// Prints the table that all whole-program benchmarks read: make_sales ROWS [csv|xml|html|soup]
+// > sales.csv
 //
 // xml: elements row with the attribute id and a child for each cell that is not missing. html: a
-// page with one table. Ten columns: 2 whole numbers, 3 decimal numbers, 4 texts (non-ASCII in about
-// two rows of five), 1 date as text; 2 to 5 % of the cells are missing. The same rows for the same
-// count, on every machine.
+// page with one table. soup: the same without optional end tags, in mixed letter case. Ten columns:
+// 2 whole numbers, 3 decimal numbers, 4 texts (non-ASCII in about two rows of five), 1 date as
+// text; 2 to 5 % of the cells are missing. The same rows for the same count, on every machine.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -43,7 +43,7 @@ constexpr int kColumns = 10;
 constexpr const char *kColumnNames[kColumns] = {"id",   "quantity", "price",    "discount", "total",
                                                 "city", "product",  "customer", "comment",  "day"};
 
-enum class Form { Csv, Xml, Html };
+enum class Form { Csv, Xml, Html, Soup };
 
 struct Row
 {
@@ -131,6 +131,16 @@ void printHtml(const Row &row)
     std::puts("</tr>");
 }
 
+void printSoup(const Row &row)
+{
+    std::fputs("<TR>", stdout);
+    for (const auto &cell : row.cells) {
+        std::fputs("<td>", stdout);
+        printEscaped(cell);
+    }
+    std::putchar('\n');
+}
+
 /// The text before the rows.
 void printHead(Form form)
 {
@@ -138,7 +148,8 @@ void printHead(Form form)
         std::puts("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<sales>");
         return;
     }
-    if (form == Form::Html) {
+    const bool isPage = form == Form::Html || form == Form::Soup;
+    if (isPage) {
         std::fputs("<!DOCTYPE html>\n<html><head><meta "
                    "charset=\"utf-8\"><title>Sales</title></head>\n<body><h1>Sales</h1>"
                    "\n<table class=\"list\"><thead><tr>",
@@ -146,9 +157,9 @@ void printHead(Form form)
     }
     for (int i = 0; i < kColumns; ++i) {
         const char *const end = i + 1 < kColumns ? "," : "\n";
-        std::printf(form == Form::Html ? "<th>%s</th>" : "%s%s", kColumnNames[i], end);
+        std::printf(isPage ? "<th>%s</th>" : "%s%s", kColumnNames[i], end);
     }
-    std::fputs(form == Form::Html ? "</tr></thead>\n<tbody>\n" : "", stdout);
+    std::fputs(isPage ? "</tr></thead>\n<tbody>\n" : "", stdout);
 }
 
 } // namespace
@@ -157,15 +168,23 @@ int main(int argc, char **argv)
 {
     const long rows = argc > 1 ? std::atol(argv[1]) : 1000000;
     const char kind = argc > 2 ? *argv[2] : 'c';
-    const Form form = kind == 'x' ? Form::Xml : kind == 'h' ? Form::Html : Form::Csv;
+    const Form form = kind == 'x'   ? Form::Xml
+                      : kind == 'h' ? Form::Html
+                      : kind == 's' ? Form::Soup
+                                    : Form::Csv;
     Random random;
     printHead(form);
     for (long i = 1; i <= rows; ++i) {
         const Row row = makeRow(i, random);
-        form == Form::Xml ? printXml(row) : form == Form::Html ? printHtml(row) : printCsv(row);
+        const auto print = form == Form::Xml    ? printXml
+                           : form == Form::Html ? printHtml
+                           : form == Form::Soup ? printSoup
+                                                : printCsv;
+        print(row);
     }
     std::fputs(form == Form::Xml    ? "</sales>\n"
                : form == Form::Html ? "</tbody></table></body></html>\n"
+               : form == Form::Soup ? "</TABLE >\n"
                                     : "",
                stdout);
     return 0;
