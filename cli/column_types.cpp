@@ -1,6 +1,7 @@
 #include "column_types.h"
 
 #include "base/counted.h"
+#include "corvanta/action_item.h"
 #include "corvanta/main_ui.h"
 #include "visible_text.h"
 
@@ -123,11 +124,16 @@ CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const
     return isGiven ? givenKinds(types, fileName, *kinds) : *kinds;
 }
 
-void noteSample(const CommandLine &line, const QString &fileName, const ActionParameters &reader)
+bool hasScannedKinds(const CommandLine &line, const ActionItem &reader)
 {
     const auto types = columnTypesOf(line);
-    if (types && types->rule == ColumnTypes::Rule::Auto && readsTexts(reader) &&
-        isLarge(fileName)) {
+    return types && types->rule == ColumnTypes::Rule::Auto &&
+           readsTexts(dynamic_cast<const ActionParameters &>(reader));
+}
+
+void noteSample(const CommandLine &line, const QString &fileName, const ActionItem &reader)
+{
+    if (hasScannedKinds(line, reader) && isLarge(fileName)) {
         MainUI::addLog(MainUI::Info,
                        u"The types of the columns are those of the first rows of '%1' (--all "
                        "examines all rows)"_s.arg(fileName));

@@ -6,6 +6,8 @@
 #include "command_line.h"
 #include "corvanta/action_parameters.h"
 
+class ActionItem;
+
 /// The value of --types.
 struct ColumnTypes
 {
@@ -28,8 +30,11 @@ CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const
                                                  ActionParameters *reader,
                                                  ActionParameters::KindExtent extent);
 
+/// Whether columnKindsOf() finds the kinds of this reader's columns in their values.
+bool hasScannedKinds(const CommandLine &line, const ActionItem &reader);
+
 /// Say that rows after a sample may decide otherwise, unless the file is too small to have any.
-void noteSample(const CommandLine &line, const QString &fileName, const ActionParameters &reader);
+void noteSample(const CommandLine &line, const QString &fileName, const ActionItem &reader);
 
 /// The kinds that a file of another format has: numbers of which a digit would be lost are texts.
 /// They are numbers only where they are compared.

@@ -401,7 +401,7 @@ CommandResult<void> addInput(const CommandLine &line, const QString &fileName,
         }
         // Without columns the file cannot be read, which the run reports.
         if (facts->extent == ActionParameters::KindExtent::Sample && !kinds->isEmpty()) {
-            noteSample(line, fileName, dynamic_cast<ActionParameters &>(**input));
+            noteSample(line, fileName, **input);
         }
         auto *const parameters = dynamic_cast<ActionParameters *>(input->get());
         // Who gets the rows parses numbers with a point only.

@@ -448,6 +448,7 @@ void DataSetOutput::complete()
         warnReplaced();
         warnNotNumbers();
         warnNotDates();
+        warnZones();
         warnNotBooleans();
         reportRows(*m_run->writer);
     }
@@ -514,6 +515,20 @@ void DataSetOutput::warnNotDates()
                 u"Warning: writing %1 '%2': %3 of the column '%4' became missing, without the form of ISO 8601 that the format '%5' needs; the first is in row %6\n"_s
                     .arg(fileKind(), fileName(), counted(found.count, u"text"_s), columnName(i),
                          definitionOf(columnName(i))->format, QString::number(found.firstRow)));
+        }
+    }
+}
+
+void DataSetOutput::warnZones()
+{
+    const std::vector<sas::ColumnReport> &reports = m_run->packer->reports();
+    for (size_t i = 0; i < reports.size(); ++i) {
+        const sas::RowCount &found = reports[i].zones;
+        if (found.count > 0) {
+            warn(
+                u"Warning: writing %1 '%2': %3 of the column '%4' %5 written without the zone Z; the first is in row %6\n"_s
+                    .arg(fileKind(), fileName(), counted(found.count, u"time"_s), columnName(i),
+                         isOrAre(found.count), QString::number(found.firstRow)));
         }
     }
 }

@@ -143,6 +143,7 @@ private:
     void warnReplaced();
     void warnNotNumbers();
     void warnNotDates();
+    void warnZones();
     void warnNotBooleans();
 
     std::unique_ptr<RunState> m_run;

@@ -61,6 +61,7 @@ private:
         Occurrences notDates;
         Occurrences earlyDates;
         Occurrences longFractions;
+        Occurrences zones;
         Occurrences notFinite;
         Occurrences cutTexts;
         Occurrences oddTexts;

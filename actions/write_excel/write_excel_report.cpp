@@ -92,6 +92,9 @@ void ActionWriteExcel::takeCellProblem(sheet::CellProblem problem, int column,
     case sheet::CellProblem::LongFraction:
         losses.longFractions.add(place);
         break;
+    case sheet::CellProblem::Zone:
+        losses.zones.add(place);
+        break;
     case sheet::CellProblem::NotFinite:
         losses.notFinite.add(row);
         break;
@@ -221,6 +224,8 @@ void ActionWriteExcel::reportCells()
                         u" before the first day of the workbook, in 1900 or 1904"_s);
         reportCells(losses.longFractions, u"time"_s, name,
                     isOrAre(losses.longFractions.count()) + u" rounded to milliseconds"_s);
+        reportCells(losses.zones, u"time"_s, name,
+                    isOrAre(losses.zones.count()) + u" written without the zone"_s);
         reportCells(losses.notFinite, u"number"_s, name,
                     isOrAre(losses.notFinite.count()) +
                         u" not finite (nan, inf or -inf) and left out"_s);

@@ -34,7 +34,8 @@ struct Chain
     CorvantaGraph::Pin last;
     QVector<ColumnKind> kinds;
     QVector<ColumnNotes> notes;
-    QString decimalPoint; ///< of the numbers in texts; empty: the usual one
+    QStringList withoutValues; ///< columns that have no value in any input so far
+    QString decimalPoint;      ///< of the numbers in texts; empty: the usual one
 
     /// Add an action that reads `last`, and make its output the last one. The fault is a usage
     /// error.
@@ -136,6 +137,11 @@ QStringList kindSettings(const QVector<ColumnKind> &kinds)
     return settings;
 }
 
+bool isDay(ValueKind kind)
+{
+    return kind == ValueKind::Date || kind == ValueKind::DateTime;
+}
+
 /// The kind that values of both kinds have.
 ColumnKind joined(const ColumnKind &a, const ColumnKind &b)
 {
@@ -145,6 +151,8 @@ ColumnKind joined(const ColumnKind &a, const ColumnKind &b)
         result.letter = a.letter == b.letter                 ? a.letter
                         : a.letter == 'U' || b.letter == 'U' ? 'U'
                                                              : 'F';
+    } else if (isDay(a.kind) && isDay(b.kind)) {
+        result.kind = a.kind == b.kind ? a.kind : ValueKind::DateTime;
     } else if (a.kind != b.kind || a.letter != b.letter) {
         result.kind = ValueKind::Text;
         result.letter = 'U';
@@ -160,15 +168,20 @@ qsizetype indexOf(const QString &column, const QVector<ColumnKind> &kinds)
     return found == kinds.end() ? -1 : found - kinds.begin();
 }
 
-/// Add the columns of another input to those of the inputs before it.
-void joinKinds(const QVector<ColumnKind> &more, QVector<ColumnKind> *kinds)
+/// Add the columns of another input to those of the inputs before it. Columns without values decide
+/// nothing; `isScanned`: they are texts without an exception.
+void joinKinds(const QVector<ColumnKind> &more, bool isScanned, Chain *chain)
 {
     for (const ColumnKind &kind : more) {
-        const qsizetype same = indexOf(kind.column, *kinds);
+        const bool isEmpty =
+            isScanned && kind.kind == ValueKind::Text && kind.exceptionPlace.isEmpty();
+        const qsizetype same = indexOf(kind.column, chain->kinds);
         if (same < 0) {
-            kinds->append(kind);
-        } else {
-            (*kinds)[same] = joined((*kinds)[same], kind);
+            chain->kinds.append(kind);
+            chain->withoutValues << (isEmpty ? QStringList(kind.column) : QStringList());
+        } else if (!isEmpty) {
+            ColumnKind &all = chain->kinds[same];
+            all = chain->withoutValues.removeAll(kind.column) > 0 ? kind : joined(all, kind);
         }
     }
 }
@@ -298,7 +311,7 @@ CommandResult<std::vector<Input>> openInputs(const CommandLine &line, const QStr
             if (writer->needsColumnKinds()) {
                 noteNumbersAmongTexts(words[i], input.kinds);
             }
-            joinKinds(input.kinds, &chain->kinds);
+            joinKinds(input.kinds, hasScannedKinds(line, *input.reader), chain);
         }
         if (isOne && writer->needsColumnLabels()) {
             chain->notes = dynamic_cast<ActionParameters &>(*input.reader).columnNotes();

@@ -67,6 +67,8 @@ void RowPacker::addDate(size_t column, const uchar *cell, qint64 row)
     const auto value = dateValue(text, m_columns[column].date);
     if (!value && !text.empty()) {
         m_reports[column].notDates.add(row);
+    } else if (text.ends_with(u'Z')) {
+        m_reports[column].zones.add(row);
     }
     addNumber(value.value_or(cell::missingDouble()));
 }

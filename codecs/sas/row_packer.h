@@ -49,6 +49,7 @@ struct ColumnReport
     RowCount replaced;     ///< characters that the encoding does not have
     RowCount notNumbers;   ///< NaN values, which are stored as missing
     RowCount notDates;     ///< texts of a column of dates, which are stored as missing
+    RowCount zones;        ///< dates with times whose zone is not stored
     RowCount notBooleans;  ///< the same of a column of booleans
 };
 

@@ -53,6 +53,14 @@ bool hasLongFraction(std::u16string_view text)
            text.find_first_of(u"123456789", point + 1 + kMillisecondDigits) != text.npos;
 }
 
+/// Whether a zone follows the minutes in an ISO date with a time.
+bool hasZone(std::u16string_view text)
+{
+    constexpr size_t kMinuteUnits = 16; // 2026-01-31T04:30
+    return text.size() > kMinuteUnits &&
+           text.find_first_of(u"Zz+-", kMinuteUnits) != std::u16string_view::npos;
+}
+
 } // namespace
 
 SheetWriter::SheetWriter(zip::PackageWriter &package, SheetOptions options,
@@ -339,6 +347,9 @@ bool SheetWriter::putDateTime(int column, std::u16string_view text)
     }
     if (hasLongFraction(text)) {
         m_report(CellProblem::LongFraction, column, text);
+    }
+    if (hasZone(text)) {
+        m_report(CellProblem::Zone, column, text);
     }
     return putSerial(column, *serial - m_options.firstDay,
                      text.size() > kDayUnits ? m_dateTimeOpening : m_dateTimeDayOpening);

@@ -60,6 +60,7 @@ enum class CellProblem : quint8 {
     NotADate,     ///< does not have the date format; the cell is left out
     EarlyDate,    ///< before the first day of the workbook; the cell is left out
     LongFraction, ///< digits of a second after the third, which are rounded
+    Zone,         ///< the zone after a time, which is left out
     NotFinite,    ///< a NaN or an infinite number; the cell is left out
 };
 /// `column` is the position in the sheet, from 0; `text` is valid during the call.

@@ -89,6 +89,23 @@ class Found(Case):
         self.assertIn("line 3: 1 field instead of 2; ragged='fill' (convert: --reader ragged=fill) reads such lines",
                       self.corvanta("convert", "bad.csv", "out.csv", status=1).stderr)
 
+    def test_types_of_several_inputs(self):
+        self.put("a.csv", "n,d,e,t\n1,2026-01-01,,x\n")
+        self.put("b.csv", "n,d,e,t\n-5,2026-01-02T10:00,7,5\n")
+        self.put("c.csv", "n,d,e,t\n,,,\n")
+        for inputs in (["a.csv", "b.csv", "c.csv"], ["c.csv", "a.csv", "b.csv"]):
+            self.corvanta("convert", *inputs, "out.parquet")
+            self.assertEqual(self.types("out.parquet"), ["n=integer F", "d=datetime U", "e=integer K", "t=text U"])
+
+    def test_zones_that_are_lost_are_reported(self):
+        self.put("in.csv", "at\n2026-01-01T10:00:00Z\n2026-01-01T11:00:00Z\n")
+        for name, text in (("out.xlsx", "2 times of column 'at' are written without the zone; the first is '2026-01-01T10:00:00Z' in row 1"),
+                           ("out.sas7bdat", "2 times of the column 'at' are written without the zone Z; the first is in row 1"),
+                           ("out.parquet", ""), ("out.json", "")):
+            said = self.corvanta("convert", "in.csv", name).stderr
+            self.assertIn(text, said)
+            self.assertEqual("zone" in said, text != "")
+
     def test_numbers_that_stay_texts_are_reported(self):
         self.put("in.csv", "x,n,zip\n0.30000000000000004,1,01234\n4,2,1\n10,-,2\n")
         note = ("2 columns of 'in.csv' have numbers but are text; the first is 'x', because of '0.30000000000000004' in row 1 (line 2) "
