@@ -87,9 +87,10 @@ void ActionWriteCsv::reportReplaced()
                              getInputColumns(0)->colName(m_writer->firstReplacedColumn())));
     }
     if (m_encoder) {
-        warnOf(m_encoder->replaced(), fileName(), u"character"_s,
-               u"Warning: writeCSV: a ? replaces %2 of the file '%1' that its encoding does not have; "
-               "the first is in %3\n"_s);
+        warnOf(
+            m_encoder->replaced(), fileName(), u"character"_s,
+            u"Warning: writeCSV: a ? replaces %2 of the file '%1' that its encoding does not have; "
+            "the first is in %3\n"_s);
     }
 }
 
