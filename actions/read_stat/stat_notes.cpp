@@ -168,7 +168,7 @@ QVector<ColumnKind> statColumnKinds(const ActionBase &action, const QString &nam
                                     const ReadStatParams &params)
 {
     QVector<ColumnKind> columns;
-    const auto file = params.formatDates ? openDataSet(action, name, params) : std::nullopt;
+    const auto file = openDataSet(action, name, params);
     if (!file) {
         return columns;
     }
@@ -176,8 +176,11 @@ QVector<ColumnKind> statColumnKinds(const ActionBase &action, const QString &nam
     const bool mayHaveLabels = params.extractLabels && !stat::isOfSas(file->format);
     for (const stat::Variable &variable : file->dictionary.variables) {
         const bool hasLabels = mayHaveLabels && !variable.labelSet.isEmpty();
-        if (!hasLabels && variable.date != stat::DateKind::None) {
+        const bool isDate = params.formatDates && variable.date != stat::DateKind::None;
+        if (!hasLabels && isDate) {
             columns << ColumnKind{options.columnName(variable), valueKindOf(variable.date)};
+        } else if (!hasLabels && variable.isInteger) {
+            columns << ColumnKind{options.columnName(variable), ValueKind::Integer, 'F'};
         }
     }
     return columns;

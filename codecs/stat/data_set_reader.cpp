@@ -170,6 +170,9 @@ int DataSetReader::useVariable(int index, readstat_variable_t *handle, const cha
     // SAS gives the format, and the catalogue has only its name.
     variable.labelSet = isOfSas(m_options.format) ? formatName(set) : set;
     variable.isText = readstat_variable_get_type_class(handle) == READSTAT_TYPE_CLASS_STRING;
+    const readstat_type_t type = readstat_variable_get_type(handle);
+    variable.isInteger =
+        type == READSTAT_TYPE_INT8 || type == READSTAT_TYPE_INT16 || type == READSTAT_TYPE_INT32;
     if (!variable.isText) {
         variable.date = dateKindOf(m_options.format, variable.format);
     }

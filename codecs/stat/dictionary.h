@@ -70,6 +70,7 @@ struct Variable
     QString label;  ///< empty: none
     QString format; ///< as the file names it, for example "DATE9" or "%tc"
     bool isText = false;
+    bool isInteger = false; ///< stored in 8 to 32 bits; only Stata files have such variables
     DateKind date = DateKind::None;
     /// The name of its label set; empty: none. For SAS the format is that name, in a catalogue.
     QString labelSet;

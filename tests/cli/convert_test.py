@@ -466,6 +466,19 @@ class Corpus(Case):
             found, expected = ([[cell.replace(" ", "") for cell in row] for row in rows] for rows in (self.rows_of("out.csv"), expected))
             self.assertEqual(found, expected, name)
 
+    def test_integers_of_stata_files(self):
+        def types(*words):
+            return {column["name"]: column["type"] for column in json.loads(self.corvanta("schema", "--json", *words).stdout)}
+        source = CORPUS / "stat/dta/stata5_117.dta"
+        self.convert(str(source), "out.parquet")
+        for found in (types(str(source)), types("out.parquet")):
+            self.assertEqual([found[name] for name in ("byte_", "int_", "long_", "float_", "double_", "date_td")],
+                             ["integer", "integer", "integer", "decimal", "decimal", "date"])
+        # Only the first of several files is examined.
+        for name in ("a.dta", "b.dta"):
+            self.put(name, source.read_bytes())
+        self.assertEqual(types("?.dta")["int_"], "decimal")
+
     def test_nested_columns_of_parquet_files_are_left_out(self):
         notes = self.convert(str(CORPUS / "parquet/datapage_v2.snappy.parquet"), "out.csv")
         self.assertIn("is read without column 'e.list.element': nested columns are not supported", notes)
