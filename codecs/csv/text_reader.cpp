@@ -14,6 +14,37 @@ bool hasOnlyCr(std::string_view sample, bool isWhole)
            sample.find('\n') == std::string_view::npos;
 }
 
+/// The lines before the first record that are none.
+struct Preamble
+{
+    long long lines = 0;
+    char separator = '\0'; // of a line such as "sep=;", which spreadsheet programs write
+};
+
+Preamble preambleOf(std::string_view text, const Dialect &dialect)
+{
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    constexpr std::string_view kSeparator = "sep=";
+    Preamble preamble;
+    text.remove_prefix(text.starts_with(kMark) ? kMark.size() : 0);
+    for (size_t end = text.find(dialect.endsLinesWithCr ? '\r' : '\n');
+         end != std::string_view::npos && preamble.separator == '\0';
+         end = text.find(dialect.endsLinesWithCr ? '\r' : '\n')) {
+        std::string_view line = text.substr(0, end);
+        line.remove_suffix(line.ends_with('\r') ? 1 : 0);
+        const bool isSeparator = line.size() == kSeparator.size() + 1 &&
+                                 line.starts_with(kSeparator) && line.back() > 0 &&
+                                 line.back() != dialect.quote;
+        if (!line.empty() && !isSeparator) {
+            break;
+        }
+        preamble.separator = isSeparator ? line.back() : '\0';
+        ++preamble.lines;
+        text.remove_prefix(end + 1);
+    }
+    return preamble;
+}
+
 } // namespace
 
 /// A pipe may give its bytes in small pieces; a sample of one piece would be too short.
@@ -53,7 +84,12 @@ TextReader::TextReader(ByteSource &source, const TextForm &form, RecordReader::L
         m_dialect.endsLinesWithCr = hasOnlyCr(sample, isWhole);
     }
     if (form.findsSeparator) {
-        m_dialect.separator = findSeparator(sample, isWhole, m_dialect);
+        const Preamble preamble =
+            form.dialect.skippedLines == 0 ? preambleOf(sample, m_dialect) : Preamble();
+        m_dialect.skippedLines += preamble.lines;
+        m_dialect.separator = preamble.separator != '\0'
+                                  ? preamble.separator
+                                  : findSeparator(sample, isWhole, m_dialect);
     }
     m_records = std::make_unique<RecordReader>(m_replay, m_dialect, limits);
 }

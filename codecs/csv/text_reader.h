@@ -13,7 +13,9 @@ struct TextForm
     QByteArray encoding = "UTF-8"; ///< see Utf8Source
     QByteArray fallback = {};      ///< as for Utf8Source
     Dialect dialect = {};
-    /// Ignore the separator of `dialect`, and use that of findSeparator() for the first 64 KiB.
+    /// Ignore the separator of `dialect`, and use that of findSeparator() for the first 64 KiB, or
+    /// that of a first line "sep=;". Empty lines before the first record are skipped then, unless
+    /// `dialect` has lines to skip.
     bool findsSeparator = false;
     /// Lines end with CR alone if the first 64 KiB have CR but no LF.
     bool findsLineEnd = false;

@@ -79,6 +79,15 @@ class Found(Case):
         self.corvanta("convert", "out.xlsx", "again.parquet")
         self.assertEqual(self.types("again.parquet"), ["day=date U", "n=integer F"])
 
+    def test_lines_before_the_names(self):
+        for before in ("sep=|\n", "\n\r\n", "\ufeffsep=|\r\n", "\r\nsep=|\r\n"):
+            self.put("in.csv", before + "a,b|c\n1|2\n")
+            self.assertEqual(self.types("in.csv"), ["a,b=integer K", "c=integer K"], before)
+        self.put("in.csv", "\nsep=|\n1|2\n")
+        self.assertEqual(self.types("in.csv", "--reader", "skipRows=1", "--reader", "ragged=fill"), ["sep==integer K", "=integer K"])
+        self.put("in.csv", "sep=\n1\n")
+        self.assertEqual(self.types("in.csv"), ["sep==integer K"])
+
     def test_lines_that_end_with_carriage_returns(self):
         for name, separator in (("in.csv", ";"), ("in.tsv", "\t")):
             self.put(name, f'a{separator}b\r1{separator}"x\ry"\r2{separator}z\r'.encode())
