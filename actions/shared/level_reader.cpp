@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -90,12 +91,28 @@ bool LevelReader::fill(int table)
     const markup::SampledTable *const chosen = document ? chooseTable(*document, table) : nullptr;
     if (chosen != nullptr) {
         useTable(*chosen);
+        m_filledTables = listedTables(*document, readerParams().levels);
+        m_filledValues = parameterValues();
     }
     return chosen != nullptr;
 }
 
+QStringList LevelReader::parameterValues() const
+{
+    QStringList values;
+    const qsizetype count = parameters().size();
+    for (int i = 0; i < count; ++i) {
+        values << parameterValue(i);
+    }
+    return values;
+}
+
 QVector<InputTable> LevelReader::listTables()
 {
+    const QVector<InputTable> filled = std::exchange(m_filledTables, {});
+    if (!filled.isEmpty() && m_filledValues == parameterValues()) {
+        return filled;
+    }
     const auto document = isFromPin() ? std::nullopt : sampleInput();
     return document ? listedTables(*document, readerParams().levels) : QVector<InputTable>();
 }

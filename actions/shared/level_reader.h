@@ -104,6 +104,13 @@ private:
     void pathIsMissing(const QString &path, const QString &name) final;
     void reportUnread(const markup::UnreadParts &unread, const QString &name) final;
 
+    QStringList parameterValues() const;
+
+    /// The tables that fill() has found, for the next listTables() with the same parameters: a
+    /// sample may be a whole page.
+    QVector<InputTable> m_filledTables;
+    QStringList m_filledValues;
+
     std::unique_ptr<LevelRun> m_run; // null before the first step()
     FileSeries m_series{*this};      // its file refers to m_run
 };
