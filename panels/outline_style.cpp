@@ -80,10 +80,9 @@ private:
 
     static void drawOutline(const QStyleOption &option, double radius, QPainter *painter)
     {
-        if (!option.state.testFlag(State_Enabled)) {
-            return;
-        }
+        constexpr double disabledOpacity = 0.5;
         painter->save();
+        painter->setOpacity(option.state.testFlag(State_Enabled) ? 1 : disabledOpacity);
         painter->setRenderHint(QPainter::Antialiasing);
         painter->setPen(outlineColor(option.palette));
         painter->setBrush(Qt::NoBrush);

@@ -49,10 +49,7 @@ CellDelegate::CellDelegate(const QVector<ParameterInfo> &members, QObject *paren
 void CellDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
 {
     QStyledItemDelegate::initStyleOption(option, index);
-    if (index.data(Qt::CheckStateRole).isValid()) {
-        // Styles draw the frame of a box in a colour that is close to that of the window.
-        option->palette.setColor(QPalette::Window, remarkColor(option->palette));
-    } else if (option->text.isEmpty()) {
+    if (!index.data(Qt::CheckStateRole).isValid() && option->text.isEmpty()) {
         option->text = m_emptyText;
         option->palette.setColor(QPalette::Text, remarkColor(option->palette));
     }
