@@ -1,3 +1,5 @@
+// Each editor reports what the user does, and ignores what setValue() causes: widgets send the same
+// signals for both.
 #include "panels/basic_editors.h"
 
 #include "base/number.h"
@@ -52,6 +54,26 @@ protected:
     }
 };
 
+/// Choices of an Integer are saved as their numbers.
+QVector<std::pair<QString, QString>> numbered(const QStringList &texts)
+{
+    QVector<std::pair<QString, QString>> choices;
+    for (const QString &text : texts) {
+        choices.append({QString::number(choices.size()), text});
+    }
+    return choices;
+}
+
+QVector<std::pair<QString, QString>> named(std::span<const NamedValue> values)
+{
+    QVector<std::pair<QString, QString>> choices;
+    for (const NamedValue &each : values) {
+        choices.append(
+            {QString::fromUtf8(each.value), QCoreApplication::translate("Panels", each.meaning)});
+    }
+    return choices;
+}
+
 } // namespace
 
 void ignoreWheelWithoutFocus(QWidget *control)
@@ -70,7 +92,7 @@ LineEditor::LineEditor(const FieldContext &context)
     auto *const row = plainLayout<QHBoxLayout>(this);
     row->addWidget(m_line);
     if (!context.info.unit.isEmpty()) {
-        row->addWidget(new QLabel(context.info.unit));
+        row->addWidget(new QLabel(unitText(context.info.unit, 2)));
     }
     m_line->setPlaceholderText(context.info.defaultValue);
     setMainControl(m_line);
@@ -132,16 +154,22 @@ NumberEditor::NumberEditor(const FieldContext &context)
     const ParameterInfo &info = context.info;
     m_box->setRange(static_cast<int>(info.low), static_cast<int>(info.high));
     m_box->setLocale(QLocale::c()); // files have no digit groups
-    if (!info.unit.isEmpty()) {
-        m_box->setSuffix(u' ' + info.unit);
-    }
+    showUnit();
     auto *const row = plainLayout<QHBoxLayout>(this);
     row->addWidget(m_box);
     row->addStretch(1);
     setMainControl(m_box);
     ignoreWheelWithoutFocus(m_box);
-    connect(m_box, &QSpinBox::valueChanged, this,
-            [this](int value) { report(QString::number(value), Edit::Typing); });
+    connect(m_box, &QSpinBox::valueChanged, this, [this](int value) {
+        showUnit();
+        report(QString::number(value), Edit::Typing);
+    });
+}
+
+void NumberEditor::showUnit()
+{
+    const QString &unit = context().info.unit;
+    m_box->setSuffix(unit.isEmpty() ? QString() : u' ' + unitText(unit, m_box->value()));
 }
 
 void NumberEditor::setValue(const QString &value)
@@ -151,20 +179,21 @@ void NumberEditor::setValue(const QString &value)
 
 // ---- A choice
 
-ChoiceEditor::ChoiceEditor(const FieldContext &context)
+ChoiceEditor::ChoiceEditor(const FieldContext &context, const Choices &choices)
     : FieldEditor(context)
+    , m_choices(choices)
     , m_box(new QComboBox(this))
     , m_explanation(new NoteLabel(this))
 {
-    const ParameterInfo &info = context.info;
     m_box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_box->setMinimumContentsLength(kChoiceCharacters);
-    for (qsizetype i = 0; i < info.choices.size(); ++i) {
-        m_box->addItem(info.choices[i], QString::number(i)); // saved as the number
+    for (const auto &[value, text] : choices) {
+        m_box->addItem(text, value);
     }
     // A default beyond the choices means that the action decides.
-    if (m_box->findData(info.defaultValue) < 0) {
-        m_box->insertItem(0, tr("automatic"), info.defaultValue);
+    const QString &defaultValue = context.info.defaultValue;
+    if (m_box->findData(defaultValue) < 0) {
+        m_box->insertItem(0, tr("automatic"), defaultValue);
     }
     auto *const column = plainLayout<QVBoxLayout>(this);
     column->addWidget(m_box);
@@ -178,11 +207,20 @@ ChoiceEditor::ChoiceEditor(const FieldContext &context)
     showExplanation();
 }
 
+ChoiceEditor::ChoiceEditor(const FieldContext &context)
+    : ChoiceEditor(context, numbered(context.info.choices))
+{
+}
+
+ChoiceEditor::ChoiceEditor(const FieldContext &context, std::span<const NamedValue> values)
+    : ChoiceEditor(context, named(values))
+{
+}
+
 bool ChoiceEditor::isWide() const
 {
-    const QStringList &choices = context().info.choices;
-    return std::any_of(choices.begin(), choices.end(),
-                       [](const QString &choice) { return choice.size() > kWideChoice; });
+    return std::any_of(m_choices.begin(), m_choices.end(),
+                       [](const auto &choice) { return choice.second.size() > kWideChoice; });
 }
 
 bool ChoiceEditor::isCut() const
@@ -198,8 +236,9 @@ bool ChoiceEditor::isCut() const
 
 void ChoiceEditor::showExplanation()
 {
-    const int choice = m_box->currentData().toInt();
-    QStringList texts{context().info.explanations.value(choice)};
+    bool isNumber = false;
+    const int choice = m_box->currentData().toString().toInt(&isNumber);
+    QStringList texts{context().info.explanations.value(isNumber ? choice : -1)};
     if (isCut()) {
         texts.prepend(m_box->currentText());
     }

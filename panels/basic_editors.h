@@ -2,7 +2,7 @@
 //
 // Threads: the GUI thread.
 #pragma once
-#include "panels/field_editor.h"
+#include "panels/suggestion_field.h"
 
 #include <QCoreApplication>
 
@@ -60,6 +60,9 @@ protected:
     void setValue(const QString &value) override;
 
 private:
+    /// In the form for the number: "1 row", "2 rows".
+    void showUnit();
+
     QSpinBox *m_box;
 };
 
@@ -71,6 +74,8 @@ class ChoiceEditor final : public FieldEditor
 
 public:
     explicit ChoiceEditor(const FieldContext &context);
+    /// For a text that has one of `values`.
+    ChoiceEditor(const FieldContext &context, std::span<const NamedValue> values);
     /// Long texts need the width of the label too.
     bool isWide() const override;
 
@@ -79,10 +84,14 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    using Choices = QVector<std::pair<QString, QString>>; // values, with their texts
+
+    ChoiceEditor(const FieldContext &context, const Choices &choices);
     /// Whether the text of the current choice does not fit in the box.
     bool isCut() const;
     void showExplanation();
 
+    Choices m_choices;
     QComboBox *m_box;
     NoteLabel *m_explanation;
 };

@@ -129,6 +129,25 @@ QString translated(const QString &text)
     return QCoreApplication::translate("Parameters", text.toUtf8().constData());
 }
 
+QString unitText(const QString &unit, int count)
+{
+    const QString text =
+        QCoreApplication::translate("Units", unit.toUtf8().constData(), nullptr, count);
+    // English has no catalogue with forms for numbers.
+    return text == unit && count == 1 && unit.endsWith(u's') ? unit.chopped(1) : text;
+}
+
+QString shownValue(const ParameterInfo &info, const QString &value)
+{
+    if (info.type == Type::Flag) {
+        return value == "0"_L1 ? QCoreApplication::translate("Panels", "off")
+                               : QCoreApplication::translate("Panels", "on");
+    }
+    const QString text = info.choices.value(info.choices.isEmpty() ? -1 : value.toInt());
+    return text.isEmpty() ? value
+                          : QCoreApplication::translate("Panels", "\u201c%1\u201d").arg(text);
+}
+
 QString captionOf(const QString &label)
 {
     // Languages differ in the space before a colon.
@@ -140,8 +159,13 @@ QString captionOf(const QString &label)
 QString toolTipOf(const FieldContext &context)
 {
     // Rich text, so that long lines are wrapped.
-    return u"<p><b>%1</b></p><p>%2</p>"_s.arg(context.info.name.toHtmlEscaped(),
-                                              context.meaning.toHtmlEscaped());
+    const QString text = u"<p><b>%1</b></p><p>%2</p>"_s.arg(context.info.name.toHtmlEscaped(),
+                                                            context.meaning.toHtmlEscaped());
+    const QString value = shownValue(context.info, context.info.defaultValue);
+    return value.isEmpty() || context.info.type == Type::Structure
+               ? text
+               : text + u"<p>%1</p>"_s.arg(QCoreApplication::translate("Panels", "Default: %1")
+                                               .arg(value.toHtmlEscaped()));
 }
 
 } // namespace corvanta

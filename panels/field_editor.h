@@ -23,7 +23,7 @@ struct FieldContext
 {
     ActionItem *action = nullptr;           ///< outlives the panel
     ActionParameters *parameters = nullptr; ///< the same object; never null
-    ParameterInfo info;                     ///< of the parameter, translated
+    ParameterInfo info;                     ///< of the parameter, translated except for the unit
     QString label;                          ///< of the field, translated, without colon
     QString meaning;                        ///< translated
 };
@@ -100,9 +100,14 @@ FieldEditor *makeEditor(const FieldContext &context);
 
 /// A label, meaning or choice of a parameter table in the language of the user.
 QString translated(const QString &text);
+/// The unit of a parameter as it is written after `count`, in the language of the user: "row" for
+/// 1, "rows" for 2.
+QString unitText(const QString &unit, int count);
+/// A value as texts show it: the text of a choice, or on and off. `info` is translated.
+QString shownValue(const ParameterInfo &info, const QString &value);
 /// The label before a field, with a colon unless it is a sentence.
 QString captionOf(const QString &label);
-/// The tool tip of a field: the name of the attribute and its meaning.
+/// The tool tip of a field: the name of the attribute, its meaning and its default.
 QString toolTipOf(const FieldContext &context);
 
 } // namespace corvanta

@@ -4,6 +4,7 @@
 #include "panels/glyphs.h"
 #include "panels/note_label.h"
 
+#include <QAbstractButton>
 #include <QEvent>
 #include <QFrame>
 #include <QGridLayout>
@@ -64,16 +65,22 @@ FoldingGroup::FoldingGroup(const QString &title, QWidget *parent)
     updateHeading();
 }
 
-void FoldingGroup::addField(QLabel *label, FieldEditor *editor, NoteLabel *note)
+void FoldingGroup::addField(QLabel *label, FieldEditor *editor, NoteLabel *note,
+                            QAbstractButton *reset)
 {
     int row = m_grid->rowCount();
+    m_grid->addWidget(reset, row, 2, Qt::AlignTop);
+    // No field changes its size when the button appears.
+    QSizePolicy policy = reset->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    reset->setSizePolicy(policy);
     // A check box shows its label itself and needs the whole width, as lists do.
     if (label == nullptr) {
-        m_grid->addWidget(editor, row, 0, 1, 2);
+        m_grid->addWidget(editor, row, 0, 1, 2, Qt::AlignVCenter);
         m_grid->addWidget(note, row + 1, 0, 1, 2);
     } else if (hasLabelAbove(*label, *editor)) {
         m_grid->addWidget(label, row++, 0, 1, 2);
-        m_grid->addWidget(editor, row, 0, 1, 2);
+        m_grid->addWidget(editor, row, 0, 1, 3);
         m_grid->addWidget(note, row + 1, 0, 1, 2);
     } else {
         // On one line with the text of the control.
@@ -91,7 +98,7 @@ bool FoldingGroup::hasLabelAbove(const QLabel &label, const FieldEditor &editor)
 
 void FoldingGroup::addWidget(QWidget *widget)
 {
-    m_grid->addWidget(widget, m_grid->rowCount(), 0, 1, 2);
+    m_grid->addWidget(widget, m_grid->rowCount(), 0, 1, 3);
 }
 
 void FoldingGroup::setLabelWidth(int width)

@@ -9,6 +9,7 @@
 #include <functional>
 
 class QGridLayout;
+class QAbstractButton;
 class QLabel;
 class QToolButton;
 
@@ -25,8 +26,9 @@ public:
     /// `title` may contain a mnemonic.
     FoldingGroup(const QString &title, QWidget *parent);
     /// Add a field below the others; the group owns the widgets afterwards. `label` is null when
-    /// the editor shows it itself. `note` is shown below the editor.
-    void addField(QLabel *label, FieldEditor *editor, NoteLabel *note);
+    /// the editor shows it itself. `note` is shown below the editor, `reset` right of it; there is
+    /// room for `reset` also while it is hidden.
+    void addField(QLabel *label, FieldEditor *editor, NoteLabel *note, QAbstractButton *reset);
     /// Whether addField() puts the label above the editor: the editor is wide, or the label long.
     static bool hasLabelAbove(const QLabel &label, const FieldEditor &editor);
     /// Add a widget below the fields, as wide as the group, which owns it afterwards.

@@ -74,6 +74,13 @@ QPainterPath pathOf(Glyph glyph)
         line(path, {{8, 7}, {8, 11}});
         line(path, {{6, 9}, {10, 9}});
         break;
+    case Glyph::Reset:
+        path.moveTo(3, 6);
+        path.lineTo(9.5, 6);
+        path.arcTo(6, 6, 7, 7, 90, -180);
+        path.lineTo(5, 13);
+        line(path, {{6, 3}, {3, 6}, {6, 9}});
+        break;
     }
     return path;
 }

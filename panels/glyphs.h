@@ -23,6 +23,7 @@ enum class Glyph {
     Cross,   ///< something is missing
     Warning, ///< something needs attention
     New,     ///< something will be created
+    Reset,   ///< the default comes back
 };
 
 /// The glyph in one colour, `size` logical pixels wide and high, for a screen with `ratio` device

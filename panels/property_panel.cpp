@@ -9,9 +9,11 @@
 #include "corvanta/params/saved_form.h"
 #include "panels/colors.h"
 #include "panels/folding_group.h"
+#include "panels/glyphs.h"
 #include "panels/mnemonics.h"
 #include "panels/note_label.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QEvent>
 #include <QHBoxLayout>
@@ -36,6 +38,7 @@ using Type = ParameterInfo::Type;
 constexpr int kPanelWidth = 460;            // preferred, in pixels
 constexpr int kMaxLineCharacters = 24;      // longer labels are wrapped
 constexpr int kMaxConditionCharacters = 80; // of the values in a remark
+constexpr int kMaxDefaultCharacters = 40;   // in a menu
 constexpr int kValidationDelayMs = 200;
 constexpr int kScrollBarGap = 6;   // between the fields and the scroll bar
 constexpr double kIconScale = 0.5; // 32 pixels
@@ -53,22 +56,11 @@ ParameterInfo translatedInfo(ParameterInfo info)
 {
     info.label = translated(info.label.isEmpty() ? info.name : info.label);
     info.meaning = translated(info.meaning);
-    info.unit = info.unit.isEmpty() ? info.unit : translated(info.unit);
     for (QStringList *const texts : {&info.choices, &info.explanations}) {
         std::transform(texts->begin(), texts->end(), texts->begin(), translated);
     }
     std::transform(info.members.begin(), info.members.end(), info.members.begin(), translatedInfo);
     return info;
-}
-
-/// A value as a remark shows it.
-QString valueText(const ParameterInfo &info, const QString &value)
-{
-    if (info.type == Type::Flag) {
-        return value == "0"_L1 ? PropertyPanel::tr("off") : PropertyPanel::tr("on");
-    }
-    const QString text = info.choices.value(info.choices.isEmpty() ? -1 : value.toInt());
-    return text.isEmpty() ? value : PropertyPanel::tr("\u201c%1\u201d").arg(text);
 }
 
 /// `text` as a sentence of its own begins.
@@ -149,6 +141,7 @@ PropertyPanel::PropertyPanel(QWidget *parent, ActionItem *action, const PanelLay
     connect(qApp, &QApplication::focusChanged, this, [this] { m_series = 0; });
     alignLabels();
     updateMinimumWidth();
+    m_scroll->widget()->installEventFilter(this);
     refresh();
 }
 
@@ -260,12 +253,40 @@ void PropertyPanel::addField(const PanelField &field, Mnemonics &mnemonics)
         row.label->setToolTip(toolTipOf(context));
         row.label->setBuddy(row.editor->focusProxy());
     }
-    m_groups.back()->addField(row.label, row.editor, row.note);
     const size_t position = m_rows.size(); // rows move while the list grows
+    addReset(row, position);
+    m_groups.back()->addField(row.label, row.editor, row.note, row.resetButton);
     row.editor->setEdited([this, position](const QString &value, FieldEditor::Edit kind) {
         edit(m_rows[position], value, kind);
     });
     m_rows.push_back(row);
+}
+
+void PropertyPanel::addReset(Row &row, size_t position)
+{
+    const ParameterInfo &info = m_infos[row.index];
+    const QString value = shownValue(info, info.defaultValue);
+    const bool isShort = !value.isEmpty() && value.size() <= kMaxDefaultCharacters &&
+                         info.type != Type::Structure && !value.contains(u'\n');
+    row.reset = new QAction(
+        isShort ? tr("Reset to the default: %1").arg(value) : tr("Reset to the default"), this);
+    row.resetButton = new QToolButton;
+    row.resetButton->setIcon(glyphIcon(Glyph::Reset, palette().color(QPalette::ButtonText)));
+    row.resetButton->setAutoRaise(true);
+    row.resetButton->setFocusPolicy(Qt::StrongFocus); // tool buttons are skipped by Tab otherwise
+    row.resetButton->setObjectName(u"reset"_s);
+    row.resetButton->setToolTip(row.reset->text());
+    row.resetButton->setAccessibleName(tr("Reset \u201c%1\u201d").arg(info.label));
+    row.resetButton->setAccessibleDescription(row.reset->text());
+    connect(row.resetButton, &QToolButton::clicked, row.reset, &QAction::trigger);
+    connect(row.reset, &QAction::triggered, this, [this, position] { reset(m_rows[position]); });
+    for (QWidget *const target :
+         {static_cast<QWidget *>(row.label), static_cast<QWidget *>(row.editor)}) {
+        if (target != nullptr) {
+            target->addAction(row.reset);
+            target->setContextMenuPolicy(Qt::ActionsContextMenu);
+        }
+    }
 }
 
 void PropertyPanel::alignLabels()
@@ -342,6 +363,15 @@ void PropertyPanel::changeEvent(QEvent *event)
     }
 }
 
+/// The fields know their widths when they have been shown.
+bool PropertyPanel::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::LayoutRequest) {
+        updateMinimumWidth();
+    }
+    return UpdateClassWidget::eventFilter(watched, event);
+}
+
 // ---- Values
 
 void PropertyPanel::refresh()
@@ -372,6 +402,22 @@ void PropertyPanel::edit(Row &row, const QString &value, FieldEditor::Edit kind)
     }
     showProblems(); // those that need no file; the others follow
     m_validation.start();
+}
+
+bool PropertyPanel::hasOtherDefault(const Row &row) const
+{
+    const ParameterInfo &info = m_infos[row.index];
+    const bool isSet =
+        !row.rejected.isEmpty() || m_parameters->parameterValue(row.index) != info.defaultValue;
+    return isSet && !(info.isRequired && info.defaultValue.isEmpty());
+}
+
+void PropertyPanel::reset(Row &row)
+{
+    const QString value = m_infos[row.index].defaultValue;
+    row.editor->showValue(value);
+    row.editor->focusProxy()->setFocus(); // the button vanishes
+    edit(row, value, FieldEditor::Edit::Step);
 }
 
 void PropertyPanel::validate()
@@ -442,6 +488,8 @@ void PropertyPanel::updateRows()
         const auto *const failed = m_parameters->failedCondition(m_infos[row.index]);
         row.condition = failed == nullptr ? QString() : conditionText(*failed);
         row.editor->setEnabled(failed == nullptr);
+        row.reset->setEnabled(failed == nullptr && hasOtherDefault(row));
+        row.resetButton->setVisible(row.reset->isEnabled());
         if (row.label != nullptr) {
             row.label->setEnabled(failed == nullptr);
         }
@@ -508,7 +556,7 @@ QString PropertyPanel::conditionText(const ParameterInfo::Condition &condition) 
         const ParameterInfo &info = *infoOf(rule.parameter);
         QStringList values;
         for (const QString &value : rule.values) {
-            values << (value.isEmpty() ? tr("empty") : valueText(info, value));
+            values << (value.isEmpty() ? tr("empty") : shownValue(info, value));
         }
         const QString list = values.join(tr(" or "));
         if (list.size() > kMaxConditionCharacters) {

@@ -16,8 +16,10 @@
 
 #include <vector>
 
+class QAction;
 class QLabel;
 class QScrollArea;
+class QToolButton;
 
 namespace corvanta {
 
@@ -46,6 +48,7 @@ public:
 
 protected:
     void changeEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     /// One field and the widgets around it, which their group owns.
@@ -56,6 +59,8 @@ private:
         FieldEditor *editor = nullptr;
         QLabel *label = nullptr; ///< null when the editor shows it
         NoteLabel *note = nullptr;
+        QAction *reset = nullptr;           ///< back to the default; enabled if the value differs
+        QToolButton *resetButton = nullptr; ///< the same
         QString condition;        ///< why the action ignores the value; empty: it does not
         QString rejected;         ///< why the last edit did not reach the action; empty: it did
         bool isEdited = false;    ///< by the user, in this panel
@@ -69,6 +74,8 @@ private:
     void addGroups(const PanelLayout &layout);
     void addGroup(const PanelGroup &group, Mnemonics &mnemonics);
     void addField(const PanelField &field, Mnemonics &mnemonics);
+    /// Make the action and the button that set the default, and the context menu with the action.
+    void addReset(Row &row, size_t position);
     /// Give all labels the same width.
     void alignLabels();
     /// Make the texts of disabled fields readable in the palette of the panel.
@@ -78,6 +85,10 @@ private:
 
     /// Pass an edit by the user to the action.
     void edit(Row &row, const QString &value, FieldEditor::Edit kind);
+    /// Whether a reset changes the value. A required value has no default to return to.
+    bool hasOtherDefault(const Row &row) const;
+    /// Set the default, as an edit by the user.
+    void reset(Row &row);
     /// Enable and disable fields, and show notes and the remarks of the groups.
     void updateRows();
     /// Show the problems that are known.

@@ -795,6 +795,106 @@
         <source>Look</source>
         <translation>Présentation</translation>
     </message>
+    <message>
+        <source>off</source>
+        <translation>désactivé</translation>
+    </message>
+    <message>
+        <source>on</source>
+        <translation>activé</translation>
+    </message>
+    <message>
+        <source>“%1”</source>
+        <translation>«&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Default: %1</source>
+        <translation>Par défaut&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>found in the file</source>
+        <translation>trouvé dans le fichier</translation>
+    </message>
+    <message>
+        <source>comma</source>
+        <translation>virgule</translation>
+    </message>
+    <message>
+        <source>semicolon</source>
+        <translation>point-virgule</translation>
+    </message>
+    <message>
+        <source>tab</source>
+        <translation>tabulation</translation>
+    </message>
+    <message>
+        <source>vertical bar</source>
+        <translation>barre verticale</translation>
+    </message>
+    <message>
+        <source>all languages</source>
+        <translation>toutes les langues</translation>
+    </message>
+    <message>
+        <source>Western Europe, Windows</source>
+        <translation>Europe occidentale, Windows</translation>
+    </message>
+    <message>
+        <source>Western Europe, without the euro sign</source>
+        <translation>Europe occidentale, sans le signe de l&apos;euro</translation>
+    </message>
+    <message>
+        <source>Western Europe, with the euro sign</source>
+        <translation>Europe occidentale, avec le signe de l&apos;euro</translation>
+    </message>
+    <message>
+        <source>Central Europe, Windows</source>
+        <translation>Europe centrale, Windows</translation>
+    </message>
+    <message>
+        <source>Cyrillic, Windows</source>
+        <translation>Cyrillique, Windows</translation>
+    </message>
+    <message>
+        <source>all languages, two bytes</source>
+        <translation>toutes les langues, deux octets</translation>
+    </message>
+    <message>
+        <source>Chinese</source>
+        <translation>Chinois</translation>
+    </message>
+    <message>
+        <source>Japanese, Windows</source>
+        <translation>Japonais, Windows</translation>
+    </message>
+    <message>
+        <source>point</source>
+        <translation>point</translation>
+    </message>
+    <message>
+        <source>double quote</source>
+        <translation>guillemet double</translation>
+    </message>
+    <message>
+        <source>single quote</source>
+        <translation>apostrophe</translation>
+    </message>
+    <message>
+        <source>the run fails</source>
+        <translation>l&apos;exécution échoue</translation>
+    </message>
+    <message>
+        <source>fill short lines, cut long ones</source>
+        <translation>compléter les lignes courtes, couper les longues</translation>
+    </message>
+    <message>
+        <source>line feed (LF)</source>
+        <translation>saut de ligne (LF)</translation>
+    </message>
+    <message>
+        <source>carriage return and line feed (CR LF)</source>
+        <translation>retour chariot et saut de ligne (CR LF)</translation>
+    </message>
 </context>
 <context>
     <name>Parameters</name>
@@ -1067,10 +1167,6 @@
         <translation>Lignes du début qui ne sont pas lues, avant les noms des colonnes.</translation>
     </message>
     <message>
-        <source>rows</source>
-        <translation>lignes</translation>
-    </message>
-    <message>
         <source>Empty rows</source>
         <translation>Lignes vides</translation>
     </message>
@@ -1185,10 +1281,6 @@
     <message>
         <source>How long reading a file is retried while it cannot be read; -1: without limit.</source>
         <translation>Durée pendant laquelle la lecture d&apos;un fichier illisible est réessayée&#xa0;; -1&#xa0;: sans limite.</translation>
-    </message>
-    <message>
-        <source>seconds</source>
-        <translation>secondes</translation>
     </message>
     <message>
         <source>File</source>
@@ -1657,10 +1749,6 @@
         <translation>Taille du tampon entre l&apos;analyseur et les lignes.</translation>
     </message>
     <message>
-        <source>MB</source>
-        <translation>Mo</translation>
-    </message>
-    <message>
         <source>Encoding</source>
         <translation>Codage</translation>
     </message>
@@ -1767,10 +1855,6 @@
     <message>
         <source>Number of records that are examined to find the levels automatically.</source>
         <translation>Nombre d&apos;enregistrements examinés pour trouver les niveaux automatiquement.</translation>
-    </message>
-    <message>
-        <source>records</source>
-        <translation>enregistrements</translation>
     </message>
     <message>
         <source>XML or HTML file to read, a pattern, or a member of an archive (archive.zip@member).</source>
@@ -2433,20 +2517,12 @@
         <translation>Taille des pages non compressées.</translation>
     </message>
     <message>
-        <source>KiB</source>
-        <translation>Kio</translation>
-    </message>
-    <message>
         <source>Row group size</source>
         <translation>Taille des groupes de lignes</translation>
     </message>
     <message>
         <source>Size of a row group.</source>
         <translation>Taille d&apos;un groupe de lignes.</translation>
-    </message>
-    <message>
-        <source>MiB</source>
-        <translation>Mio</translation>
     </message>
     <message>
         <source>Storage of keys</source>
@@ -2639,10 +2715,6 @@
     <message>
         <source>Bytes added to measured widths.</source>
         <translation>Octets ajoutés aux largeurs mesurées.</translation>
-    </message>
-    <message>
-        <source>bytes</source>
-        <translation>octets</translation>
     </message>
     <message>
         <source>Writes every column. Off: only the columns of ColWrite.</source>
@@ -3179,10 +3251,6 @@
     <message>
         <source>lf: line feed. crlf: carriage return and line feed.</source>
         <translation>lf : saut de ligne. crlf : retour chariot et saut de ligne.</translation>
-    </message>
-    <message>
-        <source>lines</source>
-        <translation>lignes</translation>
     </message>
     <message>
         <source>Style of the header row</source>
@@ -3767,6 +3835,233 @@
         <source>&apos;%1&apos; is not allowed (newSheet or empty)</source>
         <translation>«&#xa0;%1&#xa0;» n&apos;est pas autorisé (newSheet ou vide)</translation>
     </message>
+    <message>
+        <source>&apos;%1&apos; is not a column and a type (K, F, U), for example price=F</source>
+        <translation>&apos;%1&apos; n&apos;est pas une colonne et un type (K, F, U), par exemple price=F</translation>
+    </message>
+    <message>
+        <source>invalid expression at character %1: %2</source>
+        <translation>expression incorrecte au caractère %1&#xa0;: %2</translation>
+    </message>
+    <message>
+        <source>%1=&apos;%2&apos; is not one ASCII character other than the separator</source>
+        <translation>%1=&apos;%2&apos; n&apos;est pas un caractère ASCII autre que le séparateur</translation>
+    </message>
+    <message>
+        <source>the encoding &apos;%1&apos; is unknown</source>
+        <translation>le codage &apos;%1&apos; est inconnu</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not of the form COLUMN=FORMAT</source>
+        <translation>&apos;%1&apos; n&apos;est pas de la forme COLUMN=FORMAT</translation>
+    </message>
+    <message>
+        <source>ragged=&apos;%1&apos; is neither &apos;error&apos; nor &apos;fill&apos;</source>
+        <translation>ragged=&apos;%1&apos; n&apos;est ni &apos;error&apos; ni &apos;fill&apos;</translation>
+    </message>
+    <message>
+        <source>the value &apos;%1&apos; of &apos;%2&apos; is not allowed; allowed: a whole number from -1 to 4; the action goes by the ending of the file name</source>
+        <translation>la valeur &apos;%1&apos; de &apos;%2&apos; n&apos;est pas permise&#xa0;; permis&#xa0;: un nombre entier de -1 à 4&#xa0;; l&apos;action se règle sur la fin du nom du fichier</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not an old and a new name, for example old=new</source>
+        <translation>&apos;%1&apos; n&apos;est pas un ancien et un nouveau nom, par exemple old=new</translation>
+    </message>
+    <message>
+        <source>the separator &apos;%1&apos; is not one ASCII character</source>
+        <translation>le séparateur &apos;%1&apos; n&apos;est pas un caractère ASCII</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not a column type (K, F, U)</source>
+        <translation>&apos;%1&apos; n&apos;est pas un type de colonne (K, F, U)</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not a column and a kind (%2), for example price=decimal</source>
+        <translation>&apos;%1&apos; n&apos;est pas une colonne et un genre (%2), par exemple price=decimal</translation>
+    </message>
+    <message>
+        <source>lineEnd=&apos;%1&apos; is neither &apos;lf&apos; nor &apos;crlf&apos;</source>
+        <translation>lineEnd=&apos;%1&apos; n&apos;est ni &apos;lf&apos; ni &apos;crlf&apos;</translation>
+    </message>
+    <message>
+        <source>the width &apos;%1&apos; of the table on input pin %2 is not allowed; allowed: a whole number from 1 to 31680</source>
+        <translation>la largeur &apos;%1&apos; de la table de l&apos;entrée %2 n&apos;est pas permise&#xa0;; permis&#xa0;: un nombre entier de 1 à 31680</translation>
+    </message>
+    <message>
+        <source>Warning: the series of the tag &apos;%1&apos; has no element for the column &apos;%2&apos;, which is not written
+</source>
+        <translation>Avertissement&#xa0;: la série de la balise &apos;%1&apos; n&apos;a pas d&apos;élément pour la colonne &apos;%2&apos;, qui n&apos;est pas écrite
+</translation>
+    </message>
+    <message>
+        <source>Warning: the Chart &apos;%1&apos; has no column for the axis c:%2, which keeps the data of the template
+</source>
+        <translation>Avertissement&#xa0;: le graphique &apos;%1&apos; n&apos;a pas de colonne pour l&apos;axe c:%2, qui garde les données du modèle
+</translation>
+    </message>
+    <message>
+        <source>
+warning: couldn&apos;t find chart type for tag %1</source>
+        <translation>
+Avertissement&#xa0;: le type de graphique de la balise %1 est introuvable</translation>
+    </message>
+    <message>
+        <source>
+warning: couldn&apos;t find y-Axis for tag %1</source>
+        <translation>
+Avertissement&#xa0;: l&apos;axe y de la balise %1 est introuvable</translation>
+    </message>
+    <message>
+        <source>Warning: the tag &apos;%1&apos; is divided by formatting and is ignored: type it again in one piece
+</source>
+        <translation>Avertissement&#xa0;: la balise &apos;%1&apos; est divisée par une mise en forme et ignorée&#xa0;: retapez-la d&apos;un seul tenant
+</translation>
+    </message>
+    <message>
+        <source>
+ERROR: The template file &apos;%1&apos; contains a new un-initialized tag named &apos;%2&apos;
+</source>
+        <translation>
+Erreur&#xa0;: le modèle &apos;%1&apos; contient une nouvelle balise non initialisée nommée &apos;%2&apos;
+</translation>
+    </message>
+    <message>
+        <source>Warning: the template file &apos;%1&apos; has no tag for the Chart &apos;%2&apos;: its data is not written
+</source>
+        <translation>Avertissement&#xa0;: le modèle &apos;%1&apos; n&apos;a pas de balise pour le graphique &apos;%2&apos;&#xa0;: ses données ne sont pas écrites
+</translation>
+    </message>
+    <message>
+        <source>Warning: the tag &apos;%1&apos; has several Charts; only the first is used
+</source>
+        <translation>Avertissement&#xa0;: la balise &apos;%1&apos; a plusieurs graphiques&#xa0;; seul le premier est utilisé
+</translation>
+    </message>
+    <message>
+        <source>Error: the axis &apos;%1&apos; of the Chart &apos;%2&apos; has the input pin %3; allowed: a whole number from 0 to %4
+</source>
+        <translation>Erreur&#xa0;: l&apos;axe &apos;%1&apos; du graphique &apos;%2&apos; a l&apos;entrée %3&#xa0;; permis&#xa0;: un nombre entier de 0 à %4
+</translation>
+    </message>
+    <message>
+        <source>Warning: the part &apos;%1&apos; of the template is not UTF-8 text: its tags are ignored. Save the template again with an office program
+</source>
+        <translation>Avertissement&#xa0;: la partie &apos;%1&apos; du modèle n&apos;est pas un texte UTF-8&#xa0;: ses balises sont ignorées. Enregistrez à nouveau le modèle avec un programme de bureautique
+</translation>
+    </message>
+    <message>
+        <source>
+warning: couldn&apos;t find any tag to replace ([[KOBData &lt;reference&gt;]]) in file %1</source>
+        <translation>
+Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) dans le fichier %1</translation>
+    </message>
+    <message>
+        <source>cannot read Report Template file %1</source>
+        <translation>le fichier de modèle %1 ne peut pas être lu</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not a number</source>
+        <translation>&apos;%1&apos; n&apos;est pas un nombre</translation>
+    </message>
+    <message>
+        <source>the quote that begins here is never closed</source>
+        <translation>le guillemet qui commence ici n&apos;est jamais fermé</translation>
+    </message>
+    <message>
+        <source>unexpected character &apos;%1&apos;</source>
+        <translation>caractère inattendu &apos;%1&apos;</translation>
+    </message>
+    <message>
+        <source>&apos;and&apos;, &apos;or&apos; or the end</source>
+        <translation>&apos;and&apos;, &apos;or&apos; ou la fin</translation>
+    </message>
+    <message>
+        <source>the end</source>
+        <translation>la fin</translation>
+    </message>
+    <message>
+        <source>expected %1, found %2</source>
+        <translation>attendu&#xa0;: %1, trouvé&#xa0;: %2</translation>
+    </message>
+    <message>
+        <source>more than %1 parentheses are open</source>
+        <translation>plus de %1 parenthèses sont ouvertes</translation>
+    </message>
+    <message>
+        <source>= != &lt; &lt;= &gt; &gt;= or &apos;is null&apos;</source>
+        <translation>= != &lt; &lt;= &gt; &gt;= ou &apos;is null&apos;</translation>
+    </message>
+    <message>
+        <source>&apos;null&apos; or &apos;not null&apos;</source>
+        <translation>&apos;null&apos; ou &apos;not null&apos;</translation>
+    </message>
+    <message>
+        <source>compare with &apos;is null&apos; or &apos;is not null&apos;</source>
+        <translation>comparez avec &apos;is null&apos; ou &apos;is not null&apos;</translation>
+    </message>
+    <message>
+        <source>a column, a number or a text in single quotes</source>
+        <translation>une colonne, un nombre ou un texte entre apostrophes</translation>
+    </message>
+</context>
+<context>
+    <name>Units</name>
+    <message numerus="yes">
+        <source>rows</source>
+        <translation>
+            <numerusform>ligne</numerusform>
+            <numerusform>lignes</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>seconds</source>
+        <translation>
+            <numerusform>seconde</numerusform>
+            <numerusform>secondes</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>MB</source>
+        <translation>
+            <numerusform>Mo</numerusform>
+            <numerusform>Mo</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>records</source>
+        <translation>
+            <numerusform>enregistrement</numerusform>
+            <numerusform>enregistrements</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>KiB</source>
+        <translation>
+            <numerusform>Kio</numerusform>
+            <numerusform>Kio</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>MiB</source>
+        <translation>
+            <numerusform>Mio</numerusform>
+            <numerusform>Mio</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>bytes</source>
+        <translation>
+            <numerusform>octet</numerusform>
+            <numerusform>octets</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>lines</source>
+        <translation>
+            <numerusform>ligne</numerusform>
+            <numerusform>lignes</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>corvanta::AutoFill</name>
@@ -4221,18 +4516,6 @@
 <context>
     <name>corvanta::PropertyPanel</name>
     <message>
-        <source>off</source>
-        <translation>désactivé</translation>
-    </message>
-    <message>
-        <source>on</source>
-        <translation>activé</translation>
-    </message>
-    <message>
-        <source>“%1”</source>
-        <translation>«&#xa0;%1&#xa0;»</translation>
-    </message>
-    <message>
         <source>Help</source>
         <translation>Aide</translation>
     </message>
@@ -4283,6 +4566,18 @@
     <message>
         <source>“%1” has another value</source>
         <translation>«&#xa0;%1&#xa0;» a une autre valeur</translation>
+    </message>
+    <message>
+        <source>Reset to the default: %1</source>
+        <translation>Remettre la valeur par défaut&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Reset to the default</source>
+        <translation>Remettre la valeur par défaut</translation>
+    </message>
+    <message>
+        <source>Reset “%1”</source>
+        <translation>Remettre «&#xa0;%1&#xa0;» par défaut</translation>
     </message>
 </context>
 <context>

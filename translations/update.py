@@ -12,7 +12,7 @@ import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
-FOLDERS = ["panels", "actions", "host", "studio"]
+FOLDERS = ["panels", "actions", "host", "codecs/expression", "studio"]
 
 
 def lupdate_program():

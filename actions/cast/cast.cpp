@@ -7,6 +7,8 @@
 #include "base/counted.h"
 #include "base/number_cell.h"
 
+#include <QCoreApplication>
+
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -75,8 +77,10 @@ ActionCast::ActionCast(const XMLNode &saved, GlobalParameters *parameters)
 
 QVector<ParameterProblem> ActionCast::problems() const
 {
-    return listProblems(u"types"_s, m_params.types, assignedType,
-                        u"'%1' is not a column and a type (K, F, U), for example price=F"_s);
+    return listProblems(
+        u"types"_s, m_params.types, assignedType,
+        QCoreApplication::translate(
+            "Problems", "'%1' is not a column and a type (K, F, U), for example price=F"));
 }
 
 void ActionCast::start()

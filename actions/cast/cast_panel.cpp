@@ -1,3 +1,4 @@
+// The types have no default, so their group comes first and says that a value is required.
 #include "actions/cast/cast_panel.h"
 
 #include "panels/column_picker.h"

@@ -5,6 +5,8 @@
 #include "actions/shared/tables/table_columns.h"
 #include "base/nearest_name.h"
 
+#include <QCoreApplication>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
@@ -22,8 +24,9 @@ QVector<ParameterProblem> ActionFilter::problems() const
     const auto parsed = expression::parse(expandString(m_params.where));
     if (!parsed) {
         problems.append(
-            {u"where"_s, u"invalid expression at character %1: %2"_s.arg(
-                             QString::number(parsed.fault().offset + 1), parsed.fault().detail)});
+            {u"where"_s,
+             QCoreApplication::translate("Problems", "invalid expression at character %1: %2")
+                 .arg(QString::number(parsed.fault().offset + 1), parsed.fault().detail)});
     }
     return problems;
 }

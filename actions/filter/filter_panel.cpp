@@ -1,3 +1,4 @@
+// The kinds of text columns are folded: they are needed only to compare texts as numbers.
 #include "actions/filter/filter_panel.h"
 
 #include "panels/column_picker.h"

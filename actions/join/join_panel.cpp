@@ -1,3 +1,5 @@
+// The keys decide about everything else, so they come first; names of columns only matter when both
+// tables have them.
 #include "actions/join/join_panel.h"
 
 #include "panels/column_picker.h"

@@ -1,3 +1,4 @@
+// Parameters, files and the declared order; csv_file.h reads one file.
 #include "actions/read_csv/read_csv.h"
 
 #include "actions/read_csv/csv_file.h"

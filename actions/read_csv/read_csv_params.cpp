@@ -1,3 +1,5 @@
+// All settings are texts in saved graphs. They are checked together and then become a CsvForm,
+// which has the types that the reader needs, so that nothing is parsed again per file.
 #include "actions/read_csv/read_csv_params.h"
 
 #include "actions/shared/params/csv_separator.h"
@@ -5,6 +7,8 @@
 #include "actions/shared/params/reader_params.h"
 #include "actions/shared/params/type_letters.h"
 #include "corvanta/system.h"
+
+#include <QCoreApplication>
 
 #include <algorithm>
 
@@ -82,7 +86,8 @@ bool isUsableQuote(const ReadCsvParams &params)
 /// The decimal sign and the quote must not be mistaken for the end of a field.
 QVector<ParameterProblem> characterProblems(const QString &name, const QString &value, bool isValid)
 {
-    const QString text = u"%1='%2' is not one ASCII character other than the separator"_s;
+    const QString text = QCoreApplication::translate(
+        "Problems", "%1='%2' is not one ASCII character other than the separator");
     return isValid ? QVector<ParameterProblem>()
                    : QVector<ParameterProblem>{{name, text.arg(name, value)}};
 }
@@ -143,19 +148,24 @@ QVector<ParameterProblem> readCsvProblems(const ReadCsvParams &params)
     }
     problems << typeProblems(params.types);
     if (!isAuto(params.encoding) && !isKnownEncoding(params.encoding)) {
-        problems.append({u"encoding"_s, u"the encoding '%1' is unknown"_s.arg(params.encoding)});
+        problems.append(
+            {u"encoding"_s, QCoreApplication::translate("Problems", "the encoding '%1' is unknown")
+                                .arg(params.encoding)});
     }
     problems << characterProblems(u"decimal"_s, params.decimal, isOneCharacter(params.decimal))
              << characterProblems(u"quote"_s, params.quote, isUsableQuote(params))
              << listProblems(u"dateFormat"_s, params.dateFormat, dateFormatOf,
-                             u"'%1' is not of the form COLUMN=FORMAT"_s);
+                             QCoreApplication::translate("Problems",
+                                                         "'%1' is not of the form COLUMN=FORMAT"));
     if (params.ragged != u"error"_s && params.ragged != u"fill"_s) {
-        problems.append(
-            {u"ragged"_s, u"ragged='%1' is neither 'error' nor 'fill'"_s.arg(params.ragged)});
+        problems.append({u"ragged"_s, QCoreApplication::translate(
+                                          "Problems", "ragged='%1' is neither 'error' nor 'fill'")
+                                          .arg(params.ragged)});
     }
     if (params.lineEnd != u"lf"_s && !isAuto(params.lineEnd)) {
-        problems.append(
-            {u"lineEnd"_s, u"lineEnd='%1' is neither 'lf' nor 'auto'"_s.arg(params.lineEnd)});
+        problems.append({u"lineEnd"_s, QCoreApplication::translate(
+                                           "Problems", "lineEnd='%1' is neither 'lf' nor 'auto'")
+                                           .arg(params.lineEnd)});
     }
     return problems;
 }

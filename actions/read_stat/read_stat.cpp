@@ -4,6 +4,8 @@
 #include "actions/read_stat/stat_notes.h"
 #include "codecs/encoding/text_decoder.h"
 
+#include <QCoreApplication>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
@@ -21,13 +23,17 @@ QVector<ParameterProblem> ActionReadStat::problems() const
     if (format < StatFormat::OfEnding || format > StatFormat::SasTransport) {
         found.append(
             {QString::fromLatin1(kFileFormat),
-             u"the value '%1' of '%2' is not allowed; allowed: a whole number from -1 to "
-             "4; the action goes by the ending of the file name"_s.arg(
-                 QString::number(static_cast<int>(format)), QString::fromLatin1(kFileFormat))});
+             QCoreApplication::translate(
+                 "Problems",
+                 "the value '%1' of '%2' is not allowed; allowed: a whole number from -1 to "
+                 "4; the action goes by the ending of the file name")
+                 .arg(QString::number(static_cast<int>(format)),
+                      QString::fromLatin1(kFileFormat))});
     }
     if (!encoding::TextDecoder::open(m_params.encoding)) {
         found.append({QString::fromLatin1(kStatEncoding),
-                      u"the encoding '%1' is unknown"_s.arg(m_params.encoding)});
+                      QCoreApplication::translate("Problems", "the encoding '%1' is unknown")
+                          .arg(m_params.encoding)});
     }
     return found;
 }

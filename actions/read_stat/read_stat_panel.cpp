@@ -1,5 +1,8 @@
+// An empty list of columns means all of them, so the columns of the file are offered and not filled
+// in.
 #include "actions/read_stat/read_stat_panel.h"
 
+#include "actions/shared/panels/text_fields.h"
 #include "panels/fill/file_columns.h"
 #include "panels/preview/preview.h"
 
@@ -15,7 +18,7 @@ PanelLayout panelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Columns"),
          {{"ColumnsToRead", editor<FileColumnPicker>}, "columnNamefromLabel", "outputFilenames"}},
         {QT_TRANSLATE_NOOP("Panels", "Values"),
-         {"formatDates", "extractLabels", "catalogFile", "encoding"}},
+         {"formatDates", "extractLabels", "catalogFile", {"encoding", shared::encodingField}}},
         previewGroup(),
         {kAdvancedGroup, {"maxRows", "fileNameColumn", "bufferSize"}, Fold::Folded},
     };

@@ -10,6 +10,8 @@
 #include "corvanta/files.h"
 #include "corvanta/system.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <utility>
 
@@ -207,7 +209,8 @@ QVector<ParameterProblem> ActionReadXML::problems() const
         return problems;
     }
     problems.append(
-        {QString::fromLatin1(kXmlEncoding), u"the encoding '%1' is unknown"_s.arg(encoding)});
+        {QString::fromLatin1(kXmlEncoding),
+         QCoreApplication::translate("Problems", "the encoding '%1' is unknown").arg(encoding)});
     return problems;
 }
 

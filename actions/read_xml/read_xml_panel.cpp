@@ -1,6 +1,9 @@
+// The levels get most of the room: "Fill from the file" finds them, and the user edits the result.
+// What only malformed files need is folded.
 #include "actions/read_xml/read_xml_panel.h"
 
 #include "actions/shared/level_editors.h"
+#include "actions/shared/panels/text_fields.h"
 #include "panels/column_picker.h"
 #include "panels/fill/auto_fill.h"
 #include "panels/preview/preview.h"
@@ -19,7 +22,7 @@ PanelLayout panelLayout()
           {"colXML", editor<ColumnField>},
           "readHTML",
           "tagSoup",
-          "encoding"}},
+          {"encoding", shared::foundEncodingField}}},
         {QT_TRANSLATE_NOOP("Panels", "Levels and columns"),
          {{"Level", shared::readLevelsEditor}, "autoFillNRows", "skipRows", "expandSpans"},
          Fold::Open,

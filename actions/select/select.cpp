@@ -5,6 +5,8 @@
 #include "actions/shared/params/list_problems.h"
 #include "actions/shared/tables/table_columns.h"
 
+#include <QCoreApplication>
+
 #include <numeric>
 
 using namespace Qt::StringLiterals;
@@ -20,7 +22,8 @@ QVector<ParameterProblem> ActionSelect::problems() const
 {
     const auto isPair = [](const QString &text) { return text.contains(u'='); };
     return listProblems(u"rename"_s, m_params.rename, isPair,
-                        u"'%1' is not an old and a new name, for example old=new"_s);
+                        QCoreApplication::translate(
+                            "Problems", "'%1' is not an old and a new name, for example old=new"));
 }
 
 /// The columns are chosen first and renamed then, so that new names may be old names of others.

@@ -1,3 +1,4 @@
+// Columns first, in the order in which the action applies them: chosen, then renamed.
 #include "actions/select/select_panel.h"
 
 #include "panels/column_picker.h"

@@ -1,3 +1,4 @@
+// The kinds of text columns are folded: without them texts are compared as texts.
 #include "actions/sort/sort_panel.h"
 
 #include "panels/column_picker.h"

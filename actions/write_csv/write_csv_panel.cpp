@@ -1,4 +1,8 @@
+// Two groups, both open: a text file has few settings, and all of them matter to the program that
+// reads it.
 #include "actions/write_csv/write_csv_panel.h"
+
+#include "actions/shared/panels/text_fields.h"
 
 namespace {
 
@@ -8,7 +12,11 @@ PanelLayout panelLayout()
 {
     return {
         {QT_TRANSLATE_NOOP("Panels", "Target"), {"fileName"}},
-        {QT_TRANSLATE_NOOP("Panels", "Format"), {"separator", "header", "encoding", "lineEnd"}},
+        {QT_TRANSLATE_NOOP("Panels", "Format"),
+         {{"separator", shared::writeSeparatorField},
+          "header",
+          {"encoding", shared::encodingField},
+          {"lineEnd", shared::lineEndField}}},
     };
 }
 

@@ -1,7 +1,12 @@
+// The separator and the end of lines are texts in saved graphs, so that a person can write them. A
+// value that is not allowed fails the run before the target is opened; `check` and the panel say
+// the same before a run.
 #include "actions/write_csv/write_csv_params.h"
 
 #include "actions/shared/params/csv_separator.h"
 #include "corvanta/system.h"
+
+#include <QCoreApplication>
 
 using namespace Qt::StringLiterals;
 
@@ -43,11 +48,14 @@ QVector<ParameterProblem> writeCsvProblems(const WriteCsvParams &params)
 {
     QVector<ParameterProblem> problems = separatorProblems(params.separator);
     if (!isKnownEncoding(params.encoding)) {
-        problems.append({u"encoding"_s, u"the encoding '%1' is unknown"_s.arg(params.encoding)});
+        problems.append(
+            {u"encoding"_s, QCoreApplication::translate("Problems", "the encoding '%1' is unknown")
+                                .arg(params.encoding)});
     }
     if (params.lineEnd != u"lf"_s && !hasCrLf(params)) {
-        problems.append(
-            {u"lineEnd"_s, u"lineEnd='%1' is neither 'lf' nor 'crlf'"_s.arg(params.lineEnd)});
+        problems.append({u"lineEnd"_s, QCoreApplication::translate(
+                                           "Problems", "lineEnd='%1' is neither 'lf' nor 'crlf'")
+                                           .arg(params.lineEnd)});
     }
     return problems;
 }

@@ -36,8 +36,11 @@ QVector<ParameterProblem> ActionWriteDocTable::problems() const
         if (!invalid.isEmpty()) {
             found.push_back(
                 {u"v"_s,
-                 u"the width '%1' of the table on input pin %2 is not allowed; allowed: a whole "
-                 "number from 1 to 31680"_s.arg(invalid.front(), QString::number(pin + 1))});
+                 QCoreApplication::translate(
+                     "Problems",
+                     "the width '%1' of the table on input pin %2 is not allowed; allowed: a whole "
+                     "number from 1 to 31680")
+                     .arg(invalid.front(), QString::number(pin + 1))});
         }
     }
     addTemplateProblems(markers, &found);

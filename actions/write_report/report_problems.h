@@ -14,7 +14,8 @@ namespace corvanta {
 
 struct ReportProblem
 {
-    QString text; ///< as a run logs it, with the severity at its beginning
+    QString text;  ///< as a run logs it, with the severity at its beginning
+    QString shown; ///< the same in the language of the user
     bool isError = false;
 };
 

@@ -23,7 +23,8 @@ QString unknownExtension(const QString &name)
 /// A problem of a run in the form of "check": without the severity, and in lower case.
 ParameterProblem problemOf(const ReportProblem &problem, const QString &parameter)
 {
-    QString text = problem.text.trimmed().section(u": "_s, 1);
+    // French has a space before the colon.
+    QString text = problem.shown.trimmed().section(u": "_s, 1);
     text[0] = text[0].toLower();
     return {parameter, text,
             problem.isError ? ParameterProblem::Severity::Error
@@ -108,7 +109,9 @@ void ActionWriteReport::findTemplateProblems(QVector<ParameterProblem> *found) c
     const auto charts = input ? readCharts((*input)->reader(), folder)
                               : Result<TemplateCharts, opc::Error>(Fault{opc::Error::Unreadable});
     if (!charts || !charts->isOfKind) {
-        found->push_back({parameter, u"cannot read Report Template file %1"_s.arg(name)});
+        found->push_back({parameter, QCoreApplication::translate(
+                                         "Problems", "cannot read Report Template file %1")
+                                         .arg(name)});
         return;
     }
     for (const ReportProblem &problem : tagProblems(*charts, m_params.charts, name)) {

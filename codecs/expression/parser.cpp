@@ -2,6 +2,8 @@
 #include "base/number.h"
 #include "codecs/expression/expression.h"
 
+#include <QCoreApplication>
+
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -124,7 +126,9 @@ Result<Token, Error> Lexer::number()
     const QStringView digits = m_text.sliced(start, m_at - start);
     double value = 0;
     if (!parseDouble(viewOf(digits), &value)) {
-        return Fault{Error::Syntax, u"'%1' is not a number"_s.arg(digits), start};
+        return Fault{Error::Syntax,
+                     QCoreApplication::translate("Problems", "'%1' is not a number").arg(digits),
+                     start};
     }
     return Token{Token::Kind::Number, digits.toString(), start};
 }
@@ -145,7 +149,10 @@ Result<Token, Error> Lexer::quoted(Token::Kind kind)
         }
         content += m_text[m_at];
     }
-    return Fault{Error::Syntax, u"the quote that begins here is never closed"_s, start};
+    return Fault{
+        Error::Syntax,
+        QCoreApplication::translate("Problems", "the quote that begins here is never closed"),
+        start};
 }
 
 /// Words such as "and" are names here; the parser knows which ones are reserved.
@@ -170,7 +177,10 @@ Result<Token, Error> Lexer::symbol()
             return Token{Token::Kind::Symbol, QString(symbol), start};
         }
     }
-    return Fault{Error::Syntax, u"unexpected character '%1'"_s.arg(m_text[m_at]), m_at};
+    return Fault{
+        Error::Syntax,
+        QCoreApplication::translate("Problems", "unexpected character '%1'").arg(m_text[m_at]),
+        m_at};
 }
 
 /// After a fault the parser sees the end of the text, so that all functions return soon. They may
@@ -226,7 +236,7 @@ Result<Expression, Error> Parser::parse()
 {
     m_expression.root = chain(Node::Kind::Or, 0);
     if (m_token.kind != Token::Kind::End) {
-        failUnexpected(u"'and', 'or' or the end"_s);
+        failUnexpected(QCoreApplication::translate("Problems", "'and', 'or' or the end"));
     }
     if (m_fault) {
         return *m_fault;
@@ -256,8 +266,11 @@ void Parser::fail(const Fault<Error> &fault)
 void Parser::failUnexpected(const QString &expected)
 {
     const bool isEnd = m_token.kind == Token::Kind::End;
-    const QString found = isEnd ? u"the end"_s : u"'%1'"_s.arg(m_token.text);
-    fail({Error::Syntax, u"expected %1, found %2"_s.arg(expected, found), m_token.position});
+    const QString found =
+        isEnd ? QCoreApplication::translate("Problems", "the end") : u"'%1'"_s.arg(m_token.text);
+    fail({Error::Syntax,
+          QCoreApplication::translate("Problems", "expected %1, found %2").arg(expected, found),
+          m_token.position});
 }
 
 /// Takes the token if it is the expected one.
@@ -311,7 +324,9 @@ int Parser::partOf(Node::Kind kind, int depth)
 int Parser::negation(int depth)
 {
     if (depth > kMaxDepth) {
-        fail({Error::TooDeep, u"more than %1 parentheses are open"_s.arg(kMaxDepth),
+        fail({Error::TooDeep,
+              QCoreApplication::translate("Problems", "more than %1 parentheses are open")
+                  .arg(kMaxDepth),
               m_token.position});
     }
     if (accept("("_L1)) {
@@ -349,7 +364,7 @@ int Parser::test()
     }
     const auto found = comparison();
     if (!found) {
-        failUnexpected(u"= != < <= > >= or 'is null'"_s);
+        failUnexpected(QCoreApplication::translate("Problems", "= != < <= > >= or 'is null'"));
     }
     advance();
     const Operand right = operand();
@@ -361,7 +376,8 @@ int Parser::nullTest(const Operand &operand)
 {
     const bool isNegated = accept("not"_L1);
     if (!accept("null"_L1)) {
-        failUnexpected(isNegated ? u"'null'"_s : u"'null' or 'not null'"_s);
+        failUnexpected(isNegated ? u"'null'"_s
+                                 : QCoreApplication::translate("Problems", "'null' or 'not null'"));
     }
     const int test = add({Node::Kind::IsNull, Comparison::Equal, -1, -1, operand, {}});
     return isNegated ? addParent(Node::Kind::Not, test) : test;
@@ -371,7 +387,9 @@ Operand Parser::operand()
 {
     Operand found{Operand::Kind::Number, 0, m_token.text, -1, m_token.position};
     if (isWord("null"_L1)) {
-        fail({Error::Syntax, u"compare with 'is null' or 'is not null'"_s, m_token.position});
+        fail({Error::Syntax,
+              QCoreApplication::translate("Problems", "compare with 'is null' or 'is not null'"),
+              m_token.position});
     } else if (m_token.kind == Token::Kind::Number) {
         parseDouble(viewOf(m_token.text), &found.number); // the lexer has checked it
     } else if (m_token.kind == Token::Kind::Text) {
@@ -381,7 +399,8 @@ Operand Parser::operand()
         found.kind = Operand::Kind::Column;
         found.column = columnIndex(m_token.text);
     } else {
-        failUnexpected(u"a column, a number or a text in single quotes"_s);
+        failUnexpected(QCoreApplication::translate(
+            "Problems", "a column, a number or a text in single quotes"));
     }
     advance();
     return found;

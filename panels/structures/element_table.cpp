@@ -26,7 +26,8 @@ constexpr int kRowMargin = 8;       // pixels around the text of a row
 /// The label in two lines, so that a narrow column has room for it.
 QString titleOf(const ParameterInfo &member)
 {
-    const QString unit = member.unit.isEmpty() ? QString() : u" (%1)"_s.arg(member.unit);
+    const QString unit =
+        member.unit.isEmpty() ? QString() : u" (%1)"_s.arg(unitText(member.unit, 2));
     QString title = member.label + unit;
     const qsizetype space = title.lastIndexOf(u' ', title.size() / 2 + 1);
     return space < 0 ? title : title.replace(space, 1, u'\n');

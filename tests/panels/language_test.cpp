@@ -33,7 +33,8 @@ QStringList textsOf(const QWidget &panel)
             texts << spin->suffix();
         } else if (const auto *const box = qobject_cast<const QComboBox *>(widget)) {
             for (int i = 0; i < box->count(); ++i) {
-                texts << box->itemText(i);
+                // An editable box suggests values, which may have a meaning.
+                texts << (box->isEditable() ? box->itemData(i).toString() : box->itemText(i));
             }
         }
     }
@@ -79,6 +80,17 @@ QStringList valuesOf(const QString &type)
     return values;
 }
 
+/// What the values of an action have, as its panel shows it.
+QStringList problemsOf(const QByteArray &element)
+{
+    const panels::Action action = panels::fromXml(element);
+    QStringList texts;
+    for (const ParameterProblem &problem : panels::parametersOf(action).problems()) {
+        texts << problem.text;
+    }
+    return texts;
+}
+
 /// The texts of a new panel for the type, in the current language.
 QStringList textsOfType(const QString &type)
 {
@@ -106,4 +118,61 @@ TEST(Languages, AFrenchPanelHasNoEnglishText)
             EXPECT_FALSE(isText && translated[i] == english[i]) << english[i].toStdString();
         }
     }
+}
+
+TEST(Languages, ProblemsOfValuesAreTranslated)
+{
+    // Each element has as many problems as the number before it.
+    const std::pair<int, QByteArray> elements[] = {
+        {7,
+         "<readCSV fileName='a' separator=';;' types='X' encoding='none' decimal='x2' quote='12' "
+         "ragged='cut'><dateFormat><s>day</s></dateFormat></readCSV>"},
+        {3, "<writeCSV fileName='a' separator='' encoding='none' lineEnd='cr'/>"},
+        {1, "<cast><types><s>a=X</s></types></cast>"},
+        {1, "<select><rename><s>a</s></rename></select>"},
+        {1, "<sort><kinds><s>a=number</s></kinds></sort>"},
+        {1, "<filter where='(a = 1'/>"},
+        {1, "<filter where='a = '/>"},
+        {1, "<filter where='a is not'/>"},
+        {1, "<filter where='a = 1 b'/>"},
+        {1, "<filter where='a 1'/>"},
+        {1, "<filter where='a = null'/>"},
+        {1, "<filter where='a = 1x'/>"},
+        {1, "<filter where='a = &quot;b'/>"},
+        {1, "<filter where='a = ?'/>"},
+        {2, "<readStat fileName='a' fileFormat='9' encoding='none'/>"},
+        {1, "<readXML fileName='a' encoding='none'/>"},
+        {1, "<readJSON fileName='a' types='X'/>"},
+        {1, "<writeDocTable output='a'><v colWidths='-1'/></writeDocTable>"},
+        {2, "<writeReport nPinIn='1'><Chart name='a'><axis pinIdx='3'>x</axis></Chart>"
+            "<Chart name='a'/></writeReport>"},
+    };
+    for (const auto &[count, element] : elements) {
+        const QStringList english = problemsOf(element);
+        const panels::French french;
+        const QStringList translated = problemsOf(element);
+        EXPECT_EQ(english.size(), count) << element.toStdString();
+        ASSERT_EQ(translated.size(), english.size()) << element.toStdString();
+        for (qsizetype i = 0; i < english.size(); ++i) {
+            EXPECT_NE(translated[i], english[i]);
+        }
+    }
+}
+
+TEST(Languages, AUnitHasTheFormForItsNumber)
+{
+    const auto suffixes = [] {
+        const panels::Action action = panels::fromXml("<readExcel fileName='a' skipRows='0'/>");
+        const panels::Panel panel(action->createPanel(nullptr));
+        auto *const box = panel->findChild<QWidget *>(u"skipRows"_s)->findChild<QSpinBox *>();
+        QStringList texts;
+        for (const int rows : {0, 1, 2}) {
+            box->setValue(rows);
+            texts << box->text();
+        }
+        return texts;
+    };
+    EXPECT_EQ(suffixes(), QStringList({u"0 rows"_s, u"1 row"_s, u"2 rows"_s}));
+    const panels::French french;
+    EXPECT_EQ(suffixes(), QStringList({u"0 ligne"_s, u"1 ligne"_s, u"2 lignes"_s}));
 }

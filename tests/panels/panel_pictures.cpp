@@ -22,6 +22,7 @@ namespace {
 
 /// The panels look files up in the background.
 constexpr int kCheckMs = 150;
+constexpr int kUnfoldedHeight = 2000; // of the picture, in pixels
 
 /// Make the input files of the action, so that the picture shows no missing ones. A name of a
 /// template of this project gives a copy of it.
@@ -53,16 +54,16 @@ bool draw(const QString &type, panels::Colors colors, const QCommandLineParser &
     const panels::Panel panel(action->createPanel(nullptr));
     if (options.isSet(u"unfolded"_s)) {
         panels::unfold(*panel);
-        panel->resize(panel->sizeHint().width(), 2000);
+        panel->resize(panel->sizeHint().width(), kUnfoldedHeight);
     } else {
         panel->adjustSize();
         panel->resize(panel->sizeHint());
     }
     panel->show();
     QTest::qWait(kCheckMs);
-    if (!options.isSet(u"unfolded"_s)) {
-        panel->resize(panel->sizeHint()); // with the problems
-    }
+    // With the problems.
+    const QSize size = panel->sizeHint();
+    panel->resize(options.isSet(u"unfolded"_s) ? QSize(size.width(), kUnfoldedHeight) : size);
     QApplication::processEvents();
     const QString suffix = colors == panels::Colors::Light ? u"light"_s : u"dark"_s;
     const QString name = u"%1_%2.png"_s.arg(type, suffix);

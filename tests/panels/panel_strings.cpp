@@ -16,30 +16,36 @@ namespace {
 class Printer
 {
 public:
-    void print(const QString &text)
-    {
-        if (text.isEmpty() || m_printed.contains(text)) {
-            return;
-        }
-        m_printed.insert(text);
-        QString literal = text;
-        literal.replace(u'\\', u"\\\\"_s).replace(u'"', u"\\\""_s).replace(u'\n', u"\\n"_s);
-        std::printf("QT_TRANSLATE_NOOP(\"Parameters\", \"%s\")\n", qUtf8Printable(literal));
-    }
+    void print(const QString &text) { print("QT_TRANSLATE_NOOP", "Parameters", text); }
+    /// A unit has a form for each kind of number.
+    void printUnit(const QString &unit) { print("QT_TRANSLATE_N_NOOP", "Units", unit); }
 
     void print(const QVector<ParameterInfo> &infos)
     {
         for (const ParameterInfo &info : infos) {
             print(info.label.isEmpty() ? info.name : info.label);
             for (const QString &text :
-                 QStringList{info.meaning, info.unit} + info.choices + info.explanations) {
+                 QStringList{info.meaning} + info.choices + info.explanations) {
                 print(text);
             }
+            printUnit(info.unit);
             print(info.members);
         }
     }
 
 private:
+    void print(const char *macro, const char *context, const QString &text)
+    {
+        const QString key = QLatin1StringView(context) + text;
+        if (text.isEmpty() || m_printed.contains(key)) {
+            return;
+        }
+        m_printed.insert(key);
+        QString literal = text;
+        literal.replace(u'\\', u"\\\\"_s).replace(u'"', u"\\\""_s).replace(u'\n', u"\\n"_s);
+        std::printf("%s(\"%s\", \"%s\")\n", macro, context, qUtf8Printable(literal));
+    }
+
     QSet<QString> m_printed;
 };
 

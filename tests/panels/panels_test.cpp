@@ -8,6 +8,7 @@
 #include "tests/panels/panel_keys.h"
 
 #include <QAbstractSpinBox>
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -321,6 +322,8 @@ TEST_P(Panels, NothingIsCutOrOverlaps)
             SCOPED_TRACE(scale);
             SCOPED_TRACE(isFrench ? "French" : "English");
             expectReadable(*panel);
+            const auto *const scroll = panel->findChild<QScrollArea *>();
+            EXPECT_LE(scroll->widget()->width(), scroll->viewport()->width());
         }
     }
     QApplication::setFont(normal);
@@ -386,6 +389,53 @@ TEST(PanelEdits, AnInvalidValueIsRejectedAndExplained)
     EXPECT_EQ(editor.value(u"f1"_s), u"1"_s);
     QTRY_VERIFY_WITH_TIMEOUT(
         line->accessibleDescription().startsWith("expected a decimal number"_L1), 2000);
+    EXPECT_EQ(editor.modified, 0);
+}
+
+TEST(PanelEdits, AButtonSetsTheDefault)
+{
+    UndoEditor editor("<readCSV fileName='a' separator=';' header='0'/>");
+    const auto buttonOf = [&](const QString &name) {
+        const QList<QToolButton *> buttons = editor.panel->findChildren<QToolButton *>(u"reset"_s);
+        const QString label = fieldOf(editor.panel, name)->focusProxy()->accessibleName();
+        return *std::find_if(buttons.begin(), buttons.end(), [&](const QToolButton *button) {
+            return button->accessibleName().contains(label);
+        });
+    };
+    EXPECT_FALSE(buttonOf(u"types"_s)->isVisible());
+    for (const QString &name : {u"separator"_s, u"header"_s}) {
+        ASSERT_TRUE(buttonOf(name)->isVisible()) << name.toStdString();
+        QTest::mouseClick(buttonOf(name), Qt::LeftButton);
+        EXPECT_FALSE(buttonOf(name)->isVisible());
+    }
+    EXPECT_EQ(editor.value(u"separator"_s), u","_s);
+    EXPECT_EQ(editor.value(u"header"_s), u"1"_s);
+    // The field shows the default, and each reset is a step.
+    auto *const line = fieldOf(editor.panel, u"separator"_s)->findChild<QLineEdit *>();
+    EXPECT_EQ(line->text(), u","_s);
+    EXPECT_TRUE(editor.undo());
+    EXPECT_EQ(editor.value(u"header"_s), u"0"_s);
+    EXPECT_TRUE(buttonOf(u"header"_s)->isVisible());
+    EXPECT_TRUE(editor.undo());
+    EXPECT_EQ(line->text(), u";"_s);
+    // The context menu of a field has it too, and says what the default is.
+    const QList<QAction *> actions = fieldOf(editor.panel, u"separator"_s)->actions();
+    ASSERT_EQ(actions.size(), 1);
+    EXPECT_EQ(actions.first()->text(), u"Reset to the default: ,"_s);
+    actions.first()->trigger();
+    EXPECT_EQ(editor.value(u"separator"_s), u","_s);
+    EXPECT_FALSE(actions.first()->isEnabled());
+}
+
+TEST(PanelEdits, AValueThatWasRejectedIsResetToo)
+{
+    UndoEditor editor("<writeSAS fileName='f' autoWidth='1'/>");
+    QWidget *const field = fieldOf(editor.panel, u"f1"_s);
+    auto *const line = field->findChild<QLineEdit *>();
+    line->selectAll();
+    QTest::keyClicks(line, u"x"_s);
+    field->actions().first()->trigger();
+    EXPECT_EQ(line->text(), u"1"_s);
     EXPECT_EQ(editor.modified, 0);
 }
 

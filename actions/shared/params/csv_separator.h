@@ -3,6 +3,7 @@
 #pragma once
 #include "corvanta/action_parameters.h"
 
+#include <QCoreApplication>
 #include <QString>
 
 #include <optional>
@@ -27,8 +28,10 @@ inline QVector<ParameterProblem> separatorProblems(const QString &parameter)
     if (csvSeparator(parameter)) {
         return {};
     }
-    return {{QStringLiteral("separator"),
-             QStringLiteral("the separator '%1' is not one ASCII character").arg(parameter)}};
+    return {
+        {QStringLiteral("separator"),
+         QCoreApplication::translate("Problems", "the separator '%1' is not one ASCII character")
+             .arg(parameter)}};
 }
 
 } // namespace corvanta

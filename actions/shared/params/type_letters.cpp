@@ -4,6 +4,8 @@
 #include "base/counted.h"
 #include "base/mapped.h"
 
+#include <QCoreApplication>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta {
@@ -26,8 +28,9 @@ QStringList trimmedParts(const QString &list)
 
 QVector<ParameterProblem> typeProblems(const QString &types)
 {
-    return listProblems(u"types"_s, trimmedParts(types), isTypeLetter,
-                        u"'%1' is not a column type (K, F, U)"_s);
+    return listProblems(
+        u"types"_s, trimmedParts(types), isTypeLetter,
+        QCoreApplication::translate("Problems", "'%1' is not a column type (K, F, U)"));
 }
 
 bool takeTypeLetters(ActionBase &action, const QString &types, qsizetype columns,

@@ -6,6 +6,8 @@
 #include "base/mapped.h"
 #include "base/nearest_name.h"
 
+#include <QCoreApplication>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta::shared {
@@ -61,8 +63,11 @@ QVector<ParameterProblem> kindProblems(const QStringList &kinds)
     QVector<ParameterProblem> problems;
     for (const QString &text : kinds) {
         if (!text.contains(u'=') || !kindNames().contains(kindOf(text).value)) {
-            problems.append({u"kinds"_s, u"'%1' is not a column and a kind (%2), for example "
-                                         "price=decimal"_s.arg(text, kindNames().join(u", "_s))});
+            problems.append(
+                {u"kinds"_s,
+                 QCoreApplication::translate(
+                     "Problems", "'%1' is not a column and a kind (%2), for example price=decimal")
+                     .arg(text, kindNames().join(u", "_s))});
         }
     }
     return problems;
