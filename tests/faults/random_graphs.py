@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """Random small graphs lose nothing in silence: random_graphs.py CORVANTA [CASES [SEED [ONLY]]]
 
-Each case makes a table, writes it with a writer whose parameters are drawn from its parameter table, and reads the result
-where a reader exists. The files of this run are the reference. Then
+Each case makes a table, passes it through up to three actions that change tables, writes it with a writer whose parameters are
+drawn from its parameter table, and reads the result where a reader exists. The files of this run are the reference. Then
 - the same graph runs again in another form (actions in another order, the table compressed, a pass-through action added),
   which must give the same files; and
 - the graph runs with one mistake (a misspelled name, a value of the wrong type, a truncated input, a second action
@@ -33,8 +33,11 @@ WRITERS = {"writeCSV": ("fileName", ".csv"), "writeJSON": ("fileName", ".json"),
            "writeParquet": ("file", ".parquet"), "writeExcel": ("fileNameDestination", ".xlsx"),
            "writeSAS": ("fileName", ".sas7bdat"), "writeSASXPT": ("fileName", ".xpt")}
 # These start programs, ask the system, or need texts of a grammar of their own.
-LEFT_ALONE = {"runExcel", "fileNameSource", "Prefix", "Suffix", "dateFormat", "floatToString", "Levels", "separator", "level", "compression"}
+LEFT_ALONE = {"runExcel", "fileNameSource", "Prefix", "Suffix", "dateFormat", "floatToString", "Levels", "separator", "level", "compression",
+              "columnFormats", "columnWidths", "headerStyle"}
 COLUMN_PARAMETERS = {"testCol", "splitCol", "splitVar"}
+KINDS = ["integer", "decimal", "text", "date"]
+NEEDS = {("writeAllRows", "0"): "testCol", ("split", "1"): "splitVar", ("splitFile", "1"): "splitCol"}
 # Any number is a valid value of these.
 TAKES_ANY_NUMBER = {"nullNumber"}
 
@@ -60,7 +63,7 @@ class Graph:
     links: list
 
     def xml(self):
-        links = "".join(f"  <link from='{start}:0' to='{end}:0'/>\n" for start, end in self.links)
+        links = "".join(f"  <link from='{start}:0' to='{end if ':' in end else end + ':0'}'/>\n" for start, end in self.links)
         return "<graph version='4.11'>\n" + "".join(action.xml() for action in self.actions) + links + "</graph>\n"
 
     def copy(self):
@@ -85,6 +88,79 @@ class Fault(Exception):
     pass
 
 
+# Actions that change tables. Each returns the action; `table` is what it gets and becomes what it gives.
+
+@dataclass
+class Table:
+    columns: list
+    letters: list
+
+    def some(self, chance):
+        return chance.sample(self.columns, chance.randint(1, len(self.columns)))
+
+
+def kinds_of(table, chance):
+    """Kinds of some columns; most texts of the tables are not numbers, so that a run may fail."""
+    return [f"{name}={chance.choice(KINDS)}" for name in table.columns if chance.random() < 0.2]
+
+
+def selection(table, chance):
+    action = Action("", "select")
+    if chance.random() < 0.5:
+        action.attributes["firstRow"] = str(chance.randint(1, 4))
+    if chance.random() < 0.5:
+        action.attributes["lastRow"] = str(chance.randint(1, 9))
+    if chance.random() < 0.5:
+        action.lists["columns"] = table.some(chance)
+        table.letters = [table.letters[table.columns.index(name)] for name in action.lists["columns"]]
+        table.columns = list(action.lists["columns"])
+    if chance.random() < 0.3:
+        old = chance.choice(table.columns)
+        action.lists["rename"] = [f"{old}=new {old}"]
+        table.columns[table.columns.index(old)] = f"new {old}"
+    return action
+
+
+def condition(table, chance):
+    index = chance.randrange(len(table.columns))
+    value = "'a'" if table.letters[index] == "U" else chance.choice(["0", "42", "-1.5"])
+    test = chance.choice(["is null", "is not null", f"= {value}", f"!= {value}", f"< {value}", f">= {value}"])
+    name = table.columns[index].replace('"', '""')
+    return Action("", "filter", {"where": chance.choice(["", "not "]) + f'"{name}" {test}'})
+
+
+def ordering(table, chance):
+    kinds = kinds_of(table, chance)
+    return Action("", "sort", {}, {"keys": [chance.choice(["", "-"]) + name for name in table.some(chance)]} | ({"kinds": kinds} if kinds else {}))
+
+
+def change_of_types(table, chance):
+    chosen = table.some(chance)
+    letters = {name: chance.choice("KFU") for name in chosen}
+    table.letters = [letters.get(name, letter) for name, letter in zip(table.columns, table.letters)]
+    return Action("", "cast", {"onError": chance.choice("01")}, {"types": [f"{name}={letter}" for name, letter in letters.items()]})
+
+
+def join(table, chance):
+    keys = table.some(chance)
+    others = [(name, letter) for name, letter in zip(table.columns, table.letters) if name not in keys]
+    action = Action("", "join", {"type": chance.choice("012")}, {"keys": keys})
+    if chance.random() < 0.3:
+        action.attributes["suffix"] = " b"
+    table.columns = table.columns + [name + action.attributes.get("suffix", "_2") for name, _ in others]
+    table.letters = table.letters + [letter for _, letter in others]
+    return action
+
+
+def union(_, chance):
+    return Action("", "union", {"match": chance.choice("012")})
+
+
+CHANGES = [selection, condition, ordering, change_of_types, join, union]
+SECOND_INPUT = {"join", "union"}
+OTHERS = ["readCSV", "select", "filter", "sort", "cast", "join", "union"]
+
+
 def cell(text, letter):
     quoted = letter == "U" and any(mark in text for mark in '",\n\r')
     return '"' + text.replace('"', '""') + '"' if quoted else text
@@ -96,6 +172,7 @@ class Case:
     def __init__(self, corvanta, parameters, folder, name):
         self.corvanta = corvanta
         self.parameters = parameters
+        self.columns, self.letters = [], []
         self.folder = folder
         self.chance = random.Random(name)
         self.runs = 0
@@ -131,14 +208,38 @@ class Case:
                 action.lists[name] = self.chance.sample(self.columns, self.chance.randint(1, len(self.columns)))
             elif (value := self.value_of(info)) is not None:
                 action.attributes[name] = value
+        # Most cases without what these values need would fail before the first row.
+        for value, needed in NEEDS.items():
+            if value in action.attributes.items() and self.chance.random() < 0.8:
+                action.attributes.setdefault(needed, self.chance.choice(self.columns))
+        if action.type.startswith("writeSAS"):
+            action.attributes.setdefault("autoWidth", self.chance.choice("01111"))
 
     def make_graph(self):
         writer = self.chance.choice(list(WRITERS))
         parameter, ending = WRITERS[writer]
         table = Action("table", "readCSV", {"fileName": "table.csv", "types": ",".join(self.letters)})
+        graph = Graph([table], [])
+        last = self.add_changes(graph)
         out = Action("out", writer, {parameter: "result" + ending})
         self.fill(out)
-        return Graph([table, out], [("table", "out")])
+        graph.actions.append(out)
+        graph.links.append((last, "out"))
+        return graph
+
+    def add_changes(self, graph):
+        """Add actions that change the table; the name of the last one. A second input is the same table."""
+        changed, last = Table(self.columns, self.letters), "table"
+        for number in range(self.chance.choice([0, 0, 1, 1, 2, 3])):
+            action = self.chance.choice(CHANGES)(changed, self.chance)
+            action.name = f"change{number}"
+            graph.actions.append(action)
+            graph.links.append((last, action.name))
+            if action.type in SECOND_INPUT:
+                graph.links.append((last, f"{action.name}:1"))
+            last = action.name
+        self.columns = changed.columns
+        return last
 
     def run(self, graph):
         """Run a graph in a new output folder."""
@@ -214,10 +315,18 @@ def compressed(case, graph):
     return graph
 
 
+def passed_through(case, graph):
+    """An action without an effect in one of the links."""
+    graph.actions.append(Action("same", case.chance.choice(["select", "union"])))
+    start, end = graph.links.pop(case.chance.randrange(len(graph.links)))
+    graph.links += [(start, "same"), ("same", end)]
+    return graph
+
+
 # Mistakes: each changes the graph or its input, or returns None where it does not apply.
 
 def misspelled_attribute(case, graph):
-    action = case.chance.choice(graph.actions)
+    action = case.chance.choice([action for action in graph.actions if action.attributes])
     name = case.chance.choice(list(action.attributes))
     wrong = case.chance.choice([name.lower(), name.upper(), name[:-1], name + "s", name[1:]])
     if wrong == name or wrong in action.attributes:
@@ -227,16 +336,17 @@ def misspelled_attribute(case, graph):
 
 
 def misspelled_element(case, graph):
-    out = graph.action("out")
-    if not out.lists:
+    with_lists = [action for action in graph.actions if action.lists]
+    if not with_lists:
         return None
-    name = case.chance.choice(list(out.lists))
-    out.lists[name[:-1]] = out.lists.pop(name)
+    action = case.chance.choice(with_lists)
+    name = case.chance.choice(list(action.lists))
+    action.lists[name[:-1]] = action.lists.pop(name)
     return graph
 
 
 def wrong_value(case, graph):
-    out = graph.action("out")
+    out = case.chance.choice(graph.actions)
     typed = {info["name"]: info for info in case.parameters[out.type] if info["type"] in ("integer", "flag", "real")}
     name = case.chance.choice(sorted(typed) or [""])
     if not name:
@@ -252,8 +362,9 @@ def unknown_column(case, graph):
     places = [name for name in COLUMN_PARAMETERS if name in out.attributes]
     if places:
         out.attributes[case.chance.choice(places)] += "?"
-    elif out.lists:
-        case.chance.choice(list(out.lists.values()))[0] += "?"
+    elif lists := [texts for action in graph.actions for texts in action.lists.values()]:
+        texts = case.chance.choice(lists)
+        texts[0] = "?" + texts[0]
     else:
         return None
     return graph
@@ -262,6 +373,8 @@ def unknown_column(case, graph):
 def second_writer(case, graph):
     out = graph.action("out")
     parameter, _ = WRITERS[out.type]
+    if out.attributes.get("split", "0") != "0" or out.attributes.get("splitFile") == "1":
+        return None  # its files have other names
     name = case.chance.choice([out.attributes[parameter], "./" + out.attributes[parameter]])
     graph.actions.append(Action("again", out.type, {parameter: name}))
     graph.links.append(("table", "again"))
@@ -295,11 +408,21 @@ def cut_written(case, graph):
     # Tables and transport files do not say where they end.
     if path.suffix in (".csv", ".xpt") or len(data) < 3:
         return None
-    path.write_bytes(data[:case.chance.randrange(1, len(data) - 1)])
+    rest = data[:case.chance.randrange(1, len(data) - 1)]
+    if path.suffix == ".json" and is_document(rest):
+        return None  # cut between two documents
+    path.write_bytes(rest)
     return graph
 
 
-FORMS = [reordered, compressed]
+def is_document(data):
+    try:
+        return json.loads(data) is not None
+    except ValueError:
+        return False
+
+
+FORMS = [reordered, compressed, passed_through]
 MISTAKES = [misspelled_attribute, misspelled_element, wrong_value, unknown_column, second_writer, missing_input, lost_link, cut_input]
 
 
@@ -343,7 +466,7 @@ def main():
     numbers = [int(word) for word in sys.argv[2:]]
     count, seed = (numbers + [500, 1][len(numbers):])[:2]
     only = numbers[2:]
-    parameters = {kind: parameters_of(corvanta, kind) for kind in WRITERS}
+    parameters = {kind: parameters_of(corvanta, kind) for kind in [*WRITERS, *OTHERS]}
     with ThreadPoolExecutor(os.cpu_count()) as pool:
         found = [text for text in pool.map(lambda number: try_case(corvanta, parameters, seed, number, bool(only)), only or range(count)) if text]
     print("\n".join(found[:20]))
